@@ -1,0 +1,222 @@
+/**
+ * The record of one parameter or group in a tree of parameter descriptions.
+ *
+ * The record is an interchange format: the grabber runtime reads it directly, so its layout is binding to the
+ * byte (64-bit little-endian process, natural alignment). Strings and arrays belong to the tree that made the
+ * record; a reader must not change or release anything.
+ */
+#ifndef VEXO_REGISTER_INFO_H
+#define VEXO_REGISTER_INFO_H
+
+#include <stdbool.h>
+#include <stddef.h>
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/** Values of RegisterInfo::kind. */
+enum RegisterInfoKind {
+    REGISTER_KIND_GROUP = 0,
+    REGISTER_KIND_UINT = 1,
+    REGISTER_KIND_ENUM = 3,
+    REGISTER_KIND_STRING = 5,
+    REGISTER_KIND_DOUBLE = 6,
+    REGISTER_KIND_UINT_FIELD = 7,
+    REGISTER_KIND_DOUBLE_FIELD = 8,
+    REGISTER_KIND_UINT64 = 9,
+    REGISTER_KIND_UINT64_FIELD = 10,
+    REGISTER_KIND_INT = 11,
+    REGISTER_KIND_INT64 = 12,
+    REGISTER_KIND_INT_FIELD = 13,
+    REGISTER_KIND_INT64_FIELD = 14
+};
+
+/** Bits of RegisterInfo::access. */
+enum RegisterInfoAccess {
+    REGISTER_ACCESS_READ = 1,
+    REGISTER_ACCESS_WRITE = 2,
+    REGISTER_ACCESS_WRITE_WHILE_ACQUIRING = 4
+};
+
+enum { REGISTER_INFO_SIZE = 216, REGISTER_INFO_VERSION = 3 };
+
+struct RegisterInfo_v3;
+
+/** The value area, by kind. Array kinds keep the element count where a scalar keeps its increment. */
+typedef union RegisterInfoValue {
+    struct {
+        int32_t childCount;
+        struct RegisterInfo_v3** children;
+        int32_t nextChildIndex;
+    } group;
+    struct {
+        uint32_t minimum, maximum, increment, value;
+    } u32;
+    struct {
+        int32_t minimum, maximum, increment, value;
+    } i32;
+    struct {
+        uint64_t minimum, maximum, increment, value;
+    } u64;
+    struct {
+        int64_t minimum, maximum, increment, value;
+    } i64;
+    struct {
+        double minimum, maximum, increment, value;
+    } f64;
+    struct {
+        uint32_t minimum, maximum;
+        int32_t elementCount, zero;
+        uint32_t first;
+    } u32Field;
+    struct {
+        int32_t minimum, maximum;
+        int32_t elementCount, zero;
+        int32_t first;
+    } i32Field;
+    struct {
+        uint64_t minimum, maximum;
+        int32_t elementCount, zero;
+        uint64_t first;
+    } u64Field;
+    struct {
+        int64_t minimum, maximum;
+        int32_t elementCount, zero;
+        int64_t first;
+    } i64Field;
+    struct {
+        double minimum, maximum;
+        int32_t elementCount, zero;
+        double first;
+    } f64Field;
+    struct {
+        int32_t entryCount;
+        char** labels;
+        int32_t* values;
+        int32_t value;
+        char** symbolicNames;
+    } enumeration;
+    struct {
+        uint64_t unused;
+        char* text;
+    } string;
+} RegisterInfoValue;
+
+typedef struct RegisterInfo_v3 {
+    int32_t kind;            /**< RegisterInfoKind */
+    int32_t index;           /**< position among the parent's children, from 0 */
+    char* displayName;       /**< label, never null */
+    char* name;              /**< parameter name, null in most groups */
+    uint32_t access;         /**< RegisterInfoAccess bits, 0 in groups */
+    int32_t paramClass;      /**< class word for the runtime */
+    int32_t published;       /**< non-zero: part of the XML description */
+    int32_t id;              /**< parameter id, 0 in groups */
+    RegisterInfoValue value; /**< by kind */
+    struct RegisterInfo_v3* next;     /**< next record of the top-level chain, null in children */
+    struct RegisterInfo_v3* previous; /**< previous record of that chain */
+    int32_t depth;                    /**< 0 at top level */
+    char* parentName;                 /**< label of the parent, null at top level */
+    char* unit;                       /**< unit text, may be empty or null */
+    int32_t port;
+    int32_t reserved124;
+    int32_t structSize; /**< REGISTER_INFO_SIZE */
+    int32_t version;    /**< REGISTER_INFO_VERSION */
+    char* description;
+    char* toolTip;
+    char* genICamName;
+    int32_t genICamVisibility;
+    bool genICamStreamable;
+    uint8_t reserved165[3];
+    char** invalidatingNames;
+    uint32_t invalidatingNameCount;
+    uint32_t invalidatingNameCapacity;
+    int32_t genICamType;
+    int32_t reserved188;
+    char** enumEntryDescriptions; /**< enumerations: one text or null for each entry */
+    char** enumEntryToolTips;
+    char** enumEntryGenICamNames;
+} RegisterInfo_v3;
+
+typedef RegisterInfo_v3 RegisterInfo;
+
+#ifdef __cplusplus
+#define VEXO_OFFSET(field, offset)                                                                           \
+    static_assert(offsetof(RegisterInfo_v3, field) == (offset), #field " has moved")
+static_assert(sizeof(RegisterInfo_v3) == REGISTER_INFO_SIZE, "RegisterInfo has another size");
+static_assert(sizeof(RegisterInfoValue) == 40, "the value area has another size");
+#else
+#define VEXO_OFFSET(field, offset)                                                                           \
+    _Static_assert(offsetof(RegisterInfo_v3, field) == (offset), #field " has moved")
+_Static_assert(sizeof(RegisterInfo_v3) == REGISTER_INFO_SIZE, "RegisterInfo has another size");
+_Static_assert(sizeof(RegisterInfoValue) == 40, "the value area has another size");
+#endif
+VEXO_OFFSET(kind, 0);
+VEXO_OFFSET(index, 4);
+VEXO_OFFSET(displayName, 8);
+VEXO_OFFSET(name, 16);
+VEXO_OFFSET(access, 24);
+VEXO_OFFSET(paramClass, 28);
+VEXO_OFFSET(published, 32);
+VEXO_OFFSET(id, 36);
+VEXO_OFFSET(value, 40);
+VEXO_OFFSET(value.group.childCount, 40);
+VEXO_OFFSET(value.group.children, 48);
+VEXO_OFFSET(value.group.nextChildIndex, 56);
+VEXO_OFFSET(value.u32.minimum, 40);
+VEXO_OFFSET(value.u32.maximum, 44);
+VEXO_OFFSET(value.u32.increment, 48);
+VEXO_OFFSET(value.u32.value, 52);
+VEXO_OFFSET(value.i32.value, 52);
+VEXO_OFFSET(value.u64.minimum, 40);
+VEXO_OFFSET(value.u64.maximum, 48);
+VEXO_OFFSET(value.u64.increment, 56);
+VEXO_OFFSET(value.u64.value, 64);
+VEXO_OFFSET(value.i64.value, 64);
+VEXO_OFFSET(value.f64.value, 64);
+VEXO_OFFSET(value.u32Field.elementCount, 48);
+VEXO_OFFSET(value.u32Field.zero, 52);
+VEXO_OFFSET(value.u32Field.first, 56);
+VEXO_OFFSET(value.i32Field.first, 56);
+VEXO_OFFSET(value.u64Field.elementCount, 56);
+VEXO_OFFSET(value.u64Field.zero, 60);
+VEXO_OFFSET(value.u64Field.first, 64);
+VEXO_OFFSET(value.i64Field.first, 64);
+VEXO_OFFSET(value.f64Field.elementCount, 56);
+VEXO_OFFSET(value.f64Field.first, 64);
+VEXO_OFFSET(value.enumeration.entryCount, 40);
+VEXO_OFFSET(value.enumeration.labels, 48);
+VEXO_OFFSET(value.enumeration.values, 56);
+VEXO_OFFSET(value.enumeration.value, 64);
+VEXO_OFFSET(value.enumeration.symbolicNames, 72);
+VEXO_OFFSET(value.string.text, 48);
+VEXO_OFFSET(next, 80);
+VEXO_OFFSET(previous, 88);
+VEXO_OFFSET(depth, 96);
+VEXO_OFFSET(parentName, 104);
+VEXO_OFFSET(unit, 112);
+VEXO_OFFSET(port, 120);
+VEXO_OFFSET(reserved124, 124);
+VEXO_OFFSET(structSize, 128);
+VEXO_OFFSET(version, 132);
+VEXO_OFFSET(description, 136);
+VEXO_OFFSET(toolTip, 144);
+VEXO_OFFSET(genICamName, 152);
+VEXO_OFFSET(genICamVisibility, 160);
+VEXO_OFFSET(genICamStreamable, 164);
+VEXO_OFFSET(reserved165, 165);
+VEXO_OFFSET(invalidatingNames, 168);
+VEXO_OFFSET(invalidatingNameCount, 176);
+VEXO_OFFSET(invalidatingNameCapacity, 180);
+VEXO_OFFSET(genICamType, 184);
+VEXO_OFFSET(reserved188, 188);
+VEXO_OFFSET(enumEntryDescriptions, 192);
+VEXO_OFFSET(enumEntryToolTips, 200);
+VEXO_OFFSET(enumEntryGenICamNames, 208);
+#undef VEXO_OFFSET
+
+#ifdef __cplusplus
+}
+#endif
+#endif
