@@ -1,0 +1,207 @@
+/**
+ * The functions that libGrab_TwinLaneLineColor.so exports.
+ *
+ * They bear the names of the grabber runtime's own functions; the runtime sends a caller's calls for a handle of
+ * this applet to them. `fg` is the caller's handle: its first word is the object that Std_entry returned.
+ *
+ * Unless a function says otherwise:
+ *  - a bad handle (`fg` null, or its first word null) gives FG_ERR_INVALID_HANDLE;
+ *  - the result is also stored and read back by Fg_getLastErrorNumber;
+ *  - Fg_setParameterWithType and Fg_getParameterWithType hold the object's lock for the whole call, so that
+ *    accesses from several threads run one after another; no other function takes it.
+ */
+#ifndef VEXO_FG_API_H
+#define VEXO_FG_API_H
+
+#include "vexo/board_access.h"
+#include "vexo/design_loader.h"
+#include "vexo/fg_errors.h"
+#include "vexo/fg_parameters.h"
+#include "vexo/register_info.h"
+
+#include <stddef.h>
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/** A grabber handle. To this library only its first word matters, a pointer to the applet's object. */
+typedef struct Fg_Struct_s Fg_Struct;
+
+/** Opaque; this applet has no shading hardware. */
+typedef struct ShadingMaster ShadingMaster;
+
+/** Tells how a value is handed through the `value` pointer of a typed access. */
+typedef int FgParamTypes;
+enum {
+    FG_PARAM_INT32 = 1,
+    FG_PARAM_UINT32 = 2,
+    FG_PARAM_INT64 = 3,
+    FG_PARAM_UINT64 = 4,
+    FG_PARAM_DOUBLE = 5,
+    /** A character buffer of the caller; nobody knows its size. */
+    FG_PARAM_TEXT = 6,
+    /** On a get: a place for a pointer to a text that the library allocates. */
+    FG_PARAM_ALLOCATED_STRING = 22,
+    /** A FieldParameterAccess record. */
+    FG_PARAM_FIELD_ACCESS = 4096,
+    /** A FieldParameterInt_s record. */
+    FG_PARAM_FIELD_INT = 4098
+};
+
+/** One element of an integer array parameter. */
+typedef struct FieldParameterInt_s {
+    uint32_t value;
+    uint32_t index; /**< element, from 0 */
+} FieldParameterInt_s;
+
+/** One element of a floating point array parameter. */
+typedef struct FieldParameterDouble_s {
+    double value;
+    uint32_t index; /**< element, from 0 */
+} FieldParameterDouble_s;
+
+/** A run of elements of an array parameter. */
+typedef struct FieldParameterAccess {
+    FgParamTypes vtype; /**< width of the caller's elements: tags 1 and 2 are 32 bits, 3 to 5 are 64 bits */
+    uint32_t index;     /**< first element, from 0 */
+    uint32_t count;     /**< number of elements */
+    void* values;       /**< the caller's array of at least `count` elements */
+} FieldParameterAccess;
+
+/** An event as query 5120 of Info answers it. The texts belong to the library. */
+typedef struct FgEventRecord {
+    const char* name;
+    int32_t value;
+    const char* description; /**< stored only for a record version of 1 or more */
+} FgEventRecord;
+
+/** First id of direct register access is FG_DIRECT_REGISTER_BASE + 1, only with VEXO_ENABLE_DRA switched on. */
+#define FG_DIRECT_REGISTER_BASE 1000000
+/** First id of direct design parameter access is FG_DIRECT_PARAMETER_BASE + 1. */
+#define FG_DIRECT_PARAMETER_BASE 2000000
+
+/**
+ * Creates the object of one opened board, binds the runtime, loads the design and brings the parameters up.
+ *
+ * @param device  the runtime's board, kept as a handle only
+ * @param error   receives 0 or the failure's code; may be null. FG_ERR_UNRESOLVED: the runtime's library or its
+ *                init function is not found; FG_ERR_INIT: the design cannot be loaded (the object is then left
+ *                behind on purpose); else the runtime's own code
+ * @param flags   handed to the runtime. Bit 0 set leaves the hardware as it is: no default value is written
+ * @return the object, to be stored in the first word of the caller's handle; null on failure. Fg_FreeGrabber
+ *         destroys it. Takes no lock.
+ */
+void* Std_entry(LOOMdevice* device, int* error, int flags);
+
+/**
+ * Answers a question about the applet. Needs no object.
+ *
+ * @param code  the question
+ * @param arg1  @param arg2  numbers, by code
+ * @param in    @param out   places of the caller, by code; a null destination skips the store unless the code
+ *              insists on it
+ * @return the answer or 0; FG_ERR_NOT_SUPPORTED for an unknown code, FG_ERR_INVALID_ARGUMENT for bad arguments.
+ *         Codes 4864 and 4896 create and destroy an offline instance. Takes no lock.
+ */
+int32_t Info(int code, int arg1, int arg2, void* in, void* out);
+
+/**
+ * Sets a parameter.
+ *
+ * @param id     an id of fg_parameters.h; FG_DIRECT_REGISTER_BASE or FG_DIRECT_PARAMETER_BASE plus a number
+ * @param value  the value in the parameter's own width, whatever `type` says; for array parameters the record
+ *               that `type` names
+ * @param dma    0, the only DMA channel
+ * @return 0; FG_ERR_INVALID_ARGUMENT: null value, unknown id or DMA channel; FG_ERR_NOT_AVAILABLE: read-only;
+ *         FG_ERR_OUT_OF_RANGE or FG_ERR_GRANULARITY: refused by the parameter; else the code of the runtime.
+ */
+int Fg_setParameterWithType(Fg_Struct* fg, int id, const void* value, int dma, FgParamTypes type);
+
+/**
+ * Reads a parameter into `*value`, in the parameter's own width whatever `type` says (texts and array parameters
+ * heed it). With tag 3 or 4 the 64-bit word at `value` is cleared first. A text read with
+ * FG_PARAM_ALLOCATED_STRING belongs to the library until Fg_freeParameterStringWithType or the object's end.
+ */
+int Fg_getParameterWithType(Fg_Struct* fg, int id, void* value, int dma, FgParamTypes type);
+
+/**
+ * Releases a text that a get with FG_PARAM_ALLOCATED_STRING handed out.
+ *
+ * @param value  the text itself
+ * @return 0; FG_ERR_INVALID_ARGUMENT: not a text of this object; FG_ERR_STRING_TAG: another tag than
+ *         FG_PARAM_ALLOCATED_STRING (not stored). An unknown DMA channel leaves the function as a thrown `int`.
+ */
+int Fg_freeParameterStringWithType(Fg_Struct* fg, int id, void* value, int dma, FgParamTypes type);
+
+/** Number of parameter names, direct ones included. Nothing is stored. */
+int Fg_getNrOfParameter(Fg_Struct* fg);
+
+/** Name of parameter number `index`, from 0; owned by the object. Null for a bad handle or an unknown index. */
+const char* Fg_getParameterName(Fg_Struct* fg, int index);
+
+/** Id of parameter number `index`, or FG_ERR_INVALID_ARGUMENT (also for the names of direct design parameters). */
+int Fg_getParameterId(Fg_Struct* fg, int index);
+
+/** Id of the parameter of that name, case counts; FG_ERR_INVALID_ARGUMENT for null, empty or unknown names. */
+int Fg_getParameterIdByName(Fg_Struct* fg, const char* name);
+
+/** Root record of parameter tree `index` (0 is the only one), or null. Nothing is stored. */
+RegisterInfo* Fg_getParameterInfo(Fg_Struct* fg, int index);
+
+/** Describes the parameter tree as XML. Not built yet: FG_ERR_NOT_SUPPORTED. */
+int Fg_getParameterInfoXML(Fg_Struct* fg, int index, char* buffer, unsigned long* size);
+
+/** Mask of the event of that name, an applet's or a design's; 0 for a bad handle or an unknown name. */
+uint64_t Fg_getEventMask(Fg_Struct* fg, const char* name);
+
+/** Name of the event with exactly that mask, owned by the object; null if there is none. */
+const char* Fg_getEventName(Fg_Struct* fg, uint64_t mask);
+
+/** Saves all parameters to a file. Not built yet: FG_ERR_NOT_SUPPORTED. */
+int Fg_saveConfig(Fg_Struct* fg, const char* file);
+
+/** Loads parameters from a file. Not built yet: FG_ERR_NOT_SUPPORTED. */
+int Fg_loadConfig(Fg_Struct* fg, const char* file);
+
+/** Result of the last call on this handle that stored one. */
+int Fg_getLastErrorNumber(Fg_Struct* fg);
+
+/**
+ * Frees the runtime's inner grabber, then destroys the object and clears the first word of `fg`.
+ * Returns the runtime's result. No other call may be under way on the handle.
+ */
+int Fg_FreeGrabber(Fg_Struct* fg);
+
+/*
+ * Forwarded to the runtime with its inner handle, arguments unchanged. FG_ERR_NOT_AVAILABLE: the runtime lacks
+ * the function or the inner handle. After a negative result the stored number is the runtime's last error.
+ */
+int Fg_getAppletId(Fg_Struct* fg, uintptr_t arg);
+int Fg_AcquireEx(Fg_Struct* fg, int dma, intptr_t frames, int flags, void* memory);
+int Fg_stopAcquireEx(Fg_Struct* fg, int dma, void* memory, int flags);
+int64_t Fg_getStatusEx(Fg_Struct* fg, int what, intptr_t arg, int dma, void* memory);
+int64_t Fg_getLastPicNumberEx(Fg_Struct* fg, int dma, void* memory);
+int64_t Fg_getLastPicNumberBlockingEx(Fg_Struct* fg, intptr_t picture, int dma, int timeoutSeconds, void* memory);
+
+/* This applet has no shading: Fg_AllocShading gives null and stores -1, all others FG_ERR_NOT_SUPPORTED. */
+ShadingMaster* Fg_AllocShading(Fg_Struct* fg, int set, int dma);
+int Fg_FreeShading(Fg_Struct* fg, ShadingMaster* shading);
+int Shad_SetSubValueLine(Fg_Struct* fg, ShadingMaster* shading, int x, int channel, float value);
+int Shad_SetMultValueLine(Fg_Struct* fg, ShadingMaster* shading, int x, int channel, float value);
+int Shad_SetFixedPatternNoiseLine(Fg_Struct* fg, ShadingMaster* shading, int x, int channel, int on);
+int Shad_GetMaxLine(Fg_Struct* fg, ShadingMaster* shading);
+int Shad_GetAccess(Fg_Struct* fg, ShadingMaster* shading);
+int Shad_FreeAccess(Fg_Struct* fg, ShadingMaster* shading);
+int Shad_WriteActLine(Fg_Struct* fg, ShadingMaster* shading, int line);
+
+/*
+ * The library exports mkstemps(char* pattern, int suffixLength) as well, for systems whose C library lacks it;
+ * <stdlib.h> declares it.
+ */
+
+#ifdef __cplusplus
+}
+#endif
+#endif
