@@ -1,0 +1,101 @@
+/**
+ * Control of the virtual board: a software model of the grabber and its design behind libgrabcore5.so,
+ * libtslrt.so and libvexo_hw.so.
+ *
+ * A host opens the three libraries by absolute path, libvexo_hw.so first, and finds these functions in
+ * libvexo_hw.so. Everything that a design *is* (which parameters, events, registers and runtime entry points it
+ * has) is set for the whole process and holds for designs loaded and runtimes bound afterwards; everything that
+ * a board *does* (values, faults, access log) belongs to one board. All functions may be called from any thread.
+ * Unknown names answer VBOARD_UNKNOWN and change nothing.
+ */
+#ifndef VIRTUAL_BOARD_H
+#define VIRTUAL_BOARD_H
+
+#include "vexo/board_access.h"
+
+#include <stdbool.h>
+#include <stddef.h>
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+enum { VBOARD_OK = 0, VBOARD_UNKNOWN = -1, VBOARD_TOO_SMALL = -2 };
+
+/** A new board with the design's start values; to be handed to Std_entry. Close it after its last handle. */
+LOOMdevice* vboard_open(void);
+/** Releases a board. A null board does nothing. */
+void vboard_close(LOOMdevice* board);
+/** Puts start values back, clears the log and forgets faults and forced answers. */
+void vboard_reset(LOOMdevice* board);
+
+/** Takes a design parameter (full name, "Device1_...") out of every design or puts it back. */
+int vboard_lack_parameter(const char* name, bool lacking);
+/** Takes an event out of every design or puts it back; later events move up by one place. */
+int vboard_lack_event(const char* name, bool lacking);
+/** Hides a function of libgrabcore5.so from dlsym or shows it again. */
+int vboard_hide_entry(const char* name, bool hidden);
+/** Appends `count` events "Extra0", "Extra1", ... (published) behind the design's own. */
+void vboard_extra_events(int count);
+/** Makes the design loader refuse every design, or load again. */
+void vboard_refuse_design(bool refuse);
+/** Makes the runtime's init answer null with this last error; `fail` false: work again. */
+void vboard_fail_init(bool fail, int lastError);
+/** All of the above back to normal. */
+void vboard_restore_design(void);
+
+/** What an access was. Bits, so that they serve as a mask too. */
+enum {
+    VBOARD_SET = 1,            /**< typed set of a design parameter */
+    VBOARD_GET = 2,            /**< typed get of a design parameter or of one of the runtime's own */
+    VBOARD_REGISTER_WRITE = 4, /**< VexoRegisterWrite */
+    VBOARD_REGISTER_READ = 8,  /**< VexoRegisterRead */
+    VBOARD_RESOLVE = 16,       /**< Fg_getParameterIdByName */
+    VBOARD_CALL = 32           /**< any other function of the runtime that takes the handle */
+};
+
+/** Which kinds of access are logged and count for faults. At start: SET, GET, REGISTER_WRITE, REGISTER_READ. */
+void vboard_log_kinds(LOOMdevice* board, unsigned mask);
+/** Number of accesses logged since the last clear. */
+size_t vboard_log_size(LOOMdevice* board);
+/**
+ * Writes access `index` as one line, ended, without line break, into `text` of `size` bytes:
+ *   "set Device1_Process0_Buffer_0_XLength u32 1024"      u32 i32 u64 i64 by tag, decimal
+ *   "set Device1_Process0_Trigger_Trigger_ExsyncPeriod f64 200"   shortest decimal that reads back the same
+ *   "get Device1_Process0_AppletProperties_AppletUid text ABC"
+ *   "set Device1_Process0_LookupTable_R_LUTcontent field 0+16384"   first element + count
+ *   "write Control u32 1" / "read Control u32 1"   registers, by width u32 or u64
+ *   "resolve NAME = ID", "call Fg_saveConfig"
+ * A failed access ends in " = " and its code; a failed get has no value: "get NAME u32 = -2010".
+ * Returns the length, or VBOARD_UNKNOWN for an index outside, VBOARD_TOO_SMALL.
+ */
+int vboard_log_line(LOOMdevice* board, size_t index, char* text, size_t size);
+void vboard_log_clear(LOOMdevice* board);
+
+enum { VBOARD_ONCE = 0, VBOARD_FROM_THEN_ON = 1 };
+/** Access number `k` from now on (1: the next), and with VBOARD_FROM_THEN_ON all later ones too, fails with
+ *  `code` and has no effect. k 0: no such fault. */
+void vboard_fail_access(LOOMdevice* board, unsigned k, int code, int how);
+/** Number of accesses since vboard_fail_access was last called. */
+unsigned vboard_access_count(LOOMdevice* board);
+/** Every access of this parameter or register fails with `code`; 0: works again. */
+int vboard_fail_name(LOOMdevice* board, const char* name, int code);
+/** A function of the runtime that takes the handle (Fg_getAppletId, Fg_AcquireEx, ...) answers `value`. */
+int vboard_answer(LOOMdevice* board, const char* function, int64_t value);
+/** What the runtime's Fg_getLastErrorNumber answers for handles of this board. */
+void vboard_last_error(LOOMdevice* board, int code);
+
+/* The present value of a design parameter or register, past every check: no log, no fault, no direction. */
+int vboard_poke_int(LOOMdevice* board, const char* name, int64_t value);
+int vboard_poke_double(LOOMdevice* board, const char* name, double value);
+int vboard_poke_text(LOOMdevice* board, const char* name, const char* value);
+int vboard_peek_int(LOOMdevice* board, const char* name, int64_t* value);
+int vboard_peek_double(LOOMdevice* board, const char* name, double* value);
+/** Copies `count` elements of an array parameter from `first` on. */
+int vboard_peek_field(LOOMdevice* board, const char* name, uint32_t first, uint32_t count, uint32_t* values);
+
+#ifdef __cplusplus
+}
+#endif
+#endif
