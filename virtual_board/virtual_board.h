@@ -3,10 +3,10 @@
  * libtslrt.so and libvexo_hw.so.
  *
  * A host opens the three libraries by absolute path, libvexo_hw.so first, and finds these functions in
- * libvexo_hw.so. Everything that a design *is* (which parameters, events, registers and runtime entry points it
- * has) is set for the whole process and holds for designs loaded and runtimes bound afterwards; everything that
- * a board *does* (values, faults, access log) belongs to one board. All functions may be called from any thread.
- * Unknown names answer VBOARD_UNKNOWN and change nothing.
+ * libvexo_hw.so. Everything that a design *is* (which parameters, events, registers and runtime entry points
+ * it has) is set for the whole process and holds for designs loaded and runtimes bound afterwards; everything
+ * that a board *does* (values, faults, access log) belongs to one board. All functions may be called from any
+ * thread. Unknown names answer VBOARD_UNKNOWN and change nothing.
  */
 #ifndef VIRTUAL_BOARD_H
 #define VIRTUAL_BOARD_H
@@ -55,7 +55,8 @@ enum {
     VBOARD_CALL = 32           /**< any other function of the runtime that takes the handle */
 };
 
-/** Which kinds of access are logged and count for faults. At start: SET, GET, REGISTER_WRITE, REGISTER_READ. */
+/** Which kinds of access are logged and count for faults. At start: SET, GET, REGISTER_WRITE, REGISTER_READ.
+ */
 void vboard_log_kinds(LOOMdevice* board, unsigned mask);
 /** Number of accesses logged since the last clear. */
 size_t vboard_log_size(LOOMdevice* board);

@@ -11,7 +11,8 @@ extern "C" {
 /** An opened board. Opaque; it belongs to the runtime. */
 typedef struct LOOMdevice LOOMdevice;
 
-/** Reads register `reg` of the board into `*value`. 0 on success, else a negative code and `*value` untouched. */
+/** Reads register `reg` of the board into `*value`. 0 on success, else a negative code and `*value`
+ * untouched. */
 int VexoRegisterRead(LOOMdevice* board, int reg, uint64_t* value);
 
 /** Writes `value` to register `reg` of the board. 0 on success, else a negative code. */

@@ -1,8 +1,8 @@
 /**
  * The functions that libGrab_TwinLaneLineColor.so exports.
  *
- * They bear the names of the grabber runtime's own functions; the runtime sends a caller's calls for a handle of
- * this applet to them. `fg` is the caller's handle: its first word is the object that Std_entry returned.
+ * They bear the names of the grabber runtime's own functions; the runtime sends a caller's calls for a handle
+ * of this applet to them. `fg` is the caller's handle: its first word is the object that Std_entry returned.
  *
  * Unless a function says otherwise:
  *  - a bad handle (`fg` null, or its first word null) gives FG_ERR_INVALID_HANDLE;
@@ -77,7 +77,8 @@ typedef struct FgEventRecord {
     const char* description; /**< stored only for a record version of 1 or more */
 } FgEventRecord;
 
-/** First id of direct register access is FG_DIRECT_REGISTER_BASE + 1, only with VEXO_ENABLE_DRA switched on. */
+/** First id of direct register access is FG_DIRECT_REGISTER_BASE + 1, only with VEXO_ENABLE_DRA switched on.
+ */
 #define FG_DIRECT_REGISTER_BASE 1000000
 /** First id of direct design parameter access is FG_DIRECT_PARAMETER_BASE + 1. */
 #define FG_DIRECT_PARAMETER_BASE 2000000
@@ -86,9 +87,9 @@ typedef struct FgEventRecord {
  * Creates the object of one opened board, binds the runtime, loads the design and brings the parameters up.
  *
  * @param device  the runtime's board, kept as a handle only
- * @param error   receives 0 or the failure's code; may be null. FG_ERR_UNRESOLVED: the runtime's library or its
- *                init function is not found; FG_ERR_INIT: the design cannot be loaded (the object is then left
- *                behind on purpose); else the runtime's own code
+ * @param error   receives 0 or the failure's code; may be null. FG_ERR_UNRESOLVED: the runtime's library or
+ * its init function is not found; FG_ERR_INIT: the design cannot be loaded (the object is then left behind on
+ * purpose); else the runtime's own code
  * @param flags   handed to the runtime. Bit 0 set leaves the hardware as it is: no default value is written
  * @return the object, to be stored in the first word of the caller's handle; null on failure. Fg_FreeGrabber
  *         destroys it. Takes no lock.
@@ -102,8 +103,8 @@ void* Std_entry(LOOMdevice* device, int* error, int flags);
  * @param arg1  @param arg2  numbers, by code
  * @param in    @param out   places of the caller, by code; a null destination skips the store unless the code
  *              insists on it
- * @return the answer or 0; FG_ERR_NOT_SUPPORTED for an unknown code, FG_ERR_INVALID_ARGUMENT for bad arguments.
- *         Codes 4864 and 4896 create and destroy an offline instance. Takes no lock.
+ * @return the answer or 0; FG_ERR_NOT_SUPPORTED for an unknown code, FG_ERR_INVALID_ARGUMENT for bad
+ * arguments. Codes 4864 and 4896 create and destroy an offline instance. Takes no lock.
  */
 int32_t Info(int code, int arg1, int arg2, void* in, void* out);
 
@@ -120,8 +121,8 @@ int32_t Info(int code, int arg1, int arg2, void* in, void* out);
 int Fg_setParameterWithType(Fg_Struct* fg, int id, const void* value, int dma, FgParamTypes type);
 
 /**
- * Reads a parameter into `*value`, in the parameter's own width whatever `type` says (texts and array parameters
- * heed it). With tag 3 or 4 the 64-bit word at `value` is cleared first. A text read with
+ * Reads a parameter into `*value`, in the parameter's own width whatever `type` says (texts and array
+ * parameters heed it). With tag 3 or 4 the 64-bit word at `value` is cleared first. A text read with
  * FG_PARAM_ALLOCATED_STRING belongs to the library until Fg_freeParameterStringWithType or the object's end.
  */
 int Fg_getParameterWithType(Fg_Struct* fg, int id, void* value, int dma, FgParamTypes type);
@@ -131,20 +132,24 @@ int Fg_getParameterWithType(Fg_Struct* fg, int id, void* value, int dma, FgParam
  *
  * @param value  the text itself
  * @return 0; FG_ERR_INVALID_ARGUMENT: not a text of this object; FG_ERR_STRING_TAG: another tag than
- *         FG_PARAM_ALLOCATED_STRING (not stored). An unknown DMA channel leaves the function as a thrown `int`.
+ *         FG_PARAM_ALLOCATED_STRING (not stored). An unknown DMA channel leaves the function as a thrown
+ * `int`.
  */
 int Fg_freeParameterStringWithType(Fg_Struct* fg, int id, void* value, int dma, FgParamTypes type);
 
 /** Number of parameter names, direct ones included. Nothing is stored. */
 int Fg_getNrOfParameter(Fg_Struct* fg);
 
-/** Name of parameter number `index`, from 0; owned by the object. Null for a bad handle or an unknown index. */
+/** Name of parameter number `index`, from 0; owned by the object. Null for a bad handle or an unknown index.
+ */
 const char* Fg_getParameterName(Fg_Struct* fg, int index);
 
-/** Id of parameter number `index`, or FG_ERR_INVALID_ARGUMENT (also for the names of direct design parameters). */
+/** Id of parameter number `index`, or FG_ERR_INVALID_ARGUMENT (also for the names of direct design
+ * parameters). */
 int Fg_getParameterId(Fg_Struct* fg, int index);
 
-/** Id of the parameter of that name, case counts; FG_ERR_INVALID_ARGUMENT for null, empty or unknown names. */
+/** Id of the parameter of that name, case counts; FG_ERR_INVALID_ARGUMENT for null, empty or unknown names.
+ */
 int Fg_getParameterIdByName(Fg_Struct* fg, const char* name);
 
 /** Root record of parameter tree `index` (0 is the only one), or null. Nothing is stored. */
@@ -175,15 +180,17 @@ int Fg_getLastErrorNumber(Fg_Struct* fg);
 int Fg_FreeGrabber(Fg_Struct* fg);
 
 /*
- * Forwarded to the runtime with its inner handle, arguments unchanged. FG_ERR_NOT_AVAILABLE: the runtime lacks
- * the function or the inner handle. After a negative result the stored number is the runtime's last error.
+ * Forwarded to the runtime with its inner handle, arguments unchanged. FG_ERR_NOT_AVAILABLE: the runtime
+ * lacks the function or the inner handle. After a negative result the stored number is the runtime's last
+ * error.
  */
 int Fg_getAppletId(Fg_Struct* fg, uintptr_t arg);
 int Fg_AcquireEx(Fg_Struct* fg, int dma, intptr_t frames, int flags, void* memory);
 int Fg_stopAcquireEx(Fg_Struct* fg, int dma, void* memory, int flags);
 int64_t Fg_getStatusEx(Fg_Struct* fg, int what, intptr_t arg, int dma, void* memory);
 int64_t Fg_getLastPicNumberEx(Fg_Struct* fg, int dma, void* memory);
-int64_t Fg_getLastPicNumberBlockingEx(Fg_Struct* fg, intptr_t picture, int dma, int timeoutSeconds, void* memory);
+int64_t Fg_getLastPicNumberBlockingEx(Fg_Struct* fg, intptr_t picture, int dma, int timeoutSeconds,
+                                      void* memory);
 
 /* This applet has no shading: Fg_AllocShading gives null and stores -1, all others FG_ERR_NOT_SUPPORTED. */
 ShadingMaster* Fg_AllocShading(Fg_Struct* fg, int set, int dma);
@@ -197,8 +204,8 @@ int Shad_FreeAccess(Fg_Struct* fg, ShadingMaster* shading);
 int Shad_WriteActLine(Fg_Struct* fg, ShadingMaster* shading, int line);
 
 /*
- * The library exports mkstemps(char* pattern, int suffixLength) as well, for systems whose C library lacks it;
- * <stdlib.h> declares it.
+ * The library exports mkstemps(char* pattern, int suffixLength) as well, for systems whose C library lacks
+ * it; <stdlib.h> declares it.
  */
 
 #ifdef __cplusplus

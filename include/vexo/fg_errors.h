@@ -6,7 +6,8 @@ enum FgResult {
     FG_OK = 0,
     /** A typed parser call failed; also stored by Fg_AllocShading when there is no shading. */
     FG_ERR_PARSER = -1,
-    /** Not available: the runtime lacks the function or the inner handle; or a write to a read-only parameter. */
+    /** Not available: the runtime lacks the function or the inner handle; or a write to a read-only
+       parameter. */
     FG_ERR_NOT_AVAILABLE = -12,
     /** The design could not be loaded, or the runtime's init failed without a code of its own. */
     FG_ERR_INIT = -100,
@@ -14,9 +15,11 @@ enum FgResult {
     FG_ERR_BUFFER = -500,
     /** Invalid handle: null, or its first word is null. */
     FG_ERR_INVALID_HANDLE = -2001,
-    /** A library or entry point cannot be resolved; a source has no mapping; a direct design access failed. */
+    /** A library or entry point cannot be resolved; a source has no mapping; a direct design access failed.
+     */
     FG_ERR_UNRESOLVED = -2031,
-    /** Invalid argument: null value, unknown id, DMA index, name or index, string not owned, field out of bounds. */
+    /** Invalid argument: null value, unknown id, DMA index, name or index, string not owned, field out of
+       bounds. */
     FG_ERR_INVALID_ARGUMENT = -2070,
     /** A value that is in its enumeration has no translation; a tree index without a tree. */
     FG_ERR_NO_TRANSLATION = -2075,

@@ -1,8 +1,8 @@
 /**
  * What the applet binds by name from the grabber runtime, libgrabcore5.so.
  *
- * Function types, not functions: the applet exports functions of the same names. Every entry is optional; what
- * the runtime lacks answers FG_ERR_NOT_AVAILABLE. `fg` is the runtime's own handle, the inner one.
+ * Function types, not functions: the applet exports functions of the same names. Every entry is optional;
+ * what the runtime lacks answers FG_ERR_NOT_AVAILABLE. `fg` is the runtime's own handle, the inner one.
  * Access functions return 0 on success and a negative code on failure, and act on the hardware at once.
  */
 #ifndef VEXO_GRABBER_RUNTIME_H
@@ -42,8 +42,8 @@ typedef int grabcore_AcquireEx(Fg_Struct* fg, int dma, intptr_t frames, int flag
 typedef int grabcore_stopAcquireEx(Fg_Struct* fg, int dma, void* memory, int flags);
 typedef int64_t grabcore_getStatusEx(Fg_Struct* fg, int what, intptr_t arg, int dma, void* memory);
 typedef int64_t grabcore_getLastPicNumberEx(Fg_Struct* fg, int dma, void* memory);
-typedef int64_t grabcore_getLastPicNumberBlockingEx(Fg_Struct* fg, intptr_t picture, int dma, int timeoutSeconds,
-                                                    void* memory);
+typedef int64_t grabcore_getLastPicNumberBlockingEx(Fg_Struct* fg, intptr_t picture, int dma,
+                                                    int timeoutSeconds, void* memory);
 
 #ifdef __cplusplus
 }

@@ -4,9 +4,9 @@
  * The applet opens "<SDK directory>/lib64/libcommon-logging-dispatcher.so" and looks up the data symbol
  * `logging_dispatcher_descriptor`. Without it, logging is off.
  *
- * Levels are numbers; higher is more severe. A line passes a logger when its level is at or above the logger's
- * threshold. The applet logs at 4 (refused calls, missing ids), 5 (failed design access) and 6 (the runtime
- * could not be bound).
+ * Levels are numbers; higher is more severe. A line passes a logger when its level is at or above the
+ * logger's threshold. The applet logs at 4 (refused calls, missing ids), 5 (failed design access) and 6 (the
+ * runtime could not be bound).
  */
 #ifndef VEXO_LOGGING_DISPATCHER_H
 #define VEXO_LOGGING_DISPATCHER_H

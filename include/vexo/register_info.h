@@ -105,15 +105,15 @@ typedef union RegisterInfoValue {
 } RegisterInfoValue;
 
 typedef struct RegisterInfo_v3 {
-    int32_t kind;            /**< RegisterInfoKind */
-    int32_t index;           /**< position among the parent's children, from 0 */
-    char* displayName;       /**< label, never null */
-    char* name;              /**< parameter name, null in most groups */
-    uint32_t access;         /**< RegisterInfoAccess bits, 0 in groups */
-    int32_t paramClass;      /**< class word for the runtime */
-    int32_t published;       /**< non-zero: part of the XML description */
-    int32_t id;              /**< parameter id, 0 in groups */
-    RegisterInfoValue value; /**< by kind */
+    int32_t kind;                     /**< RegisterInfoKind */
+    int32_t index;                    /**< position among the parent's children, from 0 */
+    char* displayName;                /**< label, never null */
+    char* name;                       /**< parameter name, null in most groups */
+    uint32_t access;                  /**< RegisterInfoAccess bits, 0 in groups */
+    int32_t paramClass;               /**< class word for the runtime */
+    int32_t published;                /**< non-zero: part of the XML description */
+    int32_t id;                       /**< parameter id, 0 in groups */
+    RegisterInfoValue value;          /**< by kind */
     struct RegisterInfo_v3* next;     /**< next record of the top-level chain, null in children */
     struct RegisterInfo_v3* previous; /**< previous record of that chain */
     int32_t depth;                    /**< 0 at top level */
