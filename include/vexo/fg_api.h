@@ -25,6 +25,7 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
+#pragma GCC visibility push(default)
 
 /** A grabber handle. To this library only its first word matters, a pointer to the applet's object. */
 typedef struct Fg_Struct_s Fg_Struct;
@@ -208,6 +209,7 @@ int Shad_WriteActLine(Fg_Struct* fg, ShadingMaster* shading, int line);
  * it; <stdlib.h> declares it.
  */
 
+#pragma GCC visibility pop
 #ifdef __cplusplus
 }
 #endif

@@ -1,0 +1,44 @@
+/**
+ * Changes to records of the tree while the runtime may be reading them.
+ *
+ * Each change is one atomic store of the field's own width. A null record, which the tree gives when it could
+ * not add one, is left alone.
+ */
+#ifndef CATALOGUE_LIVE_RECORDS_H
+#define CATALOGUE_LIVE_RECORDS_H
+
+#include "vexo/register_info.h"
+
+#include <atomic>
+#include <exception>
+
+namespace catalogue {
+
+template <typename T> void storeLive(T& field, T value) {
+    std::atomic_ref<T>(field).store(value, std::memory_order_relaxed);
+}
+
+inline void publishAccess(RegisterInfo* record, std::uint32_t access) {
+    if (record != nullptr) storeLive(record->access, access);
+}
+
+inline void publishMaximum(RegisterInfo* record, std::uint32_t maximum) {
+    if (record != nullptr) storeLive(record->value.u32.maximum, maximum);
+}
+
+inline void publishMaximum(RegisterInfo* record, double maximum) {
+    if (record != nullptr) storeLive(record->value.f64.maximum, maximum);
+}
+
+/** Publishes what `compute` gives; if it fails, the old maximum stays and nobody is told. */
+template <typename Compute> void republishMaximum(RegisterInfo* record, Compute compute) {
+    try {
+        publishMaximum(record, compute());
+    } catch (int) {
+    } catch (const std::exception&) {
+    }
+}
+
+} // namespace catalogue
+
+#endif

@@ -1,0 +1,44 @@
+// What is published beside the public parameters, whose names are constant: registers and design parameters
+// for direct access, and the events.
+
+#include "catalogue/runtime_tree.h"
+#include "entry/FgLoomWrapperImpl.h"
+#include "support/switches.h"
+
+void FgLoomWrapperImpl::publishParameterTables() {
+    if (isSwitchedOn("VEXO_ENABLE_DLOOMA")) collectDirectParameters();
+    publishDirectNames();
+    publishEvents();
+}
+
+void FgLoomWrapperImpl::collectDirectParameters() {
+    catalogue::walkRuntimeTree(
+        getUnwrappedParameterInfo(),
+        [this](const RegisterInfo& leaf, const RegisterInfo*) {
+            if (leaf.name != nullptr && catalogue::isDirectKind(leaf))
+                m_directAccessStore.insert(m_directAccessSection, leaf.name, "On");
+        },
+        [](const RegisterInfo&, const RegisterInfo*) {});
+}
+
+void FgLoomWrapperImpl::publishDirectNames() {
+    int index = publicParameters;
+    if (m_directRegisterAccess) {
+        const int registers = TslGetNrOfRegister(designHandle());
+        for (int i = 1; i <= registers; ++i, ++index) {
+            const char* name = TslGetRegisterName(designHandle(), i);
+            if (name == nullptr) continue;
+            const std::string publicName = std::string("DRA_") + name;
+            m_directRegisterIdByName[publicName] =
+                TslGetRegisterByName(designHandle(), name) + FG_DIRECT_REGISTER_BASE;
+            m_directNameByIndex[index] = publicName;
+        }
+    }
+    for (const std::string& name : m_directAccessStore.switchedOn(m_directAccessSection)) {
+        const int id = getParameterIdByName(name.c_str());
+        if (id == 0) continue;
+        const std::string publicName = "DLOOMA_" + name;
+        m_directParameterIdByName[publicName] = id + FG_DIRECT_PARAMETER_BASE;
+        m_directNameByIndex[index++] = publicName;
+    }
+}

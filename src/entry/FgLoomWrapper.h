@@ -1,0 +1,147 @@
+/** The applet-independent base of every wrapper. */
+#ifndef ENTRY_FGLOOMWRAPPER_H
+#define ENTRY_FGLOOMWRAPPER_H
+
+#include "support/Fg_Error.h"
+#include "support/Logging.h"
+#include "vexo/fg_api.h"
+
+#include <atomic>
+#include <cstdint>
+#include <locale>
+#include <memory>
+#include <sstream>
+#include <string>
+
+class Fg_ConfigFileParser;
+class Fg_ParameterInfo;
+struct FgLoomWrapperPrivate;
+struct RuntimeFunctions;
+
+/**
+ * Owns the binding to the grabber runtime, the handles of board and design, the parameter tree and the last
+ * error.
+ *
+ * The runtime's own parameter space is reached through the "unwrapped" operations. What is particular to an
+ * applet is left to virtual operations; their order is that of the slots and stays. The base takes no lock.
+ */
+class FgLoomWrapper {
+public:
+    /** `ports` is the number of parameter trees. Counts as one user of the library. */
+    explicit FgLoomWrapper(int ports);
+    FgLoomWrapper(const FgLoomWrapper&) = delete;
+    FgLoomWrapper& operator=(const FgLoomWrapper&) = delete;
+
+    virtual vexo::tools::logging::Logger* logger();
+    virtual int loadParameters(Fg_ConfigFileParser* parser) = 0;
+    virtual void saveParameters(Fg_ConfigFileParser* parser) = 0;
+    virtual int processChannelToDma(int process, int channel) = 0;
+    virtual int mapDmaToFormat(int dma) = 0;
+    virtual void setDmaAlignment(int dma, int alignment) = 0;
+    virtual int getDmaAlignment(int dma) = 0;
+    virtual ~FgLoomWrapper() = 0;
+    virtual void buildParameterInfo() = 0;
+    virtual int Fg_setParameterWithType(int id, const void* value, int dma, FgParamTypes type) = 0;
+    virtual int Fg_getParameterWithType(int id, void* value, int dma, FgParamTypes type) = 0;
+    virtual int Fg_freeParameterStringWithType(int id, void* value, int dma, FgParamTypes type) = 0;
+    virtual int Fg_getParameterIdByName(const char* name) = 0;
+    virtual const char* Fg_getParameterName(int index) = 0;
+    virtual int Fg_getParameterId(int index) = 0;
+    virtual int Fg_getNrOfParameter() = 0;
+    virtual int Fg_saveConfig(Fg_Struct* fg, const char* file);
+    virtual int Fg_loadConfig(Fg_Struct* fg, const char* file);
+    virtual int Fg_getParameterInfoXML(Fg_Struct* fg, int index, char* buffer, unsigned long* size);
+    virtual ShadingMaster* Fg_AllocShading(int set, int dma);
+    virtual int Fg_FreeShading(ShadingMaster* shading);
+    virtual int Shad_SetSubValueLine(ShadingMaster* shading, int x, int channel, float value);
+    virtual int Shad_SetMultValueLine(ShadingMaster* shading, int x, int channel, float value);
+    virtual int Shad_SetFixedPatternNoiseLine(ShadingMaster* shading, int x, int channel, int on);
+    virtual int Shad_GetMaxLine(ShadingMaster* shading);
+    virtual int Shad_GetAccess(ShadingMaster* shading);
+    virtual int Shad_FreeAccess(ShadingMaster* shading);
+    virtual int Shad_WriteActLine(ShadingMaster* shading, int line);
+    virtual std::uint64_t Fg_getEventMask(const char* name);
+    virtual const char* Fg_getEventName(std::uint64_t mask);
+    virtual const char* vendorName() = 0;
+    virtual const char* appletName() = 0;
+    virtual const char* appletVersionName() = 0;
+    virtual int loadAppletId() = 0;
+
+    /** Opens the runtime's library and looks its functions up. 0, or -2031 if it cannot be opened. */
+    int initializeDllFunctions(const char* library);
+    /** Creates the runtime's inner handle. 0, -2031 without an init function, else the runtime's code or
+     * -100. */
+    int runFgInit(const char* tslName, LOOMdevice* device, fpga_design* design, int flags);
+    /** From here on the object owns the design and unloads it at its end. */
+    void initHandles(LOOMdevice* device, fpga_design* design);
+
+    /* The board and the design of the last successful init of the process; a non-null argument replaces them.
+     */
+    static LOOMdevice* accessDeviceHandle(LOOMdevice* device);
+    static fpga_design* accessDesignHandle(fpga_design* design);
+
+    /** The runtime's id of a design parameter; 0 or less if there is none. */
+    int getParameterIdByName(const char* name);
+    int setUnwrappedParameterWithType(int id, const void* value, int dma, FgParamTypes type);
+    int getUnwrappedParameterWithType(int id, void* value, int dma, FgParamTypes type);
+    int freeUnwrappedParameterString(int id, void* value, int dma, FgParamTypes type);
+    int setUnwrappedParameter(int id, const void* value, int dma);
+    int getUnwrappedParameter(int id, void* value, int dma);
+    /** Root of the runtime's own parameter tree, or null. */
+    RegisterInfo* getUnwrappedParameterInfo();
+
+    /*
+     * Copy between a flat cache and a caller's record, in elements of the record's width. A null record does
+     * nothing. No bounds are known here: the caller answers for index and count.
+     */
+    static void setFieldCache(std::uint32_t* cache, const FieldParameterInt_s* record);
+    static void setFieldCache(double* cache, const FieldParameterDouble_s* record);
+    static void setFieldCache(void* cache, const FieldParameterAccess* record);
+    static void getFieldCache(const std::uint32_t* cache, FieldParameterInt_s* record);
+    static void getFieldCache(const double* cache, FieldParameterDouble_s* record);
+    static void getFieldCache(const void* cache, const FieldParameterAccess* record);
+
+    /** Makes an empty file for a coefficient image; the caller owns the name. Null on failure. */
+    static char* createTempFile();
+    /** Removes the file and releases the name. */
+    static void deleteTempFile(char* name);
+
+    RegisterInfo* Fg_getParameterInfo(int index);
+    /** The runtime's last error; -12 without the function or the inner handle. */
+    int Fg_getLastErrorNumberLoom();
+    int Fg_getLastErrorNumber() { return m_error->getErrorNumberBuffer(); }
+    void setError(int code) { m_error->setErr(code); }
+
+    const RuntimeFunctions& wrapperFg() const;
+    Fg_Struct* grabcoreFg() const;
+    LOOMdevice* boardHandle() const;
+    fpga_design* designHandle() const;
+    Fg_ParameterInfo& parameterInfo();
+    Fg_Error& fgError() { return *m_error; }
+
+protected:
+    /** Logs the pieces as one line if the level is open; composes nothing otherwise. */
+    template <typename... Pieces> void log(std::uint32_t level, const Pieces&... pieces);
+
+    /** The logger of that name, looked up on first use and kept in `place`. */
+    static vexo::tools::logging::Logger* lazyLogger(std::atomic<vexo::tools::logging::Logger*>& place,
+                                                    const char* name);
+
+private:
+    static void writeLine(vexo::tools::logging::Logger& logger, std::uint32_t level, const std::string& text);
+
+    std::atomic<vexo::tools::logging::Logger*> m_logger{nullptr};
+    std::unique_ptr<FgLoomWrapperPrivate> m_private;
+    Fg_Error* m_error; // that of m_private: every routed access stores its result
+};
+
+template <typename... Pieces> void FgLoomWrapper::log(std::uint32_t level, const Pieces&... pieces) {
+    vexo::tools::logging::Logger* target = logger();
+    if (!target->isEnabled(level)) return;
+    std::ostringstream text;
+    text.imbue(std::locale::classic()); // plain digits whatever the host has set
+    (text << ... << pieces);
+    writeLine(*target, level, text.str());
+}
+
+#endif

@@ -1,0 +1,240 @@
+/** The one object of a grabber: the state of all parameters and the road of every access. */
+#ifndef ENTRY_FGLOOMWRAPPERIMPL_H
+#define ENTRY_FGLOOMWRAPPERIMPL_H
+
+#include "catalogue/DirectAccessStore.h"
+#include "entry/FgLoomWrapper.h"
+#include "entry/parameter_kinds.h"
+#include "templates/platform/CriticalSection.h"
+
+#include <array>
+#include <cstdint>
+#include <map>
+#include <mutex>
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+
+/** The type tag under which the design takes a number of type T. */
+template <typename T> extern const FgParamTypes tagOf;
+template <> inline constexpr FgParamTypes tagOf<std::int32_t> = FG_PARAM_INT32;
+template <> inline constexpr FgParamTypes tagOf<std::uint32_t> = FG_PARAM_UINT32;
+template <> inline constexpr FgParamTypes tagOf<std::int64_t> = FG_PARAM_INT64;
+template <> inline constexpr FgParamTypes tagOf<std::uint64_t> = FG_PARAM_UINT64;
+template <> inline constexpr FgParamTypes tagOf<double> = FG_PARAM_DOUBLE;
+
+/**
+ * A setter or getter is named after its parameter. `m_lock` is held for the whole of a routed set or get and
+ * nowhere else; setters call each other directly, never through the routing. A failure is a thrown `int`.
+ */
+class FgLoomWrapperImpl final : public FgLoomWrapper {
+public:
+    static constexpr std::size_t publicParameters = 164;
+    static constexpr std::size_t designParameters = 138;
+
+    /** `offline` makes an object without board and runtime and brings it up at once. */
+    FgLoomWrapperImpl(int ports, bool offline);
+
+    // ---- Overrides: entry/routing.cpp, entry/identity.cpp, entry/bring_up.cpp
+
+    vexo::tools::logging::Logger* logger() override;
+    int loadParameters(Fg_ConfigFileParser* parser) override;
+    void saveParameters(Fg_ConfigFileParser* parser) override;
+    int processChannelToDma(int process, int channel) override;
+    int mapDmaToFormat(int dma) override;
+    void setDmaAlignment(int dma, int alignment) override;
+    int getDmaAlignment(int dma) override;
+    ~FgLoomWrapperImpl() override;
+    void buildParameterInfo() override; // catalogue/build_parameter_info.cpp
+    int Fg_setParameterWithType(int id, const void* value, int dma, FgParamTypes type) override;
+    int Fg_getParameterWithType(int id, void* value, int dma, FgParamTypes type) override;
+    int Fg_freeParameterStringWithType(int id, void* value, int dma, FgParamTypes type) override;
+    int Fg_getParameterIdByName(const char* name) override;
+    const char* Fg_getParameterName(int index) override;
+    int Fg_getParameterId(int index) override;
+    int Fg_getNrOfParameter() override;
+    std::uint64_t Fg_getEventMask(const char* name) override;
+    const char* Fg_getEventName(std::uint64_t mask) override;
+    const char* vendorName() override;
+    const char* appletName() override;
+    const char* appletVersionName() override;
+    int loadAppletId() override;
+
+    // ---- Bring-up, in this order
+
+    /** Name under which the design is presented to the runtime. */
+    static const char* tslFileName() { return "Grab_TwinLaneLineColor.tsl"; }
+    static constexpr int appletVersion() { return 2; }
+    static constexpr int appletRevision() { return 2; }
+
+    void publishParameterTables();    // catalogue/publish_parameter_tables.cpp
+    void resolveDesignParameterIds(); // entry/design_parameters.cpp
+    void discoverDebugInterface();    // image/debug_interface.cpp
+    void applyDefaults();             // entry/bring_up.cpp
+
+    /** Logs and refuses a set of a read-only parameter. */
+    [[noreturn]] void refuseWriteTo(const char* name);
+
+private:
+    // ---- Routing: entry/routing.cpp
+
+    void setParameter(int id, const void* value, int dma, FgParamTypes type);
+    void getParameter(int id, void* value, int dma, FgParamTypes type);
+    int writeRegister(int reg, const void* value);
+    int readRegister(int reg, void* value);
+    static int processOfDma(int dma);
+    bool isDirectRegister(int id) const;
+    /** Gives a text to a caller: into his buffer, or as a new string that this object owns. */
+    template <typename Writer> void giveText(void* value, FgParamTypes type, Writer write);
+    void readDescription(void* value, FgParamTypes type);
+
+    std::atomic<vexo::tools::logging::Logger*> m_logger{nullptr};
+    vexo::templates::platform::CriticalSection m_lock;
+    bool m_directRegisterAccess = false;
+    std::mutex m_allocatedStringsLock;
+    std::unordered_set<const char*> m_allocatedStrings;
+    std::array<char, 655360> m_stringBuffer; // never cleared: only its ends matter
+
+    // ---- Design parameters: entry/design_parameters.cpp
+
+    void writeDesign(std::int32_t id, const char* name, const void* value, int dma, FgParamTypes type,
+                     bool raise);
+    void readDesign(std::int32_t id, const char* name, void* value, int dma, FgParamTypes type, bool raise);
+
+    // ---- Names and trees: catalogue/publish_parameter_tables.cpp, catalogue/build_parameter_info.cpp
+
+    void collectDirectParameters();
+    void publishDirectNames();
+    void addDirectRegisters();
+    void addDirectParameters();
+    /** The live record of a parameter; null where the tree has none. */
+    RegisterInfo* recordAt(std::size_t index) { return m_registerInfos[index]; }
+
+    DirectAccessStore m_directAccessStore;
+    std::string m_directAccessSection;
+    std::unordered_map<std::string, int> m_directRegisterIdByName; // "DRA_" names
+    std::map<std::string, int> m_directParameterIdByName;          // "DLOOMA_" names
+    std::map<int, std::string> m_directNameByIndex;                // both, behind the public parameters
+    std::array<RegisterInfo*, publicParameters> m_registerInfos{};
+
+    // ---- Events: trigger/events.cpp
+
+    void publishEvents();
+
+    std::map<std::string, std::uint64_t, std::less<>> m_eventMaskByName;
+    std::map<std::uint64_t, std::string> m_eventNameByMask;
+
+    // ---- Acquisition time-out: entry/bring_up.cpp
+
+    std::uint32_t m_timeout = 1000000; // seconds
+
+    // ---- Sensor geometry and region of interest: image/sensor_geometry.cpp
+
+    std::uint32_t m_vantagePoint = FG_VANTAGEPOINT_TOP_LEFT;
+    std::uint32_t m_sensorWidth = 1024;  // pixels
+    std::uint32_t m_sensorHeight = 1024; // lines
+    std::uint32_t m_width = 1024;        // pixels
+    std::uint32_t m_height = 1024;       // lines
+    std::uint32_t m_xOffset = 0;         // pixels
+    std::uint32_t m_yOffset = 0;         // lines
+
+    bool mirrorsLines() const;  // a right vantage point
+    bool mirrorsFrames() const; // a bottom vantage point
+    std::uint64_t pixelsInDram(std::uint32_t addressWidth, std::uint32_t dataWidth) const;
+    std::uint32_t calcMaxWidthFromDram(std::uint32_t sensorHeight);
+    std::uint32_t calcMaxHeightFromDram(std::uint32_t sensorWidth);
+    std::uint32_t maxSensorWidthFromDram();
+    std::uint32_t usableWidth();
+    std::uint32_t widthLimit();
+    std::uint32_t heightLimit();
+    std::uint32_t xOffsetLimit();
+    std::uint32_t yOffsetLimit();
+    void checkRoiX() const;
+    void checkRoiY() const;
+    void writeBufferGeometry(std::uint32_t previous);
+    void writeTriggerGeometry(std::uint32_t yOffset, std::uint32_t height, std::uint32_t imgTriggerMode);
+    void updateSensorWidthRange();
+    void updateSensorHeightRange();
+    void updateWidthRange();
+    void updateHeightRange();
+    void updateXOffsetRange();
+    void updateYOffsetRange();
+
+    // ---- Pixel format: set with its subject
+
+    std::uint32_t m_pixelFormat = RGB8;
+
+    // ---- Line trigger and ExSync: trigger/line_trigger.cpp
+
+    std::uint32_t m_lineTriggerMode = GRABBER_CONTROLLED;
+    std::uint32_t m_exsyncOn = FG_ON;
+    std::uint32_t m_lineTriggerInSrc = TRGINSRC_GPI_1;
+    std::uint32_t m_lineTriggerInPolarity = HIGH_ON_ZERO_HIGH;
+    double m_lineTriggerDebouncing = 0.112; // microseconds
+    std::uint32_t m_lineDownscale = 1;      // pulses
+    std::uint32_t m_lineDownscaleInit = 1;  // pulses
+    double m_linePeriode = 200.0;           // microseconds
+    double m_lineExposure = 19.0;           // microseconds
+    std::uint32_t m_exsyncPolarity = FG_HIGH;
+    double m_lineTriggerDelay = 0.0; // microseconds
+
+    double exposureLimit() const;
+    void updateExposureRange();
+    void updateTriggerDelayRange();
+
+    // ---- Shaft encoder and image trigger: set with their subjects
+
+    std::uint32_t m_shaftEncoderOn = FG_OFF;
+    std::uint32_t m_imgTriggerMode = FREE_RUN;
+    std::uint32_t m_imgTriggerAsyncHeight = 1024; // lines
+
+    // ---- Writers and readers of the design, and their ids: loomSet_X, loomGet_X
+
+#define DESIGN_WRITER(parameter)                                                                             \
+    void loomSet_##parameter(const void* value, int dma, FgParamTypes type, bool raise) {                    \
+        writeDesign(m_id_##parameter, "Device1_" #parameter, value, dma, type, raise);                       \
+    }                                                                                                        \
+    template <typename T> void loomSet_##parameter(T value) {                                                \
+        loomSet_##parameter(&value, 0, tagOf<T>, true);                                                      \
+    }
+#define DESIGN_READER(parameter)                                                                             \
+    void loomGet_##parameter(void* value, int dma, FgParamTypes type, bool raise) {                          \
+        readDesign(m_id_##parameter, "Device1_" #parameter, value, dma, type, raise);                        \
+    }                                                                                                        \
+    template <typename T> T loomGet_##parameter() {                                                          \
+        T value{};                                                                                           \
+        loomGet_##parameter(&value, 0, tagOf<T>, true);                                                      \
+        return value;                                                                                        \
+    }
+#define DESIGN_WRITTEN(parameter)                                                                            \
+    std::int32_t m_id_##parameter = 0;                                                                       \
+    DESIGN_WRITER(parameter)
+#define DESIGN_READ(parameter)                                                                               \
+    std::int32_t m_id_##parameter = 0;                                                                       \
+    DESIGN_READER(parameter)
+#define DESIGN_BOTH(parameter)                                                                               \
+    std::int32_t m_id_##parameter = 0;                                                                       \
+    DESIGN_WRITER(parameter)                                                                                 \
+    DESIGN_READER(parameter)
+#include "entry/design_parameters.def"
+#undef DESIGN_WRITER
+#undef DESIGN_READER
+#undef DESIGN_WRITTEN
+#undef DESIGN_READ
+#undef DESIGN_BOTH
+
+    friend struct DesignParameterTable;
+
+public:
+    // ---- Setters and getters of the parameters, for the routing: set_FG_X, get_FG_X
+
+#define SETTABLE(parameter, kind, start)                                                                     \
+    void set_##parameter(kinds::kind::Value value, bool raise);                                              \
+    void get_##parameter(kinds::kind::Value* out);
+#define READ_ONLY(parameter, kind) void get_##parameter(kinds::kind::Value* out);
+#include "catalogue/sdk_parameters.def"
+#undef SETTABLE
+#undef READ_ONLY
+};
+
+#endif

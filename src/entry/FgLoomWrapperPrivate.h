@@ -1,0 +1,29 @@
+/** What the base of a wrapper owns: the binding to the runtime, the handles, the trees and the last error. */
+#ifndef ENTRY_FGLOOMWRAPPERPRIVATE_H
+#define ENTRY_FGLOOMWRAPPERPRIVATE_H
+
+#include "catalogue/Fg_ParameterInfo.h"
+#include "entry/RuntimeFunctions.h"
+#include "support/Fg_Error.h"
+
+struct FgLoomWrapperPrivate {
+    explicit FgLoomWrapperPrivate(int ports) : parameterInfo(ports) {}
+    /** Closes the runtime's library, then unloads the design, then releases the rest. */
+    ~FgLoomWrapperPrivate();
+    FgLoomWrapperPrivate(const FgLoomWrapperPrivate&) = delete;
+    FgLoomWrapperPrivate& operator=(const FgLoomWrapperPrivate&) = delete;
+
+    RuntimeFunctions wrapperFg = RuntimeFunctions::inert();
+    Fg_Struct* grabcoreFg = nullptr;
+    LOOMdevice* boardHandle = nullptr;
+    fpga_design* designHandle = nullptr;
+    void* libraryHandle = nullptr;
+    grabcore_InitHandleSlaveAware* initHandleSlaveAware = nullptr;
+    grabcore_InitHandle* initHandle = nullptr;
+    grabcore_getParameterIdByName* getParameterIdByNameFn = [](Fg_Struct*, const char*) { return 0; };
+    grabcore_getLastErrorNumber* getLastErrorNumberFn = nullptr;
+    Fg_ParameterInfo parameterInfo;
+    Fg_Error error;
+};
+
+#endif

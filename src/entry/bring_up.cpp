@@ -1,0 +1,82 @@
+// How an object comes into being, with a board and without one, and what it sets at the start.
+
+#include "entry/design_source.h"
+#include "entry/sdk_parameters.h"
+#include "entry/setter_tools.h"
+#include "support/switches.h"
+#include "vexo/fg_api.h"
+
+#include <cstdlib>
+#include <memory>
+
+namespace {
+
+constexpr const char* runtimeLibrary = "libgrabcore5.so";
+constexpr int skipDefaults = 1;
+
+} // namespace
+
+FgLoomWrapperImpl::FgLoomWrapperImpl(int ports, bool offline)
+    : FgLoomWrapper(ports)
+    , m_directRegisterAccess(!offline && isSwitchedOn("VEXO_ENABLE_DRA"))
+    , m_directAccessStore(!offline)
+    , m_directAccessSection(offline ? "" : "none") {
+    if (!offline) return;
+    initHandles(nullptr, loadDesign(tslFileName()));
+    publishParameterTables();
+    FgLoomWrapperImpl::buildParameterInfo();
+    discoverDebugInterface();
+    applyDefaults();
+}
+
+FgLoomWrapperImpl::~FgLoomWrapperImpl() {
+    for (const char* text : m_allocatedStrings)
+        delete[] text;
+}
+
+void FgLoomWrapperImpl::applyDefaults() {
+    // In the order of the rows: later setters see the effect of earlier ones. A failure stops nothing.
+    for (const SdkParameter& parameter : sdkParameters)
+        if (parameter.start != nullptr) parameter.start(*this);
+}
+
+void FgLoomWrapperImpl::set_FG_TIMEOUT(std::uint32_t value, bool raise) {
+    attempt(raise, [&] {
+        requireRange(value, 2u, 2147483646u);
+        m_timeout = value;
+    });
+}
+
+void FgLoomWrapperImpl::get_FG_TIMEOUT(std::uint32_t* out) { give(out, m_timeout); }
+
+void* Std_entry(LOOMdevice* device, int* error, int flags) {
+    int unwanted = FG_OK;
+    int& result = error != nullptr ? *error : unwanted;
+
+    auto wrapper = std::make_unique<FgLoomWrapperImpl>(1, false);
+    result = wrapper->initializeDllFunctions(runtimeLibrary);
+    if (result != FG_OK) return nullptr;
+
+    const char* name = FgLoomWrapperImpl::tslFileName();
+    fpga_design* design = loadDesign(name);
+    if (design == nullptr) {
+        // By design no clean-up: the object and the opened runtime stay as they are.
+        static_cast<void>(wrapper.release());
+        result = FG_ERR_INIT;
+        return nullptr;
+    }
+
+    result = wrapper->runFgInit(name, device, design, flags);
+    if (result != FG_OK) {
+        TslUnloadTslFile(design);
+        return nullptr;
+    }
+    wrapper->initHandles(device, design);
+
+    wrapper->publishParameterTables();
+    wrapper->resolveDesignParameterIds();
+    wrapper->buildParameterInfo();
+    wrapper->discoverDebugInterface();
+    if ((flags & skipDefaults) == 0) wrapper->applyDefaults();
+    return wrapper.release();
+}

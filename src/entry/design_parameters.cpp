@@ -1,0 +1,61 @@
+// The binding of the design's own parameters: their ids, and the one way to write and to read them.
+
+#include "entry/FgLoomWrapperImpl.h"
+#include "entry/setter_tools.h"
+
+#include <iterator>
+
+/** Names the design's parameters and the members that hold their ids, in the order in which ids are resolved.
+ */
+struct DesignParameterTable {
+    struct Row {
+        const char* name;
+        std::int32_t FgLoomWrapperImpl::*id;
+    };
+
+#define DESIGN_WRITTEN(parameter) {"Device1_" #parameter, &FgLoomWrapperImpl::m_id_##parameter},
+#define DESIGN_READ DESIGN_WRITTEN
+#define DESIGN_BOTH DESIGN_WRITTEN
+    static constexpr Row rows[] = {
+#include "entry/design_parameters.def"
+    };
+#undef DESIGN_WRITTEN
+#undef DESIGN_READ
+#undef DESIGN_BOTH
+    static_assert(std::size(rows) == 138);
+};
+
+namespace {
+
+constexpr std::uint32_t missingId = 4;
+constexpr std::uint32_t failedAccess = 5;
+
+} // namespace
+
+void FgLoomWrapperImpl::resolveDesignParameterIds() {
+    // A design that lacks a parameter still comes up: what fails is the first access to it.
+    for (const DesignParameterTable::Row& row : DesignParameterTable::rows) {
+        this->*row.id = getParameterIdByName(row.name);
+        if (this->*row.id < 1) log(missingId, "cannot retrieve LOOM id for LOOM parameter: '", row.name, "'");
+    }
+}
+
+void FgLoomWrapperImpl::writeDesign(std::int32_t id, const char* name, const void* value, int dma,
+                                    FgParamTypes type, bool raise) {
+    const int result =
+        value != nullptr ? setUnwrappedParameterWithType(id, value, dma, type) : FG_ERR_INVALID_ARGUMENT;
+    if (result == FG_OK) return;
+    if (value != nullptr)
+        log(failedAccess, "Setting LOOM parameter '", name, "' (ID: ", id, ") failed: result = ", result);
+    if (raise) refuse(result);
+}
+
+void FgLoomWrapperImpl::readDesign(std::int32_t id, const char* name, void* value, int dma, FgParamTypes type,
+                                   bool raise) {
+    const int result =
+        value != nullptr ? getUnwrappedParameterWithType(id, value, dma, type) : FG_ERR_INVALID_ARGUMENT;
+    if (result == FG_OK) return;
+    if (value != nullptr)
+        log(failedAccess, "Getting LOOM parameter '", name, "' (ID: ", id, ") failed: result = ", result);
+    if (raise) refuse(result);
+}

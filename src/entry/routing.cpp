@@ -1,0 +1,164 @@
+// The road of a parameter access: three spaces of ids, the lock, and thrown codes that become results.
+
+#include "catalogue/descriptions.h"
+#include "entry/sdk_parameters.h"
+#include "entry/setter_tools.h"
+
+#include <cstring>
+#include <memory>
+
+using vexo::templates::platform::CriticalSectionGuard;
+
+namespace {
+
+constexpr std::uint32_t refusedCall = 4;
+
+bool isDesignParameter(int id) { return id > FG_DIRECT_PARAMETER_BASE; }
+
+/** Ids whose strings the runtime hands out, so that it has to release them. */
+bool isServedByRuntime(int id) {
+    switch (id) {
+    case FG_APC_STOP_TIMEOUT:
+    case FG_NR_OF_DMAS:
+    case FG_NR_OF_CAMS:
+    case FG_NR_OF_PROCESSES:
+    case FG_DMA_PORT:
+    case FG_CAM_PORT:
+    case FG_TRANSFER_LEN:
+        return true;
+    default:
+        return false;
+    }
+}
+
+/** The result of an access that throws its code. Other exceptions are not ours and go on. */
+template <typename Access> int resultOf(Access access) {
+    try {
+        access();
+        return FG_OK;
+    } catch (int code) {
+        return code;
+    }
+}
+
+} // namespace
+
+int FgLoomWrapperImpl::Fg_setParameterWithType(int id, const void* value, int dma, FgParamTypes type) {
+    if (value == nullptr) return fgError().setErr(FG_ERR_INVALID_ARGUMENT);
+    const CriticalSectionGuard guard(&m_lock);
+    if (isDesignParameter(id))
+        return fgError().setErr(
+            setUnwrappedParameterWithType(id - FG_DIRECT_PARAMETER_BASE, value, dma, type));
+    if (isDirectRegister(id)) return fgError().setErr(writeRegister(id - FG_DIRECT_REGISTER_BASE, value));
+    return fgError().setErr(resultOf([&] { setParameter(id, value, dma, type); }));
+}
+
+int FgLoomWrapperImpl::Fg_getParameterWithType(int id, void* value, int dma, FgParamTypes type) {
+    if (value == nullptr) return fgError().setErr(FG_ERR_INVALID_ARGUMENT);
+    const CriticalSectionGuard guard(&m_lock);
+    if (isDesignParameter(id))
+        return fgError().setErr(
+            getUnwrappedParameterWithType(id - FG_DIRECT_PARAMETER_BASE, value, dma, type));
+    if (isDirectRegister(id)) return fgError().setErr(readRegister(id - FG_DIRECT_REGISTER_BASE, value));
+    return fgError().setErr(resultOf([&] { getParameter(id, value, dma, type); }));
+}
+
+bool FgLoomWrapperImpl::isDirectRegister(int id) const {
+    return m_directRegisterAccess && id > FG_DIRECT_REGISTER_BASE && id <= FG_DIRECT_PARAMETER_BASE;
+}
+
+int FgLoomWrapperImpl::writeRegister(int reg, const void* value) {
+    std::uint64_t word = 0;
+    const std::size_t width = TslGetRegisterBitRange(designHandle(), reg) > 32 ? 8 : 4;
+    std::memcpy(&word, value, width); // little-endian: a short word is widened with zeros
+    return VexoRegisterWrite(boardHandle(), reg, word);
+}
+
+int FgLoomWrapperImpl::readRegister(int reg, void* value) {
+    std::uint64_t word = 0;
+    const int result = VexoRegisterRead(boardHandle(), reg, &word);
+    if (result != FG_OK) return result;
+    const std::size_t width = TslGetRegisterBitRange(designHandle(), reg) > 32 ? 8 : 4;
+    std::memcpy(value, &word, width);
+    return FG_OK;
+}
+
+int FgLoomWrapperImpl::processOfDma(int dma) {
+    // One DMA channel, and it belongs to process 0.
+    if (dma != 0) refuse(FG_ERR_INVALID_ARGUMENT);
+    return 0;
+}
+
+void FgLoomWrapperImpl::setParameter(int id, const void* value, int dma, FgParamTypes type) {
+    processOfDma(dma);
+    if (id == FG_PARAM_DESCR) refuseWriteTo("FG_PARAM_DESCR");
+    const SdkParameter* parameter = findParameter(id);
+    if (parameter == nullptr || parameter->set == nullptr) {
+        log(refusedCall, "trying to set unknown SDK parameter '", id, "' on process 0!");
+        refuse(FG_ERR_INVALID_ARGUMENT);
+    }
+    parameter->set(*this, *parameter, value, type);
+}
+
+void FgLoomWrapperImpl::refuseWriteTo(const char* name) {
+    log(refusedCall, "trying to set read-only SDK parameter '", name, "' on process 0!");
+    refuse(FG_ERR_NOT_AVAILABLE);
+}
+
+void FgLoomWrapperImpl::getParameter(int id, void* value, int dma, FgParamTypes type) {
+    // The number of processes can be asked with any DMA channel.
+    if (id != FG_NR_OF_PROCESSES) processOfDma(dma);
+    if (id == FG_PARAM_DESCR) return readDescription(value, type);
+    const SdkParameter* parameter = findParameter(id);
+    if (parameter == nullptr || parameter->get == nullptr) {
+        log(refusedCall, "trying to get unknown SDK parameter '", id, "' on process 0!");
+        refuse(FG_ERR_INVALID_ARGUMENT);
+    }
+    parameter->get(*this, *parameter, value, dma, type);
+}
+
+void FgLoomWrapperImpl::get_FG_NR_OF_PROCESSES(std::uint32_t* out) {
+    give(out, static_cast<std::uint32_t>(Info(4608, 0, 0, nullptr, nullptr)));
+}
+
+template <typename Writer> void FgLoomWrapperImpl::giveText(void* value, FgParamTypes type, Writer write) {
+    if (type != FG_PARAM_ALLOCATED_STRING) {
+        write(static_cast<char*>(value));
+        return;
+    }
+    m_stringBuffer.front() = '\0';
+    write(m_stringBuffer.data());
+    m_stringBuffer.back() = '\0';
+    const std::size_t size = std::strlen(m_stringBuffer.data()) + 1;
+    auto text = std::make_unique<char[]>(size);
+    std::memcpy(text.get(), m_stringBuffer.data(), size);
+    {
+        const std::lock_guard guard(m_allocatedStringsLock);
+        m_allocatedStrings.insert(text.get());
+    }
+    char* handedOut = text.release();
+    std::memcpy(value, &handedOut, sizeof handedOut);
+}
+
+void FgLoomWrapperImpl::readDescription(void* value, FgParamTypes type) {
+    const SdkParameter* parameter = findParameter(std::string_view(static_cast<const char*>(value)));
+    const char* description = parameter != nullptr ? catalogue::descriptionOf(parameter->id) : "-";
+    giveText(value, type, [&](char* destination) { std::strcpy(destination, description); });
+}
+
+int FgLoomWrapperImpl::Fg_freeParameterStringWithType(int id, void* value, int dma, FgParamTypes type) {
+    if (isDesignParameter(id))
+        return fgError().setErr(
+            freeUnwrappedParameterString(id - FG_DIRECT_PARAMETER_BASE, value, dma, type));
+    // Unlike set and get, nothing here catches the code for an unknown DMA channel: it leaves as a throw.
+    processOfDma(dma);
+    if (isServedByRuntime(id)) return freeUnwrappedParameterString(id, value, dma, type);
+
+    const auto* text = static_cast<const char*>(value);
+    {
+        const std::lock_guard guard(m_allocatedStringsLock);
+        if (m_allocatedStrings.erase(text) == 0) return fgError().setErr(FG_ERR_INVALID_ARGUMENT);
+    }
+    delete[] text;
+    return FG_OK;
+}

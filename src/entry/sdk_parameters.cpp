@@ -1,0 +1,51 @@
+#include "entry/sdk_parameters.h"
+
+#include "entry/setter_tools.h"
+#include "support/PerfectIndex.h"
+
+namespace {
+
+template <typename KeyOf> consteval auto keysOf(KeyOf keyOf) {
+    std::array<std::uint32_t, sdkParameterCount> keys{};
+    for (std::size_t i = 0; i < sdkParameterCount; ++i)
+        keys[i] = keyOf(sdkParameters[i]);
+    return keys;
+}
+
+consteval bool idsAreUnique() {
+    for (std::size_t i = 0; i < sdkParameterCount; ++i)
+        for (std::size_t k = 0; k < i; ++k)
+            if (sdkParameters[i].id == sdkParameters[k].id) return false;
+    return true;
+}
+
+static_assert(sdkParameterCount == 164);
+static_assert(idsAreUnique());
+
+constexpr PerfectIndex<sdkParameterCount>
+    indexById(keysOf([](const SdkParameter& row) { return static_cast<std::uint32_t>(row.id); }));
+constexpr PerfectIndex<sdkParameterCount>
+    indexByName(keysOf([](const SdkParameter& row) { return hashOf(row.name); }));
+
+} // namespace
+
+const SdkParameter* findParameter(int id) {
+    const SdkParameter& candidate = sdkParameters[indexById.find(static_cast<std::uint32_t>(id))];
+    return candidate.id == id ? &candidate : nullptr;
+}
+
+const SdkParameter* findParameter(std::string_view name) {
+    const SdkParameter& candidate = sdkParameters[indexByName.find(hashOf(name))];
+    return candidate.name == name ? &candidate : nullptr;
+}
+
+void kinds::Runtime::readRuntime(FgLoomWrapperImpl& wrapper, const SdkParameter& parameter, void* value,
+                                 int dma, FgParamTypes type) {
+    const int result = wrapper.getUnwrappedParameterWithType(parameter.id, value, dma, type);
+    if (result != FG_OK) refuse(result);
+}
+
+void kinds::refuseWrite(FgLoomWrapperImpl& wrapper, const SdkParameter& parameter, const void*,
+                        FgParamTypes) {
+    wrapper.refuseWriteTo(parameter.name);
+}

@@ -1,0 +1,68 @@
+/**
+ * The skeleton that all setters share.
+ *
+ * A setter reads in straight lines: what is refused, what is stored, what is written, what the neighbours
+ * learn. A refusal is a thrown `int`, the result code. Design writes that succeeded are not undone.
+ */
+#ifndef ENTRY_SETTER_TOOLS_H
+#define ENTRY_SETTER_TOOLS_H
+
+#include "catalogue/enumerations.h"
+#include "vexo/fg_errors.h"
+
+#include <cstdint>
+#include <utility>
+
+[[noreturn, gnu::cold, gnu::noinline]] inline void refuse(int code) { throw code; }
+
+/** Runs a setter's body. With `raise` a refusal goes on to the caller, without it ends here in silence. */
+template <typename Body> void attempt(bool raise, Body body) {
+    if (raise) {
+        body(); // no handler in the way: a refusal is thrown and caught once
+        return;
+    }
+    try {
+        body();
+    } catch (int) {
+    }
+}
+
+/** Stores a new value in a member and puts the old one back at the end, unless it is kept. */
+template <typename T> class Replacement {
+public:
+    Replacement(T& member, T value) : m_member(member), m_old(std::exchange(member, std::move(value))) {}
+    ~Replacement() {
+        if (!m_kept) m_member = std::move(m_old);
+    }
+    Replacement(const Replacement&) = delete;
+    Replacement& operator=(const Replacement&) = delete;
+
+    const T& old() const { return m_old; }
+    void keep() { m_kept = true; }
+
+private:
+    T& m_member;
+    T m_old;
+    bool m_kept = false;
+};
+
+inline void requireEntry(catalogue::EnumTable table, std::uint32_t value) {
+    if (!catalogue::contains(table, value)) refuse(FG_ERR_OUT_OF_RANGE);
+}
+
+/** Both bounds are inclusive. A NaN lies outside of nothing and passes, on purpose. */
+template <typename T> void requireRange(T value, T minimum, T maximum) {
+    if (value < minimum || value > maximum) refuse(FG_ERR_OUT_OF_RANGE);
+}
+
+inline void requireMultipleOf4(std::uint32_t value) {
+    if ((value & 3u) != 0) refuse(FG_ERR_GRANULARITY);
+}
+
+/** What every getter does: refuses a null place, else gives the value. */
+template <typename T> void give(T* out, const T& value) {
+    if (out == nullptr) refuse(FG_ERR_INVALID_ARGUMENT);
+    *out = value;
+}
+
+#endif

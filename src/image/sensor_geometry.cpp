@@ -1,0 +1,322 @@
+// Sensor geometry and region of interest: which part of a sensor image is read, and from which corner.
+//
+// A right vantage point mirrors each line. A bottom one mirrors the lines of a whole frame, which must then
+// fit in the buffer's DRAM; only there do the sensor's size and the memory limit the region.
+
+#include "catalogue/live_records.h"
+#include "entry/sdk_parameters.h"
+#include "entry/setter_tools.h"
+#include "image/pixel_format.h"
+
+#include <algorithm>
+
+using namespace catalogue;
+
+namespace {
+
+constexpr std::uint32_t maximumWidth = 16384;    // pixels
+constexpr std::uint32_t maximumHeight = 1398101; // lines, 2^22 / 3
+constexpr std::uint32_t minimumWidth = 4;        // pixels
+constexpr std::uint32_t minimumHeight = 1;       // lines
+
+void requireAtLeast(std::uint32_t value, std::uint32_t minimum) {
+    if (value < minimum) refuse(FG_ERR_OUT_OF_RANGE);
+}
+
+void requireAtMost(std::uint32_t value, std::uint32_t limit) {
+    if (value > limit) refuse(FG_ERR_OUT_OF_RANGE);
+}
+
+/** A divisor of 0, which a configuration file can bring about, is a value out of range. */
+template <typename T> T nonZero(T divisor) {
+    if (divisor == 0) refuse(FG_ERR_OUT_OF_RANGE);
+    return divisor;
+}
+
+} // namespace
+
+bool FgLoomWrapperImpl::mirrorsLines() const {
+    return m_vantagePoint == FG_VANTAGEPOINT_TOP_RIGHT || m_vantagePoint == FG_VANTAGEPOINT_BOTTOM_RIGHT;
+}
+
+bool FgLoomWrapperImpl::mirrorsFrames() const {
+    return m_vantagePoint == FG_VANTAGEPOINT_BOTTOM_LEFT || m_vantagePoint == FG_VANTAGEPOINT_BOTTOM_RIGHT;
+}
+
+// ---- What fits in the DRAM. Arithmetic in 64 bits without sign, results cut to 32.
+
+std::uint64_t FgLoomWrapperImpl::pixelsInDram(std::uint32_t addressWidth, std::uint32_t dataWidth) const {
+    const std::uint64_t capacity = ((std::uint64_t{1} << (addressWidth % 64)) >> 1) * 3; // in RAM words
+    return dataWidth * capacity / nonZero(pixelFormatBits(m_pixelFormat).bitsPerPixel());
+}
+
+std::uint32_t FgLoomWrapperImpl::calcMaxWidthFromDram(std::uint32_t sensorHeight) {
+    const auto addressWidth =
+        loomGet_Process0_Buffer_0_DRAM_DRAM_A_0_Imp_DRAM_RamAddressWidth<std::uint32_t>();
+    const auto dataWidth = loomGet_Process0_Buffer_0_DRAM_DRAM_A_0_Imp_DRAM_RamDataWidth<std::uint32_t>();
+    return static_cast<std::uint32_t>(pixelsInDram(addressWidth, dataWidth) /
+                                      nonZero(dataWidth + sensorHeight - 1));
+}
+
+std::uint32_t FgLoomWrapperImpl::calcMaxHeightFromDram(std::uint32_t sensorWidth) {
+    const auto addressWidth =
+        loomGet_Process0_Buffer_0_DRAM_DRAM_A_0_Imp_DRAM_RamAddressWidth<std::uint32_t>();
+    const auto dataWidth = loomGet_Process0_Buffer_0_DRAM_DRAM_A_0_Imp_DRAM_RamDataWidth<std::uint32_t>();
+    return static_cast<std::uint32_t>(pixelsInDram(addressWidth, dataWidth) / nonZero(sensorWidth) -
+                                      dataWidth + 1);
+}
+
+std::uint32_t FgLoomWrapperImpl::maxSensorWidthFromDram() {
+    const std::uint32_t width = calcMaxWidthFromDram(m_sensorHeight);
+    const auto parallelism = loomGet_Process0_Buffer_0_LinkPixelSpace_Parallelism<std::uint32_t>();
+    return parallelism != 0 ? width / parallelism * parallelism : width;
+}
+
+// ---- Limits. Differences are taken in 32 bits and wrap: what is then too large fails the region check.
+
+std::uint32_t FgLoomWrapperImpl::usableWidth() {
+    if (!mirrorsFrames()) return maximumWidth;
+    const std::uint32_t fitting = calcMaxWidthFromDram(m_sensorHeight);
+    return std::min(maximumWidth, fitting);
+}
+
+std::uint32_t FgLoomWrapperImpl::widthLimit() {
+    const std::uint32_t usable = usableWidth(); // read from the design even where the sensor decides
+    return (mirrorsLines() ? m_sensorWidth : usable) - m_xOffset;
+}
+
+std::uint32_t FgLoomWrapperImpl::xOffsetLimit() {
+    const std::uint32_t usable = usableWidth();
+    return (mirrorsLines() ? m_sensorWidth : usable) - m_width;
+}
+
+std::uint32_t FgLoomWrapperImpl::heightLimit() {
+    if (!mirrorsFrames()) return maximumHeight;
+    calcMaxHeightFromDram(m_sensorWidth); // a design that cannot be read refuses the value
+    return m_sensorHeight - m_yOffset;
+}
+
+std::uint32_t FgLoomWrapperImpl::yOffsetLimit() {
+    if (!mirrorsFrames()) return maximumHeight;
+    calcMaxHeightFromDram(m_sensorWidth);
+    return m_sensorHeight - m_height;
+}
+
+void FgLoomWrapperImpl::checkRoiX() const {
+    // From the left the sensor's width is ignored, deliberately.
+    const std::uint64_t right = std::uint64_t{m_width} + m_xOffset;
+    if (right > (mirrorsLines() ? m_sensorWidth : maximumWidth)) refuse(FG_ERR_OUT_OF_RANGE);
+}
+
+void FgLoomWrapperImpl::checkRoiY() const {
+    const std::uint64_t bottom = std::uint64_t{m_height} + m_yOffset;
+    if (mirrorsFrames() && bottom > m_sensorHeight) refuse(FG_ERR_OUT_OF_RANGE);
+}
+
+// ---- Design writes
+
+void FgLoomWrapperImpl::writeBufferGeometry(std::uint32_t previous) {
+    const std::uint32_t sensorWidth = mirrorsLines() ? m_sensorWidth : m_xOffset + m_width;
+    const std::uint32_t sensorHeight = mirrorsFrames() ? m_sensorHeight : 1;
+    const auto writeMirrors = [this] {
+        loomSet_Process0_Buffer_0_XMirror(std::uint32_t{mirrorsLines()});
+        loomSet_Process0_Buffer_0_YMirror(std::int32_t{mirrorsFrames()}); // the one signed write
+    };
+
+    loomSet_Process0_Buffer_0_SensorWidth(sensorWidth);
+    // `previous` is the old value of whatever parameter is being set; only for the vantage point does the
+    // order follow from where the image was read before.
+    if (previous <= 1) {
+        loomSet_Process0_Buffer_0_SensorHeight(sensorHeight);
+        writeMirrors();
+    } else {
+        writeMirrors();
+        loomSet_Process0_Buffer_0_SensorHeight(sensorHeight);
+    }
+    loomSet_Process0_Buffer_0_PixelFormat(pixelFormatBits(m_pixelFormat).bits);
+    loomSet_Process0_Buffer_0_XLength(m_width);
+    loomSet_Process0_Buffer_0_XOffset(m_xOffset);
+}
+
+void FgLoomWrapperImpl::writeTriggerGeometry(std::uint32_t yOffset, std::uint32_t height,
+                                             std::uint32_t imgTriggerMode) {
+    std::uint32_t length = 0;
+    switch (imgTriggerMode) {
+    case FREE_RUN:
+    case ASYNC_TRIGGER:
+    case ASYNC_GATED:
+        length = height;
+        break;
+    case ASYNC_GATED_MULTIFRAME:
+        length = maximumHeight;
+        break;
+    case ASYNC_TRIGGER_MULTIFRAME:
+        length = m_imgTriggerAsyncHeight;
+        break;
+    default:
+        refuse(FG_ERR_OUT_OF_RANGE);
+    }
+    loomSet_Process0_Trigger_Trigger_YOffset(
+        std::uint32_t{0}); // zeroed before the length changes, on purpose
+    loomSet_Process0_Trigger_Trigger_YLength(length);
+    loomSet_Process0_Trigger_Trigger_YOffset(yOffset);
+    loomSet_Process0_ImageHeight_ImageHeight(height);
+}
+
+// ---- Published limits
+
+void FgLoomWrapperImpl::updateSensorWidthRange() {
+    republishMaximum(recordAt(indexOf(FG_SENSORWIDTH)), [this] {
+        return mirrorsFrames() ? std::min(maximumWidth, maxSensorWidthFromDram()) : maximumWidth;
+    });
+}
+
+void FgLoomWrapperImpl::updateSensorHeightRange() {
+    republishMaximum(recordAt(indexOf(FG_SENSORHEIGHT)), [this] {
+        return mirrorsFrames() ? std::min(maximumHeight, calcMaxHeightFromDram(m_sensorWidth))
+                               : maximumHeight;
+    });
+}
+
+void FgLoomWrapperImpl::updateWidthRange() {
+    republishMaximum(recordAt(indexOf(FG_WIDTH)), [this] { return widthLimit(); });
+}
+
+void FgLoomWrapperImpl::updateHeightRange() {
+    republishMaximum(recordAt(indexOf(FG_HEIGHT)), [this] { return heightLimit(); });
+}
+
+void FgLoomWrapperImpl::updateXOffsetRange() {
+    republishMaximum(recordAt(indexOf(FG_XOFFSET)), [this] { return xOffsetLimit(); });
+}
+
+void FgLoomWrapperImpl::updateYOffsetRange() {
+    republishMaximum(recordAt(indexOf(FG_YOFFSET)), [this] { return yOffsetLimit(); });
+}
+
+// ---- Setters and getters
+
+void FgLoomWrapperImpl::set_FG_VANTAGEPOINT(std::uint32_t value, bool raise) {
+    attempt(raise, [&] {
+        requireEntry(enumVantagePoint, value);
+        Replacement stored(m_vantagePoint, value);
+        checkRoiX();
+        checkRoiY();
+        writeBufferGeometry(stored.old());
+        stored.keep();
+        updateSensorWidthRange();
+        updateSensorHeightRange();
+        updateWidthRange();
+        updateHeightRange();
+        updateXOffsetRange();
+        updateYOffsetRange();
+    });
+}
+
+void FgLoomWrapperImpl::set_FG_SENSORWIDTH(std::uint32_t value, bool raise) {
+    attempt(raise, [&] {
+        requireAtLeast(value, minimumWidth);
+        const std::uint32_t fitting = maxSensorWidthFromDram(); // read for every vantage point
+        requireAtMost(value, mirrorsFrames() ? std::min(maximumWidth, fitting) : maximumWidth);
+        requireMultipleOf4(value);
+        Replacement stored(m_sensorWidth, value);
+        checkRoiX();
+        writeBufferGeometry(stored.old());
+        stored.keep();
+        updateSensorHeightRange();
+        updateWidthRange();
+        updateHeightRange();
+        updateXOffsetRange();
+        updateYOffsetRange();
+    });
+}
+
+void FgLoomWrapperImpl::set_FG_SENSORHEIGHT(std::uint32_t value, bool raise) {
+    attempt(raise, [&] {
+        requireAtLeast(value, minimumHeight);
+        const std::uint32_t fitting = calcMaxHeightFromDram(m_sensorWidth); // read for every vantage point
+        requireAtMost(value, mirrorsFrames() ? std::min(maximumHeight, fitting) : maximumHeight);
+        Replacement stored(m_sensorHeight, value);
+        checkRoiY();
+        writeBufferGeometry(stored.old());
+        stored.keep();
+        updateSensorWidthRange();
+        updateWidthRange();
+        updateHeightRange();
+        updateXOffsetRange();
+        updateYOffsetRange();
+    });
+}
+
+void FgLoomWrapperImpl::set_FG_WIDTH(std::uint32_t value, bool raise) {
+    attempt(raise, [&] {
+        requireAtLeast(value, minimumWidth);
+        requireAtMost(value, widthLimit());
+        requireMultipleOf4(value);
+        Replacement stored(m_width, value);
+        checkRoiX();
+        writeBufferGeometry(stored.old());
+        stored.keep();
+        updateSensorWidthRange();
+        updateSensorHeightRange();
+        updateHeightRange();
+        updateXOffsetRange();
+        updateYOffsetRange();
+    });
+}
+
+void FgLoomWrapperImpl::set_FG_HEIGHT(std::uint32_t value, bool raise) {
+    attempt(raise, [&] {
+        requireAtLeast(value, minimumHeight);
+        requireAtMost(value, heightLimit());
+        Replacement stored(m_height, value);
+        checkRoiY();
+        writeBufferGeometry(stored.old());
+        writeTriggerGeometry(m_yOffset, m_height, m_imgTriggerMode);
+        stored.keep();
+        updateWidthRange();
+        updateXOffsetRange();
+        updateYOffsetRange();
+    });
+}
+
+void FgLoomWrapperImpl::set_FG_XOFFSET(std::uint32_t value, bool raise) {
+    attempt(raise, [&] {
+        requireAtMost(value, xOffsetLimit());
+        requireMultipleOf4(value);
+        Replacement stored(m_xOffset, value);
+        checkRoiX();
+        writeBufferGeometry(stored.old());
+        stored.keep();
+        updateSensorWidthRange();
+        updateSensorHeightRange();
+        updateWidthRange();
+    });
+}
+
+void FgLoomWrapperImpl::set_FG_YOFFSET(std::uint32_t value, bool raise) {
+    attempt(raise, [&] {
+        requireAtMost(value, yOffsetLimit());
+        Replacement stored(m_yOffset, value);
+        checkRoiY();
+        writeBufferGeometry(stored.old());
+        writeTriggerGeometry(m_yOffset, m_height, m_imgTriggerMode);
+        stored.keep();
+        updateSensorHeightRange();
+        updateHeightRange();
+    });
+}
+
+void FgLoomWrapperImpl::get_FG_VANTAGEPOINT(std::uint32_t* out) { give(out, m_vantagePoint); }
+
+void FgLoomWrapperImpl::get_FG_SENSORWIDTH(std::uint32_t* out) { give(out, m_sensorWidth); }
+
+void FgLoomWrapperImpl::get_FG_SENSORHEIGHT(std::uint32_t* out) { give(out, m_sensorHeight); }
+
+void FgLoomWrapperImpl::get_FG_WIDTH(std::uint32_t* out) { give(out, m_width); }
+
+void FgLoomWrapperImpl::get_FG_HEIGHT(std::uint32_t* out) { give(out, m_height); }
+
+void FgLoomWrapperImpl::get_FG_XOFFSET(std::uint32_t* out) { give(out, m_xOffset); }
+
+void FgLoomWrapperImpl::get_FG_YOFFSET(std::uint32_t* out) { give(out, m_yOffset); }

@@ -1,0 +1,18 @@
+/** Conversions of floating point numbers that are defined for every input. */
+#ifndef SUPPORT_CONVERSIONS_H
+#define SUPPORT_CONVERSIONS_H
+
+#include <cmath>
+#include <concepts>
+#include <limits>
+
+/** `number` without its fraction; the lowest value of the type for NaN and for whatever does not fit. */
+template <std::integral Integer> constexpr Integer truncated(double number) {
+    // Both bounds are powers of two or zero, so they are exact.
+    constexpr double lowest = static_cast<double>(std::numeric_limits<Integer>::lowest());
+    constexpr double beyond = 2.0 * static_cast<double>(std::numeric_limits<Integer>::max() / 2 + 1);
+    if (!(number > lowest - 1.0 && number < beyond)) return std::numeric_limits<Integer>::lowest();
+    return static_cast<Integer>(number);
+}
+
+#endif

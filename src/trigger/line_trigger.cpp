@@ -1,0 +1,212 @@
+// Line trigger and ExSync: how the pulse to the camera is made, and when.
+//
+// Times are microseconds, handed to the design unrounded; the design makes ticks of 8 ns of them.
+
+#include "catalogue/live_records.h"
+#include "entry/sdk_parameters.h"
+#include "entry/setter_tools.h"
+#include "support/conversions.h"
+#include "trigger/trigger_inputs.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+using namespace catalogue;
+
+namespace {
+
+constexpr double shortestPulse = 0.512;    // 64 ticks
+constexpr double longestPeriod = 2097.144; // 18-bit counter
+constexpr double longestPulse = 1048.568;  // 17-bit counter
+constexpr double shortestDebounce = 0.008;
+constexpr double longestDebounce = 65.0;
+constexpr std::uint32_t mostDownscale = 255;
+
+constexpr std::uint32_t readOnly = REGISTER_ACCESS_READ;
+constexpr std::uint32_t anyTime = 7;
+
+struct LineTriggerMode {
+    std::uint32_t mode;
+    std::uint32_t designValue;
+    std::uint32_t inputAccess; // of the parameters of the input, which only an external trigger needs
+};
+
+constexpr LineTriggerMode lineTriggerModes[] = {
+    {GRABBER_CONTROLLED, 0, readOnly},
+    {ASYNC_TRIGGER, 1, anyTime},
+    {GRABBER_CONTROLLED_GATED, 2, readOnly},
+    {ASYNC_GATED, 3, anyTime},
+};
+
+const LineTriggerMode& translated(std::uint32_t mode) {
+    const auto* row = std::ranges::find(lineTriggerModes, mode, &LineTriggerMode::mode);
+    if (row == std::end(lineTriggerModes)) refuse(FG_ERR_NO_TRANSLATION);
+    return *row;
+}
+
+/** Prescaler period of the input block's debouncing: 3 ticks each; the half before rounding up is deliberate.
+ */
+std::uint32_t debouncePrescaler(double microseconds) {
+    return truncated<std::uint32_t>(std::ceil(0.5 + (125.0 * microseconds) / 3.0));
+}
+
+/** A published maximum stays above zero. */
+double publishable(double limit) { return std::max(limit, std::numeric_limits<double>::min()); }
+
+} // namespace
+
+double FgLoomWrapperImpl::exposureLimit() const {
+    const bool periodic =
+        m_lineTriggerMode == GRABBER_CONTROLLED || m_lineTriggerMode == GRABBER_CONTROLLED_GATED;
+    return periodic && m_linePeriode < longestPulse ? m_linePeriode : longestPulse;
+}
+
+void FgLoomWrapperImpl::updateExposureRange() {
+    publishMaximum(recordAt(indexOf(FG_LINEEXPOSURE)), publishable(exposureLimit()));
+}
+
+void FgLoomWrapperImpl::updateTriggerDelayRange() {
+    publishMaximum(recordAt(indexOf(FG_LINETRIGGERDELAY)), publishable(m_linePeriode));
+}
+
+void FgLoomWrapperImpl::set_FG_LINETRIGGERMODE(std::uint32_t value, bool raise) {
+    attempt(raise, [&] {
+        requireEntry(enumLineTriggerMode, value);
+        Replacement stored(m_lineTriggerMode, value);
+        const LineTriggerMode& mode = translated(value);
+        for (const std::size_t input :
+             {indexOf(FG_LINETRIGGERINSRC), indexOf(FG_LINETRIGGERINPOLARITY), indexOf(FG_LINE_DOWNSCALE),
+              indexOf(FG_LINE_DOWNSCALEINIT), indexOf(FG_SHAFTENCODERON)})
+            publishAccess(recordAt(input), mode.inputAccess);
+        // The compensation count stays as it is here; only switching the encoder itself reaches it.
+        if (m_shaftEncoderOn == FG_ON)
+            for (const std::size_t input :
+                 {indexOf(FG_SHAFTENCODERMODE), indexOf(FG_SHAFTENCODERINSRC),
+                  indexOf(FG_SHAFTENCODERLEADING), indexOf(FG_SHAFTENCODER_COMPENSATION_ENABLE)})
+                publishAccess(recordAt(input), mode.inputAccess);
+        loomSet_Process0_Trigger_Trigger_LineTriggerMode(mode.designValue);
+        stored.keep();
+        updateExposureRange();
+    });
+}
+
+void FgLoomWrapperImpl::set_FG_EXSYNCON(std::uint32_t value, bool raise) {
+    attempt(raise, [&] {
+        requireEntry(enumOnOff, value);
+        Replacement stored(m_exsyncOn, value);
+        loomSet_Process0_Trigger_Trigger_ExsyncEnable(value);
+        stored.keep();
+    });
+}
+
+void FgLoomWrapperImpl::set_FG_LINETRIGGERINSRC(std::uint32_t value, bool raise) {
+    attempt(raise, [&] {
+        requireEntry(enumTriggerInSource, value);
+        Replacement stored(m_lineTriggerInSrc, value);
+        loomSet_Process0_Trigger_Trigger_LineTrgInSourceA(std::uint32_t{0});
+        loomSet_Process0_Trigger_InputSignal_LineTrgInSourceA_Input_Select(inputIndexOf(value));
+        stored.keep();
+    });
+}
+
+void FgLoomWrapperImpl::set_FG_LINETRIGGERINPOLARITY(std::uint32_t value, bool raise) {
+    attempt(raise, [&] {
+        requireEntry(enumTriggerInPolarity, value);
+        Replacement stored(m_lineTriggerInPolarity, value);
+        loomSet_Process0_Trigger_Trigger_LineTrgInPolarity(value);
+        stored.keep();
+    });
+}
+
+void FgLoomWrapperImpl::set_FG_LINETRIGGERDEBOUNCING(double value, bool raise) {
+    attempt(raise, [&] {
+        requireRange(value, shortestDebounce, longestDebounce);
+        Replacement stored(m_lineTriggerDebouncing, value);
+        loomSet_Process0_Trigger_Trigger_LineTrgDebouncingTime(value);
+        loomSet_Process1_Trigger_Inputs_Debounce8_Prescale_Period(debouncePrescaler(value));
+        stored.keep();
+    });
+}
+
+void FgLoomWrapperImpl::set_FG_LINE_DOWNSCALE(std::uint32_t value, bool raise) {
+    attempt(raise, [&] {
+        requireRange(value, 1u, mostDownscale);
+        Replacement stored(m_lineDownscale, value);
+        loomSet_Process0_Trigger_Trigger_LineTrgDownscaler(value);
+        stored.keep();
+    });
+}
+
+void FgLoomWrapperImpl::set_FG_LINE_DOWNSCALEINIT(std::uint32_t value, bool raise) {
+    attempt(raise, [&] {
+        requireRange(value, 1u, mostDownscale); // a phase above the downscale factor is accepted
+        Replacement stored(m_lineDownscaleInit, value);
+        loomSet_Process0_Trigger_Trigger_LineTrgPhase(value);
+        stored.keep();
+    });
+}
+
+void FgLoomWrapperImpl::set_FG_LINEPERIODE(double value, bool raise) {
+    attempt(raise, [&] {
+        requireRange(value, shortestPulse, longestPeriod);
+        Replacement stored(m_linePeriode, value);
+        loomSet_Process0_Trigger_Trigger_ExsyncPeriod(value);
+        stored.keep();
+        // A stored exposure or delay that is now too long stays: it is checked when it is set itself.
+        updateExposureRange();
+        updateTriggerDelayRange();
+    });
+}
+
+void FgLoomWrapperImpl::set_FG_LINEEXPOSURE(double value, bool raise) {
+    attempt(raise, [&] {
+        requireRange(value, shortestPulse, exposureLimit());
+        Replacement stored(m_lineExposure, value);
+        loomSet_Process0_Trigger_Trigger_ExsyncExposure(value);
+        stored.keep();
+    });
+}
+
+void FgLoomWrapperImpl::set_FG_EXSYNCPOLARITY(std::uint32_t value, bool raise) {
+    attempt(raise, [&] {
+        requireEntry(enumPolarity, value);
+        Replacement stored(m_exsyncPolarity, value);
+        loomSet_Process0_Trigger_Trigger_ExsyncPolarity(value == FG_LOW ? 1u
+                                                                        : 0u); // the design's is inverted
+        stored.keep();
+    });
+}
+
+void FgLoomWrapperImpl::set_FG_LINETRIGGERDELAY(double value, bool raise) {
+    attempt(raise, [&] {
+        requireRange(value, 0.0, m_linePeriode); // whatever the mode and the catalogue's own maximum
+        Replacement stored(m_lineTriggerDelay, value);
+        loomSet_Process0_Trigger_Trigger_Exsync2Delay(value);
+        stored.keep();
+    });
+}
+
+void FgLoomWrapperImpl::get_FG_LINETRIGGERMODE(std::uint32_t* out) { give(out, m_lineTriggerMode); }
+
+void FgLoomWrapperImpl::get_FG_EXSYNCON(std::uint32_t* out) { give(out, m_exsyncOn); }
+
+void FgLoomWrapperImpl::get_FG_LINETRIGGERINSRC(std::uint32_t* out) { give(out, m_lineTriggerInSrc); }
+
+void FgLoomWrapperImpl::get_FG_LINETRIGGERINPOLARITY(std::uint32_t* out) {
+    give(out, m_lineTriggerInPolarity);
+}
+
+void FgLoomWrapperImpl::get_FG_LINETRIGGERDEBOUNCING(double* out) { give(out, m_lineTriggerDebouncing); }
+
+void FgLoomWrapperImpl::get_FG_LINE_DOWNSCALE(std::uint32_t* out) { give(out, m_lineDownscale); }
+
+void FgLoomWrapperImpl::get_FG_LINE_DOWNSCALEINIT(std::uint32_t* out) { give(out, m_lineDownscaleInit); }
+
+void FgLoomWrapperImpl::get_FG_LINEPERIODE(double* out) { give(out, m_linePeriode); }
+
+void FgLoomWrapperImpl::get_FG_LINEEXPOSURE(double* out) { give(out, m_lineExposure); }
+
+void FgLoomWrapperImpl::get_FG_EXSYNCPOLARITY(std::uint32_t* out) { give(out, m_exsyncPolarity); }
+
+void FgLoomWrapperImpl::get_FG_LINETRIGGERDELAY(double* out) { give(out, m_lineTriggerDelay); }
