@@ -8,7 +8,7 @@ set(APPLET_DESIGN_IMAGE "" CACHE FILEPATH "Design image to embed instead of the 
 find_package(Python3 REQUIRED COMPONENTS Interpreter)
 
 set(EMBEDDED_DIR ${CMAKE_BINARY_DIR}/embedded)
-set(EMBEDDED_SCRIPT ${CMAKE_SOURCE_DIR}/cmake/make_embedded_data.py)
+set(EMBEDDED_SCRIPT ${CMAKE_CURRENT_LIST_DIR}/make_embedded_data.py)
 set(ICON_FILE ${EMBEDDED_DIR}/icon.png)
 
 if(APPLET_DESIGN_IMAGE)

@@ -1,0 +1,42 @@
+/** The text log that the file parsers take as a companion. */
+#ifndef SUPPORT_FG_LOG_H
+#define SUPPORT_FG_LOG_H
+
+#include <cstdio>
+
+/**
+ * A log of one line for each record. No file is ever opened, so that nothing is written; the parsers log
+ * through it all the same. Takes no lock.
+ */
+class Fg_Log {
+public:
+    explicit Fg_Log(const char* path);
+    Fg_Log(const Fg_Log&) = delete;
+    Fg_Log& operator=(const Fg_Log&) = delete;
+    ~Fg_Log();
+
+    /** Opens nothing, on purpose. */
+    void OpenLogFile(const char* path);
+    void CloseLogFile();
+    /** Callers pass the name of their function; it is not written. */
+    void Func(const char* name);
+    /** The local time with a line end, in a buffer of the system that the next call overwrites. */
+    char* GetTimestamp();
+    /** Writes as printf does, without a line end of its own. */
+    void UsrDbg(const char* format, ...) __attribute__((format(printf, 2, 3)));
+    /** Writes nothing, on purpose. */
+    void Info(const char* text);
+    void Info(const char* text, int value);
+    void Error(const char* text);
+    void ErrorInt(const char* text, const char* name, int value);
+    void ErrorDouble(const char* text, const char* name, double value);
+    /** Writes the header of a log. */
+    void WriteWelcome();
+
+private:
+    void write(const char* format, ...) __attribute__((format(printf, 2, 3)));
+
+    std::FILE* m_stream = nullptr;
+};
+
+#endif

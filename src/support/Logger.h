@@ -1,0 +1,40 @@
+/** The object that code logs through. */
+#ifndef SUPPORT_LOGGER_H
+#define SUPPORT_LOGGER_H
+
+#include <cstdint>
+#include <memory>
+
+namespace vexo::tools::logging {
+
+/** The threshold of a logger that nobody has opened: above every level that the library uses. */
+inline constexpr std::uint32_t closedLevel = 7;
+
+/**
+ * A named source of log lines with a threshold. Levels are numbers; higher is more severe.
+ *
+ * Loggers belong to Logging. All operations may be called from any thread.
+ */
+class Logger {
+public:
+    explicit Logger(std::uint64_t handle, std::uint32_t level = closedLevel);
+    Logger(const Logger&) = delete;
+    Logger& operator=(const Logger&) = delete;
+    virtual ~Logger();
+
+    /** Whether a line of this level passes. Ask before composing one. Locks only if the level passes. */
+    bool isEnabled(std::uint32_t level) const;
+    /** Hands a line to the dispatcher, without a test of the level. */
+    void log(std::uint32_t level, const char* text, std::uint32_t a, std::uint64_t b) const;
+    void setLevel(std::uint32_t level);
+    /** Silences the logger for the calling thread or ends that. Returns whether it was enabled before. */
+    bool setEnabled(bool enabled);
+
+private:
+    struct Private;
+    std::unique_ptr<Private> m_private;
+};
+
+} // namespace vexo::tools::logging
+
+#endif

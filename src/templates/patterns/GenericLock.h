@@ -1,0 +1,93 @@
+/** The abstract lock and its guard. */
+#ifndef TEMPLATES_PATTERNS_GENERICLOCK_H
+#define TEMPLATES_PATTERNS_GENERICLOCK_H
+
+#include "templates/patterns/Guard.h"
+#include "templates/platform/assertion.h"
+#include "templates/platform/thread_annotations.h"
+
+#include <atomic>
+#include <cstdint>
+
+namespace vexo::templates::patterns {
+
+/**
+ * A lock that counts its holders, so that misuse ends in an assertion.
+ *
+ * The order of the virtual operations is that of the slots and stays.
+ */
+class CAPABILITY("mutex") GenericLock {
+public:
+    GenericLock() = default;
+    GenericLock(const GenericLock&) = delete;
+    GenericLock& operator=(const GenericLock&) = delete;
+
+    /** The lock must have no holder. */
+    virtual ~GenericLock() {
+        platform::assertThat(!isLocked(), "m_count == 0",
+                             {"templates/patterns/GenericLock", 48,
+                              "virtual vexo::templates::patterns::GenericLock::~GenericLock()"});
+    }
+    /** Blocks until the lock is taken. Does not count. */
+    virtual void lock() ACQUIRE() = 0;
+    /** Takes the lock if it can be had within `timeout`. Does not count. */
+    virtual bool tryLock(std::uint32_t timeout) TRY_ACQUIRE(true) = 0;
+    virtual void unlock() RELEASE() = 0;
+
+    /** Takes the lock and counts, even where taking it failed. */
+    void enter() ACQUIRE() {
+        lock();
+        countIn();
+    }
+    /** Counts down and releases the lock. Somebody must have entered. */
+    void leave() RELEASE() {
+        countOut();
+        unlock();
+    }
+    bool isLocked() const { return m_count.load(std::memory_order_relaxed) > 0; }
+
+protected:
+    // The count only tells misuse; the lock itself orders what it protects.
+    void countIn() { m_count.fetch_add(1, std::memory_order_relaxed); }
+    void countOut() {
+        platform::assertThat(m_count.fetch_sub(1, std::memory_order_relaxed) > 0, "m_count > 0",
+                             {"templates/patterns/GenericLock", 70,
+                              "void vexo::templates::patterns::GenericLock::leave()"});
+    }
+
+private:
+    std::atomic<std::uint32_t> m_count{0};
+};
+
+/**
+ * Holds a lock for a scope if `autoLock`, and deletes it at the end if `ownsLock`.
+ *
+ * Whether the lock is taken is known at run time only, so clang's analysis does not follow it.
+ */
+class GenericLockGuard : public Guard<GenericLock*> {
+public:
+    GenericLockGuard(GenericLock* lock, bool ownsLock, bool autoLock) NO_THREAD_SAFETY_ANALYSIS
+        : Guard(lock),
+          m_ownsLock(ownsLock),
+          m_autoLock(autoLock) {
+        if (m_autoLock) m_lock->enter();
+    }
+    // Always inline: where a derived guard has released the lock, nothing of this remains.
+    [[gnu::always_inline]] ~GenericLockGuard() override NO_THREAD_SAFETY_ANALYSIS {
+        if (m_autoLock && m_active && m_lock->isLocked()) m_lock->leave();
+        if (m_ownsLock) delete m_lock;
+    }
+
+protected:
+    struct TakenByDerived {};
+    /** For a guard that takes and releases the lock by its own type, without a virtual call. */
+    GenericLockGuard(GenericLock* lock, TakenByDerived) : Guard(lock), m_ownsLock(false), m_autoLock(true) {}
+
+private:
+    bool m_ownsLock;
+    bool m_autoLock;
+};
+
+} // namespace vexo::templates::patterns
+
+#endif
