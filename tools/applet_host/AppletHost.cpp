@@ -1,0 +1,163 @@
+#include "applet_host/AppletHost.h"
+
+#include <dlfcn.h>
+
+#include <cstddef>
+#include <cstdlib>
+#include <cstring>
+#include <span>
+#include <string>
+
+namespace applet_host {
+namespace {
+
+/** One function pointer of a table: the name in the library and where the pointer goes. */
+struct Binding {
+    const char* name;
+    std::size_t offset;
+};
+
+#define BIND(table, prefix, name)                                                                            \
+    Binding { prefix #name, offsetof(table, name) }
+#define BIND_APPLET(name) BIND(AppletFunctions, "", name)
+#define BIND_BOARD(name) BIND(BoardFunctions, "vboard_", name)
+
+constexpr Binding appletBindings[] = {
+    BIND_APPLET(Std_entry),
+    BIND_APPLET(Info),
+    BIND_APPLET(Fg_setParameterWithType),
+    BIND_APPLET(Fg_getParameterWithType),
+    BIND_APPLET(Fg_freeParameterStringWithType),
+    BIND_APPLET(Fg_getNrOfParameter),
+    BIND_APPLET(Fg_getParameterName),
+    BIND_APPLET(Fg_getParameterId),
+    BIND_APPLET(Fg_getParameterIdByName),
+    BIND_APPLET(Fg_getParameterInfo),
+    BIND_APPLET(Fg_getParameterInfoXML),
+    BIND_APPLET(Fg_getEventMask),
+    BIND_APPLET(Fg_getEventName),
+    BIND_APPLET(Fg_saveConfig),
+    BIND_APPLET(Fg_loadConfig),
+    BIND_APPLET(Fg_getLastErrorNumber),
+    BIND_APPLET(Fg_FreeGrabber),
+    BIND_APPLET(Fg_getAppletId),
+    BIND_APPLET(Fg_AcquireEx),
+    BIND_APPLET(Fg_stopAcquireEx),
+    BIND_APPLET(Fg_getStatusEx),
+    BIND_APPLET(Fg_getLastPicNumberEx),
+    BIND_APPLET(Fg_getLastPicNumberBlockingEx),
+    BIND_APPLET(Fg_AllocShading),
+    BIND_APPLET(Fg_FreeShading),
+    BIND_APPLET(Shad_SetSubValueLine),
+    BIND_APPLET(Shad_SetMultValueLine),
+    BIND_APPLET(Shad_SetFixedPatternNoiseLine),
+    BIND_APPLET(Shad_GetMaxLine),
+    BIND_APPLET(Shad_GetAccess),
+    BIND_APPLET(Shad_FreeAccess),
+    BIND_APPLET(Shad_WriteActLine),
+    BIND_APPLET(mkstemps),
+};
+static_assert(sizeof(AppletFunctions) == std::size(appletBindings) * sizeof(void*), "a function without row");
+
+constexpr Binding boardBindings[] = {
+    BIND_BOARD(open),        BIND_BOARD(close),          BIND_BOARD(reset),        BIND_BOARD(lack_parameter),
+    BIND_BOARD(lack_event),  BIND_BOARD(hide_entry),     BIND_BOARD(extra_events), BIND_BOARD(refuse_design),
+    BIND_BOARD(fail_init),   BIND_BOARD(restore_design), BIND_BOARD(log_kinds),    BIND_BOARD(log_size),
+    BIND_BOARD(log_line),    BIND_BOARD(log_clear),      BIND_BOARD(fail_access),  BIND_BOARD(access_count),
+    BIND_BOARD(fail_name),   BIND_BOARD(answer),         BIND_BOARD(last_error),   BIND_BOARD(poke_int),
+    BIND_BOARD(poke_double), BIND_BOARD(poke_text),      BIND_BOARD(peek_int),     BIND_BOARD(peek_double),
+    BIND_BOARD(peek_field),
+};
+static_assert(sizeof(BoardFunctions) == std::size(boardBindings) * sizeof(void*), "a function without row");
+
+#undef BIND_BOARD
+#undef BIND_APPLET
+#undef BIND
+
+constexpr const char* boardLibraries[] = {"libvexo_hw.so", "libtslrt.so", "libgrabcore5.so"};
+constexpr const char* appletLibrary = "libGrab_TwinLaneLineColor.so";
+
+/** What the dynamic loader has to say about its last failure. */
+std::string loaderError() {
+    const char* text = dlerror();
+    return text != nullptr ? text : "the dynamic loader gives no reason";
+}
+
+void* openLibrary(const std::filesystem::path& path) {
+    const std::filesystem::path file = std::filesystem::absolute(path);
+    if (void* library = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL)) return library;
+    const std::string reason = loaderError();
+    std::error_code ignored;
+    if (!std::filesystem::exists(file, ignored)) {
+        throw HostError("the library " + file.filename().string() + " was looked for in " +
+                        file.parent_path().string() + ", and there is none");
+    }
+    throw HostError("the library " + file.filename().string() + " in " + file.parent_path().string() +
+                    " cannot be loaded: " + reason);
+}
+
+/** Binds every row's function of one library. */
+template <typename Table>
+void bindAll(void* library, const std::filesystem::path& path, std::span<const Binding> bindings,
+             Table& table) {
+    for (const Binding& binding : bindings) {
+        void* function = dlsym(library, binding.name);
+        if (function == nullptr) {
+            throw HostError("the library " + path.string() + " lacks the function " + binding.name + ": " +
+                            loaderError());
+        }
+        std::memcpy(reinterpret_cast<std::byte*>(&table) + binding.offset, &function, sizeof function);
+    }
+}
+
+} // namespace
+
+Locations Locations::beside() {
+    const std::filesystem::path prefix =
+        std::filesystem::read_symlink("/proc/self/exe").parent_path().parent_path();
+    // A build tree has lib/; an installed tree may have a folder of the machine's architecture instead.
+    std::filesystem::path libraries = prefix / "lib";
+    std::error_code ignored;
+    if (!std::filesystem::exists(libraries / appletLibrary, ignored) &&
+        std::filesystem::exists(prefix / APPLET_INSTALL_LIBDIR / appletLibrary, ignored)) {
+        libraries = prefix / APPLET_INSTALL_LIBDIR;
+    }
+    Locations where{libraries / appletLibrary, libraries / "virtual-board"};
+    if (const char* underTest = std::getenv("APPLET_UNDER_TEST")) where.applet = underTest;
+    return where;
+}
+
+AppletHost::AppletHost(const Locations& where) {
+    try {
+        void** next = m_libraries;
+        for (const char* name : boardLibraries)
+            *next++ = openLibrary(where.virtualBoard / name);
+        *next = openLibrary(where.applet);
+        bindAll(m_libraries[0], where.virtualBoard / boardLibraries[0], boardBindings, m_board);
+        bindAll(m_libraries[3], where.applet, appletBindings, m_applet);
+    } catch (...) {
+        close();
+        throw;
+    }
+}
+
+AppletHost::~AppletHost() { close(); }
+
+void AppletHost::close() {
+    // The applet goes first, as it uses the other three.
+    for (std::size_t i = std::size(m_libraries); i-- > 0;) {
+        if (m_libraries[i] != nullptr) dlclose(m_libraries[i]);
+        m_libraries[i] = nullptr;
+    }
+}
+
+Session::Session(const AppletHost& libraries, int flags) : host(libraries), device(libraries.board().open()) {
+    handle.object = host.applet().Std_entry(device, &error, flags);
+}
+
+Session::~Session() {
+    if (handle.object != nullptr) host.applet().Fg_FreeGrabber(handle.fg());
+    host.board().close(device);
+}
+
+} // namespace applet_host
