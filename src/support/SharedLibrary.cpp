@@ -23,6 +23,4 @@ void SharedLibrary::load() {
     m_lastError = reason != nullptr ? reason : "";
 }
 
-void* SharedLibrary::symbol(const char* name) const {
-    return isLoaded() ? dlsym(m_handle, name) : nullptr;
-}
+void* SharedLibrary::symbol(const char* name) const { return isLoaded() ? dlsym(m_handle, name) : nullptr; }

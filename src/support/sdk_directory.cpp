@@ -25,7 +25,8 @@ bool isSdkFolder(const char* name) {
 
 /** Ends the path behind the last character in front of the run of '/' that `slash` closes; the root stays. */
 void cutBefore(char* path, char* slash) {
-    while (slash > path && *slash == '/') --slash;
+    while (slash > path && *slash == '/')
+        --slash;
     slash[1] = '\0';
 }
 
@@ -56,7 +57,8 @@ bool climbToSdkDirectory(char* path) {
 void copyDirectory(char* buffer, std::size_t size, const char* value) {
     std::snprintf(buffer, size, "%s", value);
     std::size_t length = std::strlen(buffer);
-    while (length > 1 && buffer[length - 1] == '/') buffer[--length] = '\0';
+    while (length > 1 && buffer[length - 1] == '/')
+        buffer[--length] = '\0';
 }
 
 const char* sdkDirectory() {

@@ -8,8 +8,8 @@
 #include <memory>
 
 /**
- * The SDK directory: the parent of the first of bin, dll, "Hardware Applets", lib or lib64 above this library's
- * file, else what NORVANE_FG_SDK_DIR says. Once found it stays.
+ * The SDK directory: the parent of the first of bin, dll, "Hardware Applets", lib or lib64 above this
+ * library's file, else what NORVANE_FG_SDK_DIR says. Once found it stays.
  *
  * Returns a text of the library's own, or null if there is none; a later call then tries again. Takes a spin
  * lock of its own; may be called from any thread.

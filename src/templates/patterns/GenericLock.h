@@ -50,9 +50,9 @@ protected:
     // The count only tells misuse; the lock itself orders what it protects.
     void countIn() { m_count.fetch_add(1, std::memory_order_relaxed); }
     void countOut() {
-        platform::assertThat(m_count.fetch_sub(1, std::memory_order_relaxed) > 0, "m_count > 0",
-                             {"templates/patterns/GenericLock", 70,
-                              "void vexo::templates::patterns::GenericLock::leave()"});
+        platform::assertThat(
+            m_count.fetch_sub(1, std::memory_order_relaxed) > 0, "m_count > 0",
+            {"templates/patterns/GenericLock", 70, "void vexo::templates::patterns::GenericLock::leave()"});
     }
 
 private:

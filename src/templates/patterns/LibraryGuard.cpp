@@ -41,7 +41,8 @@ void LibraryInitController::deinit() {
                {"templates/patterns/LibraryGuard", 154, "static void LibraryInitController::deinit()"});
     print("[Deinit ]", mUseCount - 1);
     if (--mUseCount != 0) return;
-    for (void (*function)() : mInstance->mExitFunctions) function();
+    for (void (*function)() : mInstance->mExitFunctions)
+        function();
     // Not a plain walk: the end of one singleton may be the first use of another.
     while (!mInstance->mSingletons.empty()) {
         GuardedSingletonBase* newest = mInstance->mSingletons.front();

@@ -25,8 +25,8 @@ public:
 };
 
 /**
- * Counts the users of the library. The end of the last one destroys the singletons, the newest first; the next
- * user starts anew.
+ * Counts the users of the library. The end of the last one destroys the singletons, the newest first; the
+ * next user starts anew.
  */
 class LibraryInitController {
 public:

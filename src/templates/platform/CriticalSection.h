@@ -11,8 +11,9 @@ namespace vexo::templates::platform {
 /**
  * A mutex that is not recursive.
  *
- * A nested enter() by the thread that holds it does not block: the mutex's error is ignored and the count still
- * rises. The leave() of the nested holder releases the mutex, that of the outer one then releases nothing.
+ * A nested enter() by the thread that holds it does not block: the mutex's error is ignored and the count
+ * still rises. The leave() of the nested holder releases the mutex, that of the outer one then releases
+ * nothing.
  */
 class CAPABILITY("mutex") CriticalSection final : public patterns::GenericLock {
 public:

@@ -52,7 +52,7 @@ public:
         : ReadWriteLockGuard(lock, mode.value) {}
     /** A mode that is neither read nor write takes nothing; the caller then holds the lock already. */
     ReadWriteLockGuard(ReadWriteLock* lock, std::uint32_t mode) NO_THREAD_SAFETY_ANALYSIS : Guard(lock),
-                                                                                           m_mode(mode) {
+                                                                                            m_mode(mode) {
         if (m_mode == read) m_lock->lockRead();
         if (m_mode == write) m_lock->lockWrite();
     }

@@ -17,14 +17,15 @@ using SpinOwner = std::atomic<pthread_t>;
 /**
  * Holds a spin variable for a scope.
  *
- * With an owner variable the holder may enter again: the inner guard takes and releases nothing. Waiting yields
- * the processor and has no time-out; hold it for short pieces of work only.
+ * With an owner variable the holder may enter again: the inner guard takes and releases nothing. Waiting
+ * yields the processor and has no time-out; hold it for short pieces of work only.
  */
 class SpinLockVariableGuard {
 public:
     SpinLockVariableGuard(SpinVariable* spin, SpinOwner* owner) : m_spin(spin), m_owner(owner) {
         if (heldByCaller(m_owner)) return;
-        while (m_spin->exchange(1, std::memory_order_acquire) == 1) sched_yield();
+        while (m_spin->exchange(1, std::memory_order_acquire) == 1)
+            sched_yield();
         if (m_owner != nullptr) m_owner->store(pthread_self(), std::memory_order_relaxed);
         m_locked = true;
     }

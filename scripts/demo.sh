@@ -1,0 +1,32 @@
+#!/usr/bin/env bash
+# Builds everything and shows the applet at work on the virtual board.
+set -euo pipefail
+source "$(dirname "$0")/common.sh"
+
+install_packages "${BUILD_PACKAGES[@]}"
+build release appletctl common-logging-dispatcher
+
+bin=build/release/bin/appletctl
+
+# show COMMAND...: prints a command line, then runs it. A refusal (status 1) is part of the show.
+show() {
+    say "appletctl $*"
+    local status=0
+    "$bin" "$@" || status=$?
+    [ "$status" -le 1 ] || exit "$status"
+}
+
+show info
+show list 'FG_*WIDTH'
+show list LINETRIGGER
+show describe FG_VANTAGEPOINT
+show set FG_WIDTH=2048 FG_LINEPERIODE=150 FG_LINETRIGGERMODE=ASYNC_TRIGGER
+say 'What reaches the board, in order'
+show trace set FG_VANTAGEPOINT=FG_VANTAGEPOINT_BOTTOM_RIGHT
+say 'A refusal says what is possible instead'
+show set FG_WIDTH=20000
+show set FG_LINETRIGGERINSRC=8
+say 'The same, for a program'
+show --json get FG_WIDTH FG_LINEEXPOSURE
+say 'Without a board'
+show --offline list SENSOR
