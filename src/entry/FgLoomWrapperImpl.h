@@ -83,6 +83,7 @@ private:
     int writeRegister(int reg, const void* value);
     int readRegister(int reg, void* value);
     static int processOfDma(int dma);
+    [[noreturn]] void refuseUnknown(const char* verb, int id);
     bool isDirectRegister(int id) const;
     /** Gives a text to a caller: into his buffer, or as a new string that this object owns. */
     template <typename Writer> void giveText(void* value, FgParamTypes type, Writer write);

@@ -41,10 +41,9 @@ void FgLoomWrapperImpl::applyDefaults() {
 }
 
 void FgLoomWrapperImpl::set_FG_TIMEOUT(std::uint32_t value, bool raise) {
-    attempt(raise, [&] {
-        requireRange(value, 2u, 2147483646u);
-        m_timeout = value;
-    });
+    if (!raise) return quietly([&] { set_FG_TIMEOUT(value, true); });
+    requireRange(value, 2u, 2147483646u);
+    m_timeout = value;
 }
 
 void FgLoomWrapperImpl::get_FG_TIMEOUT(std::uint32_t* out) { give(out, m_timeout); }

@@ -93,11 +93,13 @@ void FgLoomWrapperImpl::setParameter(int id, const void* value, int dma, FgParam
     processOfDma(dma);
     if (id == FG_PARAM_DESCR) refuseWriteTo("FG_PARAM_DESCR");
     const SdkParameter* parameter = findParameter(id);
-    if (parameter == nullptr || parameter->set == nullptr) {
-        log(refusedCall, "trying to set unknown SDK parameter '", id, "' on process 0!");
-        refuse(FG_ERR_INVALID_ARGUMENT);
-    }
+    if (parameter == nullptr || parameter->set == nullptr) refuseUnknown("set", id);
     parameter->set(*this, *parameter, value, type);
+}
+
+void FgLoomWrapperImpl::refuseUnknown(const char* verb, int id) {
+    log(refusedCall, "trying to ", verb, " unknown SDK parameter '", id, "' on process 0!");
+    refuse(FG_ERR_INVALID_ARGUMENT);
 }
 
 void FgLoomWrapperImpl::refuseWriteTo(const char* name) {
@@ -110,10 +112,7 @@ void FgLoomWrapperImpl::getParameter(int id, void* value, int dma, FgParamTypes 
     if (id != FG_NR_OF_PROCESSES) processOfDma(dma);
     if (id == FG_PARAM_DESCR) return readDescription(value, type);
     const SdkParameter* parameter = findParameter(id);
-    if (parameter == nullptr || parameter->get == nullptr) {
-        log(refusedCall, "trying to get unknown SDK parameter '", id, "' on process 0!");
-        refuse(FG_ERR_INVALID_ARGUMENT);
-    }
+    if (parameter == nullptr || parameter->get == nullptr) refuseUnknown("get", id);
     parameter->get(*this, *parameter, value, dma, type);
 }
 

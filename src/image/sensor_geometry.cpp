@@ -19,11 +19,11 @@ constexpr std::uint32_t maximumHeight = 1398101; // lines, 2^22 / 3
 constexpr std::uint32_t minimumWidth = 4;        // pixels
 constexpr std::uint32_t minimumHeight = 1;       // lines
 
-void requireAtLeast(std::uint32_t value, std::uint32_t minimum) {
+[[gnu::always_inline]] inline void requireAtLeast(std::uint32_t value, std::uint32_t minimum) {
     if (value < minimum) refuse(FG_ERR_OUT_OF_RANGE);
 }
 
-void requireAtMost(std::uint32_t value, std::uint32_t limit) {
+[[gnu::always_inline]] inline void requireAtMost(std::uint32_t value, std::uint32_t limit) {
     if (value > limit) refuse(FG_ERR_OUT_OF_RANGE);
 }
 
@@ -197,114 +197,107 @@ void FgLoomWrapperImpl::updateYOffsetRange() {
 // ---- Setters and getters
 
 void FgLoomWrapperImpl::set_FG_VANTAGEPOINT(std::uint32_t value, bool raise) {
-    attempt(raise, [&] {
-        requireEntry(enumVantagePoint, value);
-        Replacement stored(m_vantagePoint, value);
-        checkRoiX();
-        checkRoiY();
-        writeBufferGeometry(stored.old());
-        stored.keep();
-        updateSensorWidthRange();
-        updateSensorHeightRange();
-        updateWidthRange();
-        updateHeightRange();
-        updateXOffsetRange();
-        updateYOffsetRange();
-    });
+    if (!raise) return quietly([&] { set_FG_VANTAGEPOINT(value, true); });
+    requireEntry(enumVantagePoint, value);
+    Replacement stored(m_vantagePoint, value);
+    checkRoiX();
+    checkRoiY();
+    writeBufferGeometry(stored.old());
+    stored.keep();
+    updateSensorWidthRange();
+    updateSensorHeightRange();
+    updateWidthRange();
+    updateHeightRange();
+    updateXOffsetRange();
+    updateYOffsetRange();
 }
 
 void FgLoomWrapperImpl::set_FG_SENSORWIDTH(std::uint32_t value, bool raise) {
-    attempt(raise, [&] {
-        requireAtLeast(value, minimumWidth);
-        const std::uint32_t fitting = maxSensorWidthFromDram(); // read for every vantage point
-        requireAtMost(value, mirrorsFrames() ? std::min(maximumWidth, fitting) : maximumWidth);
-        requireMultipleOf4(value);
-        Replacement stored(m_sensorWidth, value);
-        checkRoiX();
-        writeBufferGeometry(stored.old());
-        stored.keep();
-        updateSensorHeightRange();
-        updateWidthRange();
-        updateHeightRange();
-        updateXOffsetRange();
-        updateYOffsetRange();
-    });
+    if (!raise) return quietly([&] { set_FG_SENSORWIDTH(value, true); });
+    requireAtLeast(value, minimumWidth);
+    const std::uint32_t fitting = maxSensorWidthFromDram(); // read for every vantage point
+    requireAtMost(value, mirrorsFrames() ? std::min(maximumWidth, fitting) : maximumWidth);
+    requireMultipleOf4(value);
+    Replacement stored(m_sensorWidth, value);
+    checkRoiX();
+    writeBufferGeometry(stored.old());
+    stored.keep();
+    updateSensorHeightRange();
+    updateWidthRange();
+    updateHeightRange();
+    updateXOffsetRange();
+    updateYOffsetRange();
 }
 
 void FgLoomWrapperImpl::set_FG_SENSORHEIGHT(std::uint32_t value, bool raise) {
-    attempt(raise, [&] {
-        requireAtLeast(value, minimumHeight);
-        const std::uint32_t fitting = calcMaxHeightFromDram(m_sensorWidth); // read for every vantage point
-        requireAtMost(value, mirrorsFrames() ? std::min(maximumHeight, fitting) : maximumHeight);
-        Replacement stored(m_sensorHeight, value);
-        checkRoiY();
-        writeBufferGeometry(stored.old());
-        stored.keep();
-        updateSensorWidthRange();
-        updateWidthRange();
-        updateHeightRange();
-        updateXOffsetRange();
-        updateYOffsetRange();
-    });
+    if (!raise) return quietly([&] { set_FG_SENSORHEIGHT(value, true); });
+    requireAtLeast(value, minimumHeight);
+    const std::uint32_t fitting = calcMaxHeightFromDram(m_sensorWidth); // read for every vantage point
+    requireAtMost(value, mirrorsFrames() ? std::min(maximumHeight, fitting) : maximumHeight);
+    Replacement stored(m_sensorHeight, value);
+    checkRoiY();
+    writeBufferGeometry(stored.old());
+    stored.keep();
+    updateSensorWidthRange();
+    updateWidthRange();
+    updateHeightRange();
+    updateXOffsetRange();
+    updateYOffsetRange();
 }
 
 void FgLoomWrapperImpl::set_FG_WIDTH(std::uint32_t value, bool raise) {
-    attempt(raise, [&] {
-        requireAtLeast(value, minimumWidth);
-        requireAtMost(value, widthLimit());
-        requireMultipleOf4(value);
-        Replacement stored(m_width, value);
-        checkRoiX();
-        writeBufferGeometry(stored.old());
-        stored.keep();
-        updateSensorWidthRange();
-        updateSensorHeightRange();
-        updateHeightRange();
-        updateXOffsetRange();
-        updateYOffsetRange();
-    });
+    if (!raise) return quietly([&] { set_FG_WIDTH(value, true); });
+    requireAtLeast(value, minimumWidth);
+    requireAtMost(value, widthLimit());
+    requireMultipleOf4(value);
+    Replacement stored(m_width, value);
+    checkRoiX();
+    writeBufferGeometry(stored.old());
+    stored.keep();
+    updateSensorWidthRange();
+    updateSensorHeightRange();
+    updateHeightRange();
+    updateXOffsetRange();
+    updateYOffsetRange();
 }
 
 void FgLoomWrapperImpl::set_FG_HEIGHT(std::uint32_t value, bool raise) {
-    attempt(raise, [&] {
-        requireAtLeast(value, minimumHeight);
-        requireAtMost(value, heightLimit());
-        Replacement stored(m_height, value);
-        checkRoiY();
-        writeBufferGeometry(stored.old());
-        writeTriggerGeometry(m_yOffset, m_height, m_imgTriggerMode);
-        stored.keep();
-        updateWidthRange();
-        updateXOffsetRange();
-        updateYOffsetRange();
-    });
+    if (!raise) return quietly([&] { set_FG_HEIGHT(value, true); });
+    requireAtLeast(value, minimumHeight);
+    requireAtMost(value, heightLimit());
+    Replacement stored(m_height, value);
+    checkRoiY();
+    writeBufferGeometry(stored.old());
+    writeTriggerGeometry(m_yOffset, m_height, m_imgTriggerMode);
+    stored.keep();
+    updateWidthRange();
+    updateXOffsetRange();
+    updateYOffsetRange();
 }
 
 void FgLoomWrapperImpl::set_FG_XOFFSET(std::uint32_t value, bool raise) {
-    attempt(raise, [&] {
-        requireAtMost(value, xOffsetLimit());
-        requireMultipleOf4(value);
-        Replacement stored(m_xOffset, value);
-        checkRoiX();
-        writeBufferGeometry(stored.old());
-        stored.keep();
-        updateSensorWidthRange();
-        updateSensorHeightRange();
-        updateWidthRange();
-    });
+    if (!raise) return quietly([&] { set_FG_XOFFSET(value, true); });
+    requireAtMost(value, xOffsetLimit());
+    requireMultipleOf4(value);
+    Replacement stored(m_xOffset, value);
+    checkRoiX();
+    writeBufferGeometry(stored.old());
+    stored.keep();
+    updateSensorWidthRange();
+    updateSensorHeightRange();
+    updateWidthRange();
 }
 
 void FgLoomWrapperImpl::set_FG_YOFFSET(std::uint32_t value, bool raise) {
-    attempt(raise, [&] {
-        requireAtMost(value, yOffsetLimit());
-        Replacement stored(m_yOffset, value);
-        checkRoiY();
-        writeBufferGeometry(stored.old());
-        writeTriggerGeometry(m_yOffset, m_height, m_imgTriggerMode);
-        stored.keep();
-        updateSensorHeightRange();
-        updateHeightRange();
-    });
+    if (!raise) return quietly([&] { set_FG_YOFFSET(value, true); });
+    requireAtMost(value, yOffsetLimit());
+    Replacement stored(m_yOffset, value);
+    checkRoiY();
+    writeBufferGeometry(stored.old());
+    writeTriggerGeometry(m_yOffset, m_height, m_imgTriggerMode);
+    stored.keep();
+    updateSensorHeightRange();
+    updateHeightRange();
 }
 
 void FgLoomWrapperImpl::get_FG_VANTAGEPOINT(std::uint32_t* out) { give(out, m_vantagePoint); }

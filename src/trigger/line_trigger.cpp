@@ -71,120 +71,108 @@ void FgLoomWrapperImpl::updateTriggerDelayRange() {
 }
 
 void FgLoomWrapperImpl::set_FG_LINETRIGGERMODE(std::uint32_t value, bool raise) {
-    attempt(raise, [&] {
-        requireEntry(enumLineTriggerMode, value);
-        Replacement stored(m_lineTriggerMode, value);
-        const LineTriggerMode& mode = translated(value);
+    if (!raise) return quietly([&] { set_FG_LINETRIGGERMODE(value, true); });
+    requireEntry(enumLineTriggerMode, value);
+    Replacement stored(m_lineTriggerMode, value);
+    const LineTriggerMode& mode = translated(value);
+    for (const std::size_t input :
+         {indexOf(FG_LINETRIGGERINSRC), indexOf(FG_LINETRIGGERINPOLARITY), indexOf(FG_LINE_DOWNSCALE),
+          indexOf(FG_LINE_DOWNSCALEINIT), indexOf(FG_SHAFTENCODERON)})
+        publishAccess(recordAt(input), mode.inputAccess);
+    // The compensation count stays as it is here; only switching the encoder itself reaches it.
+    if (m_shaftEncoderOn == FG_ON)
         for (const std::size_t input :
-             {indexOf(FG_LINETRIGGERINSRC), indexOf(FG_LINETRIGGERINPOLARITY), indexOf(FG_LINE_DOWNSCALE),
-              indexOf(FG_LINE_DOWNSCALEINIT), indexOf(FG_SHAFTENCODERON)})
+             {indexOf(FG_SHAFTENCODERMODE), indexOf(FG_SHAFTENCODERINSRC), indexOf(FG_SHAFTENCODERLEADING),
+              indexOf(FG_SHAFTENCODER_COMPENSATION_ENABLE)})
             publishAccess(recordAt(input), mode.inputAccess);
-        // The compensation count stays as it is here; only switching the encoder itself reaches it.
-        if (m_shaftEncoderOn == FG_ON)
-            for (const std::size_t input :
-                 {indexOf(FG_SHAFTENCODERMODE), indexOf(FG_SHAFTENCODERINSRC),
-                  indexOf(FG_SHAFTENCODERLEADING), indexOf(FG_SHAFTENCODER_COMPENSATION_ENABLE)})
-                publishAccess(recordAt(input), mode.inputAccess);
-        loomSet_Process0_Trigger_Trigger_LineTriggerMode(mode.designValue);
-        stored.keep();
-        updateExposureRange();
-    });
+    loomSet_Process0_Trigger_Trigger_LineTriggerMode(mode.designValue);
+    stored.keep();
+    updateExposureRange();
 }
 
 void FgLoomWrapperImpl::set_FG_EXSYNCON(std::uint32_t value, bool raise) {
-    attempt(raise, [&] {
-        requireEntry(enumOnOff, value);
-        Replacement stored(m_exsyncOn, value);
-        loomSet_Process0_Trigger_Trigger_ExsyncEnable(value);
-        stored.keep();
-    });
+    if (!raise) return quietly([&] { set_FG_EXSYNCON(value, true); });
+    requireEntry(enumOnOff, value);
+    Replacement stored(m_exsyncOn, value);
+    loomSet_Process0_Trigger_Trigger_ExsyncEnable(value);
+    stored.keep();
 }
 
 void FgLoomWrapperImpl::set_FG_LINETRIGGERINSRC(std::uint32_t value, bool raise) {
-    attempt(raise, [&] {
-        requireEntry(enumTriggerInSource, value);
-        Replacement stored(m_lineTriggerInSrc, value);
-        loomSet_Process0_Trigger_Trigger_LineTrgInSourceA(std::uint32_t{0});
-        loomSet_Process0_Trigger_InputSignal_LineTrgInSourceA_Input_Select(inputIndexOf(value));
-        stored.keep();
-    });
+    if (!raise) return quietly([&] { set_FG_LINETRIGGERINSRC(value, true); });
+    requireEntry(enumTriggerInSource, value);
+    Replacement stored(m_lineTriggerInSrc, value);
+    loomSet_Process0_Trigger_Trigger_LineTrgInSourceA(std::uint32_t{0});
+    loomSet_Process0_Trigger_InputSignal_LineTrgInSourceA_Input_Select(inputIndexOf(value));
+    stored.keep();
 }
 
 void FgLoomWrapperImpl::set_FG_LINETRIGGERINPOLARITY(std::uint32_t value, bool raise) {
-    attempt(raise, [&] {
-        requireEntry(enumTriggerInPolarity, value);
-        Replacement stored(m_lineTriggerInPolarity, value);
-        loomSet_Process0_Trigger_Trigger_LineTrgInPolarity(value);
-        stored.keep();
-    });
+    if (!raise) return quietly([&] { set_FG_LINETRIGGERINPOLARITY(value, true); });
+    requireEntry(enumTriggerInPolarity, value);
+    Replacement stored(m_lineTriggerInPolarity, value);
+    loomSet_Process0_Trigger_Trigger_LineTrgInPolarity(value);
+    stored.keep();
 }
 
 void FgLoomWrapperImpl::set_FG_LINETRIGGERDEBOUNCING(double value, bool raise) {
-    attempt(raise, [&] {
-        requireRange(value, shortestDebounce, longestDebounce);
-        Replacement stored(m_lineTriggerDebouncing, value);
-        loomSet_Process0_Trigger_Trigger_LineTrgDebouncingTime(value);
-        loomSet_Process1_Trigger_Inputs_Debounce8_Prescale_Period(debouncePrescaler(value));
-        stored.keep();
-    });
+    if (!raise) return quietly([&] { set_FG_LINETRIGGERDEBOUNCING(value, true); });
+    requireRange(value, shortestDebounce, longestDebounce);
+    Replacement stored(m_lineTriggerDebouncing, value);
+    loomSet_Process0_Trigger_Trigger_LineTrgDebouncingTime(value);
+    loomSet_Process1_Trigger_Inputs_Debounce8_Prescale_Period(debouncePrescaler(value));
+    stored.keep();
 }
 
 void FgLoomWrapperImpl::set_FG_LINE_DOWNSCALE(std::uint32_t value, bool raise) {
-    attempt(raise, [&] {
-        requireRange(value, 1u, mostDownscale);
-        Replacement stored(m_lineDownscale, value);
-        loomSet_Process0_Trigger_Trigger_LineTrgDownscaler(value);
-        stored.keep();
-    });
+    if (!raise) return quietly([&] { set_FG_LINE_DOWNSCALE(value, true); });
+    requireRange(value, 1u, mostDownscale);
+    Replacement stored(m_lineDownscale, value);
+    loomSet_Process0_Trigger_Trigger_LineTrgDownscaler(value);
+    stored.keep();
 }
 
 void FgLoomWrapperImpl::set_FG_LINE_DOWNSCALEINIT(std::uint32_t value, bool raise) {
-    attempt(raise, [&] {
-        requireRange(value, 1u, mostDownscale); // a phase above the downscale factor is accepted
-        Replacement stored(m_lineDownscaleInit, value);
-        loomSet_Process0_Trigger_Trigger_LineTrgPhase(value);
-        stored.keep();
-    });
+    if (!raise) return quietly([&] { set_FG_LINE_DOWNSCALEINIT(value, true); });
+    requireRange(value, 1u, mostDownscale); // a phase above the downscale factor is accepted
+    Replacement stored(m_lineDownscaleInit, value);
+    loomSet_Process0_Trigger_Trigger_LineTrgPhase(value);
+    stored.keep();
 }
 
 void FgLoomWrapperImpl::set_FG_LINEPERIODE(double value, bool raise) {
-    attempt(raise, [&] {
-        requireRange(value, shortestPulse, longestPeriod);
-        Replacement stored(m_linePeriode, value);
-        loomSet_Process0_Trigger_Trigger_ExsyncPeriod(value);
-        stored.keep();
-        // A stored exposure or delay that is now too long stays: it is checked when it is set itself.
-        updateExposureRange();
-        updateTriggerDelayRange();
-    });
+    if (!raise) return quietly([&] { set_FG_LINEPERIODE(value, true); });
+    requireRange(value, shortestPulse, longestPeriod);
+    Replacement stored(m_linePeriode, value);
+    loomSet_Process0_Trigger_Trigger_ExsyncPeriod(value);
+    stored.keep();
+    // A stored exposure or delay that is now too long stays: it is checked when it is set itself.
+    updateExposureRange();
+    updateTriggerDelayRange();
 }
 
 void FgLoomWrapperImpl::set_FG_LINEEXPOSURE(double value, bool raise) {
-    attempt(raise, [&] {
-        requireRange(value, shortestPulse, exposureLimit());
-        Replacement stored(m_lineExposure, value);
-        loomSet_Process0_Trigger_Trigger_ExsyncExposure(value);
-        stored.keep();
-    });
+    if (!raise) return quietly([&] { set_FG_LINEEXPOSURE(value, true); });
+    requireRange(value, shortestPulse, exposureLimit());
+    Replacement stored(m_lineExposure, value);
+    loomSet_Process0_Trigger_Trigger_ExsyncExposure(value);
+    stored.keep();
 }
 
 void FgLoomWrapperImpl::set_FG_EXSYNCPOLARITY(std::uint32_t value, bool raise) {
-    attempt(raise, [&] {
-        requireEntry(enumPolarity, value);
-        Replacement stored(m_exsyncPolarity, value);
-        loomSet_Process0_Trigger_Trigger_ExsyncPolarity(value == FG_LOW ? 1u
-                                                                        : 0u); // the design's is inverted
-        stored.keep();
-    });
+    if (!raise) return quietly([&] { set_FG_EXSYNCPOLARITY(value, true); });
+    requireEntry(enumPolarity, value);
+    Replacement stored(m_exsyncPolarity, value);
+    loomSet_Process0_Trigger_Trigger_ExsyncPolarity(value == FG_LOW ? 1u : 0u); // the design's is inverted
+    stored.keep();
 }
 
 void FgLoomWrapperImpl::set_FG_LINETRIGGERDELAY(double value, bool raise) {
-    attempt(raise, [&] {
-        requireRange(value, 0.0, m_linePeriode); // whatever the mode and the catalogue's own maximum
-        Replacement stored(m_lineTriggerDelay, value);
-        loomSet_Process0_Trigger_Trigger_Exsync2Delay(value);
-        stored.keep();
-    });
+    if (!raise) return quietly([&] { set_FG_LINETRIGGERDELAY(value, true); });
+    requireRange(value, 0.0, m_linePeriode); // whatever the mode and the catalogue's own maximum
+    Replacement stored(m_lineTriggerDelay, value);
+    loomSet_Process0_Trigger_Trigger_Exsync2Delay(value);
+    stored.keep();
 }
 
 void FgLoomWrapperImpl::get_FG_LINETRIGGERMODE(std::uint32_t* out) { give(out, m_lineTriggerMode); }
