@@ -1,0 +1,58 @@
+#include "appletctl/Instance.h"
+
+#include "appletctl/errors.h"
+#include "appletctl/info_codes.h"
+
+#include <cstdlib>
+
+namespace appletctl {
+namespace {
+
+/** Why a bring-up failed, as far as the code tells. */
+std::string bringUpHint(int code) {
+    if (code == FG_ERR_UNRESOLVED)
+        return "; the runtime library libgrabcore5.so or its init function was not found by the applet";
+    if (code != FG_ERR_INIT) return "";
+    if (std::getenv("__VEXO_FORCE_EXTERNAL_TSL") != nullptr)
+        return "; __VEXO_FORCE_EXTERNAL_TSL is set, so the design loader looked for the file "
+               "Grab_TwinLaneLineColor.tsl: put it where the loader looks, or unset the variable";
+    return "; the design loader did not take the design image in the library";
+}
+
+} // namespace
+
+applet_host::Locations locationsFor(const Options& options) {
+    applet_host::Locations where = applet_host::Locations::beside();
+    if (!options.applet.empty()) where.applet = options.applet;
+    return where;
+}
+
+Instance::Instance(const Options& options) : m_host(locationsFor(options)) {
+    if (options.offline) {
+        const int code = applet().Info(infoCreateOffline, 0, 0, nullptr, &m_offline.object);
+        if (code != FG_OK) throw Failure("no offline instance could be made: " + codeInWords(code));
+        return;
+    }
+    m_session = std::make_unique<applet_host::Session>(m_host);
+    if (m_session->handle.object == nullptr) {
+        throw Failure("the applet did not come up on the virtual board: " + codeInWords(m_session->error) +
+                      bringUpHint(m_session->error));
+    }
+}
+
+Instance::~Instance() {
+    if (m_offline.object != nullptr) applet().Info(infoDestroyOffline, 0, 0, m_offline.object, nullptr);
+}
+
+const RegisterInfo* Instance::parameterTree() {
+    // Fg_getParameterInfo asks for a runtime, which an offline instance has not.
+    RegisterInfo* root = nullptr;
+    if (m_session)
+        root = applet().Fg_getParameterInfo(fg(), 0);
+    else
+        applet().Info(infoOfflineTree, 0, 0, m_offline.object, &root);
+    if (root == nullptr) throw Failure("the applet has no parameter tree");
+    return root;
+}
+
+} // namespace appletctl

@@ -1,0 +1,128 @@
+#include "appletctl/ParameterList.h"
+
+#include "appletctl/errors.h"
+#include "appletctl/text.h"
+
+#include <fnmatch.h>
+
+#include <algorithm>
+#include <set>
+
+namespace appletctl {
+namespace {
+
+constexpr std::string_view sdkPrefix = "fg_";
+constexpr const char* groupWithoutRecord = "Without description";
+
+std::string_view withoutPrefix(std::string_view lowerName) {
+    return lowerName.starts_with(sdkPrefix) ? lowerName.substr(sdkPrefix.size()) : lowerName;
+}
+
+bool isGlob(std::string_view pattern) { return pattern.find_first_of("*?[") != std::string_view::npos; }
+
+bool matches(const std::string& lowerName, const std::string& lowerPattern) {
+    if (!isGlob(lowerPattern)) return lowerName.find(lowerPattern) != std::string::npos;
+    const std::string shortName(withoutPrefix(lowerName));
+    return fnmatch(lowerPattern.c_str(), lowerName.c_str(), 0) == 0 ||
+           fnmatch(lowerPattern.c_str(), shortName.c_str(), 0) == 0;
+}
+
+std::string didYouMean(const std::vector<std::string>& names) {
+    if (names.empty()) return "; 'appletctl list' shows all names";
+    return "; did you mean " + join(names, " or ") + "?";
+}
+
+} // namespace
+
+std::string Parameter::label() const { return record != nullptr ? toUtf8(record->displayName) : ""; }
+
+std::string Parameter::unit() const { return record != nullptr ? toUtf8(record->unit) : ""; }
+
+ParameterList::ParameterList(Instance& instance) {
+    std::vector<std::string> groups;
+    for (const RegisterInfo* record = instance.parameterTree(); record != nullptr; record = record->next)
+        addTree(*record, groups);
+    addNamesWithoutRecord(instance);
+}
+
+void ParameterList::addTree(const RegisterInfo& record, std::vector<std::string>& groups) {
+    if (record.kind != REGISTER_KIND_GROUP) {
+        if (record.name != nullptr) m_parameters.push_back({toUtf8(record.name), record.id, &record, groups});
+        return;
+    }
+    groups.push_back(toUtf8(record.displayName));
+    // A group's own parameters come before its sub-groups, so that each heading stands once.
+    for (const bool wantGroups : {false, true}) {
+        for (int i = 0; i < record.value.group.childCount; ++i) {
+            const RegisterInfo& child = *record.value.group.children[i];
+            if ((child.kind == REGISTER_KIND_GROUP) == wantGroups) addTree(child, groups);
+        }
+    }
+    groups.pop_back();
+}
+
+void ParameterList::addNamesWithoutRecord(Instance& instance) {
+    std::set<std::string> known;
+    for (const Parameter& parameter : m_parameters)
+        known.insert(parameter.name);
+    const auto& applet = instance.applet();
+    const int count = applet.Fg_getNrOfParameter(instance.fg());
+    for (int i = 0; i < count; ++i) {
+        const std::string name = toUtf8(applet.Fg_getParameterName(instance.fg(), i));
+        if (name.empty() || known.contains(name)) continue;
+        const int id = applet.Fg_getParameterId(instance.fg(), i);
+        if (id > 0) m_parameters.push_back({name, id, nullptr, {groupWithoutRecord}});
+    }
+}
+
+const Parameter& ParameterList::find(std::string_view name) const {
+    const std::string wanted = lowerCase(name);
+    std::vector<const Parameter*> found;
+    for (const Parameter& parameter : m_parameters) {
+        if (parameter.name == name) return parameter;
+        const std::string lower = lowerCase(parameter.name);
+        if (lower == wanted || withoutPrefix(lower) == wanted) found.push_back(&parameter);
+    }
+    if (found.size() == 1) return *found.front();
+    const std::string shown = "'" + printable(name) + "'";
+    if (found.empty()) throw UsageError("there is no parameter " + shown + didYouMean(closestNames(wanted)));
+    std::vector<std::string> names;
+    for (const Parameter* parameter : found)
+        names.push_back(parameter->name);
+    throw UsageError("the name " + shown + " is ambiguous" + didYouMean(names));
+}
+
+std::vector<const Parameter*> ParameterList::matching(const std::string& pattern) const {
+    const std::string lowerPattern = lowerCase(pattern);
+    std::vector<const Parameter*> found;
+    for (const Parameter& parameter : m_parameters)
+        if (matches(lowerCase(parameter.name), lowerPattern)) found.push_back(&parameter);
+    if (found.empty()) {
+        throw UsageError(
+            "no parameter's name matches '" + printable(pattern) + "'" +
+            didYouMean(isGlob(pattern) ? std::vector<std::string>{} : closestNames(lowerPattern)));
+    }
+    return found;
+}
+
+std::vector<std::string> ParameterList::closestNames(std::string_view name) const {
+    constexpr std::size_t shownNames = 3;
+    const std::string_view wanted = withoutPrefix(name);
+    const std::size_t farthest = std::max<std::size_t>(2, wanted.size() / 3);
+    std::vector<std::pair<std::size_t, std::string>> candidates;
+    for (const Parameter& parameter : m_parameters) {
+        const std::string lower = lowerCase(parameter.name);
+        const std::string_view candidate = withoutPrefix(lower);
+        const bool contained = wanted.size() > 2 && candidate.find(wanted) != std::string_view::npos;
+        const std::size_t distance = contained ? 2 : editDistance(wanted, candidate);
+        if (distance <= farthest) candidates.emplace_back(distance, parameter.name);
+    }
+    std::stable_sort(candidates.begin(), candidates.end(),
+                     [](const auto& a, const auto& b) { return a.first < b.first; });
+    std::vector<std::string> names;
+    for (const auto& [distance, candidate] : candidates)
+        if (names.size() < shownNames) names.push_back(candidate);
+    return names;
+}
+
+} // namespace appletctl

@@ -1,0 +1,49 @@
+/** The parameters of an instance: its tree as a flat list, and the names that stand in no tree. */
+#ifndef APPLETCTL_PARAMETERLIST_H
+#define APPLETCTL_PARAMETERLIST_H
+
+#include "appletctl/Instance.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace appletctl {
+
+struct Parameter {
+    std::string name;
+    int id = 0;
+    const RegisterInfo* record = nullptr; /**< live record of the tree; null for a parameter without one */
+    std::vector<std::string> groups;      /**< labels from the top down */
+
+    /** Without a record a parameter is taken for an unsigned 32-bit number. */
+    int kind() const { return record != nullptr ? record->kind : REGISTER_KIND_UINT; }
+    std::string label() const;
+    std::string unit() const;
+};
+
+class ParameterList {
+public:
+    explicit ParameterList(Instance& instance);
+
+    const std::vector<Parameter>& all() const { return m_parameters; }
+
+    /** The parameter of that name, in any case and with or without "FG_". Throws UsageError, with the closest
+     *  names, when there is none or more than one. */
+    const Parameter& find(std::string_view name) const;
+
+    /** The parameters whose name matches a glob (if it holds * ? or [) or contains the text, in any case.
+     *  An empty pattern matches all. Throws UsageError when none does. */
+    std::vector<const Parameter*> matching(const std::string& pattern) const;
+
+private:
+    void addTree(const RegisterInfo& record, std::vector<std::string>& groups);
+    void addNamesWithoutRecord(Instance& instance);
+    std::vector<std::string> closestNames(std::string_view name) const;
+
+    std::vector<Parameter> m_parameters;
+};
+
+} // namespace appletctl
+
+#endif

@@ -1,0 +1,25 @@
+/** The commands of appletctl. Each takes the options and its words and gives back its report; UsageError and
+ *  the failures leave it as exceptions. */
+#ifndef APPLETCTL_COMMANDS_H
+#define APPLETCTL_COMMANDS_H
+
+#include "appletctl/Options.h"
+#include "appletctl/output.h"
+
+#include <string>
+#include <vector>
+
+namespace appletctl {
+
+using Words = std::vector<std::string>;
+
+Report listParameters(const Options& options, const Words& pattern);
+Report getParameters(const Options& options, const Words& names);
+Report setParameters(const Options& options, const Words& assignments);
+Report traceSet(const Options& options, const Words& assignments);
+Report describeParameters(const Options& options, const Words& names);
+Report showInfo(const Options& options, const Words& none);
+
+} // namespace appletctl
+
+#endif

@@ -1,0 +1,32 @@
+/** Failures that end a command, and the applet's result codes in words. */
+#ifndef APPLETCTL_ERRORS_H
+#define APPLETCTL_ERRORS_H
+
+#include <nlohmann/json.hpp>
+
+#include <stdexcept>
+#include <string>
+
+namespace appletctl {
+
+enum ExitCode { exitDone = 0, exitRefused = 1, exitUsage = 2 };
+
+/** The caller asked for something that makes no sense; nothing was done. */
+struct UsageError : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+/** The applet or the board could not do what was asked. */
+struct Failure : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+/** "-6000, value out of range". */
+std::string codeInWords(int code);
+
+/** {"code": -6000, "symbol": "FG_ERR_OUT_OF_RANGE", "meaning": "value out of range"}. */
+nlohmann::ordered_json codeAsJson(int code);
+
+} // namespace appletctl
+
+#endif

@@ -1,0 +1,60 @@
+#include "appletctl/commands.h"
+#include "appletctl/limits.h"
+#include "appletctl/text.h"
+#include "appletctl/values.h"
+
+#include <unistd.h>
+
+namespace appletctl {
+namespace {
+
+constexpr std::size_t entriesWidth = 60;
+
+/** The entries' names as far as they fit, and how many there are. */
+std::string shortEntries(const Parameter& parameter) {
+    const std::vector<Entry> entries = entriesOf(parameter);
+    std::string text;
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        const std::string next = (i == 0 ? "" : ", ") + entryName(entries[i]);
+        if (displayWidth(text) + displayWidth(next) > entriesWidth)
+            return text + ", ... (" + numberText(entries.size()) + " entries)";
+        text += next;
+    }
+    return text;
+}
+
+std::string limitsCell(const Parameter& parameter) {
+    const std::string text =
+        parameter.kind() == REGISTER_KIND_ENUM ? shortEntries(parameter) : limitsText(parameter);
+    return text.empty() ? "-" : text;
+}
+
+} // namespace
+
+Report listParameters(const Options& options, const Words& pattern) {
+    Instance instance(options);
+    const ParameterList parameters(instance);
+    Report report;
+    report.document["parameters"] = nlohmann::ordered_json::array();
+    Table table;
+    const std::vector<std::string>* group = nullptr;
+    for (const Parameter* parameter : parameters.matching(pattern.empty() ? "" : pattern.front())) {
+        if (group == nullptr || *group != parameter->groups) table.addHeading(join(parameter->groups, " / "));
+        group = &parameter->groups;
+        const Reading reading = readValue(instance, *parameter);
+        const bool readable = reading.error == FG_OK;
+        table.addRow({parameter->name, readable ? valueText(*parameter, reading.value) : "-",
+                      parameter->unit(), accessWord(*parameter), limitsCell(*parameter)});
+        nlohmann::ordered_json row;
+        addDescription(row, *parameter);
+        if (readable)
+            addValue(row, *parameter, reading.value);
+        else
+            row["error"] = codeAsJson(reading.error);
+        report.document["parameters"].push_back(std::move(row));
+    }
+    report.text = table.render(Style::forStream(STDOUT_FILENO));
+    return report;
+}
+
+} // namespace appletctl

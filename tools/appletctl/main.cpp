@@ -1,0 +1,115 @@
+/** appletctl: shows and sets the parameters of the applet on the virtual board. */
+#include "appletctl/commands.h"
+
+#include "applet_host/AppletHost.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <string_view>
+
+namespace {
+
+using namespace appletctl;
+
+struct Command {
+    const char* parent; // command that it stands below, or null
+    const char* name;
+    const char* help;
+    const char* argument; // what its words are, or null if it takes none
+    const char* argumentHelp;
+    int fewest, most; // number of words; most -1: as many as there are
+    Report (*run)(const Options&, const Words&);
+};
+
+constexpr Command commands[] = {
+    {nullptr, "list", "Show parameters as a table: name, value, unit, access, limits or entries", "PATTERN",
+     "Part of a name, or a pattern with * ? [..]", 0, 1, listParameters},
+    {nullptr, "get", "Read parameters", "NAME", "Parameters, in any case, with or without FG_", 1, -1,
+     getParameters},
+    {nullptr, "set", "Set parameters in order; stops at the first refusal", "NAME=VALUE",
+     "Numbers decimal or 0x.., entries of enumerations by name or number", 1, -1, setParameters},
+    {nullptr, "describe", "Show all that is known of parameters", "NAME", "Parameters", 1, -1,
+     describeParameters},
+    {nullptr, "info", "Show what the applet says of itself", nullptr, nullptr, 0, 0, showInfo},
+    {"trace", "set", "Set parameters and show what reached the design, in order", "NAME=VALUE",
+     "As for the command set", 1, -1, traceSet},
+};
+
+constexpr const char* notes =
+    "Each run starts a fresh virtual board with the defaults; nothing is kept for the next run.\n"
+    "Access: ro read-only, rw writable, rw+ writable while an acquisition runs as well.\n"
+    "Exit codes: 0 done, 1 refused by the applet or a library cannot be loaded, 2 wrong usage.";
+
+/** What the command line asks for. */
+struct Request {
+    Options options;
+    const Command* command = nullptr;
+    std::string name; // "trace set"
+    Words words;
+};
+
+/** The command below which others stand; made when it is first asked for. */
+CLI::App* parentCommand(CLI::App& program, const char* name) {
+    if (name == nullptr) return &program;
+    for (CLI::App* command : program.get_subcommands(nullptr))
+        if (command->get_name() == name) return command;
+    return program.add_subcommand(name, "Show what a command does to the design")->require_subcommand(1);
+}
+
+void addCommand(CLI::App& program, const Command& command, Request& request) {
+    CLI::App* parent = parentCommand(program, command.parent);
+    CLI::App* added = parent->add_subcommand(command.name, command.help);
+    if (command.argument != nullptr) {
+        CLI::Option* words = added->add_option(command.argument, request.words, command.argumentHelp);
+        words->expected(command.fewest,
+                        command.most < 0 ? CLI::detail::expected_max_vector_size : command.most);
+        words->required(command.fewest > 0);
+    }
+    added->callback([&request, &command] {
+        request.command = &command;
+        request.name = (command.parent != nullptr ? std::string(command.parent) + " " : "") + command.name;
+    });
+}
+
+/** The report of the command; all failures as reports too. */
+Report run(const Request& request) {
+    try {
+        return request.command->run(request.options, request.words);
+    } catch (const UsageError& error) {
+        return failureReport("usage", error.what(), exitUsage);
+    } catch (const std::exception& error) { // HostError, Failure, out of memory
+        return failureReport("failure", error.what(), exitRefused);
+    }
+}
+
+/** Ends a run whose command line asks for help or cannot be understood. */
+int endParsing(const CLI::App& program, const CLI::ParseError& error, bool json) {
+    if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) return program.exit(error);
+    const std::string words = std::string(error.what()) + "; 'appletctl --help' shows the usage";
+    return print(failureReport("usage", words, exitUsage), "", json);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    CLI::App program("Shows and sets the parameters of the applet on the virtual board.", "appletctl");
+    Request request;
+    program.fallthrough(); // global options may stand behind the command as well
+    program.require_subcommand(1);
+    program.footer(notes);
+    program.set_version_flag("--version", APPLETCTL_VERSION);
+    program.add_flag("--json", request.options.json, "Print one JSON document instead of text");
+    program.add_flag("--offline", request.options.offline, "Use an instance of the applet without a board");
+    program.add_option("--applet", request.options.applet, "Applet library to load")->type_name("FILE");
+    for (const Command& command : commands)
+        addCommand(program, command, request);
+    try {
+        program.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        const bool json =
+            std::any_of(argv + 1, argv + argc, [](std::string_view word) { return word == "--json"; });
+        return endParsing(program, error, json);
+    }
+    return print(run(request), request.name, request.options.json);
+}

@@ -1,0 +1,80 @@
+#include "appletctl/output.h"
+
+#include "appletctl/text.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <iostream>
+#include <string_view>
+
+namespace appletctl {
+
+Style Style::forStream(int fileDescriptor) {
+    const char* terminal = std::getenv("TERM");
+    const bool dumb = terminal == nullptr || std::string_view(terminal) == "dumb";
+    Style style;
+    style.m_colour = isatty(fileDescriptor) == 1 && !dumb && std::getenv("NO_COLOR") == nullptr;
+    return style;
+}
+
+std::string Style::painted(const char* attributes, const std::string& text) const {
+    if (!m_colour) return text;
+    return std::string("\033[") + attributes + "m" + text + "\033[0m";
+}
+
+std::string Table::render(const Style& style) const {
+    std::vector<std::size_t> widths;
+    for (const Line& line : m_lines) {
+        if (line.isHeading) continue;
+        widths.resize(std::max(widths.size(), line.cells.size()));
+        for (std::size_t i = 0; i < line.cells.size(); ++i)
+            widths[i] = std::max(widths[i], displayWidth(line.cells[i]));
+    }
+    std::string text;
+    for (const Line& line : m_lines) {
+        if (line.isHeading) {
+            if (&line != &m_lines.front()) text += '\n';
+            text += style.heading(line.cells.front()) + '\n';
+            continue;
+        }
+        std::string row;
+        for (std::size_t i = 0; i < line.cells.size(); ++i) {
+            row += "  " + line.cells[i];
+            row.append(widths[i] - displayWidth(line.cells[i]), ' ');
+        }
+        row.erase(row.find_last_not_of(' ') + 1);
+        text += row + '\n';
+    }
+    return text;
+}
+
+int print(const Report& report, const std::string& command, bool json) {
+    if (json) {
+        nlohmann::ordered_json document = {{"schema", "appletctl/1"}, {"command", command}};
+        document["done"] = report.exitCode == exitDone;
+        document.update(report.document);
+        std::cout << document.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+    } else {
+        std::cout << report.text;
+    }
+    std::cout.flush();
+    const std::string name = Style::forStream(STDERR_FILENO).alarm("appletctl:");
+    for (const std::string& problem : report.problems)
+        std::cerr << name << ' ' << problem << '\n';
+    if (!std::cout) {
+        std::cerr << name << " the output could not be written\n";
+        return exitRefused;
+    }
+    return report.exitCode;
+}
+
+Report failureReport(const char* kind, const std::string& words, ExitCode exitCode) {
+    return {.document = {{"error", {{"kind", kind}, {"message", words}}}},
+            .text = "",
+            .problems = {words},
+            .exitCode = exitCode};
+}
+
+} // namespace appletctl

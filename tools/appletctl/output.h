@@ -1,0 +1,62 @@
+/** What a command gives back, and how text is laid out. */
+#ifndef APPLETCTL_OUTPUT_H
+#define APPLETCTL_OUTPUT_H
+
+#include "appletctl/errors.h"
+
+#include <nlohmann/json.hpp>
+
+#include <string>
+#include <vector>
+
+namespace appletctl {
+
+/** Emphasis for a terminal; plain text where colour is not wanted. */
+class Style {
+public:
+    /** Colour for the stream behind this file descriptor: only on a terminal, never with NO_COLOR. */
+    static Style forStream(int fileDescriptor);
+
+    std::string heading(const std::string& text) const { return painted("1", text); }
+    std::string faint(const std::string& text) const { return painted("2", text); }
+    std::string alarm(const std::string& text) const { return painted("1;31", text); }
+
+private:
+    std::string painted(const char* attributes, const std::string& text) const;
+
+    bool m_colour = false;
+};
+
+/** Lines of cells in columns that are as wide as their widest cell, with headings in between. */
+class Table {
+public:
+    void addHeading(std::string text) { m_lines.push_back({true, {std::move(text)}}); }
+    void addRow(std::vector<std::string> cells) { m_lines.push_back({false, std::move(cells)}); }
+    std::string render(const Style& style) const;
+
+private:
+    struct Line {
+        bool isHeading;
+        std::vector<std::string> cells;
+    };
+    std::vector<Line> m_lines;
+};
+
+/** The outcome of a command: text for the standard output, or the document instead of it; problems, one line
+ *  each, for the error output. */
+struct Report {
+    nlohmann::ordered_json document;
+    std::string text;
+    std::vector<std::string> problems;
+    ExitCode exitCode = exitDone;
+};
+
+/** Prints the report of `command`; returns the exit code of the program. */
+int print(const Report& report, const std::string& command, bool json);
+
+/** The report of a command that failed as a whole; `kind` is "usage" or "failure". */
+Report failureReport(const char* kind, const std::string& words, ExitCode exitCode);
+
+} // namespace appletctl
+
+#endif
