@@ -8,6 +8,11 @@
 
 namespace {
 
+std::size_t portsOf(int count) {
+    if (count < 0) throw std::bad_array_new_length();
+    return static_cast<std::size_t>(count);
+}
+
 /** A private copy; null for null. */
 char* copyOf(const char* text) {
     if (text == nullptr) return nullptr;
@@ -95,7 +100,7 @@ struct Fg_ParameterInfo::Leaf {
 
 Fg_ParameterInfo::Fg_ParameterInfo(int portCount)
     : m_portCount(portCount)
-    , m_ports(new Port[static_cast<std::size_t>(portCount)]) {}
+    , m_ports(new Port[portsOf(portCount)]) {}
 
 Fg_ParameterInfo::~Fg_ParameterInfo() {
     for (int port = 0; port < m_portCount; ++port)

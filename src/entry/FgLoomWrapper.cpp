@@ -1,6 +1,5 @@
 #include "entry/FgLoomWrapper.h"
 
-#include "entry/FgLoomWrapperPrivate.h"
 #include "support/library_flags.h"
 #include "templates/patterns/LibraryGuard.h"
 
@@ -24,11 +23,6 @@ template <typename Word> Word* exchanged(std::atomic<Word*>& word, Word* fresh) 
     return word.load(std::memory_order_acquire);
 }
 
-/** Calls a function of the runtime's table; what the runtime lacks is not available. */
-template <typename Function, typename... Arguments> int forward(Function* function, Arguments... arguments) {
-    return function != nullptr ? function(arguments...) : FG_ERR_NOT_AVAILABLE;
-}
-
 template <typename Function> Function* lookUp(void* library, const char* name) {
     return reinterpret_cast<Function*>(dlsym(library, name));
 }
@@ -40,9 +34,7 @@ FgLoomWrapperPrivate::~FgLoomWrapperPrivate() {
     if (designHandle != nullptr) TslUnloadTslFile(designHandle);
 }
 
-FgLoomWrapper::FgLoomWrapper(int ports)
-    : m_private(std::make_unique<FgLoomWrapperPrivate>(ports))
-    , m_error(&m_private->error) {
+FgLoomWrapper::FgLoomWrapper(int ports) : m_private(std::make_unique<FgLoomWrapperPrivate>(ports)) {
     LibraryInitController::init();
 }
 
@@ -70,7 +62,7 @@ int FgLoomWrapper::initializeDllFunctions(const char* library) {
     m_private->libraryHandle = dlopen(library, runtimeBindFlags);
     if (m_private->libraryHandle == nullptr) {
         log(bindingFailed, "error opening dll '", library, "'");
-        return m_error->setErr(FG_ERR_UNRESOLVED);
+        return fgError().setErr(FG_ERR_UNRESOLVED);
     }
     m_private->wrapperFg.bind(m_private->libraryHandle);
     m_private->getParameterIdByNameFn =
@@ -87,7 +79,7 @@ int FgLoomWrapper::runFgInit(const char* tslName, LOOMdevice* device, fpga_desig
         lookUp<grabcore_getLastErrorNumber>(own.libraryHandle, "Fg_getLastErrorNumber");
     if (own.initHandleSlaveAware == nullptr && own.initHandle == nullptr) {
         log(bindingFailed, "cannot resolve function 'Fg_InitHandle' and/or 'Fg_InitHandleSlaveAware'");
-        return m_error->setErr(FG_ERR_UNRESOLVED);
+        return fgError().setErr(FG_ERR_UNRESOLVED);
     }
 
     const char* used = "Fg_InitHandleSlaveAware";
@@ -99,8 +91,8 @@ int FgLoomWrapper::runFgInit(const char* tslName, LOOMdevice* device, fpga_desig
     }
     if (own.grabcoreFg == nullptr) {
         log(initFailed, "error calling '", used, "' (tslName = '", tslName, "')");
-        return m_error->setErr(own.getLastErrorNumberFn != nullptr ? own.getLastErrorNumberFn(nullptr)
-                                                                   : FG_ERR_INIT);
+        return fgError().setErr(own.getLastErrorNumberFn != nullptr ? own.getLastErrorNumberFn(nullptr)
+                                                                    : FG_ERR_INIT);
     }
     accessDeviceHandle(device);
     accessDesignHandle(design);
@@ -122,26 +114,10 @@ int FgLoomWrapper::getParameterIdByName(const char* name) {
                : 0;
 }
 
-int FgLoomWrapper::setUnwrappedParameterWithType(int id, const void* value, int dma, FgParamTypes type) {
-    return forward(wrapperFg().Fg_setParameterWithType, grabcoreFg(), id, value, dma, type);
-}
-
-int FgLoomWrapper::getUnwrappedParameterWithType(int id, void* value, int dma, FgParamTypes type) {
-    return forward(wrapperFg().Fg_getParameterWithType, grabcoreFg(), id, value, dma, type);
-}
-
 int FgLoomWrapper::freeUnwrappedParameterString(int id, void* value, int dma, FgParamTypes type) {
     // Without the function there is nothing to release.
     if (wrapperFg().Fg_freeParameterStringWithType == nullptr) return FG_OK;
     return wrapperFg().Fg_freeParameterStringWithType(grabcoreFg(), id, value, dma, type);
-}
-
-int FgLoomWrapper::setUnwrappedParameter(int id, const void* value, int dma) {
-    return forward(wrapperFg().Fg_setParameter, grabcoreFg(), id, value, dma);
-}
-
-int FgLoomWrapper::getUnwrappedParameter(int id, void* value, int dma) {
-    return forward(wrapperFg().Fg_getParameter, grabcoreFg(), id, value, dma);
 }
 
 RegisterInfo* FgLoomWrapper::getUnwrappedParameterInfo() {
@@ -206,24 +182,14 @@ int FgLoomWrapper::Fg_getLastErrorNumberLoom() {
     return wrapperFg().Fg_getLastErrorNumber(grabcoreFg());
 }
 
-const RuntimeFunctions& FgLoomWrapper::wrapperFg() const { return m_private->wrapperFg; }
-
-Fg_Struct* FgLoomWrapper::grabcoreFg() const { return m_private->grabcoreFg; }
-
-LOOMdevice* FgLoomWrapper::boardHandle() const { return m_private->boardHandle; }
-
-fpga_design* FgLoomWrapper::designHandle() const { return m_private->designHandle; }
-
-Fg_ParameterInfo& FgLoomWrapper::parameterInfo() { return m_private->parameterInfo; }
-
 // Configuration files and the XML document are not built yet.
 
-int FgLoomWrapper::Fg_saveConfig(Fg_Struct*, const char*) { return m_error->setErr(FG_ERR_NOT_SUPPORTED); }
+int FgLoomWrapper::Fg_saveConfig(Fg_Struct*, const char*) { return fgError().setErr(FG_ERR_NOT_SUPPORTED); }
 
-int FgLoomWrapper::Fg_loadConfig(Fg_Struct*, const char*) { return m_error->setErr(FG_ERR_NOT_SUPPORTED); }
+int FgLoomWrapper::Fg_loadConfig(Fg_Struct*, const char*) { return fgError().setErr(FG_ERR_NOT_SUPPORTED); }
 
 int FgLoomWrapper::Fg_getParameterInfoXML(Fg_Struct*, int, char*, unsigned long*) {
-    return m_error->setErr(FG_ERR_NOT_SUPPORTED);
+    return fgError().setErr(FG_ERR_NOT_SUPPORTED);
 }
 
 // No shading hardware: these stay as they are and complete the set of names.

@@ -2,7 +2,7 @@
 #ifndef ENTRY_FGLOOMWRAPPER_H
 #define ENTRY_FGLOOMWRAPPER_H
 
-#include "support/Fg_Error.h"
+#include "entry/FgLoomWrapperPrivate.h"
 #include "support/Logging.h"
 #include "vexo/fg_api.h"
 
@@ -14,9 +14,6 @@
 #include <string>
 
 class Fg_ConfigFileParser;
-class Fg_ParameterInfo;
-struct FgLoomWrapperPrivate;
-struct RuntimeFunctions;
 
 /**
  * Owns the binding to the grabber runtime, the handles of board and design, the parameter tree and the last
@@ -82,11 +79,19 @@ public:
 
     /** The runtime's id of a design parameter; 0 or less if there is none. */
     int getParameterIdByName(const char* name);
-    int setUnwrappedParameterWithType(int id, const void* value, int dma, FgParamTypes type);
-    int getUnwrappedParameterWithType(int id, void* value, int dma, FgParamTypes type);
+    int setUnwrappedParameterWithType(int id, const void* value, int dma, FgParamTypes type) {
+        return forward(wrapperFg().Fg_setParameterWithType, grabcoreFg(), id, value, dma, type);
+    }
+    int getUnwrappedParameterWithType(int id, void* value, int dma, FgParamTypes type) {
+        return forward(wrapperFg().Fg_getParameterWithType, grabcoreFg(), id, value, dma, type);
+    }
     int freeUnwrappedParameterString(int id, void* value, int dma, FgParamTypes type);
-    int setUnwrappedParameter(int id, const void* value, int dma);
-    int getUnwrappedParameter(int id, void* value, int dma);
+    int setUnwrappedParameter(int id, const void* value, int dma) {
+        return forward(wrapperFg().Fg_setParameter, grabcoreFg(), id, value, dma);
+    }
+    int getUnwrappedParameter(int id, void* value, int dma) {
+        return forward(wrapperFg().Fg_getParameter, grabcoreFg(), id, value, dma);
+    }
     /** Root of the runtime's own parameter tree, or null. */
     RegisterInfo* getUnwrappedParameterInfo();
 
@@ -109,15 +114,15 @@ public:
     RegisterInfo* Fg_getParameterInfo(int index);
     /** The runtime's last error; -12 without the function or the inner handle. */
     int Fg_getLastErrorNumberLoom();
-    int Fg_getLastErrorNumber() { return m_error->getErrorNumberBuffer(); }
-    void setError(int code) { m_error->setErr(code); }
+    int Fg_getLastErrorNumber() { return fgError().getErrorNumberBuffer(); }
+    void setError(int code) { fgError().setErr(code); }
 
-    const RuntimeFunctions& wrapperFg() const;
-    Fg_Struct* grabcoreFg() const;
-    LOOMdevice* boardHandle() const;
-    fpga_design* designHandle() const;
-    Fg_ParameterInfo& parameterInfo();
-    Fg_Error& fgError() { return *m_error; }
+    const RuntimeFunctions& wrapperFg() const { return m_private->wrapperFg; }
+    Fg_Struct* grabcoreFg() const { return m_private->grabcoreFg; }
+    LOOMdevice* boardHandle() const { return m_private->boardHandle; }
+    fpga_design* designHandle() const { return m_private->designHandle; }
+    Fg_ParameterInfo& parameterInfo() { return m_private->parameterInfo; }
+    Fg_Error& fgError() { return m_private->error; }
 
 protected:
     /** Logs the pieces as one line if the level is open; composes nothing otherwise. */
@@ -128,11 +133,15 @@ protected:
                                                     const char* name);
 
 private:
+    /** Calls a function of the runtime; what the runtime lacks is not available. */
+    template <typename Function, typename... Arguments>
+    static int forward(Function* function, Arguments... arguments) {
+        return function != nullptr ? function(arguments...) : static_cast<int>(FG_ERR_NOT_AVAILABLE);
+    }
     static void writeLine(vexo::tools::logging::Logger& logger, std::uint32_t level, const std::string& text);
 
     std::atomic<vexo::tools::logging::Logger*> m_logger{nullptr};
     std::unique_ptr<FgLoomWrapperPrivate> m_private;
-    Fg_Error* m_error; // that of m_private: every routed access stores its result
 };
 
 template <typename... Pieces> void FgLoomWrapper::log(std::uint32_t level, const Pieces&... pieces) {

@@ -90,7 +90,8 @@ private:
     void readDescription(void* value, FgParamTypes type);
 
     std::atomic<vexo::tools::logging::Logger*> m_logger{nullptr};
-    vexo::templates::platform::CriticalSection m_lock;
+    alignas(
+        64) vexo::templates::platform::CriticalSection m_lock; // fills the one cache line that waiters share
     bool m_directRegisterAccess = false;
     std::mutex m_allocatedStringsLock;
     std::unordered_set<const char*> m_allocatedStrings;

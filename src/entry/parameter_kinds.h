@@ -42,6 +42,10 @@ template <typename T> struct Number {
 
     template <typename Getter> static constexpr GetFunction* getter(Getter) {
         return [](FgLoomWrapperImpl& wrapper, const SdkParameter&, void* value, int, FgParamTypes) {
+            if (reinterpret_cast<std::uintptr_t>(value) % alignof(T) == 0) {
+                Getter{}(wrapper, static_cast<T*>(value));
+                return;
+            }
             T number;
             std::memcpy(&number, value, sizeof number); // a getter may leave its place alone
             Getter{}(wrapper, &number);

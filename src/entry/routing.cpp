@@ -43,6 +43,29 @@ template <typename Access> int resultOf(Access access) {
 
 } // namespace
 
+inline int FgLoomWrapperImpl::processOfDma(int dma) {
+    // One DMA channel, and it belongs to process 0.
+    if (dma != 0) refuse(FG_ERR_INVALID_ARGUMENT);
+    return 0;
+}
+
+inline void FgLoomWrapperImpl::setParameter(int id, const void* value, int dma, FgParamTypes type) {
+    processOfDma(dma);
+    if (id == FG_PARAM_DESCR) refuseWriteTo("FG_PARAM_DESCR");
+    const SdkParameter* parameter = findParameter(id);
+    if (parameter == nullptr || parameter->set == nullptr) refuseUnknown("set", id);
+    parameter->set(*this, *parameter, value, type);
+}
+
+inline void FgLoomWrapperImpl::getParameter(int id, void* value, int dma, FgParamTypes type) {
+    // The number of processes can be asked with any DMA channel.
+    if (id != FG_NR_OF_PROCESSES) processOfDma(dma);
+    if (id == FG_PARAM_DESCR) return readDescription(value, type);
+    const SdkParameter* parameter = findParameter(id);
+    if (parameter == nullptr || parameter->get == nullptr) refuseUnknown("get", id);
+    parameter->get(*this, *parameter, value, dma, type);
+}
+
 int FgLoomWrapperImpl::Fg_setParameterWithType(int id, const void* value, int dma, FgParamTypes type) {
     if (value == nullptr) return fgError().setErr(FG_ERR_INVALID_ARGUMENT);
     const CriticalSectionGuard guard(&m_lock);
@@ -83,20 +106,6 @@ int FgLoomWrapperImpl::readRegister(int reg, void* value) {
     return FG_OK;
 }
 
-int FgLoomWrapperImpl::processOfDma(int dma) {
-    // One DMA channel, and it belongs to process 0.
-    if (dma != 0) refuse(FG_ERR_INVALID_ARGUMENT);
-    return 0;
-}
-
-void FgLoomWrapperImpl::setParameter(int id, const void* value, int dma, FgParamTypes type) {
-    processOfDma(dma);
-    if (id == FG_PARAM_DESCR) refuseWriteTo("FG_PARAM_DESCR");
-    const SdkParameter* parameter = findParameter(id);
-    if (parameter == nullptr || parameter->set == nullptr) refuseUnknown("set", id);
-    parameter->set(*this, *parameter, value, type);
-}
-
 void FgLoomWrapperImpl::refuseUnknown(const char* verb, int id) {
     log(refusedCall, "trying to ", verb, " unknown SDK parameter '", id, "' on process 0!");
     refuse(FG_ERR_INVALID_ARGUMENT);
@@ -105,15 +114,6 @@ void FgLoomWrapperImpl::refuseUnknown(const char* verb, int id) {
 void FgLoomWrapperImpl::refuseWriteTo(const char* name) {
     log(refusedCall, "trying to set read-only SDK parameter '", name, "' on process 0!");
     refuse(FG_ERR_NOT_AVAILABLE);
-}
-
-void FgLoomWrapperImpl::getParameter(int id, void* value, int dma, FgParamTypes type) {
-    // The number of processes can be asked with any DMA channel.
-    if (id != FG_NR_OF_PROCESSES) processOfDma(dma);
-    if (id == FG_PARAM_DESCR) return readDescription(value, type);
-    const SdkParameter* parameter = findParameter(id);
-    if (parameter == nullptr || parameter->get == nullptr) refuseUnknown("get", id);
-    parameter->get(*this, *parameter, value, dma, type);
 }
 
 void FgLoomWrapperImpl::get_FG_NR_OF_PROCESSES(std::uint32_t* out) {

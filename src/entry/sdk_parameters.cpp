@@ -1,16 +1,8 @@
 #include "entry/sdk_parameters.h"
 
 #include "entry/setter_tools.h"
-#include "support/PerfectIndex.h"
 
 namespace {
-
-template <typename KeyOf> consteval auto keysOf(KeyOf keyOf) {
-    std::array<std::uint32_t, sdkParameterCount> keys{};
-    for (std::size_t i = 0; i < sdkParameterCount; ++i)
-        keys[i] = keyOf(sdkParameters[i]);
-    return keys;
-}
 
 consteval bool idsAreUnique() {
     for (std::size_t i = 0; i < sdkParameterCount; ++i)
@@ -22,17 +14,14 @@ consteval bool idsAreUnique() {
 static_assert(sdkParameterCount == 164);
 static_assert(idsAreUnique());
 
-constexpr PerfectIndex<sdkParameterCount>
-    indexById(keysOf([](const SdkParameter& row) { return static_cast<std::uint32_t>(row.id); }));
-constexpr PerfectIndex<sdkParameterCount>
-    indexByName(keysOf([](const SdkParameter& row) { return hashOf(row.name); }));
+constexpr PerfectIndex<sdkParameterCount> indexByName{[] {
+    std::array<std::uint32_t, sdkParameterCount> hashes{};
+    for (std::size_t i = 0; i < sdkParameterCount; ++i)
+        hashes[i] = hashOf(sdkParameters[i].name);
+    return hashes;
+}()};
 
 } // namespace
-
-const SdkParameter* findParameter(int id) {
-    const SdkParameter& candidate = sdkParameters[indexById.find(static_cast<std::uint32_t>(id))];
-    return candidate.id == id ? &candidate : nullptr;
-}
 
 const SdkParameter* findParameter(std::string_view name) {
     const SdkParameter& candidate = sdkParameters[indexByName.find(hashOf(name))];

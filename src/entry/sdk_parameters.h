@@ -4,6 +4,7 @@
 
 #include "entry/FgLoomWrapperImpl.h"
 #include "entry/parameter_kinds.h"
+#include "support/PerfectIndex.h"
 
 #include <array>
 #include <cstddef>
@@ -56,8 +57,21 @@ consteval std::size_t indexOf(int id) {
     return index;
 }
 
-/** The parameter with this id or name, or null. */
-const SdkParameter* findParameter(int id);
+/** The parameters' positions by their ids, as 32-bit words. */
+inline constexpr PerfectIndex<sdkParameterCount> indexById{[] {
+    std::array<std::uint32_t, sdkParameterCount> ids{};
+    for (std::size_t i = 0; i < sdkParameterCount; ++i)
+        ids[i] = static_cast<std::uint32_t>(sdkParameters[i].id);
+    return ids;
+}()};
+
+/** The parameter with this id, or null. Every routed access asks. */
+inline const SdkParameter* findParameter(int id) {
+    const SdkParameter& candidate = sdkParameters[indexById.find(static_cast<std::uint32_t>(id))];
+    return candidate.id == id ? &candidate : nullptr;
+}
+
+/** The parameter of this name, or null. */
 const SdkParameter* findParameter(std::string_view name);
 
 #endif

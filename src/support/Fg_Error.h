@@ -12,7 +12,8 @@ class Fg_Error {
 public:
     /** Stores the code and returns it. */
     int setErr(int code) {
-        m_error.store(code, std::memory_order_relaxed);
+        // Success follows success: other threads keep their copy of the unchanged word.
+        if (getErrorNumberBuffer() != code) m_error.store(code, std::memory_order_relaxed);
         return code;
     }
     /** There is no second level of errors: stores nothing. */

@@ -1,0 +1,204 @@
+// Each operation of the applet beside the least that it can cost, in one run: compare the pairs of rows.
+
+#include "inert_applet.h"
+#include "least.h"
+#include "vexo/register_info.h"
+
+#include <benchmark/benchmark.h>
+
+#include <cstring>
+#include <dlfcn.h>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace {
+
+const InertApplet& applet() { return InertApplet::instance(); }
+
+InertHandle& sharedHandle() {
+    static InertHandle handle;
+    return handle;
+}
+
+LeastWrapper& sharedLeast() {
+    static const std::unique_ptr<LeastWrapper> least(makeLeastWrapper(applet().runtimeSet));
+    return *least;
+}
+
+// ---- Reads
+
+void get_number_least(benchmark::State& state) {
+    LeastWrapper& least = sharedLeast();
+    std::uint32_t value = 0;
+    for (auto _ : state)
+        benchmark::DoNotOptimize(least.get(FG_WIDTH, &value));
+}
+
+void get_number(benchmark::State& state) {
+    Fg_Struct* fg = sharedHandle().fg();
+    std::uint32_t value = 0;
+    for (auto _ : state)
+        benchmark::DoNotOptimize(applet().get(fg, FG_WIDTH, &value, 0, FG_PARAM_UINT32));
+}
+
+constexpr int alternatingIds[] = {FG_WIDTH, FG_LINEPERIODE, FG_EXSYNCON, FG_HEIGHT};
+
+void get_alternating_least(benchmark::State& state) {
+    LeastWrapper& least = sharedLeast();
+    std::uint64_t value = 0;
+    std::size_t i = 0;
+    for (auto _ : state)
+        benchmark::DoNotOptimize(least.get(alternatingIds[i++ % 4], &value));
+}
+
+void get_alternating(benchmark::State& state) {
+    Fg_Struct* fg = sharedHandle().fg();
+    std::uint64_t value = 0;
+    std::size_t i = 0;
+    for (auto _ : state)
+        benchmark::DoNotOptimize(applet().get(fg, alternatingIds[i++ % 4], &value, 0, FG_PARAM_UINT32));
+}
+
+void get_own_handle_least(benchmark::State& state) {
+    const std::unique_ptr<LeastWrapper> least(makeLeastWrapper(applet().runtimeSet));
+    std::uint32_t value = 0;
+    for (auto _ : state)
+        benchmark::DoNotOptimize(least->get(FG_WIDTH, &value));
+}
+
+void get_own_handle(benchmark::State& state) {
+    InertHandle handle;
+    std::uint32_t value = 0;
+    for (auto _ : state)
+        benchmark::DoNotOptimize(applet().get(handle.fg(), FG_WIDTH, &value, 0, FG_PARAM_UINT32));
+}
+
+// ---- Writes
+
+void set_least(benchmark::State& state, int id, std::uint32_t value) {
+    LeastWrapper& least = sharedLeast();
+    for (auto _ : state)
+        benchmark::DoNotOptimize(least.set(id, &value));
+}
+
+void set_routed(benchmark::State& state, int id, std::uint32_t value) {
+    Fg_Struct* fg = sharedHandle().fg();
+    for (auto _ : state)
+        benchmark::DoNotOptimize(applet().set(fg, id, &value, 0, FG_PARAM_UINT32));
+}
+
+void set_flag_least(benchmark::State& state) { set_least(state, FG_EXSYNCON, 1); }
+void set_flag(benchmark::State& state) { set_routed(state, FG_EXSYNCON, 1); }
+void set_width_least(benchmark::State& state) { set_least(state, FG_WIDTH, 512); }
+void set_width(benchmark::State& state) { set_routed(state, FG_WIDTH, 512); }
+void refused_set_least(benchmark::State& state) { set_least(state, FG_LINE_DOWNSCALE, 0); }
+void refused_set(benchmark::State& state) { set_routed(state, FG_LINE_DOWNSCALE, 0); }
+
+// ---- Names
+
+constexpr const char* lookedUpNames[] = {"FG_WIDTH", "FG_SHAFTENCODER_COMPENSATION_COUNT", "FG_LINEPERIODE",
+                                         "FG_TRIGGEROUT_FRONT_GPO_1_POLARITY"};
+
+void name_lookup_least(benchmark::State& state) {
+    std::unordered_map<std::string, int> ids;
+    for (int i = 0; i < 160; ++i)
+        ids["FG_PARAMETER_" + std::to_string(i)] = i;
+    for (const char* name : lookedUpNames)
+        ids[name] = 1;
+    std::size_t i = 0;
+    for (auto _ : state)
+        benchmark::DoNotOptimize(ids.find(lookedUpNames[i++ % 4]));
+}
+
+void name_lookup(benchmark::State& state) {
+    Fg_Struct* fg = sharedHandle().fg();
+    std::size_t i = 0;
+    for (auto _ : state)
+        benchmark::DoNotOptimize(applet().idByName(fg, lookedUpNames[i++ % 4]));
+}
+
+// ---- Bring-up
+
+/** The records of the tree with their texts, as the tree owns them: one allocation for each. */
+void makeRecords() {
+    constexpr int records = 157 + 31;
+    constexpr int entries = 340;
+    std::vector<std::unique_ptr<RegisterInfo>> tree;
+    std::vector<std::unique_ptr<char[]>> texts;
+    const auto text = [&](const char* source) {
+        texts.push_back(std::make_unique<char[]>(std::strlen(source) + 1));
+        std::strcpy(texts.back().get(), source);
+    };
+    for (int i = 0; i < records; ++i) {
+        tree.push_back(std::make_unique<RegisterInfo>());
+        text("Label of a parameter");
+        text("FG_NAME_OF_A_PARAMETER");
+        text("Parent group");
+        text("");
+    }
+    for (int i = 0; i < entries; ++i) {
+        text("Label of an entry");
+        text("SYMBOLIC_NAME");
+    }
+    benchmark::DoNotOptimize(tree.data());
+}
+
+void bring_up_least(benchmark::State& state) {
+    constexpr int designWrites = 81;
+    std::uint32_t value = 1;
+    for (auto _ : state) {
+        for (int i = 0; i < 138; ++i)
+            benchmark::DoNotOptimize(applet().runtimeIdByName(nullptr, "Device1_Process0_Buffer_0_XLength"));
+        makeRecords();
+        for (int i = 0; i < designWrites; ++i)
+            benchmark::DoNotOptimize(applet().runtimeSet(nullptr, i, &value, 0, FG_PARAM_UINT32));
+    }
+}
+
+void bring_up(benchmark::State& state) {
+    for (auto _ : state)
+        InertHandle handle;
+}
+
+// ---- Loading
+
+void load(benchmark::State& state, const char* library) {
+    applet(); // the platform libraries are there
+    const std::string path = libraryFolder() / library;
+    for (auto _ : state) {
+        void* handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+        if (handle == nullptr) return state.SkipWithError(dlerror());
+        dlclose(handle);
+    }
+}
+
+// A copy, since the applet itself is loaded already.
+void load_library_least(benchmark::State& state) { load(state, "inert/libblock.so"); }
+void load_library(benchmark::State& state) { load(state, "inert/libapplet_copy.so"); }
+
+BENCHMARK(get_number_least);
+BENCHMARK(get_number);
+BENCHMARK(get_alternating_least);
+BENCHMARK(get_alternating);
+BENCHMARK(get_number_least)->Name("get_one_handle_least")->Threads(2)->UseRealTime();
+BENCHMARK(get_number)->Name("get_one_handle")->Threads(2)->UseRealTime();
+BENCHMARK(get_own_handle_least)->Threads(2)->UseRealTime();
+BENCHMARK(get_own_handle)->Threads(2)->UseRealTime();
+BENCHMARK(set_flag_least);
+BENCHMARK(set_flag);
+BENCHMARK(set_width_least);
+BENCHMARK(set_width);
+BENCHMARK(refused_set_least);
+BENCHMARK(refused_set);
+BENCHMARK(name_lookup_least);
+BENCHMARK(name_lookup);
+BENCHMARK(bring_up_least);
+BENCHMARK(bring_up);
+BENCHMARK(load_library_least);
+BENCHMARK(load_library);
+
+} // namespace
+
+BENCHMARK_MAIN();

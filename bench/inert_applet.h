@@ -1,0 +1,41 @@
+/** The applet library on platform libraries that do nothing. */
+#ifndef BENCH_INERT_APPLET_H
+#define BENCH_INERT_APPLET_H
+
+#include "vexo/fg_api.h"
+#include "vexo/grabber_runtime.h"
+
+#include <filesystem>
+
+/** Folder of the build's libraries. */
+std::filesystem::path libraryFolder();
+
+/** The functions that are measured, and the runtime's two that the least possible call goes through. */
+struct InertApplet {
+    decltype(&::Std_entry) Std_entry;
+    decltype(&::Fg_setParameterWithType) set;
+    decltype(&::Fg_getParameterWithType) get;
+    decltype(&::Fg_getParameterIdByName) idByName;
+    decltype(&::Fg_FreeGrabber) free;
+    grabcore_setParameterWithType* runtimeSet;
+    grabcore_getParameterIdByName* runtimeIdByName;
+
+    /** Loaded once, ends the program with a message if that fails. */
+    static const InertApplet& instance();
+};
+
+/** A brought-up handle. */
+class InertHandle {
+public:
+    explicit InertHandle(int flags = 0)
+        : m_object(InertApplet::instance().Std_entry(nullptr, nullptr, flags)) {}
+    ~InertHandle() { InertApplet::instance().free(fg()); }
+    InertHandle(const InertHandle&) = delete;
+    InertHandle& operator=(const InertHandle&) = delete;
+    Fg_Struct* fg() { return reinterpret_cast<Fg_Struct*>(&m_object); }
+
+private:
+    void* m_object;
+};
+
+#endif

@@ -1,0 +1,115 @@
+#include "least.h"
+
+#include <cstring>
+
+namespace {
+
+class CountingLock {
+public:
+    CountingLock() {
+        pthread_mutexattr_t attribute;
+        pthread_mutexattr_init(&attribute);
+        pthread_mutexattr_settype(&attribute, PTHREAD_MUTEX_ERRORCHECK);
+        pthread_mutex_init(&m_mutex, &attribute);
+        pthread_mutexattr_destroy(&attribute);
+    }
+    ~CountingLock() { pthread_mutex_destroy(&m_mutex); }
+    CountingLock(const CountingLock&) = delete;
+    CountingLock& operator=(const CountingLock&) = delete;
+    void lock() {
+        pthread_mutex_lock(&m_mutex);
+        m_count.fetch_add(1, std::memory_order_relaxed);
+    }
+    void unlock() {
+        m_count.fetch_sub(1, std::memory_order_relaxed);
+        pthread_mutex_unlock(&m_mutex);
+    }
+
+private:
+    pthread_mutex_t m_mutex;
+    std::atomic<std::uint32_t> m_count{0};
+};
+
+class Guard {
+public:
+    explicit Guard(CountingLock& lock) : m_lock(lock) { m_lock.lock(); }
+    ~Guard() { m_lock.unlock(); }
+    Guard(const Guard&) = delete;
+    Guard& operator=(const Guard&) = delete;
+
+private:
+    CountingLock& m_lock;
+};
+
+class Least final : public LeastWrapper {
+public:
+    explicit Least(grabcore_setParameterWithType* runtimeSet) : m_runtimeSet(runtimeSet) {}
+
+    int set(int id, const void* value) override {
+        const Guard guard(m_lock);
+        try {
+            switch (id) {
+            case FG_WIDTH:
+                store(m_width, value, 7);
+                return 0;
+            case FG_HEIGHT:
+                store(m_height, value, 11);
+                return 0;
+            case FG_EXSYNCON:
+                store(m_exsyncOn, value, 1);
+                return 0;
+            case FG_LINE_DOWNSCALE:
+                refuseBelow(value, 1);
+                return 0;
+            default:
+                return -1;
+            }
+        } catch (int code) {
+            return code;
+        }
+    }
+
+    int get(int id, void* value) override {
+        const Guard guard(m_lock);
+        switch (id) {
+        case FG_WIDTH:
+            std::memcpy(value, &m_width, sizeof m_width);
+            return 0;
+        case FG_HEIGHT:
+            std::memcpy(value, &m_height, sizeof m_height);
+            return 0;
+        case FG_EXSYNCON:
+            std::memcpy(value, &m_exsyncOn, sizeof m_exsyncOn);
+            return 0;
+        case FG_LINEPERIODE:
+            std::memcpy(value, &m_period, sizeof m_period);
+            return 0;
+        default:
+            return -1;
+        }
+    }
+
+private:
+    void store(std::uint32_t& member, const void* value, int writes) {
+        std::memcpy(&member, value, sizeof member);
+        for (int i = 0; i < writes; ++i)
+            m_runtimeSet(nullptr, i, &member, 0, FG_PARAM_UINT32);
+    }
+
+    __attribute__((noinline)) static void refuseBelow(const void* value, std::uint32_t minimum) {
+        std::uint32_t number = 0;
+        std::memcpy(&number, value, sizeof number);
+        if (number < minimum) throw static_cast<int>(FG_ERR_OUT_OF_RANGE);
+    }
+
+    CountingLock m_lock;
+    grabcore_setParameterWithType* m_runtimeSet;
+    std::uint32_t m_width = 1024;
+    std::uint32_t m_height = 1024;
+    std::uint32_t m_exsyncOn = 1;
+    double m_period = 200.0;
+};
+
+} // namespace
+
+LeastWrapper* makeLeastWrapper(grabcore_setParameterWithType* runtimeSet) { return new Least(runtimeSet); }

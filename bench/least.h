@@ -1,0 +1,24 @@
+/**
+ * The least that a routed call can cost: an error-checking mutex taken and released, an atomic count, one
+ * virtual call, one switch over ids, and one indirect call for each design write.
+ */
+#ifndef BENCH_LEAST_H
+#define BENCH_LEAST_H
+
+#include "vexo/grabber_runtime.h"
+
+#include <atomic>
+#include <cstdint>
+#include <pthread.h>
+
+class LeastWrapper {
+public:
+    virtual ~LeastWrapper() = default;
+    virtual int set(int id, const void* value) = 0;
+    virtual int get(int id, void* value) = 0;
+};
+
+/** Made in another translation unit, so that its calls stay virtual. */
+LeastWrapper* makeLeastWrapper(grabcore_setParameterWithType* runtimeSet);
+
+#endif
