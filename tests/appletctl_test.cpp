@@ -202,7 +202,8 @@ TEST(AppletctlSet, SaysWhyAValueWasRefused) {
         {{"FG_CAMSTATUS=1"}, "-12, read-only, or not available in the runtime; the parameter is read-only"},
         // The limits move with the neighbours, and a neighbour may stand against a value within them.
         {{"FG_XOFFSET=1024", "FG_WIDTH=16384"}, "the present limits are 4 to 15360 in steps of 4 pixel"},
-        {{"FG_VANTAGEPOINT=1", "FG_SENSORWIDTH=512"}, "so another parameter stands against it"},
+        {{"FG_VANTAGEPOINT=1", "FG_SENSORWIDTH=512"}, "it keeps to the present limits (4 to 16384 in steps"},
+        {{"FG_WIDTH=2048", "FG_VANTAGEPOINT=1"}, "it is an entry, so the value of another parameter stands"},
     };
     for (const auto& [assignments, expected] : cases) {
         Words arguments{"set"};

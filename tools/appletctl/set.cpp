@@ -38,13 +38,14 @@ std::string advice(const Parameter& parameter, const Value& value, int code) {
     if (code == FG_ERR_NOT_AVAILABLE && accessWord(parameter) != "rw" && accessWord(parameter) != "rw+")
         return "; the parameter is read-only";
     if (code != FG_ERR_OUT_OF_RANGE && code != FG_ERR_GRANULARITY) return "";
+    const bool isWithin = isWithinLimits(parameter, value);
     const std::string entries = entriesText(parameter);
-    if (!entries.empty() && !isWithinLimits(parameter, value)) return "; the entries are " + entries;
     const std::string limits = withUnit(limitsText(parameter), parameter);
-    if (isWithinLimits(parameter, value)) {
-        return "; the value keeps to the published limits" + (entries.empty() ? " (" + limits + ")" : "") +
-               ", so another parameter stands against it: see its neighbours with 'appletctl list'";
+    if (isWithin) {
+        return (entries.empty() ? "; it keeps to the present limits (" + limits + ")" : "; it is an entry") +
+               ", so the value of another parameter stands against it: 'appletctl list' shows them";
     }
+    if (!entries.empty()) return "; the entries are " + entries;
     return limitsText(parameter).empty() ? "" : "; the present limits are " + limits;
 }
 
