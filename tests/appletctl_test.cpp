@@ -310,6 +310,9 @@ TEST(Appletctl, WorksWithoutABoard) {
     EXPECT_EQ(run({"set", "FG_WIDTH=64", "--offline"}).out, "FG_WIDTH = 64 pixel\n");
     EXPECT_EQ(run({"--offline", "set", "FG_WIDTH=20000"}).exitCode, 1);
     EXPECT_EQ(document({"--offline", "list"})["parameters"].size(), 164u);
+    // Registers are a board's.
+    EXPECT_EQ(run({"list", "DRA_*"}, {"VEXO_ENABLE_DRA=on"}).exitCode, 0);
+    EXPECT_EQ(run({"--offline", "list", "DRA_*"}, {"VEXO_ENABLE_DRA=on"}).exitCode, 2);
 }
 
 TEST(Appletctl, NamesTheLibraryThatItCannotLoad) {
