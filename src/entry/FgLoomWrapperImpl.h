@@ -24,7 +24,7 @@ template <> inline constexpr FgParamTypes tagOf<std::uint64_t> = FG_PARAM_UINT64
 template <> inline constexpr FgParamTypes tagOf<double> = FG_PARAM_DOUBLE;
 
 /**
- * A setter or getter is named after its parameter. `m_lock` is held for the whole of a routed set or get and
+ * A setter is named after its parameter. `m_lock` is held for the whole of a routed set or get and
  * nowhere else; setters call each other directly, never through the routing. A failure is a thrown `int`.
  */
 class FgLoomWrapperImpl final : public FgLoomWrapper {
@@ -72,9 +72,6 @@ public:
     void discoverDebugInterface();    // image/debug_interface.cpp
     void applyDefaults();             // entry/bring_up.cpp
 
-    /** Logs and refuses a set of a read-only parameter. */
-    [[noreturn]] void refuseWriteTo(const char* name);
-
 private:
     // ---- Routing: entry/routing.cpp
 
@@ -83,7 +80,9 @@ private:
     int writeRegister(int reg, const void* value);
     int readRegister(int reg, void* value);
     static int processOfDma(int dma);
+    [[noreturn]] void refuseWriteTo(const char* name);
     [[noreturn]] void refuseUnknown(const char* verb, int id);
+    std::uint32_t numberOfProcesses();
     bool isDirectRegister(int id) const;
     /** Gives a text to a caller: into his buffer, or as a new string that this object owns. */
     template <typename Writer> void giveText(void* value, FgParamTypes type, Writer write);
@@ -227,16 +226,17 @@ private:
 
     friend struct DesignParameterTable;
 
-public:
-    // ---- Setters and getters of the parameters, for the routing: set_FG_X, get_FG_X
+    // ---- Setters of the parameters: set_FG_X. A get answers from the source that the parameter's row names.
 
-#define SETTABLE(parameter, kind, start)                                                                     \
-    void set_##parameter(kinds::kind::Value value, bool raise);                                              \
-    void get_##parameter(kinds::kind::Value* out);
-#define READ_ONLY(parameter, kind) void get_##parameter(kinds::kind::Value* out);
+#define SETTABLE(parameter, kind, source, start) void set_##parameter(kinds::kind::Value value, bool raise);
+#define READ_ONLY(parameter, kind, source)
 #include "catalogue/sdk_parameters.def"
 #undef SETTABLE
 #undef READ_ONLY
+
+    static constexpr char nothing = 0; // the source of parameters that have none here
+
+    friend struct SdkParameterTable;
 };
 
 #endif
