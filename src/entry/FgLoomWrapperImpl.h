@@ -99,8 +99,19 @@ private:
     // ---- Design parameters: entry/design_parameters.cpp
 
     void writeDesign(std::int32_t id, const char* name, const void* value, int dma, FgParamTypes type,
-                     bool raise);
-    void readDesign(std::int32_t id, const char* name, void* value, int dma, FgParamTypes type, bool raise);
+                     bool raise) {
+        const int result =
+            value != nullptr ? setUnwrappedParameterWithType(id, value, dma, type) : FG_ERR_INVALID_ARGUMENT;
+        if (result != FG_OK) accessFailed("Setting", name, id, value, result, raise);
+    }
+    void readDesign(std::int32_t id, const char* name, void* value, int dma, FgParamTypes type, bool raise) {
+        const int result =
+            value != nullptr ? getUnwrappedParameterWithType(id, value, dma, type) : FG_ERR_INVALID_ARGUMENT;
+        if (result != FG_OK) accessFailed("Getting", name, id, value, result, raise);
+    }
+    /** Logs what the runtime refused; a null value never reached it. Throws the code if `raise`. */
+    void accessFailed(const char* verb, const char* name, std::int32_t id, const void* value, int result,
+                      bool raise);
 
     // ---- Names and trees: catalogue/publish_parameter_tables.cpp, catalogue/build_parameter_info.cpp
 
