@@ -30,7 +30,6 @@ template <> inline constexpr FgParamTypes tagOf<double> = FG_PARAM_DOUBLE;
 class FgLoomWrapperImpl final : public FgLoomWrapper {
 public:
     static constexpr std::size_t publicParameters = 164;
-    static constexpr std::size_t designParameters = 138;
 
     /** `offline` makes an object without board and runtime and brings it up at once. */
     FgLoomWrapperImpl(int ports, bool offline);
@@ -89,8 +88,8 @@ private:
     void readDescription(void* value, FgParamTypes type);
 
     std::atomic<vexo::tools::logging::Logger*> m_logger{nullptr};
-    alignas(
-        64) vexo::templates::platform::CriticalSection m_lock; // fills the one cache line that waiters share
+    // Fills a cache line: what waiting threads pass around holds nothing else.
+    alignas(64) vexo::templates::platform::CriticalSection m_lock;
     bool m_directRegisterAccess = false;
     std::mutex m_allocatedStringsLock;
     std::unordered_set<const char*> m_allocatedStrings;

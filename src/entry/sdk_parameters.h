@@ -22,13 +22,13 @@ struct SdkParameter {
 };
 
 template <typename Kind, typename Setter, typename Source, typename Read, typename Start>
-constexpr SdkParameter settable(const char* name, int id, Setter setter, Source source, Read read,
-                                Start start) {
+constexpr SdkParameter settableRow(const char* name, int id, Setter setter, Source source, Read read,
+                                   Start start) {
     return {name, id, false, Kind::setter(setter), Kind::reading(source, read), Kind::starter(setter, start)};
 }
 
 template <typename Kind, typename Source, typename Read>
-constexpr SdkParameter readOnly(const char* name, int id, Source source, Read read) {
+constexpr SdkParameter readOnlyRow(const char* name, int id, Source source, Read read) {
     return {name, id, true, nullptr, Kind::reading(source, read), nullptr};
 }
 
@@ -38,11 +38,11 @@ struct SdkParameterTable {
 #define READING(source)                                                                                      \
     &FgLoomWrapperImpl::source, [](auto& wrapper) { return std::invoke(&FgLoomWrapperImpl::source, wrapper); }
 #define SETTABLE(parameter, kind, source, startValue)                                                        \
-    settable<kinds::kind>(                                                                                   \
+    settableRow<kinds::kind>(                                                                                \
         #parameter, parameter,                                                                               \
         [](FgLoomWrapperImpl& wrapper, auto value, bool raise) { wrapper.set_##parameter(value, raise); },   \
         READING(source), [] { return startValue; }),
-#define READ_ONLY(parameter, kind, source) readOnly<kinds::kind>(#parameter, parameter, READING(source)),
+#define READ_ONLY(parameter, kind, source) readOnlyRow<kinds::kind>(#parameter, parameter, READING(source)),
     static constexpr SdkParameter rows[] = {
 #include "catalogue/sdk_parameters.def"
     };
