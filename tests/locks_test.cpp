@@ -1,0 +1,203 @@
+#include "support/sanitizers.h"
+#include "templates/platform/CriticalSection.h"
+#include "templates/platform/ReadWriteLock.h"
+#include "templates/platform/RecursiveMutex.h"
+#include "templates/platform/SpinLockVariableGuard.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <functional>
+#include <future>
+#include <memory>
+#include <stdexcept>
+#include <thread>
+#include <vector>
+
+using namespace vexo::templates::platform;
+using vexo::templates::patterns::GenericLock;
+using vexo::templates::patterns::GenericLockGuard;
+
+namespace {
+
+template <typename Body> auto inOtherThread(Body body) { return std::async(std::launch::async, body).get(); }
+
+/** Whether another thread could take the lock now. */
+bool isFree(CriticalSection& lock) NO_THREAD_SAFETY_ANALYSIS {
+    return inOtherThread([&lock]() NO_THREAD_SAFETY_ANALYSIS {
+        const bool taken = lock.tryLock(60000);
+        if (taken) lock.unlock();
+        return taken;
+    });
+}
+
+TEST(LocksDeathTest, MisuseEndsTheProgramWithTheAssertionsText) {
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    const auto enter = []() NO_THREAD_SAFETY_ANALYSIS { CriticalSection().enter(); };
+    const auto leave = []() NO_THREAD_SAFETY_ANALYSIS { CriticalSection().leave(); };
+    const auto lock = []() NO_THREAD_SAFETY_ANALYSIS { RecursiveMutex().lock(); };
+    const auto unlock = []() NO_THREAD_SAFETY_ANALYSIS { RecursiveMutex().unlock(); };
+    EXPECT_DEATH(enter(),
+                 "templates/patterns/GenericLock:48: virtual vexo::templates::patterns::GenericLock::"
+                 "~GenericLock\\(\\): Assertion `m_count == 0' failed");
+    EXPECT_DEATH(leave(), "templates/patterns/GenericLock:70: void vexo::templates::patterns::GenericLock::"
+                          "leave\\(\\): Assertion `m_count > 0' failed");
+    EXPECT_DEATH(lock(), "templates/platform/RecursiveMutex:59: virtual vexo::templates::platform::"
+                         "RecursiveMutex::~RecursiveMutex\\(\\): Assertion `m_count == 0' failed");
+    EXPECT_DEATH(unlock(), "templates/platform/RecursiveMutex:92: void vexo::templates::platform::"
+                           "RecursiveMutex::unlock\\(\\): Assertion `m_count > 0' failed");
+}
+
+TEST(Locks, ExcludeEachOtherUnderContention) {
+    CriticalSection section;
+    RecursiveMutex mutex;
+    ReadWriteLock readWrite;
+    SpinVariable spin{0};
+    SpinOwner owner{0};
+    long counter = 0; // plain: a lock that does not exclude loses counts
+    const auto inCriticalSection = [&] {
+        const CriticalSectionGuard guard(&section);
+        ++counter;
+    };
+    const auto inGenericLock = [&] {
+        const GenericLockGuard guard(&section, false, true);
+        ++counter;
+    };
+    const auto inRecursiveMutex = [&]() NO_THREAD_SAFETY_ANALYSIS {
+        const RecursiveMutexGuard outer(&mutex);
+        { const RecursiveMutexGuard inner(&mutex); }
+        ++counter;
+    };
+    const auto inReadWriteLock = [&] {
+        const ReadWriteLockGuard guard(&readWrite, ReadWriteLockGuard::write);
+        ++counter;
+    };
+    const auto inSpinLock = [&] {
+        const SpinLockVariableGuard outer(&spin, &owner);
+        { const SpinLockVariableGuard inner(&spin, &owner); }
+        ++counter;
+    };
+    const std::vector<std::function<void()>> ways = {inCriticalSection, inGenericLock, inRecursiveMutex,
+                                                     inReadWriteLock, inSpinLock};
+    for (std::size_t way = 0; way < ways.size(); ++way) {
+        SCOPED_TRACE(way);
+        counter = 0;
+        std::vector<std::thread> threads;
+        for (int thread = 0; thread < 4; ++thread)
+            threads.emplace_back([&] {
+                for (int turn = 0; turn < 20000; ++turn)
+                    ways[way]();
+            });
+        for (std::thread& thread : threads)
+            thread.join();
+        EXPECT_EQ(counter, 80000);
+    }
+    EXPECT_FALSE(section.isLocked());
+    EXPECT_EQ(mutex.holders(), 0u);
+    EXPECT_EQ(spin.load() + owner.load(), 0u);
+}
+
+TEST(CriticalSection, IsHeldForTheScopeEvenIfItEndsByAThrow) {
+    CriticalSection lock;
+    EXPECT_TRUE(isFree(lock));
+    try {
+        const CriticalSectionGuard guard(&lock);
+        EXPECT_TRUE(lock.isLocked());
+        EXPECT_FALSE(isFree(lock)); // at once, whatever the time-out
+        throw std::runtime_error("refused");
+    } catch (const std::runtime_error&) {
+    }
+    EXPECT_FALSE(lock.isLocked());
+    EXPECT_TRUE(isFree(lock));
+}
+
+TEST(CriticalSection, AGuardWhoseLockWasLeftByHandLeavesNoSecondTime) {
+    CriticalSection lock;
+    [&lock]() NO_THREAD_SAFETY_ANALYSIS {
+        const CriticalSectionGuard guard(&lock);
+        lock.leave();
+    }();
+    EXPECT_TRUE(isFree(lock));
+}
+
+TEST(CriticalSection, NestedEnterCountsWithoutBlocking) {
+    if (underThreadSanitizer) GTEST_SKIP() << "the second release is an error to the sanitizer";
+    CriticalSection lock;
+    [&lock]() NO_THREAD_SAFETY_ANALYSIS {
+        const CriticalSectionGuard outer(&lock);
+        {
+            const CriticalSectionGuard inner(&lock);
+            EXPECT_FALSE(isFree(lock));
+        }
+        EXPECT_TRUE(lock.isLocked());
+        EXPECT_TRUE(isFree(lock));
+    }();
+    EXPECT_FALSE(lock.isLocked());
+    EXPECT_TRUE(isFree(lock));
+}
+
+TEST(GenericLockGuard, TakesReleasesAndDeletesByItsFlags) {
+    struct WatchedLock final : GenericLock {
+        explicit WatchedLock(std::string* told) : events(told) {}
+        ~WatchedLock() override { *events += "deleted "; }
+        void lock() override NO_THREAD_SAFETY_ANALYSIS { *events += "lock "; }
+        bool tryLock(std::uint32_t) override NO_THREAD_SAFETY_ANALYSIS { return false; }
+        void unlock() override NO_THREAD_SAFETY_ANALYSIS { *events += "unlock "; }
+        std::string* events;
+    };
+    std::string events;
+    { const GenericLockGuard owning(new WatchedLock(&events), true, true); }
+    EXPECT_EQ(events, "lock unlock deleted ");
+
+    events.clear();
+    auto lock = std::make_unique<WatchedLock>(&events);
+    [&]() NO_THREAD_SAFETY_ANALYSIS {
+        { const GenericLockGuard idle(lock.get(), false, false); }
+        lock->enter();
+        { const GenericLockGuard idle(lock.get(), false, false); }
+        EXPECT_TRUE(lock->isLocked());
+        lock->leave();
+        const GenericLockGuard left(lock.get(), false, true);
+        lock->leave(); // by hand: the guard then leaves no second time
+    }();
+    EXPECT_EQ(events, "lock unlock lock unlock ");
+}
+
+TEST(ReadWriteLock, ReadersShareAndAWriterWaits) {
+    ReadWriteLock lock;
+    std::future<void> writer;
+    {
+        const ReadWriteLockGuard reader(&lock, ReadWriteLockGuard::read);
+        inOtherThread([&lock] { const ReadWriteLockGuard second(&lock, ReadWriteLockGuard::read); });
+        writer = std::async(std::launch::async,
+                            [&lock] { const ReadWriteLockGuard guard(&lock, ReadWriteLockGuard::write); });
+        EXPECT_EQ(writer.wait_for(std::chrono::milliseconds(30)), std::future_status::timeout);
+    }
+    writer.get();
+}
+
+TEST(ReadWriteLock, AGuardWithoutModeOnlyReleases) {
+    ReadWriteLock lock;
+    [&lock]() NO_THREAD_SAFETY_ANALYSIS {
+        lock.lockRead();
+        const ReadWriteLockGuard guard(&lock, 0); // with a mode it would hold a second time or wait for ever
+    }();
+    inOtherThread([&lock] { const ReadWriteLockGuard guard(&lock, ReadWriteLockGuard::write); });
+}
+
+TEST(Reentry, OnlyTheOutermostHolderReleases) {
+    RecursiveMutex mutex;
+    [&mutex]() NO_THREAD_SAFETY_ANALYSIS {
+        const RecursiveMutexGuard outer(&mutex);
+        { const RecursiveMutexGuard inner(&mutex), innermost(&mutex); }
+        EXPECT_EQ(mutex.holders(), 1u);
+    }();
+    SpinVariable spin{0};
+    SpinOwner owner{0};
+    const SpinLockVariableGuard outer(&spin, &owner);
+    { const SpinLockVariableGuard inner(&spin, &owner); }
+    EXPECT_EQ(spin.load(), 1u);
+    EXPECT_EQ(owner.load(), pthread_self());
+}
+
+} // namespace

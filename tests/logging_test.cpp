@@ -1,0 +1,289 @@
+// Binds the recording dispatcher, which the build puts into a small SDK directory of its own, TEST_SDK_DIR.
+
+#include "support/Fg_Error.h"
+#include "support/Fg_Log.h"
+#include "support/Logging.h"
+#include "support/recording_dispatcher.h"
+#include "support/sanitizers.h"
+#include "support/sdk_directory.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <dlfcn.h>
+#include <filesystem>
+#include <map>
+#include <string>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+#include <utility>
+
+using vexo::tools::logging::Logger;
+using vexo::tools::logging::Logging;
+using Calls = std::vector<std::string>;
+
+extern "C" __attribute__((visibility("default"))) const char* exportedByBoth();
+const char* exportedByBoth() { return "program"; }
+
+namespace {
+
+constexpr const char* dispatcherPath = TEST_SDK_DIR "/lib64/libcommon-logging-dispatcher.so";
+
+TEST(SdkDirectory, IsTheParentOfAKnownFolderAboveTheFile) {
+    const std::map<std::string, std::string> cases = {
+        {"/opt/sdk/lib64/libapplet.so", "/opt/sdk"},
+        {"/opt/sdk/Hardware Applets/x/y.so", "/opt/sdk"},
+        {"/opt/sdk/LIB64/y.so", "/opt/sdk"},
+        {"/opt//sdk///Dll//deep//er//y.so", "/opt//sdk"},
+        {"/opt/bin/lib/y.so", "/opt/bin"}, // the nearest one
+        {"/lib/y.so", "/"},
+        {"sdk/bin/y.so", "sdk"},
+        {"/tmp/y.so", ""},
+        {"/opt/libs/lib6/y.so", ""},
+        {"//y.so", ""},
+        {"lib/y.so", ""},
+        {"y.so", ""},
+    };
+    for (const auto& [file, expected] : cases) {
+        std::string path = file;
+        const bool found = climbToSdkDirectory(path.data());
+        EXPECT_EQ(found ? path.c_str() : "", expected) << file;
+    }
+}
+
+TEST(SdkDirectory, IsCopiedFromTheEnvironmentWithinBounds) {
+    const std::map<std::string, std::string> cases = {
+        {"/opt/sdk///", "/opt/sdk"}, {"///", "/"}, {"", ""}, {"0123456789ab", "012345678"}};
+    for (const auto& [value, expected] : cases) {
+        char buffer[] = "##########|";
+        copyDirectory(buffer, 10, value.c_str());
+        EXPECT_EQ(buffer, expected);
+        EXPECT_EQ(buffer[10], '|');
+    }
+}
+
+// What a process settles once is tried in a process of its own, which is told where its file lies.
+
+void directoryFromTheEnvironment() {
+    EXPECT_EQ(sdkDirectory(), nullptr);
+    EXPECT_EQ(openSdkLibrary("common-logging-dispatcher", nullptr), nullptr);
+    setenv("NORVANE_FG_SDK_DIR", TEST_SDK_DIR "//", 1);
+    EXPECT_STREQ(sdkDirectory(), TEST_SDK_DIR);
+    setenv("NORVANE_FG_SDK_DIR", "/elsewhere", 1);
+    EXPECT_STREQ(sdkDirectory(), TEST_SDK_DIR);
+    EXPECT_NE(openSdkLibrary("common-logging-dispatcher", nullptr), nullptr);
+    EXPECT_EQ(openSdkLibrary("common-logging-dispatcher", "/elsewhere"), nullptr);
+}
+
+void directoryFromTheFile() { EXPECT_STREQ(sdkDirectory(), "/opt/sdk"); }
+
+void loggingIsOffWithoutDispatcher() {
+    LibraryInitController::init();
+    Logger* logger = Logging::instance()->getLogger("a");
+    EXPECT_EQ(logger, Logging::instance()->getLogger("b"));
+    EXPECT_FALSE(logger->isEnabled(6));
+    logger->log(6, "to nobody", 0, 0);
+    LibraryInitController::deinit();
+}
+
+/** The dispatcher as one load of it sees it; the load itself is the library's own way. */
+struct Dispatcher {
+    SharedLibrary library{dispatcherPath};
+    Recording& recording = *static_cast<Recording*>(library.symbol(recordingSymbol));
+};
+
+void dispatcherShutsDown() {
+    setenv("NORVANE_FG_SDK_DIR", TEST_SDK_DIR, 1);
+    {
+        const Dispatcher dispatcher;
+        dispatcher.recording.loggers = {{"a", {7, 4}}};
+        LibraryInitController::init();
+        Logger* logger = Logging::instance()->getLogger("a");
+        dispatcher.recording.shutdown();
+        EXPECT_NE(Logging::instance()->getLogger("a"), logger);
+        EXPECT_TRUE(logger->isEnabled(4));
+        logger->log(4, "too late", 0, 0);
+        LibraryInitController::deinit();
+        EXPECT_EQ(dispatcher.recording.calls, Calls{"init"}); // and no fini
+    }
+    EXPECT_NE(dlopen(dispatcherPath, RTLD_NOW | RTLD_NOLOAD), nullptr); // stays open
+}
+
+const std::map<std::string, void (*)()> scenarios = {
+    {"environment", &directoryFromTheEnvironment},
+    {"file", &directoryFromTheFile},
+    {"off", &loggingIsOffWithoutDispatcher},
+    {"shutdown", &dispatcherShutsDown},
+};
+
+/** Runs a scenario in a process whose file seems to lie at `file`, without the environment variable. */
+int runScenario(const char* file, const char* scenario) {
+    const pid_t child = fork();
+    if (child == 0) {
+        unsetenv("NORVANE_FG_SDK_DIR");
+        execl("/proc/self/exe", file, scenario, nullptr);
+        _exit(127);
+    }
+    int status = -1;
+    waitpid(child, &status, 0);
+    return status;
+}
+
+TEST(FreshProcess, BehavesByItsPlaceAndEnvironment) {
+    EXPECT_EQ(runScenario("/tmp/y.so", "environment"), 0);
+    EXPECT_EQ(runScenario("/opt/sdk/lib64/libapplet.so", "file"), 0);
+    EXPECT_EQ(runScenario(TEST_SDK_DIR "/none/lib/y.so", "off"), 0);
+    EXPECT_EQ(runScenario("/tmp/y.so", "off"), 0);
+    EXPECT_EQ(runScenario("/tmp/y.so", "shutdown"), 0);
+}
+
+TEST(SharedLibrary, OpensLaterAndClosesAtItsEnd) {
+    const std::filesystem::path late = testing::TempDir() + "late_" + std::to_string(getpid()) + ".so";
+    static bool openInCallback = false;
+    {
+        SharedLibrary library(late);
+        EXPECT_NE(library.lastError().find(late.filename().string()), std::string::npos);
+        EXPECT_EQ(library.symbol(recordingSymbol), nullptr);
+
+        std::filesystem::create_symlink(dispatcherPath, late);
+        library.load();
+        std::filesystem::remove(late);
+        EXPECT_EQ(library.lastError(), "");
+        EXPECT_NE(library.symbol(recordingSymbol), nullptr);
+        EXPECT_EQ(library.symbol("no_such_symbol"), nullptr);
+        library.setCloseCallback([](SharedLibrary* closing) { openInCallback = closing->isLoaded(); });
+    }
+    EXPECT_TRUE(openInCallback);
+    EXPECT_EQ(dlopen(dispatcherPath, RTLD_NOW | RTLD_NOLOAD), nullptr);
+}
+
+class LoggingTest : public testing::Test {
+protected:
+    void SetUp() override {
+        setenv("NORVANE_FG_SDK_DIR", TEST_SDK_DIR, 1);
+        recording.loggers = {{"four", {4, 4}}, {"five", {5, 5}}, {"alias", {5, 3}}};
+        LibraryInitController::init();
+    }
+    void TearDown() override { end(); }
+    /** The library's last user ends. */
+    void end() {
+        if (std::exchange(m_inUse, false)) LibraryInitController::deinit();
+    }
+
+    Dispatcher dispatcher;
+    Recording& recording = dispatcher.recording;
+
+private:
+    bool m_inUse = true;
+};
+
+TEST_F(LoggingTest, LinesReachTheDispatcherFromItsThreshold) {
+    Logger* five = Logging::instance()->getLogger("five");
+    EXPECT_FALSE(five->isEnabled(4));
+    EXPECT_TRUE(five->isEnabled(5));
+    five->log(6, "a line", 1, std::uint64_t{1} << 40);
+    EXPECT_NE(Logging::instance()->getLogger("four"), five);
+    EXPECT_EQ(Logging::instance()->getLogger("alias"), five);
+    EXPECT_FALSE(five->isEnabled(4)); // the level that comes with a known handle is not taken
+    end();
+    EXPECT_EQ(recording.calls, (Calls{"init", "5/6/a line/1/1099511627776", "fini"}));
+
+    LibraryInitController::init();
+    Logging::instance();
+    LibraryInitController::deinit();
+    EXPECT_EQ(recording.calls.size(), 5u); // bound and ended again
+}
+
+TEST_F(LoggingTest, TheDispatcherMovesThresholds) {
+    Logger* four = Logging::instance()->getLogger("four");
+    Logger* five = Logging::instance()->getLogger("five");
+    recording.level(4, 6);
+    recording.level(99, 0); // nobody's handle
+    EXPECT_FALSE(four->isEnabled(5));
+    EXPECT_TRUE(four->isEnabled(6));
+    EXPECT_FALSE(five->isEnabled(4));
+}
+
+TEST_F(LoggingTest, ALoggerIsSilentForTheThreadThatMutedIt) {
+    Logger* five = Logging::instance()->getLogger("five");
+    EXPECT_TRUE(five->setEnabled(true));
+    EXPECT_TRUE(five->setEnabled(false));
+    EXPECT_FALSE(five->setEnabled(false));
+    EXPECT_FALSE(five->isEnabled(6));
+    std::thread([five] { EXPECT_TRUE(five->isEnabled(6)); }).join();
+    EXPECT_FALSE(five->setEnabled(true));
+    EXPECT_TRUE(five->isEnabled(6));
+}
+
+TEST_F(LoggingTest, TheDispatcherMayCallBackWhileItIsBound) {
+    Logger* early = nullptr;
+    recording.onInit = [&] {
+        recording.level(5, 0);
+        early = Logging::instance()->getLogger("five");
+        Logging::instance()->dispatch(5, 6, "too early", 0, 0);
+    };
+    EXPECT_NE(Logging::instance()->getLogger("five"), early); // the early one is the closed one
+    ASSERT_NE(early, nullptr);
+    EXPECT_FALSE(early->isEnabled(6));
+    EXPECT_EQ(recording.calls, Calls{"init"});
+}
+
+TEST_F(LoggingTest, ThresholdsMayMoveUntilTheVeryEnd) {
+    std::atomic<bool> ending{false};
+    std::thread mover;
+    for (int handle = 100; handle < 200; ++handle)
+        recording.loggers[std::to_string(handle)] = {handle, 4};
+    recording.onFini = [&] {
+        ending = true;
+        mover.join();
+    };
+    Logging::instance();
+    mover = std::thread([&] {
+        for (std::uint32_t turn = 0; !ending; ++turn)
+            recording.level(100 + turn % 100, turn % 8);
+    });
+    std::thread user([] {
+        for (int turn = 0; turn < 2000; ++turn)
+            Logging::instance()->getLogger(std::to_string(100 + turn % 100).c_str())->isEnabled(4);
+    });
+    user.join();
+    end();
+    EXPECT_EQ(recording.calls, (Calls{"init", "fini"}));
+}
+
+TEST_F(LoggingTest, ADispatcherFindsItsOwnSymbolsFirst) {
+    if (underAddressSanitizer || underThreadSanitizer) GTEST_SKIP() << "these sanitizers forbid it";
+    Logging::instance();
+    EXPECT_EQ(recording.ownSymbol, "dispatcher");
+}
+
+TEST(FgError, HoldsTheLastCodeOfTheFirstLevel) {
+    Fg_Error error;
+    EXPECT_EQ(error.getErrorNumberBuffer(), 0);
+    EXPECT_EQ(error.setErr(-2070), -2070);
+    EXPECT_EQ(error.setErrLevel2(5, "x"), -2130);
+    EXPECT_EQ(error.getErrorNumberBuffer(), -2070);
+}
+
+TEST(FgLog, OpensNoFile) {
+    const std::string path = testing::TempDir() + "no_log_" + std::to_string(getpid());
+    {
+        Fg_Log log(path.c_str());
+        log.WriteWelcome();
+        log.UsrDbg("%d", 1);
+        log.ErrorDouble("a", "b", 0.5);
+    }
+    EXPECT_FALSE(std::filesystem::exists(path));
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    testing::InitGoogleTest(&argc, argv);
+    const auto scenario = scenarios.find(argc > 1 ? argv[1] : "");
+    if (scenario == scenarios.end()) return RUN_ALL_TESTS();
+    scenario->second();
+    return testing::UnitTest::GetInstance()->Failed() ? 1 : 0;
+}

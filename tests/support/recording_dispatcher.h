@@ -1,0 +1,28 @@
+/** What the recording dispatcher shows to the test that shares its process. */
+#ifndef TESTS_SUPPORT_RECORDING_DISPATCHER_H
+#define TESTS_SUPPORT_RECORDING_DISPATCHER_H
+
+#include "vexo/logging_dispatcher.h"
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+struct Recording {
+    std::map<std::string, std::pair<std::uint64_t, std::uint32_t>> loggers; // handle and level of a name
+    std::function<void()> onInit;                                           // before the functions are stored
+    std::function<void()> onFini;
+
+    std::vector<std::string> calls; // init, fini and the lines
+    std::string ownSymbol;          // who answered to a name that program and dispatcher both export
+    LoggingShutdownCallback* shutdown = nullptr;
+    LoggingLevelCallback* level = nullptr;
+};
+
+/** The symbol of the Recording. */
+inline constexpr const char* recordingSymbol = "recording";
+
+#endif

@@ -1,0 +1,21 @@
+/** Which sanitizers the tests are built with. */
+#ifndef TESTS_SUPPORT_SANITIZERS_H
+#define TESTS_SUPPORT_SANITIZERS_H
+
+#ifndef __has_feature
+#define __has_feature(feature) 0
+#endif
+
+#ifdef __SANITIZE_THREAD__
+inline constexpr bool underThreadSanitizer = true;
+#else
+inline constexpr bool underThreadSanitizer = __has_feature(thread_sanitizer);
+#endif
+
+#ifdef __SANITIZE_ADDRESS__
+inline constexpr bool underAddressSanitizer = true;
+#else
+inline constexpr bool underAddressSanitizer = __has_feature(address_sanitizer);
+#endif
+
+#endif
