@@ -8,6 +8,8 @@
 
 namespace {
 
+using namespace support;
+
 constexpr int injected = -4711;
 using Value = std::variant<std::uint32_t, double>;
 
@@ -39,7 +41,7 @@ protected:
         clearLog();
     }
     static std::string failed(std::string line) {
-        if (line.rfind("get ", 0) == 0) line.erase(line.rfind(' ')); // a failed get has no value
+        if (line.starts_with("get ")) line.erase(line.rfind(' ')); // a failed get has no value
         return line + " = " + std::to_string(injected);
     }
 
@@ -55,7 +57,7 @@ protected:
             for (std::size_t k = 1; k <= ownAccesses; ++k) {
                 SCOPED_TRACE(testing::Message() << "access " << k << (how == VBOARD_ONCE ? "" : " and on"));
                 ASSERT_NO_FATAL_FAILURE(startFrom(row));
-                board.fail_access(session.device, static_cast<unsigned>(k), injected, how);
+                board.fail_access(grabber.device, static_cast<unsigned>(k), injected, how);
                 EXPECT_EQ(setValue(row.id, row.value), injected);
                 EXPECT_EQ(lastError(), injected);
                 Lines cut(faultFree.begin(), faultFree.begin() + static_cast<std::ptrdiff_t>(k));
@@ -64,7 +66,7 @@ protected:
                 EXPECT_EQ(getLike(row.id, row.value), row.old);
                 EXPECT_TRUE(otherThreadGets(row));
 
-                board.fail_access(session.device, 0, 0, VBOARD_ONCE);
+                board.fail_access(grabber.device, 0, 0, VBOARD_ONCE);
                 EXPECT_EQ(setValue(row.id, row.value), 0);
                 EXPECT_EQ(lastError(), 0);
                 EXPECT_EQ(getLike(row.id, row.value), row.value);
@@ -73,9 +75,9 @@ protected:
         // Behind the last write a fault harms nobody: the value is set.
         for (std::size_t k = ownAccesses + 1; k <= faultFree.size(); ++k) {
             ASSERT_NO_FATAL_FAILURE(startFrom(row));
-            board.fail_access(session.device, static_cast<unsigned>(k), injected, VBOARD_FROM_THEN_ON);
+            board.fail_access(grabber.device, static_cast<unsigned>(k), injected, VBOARD_FROM_THEN_ON);
             EXPECT_EQ(setValue(row.id, row.value), 0);
-            board.fail_access(session.device, 0, 0, VBOARD_ONCE);
+            board.fail_access(grabber.device, 0, 0, VBOARD_ONCE);
             EXPECT_EQ(getLike(row.id, row.value), row.value);
         }
         ASSERT_NO_FATAL_FAILURE(startFrom(row));

@@ -9,6 +9,8 @@
 
 namespace {
 
+using namespace support;
+
 const std::string buffer = "Device1_Process0_Buffer_0_";
 const std::string addressWidth = buffer + "DRAM_DRAM_A_0_Imp_DRAM_RamAddressWidth";
 const std::string dataWidth = buffer + "DRAM_DRAM_A_0_Imp_DRAM_RamDataWidth";
@@ -146,6 +148,7 @@ protected:
         fit(wanted);
         clearLog();
     }
+    std::uint32_t maximum(int id) { return record(id)->value.u32.maximum; }
     std::map<int, std::uint32_t> published() {
         std::map<int, std::uint32_t> maxima;
         for (const int id : rangeIds)
@@ -253,7 +256,7 @@ TEST_F(GeometryTest, LimitsOfEveryVantagePoint) {
                     EXPECT_EQ(lastError(), code);
                 }
                 for (const std::string& line : log())
-                    EXPECT_NE(line.rfind("set ", 0), 0u) << line;
+                    EXPECT_FALSE(line.starts_with("set ")) << line;
                 EXPECT_EQ(get<std::uint32_t>(id), Geometry(g)[id]);
             }
         }
@@ -394,11 +397,11 @@ TEST_F(GeometryTest, EachSetterRefreshesItsNeighboursOnly) {
         }
         arrange({.vantage = vantage});
         markAll();
-        ASSERT_EQ(board.fail_name(session.device, addressWidth.c_str(), -4711), VBOARD_OK);
+        fail(addressWidth, -4711);
         EXPECT_EQ(set(FG_VANTAGEPOINT, vantage), 0);
         EXPECT_EQ(maximum(FG_SENSORWIDTH), vantage >= 2 ? mark : widthLimit);
         EXPECT_EQ(maximum(FG_SENSORHEIGHT), vantage >= 2 ? mark : heightLimit);
-        board.fail_name(session.device, addressWidth.c_str(), 0);
+        fail(addressWidth, 0);
     }
 }
 
@@ -406,7 +409,7 @@ TEST_F(GeometryTest, AnUnreadableRamStopsTheSettersThatConsultIt) {
     for (const std::string& name : {addressWidth, dataWidth, parallelism}) {
         for (std::uint32_t vantage = 0; vantage < 4; ++vantage) {
             arrange({.vantage = vantage});
-            ASSERT_EQ(board.fail_name(session.device, name.c_str(), -4711), VBOARD_OK);
+            fail(name, -4711);
             for (const int id : rangeIds) {
                 const bool ofRam = name != parallelism;
                 const bool consulted =
@@ -414,7 +417,7 @@ TEST_F(GeometryTest, AnUnreadableRamStopsTheSettersThatConsultIt) {
                 EXPECT_EQ(set(id, Geometry{}[id]), consulted ? -4711 : 0)
                     << name << ", " << id << " at " << vantage;
             }
-            board.fail_name(session.device, name.c_str(), 0);
+            fail(name, 0);
         }
     }
 }

@@ -8,6 +8,8 @@
 
 namespace {
 
+using namespace support;
+
 constexpr int refused = -6000;
 constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
@@ -195,7 +197,7 @@ TEST_F(LineTriggerTest, NotANumberPassesEveryRange) {
         EXPECT_TRUE(std::isnan(get<double>(id))) << name;
         double written = 0;
         const std::string full = std::string("Device1_Process0_Trigger_Trigger_") + name;
-        ASSERT_EQ(board.peek_double(session.device, full.c_str(), &written), VBOARD_OK);
+        ASSERT_EQ(board.peek_double(grabber.device, full.c_str(), &written), VBOARD_OK);
         EXPECT_TRUE(std::isnan(written)) << name;
     }
     EXPECT_EQ(set(FG_LINETRIGGERDEBOUNCING, 1.0), 0);
@@ -222,7 +224,7 @@ TEST_F(LineTriggerTest, InputParametersAreReadOnlyInTheGrabberControlledModes) {
 
 TEST_F(LineTriggerTest, AFailedModeKeepsTheNewAccess) {
     ASSERT_EQ(set(FG_LINETRIGGERMODE, 1u), 0);
-    board.fail_name(session.device, "Device1_Process0_Trigger_Trigger_LineTriggerMode", -4711);
+    fail("Device1_Process0_Trigger_Trigger_LineTriggerMode", -4711);
     EXPECT_EQ(set(FG_LINETRIGGERMODE, 2u), -4711);
     EXPECT_EQ(get<std::uint32_t>(FG_LINETRIGGERMODE), 1u);
     EXPECT_EQ(accessOf(dependents), std::vector<std::uint32_t>(dependents.size(), 7));

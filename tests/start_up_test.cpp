@@ -6,11 +6,13 @@
 
 namespace {
 
+using namespace support;
+
 /** The expected accesses of a normal start, one section for each setter. */
 std::vector<Lines> expectedSections() {
     std::vector<Lines> sections;
     for (const std::string& line : dataLines("start_up_writes.txt")) {
-        if (line.rfind("# ", 0) == 0)
+        if (line.starts_with("# "))
             sections.emplace_back();
         else
             sections.back().push_back(line);
@@ -18,53 +20,36 @@ std::vector<Lines> expectedSections() {
     return sections;
 }
 
-/** A board whose memory has the widths that the listing tells, and the handle that comes up on it. */
-class Start {
-public:
-    Start() {
+class StartUpTest : public AppletTest {
+protected:
+    /** Brings a handle up on a board whose memory has the widths that the listing tells. */
+    void start(Grabber& grabber, int flags) {
         for (const auto& [name, value] : {std::pair{"DRAM_DRAM_A_0_Imp_DRAM_RamAddressWidth", 24},
                                           {"DRAM_DRAM_A_0_Imp_DRAM_RamDataWidth", 512},
                                           {"LinkPixelSpace_Parallelism", 32}}) {
             const std::string full = std::string("Device1_Process0_Buffer_0_") + name;
-            EXPECT_EQ(m_board.poke_int(device, full.c_str(), value), VBOARD_OK);
+            ASSERT_EQ(board.poke_int(grabber.device, full.c_str(), value), VBOARD_OK);
         }
+        ASSERT_EQ(grabber.bringUp(flags).error, FG_OK);
     }
-    ~Start() {
-        if (handle.object != nullptr) m_applet.Fg_FreeGrabber(handle.fg());
-        m_board.close(device);
-    }
-    void bringUp(int flags) {
-        handle.object = m_applet.Std_entry(device, &error, flags);
-        EXPECT_NE(handle.object, nullptr);
-        EXPECT_EQ(error, 0);
-    }
-
-private:
-    const applet_host::AppletFunctions& m_applet = appletHost().applet();
-    const applet_host::BoardFunctions& m_board = appletHost().board();
-
-public:
-    LOOMdevice* device = m_board.open();
-    applet_host::GrabberHandle handle;
-    int error = -1;
 };
 
-TEST(StartUp, WritesTheDefaultsInOrder) {
-    Start start;
-    start.bringUp(0);
+TEST_F(StartUpTest, WritesTheDefaultsInOrder) {
+    Grabber grabber;
+    start(grabber, 0);
     Lines expected;
     for (const Lines& section : expectedSections())
         expected.insert(expected.end(), section.begin(), section.end());
-    EXPECT_EQ(logOf(start.device), expected);
+    EXPECT_EQ(grabber.log(), expected);
 }
 
-TEST(StartUp, LeavesTheBoardAloneForASlave) {
-    Start start;
-    start.bringUp(1);
-    EXPECT_EQ(logOf(start.device), Lines{});
+TEST_F(StartUpTest, LeavesTheBoardAloneForASlave) {
+    Grabber grabber;
+    start(grabber, 1);
+    EXPECT_EQ(grabber.log(), Lines{});
 }
 
-TEST(StartUp, AFailingDefaultEndsItsOwnSetterOnly) {
+TEST_F(StartUpTest, AFailingDefaultEndsItsOwnSetterOnly) {
     const std::vector<Lines> sections = expectedSections();
     std::set<std::string> names;
     for (const Lines& section : sections)
@@ -72,19 +57,19 @@ TEST(StartUp, AFailingDefaultEndsItsOwnSetterOnly) {
             names.insert(line.substr(4, line.find(' ', 4) - 4));
     ASSERT_GE(names.size(), 25u);
     for (const std::string& name : names) {
-        Start start;
-        ASSERT_EQ(appletHost().board().fail_name(start.device, name.c_str(), -4711), VBOARD_OK);
-        start.bringUp(0);
+        Grabber grabber;
+        ASSERT_EQ(board.fail_name(grabber.device, name.c_str(), -4711), VBOARD_OK);
+        start(grabber, 0);
         Lines expected;
         for (const Lines& section : sections) {
             for (std::string line : section) {
                 const bool fails = line.substr(4, name.size() + 1) == name + " ";
-                if (fails && line.rfind("get ", 0) == 0) line.erase(line.rfind(' '));
+                if (fails && line.starts_with("get ")) line.erase(line.rfind(' '));
                 expected.push_back(fails ? line + " = -4711" : line);
                 if (fails) break;
             }
         }
-        EXPECT_EQ(logOf(start.device), expected) << name;
+        EXPECT_EQ(grabber.log(), expected) << name;
     }
 }
 

@@ -7,6 +7,8 @@
 
 namespace {
 
+using namespace support;
+
 std::string shortest(double value) {
     char text[64];
     return {text, std::to_chars(text, text + sizeof text, value).ptr};
@@ -156,17 +158,15 @@ protected:
 };
 
 TEST_F(SlaveTreeTest, IsTheCatalogue) {
-    const Listing tree(applet.Fg_getParameterInfo(session.fg(), 0));
-    EXPECT_EQ(tree.lines, expectedTree(false));
-    EXPECT_EQ(tree.groups, 31);
-    EXPECT_EQ(tree.parameters, 157);
+    const Listing listing(tree());
+    EXPECT_EQ(listing.lines, expectedTree(false));
+    EXPECT_EQ(listing.groups, 31);
+    EXPECT_EQ(listing.parameters, 157);
 }
 
 class TreeTest : public ParameterTest {};
 
-TEST_F(TreeTest, ShowsWhatTheDefaultsChanged) {
-    EXPECT_EQ(Listing(applet.Fg_getParameterInfo(session.fg(), 0)).lines, expectedTree(true));
-}
+TEST_F(TreeTest, ShowsWhatTheDefaultsChanged) { EXPECT_EQ(Listing(tree()).lines, expectedTree(true)); }
 
 TEST_F(TreeTest, IsTheSameForAnOfflineInstance) {
     void* instance = nullptr;
@@ -178,7 +178,8 @@ TEST_F(TreeTest, IsTheSameForAnOfflineInstance) {
 }
 
 TEST_F(TreeTest, BelongsToItsHandle) {
-    applet_host::Session other(appletHost());
+    Grabber other;
+    ASSERT_EQ(other.bringUp().error, FG_OK);
     ASSERT_EQ(set(FG_LINEPERIODE, 123.0), 0);
     EXPECT_EQ(Listing(applet.Fg_getParameterInfo(other.fg(), 0)).lines, expectedTree(true));
     EXPECT_EQ(record(FG_LINEEXPOSURE)->value.f64.maximum, 123.0);
@@ -188,7 +189,7 @@ TEST_F(TreeTest, DescriptionsByName) {
     const auto describe = [&](const std::string& name) {
         std::vector<char> text(4096);
         std::memcpy(text.data(), name.c_str(), name.size() + 1);
-        EXPECT_EQ(applet.Fg_getParameterWithType(session.fg(), FG_PARAM_DESCR, text.data(), 0, FG_PARAM_TEXT),
+        EXPECT_EQ(applet.Fg_getParameterWithType(grabber.fg(), FG_PARAM_DESCR, text.data(), 0, FG_PARAM_TEXT),
                   0);
         return std::string(text.data());
     };
