@@ -24,17 +24,24 @@ std::string valueOf(const Access& access, bool withValue) {
         return std::string(" ") + type + (withValue ? " " + value : "");
     };
     switch (access.type) {
-    case FG_PARAM_INT32: return line("i32", std::to_string(static_cast<std::int32_t>(word)));
-    case FG_PARAM_UINT32: return line("u32", std::to_string(word));
-    case FG_PARAM_INT64: return line("i64", std::to_string(static_cast<std::int64_t>(access.bits)));
-    case FG_PARAM_UINT64: return line("u64", std::to_string(access.bits));
-    case FG_PARAM_DOUBLE: return line("f64", shortest(std::bit_cast<double>(access.bits)));
+    case FG_PARAM_INT32:
+        return line("i32", std::to_string(static_cast<std::int32_t>(word)));
+    case FG_PARAM_UINT32:
+        return line("u32", std::to_string(word));
+    case FG_PARAM_INT64:
+        return line("i64", std::to_string(static_cast<std::int64_t>(access.bits)));
+    case FG_PARAM_UINT64:
+        return line("u64", std::to_string(access.bits));
+    case FG_PARAM_DOUBLE:
+        return line("f64", shortest(std::bit_cast<double>(access.bits)));
     case FG_PARAM_TEXT:
-    case FG_PARAM_ALLOCATED_STRING: return line("text", access.text);
+    case FG_PARAM_ALLOCATED_STRING:
+        return line("text", access.text);
     case FG_PARAM_FIELD_ACCESS:
     case FG_PARAM_FIELD_INT:
         return line("field", std::to_string(word) + "+" + std::to_string(access.bits >> 32));
-    default: return line("tag", std::to_string(access.type));
+    default:
+        return line("tag", std::to_string(access.type));
     }
 }
 
@@ -45,17 +52,22 @@ std::string lineOf(const Access& access) {
     const std::string ending = failed ? " = " + std::to_string(access.result) : "";
     const char* name = access.name != nullptr ? access.name : access.text.c_str();
     switch (access.kind) {
-    case VBOARD_SET: return std::string("set ") + name + valueOf(access, true) + ending;
-    case VBOARD_GET: return std::string("get ") + name + valueOf(access, !failed) + ending;
+    case VBOARD_SET:
+        return std::string("set ") + name + valueOf(access, true) + ending;
+    case VBOARD_GET:
+        return std::string("get ") + name + valueOf(access, !failed) + ending;
     case VBOARD_REGISTER_WRITE:
     case VBOARD_REGISTER_READ: {
         const bool write = access.kind == VBOARD_REGISTER_WRITE;
-        std::string line = std::string(write ? "write " : "read ") + name + (access.type > 32 ? " u64" : " u32");
+        std::string line =
+            std::string(write ? "write " : "read ") + name + (access.type > 32 ? " u64" : " u32");
         if (write || !failed) line += " " + std::to_string(access.bits);
         return line + ending;
     }
-    case VBOARD_RESOLVE: return std::string("resolve ") + name + " = " + std::to_string(access.bits);
-    default: return std::string("call ") + name + ending;
+    case VBOARD_RESOLVE:
+        return std::string("resolve ") + name + " = " + std::to_string(access.bits);
+    default:
+        return std::string("call ") + name + ending;
     }
 }
 

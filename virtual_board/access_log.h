@@ -12,11 +12,11 @@ namespace vboard {
 
 /** One access. Cheap to note; the line is made when somebody asks. */
 struct Access {
-    unsigned kind;         // VBOARD_SET, ...
-    const char* name;      // of the parameter, register or function; lives as long as the process
-    int type = 0;          // tag, or width of a register in bits
+    unsigned kind;          // VBOARD_SET, ...
+    const char* name;       // of the parameter, register or function; lives as long as the process
+    int type = 0;           // tag, or width of a register in bits
     std::uint64_t bits = 0; // the value as it was handed over; first element and count of a field
-    std::string text = {}; // texts, and names that nobody knows
+    std::string text = {};  // texts, and names that nobody knows
     int result = 0;
 };
 

@@ -53,8 +53,8 @@ std::uint64_t wordOf(const Value& value, ValueType type, int tag) {
     if (tag == FG_PARAM_DOUBLE) {
         const bool isSigned = type == ValueType::I32 || type == ValueType::I64;
         const double number = type == ValueType::F64 ? value.number
-                              : isSigned             ? static_cast<double>(static_cast<std::int64_t>(value.bits))
-                                                     : static_cast<double>(value.bits);
+                              : isSigned ? static_cast<double>(static_cast<std::int64_t>(value.bits))
+                                         : static_cast<double>(value.bits);
         return std::bit_cast<std::uint64_t>(number);
     }
     return type == ValueType::F64 ? static_cast<std::uint64_t>(truncated(value.number)) : value.bits;
@@ -205,7 +205,8 @@ int LOOMdevice::setParameter(int id, const void* value, int type) {
     Access access{.kind = VBOARD_SET, .name = parameter.name, .type = type};
     if (isNumberTag(type)) access.bits = bitsFrom(value, type);
     if (isTextTag(type)) access.text = static_cast<const char*>(value);
-    if (isFieldTag(type)) access.bits = runOf(value, type).first | std::uint64_t{runOf(value, type).count} << 32;
+    if (isFieldTag(type))
+        access.bits = runOf(value, type).first | std::uint64_t{runOf(value, type).count} << 32;
 
     access.result = begin(access);
     if (access.result == 0) {
@@ -233,7 +234,8 @@ int LOOMdevice::getParameter(int id, void* value, int type) {
     const auto position = static_cast<std::size_t>(static_cast<std::int64_t>(id) - firstParameterId);
     if (own == nullptr && !DesignState::instance().has(position)) return failed(badArgument);
 
-    Access access{.kind = VBOARD_GET, .name = own == nullptr ? designParameters[position].name : nullptr, .type = type};
+    Access access{
+        .kind = VBOARD_GET, .name = own == nullptr ? designParameters[position].name : nullptr, .type = type};
     if (own != nullptr) access.text = "#" + std::to_string(id);
     access.result = begin(access);
     if (access.result == 0) {
@@ -284,7 +286,8 @@ int LOOMdevice::readRegister(int reg, std::uint64_t* value) {
     const std::lock_guard guard(mutex);
     const auto position = static_cast<std::size_t>(reg) - 1;
     if (value == nullptr || position >= registers.size()) return failed(badArgument);
-    Access access{.kind = VBOARD_REGISTER_READ, .name = registers[position].name, .type = registers[position].bits};
+    Access access{
+        .kind = VBOARD_REGISTER_READ, .name = registers[position].name, .type = registers[position].bits};
     access.result = begin(access);
     if (access.result == 0) *value = access.bits = registerValues[position];
     const int result = access.result;

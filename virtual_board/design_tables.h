@@ -37,10 +37,13 @@ struct RuntimeParameter {
 /** Elements of an array parameter. */
 inline constexpr std::uint32_t fieldElements = 16384;
 
+// In libvexo_hw.so; the other two libraries read them.
+#pragma GCC visibility push(default)
 extern const std::span<const DesignParameter> designParameters;
 extern const std::span<const Register> registers;
 extern const std::span<const RuntimeParameter> runtimeParameters;
 extern const std::span<const TslEvent> events;
+#pragma GCC visibility pop
 
 } // namespace vboard
 

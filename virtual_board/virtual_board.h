@@ -30,6 +30,10 @@ void vboard_close(LOOMdevice* board);
 /** Puts start values back, clears the log and forgets faults and forced answers. */
 void vboard_reset(LOOMdevice* board);
 
+/** How many "boards", "designs", "handles" (inner ones) or "strings" (handed out by the runtime) are alive.
+ */
+int vboard_live(const char* what);
+
 /** Takes a design parameter (full name, "Device1_...") out of every design or puts it back. */
 int vboard_lack_parameter(const char* name, bool lacking);
 /** Takes an event out of every design or puts it back; later events move up by one place. */

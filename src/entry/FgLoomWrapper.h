@@ -8,9 +8,7 @@
 
 #include <atomic>
 #include <cstdint>
-#include <locale>
 #include <memory>
-#include <sstream>
 #include <string>
 
 class Fg_ConfigFileParser;
@@ -138,6 +136,8 @@ private:
     static int forward(Function* function, Arguments... arguments) {
         return function != nullptr ? function(arguments...) : static_cast<int>(FG_ERR_NOT_AVAILABLE);
     }
+    static void append(std::string& text, const char* piece) { text += piece; }
+    static void append(std::string& text, int piece) { text += std::to_string(piece); }
     static void writeLine(vexo::tools::logging::Logger& logger, std::uint32_t level, const std::string& text);
 
     std::atomic<vexo::tools::logging::Logger*> m_logger{nullptr};
@@ -147,10 +147,9 @@ private:
 template <typename... Pieces> void FgLoomWrapper::log(std::uint32_t level, const Pieces&... pieces) {
     vexo::tools::logging::Logger* target = logger();
     if (!target->isEnabled(level)) return;
-    std::ostringstream text;
-    text.imbue(std::locale::classic()); // plain digits whatever the host has set
-    (text << ... << pieces);
-    writeLine(*target, level, text.str());
+    std::string text;
+    (append(text, pieces), ...);
+    writeLine(*target, level, text);
 }
 
 #endif

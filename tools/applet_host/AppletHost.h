@@ -61,6 +61,7 @@ struct BoardFunctions {
     decltype(&::vboard_open) open;
     decltype(&::vboard_close) close;
     decltype(&::vboard_reset) reset;
+    decltype(&::vboard_live) live;
     decltype(&::vboard_lack_parameter) lack_parameter;
     decltype(&::vboard_lack_event) lack_event;
     decltype(&::vboard_hide_entry) hide_entry;

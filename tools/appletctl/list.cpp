@@ -37,6 +37,7 @@ Report listParameters(const Options& options, const Words& pattern) {
     Report report;
     report.document["parameters"] = nlohmann::ordered_json::array();
     Table table;
+    table.setTitles({"NAME", "VALUE", "UNIT", "ACCESS", "LIMITS OR ENTRIES"});
     const std::vector<std::string>* group = nullptr;
     for (const Parameter* parameter : parameters.matching(pattern.empty() ? "" : pattern.front())) {
         if (group == nullptr || *group != parameter->groups) table.addHeading(join(parameter->groups, " / "));

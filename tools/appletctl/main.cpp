@@ -1,5 +1,6 @@
 /** appletctl: shows and sets the parameters of the applet on the virtual board. */
 #include "appletctl/commands.h"
+#include "appletctl/text.h"
 
 #include "applet_host/AppletHost.h"
 
@@ -54,7 +55,7 @@ CLI::App* parentCommand(CLI::App& program, const char* name) {
     if (name == nullptr) return &program;
     for (CLI::App* command : program.get_subcommands(nullptr))
         if (command->get_name() == name) return command;
-    return program.add_subcommand(name, "Show what a command does to the design")->require_subcommand(1);
+    return program.add_subcommand(name, "Show what a command does to the design")->require_subcommand(0, 1);
 }
 
 void addCommand(CLI::App& program, const Command& command, Request& request) {
@@ -83,11 +84,25 @@ Report run(const Request& request) {
     }
 }
 
+/** The command that the user may have meant; empty if none is near. */
+std::string didYouMean(const std::string& word) {
+    for (const Command& command : commands)
+        if (editDistance(word, command.name) <= 2)
+            return std::string("; did you mean '") + command.name + "'?";
+    return "; 'appletctl --help' lists the commands";
+}
+
+std::string whatIsWrong(const CLI::App& program, const CLI::ParseError& error) {
+    const std::vector<std::string> unknown = program.remaining(true);
+    if (program.get_subcommands().empty() && !unknown.empty() && !unknown.front().starts_with('-'))
+        return "there is no command '" + printable(unknown.front()) + "'" + didYouMean(unknown.front());
+    return printable(error.what()) + "; 'appletctl --help' shows the usage";
+}
+
 /** Ends a run whose command line asks for help or cannot be understood. */
 int endParsing(const CLI::App& program, const CLI::ParseError& error, bool json) {
     if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) return program.exit(error);
-    const std::string words = std::string(error.what()) + "; 'appletctl --help' shows the usage";
-    return print(failureReport("usage", words, exitUsage), "", json);
+    return print(failureReport("usage", whatIsWrong(program, error), exitUsage), "", json);
 }
 
 } // namespace
@@ -95,8 +110,8 @@ int endParsing(const CLI::App& program, const CLI::ParseError& error, bool json)
 int main(int argc, char** argv) {
     CLI::App program("Shows and sets the parameters of the applet on the virtual board.", "appletctl");
     Request request;
-    program.fallthrough(); // global options may stand behind the command as well
-    program.require_subcommand(1);
+    program.fallthrough();            // global options may stand behind the command as well
+    program.require_subcommand(0, 1); // a further word of that name is the command's own
     program.footer(notes);
     program.set_version_flag("--version", APPLETCTL_VERSION);
     program.add_flag("--json", request.options.json, "Print one JSON document instead of text");
@@ -106,6 +121,7 @@ int main(int argc, char** argv) {
         addCommand(program, command, request);
     try {
         program.parse(argc, argv);
+        if (request.command == nullptr) throw CLI::RequiredError("A command");
     } catch (const CLI::ParseError& error) {
         const bool json =
             std::any_of(argv + 1, argv + argc, [](std::string_view word) { return word == "--json"; });

@@ -27,14 +27,14 @@ std::string Style::painted(const char* attributes, const std::string& text) cons
 std::string Table::render(const Style& style) const {
     std::vector<std::size_t> widths;
     for (const Line& line : m_lines) {
-        if (line.isHeading) continue;
+        if (line.kind == Kind::heading) continue;
         widths.resize(std::max(widths.size(), line.cells.size()));
         for (std::size_t i = 0; i < line.cells.size(); ++i)
             widths[i] = std::max(widths[i], displayWidth(line.cells[i]));
     }
     std::string text;
     for (const Line& line : m_lines) {
-        if (line.isHeading) {
+        if (line.kind == Kind::heading) {
             if (&line != &m_lines.front()) text += '\n';
             text += style.heading(line.cells.front()) + '\n';
             continue;
@@ -45,7 +45,7 @@ std::string Table::render(const Style& style) const {
             row.append(widths[i] - displayWidth(line.cells[i]), ' ');
         }
         row.erase(row.find_last_not_of(' ') + 1);
-        text += row + '\n';
+        text += (line.kind == Kind::titles ? style.faint(row) : row) + '\n';
     }
     return text;
 }

@@ -30,13 +30,16 @@ private:
 /** Lines of cells in columns that are as wide as their widest cell, with headings in between. */
 class Table {
 public:
-    void addHeading(std::string text) { m_lines.push_back({true, {std::move(text)}}); }
-    void addRow(std::vector<std::string> cells) { m_lines.push_back({false, std::move(cells)}); }
+    /** Names of the columns, shown above all. */
+    void setTitles(std::vector<std::string> titles) { m_lines.push_back({Kind::titles, std::move(titles)}); }
+    void addHeading(std::string text) { m_lines.push_back({Kind::heading, {std::move(text)}}); }
+    void addRow(std::vector<std::string> cells) { m_lines.push_back({Kind::row, std::move(cells)}); }
     std::string render(const Style& style) const;
 
 private:
+    enum class Kind { titles, heading, row };
     struct Line {
-        bool isHeading;
+        Kind kind;
         std::vector<std::string> cells;
     };
     std::vector<Line> m_lines;

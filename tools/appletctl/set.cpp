@@ -38,13 +38,14 @@ std::string advice(const Parameter& parameter, const Value& value, int code) {
     if (code == FG_ERR_NOT_AVAILABLE && accessWord(parameter) != "rw" && accessWord(parameter) != "rw+")
         return "; the parameter is read-only";
     if (code != FG_ERR_OUT_OF_RANGE && code != FG_ERR_GRANULARITY) return "";
+    const bool isWithin = isWithinLimits(parameter, value);
     const std::string entries = entriesText(parameter);
-    if (!entries.empty() && !isWithinLimits(parameter, value)) return "; the entries are " + entries;
     const std::string limits = withUnit(limitsText(parameter), parameter);
-    if (isWithinLimits(parameter, value)) {
-        return "; the value keeps to the published limits" + (entries.empty() ? " (" + limits + ")" : "") +
-               ", so another parameter stands against it: see its neighbours with 'appletctl list'";
+    if (isWithin) {
+        return (entries.empty() ? "; it keeps to the present limits (" + limits + ")" : "; it is an entry") +
+               ", so the value of another parameter stands against it: 'appletctl list' shows them";
     }
+    if (!entries.empty()) return "; the entries are " + entries;
     return limitsText(parameter).empty() ? "" : "; the present limits are " + limits;
 }
 
@@ -73,30 +74,37 @@ Report carryOut(Instance& instance, const Words& words,
     auto& done = report.document["assignments"] = nlohmann::ordered_json::array();
     const std::vector<Assignment> assignments = parseAssignments(parameters, words);
     if (writes) writes(); // drop what the bring-up wrote
+    std::vector<std::string> notSet;
     for (const Assignment& assignment : assignments) {
         const Parameter& parameter = *assignment.parameter;
+        if (report.exitCode != exitDone) {
+            notSet.push_back(parameter.name);
+            continue;
+        }
         const int code = writeValue(instance, parameter, assignment.value);
+        const std::vector<std::string> lines = writes ? writes() : std::vector<std::string>{};
+        const Reading actual = readValue(instance, parameter);
         nlohmann::ordered_json row;
         addDescription(row, parameter);
         row["requested"] = toUtf8(assignment.text.c_str());
-        const std::vector<std::string> lines = writes ? writes() : std::vector<std::string>{};
         if (writes) row["writes"] = lines;
-        const Reading actual = readValue(instance, parameter);
         if (actual.error == FG_OK) addValue(row, parameter, actual.value);
-        if (code != FG_OK) {
+        if (code == FG_OK) {
+            report.text += outcomeText(parameter, assignment.value, actual) + '\n';
+        } else {
             report.problems.push_back(refusal(assignment, code));
             row["error"] = codeAsJson(code);
             row["error"]["message"] = report.problems.back();
             report.exitCode = exitRefused;
-            if (!lines.empty()) report.text += parameter.name + ", before it was refused\n";
-        } else {
-            report.text += outcomeText(parameter, assignment.value, actual) + '\n';
+            if (!lines.empty()) report.text += parameter.name + ", written before it was refused\n";
         }
         for (const std::string& line : lines)
             report.text += "  " + line + '\n';
         done.push_back(std::move(row));
-        if (code != FG_OK) break;
     }
+    if (notSet.empty()) return report;
+    report.problems.push_back("not set after that: " + join(notSet, ", "));
+    report.document["notSet"] = notSet;
     return report;
 }
 

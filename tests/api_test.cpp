@@ -1,0 +1,193 @@
+// The exported functions as such: bad handles, forwarding, the end of a handle, what is stored.
+
+#include "support/applet_fixture.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <filesystem>
+#include <unistd.h>
+
+namespace {
+
+using namespace support;
+using Api = AppletTest;
+
+TEST_F(Api, BadHandles) {
+    applet_host::GrabberHandle empty;
+    for (Fg_Struct* fg : {static_cast<Fg_Struct*>(nullptr), empty.fg()}) {
+        for (const Forwarder& forwarder : forwarders())
+            EXPECT_EQ(forwarder.call(fg), FG_ERR_INVALID_HANDLE) << forwarder.name;
+        std::uint64_t word = 7;
+        char text[] = "FG_WIDTH";
+        unsigned long size = sizeof text;
+        const int results[] = {
+            applet.Fg_setParameterWithType(fg, FG_WIDTH, &word, 0, FG_PARAM_UINT32),
+            applet.Fg_getParameterWithType(fg, FG_WIDTH, &word, 0, FG_PARAM_UINT64),
+            applet.Fg_freeParameterStringWithType(fg, FG_WIDTH, text, 0, FG_PARAM_ALLOCATED_STRING),
+            applet.Fg_freeParameterStringWithType(fg, FG_WIDTH, text, 0, FG_PARAM_TEXT),
+            applet.Fg_getNrOfParameter(fg),
+            applet.Fg_getParameterId(fg, 0),
+            applet.Fg_getParameterIdByName(fg, text),
+            applet.Fg_saveConfig(fg, text),
+            applet.Fg_loadConfig(fg, text),
+            applet.Fg_getParameterInfoXML(fg, 0, text, &size),
+            applet.Fg_getLastErrorNumber(fg),
+            applet.Fg_FreeGrabber(fg),
+            applet.Fg_FreeShading(fg, nullptr),
+            applet.Shad_SetSubValueLine(fg, nullptr, 0, 0, 0.f),
+            applet.Shad_SetMultValueLine(fg, nullptr, 0, 0, 0.f),
+            applet.Shad_SetFixedPatternNoiseLine(fg, nullptr, 0, 0, 0),
+            applet.Shad_GetMaxLine(fg, nullptr),
+            applet.Shad_GetAccess(fg, nullptr),
+            applet.Shad_FreeAccess(fg, nullptr),
+            applet.Shad_WriteActLine(fg, nullptr, 0),
+        };
+        for (const int& result : results)
+            EXPECT_EQ(result, FG_ERR_INVALID_HANDLE) << "call " << &result - results;
+        EXPECT_EQ(word, 7u);
+        EXPECT_EQ(applet.Fg_getParameterName(fg, 0), nullptr);
+        EXPECT_EQ(applet.Fg_getParameterInfo(fg, 0), nullptr);
+        EXPECT_EQ(applet.Fg_getEventMask(fg, "FG_OVERFLOW_CAM0"), 0u);
+        EXPECT_EQ(applet.Fg_getEventName(fg, 1), nullptr);
+        EXPECT_EQ(applet.Fg_AllocShading(fg, 0, 0), nullptr);
+    }
+}
+
+TEST_F(Api, ForwardersGiveTheRuntimesResultAndStoreItsLastError) {
+    Grabber grabber;
+    grabber.bringUp();
+    board.last_error(grabber.device, -2010);
+    for (const Forwarder& forwarder : forwarders()) {
+        SCOPED_TRACE(forwarder.name);
+        const auto answered = [&](std::int64_t answer) {
+            board.answer(grabber.device, forwarder.name, answer);
+            const std::int64_t result = forwarder.call(grabber.fg());
+            return std::pair(result, grabber.lastError());
+        };
+        EXPECT_EQ(answered(-3), std::pair(std::int64_t{-3}, -2010));
+        EXPECT_EQ(answered(7), std::pair(std::int64_t{7}, 0));
+        if (forwarder.wide) {
+            // The upper half counts, for the value and for its sign.
+            EXPECT_EQ(answered(0x1'8000'0001), std::pair(std::int64_t{0x1'8000'0001}, 0));
+            EXPECT_EQ(answered(-0x1'0000'0000), std::pair(std::int64_t{-0x1'0000'0000}, -2010));
+        } else {
+            EXPECT_EQ(answered(0x1'8000'0001), std::pair(std::int64_t{-0x7fff'ffff}, -2010));
+            EXPECT_EQ(answered(-0x1'0000'0000 + 4), std::pair(std::int64_t{4}, 0));
+        }
+    }
+}
+
+TEST_F(Api, FreeGrabberFreesTheInnerHandleThenTheDesign) {
+    const int handles = live("handles"), designs = live("designs");
+    Grabber grabber;
+    grabber.bringUp();
+    EXPECT_EQ(live("handles"), handles + 1);
+    EXPECT_EQ(live("designs"), designs + 1);
+    board.log_kinds(grabber.device, VBOARD_CALL);
+    grabber.clearLog();
+    EXPECT_EQ(grabber.free(), 0);
+    EXPECT_EQ(grabber.handle.object, nullptr);
+    EXPECT_EQ(grabber.log(), Lines{"call Fg_FreeGrabber"});
+    EXPECT_EQ(live("handles"), handles);
+    EXPECT_EQ(live("designs"), designs);
+    EXPECT_EQ(grabber.free(), FG_ERR_INVALID_HANDLE);
+
+    grabber.bringUp();
+    board.answer(grabber.device, "Fg_FreeGrabber", -77);
+    EXPECT_EQ(grabber.free(), -77);
+    EXPECT_EQ(grabber.handle.object, nullptr);
+    EXPECT_EQ(live("designs"), designs);
+}
+
+TEST_F(Api, ThereIsNoShading) {
+    Grabber grabber;
+    Fg_Struct* const fg = grabber.bringUp().fg();
+    int word = 0;
+    const auto some = reinterpret_cast<ShadingMaster*>(&word);
+    for (ShadingMaster* shading : {static_cast<ShadingMaster*>(nullptr), some}) {
+        const std::function<int()> calls[] = {
+            [&] { return applet.Fg_FreeShading(fg, shading); },
+            [&] { return applet.Shad_SetSubValueLine(fg, shading, 1, 1, 1.f); },
+            [&] { return applet.Shad_SetMultValueLine(fg, shading, 1, 1, 1.f); },
+            [&] { return applet.Shad_SetFixedPatternNoiseLine(fg, shading, 1, 1, 1); },
+            [&] { return applet.Shad_GetMaxLine(fg, shading); },
+            [&] { return applet.Shad_GetAccess(fg, shading); },
+            [&] { return applet.Shad_FreeAccess(fg, shading); },
+            [&] { return applet.Shad_WriteActLine(fg, shading, 1); },
+        };
+        for (const auto& call : calls) {
+            EXPECT_EQ(applet.Fg_AllocShading(fg, 0, 0), nullptr);
+            EXPECT_EQ(grabber.lastError(), -1);
+            EXPECT_EQ(call(), FG_ERR_NOT_SUPPORTED) << "call " << &call - calls;
+            EXPECT_EQ(grabber.lastError(), FG_ERR_NOT_SUPPORTED) << "call " << &call - calls;
+        }
+    }
+}
+
+TEST_F(Api, TypedGetClearsALongWordFirst) {
+    Grabber grabber;
+    grabber.bringUp();
+    constexpr auto ones = ~std::uint64_t{0};
+    for (const int tag : {1, 2, 3, 4, 5}) {
+        const bool cleared = tag == 3 || tag == 4;
+        std::uint64_t word = ones;
+        EXPECT_EQ(grabber.get(12345, &word, 0, tag), FG_ERR_INVALID_ARGUMENT);
+        EXPECT_EQ(word, cleared ? 0 : ones) << "tag " << tag;
+        word = ones;
+        EXPECT_EQ(grabber.get(FG_WIDTH, &word, 0, tag), 0);
+        EXPECT_EQ(word, cleared ? 1024 : 0xffffffff'00000400) << "tag " << tag;
+        EXPECT_EQ(grabber.get(FG_WIDTH, nullptr, 0, tag), FG_ERR_INVALID_ARGUMENT);
+        EXPECT_EQ(grabber.lastError(), FG_ERR_INVALID_ARGUMENT);
+    }
+}
+
+TEST_F(Api, StringFreeRefusesOtherTagsWithoutStoring) {
+    Grabber grabber;
+    grabber.bringUp();
+    ASSERT_EQ(grabber.set(FG_WIDTH, 3u), FG_ERR_GRANULARITY);
+    char text[] = "text";
+    for (const int tag : {1, 2, 6, 0, -22, 4096})
+        EXPECT_EQ(applet.Fg_freeParameterStringWithType(grabber.fg(), 24114, text, 5, tag), FG_ERR_STRING_TAG)
+            << "tag " << tag;
+    EXPECT_EQ(grabber.lastError(), FG_ERR_GRANULARITY);
+}
+
+TEST_F(Api, TemporaryFileNames) {
+    const auto folder = std::filesystem::temp_directory_path() / ("names-" + std::to_string(getpid()));
+    std::filesystem::create_directory(folder);
+    const std::string wanted = folder / "coef-XXXXXX.tiff";
+    std::string first = wanted, second = wanted;
+    const int a = applet.mkstemps(first.data(), 5);
+    const int b = applet.mkstemps(second.data(), 5);
+    EXPECT_GE(a, 0);
+    EXPECT_GE(b, 0);
+    EXPECT_NE(first, second);
+    for (const std::string& name : {first, second}) {
+        ASSERT_EQ(name.size(), wanted.size());
+        EXPECT_EQ(name.substr(0, name.size() - 11), wanted.substr(0, wanted.size() - 11));
+        EXPECT_EQ(name.substr(name.size() - 5), ".tiff");
+        EXPECT_EQ(std::filesystem::status(name).permissions(), std::filesystem::perms(0600)) << name;
+    }
+    EXPECT_EQ(fcntl(a, F_GETFL) & O_ACCMODE, O_RDWR);
+    close(a);
+    close(b);
+
+    const std::pair<const char*, int> refused[] = {
+        {"abc", 0}, {"XXXXXX", 1}, {"", 0}, {"aXXXXXXb", 0}, {"aXXXXXb", 1}, {"aXXXXXX", -1}, {"aXXXXXX.c", 2147483647},
+    };
+    for (const auto& [pattern, suffix] : refused) {
+        std::string name = pattern;
+        EXPECT_EQ(applet.mkstemps(name.data(), suffix), -1) << pattern;
+        EXPECT_EQ(name, pattern);
+    }
+    EXPECT_EQ(applet.mkstemps(nullptr, 0), -1);
+
+    // Every attempt fails alike where there is no such folder; the pattern is then emptied.
+    std::string nowhere = folder / "none" / "XXXXXX";
+    EXPECT_EQ(applet.mkstemps(nowhere.data(), 0), -1);
+    EXPECT_EQ(nowhere[0], '\0');
+    std::filesystem::remove_all(folder);
+}
+
+} // namespace

@@ -1,0 +1,364 @@
+// Real runs of appletctl: what it prints where, its exit codes and its documents.
+// APPLETCTL_PROGRAM is the program's path.
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <pty.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+using Words = std::vector<std::string>;
+using nlohmann::json;
+
+struct Outcome {
+    int exitCode;
+    std::string out;
+    std::string err;
+};
+
+/** Becomes appletctl, with these settings ("NAME=VALUE", or "NAME" to take one away) in the environment. */
+[[noreturn]] void become(const Words& arguments, const Words& environment) {
+    for (const std::string& setting : environment) {
+        const std::size_t equals = setting.find('=');
+        if (equals == std::string::npos)
+            unsetenv(setting.c_str());
+        else
+            setenv(setting.substr(0, equals).c_str(), setting.substr(equals + 1).c_str(), 1);
+    }
+    std::vector<char*> argv{const_cast<char*>("appletctl")};
+    for (const std::string& argument : arguments)
+        argv.push_back(const_cast<char*>(argument.c_str()));
+    argv.push_back(nullptr);
+    execv(APPLETCTL_PROGRAM, argv.data());
+    _exit(127);
+}
+
+int exitCodeOf(pid_t child) {
+    int status = 0;
+    waitpid(child, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+std::string contents(std::FILE* file) {
+    std::string text;
+    std::rewind(file);
+    for (int c; (c = std::fgetc(file)) != EOF;)
+        text += static_cast<char>(c);
+    std::fclose(file);
+    return text;
+}
+
+Outcome run(const Words& arguments, const Words& environment = {}) {
+    std::FILE* out = std::tmpfile();
+    std::FILE* err = std::tmpfile();
+    const pid_t child = fork();
+    if (child == 0) {
+        dup2(fileno(out), STDOUT_FILENO);
+        dup2(fileno(err), STDERR_FILENO);
+        become(arguments, environment);
+    }
+    const int exitCode = exitCodeOf(child);
+    return {exitCode, contents(out), contents(err)};
+}
+
+/** What the program prints on a terminal. */
+std::string onTerminal(const Words& arguments, const Words& environment) {
+    int terminal = -1;
+    const pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
+    if (child == 0) become(arguments, environment);
+    std::string text;
+    char buffer[4096];
+    for (ssize_t count; (count = read(terminal, buffer, sizeof buffer)) > 0;)
+        text.append(buffer, static_cast<std::size_t>(count));
+    close(terminal);
+    exitCodeOf(child);
+    return text;
+}
+
+/** The document of a command with --json. */
+json document(Words arguments, const Words& environment = {}) {
+    arguments.insert(arguments.begin(), "--json");
+    return json::parse(run(arguments, environment).out);
+}
+
+Words linesOf(const std::string& text) {
+    Words lines;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+bool contains(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+TEST(AppletctlList, IsOneAlignedTableWithGroups) {
+    const Outcome outcome = run({"list", "*SENSOR*"});
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(linesOf(outcome.out), (Words{
+                                        "  NAME             VALUE  UNIT   ACCESS  LIMITS OR ENTRIES",
+                                        "",
+                                        "Sensor Geometry",
+                                        "  FG_SENSORWIDTH   1024   pixel  rw      4 to 16384 in steps of 4",
+                                        "  FG_SENSORHEIGHT  1024   pixel  rw      1 to 1398101",
+                                    }));
+    // A two-byte unit counts as the two characters that it shows.
+    const Words times = linesOf(run({"list", "lineperiode"}).out);
+    ASSERT_EQ(times.size(), 4u);
+    EXPECT_EQ(times.back(), "  FG_LINEPERIODE  200    µs    rw+     0.512 to 2097.144 in steps of 0.008");
+}
+
+TEST(AppletctlList, TellsEveryParameterOnce) {
+    const json parameters = document({"list"})["parameters"];
+    std::set<std::string> names;
+    std::set<int> ids;
+    int enumerations = 0;
+    for (const json& parameter : parameters) {
+        names.insert(parameter["name"]);
+        ids.insert(parameter["id"].get<int>());
+        EXPECT_NE(parameter.contains("value") || parameter.contains("elements"), parameter.contains("error"))
+            << parameter;
+        if (parameter.value("kind", "") != "Enum") continue;
+        ++enumerations;
+        EXPECT_FALSE(parameter["entries"].empty()) << parameter;
+    }
+    EXPECT_EQ(parameters.size(), 164u);
+    EXPECT_EQ(names.size(), 164u);
+    EXPECT_EQ(ids.size(), 164u);
+    EXPECT_EQ(enumerations, 74);
+}
+
+TEST(AppletctlGet, FindsNamesInAnyFormAndOffersTheClosest) {
+    for (const char* name : {"FG_WIDTH", "fg_width", "WIDTH", "width"}) {
+        const Outcome outcome = run({"get", name});
+        EXPECT_EQ(outcome.out, "FG_WIDTH = 1024 pixel\n") << name;
+        EXPECT_EQ(outcome.exitCode, 0) << name;
+    }
+    EXPECT_EQ(run({"get", "LINEEXPOSURE", "VANTAGEPOINT", "NR_OF_PROCESSES", "TSL_FILE"})
+                  .out.find("FG_LINEEXPOSURE = 19 µs\nFG_VANTAGEPOINT = FG_VANTAGEPOINT_TOP_LEFT (0)\n"
+                            "FG_NR_OF_PROCESSES = 1\n"),
+              0u);
+    const Outcome misspelt = run({"get", "FG_WIDTH", "FG_SENSORWIDHT"});
+    EXPECT_EQ(misspelt.exitCode, 2);
+    EXPECT_EQ(misspelt.out, "") << "a misspelt name stops before anything is read";
+    EXPECT_TRUE(contains(misspelt.err, "'FG_SENSORWIDHT'; did you mean FG_SENSORWIDTH")) << misspelt.err;
+}
+
+TEST(AppletctlSet, TakesNumbersAndEntries) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"FG_WIDTH=0x800", "FG_WIDTH = 2048 pixel\n"},
+        {"FG_LINEPERIODE=150.4", "FG_LINEPERIODE = 150.4 µs\n"},
+        {"FG_LINEPERIODE=1.5e2", "FG_LINEPERIODE = 150 µs\n"},
+        {"FG_VANTAGEPOINT=3", "FG_VANTAGEPOINT = FG_VANTAGEPOINT_BOTTOM_RIGHT (3)\n"},
+        {"FG_VANTAGEPOINT=Bottom-Right", "FG_VANTAGEPOINT = FG_VANTAGEPOINT_BOTTOM_RIGHT (3)\n"},
+        {"vantagepoint=vantagepoint_bottom_right", "FG_VANTAGEPOINT = FG_VANTAGEPOINT_BOTTOM_RIGHT (3)\n"},
+    };
+    for (const auto& [assignment, expected] : cases) {
+        const Outcome outcome = run({"set", assignment});
+        EXPECT_EQ(outcome.out, expected) << assignment;
+        EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
+    }
+}
+
+TEST(AppletctlSet, StopsAtTheFirstRefusal) {
+    const Words arguments{"set", "FG_WIDTH=2048", "FG_WIDTH=20000", "FG_HEIGHT=5"};
+    const Outcome outcome = run(arguments);
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_EQ(outcome.out, "FG_WIDTH = 2048 pixel\n");
+    EXPECT_EQ(
+        linesOf(outcome.err),
+        (Words{"appletctl: FG_WIDTH=20000 was refused: -6000, value out of range; the present limits are "
+               "4 to 16384 in steps of 4 pixel",
+               "appletctl: not set after that: FG_HEIGHT"}));
+    const json told = document(arguments);
+    EXPECT_EQ(told["done"], false);
+    ASSERT_EQ(told["assignments"].size(), 2u);
+    EXPECT_EQ(told["assignments"][0]["value"], 2048);
+    EXPECT_EQ(told["assignments"][1]["error"]["code"], -6000);
+    EXPECT_EQ(told["assignments"][1]["maximum"], 16384);
+    EXPECT_EQ(told["assignments"][1]["value"], 2048);
+    EXPECT_EQ(told["notSet"], json({"FG_HEIGHT"}));
+}
+
+TEST(AppletctlSet, SaysWhyAValueWasRefused) {
+    const std::pair<Words, const char*> cases[] = {
+        {{"FG_WIDTH=1022"},
+         "-7080, value not on the parameter's grid; the present limits are 4 to 16384 in steps"},
+        {{"FG_LINETRIGGERINSRC=8"}, "-6000, value out of range; the entries are TRGINSRC_GPI_0 (0), "},
+        {{"FG_CAMSTATUS=1"}, "-12, read-only, or not available in the runtime; the parameter is read-only"},
+        // The limits move with the neighbours, and a neighbour may stand against a value within them.
+        {{"FG_XOFFSET=1024", "FG_WIDTH=16384"}, "the present limits are 4 to 15360 in steps of 4 pixel"},
+        {{"FG_VANTAGEPOINT=1", "FG_SENSORWIDTH=512"}, "it keeps to the present limits (4 to 16384 in steps"},
+        {{"FG_WIDTH=2048", "FG_VANTAGEPOINT=1"}, "it is an entry, so the value of another parameter stands"},
+    };
+    for (const auto& [assignments, expected] : cases) {
+        Words arguments{"set"};
+        arguments.insert(arguments.end(), assignments.begin(), assignments.end());
+        const Outcome outcome = run(arguments);
+        EXPECT_EQ(outcome.exitCode, 1) << assignments.back();
+        EXPECT_TRUE(contains(outcome.err, assignments.back() + " was refused: ")) << outcome.err;
+        EXPECT_TRUE(contains(outcome.err, expected)) << outcome.err;
+    }
+}
+
+TEST(Appletctl, CallsWrongUsageByName) {
+    const std::pair<Words, const char*> cases[] = {
+        {{}, "A command is required"},
+        {{"lst"}, "there is no command 'lst'; did you mean 'list'?"},
+        {{"info", "more"}, "more"},
+        {{"get"}, "NAME is required"},
+        {{"list", "no such thing"}, "'no such thing'"},
+        {{"trace", "set", "FG_WIDTH=4", "--offline"}, "--offline has none"},
+        {{"set", "FG_WIDTH"}, "'FG_WIDTH' is not of the form NAME=VALUE"},
+        {{"set", "FG_WIDTH=12abc"}, "'12abc' is not a whole number from 0 to 4294967295"},
+        {{"set", "FG_WIDTH="}, "'' is not a whole number"},
+        {{"set", "FG_WIDTH=0x"}, "'0x' is not a whole number"},
+        {{"set", "FG_WIDTH=-4"}, "'-4' is not a whole number"},
+        {{"set", "FG_WIDTH=4294967296"}, "'4294967296' is not a whole number"},
+        {{"set", "FG_DIGIO_OUTPUT=-2147483649"}, "from -2147483648 to 2147483647"},
+        {{"set", "FG_LINEPERIODE=1e999"}, "'1e999' is not a floating point number"},
+        {{"set", "FG_LINEPERIODE=nan"}, "'nan' is not a floating point number"},
+        {{"set", "FG_VANTAGEPOINT=LEFT"}, "the entries are FG_VANTAGEPOINT_TOP_LEFT (0)"},
+        {{"set", "FG_LUT_VALUE_RED=1"}, "array of 16384 elements"},
+        // The last of several is wrong: the first is not carried out.
+        {{"trace", "set", "FG_WIDTH=4", "FG_HEIGHT=x"}, "'x' is not a whole number"},
+    };
+    for (const auto& [arguments, expected] : cases) {
+        const Outcome outcome = run(arguments);
+        EXPECT_EQ(outcome.exitCode, 2) << expected;
+        EXPECT_EQ(outcome.out, "") << expected;
+        EXPECT_TRUE(contains(outcome.err, expected)) << outcome.err;
+    }
+}
+
+TEST(Appletctl, PrintsOneDocumentForEveryOutcome) {
+    const std::pair<Words, int> cases[] = {
+        {{"--json", "list"}, 0},
+        {{"list", "width", "--json"}, 0},
+        {{"get", "--json", "FG_WIDTH"}, 0},
+        {{"describe", "FG_LINETRIGGERMODE", "--json", "--offline"}, 0},
+        {{"info", "--json"}, 0},
+        {{"trace", "set", "FG_WIDTH=64", "--json"}, 0},
+        {{"set", "FG_WIDTH=3", "--json"}, 1},
+        {{"info", "--json", "--applet", "/nowhere/libx.so"}, 1},
+        {{"get", "\xff\xfe", "--json"}, 2},
+        {{"bogus", "--json"}, 2},
+    };
+    for (const auto& [arguments, exitCode] : cases) {
+        const Outcome outcome = run(arguments);
+        EXPECT_EQ(outcome.exitCode, exitCode) << arguments.front();
+        const json told = json::parse(outcome.out, nullptr, false);
+        ASSERT_TRUE(told.is_object()) << outcome.out;
+        EXPECT_EQ(told["schema"], "appletctl/1");
+        EXPECT_EQ(told["done"], exitCode == 0);
+        EXPECT_EQ(outcome.err.empty(), exitCode == 0);
+    }
+}
+
+TEST(AppletctlTrace, ShowsTheWritesOfEachAssignmentInOrder) {
+    const Words arguments{"trace", "set", "FG_WIDTH=2048", "FG_VANTAGEPOINT=FG_VANTAGEPOINT_TOP_RIGHT"};
+    const Outcome refused = run(arguments); // 2048 pixels do not fit into a sensor of 1024 from the right
+    EXPECT_EQ(refused.exitCode, 1);
+    EXPECT_EQ(linesOf(refused.out), (Words{
+                                        "FG_WIDTH = 2048 pixel",
+                                        "  set Device1_Process0_Buffer_0_SensorWidth u32 2048",
+                                        "  set Device1_Process0_Buffer_0_XMirror u32 0",
+                                        "  set Device1_Process0_Buffer_0_YMirror i32 0",
+                                        "  set Device1_Process0_Buffer_0_SensorHeight u32 1",
+                                        "  set Device1_Process0_Buffer_0_PixelFormat u32 8",
+                                        "  set Device1_Process0_Buffer_0_XLength u32 2048",
+                                        "  set Device1_Process0_Buffer_0_XOffset u32 0",
+                                    }));
+    EXPECT_EQ(document(arguments)["assignments"][0]["writes"].size(), 7u);
+    EXPECT_EQ(document(arguments)["assignments"][1]["writes"], json::array());
+}
+
+TEST(AppletctlDescribe, TellsAllOfAParameter) {
+    const Outcome outcome = run({"describe", "vantagepoint"});
+    EXPECT_EQ(outcome.exitCode, 0);
+    for (const char* expected : {"Vantage Point\n", "300112\n", "Sensor Geometry\n", "Enum\n",
+                                 "FG_VANTAGEPOINT_BOTTOM_RIGHT = 3, Bottom-Right\n", "Use for mirroring."})
+        EXPECT_TRUE(contains(outcome.out, expected)) << expected << outcome.out;
+}
+
+TEST(AppletctlInfo, TellsWhatTheLibraryIs) {
+    const json told = document({"info"});
+    EXPECT_EQ(told["name"], "Grab_TwinLaneLineColor");
+    EXPECT_EQ(told["version"], "2.2.4.0");
+    EXPECT_EQ(told["designImageBytes"], 7963963);
+    EXPECT_EQ(told["iconBytes"], 4676);
+    EXPECT_EQ(told["processes"], 1);
+    EXPECT_TRUE(std::filesystem::exists(told["library"].get<std::string>()));
+}
+
+TEST(Appletctl, WorksWithoutABoard) {
+    EXPECT_EQ(run({"--offline", "get", "FG_WIDTH"}).out, "FG_WIDTH = 1024 pixel\n");
+    EXPECT_EQ(run({"set", "FG_WIDTH=64", "--offline"}).out, "FG_WIDTH = 64 pixel\n");
+    EXPECT_EQ(run({"--offline", "set", "FG_WIDTH=20000"}).exitCode, 1);
+    EXPECT_EQ(document({"--offline", "list"})["parameters"].size(), 164u);
+    // Registers are a board's.
+    EXPECT_EQ(run({"list", "DRA_*"}, {"VEXO_ENABLE_DRA=on"}).exitCode, 0);
+    EXPECT_EQ(run({"--offline", "list", "DRA_*"}, {"VEXO_ENABLE_DRA=on"}).exitCode, 2);
+}
+
+TEST(Appletctl, NamesTheLibraryThatItCannotLoad) {
+    const Outcome absent = run({"get", "FG_WIDTH", "--applet", "/nowhere/libx.so"});
+    EXPECT_EQ(absent.exitCode, 1);
+    EXPECT_TRUE(contains(absent.err, "libx.so was looked for in /nowhere, and there is none")) << absent.err;
+
+    const std::filesystem::path file =
+        std::filesystem::temp_directory_path() / "appletctl_test_no_library.so";
+    std::ofstream(file) << "no library";
+    const Outcome broken = run({"info", "--applet", file.string()});
+    std::filesystem::remove(file);
+    EXPECT_EQ(broken.exitCode, 1);
+    EXPECT_TRUE(contains(broken.err, "cannot be loaded: ")) << broken.err;
+}
+
+TEST(Appletctl, ReachesRegistersAndDesignParameters) {
+    const Words environment{"VEXO_ENABLE_DRA=on", "VEXO_ENABLE_DLOOMA=yes"};
+    int writable = 0;
+    for (const json& reg : document({"list", "DRA_*"}, environment)["parameters"]) {
+        EXPECT_GT(reg["id"], 1000000);
+        if (reg["access"] == "ro") continue;
+        ++writable;
+        const std::string name = reg["name"];
+        EXPECT_EQ(run({"set", name + "=1"}, environment).out, name + " = 1\n");
+        // The full width arrives, 64 bits too.
+        const std::string most = std::to_string(reg["maximum"].get<std::uint64_t>());
+        EXPECT_EQ(run({"set", name + "=" + most}, environment).out, name + " = " + most + "\n");
+    }
+    EXPECT_GT(writable, 0);
+    const std::string name = "DLOOMA_Device1_Process0_Buffer_0_XLength";
+    EXPECT_EQ(run({"get", name}, environment).out, name + " = 1024\n");
+    EXPECT_EQ(run({"trace", "set", name + "=12"}, environment).out,
+              name + " = 12\n  set Device1_Process0_Buffer_0_XLength u32 12\n");
+    EXPECT_EQ(run({"get", name}, {"VEXO_ENABLE_DLOOMA"}).exitCode, 2);
+}
+
+TEST(Appletctl, ColoursOnlyATerminalAndNeverWithNoColor) {
+    const char* escape = "\033[";
+    const Words list{"list", "FG_WIDTH"};
+    EXPECT_TRUE(contains(onTerminal(list, {"TERM=xterm", "NO_COLOR"}), escape));
+    EXPECT_FALSE(contains(onTerminal(list, {"TERM=xterm", "NO_COLOR=1"}), escape));
+    EXPECT_FALSE(contains(onTerminal(list, {"TERM=dumb", "NO_COLOR"}), escape));
+    EXPECT_FALSE(contains(run(list, {"TERM=xterm", "NO_COLOR"}).out, escape));
+    EXPECT_TRUE(contains(onTerminal({"get", "nothing"}, {"TERM=xterm", "NO_COLOR"}), escape));
+    EXPECT_FALSE(contains(onTerminal({"get", "nothing"}, {"TERM=xterm", "NO_COLOR=1"}), escape));
+}
+
+} // namespace

@@ -1,0 +1,376 @@
+// From Std_entry to Fg_FreeGrabber: what is missing, what is refused, what is left behind.
+
+#include "support/applet_fixture.h"
+
+#include <cstdlib>
+#include <dlfcn.h>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <optional>
+#include <unistd.h>
+
+#if defined(__SANITIZE_ADDRESS__)
+#include <sanitizer/lsan_interface.h>
+#endif
+
+namespace {
+
+using namespace support;
+
+constexpr const char* runtimeEntries[] = {
+    "Fg_InitHandleSlaveAware",
+    "Fg_InitHandle",
+    "Fg_FreeGrabber",
+    "Fg_getLastErrorNumber",
+    "Fg_getParameterIdByName",
+    "Fg_setParameterWithType",
+    "Fg_getParameterWithType",
+    "Fg_freeParameterStringWithType",
+    "Fg_setParameter",
+    "Fg_getParameter",
+    "Fg_getParameterInfo",
+    "Fg_saveConfig",
+    "Fg_loadConfig",
+    "Fg_getAppletId",
+    "Fg_AcquireEx",
+    "Fg_stopAcquireEx",
+    "Fg_getStatusEx",
+    "Fg_getLastPicNumberEx",
+    "Fg_getLastPicNumberBlockingEx",
+};
+
+template <typename Word> Word* processWide(int code) {
+    Word* word = nullptr;
+    EXPECT_EQ(host().applet().Info(code, 0, 0, &word, nullptr), 0);
+    return word;
+}
+LOOMdevice* lastDevice() { return processWide<LOOMdevice>(4144); }
+fpga_design* lastDesign() { return processWide<fpga_design>(4160); }
+
+/** Std_entry where the design is refused: the object that stays behind on purpose is no leak to report. */
+int codeOfARefusal(const applet_host::AppletFunctions& applet, LOOMdevice* device) {
+#if defined(__SANITIZE_ADDRESS__)
+    const __lsan::ScopedDisabler expected;
+#endif
+    int error = 1;
+    EXPECT_EQ(applet.Std_entry(device, &error, 0), nullptr);
+    return error;
+}
+
+using BringUp = AppletTest;
+
+TEST_F(BringUp, NullErrorWord) {
+    Grabber grabber;
+    grabber.handle.object = applet.Std_entry(grabber.device, nullptr, 0);
+    ASSERT_NE(grabber.handle.object, nullptr);
+    EXPECT_EQ(grabber.value<std::uint32_t>(FG_WIDTH), 1024u);
+
+    board.fail_init(true, -2005);
+    EXPECT_EQ(applet.Std_entry(grabber.device, nullptr, 0), nullptr);
+}
+
+/** What a caller sees of the runtime's functions, by the name of the function behind it. */
+std::map<std::string, std::int64_t> answersOf(Grabber& grabber) {
+    const auto& [applet, board] = std::pair(host().applet(), host().board());
+    std::map<std::string, std::int64_t> answers;
+    for (const Forwarder& forwarder : forwarders()) {
+        board.answer(grabber.device, forwarder.name, 5);
+        answers[forwarder.name] = forwarder.call(grabber.fg());
+        EXPECT_EQ(grabber.lastError(), answers[forwarder.name] < 0 ? answers[forwarder.name] : 0);
+    }
+    answers["Fg_setParameterWithType"] = grabber.set(FG_WIDTH, 512u);
+    std::uint32_t dmas = 0;
+    answers["Fg_getParameterWithType"] = grabber.get(FG_NR_OF_DMAS, &dmas);
+    answers["Fg_getParameterInfo"] = applet.Fg_getParameterInfo(grabber.fg(), 0) != nullptr;
+
+    board.answer(grabber.device, "Fg_getStatusEx", -9);
+    board.last_error(grabber.device, -2010);
+    applet.Fg_getStatusEx(grabber.fg(), 0, 0, 0, nullptr);
+    answers["Fg_getLastErrorNumber"] = grabber.lastError();
+
+    board.answer(grabber.device, "Fg_FreeGrabber", -77);
+    answers["Fg_FreeGrabber"] = grabber.free();
+    EXPECT_EQ(grabber.handle.object, nullptr);
+    return answers;
+}
+
+TEST_F(BringUp, EachMissingEntryOfTheRuntimeShowsWhereItIsNeededAndNowhereElse) {
+    const std::map<std::string, std::int64_t> complete = answersOf(Grabber().bringUp());
+    EXPECT_EQ(complete.at("Fg_getAppletId"), 5);
+    EXPECT_EQ(complete.at("Fg_setParameterWithType"), 0);
+    EXPECT_EQ(complete.at("Fg_getParameterWithType"), 0);
+    EXPECT_EQ(complete.at("Fg_getParameterInfo"), 1);
+    EXPECT_EQ(complete.at("Fg_getLastErrorNumber"), -2010);
+    EXPECT_EQ(complete.at("Fg_FreeGrabber"), -77);
+
+    for (const std::string name : runtimeEntries) {
+        SCOPED_TRACE("without " + name);
+        ASSERT_EQ(board.hide_entry(name.c_str(), true), VBOARD_OK);
+        Grabber grabber;
+        ASSERT_EQ(grabber.bringUp().error, 0);
+        auto expected = complete;
+        if (expected.contains(name)) expected[name] = FG_ERR_NOT_AVAILABLE;
+        if (name == "Fg_FreeGrabber" || name == "Fg_getParameterInfo") expected[name] = 0;
+        // The runtime refuses the id 0 of an unresolved name.
+        if (name == "Fg_getParameterIdByName") expected["Fg_setParameterWithType"] = FG_ERR_INVALID_ARGUMENT;
+        if (name == "Fg_getStatusEx") expected["Fg_getLastErrorNumber"] = FG_ERR_NOT_AVAILABLE;
+        EXPECT_EQ(answersOf(grabber), expected);
+        board.hide_entry(name.c_str(), false);
+    }
+}
+
+TEST_F(BringUp, RuntimeWithoutAnInit) {
+    const int designs = live("designs");
+    AppletLog log(4);
+    board.hide_entry("Fg_InitHandle", true);
+    board.hide_entry("Fg_InitHandleSlaveAware", true);
+    Grabber grabber;
+    EXPECT_EQ(grabber.bringUp().error, FG_ERR_UNRESOLVED);
+    EXPECT_EQ(grabber.handle.object, nullptr);
+    EXPECT_EQ(log.take(),
+              Lines{AppletLog::line(
+                  6, "cannot resolve function 'Fg_InitHandle' and/or 'Fg_InitHandleSlaveAware'")});
+
+    for (const char* name : runtimeEntries)
+        board.hide_entry(name, true);
+    EXPECT_EQ(grabber.bringUp().error, FG_ERR_UNRESOLVED);
+    EXPECT_EQ(live("designs"), designs);
+}
+
+TEST_F(BringUp, InitThatFails) {
+    const int designs = live("designs");
+    AppletLog log(5);
+    board.fail_init(true, -2005);
+    Grabber grabber;
+    EXPECT_EQ(grabber.bringUp().error, -2005);
+    EXPECT_EQ(grabber.handle.object, nullptr);
+    const auto calling = [](const std::string& function) {
+        return Lines{AppletLog::line(5, "error calling '" + function +
+                                            "' (tslName = 'Grab_TwinLaneLineColor.tsl')")};
+    };
+    EXPECT_EQ(log.take(), calling("Fg_InitHandleSlaveAware"));
+
+    board.hide_entry("Fg_InitHandleSlaveAware", true);
+    EXPECT_EQ(grabber.bringUp().error, -2005);
+    EXPECT_EQ(log.take(), calling("Fg_InitHandle"));
+
+    board.hide_entry("Fg_getLastErrorNumber", true);
+    EXPECT_EQ(grabber.bringUp().error, FG_ERR_INIT);
+    EXPECT_EQ(grabber.handle.object, nullptr);
+    EXPECT_EQ(live("designs"), designs);
+}
+
+TEST_F(BringUp, InitThatFailsWithoutACodeCarriesOnWithoutInnerHandle) {
+    Grabber before;
+    before.bringUp();
+    fpga_design* const design = lastDesign();
+    ASSERT_EQ(lastDevice(), before.device);
+
+    board.fail_init(true, 0);
+    Grabber grabber;
+    ASSERT_EQ(grabber.bringUp().error, 0);
+    ASSERT_NE(grabber.handle.object, nullptr);
+    for (const Forwarder& forwarder : forwarders()) {
+        EXPECT_EQ(forwarder.call(grabber.fg()), FG_ERR_NOT_AVAILABLE) << forwarder.name;
+        EXPECT_EQ(grabber.lastError(), FG_ERR_NOT_AVAILABLE) << forwarder.name;
+    }
+    EXPECT_EQ(applet.Fg_getParameterInfo(grabber.fg(), 0), nullptr);
+    EXPECT_EQ(lastDevice(), before.device);
+    EXPECT_EQ(lastDesign(), design);
+    EXPECT_EQ(applet.Fg_getNrOfParameter(grabber.fg()), 164);
+}
+
+TEST_F(BringUp, MissingDesignParametersAreNamedInOrderAndFailAtTheAccess) {
+    Lines expected;
+    for (const std::string& name : dataLines("design_parameters.txt")) {
+        ASSERT_EQ(board.lack_parameter(name.c_str(), true), VBOARD_OK) << name;
+        expected.push_back(
+            AppletLog::line(4, "cannot retrieve LOOM id for LOOM parameter: '" + name + "'"));
+    }
+    ASSERT_EQ(expected.size(), 138u);
+    AppletLog log(4);
+    Grabber grabber;
+    ASSERT_EQ(grabber.bringUp(1).error, 0);
+    EXPECT_EQ(log.take(), expected);
+
+    EXPECT_EQ(grabber.set(FG_WIDTH, 512u), FG_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(grabber.lastError(), FG_ERR_INVALID_ARGUMENT);
+    const Lines lines = log.take();
+    ASSERT_EQ(lines.size(), 1u);
+    EXPECT_EQ(lines[0].rfind(AppletLog::line(5, "Setting LOOM parameter 'Device1_Process0_"), 0), 0u) << lines[0];
+    EXPECT_NE(lines[0].find("' (ID: 0) failed: result = -2070"), std::string::npos) << lines[0];
+}
+
+TEST_F(BringUp, BitZeroOfTheFlagsLeavesTheHardwareAlone) {
+    const auto writes = [](const Grabber& grabber) {
+        Lines lines;
+        for (const std::string& line : grabber.log())
+            if (line.rfind("set ", 0) == 0 || line.rfind("write ", 0) == 0) lines.push_back(line);
+        return lines;
+    };
+    Grabber slave;
+    slave.bringUp(1);
+    EXPECT_EQ(writes(slave), Lines{});
+    EXPECT_EQ(slave.value<std::uint32_t>(FG_TIMEOUT), 1000000u);
+    EXPECT_EQ(slave.value<double>(FG_LINEEXPOSURE), 19.0);
+    EXPECT_EQ(slave.value<std::uint32_t>(FG_LINETRIGGERMODE), 1u);
+
+    Grabber other;
+    other.bringUp(3);
+    EXPECT_EQ(writes(other), Lines{});
+    Grabber master;
+    master.bringUp(2); // no other bit is read
+    EXPECT_NE(writes(master), Lines{});
+}
+
+TEST_F(BringUp, ProcessWideWordsAreThoseOfTheLastSuccess) {
+    Grabber first, second;
+    first.bringUp();
+    fpga_design* const design = lastDesign();
+    EXPECT_EQ(lastDevice(), first.device);
+    second.bringUp();
+    EXPECT_EQ(lastDevice(), second.device);
+    EXPECT_NE(lastDesign(), design);
+    fpga_design* const latest = lastDesign();
+
+    board.fail_init(true, -2005);
+    Grabber third;
+    third.bringUp();
+    second.free();
+    EXPECT_EQ(lastDevice(), second.device);
+    EXPECT_EQ(lastDesign(), latest);
+}
+
+TEST_F(BringUp, PresenceOfTheVariableSelectsTheExternalDesign) {
+    const auto folder = std::filesystem::temp_directory_path() / ("applet-" + std::to_string(getpid()));
+    std::filesystem::create_directory(folder);
+    const auto before = std::filesystem::current_path();
+    std::filesystem::current_path(folder);
+    Grabber grabber;
+    for (const char* value : {"", "no"}) {
+        setVariable("__VEXO_FORCE_EXTERNAL_TSL", value);
+        EXPECT_EQ(codeOfARefusal(applet, grabber.device), FG_ERR_INIT);
+    }
+    std::ofstream("Grab_TwinLaneLineColor.tsl") << "design";
+    EXPECT_EQ(grabber.bringUp().error, 0);
+    std::filesystem::current_path(before);
+    std::filesystem::remove_all(folder);
+}
+
+TEST_F(BringUp, SwitchWordsOfTheEnvironment) {
+    const std::pair<const char*, bool> words[] = {
+        {"yes", true}, {"true", true}, {"on", true}, {"1", true},  {"YES", true},  {"TrUe", true}, {"oN", true},
+        {"no", false}, {"", false},    {"2", false}, {"y", false}, {"on ", false}, {"0", false},
+    };
+    for (const auto& [word, on] : words)
+        for (const auto& [variable, prefix] :
+             {std::pair("VEXO_ENABLE_DRA", "DRA_"), std::pair("VEXO_ENABLE_DLOOMA", "DLOOMA_")}) {
+            SCOPED_TRACE(std::string(variable) + "=" + word);
+            setVariable(variable, word);
+            Grabber grabber;
+            grabber.bringUp(1);
+            unsetenv(variable);
+            EXPECT_EQ(applet.Fg_getNrOfParameter(grabber.fg()) > 164, on);
+            const char* name = applet.Fg_getParameterName(grabber.fg(), 164);
+            EXPECT_EQ(name != nullptr && std::string(name).rfind(prefix, 0) == 0, on);
+        }
+}
+
+TEST_F(BringUp, NothingIsLeftAfterManyHandles) {
+    const auto counts = [] {
+        return std::map<std::string, int>{{"boards", live("boards")},
+                                          {"designs", live("designs")},
+                                          {"handles", live("handles")},
+                                          {"strings", live("strings")}};
+    };
+    const auto before = counts();
+    setVariable("VEXO_ENABLE_DRA", "1");
+    setVariable("VEXO_ENABLE_DLOOMA", "1");
+    for (int i = 0; i < 200; ++i) {
+        Grabber grabber;
+        ASSERT_EQ(grabber.bringUp(i % 2).error, 0);
+        void* offline = nullptr;
+        ASSERT_EQ(applet.Info(4864, 0, 0, nullptr, &offline), 0);
+        ASSERT_EQ(applet.Info(4896, 0, 0, offline, nullptr), 0);
+    }
+    EXPECT_EQ(counts(), before);
+}
+
+/** Loads libraries by hand; for what needs a process where the host has not loaded its own. */
+class Libraries {
+public:
+    explicit Libraries(const std::vector<std::filesystem::path>& files) {
+        for (const auto& file : files)
+            m_handles.push_back(dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL));
+    }
+    ~Libraries() {
+        for (auto handle = m_handles.rbegin(); handle != m_handles.rend(); ++handle)
+            if (*handle != nullptr) dlclose(*handle);
+    }
+    template <typename Function> Function* function(const char* name) {
+        return reinterpret_cast<Function*>(dlsym(m_handles.back(), name));
+    }
+
+private:
+    std::vector<void*> m_handles;
+};
+
+TEST(Loading, EverythingIsUnloadedAfterTheLastHandle) {
+    if (isLoaded("libvexo_hw.so")) GTEST_SKIP() << "needs a process of its own";
+    {
+        const applet_host::AppletHost libraries;
+        for (int i = 0; i < 3; ++i) {
+            applet_host::Session session(libraries, i % 2);
+            EXPECT_EQ(session.error, 0);
+        }
+        EXPECT_TRUE(isLoaded("libgrabcore5.so"));
+    }
+    EXPECT_FALSE(isLoaded("libGrab_TwinLaneLineColor.so"));
+    EXPECT_FALSE(isLoaded("libgrabcore5.so"));
+    EXPECT_FALSE(isLoaded("libcommon-logging-dispatcher.so"));
+}
+
+TEST(Loading, RefusedDesignLeavesTheObjectAndTheOpenedRuntimeBehind) {
+    if (isLoaded("libvexo_hw.so")) GTEST_SKIP() << "needs a process of its own";
+    {
+        const applet_host::AppletHost libraries;
+        const auto& board = libraries.board();
+        LOOMdevice* const device = board.open();
+        board.refuse_design(true);
+        EXPECT_EQ(codeOfARefusal(libraries.applet(), device), FG_ERR_INIT);
+        board.refuse_design(false);
+        {
+            const applet_host::Session later(libraries);
+            EXPECT_EQ(later.error, 0);
+        }
+        board.close(device);
+    }
+    EXPECT_TRUE(isLoaded("libgrabcore5.so"));
+}
+
+TEST(Loading, RuntimeLibraryThatIsNotFound) {
+    if (isLoaded("libvexo_hw.so")) GTEST_SKIP() << "needs a process of its own";
+    const auto where = applet_host::Locations::beside();
+    Libraries libraries({where.virtualBoard / "libvexo_hw.so", where.virtualBoard / "libtslrt.so", where.applet});
+    if (void* runtime = dlopen("libgrabcore5.so", RTLD_NOW)) {
+        dlclose(runtime);
+        GTEST_SKIP() << "a runtime is on the loader's path";
+    }
+    AppletLog log(4);
+    int error = 1;
+    EXPECT_EQ(libraries.function<decltype(Std_entry)>("Std_entry")(nullptr, &error, 0), nullptr);
+    EXPECT_EQ(error, FG_ERR_UNRESOLVED);
+    EXPECT_EQ(log.take(), Lines{AppletLog::line(6, "error opening dll 'libgrabcore5.so'")});
+
+    // No runtime is needed to read the parameters of an object without a board.
+    const auto info = libraries.function<decltype(Info)>("Info");
+    void* offline = nullptr;
+    RegisterInfo* root = nullptr;
+    EXPECT_EQ(info(4864, 0, 0, nullptr, &offline), 0);
+    EXPECT_EQ(info(4880, 0, 0, offline, &root), 0);
+    EXPECT_NE(root, nullptr);
+    EXPECT_EQ(info(4896, 0, 0, offline, nullptr), 0);
+}
+
+} // namespace

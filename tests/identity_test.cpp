@@ -1,0 +1,328 @@
+// Names, indices and ids of parameters; names and masks of events.
+
+#include "support/applet_fixture.h"
+
+#include <cstring>
+#include <map>
+#include <thread>
+
+namespace {
+
+using namespace support;
+
+class Identity : public AppletTest {
+protected:
+    std::string nameAt(Grabber& grabber, int index) {
+        const char* name = applet.Fg_getParameterName(grabber.fg(), index);
+        EXPECT_EQ(grabber.lastError(), name != nullptr ? 0 : FG_ERR_INVALID_ARGUMENT) << index;
+        return name != nullptr ? name : "";
+    }
+    int idAt(Grabber& grabber, int index) {
+        return stored(grabber, applet.Fg_getParameterId(grabber.fg(), index));
+    }
+    int idOf(Grabber& grabber, const char* name) {
+        return stored(grabber, applet.Fg_getParameterIdByName(grabber.fg(), name));
+    }
+    std::uint64_t maskOf(Grabber& grabber, const std::string& name) {
+        const std::uint64_t mask = applet.Fg_getEventMask(grabber.fg(), name.c_str());
+        EXPECT_EQ(grabber.lastError(), mask != 0 ? 0 : FG_ERR_INVALID_ARGUMENT) << name;
+        return mask;
+    }
+    std::string eventOf(Grabber& grabber, std::uint64_t mask) {
+        const char* name = applet.Fg_getEventName(grabber.fg(), mask);
+        EXPECT_EQ(grabber.lastError(), name != nullptr ? 0 : FG_ERR_INVALID_ARGUMENT) << mask;
+        return name != nullptr ? name : "";
+    }
+
+private:
+    static int stored(Grabber& grabber, int id) {
+        EXPECT_EQ(grabber.lastError(), id > 0 ? 0 : id);
+        return id;
+    }
+};
+
+TEST_F(Identity, TheParametersInTheirOrder) {
+    Grabber grabber;
+    grabber.bringUp();
+    ASSERT_EQ(grabber.set(FG_WIDTH, 1022u), FG_ERR_GRANULARITY);
+    EXPECT_EQ(applet.Fg_getNrOfParameter(grabber.fg()), 164);
+    EXPECT_EQ(grabber.lastError(), FG_ERR_GRANULARITY) << "counting stores nothing";
+
+    const auto rows = dataRows("parameter_index.txt");
+    ASSERT_EQ(rows.size(), 164u);
+    for (const Lines& row : rows) {
+        const int index = std::stoi(row[0]), id = std::stoi(row[2]);
+        EXPECT_EQ(nameAt(grabber, index), row[1]);
+        EXPECT_EQ(idAt(grabber, index), id) << row[1];
+        EXPECT_EQ(idOf(grabber, row[1].c_str()), id) << row[1];
+    }
+    for (const int index : {-1, 164, 2147483647, -2147483647 - 1}) {
+        EXPECT_EQ(nameAt(grabber, index), "");
+        EXPECT_EQ(idAt(grabber, index), FG_ERR_INVALID_ARGUMENT);
+    }
+    const std::string longName(5000, 'F');
+    for (const char* name : {static_cast<const char*>(nullptr), "", "fg_timeout", "FG_TIMEOUT ", "FG_TIMEOU",
+                             "FG_TIMEOUTS", "FG_PARAM_DESCR", "FG_NR_OF_DMAS", "~", "A", longName.c_str()})
+        EXPECT_EQ(idOf(grabber, name), FG_ERR_INVALID_ARGUMENT) << (name != nullptr ? name : "null");
+}
+
+TEST_F(Identity, DirectNamesFollowTheParameters) {
+    setVariable("VEXO_ENABLE_DRA", "1");
+    setVariable("VEXO_ENABLE_DLOOMA", "1");
+    Grabber grabber;
+    board.log_kinds(grabber.device, VBOARD_RESOLVE);
+    grabber.bringUp(1);
+    int index = 164;
+    for (const Register& reg : registers()) {
+        const std::string name = "DRA_" + reg.name;
+        EXPECT_EQ(nameAt(grabber, index), name);
+        EXPECT_EQ(idAt(grabber, index), 1000000 + reg.id) << name;
+        EXPECT_EQ(idOf(grabber, name.c_str()), 1000000 + reg.id) << name;
+        ++index;
+    }
+    // Design parameters: sorted by name, each with a name and an index, and without an id.
+    const int count = applet.Fg_getNrOfParameter(grabber.fg());
+    ASSERT_GT(count, index + 100);
+    std::string previous;
+    bool found = false;
+    for (; index < count; ++index) {
+        const std::string name = nameAt(grabber, index);
+        EXPECT_EQ(name.rfind("DLOOMA_", 0), 0u) << name;
+        EXPECT_LT(previous, name);
+        EXPECT_EQ(idAt(grabber, index), FG_ERR_INVALID_ARGUMENT) << name;
+        EXPECT_EQ(idOf(grabber, name.c_str()), FG_ERR_INVALID_ARGUMENT) << name;
+        found |= name == "DLOOMA_Device1_Process0_Buffer_0_XLength";
+        EXPECT_NE(name, "DLOOMA_Device1_Process0_LookupTable_R_LUTcontent") << "an array is not offered";
+        previous = name;
+    }
+    EXPECT_TRUE(found);
+    EXPECT_EQ(nameAt(grabber, count), "");
+}
+
+/** Groups and parameters below `group`, by label and by name. */
+void collect(const RegisterInfo* group, const std::string& path, std::map<std::string, const RegisterInfo*>& all) {
+    for (int i = 0; i < group->value.group.childCount; ++i) {
+        const RegisterInfo* child = group->value.group.children[i];
+        if (child->kind == REGISTER_KIND_GROUP)
+            collect(child, path + "/" + child->displayName, all);
+        else
+            EXPECT_TRUE(all.emplace(child->name, child).second) << child->name;
+    }
+}
+
+std::map<std::string, const RegisterInfo*> below(const RegisterInfo* record, const std::string& label) {
+    std::map<std::string, const RegisterInfo*> all;
+    for (; record != nullptr; record = record->next)
+        if (label == record->displayName) collect(record, label, all);
+    return all;
+}
+
+TEST_F(Identity, RecordsOfRegistersAndDesignParameters) {
+    {
+        Grabber plain;
+        plain.bringUp(1);
+        const RegisterInfo* root = applet.Fg_getParameterInfo(plain.fg(), 0);
+        EXPECT_TRUE(below(root, "Direct Register Access").empty());
+        EXPECT_TRUE(below(root, "Direct LOOM Access").empty());
+    }
+    setVariable("VEXO_ENABLE_DRA", "on");
+    setVariable("VEXO_ENABLE_DLOOMA", "on");
+    Grabber grabber;
+    grabber.bringUp(1);
+    const RegisterInfo* root = applet.Fg_getParameterInfo(grabber.fg(), 0);
+    const auto direct = below(root, "Direct Register Access");
+    const auto all = registers();
+    ASSERT_EQ(direct.size(), all.size());
+    const std::map<int, std::uint64_t> maxima = {{1, 1}, {8, 255}, {32, 4294967295}, {33, 8589934591}, {64, ~std::uint64_t{0}}};
+    for (const Register& reg : all) {
+        SCOPED_TRACE(reg.name);
+        ASSERT_TRUE(direct.contains("DRA_" + reg.name));
+        const RegisterInfo& record = *direct.at("DRA_" + reg.name);
+        EXPECT_EQ(record.displayName, reg.name + " (" + std::to_string(reg.bits) + ")");
+        EXPECT_EQ(record.id, 1000000 + reg.id);
+        EXPECT_EQ(record.access, reg.writable ? 7u : 1u);
+        EXPECT_EQ(record.paramClass, 1);
+        EXPECT_EQ(record.published, 1);
+        EXPECT_EQ(record.unit, nullptr);
+        EXPECT_EQ(record.kind, reg.bits > 32 ? REGISTER_KIND_UINT64 : REGISTER_KIND_UINT);
+        const auto& value = record.value;
+        EXPECT_EQ(reg.bits > 32 ? value.u64.minimum : value.u32.minimum, 0u);
+        EXPECT_EQ(reg.bits > 32 ? value.u64.increment : value.u32.increment, 1u);
+        if (const auto maximum = maxima.find(reg.bits); maximum != maxima.end()) {
+            EXPECT_EQ(reg.bits > 32 ? value.u64.maximum : value.u32.maximum, maximum->second);
+        }
+    }
+
+    const auto design = below(root, "Direct LOOM Access");
+    EXPECT_EQ(static_cast<int>(164 + direct.size() + design.size()), applet.Fg_getNrOfParameter(grabber.fg()));
+    for (const auto& [name, record] : design) {
+        EXPECT_EQ(name.rfind("DLOOMA_", 0), 0u) << name;
+        EXPECT_GT(record->id, 2000000) << name;
+    }
+    // The number in the record is the way to such a parameter.
+    const std::string length = "Device1_Process0_Buffer_0_XLength";
+    grabber.clearLog();
+    EXPECT_EQ(grabber.set(design.at("DLOOMA_" + length)->id, 77u), 0);
+    EXPECT_EQ(grabber.log(), Lines{"set " + length + " u32 77"});
+}
+
+/** The design's events as the loader lists them. */
+std::vector<TslEvent> designEvents() {
+    fpga_design* design = nullptr;
+    host().applet().Info(4160, 0, 0, &design, nullptr);
+    const auto eventOf = reinterpret_cast<decltype(&TslGetEvent)>(functionOf("libtslrt.so", "TslGetEvent"));
+    std::vector<TslEvent> events;
+    while (const TslEvent* event = eventOf(design, static_cast<int>(events.size())))
+        events.push_back(*event);
+    return events;
+}
+
+/** Query for the record of an event; "name value description" or the refusal. */
+std::string recordOf(std::uint64_t mask, int version) {
+    FgEventRecord record{"untouched", 77, "untouched"};
+    const bool byReference = version >= 2;
+    const int result = host().applet().Info(5120, byReference ? 12345 : static_cast<int>(mask), version,
+                                            byReference ? &mask : nullptr, &record);
+    if (result != 0) return std::to_string(result);
+    return std::string(record.name) + " " + std::to_string(record.value) + " " + record.description;
+}
+
+TEST_F(Identity, EventsByNameAndByMask) {
+    EXPECT_EQ(recordOf(1, 0), "-2070") << "nothing is known before the first object";
+    AppletLog log(4);
+    Grabber grabber;
+    grabber.bringUp(1);
+    EXPECT_EQ(log.take(), Lines{});
+    const auto events = designEvents();
+    std::map<std::string, Lines> rows; // by the design's name
+    for (const Lines& row : dataRows("events.txt"))
+        rows[row[1]] = row;
+    ASSERT_EQ(rows.size(), 31u);
+
+    std::size_t own = 0;
+    for (std::size_t i = 0; i < events.size(); ++i) {
+        const std::uint64_t mask = std::uint64_t{1} << i;
+        const TslEvent& event = events[i];
+        SCOPED_TRACE(event.name);
+        EXPECT_EQ(maskOf(grabber, event.name), event.publication == 1 ? mask : 0);
+        if (const auto row = rows.find(event.name); row != rows.end()) {
+            ++own;
+            const auto& [name, design, data, value] = std::tie(row->second[0], row->second[1], row->second[2], row->second[3]);
+            EXPECT_EQ(maskOf(grabber, name), mask);
+            EXPECT_EQ(eventOf(grabber, mask), name);
+            EXPECT_EQ(recordOf(mask, 2), data + " " + value + " ");
+            if (i < 31) {
+                EXPECT_EQ(recordOf(mask, 0), data + " " + value + " untouched");
+                EXPECT_EQ(recordOf(mask, 1), data + " " + value + " ");
+            }
+        } else {
+            EXPECT_EQ(eventOf(grabber, mask), event.publication == 1 ? event.name : "");
+            EXPECT_EQ(recordOf(mask, 2), "-2070");
+        }
+    }
+    EXPECT_EQ(own, 31u);
+    EXPECT_GT(events.size(), own);
+
+    for (const std::uint64_t mask : {std::uint64_t{0}, std::uint64_t{3}, std::uint64_t{1} << 63, ~std::uint64_t{0}}) {
+        EXPECT_EQ(eventOf(grabber, mask), "") << mask;
+        EXPECT_EQ(recordOf(mask, 2), "-2070") << mask;
+    }
+    for (const char* name : {"", "FG_OVERFLOW_CAM1", "fg_overflow_cam0"})
+        EXPECT_EQ(maskOf(grabber, name), 0u) << name;
+    EXPECT_EQ(applet.Fg_getEventMask(grabber.fg(), nullptr), 0u);
+    std::uint64_t word = 1;
+    EXPECT_EQ(applet.Info(5120, 1, 2, &word, nullptr), FG_ERR_INVALID_ARGUMENT);
+}
+
+TEST_F(Identity, ANarrowMaskIsWidenedWithItsSign) {
+    // 29 more events bring the design's list to at least 60; the highest of the first 32 is bit 31.
+    Grabber first;
+    first.bringUp(1);
+    const auto events = designEvents();
+    std::string thirtySecond;
+    for (const Lines& row : dataRows("events.txt"))
+        if (events.size() > 31 && row[1] == events[31].name) thirtySecond = row[2];
+    constexpr auto bit31 = std::uint64_t{1} << 31;
+    FgEventRecord record{"untouched", 77, nullptr};
+    // Given as a number, bit 31 becomes the upper 33 bits: no event. By reference it is itself.
+    EXPECT_EQ(applet.Info(5120, static_cast<int>(bit31), 0, nullptr, &record), FG_ERR_INVALID_ARGUMENT);
+    EXPECT_STREQ(record.name, "untouched");
+    EXPECT_EQ(recordOf(bit31, 2) == "-2070", thirtySecond.empty());
+    // Version 2 without a reference falls back to the number; versions below ignore the reference.
+    std::uint64_t other = bit31;
+    const std::string known = recordOf(std::uint64_t{1} << 5, 2);
+    EXPECT_EQ(applet.Info(5120, 1 << 5, 2, nullptr, &record), known == "-2070" ? FG_ERR_INVALID_ARGUMENT : 0);
+    EXPECT_EQ(applet.Info(5120, 1 << 5, 1, &other, &record), known == "-2070" ? FG_ERR_INVALID_ARGUMENT : 0);
+}
+
+TEST_F(Identity, OnlyTheFirst65EventsAreSeen) {
+    int own = 0;
+    {
+        Grabber grabber;
+        grabber.bringUp(1);
+        own = static_cast<int>(designEvents().size());
+    }
+    ASSERT_LT(own, 63);
+    board.extra_events(66 - own); // a list of 66
+    Grabber grabber;
+    grabber.bringUp(1);
+    ASSERT_EQ(designEvents().size(), 66u);
+    const auto extra = [&](int index) { return "Extra" + std::to_string(index - own); };
+    EXPECT_EQ(maskOf(grabber, extra(62)), std::uint64_t{1} << 62);
+    EXPECT_EQ(maskOf(grabber, extra(63)), std::uint64_t{1} << 63);
+    EXPECT_EQ(eventOf(grabber, std::uint64_t{1} << 63), extra(63));
+    // Doubling has run out of bits at the 65th: it is entered with the mask 0. The 66th is not seen at all.
+    EXPECT_STREQ(applet.Fg_getEventName(grabber.fg(), 0), extra(64).c_str());
+    EXPECT_EQ(applet.Fg_getEventMask(grabber.fg(), extra(64).c_str()), 0u);
+    EXPECT_EQ(grabber.lastError(), 0) << "entered";
+    EXPECT_EQ(applet.Fg_getEventMask(grabber.fg(), extra(65).c_str()), 0u);
+    EXPECT_EQ(grabber.lastError(), FG_ERR_INVALID_ARGUMENT) << "not entered";
+}
+
+TEST_F(Identity, LackingEventsAreNamedAndTheOthersMoveUp) {
+    const auto rows = dataRows("events.txt");
+    // One that is there stays in front, so that masks move.
+    Lines expected;
+    for (std::size_t i = 0; i < rows.size(); i += 2) {
+        ASSERT_EQ(board.lack_event(rows[i][1].c_str(), true), VBOARD_OK) << rows[i][1];
+        expected.push_back(
+            AppletLog::line(4, "cannot retrieve event id for internal event: '" + rows[i][1] + "'"));
+    }
+    AppletLog log(4);
+    Grabber grabber;
+    ASSERT_EQ(grabber.bringUp(1).error, 0);
+    EXPECT_EQ(log.take(), expected);
+    const auto events = designEvents();
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        std::uint64_t mask = 0;
+        for (std::size_t k = 0; k < events.size(); ++k)
+            if (rows[i][1] == events[k].name) mask = std::uint64_t{1} << k;
+        EXPECT_EQ(mask == 0, i % 2 == 0);
+        EXPECT_EQ(maskOf(grabber, rows[i][0]), mask) << rows[i][0];
+    }
+}
+
+TEST_F(Identity, RecordsOfEventsKeepTheFirstDataOfAMask) {
+    std::vector<TslEvent> events;
+    {
+        Grabber grabber;
+        grabber.bringUp(1);
+        events = designEvents();
+    }
+    const auto rows = dataRows("events.txt");
+    const auto isOwn = [&](const TslEvent& event) {
+        return std::any_of(rows.begin(), rows.end(), [&](const Lines& row) { return row[1] == event.name; });
+    };
+    std::size_t gone = 0; // two of the applet's own in a row
+    while (!isOwn(events[gone]) || !isOwn(events[gone + 1]))
+        ++gone;
+    const std::uint64_t mask = std::uint64_t{1} << gone;
+    const std::string before = recordOf(mask, 2);
+    ASSERT_EQ(board.lack_event(events[gone].name, true), VBOARD_OK);
+    Grabber grabber;
+    grabber.bringUp(1);
+    EXPECT_EQ(recordOf(mask, 2), before);
+    EXPECT_NE(eventOf(grabber, mask), "");
+}
+
+} // namespace

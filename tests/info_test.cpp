@@ -1,0 +1,185 @@
+// The stateless query function, and the instance without a board that it makes.
+
+#include "support/applet_fixture.h"
+
+#include <cstring>
+
+namespace {
+
+using namespace support;
+using InfoTest = AppletTest;
+
+TEST_F(InfoTest, NumbersNeedNoArgumentsAndTouchNone) {
+    const std::pair<int, int> answers[] = {
+        {848, 1},  {1040, 0}, {1045, 1},      {1792, 1}, {1872, 1},    {1888, 1}, {2048, 131074},
+        {2064, 1}, {2160, 0}, {2176, 1880},   {2192, 0}, {2560, 0},    {2816, 0}, {3072, 0},
+        {3328, 0}, {4608, 1},
+    };
+    for (const auto& [code, answer] : answers)
+        for (const int argument : {0, 1, -1}) {
+            std::uint64_t in = 7, out = 7;
+            EXPECT_EQ(applet.Info(code, argument, argument, &in, &out), answer) << code;
+            EXPECT_EQ(in, 7u) << code;
+            EXPECT_EQ(out, 7u) << code;
+            EXPECT_EQ(applet.Info(code, argument, argument, nullptr, nullptr), answer) << code;
+        }
+}
+
+TEST_F(InfoTest, EveryOtherCodeIsNotSupported) {
+    const std::vector<int> known = {848,  1040, 1041, 1042, 1043, 1044, 1045, 1792, 1872, 1888, 2048, 2064, 2160,
+                                    2176, 2192, 2304, 2560, 2816, 3072, 3328, 4096, 4112, 4128, 4144, 4160, 4176,
+                                    4192, 4208, 4352, 4608, 4624, 4640, 4656, 4672, 4688, 4704, 4864, 4880, 4896,
+                                    5120};
+    std::uint64_t in = 7, out = 7;
+    for (int code = -2; code < 6000; ++code) {
+        if (std::find(known.begin(), known.end(), code) != known.end()) continue;
+        ASSERT_EQ(applet.Info(code, 0, 0, &in, &out), FG_ERR_NOT_SUPPORTED) << code;
+    }
+    EXPECT_EQ(applet.Info(2147483647, 0, 0, &in, &out), FG_ERR_NOT_SUPPORTED);
+    EXPECT_EQ(in, 7u);
+    EXPECT_EQ(out, 7u);
+}
+
+TEST_F(InfoTest, ProcessesAndIndices) {
+    struct Row {
+        int code, answer;
+        bool heedsIndex;
+    };
+    const Row rows[] = {{4624, 1, false}, {4640, 1, false}, {4656, 0, true},
+                        {4672, 0, true},  {4688, 1, false}, {4704, 10, false}};
+    for (const Row& row : rows) {
+        EXPECT_EQ(applet.Info(row.code, 0, 0, nullptr, nullptr), row.answer) << row.code;
+        for (const int other : {1, -1, 256}) {
+            EXPECT_EQ(applet.Info(row.code, other, 0, nullptr, nullptr), FG_ERR_INVALID_ARGUMENT) << row.code;
+            EXPECT_EQ(applet.Info(row.code, 0, other, nullptr, nullptr),
+                      row.heedsIndex ? FG_ERR_INVALID_ARGUMENT : row.answer)
+                << row.code;
+        }
+    }
+}
+
+TEST_F(InfoTest, Texts) {
+    const std::pair<int, const char*> texts[] = {
+        {1043, "7c1d2e40-5ab3-4f86-9d21-3e8b6a0f4c11"},
+        {1044, "b26e91f3-08c4-47de-a1f7-6d05c93e2a58"},
+        {4096, "Capture Kit with support of TurboBurst technology, 16 bit image processing (per color "
+               "component), white balancing and lookup table(up to 14 Bit) for one CameraLinkHS RGB line scan "
+               "camera with 2 ports (20 Gbps)."},
+        {4112, "CaptureKits:Line"},
+        {4128, "class=standard,family=acquisition,type=single,sensortype=line,color=rgb,interface=clhs,lag=2"},
+        {4176, "Grab_TwinLaneLineColor"},
+        {4192, "2.2.4.0"},
+        {4208, "2.2.4.0.20221221.064316"},
+    };
+    for (const auto& [code, text] : texts) {
+        const char* out = nullptr;
+        EXPECT_EQ(applet.Info(code, 0, 0, nullptr, &out), 0);
+        EXPECT_STREQ(out, text) << code;
+        EXPECT_EQ(applet.Info(code, 0, 0, nullptr, nullptr), 0);
+    }
+    std::int32_t words[2] = {7, 7};
+    EXPECT_EQ(applet.Info(2304, 0, 0, words, nullptr), 0);
+    EXPECT_EQ(words[0], 0);
+    EXPECT_EQ(words[1], 7);
+    EXPECT_EQ(applet.Info(2304, 0, 0, nullptr, words), 0);
+    EXPECT_EQ(words[1], 7);
+}
+
+TEST_F(InfoTest, IconAndDesignImage) {
+    struct Block {
+        std::uint64_t size = 7;
+        const unsigned char* bytes = nullptr;
+    };
+    const auto block = [&](int code, int arg1, int arg2) {
+        Block all, size, bytes;
+        EXPECT_EQ(applet.Info(code, arg1, arg2, &all.size, &all.bytes), 0);
+        EXPECT_EQ(applet.Info(code, arg1, arg2, &size.size, nullptr), 0);
+        EXPECT_EQ(applet.Info(code, arg1, arg2, nullptr, &bytes.bytes), 0);
+        EXPECT_EQ(applet.Info(code, arg1, arg2, nullptr, nullptr), 0);
+        EXPECT_EQ(size.size, all.size);
+        EXPECT_EQ(bytes.bytes, all.bytes);
+        return all;
+    };
+    const Block icon = block(1041, 0, 0);
+    ASSERT_EQ(icon.size, 4676u);
+    ASSERT_NE(icon.bytes, nullptr);
+    EXPECT_EQ(block(1041, 1, 0).bytes, icon.bytes);
+    EXPECT_EQ(block(1041, 0, 1).size, icon.size);
+    // Signature; then the header: 32 x 32 pixels of 8 bits in each of red, green, blue and alpha; at the end IEND.
+    const unsigned char head[] = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1a, '\n', 0, 0, 0, 13, 'I',
+                                  'H',  'D', 'R', 0,   0,    0,    32,   0,    0, 0, 32, 8,  6};
+    const unsigned char tail[] = {0, 0, 0, 0, 'I', 'E', 'N', 'D', 0xae, 0x42, 0x60, 0x82};
+    EXPECT_EQ(std::memcmp(icon.bytes, head, sizeof head), 0);
+    EXPECT_EQ(std::memcmp(icon.bytes + icon.size - sizeof tail, tail, sizeof tail), 0);
+
+    const Block image = block(1042, 0, 0);
+    EXPECT_EQ(image.size, 7963963u);
+    ASSERT_NE(image.bytes, nullptr);
+    unsigned sum = 0; // all of it can be read
+    for (std::uint64_t i = 0; i < image.size; i += 4096)
+        sum += image.bytes[i];
+    sum += image.bytes[image.size - 1];
+    EXPECT_NE(sum, 0u);
+    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(image.bytes) % 4096, 0u) << "costs no memory until it is read";
+}
+
+TEST_F(InfoTest, EnumerationNames) {
+    const auto valueOf = [&](const char* name) { return applet.Info(4352, 0, 0, const_cast<char*>(name), nullptr); };
+    const auto rows = dataRows("enumeration_names.txt");
+    ASSERT_EQ(rows.size(), 101u);
+    for (const Lines& row : rows)
+        EXPECT_EQ(valueOf(row[0].c_str()), std::stoi(row[1])) << row[0];
+    for (const char* name : {static_cast<const char*>(nullptr), "", "fg_on", "FG_ON ", "FG_O", "FG_GRAY"})
+        EXPECT_EQ(valueOf(name), FG_ERR_INVALID_ARGUMENT) << (name != nullptr ? name : "null");
+}
+
+TEST_F(InfoTest, InstanceWithoutABoard) {
+    setVariable("VEXO_ENABLE_DRA", "1"); // has no effect on it
+    const int designs = live("designs");
+    LOOMdevice* device = nullptr;
+    void* instance = nullptr;
+    ASSERT_EQ(applet.Info(4864, 0, 0, nullptr, nullptr), FG_ERR_INVALID_ARGUMENT);
+    ASSERT_EQ(applet.Info(4864, 0, 0, nullptr, &instance), 0);
+    ASSERT_NE(instance, nullptr);
+    EXPECT_EQ(live("designs"), designs + 1);
+    EXPECT_EQ(applet.Info(4144, 0, 0, &device, nullptr), 0);
+    EXPECT_EQ(device, nullptr) << "no board was initialised";
+
+    RegisterInfo* root = nullptr;
+    EXPECT_EQ(applet.Info(4880, 0, 0, instance, &root), 0);
+    ASSERT_NE(root, nullptr);
+    EXPECT_EQ(root->structSize, 216);
+    RegisterInfo* other = root;
+    EXPECT_EQ(applet.Info(4880, -1, 0, instance, &other), 0);
+    EXPECT_EQ(other, nullptr) << "a negative tree passes the test and is none";
+    EXPECT_EQ(applet.Info(4880, 1, 0, instance, &root), FG_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(applet.Info(4880, 0, 0, nullptr, &root), FG_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(applet.Info(4880, 0, 0, instance, nullptr), FG_ERR_INVALID_ARGUMENT);
+
+    // Reached through a handle, it keeps values and has no runtime.
+    applet_host::GrabberHandle handle{instance};
+    std::uint32_t width = 512;
+    EXPECT_EQ(applet.Fg_setParameterWithType(handle.fg(), FG_WIDTH, &width, 0, FG_PARAM_UINT32), 0);
+    width = 0;
+    EXPECT_EQ(applet.Fg_getParameterWithType(handle.fg(), FG_WIDTH, &width, 0, FG_PARAM_UINT32), 0);
+    EXPECT_EQ(width, 512u);
+    EXPECT_EQ(applet.Fg_getParameterWithType(handle.fg(), 1000001, &width, 0, FG_PARAM_UINT32), FG_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(applet.Fg_getNrOfParameter(handle.fg()), 164);
+    EXPECT_NE(applet.Fg_getEventMask(handle.fg(), "FG_OVERFLOW_CAM0"), 0u);
+    EXPECT_EQ(applet.Fg_getParameterInfo(handle.fg(), 0), nullptr);
+    for (const Forwarder& forwarder : forwarders())
+        EXPECT_EQ(forwarder.call(handle.fg()), FG_ERR_NOT_AVAILABLE) << forwarder.name;
+
+    EXPECT_EQ(applet.Info(4896, 0, 0, nullptr, nullptr), FG_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(applet.Info(4896, 0, 0, instance, nullptr), 0);
+    EXPECT_EQ(live("designs"), designs);
+
+    // The loader refuses the design: the tree is there all the same.
+    board.refuse_design(true);
+    ASSERT_EQ(applet.Info(4864, 0, 0, nullptr, &instance), 0);
+    EXPECT_EQ(applet.Info(4880, 0, 0, instance, &root), 0);
+    EXPECT_NE(root, nullptr);
+    EXPECT_EQ(applet.Info(4896, 0, 0, instance, nullptr), 0);
+}
+
+} // namespace

@@ -1,0 +1,175 @@
+#include "support/applet_fixture.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <dlfcn.h>
+#include <fstream>
+#include <pthread.h>
+#include <sstream>
+#include <stdexcept>
+#include <unistd.h>
+
+namespace support {
+
+const applet_host::AppletHost& host() {
+    static const applet_host::AppletHost libraries;
+    return libraries;
+}
+
+bool isLoaded(const char* library) {
+    void* handle = dlopen(library, RTLD_NOW | RTLD_NOLOAD);
+    if (handle == nullptr) return false;
+    dlclose(handle);
+    return true;
+}
+
+void* functionOf(const char* library, const char* function) {
+    void* handle = dlopen(library, RTLD_NOW | RTLD_NOLOAD);
+    if (handle == nullptr) return nullptr;
+    void* found = dlsym(handle, function);
+    dlclose(handle);
+    return found;
+}
+
+int live(const char* what) {
+    static const auto count =
+        reinterpret_cast<int (*)(const char*)>(functionOf("libvexo_hw.so", "vboard_live"));
+    if (count == nullptr) throw std::runtime_error("the virtual board lacks vboard_live");
+    return count(what);
+}
+
+namespace {
+
+template <typename Function> Function* loader(const char* name) {
+    if (void* function = functionOf("libtslrt.so", name)) return reinterpret_cast<Function*>(function);
+    throw std::runtime_error(std::string("the design loader lacks ") + name);
+}
+
+} // namespace
+
+std::vector<Register> registers() {
+    fpga_design* design = nullptr;
+    host().applet().Info(4160, 0, 0, &design, nullptr);
+    const auto nameOf = loader<decltype(TslGetRegisterName)>("TslGetRegisterName");
+    const auto idOf = loader<decltype(TslGetRegisterByName)>("TslGetRegisterByName");
+    const auto bitsOf = loader<decltype(TslGetRegisterBitRange)>("TslGetRegisterBitRange");
+    const auto directionOf = loader<decltype(TslGetRegisterDirection)>("TslGetRegisterDirection");
+    const int count = loader<decltype(TslGetNrOfRegister)>("TslGetNrOfRegister")(design);
+    std::vector<Register> all;
+    for (int i = 1; i <= count; ++i) {
+        const char* name = nameOf(design, i);
+        const int id = idOf(design, name);
+        all.push_back({name, id, bitsOf(design, id), directionOf(design, id) != 0});
+    }
+    return all;
+}
+
+Lines dataLines(const std::string& file) {
+    std::ifstream in(std::string(TEST_DATA_DIR) + "/" + file);
+    if (!in) throw std::runtime_error("no listing " + file);
+    Lines lines;
+    for (std::string line; std::getline(in, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+std::vector<Lines> dataRows(const std::string& file) {
+    std::vector<Lines> rows;
+    for (const std::string& line : dataLines(file)) {
+        std::istringstream words(line);
+        Lines& row = rows.emplace_back();
+        for (std::string word; words >> word;)
+            row.push_back(word);
+    }
+    return rows;
+}
+
+Grabber::Grabber() : device(host().board().open()) {}
+
+Grabber::~Grabber() {
+    if (handle.object != nullptr) free();
+    host().board().close(device);
+}
+
+Grabber& Grabber::bringUp(int flags) {
+    handle.object = host().applet().Std_entry(device, &error, flags);
+    return *this;
+}
+
+int Grabber::free() { return host().applet().Fg_FreeGrabber(fg()); }
+
+Lines Grabber::log() const {
+    const auto& board = host().board();
+    Lines lines(board.log_size(device));
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        char text[512] = "";
+        EXPECT_GT(board.log_line(device, i, text, sizeof text), 0);
+        lines[i] = text;
+    }
+    return lines;
+}
+
+const std::vector<Forwarder>& forwarders() {
+    const auto& applet = host().applet();
+    static const std::vector<Forwarder> all = {
+        {"Fg_getAppletId", false, [&](Fg_Struct* fg) { return applet.Fg_getAppletId(fg, 0); }},
+        {"Fg_AcquireEx", false, [&](Fg_Struct* fg) { return applet.Fg_AcquireEx(fg, 0, 10, 0, nullptr); }},
+        {"Fg_stopAcquireEx", false,
+         [&](Fg_Struct* fg) { return applet.Fg_stopAcquireEx(fg, 0, nullptr, 0); }},
+        {"Fg_getStatusEx", true, [&](Fg_Struct* fg) { return applet.Fg_getStatusEx(fg, 0, 0, 0, nullptr); }},
+        {"Fg_getLastPicNumberEx", true,
+         [&](Fg_Struct* fg) { return applet.Fg_getLastPicNumberEx(fg, 0, nullptr); }},
+        {"Fg_getLastPicNumberBlockingEx", true,
+         [&](Fg_Struct* fg) { return applet.Fg_getLastPicNumberBlockingEx(fg, 1, 0, 1, nullptr); }},
+    };
+    return all;
+}
+
+AppletLog::AppletLog(int level) : m_file(-1), m_standardError(dup(STDERR_FILENO)) {
+    setenv("VBOARD_LOG_LEVEL", std::to_string(level).c_str(), 1);
+    char path[] = "/tmp/applet-log-XXXXXX";
+    m_file = mkstemp(path);
+    if (m_file < 0 || m_standardError < 0) throw std::runtime_error("no place for log lines");
+    unlink(path);
+    dup2(m_file, STDERR_FILENO);
+}
+
+AppletLog::~AppletLog() {
+    dup2(m_standardError, STDERR_FILENO);
+    close(m_standardError);
+    close(m_file);
+    unsetenv("VBOARD_LOG_LEVEL");
+}
+
+Lines AppletLog::take() {
+    std::string text;
+    char block[4096];
+    lseek(m_file, 0, SEEK_SET);
+    for (ssize_t size; (size = read(m_file, block, sizeof block)) > 0;)
+        text.append(block, static_cast<std::size_t>(size));
+    if (ftruncate(m_file, 0) != 0) throw std::runtime_error("log lines cannot be cleared");
+    lseek(m_file, 0, SEEK_SET);
+    std::istringstream stream(text);
+    Lines lines;
+    for (std::string line; std::getline(stream, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+std::string AppletLog::line(int level, const std::string& text) {
+    return "[" + std::to_string(level) + "] vexo.wrapper.Grab_TwinLaneLineColor: thread-id=" +
+           std::to_string(pthread_self()) + "|" + text;
+}
+
+void AppletTest::TearDown() {
+    board.restore_design();
+    for (const std::string& name : m_variables)
+        unsetenv(name.c_str());
+}
+
+void AppletTest::setVariable(const char* name, const char* value) {
+    setenv(name, value, 1);
+    m_variables.push_back(name);
+}
+
+} // namespace support

@@ -1,0 +1,131 @@
+/** What the tests through the exported functions share: the loaded libraries, boards, listings, log lines. */
+#ifndef TESTS_SUPPORT_APPLET_FIXTURE_H
+#define TESTS_SUPPORT_APPLET_FIXTURE_H
+
+#include "applet_host/AppletHost.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+namespace support {
+
+using Lines = std::vector<std::string>;
+
+/** The loaded libraries, shared by all tests of the process. */
+const applet_host::AppletHost& host();
+
+/** A function of a library that is loaded already, by the library's bare name; null if there is none. */
+void* functionOf(const char* library, const char* function);
+bool isLoaded(const char* library);
+
+/** Number of "boards", "designs", "handles" or "strings" that the virtual board has given out. */
+int live(const char* what);
+
+/** A register as the design loader tells it. */
+struct Register {
+    std::string name;
+    int id;
+    int bits;
+    bool writable;
+};
+/** The registers of the design of the handle that was brought up last. */
+std::vector<Register> registers();
+
+/** The lines of an expected listing in tests/data. */
+Lines dataLines(const std::string& file);
+/** The same, each line cut into its words. */
+std::vector<Lines> dataRows(const std::string& file);
+
+/** One board and, once brought up, one handle on it. */
+class Grabber {
+public:
+    Grabber();
+    ~Grabber();
+    Grabber(const Grabber&) = delete;
+    Grabber& operator=(const Grabber&) = delete;
+
+    /** Calls Std_entry; the code is in `error`, the object in `handle`. */
+    Grabber& bringUp(int flags = 0);
+    /** Calls Fg_FreeGrabber and gives its result. */
+    int free();
+
+    template <typename T> int set(int id, T value, int dma = 0, int tag = tagOf<T>()) {
+        return host().applet().Fg_setParameterWithType(fg(), id, &value, dma, tag);
+    }
+    int get(int id, void* value, int dma = 0, int tag = FG_PARAM_UINT32) {
+        return host().applet().Fg_getParameterWithType(fg(), id, value, dma, tag);
+    }
+    /** The value of a parameter that can be read. */
+    template <typename T> T value(int id) {
+        T out{};
+        EXPECT_EQ(get(id, &out, 0, tagOf<T>()), FG_OK) << "id " << id;
+        return out;
+    }
+    int lastError() { return host().applet().Fg_getLastErrorNumber(fg()); }
+
+    /** What the board has seen since its log was cleared. */
+    Lines log() const;
+    void clearLog() { host().board().log_clear(device); }
+
+    Fg_Struct* fg() { return handle.fg(); }
+
+    LOOMdevice* const device;
+    int error = 1;
+    applet_host::GrabberHandle handle;
+
+private:
+    template <typename T> static constexpr int tagOf() {
+        if (std::is_floating_point_v<T>) return FG_PARAM_DOUBLE;
+        if (sizeof(T) == 8) return std::is_signed_v<T> ? FG_PARAM_INT64 : FG_PARAM_UINT64;
+        return std::is_signed_v<T> ? FG_PARAM_INT32 : FG_PARAM_UINT32;
+    }
+};
+
+/** A function that goes straight to the runtime. */
+struct Forwarder {
+    const char* name;
+    bool wide; /**< 64-bit result */
+    std::function<std::int64_t(Fg_Struct*)> call;
+};
+const std::vector<Forwarder>& forwarders();
+
+/** The lines that the applet logs from `level` on, taken from the standard error. To be made before the
+ * object whose lines are wanted, when no other object lives. */
+class AppletLog {
+public:
+    explicit AppletLog(int level);
+    ~AppletLog();
+    AppletLog(const AppletLog&) = delete;
+    AppletLog& operator=(const AppletLog&) = delete;
+
+    /** The lines since the last call. */
+    Lines take();
+    /** The line that this thread's logging of `text` gives. */
+    static std::string line(int level, const std::string& text);
+
+private:
+    int m_file;
+    int m_standardError;
+};
+
+/** Puts the virtual board's design and the environment back after each test. */
+class AppletTest : public testing::Test {
+protected:
+    void TearDown() override;
+    void setVariable(const char* name, const char* value);
+
+    const applet_host::AppletFunctions& applet = host().applet();
+    const applet_host::BoardFunctions& board = host().board();
+
+private:
+    Lines m_variables;
+};
+
+} // namespace support
+
+#endif
