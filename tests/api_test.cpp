@@ -174,7 +174,13 @@ TEST_F(Api, TemporaryFileNames) {
     close(b);
 
     const std::pair<const char*, int> refused[] = {
-        {"abc", 0}, {"XXXXXX", 1}, {"", 0}, {"aXXXXXXb", 0}, {"aXXXXXb", 1}, {"aXXXXXX", -1}, {"aXXXXXX.c", 2147483647},
+        {"abc", 0},
+        {"XXXXXX", 1},
+        {"", 0},
+        {"aXXXXXXb", 0},
+        {"aXXXXXb", 1},
+        {"aXXXXXX", -1},
+        {"aXXXXXX.c", 2147483647},
     };
     for (const auto& [pattern, suffix] : refused) {
         std::string name = pattern;

@@ -72,7 +72,8 @@ TEST_F(BringUp, NullErrorWord) {
 
 /** What a caller sees of the runtime's functions, by the name of the function behind it. */
 std::map<std::string, std::int64_t> answersOf(Grabber& grabber) {
-    const auto& [applet, board] = std::pair(host().applet(), host().board());
+    const auto& applet = host().applet();
+    const auto& board = host().board();
     std::map<std::string, std::int64_t> answers;
     for (const Forwarder& forwarder : forwarders()) {
         board.answer(grabber.device, forwarder.name, 5);
@@ -83,6 +84,10 @@ std::map<std::string, std::int64_t> answersOf(Grabber& grabber) {
     std::uint32_t dmas = 0;
     answers["Fg_getParameterWithType"] = grabber.get(FG_NR_OF_DMAS, &dmas);
     answers["Fg_getParameterInfo"] = applet.Fg_getParameterInfo(grabber.fg(), 0) != nullptr;
+
+    // The runtime does not take back a text that it never gave; without the function there is nothing to do.
+    answers["Fg_freeParameterStringWithType"] =
+        applet.Fg_freeParameterStringWithType(grabber.fg(), 2000001, nullptr, 0, FG_PARAM_ALLOCATED_STRING);
 
     board.answer(grabber.device, "Fg_getStatusEx", -9);
     board.last_error(grabber.device, -2010);
@@ -101,6 +106,7 @@ TEST_F(BringUp, EachMissingEntryOfTheRuntimeShowsWhereItIsNeededAndNowhereElse) 
     EXPECT_EQ(complete.at("Fg_setParameterWithType"), 0);
     EXPECT_EQ(complete.at("Fg_getParameterWithType"), 0);
     EXPECT_EQ(complete.at("Fg_getParameterInfo"), 1);
+    EXPECT_EQ(complete.at("Fg_freeParameterStringWithType"), FG_ERR_INVALID_ARGUMENT);
     EXPECT_EQ(complete.at("Fg_getLastErrorNumber"), -2010);
     EXPECT_EQ(complete.at("Fg_FreeGrabber"), -77);
 
@@ -111,7 +117,9 @@ TEST_F(BringUp, EachMissingEntryOfTheRuntimeShowsWhereItIsNeededAndNowhereElse) 
         ASSERT_EQ(grabber.bringUp().error, 0);
         auto expected = complete;
         if (expected.contains(name)) expected[name] = FG_ERR_NOT_AVAILABLE;
-        if (name == "Fg_FreeGrabber" || name == "Fg_getParameterInfo") expected[name] = 0;
+        if (name == "Fg_FreeGrabber" || name == "Fg_getParameterInfo" ||
+            name == "Fg_freeParameterStringWithType")
+            expected[name] = 0;
         // The runtime refuses the id 0 of an unresolved name.
         if (name == "Fg_getParameterIdByName") expected["Fg_setParameterWithType"] = FG_ERR_INVALID_ARGUMENT;
         if (name == "Fg_getStatusEx") expected["Fg_getLastErrorNumber"] = FG_ERR_NOT_AVAILABLE;
@@ -146,8 +154,8 @@ TEST_F(BringUp, InitThatFails) {
     EXPECT_EQ(grabber.bringUp().error, -2005);
     EXPECT_EQ(grabber.handle.object, nullptr);
     const auto calling = [](const std::string& function) {
-        return Lines{AppletLog::line(5, "error calling '" + function +
-                                            "' (tslName = 'Grab_TwinLaneLineColor.tsl')")};
+        return Lines{
+            AppletLog::line(5, "error calling '" + function + "' (tslName = 'Grab_TwinLaneLineColor.tsl')")};
     };
     EXPECT_EQ(log.take(), calling("Fg_InitHandleSlaveAware"));
 
@@ -179,14 +187,15 @@ TEST_F(BringUp, InitThatFailsWithoutACodeCarriesOnWithoutInnerHandle) {
     EXPECT_EQ(lastDevice(), before.device);
     EXPECT_EQ(lastDesign(), design);
     EXPECT_EQ(applet.Fg_getNrOfParameter(grabber.fg()), 164);
+    EXPECT_EQ(grabber.free(), FG_ERR_INVALID_HANDLE) << "the runtime's own answer for no inner handle";
+    EXPECT_EQ(grabber.handle.object, nullptr);
 }
 
 TEST_F(BringUp, MissingDesignParametersAreNamedInOrderAndFailAtTheAccess) {
     Lines expected;
     for (const std::string& name : dataLines("design_parameters.txt")) {
         ASSERT_EQ(board.lack_parameter(name.c_str(), true), VBOARD_OK) << name;
-        expected.push_back(
-            AppletLog::line(4, "cannot retrieve LOOM id for LOOM parameter: '" + name + "'"));
+        expected.push_back(AppletLog::line(4, "cannot retrieve LOOM id for LOOM parameter: '" + name + "'"));
     }
     ASSERT_EQ(expected.size(), 138u);
     AppletLog log(4);
@@ -198,7 +207,8 @@ TEST_F(BringUp, MissingDesignParametersAreNamedInOrderAndFailAtTheAccess) {
     EXPECT_EQ(grabber.lastError(), FG_ERR_INVALID_ARGUMENT);
     const Lines lines = log.take();
     ASSERT_EQ(lines.size(), 1u);
-    EXPECT_EQ(lines[0].rfind(AppletLog::line(5, "Setting LOOM parameter 'Device1_Process0_"), 0), 0u) << lines[0];
+    EXPECT_EQ(lines[0].rfind(AppletLog::line(5, "Setting LOOM parameter 'Device1_Process0_"), 0), 0u)
+        << lines[0];
     EXPECT_NE(lines[0].find("' (ID: 0) failed: result = -2070"), std::string::npos) << lines[0];
 }
 
@@ -260,8 +270,9 @@ TEST_F(BringUp, PresenceOfTheVariableSelectsTheExternalDesign) {
 
 TEST_F(BringUp, SwitchWordsOfTheEnvironment) {
     const std::pair<const char*, bool> words[] = {
-        {"yes", true}, {"true", true}, {"on", true}, {"1", true},  {"YES", true},  {"TrUe", true}, {"oN", true},
-        {"no", false}, {"", false},    {"2", false}, {"y", false}, {"on ", false}, {"0", false},
+        {"yes", true},  {"true", true}, {"on", true},  {"1", true}, {"YES", true},
+        {"TrUe", true}, {"oN", true},   {"no", false}, {"", false}, {"2", false},
+        {"y", false},   {"on ", false}, {"0", false},
     };
     for (const auto& [word, on] : words)
         for (const auto& [variable, prefix] :
@@ -349,10 +360,28 @@ TEST(Loading, RefusedDesignLeavesTheObjectAndTheOpenedRuntimeBehind) {
     EXPECT_TRUE(isLoaded("libgrabcore5.so"));
 }
 
+TEST(Loading, NothingIsKnownBeforeTheFirstObject) {
+    if (isLoaded("libvexo_hw.so")) GTEST_SKIP() << "needs a process of its own";
+    const auto overflow = [] { // sixth in the virtual board's list
+        FgEventRecord record{};
+        return host().applet().Info(5120, 1 << 5, 0, nullptr, &record);
+    };
+    EXPECT_EQ(lastDevice(), nullptr);
+    EXPECT_EQ(lastDesign(), nullptr);
+    EXPECT_EQ(overflow(), FG_ERR_INVALID_ARGUMENT);
+    void* offline = nullptr;
+    ASSERT_EQ(host().applet().Info(4864, 0, 0, nullptr, &offline), 0);
+    ASSERT_EQ(host().applet().Info(4896, 0, 0, offline, nullptr), 0);
+    EXPECT_EQ(overflow(), 0) << "kept to the end of the process";
+    EXPECT_EQ(lastDevice(), nullptr) << "no runtime was initialised";
+    EXPECT_EQ(lastDesign(), nullptr);
+}
+
 TEST(Loading, RuntimeLibraryThatIsNotFound) {
     if (isLoaded("libvexo_hw.so")) GTEST_SKIP() << "needs a process of its own";
     const auto where = applet_host::Locations::beside();
-    Libraries libraries({where.virtualBoard / "libvexo_hw.so", where.virtualBoard / "libtslrt.so", where.applet});
+    Libraries libraries(
+        {where.virtualBoard / "libvexo_hw.so", where.virtualBoard / "libtslrt.so", where.applet});
     if (void* runtime = dlopen("libgrabcore5.so", RTLD_NOW)) {
         dlclose(runtime);
         GTEST_SKIP() << "a runtime is on the loader's path";

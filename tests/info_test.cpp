@@ -11,9 +11,8 @@ using InfoTest = AppletTest;
 
 TEST_F(InfoTest, NumbersNeedNoArgumentsAndTouchNone) {
     const std::pair<int, int> answers[] = {
-        {848, 1},  {1040, 0}, {1045, 1},      {1792, 1}, {1872, 1},    {1888, 1}, {2048, 131074},
-        {2064, 1}, {2160, 0}, {2176, 1880},   {2192, 0}, {2560, 0},    {2816, 0}, {3072, 0},
-        {3328, 0}, {4608, 1},
+        {848, 1},  {1040, 0},    {1045, 1}, {1792, 1}, {1872, 1}, {1888, 1}, {2048, 131074}, {2064, 1},
+        {2160, 0}, {2176, 1880}, {2192, 0}, {2560, 0}, {2816, 0}, {3072, 0}, {3328, 0},      {4608, 1},
     };
     for (const auto& [code, answer] : answers)
         for (const int argument : {0, 1, -1}) {
@@ -26,10 +25,10 @@ TEST_F(InfoTest, NumbersNeedNoArgumentsAndTouchNone) {
 }
 
 TEST_F(InfoTest, EveryOtherCodeIsNotSupported) {
-    const std::vector<int> known = {848,  1040, 1041, 1042, 1043, 1044, 1045, 1792, 1872, 1888, 2048, 2064, 2160,
-                                    2176, 2192, 2304, 2560, 2816, 3072, 3328, 4096, 4112, 4128, 4144, 4160, 4176,
-                                    4192, 4208, 4352, 4608, 4624, 4640, 4656, 4672, 4688, 4704, 4864, 4880, 4896,
-                                    5120};
+    const std::vector<int> known = {848,  1040, 1041, 1042, 1043, 1044, 1045, 1792, 1872, 1888,
+                                    2048, 2064, 2160, 2176, 2192, 2304, 2560, 2816, 3072, 3328,
+                                    4096, 4112, 4128, 4144, 4160, 4176, 4192, 4208, 4352, 4608,
+                                    4624, 4640, 4656, 4672, 4688, 4704, 4864, 4880, 4896, 5120};
     std::uint64_t in = 7, out = 7;
     for (int code = -2; code < 6000; ++code) {
         if (std::find(known.begin(), known.end(), code) != known.end()) continue;
@@ -62,11 +61,13 @@ TEST_F(InfoTest, Texts) {
     const std::pair<int, const char*> texts[] = {
         {1043, "7c1d2e40-5ab3-4f86-9d21-3e8b6a0f4c11"},
         {1044, "b26e91f3-08c4-47de-a1f7-6d05c93e2a58"},
-        {4096, "Capture Kit with support of TurboBurst technology, 16 bit image processing (per color "
-               "component), white balancing and lookup table(up to 14 Bit) for one CameraLinkHS RGB line scan "
-               "camera with 2 ports (20 Gbps)."},
+        {4096,
+         "Capture Kit with support of TurboBurst technology, 16 bit image processing (per color "
+         "component), white balancing and lookup table(up to 14 Bit) for one CameraLinkHS RGB line scan "
+         "camera with 2 ports (20 Gbps)."},
         {4112, "CaptureKits:Line"},
-        {4128, "class=standard,family=acquisition,type=single,sensortype=line,color=rgb,interface=clhs,lag=2"},
+        {4128,
+         "class=standard,family=acquisition,type=single,sensortype=line,color=rgb,interface=clhs,lag=2"},
         {4176, "Grab_TwinLaneLineColor"},
         {4192, "2.2.4.0"},
         {4208, "2.2.4.0.20221221.064316"},
@@ -105,8 +106,9 @@ TEST_F(InfoTest, IconAndDesignImage) {
     ASSERT_NE(icon.bytes, nullptr);
     EXPECT_EQ(block(1041, 1, 0).bytes, icon.bytes);
     EXPECT_EQ(block(1041, 0, 1).size, icon.size);
-    // Signature; then the header: 32 x 32 pixels of 8 bits in each of red, green, blue and alpha; at the end IEND.
-    const unsigned char head[] = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1a, '\n', 0, 0, 0, 13, 'I',
+    // Signature; then the header: 32 x 32 pixels of 8 bits in each of red, green, blue and alpha; at the end
+    // IEND.
+    const unsigned char head[] = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1a, '\n', 0, 0, 0,  13, 'I',
                                   'H',  'D', 'R', 0,   0,    0,    32,   0,    0, 0, 32, 8,  6};
     const unsigned char tail[] = {0, 0, 0, 0, 'I', 'E', 'N', 'D', 0xae, 0x42, 0x60, 0x82};
     EXPECT_EQ(std::memcmp(icon.bytes, head, sizeof head), 0);
@@ -124,7 +126,9 @@ TEST_F(InfoTest, IconAndDesignImage) {
 }
 
 TEST_F(InfoTest, EnumerationNames) {
-    const auto valueOf = [&](const char* name) { return applet.Info(4352, 0, 0, const_cast<char*>(name), nullptr); };
+    const auto valueOf = [&](const char* name) {
+        return applet.Info(4352, 0, 0, const_cast<char*>(name), nullptr);
+    };
     const auto rows = dataRows("enumeration_names.txt");
     ASSERT_EQ(rows.size(), 101u);
     for (const Lines& row : rows)
@@ -163,7 +167,8 @@ TEST_F(InfoTest, InstanceWithoutABoard) {
     width = 0;
     EXPECT_EQ(applet.Fg_getParameterWithType(handle.fg(), FG_WIDTH, &width, 0, FG_PARAM_UINT32), 0);
     EXPECT_EQ(width, 512u);
-    EXPECT_EQ(applet.Fg_getParameterWithType(handle.fg(), 1000001, &width, 0, FG_PARAM_UINT32), FG_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(applet.Fg_getParameterWithType(handle.fg(), 1000001, &width, 0, FG_PARAM_UINT32),
+              FG_ERR_INVALID_ARGUMENT);
     EXPECT_EQ(applet.Fg_getNrOfParameter(handle.fg()), 164);
     EXPECT_NE(applet.Fg_getEventMask(handle.fg(), "FG_OVERFLOW_CAM0"), 0u);
     EXPECT_EQ(applet.Fg_getParameterInfo(handle.fg(), 0), nullptr);

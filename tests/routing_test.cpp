@@ -31,8 +31,10 @@ TEST_F(Routing, NullValuesAndUnknownIds) {
     for (const int id : {100, 12345, -1, 0, 1000001, 1999999, 2000000}) {
         const std::string number = std::to_string(id);
         for (const int tag : {2, 3}) {
-            EXPECT_EQ(applet.Fg_setParameterWithType(grabber.fg(), id, nullptr, 0, tag), FG_ERR_INVALID_ARGUMENT);
-            EXPECT_EQ(applet.Fg_getParameterWithType(grabber.fg(), id, nullptr, 9, tag), FG_ERR_INVALID_ARGUMENT);
+            EXPECT_EQ(applet.Fg_setParameterWithType(grabber.fg(), id, nullptr, 0, tag),
+                      FG_ERR_INVALID_ARGUMENT);
+            EXPECT_EQ(applet.Fg_getParameterWithType(grabber.fg(), id, nullptr, 9, tag),
+                      FG_ERR_INVALID_ARGUMENT);
         }
         EXPECT_EQ(log.take(), Lines{});
         EXPECT_EQ(grabber.lastError(), FG_ERR_INVALID_ARGUMENT);
@@ -117,28 +119,33 @@ TEST_F(Routing, IdsServedByTheRuntime) {
     }
     EXPECT_EQ(grabber.get(FG_NR_OF_PROCESSES, nullptr), FG_ERR_INVALID_ARGUMENT);
 
-    const std::pair<int, const char*> forwarded[] = {
-        {601, "FG_APC_STOP_TIMEOUT"}, {3050, "FG_NR_OF_DMAS"}, {3060, "FG_NR_OF_CAMS"},
-        {3080, "FG_DMA_PORT"},        {3090, "FG_CAM_PORT"},   {5210, "FG_TRANSFER_LEN"},
-    };
-    std::uint32_t expected = 1000;
-    for (const auto& [id, name] : forwarded) {
-        ASSERT_EQ(board.poke_int(grabber.device, name, ++expected), VBOARD_OK) << name;
+    const std::pair<int, std::uint32_t> served[] = {{601, 500}, {3050, 1},      {3060, 1}, {3080, 0},
+                                                    {3090, 0},  {5210, 3145728}}; // by the virtual board
+    for (const auto& [id, expected] : served) {
+        const std::string get = "get #" + std::to_string(id) + " u32";
         grabber.clearLog();
-        EXPECT_EQ(grabber.get(id, &word), 0) << name;
-        EXPECT_EQ(word, expected) << name;
+        word = 77;
         EXPECT_EQ(grabber.get(id, &word, 1), FG_ERR_INVALID_ARGUMENT) << "before the runtime is asked";
-        EXPECT_EQ(grabber.log(), Lines{std::string("get ") + name + " u32 " + std::to_string(expected)});
-        board.fail_name(grabber.device, name, -2222);
+        EXPECT_EQ(grabber.get(id, &word), 0) << id;
+        EXPECT_EQ(word, expected) << id;
+        double number = 77;
+        EXPECT_EQ(grabber.get(id, &number, 0, FG_PARAM_DOUBLE), 0) << "the tag goes to the runtime";
+        EXPECT_EQ(number, expected) << id;
+        board.fail_access(grabber.device, 1, -2222, VBOARD_ONCE);
         EXPECT_EQ(grabber.get(id, &word), -2222);
         EXPECT_EQ(grabber.lastError(), -2222);
+        const std::string value = " " + std::to_string(expected);
+        EXPECT_EQ(grabber.log(),
+                  (Lines{get + value, "get #" + std::to_string(id) + " f64" + value, get + " = -2222"}));
     }
 }
 
 TEST_F(Routing, RegistersAreReadAndWrittenInTheirWidth) {
     setVariable("VEXO_ENABLE_DRA", "on");
+    AppletLog log(4);
     Grabber grabber;
     grabber.bringUp();
+    log.take();
     constexpr std::uint64_t pattern = 0x8123'4567'89ab'cdef, filler = 0xaaaa'aaaa'aaaa'aaaa;
     std::set<int> widths;
     int refusing = 0;
@@ -147,7 +154,8 @@ TEST_F(Routing, RegistersAreReadAndWrittenInTheirWidth) {
         widths.insert(reg.bits);
         const bool wide = reg.bits > 32;
         const std::uint64_t fits = reg.bits < 64 ? (std::uint64_t{1} << reg.bits) - 1 : ~std::uint64_t{0};
-        ASSERT_EQ(board.poke_int(grabber.device, reg.name.c_str(), static_cast<std::int64_t>(pattern & fits)), VBOARD_OK);
+        ASSERT_EQ(board.poke_int(grabber.device, reg.name.c_str(), static_cast<std::int64_t>(pattern & fits)),
+                  VBOARD_OK);
         std::uint64_t word = filler;
         EXPECT_EQ(grabber.get(anyRegister + reg.id, &word, 7, FG_PARAM_UINT32), 0);
         EXPECT_EQ(word, wide ? pattern & fits : (filler & ~std::uint64_t{0xffffffff}) | (pattern & fits));
@@ -176,12 +184,14 @@ TEST_F(Routing, RegistersAreReadAndWrittenInTheirWidth) {
         EXPECT_TRUE(widths.contains(bits)) << bits;
     EXPECT_GT(refusing, 0);
 
-    // The upper end of the range is still a register, one that the board does not have; the base is not.
-    AppletLog log(4);
+    // The upper end of the range is still a register, one that the board does not have; the base is none.
     std::uint64_t word = filler;
     EXPECT_LT(grabber.get(anyParameter, &word), 0);
-    EXPECT_EQ(word, filler);
+    EXPECT_LT(grabber.set(anyParameter, word), 0);
+    EXPECT_EQ(log.take(), Lines{}) << "a failed direct access is not logged";
     EXPECT_EQ(grabber.get(anyRegister, &word), FG_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(log.take(), refusal("trying to get unknown SDK parameter '1000000' on process 0!"));
+    EXPECT_EQ(word, filler);
 }
 
 TEST_F(Routing, RegistersAreUnknownWithoutTheSwitch) {
@@ -221,9 +231,9 @@ TEST_F(Routing, DesignParametersAreHandedToTheRuntimeUnchanged) {
     EXPECT_EQ(grabber.set(id(mirror), std::int32_t{1}), 0);
     EXPECT_EQ(grabber.set(id(period), 123.5), 0);
     EXPECT_EQ(grabber.value<double>(id(period)), 123.5);
-    EXPECT_EQ(grabber.log(), (Lines{"set " + length + " u32 77", "get " + length + " u32 77",
-                                    "set " + mirror + " i32 1", "set " + period + " f64 123.5",
-                                    "get " + period + " f64 123.5"}));
+    EXPECT_EQ(grabber.log(),
+              (Lines{"set " + length + " u32 77", "get " + length + " u32 77", "set " + mirror + " i32 1",
+                     "set " + period + " f64 123.5", "get " + period + " f64 123.5"}));
     EXPECT_EQ(grabber.value<std::uint32_t>(FG_WIDTH), 1024u) << "the applet's own value stays";
 
     board.fail_name(grabber.device, length.c_str(), -2222);
@@ -240,7 +250,8 @@ TEST_F(Routing, DesignParametersAreHandedToTheRuntimeUnchanged) {
     EXPECT_EQ(grabber.get(id(uid), &text, 0, FG_PARAM_ALLOCATED_STRING), 0);
     EXPECT_STREQ(text, "uid");
     EXPECT_EQ(live("strings"), strings + 1);
-    EXPECT_EQ(applet.Fg_freeParameterStringWithType(grabber.fg(), id(uid), text, 0, FG_PARAM_ALLOCATED_STRING), 0);
+    EXPECT_EQ(
+        applet.Fg_freeParameterStringWithType(grabber.fg(), id(uid), text, 0, FG_PARAM_ALLOCATED_STRING), 0);
     EXPECT_EQ(live("strings"), strings);
     EXPECT_EQ(grabber.lastError(), 0);
 }
@@ -290,7 +301,8 @@ TEST_F(Routing, TextsBelongToTheObjectUntilFreedOnce) {
     ASSERT_NE(first.pointer(), second.pointer());
 
     char foreign[] = "text";
-    for (void* text : {static_cast<void*>(foreign), static_cast<void*>(nullptr), static_cast<void*>(second.pointer() + 1)}) {
+    for (void* text : {static_cast<void*>(foreign), static_cast<void*>(nullptr),
+                       static_cast<void*>(second.pointer() + 1)}) {
         EXPECT_EQ(release(grabber, text, paramDescr), FG_ERR_INVALID_ARGUMENT);
         EXPECT_EQ(grabber.lastError(), FG_ERR_INVALID_ARGUMENT);
     }
@@ -302,18 +314,28 @@ TEST_F(Routing, TextsBelongToTheObjectUntilFreedOnce) {
     EXPECT_EQ(release(grabber, first.pointer(), paramDescr), FG_ERR_INVALID_ARGUMENT);
     EXPECT_EQ(grabber.lastError(), FG_ERR_INVALID_ARGUMENT);
 
-    // For these ids the runtime is asked, and nothing is stored, whatever it answers.
-    ASSERT_EQ(grabber.set(FG_WIDTH, 1022u), FG_ERR_GRANULARITY);
-    board.log_kinds(grabber.device, VBOARD_CALL);
-    const int forwarded[] = {601, 3050, 3060, 3070, 3080, 3090, 5210};
-    grabber.clearLog();
-    for (const int id : forwarded)
-        release(grabber, second.pointer(), id);
-    EXPECT_EQ(grabber.log().size(), std::size(forwarded));
-    EXPECT_EQ(grabber.lastError(), FG_ERR_GRANULARITY);
+    // For these ids the runtime takes the text back, and nothing is stored.
+    Grabber resolving;
+    board.log_kinds(resolving.device, VBOARD_RESOLVE);
+    resolving.bringUp(1);
+    int uid = 0;
+    for (const std::string& line : resolving.log())
+        std::sscanf(line.c_str(), "resolve Device1_Process0_AppletProperties_AppletUid = %d", &uid);
+    ASSERT_GT(uid, 0);
+    const int strings = live("strings");
+    for (const int id : {601, 3050, 3060, 3070, 3080, 3090, 5210}) {
+        char* text = nullptr;
+        ASSERT_EQ(grabber.get(anyParameter + uid, &text, 0, FG_PARAM_ALLOCATED_STRING), 0);
+        ASSERT_EQ(grabber.set(FG_WIDTH, 1022u), FG_ERR_GRANULARITY);
+        EXPECT_EQ(release(grabber, text, id), 0) << id;
+        EXPECT_EQ(live("strings"), strings) << id;
+        EXPECT_EQ(release(grabber, nullptr, id), FG_ERR_INVALID_ARGUMENT) << "the runtime's own refusal";
+        EXPECT_EQ(grabber.lastError(), FG_ERR_GRANULARITY) << id;
+    }
 
     // Unlike set and get, the code for an unknown DMA channel leaves the function as it was thrown.
-    for (const int id : {paramDescr, 3050}) try {
+    for (const int id : {paramDescr, 3050})
+        try {
             release(grabber, second.pointer(), id, 5);
             ADD_FAILURE() << "nothing was thrown for id " << id;
         } catch (int code) {

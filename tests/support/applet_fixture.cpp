@@ -31,12 +31,7 @@ void* functionOf(const char* library, const char* function) {
     return found;
 }
 
-int live(const char* what) {
-    static const auto count =
-        reinterpret_cast<int (*)(const char*)>(functionOf("libvexo_hw.so", "vboard_live"));
-    if (count == nullptr) throw std::runtime_error("the virtual board lacks vboard_live");
-    return count(what);
-}
+int live(const char* what) { return host().board().live(what); }
 
 namespace {
 
@@ -157,8 +152,8 @@ Lines AppletLog::take() {
 }
 
 std::string AppletLog::line(int level, const std::string& text) {
-    return "[" + std::to_string(level) + "] vexo.wrapper.Grab_TwinLaneLineColor: thread-id=" +
-           std::to_string(pthread_self()) + "|" + text;
+    return "[" + std::to_string(level) +
+           "] vexo.wrapper.Grab_TwinLaneLineColor: thread-id=" + std::to_string(pthread_self()) + "|" + text;
 }
 
 void AppletTest::TearDown() {

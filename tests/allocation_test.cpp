@@ -1,0 +1,93 @@
+// A routed access of a number allocates nothing.
+//
+// The program's own malloc family takes the place of the C library's, for this library too: operator new of
+// the standard library ends here as well.
+
+#include "support/applet_fixture.h"
+#include "support/sanitizers.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+std::atomic<long> allocations{0};
+}
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+extern "C" {
+#pragma GCC visibility push(default)
+void* __libc_malloc(size_t size);
+void* __libc_calloc(size_t count, size_t size);
+void* __libc_realloc(void* block, size_t size);
+void* __libc_memalign(size_t alignment, size_t size);
+
+void* malloc(size_t size) {
+    ++allocations;
+    return __libc_malloc(size);
+}
+void* calloc(size_t count, size_t size) {
+    ++allocations;
+    return __libc_calloc(count, size);
+}
+void* realloc(void* block, size_t size) {
+    ++allocations;
+    return __libc_realloc(block, size);
+}
+void* aligned_alloc(size_t alignment, size_t size) {
+    ++allocations;
+    return __libc_memalign(alignment, size);
+}
+#pragma GCC visibility pop
+}
+#endif
+
+namespace {
+
+using namespace support;
+
+class Allocation : public AppletTest {
+protected:
+    void SetUp() override {
+        if (underAddressSanitizer || underThreadSanitizer) GTEST_SKIP() << "the sanitizer owns malloc";
+        board.log_kinds(m_grabber.device, 0); // the board's own log would count
+        m_grabber.bringUp();
+    }
+    /** Allocations of a call; the first, uncounted one settles what is made once. */
+    template <typename Call> static long countOf(Call call) {
+        call();
+        const long before = allocations;
+        call();
+        return allocations - before;
+    }
+    Grabber m_grabber;
+};
+
+TEST_F(Allocation, NoneInARoutedAccessOfANumber) {
+    std::uint32_t word = 0;
+    double number = 0;
+    for (const int id : {FG_WIDTH, FG_HEIGHT, FG_VANTAGEPOINT, FG_LINETRIGGERMODE, FG_EXSYNCON, FG_TIMEOUT}) {
+        ASSERT_EQ(m_grabber.get(id, &word), 0) << id;
+        EXPECT_EQ(countOf([&] { m_grabber.get(id, &word); }), 0) << "get " << id;
+        EXPECT_EQ(countOf([&] { EXPECT_EQ(m_grabber.set(id, word), 0); }), 0) << "set " << id;
+    }
+    for (const int id : {FG_LINEPERIODE, FG_LINEEXPOSURE, FG_LINETRIGGERDELAY}) {
+        ASSERT_EQ(m_grabber.get(id, &number, 0, FG_PARAM_DOUBLE), 0) << id;
+        EXPECT_EQ(countOf([&] { m_grabber.get(id, &number, 0, FG_PARAM_DOUBLE); }), 0) << "get " << id;
+        EXPECT_EQ(countOf([&] { EXPECT_EQ(m_grabber.set(id, number), 0); }), 0) << "set " << id;
+    }
+    // Bottom right needs reads as well.
+    ASSERT_EQ(m_grabber.set(FG_VANTAGEPOINT, 3u), 0);
+    EXPECT_EQ(countOf([&] { EXPECT_EQ(m_grabber.set(FG_HEIGHT, 512u), 0); }), 0);
+    EXPECT_EQ(countOf([&] { m_grabber.get(FG_NR_OF_PROCESSES, &word); }), 0);
+}
+
+TEST_F(Allocation, OfTheLibraryIsSeenHere) {
+    EXPECT_GE(countOf([&] {
+                  alignas(8) char place[64] = "FG_WIDTH";
+                  EXPECT_EQ(m_grabber.get(24114, place, 0, FG_PARAM_ALLOCATED_STRING), 0);
+              }),
+              1);
+}
+
+} // namespace
