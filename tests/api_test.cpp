@@ -145,7 +145,7 @@ TEST_F(Api, TypedGetClearsALongWordFirst) {
 TEST_F(Api, StringFreeRefusesOtherTagsWithoutStoring) {
     Grabber grabber;
     grabber.bringUp();
-    ASSERT_EQ(grabber.set(FG_WIDTH, 3u), FG_ERR_GRANULARITY);
+    ASSERT_EQ(grabber.set(FG_WIDTH, 1022u), FG_ERR_GRANULARITY);
     char text[] = "text";
     for (const int tag : {1, 2, 6, 0, -22, 4096})
         EXPECT_EQ(applet.Fg_freeParameterStringWithType(grabber.fg(), 24114, text, 5, tag), FG_ERR_STRING_TAG)
