@@ -315,7 +315,7 @@ TEST(Appletctl, WorksWithoutABoard) {
     EXPECT_EQ(run({"--offline", "list", "DRA_*"}, {"VEXO_ENABLE_DRA=on"}).exitCode, 2);
 }
 
-TEST(Appletctl, NamesTheLibraryThatItCannotLoad) {
+TEST(Appletctl, NamesTheFileThatItCannotLoad) {
     const Outcome absent = run({"get", "FG_WIDTH", "--applet", "/nowhere/libx.so"});
     EXPECT_EQ(absent.exitCode, 1);
     EXPECT_TRUE(contains(absent.err, "libx.so was looked for in /nowhere, and there is none")) << absent.err;
@@ -327,12 +327,18 @@ TEST(Appletctl, NamesTheLibraryThatItCannotLoad) {
     std::filesystem::remove(file);
     EXPECT_EQ(broken.exitCode, 1);
     EXPECT_TRUE(contains(broken.err, "cannot be loaded: ")) << broken.err;
+
+    const Outcome design = run({"get", "FG_WIDTH"}, {"__VEXO_FORCE_EXTERNAL_TSL="});
+    EXPECT_EQ(design.exitCode, 1);
+    EXPECT_TRUE(contains(design.err, "-100, ")) << design.err;
+    EXPECT_TRUE(contains(design.err, "looked for the file Grab_TwinLaneLineColor.tsl")) << design.err;
 }
 
 TEST(Appletctl, ReachesRegistersAndDesignParameters) {
     const Words environment{"VEXO_ENABLE_DRA=on", "VEXO_ENABLE_DLOOMA=yes"};
     int writable = 0;
-    for (const json& reg : document({"list", "DRA_*"}, environment)["parameters"]) {
+    const json registers = document({"list", "DRA_*"}, environment)["parameters"];
+    for (const json& reg : registers) {
         EXPECT_GT(reg["id"], 1000000);
         if (reg["access"] == "ro") continue;
         ++writable;

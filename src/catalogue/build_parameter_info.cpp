@@ -180,7 +180,7 @@ void FgLoomWrapperImpl::buildParameterInfo() {
         const SdkParameter* parameter = findParameter(row.id);
         RegisterInfo* record =
             std::visit(AddParameter{parameterInfo(), groupOfRow[i], row, parameter->name}, row.content);
-        m_registerInfos[static_cast<std::size_t>(parameter - sdkParameters)] = record;
+        m_registerInfos[static_cast<std::size_t>(parameter - sdkParameters.data())] = record;
     }
     if (m_directRegisterAccess) addDirectRegisters();
     if (!m_directParameterIdByName.empty()) addDirectParameters();

@@ -24,13 +24,12 @@ template <> inline constexpr FgParamTypes tagOf<std::uint64_t> = FG_PARAM_UINT64
 template <> inline constexpr FgParamTypes tagOf<double> = FG_PARAM_DOUBLE;
 
 /**
- * A setter or getter is named after its parameter. `m_lock` is held for the whole of a routed set or get and
+ * A setter is named after its parameter. `m_lock` is held for the whole of a routed set or get and
  * nowhere else; setters call each other directly, never through the routing. A failure is a thrown `int`.
  */
 class FgLoomWrapperImpl final : public FgLoomWrapper {
 public:
     static constexpr std::size_t publicParameters = 164;
-    static constexpr std::size_t designParameters = 138;
 
     /** `offline` makes an object without board and runtime and brings it up at once. */
     FgLoomWrapperImpl(int ports, bool offline);
@@ -72,9 +71,6 @@ public:
     void discoverDebugInterface();    // image/debug_interface.cpp
     void applyDefaults();             // entry/bring_up.cpp
 
-    /** Logs and refuses a set of a read-only parameter. */
-    [[noreturn]] void refuseWriteTo(const char* name);
-
 private:
     // ---- Routing: entry/routing.cpp
 
@@ -83,15 +79,17 @@ private:
     int writeRegister(int reg, const void* value);
     int readRegister(int reg, void* value);
     static int processOfDma(int dma);
+    [[noreturn]] void refuseWriteTo(const char* name);
     [[noreturn]] void refuseUnknown(const char* verb, int id);
+    std::uint32_t numberOfProcesses();
     bool isDirectRegister(int id) const;
     /** Gives a text to a caller: into his buffer, or as a new string that this object owns. */
     template <typename Writer> void giveText(void* value, FgParamTypes type, Writer write);
     void readDescription(void* value, FgParamTypes type);
 
     std::atomic<vexo::tools::logging::Logger*> m_logger{nullptr};
-    alignas(
-        64) vexo::templates::platform::CriticalSection m_lock; // fills the one cache line that waiters share
+    // Fills a cache line: what waiting threads pass around holds nothing else.
+    alignas(64) vexo::templates::platform::CriticalSection m_lock;
     bool m_directRegisterAccess = false;
     std::mutex m_allocatedStringsLock;
     std::unordered_set<const char*> m_allocatedStrings;
@@ -100,8 +98,19 @@ private:
     // ---- Design parameters: entry/design_parameters.cpp
 
     void writeDesign(std::int32_t id, const char* name, const void* value, int dma, FgParamTypes type,
-                     bool raise);
-    void readDesign(std::int32_t id, const char* name, void* value, int dma, FgParamTypes type, bool raise);
+                     bool raise) {
+        const int result =
+            value != nullptr ? setUnwrappedParameterWithType(id, value, dma, type) : FG_ERR_INVALID_ARGUMENT;
+        if (result != FG_OK) accessFailed("Setting", name, id, value, result, raise);
+    }
+    void readDesign(std::int32_t id, const char* name, void* value, int dma, FgParamTypes type, bool raise) {
+        const int result =
+            value != nullptr ? getUnwrappedParameterWithType(id, value, dma, type) : FG_ERR_INVALID_ARGUMENT;
+        if (result != FG_OK) accessFailed("Getting", name, id, value, result, raise);
+    }
+    /** Logs what the runtime refused; a null value never reached it. Throws the code if `raise`. */
+    void accessFailed(const char* verb, const char* name, std::int32_t id, const void* value, int result,
+                      bool raise);
 
     // ---- Names and trees: catalogue/publish_parameter_tables.cpp, catalogue/build_parameter_info.cpp
 
@@ -227,16 +236,17 @@ private:
 
     friend struct DesignParameterTable;
 
-public:
-    // ---- Setters and getters of the parameters, for the routing: set_FG_X, get_FG_X
+    // ---- Setters of the parameters: set_FG_X. A get answers from the source that the parameter's row names.
 
-#define SETTABLE(parameter, kind, start)                                                                     \
-    void set_##parameter(kinds::kind::Value value, bool raise);                                              \
-    void get_##parameter(kinds::kind::Value* out);
-#define READ_ONLY(parameter, kind) void get_##parameter(kinds::kind::Value* out);
+#define SETTABLE(parameter, kind, source, start) void set_##parameter(kinds::kind::Value value, bool raise);
+#define READ_ONLY(parameter, kind, source)
 #include "catalogue/sdk_parameters.def"
 #undef SETTABLE
 #undef READ_ONLY
+
+    static constexpr char nothing = 0; // the source of parameters that have none here
+
+    friend struct SdkParameterTable;
 };
 
 #endif

@@ -46,8 +46,6 @@ void FgLoomWrapperImpl::set_FG_TIMEOUT(std::uint32_t value, bool raise) {
     m_timeout = value;
 }
 
-void FgLoomWrapperImpl::get_FG_TIMEOUT(std::uint32_t* out) { give(out, m_timeout); }
-
 void* Std_entry(LOOMdevice* device, int* error, int flags) {
     int unwanted = FG_OK;
     int& result = error != nullptr ? *error : unwanted;

@@ -40,22 +40,9 @@ void FgLoomWrapperImpl::resolveDesignParameterIds() {
     }
 }
 
-void FgLoomWrapperImpl::writeDesign(std::int32_t id, const char* name, const void* value, int dma,
-                                    FgParamTypes type, bool raise) {
-    const int result =
-        value != nullptr ? setUnwrappedParameterWithType(id, value, dma, type) : FG_ERR_INVALID_ARGUMENT;
-    if (result == FG_OK) return;
+void FgLoomWrapperImpl::accessFailed(const char* verb, const char* name, std::int32_t id, const void* value,
+                                     int result, bool raise) {
     if (value != nullptr)
-        log(failedAccess, "Setting LOOM parameter '", name, "' (ID: ", id, ") failed: result = ", result);
-    if (raise) refuse(result);
-}
-
-void FgLoomWrapperImpl::readDesign(std::int32_t id, const char* name, void* value, int dma, FgParamTypes type,
-                                   bool raise) {
-    const int result =
-        value != nullptr ? getUnwrappedParameterWithType(id, value, dma, type) : FG_ERR_INVALID_ARGUMENT;
-    if (result == FG_OK) return;
-    if (value != nullptr)
-        log(failedAccess, "Getting LOOM parameter '", name, "' (ID: ", id, ") failed: result = ", result);
+        log(failedAccess, verb, " LOOM parameter '", name, "' (ID: ", id, ") failed: result = ", result);
     if (raise) refuse(result);
 }

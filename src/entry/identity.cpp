@@ -14,8 +14,8 @@ int FgLoomWrapperImpl::Fg_getNrOfParameter() {
 
 const char* FgLoomWrapperImpl::Fg_getParameterName(int index) {
     const char* name = nullptr;
-    if (index >= 0 && static_cast<std::size_t>(index) < publicParameters)
-        name = sdkParameters[index].name;
+    if (const auto position = static_cast<std::size_t>(index); position < sdkParameters.size())
+        name = sdkParameters[position].name;
     else if (const auto found = m_directNameByIndex.find(index); found != m_directNameByIndex.end())
         name = found->second.c_str();
     setError(name != nullptr ? FG_OK : FG_ERR_INVALID_ARGUMENT);

@@ -1,8 +1,8 @@
 /**
  * How the value of a parameter is taken from the caller and given to it.
  *
- * Each kind makes plain functions out of a parameter's setter and getter, for the table of
- * entry/sdk_parameters.h. A kind that cannot serve an access gives null, and the id then answers as unknown.
+ * Each kind makes the columns of entry/sdk_parameters.h out of a parameter's setter and source. What a kind
+ * cannot serve stays empty, and the id then answers as unknown.
  */
 #ifndef ENTRY_PARAMETER_KINDS_H
 #define ENTRY_PARAMETER_KINDS_H
@@ -16,11 +16,17 @@
 class FgLoomWrapperImpl;
 struct SdkParameter;
 
-using SetFunction = void(FgLoomWrapperImpl& wrapper, const SdkParameter& parameter, const void* value,
-                         FgParamTypes type);
+using SetFunction = void(FgLoomWrapperImpl& wrapper, const void* value, FgParamTypes type);
 using GetFunction = void(FgLoomWrapperImpl& wrapper, const SdkParameter& parameter, void* value, int dma,
                          FgParamTypes type);
 using StartFunction = void(FgLoomWrapperImpl& wrapper);
+
+/** Where a get finds its answer: most parameters are plain members, which need no call. */
+struct Reading {
+    std::uint32_t FgLoomWrapperImpl::*word = nullptr;
+    double FgLoomWrapperImpl::*number = nullptr;
+    GetFunction* function = nullptr;
+};
 
 /** In the place of a start value: the start-up sequence does not set the parameter. */
 inline constexpr struct NoDefaultType {
@@ -33,24 +39,27 @@ template <typename T> struct Number {
     using Value = T;
 
     template <typename Setter> static constexpr SetFunction* setter(Setter) {
-        return [](FgLoomWrapperImpl& wrapper, const SdkParameter&, const void* value, FgParamTypes) {
+        return [](FgLoomWrapperImpl& wrapper, const void* value, FgParamTypes) {
             T number;
             std::memcpy(&number, value, sizeof number);
             Setter{}(wrapper, number, true);
         };
     }
 
-    template <typename Getter> static constexpr GetFunction* getter(Getter) {
-        return [](FgLoomWrapperImpl& wrapper, const SdkParameter&, void* value, int, FgParamTypes) {
-            if (reinterpret_cast<std::uintptr_t>(value) % alignof(T) == 0) {
-                Getter{}(wrapper, static_cast<T*>(value));
-                return;
-            }
-            T number;
-            std::memcpy(&number, value, sizeof number); // a getter may leave its place alone
-            Getter{}(wrapper, &number);
-            std::memcpy(value, &number, sizeof number);
-        };
+    static constexpr Reading reading(std::uint32_t FgLoomWrapperImpl::*member, auto) {
+        static_assert(std::is_same_v<T, std::uint32_t>);
+        return {.word = member};
+    }
+    static constexpr Reading reading(double FgLoomWrapperImpl::*member, auto) {
+        static_assert(std::is_same_v<T, double>);
+        return {.number = member};
+    }
+    template <typename Read> static constexpr Reading reading(T (FgLoomWrapperImpl::*)(), Read) {
+        return {
+            .function = [](FgLoomWrapperImpl& wrapper, const SdkParameter&, void* value, int, FgParamTypes) {
+                const T number = Read{}(wrapper);
+                std::memcpy(value, &number, sizeof number);
+            }};
     }
 
     template <typename Setter, typename Start> static constexpr StartFunction* starter(Setter, Start) {
@@ -66,8 +75,7 @@ using Double = Number<double>;
 
 /** The runtime has the value: reads go straight to it. */
 struct Runtime {
-    using Value = void;
-    template <typename Getter> static constexpr GetFunction* getter(Getter) { return readRuntime; }
+    static constexpr Reading reading(auto, auto) { return {.function = readRuntime}; }
     static void readRuntime(FgLoomWrapperImpl& wrapper, const SdkParameter& parameter, void* value, int dma,
                             FgParamTypes type);
 };
@@ -75,16 +83,10 @@ struct Runtime {
 /** The subject is not built yet. */
 struct NotYet {
     using Value = NotYet;
-    template <typename Setter> static constexpr SetFunction* setter(Setter) { return nullptr; }
-    template <typename Getter> static constexpr GetFunction* getter(Getter) { return nullptr; }
-    template <typename Setter, typename Start> static constexpr StartFunction* starter(Setter, Start) {
-        return nullptr;
-    }
+    static constexpr SetFunction* setter(auto) { return nullptr; }
+    static constexpr Reading reading(auto, auto) { return {}; }
+    static constexpr StartFunction* starter(auto, auto) { return nullptr; }
 };
-
-/** Answers a set of a read-only parameter: logged, and not available. */
-void refuseWrite(FgLoomWrapperImpl& wrapper, const SdkParameter& parameter, const void* value,
-                 FgParamTypes type);
 
 } // namespace kinds
 

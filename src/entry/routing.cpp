@@ -31,6 +31,9 @@ bool isServedByRuntime(int id) {
     }
 }
 
+/** Stores a number at the caller's place, wherever that is aligned. */
+template <typename T> void store(void* place, T number) { std::memcpy(place, &number, sizeof number); }
+
 /** The result of an access that throws its code. Other exceptions are not ours and go on. */
 template <typename Access> int resultOf(Access access) {
     try {
@@ -53,8 +56,10 @@ inline void FgLoomWrapperImpl::setParameter(int id, const void* value, int dma, 
     processOfDma(dma);
     if (id == FG_PARAM_DESCR) refuseWriteTo("FG_PARAM_DESCR");
     const SdkParameter* parameter = findParameter(id);
-    if (parameter == nullptr || parameter->set == nullptr) refuseUnknown("set", id);
-    parameter->set(*this, *parameter, value, type);
+    if (parameter == nullptr) refuseUnknown("set", id);
+    if (parameter->readOnly) refuseWriteTo(parameter->name);
+    if (parameter->set == nullptr) refuseUnknown("set", id);
+    parameter->set(*this, value, type);
 }
 
 inline void FgLoomWrapperImpl::getParameter(int id, void* value, int dma, FgParamTypes type) {
@@ -62,8 +67,12 @@ inline void FgLoomWrapperImpl::getParameter(int id, void* value, int dma, FgPara
     if (id != FG_NR_OF_PROCESSES) processOfDma(dma);
     if (id == FG_PARAM_DESCR) return readDescription(value, type);
     const SdkParameter* parameter = findParameter(id);
-    if (parameter == nullptr || parameter->get == nullptr) refuseUnknown("get", id);
-    parameter->get(*this, *parameter, value, dma, type);
+    if (parameter == nullptr) refuseUnknown("get", id);
+    const Reading& reading = parameter->reading;
+    if (reading.word != nullptr) return store(value, this->*reading.word);
+    if (reading.number != nullptr) return store(value, this->*reading.number);
+    if (reading.function == nullptr) refuseUnknown("get", id);
+    reading.function(*this, *parameter, value, dma, type);
 }
 
 int FgLoomWrapperImpl::Fg_setParameterWithType(int id, const void* value, int dma, FgParamTypes type) {
@@ -116,8 +125,8 @@ void FgLoomWrapperImpl::refuseWriteTo(const char* name) {
     refuse(FG_ERR_NOT_AVAILABLE);
 }
 
-void FgLoomWrapperImpl::get_FG_NR_OF_PROCESSES(std::uint32_t* out) {
-    give(out, static_cast<std::uint32_t>(Info(4608, 0, 0, nullptr, nullptr)));
+std::uint32_t FgLoomWrapperImpl::numberOfProcesses() {
+    return static_cast<std::uint32_t>(Info(4608, 0, 0, nullptr, nullptr));
 }
 
 template <typename Writer> void FgLoomWrapperImpl::giveText(void* value, FgParamTypes type, Writer write) {

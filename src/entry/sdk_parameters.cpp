@@ -5,18 +5,18 @@
 namespace {
 
 consteval bool idsAreUnique() {
-    for (std::size_t i = 0; i < sdkParameterCount; ++i)
+    for (std::size_t i = 0; i < sdkParameters.size(); ++i)
         for (std::size_t k = 0; k < i; ++k)
             if (sdkParameters[i].id == sdkParameters[k].id) return false;
     return true;
 }
 
-static_assert(sdkParameterCount == 164);
+static_assert(sdkParameters.size() == 164);
 static_assert(idsAreUnique());
 
-constexpr PerfectIndex<sdkParameterCount> indexByName{[] {
-    std::array<std::uint32_t, sdkParameterCount> hashes{};
-    for (std::size_t i = 0; i < sdkParameterCount; ++i)
+constexpr PerfectIndex<sdkParameters.size()> indexByName{[] {
+    std::array<std::uint32_t, sdkParameters.size()> hashes{};
+    for (std::size_t i = 0; i < sdkParameters.size(); ++i)
         hashes[i] = hashOf(sdkParameters[i].name);
     return hashes;
 }()};
@@ -32,9 +32,4 @@ void kinds::Runtime::readRuntime(FgLoomWrapperImpl& wrapper, const SdkParameter&
                                  int dma, FgParamTypes type) {
     const int result = wrapper.getUnwrappedParameterWithType(parameter.id, value, dma, type);
     if (result != FG_OK) refuse(result);
-}
-
-void kinds::refuseWrite(FgLoomWrapperImpl& wrapper, const SdkParameter& parameter, const void*,
-                        FgParamTypes) {
-    wrapper.refuseWriteTo(parameter.name);
 }

@@ -8,46 +8,52 @@
 
 #include <array>
 #include <cstddef>
+#include <functional>
+#include <span>
+#include <string_view>
 
 struct SdkParameter {
     const char* name;
     int id;
-    SetFunction* set;     // null: cannot be set yet
-    GetFunction* get;     // null: cannot be read yet
+    bool readOnly;
+    SetFunction* set;     // null: read-only, or cannot be set yet
+    Reading reading;      // empty: cannot be read yet
     StartFunction* start; // null: not set by the start-up sequence
 };
 
-template <typename Kind, typename Setter, typename Getter, typename Start>
-constexpr SdkParameter settable(const char* name, int id, Setter setter, Getter getter, Start start) {
-    return {name, id, Kind::setter(setter), Kind::getter(getter), Kind::starter(setter, start)};
+template <typename Kind, typename Setter, typename Source, typename Read, typename Start>
+constexpr SdkParameter settableRow(const char* name, int id, Setter setter, Source source, Read read,
+                                   Start start) {
+    return {name, id, false, Kind::setter(setter), Kind::reading(source, read), Kind::starter(setter, start)};
 }
 
-template <typename Kind, typename Getter>
-constexpr SdkParameter readOnly(const char* name, int id, Getter getter) {
-    return {name, id, kinds::refuseWrite, Kind::getter(getter), nullptr};
+template <typename Kind, typename Source, typename Read>
+constexpr SdkParameter readOnlyRow(const char* name, int id, Source source, Read read) {
+    return {name, id, true, nullptr, Kind::reading(source, read), nullptr};
 }
 
-// The lambdas are generic so that a kind without a setter or getter names no member that does not exist.
-#define SETTABLE(parameter, kind, startValue)                                                                \
-    settable<kinds::kind>(                                                                                   \
+/** Holds the rows; a friend of the class whose members they name. */
+struct SdkParameterTable {
+    // The lambdas are generic so that a kind which has no use for them names no member that does not exist.
+#define READING(source)                                                                                      \
+    &FgLoomWrapperImpl::source, [](auto& wrapper) { return std::invoke(&FgLoomWrapperImpl::source, wrapper); }
+#define SETTABLE(parameter, kind, source, startValue)                                                        \
+    settableRow<kinds::kind>(                                                                                \
         #parameter, parameter,                                                                               \
         [](FgLoomWrapperImpl& wrapper, auto value, bool raise) { wrapper.set_##parameter(value, raise); },   \
-        [](FgLoomWrapperImpl& wrapper, auto* out) { wrapper.get_##parameter(out); },                         \
-        [] { return startValue; }),
-#define READ_ONLY(parameter, kind)                                                                           \
-    readOnly<kinds::kind>(#parameter, parameter,                                                             \
-                          [](FgLoomWrapperImpl& wrapper, auto* out) { wrapper.get_##parameter(out); }),
-
-/** In the order of the parameters' index. */
-inline constexpr SdkParameter sdkParameters[] = {
+        READING(source), [] { return startValue; }),
+#define READ_ONLY(parameter, kind, source) readOnlyRow<kinds::kind>(#parameter, parameter, READING(source)),
+    static constexpr SdkParameter rows[] = {
 #include "catalogue/sdk_parameters.def"
-};
-
+    };
 #undef SETTABLE
 #undef READ_ONLY
+#undef READING
+};
 
-inline constexpr std::size_t sdkParameterCount = std::size(sdkParameters);
-static_assert(sdkParameterCount == FgLoomWrapperImpl::publicParameters);
+/** In the order of the parameters' index. */
+inline constexpr std::span<const SdkParameter, FgLoomWrapperImpl::publicParameters> sdkParameters{
+    SdkParameterTable::rows};
 
 /** Index of a parameter that is known at compile time; an unknown id does not compile. */
 consteval std::size_t indexOf(int id) {
@@ -58,9 +64,9 @@ consteval std::size_t indexOf(int id) {
 }
 
 /** The parameters' positions by their ids, as 32-bit words. */
-inline constexpr PerfectIndex<sdkParameterCount> indexById{[] {
-    std::array<std::uint32_t, sdkParameterCount> ids{};
-    for (std::size_t i = 0; i < sdkParameterCount; ++i)
+inline constexpr PerfectIndex<sdkParameters.size()> indexById{[] {
+    std::array<std::uint32_t, sdkParameters.size()> ids{};
+    for (std::size_t i = 0; i < ids.size(); ++i)
         ids[i] = static_cast<std::uint32_t>(sdkParameters[i].id);
     return ids;
 }()};

@@ -56,10 +56,4 @@ template <typename T> [[gnu::always_inline]] inline void requireRange(T value, T
     if ((value & 3u) != 0) refuse(FG_ERR_GRANULARITY);
 }
 
-/** What every getter does: refuses a null place, else gives the value. */
-template <typename T> void give(T* out, const T& value) {
-    if (out == nullptr) refuse(FG_ERR_INVALID_ARGUMENT);
-    *out = value;
-}
-
 #endif

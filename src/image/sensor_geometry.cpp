@@ -194,7 +194,7 @@ void FgLoomWrapperImpl::updateYOffsetRange() {
     republishMaximum(recordAt(indexOf(FG_YOFFSET)), [this] { return yOffsetLimit(); });
 }
 
-// ---- Setters and getters
+// ---- Setters
 
 void FgLoomWrapperImpl::set_FG_VANTAGEPOINT(std::uint32_t value, bool raise) {
     if (!raise) return quietly([&] { set_FG_VANTAGEPOINT(value, true); });
@@ -299,17 +299,3 @@ void FgLoomWrapperImpl::set_FG_YOFFSET(std::uint32_t value, bool raise) {
     updateSensorHeightRange();
     updateHeightRange();
 }
-
-void FgLoomWrapperImpl::get_FG_VANTAGEPOINT(std::uint32_t* out) { give(out, m_vantagePoint); }
-
-void FgLoomWrapperImpl::get_FG_SENSORWIDTH(std::uint32_t* out) { give(out, m_sensorWidth); }
-
-void FgLoomWrapperImpl::get_FG_SENSORHEIGHT(std::uint32_t* out) { give(out, m_sensorHeight); }
-
-void FgLoomWrapperImpl::get_FG_WIDTH(std::uint32_t* out) { give(out, m_width); }
-
-void FgLoomWrapperImpl::get_FG_HEIGHT(std::uint32_t* out) { give(out, m_height); }
-
-void FgLoomWrapperImpl::get_FG_XOFFSET(std::uint32_t* out) { give(out, m_xOffset); }
-
-void FgLoomWrapperImpl::get_FG_YOFFSET(std::uint32_t* out) { give(out, m_yOffset); }

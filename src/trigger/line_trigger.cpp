@@ -174,27 +174,3 @@ void FgLoomWrapperImpl::set_FG_LINETRIGGERDELAY(double value, bool raise) {
     loomSet_Process0_Trigger_Trigger_Exsync2Delay(value);
     stored.keep();
 }
-
-void FgLoomWrapperImpl::get_FG_LINETRIGGERMODE(std::uint32_t* out) { give(out, m_lineTriggerMode); }
-
-void FgLoomWrapperImpl::get_FG_EXSYNCON(std::uint32_t* out) { give(out, m_exsyncOn); }
-
-void FgLoomWrapperImpl::get_FG_LINETRIGGERINSRC(std::uint32_t* out) { give(out, m_lineTriggerInSrc); }
-
-void FgLoomWrapperImpl::get_FG_LINETRIGGERINPOLARITY(std::uint32_t* out) {
-    give(out, m_lineTriggerInPolarity);
-}
-
-void FgLoomWrapperImpl::get_FG_LINETRIGGERDEBOUNCING(double* out) { give(out, m_lineTriggerDebouncing); }
-
-void FgLoomWrapperImpl::get_FG_LINE_DOWNSCALE(std::uint32_t* out) { give(out, m_lineDownscale); }
-
-void FgLoomWrapperImpl::get_FG_LINE_DOWNSCALEINIT(std::uint32_t* out) { give(out, m_lineDownscaleInit); }
-
-void FgLoomWrapperImpl::get_FG_LINEPERIODE(double* out) { give(out, m_linePeriode); }
-
-void FgLoomWrapperImpl::get_FG_LINEEXPOSURE(double* out) { give(out, m_lineExposure); }
-
-void FgLoomWrapperImpl::get_FG_EXSYNCPOLARITY(std::uint32_t* out) { give(out, m_exsyncPolarity); }
-
-void FgLoomWrapperImpl::get_FG_LINETRIGGERDELAY(double* out) { give(out, m_lineTriggerDelay); }
