@@ -328,8 +328,12 @@ TEST(Loading, EverythingIsUnloadedAfterTheLastHandle) {
         for (int i = 0; i < 3; ++i) {
             applet_host::Session session(libraries, i % 2);
             EXPECT_EQ(session.error, 0);
+            // The first refusal binds the dispatcher, the end of the last object lets it go.
+            libraries.applet().Fg_setParameterWithType(session.fg(), 12345, &i, 0, FG_PARAM_UINT32);
+            EXPECT_TRUE(isLoaded("libcommon-logging-dispatcher.so"));
         }
         EXPECT_TRUE(isLoaded("libgrabcore5.so"));
+        EXPECT_FALSE(isLoaded("libcommon-logging-dispatcher.so"));
     }
     EXPECT_FALSE(isLoaded("libGrab_TwinLaneLineColor.so"));
     EXPECT_FALSE(isLoaded("libgrabcore5.so"));
