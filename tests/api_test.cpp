@@ -173,6 +173,16 @@ TEST_F(Api, TemporaryFileNames) {
     close(a);
     close(b);
 
+    // The shortest pattern is the six places alone.
+    const auto before = std::filesystem::current_path();
+    std::filesystem::current_path(folder);
+    std::string shortest = "XXXXXX";
+    const int c = applet.mkstemps(shortest.data(), 0);
+    EXPECT_GE(c, 0);
+    EXPECT_NE(shortest, "XXXXXX");
+    close(c);
+    std::filesystem::current_path(before);
+
     const std::pair<const char*, int> refused[] = {
         {"abc", 0},
         {"XXXXXX", 1},
