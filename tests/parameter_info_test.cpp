@@ -345,8 +345,10 @@ TEST(ParameterInfo, NothingIsLeftBehind) {
         tree.setEnumEntryToolTip(choice, 0, "tip");
         tree.setEnumEntryGenICamName(choice, 0, "Name");
         tree.setDescription(text, "description");
+        tree.setDescription(text, "another one");
         tree.setToolTip(text, "tip");
         tree.setGenICamName(text, "Name");
+        tree.add(text, tree.addGroupInfo(0, group, "Another parent"));
         tree.addInvalidatingName(text, "FG_OTHER");
         tree.addInvalidatingName(text, "FG_ANOTHER");
         tree.init(0);

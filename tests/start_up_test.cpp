@@ -1,0 +1,92 @@
+// What a start writes: the defaults, one setter after the other, each for itself.
+
+#include "support/parameter_test.h"
+
+#include <set>
+
+namespace {
+
+using namespace support;
+
+/** The expected accesses of a normal start, one section for each setter. */
+std::vector<Lines> expectedSections() {
+    std::vector<Lines> sections;
+    for (const std::string& line : dataLines("start_up_writes.txt")) {
+        if (line.starts_with("# "))
+            sections.emplace_back();
+        else
+            sections.back().push_back(line);
+    }
+    return sections;
+}
+
+class StartUpTest : public AppletTest {
+protected:
+    /** Brings a handle up on a board whose memory has the widths that the listing tells. */
+    void start(Grabber& grabber, int flags) {
+        for (const auto& [name, value] : {std::pair{"DRAM_DRAM_A_0_Imp_DRAM_RamAddressWidth", 24},
+                                          {"DRAM_DRAM_A_0_Imp_DRAM_RamDataWidth", 512},
+                                          {"LinkPixelSpace_Parallelism", 32}}) {
+            const std::string full = std::string("Device1_Process0_Buffer_0_") + name;
+            ASSERT_EQ(board.poke_int(grabber.device, full.c_str(), value), VBOARD_OK);
+        }
+        ASSERT_EQ(grabber.bringUp(flags).error, FG_OK);
+    }
+};
+
+TEST_F(StartUpTest, WritesTheDefaultsInOrder) {
+    Grabber grabber;
+    start(grabber, 0);
+    Lines expected;
+    for (const Lines& section : expectedSections())
+        expected.insert(expected.end(), section.begin(), section.end());
+    EXPECT_EQ(grabber.log(), expected);
+}
+
+TEST_F(StartUpTest, LeavesTheBoardAloneForASlave) {
+    Grabber grabber;
+    start(grabber, 1);
+    EXPECT_EQ(grabber.log(), Lines{});
+}
+
+TEST_F(StartUpTest, AFailingDefaultEndsItsOwnSetterOnly) {
+    const std::vector<Lines> sections = expectedSections();
+    std::set<std::string> names;
+    for (const Lines& section : sections)
+        for (const std::string& line : section)
+            names.insert(line.substr(4, line.find(' ', 4) - 4));
+    ASSERT_GE(names.size(), 25u);
+    for (const std::string& name : names) {
+        Grabber grabber;
+        ASSERT_EQ(board.fail_name(grabber.device, name.c_str(), -4711), VBOARD_OK);
+        start(grabber, 0);
+        Lines expected;
+        for (const Lines& section : sections) {
+            for (std::string line : section) {
+                const bool fails = line.substr(4, name.size() + 1) == name + " ";
+                if (fails && line.starts_with("get ")) line.erase(line.rfind(' '));
+                expected.push_back(fails ? line + " = -4711" : line);
+                if (fails) break;
+            }
+        }
+        EXPECT_EQ(grabber.log(), expected) << name;
+    }
+}
+
+class TimeoutTest : public ParameterTest {};
+
+TEST_F(TimeoutTest, IsKeptInTheObjectAlone) {
+    EXPECT_EQ(get<std::uint32_t>(FG_TIMEOUT), 1000000u);
+    for (const std::uint32_t value : {2u, 2147483646u, 3u}) {
+        EXPECT_EQ(set(FG_TIMEOUT, value), 0);
+        EXPECT_EQ(get<std::uint32_t>(FG_TIMEOUT), value);
+    }
+    for (const std::uint32_t value : {0u, 1u, 2147483647u, ~0u}) {
+        EXPECT_EQ(set(FG_TIMEOUT, value), -6000);
+        EXPECT_EQ(lastError(), -6000);
+        EXPECT_EQ(get<std::uint32_t>(FG_TIMEOUT), 3u);
+    }
+    EXPECT_EQ(log(), Lines{});
+}
+
+} // namespace
