@@ -145,7 +145,7 @@ TEST_F(Api, TypedGetClearsALongWordFirst) {
 TEST_F(Api, StringFreeRefusesOtherTagsWithoutStoring) {
     Grabber grabber;
     grabber.bringUp();
-    ASSERT_EQ(grabber.set(FG_WIDTH, 3u), FG_ERR_GRANULARITY);
+    ASSERT_EQ(grabber.set(FG_WIDTH, 1022u), FG_ERR_GRANULARITY);
     char text[] = "text";
     for (const int tag : {1, 2, 6, 0, -22, 4096})
         EXPECT_EQ(applet.Fg_freeParameterStringWithType(grabber.fg(), 24114, text, 5, tag), FG_ERR_STRING_TAG)
@@ -172,6 +172,16 @@ TEST_F(Api, TemporaryFileNames) {
     EXPECT_EQ(fcntl(a, F_GETFL) & O_ACCMODE, O_RDWR);
     close(a);
     close(b);
+
+    // The shortest pattern is the six places alone.
+    const auto before = std::filesystem::current_path();
+    std::filesystem::current_path(folder);
+    std::string shortest = "XXXXXX";
+    const int c = applet.mkstemps(shortest.data(), 0);
+    EXPECT_GE(c, 0);
+    EXPECT_NE(shortest, "XXXXXX");
+    close(c);
+    std::filesystem::current_path(before);
 
     const std::pair<const char*, int> refused[] = {
         {"abc", 0},

@@ -62,7 +62,7 @@ TEST_F(Identity, TheParametersInTheirOrder) {
     }
     const std::string longName(5000, 'F');
     for (const char* name : {static_cast<const char*>(nullptr), "", "fg_timeout", "FG_TIMEOUT ", "FG_TIMEOU",
-                             "FG_TIMEOUTS", "FG_PARAM_DESCR", "FG_NR_OF_DMAS", "~", "A", longName.c_str()})
+                             "FG_TIMEOUTS", "FG_PARAM_DESCR", "~", "A", longName.c_str()})
         EXPECT_EQ(idOf(grabber, name), FG_ERR_INVALID_ARGUMENT) << (name != nullptr ? name : "null");
 }
 

@@ -140,14 +140,11 @@ TEST_F(InfoTest, EnumerationNames) {
 TEST_F(InfoTest, InstanceWithoutABoard) {
     setVariable("VEXO_ENABLE_DRA", "1"); // has no effect on it
     const int designs = live("designs");
-    LOOMdevice* device = nullptr;
     void* instance = nullptr;
     ASSERT_EQ(applet.Info(4864, 0, 0, nullptr, nullptr), FG_ERR_INVALID_ARGUMENT);
     ASSERT_EQ(applet.Info(4864, 0, 0, nullptr, &instance), 0);
     ASSERT_NE(instance, nullptr);
     EXPECT_EQ(live("designs"), designs + 1);
-    EXPECT_EQ(applet.Info(4144, 0, 0, &device, nullptr), 0);
-    EXPECT_EQ(device, nullptr) << "no board was initialised";
 
     RegisterInfo* root = nullptr;
     EXPECT_EQ(applet.Info(4880, 0, 0, instance, &root), 0);

@@ -19,10 +19,10 @@ struct Loggers {
     std::map<std::uint64_t, std::string> nameByHandle; // handles count from 1
 };
 
-/** Never destroyed: lines may come until the very end of the process. */
+/** Goes when this library is unloaded, so that loading it again and again leaves nothing behind. */
 Loggers& loggers() {
-    static auto* all = new Loggers;
-    return *all;
+    static Loggers all;
+    return all;
 }
 
 std::uint32_t threshold() {
