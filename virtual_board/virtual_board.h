@@ -30,8 +30,7 @@ void vboard_close(LOOMdevice* board);
 /** Puts start values back, clears the log and forgets faults and forced answers. */
 void vboard_reset(LOOMdevice* board);
 
-/** How many "boards", "designs", "handles" (inner ones) or "strings" (handed out by the runtime) are alive.
- */
+/** How many "boards", "designs", "handles" (inner) or "strings" (of the runtime) are alive. */
 int vboard_live(const char* what);
 
 /** Takes a design parameter (full name, "Device1_...") out of every design or puts it back. */
@@ -59,8 +58,7 @@ enum {
     VBOARD_CALL = 32           /**< any other function of the runtime that takes the handle */
 };
 
-/** Which kinds of access are logged and count for faults. At start: SET, GET, REGISTER_WRITE, REGISTER_READ.
- */
+/** Which kinds of access are logged and count for faults. At start all but RESOLVE and CALL. */
 void vboard_log_kinds(LOOMdevice* board, unsigned mask);
 /** Number of accesses logged since the last clear. */
 size_t vboard_log_size(LOOMdevice* board);

@@ -140,10 +140,9 @@ enum FgInfoCode {
     FG_INFO_EVENT_RECORD = 5120
 };
 
-/** First id of direct register access is FG_DIRECT_REGISTER_BASE + 1, only with VEXO_ENABLE_DRA switched on.
- */
+/** Direct register access: register n has the id FG_DIRECT_REGISTER_BASE + n, if VEXO_ENABLE_DRA is on. */
 #define FG_DIRECT_REGISTER_BASE 1000000
-/** First id of direct design parameter access is FG_DIRECT_PARAMETER_BASE + 1. */
+/** Direct design parameter access: parameter n has the id FG_DIRECT_PARAMETER_BASE + n. */
 #define FG_DIRECT_PARAMETER_BASE 2000000
 
 /**
@@ -151,8 +150,8 @@ enum FgInfoCode {
  *
  * @param device  the runtime's board, kept as a handle only
  * @param error   receives 0 or the failure's code; may be null. FG_ERR_UNRESOLVED: the runtime's library or
- * its init function is not found; FG_ERR_INIT: the design cannot be loaded (the object is then left behind on
- * purpose); else the runtime's own code
+ *                its init function is not found; FG_ERR_INIT: the design cannot be loaded (the object is then
+ *                left behind on purpose), or the runtime's init failed and gives no reason; else its reason
  * @param flags   handed to the runtime. Bit 0 set leaves the hardware as it is: no default value is written
  * @return the object, to be stored in the first word of the caller's handle; null on failure. Fg_FreeGrabber
  *         destroys it. Takes no lock.
@@ -185,9 +184,9 @@ int Fg_setParameterWithType(Fg_Struct* fg, int id, const void* value, int dma, F
  *
  * @param id     as for Fg_setParameterWithType
  * @param value  receives the value in the parameter's own width, whatever `type` says (texts and array
- * parameters heed it). With FG_PARAM_INT64 or FG_PARAM_UINT64 the 64-bit word here is cleared first, also
- * when the call then fails. A text read with FG_PARAM_ALLOCATED_STRING belongs to the object until
- *               Fg_freeParameterStringWithType or the object's end
+ *               parameters heed it). With FG_PARAM_INT64 or FG_PARAM_UINT64 the 64-bit word here is cleared
+ *               first, also when the call then fails. A text read with FG_PARAM_ALLOCATED_STRING belongs to the
+ *               object until Fg_freeParameterStringWithType or the object's end
  * @param dma    0, the only DMA channel; FG_NR_OF_PROCESSES takes any
  * @return 0; FG_ERR_INVALID_ARGUMENT: null value, unknown id or DMA channel; else the code of the runtime.
  */
@@ -198,24 +197,22 @@ int Fg_getParameterWithType(Fg_Struct* fg, int id, void* value, int dma, FgParam
  *
  * @param value  the text itself
  * @return 0; FG_ERR_INVALID_ARGUMENT: not a text of this object; FG_ERR_STRING_TAG: another tag than
- *         FG_PARAM_ALLOCATED_STRING (not stored). An unknown DMA channel leaves the function as a thrown
- * `int`.
+ *         FG_PARAM_ALLOCATED_STRING. Stored are only the refusal of a text and the result for a design
+ *         parameter. An unknown DMA channel leaves the function as a thrown `int`. May run beside a get of
+ *         another thread.
  */
 int Fg_freeParameterStringWithType(Fg_Struct* fg, int id, void* value, int dma, FgParamTypes type);
 
 /** Number of parameter names, direct ones included. Nothing is stored. */
 int Fg_getNrOfParameter(Fg_Struct* fg);
 
-/** Name of parameter number `index`, from 0; owned by the object. Null for a bad handle or an unknown index.
- */
+/** Name of parameter `index`, from 0; owned by the object. Null for a bad handle or an unknown index. */
 const char* Fg_getParameterName(Fg_Struct* fg, int index);
 
-/** Id of parameter number `index`, or FG_ERR_INVALID_ARGUMENT (also for the names of direct design
- * parameters). */
+/** Id of parameter `index`, or FG_ERR_INVALID_ARGUMENT, also for the names of direct design parameters. */
 int Fg_getParameterId(Fg_Struct* fg, int index);
 
-/** Id of the parameter of that name, case counts; FG_ERR_INVALID_ARGUMENT for null, empty or unknown names.
- */
+/** Id of the parameter of that name; case counts. FG_ERR_INVALID_ARGUMENT: null, empty or unknown name. */
 int Fg_getParameterIdByName(Fg_Struct* fg, const char* name);
 
 /**
@@ -250,9 +247,9 @@ int Fg_getLastErrorNumber(Fg_Struct* fg);
 int Fg_FreeGrabber(Fg_Struct* fg);
 
 /*
- * Forwarded to the runtime with its inner handle, arguments unchanged. FG_ERR_NOT_AVAILABLE: the runtime
- * lacks the function or the inner handle. After a negative result the stored number is the runtime's last
- * error.
+ * Forwarded to the runtime with its inner handle. The arguments pass unchanged and mean what the runtime makes
+ * of them; their names are the usual ones. The result is the runtime's; FG_ERR_NOT_AVAILABLE: the runtime lacks
+ * the function or the inner handle. After a negative result the runtime's last error is stored, else 0.
  */
 int Fg_getAppletId(Fg_Struct* fg, uintptr_t arg);
 int Fg_AcquireEx(Fg_Struct* fg, int dma, intptr_t frames, int flags, void* memory);

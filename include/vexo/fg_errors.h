@@ -15,8 +15,7 @@ enum FgResult {
     FG_ERR_BUFFER = -500,
     /** Invalid handle: null, or its first word is null. */
     FG_ERR_INVALID_HANDLE = -2001,
-    /** A library or entry point cannot be resolved; a source has no mapping; a direct design access failed.
-     */
+    /** A library or function cannot be resolved; a source has no mapping; a direct design access failed. */
     FG_ERR_UNRESOLVED = -2031,
     /** Invalid argument: null value, unknown id, DMA index, name or index, string not owned, field out of
        bounds. */

@@ -14,8 +14,7 @@
 
 namespace catalogue {
 
-/** One value of an enumeration. The tree takes label, value and symbolic name; the texts stay in the table.
- */
+/** One value of an enumeration. The tree takes label, value and symbolic name; the texts stay here. */
 struct EnumEntry {
     const char* label;
     std::int32_t value;

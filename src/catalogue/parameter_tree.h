@@ -22,8 +22,7 @@ enum Access : int {
     anyTime = betweenAcquisitions | REGISTER_ACCESS_WRITE_WHILE_ACQUIRING,
 };
 
-/** Limits of a number. Some records publish limits that say nothing (0 to 0) or that the bring-up overwrites.
- */
+/** Limits of a number. Some say nothing (0 to 0), and some the bring-up overwrites. */
 template <typename T> struct Range { T minimum, maximum, increment; };
 
 using UInt = Range<std::uint32_t>;

@@ -7,8 +7,7 @@
 
 namespace levels = vexo::tools::logging::levels;
 
-/** Names the design's parameters and the members that hold their ids, in the order in which ids are resolved.
- */
+/** The design's parameters and the members that hold their ids, in the order in which ids are resolved. */
 struct DesignParameterTable {
     struct Row {
         const char* name;

@@ -27,8 +27,7 @@ template <typename Operation> int withWrapper(const Fg_Struct* fg, Operation ope
     return withWrapper(fg, static_cast<int>(FG_ERR_INVALID_HANDLE), operation);
 }
 
-/** Calls a function of the runtime with the inner handle; after a failure its last error is what is stored.
- */
+/** Calls a function of the runtime with the inner handle; after a failure its last error is stored. */
 template <typename Result, typename... Parameters, typename... Arguments>
 Result forward(const Fg_Struct* fg, Result (*RuntimeFunctions::*entry)(Fg_Struct*, Parameters...),
                Arguments... arguments) {
