@@ -6,7 +6,7 @@
  *
  * Unless a function says otherwise:
  *  - a bad handle (`fg` null, or its first word null) gives FG_ERR_INVALID_HANDLE;
- *  - the result is also stored and read back by Fg_getLastErrorNumber;
+ *  - success, as 0, or the failure's code is also stored, and read back with Fg_getLastErrorNumber;
  *  - Fg_setParameterWithType and Fg_getParameterWithType hold the object's lock for the whole call, so that
  *    accesses from several threads run one after another; no other function takes it.
  */
@@ -71,12 +71,74 @@ typedef struct FieldParameterAccess {
     void* values;       /**< the caller's array of at least `count` elements */
 } FieldParameterAccess;
 
-/** An event as query 5120 of Info answers it. The texts belong to the library. */
+/** An event as FG_INFO_EVENT_RECORD answers it. The texts belong to the library. */
 typedef struct FgEventRecord {
     const char* name;
     int32_t value;
     const char* description; /**< stored only for a record version of 1 or more */
 } FgEventRecord;
+
+/**
+ * The questions that Info answers. "Gives" is the return value; "stores" means at the caller's place, whose
+ * null skips the store unless said otherwise.
+ */
+enum FgInfoCode {
+    /* Constants whose meaning is the runtime's: each gives a number. */
+    FG_INFO_848 = 848,
+    FG_INFO_1040 = 1040,
+    FG_INFO_1045 = 1045,
+    FG_INFO_1792 = 1792,
+    FG_INFO_1872 = 1872,
+    FG_INFO_1888 = 1888,
+    FG_INFO_2064 = 2064,
+    FG_INFO_2160 = 2160,
+    FG_INFO_2192 = 2192,
+    FG_INFO_2560 = 2560,
+    FG_INFO_2816 = 2816,
+    FG_INFO_3072 = 3072,
+    FG_INFO_3328 = 3328,
+    FG_INFO_2304 = 2304, /**< stores 0 as a 32-bit word in `in` */
+
+    FG_INFO_ICON = 1041, /**< stores the size of a PNG (64 bits) in `in`, its address in `out` */
+    FG_INFO_DESIGN_IMAGE =
+        1042, /**< stores the size of the design image (64 bits) in `in`, its address in `out` */
+    FG_INFO_PRODUCT_GUID = 1043, /**< this and the next: store the address of a text in `out` */
+    FG_INFO_VERSION_GUID = 1044,
+    FG_INFO_DESCRIPTION = 4096,
+    FG_INFO_CATEGORY = 4112,
+    FG_INFO_TAGS = 4128,
+    FG_INFO_NAME = 4176,
+    FG_INFO_VERSION = 4192,
+    FG_INFO_BUILD = 4208,
+
+    FG_INFO_VERSION_WORD = 2048, /**< gives version << 16 | revision */
+    FG_INFO_DESIGN_TYPE = 2176,  /**< gives the design's type code */
+    FG_INFO_DEVICE = 4144,       /**< stores the board of the last successful init of the process in `in` */
+    FG_INFO_DESIGN = 4160,       /**< stores the design of that init in `in` */
+    FG_INFO_ENUM_VALUE =
+        4352, /**< gives the value of the constant named by the text `in`; it may be negative */
+
+    FG_INFO_PROCESSES = 4608, /**< gives the number of processes */
+    /* Of process `arg1`; FG_ERR_INVALID_ARGUMENT for another process than 0. */
+    FG_INFO_PROCESS_4624 = 4624,
+    FG_INFO_PROCESS_4640 = 4640,
+    FG_INFO_PROCESS_4656 = 4656, /**< `arg2` must be 0 as well */
+    FG_INFO_PROCESS_4672 = 4672, /**< `arg2` must be 0 as well */
+    FG_INFO_PROCESS_4688 = 4688,
+    FG_INFO_PROCESS_4704 = 4704,
+
+    /* An object without a board and a runtime; null places give FG_ERR_INVALID_ARGUMENT. */
+    FG_INFO_CREATE_OFFLINE = 4864,  /**< creates one and stores it in `out`, for the first word of a handle */
+    FG_INFO_OFFLINE_TREE = 4880,    /**< stores the root record of tree `arg1` of the object `in` in `out` */
+    FG_INFO_DESTROY_OFFLINE = 4896, /**< destroys the object `in` */
+
+    /**
+     * Fills the FgEventRecord `out` for the event with mask `arg1`. `arg2` is the record's version: 0 has no
+     * description, 1 has one, 2 takes the mask from the 64-bit word at `in` unless that is null.
+     * FG_ERR_INVALID_ARGUMENT: `out` is null, or no design of the process has raised such an event's name.
+     */
+    FG_INFO_EVENT_RECORD = 5120
+};
 
 /** First id of direct register access is FG_DIRECT_REGISTER_BASE + 1, only with VEXO_ENABLE_DRA switched on.
  */
@@ -100,12 +162,9 @@ void* Std_entry(LOOMdevice* device, int* error, int flags);
 /**
  * Answers a question about the applet. Needs no object.
  *
- * @param code  the question
- * @param arg1  @param arg2  numbers, by code
- * @param in    @param out   places of the caller, by code; a null destination skips the store unless the code
- *              insists on it
- * @return the answer or 0; FG_ERR_NOT_SUPPORTED for an unknown code, FG_ERR_INVALID_ARGUMENT for bad
- * arguments. Codes 4864 and 4896 create and destroy an offline instance. Takes no lock.
+ * @param code  FgInfoCode tells what each question takes and gives
+ * @return the answer, or 0 where the answer is stored; FG_ERR_NOT_SUPPORTED for an unknown code,
+ *         FG_ERR_INVALID_ARGUMENT for bad arguments. Stores no error. Takes no lock; any thread may ask.
  */
 int32_t Info(int code, int arg1, int arg2, void* in, void* out);
 
@@ -122,9 +181,15 @@ int32_t Info(int code, int arg1, int arg2, void* in, void* out);
 int Fg_setParameterWithType(Fg_Struct* fg, int id, const void* value, int dma, FgParamTypes type);
 
 /**
- * Reads a parameter into `*value`, in the parameter's own width whatever `type` says (texts and array
- * parameters heed it). With tag 3 or 4 the 64-bit word at `value` is cleared first. A text read with
- * FG_PARAM_ALLOCATED_STRING belongs to the library until Fg_freeParameterStringWithType or the object's end.
+ * Reads a parameter.
+ *
+ * @param id     as for Fg_setParameterWithType
+ * @param value  receives the value in the parameter's own width, whatever `type` says (texts and array
+ * parameters heed it). With FG_PARAM_INT64 or FG_PARAM_UINT64 the 64-bit word here is cleared first, also
+ * when the call then fails. A text read with FG_PARAM_ALLOCATED_STRING belongs to the object until
+ *               Fg_freeParameterStringWithType or the object's end
+ * @param dma    0, the only DMA channel; FG_NR_OF_PROCESSES takes any
+ * @return 0; FG_ERR_INVALID_ARGUMENT: null value, unknown id or DMA channel; else the code of the runtime.
  */
 int Fg_getParameterWithType(Fg_Struct* fg, int id, void* value, int dma, FgParamTypes type);
 
@@ -153,7 +218,11 @@ int Fg_getParameterId(Fg_Struct* fg, int index);
  */
 int Fg_getParameterIdByName(Fg_Struct* fg, const char* name);
 
-/** Root record of parameter tree `index` (0 is the only one), or null. Nothing is stored. */
+/**
+ * Root record of parameter tree `index`; 0 is the only one. Null for another index or a bad handle, and when
+ * there is no runtime behind the handle (FG_INFO_OFFLINE_TREE serves then). Records belong to the object and
+ * live as long as it does. Nothing is stored.
+ */
 RegisterInfo* Fg_getParameterInfo(Fg_Struct* fg, int index);
 
 /** Describes the parameter tree as XML. Not built yet: FG_ERR_NOT_SUPPORTED. */

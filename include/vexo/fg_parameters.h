@@ -102,19 +102,21 @@ enum FgParameterId {
         200423, /**< Signal Analyzer 0 Max Period: floating point, µs, read-only */
     FG_SIGNAL_ANALYZER_0_PERIOD_MIN =
         200424, /**< Signal Analyzer 0 Min Period: floating point, µs, read-only */
-    FG_SIGNAL_ANALYZER_0_PULSE_COUNT = 200425, /**< Signal Analyzer 0 Pulse Count: unsigned, µs, read-only */
-    FG_SIGNAL_ANALYZER_1_SOURCE = 200430,      /**< Signal Analyzer 1 Source: enumeration */
-    FG_SIGNAL_ANALYZER_1_POLARITY = 200431,    /**< Signal Analyzer 1 Polarity: enumeration */
+    FG_SIGNAL_ANALYZER_0_PULSE_COUNT =
+        200425, /**< Signal Analyzer 0 Pulse Count: unsigned, pulses (its record says µs), read-only */
+    FG_SIGNAL_ANALYZER_1_SOURCE = 200430,   /**< Signal Analyzer 1 Source: enumeration */
+    FG_SIGNAL_ANALYZER_1_POLARITY = 200431, /**< Signal Analyzer 1 Polarity: enumeration */
     FG_SIGNAL_ANALYZER_1_PERIOD_CURRENT =
         200432, /**< Signal Analyzer 1 Current Period: floating point, µs, read-only */
     FG_SIGNAL_ANALYZER_1_PERIOD_MAX =
         200433, /**< Signal Analyzer 1 Max Period: floating point, µs, read-only */
     FG_SIGNAL_ANALYZER_1_PERIOD_MIN =
         200434, /**< Signal Analyzer 1 Min Period: floating point, µs, read-only */
-    FG_SIGNAL_ANALYZER_1_PULSE_COUNT = 200435, /**< Signal Analyzer 1 Pulse Count: unsigned, µs, read-only */
-    FG_SIGNAL_ANALYZER_PULSE_COUNT_DIFFERENCE =
-        200439, /**< Signal Analyzer Pulse Count Difference: signed 64 bits, µs, read-only */
-    FG_SIGNAL_ANALYZER_CLEAR = 200438, /**< Signal Analyzer Clear: enumeration */
+    FG_SIGNAL_ANALYZER_1_PULSE_COUNT =
+        200435, /**< Signal Analyzer 1 Pulse Count: unsigned, pulses (its record says µs), read-only */
+    FG_SIGNAL_ANALYZER_PULSE_COUNT_DIFFERENCE = 200439, /**< Signal Analyzer Pulse Count Difference: signed 64
+                                                           bits, pulses (its record says µs), read-only */
+    FG_SIGNAL_ANALYZER_CLEAR = 200438,                  /**< Signal Analyzer Clear: enumeration */
     /* Overflow */
     FG_FILLLEVEL = 110086, /**< Buffer fill level: unsigned, %, read-only */
     FG_OVERFLOW = 110087,  /**< Buffer overflow: unsigned, read-only */
@@ -309,7 +311,7 @@ enum FgParameterConstant {
     /* Polarities and levels of outputs */
     FG_LOW = 0,  /**< Low Active */
     FG_HIGH = 1, /**< High Active */
-    /* FG_IMGTRIGGERMODE */
+    /* FG_IMGTRIGGERMODE, which takes ASYNC_TRIGGER and ASYNC_GATED as well */
     FREE_RUN = 0,                 /**< Free Run */
     ASYNC_TRIGGER_MULTIFRAME = 8, /**< Async Multi Buffer External Trigger */
     ASYNC_GATED_MULTIFRAME = 6,   /**< Gated Multi Buffer, External Triggered */

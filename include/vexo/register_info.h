@@ -2,8 +2,9 @@
  * The record of one parameter or group in a tree of parameter descriptions.
  *
  * The record is an interchange format: the grabber runtime reads it directly, so its layout is binding to the
- * byte (64-bit little-endian process, natural alignment). Strings and arrays belong to the tree that made the
- * record; a reader must not change or release anything.
+ * byte (64-bit little-endian process, natural alignment). Records, strings and arrays belong to the tree that
+ * made them and live as long as the object behind it; a reader must not change or release anything. `access`
+ * and the maximum of a live record change while parameters are set, each with one atomic store.
  */
 #ifndef VEXO_REGISTER_INFO_H
 #define VEXO_REGISTER_INFO_H
@@ -168,23 +169,48 @@ VEXO_OFFSET(value.u32.minimum, 40);
 VEXO_OFFSET(value.u32.maximum, 44);
 VEXO_OFFSET(value.u32.increment, 48);
 VEXO_OFFSET(value.u32.value, 52);
-VEXO_OFFSET(value.i32.value, 52);
 VEXO_OFFSET(value.u64.minimum, 40);
 VEXO_OFFSET(value.u64.maximum, 48);
 VEXO_OFFSET(value.u64.increment, 56);
 VEXO_OFFSET(value.u64.value, 64);
+VEXO_OFFSET(value.i32.minimum, 40);
+VEXO_OFFSET(value.i32.maximum, 44);
+VEXO_OFFSET(value.i32.increment, 48);
+VEXO_OFFSET(value.i32.value, 52);
+VEXO_OFFSET(value.i64.minimum, 40);
+VEXO_OFFSET(value.i64.maximum, 48);
+VEXO_OFFSET(value.i64.increment, 56);
 VEXO_OFFSET(value.i64.value, 64);
+VEXO_OFFSET(value.f64.minimum, 40);
+VEXO_OFFSET(value.f64.maximum, 48);
+VEXO_OFFSET(value.f64.increment, 56);
 VEXO_OFFSET(value.f64.value, 64);
+VEXO_OFFSET(value.u32Field.minimum, 40);
+VEXO_OFFSET(value.u32Field.maximum, 44);
 VEXO_OFFSET(value.u32Field.elementCount, 48);
 VEXO_OFFSET(value.u32Field.zero, 52);
 VEXO_OFFSET(value.u32Field.first, 56);
+VEXO_OFFSET(value.i32Field.minimum, 40);
+VEXO_OFFSET(value.i32Field.maximum, 44);
+VEXO_OFFSET(value.i32Field.elementCount, 48);
+VEXO_OFFSET(value.i32Field.zero, 52);
 VEXO_OFFSET(value.i32Field.first, 56);
+VEXO_OFFSET(value.u64Field.minimum, 40);
+VEXO_OFFSET(value.u64Field.maximum, 48);
 VEXO_OFFSET(value.u64Field.elementCount, 56);
 VEXO_OFFSET(value.u64Field.zero, 60);
 VEXO_OFFSET(value.u64Field.first, 64);
+VEXO_OFFSET(value.i64Field.minimum, 40);
+VEXO_OFFSET(value.i64Field.maximum, 48);
+VEXO_OFFSET(value.i64Field.elementCount, 56);
+VEXO_OFFSET(value.i64Field.zero, 60);
 VEXO_OFFSET(value.i64Field.first, 64);
+VEXO_OFFSET(value.f64Field.minimum, 40);
+VEXO_OFFSET(value.f64Field.maximum, 48);
 VEXO_OFFSET(value.f64Field.elementCount, 56);
+VEXO_OFFSET(value.f64Field.zero, 60);
 VEXO_OFFSET(value.f64Field.first, 64);
+VEXO_OFFSET(value.string.unused, 40);
 VEXO_OFFSET(value.enumeration.entryCount, 40);
 VEXO_OFFSET(value.enumeration.labels, 48);
 VEXO_OFFSET(value.enumeration.values, 56);

@@ -24,7 +24,7 @@ private:
 
     mutable vexo::templates::platform::RecursiveMutex m_mutex;
     const bool m_caseSensitive;
-    std::map<std::string, std::string> m_values;
+    std::map<std::string, std::string> m_values GUARDED_BY(m_mutex);
 };
 
 #endif

@@ -11,9 +11,10 @@
 /**
  * Builds, owns and releases trees of RegisterInfo records.
  *
- * Every add... operation returns null and changes nothing when the port does not exist or is finalized, or
- * when the parent is null. Texts are copied. Records live until `destroy` of their port. There is no lock:
- * the trees are built at bring-up, later only single fields of live records change.
+ * Every addInfo... and addGroupInfo returns null and changes nothing when the port does not exist or is
+ * finalized; addInfo... also when the parent is null, where addGroupInfo makes a top-level group. Texts are
+ * copied. Records live until `destroy` of their port. There is no lock: the trees are built at bring-up, later
+ * only single fields of live records change.
  */
 class Fg_ParameterInfo {
 public:
@@ -39,7 +40,6 @@ public:
     void add(RegisterInfo* record, int port);
 
     RegisterInfo* addGroupInfo(int port, RegisterInfo* parent, const char* displayName);
-    /** Here a null parent makes a top-level group. */
     RegisterInfo* addGroupInfo(int port, RegisterInfo* parent, const char* displayName, const char* name,
                                int published);
 

@@ -1,13 +1,15 @@
 // Fills the published tree: the public parameters, then whatever is offered for direct access.
 
 #include "catalogue/Fg_ParameterInfo.h"
+#include "catalogue/direct_registers.h"
 #include "catalogue/parameter_tree.h"
 #include "catalogue/runtime_tree.h"
 #include "entry/sdk_parameters.h"
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
+#include <unordered_map>
+#include <vector>
 
 using namespace catalogue;
 
@@ -68,7 +70,7 @@ private:
 std::vector<RegisterInfo*> addGroups(Fg_ParameterInfo& tree) {
     std::vector<RegisterInfo*> groupOfRow;
     std::vector<RegisterInfo*> path;
-    groupOfRow.reserve(parameterTree.size());
+    groupOfRow.reserve(std::size(parameterTree));
     for (const TreeRow& row : parameterTree) {
         if (const Group* group = std::get_if<Group>(&row.content)) {
             path.resize(static_cast<std::size_t>(group->depth));
@@ -174,7 +176,7 @@ private:
 void FgLoomWrapperImpl::buildParameterInfo() {
     // All groups first: in every group the sub-groups come before the parameters.
     const std::vector<RegisterInfo*> groupOfRow = addGroups(parameterInfo());
-    for (std::size_t i = 0; i < parameterTree.size(); ++i) {
+    for (std::size_t i = 0; i < std::size(parameterTree); ++i) {
         const TreeRow& row = parameterTree[i];
         if (std::holds_alternative<Group>(row.content)) continue;
         const SdkParameter* parameter = findParameter(row.id);
@@ -189,24 +191,18 @@ void FgLoomWrapperImpl::buildParameterInfo() {
 void FgLoomWrapperImpl::addDirectRegisters() {
     RegisterInfo* group = parameterInfo().addGroupInfo(port, nullptr, "Direct Register Access");
     if (group == nullptr) return;
-    fpga_design* design = designHandle();
-    const int registers = TslGetNrOfRegister(design);
-    for (int i = 1; i <= registers; ++i) {
-        const char* registerName = TslGetRegisterName(design, i);
-        if (registerName == nullptr) continue;
-        const int reg = TslGetRegisterByName(design, registerName);
-        const int bits = TslGetRegisterBitRange(design, reg);
-        const int access = TslGetRegisterDirection(design, reg) != 0 ? 7 : REGISTER_ACCESS_READ;
-        const std::string name = std::string("DRA_") + registerName;
-        const std::string label = std::string(registerName) + " (" + std::to_string(bits) + ")";
-        const int id = reg + FG_DIRECT_REGISTER_BASE;
+    forEachRegister(designHandle(), [&](const DirectRegister& reg) {
+        const int bits = TslGetRegisterBitRange(designHandle(), reg.number);
+        const int access = TslGetRegisterDirection(designHandle(), reg.number) != 0 ? anyTime : readOnly;
+        const std::string name = reg.publicName();
+        const std::string label = std::string(reg.name) + " (" + std::to_string(bits) + ")";
         if (bits > 32)
             parameterInfo().addInfoUInt64(group, label.c_str(), name.c_str(), 0, wideMaximum(bits), 1, access,
-                                          1, published, nullptr, id, port);
+                                          1, published, nullptr, reg.publicId(), port);
         else
             parameterInfo().addInfoUInt(group, label.c_str(), name.c_str(), 0, narrowMaximum(bits), 1, access,
-                                        1, published, nullptr, id, port);
-    }
+                                        1, published, nullptr, reg.publicId(), port);
+    });
 }
 
 void FgLoomWrapperImpl::addDirectParameters() {

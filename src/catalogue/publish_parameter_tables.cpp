@@ -1,6 +1,7 @@
 // What is published beside the public parameters, whose names are constant: registers and design parameters
 // for direct access, and the events.
 
+#include "catalogue/direct_registers.h"
 #include "catalogue/runtime_tree.h"
 #include "entry/FgLoomWrapperImpl.h"
 #include "support/switches.h"
@@ -23,17 +24,11 @@ void FgLoomWrapperImpl::collectDirectParameters() {
 
 void FgLoomWrapperImpl::publishDirectNames() {
     int index = publicParameters;
-    if (m_directRegisterAccess) {
-        const int registers = TslGetNrOfRegister(designHandle());
-        for (int i = 1; i <= registers; ++i, ++index) {
-            const char* name = TslGetRegisterName(designHandle(), i);
-            if (name == nullptr) continue;
-            const std::string publicName = std::string("DRA_") + name;
-            m_directRegisterIdByName[publicName] =
-                TslGetRegisterByName(designHandle(), name) + FG_DIRECT_REGISTER_BASE;
-            m_directNameByIndex[index] = publicName;
-        }
-    }
+    if (m_directRegisterAccess)
+        catalogue::forEachRegister(designHandle(), [&](const catalogue::DirectRegister& reg) {
+            m_directRegisterIdByName[reg.publicName()] = reg.publicId();
+            m_directNameByIndex[index++] = reg.publicName();
+        });
     for (const std::string& name : m_directAccessStore.switchedOn(m_directAccessSection)) {
         const int id = getParameterIdByName(name.c_str());
         if (id == 0) continue;

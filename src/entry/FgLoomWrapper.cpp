@@ -3,17 +3,16 @@
 #include "support/library_flags.h"
 #include "templates/patterns/LibraryGuard.h"
 
+#include <bit>
 #include <cstring>
 #include <dlfcn.h>
 #include <pthread.h>
 
+namespace levels = vexo::tools::logging::levels;
 using vexo::tools::logging::Logger;
 using vexo::tools::logging::Logging;
 
 namespace {
-
-constexpr std::uint32_t bindingFailed = 6;
-constexpr std::uint32_t initFailed = 5;
 
 std::atomic<LOOMdevice*> lastDevice{nullptr};
 std::atomic<fpga_design*> lastDesign{nullptr};
@@ -61,7 +60,7 @@ Logger* FgLoomWrapper::logger() { return lazyLogger(m_logger, "vexo.wrapper.FgLo
 int FgLoomWrapper::initializeDllFunctions(const char* library) {
     m_private->libraryHandle = dlopen(library, runtimeBindFlags);
     if (m_private->libraryHandle == nullptr) {
-        log(bindingFailed, "error opening dll '", library, "'");
+        log(levels::bindingFailed, "error opening dll '", library, "'");
         return fgError().setErr(FG_ERR_UNRESOLVED);
     }
     m_private->wrapperFg.bind(m_private->libraryHandle);
@@ -78,7 +77,8 @@ int FgLoomWrapper::runFgInit(const char* tslName, LOOMdevice* device, fpga_desig
     own.getLastErrorNumberFn =
         lookUp<grabcore_getLastErrorNumber>(own.libraryHandle, "Fg_getLastErrorNumber");
     if (own.initHandleSlaveAware == nullptr && own.initHandle == nullptr) {
-        log(bindingFailed, "cannot resolve function 'Fg_InitHandle' and/or 'Fg_InitHandleSlaveAware'");
+        log(levels::bindingFailed,
+            "cannot resolve function 'Fg_InitHandle' and/or 'Fg_InitHandleSlaveAware'");
         return fgError().setErr(FG_ERR_UNRESOLVED);
     }
 
@@ -90,7 +90,7 @@ int FgLoomWrapper::runFgInit(const char* tslName, LOOMdevice* device, fpga_desig
         own.grabcoreFg = own.initHandle(tslName, device, design);
     }
     if (own.grabcoreFg == nullptr) {
-        log(initFailed, "error calling '", used, "' (tslName = '", tslName, "')");
+        log(levels::accessFailed, "error calling '", used, "' (tslName = '", tslName, "')");
         return fgError().setErr(own.getLastErrorNumberFn != nullptr ? own.getLastErrorNumberFn(nullptr)
                                                                     : FG_ERR_INIT);
     }
@@ -153,7 +153,7 @@ void FgLoomWrapper::setFieldCache(double* cache, const FieldParameterDouble_s* r
 }
 
 void FgLoomWrapper::setFieldCache(void* cache, const FieldParameterAccess* record) {
-    if (record == nullptr || record->count == 0) return;
+    if (record == nullptr || record->values == nullptr) return;
     const std::size_t width = elementWidth(record->vtype);
     if (width == 0) return;
     std::memmove(static_cast<char*>(cache) + width * record->index, record->values, width * record->count);
@@ -168,7 +168,7 @@ void FgLoomWrapper::getFieldCache(const double* cache, FieldParameterDouble_s* r
 }
 
 void FgLoomWrapper::getFieldCache(const void* cache, const FieldParameterAccess* record) {
-    if (record == nullptr || record->count == 0) return;
+    if (record == nullptr || record->values == nullptr) return;
     const std::size_t width = elementWidth(record->vtype);
     if (width == 0) return;
     std::memmove(record->values, static_cast<const char*>(cache) + width * record->index,
@@ -214,15 +214,9 @@ int FgLoomWrapper::Shad_FreeAccess(ShadingMaster*) { return FG_ERR_NOT_SUPPORTED
 
 int FgLoomWrapper::Shad_WriteActLine(ShadingMaster*, int) { return FG_ERR_NOT_SUPPORTED; }
 
-namespace {
-
-constexpr int eventNumbers = 64;
-
-} // namespace
-
 std::uint64_t FgLoomWrapper::Fg_getEventMask(const char* name) {
     if (name == nullptr) return 0;
-    for (int number = 0; number < eventNumbers; ++number) {
+    for (int number = 0; number < 64; ++number) {
         const TslEvent* event = TslGetEvent(designHandle(), number);
         if (event != nullptr && event->name != nullptr && std::strcmp(event->name, name) == 0)
             return std::uint64_t{1} << number;
@@ -231,10 +225,7 @@ std::uint64_t FgLoomWrapper::Fg_getEventMask(const char* name) {
 }
 
 const char* FgLoomWrapper::Fg_getEventName(std::uint64_t mask) {
-    for (int number = 0; number < eventNumbers; ++number) {
-        if (mask != std::uint64_t{1} << number) continue;
-        const TslEvent* event = TslGetEvent(designHandle(), number);
-        return event != nullptr ? event->name : nullptr;
-    }
-    return nullptr;
+    if (!std::has_single_bit(mask)) return nullptr;
+    const TslEvent* event = TslGetEvent(designHandle(), std::countr_zero(mask));
+    return event != nullptr ? event->name : nullptr;
 }

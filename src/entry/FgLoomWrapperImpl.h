@@ -93,7 +93,7 @@ private:
     bool m_directRegisterAccess = false;
     std::mutex m_allocatedStringsLock;
     std::unordered_set<const char*> m_allocatedStrings;
-    std::array<char, 655360> m_stringBuffer; // never cleared: only its ends matter
+    std::array<char, 655360 + 1> m_stringBuffer; // never cleared: only its ends matter
 
     // ---- Design parameters: entry/design_parameters.cpp
 
@@ -135,7 +135,7 @@ private:
     std::map<std::string, std::uint64_t, std::less<>> m_eventMaskByName;
     std::map<std::uint64_t, std::string> m_eventNameByMask;
 
-    // ---- Acquisition time-out: entry/bring_up.cpp
+    // ---- Acquisition time-out: entry/timeout.cpp
 
     std::uint32_t m_timeout = 1000000; // seconds
 
@@ -236,9 +236,10 @@ private:
 
     friend struct DesignParameterTable;
 
-    // ---- Setters of the parameters: set_FG_X. A get answers from the source that the parameter's row names.
+    // ---- Setters of the parameters: set_FG_X, which throw what they refuse. A get answers from the source
+    // that the parameter's row names.
 
-#define SETTABLE(parameter, kind, source, start) void set_##parameter(kinds::kind::Value value, bool raise);
+#define SETTABLE(parameter, kind, source, start) void set_##parameter(kinds::kind::Value value);
 #define READ_ONLY(parameter, kind, source)
 #include "catalogue/sdk_parameters.def"
 #undef SETTABLE

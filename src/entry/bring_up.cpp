@@ -6,7 +6,6 @@
 #include "support/switches.h"
 #include "vexo/fg_api.h"
 
-#include <cstdlib>
 #include <memory>
 
 namespace {
@@ -37,13 +36,7 @@ FgLoomWrapperImpl::~FgLoomWrapperImpl() {
 void FgLoomWrapperImpl::applyDefaults() {
     // In the order of the rows: later setters see the effect of earlier ones. A failure stops nothing.
     for (const SdkParameter& parameter : sdkParameters)
-        if (parameter.start != nullptr) parameter.start(*this);
-}
-
-void FgLoomWrapperImpl::set_FG_TIMEOUT(std::uint32_t value, bool raise) {
-    if (!raise) return quietly([&] { set_FG_TIMEOUT(value, true); });
-    requireRange(value, 2u, 2147483646u);
-    m_timeout = value;
+        if (parameter.start != nullptr) quietly([&] { parameter.start(*this); });
 }
 
 void* Std_entry(LOOMdevice* device, int* error, int flags) {
@@ -75,5 +68,5 @@ void* Std_entry(LOOMdevice* device, int* error, int flags) {
     wrapper->buildParameterInfo();
     wrapper->discoverDebugInterface();
     if ((flags & skipDefaults) == 0) wrapper->applyDefaults();
-    return wrapper.release();
+    return static_cast<FgLoomWrapper*>(wrapper.release());
 }

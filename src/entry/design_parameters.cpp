@@ -5,6 +5,8 @@
 
 #include <iterator>
 
+namespace levels = vexo::tools::logging::levels;
+
 /** Names the design's parameters and the members that hold their ids, in the order in which ids are resolved.
  */
 struct DesignParameterTable {
@@ -25,24 +27,19 @@ struct DesignParameterTable {
     static_assert(std::size(rows) == 138);
 };
 
-namespace {
-
-constexpr std::uint32_t missingId = 4;
-constexpr std::uint32_t failedAccess = 5;
-
-} // namespace
-
 void FgLoomWrapperImpl::resolveDesignParameterIds() {
     // A design that lacks a parameter still comes up: what fails is the first access to it.
     for (const DesignParameterTable::Row& row : DesignParameterTable::rows) {
         this->*row.id = getParameterIdByName(row.name);
-        if (this->*row.id < 1) log(missingId, "cannot retrieve LOOM id for LOOM parameter: '", row.name, "'");
+        if (this->*row.id < 1)
+            log(levels::refusedCall, "cannot retrieve LOOM id for LOOM parameter: '", row.name, "'");
     }
 }
 
 void FgLoomWrapperImpl::accessFailed(const char* verb, const char* name, std::int32_t id, const void* value,
                                      int result, bool raise) {
     if (value != nullptr)
-        log(failedAccess, verb, " LOOM parameter '", name, "' (ID: ", id, ") failed: result = ", result);
+        log(levels::accessFailed, verb, " LOOM parameter '", name, "' (ID: ", id,
+            ") failed: result = ", result);
     if (raise) refuse(result);
 }

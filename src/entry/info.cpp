@@ -19,22 +19,22 @@ struct NumberAnswer {
 };
 
 constexpr NumberAnswer numberAnswers[] = {
-    {848, 1},
-    {1040, 0},
-    {1045, 1},
-    {1792, 1},
-    {1872, 1},
-    {1888, 1},
-    {2048, FgLoomWrapperImpl::appletVersion() << 16 | FgLoomWrapperImpl::appletRevision()},
-    {2064, 1},
-    {2160, 0},
-    {2176, designTypeCode},
-    {2192, 0},
-    {2560, 0},
-    {2816, 0},
-    {3072, 0},
-    {3328, 0},
-    {4608, 1}, // number of processes
+    {FG_INFO_848, 1},
+    {FG_INFO_1040, 0},
+    {FG_INFO_1045, 1},
+    {FG_INFO_1792, 1},
+    {FG_INFO_1872, 1},
+    {FG_INFO_1888, 1},
+    {FG_INFO_VERSION_WORD, FgLoomWrapperImpl::appletVersion() << 16 | FgLoomWrapperImpl::appletRevision()},
+    {FG_INFO_2064, 1},
+    {FG_INFO_2160, 0},
+    {FG_INFO_DESIGN_TYPE, designTypeCode},
+    {FG_INFO_2192, 0},
+    {FG_INFO_2560, 0},
+    {FG_INFO_2816, 0},
+    {FG_INFO_3072, 0},
+    {FG_INFO_3328, 0},
+    {FG_INFO_PROCESSES, 1},
 };
 
 /** A question about a process and, for some, about an index: all know only number 0. */
@@ -45,7 +45,8 @@ struct ProcessAnswer {
 };
 
 constexpr ProcessAnswer processAnswers[] = {
-    {4624, false, 1}, {4640, false, 1}, {4656, true, 0}, {4672, true, 0}, {4688, false, 1}, {4704, false, 10},
+    {FG_INFO_PROCESS_4624, false, 1}, {FG_INFO_PROCESS_4640, false, 1}, {FG_INFO_PROCESS_4656, true, 0},
+    {FG_INFO_PROCESS_4672, true, 0},  {FG_INFO_PROCESS_4688, false, 1}, {FG_INFO_PROCESS_4704, false, 10},
 };
 
 /** A question whose answer is a text. */
@@ -55,17 +56,18 @@ struct TextAnswer {
 };
 
 constexpr TextAnswer textAnswers[] = {
-    {1043, "7c1d2e40-5ab3-4f86-9d21-3e8b6a0f4c11"}, // product
-    {1044, "b26e91f3-08c4-47de-a1f7-6d05c93e2a58"}, // version
+    {FG_INFO_PRODUCT_GUID, "7c1d2e40-5ab3-4f86-9d21-3e8b6a0f4c11"},
+    {FG_INFO_VERSION_GUID, "b26e91f3-08c4-47de-a1f7-6d05c93e2a58"},
     {4096,
      "Capture Kit with support of TurboBurst technology, 16 bit image processing (per color component), "
      "white balancing and lookup table(up to 14 Bit) for one CameraLinkHS RGB line scan camera with 2 "
      "ports (20 Gbps)."},
-    {4112, "CaptureKits:Line"},
-    {4128, "class=standard,family=acquisition,type=single,sensortype=line,color=rgb,interface=clhs,lag=2"},
-    {4176, "Grab_TwinLaneLineColor"},
-    {4192, "2.2.4.0"},
-    {4208, "2.2.4.0.20221221.064316"},
+    {FG_INFO_CATEGORY, "CaptureKits:Line"},
+    {FG_INFO_TAGS,
+     "class=standard,family=acquisition,type=single,sensortype=line,color=rgb,interface=clhs,lag=2"},
+    {FG_INFO_NAME, "Grab_TwinLaneLineColor"},
+    {FG_INFO_VERSION, "2.2.4.0"},
+    {FG_INFO_BUILD, "2.2.4.0.20221221.064316"},
 };
 
 template <typename Rows> const auto* rowOf(const Rows& rows, int code) {
@@ -138,28 +140,28 @@ std::int32_t Info(int code, int arg1, int arg2, void* in, void* out) {
         return FG_OK;
     }
     switch (code) {
-    case 1041:
+    case FG_INFO_ICON:
         return giveBlock(appletIcon, iconSize(), in, out);
-    case 1042:
+    case FG_INFO_DESIGN_IMAGE:
         return giveBlock(appletDesignImage, designImageSize(), in, out);
-    case 2304:
+    case FG_INFO_2304:
         store(in, std::int32_t{0});
         return FG_OK;
-    case 4144:
+    case FG_INFO_DEVICE:
         store(in, FgLoomWrapper::accessDeviceHandle(nullptr));
         return FG_OK;
-    case 4160:
+    case FG_INFO_DESIGN:
         store(in, FgLoomWrapper::accessDesignHandle(nullptr));
         return FG_OK;
-    case 4352:
+    case FG_INFO_ENUM_VALUE:
         return enumerationValue(static_cast<const char*>(in));
-    case 4864:
+    case FG_INFO_CREATE_OFFLINE:
         return createOffline(out);
-    case 4880:
+    case FG_INFO_OFFLINE_TREE:
         return offlineTree(arg1, in, out);
-    case 4896:
+    case FG_INFO_DESTROY_OFFLINE:
         return destroyOffline(in);
-    case 5120:
+    case FG_INFO_EVENT_RECORD:
         return eventRecord(arg1, arg2, in, out);
     default:
         return FG_ERR_NOT_SUPPORTED;

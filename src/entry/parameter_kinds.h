@@ -42,7 +42,7 @@ template <typename T> struct Number {
         return [](FgLoomWrapperImpl& wrapper, const void* value, FgParamTypes) {
             T number;
             std::memcpy(&number, value, sizeof number);
-            Setter{}(wrapper, number, true);
+            Setter{}(wrapper, number);
         };
     }
 
@@ -66,7 +66,7 @@ template <typename T> struct Number {
         if constexpr (std::is_same_v<std::invoke_result_t<Start>, NoDefaultType>)
             return nullptr;
         else
-            return [](FgLoomWrapperImpl& wrapper) { Setter{}(wrapper, static_cast<T>(Start{}()), false); };
+            return [](FgLoomWrapperImpl& wrapper) { Setter{}(wrapper, static_cast<T>(Start{}())); };
     }
 };
 

@@ -7,28 +7,18 @@
 #include <cstring>
 #include <memory>
 
+namespace levels = vexo::tools::logging::levels;
 using vexo::templates::platform::CriticalSectionGuard;
 
 namespace {
 
-constexpr std::uint32_t refusedCall = 4;
-
 bool isDesignParameter(int id) { return id > FG_DIRECT_PARAMETER_BASE; }
 
-/** Ids whose strings the runtime hands out, so that it has to release them. */
+/** Strings of these the runtime hands out, so that it has to release them. */
 bool isServedByRuntime(int id) {
-    switch (id) {
-    case FG_APC_STOP_TIMEOUT:
-    case FG_NR_OF_DMAS:
-    case FG_NR_OF_CAMS:
-    case FG_NR_OF_PROCESSES:
-    case FG_DMA_PORT:
-    case FG_CAM_PORT:
-    case FG_TRANSFER_LEN:
-        return true;
-    default:
-        return false;
-    }
+    const SdkParameter* parameter = findParameter(id);
+    return id == FG_NR_OF_PROCESSES ||
+           (parameter != nullptr && parameter->reading.function == kinds::Runtime::readRuntime);
 }
 
 /** Stores a number at the caller's place, wherever that is aligned. */
@@ -116,17 +106,17 @@ int FgLoomWrapperImpl::readRegister(int reg, void* value) {
 }
 
 void FgLoomWrapperImpl::refuseUnknown(const char* verb, int id) {
-    log(refusedCall, "trying to ", verb, " unknown SDK parameter '", id, "' on process 0!");
+    log(levels::refusedCall, "trying to ", verb, " unknown SDK parameter '", id, "' on process 0!");
     refuse(FG_ERR_INVALID_ARGUMENT);
 }
 
 void FgLoomWrapperImpl::refuseWriteTo(const char* name) {
-    log(refusedCall, "trying to set read-only SDK parameter '", name, "' on process 0!");
+    log(levels::refusedCall, "trying to set read-only SDK parameter '", name, "' on process 0!");
     refuse(FG_ERR_NOT_AVAILABLE);
 }
 
 std::uint32_t FgLoomWrapperImpl::numberOfProcesses() {
-    return static_cast<std::uint32_t>(Info(4608, 0, 0, nullptr, nullptr));
+    return static_cast<std::uint32_t>(Info(FG_INFO_PROCESSES, 0, 0, nullptr, nullptr));
 }
 
 template <typename Writer> void FgLoomWrapperImpl::giveText(void* value, FgParamTypes type, Writer write) {

@@ -11,7 +11,6 @@ consteval bool idsAreUnique() {
     return true;
 }
 
-static_assert(sdkParameters.size() == 164);
 static_assert(idsAreUnique());
 
 constexpr PerfectIndex<sdkParameters.size()> indexByName{[] {

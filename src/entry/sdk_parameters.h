@@ -40,8 +40,8 @@ struct SdkParameterTable {
 #define SETTABLE(parameter, kind, source, startValue)                                                        \
     settableRow<kinds::kind>(                                                                                \
         #parameter, parameter,                                                                               \
-        [](FgLoomWrapperImpl& wrapper, auto value, bool raise) { wrapper.set_##parameter(value, raise); },   \
-        READING(source), [] { return startValue; }),
+        [](FgLoomWrapperImpl& wrapper, auto value) { wrapper.set_##parameter(value); }, READING(source),     \
+        [] { return startValue; }),
 #define READ_ONLY(parameter, kind, source) readOnlyRow<kinds::kind>(#parameter, parameter, READING(source)),
     static constexpr SdkParameter rows[] = {
 #include "catalogue/sdk_parameters.def"

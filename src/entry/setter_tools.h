@@ -8,9 +8,11 @@
 #define ENTRY_SETTER_TOOLS_H
 
 #include "catalogue/enumerations.h"
+#include "catalogue/parameter_tree.h"
 #include "vexo/fg_errors.h"
 
 #include <cstdint>
+#include <exception>
 #include <utility>
 
 // The checks are inlined whole: the cost of a throw is the frames that it passes.
@@ -21,6 +23,7 @@ template <typename Set> void quietly(Set set) {
     try {
         set();
     } catch (int) {
+    } catch (const std::exception&) {
     }
 }
 
@@ -50,6 +53,19 @@ private:
 /** Both bounds are inclusive. A NaN lies outside of nothing and passes, on purpose. */
 template <typename T> [[gnu::always_inline]] inline void requireRange(T value, T minimum, T maximum) {
     if (value < minimum || value > maximum) refuse(FG_ERR_OUT_OF_RANGE);
+}
+
+/** The same for the published limits of a parameter. */
+template <typename T> [[gnu::always_inline]] inline void requireRange(T value, catalogue::Range<T> limits) {
+    requireRange(value, limits.minimum, limits.maximum);
+}
+
+[[gnu::always_inline]] inline void requireAtLeast(std::uint32_t value, std::uint32_t minimum) {
+    if (value < minimum) refuse(FG_ERR_OUT_OF_RANGE);
+}
+
+[[gnu::always_inline]] inline void requireAtMost(std::uint32_t value, std::uint32_t maximum) {
+    if (value > maximum) refuse(FG_ERR_OUT_OF_RANGE);
 }
 
 [[gnu::always_inline]] inline void requireMultipleOf4(std::uint32_t value) {

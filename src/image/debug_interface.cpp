@@ -2,6 +2,7 @@
 
 #include "catalogue/live_records.h"
 #include "entry/sdk_parameters.h"
+#include "entry/setter_tools.h"
 
 namespace {
 
@@ -11,10 +12,9 @@ constexpr double maximumPixelRate = 3999999999.9999995;
 } // namespace
 
 void FgLoomWrapperImpl::discoverDebugInterface() {
-    try {
+    // What was found before a failure stays; a design without debug points comes up all the same.
+    quietly([this] {
         catalogue::publishMaximum(recordAt(indexOf(FG_CAMERASIMULATOR_PIXEL_FREQUENCY)),
                                   maximumPixelRate / 1000000);
-    } catch (int) {
-        // What was found before stays; a design without debug points comes up all the same.
-    }
+    });
 }

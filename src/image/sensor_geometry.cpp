@@ -14,18 +14,8 @@ using namespace catalogue;
 
 namespace {
 
-constexpr std::uint32_t maximumWidth = 16384;    // pixels
-constexpr std::uint32_t maximumHeight = 1398101; // lines, 2^22 / 3
-constexpr std::uint32_t minimumWidth = 4;        // pixels
-constexpr std::uint32_t minimumHeight = 1;       // lines
-
-[[gnu::always_inline]] inline void requireAtLeast(std::uint32_t value, std::uint32_t minimum) {
-    if (value < minimum) refuse(FG_ERR_OUT_OF_RANGE);
-}
-
-[[gnu::always_inline]] inline void requireAtMost(std::uint32_t value, std::uint32_t limit) {
-    if (value > limit) refuse(FG_ERR_OUT_OF_RANGE);
-}
+constexpr UInt widthLimits = limitsOf<UInt>(FG_SENSORWIDTH);   // pixels
+constexpr UInt heightLimits = limitsOf<UInt>(FG_SENSORHEIGHT); // lines; at most 2^22 / 3
 
 /** A divisor of 0, which a configuration file can bring about, is a value out of range. */
 template <typename T> T nonZero(T divisor) {
@@ -75,9 +65,9 @@ std::uint32_t FgLoomWrapperImpl::maxSensorWidthFromDram() {
 // ---- Limits. Differences are taken in 32 bits and wrap: what is then too large fails the region check.
 
 std::uint32_t FgLoomWrapperImpl::usableWidth() {
-    if (!mirrorsFrames()) return maximumWidth;
+    if (!mirrorsFrames()) return widthLimits.maximum;
     const std::uint32_t fitting = calcMaxWidthFromDram(m_sensorHeight);
-    return std::min(maximumWidth, fitting);
+    return std::min(widthLimits.maximum, fitting);
 }
 
 std::uint32_t FgLoomWrapperImpl::widthLimit() {
@@ -91,13 +81,13 @@ std::uint32_t FgLoomWrapperImpl::xOffsetLimit() {
 }
 
 std::uint32_t FgLoomWrapperImpl::heightLimit() {
-    if (!mirrorsFrames()) return maximumHeight;
+    if (!mirrorsFrames()) return heightLimits.maximum;
     calcMaxHeightFromDram(m_sensorWidth); // a design that cannot be read refuses the value
     return m_sensorHeight - m_yOffset;
 }
 
 std::uint32_t FgLoomWrapperImpl::yOffsetLimit() {
-    if (!mirrorsFrames()) return maximumHeight;
+    if (!mirrorsFrames()) return heightLimits.maximum;
     calcMaxHeightFromDram(m_sensorWidth);
     return m_sensorHeight - m_height;
 }
@@ -105,7 +95,7 @@ std::uint32_t FgLoomWrapperImpl::yOffsetLimit() {
 void FgLoomWrapperImpl::checkRoiX() const {
     // From the left the sensor's width is ignored, deliberately.
     const std::uint64_t right = std::uint64_t{m_width} + m_xOffset;
-    if (right > (mirrorsLines() ? m_sensorWidth : maximumWidth)) refuse(FG_ERR_OUT_OF_RANGE);
+    if (right > (mirrorsLines() ? m_sensorWidth : widthLimits.maximum)) refuse(FG_ERR_OUT_OF_RANGE);
 }
 
 void FgLoomWrapperImpl::checkRoiY() const {
@@ -148,7 +138,7 @@ void FgLoomWrapperImpl::writeTriggerGeometry(std::uint32_t yOffset, std::uint32_
         length = height;
         break;
     case ASYNC_GATED_MULTIFRAME:
-        length = maximumHeight;
+        length = heightLimits.maximum;
         break;
     case ASYNC_TRIGGER_MULTIFRAME:
         length = m_imgTriggerAsyncHeight;
@@ -167,14 +157,15 @@ void FgLoomWrapperImpl::writeTriggerGeometry(std::uint32_t yOffset, std::uint32_
 
 void FgLoomWrapperImpl::updateSensorWidthRange() {
     republishMaximum(recordAt(indexOf(FG_SENSORWIDTH)), [this] {
-        return mirrorsFrames() ? std::min(maximumWidth, maxSensorWidthFromDram()) : maximumWidth;
+        return mirrorsFrames() ? std::min(widthLimits.maximum, maxSensorWidthFromDram())
+                               : widthLimits.maximum;
     });
 }
 
 void FgLoomWrapperImpl::updateSensorHeightRange() {
     republishMaximum(recordAt(indexOf(FG_SENSORHEIGHT)), [this] {
-        return mirrorsFrames() ? std::min(maximumHeight, calcMaxHeightFromDram(m_sensorWidth))
-                               : maximumHeight;
+        return mirrorsFrames() ? std::min(heightLimits.maximum, calcMaxHeightFromDram(m_sensorWidth))
+                               : heightLimits.maximum;
     });
 }
 
@@ -196,8 +187,7 @@ void FgLoomWrapperImpl::updateYOffsetRange() {
 
 // ---- Setters
 
-void FgLoomWrapperImpl::set_FG_VANTAGEPOINT(std::uint32_t value, bool raise) {
-    if (!raise) return quietly([&] { set_FG_VANTAGEPOINT(value, true); });
+void FgLoomWrapperImpl::set_FG_VANTAGEPOINT(std::uint32_t value) {
     requireEntry(enumVantagePoint, value);
     Replacement stored(m_vantagePoint, value);
     checkRoiX();
@@ -212,11 +202,10 @@ void FgLoomWrapperImpl::set_FG_VANTAGEPOINT(std::uint32_t value, bool raise) {
     updateYOffsetRange();
 }
 
-void FgLoomWrapperImpl::set_FG_SENSORWIDTH(std::uint32_t value, bool raise) {
-    if (!raise) return quietly([&] { set_FG_SENSORWIDTH(value, true); });
-    requireAtLeast(value, minimumWidth);
+void FgLoomWrapperImpl::set_FG_SENSORWIDTH(std::uint32_t value) {
+    requireAtLeast(value, widthLimits.minimum);
     const std::uint32_t fitting = maxSensorWidthFromDram(); // read for every vantage point
-    requireAtMost(value, mirrorsFrames() ? std::min(maximumWidth, fitting) : maximumWidth);
+    requireAtMost(value, mirrorsFrames() ? std::min(widthLimits.maximum, fitting) : widthLimits.maximum);
     requireMultipleOf4(value);
     Replacement stored(m_sensorWidth, value);
     checkRoiX();
@@ -229,11 +218,10 @@ void FgLoomWrapperImpl::set_FG_SENSORWIDTH(std::uint32_t value, bool raise) {
     updateYOffsetRange();
 }
 
-void FgLoomWrapperImpl::set_FG_SENSORHEIGHT(std::uint32_t value, bool raise) {
-    if (!raise) return quietly([&] { set_FG_SENSORHEIGHT(value, true); });
-    requireAtLeast(value, minimumHeight);
+void FgLoomWrapperImpl::set_FG_SENSORHEIGHT(std::uint32_t value) {
+    requireAtLeast(value, heightLimits.minimum);
     const std::uint32_t fitting = calcMaxHeightFromDram(m_sensorWidth); // read for every vantage point
-    requireAtMost(value, mirrorsFrames() ? std::min(maximumHeight, fitting) : maximumHeight);
+    requireAtMost(value, mirrorsFrames() ? std::min(heightLimits.maximum, fitting) : heightLimits.maximum);
     Replacement stored(m_sensorHeight, value);
     checkRoiY();
     writeBufferGeometry(stored.old());
@@ -245,9 +233,8 @@ void FgLoomWrapperImpl::set_FG_SENSORHEIGHT(std::uint32_t value, bool raise) {
     updateYOffsetRange();
 }
 
-void FgLoomWrapperImpl::set_FG_WIDTH(std::uint32_t value, bool raise) {
-    if (!raise) return quietly([&] { set_FG_WIDTH(value, true); });
-    requireAtLeast(value, minimumWidth);
+void FgLoomWrapperImpl::set_FG_WIDTH(std::uint32_t value) {
+    requireAtLeast(value, widthLimits.minimum);
     requireAtMost(value, widthLimit());
     requireMultipleOf4(value);
     Replacement stored(m_width, value);
@@ -261,9 +248,8 @@ void FgLoomWrapperImpl::set_FG_WIDTH(std::uint32_t value, bool raise) {
     updateYOffsetRange();
 }
 
-void FgLoomWrapperImpl::set_FG_HEIGHT(std::uint32_t value, bool raise) {
-    if (!raise) return quietly([&] { set_FG_HEIGHT(value, true); });
-    requireAtLeast(value, minimumHeight);
+void FgLoomWrapperImpl::set_FG_HEIGHT(std::uint32_t value) {
+    requireAtLeast(value, heightLimits.minimum);
     requireAtMost(value, heightLimit());
     Replacement stored(m_height, value);
     checkRoiY();
@@ -275,8 +261,7 @@ void FgLoomWrapperImpl::set_FG_HEIGHT(std::uint32_t value, bool raise) {
     updateYOffsetRange();
 }
 
-void FgLoomWrapperImpl::set_FG_XOFFSET(std::uint32_t value, bool raise) {
-    if (!raise) return quietly([&] { set_FG_XOFFSET(value, true); });
+void FgLoomWrapperImpl::set_FG_XOFFSET(std::uint32_t value) {
     requireAtMost(value, xOffsetLimit());
     requireMultipleOf4(value);
     Replacement stored(m_xOffset, value);
@@ -288,8 +273,7 @@ void FgLoomWrapperImpl::set_FG_XOFFSET(std::uint32_t value, bool raise) {
     updateWidthRange();
 }
 
-void FgLoomWrapperImpl::set_FG_YOFFSET(std::uint32_t value, bool raise) {
-    if (!raise) return quietly([&] { set_FG_YOFFSET(value, true); });
+void FgLoomWrapperImpl::set_FG_YOFFSET(std::uint32_t value) {
     requireAtMost(value, yOffsetLimit());
     Replacement stored(m_yOffset, value);
     checkRoiY();

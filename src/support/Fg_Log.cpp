@@ -27,20 +27,22 @@ char* Fg_Log::GetTimestamp() {
 }
 
 void Fg_Log::UsrDbg(const char* format, ...) {
-    if (m_stream == nullptr) return;
     std::va_list arguments;
     va_start(arguments, format);
-    std::vfprintf(m_stream, format, arguments);
+    print(format, arguments);
     va_end(arguments);
 }
 
 void Fg_Log::write(const char* format, ...) {
-    if (m_stream == nullptr) return;
     std::va_list arguments;
     va_start(arguments, format);
-    std::vfprintf(m_stream, format, arguments);
+    print(format, arguments);
     va_end(arguments);
-    std::fflush(m_stream);
+    if (m_stream != nullptr) std::fflush(m_stream);
+}
+
+void Fg_Log::print(const char* format, std::va_list arguments) {
+    if (m_stream != nullptr) std::vfprintf(m_stream, format, arguments);
 }
 
 void Fg_Log::Info(const char*) {}

@@ -2,6 +2,7 @@
 #ifndef SUPPORT_FG_LOG_H
 #define SUPPORT_FG_LOG_H
 
+#include <cstdarg>
 #include <cstdio>
 
 /**
@@ -34,6 +35,7 @@ public:
     void WriteWelcome();
 
 private:
+    void print(const char* format, std::va_list arguments);
     void write(const char* format, ...) __attribute__((format(printf, 2, 3)));
 
     std::FILE* m_stream = nullptr;

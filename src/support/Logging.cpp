@@ -54,6 +54,7 @@ Logging::~Logging() {
     m_private->deleteLoggers();
     if (const LoggingDispatcherDescriptor* descriptor = m_private->descriptor) {
         descriptor->fini(this);
+        m_private->library.reset(); // while a last callback still finds everything in place
     } else if (m_private->library != nullptr) {
         m_private->library->leaveOpen(); // the dispatcher shut down on its own and may still run
     }

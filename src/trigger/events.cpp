@@ -9,7 +9,6 @@
 namespace {
 
 constexpr int mostEvents = 65;
-constexpr std::uint32_t missingEvent = 4;
 constexpr std::uint32_t forPublication = 1;
 
 std::vector<const TslEvent*> eventsOf(fpga_design* design) {
@@ -49,7 +48,8 @@ void FgLoomWrapperImpl::publishEvents() {
             mask <<= 1;
         }
         if (event == events.end()) {
-            log(missingEvent, "cannot retrieve event id for internal event: '", row.designName, "'");
+            log(vexo::tools::logging::levels::refusedCall, "cannot retrieve event id for internal event: '",
+                row.designName, "'");
             continue;
         }
         // The applet's name takes the place of the design's: both lead to the mask, the mask to this one.

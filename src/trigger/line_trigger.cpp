@@ -16,15 +16,9 @@ using namespace catalogue;
 
 namespace {
 
-constexpr double shortestPulse = 0.512;    // 64 ticks
-constexpr double longestPeriod = 2097.144; // 18-bit counter
-constexpr double longestPulse = 1048.568;  // 17-bit counter
-constexpr double shortestDebounce = 0.008;
-constexpr double longestDebounce = 65.0;
-constexpr std::uint32_t mostDownscale = 255;
-
-constexpr std::uint32_t readOnly = REGISTER_ACCESS_READ;
-constexpr std::uint32_t anyTime = 7;
+// In ticks of the design's counters: at least 64, at most 18 bits for the period and 17 for a pulse.
+constexpr Double periodLimits = limitsOf<Double>(FG_LINEPERIODE);
+constexpr Double pulseLimits = limitsOf<Double>(FG_LINEEXPOSURE);
 
 struct LineTriggerMode {
     std::uint32_t mode;
@@ -59,7 +53,7 @@ double publishable(double limit) { return std::max(limit, std::numeric_limits<do
 double FgLoomWrapperImpl::exposureLimit() const {
     const bool periodic =
         m_lineTriggerMode == GRABBER_CONTROLLED || m_lineTriggerMode == GRABBER_CONTROLLED_GATED;
-    return periodic && m_linePeriode < longestPulse ? m_linePeriode : longestPulse;
+    return periodic && m_linePeriode < pulseLimits.maximum ? m_linePeriode : pulseLimits.maximum;
 }
 
 void FgLoomWrapperImpl::updateExposureRange() {
@@ -70,8 +64,7 @@ void FgLoomWrapperImpl::updateTriggerDelayRange() {
     publishMaximum(recordAt(indexOf(FG_LINETRIGGERDELAY)), publishable(m_linePeriode));
 }
 
-void FgLoomWrapperImpl::set_FG_LINETRIGGERMODE(std::uint32_t value, bool raise) {
-    if (!raise) return quietly([&] { set_FG_LINETRIGGERMODE(value, true); });
+void FgLoomWrapperImpl::set_FG_LINETRIGGERMODE(std::uint32_t value) {
     requireEntry(enumLineTriggerMode, value);
     Replacement stored(m_lineTriggerMode, value);
     const LineTriggerMode& mode = translated(value);
@@ -90,16 +83,14 @@ void FgLoomWrapperImpl::set_FG_LINETRIGGERMODE(std::uint32_t value, bool raise) 
     updateExposureRange();
 }
 
-void FgLoomWrapperImpl::set_FG_EXSYNCON(std::uint32_t value, bool raise) {
-    if (!raise) return quietly([&] { set_FG_EXSYNCON(value, true); });
+void FgLoomWrapperImpl::set_FG_EXSYNCON(std::uint32_t value) {
     requireEntry(enumOnOff, value);
     Replacement stored(m_exsyncOn, value);
     loomSet_Process0_Trigger_Trigger_ExsyncEnable(value);
     stored.keep();
 }
 
-void FgLoomWrapperImpl::set_FG_LINETRIGGERINSRC(std::uint32_t value, bool raise) {
-    if (!raise) return quietly([&] { set_FG_LINETRIGGERINSRC(value, true); });
+void FgLoomWrapperImpl::set_FG_LINETRIGGERINSRC(std::uint32_t value) {
     requireEntry(enumTriggerInSource, value);
     Replacement stored(m_lineTriggerInSrc, value);
     loomSet_Process0_Trigger_Trigger_LineTrgInSourceA(std::uint32_t{0});
@@ -107,42 +98,38 @@ void FgLoomWrapperImpl::set_FG_LINETRIGGERINSRC(std::uint32_t value, bool raise)
     stored.keep();
 }
 
-void FgLoomWrapperImpl::set_FG_LINETRIGGERINPOLARITY(std::uint32_t value, bool raise) {
-    if (!raise) return quietly([&] { set_FG_LINETRIGGERINPOLARITY(value, true); });
+void FgLoomWrapperImpl::set_FG_LINETRIGGERINPOLARITY(std::uint32_t value) {
     requireEntry(enumTriggerInPolarity, value);
     Replacement stored(m_lineTriggerInPolarity, value);
     loomSet_Process0_Trigger_Trigger_LineTrgInPolarity(value);
     stored.keep();
 }
 
-void FgLoomWrapperImpl::set_FG_LINETRIGGERDEBOUNCING(double value, bool raise) {
-    if (!raise) return quietly([&] { set_FG_LINETRIGGERDEBOUNCING(value, true); });
-    requireRange(value, shortestDebounce, longestDebounce);
+void FgLoomWrapperImpl::set_FG_LINETRIGGERDEBOUNCING(double value) {
+    requireRange(value, limitsOf<Double>(FG_LINETRIGGERDEBOUNCING));
     Replacement stored(m_lineTriggerDebouncing, value);
     loomSet_Process0_Trigger_Trigger_LineTrgDebouncingTime(value);
     loomSet_Process1_Trigger_Inputs_Debounce8_Prescale_Period(debouncePrescaler(value));
     stored.keep();
 }
 
-void FgLoomWrapperImpl::set_FG_LINE_DOWNSCALE(std::uint32_t value, bool raise) {
-    if (!raise) return quietly([&] { set_FG_LINE_DOWNSCALE(value, true); });
-    requireRange(value, 1u, mostDownscale);
+void FgLoomWrapperImpl::set_FG_LINE_DOWNSCALE(std::uint32_t value) {
+    requireRange(value, limitsOf<UInt>(FG_LINE_DOWNSCALE));
     Replacement stored(m_lineDownscale, value);
     loomSet_Process0_Trigger_Trigger_LineTrgDownscaler(value);
     stored.keep();
 }
 
-void FgLoomWrapperImpl::set_FG_LINE_DOWNSCALEINIT(std::uint32_t value, bool raise) {
-    if (!raise) return quietly([&] { set_FG_LINE_DOWNSCALEINIT(value, true); });
-    requireRange(value, 1u, mostDownscale); // a phase above the downscale factor is accepted
+void FgLoomWrapperImpl::set_FG_LINE_DOWNSCALEINIT(std::uint32_t value) {
+    requireRange(value,
+                 limitsOf<UInt>(FG_LINE_DOWNSCALEINIT)); // a phase above the downscale factor is accepted
     Replacement stored(m_lineDownscaleInit, value);
     loomSet_Process0_Trigger_Trigger_LineTrgPhase(value);
     stored.keep();
 }
 
-void FgLoomWrapperImpl::set_FG_LINEPERIODE(double value, bool raise) {
-    if (!raise) return quietly([&] { set_FG_LINEPERIODE(value, true); });
-    requireRange(value, shortestPulse, longestPeriod);
+void FgLoomWrapperImpl::set_FG_LINEPERIODE(double value) {
+    requireRange(value, periodLimits);
     Replacement stored(m_linePeriode, value);
     loomSet_Process0_Trigger_Trigger_ExsyncPeriod(value);
     stored.keep();
@@ -151,24 +138,21 @@ void FgLoomWrapperImpl::set_FG_LINEPERIODE(double value, bool raise) {
     updateTriggerDelayRange();
 }
 
-void FgLoomWrapperImpl::set_FG_LINEEXPOSURE(double value, bool raise) {
-    if (!raise) return quietly([&] { set_FG_LINEEXPOSURE(value, true); });
-    requireRange(value, shortestPulse, exposureLimit());
+void FgLoomWrapperImpl::set_FG_LINEEXPOSURE(double value) {
+    requireRange(value, pulseLimits.minimum, exposureLimit());
     Replacement stored(m_lineExposure, value);
     loomSet_Process0_Trigger_Trigger_ExsyncExposure(value);
     stored.keep();
 }
 
-void FgLoomWrapperImpl::set_FG_EXSYNCPOLARITY(std::uint32_t value, bool raise) {
-    if (!raise) return quietly([&] { set_FG_EXSYNCPOLARITY(value, true); });
+void FgLoomWrapperImpl::set_FG_EXSYNCPOLARITY(std::uint32_t value) {
     requireEntry(enumPolarity, value);
     Replacement stored(m_exsyncPolarity, value);
     loomSet_Process0_Trigger_Trigger_ExsyncPolarity(value == FG_LOW ? 1u : 0u); // the design's is inverted
     stored.keep();
 }
 
-void FgLoomWrapperImpl::set_FG_LINETRIGGERDELAY(double value, bool raise) {
-    if (!raise) return quietly([&] { set_FG_LINETRIGGERDELAY(value, true); });
+void FgLoomWrapperImpl::set_FG_LINETRIGGERDELAY(double value) {
     requireRange(value, 0.0, m_linePeriode); // whatever the mode and the catalogue's own maximum
     Replacement stored(m_lineTriggerDelay, value);
     loomSet_Process0_Trigger_Trigger_Exsync2Delay(value);

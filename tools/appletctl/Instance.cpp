@@ -1,7 +1,6 @@
 #include "appletctl/Instance.h"
 
 #include "appletctl/errors.h"
-#include "appletctl/info_codes.h"
 
 #include <cstdlib>
 
@@ -29,7 +28,7 @@ applet_host::Locations locationsFor(const Options& options) {
 
 Instance::Instance(const Options& options) : m_host(locationsFor(options)) {
     if (options.offline) {
-        const int code = applet().Info(infoCreateOffline, 0, 0, nullptr, &m_offline.object);
+        const int code = applet().Info(FG_INFO_CREATE_OFFLINE, 0, 0, nullptr, &m_offline.object);
         if (code != FG_OK) throw Failure("no offline instance could be made: " + codeInWords(code));
         return;
     }
@@ -41,7 +40,7 @@ Instance::Instance(const Options& options) : m_host(locationsFor(options)) {
 }
 
 Instance::~Instance() {
-    if (m_offline.object != nullptr) applet().Info(infoDestroyOffline, 0, 0, m_offline.object, nullptr);
+    if (m_offline.object != nullptr) applet().Info(FG_INFO_DESTROY_OFFLINE, 0, 0, m_offline.object, nullptr);
 }
 
 const RegisterInfo* Instance::parameterTree() {
@@ -50,7 +49,7 @@ const RegisterInfo* Instance::parameterTree() {
     if (m_session)
         root = applet().Fg_getParameterInfo(fg(), 0);
     else
-        applet().Info(infoOfflineTree, 0, 0, m_offline.object, &root);
+        applet().Info(FG_INFO_OFFLINE_TREE, 0, 0, m_offline.object, &root);
     if (root == nullptr) throw Failure("the applet has no parameter tree");
     return root;
 }

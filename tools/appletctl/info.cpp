@@ -1,6 +1,5 @@
 #include "appletctl/Instance.h"
 #include "appletctl/commands.h"
-#include "appletctl/info_codes.h"
 #include "appletctl/text.h"
 
 #include <unistd.h>
@@ -11,26 +10,26 @@ namespace {
 enum class Answer { text, size, number };
 
 struct Question {
-    InfoCode code;
+    FgInfoCode code;
     const char* key;
     const char* title;
     Answer answer;
 };
 
 constexpr Question questions[] = {
-    {infoName, "name", "Applet", Answer::text},
-    {infoVersion, "version", "Version", Answer::text},
-    {infoBuild, "build", "Build", Answer::text},
-    {infoVersionWord, "versionWord", "Version word", Answer::number},
-    {infoDescription, "description", "Description", Answer::text},
-    {infoCategory, "category", "Category", Answer::text},
-    {infoTags, "tags", "Tags", Answer::text},
-    {infoProductGuid, "productGuid", "Product GUID", Answer::text},
-    {infoVersionGuid, "versionGuid", "Version GUID", Answer::text},
-    {infoIcon, "iconBytes", "Icon, bytes", Answer::size},
-    {infoDesignImage, "designImageBytes", "Design image, bytes", Answer::size},
-    {infoDesignType, "designType", "Design type", Answer::number},
-    {infoProcesses, "processes", "Processes", Answer::number},
+    {FG_INFO_NAME, "name", "Applet", Answer::text},
+    {FG_INFO_VERSION, "version", "Version", Answer::text},
+    {FG_INFO_BUILD, "build", "Build", Answer::text},
+    {FG_INFO_VERSION_WORD, "versionWord", "Version word", Answer::number},
+    {FG_INFO_DESCRIPTION, "description", "Description", Answer::text},
+    {FG_INFO_CATEGORY, "category", "Category", Answer::text},
+    {FG_INFO_TAGS, "tags", "Tags", Answer::text},
+    {FG_INFO_PRODUCT_GUID, "productGuid", "Product GUID", Answer::text},
+    {FG_INFO_VERSION_GUID, "versionGuid", "Version GUID", Answer::text},
+    {FG_INFO_ICON, "iconBytes", "Icon, bytes", Answer::size},
+    {FG_INFO_DESIGN_IMAGE, "designImageBytes", "Design image, bytes", Answer::size},
+    {FG_INFO_DESIGN_TYPE, "designType", "Design type", Answer::number},
+    {FG_INFO_PROCESSES, "processes", "Processes", Answer::number},
 };
 
 nlohmann::ordered_json ask(const applet_host::AppletFunctions& applet, const Question& question) {

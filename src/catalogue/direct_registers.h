@@ -1,0 +1,29 @@
+/** The design's registers as they are offered for direct access. */
+#ifndef CATALOGUE_DIRECT_REGISTERS_H
+#define CATALOGUE_DIRECT_REGISTERS_H
+
+#include "vexo/design_loader.h"
+#include "vexo/fg_api.h"
+
+#include <string>
+
+namespace catalogue {
+
+struct DirectRegister {
+    const char* name; // the design's
+    int number;
+    std::string publicName() const { return std::string("DRA_") + name; }
+    int publicId() const { return number + FG_DIRECT_REGISTER_BASE; }
+};
+
+/** Calls `visit` with each register, the first one first. One without a name cannot be offered. */
+template <typename Visit> void forEachRegister(fpga_design* design, Visit visit) {
+    const int count = TslGetNrOfRegister(design);
+    for (int i = 1; i <= count; ++i)
+        if (const char* name = TslGetRegisterName(design, i))
+            visit(DirectRegister{name, TslGetRegisterByName(design, name)});
+}
+
+} // namespace catalogue
+
+#endif
