@@ -321,8 +321,14 @@ private:
     std::vector<void*> m_handles;
 };
 
-TEST(Loading, EverythingIsUnloadedAfterTheLastHandle) {
-    if (isLoaded("libvexo_hw.so")) GTEST_SKIP() << "needs a process of its own";
+/** What needs a process in which nothing is loaded yet. */
+class Loading : public testing::Test {
+    void SetUp() override {
+        if (isLoaded("libvexo_hw.so")) GTEST_SKIP() << "needs a process of its own";
+    }
+};
+
+TEST_F(Loading, EverythingIsUnloadedAfterTheLastHandle) {
     {
         const applet_host::AppletHost libraries;
         for (int i = 0; i < 3; ++i) {
@@ -340,8 +346,7 @@ TEST(Loading, EverythingIsUnloadedAfterTheLastHandle) {
     EXPECT_FALSE(isLoaded("libcommon-logging-dispatcher.so"));
 }
 
-TEST(Loading, RefusedDesignLeavesTheObjectAndTheOpenedRuntimeBehind) {
-    if (isLoaded("libvexo_hw.so")) GTEST_SKIP() << "needs a process of its own";
+TEST_F(Loading, RefusedDesignLeavesTheObjectAndTheOpenedRuntimeBehind) {
     {
         const applet_host::AppletHost libraries;
         const auto& board = libraries.board();
@@ -358,8 +363,7 @@ TEST(Loading, RefusedDesignLeavesTheObjectAndTheOpenedRuntimeBehind) {
     EXPECT_TRUE(isLoaded("libgrabcore5.so"));
 }
 
-TEST(Loading, PresenceOfTheVariableSelectsTheExternalDesign) {
-    if (isLoaded("libvexo_hw.so")) GTEST_SKIP() << "needs a process of its own";
+TEST_F(Loading, PresenceOfTheVariableSelectsTheExternalDesign) {
     const auto folder = std::filesystem::temp_directory_path() / ("applet-" + std::to_string(getpid()));
     std::filesystem::create_directory(folder);
     std::filesystem::current_path(folder);
@@ -377,8 +381,7 @@ TEST(Loading, PresenceOfTheVariableSelectsTheExternalDesign) {
     std::filesystem::remove_all(folder);
 }
 
-TEST(Loading, NothingIsKnownBeforeTheFirstObject) {
-    if (isLoaded("libvexo_hw.so")) GTEST_SKIP() << "needs a process of its own";
+TEST_F(Loading, NothingIsKnownBeforeTheFirstObject) {
     const auto overflow = [] { // sixth in the virtual board's list
         FgEventRecord record{};
         return host().applet().Info(5120, 1 << 5, 0, nullptr, &record);
@@ -394,8 +397,7 @@ TEST(Loading, NothingIsKnownBeforeTheFirstObject) {
     EXPECT_EQ(lastDesign(), nullptr);
 }
 
-TEST(Loading, RuntimeLibraryThatIsNotFound) {
-    if (isLoaded("libvexo_hw.so")) GTEST_SKIP() << "needs a process of its own";
+TEST_F(Loading, RuntimeLibraryThatIsNotFound) {
     const auto where = applet_host::Locations::beside();
     Libraries libraries(
         {where.virtualBoard / "libvexo_hw.so", where.virtualBoard / "libtslrt.so", where.applet});
