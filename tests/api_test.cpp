@@ -84,12 +84,11 @@ TEST_F(Api, AnAcquisitionRunsInTheRuntime) {
     const std::int64_t far = 5'000'000'000;
     EXPECT_EQ(applet.Fg_getStatusEx(fg, 0, 0, 0, nullptr), 0);
     EXPECT_EQ(applet.Fg_AcquireEx(fg, 0, far, 0, nullptr), 0);
-    EXPECT_EQ(applet.Fg_getStatusEx(fg, 0, 0, 0, nullptr), 1);
     EXPECT_EQ(applet.Fg_getLastPicNumberEx(fg, 0, nullptr), 1);
     EXPECT_EQ(applet.Fg_getLastPicNumberBlockingEx(fg, far, 0, 1, nullptr), far);
+    EXPECT_EQ(applet.Fg_getStatusEx(fg, 0, 0, 0, nullptr), far);
     EXPECT_EQ(grabber.lastError(), 0);
     EXPECT_EQ(applet.Fg_stopAcquireEx(fg, 0, nullptr, 0), 0);
-    EXPECT_EQ(applet.Fg_getStatusEx(fg, 0, 0, 0, nullptr), 0);
 }
 
 TEST_F(Api, FreeGrabberFreesTheInnerHandleThenTheDesign) {

@@ -1,211 +1,135 @@
-// The control functions: what a design lacks, what a board does wrong, what reached it.
+// The control functions: what a host steers the model with.
 
-#include "board.h"
-#include "hidden_entries.h"
 #include "virtual_board.h"
 
-#include <algorithm>
+#include "Board.h"
+#include "Design.h"
+#include "vexo/fg_errors.h"
+
 #include <bit>
 #include <cstring>
-
-#pragma GCC visibility push(default)
 
 using namespace vboard;
 
 namespace {
 
-/** Position of an event by its name, or -1. */
-int eventNamed(const char* name) {
-    const auto found = std::find_if(events.begin(), events.end(), [&](const TslEvent& event) {
-        return name != nullptr && std::strcmp(event.name, name) == 0;
-    });
-    return found != events.end() ? static_cast<int>(found - events.begin()) : -1;
-}
-
-int registerNamed(const char* name) {
-    const auto found = std::find_if(registers.begin(), registers.end(), [&](const Register& reg) {
-        return name != nullptr && std::strcmp(reg.name, name) == 0;
-    });
-    return found != registers.end() ? static_cast<int>(found - registers.begin()) : -1;
-}
-
-/** Marks a row of the design as lacking or not. */
-int mark(std::vector<bool> DesignState::*rows, int position, bool lacking) {
-    if (position < 0) return VBOARD_UNKNOWN;
-    DesignState& design = DesignState::instance();
-    const std::lock_guard guard(design.mutex);
-    (design.*rows)[static_cast<std::size_t>(position)] = lacking;
-    return VBOARD_OK;
-}
-
-/** Calls `change` with the value of a parameter of these types. */
-template <typename Change>
-int withValue(LOOMdevice* board, const char* name, bool (*suits)(ValueType), Change change) {
-    const int position = parameterNamed(name);
-    if (board == nullptr || position < 0) return VBOARD_UNKNOWN;
-    const ValueType type = designParameters[static_cast<std::size_t>(position)].type;
-    if (!suits(type)) return VBOARD_UNKNOWN;
-    const std::lock_guard guard(board->mutex);
-    change(board->values[static_cast<std::size_t>(position)]);
-    return VBOARD_OK;
-}
-
-bool isInteger(ValueType type) { return type < ValueType::F64; }
-bool isDouble(ValueType type) { return type == ValueType::F64; }
-bool isText(ValueType type) { return type == ValueType::Text; }
-bool isField(ValueType type) { return type == ValueType::Field; }
-
-/** Calls `change` with the value of a register. */
-template <typename Change> int withRegister(LOOMdevice* board, const char* name, Change change) {
-    const int position = registerNamed(name);
-    if (board == nullptr || position < 0) return VBOARD_UNKNOWN;
-    const std::lock_guard guard(board->mutex);
-    change(board->registerValues[static_cast<std::size_t>(position)]);
-    return VBOARD_OK;
-}
+int known(bool isKnown) { return isKnown ? VBOARD_OK : VBOARD_UNKNOWN; }
 
 } // namespace
 
 LOOMdevice* vboard_open(void) { return new LOOMdevice; }
 
-void vboard_close(LOOMdevice* board) { delete board; }
-
-void vboard_reset(LOOMdevice* board) { board->reset(); }
-
-int vboard_live(const char* what) {
-    LiveCounts& live = LiveCounts::instance();
-    const std::string_view kind = what != nullptr ? what : "";
-    if (kind == "boards") return live.boards;
-    if (kind == "designs") return live.designs;
-    if (kind == "handles") return live.handles;
-    if (kind == "strings") return live.strings;
-    return VBOARD_UNKNOWN;
+void vboard_close(LOOMdevice* board) {
+    if (board != nullptr) board->release();
 }
 
-int vboard_lack_parameter(const char* name, bool lacking) {
-    return mark(&DesignState::lackingParameter, parameterNamed(name), lacking);
+void vboard_reset(LOOMdevice* board) {
+    if (board != nullptr) board->reset();
 }
 
-int vboard_lack_event(const char* name, bool lacking) {
-    return mark(&DesignState::lackingEvent, eventNamed(name), lacking);
-}
-
-int vboard_hide_entry(const char* name, bool hidden) {
-    return hideEntry(name, hidden) ? VBOARD_OK : VBOARD_UNKNOWN;
-}
-
-void vboard_extra_events(int count) {
-    DesignState& design = DesignState::instance();
-    const std::lock_guard guard(design.mutex);
-    design.extraEvents = std::max(count, 0);
-}
-
-void vboard_refuse_design(bool refuse) {
-    DesignState& design = DesignState::instance();
-    const std::lock_guard guard(design.mutex);
-    design.refuseDesign = refuse;
-}
-
-void vboard_fail_init(bool fail, int lastError) {
-    DesignState& design = DesignState::instance();
-    const std::lock_guard guard(design.mutex);
-    design.failInit = fail;
-    design.initError = fail ? lastError : 0;
-}
-
-void vboard_restore_design(void) {
-    vboard_extra_events(0);
-    vboard_refuse_design(false);
-    vboard_fail_init(false, 0);
-    showAllEntries();
-    DesignState& design = DesignState::instance();
-    const std::lock_guard guard(design.mutex);
-    design.lackingParameter.assign(designParameters.size(), false);
-    design.lackingEvent.assign(events.size(), false);
-}
+int vboard_lack_parameter(const char* name, bool lacking) { return known(lackParameter(name, lacking)); }
+int vboard_lack_event(const char* name, bool lacking) { return known(lackEvent(name, lacking)); }
+int vboard_hide_entry(const char* name, bool hidden) { return known(hideEntry(name, hidden)); }
+void vboard_extra_events(int count) { appendExtraEvents(count); }
+void vboard_refuse_design(bool refuse) { refuseDesigns(refuse); }
+void vboard_fail_init(bool fail, int lastError) { failInit(fail, lastError); }
+void vboard_restore_design(void) { restoreDesign(); }
 
 void vboard_log_kinds(LOOMdevice* board, unsigned mask) {
-    const std::lock_guard guard(board->mutex);
-    board->log.setKinds(mask);
+    if (board != nullptr) board->setLogKinds(mask);
 }
 
-size_t vboard_log_size(LOOMdevice* board) {
-    const std::lock_guard guard(board->mutex);
-    return board->log.size();
-}
+size_t vboard_log_size(LOOMdevice* board) { return board != nullptr ? board->logSize() : 0; }
 
 int vboard_log_line(LOOMdevice* board, size_t index, char* text, size_t size) {
-    const std::lock_guard guard(board->mutex);
-    if (index >= board->log.size()) return VBOARD_UNKNOWN;
-    const std::string line = lineOf(board->log.at(index));
-    if (line.size() >= size) return VBOARD_TOO_SMALL;
-    std::memcpy(text, line.c_str(), line.size() + 1);
-    return static_cast<int>(line.size());
+    if (board == nullptr || text == nullptr) return VBOARD_UNKNOWN;
+    const auto line = board->logLine(index);
+    if (!line) return VBOARD_UNKNOWN;
+    if (line->size() >= size) return VBOARD_TOO_SMALL;
+    std::memcpy(text, line->c_str(), line->size() + 1);
+    return static_cast<int>(line->size());
 }
 
 void vboard_log_clear(LOOMdevice* board) {
-    const std::lock_guard guard(board->mutex);
-    board->log.clear();
+    if (board != nullptr) board->clearLog();
 }
 
 void vboard_fail_access(LOOMdevice* board, unsigned k, int code, int how) {
-    const std::lock_guard guard(board->mutex);
-    board->faults.failAccess(k, code, how == VBOARD_FROM_THEN_ON);
+    if (board != nullptr) board->failAccess(k, code, how == VBOARD_FROM_THEN_ON);
 }
 
-unsigned vboard_access_count(LOOMdevice* board) {
-    const std::lock_guard guard(board->mutex);
-    return board->faults.count();
-}
+unsigned vboard_access_count(LOOMdevice* board) { return board != nullptr ? board->accessCount() : 0; }
 
 int vboard_fail_name(LOOMdevice* board, const char* name, int code) {
-    if (parameterNamed(name) < 0 && registerNamed(name) < 0) return VBOARD_UNKNOWN;
-    const std::lock_guard guard(board->mutex);
-    board->faults.failName(name, code);
-    return VBOARD_OK;
+    return known(board != nullptr && name != nullptr && board->failName(name, code));
 }
 
 int vboard_answer(LOOMdevice* board, const char* function, int64_t value) {
-    if (!isEntry(function)) return VBOARD_UNKNOWN;
-    const std::lock_guard guard(board->mutex);
-    board->answers[function] = value;
-    return VBOARD_OK;
+    // Only those that end in a number and have no values and texts to answer besides.
+    constexpr const char* answering[] = {
+        "Fg_FreeGrabber", "Fg_saveConfig",         "Fg_loadConfig",
+        "Fg_getAppletId", "Fg_AcquireEx",          "Fg_stopAcquireEx",
+        "Fg_getStatusEx", "Fg_getLastPicNumberEx", "Fg_getLastPicNumberBlockingEx"};
+    if (board == nullptr || function == nullptr) return VBOARD_UNKNOWN;
+    for (const char* name : answering) {
+        if (std::strcmp(name, function) != 0) continue;
+        board->setAnswer(findEntry(name), value);
+        return VBOARD_OK;
+    }
+    return VBOARD_UNKNOWN;
 }
 
 void vboard_last_error(LOOMdevice* board, int code) {
-    const std::lock_guard guard(board->mutex);
-    board->lastError = code;
+    if (board != nullptr) board->setLastError(code);
 }
 
 int vboard_poke_int(LOOMdevice* board, const char* name, int64_t value) {
-    const auto bits = static_cast<std::uint64_t>(value);
-    const int result = withValue(board, name, isInteger, [&](Value& place) { place.bits = bits; });
-    return result == VBOARD_OK ? result
-                               : withRegister(board, name, [&](std::uint64_t& place) { place = bits; });
+    return known(board != nullptr && name != nullptr &&
+                 board->poke(name, Type::i64, static_cast<std::uint64_t>(value)));
 }
 
 int vboard_poke_double(LOOMdevice* board, const char* name, double value) {
-    return withValue(board, name, isDouble, [&](Value& place) { place.number = value; });
+    return known(board != nullptr && name != nullptr &&
+                 board->poke(name, Type::f64, std::bit_cast<std::uint64_t>(value)));
 }
 
 int vboard_poke_text(LOOMdevice* board, const char* name, const char* value) {
-    return withValue(board, name, isText, [&](Value& place) { place.text = value; });
+    return known(board != nullptr && name != nullptr && value != nullptr && board->pokeText(name, value));
 }
 
 int vboard_peek_int(LOOMdevice* board, const char* name, int64_t* value) {
-    const auto give = [&](std::uint64_t bits) { *value = static_cast<std::int64_t>(bits); };
-    const int result = withValue(board, name, isInteger, [&](const Value& place) { give(place.bits); });
-    return result == VBOARD_OK ? result : withRegister(board, name, give);
+    std::uint64_t bits = 0;
+    if (board == nullptr || name == nullptr || value == nullptr || !board->peek(name, Type::i64, bits))
+        return VBOARD_UNKNOWN;
+    *value = static_cast<std::int64_t>(bits);
+    return VBOARD_OK;
 }
 
 int vboard_peek_double(LOOMdevice* board, const char* name, double* value) {
-    return withValue(board, name, isDouble, [&](const Value& place) { *value = place.number; });
+    std::uint64_t bits = 0;
+    if (board == nullptr || name == nullptr || value == nullptr || !board->peek(name, Type::f64, bits))
+        return VBOARD_UNKNOWN;
+    *value = std::bit_cast<double>(bits);
+    return VBOARD_OK;
 }
 
 int vboard_peek_field(LOOMdevice* board, const char* name, uint32_t first, uint32_t count, uint32_t* values) {
-    if (first > fieldElements || count > fieldElements - first) return VBOARD_TOO_SMALL;
-    return withValue(board, name, isField,
-                     [&](const Value& place) { std::copy_n(place.field.begin() + first, count, values); });
+    return known(board != nullptr && name != nullptr && values != nullptr &&
+                 board->peekField(name, first, count, values));
 }
 
-#pragma GCC visibility pop
+int vboard_live(const char* what) {
+    constexpr const char* names[] = {"boards", "designs", "handles", "strings"};
+    static_assert(std::size(names) == Live::kinds);
+    for (std::size_t kind = 0; what != nullptr && kind < std::size(names); ++kind)
+        if (std::strcmp(names[kind], what) == 0) return Live::count(static_cast<Live::Kind>(kind));
+    return VBOARD_UNKNOWN;
+}
+
+int VexoRegisterRead(LOOMdevice* board, int reg, uint64_t* value) {
+    return board != nullptr ? board->readRegister(reg, value) : FG_ERR_INVALID_HANDLE;
+}
+
+int VexoRegisterWrite(LOOMdevice* board, int reg, uint64_t value) {
+    return board != nullptr ? board->writeRegister(reg, value) : FG_ERR_INVALID_HANDLE;
+}

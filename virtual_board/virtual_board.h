@@ -25,12 +25,13 @@ enum { VBOARD_OK = 0, VBOARD_UNKNOWN = -1, VBOARD_TOO_SMALL = -2 };
 
 /** A new board with the design's start values; to be handed to Std_entry. Close it after its last handle. */
 LOOMdevice* vboard_open(void);
-/** Releases a board. A null board does nothing. */
+/** Releases a board; it is gone when the last handle of it is freed too. A null board does nothing. */
 void vboard_close(LOOMdevice* board);
-/** Puts start values back, clears the log and forgets faults and forced answers. */
+/** Puts start values back, clears the log, forgets faults and forced answers. What is logged stays chosen. */
 void vboard_reset(LOOMdevice* board);
 
-/** How many "boards", "designs", "handles" (inner) or "strings" (of the runtime) are alive. */
+/** How many "boards", "designs", "handles" (inner ones) or "strings" (handed out by the runtime) are alive.
+ *  Freeing a handle takes its strings along. */
 int vboard_live(const char* what);
 
 /** Takes a design parameter (full name, "Device1_...") out of every design or puts it back. */
@@ -60,7 +61,8 @@ enum {
 
 /** Which kinds of access are logged and count for faults. At start all but RESOLVE and CALL. */
 void vboard_log_kinds(LOOMdevice* board, unsigned mask);
-/** Number of accesses logged since the last clear. */
+/** Number of accesses logged since the last clear. After 1,000,000 the log is full: later accesses happen and
+ *  count, but are not logged. */
 size_t vboard_log_size(LOOMdevice* board);
 /**
  * Writes access `index` as one line, ended, without line break, into `text` of `size` bytes:
@@ -70,6 +72,7 @@ size_t vboard_log_size(LOOMdevice* board);
  *   "set Device1_Process0_LookupTable_R_LUTcontent field 0+16384"   first element + count
  *   "write Control u32 1" / "read Control u32 1"   registers, by width u32 or u64
  *   "resolve NAME = ID", "call Fg_saveConfig"
+ * What has no name in the design goes by its id: "get #3050 u32 1", "set #0 u32 5 = -2070".
  * A failed access ends in " = " and its code; a failed get has no value: "get NAME u32 = -2010".
  * Returns the length, or VBOARD_UNKNOWN for an index outside, VBOARD_TOO_SMALL.
  */
@@ -84,7 +87,9 @@ void vboard_fail_access(LOOMdevice* board, unsigned k, int code, int how);
 unsigned vboard_access_count(LOOMdevice* board);
 /** Every access of this parameter or register fails with `code`; 0: works again. */
 int vboard_fail_name(LOOMdevice* board, const char* name, int code);
-/** A function of the runtime that takes the handle (Fg_getAppletId, Fg_AcquireEx, ...) answers `value`. */
+/** From now on these functions of the runtime answer `value` and do nothing (Fg_FreeGrabber frees all the
+ *  same): Fg_getAppletId, Fg_AcquireEx, Fg_stopAcquireEx, Fg_getStatusEx, Fg_getLastPicNumberEx,
+ *  Fg_getLastPicNumberBlockingEx, Fg_saveConfig, Fg_loadConfig, Fg_FreeGrabber. */
 int vboard_answer(LOOMdevice* board, const char* function, int64_t value);
 /** What the runtime's Fg_getLastErrorNumber answers for handles of this board. */
 void vboard_last_error(LOOMdevice* board, int code);

@@ -1,0 +1,389 @@
+// What the virtual board promises to its hosts, through its libraries as a host opens them.
+// VIRTUAL_BOARD_DIR is their folder.
+
+#include "vexo/fg_errors.h"
+#include "vexo/grabber_runtime.h"
+#include "virtual_board.h"
+
+#include <gtest/gtest.h>
+
+#include <dlfcn.h>
+
+#include <array>
+#include <cstring>
+#include <set>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+void* library(const char* name) {
+    void* handle = dlopen((std::string(VIRTUAL_BOARD_DIR "/") + name).c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (handle == nullptr) ADD_FAILURE() << dlerror();
+    return handle;
+}
+
+template <typename Function> Function* find(void* from, const char* name) {
+    return reinterpret_cast<Function*>(dlsym(from, name));
+}
+
+void* const hardware = library("libvexo_hw.so");
+void* const loader = library("libtslrt.so");
+void* const runtime = library("libgrabcore5.so");
+
+#define BOARD(name) find<decltype(name)>(hardware, #name)
+#define LOADER(name) find<decltype(name)>(loader, #name)
+#define RUNTIME(name) find<grabcore_##name>(runtime, "Fg_" #name)
+
+const std::string width = "Device1_Process0_Buffer_0_XLength";
+const std::string period = "Device1_Process0_Trigger_Trigger_ExsyncPeriod";
+const std::string temperature = "Device1_Process0_BoardStatus_FpgaTemperature";
+const std::string red = "Device1_Process0_LookupTable_R_LUTcontent";
+
+/** A board with a design on it, all freed again; the settings of the process go back to normal. */
+class VirtualBoard : public testing::Test {
+protected:
+    ~VirtualBoard() override {
+        if (fg != nullptr) RUNTIME(FreeGrabber)(fg);
+        LOADER(TslUnloadTslFile)(design);
+        BOARD(vboard_close)(device);
+        BOARD(vboard_restore_design)();
+        for (const char* what : {"boards", "designs", "handles", "strings"})
+            EXPECT_EQ(BOARD(vboard_live)(what), 0) << what;
+    }
+
+    static fpga_design* load() { return LOADER(TslLoadDesignFromBuffer)("image", 5, 1); }
+    Fg_Struct* init() const { return RUNTIME(InitHandle)("any.tsl", device, design); }
+    int id(const std::string& name) const { return RUNTIME(getParameterIdByName)(fg, name.c_str()); }
+    template <typename Value> int set(const std::string& name, int tag, Value value) const {
+        return RUNTIME(setParameterWithType)(fg, id(name), &value, 0, tag);
+    }
+    template <typename Value> int get(const std::string& name, int tag, Value& value) const {
+        return RUNTIME(getParameterWithType)(fg, id(name), &value, 0, tag);
+    }
+    Lines log() const {
+        Lines lines;
+        char text[400];
+        for (std::size_t i = 0; i < BOARD(vboard_log_size)(device); ++i) {
+            EXPECT_GT(BOARD(vboard_log_line)(device, i, text, sizeof text), 0);
+            lines.emplace_back(text);
+        }
+        return lines;
+    }
+
+    LOOMdevice* device = BOARD(vboard_open)();
+    fpga_design* design = load();
+    Fg_Struct* fg = init();
+};
+
+TEST_F(VirtualBoard, NumbersGoThroughEveryTagAndIntoTheLog) {
+    EXPECT_EQ(set(width, FG_PARAM_INT64, std::int64_t{2048}), 0);
+    EXPECT_EQ(set(period, FG_PARAM_UINT32, 150u), 0);
+    EXPECT_EQ(set(period, FG_PARAM_DOUBLE, 0.1 + 0.2), 0);
+    EXPECT_EQ(set("Device2_LinkMonitor_Skew", FG_PARAM_DOUBLE, -1e300), 0);
+    std::array<std::uint32_t, 2> guarded{0, 77};
+    EXPECT_EQ(get(width, FG_PARAM_UINT32, guarded), 0);
+    EXPECT_EQ(guarded, (std::array<std::uint32_t, 2>{2048, 77}));
+    double asDouble = 0;
+    EXPECT_EQ(get(width, FG_PARAM_DOUBLE, asDouble), 0);
+    EXPECT_EQ(asDouble, 2048.0);
+    std::int64_t skew = 0;
+    EXPECT_EQ(get("Device2_LinkMonitor_Skew", FG_PARAM_INT64, skew), 0);
+    EXPECT_EQ(skew, INT64_MIN);
+    EXPECT_EQ(log(),
+              (Lines{"set " + width + " i64 2048", "set " + period + " u32 150",
+                     "set " + period + " f64 0.30000000000000004", "set Device2_LinkMonitor_Skew f64 -1e+300",
+                     "get " + width + " u32 2048", "get " + width + " f64 2048",
+                     "get Device2_LinkMonitor_Skew i64 -9223372036854775808"}));
+}
+
+TEST_F(VirtualBoard, RefusesWhatCannotBe) {
+    double number = 1;
+    EXPECT_EQ(set(temperature, FG_PARAM_DOUBLE, number), FG_ERR_NOT_AVAILABLE);
+    EXPECT_EQ(set(width, 77, number), FG_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(get(red, FG_PARAM_UINT32, number), FG_ERR_INVALID_ARGUMENT);
+    const auto setTyped = RUNTIME(setParameterWithType);
+    const auto getTyped = RUNTIME(getParameterWithType);
+    EXPECT_EQ(setTyped(fg, id(width), nullptr, 0, FG_PARAM_UINT32), FG_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(getTyped(fg, id(width), &number, 1, FG_PARAM_UINT32), FG_ERR_INVALID_ARGUMENT);
+    for (const int unknown : {0, -1, 10000, 20000, INT32_MIN, INT32_MAX})
+        EXPECT_EQ(getTyped(fg, unknown, &number, 0, FG_PARAM_DOUBLE), FG_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(setTyped(nullptr, id(width), &number, 0, FG_PARAM_UINT32), FG_ERR_INVALID_HANDLE);
+    EXPECT_EQ(number, 1.0);
+    EXPECT_EQ(id("Device1_Process0_Nothing"), 0);
+    EXPECT_EQ(id("FG_NR_OF_DMAS"), 0);
+    EXPECT_EQ(log().front(), "set " + temperature + " f64 1 = -12");
+    EXPECT_EQ(log().back(), "get #2147483647 f64 = -2070");
+    EXPECT_EQ(RUNTIME(getLastErrorNumber)(fg), FG_ERR_INVALID_ARGUMENT);
+}
+
+TEST_F(VirtualBoard, KeepsFieldsAndHandsOutTexts) {
+    std::uint32_t run[] = {7, 8, 9};
+    const FieldParameterAccess some{FG_PARAM_UINT32, 16381, 3, run};
+    EXPECT_EQ(set(red, FG_PARAM_FIELD_ACCESS, some), 0);
+    EXPECT_EQ(set(red, FG_PARAM_FIELD_ACCESS, FieldParameterAccess{FG_PARAM_UINT32, 16382, 3, run}),
+              FG_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(set(red, FG_PARAM_FIELD_ACCESS, FieldParameterAccess{FG_PARAM_UINT32, ~0u, 2, run}),
+              FG_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(set(red, FG_PARAM_FIELD_INT, FieldParameterInt_s{5, 16380}), 0);
+    double wide[4] = {};
+    FieldParameterAccess all{FG_PARAM_DOUBLE, 16380, 4, wide};
+    EXPECT_EQ(get(red, FG_PARAM_FIELD_ACCESS, all), 0);
+    EXPECT_EQ((std::vector<double>(wide, wide + 4)), (std::vector<double>{5, 7, 8, 9}));
+    FieldParameterInt_s element{0, 16382};
+    EXPECT_EQ(get(red, FG_PARAM_FIELD_INT, element), 0);
+    EXPECT_EQ(element.value, 8u);
+    EXPECT_EQ(log()[0], "set " + red + " field 16381+3");
+    EXPECT_EQ(log()[3], "set " + red + " field 16380+1");
+
+    const std::string uid = "Device1_Process0_AppletProperties_AppletUid";
+    BOARD(vboard_poke_text)(device, uid.c_str(), "ABC");
+    std::array<char, 6> buffer{'x', 'x', 'x', 'x', 'x', 'x'};
+    EXPECT_EQ(get(uid, FG_PARAM_TEXT, buffer), 0);
+    EXPECT_EQ(std::string(buffer.data(), 6), std::string("ABC\0xx", 6));
+    char* text = nullptr;
+    EXPECT_EQ(get(uid, FG_PARAM_ALLOCATED_STRING, text), 0);
+    EXPECT_STREQ(text, "ABC");
+    EXPECT_EQ(BOARD(vboard_live)("strings"), 1);
+    EXPECT_EQ(log().back(), "get " + uid + " text ABC");
+    const auto freeText = RUNTIME(freeParameterStringWithType);
+    EXPECT_EQ(freeText(fg, id(uid), text, 0, FG_PARAM_TEXT), FG_ERR_STRING_TAG);
+    EXPECT_EQ(freeText(fg, id(uid), text, 0, FG_PARAM_ALLOCATED_STRING), 0);
+    EXPECT_EQ(freeText(fg, id(uid), text, 0, FG_PARAM_ALLOCATED_STRING), FG_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(get(uid, FG_PARAM_ALLOCATED_STRING, text), 0); // goes with the handle
+}
+
+TEST_F(VirtualBoard, FaultsHitTheAccessTheyAreMeantFor) {
+    BOARD(vboard_fail_access)(device, 2, -4711, VBOARD_ONCE);
+    std::uint32_t value = 99;
+    EXPECT_EQ(set(width, FG_PARAM_UINT32, 4u), 0);
+    EXPECT_EQ(get(width, FG_PARAM_UINT32, value), -4711);
+    EXPECT_EQ(value, 99u);
+    EXPECT_EQ(set(width, FG_PARAM_UINT32, 8u), 0);
+    EXPECT_EQ(BOARD(vboard_access_count)(device), 3u);
+    BOARD(vboard_fail_access)(device, 1, -7, VBOARD_FROM_THEN_ON);
+    EXPECT_EQ(set(width, FG_PARAM_UINT32, 12u), -7);
+    EXPECT_EQ(BOARD(VexoRegisterWrite)(device, LOADER(TslGetRegisterByName)(design, "Control"), 1), -7);
+    BOARD(vboard_fail_access)(device, 0, 0, VBOARD_ONCE);
+    EXPECT_EQ(BOARD(vboard_fail_name)(device, width.c_str(), -8), VBOARD_OK);
+    EXPECT_EQ(set(width, FG_PARAM_UINT32, 16u), -8);
+    EXPECT_EQ(set(period, FG_PARAM_UINT32, 16u), 0);
+    BOARD(vboard_fail_name)(device, width.c_str(), 0);
+    EXPECT_EQ(get(width, FG_PARAM_UINT32, value), 0);
+    EXPECT_EQ(value, 8u);
+    EXPECT_EQ(log(), (Lines{"set " + width + " u32 4", "get " + width + " u32 = -4711",
+                            "set " + width + " u32 8", "set " + width + " u32 12 = -7",
+                            "write Control u32 1 = -7", "set " + width + " u32 16 = -8",
+                            "set " + period + " u32 16", "get " + width + " u32 8"}));
+
+    char tight[8];
+    EXPECT_EQ(BOARD(vboard_log_line)(device, 0, tight, sizeof tight), VBOARD_TOO_SMALL);
+    EXPECT_EQ(BOARD(vboard_log_line)(device, 8, tight, sizeof tight), VBOARD_UNKNOWN);
+    EXPECT_EQ(BOARD(vboard_fail_name)(device, "Nothing", -8), VBOARD_UNKNOWN);
+
+    BOARD(vboard_log_kinds)(device, VBOARD_RESOLVE | VBOARD_CALL);
+    BOARD(vboard_reset)(device);
+    const int found = id(width);
+    EXPECT_EQ(get(width, FG_PARAM_UINT32, value), 0);
+    EXPECT_EQ(value, 1024u);
+    EXPECT_EQ(RUNTIME(saveConfig)(fg, "file"), FG_ERR_NOT_SUPPORTED);
+    const std::string resolved = "resolve " + width + " = " + std::to_string(found);
+    EXPECT_EQ(log(), (Lines{resolved, resolved, "call Fg_saveConfig = -2130"}));
+}
+
+TEST_F(VirtualBoard, RegistersHaveTheirWidthAndDirection) {
+    std::set<std::pair<int, bool>> kinds;
+    const int count = LOADER(TslGetNrOfRegister)(design);
+    for (int i = 1; i <= count; ++i) {
+        const char* name = LOADER(TslGetRegisterName)(design, i);
+        const int reg = LOADER(TslGetRegisterByName)(design, name);
+        const int bits = LOADER(TslGetRegisterBitRange)(design, reg);
+        const bool writable = LOADER(TslGetRegisterDirection)(design, reg) != 0;
+        kinds.insert({bits, writable});
+        std::uint64_t before = 0, after = 0;
+        EXPECT_EQ(BOARD(VexoRegisterRead)(device, reg, &before), 0);
+        EXPECT_EQ(BOARD(VexoRegisterWrite)(device, reg, ~before), writable ? 0 : FG_ERR_NOT_AVAILABLE);
+        EXPECT_EQ(BOARD(VexoRegisterRead)(device, reg, &after), 0);
+        const std::uint64_t all = ~std::uint64_t{0} >> (64 - bits);
+        EXPECT_EQ(after, writable ? ~before & all : before) << name;
+        EXPECT_EQ(before & ~all, 0u) << name;
+    }
+    EXPECT_EQ(kinds.size(), 10u); // 1, 8, 32, 33, 64 bits, both directions
+    EXPECT_EQ(LOADER(TslGetRegisterName)(design, 0), nullptr);
+    EXPECT_EQ(LOADER(TslGetRegisterName)(design, count + 1), nullptr);
+    std::uint64_t value = 5;
+    EXPECT_EQ(BOARD(VexoRegisterRead)(device, 1, &value), FG_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(value, 5u);
+}
+
+TEST_F(VirtualBoard, DesignsAreMadeBySettings) {
+    const auto nameOf = [](fpga_design* of, int index) -> std::string {
+        const TslEvent* event = LOADER(TslGetEvent)(of, index);
+        return event != nullptr ? event->name : "none";
+    };
+    const std::string first = nameOf(design, 0);
+    const std::string second = nameOf(design, 1);
+    int count = 0;
+    while (LOADER(TslGetEvent)(design, count) != nullptr)
+        ++count;
+    EXPECT_EQ(BOARD(vboard_lack_event)(first.c_str(), true), VBOARD_OK);
+    BOARD(vboard_extra_events)(40);
+    EXPECT_EQ(BOARD(vboard_lack_parameter)(width.c_str(), true), VBOARD_OK);
+    EXPECT_EQ(BOARD(vboard_lack_parameter)("Nothing", true), VBOARD_UNKNOWN);
+    const int known = id(width);
+    EXPECT_GT(known, 0); // loaded before
+
+    fpga_design* poorer = load();
+    Fg_Struct* poor = RUNTIME(InitHandle)("any.tsl", device, poorer);
+    EXPECT_EQ(nameOf(poorer, 0), second);
+    EXPECT_EQ(nameOf(poorer, count - 1), "Extra0");
+    EXPECT_EQ(nameOf(poorer, count + 38), "Extra39");
+    EXPECT_EQ(nameOf(poorer, count + 39), "none");
+    EXPECT_EQ(LOADER(TslUnloadTslFile)(poorer), 0); // the handle keeps what it needs
+    EXPECT_LE(RUNTIME(getParameterIdByName)(poor, width.c_str()), 0);
+    std::uint32_t value = 0;
+    EXPECT_EQ(RUNTIME(getParameterWithType)(poor, known, &value, 0, FG_PARAM_UINT32),
+              FG_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(RUNTIME(FreeGrabber)(poor), 0);
+
+    BOARD(vboard_refuse_design)(true);
+    EXPECT_EQ(load(), nullptr);
+    BOARD(vboard_fail_init)(true, -4712);
+    EXPECT_EQ(init(), nullptr);
+    EXPECT_EQ(RUNTIME(getLastErrorNumber)(nullptr), -4712);
+    BOARD(vboard_restore_design)();
+    EXPECT_EQ(RUNTIME(InitHandle)("any.tsl", nullptr, design), nullptr);
+    EXPECT_EQ(RUNTIME(getLastErrorNumber)(nullptr), FG_ERR_INVALID_HANDLE);
+    fpga_design* whole = load();
+    EXPECT_EQ(nameOf(whole, 0), first);
+    LOADER(TslUnloadTslFile)(whole);
+    EXPECT_EQ(LOADER(TslLoadTslFileWithType)("no such file.tsl", 1880, 1), nullptr);
+    EXPECT_EQ(LOADER(TslLoadTslFileWithType)("/proc/self/exe", 1, 1), nullptr);
+}
+
+TEST_F(VirtualBoard, HidesEveryFunctionOfTheRuntime) {
+    for (const char* name :
+         {"Fg_InitHandleSlaveAware", "Fg_InitHandle", "Fg_FreeGrabber", "Fg_getLastErrorNumber",
+          "Fg_getParameterIdByName", "Fg_setParameterWithType", "Fg_getParameterWithType",
+          "Fg_freeParameterStringWithType", "Fg_setParameter", "Fg_getParameter", "Fg_getParameterInfo",
+          "Fg_saveConfig", "Fg_loadConfig", "Fg_getAppletId", "Fg_AcquireEx", "Fg_stopAcquireEx",
+          "Fg_getStatusEx", "Fg_getLastPicNumberEx", "Fg_getLastPicNumberBlockingEx"}) {
+        void* before = dlsym(runtime, name);
+        EXPECT_NE(before, nullptr) << name;
+        EXPECT_EQ(BOARD(vboard_hide_entry)(name, true), VBOARD_OK);
+        EXPECT_EQ(dlsym(runtime, name), nullptr) << name;
+        EXPECT_EQ(BOARD(vboard_hide_entry)(name, false), VBOARD_OK);
+        EXPECT_EQ(dlsym(runtime, name), before) << name;
+    }
+    EXPECT_EQ(BOARD(vboard_hide_entry)("Fg_Nothing", true), VBOARD_UNKNOWN);
+}
+
+TEST_F(VirtualBoard, AcquiresAndAnswersAsTold) {
+    std::uint32_t running = 7;
+    const auto isRunning = [&] {
+        EXPECT_EQ(RUNTIME(getParameterWithType)(fg, 24092, &running, 0, FG_PARAM_UINT32), 0);
+        return running == 1;
+    };
+    EXPECT_FALSE(isRunning());
+    EXPECT_EQ(RUNTIME(AcquireEx)(fg, 0, 3, 0, nullptr), 0);
+    EXPECT_TRUE(isRunning());
+    const auto last = RUNTIME(getLastPicNumberEx);
+    EXPECT_EQ(last(fg, 0, nullptr), 1);
+    EXPECT_EQ(RUNTIME(getLastPicNumberBlockingEx)(fg, 3, 0, 1, nullptr), 3);
+    EXPECT_EQ(last(fg, 0, nullptr), 3);
+    EXPECT_EQ(RUNTIME(getLastPicNumberBlockingEx)(fg, 4, 0, 1, nullptr), FG_ERR_NOT_AVAILABLE);
+    EXPECT_EQ(RUNTIME(stopAcquireEx)(fg, 0, nullptr, 0), 0);
+    EXPECT_FALSE(isRunning());
+
+    const std::int64_t far = (std::int64_t{1} << 40) + 5;
+    EXPECT_EQ(BOARD(vboard_answer)(device, "Fg_getLastPicNumberEx", far), VBOARD_OK);
+    EXPECT_EQ(last(fg, 0, nullptr), far);
+    EXPECT_EQ(BOARD(vboard_answer)(device, "Fg_AcquireEx", -33), VBOARD_OK);
+    EXPECT_EQ(RUNTIME(AcquireEx)(fg, 0, 1, 0, nullptr), -33);
+    EXPECT_FALSE(isRunning());
+    EXPECT_EQ(RUNTIME(getLastErrorNumber)(fg), -33);
+    BOARD(vboard_last_error)(device, -34);
+    EXPECT_EQ(RUNTIME(getLastErrorNumber)(fg), -34);
+    EXPECT_EQ(BOARD(vboard_answer)(device, "Fg_InitHandle", 1), VBOARD_UNKNOWN);
+}
+
+/** Collects the leaves below a group and checks the links on the way. */
+void collect(const RegisterInfo* group, std::vector<const RegisterInfo*>& leaves) {
+    for (int i = 0; i < group->value.group.childCount; ++i) {
+        const RegisterInfo* child = group->value.group.children[i];
+        EXPECT_EQ(child->index, i);
+        EXPECT_EQ(child->depth, group->depth + 1);
+        EXPECT_STREQ(child->parentName, group->displayName);
+        EXPECT_EQ(child->next, nullptr);
+        if (child->kind == REGISTER_KIND_GROUP)
+            collect(child, leaves);
+        else
+            leaves.push_back(child);
+    }
+}
+
+TEST_F(VirtualBoard, TheTreeLeadsToEveryParameter) {
+    BOARD(vboard_poke_int)(device, width.c_str(), 640);
+    const RegisterInfo* root = RUNTIME(getParameterInfo)(fg, 0);
+    ASSERT_NE(root, nullptr);
+    EXPECT_EQ(RUNTIME(getParameterInfo)(fg, 1), nullptr);
+    std::vector<const RegisterInfo*> leaves;
+    Lines topLevel;
+    for (const RegisterInfo* top = root; top != nullptr; top = top->next) {
+        topLevel.emplace_back(top->displayName);
+        collect(top, leaves);
+    }
+    EXPECT_EQ(topLevel, (Lines{"Device1", "Device2", "Runtime"}));
+    std::set<int> ids, kinds;
+    int named = 0;
+    for (const RegisterInfo* leaf : leaves) {
+        ids.insert(leaf->id);
+        kinds.insert(leaf->kind);
+        if (std::strncmp(leaf->name, "Device", 6) != 0) continue;
+        ++named;
+        EXPECT_EQ(id(leaf->name), leaf->id) << leaf->name;
+        if (leaf->name == width) {
+            EXPECT_STREQ(leaf->parentName, "Buffer_0");
+            EXPECT_EQ(leaf->value.u32.value, 640u);
+            EXPECT_EQ(leaf->value.u32.maximum, 16384u);
+        }
+    }
+    EXPECT_EQ(ids.size(), leaves.size());
+    EXPECT_GE(named, 138);
+    EXPECT_EQ(kinds, (std::set<int>{REGISTER_KIND_UINT, REGISTER_KIND_ENUM, REGISTER_KIND_STRING,
+                                    REGISTER_KIND_DOUBLE, REGISTER_KIND_UINT_FIELD, REGISTER_KIND_UINT64,
+                                    REGISTER_KIND_INT, REGISTER_KIND_INT64}));
+}
+
+TEST_F(VirtualBoard, ServesThreadsAndOutlivesItsClose) {
+    const int known = id(width);
+    const auto setTyped = RUNTIME(setParameterWithType);
+    const auto work = [&] {
+        for (std::uint32_t i = 0; i < 2000; ++i)
+            EXPECT_EQ(setTyped(fg, known, &i, 0, FG_PARAM_UINT32), 0);
+    };
+    std::thread other(work);
+    work();
+    other.join();
+    EXPECT_EQ(BOARD(vboard_log_size)(device), 4000u);
+
+    // A status that reading clears, on a board that is closed while a handle is there.
+    const std::string overflow = "Device1_Process0_OverflowOccurred_Status";
+    LOOMdevice* closed = BOARD(vboard_open)();
+    Fg_Struct* last = RUNTIME(InitHandleSlaveAware)("any.tsl", closed, design, 0);
+    BOARD(vboard_poke_int)(closed, overflow.c_str(), 1);
+    BOARD(vboard_close)(closed);
+    EXPECT_EQ(BOARD(vboard_live)("boards"), 2);
+    std::uint32_t first = 9, second = 9;
+    RUNTIME(getParameterWithType)(last, id(overflow), &first, 0, FG_PARAM_UINT32);
+    RUNTIME(getParameterWithType)(last, id(overflow), &second, 0, FG_PARAM_UINT32);
+    EXPECT_EQ(first, 1u);
+    EXPECT_EQ(second, 0u);
+    RUNTIME(FreeGrabber)(last);
+    EXPECT_EQ(BOARD(vboard_live)("boards"), 1);
+}
+
+} // namespace

@@ -1,0 +1,167 @@
+// The runtime, libgrabcore5.so. What each function does stands here; runtime_entries.cpp exports them.
+
+#include "runtime.h"
+
+#include "Board.h"
+#include "RuntimeTree.h"
+#include "design_tables.h"
+#include "vexo/fg_errors.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cstring>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+using namespace vboard;
+
+/** The runtime's handle: a board with a design on it. */
+struct Fg_Struct_s {
+    Fg_Struct_s(Board& itsBoard, std::shared_ptr<const Design> itsDesign)
+        : board(itsBoard)
+        , design(std::move(itsDesign)) {
+        board.hold();
+    }
+    ~Fg_Struct_s() {
+        Live::add(Live::strings, -static_cast<int>(texts.size()));
+        board.release();
+    }
+
+    Live live{Live::handles};
+    Board& board;
+    const std::shared_ptr<const Design> design;
+
+    std::mutex mutex; // guards what follows
+    std::vector<std::unique_ptr<char[]>> texts;
+    std::unique_ptr<RuntimeTree> tree;
+};
+
+namespace vboard::runtime {
+namespace {
+
+/** Why the last init of the process failed. */
+std::atomic<int> initError{FG_OK};
+
+int call(Fg_Struct* fg, int function, const std::function<std::int64_t()>& perform) {
+    if (fg == nullptr) return FG_ERR_INVALID_HANDLE;
+    return static_cast<int>(fg->board.call(function, perform));
+}
+
+std::int64_t callWide(Fg_Struct* fg, int function, const std::function<std::int64_t()>& perform) {
+    if (fg == nullptr) return FG_ERR_INVALID_HANDLE;
+    return fg->board.call(function, perform);
+}
+
+std::int64_t nothing() { return FG_OK; }
+std::int64_t notSupported() { return FG_ERR_NOT_SUPPORTED; }
+
+} // namespace
+
+Fg_Struct* initHandleSlaveAware(const char* tslName, LOOMdevice* device, fpga_design* design, int) {
+    return initHandle(tslName, device, design);
+}
+
+Fg_Struct* initHandle(const char*, LOOMdevice* device, fpga_design* design) {
+    int code = FG_OK;
+    if (device == nullptr || design == nullptr) {
+        initError = FG_ERR_INVALID_HANDLE;
+        return nullptr;
+    }
+    if (isInitFailing(code)) {
+        initError = code;
+        return nullptr;
+    }
+    initError = FG_OK;
+    return new Fg_Struct(*device, design->design);
+}
+
+int freeGrabber(Fg_Struct* fg) {
+    // Freed whatever the answer is: nobody would try again.
+    const int result = call(fg, entry("Fg_FreeGrabber"), nothing);
+    delete fg;
+    return result;
+}
+
+int getLastErrorNumber(Fg_Struct* fg) { return fg != nullptr ? fg->board.lastError() : initError.load(); }
+
+int getParameterIdByName(Fg_Struct* fg, const char* name) {
+    return fg != nullptr ? fg->board.resolve(*fg->design, name) : FG_ERR_INVALID_HANDLE;
+}
+
+int setParameterWithType(Fg_Struct* fg, int id, const void* value, int dma, int type) {
+    return fg != nullptr ? fg->board.set(*fg->design, id, value, dma, type) : FG_ERR_INVALID_HANDLE;
+}
+
+int getParameterWithType(Fg_Struct* fg, int id, void* value, int dma, int type) {
+    if (fg == nullptr) return FG_ERR_INVALID_HANDLE;
+    const int result = fg->board.get(*fg->design, id, value, dma, type);
+    if (result == FG_OK && type == FG_PARAM_ALLOCATED_STRING) {
+        char* text = nullptr;
+        std::memcpy(&text, value, sizeof text);
+        const std::lock_guard lock(fg->mutex);
+        fg->texts.emplace_back(text);
+        Live::add(Live::strings, 1);
+    }
+    return result;
+}
+
+int freeParameterStringWithType(Fg_Struct* fg, int, void* value, int, int type) {
+    return call(fg, entry("Fg_freeParameterStringWithType"), [&] {
+        if (type != FG_PARAM_ALLOCATED_STRING) return FG_ERR_STRING_TAG;
+        const std::lock_guard lock(fg->mutex);
+        const auto found = std::find_if(fg->texts.begin(), fg->texts.end(),
+                                        [value](const auto& text) { return text.get() == value; });
+        if (found == fg->texts.end()) return FG_ERR_INVALID_ARGUMENT;
+        fg->texts.erase(found);
+        Live::add(Live::strings, -1);
+        return FG_OK;
+    });
+}
+
+int setParameter(Fg_Struct* fg, int id, const void* value, int dma) {
+    return setParameterWithType(fg, id, value, dma, 0);
+}
+
+int getParameter(Fg_Struct* fg, int id, void* value, int dma) {
+    return getParameterWithType(fg, id, value, dma, 0);
+}
+
+RegisterInfo* getParameterInfo(Fg_Struct* fg, int index) {
+    const int result = call(fg, entry("Fg_getParameterInfo"), nothing);
+    if (result != FG_OK || index != 0) return nullptr;
+    const std::lock_guard lock(fg->mutex);
+    if (fg->tree == nullptr) fg->tree = std::make_unique<RuntimeTree>(fg->board, *fg->design);
+    return fg->tree->root();
+}
+
+int saveConfig(Fg_Struct* fg, const char*) { return call(fg, entry("Fg_saveConfig"), notSupported); }
+int loadConfig(Fg_Struct* fg, const char*) { return call(fg, entry("Fg_loadConfig"), notSupported); }
+
+int getAppletId(Fg_Struct* fg, uintptr_t) {
+    constexpr int appletId = 0x2a31;
+    return call(fg, entry("Fg_getAppletId"), [] { return appletId; });
+}
+
+int acquireEx(Fg_Struct* fg, int dma, intptr_t frames, int, void*) {
+    return call(fg, entry("Fg_AcquireEx"), [&] { return fg->board.startAcquisition(dma, frames); });
+}
+
+int stopAcquireEx(Fg_Struct* fg, int dma, void*, int) {
+    return call(fg, entry("Fg_stopAcquireEx"), [&] { return fg->board.stopAcquisition(dma); });
+}
+
+int64_t getStatusEx(Fg_Struct* fg, int, intptr_t, int, void*) {
+    return callWide(fg, entry("Fg_getStatusEx"), [fg] { return fg->board.picture(); });
+}
+
+int64_t getLastPicNumberEx(Fg_Struct* fg, int, void*) {
+    return callWide(fg, entry("Fg_getLastPicNumberEx"), [fg] { return fg->board.nextPicture(); });
+}
+
+int64_t getLastPicNumberBlockingEx(Fg_Struct* fg, intptr_t picture, int, int, void*) {
+    return callWide(fg, entry("Fg_getLastPicNumberBlockingEx"),
+                    [&] { return fg->board.waitForPicture(picture); });
+}
+
+} // namespace vboard::runtime
