@@ -5,7 +5,7 @@
  * of this applet to them. `fg` is the caller's handle: its first word is the object that Std_entry returned.
  *
  * Unless a function says otherwise:
- *  - a bad handle (`fg` null, or its first word null) gives FG_ERR_INVALID_HANDLE;
+ *  - a bad handle (`fg` null, or its first word null or no object of this library) gives FG_ERR_INVALID_HANDLE;
  *  - success, as 0, or the failure's code is also stored, and read back with Fg_getLastErrorNumber;
  *  - Fg_setParameterWithType and Fg_getParameterWithType hold the object's lock for the whole call, so that
  *    accesses from several threads run one after another; no other function takes it.

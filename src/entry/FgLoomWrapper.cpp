@@ -1,5 +1,6 @@
 #include "entry/FgLoomWrapper.h"
 
+#include "entry/LiveObjects.h"
 #include "support/library_flags.h"
 #include "templates/patterns/LibraryGuard.h"
 
@@ -35,9 +36,11 @@ FgLoomWrapperPrivate::~FgLoomWrapperPrivate() {
 
 FgLoomWrapper::FgLoomWrapper(int ports) : m_private(std::make_unique<FgLoomWrapperPrivate>(ports)) {
     LibraryInitController::init();
+    LiveObjects::add(this);
 }
 
 FgLoomWrapper::~FgLoomWrapper() {
+    LiveObjects::remove(this);
     m_private.reset();
     LibraryInitController::deinit();
 }

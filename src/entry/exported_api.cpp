@@ -5,6 +5,7 @@
 #include "vexo/fg_api.h"
 
 #include "entry/FgLoomWrapper.h"
+#include "entry/LiveObjects.h"
 #include "entry/RuntimeFunctions.h"
 
 #include <cstring>
@@ -16,10 +17,13 @@ struct Fg_Struct_s {
 
 namespace {
 
-/** Calls `operation` with the object behind a handle; a bad handle has no object and answers `refused`. */
+/**
+ * Calls `operation` with the object behind a handle. A bad handle, null or with a first word that is null or leads
+ * to no object of ours, answers `refused`.
+ */
 template <typename Operation, typename Result>
 Result withWrapper(const Fg_Struct* fg, Result refused, Operation operation) {
-    if (fg == nullptr || fg->wrapper == nullptr) return refused;
+    if (fg == nullptr || !LiveObjects::has(fg->wrapper)) return refused;
     return operation(*fg->wrapper);
 }
 

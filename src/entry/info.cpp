@@ -2,6 +2,7 @@
 
 #include "catalogue/enumerations.h"
 #include "entry/FgLoomWrapperImpl.h"
+#include "entry/LiveObjects.h"
 #include "entry/design_source.h"
 #include "entry/embedded_data.h"
 #include "trigger/internal_events.h"
@@ -103,14 +104,16 @@ int createOffline(void* out) {
 
 int offlineTree(int tree, void* instance, void* out) {
     // A negative tree passes this test, deliberately; it has no root.
-    if (tree > 0 || instance == nullptr || out == nullptr) return FG_ERR_INVALID_ARGUMENT;
-    store(out, static_cast<FgLoomWrapper*>(instance)->Fg_getParameterInfo(tree));
+    auto* wrapper = static_cast<FgLoomWrapper*>(instance);
+    if (tree > 0 || out == nullptr || !LiveObjects::has(wrapper)) return FG_ERR_INVALID_ARGUMENT;
+    store(out, wrapper->Fg_getParameterInfo(tree));
     return FG_OK;
 }
 
 int destroyOffline(void* instance) {
-    if (instance == nullptr) return FG_ERR_INVALID_ARGUMENT;
-    delete static_cast<FgLoomWrapper*>(instance);
+    auto* wrapper = static_cast<FgLoomWrapper*>(instance);
+    if (!LiveObjects::has(wrapper)) return FG_ERR_INVALID_ARGUMENT;
+    delete wrapper;
     return FG_OK;
 }
 

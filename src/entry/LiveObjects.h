@@ -1,0 +1,36 @@
+/** The objects that callers may hold: tells a good handle from one whose object is gone or was never ours. */
+#ifndef ENTRY_LIVEOBJECTS_H
+#define ENTRY_LIVEOBJECTS_H
+
+#include <array>
+#include <atomic>
+#include <cstddef>
+
+class FgLoomWrapper;
+
+/**
+ * A table of addresses, read without a lock at each call and never dereferenced. Any thread.
+ *
+ * It has room for more boards than a machine takes. Objects beyond that are not entered; as long as one of them
+ * lives, every address passes.
+ */
+class LiveObjects {
+public:
+    static void add(const FgLoomWrapper* object);
+    static void remove(const FgLoomWrapper* object);
+
+    static bool has(const FgLoomWrapper* object) {
+        if (object == nullptr) return false;
+        const std::size_t used = s_used.load(std::memory_order_acquire);
+        for (std::size_t i = 0; i < used; ++i)
+            if (s_objects[i].load(std::memory_order_relaxed) == object) return true;
+        return s_unlisted.load(std::memory_order_relaxed) > 0;
+    }
+
+private:
+    static constinit std::array<std::atomic<const FgLoomWrapper*>, 64> s_objects;
+    static constinit std::atomic<std::size_t> s_used;     // places that were ever taken
+    static constinit std::atomic<std::size_t> s_unlisted; // objects that found no place
+};
+
+#endif
