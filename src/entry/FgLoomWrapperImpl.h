@@ -151,7 +151,11 @@ private:
 
     bool mirrorsLines() const;  // a right vantage point
     bool mirrorsFrames() const; // a bottom vantage point
-    std::uint64_t pixelsInDram(std::uint32_t addressWidth, std::uint32_t dataWidth) const;
+    struct Dram {
+        std::uint32_t dataWidth; // bits
+        std::uint64_t pixels;    // that fit
+    };
+    Dram readDram();
     std::uint32_t calcMaxWidthFromDram(std::uint32_t sensorHeight);
     std::uint32_t calcMaxHeightFromDram(std::uint32_t sensorWidth);
     std::uint32_t maxSensorWidthFromDram();

@@ -35,25 +35,22 @@ bool FgLoomWrapperImpl::mirrorsFrames() const {
 
 // ---- What fits in the DRAM. Arithmetic in 64 bits without sign, results cut to 32.
 
-std::uint64_t FgLoomWrapperImpl::pixelsInDram(std::uint32_t addressWidth, std::uint32_t dataWidth) const {
-    const std::uint64_t capacity = ((std::uint64_t{1} << (addressWidth % 64)) >> 1) * 3; // in RAM words
-    return dataWidth * capacity / nonZero(pixelFormatBits(m_pixelFormat).bitsPerPixel());
+FgLoomWrapperImpl::Dram FgLoomWrapperImpl::readDram() {
+    const auto addressWidth =
+        loomGet_Process0_Buffer_0_DRAM_DRAM_A_0_Imp_DRAM_RamAddressWidth<std::uint32_t>();
+    const auto dataWidth = loomGet_Process0_Buffer_0_DRAM_DRAM_A_0_Imp_DRAM_RamDataWidth<std::uint32_t>();
+    const std::uint64_t words = ((std::uint64_t{1} << (addressWidth % 64)) >> 1) * 3;
+    return {dataWidth, dataWidth * words / nonZero(pixelFormatBits(m_pixelFormat).bitsPerPixel())};
 }
 
 std::uint32_t FgLoomWrapperImpl::calcMaxWidthFromDram(std::uint32_t sensorHeight) {
-    const auto addressWidth =
-        loomGet_Process0_Buffer_0_DRAM_DRAM_A_0_Imp_DRAM_RamAddressWidth<std::uint32_t>();
-    const auto dataWidth = loomGet_Process0_Buffer_0_DRAM_DRAM_A_0_Imp_DRAM_RamDataWidth<std::uint32_t>();
-    return static_cast<std::uint32_t>(pixelsInDram(addressWidth, dataWidth) /
-                                      nonZero(dataWidth + sensorHeight - 1));
+    const Dram dram = readDram();
+    return static_cast<std::uint32_t>(dram.pixels / nonZero(dram.dataWidth + sensorHeight - 1));
 }
 
 std::uint32_t FgLoomWrapperImpl::calcMaxHeightFromDram(std::uint32_t sensorWidth) {
-    const auto addressWidth =
-        loomGet_Process0_Buffer_0_DRAM_DRAM_A_0_Imp_DRAM_RamAddressWidth<std::uint32_t>();
-    const auto dataWidth = loomGet_Process0_Buffer_0_DRAM_DRAM_A_0_Imp_DRAM_RamDataWidth<std::uint32_t>();
-    return static_cast<std::uint32_t>(pixelsInDram(addressWidth, dataWidth) / nonZero(sensorWidth) -
-                                      dataWidth + 1);
+    const Dram dram = readDram();
+    return static_cast<std::uint32_t>(dram.pixels / nonZero(sensorWidth) - dram.dataWidth + 1);
 }
 
 std::uint32_t FgLoomWrapperImpl::maxSensorWidthFromDram() {
