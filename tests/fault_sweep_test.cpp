@@ -1,6 +1,6 @@
 // Every access of every setter fails in turn: the code comes through, the value stays, the object works on.
 
-#include "support/parameter_test.h"
+#include "support/applet_fixture.h"
 
 #include <chrono>
 #include <future>

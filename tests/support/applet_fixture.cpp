@@ -23,11 +23,10 @@ bool isLoaded(const char* library) {
     return true;
 }
 
-void* functionOf(const char* library, const char* function) {
-    void* handle = dlopen(library, RTLD_NOW | RTLD_NOLOAD);
-    if (handle == nullptr) return nullptr;
-    void* found = dlsym(handle, function);
-    dlclose(handle);
+void* loaderFunction(const char* name) {
+    static void* const loader = dlopen("libtslrt.so", RTLD_NOW | RTLD_NOLOAD);
+    void* found = loader != nullptr ? dlsym(loader, name) : nullptr;
+    if (found == nullptr) throw std::runtime_error(std::string("the design loader lacks ") + name);
     return found;
 }
 
@@ -35,21 +34,45 @@ int live(const char* what) { return host().board().live(what); }
 
 namespace {
 
-template <typename Function> Function* loader(const char* name) {
-    if (void* function = functionOf("libtslrt.so", name)) return reinterpret_cast<Function*>(function);
-    throw std::runtime_error(std::string("the design loader lacks ") + name);
+template <typename Word> Word* processWide(int code) {
+    Word* word = nullptr;
+    EXPECT_EQ(host().applet().Info(code, 0, 0, &word, nullptr), 0);
+    return word;
+}
+
+/** Searches a chain of records and the groups in it for a parameter. */
+RegisterInfo* findRecord(RegisterInfo* first, int id) {
+    for (RegisterInfo* record = first; record != nullptr; record = record->next) {
+        if (record->kind != REGISTER_KIND_GROUP) {
+            if (record->id == id) return record;
+            continue;
+        }
+        for (int i = 0; i < record->value.group.childCount; ++i)
+            if (RegisterInfo* found = findRecord(record->value.group.children[i], id)) return found;
+    }
+    return nullptr;
+}
+
+Lines linesOf(std::istream& in) {
+    Lines lines;
+    for (std::string line; std::getline(in, line);)
+        lines.push_back(line);
+    return lines;
 }
 
 } // namespace
 
+LOOMdevice* lastDevice() { return processWide<LOOMdevice>(4144); }
+
+fpga_design* lastDesign() { return processWide<fpga_design>(4160); }
+
 std::vector<Register> registers() {
-    fpga_design* design = nullptr;
-    host().applet().Info(4160, 0, 0, &design, nullptr);
-    const auto nameOf = loader<decltype(TslGetRegisterName)>("TslGetRegisterName");
-    const auto idOf = loader<decltype(TslGetRegisterByName)>("TslGetRegisterByName");
-    const auto bitsOf = loader<decltype(TslGetRegisterBitRange)>("TslGetRegisterBitRange");
-    const auto directionOf = loader<decltype(TslGetRegisterDirection)>("TslGetRegisterDirection");
-    const int count = loader<decltype(TslGetNrOfRegister)>("TslGetNrOfRegister")(design);
+    fpga_design* const design = lastDesign();
+    const auto nameOf = designLoader<decltype(TslGetRegisterName)>("TslGetRegisterName");
+    const auto idOf = designLoader<decltype(TslGetRegisterByName)>("TslGetRegisterByName");
+    const auto bitsOf = designLoader<decltype(TslGetRegisterBitRange)>("TslGetRegisterBitRange");
+    const auto directionOf = designLoader<decltype(TslGetRegisterDirection)>("TslGetRegisterDirection");
+    const int count = designLoader<decltype(TslGetNrOfRegister)>("TslGetNrOfRegister")(design);
     std::vector<Register> all;
     for (int i = 1; i <= count; ++i) {
         const char* name = nameOf(design, i);
@@ -62,10 +85,7 @@ std::vector<Register> registers() {
 Lines dataLines(const std::string& file) {
     std::ifstream in(std::string(TEST_DATA_DIR) + "/" + file);
     if (!in) throw std::runtime_error("no listing " + file);
-    Lines lines;
-    for (std::string line; std::getline(in, line);)
-        lines.push_back(line);
-    return lines;
+    return linesOf(in);
 }
 
 std::vector<Lines> dataRows(const std::string& file) {
@@ -102,6 +122,10 @@ Lines Grabber::log() const {
         lines[i] = text;
     }
     return lines;
+}
+
+void Grabber::fail(const std::string& name, int code) {
+    EXPECT_EQ(host().board().fail_name(device, name.c_str(), code), VBOARD_OK) << name;
 }
 
 const std::vector<Forwarder>& forwarders() {
@@ -145,10 +169,7 @@ Lines AppletLog::take() {
     if (ftruncate(m_file, 0) != 0) throw std::runtime_error("log lines cannot be cleared");
     lseek(m_file, 0, SEEK_SET);
     std::istringstream stream(text);
-    Lines lines;
-    for (std::string line; std::getline(stream, line);)
-        lines.push_back(line);
-    return lines;
+    return linesOf(stream);
 }
 
 std::string AppletLog::line(int level, const std::string& text) {
@@ -165,6 +186,19 @@ void AppletTest::TearDown() {
 void AppletTest::setVariable(const char* name, const char* value) {
     setenv(name, value, 1);
     m_variables.push_back(name);
+}
+
+Lines ParameterTest::logToLastWrite() {
+    Lines lines = log();
+    while (!lines.empty() && !lines.back().starts_with("set "))
+        lines.pop_back();
+    return lines;
+}
+
+RegisterInfo* ParameterTest::record(int id) {
+    RegisterInfo* found = findRecord(tree(), id);
+    if (found == nullptr) throw std::runtime_error("no record of parameter " + std::to_string(id));
+    return found;
 }
 
 } // namespace support

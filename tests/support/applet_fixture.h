@@ -18,33 +18,40 @@ using Lines = std::vector<std::string>;
 
 /** The loaded libraries, shared by all tests of the process. */
 const applet_host::AppletHost& host();
-
-/** A function of a library that is loaded already, by the library's bare name; null if there is none. */
-void* functionOf(const char* library, const char* function);
 bool isLoaded(const char* library);
+
+/** A function of the loaded design loader. */
+void* loaderFunction(const char* name);
+template <typename Function> Function* designLoader(const char* name) {
+    return reinterpret_cast<Function*>(loaderFunction(name));
+}
 
 /** Number of "boards", "designs", "handles" or "strings" that the virtual board has given out. */
 int live(const char* what);
 
-/** A register as the design loader tells it. */
+/** Board or design of the handle that was brought up last. */
+LOOMdevice* lastDevice();
+fpga_design* lastDesign();
+
+/** A register as the design loader tells it; those of the last design. */
 struct Register {
     std::string name;
     int id;
     int bits;
     bool writable;
 };
-/** The registers of the design of the handle that was brought up last. */
 std::vector<Register> registers();
 
-/** The lines of an expected listing in tests/data. */
+/** An expected listing of tests/data: its lines, or each line cut into its words. */
 Lines dataLines(const std::string& file);
-/** The same, each line cut into its words. */
 std::vector<Lines> dataRows(const std::string& file);
 
 /** One board and, once brought up, one handle on it. */
 class Grabber {
 public:
     Grabber();
+    /** Brings the handle up at once, with the flags of Std_entry: 1 for a slave. */
+    explicit Grabber(int flags) : Grabber() { bringUp(flags); }
     ~Grabber();
     Grabber(const Grabber&) = delete;
     Grabber& operator=(const Grabber&) = delete;
@@ -71,6 +78,8 @@ public:
     /** What the board has seen since its log was cleared. */
     Lines log() const;
     void clearLog() { host().board().log_clear(device); }
+    /** Makes every access of a design parameter or register fail; code 0 lets it work again. */
+    void fail(const std::string& name, int code);
 
     Fg_Struct* fg() { return handle.fg(); }
 
@@ -124,6 +133,28 @@ protected:
 
 private:
     Lines m_variables;
+};
+
+/** For tests of parameters: one brought-up handle. */
+class ParameterTest : public AppletTest {
+protected:
+    explicit ParameterTest(int flags = 0) : grabber(flags) {
+        EXPECT_EQ(grabber.error, FG_OK);
+        clearLog();
+    }
+
+    template <typename T> int set(int id, T value) { return grabber.set(id, value); }
+    template <typename T> T get(int id) { return grabber.value<T>(id); }
+    int lastError() { return grabber.lastError(); }
+    Lines log() { return grabber.log(); }
+    void clearLog() { grabber.clearLog(); }
+    /** The log up to its last write: what a setter does before it refreshes published limits. */
+    Lines logToLastWrite();
+    RegisterInfo* tree() { return applet.Fg_getParameterInfo(grabber.fg(), 0); }
+    /** The parameter's record in the tree. */
+    RegisterInfo* record(int id);
+
+    Grabber grabber;
 };
 
 } // namespace support
