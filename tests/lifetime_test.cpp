@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <latch>
+#include <regex>
 #include <string>
 #include <thread>
 #include <vector>
@@ -76,20 +78,17 @@ TEST(Lifetime, ThreadsMeetOneFinishedObject) {
     for (int round = 0; round < 50; ++round) {
         events.clear();
         LibraryInitController::init();
-        std::atomic<int> arrived{0};
+        std::latch start(4);
         std::atomic<int> finished{0};
-        std::vector<std::thread> threads;
+        std::vector<std::jthread> threads;
         for (int thread = 0; thread < 4; ++thread)
             threads.emplace_back([&] {
                 LibraryInitController::init();
-                ++arrived;
-                while (arrived < 4)
-                    std::this_thread::yield();
+                start.arrive_and_wait();
                 if (Probe<'T'>::instance()->ready) ++finished;
                 LibraryInitController::deinit();
             });
-        for (std::thread& thread : threads)
-            thread.join();
+        threads.clear();
         EXPECT_EQ(finished, 4);
         EXPECT_EQ(events, "+T");
         LibraryInitController::deinit();
@@ -102,15 +101,13 @@ TEST(Lifetime, VerboseStepsArePrinted) {
     testing::internal::CaptureStdout();
     LibraryInitController::init();
     LibraryInitController::deinit();
-    const std::string printed = testing::internal::GetCapturedStdout();
     LibraryInitController::mVerbose = false;
-    const std::size_t begin = printed.find("0x");
-    ASSERT_NE(begin, std::string::npos) << printed;
-    const std::string pointer = printed.substr(begin, printed.find('\n') - begin);
-    EXPECT_EQ(printed, "LibraryInitController [Create ] - Instance: " + pointer +
-                           "\nLibraryInitController [Init   ] - Instance: " + pointer +
-                           " - Use Count: 1\nLibraryInitController [Deinit ] - Instance: " + pointer +
-                           " - Use Count: 0\nLibraryInitController [Destroy] - Instance: " + pointer + "\n");
+    const std::regex address("0x[0-9a-f]+");
+    EXPECT_EQ(std::regex_replace(testing::internal::GetCapturedStdout(), address, "P"),
+              "LibraryInitController [Create ] - Instance: P\n"
+              "LibraryInitController [Init   ] - Instance: P - Use Count: 1\n"
+              "LibraryInitController [Deinit ] - Instance: P - Use Count: 0\n"
+              "LibraryInitController [Destroy] - Instance: P\n");
 }
 
 TEST(LifetimeDeathTest, MisuseEndsTheProgramWithTheAssertionsText) {

@@ -55,51 +55,47 @@ TEST(Locks, ExcludeEachOtherUnderContention) {
     SpinVariable spin{0};
     SpinOwner owner{0};
     long counter = 0; // plain: a lock that does not exclude loses counts
-    const auto inCriticalSection = [&] {
-        const CriticalSectionGuard guard(&section);
-        ++counter;
-    };
-    const auto inGenericLock = [&] {
-        const GenericLockGuard guard(&section, false, true);
-        ++counter;
-    };
-    const auto inRecursiveMutex = [&]() NO_THREAD_SAFETY_ANALYSIS {
-        const RecursiveMutexGuard outer(&mutex);
-        { const RecursiveMutexGuard inner(&mutex); }
-        ++counter;
-    };
-    const auto inReadWriteLock = [&] {
-        const ReadWriteLockGuard guard(&readWrite, ReadWriteLockGuard::write);
-        ++counter;
-    };
-    const auto inSpinLock = [&] {
-        const SpinLockVariableGuard outer(&spin, &owner);
-        { const SpinLockVariableGuard inner(&spin, &owner); }
-        ++counter;
-    };
-    const std::vector<std::function<void()>> ways = {inCriticalSection, inGenericLock, inRecursiveMutex,
-                                                     inReadWriteLock, inSpinLock};
-    for (std::size_t way = 0; way < ways.size(); ++way) {
-        SCOPED_TRACE(way);
+    const std::function<void()> ways[] = {[&] {
+                                              const CriticalSectionGuard guard(&section);
+                                              ++counter;
+                                          },
+                                          [&] {
+                                              const GenericLockGuard guard(&section, false, true);
+                                              ++counter;
+                                          },
+                                          [&]() NO_THREAD_SAFETY_ANALYSIS {
+                                              const RecursiveMutexGuard outer(&mutex);
+                                              { const RecursiveMutexGuard inner(&mutex); }
+                                              ++counter;
+                                          },
+                                          [&] {
+                                              const ReadWriteLockGuard guard(&readWrite,
+                                                                             ReadWriteLockGuard::write);
+                                              ++counter;
+                                          },
+                                          [&] {
+                                              const SpinLockVariableGuard outer(&spin, &owner);
+                                              { const SpinLockVariableGuard inner(&spin, &owner); }
+                                              ++counter;
+                                          }};
+    for (const auto& way : ways) {
         counter = 0;
-        std::vector<std::thread> threads;
+        std::vector<std::jthread> threads;
         for (int thread = 0; thread < 4; ++thread)
             threads.emplace_back([&] {
                 for (int turn = 0; turn < 20000; ++turn)
-                    ways[way]();
+                    way();
             });
-        for (std::thread& thread : threads)
-            thread.join();
-        EXPECT_EQ(counter, 80000);
+        threads.clear();
+        EXPECT_EQ(counter, 80000) << "way " << &way - ways;
     }
     EXPECT_FALSE(section.isLocked());
     EXPECT_EQ(mutex.holders(), 0u);
     EXPECT_EQ(spin.load() + owner.load(), 0u);
 }
 
-TEST(CriticalSection, IsHeldForTheScopeEvenIfItEndsByAThrow) {
+TEST(CriticalSection, IsHeldForTheScopeHoweverItEnds) {
     CriticalSection lock;
-    EXPECT_TRUE(isFree(lock));
     try {
         const CriticalSectionGuard guard(&lock);
         EXPECT_TRUE(lock.isLocked());
@@ -109,13 +105,9 @@ TEST(CriticalSection, IsHeldForTheScopeEvenIfItEndsByAThrow) {
     }
     EXPECT_FALSE(lock.isLocked());
     EXPECT_TRUE(isFree(lock));
-}
-
-TEST(CriticalSection, AGuardWhoseLockWasLeftByHandLeavesNoSecondTime) {
-    CriticalSection lock;
     [&lock]() NO_THREAD_SAFETY_ANALYSIS {
         const CriticalSectionGuard guard(&lock);
-        lock.leave();
+        lock.leave(); // by hand: the guard leaves no second time
     }();
     EXPECT_TRUE(isFree(lock));
 }
@@ -174,30 +166,26 @@ TEST(ReadWriteLock, ReadersShareAndAWriterWaits) {
         EXPECT_EQ(writer.wait_for(std::chrono::milliseconds(30)), std::future_status::timeout);
     }
     writer.get();
-}
-
-TEST(ReadWriteLock, AGuardWithoutModeOnlyReleases) {
-    ReadWriteLock lock;
     [&lock]() NO_THREAD_SAFETY_ANALYSIS {
         lock.lockRead();
-        const ReadWriteLockGuard guard(&lock, 0); // with a mode it would hold a second time or wait for ever
+        const ReadWriteLockGuard guard(&lock, 0); // without a mode it only releases
     }();
     inOtherThread([&lock] { const ReadWriteLockGuard guard(&lock, ReadWriteLockGuard::write); });
 }
 
 TEST(Reentry, OnlyTheOutermostHolderReleases) {
     RecursiveMutex mutex;
-    [&mutex]() NO_THREAD_SAFETY_ANALYSIS {
+    SpinVariable spin{0};
+    SpinOwner owner{0};
+    [&]() NO_THREAD_SAFETY_ANALYSIS {
         const RecursiveMutexGuard outer(&mutex);
         { const RecursiveMutexGuard inner(&mutex), innermost(&mutex); }
         EXPECT_EQ(mutex.holders(), 1u);
+        const SpinLockVariableGuard outerSpin(&spin, &owner);
+        { const SpinLockVariableGuard inner(&spin, &owner); }
+        EXPECT_EQ(spin.load(), 1u);
+        EXPECT_EQ(owner.load(), pthread_self());
     }();
-    SpinVariable spin{0};
-    SpinOwner owner{0};
-    const SpinLockVariableGuard outer(&spin, &owner);
-    { const SpinLockVariableGuard inner(&spin, &owner); }
-    EXPECT_EQ(spin.load(), 1u);
-    EXPECT_EQ(owner.load(), pthread_self());
 }
 
 } // namespace
