@@ -55,7 +55,7 @@ protected:
 
         for (const int how : {VBOARD_ONCE, VBOARD_FROM_THEN_ON}) {
             for (std::size_t k = 1; k <= ownAccesses; ++k) {
-                SCOPED_TRACE(testing::Message() << "access " << k << (how == VBOARD_ONCE ? "" : " and on"));
+                SCOPED_TRACE(testing::Message() << "access " << k << " how " << how);
                 ASSERT_NO_FATAL_FAILURE(startFrom(row));
                 board.fail_access(grabber.device, static_cast<unsigned>(k), injected, how);
                 EXPECT_EQ(setValue(row.id, row.value), injected);

@@ -120,17 +120,13 @@ protected:
     void arrange(Geometry g) {
         const Ram wanted = ram;
         fit({30, 512, 4});
-        const std::pair<int, std::uint32_t> road[] = {{FG_VANTAGEPOINT, 0},
-                                                      {FG_SENSORWIDTH, g.sensorWidth},
-                                                      {FG_SENSORHEIGHT, g.sensorHeight},
-                                                      {FG_XOFFSET, 0},
-                                                      {FG_WIDTH, g.width},
-                                                      {FG_HEIGHT, g.height},
-                                                      {FG_XOFFSET, g.xOffset},
-                                                      {FG_YOFFSET, g.yOffset},
-                                                      {FG_VANTAGEPOINT, g.vantage}};
-        for (const auto& [id, value] : road)
-            ASSERT_EQ(set(id, value), 0) << id;
+        const std::uint32_t vantage = g.vantage, xOffset = g.xOffset;
+        g.vantage = g.xOffset = 0;
+        for (const int id :
+             {FG_VANTAGEPOINT, FG_SENSORWIDTH, FG_SENSORHEIGHT, FG_XOFFSET, FG_WIDTH, FG_HEIGHT, FG_YOFFSET})
+            ASSERT_EQ(set(id, g[id]), 0) << id;
+        ASSERT_EQ(set(FG_XOFFSET, xOffset), 0);
+        ASSERT_EQ(set(FG_VANTAGEPOINT, vantage), 0);
         fit(wanted);
         clearLog();
     }
