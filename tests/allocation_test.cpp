@@ -67,12 +67,10 @@ TEST_F(Allocation, NoneInARoutedAccessOfANumber) {
     std::uint32_t word = 0;
     double number = 0;
     for (const int id : {FG_WIDTH, FG_HEIGHT, FG_VANTAGEPOINT, FG_LINETRIGGERMODE, FG_EXSYNCON, FG_TIMEOUT}) {
-        ASSERT_EQ(m_grabber.get(id, &word), 0) << id;
         EXPECT_EQ(countOf([&] { m_grabber.get(id, &word); }), 0) << "get " << id;
         EXPECT_EQ(countOf([&] { EXPECT_EQ(m_grabber.set(id, word), 0); }), 0) << "set " << id;
     }
     for (const int id : {FG_LINEPERIODE, FG_LINEEXPOSURE, FG_LINETRIGGERDELAY}) {
-        ASSERT_EQ(m_grabber.get(id, &number, 0, FG_PARAM_DOUBLE), 0) << id;
         EXPECT_EQ(countOf([&] { m_grabber.get(id, &number, 0, FG_PARAM_DOUBLE); }), 0) << "get " << id;
         EXPECT_EQ(countOf([&] { EXPECT_EQ(m_grabber.set(id, number), 0); }), 0) << "set " << id;
     }
@@ -80,12 +78,10 @@ TEST_F(Allocation, NoneInARoutedAccessOfANumber) {
     ASSERT_EQ(m_grabber.set(FG_VANTAGEPOINT, 3u), 0);
     EXPECT_EQ(countOf([&] { EXPECT_EQ(m_grabber.set(FG_HEIGHT, 512u), 0); }), 0);
     EXPECT_EQ(countOf([&] { m_grabber.get(FG_NR_OF_PROCESSES, &word); }), 0);
-}
-
-TEST_F(Allocation, OfTheLibraryIsSeenHere) {
+    // A text that is handed out is one: the library's allocations are seen here.
     EXPECT_GE(countOf([&] {
                   alignas(8) char place[64] = "FG_WIDTH";
-                  EXPECT_EQ(m_grabber.get(24114, place, 0, FG_PARAM_ALLOCATED_STRING), 0);
+                  m_grabber.get(FG_PARAM_DESCR, place, 0, FG_PARAM_ALLOCATED_STRING);
               }),
               1);
 }

@@ -3,6 +3,7 @@
 #include "support/applet_fixture.h"
 
 #include <charconv>
+#include <cstdio>
 
 namespace {
 
@@ -15,16 +16,11 @@ std::string shortest(double value) {
 
 /** Bytes beyond ASCII as \xHH. */
 std::string plain(const char* text) {
-    if (text == nullptr) return "(null)";
-    std::string result;
-    for (; *text != '\0'; ++text) {
-        const auto byte = static_cast<unsigned char>(*text);
-        if (byte < 0x80) {
-            result += *text;
-            continue;
-        }
-        constexpr char digits[] = "0123456789ABCDEF";
-        result += {'\\', 'x', digits[byte / 16], digits[byte % 16]};
+    std::string result = text != nullptr ? "" : "(null)";
+    for (; text != nullptr && *text != '\0'; ++text) {
+        char hex[5];
+        std::snprintf(hex, sizeof hex, "\\x%02X", static_cast<unsigned char>(*text));
+        result += static_cast<signed char>(*text) > 0 ? std::string(1, *text) : hex;
     }
     return result;
 }
@@ -88,14 +84,9 @@ private:
         EXPECT_EQ(record.port, 0);
         EXPECT_EQ(record.structSize, 216);
         EXPECT_EQ(record.version, 3);
-        for (const void* unused :
-             {static_cast<void*>(record.description), static_cast<void*>(record.toolTip),
-              static_cast<void*>(record.genICamName), static_cast<void*>(record.invalidatingNames)})
-            EXPECT_EQ(unused, nullptr);
-        if (parent != nullptr) {
-            EXPECT_EQ(record.next, nullptr);
-            EXPECT_EQ(record.previous, nullptr);
-        }
+        EXPECT_TRUE(record.description == nullptr && record.toolTip == nullptr &&
+                    record.genICamName == nullptr && record.invalidatingNames == nullptr);
+        EXPECT_TRUE(parent == nullptr || (record.next == nullptr && record.previous == nullptr));
         if (record.kind == REGISTER_KIND_GROUP)
             renderGroup(record, depth, label);
         else
@@ -120,9 +111,8 @@ private:
         if (record.kind != REGISTER_KIND_ENUM) return;
         const auto& entries = record.value.enumeration;
         for (int i = 0; i < entries.entryCount; ++i) {
-            EXPECT_EQ(record.enumEntryDescriptions[i], nullptr);
-            EXPECT_EQ(record.enumEntryToolTips[i], nullptr);
-            EXPECT_EQ(record.enumEntryGenICamNames[i], nullptr);
+            EXPECT_TRUE(record.enumEntryDescriptions[i] == nullptr &&
+                        record.enumEntryToolTips[i] == nullptr && record.enumEntryGenICamNames[i] == nullptr);
             add(depth + 1, "= " + std::to_string(entries.values[i]) + ' ' + plain(entries.symbolicNames[i]) +
                                " | " + plain(entries.labels[i]));
         }
