@@ -56,10 +56,9 @@ protected:
                                      FG_SHAFTENCODERMODE,
                                      FG_SHAFTENCODERINSRC,
                                      FG_SHAFTENCODERLEADING,
-                                     FG_EXSYNCON,
                                      FG_SHAFTENCODER_COMPENSATION_ENABLE,
-                                     FG_LINEPERIODE,
-                                     FG_SHAFTENCODER_COMPENSATION_COUNT};
+                                     FG_SHAFTENCODER_COMPENSATION_COUNT,
+                                     FG_LINEPERIODE};
 };
 
 TEST_F(LineTriggerTest, EnumerationsTakeTheirEntriesOnly) {
