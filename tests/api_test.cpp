@@ -27,7 +27,12 @@ protected:
 
 TEST_F(Api, BadHandles) {
     applet_host::GrabberHandle empty;
-    for (Fg_Struct* fg : {static_cast<Fg_Struct*>(nullptr), empty.fg()}) {
+    Grabber grabber(0);
+    applet_host::GrabberHandle stale = grabber.handle;
+    grabber.free();
+    int nothingOfOurs = 0;
+    applet_host::GrabberHandle foreign{&nothingOfOurs};
+    for (Fg_Struct* fg : {static_cast<Fg_Struct*>(nullptr), empty.fg(), stale.fg(), foreign.fg()}) {
         for (const Forwarder& forwarder : forwarders())
             EXPECT_EQ(forwarder.call(fg), FG_ERR_INVALID_HANDLE) << forwarder.name;
         for (const auto& call : shadingCalls(fg, nullptr))

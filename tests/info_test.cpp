@@ -132,6 +132,8 @@ TEST_F(InfoTest, InstanceWithoutABoard) {
     EXPECT_EQ(applet.Info(4880, 0, 0, instance, &root), 0);
     EXPECT_NE(root, nullptr);
     EXPECT_EQ(applet.Info(4896, 0, 0, instance, nullptr), 0);
+    EXPECT_EQ(applet.Info(4896, 0, 0, instance, nullptr), FG_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(applet.Info(4880, 0, 0, instance, &root), FG_ERR_INVALID_ARGUMENT);
     board.restore_design();
 
     ASSERT_EQ(applet.Info(4864, 0, 0, nullptr, nullptr), FG_ERR_INVALID_ARGUMENT);
