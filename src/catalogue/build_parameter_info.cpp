@@ -213,7 +213,7 @@ void FgLoomWrapperImpl::addDirectParameters() {
     const RuntimeTree source(root);
     GroupMirror mirror(parameterInfo(), group, source);
     for (const auto& [name, id] : m_directParameterIdByName) {
-        const auto found = source.leafById.find(id - FG_DIRECT_PARAMETER_BASE);
+        const auto found = source.leafById.find(movedId(id, -FG_DIRECT_PARAMETER_BASE));
         if (found == source.leafById.end() || !isDirectKind(*found->second.record)) continue;
         copyParameter(parameterInfo(), mirror.copyOf(found->second.parent), *found->second.record,
                       name.c_str(), id);

@@ -1,4 +1,4 @@
-/** The design's registers as they are offered for direct access. */
+/** Ids of direct access, and the design's registers as they are offered for it. */
 #ifndef CATALOGUE_DIRECT_REGISTERS_H
 #define CATALOGUE_DIRECT_REGISTERS_H
 
@@ -9,11 +9,16 @@
 
 namespace catalogue {
 
+/** `number` moved by `offset`; what a loader or a runtime answers may be any number, so this wraps. */
+constexpr int movedId(int number, int offset) {
+    return static_cast<int>(static_cast<unsigned>(number) + static_cast<unsigned>(offset));
+}
+
 struct DirectRegister {
     const char* name; // the design's
     int number;
     std::string publicName() const { return std::string("DRA_") + name; }
-    int publicId() const { return number + FG_DIRECT_REGISTER_BASE; }
+    int publicId() const { return movedId(number, FG_DIRECT_REGISTER_BASE); }
 };
 
 /** Calls `visit` with each register, the first one first. One without a name cannot be offered. */

@@ -33,7 +33,7 @@ void FgLoomWrapperImpl::publishDirectNames() {
         const int id = getParameterIdByName(name.c_str());
         if (id == 0) continue;
         const std::string publicName = "DLOOMA_" + name;
-        m_directParameterIdByName[publicName] = id + FG_DIRECT_PARAMETER_BASE;
+        m_directParameterIdByName[publicName] = catalogue::movedId(id, FG_DIRECT_PARAMETER_BASE);
         m_directNameByIndex[index++] = publicName;
     }
 }

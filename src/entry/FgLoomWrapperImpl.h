@@ -78,7 +78,6 @@ private:
     void getParameter(int id, void* value, int dma, FgParamTypes type);
     int writeRegister(int reg, const void* value);
     int readRegister(int reg, void* value);
-    static int processOfDma(int dma);
     [[noreturn]] void refuseWriteTo(const char* name);
     [[noreturn]] void refuseUnknown(const char* verb, int id);
     std::uint32_t numberOfProcesses();

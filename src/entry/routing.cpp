@@ -21,6 +21,11 @@ bool isServedByRuntime(int id) {
            (parameter != nullptr && parameter->reading.function == kinds::Runtime::readRuntime);
 }
 
+/** There is one DMA channel, and it belongs to process 0. */
+void requireKnownDma(int dma) {
+    if (dma != 0) refuse(FG_ERR_INVALID_ARGUMENT);
+}
+
 /** Stores a number at the caller's place, wherever that is aligned. */
 template <typename T> void store(void* place, T number) { std::memcpy(place, &number, sizeof number); }
 
@@ -36,14 +41,8 @@ template <typename Access> int resultOf(Access access) {
 
 } // namespace
 
-inline int FgLoomWrapperImpl::processOfDma(int dma) {
-    // One DMA channel, and it belongs to process 0.
-    if (dma != 0) refuse(FG_ERR_INVALID_ARGUMENT);
-    return 0;
-}
-
 inline void FgLoomWrapperImpl::setParameter(int id, const void* value, int dma, FgParamTypes type) {
-    processOfDma(dma);
+    requireKnownDma(dma);
     if (id == FG_PARAM_DESCR) refuseWriteTo("FG_PARAM_DESCR");
     const SdkParameter* parameter = findParameter(id);
     if (parameter == nullptr) refuseUnknown("set", id);
@@ -54,7 +53,7 @@ inline void FgLoomWrapperImpl::setParameter(int id, const void* value, int dma, 
 
 inline void FgLoomWrapperImpl::getParameter(int id, void* value, int dma, FgParamTypes type) {
     // The number of processes can be asked with any DMA channel.
-    if (id != FG_NR_OF_PROCESSES) processOfDma(dma);
+    if (id != FG_NR_OF_PROCESSES) requireKnownDma(dma);
     if (id == FG_PARAM_DESCR) return readDescription(value, type);
     const SdkParameter* parameter = findParameter(id);
     if (parameter == nullptr) refuseUnknown("get", id);
@@ -149,7 +148,7 @@ int FgLoomWrapperImpl::Fg_freeParameterStringWithType(int id, void* value, int d
         return fgError().setErr(
             freeUnwrappedParameterString(id - FG_DIRECT_PARAMETER_BASE, value, dma, type));
     // Unlike set and get, nothing here catches the code for an unknown DMA channel: it leaves as a throw.
-    processOfDma(dma);
+    requireKnownDma(dma);
     if (isServedByRuntime(id)) return freeUnwrappedParameterString(id, value, dma, type);
 
     const auto* text = static_cast<const char*>(value);

@@ -143,8 +143,8 @@ void FgLoomWrapperImpl::writeTriggerGeometry(std::uint32_t yOffset, std::uint32_
     default:
         refuse(FG_ERR_OUT_OF_RANGE);
     }
-    loomSet_Process0_Trigger_Trigger_YOffset(
-        std::uint32_t{0}); // zeroed before the length changes, on purpose
+    // Zeroed before the length changes, on purpose.
+    loomSet_Process0_Trigger_Trigger_YOffset(std::uint32_t{0});
     loomSet_Process0_Trigger_Trigger_YLength(length);
     loomSet_Process0_Trigger_Trigger_YOffset(yOffset);
     loomSet_Process0_ImageHeight_ImageHeight(height);
