@@ -128,10 +128,7 @@ RegisterInfo* FgLoomWrapper::getUnwrappedParameterInfo() {
                                                       : nullptr;
 }
 
-namespace {
-
-/** Element width in bytes of a run's tag; 0 for a tag that is no number. */
-std::size_t elementWidth(FgParamTypes type) {
+std::size_t FgLoomWrapper::elementWidth(FgParamTypes type) {
     switch (type) {
     case FG_PARAM_INT32:
     case FG_PARAM_UINT32:
@@ -144,8 +141,6 @@ std::size_t elementWidth(FgParamTypes type) {
         return 0;
     }
 }
-
-} // namespace
 
 void FgLoomWrapper::setFieldCache(std::uint32_t* cache, const FieldParameterInt_s* record) {
     if (record != nullptr) cache[record->index] = record->value;

@@ -90,9 +90,14 @@ public:
     int getUnwrappedParameter(int id, void* value, int dma) {
         return forward(wrapperFg().Fg_getParameter, grabcoreFg(), id, value, dma);
     }
+    int saveUnwrappedConfig(const char* file) {
+        return forward(wrapperFg().Fg_saveConfig, grabcoreFg(), file);
+    }
     /** Root of the runtime's own parameter tree, or null. */
     RegisterInfo* getUnwrappedParameterInfo();
 
+    /** Width in bytes of a run's elements; 0 for a tag that is no number. */
+    static std::size_t elementWidth(FgParamTypes type);
     /*
      * Copy between a flat cache and a caller's record, in elements of the record's width. A null record does
      * nothing. No bounds are known here: the caller answers for index and count.

@@ -5,6 +5,7 @@
 #include "catalogue/DirectAccessStore.h"
 #include "entry/FgLoomWrapper.h"
 #include "entry/parameter_kinds.h"
+#include "entry/runtime_text.h"
 #include "templates/platform/CriticalSection.h"
 
 #include <array>
@@ -12,8 +13,11 @@
 #include <map>
 #include <mutex>
 #include <string>
+#include <string_view>
+#include <type_traits>
 #include <unordered_map>
 #include <unordered_set>
+#include <vector>
 
 /** The type tag under which the design takes a number of type T. */
 template <typename T> extern const FgParamTypes tagOf;
@@ -83,7 +87,7 @@ private:
     std::uint32_t numberOfProcesses();
     bool isDirectRegister(int id) const;
     /** Gives a text to a caller: into his buffer, or as a new string that this object owns. */
-    template <typename Writer> void giveText(void* value, FgParamTypes type, Writer write);
+    void giveText(std::string_view text, void* value, FgParamTypes type);
     void readDescription(void* value, FgParamTypes type);
 
     std::atomic<vexo::tools::logging::Logger*> m_logger{nullptr};
@@ -92,7 +96,6 @@ private:
     bool m_directRegisterAccess = false;
     std::mutex m_allocatedStringsLock;
     std::unordered_set<const char*> m_allocatedStrings;
-    std::array<char, 655360 + 1> m_stringBuffer; // never cleared: only its ends matter
 
     // ---- Design parameters: entry/design_parameters.cpp
 
@@ -174,9 +177,163 @@ private:
     void updateXOffsetRange();
     void updateYOffsetRange();
 
-    // ---- Pixel format: set with its subject
+    // ---- Pixel format and line order: image/pixel_format.cpp
 
     std::uint32_t m_pixelFormat = RGB8;
+    std::uint32_t m_lineOrder = FG_LINEORDER_RGB;
+
+    // ---- Output format: image/output_format.cpp
+
+    std::uint32_t m_format = FG_COL24;
+    std::uint32_t m_bitAlignment = FG_LEFT_ALIGNED;
+    std::uint32_t m_customBitShiftRight = 0; // bits
+    /** One input of the multiplexer at the end of the image path. */
+    struct FormatInput {
+        std::uint32_t format = 0;
+        std::uint32_t bits = 0;    // of one component
+        std::uint32_t flags = 0;   // what the design says besides; not used
+        bool hasTrash = false;     // its branch can be silenced
+        std::uint32_t trashId = 0; // design parameter that does so
+    };
+    std::vector<FormatInput> m_formatInputs;
+    std::int32_t m_formatMaxBits = 0; // of the widest component
+
+    void discoverOutputFormats();
+    void applyDynamicShift(std::uint32_t customShift, std::uint32_t alignment, std::uint32_t bits);
+    void updateBitShiftRange();
+    std::uint32_t pixelDepth() { return 16; }
+
+    // ---- Camera simulator: image/camera_simulator.cpp
+
+    std::uint32_t m_simEnable = FG_CAMPORT;
+    std::uint32_t m_simWidth = 1024;  // pixels, like the three below as requested
+    std::uint32_t m_simLineGap = 0;   // pixels
+    std::uint32_t m_simHeight = 1024; // lines
+    std::uint32_t m_simFrameGap = 0;  // lines
+    std::uint32_t m_simPattern = FG_DIAGONAL;
+    std::uint32_t m_simPatternOffset = 0; // grey levels
+    std::uint32_t m_simRoll = FG_ON;
+    std::uint32_t m_simSelectMode = FG_LINERATE;
+    double m_simPixelFrequency = 39.375; // MHz, like the two below as requested
+    double m_simLineRate = 10240.0;      // Hz
+    double m_simFrameRate = 10.0;        // Hz
+    std::uint32_t m_simTriggerMode = SIMULATION_FREE_RUN;
+    // What the counters got, after rounding; known from the last step of the bring-up on.
+    std::uint32_t m_simAppliedWidth = 0;    // pixels
+    std::uint32_t m_simAppliedLineGap = 0;  // pixels
+    std::uint32_t m_simAppliedHeight = 0;   // lines
+    std::uint32_t m_simAppliedFrameGap = 0; // lines
+    double m_simAppliedFrameRate = 0.0;     // Hz, what frame rate mode starts from
+    double m_simMaxPixelRate = 0.0;         // pixels per second
+
+    void startSimulator();
+    std::uint32_t simulatorLineGap();
+    std::uint32_t simulatorFrameGap();
+    double simulatorPixelFrequency(std::uint32_t mode);
+    double simulatorLineRate(std::uint32_t mode);
+    double simulatorFrameRate(std::uint32_t mode);
+    double currentPixelFrequency() { return simulatorPixelFrequency(m_simSelectMode); }
+    double currentLineRate() { return simulatorLineRate(m_simSelectMode); }
+    double currentFrameRate() { return simulatorFrameRate(m_simSelectMode); }
+    void readActive(Place<std::uint32_t> out);
+    void readPassive(Place<std::uint32_t> out);
+    void applySimulatorWidth(std::uint32_t width, std::uint32_t gap);
+    void applySimulatorHeight(std::uint32_t height, std::uint32_t gap);
+    std::uint32_t simulatorWidthLimit();
+    std::uint32_t simulatorLineGapLimit();
+    std::uint32_t simulatorHeightLimit();
+    std::uint32_t simulatorFrameGapLimit();
+    double simulatorLineRateLimit() const;
+    double simulatorFrameRateLimit() const;
+    void updateSimWidthRange();
+    void updateSimLineGapRange();
+    void updateSimHeightRange();
+    void updateSimFrameGapRange();
+    void updateSimLineRateRange();
+    void updateSimFrameRateRange();
+
+    // ---- Image selector and white balance: image/image_selector.cpp, image/white_balance.cpp
+
+    std::uint32_t m_imgSelectPeriod = 1; // images
+    std::uint32_t m_imgSelect = 0;       // images
+    double m_scalingFactorRed = 1.0;
+    double m_scalingFactorBlue = 1.0;
+    double m_scalingFactorGreen = 1.0;
+
+    // ---- Lookup table and processing: image/lookup_table.cpp
+
+    static constexpr std::uint32_t lutEntries = 16384;
+    using LutTable = std::array<std::uint32_t, lutEntries>;
+    struct LutColor;
+    static const LutColor lutRed, lutGreen, lutBlue;
+
+    std::uint32_t m_lutEnable = FG_OFF;
+    std::uint32_t m_lutType = LUT_TYPE_PROCESSING;
+    LutTable m_lutRed{};
+    LutTable m_lutGreen{};
+    LutTable m_lutBlue{};
+    std::string m_lutCustomFile;
+    std::string m_lutSaveFile;
+    double m_processingOffset = 0.0;
+    double m_processingGain = 1.0;
+    double m_processingGamma = 1.0;
+    std::uint32_t m_processingInvert = FG_OFF;
+
+    std::uint32_t lutImplementationType() { return LUT_IMPLEMENTATION_FULL_LUT; }
+    std::uint32_t lutInBits() { return 14; }
+    std::uint32_t lutOutBits() { return 16; }
+    void publishProcessingAccess();
+    void writeLutTables();
+    void applyProcessingLut();
+    void loadCustomLutFile(const char* path);
+    void saveLutFile(const char* path);
+    template <typename T> void setProcessing(T& member, T value);
+    void setLut(const LutColor& color, FieldRecord field);
+    void setLutElement(const LutColor& color, const FieldParameterInt_s& record);
+    void setLutRun(const LutColor& color, const FieldParameterAccess& record);
+
+    // ---- Buffer status: image/buffer_status.cpp
+
+    std::uint32_t readFillLevel();
+    std::uint32_t readOverflow();
+
+    // ---- Debug interface: image/debug_interface.cpp
+
+    /** A place of the image path where images can be injected, and at some watched. */
+    struct DebugEntry {
+        enum Type : std::uint32_t { inject, injectMonitor, unknown };
+        Type type = unknown;
+        std::string name;
+        std::string path; // its part in the names of design parameters
+    };
+    std::vector<DebugEntry> m_debugEntries;
+    std::uint32_t m_debugSource = 0;
+    std::uint32_t m_debugInEnable = FG_OFF;
+    std::string m_debugFile;
+    std::uint32_t m_debugInsert = FG_APPLY;
+    std::uint64_t m_debugWritePixel = 0;
+    std::uint32_t m_debugWriteFlag = FG_ENDOFLINE;
+    std::uint32_t m_debugOutEnable = FG_OFF;
+    std::string m_debugSaveConfig;
+
+    std::string readText(const std::string& name);
+    std::string requireText(const std::string& name);
+    void discoverDebugEntries();
+    const DebugEntry& debugEntry() const;
+    int debugParameterId(const char* suffix);
+    std::uint32_t readDebugWord(const char* suffix);
+    std::uint32_t readMonitorWord(const char* suffix);
+    void writeDebug(const char* suffix, const void* value, FgParamTypes type);
+    void updateDebugPixelRange();
+    std::string debugSourceName() { return debugEntry().name; }
+    std::uint32_t readDebugInEnable();
+    std::uint32_t readDebugOutEnable();
+    std::string readDebugFile();
+    std::uint32_t readDebugOutXPos() { return readMonitorWord("_XPosition"); }
+    std::uint32_t readDebugOutYPos() { return readMonitorWord("_YPosition"); }
+    std::uint32_t readDebugOutPixel() { return readMonitorWord("_PixelValue"); }
+    std::uint32_t readDebugReady() { return readDebugWord("_Inject_ReadyForInjection"); }
+    std::string debugVersion() { return "1.0"; }
 
     // ---- Line trigger and ExSync: trigger/line_trigger.cpp
 
@@ -216,9 +373,14 @@ private:
         readDesign(m_id_##parameter, "Device1_" #parameter, value, dma, type, raise);                        \
     }                                                                                                        \
     template <typename T> T loomGet_##parameter() {                                                          \
-        T value{};                                                                                           \
-        loomGet_##parameter(&value, 0, tagOf<T>, true);                                                      \
-        return value;                                                                                        \
+        if constexpr (std::is_same_v<T, std::string>)                                                        \
+            return readRuntimeText(                                                                          \
+                [this](char* text) { loomGet_##parameter(text, 0, FG_PARAM_TEXT, true); });                  \
+        else {                                                                                               \
+            T value{};                                                                                       \
+            loomGet_##parameter(&value, 0, tagOf<T>, true);                                                  \
+            return value;                                                                                    \
+        }                                                                                                    \
     }
 #define DESIGN_WRITTEN(parameter)                                                                            \
     std::int32_t m_id_##parameter = 0;                                                                       \

@@ -9,8 +9,11 @@
 
 #include "vexo/fg_api.h"
 
+#include <array>
 #include <cstdint>
 #include <cstring>
+#include <span>
+#include <string>
 #include <type_traits>
 
 class FgLoomWrapperImpl;
@@ -19,13 +22,31 @@ struct SdkParameter;
 using SetFunction = void(FgLoomWrapperImpl& wrapper, const void* value, FgParamTypes type);
 using GetFunction = void(FgLoomWrapperImpl& wrapper, const SdkParameter& parameter, void* value, int dma,
                          FgParamTypes type);
+using TextFunction = std::string(FgLoomWrapperImpl& wrapper);
 using StartFunction = void(FgLoomWrapperImpl& wrapper);
 
-/** Where a get finds its answer: most parameters are plain members, which need no call. */
+/** Where a get finds its answer: most parameters are plain members, which need no call. One is filled. */
 struct Reading {
     std::uint32_t FgLoomWrapperImpl::*word = nullptr;
     double FgLoomWrapperImpl::*number = nullptr;
+    TextFunction* text = nullptr;
     GetFunction* function = nullptr;
+};
+
+/** The caller's place for a number, wherever that is aligned. */
+template <typename T> class Place {
+public:
+    explicit Place(void* place) : m_place(place) {}
+    void store(T number) const { std::memcpy(m_place, &number, sizeof number); }
+
+private:
+    void* m_place;
+};
+
+/** A caller's record for elements of an array: of which type, the tag says. */
+struct FieldRecord {
+    const void* record;
+    FgParamTypes type;
 };
 
 /** In the place of a start value: the start-up sequence does not set the parameter. */
@@ -34,7 +55,19 @@ inline constexpr struct NoDefaultType {
 
 namespace kinds {
 
-/** A number in its native width, whatever the type tag says. */
+template <typename Value, typename Setter, typename Start> constexpr StartFunction* starterOf(Setter, Start) {
+    if constexpr (std::is_same_v<std::invoke_result_t<Start>, NoDefaultType>)
+        return nullptr;
+    else
+        return [](FgLoomWrapperImpl& wrapper) { Setter{}(wrapper, static_cast<Value>(Start{}())); };
+}
+
+/**
+ * A number in its native width, whatever the type tag says.
+ *
+ * The source is a variable, a function that returns the number, or one that takes the caller's `Place`, which
+ * it may leave unwritten.
+ */
 template <typename T> struct Number {
     using Value = T;
 
@@ -54,24 +87,65 @@ template <typename T> struct Number {
         static_assert(std::is_same_v<T, double>);
         return {.number = member};
     }
-    template <typename Read> static constexpr Reading reading(T (FgLoomWrapperImpl::*)(), Read) {
+    template <typename Read> static constexpr Reading reading(auto FgLoomWrapperImpl::*, Read) {
         return {
             .function = [](FgLoomWrapperImpl& wrapper, const SdkParameter&, void* value, int, FgParamTypes) {
-                const T number = Read{}(wrapper);
-                std::memcpy(value, &number, sizeof number);
+                const Place<T> place(value);
+                if constexpr (std::is_invocable_v<Read, FgLoomWrapperImpl&, Place<T>>)
+                    Read{}(wrapper, place);
+                else
+                    place.store(Read{}(wrapper));
             }};
     }
 
-    template <typename Setter, typename Start> static constexpr StartFunction* starter(Setter, Start) {
-        if constexpr (std::is_same_v<std::invoke_result_t<Start>, NoDefaultType>)
-            return nullptr;
-        else
-            return [](FgLoomWrapperImpl& wrapper) { Setter{}(wrapper, static_cast<T>(Start{}())); };
+    template <typename Setter, typename Start>
+    static constexpr StartFunction* starter(Setter set, Start start) {
+        return starterOf<T>(set, start);
     }
 };
 
 using UInt = Number<std::uint32_t>;
+using Int = Number<std::int32_t>;
+using UInt64 = Number<std::uint64_t>;
+using Int64 = Number<std::int64_t>;
 using Double = Number<double>;
+
+/** A text: on a set, the value pointer itself is the text. */
+struct Text {
+    using Value = const char*;
+
+    template <typename Setter> static constexpr SetFunction* setter(Setter) {
+        return [](FgLoomWrapperImpl& wrapper, const void* value, FgParamTypes) {
+            Setter{}(wrapper, static_cast<const char*>(value));
+        };
+    }
+    template <typename Read> static constexpr Reading reading(auto, Read) {
+        return {.text = [](FgLoomWrapperImpl& wrapper) -> std::string { return Read{}(wrapper); }};
+    }
+    template <typename Setter, typename Start>
+    static constexpr StartFunction* starter(Setter set, Start start) {
+        return starterOf<const char*>(set, start);
+    }
+};
+
+/** An array of words: the tag tells whether one element or a run of them is accessed. */
+struct Field {
+    using Value = FieldRecord;
+
+    template <typename Setter> static constexpr SetFunction* setter(Setter) {
+        return [](FgLoomWrapperImpl& wrapper, const void* value, FgParamTypes type) {
+            Setter{}(wrapper, FieldRecord{value, type});
+        };
+    }
+    template <typename Read> static constexpr Reading reading(auto, Read) {
+        return {.function = [](FgLoomWrapperImpl& wrapper, const SdkParameter&, void* value, int,
+                               FgParamTypes type) { readField(Read{}(wrapper), value, type); }};
+    }
+    static constexpr StartFunction* starter(auto, auto) { return nullptr; }
+
+    /** Fills the caller's record from the array. Refuses what lies outside of it. */
+    static void readField(std::span<const std::uint32_t> field, void* record, FgParamTypes type);
+};
 
 /** The runtime has the value: reads go straight to it. */
 struct Runtime {

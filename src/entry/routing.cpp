@@ -26,8 +26,13 @@ void requireKnownDma(int dma) {
     if (dma != 0) refuse(FG_ERR_INVALID_ARGUMENT);
 }
 
-/** Stores a number at the caller's place, wherever that is aligned. */
-template <typename T> void store(void* place, T number) { std::memcpy(place, &number, sizeof number); }
+/** Copies a text and ends it; nobody knows how much room there is. */
+void copyText(std::string_view text, char* destination) {
+    text.copy(destination, text.size());
+    destination[text.size()] = '\0';
+}
+
+constexpr std::size_t longestAllocatedText = 655360;
 
 /** The result of an access that throws its code. Other exceptions are not ours and go on. */
 template <typename Access> int resultOf(Access access) {
@@ -58,8 +63,9 @@ inline void FgLoomWrapperImpl::getParameter(int id, void* value, int dma, FgPara
     const SdkParameter* parameter = findParameter(id);
     if (parameter == nullptr) refuseUnknown("get", id);
     const Reading& reading = parameter->reading;
-    if (reading.word != nullptr) return store(value, this->*reading.word);
-    if (reading.number != nullptr) return store(value, this->*reading.number);
+    if (reading.word != nullptr) return Place<std::uint32_t>(value).store(this->*reading.word);
+    if (reading.number != nullptr) return Place<double>(value).store(this->*reading.number);
+    if (reading.text != nullptr) return giveText(reading.text(*this), value, type);
     if (reading.function == nullptr) refuseUnknown("get", id);
     reading.function(*this, *parameter, value, dma, type);
 }
@@ -118,29 +124,25 @@ std::uint32_t FgLoomWrapperImpl::numberOfProcesses() {
     return static_cast<std::uint32_t>(Info(FG_INFO_PROCESSES, 0, 0, nullptr, nullptr));
 }
 
-template <typename Writer> void FgLoomWrapperImpl::giveText(void* value, FgParamTypes type, Writer write) {
+void FgLoomWrapperImpl::giveText(std::string_view text, void* value, FgParamTypes type) {
     if (type != FG_PARAM_ALLOCATED_STRING) {
-        write(static_cast<char*>(value));
+        copyText(text, static_cast<char*>(value));
         return;
     }
-    m_stringBuffer.front() = '\0';
-    write(m_stringBuffer.data());
-    m_stringBuffer.back() = '\0';
-    const std::size_t size = std::strlen(m_stringBuffer.data()) + 1;
-    auto text = std::make_unique<char[]>(size);
-    std::memcpy(text.get(), m_stringBuffer.data(), size);
+    text = text.substr(0, longestAllocatedText);
+    auto copy = std::make_unique_for_overwrite<char[]>(text.size() + 1);
+    copyText(text, copy.get());
     {
         const std::lock_guard guard(m_allocatedStringsLock);
-        m_allocatedStrings.insert(text.get());
+        m_allocatedStrings.insert(copy.get());
     }
-    char* handedOut = text.release();
+    char* handedOut = copy.release();
     std::memcpy(value, &handedOut, sizeof handedOut);
 }
 
 void FgLoomWrapperImpl::readDescription(void* value, FgParamTypes type) {
     const SdkParameter* parameter = findParameter(std::string_view(static_cast<const char*>(value)));
-    const char* description = parameter != nullptr ? catalogue::descriptionOf(parameter->id) : "-";
-    giveText(value, type, [&](char* destination) { std::strcpy(destination, description); });
+    giveText(parameter != nullptr ? catalogue::descriptionOf(parameter->id) : "-", value, type);
 }
 
 int FgLoomWrapperImpl::Fg_freeParameterStringWithType(int id, void* value, int dma, FgParamTypes type) {

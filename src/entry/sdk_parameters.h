@@ -36,7 +36,11 @@ constexpr SdkParameter readOnlyRow(const char* name, int id, Source source, Read
 struct SdkParameterTable {
     // The lambdas are generic so that a kind which has no use for them names no member that does not exist.
 #define READING(source)                                                                                      \
-    &FgLoomWrapperImpl::source, [](auto& wrapper) { return std::invoke(&FgLoomWrapperImpl::source, wrapper); }
+    &FgLoomWrapperImpl::source,                                                                              \
+        [](auto& wrapper,                                                                                    \
+           auto... place) -> decltype(std::invoke(&FgLoomWrapperImpl::source, wrapper, place...)) {          \
+            return std::invoke(&FgLoomWrapperImpl::source, wrapper, place...);                               \
+        }
 #define SETTABLE(parameter, kind, source, startValue)                                                        \
     settableRow<kinds::kind>(                                                                                \
         #parameter, parameter,                                                                               \

@@ -1,20 +1,199 @@
-// The bring-up step that learns from the design what cannot be known at build time.
+// Debug interface: the places of the image path where images can be injected and watched, and the bring-up step
+// that learns from the design what cannot be known at build time.
+//
+// The design tells the path of each point; the names of its parameters are composed here, and their ids looked
+// up, at each access.
 
 #include "catalogue/live_records.h"
 #include "entry/sdk_parameters.h"
 #include "entry/setter_tools.h"
 
+#include <algorithm>
+
+using namespace catalogue;
+
 namespace {
 
-/** Highest rate of the simulator in pixels per second. */
-constexpr double maximumPixelRate = 3999999999.9999995;
+const std::string designPrefix = "Device1_Process0_";
+const std::string debugPrefix = designPrefix + "Debug_";
+
+constexpr const char* operationMode = "_OperationMode";
+constexpr std::uint32_t inputOn = 1;
+constexpr std::uint32_t outputOn = 2;
+
+constexpr std::size_t longestEntryText = 127;
+
+/**
+ * The record with an id in the runtime's tree, or null: the children of a group and all below them come before
+ * its siblings.
+ */
+const RegisterInfo* findParameterRecord(const RegisterInfo* node, std::uint32_t id) {
+    for (; node != nullptr; node = node->next) {
+        if (node->kind != REGISTER_KIND_GROUP) {
+            if (static_cast<std::uint32_t>(node->id) == id) return node;
+            continue;
+        }
+        for (int i = 0; i < node->value.group.childCount; ++i)
+            if (const RegisterInfo* found = findParameterRecord(node->value.group.children[i], id))
+                return found;
+    }
+    return nullptr;
+}
 
 } // namespace
 
-void FgLoomWrapperImpl::discoverDebugInterface() {
-    // What was found before a failure stays; a design without debug points comes up all the same.
-    quietly([this] {
-        catalogue::publishMaximum(recordAt(indexOf(FG_CAMERASIMULATOR_PIXEL_FREQUENCY)),
-                                  maximumPixelRate / 1000000);
+// ---- Bring-up
+
+/** A text of the design; what cannot be read is empty. */
+std::string FgLoomWrapperImpl::readText(const std::string& name) {
+    return readRuntimeText([&](char* text) {
+        getUnwrappedParameterWithType(getParameterIdByName(name.c_str()), text, 0, FG_PARAM_TEXT);
     });
+}
+
+std::string FgLoomWrapperImpl::requireText(const std::string& name) {
+    return readRuntimeText([&](char* text) {
+        if (getUnwrappedParameterWithType(getParameterIdByName(name.c_str()), text, 0, FG_PARAM_TEXT) !=
+            FG_OK)
+            refuse(FG_ERR_UNRESOLVED);
+    });
+}
+
+void FgLoomWrapperImpl::discoverDebugEntries() {
+    const int count = std::min(readText(debugPrefix + "Entries").c_str()[0] - '0', 9);
+    for (int i = 0; i < count; ++i) {
+        const std::string number = std::to_string(i);
+        DebugEntry& entry = m_debugEntries.emplace_back();
+        entry.name = requireText(debugPrefix + "Name" + number).substr(0, longestEntryText);
+        const std::string type = requireText(debugPrefix + "Type" + number);
+        if (type == "Inject")
+            entry.type = DebugEntry::inject;
+        else if (type == "InjectMonitor")
+            entry.type = DebugEntry::injectMonitor;
+        else
+            refuse(FG_ERR_UNRESOLVED);
+        entry.path = requireText(debugPrefix + "Path" + number).substr(0, longestEntryText);
+    }
+}
+
+void FgLoomWrapperImpl::discoverDebugInterface() {
+    // The first failure ends the step, and what was found before stays: the object comes up all the same.
+    quietly([this] {
+        discoverDebugEntries();
+        discoverOutputFormats();
+        startSimulator();
+    });
+}
+
+// ---- Access to the parameters of the current point
+
+const FgLoomWrapperImpl::DebugEntry& FgLoomWrapperImpl::debugEntry() const {
+    static const DebugEntry none;
+    return m_debugSource < m_debugEntries.size() ? m_debugEntries[m_debugSource] : none;
+}
+
+int FgLoomWrapperImpl::debugParameterId(const char* suffix) {
+    return getParameterIdByName((designPrefix + debugEntry().path + suffix).c_str());
+}
+
+std::uint32_t FgLoomWrapperImpl::readDebugWord(const char* suffix) {
+    std::uint32_t value = 0;
+    if (getUnwrappedParameterWithType(debugParameterId(suffix), &value, 0, FG_PARAM_UINT32) != FG_OK)
+        refuse(FG_ERR_UNRESOLVED);
+    return value;
+}
+
+std::uint32_t FgLoomWrapperImpl::readMonitorWord(const char* suffix) {
+    return debugEntry().type == DebugEntry::injectMonitor ? readDebugWord(suffix) : 0;
+}
+
+void FgLoomWrapperImpl::writeDebug(const char* suffix, const void* value, FgParamTypes type) {
+    if (setUnwrappedParameterWithType(debugParameterId(suffix), value, 0, type) != FG_OK)
+        refuse(FG_ERR_UNRESOLVED);
+}
+
+std::uint32_t FgLoomWrapperImpl::readDebugInEnable() { return readDebugWord(operationMode) & inputOn; }
+
+std::uint32_t FgLoomWrapperImpl::readDebugOutEnable() {
+    return (readMonitorWord(operationMode) & outputOn) != 0;
+}
+
+std::string FgLoomWrapperImpl::readDebugFile() {
+    return requireText(designPrefix + debugEntry().path + "_DebugFile");
+}
+
+void FgLoomWrapperImpl::updateDebugPixelRange() {
+    quietly([this] {
+        RegisterInfo* published = recordAt(indexOf(FG_DEBUGOUTPIXEL));
+        if (debugEntry().type != DebugEntry::injectMonitor) return publishMaximum(published, 0u);
+        const auto id = static_cast<std::uint32_t>(debugParameterId("_PixelValue"));
+        if (const RegisterInfo* record = findParameterRecord(getUnwrappedParameterInfo(), id))
+            publishMaximum(published, record->value.u32.maximum);
+    });
+}
+
+// ---- Setters. A change of source leaves the input and the output of the old point as they are.
+
+void FgLoomWrapperImpl::set_FG_DEBUGSOURCE(std::uint32_t value) {
+    // Without points the limit wraps, and anything passes.
+    requireAtMost(value, static_cast<std::uint32_t>(requireText(debugPrefix + "Entries").c_str()[0] - '1'));
+    Replacement stored(m_debugSource, value);
+    if (debugEntry().type == DebugEntry::unknown) refuse(FG_ERR_UNRESOLVED);
+    publishAccess(recordAt(indexOf(FG_DEBUGOUTENABLE)),
+                  debugEntry().type == DebugEntry::injectMonitor ? anyTime : readOnly);
+    updateDebugPixelRange();
+    stored.keep();
+}
+
+void FgLoomWrapperImpl::set_FG_DEBUGINENABLE(std::uint32_t value) {
+    requireEntry(enumOnOff, value);
+    Replacement stored(m_debugInEnable, value);
+    const std::uint32_t mode = readDebugOutEnable() * outputOn | value;
+    writeDebug(operationMode, &mode, FG_PARAM_UINT32);
+    stored.keep();
+}
+
+void FgLoomWrapperImpl::set_FG_DEBUGOUTENABLE(std::uint32_t value) {
+    requireEntry(enumOnOff, value);
+    Replacement stored(m_debugOutEnable, value);
+    if (debugEntry().type == DebugEntry::injectMonitor) {
+        const std::uint32_t mode = readDebugInEnable() | value * outputOn;
+        writeDebug(operationMode, &mode, FG_PARAM_UINT32);
+    }
+    stored.keep();
+}
+
+void FgLoomWrapperImpl::set_FG_DEBUGFILE(const char* path) {
+    Replacement stored(m_debugFile, std::string(path));
+    writeDebug("_DebugFile", path, FG_PARAM_TEXT);
+    stored.keep();
+}
+
+void FgLoomWrapperImpl::set_FG_DEBUGINSERT(std::uint32_t value) {
+    requireEntry(enumApply, value);
+    Replacement stored(m_debugInsert, value);
+    readDebugInEnable(); // a point that cannot be read gets no image
+    writeDebug("_Insert", &value, FG_PARAM_UINT32);
+    stored.keep();
+}
+
+void FgLoomWrapperImpl::set_FG_DEBUGWRITEPIXEL(std::uint64_t value) {
+    requireRange(value, limitsOf<UInt64>(FG_DEBUGWRITEPIXEL));
+    Replacement stored(m_debugWritePixel, value);
+    writeDebug("_Inject_WritePixel", &value, FG_PARAM_UINT64);
+    stored.keep();
+}
+
+void FgLoomWrapperImpl::set_FG_DEBUGWRITEFLAG(std::uint32_t value) {
+    requireEntry(enumDebugWriteFlag, value);
+    Replacement stored(m_debugWriteFlag, value);
+    writeDebug("_Inject_WriteFlag", &value, FG_PARAM_UINT32);
+    stored.keep();
+}
+
+void FgLoomWrapperImpl::set_FG_DEBUGSAVECONFIG(const char* path) {
+    Replacement stored(m_debugSaveConfig, std::string(path));
+    // The runtime comes back through the exported function, which takes no lock. What it answers is not looked at.
+    saveUnwrappedConfig(path);
+    stored.keep();
 }

@@ -15,4 +15,12 @@ template <std::integral Integer> constexpr Integer truncated(double number) {
     return static_cast<Integer>(number);
 }
 
+/** `dividend / divisor` as the processor has it for a divisor of 0 too: infinite, or NaN for 0 / 0. */
+inline double quotient(double dividend, double divisor) {
+    if (divisor != 0) return dividend / divisor;
+    if (dividend == 0 || dividend != dividend) return std::numeric_limits<double>::quiet_NaN();
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    return std::signbit(dividend) == std::signbit(divisor) ? infinity : -infinity;
+}
+
 #endif

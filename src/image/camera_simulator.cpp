@@ -1,0 +1,366 @@
+// Camera simulator: test patterns of a chosen size and speed in the place of the camera.
+//
+// It emits 32 pixels in each cycle of 8 ns, so widths and line gaps live on a grid of 32 pixels. In pixel
+// frequency mode a sequence of 2000 cycles holds some active ones; in the rate modes a line is stretched to a
+// sequence of cycles that gives the rate. Rates read back as what the counters produce, never as the request.
+
+#include "catalogue/live_records.h"
+#include "entry/sdk_parameters.h"
+#include "entry/setter_tools.h"
+#include "support/conversions.h"
+
+#include <algorithm>
+#include <limits>
+
+using namespace catalogue;
+
+namespace {
+
+constexpr double cycle = 8e-9;           // seconds
+constexpr std::uint32_t pixels = 32;     // in a cycle
+constexpr std::uint32_t sequence = 2000; // cycles
+constexpr double halfStep = 0.5;
+constexpr std::uint32_t widthBudget = 294920;             // pixels, the gap included
+constexpr std::uint32_t heightBudget = 65536;             // lines, the gap included
+constexpr double maximumPixelRate = 3999999999.9999995;   // per second, just below 32 pixels in each cycle
+constexpr double fullPixelFrequency = 3999.9999999999995; // MHz
+
+constexpr Double frequencyLimits = limitsOf<Double>(FG_CAMERASIMULATOR_PIXEL_FREQUENCY);
+constexpr double lowestRate = limitsOf<Double>(FG_CAMERASIMULATOR_LINERATE).minimum; // Hz, of frames too
+
+std::uint32_t wholeCycles(std::uint32_t width) { return (width + pixels - 1) / pixels * pixels; }
+
+/** Without a fraction, in 32 of 64 bits. */
+std::uint32_t counted(double number) { return static_cast<std::uint32_t>(truncated<std::int64_t>(number)); }
+
+/** What a speed mode makes of the parameters that depend on it. */
+struct SpeedMode {
+    std::uint32_t mode;
+    std::uint32_t frequency, lineRate, frameRate, lineGap, frameGap; // their access
+    std::uint32_t clockMode;                                         // the design's
+};
+
+constexpr SpeedMode speedModes[] = {
+    {FG_PIXEL_FREQUENCY, anyTime, readOnly, readOnly, anyTime, anyTime, 0},
+    {FG_LINERATE, readOnly, anyTime, readOnly, readOnly, anyTime, 1},
+    {FG_FRAMERATE, readOnly, readOnly, anyTime, readOnly, readOnly, 1},
+};
+
+/** A published maximum of a rate stays above zero. */
+double publishable(double rate) { return std::max(rate, std::numeric_limits<double>::min()); }
+
+} // namespace
+
+void FgLoomWrapperImpl::startSimulator() {
+    m_simAppliedWidth = 1024;
+    m_simAppliedLineGap = 0;
+    m_simAppliedHeight = 1024;
+    m_simAppliedFrameGap = 0;
+    m_simMaxPixelRate = maximumPixelRate;
+    publishMaximum(recordAt(indexOf(FG_CAMERASIMULATOR_PIXEL_FREQUENCY)), m_simMaxPixelRate / 1e6);
+    m_simAppliedFrameRate = 10.0;
+}
+
+// ---- What reads back
+
+std::uint32_t FgLoomWrapperImpl::simulatorLineGap() {
+    return m_simSelectMode == FG_PIXEL_FREQUENCY ? m_simAppliedLineGap : 0;
+}
+
+std::uint32_t FgLoomWrapperImpl::simulatorFrameGap() {
+    return m_simSelectMode == FG_FRAMERATE ? 0 : m_simAppliedFrameGap;
+}
+
+double FgLoomWrapperImpl::simulatorPixelFrequency(std::uint32_t mode) {
+    if (mode != FG_PIXEL_FREQUENCY) return fullPixelFrequency;
+    const double active = loomGet_Process0_CameraSimulator_PixelFrequency_ActivePixel_Number<std::uint32_t>();
+    return pixels * (active - halfStep) / sequence / cycle / 1e6;
+}
+
+double FgLoomWrapperImpl::simulatorLineRate(std::uint32_t mode) {
+    switch (mode) {
+    case FG_PIXEL_FREQUENCY:
+        return quotient(simulatorPixelFrequency(mode) * 1e6, m_simAppliedWidth + simulatorLineGap());
+    case FG_LINERATE: {
+        const double cycles =
+            loomGet_Process0_CameraSimulator_PixelFrequency_SequenceLength_ImageWidth<std::uint32_t>();
+        return 1.0 / ((cycles - halfStep) * cycle);
+    }
+    case FG_FRAMERATE:
+        return quotient(pixels, cycle * m_simAppliedWidth);
+    default:
+        refuse(FG_ERR_NO_TRANSLATION);
+    }
+}
+
+double FgLoomWrapperImpl::simulatorFrameRate(std::uint32_t mode) {
+    const std::uint32_t lines = m_simHeight + simulatorFrameGap();
+    switch (mode) {
+    case FG_PIXEL_FREQUENCY:
+        return quotient(simulatorPixelFrequency(mode) * 1e6,
+                        lines * (m_simAppliedWidth + simulatorLineGap()));
+    case FG_LINERATE:
+        return quotient(simulatorLineRate(mode), lines);
+    case FG_FRAMERATE: {
+        const auto cycles =
+            loomGet_Process0_CameraSimulator_PixelFrequency_SequenceLength_ImageWidth<std::uint32_t>();
+        return quotient(1.0, cycle * (cycles * m_simHeight));
+    }
+    default:
+        refuse(FG_ERR_NO_TRANSLATION);
+    }
+}
+
+// Outside of pixel frequency mode these two leave the caller's place alone, on purpose.
+void FgLoomWrapperImpl::readActive(Place<std::uint32_t> out) {
+    if (m_simSelectMode != FG_PIXEL_FREQUENCY) return;
+    out.store(loomGet_Process0_CameraSimulator_PixelFrequency_ActivePixel_Number<std::uint32_t>());
+}
+
+void FgLoomWrapperImpl::readPassive(Place<std::uint32_t> out) {
+    if (m_simSelectMode != FG_PIXEL_FREQUENCY) return;
+    out.store(sequence - loomGet_Process0_CameraSimulator_PixelFrequency_ActivePixel_Number<std::uint32_t>());
+}
+
+// ---- Sizes as the counters take them
+
+void FgLoomWrapperImpl::applySimulatorWidth(std::uint32_t width, std::uint32_t gap) {
+    width = wholeCycles(width);
+    gap = wholeCycles(gap);
+    const std::uint32_t total = width + gap;
+    requireAtMost(total, widthBudget);
+    m_simAppliedWidth = width;
+    m_simAppliedLineGap = gap;
+    loomSet_Process0_CameraSimulator_Size_ImageWidth(total / pixels);
+    // Counts the cycles up to the gap, so it takes the width.
+    loomSet_Process0_CameraSimulator_LineGap_Number(width / pixels);
+}
+
+void FgLoomWrapperImpl::applySimulatorHeight(std::uint32_t height, std::uint32_t gap) {
+    const std::uint32_t total = height + gap;
+    requireAtMost(total, heightBudget);
+    m_simAppliedHeight = height;
+    m_simAppliedFrameGap = gap;
+    loomSet_Process0_CameraSimulator_Size_ImageHeight(total);
+    loomSet_Process0_CameraSimulator_FrameGap_Number(height);
+}
+
+// ---- Limits. What a rate allows is measured by the rate that the counters really give.
+
+std::uint32_t FgLoomWrapperImpl::simulatorWidthLimit() {
+    const std::uint32_t gap = simulatorLineGap();
+    const std::uint32_t budget = widthBudget - gap;
+    const auto allowedBy = [&](double linesPerSecond) {
+        return std::min(budget, counted(quotient(m_simMaxPixelRate, linesPerSecond) - gap - 32.0));
+    };
+    if (m_simSelectMode == FG_LINERATE) return allowedBy(currentLineRate());
+    if (m_simSelectMode == FG_FRAMERATE) return allowedBy(m_simHeight * currentFrameRate());
+    return budget;
+}
+
+std::uint32_t FgLoomWrapperImpl::simulatorLineGapLimit() {
+    if (m_simSelectMode == FG_FRAMERATE) return 0;
+    const std::uint32_t budget = widthBudget - m_simAppliedWidth;
+    if (m_simSelectMode != FG_LINERATE) return budget;
+    return std::min(budget,
+                    counted(quotient(m_simMaxPixelRate, currentLineRate()) - m_simAppliedWidth - 32.0));
+}
+
+std::uint32_t FgLoomWrapperImpl::simulatorHeightLimit() {
+    const std::uint32_t budget = heightBudget - simulatorFrameGap();
+    if (m_simSelectMode != FG_FRAMERATE) return budget;
+    return std::min(budget,
+                    counted(quotient(m_simMaxPixelRate, currentFrameRate() * (32.0 + m_simAppliedWidth))));
+}
+
+std::uint32_t FgLoomWrapperImpl::simulatorFrameGapLimit() {
+    return m_simSelectMode == FG_PIXEL_FREQUENCY ? heightBudget - m_simHeight : 0;
+}
+
+double FgLoomWrapperImpl::simulatorLineRateLimit() const {
+    return m_simMaxPixelRate / (m_simAppliedWidth + 32.0);
+}
+
+double FgLoomWrapperImpl::simulatorFrameRateLimit() const {
+    return quotient(m_simMaxPixelRate, m_simHeight * (m_simAppliedWidth + 32));
+}
+
+void FgLoomWrapperImpl::updateSimWidthRange() {
+    republishMaximum(recordAt(indexOf(FG_CAMERASIMULATOR_WIDTH)), [this] { return simulatorWidthLimit(); });
+}
+
+void FgLoomWrapperImpl::updateSimLineGapRange() {
+    republishMaximum(recordAt(indexOf(FG_CAMERASIMULATOR_LINE_GAP)),
+                     [this] { return simulatorLineGapLimit(); });
+}
+
+void FgLoomWrapperImpl::updateSimHeightRange() {
+    republishMaximum(recordAt(indexOf(FG_CAMERASIMULATOR_HEIGHT)), [this] { return simulatorHeightLimit(); });
+}
+
+void FgLoomWrapperImpl::updateSimFrameGapRange() {
+    publishMaximum(recordAt(indexOf(FG_CAMERASIMULATOR_FRAME_GAP)), simulatorFrameGapLimit());
+}
+
+void FgLoomWrapperImpl::updateSimLineRateRange() {
+    publishMaximum(recordAt(indexOf(FG_CAMERASIMULATOR_LINERATE)), publishable(simulatorLineRateLimit()));
+}
+
+void FgLoomWrapperImpl::updateSimFrameRateRange() {
+    publishMaximum(recordAt(indexOf(FG_CAMERASIMULATOR_FRAMERATE)), publishable(simulatorFrameRateLimit()));
+}
+
+// ---- Speed
+
+void FgLoomWrapperImpl::set_FG_CAMERASIMULATOR_PIXEL_FREQUENCY(double value) {
+    // The catalogue's maximum is a placeholder below the minimum and stays the bound, deliberately: no finite
+    // value passes, so this mode cannot be programmed.
+    requireRange(value, frequencyLimits);
+    Replacement stored(m_simPixelFrequency, value);
+    const std::uint32_t active = counted(halfStep + cycle * (value * 1e6 * sequence) / pixels);
+    if (active == 0) refuse(FG_ERR_OUT_OF_RANGE);
+    loomSet_Process0_CameraSimulator_PixelFrequency_ActivePixel_Number(active);
+    loomSet_Process0_CameraSimulator_PixelFrequency_RepeatPat_Divisor(sequence / active);
+    loomSet_Process0_CameraSimulator_PixelFrequency_SequenceLength_ImageWidth(sequence);
+    stored.keep();
+}
+
+void FgLoomWrapperImpl::set_FG_CAMERASIMULATOR_LINERATE(double value) {
+    requireRange(value, lowestRate, simulatorLineRateLimit());
+    Replacement stored(m_simLineRate, value);
+    const std::uint32_t cycles = counted(halfStep + 1.0 / (value * cycle));
+    loomSet_Process0_CameraSimulator_PixelFrequency_SequenceLength_ImageWidth(cycles);
+    loomSet_Process0_CameraSimulator_PixelFrequency_ActivePixel_Number(std::uint32_t{1});
+    applySimulatorWidth(m_simAppliedWidth, 0);
+    m_simAppliedFrameRate = currentFrameRate();
+    stored.keep();
+    updateSimWidthRange();
+    updateSimLineGapRange();
+}
+
+void FgLoomWrapperImpl::set_FG_CAMERASIMULATOR_FRAMERATE(double value) {
+    requireRange(value, lowestRate, simulatorFrameRateLimit());
+    Replacement stored(m_simFrameRate, value);
+    const double period = 1.0 / (value * cycle); // in cycles
+    const std::uint32_t cycles = counted(halfStep + quotient(period, m_simHeight));
+    loomSet_Process0_CameraSimulator_PixelFrequency_SequenceLength_ImageWidth(cycles);
+    loomSet_Process0_CameraSimulator_PixelFrequency_ActivePixel_Number(std::uint32_t{1});
+    applySimulatorWidth(m_simAppliedWidth, 0);
+    applySimulatorHeight(m_simHeight, 0);
+    m_simAppliedFrameRate = simulatorFrameRate(FG_FRAMERATE);
+    stored.keep();
+    updateSimWidthRange();
+    updateSimHeightRange();
+}
+
+void FgLoomWrapperImpl::set_FG_CAMERASIMULATOR_SELECT_MODE(std::uint32_t value) {
+    requireEntry(enumSimulatorSpeedMode, value);
+    Replacement stored(m_simSelectMode, value);
+    const SpeedMode& mode = *std::ranges::find(speedModes, value, &SpeedMode::mode);
+    publishAccess(recordAt(indexOf(FG_CAMERASIMULATOR_PIXEL_FREQUENCY)), mode.frequency);
+    publishAccess(recordAt(indexOf(FG_CAMERASIMULATOR_LINERATE)), mode.lineRate);
+    publishAccess(recordAt(indexOf(FG_CAMERASIMULATOR_FRAMERATE)), mode.frameRate);
+    publishAccess(recordAt(indexOf(FG_CAMERASIMULATOR_LINE_GAP)), mode.lineGap);
+    publishAccess(recordAt(indexOf(FG_CAMERASIMULATOR_FRAME_GAP)), mode.frameGap);
+    loomSet_Process0_CameraSimulator_ControlPixelClock_Mode(mode.clockMode);
+    applySimulatorWidth(m_simAppliedWidth, m_simLineGap);
+    applySimulatorHeight(m_simHeight, m_simFrameGap);
+    switch (value) {
+    case FG_LINERATE:
+        set_FG_CAMERASIMULATOR_LINERATE(std::min(m_simLineRate, simulatorLineRateLimit()));
+        break;
+    case FG_FRAMERATE:
+        set_FG_CAMERASIMULATOR_FRAMERATE(m_simAppliedFrameRate);
+        break;
+    default:
+        // Always refused: pixel frequency mode reports a failure, with all of the above done.
+        set_FG_CAMERASIMULATOR_PIXEL_FREQUENCY(m_simPixelFrequency);
+    }
+    stored.keep();
+    updateSimWidthRange();
+    updateSimLineGapRange();
+    updateSimHeightRange();
+    updateSimFrameGapRange();
+}
+
+// ---- Sizes. A width below the limit can still fail when rounded up.
+
+void FgLoomWrapperImpl::set_FG_CAMERASIMULATOR_WIDTH(std::uint32_t value) {
+    requireAtLeast(value, 1);
+    requireAtMost(value, simulatorWidthLimit());
+    Replacement stored(m_simWidth, value);
+    applySimulatorWidth(value, simulatorLineGap());
+    stored.keep();
+    updateSimLineGapRange();
+    updateSimHeightRange();
+    updateSimLineRateRange();
+    updateSimFrameRateRange();
+}
+
+void FgLoomWrapperImpl::set_FG_CAMERASIMULATOR_LINE_GAP(std::uint32_t value) {
+    requireAtMost(value, simulatorLineGapLimit());
+    Replacement stored(m_simLineGap, value);
+    applySimulatorWidth(m_simAppliedWidth, value);
+    stored.keep();
+    updateSimWidthRange();
+}
+
+void FgLoomWrapperImpl::set_FG_CAMERASIMULATOR_HEIGHT(std::uint32_t value) {
+    requireAtLeast(value, 1);
+    requireAtMost(value, simulatorHeightLimit());
+    Replacement stored(m_simHeight, value);
+    applySimulatorHeight(value, simulatorFrameGap());
+    if (m_simSelectMode == FG_FRAMERATE) set_FG_CAMERASIMULATOR_FRAMERATE(m_simFrameRate);
+    stored.keep();
+    updateSimWidthRange();
+    updateSimFrameGapRange();
+    updateSimFrameRateRange();
+}
+
+void FgLoomWrapperImpl::set_FG_CAMERASIMULATOR_FRAME_GAP(std::uint32_t value) {
+    requireAtMost(value, simulatorFrameGapLimit());
+    Replacement stored(m_simFrameGap, value);
+    applySimulatorHeight(m_simHeight, value);
+    stored.keep();
+    updateSimHeightRange();
+}
+
+// ---- Source, pattern, trigger
+
+void FgLoomWrapperImpl::set_FG_CAMERASIMULATOR_ENABLE(std::uint32_t value) {
+    requireEntry(enumSimulatorSource, value);
+    Replacement stored(m_simEnable, value);
+    loomSet_Process0_CameraSimulator_Enable_SelectSource(value);
+    stored.keep();
+}
+
+void FgLoomWrapperImpl::set_FG_CAMERASIMULATOR_PATTERN(std::uint32_t value) {
+    requireEntry(enumSimulatorPattern, value);
+    Replacement stored(m_simPattern, value);
+    loomSet_Process0_CameraSimulator_EnableX_Enable_Value(std::uint32_t{value != FG_VERTICAL});
+    loomSet_Process0_CameraSimulator_Y_Divisor(std::uint32_t{value == FG_HORIZONTAL ? 1u : 256u});
+    stored.keep();
+}
+
+void FgLoomWrapperImpl::set_FG_CAMERASIMULATOR_PATTERN_OFFSET(std::uint32_t value) {
+    requireRange(value, limitsOf<UInt>(FG_CAMERASIMULATOR_PATTERN_OFFSET));
+    Replacement stored(m_simPatternOffset, value);
+    loomSet_Process0_CameraSimulator_Offset_Value(value);
+    stored.keep();
+}
+
+void FgLoomWrapperImpl::set_FG_CAMERASIMULATOR_ROLL(std::uint32_t value) {
+    requireEntry(enumOnOff, value);
+    Replacement stored(m_simRoll, value);
+    loomSet_Process0_CameraSimulator_Frame_Divisor(std::uint32_t{value == FG_ON ? 256u : 1u});
+    stored.keep();
+}
+
+void FgLoomWrapperImpl::set_FG_CAMERASIMULATOR_TRIGGER_MODE(std::uint32_t value) {
+    requireEntry(enumSimulatorTriggerMode, value);
+    Replacement stored(m_simTriggerMode, value);
+    loomSet_Process0_CameraSimulator_TriggerValve_FreeRun_Select(std::uint32_t{value == SIMULATION_FREE_RUN});
+    loomSet_Process0_CameraSimulator_TriggerValve_TriggerValve_Mode(
+        std::uint32_t{value == RISING_EDGE_TRIGGERS_LINE ? 1u : 2u});
+    stored.keep();
+}
