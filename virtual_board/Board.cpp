@@ -247,6 +247,15 @@ std::int64_t Board::call(int function, const std::function<std::int64_t()>& perf
     return answer;
 }
 
+int Board::configure(int function, vboard_config_function* AttachedApplet::*which, const char* file) {
+    AttachedApplet applet;
+    const auto answer = static_cast<int>(call(function, [&]() -> std::int64_t {
+        applet = m_applet;
+        return applet.*which != nullptr ? FG_OK : FG_ERR_NOT_SUPPORTED;
+    }));
+    return applet.*which != nullptr ? (applet.*which)(applet.fg, file) : answer;
+}
+
 int Board::readRegister(int id, std::uint64_t* value) {
     const std::lock_guard lock(m_mutex);
     Access access = beginRegister(VBOARD_REGISTER_READ, id);
@@ -368,6 +377,11 @@ bool Board::failName(std::string_view name, int code) {
 void Board::setAnswer(int function, std::int64_t value) {
     const std::lock_guard lock(m_mutex);
     m_answers[place(function)] = value;
+}
+
+void Board::attachApplet(const AttachedApplet& applet) {
+    const std::lock_guard lock(m_mutex);
+    m_applet = applet;
 }
 
 void Board::setLastError(int code) {

@@ -6,6 +6,7 @@
 #include "Design.h"
 #include "design_tables.h"
 #include "vexo/board_access.h"
+#include "virtual_board.h"
 
 #include <array>
 #include <atomic>
@@ -18,6 +19,13 @@
 #include <vector>
 
 namespace vboard {
+
+/** The applet as the runtime sees it from outside. */
+struct AttachedApplet {
+    Fg_Struct* fg = nullptr;
+    vboard_config_function* save = nullptr;
+    vboard_config_function* load = nullptr;
+};
 
 /**
  * Every access goes the same way: is it to fail, else do it, then log it. One mutex serves the whole board.
@@ -35,6 +43,8 @@ public:
     int get(const Design& design, int id, void* value, int dma, int tag);
     int resolve(const Design& design, const char* name);
     int lastError();
+    /** Saving or loading a file: `function` of the applet that is attached, with nothing of the board held. */
+    int configure(int function, vboard_config_function* AttachedApplet::*which, const char* file);
     /** Any other function of the runtime: performs it, unless a fault or a forced answer takes its place. */
     std::int64_t call(int function, const std::function<std::int64_t()>& perform);
 
@@ -59,6 +69,7 @@ public:
     bool failName(std::string_view name, int code);
     void setAnswer(int function, std::int64_t value);
     void setLastError(int code);
+    void attachApplet(const AttachedApplet& applet);
     bool poke(std::string_view name, Type type, std::uint64_t bits);
     bool pokeText(std::string_view name, const char* text);
     bool peek(std::string_view name, Type type, std::uint64_t& bits);
@@ -112,6 +123,7 @@ private:
     std::array<std::optional<std::int64_t>, std::size(runtimeEntries)> m_answers;
     std::optional<int> m_forcedError;
     int m_lastError = 0;
+    AttachedApplet m_applet;
 
     bool m_acquiring = false;
     std::int64_t m_picture = 0;

@@ -79,6 +79,11 @@ int vboard_answer(LOOMdevice* board, const char* function, int64_t value) {
     return VBOARD_UNKNOWN;
 }
 
+void vboard_attach_applet(LOOMdevice* board, Fg_Struct* fg, vboard_config_function* save,
+                          vboard_config_function* load) {
+    if (board != nullptr) board->attachApplet({fg, save, load});
+}
+
 void vboard_last_error(LOOMdevice* board, int code) {
     if (board != nullptr) board->setLastError(code);
 }

@@ -54,7 +54,6 @@ std::int64_t callWide(Fg_Struct* fg, int function, const std::function<std::int6
 }
 
 std::int64_t nothing() { return FG_OK; }
-std::int64_t notSupported() { return FG_ERR_NOT_SUPPORTED; }
 
 } // namespace
 
@@ -135,8 +134,15 @@ RegisterInfo* getParameterInfo(Fg_Struct* fg, int index) {
     return fg->tree->root();
 }
 
-int saveConfig(Fg_Struct* fg, const char*) { return call(fg, entry("Fg_saveConfig"), notSupported); }
-int loadConfig(Fg_Struct* fg, const char*) { return call(fg, entry("Fg_loadConfig"), notSupported); }
+int saveConfig(Fg_Struct* fg, const char* file) {
+    if (fg == nullptr) return FG_ERR_INVALID_HANDLE;
+    return fg->board.configure(entry("Fg_saveConfig"), &AttachedApplet::save, file);
+}
+
+int loadConfig(Fg_Struct* fg, const char* file) {
+    if (fg == nullptr) return FG_ERR_INVALID_HANDLE;
+    return fg->board.configure(entry("Fg_loadConfig"), &AttachedApplet::load, file);
+}
 
 int getAppletId(Fg_Struct* fg, uintptr_t) {
     constexpr int appletId = 0x2a31;

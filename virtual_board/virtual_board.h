@@ -12,6 +12,7 @@
 #define VIRTUAL_BOARD_H
 
 #include "vexo/board_access.h"
+#include "vexo/fg_api.h"
 
 #include <stdbool.h>
 #include <stddef.h>
@@ -93,6 +94,13 @@ int vboard_fail_name(LOOMdevice* board, const char* name, int code);
 int vboard_answer(LOOMdevice* board, const char* function, int64_t value);
 /** What the runtime's Fg_getLastErrorNumber answers for handles of this board. */
 void vboard_last_error(LOOMdevice* board, int code);
+
+/** Saves or loads a configuration file: Fg_saveConfig or Fg_loadConfig of an applet. */
+typedef int vboard_config_function(Fg_Struct* fg, const char* file);
+/** What the runtime's Fg_saveConfig and Fg_loadConfig call with the applet's handle `fg` once a host has told;
+ *  before, and with null functions, they answer -2130. They may come back to the board. */
+void vboard_attach_applet(LOOMdevice* board, Fg_Struct* fg, vboard_config_function* save,
+                          vboard_config_function* load);
 
 /* The present value of a design parameter or register, past every check: no log, no fault, no direction. */
 int vboard_poke_int(LOOMdevice* board, const char* name, int64_t value);

@@ -108,6 +108,7 @@ Grabber::~Grabber() {
 
 Grabber& Grabber::bringUp(int flags) {
     handle.object = host().applet().Std_entry(device, &error, flags);
+    host().board().attach_applet(device, fg(), host().applet().Fg_saveConfig, host().applet().Fg_loadConfig);
     return *this;
 }
 

@@ -65,8 +65,8 @@ constexpr Binding boardBindings[] = {
     BIND_BOARD(refuse_design),  BIND_BOARD(fail_init),   BIND_BOARD(restore_design), BIND_BOARD(log_kinds),
     BIND_BOARD(log_size),       BIND_BOARD(log_line),    BIND_BOARD(log_clear),      BIND_BOARD(fail_access),
     BIND_BOARD(access_count),   BIND_BOARD(fail_name),   BIND_BOARD(answer),         BIND_BOARD(last_error),
-    BIND_BOARD(poke_int),       BIND_BOARD(poke_double), BIND_BOARD(poke_text),      BIND_BOARD(peek_int),
-    BIND_BOARD(peek_double),    BIND_BOARD(peek_field),
+    BIND_BOARD(attach_applet),  BIND_BOARD(poke_int),    BIND_BOARD(poke_double),    BIND_BOARD(poke_text),
+    BIND_BOARD(peek_int),       BIND_BOARD(peek_double), BIND_BOARD(peek_field),
 };
 static_assert(sizeof(BoardFunctions) == std::size(boardBindings) * sizeof(void*), "a function without row");
 
@@ -153,6 +153,7 @@ void AppletHost::close() {
 
 Session::Session(const AppletHost& libraries, int flags) : host(libraries), device(libraries.board().open()) {
     handle.object = host.applet().Std_entry(device, &error, flags);
+    host.board().attach_applet(device, fg(), host.applet().Fg_saveConfig, host.applet().Fg_loadConfig);
 }
 
 Session::~Session() {

@@ -78,6 +78,7 @@ struct BoardFunctions {
     decltype(&::vboard_fail_name) fail_name;
     decltype(&::vboard_answer) answer;
     decltype(&::vboard_last_error) last_error;
+    decltype(&::vboard_attach_applet) attach_applet;
     decltype(&::vboard_poke_int) poke_int;
     decltype(&::vboard_poke_double) poke_double;
     decltype(&::vboard_poke_text) poke_text;
