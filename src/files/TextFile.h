@@ -1,0 +1,42 @@
+/** The text files that a caller names: opened without ever waiting, written line by line. */
+#ifndef FILES_TEXTFILE_H
+#define FILES_TEXTFILE_H
+
+#include <cstdint>
+#include <string_view>
+
+/** Owns an open file, or none. Takes no lock: one thread at a time uses it. Throws nothing. */
+class TextFile {
+public:
+    enum class Mode {
+        Read,   ///< of what exists
+        Update, ///< reading and writing of what exists
+        Write   ///< creates the file or empties it
+    };
+
+    TextFile() = default;
+    TextFile(const TextFile&) = delete;
+    TextFile& operator=(const TextFile&) = delete;
+    ~TextFile() { close(); }
+
+    /**
+     * Opens a file in place of the one open so far, which is closed. False, with no file open, for a null
+     * path, for what cannot be opened and for what cannot seek: a FIFO, a socket or a terminal counts as
+     * missing.
+     */
+    bool open(const char* path, Mode mode);
+    bool isOpen() const { return m_descriptor >= 0; }
+    /** The descriptor, which stays the file's own; -1 if none is open. */
+    int descriptor() const { return m_descriptor; }
+    /** How many bytes there are to read: none in a directory or a device, which read as an empty file. */
+    std::uint64_t size() const;
+    /** Hands the text to the system before it returns. Failures are not detected. */
+    void write(std::string_view text) const;
+
+private:
+    void close();
+
+    int m_descriptor = -1;
+};
+
+#endif
