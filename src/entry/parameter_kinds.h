@@ -12,6 +12,7 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <span>
 #include <string>
 #include <type_traits>
@@ -79,28 +80,29 @@ template <typename T> struct Number {
         };
     }
 
-    static constexpr Reading reading(std::uint32_t FgLoomWrapperImpl::*member, auto) {
-        static_assert(std::is_same_v<T, std::uint32_t>);
-        return {.word = member};
-    }
-    static constexpr Reading reading(double FgLoomWrapperImpl::*member, auto) {
-        static_assert(std::is_same_v<T, double>);
-        return {.number = member};
-    }
-    template <typename Read> static constexpr Reading reading(auto FgLoomWrapperImpl::*, Read) {
-        return {
-            .function = [](FgLoomWrapperImpl& wrapper, const SdkParameter&, void* value, int, FgParamTypes) {
-                const Place<T> place(value);
-                if constexpr (std::is_invocable_v<Read, FgLoomWrapperImpl&, Place<T>>)
-                    Read{}(wrapper, place);
-                else
-                    place.store(Read{}(wrapper));
-            }};
+    template <auto source> static constexpr Reading reading() {
+        using Source = decltype(source);
+        if constexpr (std::is_same_v<Source, T FgLoomWrapperImpl::*> && std::is_same_v<T, std::uint32_t>)
+            return {.word = source};
+        else if constexpr (std::is_same_v<Source, T FgLoomWrapperImpl::*> && std::is_same_v<T, double>)
+            return {.number = source};
+        else
+            return {.function = read<source>};
     }
 
     template <typename Setter, typename Start>
     static constexpr StartFunction* starter(Setter set, Start start) {
         return starterOf<T>(set, start);
+    }
+
+private:
+    template <auto source>
+    static void read(FgLoomWrapperImpl& wrapper, const SdkParameter&, void* value, int, FgParamTypes) {
+        const Place<T> place(value);
+        if constexpr (std::is_invocable_v<decltype(source), FgLoomWrapperImpl&, Place<T>>)
+            std::invoke(source, wrapper, place);
+        else
+            place.store(T{std::invoke(source, wrapper)});
     }
 };
 
@@ -119,8 +121,9 @@ struct Text {
             Setter{}(wrapper, static_cast<const char*>(value));
         };
     }
-    template <typename Read> static constexpr Reading reading(auto, Read) {
-        return {.text = [](FgLoomWrapperImpl& wrapper) -> std::string { return Read{}(wrapper); }};
+    template <auto source> static constexpr Reading reading() {
+        return {
+            .text = [](FgLoomWrapperImpl& wrapper) -> std::string { return std::invoke(source, wrapper); }};
     }
     template <typename Setter, typename Start>
     static constexpr StartFunction* starter(Setter set, Start start) {
@@ -137,9 +140,9 @@ struct Field {
             Setter{}(wrapper, FieldRecord{value, type});
         };
     }
-    template <typename Read> static constexpr Reading reading(auto, Read) {
+    template <auto source> static constexpr Reading reading() {
         return {.function = [](FgLoomWrapperImpl& wrapper, const SdkParameter&, void* value, int,
-                               FgParamTypes type) { readField(Read{}(wrapper), value, type); }};
+                               FgParamTypes type) { readField(std::invoke(source, wrapper), value, type); }};
     }
     static constexpr StartFunction* starter(auto, auto) { return nullptr; }
 
@@ -149,7 +152,7 @@ struct Field {
 
 /** The runtime has the value: reads go straight to it. */
 struct Runtime {
-    static constexpr Reading reading(auto, auto) { return {.function = readRuntime}; }
+    template <auto> static constexpr Reading reading() { return {.function = readRuntime}; }
     static void readRuntime(FgLoomWrapperImpl& wrapper, const SdkParameter& parameter, void* value, int dma,
                             FgParamTypes type);
 };
@@ -158,7 +161,7 @@ struct Runtime {
 struct NotYet {
     using Value = NotYet;
     static constexpr SetFunction* setter(auto) { return nullptr; }
-    static constexpr Reading reading(auto, auto) { return {}; }
+    template <auto> static constexpr Reading reading() { return {}; }
     static constexpr StartFunction* starter(auto, auto) { return nullptr; }
 };
 

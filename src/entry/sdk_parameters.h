@@ -8,7 +8,6 @@
 
 #include <array>
 #include <cstddef>
-#include <functional>
 #include <span>
 #include <string_view>
 
@@ -21,38 +20,35 @@ struct SdkParameter {
     StartFunction* start; // null: not set by the start-up sequence
 };
 
-template <typename Kind, typename Setter, typename Source, typename Read, typename Start>
-constexpr SdkParameter settableRow(const char* name, int id, Setter setter, Source source, Read read,
-                                   Start start) {
-    return {name, id, false, Kind::setter(setter), Kind::reading(source, read), Kind::starter(setter, start)};
+template <typename Kind, auto source, typename Setter, typename Start>
+constexpr SdkParameter settableRow(const char* name, int id, Setter setter, Start start) {
+    return {name,
+            id,
+            false,
+            Kind::setter(setter),
+            Kind::template reading<source>(),
+            Kind::starter(setter, start)};
 }
 
-template <typename Kind, typename Source, typename Read>
-constexpr SdkParameter readOnlyRow(const char* name, int id, Source source, Read read) {
-    return {name, id, true, nullptr, Kind::reading(source, read), nullptr};
+template <typename Kind, auto source> constexpr SdkParameter readOnlyRow(const char* name, int id) {
+    return {name, id, true, nullptr, Kind::template reading<source>(), nullptr};
 }
 
 /** Holds the rows; a friend of the class whose members they name. */
 struct SdkParameterTable {
-    // The lambdas are generic so that a kind which has no use for them names no member that does not exist.
-#define READING(source)                                                                                      \
-    &FgLoomWrapperImpl::source,                                                                              \
-        [](auto& wrapper,                                                                                    \
-           auto... place) -> decltype(std::invoke(&FgLoomWrapperImpl::source, wrapper, place...)) {          \
-            return std::invoke(&FgLoomWrapperImpl::source, wrapper, place...);                               \
-        }
+    // The lambda is generic so that a kind which has no use for it names no setter that does not exist.
 #define SETTABLE(parameter, kind, source, startValue)                                                        \
-    settableRow<kinds::kind>(                                                                                \
+    settableRow<kinds::kind, &FgLoomWrapperImpl::source>(                                                    \
         #parameter, parameter,                                                                               \
-        [](FgLoomWrapperImpl& wrapper, auto value) { wrapper.set_##parameter(value); }, READING(source),     \
+        [](FgLoomWrapperImpl& wrapper, auto value) { wrapper.set_##parameter(value); },                      \
         [] { return startValue; }),
-#define READ_ONLY(parameter, kind, source) readOnlyRow<kinds::kind>(#parameter, parameter, READING(source)),
+#define READ_ONLY(parameter, kind, source)                                                                   \
+    readOnlyRow<kinds::kind, &FgLoomWrapperImpl::source>(#parameter, parameter),
     static constexpr SdkParameter rows[] = {
 #include "catalogue/sdk_parameters.def"
     };
 #undef SETTABLE
 #undef READ_ONLY
-#undef READING
 };
 
 /** In the order of the parameters' index. */
