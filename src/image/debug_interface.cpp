@@ -14,9 +14,15 @@ using namespace catalogue;
 
 namespace {
 
-const std::string designPrefix = "Device1_Process0_";
-const std::string debugPrefix = designPrefix + "Debug_";
+std::string nameBelow(const std::string& path, const char* suffix) {
+    return "Device1_Process0_" + path + suffix;
+}
 
+std::string debugName(const char* what, const std::string& number = "") {
+    return "Device1_Process0_Debug_" + (what + number);
+}
+
+constexpr const char* debugFile = "_DebugFile";
 constexpr const char* operationMode = "_OperationMode";
 constexpr std::uint32_t inputOn = 1;
 constexpr std::uint32_t outputOn = 2;
@@ -60,19 +66,19 @@ std::string FgLoomWrapperImpl::requireText(const std::string& name) {
 }
 
 void FgLoomWrapperImpl::discoverDebugEntries() {
-    const int count = std::min(readText(debugPrefix + "Entries").c_str()[0] - '0', 9);
+    const int count = std::min(readText(debugName("Entries")).c_str()[0] - '0', 9);
     for (int i = 0; i < count; ++i) {
         const std::string number = std::to_string(i);
         DebugEntry& entry = m_debugEntries.emplace_back();
-        entry.name = requireText(debugPrefix + "Name" + number).substr(0, longestEntryText);
-        const std::string type = requireText(debugPrefix + "Type" + number);
+        entry.name = requireText(debugName("Name", number)).substr(0, longestEntryText);
+        const std::string type = requireText(debugName("Type", number));
         if (type == "Inject")
             entry.type = DebugEntry::inject;
         else if (type == "InjectMonitor")
             entry.type = DebugEntry::injectMonitor;
         else
             refuse(FG_ERR_UNRESOLVED);
-        entry.path = requireText(debugPrefix + "Path" + number).substr(0, longestEntryText);
+        entry.path = requireText(debugName("Path", number)).substr(0, longestEntryText);
     }
 }
 
@@ -93,7 +99,7 @@ const FgLoomWrapperImpl::DebugEntry& FgLoomWrapperImpl::debugEntry() const {
 }
 
 int FgLoomWrapperImpl::debugParameterId(const char* suffix) {
-    return getParameterIdByName((designPrefix + debugEntry().path + suffix).c_str());
+    return getParameterIdByName(nameBelow(debugEntry().path, suffix).c_str());
 }
 
 std::uint32_t FgLoomWrapperImpl::readDebugWord(const char* suffix) {
@@ -119,7 +125,7 @@ std::uint32_t FgLoomWrapperImpl::readDebugOutEnable() {
 }
 
 std::string FgLoomWrapperImpl::readDebugFile() {
-    return requireText(designPrefix + debugEntry().path + "_DebugFile");
+    return requireText(nameBelow(debugEntry().path, debugFile));
 }
 
 void FgLoomWrapperImpl::updateDebugPixelRange() {
@@ -136,7 +142,7 @@ void FgLoomWrapperImpl::updateDebugPixelRange() {
 
 void FgLoomWrapperImpl::set_FG_DEBUGSOURCE(std::uint32_t value) {
     // Without points the limit wraps, and anything passes.
-    requireAtMost(value, static_cast<std::uint32_t>(requireText(debugPrefix + "Entries").c_str()[0] - '1'));
+    requireAtMost(value, static_cast<std::uint32_t>(requireText(debugName("Entries")).c_str()[0] - '1'));
     Replacement stored(m_debugSource, value);
     if (debugEntry().type == DebugEntry::unknown) refuse(FG_ERR_UNRESOLVED);
     publishAccess(recordAt(indexOf(FG_DEBUGOUTENABLE)),
@@ -165,7 +171,7 @@ void FgLoomWrapperImpl::set_FG_DEBUGOUTENABLE(std::uint32_t value) {
 
 void FgLoomWrapperImpl::set_FG_DEBUGFILE(const char* path) {
     Replacement stored(m_debugFile, std::string(path));
-    writeDebug("_DebugFile", path, FG_PARAM_TEXT);
+    writeDebug(debugFile, path, FG_PARAM_TEXT);
     stored.keep();
 }
 

@@ -12,7 +12,9 @@ using namespace catalogue;
 
 namespace {
 
-const std::string prefix = "Device1_Process0_OutputFormat_";
+std::string formatName(const char* what, const std::string& number = "") {
+    return "Device1_Process0_OutputFormat_FG_FORMAT_" + (what + number);
+}
 
 /** Value of a decimal digit; of what is none, what its code gives. */
 int digit(char character) { return character - '0'; }
@@ -31,23 +33,23 @@ std::uint32_t formatBits(std::uint32_t format) {
 } // namespace
 
 void FgLoomWrapperImpl::discoverOutputFormats() {
-    const std::string inputs = readText(prefix + "FG_FORMAT_NoOfInputs");
+    const std::string inputs = readText(formatName("NoOfInputs"));
     // Names have room for two digits.
     const int count = std::min(inputs.size() == 2 ? twoDigits(inputs) : digit(inputs.c_str()[0]), 100);
-    m_formatMaxBits = twoDigits(readText(prefix + "FG_FORMAT_MaxBits"));
+    m_formatMaxBits = twoDigits(readText(formatName("MaxBits")));
     for (int i = 0; i < count; ++i) {
         const std::string number = std::to_string(i);
-        const std::string name = requireText(prefix + "FG_FORMAT_Input" + number);
+        const std::string name = requireText(formatName("Input", number));
         const auto* known = std::ranges::find(outputFormats, name, &OutputFormat::name);
         if (known == std::end(outputFormats)) refuse(FG_ERR_UNRESOLVED);
         m_formatInputs.push_back({.format = known->format, .bits = known->bits, .flags = known->flags});
         FormatInput& input = m_formatInputs.back();
-        const std::string flag = requireText(prefix + "FG_FORMAT_InputFlag" + number);
+        const std::string flag = requireText(formatName("InputFlag", number));
         input.hasTrash = flag.starts_with('1');
         // One character even above 9, where it is no digit: the design has it so.
         if (input.hasTrash) {
-            const std::string trash =
-                prefix + "Convert" + static_cast<char>('0' + i) + "_VirtualTrash_EnableTrash_Value";
+            const std::string trash = std::string("Device1_Process0_OutputFormat_Convert") +
+                                      static_cast<char>('0' + i) + "_VirtualTrash_EnableTrash_Value";
             input.trashId = static_cast<std::uint32_t>(getParameterIdByName(trash.c_str()));
         }
     }

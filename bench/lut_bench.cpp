@@ -1,0 +1,202 @@
+// Lookup tables beside the least that each operation can cost, in one run: compare the pairs of rows.
+
+#include "inert_applet.h"
+
+#include <benchmark/benchmark.h>
+
+#include <array>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <fstream>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+constexpr std::size_t entries = 16384;
+using Table = std::array<std::uint32_t, entries>;
+
+const InertApplet& applet() { return InertApplet::instance(); }
+
+/** A handle of its own, and a LUT file that goes with it. */
+class Bench {
+public:
+    Bench() {
+        char pattern[] = "/tmp/lut-bench-XXXXXX";
+        m_folder = mkdtemp(pattern);
+        setText(FG_LUT_SAVE_FILE, file().c_str());
+    }
+    ~Bench() {
+        unlink(file().c_str());
+        rmdir(m_folder.c_str());
+    }
+    Bench(const Bench&) = delete;
+    Bench& operator=(const Bench&) = delete;
+
+    std::string file() const { return m_folder + "/tables.lut"; }
+    template <typename T> int set(int id, T value, int tag) {
+        return applet().set(m_handle.fg(), id, &value, 0, tag);
+    }
+    int setText(int id, const char* text) {
+        return applet().set(m_handle.fg(), id, text, 0, FG_PARAM_TEXT);
+    }
+    int setRecord(int id, const void* record, int tag) {
+        return applet().set(m_handle.fg(), id, record, 0, tag);
+    }
+
+private:
+    InertHandle m_handle;
+    std::string m_folder;
+};
+
+std::string contentOf(const std::string& file) {
+    std::ostringstream text;
+    text << std::ifstream(file).rdbuf();
+    return text.str();
+}
+
+void writeTables(const void* table) {
+    for (int color = 1; color <= 3; ++color)
+        benchmark::DoNotOptimize(applet().runtimeSet(nullptr, color, table, 0, FG_PARAM_FIELD_ACCESS));
+}
+
+// ---- The formula
+
+void processing_linear_least(benchmark::State& state) {
+    const auto red = std::make_unique<Table>(), green = std::make_unique<Table>(),
+               blue = std::make_unique<Table>();
+    double offset = 0.0, gain = 1.0;
+    benchmark::DoNotOptimize(offset);
+    benchmark::DoNotOptimize(gain);
+    for (auto _ : state) {
+        for (std::size_t i = 0; i < entries; ++i) {
+            const double y = (static_cast<double>(i) / (entries - 1) + offset) * gain;
+            const auto entry = static_cast<std::int32_t>(0.5 + y * 65535);
+            (*red)[i] = static_cast<std::uint32_t>(entry < 0 ? 0 : entry > 65535 ? 65535 : entry);
+        }
+        benchmark::DoNotOptimize(red->data());
+        *green = *red;
+        *blue = *red;
+        benchmark::ClobberMemory();
+        writeTables(blue.get());
+    }
+}
+
+void processing(benchmark::State& state, double gamma) {
+    Bench bench;
+    bench.set(FG_PROCESSING_GAMMA, gamma, FG_PARAM_DOUBLE);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(bench.set(FG_PROCESSING_GAIN, 1.0, FG_PARAM_DOUBLE));
+}
+
+void processing_linear(benchmark::State& state) { processing(state, 1.0); }
+
+void processing_gamma_least(benchmark::State& state) {
+    double exponent = 1.0 / 2.2;
+    benchmark::DoNotOptimize(exponent);
+    for (auto _ : state)
+        for (std::size_t i = 0; i < entries; ++i)
+            benchmark::DoNotOptimize(std::pow(static_cast<double>(i) / (entries - 1), exponent));
+}
+
+void processing_gamma(benchmark::State& state) { processing(state, 2.2); }
+
+// ---- Elements. The least of one element is a routed set of a number.
+
+void lut_element_least(benchmark::State& state) {
+    Bench bench;
+    for (auto _ : state)
+        benchmark::DoNotOptimize(bench.set(FG_IMG_SELECT, std::uint32_t{0}, FG_PARAM_UINT32));
+}
+
+void lut_element(benchmark::State& state) {
+    Bench bench;
+    const FieldParameterInt_s record{7, 100};
+    for (auto _ : state)
+        benchmark::DoNotOptimize(bench.setRecord(FG_LUT_VALUE_RED, &record, FG_PARAM_FIELD_INT));
+}
+
+void lut_run_least(benchmark::State& state) {
+    const auto source = std::make_unique<Table>(), cache = std::make_unique<Table>(),
+               backup = std::make_unique<Table>();
+    for (auto _ : state) {
+        *backup = *cache;
+        benchmark::ClobberMemory();
+        *cache = *source;
+        benchmark::ClobberMemory();
+    }
+}
+
+void lut_run(benchmark::State& state) {
+    Bench bench;
+    const auto source = std::make_unique<Table>();
+    const FieldParameterAccess record{FG_PARAM_UINT32, 0, entries, source->data()};
+    for (auto _ : state)
+        benchmark::DoNotOptimize(bench.setRecord(FG_LUT_VALUE_RED, &record, FG_PARAM_FIELD_ACCESS));
+}
+
+// ---- Files
+
+void lut_save_least(benchmark::State& state) {
+    Bench bench;
+    const std::string text = contentOf(bench.file());
+    std::vector<std::string> lines;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);)
+        lines.push_back(line + '\n');
+    for (auto _ : state) {
+        const int file = open(bench.file().c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+        for (const std::string& line : lines)
+            if (write(file, line.data(), line.size()) < 0) return state.SkipWithError("write");
+        close(file);
+    }
+}
+
+void lut_save(benchmark::State& state) {
+    Bench bench;
+    const std::string file = bench.file();
+    for (auto _ : state)
+        benchmark::DoNotOptimize(bench.setText(FG_LUT_SAVE_FILE, file.c_str()));
+}
+
+void lut_load_least(benchmark::State& state) {
+    Bench bench;
+    const std::string text = contentOf(bench.file());
+    for (auto _ : state) {
+        std::uint32_t number = 0;
+        for (const char character : text) {
+            const auto digit = static_cast<unsigned char>(character - '0');
+            number = digit < 10 ? number * 10 + digit : 0;
+            benchmark::DoNotOptimize(number);
+        }
+    }
+}
+
+void lut_load(benchmark::State& state) {
+    Bench bench;
+    bench.set(FG_LUT_TYPE, std::uint32_t{LUT_TYPE_CUSTOM}, FG_PARAM_UINT32);
+    const std::string file = bench.file();
+    for (auto _ : state)
+        if (bench.setText(FG_LUT_CUSTOM_FILE, file.c_str()) != FG_OK)
+            return state.SkipWithError("not loaded");
+}
+
+BENCHMARK(processing_linear_least)->Unit(benchmark::kMicrosecond);
+BENCHMARK(processing_linear)->Unit(benchmark::kMicrosecond);
+BENCHMARK(processing_gamma_least)->Unit(benchmark::kMicrosecond);
+BENCHMARK(processing_gamma)->Unit(benchmark::kMicrosecond);
+BENCHMARK(lut_element_least);
+BENCHMARK(lut_element);
+BENCHMARK(lut_run_least);
+BENCHMARK(lut_run);
+BENCHMARK(lut_save_least)->Unit(benchmark::kMicrosecond);
+BENCHMARK(lut_save)->Unit(benchmark::kMicrosecond);
+BENCHMARK(lut_load_least)->Unit(benchmark::kMicrosecond);
+BENCHMARK(lut_load)->Unit(benchmark::kMicrosecond);
+
+} // namespace
