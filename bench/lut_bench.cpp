@@ -70,10 +70,9 @@ void writeTables(const void* table) {
 void processing_linear_least(benchmark::State& state) {
     const auto red = std::make_unique<Table>(), green = std::make_unique<Table>(),
                blue = std::make_unique<Table>();
-    double offset = 0.0, gain = 1.0;
-    benchmark::DoNotOptimize(offset);
-    benchmark::DoNotOptimize(gain);
+    volatile double givenOffset = 0.0, givenGain = 1.0;
     for (auto _ : state) {
+        const double offset = givenOffset, gain = givenGain;
         for (std::size_t i = 0; i < entries; ++i) {
             const double y = (static_cast<double>(i) / (entries - 1) + offset) * gain;
             const auto entry = static_cast<std::int32_t>(0.5 + y * 65535);
@@ -97,8 +96,8 @@ void processing(benchmark::State& state, double gamma) {
 void processing_linear(benchmark::State& state) { processing(state, 1.0); }
 
 void processing_gamma_least(benchmark::State& state) {
-    double exponent = 1.0 / 2.2;
-    benchmark::DoNotOptimize(exponent);
+    volatile double givenExponent = 1.0 / 2.2;
+    const double exponent = givenExponent;
     for (auto _ : state)
         for (std::size_t i = 0; i < entries; ++i)
             benchmark::DoNotOptimize(std::pow(static_cast<double>(i) / (entries - 1), exponent));

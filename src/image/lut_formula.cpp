@@ -3,23 +3,37 @@
 #include "support/conversions.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace {
 
-/** The table for one way to raise a value to the power of 1 / gamma. */
+// One step at a time over a block of entries: the processor takes several at once.
+constexpr int blockSize = 256;
+
+/** The table for one way to raise a value to the power of 1 / gamma. Whole blocks only. */
 template <typename Power>
-void fill(std::span<std::uint32_t> table, std::uint32_t entries, std::uint32_t largest,
-          const LutFormula& formula, Power power) {
-    for (std::uint32_t i = 0; i < entries; ++i) {
-        const double x = static_cast<double>(i) / (entries - 1) + formula.offset;
-        const double y = x * formula.gain;
-        std::uint32_t entry = 0;
-        if (!(y < 0)) entry = static_cast<std::uint32_t>(truncated<std::int32_t>(0.5 + power(y) * largest));
-        if (formula.invert) entry = largest - entry;
+void fill(std::span<std::uint32_t> table, std::uint32_t largest, const LutFormula& formula, Power power) {
+    const double last = static_cast<double>(table.size() - 1);
+    const double top = largest;
+    const auto [gain, gamma, offset, invert] = formula;
+    std::array<double, blockSize> values;
+    for (int first = 0; first < static_cast<int>(table.size()); first += blockSize) {
+        for (int i = 0; i < blockSize; ++i)
+            values[static_cast<std::size_t>(i)] = ((first + i) / last + offset) * gain;
+        for (double& value : values)
+            value = value < 0 ? 0.0 : power(value);
+        std::uint32_t* entries = &table[static_cast<std::size_t>(first)];
+        for (int i = 0; i < blockSize; ++i)
+            entries[i] = static_cast<std::uint32_t>(
+                truncated<std::int32_t>(0.5 + values[static_cast<std::size_t>(i)] * top));
+        if (invert)
+            for (int i = 0; i < blockSize; ++i)
+                entries[i] = largest - entries[i];
         // Read with a sign: what overflowed is negative.
-        table[i] = static_cast<std::uint32_t>(
-            std::clamp(static_cast<std::int32_t>(entry), 0, static_cast<std::int32_t>(largest)));
+        for (int i = 0; i < blockSize; ++i)
+            entries[i] = static_cast<std::uint32_t>(
+                std::clamp(static_cast<std::int32_t>(entries[i]), 0, static_cast<std::int32_t>(largest)));
     }
 }
 
@@ -27,11 +41,11 @@ void fill(std::span<std::uint32_t> table, std::uint32_t entries, std::uint32_t l
 
 void computeLutTable(std::span<std::uint32_t> table, unsigned inBits, unsigned outBits,
                      const LutFormula& formula) {
-    const std::uint32_t entries = std::uint32_t{1} << inBits;
+    const std::span entries = table.first(std::size_t{1} << inBits);
     const std::uint32_t largest = (std::uint32_t{1} << outBits) - 1;
     const double exponent = quotient(1.0, formula.gamma);
     if (exponent == 1.0) // what every bring-up computes; pow(y, 1) is y to the bit
-        fill(table, entries, largest, formula, [](double y) { return y; });
+        fill(entries, largest, formula, [](double y) { return y; });
     else
-        fill(table, entries, largest, formula, [exponent](double y) { return std::pow(y, exponent); });
+        fill(entries, largest, formula, [exponent](double y) { return std::pow(y, exponent); });
 }

@@ -13,7 +13,8 @@ struct LutFormula {
 };
 
 /**
- * Fills a table of 2^inBits entries with values of outBits bits: offset, gain, gamma, rounding, invert, clamp.
+ * Fills the first 2^inBits entries (256 or more) of a table with values of outBits bits: offset, gain, gamma,
+ * rounding, invert, clamp.
  *
  * What overshoots 1 ends as the largest value, but what leaves the range of 32 bits ends as 0, also inverted.
  * A gamma of 0 or below is not rejected.
