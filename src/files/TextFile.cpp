@@ -24,6 +24,7 @@ constexpr int accessFlags(TextFile::Mode mode) {
 
 bool TextFile::open(const char* path, Mode mode) {
     close();
+    m_failed = false;
     if (path == nullptr) return false;
     // Without O_NONBLOCK a FIFO would wait here for its other end.
     m_descriptor = ::open(path, accessFlags(mode) | O_NONBLOCK | O_CLOEXEC | O_NOCTTY, 0666);
@@ -37,11 +38,14 @@ std::uint64_t TextFile::size() const {
     return static_cast<std::uint64_t>(status.st_size);
 }
 
-void TextFile::write(std::string_view text) const {
+void TextFile::write(std::string_view text) {
     while (!text.empty()) {
         const ssize_t written = ::write(m_descriptor, text.data(), text.size());
         if (written < 0 && errno == EINTR) continue;
-        if (written <= 0) return;
+        if (written <= 0) {
+            m_failed = true;
+            return;
+        }
         text.remove_prefix(static_cast<std::size_t>(written));
     }
 }

@@ -30,13 +30,16 @@ public:
     int descriptor() const { return m_descriptor; }
     /** How many bytes there are to read: none in a directory or a device, which read as an empty file. */
     std::uint64_t size() const;
-    /** Hands the text to the system before it returns. Failures are not detected. */
-    void write(std::string_view text) const;
+    /** Hands the text to the system before it returns. A failure is remembered, and nothing else comes of it. */
+    void write(std::string_view text);
+    /** Whether a write to the open file has failed. */
+    bool hasFailed() const { return m_failed; }
 
 private:
     void close();
 
     int m_descriptor = -1;
+    bool m_failed = false;
 };
 
 #endif

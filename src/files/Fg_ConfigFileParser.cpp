@@ -1,0 +1,270 @@
+#include "files/Fg_ConfigFileParser.h"
+
+#include "files/LineReader.h"
+#include "support/Fg_Log.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+constexpr std::string_view extension = ".mcf";
+constexpr std::string_view headerSection = "[Kamerasektion]\n";
+constexpr std::string_view versionLine = "\nConfigFileVersion=2.0;\n";
+constexpr std::string_view missingKey = "Error";
+constexpr std::size_t mostLines = 65536;
+
+constexpr const char* typeOk = "File type ok";
+constexpr const char* typeNotOk = "File type not ok";
+
+bool contains(std::string_view line, std::string_view text) {
+    return line.find(text) != std::string_view::npos;
+}
+
+/** The part before the first of the delimiters, behind any that lead; empty if there is none. Takes it off `line`. */
+std::string_view takeToken(std::string_view& line, std::string_view delimiters) {
+    line.remove_prefix(std::min(line.find_first_not_of(delimiters), line.size()));
+    const std::size_t length = std::min(line.find_first_of(delimiters), line.size());
+    const std::string_view token = line.substr(0, length);
+    line.remove_prefix(std::min(length + 1, line.size()));
+    return token;
+}
+
+/** True for the line of a key: "KEY=". */
+bool isLineOf(std::string_view line, std::string_view key) {
+    return line.size() > key.size() && line[key.size()] == '=' && line.starts_with(key);
+}
+
+/** A number as printf has it, at most 31 characters. */
+template <typename T> std::string formatted(const char* format, T value) {
+    char text[32];
+    std::snprintf(text, sizeof text, format, value);
+    return text;
+}
+
+} // namespace
+
+Fg_ConfigFileParser::Fg_ConfigFileParser(Fg_Log* log, const char* path, bool readOnly) : m_log(log) {
+    func("Fg_ConfigFileParser::Fg_ConfigFileParser(char * filename)");
+    if (!checkFileType(path) || !checkFileExist(path)) return;
+    m_file.open(path, readOnly ? TextFile::Mode::Read : TextFile::Mode::Update);
+    readLines();
+}
+
+Fg_ConfigFileParser::~Fg_ConfigFileParser() { func("Fg_ConfigFileParser::~Fg_ConfigFileParser()"); }
+
+void Fg_ConfigFileParser::func(const char* name) const {
+    if (m_log != nullptr) m_log->Func(name);
+}
+
+bool Fg_ConfigFileParser::checkFileType(const char* path) const {
+    if (path == nullptr) return false;
+    const bool isOk = contains(path, extension);
+    func("Fg_ConfigFileParser::checkFileType");
+    func(isOk ? typeOk : typeNotOk);
+    return isOk;
+}
+
+bool Fg_ConfigFileParser::checkFileExist(const char* path) const {
+    func("Fg_ConfigFileParser::checkFileExist");
+    const bool exists = TextFile().open(path, TextFile::Mode::Read);
+    if (m_log != nullptr) m_log->Info(exists ? "Config File exist" : "Config File don't exist");
+    return exists;
+}
+
+// ---- Writing
+
+bool Fg_ConfigFileParser::setSaveFile(const char* path) {
+    func("Fg_ConfigFileParser::setSaveFile");
+    if (!checkFileType(path)) {
+        if (m_log != nullptr) m_log->Error("Config File is Invalid");
+        return false;
+    }
+    if (!m_file.open(path, TextFile::Mode::Write)) {
+        if (m_log != nullptr) m_log->Error("Config File: fopen failed");
+        return false;
+    }
+    if (m_log != nullptr) m_log->Info("Config File is valid");
+    return true;
+}
+
+void Fg_ConfigFileParser::writeConfigFileHeader() {
+    func("Fg_ConfigFileParser::writeConfigFileHeader");
+    m_file.write(headerSection);
+    m_file.write(versionLine);
+}
+
+void Fg_ConfigFileParser::writeConfigFilePortA() { writeConfigFileByPort(0); }
+
+void Fg_ConfigFileParser::writeConfigFilePortB() { writeConfigFileByPort(1); }
+
+void Fg_ConfigFileParser::writeConfigFileByPort(int port) { m_file.write("\n" + getPortString(port) + "\n"); }
+
+void Fg_ConfigFileParser::writeConfigFile(std::string_view key, std::string_view text) {
+    func("Fg_ConfigFileParser::writeConfigFile");
+    m_file.write(std::string(key).append("='").append(text).append("';\n"));
+}
+
+void Fg_ConfigFileParser::writeConfigFileValue(std::string_view key, std::string_view text) {
+    func("Fg_ConfigFileParser::writeConfigFileValue");
+    m_file.write(std::string(key).append("=").append(text).append(";\n"));
+}
+
+void Fg_ConfigFileParser::writeConfigFileIntKey(std::string_view key, int value) {
+    func("Fg_ConfigFileParser::writeConfigFileIntKey");
+    writeConfigFileValue(key, formatted("%d", value));
+}
+
+void Fg_ConfigFileParser::writeConfigFileUInt64Key(std::string_view key, std::uint64_t value) {
+    func("Fg_ConfigFileParser::writeConfigFileUInt64Key");
+    writeConfigFileValue(key, formatted("%lu", value));
+}
+
+// The log knows some functions by the name of a neighbour or a misspelt one. It stays so: logs are compared.
+void Fg_ConfigFileParser::writeConfigFileInt64Key(std::string_view key, std::int64_t value) {
+    func("Fg_ConfigFileParser::writeConfigFileUInt64Key");
+    writeConfigFileValue(key, formatted("%li", value));
+}
+
+void Fg_ConfigFileParser::writeConfigFileDoubleKey(std::string_view key, double value) {
+    func("Fg_ConfigFileParser::wrtiteConfigFileDoubleKey");
+    writeConfigFileValue(key, formatted("%.12g", value));
+}
+
+// ---- Reading
+
+std::string Fg_ConfigFileParser::getPortString(int port) {
+    return std::string("[Port ") + static_cast<char>('A' + port) + "]";
+}
+
+void Fg_ConfigFileParser::readLines() {
+    if (!m_file.isOpen()) return;
+    LineReader reader(m_file);
+    std::string_view line;
+    while (m_lines.size() < mostLines && reader.next(line))
+        m_lines.emplace_back(line);
+}
+
+/** Number of the line behind the section's own; that of the file's end if there is no such section. */
+std::size_t Fg_ConfigFileParser::lineBehind(std::string_view section) {
+    if (m_section != section) {
+        const auto found = std::ranges::find_if(
+            m_lines, [section](const std::string& line) { return contains(line, section); });
+        m_section = section;
+        m_sectionEnd = static_cast<std::size_t>(found - m_lines.begin()) + (found != m_lines.end() ? 1 : 0);
+    }
+    return m_sectionEnd;
+}
+
+int Fg_ConfigFileParser::parseKeyFromLine(std::string_view key, std::string& out) {
+    func("Fg_ConfigFileParser::parseKeyFromLine");
+    constexpr std::string_view delimiters = "='";
+    for (std::string_view line : m_lines) {
+        if (!contains(line, key)) continue;
+        takeToken(line, delimiters);
+        out = takeToken(line, delimiters);
+        return 0;
+    }
+    out = missingKey;
+    return missing;
+}
+
+int Fg_ConfigFileParser::parseKey(std::string_view section, std::string_view key, std::string& out) {
+    func("Fg_ConfigFileParser::parseKey");
+    for (std::size_t i = lineBehind(section); i < m_lines.size(); ++i) {
+        std::string_view line = m_lines[i];
+        if (!isLineOf(line, key)) continue;
+        line.remove_prefix(key.size() + 1);
+        out = takeToken(line, "=;'");
+        // A line end is part of the value, unless it is all there is.
+        if (out.starts_with('\r') || out.starts_with('\n')) out.clear();
+        return 0;
+    }
+    out = missingKey;
+    return missing;
+}
+
+template <typename T>
+int Fg_ConfigFileParser::parseNumber(std::string_view section, std::string_view key, T* value,
+                                     int (Fg_ConfigFileParser::*convert)(const char*, T*) const) {
+    std::string text;
+    parseKey(section, key, text);
+    if (contains(text, missingKey)) return -1;
+    return (this->*convert)(text.c_str(), value);
+}
+
+int Fg_ConfigFileParser::parseIntKey(std::string_view section, std::string_view key, int* value) {
+    func("Fg_ConfigFileParser::parseIntKey");
+    return parseNumber(section, key, value, &Fg_ConfigFileParser::getIntValue);
+}
+
+int Fg_ConfigFileParser::parseUInt64Key(std::string_view section, std::string_view key,
+                                        std::uint64_t* value) {
+    func("Fg_ConfigFileParser::parseIntKey");
+    return parseNumber(section, key, value, &Fg_ConfigFileParser::getUInt64Value);
+}
+
+int Fg_ConfigFileParser::parseInt64Key(std::string_view section, std::string_view key, std::int64_t* value) {
+    func("Fg_ConfigFileParser::parseIntKey");
+    return parseNumber(section, key, value, &Fg_ConfigFileParser::getInt64Value);
+}
+
+int Fg_ConfigFileParser::parseDoubleKey(std::string_view section, std::string_view key, double* value) {
+    func("Fg_ConfigFileParser::parseDoubleKey");
+    return parseNumber(section, key, value, &Fg_ConfigFileParser::getDoubleValue);
+}
+
+int Fg_ConfigFileParser::parseIntKeyFromHeader(std::string_view key, int* value) {
+    func("Fg_ConfigFileParser::parseIntKeyFromHeader");
+    return parseIntKey(headerSection, key, value);
+}
+
+int Fg_ConfigFileParser::parseKeySection(int port, const char* key, std::string& out) {
+    return key != nullptr ? parseKey(getPortString(port), key, out) : -1;
+}
+
+int Fg_ConfigFileParser::parseIntKeySection(int port, const char* key, int* value) {
+    return key != nullptr ? parseIntKey(getPortString(port), key, value) : -1;
+}
+
+int Fg_ConfigFileParser::parseUInt64KeySection(int port, const char* key, std::uint64_t* value) {
+    return key != nullptr ? parseUInt64Key(getPortString(port), key, value) : -1;
+}
+
+int Fg_ConfigFileParser::parseInt64KeySection(int port, const char* key, std::int64_t* value) {
+    return key != nullptr ? parseInt64Key(getPortString(port), key, value) : -1;
+}
+
+int Fg_ConfigFileParser::parseDoubleKeySection(int port, const char* key, double* value) {
+    return key != nullptr ? parseDoubleKey(getPortString(port), key, value) : -1;
+}
+
+int Fg_ConfigFileParser::getIntValue(const char* text, int* value) const {
+    func("Fg_ConfigFileParser::getIntValue");
+    *value = static_cast<int>(std::strtol(text, nullptr, 10)); // the lowest 32 bits
+    return 0;
+}
+
+int Fg_ConfigFileParser::getUInt64Value(const char* text, std::uint64_t* value) const {
+    func("Fg_ConfigFileParser::getIntValue");
+    char* end = nullptr;
+    const std::uint64_t number = std::strtoul(text, &end, 10);
+    if (end != text) *value = number;
+    return 0;
+}
+
+int Fg_ConfigFileParser::getInt64Value(const char* text, std::int64_t* value) const {
+    func("Fg_ConfigFileParser::getIntValue");
+    char* end = nullptr;
+    const std::int64_t number = std::strtol(text, &end, 0); // hexadecimal and octal too
+    if (end != text) *value = number;
+    return 0;
+}
+
+int Fg_ConfigFileParser::getDoubleValue(const char* text, double* value) const {
+    func("Fg_ConfigFileParser::getDoubleValue");
+    *value = std::strtod(text, nullptr);
+    return 0;
+}

@@ -1,0 +1,103 @@
+/** Configuration files: sections, keys and the encoding of values. */
+#ifndef FILES_FG_CONFIGFILEPARSER_H
+#define FILES_FG_CONFIGFILEPARSER_H
+
+#include "files/TextFile.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+class Fg_Log;
+
+/**
+ * Writes and reads the values of parameters as lines of text: a header section, and a section for each port, with
+ * lines "KEY=123;" and "KEY='text';". There is no escape: a text with a quote, an equals sign or a semicolon does
+ * not survive. The decimal separator is that of the process locale.
+ *
+ * The reader is lenient: it takes the first line behind the section's own that begins with the key, even if that
+ * stands in a later section. Of a file it keeps the first 65,536 lines of at most 255 bytes; what a longer line has
+ * beyond them comes as further lines. A line ends at a NUL byte.
+ *
+ * A parser serves one file and one thread at a time; several work side by side. The log may be null.
+ */
+class Fg_ConfigFileParser {
+public:
+    static constexpr int missing = -8000;
+
+    /** Opens the file for reading, also for writing unless `readOnly`; reports nothing. A null path opens nothing. */
+    Fg_ConfigFileParser(Fg_Log* log, const char* path, bool readOnly);
+    ~Fg_ConfigFileParser();
+    Fg_ConfigFileParser(const Fg_ConfigFileParser&) = delete;
+    Fg_ConfigFileParser& operator=(const Fg_ConfigFileParser&) = delete;
+
+    /** Whether the path holds ".mcf", at any place. */
+    bool checkFileType(const char* path) const;
+    /** Whether the path can be opened for reading. A FIFO, a socket or a terminal cannot; a directory is empty. */
+    bool checkFileExist(const char* path) const;
+
+    /** Creates or empties the file that the write functions write to. */
+    bool setSaveFile(const char* path);
+    /** Whether something could not be written. */
+    bool hasFailed() const { return m_file.hasFailed(); }
+    void writeConfigFileHeader();
+    void writeConfigFilePortA();
+    void writeConfigFilePortB();
+    void writeConfigFileByPort(int port);
+    /** A text, in quotes. */
+    void writeConfigFile(std::string_view key, std::string_view text);
+    /** A value as it stands. */
+    void writeConfigFileValue(std::string_view key, std::string_view text);
+    void writeConfigFileIntKey(std::string_view key, int value);
+    void writeConfigFileUInt64Key(std::string_view key, std::uint64_t value);
+    void writeConfigFileInt64Key(std::string_view key, std::int64_t value);
+    /** With 12 significant digits. */
+    void writeConfigFileDoubleKey(std::string_view key, double value);
+
+    /** "[Port A]" for port 0. */
+    static std::string getPortString(int port);
+
+    /* The number at the beginning of a text; of what is none, 0, or with 64 bits nothing is stored. All give 0. */
+    int getIntValue(const char* text, int* value) const;
+    int getUInt64Value(const char* text, std::uint64_t* value) const;
+    int getInt64Value(const char* text, std::int64_t* value) const;
+    int getDoubleValue(const char* text, double* value) const;
+
+    /*
+     * Texts: 0, or `missing` with "Error" in `out`. parseKeyFromLine takes the first line in the file that holds the
+     * key at any place.
+     */
+    int parseKeyFromLine(std::string_view key, std::string& out);
+    int parseKey(std::string_view section, std::string_view key, std::string& out);
+
+    /* Numbers: 0, or -1 with nothing stored, for a missing key and for a text with "Error" in it. */
+    int parseIntKey(std::string_view section, std::string_view key, int* value);
+    int parseUInt64Key(std::string_view section, std::string_view key, std::uint64_t* value);
+    int parseInt64Key(std::string_view section, std::string_view key, std::int64_t* value);
+    int parseDoubleKey(std::string_view section, std::string_view key, double* value);
+    int parseIntKeyFromHeader(std::string_view key, int* value);
+
+    /* The same in the section of a port; -1 for a null key. */
+    int parseKeySection(int port, const char* key, std::string& out);
+    int parseIntKeySection(int port, const char* key, int* value);
+    int parseUInt64KeySection(int port, const char* key, std::uint64_t* value);
+    int parseInt64KeySection(int port, const char* key, std::int64_t* value);
+    int parseDoubleKeySection(int port, const char* key, double* value);
+
+private:
+    void func(const char* name) const;
+    void readLines();
+    std::size_t lineBehind(std::string_view section);
+    template <typename T>
+    int parseNumber(std::string_view section, std::string_view key, T* value,
+                    int (Fg_ConfigFileParser::*convert)(const char*, T*) const);
+
+    TextFile m_file;
+    Fg_Log* m_log;
+    std::vector<std::string> m_lines; // of the file that the constructor opened
+    std::string m_section;            // looked for last
+    std::size_t m_sectionEnd = 0;     // the line behind its own
+};
+
+#endif
