@@ -22,6 +22,10 @@ inline void publishAccess(RegisterInfo* record, std::uint32_t access) {
     if (record != nullptr) storeLive(record->access, access);
 }
 
+inline std::uint32_t publishedAccess(const RegisterInfo* record) {
+    return record != nullptr ? record->access : std::uint32_t{REGISTER_ACCESS_READ};
+}
+
 inline void publishMaximum(RegisterInfo* record, std::uint32_t maximum) {
     if (record != nullptr) storeLive(record->value.u32.maximum, maximum);
 }

@@ -169,6 +169,7 @@ private:
     void checkRoiX() const;
     void checkRoiY() const;
     void writeBufferGeometry(std::uint32_t previous);
+    void writeTriggerRange(std::uint32_t yOffset, std::uint32_t length);
     void writeTriggerGeometry(std::uint32_t yOffset, std::uint32_t height, std::uint32_t imgTriggerMode);
     void updateSensorWidthRange();
     void updateSensorHeightRange();
@@ -353,11 +354,71 @@ private:
     void updateExposureRange();
     void updateTriggerDelayRange();
 
-    // ---- Shaft encoder and image trigger: set with their subjects
+    // ---- Shaft encoder: trigger/shaft_encoder.cpp
 
     std::uint32_t m_shaftEncoderOn = FG_OFF;
+    std::uint32_t m_shaftEncoderMode = FILTER_X1;
+    std::uint32_t m_shaftEncoderInSrc = TRGINSRC_GPI_2;
+    std::uint32_t m_shaftEncoderLeading = SOURCE_A;
+    std::uint32_t m_shaftEncoderCompensationEnable = FG_ON;
+
+    // ---- Image trigger and flash: trigger/image_trigger.cpp
+
     std::uint32_t m_imgTriggerMode = FREE_RUN;
+    std::uint32_t m_imgTriggerOn = FG_ON;
+    std::uint32_t m_flashOn = FG_ON;
     std::uint32_t m_imgTriggerAsyncHeight = 1024; // lines
+    std::uint32_t m_imgTriggerInSrc = TRGINSRC_GPI_0;
+    std::uint32_t m_imgTriggerInPolarity = HIGH_ON_ZERO_HIGH;
+    std::uint32_t m_imgTriggerGateDelay = 0; // lines
+    double m_imgTriggerDebouncing = 0.112;   // microseconds
+    std::uint32_t m_flashPolarity = FG_HIGH;
+    std::uint32_t m_strobePulseDelay = 0; // lines
+    std::uint32_t m_sendSoftwareTrigger = FG_APPLY;
+    std::uint32_t m_setSoftwareTrigger = FG_LOW;
+
+    // ---- Signal routing: trigger/signal_routing.cpp. Sources and polarities as the design last took them.
+
+    std::uint32_t m_triggerCameraSource = FG_SIGNAL_CAM0_EXSYNC, m_triggerCameraPolarity = FG_HIGH;
+    std::uint32_t m_gpo0Source = FG_SIGNAL_CAM0_FLASH, m_gpo0Polarity = FG_HIGH;
+    std::uint32_t m_gpo1Source = FG_SIGNAL_CAM0_EXSYNC2, m_gpo1Polarity = FG_HIGH;
+    std::uint32_t m_gpo2Source = FG_SIGNAL_CAM0_EXSYNC, m_gpo2Polarity = FG_HIGH;
+    std::uint32_t m_gpo3Source = VCC, m_gpo3Polarity = FG_HIGH;
+    std::uint32_t m_gpo4Source = VCC, m_gpo4Polarity = FG_HIGH;
+    std::uint32_t m_gpo5Source = VCC, m_gpo5Polarity = FG_HIGH;
+    std::uint32_t m_gpo6Source = VCC, m_gpo6Polarity = FG_HIGH;
+    std::uint32_t m_gpo7Source = VCC, m_gpo7Polarity = FG_HIGH;
+    std::uint32_t m_frontGpo0Source = FG_SIGNAL_CAM0_FLASH, m_frontGpo0Polarity = FG_HIGH;
+    std::uint32_t m_frontGpo1Source = FG_SIGNAL_CAM0_EXSYNC2, m_frontGpo1Polarity = FG_HIGH;
+    std::uint32_t m_signalAnalyzer0Source = FG_SIGNAL_CAM0_EXSYNC, m_signalAnalyzer0Polarity = FG_HIGH;
+    std::uint32_t m_signalAnalyzer1Source = FG_SIGNAL_CAM0_LINE_START, m_signalAnalyzer1Polarity = FG_HIGH;
+    std::uint32_t m_customSignalEvent0Source = FG_SIGNAL_CAM0_EXSYNC, m_customSignalEvent0Polarity = FG_HIGH;
+    std::uint32_t m_customSignalEvent1Source = FG_SIGNAL_CAM0_FLASH, m_customSignalEvent1Polarity = FG_HIGH;
+    std::uint32_t m_clhsTriggerPulseMessage = FG_PULSE_IMMEDIATE;
+
+    struct SignalRoute;
+    struct SignalRoutes;
+    void applyRoute(const SignalRoute& route, std::uint32_t source, std::uint32_t polarity);
+    void setSource(const SignalRoute& route, std::uint32_t source);
+    void setPolarity(const SignalRoute& route, std::uint32_t polarity);
+    std::int32_t digitalOutput();
+
+    // ---- Signal analyzers: trigger/signal_analyzers.cpp
+
+    std::uint32_t m_signalAnalyzerClear = FG_APPLY;
+
+    std::int64_t readPulseCountDifference();
+
+    // ---- Board and applet status: trigger/board_status.cpp
+
+    std::uint32_t versionNumber() { return appletVersion(); }
+    std::uint32_t revisionNumber() { return appletRevision(); }
+    std::string designFileName() { return tslFileName(); }
+    void readAlternativeBoardDetection(Place<std::uint32_t> out);
+    std::uint32_t readRuntimeWord(int id);
+    std::uint32_t readDmaStatus() { return readRuntimeWord(FG_DMASTATUS); }
+    std::uint32_t readCamStatusExtended();
+    std::uint32_t readCamStatus() { return readCamStatusExtended() & 1; }
 
     // ---- Writers and readers of the design, and their ids: loomSet_X, loomGet_X
 

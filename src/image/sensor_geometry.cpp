@@ -125,6 +125,13 @@ void FgLoomWrapperImpl::writeBufferGeometry(std::uint32_t previous) {
     loomSet_Process0_Buffer_0_XOffset(m_xOffset);
 }
 
+void FgLoomWrapperImpl::writeTriggerRange(std::uint32_t yOffset, std::uint32_t length) {
+    // Zeroed before the length changes, on purpose.
+    loomSet_Process0_Trigger_Trigger_YOffset(std::uint32_t{0});
+    loomSet_Process0_Trigger_Trigger_YLength(length);
+    loomSet_Process0_Trigger_Trigger_YOffset(yOffset);
+}
+
 void FgLoomWrapperImpl::writeTriggerGeometry(std::uint32_t yOffset, std::uint32_t height,
                                              std::uint32_t imgTriggerMode) {
     std::uint32_t length = 0;
@@ -143,10 +150,7 @@ void FgLoomWrapperImpl::writeTriggerGeometry(std::uint32_t yOffset, std::uint32_
     default:
         refuse(FG_ERR_OUT_OF_RANGE);
     }
-    // Zeroed before the length changes, on purpose.
-    loomSet_Process0_Trigger_Trigger_YOffset(std::uint32_t{0});
-    loomSet_Process0_Trigger_Trigger_YLength(length);
-    loomSet_Process0_Trigger_Trigger_YOffset(yOffset);
+    writeTriggerRange(yOffset, length);
     loomSet_Process0_ImageHeight_ImageHeight(height);
 }
 

@@ -1,0 +1,31 @@
+// Status of the board and of the camera: what is not simply a word of the design.
+
+#include "entry/sdk_parameters.h"
+#include "entry/setter_tools.h"
+
+#include <algorithm>
+
+std::uint32_t FgLoomWrapperImpl::readRuntimeWord(int id) {
+    std::uint32_t word = 0;
+    const int result = getUnwrappedParameterWithType(id, &word, 0, FG_PARAM_UINT32);
+    if (result != FG_OK) refuse(result);
+    return word;
+}
+
+std::uint32_t FgLoomWrapperImpl::readCamStatusExtended() {
+    constexpr std::uint32_t pixelClock = 1;
+    constexpr std::uint32_t overflowBit = 5;
+    constexpr std::uint32_t levelBit = 6;        // and the one above: a quarter of the buffer
+    const std::uint32_t level = readFillLevel(); // percent
+    const std::uint32_t overflow = readOverflow();
+    std::uint32_t word = readRuntimeWord(FG_CAMSTATUS_EXTENDED);
+    if (m_simEnable == FG_CAMERASIMULATOR) word |= pixelClock;
+    word = (word & ~(3u << levelBit)) | std::min(level / 25, 3u) << levelBit;
+    return (word & ~(1u << overflowBit)) | overflow << overflowBit;
+}
+
+void FgLoomWrapperImpl::readAlternativeBoardDetection(Place<std::uint32_t> out) {
+    const auto switchedOff = loomGet_Process0_BoardStatus_AlternativeBoardDetection<std::uint32_t>();
+    out.store(switchedOff == 0 ? FG_ON : FG_OFF); // what is refused leaves a 0 there
+    if (switchedOff > 1) refuse(FG_ERR_UNRESOLVED);
+}

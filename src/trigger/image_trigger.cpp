@@ -1,0 +1,134 @@
+// Image trigger and flash: where a frame starts and how long it is, the software trigger, the flash output.
+
+#include "catalogue/live_records.h"
+#include "entry/sdk_parameters.h"
+#include "entry/setter_tools.h"
+#include "trigger/trigger_inputs.h"
+
+#include <algorithm>
+
+using namespace catalogue;
+
+namespace {
+
+struct ImageTriggerMode {
+    std::uint32_t mode;
+    std::uint32_t designValue;
+    std::uint32_t gateSpansBuffers; // the gate, not the height of the region, ends a frame
+};
+
+constexpr ImageTriggerMode imageTriggerModes[] = {
+    {FREE_RUN, 0, 0},    {ASYNC_TRIGGER, 1, 0},          {ASYNC_TRIGGER_MULTIFRAME, 1, 0},
+    {ASYNC_GATED, 2, 0}, {ASYNC_GATED_MULTIFRAME, 2, 1},
+};
+
+const ImageTriggerMode& translated(std::uint32_t mode) {
+    const auto* row = std::ranges::find(imageTriggerModes, mode, &ImageTriggerMode::mode);
+    if (row == std::end(imageTriggerModes)) refuse(FG_ERR_NO_TRANSLATION);
+    return *row;
+}
+
+// What the design takes a trigger from; 0 and 1 are the line trigger's sources A and B.
+constexpr std::uint32_t fromInput = 2;
+constexpr std::uint32_t fromSoftware = 4;
+
+} // namespace
+
+void FgLoomWrapperImpl::set_FG_IMGTRIGGERMODE(std::uint32_t value) {
+    requireEntry(enumImageTriggerMode, value);
+    Replacement stored(m_imgTriggerMode, value);
+    for (const std::size_t input : {indexOf(FG_IMGTRIGGERINSRC), indexOf(FG_IMGTRIGGERINPOLARITY),
+                                    indexOf(FG_IMGTRIGGERGATEDELAY), indexOf(FG_IMGTRIGGERDEBOUNCING)})
+        publishAccess(recordAt(input), value == FREE_RUN ? readOnly : anyTime);
+    // Not in the gated mode for several buffers, deliberately.
+    publishAccess(recordAt(indexOf(FG_IMGTRIGGER_ASYNC_HEIGHT)),
+                  value == ASYNC_TRIGGER_MULTIFRAME ? anyTime : readOnly);
+    const ImageTriggerMode& mode = translated(value);
+    loomSet_Process0_Trigger_Trigger_ImgTriggerMode(mode.designValue);
+    loomSet_Process0_Trigger_Trigger_MaxGatedHeight(mode.gateSpansBuffers);
+    writeTriggerGeometry(m_yOffset, m_height, value);
+    stored.keep();
+}
+
+void FgLoomWrapperImpl::set_FG_IMGTRIGGERON(std::uint32_t value) {
+    requireEntry(enumOnOff, value);
+    Replacement stored(m_imgTriggerOn, value);
+    loomSet_Process0_Trigger_Trigger_ImgTriggerEnable(value);
+    stored.keep();
+}
+
+void FgLoomWrapperImpl::set_FG_FLASHON(std::uint32_t value) {
+    requireEntry(enumOnOff, value);
+    Replacement stored(m_flashOn, value);
+    loomSet_Process0_Trigger_Trigger_FlashEnable(value);
+    stored.keep();
+}
+
+void FgLoomWrapperImpl::set_FG_IMGTRIGGER_ASYNC_HEIGHT(std::uint32_t value) {
+    requireRange(value,
+                 limitsOf<UInt>(FG_IMGTRIGGER_ASYNC_HEIGHT)); // never compared with the region's height
+    Replacement stored(m_imgTriggerAsyncHeight, value);
+    if (m_imgTriggerMode == ASYNC_TRIGGER_MULTIFRAME) writeTriggerRange(m_yOffset, value);
+    stored.keep();
+}
+
+void FgLoomWrapperImpl::set_FG_IMGTRIGGERINSRC(std::uint32_t value) {
+    requireEntry(enumImageTriggerInSource, value);
+    Replacement stored(m_imgTriggerInSrc, value);
+    const bool bySoftware = value == static_cast<std::uint32_t>(TRGINSOFTWARE);
+    const std::uint32_t input = bySoftware ? 0 : inputIndexOf(value);
+    loomSet_Process0_Trigger_Trigger_ImgTrgInSource(bySoftware ? fromSoftware : fromInput);
+    loomSet_Process0_Trigger_InputSignal_ImgTrgInSource_Input_Select(input);
+    stored.keep();
+}
+
+void FgLoomWrapperImpl::set_FG_IMGTRIGGERINPOLARITY(std::uint32_t value) {
+    requireEntry(enumTriggerInPolarity, value);
+    Replacement stored(m_imgTriggerInPolarity, value);
+    loomSet_Process0_Trigger_Trigger_ImgTrgInPolarity(value);
+    stored.keep();
+}
+
+void FgLoomWrapperImpl::set_FG_IMGTRIGGERGATEDELAY(std::uint32_t value) {
+    requireRange(value, limitsOf<UInt>(FG_IMGTRIGGERGATEDELAY));
+    Replacement stored(m_imgTriggerGateDelay, value);
+    loomSet_Process0_Trigger_Trigger_ImgTrgDelay(value);
+    stored.keep();
+}
+
+void FgLoomWrapperImpl::set_FG_IMGTRIGGERDEBOUNCING(double value) {
+    requireRange(value, limitsOf<Double>(FG_IMGTRIGGERDEBOUNCING));
+    Replacement stored(m_imgTriggerDebouncing, value);
+    // The prescaler of the inputs is the line trigger's business.
+    loomSet_Process0_Trigger_Trigger_ImgTrgDebouncingTime(value);
+    stored.keep();
+}
+
+void FgLoomWrapperImpl::set_FG_FLASH_POLARITY(std::uint32_t value) {
+    requireEntry(enumPolarity, value);
+    Replacement stored(m_flashPolarity, value);
+    loomSet_Process0_Trigger_Trigger_FlashPolarity(value == FG_LOW ? 1u : 0u); // the design's is inverted
+    stored.keep();
+}
+
+void FgLoomWrapperImpl::set_FG_STROBEPULSEDELAY(std::uint32_t value) {
+    requireRange(value, limitsOf<UInt>(FG_STROBEPULSEDELAY));
+    Replacement stored(m_strobePulseDelay, value);
+    loomSet_Process0_Trigger_Trigger_FlashDelay(value);
+    stored.keep();
+}
+
+void FgLoomWrapperImpl::set_FG_SENDSOFTWARETRIGGER(std::uint32_t value) {
+    requireEntry(enumApply, value);
+    Replacement stored(m_sendSoftwareTrigger, value);
+    loomSet_Process0_Trigger_Trigger_SoftwareTrgPulse(
+        value); // one pulse for each write; nothing takes it back
+    stored.keep();
+}
+
+void FgLoomWrapperImpl::set_FG_SETSOFTWARETRIGGER(std::uint32_t value) {
+    requireEntry(enumPolarity, value);
+    Replacement stored(m_setSoftwareTrigger, value);
+    loomSet_Process0_Trigger_Trigger_SoftwareTrgInput(value);
+    stored.keep();
+}
