@@ -118,12 +118,20 @@ TEST(AppletctlList, TellsEveryParameterOnce) {
     const json told = document({"list"});
     for (const json& parameter : told["parameters"]) {
         EXPECT_TRUE(names.insert(parameter["name"]).second);
-        EXPECT_NE(parameter.contains("value") || parameter.contains("elements"), parameter.contains("error"))
-            << parameter;
+        int answers = 0;
+        for (const char* member : {"value", "elements", "error", "notRead"})
+            answers += parameter.contains(member) ? 1 : 0;
+        EXPECT_EQ(answers, 1) << parameter;
         if (parameter.value("kind", "") == "Enum" && !parameter["entries"].empty()) ++enumerations;
     }
     EXPECT_EQ(names.size(), 164u);
     EXPECT_EQ(enumerations, 74);
+}
+
+TEST(AppletctlList, ReadsWhatClearsWhenReadOnlyByItsName) {
+    EXPECT_TRUE(contains(run({"list", "overflow"}).out, "  FG_OVERFLOW  (clears when read)"));
+    EXPECT_EQ(document({"list", "FILLLEVEL"})["parameters"][0]["notRead"], "clears FG_OVERFLOW when read");
+    EXPECT_EQ(document({"list", "fg_overflow"})["parameters"][0]["value"], 0);
 }
 
 TEST(AppletctlGet, FindsNamesInAnyFormAndOffersTheClosest) {
@@ -155,6 +163,32 @@ TEST(AppletctlSet, TakesNumbersAndEntries) {
         EXPECT_EQ(outcome.out, expected) << assignment;
         EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
     }
+}
+
+TEST(AppletctlSet, TakesTextsAndWideNumbers) {
+    const std::string path = "a \"b\"\\=c\x1b[31m\xc2\x9b\xe9";
+    EXPECT_EQ(run({"set", "FG_DEBUGFILE=" + path, "FG_DEBUGFILE="}).out,
+              "FG_DEBUGFILE = \"a \\\"b\\\"\\\\=c\\x1b[31mÂ\\xc2\\x9bé\"\nFG_DEBUGFILE = \"\"\n");
+    EXPECT_EQ(document({"set", "FG_DEBUGFILE=x\ny"})["assignments"][0]["value"], "x\ny");
+    const Outcome pixel =
+        run({"set", "FG_DEBUGWRITEPIXEL=0x1FFFFFFFFFFFFFF", "FG_DEBUGWRITEPIXEL=144115188075855872"});
+    EXPECT_EQ(pixel.out, "FG_DEBUGWRITEPIXEL = 144115188075855871\n");
+    EXPECT_TRUE(contains(pixel.err, "the present limits are 0 to 144115188075855871")) << pixel.err;
+}
+
+TEST(AppletctlSet, ReachesElementsOfArrays) {
+    const std::string red = "FG_LUT_VALUE_RED";
+    EXPECT_EQ(run({"get", red + "[1..2]", "lut_value_red[0x3ffe..]"}).out,
+              red + "[1] = 4\n" + red + "[2] = 8\n" + red + "[16382] = 65531\n" + red + "[16383] = 65535\n");
+    const std::string design = "  set Device1_Process0_LookupTable_R_LUTcontent field ";
+    EXPECT_EQ(run({"trace", "set", red + "[100]=5", red + "[98..101]=0xffff"}).out,
+              red + "[100] = 5\n" + design + "100+1\n" + red + "[98..101] = 65535\n" + design + "98+4\n");
+    const json told = document({"set", red + "[5]=1", red + "[4..6]=9", red + "[6]=65536"})["assignments"];
+    EXPECT_EQ(std::tuple(told[0]["index"], told[0]["value"]), std::tuple(5, 1));
+    EXPECT_EQ(std::tuple(told[1]["first"], told[1]["values"]), std::tuple(4, json({9, 9, 9})));
+    EXPECT_EQ(told[2]["error"]["code"], -6000);
+    EXPECT_EQ(told[2]["value"], 9);
+    EXPECT_EQ(document({"get", red + "[..]"})["parameters"][0]["values"].size(), 16384u);
 }
 
 TEST(AppletctlSet, StopsAtTheFirstRefusal) {
@@ -212,6 +246,13 @@ TEST(Appletctl, CallsWrongUsageByName) {
         {{"set", "FG_LINEPERIODE=nan"}, "'nan' is not a floating point number"},
         {{"set", "FG_VANTAGEPOINT=LEFT"}, "the entries are FG_VANTAGEPOINT_TOP_LEFT (0)"},
         {{"set", "FG_LUT_VALUE_RED=1"}, "array of 16384 elements"},
+        {{"set", "FG_LUT_VALUE_RED[3]=-1"}, "FG_LUT_VALUE_RED[3]=-1: '-1' is not a whole number"},
+        {{"get", "FG_LUT_VALUE_RED[16384]"}, "has 16384 elements, 0 to 16383"},
+        {{"get", "FG_LUT_VALUE_RED[0..16384]"}, "has 16384 elements, 0 to 16383"},
+        {{"get", "FG_LUT_VALUE_RED[5..4]"}, "the first element stands behind the last one"},
+        {{"get", "FG_LUT_VALUE_RED[1,2]"}, "the elements are named as [100], [100..110]"},
+        {{"get", "FG_LUT_VALUE_RED[1"}, "lacks the ']'"},
+        {{"get", "FG_WIDTH[0]"}, "FG_WIDTH[0]: the parameter is no array"},
         // The last of several is wrong: the first is not carried out.
         {{"trace", "set", "FG_WIDTH=4", "FG_HEIGHT=x"}, "'x' is not a whole number"},
     };

@@ -27,6 +27,18 @@ bool matches(const std::string& lowerName, const std::string& lowerPattern) {
            fnmatch(lowerPattern.c_str(), shortName.c_str(), 0) == 0;
 }
 
+/** Reading one of these resets the design's overflow flag. */
+struct ReadEffect {
+    const char* name;
+    const char* words;
+};
+
+constexpr ReadEffect readEffects[] = {
+    {"FG_OVERFLOW", "clears when read"},
+    {"FG_FILLLEVEL", "clears FG_OVERFLOW when read"},
+    {"DLOOMA_Device1_Process0_OverflowOccurred_Status", "clears when read"},
+};
+
 std::string didYouMean(const std::vector<std::string>& names) {
     if (names.empty()) return "; 'appletctl list' shows all names";
     return "; did you mean " + join(names, " or ") + "?";
@@ -37,6 +49,12 @@ std::string didYouMean(const std::vector<std::string>& names) {
 std::string Parameter::label() const { return record != nullptr ? toUtf8(record->displayName) : ""; }
 
 std::string Parameter::unit() const { return record != nullptr ? toUtf8(record->unit) : ""; }
+
+std::string Parameter::effectOfReading() const {
+    for (const ReadEffect& effect : readEffects)
+        if (name == effect.name) return effect.words;
+    return "";
+}
 
 ParameterList::ParameterList(Instance& instance) {
     std::vector<std::string> groups;

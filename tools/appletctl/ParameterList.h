@@ -20,6 +20,8 @@ struct Parameter {
     int kind() const { return record != nullptr ? record->kind : REGISTER_KIND_UINT; }
     std::string label() const;
     std::string unit() const;
+    /** "clears when read": what a read takes from the board; empty for all that can be read freely. */
+    std::string effectOfReading() const;
 };
 
 class ParameterList {

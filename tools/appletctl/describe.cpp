@@ -48,12 +48,12 @@ Report describeParameters(const Options& options, const Words& names) {
     report.document["parameters"] = nlohmann::ordered_json::array();
     Table table;
     for (const Parameter* parameter : wanted) {
-        const Reading reading = readValue(instance, *parameter);
+        const Reading reading = readValue(instance, {parameter});
         const std::string text = explanation(instance, *parameter);
         nlohmann::ordered_json row;
         addDescription(row, *parameter);
         if (reading.error == FG_OK)
-            addValue(row, *parameter, reading.value);
+            addValue(row, {parameter}, reading.value);
         else
             row["error"] = codeAsJson(reading.error);
         row["description"] = text;

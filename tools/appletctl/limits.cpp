@@ -132,6 +132,8 @@ bool isWithinLimits(const Parameter& parameter, const Value& value) {
     withLimits(parameter, [&](const auto& limits) {
         using Number = std::decay_t<decltype(limits.minimum)>;
         const Number* number = std::get_if<Number>(&value);
+        if constexpr (std::is_same_v<Number, std::uint32_t>)
+            if (const auto* elements = std::get_if<Elements>(&value)) number = &elements->front();
         if (number == nullptr || !areUsable(limits)) return;
         within = *number >= limits.minimum && *number <= limits.maximum;
         // Floating point is left at that: the applet decides how near to the grid is on the grid.

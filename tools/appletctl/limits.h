@@ -37,7 +37,8 @@ std::string limitsText(const Parameter& parameter);
 /** "RGB8 (1025), RGB10 (1026)"; empty for other kinds. */
 std::string entriesText(const Parameter& parameter);
 
-/** True when the record has limits, or entries, and the value keeps to them. */
+/** True when the record has limits, or entries, and the value keeps to them; of elements the first is looked
+ *  at, as a set gives all of them the same value. */
 bool isWithinLimits(const Parameter& parameter, const Value& value);
 
 /** Everything that the record says, as members of `object`. */

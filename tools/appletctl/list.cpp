@@ -29,6 +29,24 @@ std::string limitsCell(const Parameter& parameter) {
     return text.empty() ? "-" : text;
 }
 
+/** Reads the value, adds it to the row and gives its cell. What a read would take from the board is left
+ *  alone, unless it is asked for by its whole name. */
+std::string shownValue(Instance& instance, const Parameter& parameter, const std::string& asked,
+                       nlohmann::ordered_json& row) {
+    const std::string effect = parameter.effectOfReading();
+    if (!effect.empty() && lowerCase(asked) != lowerCase(parameter.name)) {
+        row["notRead"] = effect;
+        return "(" + effect + ")";
+    }
+    const Reading reading = readValue(instance, {&parameter});
+    if (reading.error != FG_OK) {
+        row["error"] = codeAsJson(reading.error);
+        return "-";
+    }
+    addValue(row, {&parameter}, reading.value);
+    return valueText(parameter, reading.value);
+}
+
 } // namespace
 
 Report listParameters(const Options& options, const Words& pattern) {
@@ -39,19 +57,15 @@ Report listParameters(const Options& options, const Words& pattern) {
     Table table;
     table.setTitles({"NAME", "VALUE", "UNIT", "ACCESS", "LIMITS OR ENTRIES"});
     const std::vector<std::string>* group = nullptr;
-    for (const Parameter* parameter : parameters.matching(pattern.empty() ? "" : pattern.front())) {
+    const std::string asked = pattern.empty() ? "" : pattern.front();
+    for (const Parameter* parameter : parameters.matching(asked)) {
         if (group == nullptr || *group != parameter->groups) table.addHeading(join(parameter->groups, " / "));
         group = &parameter->groups;
-        const Reading reading = readValue(instance, *parameter);
-        const bool readable = reading.error == FG_OK;
-        table.addRow({parameter->name, readable ? valueText(*parameter, reading.value) : "-",
-                      parameter->unit(), accessWord(*parameter), limitsCell(*parameter)});
         nlohmann::ordered_json row;
         addDescription(row, *parameter);
-        if (readable)
-            addValue(row, *parameter, reading.value);
-        else
-            row["error"] = codeAsJson(reading.error);
+        const std::string value = shownValue(instance, *parameter, asked, row);
+        table.addRow(
+            {parameter->name, value, parameter->unit(), accessWord(*parameter), limitsCell(*parameter)});
         report.document["parameters"].push_back(std::move(row));
     }
     report.text = table.render(Style::forStream(STDOUT_FILENO));

@@ -54,17 +54,35 @@ std::string toUtf8(const char* text) {
 std::string printable(std::string_view text) {
     constexpr char digits[] = "0123456789abcdef";
     std::string shown;
-    for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte >= 0x20 && byte != 0x7F) {
-            shown += c;
-            continue;
-        }
+    const auto escape = [&](unsigned char byte) {
         shown += "\\x";
         shown += digits[byte >> 4];
         shown += digits[byte & 0x0F];
+    };
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const unsigned char byte = byteAt(text, i);
+        // U+0080 to U+009F are control characters as well, and some terminals obey them.
+        const bool isUpperControl =
+            byte == 0xC2 && i + 1 < text.size() && (byteAt(text, i + 1) & 0xE0) == 0x80;
+        if (isUpperControl) {
+            escape(byte);
+            escape(byteAt(text, ++i));
+        } else if (byte < 0x20 || byte == 0x7F) {
+            escape(byte);
+        } else {
+            shown += text[i];
+        }
     }
     return shown;
+}
+
+std::string inQuotes(std::string_view text) {
+    std::string marked;
+    for (const char c : text) {
+        if (c == '"' || c == '\\') marked += '\\';
+        marked += c;
+    }
+    return '"' + printable(marked) + '"';
 }
 
 std::size_t displayWidth(std::string_view text) {

@@ -16,6 +16,9 @@ std::string toUtf8(const char* text);
 /** The text with control characters as \xNN, so that it cannot disturb a terminal. */
 std::string printable(std::string_view text);
 
+/** The text in double quotes, printable, with its own quotes and backslashes behind a backslash. */
+std::string inQuotes(std::string_view text);
+
 /** Number of characters of a UTF-8 text. */
 std::size_t displayWidth(std::string_view text);
 

@@ -4,6 +4,7 @@
 #include "appletctl/limits.h"
 #include "appletctl/text.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -23,8 +24,10 @@ template <typename T> constexpr FgParamTypes tagOf() {
     return FG_PARAM_DOUBLE;
 }
 
-/** A value of the native type of the parameter's kind. */
-Value emptyValue(const Parameter& parameter) {
+/** A value of the native type of the target's kind. */
+Value emptyValue(const Target& target) {
+    if (target.elements) return Elements(target.elements->count());
+    const Parameter& parameter = *target.parameter;
     switch (parameter.kind()) {
     case REGISTER_KIND_ENUM:
     case REGISTER_KIND_INT:
@@ -39,26 +42,39 @@ Value emptyValue(const Parameter& parameter) {
         return std::string{};
     case REGISTER_KIND_UINT_FIELD:
     case REGISTER_KIND_INT_FIELD:
-        return Elements{parameter.record->value.u32Field.elementCount};
     case REGISTER_KIND_UINT64_FIELD:
     case REGISTER_KIND_INT64_FIELD:
     case REGISTER_KIND_DOUBLE_FIELD:
-        return Elements{parameter.record->value.u64Field.elementCount};
+        return WholeArray{elementCount(parameter)};
     default:
         return std::uint32_t{};
     }
 }
 
-int readText(Instance& instance, const Parameter& parameter, std::string& text) {
+int readText(Instance& instance, int id, std::string& text) {
     const auto& applet = instance.applet();
     char* allocated = nullptr;
     const int error =
-        applet.Fg_getParameterWithType(instance.fg(), parameter.id, &allocated, 0, FG_PARAM_ALLOCATED_STRING);
+        applet.Fg_getParameterWithType(instance.fg(), id, &allocated, 0, FG_PARAM_ALLOCATED_STRING);
     if (error != FG_OK || allocated == nullptr) return error;
-    text = toUtf8(allocated);
-    applet.Fg_freeParameterStringWithType(instance.fg(), parameter.id, allocated, 0,
-                                          FG_PARAM_ALLOCATED_STRING);
+    text = allocated;
+    applet.Fg_freeParameterStringWithType(instance.fg(), id, allocated, 0, FG_PARAM_ALLOCATED_STRING);
     return FG_OK;
+}
+
+/** Hands `elements` to a typed access: one as its own record, several as a run. */
+template <typename Access> int accessElements(std::uint32_t first, Elements& elements, Access access) {
+    if (elements.size() == 1) {
+        FieldParameterInt_s element{.value = elements.front(), .index = first};
+        const int error = access(&element, FG_PARAM_FIELD_INT);
+        elements.front() = element.value;
+        return error;
+    }
+    FieldParameterAccess run{.vtype = FG_PARAM_UINT32,
+                             .index = first,
+                             .count = static_cast<std::uint32_t>(elements.size()),
+                             .values = elements.data()};
+    return access(&run, FG_PARAM_FIELD_ACCESS);
 }
 
 std::optional<std::int32_t> entryByName(const Parameter& parameter, const std::string& text) {
@@ -71,118 +87,115 @@ std::optional<std::int32_t> entryByName(const Parameter& parameter, const std::s
     return std::nullopt;
 }
 
-[[noreturn]] void refuseText(const Parameter& parameter, const std::string& text, const std::string& reason) {
-    throw UsageError(parameter.name + "=" + printable(text) + ": " + reason);
+[[noreturn]] void refuseText(const Target& target, const std::string& text, const std::string& reason) {
+    throw UsageError(target.name() + "=" + printable(text) + ": " + reason);
 }
 
-/** A whole number, decimal or 0x..., with or without sign, to the last character. */
-template <typename Integer> std::optional<Integer> wholeNumber(std::string_view text) {
-    const bool negative = text.starts_with('-');
-    if (negative || text.starts_with('+')) text.remove_prefix(1);
-    int base = 10;
-    if (text.starts_with("0x") || text.starts_with("0X")) {
-        base = 16;
-        text.remove_prefix(2);
-    }
-    std::uint64_t magnitude = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), magnitude, base);
-    if (error != std::errc{} || end != text.data() + text.size()) return std::nullopt;
-    using Limits = std::numeric_limits<Integer>;
-    if (!negative || magnitude == 0) {
-        if (magnitude > static_cast<std::uint64_t>(Limits::max())) return std::nullopt;
-        return static_cast<Integer>(magnitude);
-    }
-    if (std::is_unsigned_v<Integer> || magnitude > static_cast<std::uint64_t>(Limits::max()) + 1)
-        return std::nullopt;
-    return static_cast<Integer>(-static_cast<std::int64_t>(magnitude - 1) - 1);
-}
-
-template <typename Integer> Integer parseInteger(const Parameter& parameter, const std::string& text) {
+template <typename Integer> Integer parseInteger(const Target& target, const std::string& text) {
     if (const auto number = wholeNumber<Integer>(text)) return *number;
     using Limits = std::numeric_limits<Integer>;
-    refuseText(parameter, text,
+    refuseText(target, text,
                "'" + printable(text) + "' is not a whole number from " + numberText(Limits::min()) + " to " +
                    numberText(Limits::max()) + " (decimal or 0x...)");
 }
 
-double parseDouble(const Parameter& parameter, const std::string& text) {
+double parseDouble(const Target& target, const std::string& text) {
     std::string_view digits = text;
     if (digits.starts_with('+') && !digits.starts_with("+-")) digits.remove_prefix(1);
     double number = 0;
     const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
     if (error == std::errc{} && end == digits.data() + digits.size() && std::isfinite(number)) return number;
-    refuseText(parameter, text,
+    refuseText(target, text,
                "'" + printable(text) + "' is not a floating point number (such as 19.5 or 1e-3)");
 }
 
-std::int32_t parseEntry(const Parameter& parameter, const std::string& text) {
-    if (const auto value = entryByName(parameter, text)) return *value;
+std::int32_t parseEntry(const Target& target, const std::string& text) {
+    if (const auto value = entryByName(*target.parameter, text)) return *value;
     if (const auto number = wholeNumber<std::int32_t>(text)) return *number;
-    refuseText(parameter, text,
+    refuseText(target, text,
                "'" + printable(text) + "' is neither an entry nor a number; the entries are " +
-                   entriesText(parameter));
+                   entriesText(*target.parameter));
+}
+
+/** "5" where all elements hold 5; else the first ones and how many there are. */
+std::string elementsText(const Elements& elements) {
+    if (std::all_of(elements.begin(), elements.end(), [&](auto e) { return e == elements.front(); }))
+        return numberText(elements.front());
+    constexpr std::size_t shown = 8;
+    std::vector<std::string> texts;
+    for (std::size_t i = 0; i < std::min(shown, elements.size()); ++i)
+        texts.push_back(numberText(elements[i]));
+    if (elements.size() > shown) texts.push_back("... (" + numberText(elements.size()) + " elements)");
+    return join(texts, ", ");
 }
 
 } // namespace
 
-bool isArray(const Parameter& parameter) { return std::holds_alternative<Elements>(emptyValue(parameter)); }
-
-Reading readValue(Instance& instance, const Parameter& parameter) {
-    Reading reading{.value = emptyValue(parameter)};
+Reading readValue(Instance& instance, const Target& target) {
+    Reading reading{.value = emptyValue(target)};
+    const int id = target.parameter->id;
+    const auto get = [&](void* place, FgParamTypes tag) {
+        return instance.applet().Fg_getParameterWithType(instance.fg(), id, place, 0, tag);
+    };
     std::visit(
         [&](auto& value) {
             using T = std::decay_t<decltype(value)>;
-            if constexpr (isNumber<T>) {
-                reading.error = instance.applet().Fg_getParameterWithType(instance.fg(), parameter.id, &value,
-                                                                          0, tagOf<T>());
-            } else if constexpr (std::is_same_v<T, std::string>) {
-                reading.error = readText(instance, parameter, value);
-            }
+            if constexpr (isNumber<T>) reading.error = get(&value, tagOf<T>());
+            if constexpr (std::is_same_v<T, std::string>) reading.error = readText(instance, id, value);
+            if constexpr (std::is_same_v<T, Elements>)
+                reading.error = accessElements(target.elements->first, value, get);
         },
         reading.value);
     return reading;
 }
 
-int writeValue(Instance& instance, const Parameter& parameter, const Value& value) {
+int writeValue(Instance& instance, const Target& target, const Value& value) {
+    const auto set = [&](const void* place, FgParamTypes tag) {
+        return instance.applet().Fg_setParameterWithType(instance.fg(), target.parameter->id, place, 0, tag);
+    };
     return std::visit(
-        [&](const auto& native) {
+        [&](auto native) { // a copy: the record of a run has no constant pointer
             using T = std::decay_t<decltype(native)>;
-            const auto set = [&](const void* place, FgParamTypes tag) {
-                return instance.applet().Fg_setParameterWithType(instance.fg(), parameter.id, place, 0, tag);
-            };
             if constexpr (isNumber<T>) return set(&native, tagOf<T>());
             if constexpr (std::is_same_v<T, std::string>) return set(native.c_str(), FG_PARAM_TEXT);
-            return static_cast<int>(FG_ERR_NOT_SUPPORTED); // arrays: parseValue gives none
+            if constexpr (std::is_same_v<T, Elements>)
+                return accessElements(target.elements->first, native, set);
+            return static_cast<int>(FG_ERR_NOT_SUPPORTED); // a whole array: parseValue gives none
         },
         value);
 }
 
-Value parseValue(const Parameter& parameter, const std::string& text) {
-    if (parameter.kind() == REGISTER_KIND_ENUM) return parseEntry(parameter, text);
+Value parseValue(const Target& target, const std::string& text) {
+    if (target.parameter->kind() == REGISTER_KIND_ENUM) return parseEntry(target, text);
     return std::visit(
         [&](const auto& native) -> Value {
             using T = std::decay_t<decltype(native)>;
-            if constexpr (std::is_same_v<T, Elements>) {
-                refuseText(parameter, text,
+            if constexpr (std::is_same_v<T, WholeArray>) {
+                const std::string& name = target.parameter->name;
+                refuseText(target, text,
                            "the parameter is an array of " + numberText(native.count) +
-                               " elements, and arrays cannot be set here");
+                               " elements: name the elements to set, as " + name + "[100]=5 or " + name +
+                               "[0..255]=5");
+            } else if constexpr (std::is_same_v<T, Elements>) {
+                return Elements(native.size(), parseInteger<std::uint32_t>(target, text));
             } else if constexpr (std::is_same_v<T, std::string>) {
                 return text;
             } else if constexpr (std::is_same_v<T, double>) {
-                return parseDouble(parameter, text);
+                return parseDouble(target, text);
             } else {
-                return parseInteger<T>(parameter, text);
+                return parseInteger<T>(target, text);
             }
         },
-        emptyValue(parameter));
+        emptyValue(target));
 }
 
 std::string valueText(const Parameter& parameter, const Value& value) {
     return std::visit(
         [&](const auto& native) -> std::string {
             using T = std::decay_t<decltype(native)>;
-            if constexpr (std::is_same_v<T, Elements>) return numberText(native.count) + " elements";
-            if constexpr (std::is_same_v<T, std::string>) return "\"" + printable(native) + "\"";
+            if constexpr (std::is_same_v<T, WholeArray>) return numberText(native.count) + " elements";
+            if constexpr (std::is_same_v<T, Elements>) return elementsText(native);
+            if constexpr (std::is_same_v<T, std::string>) return inQuotes(toUtf8(native.c_str()));
             if constexpr (isNumber<T>) {
                 for (const Entry& entry : entriesOf(parameter))
                     if (static_cast<T>(entry.value) == native) return entryName(entry);
@@ -197,33 +210,36 @@ std::string valueWithUnit(const Parameter& parameter, const Value& value) {
     const auto* number = std::get_if<std::int32_t>(&value);
     if (number != nullptr && text != numberText(*number)) text += " (" + numberText(*number) + ")";
     const std::string unit = parameter.unit();
-    return unit.empty() || isArray(parameter) ? text : text + " " + unit;
+    return unit.empty() || std::holds_alternative<WholeArray>(value) ? text : text + " " + unit;
 }
 
-void addValue(nlohmann::ordered_json& object, const Parameter& parameter, const Value& value) {
+void addValue(nlohmann::ordered_json& object, const Target& target, const Value& value) {
     std::visit(
         [&](const auto& native) {
             using T = std::decay_t<decltype(native)>;
-            if constexpr (std::is_same_v<T, Elements>) {
+            if constexpr (std::is_same_v<T, WholeArray>) {
                 object["elements"] = native.count;
+            } else if constexpr (std::is_same_v<T, Elements>) {
+                const bool isOne = native.size() == 1;
+                object[isOne ? "index" : "first"] = target.elements->first;
+                if (isOne)
+                    object["value"] = native.front();
+                else
+                    object["values"] = native;
+            } else if constexpr (std::is_same_v<T, std::string>) {
+                object["value"] = toUtf8(native.c_str());
             } else {
                 object["value"] = native;
             }
         },
         value);
-    if (parameter.kind() != REGISTER_KIND_ENUM) return;
-    for (const Entry& entry : entriesOf(parameter)) {
+    if (target.parameter->kind() != REGISTER_KIND_ENUM) return;
+    for (const Entry& entry : entriesOf(*target.parameter)) {
         if (entry.value != std::get<std::int32_t>(value)) continue;
         object["symbol"] = entry.symbol;
         object["label"] = entry.label;
         return;
     }
-}
-
-std::string numberText(double number) {
-    char text[32];
-    const auto [end, error] = std::to_chars(text, text + sizeof text, number);
-    return error == std::errc{} ? std::string(text, end) : "?";
 }
 
 } // namespace appletctl

@@ -3,7 +3,8 @@
 #define APPLETCTL_VALUES_H
 
 #include "appletctl/Instance.h"
-#include "appletctl/ParameterList.h"
+#include "appletctl/Target.h"
+#include "appletctl/numbers.h"
 
 #include <nlohmann/json.hpp>
 
@@ -11,47 +12,47 @@
 #include <string>
 #include <string_view>
 #include <variant>
+#include <vector>
 
 namespace appletctl {
 
-/** The elements of an array parameter, which are counted and not read. */
-struct Elements {
-    std::int32_t count;
+/** An array parameter as a whole: its elements are counted and not read. */
+struct WholeArray {
+    std::uint32_t count;
 };
 
-using Value =
-    std::variant<std::uint32_t, std::int32_t, std::uint64_t, std::int64_t, double, std::string, Elements>;
+/** Elements of an array parameter. */
+using Elements = std::vector<std::uint32_t>;
+
+/** Texts are held in the bytes of the applet or of the command line, which may be ISO 8859-1. */
+using Value = std::variant<std::uint32_t, std::int32_t, std::uint64_t, std::int64_t, double, std::string,
+                           WholeArray, Elements>;
 
 struct Reading {
     int error = 0;
     Value value;
 };
 
-/** True for the array kinds of RegisterInfo. */
-bool isArray(const Parameter& parameter);
-
-Reading readValue(Instance& instance, const Parameter& parameter);
+Reading readValue(Instance& instance, const Target& target);
 
 /** Returns the applet's code. */
-int writeValue(Instance& instance, const Parameter& parameter, const Value& value);
+int writeValue(Instance& instance, const Target& target, const Value& value);
 
 /** Reads a value that a user typed: numbers decimal or 0x..., for enumerations also the symbolic name or the
- *  label. Throws UsageError for what the parameter's kind cannot hold; its limits are the applet's matter. */
-Value parseValue(const Parameter& parameter, const std::string& text);
+ *  label, for elements the number that all of them get. Throws UsageError for what the parameter's kind
+ *  cannot hold; its limits are the applet's matter. */
+Value parseValue(const Target& target, const std::string& text);
 
 /** Enumerations by symbolic name, texts in double quotes, floating point by the shortest form that reads back
- *  the same. */
+ *  the same, elements by their number if all hold the same. */
 std::string valueText(const Parameter& parameter, const Value& value);
 
 /** As valueText, an enumeration with its number: "RGB8 (1025)", then the unit. */
 std::string valueWithUnit(const Parameter& parameter, const Value& value);
 
-/** Adds "value" and, for enumerations, "symbol" and "label"; for arrays "elements". */
-void addValue(nlohmann::ordered_json& object, const Parameter& parameter, const Value& value);
-
-/** A number in its shortest form that reads back the same. */
-std::string numberText(double number);
-template <typename Integer> std::string numberText(Integer number) { return std::to_string(number); }
+/** Adds "value" and, for enumerations, "symbol" and "label"; for a whole array "elements", their number; for
+ *  one element "index" and "value", for several "first" and "values". */
+void addValue(nlohmann::ordered_json& object, const Target& target, const Value& value);
 
 } // namespace appletctl
 
