@@ -253,6 +253,10 @@ TEST(Appletctl, CallsWrongUsageByName) {
         {{"get", "FG_LUT_VALUE_RED[1,2]"}, "the elements are named as [100], [100..110]"},
         {{"get", "FG_LUT_VALUE_RED[1"}, "lacks the ']'"},
         {{"get", "FG_WIDTH[0]"}, "FG_WIDTH[0]: the parameter is no array"},
+        {{"load"}, "did you mean 'lut load'?"},
+        {{"lut", "show", "--color", "pink"}, "pink not in"},
+        {{"lut", "save", ""}, "the name of the file is empty"},
+        {{"lut", "plot", "table.lut"}, "does not end in .svg"},
         // The last of several is wrong: the first is not carried out.
         {{"trace", "set", "FG_WIDTH=4", "FG_HEIGHT=x"}, "'x' is not a whole number"},
     };
@@ -298,6 +302,109 @@ TEST(AppletctlTrace, ShowsTheWritesOfEachAssignmentInOrder) {
                                "XLength u32 2048\n" + buffer + "XOffset u32 0\n");
     EXPECT_EQ(document(arguments)["assignments"][0]["writes"].size(), 7u);
     EXPECT_EQ(document(arguments)["assignments"][1]["writes"], json::array());
+}
+
+class AppletctlLut : public testing::Test {
+protected:
+    void SetUp() override { std::filesystem::create_directory(folder); }
+    void TearDown() override { std::filesystem::remove_all(folder); }
+
+    /** A file whose first entries are these values for red, twice that for green, ten times for blue. */
+    std::string fileWith(const std::vector<int>& entries) const {
+        std::ofstream stream(folder / "in.lut");
+        const std::pair<const char*, int> sections[] = {{"[red]", 1}, {"[green]", 2}, {"[blue]", 10}};
+        for (const auto& [name, factor] : sections) {
+            stream << name << "\nid=0;\nnrOfElements=" << entries.size() << ";\n";
+            for (std::size_t i = 0; i < entries.size(); ++i)
+                stream << i << ',' << factor * entries[i] << ";\n";
+        }
+        return folder / "in.lut";
+    }
+
+    const std::filesystem::path folder =
+        std::filesystem::temp_directory_path() / ("appletctl_lut_" + std::to_string(getpid()));
+};
+
+TEST_F(AppletctlLut, TellsWhatTheTablesAreLike) {
+    const json plain = document({"lut", "show"})["lut"];
+    EXPECT_EQ(plain["equal"], true);
+    EXPECT_EQ(plain["colours"][0],
+              json::parse(R"({"colour": "red", "minimum": 0, "maximum": 65535, "distinct": 16384,
+                  "course": "rising", "clippedAtStart": null, "clippedAtEnd": null, "board": "same"})"));
+    const json steep = document({"lut", "show", "FG_PROCESSING_GAIN=2", "FG_PROCESSING_OFFSET=-0.25"});
+    // 2 * (i / 16383 - 1/4) * 65535 rounds to 0 up to i = 4095, and reaches 65535 at three quarters.
+    EXPECT_EQ(steep["lut"]["colours"][1]["clippedAtStart"],
+              json({{"first", 0}, {"last", 4095}, {"value", 0}}));
+    EXPECT_EQ(steep["lut"]["colours"][1]["clippedAtEnd"],
+              json({{"first", 12288}, {"last", 16383}, {"value", 65535}}));
+    EXPECT_EQ(steep["settings"]["FG_PROCESSING_GAIN"], 2);
+    const json edited =
+        document({"lut", "show", "FG_LUT_VALUE_GREEN[5000]=0", "FG_LUT_VALUE_BLUE[..]=9"})["lut"]["colours"];
+    EXPECT_EQ(edited[1]["course"], "turns at entry 4999");
+    EXPECT_EQ(std::tuple(edited[2]["course"], edited[2]["distinct"]), std::tuple("constant", 1));
+}
+
+TEST_F(AppletctlLut, LoadsAndSaysWhatTheBoardReceives) {
+    const json told = document({"lut", "load", fileWith({7, 3, 5, 6})});
+    EXPECT_EQ(told["settings"]["FG_LUT_TYPE"], "LUT_TYPE_CUSTOM");
+    EXPECT_EQ(told["changed"], true);
+    EXPECT_EQ(told["lut"]["colours"][0]["course"], "turns at entry 1");
+    for (const std::size_t colour : {0u, 1u, 2u})
+        EXPECT_EQ(told["lut"]["colours"][colour]["board"], colour == 2 ? "same" : "table of blue");
+    EXPECT_TRUE(contains(run({"lut", "load", fileWith({1})}).out,
+                         "The board receives the table of blue for all three colours"));
+    EXPECT_TRUE(contains(run({"lut", "load", fileWith({})}).out, "changed no entry"));
+}
+
+TEST_F(AppletctlLut, LeavesAllAsItWasWhenAFileIsMissing) {
+    const std::string before = fileWith({7, 3});
+    for (const Words& type : {Words{}, Words{"FG_LUT_TYPE=LUT_TYPE_CUSTOM"}}) {
+        Words arguments{"lut", "load", folder / "none.lut", "FG_LUT_CUSTOM_FILE=" + before,
+                        "FG_LUT_VALUE_RED[9]=1"};
+        arguments.insert(arguments.begin() + 4, type.begin(), type.end());
+        EXPECT_EQ(run(arguments).exitCode, 1);
+        EXPECT_TRUE(
+            contains(run(arguments).err, "none.lut\" was not loaded, and nothing was changed: -2076"));
+        const json told = document(arguments);
+        EXPECT_EQ(told["settings"]["FG_LUT_TYPE"], type.empty() ? "LUT_TYPE_PROCESSING" : "LUT_TYPE_CUSTOM");
+        EXPECT_EQ(told["settings"]["FG_LUT_CUSTOM_FILE"], before);
+        EXPECT_EQ(told["changed"], false);
+    }
+}
+
+TEST_F(AppletctlLut, SavesWhatItLoadsAgain) {
+    const std::string file = folder / "out.lut";
+    const json saved = document({"lut", "save", file, "FG_PROCESSING_GAMMA=0.4", "FG_LUT_VALUE_BLUE[8]=77"});
+    const json loaded = document({"lut", "load", file});
+    ASSERT_EQ(saved["done"], true);
+    for (json colour : saved["lut"]["colours"]) {
+        json again = loaded["lut"]["colours"][colour["colour"] == "red"     ? 0
+                                              : colour["colour"] == "green" ? 1
+                                                                            : 2];
+        colour.erase("board");
+        again.erase("board");
+        EXPECT_EQ(colour, again);
+    }
+    EXPECT_TRUE(contains(run({"lut", "save", folder / "no" / "x.lut"}).err, "-5001, "));
+    // The applet notices nothing here: every write to this device fails.
+    EXPECT_TRUE(contains(run({"lut", "save", "/dev/full"}).err, "does not read back as the same tables"));
+}
+
+TEST_F(AppletctlLut, DrawsCurves) {
+    const std::string piped = run({"lut", "show"}, {"LC_ALL=C.UTF-8", "TERM=xterm"}).out;
+    EXPECT_TRUE(contains(piped, "\nred, green and blue\n  65535 |")) << piped;
+    EXPECT_TRUE(contains(piped, "\n      0 |**")) << piped;
+    EXPECT_FALSE(contains(run({"lut", "show", "--color", "blue", "FG_LUT_VALUE_BLUE[0]=1"}).out, "\nred\n"));
+    const std::string table = folder / "a<&b.lut";
+    const std::string file = folder / "curves.svg";
+    ASSERT_EQ(run({"lut", "save", table, "FG_LUT_VALUE_RED[..]=65535"}).exitCode, 0);
+    const Words custom{"FG_LUT_CUSTOM_FILE=" + table, "FG_LUT_TYPE=LUT_TYPE_CUSTOM"};
+    ASSERT_EQ(run({"lut", "plot", file, custom[0], custom[1]}).exitCode, 0);
+    std::ifstream stream(file);
+    const std::string svg{std::istreambuf_iterator<char>(stream), {}};
+    EXPECT_TRUE(contains(svg, "a&lt;&amp;b.lut")) << svg.substr(0, 1000);
+    EXPECT_TRUE(contains(svg, "points=\"80,70 81,70 ")) << "red runs along the top";
+    EXPECT_EQ(run({"lut", "plot", folder / "no" / "x.svg"}).exitCode, 1);
 }
 
 TEST(AppletctlDescribe, TellsAllOfAParameter) {
@@ -375,6 +482,9 @@ TEST(Appletctl, ColoursOnlyATerminalAndNeverWithNoColor) {
     if (terminal < 0) GTEST_SKIP() << "this machine gives no pseudo-terminal";
     close(terminal);
     const char* escape = "\033[";
+    const Words show{"lut", "show"};
+    EXPECT_TRUE(contains(onTerminal(show, {"TERM=xterm", "LC_ALL=C.UTF-8"}), "└─"));
+    EXPECT_TRUE(contains(onTerminal(show, {"TERM=xterm", "LC_ALL=C"}), "+--"));
     for (const Words& call : {Words{"list", "FG_WIDTH"}, Words{"get", "nothing"}}) {
         EXPECT_TRUE(contains(onTerminal(call, {"TERM=xterm", "NO_COLOR"}), escape));
         EXPECT_FALSE(contains(onTerminal(call, {"TERM=xterm", "NO_COLOR=1"}), escape));

@@ -1,4 +1,4 @@
-/** What the command line says about every command. */
+/** What the command line says besides the words of a command. */
 #ifndef APPLETCTL_OPTIONS_H
 #define APPLETCTL_OPTIONS_H
 
@@ -10,6 +10,7 @@ struct Options {
     std::string applet; /**< --applet: library to load instead of the one beside the program */
     bool offline = false;
     bool json = false;
+    std::string lutColour = "all"; /**< --color of "lut show": red, green, blue or all */
 };
 
 } // namespace appletctl

@@ -20,6 +20,12 @@ Report traceSet(const Options& options, const Words& assignments);
 Report describeParameters(const Options& options, const Words& names);
 Report showInfo(const Options& options, const Words& none);
 
+/* Of the lookup table. The assignments are carried out first. */
+Report showLut(const Options& options, const Words& assignments);
+Report saveLut(const Options& options, const Words& fileAndAssignments);
+Report loadLut(const Options& options, const Words& fileAndAssignments);
+Report plotLut(const Options& options, const Words& fileAndAssignments);
+
 } // namespace appletctl
 
 #endif

@@ -13,15 +13,30 @@ namespace {
 
 using namespace appletctl;
 
+/** A command below which others stand. */
+struct Parent {
+    const char* name;
+    const char* help;
+};
+
+constexpr Parent traceParent = {"trace", "Show what a command does to the design"};
+constexpr Parent lutParent = {"lut", "Show, draw, save and load the lookup table"};
+
 struct Command {
-    const char* parent; // command that it stands below, or null
+    const Parent* parent; // null at the top
     const char* name;
     const char* help;
     const char* argument; // what its words are, or null if it takes none
     const char* argumentHelp;
     int fewest, most; // number of words; most -1: as many as there are
     Report (*run)(const Options&, const Words&);
+    void (*addOptions)(CLI::App& command, Options& options) = nullptr; // its own ones
 };
+
+void addLutColour(CLI::App& command, Options& options) {
+    command.add_option("--color", options.lutColour, "Colour to draw: red, green, blue or all")
+        ->check(CLI::IsMember({"red", "green", "blue", "all"}));
+}
 
 constexpr Command commands[] = {
     {nullptr, "list", "Show parameters as a table: name, value, unit, access, limits or entries", "PATTERN",
@@ -33,8 +48,16 @@ constexpr Command commands[] = {
     {nullptr, "describe", "Show all that is known of parameters", "NAME", "Parameters", 1, -1,
      describeParameters},
     {nullptr, "info", "Show what the applet says of itself", nullptr, nullptr, 0, 0, showInfo},
-    {"trace", "set", "Set parameters and show what reached the design, in order", "NAME=VALUE",
+    {&traceParent, "set", "Set parameters and show what reached the design, in order", "NAME=VALUE",
      "As for the command set", 1, -1, traceSet},
+    {&lutParent, "show", "Show what the tables are like, and a curve", "NAME=VALUE",
+     "Assignments to carry out before", 0, -1, showLut, addLutColour},
+    {&lutParent, "plot", "Draw the curves of all colours as SVG", "FILE",
+     "File to write, .svg, then assignments to carry out before", 1, -1, plotLut},
+    {&lutParent, "save", "Save the tables to a .lut file", "FILE",
+     "File to write, then assignments to carry out before", 1, -1, saveLut},
+    {&lutParent, "load", "Load the tables from a .lut file", "FILE",
+     "File to read, then assignments to carry out before", 1, -1, loadLut},
 };
 
 constexpr const char* notes =
@@ -46,16 +69,20 @@ constexpr const char* notes =
 struct Request {
     Options options;
     const Command* command = nullptr;
-    std::string name; // "trace set"
     Words words;
 };
 
+/** "trace set". */
+std::string fullName(const Command& command) {
+    return (command.parent != nullptr ? std::string(command.parent->name) + " " : "") + command.name;
+}
+
 /** The command below which others stand; made when it is first asked for. */
-CLI::App* parentCommand(CLI::App& program, const char* name) {
-    if (name == nullptr) return &program;
+CLI::App* parentCommand(CLI::App& program, const Parent* parent) {
+    if (parent == nullptr) return &program;
     for (CLI::App* command : program.get_subcommands(nullptr))
-        if (command->get_name() == name) return command;
-    return program.add_subcommand(name, "Show what a command does to the design")->require_subcommand(0, 1);
+        if (command->get_name() == parent->name) return command;
+    return program.add_subcommand(parent->name, parent->help)->require_subcommand(0, 1);
 }
 
 void addCommand(CLI::App& program, const Command& command, Request& request) {
@@ -67,10 +94,8 @@ void addCommand(CLI::App& program, const Command& command, Request& request) {
                         command.most < 0 ? CLI::detail::expected_max_vector_size : command.most);
         words->required(command.fewest > 0);
     }
-    added->callback([&request, &command] {
-        request.command = &command;
-        request.name = (command.parent != nullptr ? std::string(command.parent) + " " : "") + command.name;
-    });
+    if (command.addOptions != nullptr) command.addOptions(*added, request.options);
+    added->callback([&request, &command] { request.command = &command; });
 }
 
 /** The report of the command; all failures as reports too. */
@@ -86,9 +111,10 @@ Report run(const Request& request) {
 
 /** The command that the user may have meant; empty if none is near. */
 std::string didYouMean(const std::string& word) {
-    for (const Command& command : commands)
-        if (editDistance(word, command.name) <= 2)
-            return std::string("; did you mean '") + command.name + "'?";
+    for (const std::size_t distance : {0u, 1u, 2u})
+        for (const Command& command : commands)
+            if (editDistance(word, command.name) == distance)
+                return "; did you mean '" + fullName(command) + "'?";
     return "; 'appletctl --help' lists the commands";
 }
 
@@ -127,5 +153,5 @@ int main(int argc, char** argv) {
             std::any_of(argv + 1, argv + argc, [](std::string_view word) { return word == "--json"; });
         return endParsing(program, error, json);
     }
-    return print(run(request), request.name, request.options.json);
+    return print(run(request), fullName(*request.command), request.options.json);
 }

@@ -2,6 +2,8 @@
 
 #include "appletctl/text.h"
 
+#include <langinfo.h>
+#include <locale.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -11,13 +13,31 @@
 
 namespace appletctl {
 
-Style Style::forStream(int fileDescriptor) {
+namespace {
+
+bool isCapableTerminal(int fileDescriptor) {
     const char* terminal = std::getenv("TERM");
     const bool dumb = terminal == nullptr || std::string_view(terminal) == "dumb";
+    return isatty(fileDescriptor) == 1 && !dumb;
+}
+
+bool isUtf8Locale() {
+    const locale_t user = newlocale(LC_CTYPE_MASK, "", nullptr);
+    if (user == nullptr) return false;
+    const bool isUtf8 = std::string_view(nl_langinfo_l(CODESET, user)) == "UTF-8";
+    freelocale(user);
+    return isUtf8;
+}
+
+} // namespace
+
+Style Style::forStream(int fileDescriptor) {
     Style style;
-    style.m_colour = isatty(fileDescriptor) == 1 && !dumb && std::getenv("NO_COLOR") == nullptr;
+    style.m_colour = isCapableTerminal(fileDescriptor) && std::getenv("NO_COLOR") == nullptr;
     return style;
 }
+
+bool canDrawUnicode(int fileDescriptor) { return isCapableTerminal(fileDescriptor) && isUtf8Locale(); }
 
 std::string Style::painted(const char* attributes, const std::string& text) const {
     if (!m_colour) return text;

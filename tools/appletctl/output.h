@@ -27,6 +27,9 @@ private:
     bool m_colour = false;
 };
 
+/** True when box drawing and braille characters can be shown: on a terminal of a UTF-8 locale. */
+bool canDrawUnicode(int fileDescriptor);
+
 /** Lines of cells in columns that are as wide as their widest cell, with headings in between. */
 class Table {
 public:
