@@ -182,10 +182,6 @@ int FgLoomWrapper::Fg_getLastErrorNumberLoom() {
 
 // Configuration files and the XML document are not built yet.
 
-int FgLoomWrapper::Fg_saveConfig(Fg_Struct*, const char*) { return fgError().setErr(FG_ERR_NOT_SUPPORTED); }
-
-int FgLoomWrapper::Fg_loadConfig(Fg_Struct*, const char*) { return fgError().setErr(FG_ERR_NOT_SUPPORTED); }
-
 int FgLoomWrapper::Fg_getParameterInfoXML(Fg_Struct*, int, char*, unsigned long*) {
     return fgError().setErr(FG_ERR_NOT_SUPPORTED);
 }

@@ -19,14 +19,6 @@
 #include <unordered_set>
 #include <vector>
 
-/** The type tag under which the design takes a number of type T. */
-template <typename T> extern const FgParamTypes tagOf;
-template <> inline constexpr FgParamTypes tagOf<std::int32_t> = FG_PARAM_INT32;
-template <> inline constexpr FgParamTypes tagOf<std::uint32_t> = FG_PARAM_UINT32;
-template <> inline constexpr FgParamTypes tagOf<std::int64_t> = FG_PARAM_INT64;
-template <> inline constexpr FgParamTypes tagOf<std::uint64_t> = FG_PARAM_UINT64;
-template <> inline constexpr FgParamTypes tagOf<double> = FG_PARAM_DOUBLE;
-
 /**
  * A setter is named after its parameter. `m_lock` is held for the whole of a routed set or get and
  * nowhere else; setters call each other directly, never through the routing. A failure is a thrown `int`.
@@ -38,7 +30,7 @@ public:
     /** `offline` makes an object without board and runtime and brings it up at once. */
     FgLoomWrapperImpl(int ports, bool offline);
 
-    // ---- Overrides: entry/routing.cpp, entry/identity.cpp, entry/bring_up.cpp
+    // ---- Overrides: entry/routing.cpp, entry/identity.cpp, entry/bring_up.cpp, entry/configuration.cpp
 
     vexo::tools::logging::Logger* logger() override;
     int loadParameters(Fg_ConfigFileParser* parser) override;
@@ -86,6 +78,7 @@ private:
     [[noreturn]] void refuseUnknown(const char* verb, int id);
     std::uint32_t numberOfProcesses();
     bool isDirectRegister(int id) const;
+    void read(const SdkParameter& parameter, void* value, int dma, FgParamTypes type);
     /** Gives a text to a caller: into his buffer, or as a new string that this object owns. */
     void giveText(std::string_view text, void* value, FgParamTypes type);
     void readDescription(void* value, FgParamTypes type);
@@ -129,6 +122,11 @@ private:
     std::map<std::string, int> m_directParameterIdByName;          // "DLOOMA_" names
     std::map<int, std::string> m_directNameByIndex;                // both, behind the public parameters
     std::array<RegisterInfo*, publicParameters> m_registerInfos{};
+
+    // ---- Configuration files: entry/configuration.cpp
+
+    void saveParameter(Fg_ConfigFileParser& parser, const SdkParameter& parameter);
+    template <typename T> T valueFor(const SdkParameter& parameter);
 
     // ---- Events: trigger/events.cpp
 
@@ -207,8 +205,7 @@ private:
     // ---- Camera simulator: image/camera_simulator.cpp
 
     std::uint32_t m_simEnable = FG_CAMPORT;
-    std::uint32_t m_simWidth = 1024;  // pixels, like the three below as requested
-    std::uint32_t m_simLineGap = 0;   // pixels
+    std::uint32_t m_simLineGap = 0;   // pixels, like the two below as requested
     std::uint32_t m_simHeight = 1024; // lines
     std::uint32_t m_simFrameGap = 0;  // lines
     std::uint32_t m_simPattern = FG_DIAGONAL;
@@ -309,12 +306,9 @@ private:
     };
     std::vector<DebugEntry> m_debugEntries;
     std::uint32_t m_debugSource = 0;
-    std::uint32_t m_debugInEnable = FG_OFF;
-    std::string m_debugFile;
     std::uint32_t m_debugInsert = FG_APPLY;
     std::uint64_t m_debugWritePixel = 0;
     std::uint32_t m_debugWriteFlag = FG_ENDOFLINE;
-    std::uint32_t m_debugOutEnable = FG_OFF;
     std::string m_debugSaveConfig;
 
     std::string readText(const std::string& name);
@@ -465,8 +459,8 @@ private:
     // ---- Setters of the parameters: set_FG_X, which throw what they refuse. A get answers from the source
     // that the parameter's row names.
 
-#define SETTABLE(parameter, kind, source, start) void set_##parameter(kinds::kind::Value value);
-#define READ_ONLY(parameter, kind, source)
+#define SETTABLE(parameter, kind, source, start, file) void set_##parameter(kinds::kind::Value value);
+#define READ_ONLY(parameter, kind, source, file)
 #include "catalogue/sdk_parameters.def"
 #undef SETTABLE
 #undef READ_ONLY

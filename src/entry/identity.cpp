@@ -65,12 +65,6 @@ const char* FgLoomWrapperImpl::appletVersionName() { return "4.0"; }
 
 int FgLoomWrapperImpl::loadAppletId() { return 0; }
 
-// Configuration files are not built yet: nothing is taken from one, nothing is put into one.
-
-int FgLoomWrapperImpl::loadParameters(Fg_ConfigFileParser*) { return 0; }
-
-void FgLoomWrapperImpl::saveParameters(Fg_ConfigFileParser*) {}
-
 // For applets with several DMA channels; this one has nothing to map.
 
 int FgLoomWrapperImpl::processChannelToDma(int, int) {

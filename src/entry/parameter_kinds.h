@@ -17,6 +17,14 @@
 #include <string>
 #include <type_traits>
 
+/** The type tag of a number of type T. */
+template <typename T> extern const FgParamTypes tagOf;
+template <> inline constexpr FgParamTypes tagOf<std::int32_t> = FG_PARAM_INT32;
+template <> inline constexpr FgParamTypes tagOf<std::uint32_t> = FG_PARAM_UINT32;
+template <> inline constexpr FgParamTypes tagOf<std::int64_t> = FG_PARAM_INT64;
+template <> inline constexpr FgParamTypes tagOf<std::uint64_t> = FG_PARAM_UINT64;
+template <> inline constexpr FgParamTypes tagOf<double> = FG_PARAM_DOUBLE;
+
 class FgLoomWrapperImpl;
 struct SdkParameter;
 
@@ -71,6 +79,7 @@ template <typename Value, typename Setter, typename Start> constexpr StartFuncti
  */
 template <typename T> struct Number {
     using Value = T;
+    static constexpr FgParamTypes type = tagOf<T>;
 
     template <typename Setter> static constexpr SetFunction* setter(Setter) {
         return [](FgLoomWrapperImpl& wrapper, const void* value, FgParamTypes) {
@@ -115,6 +124,7 @@ using Double = Number<double>;
 /** A text: on a set, the value pointer itself is the text. */
 struct Text {
     using Value = const char*;
+    static constexpr FgParamTypes type = FG_PARAM_TEXT;
 
     template <typename Setter> static constexpr SetFunction* setter(Setter) {
         return [](FgLoomWrapperImpl& wrapper, const void* value, FgParamTypes) {
@@ -134,6 +144,7 @@ struct Text {
 /** An array of words: the tag tells whether one element or a run of them is accessed. */
 struct Field {
     using Value = FieldRecord;
+    static constexpr FgParamTypes type = FG_PARAM_FIELD_INT;
 
     template <typename Setter> static constexpr SetFunction* setter(Setter) {
         return [](FgLoomWrapperImpl& wrapper, const void* value, FgParamTypes type) {
@@ -152,17 +163,10 @@ struct Field {
 
 /** The runtime has the value: reads go straight to it. */
 struct Runtime {
+    static constexpr FgParamTypes type = FG_PARAM_UINT32;
     template <auto> static constexpr Reading reading() { return {.function = readRuntime}; }
     static void readRuntime(FgLoomWrapperImpl& wrapper, const SdkParameter& parameter, void* value, int dma,
                             FgParamTypes type);
-};
-
-/** The subject is not built yet. */
-struct NotYet {
-    using Value = NotYet;
-    static constexpr SetFunction* setter(auto) { return nullptr; }
-    template <auto> static constexpr Reading reading() { return {}; }
-    static constexpr StartFunction* starter(auto, auto) { return nullptr; }
 };
 
 } // namespace kinds

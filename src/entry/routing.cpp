@@ -51,8 +51,7 @@ inline void FgLoomWrapperImpl::setParameter(int id, const void* value, int dma, 
     if (id == FG_PARAM_DESCR) refuseWriteTo("FG_PARAM_DESCR");
     const SdkParameter* parameter = findParameter(id);
     if (parameter == nullptr) refuseUnknown("set", id);
-    if (parameter->readOnly) refuseWriteTo(parameter->name);
-    if (parameter->set == nullptr) refuseUnknown("set", id);
+    if (parameter->set == nullptr) refuseWriteTo(parameter->name);
     parameter->set(*this, value, type);
 }
 
@@ -62,12 +61,7 @@ inline void FgLoomWrapperImpl::getParameter(int id, void* value, int dma, FgPara
     if (id == FG_PARAM_DESCR) return readDescription(value, type);
     const SdkParameter* parameter = findParameter(id);
     if (parameter == nullptr) refuseUnknown("get", id);
-    const Reading& reading = parameter->reading;
-    if (reading.word != nullptr) return Place<std::uint32_t>(value).store(this->*reading.word);
-    if (reading.number != nullptr) return Place<double>(value).store(this->*reading.number);
-    if (reading.text != nullptr) return giveText(reading.text(*this), value, type);
-    if (reading.function == nullptr) refuseUnknown("get", id);
-    reading.function(*this, *parameter, value, dma, type);
+    read(*parameter, value, dma, type);
 }
 
 int FgLoomWrapperImpl::Fg_setParameterWithType(int id, const void* value, int dma, FgParamTypes type) {

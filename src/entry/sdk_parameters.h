@@ -3,6 +3,7 @@
 #define ENTRY_SDK_PARAMETERS_H
 
 #include "entry/FgLoomWrapperImpl.h"
+#include "entry/configuration_roles.h"
 #include "entry/parameter_kinds.h"
 #include "support/PerfectIndex.h"
 
@@ -14,36 +15,38 @@
 struct SdkParameter {
     const char* name;
     int id;
-    bool readOnly;
-    SetFunction* set;     // null: read-only, or cannot be set yet
-    Reading reading;      // empty: cannot be read yet
+    FgParamTypes type; // of a number or a text
+    SetFunction* set;  // null: read-only
+    Reading reading;
     StartFunction* start; // null: not set by the start-up sequence
+    FileRole file;
 };
 
 template <typename Kind, auto source, typename Setter, typename Start>
-constexpr SdkParameter settableRow(const char* name, int id, Setter setter, Start start) {
+constexpr SdkParameter settableRow(const char* name, int id, Setter setter, Start start, FileRole file) {
     return {name,
             id,
-            false,
+            Kind::type,
             Kind::setter(setter),
             Kind::template reading<source>(),
-            Kind::starter(setter, start)};
+            Kind::starter(setter, start),
+            withMember<source>(file)};
 }
 
-template <typename Kind, auto source> constexpr SdkParameter readOnlyRow(const char* name, int id) {
-    return {name, id, true, nullptr, Kind::template reading<source>(), nullptr};
+template <typename Kind, auto source>
+constexpr SdkParameter readOnlyRow(const char* name, int id, FileRole file) {
+    return {name, id, Kind::type, nullptr, Kind::template reading<source>(), nullptr, file};
 }
 
 /** Holds the rows; a friend of the class whose members they name. */
 struct SdkParameterTable {
-    // The lambda is generic so that a kind which has no use for it names no setter that does not exist.
-#define SETTABLE(parameter, kind, source, startValue)                                                        \
+#define SETTABLE(parameter, kind, source, startValue, file)                                                  \
     settableRow<kinds::kind, &FgLoomWrapperImpl::source>(                                                    \
         #parameter, parameter,                                                                               \
         [](FgLoomWrapperImpl& wrapper, auto value) { wrapper.set_##parameter(value); },                      \
-        [] { return startValue; }),
-#define READ_ONLY(parameter, kind, source)                                                                   \
-    readOnlyRow<kinds::kind, &FgLoomWrapperImpl::source>(#parameter, parameter),
+        [] { return startValue; }, file_roles::file),
+#define READ_ONLY(parameter, kind, source, file)                                                             \
+    readOnlyRow<kinds::kind, &FgLoomWrapperImpl::source>(#parameter, parameter, file_roles::file),
     static constexpr SdkParameter rows[] = {
 #include "catalogue/sdk_parameters.def"
     };
@@ -79,5 +82,13 @@ inline const SdkParameter* findParameter(int id) {
 
 /** The parameter of this name, or null. */
 const SdkParameter* findParameter(std::string_view name);
+
+inline void FgLoomWrapperImpl::read(const SdkParameter& parameter, void* value, int dma, FgParamTypes type) {
+    const Reading& reading = parameter.reading;
+    if (reading.word != nullptr) return Place<std::uint32_t>(value).store(this->*reading.word);
+    if (reading.number != nullptr) return Place<double>(value).store(this->*reading.number);
+    if (reading.text != nullptr) return giveText(reading.text(*this), value, type);
+    reading.function(*this, parameter, value, dma, type);
+}
 
 #endif

@@ -288,9 +288,7 @@ void FgLoomWrapperImpl::set_FG_CAMERASIMULATOR_SELECT_MODE(std::uint32_t value) 
 void FgLoomWrapperImpl::set_FG_CAMERASIMULATOR_WIDTH(std::uint32_t value) {
     requireAtLeast(value, 1);
     requireAtMost(value, simulatorWidthLimit());
-    Replacement stored(m_simWidth, value);
     applySimulatorWidth(value, simulatorLineGap());
-    stored.keep();
     updateSimLineGapRange();
     updateSimHeightRange();
     updateSimLineRateRange();

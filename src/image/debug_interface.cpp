@@ -138,7 +138,8 @@ void FgLoomWrapperImpl::updateDebugPixelRange() {
     });
 }
 
-// ---- Setters. A change of source leaves the input and the output of the old point as they are.
+// ---- Setters. A change of source leaves the input and the output of the old point as they are. What a get asks the
+// design for is not kept here.
 
 void FgLoomWrapperImpl::set_FG_DEBUGSOURCE(std::uint32_t value) {
     // Without points the limit wraps, and anything passes.
@@ -153,27 +154,18 @@ void FgLoomWrapperImpl::set_FG_DEBUGSOURCE(std::uint32_t value) {
 
 void FgLoomWrapperImpl::set_FG_DEBUGINENABLE(std::uint32_t value) {
     requireEntry(enumOnOff, value);
-    Replacement stored(m_debugInEnable, value);
     const std::uint32_t mode = readDebugOutEnable() * outputOn | value;
     writeDebug(operationMode, &mode, FG_PARAM_UINT32);
-    stored.keep();
 }
 
 void FgLoomWrapperImpl::set_FG_DEBUGOUTENABLE(std::uint32_t value) {
     requireEntry(enumOnOff, value);
-    Replacement stored(m_debugOutEnable, value);
-    if (debugEntry().type == DebugEntry::injectMonitor) {
-        const std::uint32_t mode = readDebugInEnable() | value * outputOn;
-        writeDebug(operationMode, &mode, FG_PARAM_UINT32);
-    }
-    stored.keep();
+    if (debugEntry().type != DebugEntry::injectMonitor) return; // without a word, on purpose
+    const std::uint32_t mode = readDebugInEnable() | value * outputOn;
+    writeDebug(operationMode, &mode, FG_PARAM_UINT32);
 }
 
-void FgLoomWrapperImpl::set_FG_DEBUGFILE(const char* path) {
-    Replacement stored(m_debugFile, std::string(path));
-    writeDebug(debugFile, path, FG_PARAM_TEXT);
-    stored.keep();
-}
+void FgLoomWrapperImpl::set_FG_DEBUGFILE(const char* path) { writeDebug(debugFile, path, FG_PARAM_TEXT); }
 
 void FgLoomWrapperImpl::set_FG_DEBUGINSERT(std::uint32_t value) {
     requireEntry(enumApply, value);

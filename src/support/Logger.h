@@ -10,7 +10,7 @@ namespace vexo::tools::logging {
 /** The levels at which the library logs. */
 namespace levels {
 inline constexpr std::uint32_t refusedCall = 4;   // and ids that the design lacks
-inline constexpr std::uint32_t accessFailed = 5;  // of the design, or of the runtime's init
+inline constexpr std::uint32_t accessFailed = 5;  // of the design, of a file, or the runtime's init
 inline constexpr std::uint32_t bindingFailed = 6; // of the runtime's library
 } // namespace levels
 

@@ -1,0 +1,146 @@
+// Configuration files: the whole state of the parameters, saved and loaded. Neither takes the lock of the parameters.
+
+#include "entry/sdk_parameters.h"
+#include "entry/setter_tools.h"
+#include "files/Fg_ConfigFileParser.h"
+
+#include <clocale>
+#include <cstring>
+
+namespace levels = vexo::tools::logging::levels;
+
+namespace {
+
+constexpr int port = 0;
+constexpr std::size_t longestText = 1023;
+
+/** The name does not exist on most systems, which leaves the locale alone; it is never put back. */
+void chooseLocale() { std::setlocale(LC_ALL, "English"); }
+
+/** The value of one key. The parameter's type tells which of the three it is. */
+struct FileValue {
+    std::uint32_t word = 0;
+    double number = 0;
+    std::string text;
+};
+
+/** Reads the key of a parameter that a load asks for. False if the file lacks it. */
+bool readKey(Fg_ConfigFileParser& parser, const SdkParameter& parameter, FileValue& value) {
+    switch (parameter.type) {
+    case FG_PARAM_TEXT:
+        return parser.parseKeySection(port, parameter.name, value.text) == 0;
+    case FG_PARAM_DOUBLE:
+        return parser.parseDoubleKeySection(port, parameter.name, &value.number) == 0;
+    default: {
+        int number = 0; // signed, also for what is not
+        const int result = parser.parseIntKeySection(port, parameter.name, &number);
+        value.word = static_cast<std::uint32_t>(number);
+        return result == 0;
+    }
+    }
+}
+
+const void* valueOf(const SdkParameter& parameter, const FileValue& value) {
+    switch (parameter.type) {
+    case FG_PARAM_TEXT:
+        return value.text.c_str();
+    case FG_PARAM_DOUBLE:
+        return &value.number;
+    default:
+        return &value.word;
+    }
+}
+
+void store(FgLoomWrapperImpl& wrapper, const StoredMember& member, const FileValue& value) {
+    if (member.word != nullptr) wrapper.*member.word = value.word;
+    if (member.number != nullptr) wrapper.*member.number = value.number;
+    if (member.text != nullptr) wrapper.*member.text = value.text;
+}
+
+} // namespace
+
+// ---- The frame: files, header, identity
+
+int FgLoomWrapper::Fg_saveConfig(Fg_Struct*, const char* file) {
+    chooseLocale();
+    Fg_ConfigFileParser parser(nullptr, nullptr, false);
+    if (!parser.setSaveFile(file)) return fgError().setErr(FG_ERR_SAVE_CONFIG);
+    parser.writeConfigFileHeader();
+    parser.writeConfigFile("Hersteller", vendorName());
+    parser.writeConfigFile("Typ", appletName());
+    parser.writeConfigFile("Version", appletVersionName());
+    parser.writeConfigFileIntKey("LoadAppletId", loadAppletId());
+    parser.writeConfigFileIntKey("AktivePort", port);
+    saveParameters(&parser);
+    // Reported as a success, on purpose: callers know no code for it.
+    if (parser.hasFailed()) log(levels::accessFailed, "cannot write all of configuration file '", file, "'");
+    return fgError().setErr(FG_OK);
+}
+
+int FgLoomWrapper::Fg_loadConfig(Fg_Struct*, const char* file) {
+    chooseLocale();
+    Fg_ConfigFileParser parser(nullptr, file, true);
+    setError(FG_ERR_LOAD_CONFIG);
+    // Here the code and the last error differ, deliberately.
+    if (!parser.checkFileExist(file) || !parser.checkFileType(file)) return FG_ERR_FILE_TYPE;
+    std::string text;
+    int activePort = 0;
+    if (parser.parseKeyFromLine("Hersteller", text) != 0) return FG_ERR_LOAD_CONFIG;
+    if (parser.parseKeyFromLine("Typ", text) != 0 || text != appletName()) return FG_ERR_LOAD_CONFIG;
+    if (parser.parseIntKeyFromHeader("AktivePort", &activePort) != 0) return FG_ERR_LOAD_CONFIG;
+    if (loadParameters(&parser) == 0) return FG_ERR_LOAD_CONFIG;
+    return fgError().setErr(FG_OK);
+}
+
+// ---- The body: one key for each parameter whose row says so, in the order of the rows
+
+void FgLoomWrapperImpl::saveParameters(Fg_ConfigFileParser* parser) {
+    parser->writeConfigFileByPort(port);
+    // A getter that fails costs its own line only; one that leaves its place alone gives 0.
+    for (const SdkParameter& parameter : sdkParameters)
+        if (parameter.file.saved) quietly([&] { saveParameter(*parser, parameter); });
+}
+
+void FgLoomWrapperImpl::saveParameter(Fg_ConfigFileParser& parser, const SdkParameter& parameter) {
+    switch (parameter.type) {
+    case FG_PARAM_TEXT:
+        return parser.writeConfigFile(parameter.name, parameter.reading.text(*this).substr(0, longestText));
+    case FG_PARAM_DOUBLE:
+        return parser.writeConfigFileDoubleKey(parameter.name, valueFor<double>(parameter));
+    case FG_PARAM_INT64:
+        return parser.writeConfigFileInt64Key(parameter.name, valueFor<std::int64_t>(parameter));
+    default: // signed, also for what is not
+        return parser.writeConfigFileIntKey(parameter.name, valueFor<std::int32_t>(parameter));
+    }
+}
+
+template <typename T> T FgLoomWrapperImpl::valueFor(const SdkParameter& parameter) {
+    std::uint64_t place = 0; // room for every width
+    read(parameter, &place, 0, parameter.type);
+    T value;
+    std::memcpy(&value, &place, sizeof value);
+    return value;
+}
+
+int FgLoomWrapperImpl::loadParameters(Fg_ConfigFileParser* parser) {
+    int complete = 1;
+    FileValue value;
+    try {
+        // First the values without any check, so that each setter sees its neighbours as the file has them.
+        for (const SdkParameter& parameter : sdkParameters) {
+            if (!parameter.file.required) continue;
+            if (readKey(*parser, parameter, value))
+                store(*this, parameter.file.member, value);
+            else
+                complete = 0;
+        }
+        // A value that its setter refuses is no failure, on purpose; its variable keeps it.
+        for (const SdkParameter& parameter : sdkParameters) {
+            if (!parameter.file.applied || !readKey(*parser, parameter, value)) continue;
+            quietly([&] { parameter.set(*this, valueOf(parameter, value), parameter.type); });
+        }
+        return complete;
+    } catch (const std::exception&) {
+        return 0;
+    }
+}

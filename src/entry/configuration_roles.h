@@ -1,0 +1,61 @@
+/** What a configuration file does with a parameter. */
+#ifndef ENTRY_CONFIGURATION_ROLES_H
+#define ENTRY_CONFIGURATION_ROLES_H
+
+#include <cstdint>
+#include <string>
+#include <type_traits>
+
+class FgLoomWrapperImpl;
+
+/** A variable that a load fills before any setter runs; one of them, or none. */
+struct StoredMember {
+    std::uint32_t FgLoomWrapperImpl::*word = nullptr;
+    double FgLoomWrapperImpl::*number = nullptr;
+    std::string FgLoomWrapperImpl::*text = nullptr;
+};
+
+struct FileRole {
+    bool saved = false;
+    bool required = false;     // a load without the key fails in the end
+    bool storesSource = false; // into the variable that a get answers with
+    bool applied = false;      // then through the setter
+    StoredMember member = {};
+};
+
+namespace file_roles {
+
+inline constexpr FileRole NotSaved{};
+/** Written for the reader of the file. */
+inline constexpr FileRole SavedOnly{.saved = true};
+/** Without effect, but the key must be there. */
+inline constexpr FileRole Ignored{.saved = true, .required = true};
+/** Takes effect through the setter of another parameter. */
+inline constexpr FileRole Stored{.saved = true, .required = true, .storesSource = true};
+constexpr FileRole StoredIn(std::uint32_t FgLoomWrapperImpl::*word) {
+    return {.saved = true, .required = true, .member = {.word = word}};
+}
+constexpr FileRole StoredIn(double FgLoomWrapperImpl::*number) {
+    return {.saved = true, .required = true, .member = {.number = number}};
+}
+inline constexpr FileRole Applied{.saved = true, .required = true, .applied = true};
+/** The setters of its neighbours see the new value as well. */
+inline constexpr FileRole StoredAndApplied{
+    .saved = true, .required = true, .storesSource = true, .applied = true};
+
+} // namespace file_roles
+
+/** The role with the variable that it stores into. */
+template <auto source> constexpr FileRole withMember(FileRole role) {
+    if (!role.storesSource) return role;
+    using Source = decltype(source);
+    if constexpr (std::is_same_v<Source, std::uint32_t FgLoomWrapperImpl::*>)
+        role.member.word = source;
+    else if constexpr (std::is_same_v<Source, double FgLoomWrapperImpl::*>)
+        role.member.number = source;
+    else if constexpr (std::is_same_v<Source, std::string FgLoomWrapperImpl::*>)
+        role.member.text = source;
+    return role;
+}
+
+#endif
