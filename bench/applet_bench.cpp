@@ -2,6 +2,7 @@
 
 #include "inert_applet.h"
 #include "least.h"
+#include "least_work.h"
 #include "vexo/register_info.h"
 
 #include <benchmark/benchmark.h>
@@ -23,7 +24,8 @@ InertHandle& sharedHandle() {
 }
 
 LeastWrapper& sharedLeast() {
-    static const std::unique_ptr<LeastWrapper> least(makeLeastWrapper(applet().runtimeSet));
+    static const std::unique_ptr<LeastWrapper> least(
+        makeLeastWrapper(applet().runtimeSet, applet().runtimeGet));
     return *least;
 }
 
@@ -62,7 +64,7 @@ void get_alternating(benchmark::State& state) {
 }
 
 void get_own_handle_least(benchmark::State& state) {
-    const std::unique_ptr<LeastWrapper> least(makeLeastWrapper(applet().runtimeSet));
+    const std::unique_ptr<LeastWrapper> least(makeLeastWrapper(applet().runtimeSet, applet().runtimeGet));
     std::uint32_t value = 0;
     for (auto _ : state)
         benchmark::DoNotOptimize(least->get(FG_WIDTH, &value));
@@ -95,6 +97,44 @@ void set_width_least(benchmark::State& state) { set_least(state, FG_WIDTH, 512);
 void set_width(benchmark::State& state) { set_routed(state, FG_WIDTH, 512); }
 void refused_set_least(benchmark::State& state) { set_least(state, FG_LINE_DOWNSCALE, 0); }
 void refused_set(benchmark::State& state) { set_routed(state, FG_LINE_DOWNSCALE, 0); }
+
+void set_output_least(benchmark::State& state) {
+    set_least(state, FG_TRIGGEROUT_GPO_0_SOURCE, FG_SIGNAL_FRONT_GPI_3);
+}
+void set_output(benchmark::State& state) {
+    set_routed(state, FG_TRIGGEROUT_GPO_0_SOURCE, FG_SIGNAL_FRONT_GPI_3);
+}
+
+constexpr double lineRate = 1000.0;
+
+void set_simulator_rate_least(benchmark::State& state) {
+    LeastWrapper& least = sharedLeast();
+    for (auto _ : state)
+        benchmark::DoNotOptimize(least.set(FG_CAMERASIMULATOR_LINERATE, &lineRate));
+}
+
+void set_simulator_rate(benchmark::State& state) {
+    Fg_Struct* fg = sharedHandle().fg();
+    for (auto _ : state)
+        benchmark::DoNotOptimize(
+            applet().set(fg, FG_CAMERASIMULATOR_LINERATE, &lineRate, 0, FG_PARAM_DOUBLE));
+}
+
+// ---- The camera's status: a word made of six
+
+void get_status_least(benchmark::State& state) {
+    LeastWrapper& least = sharedLeast();
+    std::uint32_t value = 0;
+    for (auto _ : state)
+        benchmark::DoNotOptimize(least.get(FG_CAMSTATUS_EXTENDED, &value));
+}
+
+void get_status(benchmark::State& state) {
+    Fg_Struct* fg = sharedHandle().fg();
+    std::uint32_t value = 0;
+    for (auto _ : state)
+        benchmark::DoNotOptimize(applet().get(fg, FG_CAMSTATUS_EXTENDED, &value, 0, FG_PARAM_UINT32));
+}
 
 // ---- Names
 
@@ -145,21 +185,38 @@ void makeRecords() {
     benchmark::DoNotOptimize(tree.data());
 }
 
+/** What no bring-up can do without: the ids of the design's parameters, and the tree. */
+void resolveAndMakeRecords() {
+    for (int i = 0; i < 138; ++i)
+        benchmark::DoNotOptimize(applet().runtimeIdByName(nullptr, "Device1_Process0_Buffer_0_XLength"));
+    makeRecords();
+}
+
 void bring_up_least(benchmark::State& state) {
-    constexpr int designWrites = 81;
-    std::uint32_t value = 1;
+    constexpr int writes = 208; // and three of tables
+    const auto tables = std::make_unique<LeastTables>();
+    volatile double offset = 0.0, gain = 1.0;
     for (auto _ : state) {
-        for (int i = 0; i < 138; ++i)
-            benchmark::DoNotOptimize(applet().runtimeIdByName(nullptr, "Device1_Process0_Buffer_0_XLength"));
-        makeRecords();
-        for (int i = 0; i < designWrites; ++i)
-            benchmark::DoNotOptimize(applet().runtimeSet(nullptr, i, &value, 0, FG_PARAM_UINT32));
+        resolveAndMakeRecords();
+        designWrites(writes);
+        tables->compute(offset, gain);
     }
 }
 
 void bring_up(benchmark::State& state) {
     for (auto _ : state)
         InertHandle handle;
+}
+
+void bring_up_slave_least(benchmark::State& state) {
+    for (auto _ : state)
+        resolveAndMakeRecords();
+}
+
+void bring_up_slave(benchmark::State& state) {
+    constexpr int noDefaults = 1;
+    for (auto _ : state)
+        InertHandle handle(noDefaults);
 }
 
 // ---- Loading
@@ -192,10 +249,18 @@ BENCHMARK(set_width_least);
 BENCHMARK(set_width);
 BENCHMARK(refused_set_least);
 BENCHMARK(refused_set);
+BENCHMARK(set_output_least);
+BENCHMARK(set_output);
+BENCHMARK(set_simulator_rate_least);
+BENCHMARK(set_simulator_rate);
+BENCHMARK(get_status_least);
+BENCHMARK(get_status);
 BENCHMARK(name_lookup_least);
 BENCHMARK(name_lookup);
 BENCHMARK(bring_up_least);
 BENCHMARK(bring_up);
+BENCHMARK(bring_up_slave_least);
+BENCHMARK(bring_up_slave);
 BENCHMARK(load_library_least);
 BENCHMARK(load_library);
 

@@ -35,8 +35,11 @@ const InertApplet& InertApplet::instance() {
         find(library, "Fg_setParameterWithType", found.set);
         find(library, "Fg_getParameterWithType", found.get);
         find(library, "Fg_getParameterIdByName", found.idByName);
+        find(library, "Fg_saveConfig", found.save);
+        find(library, "Fg_loadConfig", found.load);
         find(library, "Fg_FreeGrabber", found.free);
         find(runtime, "Fg_setParameterWithType", found.runtimeSet);
+        find(runtime, "Fg_getParameterWithType", found.runtimeGet);
         find(runtime, "Fg_getParameterIdByName", found.runtimeIdByName);
         return found;
     }();

@@ -16,8 +16,11 @@ struct InertApplet {
     decltype(&::Fg_setParameterWithType) set;
     decltype(&::Fg_getParameterWithType) get;
     decltype(&::Fg_getParameterIdByName) idByName;
+    decltype(&::Fg_saveConfig) save;
+    decltype(&::Fg_loadConfig) load;
     decltype(&::Fg_FreeGrabber) free;
     grabcore_setParameterWithType* runtimeSet;
+    grabcore_getParameterWithType* runtimeGet;
     grabcore_getParameterIdByName* runtimeIdByName;
 
     /** Loaded once, ends the program with a message if that fails. */

@@ -43,7 +43,9 @@ private:
 
 class Least final : public LeastWrapper {
 public:
-    explicit Least(grabcore_setParameterWithType* runtimeSet) : m_runtimeSet(runtimeSet) {}
+    Least(grabcore_setParameterWithType* runtimeSet, grabcore_getParameterWithType* runtimeGet)
+        : m_runtimeSet(runtimeSet)
+        , m_runtimeGet(runtimeGet) {}
 
     int set(int id, const void* value) override {
         const Guard guard(m_lock);
@@ -58,6 +60,13 @@ public:
             case FG_EXSYNCON:
                 store(m_exsyncOn, value, 1);
                 return 0;
+            case FG_TRIGGEROUT_GPO_0_SOURCE:
+                store(m_source, value, 2);
+                requireKnownSource();
+                return 0;
+            case FG_CAMERASIMULATOR_LINERATE:
+                store(m_source, value, 4);
+                return read(3);
             case FG_LINE_DOWNSCALE:
                 refuseBelow(value, 1);
                 return 0;
@@ -81,6 +90,8 @@ public:
         case FG_EXSYNCON:
             std::memcpy(value, &m_exsyncOn, sizeof m_exsyncOn);
             return 0;
+        case FG_CAMSTATUS_EXTENDED:
+            return read(6);
         case FG_LINEPERIODE:
             std::memcpy(value, &m_period, sizeof m_period);
             return 0;
@@ -96,6 +107,22 @@ private:
             m_runtimeSet(nullptr, i, &member, 0, FG_PARAM_UINT32);
     }
 
+    int read(int words) {
+        std::uint32_t word = 0;
+        for (int i = 0; i < words; ++i)
+            m_runtimeGet(nullptr, i, &word, 0, FG_PARAM_UINT32);
+        return 0;
+    }
+
+    void requireKnownSource() {
+        static constexpr std::uint32_t sources[] = {4,    5,    2000, 2001, 2002, 2007, 2008,
+                                                    1001, 1011, 1021, 1031, 1041, 1051, 1061,
+                                                    1071, 1081, 1091, 1101, 1111};
+        for (const std::uint32_t source : sources)
+            if (source == m_source) return;
+        throw static_cast<int>(FG_ERR_OUT_OF_RANGE);
+    }
+
     __attribute__((noinline)) static void refuseBelow(const void* value, std::uint32_t minimum) {
         std::uint32_t number = 0;
         std::memcpy(&number, value, sizeof number);
@@ -104,12 +131,17 @@ private:
 
     CountingLock m_lock;
     grabcore_setParameterWithType* m_runtimeSet;
+    grabcore_getParameterWithType* m_runtimeGet;
     std::uint32_t m_width = 1024;
     std::uint32_t m_height = 1024;
     std::uint32_t m_exsyncOn = 1;
+    std::uint32_t m_source = FG_SIGNAL_CAM0_EXSYNC;
     double m_period = 200.0;
 };
 
 } // namespace
 
-LeastWrapper* makeLeastWrapper(grabcore_setParameterWithType* runtimeSet) { return new Least(runtimeSet); }
+LeastWrapper* makeLeastWrapper(grabcore_setParameterWithType* runtimeSet,
+                               grabcore_getParameterWithType* runtimeGet) {
+    return new Least(runtimeSet, runtimeGet);
+}

@@ -1,6 +1,6 @@
 /**
  * The least that a routed call can cost: an error-checking mutex taken and released, an atomic count, one
- * virtual call, one switch over ids, and one indirect call for each design write.
+ * virtual call, one switch over ids, and one indirect call for each access of the design.
  */
 #ifndef BENCH_LEAST_H
 #define BENCH_LEAST_H
@@ -19,6 +19,7 @@ public:
 };
 
 /** Made in another translation unit, so that its calls stay virtual. */
-LeastWrapper* makeLeastWrapper(grabcore_setParameterWithType* runtimeSet);
+LeastWrapper* makeLeastWrapper(grabcore_setParameterWithType* runtimeSet,
+                               grabcore_getParameterWithType* runtimeGet);
 
 #endif

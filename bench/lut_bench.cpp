@@ -1,89 +1,42 @@
 // Lookup tables beside the least that each operation can cost, in one run: compare the pairs of rows.
 
-#include "inert_applet.h"
+#include "least_work.h"
 
-#include <benchmark/benchmark.h>
-
-#include <array>
 #include <cmath>
-#include <cstdlib>
-#include <cstring>
-#include <fcntl.h>
-#include <fstream>
 #include <memory>
-#include <sstream>
-#include <string>
-#include <unistd.h>
-#include <vector>
 
 namespace {
 
-constexpr std::size_t entries = 16384;
-using Table = std::array<std::uint32_t, entries>;
+using Table = std::array<std::uint32_t, lutEntries>;
 
 const InertApplet& applet() { return InertApplet::instance(); }
 
 /** A handle of its own, and a LUT file that goes with it. */
 class Bench {
 public:
-    Bench() {
-        char pattern[] = "/tmp/lut-bench-XXXXXX";
-        m_folder = mkdtemp(pattern);
-        setText(FG_LUT_SAVE_FILE, file().c_str());
-    }
-    ~Bench() {
-        unlink(file().c_str());
-        rmdir(m_folder.c_str());
-    }
-    Bench(const Bench&) = delete;
-    Bench& operator=(const Bench&) = delete;
+    Bench() { setText(FG_LUT_SAVE_FILE, file().c_str()); }
 
-    std::string file() const { return m_folder + "/tables.lut"; }
+    std::string file() const { return m_folder.file("tables.lut"); }
     template <typename T> int set(int id, T value, int tag) {
         return applet().set(m_handle.fg(), id, &value, 0, tag);
     }
-    int setText(int id, const char* text) {
-        return applet().set(m_handle.fg(), id, text, 0, FG_PARAM_TEXT);
-    }
+    int setText(int id, const char* text) { return applet().set(m_handle.fg(), id, text, 0, FG_PARAM_TEXT); }
     int setRecord(int id, const void* record, int tag) {
         return applet().set(m_handle.fg(), id, record, 0, tag);
     }
 
 private:
     InertHandle m_handle;
-    std::string m_folder;
+    BenchFolder m_folder;
 };
-
-std::string contentOf(const std::string& file) {
-    std::ostringstream text;
-    text << std::ifstream(file).rdbuf();
-    return text.str();
-}
-
-void writeTables(const void* table) {
-    for (int color = 1; color <= 3; ++color)
-        benchmark::DoNotOptimize(applet().runtimeSet(nullptr, color, table, 0, FG_PARAM_FIELD_ACCESS));
-}
 
 // ---- The formula
 
 void processing_linear_least(benchmark::State& state) {
-    const auto red = std::make_unique<Table>(), green = std::make_unique<Table>(),
-               blue = std::make_unique<Table>();
-    volatile double givenOffset = 0.0, givenGain = 1.0;
-    for (auto _ : state) {
-        const double offset = givenOffset, gain = givenGain;
-        for (std::size_t i = 0; i < entries; ++i) {
-            const double y = (static_cast<double>(i) / (entries - 1) + offset) * gain;
-            const auto entry = static_cast<std::int32_t>(0.5 + y * 65535);
-            (*red)[i] = static_cast<std::uint32_t>(entry < 0 ? 0 : entry > 65535 ? 65535 : entry);
-        }
-        benchmark::DoNotOptimize(red->data());
-        *green = *red;
-        *blue = *red;
-        benchmark::ClobberMemory();
-        writeTables(blue.get());
-    }
+    const auto tables = std::make_unique<LeastTables>();
+    volatile double offset = 0.0, gain = 1.0;
+    for (auto _ : state)
+        tables->compute(offset, gain);
 }
 
 void processing(benchmark::State& state, double gamma) {
@@ -99,8 +52,8 @@ void processing_gamma_least(benchmark::State& state) {
     volatile double givenExponent = 1.0 / 2.2;
     const double exponent = givenExponent;
     for (auto _ : state)
-        for (std::size_t i = 0; i < entries; ++i)
-            benchmark::DoNotOptimize(std::pow(static_cast<double>(i) / (entries - 1), exponent));
+        for (std::size_t i = 0; i < lutEntries; ++i)
+            benchmark::DoNotOptimize(std::pow(static_cast<double>(i) / (lutEntries - 1), exponent));
 }
 
 void processing_gamma(benchmark::State& state) { processing(state, 2.2); }
@@ -134,7 +87,7 @@ void lut_run_least(benchmark::State& state) {
 void lut_run(benchmark::State& state) {
     Bench bench;
     const auto source = std::make_unique<Table>();
-    const FieldParameterAccess record{FG_PARAM_UINT32, 0, entries, source->data()};
+    const FieldParameterAccess record{FG_PARAM_UINT32, 0, lutEntries, source->data()};
     for (auto _ : state)
         benchmark::DoNotOptimize(bench.setRecord(FG_LUT_VALUE_RED, &record, FG_PARAM_FIELD_ACCESS));
 }
@@ -143,17 +96,9 @@ void lut_run(benchmark::State& state) {
 
 void lut_save_least(benchmark::State& state) {
     Bench bench;
-    const std::string text = contentOf(bench.file());
-    std::vector<std::string> lines;
-    std::istringstream stream(text);
-    for (std::string line; std::getline(stream, line);)
-        lines.push_back(line + '\n');
-    for (auto _ : state) {
-        const int file = open(bench.file().c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-        for (const std::string& line : lines)
-            if (write(file, line.data(), line.size()) < 0) return state.SkipWithError("write");
-        close(file);
-    }
+    const std::vector<std::string> lines = linesOf(contentOf(bench.file()));
+    for (auto _ : state)
+        if (!writeByLine(bench.file(), lines)) return state.SkipWithError("write");
 }
 
 void lut_save(benchmark::State& state) {

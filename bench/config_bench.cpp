@@ -1,0 +1,57 @@
+// Configuration files beside the least that each operation can cost, in one run: compare the pairs of rows.
+
+#include "least_work.h"
+
+#include <memory>
+
+namespace {
+
+const InertApplet& applet() { return InertApplet::instance(); }
+
+/** A handle, and the file of its state. */
+struct Bench {
+    InertHandle handle;
+    BenchFolder folder;
+    std::string file = folder.file("state.mcf");
+
+    Bench() { applet().save(handle.fg(), file.c_str()); }
+};
+
+void config_save_least(benchmark::State& state) {
+    const Bench bench;
+    const std::vector<std::string> lines = linesOf(contentOf(bench.file));
+    for (auto _ : state)
+        if (!writeByLine(bench.file, lines)) return state.SkipWithError("write");
+}
+
+void config_save(benchmark::State& state) {
+    Bench bench;
+    for (auto _ : state)
+        benchmark::DoNotOptimize(applet().save(bench.handle.fg(), bench.file.c_str()));
+}
+
+void config_load_least(benchmark::State& state) {
+    constexpr int writes = 208; // and three of tables
+    const Bench bench;
+    const auto tables = std::make_unique<LeastTables>();
+    volatile double offset = 0.0, gain = 1.0;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(contentOf(bench.file));
+        designWrites(writes);
+        tables->compute(offset, gain);
+    }
+}
+
+void config_load(benchmark::State& state) {
+    Bench bench;
+    for (auto _ : state)
+        if (applet().load(bench.handle.fg(), bench.file.c_str()) != FG_OK)
+            return state.SkipWithError("not loaded");
+}
+
+BENCHMARK(config_save_least)->Unit(benchmark::kMicrosecond);
+BENCHMARK(config_save)->Unit(benchmark::kMicrosecond);
+BENCHMARK(config_load_least)->Unit(benchmark::kMicrosecond);
+BENCHMARK(config_load)->Unit(benchmark::kMicrosecond);
+
+} // namespace
