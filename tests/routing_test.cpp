@@ -181,6 +181,7 @@ TEST_F(Routing, DesignParametersAreHandedToTheRuntimeUnchanged) {
     setVariable("VEXO_ENABLE_DRA", "on"); // leaves this range alone
     const auto ids = resolvedIds();
     Grabber grabber(1);
+    grabber.clearLog();
     const std::string length = "Device1_Process0_Buffer_0_XLength";
     const std::string mirror = "Device1_Process0_Buffer_0_YMirror";
     const std::string period = "Device1_Process0_Trigger_Trigger_ExsyncPeriod";

@@ -1,4 +1,5 @@
-// What a start writes: the defaults, one setter after the other, each for itself.
+// What a start does with the design: it reads what there is, then writes the defaults, one setter after the
+// other, each for itself.
 
 #include "support/applet_fixture.h"
 
@@ -8,7 +9,7 @@ namespace {
 
 using namespace support;
 
-/** The expected accesses of a normal start, one section for each setter. */
+/** The expected accesses of a normal start: what the design tells of itself, then a section for each setter. */
 std::vector<Lines> expectedSections() {
     std::vector<Lines> sections;
     for (const std::string& line : dataLines("start_up_writes.txt")) {
@@ -35,13 +36,14 @@ protected:
 };
 
 TEST_F(StartUpTest, WritesTheDefaultsInOrderAndNothingForASlave) {
+    const std::vector<Lines> sections = expectedSections();
     Lines all;
-    for (const Lines& section : expectedSections())
+    for (const Lines& section : sections)
         all.insert(all.end(), section.begin(), section.end());
     for (const int flags : {0, 1, 2, 3}) { // bit 0 makes a slave, no other bit is read
         Grabber grabber;
         start(grabber, flags);
-        EXPECT_EQ(grabber.log(), flags % 2 == 0 ? all : Lines{}) << flags;
+        EXPECT_EQ(grabber.log(), flags % 2 == 0 ? all : sections[0]) << flags;
         EXPECT_EQ(grabber.value<std::uint32_t>(FG_TIMEOUT), 1000000u);
         EXPECT_EQ(grabber.value<double>(FG_LINEEXPOSURE), 19.0);
     }
@@ -50,10 +52,10 @@ TEST_F(StartUpTest, WritesTheDefaultsInOrderAndNothingForASlave) {
 TEST_F(StartUpTest, AFailingDefaultEndsItsOwnSetterOnly) {
     const std::vector<Lines> sections = expectedSections();
     std::set<std::string> names;
-    for (const Lines& section : sections)
-        for (const std::string& line : section)
+    for (std::size_t i = 1; i < sections.size(); ++i)
+        for (const std::string& line : sections[i])
             names.insert(line.substr(4, line.find(' ', 4) - 4));
-    ASSERT_GE(names.size(), 25u);
+    ASSERT_GE(names.size(), 50u);
     for (const std::string& name : names) {
         Grabber grabber;
         grabber.fail(name, -4711);

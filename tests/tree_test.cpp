@@ -2,6 +2,7 @@
 
 #include "support/applet_fixture.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdio>
 
@@ -153,12 +154,19 @@ class TreeTest : public ParameterTest {};
 
 TEST_F(TreeTest, ShowsWhatTheDefaultsChanged) { EXPECT_EQ(Listing(tree()).lines, expectedTree(true)); }
 
-TEST_F(TreeTest, IsTheSameForAnOfflineInstance) {
+TEST_F(TreeTest, OfAnOfflineInstance) {
     void* instance = nullptr;
     ASSERT_EQ(applet.Info(4864, 0, 0, nullptr, &instance), 0);
     RegisterInfo* root = nullptr;
     ASSERT_EQ(applet.Info(4880, 0, 0, instance, &root), 0);
-    EXPECT_EQ(Listing(root).lines, expectedTree(true));
+    Lines expected = expectedTree(true);
+    // No design tells its output formats, so that no format is ever set and limits the shift.
+    const auto shift = std::find_if(expected.begin(), expected.end(), [](const std::string& line) {
+        return line.find("FG_CUSTOM_BIT_SHIFT_RIGHT") != std::string::npos;
+    });
+    ASSERT_NE(shift, expected.end());
+    shift->replace(shift->find("0..7"), 4, "0..15");
+    EXPECT_EQ(Listing(root).lines, expected);
     EXPECT_EQ(applet.Info(4896, 0, 0, instance, nullptr), 0);
 }
 
