@@ -73,10 +73,6 @@ std::uint32_t limitOf(int id, const Geometry& g, const Ram& ram) {
     }
 }
 
-std::string written(const std::string& name, std::uint32_t value, const char* type = "u32") {
-    return "set Device1_Process0_" + name + " " + type + " " + std::to_string(value);
-}
-
 /** Everything a setter of `id` does with the design before it refreshes limits. */
 Lines accessesOf(int id, std::uint32_t old, const Geometry& g, const Ram& ram) {
     Lines lines;
@@ -145,7 +141,6 @@ protected:
         EXPECT_EQ(log(), Lines{}); // getters read nothing from the design
     }
     using Maxima = std::map<int, std::uint32_t>;
-    std::uint32_t maximum(int id) { return record(id)->value.u32.maximum; }
     Maxima published() {
         Maxima maxima;
         for (const int id : rangeIds)

@@ -10,7 +10,6 @@ namespace {
 
 using namespace support;
 
-constexpr int refused = -6000;
 constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 constexpr std::uint32_t modes[] = {1, 2, 6, 5};
@@ -24,32 +23,6 @@ Lines trigger(const std::string& name, const std::string& value) {
 
 class LineTriggerTest : public ParameterTest {
 protected:
-    /** One value: its result, the getter's answer and all that reached the design. */
-    template <typename T> void expectAccepted(int id, T value, const Lines& writes) {
-        SCOPED_TRACE(testing::Message() << id << " = " << value);
-        clearLog();
-        EXPECT_EQ(set(id, value), 0);
-        EXPECT_EQ(lastError(), 0);
-        EXPECT_EQ(get<T>(id), value);
-        EXPECT_EQ(log(), writes);
-    }
-    template <typename T> void expectRefused(int id, T value) {
-        SCOPED_TRACE(testing::Message() << id << " = " << value);
-        const T old = get<T>(id);
-        clearLog();
-        EXPECT_EQ(set(id, value), refused);
-        EXPECT_EQ(lastError(), refused);
-        EXPECT_EQ(get<T>(id), old);
-        EXPECT_EQ(log(), Lines{});
-    }
-    double limit(int id) { return record(id)->value.f64.maximum; }
-    std::vector<std::uint32_t> accessOf(const std::vector<int>& ids) {
-        std::vector<std::uint32_t> all;
-        for (const int id : ids)
-            all.push_back(record(id)->access);
-        return all;
-    }
-
     const std::vector<int> dependents = {FG_LINETRIGGERINSRC, FG_LINETRIGGERINPOLARITY, FG_LINE_DOWNSCALE,
                                          FG_LINE_DOWNSCALEINIT, FG_SHAFTENCODERON};
     const std::vector<int> others = {FG_LINETRIGGERDEBOUNCING,
@@ -116,7 +89,7 @@ TEST_F(LineTriggerTest, ExposureFollowsThePeriodInTheGrabberControlledModes) {
             ASSERT_EQ(set(FG_LINETRIGGERMODE, mode), 0);
             ASSERT_EQ(set(FG_LINEPERIODE, period), 0);
             const double most = periodic ? std::min(period, 1048.568) : 1048.568;
-            EXPECT_EQ(limit(FG_LINEEXPOSURE), most);
+            EXPECT_EQ(doubleMaximum(FG_LINEEXPOSURE), most);
             EXPECT_EQ(record(FG_LINEEXPOSURE)->value.f64.minimum, 0.512);
             EXPECT_EQ(set(FG_LINEEXPOSURE, most), 0);
             EXPECT_EQ(set(FG_LINEEXPOSURE, 0.512), 0);
@@ -124,7 +97,7 @@ TEST_F(LineTriggerTest, ExposureFollowsThePeriodInTheGrabberControlledModes) {
                 expectRefused(FG_LINEEXPOSURE, value);
 
             // The delay heeds the period alone, beyond its catalogue maximum too.
-            EXPECT_EQ(limit(FG_LINETRIGGERDELAY), period);
+            EXPECT_EQ(doubleMaximum(FG_LINETRIGGERDELAY), period);
             EXPECT_EQ(set(FG_LINETRIGGERDELAY, period), 0);
             for (const double value : {above(period), -0.008, below(0.0), infinity, -infinity})
                 expectRefused(FG_LINETRIGGERDELAY, value);
@@ -133,8 +106,8 @@ TEST_F(LineTriggerTest, ExposureFollowsThePeriodInTheGrabberControlledModes) {
         ASSERT_EQ(set(FG_LINEPERIODE, 300.0), 0);
         for (const std::uint32_t other : modes) {
             ASSERT_EQ(set(FG_LINETRIGGERMODE, other), 0);
-            EXPECT_EQ(limit(FG_LINEEXPOSURE), other == 1 || other == 6 ? 300.0 : 1048.568) << other;
-            EXPECT_EQ(limit(FG_LINETRIGGERDELAY), 300.0);
+            EXPECT_EQ(doubleMaximum(FG_LINEEXPOSURE), other == 1 || other == 6 ? 300.0 : 1048.568) << other;
+            EXPECT_EQ(doubleMaximum(FG_LINETRIGGERDELAY), 300.0);
         }
     }
     ASSERT_EQ(set(FG_LINETRIGGERMODE, 1u), 0);
@@ -149,8 +122,8 @@ TEST_F(LineTriggerTest, LoweringThePeriodLeavesExposureAndDelay) {
     expectAccepted(FG_LINEPERIODE, 10.0, trigger("Trigger_ExsyncPeriod", "f64 10"));
     EXPECT_EQ(get<double>(FG_LINEEXPOSURE), 19.0);
     EXPECT_EQ(get<double>(FG_LINETRIGGERDELAY), 150.0);
-    EXPECT_EQ(limit(FG_LINEEXPOSURE), 10.0);
-    EXPECT_EQ(limit(FG_LINETRIGGERDELAY), 10.0);
+    EXPECT_EQ(doubleMaximum(FG_LINEEXPOSURE), 10.0);
+    EXPECT_EQ(doubleMaximum(FG_LINETRIGGERDELAY), 10.0);
     expectRefused(FG_LINEEXPOSURE, 19.0);
     expectRefused(FG_LINETRIGGERDELAY, 150.0);
 }
@@ -209,7 +182,7 @@ TEST_F(LineTriggerTest, AFailedModeKeepsTheNewAccess) {
     EXPECT_EQ(set(FG_LINETRIGGERMODE, 2u), -4711);
     EXPECT_EQ(get<std::uint32_t>(FG_LINETRIGGERMODE), 1u);
     EXPECT_EQ(accessOf(dependents), std::vector<std::uint32_t>(dependents.size(), 7));
-    EXPECT_EQ(limit(FG_LINEEXPOSURE), 200.0); // the mode is still the old one
+    EXPECT_EQ(doubleMaximum(FG_LINEEXPOSURE), 200.0); // the mode is still the old one
     expectRefused(FG_LINEEXPOSURE, 200.008);
 }
 

@@ -1,10 +1,12 @@
 #include "support/applet_fixture.h"
 
+#include <charconv>
 #include <cstdlib>
 #include <cstring>
 #include <dlfcn.h>
 #include <fstream>
 #include <pthread.h>
+#include <set>
 #include <sstream>
 #include <stdexcept>
 #include <unistd.h>
@@ -97,6 +99,16 @@ std::vector<Lines> dataRows(const std::string& file) {
             row.push_back(word);
     }
     return rows;
+}
+
+std::string written(const std::string& name, double value) {
+    char digits[32];
+    *std::to_chars(digits, std::end(digits), value).ptr = '\0';
+    return "set Device1_Process0_" + name + " f64 " + digits;
+}
+
+std::string written(const std::string& name, const std::string& text) {
+    return "set Device1_Process0_" + name + " text " + text;
 }
 
 Grabber::Grabber() : device(host().board().open()) {}
@@ -200,6 +212,25 @@ RegisterInfo* ParameterTest::record(int id) {
     RegisterInfo* found = findRecord(tree(), id);
     if (found == nullptr) throw std::runtime_error("no record of parameter " + std::to_string(id));
     return found;
+}
+
+std::vector<std::uint32_t> ParameterTest::accessOf(const std::vector<int>& ids) {
+    std::vector<std::uint32_t> all;
+    for (const int id : ids)
+        all.push_back(record(id)->access);
+    return all;
+}
+
+void ParameterTest::expectChoices(int id, const std::vector<Choice>& choices) {
+    std::set<std::uint32_t> taken;
+    for (const Choice& choice : choices) {
+        expectAccepted(id, choice.value, choice.writes);
+        taken.insert(choice.value);
+    }
+    for (std::uint32_t value = *taken.rbegin() + 20; value-- > 0;)
+        if (!taken.contains(value)) expectRefused(id, value);
+    for (const std::uint32_t value : {~0u, 0x80000000u, 0x10000u + *taken.begin()})
+        expectRefused(id, value);
 }
 
 } // namespace support

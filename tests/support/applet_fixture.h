@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <concepts>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -45,6 +46,14 @@ std::vector<Register> registers();
 /** An expected listing of tests/data: its lines, or each line cut into its words. */
 Lines dataLines(const std::string& file);
 std::vector<Lines> dataRows(const std::string& file);
+
+/** The log's line of a write to a parameter of the design's image path, "Device1_Process0_" left out. */
+template <std::integral T> std::string written(const std::string& name, T value, const char* type = "u32") {
+    return "set Device1_Process0_" + name + ' ' + type + ' ' + std::to_string(value);
+}
+/** The same for a number with a fraction, and for a text. */
+std::string written(const std::string& name, double value);
+std::string written(const std::string& name, const std::string& text);
 
 /** One board and, once brought up, one handle on it. */
 class Grabber {
@@ -153,6 +162,39 @@ protected:
     RegisterInfo* tree() { return applet.Fg_getParameterInfo(grabber.fg(), 0); }
     /** The parameter's record in the tree. */
     RegisterInfo* record(int id);
+    std::uint32_t maximum(int id) { return record(id)->value.u32.maximum; }
+    double doubleMaximum(int id) { return record(id)->value.f64.maximum; }
+    std::vector<std::uint32_t> accessOf(const std::vector<int>& ids);
+
+    /** A value that is taken: its result, all that reached the design up to the last write, and what reads back. */
+    template <typename T> void expectAccepted(int id, T value, const Lines& accesses) {
+        expectAccepted(id, value, accesses, value);
+    }
+    template <typename T> void expectAccepted(int id, T value, const Lines& accesses, T readBack) {
+        SCOPED_TRACE(testing::Message() << id << " = " << value);
+        clearLog();
+        EXPECT_EQ(set(id, value), FG_OK);
+        EXPECT_EQ(lastError(), FG_OK);
+        EXPECT_EQ(logToLastWrite(), accesses);
+        EXPECT_EQ(get<T>(id), readBack);
+    }
+    /** A value that is refused: the code, what was written before all the same, and the old value. */
+    template <typename T>
+    void expectRefused(int id, T value, int code = FG_ERR_OUT_OF_RANGE, const Lines& accesses = {}) {
+        SCOPED_TRACE(testing::Message() << id << " = " << value);
+        const T old = get<T>(id);
+        clearLog();
+        EXPECT_EQ(set(id, value), code);
+        EXPECT_EQ(lastError(), code);
+        EXPECT_EQ(logToLastWrite(), accesses);
+        EXPECT_EQ(get<T>(id), old);
+    }
+    /** An enumeration takes its entries, each with its writes, and nothing else. */
+    struct Choice {
+        std::uint32_t value;
+        Lines writes;
+    };
+    void expectChoices(int id, const std::vector<Choice>& choices);
 
     Grabber grabber;
 };
