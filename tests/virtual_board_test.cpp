@@ -38,6 +38,7 @@ void* const runtime = library("libgrabcore5.so");
 #define RUNTIME(name) find<grabcore_##name>(runtime, "Fg_" #name)
 
 const std::string width = "Device1_Process0_Buffer_0_XLength";
+const std::string height = "Device1_Process0_ImageHeight_ImageHeight";
 const std::string period = "Device1_Process0_Trigger_Trigger_ExsyncPeriod";
 const std::string temperature = "Device1_Process0_BoardStatus_FpgaTemperature";
 const std::string red = "Device1_Process0_LookupTable_R_LUTcontent";
@@ -169,6 +170,8 @@ TEST_F(VirtualBoard, TakesBackWhatItWasTold) {
     EXPECT_EQ(BOARD(vboard_hide_entry)("Fg_Nothing", true), VBOARD_UNKNOWN);
     EXPECT_EQ(BOARD(vboard_answer)(device, "Fg_InitHandle", 1), VBOARD_UNKNOWN);
     EXPECT_EQ(BOARD(vboard_lack_parameter)("Nothing", true), VBOARD_UNKNOWN);
+    EXPECT_EQ(BOARD(vboard_alias_parameter)("Nothing", "Nothing"), VBOARD_UNKNOWN);
+    EXPECT_EQ(BOARD(vboard_alias_parameter)(width.c_str(), width.c_str()), VBOARD_UNKNOWN) << "taken";
 
     BOARD(vboard_log_kinds)(device, VBOARD_RESOLVE | VBOARD_CALL);
     BOARD(vboard_reset)(device);
@@ -197,13 +200,19 @@ TEST_F(VirtualBoard, RegistersHaveTheirWidthAndDirection) {
 }
 
 TEST_F(VirtualBoard, ADesignKeepsTheSettingsItWasLoadedWith) {
-    const int known = id(width);
+    const int known = id(width), other = id(height);
     EXPECT_EQ(BOARD(vboard_lack_parameter)(width.c_str(), true), VBOARD_OK);
+    EXPECT_EQ(BOARD(vboard_alias_parameter)("Second name", height.c_str()), VBOARD_OK);
+    EXPECT_EQ(BOARD(vboard_alias_parameter)("Second name of what is not there", width.c_str()), VBOARD_OK);
     EXPECT_EQ(id(width), known); // loaded before
+    EXPECT_LE(id("Second name"), 0);
     fpga_design* poorer = load();
     Fg_Struct* poor = RUNTIME(InitHandle)("any.tsl", device, poorer);
     EXPECT_EQ(LOADER(TslUnloadTslFile)(poorer), 0); // the handle keeps what it needs
     EXPECT_LE(RUNTIME(getParameterIdByName)(poor, width.c_str()), 0);
+    EXPECT_LE(RUNTIME(getParameterIdByName)(poor, "Second name of what is not there"), 0);
+    for (const char* name : {height.c_str(), "Second name"})
+        EXPECT_EQ(RUNTIME(getParameterIdByName)(poor, name), other);
     std::uint32_t value = 0;
     EXPECT_EQ(RUNTIME(getParameterWithType)(poor, known, &value, 0, FG_PARAM_UINT32),
               FG_ERR_INVALID_ARGUMENT);

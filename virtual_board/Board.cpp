@@ -222,9 +222,9 @@ int Board::resolve(const Design& design, const char* name) {
     Access access{.kind = VBOARD_RESOLVE};
     access.id = faultOf(access);
     if (access.id == 0 && name != nullptr) {
-        const int row = findParameter(name);
+        const int row = design.find(name);
         // The runtime's own parameters have no name here.
-        if (row >= 0 && design.has(row) && parameterRows()[place(row)].number == 0) access.id = idOfRow(row);
+        if (row >= 0 && parameterRows()[place(row)].number == 0) access.id = idOfRow(row);
     }
     finish(access, FG_OK, name != nullptr ? name : "");
     return access.id;

@@ -11,6 +11,7 @@ namespace {
 
 struct Settings {
     std::vector<bool> lackingParameters = std::vector<bool>(parameterRows().size());
+    std::map<std::string, int, std::less<>> aliases; // to the row
     std::vector<bool> lackingEvents = std::vector<bool>(eventRows().size());
     int extraEvents = 0;
     bool refuseDesigns = false;
@@ -48,6 +49,7 @@ std::shared_ptr<const Design> Design::load() {
 
     const std::shared_ptr<Design> design(new Design);
     design->m_lacking = set.lackingParameters;
+    design->m_aliases = set.aliases;
     const auto rows = eventRows();
     for (std::size_t i = 0; i < rows.size(); ++i)
         if (!set.lackingEvents[i]) design->m_events.push_back(rows[i]);
@@ -57,6 +59,12 @@ std::shared_ptr<const Design> Design::load() {
     for (const std::string& name : design->m_extraNames)
         design->m_events.push_back({1, name.c_str()});
     return design;
+}
+
+int Design::find(std::string_view name) const {
+    int row = findParameter(name);
+    if (const auto alias = m_aliases.find(name); alias != m_aliases.end()) row = alias->second;
+    return row >= 0 && has(row) ? row : -1;
 }
 
 const TslEvent* Design::event(int index) const {
@@ -69,6 +77,14 @@ bool lackParameter(const char* name, bool lacking) {
     if (row < 0) return false;
     const std::lock_guard lock(settingsMutex);
     settings().lackingParameters[static_cast<std::size_t>(row)] = lacking;
+    return true;
+}
+
+bool aliasParameter(const char* alias, const char* name) {
+    const int row = alias != nullptr && name != nullptr ? findParameter(name) : -1;
+    if (row < 0 || findParameter(alias) >= 0) return false;
+    const std::lock_guard lock(settingsMutex);
+    settings().aliases.insert_or_assign(alias, row);
     return true;
 }
 

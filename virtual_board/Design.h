@@ -6,8 +6,11 @@
 
 #include <atomic>
 #include <cstddef>
+#include <functional>
+#include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace vboard {
@@ -35,6 +38,8 @@ public:
     /** A design by the present settings; null if designs are refused. */
     static std::shared_ptr<const Design> load();
 
+    /** Row of the parameter that answers to a name, or -1. */
+    int find(std::string_view name) const;
     bool has(int row) const { return !m_lacking[static_cast<std::size_t>(row)]; }
     /** Null outside. */
     const TslEvent* event(int index) const;
@@ -44,6 +49,7 @@ private:
 
     Live m_live{Live::designs};
     std::vector<bool> m_lacking; // by row of the parameters
+    std::map<std::string, int, std::less<>> m_aliases;
     std::vector<TslEvent> m_events;
     std::vector<std::string> m_extraNames;
 };
@@ -52,6 +58,7 @@ private:
  * The settings. Those of a name answer false for an unknown one.
  */
 bool lackParameter(const char* name, bool lacking);
+bool aliasParameter(const char* alias, const char* name);
 bool lackEvent(const char* name, bool lacking);
 bool hideEntry(const char* name, bool hidden);
 void appendExtraEvents(int count);

@@ -28,6 +28,7 @@ void vboard_reset(LOOMdevice* board) {
 }
 
 int vboard_lack_parameter(const char* name, bool lacking) { return known(lackParameter(name, lacking)); }
+int vboard_alias_parameter(const char* alias, const char* name) { return known(aliasParameter(alias, name)); }
 int vboard_lack_event(const char* name, bool lacking) { return known(lackEvent(name, lacking)); }
 int vboard_hide_entry(const char* name, bool hidden) { return known(hideEntry(name, hidden)); }
 void vboard_extra_events(int count) { appendExtraEvents(count); }

@@ -37,6 +37,9 @@ int vboard_live(const char* what);
 
 /** Takes a design parameter (full name, "Device1_...") out of every design or puts it back. */
 int vboard_lack_parameter(const char* name, bool lacking);
+/** Lets a design parameter answer to a second name in every design, which no other parameter may have. So a
+ *  design can have more of a kind, say output formats, than the model. Logs give the first name. */
+int vboard_alias_parameter(const char* alias, const char* name);
 /** Takes an event out of every design or puts it back; later events move up by one place. */
 int vboard_lack_event(const char* name, bool lacking);
 /** Hides a function of libgrabcore5.so from dlsym or shows it again. */

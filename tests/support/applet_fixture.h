@@ -152,6 +152,21 @@ protected:
         clearLog();
     }
 
+    /** A new handle on the board, which has its start values but for what `prepare` does. */
+    template <typename Prepare> void restart(Prepare prepare) {
+        EXPECT_EQ(grabber.free(), FG_OK);
+        board.reset(grabber.device);
+        prepare();
+        EXPECT_EQ(grabber.bringUp().error, FG_OK);
+        clearLog();
+    }
+    /** Changes a text of the design's image path. */
+    void tell(const std::string& name, const std::string& text) {
+        EXPECT_EQ(board.poke_text(grabber.device, ("Device1_Process0_" + name).c_str(), text.c_str()),
+                  VBOARD_OK)
+            << name;
+    }
+
     template <typename T> int set(int id, T value) { return grabber.set(id, value); }
     template <typename T> T get(int id) { return grabber.value<T>(id); }
     int lastError() { return grabber.lastError(); }

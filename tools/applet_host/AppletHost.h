@@ -63,6 +63,7 @@ struct BoardFunctions {
     decltype(&::vboard_reset) reset;
     decltype(&::vboard_live) live;
     decltype(&::vboard_lack_parameter) lack_parameter;
+    decltype(&::vboard_alias_parameter) alias_parameter;
     decltype(&::vboard_lack_event) lack_event;
     decltype(&::vboard_hide_entry) hide_entry;
     decltype(&::vboard_extra_events) extra_events;
