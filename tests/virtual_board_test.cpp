@@ -236,6 +236,48 @@ TEST_F(VirtualBoard, KnowsWhetherAnAcquisitionRuns) {
     EXPECT_FALSE(isRunning());
 }
 
+TEST_F(VirtualBoard, CountsRaisedEventsByMask) {
+    BOARD(vboard_extra_events)(40); // one of them past the masks
+    BOARD(vboard_lack_event)("Device1_Process0_Camera_LinkLost", true);
+    fpga_design* other = load();
+    Fg_Struct* moved = RUNTIME(InitHandle)("any.tsl", device, other);
+    LOADER(TslUnloadTslFile)(other);
+    const auto raised = [&](Fg_Struct* handle, std::uint64_t mask) {
+        return RUNTIME(getStatusEx)(handle, VBOARD_STATUS_EVENTS, static_cast<intptr_t>(mask), 0, nullptr);
+    };
+    const auto raise = [&](const char* name) { return BOARD(vboard_raise_event)(device, name); };
+    const char* overflow = "Device1_Process0_Overflow_Overflow"; // number 5, and 4 where one is lacking
+
+    for (const char* name : {overflow, overflow, "Device1_Process0_Camera_LinkLost", "Extra30", "Extra31"})
+        EXPECT_EQ(raise(name), VBOARD_OK) << name;
+    for (const char* name : {"Extra40", "Extra", "", "FG_OVERFLOW_CAM0"})
+        EXPECT_EQ(raise(name), VBOARD_UNKNOWN) << name;
+    EXPECT_EQ(raised(fg, ~(std::uint64_t{1} << 5 | std::uint64_t{1} << 4)), 0);
+    EXPECT_EQ(raised(fg, 1 << 5), 2);
+    EXPECT_EQ(raised(fg, 1 << 5), 0) << "told once";
+    EXPECT_EQ(raised(moved, std::uint64_t{1} << 63), 1) << "Extra30";
+    EXPECT_EQ(raised(moved, ~std::uint64_t{0}), 0) << "no other has a mask there";
+    EXPECT_EQ(raised(fg, 1 << 4), 1);
+    EXPECT_EQ(raise(overflow), VBOARD_OK);
+    EXPECT_EQ(raised(moved, 1 << 4), 1);
+    EXPECT_EQ(raise(overflow), VBOARD_OK);
+    BOARD(vboard_reset)(device);
+    EXPECT_EQ(raised(fg, ~std::uint64_t{0}), 0);
+    RUNTIME(FreeGrabber)(moved);
+}
+
+TEST_F(VirtualBoard, ChangesAValueWhenItIsRead) {
+    const std::string overflow = "Device1_Process0_OverflowOccurred_Status";
+    BOARD(vboard_poke_int)(device, overflow.c_str(), 1);
+    EXPECT_EQ(BOARD(vboard_poke_after_read)(device, overflow.c_str(), 3), VBOARD_OK);
+    for (const std::uint32_t expected : {1u, 3u, 0u}) {
+        std::uint32_t value = 9;
+        EXPECT_EQ(get(overflow, FG_PARAM_UINT32, value), 0);
+        EXPECT_EQ(value, expected);
+    }
+    EXPECT_EQ(BOARD(vboard_poke_after_read)(device, red.c_str(), 3), VBOARD_UNKNOWN);
+}
+
 /** Collects the leaves below a group and checks the links on the way. */
 void collect(const RegisterInfo* group, std::vector<const RegisterInfo*>& leaves) {
     for (int i = 0; i < group->value.group.childCount; ++i) {

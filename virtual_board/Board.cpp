@@ -65,6 +65,7 @@ void Board::putStartValues() {
     m_numbers.assign(rows.size(), 0);
     m_texts.assign(rows.size(), {});
     m_fields.assign(rows.size(), {});
+    m_afterRead.clear();
     m_failingParameters.assign(rows.size(), 0);
     for (std::size_t row = 0; row < rows.size(); ++row) {
         m_numbers[row] = rows[row].start;
@@ -186,6 +187,7 @@ int Board::fetch(Access& access, void* value, const char*& text) {
     access.value = converted(row.type, m_numbers[at], *type);
     storeNumber(*type, access.value, value);
     if (row.clearedByReading) m_numbers[at] = 0;
+    if (const auto next = m_afterRead.extract(at)) m_numbers[at] = next.mapped();
     return FG_OK;
 }
 
@@ -313,6 +315,19 @@ std::int64_t Board::waitForPicture(std::int64_t picture) {
     return m_picture = picture;
 }
 
+std::int64_t Board::takeEvents(const Design& design, std::uint64_t mask) {
+    std::int64_t times = 0;
+    for (int index = 0; index < 64; ++index) {
+        const TslEvent* event = design.event(index);
+        if (event == nullptr) break;
+        const auto raised = m_raisedEvents.find(event->name);
+        if ((mask >> index & 1) == 0 || raised == m_raisedEvents.end()) continue;
+        times += raised->second;
+        m_raisedEvents.erase(raised);
+    }
+    return times;
+}
+
 // Control.
 
 void Board::reset() {
@@ -325,6 +340,7 @@ void Board::reset() {
     m_lastError = 0;
     m_acquiring = false;
     m_picture = m_pictures = 0;
+    m_raisedEvents.clear();
 }
 
 void Board::setLogKinds(unsigned mask) {
@@ -415,6 +431,21 @@ bool Board::peek(std::string_view name, Type type, std::uint64_t& bits) {
     const std::uint64_t* number = numberCalled(name, own);
     if (number == nullptr) return false;
     bits = converted(own, *number, type);
+    return true;
+}
+
+bool Board::raiseEvent(const char* name) {
+    if (!isEvent(name)) return false;
+    const std::lock_guard lock(m_mutex);
+    ++m_raisedEvents[name];
+    return true;
+}
+
+bool Board::pokeAfterRead(std::string_view name, std::uint64_t number) {
+    const int row = findParameter(name);
+    if (row < 0 || !isNumber(parameterRows()[place(row)].type)) return false;
+    const std::lock_guard lock(m_mutex);
+    m_afterRead[place(row)] = converted(Type::i64, number, parameterRows()[place(row)].type);
     return true;
 }
 

@@ -12,6 +12,7 @@
 #include <atomic>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -58,6 +59,9 @@ public:
     std::int64_t nextPicture();
     std::int64_t waitForPicture(std::int64_t picture);
 
+    /** Inside `call` too: how often the events of a mask were raised since they were last asked for. */
+    std::int64_t takeEvents(const Design& design, std::uint64_t mask);
+
     /* Control. */
     void reset();
     void setLogKinds(unsigned mask);
@@ -70,7 +74,10 @@ public:
     void setAnswer(int function, std::int64_t value);
     void setLastError(int code);
     void attachApplet(const AttachedApplet& applet);
+    bool raiseEvent(const char* name);
     bool poke(std::string_view name, Type type, std::uint64_t bits);
+    /** An integer that takes the value's place when it is read next. */
+    bool pokeAfterRead(std::string_view name, std::uint64_t number);
     bool pokeText(std::string_view name, const char* text);
     bool peek(std::string_view name, Type type, std::uint64_t& bits);
     bool peekField(std::string_view name, std::uint32_t first, std::uint32_t count, std::uint32_t* values);
@@ -110,7 +117,8 @@ private:
     std::vector<std::string> m_texts;                 // of numbers: empty
     std::vector<std::vector<std::uint32_t>> m_fields; // empty until it is written: all zeros
     std::vector<int> m_failingParameters;
-    std::vector<std::uint64_t> m_registers; // by row of the registers, as the one below
+    std::map<std::size_t, std::uint64_t> m_afterRead; // by row too: what takes the number's place
+    std::vector<std::uint64_t> m_registers;           // by row of the registers, as the one below
     std::vector<int> m_failingRegisters;
 
     unsigned m_kinds;
@@ -125,6 +133,7 @@ private:
     int m_lastError = 0;
     AttachedApplet m_applet;
 
+    std::map<std::string, std::int64_t, std::less<>> m_raisedEvents;
     bool m_acquiring = false;
     std::int64_t m_picture = 0;
     std::int64_t m_pictures = 0;

@@ -30,6 +30,8 @@ Settings& settings() {
 std::array<std::atomic<bool>, std::size(runtimeEntries)> hiddenEntries;
 std::array<std::atomic<int>, Live::kinds> liveCounts;
 
+std::string extraEvent(int number) { return "Extra" + std::to_string(number); }
+
 int findEvent(std::string_view name) {
     const auto rows = eventRows();
     const auto found =
@@ -55,7 +57,7 @@ std::shared_ptr<const Design> Design::load() {
         if (!set.lackingEvents[i]) design->m_events.push_back(rows[i]);
     // All names before the first pointer to one of them.
     for (int i = 0; i < set.extraEvents; ++i)
-        design->m_extraNames.push_back("Extra" + std::to_string(i));
+        design->m_extraNames.push_back(extraEvent(i));
     for (const std::string& name : design->m_extraNames)
         design->m_events.push_back({1, name.c_str()});
     return design;
@@ -94,6 +96,15 @@ bool lackEvent(const char* name, bool lacking) {
     const std::lock_guard lock(settingsMutex);
     settings().lackingEvents[static_cast<std::size_t>(row)] = lacking;
     return true;
+}
+
+bool isEvent(const char* name) {
+    if (findEvent(name) >= 0) return true;
+    const std::lock_guard lock(settingsMutex);
+    int number = 0;
+    while (number < settings().extraEvents && extraEvent(number) != name)
+        ++number;
+    return number < settings().extraEvents;
 }
 
 bool hideEntry(const char* name, bool hidden) {

@@ -60,6 +60,7 @@ private:
 bool lackParameter(const char* name, bool lacking);
 bool aliasParameter(const char* alias, const char* name);
 bool lackEvent(const char* name, bool lacking);
+bool isEvent(const char* name);
 bool hideEntry(const char* name, bool hidden);
 void appendExtraEvents(int count);
 void refuseDesigns(bool refuse);

@@ -94,9 +94,18 @@ int vboard_poke_int(LOOMdevice* board, const char* name, int64_t value) {
                  board->poke(name, Type::i64, static_cast<std::uint64_t>(value)));
 }
 
+int vboard_poke_after_read(LOOMdevice* board, const char* name, int64_t value) {
+    return known(board != nullptr && name != nullptr &&
+                 board->pokeAfterRead(name, static_cast<std::uint64_t>(value)));
+}
+
 int vboard_poke_double(LOOMdevice* board, const char* name, double value) {
     return known(board != nullptr && name != nullptr &&
                  board->poke(name, Type::f64, std::bit_cast<std::uint64_t>(value)));
+}
+
+int vboard_raise_event(LOOMdevice* board, const char* name) {
+    return known(board != nullptr && name != nullptr && board->raiseEvent(name));
 }
 
 int vboard_poke_text(LOOMdevice* board, const char* name, const char* value) {

@@ -157,8 +157,12 @@ int stopAcquireEx(Fg_Struct* fg, int dma, void*, int) {
     return call(fg, entry("Fg_stopAcquireEx"), [&] { return fg->board.stopAcquisition(dma); });
 }
 
-int64_t getStatusEx(Fg_Struct* fg, int, intptr_t, int, void*) {
-    return callWide(fg, entry("Fg_getStatusEx"), [fg] { return fg->board.picture(); });
+int64_t getStatusEx(Fg_Struct* fg, int what, intptr_t mask, int, void*) {
+    return callWide(fg, entry("Fg_getStatusEx"), [=] {
+        return what == VBOARD_STATUS_EVENTS
+                   ? fg->board.takeEvents(*fg->design, static_cast<std::uint64_t>(mask))
+                   : fg->board.picture();
+    });
 }
 
 int64_t getLastPicNumberEx(Fg_Struct* fg, int, void*) {

@@ -28,7 +28,8 @@ enum { VBOARD_OK = 0, VBOARD_UNKNOWN = -1, VBOARD_TOO_SMALL = -2 };
 LOOMdevice* vboard_open(void);
 /** Releases a board; it is gone when the last handle of it is freed too. A null board does nothing. */
 void vboard_close(LOOMdevice* board);
-/** Puts start values back, clears the log, forgets faults and forced answers. What is logged stays chosen. */
+/** Puts start values back, clears the log, forgets faults, forced answers and raised events. What is logged
+ *  stays chosen. */
 void vboard_reset(LOOMdevice* board);
 
 /** How many "boards", "designs", "handles" (inner ones) or "strings" (handed out by the runtime) are alive.
@@ -105,8 +106,17 @@ typedef int vboard_config_function(Fg_Struct* fg, const char* file);
 void vboard_attach_applet(LOOMdevice* board, Fg_Struct* fg, vboard_config_function* save,
                           vboard_config_function* load);
 
+/** Raises an event of the design (its own name, or one of "Extra0", ...), as the hardware would, once. */
+int vboard_raise_event(LOOMdevice* board, const char* name);
+/** For the first argument of Fg_getStatusEx, which otherwise tells the number of the last picture: how often the
+ *  events of the mask in its second argument were raised since they were last asked for. A mask is as
+ *  Fg_getEventMask tells it; the events past the 64th have none. */
+enum { VBOARD_STATUS_EVENTS = 1000 };
+
 /* The present value of a design parameter or register, past every check: no log, no fault, no direction. */
 int vboard_poke_int(LOOMdevice* board, const char* name, int64_t value);
+/** The value that a parameter changes to when it is read next. */
+int vboard_poke_after_read(LOOMdevice* board, const char* name, int64_t value);
 int vboard_poke_double(LOOMdevice* board, const char* name, double value);
 int vboard_poke_text(LOOMdevice* board, const char* name, const char* value);
 int vboard_peek_int(LOOMdevice* board, const char* name, int64_t* value);

@@ -80,7 +80,9 @@ struct BoardFunctions {
     decltype(&::vboard_answer) answer;
     decltype(&::vboard_last_error) last_error;
     decltype(&::vboard_attach_applet) attach_applet;
+    decltype(&::vboard_raise_event) raise_event;
     decltype(&::vboard_poke_int) poke_int;
+    decltype(&::vboard_poke_after_read) poke_after_read;
     decltype(&::vboard_poke_double) poke_double;
     decltype(&::vboard_poke_text) poke_text;
     decltype(&::vboard_peek_int) peek_int;
