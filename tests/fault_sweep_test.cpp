@@ -127,4 +127,54 @@ TEST_P(LineTriggerFaults, EverySetter) {
 
 INSTANTIATE_TEST_SUITE_P(Modes, LineTriggerFaults, testing::Values(1u, 2u, 6u, 5u));
 
+class TriggerFaults : public FaultSweepTest {};
+
+TEST_F(TriggerFaults, EverySetter) {
+    for (const std::uint32_t from : {0u, 2u, 8u, 5u, 6u})
+        for (const std::uint32_t to : {0u, 2u, 8u, 5u, 6u})
+            if (from != to) sweep({FG_IMGTRIGGERMODE, from, to});
+    ASSERT_EQ(set(FG_IMGTRIGGERMODE, 8u), 0);
+    sweep({FG_IMGTRIGGER_ASYNC_HEIGHT, 1024u, 16777216u});
+    sweep({FG_IMGTRIGGERON, 1u, 0u});
+    sweep({FG_FLASHON, 1u, 0u});
+    sweep({FG_IMGTRIGGERINSRC, 0u, ~0u});
+    sweep({FG_IMGTRIGGERINPOLARITY, 0u, 1u});
+    sweep({FG_IMGTRIGGERGATEDELAY, 0u, 65535u});
+    sweep({FG_IMGTRIGGERDEBOUNCING, 0.112, 65.0});
+    sweep({FG_FLASH_POLARITY, 1u, 0u});
+    sweep({FG_STROBEPULSEDELAY, 0u, 7u});
+    sweep({FG_SENDSOFTWARETRIGGER, 1u, 1u});
+    sweep({FG_SETSOFTWARETRIGGER, 0u, 1u});
+    sweep({FG_SHAFTENCODERON, 0u, 1u});
+    sweep({FG_SHAFTENCODERON, 1u, 0u});
+    ASSERT_EQ(set(FG_SHAFTENCODERON, 1u), 0);
+    sweep({FG_SHAFTENCODERMODE, 1u, 3u});
+    sweep({FG_SHAFTENCODERINSRC, 2u, 19u});
+    sweep({FG_SHAFTENCODERLEADING, 0u, 1u});
+    sweep({FG_SHAFTENCODER_COMPENSATION_ENABLE, 1u, 0u});
+    sweep({FG_SIGNAL_ANALYZER_CLEAR, 1u, 1u});
+    sweep({FG_CLHS_TRIGGER_PULSE_MESSAGE, 1u, 23u});
+}
+
+TEST_F(TriggerFaults, EveryRoute) {
+    for (const auto& [source, polarity] : {std::pair{200338, 200354},
+                                           {200384, 200410},
+                                           {200385, 200411},
+                                           {200386, 200412},
+                                           {200387, 200413},
+                                           {200388, 200414},
+                                           {200389, 200415},
+                                           {200390, 200416},
+                                           {200391, 200417},
+                                           {200392, 200418},
+                                           {200393, 200419},
+                                           {200420, 200421},
+                                           {200430, 200431},
+                                           {200440, 200441},
+                                           {200442, 200443}}) {
+        sweep({source, 1001u, 2007u});
+        sweep({polarity, 1u, 0u});
+    }
+}
+
 } // namespace
