@@ -135,7 +135,8 @@ enum FgInfoCode {
     /**
      * Fills the FgEventRecord `out` for the event with mask `arg1`. `arg2` is the record's version: 0 has no
      * description, 1 has one, 2 takes the mask from the 64-bit word at `in` unless that is null.
-     * FG_ERR_INVALID_ARGUMENT: `out` is null, or no design of the process has raised such an event's name.
+     * FG_ERR_INVALID_ARGUMENT: `out` is null, or no object of the process has listed one of the applet's events
+     * under that mask.
      */
     FG_INFO_EVENT_RECORD = 5120
 };
@@ -231,10 +232,22 @@ uint64_t Fg_getEventMask(Fg_Struct* fg, const char* name);
 /** Name of the event with exactly that mask, owned by the object; null if there is none. */
 const char* Fg_getEventName(Fg_Struct* fg, uint64_t mask);
 
-/** Saves all parameters to a file. Not built yet: FG_ERR_NOT_SUPPORTED. */
+/**
+ * Saves the state of the parameters to a text file, whose name must hold ".mcf". 0, or FG_ERR_SAVE_CONFIG if the file
+ * cannot be created; a getter that fails costs its own line only, and a full disk is told in the log alone.
+ *
+ * Numbers are written with the decimal separator of the process locale, which is first set to "English" where a locale
+ * of that name exists. Takes no lock: no other thread may use the handle's parameters meanwhile.
+ */
 int Fg_saveConfig(Fg_Struct* fg, const char* file);
 
-/** Loads parameters from a file. Not built yet: FG_ERR_NOT_SUPPORTED. */
+/**
+ * Loads a file that Fg_saveConfig wrote for this applet. Locale and locks as there.
+ *
+ * 0, also if setters refused some of the values, which nobody reports: read them back. FG_ERR_LOAD_CONFIG if any key is
+ * missing, with all others applied, or for another applet's file, with nothing applied. FG_ERR_FILE_TYPE if there is no
+ * such file or its name does not hold ".mcf"; the last error is then FG_ERR_LOAD_CONFIG.
+ */
 int Fg_loadConfig(Fg_Struct* fg, const char* file);
 
 /** Result of the last call on this handle that stored one. */

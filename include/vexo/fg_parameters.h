@@ -46,9 +46,11 @@ enum FgParameterId {
     FG_TRIGGEROUT_FRONT_GPO_0_POLARITY = 200418, /**< Front GPO 0 Polarity: enumeration */
     FG_TRIGGEROUT_FRONT_GPO_1_SOURCE = 200393,   /**< Front GPO 1 Source: enumeration */
     FG_TRIGGEROUT_FRONT_GPO_1_POLARITY = 200419, /**< Front GPO 1 Polarity: enumeration */
-    FG_DIGIO_OUTPUT = 14020,                     /**< Legacy Digital Output: signed */
+    FG_DIGIO_OUTPUT =
+        14020, /**< Legacy Digital Output: signed; bit 0 is GPO 3, bit 1 GPO 7; -1: other signals */
     /* Digital I/O / GPI */
-    FG_DIGIO_INPUT = 14010, /**< Digital Input: unsigned, read-only */
+    FG_DIGIO_INPUT =
+        14010, /**< Digital Input: unsigned, read-only; bits 0 to 7 are GPI 0 to 7, bits 8 to 11 front GPI 0 to 3 */
     /* Digital I/O / Event Source */
     FG_CUSTOM_SIGNAL_EVENT_0_SOURCE = 200440,   /**< Custom Signal Event 0 Source: enumeration */
     FG_CUSTOM_SIGNAL_EVENT_0_POLARITY = 200441, /**< Custom Signal Event 0 Polarity: enumeration */
@@ -166,15 +168,16 @@ enum FgParameterId {
     FG_CAMERASIMULATOR_ACTIVE = 30101,          /**< Active Parts: unsigned, pixel, read-only */
     FG_CAMERASIMULATOR_PASSIVE = 30100,         /**< Passive Parts: unsigned, pixel, read-only */
     /* Miscellaneous */
-    FG_TIMEOUT = 600,                             /**< Timeout: unsigned, seconds */
-    FG_APPLET_VERSION = 24020,                    /**< Applet version: unsigned, read-only */
-    FG_APPLET_REVISION = 24030,                   /**< Applet revision: unsigned, read-only */
-    FG_APPLET_ID = 24010,                         /**< Applet Id: text, read-only */
-    FG_APPLET_BUILD_TIME = 24011,                 /**< Build Time: text, read-only */
-    FG_TSL_FILE = 24108,                          /**< TSL file: text, read-only */
-    FG_DMASTATUS = 24092,                         /**< DMA Status: unsigned, read-only */
-    FG_CAMSTATUS = 2000,                          /**< Camera Status: unsigned, read-only */
-    FG_CAMSTATUS_EXTENDED = 2050,                 /**< Camera Status Extended: unsigned, read-only */
+    FG_TIMEOUT = 600,             /**< Timeout: unsigned, seconds */
+    FG_APPLET_VERSION = 24020,    /**< Applet version: unsigned, read-only */
+    FG_APPLET_REVISION = 24030,   /**< Applet revision: unsigned, read-only */
+    FG_APPLET_ID = 24010,         /**< Applet Id: text, read-only */
+    FG_APPLET_BUILD_TIME = 24011, /**< Build Time: text, read-only */
+    FG_TSL_FILE = 24108,          /**< TSL file: text, read-only */
+    FG_DMASTATUS = 24092,         /**< DMA Status: unsigned, read-only; 0 stopped, 1 started */
+    FG_CAMSTATUS = 2000,          /**< Camera Status: unsigned, read-only; bit 0 of the next */
+    FG_CAMSTATUS_EXTENDED =
+        2050, /**< Camera Status Extended: unsigned, read-only; bits: 0 pixel clock, 1 line valid, 2 frame valid, 3 camera control, 4 external trigger, 5 overflow, 6 and 7 fill level in quarters */
     FG_SYSTEMMONITOR_FPGA_TEMPERATURE = 200341,   /**< FGPA Temperature: floating point, Celsius, read-only */
     FG_SYSTEMMONITOR_FPGA_VCC_INT = 200342,       /**< FGPA Vcc Int: floating point, V, read-only */
     FG_SYSTEMMONITOR_FPGA_VCC_AUX = 200343,       /**< FGPA Vcc Aux: floating point, V, read-only */
@@ -187,9 +190,10 @@ enum FgParameterId {
     FG_SYSTEMMONITOR_PCIE_TRAINED_PAYLOAD_SIZE =
         200377, /**< PCIe Trained Payload Size: unsigned, byte, read-only */
     FG_SYSTEMMONITOR_EXTENSION_CONNECTOR_PRESENT =
-        200378,                              /**< Extension Connector Present: enumeration, read-only */
-    FG_ALTERNATIVE_BOARD_DETECTION = 200381, /**< Alternative Board Detection: enumeration, read-only */
-    FG_SYSTEMMONITOR_FPGA_DNA = 200349,      /**< FPGA DNA: unsigned 64 bits, read-only */
+        200378, /**< Extension Connector Present: enumeration, read-only */
+    FG_ALTERNATIVE_BOARD_DETECTION =
+        200381, /**< Alternative Board Detection: enumeration, read-only; on where the design's word is 0 */
+    FG_SYSTEMMONITOR_FPGA_DNA = 200349, /**< FPGA DNA: unsigned 64 bits, read-only */
     /* Miscellaneous / Debug */
     FG_DEBUGSOURCE = 900001,     /**< Debug Source: unsigned */
     FG_DEBUGSOURCENAME = 900006, /**< Debug Source Name: text, read-only */

@@ -180,7 +180,7 @@ int FgLoomWrapper::Fg_getLastErrorNumberLoom() {
     return wrapperFg().Fg_getLastErrorNumber(grabcoreFg());
 }
 
-// Configuration files and the XML document are not built yet.
+// The XML document is not built yet.
 
 int FgLoomWrapper::Fg_getParameterInfoXML(Fg_Struct*, int, char*, unsigned long*) {
     return fgError().setErr(FG_ERR_NOT_SUPPORTED);

@@ -371,7 +371,8 @@ private:
     std::uint32_t m_sendSoftwareTrigger = FG_APPLY;
     std::uint32_t m_setSoftwareTrigger = FG_LOW;
 
-    // ---- Signal routing: trigger/signal_routing.cpp. Sources and polarities as the design last took them.
+    // ---- Signal routing: trigger/signal_routing.cpp. Sources and polarities as the design last took them; a load
+    // stores the camera trigger's beforehand, as it does with most variables.
 
     std::uint32_t m_triggerCameraSource = FG_SIGNAL_CAM0_EXSYNC, m_triggerCameraPolarity = FG_HIGH;
     std::uint32_t m_gpo0Source = FG_SIGNAL_CAM0_FLASH, m_gpo0Polarity = FG_HIGH;

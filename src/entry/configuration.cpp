@@ -73,7 +73,7 @@ int FgLoomWrapper::Fg_saveConfig(Fg_Struct*, const char* file) {
     parser.writeConfigFileIntKey("AktivePort", port);
     saveParameters(&parser);
     // Reported as a success, on purpose: callers know no code for it.
-    if (parser.hasFailed()) log(levels::accessFailed, "cannot write all of configuration file '", file, "'");
+    if (!parser.finishSaveFile()) log(levels::accessFailed, "cannot write all of configuration file '", file, "'");
     return fgError().setErr(FG_OK);
 }
 

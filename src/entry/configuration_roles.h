@@ -38,8 +38,9 @@ constexpr FileRole StoredIn(std::uint32_t FgLoomWrapperImpl::*word) {
 constexpr FileRole StoredIn(double FgLoomWrapperImpl::*number) {
     return {.saved = true, .required = true, .member = {.number = number}};
 }
+/** Through the setter alone: what it sets is not a plain variable, or one that only an accepted value may reach. */
 inline constexpr FileRole Applied{.saved = true, .required = true, .applied = true};
-/** The setters of its neighbours see the new value as well. */
+/** The setters of its neighbours see the new value as well, even one that its own setter then refuses. */
 inline constexpr FileRole StoredAndApplied{
     .saved = true, .required = true, .storesSource = true, .applied = true};
 
@@ -55,6 +56,8 @@ template <auto source> constexpr FileRole withMember(FileRole role) {
         role.member.number = source;
     else if constexpr (std::is_same_v<Source, std::string FgLoomWrapperImpl::*>)
         role.member.text = source;
+    else
+        throw "nothing to store into"; // in a constant expression: does not compile
     return role;
 }
 

@@ -2,6 +2,7 @@
 
 #include "files/LineReader.h"
 #include "support/Fg_Log.h"
+#include "vexo/fg_errors.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -14,7 +15,7 @@ constexpr std::string_view extension = ".mcf";
 constexpr std::string_view headerSection = "[Kamerasektion]\n";
 constexpr std::string_view versionLine = "\nConfigFileVersion=2.0;\n";
 constexpr std::string_view missingKey = "Error";
-constexpr std::size_t mostLines = 65536;
+constexpr std::size_t mostLines = 1 << 20;
 
 constexpr const char* typeOk = "File type ok";
 constexpr const char* typeNotOk = "File type not ok";
@@ -149,7 +150,7 @@ void Fg_ConfigFileParser::readLines() {
 
 /** Number of the line behind the section's own; that of the file's end if there is no such section. */
 std::size_t Fg_ConfigFileParser::lineBehind(std::string_view section) {
-    if (m_section != section) {
+    if (!m_section || *m_section != section) {
         const auto found = std::ranges::find_if(
             m_lines, [section](const std::string& line) { return contains(line, section); });
         m_section = section;
@@ -191,7 +192,7 @@ int Fg_ConfigFileParser::parseNumber(std::string_view section, std::string_view 
                                      int (Fg_ConfigFileParser::*convert)(const char*, T*) const) {
     std::string text;
     parseKey(section, key, text);
-    if (contains(text, missingKey)) return -1;
+    if (contains(text, missingKey)) return FG_ERR_PARSER;
     return (this->*convert)(text.c_str(), value);
 }
 
@@ -222,23 +223,23 @@ int Fg_ConfigFileParser::parseIntKeyFromHeader(std::string_view key, int* value)
 }
 
 int Fg_ConfigFileParser::parseKeySection(int port, const char* key, std::string& out) {
-    return key != nullptr ? parseKey(getPortString(port), key, out) : -1;
+    return key != nullptr ? parseKey(getPortString(port), key, out) : FG_ERR_PARSER;
 }
 
 int Fg_ConfigFileParser::parseIntKeySection(int port, const char* key, int* value) {
-    return key != nullptr ? parseIntKey(getPortString(port), key, value) : -1;
+    return key != nullptr ? parseIntKey(getPortString(port), key, value) : FG_ERR_PARSER;
 }
 
 int Fg_ConfigFileParser::parseUInt64KeySection(int port, const char* key, std::uint64_t* value) {
-    return key != nullptr ? parseUInt64Key(getPortString(port), key, value) : -1;
+    return key != nullptr ? parseUInt64Key(getPortString(port), key, value) : FG_ERR_PARSER;
 }
 
 int Fg_ConfigFileParser::parseInt64KeySection(int port, const char* key, std::int64_t* value) {
-    return key != nullptr ? parseInt64Key(getPortString(port), key, value) : -1;
+    return key != nullptr ? parseInt64Key(getPortString(port), key, value) : FG_ERR_PARSER;
 }
 
 int Fg_ConfigFileParser::parseDoubleKeySection(int port, const char* key, double* value) {
-    return key != nullptr ? parseDoubleKey(getPortString(port), key, value) : -1;
+    return key != nullptr ? parseDoubleKey(getPortString(port), key, value) : FG_ERR_PARSER;
 }
 
 int Fg_ConfigFileParser::getIntValue(const char* text, int* value) const {

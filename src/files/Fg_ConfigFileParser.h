@@ -5,6 +5,7 @@
 #include "files/TextFile.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,7 +18,7 @@ class Fg_Log;
  * not survive. The decimal separator is that of the process locale.
  *
  * The reader is lenient: it takes the first line behind the section's own that begins with the key, even if that
- * stands in a later section. Of a file it keeps the first 65,536 lines of at most 255 bytes; what a longer line has
+ * stands in a later section. Of a file it keeps the first million lines of at most 255 bytes; what a longer line has
  * beyond them comes as further lines. A line ends at a NUL byte.
  *
  * A parser serves one file and one thread at a time; several work side by side. The log may be null.
@@ -39,8 +40,8 @@ public:
 
     /** Creates or empties the file that the write functions write to. */
     bool setSaveFile(const char* path);
-    /** Whether something could not be written. */
-    bool hasFailed() const { return m_file.hasFailed(); }
+    /** Closes the file. False if any of it could not be written. */
+    bool finishSaveFile() { return m_file.finish(); }
     void writeConfigFileHeader();
     void writeConfigFilePortA();
     void writeConfigFilePortB();
@@ -95,9 +96,9 @@ private:
 
     TextFile m_file;
     Fg_Log* m_log;
-    std::vector<std::string> m_lines; // of the file that the constructor opened
-    std::string m_section;            // looked for last
-    std::size_t m_sectionEnd = 0;     // the line behind its own
+    std::vector<std::string> m_lines;     // of the file that the constructor opened
+    std::optional<std::string> m_section; // looked for last
+    std::size_t m_sectionEnd = 0;         // the line behind its own
 };
 
 #endif

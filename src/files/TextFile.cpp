@@ -50,6 +50,11 @@ void TextFile::write(std::string_view text) {
     }
 }
 
+bool TextFile::finish() {
+    close();
+    return !m_failed;
+}
+
 void TextFile::close() {
-    if (isOpen()) ::close(std::exchange(m_descriptor, -1));
+    if (isOpen() && ::close(std::exchange(m_descriptor, -1)) != 0) m_failed = true;
 }

@@ -32,8 +32,8 @@ public:
     std::uint64_t size() const;
     /** Hands the text to the system before it returns. A failure is remembered, and nothing else comes of it. */
     void write(std::string_view text);
-    /** Whether a write to the open file has failed. */
-    bool hasFailed() const { return m_failed; }
+    /** Closes the file. False if a write to it has failed, which some file systems tell only now. */
+    bool finish();
 
 private:
     void close();
