@@ -13,7 +13,7 @@ std::string trigger(const std::string& name, std::uint32_t value) {
     return written("Trigger_Trigger_" + name, value);
 }
 
-/** A mode, what the design gets for it, and what the trigger's inputs and the height of its frames publish. */
+/** A mode, what the design gets for it, and what the input and the height of its frames publish. */
 struct Mode {
     std::uint32_t value, designValue, gated, length, inputAccess, heightAccess;
 };

@@ -1,5 +1,5 @@
-// Shaft encoder: pulses of two inputs, A and B, in the place of the line trigger's one input. Input A is the line
-// trigger's own source.
+// Shaft encoder: pulses of two inputs, A and B, in the place of the line trigger's one input. Input A is the
+// line trigger's own source.
 
 #include "catalogue/live_records.h"
 #include "entry/sdk_parameters.h"

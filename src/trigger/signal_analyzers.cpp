@@ -1,4 +1,5 @@
-// Signal analyzers: periods and pulses of two routed signals. What they measure, the readers of the design tell.
+// Signal analyzers: periods and pulses of two routed signals. Most of what they measure, the rows of the
+// parameters read straight from the design.
 
 #include "entry/sdk_parameters.h"
 #include "entry/setter_tools.h"

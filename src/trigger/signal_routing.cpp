@@ -1,5 +1,5 @@
-// Signal routing: which internal signal each output, analyzer and event listens to, and whether inverted. Each
-// is one pair of parameters, a source and a polarity, and one pair of the design's.
+// Signal routing: which internal signal each output, analyzer and event listens to, and whether inverted.
+// Each is one pair of parameters, a source and a polarity, and one pair of the design's.
 
 #include "entry/sdk_parameters.h"
 #include "entry/setter_tools.h"
