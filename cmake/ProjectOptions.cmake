@@ -18,7 +18,7 @@ set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG")
 set(CMAKE_C_FLAGS_RELEASE "-O2 -DNDEBUG")
 
-add_compile_options(-fstack-protector-strong)
+add_compile_options(-fstack-protector-strong -ffp-contract=off)
 # Unique symbols would keep the library in memory after dlclose.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-fno-gnu-unique>)

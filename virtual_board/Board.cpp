@@ -23,9 +23,9 @@ struct Run {
     std::uint32_t first, count;
     Type type;
     char* elements;
+    std::size_t stride; // from one to the next
 
-    std::size_t width() const { return type == Type::i32 || type == Type::u32 ? 4 : 8; }
-    void* operator[](std::uint32_t i) const { return elements + i * width(); }
+    void* operator[](std::uint32_t i) const { return elements + i * stride; }
     /** As the log keeps it. */
     std::uint64_t extent() const { return first | std::uint64_t{count} << 32; }
 };
@@ -37,13 +37,19 @@ std::optional<Run> runOf(int tag, const void* record) {
         FieldParameterInt_s element;
         std::memcpy(&element, bytes, sizeof element);
         // The value stands in the record itself.
-        return Run{element.index, 1, Type::u32, const_cast<char*>(bytes)};
+        return Run{element.index, 1, Type::u32, const_cast<char*>(bytes), sizeof element};
     }
     FieldParameterAccess access;
     std::memcpy(&access, bytes, sizeof access);
+    auto* elements = static_cast<char*>(access.values);
+    if (elements == nullptr && access.count > 0) return std::nullopt;
+    // Records of single elements: their values come one after the other, whatever index they bear.
+    if (access.vtype == FG_PARAM_FIELD_INT)
+        return Run{access.index, access.count, Type::u32, elements, sizeof(FieldParameterInt_s)};
     const auto type = typeOfTag(access.vtype);
-    if (!type || !isNumber(*type) || access.values == nullptr) return std::nullopt;
-    return Run{access.index, access.count, *type, static_cast<char*>(access.values)};
+    if (!type || !isNumber(*type)) return std::nullopt;
+    const std::size_t width = *type == Type::i32 || *type == Type::u32 ? 4 : 8;
+    return Run{access.index, access.count, *type, elements, width};
 }
 
 bool isInside(std::uint32_t first, std::uint32_t count) { return std::uint64_t{first} + count <= fieldSize; }

@@ -44,7 +44,9 @@ public:
     int get(const Design& design, int id, void* value, int dma, int tag);
     int resolve(const Design& design, const char* name);
     int lastError();
-    /** Saving or loading a file: `function` of the applet that is attached, with nothing of the board held. */
+    /**
+     * Saving or loading a file: `function` of the applet that is attached, with nothing of the board held.
+     */
     int configure(int function, vboard_config_function* AttachedApplet::*which, const char* file);
     /** Any other function of the runtime: performs it, unless a fault or a forced answer takes its place. */
     std::int64_t call(int function, const std::function<std::int64_t()>& perform);

@@ -63,7 +63,14 @@ typedef struct FieldParameterDouble_s {
     uint32_t index; /**< element, from 0 */
 } FieldParameterDouble_s;
 
-/** A run of elements of an array parameter. */
+/**
+ * A run of elements of an array parameter.
+ *
+ * A get fills the caller's elements, 64-bit ones with two elements of the array each; other tags fill
+ * nothing. A set takes 32-bit elements, of which only the first is tested against the parameter's limits;
+ * with FG_PARAM_FIELD_INT it reaches the design alone, and a get does not show it. A null array is refused
+ * unless the count is 0.
+ */
 typedef struct FieldParameterAccess {
     FgParamTypes vtype; /**< width of the caller's elements: tags 1 and 2 are 32 bits, 3 to 5 are 64 bits */
     uint32_t index;     /**< first element, from 0 */
@@ -135,8 +142,8 @@ enum FgInfoCode {
     /**
      * Fills the FgEventRecord `out` for the event with mask `arg1`. `arg2` is the record's version: 0 has no
      * description, 1 has one, 2 takes the mask from the 64-bit word at `in` unless that is null.
-     * FG_ERR_INVALID_ARGUMENT: `out` is null, or no object of the process has listed one of the applet's events
-     * under that mask.
+     * FG_ERR_INVALID_ARGUMENT: `out` is null, or no object of the process has listed one of the applet's
+     * events under that mask.
      */
     FG_INFO_EVENT_RECORD = 5120
 };
@@ -233,20 +240,22 @@ uint64_t Fg_getEventMask(Fg_Struct* fg, const char* name);
 const char* Fg_getEventName(Fg_Struct* fg, uint64_t mask);
 
 /**
- * Saves the state of the parameters to a text file, whose name must hold ".mcf". 0, or FG_ERR_SAVE_CONFIG if the file
- * cannot be created; a getter that fails costs its own line only, and a full disk is told in the log alone.
+ * Saves the state of the parameters to a text file, whose name must hold ".mcf". 0, or FG_ERR_SAVE_CONFIG if
+ * the file cannot be created; a getter that fails costs its own line only, and a full disk is told in the log
+ * alone.
  *
- * Numbers are written with the decimal separator of the process locale, which is first set to "English" where a locale
- * of that name exists. Takes no lock: no other thread may use the handle's parameters meanwhile.
+ * Numbers are written with the decimal separator of the process locale, which is first set to "English" where
+ * a locale of that name exists. Takes no lock: no other thread may use the handle's parameters meanwhile.
  */
 int Fg_saveConfig(Fg_Struct* fg, const char* file);
 
 /**
  * Loads a file that Fg_saveConfig wrote for this applet. Locale and locks as there.
  *
- * 0, also if setters refused some of the values, which nobody reports: read them back. FG_ERR_LOAD_CONFIG if any key is
- * missing, with all others applied, or for another applet's file, with nothing applied. FG_ERR_FILE_TYPE if there is no
- * such file or its name does not hold ".mcf"; the last error is then FG_ERR_LOAD_CONFIG.
+ * 0, also if setters refused some of the values, which nobody reports: read them back. FG_ERR_LOAD_CONFIG if
+ * any key is missing, with all others applied, or for another applet's file, with nothing applied.
+ * FG_ERR_FILE_TYPE if there is no such file or its name does not hold ".mcf"; the last error is then
+ * FG_ERR_LOAD_CONFIG.
  */
 int Fg_loadConfig(Fg_Struct* fg, const char* file);
 
@@ -260,9 +269,10 @@ int Fg_getLastErrorNumber(Fg_Struct* fg);
 int Fg_FreeGrabber(Fg_Struct* fg);
 
 /*
- * Forwarded to the runtime with its inner handle. The arguments pass unchanged and mean what the runtime makes
- * of them; their names are the usual ones. The result is the runtime's; FG_ERR_NOT_AVAILABLE: the runtime lacks
- * the function or the inner handle. After a negative result the runtime's last error is stored, else 0.
+ * Forwarded to the runtime with its inner handle. The arguments pass unchanged and mean what the runtime
+ * makes of them; their names are the usual ones. The result is the runtime's; FG_ERR_NOT_AVAILABLE: the
+ * runtime lacks the function or the inner handle. After a negative result the runtime's last error is stored,
+ * else 0.
  */
 int Fg_getAppletId(Fg_Struct* fg, uintptr_t arg);
 int Fg_AcquireEx(Fg_Struct* fg, int dma, intptr_t frames, int flags, void* memory);

@@ -30,7 +30,7 @@ enum FgResult {
     FG_ERR_NOT_SUPPORTED = -2130,
     /** Configuration file could not be loaded. */
     FG_ERR_LOAD_CONFIG = -5000,
-    /** Configuration file could not be created, or LUT file could not be read. */
+    /** Configuration file could not be created; LUT file could not be read or created. */
     FG_ERR_SAVE_CONFIG = -5001,
     /** Value out of range, or not in the parameter's enumeration. */
     FG_ERR_OUT_OF_RANGE = -6000,

@@ -135,8 +135,8 @@ enum FgParameterId {
     FG_LUT_VALUE_RED = 300009,   /**< Red LUT Values: array of unsigned */
     FG_LUT_VALUE_GREEN = 300010, /**< Green LUT Values: array of unsigned */
     FG_LUT_VALUE_BLUE = 300011,  /**< Blue LUT Values: array of unsigned */
-    FG_LUT_CUSTOM_FILE = 300000, /**< Load File: text */
-    FG_LUT_SAVE_FILE = 110021,   /**< Save File: text */
+    FG_LUT_CUSTOM_FILE = 300000, /**< Load File: text; read at once, or when the type becomes custom */
+    FG_LUT_SAVE_FILE = 110021,   /**< Save File: text; written at each set */
     /* Lookup Table / Applet Properties */
     FG_LUT_IMPLEMENTATION_TYPE = 300006, /**< LUT Implementation Type: enumeration, read-only */
     FG_LUT_IN_BITS = 300007,             /**< LUT In Bits: unsigned, bit, read-only */

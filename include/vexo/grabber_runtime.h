@@ -1,11 +1,11 @@
 /**
  * What the applet binds by name from the grabber runtime, libgrabcore5.so.
  *
- * Function types, not functions: the applet exports functions of the same names. Every entry is optional. What
- * the runtime lacks answers FG_ERR_NOT_AVAILABLE; a missing lookup by name finds nothing, a missing parameter
- * tree is null, a missing release of strings or of the handle is skipped. `fg` is the runtime's own handle, the
- * inner one.
- * Access functions return 0 on success and a negative code on failure, and act on the hardware at once.
+ * Function types, not functions: the applet exports functions of the same names. Every entry is optional.
+ * What the runtime lacks answers FG_ERR_NOT_AVAILABLE; a missing lookup by name finds nothing, a missing
+ * parameter tree is null, a missing release of strings or of the handle is skipped. `fg` is the runtime's own
+ * handle, the inner one. Access functions return 0 on success and a negative code on failure, and act on the
+ * hardware at once.
  */
 #ifndef VEXO_GRABBER_RUNTIME_H
 #define VEXO_GRABBER_RUNTIME_H

@@ -13,8 +13,8 @@
  *
  * Every addInfo... and addGroupInfo returns null and changes nothing when the port does not exist or is
  * finalized; addInfo... also when the parent is null, where addGroupInfo makes a top-level group. Texts are
- * copied. Records live until `destroy` of their port. There is no lock: the trees are built at bring-up, later
- * only single fields of live records change.
+ * copied. Records live until `destroy` of their port. There is no lock: the trees are built at bring-up,
+ * later only single fields of live records change.
  */
 class Fg_ParameterInfo {
 public:

@@ -190,7 +190,6 @@ private:
     struct FormatInput {
         std::uint32_t format = 0;
         std::uint32_t bits = 0;    // of one component
-        std::uint32_t flags = 0;   // what the design says besides; not used
         bool hasTrash = false;     // its branch can be silenced
         std::uint32_t trashId = 0; // design parameter that does so
     };
@@ -216,15 +215,13 @@ private:
     double m_simLineRate = 10240.0;      // Hz
     double m_simFrameRate = 10.0;        // Hz
     std::uint32_t m_simTriggerMode = SIMULATION_FREE_RUN;
-    // What the counters got, after rounding; known from the last step of the bring-up on.
-    std::uint32_t m_simAppliedWidth = 0;    // pixels
+    // What the counters got, after rounding.
+    std::uint32_t m_simAppliedWidth = 1024; // pixels
     std::uint32_t m_simAppliedLineGap = 0;  // pixels
-    std::uint32_t m_simAppliedHeight = 0;   // lines
     std::uint32_t m_simAppliedFrameGap = 0; // lines
-    double m_simAppliedFrameRate = 0.0;     // Hz, what frame rate mode starts from
-    double m_simMaxPixelRate = 0.0;         // pixels per second
+    double m_simAppliedFrameRate = 10.0;    // Hz, what frame rate mode starts from
 
-    void startSimulator();
+    void publishPixelFrequencyLimit();
     std::uint32_t simulatorLineGap();
     std::uint32_t simulatorFrameGap();
     double simulatorPixelFrequency(std::uint32_t mode);
@@ -260,7 +257,10 @@ private:
 
     // ---- Lookup table and processing: image/lookup_table.cpp
 
-    static constexpr std::uint32_t lutEntries = 16384;
+    static constexpr std::uint32_t lutInputBits = 14;
+    static constexpr std::uint32_t lutOutputBits = 16;
+    static constexpr std::uint32_t lutEntries = 1u << lutInputBits;
+    static constexpr std::uint32_t lutLargest = (1u << lutOutputBits) - 1;
     using LutTable = std::array<std::uint32_t, lutEntries>;
     struct LutColor;
     static const LutColor lutRed, lutGreen, lutBlue;
@@ -278,8 +278,8 @@ private:
     std::uint32_t m_processingInvert = FG_OFF;
 
     std::uint32_t lutImplementationType() { return LUT_IMPLEMENTATION_FULL_LUT; }
-    std::uint32_t lutInBits() { return 14; }
-    std::uint32_t lutOutBits() { return 16; }
+    std::uint32_t lutInBits() { return lutInputBits; }
+    std::uint32_t lutOutBits() { return lutOutputBits; }
     void publishProcessingAccess();
     void writeLutTables();
     void applyProcessingLut();

@@ -1,4 +1,5 @@
-// Configuration files: the whole state of the parameters, saved and loaded. Neither takes the lock of the parameters.
+// Configuration files: the whole state of the parameters, saved and loaded. Neither takes the lock of the
+// parameters.
 
 #include "entry/sdk_parameters.h"
 #include "entry/setter_tools.h"
@@ -73,7 +74,8 @@ int FgLoomWrapper::Fg_saveConfig(Fg_Struct*, const char* file) {
     parser.writeConfigFileIntKey("AktivePort", port);
     saveParameters(&parser);
     // Reported as a success, on purpose: callers know no code for it.
-    if (!parser.finishSaveFile()) log(levels::accessFailed, "cannot write all of configuration file '", file, "'");
+    if (!parser.finishSaveFile())
+        log(levels::accessFailed, "cannot write all of configuration file '", file, "'");
     return fgError().setErr(FG_OK);
 }
 

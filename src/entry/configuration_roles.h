@@ -38,7 +38,10 @@ constexpr FileRole StoredIn(std::uint32_t FgLoomWrapperImpl::*word) {
 constexpr FileRole StoredIn(double FgLoomWrapperImpl::*number) {
     return {.saved = true, .required = true, .member = {.number = number}};
 }
-/** Through the setter alone: what it sets is not a plain variable, or one that only an accepted value may reach. */
+/**
+ * Through the setter alone: what it sets is not a plain variable, or one that only an accepted value may
+ * reach.
+ */
 inline constexpr FileRole Applied{.saved = true, .required = true, .applied = true};
 /** The setters of its neighbours see the new value as well, even one that its own setter then refuses. */
 inline constexpr FileRole StoredAndApplied{

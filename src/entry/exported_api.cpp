@@ -18,8 +18,8 @@ struct Fg_Struct_s {
 namespace {
 
 /**
- * Calls `operation` with the object behind a handle. A bad handle, null or with a first word that is null or leads
- * to no object of ours, answers `refused`.
+ * Calls `operation` with the object behind a handle. A bad handle, null or with a first word that is null or
+ * leads to no object of ours, answers `refused`.
  */
 template <typename Operation, typename Result>
 Result withWrapper(const Fg_Struct* fg, Result refused, Operation operation) {

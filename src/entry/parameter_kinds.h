@@ -1,8 +1,7 @@
 /**
  * How the value of a parameter is taken from the caller and given to it.
  *
- * Each kind makes the columns of entry/sdk_parameters.h out of a parameter's setter and source. What a kind
- * cannot serve stays empty, and the id then answers as unknown.
+ * Each kind makes the columns of entry/sdk_parameters.h out of a parameter's setter and source.
  */
 #ifndef ENTRY_PARAMETER_KINDS_H
 #define ENTRY_PARAMETER_KINDS_H
@@ -157,6 +156,9 @@ struct Field {
     }
     static constexpr StartFunction* starter(auto, auto) { return nullptr; }
 
+    static bool isInside(const FieldParameterAccess& run, std::size_t size) {
+        return run.count <= size && run.index <= size - run.count;
+    }
     /** Fills the caller's record from the array. Refuses what lies outside of it. */
     static void readField(std::span<const std::uint32_t> field, void* record, FgParamTypes type);
 };

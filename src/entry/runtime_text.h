@@ -8,6 +8,14 @@
 /** Room for far more than any text of a design. */
 inline constexpr std::size_t runtimeTextRoom = 8192;
 
+/** What the names of the design's parameters of process 0 begin with. */
+inline constexpr char process0[] = "Device1_Process0_";
+
+/** Value of the digit at a place of a text; of what is none, and behind the end, what its code gives. */
+inline int digitAt(const std::string& text, std::size_t place) {
+    return (place < text.size() ? text[place] : '\0') - '0';
+}
+
 /** The text that `read` writes into a zeroed buffer. */
 template <typename Read> std::string readRuntimeText(Read read) {
     std::array<char, runtimeTextRoom> text{};

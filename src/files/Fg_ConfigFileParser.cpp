@@ -24,7 +24,10 @@ bool contains(std::string_view line, std::string_view text) {
     return line.find(text) != std::string_view::npos;
 }
 
-/** The part before the first of the delimiters, behind any that lead; empty if there is none. Takes it off `line`. */
+/**
+ * The part before the first of the delimiters, behind any that lead; empty if there is none. Takes it off
+ * `line`.
+ */
 std::string_view takeToken(std::string_view& line, std::string_view delimiters) {
     line.remove_prefix(std::min(line.find_first_not_of(delimiters), line.size()));
     const std::size_t length = std::min(line.find_first_of(delimiters), line.size());

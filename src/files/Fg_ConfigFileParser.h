@@ -13,13 +13,13 @@
 class Fg_Log;
 
 /**
- * Writes and reads the values of parameters as lines of text: a header section, and a section for each port, with
- * lines "KEY=123;" and "KEY='text';". There is no escape: a text with a quote, an equals sign or a semicolon does
- * not survive. The decimal separator is that of the process locale.
+ * Writes and reads the values of parameters as lines of text: a header section, and a section for each port,
+ * with lines "KEY=123;" and "KEY='text';". There is no escape: a text with a quote, an equals sign or a
+ * semicolon does not survive. The decimal separator is that of the process locale.
  *
- * The reader is lenient: it takes the first line behind the section's own that begins with the key, even if that
- * stands in a later section. Of a file it keeps the first million lines of at most 255 bytes; what a longer line has
- * beyond them comes as further lines. A line ends at a NUL byte.
+ * The reader is lenient: it takes the first line behind the section's own that begins with the key, even if
+ * that stands in a later section. Of a file it keeps the first million lines of at most 255 bytes; what a
+ * longer line has beyond them comes as further lines. A line ends at a NUL byte.
  *
  * A parser serves one file and one thread at a time; several work side by side. The log may be null.
  */
@@ -27,7 +27,10 @@ class Fg_ConfigFileParser {
 public:
     static constexpr int missing = -8000;
 
-    /** Opens the file for reading, also for writing unless `readOnly`; reports nothing. A null path opens nothing. */
+    /**
+     * Opens the file for reading, also for writing unless `readOnly`; reports nothing. A null path opens
+     * nothing.
+     */
     Fg_ConfigFileParser(Fg_Log* log, const char* path, bool readOnly);
     ~Fg_ConfigFileParser();
     Fg_ConfigFileParser(const Fg_ConfigFileParser&) = delete;
@@ -35,7 +38,10 @@ public:
 
     /** Whether the path holds ".mcf", at any place. */
     bool checkFileType(const char* path) const;
-    /** Whether the path can be opened for reading. A FIFO, a socket or a terminal cannot; a directory is empty. */
+    /**
+     * Whether the path can be opened for reading. A FIFO, a socket or a terminal cannot; a directory is
+     * empty.
+     */
     bool checkFileExist(const char* path) const;
 
     /** Creates or empties the file that the write functions write to. */
@@ -66,8 +72,8 @@ public:
     int getDoubleValue(const char* text, double* value) const;
 
     /*
-     * Texts: 0, or `missing` with "Error" in `out`. parseKeyFromLine takes the first line in the file that holds the
-     * key at any place.
+     * Texts: 0, or `missing` with "Error" in `out`. parseKeyFromLine takes the first line in the file that
+     * holds the key at any place.
      */
     int parseKeyFromLine(std::string_view key, std::string& out);
     int parseKey(std::string_view section, std::string_view key, std::string& out);

@@ -30,7 +30,9 @@ public:
     int descriptor() const { return m_descriptor; }
     /** How many bytes there are to read: none in a directory or a device, which read as an empty file. */
     std::uint64_t size() const;
-    /** Hands the text to the system before it returns. A failure is remembered, and nothing else comes of it. */
+    /**
+     * Hands the text to the system before it returns. A failure is remembered, and nothing else comes of it.
+     */
     void write(std::string_view text);
     /** Closes the file. False if a write to it has failed, which some file systems tell only now. */
     bool finish();

@@ -51,14 +51,8 @@ double publishable(double rate) { return std::max(rate, std::numeric_limits<doub
 
 } // namespace
 
-void FgLoomWrapperImpl::startSimulator() {
-    m_simAppliedWidth = 1024;
-    m_simAppliedLineGap = 0;
-    m_simAppliedHeight = 1024;
-    m_simAppliedFrameGap = 0;
-    m_simMaxPixelRate = maximumPixelRate;
-    publishMaximum(recordAt(indexOf(FG_CAMERASIMULATOR_PIXEL_FREQUENCY)), m_simMaxPixelRate / 1e6);
-    m_simAppliedFrameRate = 10.0;
+void FgLoomWrapperImpl::publishPixelFrequencyLimit() {
+    publishMaximum(recordAt(indexOf(FG_CAMERASIMULATOR_PIXEL_FREQUENCY)), maximumPixelRate / 1e6);
 }
 
 // ---- What reads back
@@ -139,7 +133,6 @@ void FgLoomWrapperImpl::applySimulatorWidth(std::uint32_t width, std::uint32_t g
 void FgLoomWrapperImpl::applySimulatorHeight(std::uint32_t height, std::uint32_t gap) {
     const std::uint32_t total = height + gap;
     requireAtMost(total, heightBudget);
-    m_simAppliedHeight = height;
     m_simAppliedFrameGap = gap;
     loomSet_Process0_CameraSimulator_Size_ImageHeight(total);
     loomSet_Process0_CameraSimulator_FrameGap_Number(height);
@@ -151,7 +144,7 @@ std::uint32_t FgLoomWrapperImpl::simulatorWidthLimit() {
     const std::uint32_t gap = simulatorLineGap();
     const std::uint32_t budget = widthBudget - gap;
     const auto allowedBy = [&](double linesPerSecond) {
-        return std::min(budget, counted(quotient(m_simMaxPixelRate, linesPerSecond) - gap - 32.0));
+        return std::min(budget, counted(quotient(maximumPixelRate, linesPerSecond) - gap - 32.0));
     };
     if (m_simSelectMode == FG_LINERATE) return allowedBy(currentLineRate());
     if (m_simSelectMode == FG_FRAMERATE) return allowedBy(m_simHeight * currentFrameRate());
@@ -163,14 +156,14 @@ std::uint32_t FgLoomWrapperImpl::simulatorLineGapLimit() {
     const std::uint32_t budget = widthBudget - m_simAppliedWidth;
     if (m_simSelectMode != FG_LINERATE) return budget;
     return std::min(budget,
-                    counted(quotient(m_simMaxPixelRate, currentLineRate()) - m_simAppliedWidth - 32.0));
+                    counted(quotient(maximumPixelRate, currentLineRate()) - m_simAppliedWidth - 32.0));
 }
 
 std::uint32_t FgLoomWrapperImpl::simulatorHeightLimit() {
     const std::uint32_t budget = heightBudget - simulatorFrameGap();
     if (m_simSelectMode != FG_FRAMERATE) return budget;
     return std::min(budget,
-                    counted(quotient(m_simMaxPixelRate, currentFrameRate() * (32.0 + m_simAppliedWidth))));
+                    counted(quotient(maximumPixelRate, currentFrameRate() * (32.0 + m_simAppliedWidth))));
 }
 
 std::uint32_t FgLoomWrapperImpl::simulatorFrameGapLimit() {
@@ -178,11 +171,11 @@ std::uint32_t FgLoomWrapperImpl::simulatorFrameGapLimit() {
 }
 
 double FgLoomWrapperImpl::simulatorLineRateLimit() const {
-    return m_simMaxPixelRate / (m_simAppliedWidth + 32.0);
+    return maximumPixelRate / (m_simAppliedWidth + 32.0);
 }
 
 double FgLoomWrapperImpl::simulatorFrameRateLimit() const {
-    return quotient(m_simMaxPixelRate, m_simHeight * (m_simAppliedWidth + 32));
+    return quotient(maximumPixelRate, m_simHeight * (m_simAppliedWidth + 32));
 }
 
 void FgLoomWrapperImpl::updateSimWidthRange() {

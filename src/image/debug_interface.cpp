@@ -1,8 +1,8 @@
-// Debug interface: the places of the image path where images can be injected and watched, and the bring-up step
-// that learns from the design what cannot be known at build time.
+// Debug interface: the places of the image path where images can be injected and watched, and the bring-up
+// step that learns from the design what cannot be known at build time.
 //
-// The design tells the path of each point; the names of its parameters are composed here, and their ids looked
-// up, at each access.
+// The design tells the path of each point; the names of its parameters are composed here, and their ids
+// looked up, at each access.
 
 #include "catalogue/live_records.h"
 #include "entry/sdk_parameters.h"
@@ -14,12 +14,10 @@ using namespace catalogue;
 
 namespace {
 
-std::string nameBelow(const std::string& path, const char* suffix) {
-    return "Device1_Process0_" + path + suffix;
-}
+std::string nameBelow(const std::string& path, const char* suffix) { return process0 + path + suffix; }
 
 std::string debugName(const char* what, const std::string& number = "") {
-    return "Device1_Process0_Debug_" + (what + number);
+    return std::string(process0) + "Debug_" + what + number;
 }
 
 constexpr const char* debugFile = "_DebugFile";
@@ -30,8 +28,8 @@ constexpr std::uint32_t outputOn = 2;
 constexpr std::size_t longestEntryText = 127;
 
 /**
- * The record with an id in the runtime's tree, or null: the children of a group and all below them come before
- * its siblings.
+ * The record with an id in the runtime's tree, or null: the children of a group and all below them come
+ * before its siblings.
  */
 const RegisterInfo* findParameterRecord(const RegisterInfo* node, std::uint32_t id) {
     for (; node != nullptr; node = node->next) {
@@ -66,7 +64,7 @@ std::string FgLoomWrapperImpl::requireText(const std::string& name) {
 }
 
 void FgLoomWrapperImpl::discoverDebugEntries() {
-    const int count = std::min(readText(debugName("Entries")).c_str()[0] - '0', 9);
+    const int count = std::min(digitAt(readText(debugName("Entries")), 0), 9);
     for (int i = 0; i < count; ++i) {
         const std::string number = std::to_string(i);
         DebugEntry& entry = m_debugEntries.emplace_back();
@@ -87,7 +85,7 @@ void FgLoomWrapperImpl::discoverDebugInterface() {
     quietly([this] {
         discoverDebugEntries();
         discoverOutputFormats();
-        startSimulator();
+        publishPixelFrequencyLimit();
     });
 }
 
@@ -143,7 +141,7 @@ void FgLoomWrapperImpl::updateDebugPixelRange() {
 
 void FgLoomWrapperImpl::set_FG_DEBUGSOURCE(std::uint32_t value) {
     // Without points the limit wraps, and anything passes.
-    requireAtMost(value, static_cast<std::uint32_t>(requireText(debugName("Entries")).c_str()[0] - '1'));
+    requireAtMost(value, static_cast<std::uint32_t>(digitAt(requireText(debugName("Entries")), 0) - 1));
     Replacement stored(m_debugSource, value);
     if (debugEntry().type == DebugEntry::unknown) refuse(FG_ERR_UNRESOLVED);
     publishAccess(recordAt(indexOf(FG_DEBUGOUTENABLE)),
@@ -191,7 +189,8 @@ void FgLoomWrapperImpl::set_FG_DEBUGWRITEFLAG(std::uint32_t value) {
 
 void FgLoomWrapperImpl::set_FG_DEBUGSAVECONFIG(const char* path) {
     Replacement stored(m_debugSaveConfig, std::string(path));
-    // The runtime comes back through the exported function, which takes no lock. What it answers is not looked at.
+    // The runtime comes back through the exported function, which takes no lock. What it answers is not
+    // looked at.
     saveUnwrappedConfig(path);
     stored.keep();
 }

@@ -1,5 +1,5 @@
-// Lookup table and processing: three tables of 14 bits in and 16 bits out, from a formula, a file, or entry by
-// entry. The caches are what a get answers; the design is never read.
+// Lookup table and processing: three tables of 14 bits in and 16 bits out, from a formula, a file, or entry
+// by entry. The caches are what a get answers; the design is never read.
 
 #include "catalogue/live_records.h"
 #include "entry/sdk_parameters.h"
@@ -29,20 +29,9 @@ constexpr FgLoomWrapperImpl::LutColor FgLoomWrapperImpl::lutBlue{
 
 namespace {
 
-constexpr unsigned inBits = 14;
-constexpr unsigned outBits = 16;
-constexpr std::uint32_t tableSize = 1u << inBits;
-constexpr std::uint32_t largestValue = (1u << outBits) - 1;
-
-/** True if the elements lie in a table of `size`. */
-bool fits(const FieldParameterAccess& run, std::size_t size) {
-    return run.count <= size && run.index <= size - run.count;
-}
-
 /** What a file holds, freed at the end. */
 struct LoadedTables {
-    LookupTable_s tables[3] = {
-        {nullptr, 0, tableSize, 0, 0}, {nullptr, 1, tableSize, 0, 0}, {nullptr, 2, tableSize, 0, 0}};
+    LookupTable_s tables[3]{};
 
     LoadedTables() = default;
     LoadedTables(const LoadedTables&) = delete;
@@ -71,7 +60,7 @@ void FgLoomWrapperImpl::writeLutTables() {
 
 void FgLoomWrapperImpl::applyProcessingLut() {
     if (m_lutType != LUT_TYPE_PROCESSING) return;
-    computeLutTable(m_lutRed, inBits, outBits,
+    computeLutTable(m_lutRed, lutInputBits, lutOutputBits,
                     {m_processingGain, m_processingGamma, m_processingOffset, m_processingInvert == FG_ON});
     m_lutGreen = m_lutRed;
     m_lutBlue = m_lutRed;
@@ -178,19 +167,19 @@ void FgLoomWrapperImpl::setLut(const LutColor& color, FieldRecord field) {
 }
 
 void FgLoomWrapperImpl::setLutElement(const LutColor& color, const FieldParameterInt_s& record) {
-    if (record.index >= lutEntries || record.value > largestValue) refuse(FG_ERR_OUT_OF_RANGE);
+    if (record.index >= lutEntries || record.value > lutLargest) refuse(FG_ERR_OUT_OF_RANGE);
     Replacement stored((this->*color.cache)[record.index], record.value);
     (this->*color.write)(&record, 0, FG_PARAM_FIELD_INT, true);
     stored.keep();
 }
 
 void FgLoomWrapperImpl::setLutRun(const LutColor& color, const FieldParameterAccess& record) {
-    if (!fits(record, lutEntries)) refuse(FG_ERR_OUT_OF_RANGE);
+    if (!kinds::Field::isInside(record, lutEntries)) refuse(FG_ERR_OUT_OF_RANGE);
     if (elementWidth(record.vtype) != sizeof(LutTable::value_type) && record.vtype != FG_PARAM_FIELD_INT)
         refuse(FG_ERR_INVALID_ARGUMENT);
     if (record.count > 0 && record.values == nullptr) refuse(FG_ERR_INVALID_ARGUMENT);
     // Of all elements the first alone is tested, on purpose.
-    if (record.count > 0 && *static_cast<const std::uint32_t*>(record.values) > largestValue)
+    if (record.count > 0 && *static_cast<const std::uint32_t*>(record.values) > lutLargest)
         refuse(FG_ERR_OUT_OF_RANGE);
 
     std::uint32_t* cache = (this->*color.cache).data();
@@ -201,7 +190,7 @@ void FgLoomWrapperImpl::setLutRun(const LutColor& color, const FieldParameterAcc
     setFieldCache(cache, &record); // records of single elements reach the design alone
     try {
         (this->*color.write)(&record, 0, FG_PARAM_FIELD_ACCESS, true);
-    } catch (int) {
+    } catch (...) {
         setFieldCache(cache, &old);
         throw;
     }
@@ -210,18 +199,3 @@ void FgLoomWrapperImpl::setLutRun(const LutColor& color, const FieldParameterAcc
 void FgLoomWrapperImpl::set_FG_LUT_VALUE_RED(FieldRecord field) { setLut(lutRed, field); }
 void FgLoomWrapperImpl::set_FG_LUT_VALUE_GREEN(FieldRecord field) { setLut(lutGreen, field); }
 void FgLoomWrapperImpl::set_FG_LUT_VALUE_BLUE(FieldRecord field) { setLut(lutBlue, field); }
-
-void kinds::Field::readField(std::span<const std::uint32_t> field, void* record, FgParamTypes type) {
-    if (type != FG_PARAM_FIELD_ACCESS) {
-        auto* element = static_cast<FieldParameterInt_s*>(record);
-        if (element->index >= field.size()) refuse(FG_ERR_INVALID_ARGUMENT);
-        FgLoomWrapper::getFieldCache(field.data(), element);
-        return;
-    }
-    const auto& run = *static_cast<const FieldParameterAccess*>(record);
-    const bool wide = FgLoomWrapper::elementWidth(run.vtype) > sizeof field[0];
-    if (run.index >= field.size() || !fits(run, wide ? field.size() / 2 : field.size()))
-        refuse(FG_ERR_INVALID_ARGUMENT);
-    if (run.count > 0 && run.values == nullptr) refuse(FG_ERR_INVALID_ARGUMENT);
-    FgLoomWrapper::getFieldCache(field.data(), &run);
-}

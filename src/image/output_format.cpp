@@ -13,16 +13,11 @@ using namespace catalogue;
 namespace {
 
 std::string formatName(const char* what, const std::string& number = "") {
-    return "Device1_Process0_OutputFormat_FG_FORMAT_" + (what + number);
+    return std::string(process0) + "OutputFormat_FG_FORMAT_" + what + number;
 }
-
-/** Value of a decimal digit; of what is none, what its code gives. */
-int digit(char character) { return character - '0'; }
 
 /** The first two characters as a number, whatever the text's length. */
-int twoDigits(const std::string& text) {
-    return 10 * digit(text.c_str()[0]) + digit(text.size() > 1 ? text[1] : '\0');
-}
+int twoDigits(const std::string& text) { return 10 * digitAt(text, 0) + digitAt(text, 1); }
 
 std::uint32_t formatBits(std::uint32_t format) {
     const std::optional<std::uint32_t> bits = shiftWidthOf(format);
@@ -35,20 +30,20 @@ std::uint32_t formatBits(std::uint32_t format) {
 void FgLoomWrapperImpl::discoverOutputFormats() {
     const std::string inputs = readText(formatName("NoOfInputs"));
     // Names have room for two digits.
-    const int count = std::min(inputs.size() == 2 ? twoDigits(inputs) : digit(inputs.c_str()[0]), 100);
+    const int count = std::min(inputs.size() == 2 ? twoDigits(inputs) : digitAt(inputs, 0), 100);
     m_formatMaxBits = twoDigits(readText(formatName("MaxBits")));
     for (int i = 0; i < count; ++i) {
         const std::string number = std::to_string(i);
         const std::string name = requireText(formatName("Input", number));
         const auto* known = std::ranges::find(outputFormats, name, &OutputFormat::name);
         if (known == std::end(outputFormats)) refuse(FG_ERR_UNRESOLVED);
-        m_formatInputs.push_back({.format = known->format, .bits = known->bits, .flags = known->flags});
+        m_formatInputs.push_back({.format = known->format, .bits = known->bits});
         FormatInput& input = m_formatInputs.back();
         const std::string flag = requireText(formatName("InputFlag", number));
         input.hasTrash = flag.starts_with('1');
         // One character even above 9, where it is no digit: the design has it so.
         if (input.hasTrash) {
-            const std::string trash = std::string("Device1_Process0_OutputFormat_Convert") +
+            const std::string trash = std::string(process0) + "OutputFormat_Convert" +
                                       static_cast<char>('0' + i) + "_VirtualTrash_EnableTrash_Value";
             input.trashId = static_cast<std::uint32_t>(getParameterIdByName(trash.c_str()));
         }

@@ -13,7 +13,6 @@ struct OutputFormat {
     std::string_view name;
     std::uint32_t format;
     std::uint32_t bits; // of one component
-    std::uint32_t flags = 0;
 };
 
 // A code of the packed and raw formats holds a pattern and a depth; here it is opaque.
@@ -21,10 +20,10 @@ inline constexpr OutputFormat outputFormats[] = {
     {"FG_GRAY", 3, 8},           {"FG_MONO8", 3, 8},          {"FG_GRAY10", 21, 10},
     {"FG_MONO10", 21, 10},       {"FG_GRAY12", 22, 12},       {"FG_MONO12", 22, 12},
     {"FG_GRAY14", 23, 14},       {"FG_MONO14", 23, 14},       {"FG_GRAY16", 1, 16},
-    {"FG_MONO16", 1, 16},        {"FG_COL24", 2, 8, 1},       {"FG_BGR8", 2, 8, 1},
-    {"FG_COL30", 5, 10, 1},      {"FG_BGR10", 5, 10, 1},      {"FG_COL36", 7, 12, 1},
-    {"FG_BGR12", 7, 12, 1},      {"FG_COL42", 9, 14, 1},      {"FG_BGR14", 9, 14, 1},
-    {"FG_COL48", 6, 16, 1},      {"FG_BGR16", 6, 16, 1},      {"FG_RGB8", 1025, 8},
+    {"FG_MONO16", 1, 16},        {"FG_COL24", 2, 8},          {"FG_BGR8", 2, 8},
+    {"FG_COL30", 5, 10},         {"FG_BGR10", 5, 10},         {"FG_COL36", 7, 12},
+    {"FG_BGR12", 7, 12},         {"FG_COL42", 9, 14},         {"FG_BGR14", 9, 14},
+    {"FG_COL48", 6, 16},         {"FG_BGR16", 6, 16},         {"FG_RGB8", 1025, 8},
     {"FG_RGB10", 1026, 10},      {"FG_RGB12", 1027, 12},      {"FG_RGB14", 1028, 14},
     {"FG_RGB16", 1029, 16},      {"FG_BAYERGR8", 12552, 8},   {"FG_BAYERGR10", 12560, 10},
     {"FG_BAYERGR12", 12562, 12}, {"FG_BAYERGR14", 12564, 14}, {"FG_BAYERGR16", 12566, 16},
@@ -33,8 +32,8 @@ inline constexpr OutputFormat outputFormats[] = {
     {"FG_BAYERGB10", 13072, 10}, {"FG_BAYERGB12", 13074, 12}, {"FG_BAYERGB14", 13076, 14},
     {"FG_BAYERGB16", 13078, 16}, {"FG_BAYERBG8", 13320, 8},   {"FG_BAYERBG10", 13328, 10},
     {"FG_BAYERBG12", 13330, 12}, {"FG_BAYERBG14", 13332, 14}, {"FG_BAYERBG16", 13334, 16},
-    {"FG_YUV422_8", 16904, 8},   {"FG_YCBCR422_8", 1825, 8},  {"FG_RGBA8", 1281, 8, 16},
-    {"FG_BGRA8", 5377, 8, 17},
+    {"FG_YUV422_8", 16904, 8},   {"FG_YCBCR422_8", 1825, 8},  {"FG_RGBA8", 1281, 8},
+    {"FG_BGRA8", 5377, 8},
 };
 
 /** Codes that no input bears, but that have a width for the custom shift. */
