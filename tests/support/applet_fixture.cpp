@@ -214,6 +214,17 @@ RegisterInfo* ParameterTest::record(int id) {
     return found;
 }
 
+std::string ParameterTest::text(int id) {
+    char* handed = nullptr;
+    EXPECT_EQ(grabber.get(id, &handed, 0, FG_PARAM_ALLOCATED_STRING), FG_OK) << id;
+    const std::string copy = handed != nullptr ? handed : "";
+    if (handed != nullptr)
+        EXPECT_EQ(
+            applet.Fg_freeParameterStringWithType(grabber.fg(), id, handed, 0, FG_PARAM_ALLOCATED_STRING),
+            FG_OK);
+    return copy;
+}
+
 std::vector<std::uint32_t> ParameterTest::accessOf(const std::vector<int>& ids) {
     std::vector<std::uint32_t> all;
     for (const int id : ids)

@@ -169,6 +169,11 @@ protected:
 
     template <typename T> int set(int id, T value) { return grabber.set(id, value); }
     template <typename T> T get(int id) { return grabber.value<T>(id); }
+    int setText(int id, const std::string& value) {
+        return applet.Fg_setParameterWithType(grabber.fg(), id, value.c_str(), 0, FG_PARAM_TEXT);
+    }
+    /** A text parameter as the library hands it out. */
+    std::string text(int id);
     int lastError() { return grabber.lastError(); }
     Lines log() { return grabber.log(); }
     void clearLog() { grabber.clearLog(); }
