@@ -130,7 +130,7 @@ Lines Grabber::log() const {
     const auto& board = host().board();
     Lines lines(board.log_size(device));
     for (std::size_t i = 0; i < lines.size(); ++i) {
-        char text[512] = "";
+        char text[8192] = "";
         EXPECT_GT(board.log_line(device, i, text, sizeof text), 0);
         lines[i] = text;
     }
