@@ -370,6 +370,18 @@ TEST_F(CameraSimulator, AFailedRateIsForgotten) {
     }
 }
 
+TEST_F(CameraSimulator, AFailedWidthReadsAsItWasRounded) {
+    // What reads back is what was about to be applied; the request behind it is the old one.
+    for (unsigned k = 1; k <= 3; ++k) {
+        SCOPED_TRACE(k);
+        ASSERT_EQ(set(FG_CAMERASIMULATOR_WIDTH, 1024u), 0);
+        board.fail_access(grabber.device, k, -4711, VBOARD_ONCE);
+        EXPECT_EQ(set(FG_CAMERASIMULATOR_WIDTH, 500u), -4711);
+        board.fail_access(grabber.device, 0, 0, VBOARD_ONCE);
+        EXPECT_EQ(get<std::uint32_t>(FG_CAMERASIMULATOR_WIDTH), k == 1 ? 1024u : 512u); // first the rate is read
+    }
+}
+
 TEST_F(CameraSimulator, NotANumberHarmsNobody) {
     for (const int id :
          {FG_CAMERASIMULATOR_PIXEL_FREQUENCY, FG_CAMERASIMULATOR_LINERATE, FG_CAMERASIMULATOR_FRAMERATE})
