@@ -2,7 +2,11 @@
 
 #include "support/applet_fixture.h"
 
+#include <cstdio>
+#include <fstream>
+#include <iterator>
 #include <map>
+#include <unistd.h>
 
 namespace {
 
@@ -255,6 +259,12 @@ TEST_F(DebugInterface, LongTextsAreCut) {
 }
 
 TEST_F(DebugInterface, SavesThroughTheRuntime) {
+    const std::string path = testing::TempDir() + "debug-save-" + std::to_string(getpid()) + ".mcf";
+    EXPECT_EQ(setText(FG_DEBUGSAVECONFIG, path), 0);
+    std::ifstream file(path);
+    EXPECT_EQ(Lines(std::istream_iterator<std::string>(file), {}).empty(), false) << path;
+    std::remove(path.c_str());
+
     // The runtime comes back to the applet, which serves it.
     static std::vector<std::string> saved;
     static std::uint32_t width = 0;
@@ -266,10 +276,10 @@ TEST_F(DebugInterface, SavesThroughTheRuntime) {
         return -5;
     };
     board.attach_applet(grabber.device, grabber.fg(), save, nullptr);
-    for (const std::string& file : {std::string("/tmp/some.mcf"), std::string()}) {
-        EXPECT_EQ(setText(FG_DEBUGSAVECONFIG, file), 0) << "whatever the save answers";
+    for (const std::string& name : {std::string("/tmp/some.mcf"), std::string()}) {
+        EXPECT_EQ(setText(FG_DEBUGSAVECONFIG, name), 0) << "whatever the save answers";
         EXPECT_EQ(lastError(), 0);
-        EXPECT_EQ(text(FG_DEBUGSAVECONFIG), file);
+        EXPECT_EQ(text(FG_DEBUGSAVECONFIG), name);
     }
     EXPECT_EQ(saved, (std::vector<std::string>{"/tmp/some.mcf", ""}));
     EXPECT_EQ(width, 1024u);
