@@ -3,8 +3,7 @@
 #include "support/applet_fixture.h"
 
 #include <cstdio>
-#include <fstream>
-#include <iterator>
+#include <filesystem>
 #include <map>
 #include <unistd.h>
 
@@ -261,8 +260,7 @@ TEST_F(DebugInterface, LongTextsAreCut) {
 TEST_F(DebugInterface, SavesThroughTheRuntime) {
     const std::string path = testing::TempDir() + "debug-save-" + std::to_string(getpid()) + ".mcf";
     EXPECT_EQ(setText(FG_DEBUGSAVECONFIG, path), 0);
-    std::ifstream file(path);
-    EXPECT_EQ(Lines(std::istream_iterator<std::string>(file), {}).empty(), false) << path;
+    EXPECT_GT(std::filesystem::file_size(path), 0u);
     std::remove(path.c_str());
 
     // The runtime comes back to the applet, which serves it.

@@ -182,20 +182,28 @@ TEST_F(ImageSequence, RefusedChangesNothingTakenChangesNothingElse) {
         const Values after = values();
         // Differences of unsigned words may have wrapped; then the region decides.
         const bool isLimit = parameter.step != 0 && (parameter.kind != Kind::word || maximum < 0x80000000);
-        if (isLimit && value == above(i, own)) ASSERT_NE(code, 0) << "beyond the published maximum";
-        if (isLimit && value == own && isTaken(i, own, before)) ASSERT_EQ(code, 0) << "the published maximum";
+        if (isLimit && value == above(i, own)) {
+            ASSERT_NE(code, 0) << "beyond the published maximum";
+        }
+        if (isLimit && value == own && isTaken(i, own, before)) {
+            ASSERT_EQ(code, 0) << "the published maximum";
+        }
         if (code != 0) {
             ++refused[i];
             ASSERT_EQ(after, before);
             ASSERT_TRUE(!hasWritten || parameter.writesBeforeRefusal);
         } else {
             ++taken[i];
-            if (parameter.readsBack) ASSERT_EQ(after[i], value);
+            if (parameter.readsBack) {
+                ASSERT_EQ(after[i], value);
+            }
             for (std::size_t k = 0; k < count; ++k) {
                 const bool follows =
                     parameter.subject == parameters[k].subject &&
                     (parameter.subject == Subject::simulator || parameter.subject == Subject::debug);
-                if (k != i && !follows) ASSERT_EQ(after[k], before[k]) << parameters[k].id << " has changed";
+                if (k != i && !follows) {
+                    ASSERT_EQ(after[k], before[k]) << parameters[k].id << " has changed";
+                }
             }
         }
         before = after;

@@ -217,11 +217,10 @@ RegisterInfo* ParameterTest::record(int id) {
 std::string ParameterTest::text(int id) {
     char* handed = nullptr;
     EXPECT_EQ(grabber.get(id, &handed, 0, FG_PARAM_ALLOCATED_STRING), FG_OK) << id;
-    const std::string copy = handed != nullptr ? handed : "";
-    if (handed != nullptr)
-        EXPECT_EQ(
-            applet.Fg_freeParameterStringWithType(grabber.fg(), id, handed, 0, FG_PARAM_ALLOCATED_STRING),
-            FG_OK);
+    if (handed == nullptr) return "";
+    const std::string copy = handed;
+    EXPECT_EQ(applet.Fg_freeParameterStringWithType(grabber.fg(), id, handed, 0, FG_PARAM_ALLOCATED_STRING),
+              FG_OK);
     return copy;
 }
 
