@@ -100,6 +100,10 @@ TEST_F(OutputFormatTest, AShiftTooFarForTheNewFormatSilencesItsBranchesAndRefuse
     EXPECT_EQ(maximum(FG_CUSTOM_BIT_SHIFT_RIGHT), 7u);
     expectAccepted(FG_CUSTOM_BIT_SHIFT_RIGHT, 7u, switched(0, 8));
     expectAccepted(FG_BITALIGNMENT, std::uint32_t{custom}, switched(0, 15));
+    // One bit is enough.
+    ASSERT_EQ(set(FG_FORMAT, 5u), 0);
+    expectAccepted(FG_CUSTOM_BIT_SHIFT_RIGHT, 8u, switched(1, 14));
+    expectRefused(FG_FORMAT, 2u, FG_ERR_OUT_OF_RANGE, silenced(0));
 }
 
 TEST_F(OutputFormatTest, AFormatThatTheDesignLacks) {

@@ -63,6 +63,8 @@ TEST_F(PixelFormatTest, RewritesTheBufferAndMovesTheLimits) {
         const bool right = vantage % 2 == 1, bottom = vantage >= 2;
         ASSERT_NO_FATAL_FAILURE(arrange(vantage));
         for (std::uint32_t i = 5; i-- > 0;) {
+            for (const int id : geometryIds)
+                record(id)->value.u32.maximum = 7777;
             expectAccepted(FG_PIXELFORMAT, 1025 + i,
                            {written("Buffer_0_PixelFormat", bitsOf[i]),
                             written("Buffer_0_SensorWidth", right ? 2048 : 1008),
