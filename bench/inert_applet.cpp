@@ -37,6 +37,7 @@ const InertApplet& InertApplet::instance() {
         find(library, "Fg_getParameterIdByName", found.idByName);
         find(library, "Fg_saveConfig", found.save);
         find(library, "Fg_loadConfig", found.load);
+        find(library, "Fg_getParameterInfoXML", found.document);
         find(library, "Fg_FreeGrabber", found.free);
         find(runtime, "Fg_setParameterWithType", found.runtimeSet);
         find(runtime, "Fg_getParameterWithType", found.runtimeGet);

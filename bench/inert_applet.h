@@ -18,6 +18,7 @@ struct InertApplet {
     decltype(&::Fg_getParameterIdByName) idByName;
     decltype(&::Fg_saveConfig) save;
     decltype(&::Fg_loadConfig) load;
+    decltype(&::Fg_getParameterInfoXML) document;
     decltype(&::Fg_FreeGrabber) free;
     grabcore_setParameterWithType* runtimeSet;
     grabcore_getParameterWithType* runtimeGet;

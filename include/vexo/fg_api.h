@@ -230,7 +230,18 @@ int Fg_getParameterIdByName(Fg_Struct* fg, const char* name);
  */
 RegisterInfo* Fg_getParameterInfo(Fg_Struct* fg, int index);
 
-/** Describes the parameter tree as XML. Not built yet: FG_ERR_NOT_SUPPORTED. */
+/**
+ * Describes parameter tree `index` as an XML document for readers of GenApi 1.0, with the limits and the
+ * access of the moment; values are not in it, nor are 64-bit integers, arrays and the DRA_ registers. Serves
+ * an object without a runtime too. Each call builds the document, the query of its size included. A limit that
+ * changes between query and copy may need another digit: be ready to ask again.
+ *
+ * @param buffer  takes the document and its terminating zero; null asks for the size only
+ * @param size    bytes at `buffer`; after success the bytes that the document needs, its zero included. A
+ *                failure leaves it alone
+ * @return 0; FG_ERR_INVALID_ARGUMENT: `size` is null; FG_ERR_BUFFER: document and zero do not fit; nothing
+ *         was copied; FG_ERR_NO_TRANSLATION: no such tree. Lack of memory leaves the function as std::bad_alloc.
+ */
 int Fg_getParameterInfoXML(Fg_Struct* fg, int index, char* buffer, unsigned long* size);
 
 /** Mask of the event of that name, an applet's or a design's; 0 for a bad handle or an unknown name. */

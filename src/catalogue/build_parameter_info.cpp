@@ -189,7 +189,7 @@ void FgLoomWrapperImpl::buildParameterInfo() {
 }
 
 void FgLoomWrapperImpl::addDirectRegisters() {
-    RegisterInfo* group = parameterInfo().addGroupInfo(port, nullptr, "Direct Register Access");
+    RegisterInfo* group = parameterInfo().addGroupInfo(port, nullptr, directRegisterGroup);
     if (group == nullptr) return;
     forEachRegister(designHandle(), [&](const DirectRegister& reg) {
         const int bits = TslGetRegisterBitRange(designHandle(), reg.number);

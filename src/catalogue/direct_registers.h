@@ -14,6 +14,9 @@ constexpr int movedId(int number, int offset) {
     return static_cast<int>(static_cast<unsigned>(number) + static_cast<unsigned>(offset));
 }
 
+/** Label of the group of the registers in the tree. */
+inline constexpr const char* directRegisterGroup = "Direct Register Access";
+
 struct DirectRegister {
     const char* name; // the design's
     int number;

@@ -1,7 +1,7 @@
 /**
  * Changes to records of the tree while the runtime may be reading them.
  *
- * Each change is one atomic store of the field's own width. A null record, which the tree gives when it could
+ * Each change is one atomic store of the field's own width, each read of such a field one atomic load. A null record, which the tree gives when it could
  * not add one, is left alone.
  */
 #ifndef CATALOGUE_LIVE_RECORDS_H
@@ -16,6 +16,11 @@ namespace catalogue {
 
 template <typename T> void storeLive(T& field, T value) {
     std::atomic_ref<T>(field).store(value, std::memory_order_relaxed);
+}
+
+/** Reads a field that may be changing. */
+template <typename T> T loadLive(const T& field) {
+    return std::atomic_ref<T>(const_cast<T&>(field)).load(std::memory_order_relaxed);
 }
 
 inline void publishAccess(RegisterInfo* record, std::uint32_t access) {

@@ -1,5 +1,6 @@
 #include "entry/FgLoomWrapper.h"
 
+#include "catalogue/ParameterInfoBuilderXML.h"
 #include "entry/LiveObjects.h"
 #include "support/library_flags.h"
 #include "templates/patterns/LibraryGuard.h"
@@ -180,10 +181,18 @@ int FgLoomWrapper::Fg_getLastErrorNumberLoom() {
     return wrapperFg().Fg_getLastErrorNumber(grabcoreFg());
 }
 
-// The XML document is not built yet.
+int FgLoomWrapper::Fg_getParameterInfoXML(Fg_Struct*, int index, char* buffer, unsigned long* size) {
+    if (size == nullptr) return fgError().setErr(FG_ERR_INVALID_ARGUMENT);
+    if (buffer != nullptr && *size == 0) return fgError().setErr(FG_ERR_BUFFER);
+    if (parameterInfo().getRegisterInfo(index) == nullptr) return fgError().setErr(FG_ERR_NO_TRANSLATION);
 
-int FgLoomWrapper::Fg_getParameterInfoXML(Fg_Struct*, int, char*, unsigned long*) {
-    return fgError().setErr(FG_ERR_NOT_SUPPORTED);
+    const std::string document = ParameterInfoBuilderXML(parameterInfo(), appletName(), index).build();
+    if (buffer != nullptr) {
+        if (document.size() >= *size) return fgError().setErr(FG_ERR_BUFFER);
+        std::memcpy(buffer, document.c_str(), document.size() + 1);
+    }
+    *size = document.size() + 1;
+    return fgError().setErr(FG_OK);
 }
 
 // No shading hardware: these stay as they are and complete the set of names.

@@ -1,0 +1,87 @@
+// The XML document beside the least that it can cost, in one run: compare the pairs of rows.
+
+#include "inert_applet.h"
+
+#include <benchmark/benchmark.h>
+
+#include <cstring>
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace {
+
+const InertApplet& applet() { return InertApplet::instance(); }
+
+/** The document of a handle, by the two calls. */
+std::string documentOf(Fg_Struct* fg) {
+    unsigned long size = 0;
+    applet().document(fg, 0, nullptr, &size);
+    std::string text(size, '\0');
+    applet().document(fg, 0, text.data(), &size);
+    text.resize(size - 1);
+    return text;
+}
+
+std::vector<std::string_view> linesOf(std::string_view text) {
+    std::vector<std::string_view> lines;
+    while (!text.empty()) {
+        lines.push_back(text.substr(0, text.find('\n') + 1));
+        text.remove_prefix(lines.back().size());
+    }
+    return lines;
+}
+
+/** The text of the document, appended to a string stream line by line. */
+std::string appended(const std::vector<std::string_view>& lines) {
+    std::ostringstream text;
+    for (const std::string_view line : lines)
+        text << line;
+    return std::move(text).str();
+}
+
+void document_size_least(benchmark::State& state) {
+    InertHandle handle;
+    const std::string text = documentOf(handle.fg());
+    const std::vector<std::string_view> lines = linesOf(text);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(appended(lines).size());
+}
+
+void document_size(benchmark::State& state) {
+    InertHandle handle;
+    for (auto _ : state) {
+        unsigned long size = 0;
+        benchmark::DoNotOptimize(applet().document(handle.fg(), 0, nullptr, &size));
+    }
+}
+
+void document_copy_least(benchmark::State& state) {
+    InertHandle handle;
+    const std::string text = documentOf(handle.fg());
+    const std::vector<std::string_view> lines = linesOf(text);
+    std::vector<char> buffer(text.size() + 1);
+    for (auto _ : state) {
+        const std::string copy = appended(lines);
+        std::memcpy(buffer.data(), copy.c_str(), copy.size() + 1);
+        benchmark::ClobberMemory();
+    }
+}
+
+void document_copy(benchmark::State& state) {
+    InertHandle handle;
+    std::vector<char> buffer(documentOf(handle.fg()).size() + 1);
+    for (auto _ : state) {
+        unsigned long size = buffer.size();
+        benchmark::DoNotOptimize(applet().document(handle.fg(), 0, buffer.data(), &size));
+    }
+}
+
+BENCHMARK(document_size_least)->Unit(benchmark::kMicrosecond);
+BENCHMARK(document_size)->Unit(benchmark::kMicrosecond);
+BENCHMARK(document_copy_least)->Unit(benchmark::kMicrosecond);
+BENCHMARK(document_copy)->Unit(benchmark::kMicrosecond);
+
+} // namespace

@@ -1,0 +1,201 @@
+// The XML document as a client gets it: whole, as data; sizes and codes; what it shows of a live tree.
+
+#include "support/applet_fixture.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <atomic>
+#include <fstream>
+#include <memory>
+#include <optional>
+#include <set>
+#include <sstream>
+#include <thread>
+
+#ifdef HAVE_LIBXML2
+#include <libxml/parser.h>
+#endif
+
+namespace {
+
+using namespace support;
+using testing::HasSubstr;
+
+std::string documentData() {
+    std::ostringstream text;
+    text << std::ifstream(std::string(TEST_DATA_DIR) + "/parameter_document.xml", std::ios::binary).rdbuf();
+    return text.str();
+}
+
+/** The document of a handle, by the two calls. */
+std::string documentOf(Fg_Struct* fg) {
+    const auto& applet = host().applet();
+    unsigned long size = 0;
+    EXPECT_EQ(applet.Fg_getParameterInfoXML(fg, 0, nullptr, &size), 0);
+    std::string text(size, '?');
+    EXPECT_EQ(applet.Fg_getParameterInfoXML(fg, 0, text.data(), &size), 0);
+    EXPECT_EQ(text.size(), size);
+    EXPECT_EQ(text.find('\0'), size - 1);
+    text.pop_back();
+    return text;
+}
+
+/** The first line in which two documents differ, of both; empty if they are the same. */
+std::string difference(const std::string& one, const std::string& other) {
+    const auto [a, b] = std::mismatch(one.begin(), one.end(), other.begin(), other.end());
+    if (a == one.end() && b == other.end()) return "";
+    const auto lineAt = [](const std::string& text, std::size_t place) {
+        const std::size_t start = place == 0 ? 0 : text.rfind('\n', place - 1) + 1;
+        return text.substr(start, text.find('\n', place) - start);
+    };
+    const auto place = static_cast<std::size_t>(a - one.begin());
+    return "byte " + std::to_string(place) + ": " + lineAt(one, place) + " | " + lineAt(other, place);
+}
+
+#ifdef HAVE_LIBXML2
+/** What the nodes of a document are called, and what they refer to. */
+struct Names {
+    std::multiset<std::string> nodes;
+    std::set<std::string> references;
+};
+
+void collect(const xmlNode* first, Names& names) {
+    for (const xmlNode* node = first; node != nullptr; node = node->next) {
+        if (node->type != XML_ELEMENT_NODE) continue;
+        const std::string tag = reinterpret_cast<const char*>(node->name);
+        const std::unique_ptr<xmlChar, decltype(xmlFree)> name(
+            xmlGetProp(node, reinterpret_cast<const xmlChar*>("Name")), xmlFree);
+        if (name != nullptr && tag != "EnumEntry") names.nodes.insert(reinterpret_cast<char*>(name.get()));
+        const std::unique_ptr<xmlChar, decltype(xmlFree)> content(xmlNodeGetContent(node), xmlFree);
+        if (tag.starts_with('p')) names.references.insert(reinterpret_cast<char*>(content.get()));
+        collect(node->children, names);
+    }
+}
+
+/** Nothing if the document is not well-formed. */
+std::optional<Names> parsed(const std::string& text) {
+    const std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)> document(
+        xmlReadMemory(text.data(), static_cast<int>(text.size()), nullptr, nullptr, XML_PARSE_NONET),
+        xmlFreeDoc);
+    if (document == nullptr) return {};
+    Names names;
+    collect(xmlDocGetRootElement(document.get()), names);
+    return names;
+}
+#endif
+
+/** The document is well-formed, and whatever it refers to is in it, once. */
+void expectReadable(const std::string& document) {
+    EXPECT_TRUE(
+        document.ends_with("</Category>\n<Port Name=\"DevicePort\"></Port>\n</RegisterDescription>\n"));
+#ifdef HAVE_LIBXML2
+    const auto names = parsed(document);
+    ASSERT_TRUE(names.has_value());
+    for (const std::string& reference : names->references)
+        EXPECT_EQ(names->nodes.count(reference), 1u) << reference;
+    EXPECT_EQ(names->nodes.count("FG_WIDTH") + names->nodes.count("FG_WIDTH_Reg"), 2u);
+#endif
+}
+
+class SlaveDocument : public ParameterTest {
+protected:
+    SlaveDocument() : ParameterTest(1) {}
+};
+
+TEST_F(SlaveDocument, IsTheCatalogue) {
+    const std::string document = documentOf(grabber.fg());
+    EXPECT_EQ(document.size(), 95287u);
+    EXPECT_EQ(difference(document, documentData()), "");
+    expectReadable(document);
+}
+
+class ExportedDocument : public ParameterTest {
+protected:
+    int call(int index, char* buffer, unsigned long* size) {
+        grabber.set(FG_LINE_DOWNSCALE, 0u); // another stored error, which each call replaces
+        const int result = applet.Fg_getParameterInfoXML(grabber.fg(), index, buffer, size);
+        EXPECT_EQ(lastError(), result);
+        return result;
+    }
+};
+
+TEST_F(ExportedDocument, SizesAndCodes) {
+    unsigned long needed = 7;
+    ASSERT_EQ(call(0, nullptr, &needed), 0);
+    std::string place(needed + 8, '?');
+    for (const unsigned long capacity : {1ul, needed - 1}) { // the zero must fit
+        unsigned long size = capacity;
+        EXPECT_EQ(call(0, place.data(), &size), FG_ERR_BUFFER);
+        EXPECT_EQ(size, capacity);
+    }
+    unsigned long zero = 0;
+    for (const int index : {0, 1, -1}) // comes before the look for a tree
+        EXPECT_EQ(call(index, place.data(), &zero), FG_ERR_BUFFER);
+    for (const int index : {1, -1, 2147483647}) {
+        EXPECT_EQ(call(index, place.data(), &needed), FG_ERR_NO_TRANSLATION);
+        EXPECT_EQ(call(index, nullptr, &zero), FG_ERR_NO_TRANSLATION);
+    }
+    EXPECT_EQ(call(0, place.data(), nullptr), FG_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(call(0, nullptr, nullptr), FG_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(place, std::string(place.size(), '?')) << "a failure writes nothing";
+
+    for (const unsigned long capacity : {needed, needed + 5}) {
+        unsigned long size = capacity;
+        EXPECT_EQ(call(0, place.data(), &size), 0);
+        EXPECT_EQ(size, needed);
+        EXPECT_EQ(place.find('\0'), needed - 1);
+        EXPECT_EQ(place.substr(needed), std::string(8, '?'));
+    }
+}
+
+TEST_F(ExportedDocument, ShowsTheLimitsAndTheAccessOfTheMoment) {
+    ASSERT_EQ(set(FG_LINEPERIODE, 123.456), 0);
+    ASSERT_EQ(set(FG_LINETRIGGERMODE, 1), 0);
+    const std::string document = documentOf(grabber.fg());
+    EXPECT_THAT(document,
+                HasSubstr("<pValue>FG_LINEEXPOSURE_Reg</pValue>\n<Min>0.512</Min>\n<Max>123.456</Max>"));
+    EXPECT_THAT(document, HasSubstr("<IntReg Name=\"FG_LINETRIGGERINSRC_Reg\">\n<Address>8112</Address>\n"
+                                    "<Length>4</Length>\n<AccessMode>RO</AccessMode>"));
+    EXPECT_THAT(documentData(), HasSubstr("<Address>8112</Address>\n<Length>4</Length>\n<AccessMode>RW<"));
+}
+
+TEST_F(ExportedDocument, IsWholeWhileParametersAreSet) {
+    std::atomic<bool> stop{false};
+    std::thread setter([&] {
+        for (unsigned i = 0; !stop; ++i)
+            grabber.set(FG_LINEPERIODE, 100.0 + i % 2);
+    });
+    std::set<std::string> documents;
+    std::string place(200000, '\0');
+    for (int i = 0; i < 50; ++i) {
+        unsigned long size = place.size();
+        EXPECT_EQ(applet.Fg_getParameterInfoXML(grabber.fg(), 0, place.data(), &size), 0);
+        documents.insert(place.substr(0, size - 1));
+    }
+    stop = true;
+    setter.join();
+    for (const std::string& document : documents)
+        expectReadable(document);
+    EXPECT_LE(documents.size(), 5u); // two maxima with two values each, and those of the start
+}
+
+TEST_F(ExportedDocument, OfAnInstanceWithoutABoard) {
+    applet_host::GrabberHandle offline;
+    ASSERT_EQ(applet.Info(FG_INFO_CREATE_OFFLINE, 0, 0, nullptr, &offline.object), 0);
+    expectReadable(documentOf(offline.fg()));
+    EXPECT_EQ(applet.Info(FG_INFO_DESTROY_OFFLINE, 0, 0, offline.object, nullptr), 0);
+}
+
+TEST_F(ExportedDocument, LeavesOutRegistersAndTakesInDesignParameters) {
+    setVariable("VEXO_ENABLE_DRA", "1");
+    EXPECT_EQ(difference(documentOf(Grabber(0).fg()), documentOf(grabber.fg())), "");
+    setVariable("VEXO_ENABLE_DLOOMA", "1");
+    const std::string document = documentOf(Grabber(0).fg());
+    EXPECT_THAT(document, HasSubstr("<pFeature>DLOOMA_Device1_Process0_Buffer_0_XLength</pFeature>"));
+    EXPECT_THAT(document, HasSubstr("<IntReg Name=\"DLOOMA_Device1_Process0_Buffer_0_XLength_Reg\">"));
+    EXPECT_EQ(document.find("DRA_"), std::string::npos);
+    expectReadable(document);
+}
+
+} // namespace
