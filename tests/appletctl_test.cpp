@@ -14,6 +14,7 @@
 #include <filesystem>
 #include <fstream>
 #include <set>
+#include <sstream>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -256,6 +257,7 @@ TEST(Appletctl, CallsWrongUsageByName) {
         {{"load"}, "did you mean 'lut load'?"},
         {{"lut", "show", "--color", "pink"}, "pink not in"},
         {{"lut", "save", ""}, "the name of the file is empty"},
+        {{"xml", "--out", ""}, "the name of the file is empty"},
         {{"lut", "plot", "table.lut"}, "does not end in .svg"},
         // The last of several is wrong: the first is not carried out.
         {{"trace", "set", "FG_WIDTH=4", "FG_HEIGHT=x"}, "'x' is not a whole number"},
@@ -302,6 +304,25 @@ TEST(AppletctlTrace, ShowsTheWritesOfEachAssignmentInOrder) {
                                "XLength u32 2048\n" + buffer + "XOffset u32 0\n");
     EXPECT_EQ(document(arguments)["assignments"][0]["writes"].size(), 7u);
     EXPECT_EQ(document(arguments)["assignments"][1]["writes"], json::array());
+}
+
+TEST(Appletctl, GivesTheXmlDocumentOutOrIntoAFile) {
+    const std::string shown = run({"xml"}).out;
+    EXPECT_TRUE(shown.starts_with("<?xml version=\"1.0\"") && shown.ends_with("</RegisterDescription>\n"));
+    EXPECT_EQ(document({"xml"})["document"], shown);
+
+    const std::string file =
+        std::filesystem::temp_directory_path() / ("appletctl_" + std::to_string(getpid()) + ".xml");
+    EXPECT_EQ(run({"xml", "--out", file}).out, '"' + file + "\" written\n");
+    std::ostringstream written;
+    written << std::ifstream(file, std::ios::binary).rdbuf();
+    EXPECT_EQ(written.str(), shown);
+    EXPECT_EQ(document({"xml", "--out", file})["bytes"], shown.size());
+    std::filesystem::remove(file);
+
+    const Outcome nowhere = run({"xml", "--out", file + "/none"});
+    EXPECT_EQ(nowhere.exitCode, 1);
+    EXPECT_TRUE(contains(nowhere.err, "cannot be written: No such file")) << nowhere.err;
 }
 
 class AppletctlLut : public testing::Test {

@@ -2,6 +2,7 @@
 #ifndef APPLETCTL_OPTIONS_H
 #define APPLETCTL_OPTIONS_H
 
+#include <optional>
 #include <string>
 
 namespace appletctl {
@@ -10,7 +11,8 @@ struct Options {
     std::string applet; /**< --applet: library to load instead of the one beside the program */
     bool offline = false;
     bool json = false;
-    std::string lutColour = "all"; /**< --color of "lut show": red, green, blue or all */
+    std::optional<std::string> xmlFile; /**< --out of "xml" */
+    std::string lutColour = "all";      /**< --color of "lut show": red, green, blue or all */
 };
 
 } // namespace appletctl

@@ -19,6 +19,7 @@ Report setParameters(const Options& options, const Words& assignments);
 Report traceSet(const Options& options, const Words& assignments);
 Report describeParameters(const Options& options, const Words& names);
 Report showInfo(const Options& options, const Words& none);
+Report showXml(const Options& options, const Words& none);
 
 /* Of the lookup table. The assignments are carried out first. */
 Report showLut(const Options& options, const Words& assignments);

@@ -7,10 +7,6 @@
 
 #include <unistd.h>
 
-#include <cerrno>
-#include <cstring>
-#include <fstream>
-
 namespace appletctl {
 namespace {
 
@@ -215,10 +211,7 @@ Report plotLut(const Options& options, const Words& words) {
     const LutTables tables = work.tables();
     addDocument(work, tables);
     work.report.document["file"] = toUtf8(file.c_str());
-    std::ofstream stream(file, std::ios::binary);
-    if (stream) stream << curvesAsSvg(tables, settingsText(work));
-    stream.close();
-    if (!stream) throw Failure(shown(file) + " cannot be written: " + std::strerror(errno));
+    writeFile(file, curvesAsSvg(tables, settingsText(work)));
     work.report.text += shown(file) + " written\n";
     return work.report;
 }

@@ -38,6 +38,11 @@ void addLutColour(CLI::App& command, Options& options) {
         ->check(CLI::IsMember({"red", "green", "blue", "all"}));
 }
 
+void addXmlFile(CLI::App& command, Options& options) {
+    command.add_option("--out", options.xmlFile, "File to write instead of the standard output")
+        ->type_name("FILE");
+}
+
 constexpr Command commands[] = {
     {nullptr, "list", "Show parameters as a table: name, value, unit, access, limits or entries", "PATTERN",
      "Part of a name, or a pattern with * ? [..]", 0, 1, listParameters},
@@ -48,6 +53,8 @@ constexpr Command commands[] = {
     {nullptr, "describe", "Show all that is known of parameters", "NAME", "Parameters", 1, -1,
      describeParameters},
     {nullptr, "info", "Show what the applet says of itself", nullptr, nullptr, 0, 0, showInfo},
+    {nullptr, "xml", "Show the XML document that describes the parameters", nullptr, nullptr, 0, 0, showXml,
+     addXmlFile},
     {&traceParent, "set", "Set parameters and show what reached the design, in order", "NAME=VALUE",
      "As for the command set", 1, -1, traceSet},
     {&lutParent, "show", "Show what the tables are like, and a curve", "NAME=VALUE",

@@ -1,0 +1,40 @@
+#include "appletctl/Instance.h"
+#include "appletctl/commands.h"
+#include "appletctl/text.h"
+
+namespace appletctl {
+namespace {
+
+std::string documentOf(Instance& instance) {
+    const auto ask = [&](char* place, unsigned long& size) {
+        const int code = instance.applet().Fg_getParameterInfoXML(instance.fg(), 0, place, &size);
+        if (code != FG_OK) throw Failure("the applet gives no XML document: " + codeInWords(code));
+    };
+    unsigned long size = 0;
+    ask(nullptr, size);
+    std::string document(size, '\0');
+    ask(document.data(), size);
+    document.resize(size - 1); // without its zero
+    return document;
+}
+
+} // namespace
+
+Report showXml(const Options& options, const Words&) {
+    if (options.xmlFile.has_value() && options.xmlFile->empty())
+        throw UsageError("the name of the file is empty");
+    Instance instance(options);
+    Report report;
+    report.text = documentOf(instance);
+    if (!options.xmlFile.has_value()) {
+        report.document["document"] = toUtf8(report.text.c_str());
+        return report;
+    }
+    writeFile(*options.xmlFile, report.text);
+    report.document["file"] = toUtf8(options.xmlFile->c_str());
+    report.document["bytes"] = report.text.size();
+    report.text = inQuotes(toUtf8(options.xmlFile->c_str())) + " written\n";
+    return report;
+}
+
+} // namespace appletctl
