@@ -26,6 +26,12 @@ applet_host::Locations locationsFor(const Options& options) {
     return where;
 }
 
+void requireBoard(const Options& options, const char* command) {
+    if (options.offline)
+        throw UsageError("'" + std::string(command) +
+                         "' needs a board, and --offline has none: leave --offline out");
+}
+
 Instance::Instance(const Options& options) : m_host(locationsFor(options)) {
     if (options.offline) {
         const int code = applet().Info(FG_INFO_CREATE_OFFLINE, 0, 0, nullptr, &m_offline.object);

@@ -12,6 +12,9 @@ namespace appletctl {
 /** The libraries that the options name. */
 applet_host::Locations locationsFor(const Options& options);
 
+/** Throws UsageError, naming the command, when the options ask for an instance without a board. */
+void requireBoard(const Options& options, const char* command);
+
 /** One applet object with a handle that the exported functions take. Throws HostError when a library is not
  *  found and Failure when the applet does not come up. */
 class Instance {

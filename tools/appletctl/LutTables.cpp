@@ -80,10 +80,7 @@ LutTables readLutTables(Instance& instance, const ParameterList& parameters) {
     LutTables tables;
     for (const ColourRow& row : colourRows) {
         const Target target = findTarget(parameters, std::string(row.parameter) + "[..]");
-        Reading reading = readValue(instance, target);
-        if (reading.error != FG_OK)
-            throw Failure(target.name() + " cannot be read: " + codeInWords(reading.error));
-        auto& entries = std::get<Elements>(reading.value);
+        auto entries = std::get<Elements>(valueOf(instance, target));
         auto onBoard = tableOnBoard(instance, row.design, target.elements->count());
         tables.colours.push_back({row.colour, row.parameter, std::move(entries), std::move(onBoard)});
         tables.largest = std::max(1u, target.parameter->record->value.u32Field.maximum);

@@ -77,4 +77,11 @@ Target findTarget(const ParameterList& parameters, std::string_view word) {
     return {&parameter, findElements(parameter, word.substr(bracket + 1, word.size() - bracket - 2))};
 }
 
+std::vector<Target> findTargets(const ParameterList& parameters, const std::vector<std::string>& words) {
+    std::vector<Target> targets;
+    for (const std::string& word : words)
+        targets.push_back(findTarget(parameters, word));
+    return targets;
+}
+
 } // namespace appletctl

@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace appletctl {
 
@@ -37,6 +38,9 @@ std::uint32_t elementCount(const Parameter& parameter);
 /** Reads "NAME", "NAME[5]", "NAME[5..9]"; an end that is left out is the array's own, as in "NAME[..9]".
  *  Throws UsageError for an unknown name and for elements that the parameter has not. */
 Target findTarget(const ParameterList& parameters, std::string_view word);
+
+/** Reads all words before anything else is done, so that a misspelt one stops all. */
+std::vector<Target> findTargets(const ParameterList& parameters, const std::vector<std::string>& words);
 
 } // namespace appletctl
 

@@ -77,7 +77,6 @@ Report carryOut(Instance& instance, const ParameterList& parameters, const Words
     Report report;
     auto& done = report.document["assignments"] = nlohmann::ordered_json::array();
     const std::vector<Assignment> assignments = parseAssignments(parameters, words);
-    if (takeWrites) takeWrites(); // drop what the bring-up wrote
     std::vector<std::string> notSet;
     for (const Assignment& assignment : assignments) {
         const Target& target = assignment.target;

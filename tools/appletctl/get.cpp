@@ -19,26 +19,17 @@ std::string valueLines(const Target& target, const Value& value) {
 Report getParameters(const Options& options, const Words& names) {
     Instance instance(options);
     const ParameterList parameters(instance);
-    std::vector<Target> wanted; // all names first: a misspelt one stops before anything is read
-    for (const std::string& name : names)
-        wanted.push_back(findTarget(parameters, name));
-
     Report report;
     report.document["parameters"] = nlohmann::ordered_json::array();
-    for (const Target& target : wanted) {
-        const Parameter* parameter = target.parameter;
+    for (const Target& target : findTargets(parameters, names)) {
         const Reading reading = readValue(instance, target);
-        nlohmann::ordered_json row = {
-            {"name", parameter->name}, {"id", parameter->id}, {"unit", parameter->unit()}};
+        report.document["parameters"].push_back(readingAsJson(target, reading));
         if (reading.error == FG_OK) {
             report.text += valueLines(target, reading.value);
-            addValue(row, target, reading.value);
         } else {
             report.problems.push_back(target.name() + " cannot be read: " + codeInWords(reading.error));
             report.exitCode = exitRefused;
-            row["error"] = codeAsJson(reading.error);
         }
-        report.document["parameters"].push_back(std::move(row));
     }
     return report;
 }

@@ -25,11 +25,7 @@ struct Work {
     int set(const char* name, const Value& value) {
         return writeValue(instance, {&parameters.find(name)}, value);
     }
-    Value get(const char* name) {
-        const Reading reading = readValue(instance, {&parameters.find(name)});
-        if (reading.error == FG_OK) return reading.value;
-        throw Failure(std::string(name) + " cannot be read: " + codeInWords(reading.error));
-    }
+    Value get(const char* name) { return valueOf(instance, {&parameters.find(name)}); }
     LutTables tables() { return readLutTables(instance, parameters); }
     void refuse(const std::string& words) {
         report.problems.push_back(words);

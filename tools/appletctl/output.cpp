@@ -18,12 +18,6 @@ namespace appletctl {
 
 namespace {
 
-bool isCapableTerminal(int fileDescriptor) {
-    const char* terminal = std::getenv("TERM");
-    const bool dumb = terminal == nullptr || std::string_view(terminal) == "dumb";
-    return isatty(fileDescriptor) == 1 && !dumb;
-}
-
 bool isUtf8Locale() {
     const locale_t user = newlocale(LC_CTYPE_MASK, "", nullptr);
     if (user == nullptr) return false;
@@ -33,6 +27,12 @@ bool isUtf8Locale() {
 }
 
 } // namespace
+
+bool isCapableTerminal(int fileDescriptor) {
+    const char* terminal = std::getenv("TERM");
+    const bool dumb = terminal == nullptr || std::string_view(terminal) == "dumb";
+    return isatty(fileDescriptor) == 1 && !dumb;
+}
 
 Style Style::forStream(int fileDescriptor) {
     Style style;
@@ -73,20 +73,25 @@ std::string Table::render(const Style& style) const {
     return text;
 }
 
+std::string documentText(const Report& report, const std::string& command, int indent) {
+    nlohmann::ordered_json document = {{"schema", "appletctl/1"}, {"command", command}};
+    document["done"] = report.exitCode == exitDone;
+    document.update(report.document);
+    return document.dump(indent, ' ', false, nlohmann::json::error_handler_t::replace) + '\n';
+}
+
+bool writeOut(const std::string& text) {
+    std::cout << text << std::flush;
+    return !std::cout.fail();
+}
+
 int print(const Report& report, const std::string& command, bool json) {
-    if (json) {
-        nlohmann::ordered_json document = {{"schema", "appletctl/1"}, {"command", command}};
-        document["done"] = report.exitCode == exitDone;
-        document.update(report.document);
-        std::cout << document.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
-    } else {
-        std::cout << report.text;
-    }
-    std::cout.flush();
+    const bool isWritten =
+        report.isPrinted || writeOut(json ? documentText(report, command, 2) : report.text);
     const std::string name = Style::forStream(STDERR_FILENO).alarm("appletctl:");
     for (const std::string& problem : report.problems)
         std::cerr << name << ' ' << problem << '\n';
-    if (!std::cout) {
+    if (!isWritten) {
         std::cerr << name << " the output could not be written\n";
         return exitRefused;
     }

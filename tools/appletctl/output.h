@@ -27,6 +27,9 @@ private:
     bool m_colour = false;
 };
 
+/** True on a terminal that obeys control sequences. */
+bool isCapableTerminal(int fileDescriptor);
+
 /** True when box drawing and braille characters can be shown: on a terminal of a UTF-8 locale. */
 bool canDrawUnicode(int fileDescriptor);
 
@@ -55,7 +58,14 @@ struct Report {
     std::string text;
     std::vector<std::string> problems;
     ExitCode exitCode = exitDone;
+    bool isPrinted = false; /**< the command has printed as it went: only the problems are left */
 };
+
+/** The document of the report of `command`, complete, as UTF-8; in one line, or with this indent in several. */
+std::string documentText(const Report& report, const std::string& command, int indent = -1);
+
+/** Writes to the standard output, at once. False when it does not take the text; errno tells why. */
+bool writeOut(const std::string& text);
 
 /** Prints the report of `command`; returns the exit code of the program. */
 int print(const Report& report, const std::string& command, bool json);

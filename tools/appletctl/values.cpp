@@ -149,6 +149,12 @@ Reading readValue(Instance& instance, const Target& target) {
     return reading;
 }
 
+Value valueOf(Instance& instance, const Target& target) {
+    Reading reading = readValue(instance, target);
+    if (reading.error == FG_OK) return std::move(reading.value);
+    throw Failure(target.name() + " cannot be read: " + codeInWords(reading.error));
+}
+
 int writeValue(Instance& instance, const Target& target, const Value& value) {
     const auto set = [&](const void* place, FgParamTypes tag) {
         return instance.applet().Fg_setParameterWithType(instance.fg(), target.parameter->id, place, 0, tag);
@@ -240,6 +246,16 @@ void addValue(nlohmann::ordered_json& object, const Target& target, const Value&
         object["label"] = entry.label;
         return;
     }
+}
+
+nlohmann::ordered_json readingAsJson(const Target& target, const Reading& reading) {
+    const Parameter& parameter = *target.parameter;
+    nlohmann::ordered_json row = {{"name", parameter.name}, {"id", parameter.id}, {"unit", parameter.unit()}};
+    if (reading.error == FG_OK)
+        addValue(row, target, reading.value);
+    else
+        row["error"] = codeAsJson(reading.error);
+    return row;
 }
 
 } // namespace appletctl

@@ -35,6 +35,9 @@ struct Reading {
 
 Reading readValue(Instance& instance, const Target& target);
 
+/** The value. Throws Failure when the applet does not give it. */
+Value valueOf(Instance& instance, const Target& target);
+
 /** Returns the applet's code. */
 int writeValue(Instance& instance, const Target& target, const Value& value);
 
@@ -53,6 +56,9 @@ std::string valueWithUnit(const Parameter& parameter, const Value& value);
 /** Adds "value" and, for enumerations, "symbol" and "label"; for a whole array "elements", their number; for
  *  one element "index" and "value", for several "first" and "values". */
 void addValue(nlohmann::ordered_json& object, const Target& target, const Value& value);
+
+/** Name, id, unit and what addValue adds, or "error" when the read failed. */
+nlohmann::ordered_json readingAsJson(const Target& target, const Reading& reading);
 
 } // namespace appletctl
 

@@ -1,0 +1,20 @@
+/** What reaches the design, as the virtual board logs it. */
+#ifndef APPLETCTL_WRITES_H
+#define APPLETCTL_WRITES_H
+
+#include "appletctl/Instance.h"
+
+#include <string>
+#include <vector>
+
+namespace appletctl {
+
+/** From now on the board logs what is written to it, and nothing else. */
+void logWrites(Instance& instance);
+
+/** The log since it was last taken, one line for each write (see vboard_log_line). */
+std::vector<std::string> takeWrites(Instance& instance);
+
+} // namespace appletctl
+
+#endif
