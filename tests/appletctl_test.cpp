@@ -9,6 +9,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -256,6 +257,8 @@ TEST(Appletctl, CallsWrongUsageByName) {
         {{"get", "FG_WIDTH[0]"}, "FG_WIDTH[0]: the parameter is no array"},
         {{"load"}, "did you mean 'lut load'?"},
         {{"lut", "show", "--color", "pink"}, "pink not in"},
+        {{"watch", "width", "--interval", "0"}, "Value 0 not in range"},
+        {{"events", "--offline"}, "'events' needs a board"},
         {{"lut", "save", ""}, "the name of the file is empty"},
         {{"xml", "--out", ""}, "the name of the file is empty"},
         {{"lut", "plot", "table.lut"}, "does not end in .svg"},
@@ -276,6 +279,8 @@ TEST(Appletctl, PrintsOneDocumentForEveryOutcome) {
         {{"get", "--json", "FG_WIDTH"}, 0},
         {{"describe", "FG_LINETRIGGERMODE", "--json", "--offline"}, 0},
         {{"info", "--json"}, 0},
+        {{"events", "--json"}, 0},
+        {{"route", "--json", "--offline"}, 0},
         {{"trace", "set", "FG_WIDTH=64", "--json"}, 0},
         {{"set", "FG_WIDTH=3", "--json"}, 1},
         {{"info", "--json", "--applet", "/nowhere/libx.so"}, 1},
@@ -444,6 +449,119 @@ TEST(AppletctlInfo, TellsWhatTheLibraryIs) {
     EXPECT_EQ(told["iconBytes"], 4676);
     EXPECT_EQ(told["processes"], 1);
     EXPECT_TRUE(std::filesystem::exists(told["library"].get<std::string>()));
+}
+
+TEST(AppletctlEvents, TellsNamesMasksAndWhatComesWithThem) {
+    const json told = document({"events"})["events"];
+    EXPECT_EQ(told.size(), 33u) << "the design lists 34, one of which has no public name";
+    EXPECT_EQ(told[3], json::parse(R"({"name": "FG_END_OF_LINE_CAM_PORT_0", "mask": 8,
+                                       "data": {"name": "LineTransferEnd", "value": 0}})"));
+    EXPECT_EQ(told[4],
+              json::parse(R"({"name": "Device1_Process0_Camera_LinkLost", "mask": 16, "data": null})"));
+    EXPECT_EQ(told.back()["mask"], 0x100000000);
+    const std::string table = run({"events"}).out;
+    EXPECT_TRUE(contains(table, "  FG_CUSTOM_SIGNAL_EVENT_1                       0x100000000  "
+                                "CustomSignalEvent1             -1\n"))
+        << table;
+}
+
+TEST(AppletctlRoute, ShowsWhatTheBoardHolds) {
+    const json told = document({"route", "FG_TRIGGEROUT_GPO_3_SOURCE=FG_SIGNAL_GPI_1",
+                                "FG_TRIGGEROUT_GPO_3_POLARITY=FG_LOW"})["routes"];
+    EXPECT_EQ(told.size(), 15u);
+    const std::string gpo3 = "Device1_Process1_Trigger_OutputMapping_SelectGPO_Select3_";
+    const json expected = {
+        {"output", "FG_TRIGGEROUT_GPO_3"},
+        {"source", "FG_SIGNAL_GPI_1"},
+        {"polarity", "FG_LOW"},
+        {"select", {{"parameter", gpo3 + "SelectSignal_Select"}, {"board", 22}, {"expected", 22}}},
+        {"invert", {{"parameter", gpo3 + "Polarity_Invert"}, {"board", 1}, {"expected", 1}}},
+        {"agrees", true}};
+    EXPECT_EQ(told[4], expected);
+    // Written past the applet, which still takes the output for VCC.
+    const Outcome changed =
+        run({"route", "DLOOMA_" + gpo3 + "SelectSignal_Select=7"}, {"VEXO_ENABLE_DLOOMA=on"});
+    EXPECT_EQ(changed.exitCode, 1);
+    EXPECT_TRUE(contains(changed.out, "VCC                        FG_HIGH   7, not 0       1       no\n"))
+        << changed.out;
+    EXPECT_EQ(changed.err,
+              "appletctl: the board does not hold what the applet writes for FG_TRIGGEROUT_GPO_3\n");
+    EXPECT_EQ(document({"--offline", "route"})["routes"][0]["agrees"], nullptr);
+}
+
+/** Registers that read 5, fail, read 9 and then 2. */
+const Words scriptedRegisters{"VEXO_ENABLE_DRA=on", "LD_PRELOAD=" SCRIPTED_REGISTERS,
+                              "ASAN_OPTIONS=verify_asan_link_order=0"};
+
+TEST(AppletctlWatch, GoesOnAfterAFailedRead) {
+    const Words arguments{"watch", "dra_fanlevel", "--interval", "10", "--count", "4"};
+    const Outcome text = run(arguments, scriptedRegisters);
+    EXPECT_EQ(text.exitCode, 0) << text.err;
+    const char* const readings[] = {"5", "(-2010, a code of the runtime or the board)", "9", "2"};
+    std::size_t end = 0;
+    for (const std::string reading : readings) {
+        end = text.out.find("  DRA_FanLevel = " + reading + "\n", end);
+        ASSERT_NE(end, std::string::npos) << reading << " in " << text.out;
+    }
+    Words withJson = arguments;
+    withJson.push_back("--json");
+    std::istringstream lines(run(withJson, scriptedRegisters).out);
+    std::vector<json> rounds;
+    for (std::string line; std::getline(lines, line);)
+        rounds.push_back(json::parse(line));
+    ASSERT_EQ(rounds.size(), 4u);
+    EXPECT_EQ(rounds[1]["parameters"][0]["error"]["code"], -2010);
+    EXPECT_EQ(rounds[1]["done"], false);
+    EXPECT_EQ(rounds[3]["parameters"][0]["value"], 2);
+    EXPECT_GE(rounds[3]["seconds"], 0.03);
+}
+
+TEST(AppletctlWatch, RedrawsOnATerminal) {
+    const Words arguments{"watch", "dra_fanlevel", "--interval", "10", "--count", "4"};
+    Words environment = scriptedRegisters;
+    environment.insert(environment.end(), {"TERM=xterm", "NO_COLOR=1"});
+    const std::string shown = onTerminal(arguments, environment);
+    EXPECT_TRUE(contains(shown, "\033[3A\r\033[J")) << "over the three lines of the round before";
+    EXPECT_TRUE(contains(shown, "  DRA_FanLevel  2            2        9\r\n  round 4, ")) << shown;
+    environment.push_back("TERM=dumb");
+    EXPECT_FALSE(contains(onTerminal(arguments, environment), "\033["));
+}
+
+/** Starts a watch whose rounds are a day apart, waits for its first line, does something to it or to the pipe
+ *  that it writes to, and gives the outcome. */
+template <typename Action> Outcome afterFirstLine(Action action) {
+    int pipeEnds[2];
+    std::FILE* err = std::tmpfile();
+    EXPECT_EQ(pipe(pipeEnds), 0);
+    const pid_t child = fork();
+    if (child == 0) {
+        dup2(pipeEnds[1], STDOUT_FILENO);
+        dup2(fileno(err), STDERR_FILENO);
+        close(pipeEnds[0]);
+        close(pipeEnds[1]);
+        become({"watch", "FG_WIDTH", "--interval", "86400000"}, {});
+    }
+    close(pipeEnds[1]);
+    std::string line;
+    for (char c = 0; c != '\n' && read(pipeEnds[0], &c, 1) == 1;)
+        line += c;
+    action(child, pipeEnds[0]);
+    const int exitCode = exitCodeOf(child);
+    close(pipeEnds[0]);
+    return {exitCode, line, contents(err)};
+}
+
+TEST(AppletctlWatch, EndsQuietlyOnASignalOrWithItsReader) {
+    const auto expectQuiet = [](const Outcome& outcome) {
+        EXPECT_EQ(outcome.exitCode, 0);
+        EXPECT_TRUE(contains(outcome.out, "  FG_WIDTH = 1024 pixel\n")) << outcome.out;
+        EXPECT_EQ(outcome.err, "");
+    };
+    expectQuiet(afterFirstLine([](pid_t child, int) { kill(child, SIGINT); }));
+    expectQuiet(afterFirstLine([](pid_t child, int) { kill(child, SIGTERM); }));
+    const int unused = open("/dev/null", O_RDONLY);
+    expectQuiet(afterFirstLine([&](pid_t, int reader) { dup2(unused, reader); })); // closes the reader
+    close(unused);
 }
 
 TEST(Appletctl, WorksWithoutABoard) {

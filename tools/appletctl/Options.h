@@ -13,6 +13,8 @@ struct Options {
     bool json = false;
     std::optional<std::string> xmlFile; /**< --out of "xml" */
     std::string lutColour = "all";      /**< --color of "lut show": red, green, blue or all */
+    int watchInterval = 1000;           /**< --interval of "watch": milliseconds from round to round */
+    int watchCount = 0;                 /**< --count of "watch": rounds; 0: no end */
 };
 
 } // namespace appletctl

@@ -20,6 +20,11 @@ Report traceSet(const Options& options, const Words& assignments);
 Report describeParameters(const Options& options, const Words& names);
 Report showInfo(const Options& options, const Words& none);
 Report showXml(const Options& options, const Words& none);
+Report listEvents(const Options& options, const Words& none);
+/** Prints round after round until it is told to end; only its problems are left to print. */
+Report watchParameters(const Options& options, const Words& names);
+/** The assignments are carried out first. */
+Report showRoutes(const Options& options, const Words& assignments);
 
 /* Of the lookup table. The assignments are carried out first. */
 Report showLut(const Options& options, const Words& assignments);

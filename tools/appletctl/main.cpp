@@ -7,6 +7,7 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <limits>
 #include <string_view>
 
 namespace {
@@ -43,6 +44,16 @@ void addXmlFile(CLI::App& command, Options& options) {
         ->type_name("FILE");
 }
 
+void addWatchOptions(CLI::App& command, Options& options) {
+    constexpr int longestInterval = 24 * 60 * 60 * 1000;
+    command.add_option("--interval", options.watchInterval, "Milliseconds from round to round")
+        ->type_name("MS")
+        ->check(CLI::Range(1, longestInterval));
+    command.add_option("--count", options.watchCount, "Number of rounds; without it the watch has no end")
+        ->type_name("N")
+        ->check(CLI::Range(1, std::numeric_limits<int>::max()));
+}
+
 constexpr Command commands[] = {
     {nullptr, "list", "Show parameters as a table: name, value, unit, access, limits or entries", "PATTERN",
      "Part of a name, or a pattern with * ? [..]", 0, 1, listParameters},
@@ -55,6 +66,12 @@ constexpr Command commands[] = {
     {nullptr, "info", "Show what the applet says of itself", nullptr, nullptr, 0, 0, showInfo},
     {nullptr, "xml", "Show the XML document that describes the parameters", nullptr, nullptr, 0, 0, showXml,
      addXmlFile},
+    {nullptr, "events", "Show the events of the design: names, masks, what comes with them", nullptr, nullptr,
+     0, 0, listEvents},
+    {nullptr, "watch", "Read parameters over and over; ends on Ctrl-C", "NAME", "Parameters", 1, -1,
+     watchParameters, addWatchOptions},
+    {nullptr, "route", "Show what each output, analyzer and event listens to, and what the board holds",
+     "NAME=VALUE", "Assignments to carry out before", 0, -1, showRoutes},
     {&traceParent, "set", "Set parameters and show what reached the design, in order", "NAME=VALUE",
      "As for the command set", 1, -1, traceSet},
     {&lutParent, "show", "Show what the tables are like, and a curve", "NAME=VALUE",

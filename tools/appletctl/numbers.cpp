@@ -8,4 +8,10 @@ std::string numberText(double number) {
     return error == std::errc{} ? std::string(text, end) : "?";
 }
 
+std::string hexText(std::uint64_t number) {
+    char digits[16];
+    const auto result = std::to_chars(digits, digits + sizeof digits, number, 16);
+    return "0x" + std::string(digits, result.ptr);
+}
+
 } // namespace appletctl

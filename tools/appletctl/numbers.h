@@ -17,6 +17,9 @@ namespace appletctl {
 std::string numberText(double number);
 template <typename Integer> std::string numberText(Integer number) { return std::to_string(number); }
 
+/** "0x1f". */
+std::string hexText(std::uint64_t number);
+
 /** A whole number, decimal or 0x..., with or without sign, to the last character. */
 template <typename Integer> std::optional<Integer> wholeNumber(std::string_view text) {
     const bool negative = text.starts_with('-');
