@@ -28,13 +28,13 @@ const SdkParameter* findParameter(std::string_view name) {
 }
 
 void kinds::Runtime::readRuntime(FgLoomWrapperImpl& wrapper, const SdkParameter& parameter, void* value,
-                                 int dma, FgParamTypes type) {
-    const int result = wrapper.getUnwrappedParameterWithType(parameter.id, value, dma, type);
+                                 int dma, FgParamTypes tag) {
+    const int result = wrapper.getUnwrappedParameterWithType(parameter.id, value, dma, tag);
     if (result != FG_OK) refuse(result);
 }
 
-void kinds::Field::readField(std::span<const std::uint32_t> field, void* record, FgParamTypes type) {
-    if (type != FG_PARAM_FIELD_ACCESS) {
+void kinds::Field::readField(std::span<const std::uint32_t> field, void* record, FgParamTypes tag) {
+    if (tag != FG_PARAM_FIELD_ACCESS) {
         auto* element = static_cast<FieldParameterInt_s*>(record);
         if (element->index >= field.size()) refuse(FG_ERR_INVALID_ARGUMENT);
         FgLoomWrapper::getFieldCache(field.data(), element);
