@@ -46,7 +46,8 @@ std::uint32_t sequenceOf(double frameRate, std::uint32_t height) {
     return static_cast<std::uint32_t>(0.5 + 1.0 / (frameRate * 8e-9) / height);
 }
 
-/** What the simulator is set to, and what follows from it. In the two modes that can be reached both gaps read 0. */
+/** What the simulator is set to, and what follows from it. In the two modes that can be reached both gaps
+ *  read 0. */
 struct State {
     std::uint32_t mode = lineRateMode, width = 1024, height = 1024, sequence = 12207;
 
@@ -78,8 +79,8 @@ private:
 class CameraSimulator : public ParameterTest {
 protected:
     void arrange(const State& wanted) {
-        // Without a gap that a change of the mode remembers, at one slow line: every size fits, every mode can be
-        // reached.
+        // Without a gap that a change of the mode remembers, at one slow line, every size fits and every mode
+        // can be reached.
         ASSERT_EQ(set(FG_CAMERASIMULATOR_LINE_GAP, 0u), 0);
         ASSERT_EQ(set(FG_CAMERASIMULATOR_SELECT_MODE, lineRateMode), 0);
         ASSERT_EQ(set(FG_CAMERASIMULATOR_HEIGHT, 1u), 0);
@@ -378,7 +379,8 @@ TEST_F(CameraSimulator, AFailedWidthReadsAsItWasRounded) {
         board.fail_access(grabber.device, k, -4711, VBOARD_ONCE);
         EXPECT_EQ(set(FG_CAMERASIMULATOR_WIDTH, 500u), -4711);
         board.fail_access(grabber.device, 0, 0, VBOARD_ONCE);
-        EXPECT_EQ(get<std::uint32_t>(FG_CAMERASIMULATOR_WIDTH), k == 1 ? 1024u : 512u); // first the rate is read
+        // The first access reads the rate.
+        EXPECT_EQ(get<std::uint32_t>(FG_CAMERASIMULATOR_WIDTH), k == 1 ? 1024u : 512u);
     }
 }
 

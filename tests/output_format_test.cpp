@@ -1,5 +1,5 @@
-// Output format: which input is selected, which branches are silenced, how far the pixels are shifted, and what
-// the design must tell for it.
+// Output format: which input is selected, which branches are silenced, how far the pixels are shifted, and
+// what the design must tell for it.
 
 #include "support/applet_fixture.h"
 

@@ -186,7 +186,8 @@ protected:
     double doubleMaximum(int id) { return record(id)->value.f64.maximum; }
     std::vector<std::uint32_t> accessOf(const std::vector<int>& ids);
 
-    /** A value that is taken: its result, all that reached the design up to the last write, and what reads back. */
+    /** A value that is taken: its result, all that reached the design up to the last write, and what reads
+     * back. */
     template <typename T> void expectAccepted(int id, T value, const Lines& accesses) {
         expectAccepted(id, value, accesses, value);
     }
