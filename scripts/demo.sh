@@ -16,6 +16,11 @@ show() {
     [ "$status" -le 1 ] || exit "$status"
 }
 
+# Configuration files of the show.
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+station=$folder/station.mcf
+
 show info
 show list 'FG_*WIDTH'
 show list LINETRIGGER
@@ -26,6 +31,17 @@ show trace set FG_VANTAGEPOINT=FG_VANTAGEPOINT_BOTTOM_RIGHT
 say 'A refusal says what is possible instead'
 show set FG_WIDTH=20000
 show set FG_LINETRIGGERINSRC=8
+say 'The state as a file'
+show save "$station" FG_WIDTH=2048 FG_LINEPERIODE=150.4 FG_LINETRIGGERMODE=ASYNC_TRIGGER
+show load "$station"
+show diff "$station"
+say 'What a file loses on the way: one key is missing, one value is refused'
+sed -e '/^FG_HEIGHT=/d' -e 's/^FG_WIDTH=.*/FG_WIDTH=1022;/' "$station" >"$folder/edited.mcf"
+show check "$folder/edited.mcf"
+show diff "$station" "$folder/edited.mcf"
+say 'All parameters as an XML document'
+show xml --out "$folder/parameters.xml"
+head -c 1500 "$folder/parameters.xml"
 say 'The same, for a program'
 show --json get FG_WIDTH FG_LINEEXPOSURE
 say 'Without a board'

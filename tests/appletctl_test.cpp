@@ -171,7 +171,6 @@ TEST(AppletctlSet, TakesTextsAndWideNumbers) {
     const std::string path = "a \"b\"\\=c\x1b[31m\xc2\x9b\xe9";
     EXPECT_EQ(run({"set", "FG_DEBUGFILE=" + path, "FG_DEBUGFILE="}).out,
               "FG_DEBUGFILE = \"a \\\"b\\\"\\\\=c\\x1b[31mÂ\\xc2\\x9bé\"\nFG_DEBUGFILE = \"\"\n");
-    EXPECT_EQ(document({"set", "FG_DEBUGFILE=x\ny"})["assignments"][0]["value"], "x\ny");
     const Outcome pixel =
         run({"set", "FG_DEBUGWRITEPIXEL=0x1FFFFFFFFFFFFFF", "FG_DEBUGWRITEPIXEL=144115188075855872"});
     EXPECT_EQ(pixel.out, "FG_DEBUGWRITEPIXEL = 144115188075855871\n");
@@ -255,7 +254,11 @@ TEST(Appletctl, CallsWrongUsageByName) {
         {{"get", "FG_LUT_VALUE_RED[1,2]"}, "the elements are named as [100], [100..110]"},
         {{"get", "FG_LUT_VALUE_RED[1"}, "lacks the ']'"},
         {{"get", "FG_WIDTH[0]"}, "FG_WIDTH[0]: the parameter is no array"},
-        {{"load"}, "did you mean 'lut load'?"},
+        {{"plot"}, "did you mean 'lut plot'?"},
+        {{"set", "FG_DEBUGFILE=x\ny"}, "a line of its own in a configuration file"},
+        {{"save", "x.mcf", "--offline"}, "'save' needs a board"},
+        {{"check", ""}, "the name of the file is empty"},
+        {{"diff", "/nowhere/a.mcf"}, "\"/nowhere/a.mcf\" is no file that can be read"},
         {{"lut", "show", "--color", "pink"}, "pink not in"},
         {{"watch", "width", "--interval", "0"}, "Value 0 not in range"},
         {{"events", "--offline"}, "'events' needs a board"},
@@ -431,6 +434,112 @@ TEST_F(AppletctlLut, DrawsCurves) {
     EXPECT_TRUE(contains(svg, "a&lt;&amp;b.lut")) << svg.substr(0, 1000);
     EXPECT_TRUE(contains(svg, "points=\"80,70 81,70 ")) << "red runs along the top";
     EXPECT_EQ(run({"lut", "plot", folder / "no" / "x.svg"}).exitCode, 1);
+}
+
+class AppletctlConfiguration : public testing::Test {
+protected:
+    void SetUp() override {
+        std::filesystem::create_directory(folder);
+        ASSERT_EQ(run({"save", saved, "FG_WIDTH=2048", "FG_LINEPERIODE=150.4"}).exitCode, 0);
+    }
+    void TearDown() override { std::filesystem::remove_all(folder); }
+
+    /** A copy of the saved file in which one text has become another. */
+    std::string edited(const std::string& from, const std::string& to) const {
+        std::ifstream in(saved);
+        std::string text{std::istreambuf_iterator<char>(in), {}};
+        const std::size_t place = text.find(from);
+        EXPECT_NE(place, std::string::npos) << from;
+        std::ofstream(folder / "edited.mcf") << text.replace(place, from.size(), to);
+        return folder / "edited.mcf";
+    }
+
+    /** The findings of a check, without what was rounded only. */
+    static json lossesOf(const std::string& file) {
+        json losses = json::array();
+        const json told = document({"check", file});
+        for (const json& finding : told["findings"])
+            if (finding["isLoss"]) losses.push_back(finding);
+        return losses;
+    }
+
+    const std::filesystem::path folder =
+        std::filesystem::temp_directory_path() / ("appletctl_mcf_" + std::to_string(getpid()));
+    const std::string saved = folder / "saved.mcf";
+};
+
+TEST_F(AppletctlConfiguration, ComesBackAsItWasSaved) {
+    const Outcome loaded = run({"load", saved});
+    EXPECT_EQ(loaded.exitCode, 0) << loaded.err;
+    EXPECT_EQ(loaded.err, "");
+    EXPECT_TRUE(contains(loaded.out, "  FG_WIDTH                      1024 pixel        2048 pixel\n"));
+    EXPECT_TRUE(contains(loaded.out, "  FG_LINEPERIODE                200 µs            150.4 µs\n"));
+    // The counter's next step, and nothing lost by that.
+    EXPECT_TRUE(contains(loaded.out, "10241.2846667 Hz, as close as the setter comes to it\n")) << loaded.out;
+    EXPECT_EQ(document({"save", saved})["values"], 114);
+    EXPECT_TRUE(contains(run({"save", saved}).out, "All of them are defaults."));
+}
+
+TEST_F(AppletctlConfiguration, TellsEachLossAndWhy) {
+    const std::tuple<const char*, const char*, const char*, const char*> cases[] = {
+        {"FG_HEIGHT=1024;\n", "", "missing", "FG_HEIGHT is missing: it stays as it was, 1024 pixel"},
+        {"FG_WIDTH=2048", "FG_WIDTH=1022", "kept", "1022 pixel was refused: -7080"},
+        {"FG_LINETRIGGERMODE=1", "FG_LINETRIGGERMODE=77", "kept", "the entries are "},
+        {"FG_PROCESSING_GAIN=1;", "FG_PROCESSING_GAIN=-1e9;", "kept", "-6000"},
+        {"SIMULATOR_WIDTH=1024", "SIMULATOR_WIDTH=512", "unapplied", "set FG_CAMERASIMULATOR_WIDTH=512"},
+        {"FG_LINEPERIODE=150.4", "FG_LINEPERIODE=150,4", "unreadable",
+         "it is 150 µs: a load reads decimal numbers with a point"},
+        {"FG_EXSYNCON=1", "FG_EXSYNCON=FG_ON", "unreadable",
+         "the file has \"FG_ON\", after the load it is FG_OFF (0)"},
+        {"FG_TIMEOUT=", "FG_TIMEOUT=7;\nFG_TIMEOUT=", "repeated", "FG_TIMEOUT stands there again"},
+        {"FG_DEBUGFILE=''", "FG_DEBUGFILE='a;b'", "cut", "the file has \"a;b\", after the load it is \"a\""},
+        {"[Port A]\n", "[Port A]\nFG_WIDHT=4;\n", "unknown", "did you mean FG_WIDTH"},
+        {"Typ='Grab", "Typ='Grip", "file", "it is a file of the applet \"Grip_TwinLaneLineColor\""},
+        {"Hersteller='Norvane AG';\n", "", "file", "its header lacks Hersteller"},
+        {"[Kamerasektion]\n", "[Kamerasektion]\r\n", "file", "carriage return"},
+    };
+    for (const auto& [from, to, kind, message] : cases) {
+        const json losses = lossesOf(edited(from, to));
+        ASSERT_EQ(losses.size(), 1u) << from << losses;
+        EXPECT_EQ(losses[0]["kind"], kind) << losses;
+        EXPECT_TRUE(contains(losses[0]["message"], message)) << losses;
+    }
+    EXPECT_EQ(run({"check", edited("FG_WIDTH=2048", "FG_WIDTH=1022")}).exitCode, 1);
+    EXPECT_TRUE(contains(lossesOf(folder / "none.mcf")[0]["message"], "-2076"));
+    // A key behind a blank is another key.
+    EXPECT_EQ(lossesOf(edited("FG_WIDTH=", " FG_WIDTH=")).size(), 2u);
+    // Neither spelling nor what a load does not read is a loss.
+    EXPECT_EQ(lossesOf(edited("FG_LINEPERIODE=150.4;", "FG_LINEPERIODE=1.504e2")), json::array());
+    EXPECT_EQ(lossesOf(edited("FG_DIGIO_INPUT=", "FG_DIGIO_INPUT=1")), json::array());
+}
+
+TEST_F(AppletctlConfiguration, SaysWhatASaveCannotKeep) {
+    const Outcome outcome = run({"save", saved, "FG_CAMERASIMULATOR_WIDTH=512", "FG_DEBUGFILE=a'b"});
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_TRUE(contains(outcome.err, "FG_CAMERASIMULATOR_WIDTH=512 afterwards")) << outcome.err;
+    EXPECT_TRUE(contains(outcome.err, "the file has \"a'b\", after the load it is \"a\"")) << outcome.err;
+    // The applet notices nothing here: every write to this device fails.
+    std::filesystem::create_symlink("/dev/full", folder / "full.mcf");
+    EXPECT_TRUE(contains(run({"save", folder / "full.mcf"}).err, "0 of 114 values; see whether the disk"));
+    EXPECT_TRUE(contains(run({"save", folder / "x.txt"}).err, "-5001, "));
+}
+
+TEST_F(AppletctlConfiguration, ComparesValuesBySymbol) {
+    const std::string other = edited("FG_LINETRIGGERMODE=1", "FG_DIGIO_INPUT=9;\nFG_LINETRIGGERMODE=2");
+    const Outcome outcome = run({"diff", saved, other});
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_TRUE(contains(outcome.out, "  FG_LINETRIGGERMODE  GRABBER_CONTROLLED (1)")) << outcome.out;
+    EXPECT_FALSE(contains(outcome.out, "FG_DIGIO_INPUT")) << "is for the reader only";
+    const json lacking = document({"diff", saved, edited("FG_WIDTH=2048;\n", "")})["differences"];
+    EXPECT_EQ(lacking, json::parse(R"([{"name": "FG_WIDTH", "unit": "pixel",
+                                        "first": {"value": 2048}, "second": null}])"));
+    EXPECT_EQ(run({"diff", saved, edited("=2048;", "=2048")}).out, "The values are the same.\n");
+    EXPECT_EQ(run({"diff", saved, "FG_WIDTH=2048", "FG_LINEPERIODE=150.4"}).exitCode, 0);
+    EXPECT_EQ(run({"diff", saved}).exitCode, 1);
+    for (const Words& trouble :
+         {Words{"diff", saved, "FG_WIDTH=3"}, Words{"diff", saved, folder / "none.mcf"},
+          Words{"diff", saved, "--applet", "/nowhere/libx.so"}})
+        EXPECT_EQ(run(trouble).exitCode, 2) << trouble.back();
 }
 
 TEST(AppletctlDescribe, TellsAllOfAParameter) {

@@ -26,6 +26,12 @@ Report watchParameters(const Options& options, const Words& names);
 /** The assignments are carried out first. */
 Report showRoutes(const Options& options, const Words& assignments);
 
+/* Of configuration files. The assignments are carried out first. */
+Report saveConfiguration(const Options& options, const Words& fileAndAssignments);
+Report loadConfiguration(const Options& options, const Words& fileAndAssignments);
+Report checkConfiguration(const Options& options, const Words& file);
+Report compareConfigurations(const Options& options, const Words& filesOrAssignments);
+
 /* Of the lookup table. The assignments are carried out first. */
 Report showLut(const Options& options, const Words& assignments);
 Report saveLut(const Options& options, const Words& fileAndAssignments);

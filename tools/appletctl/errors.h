@@ -9,7 +9,13 @@
 
 namespace appletctl {
 
-enum ExitCode { exitDone = 0, exitRefused = 1, exitUsage = 2 };
+enum ExitCode {
+    exitDone = 0,
+    exitRefused = 1,
+    exitDifferent = 1, /**< of "diff" */
+    exitUsage = 2,
+    exitTrouble = 2 /**< of "diff": nothing could be compared */
+};
 
 /** The caller asked for something that makes no sense; nothing was done. */
 struct UsageError : std::runtime_error {

@@ -1,7 +1,7 @@
 // The commands around the lookup table. Assignments given with them are carried out first.
 
 #include "appletctl/LutTables.h"
-#include "appletctl/assignments.h"
+#include "appletctl/Work.h"
 #include "appletctl/curve.h"
 #include "appletctl/text.h"
 
@@ -14,38 +14,7 @@ constexpr const char* blueOnTheBoard =
     "The board receives the table of blue for all three colours. The applet keeps all three, and "
     "FG_LUT_VALUE_RED, FG_LUT_VALUE_GREEN and FG_LUT_VALUE_BLUE read what it keeps.\n";
 
-/** A "lut" command at work: an instance with the caller's assignments carried out, and the report so far. */
-struct Work {
-    Work(const Options& options, const Words& assignments)
-        : instance(options)
-        , parameters(instance)
-        , report(carryOut(instance, parameters, assignments)) {}
-
-    bool isRefused() const { return report.exitCode != exitDone; }
-    int set(const char* name, const Value& value) {
-        return writeValue(instance, {&parameters.find(name)}, value);
-    }
-    Value get(const char* name) { return valueOf(instance, {&parameters.find(name)}); }
-    LutTables tables() { return readLutTables(instance, parameters); }
-    void refuse(const std::string& words) {
-        report.problems.push_back(words);
-        report.exitCode = exitRefused;
-    }
-
-    Instance instance;
-    ParameterList parameters;
-    Report report;
-};
-
-Words behindFirst(const Words& words) { return Words(words.begin() + 1, words.end()); }
-
-/** The file that is the first word. */
-const std::string& fileOf(const Words& words) {
-    if (words.front().empty()) throw UsageError("the name of the file is empty");
-    return words.front();
-}
-
-std::string shown(const std::string& file) { return inQuotes(toUtf8(file.c_str())); }
+LutTables tablesOf(Work& work) { return readLutTables(work.instance, work.parameters); }
 
 bool isCustom(Work& work) {
     return std::get<std::int32_t>(work.get("FG_LUT_TYPE")) == static_cast<std::int32_t>(LUT_TYPE_CUSTOM);
@@ -123,7 +92,7 @@ bool readsBack(Options options, const std::string& file, const LutTables& tables
         const Target all = findTarget(scratch.parameters, std::string(table.parameter) + "[..]");
         if (writeValue(scratch.instance, all, others) != FG_OK) return false;
     }
-    return load(scratch, file) == FG_OK && haveSameEntries(scratch.tables(), tables);
+    return load(scratch, file) == FG_OK && haveSameEntries(tablesOf(scratch), tables);
 }
 
 /** What every command of the group tells in its document. */
@@ -148,7 +117,7 @@ void addCurves(Report& report, const LutTables& tables, const std::string& colou
 Report showLut(const Options& options, const Words& assignments) {
     Work work(options, assignments);
     if (work.isRefused()) return work.report;
-    const LutTables tables = work.tables();
+    const LutTables tables = tablesOf(work);
     addDocument(work, tables);
     work.report.text += settingsText(work) + "\n\n" + statisticsText(tables);
     addCurves(work.report, tables, options.lutColour);
@@ -159,17 +128,19 @@ Report saveLut(const Options& options, const Words& words) {
     const std::string& file = fileOf(words);
     Work work(options, behindFirst(words));
     if (work.isRefused()) return work.report;
-    const LutTables tables = work.tables();
+    const LutTables tables = tablesOf(work);
     addDocument(work, tables);
     work.report.document["file"] = toUtf8(file.c_str());
     const int code = work.set("FG_LUT_SAVE_FILE", file);
     if (code != FG_OK)
-        work.refuse(shown(file) + " was not written: " + refusedFile(work, "FG_LUT_SAVE_FILE", file, code));
+        work.refuse(shownFile(file) +
+                    " was not written: " + refusedFile(work, "FG_LUT_SAVE_FILE", file, code));
     else if (!readsBack(options, file, tables))
-        work.refuse(shown(file) + " was written, but does not read back as the same tables: see whether the "
-                                  "disk is full");
+        work.refuse(shownFile(file) +
+                    " was written, but does not read back as the same tables: see whether the "
+                    "disk is full");
     else
-        work.report.text += shown(file) + ": three tables of " +
+        work.report.text += shownFile(file) + ": three tables of " +
                             numberText(tables.colours.front().entries.size()) + " entries written\n";
     return work.report;
 }
@@ -178,22 +149,22 @@ Report loadLut(const Options& options, const Words& words) {
     const std::string& file = fileOf(words);
     Work work(options, behindFirst(words));
     if (work.isRefused()) return work.report;
-    const LutTables before = work.tables();
+    const LutTables before = tablesOf(work);
     const int code = load(work, file);
-    const LutTables tables = work.tables();
+    const LutTables tables = tablesOf(work);
     const bool isChanged = !haveSameEntries(before, tables);
     addDocument(work, tables);
     work.report.document["file"] = toUtf8(file.c_str());
     work.report.document["changed"] = isChanged;
     if (code != FG_OK) {
-        work.refuse(shown(file) + " was not loaded, " +
+        work.refuse(shownFile(file) + " was not loaded, " +
                     (isChanged ? "but the applet's tables have changed: " : "and nothing was changed: ") +
                     refusedFile(work, "FG_LUT_CUSTOM_FILE", file, code));
         return work.report;
     }
-    work.report.text += shown(file) + (isChanged ? " was loaded.\n"
-                                                 : " was loaded and changed no entry: it holds the same "
-                                                   "tables, or none that the applet can read.\n");
+    work.report.text += shownFile(file) + (isChanged ? " was loaded.\n"
+                                                     : " was loaded and changed no entry: it holds the same "
+                                                       "tables, or none that the applet can read.\n");
     work.report.text += settingsText(work) + "\n\n" + statisticsText(tables) + blueOnTheBoard;
     return work.report;
 }
@@ -201,14 +172,14 @@ Report loadLut(const Options& options, const Words& words) {
 Report plotLut(const Options& options, const Words& words) {
     const std::string& file = fileOf(words);
     if (!file.ends_with(".svg"))
-        throw UsageError(shown(file) + " does not end in .svg, and an SVG picture is what is written");
+        throw UsageError(shownFile(file) + " does not end in .svg, and an SVG picture is what is written");
     Work work(options, behindFirst(words));
     if (work.isRefused()) return work.report;
-    const LutTables tables = work.tables();
+    const LutTables tables = tablesOf(work);
     addDocument(work, tables);
     work.report.document["file"] = toUtf8(file.c_str());
     writeFile(file, curvesAsSvg(tables, settingsText(work)));
-    work.report.text += shown(file) + " written\n";
+    work.report.text += shownFile(file) + " written\n";
     return work.report;
 }
 

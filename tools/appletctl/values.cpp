@@ -185,6 +185,11 @@ Value parseValue(const Target& target, const std::string& text) {
             } else if constexpr (std::is_same_v<T, Elements>) {
                 return Elements(native.size(), parseInteger<std::uint32_t>(target, text));
             } else if constexpr (std::is_same_v<T, std::string>) {
+                if (text.find_first_of("\r\n") != std::string::npos)
+                    refuseText(
+                        target, text,
+                        "a text with a line break cannot be saved: the rest would become a line of its "
+                        "own in a configuration file");
                 return text;
             } else if constexpr (std::is_same_v<T, double>) {
                 return parseDouble(target, text);

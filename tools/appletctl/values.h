@@ -19,6 +19,8 @@ namespace appletctl {
 /** An array parameter as a whole: its elements are counted and not read. */
 struct WholeArray {
     std::uint32_t count;
+
+    bool operator==(const WholeArray&) const = default;
 };
 
 /** Elements of an array parameter. */

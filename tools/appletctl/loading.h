@@ -1,0 +1,53 @@
+/** Loads configuration files and tells what was lost of them. The applet does not: it says that something is
+ *  missing but not what, and drops in silence what a setter refuses. */
+#ifndef APPLETCTL_LOADING_H
+#define APPLETCTL_LOADING_H
+
+#include "appletctl/ConfigurationFile.h"
+#include "appletctl/Work.h"
+
+#include <string>
+#include <vector>
+
+namespace appletctl {
+
+/** A fresh instance of the applet, which is asked what files hold. There is no list of keys here: the keys are
+ *  those that it saves, and one that a load fails without is one that a load reads. */
+class FileKeys {
+public:
+    explicit FileKeys(const Options& options);
+
+    /** The state after the start. */
+    const ConfigurationFile& defaults() const { return m_defaults; }
+    /** False for what is saved for the reader of the file, such as measurements, and for unknown keys. */
+    bool isReadByLoad(const std::string& key);
+
+private:
+    Instance m_instance;
+    ConfigurationFile m_defaults;
+    TemporaryFile m_trial;
+};
+
+/** What became of one key. */
+struct Finding {
+    /** "file": nothing was loaded at all. "missing": no such key in the file. "unknown": no load reads the key.
+     *  "repeated": only the first line of the key counts. "unreadable": no value of the parameter's kind.
+     *  "refused": by the setter. "kept": refused by the setter, and yet it reads back. "cut": the end of a text.
+     *  "unapplied": the setter takes the value, but a load does not hand it over. "rounded": to what the
+     *  hardware can do. */
+    const char* kind;
+    std::string key; // empty for the whole file
+    std::string message;
+    bool isLoss = true;
+};
+
+/** Loads the file into the instance at work, which has carried out the assignments; gives what came of it. */
+std::vector<Finding> loadAndCompare(Work& work, FileKeys& keys, const std::string& file,
+                                    const Options& options, const Words& assignments);
+
+/** Adds the losses to the problems, what was rounded to the text, and all of them to the document. */
+void addFindings(Work& work, const std::vector<Finding>& findings);
+
+} // namespace appletctl
+
+#endif

@@ -1,0 +1,52 @@
+#include "appletctl/differences.h"
+#include "appletctl/text.h"
+
+#include <algorithm>
+
+namespace appletctl {
+namespace {
+
+std::string whyNotSaved(const std::string& file, int code) {
+    const bool isNamedSo = file.find(".mcf") != std::string::npos;
+    return shownFile(file) + " was not written: " + codeInWords(code) +
+           (isNamedSo ? "; see whether its folder exists and may be written"
+                      : "; .mcf must be part of its name");
+}
+
+} // namespace
+
+Report saveConfiguration(const Options& options, const Words& words) {
+    requireBoard(options, "save");
+    const std::string& file = fileOf(words);
+    Work work(options, behindFirst(words));
+    if (work.isRefused()) return work.report;
+    work.report.document["file"] = toUtf8(file.c_str());
+    const int code = work.instance.applet().Fg_saveConfig(work.instance.fg(), file.c_str());
+    if (code != FG_OK) {
+        work.refuse(whyNotSaved(file, code));
+        return work.report;
+    }
+    // The applet reports no failed write.
+    const std::size_t expected = stateOf(work.instance).values().size();
+    const ConfigurationFile saved(textOfFile(file).value_or(""));
+    if (saved.values().size() != expected) {
+        work.refuse(shownFile(file) +
+                    " was written, but does not read back as a whole: " + numberText(saved.values().size()) +
+                    " of " + numberText(expected) + " values; see whether the disk is full");
+        return work.report;
+    }
+    FileKeys keys(options);
+    work.report.text += shownFile(file) + ": " + numberText(expected) + " values written\n";
+    work.report.document["values"] = expected;
+    const std::size_t changed = addDifferences(work.report, {"DEFAULT", "default", &keys.defaults()},
+                                               {"SAVED", "saved", &saved}, work.parameters, keys);
+    if (changed == 0) work.report.text += "All of them are defaults.\n";
+    Work fresh(options, {});
+    const std::vector<Finding> findings = loadAndCompare(fresh, keys, file, options, {});
+    if (std::any_of(findings.begin(), findings.end(), [](const Finding& finding) { return finding.isLoss; }))
+        work.refuse(shownFile(file) + " is complete, but a load does not restore all of it:");
+    addFindings(work, findings);
+    return work.report;
+}
+
+} // namespace appletctl
