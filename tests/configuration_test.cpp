@@ -125,7 +125,7 @@ Lines failing(const Sections& sections, std::size_t k, int how) {
     return all;
 }
 
-/** The design as its parameters were written last, without what a file does not hold: the tables, the branches
+/** The design as its parameters were written last, without what a file does not hold: tables, the branches
  * that a refused format has silenced, and the rates. */
 std::string designState(const Grabber& grabber) {
     std::map<std::string, std::string> last;
@@ -192,7 +192,7 @@ protected:
         return File(lines);
     }
 
-    /** Parameters, each with values as a file has them, doubles with a point. The first one is not the start's;
+    /** Parameters, each with values as a file has them, doubles with a point. The first is not the start's;
      * some are refused, always or beside their neighbours. */
     const std::vector<Lines> settable = dataRows("settable_values.txt");
     /** Parameters that a save tells and a load does not ask for. */
