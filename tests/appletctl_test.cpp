@@ -508,6 +508,10 @@ TEST_F(AppletctlConfiguration, TellsEachLossAndWhy) {
     EXPECT_TRUE(contains(lossesOf(folder / "none.mcf")[0]["message"], "-2076"));
     // A key behind a blank is another key.
     EXPECT_EQ(lossesOf(edited("FG_WIDTH=", " FG_WIDTH=")).size(), 2u);
+    // The line rate follows from the width in this mode: it is not lost by itself.
+    const std::string frames = folder / "frames.mcf";
+    run({"save", frames, "FG_CAMERASIMULATOR_SELECT_MODE=FG_FRAMERATE", "FG_CAMERASIMULATOR_WIDTH=32"});
+    EXPECT_EQ(lossesOf(frames).size(), 1u) << lossesOf(frames);
     // Neither spelling nor what a load does not read is a loss.
     EXPECT_EQ(lossesOf(edited("FG_LINEPERIODE=150.4;", "FG_LINEPERIODE=1.504e2")), json::array());
     EXPECT_EQ(lossesOf(edited("FG_DIGIO_INPUT=", "FG_DIGIO_INPUT=1")), json::array());

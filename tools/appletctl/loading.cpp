@@ -54,7 +54,7 @@ public:
         const int code = writeValue(m_trial.instance, {&wanted}, *value);
         if (code != FG_OK) return refusal(wanted, *value, code, isKept ? "" : change);
         if (isKept) return std::nullopt;
-        if (isSameValue(wanted, stateOf(m_trial.instance).value(key).value_or(""), is))
+        if (isSameValue(wanted, onTrial(key), is))
             return Finding{"rounded", key, change + ", as close as the setter comes to it", false};
         if (wanted.kind() == REGISTER_KIND_STRING && asked.starts_with(is))
             return Finding{"cut", key, change + ": a load ends a text at its first = ; or '"};
@@ -64,13 +64,17 @@ public:
     }
 
 private:
+    /** What a save on the trial instance would write now. */
+    std::string onTrial(const std::string& key) { return stateOf(m_trial.instance).value(key).value_or(""); }
+
     /** True for a rate that the present mode computes from other parameters, whatever the file says. */
     bool isComputed(const Parameter& parameter, const ConfigurationFile::Line& line) {
         if (parameter.kind() != REGISTER_KIND_DOUBLE || accessWord(parameter) != "ro") return false;
         const TemporaryFile other;
         other.write(m_asked.textWith(line, line.key + "=-12345.678;\n"));
+        const std::string before = onTrial(line.key);
         load(m_trial.instance, other.path());
-        const bool isUnmoved = stateOf(m_trial.instance).value(line.key) == m_state.value(line.key);
+        const bool isUnmoved = onTrial(line.key) == before;
         load(m_trial.instance, m_path);
         return isUnmoved;
     }
