@@ -49,10 +49,9 @@ TEST(XmlText, NamesKeepWhatANodeMayBeCalled) {
 
 TEST(CategoryTest, HoldsFeaturesAndOwnsChildren) {
     Category root("Root");
-    auto* first = new Category("Image", &root);
-    auto* second = new Category("Image", &root);
-    auto* third = new Category("Trigger");
-    root.addChild(third);
+    auto* first = &root.addChild("Image");
+    auto* second = &root.addChild("Image");
+    auto* third = &root.addChild("Trigger");
     for (const char* feature : {"A", "B", "A"})
         second->addFeature(feature);
 

@@ -233,8 +233,8 @@ RegisterInfo* Fg_getParameterInfo(Fg_Struct* fg, int index);
 /**
  * Describes parameter tree `index` as an XML document for readers of GenApi 1.0, with the limits and the
  * access of the moment; values are not in it, nor are 64-bit integers, arrays and the DRA_ registers. Serves
- * an object without a runtime too. Each call builds the document, the query of its size included. A limit that
- * changes between query and copy may need another digit: be ready to ask again.
+ * an object without a runtime too. Each call builds the document, the query of its size included. A limit
+ * that changes between query and copy may need another digit: be ready to ask again.
  *
  * @param buffer  takes the document and its terminating zero; null asks for the size only
  * @param size    bytes at `buffer`; after success the bytes that the document needs, its zero included. A
@@ -251,9 +251,9 @@ uint64_t Fg_getEventMask(Fg_Struct* fg, const char* name);
 const char* Fg_getEventName(Fg_Struct* fg, uint64_t mask);
 
 /**
- * Saves the state of the parameters to a text file, whose name must hold ".mcf". 0, or FG_ERR_SAVE_CONFIG if
- * the file cannot be created; a getter that fails costs its own line only, and a full disk is told in the log
- * alone.
+ * Saves the state of the parameters to a text file, whose name must hold ".mcf". 0, or FG_ERR_SAVE_CONFIG for
+ * another name, null, or a file that cannot be created; a getter that fails costs its own line only, and a
+ * full disk is told in the log alone.
  *
  * Numbers are written with the decimal separator of the process locale, which is first set to "English" where
  * a locale of that name exists. Takes no lock: no other thread may use the handle's parameters meanwhile.
@@ -264,9 +264,9 @@ int Fg_saveConfig(Fg_Struct* fg, const char* file);
  * Loads a file that Fg_saveConfig wrote for this applet. Locale and locks as there.
  *
  * 0, also if setters refused some of the values, which nobody reports: read them back. FG_ERR_LOAD_CONFIG if
- * any key is missing, with all others applied, or for another applet's file, with nothing applied.
- * FG_ERR_FILE_TYPE if there is no such file or its name does not hold ".mcf"; the last error is then
- * FG_ERR_LOAD_CONFIG.
+ * any key is missing, with all others applied, or for another applet's file or one whose lines end in a
+ * carriage return, with nothing applied. FG_ERR_FILE_TYPE if there is no such file or its name does not hold
+ * ".mcf"; the last error is then FG_ERR_LOAD_CONFIG.
  */
 int Fg_loadConfig(Fg_Struct* fg, const char* file);
 

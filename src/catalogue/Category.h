@@ -3,16 +3,15 @@
 #define CATALOGUE_CATEGORY_H
 
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 class Category {
 public:
-    /** With a parent, the category is the parent's last child and must have been made with `new`: the parent
-     * owns it. */
-    explicit Category(std::string name, Category* parent = nullptr);
-    ~Category();
+    explicit Category(std::string name) : m_name(std::move(name)) {}
     Category(const Category&) = delete;
     Category& operator=(const Category&) = delete;
 
@@ -25,8 +24,8 @@ public:
     std::string_view getFeature(std::size_t index) const;
     bool hasFeature(std::string_view name) const;
 
-    /** Appends and owns. */
-    void addChild(Category* child);
+    /** Appends a new child, which this category owns. */
+    Category& addChild(std::string name);
     std::size_t getChildCount() const { return m_children.size(); }
     /** Null past the end. */
     Category* getChild(std::size_t index) const;
@@ -36,7 +35,7 @@ public:
 
 private:
     std::string m_name;
-    std::vector<Category*> m_children; // owned
+    std::vector<std::unique_ptr<Category>> m_children;
     std::vector<std::string> m_features;
 };
 

@@ -1,18 +1,46 @@
 #include "catalogue/ParameterInfoBuilderXML.h"
 
-#include "catalogue/ParameterInfoBuilderXMLPrivate.h"
+#include "catalogue/Category.h"
+#include "catalogue/Fg_ParameterInfo.h"
 #include "catalogue/ParameterInfoGeneratorXML.h"
 #include "catalogue/direct_registers.h"
 #include "catalogue/live_records.h"
 #include "catalogue/xml_text.h"
 
 #include <sstream>
+#include <string_view>
 #include <utility>
 
 using catalogue::loadLive;
 using catalogue::put;
 using catalogue::xmlNameFilter;
 using catalogue::xmlStringFilter;
+
+/** The parts of the document, in the order in which they are written. */
+class ParameterInfoBuilderXMLPrivate {
+public:
+    ParameterInfoBuilderXMLPrivate(const Fg_ParameterInfo& info, const char* appletName, int port)
+        : m_info(info)
+        , m_appletName(appletName)
+        , m_port(port) {}
+
+    void writeDocument(std::ostream& stream);
+
+private:
+    void buildXMLHeader(std::ostream& stream);
+    void startAppletDescription(std::ostream& stream);
+    void processRegisterInfo(std::ostream& stream, const RegisterInfo* info, const RegisterInfo* parent);
+    void buildParamDescr(std::ostream& stream, const RegisterInfo& info, const RegisterInfo* parent);
+    void addFeatureToCategory(std::string_view category, std::string_view feature);
+    void buildCategories(std::ostream& stream);
+    void writeCategory(std::ostream& stream, const Category& category);
+    void stopAppletDescription(std::ostream& stream);
+
+    const Fg_ParameterInfo& m_info;
+    const char* m_appletName;
+    int m_port;
+    Category m_root{"Root"};
+};
 
 namespace {
 
@@ -140,7 +168,7 @@ void ParameterInfoBuilderXMLPrivate::addFeatureToCategory(std::string_view categ
         // The categories are flat: groups of equal names are one.
         std::string name = xmlNameFilter(category);
         place = m_root.getChild(name);
-        if (place == nullptr) place = new Category(std::move(name), &m_root);
+        if (place == nullptr) place = &m_root.addChild(std::move(name));
     }
     // The first filter may bring a digit to the front, which the second takes.
     place->addFeature(xmlNameFilter(xmlNameFilter(feature)));

@@ -1,16 +1,18 @@
 /**
  * Changes to records of the tree while the runtime may be reading them.
  *
- * Each change is one atomic store of the field's own width, each read of such a field one atomic load. A null record, which the tree gives when it could
- * not add one, is left alone.
+ * Each change is one atomic store of the field's own width, each read of such a field one atomic load. A null
+ * record, which the tree gives when it could not add one, is left alone.
  */
 #ifndef CATALOGUE_LIVE_RECORDS_H
 #define CATALOGUE_LIVE_RECORDS_H
 
+#include "support/quietly.h"
 #include "vexo/register_info.h"
 
+#include <algorithm>
 #include <atomic>
-#include <exception>
+#include <limits>
 
 namespace catalogue {
 
@@ -28,7 +30,7 @@ inline void publishAccess(RegisterInfo* record, std::uint32_t access) {
 }
 
 inline std::uint32_t publishedAccess(const RegisterInfo* record) {
-    return record != nullptr ? record->access : std::uint32_t{REGISTER_ACCESS_READ};
+    return record != nullptr ? loadLive(record->access) : std::uint32_t{REGISTER_ACCESS_READ};
 }
 
 inline void publishMaximum(RegisterInfo* record, std::uint32_t maximum) {
@@ -39,13 +41,12 @@ inline void publishMaximum(RegisterInfo* record, double maximum) {
     if (record != nullptr) storeLive(record->value.f64.maximum, maximum);
 }
 
+/** What a maximum that must stay above zero is published as. */
+inline double aboveZero(double maximum) { return std::max(maximum, std::numeric_limits<double>::min()); }
+
 /** Publishes what `compute` gives; if it fails, the old maximum stays and nobody is told. */
 template <typename Compute> void republishMaximum(RegisterInfo* record, Compute compute) {
-    try {
-        publishMaximum(record, compute());
-    } catch (int) {
-    } catch (const std::exception&) {
-    }
+    quietly([&] { publishMaximum(record, compute()); });
 }
 
 } // namespace catalogue

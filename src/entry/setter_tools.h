@@ -9,23 +9,14 @@
 
 #include "catalogue/enumerations.h"
 #include "catalogue/parameter_tree.h"
+#include "support/quietly.h"
 #include "vexo/fg_errors.h"
 
 #include <cstdint>
-#include <exception>
 #include <utility>
 
 // The checks are inlined whole: the cost of a throw is the frames that it passes.
 [[noreturn, gnu::always_inline]] inline void refuse(int code) { throw code; }
-
-/** Calls a setter whose refusal nobody wants to hear of. */
-template <typename Set> void quietly(Set set) {
-    try {
-        set();
-    } catch (int) {
-    } catch (const std::exception&) {
-    }
-}
 
 /** Stores a new value in a member and puts the old one back at the end, unless it is kept. */
 template <typename T> class Replacement {

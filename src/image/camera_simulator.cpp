@@ -16,19 +16,21 @@ using namespace catalogue;
 
 namespace {
 
-constexpr double cycle = 8e-9;           // seconds
-constexpr std::uint32_t pixels = 32;     // in a cycle
+constexpr double cycle = 8e-9; // seconds
+constexpr std::uint32_t pixelsPerCycle = 32;
 constexpr std::uint32_t sequence = 2000; // cycles
 constexpr double halfStep = 0.5;
-constexpr std::uint32_t widthBudget = 294920;             // pixels, the gap included
-constexpr std::uint32_t heightBudget = 65536;             // lines, the gap included
-constexpr double maximumPixelRate = 3999999999.9999995;   // per second, just below 32 pixels in each cycle
-constexpr double fullPixelFrequency = 3999.9999999999995; // MHz
+constexpr std::uint32_t widthBudget = 294920;           // pixels, the gap included
+constexpr std::uint32_t heightBudget = 65536;           // lines, the gap included
+constexpr double maximumPixelRate = 3999999999.9999995; // per second, just below 32 pixels in each cycle
+constexpr double fullPixelFrequency = maximumPixelRate / 1e6; // MHz
 
 constexpr Double frequencyLimits = limitsOf<Double>(FG_CAMERASIMULATOR_PIXEL_FREQUENCY);
 constexpr double lowestRate = limitsOf<Double>(FG_CAMERASIMULATOR_LINERATE).minimum; // Hz, of frames too
 
-std::uint32_t wholeCycles(std::uint32_t width) { return (width + pixels - 1) / pixels * pixels; }
+std::uint32_t wholeCycles(std::uint32_t width) {
+    return (width + pixelsPerCycle - 1) / pixelsPerCycle * pixelsPerCycle;
+}
 
 /** Without a fraction, in 32 of 64 bits. */
 std::uint32_t counted(double number) { return static_cast<std::uint32_t>(truncated<std::int64_t>(number)); }
@@ -46,13 +48,10 @@ constexpr SpeedMode speedModes[] = {
     {FG_FRAMERATE, readOnly, readOnly, anyTime, readOnly, readOnly, 1},
 };
 
-/** A published maximum of a rate stays above zero. */
-double publishable(double rate) { return std::max(rate, std::numeric_limits<double>::min()); }
-
 } // namespace
 
 void FgLoomWrapperImpl::publishPixelFrequencyLimit() {
-    publishMaximum(recordAt(indexOf(FG_CAMERASIMULATOR_PIXEL_FREQUENCY)), maximumPixelRate / 1e6);
+    publishMaximum(recordAt(indexOf(FG_CAMERASIMULATOR_PIXEL_FREQUENCY)), fullPixelFrequency);
 }
 
 // ---- What reads back
@@ -68,7 +67,7 @@ std::uint32_t FgLoomWrapperImpl::simulatorFrameGap() {
 double FgLoomWrapperImpl::simulatorPixelFrequency(std::uint32_t mode) {
     if (mode != FG_PIXEL_FREQUENCY) return fullPixelFrequency;
     const double active = loomGet_Process0_CameraSimulator_PixelFrequency_ActivePixel_Number<std::uint32_t>();
-    return pixels * (active - halfStep) / sequence / cycle / 1e6;
+    return pixelsPerCycle * (active - halfStep) / sequence / cycle / 1e6;
 }
 
 double FgLoomWrapperImpl::simulatorLineRate(std::uint32_t mode) {
@@ -81,7 +80,7 @@ double FgLoomWrapperImpl::simulatorLineRate(std::uint32_t mode) {
         return 1.0 / ((cycles - halfStep) * cycle);
     }
     case FG_FRAMERATE:
-        return quotient(pixels, cycle * m_simAppliedWidth);
+        return quotient(pixelsPerCycle, cycle * m_simAppliedWidth);
     default:
         refuse(FG_ERR_NO_TRANSLATION);
     }
@@ -125,9 +124,9 @@ void FgLoomWrapperImpl::applySimulatorWidth(std::uint32_t width, std::uint32_t g
     requireAtMost(total, widthBudget);
     m_simAppliedWidth = width;
     m_simAppliedLineGap = gap;
-    loomSet_Process0_CameraSimulator_Size_ImageWidth(total / pixels);
+    loomSet_Process0_CameraSimulator_Size_ImageWidth(total / pixelsPerCycle);
     // Counts the cycles up to the gap, so it takes the width.
-    loomSet_Process0_CameraSimulator_LineGap_Number(width / pixels);
+    loomSet_Process0_CameraSimulator_LineGap_Number(width / pixelsPerCycle);
 }
 
 void FgLoomWrapperImpl::applySimulatorHeight(std::uint32_t height, std::uint32_t gap) {
@@ -144,7 +143,7 @@ std::uint32_t FgLoomWrapperImpl::simulatorWidthLimit() {
     const std::uint32_t gap = simulatorLineGap();
     const std::uint32_t budget = widthBudget - gap;
     const auto allowedBy = [&](double linesPerSecond) {
-        return std::min(budget, counted(quotient(maximumPixelRate, linesPerSecond) - gap - 32.0));
+        return std::min(budget, counted(quotient(maximumPixelRate, linesPerSecond) - gap - pixelsPerCycle));
     };
     if (m_simSelectMode == FG_LINERATE) return allowedBy(currentLineRate());
     if (m_simSelectMode == FG_FRAMERATE) return allowedBy(m_simHeight * currentFrameRate());
@@ -155,15 +154,15 @@ std::uint32_t FgLoomWrapperImpl::simulatorLineGapLimit() {
     if (m_simSelectMode == FG_FRAMERATE) return 0;
     const std::uint32_t budget = widthBudget - m_simAppliedWidth;
     if (m_simSelectMode != FG_LINERATE) return budget;
-    return std::min(budget,
-                    counted(quotient(maximumPixelRate, currentLineRate()) - m_simAppliedWidth - 32.0));
+    return std::min(
+        budget, counted(quotient(maximumPixelRate, currentLineRate()) - m_simAppliedWidth - pixelsPerCycle));
 }
 
 std::uint32_t FgLoomWrapperImpl::simulatorHeightLimit() {
     const std::uint32_t budget = heightBudget - simulatorFrameGap();
     if (m_simSelectMode != FG_FRAMERATE) return budget;
-    return std::min(budget,
-                    counted(quotient(maximumPixelRate, currentFrameRate() * (32.0 + m_simAppliedWidth))));
+    return std::min(budget, counted(quotient(maximumPixelRate,
+                                             currentFrameRate() * (pixelsPerCycle + m_simAppliedWidth))));
 }
 
 std::uint32_t FgLoomWrapperImpl::simulatorFrameGapLimit() {
@@ -171,11 +170,11 @@ std::uint32_t FgLoomWrapperImpl::simulatorFrameGapLimit() {
 }
 
 double FgLoomWrapperImpl::simulatorLineRateLimit() const {
-    return maximumPixelRate / (m_simAppliedWidth + 32.0);
+    return maximumPixelRate / (m_simAppliedWidth + pixelsPerCycle);
 }
 
 double FgLoomWrapperImpl::simulatorFrameRateLimit() const {
-    return quotient(maximumPixelRate, m_simHeight * (m_simAppliedWidth + 32));
+    return quotient(maximumPixelRate, m_simHeight * (m_simAppliedWidth + pixelsPerCycle));
 }
 
 void FgLoomWrapperImpl::updateSimWidthRange() {
@@ -196,11 +195,11 @@ void FgLoomWrapperImpl::updateSimFrameGapRange() {
 }
 
 void FgLoomWrapperImpl::updateSimLineRateRange() {
-    publishMaximum(recordAt(indexOf(FG_CAMERASIMULATOR_LINERATE)), publishable(simulatorLineRateLimit()));
+    publishMaximum(recordAt(indexOf(FG_CAMERASIMULATOR_LINERATE)), aboveZero(simulatorLineRateLimit()));
 }
 
 void FgLoomWrapperImpl::updateSimFrameRateRange() {
-    publishMaximum(recordAt(indexOf(FG_CAMERASIMULATOR_FRAMERATE)), publishable(simulatorFrameRateLimit()));
+    publishMaximum(recordAt(indexOf(FG_CAMERASIMULATOR_FRAMERATE)), aboveZero(simulatorFrameRateLimit()));
 }
 
 // ---- Speed
@@ -210,7 +209,7 @@ void FgLoomWrapperImpl::set_FG_CAMERASIMULATOR_PIXEL_FREQUENCY(double value) {
     // value passes, so this mode cannot be programmed.
     requireRange(value, frequencyLimits);
     Replacement stored(m_simPixelFrequency, value);
-    const std::uint32_t active = counted(halfStep + cycle * (value * 1e6 * sequence) / pixels);
+    const std::uint32_t active = counted(halfStep + cycle * (value * 1e6 * sequence) / pixelsPerCycle);
     if (active == 0) refuse(FG_ERR_OUT_OF_RANGE);
     loomSet_Process0_CameraSimulator_PixelFrequency_ActivePixel_Number(active);
     loomSet_Process0_CameraSimulator_PixelFrequency_RepeatPat_Divisor(sequence / active);

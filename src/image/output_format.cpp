@@ -4,7 +4,7 @@
 #include "catalogue/live_records.h"
 #include "entry/sdk_parameters.h"
 #include "entry/setter_tools.h"
-#include "image/output_formats.h"
+#include "image/format_table.h"
 
 #include <algorithm>
 

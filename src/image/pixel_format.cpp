@@ -1,7 +1,5 @@
 // What the camera delivers: the width of the colour components and their order on the link.
 
-#include "image/pixel_format.h"
-
 #include "entry/sdk_parameters.h"
 #include "entry/setter_tools.h"
 

@@ -6,7 +6,7 @@
 #include "catalogue/live_records.h"
 #include "entry/sdk_parameters.h"
 #include "entry/setter_tools.h"
-#include "image/pixel_format.h"
+#include "image/pixel_layout.h"
 
 #include <algorithm>
 
@@ -40,7 +40,7 @@ FgLoomWrapperImpl::Dram FgLoomWrapperImpl::readDram() {
         loomGet_Process0_Buffer_0_DRAM_DRAM_A_0_Imp_DRAM_RamAddressWidth<std::uint32_t>();
     const auto dataWidth = loomGet_Process0_Buffer_0_DRAM_DRAM_A_0_Imp_DRAM_RamDataWidth<std::uint32_t>();
     const std::uint64_t words = ((std::uint64_t{1} << (addressWidth % 64)) >> 1) * 3;
-    return {dataWidth, dataWidth * words / nonZero(pixelFormatBits(m_pixelFormat).bitsPerPixel())};
+    return {dataWidth, dataWidth * words / nonZero(pixelLayoutOf(m_pixelFormat).bitsPerPixel())};
 }
 
 std::uint32_t FgLoomWrapperImpl::calcMaxWidthFromDram(std::uint32_t sensorHeight) {
@@ -120,7 +120,7 @@ void FgLoomWrapperImpl::writeBufferGeometry(std::uint32_t previous) {
         writeMirrors();
         loomSet_Process0_Buffer_0_SensorHeight(sensorHeight);
     }
-    loomSet_Process0_Buffer_0_PixelFormat(pixelFormatBits(m_pixelFormat).bits);
+    loomSet_Process0_Buffer_0_PixelFormat(pixelLayoutOf(m_pixelFormat).bits);
     loomSet_Process0_Buffer_0_XLength(m_width);
     loomSet_Process0_Buffer_0_XOffset(m_xOffset);
 }

@@ -15,7 +15,8 @@ std::uint32_t FgLoomWrapperImpl::readRuntimeWord(int id) {
 std::uint32_t FgLoomWrapperImpl::readCamStatusExtended() {
     constexpr std::uint32_t pixelClock = 1;
     constexpr std::uint32_t overflowBit = 5;
-    constexpr std::uint32_t levelBit = 6;        // and the one above: a quarter of the buffer
+    constexpr std::uint32_t levelBit = 6; // and the one above: a quarter of the buffer
+    // The design's overflow flag is read twice, on purpose: the second time it may have been cleared.
     const std::uint32_t level = readFillLevel(); // percent
     const std::uint32_t overflow = readOverflow();
     std::uint32_t word = readRuntimeWord(FG_CAMSTATUS_EXTENDED);

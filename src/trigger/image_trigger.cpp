@@ -65,8 +65,8 @@ void FgLoomWrapperImpl::set_FG_FLASHON(std::uint32_t value) {
 }
 
 void FgLoomWrapperImpl::set_FG_IMGTRIGGER_ASYNC_HEIGHT(std::uint32_t value) {
-    requireRange(value,
-                 limitsOf<UInt>(FG_IMGTRIGGER_ASYNC_HEIGHT)); // never compared with the region's height
+    // Never compared with the region's height.
+    requireRange(value, limitsOf<UInt>(FG_IMGTRIGGER_ASYNC_HEIGHT));
     Replacement stored(m_imgTriggerAsyncHeight, value);
     if (m_imgTriggerMode == ASYNC_TRIGGER_MULTIFRAME) writeTriggerRange(m_yOffset, value);
     stored.keep();
@@ -121,8 +121,8 @@ void FgLoomWrapperImpl::set_FG_STROBEPULSEDELAY(std::uint32_t value) {
 void FgLoomWrapperImpl::set_FG_SENDSOFTWARETRIGGER(std::uint32_t value) {
     requireEntry(enumApply, value);
     Replacement stored(m_sendSoftwareTrigger, value);
-    loomSet_Process0_Trigger_Trigger_SoftwareTrgPulse(
-        value); // one pulse for each write; nothing takes it back
+    // One pulse for each write; nothing takes it back.
+    loomSet_Process0_Trigger_Trigger_SoftwareTrgPulse(value);
     stored.keep();
 }
 

@@ -44,9 +44,6 @@ std::uint32_t debouncePrescaler(double microseconds) {
     return truncated<std::uint32_t>(std::ceil(0.5 + (125.0 * microseconds) / 3.0));
 }
 
-/** A published maximum stays above zero. */
-double publishable(double limit) { return std::max(limit, std::numeric_limits<double>::min()); }
-
 } // namespace
 
 double FgLoomWrapperImpl::exposureLimit() const {
@@ -56,11 +53,11 @@ double FgLoomWrapperImpl::exposureLimit() const {
 }
 
 void FgLoomWrapperImpl::updateExposureRange() {
-    publishMaximum(recordAt(indexOf(FG_LINEEXPOSURE)), publishable(exposureLimit()));
+    publishMaximum(recordAt(indexOf(FG_LINEEXPOSURE)), aboveZero(exposureLimit()));
 }
 
 void FgLoomWrapperImpl::updateTriggerDelayRange() {
-    publishMaximum(recordAt(indexOf(FG_LINETRIGGERDELAY)), publishable(m_linePeriode));
+    publishMaximum(recordAt(indexOf(FG_LINETRIGGERDELAY)), aboveZero(m_linePeriode));
 }
 
 void FgLoomWrapperImpl::set_FG_LINETRIGGERMODE(std::uint32_t value) {
@@ -120,8 +117,8 @@ void FgLoomWrapperImpl::set_FG_LINE_DOWNSCALE(std::uint32_t value) {
 }
 
 void FgLoomWrapperImpl::set_FG_LINE_DOWNSCALEINIT(std::uint32_t value) {
-    requireRange(value,
-                 limitsOf<UInt>(FG_LINE_DOWNSCALEINIT)); // a phase above the downscale factor is accepted
+    // A phase above the downscale factor is accepted.
+    requireRange(value, limitsOf<UInt>(FG_LINE_DOWNSCALEINIT));
     Replacement stored(m_lineDownscaleInit, value);
     loomSet_Process0_Trigger_Trigger_LineTrgPhase(value);
     stored.keep();

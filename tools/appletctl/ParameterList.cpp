@@ -36,6 +36,8 @@ struct ReadEffect {
 constexpr ReadEffect readEffects[] = {
     {"FG_OVERFLOW", "clears when read"},
     {"FG_FILLLEVEL", "clears FG_OVERFLOW when read"},
+    {"FG_CAMSTATUS", "clears FG_OVERFLOW when read"},
+    {"FG_CAMSTATUS_EXTENDED", "clears FG_OVERFLOW when read"},
     {"DLOOMA_Device1_Process0_OverflowOccurred_Status", "clears when read"},
 };
 

@@ -95,7 +95,7 @@ constexpr Command commands[] = {
 constexpr const char* notes =
     "Each run starts a fresh virtual board with the defaults; nothing is kept for the next run.\n"
     "Access: ro read-only, rw writable, rw+ writable while an acquisition runs as well.\n"
-    "Exit codes: 0 done, 1 refused by the applet or a library cannot be loaded, 2 wrong usage.";
+    "Exit codes: 0 done, 1 refused, lost, different or failed, 2 wrong usage (diff: any trouble).";
 
 /** What the command line asks for. */
 struct Request {

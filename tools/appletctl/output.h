@@ -61,7 +61,9 @@ struct Report {
     bool isPrinted = false; /**< the command has printed as it went: only the problems are left */
 };
 
-/** The document of the report of `command`, complete, as UTF-8; in one line, or with this indent in several. */
+/**
+ * The document of the report of `command`, complete, as UTF-8; in one line, or with this indent in several.
+ */
 std::string documentText(const Report& report, const std::string& command, int indent = -1);
 
 /** Writes to the standard output, at once. False when it does not take the text; errno tells why. */

@@ -33,7 +33,9 @@ sigset_t endingSignals() {
     return signals;
 }
 
-/** From now on the ending signals ask for an end, a second one forces it; a dead pipe is told by the write. */
+/**
+ * From now on the ending signals ask for an end, a second one forces it; a dead pipe is told by the write.
+ */
 void catchSignals() {
     struct sigaction action {};
     action.sa_handler = askToEnd;

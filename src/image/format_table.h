@@ -1,6 +1,6 @@
 /** What a format of the output is called, and how wide its components are. */
-#ifndef IMAGE_OUTPUT_FORMATS_H
-#define IMAGE_OUTPUT_FORMATS_H
+#ifndef IMAGE_FORMAT_TABLE_H
+#define IMAGE_FORMAT_TABLE_H
 
 #include "vexo/fg_parameters.h"
 
@@ -20,12 +20,12 @@ inline constexpr OutputFormat outputFormats[] = {
     {"FG_GRAY", 3, 8},           {"FG_MONO8", 3, 8},          {"FG_GRAY10", 21, 10},
     {"FG_MONO10", 21, 10},       {"FG_GRAY12", 22, 12},       {"FG_MONO12", 22, 12},
     {"FG_GRAY14", 23, 14},       {"FG_MONO14", 23, 14},       {"FG_GRAY16", 1, 16},
-    {"FG_MONO16", 1, 16},        {"FG_COL24", 2, 8},          {"FG_BGR8", 2, 8},
-    {"FG_COL30", 5, 10},         {"FG_BGR10", 5, 10},         {"FG_COL36", 7, 12},
-    {"FG_BGR12", 7, 12},         {"FG_COL42", 9, 14},         {"FG_BGR14", 9, 14},
-    {"FG_COL48", 6, 16},         {"FG_BGR16", 6, 16},         {"FG_RGB8", 1025, 8},
-    {"FG_RGB10", 1026, 10},      {"FG_RGB12", 1027, 12},      {"FG_RGB14", 1028, 14},
-    {"FG_RGB16", 1029, 16},      {"FG_BAYERGR8", 12552, 8},   {"FG_BAYERGR10", 12560, 10},
+    {"FG_MONO16", 1, 16},        {"FG_COL24", FG_COL24, 8},   {"FG_BGR8", FG_COL24, 8},
+    {"FG_COL30", FG_COL30, 10},  {"FG_BGR10", FG_COL30, 10},  {"FG_COL36", FG_COL36, 12},
+    {"FG_BGR12", FG_COL36, 12},  {"FG_COL42", FG_COL42, 14},  {"FG_BGR14", FG_COL42, 14},
+    {"FG_COL48", FG_COL48, 16},  {"FG_BGR16", FG_COL48, 16},  {"FG_RGB8", RGB8, 8},
+    {"FG_RGB10", RGB10, 10},     {"FG_RGB12", RGB12, 12},     {"FG_RGB14", RGB14, 14},
+    {"FG_RGB16", RGB16, 16},     {"FG_BAYERGR8", 12552, 8},   {"FG_BAYERGR10", 12560, 10},
     {"FG_BAYERGR12", 12562, 12}, {"FG_BAYERGR14", 12564, 14}, {"FG_BAYERGR16", 12566, 16},
     {"FG_BAYERRG8", 12808, 8},   {"FG_BAYERRG10", 12816, 10}, {"FG_BAYERRG12", 12818, 12},
     {"FG_BAYERRG14", 12820, 14}, {"FG_BAYERRG16", 12822, 16}, {"FG_BAYERGB8", 13064, 8},

@@ -1,6 +1,6 @@
 /** What a pixel format code says of a pixel's size in memory. */
-#ifndef IMAGE_PIXEL_FORMAT_H
-#define IMAGE_PIXEL_FORMAT_H
+#ifndef IMAGE_PIXEL_LAYOUT_H
+#define IMAGE_PIXEL_LAYOUT_H
 
 #include <cstdint>
 
@@ -12,7 +12,7 @@ struct PixelLayout {
 };
 
 /** The layout of a pixel format; no bits for an unknown code. */
-constexpr PixelLayout pixelFormatBits(std::uint32_t format) {
+constexpr PixelLayout pixelLayoutOf(std::uint32_t format) {
     constexpr PixelLayout pairs{8, 2};
     if (format == 1569) return pairs;
     // Every other code stands in a run of five, from 8 to 16 bits.
