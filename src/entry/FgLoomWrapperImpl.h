@@ -4,6 +4,7 @@
 
 #include "catalogue/DirectAccessStore.h"
 #include "entry/FgLoomWrapper.h"
+#include "entry/Replacement.h"
 #include "entry/parameter_kinds.h"
 #include "entry/runtime_text.h"
 #include "templates/platform/CriticalSection.h"
@@ -102,6 +103,14 @@ private:
         const int result =
             value != nullptr ? getUnwrappedParameterWithType(id, value, dma, type) : FG_ERR_INVALID_ARGUMENT;
         if (result != FG_OK) accessFailed("Getting", name, id, value, result, raise);
+    }
+    /** All that many a setter does once the value has passed: stores it and writes it, or keeps the old one. */
+    template <typename T>
+    [[gnu::always_inline]] void storeAndWrite(T& member, std::type_identity_t<T> value,
+                                              void (FgLoomWrapperImpl::*write)(std::type_identity_t<T>)) {
+        Replacement stored(member, value);
+        (this->*write)(value);
+        stored.keep();
     }
     /** Logs what the runtime refused; a null value never reached it. Throws the code if `raise`. */
     void accessFailed(const char* verb, const char* name, std::int32_t id, const void* value, int result,

@@ -13,29 +13,9 @@
 #include "vexo/fg_errors.h"
 
 #include <cstdint>
-#include <utility>
 
 // The checks are inlined whole: the cost of a throw is the frames that it passes.
 [[noreturn, gnu::always_inline]] inline void refuse(int code) { throw code; }
-
-/** Stores a new value in a member and puts the old one back at the end, unless it is kept. */
-template <typename T> class Replacement {
-public:
-    Replacement(T& member, T value) : m_member(member), m_old(std::exchange(member, std::move(value))) {}
-    ~Replacement() {
-        if (!m_kept) m_member = std::move(m_old);
-    }
-    Replacement(const Replacement&) = delete;
-    Replacement& operator=(const Replacement&) = delete;
-
-    const T& old() const { return m_old; }
-    void keep() { m_kept = true; }
-
-private:
-    T& m_member;
-    T m_old;
-    bool m_kept = false;
-};
 
 [[gnu::always_inline]] inline void requireEntry(catalogue::EnumTable table, std::uint32_t value) {
     if (!catalogue::contains(table, value)) refuse(FG_ERR_OUT_OF_RANGE);

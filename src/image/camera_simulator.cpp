@@ -319,9 +319,8 @@ void FgLoomWrapperImpl::set_FG_CAMERASIMULATOR_FRAME_GAP(std::uint32_t value) {
 
 void FgLoomWrapperImpl::set_FG_CAMERASIMULATOR_ENABLE(std::uint32_t value) {
     requireEntry(enumSimulatorSource, value);
-    Replacement stored(m_simEnable, value);
-    loomSet_Process0_CameraSimulator_Enable_SelectSource(value);
-    stored.keep();
+    storeAndWrite(m_simEnable, value,
+                  &FgLoomWrapperImpl::loomSet_Process0_CameraSimulator_Enable_SelectSource);
 }
 
 void FgLoomWrapperImpl::set_FG_CAMERASIMULATOR_PATTERN(std::uint32_t value) {
@@ -334,9 +333,8 @@ void FgLoomWrapperImpl::set_FG_CAMERASIMULATOR_PATTERN(std::uint32_t value) {
 
 void FgLoomWrapperImpl::set_FG_CAMERASIMULATOR_PATTERN_OFFSET(std::uint32_t value) {
     requireRange(value, limitsOf<UInt>(FG_CAMERASIMULATOR_PATTERN_OFFSET));
-    Replacement stored(m_simPatternOffset, value);
-    loomSet_Process0_CameraSimulator_Offset_Value(value);
-    stored.keep();
+    storeAndWrite(m_simPatternOffset, value,
+                  &FgLoomWrapperImpl::loomSet_Process0_CameraSimulator_Offset_Value);
 }
 
 void FgLoomWrapperImpl::set_FG_CAMERASIMULATOR_ROLL(std::uint32_t value) {

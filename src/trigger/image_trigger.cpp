@@ -52,16 +52,13 @@ void FgLoomWrapperImpl::set_FG_IMGTRIGGERMODE(std::uint32_t value) {
 
 void FgLoomWrapperImpl::set_FG_IMGTRIGGERON(std::uint32_t value) {
     requireEntry(enumOnOff, value);
-    Replacement stored(m_imgTriggerOn, value);
-    loomSet_Process0_Trigger_Trigger_ImgTriggerEnable(value);
-    stored.keep();
+    storeAndWrite(m_imgTriggerOn, value,
+                  &FgLoomWrapperImpl::loomSet_Process0_Trigger_Trigger_ImgTriggerEnable);
 }
 
 void FgLoomWrapperImpl::set_FG_FLASHON(std::uint32_t value) {
     requireEntry(enumOnOff, value);
-    Replacement stored(m_flashOn, value);
-    loomSet_Process0_Trigger_Trigger_FlashEnable(value);
-    stored.keep();
+    storeAndWrite(m_flashOn, value, &FgLoomWrapperImpl::loomSet_Process0_Trigger_Trigger_FlashEnable);
 }
 
 void FgLoomWrapperImpl::set_FG_IMGTRIGGER_ASYNC_HEIGHT(std::uint32_t value) {
@@ -84,24 +81,21 @@ void FgLoomWrapperImpl::set_FG_IMGTRIGGERINSRC(std::uint32_t value) {
 
 void FgLoomWrapperImpl::set_FG_IMGTRIGGERINPOLARITY(std::uint32_t value) {
     requireEntry(enumTriggerInPolarity, value);
-    Replacement stored(m_imgTriggerInPolarity, value);
-    loomSet_Process0_Trigger_Trigger_ImgTrgInPolarity(value);
-    stored.keep();
+    storeAndWrite(m_imgTriggerInPolarity, value,
+                  &FgLoomWrapperImpl::loomSet_Process0_Trigger_Trigger_ImgTrgInPolarity);
 }
 
 void FgLoomWrapperImpl::set_FG_IMGTRIGGERGATEDELAY(std::uint32_t value) {
     requireRange(value, limitsOf<UInt>(FG_IMGTRIGGERGATEDELAY));
-    Replacement stored(m_imgTriggerGateDelay, value);
-    loomSet_Process0_Trigger_Trigger_ImgTrgDelay(value);
-    stored.keep();
+    storeAndWrite(m_imgTriggerGateDelay, value,
+                  &FgLoomWrapperImpl::loomSet_Process0_Trigger_Trigger_ImgTrgDelay);
 }
 
 void FgLoomWrapperImpl::set_FG_IMGTRIGGERDEBOUNCING(double value) {
     requireRange(value, limitsOf<Double>(FG_IMGTRIGGERDEBOUNCING));
-    Replacement stored(m_imgTriggerDebouncing, value);
     // The prescaler of the inputs is the line trigger's business.
-    loomSet_Process0_Trigger_Trigger_ImgTrgDebouncingTime(value);
-    stored.keep();
+    storeAndWrite(m_imgTriggerDebouncing, value,
+                  &FgLoomWrapperImpl::loomSet_Process0_Trigger_Trigger_ImgTrgDebouncingTime);
 }
 
 void FgLoomWrapperImpl::set_FG_FLASH_POLARITY(std::uint32_t value) {
@@ -113,22 +107,18 @@ void FgLoomWrapperImpl::set_FG_FLASH_POLARITY(std::uint32_t value) {
 
 void FgLoomWrapperImpl::set_FG_STROBEPULSEDELAY(std::uint32_t value) {
     requireRange(value, limitsOf<UInt>(FG_STROBEPULSEDELAY));
-    Replacement stored(m_strobePulseDelay, value);
-    loomSet_Process0_Trigger_Trigger_FlashDelay(value);
-    stored.keep();
+    storeAndWrite(m_strobePulseDelay, value, &FgLoomWrapperImpl::loomSet_Process0_Trigger_Trigger_FlashDelay);
 }
 
 void FgLoomWrapperImpl::set_FG_SENDSOFTWARETRIGGER(std::uint32_t value) {
     requireEntry(enumApply, value);
-    Replacement stored(m_sendSoftwareTrigger, value);
     // One pulse for each write; nothing takes it back.
-    loomSet_Process0_Trigger_Trigger_SoftwareTrgPulse(value);
-    stored.keep();
+    storeAndWrite(m_sendSoftwareTrigger, value,
+                  &FgLoomWrapperImpl::loomSet_Process0_Trigger_Trigger_SoftwareTrgPulse);
 }
 
 void FgLoomWrapperImpl::set_FG_SETSOFTWARETRIGGER(std::uint32_t value) {
     requireEntry(enumPolarity, value);
-    Replacement stored(m_setSoftwareTrigger, value);
-    loomSet_Process0_Trigger_Trigger_SoftwareTrgInput(value);
-    stored.keep();
+    storeAndWrite(m_setSoftwareTrigger, value,
+                  &FgLoomWrapperImpl::loomSet_Process0_Trigger_Trigger_SoftwareTrgInput);
 }

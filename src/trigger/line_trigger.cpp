@@ -81,9 +81,7 @@ void FgLoomWrapperImpl::set_FG_LINETRIGGERMODE(std::uint32_t value) {
 
 void FgLoomWrapperImpl::set_FG_EXSYNCON(std::uint32_t value) {
     requireEntry(enumOnOff, value);
-    Replacement stored(m_exsyncOn, value);
-    loomSet_Process0_Trigger_Trigger_ExsyncEnable(value);
-    stored.keep();
+    storeAndWrite(m_exsyncOn, value, &FgLoomWrapperImpl::loomSet_Process0_Trigger_Trigger_ExsyncEnable);
 }
 
 void FgLoomWrapperImpl::set_FG_LINETRIGGERINSRC(std::uint32_t value) {
@@ -96,9 +94,8 @@ void FgLoomWrapperImpl::set_FG_LINETRIGGERINSRC(std::uint32_t value) {
 
 void FgLoomWrapperImpl::set_FG_LINETRIGGERINPOLARITY(std::uint32_t value) {
     requireEntry(enumTriggerInPolarity, value);
-    Replacement stored(m_lineTriggerInPolarity, value);
-    loomSet_Process0_Trigger_Trigger_LineTrgInPolarity(value);
-    stored.keep();
+    storeAndWrite(m_lineTriggerInPolarity, value,
+                  &FgLoomWrapperImpl::loomSet_Process0_Trigger_Trigger_LineTrgInPolarity);
 }
 
 void FgLoomWrapperImpl::set_FG_LINETRIGGERDEBOUNCING(double value) {
@@ -111,17 +108,15 @@ void FgLoomWrapperImpl::set_FG_LINETRIGGERDEBOUNCING(double value) {
 
 void FgLoomWrapperImpl::set_FG_LINE_DOWNSCALE(std::uint32_t value) {
     requireRange(value, limitsOf<UInt>(FG_LINE_DOWNSCALE));
-    Replacement stored(m_lineDownscale, value);
-    loomSet_Process0_Trigger_Trigger_LineTrgDownscaler(value);
-    stored.keep();
+    storeAndWrite(m_lineDownscale, value,
+                  &FgLoomWrapperImpl::loomSet_Process0_Trigger_Trigger_LineTrgDownscaler);
 }
 
 void FgLoomWrapperImpl::set_FG_LINE_DOWNSCALEINIT(std::uint32_t value) {
     // A phase above the downscale factor is accepted.
     requireRange(value, limitsOf<UInt>(FG_LINE_DOWNSCALEINIT));
-    Replacement stored(m_lineDownscaleInit, value);
-    loomSet_Process0_Trigger_Trigger_LineTrgPhase(value);
-    stored.keep();
+    storeAndWrite(m_lineDownscaleInit, value,
+                  &FgLoomWrapperImpl::loomSet_Process0_Trigger_Trigger_LineTrgPhase);
 }
 
 void FgLoomWrapperImpl::set_FG_LINEPERIODE(double value) {
@@ -136,9 +131,7 @@ void FgLoomWrapperImpl::set_FG_LINEPERIODE(double value) {
 
 void FgLoomWrapperImpl::set_FG_LINEEXPOSURE(double value) {
     requireRange(value, pulseLimits.minimum, exposureLimit());
-    Replacement stored(m_lineExposure, value);
-    loomSet_Process0_Trigger_Trigger_ExsyncExposure(value);
-    stored.keep();
+    storeAndWrite(m_lineExposure, value, &FgLoomWrapperImpl::loomSet_Process0_Trigger_Trigger_ExsyncExposure);
 }
 
 void FgLoomWrapperImpl::set_FG_EXSYNCPOLARITY(std::uint32_t value) {
@@ -150,7 +143,6 @@ void FgLoomWrapperImpl::set_FG_EXSYNCPOLARITY(std::uint32_t value) {
 
 void FgLoomWrapperImpl::set_FG_LINETRIGGERDELAY(double value) {
     requireRange(value, 0.0, m_linePeriode); // whatever the mode and the catalogue's own maximum
-    Replacement stored(m_lineTriggerDelay, value);
-    loomSet_Process0_Trigger_Trigger_Exsync2Delay(value);
-    stored.keep();
+    storeAndWrite(m_lineTriggerDelay, value,
+                  &FgLoomWrapperImpl::loomSet_Process0_Trigger_Trigger_Exsync2Delay);
 }

@@ -41,16 +41,14 @@ void FgLoomWrapperImpl::set_FG_SHAFTENCODERINSRC(std::uint32_t value) {
 
 void FgLoomWrapperImpl::set_FG_SHAFTENCODERLEADING(std::uint32_t value) {
     requireEntry(enumShaftEncoderLeading, value);
-    Replacement stored(m_shaftEncoderLeading, value);
-    loomSet_Process0_Trigger_Trigger_EncoderABLead(value);
-    stored.keep();
+    storeAndWrite(m_shaftEncoderLeading, value,
+                  &FgLoomWrapperImpl::loomSet_Process0_Trigger_Trigger_EncoderABLead);
 }
 
 void FgLoomWrapperImpl::set_FG_SHAFTENCODER_COMPENSATION_ENABLE(std::uint32_t value) {
     requireEntry(enumOnOff, value);
-    Replacement stored(m_shaftEncoderCompensationEnable, value);
-    loomSet_Process0_Trigger_Trigger_EncoderCompensation(value);
-    stored.keep();
+    storeAndWrite(m_shaftEncoderCompensationEnable, value,
+                  &FgLoomWrapperImpl::loomSet_Process0_Trigger_Trigger_EncoderCompensation);
 }
 
 void FgLoomWrapperImpl::set_FG_SHAFTENCODER_COMPENSATION_COUNT(std::uint32_t value) {
