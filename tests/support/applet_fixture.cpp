@@ -243,4 +243,13 @@ void ParameterTest::expectChoices(int id, const std::vector<Choice>& choices) {
         expectRefused(id, value);
 }
 
+void ParameterTest::expectSteps(const std::vector<Step>& steps) {
+    for (const auto& [id, value, accesses, code] : steps) {
+        if (code == FG_OK)
+            expectAccepted(id, value, accesses);
+        else
+            expectRefused(id, value, code, accesses);
+    }
+}
+
 } // namespace support

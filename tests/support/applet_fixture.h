@@ -9,8 +9,10 @@
 #include <concepts>
 #include <cstdint>
 #include <functional>
+#include <initializer_list>
 #include <string>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace support {
@@ -54,6 +56,11 @@ template <std::integral T> std::string written(const std::string& name, T value,
 /** The same for a number with a fraction, and for a text. */
 std::string written(const std::string& name, double value);
 std::string written(const std::string& name, const std::string& text);
+
+inline Lines operator+(Lines lines, const Lines& more) {
+    lines.insert(lines.end(), more.begin(), more.end());
+    return lines;
+}
 
 /** One board and, once brought up, one handle on it. */
 class Grabber {
@@ -167,7 +174,18 @@ protected:
             << name;
     }
 
+    /** Changes a number of the design's image path. */
+    void poke(const std::string& name, std::int64_t value) {
+        EXPECT_EQ(board.poke_int(grabber.device, ("Device1_Process0_" + name).c_str(), value), VBOARD_OK)
+            << name;
+    }
+
     template <typename T> int set(int id, T value) { return grabber.set(id, value); }
+    /** Values that are taken, in this order. */
+    void setAll(std::initializer_list<std::pair<int, std::uint32_t>> values) {
+        for (const auto& [id, value] : values)
+            EXPECT_EQ(set(id, value), FG_OK) << id << " = " << value;
+    }
     template <typename T> T get(int id) { return grabber.value<T>(id); }
     int setText(int id, const std::string& value) {
         return applet.Fg_setParameterWithType(grabber.fg(), id, value.c_str(), 0, FG_PARAM_TEXT);
@@ -210,12 +228,24 @@ protected:
         EXPECT_EQ(logToLastWrite(), accesses);
         EXPECT_EQ(get<T>(id), old);
     }
+    template <typename T> void expectAllRefused(int id, std::initializer_list<T> values) {
+        for (const T value : values)
+            expectRefused(id, value);
+    }
     /** An enumeration takes its entries, each with its writes, and nothing else. */
     struct Choice {
         std::uint32_t value;
         Lines writes;
     };
     void expectChoices(int id, const std::vector<Choice>& choices);
+    /** Values one after the other, each with its accesses; one with a code is refused. */
+    struct Step {
+        int id;
+        std::uint32_t value;
+        Lines accesses{};
+        int code = FG_OK;
+    };
+    void expectSteps(const std::vector<Step>& steps);
 
     Grabber grabber;
 };
