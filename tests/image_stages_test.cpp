@@ -1,10 +1,11 @@
-// Image selector, white balance, buffer status.
+// Enumerations of the image path, image selector, white balance, buffer status.
 
 #include "support/applet_fixture.h"
 
 #include <array>
 #include <cmath>
 #include <limits>
+#include <map>
 
 namespace {
 
@@ -13,6 +14,20 @@ using namespace support;
 constexpr double infinity = std::numeric_limits<double>::infinity();
 
 using ImageStages = ParameterTest;
+
+TEST_F(ImageStages, EachEntryOfAnEnumerationHasItsWrites) {
+    EXPECT_EQ(get<std::uint32_t>(FG_LINEORDER), 0u) << "the design's own stands until it is set";
+    std::map<int, std::vector<Choice>> choices;
+    for (const Lines& row :
+         dataRows("image_path_choices.txt")) { // id, name, value, written names and numbers
+        Choice& choice = choices[std::stoi(row[0])].emplace_back();
+        choice.value = static_cast<std::uint32_t>(std::stoul(row[2]));
+        for (std::size_t i = 3; i < row.size(); i += 2)
+            choice.writes.push_back(written(row[i], std::stoi(row[i + 1])));
+    }
+    for (const auto& [id, entries] : choices)
+        expectChoices(id, entries);
+}
 
 TEST_F(ImageStages, ThePhaseStaysBelowThePeriod) {
     constexpr int phase = FG_IMG_SELECT, period = FG_IMG_SELECT_PERIOD;

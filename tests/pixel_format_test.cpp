@@ -1,9 +1,8 @@
-// Pixel format and line order: what is written, and how a wider pixel moves the limits of the geometry.
+// Pixel format: what is written, and how a wider pixel moves the limits of the geometry.
 
 #include "support/applet_fixture.h"
 
 #include <algorithm>
-#include <array>
 
 namespace {
 
@@ -78,22 +77,6 @@ TEST_F(PixelFormatTest, GeometryAboveTheNewLimitStays) {
     expectRefused(FG_SENSORHEIGHT, 3585u);
     EXPECT_EQ(get<std::uint32_t>(FG_SENSORHEIGHT), 3585u);
     setAll({{FG_SENSORHEIGHT, 1537}});
-}
-
-TEST_F(PixelFormatTest, LineOrder) {
-    EXPECT_EQ(get<std::uint32_t>(FG_LINEORDER), 0u) << "the design's own stands until it is set";
-    const std::array<std::uint32_t, 3> orders[] = {{0, 1, 2}, {2, 1, 0}, {0, 2, 1},
-                                                   {2, 0, 1}, {1, 2, 0}, {1, 0, 2}};
-    const std::string colours[] = {"Red", "Green", "Blue"}; // the numbers are theirs
-    std::vector<Choice> choices;
-    for (std::uint32_t value = 0; value < 6; ++value) {
-        choices.push_back({value, {}});
-        for (std::size_t c = 0; c < 3; ++c)
-            for (const std::string part : {"SelectComponents_", "SelectComponentsHeader_"})
-                choices.back().writes.push_back(written(
-                    "Camera_SortImage_ColorInterpret_" + part + colours[c] + "Component", orders[value][c]));
-    }
-    expectChoices(FG_LINEORDER, choices);
 }
 
 } // namespace
