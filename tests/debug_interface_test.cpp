@@ -113,20 +113,20 @@ TEST_F(DebugInterface, InjectionAndWatching) {
 }
 
 TEST_F(DebugInterface, EveryFailureOfAPointIsOneCode) {
-    for (const auto& [id, suffix] : {std::pair{FG_DEBUGINENABLE, "_OperationMode"},
-                                     {FG_DEBUGOUTENABLE, "_OperationMode"},
-                                     {FG_DEBUGFILE, "_DebugFile"},
-                                     {FG_DEBUGOUTXPOS, "_XPosition"},
-                                     {FG_DEBUGOUTYPOS, "_YPosition"},
-                                     {FG_DEBUGOUTPIXEL, "_PixelValue"},
-                                     {FG_DEBUGREADY, "_Inject_ReadyForInjection"}}) {
-        const std::string name = full(points[0].path + suffix);
-        grabber.fail(name, -4711);
+    const std::pair<int, std::string> reads[] = {{FG_DEBUGINENABLE, "_OperationMode"},
+                                                 {FG_DEBUGOUTENABLE, "_OperationMode"},
+                                                 {FG_DEBUGFILE, "_DebugFile"},
+                                                 {FG_DEBUGOUTXPOS, "_XPosition"},
+                                                 {FG_DEBUGOUTYPOS, "_YPosition"},
+                                                 {FG_DEBUGOUTPIXEL, "_PixelValue"},
+                                                 {FG_DEBUGREADY, "_Inject_ReadyForInjection"}};
+    for (const auto& [id, suffix] : reads) {
+        grabber.fail(full(points[0].path + suffix), -4711);
         char buffer[4096] = "untouched";
         EXPECT_EQ(grabber.get(id, buffer), FG_ERR_UNRESOLVED) << id;
         EXPECT_EQ(lastError(), FG_ERR_UNRESOLVED);
         EXPECT_STREQ(buffer, "untouched");
-        grabber.fail(name, 0);
+        grabber.fail(full(points[0].path + suffix), 0);
     }
     // A pixel's limit that cannot be told stays.
     ASSERT_EQ(board.lack_parameter(full(points[2].path + "_PixelValue").c_str(), true), VBOARD_OK);
@@ -172,19 +172,20 @@ TEST_F(DebugInterface, NineOrNoPoints) {
 }
 
 TEST_F(DebugInterface, AFailedDiscoveryEndsTheWholeStep) {
-    const std::pair<std::string, std::string> rows[] = {{"Debug_Name1", "cannot be read"},
-                                                        {"Debug_Type1", "cannot be read"},
-                                                        {"Debug_Type1", "Monitor"},
-                                                        {"Debug_Type1", ""},
-                                                        {"Debug_Type1", "inject"},
-                                                        {"Debug_Type1", "InjectMonitors"},
-                                                        {"Debug_Type1", "Inject" + std::string(4000, 'n')},
-                                                        {"Debug_Entries", "4"},
-                                                        {"Debug_Entries", "x"}};
+    const std::string type = "Debug_Type1", entries = "Debug_Entries", none = "cannot be read";
+    const std::pair<std::string, std::string> rows[] = {{"Debug_Name1", none},
+                                                        {type, none},
+                                                        {type, "Monitor"},
+                                                        {type, ""},
+                                                        {type, "inject"},
+                                                        {type, "InjectMonitors"},
+                                                        {type, std::string(4000, 'n')},
+                                                        {entries, "4"},
+                                                        {entries, "x"}};
     for (const auto& [name, told] : rows) {
         SCOPED_TRACE(name + " " + told);
         restart([&, failing = name, told = told] {
-            told == "cannot be read" ? grabber.fail(full(failing), -4711) : tell(failing, told);
+            told == none ? grabber.fail(full(failing), -4711) : tell(failing, told);
         });
         // The point before it is known, the output formats and the simulator's limit behind it are not.
         EXPECT_EQ(text(FG_DEBUGSOURCENAME), "Camera");

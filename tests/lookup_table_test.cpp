@@ -90,7 +90,7 @@ protected:
         EXPECT_EQ(set(FG_PROCESSING_OFFSET, p.offset), 0);
         EXPECT_EQ(set(FG_PROCESSING_GAIN, p.gain), 0);
         EXPECT_EQ(set(FG_PROCESSING_GAMMA, p.gamma), 0);
-        EXPECT_EQ(set(FG_PROCESSING_INVERT, p.invert), 0);
+        setAll({{FG_PROCESSING_INVERT, p.invert}});
     }
 };
 
