@@ -137,6 +137,17 @@ Lines Grabber::log() const {
     return lines;
 }
 
+void Grabber::poke(const std::string& name, std::int64_t value) {
+    EXPECT_EQ(host().board().poke_int(device, name.c_str(), value), VBOARD_OK) << name;
+}
+
+Grabber& Grabber::fitRam(std::int64_t address, std::int64_t data, std::int64_t parallelism) {
+    poke("Device1_Process0_Buffer_0_DRAM_DRAM_A_0_Imp_DRAM_RamAddressWidth", address);
+    poke("Device1_Process0_Buffer_0_DRAM_DRAM_A_0_Imp_DRAM_RamDataWidth", data);
+    poke("Device1_Process0_Buffer_0_LinkPixelSpace_Parallelism", parallelism);
+    return *this;
+}
+
 void Grabber::fail(const std::string& name, int code) {
     EXPECT_EQ(host().board().fail_name(device, name.c_str(), code), VBOARD_OK) << name;
 }
@@ -250,6 +261,24 @@ void ParameterTest::expectSteps(const std::vector<Step>& steps) {
         else
             expectRefused(id, value, code, accesses);
     }
+}
+
+void ParameterTest::expectEntries(int id, const std::string& name,
+                                  const std::vector<std::pair<std::uint32_t, std::uint32_t>>& entries) {
+    std::vector<Choice> choices;
+    for (const auto& [value, designValue] : entries)
+        choices.push_back({value, {written(name, designValue)}});
+    expectChoices(id, choices);
+}
+
+std::vector<ParameterTest::Choice> ParameterTest::inputChoices(const std::string& source,
+                                                               std::uint32_t from) {
+    std::vector<Choice> inputs;
+    for (std::uint32_t i = 0; i < 12; ++i) // the front inputs are numbered from 16
+        inputs.push_back({i < 8 ? i : i + 8,
+                          {written("Trigger_Trigger_" + source, from),
+                           written("Trigger_InputSignal_" + source + "_Input_Select", i)}});
+    return inputs;
 }
 
 } // namespace support

@@ -94,6 +94,10 @@ public:
     /** What the board has seen since its log was cleared. */
     Lines log() const;
     void clearLog() { host().board().log_clear(device); }
+    /** Changes a number of the design. */
+    void poke(const std::string& name, std::int64_t value);
+    /** Gives the memory its widths; those of start_up_writes.txt by themselves. */
+    Grabber& fitRam(std::int64_t address = 24, std::int64_t data = 512, std::int64_t parallelism = 32);
     /** Makes every access of a design parameter or register fail; code 0 lets it work again. */
     void fail(const std::string& name, int code);
 
@@ -246,6 +250,23 @@ protected:
         int code = FG_OK;
     };
     void expectSteps(const std::vector<Step>& steps);
+    /** The same where each entry is one write of `name`: pairs of the entry and what the design gets. */
+    void expectEntries(int id, const std::string& name,
+                       const std::vector<std::pair<std::uint32_t, std::uint32_t>>& entries);
+    /** The inputs of a trigger as its `source`, written after what it is taken `from`. */
+    static std::vector<Choice> inputChoices(const std::string& source, std::uint32_t from);
+    /** A number that is written as it comes. */
+    template <typename T>
+    void expectNumbers(int id, const std::string& name, std::initializer_list<T> taken,
+                       std::initializer_list<T> refused) {
+        for (const T value : taken)
+            expectAccepted(id, value, {written(name, value)});
+        for (const T value : refused)
+            expectRefused(id, value);
+    }
+    void expectAccess(const std::vector<int>& ids, std::uint32_t access) {
+        EXPECT_EQ(accessOf(ids), std::vector<std::uint32_t>(ids.size(), access));
+    }
 
     Grabber grabber;
 };
