@@ -84,10 +84,15 @@ std::vector<Register> registers() {
     return all;
 }
 
-Lines dataLines(const std::string& file) {
-    std::ifstream in(std::string(TEST_DATA_DIR) + "/" + file);
-    if (!in) throw std::runtime_error("no listing " + file);
+Lines fileLines(const std::string& path) {
+    std::ifstream in(path);
     return linesOf(in);
+}
+
+Lines dataLines(const std::string& file) {
+    Lines lines = fileLines(std::string(TEST_DATA_DIR) + "/" + file);
+    if (lines.empty()) throw std::runtime_error("no listing " + file);
+    return lines;
 }
 
 std::vector<Lines> dataRows(const std::string& file) {

@@ -45,6 +45,8 @@ struct Register {
 };
 std::vector<Register> registers();
 
+/** The lines of a file; none of one that cannot be read. */
+Lines fileLines(const std::string& path);
 /** An expected listing of tests/data: its lines, or each line cut into its words. */
 Lines dataLines(const std::string& file);
 std::vector<Lines> dataRows(const std::string& file);
