@@ -162,19 +162,17 @@ TEST_F(ConfigFile, GivesNumbersAndLeavesTheRestAlone) {
         {"hex", 0, 0, 0, 16, 16},        {"low", 0, -7, UINT64_MAX - 6, -7, -7}, {"real", 0, 0, 0, 0, -500},
     };
     Parser parser(nullptr, path(), true);
-    const auto expectNumber = [&](const auto& row, auto expected, auto ofSection, auto ofPort) {
-        auto value = static_cast<decltype(expected)>(old), same = value;
-        EXPECT_EQ((parser.*ofSection)("[Port A]", row.key, &value), row.result) << row.key;
-        EXPECT_EQ((parser.*ofPort)(0, row.key, &same), row.result) << row.key;
-        EXPECT_EQ((parser.*ofPort)(0, nullptr, &same), -1);
+    const auto expectNumber = [&](const auto& row, auto expected, auto parse) {
+        auto value = static_cast<decltype(expected)>(old);
+        EXPECT_EQ((parser.*parse)(0, row.key, &value), row.result) << row.key;
+        EXPECT_EQ((parser.*parse)(0, nullptr, &value), -1);
         EXPECT_EQ(value, expected) << row.key;
-        EXPECT_EQ(same, expected) << row.key;
     };
     for (const auto& row : cases) {
-        expectNumber(row, row.i32, &Parser::parseIntKey, &Parser::parseIntKeySection);
-        expectNumber(row, row.u64, &Parser::parseUInt64Key, &Parser::parseUInt64KeySection);
-        expectNumber(row, row.i64, &Parser::parseInt64Key, &Parser::parseInt64KeySection);
-        expectNumber(row, row.f64, &Parser::parseDoubleKey, &Parser::parseDoubleKeySection);
+        expectNumber(row, row.i32, &Parser::parseIntKeySection);
+        expectNumber(row, row.u64, &Parser::parseUInt64KeySection);
+        expectNumber(row, row.i64, &Parser::parseInt64KeySection);
+        expectNumber(row, row.f64, &Parser::parseDoubleKeySection);
     }
     // The header's own line has its end in it.
     for (const auto& [file, result] : {std::pair{"[Kamerasektion]\nAktivePort=5;\n", 0},

@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <fstream>
 #include <map>
-#include <random>
 #include <stdexcept>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -150,9 +149,6 @@ protected:
         ASSERT_EQ(saved.text(), expected.text());
     }
 
-    /** Parameters, each with values as a file has them, doubles with a point. The first is not the start's;
-     * some are refused, always or beside their neighbours. */
-    const std::vector<Lines> settable = dataRows("settable_values.txt");
     /** Parameters that a save tells and a load does not ask for. */
     const Lines savedOnly = dataLines("saved_only.txt");
     const TemporaryFolder folder;
@@ -213,19 +209,11 @@ TEST_F(ConfigurationTest, EachMissingKeyIsLostAlone) {
 }
 
 TEST_F(ConfigurationTest, RefusedValueIsKeptButNotWritten) {
-    const std::string buffer = "set Device1_Process0_Buffer_0_";
-    const std::string camera =
-        "set Device1_Process1_Trigger_OutputMapping_CamTrigger0_SelectTrigger_SelectSignal_Select u32 ";
     const struct {
         std::string name, value, readBack;
-        std::map<std::string, std::string> passedOn = {}; // what other setters write instead
     } cases[] = {
-        {"FG_WIDTH",
-         "1022",
-         "1022",
-         {{buffer + "XLength u32 1024", buffer + "XLength u32 1022"},
-          {buffer + "SensorWidth u32 1024", buffer + "SensorWidth u32 1022"}}},
-        {"FG_TRIGGERCAMERA_SOURCE", "2100", "2100", {{camera + "1", camera + "33"}}},
+        {"FG_WIDTH", "1022", "1022"},
+        {"FG_TRIGGERCAMERA_SOURCE", "2100", "2100"},
         {"FG_TRIGGEROUT_GPO_0_SOURCE", "2100", "2002"}, // outputs answer with what is applied
         {"FG_TIMEOUT", "1", "1"},
         {"FG_LINEEXPOSURE", "200.008", "200.008"},
@@ -235,8 +223,16 @@ TEST_F(ConfigurationTest, RefusedValueIsKeptButNotWritten) {
         Grabber grabber;
         start(grabber);
         Sections expected = savedStateSections();
-        for (const auto& [from, to] : row.passedOn)
-            replace(expected, from, to);
+        if (row.name == "FG_WIDTH") { // other setters write it instead
+            const std::string buffer = "set Device1_Process0_Buffer_0_";
+            replace(expected, buffer + "XLength u32 1024", buffer + "XLength u32 1022");
+            replace(expected, buffer + "SensorWidth u32 1024", buffer + "SensorWidth u32 1022");
+        }
+        if (row.name == "FG_TRIGGERCAMERA_SOURCE") {
+            const std::string camera = "set Device1_Process1_Trigger_OutputMapping_CamTrigger0_";
+            replace(expected, camera + "SelectTrigger_SelectSignal_Select u32 1",
+                    camera + "SelectTrigger_SelectSignal_Select u32 33");
+        }
         load(grabber, File().set(row.name, row.value).text());
         EXPECT_EQ(grabber.log(), joined(expected, row.name)) << row.name;
         EXPECT_EQ(save(grabber).value(row.name), row.readBack) << row.name;
@@ -248,26 +244,23 @@ TEST_F(ConfigurationTest, RefusedValueIsKeptButNotWritten) {
 }
 
 TEST_F(ConfigurationTest, WhatSettersTookComesBack) {
-    std::mt19937 random(5);
     Grabber to(0); // has what it loaded before
-    for (int round = 0; round < 200; ++round) {
-        SCOPED_TRACE(round);
+    for (std::size_t column = 1; column <= 10; ++column) {
+        SCOPED_TRACE(column);
         Grabber from(0);
         File expected;
-        for (int i = 0; i < 150; ++i) {
-            const Lines& row = settable[random() % settable.size()];
-            const std::string& value = row[1 + random() % (row.size() - 1)];
-            if (set(from, row[0], value) != FG_OK) continue;
-            expected.set(row[0], value.substr(0, value.size() - (value.ends_with(".0") ? 2 : 0)));
+        for (const Lines& row : dataRows("settable_values.txt")) {
+            if (column >= row.size() || set(from, row[0], row[column]) != FG_OK) continue;
+            const std::string& value = row[column];
+            expected.set(row[0], value.ends_with(".0") ? value.substr(0, value.size() - 2) : value);
         }
-        File saved = save(from);
-        for (const std::string key : {"FG_DIGIO_OUTPUT", simulatorRates[0], simulatorRates[1]})
-            expected.set(key, saved.value(key)); // follow from others
-        ASSERT_EQ(saved.text(), expected.text());
+        const File saved = save(from);
+        expected.set("FG_DIGIO_OUTPUT", File(saved).value("FG_DIGIO_OUTPUT")); // follows from the outputs
+        expectSaved(from, expected);
         to.clearLog();
         load(to, saved.text());
         expectSaved(to, saved);
-        ASSERT_EQ(designState(to), designState(from));
+        EXPECT_EQ(designState(to), designState(from));
     }
 }
 
@@ -291,29 +284,18 @@ TEST_F(ConfigurationTest, TextsAndDigitsAreCut) {
 TEST_F(ConfigurationTest, GettersAreAskedAndOneThatFailsCostsItsLine) {
     Grabber grabber;
     start(grabber);
-    const std::string trigger = "Device1_Process1_Trigger_";
-    for (const auto& [name, keys] : std::map<std::string, Lines>{
-             {"Device1_Process0_Camera_Debug_OperationMode", {"FG_DEBUGINENABLE", "FG_DEBUGOUTENABLE"}},
-             {"Device1_Process0_Camera_Debug_DebugFile", {"FG_DEBUGFILE"}},
-             {trigger + "Inputs_InputStatus_Status", {"FG_DIGIO_INPUT"}},
-             {trigger + "Analyzer_Analyzer1_PeriodMin", {"FG_SIGNAL_ANALYZER_1_PERIOD_MIN"}},
-             {trigger + "Analyzer_Difference_Status", {"FG_SIGNAL_ANALYZER_PULSE_COUNT_DIFFERENCE"}}}) {
-        grabber.fail(name, injected);
-        File expected;
-        for (const std::string& key : keys)
-            expected.without(key);
-        EXPECT_EQ(save(grabber).text(), expected.text()) << name;
-        grabber.fail(name, 0);
-    }
-    const std::string period = trigger + "Analyzer_Analyzer0_PeriodMax";
-    ASSERT_EQ(board.poke_double(grabber.device, period.c_str(), 34359738.36), VBOARD_OK);
-    grabber.poke(trigger + "Analyzer_Analyzer0_PulseCountSignal_Status", 4294967295);
-    grabber.poke(trigger + "Analyzer_Difference_Status", 0x100000000);
-    EXPECT_EQ(save(grabber).text(), File()
-                                        .set("FG_SIGNAL_ANALYZER_0_PERIOD_MAX", "34359738.36")
-                                        .set("FG_SIGNAL_ANALYZER_0_PULSE_COUNT", "-1")
-                                        .set("FG_SIGNAL_ANALYZER_PULSE_COUNT_DIFFERENCE", "-4294967296")
-                                        .text());
+    grabber.fail("Device1_Process0_Camera_Debug_OperationMode", injected);
+    File expected = File().without("FG_DEBUGINENABLE").without("FG_DEBUGOUTENABLE");
+    EXPECT_EQ(save(grabber).text(), expected.text());
+    const std::string analyzer = "Device1_Process1_Trigger_Analyzer_";
+    ASSERT_EQ(board.poke_double(grabber.device, (analyzer + "Analyzer0_PeriodMax").c_str(), 34359738.36),
+              VBOARD_OK);
+    grabber.poke(analyzer + "Analyzer0_PulseCountSignal_Status", 4294967295);
+    grabber.poke(analyzer + "Difference_Status", 0x100000000);
+    expected.set("FG_SIGNAL_ANALYZER_0_PERIOD_MAX", "34359738.36");
+    expected.set("FG_SIGNAL_ANALYZER_0_PULSE_COUNT", "-1");
+    expected.set("FG_SIGNAL_ANALYZER_PULSE_COUNT_DIFFERENCE", "-4294967296");
+    EXPECT_EQ(save(grabber).text(), expected.text());
 }
 
 TEST_F(ConfigurationTest, WhatIsNoFileGivesItsCodes) {
