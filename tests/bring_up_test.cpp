@@ -3,7 +3,6 @@
 #include "support/applet_fixture.h"
 #include "support/temporary_folder.h"
 
-#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <dlfcn.h>

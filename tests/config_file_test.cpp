@@ -8,7 +8,6 @@
 
 #include <cstdint>
 #include <functional>
-#include <random>
 #include <string>
 #include <sys/stat.h>
 #include <utility>
@@ -216,26 +215,6 @@ TEST_F(ConfigFile, IsKnownByItsNameAndByBeingReadable) {
     }
     EXPECT_FALSE(parser.checkFileType(nullptr));
     EXPECT_FALSE(parser.checkFileExist(nullptr));
-}
-
-TEST_F(ConfigFile, MayHoldAnything) {
-    std::mt19937 random(5);
-    const std::string alphabet = "\n\n\nkj=;'[Port A]\0\r\xff"s;
-    std::string garbage = "[Port A]" + std::string(20 << 20, '\0');
-    for (std::size_t i = 8; i < garbage.size(); ++i)
-        garbage[i] = alphabet[random() % alphabet.size()];
-    for (const std::string& file : {garbage, std::string(20 << 20, 'k'), std::string(20 << 20, '\0')}) {
-        fill(file);
-        Parser parser(nullptr, path(), true);
-        for (const char* key : {"k", "j=", "", "Port"}) {
-            std::string text;
-            const int result = parser.parseKeySection(0, key, text);
-            EXPECT_TRUE(result == 0 || (result == missing && text == "Error"));
-            EXPECT_LE(text.size(), 255u);
-            EXPECT_EQ(text.find('\0'), std::string::npos);
-            EXPECT_TRUE(parser.parseKeyFromLine(key, text) == 0 || text == "Error");
-        }
-    }
 }
 
 } // namespace

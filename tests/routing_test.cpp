@@ -98,20 +98,6 @@ TEST_F(Routing, EveryParameterCanBeReadAndSetUnlessItIsReadOnly) {
     }
 }
 
-TEST_F(Routing, WidthIsTheParametersOwnWhateverTheTagSays) {
-    Grabber grabber(0);
-    // A floating point 2.0 read as a 32-bit word is 0: its bits count, not its value.
-    EXPECT_EQ(grabber.set(FG_TIMEOUT, 2.0), FG_ERR_OUT_OF_RANGE);
-    EXPECT_EQ(grabber.set(FG_TIMEOUT, std::uint64_t{0xffffffff'00000003}), 0);
-    EXPECT_EQ(grabber.set(FG_LINEEXPOSURE, 20.0, 0, FG_PARAM_UINT32), 0);
-    std::uint64_t word = 7;
-    EXPECT_EQ(grabber.get(FG_TIMEOUT, &word, 0, FG_PARAM_DOUBLE), 0);
-    EXPECT_EQ(word, 3u) << "the upper half is left alone";
-    double exposure = 0;
-    EXPECT_EQ(grabber.get(FG_LINEEXPOSURE, &exposure, 0, 4096), 0);
-    EXPECT_EQ(exposure, 20.0);
-}
-
 TEST_F(Routing, IdsServedByTheRuntime) {
     Grabber grabber(0);
     std::uint32_t word = 0;

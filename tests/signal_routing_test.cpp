@@ -145,14 +145,4 @@ TEST_F(SignalRoutingTest, PulsesAreWrittenAndCountersReadAtEachAsking) {
     }
 }
 
-TEST_F(SignalRoutingTest, RaisedEventsAreSeenByTheirMask) {
-    for (const Lines& row : dataRows("events.txt")) {
-        const auto mask = static_cast<intptr_t>(applet.Fg_getEventMask(grabber.fg(), row[0].c_str()));
-        for (const int times : {0, 1}) {
-            EXPECT_EQ(applet.Fg_getStatusEx(grabber.fg(), VBOARD_STATUS_EVENTS, mask, 0, nullptr), times);
-            ASSERT_EQ(board.raise_event(grabber.device, row[1].c_str()), VBOARD_OK);
-        }
-    }
-}
-
 } // namespace
