@@ -13,7 +13,6 @@ const std::string process = "Device1_Process0_";
 
 class BoardStatusTest : public ParameterTest {
 protected:
-    void poke(const std::string& name, std::int64_t value) { grabber.poke(name, value); }
     /** The answer to a get as it stands, and the code in its place for a failure. */
     std::int64_t ask(int id) {
         std::uint32_t word = 0;
@@ -52,7 +51,7 @@ TEST_F(BoardStatusTest, IsReadFromTheDesignAtEachAsking) {
                 if constexpr (std::is_same_v<decltype(value), double>)
                     ASSERT_EQ(board.poke_double(grabber.device, name.c_str(), value), VBOARD_OK);
                 else
-                    poke(name, static_cast<std::int64_t>(value));
+                    grabber.poke(name, static_cast<std::int64_t>(value));
                 EXPECT_EQ(get<decltype(value)>(row.id), value) << name;
                 grabber.fail(name, -4711);
                 EXPECT_EQ(grabber.get(row.id, &value), -4711) << name;
@@ -63,7 +62,7 @@ TEST_F(BoardStatusTest, IsReadFromTheDesignAtEachAsking) {
     // This one is reversed.
     for (const auto& [design, code, value] :
          {std::tuple{0u, 0, 1u}, {1u, 0, 0u}, {2u, -2031, 0u}, {~0u, -2031, 0u}}) {
-        poke(process + "BoardStatus_AlternativeBoardDetection", design);
+        grabber.poke(process + "BoardStatus_AlternativeBoardDetection", design);
         std::uint32_t out = 7;
         EXPECT_EQ(grabber.get(FG_ALTERNATIVE_BOARD_DETECTION, &out), code) << design;
         EXPECT_EQ(out, value) << design;
@@ -115,9 +114,9 @@ TEST_F(BoardStatusTest, CameraWordIsComposed) {
         {6, 30, 0, 0, 6 | 64},
     };
     for (const auto& row : rows) {
-        poke("FG_CAMSTATUS_EXTENDED", row.base);
-        poke(level, row.percent);
-        poke(overflow, row.overflow);
+        grabber.poke("FG_CAMSTATUS_EXTENDED", row.base);
+        grabber.poke(level, row.percent);
+        grabber.poke(overflow, row.overflow);
         ASSERT_EQ(board.poke_after_read(grabber.device, overflow.c_str(), row.overflowThen), VBOARD_OK);
         EXPECT_EQ(ask(FG_CAMSTATUS_EXTENDED), row.word) << row.base << " " << row.percent;
     }
@@ -127,9 +126,9 @@ TEST_F(BoardStatusTest, CameraWordIsComposed) {
     EXPECT_EQ(log(),
               (Lines{"get " + overflow + " u32 0", dram + "0_FillLevel u32 0", dram + "1_FillLevel u32 30",
                      dram + "2_FillLevel u32 0", "get " + overflow + " u32 0", "get #2050 u32 6"}));
-    poke("FG_CAMSTATUS_EXTENDED", 7);
+    grabber.poke("FG_CAMSTATUS_EXTENDED", 7);
     EXPECT_EQ(ask(FG_CAMSTATUS), 1);
-    poke("FG_CAMSTATUS_EXTENDED", 0);
+    grabber.poke("FG_CAMSTATUS_EXTENDED", 0);
     ASSERT_EQ(set(FG_CAMERASIMULATOR_ENABLE, 1u), 0);
     EXPECT_EQ(ask(FG_CAMSTATUS), 1) << "the simulator is a pixel clock";
     for (const std::string& name : {std::string("FG_CAMSTATUS_EXTENDED"), overflow, level}) {

@@ -244,6 +244,7 @@ TEST_F(ConfigurationTest, RefusedValueIsKeptButNotWritten) {
 }
 
 TEST_F(ConfigurationTest, WhatSettersTookComesBack) {
+    // Values as a file has them, doubles with a point; some are refused, always or beside their neighbours.
     Grabber to(0); // has what it loaded before
     for (std::size_t column = 1; column <= 10; ++column) {
         SCOPED_TRACE(column);

@@ -108,7 +108,7 @@ TEST_F(ImageTriggerTest, InputFlashAndSoftwareTrigger) {
                   {std::nextafter(0.008, 0.0), std::nextafter(65.0, 66.0), -0.112, HUGE_VAL});
 
     for (const std::uint32_t value : {1u, 0u, 2u}) { // the design's own
-        grabber.poke("Device1_Process0_Trigger_Trigger_ImgTrgIsBusy", value);
+        poke("Trigger_Trigger_ImgTrgIsBusy", value);
         EXPECT_EQ(get<std::uint32_t>(FG_IMGTRIGGER_IS_BUSY), value);
     }
 }

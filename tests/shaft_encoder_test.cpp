@@ -36,7 +36,7 @@ TEST_F(ShaftEncoderTest, WritesWhatItTakes) {
     const std::string count = trigger + "EncoderCompensationCount";
     expectNumbers(FG_SHAFTENCODER_COMPENSATION_COUNT, count, {1048575u, 0u, 100u}, {1048576u, ~0u});
     for (const std::uint32_t running : {77u, 5u, 0u}) {
-        grabber.poke("Device1_Process0_" + count, running);
+        poke(count, running);
         EXPECT_EQ(get<std::uint32_t>(FG_SHAFTENCODER_COMPENSATION_COUNT), running);
     }
     grabber.fail("Device1_Process0_" + count, -4711);

@@ -182,8 +182,7 @@ protected:
 
     /** Changes a number of the design's image path. */
     void poke(const std::string& name, std::int64_t value) {
-        EXPECT_EQ(board.poke_int(grabber.device, ("Device1_Process0_" + name).c_str(), value), VBOARD_OK)
-            << name;
+        grabber.poke("Device1_Process0_" + name, value);
     }
 
     template <typename T> int set(int id, T value) { return grabber.set(id, value); }
