@@ -6,10 +6,12 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <string>
 #include <sys/stat.h>
+#include <thread>
 #include <utility>
 
 namespace {
@@ -183,6 +185,24 @@ TEST_F(ConfigFile, GivesNumbersAndLeavesTheRestAlone) {
         EXPECT_EQ(Parser(nullptr, path(), true).parseIntKeyFromHeader("AktivePort", &number), result) << file;
         EXPECT_EQ(number, result == 0 ? 5 : old);
     }
+}
+
+TEST_F(ConfigFile, IsReadByParsersSideBySide) {
+    std::atomic<int> wrong = 0;
+    const auto work = [&](const std::string& name) {
+        const std::string own = folder / (name + ".mcf");
+        support::writeFile(own, "[Port A]\na='" + name + "a';\nb='" + name + "b';\n");
+        Parser parser(nullptr, own.c_str(), true);
+        std::string text;
+        for (int i = 0; i < 5000; ++i) {
+            const std::string key = i % 2 == 0 ? "a" : "b";
+            if (parser.parseKey("[Port A]", key, text) != 0 || text != name + key) ++wrong;
+        }
+    };
+    std::thread first(work, "first"), second(work, "second");
+    first.join();
+    second.join();
+    EXPECT_EQ(wrong, 0);
 }
 
 TEST_F(ConfigFile, IsKnownByItsNameAndByBeingReadable) {
