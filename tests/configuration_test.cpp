@@ -9,8 +9,10 @@
 #include <algorithm>
 #include <fstream>
 #include <map>
+#include <random>
 #include <stdexcept>
 #include <sys/stat.h>
+#include <tuple>
 #include <unistd.h>
 
 namespace {
