@@ -184,6 +184,7 @@ private:
     void updateHeightRange();
     void updateXOffsetRange();
     void updateYOffsetRange();
+    void updateGeometryRanges(); // all of the above
 
     // ---- Pixel format and line order: image/pixel_format.cpp
 

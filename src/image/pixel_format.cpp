@@ -42,12 +42,7 @@ void FgLoomWrapperImpl::set_FG_PIXELFORMAT(std::uint32_t value) {
     // No limit of the region is tested here, so it may exceed what the DRAM can hold of this format.
     writeBufferGeometry(stored.old());
     stored.keep();
-    updateSensorWidthRange();
-    updateSensorHeightRange();
-    updateWidthRange();
-    updateHeightRange();
-    updateXOffsetRange();
-    updateYOffsetRange();
+    updateGeometryRanges();
 }
 
 void FgLoomWrapperImpl::set_FG_LINEORDER(std::uint32_t value) {

@@ -186,6 +186,15 @@ void FgLoomWrapperImpl::updateYOffsetRange() {
     republishMaximum(recordAt(indexOf(FG_YOFFSET)), [this] { return yOffsetLimit(); });
 }
 
+void FgLoomWrapperImpl::updateGeometryRanges() {
+    updateSensorWidthRange();
+    updateSensorHeightRange();
+    updateWidthRange();
+    updateHeightRange();
+    updateXOffsetRange();
+    updateYOffsetRange();
+}
+
 // ---- Setters
 
 void FgLoomWrapperImpl::set_FG_VANTAGEPOINT(std::uint32_t value) {
@@ -195,12 +204,7 @@ void FgLoomWrapperImpl::set_FG_VANTAGEPOINT(std::uint32_t value) {
     checkRoiY();
     writeBufferGeometry(stored.old());
     stored.keep();
-    updateSensorWidthRange();
-    updateSensorHeightRange();
-    updateWidthRange();
-    updateHeightRange();
-    updateXOffsetRange();
-    updateYOffsetRange();
+    updateGeometryRanges();
 }
 
 void FgLoomWrapperImpl::set_FG_SENSORWIDTH(std::uint32_t value) {
