@@ -199,15 +199,17 @@ TEST_F(DebugInterface, AFailedDiscoveryEndsTheWholeStep) {
 TEST_F(DebugInterface, LongTextsAreCut) {
     for (const std::size_t length : {127u, 128u, 4000u}) {
         const std::string longText(length, 'n');
+        const std::string cutName = "Device1_Process0_" + std::string(127, 'n') + "_OperationMode";
         restart([&] {
+            ASSERT_EQ(board.alias_parameter(cutName.c_str(), "Device1_Process0_Buffer_0_Debug_OperationMode"),
+                      0);
             for (const std::string name : {"Debug_Name0", "Debug_Path1"})
                 tell(name, longText);
             tell("Debug_Entries", "3" + longText);
         });
         EXPECT_EQ(text(FG_DEBUGSOURCENAME), longText.substr(0, 127));
         setAll({{FG_DEBUGINENABLE, 1}, {FG_DEBUGSOURCE, 1}});
-        EXPECT_EQ(set(FG_DEBUGINENABLE, 1u), FG_ERR_UNRESOLVED);
-        setAll({{FG_DEBUGSOURCE, 2}});
+        setAll({{FG_DEBUGINENABLE, 1}, {FG_DEBUGSOURCE, 2}});
     }
 }
 
