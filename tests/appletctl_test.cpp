@@ -259,7 +259,7 @@ TEST(Appletctl, CallsWrongUsageByName) {
         {{"save", "x.mcf", "--offline"}, "'save' needs a board"},
         {{"check", ""}, "the name of the file is empty"},
         {{"diff", "/nowhere/a.mcf"}, "\"/nowhere/a.mcf\" is no file that can be read"},
-        {{"lut", "show", "--color", "pink"}, "pink not in"},
+        {{"lut", "show", "--channel", "pink"}, "pink not in"},
         {{"watch", "width", "--interval", "0"}, "Value 0 not in range"},
         {{"events", "--offline"}, "'events' needs a board"},
         {{"lut", "save", ""}, "the name of the file is empty"},
@@ -286,7 +286,7 @@ TEST(Appletctl, PrintsOneDocumentForEveryOutcome) {
         {{"route", "--json", "--offline"}, 0},
         {{"trace", "set", "FG_WIDTH=64", "--json"}, 0},
         {{"set", "FG_WIDTH=3", "--json"}, 1},
-        {{"info", "--json", "--applet", "/nowhere/libx.so"}, 1},
+        {{"info", "--json", "--applet", "/nowhere/libx.so"}, 3},
         {{"get", "\xff\xfe", "--json"}, 2},
         {{"bogus", "--json"}, 2},
     };
@@ -423,7 +423,8 @@ TEST_F(AppletctlLut, DrawsCurves) {
     const std::string piped = run({"lut", "show"}, {"LC_ALL=C.UTF-8", "TERM=xterm"}).out;
     EXPECT_TRUE(contains(piped, "\nred, green and blue\n  65535 |")) << piped;
     EXPECT_TRUE(contains(piped, "\n      0 |**")) << piped;
-    EXPECT_FALSE(contains(run({"lut", "show", "--color", "blue", "FG_LUT_VALUE_BLUE[0]=1"}).out, "\nred\n"));
+    EXPECT_FALSE(
+        contains(run({"lut", "show", "--channel", "blue", "FG_LUT_VALUE_BLUE[0]=1"}).out, "\nred\n"));
     const std::string table = folder / "a<&b.lut";
     const std::string file = folder / "curves.svg";
     ASSERT_EQ(run({"lut", "save", table, "FG_LUT_VALUE_RED[..]=65535"}).exitCode, 0);
@@ -540,10 +541,13 @@ TEST_F(AppletctlConfiguration, ComparesValuesBySymbol) {
     EXPECT_EQ(run({"diff", saved, edited("=2048;", "=2048")}).out, "The values are the same.\n");
     EXPECT_EQ(run({"diff", saved, "FG_WIDTH=2048", "FG_LINEPERIODE=150.4"}).exitCode, 0);
     EXPECT_EQ(run({"diff", saved}).exitCode, 1);
-    for (const Words& trouble :
-         {Words{"diff", saved, "FG_WIDTH=3"}, Words{"diff", saved, folder / "none.mcf"},
-          Words{"diff", saved, "--applet", "/nowhere/libx.so"}})
-        EXPECT_EQ(run(trouble).exitCode, 2) << trouble.back();
+    for (const auto& [with, exitCode] : {std::pair<Words, int>{{"FG_WIDTH=3"}, 1},
+                                         {{folder / "none.mcf"}, 2},
+                                         {{"--applet", "/nowhere/libx.so"}, 3}}) {
+        Words arguments{"diff", saved};
+        arguments.insert(arguments.end(), with.begin(), with.end());
+        EXPECT_EQ(run(arguments).exitCode, exitCode) << with.back();
+    }
 }
 
 TEST(AppletctlDescribe, TellsAllOfAParameter) {
@@ -701,7 +705,7 @@ TEST(Appletctl, NamesTheFileThatItCannotLoad) {
         Words arguments{"get", "FG_WIDTH"};
         arguments.insert(arguments.end(), options.begin(), options.end());
         const Outcome outcome = run(arguments, environment);
-        EXPECT_EQ(outcome.exitCode, 1);
+        EXPECT_EQ(outcome.exitCode, 3);
         EXPECT_TRUE(contains(outcome.err, expected)) << outcome.err;
     }
     std::filesystem::remove(file);

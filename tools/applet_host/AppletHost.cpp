@@ -1,6 +1,7 @@
 #include "applet_host/AppletHost.h"
 
 #include <dlfcn.h>
+#include <link.h>
 
 #include <cstddef>
 #include <cstdlib>
@@ -93,6 +94,11 @@ constexpr Binding boardBindings[] = {
 };
 static_assert(sizeof(BoardFunctions) == std::size(boardBindings) * sizeof(void*), "a function without row");
 
+#define BIND_BRIDGE(name)                                                                                    \
+    Binding { "bridge_" #name "_board", offsetof(BoardOpener, name) }
+constexpr Binding bridgeBindings[] = {BIND_BRIDGE(open), BIND_BRIDGE(close)};
+
+#undef BIND_BRIDGE
 #undef BIND_BOARD
 #undef BIND_APPLET
 #undef BIND
@@ -106,6 +112,13 @@ std::string loaderError() {
     return text != nullptr ? text : "the dynamic loader gives no reason";
 }
 
+/** A library that the dynamic loader finds by its name. */
+void* openByName(const char* name) {
+    if (void* library = dlopen(name, RTLD_NOW | RTLD_LOCAL)) return library;
+    throw HostError(std::string("the library ") + name +
+                    " is not on the path of the dynamic loader: " + loaderError());
+}
+
 void* openLibrary(const std::filesystem::path& path) {
     const std::filesystem::path file = std::filesystem::absolute(path);
     if (void* library = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL)) return library;
@@ -117,6 +130,13 @@ void* openLibrary(const std::filesystem::path& path) {
     }
     throw HostError("the library " + file.filename().string() + " in " + file.parent_path().string() +
                     " cannot be loaded: " + reason);
+}
+
+/** The file that a loaded library comes from. */
+std::filesystem::path fileOf(void* library) {
+    link_map* entry = nullptr;
+    if (dlinfo(library, RTLD_DI_LINKMAP, &entry) != 0) return {};
+    return entry->l_name;
 }
 
 /** Binds every row's function of one library. */
@@ -154,9 +174,9 @@ AppletHost::AppletHost(const Locations& where) {
     try {
         void** next = m_libraries;
         for (const char* name : boardLibraries)
-            *next++ = openLibrary(where.virtualBoard / name);
+            *next++ = where.virtualBoard.empty() ? openByName(name) : openLibrary(where.virtualBoard / name);
         *next = openLibrary(where.applet);
-        bindAll(m_libraries[0], where.virtualBoard / boardLibraries[0], boardBindings, m_board);
+        bindBoard(where);
         bindAll(m_libraries[3], where.applet, appletBindings, m_applet);
     } catch (...) {
         close();
@@ -164,24 +184,52 @@ AppletHost::AppletHost(const Locations& where) {
     }
 }
 
+void AppletHost::bindBoard(const Locations& where) {
+    if (!where.virtualBoard.empty() || dlsym(m_libraries[0], "vboard_open") != nullptr) {
+        bindAll(m_libraries[0], where.virtualBoard / boardLibraries[0], boardBindings, m_board);
+        m_opener = {m_board.open, m_board.close};
+        return;
+    }
+    if (where.bridge.empty()) {
+        throw HostError("the library " + fileOf(m_libraries[0]).string() +
+                        " opens no board by itself: name a library that opens one of it (--bridge FILE, with "
+                        "the functions bridge_open_board and bridge_close_board)");
+    }
+    m_bridge = openLibrary(where.bridge);
+    bindAll(m_bridge, where.bridge, bridgeBindings, m_opener);
+}
+
+std::vector<std::filesystem::path> AppletHost::files() const {
+    std::vector<std::filesystem::path> files;
+    for (void* library : m_libraries)
+        files.push_back(fileOf(library));
+    return files;
+}
+
 AppletHost::~AppletHost() { close(); }
 
 void AppletHost::close() {
-    // The applet goes first, as it uses the other three.
+    if (m_bridge != nullptr) dlclose(m_bridge);
+    m_bridge = nullptr;
+    // The applet goes before the other three, as it uses them.
     for (std::size_t i = std::size(m_libraries); i-- > 0;) {
         if (m_libraries[i] != nullptr) dlclose(m_libraries[i]);
         m_libraries[i] = nullptr;
     }
 }
 
-Session::Session(const AppletHost& libraries, int flags) : host(libraries), device(libraries.board().open()) {
+Session::Session(const AppletHost& libraries, int flags, const Prepare& prepare)
+    : host(libraries)
+    , device(libraries.opener().open()) {
+    if (prepare) prepare(device);
     handle.object = host.applet().Std_entry(device, &error, flags);
-    host.board().attach_applet(device, fg(), host.applet().Fg_saveConfig, host.applet().Fg_loadConfig);
+    if (host.isVirtual())
+        host.board().attach_applet(device, fg(), host.applet().Fg_saveConfig, host.applet().Fg_loadConfig);
 }
 
 Session::~Session() {
     if (handle.object != nullptr) host.applet().Fg_FreeGrabber(handle.fg());
-    host.board().close(device);
+    host.opener().close(device);
 }
 
 } // namespace applet_host

@@ -9,8 +9,9 @@
 #include "virtual_board/virtual_board.h"
 
 #include <filesystem>
-#include <memory>
+#include <functional>
 #include <stdexcept>
+#include <vector>
 
 namespace applet_host {
 
@@ -90,18 +91,29 @@ struct BoardFunctions {
     decltype(&::vboard_peek_field) peek_field;
 };
 
+/** What opens a board and lets it go again. */
+struct BoardOpener {
+    LOOMdevice* (*open)() = nullptr; /**< null when there is no board */
+    void (*close)(LOOMdevice* board) = nullptr;
+};
+
 /** Where the libraries are. */
 struct Locations {
     std::filesystem::path applet;       /**< libGrab_TwinLaneLineColor.so */
-    std::filesystem::path virtualBoard; /**< folder of the virtual board's libraries */
+    std::filesystem::path virtualBoard; /**< folder of the virtual board's libraries; empty: the platform
+                                             libraries that the dynamic loader finds by their names */
+    std::filesystem::path bridge{};     /**< library that opens a board of those, by the functions
+                                             bridge_open_board and bridge_close_board of a BoardOpener's types;
+                                             empty: the board library does by itself, as the virtual one */
 
     /** Beside the running program: ../lib/ and ../lib/virtual-board/ of its folder. The environment variable
      *  APPLET_UNDER_TEST, if set, names another applet library. */
     static Locations beside();
 };
 
-/** The loaded libraries. They stay loaded for the life of the object. Opens the virtual board's libraries
- * first, libvexo_hw.so, libtslrt.so, libgrabcore5.so, by absolute path, then the applet. Throws HostError. */
+/** The loaded libraries. They stay loaded for the life of the object. Opens the platform's libraries first,
+ * libvexo_hw.so, libtslrt.so, libgrabcore5.so, the virtual board's by absolute path, then the applet. Throws
+ * HostError. */
 class AppletHost {
 public:
     explicit AppletHost(const Locations& where = Locations::beside());
@@ -110,14 +122,22 @@ public:
     AppletHost& operator=(const AppletHost&) = delete;
 
     const AppletFunctions& applet() const { return m_applet; }
+    /** Of the virtual board; all null on another one. */
     const BoardFunctions& board() const { return m_board; }
+    bool isVirtual() const { return m_board.open != nullptr; }
+    const BoardOpener& opener() const { return m_opener; }
+    /** The files that were loaded: the platform's three in the order above, then the applet. */
+    std::vector<std::filesystem::path> files() const;
 
 private:
+    void bindBoard(const Locations& where);
     void close();
 
     void* m_libraries[4] = {};
+    void* m_bridge = nullptr;
     AppletFunctions m_applet{};
     BoardFunctions m_board{};
+    BoardOpener m_opener;
 };
 
 /** A caller's handle as the runtime makes it: the first word is the applet's object. */
@@ -126,10 +146,13 @@ struct GrabberHandle {
     Fg_Struct* fg() { return reinterpret_cast<Fg_Struct*>(this); }
 };
 
+/** Called with the board of a session before its handle is brought up. */
+using Prepare = std::function<void(LOOMdevice*)>;
+
 /** One board with one brought-up handle; freed in the destructor. `error` is Std_entry's code. */
 class Session {
 public:
-    Session(const AppletHost& host, int flags = 0);
+    Session(const AppletHost& host, int flags = 0, const Prepare& prepare = {});
     ~Session();
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;

@@ -1,8 +1,11 @@
 #include "appletctl/Instance.h"
 
 #include "appletctl/errors.h"
+#include "appletctl/text.h"
 
 #include <cstdlib>
+#include <optional>
+#include <utility>
 
 namespace appletctl {
 namespace {
@@ -18,11 +21,42 @@ std::string bringUpHint(int code) {
     return "; the design loader did not take the design image in the library";
 }
 
+constexpr const char* designSwitch = "VEXO_ENABLE_DLOOMA";
+
+bool isSwitchedOn(const char* variable) {
+    const char* text = std::getenv(variable);
+    if (text == nullptr) return false;
+    const std::string word = lowerCase(text);
+    return word == "yes" || word == "true" || word == "on" || word == "1";
+}
+
+/** Switches the design's parameters on for a scope. */
+class PublishedDesign {
+public:
+    PublishedDesign() {
+        if (const char* before = std::getenv(designSwitch)) m_before = before;
+        setenv(designSwitch, "1", 1);
+    }
+    ~PublishedDesign() {
+        if (m_before)
+            setenv(designSwitch, m_before->c_str(), 1);
+        else
+            unsetenv(designSwitch);
+    }
+    PublishedDesign(const PublishedDesign&) = delete;
+    PublishedDesign& operator=(const PublishedDesign&) = delete;
+
+private:
+    std::optional<std::string> m_before;
+};
+
 } // namespace
 
 applet_host::Locations locationsFor(const Options& options) {
     applet_host::Locations where = applet_host::Locations::beside();
     if (!options.applet.empty()) where.applet = options.applet;
+    if (options.board == BoardKind::system && !options.offline) where.virtualBoard.clear();
+    where.bridge = options.bridge;
     return where;
 }
 
@@ -32,16 +66,26 @@ void requireBoard(const Options& options, const char* command) {
                          "' needs a board, and --offline has none: leave --offline out");
 }
 
-Instance::Instance(const Options& options) : m_host(locationsFor(options)) {
+Instance::Instance(const Options& options, DesignParameters design)
+    : Instance(options, std::make_shared<applet_host::AppletHost>(locationsFor(options)), design) {}
+
+Instance::Instance(const Options& options, std::shared_ptr<const applet_host::AppletHost> host,
+                   DesignParameters design, const applet_host::Prepare& prepare)
+    : m_host(std::move(host)) {
     if (options.offline) {
         const int code = applet().Info(FG_INFO_CREATE_OFFLINE, 0, 0, nullptr, &m_offline.object);
-        if (code != FG_OK) throw Failure("no offline instance could be made: " + codeInWords(code));
+        if (code != FG_OK) throw Unavailable("no offline instance could be made: " + codeInWords(code));
         return;
     }
-    m_session = std::make_unique<applet_host::Session>(m_host);
+    std::optional<PublishedDesign> published;
+    if (design == DesignParameters::published) {
+        m_isDesignHidden = !isSwitchedOn(designSwitch);
+        published.emplace();
+    }
+    m_session = std::make_unique<applet_host::Session>(*m_host, 0, prepare);
     if (m_session->handle.object == nullptr) {
-        throw Failure("the applet did not come up on the virtual board: " + codeInWords(m_session->error) +
-                      bringUpHint(m_session->error));
+        throw Unavailable("the applet did not come up on the board: " + codeInWords(m_session->error) +
+                          bringUpHint(m_session->error));
     }
 }
 

@@ -4,15 +4,29 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace appletctl {
 
+using Words = std::vector<std::string>;
+
+enum class BoardKind { virtualBoard, system };
+
 struct Options {
+    // Of all commands.
+    BoardKind board = BoardKind::virtualBoard; /**< --board */
+    std::string bridge;                        /**< --bridge: library that opens a board of the system */
     std::string applet; /**< --applet: library to load instead of the one beside the program */
     bool offline = false;
     bool json = false;
+    bool plain = false;          /**< --plain: tables as lines of cells, no colour, no drawing */
+    std::string colour = "auto"; /**< --color: auto, always or never */
+    bool quiet = false;          /**< -q: errors only */
+    bool verbose = false;        /**< -v: notes on what was done to answer */
+
+    // Of single commands.
     std::optional<std::string> xmlFile; /**< --out of "xml" */
-    std::string lutColour = "all";      /**< --color of "lut show": red, green, blue or all */
+    std::string lutChannel = "all";     /**< --channel of "lut show": red, green, blue or all */
     int watchInterval = 1000;           /**< --interval of "watch": milliseconds from round to round */
     int watchCount = 0;                 /**< --count of "watch": rounds; 0: no end */
 };

@@ -58,16 +58,23 @@ std::string Parameter::effectOfReading() const {
     return "";
 }
 
-ParameterList::ParameterList(Instance& instance) {
+ParameterList::ParameterList(Instance& instance, Scope scope)
+    : m_wantsDesign(scope == Scope::design || !instance.isDesignHidden())
+    , m_wantsOthers(scope != Scope::design) {
     std::vector<std::string> groups;
     for (const RegisterInfo* record = instance.parameterTree(); record != nullptr; record = record->next)
         addTree(*record, groups);
     addNamesWithoutRecord(instance);
 }
 
+bool ParameterList::isWanted(std::string_view name) const {
+    return name.starts_with(designPrefix) ? m_wantsDesign : m_wantsOthers;
+}
+
 void ParameterList::addTree(const RegisterInfo& record, std::vector<std::string>& groups) {
     if (record.kind != REGISTER_KIND_GROUP) {
-        if (record.name != nullptr) m_parameters.push_back({toUtf8(record.name), record.id, &record, groups});
+        if (record.name != nullptr && isWanted(record.name))
+            m_parameters.push_back({toUtf8(record.name), record.id, &record, groups});
         return;
     }
     groups.push_back(toUtf8(record.displayName));
@@ -88,7 +95,9 @@ void ParameterList::addNamesWithoutRecord(Instance& instance) {
     const auto& applet = instance.applet();
     const int count = applet.Fg_getNrOfParameter(instance.fg());
     for (int i = 0; i < count; ++i) {
-        const std::string name = toUtf8(applet.Fg_getParameterName(instance.fg(), i));
+        const char* const told = applet.Fg_getParameterName(instance.fg(), i);
+        if (told == nullptr || !isWanted(told)) continue;
+        const std::string name = toUtf8(told);
         if (name.empty() || known.contains(name)) continue;
         const int id = applet.Fg_getParameterId(instance.fg(), i);
         if (id > 0) m_parameters.push_back({name, id, nullptr, {groupWithoutRecord}});

@@ -24,9 +24,14 @@ struct Parameter {
     std::string effectOfReading() const;
 };
 
+/** A parameter of the design as such a one is published. */
+inline constexpr std::string_view designPrefix = "DLOOMA_";
+
 class ParameterList {
 public:
-    explicit ParameterList(Instance& instance);
+    /** Either without the design's parameters where the user has not switched them on, or only those. */
+    enum class Scope { visible, design };
+    explicit ParameterList(Instance& instance, Scope scope = Scope::visible);
 
     const std::vector<Parameter>& all() const { return m_parameters; }
 
@@ -43,6 +48,9 @@ private:
     void addNamesWithoutRecord(Instance& instance);
     std::vector<std::string> closestNames(std::string_view name) const;
 
+    bool isWanted(std::string_view name) const;
+
+    bool m_wantsDesign, m_wantsOthers;
     std::vector<Parameter> m_parameters;
 };
 

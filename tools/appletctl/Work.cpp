@@ -4,9 +4,9 @@
 
 namespace appletctl {
 
-Work::Work(const Options& options, const Words& assignments)
-    : instance(options)
-    , parameters(instance)
+Work::Work(Context& context, const Words& assignments)
+    : instance(context.instance())
+    , parameters(context.parameters())
     , report(carryOut(instance, parameters, assignments)) {}
 
 int Work::set(const char* name, const Value& value) {

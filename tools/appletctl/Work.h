@@ -10,7 +10,7 @@ namespace appletctl {
 
 /** A command at work: an instance with the caller's assignments carried out, and the report so far. */
 struct Work {
-    Work(const Options& options, const Words& assignments);
+    Work(Context& context, const Words& assignments);
 
     bool isRefused() const { return report.exitCode != exitDone; }
     /** Returns the applet's code. */
@@ -20,8 +20,8 @@ struct Work {
     /** Adds the problem; the program exits with 1. */
     void refuse(const std::string& words);
 
-    Instance instance;
-    ParameterList parameters;
+    Instance& instance;
+    const ParameterList& parameters;
     Report report;
 };
 

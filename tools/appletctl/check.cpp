@@ -4,13 +4,14 @@
 
 namespace appletctl {
 
-Report checkConfiguration(const Options& options, const Words& words) {
-    requireBoard(options, "check"); // the virtual one: without it no format and no memory size is known
+Report checkConfiguration(Context& context, const Words& words) {
+    requireBoard(context.options(),
+                 "check"); // the virtual one: without it no format and no memory size is known
     const std::string& file = fileOf(words);
-    Work work(options, {});
+    Work work(context, {});
     work.report.document["file"] = toUtf8(file.c_str());
-    FileKeys keys(options);
-    addFindings(work, loadAndCompare(work, keys, file, options, {}));
+    FileKeys keys(context.options());
+    addFindings(work, loadAndCompare(work, keys, file, context.options(), {}));
     if (!work.isRefused()) work.report.text += "A load of " + shownFile(file) + " loses nothing.\n";
     return work.report;
 }

@@ -1,42 +1,39 @@
-/** The commands of appletctl. Each takes the options and its words and gives back its report; UsageError and
+/** The commands of appletctl. Each takes what the run stands on and its words and gives back its report; UsageError and
  *  the failures leave it as exceptions. */
 #ifndef APPLETCTL_COMMANDS_H
 #define APPLETCTL_COMMANDS_H
 
-#include "appletctl/Options.h"
+#include "appletctl/Context.h"
 #include "appletctl/output.h"
-
-#include <string>
-#include <vector>
 
 namespace appletctl {
 
-using Words = std::vector<std::string>;
-
-Report listParameters(const Options& options, const Words& pattern);
-Report getParameters(const Options& options, const Words& names);
-Report setParameters(const Options& options, const Words& assignments);
-Report traceSet(const Options& options, const Words& assignments);
-Report describeParameters(const Options& options, const Words& names);
-Report showInfo(const Options& options, const Words& none);
-Report showXml(const Options& options, const Words& none);
-Report listEvents(const Options& options, const Words& none);
+Report listParameters(Context& context, const Words& pattern);
+Report getParameters(Context& context, const Words& names);
+Report setParameters(Context& context, const Words& assignments);
+Report traceSet(Context& context, const Words& assignments);
+/** What the assignments would do, tried on a scratch board. */
+Report planChanges(Context& context, const Words& assignments);
+Report describeParameters(Context& context, const Words& names);
+Report showInfo(Context& context, const Words& none);
+Report showXml(Context& context, const Words& none);
+Report listEvents(Context& context, const Words& none);
 /** Prints round after round until it is told to end; only its problems are left to print. */
-Report watchParameters(const Options& options, const Words& names);
+Report watchParameters(Context& context, const Words& names);
 /** The assignments are carried out first. */
-Report showRoutes(const Options& options, const Words& assignments);
+Report showRoutes(Context& context, const Words& assignments);
 
 /* Of configuration files. The assignments are carried out first. */
-Report saveConfiguration(const Options& options, const Words& fileAndAssignments);
-Report loadConfiguration(const Options& options, const Words& fileAndAssignments);
-Report checkConfiguration(const Options& options, const Words& file);
-Report compareConfigurations(const Options& options, const Words& filesOrAssignments);
+Report saveConfiguration(Context& context, const Words& fileAndAssignments);
+Report loadConfiguration(Context& context, const Words& fileAndAssignments);
+Report checkConfiguration(Context& context, const Words& file);
+Report compareConfigurations(Context& context, const Words& filesOrAssignments);
 
 /* Of the lookup table. The assignments are carried out first. */
-Report showLut(const Options& options, const Words& assignments);
-Report saveLut(const Options& options, const Words& fileAndAssignments);
-Report loadLut(const Options& options, const Words& fileAndAssignments);
-Report plotLut(const Options& options, const Words& fileAndAssignments);
+Report showLut(Context& context, const Words& assignments);
+Report saveLut(Context& context, const Words& fileAndAssignments);
+Report loadLut(Context& context, const Words& fileAndAssignments);
+Report plotLut(Context& context, const Words& fileAndAssignments);
 
 } // namespace appletctl
 

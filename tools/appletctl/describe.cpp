@@ -37,9 +37,9 @@ std::string accessInWords(const Parameter& parameter) {
 
 } // namespace
 
-Report describeParameters(const Options& options, const Words& names) {
-    Instance instance(options);
-    const ParameterList parameters(instance);
+Report describeParameters(Context& context, const Words& names) {
+    Instance& instance = context.instance();
+    const ParameterList& parameters = context.parameters();
     std::vector<const Parameter*> wanted;
     for (const std::string& name : names)
         wanted.push_back(&parameters.find(name));

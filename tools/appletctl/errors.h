@@ -14,7 +14,8 @@ enum ExitCode {
     exitRefused = 1,
     exitDifferent = 1, /**< of "diff" */
     exitUsage = 2,
-    exitTrouble = 2 /**< of "diff": nothing could be compared */
+    exitUnavailable = 3, /**< applet, runtime, loader or board are not to be had */
+    exitInterrupted = 130
 };
 
 /** The caller asked for something that makes no sense; nothing was done. */
@@ -25,6 +26,11 @@ struct UsageError : std::runtime_error {
 /** The applet or the board could not do what was asked. */
 struct Failure : std::runtime_error {
     using std::runtime_error::runtime_error;
+};
+
+/** The applet or a board is not to be had. */
+struct Unavailable : Failure {
+    using Failure::Failure;
 };
 
 /** "-6000, value out of range". */

@@ -22,9 +22,9 @@ std::optional<FgEventRecord> recordOf(const applet_host::AppletFunctions& applet
 
 } // namespace
 
-Report listEvents(const Options& options, const Words&) {
-    requireBoard(options, "events");
-    Instance instance(options);
+Report listEvents(Context& context, const Words&) {
+    requireBoard(context.options(), "events");
+    Instance& instance = context.instance();
     Report report;
     auto& events = report.document["events"] = nlohmann::ordered_json::array();
     Table table;

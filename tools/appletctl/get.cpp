@@ -16,9 +16,9 @@ std::string valueLines(const Target& target, const Value& value) {
 
 } // namespace
 
-Report getParameters(const Options& options, const Words& names) {
-    Instance instance(options);
-    const ParameterList parameters(instance);
+Report getParameters(Context& context, const Words& names) {
+    Instance& instance = context.instance();
+    const ParameterList& parameters = context.parameters();
     Report report;
     report.document["parameters"] = nlohmann::ordered_json::array();
     for (const Target& target : findTargets(parameters, names)) {

@@ -51,8 +51,8 @@ nlohmann::ordered_json ask(const applet_host::AppletFunctions& applet, const Que
 
 } // namespace
 
-Report showInfo(const Options& options, const Words&) {
-    const applet_host::Locations where = locationsFor(options);
+Report showInfo(Context& context, const Words&) {
+    const applet_host::Locations where = locationsFor(context.options());
     const applet_host::AppletHost host(where);
     Report report;
     Table table;

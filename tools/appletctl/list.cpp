@@ -49,9 +49,9 @@ std::string shownValue(Instance& instance, const Parameter& parameter, const std
 
 } // namespace
 
-Report listParameters(const Options& options, const Words& pattern) {
-    Instance instance(options);
-    const ParameterList parameters(instance);
+Report listParameters(Context& context, const Words& pattern) {
+    Instance& instance = context.instance();
+    const ParameterList& parameters = context.parameters();
     Report report;
     report.document["parameters"] = nlohmann::ordered_json::array();
     Table table;

@@ -3,15 +3,15 @@
 
 namespace appletctl {
 
-Report loadConfiguration(const Options& options, const Words& words) {
-    requireBoard(options, "load");
+Report loadConfiguration(Context& context, const Words& words) {
+    requireBoard(context.options(), "load");
     const std::string& file = fileOf(words);
     const Words assignments = behindFirst(words);
-    Work work(options, assignments);
+    Work work(context, assignments);
     if (work.isRefused()) return work.report;
     const ConfigurationFile before = stateOf(work.instance);
-    FileKeys keys(options);
-    const std::vector<Finding> findings = loadAndCompare(work, keys, file, options, assignments);
+    FileKeys keys(context.options());
+    const std::vector<Finding> findings = loadAndCompare(work, keys, file, context.options(), assignments);
     const ConfigurationFile now = stateOf(work.instance);
     work.report.document["file"] = toUtf8(file.c_str());
     const std::size_t changed = addDifferences(work.report, {"BEFORE", "before", &before},

@@ -34,7 +34,8 @@ public:
         : m_path(path)
         , m_asked(asked)
         , m_state(state)
-        , m_trial(options, assignments) {
+        , m_context(options)
+        , m_trial(m_context, assignments) {
         load(m_trial.instance, m_path);
     }
 
@@ -92,6 +93,7 @@ private:
     const std::string& m_path;
     const ConfigurationFile& m_asked;
     const ConfigurationFile& m_state;
+    Context m_context;
     Work m_trial;
 };
 

@@ -83,7 +83,8 @@ bool haveSameEntries(const LutTables& a, const LutTables& b) {
  *  failed write, such as on a full disk. */
 bool readsBack(Options options, const std::string& file, const LutTables& tables) {
     options.offline = true;
-    Work scratch(options, {});
+    Context other(options);
+    Work scratch(other, {});
     for (const LutTable& table : tables.colours) {
         // Each entry another one than in the file, so that none can be right by chance.
         Elements others = table.entries;
@@ -114,19 +115,19 @@ void addCurves(Report& report, const LutTables& tables, const std::string& colou
 
 } // namespace
 
-Report showLut(const Options& options, const Words& assignments) {
-    Work work(options, assignments);
+Report showLut(Context& context, const Words& assignments) {
+    Work work(context, assignments);
     if (work.isRefused()) return work.report;
     const LutTables tables = tablesOf(work);
     addDocument(work, tables);
     work.report.text += settingsText(work) + "\n\n" + statisticsText(tables);
-    addCurves(work.report, tables, options.lutColour);
+    addCurves(work.report, tables, context.options().lutChannel);
     return work.report;
 }
 
-Report saveLut(const Options& options, const Words& words) {
+Report saveLut(Context& context, const Words& words) {
     const std::string& file = fileOf(words);
-    Work work(options, behindFirst(words));
+    Work work(context, behindFirst(words));
     if (work.isRefused()) return work.report;
     const LutTables tables = tablesOf(work);
     addDocument(work, tables);
@@ -135,7 +136,7 @@ Report saveLut(const Options& options, const Words& words) {
     if (code != FG_OK)
         work.refuse(shownFile(file) +
                     " was not written: " + refusedFile(work, "FG_LUT_SAVE_FILE", file, code));
-    else if (!readsBack(options, file, tables))
+    else if (!readsBack(context.options(), file, tables))
         work.refuse(shownFile(file) +
                     " was written, but does not read back as the same tables: see whether the "
                     "disk is full");
@@ -145,9 +146,9 @@ Report saveLut(const Options& options, const Words& words) {
     return work.report;
 }
 
-Report loadLut(const Options& options, const Words& words) {
+Report loadLut(Context& context, const Words& words) {
     const std::string& file = fileOf(words);
-    Work work(options, behindFirst(words));
+    Work work(context, behindFirst(words));
     if (work.isRefused()) return work.report;
     const LutTables before = tablesOf(work);
     const int code = load(work, file);
@@ -169,11 +170,11 @@ Report loadLut(const Options& options, const Words& words) {
     return work.report;
 }
 
-Report plotLut(const Options& options, const Words& words) {
+Report plotLut(Context& context, const Words& words) {
     const std::string& file = fileOf(words);
     if (!file.ends_with(".svg"))
         throw UsageError(shownFile(file) + " does not end in .svg, and an SVG picture is what is written");
-    Work work(options, behindFirst(words));
+    Work work(context, behindFirst(words));
     if (work.isRefused()) return work.report;
     const LutTables tables = tablesOf(work);
     addDocument(work, tables);

@@ -18,6 +18,17 @@ namespace appletctl {
 
 namespace {
 
+struct Mode {
+    bool isPlain = false;
+    std::string colour = "auto";
+};
+
+/** Of the process, set once by its command line. */
+Mode& mode() {
+    static Mode of;
+    return of;
+}
+
 bool isUtf8Locale() {
     const locale_t user = newlocale(LC_CTYPE_MASK, "", nullptr);
     if (user == nullptr) return false;
@@ -28,7 +39,10 @@ bool isUtf8Locale() {
 
 } // namespace
 
+void setOutputMode(const Options& options) { mode() = {options.plain, options.colour}; }
+
 bool isCapableTerminal(int fileDescriptor) {
+    if (mode().isPlain) return false;
     const char* terminal = std::getenv("TERM");
     const bool dumb = terminal == nullptr || std::string_view(terminal) == "dumb";
     return isatty(fileDescriptor) == 1 && !dumb;
@@ -36,7 +50,10 @@ bool isCapableTerminal(int fileDescriptor) {
 
 Style Style::forStream(int fileDescriptor) {
     Style style;
-    style.m_colour = isCapableTerminal(fileDescriptor) && std::getenv("NO_COLOR") == nullptr;
+    const char* const refused = std::getenv("NO_COLOR"); // set, and to something
+    style.m_colour = mode().colour == "auto"
+                         ? isCapableTerminal(fileDescriptor) && (refused == nullptr || *refused == '\0')
+                         : mode().colour == "always" && !mode().isPlain;
     return style;
 }
 
@@ -48,6 +65,12 @@ std::string Style::painted(const char* attributes, const std::string& text) cons
 }
 
 std::string Table::render(const Style& style) const {
+    if (mode().isPlain) {
+        std::string lines;
+        for (const Line& line : m_lines)
+            if (line.kind != Kind::heading) lines += join(line.cells, "\t") + '\n';
+        return lines;
+    }
     std::vector<std::size_t> widths;
     for (const Line& line : m_lines) {
         if (line.kind == Kind::heading) continue;
@@ -85,12 +108,14 @@ bool writeOut(const std::string& text) {
     return !std::cout.fail();
 }
 
-int print(const Report& report, const std::string& command, bool json) {
-    const bool isWritten =
-        report.isPrinted || writeOut(json ? documentText(report, command, 2) : report.text);
+int print(const Report& report, const std::string& command, const Options& options) {
+    const std::string text = options.json ? documentText(report, command, 2) : report.text;
+    const bool isWritten = report.isPrinted || (options.quiet && !options.json) || writeOut(text);
     const std::string name = Style::forStream(STDERR_FILENO).alarm("appletctl:");
     for (const std::string& problem : report.problems)
         std::cerr << name << ' ' << problem << '\n';
+    for (const std::string& note : report.notes)
+        if (options.verbose) std::cerr << "appletctl: " << note << '\n';
     if (!isWritten) {
         std::cerr << name << " the output could not be written\n";
         return exitRefused;

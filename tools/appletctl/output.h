@@ -2,6 +2,7 @@
 #ifndef APPLETCTL_OUTPUT_H
 #define APPLETCTL_OUTPUT_H
 
+#include "appletctl/Options.h"
 #include "appletctl/errors.h"
 
 #include <nlohmann/json.hpp>
@@ -11,10 +12,14 @@
 
 namespace appletctl {
 
+/** How the user wants all output of the process, from now on: --color, --plain. */
+void setOutputMode(const Options& options);
+
 /** Emphasis for a terminal; plain text where colour is not wanted. */
 class Style {
 public:
-    /** Colour for the stream behind this file descriptor: only on a terminal, never with NO_COLOR. */
+    /** Colour for the stream behind this file descriptor: as --color says, or else only on a terminal and never
+     *  with NO_COLOR. */
     static Style forStream(int fileDescriptor);
 
     std::string heading(const std::string& text) const { return painted("1", text); }
@@ -27,7 +32,7 @@ private:
     bool m_colour = false;
 };
 
-/** True on a terminal that obeys control sequences. */
+/** True on a terminal that obeys control sequences, where the user does not want plain output. */
 bool isCapableTerminal(int fileDescriptor);
 
 /** True when box drawing and braille characters can be shown: on a terminal of a UTF-8 locale. */
@@ -40,6 +45,7 @@ public:
     void setTitles(std::vector<std::string> titles) { m_lines.push_back({Kind::titles, std::move(titles)}); }
     void addHeading(std::string text) { m_lines.push_back({Kind::heading, {std::move(text)}}); }
     void addRow(std::vector<std::string> cells) { m_lines.push_back({Kind::row, std::move(cells)}); }
+    /** With --plain the titles and rows as cells with tabs between them, without headings. */
     std::string render(const Style& style) const;
 
 private:
@@ -57,6 +63,7 @@ struct Report {
     nlohmann::ordered_json document;
     std::string text;
     std::vector<std::string> problems;
+    std::vector<std::string> notes{}; /**< how the answer came about; shown with -v */
     ExitCode exitCode = exitDone;
     bool isPrinted = false; /**< the command has printed as it went: only the problems are left */
 };
@@ -69,8 +76,8 @@ std::string documentText(const Report& report, const std::string& command, int i
 /** Writes to the standard output, at once. False when it does not take the text; errno tells why. */
 bool writeOut(const std::string& text);
 
-/** Prints the report of `command`; returns the exit code of the program. */
-int print(const Report& report, const std::string& command, bool json);
+/** Prints the report of `command` as the options say; returns the exit code of the program. */
+int print(const Report& report, const std::string& command, const Options& options);
 
 /** Writes a file anew; throws Failure. */
 void writeFile(const std::string& file, const std::string& content);

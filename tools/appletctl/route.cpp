@@ -131,13 +131,13 @@ nlohmann::ordered_json asJson(const RouteState& state) {
 
 } // namespace
 
-Report showRoutes(const Options& options, const Words& assignments) {
-    Instance instance(options);
-    const ParameterList parameters(instance);
+Report showRoutes(Context& context, const Words& assignments) {
+    Instance& instance = context.instance();
+    const ParameterList& parameters = context.parameters();
     Report report = carryOut(instance, parameters, assignments);
     if (report.exitCode != exitDone) return report;
     std::optional<Instance> scratch; // none offline: there is no board to compare with
-    if (!options.offline) logWrites(scratch.emplace(options));
+    if (!context.options().offline) logWrites(scratch.emplace(context.options()));
 
     auto& rows = report.document["routes"] = nlohmann::ordered_json::array();
     Table table;

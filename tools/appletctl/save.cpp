@@ -15,10 +15,10 @@ std::string whyNotSaved(const std::string& file, int code) {
 
 } // namespace
 
-Report saveConfiguration(const Options& options, const Words& words) {
-    requireBoard(options, "save");
+Report saveConfiguration(Context& context, const Words& words) {
+    requireBoard(context.options(), "save");
     const std::string& file = fileOf(words);
-    Work work(options, behindFirst(words));
+    Work work(context, behindFirst(words));
     if (work.isRefused()) return work.report;
     work.report.document["file"] = toUtf8(file.c_str());
     const int code = work.instance.applet().Fg_saveConfig(work.instance.fg(), file.c_str());
@@ -35,14 +35,15 @@ Report saveConfiguration(const Options& options, const Words& words) {
                     " of " + numberText(expected) + " values; see whether the disk is full");
         return work.report;
     }
-    FileKeys keys(options);
+    FileKeys keys(context.options());
     work.report.text += shownFile(file) + ": " + numberText(expected) + " values written\n";
     work.report.document["values"] = expected;
     const std::size_t changed = addDifferences(work.report, {"DEFAULT", "default", &keys.defaults()},
                                                {"SAVED", "saved", &saved}, work.parameters, keys);
     if (changed == 0) work.report.text += "All of them are defaults.\n";
-    Work fresh(options, {});
-    const std::vector<Finding> findings = loadAndCompare(fresh, keys, file, options, {});
+    Context other(context.options());
+    Work fresh(other, {});
+    const std::vector<Finding> findings = loadAndCompare(fresh, keys, file, context.options(), {});
     if (std::any_of(findings.begin(), findings.end(), [](const Finding& finding) { return finding.isLoss; }))
         work.refuse(shownFile(file) + " is complete, but a load does not restore all of it:");
     addFindings(work, findings);

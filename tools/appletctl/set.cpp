@@ -3,16 +3,16 @@
 
 namespace appletctl {
 
-Report setParameters(const Options& options, const Words& assignments) {
-    Instance instance(options);
-    return carryOut(instance, ParameterList(instance), assignments);
+Report setParameters(Context& context, const Words& assignments) {
+    Instance& instance = context.instance();
+    return carryOut(instance, context.parameters(), assignments);
 }
 
-Report traceSet(const Options& options, const Words& assignments) {
-    requireBoard(options, "trace set");
-    Instance instance(options);
+Report traceSet(Context& context, const Words& assignments) {
+    requireBoard(context.options(), "trace set");
+    Instance& instance = context.instance();
     logWrites(instance);
-    return carryOut(instance, ParameterList(instance), assignments, [&] { return takeWrites(instance); });
+    return carryOut(instance, context.parameters(), assignments, [&] { return takeWrites(instance); });
 }
 
 } // namespace appletctl

@@ -24,33 +24,6 @@ template <typename T> constexpr FgParamTypes tagOf() {
     return FG_PARAM_DOUBLE;
 }
 
-/** A value of the native type of the target's kind. */
-Value emptyValue(const Target& target) {
-    if (target.elements) return Elements(target.elements->count());
-    const Parameter& parameter = *target.parameter;
-    switch (parameter.kind()) {
-    case REGISTER_KIND_ENUM:
-    case REGISTER_KIND_INT:
-        return std::int32_t{};
-    case REGISTER_KIND_UINT64:
-        return std::uint64_t{};
-    case REGISTER_KIND_INT64:
-        return std::int64_t{};
-    case REGISTER_KIND_DOUBLE:
-        return double{};
-    case REGISTER_KIND_STRING:
-        return std::string{};
-    case REGISTER_KIND_UINT_FIELD:
-    case REGISTER_KIND_INT_FIELD:
-    case REGISTER_KIND_UINT64_FIELD:
-    case REGISTER_KIND_INT64_FIELD:
-    case REGISTER_KIND_DOUBLE_FIELD:
-        return WholeArray{elementCount(parameter)};
-    default:
-        return std::uint32_t{};
-    }
-}
-
 int readText(Instance& instance, int id, std::string& text) {
     const auto& applet = instance.applet();
     char* allocated = nullptr;
@@ -130,6 +103,32 @@ std::string elementsText(const Elements& elements) {
 }
 
 } // namespace
+
+Value emptyValue(const Target& target) {
+    if (target.elements) return Elements(target.elements->count());
+    const Parameter& parameter = *target.parameter;
+    switch (parameter.kind()) {
+    case REGISTER_KIND_ENUM:
+    case REGISTER_KIND_INT:
+        return std::int32_t{};
+    case REGISTER_KIND_UINT64:
+        return std::uint64_t{};
+    case REGISTER_KIND_INT64:
+        return std::int64_t{};
+    case REGISTER_KIND_DOUBLE:
+        return double{};
+    case REGISTER_KIND_STRING:
+        return std::string{};
+    case REGISTER_KIND_UINT_FIELD:
+    case REGISTER_KIND_INT_FIELD:
+    case REGISTER_KIND_UINT64_FIELD:
+    case REGISTER_KIND_INT64_FIELD:
+    case REGISTER_KIND_DOUBLE_FIELD:
+        return WholeArray{elementCount(parameter)};
+    default:
+        return std::uint32_t{};
+    }
+}
 
 Reading readValue(Instance& instance, const Target& target) {
     Reading reading{.value = emptyValue(target)};

@@ -35,6 +35,9 @@ struct Reading {
     Value value;
 };
 
+/** A value of the native type of the target's kind: zeros, or as many as there are elements. */
+Value emptyValue(const Target& target);
+
 Reading readValue(Instance& instance, const Target& target);
 
 /** The value. Throws Failure when the applet does not give it. */

@@ -183,24 +183,24 @@ private:
 
 } // namespace
 
-Report watchParameters(const Options& options, const Words& names) {
+Report watchParameters(Context& context, const Words& names) {
     catchSignals();
-    Instance instance(options);
-    const ParameterList parameters(instance);
+    Instance& instance = context.instance();
+    const ParameterList& parameters = context.parameters();
     Round round{};
     for (const Target& target : findTargets(parameters, names))
         round.watched.push_back({.target = target, .reading = {}, .minimum = {}, .maximum = {}});
 
-    const bool isRedrawn = !options.json && isCapableTerminal(STDOUT_FILENO);
+    const bool isRedrawn = !context.options().json && isCapableTerminal(STDOUT_FILENO);
     Screen screen;
     const auto shown = [&] {
-        if (options.json) return asDocument(round);
+        if (context.options().json) return asDocument(round);
         return isRedrawn ? screen.redraw(asTable(round)) : asLine(round);
     };
 
     Report report;
     report.isPrinted = true;
-    const std::chrono::milliseconds interval(options.watchInterval);
+    const std::chrono::milliseconds interval(context.options().watchInterval);
     const Clock::time_point start = Clock::now();
     Clock::time_point due = start;
     do {
@@ -215,7 +215,7 @@ Report watchParameters(const Options& options, const Words& names) {
             return report;
         }
         due = std::max(due + interval, Clock::now());
-    } while (round.number != options.watchCount && waitUntil(due));
+    } while (round.number != context.options().watchCount && waitUntil(due));
     return report;
 }
 

@@ -20,20 +20,20 @@ std::string documentOf(Instance& instance) {
 
 } // namespace
 
-Report showXml(const Options& options, const Words&) {
-    if (options.xmlFile.has_value() && options.xmlFile->empty())
+Report showXml(Context& context, const Words&) {
+    if (context.options().xmlFile.has_value() && context.options().xmlFile->empty())
         throw UsageError("the name of the file is empty");
-    Instance instance(options);
+    Instance& instance = context.instance();
     Report report;
     report.text = documentOf(instance);
-    if (!options.xmlFile.has_value()) {
+    if (!context.options().xmlFile.has_value()) {
         report.document["document"] = toUtf8(report.text.c_str());
         return report;
     }
-    writeFile(*options.xmlFile, report.text);
-    report.document["file"] = toUtf8(options.xmlFile->c_str());
+    writeFile(*context.options().xmlFile, report.text);
+    report.document["file"] = toUtf8(context.options().xmlFile->c_str());
     report.document["bytes"] = report.text.size();
-    report.text = inQuotes(toUtf8(options.xmlFile->c_str())) + " written\n";
+    report.text = inQuotes(toUtf8(context.options().xmlFile->c_str())) + " written\n";
     return report;
 }
 

@@ -1,0 +1,31 @@
+/** The state of a live applet, as a scratch board starts from it. */
+#ifndef APPLETCTL_SEED_H
+#define APPLETCTL_SEED_H
+
+#include "appletctl/ParameterList.h"
+#include "appletctl/values.h"
+
+#include <nlohmann/json.hpp>
+
+namespace appletctl {
+
+using nlohmann::json;
+
+/** A value as it stands in a message: a number, a text as bytes, or an array of elements. */
+json asMessage(const Value& value);
+/** The value of a message in the native type of the target's kind. */
+Value fromMessage(const Target& target, const json& message);
+
+/** The target that a value is read and written by as a whole: all elements of an array. */
+Target wholeOf(const Parameter& parameter);
+
+/**
+ * What the live applet tells of itself: {"design": {NAME: VALUE}, "values": {NAME: VALUE}}. "design" holds the
+ * answers of the design, such as the widths of its memory, its formats and debug points; null where they cannot
+ * be had, as offline. What a read would change is left out.
+ */
+json seedOf(Instance& instance, const ParameterList& parameters);
+
+} // namespace appletctl
+
+#endif

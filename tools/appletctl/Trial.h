@@ -1,0 +1,52 @@
+/** A scratch board at work, in its own process. */
+#ifndef APPLETCTL_TRIAL_H
+#define APPLETCTL_TRIAL_H
+
+#include "appletctl/Seed.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace appletctl {
+
+/** A virtual board with the same applet, in the state of a live one. Anything may be set on it; the setters
+ *  answer, and what reaches the design is logged. */
+class Trial {
+public:
+    explicit Trial(const Options& options);
+
+    /** Takes over the state of a live applet (see seedOf) and goes there. */
+    void seed(json seed);
+    /** Back to the state of the seed. Parameters and targets from before are gone. */
+    void rewind();
+
+    Instance& instance() { return *m_instance; }
+    const ParameterList& parameters() const { return *m_parameters; }
+    /** The parameter as a whole, by its full name. */
+    Target target(const std::string& name) const { return wholeOf(m_parameters->find(name)); }
+    /** What differs from the live state: parameters by their names, "design" when the design's answers are those
+     *  of the virtual board. */
+    const std::vector<std::string>& assumed() const { return m_assumed; }
+
+private:
+    const std::vector<std::string>& designNames();
+    void prepareBoard(LOOMdevice* device);
+    void setValues();
+
+    Options m_options;
+    std::shared_ptr<const applet_host::AppletHost> m_host;
+    json m_seed;
+    std::optional<Instance> m_instance;
+    std::optional<ParameterList> m_parameters;
+    std::vector<std::string> m_designNames; // all that the virtual design has
+    std::vector<std::string> m_assumed;
+};
+
+/** Something that a scratch board is asked to find out, from the state of its seed. */
+using Job = json (*)(Trial& trial, const json& arguments);
+
+} // namespace appletctl
+
+#endif

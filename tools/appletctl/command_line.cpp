@@ -1,0 +1,183 @@
+#include "appletctl/command_line.h"
+
+#include "appletctl/text.h"
+
+#include <algorithm>
+#include <limits>
+#include <sstream>
+#include <string_view>
+
+namespace appletctl {
+namespace {
+
+constexpr CommandGroup traceGroup = {"trace", "Show what a command does to the design"};
+constexpr CommandGroup lutGroup = {"lut", "Show, draw, save and load the lookup table"};
+
+void addLutChannel(CLI::App& command, Options& options) {
+    command.add_option("--channel", options.lutChannel, "Channel to draw: red, green, blue or all")
+        ->check(CLI::IsMember({"red", "green", "blue", "all"}));
+}
+
+void addXmlFile(CLI::App& command, Options& options) {
+    command.add_option("--out", options.xmlFile, "File to write instead of the standard output")
+        ->type_name("FILE");
+}
+
+void addWatchOptions(CLI::App& command, Options& options) {
+    constexpr int longestInterval = 24 * 60 * 60 * 1000;
+    command.add_option("--interval", options.watchInterval, "Milliseconds from round to round")
+        ->type_name("MS")
+        ->check(CLI::Range(1, longestInterval));
+    command.add_option("--count", options.watchCount, "Number of rounds; without it the watch has no end")
+        ->type_name("N")
+        ->check(CLI::Range(1, std::numeric_limits<int>::max()));
+}
+
+constexpr auto usesNoScratch = Context::Scratch::none;
+constexpr auto usesScratch = Context::Scratch::wanted;
+
+constexpr Command commands[] = {
+    {nullptr, "list", "Show parameters as a table: name, value, unit, access, limits or entries", "PATTERN",
+     "Part of a name, or a pattern with * ? [..]", 0, 1, listParameters},
+    {nullptr, "get", "Read parameters", "NAME", "Parameters, in any case, with or without FG_", 1, -1,
+     getParameters},
+    {nullptr, "set", "Set parameters in order; stops at the first refusal", "NAME=VALUE",
+     "Numbers decimal or 0x.., entries of enumerations by name or number", 1, -1, setParameters},
+    {nullptr, "plan", "Show what assignments would do, without doing it", "NAME=VALUE",
+     "As for the command set", 1, -1, planChanges, usesScratch},
+    {nullptr, "describe", "Show all that is known of parameters", "NAME", "Parameters", 1, -1,
+     describeParameters},
+    {nullptr, "info", "Show what the applet says of itself", nullptr, nullptr, 0, 0, showInfo},
+    {nullptr, "xml", "Show the XML document that describes the parameters", nullptr, nullptr, 0, 0, showXml,
+     usesNoScratch, addXmlFile},
+    {nullptr, "events", "Show the events of the design: names, masks, what comes with them", nullptr, nullptr,
+     0, 0, listEvents},
+    {nullptr, "watch", "Read parameters over and over; ends on Ctrl-C", "NAME", "Parameters", 1, -1,
+     watchParameters, usesNoScratch, addWatchOptions},
+    {nullptr, "route", "Show what each output, analyzer and event listens to, and what the board holds",
+     "NAME=VALUE", "Assignments to carry out before", 0, -1, showRoutes},
+    {nullptr, "save", "Save the parameters to a configuration file", "FILE",
+     "File to write, .mcf, then assignments to carry out before", 1, -1, saveConfiguration},
+    {nullptr, "load", "Load a configuration file and say what was lost of it", "FILE",
+     "File to read, then assignments to carry out before", 1, -1, loadConfiguration},
+    {nullptr, "check", "Say what a load of a configuration file would lose", "FILE", "File to read", 1, 1,
+     checkConfiguration},
+    {nullptr, "diff", "Compare a configuration file with another one, or with the parameters", "FILE",
+     "File, then another one or assignments to carry out before", 1, -1, compareConfigurations},
+    {&traceGroup, "set", "Set parameters and show what reached the design, in order", "NAME=VALUE",
+     "As for the command set", 1, -1, traceSet},
+    {&lutGroup, "show", "Show what the tables are like, and a curve", "NAME=VALUE",
+     "Assignments to carry out before", 0, -1, showLut, usesNoScratch, addLutChannel},
+    {&lutGroup, "plot", "Draw the curves of all colours as SVG", "FILE",
+     "File to write, .svg, then assignments to carry out before", 1, -1, plotLut},
+    {&lutGroup, "save", "Save the tables to a .lut file", "FILE",
+     "File to write, then assignments to carry out before", 1, -1, saveLut},
+    {&lutGroup, "load", "Load the tables from a .lut file", "FILE",
+     "File to read, then assignments to carry out before", 1, -1, loadLut},
+};
+
+constexpr const char* notes =
+    "Each run starts a fresh virtual board with the defaults; nothing is kept for the next run.\n"
+    "Access: ro read-only, rw writable, rw+ writable while an acquisition runs as well.\n"
+    "Exit codes: 0 done; 1 refused, different or something found; 2 wrong usage; 3 applet, runtime or board "
+    "not\n"
+    "to be had; 130 interrupted.";
+
+/** The command below which others stand; made when it is first asked for. */
+CLI::App* groupCommand(CLI::App& program, const CommandGroup* group) {
+    if (group == nullptr) return &program;
+    for (CLI::App* command : program.get_subcommands(nullptr))
+        if (command->get_name() == group->name) return command;
+    return program.add_subcommand(group->name, group->help)->require_subcommand(0, 1);
+}
+
+void addCommand(CLI::App& program, const Command& command, Request& request) {
+    CLI::App* added = groupCommand(program, command.group)->add_subcommand(command.name, command.help);
+    if (command.argument != nullptr) {
+        CLI::Option* words = added->add_option(command.argument, request.words, command.argumentHelp);
+        words->expected(command.fewest,
+                        command.most < 0 ? CLI::detail::expected_max_vector_size : command.most);
+        words->required(command.fewest > 0);
+    }
+    if (command.addOptions != nullptr) command.addOptions(*added, request.options);
+    added->callback([&request, &command] { request.command = &command; });
+}
+
+void addGlobalOptions(CLI::App& program, Options& options) {
+    const std::map<std::string, BoardKind> boards = {{"virtual", BoardKind::virtualBoard},
+                                                     {"system", BoardKind::system}};
+    program
+        .add_option("--board", options.board, "virtual: a fresh virtual board; system: the one of the system")
+        ->transform(CLI::Transformer(boards).description("virtual|system"))
+        ->check(CLI::IsMember({BoardKind::virtualBoard, BoardKind::system}).description(""));
+    program.add_option("--bridge", options.bridge, "Library that opens a board of the system")
+        ->type_name("FILE");
+    program.add_flag("--offline", options.offline, "Use an instance of the applet without a board");
+    program.add_option("--applet", options.applet, "Applet library to load")->type_name("FILE");
+    program.add_flag("--json", options.json, "Print one JSON document instead of text");
+    program.add_flag("--plain", options.plain, "Print tables as lines with tabs; no colour, no drawing");
+    program.add_option("--color", options.colour, "Colour: auto, always or never")
+        ->check(CLI::IsMember({"auto", "always", "never"}));
+    program.add_flag("-q,--quiet", options.quiet, "Print nothing but errors");
+    program.add_flag("-v,--verbose", options.verbose, "Say more on the error output");
+}
+
+/** The command that the user may have meant; empty if none is near. */
+std::string didYouMean(const std::string& word) {
+    for (const std::size_t distance : {0u, 1u, 2u})
+        for (const Command& command : commands)
+            if (editDistance(word, command.name) == distance)
+                return "; did you mean '" + fullName(command) + "'?";
+    return "; 'appletctl --help' lists the commands";
+}
+
+std::string whatIsWrong(const CLI::App& program, const CLI::ParseError& error) {
+    const std::vector<std::string> unknown = program.remaining(true);
+    if (program.get_subcommands().empty() && !unknown.empty() && !unknown.front().starts_with('-'))
+        return "there is no command '" + printable(unknown.front()) + "'" + didYouMean(unknown.front());
+    return printable(error.what()) + "; 'appletctl --help' shows the usage";
+}
+
+/** The outcome of a command line that asks for help or cannot be understood. */
+Report endParsing(const CLI::App& program, const CLI::ParseError& error) {
+    if (error.get_exit_code() != static_cast<int>(CLI::ExitCodes::Success))
+        return failureReport("usage", whatIsWrong(program, error), exitUsage);
+    std::ostringstream out, err;
+    program.exit(error, out, err);
+    Report report;
+    report.text = out.str();
+    report.document["text"] = report.text;
+    return report;
+}
+
+} // namespace
+
+std::span<const Command> allCommands() { return commands; }
+
+std::string fullName(const Command& command) {
+    return (command.group != nullptr ? std::string(command.group->name) + " " : "") + command.name;
+}
+
+Request parseCommandLine(const Words& words) {
+    Request request;
+    CLI::App program("Shows and sets the parameters of the applet.", "appletctl");
+    program.fallthrough();            // global options may stand behind the command as well
+    program.require_subcommand(0, 1); // a further word of that name is the command's own
+    program.footer(notes);
+    program.set_version_flag("--version", APPLETCTL_VERSION);
+    addGlobalOptions(program, request.options);
+    for (const Command& command : commands)
+        addCommand(program, command, request);
+    try {
+        program.parse(Words(words.rbegin(), words.rend()));
+        if (request.command == nullptr) throw CLI::RequiredError("A command");
+    } catch (const CLI::ParseError& error) {
+        request.command = nullptr;
+        request.outcome = endParsing(program, error);
+        // Which options were read before the error is not told.
+        request.options.json |= std::ranges::find(words, "--json") != words.end();
+    }
+    return request;
+}
+
+} // namespace appletctl

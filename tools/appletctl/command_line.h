@@ -1,0 +1,50 @@
+/** The command line: its commands and options. */
+#ifndef APPLETCTL_COMMAND_LINE_H
+#define APPLETCTL_COMMAND_LINE_H
+
+#include "appletctl/commands.h"
+
+#include <CLI/CLI.hpp>
+
+#include <span>
+#include <string>
+
+namespace appletctl {
+
+/** A command below which others stand. */
+struct CommandGroup {
+    const char* name;
+    const char* help;
+};
+
+struct Command {
+    const CommandGroup* group; // null at the top
+    const char* name;
+    const char* help;
+    const char* argument; // what its words are, or null if it takes none
+    const char* argumentHelp;
+    int fewest, most; // number of words; most -1: as many as there are
+    Report (*run)(Context&, const Words&);
+    Context::Scratch scratch = Context::Scratch::none;
+    void (*addOptions)(CLI::App& command, Options& options) = nullptr; // its own ones
+};
+
+std::span<const Command> allCommands();
+
+/** "lut show". */
+std::string fullName(const Command& command);
+
+/** What a command line asks for. */
+struct Request {
+    Options options;
+    const Command* command = nullptr; // null for help, version and wrong usage: `outcome` is all
+    Words words;
+    Report outcome;
+};
+
+/** Reads the words behind the program's name. Nothing is loaded. */
+Request parseCommandLine(const Words& words);
+
+} // namespace appletctl
+
+#endif
