@@ -62,9 +62,6 @@ private:
     Lines m_lines;
 };
 
-/** The accesses of a load, by the parameters whose setters make them. */
-using Sections = std::vector<std::pair<std::string, Lines>>;
-
 void replace(Sections& sections, const std::string& from, const std::string& to) {
     for (auto& [name, lines] : sections)
         std::ranges::replace(lines, from, to);
@@ -72,13 +69,7 @@ void replace(Sections& sections, const std::string& from, const std::string& to)
 
 /** The setters of a load of the saved state run as those of a start do. */
 Sections savedStateSections() {
-    Sections sections;
-    for (const std::string& line : dataLines("start_up_writes.txt")) {
-        if (line.starts_with("# "))
-            sections.push_back({line.substr(2), {}});
-        else
-            sections.back().second.push_back(line);
-    }
+    Sections sections = startUpSections();
     sections.erase(sections.begin()); // what a start asks the design about itself
     // A rate is saved as it reads back, with a half step; what 12 digits of it give may be the step before.
     const std::string step =

@@ -106,6 +106,17 @@ std::vector<Lines> dataRows(const std::string& file) {
     return rows;
 }
 
+Sections startUpSections() {
+    Sections sections;
+    for (const std::string& line : dataLines("start_up_writes.txt")) {
+        if (line.starts_with("# "))
+            sections.push_back({line.substr(2), {}});
+        else
+            sections.back().second.push_back(line);
+    }
+    return sections;
+}
+
 std::string written(const std::string& name, double value) {
     char digits[32];
     *std::to_chars(digits, std::end(digits), value).ptr = '\0';

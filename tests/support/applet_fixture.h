@@ -51,6 +51,11 @@ Lines fileLines(const std::string& path);
 Lines dataLines(const std::string& file);
 std::vector<Lines> dataRows(const std::string& file);
 
+/** Accesses, each with the name of what makes it. */
+using Sections = std::vector<std::pair<std::string, Lines>>;
+/** Those of a start, as start_up_writes.txt has them: what it asks the design, then one section for each setter. */
+Sections startUpSections();
+
 /** The log's line of a write to a parameter of the design's image path, "Device1_Process0_" left out. */
 template <std::integral T> std::string written(const std::string& name, T value, const char* type = "u32") {
     return "set Device1_Process0_" + name + ' ' + type + ' ' + std::to_string(value);

@@ -4,6 +4,7 @@
 
 #include "support/applet_fixture.h"
 
+#include <algorithm>
 #include <chrono>
 #include <condition_variable>
 #include <cstdlib>
@@ -17,6 +18,15 @@ namespace support {
 
 /** The code of an access that is made to fail. */
 inline constexpr int injectedCode = -4711;
+
+/** Where two logs part, in words; empty for equal ones. A test's output would cut the lines. */
+inline std::string difference(const Lines& seen, const Lines& expected) {
+    const auto [s, e] = std::ranges::mismatch(seen, expected);
+    if (s == seen.end() && e == expected.end()) return "";
+    const auto shown = [](const Lines& lines, auto at) { return at != lines.end() ? *at : "the end"; };
+    return "line " + std::to_string(s - seen.begin()) + ": " + shown(seen, s) +
+           "; expected: " + shown(expected, e);
+}
 
 /** The first words of a line of the log. */
 inline std::string firstWords(const std::string& line, int count) {
@@ -48,6 +58,22 @@ inline Lines cutAt(const Lines& faultFree, std::size_t k, int how) {
         lines.push_back(strayAccess(
             faultFree[k], how == VBOARD_ONCE ? static_cast<int>(FG_ERR_INVALID_ARGUMENT) : injectedCode));
     return lines;
+}
+
+inline bool isWriteOf(const std::string& access, const std::string& name) {
+    return access.starts_with("set ") && access.find(name) != std::string::npos;
+}
+
+/** How many of the accesses of a set are its own; behind them only published limits are refreshed, each by one read
+ * and quietly. */
+inline std::size_t ownAccesses(const Lines& faultFree) {
+    std::size_t own = faultFree.size();
+    while (own > 0 && !faultFree[own - 1].starts_with("set "))
+        --own;
+    const auto isRate = [](const std::string& access) {
+        return isWriteOf(access, "SequenceLength_ImageWidth"); // it is read back
+    };
+    return own + static_cast<std::size_t>(std::ranges::any_of(faultFree, isRate));
 }
 
 /** One thread for the life of the object. */
