@@ -1,31 +1,18 @@
 // From Std_entry to Fg_FreeGrabber: what is missing, what is refused, what is left behind.
 
 #include "support/applet_fixture.h"
+#include "support/sanitizers.h"
 #include "support/temporary_folder.h"
 
 #include <array>
 #include <cstdlib>
 #include <dlfcn.h>
 #include <filesystem>
-#include <optional>
 #include <set>
-
-#if defined(__SANITIZE_ADDRESS__)
-#include <sanitizer/lsan_interface.h>
-#endif
 
 namespace {
 
 using namespace support;
-
-/** While it lives, allocations are no leak to report. */
-#if defined(__SANITIZE_ADDRESS__)
-using ExpectedLeak = __lsan::ScopedDisabler;
-#else
-struct ExpectedLeak {
-    ExpectedLeak() {}
-};
-#endif
 
 /** Std_entry where the design is refused: the object stays behind on purpose. */
 int codeOfARefusal(const applet_host::AppletFunctions& applet, LOOMdevice* device) {
@@ -58,46 +45,6 @@ protected:
     }
 };
 
-TEST_F(BringUp, EachMissingEntryOfTheRuntimeShowsWhereItIsNeededAndNowhereElse) {
-    Lines missing = dataLines("runtime_entries.txt");
-    missing.push_back("none");
-    for (const std::string& name : missing) {
-        SCOPED_TRACE("without " + name);
-        board.hide_entry(name.c_str(), true);
-        Grabber grabber;
-        std::optional<ExpectedLeak> innerHandle;
-        if (name == "Fg_FreeGrabber") innerHandle.emplace();
-        ASSERT_EQ(grabber.bringUp().error, 0);
-        innerHandle.reset();
-        const auto expectAnswer = [&](const char* of, std::int64_t answer, std::int64_t usual,
-                                      std::int64_t without = FG_ERR_NOT_AVAILABLE) {
-            EXPECT_EQ(answer, name == of ? without : usual) << of;
-        };
-        for (const Forwarder& forwarder : forwarders()) {
-            board.answer(grabber.device, forwarder.name, 5);
-            expectAnswer(forwarder.name, forwarder.call(grabber.fg()), 5);
-        }
-        // The runtime refuses the id 0 of an unresolved name.
-        const int unresolved = name == "Fg_getParameterIdByName" ? FG_ERR_INVALID_ARGUMENT : 0;
-        expectAnswer("Fg_setParameterWithType", grabber.set(FG_WIDTH, 512u), unresolved);
-        std::uint32_t dmas = 0;
-        expectAnswer("Fg_getParameterWithType", grabber.get(FG_NR_OF_DMAS, &dmas), 0);
-        expectAnswer("Fg_getParameterInfo", applet.Fg_getParameterInfo(grabber.fg(), 0) != nullptr, 1, 0);
-        // The runtime does not take back a text that it never gave; without the function nothing is to do.
-        const int freed = applet.Fg_freeParameterStringWithType(grabber.fg(), 2000001, nullptr, 0,
-                                                                FG_PARAM_ALLOCATED_STRING);
-        expectAnswer("Fg_freeParameterStringWithType", freed, FG_ERR_INVALID_ARGUMENT, 0);
-        board.answer(grabber.device, "Fg_getStatusEx", -9);
-        board.last_error(grabber.device, -2010);
-        applet.Fg_getStatusEx(grabber.fg(), 0, 0, 0, nullptr);
-        expectAnswer("Fg_getLastErrorNumber", grabber.lastError(),
-                     name == "Fg_getStatusEx" ? FG_ERR_NOT_AVAILABLE : -2010);
-        board.answer(grabber.device, "Fg_FreeGrabber", -77);
-        expectAnswer("Fg_FreeGrabber", grabber.free(), -77, 0);
-        board.hide_entry(name.c_str(), false);
-    }
-}
-
 TEST_F(BringUp, InitThatIsMissingOrFails) {
     const auto calling = [](const std::string& function) {
         return AppletLog::line(5,
@@ -112,9 +59,6 @@ TEST_F(BringUp, InitThatIsMissingOrFails) {
     board.hide_entry("Fg_getLastErrorNumber", true);
     expectFailure(FG_ERR_INIT, calling("Fg_InitHandle"));
     board.hide_entry("Fg_InitHandle", true);
-    expectFailure(FG_ERR_UNRESOLVED, unresolved);
-    for (const std::string& name : dataLines("runtime_entries.txt"))
-        board.hide_entry(name.c_str(), true);
     expectFailure(FG_ERR_UNRESOLVED, unresolved);
 }
 

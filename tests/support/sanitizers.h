@@ -1,4 +1,4 @@
-/** Which sanitizers the tests are built with. */
+/** Which sanitizers the tests are built with, and what they are told. */
 #ifndef TESTS_SUPPORT_SANITIZERS_H
 #define TESTS_SUPPORT_SANITIZERS_H
 
@@ -16,6 +16,19 @@ inline constexpr bool underThreadSanitizer = __has_feature(thread_sanitizer);
 inline constexpr bool underAddressSanitizer = true;
 #else
 inline constexpr bool underAddressSanitizer = __has_feature(address_sanitizer);
+#endif
+
+#ifdef __SANITIZE_ADDRESS__
+#include <sanitizer/lsan_interface.h>
+#endif
+
+/** While it lives, allocations are no leak to report. */
+#ifdef __SANITIZE_ADDRESS__
+using ExpectedLeak = __lsan::ScopedDisabler;
+#else
+struct ExpectedLeak {
+    ExpectedLeak() {}
+};
 #endif
 
 #endif
