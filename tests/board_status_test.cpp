@@ -53,9 +53,6 @@ TEST_F(BoardStatusTest, IsReadFromTheDesignAtEachAsking) {
                 else
                     grabber.poke(name, static_cast<std::int64_t>(value));
                 EXPECT_EQ(get<decltype(value)>(row.id), value) << name;
-                grabber.fail(name, -4711);
-                EXPECT_EQ(grabber.get(row.id, &value), -4711) << name;
-                EXPECT_EQ(lastError(), -4711);
             },
             row.value);
     }
@@ -80,16 +77,12 @@ TEST_F(BoardStatusTest, TellsTheAppletAndItsDma) {
             ASSERT_EQ(board.poke_text(grabber.device, full.c_str(), told), VBOARD_OK);
             EXPECT_EQ(text(id), told);
         }
-        grabber.fail(full, -4711);
-        EXPECT_EQ(text(id), "-4711");
     }
     EXPECT_EQ(ask(FG_DMASTATUS), 0);
     EXPECT_EQ(applet.Fg_AcquireEx(grabber.fg(), 0, 1, 0, nullptr), 0);
     std::uint64_t word = 0xffffffff'ffffffff;
     EXPECT_EQ(grabber.get(FG_DMASTATUS, &word, 0, FG_PARAM_DOUBLE), 0) << "32 bits, whatever the tag";
     EXPECT_EQ(word, 0xffffffff'00000001);
-    grabber.fail("FG_DMASTATUS", -4711);
-    EXPECT_EQ(ask(FG_DMASTATUS), -4711);
 }
 
 TEST_F(BoardStatusTest, CameraWordIsComposed) {
@@ -131,12 +124,6 @@ TEST_F(BoardStatusTest, CameraWordIsComposed) {
     grabber.poke("FG_CAMSTATUS_EXTENDED", 0);
     ASSERT_EQ(set(FG_CAMERASIMULATOR_ENABLE, 1u), 0);
     EXPECT_EQ(ask(FG_CAMSTATUS), 1) << "the simulator is a pixel clock";
-    for (const std::string& name : {std::string("FG_CAMSTATUS_EXTENDED"), overflow, level}) {
-        grabber.fail(name, -4711);
-        EXPECT_EQ(ask(FG_CAMSTATUS_EXTENDED), -4711) << name;
-        EXPECT_EQ(ask(FG_CAMSTATUS), -4711) << name;
-        grabber.fail(name, 0);
-    }
 }
 
 } // namespace

@@ -113,23 +113,7 @@ TEST_F(DebugInterface, InjectionAndWatching) {
     }
 }
 
-TEST_F(DebugInterface, EveryFailureOfAPointIsOneCode) {
-    const std::pair<int, std::string> reads[] = {{FG_DEBUGINENABLE, "_OperationMode"},
-                                                 {FG_DEBUGOUTENABLE, "_OperationMode"},
-                                                 {FG_DEBUGFILE, "_DebugFile"},
-                                                 {FG_DEBUGOUTXPOS, "_XPosition"},
-                                                 {FG_DEBUGOUTYPOS, "_YPosition"},
-                                                 {FG_DEBUGOUTPIXEL, "_PixelValue"},
-                                                 {FG_DEBUGREADY, "_Inject_ReadyForInjection"}};
-    for (const auto& [id, suffix] : reads) {
-        grabber.fail(full(points[0].path + suffix), -4711);
-        char buffer[4096] = "untouched";
-        EXPECT_EQ(grabber.get(id, buffer), FG_ERR_UNRESOLVED) << id;
-        EXPECT_EQ(lastError(), FG_ERR_UNRESOLVED);
-        EXPECT_STREQ(buffer, "untouched");
-        grabber.fail(full(points[0].path + suffix), 0);
-    }
-    // A pixel's limit that cannot be told stays.
+TEST_F(DebugInterface, APixelsLimitThatCannotBeToldStays) {
     ASSERT_EQ(board.lack_parameter(full(points[2].path + "_PixelValue").c_str(), true), VBOARD_OK);
     restart([] {});
     record(FG_DEBUGOUTPIXEL)->value.u32.maximum = 7777;

@@ -26,8 +26,8 @@ struct Call {
     std::int64_t usual;
     /** Functions of the runtime, each with the result where it is missing; the first missing one decides. */
     std::vector<std::pair<std::string, std::int64_t>> needs{};
-    std::optional<int>
-        stored{}; /**< the last error, if not the result, or 0 for a result that is no failure */
+    /** The last error; of most calls it is the result, or 0 where that is no failure. */
+    std::optional<int> stored{};
     std::int64_t badHandle = FG_ERR_INVALID_HANDLE;
 
     std::int64_t resultWithout(const Missing& missing) const {
@@ -95,58 +95,53 @@ std::vector<Call> calls(const std::string& saved) {
                       get = "Fg_getParameterWithType", free = "Fg_freeParameterStringWithType",
                       info = "Fg_getParameterInfo", loaded = TEST_DATA_DIR "/saved_state.mcf";
     std::vector<Call> all;
-    const auto add = [&](const std::string& function, auto call, std::int64_t usual,
-                         decltype(Call::needs) needs = {}) -> Call& {
+    const auto add = [&](const std::string& function, std::int64_t usual, decltype(Call::needs) needs,
+                         auto call) -> Call& {
         return all.emplace_back(Call{function, call, usual, std::move(needs)});
     };
     // It reads the memory first. The runtime refuses the id 0 of a name that was not resolved.
-    add(set, [](auto* fg) { return setOf(fg, FG_SENSORWIDTH, 512); }, 0,
-        {{get, lacking}, {resolve, refused}, {set, lacking}});
-    add(set, [](auto* fg) { return setOf(fg, FG_DEBUGINENABLE, 1); }, 0,
-        {{get, unresolved}, {resolve, unresolved}, {set, unresolved}});
-    add(
-        set, [=](auto* fg) { return saveThroughRuntime(fg, saved); }, 0);
-    add(get, [](auto* fg) { return getOf(fg, FG_FILLLEVEL); }, 0, {{get, lacking}, {resolve, refused}});
-    add(get, [](auto* fg) { return getOf(fg, FG_NR_OF_DMAS); }, 0, {{get, lacking}});
-    add(
-        get, [](auto* fg) { return getOf(fg, FG_WIDTH); }, 0);
+    add(set, 0, {{get, lacking}, {resolve, refused}, {set, lacking}},
+        [](auto* fg) { return setOf(fg, FG_SENSORWIDTH, 512); });
+    add(set, 0, {{get, unresolved}, {resolve, unresolved}, {set, unresolved}},
+        [](auto* fg) { return setOf(fg, FG_DEBUGINENABLE, 1); });
+    add(set, 0, {}, [=](auto* fg) { return saveThroughRuntime(fg, saved); });
+    add(get, 0, {{get, lacking}, {resolve, refused}}, [](auto* fg) { return getOf(fg, FG_FILLLEVEL); });
+    add(get, 0, {{get, lacking}}, [](auto* fg) { return getOf(fg, FG_NR_OF_DMAS); });
+    add(get, 0, {}, [](auto* fg) { return getOf(fg, FG_WIDTH); });
     // The runtime does not take back a text that it never gave; without the function nothing is to do.
-    add(free, freeOfForeignText, refused, {{free, 0}});
-    add(
-        "Fg_saveConfig", [=](auto* fg) { return api().Fg_saveConfig(fg, saved.c_str()); }, 0);
-    add(
-        "Fg_loadConfig", [=](auto* fg) { return api().Fg_loadConfig(fg, loaded.c_str()); }, 0);
-    add("Fg_getParameterInfoXML", sizeOfDocument, 0);
-    add(
-        "Fg_getParameterId", [](auto* fg) { return api().Fg_getParameterId(fg, 0); }, FG_TIMEOUT);
-    add(
-        resolve, [](auto* fg) { return api().Fg_getParameterIdByName(fg, "FG_WIDTH"); }, FG_WIDTH);
-    add(
-        "Fg_getNrOfParameter", [](auto* fg) { return api().Fg_getNrOfParameter(fg); }, 164)
-        .stored = before;
+    add(free, refused, {{free, 0}}, freeOfForeignText);
+    add("Fg_saveConfig", 0, {}, [=](auto* fg) { return api().Fg_saveConfig(fg, saved.c_str()); });
+    add("Fg_loadConfig", 0, {}, [=](auto* fg) { return api().Fg_loadConfig(fg, loaded.c_str()); });
+    add("Fg_getParameterInfoXML", 0, {}, sizeOfDocument);
+    add("Fg_getParameterId", FG_TIMEOUT, {}, [](auto* fg) { return api().Fg_getParameterId(fg, 0); });
+    add(resolve, FG_WIDTH, {}, [](auto* fg) { return api().Fg_getParameterIdByName(fg, "FG_WIDTH"); });
     for (const auto& [name, call] : lookups)
-        add(name, call, 1).badHandle = 0;
+        add(name, 1, {}, call).badHandle = 0;
     for (const auto& [name, call] : shading)
-        add(name, call, FG_ERR_NOT_SUPPORTED);
+        add(name, FG_ERR_NOT_SUPPORTED, {}, call);
     for (const Forwarder& forwarder : forwarders())
-        add(forwarder.name, forwarder.call, answered, {{forwarder.name, lacking}});
-    Call& tree =
-        add(info, [](auto* fg) { return api().Fg_getParameterInfo(fg, 0) != nullptr; }, 1, {{info, 0}});
-    tree.stored = before;
-    tree.badHandle = 0;
-    Call& noShading = add(
-        "Fg_AllocShading", [](auto* fg) { return api().Fg_AllocShading(fg, 0, 0) != nullptr; }, 0);
-    noShading.stored = -1;
-    noShading.badHandle = 0;
-    const auto addWithoutHandle = [&](const char* function, auto call, int usual) {
-        Call& added = add(function, call, usual);
+        add(forwarder.name, answered, {{forwarder.name, lacking}}, forwarder.call);
+
+    const auto addPointer = [&](const std::string& function, std::int64_t usual, decltype(Call::needs) needs,
+                                int stored, auto call) {
+        Call& added = add(function, usual, std::move(needs), call);
+        added.stored = stored;
+        added.badHandle = 0;
+    };
+    addPointer(info, 1, {{info, 0}}, before,
+               [](auto* fg) { return api().Fg_getParameterInfo(fg, 0) != nullptr; });
+    addPointer("Fg_AllocShading", 0, {}, -1,
+               [](auto* fg) { return api().Fg_AllocShading(fg, 0, 0) != nullptr; });
+    add("Fg_getNrOfParameter", 164, {}, [](auto* fg) { return api().Fg_getNrOfParameter(fg); }).stored =
+        before;
+
+    const auto addWithoutHandle = [&](const char* function, int usual, auto call) {
+        Call& added = add(function, usual, {}, [=](auto*) { return call(); });
         added.stored = before;
         added.badHandle = usual;
     };
-    addWithoutHandle(
-        "Info", [](auto*) { return api().Info(2176, 0, 0, nullptr, nullptr); }, 1880);
-    addWithoutHandle(
-        "mkstemps", [](auto*) { return fileWithoutPlaces(); }, -1);
+    addWithoutHandle("Info", 1880, [] { return api().Info(2176, 0, 0, nullptr, nullptr); });
+    addWithoutHandle("mkstemps", -1, fileWithoutPlaces);
     return all;
 }
 
@@ -168,16 +163,32 @@ protected:
         for (const std::string& entry : missing)
             ASSERT_EQ(board.hide_entry(entry.c_str(), true), VBOARD_OK) << entry;
     }
-    void expectResult(Grabber& grabber, const Call& call, const Missing& missing) {
-        SCOPED_TRACE(call.function);
-        if (grabber.handle.object == nullptr) {
-            EXPECT_EQ(call.call(grabber.fg()), call.badHandle);
-            return;
+    void expectResults(Grabber& grabber, const Missing& missing) {
+        for (const Forwarder& forwarder : forwarders())
+            board.answer(grabber.device, forwarder.name, answered);
+        for (const Call& call : all) {
+            SCOPED_TRACE(call.function);
+            EXPECT_EQ(grabber.set(FG_WIDTH, 3u), before);
+            const std::int64_t result = call.call(grabber.fg());
+            EXPECT_EQ(result, call.resultWithout(missing));
+            EXPECT_EQ(grabber.lastError(), call.errorAfter(result));
         }
-        EXPECT_EQ(grabber.set(FG_WIDTH, 3u), before);
-        const std::int64_t result = call.call(grabber.fg());
-        EXPECT_EQ(result, call.resultWithout(missing));
-        EXPECT_EQ(grabber.lastError(), call.errorAfter(result));
+        const bool hasLastError =
+            !missing.contains("Fg_getStatusEx") && !missing.contains("Fg_getLastErrorNumber");
+        EXPECT_EQ(errorOfRuntime(grabber), hasLastError ? -2010 : FG_ERR_NOT_AVAILABLE);
+        const bool isFreed = !missing.contains("Fg_FreeGrabber");
+        const int handles = live("handles");
+        board.answer(grabber.device, "Fg_FreeGrabber", -77);
+        EXPECT_EQ(grabber.free(), isFreed ? -77 : FG_OK);
+        EXPECT_EQ(live("handles"), handles - isFreed);
+    }
+    /** Where Std_entry has failed. */
+    void expectNoObject(Grabber& grabber) {
+        EXPECT_EQ(grabber.handle.object, nullptr);
+        for (const Call& call : all)
+            EXPECT_EQ(call.call(grabber.fg()), call.badHandle) << call.function;
+        EXPECT_EQ(errorOfRuntime(grabber), FG_ERR_INVALID_HANDLE);
+        EXPECT_EQ(grabber.free(), FG_ERR_INVALID_HANDLE);
     }
     /** The last error after a failure of the runtime. */
     int errorOfRuntime(Grabber& grabber) {
@@ -188,10 +199,10 @@ protected:
     }
 
     const TemporaryFolder folder;
+    const std::vector<Call> all = calls(folder / "saved.mcf");
 };
 
 TEST_F(EntryPoints, EachMissingOneShowsWhereItIsNeededAndNowhereElse) {
-    const std::vector<Call> all = calls(folder / "saved.mcf");
     std::set<std::string> exported = {"Std_entry", "Fg_getLastErrorNumber", "Fg_FreeGrabber"};
     for (const Call& call : all)
         exported.insert(call.function);
@@ -203,7 +214,6 @@ TEST_F(EntryPoints, EachMissingOneShowsWhereItIsNeededAndNowhereElse) {
             names += ' ' + name;
         SCOPED_TRACE(names);
         hide(missing);
-        const int handles = live("handles");
         Grabber grabber;
         std::optional<ExpectedLeak> innerHandle;
         if (missing.contains("Fg_FreeGrabber")) innerHandle.emplace();
@@ -212,22 +222,10 @@ TEST_F(EntryPoints, EachMissingOneShowsWhereItIsNeededAndNowhereElse) {
         const bool starts =
             !missing.contains("Fg_InitHandle") || !missing.contains("Fg_InitHandleSlaveAware");
         EXPECT_EQ(grabber.error, starts ? FG_OK : FG_ERR_UNRESOLVED);
-        EXPECT_EQ(grabber.handle.object != nullptr, starts);
-
-        for (const Forwarder& forwarder : forwarders())
-            board.answer(grabber.device, forwarder.name, answered);
-        for (const Call& call : all)
-            expectResult(grabber, call, missing);
-        const bool hasLastError =
-            !missing.contains("Fg_getStatusEx") && !missing.contains("Fg_getLastErrorNumber");
-        EXPECT_EQ(errorOfRuntime(grabber), !starts        ? FG_ERR_INVALID_HANDLE
-                                           : hasLastError ? -2010
-                                                          : FG_ERR_NOT_AVAILABLE);
-        const bool isFreed = !missing.contains("Fg_FreeGrabber");
-        board.answer(grabber.device, "Fg_FreeGrabber", -77);
-        EXPECT_EQ(grabber.free(), !starts ? FG_ERR_INVALID_HANDLE : isFreed ? -77 : FG_OK);
-        EXPECT_EQ(live("handles"), handles + (starts && !isFreed));
-        EXPECT_EQ(grabber.handle.object, nullptr);
+        if (starts)
+            expectResults(grabber, missing);
+        else
+            expectNoObject(grabber);
     }
 }
 

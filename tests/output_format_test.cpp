@@ -194,13 +194,6 @@ TEST_F(OutputFormatTest, ADiscoveryThatFailsKeepsWhatItHasRead) {
 }
 
 TEST_F(OutputFormatTest, ABranchThatCannotBeSilenced) {
-    // The first of the design's own codes is no concern of the caller's.
-    grabber.fail(device + branch("1"), -4711);
-    const Lines failed = {trash(0, 0), trash(1, 1) + " = -4711"};
-    expectSteps({{FG_FORMAT, 2, failed, FG_ERR_UNRESOLVED},
-                 {FG_FORMAT, 5, {trash(0, 1), trash(1, 0) + " = -4711"}, FG_ERR_UNRESOLVED},
-                 {FG_BITALIGNMENT, right, failed, FG_ERR_UNRESOLVED},
-                 {FG_CUSTOM_BIT_SHIFT_RIGHT, 3, failed, FG_ERR_UNRESOLVED}});
     ASSERT_EQ(board.lack_parameter((device + branch("1")).c_str(), true), VBOARD_OK);
     restart([] {});
     expectRefused(FG_FORMAT, 6u, FG_ERR_UNRESOLVED, {trash(0, 1), "set #0 u32 1 = -2070"});

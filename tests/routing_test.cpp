@@ -111,11 +111,8 @@ TEST_F(Routing, IdsServedByTheRuntime) {
         EXPECT_EQ(grabber.get(id, &word, 1), FG_ERR_INVALID_ARGUMENT) << "before the runtime is asked";
         EXPECT_EQ(grabber.value<std::uint32_t>(id), expected);
         EXPECT_EQ(grabber.value<double>(id), expected) << "the tag goes to the runtime";
-        board.fail_access(grabber.device, 1, -2222, VBOARD_ONCE);
-        EXPECT_EQ(grabber.get(id, &word), -2222);
-        EXPECT_EQ(grabber.lastError(), -2222);
         const std::string value = std::to_string(expected);
-        EXPECT_EQ(grabber.log(), (Lines{get + " u32 " + value, get + " f64 " + value, get + " u32 = -2222"}));
+        EXPECT_EQ(grabber.log(), (Lines{get + " u32 " + value, get + " f64 " + value}));
     }
 }
 

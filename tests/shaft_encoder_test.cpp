@@ -39,10 +39,6 @@ TEST_F(ShaftEncoderTest, WritesWhatItTakes) {
         poke(count, running);
         EXPECT_EQ(get<std::uint32_t>(FG_SHAFTENCODER_COMPENSATION_COUNT), running);
     }
-    grabber.fail("Device1_Process0_" + count, -4711);
-    std::uint32_t out = 9;
-    EXPECT_EQ(grabber.get(FG_SHAFTENCODER_COMPENSATION_COUNT, &out), -4711);
-    EXPECT_EQ(set(FG_SHAFTENCODER_COMPENSATION_COUNT, 3u), -4711);
 }
 
 TEST_F(ShaftEncoderTest, DependentsFollowTheEncoderAndTheLineTrigger) {
