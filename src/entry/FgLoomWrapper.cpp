@@ -108,6 +108,14 @@ void FgLoomWrapper::initHandles(LOOMdevice* device, fpga_design* design) {
     m_private->designHandle = design;
 }
 
+int FgLoomWrapper::end(FgLoomWrapper* wrapper) {
+    // Called without an inner handle too, on purpose; and before the runtime's library is closed.
+    const auto freeGrabber = wrapper->wrapperFg().Fg_FreeGrabber;
+    const int result = freeGrabber != nullptr ? freeGrabber(wrapper->grabcoreFg()) : FG_OK;
+    delete wrapper;
+    return result;
+}
+
 LOOMdevice* FgLoomWrapper::accessDeviceHandle(LOOMdevice* device) { return exchanged(lastDevice, device); }
 
 fpga_design* FgLoomWrapper::accessDesignHandle(fpga_design* design) { return exchanged(lastDesign, design); }

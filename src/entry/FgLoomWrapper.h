@@ -69,6 +69,8 @@ public:
     int runFgInit(const char* tslName, LOOMdevice* device, fpga_design* design, int flags);
     /** From here on the object owns the design and unloads it at its end. */
     void initHandles(LOOMdevice* device, fpga_design* design);
+    /** Frees the runtime's inner grabber, then destroys the object. The runtime's result. */
+    static int end(FgLoomWrapper* wrapper);
 
     /* The board and the design of the last successful init of the process; a non-null argument replaces them.
      */

@@ -13,6 +13,14 @@ namespace {
 constexpr const char* runtimeLibrary = "libgrabcore5.so";
 constexpr int skipDefaults = 1;
 
+struct UnloadDesign {
+    void operator()(fpga_design* design) const { TslUnloadTslFile(design); }
+};
+
+struct EndGrabber {
+    void operator()(FgLoomWrapperImpl* wrapper) const { FgLoomWrapper::end(wrapper); }
+};
+
 } // namespace
 
 FgLoomWrapperImpl::FgLoomWrapperImpl(int ports, bool offline)
@@ -47,26 +55,25 @@ void* Std_entry(LOOMdevice* device, int* error, int flags) {
     result = wrapper->initializeDllFunctions(runtimeLibrary);
     if (result != FG_OK) return nullptr;
 
+    // Whatever throws from here on: a design without an owner goes before the object.
     const char* name = FgLoomWrapperImpl::tslFileName();
-    fpga_design* design = loadDesign(name);
+    std::unique_ptr<fpga_design, UnloadDesign> design(loadDesign(name));
     if (design == nullptr) {
         // By design no clean-up: the object and the opened runtime stay as they are.
         static_cast<void>(wrapper.release());
         result = FG_ERR_INIT;
         return nullptr;
     }
+    result = wrapper->runFgInit(name, device, design.get(), flags);
+    if (result != FG_OK) return nullptr;
+    wrapper->initHandles(device, design.release());
 
-    result = wrapper->runFgInit(name, device, design, flags);
-    if (result != FG_OK) {
-        TslUnloadTslFile(design);
-        return nullptr;
-    }
-    wrapper->initHandles(device, design);
-
-    wrapper->publishParameterTables();
-    wrapper->resolveDesignParameterIds();
-    wrapper->buildParameterInfo();
-    wrapper->discoverDebugInterface();
-    if ((flags & skipDefaults) == 0) wrapper->applyDefaults();
-    return static_cast<FgLoomWrapper*>(wrapper.release());
+    // The runtime's inner grabber exists now, and ends before the object does.
+    std::unique_ptr<FgLoomWrapperImpl, EndGrabber> grabber(wrapper.release());
+    grabber->publishParameterTables();
+    grabber->resolveDesignParameterIds();
+    grabber->buildParameterInfo();
+    grabber->discoverDebugInterface();
+    if ((flags & skipDefaults) == 0) grabber->applyDefaults();
+    return static_cast<FgLoomWrapper*>(grabber.release());
 }

@@ -165,10 +165,7 @@ RegisterInfo* Fg_getParameterInfo(Fg_Struct* fg, int index) {
 
 int Fg_FreeGrabber(Fg_Struct* fg) {
     return withWrapper(fg, [&](FgLoomWrapper& wrapper) {
-        // Called without an inner handle too, on purpose; and before the runtime's library is closed.
-        const auto freeGrabber = wrapper.wrapperFg().Fg_FreeGrabber;
-        const int result = freeGrabber != nullptr ? freeGrabber(wrapper.grabcoreFg()) : FG_OK;
-        delete &wrapper;
+        const int result = FgLoomWrapper::end(&wrapper);
         fg->wrapper = nullptr;
         return result;
     });
