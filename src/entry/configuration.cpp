@@ -98,9 +98,13 @@ int FgLoomWrapper::Fg_loadConfig(Fg_Struct*, const char* file) {
 
 void FgLoomWrapperImpl::saveParameters(Fg_ConfigFileParser* parser) {
     parser->writeConfigFileByPort(port);
-    // A getter that fails costs its own line only; one that leaves its place alone gives 0.
+    // A getter that fails costs its own line only; one that leaves its place alone gives 0. A lack of memory
+    // ends the save: nobody shall take the rest for a whole file.
     for (const SdkParameter& parameter : sdkParameters)
-        if (parameter.file.saved) quietly([&] { saveParameter(*parser, parameter); });
+        try {
+            if (parameter.file.saved) saveParameter(*parser, parameter);
+        } catch (int) {
+        }
 }
 
 void FgLoomWrapperImpl::saveParameter(Fg_ConfigFileParser& parser, const SdkParameter& parameter) {
