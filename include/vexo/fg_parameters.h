@@ -201,7 +201,7 @@ enum FgParameterId {
     FG_DEBUG_VERSION = 900020,   /**< Version: text, read-only */
     /* Miscellaneous / Debug / Input */
     FG_DEBUGINENABLE = 900002,   /**< Debug Input Mode: enumeration */
-    FG_DEBUGFILE = 900000,       /**< Debug File: text */
+    FG_DEBUGFILE = 900000,       /**< Debug File: text of at most 8191 characters */
     FG_DEBUGINSERT = 900003,     /**< Debug Insert Image: enumeration */
     FG_DEBUGWRITEPIXEL = 900010, /**< Debug Write Pixel: unsigned 64 bits */
     FG_DEBUGWRITEFLAG = 900011,  /**< Debug Write Flag: enumeration */

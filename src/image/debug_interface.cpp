@@ -163,7 +163,11 @@ void FgLoomWrapperImpl::set_FG_DEBUGOUTENABLE(std::uint32_t value) {
     writeDebug(operationMode, &mode, FG_PARAM_UINT32);
 }
 
-void FgLoomWrapperImpl::set_FG_DEBUGFILE(const char* path) { writeDebug(debugFile, path, FG_PARAM_TEXT); }
+void FgLoomWrapperImpl::set_FG_DEBUGFILE(const char* path) {
+    // A get takes the text from the design into a place of this size.
+    if (std::string_view(path).size() >= runtimeTextRoom) refuse(FG_ERR_OUT_OF_RANGE);
+    writeDebug(debugFile, path, FG_PARAM_TEXT);
+}
 
 void FgLoomWrapperImpl::set_FG_DEBUGINSERT(std::uint32_t value) {
     requireEntry(enumApply, value);
