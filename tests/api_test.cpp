@@ -1,4 +1,4 @@
-// The exported functions as such: bad handles, forwarding, the end of a handle, what is stored.
+// The exported functions as such: forwarding, shading, widths, temporary files.
 
 #include "support/applet_fixture.h"
 #include "support/temporary_folder.h"
@@ -26,43 +26,6 @@ protected:
                 applet.Shad_WriteActLine(fg, shading, 1)};
     }
 };
-
-TEST_F(Api, BadHandles) {
-    applet_host::GrabberHandle empty;
-    Grabber grabber(0);
-    applet_host::GrabberHandle stale = grabber.handle;
-    grabber.free();
-    int nothingOfOurs = 0;
-    applet_host::GrabberHandle foreign{&nothingOfOurs};
-    for (Fg_Struct* fg : {static_cast<Fg_Struct*>(nullptr), empty.fg(), stale.fg(), foreign.fg()}) {
-        for (const Forwarder& forwarder : forwarders())
-            EXPECT_EQ(forwarder.call(fg), FG_ERR_INVALID_HANDLE) << forwarder.name;
-        EXPECT_EQ(shadingResults(fg, nullptr), std::vector<int>(8, FG_ERR_INVALID_HANDLE));
-        std::uint64_t word = 7;
-        char text[] = "FG_WIDTH";
-        unsigned long size = sizeof text;
-        const std::vector<int> results = {
-            applet.Fg_setParameterWithType(fg, FG_WIDTH, &word, 0, FG_PARAM_UINT32),
-            applet.Fg_getParameterWithType(fg, FG_WIDTH, &word, 0, FG_PARAM_UINT64),
-            applet.Fg_freeParameterStringWithType(fg, FG_WIDTH, text, 0, FG_PARAM_ALLOCATED_STRING),
-            applet.Fg_freeParameterStringWithType(fg, FG_WIDTH, text, 0, FG_PARAM_TEXT),
-            applet.Fg_getNrOfParameter(fg),
-            applet.Fg_getParameterId(fg, 0),
-            applet.Fg_getParameterIdByName(fg, text),
-            applet.Fg_saveConfig(fg, text),
-            applet.Fg_loadConfig(fg, text),
-            applet.Fg_getParameterInfoXML(fg, 0, text, &size),
-            applet.Fg_getLastErrorNumber(fg),
-            applet.Fg_FreeGrabber(fg),
-        };
-        EXPECT_EQ(results, std::vector<int>(12, FG_ERR_INVALID_HANDLE));
-        EXPECT_EQ(word, 7u);
-        EXPECT_EQ(applet.Fg_getParameterName(fg, 0), nullptr);
-        EXPECT_EQ(applet.Fg_getParameterInfo(fg, 0), nullptr);
-        EXPECT_EQ(applet.Fg_getEventMask(fg, "FG_OVERFLOW_CAM0"), 0u);
-        EXPECT_EQ(applet.Fg_getEventName(fg, 1), nullptr);
-    }
-}
 
 TEST_F(Api, ForwardersGiveTheRuntimesResultAndStoreItsLastError) {
     Grabber grabber(0);

@@ -12,19 +12,13 @@ namespace {
 using namespace support;
 using InfoTest = AppletTest;
 
-TEST_F(InfoTest, NumbersNeedNoArgumentsAndTouchNone) {
-    constexpr int answers[][2] = {{848, 1},      {1040, 0},         {1045, 1},   {1792, 1},     {1872, 1},
-                                  {1888, 1},     {2048, 131074},    {2064, 1},   {2160, 0},     {2176, 1880},
-                                  {2192, 0},     {2560, 0},         {2816, 0},   {3072, 0},     {3328, 0},
-                                  {4608, 1},     {0, -2130},        {-1, -2130}, {1046, -2130}, {4720, -2130},
-                                  {5121, -2130}, {INT32_MAX, -2130}};
+TEST_F(InfoTest, Numbers) {
+    constexpr int answers[][2] = {{848, 1},       {1040, 0}, {1045, 1}, {1792, 1},    {1872, 1}, {1888, 1},
+                                  {2048, 131074}, {2064, 1}, {2160, 0}, {2176, 1880}, {2192, 0}, {2560, 0},
+                                  {2816, 0},      {3072, 0}, {3328, 0}, {4608, 1}};
     for (const auto& [code, answer] : answers)
-        for (const int argument : {0, 1, -1}) {
-            std::uint64_t in = 7, out = 7;
-            EXPECT_EQ(applet.Info(code, argument, argument, &in, &out), answer) << code;
-            EXPECT_EQ(in + out, 14u) << code;
+        for (const int argument : {0, 1, -1})
             EXPECT_EQ(applet.Info(code, argument, argument, nullptr, nullptr), answer) << code;
-        }
 }
 
 TEST_F(InfoTest, ProcessesAndIndices) {

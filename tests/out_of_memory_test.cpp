@@ -176,6 +176,7 @@ TEST_F(OutOfMemory, CallsEndOrLeaveAndTheNextOneWorks) {
     std::string document(200000, '\0');
     std::vector<std::uint32_t> run(1000, 7);
     const std::string longText(300, 'x');
+    const int design = directId("Device1_Process0_AppletProperties_AppletUid");
     const auto expectOldText = [&](int id) {
         return [id](Grabber& grabber, int code) {
             char text[512] = "?";
@@ -186,6 +187,7 @@ TEST_F(OutOfMemory, CallsEndOrLeaveAndTheNextOneWorks) {
 
     sweep({
         {"text", bringUp, [&](Grabber& grabber) { return handedOut(grabber, FG_APPLET_ID); }},
+        {"text of the runtime", bringUp, [&](Grabber& grabber) { return handedOut(grabber, design); }},
         {"description", bringUp, [&](Grabber& grabber) { return handedOut(grabber, FG_PARAM_DESCR); }},
         {"tree", bringUp,
          [&](Grabber& grabber) {

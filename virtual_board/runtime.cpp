@@ -99,7 +99,7 @@ int getParameterWithType(Fg_Struct* fg, int id, void* value, int dma, int type) 
         char* text = nullptr;
         std::memcpy(&text, value, sizeof text);
         const std::lock_guard lock(fg->mutex);
-        fg->texts.emplace_back(text);
+        fg->texts.push_back(std::unique_ptr<char[]>(text)); // freed if there is no room for it
         Live::add(Live::strings, 1);
     }
     return result;

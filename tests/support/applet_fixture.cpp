@@ -68,6 +68,15 @@ LOOMdevice* lastDevice() { return processWide<LOOMdevice>(4144); }
 
 fpga_design* lastDesign() { return processWide<fpga_design>(4160); }
 
+int directId(const std::string& name) {
+    Grabber grabber;
+    host().board().log_kinds(grabber.device, VBOARD_RESOLVE);
+    const std::string begin = "resolve " + name + " = ";
+    for (const std::string& line : grabber.bringUp(1).log())
+        if (line.starts_with(begin)) return FG_DIRECT_PARAMETER_BASE + std::stoi(line.substr(begin.size()));
+    throw std::runtime_error("not resolved: " + name);
+}
+
 std::vector<Register> registers() {
     fpga_design* const design = lastDesign();
     const auto nameOf = designLoader<decltype(TslGetRegisterName)>("TslGetRegisterName");

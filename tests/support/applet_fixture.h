@@ -36,6 +36,9 @@ int live(const char* what);
 LOOMdevice* lastDevice();
 fpga_design* lastDesign();
 
+/** The id under which a parameter of the design is reached directly: a bring-up resolves its name. */
+int directId(const std::string& name);
+
 /** A register as the design loader tells it; those of the last design. */
 struct Register {
     std::string name;
