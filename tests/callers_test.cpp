@@ -282,8 +282,8 @@ TEST_F(AnyId, WithEveryTagAndChannel) {
     std::set<int> ids = {lowest, -1, 0, highest};
     for (const auto& [id, parameter] : known)
         ids.insert({id - 1, id, id + 1});
-    for (const int base :
-         {FG_DIRECT_REGISTER_BASE, FG_DIRECT_PARAMETER_BASE}) // registers are not switched on
+    // Direct access to registers is off: the first is unknown.
+    for (const int base : {FG_DIRECT_REGISTER_BASE, FG_DIRECT_PARAMETER_BASE})
         ids.insert({base - 1, base, base + 1});
 
     for (const int id : ids)

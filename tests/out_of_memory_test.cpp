@@ -54,7 +54,7 @@ protected:
         return result;
     }
 
-    /** False if the call needs fewer than `k` allocations. */
+    /** Performs the call with a shortage, and once more without. False if it needs fewer than `k` allocations. */
     bool attempt(const Call& call, long k, Shortage shortage) {
         Grabber grabber;
         board.log_kinds(grabber.device, 0);
@@ -91,7 +91,7 @@ protected:
                     m_positions += struck;
                 }
             }
-        RecordProperty("positions", m_positions);
+        EXPECT_GT(m_positions, 400);
     }
 
 private:
@@ -107,7 +107,7 @@ int broughtUp(Grabber& grabber, int flags) {
     return grabber.bringUp(flags).error;
 }
 
-TEST_F(OutOfMemory, ObjectsComeUpWholeOrNotAtAll) {
+TEST_F(OutOfMemory, ObjectsComeUpOrNothingStays) {
     sweep({
         {"bring-up", nothing, [](Grabber& grabber) { return broughtUp(grabber, 0); }, {FG_ERR_UNRESOLVED}},
         {"bring-up of a slave",
