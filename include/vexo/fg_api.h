@@ -8,7 +8,9 @@
  *  - a bad handle (`fg` null, or its first word null or no object of this library) gives FG_ERR_INVALID_HANDLE;
  *  - success, as 0, or the failure's code is also stored, and read back with Fg_getLastErrorNumber;
  *  - Fg_setParameterWithType and Fg_getParameterWithType hold the object's lock for the whole call, so that
- *    accesses from several threads run one after another; no other function takes it.
+ *    accesses from several threads run one after another; no other function takes it;
+ *  - lack of memory leaves it as std::bad_alloc or as one of its codes. Nothing is left behind then, and the
+ *    next call works.
  */
 #ifndef VEXO_FG_API_H
 #define VEXO_FG_API_H
@@ -240,7 +242,7 @@ RegisterInfo* Fg_getParameterInfo(Fg_Struct* fg, int index);
  * @param size    bytes at `buffer`; after success the bytes that the document needs, its zero included. A
  *                failure leaves it alone
  * @return 0; FG_ERR_INVALID_ARGUMENT: `size` is null; FG_ERR_BUFFER: document and zero do not fit; nothing
- *         was copied; FG_ERR_NO_TRANSLATION: no such tree. Lack of memory leaves the function as std::bad_alloc.
+ *         was copied; FG_ERR_NO_TRANSLATION: no such tree.
  */
 int Fg_getParameterInfoXML(Fg_Struct* fg, int index, char* buffer, unsigned long* size);
 

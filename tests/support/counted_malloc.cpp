@@ -42,7 +42,8 @@ ScarceMemory::~ScarceMemory() { firstToFail = never; }
 
 } // namespace support
 
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) && !__has_feature(address_sanitizer) &&  \
+    !__has_feature(thread_sanitizer)
 extern "C" {
 #pragma GCC visibility push(default)
 void* __libc_malloc(size_t size);
