@@ -1,5 +1,5 @@
-// A runtime that lacks functions: none, one, two or all of them. Each exported function shows what it needs, and
-// nothing else.
+// A runtime that lacks functions: none, one, two or all of them. Each exported function shows what it needs,
+// and nothing else.
 
 #include "support/applet_fixture.h"
 #include "support/sanitizers.h"

@@ -1,5 +1,5 @@
-// Every access that a set or a get makes fails in turn, once or from then on, in every mode that changes what is
-// accessed: the code comes through, the value stays, and the same call without a fault ends as ever.
+// Every access that a set or a get makes fails in turn, once or from then on, in every mode that changes what
+// is accessed: the code comes through, the value stays, and the same call without a fault ends as ever.
 
 #include "support/applet_fixture.h"
 #include "support/faults.h"
@@ -68,8 +68,8 @@ const Mode modes[] = {
     {"last debug point", {{FG_DEBUGSOURCE, 2}}},
 };
 
-/** Values that a get shows once an access of the set was tried, or has succeeded, though a later one fails: what
- * has been applied reads back. */
+/** Values that a get shows once an access of the set was tried, or has succeeded, though a later one fails:
+ * what has been applied reads back. */
 const struct {
     int id;
     const char* access;
@@ -288,7 +288,7 @@ private:
             return {bytesOf(10000.0), bytesOf(5000.0)};
         case FG_CAMERASIMULATOR_FRAMERATE:
             return {bytesOf(10.0), bytesOf(5.0)};
-        case FG_CAMERASIMULATOR_HEIGHT: // a frame rate that is left half changed allows no more than so many lines
+        case FG_CAMERASIMULATOR_HEIGHT: // a frame rate that is left half changed allows fewer lines
             return {bytesOf(1024), bytesOf(512)};
         }
         if (p.isTable()) return {words({7, 8, 9}), words({1, 2, 3}), words({5})};

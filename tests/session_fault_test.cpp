@@ -1,5 +1,5 @@
-// A start, a save and a load are many calls in a row, of which one that fails ends itself alone: every access of
-// them fails in turn, once or from then on.
+// A start, a save and a load are many calls in a row, of which one that fails ends itself alone: every access
+// of them fails in turn, once or from then on.
 
 #include "support/applet_fixture.h"
 #include "support/faults.h"
@@ -90,9 +90,9 @@ protected:
         board.log_kinds(grabber.device, ~0u);
         grabber.fitRam().bringUp();
     }
-    /** The fault-free accesses of a row of setters, by the listing of those of a start. It has other values, and
-     * no look-ups of names: each belongs to what follows it. */
-    Calls callsOf(const Lines& faultFree, Sections sections) {
+    /** The fault-free accesses of a row of setters, by the listing of those of a start. It has other values,
+     * and no look-ups of names: each belongs to what follows it. */
+    Calls callsOf(const Lines& faultFree, const Sections& sections) {
         Calls calls;
         std::size_t at = 0;
         for (const auto& [name, accesses] : sections) {

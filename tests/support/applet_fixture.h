@@ -56,7 +56,8 @@ std::vector<Lines> dataRows(const std::string& file);
 
 /** Accesses, each with the name of what makes it. */
 using Sections = std::vector<std::pair<std::string, Lines>>;
-/** Those of a start, as start_up_writes.txt has them: what it asks the design, then one section for each setter. */
+/** Those of a start, as start_up_writes.txt has them: what it asks the design, then a section for each
+ * setter. */
 Sections startUpSections();
 
 /** The log's line of a write to a parameter of the design's image path, "Device1_Process0_" left out. */

@@ -1,4 +1,4 @@
-/** What the sweeps over failing accesses share: what the log holds then, and another thread that needs the lock. */
+/** What the sweeps over failing accesses share: what the log holds then, and a thread that needs the lock. */
 #ifndef TESTS_SUPPORT_FAULTS_H
 #define TESTS_SUPPORT_FAULTS_H
 
@@ -49,8 +49,8 @@ inline std::string strayAccess(const std::string& line, int code) {
     return failedAccess(verb + " #" + std::to_string(injectedCode) + line.substr(subject.size()), code);
 }
 
-/** A fault-free log when access k fails and the call ends there. A name that is not found does not end it: the
- * access of what has no id does, which the runtime refuses, unless all fails. */
+/** A fault-free log when access k fails and the call ends there. A name that is not found does not end it:
+ * the access of what has no id does, which the runtime refuses, unless all fails. */
 inline Lines cutAt(const Lines& faultFree, std::size_t k, int how) {
     Lines lines(faultFree.begin(), faultFree.begin() + static_cast<std::ptrdiff_t>(k));
     lines.back() = failedAccess(lines.back());
@@ -64,8 +64,8 @@ inline bool isWriteOf(const std::string& access, const std::string& name) {
     return access.starts_with("set ") && access.find(name) != std::string::npos;
 }
 
-/** How many of the accesses of a set are its own; behind them only published limits are refreshed, each by one read
- * and quietly. */
+/** How many of the accesses of a set are its own; behind them only published limits are refreshed, each by
+ * one read and quietly. */
 inline std::size_t ownAccesses(const Lines& faultFree) {
     std::size_t own = faultFree.size();
     while (own > 0 && !faultFree[own - 1].starts_with("set "))
