@@ -120,6 +120,34 @@ TEST_F(VirtualBoard, RefusesWhatCannotBe) {
     EXPECT_EQ(RUNTIME(getLastErrorNumber)(fg), FG_ERR_INVALID_ARGUMENT);
 }
 
+TEST_F(VirtualBoard, TellsAWatcherOfEachAccessBeforeItHappens) {
+    std::vector<std::size_t> sizes;
+    struct Context {
+        LOOMdevice* device;
+        std::vector<std::size_t>* sizes;
+    } context{device, &sizes};
+    const auto watch = [](void* told) {
+        const auto& [watched, seen] = *static_cast<Context*>(told);
+        seen->push_back(BOARD(vboard_log_size)(watched)); // the board is free meanwhile
+    };
+    BOARD(vboard_on_access)(device, watch, &context);
+    std::uint64_t word = 0;
+    const auto accessAll = [&] {
+        set(width, FG_PARAM_UINT32, 7u);
+        get(width, FG_PARAM_UINT64, word);
+        find<decltype(VexoRegisterWrite)>(hardware, "VexoRegisterWrite")(device, 0, 1);
+        find<decltype(VexoRegisterRead)>(hardware, "VexoRegisterRead")(device, 0, &word);
+    };
+    accessAll();
+    EXPECT_EQ(sizes, (std::vector<std::size_t>{0, 1, 2, 3})); // resolving a name is not logged
+    BOARD(vboard_on_access)(device, nullptr, nullptr);
+    accessAll();
+    BOARD(vboard_on_access)(device, watch, &context);
+    BOARD(vboard_reset)(device);
+    accessAll();
+    EXPECT_EQ(sizes.size(), 4u);
+}
+
 TEST_F(VirtualBoard, KeepsFieldsAndHandsOutTexts) {
     std::uint32_t run[] = {7, 8, 9};
     const FieldParameterAccess some{FG_PARAM_UINT32, 16381, 3, run};

@@ -85,6 +85,16 @@ void Board::putStartValues() {
 
 // The road of an access.
 
+std::unique_lock<std::mutex> Board::enter(int kind) {
+    std::unique_lock lock(m_mutex);
+    if (m_watcher.function == nullptr || (m_kinds & static_cast<unsigned>(kind)) == 0) return lock;
+    const Watcher watcher = m_watcher;
+    lock.unlock(); // the host may do what it likes
+    watcher.function(watcher.context);
+    lock.lock();
+    return lock;
+}
+
 Access Board::beginAccess(int kind, const Design& design, int id, int tag) const {
     int row = rowOfId(id);
     if (row >= 0 && !design.has(row)) row = -1;
@@ -128,7 +138,7 @@ int Board::finish(Access access, int code, const char* text) {
 }
 
 int Board::set(const Design& design, int id, const void* value, int dma, int tag) {
-    const std::lock_guard lock(m_mutex);
+    const auto lock = enter(VBOARD_SET);
     Access access = beginAccess(VBOARD_SET, design, id, tag);
     const auto type = typeOfTag(access.tag);
     const char* text = nullptr;
@@ -165,7 +175,7 @@ int Board::store(const Access& access, const void* value) {
 }
 
 int Board::get(const Design& design, int id, void* value, int dma, int tag) {
-    const std::lock_guard lock(m_mutex);
+    const auto lock = enter(VBOARD_GET);
     Access access = beginAccess(VBOARD_GET, design, id, tag);
     const char* text = nullptr;
     int code = faultOf(access);
@@ -226,7 +236,7 @@ int Board::fetchField(Access& access, void* value) {
 }
 
 int Board::resolve(const Design& design, const char* name) {
-    const std::lock_guard lock(m_mutex);
+    const auto lock = enter(VBOARD_RESOLVE);
     Access access{.kind = VBOARD_RESOLVE};
     access.id = faultOf(access);
     if (access.id == 0 && name != nullptr) {
@@ -244,7 +254,7 @@ int Board::lastError() {
 }
 
 std::int64_t Board::call(int function, const std::function<std::int64_t()>& perform) {
-    const std::lock_guard lock(m_mutex);
+    const auto lock = enter(VBOARD_CALL);
     const Access access{.kind = VBOARD_CALL, .row = static_cast<std::int16_t>(function)};
     if (const int fault = faultOf(access)) return finish(access, fault);
     const auto& forced = m_answers[place(function)];
@@ -265,7 +275,7 @@ int Board::configure(int function, vboard_config_function* AttachedApplet::*whic
 }
 
 int Board::readRegister(int id, std::uint64_t* value) {
-    const std::lock_guard lock(m_mutex);
+    const auto lock = enter(VBOARD_REGISTER_READ);
     Access access = beginRegister(VBOARD_REGISTER_READ, id);
     if (const int fault = faultOf(access)) return finish(access, fault);
     if (access.row < 0 || value == nullptr) return finish(access, FG_ERR_INVALID_ARGUMENT);
@@ -275,7 +285,7 @@ int Board::readRegister(int id, std::uint64_t* value) {
 }
 
 int Board::writeRegister(int id, std::uint64_t value) {
-    const std::lock_guard lock(m_mutex);
+    const auto lock = enter(VBOARD_REGISTER_WRITE);
     Access access = beginRegister(VBOARD_REGISTER_WRITE, id);
     access.content = Access::number;
     access.value = value;
@@ -341,6 +351,7 @@ void Board::reset() {
     putStartValues();
     m_log.clear();
     m_accessCount = m_failingAccess = 0;
+    m_watcher = {};
     m_answers.fill(std::nullopt);
     m_forcedError.reset();
     m_lastError = 0;
@@ -394,6 +405,11 @@ bool Board::failName(std::string_view name, int code) {
         return true;
     }
     return false;
+}
+
+void Board::setWatcher(const Watcher& watcher) {
+    const std::lock_guard lock(m_mutex);
+    m_watcher = watcher;
 }
 
 void Board::setAnswer(int function, std::int64_t value) {

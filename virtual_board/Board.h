@@ -28,8 +28,15 @@ struct AttachedApplet {
     vboard_config_function* load = nullptr;
 };
 
+/** Who is told of an access before it happens. */
+struct Watcher {
+    vboard_access_function* function = nullptr;
+    void* context = nullptr;
+};
+
 /**
- * Every access goes the same way: is it to fail, else do it, then log it. One mutex serves the whole board.
+ * Every access goes the same way: tell of it, is it to fail, else do it, then log it. One mutex serves the
+ * whole board.
  * Results are 0 or a code of fg_errors.h, or the one that a fault asks for.
  */
 class Board {
@@ -73,6 +80,7 @@ public:
     void failAccess(unsigned k, int code, bool fromThenOn);
     unsigned accessCount();
     bool failName(std::string_view name, int code);
+    void setWatcher(const Watcher& watcher);
     void setAnswer(int function, std::int64_t value);
     void setLastError(int code);
     void attachApplet(const AttachedApplet& applet);
@@ -96,6 +104,8 @@ private:
     void putStartValues();
     void changeAcquisition(bool running);
 
+    /** Takes the board for an access, once the host was told of it. */
+    std::unique_lock<std::mutex> enter(int kind);
     /** An access of what `id` leads to in this design; its row is -1 if that is nothing. */
     Access beginAccess(int kind, const Design& design, int id, int tag) const;
     Access beginRegister(int kind, int id) const;
@@ -129,6 +139,7 @@ private:
     unsigned m_failingAccess = 0; // 0: none
     int m_failingCode = 0;
     bool m_failFromThenOn = false;
+    Watcher m_watcher;
 
     std::array<std::optional<std::int64_t>, std::size(runtimeEntries)> m_answers;
     std::optional<int> m_forcedError;

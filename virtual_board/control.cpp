@@ -65,6 +65,10 @@ int vboard_fail_name(LOOMdevice* board, const char* name, int code) {
     return known(board != nullptr && name != nullptr && board->failName(name, code));
 }
 
+void vboard_on_access(LOOMdevice* board, vboard_access_function* function, void* context) {
+    if (board != nullptr) board->setWatcher({function, context});
+}
+
 int vboard_answer(LOOMdevice* board, const char* function, int64_t value) {
     // Only those that end in a number and have no values and texts to answer besides.
     constexpr const char* answering[] = {

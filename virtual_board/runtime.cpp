@@ -77,9 +77,8 @@ Fg_Struct* initHandle(const char*, LOOMdevice* device, fpga_design* design) {
 
 int freeGrabber(Fg_Struct* fg) {
     // Freed whatever the answer is: nobody would try again.
-    const int result = call(fg, entry("Fg_FreeGrabber"), nothing);
-    delete fg;
-    return result;
+    const std::unique_ptr<Fg_Struct> freed(fg);
+    return call(fg, entry("Fg_FreeGrabber"), nothing);
 }
 
 int getLastErrorNumber(Fg_Struct* fg) { return fg != nullptr ? fg->board.lastError() : initError.load(); }

@@ -28,8 +28,8 @@ enum { VBOARD_OK = 0, VBOARD_UNKNOWN = -1, VBOARD_TOO_SMALL = -2 };
 LOOMdevice* vboard_open(void);
 /** Releases a board; it is gone when the last handle of it is freed too. A null board does nothing. */
 void vboard_close(LOOMdevice* board);
-/** Puts start values back, clears the log, forgets faults, forced answers and raised events. What is logged
- *  stays chosen. */
+/** Puts start values back, clears the log, forgets faults, forced answers, raised events and the function that
+ *  watches accesses. What is logged stays chosen. */
 void vboard_reset(LOOMdevice* board);
 
 /** How many "boards", "designs", "handles" (inner ones) or "strings" (handed out by the runtime) are alive.
@@ -92,6 +92,14 @@ void vboard_fail_access(LOOMdevice* board, unsigned k, int code, int how);
 unsigned vboard_access_count(LOOMdevice* board);
 /** Every access of this parameter or register fails with `code`; 0: works again. */
 int vboard_fail_name(LOOMdevice* board, const char* name, int code);
+/** Watches the accesses of a board. */
+typedef void vboard_access_function(void* context);
+/**
+ * Calls `function` with `context` at the beginning of every access that is logged, in the thread that makes it;
+ * null: nobody watches. Nothing of the board is held meanwhile: the function may come back to the board, wait
+ * for another thread, or never return because its thread ends there. The access has not happened then.
+ */
+void vboard_on_access(LOOMdevice* board, vboard_access_function* function, void* context);
 /** From now on these functions of the runtime answer `value` and do nothing (Fg_FreeGrabber frees all the
  *  same): Fg_getAppletId, Fg_AcquireEx, Fg_stopAcquireEx, Fg_getStatusEx, Fg_getLastPicNumberEx,
  *  Fg_getLastPicNumberBlockingEx, Fg_saveConfig, Fg_loadConfig, Fg_FreeGrabber. */

@@ -80,6 +80,7 @@ constexpr Binding boardBindings[] = {
     BIND_BOARD(fail_access),
     BIND_BOARD(access_count),
     BIND_BOARD(fail_name),
+    BIND_BOARD(on_access),
     BIND_BOARD(answer),
     BIND_BOARD(last_error),
     BIND_BOARD(attach_applet),

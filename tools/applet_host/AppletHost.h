@@ -78,6 +78,7 @@ struct BoardFunctions {
     decltype(&::vboard_fail_access) fail_access;
     decltype(&::vboard_access_count) access_count;
     decltype(&::vboard_fail_name) fail_name;
+    decltype(&::vboard_on_access) on_access;
     decltype(&::vboard_answer) answer;
     decltype(&::vboard_last_error) last_error;
     decltype(&::vboard_attach_applet) attach_applet;
