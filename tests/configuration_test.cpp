@@ -100,17 +100,6 @@ std::string designState(const Grabber& grabber) {
     return all;
 }
 
-int set(Grabber& grabber, const std::string& name, const std::string& value) {
-    const auto& applet = host().applet();
-    const int id = applet.Fg_getParameterIdByName(grabber.fg(), name.c_str());
-    if (value.starts_with('\'')) {
-        const std::string text = value.substr(1, value.size() - 2);
-        return applet.Fg_setParameterWithType(grabber.fg(), id, text.c_str(), 0, FG_PARAM_TEXT);
-    }
-    if (value.find('.') != value.npos) return grabber.set(id, std::stod(value));
-    return grabber.set(id, static_cast<std::uint32_t>(std::stol(value)));
-}
-
 class ConfigurationTest : public AppletTest {
 protected:
     /** A handle on a board as start_up_writes.txt has it. */
@@ -154,10 +143,10 @@ TEST_F(ConfigurationTest, StartIsSavedToTheByte) {
         EXPECT_EQ(fileBytes(folder / name), expected);
     }
     // This setter comes back to the applet through the runtime, inside its own call, and hides the result.
-    expectCode(grabber, set(grabber, "FG_DEBUGSAVECONFIG", "'" + (folder / "nested.mcf") + "'"), FG_OK,
+    expectCode(grabber, grabber.setByName("FG_DEBUGSAVECONFIG", "'" + (folder / "nested.mcf") + "'"), FG_OK,
                FG_OK);
     EXPECT_EQ(fileBytes(folder / "nested.mcf"), expected);
-    expectCode(grabber, set(grabber, "FG_DEBUGSAVECONFIG", "'" + (folder / "none/a.mcf") + "'"), FG_OK,
+    expectCode(grabber, grabber.setByName("FG_DEBUGSAVECONFIG", "'" + (folder / "none/a.mcf") + "'"), FG_OK,
                FG_OK);
 }
 
@@ -246,7 +235,7 @@ TEST_F(ConfigurationTest, WhatSettersTookComesBack) {
         for (int i = 0; i < 150; ++i) {
             const Lines& row = settable[random() % settable.size()];
             const std::string& value = row[1 + random() % (row.size() - 1)];
-            if (set(from, row[0], value) != FG_OK) continue;
+            if (from.setByName(row[0], value) != FG_OK) continue;
             expected.set(row[0], value.ends_with(".0") ? value.substr(0, value.size() - 2) : value);
         }
         const File saved = save(from);
@@ -282,8 +271,8 @@ TEST_F(ConfigurationTest, TextsAndDigitsAreCut) {
     start(grabber);
     const std::string text(3000, 'a');
     ASSERT_EQ(grabber.set(FG_SCALINGFACTOR_RED, 1.0 / 3), FG_OK);
-    ASSERT_EQ(set(grabber, "FG_LUT_CUSTOM_FILE", "'" + text + "'"), FG_OK);
-    ASSERT_EQ(set(grabber, "FG_DEBUGFILE", "'a=b'"), FG_OK);
+    ASSERT_EQ(grabber.setByName("FG_LUT_CUSTOM_FILE", "'" + text + "'"), FG_OK);
+    ASSERT_EQ(grabber.setByName("FG_DEBUGFILE", "'a=b'"), FG_OK);
     File saved = save(grabber);
     EXPECT_EQ(saved.value("FG_LUT_CUSTOM_FILE"), "'" + text.substr(0, 1023) + "'");
     load(grabber, saved.text());

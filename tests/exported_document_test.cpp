@@ -5,13 +5,11 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <atomic>
 #include <fstream>
 #include <memory>
 #include <optional>
 #include <set>
 #include <sstream>
-#include <thread>
 
 #ifdef HAVE_LIBXML2
 #include <libxml/parser.h>
@@ -158,26 +156,6 @@ TEST_F(ExportedDocument, ShowsTheLimitsAndTheAccessOfTheMoment) {
     EXPECT_THAT(document, HasSubstr("<IntReg Name=\"FG_LINETRIGGERINSRC_Reg\">\n<Address>8112</Address>\n"
                                     "<Length>4</Length>\n<AccessMode>RO</AccessMode>"));
     EXPECT_THAT(documentData(), HasSubstr("<Address>8112</Address>\n<Length>4</Length>\n<AccessMode>RW<"));
-}
-
-TEST_F(ExportedDocument, IsWholeWhileParametersAreSet) {
-    std::atomic<bool> stop{false};
-    std::thread setter([&] {
-        for (unsigned i = 0; !stop; ++i)
-            grabber.set(FG_LINEPERIODE, 100.0 + i % 2);
-    });
-    std::set<std::string> documents;
-    std::string place(200000, '\0');
-    for (int i = 0; i < 50; ++i) {
-        unsigned long size = place.size();
-        EXPECT_EQ(applet.Fg_getParameterInfoXML(grabber.fg(), 0, place.data(), &size), 0);
-        documents.insert(place.substr(0, size - 1));
-    }
-    stop = true;
-    setter.join();
-    for (const std::string& document : documents)
-        expectReadable(document);
-    EXPECT_LE(documents.size(), 5u); // two maxima with two values each, and those of the start
 }
 
 TEST_F(ExportedDocument, OfAnInstanceWithoutABoard) {

@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
 #include <dlfcn.h>
@@ -106,11 +107,54 @@ void dispatcherShutsDown() {
     EXPECT_NE(dlopen(dispatcherPath, RTLD_NOW | RTLD_NOLOAD), nullptr); // stays open
 }
 
+void dispatcherShutsDownWhileOthersLog() {
+    constexpr int threads = 4;
+    constexpr std::size_t lines = 1000;
+    setenv("NORVANE_FG_SDK_DIR", TEST_SDK_DIR, 1);
+    const Dispatcher dispatcher;
+    Recording& recording = dispatcher.recording;
+    const auto lineCount = [&] {
+        const std::lock_guard guard(recording.mutex);
+        return recording.calls.size() - 1; // the first is the init
+    };
+    recording.loggers = {{"a", {7, 4}}};
+    LibraryInitController::init();
+    Logging::instance();
+
+    std::atomic<bool> isOver{false};
+    std::vector<std::thread> running;
+    for (int i = 0; i < threads; ++i)
+        running.emplace_back([&] {
+            while (!isOver) {
+                Logger* logger = Logging::instance()->getLogger("a");
+                if (logger->isEnabled(5)) logger->log(5, "a line", 0, 0);
+            }
+        });
+    running.emplace_back([&] {
+        for (std::uint32_t level = 4; !isOver; level = 10 - level)
+            recording.level(7, level);
+    });
+    while (lineCount() < lines)
+        std::this_thread::yield();
+    recording.shutdown();
+    isOver = true;
+    for (std::thread& thread : running)
+        thread.join();
+    EXPECT_EQ(std::count(recording.calls.begin() + 1, recording.calls.end(), "7/5/a line/0/0"),
+              static_cast<std::ptrdiff_t>(lineCount()));
+
+    const std::size_t logged = lineCount();
+    Logging::instance()->getLogger("a")->log(6, "too late", 0, 0);
+    LibraryInitController::deinit();
+    EXPECT_EQ(lineCount(), logged); // and no fini
+}
+
 const std::map<std::string, void (*)()> scenarios = {
     {"environment", &directoryFromTheEnvironment},
     {"file", &directoryFromTheFile},
     {"off", &loggingIsOffWithoutDispatcher},
     {"shutdown", &dispatcherShutsDown},
+    {"busy shutdown", &dispatcherShutsDownWhileOthersLog},
 };
 
 /** Runs a scenario in a process whose file seems to lie at `file`, without the environment variable. */
@@ -132,6 +176,7 @@ TEST(FreshProcess, BehavesByItsPlaceAndEnvironment) {
     EXPECT_EQ(runScenario(TEST_SDK_DIR "/none/lib/y.so", "off"), 0);
     EXPECT_EQ(runScenario("/tmp/y.so", "off"), 0);
     EXPECT_EQ(runScenario("/tmp/y.so", "shutdown"), 0);
+    EXPECT_EQ(runScenario("/tmp/y.so", "busy shutdown"), 0);
 }
 
 TEST(SharedLibrary, TellsWhyItIsNotThereAndClosesAtItsEnd) {

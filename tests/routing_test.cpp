@@ -4,9 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
-#include <latch>
 #include <set>
-#include <thread>
 
 namespace {
 
@@ -167,31 +165,6 @@ TEST_F(Routing, TextsBelongToTheObjectUntilFreedOnce) {
     // Unlike set and get, the code for an unknown DMA channel leaves the function as it was thrown.
     for (const int id : {FG_PARAM_DESCR, FG_NR_OF_DMAS})
         EXPECT_THROW(freeText(grabber, id, second, 5), int) << id;
-}
-
-TEST_F(Routing, AccessesOfOneHandleRunOneAfterAnother) {
-    Grabber grabber(0);
-    grabber.clearLog();
-    ASSERT_EQ(grabber.set(FG_WIDTH, 1024u), 0);
-    const Lines once = grabber.log();
-    ASSERT_GT(once.size(), 1u) << "writes of two calls could not mix";
-    constexpr int sets = 2000, threads = 3;
-    grabber.clearLog();
-    std::latch start(threads);
-    std::vector<std::jthread> running;
-    for (int i = 0; i < threads; ++i)
-        running.emplace_back([&] {
-            start.arrive_and_wait();
-            for (int k = 0; k < sets; ++k)
-                grabber.set(FG_WIDTH, 1024u);
-        });
-    for (int i = 0; i < sets; ++i)
-        ASSERT_EQ(grabber.value<std::uint32_t>(FG_WIDTH), 1024u);
-    running.clear();
-    Lines expected;
-    for (int i = 0; i < threads * sets; ++i)
-        expected.insert(expected.end(), once.begin(), once.end());
-    EXPECT_TRUE(grabber.log() == expected);
 }
 
 } // namespace

@@ -151,6 +151,17 @@ Grabber& Grabber::bringUp(int flags) {
 
 int Grabber::free() { return host().applet().Fg_FreeGrabber(fg()); }
 
+int Grabber::setByName(const std::string& name, const std::string& value) {
+    const auto& applet = host().applet();
+    const int id = applet.Fg_getParameterIdByName(fg(), name.c_str());
+    if (value.starts_with('\'')) {
+        const std::string text = value.substr(1, value.size() - 2);
+        return applet.Fg_setParameterWithType(fg(), id, text.c_str(), 0, FG_PARAM_TEXT);
+    }
+    if (value.find('.') != value.npos) return set(id, std::stod(value));
+    return set(id, static_cast<std::uint32_t>(std::stol(value)));
+}
+
 Lines Grabber::log() const {
     const auto& board = host().board();
     Lines lines(board.log_size(device));

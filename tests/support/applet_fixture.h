@@ -91,6 +91,8 @@ public:
     template <typename T> int set(int id, T value, int dma = 0, int tag = tagOf<T>()) {
         return host().applet().Fg_setParameterWithType(fg(), id, &value, dma, tag);
     }
+    /** Sets a parameter to a value as settable_values.txt has it. */
+    int setByName(const std::string& name, const std::string& value);
     int get(int id, void* value, int dma = 0, int tag = FG_PARAM_UINT32) {
         return host().applet().Fg_getParameterWithType(fg(), id, value, dma, tag);
     }

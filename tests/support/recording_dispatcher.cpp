@@ -19,6 +19,7 @@ void getLogger(const char* name, std::uint64_t* handle, std::uint32_t* level) {
 }
 
 void log(std::uint64_t handle, std::uint32_t level, const char* text, std::uint32_t a, std::uint64_t b) {
+    const std::lock_guard guard(recording.mutex);
     recording.calls.push_back(std::to_string(handle) + '/' + std::to_string(level) + '/' + text + '/' +
                               std::to_string(a) + '/' + std::to_string(b));
 }

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <mutex>
 #include <string>
 #include <utility>
 #include <vector>
@@ -16,6 +17,7 @@ struct Recording {
     std::function<void()> onInit;                                           // before the functions are stored
     std::function<void()> onFini;
 
+    std::mutex mutex;               // guards `calls` while other threads log
     std::vector<std::string> calls; // init, fini and the lines
     std::string ownSymbol;          // who answered to a name that program and dispatcher both export
     LoggingShutdownCallback* shutdown = nullptr;

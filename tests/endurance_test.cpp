@@ -1,0 +1,257 @@
+// What a process still holds after thousands of rounds, and what several copies of the library share.
+//
+// The library is loaded and unloaded here, so that each test has a host of its own.
+
+#include "support/applet_fixture.h"
+#include "support/sanitizers.h"
+#include "support/temporary_folder.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <dlfcn.h>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <numeric>
+#include <optional>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+#if defined(__SANITIZE_ADDRESS__)
+#include <sanitizer/lsan_interface.h>
+#endif
+
+namespace {
+
+using namespace support;
+using applet_host::AppletHost;
+using applet_host::Locations;
+using applet_host::Session;
+namespace fs = std::filesystem;
+
+constexpr const char* appletName = "libGrab_TwinLaneLineColor.so";
+constexpr const char* dispatcherName = "libcommon-logging-dispatcher.so";
+constexpr const char* boardNames[] = {"libvexo_hw.so", "libtslrt.so", "libgrabcore5.so"};
+constexpr bool sanitized = underAddressSanitizer || underThreadSanitizer;
+
+/** What the system lends a process. */
+struct Holdings {
+    std::ptrdiff_t descriptors, mappings;
+    bool operator==(const Holdings&) const = default;
+    friend void PrintTo(const Holdings& it, std::ostream* out) {
+        *out << it.descriptors << " descriptors, " << it.mappings << " mappings";
+    }
+};
+
+Holdings holdings() {
+    std::ifstream maps("/proc/self/maps");
+    const auto mappings = std::count(std::istreambuf_iterator<char>(maps), {}, '\n');
+    return {std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator()),
+            sanitized ? 0 : mappings}; // a sanitizer maps memory of its own
+}
+
+/** Memory of the process that is not in files, in kilobytes. */
+double residentMemory() {
+    std::ifstream statm("/proc/self/statm");
+    double all = 0, resident = 0, shared = 0;
+    statm >> all >> resident >> shared;
+    return (resident - shared) * static_cast<double>(sysconf(_SC_PAGESIZE)) / 1024;
+}
+
+/** Mean of the samples from tenth `which` of them, counted from 0. */
+double meanOfTenth(const std::vector<double>& samples, std::size_t which) {
+    const std::size_t tenth = samples.size() / 10;
+    const auto first = samples.begin() + static_cast<std::ptrdiff_t>(which * tenth);
+    return std::accumulate(first, first + static_cast<std::ptrdiff_t>(tenth), 0.0) /
+           static_cast<double>(tenth);
+}
+
+/**
+ * Rounds leave nothing behind: descriptors and mappings are as after the first ones, and the last tenth of
+ * them holds less than `kilobytes` more memory than the second, in which everything has found its place.
+ */
+template <typename Round> void expectSteady(int rounds, double kilobytes, Round round) {
+    if (sanitized) rounds /= 50;
+    constexpr int settling = 3;
+    for (int i = 0; i < settling; ++i)
+        round(i);
+    const Holdings before = holdings();
+    std::vector<double> memory(static_cast<std::size_t>(rounds)); // has its own place beforehand
+    for (int i = 0; i < rounds; ++i) {
+        round(i);
+        memory[static_cast<std::size_t>(i)] = residentMemory();
+    }
+    EXPECT_EQ(holdings(), before);
+    const double growth = meanOfTenth(memory, 9) - meanOfTenth(memory, 1);
+    testing::Test::RecordProperty("grown", std::to_string(growth));
+    EXPECT_LT(sanitized ? 0 : growth, kilobytes); // sanitizers keep what was freed
+}
+
+/** One use of an object: a refusal, so that the logging is bound too, and a value. */
+void use(Session& session) {
+    ASSERT_EQ(session.error, FG_OK);
+    const std::uint32_t value = 512;
+    const auto set = session.host.applet().Fg_setParameterWithType;
+    EXPECT_EQ(set(session.fg(), FG_CAMSTATUS, &value, 0, FG_PARAM_UINT32), FG_ERR_NOT_AVAILABLE);
+    EXPECT_EQ(set(session.fg(), FG_WIDTH, &value, 0, FG_PARAM_UINT32), FG_OK);
+}
+
+void* openGlobally(const fs::path& library) {
+    void* handle = dlopen(library.c_str(), RTLD_NOW | RTLD_GLOBAL);
+    EXPECT_NE(handle, nullptr) << dlerror();
+    return handle;
+}
+
+TEST(Endurance, OpensAndFrees) {
+    const AppletHost host;
+    expectSteady(10000, 128, [&](int round) {
+        {
+            Session session(host, round % 2);
+            use(session);
+            EXPECT_TRUE(isLoaded(dispatcherName));
+        }
+        // The last user takes the singletons along.
+        EXPECT_FALSE(isLoaded(dispatcherName));
+    });
+    for (const char* what : {"boards", "designs", "handles", "strings"})
+        EXPECT_EQ(host.board().live(what), 0) << what;
+}
+
+TEST(Endurance, LutLoads) {
+    const TemporaryFolder folder;
+    const AppletHost host;
+    Session session(host, 0);
+    host.board().log_kinds(session.device, 0); // whose log would grow
+    const auto setText = [&](int id, const std::string& text) {
+        EXPECT_EQ(host.applet().Fg_setParameterWithType(session.fg(), id, text.c_str(), 0, FG_PARAM_TEXT),
+                  FG_OK);
+    };
+    const std::string full = folder / "full.lut", part = folder / "part.lut";
+    setText(FG_LUT_SAVE_FILE, full);
+    writeFile(part,
+              "# Lut data file v1.1\n\n[red]\nnrOfElements=2;\n0,1;\n1,2;\n[green]\n0,3;\n[blue]\n0,4;\n");
+    const std::uint32_t fromFile = LUT_TYPE_CUSTOM;
+    setText(FG_LUT_CUSTOM_FILE, full);
+    EXPECT_EQ(host.applet().Fg_setParameterWithType(session.fg(), FG_LUT_TYPE, &fromFile, 0, FG_PARAM_UINT32),
+              FG_OK);
+    expectSteady(10000, 128, [&](int round) { setText(FG_LUT_CUSTOM_FILE, round % 20 == 0 ? full : part); });
+}
+
+TEST(Endurance, LoadsAndUnloads) {
+    const Locations where = Locations::beside();
+    const auto round = [&](int number) {
+        {
+            const AppletHost host(where);
+            Session session(host, number % 2);
+            use(session);
+        }
+        EXPECT_FALSE(isLoaded(appletName));
+        EXPECT_FALSE(isLoaded(dispatcherName));
+    };
+    expectSteady(1000, 512, [&](int number) {
+        round(number);
+        for (const char* library : boardNames)
+            EXPECT_FALSE(isLoaded(library)) << library;
+    });
+    std::vector<void*> kept;
+    for (const char* library : boardNames)
+        kept.push_back(openGlobally(where.virtualBoard / library));
+    expectSteady(1000, 512, round);
+    for (void* library : kept)
+        dlclose(library);
+}
+
+/** A copy of the library in an SDK folder of its own. */
+class Copy {
+public:
+    Copy(const std::string& folder) : m_where(Locations::beside()) {
+        fs::create_directories(folder + "/lib");
+        fs::create_directories(folder + "/lib64");
+        m_dispatcher = folder + "/lib64/" + dispatcherName;
+        fs::copy_file(m_where.applet.parent_path().parent_path() / "lib64" / dispatcherName, m_dispatcher);
+        fs::copy_file(m_where.applet, folder + "/lib/" + appletName);
+        m_where.applet = folder + "/lib/" + appletName;
+    }
+    void load() {
+        m_host.emplace(m_where);
+        m_global = openGlobally(m_where.applet);
+        m_session.emplace(*m_host, 0);
+        use(*m_session);
+    }
+    void unload() {
+        m_session.reset();
+        m_host.reset();
+        dlclose(m_global);
+    }
+    bool isLoaded() const { return support::isLoaded(m_where.applet.c_str()); }
+    bool isLogging() const { return support::isLoaded(m_dispatcher.c_str()); }
+    Session& session() { return *m_session; }
+    const applet_host::AppletFunctions& applet() const { return m_host->applet(); }
+    void* lastDevice() const {
+        void* device = nullptr;
+        EXPECT_EQ(applet().Info(FG_INFO_DEVICE, 0, 0, &device, nullptr), 0);
+        return device;
+    }
+    /** What answers to a handle of this or of the other copy. */
+    int answer(Session& session) const {
+        std::uint32_t width = 0;
+        return applet().Fg_getParameterWithType(session.fg(), FG_WIDTH, &width, 0, FG_PARAM_UINT32);
+    }
+
+private:
+    Locations m_where;
+    std::string m_dispatcher;
+    void* m_global = nullptr;
+    std::optional<AppletHost> m_host;
+    std::optional<Session> m_session;
+};
+
+TEST(Copies, DoNotAnswerForEachOther) {
+    const TemporaryFolder folder;
+    Copy first(folder / "first"), second(folder / "second");
+    AppletLog log(4);
+    first.load();
+    EXPECT_EQ(log.take().size(), 1u);
+    second.load();
+    EXPECT_EQ(log.take().size(), 1u);
+    EXPECT_TRUE(first.isLogging() && second.isLogging());
+    EXPECT_NE(first.applet().Std_entry, second.applet().Std_entry);
+    EXPECT_EQ(first.lastDevice(), first.session().device);
+    EXPECT_EQ(second.lastDevice(), second.session().device);
+    EXPECT_EQ(first.answer(first.session()), FG_OK);
+    EXPECT_EQ(second.answer(second.session()), FG_OK);
+    EXPECT_EQ(first.answer(second.session()), FG_ERR_INVALID_HANDLE);
+    EXPECT_EQ(second.answer(first.session()), FG_ERR_INVALID_HANDLE);
+
+    first.unload();
+    EXPECT_FALSE(first.isLoaded() || first.isLogging());
+    EXPECT_TRUE(second.isLoaded() && second.isLogging());
+    use(second.session());
+    EXPECT_EQ(log.take().size(), 1u);
+    EXPECT_EQ(second.answer(second.session()), FG_OK);
+    EXPECT_EQ(second.lastDevice(), second.session().device);
+    second.unload();
+    EXPECT_FALSE(second.isLoaded() || second.isLogging());
+}
+
+/** Leaves a handle behind and ends the process as `end` says. */
+[[noreturn]] void leaveAHandleBehind(bool unload) {
+#if defined(__SANITIZE_ADDRESS__)
+    __lsan_disable(); // what the handle holds stays on purpose
+#endif
+    auto* host = new AppletHost;
+    use(*new Session(*host, 0));
+    if (unload) delete host;
+    std::exit(0);
+}
+
+TEST(EnduranceDeathTest, AHandleLeftBehindDoesNotDisturbTheEnd) {
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    for (const bool unload : {false, true})
+        EXPECT_EXIT(leaveAHandleBehind(unload), testing::ExitedWithCode(0), "");
+}
+
+} // namespace

@@ -1,0 +1,455 @@
+// Many threads on one handle, on handles of their own and on each other's texts; threads that end inside an
+// access.
+
+#include "support/applet_fixture.h"
+#include "support/sanitizers.h"
+#include "support/temporary_folder.h"
+
+#include <algorithm>
+#include <atomic>
+#include <charconv>
+#include <chrono>
+#include <cstring>
+#include <deque>
+#include <future>
+#include <latch>
+#include <mutex>
+#include <pthread.h>
+#include <random>
+#include <set>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using namespace support;
+
+constexpr int threadCount = 8;
+// The counts that the sanitizers have time for.
+constexpr int callsOfEach = underThreadSanitizer ? 1000 : underAddressSanitizer ? 5000 : 20000;
+constexpr int opensOfEach = underThreadSanitizer ? 20 : underAddressSanitizer ? 50 : 200;
+constexpr int textsOfEach = underThreadSanitizer || underAddressSanitizer ? 500 : 5000;
+
+/** Runs `body` with each number in a thread of its own; all begin at once. */
+template <typename Body> void inThreads(int count, Body body) {
+    std::latch start(count);
+    std::vector<std::jthread> running;
+    for (int number = 0; number < count; ++number)
+        running.emplace_back([&, number] {
+            start.arrive_and_wait();
+            body(number);
+        });
+}
+
+/** A parameter with values to set, as settable_values.txt has them. */
+struct Row {
+    Row(Grabber& grabber, const Lines& words)
+        : id(host().applet().Fg_getParameterIdByName(grabber.fg(), words[0].c_str()))
+        , name(words[0])
+        , values(words.begin() + 1, words.end()) {}
+
+    /** Its present value, written as the values of the row are compared. */
+    std::string read(Grabber& grabber) const {
+        if (values[0].starts_with('\'')) {
+            char* text = nullptr;
+            EXPECT_EQ(grabber.get(id, &text, 0, FG_PARAM_ALLOCATED_STRING), FG_OK) << name;
+            const std::string copy = text;
+            EXPECT_EQ(host().applet().Fg_freeParameterStringWithType(grabber.fg(), id, text, 0,
+                                                                     FG_PARAM_ALLOCATED_STRING),
+                      FG_OK);
+            return "'" + copy + "'";
+        }
+        if (isDouble()) return written(grabber.value<double>(id));
+        return std::to_string(grabber.value<std::int32_t>(id));
+    }
+    std::string asRead(const std::string& value) const {
+        return isDouble() ? written(std::stod(value)) : value;
+    }
+
+    int id;
+    std::string name;
+    Lines values;
+
+private:
+    static std::string written(double value) {
+        char digits[400];
+        char* const end = std::to_chars(digits, std::end(digits), value, std::chars_format::fixed).ptr;
+        const std::string text(digits, end);
+        return text.find('.') != text.npos ? text : text + ".0";
+    }
+    bool isDouble() const { return values[0][0] != '\'' && values[0].find('.') != std::string::npos; }
+};
+
+const std::vector<Row>& rows() {
+    static const std::vector<Row> all = [] {
+        Grabber grabber(1);
+        std::vector<Row> made;
+        for (const Lines& words : dataRows("settable_values.txt"))
+            made.emplace_back(grabber, words);
+        return made;
+    }();
+    return all;
+}
+
+std::size_t at(const std::string& name) {
+    return static_cast<std::size_t>(std::ranges::find(rows(), name, &Row::name) - rows().begin());
+}
+
+/** A field of the tree that may be changing. */
+template <typename T> T live(const T& field) {
+    return std::atomic_ref<T>(const_cast<T&>(field)).load(std::memory_order_relaxed);
+}
+
+/** Calls `visit` with each record of a chain that is no group. */
+template <typename Visit> void walk(RegisterInfo* first, const Visit& visit) {
+    for (RegisterInfo* record = first; record != nullptr; record = record->next) {
+        if (record->kind != REGISTER_KIND_GROUP) {
+            visit(*record);
+            continue;
+        }
+        for (int i = 0; i < record->value.group.childCount; ++i)
+            walk(record->value.group.children[i], visit);
+    }
+}
+
+std::string documentOf(Grabber& grabber) {
+    std::string place(200000, '\0');
+    unsigned long size = place.size();
+    EXPECT_EQ(host().applet().Fg_getParameterInfoXML(grabber.fg(), 0, place.data(), &size), FG_OK);
+    return place.substr(0, size - 1);
+}
+
+/** A document without what sets of parameters change in it. */
+std::string frameOf(const std::string& document) {
+    std::istringstream in(document);
+    std::string frame;
+    for (std::string line; std::getline(in, line);)
+        if (!line.starts_with("<Min>") && !line.starts_with("<Max>") && !line.starts_with("<AccessMode>"))
+            frame += line + '\n';
+    return frame;
+}
+
+/** What getters, tree and design say at rest, a line for each. */
+std::string stateOf(Grabber& grabber) {
+    std::ostringstream state;
+    for (const Row& row : rows())
+        state << row.name << " = " << row.read(grabber) << '\n';
+    walk(host().applet().Fg_getParameterInfo(grabber.fg(), 0), [&](const RegisterInfo& record) {
+        state << record.name;
+        // Of this one the line trigger's mode leaves the access as another order of sets has made it.
+        if (record.id != FG_SHAFTENCODER_COMPENSATION_COUNT) state << ": access " << record.access;
+        if (record.kind == REGISTER_KIND_UINT) state << " maximum " << record.value.u32.maximum;
+        if (record.kind == REGISTER_KIND_DOUBLE) state << " maximum " << record.value.f64.maximum;
+        state << '\n';
+    });
+    for (const Lines& words : dataRows("design_parameters.txt")) {
+        std::int64_t value = 0;
+        if (host().board().peek_int(grabber.device, words[0].c_str(), &value) == VBOARD_OK)
+            state << words[0] << " is " << value << '\n';
+    }
+    return state.str();
+}
+
+/** The calls in the order in which they reach the board. Each thread numbers its own. */
+class Order {
+public:
+    explicit Order(Grabber& grabber) {
+        host().board().on_access(
+            grabber.device, [](void* order) { static_cast<Order*>(order)->note(); }, this);
+    }
+    static void begin(int thread, int call) { s_call = thread * callsOfEach + call; }
+    /** How often a call was interrupted by another one's accesses. */
+    std::size_t interruptions() {
+        std::ranges::sort(m_calls);
+        return m_calls.size() - std::set<int>(m_calls.begin(), m_calls.end()).size();
+    }
+    std::size_t calls() const { return m_calls.size(); }
+
+private:
+    void note() {
+        const std::lock_guard guard(m_mutex);
+        if (m_calls.empty() || m_calls.back() != s_call) m_calls.push_back(s_call);
+    }
+    static thread_local int s_call;
+    std::mutex m_mutex;
+    std::vector<int> m_calls;
+};
+thread_local int Order::s_call = -1;
+
+class Threads : public AppletTest {};
+
+TEST_F(Threads, SetAndGetOnOneHandleWhileTreeAndDocumentAreRead) {
+    Grabber grabber(0);
+    std::vector<std::set<std::string>> possible;
+    for (const Row& row : rows()) {
+        possible.push_back({row.read(grabber)});
+        for (const std::string& value : row.values)
+            possible.back().insert(row.asRead(value));
+    }
+    std::set<double> periods;
+    for (const std::string& period : possible[at("FG_LINEPERIODE")])
+        periods.insert(std::stod(period));
+    // Not set here: a speed mode that is refused leaves its traces on purpose.
+    const std::size_t speedMode = at("FG_CAMERASIMULATOR_SELECT_MODE");
+    const std::string frame = frameOf(documentOf(grabber));
+    const std::set<int> told = {FG_OK, FG_ERR_OUT_OF_RANGE, FG_ERR_GRANULARITY, FG_ERR_FILE_TYPE,
+                                FG_ERR_INVALID_ARGUMENT};
+    std::atomic<int> wrong{0}, taken{0};
+    Order order(grabber);
+
+    std::atomic<bool> stop{false};
+    std::thread walker([&] {
+        do {
+            walk(applet.Fg_getParameterInfo(grabber.fg(), 0), [&](const RegisterInfo& record) {
+                if (live(record.access) > 7) ++wrong;
+                // Of this one it is known what it may be: the period that some thread has set.
+                if (record.id == FG_LINETRIGGERDELAY && !periods.contains(live(record.value.f64.maximum)))
+                    ++wrong;
+            });
+        } while (!stop);
+    });
+    std::thread reader([&] {
+        do
+            if (frameOf(documentOf(grabber)) != frame) ++wrong;
+        while (!stop);
+    });
+    inThreads(threadCount, [&](int thread) {
+        std::mt19937 random(static_cast<unsigned>(thread));
+        for (int call = 0; call < callsOfEach; ++call) {
+            Order::begin(thread, call);
+            const std::size_t chosen = random() % rows().size();
+            const Row& row = rows()[chosen];
+            if (chosen == speedMode || random() % 2 == 0) {
+                if (!possible[chosen].contains(row.read(grabber))) ++wrong;
+                continue;
+            }
+            const int code = grabber.setByName(row.name, row.values[random() % row.values.size()]);
+            if (!told.contains(code)) ++wrong;
+            if (code == FG_OK) ++taken;
+        }
+    });
+    stop = true;
+    walker.join();
+    reader.join();
+    board.on_access(grabber.device, nullptr, nullptr);
+    EXPECT_EQ(wrong, 0);
+    EXPECT_GT(taken, threadCount * callsOfEach / 4);
+    EXPECT_GT(order.calls(), 1000u);
+    EXPECT_EQ(order.interruptions(), 0u);
+
+    // At rest every value is where it belongs: setting it again moves nothing.
+    const std::string state = stateOf(grabber);
+    for (const Row& row : rows())
+        grabber.setByName(row.name, row.read(grabber));
+    EXPECT_EQ(stateOf(grabber), state);
+}
+
+TEST_F(Threads, OpenAndFreeHandlesOfTheirOwn) {
+    std::atomic<int> wrong{0};
+    inThreads(threadCount, [&](int thread) {
+        for (int turn = 0; turn < opensOfEach; ++turn) {
+            Grabber grabber(turn % 2);
+            const auto timeout = static_cast<std::uint32_t>(1000 * thread + turn + 2);
+            if (grabber.error != FG_OK || grabber.set(FG_TIMEOUT, timeout) != FG_OK ||
+                grabber.set(FG_CAMSTATUS, 0u) != FG_ERR_NOT_AVAILABLE || // which is logged
+                grabber.value<std::uint32_t>(FG_TIMEOUT) != timeout || grabber.free() != FG_OK)
+                ++wrong;
+        }
+    });
+    EXPECT_EQ(wrong, 0);
+    for (const char* what : {"boards", "designs", "handles"})
+        EXPECT_EQ(support::live(what), 0) << what;
+    EXPECT_FALSE(isLoaded("libcommon-logging-dispatcher.so")); // nobody uses the library any more
+}
+
+TEST_F(Threads, TextsAreFreedByOtherThreads) {
+    Grabber grabber(0);
+    struct Text {
+        int id;
+        char* text;
+    };
+    const std::set<std::string> files = {"", "short", std::string(3000, 'x')};
+    std::mutex mutex;
+    std::deque<Text> handedOver;
+    std::atomic<int> wrong{0}, freed{0};
+    constexpr int all = threadCount / 2 * textsOfEach;
+    inThreads(threadCount + 1, [&](int thread) {
+        const int ids[] = {FG_DEBUGFILE, FG_TSL_FILE, FG_APPLET_ID, FG_LUT_CUSTOM_FILE};
+        if (thread == threadCount) {
+            for (int turn = 0; freed < all; ++turn)
+                for (const std::string& file : files)
+                    for (const int id : {FG_DEBUGFILE, FG_LUT_CUSTOM_FILE})
+                        applet.Fg_setParameterWithType(grabber.fg(), id, file.c_str(), 0, FG_PARAM_TEXT);
+            return;
+        }
+        if (thread % 2 == 0) {
+            for (int turn = 0; turn < textsOfEach; ++turn) {
+                Text text{ids[turn % 4], nullptr};
+                if (grabber.get(text.id, &text.text, 0, FG_PARAM_ALLOCATED_STRING) != FG_OK) ++wrong;
+                const std::lock_guard guard(mutex);
+                handedOver.push_back(text);
+            }
+            return;
+        }
+        while (freed < all) {
+            Text text{};
+            {
+                const std::lock_guard guard(mutex);
+                if (!handedOver.empty()) {
+                    text = handedOver.front();
+                    handedOver.pop_front();
+                }
+            }
+            if (text.text == nullptr) {
+                std::this_thread::yield();
+                continue;
+            }
+            const bool isFile = text.id == FG_DEBUGFILE || text.id == FG_LUT_CUSTOM_FILE;
+            if (isFile && !files.contains(text.text)) ++wrong;
+            if (applet.Fg_freeParameterStringWithType(grabber.fg(), text.id, text.text, 0,
+                                                      FG_PARAM_ALLOCATED_STRING) != FG_OK)
+                ++wrong;
+            ++freed;
+        }
+    });
+    EXPECT_EQ(wrong, 0);
+    EXPECT_EQ(support::live("strings"), 0);
+}
+
+/** Ends its thread, as a cancellation does, at an access of a board. */
+class Cancellation {
+public:
+    Cancellation(Grabber& grabber, int access) : m_grabber(grabber), m_left(access) {
+        host().board().on_access(
+            grabber.device, [](void* self) { static_cast<Cancellation*>(self)->count(); }, this);
+    }
+    ~Cancellation() { host().board().on_access(m_grabber.device, nullptr, nullptr); }
+    Cancellation(const Cancellation&) = delete;
+    Cancellation& operator=(const Cancellation&) = delete;
+
+    /** Performs `call` in a thread. True if it was cancelled. */
+    bool hits(std::function<void()> call) {
+        pthread_t thread;
+        const auto body = [](void* function) -> void* {
+            (*static_cast<std::function<void()>*>(function))();
+            return nullptr;
+        };
+        EXPECT_EQ(pthread_create(&thread, nullptr, body, &call), 0);
+        void* result = nullptr;
+        EXPECT_EQ(pthread_join(thread, &result), 0);
+        return result == PTHREAD_CANCELED;
+    }
+
+private:
+    void count() {
+        if (--m_left != 0) return;
+        pthread_cancel(pthread_self());
+        pthread_testcancel();
+    }
+    Grabber& m_grabber;
+    int m_left;
+};
+
+class CancelledThread : public Threads {
+protected:
+    /** A get of another thread, which needs the lock. */
+    static void expectFree(Grabber& grabber) {
+        auto answer = std::async(std::launch::async, [&] {
+            std::uint32_t value = 0;
+            return grabber.get(FG_TIMEOUT, &value);
+        });
+        if (answer.wait_for(std::chrono::seconds(20)) != std::future_status::ready) {
+            ADD_FAILURE() << "the lock is still held";
+            std::abort(); // the future would wait for ever
+        }
+        EXPECT_EQ(answer.get(), FG_OK);
+    }
+    /**
+     * Cancels `call` at each of its accesses in turn, always from the state that `prepare` makes; each time
+     * the same call then ends as it does undisturbed. The number of accesses.
+     */
+    template <typename Prepare, typename Call>
+    static int sweep(Grabber& grabber, Prepare prepare, Call call) {
+        prepare();
+        EXPECT_EQ(call(), FG_OK);
+        const std::string undisturbed = stateOf(grabber);
+        for (int access = 1;; ++access) {
+            SCOPED_TRACE(testing::Message() << "access " << access);
+            prepare();
+            Cancellation cancellation(grabber, access);
+            if (!cancellation.hits(call)) return access - 1;
+            expectFree(grabber);
+            EXPECT_EQ(call(), FG_OK);
+            EXPECT_EQ(stateOf(grabber), undisturbed);
+        }
+    }
+};
+
+TEST_F(CancelledThread, LeavesTheHandleToOthers) {
+    Grabber grabber(0);
+    int cancelled = 0;
+    for (const Row& row : rows()) {
+        SCOPED_TRACE(row.name);
+        const std::string before = row.read(grabber);
+        const auto restore = [&] { EXPECT_EQ(grabber.setByName(row.name, before), FG_OK); };
+        const auto value = std::ranges::find_if(
+            row.values, [&](const std::string& one) { return grabber.setByName(row.name, one) == FG_OK; });
+        ASSERT_NE(value, row.values.end());
+        cancelled += sweep(grabber, restore, [&] { return grabber.setByName(row.name, *value); });
+        restore();
+    }
+    EXPECT_GT(cancelled, static_cast<int>(rows().size()));
+}
+
+TEST_F(CancelledThread, LeavesNoTextAndNoFile) {
+    const TemporaryFolder folder;
+    const std::string file = folder / "state.mcf";
+    Grabber grabber(0);
+    std::uint32_t run[] = {1, 2, 3};
+    const std::function<int()> calls[] = {
+        [&] {
+            char* text = nullptr;
+            const int code = grabber.get(FG_APPLET_ID, &text, 0, FG_PARAM_ALLOCATED_STRING);
+            applet.Fg_freeParameterStringWithType(grabber.fg(), FG_APPLET_ID, text, 0,
+                                                  FG_PARAM_ALLOCATED_STRING);
+            return code;
+        },
+        [&] {
+            return grabber.set(FG_LUT_VALUE_RED, FieldParameterAccess{FG_PARAM_UINT32, 5, 3, run}, 0,
+                               FG_PARAM_FIELD_ACCESS);
+        },
+        [&] { return applet.Fg_saveConfig(grabber.fg(), file.c_str()); },
+        [&] { return applet.Fg_loadConfig(grabber.fg(), file.c_str()); },
+    };
+    const int lowest = dup(STDERR_FILENO);
+    close(lowest);
+    for (const auto& call : calls)
+        EXPECT_GT(sweep(
+                      grabber, [] {}, call),
+                  0);
+    const int descriptor = dup(STDERR_FILENO);
+    close(descriptor);
+    EXPECT_EQ(descriptor, lowest);
+    EXPECT_EQ(support::live("strings"), 0);
+}
+
+TEST_F(CancelledThread, LeavesNothingOfABringUp) {
+    int access = 0;
+    for (bool cancelled = true; cancelled;) {
+        SCOPED_TRACE(testing::Message() << "access " << ++access);
+        Grabber grabber;
+        board.log_kinds(grabber.device, VBOARD_SET | VBOARD_GET | VBOARD_RESOLVE);
+        {
+            Cancellation cancellation(grabber, access);
+            cancelled = cancellation.hits([&] { grabber.bringUp(); });
+        }
+        if (!cancelled) break;
+        EXPECT_EQ(support::live("designs") + support::live("handles"), 0);
+        EXPECT_EQ(grabber.bringUp().error, FG_OK);
+    }
+    EXPECT_GT(access, 138); // names are resolved, and values written
+}
+
+} // namespace
