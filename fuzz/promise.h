@@ -1,0 +1,62 @@
+/** What the fuzz targets share. */
+#ifndef FUZZ_PROMISE_H
+#define FUZZ_PROMISE_H
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
+
+namespace fuzz {
+
+/** Ends the program, so that the input is kept, unless the promise holds. */
+inline void require(bool holds, const char* promise) {
+    if (holds) return;
+    std::fprintf(stderr, "broken promise: %s\n", promise);
+    std::abort();
+}
+
+/** Fills a file, which stays open, once for each input. */
+class InputFile {
+public:
+    explicit InputFile(std::string path)
+        : m_path(std::move(path))
+        , m_descriptor(open(m_path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600)) {
+        require(m_descriptor >= 0, "there is room for the input");
+    }
+    InputFile(const InputFile&) = delete;
+    InputFile& operator=(const InputFile&) = delete;
+    ~InputFile() { close(m_descriptor); }
+
+    void fill(const void* bytes, std::size_t size) {
+        const bool isWhole = pwrite(m_descriptor, bytes, size, 0) == static_cast<ssize_t>(size) &&
+                             ftruncate(m_descriptor, static_cast<off_t>(size)) == 0;
+        require(isWhole, "the input is in its file");
+    }
+    const char* path() const { return m_path.c_str(); }
+
+private:
+    const std::string m_path;
+    const int m_descriptor;
+};
+
+/** The lines of a text, as the C library hands them out into a buffer of 256 bytes. */
+inline std::vector<std::string> linesOf(const std::uint8_t* data, std::size_t size) {
+    std::vector<std::string> lines;
+    if (size == 0) return lines;
+    std::FILE* file = fmemopen(const_cast<std::uint8_t*>(data), size, "r");
+    char line[256];
+    while (std::fgets(line, sizeof line, file) != nullptr)
+        lines.emplace_back(line);
+    std::fclose(file);
+    return lines;
+}
+
+} // namespace fuzz
+
+#endif

@@ -1,0 +1,157 @@
+// What a caller may name as a file: large files made to be slow, and paths that lead to no file, for configurations and
+// for lookup tables.
+
+#include "support/applet_fixture.h"
+#include "support/temporary_folder.h"
+
+#include <gmock/gmock.h>
+
+#include <atomic>
+#include <filesystem>
+#include <fstream>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <thread>
+#include <unistd.h>
+
+namespace {
+
+using namespace support;
+using namespace std::string_literals;
+namespace fs = std::filesystem;
+
+class FilesTest : public ParameterTest {
+protected:
+    int load(const std::string& path) { return applet.Fg_loadConfig(grabber.fg(), path.c_str()); }
+    int save(const std::string& path) { return applet.Fg_saveConfig(grabber.fg(), path.c_str()); }
+    int loadTables(const std::string& path) { return setText(FG_LUT_CUSTOM_FILE, path); }
+    int saveTables(const std::string& path) { return setText(FG_LUT_SAVE_FILE, path); }
+
+    const TemporaryFolder folder;
+};
+
+// A call that takes more than a second on average runs into the program's time limit.
+TEST_F(FilesTest, LargeFilesAreSoonRead) {
+    constexpr std::size_t size = 100000;
+    const std::string header =
+        "[Kamerasektion]\nTyp='Grab_TwinLaneLineColor';\nAktivePort=0;\nHersteller=1;\n";
+    const std::string port = header + "[Port A]\n", table = "nrOfElements=16384;\n[red][green][blue]\n";
+    const std::string path = folder / "large.mcf", sound = folder / "sound.mcf";
+    ASSERT_EQ(save(sound), FG_OK);
+    setAll({{FG_LUT_TYPE, 0}});
+    for (const std::string& front :
+         {""s, header, port, table, port + "FG_WIDTH=", port + "FG_LUT_CUSTOM_FILE='",
+          port + "FG_LINEEXPOSURE=1e308", "nrOfElements=2147483647;\n[red]\n0,"s}) {
+        for (const std::string& piece :
+             {"x"s, "\n"s, "\0"s, "9"s, "=;'"s, "id="s, "[Port A]\n"s, "[red]\n0,1;\n"s, "0,1;\n"s,
+              "16383,1,"s, "FG_TIMEOUT=1;\n"s, "FG_WIDTH\n"s, "Typ"s, "Hersteller=[Kamerasektion]\n"s}) {
+            SCOPED_TRACE(front + piece);
+            std::string text = front;
+            while (text.size() < size)
+                text += piece;
+            writeFile(path, text);
+            EXPECT_EQ(load(path), FG_ERR_LOAD_CONFIG);
+            EXPECT_EQ(loadTables(path), FG_OK);
+        }
+    }
+    EXPECT_EQ(load(sound), FG_OK);
+}
+
+TEST_F(FilesTest, PathsThatAreNoFile) {
+    const std::string fifo = folder / "fifo.mcf", directory = folder / "folder.mcf",
+                      socketPath = folder / "socket.mcf";
+    const std::string full = folder / "full.mcf", endless = folder / "zero.mcf", loop = folder / "loop.mcf";
+    const std::string otherName = folder / "state.txt", gone = folder / "gone";
+    ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+    fs::create_directory(directory);
+    fs::create_symlink("/dev/full", full);
+    fs::create_symlink("/dev/zero", endless);
+    fs::create_symlink(loop, loop);
+    fs::copy_file(TEST_DATA_DIR "/saved_state.mcf", otherName);
+    const int server = socket(AF_UNIX, SOCK_STREAM, 0);
+    sockaddr_un address{AF_UNIX, {}};
+    socketPath.copy(address.sun_path, sizeof address.sun_path - 1);
+    ASSERT_EQ(bind(server, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0) << socketPath;
+
+    constexpr int noFile = FG_ERR_FILE_TYPE, unread = FG_ERR_LOAD_CONFIG, unwritten = FG_ERR_SAVE_CONFIG;
+    const struct {
+        std::string path;
+        int load, save, loadTables, saveTables;
+    } rows[] = {
+        {directory, unread, unwritten, FG_OK, unwritten}, // reads as an empty file
+        {fifo, noFile, unwritten, noFile, unwritten},     // without the other end, which nobody waits for
+        {socketPath, noFile, unwritten, noFile, unwritten},
+        {full, unread, FG_OK, FG_OK, FG_OK}, // what is lost is told in the log alone
+        {endless, unread, FG_OK, FG_OK, FG_OK},
+        {loop, noFile, unwritten, noFile, unwritten},
+        {folder / "none.mcf/a.mcf", noFile, unwritten, noFile, unwritten},
+        {"vanished.mcf", noFile, unwritten, noFile, unwritten}, // below a folder that was removed
+        {folder / (std::string(5000, 'x') + ".mcf"), noFile, unwritten, noFile, unwritten},
+        {"", noFile, unwritten, FG_OK, FG_OK}, // for tables: no file is named
+        {otherName, noFile, unwritten, FG_OK, FG_OK},
+    };
+    setAll({{FG_LUT_TYPE, 0}});
+    fs::create_directory(gone);
+    const fs::path before = fs::current_path();
+    fs::current_path(gone);
+    fs::remove(gone);
+    const auto openFiles = [] { return std::distance(fs::directory_iterator("/proc/self/fd"), {}); };
+    const auto filesBefore = openFiles();
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.path.substr(0, 200));
+        EXPECT_EQ(load(row.path), row.load);
+        EXPECT_EQ(lastError(), FG_ERR_LOAD_CONFIG);
+        EXPECT_EQ(save(row.path), row.save);
+        EXPECT_EQ(lastError(), row.save);
+        const Lines names = {text(FG_LUT_CUSTOM_FILE), text(FG_LUT_SAVE_FILE)};
+        EXPECT_EQ(loadTables(row.path), row.loadTables);
+        EXPECT_EQ(lastError(), row.loadTables);
+        EXPECT_EQ(saveTables(row.path), row.saveTables);
+        EXPECT_EQ(lastError(), row.saveTables);
+        EXPECT_EQ(text(FG_LUT_CUSTOM_FILE), row.loadTables == FG_OK ? row.path : names[0]);
+        EXPECT_EQ(text(FG_LUT_SAVE_FILE), row.saveTables == FG_OK ? row.path : names[1]);
+    }
+    EXPECT_EQ(openFiles(), filesBefore);
+    fs::current_path(before);
+    close(server);
+}
+
+TEST_F(FilesTest, FilesOfSomebodyElse) {
+    const std::string path = folder / "state.mcf";
+    ASSERT_EQ(save(path), FG_OK);
+    ASSERT_EQ(chmod(path.c_str(), 0), 0);
+    setAll({{FG_LUT_TYPE, 0}});
+    const bool isRoot = geteuid() == 0; // who may read anything
+    ASSERT_EQ(isRoot ? seteuid(65534) : 0, 0);
+    const int results[] = {load(path), save(path), loadTables(path), saveTables(path)};
+    ASSERT_EQ(isRoot ? seteuid(0) : 0, 0);
+    EXPECT_THAT(results, testing::ElementsAre(FG_ERR_FILE_TYPE, FG_ERR_SAVE_CONFIG, FG_ERR_FILE_TYPE,
+                                              FG_ERR_SAVE_CONFIG));
+}
+
+TEST_F(FilesTest, FileThatComesAndGoes) {
+    const std::string path = folder / "state.mcf", away = folder / "away.mcf";
+    ASSERT_EQ(save(path), FG_OK);
+    setAll({{FG_LUT_TYPE, 0}});
+    std::atomic<bool> isDone = false;
+    std::thread other([&] {
+        while (!isDone) {
+            fs::rename(path, away);
+            fs::rename(away, path);
+        }
+    });
+    for (int i = 0; i < 200; ++i) {
+        // Between the first look at the path and the next, all can change.
+        const int result = load(path);
+        EXPECT_EQ(lastError(), result == FG_OK ? FG_OK : FG_ERR_LOAD_CONFIG);
+        EXPECT_TRUE(result == FG_OK || result == FG_ERR_FILE_TYPE || result == FG_ERR_LOAD_CONFIG) << result;
+        const int tables = loadTables(path);
+        EXPECT_TRUE(tables == FG_OK || tables == FG_ERR_FILE_TYPE || tables == FG_ERR_SAVE_CONFIG) << tables;
+    }
+    isDone = true;
+    other.join();
+    EXPECT_EQ(load(path), FG_OK);
+}
+
+} // namespace
