@@ -10,7 +10,6 @@
 #include <cstdint>
 #include <functional>
 #include <string>
-#include <sys/stat.h>
 #include <thread>
 #include <utility>
 
@@ -206,9 +205,6 @@ TEST_F(ConfigFile, IsReadByParsersSideBySide) {
 }
 
 TEST_F(ConfigFile, IsKnownByItsNameAndByBeingReadable) {
-    const std::string fifo = folder / "fifo.mcf", directory = folder / "folder.mcf";
-    ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
-    ASSERT_EQ(mkdir(directory.c_str(), 0700), 0);
     fill("[Port A]\nk=1;\n");
     support::writeFile(folder / "a", "[Port A]\nk=1;\n");
     const struct {
@@ -216,8 +212,6 @@ TEST_F(ConfigFile, IsKnownByItsNameAndByBeingReadable) {
         bool isType, exists, isRead;
     } cases[] = {
         {m_path, true, true, true},
-        {directory, true, true, false},
-        {fifo, true, false, false},
         {folder / "a", false, true, false},
         {folder / "none.mcf.bak", true, false, false}, // and is not created
         {folder / "none.MCF", false, false, false},

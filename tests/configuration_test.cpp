@@ -1,5 +1,5 @@
 // Configuration files through the exported functions: what a save tells, what a load does with each key, and
-// what either makes of files that are none.
+// what it makes of files of something else.
 
 #include "support/applet_fixture.h"
 #include "support/temporary_folder.h"
@@ -11,7 +11,6 @@
 #include <map>
 #include <random>
 #include <stdexcept>
-#include <sys/stat.h>
 #include <tuple>
 #include <unistd.h>
 
@@ -296,31 +295,6 @@ TEST_F(ConfigurationTest, GettersAreAsked) {
     expected.set("FG_SIGNAL_ANALYZER_0_PULSE_COUNT", "-1");
     expected.set("FG_SIGNAL_ANALYZER_PULSE_COUNT_DIFFERENCE", "-4294967296");
     EXPECT_EQ(save(grabber).text(), expected.text());
-}
-
-TEST_F(ConfigurationTest, WhatIsNoFileGivesItsCodes) {
-    const std::string fifo = folder / "fifo.mcf", directory = folder / "folder.mcf",
-                      other = folder / "state.txt";
-    const std::string none = folder / "none.mcf", nowhere = folder / "none/a.mcf";
-    ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
-    ASSERT_EQ(mkdir(directory.c_str(), 0700), 0);
-    writeFile(other, File().text());
-    const char *const null = nullptr, *const fifoPath = fifo.c_str(), *const folderPath = directory.c_str();
-    Grabber grabber;
-    start(grabber);
-    const int before = dup(STDERR_FILENO); // the lowest free one
-    close(before);
-    const auto load = [&](const char* path) { return applet.Fg_loadConfig(grabber.fg(), path); };
-    for (const char* path : {fifoPath, none.c_str(), nowhere.c_str(), other.c_str(), "", null})
-        expectCode(grabber, load(path), FG_ERR_FILE_TYPE, FG_ERR_LOAD_CONFIG);
-    expectCode(grabber, load(folderPath), FG_ERR_LOAD_CONFIG, FG_ERR_LOAD_CONFIG);
-    for (const char* path : {fifoPath, folderPath, nowhere.c_str(), other.c_str(), "", null})
-        expectCode(grabber, applet.Fg_saveConfig(grabber.fg(), path), FG_ERR_SAVE_CONFIG, FG_ERR_SAVE_CONFIG);
-    EXPECT_EQ(fileBytes(other), File().text());
-    EXPECT_EQ(grabber.log(), Lines{});
-    const int after = dup(STDERR_FILENO);
-    close(after);
-    EXPECT_EQ(after, before);
 }
 
 TEST_F(ConfigurationTest, FileOfSomethingElseChangesNothing) {

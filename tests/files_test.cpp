@@ -62,11 +62,13 @@ TEST_F(FilesTest, PathsThatAreNoFile) {
     const std::string fifo = folder / "fifo.mcf", directory = folder / "folder.mcf",
                       socketPath = folder / "socket.mcf";
     const std::string full = folder / "full.mcf", endless = folder / "zero.mcf", loop = folder / "loop.mcf";
+    const std::string terminal = folder / "terminal.mcf";
     const std::string otherName = folder / "state.txt", gone = folder / "gone";
     ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
     fs::create_directory(directory);
     fs::create_symlink("/dev/full", full);
     fs::create_symlink("/dev/zero", endless);
+    fs::create_symlink("/dev/ptmx", terminal);
     fs::create_symlink(loop, loop);
     fs::copy_file(TEST_DATA_DIR "/saved_state.mcf", otherName);
     const int server = socket(AF_UNIX, SOCK_STREAM, 0);
@@ -84,6 +86,7 @@ TEST_F(FilesTest, PathsThatAreNoFile) {
         {socketPath, noFile, unwritten, noFile, unwritten},
         {full, unread, FG_OK, FG_OK, FG_OK}, // what is lost is told in the log alone
         {endless, unread, FG_OK, FG_OK, FG_OK},
+        {terminal, noFile, unwritten, noFile, unwritten}, // cannot seek
         {loop, noFile, unwritten, noFile, unwritten},
         {folder / "none.mcf/a.mcf", noFile, unwritten, noFile, unwritten},
         {"vanished.mcf", noFile, unwritten, noFile, unwritten}, // below a folder that was removed
@@ -100,8 +103,10 @@ TEST_F(FilesTest, PathsThatAreNoFile) {
     const auto filesBefore = openFiles();
     for (const auto& row : rows) {
         SCOPED_TRACE(row.path.substr(0, 200));
+        clearLog();
         EXPECT_EQ(load(row.path), row.load);
         EXPECT_EQ(lastError(), FG_ERR_LOAD_CONFIG);
+        EXPECT_EQ(log(), Lines{});
         EXPECT_EQ(save(row.path), row.save);
         EXPECT_EQ(lastError(), row.save);
         const Lines names = {text(FG_LUT_CUSTOM_FILE), text(FG_LUT_SAVE_FILE)};
@@ -112,6 +117,8 @@ TEST_F(FilesTest, PathsThatAreNoFile) {
         EXPECT_EQ(text(FG_LUT_CUSTOM_FILE), row.loadTables == FG_OK ? row.path : names[0]);
         EXPECT_EQ(text(FG_LUT_SAVE_FILE), row.saveTables == FG_OK ? row.path : names[1]);
     }
+    EXPECT_EQ(applet.Fg_loadConfig(grabber.fg(), nullptr), noFile);
+    EXPECT_EQ(applet.Fg_saveConfig(grabber.fg(), nullptr), unwritten);
     EXPECT_EQ(openFiles(), filesBefore);
     fs::current_path(before);
     close(server);
