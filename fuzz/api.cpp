@@ -208,7 +208,8 @@ private:
     template <typename T, typename Limits> static bool isInside(const Limits& limits, const void* value) {
         T number{};
         std::memcpy(&number, value, sizeof number);
-        return limits.minimum == limits.maximum || (number >= limits.minimum && number <= limits.maximum);
+        // Some say nothing, and some start with nothing said.
+        return limits.minimum >= limits.maximum || (number >= limits.minimum && number <= limits.maximum);
     }
     static const RegisterInfo* find(const RegisterInfo* record, int id) {
         for (; record != nullptr; record = record->next) {
@@ -234,9 +235,9 @@ private:
             const std::uint64_t value[2] = {chooseNumber(one, id, input), 0};
             const bool allowed = isAllowed(one, id, value);
             result = setBytes(one, id, value, input);
-            require(result != FG_OK || allowed, "what is taken is inside the limits");
+            require(result != FG_OK || allowed, "what is taken is inside the limits", id);
         }
-        if (result != FG_OK) require(get(one, id) == old, "what is refused leaves the old value");
+        if (result != FG_OK) require(get(one, id) == old, "what is refused leaves the old value", id);
     }
     /** Any number, a small one, or one at the published limits. */
     std::uint64_t chooseNumber(One& one, int id, Input& input) {

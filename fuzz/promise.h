@@ -14,10 +14,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
 namespace fuzz {
 
-/** Ends the program, so that the input is kept, unless the promise holds. */
-inline void require(bool holds, const char* promise) {
+/** Ends the program, so that the input is kept, unless the promise holds. `about` says of what it speaks. */
+inline void require(bool holds, const char* promise, int about = 0) {
     if (holds) return;
-    std::fprintf(stderr, "broken promise: %s\n", promise);
+    std::fprintf(stderr, "broken promise: %s (%d)\n", promise, about);
     std::abort();
 }
 
