@@ -1,5 +1,6 @@
-// The input is a list of calls on two handles, each on a board of its own. A call is one byte for the function, one for
-// the handle and what else the function takes. After each the handle answers for it, and the other has seen nothing.
+// The input is a list of calls on two handles, each on a board of its own. A call is one byte for the
+// function, one for the handle and what else the function takes. After each the handle answers for it, and
+// the other has seen nothing.
 
 #include "applet_host/AppletHost.h"
 #include "promise.h"

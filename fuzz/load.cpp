@@ -1,7 +1,7 @@
 // The input is a configuration file that is loaded on the virtual board, while one of its accesses fails:
 //   bytes 0 and 1   number of the access, 0 for none
-//   byte 2          bit 0: all later ones fail too; bit 1: the rest is the whole file, else lines that stand in front
-//                   of a sound file's own keys, so that they win
+//   byte 2          bit 0: all later ones fail too; bit 1: the rest is the whole file, else lines that stand
+//                   in front of a sound file's own keys, so that they win
 // Whatever comes of it, the object works on, and a sound file brings the state that it always brings.
 
 #include "applet_host/AppletHost.h"

@@ -1,5 +1,5 @@
-// The input is a lookup table file. What its reader finds is what a plain reader with the C library's own tools
-// finds, and the tables come back from a file that they are written to.
+// The input is a lookup table file. What its reader finds is what a plain reader with the C library's own
+// tools finds, and the tables come back from a file that they are written to.
 
 #include "files/Fg_LutFileParser.h"
 #include "promise.h"

@@ -1,5 +1,5 @@
-// The input is a configuration file. What its parser finds is what a plain reader with the C library's own tools
-// finds, and what was found comes back from a file that it is written to.
+// The input is a configuration file. What its parser finds is what a plain reader with the C library's own
+// tools finds, and what was found comes back from a file that it is written to.
 
 #include "files/Fg_ConfigFileParser.h"
 #include "promise.h"

@@ -1,4 +1,4 @@
-// Runs a fuzz target on each file of the folders given, then on mutations of them, the same ones each time. The
+// Runs a fuzz target on each file of a folder, then on mutations of them, the same ones each time. The
 // mutation at work stands in a file, where a failure leaves it.
 
 #include "promise.h"

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Fuzzes what reads files, and the exported functions: mcf, lut, load, api. See fuzz/*.cpp for what each input is.
-#   scripts/fuzz.sh [SECONDS [TARGET...]]   all of them, or those named, each for SECONDS (60)
+# Fuzzes what reads files, and the exported functions. What an input is, the sources in fuzz/ tell.
+#   scripts/fuzz.sh [SECONDS [TARGET...]]   mcf, lut, load and api, or those named, each for SECONDS (60)
 # What is learned stays in build/fuzz/corpus and is built upon by the next run. A finding becomes a file in
 # fuzz/seeds/TARGET, which the tests replay from then on.
 set -euo pipefail
@@ -17,9 +17,9 @@ root=$PWD work=$PWD/build/fuzz
 cp fuzz/*.dict "$work"
 # A whole load knows all keys of a saved state.
 { cat fuzz/mcf.dict && sed -n 's/^\([A-Za-z]\w*=\).*/"\1"/p' tests/data/saved_state.mcf; } >"$work/load.dict"
-declare -A longest=([mcf]=600 [lut]=600 [load]=8000 [api]=600) # bytes
+declare -A longest=([mcf]=600 [lut]=300 [load]=8000 [api]=600) # bytes
 
-# For speed: files in memory, and of what was allocated neither the place nor much of what is freed. A replay has both.
+# For speed: files in memory, and no trace of allocations, which a replay has.
 [ -w /dev/shm ] && export TMPDIR=/dev/shm
 export ASAN_OPTIONS=malloc_context_size=0:quarantine_size_mb=1
 
@@ -28,7 +28,7 @@ for target in "${targets[@]}"; do
     mkdir -p "$work/corpus/$target"
     dictionary=()
     [ -f "$work/$target.dict" ] && dictionary=("-dict=$work/$target.dict")
-    "$work/bin/fuzz_$target" -max_total_time="$seconds" -max_len="${longest[$target]}" -timeout=20 -verbosity=1 \
+    "$work/bin/fuzz_$target" -max_total_time="$seconds" -max_len="${longest[$target]}" -timeout=20 \
         -print_final_stats=1 -artifact_prefix="$root/fuzz/seeds/$target/" "${dictionary[@]}" \
         "$work/corpus/$target" "$root/fuzz/seeds/$target" 2>&1 | grep -vE 'NEW|REDUCE|DE: ' || {
         say "Something was found. To see it again: $work/bin/fuzz_$target fuzz/seeds/$target/FILE"

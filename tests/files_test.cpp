@@ -1,5 +1,5 @@
-// What a caller may name as a file: large files made to be slow, and paths that lead to no file, for configurations and
-// for lookup tables.
+// What a caller may name as a file: large files made to be slow, and paths that lead to no file, for
+// configurations and for lookup tables.
 
 #include "support/applet_fixture.h"
 #include "support/temporary_folder.h"
