@@ -193,10 +193,10 @@ private:
         stored(one, m_applet.Fg_getParameterWithType(one.fg(), id, &run, 0, FG_PARAM_FIELD_ACCESS));
         return result;
     }
-    /** A value that its limits or entries allow is no refusal's reason; what they do not allow is refused. */
+    /** Whether a value is among the published limits or entries. */
     bool isAllowed(One& one, int id, const void* value) {
         const RegisterInfo* record = find(m_applet.Fg_getParameterInfo(one.fg(), 0), id);
-        if (record == nullptr) return true;
+        if (record == nullptr || id == FG_YOFFSET) return true; // which takes one line more than it publishes
         if (record->kind == REGISTER_KIND_UINT) return isInside<std::uint32_t>(record->value.u32, value);
         if (record->kind == REGISTER_KIND_DOUBLE) return isInside<double>(record->value.f64, value);
         if (record->kind != REGISTER_KIND_ENUM) return true;
