@@ -143,104 +143,104 @@ typedef struct RegisterInfo_v3 {
 typedef RegisterInfo_v3 RegisterInfo;
 
 #ifdef __cplusplus
-#define VEXO_OFFSET(field, offset)                                                                           \
-    static_assert(offsetof(RegisterInfo_v3, field) == (offset), #field " has moved")
-static_assert(sizeof(RegisterInfo_v3) == REGISTER_INFO_SIZE, "RegisterInfo has another size");
-static_assert(sizeof(RegisterInfoValue) == 40, "the value area has another size");
+#define VEXO_STATIC_ASSERT static_assert
 #else
-#define VEXO_OFFSET(field, offset)                                                                           \
-    _Static_assert(offsetof(RegisterInfo_v3, field) == (offset), #field " has moved")
-_Static_assert(sizeof(RegisterInfo_v3) == REGISTER_INFO_SIZE, "RegisterInfo has another size");
-_Static_assert(sizeof(RegisterInfoValue) == 40, "the value area has another size");
+#define VEXO_STATIC_ASSERT _Static_assert
 #endif
-VEXO_OFFSET(kind, 0);
-VEXO_OFFSET(index, 4);
-VEXO_OFFSET(displayName, 8);
-VEXO_OFFSET(name, 16);
-VEXO_OFFSET(access, 24);
-VEXO_OFFSET(paramClass, 28);
-VEXO_OFFSET(published, 32);
-VEXO_OFFSET(id, 36);
-VEXO_OFFSET(value, 40);
-VEXO_OFFSET(value.group.childCount, 40);
-VEXO_OFFSET(value.group.children, 48);
-VEXO_OFFSET(value.group.nextChildIndex, 56);
-VEXO_OFFSET(value.u32.minimum, 40);
-VEXO_OFFSET(value.u32.maximum, 44);
-VEXO_OFFSET(value.u32.increment, 48);
-VEXO_OFFSET(value.u32.value, 52);
-VEXO_OFFSET(value.u64.minimum, 40);
-VEXO_OFFSET(value.u64.maximum, 48);
-VEXO_OFFSET(value.u64.increment, 56);
-VEXO_OFFSET(value.u64.value, 64);
-VEXO_OFFSET(value.i32.minimum, 40);
-VEXO_OFFSET(value.i32.maximum, 44);
-VEXO_OFFSET(value.i32.increment, 48);
-VEXO_OFFSET(value.i32.value, 52);
-VEXO_OFFSET(value.i64.minimum, 40);
-VEXO_OFFSET(value.i64.maximum, 48);
-VEXO_OFFSET(value.i64.increment, 56);
-VEXO_OFFSET(value.i64.value, 64);
-VEXO_OFFSET(value.f64.minimum, 40);
-VEXO_OFFSET(value.f64.maximum, 48);
-VEXO_OFFSET(value.f64.increment, 56);
-VEXO_OFFSET(value.f64.value, 64);
-VEXO_OFFSET(value.u32Field.minimum, 40);
-VEXO_OFFSET(value.u32Field.maximum, 44);
-VEXO_OFFSET(value.u32Field.elementCount, 48);
-VEXO_OFFSET(value.u32Field.zero, 52);
-VEXO_OFFSET(value.u32Field.first, 56);
-VEXO_OFFSET(value.i32Field.minimum, 40);
-VEXO_OFFSET(value.i32Field.maximum, 44);
-VEXO_OFFSET(value.i32Field.elementCount, 48);
-VEXO_OFFSET(value.i32Field.zero, 52);
-VEXO_OFFSET(value.i32Field.first, 56);
-VEXO_OFFSET(value.u64Field.minimum, 40);
-VEXO_OFFSET(value.u64Field.maximum, 48);
-VEXO_OFFSET(value.u64Field.elementCount, 56);
-VEXO_OFFSET(value.u64Field.zero, 60);
-VEXO_OFFSET(value.u64Field.first, 64);
-VEXO_OFFSET(value.i64Field.minimum, 40);
-VEXO_OFFSET(value.i64Field.maximum, 48);
-VEXO_OFFSET(value.i64Field.elementCount, 56);
-VEXO_OFFSET(value.i64Field.zero, 60);
-VEXO_OFFSET(value.i64Field.first, 64);
-VEXO_OFFSET(value.f64Field.minimum, 40);
-VEXO_OFFSET(value.f64Field.maximum, 48);
-VEXO_OFFSET(value.f64Field.elementCount, 56);
-VEXO_OFFSET(value.f64Field.zero, 60);
-VEXO_OFFSET(value.f64Field.first, 64);
-VEXO_OFFSET(value.string.unused, 40);
-VEXO_OFFSET(value.enumeration.entryCount, 40);
-VEXO_OFFSET(value.enumeration.labels, 48);
-VEXO_OFFSET(value.enumeration.values, 56);
-VEXO_OFFSET(value.enumeration.value, 64);
-VEXO_OFFSET(value.enumeration.symbolicNames, 72);
-VEXO_OFFSET(value.string.text, 48);
-VEXO_OFFSET(next, 80);
-VEXO_OFFSET(previous, 88);
-VEXO_OFFSET(depth, 96);
-VEXO_OFFSET(parentName, 104);
-VEXO_OFFSET(unit, 112);
-VEXO_OFFSET(port, 120);
-VEXO_OFFSET(reserved124, 124);
-VEXO_OFFSET(structSize, 128);
-VEXO_OFFSET(version, 132);
-VEXO_OFFSET(description, 136);
-VEXO_OFFSET(toolTip, 144);
-VEXO_OFFSET(genICamName, 152);
-VEXO_OFFSET(genICamVisibility, 160);
-VEXO_OFFSET(genICamStreamable, 164);
-VEXO_OFFSET(reserved165, 165);
-VEXO_OFFSET(invalidatingNames, 168);
-VEXO_OFFSET(invalidatingNameCount, 176);
-VEXO_OFFSET(invalidatingNameCapacity, 180);
-VEXO_OFFSET(genICamType, 184);
-VEXO_OFFSET(reserved188, 188);
-VEXO_OFFSET(enumEntryDescriptions, 192);
-VEXO_OFFSET(enumEntryToolTips, 200);
-VEXO_OFFSET(enumEntryGenICamNames, 208);
-#undef VEXO_OFFSET
+#define VEXO_FIELD(field, offset, size)                                                                      \
+    VEXO_STATIC_ASSERT(offsetof(RegisterInfo_v3, field) == (offset), #field " has moved");                   \
+    VEXO_STATIC_ASSERT(sizeof(((RegisterInfo_v3*)0)->field) == (size), #field " has another size")
+
+VEXO_STATIC_ASSERT(sizeof(RegisterInfo_v3) == REGISTER_INFO_SIZE, "RegisterInfo has another size");
+VEXO_FIELD(kind, 0, 4);
+VEXO_FIELD(index, 4, 4);
+VEXO_FIELD(displayName, 8, 8);
+VEXO_FIELD(name, 16, 8);
+VEXO_FIELD(access, 24, 4);
+VEXO_FIELD(paramClass, 28, 4);
+VEXO_FIELD(published, 32, 4);
+VEXO_FIELD(id, 36, 4);
+VEXO_FIELD(value, 40, 40);
+VEXO_FIELD(value.group.childCount, 40, 4);
+VEXO_FIELD(value.group.children, 48, 8);
+VEXO_FIELD(value.group.nextChildIndex, 56, 4);
+VEXO_FIELD(value.u32.minimum, 40, 4);
+VEXO_FIELD(value.u32.maximum, 44, 4);
+VEXO_FIELD(value.u32.increment, 48, 4);
+VEXO_FIELD(value.u32.value, 52, 4);
+VEXO_FIELD(value.u64.minimum, 40, 8);
+VEXO_FIELD(value.u64.maximum, 48, 8);
+VEXO_FIELD(value.u64.increment, 56, 8);
+VEXO_FIELD(value.u64.value, 64, 8);
+VEXO_FIELD(value.i32.minimum, 40, 4);
+VEXO_FIELD(value.i32.maximum, 44, 4);
+VEXO_FIELD(value.i32.increment, 48, 4);
+VEXO_FIELD(value.i32.value, 52, 4);
+VEXO_FIELD(value.i64.minimum, 40, 8);
+VEXO_FIELD(value.i64.maximum, 48, 8);
+VEXO_FIELD(value.i64.increment, 56, 8);
+VEXO_FIELD(value.i64.value, 64, 8);
+VEXO_FIELD(value.f64.minimum, 40, 8);
+VEXO_FIELD(value.f64.maximum, 48, 8);
+VEXO_FIELD(value.f64.increment, 56, 8);
+VEXO_FIELD(value.f64.value, 64, 8);
+VEXO_FIELD(value.u32Field.minimum, 40, 4);
+VEXO_FIELD(value.u32Field.maximum, 44, 4);
+VEXO_FIELD(value.u32Field.elementCount, 48, 4);
+VEXO_FIELD(value.u32Field.zero, 52, 4);
+VEXO_FIELD(value.u32Field.first, 56, 4);
+VEXO_FIELD(value.i32Field.minimum, 40, 4);
+VEXO_FIELD(value.i32Field.maximum, 44, 4);
+VEXO_FIELD(value.i32Field.elementCount, 48, 4);
+VEXO_FIELD(value.i32Field.zero, 52, 4);
+VEXO_FIELD(value.i32Field.first, 56, 4);
+VEXO_FIELD(value.u64Field.minimum, 40, 8);
+VEXO_FIELD(value.u64Field.maximum, 48, 8);
+VEXO_FIELD(value.u64Field.elementCount, 56, 4);
+VEXO_FIELD(value.u64Field.zero, 60, 4);
+VEXO_FIELD(value.u64Field.first, 64, 8);
+VEXO_FIELD(value.i64Field.minimum, 40, 8);
+VEXO_FIELD(value.i64Field.maximum, 48, 8);
+VEXO_FIELD(value.i64Field.elementCount, 56, 4);
+VEXO_FIELD(value.i64Field.zero, 60, 4);
+VEXO_FIELD(value.i64Field.first, 64, 8);
+VEXO_FIELD(value.f64Field.minimum, 40, 8);
+VEXO_FIELD(value.f64Field.maximum, 48, 8);
+VEXO_FIELD(value.f64Field.elementCount, 56, 4);
+VEXO_FIELD(value.f64Field.zero, 60, 4);
+VEXO_FIELD(value.f64Field.first, 64, 8);
+VEXO_FIELD(value.string.unused, 40, 8);
+VEXO_FIELD(value.enumeration.entryCount, 40, 4);
+VEXO_FIELD(value.enumeration.labels, 48, 8);
+VEXO_FIELD(value.enumeration.values, 56, 8);
+VEXO_FIELD(value.enumeration.value, 64, 4);
+VEXO_FIELD(value.enumeration.symbolicNames, 72, 8);
+VEXO_FIELD(value.string.text, 48, 8);
+VEXO_FIELD(next, 80, 8);
+VEXO_FIELD(previous, 88, 8);
+VEXO_FIELD(depth, 96, 4);
+VEXO_FIELD(parentName, 104, 8);
+VEXO_FIELD(unit, 112, 8);
+VEXO_FIELD(port, 120, 4);
+VEXO_FIELD(reserved124, 124, 4);
+VEXO_FIELD(structSize, 128, 4);
+VEXO_FIELD(version, 132, 4);
+VEXO_FIELD(description, 136, 8);
+VEXO_FIELD(toolTip, 144, 8);
+VEXO_FIELD(genICamName, 152, 8);
+VEXO_FIELD(genICamVisibility, 160, 4);
+VEXO_FIELD(genICamStreamable, 164, 1);
+VEXO_FIELD(reserved165, 165, 3);
+VEXO_FIELD(invalidatingNames, 168, 8);
+VEXO_FIELD(invalidatingNameCount, 176, 4);
+VEXO_FIELD(invalidatingNameCapacity, 180, 4);
+VEXO_FIELD(genICamType, 184, 4);
+VEXO_FIELD(reserved188, 188, 4);
+VEXO_FIELD(enumEntryDescriptions, 192, 8);
+VEXO_FIELD(enumEntryToolTips, 200, 8);
+VEXO_FIELD(enumEntryGenICamNames, 208, 8);
+#undef VEXO_FIELD
+#undef VEXO_STATIC_ASSERT
 
 #ifdef __cplusplus
 }
