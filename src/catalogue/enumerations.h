@@ -34,7 +34,7 @@ constexpr bool contains(EnumTable table, std::uint32_t value) {
 }
 
 /** The rows of several tables, one behind the other. */
-template <std::size_t... sizes> constexpr auto joined(const std::array<EnumEntry, sizes>&... tables) {
+template <std::size_t... sizes> consteval auto joined(const std::array<EnumEntry, sizes>&... tables) {
     std::array<EnumEntry, (sizes + ...)> all{};
     std::size_t next = 0;
     const auto append = [&](const auto& table) {

@@ -32,10 +32,10 @@ inline constexpr FileRole SavedOnly{.saved = true};
 inline constexpr FileRole Ignored{.saved = true, .required = true};
 /** Takes effect through the setter of another parameter. */
 inline constexpr FileRole Stored{.saved = true, .required = true, .storesSource = true};
-constexpr FileRole StoredIn(std::uint32_t FgLoomWrapperImpl::*word) {
+consteval FileRole StoredIn(std::uint32_t FgLoomWrapperImpl::*word) {
     return {.saved = true, .required = true, .member = {.word = word}};
 }
-constexpr FileRole StoredIn(double FgLoomWrapperImpl::*number) {
+consteval FileRole StoredIn(double FgLoomWrapperImpl::*number) {
     return {.saved = true, .required = true, .member = {.number = number}};
 }
 /**

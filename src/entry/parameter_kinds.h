@@ -63,7 +63,7 @@ inline constexpr struct NoDefaultType {
 
 namespace kinds {
 
-template <typename Value, typename Setter, typename Start> constexpr StartFunction* starterOf(Setter, Start) {
+template <typename Value, typename Setter, typename Start> consteval StartFunction* starterOf(Setter, Start) {
     if constexpr (std::is_same_v<std::invoke_result_t<Start>, NoDefaultType>)
         return nullptr;
     else
@@ -80,7 +80,7 @@ template <typename T> struct Number {
     using Value = T;
     static constexpr FgParamTypes type = tagOf<T>;
 
-    template <typename Setter> static constexpr SetFunction* setter(Setter) {
+    template <typename Setter> static consteval SetFunction* setter(Setter) {
         return [](FgLoomWrapperImpl& wrapper, const void* value, FgParamTypes) {
             T number;
             std::memcpy(&number, value, sizeof number);
@@ -88,7 +88,7 @@ template <typename T> struct Number {
         };
     }
 
-    template <auto source> static constexpr Reading reading() {
+    template <auto source> static consteval Reading reading() {
         using Source = decltype(source);
         if constexpr (std::is_same_v<Source, T FgLoomWrapperImpl::*> && std::is_same_v<T, std::uint32_t>)
             return {.word = source};
@@ -125,12 +125,12 @@ struct Text {
     using Value = const char*;
     static constexpr FgParamTypes type = FG_PARAM_TEXT;
 
-    template <typename Setter> static constexpr SetFunction* setter(Setter) {
+    template <typename Setter> static consteval SetFunction* setter(Setter) {
         return [](FgLoomWrapperImpl& wrapper, const void* value, FgParamTypes) {
             Setter{}(wrapper, static_cast<const char*>(value));
         };
     }
-    template <auto source> static constexpr Reading reading() {
+    template <auto source> static consteval Reading reading() {
         return {
             .text = [](FgLoomWrapperImpl& wrapper) -> std::string { return std::invoke(source, wrapper); }};
     }
@@ -145,12 +145,12 @@ struct Field {
     using Value = FieldRecord;
     static constexpr FgParamTypes type = FG_PARAM_FIELD_INT;
 
-    template <typename Setter> static constexpr SetFunction* setter(Setter) {
+    template <typename Setter> static consteval SetFunction* setter(Setter) {
         return [](FgLoomWrapperImpl& wrapper, const void* value, FgParamTypes type) {
             Setter{}(wrapper, FieldRecord{value, type});
         };
     }
-    template <auto source> static constexpr Reading reading() {
+    template <auto source> static consteval Reading reading() {
         return {.function = [](FgLoomWrapperImpl& wrapper, const SdkParameter&, void* value, int,
                                FgParamTypes type) { readField(std::invoke(source, wrapper), value, type); }};
     }
@@ -166,7 +166,7 @@ struct Field {
 /** The runtime has the value: reads go straight to it. */
 struct Runtime {
     static constexpr FgParamTypes type = FG_PARAM_UINT32;
-    template <auto> static constexpr Reading reading() { return {.function = readRuntime}; }
+    template <auto> static consteval Reading reading() { return {.function = readRuntime}; }
     static void readRuntime(FgLoomWrapperImpl& wrapper, const SdkParameter& parameter, void* value, int dma,
                             FgParamTypes type);
 };

@@ -40,7 +40,7 @@ private:
 
     constexpr std::size_t slotOf(std::uint32_t key) const { return (key * m_multiplier) >> (32 - slotBits); }
 
-    constexpr bool separates(const std::array<std::uint32_t, count>& keys) const {
+    consteval bool separates(const std::array<std::uint32_t, count>& keys) const {
         std::array<bool, std::size_t{1} << slotBits> taken{};
         for (const std::uint32_t key : keys) {
             if (taken[slotOf(key)]) return false;
