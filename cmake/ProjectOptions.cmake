@@ -2,6 +2,7 @@
 
 set(APPLET_SANITIZE "" CACHE STRING "Sanitizers: empty, address, thread or fuzzer")
 option(APPLET_WERROR "Treat warnings as errors" OFF)
+option(APPLET_COVERAGE "Count in src/ what the tests reach (clang)" OFF)
 
 add_compile_options(-Wall -Wextra -Wpedantic -Wshadow $<$<COMPILE_LANGUAGE:CXX>:-Wconversion>)
 if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")

@@ -160,6 +160,28 @@ TEST_F(LutFile, GivesTheFirstKeysWhateverTheyStandIn) {
     EXPECT_STREQ(parser.parseKeyFromLine("c", "=").data(), "Error");
 }
 
+TEST_F(LutFile, GivesWhatItHasToAnyKindOfTable) {
+    fill("[red]\n0,10;\n1,1.5;\n[green]\n0,20;\n[blue]\n0,-0.25;\n");
+    Fg_LutFileParser parser;
+    KneeTable red(2), green(2), blue(1);
+    ASSERT_EQ(parser.getLutFromFile(path(), &red, &green, &blue), 0);
+    EXPECT_EQ(red.elements(), (std::vector{10, 1.5}));
+    EXPECT_EQ(green.elements(), (std::vector{20.0, 0.0}));
+    EXPECT_EQ(blue.elements(), std::vector{-0.25});
+
+    ASSERT_TRUE(parser.setOpenFile(path(), true));
+    std::vector<std::uint32_t> words(3, 7);
+    std::vector<double> fractions(3, 7);
+    EXPECT_EQ(parser.parseIntInt(words, ',', "[red]"), 0);
+    EXPECT_EQ(words, (std::vector<std::uint32_t>{10, 1, 7}));
+    EXPECT_EQ(parser.parseIntDouble(fractions, ',', "[red]"), 0);
+    EXPECT_EQ(fractions, (std::vector{10, 1.5, 7}));
+    int matrix = 7;
+    EXPECT_EQ(parser.getMatrixFromFile(path(), &matrix, 1), -1);
+    EXPECT_EQ(matrix, 7);
+    EXPECT_TRUE(parser.checkFileType("of any name"));
+}
+
 TEST_F(LutFile, IsRefusedOnlyForArgumentsThatLackSomething) {
     IntTable table, other, third;
     EXPECT_EQ(Fg_LutFileParser().getLutFromFile(nullptr, &table, &other, &third), -1);

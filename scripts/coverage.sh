@@ -1,0 +1,19 @@
+#!/usr/bin/env bash
+# What the tests reach of src/: prints the share of lines and branches and what is left; fails below the promise.
+set -euo pipefail
+source "$(dirname "$0")/common.sh"
+
+install_packages "${BUILD_PACKAGES[@]}" "${TEST_PACKAGES[@]}" clang llvm
+build coverage
+
+counts=build/coverage/counts
+rm -rf "$counts"
+say "Testing"
+# The counters themselves are more than the library's exported face should show.
+LLVM_PROFILE_FILE="$PWD/$counts/%4m.profraw" ctest --preset coverage --parallel "$(nproc)" --exclude-regex '^exports$'
+say "Counting"
+llvm-profdata merge -sparse -o "$counts/all.profdata" "$counts"/*.profraw
+llvm-cov export -format=lcov -instr-profile "$counts/all.profdata" \
+    build/coverage/lib/libGrab_TwinLaneLineColor.so -object build/coverage/bin/class_tests \
+    -object build/coverage/tests/logging-sdk/bin/logging_tests "$PWD/src" |
+    python3 scripts/coverage_report.py "$PWD/src" lines=97 branches=92
