@@ -165,7 +165,7 @@ TEST_F(LutFile, GivesWhatItHasToAnyKindOfTable) {
     Fg_LutFileParser parser;
     KneeTable red(2), green(2), blue(1);
     ASSERT_EQ(parser.getLutFromFile(path(), &red, &green, &blue), 0);
-    EXPECT_EQ(red.elements(), (std::vector{10, 1.5}));
+    EXPECT_EQ(red.elements(), (std::vector{10.0, 1.5}));
     EXPECT_EQ(green.elements(), (std::vector{20.0, 0.0}));
     EXPECT_EQ(blue.elements(), std::vector{-0.25});
 
@@ -175,7 +175,7 @@ TEST_F(LutFile, GivesWhatItHasToAnyKindOfTable) {
     EXPECT_EQ(parser.parseIntInt(words, ',', "[red]"), 0);
     EXPECT_EQ(words, (std::vector<std::uint32_t>{10, 1, 7}));
     EXPECT_EQ(parser.parseIntDouble(fractions, ',', "[red]"), 0);
-    EXPECT_EQ(fractions, (std::vector{10, 1.5, 7}));
+    EXPECT_EQ(fractions, (std::vector{10.0, 1.5, 7.0}));
     int matrix = 7;
     EXPECT_EQ(parser.getMatrixFromFile(path(), &matrix, 1), -1);
     EXPECT_EQ(matrix, 7);
