@@ -1,12 +1,10 @@
 // Real runs of appletctl: what it prints where, its exit codes and its documents.
-// APPLETCTL_PROGRAM is the program's path.
+
+#include "support/appletctl_program.h"
 
 #include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
 
 #include <fcntl.h>
-#include <pty.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -22,83 +20,7 @@
 
 namespace {
 
-using Words = std::vector<std::string>;
-using nlohmann::json;
-
-struct Outcome {
-    int exitCode;
-    std::string out;
-    std::string err;
-};
-
-/** Becomes appletctl, with these settings ("NAME=VALUE", or "NAME" to take one away) in the environment. */
-[[noreturn]] void become(const Words& arguments, const Words& environment) {
-    for (const std::string& setting : environment) {
-        const std::size_t equals = setting.find('=');
-        if (equals == std::string::npos)
-            unsetenv(setting.c_str());
-        else
-            setenv(setting.substr(0, equals).c_str(), setting.substr(equals + 1).c_str(), 1);
-    }
-    std::vector<char*> argv{const_cast<char*>("appletctl")};
-    for (const std::string& argument : arguments)
-        argv.push_back(const_cast<char*>(argument.c_str()));
-    argv.push_back(nullptr);
-    execv(APPLETCTL_PROGRAM, argv.data());
-    _exit(127);
-}
-
-int exitCodeOf(pid_t child) {
-    int status = 0;
-    waitpid(child, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-}
-
-std::string contents(std::FILE* file) {
-    std::string text;
-    std::rewind(file);
-    for (int c; (c = std::fgetc(file)) != EOF;)
-        text += static_cast<char>(c);
-    std::fclose(file);
-    return text;
-}
-
-Outcome run(const Words& arguments, const Words& environment = {}) {
-    std::FILE* out = std::tmpfile();
-    std::FILE* err = std::tmpfile();
-    const pid_t child = fork();
-    if (child == 0) {
-        dup2(fileno(out), STDOUT_FILENO);
-        dup2(fileno(err), STDERR_FILENO);
-        become(arguments, environment);
-    }
-    const int exitCode = exitCodeOf(child);
-    return {exitCode, contents(out), contents(err)};
-}
-
-/** What the program prints on a terminal. */
-std::string onTerminal(const Words& arguments, const Words& environment) {
-    int terminal = -1;
-    const pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
-    if (child == 0) become(arguments, environment);
-    std::string text;
-    char buffer[4096];
-    for (ssize_t count; (count = read(terminal, buffer, sizeof buffer)) > 0;)
-        text.append(buffer, static_cast<std::size_t>(count));
-    close(terminal);
-    exitCodeOf(child);
-    return text;
-}
-
-/** The document of a command with --json. */
-json document(Words arguments, const Words& environment = {}) {
-    arguments.insert(arguments.begin(), "--json");
-    return json::parse(run(arguments, environment).out);
-}
-
-bool contains(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
+using namespace appletctl_program;
 
 TEST(AppletctlList, IsOneAlignedTableWithGroups) {
     const Outcome outcome = run({"list", "*SENSOR*"});

@@ -1,0 +1,48 @@
+/** Real runs of appletctl. */
+#ifndef APPLETCTL_PROGRAM_H
+#define APPLETCTL_PROGRAM_H
+
+#include <nlohmann/json.hpp>
+
+#include <sys/types.h>
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+namespace appletctl_program {
+
+using Words = std::vector<std::string>;
+using nlohmann::json;
+
+struct Outcome {
+    int exitCode;
+    std::string out;
+    std::string err;
+};
+
+/** Becomes appletctl, with these settings ("NAME=VALUE", or "NAME" to take one away) in the environment. */
+[[noreturn]] void become(const Words& arguments, const Words& environment);
+
+/** Waits for the end of a child; a signal counts from 128 on. */
+int exitCodeOf(pid_t child);
+
+/** All that was written to the file, which is closed. */
+std::string contents(std::FILE* file);
+
+Outcome run(const Words& arguments, const Words& environment = {});
+
+/** What the program prints on a terminal on which `input` was typed, and its exit code. */
+Outcome talk(const Words& arguments, const Words& environment, const std::string& input = "");
+
+/** What the program prints on a terminal. */
+std::string onTerminal(const Words& arguments, const Words& environment);
+
+/** The document of a command with --json. */
+json document(Words arguments, const Words& environment = {});
+
+bool contains(const std::string& text, const std::string& part);
+
+} // namespace appletctl_program
+
+#endif
