@@ -28,6 +28,7 @@ public:
     /** Throws UsageError, with the reason, when the file cannot be read. */
     static ConfigurationFile read(const std::string& path);
 
+    const std::string& text() const { return m_text; }
     /** Above the section of the port: what the file says of itself. */
     const std::vector<Line>& header() const { return m_header; }
     /** From that section on: values of parameters. A key may stand there more than once. */

@@ -1,6 +1,7 @@
 #include "appletctl/Context.h"
 
 #include "appletctl/Seed.h"
+#include "appletctl/writes.h"
 
 namespace appletctl {
 
@@ -20,7 +21,36 @@ const ParameterList& Context::parameters() {
 }
 
 ScratchBoard& Context::scratch() {
-    m_scratch->seed(seedOf(instance(), parameters()));
+    return seeded(withoutTrace([&] { return seedOf(instance(), parameters()); }));
+}
+
+ScratchBoard& Context::scratchAtDefaults() {
+    const json design = withoutTrace([&] { return designOf(instance()); });
+    return seeded({{"design", design}, {"values", json::object()}});
+}
+
+ScratchBoard& Context::bareScratch() { return seeded({{"design", nullptr}, {"values", json::object()}}); }
+
+json Context::withoutTrace(const std::function<json()>& read) {
+    if (m_isTraced) takeAccesses();
+    const json result = read();
+    if (m_isTraced) logAccesses(instance());
+    return result;
+}
+
+void Context::startTrace() {
+    m_isTraced = true;
+    logAccesses(instance());
+}
+
+Words Context::takeAccesses() {
+    const Words lines = takeWrites(instance());
+    m_accesses.insert(m_accesses.end(), lines.begin(), lines.end());
+    return lines;
+}
+
+ScratchBoard& Context::seeded(const json& seed) {
+    m_assumed = m_scratch->seed(seed).get<Words>();
     return *m_scratch;
 }
 

@@ -5,6 +5,7 @@
 #include "appletctl/ParameterList.h"
 #include "appletctl/ScratchBoard.h"
 
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -23,12 +24,31 @@ public:
     const ParameterList& parameters();
     /** The scratch board, in the state that the live applet has now. */
     ScratchBoard& scratch();
+    /** The scratch board with the live design's answers, and the values after the start. */
+    ScratchBoard& scratchAtDefaults();
+    /** The scratch board as the virtual board starts; the live applet is not looked at. */
+    ScratchBoard& bareScratch();
+    /** What of the scratch board's state was assumed, when it was last asked for. */
+    const Words& assumed() const { return m_assumed; }
+
+    /** From now on the live virtual board logs its accesses, those for a seed left out. */
+    void startTrace();
+    /** What was logged since it was last taken. */
+    Words takeAccesses();
+    /** All that was taken. */
+    const Words& accesses() const { return m_accesses; }
 
 private:
+    nlohmann::json withoutTrace(const std::function<nlohmann::json()>& read);
+    ScratchBoard& seeded(const nlohmann::json& seed);
+
     Options m_options;
     std::unique_ptr<ScratchBoard> m_scratch; // null if not wanted
     std::optional<Instance> m_instance;
     std::optional<ParameterList> m_parameters;
+    Words m_assumed;
+    bool m_isTraced = false;
+    Words m_accesses;
 };
 
 } // namespace appletctl

@@ -25,6 +25,14 @@ struct Options {
     bool verbose = false;        /**< -v: notes on what was done to answer */
 
     // Of single commands.
+    bool trace = false;    /**< the command stands behind "trace" */
+    bool anyOrder = false; /**< --any-order of "set" */
+    bool verify = false;   /**< --verify of "set" */
+    bool yes = false;      /**< --yes of "apply" */
+    bool strict = false;   /**< --strict of "load" */
+    bool live = false;     /**< --live of "diff": with the parameters as well */
+    Words with;            /**< --with of "limits", "why", "deps": set on the scratch board before */
+    bool dot = false;      /**< --dot of "deps" */
     std::optional<std::string> xmlFile; /**< --out of "xml" */
     std::string lutChannel = "all";     /**< --channel of "lut show": red, green, blue or all */
     int watchInterval = 1000;           /**< --interval of "watch": milliseconds from round to round */

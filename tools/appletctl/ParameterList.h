@@ -22,6 +22,8 @@ struct Parameter {
     std::string unit() const;
     /** "clears when read": what a read takes from the board; empty for all that can be read freely. */
     std::string effectOfReading() const;
+    /** True where a set writes the file that the value names. */
+    bool writesFile() const { return name == "FG_LUT_SAVE_FILE" || name == "FG_DEBUGSAVECONFIG"; }
 };
 
 /** A parameter of the design as such a one is published. */

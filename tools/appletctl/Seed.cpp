@@ -3,26 +3,19 @@
 #include "vexo/fg_errors.h"
 
 namespace appletctl {
-namespace {
+json asBytes(const std::string& text) { return json::binary({text.begin(), text.end()}); }
 
-json valuesOf(Instance& instance, const ParameterList& parameters) {
-    json values = json::object();
-    for (const Parameter& parameter : parameters.all()) {
-        if (!parameter.effectOfReading().empty()) continue;
-        const Reading reading = readValue(instance, wholeOf(parameter));
-        if (reading.error == FG_OK) values[parameter.name] = asMessage(reading.value);
-    }
-    return values;
+std::string bytesOf(const json& message) {
+    const auto& bytes = message.get_binary();
+    return {bytes.begin(), bytes.end()};
 }
-
-} // namespace
 
 json asMessage(const Value& value) {
     return std::visit(
         [](const auto& native) -> json {
             using T = std::decay_t<decltype(native)>;
             if constexpr (std::is_same_v<T, std::string>)
-                return json::binary({native.begin(), native.end()}); // may be no UTF-8
+                return asBytes(native);
             else if constexpr (std::is_same_v<T, WholeArray>)
                 return nullptr;
             else
@@ -37,8 +30,7 @@ Value fromMessage(const Target& target, const json& message) {
         [&](auto& native) {
             using T = std::decay_t<decltype(native)>;
             if constexpr (std::is_same_v<T, std::string>) {
-                const auto& bytes = message.get_binary();
-                native.assign(bytes.begin(), bytes.end());
+                native = bytesOf(message);
             } else if constexpr (!std::is_same_v<T, WholeArray>) {
                 native = message.get<T>();
             }
@@ -53,10 +45,23 @@ Target wholeOf(const Parameter& parameter) {
     return {&parameter, ElementRange{0, count - 1}};
 }
 
-json seedOf(Instance& instance, const ParameterList& parameters) {
+json valuesOf(Instance& instance, const ParameterList& parameters) {
+    json values = json::object();
+    for (const Parameter& parameter : parameters.all()) {
+        if (!parameter.effectOfReading().empty()) continue;
+        const Reading reading = readValue(instance, wholeOf(parameter));
+        if (reading.error == FG_OK) values[parameter.name] = asMessage(reading.value);
+    }
+    return values;
+}
+
+json designOf(Instance& instance) {
     const ParameterList design(instance, ParameterList::Scope::design);
-    return {{"design", design.all().empty() ? json() : valuesOf(instance, design)},
-            {"values", valuesOf(instance, parameters)}};
+    return design.all().empty() ? json() : valuesOf(instance, design);
+}
+
+json seedOf(Instance& instance, const ParameterList& parameters) {
+    return {{"design", designOf(instance)}, {"values", valuesOf(instance, parameters)}};
 }
 
 } // namespace appletctl

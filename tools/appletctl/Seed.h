@@ -11,6 +11,10 @@ namespace appletctl {
 
 using nlohmann::json;
 
+/** A text that may be no UTF-8, as it stands in a message. */
+json asBytes(const std::string& text);
+std::string bytesOf(const json& message);
+
 /** A value as it stands in a message: a number, a text as bytes, or an array of elements. */
 json asMessage(const Value& value);
 /** The value of a message in the native type of the target's kind. */
@@ -19,10 +23,16 @@ Value fromMessage(const Target& target, const json& message);
 /** The target that a value is read and written by as a whole: all elements of an array. */
 Target wholeOf(const Parameter& parameter);
 
+/** All values that can be read without effect: {NAME: VALUE}. */
+json valuesOf(Instance& instance, const ParameterList& parameters);
+
+/** The answers of the design: {NAME: VALUE}; null where they cannot be had, as offline. */
+json designOf(Instance& instance);
+
 /**
  * What the live applet tells of itself: {"design": {NAME: VALUE}, "values": {NAME: VALUE}}. "design" holds the
- * answers of the design, such as the widths of its memory, its formats and debug points; null where they cannot
- * be had, as offline. What a read would change is left out.
+ * answers of the design, such as the widths of its memory, its formats and debug points. What a read would change
+ * is left out.
  */
 json seedOf(Instance& instance, const ParameterList& parameters);
 

@@ -18,6 +18,8 @@ Options onVirtualBoard(Options options) {
 
 std::string designName(const std::string& published) { return published.substr(designPrefix.size()); }
 
+std::string publishedName(const std::string& name) { return std::string(designPrefix) + name; }
+
 /** Puts an answer of the live design on the board. */
 void poke(const applet_host::BoardFunctions& board, LOOMdevice* device, const std::string& name,
           const json& value) {
@@ -51,7 +53,7 @@ void Trial::seed(json seed) {
     m_host->board().restore_design();
     if (const json& design = m_seed.at("design"); !design.is_null())
         for (const std::string& name : designNames())
-            if (!design.contains(name)) m_host->board().lack_parameter(designName(name).c_str(), true);
+            if (!design.contains(publishedName(name))) m_host->board().lack_parameter(name.c_str(), true);
     rewind();
 }
 
@@ -60,7 +62,7 @@ const std::vector<std::string>& Trial::designNames() {
     Instance complete(m_options, m_host, DesignParameters::published);
     const ParameterList design(complete, ParameterList::Scope::design);
     for (const Parameter& parameter : design.all())
-        if (parameter.effectOfReading().empty()) m_designNames.push_back(parameter.name);
+        if (parameter.effectOfReading().empty()) m_designNames.push_back(designName(parameter.name));
     return m_designNames;
 }
 
@@ -74,6 +76,8 @@ void Trial::rewind() {
     logWrites(*m_instance);
 }
 
+void Trial::keep() { m_seed["values"] = valuesOf(*m_instance, *m_parameters); }
+
 void Trial::prepareBoard(LOOMdevice* device) {
     m_host->board().log_kinds(device, 0);
     for (const auto& [name, value] : m_seed.at("design").items())
@@ -85,7 +89,8 @@ void Trial::setValues() {
     // One value can stand in the way of another, so as long as one more is taken there is another round.
     std::vector<std::pair<const Parameter*, const json*>> wanted;
     for (const Parameter& parameter : m_parameters->all())
-        if (const auto found = values.find(parameter.name); found != values.end() && !found->is_null())
+        if (const auto found = values.find(parameter.name);
+            found != values.end() && !found->is_null() && !parameter.writesFile())
             wanted.emplace_back(&parameter, &*found);
     constexpr int mostRounds = 8;
     bool moved = true;

@@ -21,6 +21,8 @@ public:
     void seed(json seed);
     /** Back to the state of the seed. Parameters and targets from before are gone. */
     void rewind();
+    /** From now on the present state is the one to go back to. */
+    void keep();
 
     Instance& instance() { return *m_instance; }
     const ParameterList& parameters() const { return *m_parameters; }
@@ -29,9 +31,11 @@ public:
     /** What differs from the live state: parameters by their names, "design" when the design's answers are those
      *  of the virtual board. */
     const std::vector<std::string>& assumed() const { return m_assumed; }
+    /** What the virtual design has, without what a read would change: "Device1_...". */
+    const std::vector<std::string>& designNames();
+    const Options& options() const { return m_options; }
 
 private:
-    const std::vector<std::string>& designNames();
     void prepareBoard(LOOMdevice* device);
     void setValues();
 
@@ -40,7 +44,7 @@ private:
     json m_seed;
     std::optional<Instance> m_instance;
     std::optional<ParameterList> m_parameters;
-    std::vector<std::string> m_designNames; // all that the virtual design has
+    std::vector<std::string> m_designNames;
     std::vector<std::string> m_assumed;
 };
 

@@ -6,25 +6,6 @@
 namespace appletctl {
 namespace {
 
-struct Assignment {
-    Target target;
-    std::string text; // the value as typed
-    Value value;
-};
-
-std::vector<Assignment> parseAssignments(const ParameterList& parameters, const Words& words) {
-    std::vector<Assignment> assignments;
-    for (const std::string& word : words) {
-        const std::size_t equals = word.find('=');
-        if (equals == 0 || equals == std::string::npos)
-            throw UsageError("'" + printable(word) + "' is not of the form NAME=VALUE");
-        const Target target = findTarget(parameters, word.substr(0, equals));
-        const std::string text = word.substr(equals + 1);
-        assignments.push_back({target, text, parseValue(target, text)});
-    }
-    return assignments;
-}
-
 std::string withUnit(const std::string& limits, const Parameter& parameter) {
     const std::string unit = parameter.unit();
     return unit.empty() ? limits : limits + " " + unit;
@@ -68,44 +49,81 @@ std::string outcomeText(const Target& target, const Value& requested, const Read
 
 } // namespace
 
+std::vector<Assignment> parseAssignments(const ParameterList& parameters, const Words& words) {
+    std::vector<Assignment> assignments;
+    for (const std::string& word : words) {
+        const std::size_t equals = word.find('=');
+        if (equals == 0 || equals == std::string::npos)
+            throw UsageError("'" + printable(word) + "' is not of the form NAME=VALUE");
+        const Target target = findTarget(parameters, word.substr(0, equals));
+        const std::string text = word.substr(equals + 1);
+        assignments.push_back({target, text, parseValue(target, text)});
+    }
+    return assignments;
+}
+
 std::string refusalInWords(const Parameter& parameter, const Value& value, int code) {
     return codeInWords(code) + advice(parameter, value, code);
 }
 
+namespace {
+
+/** Carries out one assignment and adds what came of it to the report. */
+void carryOut(Instance& instance, const Assignment& assignment, const AssignmentHooks& hooks,
+              Report& report) {
+    const Target& target = assignment.target;
+    const Parameter& parameter = *target.parameter;
+    nlohmann::ordered_json row;
+    const std::string asked = toUtf8(assignment.text.c_str());
+    if (hooks.isLeftOut && hooks.isLeftOut(assignment)) {
+        addDescription(row, parameter);
+        row["requested"] = asked;
+        row["leftOut"] = true;
+        report.text += target.name() + "=" + printable(asked) + " would write a file; it was left out\n";
+        report.document["assignments"].push_back(std::move(row));
+        return;
+    }
+    const int code = writeValue(instance, target, assignment.value);
+    const std::vector<std::string> lines = hooks.takeWrites ? hooks.takeWrites() : std::vector<std::string>{};
+    const Reading actual = readValue(instance, target);
+    addDescription(row, parameter);
+    row["requested"] = asked;
+    if (hooks.takeWrites) row["writes"] = lines;
+    if (actual.error == FG_OK) addValue(row, target, actual.value);
+    std::string more;
+    if (code == FG_OK) {
+        report.text += outcomeText(target, assignment.value, actual) + '\n';
+        if (hooks.after) more = hooks.after(assignment, row);
+    } else {
+        std::string refusal = target.name() + "=" + printable(asked) +
+                              " was refused: " + refusalInWords(parameter, assignment.value, code);
+        if (!lines.empty()) report.text += target.name() + ", written before it was refused\n";
+        row["error"] = codeAsJson(code);
+        if (hooks.wayOut) refusal += hooks.wayOut(assignment, row);
+        row["error"]["message"] = refusal;
+        report.problems.push_back(std::move(refusal));
+        report.exitCode = exitRefused;
+    }
+    for (const std::string& line : lines)
+        report.text += "  " + line + '\n';
+    report.text += more;
+    report.document["assignments"].push_back(std::move(row));
+}
+
+} // namespace
+
 Report carryOut(Instance& instance, const ParameterList& parameters, const Words& words,
-                const TakeWrites& takeWrites) {
+                const AssignmentHooks& hooks) {
     Report report;
-    auto& done = report.document["assignments"] = nlohmann::ordered_json::array();
+    report.document["assignments"] = nlohmann::ordered_json::array();
     const std::vector<Assignment> assignments = parseAssignments(parameters, words);
     std::vector<std::string> notSet;
+    for (const Assignment& assignment : assignments)
+        notSet.push_back(assignment.target.name());
     for (const Assignment& assignment : assignments) {
-        const Target& target = assignment.target;
-        const Parameter& parameter = *target.parameter;
-        if (report.exitCode != exitDone) {
-            notSet.push_back(target.name());
-            continue;
-        }
-        const int code = writeValue(instance, target, assignment.value);
-        const std::vector<std::string> lines = takeWrites ? takeWrites() : std::vector<std::string>{};
-        const Reading actual = readValue(instance, target);
-        nlohmann::ordered_json row;
-        addDescription(row, parameter);
-        row["requested"] = toUtf8(assignment.text.c_str());
-        if (takeWrites) row["writes"] = lines;
-        if (actual.error == FG_OK) addValue(row, target, actual.value);
-        if (code == FG_OK) {
-            report.text += outcomeText(target, assignment.value, actual) + '\n';
-        } else {
-            report.problems.push_back(target.name() + "=" + printable(toUtf8(assignment.text.c_str())) +
-                                      " was refused: " + refusalInWords(parameter, assignment.value, code));
-            row["error"] = codeAsJson(code);
-            row["error"]["message"] = report.problems.back();
-            report.exitCode = exitRefused;
-            if (!lines.empty()) report.text += target.name() + ", written before it was refused\n";
-        }
-        for (const std::string& line : lines)
-            report.text += "  " + line + '\n';
-        done.push_back(std::move(row));
+        notSet.erase(notSet.begin());
+        carryOut(instance, assignment, hooks, report);
+        if (report.exitCode != exitDone) break;
     }
     if (notSet.empty()) return report;
     report.problems.push_back("not set after that: " + join(notSet, ", "));

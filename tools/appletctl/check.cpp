@@ -1,19 +1,36 @@
-#include "appletctl/commands.h"
-#include "appletctl/loading.h"
+#include "appletctl/check.h"
+
+#include "appletctl/Work.h"
+#include "appletctl/jobs.h"
+#include "appletctl/reports.h"
 #include "appletctl/text.h"
 
 namespace appletctl {
 
+json checkJob(Trial& trial, const json& arguments) {
+    FileKeys keys(trial);
+    const LoadOutcome outcome = loadAndCompare(trial, keys, arguments.at("file").get<std::string>());
+    Report report;
+    addFindings(report, outcome.findings);
+    return {{"report", asMessage(report)}, {"code", outcome.code}, {"state", asBytes(outcome.state)}};
+}
+
+Check askCheck(ScratchBoard& scratch, const std::string& file) {
+    const json answer = scratch.ask("check", {{"file", file}});
+    return {reportOf(answer["report"]), answer["code"].get<int>(),
+            ConfigurationFile(bytesOf(answer["state"]))};
+}
+
 Report checkConfiguration(Context& context, const Words& words) {
-    requireBoard(context.options(),
-                 "check"); // the virtual one: without it no format and no memory size is known
     const std::string& file = fileOf(words);
-    Work work(context, {});
-    work.report.document["file"] = toUtf8(file.c_str());
-    FileKeys keys(context.options());
-    addFindings(work, loadAndCompare(work, keys, file, context.options(), {}));
-    if (!work.isRefused()) work.report.text += "A load of " + shownFile(file) + " loses nothing.\n";
-    return work.report;
+    Report report;
+    report.document["file"] = toUtf8(file.c_str());
+    // A virtual board is no other than the scratch board itself.
+    const bool isSystem = context.options().board == BoardKind::system && !context.options().offline;
+    append(report, askCheck(isSystem ? context.scratchAtDefaults() : context.bareScratch(), file).report);
+    if (report.exitCode == exitDone) report.text += "A load of " + shownFile(file) + " loses nothing.\n";
+    if (isSystem || context.options().offline) addAssumed(report, context.assumed());
+    return report;
 }
 
 } // namespace appletctl

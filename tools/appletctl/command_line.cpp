@@ -10,7 +10,6 @@
 namespace appletctl {
 namespace {
 
-constexpr CommandGroup traceGroup = {"trace", "Show what a command does to the design"};
 constexpr CommandGroup lutGroup = {"lut", "Show, draw, save and load the lookup table"};
 
 void addLutChannel(CLI::App& command, Options& options) {
@@ -33,6 +32,37 @@ void addWatchOptions(CLI::App& command, Options& options) {
         ->check(CLI::Range(1, std::numeric_limits<int>::max()));
 }
 
+void addWith(CLI::App& command, Options& options) {
+    command.add_option("--with", options.with, "Answer as if this were set")
+        ->type_name("NAME=VALUE")
+        ->allow_extra_args(false);
+}
+
+void addDepsOptions(CLI::App& command, Options& options) {
+    addWith(command, options);
+    command.add_flag("--dot", options.dot, "Print a graph in the language DOT");
+}
+
+void addSetOptions(CLI::App& command, Options& options) {
+    command.add_flag("--any-order", options.anyOrder, "Find an order in which all pass, and set in it");
+    command.add_flag("--verify", options.verify, "Read back, from the design as well");
+}
+
+void addYes(CLI::App& command, Options& options) {
+    command.add_flag("--yes", options.yes, "Do it without a question");
+}
+
+void addStrict(CLI::App& command, Options& options) {
+    command.add_flag("--strict", options.strict, "Load nothing if anything of the file would be lost");
+}
+
+void addLive(CLI::App& command, Options& options) {
+    command.add_flag("--live", options.live, "Show the parameters beside two files");
+}
+
+/** All that stands behind is the business of another command line. */
+void addTracedCommand(CLI::App& command, Options&) { command.prefix_command()->fallthrough(false); }
+
 constexpr auto usesNoScratch = Context::Scratch::none;
 constexpr auto usesScratch = Context::Scratch::wanted;
 
@@ -42,9 +72,21 @@ constexpr Command commands[] = {
     {nullptr, "get", "Read parameters", "NAME", "Parameters, in any case, with or without FG_", 1, -1,
      getParameters},
     {nullptr, "set", "Set parameters in order; stops at the first refusal", "NAME=VALUE",
-     "Numbers decimal or 0x.., entries of enumerations by name or number", 1, -1, setParameters},
-    {nullptr, "plan", "Show what assignments would do, without doing it", "NAME=VALUE",
-     "As for the command set", 1, -1, planChanges, usesScratch},
+     "Numbers decimal or 0x.., entries of enumerations by name or number", 1, -1, setParameters, usesScratch,
+     addSetOptions},
+    {nullptr, "reset", "Set parameters to their defaults", "NAME",
+     "Parameters, all without names; then assignments to carry out before", 0, -1, resetParameters,
+     usesScratch},
+    {nullptr, "limits", "Show what is accepted now, and which parameter sets each limit", "NAME",
+     "Parameters, or elements of one", 1, -1, showLimits, usesScratch, addWith},
+    {nullptr, "why", "Say why a parameter is read-only or refuses a value, and what would free it",
+     "NAME[=VALUE]", "Parameters or assignments", 1, -1, explainParameters, usesScratch, addWith},
+    {nullptr, "deps", "Show what a parameter moves and what moves it", "NAME", "Parameter", 1, 1,
+     showDependencies, usesScratch, addDepsOptions},
+    {nullptr, "plan", "Show what assignments, or a load of a file, would do, without doing it",
+     "NAME=VALUE|FILE", "As for the command set; or a configuration file", 1, -1, planChanges, usesScratch},
+    {nullptr, "apply", "Show what they would do, and do it after a question", "NAME=VALUE|FILE",
+     "As for the command plan", 1, -1, applyChanges, usesScratch, addYes},
     {nullptr, "describe", "Show all that is known of parameters", "NAME", "Parameters", 1, -1,
      describeParameters},
     {nullptr, "info", "Show what the applet says of itself", nullptr, nullptr, 0, 0, showInfo},
@@ -55,17 +97,19 @@ constexpr Command commands[] = {
     {nullptr, "watch", "Read parameters over and over; ends on Ctrl-C", "NAME", "Parameters", 1, -1,
      watchParameters, usesNoScratch, addWatchOptions},
     {nullptr, "route", "Show what each output, analyzer and event listens to, and what the board holds",
-     "NAME=VALUE", "Assignments to carry out before", 0, -1, showRoutes},
+     "NAME=VALUE", "Assignments to carry out before", 0, -1, showRoutes, usesScratch},
     {nullptr, "save", "Save the parameters to a configuration file", "FILE",
-     "File to write, .mcf, then assignments to carry out before", 1, -1, saveConfiguration},
+     "File to write, .mcf, then assignments to carry out before", 1, -1, saveConfiguration, usesScratch},
     {nullptr, "load", "Load a configuration file and say what was lost of it", "FILE",
-     "File to read, then assignments to carry out before", 1, -1, loadConfiguration},
+     "File to read, then assignments to carry out before", 1, -1, loadConfiguration, usesScratch, addStrict},
     {nullptr, "check", "Say what a load of a configuration file would lose", "FILE", "File to read", 1, 1,
-     checkConfiguration},
+     checkConfiguration, usesScratch},
     {nullptr, "diff", "Compare a configuration file with another one, or with the parameters", "FILE",
-     "File, then another one or assignments to carry out before", 1, -1, compareConfigurations},
-    {&traceGroup, "set", "Set parameters and show what reached the design, in order", "NAME=VALUE",
-     "As for the command set", 1, -1, traceSet},
+     "File, then another one or assignments to carry out before", 1, -1, compareConfigurations, usesScratch,
+     addLive},
+    {nullptr, "trace",
+     "Show what a command does to the design; or compare two such logs: trace diff FILE FILE", "COMMAND",
+     "A command with its words", 0, -1, compareTraces, usesNoScratch, addTracedCommand},
     {&lutGroup, "show", "Show what the tables are like, and a curve", "NAME=VALUE",
      "Assignments to carry out before", 0, -1, showLut, usesNoScratch, addLutChannel},
     {&lutGroup, "plot", "Draw the curves of all colours as SVG", "FILE",
@@ -93,14 +137,17 @@ CLI::App* groupCommand(CLI::App& program, const CommandGroup* group) {
 
 void addCommand(CLI::App& program, const Command& command, Request& request) {
     CLI::App* added = groupCommand(program, command.group)->add_subcommand(command.name, command.help);
-    if (command.argument != nullptr) {
+    if (command.addOptions != nullptr) command.addOptions(*added, request.options);
+    if (command.argument != nullptr && !added->get_prefix_command()) {
         CLI::Option* words = added->add_option(command.argument, request.words, command.argumentHelp);
         words->expected(command.fewest,
                         command.most < 0 ? CLI::detail::expected_max_vector_size : command.most);
         words->required(command.fewest > 0);
     }
-    if (command.addOptions != nullptr) command.addOptions(*added, request.options);
-    added->callback([&request, &command] { request.command = &command; });
+    added->callback([&request, &command, added] {
+        request.command = &command;
+        if (added->get_prefix_command()) request.words = added->remaining();
+    });
 }
 
 void addGlobalOptions(CLI::App& program, Options& options) {
@@ -158,8 +205,23 @@ std::string fullName(const Command& command) {
     return (command.group != nullptr ? std::string(command.group->name) + " " : "") + command.name;
 }
 
-Request parseCommandLine(const Words& words) {
+namespace {
+
+/** The request of the command behind "trace"; its own options go before those that stood in front of it. */
+Request tracedRequest(const Request& trace) {
+    Request request = parseCommandLine(trace.words, trace.options);
+    if (request.command != nullptr && request.command->run == compareTraces)
+        return {
+            trace.options, nullptr, {}, failureReport("usage", "'trace' stands behind 'trace'", exitUsage)};
+    request.options.trace = true;
+    return request;
+}
+
+} // namespace
+
+Request parseCommandLine(const Words& words, const Options& options) {
     Request request;
+    request.options = options;
     CLI::App program("Shows and sets the parameters of the applet.", "appletctl");
     program.fallthrough();            // global options may stand behind the command as well
     program.require_subcommand(0, 1); // a further word of that name is the command's own
@@ -177,6 +239,9 @@ Request parseCommandLine(const Words& words) {
         // Which options were read before the error is not told.
         request.options.json |= std::ranges::find(words, "--json") != words.end();
     }
+    if (request.command == nullptr || request.command->run != compareTraces) return request;
+    if (request.words.empty() || request.words.front() != "diff") return tracedRequest(request);
+    request.words.erase(request.words.begin());
     return request;
 }
 

@@ -42,8 +42,8 @@ struct Request {
     Report outcome;
 };
 
-/** Reads the words behind the program's name. Nothing is loaded. */
-Request parseCommandLine(const Words& words);
+/** Reads the words behind the program's name; `options` are those from before. Nothing is loaded. */
+Request parseCommandLine(const Words& words, const Options& options = {});
 
 } // namespace appletctl
 

@@ -11,9 +11,20 @@ namespace appletctl {
 Report listParameters(Context& context, const Words& pattern);
 Report getParameters(Context& context, const Words& names);
 Report setParameters(Context& context, const Words& assignments);
-Report traceSet(Context& context, const Words& assignments);
-/** What the assignments would do, tried on a scratch board. */
-Report planChanges(Context& context, const Words& assignments);
+/** Compares two logs of "trace". */
+Report compareTraces(Context& context, const Words& files);
+/** What the setters accept now, and what sets each limit. */
+Report showLimits(Context& context, const Words& names);
+/** Why parameters are read-only, or refuse a value, and what would free them. */
+Report explainParameters(Context& context, const Words& words);
+/** What a parameter moves, and what moves it. */
+Report showDependencies(Context& context, const Words& name);
+/** Sets parameters to their defaults; all without names. The assignments are carried out first. */
+Report resetParameters(Context& context, const Words& namesAndAssignments);
+/** What assignments, or a load of a file, would do, tried on a scratch board. */
+Report planChanges(Context& context, const Words& assignmentsOrFile);
+/** The same, and then does it. */
+Report applyChanges(Context& context, const Words& assignmentsOrFile);
 Report describeParameters(Context& context, const Words& names);
 Report showInfo(Context& context, const Words& none);
 Report showXml(Context& context, const Words& none);

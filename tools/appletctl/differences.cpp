@@ -1,8 +1,11 @@
 #include "appletctl/differences.h"
 
+#include "appletctl/jobs.h"
 #include "appletctl/text.h"
 
 #include <unistd.h>
+
+#include <algorithm>
 
 namespace appletctl {
 namespace {
@@ -28,24 +31,59 @@ nlohmann::ordered_json asJson(const Parameter& parameter, const std::optional<st
 
 } // namespace
 
-std::size_t addDifferences(Report& report, const Side& a, const Side& b, const ParameterList& parameters,
+std::size_t addDifferences(Report& report, const std::vector<Side>& sides, const ParameterList& parameters,
                            FileKeys& keys) {
     auto& rows = report.document["differences"] = nlohmann::ordered_json::array();
+    std::vector<std::string> titles{"NAME"};
+    for (const Side& side : sides)
+        titles.push_back(side.title);
     Table table;
-    table.setTitles({"NAME", a.title, b.title});
+    table.setTitles(titles);
     for (const auto& line : keys.defaults().values()) {
         const Parameter& parameter = parameters.find(line.key);
-        const auto first = a.file->value(line.key);
-        const auto second = b.file->value(line.key);
-        if (isSame(parameter, first, second) || !keys.isReadByLoad(line.key)) continue;
-        table.addRow({parameter.name, cell(parameter, first), cell(parameter, second)});
-        rows.push_back({{"name", parameter.name},
-                        {"unit", parameter.unit()},
-                        {a.member, asJson(parameter, first)},
-                        {b.member, asJson(parameter, second)}});
+        std::vector<std::optional<std::string>> values;
+        for (const Side& side : sides)
+            values.push_back((side.file != nullptr ? *side.file : keys.defaults()).value(line.key));
+        const bool areSame = std::ranges::all_of(
+            values, [&](const auto& value) { return isSame(parameter, values.front(), value); });
+        if (areSame || !keys.isReadByLoad(line.key)) continue;
+        std::vector<std::string> cells{parameter.name};
+        nlohmann::ordered_json row = {{"name", parameter.name}, {"unit", parameter.unit()}};
+        for (std::size_t i = 0; i < sides.size(); ++i) {
+            cells.push_back(cell(parameter, values[i]));
+            row[sides[i].member] = asJson(parameter, values[i]);
+        }
+        table.addRow(cells);
+        rows.push_back(std::move(row));
     }
     if (!rows.empty()) report.text += table.render(Style::forStream(STDOUT_FILENO));
     return rows.size();
+}
+
+json differencesJob(Trial& trial, const json& arguments) {
+    std::vector<std::optional<ConfigurationFile>> files;
+    for (const json& side : arguments) {
+        const json& text = side.at("text");
+        files.push_back(text.is_null() ? std::nullopt : std::optional<ConfigurationFile>(bytesOf(text)));
+    }
+    std::vector<Side> sides;
+    for (std::size_t i = 0; i < files.size(); ++i)
+        sides.push_back({arguments[i].at("title").get<std::string>(),
+                         arguments[i].at("member").get<std::string>(), files[i] ? &*files[i] : nullptr});
+    Report report;
+    FileKeys keys(trial);
+    addDifferences(report, sides, trial.parameters(), keys);
+    return asMessage(report);
+}
+
+std::size_t askDifferences(Report& report, const std::vector<Side>& sides, ScratchBoard& scratch) {
+    json arguments = json::array();
+    for (const Side& side : sides)
+        arguments.push_back({{"title", side.title},
+                             {"member", side.member},
+                             {"text", side.file != nullptr ? asBytes(side.file->text()) : json()}});
+    append(report, reportOf(scratch.ask("differences", arguments)));
+    return report.document["differences"].size();
 }
 
 } // namespace appletctl

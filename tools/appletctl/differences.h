@@ -1,8 +1,9 @@
-/** Two configurations side by side. */
+/** Configurations side by side. */
 #ifndef APPLETCTL_DIFFERENCES_H
 #define APPLETCTL_DIFFERENCES_H
 
 #include "appletctl/loading.h"
+#include "appletctl/reports.h"
 
 #include <nlohmann/json.hpp>
 
@@ -11,17 +12,20 @@
 
 namespace appletctl {
 
-/** One of two configurations. */
+/** One of the configurations. */
 struct Side {
-    std::string title;  // of its column
-    const char* member; // of a difference in the document
-    const ConfigurationFile* file;
+    std::string title;             // of its column
+    std::string member;            // of a difference in the document
+    const ConfigurationFile* file; // null: the defaults
 };
 
-/** Compares what a load would read; measurements and what is saved for the reader only are left out. Adds the
- *  table to the text and "differences" to the document. Returns their number. */
-std::size_t addDifferences(Report& report, const Side& a, const Side& b, const ParameterList& parameters,
+/** Compares what a load would read, on the scratch board; measurements and what is saved for the reader only are
+ *  left out. Adds the table to the text and "differences" to the document. Returns their number. */
+std::size_t addDifferences(Report& report, const std::vector<Side>& sides, const ParameterList& parameters,
                            FileKeys& keys);
+
+/** The same, asked of a scratch board. */
+std::size_t askDifferences(Report& report, const std::vector<Side>& sides, ScratchBoard& scratch);
 
 } // namespace appletctl
 

@@ -11,7 +11,9 @@ struct JobRow {
 };
 
 constexpr JobRow jobs[] = {
-    {"plan", planJob},
+    {"check", checkJob},   {"defaults", defaultsJob}, {"deps", depsJob},   {"differences", differencesJob},
+    {"expect", expectJob}, {"limits", limitsJob},     {"order", orderJob}, {"plan", planJob},
+    {"routes", routesJob}, {"wayOut", wayOutJob},     {"why", whyJob},
 };
 
 } // namespace

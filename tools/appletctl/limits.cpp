@@ -90,8 +90,10 @@ const char* kindName(const Parameter& parameter) {
 }
 
 std::string accessWord(const Parameter& parameter) {
-    if (parameter.record == nullptr) return "-";
-    const std::uint32_t access = parameter.record->access;
+    return parameter.record != nullptr ? accessWord(parameter.record->access) : "-";
+}
+
+std::string accessWord(std::uint32_t access) {
     const bool writable = (access & REGISTER_ACCESS_WRITE) != 0;
     if (!writable) return "ro";
     std::string word = (access & REGISTER_ACCESS_READ) != 0 ? "rw" : "wo";
@@ -111,6 +113,18 @@ std::vector<Entry> entriesOf(const Parameter& parameter) {
 }
 
 const std::string& entryName(const Entry& entry) { return entry.symbol.empty() ? entry.label : entry.symbol; }
+
+std::optional<Limits> limitsOf(const Parameter& parameter) {
+    std::optional<Limits> limits;
+    withLimits(parameter, [&](const auto& published) {
+        if (!areUsable(published)) return;
+        using Number = std::decay_t<decltype(published.minimum)>;
+        Number increment{};
+        if constexpr (!isArrayLimits<std::decay_t<decltype(published)>>) increment = published.increment;
+        limits = {published.minimum, published.maximum, increment};
+    });
+    return limits;
+}
 
 std::string limitsText(const Parameter& parameter) {
     std::string text;

@@ -8,6 +8,7 @@
 #include <nlohmann/json.hpp>
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,8 @@ const char* kindName(const Parameter& parameter);
 
 /** "ro", "rw", "rw+" (writable while an acquisition runs as well), "-" without record. */
 std::string accessWord(const Parameter& parameter);
+/** The same of a record's access bits. */
+std::string accessWord(std::uint32_t access);
 
 struct Entry {
     std::int32_t value;
@@ -30,6 +33,16 @@ std::vector<Entry> entriesOf(const Parameter& parameter);
 
 /** The name by which an entry is shown: its symbol, or its label when it has none. */
 const std::string& entryName(const Entry& entry);
+
+/** Limits of a number, or of the elements of an array, in its native type; an array has no increment. */
+struct Limits {
+    Value minimum, maximum, increment;
+
+    bool operator==(const Limits&) const = default;
+};
+
+/** The published limits; nothing where the record has none that say anything. */
+std::optional<Limits> limitsOf(const Parameter& parameter);
 
 /** "4 to 16384 in steps of 4"; "0 to 65535, 16384 elements"; empty where the record has no usable limits. */
 std::string limitsText(const Parameter& parameter);

@@ -1,9 +1,14 @@
 #include "appletctl/loading.h"
 
+#include "appletctl/assignments.h"
 #include "appletctl/limits.h"
 #include "appletctl/text.h"
+#include "appletctl/writes.h"
+
+#include "vexo/fg_errors.h"
 
 #include <algorithm>
+#include <string_view>
 
 namespace appletctl {
 namespace {
@@ -25,25 +30,21 @@ std::string headerTrouble(const ConfigurationFile& asked, FileKeys& keys) {
     return missing.empty() ? "" : "its header lacks " + join(missing, ", ");
 }
 
-/** Judges the values of a file one by one. The setters are asked on an instance of its own, where the same file
- *  was loaded; nothing is set at the caller's. */
+/** Judges the values of a file one by one, on the board where it was loaded. */
 class Judge {
 public:
-    Judge(const std::string& path, const ConfigurationFile& asked, const ConfigurationFile& state,
-          const Options& options, const Words& assignments)
-        : m_path(path)
+    Judge(Trial& trial, const std::string& path, const ConfigurationFile& asked,
+          const ConfigurationFile& state)
+        : m_trial(trial)
+        , m_path(path)
         , m_asked(asked)
-        , m_state(state)
-        , m_context(options)
-        , m_trial(m_context, assignments) {
-        load(m_trial.instance, m_path);
-    }
+        , m_state(state) {}
 
     /** What came of a line of the file; nothing if its value holds now and the setter agrees. */
     std::optional<Finding> judge(const ConfigurationFile::Line& line) {
         const std::string& key = line.key;
         const std::string& asked = line.value;
-        const Parameter& wanted = m_trial.parameters.find(key);
+        const Parameter& wanted = m_trial.parameters().find(key);
         const std::string is = m_state.value(key).value_or("");
         const bool isKept = isSameValue(wanted, asked, is);
         const std::string change = key + ": the file has " + fileValueText(wanted, asked) +
@@ -52,7 +53,7 @@ public:
         if (!value && !isKept)
             return Finding{"unreadable", key, change + ": a load reads decimal numbers with a point"};
         if (!value || isComputed(wanted, line)) return std::nullopt;
-        const int code = writeValue(m_trial.instance, {&wanted}, *value);
+        const int code = writeValue(m_trial.instance(), {&wanted}, *value);
         if (code != FG_OK) return refusal(wanted, *value, code, isKept ? "" : change);
         if (isKept) return std::nullopt;
         if (isSameValue(wanted, onTrial(key), is))
@@ -65,8 +66,10 @@ public:
     }
 
 private:
-    /** What a save on the trial instance would write now. */
-    std::string onTrial(const std::string& key) { return stateOf(m_trial.instance).value(key).value_or(""); }
+    /** What a save would write now. */
+    std::string onTrial(const std::string& key) {
+        return stateOf(m_trial.instance()).value(key).value_or("");
+    }
 
     /** True for a rate that the present mode computes from other parameters, whatever the file says. */
     bool isComputed(const Parameter& parameter, const ConfigurationFile::Line& line) {
@@ -74,9 +77,9 @@ private:
         const TemporaryFile other;
         other.write(m_asked.textWith(line, line.key + "=-12345.678;\n"));
         const std::string before = onTrial(line.key);
-        load(m_trial.instance, other.path());
+        load(m_trial.instance(), other.path());
         const bool isUnmoved = onTrial(line.key) == before;
-        load(m_trial.instance, m_path);
+        load(m_trial.instance(), m_path);
         return isUnmoved;
     }
 
@@ -90,11 +93,10 @@ private:
                     ". It reads back all the same, and setters of other parameters work with it"};
     }
 
+    Trial& m_trial;
     const std::string& m_path;
     const ConfigurationFile& m_asked;
     const ConfigurationFile& m_state;
-    Context m_context;
-    Work m_trial;
 };
 
 std::vector<Finding> missingKeys(const ConfigurationFile& asked, const ConfigurationFile& state,
@@ -120,7 +122,9 @@ std::string whyUnknown(const ParameterList& parameters, const std::string& key) 
 
 } // namespace
 
-FileKeys::FileKeys(const Options& options) : m_instance(options), m_defaults(stateOf(m_instance)) {}
+FileKeys::FileKeys(Trial& trial)
+    : m_instance(trial.options(), trial.instance().host())
+    , m_defaults(stateOf(m_instance)) {}
 
 bool FileKeys::isReadByLoad(const std::string& key) {
     const auto* line = ConfigurationFile::find(m_defaults.header(), key);
@@ -130,27 +134,18 @@ bool FileKeys::isReadByLoad(const std::string& key) {
     return load(m_instance, m_trial.path()) != FG_OK;
 }
 
-std::vector<Finding> loadAndCompare(Work& work, FileKeys& keys, const std::string& file,
-                                    const Options& options, const Words& assignments) {
-    const int code = load(work.instance, file);
-    const auto notLoaded = [&](const std::string& why) {
-        return Finding{"file", "", "nothing was loaded: " + codeInWords(code) + "; " + why};
-    };
-    if (code == FG_ERR_FILE_TYPE)
-        return {notLoaded("the file must exist, and .mcf must be part of its name")};
-    const ConfigurationFile asked = ConfigurationFile::read(file);
-    if (code != FG_OK)
-        if (const std::string why = headerTrouble(asked, keys); !why.empty()) return {notLoaded(why)};
-    const ConfigurationFile state = stateOf(work.instance);
-    std::vector<Finding> findings = missingKeys(asked, state, keys, work.parameters);
-    if (code != FG_OK && findings.empty()) return {notLoaded("its lines must not end in a carriage return")};
+namespace {
 
-    Judge judge(file, asked, state, options, assignments);
+/** What came of all lines. */
+std::vector<Finding> judgeLines(Trial& trial, FileKeys& keys, const std::string& file,
+                                const ConfigurationFile& asked, const ConfigurationFile& state) {
+    std::vector<Finding> findings;
+    Judge judge(trial, file, asked, state);
     for (const auto& line : asked.values()) {
         if (ConfigurationFile::find(keys.defaults().values(), line.key) == nullptr) {
             findings.push_back({"unknown", line.key,
                                 printable(toUtf8(line.key.c_str())) +
-                                    " was ignored: " + whyUnknown(work.parameters, line.key)});
+                                    " was ignored: " + whyUnknown(trial.parameters(), line.key)});
         } else if (&line != ConfigurationFile::find(asked.values(), line.key)) {
             findings.push_back(
                 {"repeated", line.key, line.key + " stands there again: only the first one counts"});
@@ -162,17 +157,89 @@ std::vector<Finding> loadAndCompare(Work& work, FileKeys& keys, const std::strin
     return findings;
 }
 
-void addFindings(Work& work, const std::vector<Finding>& findings) {
-    auto& rows = work.report.document["findings"] = nlohmann::ordered_json::array();
+/** Adds to a refused value what the board holds because of it: the same file is loaded once more with the value
+ *  from before in its place. */
+void addReached(Trial& trial, const ConfigurationFile& asked, const ConfigurationFile& before,
+                const DesignPicture& loaded, Finding& finding) {
+    using namespace std::string_view_literals;
+    const auto* line = ConfigurationFile::find(asked.values(), finding.key);
+    const auto* old = ConfigurationFile::find(before.values(), finding.key);
+    if (line == nullptr || old == nullptr || (finding.kind != "refused"sv && finding.kind != "kept"sv))
+        return;
+    const TemporaryFile other;
+    other.write(asked.textWith(*line, before.text().substr(old->begin, old->length)));
+    trial.rewind();
+    load(trial.instance(), other.path());
+    finding.reached = DesignPicture(trial).changesTo(loaded);
+    if (finding.reached.empty()) {
+        finding.message += "; nothing of it has reached the board";
+        return;
+    }
+    std::vector<std::string> words;
+    for (const DesignChange& change : finding.reached)
+        words.push_back(change.parameter + " " + change.after + " (" + change.before + " without it)");
+    finding.message += "; the board has got it all the same: " + join(words, ", ");
+}
+
+/** Why nothing of the file was loaded; nothing if something was. */
+std::optional<Finding> wholeFileFinding(int code, const ConfigurationFile& asked, FileKeys& keys,
+                                        bool areKeysMissing) {
+    if (code == FG_OK) return std::nullopt;
+    std::string why = headerTrouble(asked, keys);
+    if (why.empty() && !areKeysMissing) why = "its lines must not end in a carriage return";
+    if (why.empty()) return std::nullopt;
+    return Finding{"file", "", "nothing was loaded: " + codeInWords(code) + "; " + why};
+}
+
+} // namespace
+
+LoadOutcome loadAndCompare(Trial& trial, FileKeys& keys, const std::string& file) {
+    LoadOutcome outcome;
+    const ConfigurationFile before = stateOf(trial.instance());
+    const DesignPicture picture(trial);
+    takeWrites(trial.instance());
+    outcome.code = load(trial.instance(), file);
+    outcome.writes = takeWrites(trial.instance());
+    const DesignPicture loaded(trial);
+    outcome.changes = picture.changesTo(loaded);
+    for (const Parameter& parameter : trial.parameters().all())
+        outcome.facts.push_back(factsNow(trial.instance(), parameter));
+    const ConfigurationFile state = stateOf(trial.instance());
+    outcome.state = state.text();
+    if (outcome.code == FG_ERR_FILE_TYPE) {
+        outcome.findings = {{"file", "",
+                             "nothing was loaded: " + codeInWords(outcome.code) +
+                                 "; the file must exist, and .mcf must be part of its name"}};
+        return outcome;
+    }
+    const ConfigurationFile asked = ConfigurationFile::read(file);
+    outcome.findings = missingKeys(asked, state, keys, trial.parameters());
+    if (const auto whole = wholeFileFinding(outcome.code, asked, keys, !outcome.findings.empty())) {
+        outcome.findings = {*whole};
+        return outcome;
+    }
+    for (Finding& finding : judgeLines(trial, keys, file, asked, state))
+        outcome.findings.push_back(std::move(finding));
+    for (Finding& finding : outcome.findings)
+        addReached(trial, asked, before, loaded, finding);
+    return outcome;
+}
+
+void addFindings(Report& report, const std::vector<Finding>& findings) {
+    auto& rows = report.document["findings"] = nlohmann::ordered_json::array();
     for (const Finding& finding : findings) {
-        rows.push_back({{"kind", finding.kind},
-                        {"name", toUtf8(finding.key.c_str())},
-                        {"isLoss", finding.isLoss},
-                        {"message", finding.message}});
-        if (finding.isLoss)
-            work.refuse(finding.message);
-        else
-            work.report.text += finding.message + '\n';
+        nlohmann::ordered_json row = {{"kind", finding.kind},
+                                      {"name", toUtf8(finding.key.c_str())},
+                                      {"isLoss", finding.isLoss},
+                                      {"message", finding.message}};
+        if (!finding.reached.empty()) row["reached"] = asJson(finding.reached);
+        rows.push_back(std::move(row));
+        if (!finding.isLoss) {
+            report.text += finding.message + '\n';
+            continue;
+        }
+        report.problems.push_back(finding.message);
+        report.exitCode = exitRefused;
     }
 }
 

@@ -1,11 +1,14 @@
-/** Loads configuration files and tells what was lost of them. The applet does not: it says that something is
- *  missing but not what, and drops in silence what a setter refuses. */
+/** Loads configuration files and tells what is lost of them. The applet does not: it says that something is
+ *  missing but not what, and drops in silence what a setter refuses. All of it happens on the scratch board. */
 #ifndef APPLETCTL_LOADING_H
 #define APPLETCTL_LOADING_H
 
 #include "appletctl/ConfigurationFile.h"
-#include "appletctl/Work.h"
+#include "appletctl/DesignPicture.h"
+#include "appletctl/Facts.h"
+#include "appletctl/output.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,7 +18,7 @@ namespace appletctl {
  *  those that it saves, and one that a load fails without is one that a load reads. */
 class FileKeys {
 public:
-    explicit FileKeys(const Options& options);
+    explicit FileKeys(Trial& trial);
 
     /** The state after the start. */
     const ConfigurationFile& defaults() const { return m_defaults; }
@@ -39,14 +42,24 @@ struct Finding {
     std::string key; // empty for the whole file
     std::string message;
     bool isLoss = true;
+    std::vector<DesignChange> reached{}; /**< of a refused value: what the board holds because of it */
 };
 
-/** Loads the file into the instance at work, which has carried out the assignments; gives what came of it. */
-std::vector<Finding> loadAndCompare(Work& work, FileKeys& keys, const std::string& file,
-                                    const Options& options, const Words& assignments);
+/** A load as the scratch board saw it. */
+struct LoadOutcome {
+    int code = 0;
+    std::string state; /**< text of what a save would write then */
+    std::vector<Finding> findings;
+    std::vector<std::string> writes;     /**< of the design, in order */
+    std::vector<DesignChange> changes{}; /**< in the design */
+    std::vector<Facts> facts{};          /**< of all parameters */
+};
+
+/** Loads the file into the scratch board and looks what came of it; the board is not put back. */
+LoadOutcome loadAndCompare(Trial& trial, FileKeys& keys, const std::string& file);
 
 /** Adds the losses to the problems, what was rounded to the text, and all of them to the document. */
-void addFindings(Work& work, const std::vector<Finding>& findings);
+void addFindings(Report& report, const std::vector<Finding>& findings);
 
 } // namespace appletctl
 

@@ -1,5 +1,6 @@
 /** appletctl: shows and sets the parameters of the applet. */
 #include "appletctl/command_line.h"
+#include "appletctl/trace.h"
 
 #include <exception>
 
@@ -12,7 +13,9 @@ Report run(const Request& request) {
     if (request.command == nullptr) return request.outcome;
     try {
         Context context(request.options, request.command->scratch);
-        return request.command->run(context, request.words);
+        const auto runCommand = [&] { return request.command->run(context, request.words); };
+        if (!request.options.trace) return runCommand();
+        return traceRun(context, request.command->run == setParameters, runCommand);
     } catch (const UsageError& error) {
         return failureReport("usage", error.what(), exitUsage);
     } catch (const Unavailable& error) {
@@ -29,6 +32,7 @@ Report run(const Request& request) {
 int main(int argc, char** argv) {
     const Request request = parseCommandLine(Words(argv + 1, argv + argc));
     setOutputMode(request.options);
-    const std::string name = request.command != nullptr ? fullName(*request.command) : "";
+    const std::string trace = request.options.trace ? "trace " : "";
+    const std::string name = request.command != nullptr ? trace + fullName(*request.command) : "";
     return print(run(request), name, request.options);
 }

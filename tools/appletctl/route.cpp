@@ -2,6 +2,7 @@
 // and polarity, and what they should hold, is asked of the applet itself: a scratch board gets the same pair.
 
 #include "appletctl/assignments.h"
+#include "appletctl/jobs.h"
 #include "appletctl/text.h"
 #include "appletctl/writes.h"
 
@@ -10,6 +11,7 @@
 #include <algorithm>
 #include <optional>
 #include <sstream>
+#include <type_traits>
 
 namespace appletctl {
 namespace {
@@ -50,32 +52,29 @@ std::vector<Route> routesOf(const ParameterList& parameters) {
     return routes;
 }
 
-void setOnScratch(Instance& scratch, const Target& target, const Value& value) {
-    const int code = writeValue(scratch, target, value);
-    if (code != FG_OK)
-        throw Failure(target.name() + " cannot be set on a scratch board: " + codeInWords(code));
+/** What the applet writes for the pairs: [[{"parameter", "expected"} of the selection, the same of the inversion],
+ *  ...]. */
+json expectedRoutes(ScratchBoard& scratch, Instance& instance, const std::vector<Route>& routes) {
+    json pairs = json::array();
+    for (const Route& route : routes)
+        for (const Target& target : {route.source, route.polarity})
+            pairs.push_back(
+                {{"name", target.parameter->name}, {"value", asMessage(valueOf(instance, target))}});
+    return scratch.ask("routes", pairs);
 }
 
-/** Reads "set Device1_... u32 3" and looks up what the board holds. */
-DesignValue compare(Instance& instance, const std::string& write) {
-    DesignValue value{};
-    std::string kind, width;
-    std::istringstream(write) >> kind >> value.parameter >> width >> value.expected;
-    if (instance.board().peek_int(instance.device(), value.parameter.c_str(), &value.held) != VBOARD_OK)
-        throw Failure("the board does not tell what " + value.parameter + " holds");
+/** What the live board holds for one of them. */
+DesignValue compare(Instance& instance, const ParameterList& design, const json& expected) {
+    DesignValue value{expected.at("parameter").get<std::string>(),
+                      expected.at("expected").get<std::int64_t>(), 0};
+    const Parameter& parameter = design.find(std::string(designPrefix) + value.parameter);
+    std::visit(
+        [&](const auto& held) {
+            if constexpr (std::is_integral_v<std::decay_t<decltype(held)>>)
+                value.held = static_cast<std::int64_t>(held);
+        },
+        valueOf(instance, {&parameter}));
     return value;
-}
-
-BoardRoute onBoard(Instance& instance, Instance& scratch, const Route& route) {
-    setOnScratch(scratch, route.source, valueOf(instance, route.source));
-    takeWrites(scratch);
-    // Either parameter writes both of the design's, so the second set writes the pair as it is to be.
-    setOnScratch(scratch, route.polarity, valueOf(instance, route.polarity));
-    const std::vector<std::string> writes = takeWrites(scratch);
-    if (writes.size() != 2)
-        throw Failure(route.output + ": the applet wrote " + numberText(writes.size()) +
-                      " parameters of the design, not a selection and an inversion");
-    return {compare(instance, writes[0]), compare(instance, writes[1])};
 }
 
 /** What is known of a route. */
@@ -86,16 +85,14 @@ struct RouteState {
     bool disagrees() const { return board && !board->agrees(); }
 };
 
-RouteState stateOf(Instance& instance, std::optional<Instance>& scratch, const Route& route) {
+RouteState stateOf(Instance& instance, const Route& route) {
     const auto text = [&](const Target& target) {
         return valueText(*target.parameter, valueOf(instance, target));
     };
-    RouteState state{.output = route.output,
-                     .source = text(route.source),
-                     .polarity = text(route.polarity),
-                     .board = std::nullopt};
-    if (scratch) state.board = onBoard(instance, *scratch, route);
-    return state;
+    return {.output = route.output,
+            .source = text(route.source),
+            .polarity = text(route.polarity),
+            .board = std::nullopt};
 }
 
 /** "3"; "7, not 3" where the applet writes 3. */
@@ -129,21 +126,60 @@ nlohmann::ordered_json asJson(const RouteState& state) {
     return row;
 }
 
+void setOnScratch(Trial& trial, const json& wanted) {
+    const Target target = trial.target(wanted.at("name").get<std::string>());
+    const int code = writeValue(trial.instance(), target, fromMessage(target, wanted.at("value")));
+    if (code != FG_OK)
+        throw Failure(target.name() + " cannot be set on a scratch board: " + codeInWords(code));
+}
+
+/** Reads "set Device1_... u32 3". */
+json writtenValue(const std::string& write) {
+    std::string kind, parameter, width;
+    std::int64_t expected = 0;
+    std::istringstream(write) >> kind >> parameter >> width >> expected;
+    return {{"parameter", parameter}, {"expected", expected}};
+}
+
 } // namespace
+
+json routesJob(Trial& trial, const json& pairs) {
+    json routes = json::array();
+    for (std::size_t i = 0; i + 1 < pairs.size(); i += 2) {
+        setOnScratch(trial, pairs[i]);
+        takeWrites(trial.instance());
+        // Either parameter writes both of the design's, so the second set writes the pair as it is to be.
+        setOnScratch(trial, pairs[i + 1]);
+        const std::vector<std::string> writes = takeWrites(trial.instance());
+        if (writes.size() != 2)
+            throw Failure(pairs[i]["name"].get<std::string>() + ": the applet wrote " +
+                          numberText(writes.size()) +
+                          " parameters of the design, not a selection and an inversion");
+        routes.push_back({writtenValue(writes[0]), writtenValue(writes[1])});
+    }
+    return routes;
+}
 
 Report showRoutes(Context& context, const Words& assignments) {
     Instance& instance = context.instance();
     const ParameterList& parameters = context.parameters();
     Report report = carryOut(instance, parameters, assignments);
     if (report.exitCode != exitDone) return report;
-    std::optional<Instance> scratch; // none offline: there is no board to compare with
-    if (!context.options().offline) logWrites(scratch.emplace(context.options()));
+    const std::vector<Route> routes = routesOf(parameters);
+    // Offline there is no board to compare with.
+    const bool isOnBoard = !context.options().offline;
+    const json expected = isOnBoard ? expectedRoutes(context.bareScratch(), instance, routes) : json();
+    std::optional<ParameterList> design;
+    if (isOnBoard) design.emplace(instance, ParameterList::Scope::design);
 
     auto& rows = report.document["routes"] = nlohmann::ordered_json::array();
     Table table;
     table.setTitles({"OUTPUT", "SOURCE", "POLARITY", "BOARD: SELECT", "INVERT", "AGREES"});
-    for (const Route& route : routesOf(parameters)) {
-        const RouteState state = stateOf(instance, scratch, route);
+    for (std::size_t i = 0; i < routes.size(); ++i) {
+        RouteState state = stateOf(instance, routes[i]);
+        if (isOnBoard)
+            state.board = {compare(instance, *design, expected[i][0]),
+                           compare(instance, *design, expected[i][1])};
         table.addRow(asCells(state));
         rows.push_back(asJson(state));
         if (!state.disagrees()) continue;

@@ -1,7 +1,7 @@
+#include "appletctl/Work.h"
+#include "appletctl/check.h"
 #include "appletctl/differences.h"
 #include "appletctl/text.h"
-
-#include <algorithm>
 
 namespace appletctl {
 namespace {
@@ -35,18 +35,16 @@ Report saveConfiguration(Context& context, const Words& words) {
                     " of " + numberText(expected) + " values; see whether the disk is full");
         return work.report;
     }
-    FileKeys keys(context.options());
     work.report.text += shownFile(file) + ": " + numberText(expected) + " values written\n";
     work.report.document["values"] = expected;
-    const std::size_t changed = addDifferences(work.report, {"DEFAULT", "default", &keys.defaults()},
-                                               {"SAVED", "saved", &saved}, work.parameters, keys);
-    if (changed == 0) work.report.text += "All of them are defaults.\n";
-    Context other(context.options());
-    Work fresh(other, {});
-    const std::vector<Finding> findings = loadAndCompare(fresh, keys, file, context.options(), {});
-    if (std::any_of(findings.begin(), findings.end(), [](const Finding& finding) { return finding.isLoss; }))
+    ScratchBoard& scratch = context.scratchAtDefaults();
+    if (askDifferences(work.report, {{"DEFAULT", "default", nullptr}, {"SAVED", "saved", &saved}}, scratch) ==
+        0)
+        work.report.text += "All of them are defaults.\n";
+    const Check check = askCheck(scratch, file);
+    if (check.report.exitCode != exitDone)
         work.refuse(shownFile(file) + " is complete, but a load does not restore all of it:");
-    addFindings(work, findings);
+    append(work.report, check.report);
     return work.report;
 }
 

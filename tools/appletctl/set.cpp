@@ -1,18 +1,99 @@
+#include "appletctl/DesignPicture.h"
 #include "appletctl/assignments.h"
+#include "appletctl/jobs.h"
+#include "appletctl/order.h"
+#include "appletctl/reports.h"
+#include "appletctl/text.h"
+#include "appletctl/trace.h"
+#include "appletctl/why.h"
 #include "appletctl/writes.h"
 
-namespace appletctl {
+#include "vexo/fg_errors.h"
 
-Report setParameters(Context& context, const Words& assignments) {
-    Instance& instance = context.instance();
-    return carryOut(instance, context.parameters(), assignments);
+#include <set>
+
+namespace appletctl {
+namespace {
+
+using nlohmann::ordered_json;
+
+/** Reads every parameter back and tells what is otherwise than it was set. */
+void verifyValues(Context& context, const Words& words, Report& report, ordered_json& rows) {
+    for (const Assignment& assignment : parseAssignments(context.parameters(), words)) {
+        const Target& target = assignment.target;
+        const Reading reading = readValue(context.instance(), target);
+        if (reading.error == FG_OK && reading.value == assignment.value) continue;
+        const std::string held =
+            reading.error == FG_OK ? valueText(*target.parameter, reading.value) : codeInWords(reading.error);
+        const std::string wanted = valueText(*target.parameter, assignment.value);
+        report.problems.push_back(target.name() + " was set to " + wanted + " and reads back " + held);
+        rows.push_back({{"name", target.name()}, {"expected", wanted}, {"held", held}});
+    }
 }
 
-Report traceSet(Context& context, const Words& assignments) {
-    requireBoard(context.options(), "trace set");
-    Instance& instance = context.instance();
-    logWrites(instance);
-    return carryOut(instance, context.parameters(), assignments, [&] { return takeWrites(instance); });
+/** Compares the design with what the scratch board holds after the same assignments. */
+void verifyDesign(Context& context, const json& expected, Report& report, ordered_json& rows) {
+    const ParameterList design(context.instance(), ParameterList::Scope::design);
+    for (const Parameter& parameter : design.all()) {
+        const std::string name = parameter.name.substr(designPrefix.size());
+        const auto wanted = expected.find(name);
+        if (wanted == expected.end()) continue;
+        const Reading reading = readValue(context.instance(), {&parameter});
+        const std::string held =
+            reading.error == FG_OK ? designNumberText(reading.value) : codeInWords(reading.error);
+        if (held == *wanted) continue;
+        report.problems.push_back("the design holds " + held + " in " + name + ", not " +
+                                  wanted->get<std::string>());
+        rows.push_back({{"name", name}, {"expected", *wanted}, {"held", held}});
+    }
+}
+
+void verify(Context& context, const Words& words, const json& expected, Report& report) {
+    auto& rows = report.document["unverified"] = ordered_json::array();
+    verifyValues(context, words, report, rows);
+    if (!context.options().offline) verifyDesign(context, expected, report, rows);
+    if (!rows.empty()) report.exitCode = exitRefused;
+    if (rows.empty() && report.exitCode == exitDone)
+        report.text +=
+            "Verified: all values read back" +
+            std::string(context.options().offline ? ".\n" : ", and the design holds what it should.\n");
+}
+
+} // namespace
+
+json expectJob(Trial& trial, const json& arguments) {
+    carryOut(trial.instance(), trial.parameters(), arguments.at("assignments").get<Words>());
+    std::set<std::string> written;
+    for (const std::string& line : takeWrites(trial.instance()))
+        written.insert(writtenParameter(line));
+    json expected = json::object();
+    const DesignPicture picture(trial);
+    for (const auto& [name, text] : picture.numbers())
+        if (written.contains(name)) expected[name] = text;
+    return expected;
+}
+
+Report setParameters(Context& context, const Words& asked) {
+    const Options& options = context.options();
+    Report report;
+    Words words = asked;
+    parseAssignments(context.parameters(), words); // a misspelt one stops all
+    if (options.anyOrder) {
+        Ordering ordering = askOrder(context, words);
+        if (!ordering.isComplete) return ordering.report;
+        words = ordering.words;
+        report = ordering.report;
+    }
+    json expected;
+    if (options.verify) expected = context.scratch().ask("expect", {{"assignments", words}});
+    AssignmentHooks hooks;
+    hooks.wayOut = [&](const Assignment& assignment, ordered_json& row) {
+        return askWayOut(context, assignment, row);
+    };
+    if (options.trace) hooks.takeWrites = [&] { return writesOf(context.takeAccesses()); };
+    append(report, carryOut(context.instance(), context.parameters(), words, hooks));
+    if (options.verify) verify(context, words, expected, report);
+    return report;
 }
 
 } // namespace appletctl

@@ -15,11 +15,17 @@ std::string logLine(Instance& instance, std::size_t index) {
     return printable(toUtf8(line.c_str()));
 }
 
+void logKinds(Instance& instance, unsigned kinds) {
+    instance.board().log_kinds(instance.device(), kinds);
+    instance.board().log_clear(instance.device());
+}
+
 } // namespace
 
-void logWrites(Instance& instance) {
-    instance.board().log_kinds(instance.device(), VBOARD_SET | VBOARD_REGISTER_WRITE);
-    instance.board().log_clear(instance.device());
+void logWrites(Instance& instance) { logKinds(instance, VBOARD_SET | VBOARD_REGISTER_WRITE); }
+
+void logAccesses(Instance& instance) {
+    logKinds(instance, VBOARD_SET | VBOARD_GET | VBOARD_REGISTER_WRITE | VBOARD_REGISTER_READ);
 }
 
 std::vector<std::string> takeWrites(Instance& instance) {
