@@ -1,8 +1,12 @@
 #!/usr/bin/env python3
-"""Sums up counts of lines and branches: coverage_report.py FOLDER lines=PERCENT branches=PERCENT <COUNTS
+"""Lists what was never reached, and fails below a promise.
 
-COUNTS is the lcov format. Lists by file what was never reached; fails if one share is below its percentage.
+coverage_report.py FOLDER SUMMARY lines=PERCENT branches=PERCENT <COUNTS
+
+SUMMARY and COUNTS are what llvm-cov exports of FOLDER, as a summary in JSON and in the lcov format. The shares are those of
+the summary, which counts the instances of a template as one; the list has them all.
 """
+import json
 import os
 import sys
 from collections import defaultdict
@@ -33,19 +37,20 @@ def numbers_of(places):
 
 
 def main():
-    folder, *promises = sys.argv[1:]
+    folder, summary, *promises = sys.argv[1:]
     reached = read(sys.stdin)
     for file in sorted(reached["lines"]):
         for kind, files in reached.items():
             left = [place for place, hit in files[file].items() if not hit]
             if left:
-                print(f"{os.path.relpath(file, folder)}: {len(left)} {kind} not reached: {numbers_of(left)}")
+                print(f"{os.path.relpath(file, folder)}: {kind} not reached: {numbers_of(left)}")
+    with open(summary, encoding="utf-8") as file:
+        totals = json.load(file)["data"][0]["totals"]
     broken = False
     for kind, _, least in (promise.partition("=") for promise in promises):
-        hits = [hit for places in reached[kind].values() for hit in places.values()]
-        share = 100 * sum(hits) / len(hits)
-        print(f"{kind}: {sum(hits)} of {len(hits)}, {share:.2f} % (promised: {least} %)")
-        broken |= share < float(least)
+        total = totals[kind]
+        print(f"{kind}: {total['covered']} of {total['count']}, {total['percent']:.2f} % (promised: {least} %)")
+        broken |= total["percent"] < float(least)
     sys.exit(broken)
 
 
