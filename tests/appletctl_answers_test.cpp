@@ -128,7 +128,7 @@ TEST(AppletctlDeps, AreMeasuredInBothDirections) {
     EXPECT_NE(rowOf(document({"deps", "FG_LINEEXPOSURE"})["movedBy"], "parameter", "FG_LINEPERIODE"),
               nullptr);
     const json mode = document({"deps", "FG_LINETRIGGERMODE"});
-    EXPECT_EQ((*rowOf(mode["moves"], "parameter", "FG_LINETRIGGERINSRC"))["to"], "rw");
+    EXPECT_EQ((*rowOf(mode["moves"], "parameter", "FG_LINETRIGGERINSRC"))["to"], "rw+");
     EXPECT_NE(rowOf(document({"deps", "FG_PROCESSING_GAIN"})["moves"], "parameter", "FG_LUT_VALUE_GREEN"),
               nullptr);
     const std::string dot = run({"deps", "FG_LINEPERIODE", "--dot"}).out;
@@ -186,7 +186,8 @@ TEST_F(AppletctlPlan, OfAFileIsTheLoad) {
     for (const json& access : loaded["accesses"])
         if (access.get<std::string>().starts_with("set ")) writes.push_back(access);
     EXPECT_EQ(planned["writes"], writes);
-    EXPECT_EQ(planned["changes"].size(), 3u) << planned["changes"];
+    EXPECT_NE(rowOf(planned["changes"], "parameter", "Device1_Process0_Buffer_0_XLength"), nullptr)
+        << planned;
     EXPECT_EQ(planned["differences"][0]["after"]["value"], 2048);
 }
 
@@ -277,7 +278,7 @@ TEST_F(AppletctlPlan, LoadsStrictlyOrTellsWhatReachedTheBoard) {
     const std::string refused = written("refused.mcf", text);
     const Outcome strict = run({"load", "--strict", refused});
     EXPECT_EQ(strict.exitCode, 1);
-    EXPECT_EQ(strict.out, "");
+    EXPECT_FALSE(contains(strict.out, "NOW")) << strict.out;
     EXPECT_TRUE(contains(strict.err, "--strict: nothing was loaded")) << strict.err;
     const json finding = document({"load", refused})["findings"][0];
     EXPECT_EQ(finding["kind"], "kept");
@@ -285,8 +286,9 @@ TEST_F(AppletctlPlan, LoadsStrictlyOrTellsWhatReachedTheBoard) {
         << finding;
     for (const Words& check : {Words{"check", refused}, Words{"check", "--offline", refused}})
         EXPECT_EQ(run(check).exitCode, 1);
-    const Outcome columns = run({"diff", file, refused, "--live", "FG_WIDTH=64"});
-    EXPECT_TRUE(contains(columns.out, "  1024 pixel  1022 pixel  64 pixel\n")) << columns.out;
+    const json columns = document({"diff", file, refused, "--live", "FG_WIDTH=64"})["differences"];
+    EXPECT_EQ(columns, json::parse(R"([{"name": "FG_WIDTH", "unit": "pixel", "first": {"value": 1024},
+                                        "second": {"value": 1022}, "now": {"value": 64}}])"));
 }
 
 TEST(AppletctlSystemBoard, AnswersThroughTheLibrariesOfTheLoader) {

@@ -121,7 +121,8 @@ TEST(AppletctlSet, StopsAtTheFirstRefusal) {
     EXPECT_EQ(outcome.out, "FG_WIDTH = 2048 pixel\n");
     EXPECT_EQ(outcome.err,
               "appletctl: FG_WIDTH=20000 was refused: -6000, value out of range; the present limits are "
-              "4 to 16384 in steps of 4 pixel\nappletctl: not set after that: FG_HEIGHT\n");
+              "4 to 16384 in steps of 4 pixel; the nearest accepted value is 16384 pixel\n"
+              "appletctl: not set after that: FG_HEIGHT\n");
     const json told = document(arguments);
     EXPECT_EQ(told["done"], false);
     ASSERT_EQ(told["assignments"].size(), 2u);

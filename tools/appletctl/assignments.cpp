@@ -29,7 +29,7 @@ std::string advice(const Parameter& parameter, const Value& value, int code) {
     const std::string limits = withUnit(limitsText(parameter), parameter);
     if (isWithin) {
         return (entries.empty() ? "; it keeps to the present limits (" + limits + ")" : "; it is an entry") +
-               ", so the value of another parameter stands against it: 'appletctl list' shows them";
+               ", so the value of another parameter stands against it";
     }
     if (!entries.empty()) return "; the entries are " + entries;
     return limitsText(parameter).empty() ? "" : "; the present limits are " + limits;
