@@ -85,6 +85,9 @@ TEST(AppletctlLimits, TellsEntriesArraysAndWhatHasNone) {
     for (const json& entry : told[3]["entries"])
         EXPECT_EQ(entry["accepted"], true);
     EXPECT_EQ(run({"limits", "FG_WIDTH", "--with", "FG_WIDTH=3"}).exitCode, 1);
+    const json offline = document({"--offline", "limits", "FG_WIDTH"});
+    EXPECT_EQ(offline["parameters"][0]["accepted"]["maximum"], 16384);
+    EXPECT_EQ(offline["assumed"][0], "design");
 }
 
 TEST(AppletctlWhy, NamesTheChangesThatFree) {
@@ -286,6 +289,7 @@ TEST_F(AppletctlPlan, LoadsStrictlyOrTellsWhatReachedTheBoard) {
         << finding;
     for (const Words& check : {Words{"check", refused}, Words{"check", "--offline", refused}})
         EXPECT_EQ(run(check).exitCode, 1);
+    EXPECT_EQ(run({"check", file, "--applet", "/nowhere/libx.so"}).exitCode, 3);
     const json columns = document({"diff", file, refused, "--live", "FG_WIDTH=64"})["differences"];
     EXPECT_EQ(columns, json::parse(R"([{"name": "FG_WIDTH", "unit": "pixel", "first": {"value": 1024},
                                         "second": {"value": 1022}, "now": {"value": 64}}])"));

@@ -105,9 +105,12 @@ void startFrom(Trial& trial, const json& arguments) {
     trial.keep();
 }
 
-Probe::Probe(Trial& trial) : m_trial(trial) {
+Probe::Probe(Trial& trial) : m_trial(trial) { begin(); }
+
+void Probe::begin() {
     // What a probe writes is nobody's business.
-    trial.instance().board().log_kinds(trial.instance().device(), 0);
+    m_trial.instance().board().log_kinds(m_trial.instance().device(), 0);
+    m_facts.clear();
     for (std::size_t place = 0; place < count(); ++place)
         m_facts.push_back(factsNow(place));
 }
@@ -142,7 +145,7 @@ void Probe::settle() {
     for (std::size_t place = 0; place < count(); ++place) {
         if (factsNow(place) == m_facts[place]) continue;
         m_trial.rewind();
-        m_trial.instance().board().log_kinds(m_trial.instance().device(), 0);
+        begin();
         return;
     }
 }

@@ -74,6 +74,8 @@ public:
     std::vector<std::string> words(const std::vector<std::vector<Change>>& ways) const;
 
 private:
+    /** The present state is the one of the probe. */
+    void begin();
     std::vector<std::vector<Change>> pairsFor(std::size_t excluded, const std::function<bool()>& condition);
     bool holdsWith(const Change& change, const std::function<bool()>& condition);
     Value nearest(const Change& found, const std::function<bool()>& condition);

@@ -86,6 +86,10 @@ private:
             answer["result"] = server.answer(message);
         } catch (const UsageError& error) {
             answer = {{"usage", error.what()}};
+        } catch (const Unavailable& error) {
+            answer = {{"unavailable", error.what()}};
+        } catch (const applet_host::HostError& error) {
+            answer = {{"unavailable", error.what()}};
         } catch (const std::exception& error) {
             answer = {{"failure", error.what()}};
         }
@@ -126,6 +130,7 @@ json ScratchBoard::request(const json& message) {
     if (!send(m_socket, message) || !receive(m_socket, answer))
         throw Failure("the scratch board has ended unexpectedly");
     if (answer.contains("usage")) throw UsageError(answer["usage"].get<std::string>());
+    if (answer.contains("unavailable")) throw Unavailable(answer["unavailable"].get<std::string>());
     if (answer.contains("failure"))
         throw Failure("on the scratch board: " + answer["failure"].get<std::string>());
     return answer["result"];

@@ -25,7 +25,7 @@ public:
     /** The state that each job starts from (see seedOf). Gives what of it is assumed (see Trial). */
     nlohmann::json seed(const nlohmann::json& seed);
     /** Lets a job of the table in ScratchBoard.cpp find something out; gives its result. What it throws is thrown
-     *  here: UsageError, or Failure for everything else. */
+     *  here: UsageError, Unavailable, or Failure for everything else. */
     nlohmann::json ask(const std::string& job, const nlohmann::json& arguments);
 
 private:

@@ -74,6 +74,8 @@ public:
         }
     }
 
+    bool isTried() const { return !m_probe.otherValues(m_subject).empty(); }
+
     Effects moved, movers;
     std::vector<std::string> writes; // of the design, in the order of the first set that wrote them
 
@@ -165,6 +167,7 @@ std::string asText(const std::string& name, const Dependencies& found) {
                           effect.move.from + " -> " + effect.move.to + " with " + effect.with});
     for (const std::string& write : found.writes)
         table.addRow({"writes", write});
+    if (!found.isTried()) table.addRow({"moves", "what it moves is not known: no value of it is tried"});
     return table.render(Style::forStream(STDOUT_FILENO));
 }
 
@@ -180,6 +183,7 @@ json depsJob(Trial& trial, const json& arguments) {
     report.document = {{"name", name},
                        {"moves", asJson(found.moved)},
                        {"movedBy", asJson(found.movers)},
+                       {"tried", found.isTried()},
                        {"writes", found.writes}};
     report.text = arguments.at("dot").get<bool>() ? asDot(name, found) : asText(name, found);
     return asMessage(report);

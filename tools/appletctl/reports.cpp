@@ -7,7 +7,8 @@
 namespace appletctl {
 
 nlohmann::json asMessage(const Report& report) {
-    return {{"document", report.document.dump()}, // as text, since its members have an order
+    constexpr auto replace = nlohmann::json::error_handler_t::replace;
+    return {{"document", report.document.dump(-1, ' ', false, replace)}, // as text: its members have an order
             {"text", report.text},
             {"problems", report.problems},
             {"notes", report.notes},

@@ -68,8 +68,8 @@ template <typename Number> std::string rangeInWords(const Number& minimum, const
 std::string inWords(const Parameter& parameter, const AcceptedRange& range) {
     std::string text = valueText(parameter, range.minimum) + " to " + valueText(parameter, range.maximum);
     if (range.step > 1) text += " in steps of " + numberText(range.step);
-    if (range.step == 0 && range.minimum != range.maximum) text += ", any number";
-    return parameter.unit().empty() ? text : text + " " + parameter.unit();
+    if (!parameter.unit().empty()) text += " " + parameter.unit();
+    return range.step == 0 && range.minimum != range.maximum ? text + ", on no grid" : text;
 }
 
 /** A number as a member of a document. */

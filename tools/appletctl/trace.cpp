@@ -108,8 +108,11 @@ Report traceRun(Context& context, bool isShownByCommand, const std::function<Rep
     context.takeAccesses();
     report.document["accesses"] = context.accesses();
     if (isShownByCommand) return report;
+    std::string text;
     for (const std::string& line : context.accesses())
-        report.text += "  " + line + '\n';
+        text += "  " + line + '\n';
+    if (report.isPrinted && !context.options().json) writeOut(text);
+    report.text += text;
     return report;
 }
 
