@@ -209,8 +209,8 @@ private:
     template <typename T, typename Limits> static bool isInside(const Limits& limits, const void* value) {
         T number{};
         std::memcpy(&number, value, sizeof number);
-        // Some say nothing, and some start with nothing said.
-        return limits.minimum >= limits.maximum || (number >= limits.minimum && number <= limits.maximum);
+        // Some say nothing, and some start with nothing said. What is no number lies outside of nothing.
+        return limits.minimum >= limits.maximum || !(number < limits.minimum || number > limits.maximum);
     }
     static const RegisterInfo* find(const RegisterInfo* record, int id) {
         for (; record != nullptr; record = record->next) {
