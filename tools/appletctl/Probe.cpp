@@ -158,7 +158,8 @@ std::vector<Value> Probe::otherValues(std::size_t place) const {
         if (value != now.value && std::ranges::find(values, value) == values.end()) values.push_back(value);
     };
     for (const Entry& entry : entriesOf(at(place)))
-        add(Value(std::in_place_type<std::int32_t>, entry.value));
+        if (const auto* held = std::get_if<std::int32_t>(&now.value); held == nullptr || *held != entry.value)
+            values.emplace_back(entry.value);
     if (!now.limits || now.limits->minimum.index() != now.value.index()) return values;
     add(now.limits->minimum);
     add(now.limits->maximum);
