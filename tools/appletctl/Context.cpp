@@ -7,11 +7,13 @@ namespace appletctl {
 
 Context::Context(const Options& options, Scratch scratch)
     : m_options(options)
-    , m_scratch(scratch == Scratch::wanted ? std::make_unique<ScratchBoard>(options) : nullptr) {}
+    , m_publishesDesign(scratch == Scratch::wanted)
+    , m_scratch(scratch != Scratch::none ? std::make_unique<ScratchBoard>(options) : nullptr) {}
 
 Instance& Context::instance() {
     if (!m_instance)
-        m_instance.emplace(m_options, m_scratch ? DesignParameters::published : DesignParameters::asSwitched);
+        m_instance.emplace(m_options,
+                           m_publishesDesign ? DesignParameters::published : DesignParameters::asSwitched);
     return *m_instance;
 }
 

@@ -16,7 +16,11 @@ namespace appletctl {
 class Context {
 public:
     /** A scratch board splits the process, so it has to be wanted here, before any library is loaded. */
-    enum class Scratch { none, wanted };
+    enum class Scratch {
+        none,
+        withoutDesign, /**< does not know the answers of the live design, which shows no parameters for it */
+        wanted
+    };
     explicit Context(const Options& options, Scratch scratch = Scratch::none);
 
     const Options& options() const { return m_options; }
@@ -43,6 +47,7 @@ private:
     ScratchBoard& seeded(const nlohmann::json& seed);
 
     Options m_options;
+    bool m_publishesDesign;
     std::unique_ptr<ScratchBoard> m_scratch; // null if not wanted
     std::optional<Instance> m_instance;
     std::optional<ParameterList> m_parameters;

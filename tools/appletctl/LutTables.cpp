@@ -24,7 +24,7 @@ constexpr ColourRow colourRows[] = {
 };
 
 std::optional<Elements> tableOnBoard(Instance& instance, const char* design, std::uint32_t count) {
-    if (instance.device() == nullptr) return std::nullopt;
+    if (instance.device() == nullptr || !instance.host()->isVirtual()) return std::nullopt;
     Elements entries(count);
     if (instance.board().peek_field(instance.device(), design, 0, count, entries.data()) != VBOARD_OK)
         return std::nullopt;

@@ -32,11 +32,23 @@ struct Options {
     bool strict = false;   /**< --strict of "load" */
     bool live = false;     /**< --live of "diff": with the parameters as well */
     Words with;            /**< --with of "limits", "why", "deps": set on the scratch board before */
-    bool dot = false;      /**< --dot of "deps" */
-    std::optional<std::string> xmlFile; /**< --out of "xml" */
-    std::string lutChannel = "all";     /**< --channel of "lut show": red, green, blue or all */
-    int watchInterval = 1000;           /**< --interval of "watch": milliseconds from round to round */
-    int watchCount = 0;                 /**< --count of "watch": rounds; 0: no end */
+    bool dot = false;      /**< --dot of "deps" and "route" */
+    std::optional<std::string> outFile;   /**< -o of "xml" and "report" */
+    bool isPortable = false;              /**< --portable of "xml" */
+    bool isChecked = false;               /**< --check of "xml" */
+    std::optional<std::string> svgFile;   /**< --svg of "timing" */
+    std::optional<std::string> vcdFile;   /**< --vcd of "timing" */
+    std::optional<std::string> htmlFile;  /**< --html of "docs" */
+    std::optional<std::string> manFolder; /**< --man of "docs" */
+    bool onlyChanged = false;             /**< --changed of "list" */
+    bool onlyWritable = false;            /**< --writable of "list" */
+    std::string group;                    /**< --group of "list": part of the group's labels */
+    Words columns;                        /**< -f of "list" */
+    bool areGroups = false;               /**< -g of "get": the names are groups */
+    bool isRaw = false;                   /**< --raw of "get": bare values */
+    std::string lutChannel = "all";       /**< --channel of "lut show": red, green, blue or all */
+    int watchInterval = 1000;             /**< --interval of "watch": milliseconds from round to round */
+    int watchCount = 0;                   /**< --count of "watch": rounds; 0: no end */
 };
 
 } // namespace appletctl

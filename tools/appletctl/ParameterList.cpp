@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <set>
+#include <span>
 
 namespace appletctl {
 namespace {
@@ -27,19 +28,34 @@ bool matches(const std::string& lowerName, const std::string& lowerPattern) {
            fnmatch(lowerPattern.c_str(), shortName.c_str(), 0) == 0;
 }
 
-/** Reading one of these resets the design's overflow flag. */
-struct ReadEffect {
+struct Effect {
     const char* name;
     const char* words;
 };
 
-constexpr ReadEffect readEffects[] = {
+/** Reading one of these resets the design's overflow flag. */
+constexpr Effect readEffects[] = {
     {"FG_OVERFLOW", "clears when read"},
     {"FG_FILLLEVEL", "clears FG_OVERFLOW when read"},
     {"FG_CAMSTATUS", "clears FG_OVERFLOW when read"},
     {"FG_CAMSTATUS_EXTENDED", "clears FG_OVERFLOW when read"},
     {"DLOOMA_Device1_Process0_OverflowOccurred_Status", "clears when read"},
 };
+
+constexpr const char* writingAFile = "writes a file";
+
+constexpr Effect writeEffects[] = {
+    {"FG_LUT_SAVE_FILE", writingAFile},
+    {"FG_DEBUGSAVECONFIG", writingAFile},
+    {"FG_DEBUGINSERT", "inserts an image"},
+    {"FG_SENDSOFTWARETRIGGER", "fires a trigger"},
+    {"FG_SIGNAL_ANALYZER_CLEAR", "clears the analyzers"},
+};
+
+std::string wordsFor(std::span<const Effect> effects, const std::string& name) {
+    const auto found = std::ranges::find(effects, name, &Effect::name);
+    return found != effects.end() ? found->words : "";
+}
 
 std::string didYouMean(const std::vector<std::string>& names) {
     if (names.empty()) return "; 'appletctl list' shows all names";
@@ -52,12 +68,13 @@ std::string Parameter::label() const { return record != nullptr ? toUtf8(record-
 
 std::string Parameter::unit() const { return record != nullptr ? toUtf8(record->unit) : ""; }
 
-std::string Parameter::effectOfReading() const {
-    for (const ReadEffect& effect : readEffects)
-        if (name == effect.name) return effect.words;
-    return "";
-}
+std::string Parameter::effectOfReading() const { return wordsFor(readEffects, name); }
 
+std::string Parameter::effectOfWriting() const { return wordsFor(writeEffects, name); }
+
+bool Parameter::writesFile() const { return effectOfWriting() == writingAFile; }
+
+std::string Parameter::path() const { return join(groups, " / "); }
 ParameterList::ParameterList(Instance& instance, Scope scope)
     : m_wantsDesign(scope == Scope::design || !instance.isDesignHidden())
     , m_wantsOthers(scope != Scope::design) {
@@ -132,6 +149,25 @@ std::vector<const Parameter*> ParameterList::matching(const std::string& pattern
             didYouMean(isGlob(pattern) ? std::vector<std::string>{} : closestNames(lowerPattern)));
     }
     return found;
+}
+
+std::vector<const Parameter*> ParameterList::inGroup(const std::string& label) const {
+    const std::string wanted = lowerCase(label);
+    const auto isLabelled = [&](const Parameter& parameter) {
+        return std::ranges::any_of(parameter.groups,
+                                   [&](const std::string& group) { return lowerCase(group) == wanted; });
+    };
+    const auto isBelow = [&](const Parameter& parameter) {
+        return lowerCase(parameter.path()).find(wanted) != std::string::npos;
+    };
+    std::vector<const Parameter*> labelled, below;
+    for (const Parameter& parameter : m_parameters) {
+        if (isLabelled(parameter)) labelled.push_back(&parameter);
+        if (isBelow(parameter)) below.push_back(&parameter);
+    }
+    if (below.empty())
+        throw UsageError("no group is called '" + printable(label) + "'; 'appletctl list' shows the groups");
+    return labelled.empty() ? below : labelled;
 }
 
 std::vector<std::string> ParameterList::closestNames(std::string_view name) const {

@@ -22,8 +22,12 @@ struct Parameter {
     std::string unit() const;
     /** "clears when read": what a read takes from the board; empty for all that can be read freely. */
     std::string effectOfReading() const;
+    /** "writes a file": what a set does besides; empty for all that can be set to the same value freely. */
+    std::string effectOfWriting() const;
     /** True where a set writes the file that the value names. */
-    bool writesFile() const { return name == "FG_LUT_SAVE_FILE" || name == "FG_DEBUGSAVECONFIG"; }
+    bool writesFile() const;
+    /** "Digital I/O / GPO". */
+    std::string path() const;
 };
 
 /** A parameter of the design as such a one is published. */
@@ -44,6 +48,10 @@ public:
     /** The parameters whose name matches a glob (if it holds * ? or [) or contains the text, in any case.
      *  An empty pattern matches all. Throws UsageError when none does. */
     std::vector<const Parameter*> matching(const std::string& pattern) const;
+
+    /** The parameters of the groups of that label, or else of those with the text in their path; in any case.
+     *  Throws UsageError when there is none. */
+    std::vector<const Parameter*> inGroup(const std::string& label) const;
 
 private:
     void addTree(const RegisterInfo& record, std::vector<std::string>& groups);

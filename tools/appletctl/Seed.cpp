@@ -3,6 +3,7 @@
 #include "vexo/fg_errors.h"
 
 namespace appletctl {
+
 json asBytes(const std::string& text) { return json::binary({text.begin(), text.end()}); }
 
 std::string bytesOf(const json& message) {

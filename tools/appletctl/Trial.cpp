@@ -1,9 +1,11 @@
 #include "appletctl/Trial.h"
 
+#include "appletctl/ConfigurationFile.h"
 #include "appletctl/writes.h"
 
 #include "vexo/fg_errors.h"
 
+#include <cmath>
 #include <utility>
 
 namespace appletctl {
@@ -33,13 +35,17 @@ void poke(const applet_host::BoardFunctions& board, LOOMdevice* device, const st
     }
 }
 
+bool holds(Instance& instance, const Parameter& parameter, const json& wanted) {
+    const Target target = wholeOf(parameter);
+    const Reading reading = readValue(instance, target);
+    return reading.error == FG_OK && reading.value == fromMessage(target, wanted);
+}
+
 /** Sets the parameter if it holds something else; true if it took the value. */
 bool bring(Instance& instance, const Parameter& parameter, const json& wanted) {
     const Target target = wholeOf(parameter);
-    const Reading reading = readValue(instance, target);
-    const Value value = fromMessage(target, wanted);
-    if (reading.error == FG_OK && reading.value == value) return false;
-    return writeValue(instance, target, value) == FG_OK;
+    return !holds(instance, parameter, wanted) &&
+           writeValue(instance, target, fromMessage(target, wanted)) == FG_OK;
 }
 
 } // namespace
@@ -50,6 +56,7 @@ Trial::Trial(const Options& options)
 
 void Trial::seed(json seed) {
     m_seed = std::move(seed);
+    m_defaults = nullptr;
     m_host->board().restore_design();
     if (const json& design = m_seed.at("design"); !design.is_null())
         for (const std::string& name : designNames())
@@ -78,6 +85,14 @@ void Trial::rewind() {
 
 void Trial::keep() { m_seed["values"] = valuesOf(*m_instance, *m_parameters); }
 
+const json& Trial::defaults() {
+    if (!m_defaults.is_null()) return m_defaults;
+    Instance fresh(m_options, m_host, DesignParameters::asSwitched,
+                   [this](LOOMdevice* device) { prepareBoard(device); });
+    m_defaults = valuesOf(fresh, ParameterList(fresh));
+    return m_defaults;
+}
+
 void Trial::prepareBoard(LOOMdevice* device) {
     m_host->board().log_kinds(device, 0);
     for (const auto& [name, value] : m_seed.at("design").items())
@@ -86,12 +101,21 @@ void Trial::prepareBoard(LOOMdevice* device) {
 
 void Trial::setValues() {
     const json& values = m_seed.at("values");
-    // One value can stand in the way of another, so as long as one more is taken there is another round.
-    std::vector<std::pair<const Parameter*, const json*>> wanted;
+    Wanted wanted;
     for (const Parameter& parameter : m_parameters->all())
         if (const auto found = values.find(parameter.name);
-            found != values.end() && !found->is_null() && !parameter.writesFile())
+            found != values.end() && !found->is_null() && parameter.effectOfWriting().empty())
             wanted.emplace_back(&parameter, &*found);
+    bringAll(wanted);
+    storeByLoad(wanted);
+    m_assumed.clear();
+    if (m_seed.at("design").is_null()) m_assumed.emplace_back("design");
+    for (const auto& [parameter, value] : wanted)
+        if (!holds(*m_instance, *parameter, *value)) m_assumed.push_back(parameter->name);
+}
+
+void Trial::bringAll(const Wanted& wanted) {
+    // One value can stand in the way of another, so as long as one more is taken there is another round.
     constexpr int mostRounds = 8;
     bool moved = true;
     for (int round = 0; moved && round < mostRounds; ++round) {
@@ -99,14 +123,27 @@ void Trial::setValues() {
         for (const auto& [parameter, value] : wanted)
             moved |= bring(*m_instance, *parameter, *value);
     }
-    m_assumed.clear();
-    if (m_seed.at("design").is_null()) m_assumed.emplace_back("design");
+}
+
+/** A live value may be one that its setter refuses by now, such as an exposure above a period that was lowered
+ *  afterwards. A load stores it all the same. */
+void Trial::storeByLoad(const Wanted& wanted) {
+    std::optional<ConfigurationFile> state;
+    bool isEdited = false;
     for (const auto& [parameter, value] : wanted) {
-        const Target target = wholeOf(*parameter);
-        const Reading reading = readValue(*m_instance, target);
-        if (reading.error != FG_OK || asMessage(reading.value) != *value)
-            m_assumed.push_back(parameter->name);
+        const bool isWritten = value->is_number() && std::isfinite(value->get<double>());
+        if (!isWritten || holds(*m_instance, *parameter, *value)) continue;
+        if (!state) state.emplace(stateOf(*m_instance));
+        const auto* line = ConfigurationFile::find(state->values(), parameter->name);
+        if (line == nullptr) continue;
+        state.emplace(state->textWith(*line, line->key + "=" + value->dump() + ";\n"));
+        isEdited = true;
     }
+    if (!isEdited) return;
+    const TemporaryFile file;
+    file.write(state->text());
+    m_instance->applet().Fg_loadConfig(m_instance->fg(), file.path().c_str());
+    bringAll(wanted); // a load computes the tables anew
 }
 
 } // namespace appletctl

@@ -34,14 +34,21 @@ public:
     /** What the virtual design has, without what a read would change: "Device1_...". */
     const std::vector<std::string>& designNames();
     const Options& options() const { return m_options; }
+    /** What the parameters hold after a bring-up on the live design's answers: {NAME: VALUE}. */
+    const json& defaults();
 
 private:
     void prepareBoard(LOOMdevice* device);
     void setValues();
+    /** A value of the state, by its parameter. */
+    using Wanted = std::vector<std::pair<const Parameter*, const json*>>;
+    void bringAll(const Wanted& wanted);
+    void storeByLoad(const Wanted& wanted);
 
     Options m_options;
     std::shared_ptr<const applet_host::AppletHost> m_host;
     json m_seed;
+    json m_defaults; // null until asked for
     std::optional<Instance> m_instance;
     std::optional<ParameterList> m_parameters;
     std::vector<std::string> m_designNames;

@@ -17,9 +17,46 @@ void addLutChannel(CLI::App& command, Options& options) {
         ->check(CLI::IsMember({"red", "green", "blue", "all"}));
 }
 
-void addXmlFile(CLI::App& command, Options& options) {
-    command.add_option("--out", options.xmlFile, "File to write instead of the standard output")
+void addListOptions(CLI::App& command, Options& options) {
+    command.add_flag("--changed", options.onlyChanged, "Only what differs from the default");
+    command.add_flag("--writable", options.onlyWritable, "Only what can be set now");
+    command.add_option("--group", options.group, "Only groups with this in their labels")->type_name("G");
+    command.add_option("-f,--columns", options.columns, "Columns: " + join(listColumns(), ","))
+        ->type_name("COLS")
+        ->delimiter(',')
+        ->check(CLI::IsMember(listColumns()).description(""));
+}
+
+void addGetOptions(CLI::App& command, Options& options) {
+    command.add_flag("-g,--group", options.areGroups, "The names are groups: all their parameters");
+    command.add_flag("--raw", options.isRaw, "Bare values, one a line; numbers for enumerations");
+}
+
+void addOutFile(CLI::App& command, Options& options) {
+    command.add_option("-o,--out", options.outFile, "File to write instead of the standard output")
         ->type_name("FILE");
+}
+
+void addXmlOptions(CLI::App& command, Options& options) {
+    addOutFile(command, options);
+    command.add_flag("--portable", options.isPortable,
+                     "A document for other clients, made from the same tree");
+    command.add_flag("--check", options.isChecked, "What a client stumbles over in the document");
+}
+
+void addTimingOptions(CLI::App& command, Options& options) {
+    command.add_option("--svg", options.svgFile, "Picture to write")->type_name("FILE");
+    command.add_option("--vcd", options.vcdFile, "Waveforms to write, for a waveform viewer")
+        ->type_name("FILE");
+}
+
+void addDocsOptions(CLI::App& command, Options& options) {
+    command.add_option("--html", options.htmlFile, "Page to write")->type_name("FILE");
+    command.add_option("--man", options.manFolder, "Folder for the manual pages")->type_name("DIR");
+}
+
+void addRouteOptions(CLI::App& command, Options& options) {
+    command.add_flag("--dot", options.dot, "Print a graph in the language DOT");
 }
 
 void addWatchOptions(CLI::App& command, Options& options) {
@@ -64,13 +101,14 @@ void addLive(CLI::App& command, Options& options) {
 void addTracedCommand(CLI::App& command, Options&) { command.prefix_command()->fallthrough(false); }
 
 constexpr auto usesNoScratch = Context::Scratch::none;
+constexpr auto usesScratchWithoutDesign = Context::Scratch::withoutDesign;
 constexpr auto usesScratch = Context::Scratch::wanted;
 
 constexpr Command commands[] = {
     {nullptr, "list", "Show parameters as a table: name, value, unit, access, limits or entries", "PATTERN",
-     "Part of a name, or a pattern with * ? [..]", 0, 1, listParameters},
+     "Part of a name, or a pattern with * ? [..]", 0, 1, listParameters, usesScratch, addListOptions},
     {nullptr, "get", "Read parameters", "NAME", "Parameters, in any case, with or without FG_", 1, -1,
-     getParameters},
+     getParameters, usesNoScratch, addGetOptions},
     {nullptr, "set", "Set parameters in order; stops at the first refusal", "NAME=VALUE",
      "Numbers decimal or 0x.., entries of enumerations by name or number", 1, -1, setParameters, usesScratch,
      addSetOptions},
@@ -88,16 +126,24 @@ constexpr Command commands[] = {
     {nullptr, "apply", "Show what they would do, and do it after a question", "NAME=VALUE|FILE",
      "As for the command plan", 1, -1, applyChanges, usesScratch, addYes},
     {nullptr, "describe", "Show all that is known of parameters", "NAME", "Parameters", 1, -1,
-     describeParameters},
+     describeParameters, usesScratch},
     {nullptr, "info", "Show what the applet says of itself", nullptr, nullptr, 0, 0, showInfo},
     {nullptr, "xml", "Show the XML document that describes the parameters", nullptr, nullptr, 0, 0, showXml,
-     usesNoScratch, addXmlFile},
+     usesScratchWithoutDesign, addXmlOptions},
     {nullptr, "events", "Show the events of the design: names, masks, what comes with them", nullptr, nullptr,
      0, 0, listEvents},
     {nullptr, "watch", "Read parameters over and over; ends on Ctrl-C", "NAME", "Parameters", 1, -1,
      watchParameters, usesNoScratch, addWatchOptions},
     {nullptr, "route", "Show what each output, analyzer and event listens to, and what the board holds",
-     "NAME=VALUE", "Assignments to carry out before", 0, -1, showRoutes, usesScratch},
+     "NAME=VALUE", "Assignments to carry out before", 0, -1, showRoutes, usesScratch, addRouteOptions},
+    {nullptr, "lint", "Say what is legal but doubtful", "FILE",
+     "File to look at, or assignments to carry out before", 0, -1, lintParameters, usesScratch},
+    {nullptr, "timing", "Show the signals over three line periods, and which output carries them",
+     "NAME=VALUE", "Assignments to carry out before", 0, -1, showTiming, usesNoScratch, addTimingOptions},
+    {nullptr, "docs", "Write the documentation of all parameters", nullptr, nullptr, 0, 0, writeDocs,
+     usesScratch, addDocsOptions},
+    {nullptr, "report", "Write all that a support needs into one file", "NAME=VALUE",
+     "Assignments to carry out before", 0, -1, writeReport, usesScratch, addOutFile},
     {nullptr, "save", "Save the parameters to a configuration file", "FILE",
      "File to write, .mcf, then assignments to carry out before", 1, -1, saveConfiguration, usesScratch},
     {nullptr, "load", "Load a configuration file and say what was lost of it", "FILE",

@@ -8,6 +8,8 @@
 
 namespace appletctl {
 
+/** The names of the columns that "list" knows. */
+Words listColumns();
 Report listParameters(Context& context, const Words& pattern);
 Report getParameters(Context& context, const Words& names);
 Report setParameters(Context& context, const Words& assignments);
@@ -26,6 +28,13 @@ Report planChanges(Context& context, const Words& assignmentsOrFile);
 /** The same, and then does it. */
 Report applyChanges(Context& context, const Words& assignmentsOrFile);
 Report describeParameters(Context& context, const Words& names);
+/** Findings in the present state, after the assignments, or in the state that a load of the file would give. */
+Report lintParameters(Context& context, const Words& fileOrAssignments);
+/** The assignments are carried out first. */
+Report showTiming(Context& context, const Words& assignments);
+Report writeDocs(Context& context, const Words& none);
+/** All that a support needs; the assignments are carried out first. */
+Report writeReport(Context& context, const Words& assignments);
 Report showInfo(Context& context, const Words& none);
 Report showXml(Context& context, const Words& none);
 Report listEvents(Context& context, const Words& none);

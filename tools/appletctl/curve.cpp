@@ -1,13 +1,15 @@
 #include "appletctl/curve.h"
 
-#include "appletctl/text.h"
+#include "appletctl/numbers.h"
+#include "appletctl/svg.h"
 
 #include <algorithm>
 #include <cmath>
-#include <string_view>
 
 namespace appletctl {
 namespace {
+
+using svg::attribute, svg::coordinate, svg::label, svg::line;
 
 /** Smallest and largest entry of a part of the table, and which of them stands first. */
 struct Part {
@@ -90,57 +92,23 @@ struct Stroke {
 };
 constexpr Stroke strokes[] = {{"#d62728", 5}, {"#2ca02c", 3}, {"#1f77b4", 1.2}};
 
-/** A coordinate with one decimal. */
-std::string coordinate(double value) { return numberText(std::round(value * 10) / 10); }
-
-std::string attribute(const char* name, const std::string& value) {
-    return std::string(" ") + name + "=\"" + value + "\"";
-}
-
-std::string xmlText(std::string_view text) {
-    std::string escaped;
-    for (const char c : printable(text)) {
-        if (c == '&')
-            escaped += "&amp;";
-        else if (c == '<')
-            escaped += "&lt;";
-        else if (c == '>')
-            escaped += "&gt;";
-        else
-            escaped += c;
-    }
-    return escaped;
-}
-
-std::string line(double x1, double y1, double x2, double y2, const std::string& stroke, double width) {
-    return "<line" + attribute("x1", coordinate(x1)) + attribute("y1", coordinate(y1)) +
-           attribute("x2", coordinate(x2)) + attribute("y2", coordinate(y2)) + attribute("stroke", stroke) +
-           attribute("stroke-width", coordinate(width)) + "/>\n";
-}
-
-std::string label(double x, double y, const char* anchor, const std::string& text,
-                  const std::string& more = "") {
-    return "<text" + attribute("x", coordinate(x)) + attribute("y", coordinate(y)) +
-           attribute("text-anchor", anchor) + more + ">" + xmlText(text) + "</text>\n";
-}
-
 /** Grid lines and numbers of both axes, and what they count. */
 std::string axes(std::size_t lastEntry, std::uint32_t largest) {
     constexpr const char* gridColour = "#dddddd";
     const double bottom = plotTop + plotHeight;
-    std::string svg;
+    std::string drawn;
     for (std::size_t tick = 0; tick <= ticks; ++tick) {
         const double share = static_cast<double>(tick) / ticks;
         const auto numberAt = [&](double end) { return numberText(std::lround(share * end)); };
         const double x = plotLeft + share * plotWidth;
         const double y = bottom - share * plotHeight;
-        svg += line(x, plotTop, x, bottom, gridColour, 1) +
-               line(plotLeft, y, plotLeft + plotWidth, y, gridColour, 1) +
-               label(x, bottom + 20, "middle", numberAt(static_cast<double>(lastEntry))) +
-               label(plotLeft - 8, y + 4, "end", numberAt(largest));
+        drawn += line(x, plotTop, x, bottom, gridColour, 1) +
+                 line(plotLeft, y, plotLeft + plotWidth, y, gridColour, 1) +
+                 label(x, bottom + 20, "middle", numberAt(static_cast<double>(lastEntry))) +
+                 label(plotLeft - 8, y + 4, "end", numberAt(largest));
     }
     const std::string middle = coordinate(plotTop + plotHeight / 2);
-    return svg + line(plotLeft, bottom, plotLeft + plotWidth, bottom, "#333333", 1) +
+    return drawn + line(plotLeft, bottom, plotLeft + plotWidth, bottom, "#333333", 1) +
            line(plotLeft, plotTop, plotLeft, bottom, "#333333", 1) +
            label(plotLeft + plotWidth / 2, bottom + 45, "middle", "entry (value of the input)") +
            label(20, plotTop + plotHeight / 2, "middle", "value of the output",
@@ -198,22 +166,13 @@ std::string curveText(const Elements& entries, std::uint32_t largest, bool brail
 }
 
 std::string curvesAsSvg(const LutTables& tables, const std::string& subtitle) {
-    const std::string width = coordinate(plotLeft + plotWidth + 40);
-    const std::string height = coordinate(plotTop + plotHeight + 70);
-    std::string svg = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg" +
-                      attribute("xmlns", "http://www.w3.org/2000/svg") + attribute("width", width) +
-                      attribute("height", height) + attribute("viewBox", "0 0 " + width + " " + height) +
-                      attribute("font-family", "sans-serif") + attribute("font-size", "12") +
-                      ">\n<title>Lookup table</title>\n<rect" + attribute("width", "100%") +
-                      attribute("height", "100%") + attribute("fill", "#ffffff") + "/>\n";
-    svg += label(plotLeft, 28, "start", "Lookup table", attribute("font-size", "18"));
-    svg += label(plotLeft, 50, "start", subtitle, attribute("fill", "#555555"));
-    svg += axes(tables.colours.front().entries.size() - 1, tables.largest);
+    std::string content = axes(tables.colours.front().entries.size() - 1, tables.largest);
     for (std::size_t i = 0; i < tables.colours.size(); ++i)
-        svg += polyline(tables.colours[i], tables.largest, strokes[i]);
+        content += polyline(tables.colours[i], tables.largest, strokes[i]);
     for (std::size_t i = 0; i < tables.colours.size(); ++i)
-        svg += legendEntry(i, tables.colours[i], strokes[i]);
-    return svg + "</svg>\n";
+        content += legendEntry(i, tables.colours[i], strokes[i]);
+    return svg::document(plotLeft + plotWidth + 40, plotTop + plotHeight + 70, plotLeft, "Lookup table",
+                         subtitle, content);
 }
 
 } // namespace appletctl

@@ -32,6 +32,17 @@ constexpr Question questions[] = {
     {FG_INFO_PROCESSES, "processes", "Processes", Answer::number},
 };
 
+struct Library {
+    const char* key;
+    const char* title;
+};
+
+/** In the order of AppletHost::files. */
+constexpr Library libraries[] = {{"boardLibrary", "Board access"},
+                                 {"designLoader", "Design loader"},
+                                 {"runtime", "Runtime"},
+                                 {"library", "Library"}};
+
 nlohmann::ordered_json ask(const applet_host::AppletFunctions& applet, const Question& question) {
     const char* text = nullptr;
     std::uint64_t size = 0;
@@ -52,8 +63,7 @@ nlohmann::ordered_json ask(const applet_host::AppletFunctions& applet, const Que
 } // namespace
 
 Report showInfo(Context& context, const Words&) {
-    const applet_host::Locations where = locationsFor(context.options());
-    const applet_host::AppletHost host(where);
+    const applet_host::AppletHost host(locationsFor(context.options()));
     Report report;
     Table table;
     const auto add = [&](const char* key, const char* title, const nlohmann::ordered_json& answer) {
@@ -62,8 +72,10 @@ Report showInfo(Context& context, const Words&) {
     };
     for (const Question& question : questions)
         add(question.key, question.title, ask(host.applet(), question));
-    add("library", "Library", toUtf8(std::filesystem::absolute(where.applet).c_str()));
-    add("board", "Board libraries", toUtf8(std::filesystem::absolute(where.virtualBoard).c_str()));
+    add("board", "Board", host.isVirtual() ? "virtual" : "system");
+    const std::vector<std::filesystem::path> files = host.files();
+    for (std::size_t i = 0; i < files.size(); ++i)
+        add(libraries[i].key, libraries[i].title, toUtf8(files[i].c_str()));
     report.text = table.render(Style::forStream(STDOUT_FILENO));
     return report;
 }

@@ -11,9 +11,19 @@ struct JobRow {
 };
 
 constexpr JobRow jobs[] = {
-    {"check", checkJob},   {"defaults", defaultsJob}, {"deps", depsJob},   {"differences", differencesJob},
-    {"expect", expectJob}, {"limits", limitsJob},     {"order", orderJob}, {"plan", planJob},
-    {"routes", routesJob}, {"wayOut", wayOutJob},     {"why", whyJob},
+    {"background", backgroundJob},
+    {"lint", lintJob},
+    {"check", checkJob},
+    {"defaults", defaultsJob},
+    {"deps", depsJob},
+    {"differences", differencesJob},
+    {"expect", expectJob},
+    {"limits", limitsJob},
+    {"order", orderJob},
+    {"plan", planJob},
+    {"routes", routesJob},
+    {"wayOut", wayOutJob},
+    {"why", whyJob},
 };
 
 } // namespace

@@ -45,6 +45,13 @@ json whyJob(Trial& trial, const json& arguments);
 /** Finds what the parameter {"name": NAME, "dot": BOOL} moves and what moves it. */
 json depsJob(Trial& trial, const json& arguments);
 
+/** Tells {NAME: {"start": VALUE, "settable", "fileRole"}} of {"names": [NAME, ...], "roles": whether the file
+ *  roles are wanted} (see Background). */
+json backgroundJob(Trial& trial, const json& arguments);
+
+/** Tells the findings (see lint.h) of the present state, or with {"file": NAME} after a load of that file. */
+json lintJob(Trial& trial, const json& arguments);
+
 /** The job of that name; every name is one of the table's. */
 Job findJob(const std::string& name);
 

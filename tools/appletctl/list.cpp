@@ -1,14 +1,29 @@
+#include "appletctl/Seed.h"
+#include "appletctl/background.h"
 #include "appletctl/commands.h"
 #include "appletctl/limits.h"
 #include "appletctl/text.h"
-#include "appletctl/values.h"
 
 #include <unistd.h>
+
+#include <algorithm>
+#include <set>
 
 namespace appletctl {
 namespace {
 
 constexpr std::size_t entriesWidth = 60;
+
+/** A parameter as it is listed. */
+struct Listed {
+    const Parameter& parameter;
+    const std::optional<Reading> reading; // none of what a read would take from the board
+    const Background& background;
+
+    bool isChanged() const {
+        return reading && reading->error == FG_OK && background.isChanged(reading->value);
+    }
+};
 
 /** The entries' names as far as they fit, and how many there are. */
 std::string shortEntries(const Parameter& parameter) {
@@ -23,52 +38,153 @@ std::string shortEntries(const Parameter& parameter) {
     return text;
 }
 
-std::string limitsCell(const Parameter& parameter) {
+std::string limitsCell(const Listed& listed) {
+    const Parameter& parameter = listed.parameter;
     const std::string text =
         parameter.kind() == REGISTER_KIND_ENUM ? shortEntries(parameter) : limitsText(parameter);
     return text.empty() ? "-" : text;
 }
 
-/** Reads the value, adds it to the row and gives its cell. What a read would take from the board is left
- *  alone, unless it is asked for by its whole name. */
-std::string shownValue(Instance& instance, const Parameter& parameter, const std::string& asked,
-                       nlohmann::ordered_json& row) {
-    const std::string effect = parameter.effectOfReading();
-    if (!effect.empty() && lowerCase(asked) != lowerCase(parameter.name)) {
-        row["notRead"] = effect;
-        return "(" + effect + ")";
+std::string valueCell(const Listed& listed) {
+    if (!listed.reading) return "(" + listed.parameter.effectOfReading() + ")";
+    if (listed.reading->error != FG_OK) return "-";
+    if (const std::uint32_t count = elementCount(listed.parameter); count > 0)
+        return numberText(count) + " elements";
+    return valueText(listed.parameter, listed.reading->value);
+}
+
+std::string defaultCell(const Listed& listed) {
+    return listed.background.start ? valueText(listed.parameter, *listed.background.start) : "-";
+}
+
+struct Column {
+    const char* name;
+    const char* title;
+    std::string (*cell)(const Listed& listed);
+};
+
+constexpr const char* defaultColumn = "default";
+constexpr const char* roleColumn = "role";
+
+constexpr Column columns[] = {
+    {"name", "NAME", [](const Listed& listed) { return listed.parameter.name; }},
+    {"value", "VALUE", valueCell},
+    {"unit", "UNIT", [](const Listed& listed) { return listed.parameter.unit(); }},
+    {"access", "ACCESS", [](const Listed& listed) { return accessWord(listed.parameter); }},
+    {"limits", "LIMITS OR ENTRIES", limitsCell},
+    {defaultColumn, "DEFAULT", defaultCell},
+    {"id", "ID", [](const Listed& listed) { return numberText(listed.parameter.id); }},
+    {"kind", "KIND", [](const Listed& listed) { return std::string(kindName(listed.parameter)); }},
+    {"group", "GROUP", [](const Listed& listed) { return listed.parameter.path(); }},
+    {"label", "LABEL", [](const Listed& listed) { return listed.parameter.label(); }},
+    {roleColumn, "IN A FILE", [](const Listed& listed) { return listed.background.fileRole; }},
+};
+
+bool has(const Words& names, std::string_view name) { return std::ranges::find(names, name) != names.end(); }
+
+std::vector<const Parameter*> wantedParameters(Context& context, const std::string& pattern) {
+    const ParameterList& parameters = context.parameters();
+    const Options& options = context.options();
+    std::vector<const Parameter*> wanted = parameters.matching(pattern);
+    if (!options.group.empty()) {
+        const auto inGroup = parameters.inGroup(options.group);
+        std::erase_if(wanted, [&](const Parameter* parameter) {
+            return std::ranges::find(inGroup, parameter) == inGroup.end();
+        });
     }
-    const Reading reading = readValue(instance, {&parameter});
-    if (reading.error != FG_OK) {
-        row["error"] = codeAsJson(reading.error);
-        return "-";
+    if (options.onlyWritable)
+        std::erase_if(wanted,
+                      [](const Parameter* parameter) { return !accessWord(*parameter).starts_with("rw"); });
+    return wanted;
+}
+
+/** The value; none where a read would take something from the board, unless it is asked for by its whole name. */
+std::optional<Reading> readFor(Instance& instance, const Parameter& parameter, const std::string& asked) {
+    if (!parameter.effectOfReading().empty() && lowerCase(asked) != lowerCase(parameter.name))
+        return std::nullopt;
+    return readValue(instance, wholeOf(parameter));
+}
+
+nlohmann::ordered_json asJson(const Listed& listed, bool wantsRole) {
+    const Target target{&listed.parameter}; // an array by its number of elements
+    nlohmann::ordered_json row;
+    addDescription(row, listed.parameter);
+    if (!listed.reading)
+        row["notRead"] = listed.parameter.effectOfReading();
+    else if (listed.reading->error != FG_OK)
+        row["error"] = codeAsJson(listed.reading->error);
+    else
+        addValue(row, target,
+                 elementCount(listed.parameter) > 0 ? emptyValue(target) : listed.reading->value);
+    row["isChanged"] = listed.isChanged();
+    if (listed.isChanged() && elementCount(listed.parameter) == 0)
+        addValue(row["default"], target, *listed.background.start);
+    if (wantsRole) row["fileRole"] = listed.background.fileRole;
+    return row;
+}
+
+/** The table that is printed; under the headings of the groups unless columns are chosen. */
+Table tableOf(const std::vector<Listed>& rows, const Words& chosen) {
+    Words names = chosen;
+    if (names.empty()) {
+        names = {"name", "value", "unit", "access", "limits"};
+        if (std::ranges::any_of(rows, &Listed::isChanged))
+            names = {"name", "value", defaultColumn, "unit", "access", "limits"};
     }
-    addValue(row, {&parameter}, reading.value);
-    return valueText(parameter, reading.value);
+    Table table;
+    std::vector<std::string> titles;
+    for (const std::string& name : names)
+        titles.push_back(std::ranges::find(columns, name, &Column::name)->title);
+    table.setTitles(std::move(titles));
+    const std::vector<std::string>* group = nullptr;
+    for (const Listed& listed : rows) {
+        if (chosen.empty() && (group == nullptr || *group != listed.parameter.groups))
+            table.addHeading(listed.parameter.path());
+        group = &listed.parameter.groups;
+        std::vector<std::string> cells;
+        for (const std::string& name : names) {
+            const bool isBlank = chosen.empty() && name == defaultColumn && !listed.isChanged();
+            cells.push_back(isBlank ? "" : std::ranges::find(columns, name, &Column::name)->cell(listed));
+        }
+        table.addRow(std::move(cells));
+    }
+    return table;
 }
 
 } // namespace
 
+Words listColumns() {
+    Words names;
+    for (const Column& column : columns)
+        names.emplace_back(column.name);
+    return names;
+}
+
 Report listParameters(Context& context, const Words& pattern) {
-    Instance& instance = context.instance();
-    const ParameterList& parameters = context.parameters();
-    Report report;
-    report.document["parameters"] = nlohmann::ordered_json::array();
-    Table table;
-    table.setTitles({"NAME", "VALUE", "UNIT", "ACCESS", "LIMITS OR ENTRIES"});
-    const std::vector<std::string>* group = nullptr;
+    const Options& options = context.options();
     const std::string asked = pattern.empty() ? "" : pattern.front();
-    for (const Parameter* parameter : parameters.matching(asked)) {
-        if (group == nullptr || *group != parameter->groups) table.addHeading(join(parameter->groups, " / "));
-        group = &parameter->groups;
-        nlohmann::ordered_json row;
-        addDescription(row, *parameter);
-        const std::string value = shownValue(instance, *parameter, asked, row);
-        table.addRow(
-            {parameter->name, value, parameter->unit(), accessWord(*parameter), limitsCell(*parameter)});
-        report.document["parameters"].push_back(std::move(row));
+    const bool wantsRole = has(options.columns, roleColumn);
+    const std::vector<const Parameter*> wanted = wantedParameters(context, asked);
+    Report report;
+    std::map<std::string, Background> backgrounds;
+    try {
+        backgrounds = backgroundOf(context, wanted, wantsRole ? FileRoles::asked : FileRoles::unasked);
+    } catch (const Failure& failure) {
+        // Where there is no scratch board, a list is still of use.
+        if (options.onlyChanged || wantsRole || has(options.columns, defaultColumn)) throw;
+        report.notes.push_back(std::string("the defaults are not known: ") + failure.what());
     }
-    report.text = table.render(Style::forStream(STDOUT_FILENO));
+    std::vector<Listed> rows;
+    for (const Parameter* parameter : wanted) {
+        const Listed listed{*parameter, readFor(context.instance(), *parameter, asked),
+                            backgrounds[parameter->name]};
+        if (!options.onlyChanged || listed.isChanged()) rows.push_back(listed);
+    }
+    auto& documented = report.document["parameters"] = nlohmann::ordered_json::array();
+    for (const Listed& listed : rows)
+        documented.push_back(asJson(listed, wantsRole));
+    report.text = tableOf(rows, options.columns).render(Style::forStream(STDOUT_FILENO));
+    if (rows.empty()) report.text = "Nothing of this kind.\n";
     return report;
 }
 

@@ -141,6 +141,19 @@ json writtenValue(const std::string& write) {
     return {{"parameter", parameter}, {"expected", expected}};
 }
 
+/** The routes as a graph from the sources to the outputs, where the board differs in red. */
+std::string asDot(const std::vector<RouteState>& states) {
+    std::string text = "digraph routes {\n  rankdir=LR;\n  node [shape=box];\n";
+    for (const RouteState& state : states) {
+        Words attributes;
+        if (state.polarity == "FG_LOW") attributes.emplace_back("label=\"inverted\"");
+        if (state.disagrees()) attributes.emplace_back("color=red");
+        text += "  " + inQuotes(state.source) + " -> " + inQuotes(state.output) + " [" +
+                join(attributes, ", ") + "];\n";
+    }
+    return text + "}\n";
+}
+
 } // namespace
 
 json routesJob(Trial& trial, const json& pairs) {
@@ -175,8 +188,9 @@ Report showRoutes(Context& context, const Words& assignments) {
     auto& rows = report.document["routes"] = nlohmann::ordered_json::array();
     Table table;
     table.setTitles({"OUTPUT", "SOURCE", "POLARITY", "BOARD: SELECT", "INVERT", "AGREES"});
+    std::vector<RouteState> states;
     for (std::size_t i = 0; i < routes.size(); ++i) {
-        RouteState state = stateOf(instance, routes[i]);
+        RouteState& state = states.emplace_back(stateOf(instance, routes[i]));
         if (isOnBoard)
             state.board = {compare(instance, *design, expected[i][0]),
                            compare(instance, *design, expected[i][1])};
@@ -185,6 +199,11 @@ Report showRoutes(Context& context, const Words& assignments) {
         if (!state.disagrees()) continue;
         report.problems.push_back("the board does not hold what the applet writes for " + state.output);
         report.exitCode = exitRefused;
+    }
+    if (context.options().dot) {
+        report.text = asDot(states);
+        report.document["dot"] = report.text;
+        return report;
     }
     report.text += (report.text.empty() ? "" : "\n") + table.render(Style::forStream(STDOUT_FILENO));
     return report;

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <optional>
 #include <type_traits>
@@ -152,6 +153,21 @@ Value valueOf(Instance& instance, const Target& target) {
     Reading reading = readValue(instance, target);
     if (reading.error == FG_OK) return std::move(reading.value);
     throw Failure(target.name() + " cannot be read: " + codeInWords(reading.error));
+}
+
+std::string explanationOf(Instance& instance, const Parameter& parameter) {
+    // The query takes the name at the same place where it leaves the pointer to the text.
+    std::vector<char> place(std::max(parameter.name.size() + 1, sizeof(char*)));
+    std::memcpy(place.data(), parameter.name.c_str(), parameter.name.size() + 1);
+    const auto& applet = instance.applet();
+    if (applet.Fg_getParameterWithType(instance.fg(), FG_PARAM_DESCR, place.data(), 0,
+                                       FG_PARAM_ALLOCATED_STRING) != FG_OK)
+        return "";
+    char* text = nullptr;
+    std::memcpy(&text, place.data(), sizeof text);
+    const std::string explained = toUtf8(text);
+    applet.Fg_freeParameterStringWithType(instance.fg(), FG_PARAM_DESCR, text, 0, FG_PARAM_ALLOCATED_STRING);
+    return explained == "-" ? "" : explained;
 }
 
 int writeValue(Instance& instance, const Target& target, const Value& value) {

@@ -43,6 +43,9 @@ Reading readValue(Instance& instance, const Target& target);
 /** The value. Throws Failure when the applet does not give it. */
 Value valueOf(Instance& instance, const Target& target);
 
+/** The applet's explanation of a parameter; empty if it gives none. */
+std::string explanationOf(Instance& instance, const Parameter& parameter);
+
 /** Returns the applet's code. */
 int writeValue(Instance& instance, const Target& target, const Value& value);
 
