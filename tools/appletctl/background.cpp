@@ -11,8 +11,8 @@
 namespace appletctl {
 namespace {
 
-/** What a configuration file has to do with a parameter. There is no list of keys here: what is saved is seen in
- *  a file, and a load fails without a key that it reads. */
+/** What a configuration file has to do with a parameter. There is no list of keys here: what is saved is seen
+ *  in a file, and a load fails without a key that it reads. */
 class RolesInFile {
 public:
     explicit RolesInFile(Instance& instance, const ParameterList& parameters) : m_instance(instance) {

@@ -297,7 +297,8 @@ Effect effectOf(State& state, const Parameter& parameter) {
 
 bool isDescriptive(int id) { return id == FG_TIMEOUT || id == FG_SENSORWIDTH || id == FG_SENSORHEIGHT; }
 
-/** Changed settings without effect: the published access says so, or the writes are the same for another value. */
+/** Changed settings without effect: the published access says so, or the writes are the same for another
+ *  value. */
 void withoutEffect(State& state) {
     const bool isSimulating = state.is("FG_CAMERASIMULATOR_ENABLE", {FG_CAMERASIMULATOR});
     Words simulator;

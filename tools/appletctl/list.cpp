@@ -98,7 +98,8 @@ std::vector<const Parameter*> wantedParameters(Context& context, const std::stri
     return wanted;
 }
 
-/** The value; none where a read would take something from the board, unless it is asked for by its whole name. */
+/** The value; none where a read would take something from the board, unless it is asked for by its whole
+ *  name. */
 std::optional<Reading> readFor(Instance& instance, const Parameter& parameter, const std::string& asked) {
     if (!parameter.effectOfReading().empty() && lowerCase(asked) != lowerCase(parameter.name))
         return std::nullopt;

@@ -1,4 +1,4 @@
-/** Digital signals over time: on a terminal, as a picture, as a file for a waveform viewer. Times are microseconds. */
+/** Digital signals over time, in microseconds: on a terminal, as a picture, for a waveform viewer. */
 #ifndef APPLETCTL_WAVES_H
 #define APPLETCTL_WAVES_H
 

@@ -25,7 +25,7 @@ struct XmlElement {
     std::optional<std::string> child(std::string_view tag) const;
 };
 
-/** Reads elements, attributes and text; no comments, no declarations but the one at the start. Throws Failure. */
+/** Reads elements, attributes and text; no comments, and one declaration, at the start. Throws Failure. */
 XmlElement readXml(std::string_view document);
 
 /** The document that the library gives. */

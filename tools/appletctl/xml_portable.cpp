@@ -1,5 +1,5 @@
-// A document of the parameters for clients that take the standard at its word: every number as it is, in its own
-// width, nothing cached, with names, units and texts, and the common parameters by their standard names as well.
+// A document of the parameters for clients that take the standard at its word: every number as it is, in its
+// own width, nothing cached, with names, units and texts, the common parameters by their standard names too.
 
 #include "appletctl/background.h"
 #include "appletctl/limits.h"
