@@ -34,5 +34,5 @@ build() {
     cmake --build --preset "$preset" --parallel "$(nproc)" ${1:+--target "$@"}
 }
 
-BUILD_PACKAGES=(g++ make cmake python3 libcli11-dev nlohmann-json3-dev)
+BUILD_PACKAGES=(g++ make cmake python3 libcli11-dev nlohmann-json3-dev libedit-dev)
 TEST_PACKAGES=(abigail-tools binutils libgtest-dev libgmock-dev libbenchmark-dev libxml2-dev scdoc)

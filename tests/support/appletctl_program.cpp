@@ -1,6 +1,7 @@
 // APPLETCTL_PROGRAM is the program's path.
 #include "support/appletctl_program.h"
 
+#include <fcntl.h>
 #include <pty.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -40,11 +41,12 @@ std::string contents(std::FILE* file) {
     return text;
 }
 
-Outcome run(const Words& arguments, const Words& environment) {
+Outcome run(const Words& arguments, const Words& environment, const char* input) {
     std::FILE* out = std::tmpfile();
     std::FILE* err = std::tmpfile();
     const pid_t child = fork();
     if (child == 0) {
+        dup2(open(input, O_RDONLY | O_CLOEXEC), STDIN_FILENO);
         dup2(fileno(out), STDOUT_FILENO);
         dup2(fileno(err), STDERR_FILENO);
         become(arguments, environment);
@@ -62,6 +64,26 @@ Outcome talk(const Words& arguments, const Words& environment, const std::string
     char buffer[4096];
     for (ssize_t count; (count = read(terminal, buffer, sizeof buffer)) > 0;)
         text.append(buffer, static_cast<std::size_t>(count));
+    close(terminal);
+    return {exitCodeOf(child), text, ""};
+}
+
+Outcome converse(const Words& arguments, const Words& environment, const std::string& prompt,
+                 const Words& lines) {
+    int terminal = -1;
+    const pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
+    if (child == 0) become(arguments, environment);
+    std::string text;
+    std::size_t answered = 0, typed = 0; // up to where the text was answered, and by how many lines
+    char buffer[4096];
+    for (ssize_t count; (count = read(terminal, buffer, sizeof buffer)) > 0;) {
+        text.append(buffer, static_cast<std::size_t>(count));
+        const std::size_t found = text.find(prompt, answered);
+        if (found == std::string::npos || typed == lines.size()) continue;
+        answered = found + prompt.size();
+        const std::string& line = lines[typed++];
+        if (write(terminal, line.data(), line.size()) < 0) break;
+    }
     close(terminal);
     return {exitCodeOf(child), text, ""};
 }

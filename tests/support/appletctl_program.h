@@ -30,10 +30,15 @@ int exitCodeOf(pid_t child);
 /** All that was written to the file, which is closed. */
 std::string contents(std::FILE* file);
 
-Outcome run(const Words& arguments, const Words& environment = {});
+/** What the program prints that reads this file. */
+Outcome run(const Words& arguments, const Words& environment = {}, const char* input = "/dev/null");
 
 /** What the program prints on a terminal on which `input` was typed, and its exit code. */
 Outcome talk(const Words& arguments, const Words& environment, const std::string& input = "");
+
+/** What the program prints on a terminal on which the lines are typed, each one behind the next prompt. */
+Outcome converse(const Words& arguments, const Words& environment, const std::string& prompt,
+                 const Words& lines);
 
 /** What the program prints on a terminal. */
 std::string onTerminal(const Words& arguments, const Words& environment);

@@ -11,10 +11,16 @@ Context::Context(const Options& options, Scratch scratch)
     , m_scratch(scratch != Scratch::none ? std::make_unique<ScratchBoard>(options) : nullptr) {}
 
 Instance& Context::instance() {
-    if (!m_instance)
-        m_instance.emplace(m_options,
-                           m_publishesDesign ? DesignParameters::published : DesignParameters::asSwitched);
-    return *m_instance;
+    if (m_instance) return *m_instance;
+    if (!m_host) m_host = std::make_shared<applet_host::AppletHost>(locationsFor(m_options));
+    return m_instance.emplace(m_options, m_host,
+                              m_publishesDesign ? DesignParameters::published : DesignParameters::asSwitched);
+}
+
+void Context::restart() {
+    m_parameters.reset();
+    m_instance.reset();
+    instance();
 }
 
 const ParameterList& Context::parameters() {

@@ -24,7 +24,14 @@ public:
     explicit Context(const Options& options, Scratch scratch = Scratch::none);
 
     const Options& options() const { return m_options; }
+    /** The options of the next command. What they say of applet and board has to be what the first ones said. */
+    void setOptions(const Options& options) { m_options = options; }
     Instance& instance();
+    /** False before the first use, and after a restart that failed. */
+    bool isUp() const { return m_instance.has_value(); }
+    /** A fresh board and a new bring-up of the applet on it, from the libraries that are loaded. Parameters from
+     *  before are gone. */
+    void restart();
     const ParameterList& parameters();
     /** The scratch board, in the state that the live applet has now. */
     ScratchBoard& scratch();
@@ -49,6 +56,7 @@ private:
     Options m_options;
     bool m_publishesDesign;
     std::unique_ptr<ScratchBoard> m_scratch; // null if not wanted
+    std::shared_ptr<const applet_host::AppletHost> m_host;
     std::optional<Instance> m_instance;
     std::optional<ParameterList> m_parameters;
     Words m_assumed;

@@ -49,6 +49,10 @@ struct Options {
     std::string lutChannel = "all";       /**< --channel of "lut show": red, green, blue or all */
     int watchInterval = 1000;             /**< --interval of "watch": milliseconds from round to round */
     int watchCount = 0;                   /**< --count of "watch": rounds; 0: no end */
+    std::string watchFailIf;              /**< --fail-if of "watch": a condition (see Condition) */
+    std::string junitFile;                /**< --junit of "run"; empty: none */
+    bool failFast = false;                /**< --fail-fast of "run" */
+    bool keepGoing = false;               /**< -k of "shell" */
 };
 
 } // namespace appletctl

@@ -4,6 +4,17 @@
 
 namespace appletctl {
 
+namespace {
+
+/** Sets the parameter if it holds something else; true if it took the value. */
+bool bring(Instance& instance, const Parameter& parameter, const json& wanted) {
+    const Target target = wholeOf(parameter);
+    return !holds(instance, parameter, wanted) &&
+           writeValue(instance, target, fromMessage(target, wanted)) == FG_OK;
+}
+
+} // namespace
+
 json asBytes(const std::string& text) { return json::binary({text.begin(), text.end()}); }
 
 std::string bytesOf(const json& message) {
@@ -44,6 +55,32 @@ Target wholeOf(const Parameter& parameter) {
     const std::uint32_t count = elementCount(parameter);
     if (count == 0) return {&parameter};
     return {&parameter, ElementRange{0, count - 1}};
+}
+
+bool holds(Instance& instance, const Parameter& parameter, const json& wanted) {
+    const Target target = wholeOf(parameter);
+    const Reading reading = readValue(instance, target);
+    return reading.error == FG_OK && reading.value == fromMessage(target, wanted);
+}
+
+Wanted wantedFrom(const ParameterList& parameters, const json& values) {
+    Wanted wanted;
+    for (const Parameter& parameter : parameters.all())
+        if (const auto found = values.find(parameter.name);
+            found != values.end() && !found->is_null() && parameter.effectOfWriting().empty())
+            wanted.emplace_back(&parameter, &*found);
+    return wanted;
+}
+
+void bringAbout(Instance& instance, const Wanted& wanted) {
+    // One value can stand in the way of another, so as long as one more is taken there is another round.
+    constexpr int mostRounds = 8;
+    bool moved = true;
+    for (int round = 0; moved && round < mostRounds; ++round) {
+        moved = false;
+        for (const auto& [parameter, value] : wanted)
+            moved |= bring(instance, *parameter, *value);
+    }
 }
 
 json valuesOf(Instance& instance, const ParameterList& parameters) {

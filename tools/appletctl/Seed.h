@@ -29,6 +29,18 @@ json valuesOf(Instance& instance, const ParameterList& parameters);
 /** The answers of the design: {NAME: VALUE}; null where they cannot be had, as offline. */
 json designOf(Instance& instance);
 
+/** Values to bring about, by their parameters. */
+using Wanted = std::vector<std::pair<const Parameter*, const json*>>;
+
+/** Of {NAME: VALUE} all that a set brings about without an effect besides. The values have to outlive it. */
+Wanted wantedFrom(const ParameterList& parameters, const json& values);
+
+/** Sets the values until all hold or no more is taken. */
+void bringAbout(Instance& instance, const Wanted& wanted);
+
+/** True when the parameter reads as this value. */
+bool holds(Instance& instance, const Parameter& parameter, const json& wanted);
+
 /**
  * What the live applet tells of itself: {"design": {NAME: VALUE}, "values": {NAME: VALUE}}. "design" holds the
  * answers of the design, such as the widths of its memory, its formats and debug points. What a read would change

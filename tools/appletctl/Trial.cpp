@@ -3,8 +3,6 @@
 #include "appletctl/ConfigurationFile.h"
 #include "appletctl/writes.h"
 
-#include "vexo/fg_errors.h"
-
 #include <cmath>
 #include <utility>
 
@@ -33,19 +31,6 @@ void poke(const applet_host::BoardFunctions& board, LOOMdevice* device, const st
     } else if (value.is_number_integer()) {
         board.poke_int(device, name.c_str(), value.get<std::int64_t>());
     }
-}
-
-bool holds(Instance& instance, const Parameter& parameter, const json& wanted) {
-    const Target target = wholeOf(parameter);
-    const Reading reading = readValue(instance, target);
-    return reading.error == FG_OK && reading.value == fromMessage(target, wanted);
-}
-
-/** Sets the parameter if it holds something else; true if it took the value. */
-bool bring(Instance& instance, const Parameter& parameter, const json& wanted) {
-    const Target target = wholeOf(parameter);
-    return !holds(instance, parameter, wanted) &&
-           writeValue(instance, target, fromMessage(target, wanted)) == FG_OK;
 }
 
 } // namespace
@@ -100,29 +85,13 @@ void Trial::prepareBoard(LOOMdevice* device) {
 }
 
 void Trial::setValues() {
-    const json& values = m_seed.at("values");
-    Wanted wanted;
-    for (const Parameter& parameter : m_parameters->all())
-        if (const auto found = values.find(parameter.name);
-            found != values.end() && !found->is_null() && parameter.effectOfWriting().empty())
-            wanted.emplace_back(&parameter, &*found);
-    bringAll(wanted);
+    const Wanted wanted = wantedFrom(*m_parameters, m_seed.at("values"));
+    bringAbout(*m_instance, wanted);
     storeByLoad(wanted);
     m_assumed.clear();
     if (m_seed.at("design").is_null()) m_assumed.emplace_back("design");
     for (const auto& [parameter, value] : wanted)
         if (!holds(*m_instance, *parameter, *value)) m_assumed.push_back(parameter->name);
-}
-
-void Trial::bringAll(const Wanted& wanted) {
-    // One value can stand in the way of another, so as long as one more is taken there is another round.
-    constexpr int mostRounds = 8;
-    bool moved = true;
-    for (int round = 0; moved && round < mostRounds; ++round) {
-        moved = false;
-        for (const auto& [parameter, value] : wanted)
-            moved |= bring(*m_instance, *parameter, *value);
-    }
 }
 
 /** A live value may be one that its setter refuses by now, such as an exposure above a period that was lowered
@@ -143,7 +112,7 @@ void Trial::storeByLoad(const Wanted& wanted) {
     const TemporaryFile file;
     file.write(state->text());
     m_instance->applet().Fg_loadConfig(m_instance->fg(), file.path().c_str());
-    bringAll(wanted); // a load computes the tables anew
+    bringAbout(*m_instance, wanted); // a load computes the tables anew
 }
 
 } // namespace appletctl

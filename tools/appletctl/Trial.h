@@ -40,9 +40,6 @@ public:
 private:
     void prepareBoard(LOOMdevice* device);
     void setValues();
-    /** A value of the state, by its parameter. */
-    using Wanted = std::vector<std::pair<const Parameter*, const json*>>;
-    void bringAll(const Wanted& wanted);
     void storeByLoad(const Wanted& wanted);
 
     Options m_options;

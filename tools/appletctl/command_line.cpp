@@ -67,6 +67,23 @@ void addWatchOptions(CLI::App& command, Options& options) {
     command.add_option("--count", options.watchCount, "Number of rounds; without it the watch has no end")
         ->type_name("N")
         ->check(CLI::Range(1, std::numeric_limits<int>::max()));
+    command
+        .add_option("--fail-if", options.watchFailIf,
+                    "Condition that ends the watch with exit code 1, such as 'FG_OVERFLOW != 0 || NAME > 5'")
+        ->type_name("EXPR");
+}
+
+void addRunOptions(CLI::App& command, Options& options) {
+    command.add_option("--junit", options.junitFile, "File to write a JUnit report to")->type_name("FILE");
+    command.add_flag("--fail-fast", options.failFast, "End with the first step that fails");
+}
+
+void addShellOptions(CLI::App& command, Options& options) {
+    command.add_flag("-k,--keep-going", options.keepGoing, "Go on after a line that fails");
+}
+
+void addShells(CLI::App& command, Options&) {
+    command.get_option("SHELL")->check(CLI::IsMember({"bash", "zsh", "fish"}));
 }
 
 void addWith(CLI::App& command, Options& options) {
@@ -156,6 +173,13 @@ constexpr Command commands[] = {
     {nullptr, "trace",
      "Show what a command does to the design; or compare two such logs: trace diff FILE FILE", "COMMAND",
      "A command with its words", 0, -1, compareTraces, usesNoScratch, addTracedCommand},
+    {nullptr, "run", "Carry out a scenario: steps, and what is expected of them", "FILE",
+     "File of steps, one a line", 1, 1, runScenario, usesScratch, addRunOptions},
+    {nullptr, "shell", "Carry out commands line by line on one board, with undo", nullptr, nullptr, 0, 0,
+     runShell, usesScratch, addShellOptions},
+    {nullptr, "completion", "Print the script that completes words of appletctl in a shell", "SHELL",
+     "The shell that is to complete", 1, 1, showCompletionScript, usesNoScratch, addShells},
+    {nullptr, "__complete", "", "WORD", "", 1, -1, completeWords},
     {&lutGroup, "show", "Show what the tables are like, and a curve", "NAME=VALUE",
      "Assignments to carry out before", 0, -1, showLut, usesNoScratch, addLutChannel},
     {&lutGroup, "plot", "Draw the curves of all colours as SVG", "FILE",
@@ -190,6 +214,7 @@ void addCommand(CLI::App& program, const Command& command, Request& request) {
                         command.most < 0 ? CLI::detail::expected_max_vector_size : command.most);
         words->required(command.fewest > 0);
     }
+    if (isHidden(command)) added->group("");
     added->callback([&request, &command, added] {
         request.command = &command;
         if (added->get_prefix_command()) request.words = added->remaining();
@@ -197,12 +222,14 @@ void addCommand(CLI::App& program, const Command& command, Request& request) {
 }
 
 void addGlobalOptions(CLI::App& program, Options& options) {
-    const std::map<std::string, BoardKind> boards = {{"virtual", BoardKind::virtualBoard},
-                                                     {"system", BoardKind::system}};
     program
-        .add_option("--board", options.board, "virtual: a fresh virtual board; system: the one of the system")
-        ->transform(CLI::Transformer(boards).description("virtual|system"))
-        ->check(CLI::IsMember({BoardKind::virtualBoard, BoardKind::system}).description(""));
+        .add_option_function<std::string>(
+            "--board",
+            [&options](const std::string& kind) {
+                options.board = kind == "system" ? BoardKind::system : BoardKind::virtualBoard;
+            },
+            "virtual: a fresh virtual board; system: the one of the system")
+        ->check(CLI::IsMember({"virtual", "system"}));
     program.add_option("--bridge", options.bridge, "Library that opens a board of the system")
         ->type_name("FILE");
     program.add_flag("--offline", options.offline, "Use an instance of the applet without a board");
@@ -224,10 +251,37 @@ std::string didYouMean(const std::string& word) {
     return "; 'appletctl --help' lists the commands";
 }
 
+/** The option of the command, or of those given below it, that is nearest to the word; empty if none is. */
+std::string nearestOption(const CLI::App& command, const std::string& word) {
+    constexpr std::size_t farthest = 2;
+    std::string nearest;
+    std::size_t least = farthest + 1;
+    const auto look = [&](const std::string& name) {
+        if (const std::size_t distance = editDistance(word, name); distance < least) {
+            least = distance;
+            nearest = name;
+        }
+    };
+    for (const CLI::Option* option : command.get_options())
+        for (const std::string& name : option->get_lnames())
+            look("--" + name);
+    for (const CLI::App* below : command.get_subcommands())
+        if (const std::string name = nearestOption(*below, word); !name.empty()) look(name);
+    return nearest;
+}
+
+std::string unknownOption(const CLI::App& program, const std::string& word) {
+    const std::string name = word.substr(0, word.find('='));
+    const std::string nearest = nearestOption(program, name);
+    return "there is no option '" + printable(name) + "'" +
+           (nearest.empty() ? "; --help behind the command lists them" : "; did you mean '" + nearest + "'?");
+}
+
 std::string whatIsWrong(const CLI::App& program, const CLI::ParseError& error) {
     const std::vector<std::string> unknown = program.remaining(true);
     if (program.get_subcommands().empty() && !unknown.empty() && !unknown.front().starts_with('-'))
         return "there is no command '" + printable(unknown.front()) + "'" + didYouMean(unknown.front());
+    if (!unknown.empty() && unknown.front().starts_with('-')) return unknownOption(program, unknown.front());
     return printable(error.what()) + "; 'appletctl --help' shows the usage";
 }
 
@@ -247,6 +301,8 @@ Report endParsing(const CLI::App& program, const CLI::ParseError& error) {
 
 std::span<const Command> allCommands() { return commands; }
 
+bool isHidden(const Command& command) { return std::string_view(command.name).starts_with("__"); }
+
 std::string fullName(const Command& command) {
     return (command.group != nullptr ? std::string(command.group->name) + " " : "") + command.name;
 }
@@ -265,10 +321,12 @@ Request tracedRequest(const Request& trace) {
 
 } // namespace
 
-Request parseCommandLine(const Words& words, const Options& options) {
-    Request request;
-    request.options = options;
-    CLI::App program("Shows and sets the parameters of the applet.", "appletctl");
+std::string nameOf(const Request& request) {
+    if (request.command == nullptr) return "";
+    return (request.options.trace ? "trace " : "") + fullName(*request.command);
+}
+
+void addCommandsTo(CLI::App& program, Request& request) {
     program.fallthrough();            // global options may stand behind the command as well
     program.require_subcommand(0, 1); // a further word of that name is the command's own
     program.footer(notes);
@@ -276,6 +334,12 @@ Request parseCommandLine(const Words& words, const Options& options) {
     addGlobalOptions(program, request.options);
     for (const Command& command : commands)
         addCommand(program, command, request);
+}
+
+Request parseCommandLine(const Words& words, const Options& options) {
+    Request request{.options = options, .command = nullptr, .words = {}, .outcome = {}};
+    CLI::App program("Shows and sets the parameters of the applet.", "appletctl");
+    addCommandsTo(program, request);
     try {
         program.parse(Words(words.rbegin(), words.rend()));
         if (request.command == nullptr) throw CLI::RequiredError("A command");

@@ -31,6 +31,9 @@ struct Command {
 
 std::span<const Command> allCommands();
 
+/** For programs, not for people. */
+bool isHidden(const Command& command);
+
 /** "lut show". */
 std::string fullName(const Command& command);
 
@@ -42,7 +45,13 @@ struct Request {
     Report outcome;
 };
 
-/** Reads the words behind the program's name; `options` are those from before. Nothing is loaded. */
+/** Of the command; empty when there is none. */
+std::string nameOf(const Request& request);
+
+/** Makes the program's commands and options, which write to the request. */
+void addCommandsTo(CLI::App& program, Request& request);
+
+/** Reads the words behind the program's name; what they do not say is as in `options`. Nothing is loaded. */
 Request parseCommandLine(const Words& words, const Options& options = {});
 
 } // namespace appletctl

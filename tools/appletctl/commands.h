@@ -40,6 +40,14 @@ Report showXml(Context& context, const Words& none);
 Report listEvents(Context& context, const Words& none);
 /** Prints round after round until it is told to end; only its problems are left to print. */
 Report watchParameters(Context& context, const Words& names);
+/** Prints each step as it is done; only its problems are left to print. */
+Report runScenario(Context& context, const Words& file);
+/** Carries out the lines of the standard input. */
+Report runShell(Context& context, const Words& none);
+/** The script that a shell reads to complete words of appletctl. */
+Report showCompletionScript(Context& context, const Words& shell);
+/** What the last word can become. */
+Report completeWords(Context& context, const Words& words);
 /** The assignments are carried out first. */
 Report showRoutes(Context& context, const Words& assignments);
 

@@ -1,5 +1,7 @@
 #include "appletctl/errors.h"
 
+#include "appletctl/numbers.h"
+
 #include "vexo/fg_errors.h"
 
 namespace appletctl {
@@ -41,6 +43,12 @@ const CodeRow& rowOf(int code) {
 } // namespace
 
 std::string codeInWords(int code) { return std::to_string(code) + ", " + rowOf(code).meaning; }
+
+std::optional<int> codeFrom(std::string_view word) {
+    for (const CodeRow& row : codeRows)
+        if (word == row.symbol) return row.code;
+    return wholeNumber<int>(word);
+}
 
 nlohmann::ordered_json codeAsJson(int code) {
     const CodeRow& row = rowOf(code);

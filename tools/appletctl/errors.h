@@ -4,8 +4,10 @@
 
 #include <nlohmann/json.hpp>
 
+#include <optional>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 namespace appletctl {
 
@@ -35,6 +37,9 @@ struct Unavailable : Failure {
 
 /** "-6000, value out of range". */
 std::string codeInWords(int code);
+
+/** The code that a number or a symbol such as "FG_ERR_OUT_OF_RANGE" stands for. */
+std::optional<int> codeFrom(std::string_view word);
 
 /** {"code": -6000, "symbol": "FG_ERR_OUT_OF_RANGE", "meaning": "value out of range"}. */
 nlohmann::ordered_json codeAsJson(int code);

@@ -42,6 +42,9 @@ template <typename Integer> std::optional<Integer> wholeNumber(std::string_view 
     return static_cast<Integer>(-static_cast<std::int64_t>(magnitude - 1) - 1);
 }
 
+/** A finite number such as 19.5 or 1e-3, to the last character. */
+std::optional<double> floatingNumber(std::string_view text);
+
 } // namespace appletctl
 
 #endif

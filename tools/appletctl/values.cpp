@@ -74,11 +74,7 @@ template <typename Integer> Integer parseInteger(const Target& target, const std
 }
 
 double parseDouble(const Target& target, const std::string& text) {
-    std::string_view digits = text;
-    if (digits.starts_with('+') && !digits.starts_with("+-")) digits.remove_prefix(1);
-    double number = 0;
-    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
-    if (error == std::errc{} && end == digits.data() + digits.size() && std::isfinite(number)) return number;
+    if (const auto number = floatingNumber(text)) return *number;
     refuseText(target, text,
                "'" + printable(text) + "' is not a floating point number (such as 19.5 or 1e-3)");
 }

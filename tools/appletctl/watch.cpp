@@ -1,73 +1,34 @@
 // Reads parameters over and over: a table redrawn in place on a terminal, else a line for each round.
 
+#include "appletctl/Condition.h"
+#include "appletctl/Interruption.h"
 #include "appletctl/commands.h"
+#include "appletctl/sparkline.h"
 #include "appletctl/text.h"
 #include "appletctl/values.h"
 
-#include <poll.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
-#include <csignal>
+#include <cmath>
 #include <cstdio>
+#include <deque>
 #include <optional>
 #include <type_traits>
 
 namespace appletctl {
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
-volatile std::sig_atomic_t isAskedToEnd = 0;
-
-void askToEnd(int) { isAskedToEnd = 1; }
-
-sigset_t endingSignals() {
-    sigset_t signals;
-    sigemptyset(&signals);
-    sigaddset(&signals, SIGINT);
-    sigaddset(&signals, SIGTERM);
-    return signals;
-}
-
-/**
- * From now on the ending signals ask for an end, a second one forces it; a dead pipe is told by the write.
- */
-void catchSignals() {
-    struct sigaction action {};
-    action.sa_handler = askToEnd;
-    action.sa_flags = static_cast<int>(SA_RESETHAND); // no SA_RESTART: a write that hangs ends too
-    sigaction(SIGINT, &action, nullptr);
-    sigaction(SIGTERM, &action, nullptr);
-    std::signal(SIGPIPE, SIG_IGN);
-}
-
-/** Waits until `due`. False when it is time to end: a signal came, or nobody reads the output any more. */
-bool waitUntil(Clock::time_point due) {
-    const sigset_t ending = endingSignals();
-    sigset_t before;
-    // Let through during the wait only, so that none gets lost between the look and the wait.
-    pthread_sigmask(SIG_BLOCK, &ending, &before);
-    bool goesOn = isAskedToEnd == 0;
-    while (goesOn) {
-        const auto left = std::chrono::duration_cast<std::chrono::nanoseconds>(due - Clock::now()).count();
-        if (left <= 0) break;
-        const timespec timeout{left / 1'000'000'000, left % 1'000'000'000};
-        pollfd output{STDOUT_FILENO, 0, 0}; // reports nothing but errors
-        const int result = ppoll(&output, 1, &timeout, &before);
-        goesOn = result <= 0 && isAskedToEnd == 0;
-    }
-    pthread_sigmask(SIG_SETMASK, &before, nullptr);
-    return goesOn;
-}
+using Clock = Interruption::Clock;
 
 struct Watched {
     Target target;
     Reading reading;
     std::optional<Value> minimum, maximum; // of numbers, over all rounds
+    std::deque<double> course;             // of numbers, the last rounds
 };
 
 /** True for numbers of the same kind, the first below the second. */
@@ -92,18 +53,34 @@ bool isNumber(const Watched& watched) {
     return isArithmetic && watched.target.parameter->kind() != REGISTER_KIND_ENUM;
 }
 
+double asDouble(const Value& value) {
+    return std::visit(
+        [](const auto& native) {
+            if constexpr (std::is_arithmetic_v<std::decay_t<decltype(native)>>)
+                return static_cast<double>(native);
+            else
+                return 0.0;
+        },
+        value);
+}
+
 void read(Instance& instance, Watched& watched) {
     watched.reading = readValue(instance, watched.target);
     if (watched.reading.error != FG_OK || !isNumber(watched)) return;
     const Value& value = watched.reading.value;
     if (!watched.minimum || isBelow(value, *watched.minimum)) watched.minimum = value;
     if (!watched.maximum || isBelow(*watched.maximum, value)) watched.maximum = value;
+    constexpr std::size_t shownRounds = 32;
+    const double number = asDouble(value);
+    if (std::isfinite(number)) watched.course.push_back(number);
+    if (watched.course.size() > shownRounds) watched.course.pop_front();
 }
 
 struct Round {
     int number;                        // from 1
     std::chrono::milliseconds elapsed; // since the first
     std::vector<Watched> watched;
+    bool isFailed = false; // the condition of --fail-if holds
 };
 
 double seconds(const Round& round) { return static_cast<double>(round.elapsed.count()) / 1000; }
@@ -134,12 +111,14 @@ std::string asDocument(const Round& round) {
         parameters.push_back(readingAsJson(watched.target, watched.reading));
         if (watched.reading.error != FG_OK) report.exitCode = exitRefused;
     }
+    if (round.isFailed) report.exitCode = exitRefused;
     return documentText(report, "watch");
 }
 
 std::string asTable(const Round& round) {
+    const bool unicode = canDrawUnicode(STDOUT_FILENO);
     Table table;
-    table.setTitles({"NAME", "VALUE", "UNIT", "MINIMUM", "MAXIMUM"});
+    table.setTitles({"NAME", "VALUE", "UNIT", "MINIMUM", "MAXIMUM", "COURSE"});
     for (const Watched& watched : round.watched) {
         const Parameter& parameter = *watched.target.parameter;
         const auto cell = [&](const std::optional<Value>& value) {
@@ -149,7 +128,8 @@ std::string asTable(const Round& round) {
         table.addRow({watched.target.name(),
                       reading.error == FG_OK ? valueText(parameter, reading.value)
                                              : "(" + codeInWords(reading.error) + ")",
-                      parameter.unit(), cell(watched.minimum), cell(watched.maximum)});
+                      parameter.unit(), cell(watched.minimum), cell(watched.maximum),
+                      sparkline(watched.course, unicode)});
     }
     const Style style = Style::forStream(STDOUT_FILENO);
     return table.render(style) +
@@ -181,41 +161,83 @@ private:
     int m_lines = 0;
 };
 
+enum class Form { table, text, document };
+
+/** A table that is redrawn for a person, lines of text where it cannot be, documents for a program. */
+Form formOf(const Options& options) {
+    if (options.json) return Form::document;
+    if (isCapableTerminal(STDOUT_FILENO)) return Form::table;
+    return options.plain || isatty(STDOUT_FILENO) == 1 ? Form::text : Form::document;
+}
+
+/** What is read in each round: the named ones, and those of the condition that are not among them. */
+std::vector<Watched> watchedTargets(std::vector<Target> targets, const std::optional<Condition>& condition) {
+    std::vector<Watched> watched;
+    if (condition) std::ranges::copy(condition->targets(), std::back_inserter(targets));
+    for (const Target& target : targets)
+        if (std::ranges::none_of(watched,
+                                 [&](const Watched& one) { return one.target.name() == target.name(); }))
+            watched.push_back({.target = target, .reading = {}, .minimum = {}, .maximum = {}, .course = {}});
+    return watched;
+}
+
+bool holds(const Condition& condition, const Round& round) {
+    return condition.holds([&](const Target& target) {
+        return std::ranges::find_if(round.watched,
+                                    [&](const Watched& one) { return one.target.name() == target.name(); })
+            ->reading;
+    });
+}
+
 } // namespace
 
 Report watchParameters(Context& context, const Words& names) {
-    catchSignals();
+    const Options& options = context.options();
+    const Interruption interruption;
     Instance& instance = context.instance();
     const ParameterList& parameters = context.parameters();
-    Round round{};
-    for (const Target& target : findTargets(parameters, names))
-        round.watched.push_back({.target = target, .reading = {}, .minimum = {}, .maximum = {}});
+    std::optional<Condition> condition;
+    if (!options.watchFailIf.empty()) condition.emplace(parameters, options.watchFailIf);
+    Round round{
+        .number = 0, .elapsed = {}, .watched = watchedTargets(findTargets(parameters, names), condition)};
 
-    const bool isRedrawn = !context.options().json && isCapableTerminal(STDOUT_FILENO);
+    const Form form = formOf(options);
     Screen screen;
     const auto shown = [&] {
-        if (context.options().json) return asDocument(round);
-        return isRedrawn ? screen.redraw(asTable(round)) : asLine(round);
+        if (options.quiet && !options.json) return std::string();
+        if (form == Form::document) return asDocument(round);
+        return form == Form::table ? screen.redraw(asTable(round)) : asLine(round);
     };
 
     Report report;
     report.isPrinted = true;
-    const std::chrono::milliseconds interval(context.options().watchInterval);
+    const std::chrono::milliseconds interval(options.watchInterval);
     const Clock::time_point start = Clock::now();
     Clock::time_point due = start;
-    do {
+    bool goesOn = true;
+    while (goesOn) {
         ++round.number;
         round.elapsed = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start);
         for (Watched& watched : round.watched)
             read(instance, watched);
+        round.isFailed = condition && holds(*condition, round);
         if (!writeOut(shown())) {
-            if (errno == EPIPE || isAskedToEnd != 0) return report;
+            if (errno == EPIPE) return report;
+            if (interruption.isAsked()) break;
             report.problems.push_back("the output could not be written");
             report.exitCode = exitRefused;
             return report;
         }
+        if (round.isFailed) {
+            report.problems.push_back("round " + numberText(round.number) + ": " +
+                                      printable(options.watchFailIf));
+            report.exitCode = exitRefused;
+            return report;
+        }
         due = std::max(due + interval, Clock::now());
-    } while (round.number != context.options().watchCount && waitUntil(due));
+        goesOn = round.number != options.watchCount && interruption.waitUntil(due);
+    }
+    if (interruption.isAsked()) report.exitCode = exitInterrupted;
     return report;
 }
 
