@@ -1,0 +1,68 @@
+// What a run of appletctl takes from start to end.
+//   start_up_bench
+// APPLETCTL_PROGRAM is the program's path.
+
+#include <benchmark/benchmark.h>
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <string>
+#include <vector>
+
+namespace {
+
+using Words = std::vector<std::string>;
+
+/** Runs the program with its output thrown away; its exit code. */
+int run(const Words& arguments) {
+    std::vector<char*> argv{const_cast<char*>("appletctl")};
+    for (const std::string& argument : arguments)
+        argv.push_back(const_cast<char*>(argument.c_str()));
+    argv.push_back(nullptr);
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    for (const int stream : {STDOUT_FILENO, STDERR_FILENO})
+        posix_spawn_file_actions_addopen(&actions, stream, "/dev/null", O_WRONLY, 0);
+    pid_t child = -1;
+    const int error = posix_spawn(&child, APPLETCTL_PROGRAM, &actions, nullptr, argv.data(), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    if (error != 0) return -1;
+    int status = -1;
+    waitpid(child, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+void startUp(benchmark::State& state, const Words& arguments) {
+    for (auto _ : state)
+        if (run(arguments) != 0) state.SkipWithError("the program failed");
+}
+
+const Words commandLines[] = {
+    {"--version"},
+    {"completion", "bash"},
+    {"__complete", "--", "get", "FG_SENSOR"},
+    {"__complete", "--", "set", "FG_VANTAGEPOINT="},
+    {"get", "FG_WIDTH"},
+    {"list"},
+    {"set", "FG_WIDTH=2048"},
+    {"plan", "FG_WIDTH=2048"},
+};
+
+} // namespace
+
+int main(int argc, char** argv) {
+    benchmark::Initialize(&argc, argv);
+    for (const Words& arguments : commandLines) {
+        std::string name;
+        for (const std::string& argument : arguments)
+            name += (name.empty() ? "" : " ") + argument;
+        benchmark::RegisterBenchmark(name.c_str(), startUp, arguments)
+            ->UseRealTime()
+            ->Unit(benchmark::kMillisecond);
+    }
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+}
