@@ -1,0 +1,93 @@
+"""Runs the tasks of the cookbook as they stand on the page.
+
+    cookbook_test.py PAGE FOLDER_OF_APPLETCTL
+
+Each section has a folder of its own. In it, in order: a block marked "KIND file=NAME" becomes that file; in a
+block marked "sh" each line "$ COMMAND" is run by bash (a backslash continues it), and what stands below it has
+to be what it prints, "..." being any number of lines. A command ends with 0, or with what a comment behind it
+says: "# exit 1".
+"""
+
+import os
+import re
+import subprocess
+import sys
+import tempfile
+
+
+def sections(page):
+    """Pairs of title and text of the sections that have a ## title."""
+    parts = re.split(r"^## (.*)$", page, flags=re.MULTILINE)
+    return zip(parts[1::2], parts[2::2])
+
+
+def blocks(text):
+    """Pairs of mark and content of the fenced blocks."""
+    return re.findall(r"^```(.+)\n((?:.*\n)*?)```$", text, flags=re.MULTILINE)
+
+
+def commands(content):
+    """Pairs of command and expected lines of a block."""
+    found = []
+    lines = iter(content.splitlines())
+    for line in lines:
+        if line.startswith("$ "):
+            command = line[2:]
+            while command.endswith("\\"):
+                command = command[:-1] + next(lines)
+            found.append((command, []))
+        else:
+            found[-1][1].append(line)
+    return found
+
+
+def matches(expected, printed):
+    """True when the lines are the same, "..." standing for any number of them."""
+    if not expected:
+        return not printed
+    if expected[0].strip() == "...":
+        return any(matches(expected[1:], printed[i:]) for i in range(len(printed) + 1))
+    if not printed or expected[0].rstrip() != printed[0].rstrip():
+        return False
+    return matches(expected[1:], printed[1:])
+
+
+def run(command, expected, folder, environment):
+    """What is wrong with a command; nothing if all is well."""
+    code = re.search(r"# exit (\d+)$", command)
+    ended = subprocess.run(["bash", "-c", command], cwd=folder, env=environment, text=True, timeout=60,
+                           stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+    wanted = int(code.group(1)) if code else 0
+    if ended.returncode == wanted and matches(expected, ended.stdout.splitlines()):
+        return ""
+    return f"$ {command}\n-- expected, with exit code {wanted}:\n" + "\n".join(expected) + \
+        f"\n-- printed, with exit code {ended.returncode}:\n{ended.stdout}"
+
+
+def main(page_file, program_folder):
+    with open(page_file, encoding="utf-8") as file:
+        page = file.read()
+    environment = {"PATH": program_folder + os.pathsep + os.environ["PATH"], "LC_ALL": "C.UTF-8"}
+    for name in ("APPLET_UNDER_TEST", "ASAN_OPTIONS", "TSAN_OPTIONS", "UBSAN_OPTIONS", "LD_LIBRARY_PATH"):
+        if name in os.environ:
+            environment[name] = os.environ[name]
+    count = failures = 0
+    for title, text in sections(page):
+        with tempfile.TemporaryDirectory() as folder:
+            for mark, content in blocks(text):
+                target = re.search(r"file=(\S+)", mark)
+                if target:
+                    with open(os.path.join(folder, target.group(1)), "w", encoding="utf-8") as file:
+                        file.write(content)
+                for command, expected in commands(content) if mark == "sh" else []:
+                    count += 1
+                    wrong = run(command, expected, folder, environment)
+                    if wrong:
+                        failures += 1
+                        print(f"{title}:\n{wrong}\n")
+    print(f"{count} commands, {failures} not as on the page")
+    return 1 if failures or count == 0 else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(*sys.argv[1:]))
