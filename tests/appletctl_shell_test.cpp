@@ -401,6 +401,17 @@ TEST(AppletctlConventions, HoldForAllCommands) {
     }
 }
 
+TEST_F(AppletctlShell, IsSilentWhenNobodyReads) {
+    support::writeFile("lines", "get FG_WIDTH\nget FG_WIDTH\n");
+    support::writeFile("steps", "set FG_WIDTH=64\nset FG_WIDTH=128\n");
+    for (const std::string command :
+         {"list", "shell < lines", "run steps", "watch FG_WIDTH --interval 1", "lut show"})
+        EXPECT_EQ(printedBy("bash -c '{ sleep 0.2; " APPLETCTL_PROGRAM " " + command +
+                            " 2> err; } | true; cat err'"),
+                  "")
+            << command;
+}
+
 TEST(AppletctlConventions, SayWhatIsPossible) {
     const std::pair<Words, const char*> cases[] = {
         {{"--board", "foo", "list"}, "--board: foo not in {virtual,system}"},

@@ -79,6 +79,7 @@ private:
 /** Answers messages until the parent is gone. */
 [[noreturn]] void serve(int socket, const Options& options) {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
+    std::signal(SIGINT, SIG_IGN); // Ctrl-C is the parent's matter
     Server server(options);
     for (json message; receive(socket, message);) {
         json answer;

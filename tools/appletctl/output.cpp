@@ -111,13 +111,14 @@ bool writeOut(const std::string& text) {
 int print(const Report& report, const std::string& command, const Options& options) {
     const std::string text = options.json ? documentText(report, command, 2) : report.text;
     const bool isWritten = report.isPrinted || (options.quiet && !options.json) || writeOut(text);
+    const bool isRead = isWritten || errno != EPIPE;
     const std::string name = Style::forStream(STDERR_FILENO).alarm("appletctl:");
     for (const std::string& problem : report.problems)
         std::cerr << name << ' ' << problem << '\n';
     for (const std::string& note : report.notes)
         if (options.verbose) std::cerr << "appletctl: " << note << '\n';
     if (!isWritten) {
-        std::cerr << name << " the output could not be written\n";
+        if (isRead) std::cerr << name << " the output could not be written\n";
         return exitRefused;
     }
     return report.exitCode;

@@ -82,7 +82,7 @@ Report runScenario(Context& context, const Words& words) {
             continue;
         }
         tests[i] = doStep(station, steps[i]);
-        if (isPrinted && !writeOut(stepLine(steps[i], tests[i]))) goesOn = false;
+        if (isPrinted && !writeOut(stepLine(steps[i], tests[i]))) goesOn = false; // nobody reads it
         if (tests[i].outcome != Outcome::failed) continue;
         report.problems.push_back(file + ":" + numberText(steps[i].line) + ": " + printable(steps[i].text) +
                                   ": " + tests[i].message);
