@@ -67,7 +67,8 @@ def run(command, expected, folder, environment):
 def main(page_file, program_folder):
     with open(page_file, encoding="utf-8") as file:
         page = file.read()
-    environment = {"PATH": program_folder + os.pathsep + os.environ["PATH"], "LC_ALL": "C.UTF-8"}
+    path = os.path.abspath(program_folder) + os.pathsep + os.environ["PATH"]
+    environment = {"PATH": path, "LC_ALL": "C.UTF-8"}
     for name in ("APPLET_UNDER_TEST", "ASAN_OPTIONS", "TSAN_OPTIONS", "UBSAN_OPTIONS", "LD_LIBRARY_PATH"):
         if name in os.environ:
             environment[name] = os.environ[name]

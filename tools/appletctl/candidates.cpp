@@ -127,10 +127,6 @@ Candidates assignmentsOf(const ParameterList& parameters, const std::string& wor
     return found;
 }
 
-std::string_view kindOf(const Command& command) {
-    return command.argument != nullptr ? command.argument : "";
-}
-
 /** What the argument of a command is called tells what its words are. */
 Candidates argumentsOf(const Command& command, int before, const std::string& word,
                        const std::function<const ParameterList&()>& parameters) {

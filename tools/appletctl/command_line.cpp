@@ -207,17 +207,18 @@ CLI::App* groupCommand(CLI::App& program, const CommandGroup* group) {
 
 void addCommand(CLI::App& program, const Command& command, Request& request) {
     CLI::App* added = groupCommand(program, command.group)->add_subcommand(command.name, command.help);
-    if (command.addOptions != nullptr) command.addOptions(*added, request.options);
-    if (command.argument != nullptr && !added->get_prefix_command()) {
+    const bool isOfAnother = kindOf(command) == "COMMAND"; // its words are another command line's
+    if (command.argument != nullptr && !isOfAnother) {
         CLI::Option* words = added->add_option(command.argument, request.words, command.argumentHelp);
         words->expected(command.fewest,
                         command.most < 0 ? CLI::detail::expected_max_vector_size : command.most);
         words->required(command.fewest > 0);
     }
+    if (command.addOptions != nullptr) command.addOptions(*added, request.options);
     if (isHidden(command)) added->group("");
-    added->callback([&request, &command, added] {
+    added->callback([&request, &command, added, isOfAnother] {
         request.command = &command;
-        if (added->get_prefix_command()) request.words = added->remaining();
+        if (isOfAnother) request.words = added->remaining();
     });
 }
 
@@ -300,6 +301,10 @@ Report endParsing(const CLI::App& program, const CLI::ParseError& error) {
 } // namespace
 
 std::span<const Command> allCommands() { return commands; }
+
+std::string_view kindOf(const Command& command) {
+    return command.argument != nullptr ? command.argument : "";
+}
 
 bool isHidden(const Command& command) { return std::string_view(command.name).starts_with("__"); }
 

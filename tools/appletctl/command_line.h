@@ -8,6 +8,7 @@
 
 #include <span>
 #include <string>
+#include <string_view>
 
 namespace appletctl {
 
@@ -30,6 +31,9 @@ struct Command {
 };
 
 std::span<const Command> allCommands();
+
+/** What its words are: "NAME=VALUE"; empty if it takes none. */
+std::string_view kindOf(const Command& command);
 
 /** For programs, not for people. */
 bool isHidden(const Command& command);
