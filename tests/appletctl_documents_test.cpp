@@ -228,7 +228,8 @@ TEST(AppletctlXml, MakesAPortableDocument) {
     for (const auto& [name, tag, text] : expected) {
         ASSERT_TRUE(nodes.contains(name)) << name;
         const auto [first, last] = nodes.at(name).equal_range(tag);
-        EXPECT_TRUE(std::any_of(first, last, [&](const auto& element) { return element.second == text; }))
+        EXPECT_TRUE(std::any_of(first, last,
+                                [&, wanted = text](const auto& element) { return element.second == wanted; }))
             << name << " " << tag;
     }
 }
