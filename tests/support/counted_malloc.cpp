@@ -14,18 +14,6 @@ std::atomic<long> live{0};
 std::atomic<long> firstToFail{never};
 std::atomic<long> lastToFail{never};
 
-bool isGranted() {
-    const long number = ++tried;
-    if (number < firstToFail || number > lastToFail) return true;
-    errno = ENOMEM;
-    return false;
-}
-
-void* counted(void* block) {
-    if (block != nullptr) ++live;
-    return block;
-}
-
 } // namespace
 
 namespace support {
@@ -44,6 +32,22 @@ ScarceMemory::~ScarceMemory() { firstToFail = never; }
 
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) && !__has_feature(address_sanitizer) &&  \
     !__has_feature(thread_sanitizer)
+namespace {
+
+bool isGranted() {
+    const long number = ++tried;
+    if (number < firstToFail || number > lastToFail) return true;
+    errno = ENOMEM;
+    return false;
+}
+
+void* counted(void* block) {
+    if (block != nullptr) ++live;
+    return block;
+}
+
+} // namespace
+
 extern "C" {
 #pragma GCC visibility push(default)
 void* __libc_malloc(size_t size);
