@@ -87,7 +87,7 @@ std::optional<Value> startOf(Asked& asked, const Value& now, const std::optional
 
 std::optional<AcceptedRange> acceptedRange(Probe& probe, const Target& target) {
     Value now = readValue(probe.trial().instance(), target).value;
-    if (const auto* elements = std::get_if<Elements>(&now)) now = elements->front();
+    if (const auto* elements = std::get_if<Elements>(&now)) now = std::uint32_t{elements->front()}; // a copy
     if (!isNumber(now)) return std::nullopt;
     Asked asked(probe, target);
     const auto start = startOf(asked, now, limitsOf(*target.parameter));
