@@ -1,0 +1,153 @@
+#include "appletctl/applet/Condition.h"
+
+#include "appletctl/base/errors.h"
+#include "appletctl/base/text.h"
+
+#include <algorithm>
+
+namespace appletctl {
+namespace {
+
+// The longer ones first.
+constexpr Relation relations[] = {
+    {"<=", [](std::partial_ordering order) { return order <= 0; }},
+    {">=", [](std::partial_ordering order) { return order >= 0; }},
+    {"==", [](std::partial_ordering order) { return order == 0; }},
+    {"!=", [](std::partial_ordering order) { return order != 0; }},
+    {"<", [](std::partial_ordering order) { return order < 0; }},
+    {">", [](std::partial_ordering order) { return order > 0; }},
+};
+
+constexpr std::string_view blanks = " \t";
+
+/** Goes through the text of a condition. */
+class Reader {
+public:
+    explicit Reader(const std::string& text) : m_text(text) {}
+
+    bool isAtEnd() {
+        skipBlanks();
+        return m_place == m_text.size();
+    }
+
+    bool take(std::string_view mark) {
+        skipBlanks();
+        if (!rest().starts_with(mark)) return false;
+        m_place += mark.size();
+        return true;
+    }
+
+    std::string takeName() {
+        skipBlanks();
+        const std::size_t length = std::min(rest().find_first_of(" \t<>=!&|"), rest().size());
+        if (length == 0) refuse("the name of a parameter is wanted");
+        return taken(length);
+    }
+
+    const Relation& takeRelation() {
+        skipBlanks();
+        const Relation* relation = relationAt(rest());
+        if (relation == nullptr) refuse("one of " + relationsInWords() + " is wanted");
+        m_place += relation->symbol.size();
+        return *relation;
+    }
+
+    std::string takeValue() {
+        skipBlanks();
+        const char quote = rest().empty() ? '\0' : rest().front();
+        if (quote == '"' || quote == '\'') {
+            const std::size_t end = m_text.find(quote, m_place + 1);
+            if (end == std::string::npos) refuse("the quote is not closed");
+            const std::string value = m_text.substr(m_place + 1, end - m_place - 1);
+            m_place = end + 1;
+            return value;
+        }
+        const std::size_t length =
+            std::min({rest().find_first_of(blanks), rest().find("&&"), rest().find("||"), rest().size()});
+        if (length == 0 || relationAt(rest()) != nullptr || quote == '=') refuse("a value is wanted");
+        return taken(length);
+    }
+
+    [[noreturn]] void refuse(const std::string& wanted) const {
+        const std::string there = rest().empty() ? "at its end" : "at '" + printable(rest()) + "'";
+        throw UsageError("'" + printable(m_text) + "', " + there + " (character " + numberText(m_place + 1) +
+                         "): " + wanted);
+    }
+
+private:
+    std::string_view rest() const { return std::string_view(m_text).substr(m_place); }
+    void skipBlanks() { m_place = std::min(m_text.find_first_not_of(blanks, m_place), m_text.size()); }
+    std::string taken(std::size_t length) {
+        m_place += length;
+        return m_text.substr(m_place - length, length);
+    }
+
+    const std::string& m_text;
+    std::size_t m_place = 0;
+};
+
+/** Of values of the same kind. */
+std::partial_ordering order(const Value& first, const Value& second) {
+    return std::visit(
+        [&](const auto& native) -> std::partial_ordering {
+            using T = std::decay_t<decltype(native)>;
+            const T* other = std::get_if<T>(&second);
+            if constexpr (std::is_same_v<T, WholeArray>)
+                return std::partial_ordering::unordered;
+            else
+                return other != nullptr ? native <=> *other : std::partial_ordering::unordered;
+        },
+        first);
+}
+
+} // namespace
+
+const Relation* relationAt(std::string_view text) {
+    for (const Relation& relation : relations)
+        if (text.starts_with(relation.symbol)) return &relation;
+    return nullptr;
+}
+
+std::string relationsInWords() {
+    std::vector<std::string> symbols;
+    for (const Relation& relation : relations)
+        symbols.emplace_back(relation.symbol);
+    std::ranges::sort(symbols);
+    return join(symbols, " ");
+}
+
+Condition::Condition(const ParameterList& parameters, const std::string& text) : m_alternatives(1) {
+    Reader reader(text);
+    for (;;) {
+        const Target target = findTarget(parameters, reader.takeName());
+        if (target.elements && target.elements->count() > 1)
+            throw UsageError(target.name() + ": one element is compared at a time");
+        const Relation& relation = reader.takeRelation();
+        m_alternatives.back().push_back({target, &relation, parseValue(target, reader.takeValue())});
+        if (reader.isAtEnd()) return;
+        if (reader.take("||"))
+            m_alternatives.emplace_back();
+        else if (!reader.take("&&"))
+            reader.refuse("&& or || is wanted");
+    }
+}
+
+std::vector<Target> Condition::targets() const {
+    std::vector<Target> targets;
+    for (const auto& comparisons : m_alternatives)
+        for (const Comparison& comparison : comparisons)
+            targets.push_back(comparison.target);
+    return targets;
+}
+
+bool Condition::holds(const std::function<ReadResult(const Target&)>& reading) const {
+    const auto isTrue = [&](const Comparison& comparison) {
+        const ReadResult is = reading(comparison.target);
+        return is.error == 0 && comparison.relation->holds(order(is.value, comparison.value));
+    };
+    return std::ranges::any_of(m_alternatives, [&](const std::vector<Comparison>& comparisons) {
+        return std::ranges::all_of(comparisons, isTrue);
+    });
+}
+
+} // namespace appletctl

@@ -1,0 +1,51 @@
+#include "appletctl/applet/ParameterState.h"
+
+#include "appletctl/base/errors.h"
+
+#include "vexo/fg_errors.h"
+
+namespace appletctl {
+namespace {
+
+std::string limitsInWords(const Parameter& parameter, const std::optional<Limits>& limits) {
+    if (!limits) return "-";
+    return valueText(parameter, limits->minimum) + " to " + valueText(parameter, limits->maximum);
+}
+
+std::string valueInWords(const Parameter& parameter, const ParameterState& facts) {
+    return facts.error == FG_OK ? valueText(parameter, facts.value) : codeInWords(facts.error);
+}
+
+} // namespace
+
+ParameterState currentState(Instance& instance, const Parameter& parameter) {
+    ParameterState facts;
+    if (parameter.effectOfReading().empty()) {
+        ReadResult reading = readValue(instance, {&parameter});
+        facts.error = reading.error;
+        facts.value = std::move(reading.value);
+    }
+    if (parameter.record == nullptr) return facts;
+    facts.access = parameter.record->access;
+    facts.limits = limitsOf(parameter);
+    return facts;
+}
+
+std::vector<Move> movesBetween(const Parameter& parameter, const ParameterState& before,
+                               const ParameterState& after) {
+    std::vector<Move> moves;
+    if (before.error != after.error || before.value != after.value)
+        moves.push_back({"value", valueInWords(parameter, before), valueInWords(parameter, after)});
+    if (before.limits != after.limits)
+        moves.push_back(
+            {"limits", limitsInWords(parameter, before.limits), limitsInWords(parameter, after.limits)});
+    if (before.access != after.access)
+        moves.push_back({"access", accessWord(before.access), accessWord(after.access)});
+    return moves;
+}
+
+nlohmann::ordered_json asJson(const Move& move) {
+    return {{"what", move.what}, {"from", move.from}, {"to", move.to}};
+}
+
+} // namespace appletctl

@@ -1,0 +1,34 @@
+/** Text helpers: encodings, cases, joining. */
+#ifndef APPLETCTL_BASE_TEXT_H
+#define APPLETCTL_BASE_TEXT_H
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace appletctl {
+
+/** The applet's texts are ISO 8859-1, those of a user usually UTF-8: valid UTF-8 stays, all else is taken for
+ *  ISO 8859-1 and converted. Null gives the empty text. */
+std::string toUtf8(const char* text);
+
+/** The text with control characters as \xNN, so that it cannot disturb a terminal. */
+std::string printable(std::string_view text);
+
+/** The text in double quotes, printable, with its own quotes and backslashes behind a backslash. */
+std::string inQuotes(std::string_view text);
+
+/** Number of characters of a UTF-8 text. */
+std::size_t displayWidth(std::string_view text);
+
+std::string lowerCase(std::string_view text);
+
+std::string join(const std::vector<std::string>& parts, std::string_view separator);
+
+/** Number of single characters to insert, remove or replace to make `a` into `b`. */
+std::size_t editDistance(std::string_view a, std::string_view b);
+
+} // namespace appletctl
+
+#endif

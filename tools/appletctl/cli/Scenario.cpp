@@ -1,0 +1,307 @@
+#include "appletctl/cli/Scenario.h"
+
+#include "appletctl/applet/Condition.h"
+#include "appletctl/applet/ConfigurationFile.h"
+#include "appletctl/applet/assignments.h"
+#include "appletctl/applet/published_limits.h"
+#include "appletctl/base/text.h"
+#include "appletctl/base/words.h"
+#include "appletctl/cli/execute.h"
+#include "appletctl/scratch/CommandRun.h"
+
+#include <algorithm>
+#include <sstream>
+
+namespace appletctl {
+namespace {
+
+const Relation& relationFrom(const std::string& word) {
+    const Relation* relation = relationAt(word);
+    if (relation != nullptr && relation->symbol == word) return *relation;
+    throw UsageError("'" + printable(word) + "' is none of " + relationsInWords());
+}
+
+double numberFrom(const std::string& word) {
+    if (const auto number = floatingNumber(word)) return *number;
+    throw UsageError("'" + printable(word) + "' is no number");
+}
+
+template <typename Integer> Integer wholeFrom(const std::string& word) {
+    if (const auto number = wholeNumber<Integer>(word)) return *number;
+    throw UsageError("'" + printable(word) + "' is no whole number that is possible here");
+}
+
+int codeOf(const std::string& word) {
+    if (const auto code = codeFrom(word)) return *code;
+    throw UsageError("'" + printable(word) + "' is neither a number nor a code such as FG_ERR_OUT_OF_RANGE");
+}
+
+void checkOneOf(const std::string& word, const Words& possible) {
+    if (std::ranges::find(possible, word) == possible.end())
+        throw UsageError("'" + printable(word) + "' is none of " + join(possible, ", "));
+}
+
+// ---- Steps that expect something.
+
+std::string expectValue(ScenarioRunner& station, const Step& step) {
+    const Condition condition(station.parameters(), step.rest);
+    Words are;
+    const auto read = [&](const Target& target) {
+        const ReadResult reading = readValue(station.instance(), target);
+        are.push_back(target.name() + (reading.error == FG_OK
+                                           ? " = " + valueWithUnit(*target.parameter, reading.value)
+                                           : " cannot be read: " + codeInWords(reading.error)));
+        return reading;
+    };
+    return condition.holds(read) ? "" : join(are, ", ");
+}
+
+void checkLimit(const Words& words) {
+    checkOneOf(words[1], {"minimum", "maximum", "increment"});
+    relationFrom(words[2]);
+    numberFrom(words[3]);
+}
+
+std::string expectLimit(ScenarioRunner& station, const Step& step) {
+    const Parameter& parameter = station.parameters().find(step.words[0]);
+    nlohmann::ordered_json described;
+    addDescription(described, parameter);
+    const auto limit = described.find(step.words[1]);
+    if (limit == described.end()) return parameter.name + " has no " + step.words[1];
+    const bool holds = relationFrom(step.words[2]).holds(limit->get<double>() <=> numberFrom(step.words[3]));
+    return holds ? "" : "the " + step.words[1] + " of " + parameter.name + " is " + limit->dump();
+}
+
+void checkAccess(const Words& words) { checkOneOf(words[1], {"ro", "rw", "rw+"}); }
+
+std::string expectAccess(ScenarioRunner& station, const Step& step) {
+    const Parameter& parameter = station.parameters().find(step.words[0]);
+    const std::string access = accessWord(parameter);
+    return access == step.words[1] ? "" : parameter.name + " is " + access;
+}
+
+void checkCode(const Words& words) { codeOf(words[0]); }
+
+std::string expectCode(ScenarioRunner& station, const Step& step) {
+    station.forgetWrites();
+    const Report report = applyAssignments(station.instance(), station.parameters(), {step.words[1]});
+    const auto& assignment = report.document["assignments"][0];
+    const int code = assignment.contains("error") ? assignment["error"]["code"].get<int>() : int{FG_OK};
+    if (code == codeOf(step.words[0])) return "";
+    return code == FG_OK ? "it was accepted" : join(report.problems, "; ");
+}
+
+std::string expectWrite(ScenarioRunner& station, const Step& step) {
+    if (station.findWrite(step.words[0], step.words[1])) return "";
+    const Words left = station.writesLeft();
+    return left.empty() ? "nothing was written" : "what was written is: " + join(left, ", ");
+}
+
+std::string expectNoWrite(ScenarioRunner& station, const Step&) {
+    const Words left = station.writesLeft();
+    return left.empty() ? "" : "there was: " + join(left, ", ");
+}
+
+void checkEvent(const Words& words) {
+    relationFrom(words[1]);
+    numberFrom(words[2]);
+}
+
+std::string expectEvent(ScenarioRunner& station, const Step& step) {
+    station.board();
+    const auto& applet = station.instance().applet();
+    const std::uint64_t mask = applet.Fg_getEventMask(station.instance().fg(), step.words[0].c_str());
+    if (mask == 0)
+        throw UsageError("there is no event '" + printable(step.words[0]) +
+                         "': 'appletctl events' shows them");
+    const std::int64_t count = applet.Fg_getStatusEx(station.instance().fg(), VBOARD_STATUS_EVENTS,
+                                                     static_cast<std::intptr_t>(mask), 0, nullptr);
+    const bool holds =
+        relationFrom(step.words[1]).holds(static_cast<double>(count) <=> numberFrom(step.words[2]));
+    return holds ? "" : "it was raised " + numberText(count) + " times";
+}
+
+void checkExit(const Words& words) { wholeFrom<int>(words[0]); }
+
+std::string runCommand(ScenarioRunner& station, const Request& request, int expected) {
+    station.forgetWrites();
+    const Report report = execute(request, station.context());
+    if (report.exitCode == expected) return "";
+    const std::string code = "it ended with " + numberText(static_cast<int>(report.exitCode));
+    return report.problems.empty() ? code : code + ": " + join(report.problems, "; ");
+}
+
+std::string expectExit(ScenarioRunner& station, const Step& step) {
+    return runCommand(station, step.request, wholeFrom<int>(step.words[0]));
+}
+
+// ---- Steps that do something to the virtual board.
+
+void checkFailAccess(const Words& words) {
+    wholeFrom<unsigned>(words[0]);
+    codeOf(words[1]);
+    if (words.size() > 2) checkOneOf(words[2], {"once", "always"});
+}
+
+std::string failAccess(ScenarioRunner& station, const Step& step) {
+    const bool isOnce = step.words.size() < 3 || step.words[2] == "once";
+    station.board().fail_access(station.instance().device(), wholeFrom<unsigned>(step.words[0]),
+                                codeOf(step.words[1]), isOnce ? VBOARD_ONCE : VBOARD_FROM_THEN_ON);
+    return "";
+}
+
+void checkFailName(const Words& words) { codeOf(words[1]); }
+
+std::string failName(ScenarioRunner& station, const Step& step) {
+    station.failName(step.words[0], codeOf(step.words[1]));
+    return "";
+}
+
+std::string lackParameter(ScenarioRunner& station, const Step& step) {
+    station.lack(step.words[0]);
+    return "";
+}
+
+std::string raiseEvent(ScenarioRunner& station, const Step& step) {
+    if (station.board().raise_event(station.instance().device(), step.words[0].c_str()) == VBOARD_OK)
+        return "";
+    throw UsageError("the design has no event " + inQuotes(step.words[0]));
+}
+
+std::string poke(ScenarioRunner& station, const Step& step) {
+    const auto& board = station.board();
+    LOOMdevice* device = station.instance().device();
+    const char* name = step.words[0].c_str();
+    const std::string& value = step.words[1];
+    int result = VBOARD_UNKNOWN;
+    if (const auto whole = wholeNumber<std::int64_t>(value))
+        result = board.poke_int(device, name, *whole);
+    else if (const auto number = floatingNumber(value))
+        result = board.poke_double(device, name, *number);
+    else
+        result = board.poke_text(device, name, value.c_str());
+    if (result == VBOARD_OK) return "";
+    throw UsageError("the design has no parameter or register " + inQuotes(step.words[0]) +
+                     " that takes this");
+}
+
+constexpr StepKind kinds[] = {
+    {"section", "TITLE", 1, 1, false, nullptr, nullptr},
+    {"expect value", "NAME OPERATOR VALUE [&& ...]", 1, -1, false, nullptr, expectValue},
+    {"expect limit", "NAME minimum|maximum|increment OPERATOR NUMBER", 4, 4, false, checkLimit, expectLimit},
+    {"expect access", "NAME ro|rw|rw+", 2, 2, false, checkAccess, expectAccess},
+    {"expect code", "CODE NAME=VALUE", 2, 2, false, checkCode, expectCode},
+    {"expect write", "DESIGN_PARAMETER VALUE", 2, 2, false, nullptr, expectWrite},
+    {"expect no write", "", 0, 0, false, nullptr, expectNoWrite},
+    {"expect event", "EVENT OPERATOR NUMBER", 3, 3, false, checkEvent, expectEvent},
+    {"expect exit", "CODE COMMAND...", 2, -1, true, checkExit, expectExit},
+    {"fail access", "K CODE [once|always]", 2, 3, false, checkFailAccess, failAccess},
+    {"fail name", "DESIGN_PARAMETER CODE", 2, 2, false, checkFailName, failName},
+    {"lack", "DESIGN_PARAMETER", 1, 1, false, nullptr, lackParameter},
+    {"raise", "EVENT", 1, 1, false, nullptr, raiseEvent},
+    {"poke", "DESIGN_PARAMETER VALUE", 2, 2, false, nullptr, poke},
+};
+
+std::string usageOf(const StepKind& kind) {
+    return std::string(kind.name) + (*kind.form != '\0' ? " " : "") + kind.form;
+}
+
+std::size_t wordCount(const StepKind& kind) {
+    return static_cast<std::size_t>(std::ranges::count(std::string_view(kind.name), ' ')) + 1;
+}
+
+bool beginsWith(const Words& words, const StepKind& kind) {
+    const std::size_t count = wordCount(kind);
+    return words.size() >= count &&
+           join(Words(words.begin(), words.begin() + static_cast<std::ptrdiff_t>(count)), " ") == kind.name;
+}
+
+/** The kind that the words begin with; null for a command. Throws UsageError for half of one. */
+const StepKind* kindOf(const Words& words) {
+    Words possible;
+    for (const StepKind& kind : kinds) {
+        if (beginsWith(words, kind)) return &kind;
+        if (std::string_view(kind.name).starts_with(words.front() + " "))
+            possible.push_back("'" + usageOf(kind) + "'");
+    }
+    if (possible.empty()) return nullptr;
+    throw UsageError("possible are " + join(possible, ", "));
+}
+
+Request requestOf(const Words& words, Options options) {
+    options.quiet = true;
+    options.json = false;
+    Request request = parseLine(words, options);
+    if (request.command != nullptr) return request;
+    Words names;
+    for (const StepKind& kind : kinds)
+        names.push_back("'" + usageOf(kind) + "'");
+    const std::string why =
+        request.outcome.problems.empty() ? "this asks for help" : request.outcome.problems.front();
+    throw UsageError(why + "; a step is a command, or one of " + join(names, ", "));
+}
+
+Step parseStep(const std::string& text, const WordLine& line, const Options& options) {
+    if (line.isOpen) throw UsageError("a quote is not closed");
+    Step step{.line = 0,
+              .section = {},
+              .text = textFrom(text, line, 0),
+              .kind = kindOf(line.words),
+              .words = {},
+              .rest = {},
+              .request = {}};
+    if (step.kind == nullptr) {
+        step.request = requestOf(line.words, options);
+        return step;
+    }
+    const StepKind& kind = *step.kind;
+    const std::size_t own = wordCount(kind);
+    step.words.assign(line.words.begin() + static_cast<std::ptrdiff_t>(own), line.words.end());
+    step.rest = textFrom(text, line, own);
+    const int count = static_cast<int>(step.words.size());
+    if (count < kind.fewest || (kind.most >= 0 && count > kind.most))
+        throw UsageError("the form is '" + usageOf(kind) + "'");
+    if (kind.check != nullptr) kind.check(step.words);
+    if (kind.isForCommand) step.request = requestOf(behindFirst(step.words), options);
+    return step;
+}
+
+} // namespace
+
+std::vector<Step> readScenario(const std::string& file, const Options& options) {
+    const std::optional<std::string> text = textOfFile(file);
+    if (!text) throw UsageError(shownFile(file) + " is no file that can be read");
+    std::vector<Step> steps;
+    std::istringstream lines(*text);
+    std::string section, content;
+    for (std::size_t number = 1; std::getline(lines, content); ++number) {
+        const WordLine line = splitLine(content);
+        if (line.words.empty()) continue;
+        try {
+            Step step = parseStep(content, line, options);
+            step.line = number;
+            if (step.kind != nullptr && step.kind->applyAssignments == nullptr) {
+                section = step.words.front();
+                continue;
+            }
+            step.section = section;
+            steps.push_back(std::move(step));
+        } catch (const UsageError& error) {
+            throw UsageError(file + ":" + numberText(number) + ": " + printable(textFrom(content, line, 0)) +
+                             ": " + error.what());
+        }
+    }
+    if (steps.empty()) throw UsageError(shownFile(file) + " has no steps");
+    return steps;
+}
+
+std::string applyAssignments(ScenarioRunner& station, const Step& step) {
+    try {
+        if (step.kind != nullptr) return step.kind->applyAssignments(station, step);
+        return runCommand(station, step.request, exitDone);
+    } catch (const std::exception& error) {
+        return error.what();
+    }
+}
+
+} // namespace appletctl

@@ -1,0 +1,96 @@
+#include "appletctl/cli/ScenarioRunner.h"
+
+#include "appletctl/applet/access_log.h"
+#include "appletctl/base/errors.h"
+#include "appletctl/base/numbers.h"
+#include "appletctl/base/text.h"
+
+#include <sstream>
+
+namespace appletctl {
+namespace {
+
+struct Write {
+    std::string name, value;
+    bool isDone = true;
+};
+
+/** Reads a line of the board's log, such as "set Device1_Process0_Buffer_0_XLength u32 1024". */
+Write parseWrite(const std::string& line) {
+    std::istringstream words(line);
+    Write write;
+    std::string access, type, failure;
+    words >> access >> write.name >> type >> write.value >> failure;
+    write.isDone = failure != "=";
+    return write;
+}
+
+bool isSameNumber(const std::string& a, const std::string& b) {
+    const auto first = floatingNumber(a), second = floatingNumber(b);
+    return first && second && *first == *second;
+}
+
+} // namespace
+
+ScenarioRunner::ScenarioRunner(Context& context) : m_context(context) {
+    if (instance().device() != nullptr && instance().host()->isVirtual()) logWrites(instance());
+}
+
+ScenarioRunner::~ScenarioRunner() {
+    if (!m_context.isUp() || instance().device() == nullptr || !instance().host()->isVirtual()) return;
+    instance().board().fail_access(instance().device(), 0, 0, VBOARD_ONCE);
+    for (const std::string& name : m_failing)
+        instance().board().fail_name(instance().device(), name.c_str(), 0);
+    instance().board().restore_design();
+}
+
+const applet_host::BoardFunctions& ScenarioRunner::board() {
+    if (instance().device() == nullptr || !instance().host()->isVirtual())
+        throw UsageError("this needs the virtual board");
+    return instance().board();
+}
+
+void ScenarioRunner::forgetWrites() {
+    m_writes.clear();
+    m_found = 0;
+    if (instance().device() != nullptr && instance().host()->isVirtual()) takeWrites(instance());
+}
+
+void ScenarioRunner::collectWrites() {
+    board();
+    for (std::string& line : takeWrites(instance()))
+        m_writes.push_back(std::move(line));
+}
+
+bool ScenarioRunner::findWrite(const std::string& name, const std::string& value) {
+    collectWrites();
+    for (std::size_t i = m_found; i < m_writes.size(); ++i) {
+        const Write write = parseWrite(m_writes[i]);
+        const bool isNamed = write.name == name || write.name.ends_with("_" + name);
+        if (!isNamed || !write.isDone) continue;
+        if (write.value != value && !isSameNumber(write.value, value)) continue;
+        m_found = i + 1;
+        return true;
+    }
+    return false;
+}
+
+std::vector<std::string> ScenarioRunner::writesLeft() {
+    collectWrites();
+    return {m_writes.begin() + static_cast<std::ptrdiff_t>(m_found), m_writes.end()};
+}
+
+void ScenarioRunner::failName(const std::string& name, int code) {
+    if (board().fail_name(instance().device(), name.c_str(), code) != VBOARD_OK)
+        throw UsageError("the design has no parameter or register " + inQuotes(name));
+    m_failing.push_back(name);
+}
+
+void ScenarioRunner::lack(const std::string& name) {
+    if (board().lack_parameter(name.c_str(), true) != VBOARD_OK)
+        throw UsageError("the design has no parameter " + inQuotes(name));
+    m_context.restart();
+    logWrites(instance());
+}
+
+} // namespace appletctl

@@ -1,0 +1,53 @@
+/** What the steps of a scenario work on. */
+#ifndef APPLETCTL_CLI_SCENARIORUNNER_H
+#define APPLETCTL_CLI_SCENARIORUNNER_H
+
+#include "appletctl/scratch/Context.h"
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace appletctl {
+
+/** The applet on its board, what the last step wrote, and the faults that were put in. They end with the
+ * object. */
+class ScenarioRunner {
+public:
+    explicit ScenarioRunner(Context& context);
+    ~ScenarioRunner();
+    ScenarioRunner(const ScenarioRunner&) = delete;
+    ScenarioRunner& operator=(const ScenarioRunner&) = delete;
+
+    Context& context() { return m_context; }
+    Instance& instance() { return m_context.instance(); }
+    const ParameterList& parameters() { return m_context.parameters(); }
+
+    /** Control of the board. Throws UsageError when it is no virtual one. */
+    const applet_host::BoardFunctions& board();
+
+    /** From now on the writes count. */
+    void forgetWrites();
+    /** Looks for a write behind the one that was found before; a name may be the end of one, behind a _.
+     * True if it is there. */
+    bool findWrite(const std::string& name, const std::string& value);
+    /** The writes behind the one that was found last, as the board logs them. */
+    std::vector<std::string> writesLeft();
+
+    /** All accesses of the parameter or register fail with the code; 0: no more. */
+    void failName(const std::string& name, int code);
+    /** Takes a parameter out of the design, and starts the applet anew on a fresh board. */
+    void lack(const std::string& name);
+
+private:
+    void collectWrites();
+
+    Context& m_context;
+    std::vector<std::string> m_writes;
+    std::size_t m_found = 0; // number of writes up to the one that was found last
+    std::vector<std::string> m_failing;
+};
+
+} // namespace appletctl
+
+#endif

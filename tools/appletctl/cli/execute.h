@@ -1,0 +1,21 @@
+/** Carries out what a command line asks for. */
+#ifndef APPLETCTL_CLI_EXECUTE_H
+#define APPLETCTL_CLI_EXECUTE_H
+
+#include "appletctl/cli/command_line.h"
+
+namespace appletctl {
+
+/** The report of the command on what other commands of the run stand on; all failures as reports too. */
+Report execute(const Request& request, Context& context);
+
+/** What a line of a shell or a scenario asks for, which works on the board that is there already: wrong
+ * usage where it names another one, and for commands that have lines of their own. */
+Request parseLine(const Words& words, const Options& options);
+
+/** The report of the only command of a run. */
+Report execute(const Request& request);
+
+} // namespace appletctl
+
+#endif

@@ -1,0 +1,99 @@
+// A scenario, step by step.
+
+#include "appletctl/base/Interruption.h"
+#include "appletctl/base/text.h"
+#include "appletctl/cli/Scenario.h"
+#include "appletctl/draw/junit.h"
+#include "appletctl/scratch/CommandRun.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+
+namespace appletctl {
+namespace {
+
+using Outcome = TestCase::Outcome;
+
+/** Does the step and times it. */
+TestCase doStep(ScenarioRunner& station, const Step& step) {
+    const auto start = std::chrono::steady_clock::now();
+    const std::string wrong = applyAssignments(station, step);
+    const std::chrono::duration<double> passed = std::chrono::steady_clock::now() - start;
+    return {.group = step.section,
+            .name = "line " + numberText(step.line) + ": " + step.text,
+            .outcome = wrong.empty() ? Outcome::passed : Outcome::failed,
+            .message = wrong,
+            .seconds = passed.count()};
+}
+
+std::string stepLine(const Step& step, const TestCase& test) {
+    const Style style = Style::forStream(STDOUT_FILENO);
+    const std::string outcome = test.outcome == Outcome::passed ? "ok    " : style.alarm("FAILED");
+    const std::string number = numberText(step.line);
+    return outcome + std::string(number.size() < 5 ? 5 - number.size() : 1, ' ') + number + "  " +
+           printable(step.text) + '\n';
+}
+
+nlohmann::ordered_json stepAsJson(const Step& step, const TestCase& test) {
+    nlohmann::ordered_json row = {
+        {"line", step.line}, {"section", step.section}, {"step", step.text}, {"outcome", "skipped"}};
+    if (test.outcome == Outcome::skipped) return row;
+    row["outcome"] = test.outcome == Outcome::passed ? "passed" : "failed";
+    row["seconds"] = test.seconds;
+    if (test.outcome == Outcome::failed) row["message"] = test.message;
+    return row;
+}
+
+void addSummary(Report& report, const std::string& file, const std::vector<Step>& steps,
+                const std::vector<TestCase>& tests) {
+    const auto count = [&](Outcome outcome) {
+        return std::ranges::count(tests, outcome, &TestCase::outcome);
+    };
+    const auto failed = count(Outcome::failed), skipped = count(Outcome::skipped);
+    report.document = {
+        {"scenario", file}, {"passed", count(Outcome::passed)}, {"failed", failed}, {"skipped", skipped}};
+    auto& rows = report.document["steps"] = nlohmann::ordered_json::array();
+    for (std::size_t i = 0; i < steps.size(); ++i)
+        rows.push_back(stepAsJson(steps[i], tests[i]));
+    report.text = numberText(tests.size()) + " steps: " + numberText(count(Outcome::passed)) + " ok, " +
+                  numberText(failed) + " failed" +
+                  (skipped > 0 ? ", " + numberText(skipped) + " not done" : "") + '\n';
+}
+
+} // namespace
+
+Report runScenario(Context& context, const Words& words) {
+    const Options options = context.options(); // steps bring their own
+    const std::string file = toUtf8(fileOf(words).c_str());
+    const std::vector<Step> steps = readScenario(fileOf(words), options);
+    const Interruption interruption;
+    ScenarioRunner station(context);
+    std::vector<TestCase> tests(steps.size());
+    Report report;
+    const bool isPrinted = !options.json && !options.quiet;
+    bool goesOn = true;
+    for (std::size_t i = 0; i < steps.size(); ++i) {
+        if (!goesOn || interruption.isAsked()) {
+            tests[i].group = steps[i].section;
+            tests[i].name = "line " + numberText(steps[i].line) + ": " + steps[i].text;
+            continue;
+        }
+        tests[i] = doStep(station, steps[i]);
+        if (isPrinted && !writeOut(stepLine(steps[i], tests[i]))) goesOn = false; // nobody reads it
+        if (tests[i].outcome != Outcome::failed) continue;
+        report.problems.push_back(file + ":" + numberText(steps[i].line) + ": " + printable(steps[i].text) +
+                                  ": " + tests[i].message);
+        report.exitCode = exitRefused;
+        goesOn = goesOn && !options.failFast;
+    }
+    if (interruption.isAsked()) report.exitCode = exitInterrupted;
+    addSummary(report, file, steps, tests);
+    if (!options.junitFile.empty())
+        writeFile(options.junitFile, junitDocument(std::filesystem::path(file).stem(), tests));
+    return report;
+}
+
+} // namespace appletctl

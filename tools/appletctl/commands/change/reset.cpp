@@ -1,0 +1,115 @@
+// Defaults: the values of a scratch board after its start, set in the order in which the applet sets them there.
+
+#include "appletctl/applet/assignments.h"
+#include "appletctl/base/text.h"
+#include "appletctl/scratch/jobs.h"
+#include "appletctl/scratch/reports.h"
+
+#include "vexo/fg_errors.h"
+
+#include <algorithm>
+#include <set>
+
+namespace appletctl {
+namespace {
+
+struct Default {
+    Target target;
+    Value value;
+    Value before;
+    int code = FG_OK; // of the last try
+};
+
+bool isHeld(Instance& instance, const Default& wanted) {
+    const ReadResult reading = readValue(instance, wanted.target);
+    return reading.error == FG_OK && reading.value == wanted.value;
+}
+
+/** Those of the wanted ones that the applet holds otherwise; `names` is empty for all. */
+std::vector<Default> openDefaults(Context& context, const std::set<std::string>& names,
+                                  const json& defaults) {
+    std::vector<Default> open;
+    for (const json& row : defaults) {
+        const Parameter& parameter = context.parameters().find(row.at("name").get<std::string>());
+        if (!names.empty() && !names.contains(parameter.name)) continue;
+        const Target target = wholeOf(parameter);
+        const ReadResult now = readValue(context.instance(), target);
+        Default wanted{target, fromMessage(target, row.at("value")), now.value};
+        if (now.error == FG_OK && now.value != wanted.value) open.push_back(std::move(wanted));
+    }
+    return open;
+}
+
+/** One value can stand in the way of another, so there are rounds as long as one brings something. */
+void bringAll(Instance& instance, std::vector<Default>& open) {
+    constexpr int mostRounds = 8;
+    bool moved = true;
+    for (int round = 0; moved && round < mostRounds; ++round) {
+        moved = false;
+        for (Default& wanted : open) {
+            if (isHeld(instance, wanted)) continue;
+            wanted.code = writeValue(instance, wanted.target, wanted.value);
+            moved |= wanted.code == FG_OK;
+        }
+    }
+}
+
+void tell(Instance& instance, const Default& wanted, Report& report) {
+    const Parameter& parameter = *wanted.target.parameter;
+    const std::string from = valueText(parameter, wanted.before), to = valueWithUnit(parameter, wanted.value);
+    nlohmann::ordered_json row = {
+        {"name", parameter.name}, {"from", from}, {"to", valueText(parameter, wanted.value)}};
+    if (isHeld(instance, wanted)) {
+        report.text += parameter.name + ": " + from + " -> " + to + '\n';
+    } else {
+        report.problems.push_back(parameter.name + " stays " + from + ", the default " + to +
+                                  " was refused: " + codeInWords(wanted.code));
+        report.exitCode = exitRefused;
+        row["error"] = codeAsJson(wanted.code);
+    }
+    report.document["reset"].push_back(std::move(row));
+}
+
+} // namespace
+
+json defaultsJob(ScratchSession& session, const json&) {
+    Instance& instance = session.instance();
+    json defaults = json::array();
+    const int count = instance.applet().Fg_getNrOfParameter(instance.fg());
+    for (int i = 0; i < count; ++i) {
+        const char* name = instance.applet().Fg_getParameterName(instance.fg(), i);
+        const auto& all = session.parameters().all();
+        const auto found = std::ranges::find(all, toUtf8(name), &Parameter::name);
+        if (found == all.end() || !found->effectOfReading().empty() || found->writesFile()) continue;
+        const ReadResult reading = readValue(instance, wholeOf(*found));
+        if (reading.error != FG_OK) continue;
+        // Without a setter it is no default but a measurement, or fixed.
+        if (writeValue(instance, wholeOf(*found), reading.value) == FG_ERR_NOT_AVAILABLE) continue;
+        defaults.push_back({{"name", found->name}, {"value", asMessage(reading.value)}});
+    }
+    return defaults;
+}
+
+Report resetParameters(Context& context, const Words& words) {
+    Words assignments;
+    std::set<std::string> names;
+    for (const std::string& word : words) {
+        if (word.find('=') != std::string::npos)
+            assignments.push_back(word);
+        else
+            names.insert(context.parameters().find(word).name);
+    }
+    Report report = applyAssignments(context.instance(), context.parameters(), assignments);
+    if (report.exitCode != exitDone) return report;
+    report.document["reset"] = nlohmann::ordered_json::array();
+    const json defaults = context.scratchAtDefaults().ask("defaults", nullptr);
+    std::vector<Default> open = openDefaults(context, names, defaults);
+    bringAll(context.instance(), open);
+    for (const Default& parameter : open)
+        tell(context.instance(), parameter, report);
+    if (open.empty()) report.text += "All of them hold their defaults.\n";
+    addAssumed(report, context.assumed());
+    return report;
+}
+
+} // namespace appletctl

@@ -1,0 +1,36 @@
+#include "appletctl/commands/files/check.h"
+
+#include "appletctl/base/text.h"
+#include "appletctl/scratch/CommandRun.h"
+#include "appletctl/scratch/jobs.h"
+#include "appletctl/scratch/reports.h"
+
+namespace appletctl {
+
+json checkJob(ScratchSession& session, const json& arguments) {
+    FileKeys keys(session);
+    const LoadOutcome outcome = loadAndCompare(session, keys, arguments.at("file").get<std::string>());
+    Report report;
+    addFindings(report, outcome.findings);
+    return {{"report", asMessage(report)}, {"code", outcome.code}, {"state", asBytes(outcome.state)}};
+}
+
+Check askCheck(ScratchBoard& scratch, const std::string& file) {
+    const json answer = scratch.ask("check", {{"file", file}});
+    return {reportOf(answer["report"]), answer["code"].get<int>(),
+            ConfigurationFile(bytesOf(answer["state"]))};
+}
+
+Report checkConfiguration(Context& context, const Words& words) {
+    const std::string& file = fileOf(words);
+    Report report;
+    report.document["file"] = toUtf8(file.c_str());
+    // A virtual board is no other than the scratch board itself.
+    const bool isSystem = context.options().board == BoardKind::system && !context.options().offline;
+    append(report, askCheck(isSystem ? context.scratchAtDefaults() : context.bareScratch(), file).report);
+    if (report.exitCode == exitDone) report.text += "A load of " + shownFile(file) + " loses nothing.\n";
+    if (isSystem || context.options().offline) addAssumed(report, context.assumed());
+    return report;
+}
+
+} // namespace appletctl

@@ -1,0 +1,43 @@
+#include "appletctl/base/text.h"
+#include "appletctl/commands/files/differences.h"
+#include "appletctl/scratch/CommandRun.h"
+
+namespace appletctl {
+namespace {
+
+/** A word with an equals sign is an assignment; the first one is a file in any case. */
+bool isSecondFile(const Words& words) { return words.size() > 1 && words[1].find('=') == std::string::npos; }
+
+std::string titleOf(const std::string& file) { return printable(toUtf8(file.c_str())); }
+
+} // namespace
+
+Report compareConfigurations(Context& context, const Words& words) {
+    const std::string& first = fileOf(words);
+    const bool areTwoFiles = isSecondFile(words);
+    const bool isWithLive = !areTwoFiles || context.options().live;
+    const Words assignments(words.begin() + (areTwoFiles ? 2 : 1), words.end());
+    if (!isWithLive && !assignments.empty())
+        throw UsageError("two files are compared with each other: no assignments, and no third file; with "
+                         "--live the parameters stand beside them");
+    if (isWithLive) requireBoard(context.options(), "diff");
+    const ConfigurationFile a = ConfigurationFile::read(first);
+    std::vector<Side> sides{{titleOf(first), "first", &a}};
+    std::optional<ConfigurationFile> b, now;
+    if (areTwoFiles)
+        sides.push_back({titleOf(words[1]), "second", &b.emplace(ConfigurationFile::read(words[1]))});
+    Report report;
+    if (isWithLive) {
+        CommandRun work(context, assignments);
+        report = work.report;
+        if (work.isRefused()) return report;
+        sides.push_back({"NOW", "now", &now.emplace(stateOf(work.instance))});
+    }
+    if (askDifferences(report, sides, context.bareScratch()) == 0)
+        report.text += "The values are the same.\n";
+    else
+        report.exitCode = exitDifferent;
+    return report;
+}
+
+} // namespace appletctl

@@ -1,0 +1,246 @@
+#include "appletctl/commands/files/loading.h"
+
+#include "appletctl/applet/access_log.h"
+#include "appletctl/applet/assignments.h"
+#include "appletctl/applet/published_limits.h"
+#include "appletctl/base/text.h"
+
+#include "vexo/fg_errors.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace appletctl {
+namespace {
+
+int load(Instance& instance, const std::string& file) {
+    return instance.applet().Fg_loadConfig(instance.fg(), file.c_str());
+}
+
+/** Why a load takes nothing from a file of this header; empty if the header is as it should be. */
+std::string headerTrouble(const ConfigurationFile& asked, FileKeys& keys) {
+    const auto type = asked.headerValue("Typ");
+    const auto ours = keys.defaults().headerValue("Typ");
+    if (type && ours && *type != *ours)
+        return "it is a file of the applet " + inQuotes(toUtf8(type->c_str())) + ", not of " +
+               inQuotes(*ours);
+    std::vector<std::string> missing;
+    for (const auto& line : keys.defaults().header())
+        if (!asked.headerValue(line.key) && keys.isReadByLoad(line.key)) missing.push_back(line.key);
+    return missing.empty() ? "" : "its header lacks " + join(missing, ", ");
+}
+
+/** Judges the values of a file one by one, on the board where it was loaded. */
+class Judge {
+public:
+    Judge(ScratchSession& session, const std::string& path, const ConfigurationFile& asked,
+          const ConfigurationFile& state)
+        : m_session(session)
+        , m_path(path)
+        , m_asked(asked)
+        , m_state(state) {}
+
+    /** What came of a line of the file; nothing if its value holds now and the setter agrees. */
+    std::optional<Finding> judge(const ConfigurationFile::Line& line) {
+        const std::string& key = line.key;
+        const std::string& asked = line.value;
+        const Parameter& wanted = m_session.parameters().find(key);
+        const std::string is = m_state.value(key).value_or("");
+        const bool isKept = isSameValue(wanted, asked, is);
+        const std::string change = key + ": the file has " + fileValueText(wanted, asked) +
+                                   ", after the load it is " + fileValueText(wanted, is);
+        const std::optional<Value> value = valueInFile(wanted, asked);
+        if (!value && !isKept)
+            return Finding{"unreadable", key, change + ": a load reads decimal numbers with a point"};
+        if (!value || isComputed(wanted, line)) return std::nullopt;
+        const int code = writeValue(m_session.instance(), {&wanted}, *value);
+        if (code != FG_OK) return refusal(wanted, *value, code, isKept ? "" : change);
+        if (isKept) return std::nullopt;
+        if (isSameValue(wanted, onTrial(key), is))
+            return Finding{"rounded", key, change + ", as close as the setter comes to it", false};
+        if (wanted.kind() == REGISTER_KIND_STRING && asked.starts_with(is))
+            return Finding{"cut", key, change + ": a load ends a text at its first = ; or '"};
+        return Finding{"unapplied", key,
+                       change + ": a load does not apply it, so set " + key + "=" +
+                           valueText(wanted, *value) + " afterwards"};
+    }
+
+private:
+    /** What a save would write now. */
+    std::string onTrial(const std::string& key) {
+        return stateOf(m_session.instance()).value(key).value_or("");
+    }
+
+    /** True for a rate that the present mode computes from other parameters, whatever the file says. */
+    bool isComputed(const Parameter& parameter, const ConfigurationFile::Line& line) {
+        if (parameter.kind() != REGISTER_KIND_DOUBLE || accessWord(parameter) != "ro") return false;
+        const TemporaryFile other;
+        other.write(m_asked.textWith(line, line.key + "=-12345.678;\n"));
+        const std::string before = onTrial(line.key);
+        load(m_session.instance(), other.path());
+        const bool isUnmoved = onTrial(line.key) == before;
+        load(m_session.instance(), m_path);
+        return isUnmoved;
+    }
+
+    /** `change` is empty for a value that reads back although it was refused. */
+    static Finding refusal(const Parameter& parameter, const Value& value, int code,
+                           const std::string& change) {
+        const std::string why = refusalInWords(parameter, value, code);
+        if (!change.empty()) return {"refused", parameter.name, change + ": refused: " + why};
+        return {"kept", parameter.name,
+                parameter.name + ": " + valueWithUnit(parameter, value) + " was refused: " + why +
+                    ". It reads back all the same, and setters of other parameters work with it"};
+    }
+
+    ScratchSession& m_session;
+    const std::string& m_path;
+    const ConfigurationFile& m_asked;
+    const ConfigurationFile& m_state;
+};
+
+std::vector<Finding> missingKeys(const ConfigurationFile& asked, const ConfigurationFile& state,
+                                 FileKeys& keys, const ParameterList& parameters) {
+    std::vector<Finding> findings;
+    for (const auto& line : keys.defaults().values()) {
+        if (asked.value(line.key) || !keys.isReadByLoad(line.key)) continue;
+        const std::string is = state.value(line.key).value_or("");
+        findings.push_back(
+            {"missing", line.key,
+             line.key + " is missing: it stays as it was, " + fileValueText(parameters.find(line.key), is)});
+    }
+    return findings;
+}
+
+std::string whyUnknown(const ParameterList& parameters, const std::string& key) {
+    try {
+        return "no load reads " + parameters.find(key).name;
+    } catch (const UsageError& error) {
+        return error.what();
+    }
+}
+
+} // namespace
+
+FileKeys::FileKeys(ScratchSession& session)
+    : m_instance(session.options(), session.instance().host())
+    , m_defaults(stateOf(m_instance)) {}
+
+bool FileKeys::isReadByLoad(const std::string& key) {
+    const auto* line = ConfigurationFile::find(m_defaults.header(), key);
+    if (line == nullptr) line = ConfigurationFile::find(m_defaults.values(), key);
+    if (line == nullptr) return false;
+    m_session.write(m_defaults.textWith(*line, ""));
+    return load(m_instance, m_session.path()) != FG_OK;
+}
+
+namespace {
+
+/** What came of all lines. */
+std::vector<Finding> judgeLines(ScratchSession& session, FileKeys& keys, const std::string& file,
+                                const ConfigurationFile& asked, const ConfigurationFile& state) {
+    std::vector<Finding> findings;
+    Judge judge(session, file, asked, state);
+    for (const auto& line : asked.values()) {
+        if (ConfigurationFile::find(keys.defaults().values(), line.key) == nullptr) {
+            findings.push_back({"unknown", line.key,
+                                printable(toUtf8(line.key.c_str())) +
+                                    " was ignored: " + whyUnknown(session.parameters(), line.key)});
+        } else if (&line != ConfigurationFile::find(asked.values(), line.key)) {
+            findings.push_back(
+                {"repeated", line.key, line.key + " stands there again: only the first one counts"});
+        } else {
+            const std::optional<Finding> finding = judge.judge(line);
+            if (finding && keys.isReadByLoad(line.key)) findings.push_back(*finding);
+        }
+    }
+    return findings;
+}
+
+/** Adds to a refused value what the board holds because of it: the same file is loaded once more with the value
+ *  from before in its place. */
+void addReached(ScratchSession& session, const ConfigurationFile& asked, const ConfigurationFile& before,
+                const DesignSnapshot& loaded, Finding& finding) {
+    using namespace std::string_view_literals;
+    const auto* line = ConfigurationFile::find(asked.values(), finding.key);
+    const auto* old = ConfigurationFile::find(before.values(), finding.key);
+    if (line == nullptr || old == nullptr || (finding.kind != "refused"sv && finding.kind != "kept"sv))
+        return;
+    const TemporaryFile other;
+    other.write(asked.textWith(*line, before.text().substr(old->begin, old->length)));
+    session.rewind();
+    load(session.instance(), other.path());
+    finding.reached = DesignSnapshot(session).changesTo(loaded);
+    if (finding.reached.empty()) {
+        finding.message += "; nothing of it has reached the board";
+        return;
+    }
+    std::vector<std::string> words;
+    for (const DesignChange& change : finding.reached)
+        words.push_back(change.parameter + " " + change.after + " (" + change.before + " without it)");
+    finding.message += "; the board has got it all the same: " + join(words, ", ");
+}
+
+/** Why nothing of the file was loaded; nothing if something was. */
+std::optional<Finding> wholeFileFinding(int code, const ConfigurationFile& asked, FileKeys& keys,
+                                        bool areKeysMissing) {
+    if (code == FG_OK) return std::nullopt;
+    std::string why = headerTrouble(asked, keys);
+    if (why.empty() && !areKeysMissing) why = "its lines must not end in a carriage return";
+    if (why.empty()) return std::nullopt;
+    return Finding{"file", "", "nothing was loaded: " + codeInWords(code) + "; " + why};
+}
+
+} // namespace
+
+LoadOutcome loadAndCompare(ScratchSession& session, FileKeys& keys, const std::string& file) {
+    LoadOutcome outcome;
+    const ConfigurationFile before = stateOf(session.instance());
+    const DesignSnapshot picture(session);
+    takeWrites(session.instance());
+    outcome.code = load(session.instance(), file);
+    outcome.writes = takeWrites(session.instance());
+    const DesignSnapshot loaded(session);
+    outcome.changes = picture.changesTo(loaded);
+    for (const Parameter& parameter : session.parameters().all())
+        outcome.facts.push_back(currentState(session.instance(), parameter));
+    const ConfigurationFile state = stateOf(session.instance());
+    outcome.state = state.text();
+    if (outcome.code == FG_ERR_FILE_TYPE) {
+        outcome.findings = {{"file", "",
+                             "nothing was loaded: " + codeInWords(outcome.code) +
+                                 "; the file must exist, and .mcf must be part of its name"}};
+        return outcome;
+    }
+    const ConfigurationFile asked = ConfigurationFile::read(file);
+    outcome.findings = missingKeys(asked, state, keys, session.parameters());
+    if (const auto whole = wholeFileFinding(outcome.code, asked, keys, !outcome.findings.empty())) {
+        outcome.findings = {*whole};
+        return outcome;
+    }
+    for (Finding& finding : judgeLines(session, keys, file, asked, state))
+        outcome.findings.push_back(std::move(finding));
+    for (Finding& finding : outcome.findings)
+        addReached(session, asked, before, loaded, finding);
+    return outcome;
+}
+
+void addFindings(Report& report, const std::vector<Finding>& findings) {
+    auto& rows = report.document["findings"] = nlohmann::ordered_json::array();
+    for (const Finding& finding : findings) {
+        nlohmann::ordered_json row = {{"kind", finding.kind},
+                                      {"name", toUtf8(finding.key.c_str())},
+                                      {"isLoss", finding.isLoss},
+                                      {"message", finding.message}};
+        if (!finding.reached.empty()) row["reached"] = asJson(finding.reached);
+        rows.push_back(std::move(row));
+        if (!finding.isLoss) {
+            report.text += finding.message + '\n';
+            continue;
+        }
+        report.problems.push_back(finding.message);
+        report.exitCode = exitRefused;
+    }
+}
+
+} // namespace appletctl

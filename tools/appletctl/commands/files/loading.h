@@ -1,0 +1,66 @@
+/** Loads configuration files and tells what is lost of them. The applet does not: it says that something is
+ *  missing but not what, and drops in silence what a setter refuses. All of it happens on the scratch board. */
+#ifndef APPLETCTL_COMMANDS_FILES_LOADING_H
+#define APPLETCTL_COMMANDS_FILES_LOADING_H
+
+#include "appletctl/applet/ConfigurationFile.h"
+#include "appletctl/applet/ParameterState.h"
+#include "appletctl/base/output.h"
+#include "appletctl/scratch/DesignSnapshot.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace appletctl {
+
+/** A fresh instance of the applet, which is asked what files hold. There is no list of keys here: the keys are
+ *  those that it saves, and one that a load fails without is one that a load reads. */
+class FileKeys {
+public:
+    explicit FileKeys(ScratchSession& session);
+
+    /** The state after the start. */
+    const ConfigurationFile& defaults() const { return m_defaults; }
+    /** False for what is saved for the reader of the file, such as measurements, and for unknown keys. */
+    bool isReadByLoad(const std::string& key);
+
+private:
+    Instance m_instance;
+    ConfigurationFile m_defaults;
+    TemporaryFile m_session;
+};
+
+/** What became of one key. */
+struct Finding {
+    /** "file": nothing was loaded at all. "missing": no such key in the file. "unknown": no load reads the key.
+     *  "repeated": only the first line of the key counts. "unreadable": no value of the parameter's kind.
+     *  "refused": by the setter. "kept": refused by the setter, and yet it reads back. "cut": the end of a text.
+     *  "unapplied": the setter takes the value, but a load does not hand it over. "rounded": to what the
+     *  hardware can do. */
+    const char* kind;
+    std::string key; // empty for the whole file
+    std::string message;
+    bool isLoss = true;
+    std::vector<DesignChange> reached{}; /**< of a refused value: what the board holds because of it */
+};
+
+/** A load as the scratch board saw it. */
+struct LoadOutcome {
+    int code = 0;
+    std::string state; /**< text of what a save would write then */
+    std::vector<Finding> findings;
+    std::vector<std::string> writes;     /**< of the design, in order */
+    std::vector<DesignChange> changes{}; /**< in the design */
+    std::vector<ParameterState> facts{}; /**< of all parameters */
+};
+
+/** Loads the file into the scratch board and looks what came of it; the board is not put back. */
+LoadOutcome loadAndCompare(ScratchSession& session, FileKeys& keys, const std::string& file);
+
+/** Adds the losses to the problems, what was rounded to the text, and all of them to the document. */
+void addFindings(Report& report, const std::vector<Finding>& findings);
+
+} // namespace appletctl
+
+#endif

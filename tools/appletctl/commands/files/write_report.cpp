@@ -1,0 +1,112 @@
+// All that a support needs to know, in one text or document.
+
+#include "appletctl/base/text.h"
+#include "appletctl/commands/commands.h"
+
+#include <sys/utsname.h>
+
+#include <cstdlib>
+#include <ctime>
+
+namespace appletctl {
+namespace {
+
+/** What the applet, the loader of libraries and the formats of numbers look at. */
+constexpr const char* variables[] = {
+    "APPLET_UNDER_TEST",
+    "LD_LIBRARY_PATH",
+    "LD_PRELOAD",
+    "__VEXO_FORCE_EXTERNAL_TSL",
+    "VEXO_ENABLE_DRA",
+    "VEXO_ENABLE_DLOOMA",
+    "NORVANE_FG_SDK_DIR",
+    "LANG",
+    "LC_ALL",
+    "LC_NUMERIC",
+};
+
+nlohmann::ordered_json environment() {
+    nlohmann::ordered_json told;
+    for (const char* variable : variables) {
+        const char* const value = std::getenv(variable);
+        told[variable] = value != nullptr ? nlohmann::ordered_json(toUtf8(value)) : nullptr;
+    }
+    return told;
+}
+
+nlohmann::ordered_json systemInfo() {
+    utsname name{};
+    uname(&name);
+    const std::time_t now = std::time(nullptr);
+    std::tm utc{};
+    gmtime_r(&now, &utc);
+    char time[32];
+    std::strftime(time, sizeof time, "%Y-%m-%dT%H:%M:%SZ", &utc);
+    return {{"program", APPLETCTL_VERSION},
+            {"time", time},
+            {"system", std::string(name.sysname) + " " + name.release + " " + name.machine}};
+}
+
+std::string linesOf(const nlohmann::ordered_json& object) {
+    std::string text;
+    for (const auto& [key, value] : object.items())
+        text += "  " + key + ": " + (value.is_string() ? printable(value.get<std::string>()) : value.dump()) +
+                '\n';
+    return text;
+}
+
+struct Section {
+    const char* key;
+    const char* title;
+    Report (*run)(Context&, const Words&);
+};
+
+constexpr Section sections[] = {
+    {"info", "The applet and its libraries", showInfo},
+    {"lint", "What is doubtful", lintParameters},
+    {"list", "Parameters, with what differs from the default", listParameters},
+    {"route", "Routes", showRoutes},
+    {"timing", "Timing", showTiming},
+};
+
+/** What cannot be told is a part of the report as well. */
+Report partOf(Context& context, const Section& section) {
+    try {
+        return section.run(context, {});
+    } catch (const Failure& failure) {
+        return failureReport("failure", failure.what(), exitRefused);
+    }
+}
+
+} // namespace
+
+Report writeReport(Context& context, const Words& assignments) {
+    const std::optional<std::string>& file = context.options().outFile;
+    if (file && file->empty()) throw UsageError("the name of the file is empty");
+    Report done = setParameters(context, assignments);
+    if (done.exitCode != exitDone) return done;
+    Report report;
+    auto& document = report.document;
+    document["about"] = systemInfo();
+    document["environment"] = environment();
+    std::string text = "Report of appletctl\n" + linesOf(document["about"]) + "\nEnvironment\n" +
+                       linesOf(document["environment"]);
+    if (!assignments.empty()) text += "\nAssignments\n" + done.text;
+    for (const Section& section : sections) {
+        const Report part = partOf(context, section);
+        document[section.key] = part.document;
+        text += std::string("\n") + section.title + "\n\n" + part.text;
+        for (const std::string& problem : part.problems)
+            text += problem + '\n';
+    }
+    if (!file) {
+        report.text = text;
+        return report;
+    }
+    writeFile(*file, context.options().json ? documentText(report, "report", 2) : text);
+    report.document = {{"file", toUtf8(file->c_str())}};
+    report.text = inQuotes(toUtf8(file->c_str())) + " written\n";
+    return report;
+}
+
+} // namespace appletctl

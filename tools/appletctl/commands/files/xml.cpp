@@ -1,0 +1,65 @@
+#include "appletctl/commands/files/xml.h"
+
+#include "appletctl/base/text.h"
+#include "appletctl/commands/commands.h"
+
+#include "vexo/fg_errors.h"
+
+#include <unistd.h>
+
+namespace appletctl {
+
+std::string ownDocument(Instance& instance) {
+    const auto ask = [&](char* place, unsigned long& size) {
+        const int code = instance.applet().Fg_getParameterInfoXML(instance.fg(), 0, place, &size);
+        if (code != FG_OK) throw Failure("the applet gives no XML document: " + codeInWords(code));
+    };
+    unsigned long size = 0;
+    ask(nullptr, size);
+    std::string document(size, '\0');
+    ask(document.data(), size);
+    document.resize(size - 1); // without its zero
+    return document;
+}
+
+namespace {
+
+Report checkedDocument(Context& context, const std::string& document) {
+    Report report;
+    Table table;
+    table.setTitles({"NODE", "WHAT A CLIENT STUMBLES OVER"});
+    auto& rows = report.document["findings"] = nlohmann::ordered_json::array();
+    for (const XmlFinding& finding : findingsIn(readXml(document), context.parameters())) {
+        table.addRow({finding.node, finding.reason});
+        rows.push_back({{"node", finding.node}, {"reason", finding.reason}});
+    }
+    report.text = rows.empty() ? "Nothing found.\n" : table.render(Style::forStream(STDOUT_FILENO));
+    if (!rows.empty()) report.exitCode = exitRefused;
+    return report;
+}
+
+} // namespace
+
+Report showXml(Context& context, const Words&) {
+    const Options& options = context.options();
+    if (options.outFile && options.outFile->empty()) throw UsageError("the name of the file is empty");
+    if (options.outFile && options.isChecked)
+        throw UsageError("either the document is written, with -o, or looked at, with --check");
+    const std::string document =
+        options.isPortable ? portableDocument(context) : ownDocument(context.instance());
+    if (options.isChecked) return checkedDocument(context, document);
+    Report report;
+    if (!options.outFile) {
+        report.text = document;
+        report.document["document"] = toUtf8(document.c_str());
+        return report;
+    }
+    writeFile(*options.outFile, document);
+    const std::string file = toUtf8(options.outFile->c_str());
+    report.document["file"] = file;
+    report.document["bytes"] = document.size();
+    report.text = inQuotes(file) + " written\n";
+    return report;
+}
+
+} // namespace appletctl

@@ -1,0 +1,74 @@
+#include "appletctl/applet/published_limits.h"
+#include "appletctl/applet/values.h"
+#include "appletctl/base/text.h"
+#include "appletctl/commands/commands.h"
+#include "appletctl/scratch/defaults_and_roles.h"
+
+#include <unistd.h>
+
+namespace appletctl {
+namespace {
+
+std::string accessInWords(const Parameter& parameter) {
+    const std::string word = accessWord(parameter);
+    if (word == "ro") return "ro (read-only now)";
+    if (word == "rw") return "rw (not to be changed while an acquisition runs)";
+    if (word == "rw+") return "rw+ (also while an acquisition runs)";
+    return word;
+}
+
+} // namespace
+
+Report describeParameters(Context& context, const Words& names) {
+    Instance& instance = context.instance();
+    const ParameterList& parameters = context.parameters();
+    std::vector<const Parameter*> wanted;
+    for (const std::string& name : names)
+        wanted.push_back(&parameters.find(name));
+
+    const auto defaultsAndRoles = backgroundOf(context, wanted, FileRoles::asked);
+    Report report;
+    report.document["parameters"] = nlohmann::ordered_json::array();
+    Table table;
+    for (const Parameter* parameter : wanted) {
+        const ReadResult reading = readValue(instance, {parameter});
+        const std::string text = explanationOf(instance, *parameter);
+        nlohmann::ordered_json row;
+        addDescription(row, *parameter);
+        if (reading.error == FG_OK)
+            addValue(row, {parameter}, reading.value);
+        else
+            row["error"] = codeAsJson(reading.error);
+        const DefaultAndRole& known = defaultsAndRoles.at(parameter->name);
+        if (known.start && elementCount(*parameter) == 0) addValue(row["default"], {parameter}, *known.start);
+        row["isSettable"] = known.isSettable;
+        row["fileRole"] = known.fileRole;
+        row["description"] = text;
+        report.document["parameters"].push_back(std::move(row));
+
+        const auto addLine = [&](const char* title, const std::string& content) {
+            if (!content.empty()) table.addRow({title, printable(content)});
+        };
+        table.addHeading(parameter->name);
+        addLine("label", parameter->label());
+        addLine("id", numberText(parameter->id));
+        addLine("group", parameter->path());
+        addLine("kind", kindName(*parameter));
+        addLine("value", reading.error == FG_OK ? valueWithUnit(*parameter, reading.value)
+                                                : "- (" + codeInWords(reading.error) + ")");
+        if (known.start) addLine("default", valueWithUnit(*parameter, *known.start));
+        addLine("access", known.isSettable ? accessInWords(*parameter) : "ro (never to be set)");
+        addLine("limits", limitsText(*parameter));
+        addLine("unit", parameter->unit());
+        for (const Entry& entry : entriesOf(*parameter))
+            addLine("entry", entryName(entry) + " = " + numberText(entry.value) + ", " + entry.label);
+        addLine("file", fileRoleInWords(known.fileRole));
+        addLine("reading", parameter->effectOfReading());
+        addLine("setting", parameter->effectOfWriting());
+        addLine("text", text);
+    }
+    report.text = table.render(Style::forStream(STDOUT_FILENO));
+    return report;
+}
+
+} // namespace appletctl

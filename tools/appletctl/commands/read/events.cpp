@@ -1,0 +1,49 @@
+#include "appletctl/applet/Instance.h"
+#include "appletctl/base/numbers.h"
+#include "appletctl/base/text.h"
+#include "appletctl/commands/commands.h"
+
+#include <unistd.h>
+
+#include <limits>
+#include <optional>
+
+namespace appletctl {
+namespace {
+
+/** What comes with an event of that mask; none with one that the applet only passes on. */
+std::optional<FgEventRecord> recordOf(const applet_host::AppletFunctions& applet, std::uint64_t mask) {
+    constexpr int versionWithWideMask = 2;
+    FgEventRecord record{};
+    if (applet.Info(FG_INFO_EVENT_RECORD, 0, versionWithWideMask, &mask, &record) != FG_OK)
+        return std::nullopt;
+    return record;
+}
+
+} // namespace
+
+Report listEvents(Context& context, const Words&) {
+    requireBoard(context.options(), "events");
+    Instance& instance = context.instance();
+    Report report;
+    auto& events = report.document["events"] = nlohmann::ordered_json::array();
+    Table table;
+    table.setTitles({"NAME", "MASK", "DATA", "VALUE"});
+    for (int bit = 0; bit < std::numeric_limits<std::uint64_t>::digits; ++bit) {
+        const std::uint64_t mask = std::uint64_t{1} << bit;
+        const char* const published = instance.applet().Fg_getEventName(instance.fg(), mask);
+        if (published == nullptr) continue;
+        const std::string name = toUtf8(published);
+        const std::optional<FgEventRecord> record = recordOf(instance.applet(), mask);
+        const std::string dataName = record ? toUtf8(record->name) : "-";
+        table.addRow(
+            {printable(name), hexText(mask), printable(dataName), record ? numberText(record->value) : "-"});
+        nlohmann::ordered_json row = {{"name", name}, {"mask", mask}, {"data", nullptr}};
+        if (record) row["data"] = {{"name", dataName}, {"value", record->value}};
+        events.push_back(std::move(row));
+    }
+    report.text = table.render(Style::forStream(STDOUT_FILENO));
+    return report;
+}
+
+} // namespace appletctl

@@ -1,0 +1,68 @@
+#include "appletctl/commands/commands.h"
+#include "appletctl/scratch/BoardState.h"
+
+namespace appletctl {
+namespace {
+
+/** "FG_WIDTH = 1024 pixel"; one line for each element. */
+std::string valueLines(const Target& target, const Value& value) {
+    const auto* elements = std::get_if<Elements>(&value);
+    if (elements == nullptr) return target.name() + " = " + valueWithUnit(*target.parameter, value) + '\n';
+    std::string lines;
+    for (std::uint32_t index = target.elements->first; const std::uint32_t element : *elements)
+        lines += elementName(*target.parameter, index++) + " = " + numberText(element) + '\n';
+    return lines;
+}
+
+/** The value as it is, one element a line. */
+std::string rawLines(const Value& value) {
+    return std::visit(
+        [](const auto& native) {
+            using T = std::decay_t<decltype(native)>;
+            std::string lines;
+            if constexpr (std::is_same_v<T, Elements>)
+                for (const std::uint32_t element : native)
+                    lines += numberText(element) + '\n';
+            else if constexpr (std::is_same_v<T, std::string>)
+                lines = native + '\n';
+            else if constexpr (!std::is_same_v<T, WholeArray>)
+                lines = numberText(native) + '\n';
+            return lines;
+        },
+        value);
+}
+
+/** The parameters of the named groups, without those of which a read takes something from the board. */
+std::vector<Target> targetsOfGroups(const ParameterList& parameters, const Words& labels) {
+    std::vector<Target> targets;
+    for (const std::string& label : labels)
+        for (const Parameter* parameter : parameters.inGroup(label))
+            if (parameter->effectOfReading().empty()) targets.push_back({parameter});
+    return targets;
+}
+
+} // namespace
+
+Report getParameters(Context& context, const Words& names) {
+    const Options& options = context.options();
+    Instance& instance = context.instance();
+    const ParameterList& parameters = context.parameters();
+    Report report;
+    report.document["parameters"] = nlohmann::ordered_json::array();
+    const auto targets =
+        options.areGroups ? targetsOfGroups(parameters, names) : findTargets(parameters, names);
+    for (Target target : targets) {
+        if (options.isRaw && !target.elements) target = wholeOf(*target.parameter);
+        const ReadResult reading = readValue(instance, target);
+        report.document["parameters"].push_back(readingAsJson(target, reading));
+        if (reading.error == FG_OK) {
+            report.text += options.isRaw ? rawLines(reading.value) : valueLines(target, reading.value);
+        } else {
+            report.problems.push_back(target.name() + " cannot be read: " + codeInWords(reading.error));
+            report.exitCode = exitRefused;
+        }
+    }
+    return report;
+}
+
+} // namespace appletctl

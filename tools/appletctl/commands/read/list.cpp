@@ -1,0 +1,190 @@
+#include "appletctl/applet/published_limits.h"
+#include "appletctl/base/text.h"
+#include "appletctl/commands/commands.h"
+#include "appletctl/scratch/BoardState.h"
+#include "appletctl/scratch/defaults_and_roles.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <set>
+
+namespace appletctl {
+namespace {
+
+constexpr std::size_t entriesWidth = 60;
+
+/** A parameter as it is listed. */
+struct Listed {
+    const Parameter& parameter;
+    const std::optional<ReadResult> reading; // none of what a read would take from the board
+    const DefaultAndRole& known;
+
+    bool isChanged() const { return reading && reading->error == FG_OK && known.isChanged(reading->value); }
+};
+
+/** The entries' names as far as they fit, and how many there are. */
+std::string shortEntries(const Parameter& parameter) {
+    const std::vector<Entry> entries = entriesOf(parameter);
+    std::string text;
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        const std::string next = (i == 0 ? "" : ", ") + entryName(entries[i]);
+        if (displayWidth(text) + displayWidth(next) > entriesWidth)
+            return text + ", ... (" + numberText(entries.size()) + " entries)";
+        text += next;
+    }
+    return text;
+}
+
+std::string limitsCell(const Listed& listed) {
+    const Parameter& parameter = listed.parameter;
+    const std::string text =
+        parameter.kind() == REGISTER_KIND_ENUM ? shortEntries(parameter) : limitsText(parameter);
+    return text.empty() ? "-" : text;
+}
+
+std::string valueCell(const Listed& listed) {
+    if (!listed.reading) return "(" + listed.parameter.effectOfReading() + ")";
+    if (listed.reading->error != FG_OK) return "-";
+    if (const std::uint32_t count = elementCount(listed.parameter); count > 0)
+        return numberText(count) + " elements";
+    return valueText(listed.parameter, listed.reading->value);
+}
+
+std::string defaultCell(const Listed& listed) {
+    return listed.known.start ? valueText(listed.parameter, *listed.known.start) : "-";
+}
+
+struct Column {
+    const char* name;
+    const char* title;
+    std::string (*cell)(const Listed& listed);
+};
+
+constexpr const char* defaultColumn = "default";
+constexpr const char* roleColumn = "role";
+
+constexpr Column columns[] = {
+    {"name", "NAME", [](const Listed& listed) { return listed.parameter.name; }},
+    {"value", "VALUE", valueCell},
+    {"unit", "UNIT", [](const Listed& listed) { return listed.parameter.unit(); }},
+    {"access", "ACCESS", [](const Listed& listed) { return accessWord(listed.parameter); }},
+    {"limits", "LIMITS OR ENTRIES", limitsCell},
+    {defaultColumn, "DEFAULT", defaultCell},
+    {"id", "ID", [](const Listed& listed) { return numberText(listed.parameter.id); }},
+    {"kind", "KIND", [](const Listed& listed) { return std::string(kindName(listed.parameter)); }},
+    {"group", "GROUP", [](const Listed& listed) { return listed.parameter.path(); }},
+    {"label", "LABEL", [](const Listed& listed) { return listed.parameter.label(); }},
+    {roleColumn, "IN A FILE", [](const Listed& listed) { return listed.known.fileRole; }},
+};
+
+bool has(const Words& names, std::string_view name) { return std::ranges::find(names, name) != names.end(); }
+
+std::vector<const Parameter*> wantedParameters(Context& context, const std::string& pattern) {
+    const ParameterList& parameters = context.parameters();
+    const Options& options = context.options();
+    std::vector<const Parameter*> wanted = parameters.matching(pattern);
+    if (!options.group.empty()) {
+        const auto inGroup = parameters.inGroup(options.group);
+        std::erase_if(wanted, [&](const Parameter* parameter) {
+            return std::ranges::find(inGroup, parameter) == inGroup.end();
+        });
+    }
+    if (options.onlyWritable)
+        std::erase_if(wanted,
+                      [](const Parameter* parameter) { return !accessWord(*parameter).starts_with("rw"); });
+    return wanted;
+}
+
+/** The value; none where a read would take something from the board, unless it is asked for by its whole
+ *  name. */
+std::optional<ReadResult> readFor(Instance& instance, const Parameter& parameter, const std::string& asked) {
+    if (!parameter.effectOfReading().empty() && lowerCase(asked) != lowerCase(parameter.name))
+        return std::nullopt;
+    return readValue(instance, wholeOf(parameter));
+}
+
+nlohmann::ordered_json asJson(const Listed& listed, bool wantsRole) {
+    const Target target{&listed.parameter}; // an array by its number of elements
+    nlohmann::ordered_json row;
+    addDescription(row, listed.parameter);
+    if (!listed.reading)
+        row["notRead"] = listed.parameter.effectOfReading();
+    else if (listed.reading->error != FG_OK)
+        row["error"] = codeAsJson(listed.reading->error);
+    else
+        addValue(row, target,
+                 elementCount(listed.parameter) > 0 ? emptyValue(target) : listed.reading->value);
+    row["isChanged"] = listed.isChanged();
+    if (listed.isChanged() && elementCount(listed.parameter) == 0)
+        addValue(row["default"], target, *listed.known.start);
+    if (wantsRole) row["fileRole"] = listed.known.fileRole;
+    return row;
+}
+
+/** The table that is printed; under the headings of the groups unless columns are chosen. */
+Table tableOf(const std::vector<Listed>& rows, const Words& chosen) {
+    Words names = chosen;
+    if (names.empty()) {
+        names = {"name", "value", "unit", "access", "limits"};
+        if (std::ranges::any_of(rows, &Listed::isChanged))
+            names = {"name", "value", defaultColumn, "unit", "access", "limits"};
+    }
+    Table table;
+    std::vector<std::string> titles;
+    for (const std::string& name : names)
+        titles.push_back(std::ranges::find(columns, name, &Column::name)->title);
+    table.setTitles(std::move(titles));
+    const std::vector<std::string>* group = nullptr;
+    for (const Listed& listed : rows) {
+        if (chosen.empty() && (group == nullptr || *group != listed.parameter.groups))
+            table.addHeading(listed.parameter.path());
+        group = &listed.parameter.groups;
+        std::vector<std::string> cells;
+        for (const std::string& name : names) {
+            const bool isBlank = chosen.empty() && name == defaultColumn && !listed.isChanged();
+            cells.push_back(isBlank ? "" : std::ranges::find(columns, name, &Column::name)->cell(listed));
+        }
+        table.addRow(std::move(cells));
+    }
+    return table;
+}
+
+} // namespace
+
+Words listColumns() {
+    Words names;
+    for (const Column& column : columns)
+        names.emplace_back(column.name);
+    return names;
+}
+
+Report listParameters(Context& context, const Words& pattern) {
+    const Options& options = context.options();
+    const std::string asked = pattern.empty() ? "" : pattern.front();
+    const bool wantsRole = has(options.columns, roleColumn);
+    const std::vector<const Parameter*> wanted = wantedParameters(context, asked);
+    Report report;
+    std::map<std::string, DefaultAndRole> defaultsAndRoles;
+    try {
+        defaultsAndRoles = backgroundOf(context, wanted, wantsRole ? FileRoles::asked : FileRoles::unasked);
+    } catch (const Failure& failure) {
+        // Where there is no scratch board, a list is still of use.
+        if (options.onlyChanged || wantsRole || has(options.columns, defaultColumn)) throw;
+        report.notes.push_back(std::string("the defaults are not known: ") + failure.what());
+    }
+    std::vector<Listed> rows;
+    for (const Parameter* parameter : wanted) {
+        const Listed listed{*parameter, readFor(context.instance(), *parameter, asked),
+                            defaultsAndRoles[parameter->name]};
+        if (!options.onlyChanged || listed.isChanged()) rows.push_back(listed);
+    }
+    auto& documented = report.document["parameters"] = nlohmann::ordered_json::array();
+    for (const Listed& listed : rows)
+        documented.push_back(asJson(listed, wantsRole));
+    report.text = tableOf(rows, options.columns).render(Style::forStream(STDOUT_FILENO));
+    if (rows.empty()) report.text = "Nothing of this kind.\n";
+    return report;
+}
+
+} // namespace appletctl

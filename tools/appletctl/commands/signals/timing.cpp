@@ -1,0 +1,279 @@
+// The signals of the line trigger over a few line periods, as the present values make them.
+
+#include "appletctl/applet/assignments.h"
+#include "appletctl/applet/published_limits.h"
+#include "appletctl/base/text.h"
+#include "appletctl/draw/svg.h"
+#include "appletctl/draw/waves.h"
+
+#include "vexo/fg_parameters.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace appletctl {
+namespace {
+
+constexpr int shownPeriods = 3;
+
+/** What is read of the applet, times in microseconds. */
+struct Settings {
+    double period, exposure, delay;
+    double downscale;
+    double flashDelay; // lines
+    std::int32_t mode;
+    bool isExSyncOn, isFlashOn, isExSyncLow, isFlashLow;
+
+    bool isAsync() const { return mode == ASYNC_TRIGGER || mode == ASYNC_GATED; }
+};
+
+class Reader {
+public:
+    Reader(Instance& instance, const ParameterList& parameters)
+        : m_instance(instance)
+        , m_parameters(parameters) {}
+
+    template <typename T> T get(const char* name) const {
+        return std::get<T>(valueOf(m_instance, {&m_parameters.find(name)}));
+    }
+    bool is(const char* name, std::int32_t entry) const { return get<std::int32_t>(name) == entry; }
+
+private:
+    Instance& m_instance;
+    const ParameterList& m_parameters;
+};
+
+/** A load stores what no setter would take, such as a period of 0. */
+void requireDrawable(const char* name, double value, double smallest) {
+    constexpr double largest = 1e6;
+    if (value >= smallest && value <= largest) return; // and so no NaN
+    throw Failure(std::string(name) + " = " + numberText(value) + " gives no timing: set it from " +
+                  numberText(smallest) + " to " + numberText(largest));
+}
+
+Settings settingsOf(Instance& instance, const ParameterList& parameters) {
+    const Reader reader(instance, parameters);
+    const Settings settings = {.period = reader.get<double>("FG_LINEPERIODE"),
+                               .exposure = reader.get<double>("FG_LINEEXPOSURE"),
+                               .delay = reader.get<double>("FG_LINETRIGGERDELAY"),
+                               .downscale = reader.get<std::uint32_t>("FG_LINE_DOWNSCALE") * 1.0,
+                               .flashDelay = reader.get<std::uint32_t>("FG_STROBEPULSEDELAY") * 1.0,
+                               .mode = reader.get<std::int32_t>("FG_LINETRIGGERMODE"),
+                               .isExSyncOn = reader.is("FG_EXSYNCON", FG_ON),
+                               .isFlashOn = reader.is("FG_FLASHON", FG_ON),
+                               .isExSyncLow = reader.is("FG_EXSYNCPOLARITY", FG_LOW),
+                               .isFlashLow = reader.is("FG_FLASH_POLARITY", FG_LOW)};
+    requireDrawable("FG_LINEPERIODE", settings.period, 1e-3);
+    requireDrawable("FG_LINEEXPOSURE", settings.exposure, 0);
+    requireDrawable("FG_LINETRIGGERDELAY", settings.delay, 0);
+    requireDrawable("FG_LINE_DOWNSCALE", settings.downscale, 1);
+    return settings;
+}
+
+/** Pulses of a length, one each period, the first at `start`, as far as they show. */
+std::vector<Pulse> train(double start, double period, double length, double end) {
+    std::vector<Pulse> pulses;
+    for (double at = start - period * std::ceil((start + length) / period); at < end - 1e-6; at += period)
+        pulses.push_back({at, at + length});
+    return merged(std::move(pulses), end);
+}
+
+/** A signal of the design: which source of an output it is, and its wave. */
+struct Signal {
+    std::int32_t source;
+    Wave wave;
+};
+
+std::vector<Signal> signalsOf(const Settings& settings, double end) {
+    const auto exSync = [&](double delay) {
+        return settings.isExSyncOn ? train(delay, settings.period, settings.exposure, end)
+                                   : std::vector<Pulse>{};
+    };
+    std::vector<Pulse> flash;
+    // From the ExSync of its line to the next one.
+    const double flashStart = settings.flashDelay * settings.period;
+    if (settings.isFlashOn) flash = merged({{flashStart, flashStart + settings.period}}, end);
+    return {{FG_SIGNAL_CAM0_EXSYNC, {"ExSync", exSync(0), settings.isExSyncLow}},
+            {FG_SIGNAL_CAM0_EXSYNC2, {"ExSync2", exSync(settings.delay), settings.isExSyncLow}},
+            {FG_SIGNAL_CAM0_FLASH, {"Flash", flash, settings.isFlashLow}}};
+}
+
+/** An output of the board, and what comes out of it. */
+struct Output {
+    std::string name; // "FG_TRIGGERCAMERA"
+    std::string source;
+    std::int32_t sourceValue;
+    bool isInverted;
+    Wave wave;
+};
+
+Wave waveOf(const std::string& name, std::int32_t source, bool isInverted,
+            const std::vector<Signal>& signals) {
+    if (source == GND) return {name, std::vector<Pulse>{}, false};
+    if (source == VCC) return {name, std::vector<Pulse>{}, true};
+    for (const Signal& signal : signals)
+        if (signal.source == source) return {name, signal.wave.active, signal.wave.isActiveLow != isInverted};
+    return {name, std::nullopt, isInverted};
+}
+
+std::vector<Output> outputsOf(Instance& instance, const ParameterList& parameters,
+                              const std::vector<Signal>& signals) {
+    constexpr std::string_view suffix = "_SOURCE";
+    std::vector<Output> outputs;
+    for (const Parameter& parameter : parameters.all()) {
+        if (!parameter.name.starts_with("FG_TRIGGER") || !parameter.name.ends_with(suffix)) continue;
+        const std::string name = parameter.name.substr(0, parameter.name.size() - suffix.size());
+        const Value source = valueOf(instance, {&parameter});
+        const auto value = std::get<std::int32_t>(source);
+        const Value polarity = valueOf(instance, {&parameters.find(name + "_POLARITY")});
+        const bool isConstant = value == GND || value == VCC;
+        const bool isInverted = !isConstant && std::get<std::int32_t>(polarity) == FG_LOW;
+        outputs.push_back({name, valueText(parameter, source), value, isInverted,
+                           waveOf(name, value, isInverted, signals)});
+    }
+    return outputs;
+}
+
+/** All that is shown. */
+struct Timing {
+    Settings settings{};
+    double end = 0;
+    std::vector<Signal> signals;
+    std::vector<Output> outputs;
+    std::vector<Wave> shown; // signals and what follows from them
+    Words assumed;
+};
+
+Timing timingOf(Instance& instance, const ParameterList& parameters) {
+    Timing timing;
+    timing.settings = settingsOf(instance, parameters);
+    const Settings& settings = timing.settings;
+    timing.end = shownPeriods * settings.period;
+    timing.signals = signalsOf(settings, timing.end);
+    timing.outputs = outputsOf(instance, parameters, timing.signals);
+    if (settings.isAsync()) {
+        const double period = settings.period / settings.downscale;
+        timing.shown.push_back({"Line input", train(0, period, period / 2, timing.end), false});
+        timing.assumed.push_back(
+            "the line trigger input has a period of FG_LINEPERIODE / FG_LINE_DOWNSCALE, " +
+            numberText(period) + " µs; its real one is the encoder's");
+    }
+    for (const Signal& signal : timing.signals)
+        timing.shown.push_back(signal.wave);
+    const auto camera = std::ranges::find(timing.outputs, "FG_TRIGGERCAMERA", &Output::name);
+    if (camera != timing.outputs.end()) {
+        timing.shown.push_back({"Exposure", camera->wave.active, false});
+        timing.assumed.push_back(
+            camera->wave.active ? "the camera exposes while its trigger is active"
+                                : "nothing of the exposure, as the camera is triggered by " + camera->source);
+    }
+    if (settings.isFlashOn && settings.flashDelay >= shownPeriods)
+        timing.assumed.push_back("the flash comes " + numberText(settings.flashDelay) +
+                                 " lines after the start of the image, outside the picture");
+    return timing;
+}
+
+std::string outputNames(const Timing& timing, std::int32_t source) {
+    Words names;
+    for (const Output& output : timing.outputs)
+        if (output.sourceValue == source)
+            names.push_back(output.name + (output.isInverted ? " (inverted)" : ""));
+    return names.empty() ? "-" : join(names, ", ");
+}
+
+std::string tableText(const Timing& timing) {
+    const Settings& settings = timing.settings;
+    Table table;
+    table.setTitles({"SIGNAL", "ACTIVE", "FROM", "EVERY", "OUTPUTS"});
+    const std::string exposure = numberText(settings.exposure) + " µs";
+    const std::string period = numberText(settings.period) + " µs";
+    const std::string off = "off";
+    table.addRow({"ExSync", settings.isExSyncOn ? exposure : off, "0 µs", period,
+                  outputNames(timing, FG_SIGNAL_CAM0_EXSYNC)});
+    table.addRow({"ExSync2", settings.isExSyncOn ? exposure : off, numberText(settings.delay) + " µs", period,
+                  outputNames(timing, FG_SIGNAL_CAM0_EXSYNC2)});
+    table.addRow({"Flash", settings.isFlashOn ? period : off, numberText(settings.flashDelay) + " lines",
+                  "image", outputNames(timing, FG_SIGNAL_CAM0_FLASH)});
+    Words told;
+    for (const Output& output : timing.outputs) {
+        const bool isSignal =
+            std::ranges::find(timing.signals, output.sourceValue, &Signal::source) != timing.signals.end();
+        if (isSignal || std::ranges::find(told, output.source) != told.end()) continue;
+        told.push_back(output.source);
+        table.addRow({output.source, "-", "-", "-", outputNames(timing, output.sourceValue)});
+    }
+    return table.render(Style::forStream(STDOUT_FILENO));
+}
+
+nlohmann::ordered_json asJson(const Wave& wave) {
+    nlohmann::ordered_json object = {
+        {"name", wave.name}, {"activeLow", wave.isActiveLow}, {"pulses", nullptr}};
+    if (!wave.active) return object;
+    object["pulses"] = nlohmann::ordered_json::array();
+    for (const Pulse& pulse : *wave.active)
+        object["pulses"].push_back({pulse.start, pulse.end});
+    return object;
+}
+
+void addDocument(Report& report, const Timing& timing) {
+    report.document["linePeriod"] = timing.settings.period;
+    report.document["lineRate"] = 1e6 / timing.settings.period;
+    report.document["end"] = timing.end;
+    auto& signals = report.document["signals"] = nlohmann::ordered_json::array();
+    for (const Wave& wave : timing.shown)
+        signals.push_back(asJson(wave));
+    auto& outputs = report.document["outputs"] = nlohmann::ordered_json::array();
+    for (const Output& output : timing.outputs)
+        outputs.push_back(
+            {{"output", output.name}, {"source", output.source}, {"inverted", output.isInverted}});
+    report.document["assumed"] = timing.assumed;
+}
+
+/** Signals, then the outputs. */
+std::vector<Wave> allWaves(const Timing& timing) {
+    std::vector<Wave> waves = timing.shown;
+    for (const Output& output : timing.outputs)
+        waves.push_back(output.wave);
+    return waves;
+}
+
+std::string subtitle(const Timing& timing) {
+    return "line period " + numberText(timing.settings.period) + " µs, exposure " +
+           numberText(timing.settings.exposure) + " µs, delay of ExSync2 " +
+           numberText(timing.settings.delay) + " µs";
+}
+
+void writePicture(Report& report, const std::optional<std::string>& file, const char* member,
+                  const std::string& content) {
+    if (!file) return;
+    writeFile(*file, content);
+    report.document[member] = toUtf8(file->c_str());
+    report.text += inQuotes(toUtf8(file->c_str())) + " written\n";
+}
+
+} // namespace
+
+Report showTiming(Context& context, const Words& assignments) {
+    const Options& options = context.options();
+    for (const auto& file : {options.svgFile, options.vcdFile})
+        if (file && file->empty()) throw UsageError("the name of the file is empty");
+    Report report = applyAssignments(context.instance(), context.parameters(), assignments);
+    if (report.exitCode != exitDone) return report;
+    const Timing timing = timingOf(context.instance(), context.parameters());
+    addDocument(report, timing);
+    if (!report.text.empty()) report.text += '\n';
+    report.text +=
+        wavesText(timing.shown, timing.end, timing.settings.period, canDrawUnicode(STDOUT_FILENO)) + '\n' +
+        tableText(timing);
+    for (const std::string& assumption : timing.assumed)
+        report.text += "(assumed: " + assumption + ")\n";
+    const std::vector<Wave> waves = allWaves(timing);
+    writePicture(report, options.svgFile, "svg",
+                 wavesAsSvg(waves, timing.end, timing.settings.period, subtitle(timing)));
+    writePicture(report, options.vcdFile, "vcd", wavesAsVcd(waves, timing.end));
+    return report;
+}
+
+} // namespace appletctl

@@ -1,0 +1,178 @@
+#include "appletctl/draw/curve.h"
+
+#include "appletctl/base/numbers.h"
+#include "appletctl/draw/svg.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace appletctl {
+namespace {
+
+using svg::attribute, svg::coordinate, svg::label, svg::line;
+
+/** Smallest and largest entry of a part of the table, and which of them stands first. */
+struct Part {
+    std::uint32_t minimum, maximum;
+    bool isRising;
+};
+
+/** Part `number` of the table cut into `count` parts; a table shorter than that repeats its entries. */
+Part partOf(const Elements& entries, std::size_t number, std::size_t count) {
+    const std::size_t first = number * entries.size() / count;
+    const std::size_t end = std::max(first + 1, (number + 1) * entries.size() / count);
+    const auto begin = entries.begin() + static_cast<std::ptrdiff_t>(first);
+    const auto [minimum, maximum] =
+        std::minmax_element(begin, entries.begin() + static_cast<std::ptrdiff_t>(end));
+    return {*minimum, *maximum, minimum <= maximum};
+}
+
+/** Black and white dots, the first row on top. */
+class Raster {
+public:
+    Raster(std::size_t width, std::size_t height) : m_width(width), m_dots(width * height) {}
+
+    bool at(std::size_t x, std::size_t y) const { return m_dots[y * m_width + x]; }
+    void set(std::size_t x, std::size_t y) { m_dots[y * m_width + x] = true; }
+
+private:
+    std::size_t m_width;
+    std::vector<bool> m_dots;
+};
+
+Raster drawn(const Elements& entries, std::uint32_t largest, std::size_t width, std::size_t height) {
+    Raster raster(width, height);
+    const auto rowOf = [&](std::uint32_t entry) {
+        const double share = std::min(1.0, static_cast<double>(entry) / largest);
+        return height - 1 - static_cast<std::size_t>(std::lround(share * static_cast<double>(height - 1)));
+    };
+    for (std::size_t x = 0; x < width; ++x) {
+        const Part part = partOf(entries, x, width);
+        for (std::size_t y = rowOf(part.maximum); y <= rowOf(part.minimum); ++y)
+            raster.set(x, y);
+    }
+    return raster;
+}
+
+/** How many dots one character of the terminal holds. */
+struct CellSize {
+    std::size_t width, height;
+};
+
+constexpr std::size_t columns = 64;
+constexpr std::size_t rows = 16;
+constexpr CellSize brailleCell = {2, 4};
+constexpr CellSize asciiCell = {1, 1};
+
+/** The character of two by four dots: U+2800 plus one bit for each dot, which are numbered down the columns,
+ *  with the fourth row added later. */
+std::string brailleCharacter(const Raster& raster, std::size_t column, std::size_t row) {
+    constexpr unsigned bits[4][2] = {{0x01, 0x08}, {0x02, 0x10}, {0x04, 0x20}, {0x40, 0x80}};
+    unsigned pattern = 0;
+    for (std::size_t y = 0; y < brailleCell.height; ++y)
+        for (std::size_t x = 0; x < brailleCell.width; ++x)
+            if (raster.at(column * brailleCell.width + x, row * brailleCell.height + y))
+                pattern |= bits[y][x];
+    if (pattern == 0) return " ";
+    return {'\xE2', static_cast<char>(0xA0 | (pattern >> 6)), static_cast<char>(0x80 | (pattern & 0x3F))};
+}
+
+std::string padded(const std::string& text, std::size_t width) {
+    return std::string(width - std::min(width, text.size()), ' ') + text;
+}
+
+constexpr double plotLeft = 80, plotTop = 70, plotWidth = 640, plotHeight = 360;
+constexpr std::size_t ticks = 4; // parts of an axis
+constexpr std::size_t curveParts = 640;
+
+/** Wide to narrow, so that curves on top of each other are all seen. */
+struct Stroke {
+    const char* colour;
+    double width;
+};
+constexpr Stroke strokes[] = {{"#d62728", 5}, {"#2ca02c", 3}, {"#1f77b4", 1.2}};
+
+/** Grid lines and numbers of both axes, and what they count. */
+std::string axes(std::size_t lastEntry, std::uint32_t largest) {
+    constexpr const char* gridColour = "#dddddd";
+    const double bottom = plotTop + plotHeight;
+    std::string drawn;
+    for (std::size_t tick = 0; tick <= ticks; ++tick) {
+        const double share = static_cast<double>(tick) / ticks;
+        const auto numberAt = [&](double end) { return numberText(std::lround(share * end)); };
+        const double x = plotLeft + share * plotWidth;
+        const double y = bottom - share * plotHeight;
+        drawn += line(x, plotTop, x, bottom, gridColour, 1) +
+                 line(plotLeft, y, plotLeft + plotWidth, y, gridColour, 1) +
+                 label(x, bottom + 20, "middle", numberAt(static_cast<double>(lastEntry))) +
+                 label(plotLeft - 8, y + 4, "end", numberAt(largest));
+    }
+    const std::string middle = coordinate(plotTop + plotHeight / 2);
+    return drawn + line(plotLeft, bottom, plotLeft + plotWidth, bottom, "#333333", 1) +
+           line(plotLeft, plotTop, plotLeft, bottom, "#333333", 1) +
+           label(plotLeft + plotWidth / 2, bottom + 45, "middle", "entry (value of the input)") +
+           label(20, plotTop + plotHeight / 2, "middle", "value of the output",
+                 attribute("transform", "rotate(-90 20 " + middle + ")"));
+}
+
+std::string polyline(const LutTable& table, std::uint32_t largest, const Stroke& stroke) {
+    std::string points;
+    std::string last;
+    for (std::size_t number = 0; number < curveParts; ++number) {
+        const Part part = partOf(table.entries, number, curveParts);
+        const double x = plotLeft + plotWidth * static_cast<double>(number) / (curveParts - 1);
+        const auto [first, second] =
+            part.isRising ? std::pair(part.minimum, part.maximum) : std::pair(part.maximum, part.minimum);
+        for (const std::uint32_t entry : {first, second}) {
+            const double share = std::min(1.0, static_cast<double>(entry) / largest);
+            const std::string point = coordinate(x) + "," + coordinate(plotTop + plotHeight * (1 - share));
+            if (point != last) points += (points.empty() ? "" : " ") + point;
+            last = point;
+        }
+    }
+    return "<polyline" + attribute("fill", "none") + attribute("stroke", stroke.colour) +
+           attribute("stroke-width", coordinate(stroke.width)) + attribute("stroke-linejoin", "round") +
+           attribute("points", points) + "><title>" + table.colour + "</title></polyline>\n";
+}
+
+std::string legendEntry(std::size_t number, const LutTable& table, const Stroke& stroke) {
+    const double x = plotLeft + 15;
+    const double y = plotTop + 20 + 20 * static_cast<double>(number);
+    return line(x, y, x + 30, y, stroke.colour, stroke.width) + label(x + 38, y + 4, "start", table.colour);
+}
+
+} // namespace
+
+std::string curveText(const Elements& entries, std::uint32_t largest, bool braille) {
+    const CellSize cell = braille ? brailleCell : asciiCell;
+    const Raster raster = drawn(entries, largest, columns * cell.width, rows * cell.height);
+    const std::string top = numberText(largest);
+    const std::string lastEntry = numberText(entries.size() - 1);
+    std::string text;
+    for (std::size_t row = 0; row < rows; ++row) {
+        const std::string mark = row == 0 ? top : row + 1 == rows ? "0" : "";
+        std::string shown;
+        for (std::size_t column = 0; column < columns; ++column)
+            shown += braille ? brailleCharacter(raster, column, row) : raster.at(column, row) ? "*" : " ";
+        shown.erase(shown.find_last_not_of(' ') + 1);
+        text += "  " + padded(mark, top.size()) + (braille ? " │" : " |") + shown + '\n';
+    }
+    const std::string indent(top.size() + 3, ' ');
+    std::string axis;
+    for (std::size_t column = 0; column < columns; ++column)
+        axis += braille ? "─" : "-";
+    return text + indent + (braille ? "└" : "+") + axis + '\n' + indent + " 0" +
+           padded(lastEntry, columns - 1) + '\n';
+}
+
+std::string curvesAsSvg(const LutTables& tables, const std::string& subtitle) {
+    std::string content = axes(tables.colours.front().entries.size() - 1, tables.largest);
+    for (std::size_t i = 0; i < tables.colours.size(); ++i)
+        content += polyline(tables.colours[i], tables.largest, strokes[i]);
+    for (std::size_t i = 0; i < tables.colours.size(); ++i)
+        content += legendEntry(i, tables.colours[i], strokes[i]);
+    return svg::document(plotLeft + plotWidth + 40, plotTop + plotHeight + 70, plotLeft, "Lookup table",
+                         subtitle, content);
+}
+
+} // namespace appletctl

@@ -1,0 +1,21 @@
+/** Drawings of a table's curve: on a terminal and as SVG. */
+#ifndef APPLETCTL_DRAW_CURVE_H
+#define APPLETCTL_DRAW_CURVE_H
+
+#include "appletctl/applet/LutTables.h"
+
+#include <string>
+#include <vector>
+
+namespace appletctl {
+
+/** A small curve of the entries, from 0 to `largest`, in braille dots or in plain ASCII. */
+std::string curveText(const Elements& entries, std::uint32_t largest, bool braille);
+
+/** A self-contained SVG document with axes, the curves of all colours and a legend; `subtitle` says below the
+ *  title where the tables come from. */
+std::string curvesAsSvg(const LutTables& tables, const std::string& subtitle);
+
+} // namespace appletctl
+
+#endif

@@ -1,0 +1,15 @@
+/** The course of a value in one line of text. */
+#ifndef APPLETCTL_DRAW_SPARKLINE_H
+#define APPLETCTL_DRAW_SPARKLINE_H
+
+#include <deque>
+#include <string>
+
+namespace appletctl {
+
+/** One character for each number, from the lowest to the highest of them; as blocks, or in ASCII. */
+std::string sparkline(const std::deque<double>& numbers, bool unicode);
+
+} // namespace appletctl
+
+#endif

@@ -1,0 +1,57 @@
+#include "appletctl/draw/svg.h"
+
+#include "appletctl/base/numbers.h"
+#include "appletctl/base/text.h"
+
+#include <cmath>
+
+namespace appletctl::svg {
+
+std::string escaped(std::string_view text) {
+    std::string escaped;
+    for (const char c : printable(text)) {
+        if (c == '&')
+            escaped += "&amp;";
+        else if (c == '<')
+            escaped += "&lt;";
+        else if (c == '>')
+            escaped += "&gt;";
+        else if (c == '"')
+            escaped += "&quot;";
+        else
+            escaped += c;
+    }
+    return escaped;
+}
+
+std::string coordinate(double value) { return numberText(std::round(value * 10) / 10); }
+
+std::string attribute(const char* name, const std::string& value) {
+    return std::string(" ") + name + "=\"" + value + "\"";
+}
+
+std::string line(double x1, double y1, double x2, double y2, const std::string& stroke, double width) {
+    return "<line" + attribute("x1", coordinate(x1)) + attribute("y1", coordinate(y1)) +
+           attribute("x2", coordinate(x2)) + attribute("y2", coordinate(y2)) + attribute("stroke", stroke) +
+           attribute("stroke-width", coordinate(width)) + "/>\n";
+}
+
+std::string label(double x, double y, const char* anchor, const std::string& text, const std::string& more) {
+    return "<text" + attribute("x", coordinate(x)) + attribute("y", coordinate(y)) +
+           attribute("text-anchor", anchor) + more + ">" + escaped(text) + "</text>\n";
+}
+
+std::string document(double width, double height, double left, const std::string& title,
+                     const std::string& subtitle, const std::string& content) {
+    const std::string w = coordinate(width);
+    const std::string h = coordinate(height);
+    return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg" +
+           attribute("xmlns", "http://www.w3.org/2000/svg") + attribute("width", w) + attribute("height", h) +
+           attribute("viewBox", "0 0 " + w + " " + h) + attribute("font-family", "sans-serif") +
+           attribute("font-size", "12") + ">\n<title>" + escaped(title) + "</title>\n<rect" +
+           attribute("width", "100%") + attribute("height", "100%") + attribute("fill", "#ffffff") + "/>\n" +
+           label(left, 28, "start", title, attribute("font-size", "18")) +
+           label(left, 50, "start", subtitle, attribute("fill", "#555555")) + content + "</svg>\n";
+}
+
+} // namespace appletctl::svg

@@ -1,0 +1,31 @@
+/** Pieces of SVG pictures. */
+#ifndef APPLETCTL_DRAW_SVG_H
+#define APPLETCTL_DRAW_SVG_H
+
+#include <string>
+#include <string_view>
+
+namespace appletctl::svg {
+
+/** Text between tags or in an attribute, control characters as \xNN. */
+std::string escaped(std::string_view text);
+
+/** A coordinate with one decimal. */
+std::string coordinate(double value);
+
+/** " NAME="VALUE"" */
+std::string attribute(const char* name, const std::string& value);
+
+std::string line(double x1, double y1, double x2, double y2, const std::string& stroke, double width);
+
+/** A text at a place; `anchor` is start, middle or end. */
+std::string label(double x, double y, const char* anchor, const std::string& text,
+                  const std::string& more = "");
+
+/** A document that stands alone, on white, with a title above and a subtitle below it. */
+std::string document(double width, double height, double left, const std::string& title,
+                     const std::string& subtitle, const std::string& content);
+
+} // namespace appletctl::svg
+
+#endif

@@ -1,0 +1,175 @@
+#include "appletctl/draw/waves.h"
+
+#include "appletctl/base/numbers.h"
+#include "appletctl/base/text.h"
+#include "appletctl/draw/svg.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <map>
+
+namespace appletctl {
+namespace {
+
+constexpr std::size_t columns = 60;
+
+std::size_t columnOf(double time, double end) {
+    return static_cast<std::size_t>(std::lround(time / end * static_cast<double>(columns)));
+}
+
+/** Level of each column; each pulse has one at least. */
+std::vector<bool> levelsOf(const Wave& wave, double end) {
+    std::vector<bool> levels(columns, wave.isActiveLow);
+    for (const Pulse& pulse : *wave.active) {
+        const std::size_t first = std::min(columnOf(pulse.start, end), columns - 1);
+        const std::size_t last = std::max(columnOf(pulse.end, end), first + 1);
+        for (std::size_t column = first; column < last; ++column)
+            levels[column] = !wave.isActiveLow;
+    }
+    return levels;
+}
+
+/** What is drawn in the upper and the lower line of a wave. */
+struct Strokes {
+    const char *high[2], *low[2], *rise[2], *fall[2];
+};
+
+constexpr Strokes boxStrokes = {{"─", " "}, {" ", "─"}, {"┌", "┘"}, {"┐", "└"}};
+constexpr Strokes asciiStrokes = {{"_", " "}, {" ", "_"}, {" ", "|"}, {" ", "|"}};
+
+std::string lineOf(const std::vector<bool>& levels, const Strokes& strokes, std::size_t line) {
+    std::string text;
+    for (std::size_t column = 0; column < levels.size(); ++column) {
+        const bool level = levels[column];
+        const bool isEdge = column > 0 && levels[column - 1] != level;
+        text +=
+            isEdge ? (level ? strokes.rise : strokes.fall)[line] : (level ? strokes.high : strokes.low)[line];
+    }
+    text.erase(text.find_last_not_of(' ') + 1);
+    return text;
+}
+
+std::string indented(const std::string& text, std::size_t width) {
+    return "  " + text + std::string(width - std::min(width, displayWidth(text)) + 2, ' ');
+}
+
+/** The times at which the periods begin, each below its place. */
+std::string scaleText(double end, double period) {
+    std::string scale;
+    for (double time = 0; time <= end + period / 2; time += period) {
+        const std::size_t column = columnOf(time, end);
+        scale.resize(std::max(column, scale.size()), ' ');
+        scale += numberText(std::round(time * 1000) / 1000);
+    }
+    return scale + " µs";
+}
+
+std::int64_t nanoseconds(double time) { return std::llround(time * 1000); }
+
+} // namespace
+
+std::vector<Pulse> merged(std::vector<Pulse> pulses, double end) {
+    std::vector<Pulse> result;
+    for (const Pulse& pulse : pulses) {
+        const Pulse shown{std::max(0.0, pulse.start), std::min(end, pulse.end)};
+        if (shown.start >= shown.end) continue;
+        if (!result.empty() && shown.start <= result.back().end)
+            result.back().end = std::max(result.back().end, shown.end);
+        else
+            result.push_back(shown);
+    }
+    return result;
+}
+
+std::string wavesText(const std::vector<Wave>& waves, double end, double period, bool unicode) {
+    const Strokes& strokes = unicode ? boxStrokes : asciiStrokes;
+    std::size_t width = 0;
+    for (const Wave& wave : waves)
+        width = std::max(width, displayWidth(wave.name));
+    std::string text;
+    for (const Wave& wave : waves) {
+        if (!wave.active) {
+            text += "\n" + indented(wave.name, width) + "not known\n";
+            continue;
+        }
+        const std::vector<bool> levels = levelsOf(wave, end);
+        std::string upper = indented("", width) + lineOf(levels, strokes, 0);
+        upper.erase(upper.find_last_not_of(' ') + 1);
+        text += upper + '\n' + indented(wave.name, width) + lineOf(levels, strokes, 1) + '\n';
+    }
+    return text + '\n' + indented("", width) + scaleText(end, period) + '\n';
+}
+
+std::string wavesAsSvg(const std::vector<Wave>& waves, double end, double period,
+                       const std::string& subtitle) {
+    constexpr double left = 230, top = 80, width = 640, rowHeight = 36, swing = 20;
+    const double bottom = top + rowHeight * static_cast<double>(waves.size());
+    const auto xOf = [&](double time) { return left + width * time / end; };
+    std::string content;
+    for (double time = 0; time <= end + period / 2; time += period) {
+        content += svg::line(xOf(time), top - 10, xOf(time), bottom, "#dddddd", 1);
+        content +=
+            svg::label(xOf(time), bottom + 18, "middle", numberText(std::round(time * 1000) / 1000) + " µs");
+    }
+    for (std::size_t row = 0; row < waves.size(); ++row) {
+        const Wave& wave = waves[row];
+        const double low = top + rowHeight * static_cast<double>(row) + swing;
+        const auto yOf = [&](bool level) { return level ? low - swing : low; };
+        content += svg::label(left - 12, low, "end", wave.name);
+        if (!wave.active) {
+            content += svg::label(left + 8, low, "start", "not known", svg::attribute("fill", "#999999"));
+            continue;
+        }
+        std::string points;
+        const auto add = [&](double time, bool level) {
+            points +=
+                (points.empty() ? "" : " ") + svg::coordinate(xOf(time)) + "," + svg::coordinate(yOf(level));
+        };
+        add(0, wave.isActiveLow);
+        for (const Pulse& pulse : *wave.active) {
+            add(pulse.start, wave.isActiveLow);
+            add(pulse.start, !wave.isActiveLow);
+            add(pulse.end, !wave.isActiveLow);
+            add(pulse.end, wave.isActiveLow);
+        }
+        add(end, wave.isActiveLow);
+        content += "<polyline" + svg::attribute("fill", "none") + svg::attribute("stroke", "#1f77b4") +
+                   svg::attribute("stroke-width", "1.5") + svg::attribute("points", points) + "/>\n";
+    }
+    return svg::document(left + width + 40, bottom + 40, 20, "Timing", subtitle, content);
+}
+
+std::string wavesAsVcd(const std::vector<Wave>& waves, double end) {
+    std::string text =
+        "$version " APPLETCTL_VERSION " $end\n$timescale 1 ns $end\n$scope module applet $end\n";
+    std::map<std::int64_t, std::string> changes;
+    constexpr char firstCode = '!';
+    for (std::size_t i = 0; i < waves.size(); ++i) {
+        const Wave& wave = waves[i];
+        const std::string code(1, static_cast<char>(firstCode + static_cast<char>(i)));
+        std::string name = wave.name;
+        std::ranges::replace(name, ' ', '_');
+        text += "$var wire 1 " + code + " " + name + " $end\n";
+        const auto level = [&](bool isActive) {
+            return (isActive != wave.isActiveLow ? "1" : "0") + code + "\n";
+        };
+        if (!wave.active) {
+            changes[0] += "x" + code + "\n";
+            continue;
+        }
+        const bool isActiveAtStart = !wave.active->empty() && nanoseconds(wave.active->front().start) == 0;
+        changes[0] += level(isActiveAtStart);
+        for (const Pulse& pulse : *wave.active) {
+            if (nanoseconds(pulse.start) > 0) changes[nanoseconds(pulse.start)] += level(true);
+            if (pulse.end < end) changes[nanoseconds(pulse.end)] += level(false);
+        }
+    }
+    text += "$upscope $end\n$enddefinitions $end\n#0\n$dumpvars\n" + changes[0] + "$end\n";
+    changes.erase(0);
+    for (const auto& [time, lines] : changes)
+        text += "#" + numberText(time) + "\n" + lines;
+    return text + "#" + numberText(nanoseconds(end)) + "\n";
+}
+
+} // namespace appletctl

@@ -1,0 +1,105 @@
+#include "appletctl/scratch/BoardState.h"
+
+#include "vexo/fg_errors.h"
+
+namespace appletctl {
+
+namespace {
+
+/** Sets the parameter if it holds something else; true if it took the value. */
+bool bring(Instance& instance, const Parameter& parameter, const json& wanted) {
+    const Target target = wholeOf(parameter);
+    return !holds(instance, parameter, wanted) &&
+           writeValue(instance, target, fromMessage(target, wanted)) == FG_OK;
+}
+
+} // namespace
+
+json asBytes(const std::string& text) { return json::binary({text.begin(), text.end()}); }
+
+std::string bytesOf(const json& message) {
+    const auto& bytes = message.get_binary();
+    return {bytes.begin(), bytes.end()};
+}
+
+json asMessage(const Value& value) {
+    return std::visit(
+        [](const auto& native) -> json {
+            using T = std::decay_t<decltype(native)>;
+            if constexpr (std::is_same_v<T, std::string>)
+                return asBytes(native);
+            else if constexpr (std::is_same_v<T, WholeArray>)
+                return nullptr;
+            else
+                return native;
+        },
+        value);
+}
+
+Value fromMessage(const Target& target, const json& message) {
+    Value value = emptyValue(target);
+    std::visit(
+        [&](auto& native) {
+            using T = std::decay_t<decltype(native)>;
+            if constexpr (std::is_same_v<T, std::string>) {
+                native = bytesOf(message);
+            } else if constexpr (!std::is_same_v<T, WholeArray>) {
+                native = message.get<T>();
+            }
+        },
+        value);
+    return value;
+}
+
+Target wholeOf(const Parameter& parameter) {
+    const std::uint32_t count = elementCount(parameter);
+    if (count == 0) return {&parameter};
+    return {&parameter, ElementRange{0, count - 1}};
+}
+
+bool holds(Instance& instance, const Parameter& parameter, const json& wanted) {
+    const Target target = wholeOf(parameter);
+    const ReadResult reading = readValue(instance, target);
+    return reading.error == FG_OK && reading.value == fromMessage(target, wanted);
+}
+
+Wanted wantedFrom(const ParameterList& parameters, const json& values) {
+    Wanted wanted;
+    for (const Parameter& parameter : parameters.all())
+        if (const auto found = values.find(parameter.name);
+            found != values.end() && !found->is_null() && parameter.effectOfWriting().empty())
+            wanted.emplace_back(&parameter, &*found);
+    return wanted;
+}
+
+void bringAbout(Instance& instance, const Wanted& wanted) {
+    // One value can stand in the way of another, so as long as one more is taken there is another round.
+    constexpr int mostRounds = 8;
+    bool moved = true;
+    for (int round = 0; moved && round < mostRounds; ++round) {
+        moved = false;
+        for (const auto& [parameter, value] : wanted)
+            moved |= bring(instance, *parameter, *value);
+    }
+}
+
+json valuesOf(Instance& instance, const ParameterList& parameters) {
+    json values = json::object();
+    for (const Parameter& parameter : parameters.all()) {
+        if (!parameter.effectOfReading().empty()) continue;
+        const ReadResult reading = readValue(instance, wholeOf(parameter));
+        if (reading.error == FG_OK) values[parameter.name] = asMessage(reading.value);
+    }
+    return values;
+}
+
+json designOf(Instance& instance) {
+    const ParameterList design(instance, ParameterList::Scope::design);
+    return design.all().empty() ? json() : valuesOf(instance, design);
+}
+
+json boardStateOf(Instance& instance, const ParameterList& parameters) {
+    return {{"design", designOf(instance)}, {"values", valuesOf(instance, parameters)}};
+}
+
+} // namespace appletctl

@@ -1,0 +1,45 @@
+/** What the design of a scratch board holds, and what of it is written anew. */
+#ifndef APPLETCTL_SCRATCH_DESIGNSNAPSHOT_H
+#define APPLETCTL_SCRATCH_DESIGNSNAPSHOT_H
+
+#include "appletctl/scratch/ScratchSession.h"
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace appletctl {
+
+/** A value of the design that became another one. */
+struct DesignChange {
+    std::string parameter; /**< without prefix: "Device1_..." */
+    std::string before, after;
+
+    bool operator==(const DesignChange&) const = default;
+};
+
+/** Numbers of the design by their names, as text; of an array its elements. */
+class DesignSnapshot {
+public:
+    explicit DesignSnapshot(ScratchSession& session);
+
+    const std::map<std::string, std::string>& numbers() const { return m_numbers; }
+    /** What is otherwise in `later`, by name. */
+    std::vector<DesignChange> changesTo(const DesignSnapshot& later) const;
+
+private:
+    std::map<std::string, std::string> m_numbers;
+    std::map<std::string, std::vector<std::uint32_t>> m_arrays;
+};
+
+/** A number of the design, the way the picture tells it. */
+std::string designNumberText(const Value& number);
+
+/** "Device1_Process0_Buffer_0_XLength: 1024 -> 2048". */
+std::string inWords(const DesignChange& change);
+
+nlohmann::ordered_json asJson(const std::vector<DesignChange>& changes);
+
+} // namespace appletctl
+
+#endif

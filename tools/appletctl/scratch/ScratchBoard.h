@@ -1,0 +1,40 @@
+/** A virtual board in a child process, on which anything may be tried. */
+#ifndef APPLETCTL_SCRATCH_SCRATCHBOARD_H
+#define APPLETCTL_SCRATCH_SCRATCHBOARD_H
+
+#include "appletctl/base/Options.h"
+
+#include <nlohmann/json.hpp>
+
+#include <string>
+
+#include <sys/types.h>
+
+namespace appletctl {
+
+/** A process of its own, since the virtual board's libraries bear the names of the real ones: one process holds
+ *  only the one or the other. To be made before any library is loaded. The child loads them with the first seed,
+ *  and ends with the object. */
+class ScratchBoard {
+public:
+    explicit ScratchBoard(const Options& options);
+    ~ScratchBoard();
+    ScratchBoard(const ScratchBoard&) = delete;
+    ScratchBoard& operator=(const ScratchBoard&) = delete;
+
+    /** The state that each job starts from (see boardStateOf). Gives what of it is assumed (see ScratchSession). */
+    nlohmann::json seed(const nlohmann::json& seed);
+    /** Lets a job of the table in ScratchBoard.cpp find something out; gives its result. What it throws is thrown
+     *  here: UsageError, Unavailable, or Failure for everything else. */
+    nlohmann::json ask(const std::string& job, const nlohmann::json& arguments);
+
+private:
+    nlohmann::json request(const nlohmann::json& message);
+
+    pid_t m_child = -1;
+    int m_socket = -1;
+};
+
+} // namespace appletctl
+
+#endif
