@@ -1,11 +1,11 @@
-"""Runs the tasks of the cookbook as they stand on the page.
+"""Runs the commands of a page and compares what they print with the page.
 
-    cookbook_test.py PAGE FOLDER_OF_APPLETCTL
+    pages_test.py FOLDER_OF_APPLETCTL PAGE...
 
-Each section has a folder of its own. In it, in order: a block marked "KIND file=NAME" becomes that file; in a
-block marked "sh" each line "$ COMMAND" is run by bash (a backslash continues it), and what stands below it has
-to be what it prints, "..." being any number of lines. A command ends with 0, or with what a comment behind it
-says: "# exit 1".
+Each section of a page has a folder of its own. In it, in order: a block marked "KIND file=NAME" becomes that file; in a
+block marked "sh", or in an indented block that starts with "$ ", bash runs each line "$ COMMAND" (a backslash continues
+it). The lines below a command are what it must print; a line "..." is any number of lines, "..." within a line is any text. A
+command ends with 0, or with what a comment behind it says: "# exit 1". A command with the comment "# not run" is left out.
 """
 
 import os
@@ -22,8 +22,13 @@ def sections(page):
 
 
 def blocks(text):
-    """Pairs of mark and content of the fenced blocks."""
-    return re.findall(r"^```(.+)\n((?:.*\n)*?)```$", text, flags=re.MULTILINE)
+    """Pairs of mark and content of the fenced blocks and of the indented ones with commands."""
+    fenced_or_indented = r"^```(.+)\n((?:.*\n)*?)```$|((?:^    .*\n(?:^\n(?=    ))*)+)"
+    for mark, content, indented in re.findall(fenced_or_indented, text, flags=re.MULTILINE):
+        if mark:
+            yield mark, content
+        elif indented.startswith("    $ "):
+            yield "sh", re.sub(r"^    ", "", indented, flags=re.MULTILINE)
 
 
 def commands(content):
@@ -47,7 +52,8 @@ def matches(expected, printed):
         return not printed
     if expected[0].strip() == "...":
         return any(matches(expected[1:], printed[i:]) for i in range(len(printed) + 1))
-    if not printed or expected[0].rstrip() != printed[0].rstrip():
+    pattern = ".*".join(re.escape(part) for part in expected[0].rstrip().split("..."))
+    if not printed or not re.fullmatch(pattern, printed[0].rstrip()):
         return False
     return matches(expected[1:], printed[1:])
 
@@ -64,14 +70,10 @@ def run(command, expected, folder, environment):
         f"\n-- printed, with exit code {ended.returncode}:\n{ended.stdout}"
 
 
-def main(page_file, program_folder):
+def check_page(page_file, environment):
+    """Number of the commands on the page, and of those that print something else."""
     with open(page_file, encoding="utf-8") as file:
         page = file.read()
-    path = os.path.abspath(program_folder) + os.pathsep + os.environ["PATH"]
-    environment = {"PATH": path, "LC_ALL": "C.UTF-8"}
-    for name in ("APPLET_UNDER_TEST", "ASAN_OPTIONS", "TSAN_OPTIONS", "UBSAN_OPTIONS", "LD_LIBRARY_PATH"):
-        if name in os.environ:
-            environment[name] = os.environ[name]
     count = failures = 0
     for title, text in sections(page):
         with tempfile.TemporaryDirectory() as folder:
@@ -81,13 +83,25 @@ def main(page_file, program_folder):
                     with open(os.path.join(folder, target.group(1)), "w", encoding="utf-8") as file:
                         file.write(content)
                 for command, expected in commands(content) if mark == "sh" else []:
+                    if command.endswith("# not run"):
+                        continue
                     count += 1
                     wrong = run(command, expected, folder, environment)
                     if wrong:
                         failures += 1
                         print(f"{title}:\n{wrong}\n")
-    print(f"{count} commands, {failures} not as on the page")
-    return 1 if failures or count == 0 else 0
+    print(f"{os.path.basename(page_file)}: {count} commands, {failures} not as on the page")
+    return count, failures
+
+
+def main(program_folder, *page_files):
+    path = os.path.abspath(program_folder) + os.pathsep + os.environ["PATH"]
+    environment = {"PATH": path, "LC_ALL": "C.UTF-8"}
+    for name in ("APPLET_UNDER_TEST", "ASAN_OPTIONS", "TSAN_OPTIONS", "UBSAN_OPTIONS", "LD_LIBRARY_PATH"):
+        if name in os.environ:
+            environment[name] = os.environ[name]
+    results = [check_page(page, environment) for page in page_files]
+    return 0 if all(count > 0 and failures == 0 for count, failures in results) else 1
 
 
 if __name__ == "__main__":
