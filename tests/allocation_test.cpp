@@ -1,7 +1,8 @@
-// A routed access of a number allocates nothing.
+// A routed access of a number allocates nothing, a load nothing for each line.
 
 #include "support/applet_fixture.h"
 #include "support/counted_malloc.h"
+#include "support/temporary_folder.h"
 
 namespace {
 
@@ -45,6 +46,21 @@ TEST_F(Allocation, NoneInARoutedAccessOfANumber) {
                   m_grabber.get(FG_PARAM_DESCR, place, 0, FG_PARAM_ALLOCATED_STRING);
               }),
               1);
+}
+
+TEST_F(Allocation, OfALoadDoNotGrowWithTheFile) {
+    const TemporaryFolder folder;
+    const std::string path = folder / "state.mcf";
+    const auto countOfALoad = [&](int lines, const std::string& line) {
+        std::string text =
+            "[Kamerasektion]\nHersteller=1;\nTyp='Grab_TwinLaneLineColor';\nAktivePort=0;\n[Port A]\n";
+        for (int i = 0; i < lines; ++i)
+            text += line;
+        writeFile(path, text);
+        return countOf([&] { applet.Fg_loadConfig(m_grabber.fg(), path.c_str()); });
+    };
+    for (const char* line : {"FG_WIDTH=512;\n", "a key of nobody, and a long one=1;\n"})
+        EXPECT_EQ(countOfALoad(10000, line), countOfALoad(10, line)) << line;
 }
 
 } // namespace

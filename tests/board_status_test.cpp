@@ -73,9 +73,13 @@ TEST_F(BoardStatusTest, TellsTheAppletAndItsDma) {
     for (const auto& [id, name] :
          {std::pair{FG_APPLET_ID, "AppletUid"}, {FG_APPLET_BUILD_TIME, "BuildTime"}}) {
         const std::string full = process + "AppletProperties_" + name;
-        for (const char* told : {name, ""}) {
-            ASSERT_EQ(board.poke_text(grabber.device, full.c_str(), told), VBOARD_OK);
-            EXPECT_EQ(text(id), told);
+        for (const std::size_t length : {20u, 0u, 8192u, 8300u, 655360u, 655361u, 9u << 20}) {
+            const std::string told(length, 'a');
+            std::string place(length + 1, '?');
+            ASSERT_EQ(board.poke_text(grabber.device, full.c_str(), told.c_str()), VBOARD_OK);
+            EXPECT_EQ(grabber.get(id, place.data(), 0, FG_PARAM_TEXT), FG_OK);
+            EXPECT_TRUE(place == told + '\0') << length;
+            EXPECT_TRUE(ParameterTest::text(id) == told.substr(0, 655360)) << length;
         }
     }
     EXPECT_EQ(ask(FG_DMASTATUS), 0);

@@ -297,6 +297,21 @@ TEST_F(ConfigurationTest, GettersAreAsked) {
     EXPECT_EQ(save(grabber).text(), expected.text());
 }
 
+TEST_F(ConfigurationTest, WhateverIsThrownCostsItsLineAlone) {
+    Grabber grabber;
+    start(grabber);
+    Lines saved;
+    for (vboard_access_function* thrower :
+         {+[](void*) { throw -5; }, +[](void*) { throw std::bad_alloc(); }, +[](void*) { throw "text"; }}) {
+        board.on_access(grabber.device, thrower, nullptr); // as long as the design is asked
+        saved.push_back(save(grabber).text());
+        board.on_access(grabber.device, nullptr, nullptr);
+    }
+    EXPECT_EQ(saved, Lines(3, saved[0]));
+    EXPECT_THAT(saved[0], AllOf(HasSubstr("FG_WIDTH="), HasSubstr("FG_CUSTOM_SIGNAL_EVENT_1_POLARITY="),
+                                Not(HasSubstr("FG_DEBUGFILE=")), Not(HasSubstr("FG_DIGIO_INPUT="))));
+}
+
 TEST_F(ConfigurationTest, FileOfSomethingElseChangesNothing) {
     Grabber grabber;
     start(grabber);

@@ -79,11 +79,20 @@ TEST_F(DebugInterface, InjectionAndWatching) {
     for (const Point& point : points) {
         SCOPED_TRACE(point.name);
         setAll({{FG_DEBUGSOURCE, point.source}});
-        for (const std::string& file : Lines{"/some/image.tif", "", std::string(3000, 'x')}) {
+        for (const std::string& file : Lines{"/some/image.tif", "", std::string(7000, 'x')}) {
             clearLog();
             EXPECT_EQ(setText(FG_DEBUGFILE, file), 0);
             EXPECT_EQ(log(), Lines{written(point.path + "_DebugFile", file)});
             EXPECT_EQ(text(FG_DEBUGFILE), file);
+        }
+        // Any length is taken, and only an allocated text is cut.
+        for (const std::size_t length : {8192u, 700000u, 17u << 20}) {
+            const std::string file(length, 'y');
+            std::string place(length + 1, '?');
+            ASSERT_EQ(setText(FG_DEBUGFILE, file), 0) << length;
+            EXPECT_EQ(grabber.get(FG_DEBUGFILE, place.data(), 0, FG_PARAM_TEXT), 0);
+            EXPECT_TRUE(place == file + '\0') << length;
+            EXPECT_TRUE(text(FG_DEBUGFILE) == file.substr(0, 655360)) << length;
         }
         tell(point.path + "_DebugFile", "of the design");
         EXPECT_EQ(text(FG_DEBUGFILE), "of the design");
@@ -180,8 +189,17 @@ TEST_F(DebugInterface, AFailedDiscoveryEndsTheWholeStep) {
     }
 }
 
+TEST_F(DebugInterface, APathThatCannotBeReadIsEmpty) {
+    restart([&] { grabber.fail(full("Debug_Path1"), -4711); });
+    setAll({{FG_FORMAT, 2}, {FG_DEBUGSOURCE, 1}});
+    EXPECT_EQ(text(FG_DEBUGSOURCENAME), points[1].name);
+    expectAccess({FG_DEBUGOUTENABLE}, 1);
+    EXPECT_EQ(set(FG_DEBUGINENABLE, 1u), FG_ERR_UNRESOLVED);
+    setAll({{FG_DEBUGSOURCE, 2}, {FG_DEBUGINENABLE, 1}});
+}
+
 TEST_F(DebugInterface, LongTextsAreCut) {
-    for (const std::size_t length : {127u, 128u, 4000u}) {
+    for (const std::size_t length : {127u, 128u, 4000u, 100000u}) {
         const std::string longText(length, 'n');
         const std::string cutName = "Device1_Process0_" + std::string(127, 'n') + "_OperationMode";
         restart([&] {

@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 
 #include <atomic>
+#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <sys/socket.h>
@@ -58,17 +59,60 @@ TEST_F(FilesTest, LargeFilesAreSoonRead) {
     EXPECT_EQ(load(sound), FG_OK);
 }
 
+TEST_F(FilesTest, NoLineIsTooFarBack) {
+    const std::string path = folder / "long.mcf", sound = folder / "sound.mcf";
+    ASSERT_EQ(save(sound), FG_OK);
+    std::string text = fileBytes(sound), repeated;
+    const std::size_t values = text.find("FG_TIMEOUT=");
+    for (int i = 0; i < 1100000; ++i)
+        repeated += "FG_WIDTH=512;\n";
+    writeFile(path, text.insert(values, repeated));
+    EXPECT_EQ(load(path), FG_OK);
+    EXPECT_EQ(get<std::uint32_t>(FG_WIDTH), 512u);
+}
+
+TEST_F(FilesTest, AFifoTakesWhatItsReaderWants) {
+    const std::string fifo = folder / "fifo.mcf", configuration = folder / "state.mcf",
+                      table = folder / "table";
+    ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+    ASSERT_EQ(save(configuration), FG_OK);
+    ASSERT_EQ(saveTables(table), FG_OK);
+    // A reader takes `most` bytes and goes.
+    const auto readThrough = [&](std::size_t most, auto write) {
+        const int reader = open(fifo.c_str(), O_RDONLY | O_NONBLOCK);
+        std::string all;
+        std::atomic<bool> isWritten = false;
+        std::thread reading([&] {
+            bool isOver = false;
+            while (all.size() < most && !isOver) {
+                isOver = isWritten;
+                char piece[4096];
+                const ssize_t count = read(reader, piece, std::min(sizeof piece, most));
+                if (count > 0) all.append(piece, static_cast<std::size_t>(count));
+                isOver = isOver && count <= 0;
+            }
+            close(reader);
+        });
+        EXPECT_EQ(write(), FG_OK);
+        isWritten = true;
+        reading.join();
+        return all;
+    };
+    constexpr std::size_t everything = 1 << 30;
+    EXPECT_EQ(readThrough(everything, [&] { return save(fifo); }), fileBytes(configuration));
+    EXPECT_TRUE(readThrough(everything, [&] { return saveTables(fifo); }) == fileBytes(table));
+    EXPECT_EQ(readThrough(10, [&] { return saveTables(fifo); }), fileBytes(table).substr(0, 10)); // no signal
+}
+
 TEST_F(FilesTest, PathsThatAreNoFile) {
     const std::string fifo = folder / "fifo.mcf", directory = folder / "folder.mcf",
                       socketPath = folder / "socket.mcf";
     const std::string full = folder / "full.mcf", endless = folder / "zero.mcf", loop = folder / "loop.mcf";
-    const std::string terminal = folder / "terminal.mcf";
     const std::string otherName = folder / "state.txt", gone = folder / "gone";
     ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
     fs::create_directory(directory);
     fs::create_symlink("/dev/full", full);
     fs::create_symlink("/dev/zero", endless);
-    fs::create_symlink("/dev/ptmx", terminal);
     fs::create_symlink(loop, loop);
     fs::copy_file(TEST_DATA_DIR "/saved_state.mcf", otherName);
     const int server = socket(AF_UNIX, SOCK_STREAM, 0);
@@ -86,7 +130,6 @@ TEST_F(FilesTest, PathsThatAreNoFile) {
         {socketPath, noFile, unwritten, noFile, unwritten},
         {full, unread, FG_OK, FG_OK, FG_OK}, // what is lost is told in the log alone
         {endless, unread, FG_OK, FG_OK, FG_OK},
-        {terminal, noFile, unwritten, noFile, unwritten}, // cannot seek
         {loop, noFile, unwritten, noFile, unwritten},
         {folder / "none.mcf/a.mcf", noFile, unwritten, noFile, unwritten},
         {"vanished.mcf", noFile, unwritten, noFile, unwritten}, // below a folder that was removed

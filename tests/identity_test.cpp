@@ -2,6 +2,7 @@
 
 #include "support/applet_fixture.h"
 
+#include <algorithm>
 #include <map>
 #include <tuple>
 
@@ -82,11 +83,20 @@ std::map<std::string, const RegisterInfo*> below(Grabber& grabber, const std::st
 TEST_F(Identity, RegistersAndDesignParametersFollowTheParameters) {
     setVariable("VEXO_ENABLE_DRA", "1");
     setVariable("VEXO_ENABLE_DLOOMA", "1");
-    Grabber grabber(1);
+    Grabber grabber;
+    board.log_kinds(grabber.device, VBOARD_RESOLVE);
+    grabber.bringUp(1);
+    const Lines resolved = grabber.log();
+    board.log_kinds(grabber.device, VBOARD_SET);
     const auto direct = below(grabber, "Direct Register Access");
     const auto design = below(grabber, "Direct LOOM Access");
     const std::map<int, std::uint64_t> maxima = {
         {1, 1}, {8, 255}, {32, 4294967295}, {33, 8589934591}, {64, ~std::uint64_t{0}}};
+    // The runtime is asked for each name once for the ids and once more for the indices.
+    const auto again = std::find(resolved.begin() + 1, resolved.end(), resolved.front());
+    ASSERT_GE(again - resolved.begin(), std::ssize(design));
+    ASSERT_GE(resolved.end() - again, again - resolved.begin());
+    EXPECT_TRUE(std::equal(resolved.begin(), again, again));
     int index = 164;
     for (const Register& reg : registers()) {
         const std::string name = "DRA_" + reg.name;

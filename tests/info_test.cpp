@@ -120,6 +120,16 @@ TEST_F(InfoTest, InstanceWithoutABoard) {
     EXPECT_EQ(applet.Fg_getParameterInfo(handle.fg(), 0), nullptr);
     for (const Forwarder& forwarder : forwarders())
         EXPECT_EQ(forwarder.call(handle.fg()), FG_ERR_NOT_AVAILABLE) << forwarder.name;
+    // What nobody answers leaves the caller's place alone.
+    for (const int id : {FG_APPLET_ID, FG_APPLET_BUILD_TIME, FG_DMASTATUS, FG_OVERFLOW, FG_IMGTRIGGER_IS_BUSY,
+                         FG_DIGIO_INPUT, FG_SHAFTENCODER_COMPENSATION_COUNT,
+                         FG_SYSTEMMONITOR_FPGA_TEMPERATURE, FG_SYSTEMMONITOR_FPGA_DNA,
+                         FG_SYSTEMMONITOR_CURRENT_LINK_WIDTH, FG_SYSTEMMONITOR_EXTENSION_CONNECTOR_PRESENT,
+                         FG_SIGNAL_ANALYZER_0_PERIOD_MIN, FG_SIGNAL_ANALYZER_1_PULSE_COUNT}) {
+        char place[] = "untouched";
+        EXPECT_EQ(applet.Fg_getParameterWithType(handle.fg(), id, place, 0, FG_PARAM_TEXT), 0) << id;
+        EXPECT_STREQ(place, "untouched") << id;
+    }
     EXPECT_EQ(destroy(instance), 0);
     EXPECT_EQ(live("designs"), designs);
 }

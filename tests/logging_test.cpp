@@ -51,7 +51,7 @@ TEST(SdkDirectory, IsTheParentOfAKnownFolderAboveTheFile) {
 
 TEST(SdkDirectory, IsCopiedFromTheEnvironmentWithinBounds) {
     const std::map<std::string, std::string> cases = {
-        {"/opt/sdk///", "/opt/sdk"}, {"///", "/"}, {"", ""}, {"0123456789ab", "012345678"}};
+        {"/opt/sdk///", "/opt/sdk"}, {"///", "/"}, {"", ""}, {"/123456789ab", "/12345678"}};
     for (const auto& [value, expected] : cases) {
         char buffer[] = "##########|";
         copyDirectory(buffer, 10, value.c_str());
@@ -74,6 +74,21 @@ void directoryFromTheEnvironment() {
 }
 
 void directoryFromTheFile() { EXPECT_STREQ(sdkDirectory(), "/opt/sdk"); }
+
+// The host changes its working directory after this library was loaded.
+
+void directoryFromARelativeFile() {
+    ASSERT_EQ(chdir("/"), 0);
+    EXPECT_STREQ(sdkDirectory(), TEST_SDK_DIR);
+}
+
+void directoryFromARelativeVariable() {
+    setenv("NORVANE_FG_SDK_DIR", "./", 1);
+    ASSERT_EQ(chdir("/"), 0);
+    EXPECT_NE(openSdkLibrary("common-logging-dispatcher", nullptr), nullptr);
+    ASSERT_EQ(chdir("/tmp"), 0);
+    EXPECT_NE(openSdkLibrary("common-logging-dispatcher", nullptr), nullptr);
+}
 
 void loggingIsOffWithoutDispatcher() {
     LibraryInitController::init();
@@ -152,16 +167,19 @@ void dispatcherShutsDownWhileOthersLog() {
 const std::map<std::string, void (*)()> scenarios = {
     {"environment", &directoryFromTheEnvironment},
     {"file", &directoryFromTheFile},
+    {"relative file", &directoryFromARelativeFile},
+    {"relative environment", &directoryFromARelativeVariable},
     {"off", &loggingIsOffWithoutDispatcher},
     {"shutdown", &dispatcherShutsDown},
     {"busy shutdown", &dispatcherShutsDownWhileOthersLog},
 };
 
-/** Runs a scenario in a process whose file seems to lie at `file`, without the environment variable. */
+/** Runs a scenario in a process whose file seems to lie at `file`, in the SDK folder, without the environment variable. */
 int runScenario(const char* file, const char* scenario) {
     const pid_t child = fork();
     if (child == 0) {
         unsetenv("NORVANE_FG_SDK_DIR");
+        if (chdir(TEST_SDK_DIR) != 0) _exit(126);
         execl("/proc/self/exe", file, scenario, nullptr);
         _exit(127);
     }
@@ -173,6 +191,8 @@ int runScenario(const char* file, const char* scenario) {
 TEST(FreshProcess, BehavesByItsPlaceAndEnvironment) {
     EXPECT_EQ(runScenario("/tmp/y.so", "environment"), 0);
     EXPECT_EQ(runScenario("/opt/sdk/lib64/libapplet.so", "file"), 0);
+    EXPECT_EQ(runScenario("lib64/y.so", "relative file"), 0);
+    EXPECT_EQ(runScenario("/tmp/y.so", "relative environment"), 0);
     EXPECT_EQ(runScenario(TEST_SDK_DIR "/none/lib/y.so", "off"), 0);
     EXPECT_EQ(runScenario("/tmp/y.so", "off"), 0);
     EXPECT_EQ(runScenario("/tmp/y.so", "shutdown"), 0);

@@ -184,7 +184,11 @@ TEST_F(LutFile, GivesWhatItHasToAnyKindOfTable) {
 
 TEST_F(LutFile, IsRefusedOnlyForArgumentsThatLackSomething) {
     IntTable table, other, third;
+    std::uint32_t* const green = other.lut;
     EXPECT_EQ(Fg_LutFileParser().getLutFromFile(nullptr, &table, &other, &third), -1);
+    EXPECT_EQ(table.lut, nullptr) << "the first table ends the load";
+    EXPECT_EQ(other.lut, green);
+    EXPECT_NE(third.lut, nullptr);
     EXPECT_EQ(Fg_LutFileParser().saveLutToFile(nullptr, &table), -1);
     EXPECT_EQ(Fg_LutFileParser().saveMatrixToFile(nullptr, "", nullptr, 0), -1);
     EXPECT_FALSE(Fg_LutFileParser().checkFileExist(nullptr));

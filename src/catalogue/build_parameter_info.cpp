@@ -86,9 +86,13 @@ std::uint64_t wideMaximum(int bits) {
     return bits >= 64 ? std::numeric_limits<std::uint64_t>::max() : (std::uint64_t{1} << bits) - 1;
 }
 
-/** Largest value of a register of at most 32 bits; 2 to the 32 is cut to 0, and one less is all ones. */
+/**
+ * Largest value of a register of at most 32 bits: 2 to the width, cut to 32 bits, minus 1. Two to the 32 is cut to 0,
+ * as is the fraction that a negative width gives, and one less is all ones.
+ */
 std::uint32_t narrowMaximum(int bits) {
-    return static_cast<std::uint32_t>((std::uint64_t{1} << std::clamp(bits, 0, 32)) - 1);
+    const std::uint64_t power = bits >= 0 ? std::uint64_t{1} << bits : 0;
+    return static_cast<std::uint32_t>(power - 1);
 }
 
 /** Copies one parameter of the runtime's tree below a group, under another name and id. */

@@ -29,11 +29,13 @@ void FgLoomWrapperImpl::publishDirectNames() {
             m_directRegisterIdByName[reg.publicName()] = reg.publicId();
             m_directNameByIndex[index++] = reg.publicName();
         });
-    for (const std::string& name : m_directAccessStore.switchedOn(m_directAccessSection)) {
-        const int id = getParameterIdByName(name.c_str());
-        if (id == 0) continue;
-        const std::string publicName = "DLOOMA_" + name;
-        m_directParameterIdByName[publicName] = catalogue::movedId(id, FG_DIRECT_PARAMETER_BASE);
-        m_directNameByIndex[index++] = publicName;
-    }
+    // The names and the indices are two passes, and each asks the runtime for the ids.
+    const auto forEachDirectParameter = [this](auto visit) {
+        for (const std::string& name : m_directAccessStore.switchedOn(m_directAccessSection))
+            if (const int id = getParameterIdByName(name.c_str()); id != 0) visit("DLOOMA_" + name, id);
+    };
+    forEachDirectParameter([this](const std::string& name, int id) {
+        m_directParameterIdByName[name] = catalogue::movedId(id, FG_DIRECT_PARAMETER_BASE);
+    });
+    forEachDirectParameter([&](const std::string& name, int) { m_directNameByIndex[index++] = name; });
 }

@@ -63,6 +63,9 @@ public:
     static constexpr int appletVersion() { return 2; }
     static constexpr int appletRevision() { return 2; }
 
+    /** Gives a text to a caller: into his buffer, or as a new string that this object owns. */
+    void giveText(std::string_view text, void* value, FgParamTypes type); // entry/routing.cpp
+
     void publishParameterTables();    // catalogue/publish_parameter_tables.cpp
     void resolveDesignParameterIds(); // entry/design_parameters.cpp
     void discoverDebugInterface();    // image/debug_interface.cpp
@@ -80,8 +83,6 @@ private:
     std::uint32_t numberOfProcesses();
     bool isDirectRegister(int id) const;
     void read(const SdkParameter& parameter, void* value, int dma, FgParamTypes type);
-    /** Gives a text to a caller: into his buffer, or as a new string that this object owns. */
-    void giveText(std::string_view text, void* value, FgParamTypes type);
     void readDescription(void* value, FgParamTypes type);
 
     std::atomic<vexo::tools::logging::Logger*> m_logger{nullptr};
@@ -319,10 +320,11 @@ private:
     std::uint32_t m_debugInsert = FG_APPLY;
     std::uint64_t m_debugWritePixel = 0;
     std::uint32_t m_debugWriteFlag = FG_ENDOFLINE;
+    std::size_t m_longestDebugFile = 0; // that the design took
     std::string m_debugSaveConfig;
 
     std::string readText(const std::string& name);
-    std::string requireText(const std::string& name);
+    std::string requireText(const std::string& name, std::size_t room = 0);
     void discoverDebugEntries();
     const DebugEntry& debugEntry() const;
     int debugParameterId(const char* suffix);
@@ -420,12 +422,13 @@ private:
     std::uint32_t revisionNumber() { return appletRevision(); }
     std::string designFileName() { return tslFileName(); }
     void readAlternativeBoardDetection(Place<std::uint32_t> out);
-    std::uint32_t readRuntimeWord(int id);
-    std::uint32_t readDmaStatus() { return readRuntimeWord(FG_DMASTATUS); }
+    void readRuntimeWord(int id, void* word);
+    void readDmaStatus(Place<std::uint32_t> out);
     std::uint32_t readCamStatusExtended();
     std::uint32_t readCamStatus() { return readCamStatusExtended() & 1; }
 
-    // ---- Writers and readers of the design, and their ids: loomSet_X, loomGet_X
+    // ---- Writers and readers of the design, and their ids: loomSet_X, loomGet_X. loomGetInto_X reads straight into a
+    // caller's place, which keeps what it held where there is no design.
 
 #define DESIGN_WRITER(parameter)                                                                             \
     void loomSet_##parameter(const void* value, int dma, FgParamTypes type, bool raise) {                    \
@@ -439,14 +442,12 @@ private:
         readDesign(m_id_##parameter, "Device1_" #parameter, value, dma, type, raise);                        \
     }                                                                                                        \
     template <typename T> T loomGet_##parameter() {                                                          \
-        if constexpr (std::is_same_v<T, std::string>)                                                        \
-            return readRuntimeText(                                                                          \
-                [this](char* text) { loomGet_##parameter(text, 0, FG_PARAM_TEXT, true); });                  \
-        else {                                                                                               \
-            T value{};                                                                                       \
-            loomGet_##parameter(&value, 0, tagOf<T>, true);                                                  \
-            return value;                                                                                    \
-        }                                                                                                    \
+        T value{};                                                                                           \
+        loomGet_##parameter(&value, 0, tagOf<T>, true);                                                      \
+        return value;                                                                                        \
+    }                                                                                                        \
+    template <typename T> void loomGetInto_##parameter(Place<T> out) {                                       \
+        loomGet_##parameter(out.address(), 0, tagOf<T>, true);                                               \
     }
 #define DESIGN_WRITTEN(parameter)                                                                            \
     std::int32_t m_id_##parameter = 0;                                                                       \

@@ -7,6 +7,8 @@
 
 #include <clocale>
 #include <cstring>
+#include <string_view>
+#include <vector>
 
 namespace levels = vexo::tools::logging::levels;
 
@@ -98,13 +100,9 @@ int FgLoomWrapper::Fg_loadConfig(Fg_Struct*, const char* file) {
 
 void FgLoomWrapperImpl::saveParameters(Fg_ConfigFileParser* parser) {
     parser->writeConfigFileByPort(port);
-    // A getter that fails costs its own line only; one that leaves its place alone gives 0. A lack of memory
-    // ends the save: nobody shall take the rest for a whole file.
+    // Whatever a getter throws costs its own line only; one that leaves its place alone gives 0.
     for (const SdkParameter& parameter : sdkParameters)
-        try {
-            if (parameter.file.saved) saveParameter(*parser, parameter);
-        } catch (int) {
-        }
+        if (parameter.file.saved) quietly([&] { saveParameter(*parser, parameter); });
 }
 
 void FgLoomWrapperImpl::saveParameter(Fg_ConfigFileParser& parser, const SdkParameter& parameter) {
@@ -132,6 +130,10 @@ int FgLoomWrapperImpl::loadParameters(Fg_ConfigFileParser* parser) {
     int complete = 1;
     FileValue value;
     try {
+        std::vector<std::string_view> keys;
+        for (const SdkParameter& parameter : sdkParameters)
+            if (parameter.file.required) keys.emplace_back(parameter.name);
+        parser->prepareKeys(Fg_ConfigFileParser::getPortString(port), keys);
         // First the values without any check, so that each setter sees its neighbours as the file has them.
         for (const SdkParameter& parameter : sdkParameters) {
             if (!parameter.file.required) continue;

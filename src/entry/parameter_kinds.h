@@ -16,13 +16,14 @@
 #include <string>
 #include <type_traits>
 
-/** The type tag of a number of type T. */
+/** The type tag of a number of type T; char is an element of a text. */
 template <typename T> extern const FgParamTypes tagOf;
 template <> inline constexpr FgParamTypes tagOf<std::int32_t> = FG_PARAM_INT32;
 template <> inline constexpr FgParamTypes tagOf<std::uint32_t> = FG_PARAM_UINT32;
 template <> inline constexpr FgParamTypes tagOf<std::int64_t> = FG_PARAM_INT64;
 template <> inline constexpr FgParamTypes tagOf<std::uint64_t> = FG_PARAM_UINT64;
 template <> inline constexpr FgParamTypes tagOf<double> = FG_PARAM_DOUBLE;
+template <> inline constexpr FgParamTypes tagOf<char> = FG_PARAM_TEXT;
 
 class FgLoomWrapperImpl;
 struct SdkParameter;
@@ -41,10 +42,11 @@ struct Reading {
     GetFunction* function = nullptr;
 };
 
-/** The caller's place for a number, wherever that is aligned. */
+/** The caller's place for a value, wherever that is aligned. */
 template <typename T> class Place {
 public:
     explicit Place(void* place) : m_place(place) {}
+    void* address() const { return m_place; }
     void store(T number) const { std::memcpy(m_place, &number, sizeof number); }
 
 private:
@@ -138,6 +140,17 @@ struct Text {
     static constexpr StartFunction* starter(Setter set, Start start) {
         return starterOf<const char*>(set, start);
     }
+};
+
+/** A text of the design, which writes it into the caller's buffer itself. The source is its reader. */
+struct DesignText {
+    using Reader = void (FgLoomWrapperImpl::*)(Place<char> out);
+    static constexpr FgParamTypes type = FG_PARAM_TEXT;
+    template <Reader source> static consteval Reading reading() {
+        return {.function = [](FgLoomWrapperImpl& wrapper, const SdkParameter&, void* value, int,
+                               FgParamTypes type) { readText(wrapper, source, value, type); }};
+    }
+    static void readText(FgLoomWrapperImpl& wrapper, Reader source, void* value, FgParamTypes type);
 };
 
 /** An array of words: the tag tells whether one element or a run of them is accessed. */

@@ -32,6 +32,7 @@ void copyText(std::string_view text, char* destination) {
     destination[text.size()] = '\0';
 }
 
+/** What is beyond it in a text that is handed out is cut. */
 constexpr std::size_t longestAllocatedText = 655360;
 
 /** The result of an access that throws its code. Other exceptions are not ours and go on. */

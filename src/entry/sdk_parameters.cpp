@@ -33,6 +33,11 @@ void kinds::Runtime::readRuntime(FgLoomWrapperImpl& wrapper, const SdkParameter&
     if (result != FG_OK) refuse(result);
 }
 
+void kinds::DesignText::readText(FgLoomWrapperImpl& wrapper, Reader source, void* value, FgParamTypes tag) {
+    if (tag != FG_PARAM_ALLOCATED_STRING) return (wrapper.*source)(Place<char>(value));
+    wrapper.giveText(readRuntimeText([&](char* text) { (wrapper.*source)(Place<char>(text)); }), value, tag);
+}
+
 void kinds::Field::readField(std::span<const std::uint32_t> field, void* record, FgParamTypes tag) {
     if (tag != FG_PARAM_FIELD_ACCESS) {
         auto* element = static_cast<FieldParameterInt_s*>(record);

@@ -15,7 +15,6 @@ constexpr std::string_view extension = ".mcf";
 constexpr std::string_view headerSection = "[Kamerasektion]\n";
 constexpr std::string_view versionLine = "\nConfigFileVersion=2.0;\n";
 constexpr std::string_view missingKey = "Error";
-constexpr std::size_t mostLines = 1 << 20;
 
 constexpr const char* typeOk = "File type ok";
 constexpr const char* typeNotOk = "File type not ok";
@@ -41,6 +40,14 @@ bool isLineOf(std::string_view line, std::string_view key) {
     return line.size() > key.size() && line[key.size()] == '=' && line.starts_with(key);
 }
 
+/** Reads up to and with the section's own line. False if there is none. */
+bool skipToSection(LineReader& lines, std::string_view section) {
+    std::string_view line;
+    while (lines.next(line))
+        if (contains(line, section)) return true;
+    return false;
+}
+
 /** A number as printf has it, at most 31 characters. */
 template <typename T> std::string formatted(const char* format, T value) {
     char text[32];
@@ -54,7 +61,6 @@ Fg_ConfigFileParser::Fg_ConfigFileParser(Fg_Log* log, const char* path, bool rea
     func("Fg_ConfigFileParser::Fg_ConfigFileParser(char * filename)");
     if (!checkFileType(path) || !checkFileExist(path)) return;
     m_file.open(path, readOnly ? TextFile::Mode::Read : TextFile::Mode::Update);
-    readLines();
 }
 
 Fg_ConfigFileParser::~Fg_ConfigFileParser() { func("Fg_ConfigFileParser::~Fg_ConfigFileParser()"); }
@@ -143,29 +149,46 @@ std::string Fg_ConfigFileParser::getPortString(int port) {
     return std::string("[Port ") + static_cast<char>('A' + port) + "]";
 }
 
-void Fg_ConfigFileParser::readLines() {
-    if (!m_file.isOpen()) return;
-    LineReader reader(m_file);
+void Fg_ConfigFileParser::prepareKeys(std::string_view section, std::span<const std::string_view> keys) {
+    m_preparedLines.clear();
+    m_preparedSection = section;
+    for (const std::string_view key : keys)
+        m_preparedLines.try_emplace(std::string(key));
+    LineReader lines(m_file);
+    if (!skipToSection(lines, section)) return;
+    std::size_t wanted = m_preparedLines.size();
     std::string_view line;
-    while (m_lines.size() < mostLines && reader.next(line))
-        m_lines.emplace_back(line);
+    while (wanted != 0 && lines.next(line)) {
+        const std::size_t equals = line.find('=');
+        if (equals == std::string_view::npos) continue;
+        const auto prepared = m_preparedLines.find(line.substr(0, equals));
+        if (prepared == m_preparedLines.end() || prepared->second) continue;
+        prepared->second = line;
+        --wanted;
+    }
 }
 
-/** Number of the line behind the section's own; that of the file's end if there is no such section. */
-std::size_t Fg_ConfigFileParser::lineBehind(std::string_view section) {
-    if (!m_section || *m_section != section) {
-        const auto found = std::ranges::find_if(
-            m_lines, [section](const std::string& line) { return contains(line, section); });
-        m_section = section;
-        m_sectionEnd = static_cast<std::size_t>(found - m_lines.begin()) + (found != m_lines.end() ? 1 : 0);
+/** The first line of a key behind the section's own. */
+std::optional<std::string> Fg_ConfigFileParser::findLine(std::string_view section,
+                                                         std::string_view key) const {
+    if (section == m_preparedSection) {
+        const auto prepared = m_preparedLines.find(key);
+        if (prepared != m_preparedLines.end()) return prepared->second;
     }
-    return m_sectionEnd;
+    LineReader lines(m_file);
+    if (!skipToSection(lines, section)) return {};
+    std::string_view line;
+    while (lines.next(line))
+        if (isLineOf(line, key)) return std::string(line);
+    return {};
 }
 
 int Fg_ConfigFileParser::parseKeyFromLine(std::string_view key, std::string& out) {
     func("Fg_ConfigFileParser::parseKeyFromLine");
     constexpr std::string_view delimiters = "='";
-    for (std::string_view line : m_lines) {
+    LineReader lines(m_file);
+    std::string_view line;
+    while (lines.next(line)) {
         if (!contains(line, key)) continue;
         takeToken(line, delimiters);
         out = takeToken(line, delimiters);
@@ -177,17 +200,16 @@ int Fg_ConfigFileParser::parseKeyFromLine(std::string_view key, std::string& out
 
 int Fg_ConfigFileParser::parseKey(std::string_view section, std::string_view key, std::string& out) {
     func("Fg_ConfigFileParser::parseKey");
-    for (std::size_t i = lineBehind(section); i < m_lines.size(); ++i) {
-        std::string_view line = m_lines[i];
-        if (!isLineOf(line, key)) continue;
-        line.remove_prefix(key.size() + 1);
-        out = takeToken(line, "=;'");
-        // A line end is part of the value, unless it is all there is.
-        if (out.starts_with('\r') || out.starts_with('\n')) out.clear();
-        return 0;
+    const std::optional<std::string> line = findLine(section, key);
+    if (!line) {
+        out = missingKey;
+        return missing;
     }
-    out = missingKey;
-    return missing;
+    std::string_view value = std::string_view(*line).substr(key.size() + 1);
+    out = takeToken(value, "=;'");
+    // A line end is part of the value, unless it is all there is.
+    if (out.starts_with('\r') || out.starts_with('\n')) out.clear();
+    return 0;
 }
 
 template <typename T>

@@ -5,10 +5,12 @@
 #include "files/TextFile.h"
 
 #include <cstdint>
+#include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
-#include <vector>
+#include <unordered_map>
 
 class Fg_Log;
 
@@ -18,8 +20,9 @@ class Fg_Log;
  * semicolon does not survive. The decimal separator is that of the process locale.
  *
  * The reader is lenient: it takes the first line behind the section's own that begins with the key, even if
- * that stands in a later section. Of a file it keeps the first million lines of at most 255 bytes; what a
- * longer line has beyond them comes as further lines. A line ends at a NUL byte.
+ * that stands in a later section. It takes lines of at most 255 bytes; what a longer line has beyond them comes as
+ * further lines. A line ends at a NUL byte. Nothing of the file is kept: each parse call reads it from its start, but
+ * for the keys of prepareKeys().
  *
  * A parser serves one file and one thread at a time; several work side by side. The log may be null.
  */
@@ -71,6 +74,12 @@ public:
     int getInt64Value(const char* text, std::int64_t* value) const;
     int getDoubleValue(const char* text, double* value) const;
 
+    /**
+     * Reads the file once for all of these keys, which hold no equals sign. Parse calls for them in this section then
+     * need no reading. So a load takes time in proportion to the file, and memory for one line of each key.
+     */
+    void prepareKeys(std::string_view section, std::span<const std::string_view> keys);
+
     /*
      * Texts: 0, or `missing` with "Error" in `out`. parseKeyFromLine takes the first line in the file that
      * holds the key at any place.
@@ -94,17 +103,20 @@ public:
 
 private:
     void func(const char* name) const;
-    void readLines();
-    std::size_t lineBehind(std::string_view section);
+    std::optional<std::string> findLine(std::string_view section, std::string_view key) const;
     template <typename T>
     int parseNumber(std::string_view section, std::string_view key, T* value,
                     int (Fg_ConfigFileParser::*convert)(const char*, T*) const);
 
+    struct Hash : std::hash<std::string_view> {
+        using is_transparent = void;
+    };
+
     TextFile m_file;
     Fg_Log* m_log;
-    std::vector<std::string> m_lines;     // of the file that the constructor opened
-    std::optional<std::string> m_section; // looked for last
-    std::size_t m_sectionEnd = 0;         // the line behind its own
+    std::string m_preparedSection;
+    /** The line of each prepared key, or nothing where the section lacks it. */
+    std::unordered_map<std::string, std::optional<std::string>, Hash, std::equal_to<>> m_preparedLines;
 };
 
 #endif

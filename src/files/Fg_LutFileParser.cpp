@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <type_traits>
+#include <utility>
 
 namespace {
 
@@ -268,28 +269,26 @@ template <typename Table, std::size_t N>
 int Fg_LutFileParser::load(const char* path, const std::array<Section<Table>, N>& sections) {
     for (const auto& [name, table] : sections)
         if (name == nullptr || table == nullptr) return -1;
-    for (const auto& [name, table] : sections) {
-        std::free(table->lut);
-        table->lut = nullptr;
-    }
+    const auto clear = [](Table& table) { std::free(std::exchange(table.lut, nullptr)); };
+    clear(*sections[0].table);
     if (!setOpenFile(path, true)) return -1;
 
-    if constexpr (std::is_same_v<Table, LookupTable_s>) {
-        const LookupTable_s keys = readKeys();
-        for (const auto& [name, table] : sections)
-            *table = keys;
-    }
+    // As if the tables were read one by one: a failure ends the load, and later tables keep what they brought.
     using Element = std::remove_pointer_t<decltype(Table::lut)>;
     std::array<ElementCollector<Element>, N> collectors;
-    for (std::size_t i = 0; i < N; ++i) {
-        const auto& [name, table] = sections[i];
+    std::size_t begun = 0;
+    [[maybe_unused]] LookupTable_s keys;
+    if constexpr (std::is_same_v<Table, LookupTable_s>) keys = readKeys();
+    for (const auto& [name, table] : sections) {
+        clear(*table);
+        if constexpr (std::is_same_v<Table, LookupTable_s>) *table = keys;
         const std::size_t count = table->nrOfElements;
         table->lut = static_cast<Element*>(std::calloc(std::max<std::size_t>(count, 1), sizeof(Element)));
-        if (table->lut == nullptr) return -1;
-        collectors[i] = {{table->lut, count}, elementSeparator, name};
+        if (table->lut == nullptr) break;
+        collectors[begun++] = {{table->lut, count}, elementSeparator, name};
     }
-    collect<Element>(m_file, collectors);
-    return 0;
+    collect<Element>(m_file, std::span(collectors).first(begun));
+    return begun == N ? 0 : -1;
 }
 
 /** What the file's first keys say, for whichever table; without elements. */

@@ -63,8 +63,9 @@ public:
      * Reads the table of one section, or three different ones of "[red]", "[green]" and "[blue]". 0, or -1 if
      * an argument is null, the file cannot be opened, or there is no memory.
      *
-     * The elements that a table brings (null or from malloc) are freed. Afterwards, whatever the result,
-     * `lut` is null or a new array that the caller frees with free().
+     * The elements that a table brings (null or from malloc) are freed. Afterwards `lut` is null or a new array that
+     * the caller frees with free(). A load of three tables ends with the first that fails: the tables behind that one
+     * stay as they are, which for a file that cannot be opened is the first.
      *
      * An integer table gets the first `id`, `nrOfElements`, `format` and `number` in the file, whichever
      * section they are in, and 0 for what is missing. A count that no file of this size and no usual table

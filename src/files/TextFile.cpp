@@ -1,6 +1,8 @@
 #include "files/TextFile.h"
 
 #include <cerrno>
+#include <csignal>
+#include <ctime>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -20,6 +22,32 @@ constexpr int accessFlags(TextFile::Mode mode) {
     return O_WRONLY | O_CREAT | O_TRUNC;
 }
 
+/** While it lives, a pipe without a reader sends this thread no signal: it would end a host that does not expect it. */
+class PipeSignalBlocker {
+public:
+    PipeSignalBlocker() {
+        sigemptyset(&m_pipe);
+        sigaddset(&m_pipe, SIGPIPE);
+        sigset_t pending;
+        sigpending(&pending);
+        m_wasPending = sigismember(&pending, SIGPIPE) == 1;
+        pthread_sigmask(SIG_BLOCK, &m_pipe, &m_before);
+    }
+    ~PipeSignalBlocker() {
+        constexpr timespec atOnce{};
+        if (!m_wasPending) // then it is ours
+            while (sigtimedwait(&m_pipe, nullptr, &atOnce) < 0 && errno == EINTR)
+                continue;
+        pthread_sigmask(SIG_SETMASK, &m_before, nullptr);
+    }
+    PipeSignalBlocker(const PipeSignalBlocker&) = delete;
+    PipeSignalBlocker& operator=(const PipeSignalBlocker&) = delete;
+
+private:
+    sigset_t m_pipe, m_before;
+    bool m_wasPending;
+};
+
 } // namespace
 
 bool TextFile::open(const char* path, Mode mode) {
@@ -28,7 +56,13 @@ bool TextFile::open(const char* path, Mode mode) {
     if (path == nullptr) return false;
     // Without O_NONBLOCK a FIFO would wait here for its other end.
     m_descriptor = ::open(path, accessFlags(mode) | O_NONBLOCK | O_CLOEXEC | O_NOCTTY, 0666);
-    if (isOpen() && lseek(m_descriptor, 0, SEEK_CUR) < 0) close();
+    if (!isOpen()) return false;
+    m_isSeekable = lseek(m_descriptor, 0, SEEK_CUR) >= 0;
+    if (m_isSeekable) return true;
+    if (mode == Mode::Write)
+        fcntl(m_descriptor, F_SETFL, 0); // from here on a reader is waited for
+    else
+        close();
     return isOpen();
 }
 
@@ -39,6 +73,12 @@ std::uint64_t TextFile::size() const {
 }
 
 void TextFile::write(std::string_view text) {
+    if (m_isSeekable) return writeAll(text);
+    const PipeSignalBlocker blocker;
+    writeAll(text);
+}
+
+void TextFile::writeAll(std::string_view text) {
     while (!text.empty()) {
         const ssize_t written = ::write(m_descriptor, text.data(), text.size());
         if (written < 0 && errno == EINTR) continue;

@@ -1,4 +1,4 @@
-/** The text files that a caller names: opened without ever waiting, written line by line. */
+/** The text files that a caller names: opened without waiting, written line by line. */
 #ifndef FILES_TEXTFILE_H
 #define FILES_TEXTFILE_H
 
@@ -21,8 +21,8 @@ public:
 
     /**
      * Opens a file in place of the one open so far, which is closed. False, with no file open, for a null
-     * path, for what cannot be opened and for what cannot seek: a FIFO, a socket or a terminal counts as
-     * missing.
+     * path, for what cannot be opened, which is also a FIFO without a reader. What cannot seek, such as a FIFO or a
+     * terminal, is only written to: for reading it counts as missing.
      */
     bool open(const char* path, Mode mode);
     bool isOpen() const { return m_descriptor >= 0; }
@@ -31,17 +31,20 @@ public:
     /** How many bytes there are to read: none in a directory or a device, which read as an empty file. */
     std::uint64_t size() const;
     /**
-     * Hands the text to the system before it returns. A failure is remembered, and nothing else comes of it.
+     * Hands the text to the system before it returns; a slow reader of a FIFO is waited for. A failure is remembered,
+     * and nothing else comes of it: a reader that has gone sends no signal.
      */
     void write(std::string_view text);
     /** Closes the file. False if a write to it has failed, which some file systems tell only now. */
     bool finish();
 
 private:
+    void writeAll(std::string_view text);
     void close();
 
     int m_descriptor = -1;
     bool m_failed = false;
+    bool m_isSeekable = true;
 };
 
 #endif

@@ -55,12 +55,14 @@ std::string FgLoomWrapperImpl::readText(const std::string& name) {
     });
 }
 
-std::string FgLoomWrapperImpl::requireText(const std::string& name) {
-    return readRuntimeText([&](char* text) {
-        if (getUnwrappedParameterWithType(getParameterIdByName(name.c_str()), text, 0, FG_PARAM_TEXT) !=
-            FG_OK)
-            refuse(FG_ERR_UNRESOLVED);
-    });
+std::string FgLoomWrapperImpl::requireText(const std::string& name, std::size_t room) {
+    return readRuntimeText(
+        [&](char* text) {
+            if (getUnwrappedParameterWithType(getParameterIdByName(name.c_str()), text, 0, FG_PARAM_TEXT) !=
+                FG_OK)
+                refuse(FG_ERR_UNRESOLVED);
+        },
+        room);
 }
 
 void FgLoomWrapperImpl::discoverDebugEntries() {
@@ -76,7 +78,8 @@ void FgLoomWrapperImpl::discoverDebugEntries() {
             entry.type = DebugEntry::injectMonitor;
         else
             refuse(FG_ERR_UNRESOLVED);
-        entry.path = requireText(debugName("Path", number)).substr(0, longestEntryText);
+        // A path that cannot be read is empty: accesses of the point fail, and the next points are found.
+        entry.path = readText(debugName("Path", number)).substr(0, longestEntryText);
     }
 }
 
@@ -123,7 +126,7 @@ std::uint32_t FgLoomWrapperImpl::readDebugOutEnable() {
 }
 
 std::string FgLoomWrapperImpl::readDebugFile() {
-    return requireText(nameBelow(debugEntry().path, debugFile));
+    return requireText(nameBelow(debugEntry().path, debugFile), m_longestDebugFile);
 }
 
 void FgLoomWrapperImpl::updateDebugPixelRange() {
@@ -164,9 +167,9 @@ void FgLoomWrapperImpl::set_FG_DEBUGOUTENABLE(std::uint32_t value) {
 }
 
 void FgLoomWrapperImpl::set_FG_DEBUGFILE(const char* path) {
-    // A get takes the text from the design into a place of this size.
-    if (std::string_view(path).size() >= runtimeTextRoom) refuse(FG_ERR_OUT_OF_RANGE);
+    const std::size_t length = std::string_view(path).size();
     writeDebug(debugFile, path, FG_PARAM_TEXT);
+    m_longestDebugFile = std::max(m_longestDebugFile, length);
 }
 
 void FgLoomWrapperImpl::set_FG_DEBUGINSERT(std::uint32_t value) {

@@ -2,17 +2,15 @@
 #ifndef SUPPORT_QUIETLY_H
 #define SUPPORT_QUIETLY_H
 
-#include <exception>
+#include <cxxabi.h>
 
-/**
- * Performs something and drops the code or the exception that it throws. A cancelled thread goes on
- * unwinding.
- */
+/** Performs something and drops whatever it throws. A cancelled thread goes on unwinding. */
 template <typename Action> void quietly(Action action) {
     try {
         action();
-    } catch (int) {
-    } catch (const std::exception&) {
+    } catch (const abi::__forced_unwind&) {
+        throw;
+    } catch (...) {
     }
 }
 

@@ -10,6 +10,7 @@
 #include <iterator>
 #include <string>
 #include <strings.h>
+#include <unistd.h>
 
 using vexo::templates::platform::SpinLockVariableGuard;
 using vexo::templates::platform::SpinVariable;
@@ -30,13 +31,29 @@ void cutBefore(char* path, char* slash) {
     slash[1] = '\0';
 }
 
+constexpr std::size_t pathRoom = 1024;
+
+/** The working directory when this library was loaded; empty if it is unknown. A host may change it later. */
+struct LoadDirectory {
+    char path[pathRoom];
+    LoadDirectory() {
+        if (getcwd(path, sizeof path) == nullptr || path[0] != '/') path[0] = '\0';
+    }
+};
+const LoadDirectory loadDirectory;
+
+/** Copies a path, a relative one as it was meant when this library was loaded. False if there is no room. */
+bool copyAbsolute(char* buffer, std::size_t size, const char* path) {
+    const bool isWhole = path[0] == '/' || path[0] == '\0' || loadDirectory.path[0] == '\0';
+    const int length = isWhole ? std::snprintf(buffer, size, "%s", path)
+                               : std::snprintf(buffer, size, "%s/%s", loadDirectory.path, path);
+    return length > 0 && static_cast<std::size_t>(length) < size;
+}
+
 bool findOwnPath(const void* address, char* path, std::size_t size) {
     Dl_info info{};
-    if (dladdr(address, &info) == 0 || info.dli_fname == nullptr) return false;
-    const std::size_t length = std::strlen(info.dli_fname);
-    if (length == 0 || length >= size) return false;
-    std::memcpy(path, info.dli_fname, length + 1);
-    return true;
+    if (dladdr(address, &info) == 0 || info.dli_fname == nullptr || info.dli_fname[0] == '\0') return false;
+    return copyAbsolute(path, size, info.dli_fname);
 }
 
 } // namespace
@@ -55,7 +72,7 @@ bool climbToSdkDirectory(char* path) {
 }
 
 void copyDirectory(char* buffer, std::size_t size, const char* value) {
-    std::snprintf(buffer, size, "%s", value);
+    copyAbsolute(buffer, size, value);
     std::size_t length = std::strlen(buffer);
     while (length > 1 && buffer[length - 1] == '/')
         buffer[--length] = '\0';
@@ -64,7 +81,7 @@ void copyDirectory(char* buffer, std::size_t size, const char* value) {
 const char* sdkDirectory() {
     static constinit SpinVariable lock{0};
     static constinit bool resolved = false;
-    static constinit char directory[1024] = {};
+    static constinit char directory[pathRoom] = {};
 
     const SpinLockVariableGuard guard(&lock, nullptr);
     if (resolved) return directory;

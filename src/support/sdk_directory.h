@@ -9,7 +9,8 @@
 
 /**
  * The SDK directory: the parent of the first of bin, dll, "Hardware Applets", lib or lib64 above this
- * library's file, else what NORVANE_FG_SDK_DIR says. Once found it stays.
+ * library's file, else what NORVANE_FG_SDK_DIR says. Once found it stays. A relative path is taken from the working
+ * directory of the time when this library was loaded, wherever the process goes afterwards.
  *
  * Returns a text of the library's own, or null if there is none; a later call then tries again. Takes a spin
  * lock of its own; may be called from any thread.
@@ -26,7 +27,7 @@ std::unique_ptr<SharedLibrary> openSdkLibrary(const char* name, const char* dire
  * somewhere. */
 bool climbToSdkDirectory(char* path);
 
-/** Copies as much of `value` as fits and cuts the '/' at its end; a single '/' stays. */
+/** Copies as much of `value`, made absolute, as fits and cuts the '/' at its end; a single '/' stays. */
 void copyDirectory(char* buffer, std::size_t size, const char* value);
 
 #endif

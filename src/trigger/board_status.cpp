@@ -5,11 +5,13 @@
 
 #include <algorithm>
 
-std::uint32_t FgLoomWrapperImpl::readRuntimeWord(int id) {
-    std::uint32_t word = 0;
-    const int result = getUnwrappedParameterWithType(id, &word, 0, FG_PARAM_UINT32);
+void FgLoomWrapperImpl::readRuntimeWord(int id, void* word) {
+    const int result = getUnwrappedParameterWithType(id, word, 0, FG_PARAM_UINT32);
     if (result != FG_OK) refuse(result);
-    return word;
+}
+
+void FgLoomWrapperImpl::readDmaStatus(Place<std::uint32_t> out) {
+    readRuntimeWord(FG_DMASTATUS, out.address());
 }
 
 std::uint32_t FgLoomWrapperImpl::readCamStatusExtended() {
@@ -19,7 +21,8 @@ std::uint32_t FgLoomWrapperImpl::readCamStatusExtended() {
     // The design's overflow flag is read twice, on purpose: the second time it may have been cleared.
     const std::uint32_t level = readFillLevel(); // percent
     const std::uint32_t overflow = readOverflow();
-    std::uint32_t word = readRuntimeWord(FG_CAMSTATUS_EXTENDED);
+    std::uint32_t word = 0;
+    readRuntimeWord(FG_CAMSTATUS_EXTENDED, &word);
     if (m_simEnable == FG_CAMERASIMULATOR) word |= pixelClock;
     word = (word & ~(3u << levelBit)) | std::min(level / 25, 3u) << levelBit;
     return (word & ~(1u << overflowBit)) | overflow << overflowBit;

@@ -13,7 +13,6 @@ constexpr std::uint32_t forPublication = 1;
 
 std::vector<const TslEvent*> eventsOf(fpga_design* design) {
     std::vector<const TslEvent*> events;
-    if (design == nullptr) return events;
     for (int index = 0; index < mostEvents; ++index) {
         const TslEvent* event = TslGetEvent(design, index);
         if (event == nullptr) break;
