@@ -207,7 +207,7 @@ private:
     std::vector<FormatInput> m_formatInputs;
     std::int32_t m_formatMaxBits = 0; // of the widest component
 
-    void discoverOutputFormats();
+    void discoverOutputFormats(RuntimeTextRoom& room);
     void applyDynamicShift(std::uint32_t customShift, std::uint32_t alignment, std::uint32_t bits);
     void updateBitShiftRange();
     std::uint32_t pixelDepth() { return 16; }
@@ -323,9 +323,10 @@ private:
     std::size_t m_longestDebugFile = 0; // that the design took
     std::string m_debugSaveConfig;
 
-    std::string readText(const std::string& name);
-    std::string requireText(const std::string& name, std::size_t room = 0);
-    void discoverDebugEntries();
+    int readTextTo(char* text, const std::string& name);
+    std::string readText(RuntimeTextRoom& room, const std::string& name);
+    std::string requireText(RuntimeTextRoom& room, const std::string& name);
+    void discoverDebugEntries(RuntimeTextRoom& room);
     const DebugEntry& debugEntry() const;
     int debugParameterId(const char* suffix);
     std::uint32_t readDebugWord(const char* suffix);

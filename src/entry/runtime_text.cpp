@@ -1,10 +1,18 @@
 #include "entry/runtime_text.h"
 
+#include <algorithm>
 #include <cstring>
 #include <new>
 #include <sys/mman.h>
 
-RuntimeTextRoom::RuntimeTextRoom(std::size_t size) : m_size(size + 1) {
+namespace {
+
+/** What is cleared in front of a text even if the text before was shorter. */
+constexpr std::size_t leastCleared = 256;
+
+} // namespace
+
+RuntimeTextRoom::RuntimeTextRoom(std::size_t length) : m_size(std::max(length, runtimeTextRoom) + 1) {
     void* pages =
         mmap(nullptr, m_size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
     if (pages == MAP_FAILED) throw std::bad_alloc();
@@ -13,4 +21,13 @@ RuntimeTextRoom::RuntimeTextRoom(std::size_t size) : m_size(size + 1) {
 
 RuntimeTextRoom::~RuntimeTextRoom() { munmap(m_data, m_size); }
 
-std::string RuntimeTextRoom::text() const { return {m_data, strnlen(m_data, m_size - 1)}; }
+void RuntimeTextRoom::clear() {
+    std::memset(m_data, 0, m_used);
+    m_used = leastCleared;
+}
+
+std::string RuntimeTextRoom::text() {
+    const std::size_t length = strnlen(m_data, m_size - 1);
+    m_used = std::max(leastCleared, length);
+    return {m_data, length};
+}

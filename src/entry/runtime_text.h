@@ -17,31 +17,31 @@ inline int digitAt(const std::string& text, std::size_t place) {
 inline constexpr std::size_t runtimeTextRoom = 16 << 20;
 
 /**
- * Zeroed room for one text. It is reserved address space: only the pages that the runtime writes to take memory, and
- * they are given back at once.
+ * Room that texts of the runtime are written to, one after the other, zeroed each time. It is reserved address space:
+ * only the pages that the runtime writes to take memory, and they go with the room.
  */
 class RuntimeTextRoom {
 public:
-    /** Throws std::bad_alloc. */
-    explicit RuntimeTextRoom(std::size_t size);
+    /** Room for `length` characters at least. Throws std::bad_alloc. */
+    explicit RuntimeTextRoom(std::size_t length = 0);
     ~RuntimeTextRoom();
     RuntimeTextRoom(const RuntimeTextRoom&) = delete;
     RuntimeTextRoom& operator=(const RuntimeTextRoom&) = delete;
 
-    char* data() { return m_data; }
-    /** What was written, cut to the room. */
-    std::string text() const;
+    /** The text that `read` writes to the place that it is called with. */
+    template <typename Read> std::string take(Read read) {
+        clear();
+        read(m_data);
+        return text();
+    }
 
 private:
+    void clear();
+    std::string text();
+
     char* m_data;
     std::size_t m_size;
+    std::size_t m_used = 0;
 };
-
-/** The text that `read` writes into a zeroed place with room for `room` characters at least. */
-template <typename Read> std::string readRuntimeText(Read read, std::size_t room = runtimeTextRoom) {
-    RuntimeTextRoom place(room > runtimeTextRoom ? room : runtimeTextRoom);
-    read(place.data());
-    return place.text();
-}
 
 #endif

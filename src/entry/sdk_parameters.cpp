@@ -35,7 +35,8 @@ void kinds::Runtime::readRuntime(FgLoomWrapperImpl& wrapper, const SdkParameter&
 
 void kinds::DesignText::readText(FgLoomWrapperImpl& wrapper, Reader source, void* value, FgParamTypes tag) {
     if (tag != FG_PARAM_ALLOCATED_STRING) return (wrapper.*source)(Place<char>(value));
-    wrapper.giveText(readRuntimeText([&](char* text) { (wrapper.*source)(Place<char>(text)); }), value, tag);
+    const auto read = [&](char* text) { (wrapper.*source)(Place<char>(text)); };
+    wrapper.giveText(RuntimeTextRoom().take(read), value, tag);
 }
 
 void kinds::Field::readField(std::span<const std::uint32_t> field, void* record, FgParamTypes tag) {

@@ -48,30 +48,28 @@ const RegisterInfo* findParameterRecord(const RegisterInfo* node, std::uint32_t 
 
 // ---- Bring-up
 
+int FgLoomWrapperImpl::readTextTo(char* text, const std::string& name) {
+    return getUnwrappedParameterWithType(getParameterIdByName(name.c_str()), text, 0, FG_PARAM_TEXT);
+}
+
 /** A text of the design; what cannot be read is empty. */
-std::string FgLoomWrapperImpl::readText(const std::string& name) {
-    return readRuntimeText([&](char* text) {
-        getUnwrappedParameterWithType(getParameterIdByName(name.c_str()), text, 0, FG_PARAM_TEXT);
+std::string FgLoomWrapperImpl::readText(RuntimeTextRoom& room, const std::string& name) {
+    return room.take([&](char* text) { readTextTo(text, name); });
+}
+
+std::string FgLoomWrapperImpl::requireText(RuntimeTextRoom& room, const std::string& name) {
+    return room.take([&](char* text) {
+        if (readTextTo(text, name) != FG_OK) refuse(FG_ERR_UNRESOLVED);
     });
 }
 
-std::string FgLoomWrapperImpl::requireText(const std::string& name, std::size_t room) {
-    return readRuntimeText(
-        [&](char* text) {
-            if (getUnwrappedParameterWithType(getParameterIdByName(name.c_str()), text, 0, FG_PARAM_TEXT) !=
-                FG_OK)
-                refuse(FG_ERR_UNRESOLVED);
-        },
-        room);
-}
-
-void FgLoomWrapperImpl::discoverDebugEntries() {
-    const int count = std::min(digitAt(readText(debugName("Entries")), 0), 9);
+void FgLoomWrapperImpl::discoverDebugEntries(RuntimeTextRoom& room) {
+    const int count = std::min(digitAt(readText(room, debugName("Entries")), 0), 9);
     for (int i = 0; i < count; ++i) {
         const std::string number = std::to_string(i);
         DebugEntry& entry = m_debugEntries.emplace_back();
-        entry.name = requireText(debugName("Name", number)).substr(0, longestEntryText);
-        const std::string type = requireText(debugName("Type", number));
+        entry.name = requireText(room, debugName("Name", number)).substr(0, longestEntryText);
+        const std::string type = requireText(room, debugName("Type", number));
         if (type == "Inject")
             entry.type = DebugEntry::inject;
         else if (type == "InjectMonitor")
@@ -79,15 +77,16 @@ void FgLoomWrapperImpl::discoverDebugEntries() {
         else
             refuse(FG_ERR_UNRESOLVED);
         // A path that cannot be read is empty: accesses of the point fail, and the next points are found.
-        entry.path = readText(debugName("Path", number)).substr(0, longestEntryText);
+        entry.path = readText(room, debugName("Path", number)).substr(0, longestEntryText);
     }
 }
 
 void FgLoomWrapperImpl::discoverDebugInterface() {
     // The first failure ends the step, and what was found before stays: the object comes up all the same.
     quietly([this] {
-        discoverDebugEntries();
-        discoverOutputFormats();
+        RuntimeTextRoom room;
+        discoverDebugEntries(room);
+        discoverOutputFormats(room);
         publishPixelFrequencyLimit();
     });
 }
@@ -126,7 +125,8 @@ std::uint32_t FgLoomWrapperImpl::readDebugOutEnable() {
 }
 
 std::string FgLoomWrapperImpl::readDebugFile() {
-    return requireText(nameBelow(debugEntry().path, debugFile), m_longestDebugFile);
+    RuntimeTextRoom room(m_longestDebugFile);
+    return requireText(room, nameBelow(debugEntry().path, debugFile));
 }
 
 void FgLoomWrapperImpl::updateDebugPixelRange() {
@@ -144,7 +144,9 @@ void FgLoomWrapperImpl::updateDebugPixelRange() {
 
 void FgLoomWrapperImpl::set_FG_DEBUGSOURCE(std::uint32_t value) {
     // Without points the limit wraps, and anything passes.
-    requireAtMost(value, static_cast<std::uint32_t>(digitAt(requireText(debugName("Entries")), 0) - 1));
+    RuntimeTextRoom room;
+    const std::string entries = requireText(room, debugName("Entries"));
+    requireAtMost(value, static_cast<std::uint32_t>(digitAt(entries, 0) - 1));
     Replacement stored(m_debugSource, value);
     if (debugEntry().type == DebugEntry::unknown) refuse(FG_ERR_UNRESOLVED);
     publishAccess(recordAt(indexOf(FG_DEBUGOUTENABLE)),

@@ -27,19 +27,19 @@ std::uint32_t formatBits(std::uint32_t format) {
 
 } // namespace
 
-void FgLoomWrapperImpl::discoverOutputFormats() {
-    const std::string inputs = readText(formatName("NoOfInputs"));
+void FgLoomWrapperImpl::discoverOutputFormats(RuntimeTextRoom& room) {
+    const std::string inputs = readText(room, formatName("NoOfInputs"));
     // Names have room for two digits.
     const int count = std::min(inputs.size() == 2 ? twoDigits(inputs) : digitAt(inputs, 0), 100);
-    m_formatMaxBits = twoDigits(readText(formatName("MaxBits")));
+    m_formatMaxBits = twoDigits(readText(room, formatName("MaxBits")));
     for (int i = 0; i < count; ++i) {
         const std::string number = std::to_string(i);
-        const std::string name = requireText(formatName("Input", number));
+        const std::string name = requireText(room, formatName("Input", number));
         const auto* known = std::ranges::find(outputFormats, name, &OutputFormat::name);
         if (known == std::end(outputFormats)) refuse(FG_ERR_UNRESOLVED);
         m_formatInputs.push_back({.format = known->format, .bits = known->bits});
         FormatInput& input = m_formatInputs.back();
-        const std::string flag = requireText(formatName("InputFlag", number));
+        const std::string flag = requireText(room, formatName("InputFlag", number));
         input.hasTrash = flag.starts_with('1');
         // One character even above 9, where it is no digit: the design has it so.
         if (input.hasTrash) {
