@@ -416,6 +416,7 @@ TEST_F(AppletctlConfiguration, TellsEachLossAndWhy) {
         {"FG_EXSYNCON=1", "FG_EXSYNCON=FG_ON", "unreadable",
          "the file has \"FG_ON\", after the load it is FG_OFF (0)"},
         {"FG_TIMEOUT=", "FG_TIMEOUT=7;\nFG_TIMEOUT=", "repeated", "FG_TIMEOUT stands there again"},
+        {"FG_TIMEOUT=", "FG_TIMEOUT=7;\nFG_TIMEOUT=8;\nFG_TIMEOUT=", "repeated", "there 2 more times"},
         {"FG_DEBUGFILE=''", "FG_DEBUGFILE='a;b'", "cut", "the file has \"a;b\", after the load it is \"a\""},
         {"[Port A]\n", "[Port A]\nFG_WIDHT=4;\n", "unknown", "did you mean FG_WIDTH"},
         {"Typ='Grab", "Typ='Grip", "file", "it is a file of the applet \"Grip_TwinLaneLineColor\""},

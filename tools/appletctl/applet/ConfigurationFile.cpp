@@ -10,6 +10,8 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <unordered_map>
+#include <utility>
 
 namespace appletctl {
 namespace {
@@ -51,16 +53,23 @@ std::optional<Value> unsignedInFile(const std::string& text) {
 
 ConfigurationFile::ConfigurationFile(std::string text) : m_text(std::move(text)) {
     std::vector<Line>* section = &m_header;
+    std::unordered_map<std::string_view, std::size_t> places; // in the section, by key
     for (std::size_t begin = 0, end = 0; begin < m_text.size(); begin = end + 1) {
         end = std::min(m_text.find('\n', begin), m_text.size());
         const std::string_view line = std::string_view(m_text).substr(begin, end - begin);
         const std::size_t equals = line.find('=');
-        if (line.find(portSection) != std::string_view::npos)
-            section = &m_values;
-        else if (equals != std::string_view::npos)
-            section->push_back({std::string(line.substr(0, equals)),
-                                std::string(withoutMarks(trimmed(line.substr(equals + 1)))), begin,
-                                end + 1 - begin});
+        if (line.find(portSection) != std::string_view::npos) {
+            if (std::exchange(section, &m_values) == &m_header) places.clear();
+            continue;
+        }
+        if (equals == std::string_view::npos) continue;
+        const std::string_view key = line.substr(0, equals);
+        const auto [place, isFirst] = places.try_emplace(key, section->size());
+        if (isFirst)
+            section->push_back({std::string(key), std::string(withoutMarks(trimmed(line.substr(equals + 1)))),
+                                begin, end + 1 - begin});
+        else
+            ++(*section)[place->second].repeats;
     }
 }
 

@@ -21,6 +21,7 @@ public:
         std::string key;           /**< all that stands before the equals sign, blanks too */
         std::string value;         /**< without quotes and semicolon */
         std::size_t begin, length; /**< of the line in the text */
+        std::size_t repeats = 0;   /**< further lines of the key, which are not kept */
     };
 
     explicit ConfigurationFile(std::string text);
@@ -31,7 +32,7 @@ public:
     const std::string& text() const { return m_text; }
     /** Above the section of the port: what the file says of itself. */
     const std::vector<Line>& header() const { return m_header; }
-    /** From that section on: values of parameters. A key may stand there more than once. */
+    /** From that section on: values of parameters. */
     const std::vector<Line>& values() const { return m_values; }
 
     /** The first line of a key; null if there is none. */

@@ -3,6 +3,7 @@
 #include "appletctl/applet/access_log.h"
 #include "appletctl/applet/assignments.h"
 #include "appletctl/applet/published_limits.h"
+#include "appletctl/base/numbers.h"
 #include "appletctl/base/text.h"
 
 #include "vexo/fg_errors.h"
@@ -146,12 +147,13 @@ std::vector<Finding> judgeLines(ScratchSession& session, FileKeys& keys, const s
             findings.push_back({"unknown", line.key,
                                 printable(toUtf8(line.key.c_str())) +
                                     " was ignored: " + whyUnknown(session.parameters(), line.key)});
-        } else if (&line != ConfigurationFile::find(asked.values(), line.key)) {
-            findings.push_back(
-                {"repeated", line.key, line.key + " stands there again: only the first one counts"});
         } else {
             const std::optional<Finding> finding = judge.judge(line);
             if (finding && keys.isReadByLoad(line.key)) findings.push_back(*finding);
+            if (line.repeats == 0) continue;
+            const std::string again = line.repeats == 1 ? "again" : numberText(line.repeats) + " more times";
+            findings.push_back(
+                {"repeated", line.key, line.key + " stands there " + again + ": only the first one counts"});
         }
     }
     return findings;
@@ -162,10 +164,10 @@ std::vector<Finding> judgeLines(ScratchSession& session, FileKeys& keys, const s
 void addReached(ScratchSession& session, const ConfigurationFile& asked, const ConfigurationFile& before,
                 const DesignSnapshot& loaded, Finding& finding) {
     using namespace std::string_view_literals;
+    if (finding.kind != "refused"sv && finding.kind != "kept"sv) return;
     const auto* line = ConfigurationFile::find(asked.values(), finding.key);
     const auto* old = ConfigurationFile::find(before.values(), finding.key);
-    if (line == nullptr || old == nullptr || (finding.kind != "refused"sv && finding.kind != "kept"sv))
-        return;
+    if (line == nullptr || old == nullptr) return;
     const TemporaryFile other;
     other.write(asked.textWith(*line, before.text().substr(old->begin, old->length)));
     session.rewind();
