@@ -430,10 +430,7 @@ TEST_F(Texts, NothingIsFormattedOrCutShort) {
 
         expectKept(FG_LUT_CUSTOM_FILE, value);
         expectKept(FG_DEBUGSAVECONFIG, value);
-        if (value.size() < 8192)
-            expectKept(FG_DEBUGFILE, value);
-        else
-            expectTextRefused(FG_DEBUGFILE, value, FG_ERR_OUT_OF_RANGE);
+        expectKept(FG_DEBUGFILE, value);
         // With all of them in it.
         const std::string state = folder / "state.mcf";
         EXPECT_EQ(applet.Fg_saveConfig(grabber.fg(), state.c_str()), FG_OK);
