@@ -76,6 +76,11 @@ protected:
             std::jthread([&] { EXPECT_EQ(grabber.value<std::uint32_t>(FG_WIDTH), 1024u); }).join();
         }
         EXPECT_EQ(call.perform(grabber), call.answer) << "the next call";
+        if (grabber.handle.object != nullptr) {
+            grabber.set(12345, 0u); // is logged, which binds the dispatcher
+            grabber.free();
+        }
+        EXPECT_FALSE(isLoaded("libcommon-logging-dispatcher.so")) << "the library counts a user that is none";
         return struck;
     }
 

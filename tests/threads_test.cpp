@@ -211,9 +211,10 @@ TEST_F(Threads, SetAndGetOnOneHandleWhileTreeAndDocumentAreRead) {
         } while (!stop);
     });
     std::thread reader([&] {
-        do
+        do {
             if (frameOf(documentOf(grabber)) != frame) ++wrong;
-        while (!stop);
+            if (!told.contains(grabber.lastError())) ++wrong;
+        } while (!stop);
     });
     inThreads(threadCount, [&](int thread) {
         std::mt19937 random(static_cast<unsigned>(thread));
