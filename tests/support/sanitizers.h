@@ -2,8 +2,6 @@
 #ifndef TESTS_SUPPORT_SANITIZERS_H
 #define TESTS_SUPPORT_SANITIZERS_H
 
-#include <cstddef>
-
 #ifndef __has_feature
 #define __has_feature(feature) 0
 #endif
@@ -22,13 +20,6 @@ inline constexpr bool underAddressSanitizer = __has_feature(address_sanitizer);
 
 #ifdef __SANITIZE_ADDRESS__
 #include <sanitizer/lsan_interface.h>
-#endif
-
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#include <sanitizer/allocator_interface.h>
-inline std::size_t allocatedBytesOfSanitizer() { return __sanitizer_get_current_allocated_bytes(); }
-#else
-inline std::size_t allocatedBytesOfSanitizer() { return 0; }
 #endif
 
 /** While it lives, allocations are no leak to report. */
