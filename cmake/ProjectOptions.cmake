@@ -24,10 +24,18 @@ add_compile_options(-fstack-protector-strong -ffp-contract=off)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-fno-gnu-unique>)
 endif()
-if(CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT APPLET_SANITIZE)
-  add_compile_options(-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
-endif()
 add_link_options(-Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack)
+if(NOT APPLET_SANITIZE)
+  add_compile_options(-fstack-clash-protection)
+  if(CMAKE_SYSTEM_PROCESSOR STREQUAL "x86_64")
+    add_compile_options(-fcf-protection=full)
+    # Some C libraries' start files lack the mark, so that the linker would drop it, but they do not touch the stack.
+    add_link_options(-Wl,-z,shstk)
+  endif()
+  if(CMAKE_BUILD_TYPE MATCHES "^(Release|RelWithDebInfo|MinSizeRel)$") # needs optimization
+    add_compile_options(-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
+  endif()
+endif()
 
 if(APPLET_SANITIZE STREQUAL "address")
   add_compile_options(-fsanitize=address,undefined,float-cast-overflow,float-divide-by-zero

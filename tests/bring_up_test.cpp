@@ -85,6 +85,25 @@ TEST_F(BringUp, InitThatFailsWithoutACodeCarriesOnWithoutInnerHandle) {
     EXPECT_EQ(lastDesign(), design);
 }
 
+TEST_F(BringUp, TheInnerHandleEndsBeforeTheObject) {
+    Grabber grabber(1);
+    board.log_kinds(grabber.device, VBOARD_CALL);
+    grabber.clearLog();
+    int answer = FG_ERR_INVALID_HANDLE;
+    std::pair end{&grabber, &answer};
+    board.on_access(
+        grabber.device,
+        [](void* context) {
+            const auto& [ended, result] = *static_cast<decltype(end)*>(context);
+            std::uint32_t timeout = 0;
+            *result = ended->get(FG_TIMEOUT, &timeout); // served from the object
+        },
+        &end);
+    EXPECT_EQ(grabber.free(), FG_OK);
+    EXPECT_EQ(grabber.log(), Lines{"call Fg_FreeGrabber"});
+    EXPECT_EQ(answer, FG_OK) << "the object is gone before its inner handle";
+}
+
 TEST_F(BringUp, MissingDesignParametersAreNamedInOrderAndFailAtTheAccess) {
     Lines expected;
     for (const std::string& name : dataLines("design_parameters.txt")) {

@@ -1,6 +1,7 @@
 // Camera simulator: sizes on their grid, rates as counters, and how each limits the others.
 
 #include "support/applet_fixture.h"
+#include "support/temporary_folder.h"
 
 #include <algorithm>
 #include <cmath>
@@ -217,6 +218,23 @@ TEST_F(CameraSimulator, EachSetterRefreshesItsNeighboursOnly) {
     arrange({lineRateMode, 65504, 1, 12207});
     setAll({{FG_CAMERASIMULATOR_HEIGHT, 65536}});
     EXPECT_EQ(doubleMaximum(FG_CAMERASIMULATOR_FRAMERATE), infinity);
+}
+
+TEST_F(CameraSimulator, LinesOfAFrameAreCountedIn32Bits) {
+    arrange({frameRateMode, 1024, 1024, 9000});
+    grabber.poke("Device1_Process0_CameraSimulator_PixelFrequency_SequenceLength_ImageWidth", 0x80400002);
+    EXPECT_EQ(get<double>(FG_CAMERASIMULATOR_FRAMERATE), 1.0 / (8e-9 * 2048));
+
+    // Only a file leads to the mode of the pixel frequency, here with a frame of 2^32 pixels.
+    const TemporaryFolder folder;
+    const std::string path = folder / "state.mcf", mode = "FG_CAMERASIMULATOR_SELECT_MODE=";
+    arrange({lineRateMode, 65536, 65536, 833333333});
+    ASSERT_EQ(applet.Fg_saveConfig(grabber.fg(), path.c_str()), FG_OK);
+    std::string state = fileBytes(path);
+    state.replace(state.find(mode + '1'), mode.size() + 1, mode + '0');
+    writeFile(path, state);
+    ASSERT_EQ(applet.Fg_loadConfig(grabber.fg(), path.c_str()), FG_OK);
+    EXPECT_EQ(get<double>(FG_CAMERASIMULATOR_FRAMERATE), infinity);
 }
 
 TEST_F(CameraSimulator, ModesChangeAccessAndReapplyTheRate) {

@@ -1,13 +1,16 @@
 // The format of configuration files: what is written to the byte, and what the lenient reader makes of any.
 
 #include "files/Fg_ConfigFileParser.h"
+#include "files/TextFile.h"
 #include "support/Fg_Log.h"
+#include "support/hindered_calls.h"
 #include "support/temporary_folder.h"
 
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <cstdint>
+#include <fcntl.h>
 #include <functional>
 #include <string>
 #include <thread>
@@ -62,6 +65,26 @@ TEST_F(ConfigFile, HasEachLineBeforeTheNextIsWritten) {
     parser.writeConfigFileIntKey("i", 1);
     EXPECT_EQ(fileBytes(m_path), expected);
     EXPECT_EQ(fileBytes(folder / "second.mcf"), "i=1;\n");
+}
+
+TEST_F(ConfigFile, IsWholeHoweverTheSystemAnswers) {
+    const std::string text = std::string(5000, 'x') + '\n';
+    TextFile file;
+    {
+        const support::HinderedCalls hindered;
+        ASSERT_TRUE(file.open(path(), TextFile::Mode::Write));
+        EXPECT_NE(fcntl(file.descriptor(), F_GETFD) & FD_CLOEXEC, 0)
+            << "a child of the host would keep the file";
+        file.write(text);
+        EXPECT_TRUE(file.finish());
+    }
+    EXPECT_EQ(fileBytes(m_path), text);
+    fill("[Port A]\nfirst=1;\n" + text + "last=2;\n");
+    const support::HinderedCalls hindered;
+    Parser parser(nullptr, path(), true);
+    int value = 0;
+    EXPECT_EQ(parser.parseIntKeySection(0, "last", &value), 0);
+    EXPECT_EQ(value, 2);
 }
 
 TEST_F(ConfigFile, GivesTextsByTheReadersRules) {

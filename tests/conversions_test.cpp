@@ -26,6 +26,17 @@ TYPED_TEST(Truncated, DropsTheFractionAndGivesTheLowestForWhatDoesNotFit) {
     EXPECT_EQ(static_cast<double>(truncated<TypeParam>(last)), std::trunc(last));
 }
 
+TEST(Quotient, IsInfiniteWithTheSignOfBothOrNaN) {
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    EXPECT_EQ(quotient(6, -1.5), -4);
+    for (const double dividend : {1.0, -1e-300, infinity, -infinity})
+        for (const double divisor : {0.0, -0.0})
+            EXPECT_EQ(quotient(dividend, divisor), std::copysign(1, divisor) * dividend * infinity)
+                << dividend << " / " << divisor;
+    for (const double dividend : {0.0, -0.0, std::nan("")})
+        EXPECT_TRUE(std::isnan(quotient(dividend, 0.0))) << dividend;
+}
+
 TEST(TruncatedBounds, AreReachedExactly) {
     EXPECT_EQ(truncated<std::int32_t>(2147483647.75), 2147483647);
     EXPECT_EQ(truncated<std::int32_t>(-2147483647.75), -2147483647);

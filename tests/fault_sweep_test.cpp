@@ -387,8 +387,7 @@ TEST_F(FaultSweep, EverySetInEveryMode) {
         if (isSettable(p) && !isSwept(p)) notSwept.push_back(p.name);
     // Kept in the object; always refused; written to a file.
     EXPECT_EQ(notSwept, (Lines{"FG_TIMEOUT", "FG_CAMERASIMULATOR_PIXEL_FREQUENCY", "FG_LUT_SAVE_FILE"}));
-    // A start sets two thirds of the parameters once; each of its accesses fails here in two forms.
-    EXPECT_GT(positions(), 2 * dataLines("start_up_writes.txt").size());
+    EXPECT_GE(positions(), 4894u) << "less is swept than was";
     RecordProperty("positions", std::to_string(positions()));
 }
 
@@ -399,8 +398,7 @@ TEST_F(FaultSweep, EveryGetInEveryMode) {
         for (const Parameter& p : parameters())
             sweepGet(p);
     }
-    // The design's read-only parameters, but for those of the memory and of the link, each answer a get.
-    EXPECT_GT(positions(), 2 * 35u);
+    EXPECT_GE(positions(), 182u) << "less is swept than was";
     RecordProperty("positions", std::to_string(positions()));
 }
 

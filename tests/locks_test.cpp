@@ -6,12 +6,17 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
+#include <csignal>
 #include <functional>
 #include <future>
 #include <memory>
+#include <new>
 #include <stdexcept>
+#include <sys/mman.h>
 #include <thread>
+#include <unistd.h>
 #include <vector>
 
 using namespace vexo::templates::platform;
@@ -186,6 +191,33 @@ TEST(Reentry, OnlyTheOutermostHolderReleases) {
         EXPECT_EQ(spin.load(), 1u);
         EXPECT_EQ(owner.load(), pthread_self());
     }();
+}
+
+// A page that cannot be written holds the owner while the guard ends: the fault shows whether the lock is held then.
+SpinVariable watchedSpin{0};
+void* ownersPage = nullptr;
+std::atomic<std::uint32_t> heldWhileCleared{0};
+
+TEST(SpinLockVariableGuard, ClearsItsOwnerWhileItHoldsTheLock) {
+    const auto size = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    ownersPage = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    ASSERT_NE(ownersPage, MAP_FAILED);
+    auto* owner = new (ownersPage) SpinOwner{0};
+    struct sigaction onFault {
+    }, before{};
+    onFault.sa_handler = [](int) {
+        heldWhileCleared = watchedSpin.load();
+        mprotect(ownersPage, sizeof(SpinOwner), PROT_READ | PROT_WRITE);
+    };
+    sigaction(SIGSEGV, &onFault, &before);
+    {
+        const SpinLockVariableGuard guard(&watchedSpin, owner);
+        mprotect(ownersPage, size, PROT_READ);
+    }
+    sigaction(SIGSEGV, &before, nullptr);
+    EXPECT_EQ(heldWhileCleared, 1u);
+    EXPECT_EQ(owner->load(), pthread_t{});
+    munmap(ownersPage, size);
 }
 
 } // namespace

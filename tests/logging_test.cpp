@@ -5,6 +5,7 @@
 #include "support/recording_dispatcher.h"
 #include "support/sanitizers.h"
 #include "support/sdk_directory.h"
+#include "support/temporary_folder.h"
 
 #include <gtest/gtest.h>
 
@@ -12,6 +13,7 @@
 #include <atomic>
 #include <cstdlib>
 #include <dlfcn.h>
+#include <filesystem>
 #include <map>
 #include <string>
 #include <sys/wait.h>
@@ -99,6 +101,17 @@ void loggingIsOffWithoutDispatcher() {
     LibraryInitController::deinit();
 }
 
+void libraryThatIsNoDispatcher() {
+    const support::TemporaryFolder sdk;
+    std::filesystem::create_directory(sdk / "lib64");
+    const std::string library = sdk / "lib64/libcommon-logging-dispatcher.so";
+    std::filesystem::create_symlink(OTHER_LIBRARY, library);
+    setenv("NORVANE_FG_SDK_DIR", (sdk / "").c_str(), 1);
+    EXPECT_NE(openSdkLibrary("common-logging-dispatcher", nullptr), nullptr);
+    loggingIsOffWithoutDispatcher();
+    EXPECT_EQ(dlopen(library.c_str(), RTLD_NOW | RTLD_NOLOAD), nullptr) << "it stays open";
+}
+
 /** The dispatcher as one load of it sees it; the load itself is the library's own way. */
 struct Dispatcher {
     SharedLibrary library{dispatcherPath};
@@ -170,6 +183,7 @@ const std::map<std::string, void (*)()> scenarios = {
     {"relative file", &directoryFromARelativeFile},
     {"relative environment", &directoryFromARelativeVariable},
     {"off", &loggingIsOffWithoutDispatcher},
+    {"no dispatcher", &libraryThatIsNoDispatcher},
     {"shutdown", &dispatcherShutsDown},
     {"busy shutdown", &dispatcherShutsDownWhileOthersLog},
 };
@@ -195,6 +209,7 @@ TEST(FreshProcess, BehavesByItsPlaceAndEnvironment) {
     EXPECT_EQ(runScenario("/tmp/y.so", "relative environment"), 0);
     EXPECT_EQ(runScenario(TEST_SDK_DIR "/none/lib/y.so", "off"), 0);
     EXPECT_EQ(runScenario("/tmp/y.so", "off"), 0);
+    EXPECT_EQ(runScenario("/tmp/y.so", "no dispatcher"), 0);
     EXPECT_EQ(runScenario("/tmp/y.so", "shutdown"), 0);
     EXPECT_EQ(runScenario("/tmp/y.so", "busy shutdown"), 0);
 }

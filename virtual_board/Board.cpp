@@ -85,15 +85,16 @@ void Board::putStartValues() {
 
 // The road of an access.
 
-std::unique_lock<std::mutex> Board::enter(int kind) {
-    std::unique_lock lock(m_mutex);
-    if (m_watcher.function == nullptr || (m_kinds & static_cast<unsigned>(kind)) == 0) return lock;
-    const Watcher watcher = m_watcher;
-    lock.unlock(); // the host may do what it likes
+Board::AccessLock::AccessLock(Board& board, int kind) : m_held(board.m_mutex) {
+    board.m_mutex.lock();
+    if (board.m_watcher.function == nullptr || (board.m_kinds & static_cast<unsigned>(kind)) == 0) return;
+    const Watcher watcher = board.m_watcher;
+    board.m_mutex.unlock(); // the host may do what it likes, even end its thread
     watcher.function(watcher.context);
-    lock.lock();
-    return lock;
+    board.m_mutex.lock();
 }
+
+Board::AccessLock::~AccessLock() { m_held.unlock(); }
 
 Access Board::beginAccess(int kind, const Design& design, int id, int tag) const {
     int row = rowOfId(id);
@@ -138,7 +139,7 @@ int Board::finish(Access access, int code, const char* text) {
 }
 
 int Board::set(const Design& design, int id, const void* value, int dma, int tag) {
-    const auto lock = enter(VBOARD_SET);
+    const AccessLock lock(*this, VBOARD_SET);
     Access access = beginAccess(VBOARD_SET, design, id, tag);
     const auto type = typeOfTag(access.tag);
     const char* text = nullptr;
@@ -175,7 +176,7 @@ int Board::store(const Access& access, const void* value) {
 }
 
 int Board::get(const Design& design, int id, void* value, int dma, int tag) {
-    const auto lock = enter(VBOARD_GET);
+    const AccessLock lock(*this, VBOARD_GET);
     Access access = beginAccess(VBOARD_GET, design, id, tag);
     const char* text = nullptr;
     int code = faultOf(access);
@@ -236,7 +237,7 @@ int Board::fetchField(Access& access, void* value) {
 }
 
 int Board::resolve(const Design& design, const char* name) {
-    const auto lock = enter(VBOARD_RESOLVE);
+    const AccessLock lock(*this, VBOARD_RESOLVE);
     Access access{.kind = VBOARD_RESOLVE};
     access.id = faultOf(access);
     if (access.id == 0 && name != nullptr) {
@@ -249,12 +250,12 @@ int Board::resolve(const Design& design, const char* name) {
 }
 
 int Board::lastError() {
-    return static_cast<int>(
-        call(entry("Fg_getLastErrorNumber"), [this] { return m_forcedError.value_or(m_lastError); }));
+    return static_cast<int>(call(entry("Fg_getLastErrorNumber"),
+                                 [this]() REQUIRES(m_mutex) { return m_forcedError.value_or(m_lastError); }));
 }
 
 std::int64_t Board::call(int function, const std::function<std::int64_t()>& perform) {
-    const auto lock = enter(VBOARD_CALL);
+    const AccessLock lock(*this, VBOARD_CALL);
     const Access access{.kind = VBOARD_CALL, .row = static_cast<std::int16_t>(function)};
     if (const int fault = faultOf(access)) return finish(access, fault);
     const auto& forced = m_answers[place(function)];
@@ -267,7 +268,7 @@ std::int64_t Board::call(int function, const std::function<std::int64_t()>& perf
 
 int Board::configure(int function, vboard_config_function* AttachedApplet::*which, const char* file) {
     AttachedApplet applet;
-    const auto answer = static_cast<int>(call(function, [&]() -> std::int64_t {
+    const auto answer = static_cast<int>(call(function, [&]() REQUIRES(m_mutex) -> std::int64_t {
         applet = m_applet;
         return applet.*which != nullptr ? FG_OK : FG_ERR_NOT_SUPPORTED;
     }));
@@ -275,7 +276,7 @@ int Board::configure(int function, vboard_config_function* AttachedApplet::*whic
 }
 
 int Board::readRegister(int id, std::uint64_t* value) {
-    const auto lock = enter(VBOARD_REGISTER_READ);
+    const AccessLock lock(*this, VBOARD_REGISTER_READ);
     Access access = beginRegister(VBOARD_REGISTER_READ, id);
     if (const int fault = faultOf(access)) return finish(access, fault);
     if (access.row < 0 || value == nullptr) return finish(access, FG_ERR_INVALID_ARGUMENT);
@@ -285,7 +286,7 @@ int Board::readRegister(int id, std::uint64_t* value) {
 }
 
 int Board::writeRegister(int id, std::uint64_t value) {
-    const auto lock = enter(VBOARD_REGISTER_WRITE);
+    const AccessLock lock(*this, VBOARD_REGISTER_WRITE);
     Access access = beginRegister(VBOARD_REGISTER_WRITE, id);
     access.content = Access::number;
     access.value = value;
@@ -347,7 +348,7 @@ std::int64_t Board::takeEvents(const Design& design, std::uint64_t mask) {
 // Control.
 
 void Board::reset() {
-    const std::lock_guard lock(m_mutex);
+    const MutexLock lock(m_mutex);
     putStartValues();
     m_log.clear();
     m_accessCount = m_failingAccess = 0;
@@ -361,28 +362,28 @@ void Board::reset() {
 }
 
 void Board::setLogKinds(unsigned mask) {
-    const std::lock_guard lock(m_mutex);
+    const MutexLock lock(m_mutex);
     m_kinds = mask;
 }
 
 std::size_t Board::logSize() {
-    const std::lock_guard lock(m_mutex);
+    const MutexLock lock(m_mutex);
     return m_log.size();
 }
 
 std::optional<std::string> Board::logLine(std::size_t index) {
-    const std::lock_guard lock(m_mutex);
+    const MutexLock lock(m_mutex);
     if (index >= m_log.size()) return std::nullopt;
     return m_log.line(index);
 }
 
 void Board::clearLog() {
-    const std::lock_guard lock(m_mutex);
+    const MutexLock lock(m_mutex);
     m_log.clear();
 }
 
 void Board::failAccess(unsigned k, int code, bool fromThenOn) {
-    const std::lock_guard lock(m_mutex);
+    const MutexLock lock(m_mutex);
     m_accessCount = 0;
     m_failingAccess = k;
     m_failingCode = code;
@@ -390,12 +391,12 @@ void Board::failAccess(unsigned k, int code, bool fromThenOn) {
 }
 
 unsigned Board::accessCount() {
-    const std::lock_guard lock(m_mutex);
+    const MutexLock lock(m_mutex);
     return m_accessCount;
 }
 
 bool Board::failName(std::string_view name, int code) {
-    const std::lock_guard lock(m_mutex);
+    const MutexLock lock(m_mutex);
     if (const int row = findParameter(name); row >= 0) {
         m_failingParameters[place(row)] = code;
         return true;
@@ -408,22 +409,22 @@ bool Board::failName(std::string_view name, int code) {
 }
 
 void Board::setWatcher(const Watcher& watcher) {
-    const std::lock_guard lock(m_mutex);
+    const MutexLock lock(m_mutex);
     m_watcher = watcher;
 }
 
 void Board::setAnswer(int function, std::int64_t value) {
-    const std::lock_guard lock(m_mutex);
+    const MutexLock lock(m_mutex);
     m_answers[place(function)] = value;
 }
 
 void Board::attachApplet(const AttachedApplet& applet) {
-    const std::lock_guard lock(m_mutex);
+    const MutexLock lock(m_mutex);
     m_applet = applet;
 }
 
 void Board::setLastError(int code) {
-    const std::lock_guard lock(m_mutex);
+    const MutexLock lock(m_mutex);
     m_forcedError = code;
 }
 
@@ -438,7 +439,7 @@ std::uint64_t* Board::numberCalled(std::string_view name, Type& type) {
 }
 
 bool Board::poke(std::string_view name, Type type, std::uint64_t bits) {
-    const std::lock_guard lock(m_mutex);
+    const MutexLock lock(m_mutex);
     Type own;
     std::uint64_t* number = numberCalled(name, own);
     if (number == nullptr) return false;
@@ -448,7 +449,7 @@ bool Board::poke(std::string_view name, Type type, std::uint64_t bits) {
 }
 
 bool Board::peek(std::string_view name, Type type, std::uint64_t& bits) {
-    const std::lock_guard lock(m_mutex);
+    const MutexLock lock(m_mutex);
     Type own;
     const std::uint64_t* number = numberCalled(name, own);
     if (number == nullptr) return false;
@@ -458,7 +459,7 @@ bool Board::peek(std::string_view name, Type type, std::uint64_t& bits) {
 
 bool Board::raiseEvent(const char* name) {
     if (!isEvent(name)) return false;
-    const std::lock_guard lock(m_mutex);
+    const MutexLock lock(m_mutex);
     ++m_raisedEvents[name];
     return true;
 }
@@ -466,7 +467,7 @@ bool Board::raiseEvent(const char* name) {
 bool Board::pokeAfterRead(std::string_view name, std::uint64_t number) {
     const int row = findParameter(name);
     if (row < 0 || !isNumber(parameterRows()[place(row)].type)) return false;
-    const std::lock_guard lock(m_mutex);
+    const MutexLock lock(m_mutex);
     m_afterRead[place(row)] = converted(Type::i64, number, parameterRows()[place(row)].type);
     return true;
 }
@@ -474,7 +475,7 @@ bool Board::pokeAfterRead(std::string_view name, std::uint64_t number) {
 bool Board::pokeText(std::string_view name, const char* text) {
     const int row = findParameter(name);
     if (row < 0 || parameterRows()[place(row)].type != Type::text) return false;
-    const std::lock_guard lock(m_mutex);
+    const MutexLock lock(m_mutex);
     m_texts[place(row)] = text;
     return true;
 }
@@ -483,19 +484,13 @@ bool Board::peekField(std::string_view name, std::uint32_t first, std::uint32_t 
                       std::uint32_t* values) {
     const int row = findParameter(name);
     if (row < 0 || parameterRows()[place(row)].type != Type::field || !isInside(first, count)) return false;
-    const std::lock_guard lock(m_mutex);
+    const MutexLock lock(m_mutex);
     std::copy_n(fieldOf(place(row)).begin() + first, count, values);
     return true;
 }
 
-std::uint64_t Board::number(int row) {
-    const std::lock_guard lock(m_mutex);
-    return m_numbers[place(row)];
-}
+std::uint64_t Board::number(int row) { return m_numbers[place(row)]; }
 
-std::string Board::text(int row) {
-    const std::lock_guard lock(m_mutex);
-    return m_texts[place(row)];
-}
+std::string Board::text(int row) { return m_texts[place(row)]; }
 
 } // namespace vboard

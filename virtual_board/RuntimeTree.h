@@ -21,7 +21,7 @@ namespace vboard {
  */
 class RuntimeTree {
 public:
-    RuntimeTree(Board& board, const Design& design);
+    RuntimeTree(Board& board, const Design& design) REQUIRES(board.mutex());
     RegisterInfo* root() const { return m_root; }
 
 private:
@@ -35,7 +35,7 @@ private:
     Group& groupOf(std::string_view path);
     void describe(RegisterInfo& record, std::string_view label);
     void link(RegisterInfo& record, Group& parent);
-    void addLeaf(Board& board, int row);
+    void addLeaf(Board& board, int row) REQUIRES(board.mutex());
     void describeEntries(RegisterInfo& record, const ParameterRow& row, std::uint64_t value);
 
     std::deque<std::string> m_texts;

@@ -11,7 +11,6 @@
 #include <atomic>
 #include <cstring>
 #include <memory>
-#include <mutex>
 #include <vector>
 
 using namespace vboard;
@@ -32,9 +31,8 @@ struct Fg_Struct_s {
     Board& board;
     const std::shared_ptr<const Design> design;
 
-    std::mutex mutex; // guards what follows
-    std::vector<std::unique_ptr<char[]>> texts;
-    std::unique_ptr<RuntimeTree> tree;
+    std::vector<std::unique_ptr<char[]>> texts GUARDED_BY(board.mutex());
+    std::unique_ptr<RuntimeTree> tree GUARDED_BY(board.mutex());
 };
 
 namespace vboard::runtime {
@@ -97,7 +95,7 @@ int getParameterWithType(Fg_Struct* fg, int id, void* value, int dma, int type) 
     if (result == FG_OK && type == FG_PARAM_ALLOCATED_STRING) {
         char* text = nullptr;
         std::memcpy(&text, value, sizeof text);
-        const std::lock_guard lock(fg->mutex);
+        const MutexLock lock(fg->board.mutex());
         fg->texts.push_back(std::unique_ptr<char[]>(text)); // freed if there is no room for it
         Live::add(Live::strings, 1);
     }
@@ -105,9 +103,8 @@ int getParameterWithType(Fg_Struct* fg, int id, void* value, int dma, int type) 
 }
 
 int freeParameterStringWithType(Fg_Struct* fg, int, void* value, int, int type) {
-    return call(fg, entry("Fg_freeParameterStringWithType"), [&] {
+    return call(fg, entry("Fg_freeParameterStringWithType"), [&]() REQUIRES(fg->board.mutex()) {
         if (type != FG_PARAM_ALLOCATED_STRING) return FG_ERR_STRING_TAG;
-        const std::lock_guard lock(fg->mutex);
         const auto found = std::find_if(fg->texts.begin(), fg->texts.end(),
                                         [value](const auto& text) { return text.get() == value; });
         if (found == fg->texts.end()) return FG_ERR_INVALID_ARGUMENT;
@@ -128,7 +125,7 @@ int getParameter(Fg_Struct* fg, int id, void* value, int dma) {
 RegisterInfo* getParameterInfo(Fg_Struct* fg, int index) {
     const int result = call(fg, entry("Fg_getParameterInfo"), nothing);
     if (result != FG_OK || index != 0) return nullptr;
-    const std::lock_guard lock(fg->mutex);
+    const MutexLock lock(fg->board.mutex());
     if (fg->tree == nullptr) fg->tree = std::make_unique<RuntimeTree>(fg->board, *fg->design);
     return fg->tree->root();
 }
@@ -149,15 +146,17 @@ int getAppletId(Fg_Struct* fg, uintptr_t) {
 }
 
 int acquireEx(Fg_Struct* fg, int dma, intptr_t frames, int, void*) {
-    return call(fg, entry("Fg_AcquireEx"), [&] { return fg->board.startAcquisition(dma, frames); });
+    return call(fg, entry("Fg_AcquireEx"),
+                [&]() REQUIRES(fg->board.mutex()) { return fg->board.startAcquisition(dma, frames); });
 }
 
 int stopAcquireEx(Fg_Struct* fg, int dma, void*, int) {
-    return call(fg, entry("Fg_stopAcquireEx"), [&] { return fg->board.stopAcquisition(dma); });
+    return call(fg, entry("Fg_stopAcquireEx"),
+                [&]() REQUIRES(fg->board.mutex()) { return fg->board.stopAcquisition(dma); });
 }
 
 int64_t getStatusEx(Fg_Struct* fg, int what, intptr_t mask, int, void*) {
-    return callWide(fg, entry("Fg_getStatusEx"), [=] {
+    return callWide(fg, entry("Fg_getStatusEx"), [=]() REQUIRES(fg->board.mutex()) {
         return what == VBOARD_STATUS_EVENTS
                    ? fg->board.takeEvents(*fg->design, static_cast<std::uint64_t>(mask))
                    : fg->board.picture();
@@ -165,12 +164,13 @@ int64_t getStatusEx(Fg_Struct* fg, int what, intptr_t mask, int, void*) {
 }
 
 int64_t getLastPicNumberEx(Fg_Struct* fg, int, void*) {
-    return callWide(fg, entry("Fg_getLastPicNumberEx"), [fg] { return fg->board.nextPicture(); });
+    return callWide(fg, entry("Fg_getLastPicNumberEx"),
+                    [fg]() REQUIRES(fg->board.mutex()) { return fg->board.nextPicture(); });
 }
 
 int64_t getLastPicNumberBlockingEx(Fg_Struct* fg, intptr_t picture, int, int, void*) {
     return callWide(fg, entry("Fg_getLastPicNumberBlockingEx"),
-                    [&] { return fg->board.waitForPicture(picture); });
+                    [&]() REQUIRES(fg->board.mutex()) { return fg->board.waitForPicture(picture); });
 }
 
 } // namespace vboard::runtime

@@ -1,5 +1,9 @@
 /* On pages of its own and read-only, so that the image costs no memory until it is read. */
 
+#ifdef __CET__
+#include <cet.h> /* the mark that this object holds nothing against control flow protection */
+#endif
+
         .section .rodata.design, "a", @progbits
         .balign 4096
         .globl appletDesignImage

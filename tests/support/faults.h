@@ -91,7 +91,7 @@ public:
     void run(const std::function<void()>& task) {
         hand(task);
         std::unique_lock lock(m_mutex);
-        if (m_changed.wait_for(lock, std::chrono::seconds(20), [this] { return !m_hasTask; })) return;
+        if (m_changed.wait_for(lock, std::chrono::minutes(2), [this] { return !m_hasTask; })) return;
         std::cerr << "the lock is still held\n";
         std::abort();
     }

@@ -1,0 +1,18 @@
+/** Reads and writes as a busy system may answer them: interrupted, or done in part. */
+#ifndef TESTS_SUPPORT_HINDERED_CALLS_H
+#define TESTS_SUPPORT_HINDERED_CALLS_H
+
+namespace support {
+
+/** While it lives, every other read or write of the program ends with EINTR, and the rest move 7 bytes at most. */
+class HinderedCalls {
+public:
+    HinderedCalls();
+    ~HinderedCalls();
+    HinderedCalls(const HinderedCalls&) = delete;
+    HinderedCalls& operator=(const HinderedCalls&) = delete;
+};
+
+} // namespace support
+
+#endif
