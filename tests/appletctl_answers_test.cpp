@@ -227,7 +227,19 @@ TEST(AppletctlSet, FindsAnOrderInWhichAllPass) {
 TEST(AppletctlSet, VerifiesWhatTheDesignHolds) {
     EXPECT_TRUE(contains(run({"set", "--verify", "FG_WIDTH=2048", "FG_LINEPERIODE=100"}).out,
                          "Verified: all values read back, and the design holds what it should.\n"));
-    const json rate = document({"set", "--verify", "FG_CAMERASIMULATOR_LINERATE=10240.4"});
+    // What the hardware makes of a value is said, and is no fault; a value that a later assignment moves is one.
+    const Outcome taken =
+        run({"set", "--verify", "FG_CAMERASIMULATOR_LINERATE=7000", "FG_LINEPERIODE=100.003",
+             "FG_SCALINGFACTOR_RED=1.5001", "FG_CAMERASIMULATOR_WIDTH=33"});
+    EXPECT_EQ(taken.exitCode, 0) << taken.err;
+    for (const char* part :
+         {"FG_CAMERASIMULATOR_LINERATE = 7000.25200", " Hz (requested 7000; the simulator counts whole",
+          "FG_LINEPERIODE = 100.003 µs (the trigger counts in steps of 0.008 µs: actual 100 µs)\n",
+          "(gains have steps of 1/1024: actual 1.5)\n", "FG_CAMERASIMULATOR_WIDTH = 64 pixel (requested 33; ",
+          "Verified"})
+        EXPECT_TRUE(contains(taken.out, part)) << part << taken.out;
+    const json rate =
+        document({"set", "--verify", "FG_CAMERASIMULATOR_LINERATE=5000", "FG_CAMERASIMULATOR_FRAMERATE=2"});
     ASSERT_EQ(rate["unverified"].size(), 1u) << rate;
     EXPECT_EQ(rate["unverified"][0]["name"], "FG_CAMERASIMULATOR_LINERATE");
     EXPECT_EQ(rate["done"], false);
@@ -246,6 +258,10 @@ TEST(AppletctlReset, BringsEverythingBackToTheStart) {
         EXPECT_NE(rowOf(told["reset"], "name", name), nullptr) << name;
     EXPECT_TRUE(run(width).out.ends_with("FG_WIDTH: 4096 -> 1024 pixel\n"));
     EXPECT_EQ(run({"reset"}).out, "All of them hold their defaults.\n");
+    EXPECT_EQ(run({"reset", "FG_WIDTH"}).out, "FG_WIDTH holds its default, 1024 pixel.\n");
+    const Outcome measured = run({"reset", "FG_DIGIO_INPUT"});
+    EXPECT_EQ(measured.exitCode, 1);
+    EXPECT_TRUE(contains(measured.err, "FG_DIGIO_INPUT has no default: it is measured")) << measured.err;
     EXPECT_EQ(run({"reset", "FG_NOTHING"}).exitCode, 2);
 }
 

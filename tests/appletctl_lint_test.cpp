@@ -47,6 +47,10 @@ TEST(AppletctlLint, FindsWhatIsLegalButDoubtful) {
          "tables",
          {"FG_LUT_VALUE_RED", "FG_LUT_VALUE_GREEN", "FG_LUT_VALUE_BLUE"},
          "lut show"},
+        {{"FG_LUT_ENABLE=FG_ON", "FG_PROCESSING_GAIN=4"},
+         "clipping",
+         {"FG_LUT_VALUE_RED", "FG_LUT_VALUE_GREEN", "FG_LUT_VALUE_BLUE"},
+         "lut show"},
         {{"FG_LUT_ENABLE=FG_ON", "FG_LUT_TYPE=LUT_TYPE_CUSTOM"},
          "table-file",
          {"FG_LUT_TYPE", "FG_LUT_CUSTOM_FILE"},
@@ -63,7 +67,10 @@ TEST(AppletctlLint, FindsWhatIsLegalButDoubtful) {
          "flash",
          {"FG_FLASHON"},
          "FG_SIGNAL_CAM0_FLASH"},
-        {{"FG_STROBEPULSEDELAY=1024"}, "flash", {"FG_STROBEPULSEDELAY", "FG_HEIGHT"}, "below FG_HEIGHT"},
+        {{"FG_STROBEPULSEDELAY=1024"},
+         "flash",
+         {"FG_STROBEPULSEDELAY", "FG_HEIGHT"},
+         "FG_STROBEPULSEDELAY=1023 or less"},
         {{"FG_IMGTRIGGERMODE=ASYNC_TRIGGER", "FG_IMGTRIGGERON=FG_OFF"},
          "image-trigger",
          {"FG_IMGTRIGGERON", "FG_IMGTRIGGERMODE"},
@@ -105,7 +112,8 @@ TEST(AppletctlLint, IsSilentOnAGoodState) {
         {"FG_WIDTH=2048", "FG_SENSORWIDTH=2048"},
         {"FG_LINETRIGGERMODE=ASYNC_TRIGGER", "FG_LINETRIGGERINSRC=TRGINSRC_GPI_3", "FG_LINEEXPOSURE=500"},
         {"FG_LINEPERIODE=100.008", "FG_TIMEOUT=5", "FG_PIXELFORMAT=RGB12", "FG_DIGIO_OUTPUT=0"},
-        {"FG_LUT_ENABLE=FG_ON", "FG_PROCESSING_GAIN=2", "FG_LUT_SAVE_FILE="},
+        {"FG_LUT_ENABLE=FG_ON", "FG_PROCESSING_GAIN=1.005", "FG_LUT_SAVE_FILE="},
+        {"FG_PROCESSING_GAIN=4"}, // the table is off
     };
     for (const Words& state : states) {
         Words words = {"lint"};
@@ -136,13 +144,15 @@ TEST(AppletctlLint, LooksAtWhatALoadOfAFileGives) {
     run({"save", file, "FG_LINEEXPOSURE=150", "FG_LINEPERIODE=100"});
     const Outcome outcome = run({"lint", file});
     EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_TRUE(
+        contains(run({"timing", "FG_LINEPERIODE=10"}).out, "exposure: The exposure is longer than the line"));
     EXPECT_EQ(outcome.out.find("exposure: FG_LINEEXPOSURE = 150 µs, FG_LINEPERIODE = 100 µs\n    "), 0u)
         << outcome.out;
     std::string text = support::fileBytes(file);
     text.replace(text.find("FG_LINEEXPOSURE=150"), 19, "FG_LINEEXPOSURE=50");
     support::writeFile(file, text);
     EXPECT_EQ(run({"lint", file}).out, "Nothing doubtful.\n");
-    for (const char* period : {"0", "-1", "nan", "1e300"}) { // a load stores all of them
+    for (const char* period : {"nan", "1e300"}) { // a load stores both
         std::string bad = text;
         bad.replace(bad.find("FG_LINEPERIODE=100"), 18, std::string("FG_LINEPERIODE=") + period);
         support::writeFile(file, bad);

@@ -1,5 +1,6 @@
 #include "appletctl/applet/assignments.h"
 
+#include "appletctl/applet/hardware_values.h"
 #include "appletctl/applet/published_limits.h"
 #include "appletctl/base/text.h"
 
@@ -42,9 +43,8 @@ std::string outcomeText(const Target& target, const Value& requested, const Read
         return target.name() + " = " + valueWithUnit(parameter, requested) +
                " (cannot be read back: " + codeInWords(actual.error) + ")";
     }
-    std::string text = target.name() + " = " + valueWithUnit(parameter, actual.value);
-    const std::string wanted = valueText(parameter, requested);
-    return wanted == valueText(parameter, actual.value) ? text : text + " (requested " + wanted + ")";
+    return target.name() + " = " + valueWithUnit(parameter, actual.value) +
+           requestedAndActual(parameter, requested, actual.value);
 }
 
 } // namespace
@@ -90,6 +90,8 @@ void applyAssignments(Instance& instance, const Assignment& assignment, const As
     row["requested"] = asked;
     if (hooks.takeWrites) row["writes"] = lines;
     if (actual.error == FG_OK) addValue(row, target, actual.value);
+    if (const auto taken = nearestStep(parameter, actual.value); code == FG_OK && taken)
+        row["actual"] = *taken;
     std::string more;
     if (code == FG_OK) {
         report.text += outcomeText(target, assignment.value, actual) + '\n';

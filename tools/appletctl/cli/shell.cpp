@@ -1,12 +1,11 @@
 // Commands line by line, on one board.
 
-#include "appletctl/applet/published_limits.h"
 #include "appletctl/base/Interruption.h"
 #include "appletctl/base/text.h"
 #include "appletctl/base/words.h"
 #include "appletctl/cli/execute.h"
 #include "appletctl/cli/line_input.h"
-#include "appletctl/scratch/BoardState.h"
+#include "appletctl/scratch/History.h"
 
 #include <unistd.h>
 
@@ -16,18 +15,9 @@
 namespace appletctl {
 namespace {
 
-/** The values that are not as they were, as they were. Measured ones move by themselves and are left out. */
-json changedValues(const json& before, const json& now, const ParameterList& parameters) {
-    json changed = json::object();
-    for (const auto& [name, value] : before.items())
-        if (now.contains(name) && now[name] != value && accessWord(parameters.find(name)) != "ro")
-            changed[name] = value;
-    return changed;
-}
-
 class Shell {
 public:
-    explicit Shell(Context& context) : m_context(context), m_options(context.options()) {}
+    explicit Shell(Context& context) : m_context(context), m_options(context.options()), m_history(context) {}
 
     bool isOver() const { return m_isOver; }
 
@@ -40,7 +30,8 @@ public:
         if (m_isOver) return exitDone;
         if (line.isOpen)
             return show(failureReport("usage", "a quote is not closed", exitUsage), "", m_options, place);
-        if (line.words.size() == 1 && first == "undo") return show(undo(), "undo", m_options, place);
+        if (line.words.size() == 1 && first == "undo")
+            return show(m_history.undo(), "undo", m_options, place);
         const bool asksForHelp = first == "help";
         Words words(line.words.begin() + (asksForHelp ? 1 : 0), line.words.end());
         if (asksForHelp) words.emplace_back("--help");
@@ -66,15 +57,13 @@ private:
     ExitCode applyAssignments(const Request& request, const std::string& place) {
         const Interruption interruption;
         setOutputMode(request.options);
-        const json before = request.command != nullptr ? values() : json();
+        if (request.command != nullptr) m_history.begin();
         Report report = execute(request, m_context);
         if (interruption.isAsked()) report.exitCode = exitInterrupted;
         const ExitCode code = show(std::move(report), nameOf(request), request.options, place);
         m_context.setOptions(m_options);
         setOutputMode(m_options);
-        if (before.empty()) return code;
-        if (json changed = changedValues(before, values(), m_context.parameters()); !changed.empty())
-            m_before.push_back(std::move(changed));
+        m_history.end();
         return code;
     }
 
@@ -85,42 +74,9 @@ private:
         return static_cast<ExitCode>(print(report, command, options));
     }
 
-    /** The present values; none if there is no applet, which the command then says. */
-    json values() {
-        try {
-            return valuesOf(m_context.instance(), m_context.parameters());
-        } catch (const std::runtime_error&) {
-            return json::object();
-        }
-    }
-
-    Report undo() {
-        if (m_before.empty()) return failureReport("usage", "there is nothing to undo", exitUsage);
-        const json wanted = std::move(m_before.back());
-        m_before.pop_back();
-        Report report;
-        const Wanted values = wantedFrom(m_context.parameters(), wanted);
-        bringAbout(m_context.instance(), values);
-        Words others;
-        for (const auto& [parameter, value] : values)
-            if (!holds(m_context.instance(), *parameter, *value)) others.push_back(parameter->name);
-        auto& rows = report.document["parameters"] = nlohmann::ordered_json::array();
-        for (const auto& [name, value] : wanted.items()) {
-            const Target target = {&m_context.parameters().find(name)};
-            const ReadResult reading = readValue(m_context.instance(), target);
-            rows.push_back(readingAsJson(target, reading));
-            report.text += name + " = " + valueWithUnit(*target.parameter, reading.value) + '\n';
-        }
-        if (others.empty()) return report;
-        report.problems.push_back("not as before: " + join(others, ", "));
-        report.exitCode = exitRefused;
-        return report;
-    }
-
     Context& m_context;
     const Options m_options;
-    std::vector<json>
-        m_before; // what each command that changed something has changed, the last one at the end
+    History m_history;
     bool m_isOver = false;
 };
 

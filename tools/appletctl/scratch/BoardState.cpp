@@ -1,6 +1,12 @@
 #include "appletctl/scratch/BoardState.h"
 
+#include "appletctl/applet/ConfigurationFile.h"
+#include "appletctl/applet/hardware_values.h"
+
 #include "vexo/fg_errors.h"
+
+#include <cmath>
+#include <optional>
 
 namespace appletctl {
 
@@ -10,7 +16,7 @@ namespace {
 bool bring(Instance& instance, const Parameter& parameter, const json& wanted) {
     const Target target = wholeOf(parameter);
     return !holds(instance, parameter, wanted) &&
-           writeValue(instance, target, fromMessage(target, wanted)) == FG_OK;
+           writeValue(instance, target, requestFor(parameter, fromMessage(target, wanted))) == FG_OK;
 }
 
 } // namespace
@@ -81,6 +87,25 @@ void bringAbout(Instance& instance, const Wanted& wanted) {
         for (const auto& [parameter, value] : wanted)
             moved |= bring(instance, *parameter, *value);
     }
+}
+
+void storeByLoad(Instance& instance, const Wanted& wanted) {
+    std::optional<ConfigurationFile> state;
+    bool isEdited = false;
+    for (const auto& [parameter, value] : wanted) {
+        const bool isWritten = value->is_number() && std::isfinite(value->get<double>());
+        if (!isWritten || holds(instance, *parameter, *value)) continue;
+        if (!state) state.emplace(stateOf(instance));
+        const auto* line = ConfigurationFile::find(state->values(), parameter->name);
+        if (line == nullptr) continue;
+        state.emplace(state->textWith(*line, line->key + "=" + value->dump() + ";\n"));
+        isEdited = true;
+    }
+    if (!isEdited) return;
+    const TemporaryFile file;
+    file.write(state->text());
+    instance.applet().Fg_loadConfig(instance.fg(), file.path().c_str());
+    bringAbout(instance, wanted); // a load computes the tables anew
 }
 
 json valuesOf(Instance& instance, const ParameterList& parameters) {

@@ -38,6 +38,10 @@ Wanted wantedFrom(const ParameterList& parameters, const json& values);
 /** Sets the values until all hold or no more is taken. */
 void bringAbout(Instance& instance, const Wanted& wanted);
 
+/** Stores numbers that their setters refuse, such as an exposure above a period that was lowered afterwards: a load of
+ *  a configuration file takes them unchecked. */
+void storeByLoad(Instance& instance, const Wanted& wanted);
+
 /** True when the parameter reads as this value. */
 bool holds(Instance& instance, const Parameter& parameter, const json& wanted);
 

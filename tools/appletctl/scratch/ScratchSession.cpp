@@ -1,9 +1,7 @@
 #include "appletctl/scratch/ScratchSession.h"
 
-#include "appletctl/applet/ConfigurationFile.h"
 #include "appletctl/applet/access_log.h"
 
-#include <cmath>
 #include <utility>
 
 namespace appletctl {
@@ -87,32 +85,11 @@ void ScratchSession::prepareBoard(LOOMdevice* device) {
 void ScratchSession::setValues() {
     const Wanted wanted = wantedFrom(*m_parameters, m_seed.at("values"));
     bringAbout(*m_instance, wanted);
-    storeByLoad(wanted);
+    storeByLoad(*m_instance, wanted);
     m_assumed.clear();
     if (m_seed.at("design").is_null()) m_assumed.emplace_back("design");
     for (const auto& [parameter, value] : wanted)
         if (!holds(*m_instance, *parameter, *value)) m_assumed.push_back(parameter->name);
-}
-
-/** A live value may be one that its setter refuses by now, such as an exposure above a period that was lowered
- *  afterwards. A load stores it all the same. */
-void ScratchSession::storeByLoad(const Wanted& wanted) {
-    std::optional<ConfigurationFile> state;
-    bool isEdited = false;
-    for (const auto& [parameter, value] : wanted) {
-        const bool isWritten = value->is_number() && std::isfinite(value->get<double>());
-        if (!isWritten || holds(*m_instance, *parameter, *value)) continue;
-        if (!state) state.emplace(stateOf(*m_instance));
-        const auto* line = ConfigurationFile::find(state->values(), parameter->name);
-        if (line == nullptr) continue;
-        state.emplace(state->textWith(*line, line->key + "=" + value->dump() + ";\n"));
-        isEdited = true;
-    }
-    if (!isEdited) return;
-    const TemporaryFile file;
-    file.write(state->text());
-    m_instance->applet().Fg_loadConfig(m_instance->fg(), file.path().c_str());
-    bringAbout(*m_instance, wanted); // a load computes the tables anew
 }
 
 } // namespace appletctl

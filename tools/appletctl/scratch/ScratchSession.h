@@ -40,7 +40,6 @@ public:
 private:
     void prepareBoard(LOOMdevice* device);
     void setValues();
-    void storeByLoad(const Wanted& wanted);
 
     Options m_options;
     std::shared_ptr<const applet_host::AppletHost> m_host;

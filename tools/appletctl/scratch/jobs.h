@@ -16,13 +16,15 @@ json planJob(ScratchSession& session, const json& arguments);
 /** Loads {"file": FILE}: {"report", "code", "state"}. */
 json checkJob(ScratchSession& session, const json& arguments);
 
-/** Compares [{"title", "member", "text"}, ...]; a text of null stands for the defaults. */
-json differencesJob(ScratchSession& session, const json& sides);
+/** Compares {"sides": [{"title", "member", "text"}, ...], "isNextCycleSame": BOOL} (see NextCycle); a text of null stands
+ *  for the defaults. */
+json differencesJob(ScratchSession& session, const json& arguments);
 
 /** The values of all that has a setter, in the order of the applet's start: [{"name", "value"}, ...]. */
 json defaultsJob(ScratchSession& session, const json& nothing);
 
-/** The numbers of the design that {"assignments": [WORD, ...]} write, as they are afterwards: {NAME: TEXT}. */
+/** Carries out {"assignments": [WORD, ...]}: {"design": {NAME: TEXT}, the numbers of the design that were written, as
+ *  they are afterwards, "taken": [VALUE, ...], what each parameter read after its assignment}. */
 json expectJob(ScratchSession& session, const json& arguments);
 
 /** Looks for an order of {"assignments": [WORD, ...]}: {"isComplete", "words", "problems"}. */

@@ -111,4 +111,15 @@ std::optional<Value> firstBehind(const MeasuredRange& range, End end) {
     return numberAt(end == End::maximum ? rank + step : rank - step, last);
 }
 
+std::optional<Value> nearestAccepted(Probe& probe, const Target& target, const Value& wanted) {
+    if (target.elements || target.parameter->kind() == REGISTER_KIND_ENUM || !isNumber(wanted))
+        return std::nullopt;
+    const auto range = measuredRange(probe, target);
+    if (!range) return std::nullopt;
+    const std::uint64_t rank = rankOf(wanted), low = rankOf(range->minimum), high = rankOf(range->maximum);
+    if (rank <= low) return range->minimum;
+    if (rank >= high) return range->maximum;
+    return numberAt(range->step > 1 ? low + (rank - low) / range->step * range->step : rank, wanted);
+}
+
 } // namespace appletctl

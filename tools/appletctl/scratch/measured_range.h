@@ -17,6 +17,9 @@ struct MeasuredRange {
 /** Nothing where the setter takes no number at all, or the target is none. */
 std::optional<MeasuredRange> measuredRange(Probe& probe, const Target& target);
 
+/** Of a number the accepted one that is nearest to the wanted one. */
+std::optional<Value> nearestAccepted(Probe& probe, const Target& target, const Value& wanted);
+
 /** Which end of a range. */
 enum class End { minimum, maximum };
 

@@ -88,7 +88,7 @@ Report planFile(ScratchSession& session, const std::string& file) {
     const LoadOutcome outcome = loadAndCompare(session, keys, file);
     const ConfigurationFile now(outcome.state);
     if (addDifferences(report, {{"BEFORE", "before", &state}, {"AFTER", "after", &now}}, session.parameters(),
-                       keys) == 0)
+                       keys, NextCycle::same) == 0)
         report.text += "Nothing would change.\n";
     report.document["writes"] = outcome.writes;
     for (const std::string& line : outcome.writes)

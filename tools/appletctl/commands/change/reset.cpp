@@ -1,6 +1,7 @@
 // Defaults: the values of a scratch board after its start, set in the order in which the applet sets them there.
 
 #include "appletctl/applet/assignments.h"
+#include "appletctl/applet/hardware_values.h"
 #include "appletctl/base/text.h"
 #include "appletctl/scratch/jobs.h"
 #include "appletctl/scratch/reports.h"
@@ -48,7 +49,8 @@ void bringAll(Instance& instance, std::vector<Default>& open) {
         moved = false;
         for (Default& wanted : open) {
             if (isHeld(instance, wanted)) continue;
-            wanted.code = writeValue(instance, wanted.target, wanted.value);
+            wanted.code =
+                writeValue(instance, wanted.target, requestFor(*wanted.target.parameter, wanted.value));
             moved |= wanted.code == FG_OK;
         }
     }
@@ -68,6 +70,23 @@ void tell(Instance& instance, const Default& wanted, Report& report) {
         row["error"] = codeAsJson(wanted.code);
     }
     report.document["reset"].push_back(std::move(row));
+}
+
+std::string whyNoDefault(const Parameter& parameter) {
+    if (parameter.writesFile()) return "a set of it " + parameter.effectOfWriting();
+    return "it is measured, or fixed by the design";
+}
+
+/** That nothing was to be done. */
+std::string heldText(const ParameterList& parameters, const std::set<std::string>& names,
+                     const json& defaults) {
+    if (names.size() != 1) return "All of them hold their defaults.\n";
+    const Parameter& parameter = parameters.find(*names.begin());
+    std::string text = parameter.name + " holds its default";
+    for (const json& row : defaults)
+        if (row.at("name") == parameter.name && elementCount(parameter) == 0)
+            text += ", " + valueWithUnit(parameter, fromMessage({&parameter}, row.at("value")));
+    return text + ".\n";
 }
 
 } // namespace
@@ -107,7 +126,14 @@ Report resetParameters(Context& context, const Words& words) {
     bringAll(context.instance(), open);
     for (const Default& parameter : open)
         tell(context.instance(), parameter, report);
-    if (open.empty()) report.text += "All of them hold their defaults.\n";
+    for (const std::string& name : names)
+        if (std::ranges::none_of(defaults, [&](const json& row) { return row.at("name") == name; })) {
+            report.problems.push_back(name +
+                                      " has no default: " + whyNoDefault(context.parameters().find(name)));
+            report.exitCode = exitRefused;
+        }
+    if (open.empty() && report.exitCode == exitDone)
+        report.text += heldText(context.parameters(), names, defaults);
     addAssumed(report, context.assumed());
     return report;
 }

@@ -1,5 +1,6 @@
 #include "appletctl/applet/access_log.h"
 #include "appletctl/applet/assignments.h"
+#include "appletctl/applet/hardware_values.h"
 #include "appletctl/base/text.h"
 #include "appletctl/commands/change/order.h"
 #include "appletctl/commands/change/why.h"
@@ -17,12 +18,19 @@ namespace {
 
 using nlohmann::ordered_json;
 
-/** Reads every parameter back and tells what is otherwise than it was set. */
-void verifyValues(Context& context, const Words& words, Report& report, ordered_json& rows) {
+/** Reads every parameter back and tells what is otherwise than it was set. `taken` holds what each one read on the
+ *  scratch board directly after its set, which is not the requested value where the hardware counts more coarsely. */
+void verifyValues(Context& context, const Words& words, const json& taken, Report& report,
+                  ordered_json& rows) {
+    std::size_t place = 0;
     for (const Assignment& assignment : parseAssignments(context.parameters(), words)) {
         const Target& target = assignment.target;
         const ReadResult reading = readValue(context.instance(), target);
+        const json expected = place < taken.size() ? taken[place] : json();
+        ++place;
         if (reading.error == FG_OK && reading.value == assignment.value) continue;
+        const bool isRounded = !countingOf(*target.parameter).empty() && !expected.is_null();
+        if (reading.error == FG_OK && isRounded && reading.value == fromMessage(target, expected)) continue;
         const std::string held =
             reading.error == FG_OK ? valueText(*target.parameter, reading.value) : codeInWords(reading.error);
         const std::string wanted = valueText(*target.parameter, assignment.value);
@@ -50,8 +58,8 @@ void verifyDesign(Context& context, const json& expected, Report& report, ordere
 
 void verify(Context& context, const Words& words, const json& expected, Report& report) {
     auto& rows = report.document["unverified"] = ordered_json::array();
-    verifyValues(context, words, report, rows);
-    if (!context.options().offline) verifyDesign(context, expected, report, rows);
+    verifyValues(context, words, expected.at("taken"), report, rows);
+    if (!context.options().offline) verifyDesign(context, expected.at("design"), report, rows);
     if (!rows.empty()) report.exitCode = exitRefused;
     if (rows.empty() && report.exitCode == exitDone)
         report.text +=
@@ -62,7 +70,15 @@ void verify(Context& context, const Words& words, const json& expected, Report& 
 } // namespace
 
 json expectJob(ScratchSession& session, const json& arguments) {
-    applyAssignments(session.instance(), session.parameters(), arguments.at("assignments").get<Words>());
+    json taken = json::array();
+    AssignmentHooks hooks;
+    hooks.after = [&](const Assignment& assignment, ordered_json&) {
+        const ReadResult reading = readValue(session.instance(), assignment.target);
+        taken.push_back(reading.error == FG_OK ? asMessage(reading.value) : json());
+        return "";
+    };
+    applyAssignments(session.instance(), session.parameters(), arguments.at("assignments").get<Words>(),
+                     hooks);
     std::set<std::string> written;
     for (const std::string& line : takeWrites(session.instance()))
         written.insert(writtenParameter(line));
@@ -70,7 +86,7 @@ json expectJob(ScratchSession& session, const json& arguments) {
     const DesignSnapshot picture(session);
     for (const auto& [name, text] : picture.numbers())
         if (written.contains(name)) expected[name] = text;
-    return expected;
+    return {{"design", expected}, {"taken", taken}};
 }
 
 Report setParameters(Context& context, const Words& asked) {

@@ -1,11 +1,13 @@
 #include "appletctl/commands/files/differences.h"
 
+#include "appletctl/applet/hardware_values.h"
 #include "appletctl/base/text.h"
 #include "appletctl/scratch/jobs.h"
 
 #include <unistd.h>
 
 #include <algorithm>
+#include <cmath>
 
 namespace appletctl {
 namespace {
@@ -13,6 +15,26 @@ namespace {
 bool isSame(const Parameter& parameter, const std::optional<std::string>& a,
             const std::optional<std::string>& b) {
     return a && b ? isSameValue(parameter, *a, *b) : a.has_value() == b.has_value();
+}
+
+double numberIn(const ConfigurationFile& file, const char* key) {
+    return floatingNumber(file.value(key).value_or("")).value_or(0);
+}
+
+/** True for a rate that only differs by the cycle that a load of a saved rate may take it away. The frame rate follows
+ *  the line rate. */
+bool isNextCycle(const ParameterList& parameters, const std::string& key, const std::vector<Side>& sides) {
+    constexpr const char *line = "FG_CAMERASIMULATOR_LINERATE", *frame = "FG_CAMERASIMULATOR_FRAMERATE";
+    if ((key != line && key != frame) || sides.size() != 2 || sides[0].file == nullptr ||
+        sides[1].file == nullptr)
+        return false;
+    const ConfigurationFile &before = *sides[0].file, &after = *sides[1].file;
+    const double was = numberIn(before, line), is = numberIn(after, line);
+    if (!areNeighbours(parameters.find(line), was, is)) return false;
+    if (key == line) return true;
+    constexpr double tolerance = 1e-10; // a file holds 12 digits
+    const double expected = numberIn(before, frame) / was * is;
+    return std::fabs(numberIn(after, frame) - expected) <= tolerance * expected;
 }
 
 std::string cell(const Parameter& parameter, const std::optional<std::string>& text) {
@@ -32,7 +54,7 @@ nlohmann::ordered_json asJson(const Parameter& parameter, const std::optional<st
 } // namespace
 
 std::size_t addDifferences(Report& report, const std::vector<Side>& sides, const ParameterList& parameters,
-                           FileKeys& keys) {
+                           FileKeys& keys, NextCycle nextCycle) {
     auto& rows = report.document["differences"] = nlohmann::ordered_json::array();
     std::vector<std::string> titles{"NAME"};
     for (const Side& side : sides)
@@ -47,6 +69,7 @@ std::size_t addDifferences(Report& report, const std::vector<Side>& sides, const
         const bool areSame = std::ranges::all_of(
             values, [&](const auto& value) { return isSame(parameter, values.front(), value); });
         if (areSame || !keys.isReadByLoad(line.key)) continue;
+        if (nextCycle == NextCycle::same && isNextCycle(parameters, line.key, sides)) continue;
         std::vector<std::string> cells{parameter.name};
         nlohmann::ordered_json row = {{"name", parameter.name}, {"unit", parameter.unit()}};
         for (std::size_t i = 0; i < sides.size(); ++i) {
@@ -62,26 +85,29 @@ std::size_t addDifferences(Report& report, const std::vector<Side>& sides, const
 
 json differencesJob(ScratchSession& session, const json& arguments) {
     std::vector<std::optional<ConfigurationFile>> files;
-    for (const json& side : arguments) {
+    for (const json& side : arguments.at("sides")) {
         const json& text = side.at("text");
         files.push_back(text.is_null() ? std::nullopt : std::optional<ConfigurationFile>(bytesOf(text)));
     }
     std::vector<Side> sides;
     for (std::size_t i = 0; i < files.size(); ++i)
-        sides.push_back({arguments[i].at("title").get<std::string>(),
-                         arguments[i].at("member").get<std::string>(), files[i] ? &*files[i] : nullptr});
+        sides.push_back({arguments["sides"][i].at("title").get<std::string>(),
+                         arguments["sides"][i].at("member").get<std::string>(),
+                         files[i] ? &*files[i] : nullptr});
     Report report;
     FileKeys keys(session);
-    addDifferences(report, sides, session.parameters(), keys);
+    addDifferences(report, sides, session.parameters(), keys,
+                   arguments.at("isNextCycleSame").get<bool>() ? NextCycle::same : NextCycle::differs);
     return asMessage(report);
 }
 
-std::size_t askDifferences(Report& report, const std::vector<Side>& sides, ScratchBoard& scratch) {
-    json arguments = json::array();
+std::size_t askDifferences(Report& report, const std::vector<Side>& sides, ScratchBoard& scratch,
+                           NextCycle nextCycle) {
+    json arguments = {{"sides", json::array()}, {"isNextCycleSame", nextCycle == NextCycle::same}};
     for (const Side& side : sides)
-        arguments.push_back({{"title", side.title},
-                             {"member", side.member},
-                             {"text", side.file != nullptr ? asBytes(side.file->text()) : json()}});
+        arguments["sides"].push_back({{"title", side.title},
+                                      {"member", side.member},
+                                      {"text", side.file != nullptr ? asBytes(side.file->text()) : json()}});
     append(report, reportOf(scratch.ask("differences", arguments)));
     return report.document["differences"].size();
 }

@@ -19,13 +19,17 @@ struct Side {
     const ConfigurationFile* file; // null: the defaults
 };
 
+/** What a rate of the simulator counts as that is one cycle away from a saved one: a load of a file takes it there. */
+enum class NextCycle { differs, same };
+
 /** Compares what a load would read, on the scratch board; measurements and what is saved for the reader only are
  *  left out. Adds the table to the text and "differences" to the document. Returns their number. */
 std::size_t addDifferences(Report& report, const std::vector<Side>& sides, const ParameterList& parameters,
-                           FileKeys& keys);
+                           FileKeys& keys, NextCycle nextCycle);
 
 /** The same, asked of a scratch board. */
-std::size_t askDifferences(Report& report, const std::vector<Side>& sides, ScratchBoard& scratch);
+std::size_t askDifferences(Report& report, const std::vector<Side>& sides, ScratchBoard& scratch,
+                           NextCycle nextCycle = NextCycle::differs);
 
 } // namespace appletctl
 

@@ -38,7 +38,8 @@ Report loadConfiguration(Context& context, const Words& words) {
     const ConfigurationFile before = stateOf(work.instance);
     const int code = work.instance.applet().Fg_loadConfig(work.instance.fg(), file.c_str());
     const ConfigurationFile now = stateOf(work.instance);
-    if (askDifferences(work.report, {{"BEFORE", "before", &before}, {"NOW", "now", &now}}, scratch) == 0)
+    if (askDifferences(work.report, {{"BEFORE", "before", &before}, {"NOW", "now", &now}}, scratch,
+                       NextCycle::same) == 0)
         work.report.text += "Nothing has changed.\n";
     append(work.report, check.report);
     addSurprises(work, check, code, now, scratch);

@@ -2,6 +2,7 @@
 
 #include "appletctl/applet/access_log.h"
 #include "appletctl/applet/assignments.h"
+#include "appletctl/applet/hardware_values.h"
 #include "appletctl/applet/published_limits.h"
 #include "appletctl/base/numbers.h"
 #include "appletctl/base/text.h"
@@ -53,12 +54,27 @@ public:
         const std::optional<Value> value = valueInFile(wanted, asked);
         if (!value && !isKept)
             return Finding{"unreadable", key, change + ": a load reads decimal numbers with a point"};
+        if (!value && wanted.kind() == REGISTER_KIND_DOUBLE)
+            return Finding{"unreadable", key,
+                           key + ": the file has " + fileValueText(wanted, asked) +
+                               ", which is no number; no limit stops it, so the board receives it"};
         if (!value || isComputed(wanted, line)) return std::nullopt;
         const int code = writeValue(m_session.instance(), {&wanted}, *value);
         if (code != FG_OK) return refusal(wanted, *value, code, isKept ? "" : change);
-        if (isKept) return std::nullopt;
-        if (isSameValue(wanted, onTrial(key), is))
-            return Finding{"rounded", key, change + ", as close as the setter comes to it", false};
+        if (isKept && !nearestStep(wanted, *value)) return std::nullopt;
+        if (isKept)
+            return Finding{"rounded", key,
+                           key + ": the file has " + fileValueText(wanted, asked) +
+                               requestedAndActual(wanted, *value, *value),
+                           false};
+        if (const auto taken = valueInFile(wanted, is); taken && areNeighbours(wanted, *value, *taken))
+            return std::nullopt;
+        if (isSameValue(wanted, onTrial(key), is)) {
+            const std::string why = countingOf(wanted);
+            return Finding{"rounded", key,
+                           change + (why.empty() ? ", as close as the setter comes to it" : ": " + why),
+                           false};
+        }
         if (wanted.kind() == REGISTER_KIND_STRING && asked.starts_with(is))
             return Finding{"cut", key, change + ": a load ends a text at its first = ; or '"};
         return Finding{"unapplied", key,

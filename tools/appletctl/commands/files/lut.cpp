@@ -120,7 +120,12 @@ Report showLut(Context& context, const Words& assignments) {
     if (work.isRefused()) return work.report;
     const LutTables tables = tablesOf(work);
     addDocument(work, tables);
-    work.report.text += settingsText(work) + "\n\n" + statisticsText(tables);
+    work.report.text += settingsText(work) + "\n";
+    if (std::get<std::int32_t>(work.get("FG_LUT_ENABLE")) == FG_OFF)
+        work.report.text +=
+            "The lookup table is off: images pass unchanged, so nothing is clipped in them. With "
+            "FG_LUT_ENABLE=FG_ON it does this:\n";
+    work.report.text += "\n" + statisticsText(tables);
     addCurves(work.report, tables, context.options().lutChannel);
     return work.report;
 }

@@ -5,9 +5,13 @@
 #include "appletctl/applet/LutTables.h"
 #include "appletctl/applet/access_log.h"
 #include "appletctl/applet/assignments.h"
+#include "appletctl/applet/hardware_values.h"
+#include "appletctl/applet/line_timing.h"
 #include "appletctl/applet/published_limits.h"
 #include "appletctl/base/text.h"
+#include "appletctl/commands/files/loading.h"
 #include "appletctl/scratch/jobs.h"
+#include "appletctl/scratch/measured_range.h"
 #include "appletctl/scratch/reports.h"
 
 #include "vexo/fg_errors.h"
@@ -55,89 +59,130 @@ public:
     }
 
     void add(const char* rule, const Words& names, const std::string& why, const std::string& advice) {
-        Words values;
-        for (const std::string& name : names)
-            values.push_back(name + " = " + valueWithUnit(parameters().find(name), value(name)));
-        add(rule, names, values, why, advice);
+        add(rule, names, valuesOf(names), why, advice);
     }
     void add(const char* rule, const Words& names, const Words& values, const std::string& why,
              const std::string& advice) {
         m_findings.push_back(
             {{"rule", rule}, {"names", names}, {"values", values}, {"why", why}, {"advice", advice}});
     }
-    const json& findings() const { return m_findings; }
+    /** Advises to set the first of the names to `wanted`, or to the value nearest to it that its setter takes. */
+    void propose(const char* rule, const Words& names, const Words& values, const std::string& why,
+                 const Value& wanted, const std::string& orElse = "") {
+        m_proposals.push_back({m_findings.size(), names.front(), wanted, orElse});
+        add(rule, names, values, why, "");
+    }
+    void propose(const char* rule, const Words& names, const std::string& why, const Value& wanted,
+                 const std::string& orElse = "") {
+        propose(rule, names, valuesOf(names), why, wanted, orElse);
+    }
+    /** True when a rule has told of the parameter that it is to be set anew. */
+    bool isProposed(const std::string& name) const {
+        return std::ranges::find(m_proposals, name, &Proposal::name) != m_proposals.end();
+    }
+
+    /** To be called at the end, as it tries values. */
+    const json& findings() {
+        if (m_proposals.empty()) return m_findings;
+        m_session.rewind();
+        Probe probe(m_session);
+        for (const Proposal& proposal : m_proposals) {
+            m_findings[proposal.finding]["advice"] = adviceOn(probe, proposal);
+            probe.restore();
+        }
+        m_proposals.clear();
+        return m_findings;
+    }
 
 private:
+    struct Proposal {
+        std::size_t finding;
+        std::string name;
+        Value wanted;
+        std::string orElse;
+    };
+
+    Words valuesOf(const Words& names) {
+        Words values;
+        for (const std::string& name : names)
+            values.push_back(name + " = " + valueWithUnit(parameters().find(name), value(name)));
+        return values;
+    }
+
+    std::string adviceOn(Probe& probe, const Proposal& proposal) {
+        const Target target = m_session.target(proposal.name);
+        std::optional<Value> accepted = proposal.wanted;
+        if (probe.answer(target, proposal.wanted) != FG_OK)
+            accepted = nearestAccepted(probe, target, proposal.wanted);
+        if (!accepted || probe.answer(target, *accepted) != FG_OK)
+            return "'appletctl limits " + proposal.name + "' tells what is accepted";
+        return "Set " + proposal.name + "=" + valueText(*target.parameter, *accepted) + proposal.orElse;
+    }
+
     ScratchSession& m_session;
     json m_findings = json::array();
+    std::vector<Proposal> m_proposals;
 };
 
 bool isGrabberControlled(State& state) {
     return state.is("FG_LINETRIGGERMODE", {GRABBER_CONTROLLED, GRABBER_CONTROLLED_GATED});
 }
 
-std::string rounded(double number) {
-    constexpr double places = 1e9;
-    return numberText(std::round(number * places) / places);
-}
-
-void exposureAbovePeriod(State& state) {
-    const double period = state.number("FG_LINEPERIODE");
-    if (!isGrabberControlled(state) || period <= 0 || !(state.number("FG_LINEEXPOSURE") > period)) return;
-    state.add(
-        "exposure", {"FG_LINEEXPOSURE", "FG_LINEPERIODE"},
-        "The ExSync pulse is longer than the line period. The period was lowered after the exposure was "
-        "set, and the exposure is neither clamped nor reported",
-        "Set FG_LINEEXPOSURE=" + numberText(period) + " or less, or a longer FG_LINEPERIODE");
-}
-
-void delayAbovePeriod(State& state) {
-    const double period = state.number("FG_LINEPERIODE");
-    if (period <= 0 || !(state.number("FG_LINETRIGGERDELAY") > period)) return;
-    state.add("delay", {"FG_LINETRIGGERDELAY", "FG_LINEPERIODE"},
-              "ExSync2 is delayed by more than a line period, so it belongs to no line any more",
-              "Set FG_LINETRIGGERDELAY=" + numberText(period) + " or less");
+void unfitTiming(State& state) {
+    const auto mode = static_cast<std::int32_t>(state.number("FG_LINETRIGGERMODE"));
+    for (const TimingTrouble& trouble :
+         timingTroubles(mode, state.number("FG_LINEPERIODE"), state.number("FG_LINEEXPOSURE"),
+                        state.number("FG_LINETRIGGERDELAY")))
+        state.propose(trouble.rule, {trouble.names.begin(), trouble.names.end()}, trouble.why,
+                      trouble.longest, " or less, or a longer FG_LINEPERIODE");
 }
 
 void offTheGrid(State& state) {
     for (const Parameter& parameter : state.parameters().all()) {
-        if (parameter.kind() != REGISTER_KIND_DOUBLE || !accessWord(parameter).starts_with("rw")) continue;
-        const double step = parameter.record->value.f64.increment;
-        constexpr double smallestStep = 1e-6; // below it is a placeholder
-        const double value = state.number(parameter.name);
-        if (step < smallestStep || !std::isfinite(value)) continue;
-        const double steps = value / step;
-        constexpr double tolerance = 1e-6;
-        if (std::fabs(steps - std::round(steps)) <= tolerance) continue;
-        const std::string actual = rounded(std::round(steps) * step);
-        state.add("grid", {parameter.name},
-                  "Requested is " + numberText(value) + ", and the hardware counts in steps of " +
-                      numberText(step) + ": the nearest one is " + actual,
-                  "Set " + parameter.name + "=" + actual);
+        if (countingOf(parameter).empty() || !accessWord(parameter).starts_with("rw")) continue;
+        const Value value = state.value(parameter.name);
+        if (const auto actual = nearestStep(parameter, value); actual && !state.isProposed(parameter.name))
+            state.propose("grid", {parameter.name},
+                          "Requested is " + valueText(parameter, value) + ", but " + countingOf(parameter) +
+                              ": the nearest is " + numberText(*actual),
+                          *actual);
     }
 }
 
-void outsideItsLimits(State& state) {
+constexpr std::string_view simulatorPrefix = "FG_CAMERASIMULATOR_";
+
+/** True for a rate that the simulator's mode computes from other parameters. */
+bool isComputedRate(const Parameter& parameter) {
+    return parameter.kind() == REGISTER_KIND_DOUBLE && parameter.name.starts_with(simulatorPrefix) &&
+           accessWord(parameter) == "ro";
+}
+
+/** Gives the present values to their setters once more. */
+void refusedIfSetAgain(State& state) {
     for (const Parameter& parameter : state.parameters().all()) {
-        const bool isToldElsewhere =
-            parameter.name == "FG_LINEEXPOSURE" || parameter.name == "FG_LINETRIGGERDELAY";
-        if (isToldElsewhere || elementCount(parameter) > 0 || !accessWord(parameter).starts_with("rw") ||
-            limitsText(parameter).empty())
-            continue;
-        if (isWithinLimits(parameter, state.value(parameter.name))) continue;
-        state.add("limits", {parameter.name},
-                  "The value stands outside its present limits, " + limitsText(parameter) +
-                      ": they have moved since it was set, or a load has stored it unchecked. Setting it "
-                      "again would be refused",
-                  "Set a value within the limits, or see 'appletctl limits " + parameter.name + "'");
+        const bool isAsked = parameter.record != nullptr && elementCount(parameter) == 0 &&
+                             parameter.effectOfReading().empty() && parameter.effectOfWriting().empty() &&
+                             !isComputedRate(parameter) && !state.isProposed(parameter.name);
+        if (!isAsked) continue;
+        const Value value = state.value(parameter.name);
+        const auto* number = std::get_if<double>(&value);
+        const bool isNoNumber = number != nullptr && !std::isfinite(*number);
+        const int code = writeValue(state.session().instance(), {&parameter}, requestFor(parameter, value));
+        if (code == FG_ERR_NOT_AVAILABLE || (code == FG_OK && !isNoNumber)) continue;
+        const std::string refusal = isNoNumber ? "the value is no number, and no limit stops it"
+                                               : refusalInWords(parameter, value, code);
+        state.propose("limits", {parameter.name},
+                      "Setting the value again would be refused: " + refusal +
+                          ". The limits have moved since it was set, or a load has stored it unchecked",
+                      value);
     }
 }
 
 void phaseAboveDownscale(State& state) {
     if (state.number("FG_LINE_DOWNSCALEINIT") <= state.number("FG_LINE_DOWNSCALE")) return;
-    state.add("phase", {"FG_LINE_DOWNSCALEINIT", "FG_LINE_DOWNSCALE"},
-              "The first line of an image waits for more input pulses than one line takes",
-              "Set FG_LINE_DOWNSCALEINIT=" + numberText(state.number("FG_LINE_DOWNSCALE")) + " or less");
+    state.propose("phase", {"FG_LINE_DOWNSCALEINIT", "FG_LINE_DOWNSCALE"},
+                  "The first line of an image waits for more input pulses than one line takes",
+                  state.value("FG_LINE_DOWNSCALE"), " or less");
 }
 
 /** The rows of the region's two directions: in which of them the sensor is not checked. */
@@ -163,6 +208,29 @@ void outsideTheSensor(State& state) {
     }
 }
 
+/** Tables that give the darkest or the brightest value for more than a few inputs. */
+void clippedTables(State& state, const LutTables& tables) {
+    Words names, values;
+    for (const LutTable& table : tables.colours) {
+        const LutStatistics told = statisticsOf(table.entries, tables.largest);
+        std::size_t clipped = 0;
+        for (const auto& range : {told.atStart, told.atEnd})
+            if (range) clipped += range->count();
+        constexpr std::size_t few = 100; // one of them
+        if (told.distinct == 1 || clipped * few < table.entries.size()) continue;
+        names.emplace_back(table.parameter);
+        const double percent =
+            std::round(100.0 * static_cast<double>(clipped) / static_cast<double>(table.entries.size()));
+        values.push_back(std::string(table.parameter) + " clips " + numberText(percent) + " % of the inputs");
+    }
+    if (names.empty()) return;
+    state.add(
+        "clipping", names, values,
+        "The lookup table is on and gives its smallest or largest value for many inputs: these can no longer "
+        "be told apart",
+        "See 'appletctl lut show', FG_PROCESSING_GAIN, _OFFSET and _GAMMA");
+}
+
 void unlikeTables(State& state) {
     const LutTables tables = readLutTables(state.session().instance(), state.parameters());
     const Words names = {"FG_LUT_VALUE_RED", "FG_LUT_VALUE_GREEN", "FG_LUT_VALUE_BLUE"};
@@ -181,6 +249,7 @@ void unlikeTables(State& state) {
             "'appletctl lut show' compares with the board");
     }
     if (!state.is("FG_LUT_ENABLE", {FG_ON})) return;
+    clippedTables(state, tables);
     for (const LutTable& table : tables.colours)
         if (statisticsOf(table.entries, tables.largest).distinct == 1)
             state.add(
@@ -221,9 +290,9 @@ void flashNowhere(State& state) {
         state.add("flash", {"FG_FLASHON"}, "The flash is on and no output carries it",
                   "Set an output to FG_SIGNAL_CAM0_FLASH, as FG_TRIGGEROUT_GPO_0_SOURCE");
     if (state.is("FG_FLASHON", {FG_ON}) && state.number("FG_STROBEPULSEDELAY") >= state.number("FG_HEIGHT"))
-        state.add("flash", {"FG_STROBEPULSEDELAY", "FG_HEIGHT"},
-                  "The flash comes after the last line of the image",
-                  "Set FG_STROBEPULSEDELAY below FG_HEIGHT");
+        state.propose("flash", {"FG_STROBEPULSEDELAY", "FG_HEIGHT"},
+                      "The flash comes after the last line of the image",
+                      static_cast<std::uint32_t>(std::max(1.0, state.number("FG_HEIGHT")) - 1), " or less");
 }
 
 bool isImageTriggered(State& state) { return !state.is("FG_IMGTRIGGERMODE", {FREE_RUN}); }
@@ -253,8 +322,6 @@ void sharedInputs(State& state) {
         state.add("shared-input", {"FG_LINETRIGGERINSRC", "FG_IMGTRIGGERINSRC"},
                   "One input triggers both lines and images", "Set one of them to another input");
 }
-
-constexpr std::string_view simulatorPrefix = "FG_CAMERASIMULATOR_";
 
 void simulatorOrDebug(State& state) {
     if (state.is("FG_CAMERASIMULATOR_ENABLE", {FG_CAMERASIMULATOR}))
@@ -332,27 +399,55 @@ void withoutEffect(State& state) {
 using Rule = void (*)(State& state);
 
 constexpr Rule rules[] = {
-    exposureAbovePeriod, delayAbovePeriod, offTheGrid,   outsideItsLimits,
-    phaseAboveDownscale, outsideTheSensor, unlikeTables, customTableWithoutFile,
-    untriggeredCamera,   flashNowhere,     imageTrigger, sharedInputs,
-    simulatorOrDebug,
-    withoutEffect, // last, as it tries values
+    unfitTiming,       offTheGrid,       phaseAboveDownscale,
+    outsideTheSensor,  unlikeTables,     customTableWithoutFile,
+    untriggeredCamera, flashNowhere,     imageTrigger,
+    sharedInputs,      simulatorOrDebug,
+    refusedIfSetAgain, // at the end, as they try values
+    withoutEffect,
 };
+
+/** Loads the file, and leaves the board as the load does. */
+LoadOutcome loadToLookAt(ScratchSession& session, const std::string& file) {
+    FileKeys keys(session);
+    LoadOutcome outcome = loadAndCompare(session, keys, file);
+    if (outcome.code == FG_ERR_FILE_TYPE)
+        throw UsageError(inQuotes(toUtf8(file.c_str())) +
+                         " cannot be loaded: it must exist, and .mcf must be part of its name");
+    session.rewind();
+    session.instance().applet().Fg_loadConfig(session.instance().fg(), file.c_str());
+    session.keep();
+    return outcome;
+}
+
+/** What the load makes of the file, where the state itself does not show it. */
+void addLosses(State& state, const LoadOutcome& outcome, const std::string& path) {
+    const ConfigurationFile file = ConfigurationFile::read(path);
+    for (const Finding& finding : outcome.findings) {
+        if (!finding.isLoss || state.isProposed(finding.key)) continue;
+        const std::string text = file.value(finding.key).value_or("");
+        const Words names = {toUtf8(finding.key.c_str())};
+        const Words values = {names.front() + " = " + printable(toUtf8(text.c_str())) + " in the file"};
+        const bool isRefused = std::string_view(finding.kind) == "refused";
+        const auto value = isRefused ? valueInFile(state.parameters().find(finding.key), text) : std::nullopt;
+        if (value)
+            state.propose("load", names, values, finding.message, *value);
+        else
+            state.add("load", names, values, finding.message, "'appletctl check' tells all that is lost");
+    }
+}
 
 } // namespace
 
 json lintJob(ScratchSession& session, const json& arguments) {
-    int loaded = FG_OK;
-    if (const std::string file = arguments.value("file", ""); !file.empty()) {
-        loaded = session.instance().applet().Fg_loadConfig(session.instance().fg(), file.c_str());
-        if (loaded == FG_ERR_FILE_TYPE)
-            throw UsageError(inQuotes(toUtf8(file.c_str())) +
-                             " cannot be loaded: it must exist, and .mcf must be part of its name");
-    }
+    LoadOutcome outcome;
+    const std::string file = arguments.value("file", "");
+    if (!file.empty()) outcome = loadToLookAt(session, file);
     State state(session);
     for (const Rule rule : rules)
         rule(state);
-    return {{"loaded", loaded}, {"findings", state.findings()}};
+    if (!file.empty() && outcome.code == FG_OK) addLosses(state, outcome, file);
+    return {{"loaded", outcome.code}, {"findings", state.findings()}};
 }
 
 json findingsOf(Context& context, const std::string& file) {

@@ -1,6 +1,7 @@
 // The signals of the line trigger over a few line periods, as the present values make them.
 
 #include "appletctl/applet/assignments.h"
+#include "appletctl/applet/line_timing.h"
 #include "appletctl/applet/published_limits.h"
 #include "appletctl/base/text.h"
 #include "appletctl/draw/svg.h"
@@ -144,6 +145,7 @@ struct Timing {
     std::vector<Output> outputs;
     std::vector<Wave> shown; // signals and what follows from them
     Words assumed;
+    Words warnings;
 };
 
 Timing timingOf(Instance& instance, const ParameterList& parameters) {
@@ -151,6 +153,9 @@ Timing timingOf(Instance& instance, const ParameterList& parameters) {
     timing.settings = settingsOf(instance, parameters);
     const Settings& settings = timing.settings;
     timing.end = shownPeriods * settings.period;
+    for (const TimingTrouble& trouble :
+         timingTroubles(settings.mode, settings.period, settings.exposure, settings.delay))
+        timing.warnings.emplace_back(std::string(trouble.rule) + ": " + trouble.why);
     timing.signals = signalsOf(settings, timing.end);
     timing.outputs = outputsOf(instance, parameters, timing.signals);
     if (settings.isAsync()) {
@@ -229,6 +234,7 @@ void addDocument(Report& report, const Timing& timing) {
         outputs.push_back(
             {{"output", output.name}, {"source", output.source}, {"inverted", output.isInverted}});
     report.document["assumed"] = timing.assumed;
+    report.document["warnings"] = timing.warnings;
 }
 
 /** Signals, then the outputs. */
@@ -267,6 +273,8 @@ Report showTiming(Context& context, const Words& assignments) {
     report.text +=
         wavesText(timing.shown, timing.end, timing.settings.period, canDrawUnicode(STDOUT_FILENO)) + '\n' +
         tableText(timing);
+    for (const std::string& warning : timing.warnings)
+        report.text += warning + ".\n";
     for (const std::string& assumption : timing.assumed)
         report.text += "(assumed: " + assumption + ")\n";
     const std::vector<Wave> waves = allWaves(timing);
