@@ -1,12 +1,10 @@
 #include "support/applet_fixture.h"
 
-#include <charconv>
 #include <cstdlib>
 #include <cstring>
 #include <dlfcn.h>
 #include <fstream>
 #include <pthread.h>
-#include <set>
 #include <sstream>
 #include <stdexcept>
 #include <unistd.h>
@@ -124,16 +122,6 @@ Sections startUpSections() {
             sections.back().second.push_back(line);
     }
     return sections;
-}
-
-std::string written(const std::string& name, double value) {
-    char digits[32];
-    *std::to_chars(digits, std::end(digits), value).ptr = '\0';
-    return "set Device1_Process0_" + name + " f64 " + digits;
-}
-
-std::string written(const std::string& name, const std::string& text) {
-    return "set Device1_Process0_" + name + " text " + text;
 }
 
 Grabber::Grabber() : device(host().board().open()) {}
@@ -269,52 +257,6 @@ std::string ParameterTest::text(int id) {
     EXPECT_EQ(applet.Fg_freeParameterStringWithType(grabber.fg(), id, handed, 0, FG_PARAM_ALLOCATED_STRING),
               FG_OK);
     return copy;
-}
-
-std::vector<std::uint32_t> ParameterTest::accessOf(const std::vector<int>& ids) {
-    std::vector<std::uint32_t> all;
-    for (const int id : ids)
-        all.push_back(record(id)->access);
-    return all;
-}
-
-void ParameterTest::expectChoices(int id, const std::vector<Choice>& choices) {
-    std::set<std::uint32_t> taken;
-    for (const Choice& choice : choices) {
-        expectAccepted(id, choice.value, choice.writes);
-        taken.insert(choice.value);
-    }
-    for (std::uint32_t value = *taken.rbegin() + 20; value-- > 0;)
-        if (!taken.contains(value)) expectRefused(id, value);
-    for (const std::uint32_t value : {~0u, 0x80000000u, 0x10000u + *taken.begin()})
-        expectRefused(id, value);
-}
-
-void ParameterTest::expectSteps(const std::vector<Step>& steps) {
-    for (const auto& [id, value, accesses, code] : steps) {
-        if (code == FG_OK)
-            expectAccepted(id, value, accesses);
-        else
-            expectRefused(id, value, code, accesses);
-    }
-}
-
-void ParameterTest::expectEntries(int id, const std::string& name,
-                                  const std::vector<std::pair<std::uint32_t, std::uint32_t>>& entries) {
-    std::vector<Choice> choices;
-    for (const auto& [value, designValue] : entries)
-        choices.push_back({value, {written(name, designValue)}});
-    expectChoices(id, choices);
-}
-
-std::vector<ParameterTest::Choice> ParameterTest::inputChoices(const std::string& source,
-                                                               std::uint32_t from) {
-    std::vector<Choice> inputs;
-    for (std::uint32_t i = 0; i < 12; ++i) // the front inputs are numbered from 16
-        inputs.push_back({i < 8 ? i : i + 8,
-                          {written("Trigger_Trigger_" + source, from),
-                           written("Trigger_InputSignal_" + source + "_Input_Select", i)}});
-    return inputs;
 }
 
 } // namespace support

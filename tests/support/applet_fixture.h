@@ -60,14 +60,6 @@ using Sections = std::vector<std::pair<std::string, Lines>>;
  * setter. */
 Sections startUpSections();
 
-/** The log's line of a write to a parameter of the design's image path, "Device1_Process0_" left out. */
-template <std::integral T> std::string written(const std::string& name, T value, const char* type = "u32") {
-    return "set Device1_Process0_" + name + ' ' + type + ' ' + std::to_string(value);
-}
-/** The same for a number with a fraction, and for a text. */
-std::string written(const std::string& name, double value);
-std::string written(const std::string& name, const std::string& text);
-
 inline Lines operator+(Lines lines, const Lines& more) {
     lines.insert(lines.end(), more.begin(), more.end());
     return lines;
@@ -216,69 +208,6 @@ protected:
     RegisterInfo* tree() { return applet.Fg_getParameterInfo(grabber.fg(), 0); }
     /** The parameter's record in the tree. */
     RegisterInfo* record(int id);
-    std::uint32_t maximum(int id) { return record(id)->value.u32.maximum; }
-    double doubleMaximum(int id) { return record(id)->value.f64.maximum; }
-    std::vector<std::uint32_t> accessOf(const std::vector<int>& ids);
-
-    /** A value that is taken: its result, all that reached the design up to the last write, and what reads
-     * back. */
-    template <typename T> void expectAccepted(int id, T value, const Lines& accesses) {
-        expectAccepted(id, value, accesses, value);
-    }
-    template <typename T> void expectAccepted(int id, T value, const Lines& accesses, T readBack) {
-        SCOPED_TRACE(testing::Message() << id << " = " << value);
-        clearLog();
-        EXPECT_EQ(set(id, value), FG_OK);
-        EXPECT_EQ(lastError(), FG_OK);
-        EXPECT_EQ(logToLastWrite(), accesses);
-        EXPECT_EQ(get<T>(id), readBack);
-    }
-    /** A value that is refused: the code, what was written before all the same, and the old value. */
-    template <typename T>
-    void expectRefused(int id, T value, int code = FG_ERR_OUT_OF_RANGE, const Lines& accesses = {}) {
-        SCOPED_TRACE(testing::Message() << id << " = " << value);
-        const T old = get<T>(id);
-        clearLog();
-        EXPECT_EQ(set(id, value), code);
-        EXPECT_EQ(lastError(), code);
-        EXPECT_EQ(logToLastWrite(), accesses);
-        EXPECT_EQ(get<T>(id), old);
-    }
-    template <typename T> void expectAllRefused(int id, std::initializer_list<T> values) {
-        for (const T value : values)
-            expectRefused(id, value);
-    }
-    /** An enumeration takes its entries, each with its writes, and nothing else. */
-    struct Choice {
-        std::uint32_t value;
-        Lines writes;
-    };
-    void expectChoices(int id, const std::vector<Choice>& choices);
-    /** Values one after the other, each with its accesses; one with a code is refused. */
-    struct Step {
-        int id;
-        std::uint32_t value;
-        Lines accesses{};
-        int code = FG_OK;
-    };
-    void expectSteps(const std::vector<Step>& steps);
-    /** The same where each entry is one write of `name`: pairs of the entry and what the design gets. */
-    void expectEntries(int id, const std::string& name,
-                       const std::vector<std::pair<std::uint32_t, std::uint32_t>>& entries);
-    /** The inputs of a trigger as its `source`, written after what it is taken `from`. */
-    static std::vector<Choice> inputChoices(const std::string& source, std::uint32_t from);
-    /** A number that is written as it comes. */
-    template <typename T>
-    void expectNumbers(int id, const std::string& name, std::initializer_list<T> taken,
-                       std::initializer_list<T> refused) {
-        for (const T value : taken)
-            expectAccepted(id, value, {written(name, value)});
-        for (const T value : refused)
-            expectRefused(id, value);
-    }
-    void expectAccess(const std::vector<int>& ids, std::uint32_t access) {
-        EXPECT_EQ(accessOf(ids), std::vector<std::uint32_t>(ids.size(), access));
-    }
 
     Grabber grabber;
 };
