@@ -2,6 +2,8 @@
 
 #include "vexo/fg_errors.h"
 
+#include <cstring>
+
 namespace appletctl {
 
 namespace {
@@ -15,7 +17,7 @@ bool bring(Instance& instance, const Parameter& parameter, const json& wanted) {
 
 } // namespace
 
-json asBytes(const std::string& text) { return json::binary({text.begin(), text.end()}); }
+json asBytes(std::string_view bytes) { return json::binary({bytes.begin(), bytes.end()}); }
 
 std::string bytesOf(const json& message) {
     const auto& bytes = message.get_binary();
@@ -28,6 +30,8 @@ json asMessage(const Value& value) {
             using T = std::decay_t<decltype(native)>;
             if constexpr (std::is_same_v<T, std::string>)
                 return asBytes(native);
+            else if constexpr (std::is_same_v<T, Elements>) // a number each would take most of the time of a seed
+                return asBytes({reinterpret_cast<const char*>(native.data()), native.size() * sizeof native[0]});
             else if constexpr (std::is_same_v<T, WholeArray>)
                 return nullptr;
             else
@@ -43,6 +47,10 @@ Value fromMessage(const Target& target, const json& message) {
             using T = std::decay_t<decltype(native)>;
             if constexpr (std::is_same_v<T, std::string>) {
                 native = bytesOf(message);
+            } else if constexpr (std::is_same_v<T, Elements>) {
+                const auto& bytes = message.get_binary();
+                native.resize(bytes.size() / sizeof native[0]);
+                std::memcpy(native.data(), bytes.data(), native.size() * sizeof native[0]);
             } else if constexpr (!std::is_same_v<T, WholeArray>) {
                 native = message.get<T>();
             }

@@ -1,6 +1,7 @@
 #include "appletctl/scratch/ScratchSession.h"
 
 #include "appletctl/applet/ConfigurationFile.h"
+#include "appletctl/applet/MemoryFile.h"
 #include "appletctl/applet/access_log.h"
 
 #include <cmath>
@@ -103,15 +104,15 @@ void ScratchSession::storeByLoad(const Wanted& wanted) {
         const bool isWritten = value->is_number() && std::isfinite(value->get<double>());
         if (!isWritten || holds(*m_instance, *parameter, *value)) continue;
         if (!state) state.emplace(stateOf(*m_instance));
-        const auto* line = ConfigurationFile::find(state->values(), parameter->name);
+        const auto* line = state->values().find(parameter->name);
         if (line == nullptr) continue;
-        state.emplace(state->textWith(*line, line->key + "=" + value->dump() + ";\n"));
+        state.emplace(state->textWith(*line, parameter->name + "=" + value->dump() + ";\n"));
         isEdited = true;
     }
     if (!isEdited) return;
-    const TemporaryFile file;
+    const MemoryFile file;
     file.write(state->text());
-    m_instance->applet().Fg_loadConfig(m_instance->fg(), file.path().c_str());
+    m_instance->applet().Fg_loadConfig(m_instance->fg(), file.configurationPath().c_str());
     bringAbout(*m_instance, wanted); // a load computes the tables anew
 }
 
