@@ -132,7 +132,8 @@ Report compareTraces(Context&, const Words& files) {
     if (files.size() != 2) throw UsageError("'trace diff' compares two files that 'trace' has written");
     Report report;
     auto& rows = report.document["differences"] = ordered_json::array();
-    for (const OneSided& one : differencesOf(accessesOfFile(files[0]), accessesOfFile(files[1]))) {
+    const Lines first = accessesOfFile(files[0]), second = accessesOfFile(files[1]);
+    for (const OneSided& one : differencesOf(first, second)) {
         const bool isFirst = std::string_view(one.side) == "first";
         report.text += (isFirst ? "-" : "+") + numberText(one.number) + "  " + printable(one.line) + '\n';
         rows.push_back({{"side", one.side}, {"number", one.number}, {"access", one.line}});
