@@ -282,9 +282,13 @@ TEST_F(AppletctlPlan, TracesAnyCommandAndComparesLogs) {
                    written("b.json", run({"trace", "get", "--json", "FG_WIDTH"}).out)})
                   .exitCode,
               0);
+    const std::string none = written("d.txt", run({"trace", "get", "FG_WIDTH"}).out);
+    EXPECT_EQ(run({"trace", "diff", none, none}).out, "The accesses are the same.\n");
+    const std::string garbage = written("e.txt", std::string("\0\xff\n", 3));
     for (const Words& wrong :
          {Words{"trace"}, Words{"trace", "nothing"}, Words{"trace", "trace", "diff", "a", "b"},
           Words{"trace", "diff", one}, Words{"trace", "diff", one, "/nowhere"},
+          Words{"trace", "diff", garbage, garbage},
           Words{"trace", "get", "FG_WIDTH", "--offline"}})
         EXPECT_EQ(run(wrong).exitCode, 2) << wrong.back();
 }

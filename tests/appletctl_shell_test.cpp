@@ -170,6 +170,17 @@ TEST_F(AppletctlRun, TellsWhatWasExpectedAndWhatWas) {
     EXPECT_EQ(countInXml("report.xml", "//testsuite[@skipped='24']/testcase/skipped"), 24);
 }
 
+TEST_F(AppletctlRun, SaysInTimeThatItsReportCannotBeWritten) {
+    support::writeFile("one.scenario", "set FG_WIDTH=512\n");
+    const Outcome early = run({"run", "one.scenario", "--junit", "no/report.xml"});
+    EXPECT_EQ(early.exitCode, 1);
+    EXPECT_EQ(early.out, "");
+    const Outcome late = run({"run", "one.scenario", "--junit", "/dev/full"});
+    EXPECT_EQ(late.exitCode, 1);
+    EXPECT_TRUE(late.out.ends_with("1 steps: 1 ok, 0 failed\n")) << late.out;
+    EXPECT_TRUE(contains(late.err, "\"/dev/full\" cannot be written: No space left on device")) << late.err;
+}
+
 TEST_F(AppletctlRun, RefusesWhatIsNoStepBeforeAnythingIsDone) {
     const std::pair<const char*, const char*> cases[] = {
         {"expect", "possible are 'expect value NAME OPERATOR VALUE [&& ...]', 'expect limit "},

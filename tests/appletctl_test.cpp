@@ -188,6 +188,8 @@ TEST(Appletctl, CallsWrongUsageByName) {
         {{"lut", "save", ""}, "the name of the file is empty"},
         {{"xml", "--out", ""}, "the name of the file is empty"},
         {{"lut", "plot", "table.lut"}, "does not end in .svg"},
+        {{"lut", "save", "table.txt"}, "does not end in .lut"},
+        {{"save", "x.txt"}, "has no .mcf in its name"},
         // The last of several is wrong: the first is not carried out.
         {{"trace", "set", "FG_WIDTH=4", "FG_HEIGHT=x"}, "'x' is not a whole number"},
     };
@@ -337,9 +339,6 @@ TEST_F(AppletctlLut, SavesWhatItLoadsAgain) {
         again.erase("board");
         EXPECT_EQ(colour, again);
     }
-    EXPECT_TRUE(contains(run({"lut", "save", folder / "no" / "x.lut"}).err, "-5001, "));
-    // The applet notices nothing here: every write to this device fails.
-    EXPECT_TRUE(contains(run({"lut", "save", "/dev/full"}).err, "does not read back as the same tables"));
 }
 
 TEST_F(AppletctlLut, DrawsCurves) {
@@ -414,8 +413,8 @@ TEST_F(AppletctlConfiguration, TellsEachLossAndWhy) {
          "it is 150 µs: a load reads decimal numbers with a point"},
         {"FG_EXSYNCON=1", "FG_EXSYNCON=FG_ON", "unreadable",
          "the file has \"FG_ON\", after the load it is FG_OFF (0)"},
-        {"FG_TIMEOUT=", "FG_TIMEOUT=7;\nFG_TIMEOUT=", "repeated", "FG_TIMEOUT stands there again"},
-        {"FG_TIMEOUT=", "FG_TIMEOUT=7;\nFG_TIMEOUT=8;\nFG_TIMEOUT=", "repeated", "there 2 more times"},
+        {"FG_TIMEOUT=", "FG_TIMEOUT=7;\nFG_TIMEOUT=", "repeated", "FG_TIMEOUT is in the file 2 times"},
+        {"FG_TIMEOUT=", "FG_TIMEOUT=7;\nFG_TIMEOUT=8;\nFG_TIMEOUT=", "repeated", "in the file 3 times"},
         {"FG_DEBUGFILE=''", "FG_DEBUGFILE='a;b'", "cut", "the file has \"a;b\", after the load it is \"a\""},
         {"[Port A]\n", "[Port A]\nFG_WIDHT=4;\n", "unknown", "did you mean FG_WIDTH"},
         {"Typ='Grab", "Typ='Grip", "file", "it is a file of the applet \"Grip_TwinLaneLineColor\""},
@@ -446,10 +445,6 @@ TEST_F(AppletctlConfiguration, SaysWhatASaveCannotKeep) {
     EXPECT_EQ(outcome.exitCode, 1);
     EXPECT_TRUE(contains(outcome.err, "FG_CAMERASIMULATOR_WIDTH=512 afterwards")) << outcome.err;
     EXPECT_TRUE(contains(outcome.err, "the file has \"a'b\", after the load it is \"a\"")) << outcome.err;
-    // The applet notices nothing here: every write to this device fails.
-    std::filesystem::create_symlink("/dev/full", folder / "full.mcf");
-    EXPECT_TRUE(contains(run({"save", folder / "full.mcf"}).err, "0 of 114 values; see whether the disk"));
-    EXPECT_TRUE(contains(run({"save", folder / "x.txt"}).err, "-5001, "));
 }
 
 TEST_F(AppletctlConfiguration, ComparesValuesBySymbol) {

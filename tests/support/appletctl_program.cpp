@@ -41,7 +41,8 @@ std::string contents(std::FILE* file) {
     return text;
 }
 
-Outcome run(const Words& arguments, const Words& environment, const char* input) {
+Outcome run(const Words& arguments, const Words& environment, const char* input,
+            const std::function<void()>& prepare) {
     std::FILE* out = std::tmpfile();
     std::FILE* err = std::tmpfile();
     const pid_t child = fork();
@@ -49,6 +50,7 @@ Outcome run(const Words& arguments, const Words& environment, const char* input)
         dup2(open(input, O_RDONLY | O_CLOEXEC), STDIN_FILENO);
         dup2(fileno(out), STDOUT_FILENO);
         dup2(fileno(err), STDERR_FILENO);
+        if (prepare) prepare();
         become(arguments, environment);
     }
     const int exitCode = exitCodeOf(child);

@@ -7,6 +7,7 @@
 #include <sys/types.h>
 
 #include <cstdio>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -30,8 +31,9 @@ int exitCodeOf(pid_t child);
 /** All that was written to the file, which is closed. */
 std::string contents(std::FILE* file);
 
-/** What the program prints that reads this file. */
-Outcome run(const Words& arguments, const Words& environment = {}, const char* input = "/dev/null");
+/** What the program prints that reads this file. `prepare` is called in its process, before it starts. */
+Outcome run(const Words& arguments, const Words& environment = {}, const char* input = "/dev/null",
+            const std::function<void()>& prepare = {});
 
 /** What the program prints on a terminal on which `input` was typed, and its exit code. */
 Outcome talk(const Words& arguments, const Words& environment, const std::string& input = "");

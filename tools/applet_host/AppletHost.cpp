@@ -1,5 +1,7 @@
 #include "applet_host/AppletHost.h"
 
+#include "applet_host/library_file.h"
+
 #include <dlfcn.h>
 #include <link.h>
 
@@ -113,21 +115,48 @@ std::string loaderError() {
     return text != nullptr ? text : "the dynamic loader gives no reason";
 }
 
+/** The folders in which the dynamic loader looks for a library, those of its cache left out. */
+std::vector<std::filesystem::path> searchedFolders() {
+    std::vector<std::filesystem::path> folders;
+    void* const program = dlopen(nullptr, RTLD_LAZY);
+    Dl_serinfo size{};
+    if (dlinfo(program, RTLD_DI_SERINFOSIZE, &size) == 0) {
+        std::vector<std::max_align_t> place(size.dls_size / sizeof(std::max_align_t) + 1);
+        auto* const info = reinterpret_cast<Dl_serinfo*>(place.data());
+        *info = size;
+        if (dlinfo(program, RTLD_DI_SERINFO, info) == 0)
+            for (unsigned i = 0; i < info->dls_cnt; ++i)
+                folders.emplace_back(info->dls_serpath[i].dls_name);
+    }
+    dlclose(program);
+    return folders;
+}
+
 /** A library that the dynamic loader finds by its name. */
 void* openByName(const char* name) {
+    std::error_code error;
+    for (const std::filesystem::path& folder : searchedFolders()) {
+        if (!std::filesystem::exists(folder / name, error)) continue;
+        const std::string trouble = troubleWithLibrary(folder / name);
+        if (!trouble.empty()) throw HostError("the library " + (folder / name).string() + " cannot be loaded: " + trouble);
+        break;
+    }
     if (void* library = dlopen(name, RTLD_NOW | RTLD_LOCAL)) return library;
     throw HostError(std::string("the library ") + name +
                     " is not on the path of the dynamic loader: " + loaderError());
 }
 
 void* openLibrary(const std::filesystem::path& path) {
-    const std::filesystem::path file = std::filesystem::absolute(path);
-    if (void* library = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL)) return library;
-    const std::string reason = loaderError();
-    std::error_code ignored;
-    if (!std::filesystem::exists(file, ignored)) {
+    std::error_code error;
+    const std::filesystem::path file = std::filesystem::absolute(path, error);
+    if (error || !std::filesystem::exists(file, error)) {
         throw HostError("the library " + file.filename().string() + " was looked for in " +
                         file.parent_path().string() + ", and there is none");
+    }
+    std::string reason = troubleWithLibrary(file);
+    if (reason.empty()) {
+        if (void* library = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL)) return library;
+        reason = loaderError();
     }
     throw HostError("the library " + file.filename().string() + " in " + file.parent_path().string() +
                     " cannot be loaded: " + reason);
@@ -172,6 +201,10 @@ Locations Locations::beside() {
 }
 
 AppletHost::AppletHost(const Locations& where) {
+    if (where.applet.empty())
+        throw HostError(
+            "the environment variable APPLET_UNDER_TEST is empty: let it name the applet's library, or "
+            "unset it");
     try {
         void** next = m_libraries;
         for (const char* name : boardLibraries)

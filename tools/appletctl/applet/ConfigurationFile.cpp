@@ -1,23 +1,16 @@
 #include "appletctl/applet/ConfigurationFile.h"
 
+#include "appletctl/applet/MemoryFile.h"
 #include "appletctl/base/errors.h"
-#include "appletctl/base/output.h"
+#include "appletctl/base/files.h"
 #include "appletctl/base/text.h"
 
-#include <unistd.h>
-
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <unordered_map>
-#include <utility>
 
 namespace appletctl {
 namespace {
 
 constexpr std::string_view portSection = "[Port A]";
-constexpr std::string_view extension = ".mcf";
 
 std::string_view trimmed(std::string_view text) {
     constexpr std::string_view blanks = " \t\r";
@@ -30,12 +23,6 @@ std::string_view withoutMarks(std::string_view text) {
     const std::size_t quote = text.rfind('\'');
     if (text.starts_with('\'') && quote > 0) return text.substr(1, quote - 1);
     return trimmed(text.substr(0, text.find(';')));
-}
-
-std::optional<std::string> firstValue(const std::vector<ConfigurationFile::Line>& lines,
-                                      std::string_view key) {
-    const auto* line = ConfigurationFile::find(lines, key);
-    return line != nullptr ? std::optional(line->value) : std::nullopt;
 }
 
 template <typename Integer> std::optional<Value> wholeInFile(const std::string& text) {
@@ -51,25 +38,20 @@ std::optional<Value> unsignedInFile(const std::string& text) {
 
 } // namespace
 
-ConfigurationFile::ConfigurationFile(std::string text) : m_text(std::move(text)) {
-    std::vector<Line>* section = &m_header;
-    std::unordered_map<std::string_view, std::size_t> places; // in the section, by key
-    for (std::size_t begin = 0, end = 0; begin < m_text.size(); begin = end + 1) {
-        end = std::min(m_text.find('\n', begin), m_text.size());
-        const std::string_view line = std::string_view(m_text).substr(begin, end - begin);
-        const std::size_t equals = line.find('=');
-        if (line.find(portSection) != std::string_view::npos) {
-            if (std::exchange(section, &m_values) == &m_header) places.clear();
-            continue;
-        }
-        if (equals == std::string_view::npos) continue;
-        const std::string_view key = line.substr(0, equals);
-        const auto [place, isFirst] = places.try_emplace(key, section->size());
-        if (isFirst)
-            section->push_back({std::string(key), std::string(withoutMarks(trimmed(line.substr(equals + 1)))),
-                                begin, end + 1 - begin});
-        else
-            ++(*section)[place->second].repeats;
+ConfigurationFile::ConfigurationFile(std::string text)
+    : m_text(std::make_shared<const std::string>(std::move(text))) {
+    Section* section = &m_header;
+    for (std::string_view rest = *m_text; !rest.empty();) {
+        const std::size_t length = std::min(rest.find('\n'), rest.size() - 1) + 1;
+        const std::string_view line = rest.substr(0, length);
+        rest.remove_prefix(length);
+        const std::string_view content = line.ends_with('\n') ? line.substr(0, length - 1) : line;
+        const std::size_t equals = content.find('=');
+        if (content.find(portSection) != std::string_view::npos)
+            section = &m_values;
+        else if (equals != std::string_view::npos)
+            section->add(
+                {content.substr(0, equals), withoutMarks(trimmed(content.substr(equals + 1))), line});
     }
 }
 
@@ -79,47 +61,46 @@ ConfigurationFile ConfigurationFile::read(const std::string& path) {
     return ConfigurationFile(std::move(*text));
 }
 
-const ConfigurationFile::Line* ConfigurationFile::find(const std::vector<Line>& lines, std::string_view key) {
-    const auto found =
-        std::find_if(lines.begin(), lines.end(), [&](const Line& line) { return line.key == key; });
-    return found != lines.end() ? &*found : nullptr;
+void ConfigurationFile::Section::add(const Line& line) {
+    const auto [place, isNew] = m_places.try_emplace(line.key, m_lines.size());
+    if (isNew)
+        m_lines.push_back(line);
+    else
+        ++m_lines[place->second].count;
 }
 
-std::optional<std::string> ConfigurationFile::headerValue(std::string_view key) const {
-    return firstValue(m_header, key);
+const ConfigurationFile::Line* ConfigurationFile::Section::find(std::string_view key) const {
+    const auto found = m_places.find(key);
+    return found != m_places.end() ? &m_lines[found->second] : nullptr;
 }
 
-std::optional<std::string> ConfigurationFile::value(std::string_view key) const {
-    return firstValue(m_values, key);
+std::optional<std::string> ConfigurationFile::Section::value(std::string_view key) const {
+    const Line* line = find(key);
+    return line != nullptr ? std::optional(std::string(line->value)) : std::nullopt;
 }
 
-std::string ConfigurationFile::textWith(const Line& line, const std::string& replacement) const {
-    return std::string(m_text).replace(line.begin, line.length, replacement);
+std::string ConfigurationFile::textWith(const Line& line, std::string_view replacement) const {
+    const auto begin = static_cast<std::size_t>(line.text.data() - m_text->data());
+    std::string text;
+    text.reserve(m_text->size() + replacement.size());
+    return text.append(*m_text, 0, begin).append(replacement).append(*m_text, begin + line.text.size());
 }
 
-std::optional<std::string> textOfFile(const std::string& path) {
-    std::error_code error;
-    if (!std::filesystem::is_regular_file(path, error)) return std::nullopt; // a FIFO would wait for a writer
-    std::ifstream stream(path, std::ios::binary);
-    std::string text{std::istreambuf_iterator<char>(stream), {}};
-    return stream.is_open() && !stream.bad() ? std::optional(std::move(text)) : std::nullopt;
+std::string ConfigurationFile::textOfValues() const {
+    std::string text;
+    for (const Line& line : m_header)
+        text.append(line.text);
+    text.append("\n").append(portSection).append("\n");
+    for (const Line& line : m_values)
+        text.append(line.text);
+    return text;
 }
-
-TemporaryFile::TemporaryFile() : m_path(std::filesystem::temp_directory_path() / "appletctl_XXXXXX.mcf") {
-    const int descriptor = ::mkstemps(m_path.data(), static_cast<int>(extension.size()));
-    if (descriptor < 0) throw Failure("no temporary file " + m_path + " can be made");
-    ::close(descriptor);
-}
-
-TemporaryFile::~TemporaryFile() { ::unlink(m_path.c_str()); }
-
-void TemporaryFile::write(const std::string& text) const { writeFile(m_path, text); }
 
 ConfigurationFile stateOf(Instance& instance) {
-    const TemporaryFile file;
-    const int code = instance.applet().Fg_saveConfig(instance.fg(), file.path().c_str());
+    const MemoryFile file;
+    const int code = instance.applet().Fg_saveConfig(instance.fg(), file.configurationPath().c_str());
     if (code != FG_OK) throw Failure("the applet's state cannot be saved: " + codeInWords(code));
-    return ConfigurationFile::read(file.path());
+    return ConfigurationFile(file.text());
 }
 
 std::optional<Value> valueInFile(const Parameter& parameter, const std::string& text) {
@@ -148,7 +129,8 @@ bool isSameValue(const Parameter& parameter, const std::string& a, const std::st
 
 std::string fileValueText(const Parameter& parameter, const std::string& text) {
     const std::optional<Value> value = valueInFile(parameter, text);
-    return value ? valueWithUnit(parameter, *value) : inQuotes(toUtf8(text.c_str()));
+    constexpr std::size_t mostBytes = 200;
+    return shortened(value ? valueWithUnit(parameter, *value) : inQuotes(toUtf8(text.c_str())), mostBytes);
 }
 
 } // namespace appletctl

@@ -5,9 +5,11 @@
 #include "appletctl/applet/Instance.h"
 #include "appletctl/applet/values.h"
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace appletctl {
@@ -17,11 +19,29 @@ namespace appletctl {
  *  that is a loss to be told. */
 class ConfigurationFile {
 public:
+    /** The first line of a key, which is the one that counts. */
     struct Line {
-        std::string key;           /**< all that stands before the equals sign, blanks too */
-        std::string value;         /**< without quotes and semicolon */
-        std::size_t begin, length; /**< of the line in the text */
-        std::size_t repeats = 0;   /**< further lines of the key, which are not kept */
+        std::string_view key;   /**< all that stands before the equals sign, blanks too */
+        std::string_view value; /**< without quotes and semicolon */
+        std::string_view text;  /**< of the whole line, with its end */
+        std::size_t count = 1;  /**< lines of this key */
+    };
+
+    /** The keys of a section in the order of the file. */
+    class Section {
+    public:
+        void add(const Line& line);
+        /** Null if there is no such key. */
+        const Line* find(std::string_view key) const;
+        /** The value of a key. */
+        std::optional<std::string> value(std::string_view key) const;
+        auto begin() const { return m_lines.begin(); }
+        auto end() const { return m_lines.end(); }
+        std::size_t size() const { return m_lines.size(); }
+
+    private:
+        std::vector<Line> m_lines;
+        std::unordered_map<std::string_view, std::size_t> m_places;
     };
 
     explicit ConfigurationFile(std::string text);
@@ -29,46 +49,25 @@ public:
     /** Throws UsageError, with the reason, when the file cannot be read. */
     static ConfigurationFile read(const std::string& path);
 
-    const std::string& text() const { return m_text; }
+    const std::string& text() const { return *m_text; }
     /** Above the section of the port: what the file says of itself. */
-    const std::vector<Line>& header() const { return m_header; }
+    const Section& header() const { return m_header; }
     /** From that section on: values of parameters. */
-    const std::vector<Line>& values() const { return m_values; }
+    const Section& values() const { return m_values; }
 
-    /** The first line of a key; null if there is none. */
-    static const Line* find(const std::vector<Line>& lines, std::string_view key);
-
-    /** The value of a key's first line. */
-    std::optional<std::string> headerValue(std::string_view key) const;
-    std::optional<std::string> value(std::string_view key) const;
+    std::optional<std::string> value(std::string_view key) const { return m_values.value(key); }
 
     /** The file's text with other text in the place of one of its lines. */
-    std::string textWith(const Line& line, const std::string& replacement) const;
+    std::string textWith(const Line& line, std::string_view replacement) const;
+    /** A text with the same keys and values, each key once. */
+    std::string textOfValues() const;
 
 private:
-    std::string m_text;
-    std::vector<Line> m_header, m_values;
+    std::shared_ptr<const std::string> m_text; // stays in its place when the object moves
+    Section m_header, m_values;
 };
 
-/** The text of a regular file; nothing where there is none that can be read. */
-std::optional<std::string> textOfFile(const std::string& path);
-
-/** A .mcf file that is gone with the object. Throws Failure when it cannot be made or written. */
-class TemporaryFile {
-public:
-    TemporaryFile();
-    ~TemporaryFile();
-    TemporaryFile(const TemporaryFile&) = delete;
-    TemporaryFile& operator=(const TemporaryFile&) = delete;
-
-    const std::string& path() const { return m_path; }
-    void write(const std::string& text) const;
-
-private:
-    std::string m_path;
-};
-
-/** What the applet would save now. */
+/** What the applet would save now. Throws Failure. */
 ConfigurationFile stateOf(Instance& instance);
 
 /** The value that a file's text stands for; nothing if it is none of the parameter's kind: a load knows neither

@@ -9,8 +9,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
-#include <cstring>
-#include <fstream>
 #include <iostream>
 #include <string_view>
 
@@ -122,14 +120,6 @@ int print(const Report& report, const std::string& command, const Options& optio
         return exitRefused;
     }
     return report.exitCode;
-}
-
-void writeFile(const std::string& file, const std::string& content) {
-    std::ofstream stream(file, std::ios::binary);
-    if (stream) stream << content;
-    stream.close();
-    if (!stream)
-        throw Failure(inQuotes(toUtf8(file.c_str())) + " cannot be written: " + std::strerror(errno));
 }
 
 Report failureReport(const char* kind, const std::string& words, ExitCode exitCode) {

@@ -79,9 +79,6 @@ bool writeOut(const std::string& text);
 /** Prints the report of `command` as the options say; returns the exit code of the program. */
 int print(const Report& report, const std::string& command, const Options& options);
 
-/** Writes a file anew; throws Failure. */
-void writeFile(const std::string& file, const std::string& content);
-
 /** The report of a command that failed as a whole; `kind` is "usage" or "failure". */
 Report failureReport(const char* kind, const std::string& words, ExitCode exitCode);
 

@@ -90,6 +90,14 @@ std::size_t displayWidth(std::string_view text) {
         text.begin(), text.end(), [](char c) { return !isContinuation(static_cast<unsigned char>(c)); }));
 }
 
+std::string shortened(const std::string& text, std::size_t mostBytes) {
+    if (text.size() <= mostBytes) return text;
+    std::size_t end = mostBytes;
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xc0) == 0x80) // within a character
+        --end;
+    return text.substr(0, end) + "... (" + std::to_string(text.size()) + " bytes)";
+}
+
 std::string lowerCase(std::string_view text) {
     std::string lower(text);
     for (char& c : lower)

@@ -22,6 +22,9 @@ std::string inQuotes(std::string_view text);
 /** Number of characters of a UTF-8 text. */
 std::size_t displayWidth(std::string_view text);
 
+/** The beginning of a UTF-8 text that is longer than so many bytes, with its length in brackets. */
+std::string shortened(const std::string& text, std::size_t mostBytes);
+
 std::string lowerCase(std::string_view text);
 
 std::string join(const std::vector<std::string>& parts, std::string_view separator);

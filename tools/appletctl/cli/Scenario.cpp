@@ -4,6 +4,7 @@
 #include "appletctl/applet/ConfigurationFile.h"
 #include "appletctl/applet/assignments.h"
 #include "appletctl/applet/published_limits.h"
+#include "appletctl/base/files.h"
 #include "appletctl/base/text.h"
 #include "appletctl/base/words.h"
 #include "appletctl/cli/execute.h"

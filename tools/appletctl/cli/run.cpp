@@ -1,6 +1,7 @@
 // A scenario, step by step.
 
 #include "appletctl/base/Interruption.h"
+#include "appletctl/base/files.h"
 #include "appletctl/base/text.h"
 #include "appletctl/cli/Scenario.h"
 #include "appletctl/draw/junit.h"
@@ -69,6 +70,7 @@ Report runScenario(Context& context, const Words& words) {
     const Options options = context.options(); // steps bring their own
     const std::string file = toUtf8(fileOf(words).c_str());
     const std::vector<Step> steps = readScenario(fileOf(words), options);
+    if (!options.junitFile.empty()) requireWritable(options.junitFile);
     const Interruption interruption;
     ScenarioRunner station(context);
     std::vector<TestCase> tests(steps.size());
@@ -91,8 +93,13 @@ Report runScenario(Context& context, const Words& words) {
     }
     if (interruption.isAsked()) report.exitCode = exitInterrupted;
     addSummary(report, file, steps, tests);
-    if (!options.junitFile.empty())
+    if (options.junitFile.empty()) return report;
+    try {
         writeFile(options.junitFile, junitDocument(std::filesystem::path(file).stem(), tests));
+    } catch (const Failure& failure) { // the summary is shown all the same
+        report.problems.emplace_back(failure.what());
+        if (report.exitCode == exitDone) report.exitCode = exitRefused;
+    }
     return report;
 }
 

@@ -1,11 +1,13 @@
 #include "appletctl/scratch/BoardState.h"
 
 #include "appletctl/applet/ConfigurationFile.h"
+#include "appletctl/applet/MemoryFile.h"
 #include "appletctl/applet/hardware_values.h"
 
 #include "vexo/fg_errors.h"
 
 #include <cmath>
+#include <cstring>
 #include <optional>
 
 namespace appletctl {
@@ -21,7 +23,7 @@ bool bring(Instance& instance, const Parameter& parameter, const json& wanted) {
 
 } // namespace
 
-json asBytes(const std::string& text) { return json::binary({text.begin(), text.end()}); }
+json asBytes(std::string_view bytes) { return json::binary({bytes.begin(), bytes.end()}); }
 
 std::string bytesOf(const json& message) {
     const auto& bytes = message.get_binary();
@@ -34,6 +36,8 @@ json asMessage(const Value& value) {
             using T = std::decay_t<decltype(native)>;
             if constexpr (std::is_same_v<T, std::string>)
                 return asBytes(native);
+            else if constexpr (std::is_same_v<T, Elements>) // a number each would take most of the time of a seed
+                return asBytes({reinterpret_cast<const char*>(native.data()), native.size() * sizeof native[0]});
             else if constexpr (std::is_same_v<T, WholeArray>)
                 return nullptr;
             else
@@ -49,6 +53,10 @@ Value fromMessage(const Target& target, const json& message) {
             using T = std::decay_t<decltype(native)>;
             if constexpr (std::is_same_v<T, std::string>) {
                 native = bytesOf(message);
+            } else if constexpr (std::is_same_v<T, Elements>) {
+                const auto& bytes = message.get_binary();
+                native.resize(bytes.size() / sizeof native[0]);
+                std::memcpy(native.data(), bytes.data(), native.size() * sizeof native[0]);
             } else if constexpr (!std::is_same_v<T, WholeArray>) {
                 native = message.get<T>();
             }
@@ -96,15 +104,15 @@ void storeByLoad(Instance& instance, const Wanted& wanted) {
         const bool isWritten = value->is_number() && std::isfinite(value->get<double>());
         if (!isWritten || holds(instance, *parameter, *value)) continue;
         if (!state) state.emplace(stateOf(instance));
-        const auto* line = ConfigurationFile::find(state->values(), parameter->name);
+        const auto* line = state->values().find(parameter->name);
         if (line == nullptr) continue;
-        state.emplace(state->textWith(*line, line->key + "=" + value->dump() + ";\n"));
+        state.emplace(state->textWith(*line, parameter->name + "=" + value->dump() + ";\n"));
         isEdited = true;
     }
     if (!isEdited) return;
-    const TemporaryFile file;
+    const MemoryFile file;
     file.write(state->text());
-    instance.applet().Fg_loadConfig(instance.fg(), file.path().c_str());
+    instance.applet().Fg_loadConfig(instance.fg(), file.configurationPath().c_str());
     bringAbout(instance, wanted); // a load computes the tables anew
 }
 

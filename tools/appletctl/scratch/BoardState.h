@@ -11,11 +11,11 @@ namespace appletctl {
 
 using nlohmann::json;
 
-/** A text that may be no UTF-8, as it stands in a message. */
-json asBytes(const std::string& text);
+/** Bytes, such as a text that may be no UTF-8, in a message. */
+json asBytes(std::string_view bytes);
 std::string bytesOf(const json& message);
 
-/** A value as it stands in a message: a number, a text as bytes, or an array of elements. */
+/** A value in a message: a number, or the bytes of a text or of the elements of an array. */
 json asMessage(const Value& value);
 /** The value of a message in the native type of the target's kind. */
 Value fromMessage(const Target& target, const json& message);

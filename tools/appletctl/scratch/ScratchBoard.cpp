@@ -77,8 +77,9 @@ private:
 };
 
 /** Answers messages until the parent is gone. */
-[[noreturn]] void serve(int socket, const Options& options) {
+[[noreturn]] void serve(int socket, pid_t parent, const Options& options) {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (getppid() != parent) _exit(0); // it ended before the line above
     std::signal(SIGINT, SIG_IGN); // Ctrl-C is the parent's matter
     Server server(options);
     for (json message; receive(socket, message);) {
@@ -105,10 +106,11 @@ ScratchBoard::ScratchBoard(const Options& options) {
     int sockets[2];
     if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, sockets) != 0)
         throw Unavailable(std::string("no scratch board can be made: ") + std::strerror(errno));
+    const pid_t parent = getpid();
     m_child = fork();
     if (m_child == 0) {
         close(sockets[0]);
-        serve(sockets[1], options);
+        serve(sockets[1], parent, options);
     }
     close(sockets[1]);
     m_socket = sockets[0];

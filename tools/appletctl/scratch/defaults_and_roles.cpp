@@ -1,6 +1,7 @@
 #include "appletctl/scratch/defaults_and_roles.h"
 
 #include "appletctl/applet/ConfigurationFile.h"
+#include "appletctl/applet/MemoryFile.h"
 #include "appletctl/base/errors.h"
 #include "appletctl/scratch/jobs.h"
 
@@ -23,17 +24,17 @@ public:
     }
 
     const char* of(const std::string& name) {
-        const auto* line = ConfigurationFile::find(m_state->values(), name);
+        const auto* line = m_state->values().find(name);
         if (line == nullptr) return "none";
         m_file.write(m_state->textWith(*line, ""));
-        const int code = m_instance.applet().Fg_loadConfig(m_instance.fg(), m_file.path().c_str());
+        const int code = m_instance.applet().Fg_loadConfig(m_instance.fg(), m_file.configurationPath().c_str());
         return code == FG_OK ? "reader" : "restored";
     }
 
 private:
     Instance& m_instance;
     std::optional<ConfigurationFile> m_state;
-    TemporaryFile m_file;
+    MemoryFile m_file;
 };
 
 bool isSettable(ScratchSession& session, const Target& target) {

@@ -107,7 +107,7 @@ std::size_t askDifferences(Report& report, const std::vector<Side>& sides, Scrat
     for (const Side& side : sides)
         arguments["sides"].push_back({{"title", side.title},
                                       {"member", side.member},
-                                      {"text", side.file != nullptr ? asBytes(side.file->text()) : json()}});
+                                      {"text", side.file != nullptr ? asBytes(side.file->textOfValues()) : json()}});
     append(report, reportOf(scratch.ask("differences", arguments)));
     return report.document["differences"].size();
 }

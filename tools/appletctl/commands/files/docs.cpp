@@ -1,6 +1,8 @@
 // The documentation of all parameters, made from the tree: a page, and manual pages.
 
+#include "appletctl/applet/MemoryFile.h"
 #include "appletctl/applet/published_limits.h"
+#include "appletctl/base/files.h"
 #include "appletctl/base/text.h"
 #include "appletctl/cli/command_line.h"
 #include "appletctl/draw/svg.h"
@@ -9,7 +11,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <cstdio>
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
 
 namespace appletctl {
@@ -171,27 +174,25 @@ std::string manualOfParameters(const std::vector<Documented>& rows) {
 
 /** Lets scdoc make a manual page of its source. */
 void writeManual(const std::string& file, const std::string& source) {
-    std::FILE* const in = std::tmpfile();
-    std::FILE* const out = std::fopen(file.c_str(), "wb");
-    if (in == nullptr || out == nullptr) throw Failure(inQuotes(toUtf8(file.c_str())) + " cannot be written");
-    std::fwrite(source.data(), 1, source.size(), in);
-    std::rewind(in);
+    const MemoryFile in, out;
+    in.write(source);
+    lseek(in.descriptor(), 0, SEEK_SET);
     const pid_t child = fork();
+    if (child < 0) throw Failure(std::string("scdoc cannot be started: ") + std::strerror(errno));
     if (child == 0) {
-        dup2(fileno(in), STDIN_FILENO);
-        dup2(fileno(out), STDOUT_FILENO);
+        dup2(in.descriptor(), STDIN_FILENO);
+        dup2(out.descriptor(), STDOUT_FILENO);
         execlp("scdoc", "scdoc", nullptr);
         _exit(127);
     }
     int status = 0;
-    waitpid(child, &status, 0);
-    std::fclose(in);
-    std::fclose(out);
-    if (WIFEXITED(status) && WEXITSTATUS(status) == 0) return;
-    std::filesystem::remove(file);
+    while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
+    }
     if (WIFEXITED(status) && WEXITSTATUS(status) == 127)
         throw Unavailable("manual pages are made by scdoc, and it is not installed: apt-get install scdoc");
-    throw Failure("scdoc could not make " + inQuotes(toUtf8(file.c_str())));
+    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
+        throw Failure("scdoc could not make " + inQuotes(toUtf8(file.c_str())));
+    writeFile(file, out.text());
 }
 
 void noteFile(Report& report, const std::string& file) {
@@ -216,7 +217,10 @@ Report writeDocs(Context& context, const Words&) {
         noteFile(report, *options.htmlFile);
     }
     if (!options.manFolder) return report;
-    std::filesystem::create_directories(*options.manFolder);
+    std::error_code error;
+    std::filesystem::create_directories(*options.manFolder, error);
+    if (error)
+        throw Failure(inQuotes(toUtf8(options.manFolder->c_str())) + " cannot be made: " + error.message());
     const std::pair<const char*, std::string> manuals[] = {
         {"appletctl.1", manualOfProgram()}, {"appletctl-parameters.7", manualOfParameters(rows)}};
     for (const auto& [name, source] : manuals) {

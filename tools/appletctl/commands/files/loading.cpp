@@ -21,14 +21,15 @@ int load(Instance& instance, const std::string& file) {
 
 /** Why a load takes nothing from a file of this header; empty if the header is as it should be. */
 std::string headerTrouble(const ConfigurationFile& asked, FileKeys& keys) {
-    const auto type = asked.headerValue("Typ");
-    const auto ours = keys.defaults().headerValue("Typ");
+    const auto type = asked.header().value("Typ");
+    const auto ours = keys.defaults().header().value("Typ");
     if (type && ours && *type != *ours)
         return "it is a file of the applet " + inQuotes(toUtf8(type->c_str())) + ", not of " +
                inQuotes(*ours);
     std::vector<std::string> missing;
     for (const auto& line : keys.defaults().header())
-        if (!asked.headerValue(line.key) && keys.isReadByLoad(line.key)) missing.push_back(line.key);
+        if (asked.header().find(line.key) == nullptr && keys.isReadByLoad(line.key))
+            missing.emplace_back(line.key);
     return missing.empty() ? "" : "its header lacks " + join(missing, ", ");
 }
 
@@ -44,8 +45,7 @@ public:
 
     /** What came of a line of the file; nothing if its value holds now and the setter agrees. */
     std::optional<Finding> judge(const ConfigurationFile::Line& line) {
-        const std::string& key = line.key;
-        const std::string& asked = line.value;
+        const std::string key(line.key), asked(line.value);
         const Parameter& wanted = m_session.parameters().find(key);
         const std::string is = m_state.value(key).value_or("");
         const bool isKept = isSameValue(wanted, asked, is);
@@ -84,17 +84,17 @@ public:
 
 private:
     /** What a save would write now. */
-    std::string onTrial(const std::string& key) {
+    std::string onTrial(std::string_view key) {
         return stateOf(m_session.instance()).value(key).value_or("");
     }
 
     /** True for a rate that the present mode computes from other parameters, whatever the file says. */
     bool isComputed(const Parameter& parameter, const ConfigurationFile::Line& line) {
         if (parameter.kind() != REGISTER_KIND_DOUBLE || accessWord(parameter) != "ro") return false;
-        const TemporaryFile other;
-        other.write(m_asked.textWith(line, line.key + "=-12345.678;\n"));
+        const MemoryFile other;
+        other.write(m_asked.textWith(line, parameter.name + "=-12345.678;\n"));
         const std::string before = onTrial(line.key);
-        load(m_session.instance(), other.path());
+        load(m_session.instance(), other.configurationPath());
         const bool isUnmoved = onTrial(line.key) == before;
         load(m_session.instance(), m_path);
         return isUnmoved;
@@ -120,21 +120,25 @@ std::vector<Finding> missingKeys(const ConfigurationFile& asked, const Configura
                                  FileKeys& keys, const ParameterList& parameters) {
     std::vector<Finding> findings;
     for (const auto& line : keys.defaults().values()) {
-        if (asked.value(line.key) || !keys.isReadByLoad(line.key)) continue;
-        const std::string is = state.value(line.key).value_or("");
+        if (asked.values().find(line.key) != nullptr || !keys.isReadByLoad(line.key)) continue;
+        const std::string key(line.key), is = state.value(key).value_or("");
         findings.push_back(
-            {"missing", line.key,
-             line.key + " is missing: it stays as it was, " + fileValueText(parameters.find(line.key), is)});
+            {"missing", key,
+             key + " is missing: it stays as it was, " + fileValueText(parameters.find(key), is)});
     }
     return findings;
 }
 
-std::string whyUnknown(const ParameterList& parameters, const std::string& key) {
+Finding unknownKey(const ParameterList& parameters, std::string_view key) {
+    constexpr std::size_t mostBytes = 100;
+    const std::string name = shortened(toUtf8(std::string(key).c_str()), mostBytes);
+    std::string why;
     try {
-        return "no load reads " + parameters.find(key).name;
+        why = "no load reads " + parameters.find(name).name;
     } catch (const UsageError& error) {
-        return error.what();
+        why = error.what();
     }
+    return {"unknown", name, printable(name) + " was ignored: " + why};
 }
 
 } // namespace
@@ -143,12 +147,12 @@ FileKeys::FileKeys(ScratchSession& session)
     : m_instance(session.options(), session.instance().host())
     , m_defaults(stateOf(m_instance)) {}
 
-bool FileKeys::isReadByLoad(const std::string& key) {
-    const auto* line = ConfigurationFile::find(m_defaults.header(), key);
-    if (line == nullptr) line = ConfigurationFile::find(m_defaults.values(), key);
+bool FileKeys::isReadByLoad(std::string_view key) {
+    const auto* line = m_defaults.header().find(key);
+    if (line == nullptr) line = m_defaults.values().find(key);
     if (line == nullptr) return false;
-    m_session.write(m_defaults.textWith(*line, ""));
-    return load(m_instance, m_session.path()) != FG_OK;
+    m_file.write(m_defaults.textWith(*line, ""));
+    return load(m_instance, m_file.configurationPath()) != FG_OK;
 }
 
 namespace {
@@ -156,22 +160,26 @@ namespace {
 /** What came of all lines. */
 std::vector<Finding> judgeLines(ScratchSession& session, FileKeys& keys, const std::string& file,
                                 const ConfigurationFile& asked, const ConfigurationFile& state) {
+    constexpr std::size_t mostUnknown = 20;
     std::vector<Finding> findings;
+    std::size_t unknown = 0;
     Judge judge(session, file, asked, state);
     for (const auto& line : asked.values()) {
-        if (ConfigurationFile::find(keys.defaults().values(), line.key) == nullptr) {
-            findings.push_back({"unknown", line.key,
-                                printable(toUtf8(line.key.c_str())) +
-                                    " was ignored: " + whyUnknown(session.parameters(), line.key)});
-        } else {
-            const std::optional<Finding> finding = judge.judge(line);
-            if (finding && keys.isReadByLoad(line.key)) findings.push_back(*finding);
-            if (line.repeats == 0) continue;
-            const std::string again = line.repeats == 1 ? "again" : numberText(line.repeats) + " more times";
-            findings.push_back(
-                {"repeated", line.key, line.key + " stands there " + again + ": only the first one counts"});
+        if (keys.defaults().values().find(line.key) == nullptr) {
+            if (++unknown <= mostUnknown) findings.push_back(unknownKey(session.parameters(), line.key));
+            continue;
         }
+        if (line.count > 1)
+            findings.push_back({"repeated", std::string(line.key),
+                                std::string(line.key) + " is in the file " + numberText(line.count) +
+                                    " times: only the first line counts"});
+        const std::optional<Finding> finding = judge.judge(line);
+        if (finding && keys.isReadByLoad(line.key)) findings.push_back(*finding);
     }
+    if (unknown > mostUnknown)
+        findings.push_back(
+            {"unknown", "",
+             numberText(unknown - mostUnknown) + " more keys that no load reads were ignored"});
     return findings;
 }
 
@@ -180,14 +188,14 @@ std::vector<Finding> judgeLines(ScratchSession& session, FileKeys& keys, const s
 void addReached(ScratchSession& session, const ConfigurationFile& asked, const ConfigurationFile& before,
                 const DesignSnapshot& loaded, Finding& finding) {
     using namespace std::string_view_literals;
-    if (finding.kind != "refused"sv && finding.kind != "kept"sv) return;
-    const auto* line = ConfigurationFile::find(asked.values(), finding.key);
-    const auto* old = ConfigurationFile::find(before.values(), finding.key);
-    if (line == nullptr || old == nullptr) return;
-    const TemporaryFile other;
-    other.write(asked.textWith(*line, before.text().substr(old->begin, old->length)));
+    const auto* line = asked.values().find(finding.key);
+    const auto* old = before.values().find(finding.key);
+    if (line == nullptr || old == nullptr || (finding.kind != "refused"sv && finding.kind != "kept"sv))
+        return;
+    const MemoryFile other;
+    other.write(asked.textWith(*line, old->text));
     session.rewind();
-    load(session.instance(), other.path());
+    load(session.instance(), other.configurationPath());
     finding.reached = DesignSnapshot(session).changesTo(loaded);
     if (finding.reached.empty()) {
         finding.message += "; nothing of it has reached the board";

@@ -4,12 +4,14 @@
 #define APPLETCTL_COMMANDS_FILES_LOADING_H
 
 #include "appletctl/applet/ConfigurationFile.h"
+#include "appletctl/applet/MemoryFile.h"
 #include "appletctl/applet/ParameterState.h"
 #include "appletctl/base/output.h"
 #include "appletctl/scratch/DesignSnapshot.h"
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace appletctl {
@@ -23,12 +25,12 @@ public:
     /** The state after the start. */
     const ConfigurationFile& defaults() const { return m_defaults; }
     /** False for what is saved for the reader of the file, such as measurements, and for unknown keys. */
-    bool isReadByLoad(const std::string& key);
+    bool isReadByLoad(std::string_view key);
 
 private:
     Instance m_instance;
     ConfigurationFile m_defaults;
-    TemporaryFile m_session;
+    MemoryFile m_file;
 };
 
 /** What became of one key. */

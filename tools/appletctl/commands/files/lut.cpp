@@ -1,6 +1,8 @@
 // The commands around the lookup table. Assignments given with them are carried out first.
 
 #include "appletctl/applet/LutTables.h"
+#include "appletctl/applet/MemoryFile.h"
+#include "appletctl/base/files.h"
 #include "appletctl/base/text.h"
 #include "appletctl/draw/curve.h"
 #include "appletctl/scratch/CommandRun.h"
@@ -79,21 +81,27 @@ bool haveSameEntries(const LutTables& a, const LutTables& b) {
     return true;
 }
 
-/** True when another instance of the applet reads these tables from the file: the applet itself notices no
- *  failed write, such as on a full disk. */
-bool readsBack(Options options, const std::string& file, const LutTables& tables) {
+/** The text that an instance of the applet saves of these tables. It is another one than that of the caller, whose
+ *  FG_LUT_SAVE_FILE stays as it is. */
+std::string fileTextOf(Options options, const LutTables& tables) {
     options.offline = true;
     Context other(options);
-    CommandRun scratch(other, {});
+    CommandRun saving(other, {});
     for (const LutTable& table : tables.colours) {
-        // Each entry another one than in the file, so that none can be right by chance.
-        Elements others = table.entries;
-        for (std::uint32_t& entry : others)
-            entry = entry == 0 ? 1 : 0;
-        const Target all = findTarget(scratch.parameters, std::string(table.parameter) + "[..]");
-        if (writeValue(scratch.instance, all, others) != FG_OK) return false;
+        const Target all = findTarget(saving.parameters, std::string(table.parameter) + "[..]");
+        if (const int code = writeValue(saving.instance, all, table.entries); code != FG_OK)
+            throw Failure("the tables cannot be saved: " + codeInWords(code));
     }
-    return load(scratch, file) == FG_OK && haveSameEntries(tablesOf(scratch), tables);
+    const MemoryFile file;
+    if (const int code = saving.set("FG_LUT_SAVE_FILE", file.path()); code != FG_OK)
+        throw Failure("the tables cannot be saved: " + codeInWords(code));
+    return file.text();
+}
+
+void requireEnding(const std::string& file, std::string_view ending, const char* content) {
+    if (file.ends_with(ending)) return;
+    throw UsageError(shownFile(file) + " does not end in " + std::string(ending) + ", and " + content +
+                     " is what is written");
 }
 
 /** What every command of the group tells in its document. */
@@ -132,22 +140,15 @@ Report showLut(Context& context, const Words& assignments) {
 
 Report saveLut(Context& context, const Words& words) {
     const std::string& file = fileOf(words);
+    requireEnding(file, ".lut", "a lookup table");
     CommandRun work(context, behindFirst(words));
     if (work.isRefused()) return work.report;
     const LutTables tables = tablesOf(work);
     addDocument(work, tables);
     work.report.document["file"] = toUtf8(file.c_str());
-    const int code = work.set("FG_LUT_SAVE_FILE", file);
-    if (code != FG_OK)
-        work.refuse(shownFile(file) +
-                    " was not written: " + refusedFile(work, "FG_LUT_SAVE_FILE", file, code));
-    else if (!readsBack(context.options(), file, tables))
-        work.refuse(shownFile(file) +
-                    " was written, but does not read back as the same tables: see whether the "
-                    "disk is full");
-    else
-        work.report.text += shownFile(file) + ": three tables of " +
-                            numberText(tables.colours.front().entries.size()) + " entries written\n";
+    writeFile(file, fileTextOf(context.options(), tables));
+    work.report.text += shownFile(file) + ": three tables of " +
+                        numberText(tables.colours.front().entries.size()) + " entries written\n";
     return work.report;
 }
 
@@ -177,8 +178,7 @@ Report loadLut(Context& context, const Words& words) {
 
 Report plotLut(Context& context, const Words& words) {
     const std::string& file = fileOf(words);
-    if (!file.ends_with(".svg"))
-        throw UsageError(shownFile(file) + " does not end in .svg, and an SVG picture is what is written");
+    requireEnding(file, ".svg", "an SVG picture");
     CommandRun work(context, behindFirst(words));
     if (work.isRefused()) return work.report;
     const LutTables tables = tablesOf(work);

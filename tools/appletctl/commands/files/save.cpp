@@ -1,42 +1,22 @@
+#include "appletctl/base/files.h"
 #include "appletctl/base/text.h"
 #include "appletctl/commands/files/check.h"
 #include "appletctl/commands/files/differences.h"
 #include "appletctl/scratch/CommandRun.h"
 
 namespace appletctl {
-namespace {
-
-std::string whyNotSaved(const std::string& file, int code) {
-    const bool isNamedSo = file.find(".mcf") != std::string::npos;
-    return shownFile(file) + " was not written: " + codeInWords(code) +
-           (isNamedSo ? "; see whether its folder exists and may be written"
-                      : "; .mcf must be part of its name");
-}
-
-} // namespace
-
 Report saveConfiguration(Context& context, const Words& words) {
     requireBoard(context.options(), "save");
     const std::string& file = fileOf(words);
+    if (file.find(".mcf") == std::string::npos)
+        throw UsageError(shownFile(file) + " has no .mcf in its name, and no load takes such a file");
     CommandRun work(context, behindFirst(words));
     if (work.isRefused()) return work.report;
     work.report.document["file"] = toUtf8(file.c_str());
-    const int code = work.instance.applet().Fg_saveConfig(work.instance.fg(), file.c_str());
-    if (code != FG_OK) {
-        work.refuse(whyNotSaved(file, code));
-        return work.report;
-    }
-    // The applet reports no failed write.
-    const std::size_t expected = stateOf(work.instance).values().size();
-    const ConfigurationFile saved(textOfFile(file).value_or(""));
-    if (saved.values().size() != expected) {
-        work.refuse(shownFile(file) +
-                    " was written, but does not read back as a whole: " + numberText(saved.values().size()) +
-                    " of " + numberText(expected) + " values; see whether the disk is full");
-        return work.report;
-    }
-    work.report.text += shownFile(file) + ": " + numberText(expected) + " values written\n";
-    work.report.document["values"] = expected;
+    const ConfigurationFile saved = stateOf(work.instance);
+    writeFile(file, saved.text());
+    work.report.text += shownFile(file) + ": " + numberText(saved.values().size()) + " values written\n";
+    work.report.document["values"] = saved.values().size();
     ScratchBoard& scratch = context.scratchAtDefaults();
     if (askDifferences(work.report, {{"DEFAULT", "default", nullptr}, {"SAVED", "saved", &saved}}, scratch) ==
         0)

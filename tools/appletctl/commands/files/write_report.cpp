@@ -1,5 +1,6 @@
 // All that a support needs to know, in one text or document.
 
+#include "appletctl/base/files.h"
 #include "appletctl/base/text.h"
 #include "appletctl/commands/commands.h"
 

@@ -1,5 +1,6 @@
 #include "appletctl/commands/files/xml.h"
 
+#include "appletctl/base/files.h"
 #include "appletctl/base/text.h"
 #include "appletctl/commands/commands.h"
 

@@ -3,6 +3,7 @@
 #include "appletctl/applet/assignments.h"
 #include "appletctl/applet/line_timing.h"
 #include "appletctl/applet/published_limits.h"
+#include "appletctl/base/files.h"
 #include "appletctl/base/text.h"
 #include "appletctl/draw/svg.h"
 #include "appletctl/draw/waves.h"

@@ -1,6 +1,7 @@
 #include "appletctl/commands/signals/trace.h"
 
 #include "appletctl/applet/ConfigurationFile.h"
+#include "appletctl/base/files.h"
 #include "appletctl/base/text.h"
 #include "appletctl/commands/commands.h"
 
@@ -12,6 +13,9 @@ namespace {
 
 using nlohmann::ordered_json;
 using Lines = std::vector<std::string>;
+
+/** Stands for the log of a command that does without an access. */
+constexpr const char* noAccess = "(no access to the design)";
 
 constexpr const char* accessKinds[] = {"set ", "get ", "write ", "read "};
 
@@ -29,12 +33,19 @@ Lines accessesOfText(const std::string& text) {
     return lines;
 }
 
+bool holdsNoAccess(const std::string& text) { return text.find(noAccess) != std::string::npos; }
+
 /** The accesses in a file that "trace" has written, as text or as JSON. */
 Lines accessesOfFile(const std::string& file) {
     const auto text = textOfFile(file);
     if (!text) throw UsageError(inQuotes(toUtf8(file.c_str())) + " is no file that can be read");
     const auto document = ordered_json::parse(*text, nullptr, false);
-    if (!document.is_object()) return accessesOfText(*text);
+    if (!document.is_object()) {
+        const Lines accesses = accessesOfText(*text);
+        if (!accesses.empty() || holdsNoAccess(*text)) return accesses;
+        throw UsageError(inQuotes(toUtf8(file.c_str())) +
+                         " is no output of 'trace': it has no line such as 'set NAME u32 1024'");
+    }
     if (!document.contains("accesses") || !document["accesses"].is_array())
         throw UsageError(inQuotes(toUtf8(file.c_str())) +
                          " is no document of 'trace': it has no \"accesses\"");
@@ -111,6 +122,7 @@ Report traceRun(Context& context, bool isShownByCommand, const std::function<Rep
     std::string text;
     for (const std::string& line : context.accesses())
         text += "  " + line + '\n';
+    if (text.empty()) text = std::string("  ") + noAccess + '\n';
     if (report.isPrinted && !context.options().json) writeOut(text);
     report.text += text;
     return report;
@@ -120,7 +132,8 @@ Report compareTraces(Context&, const Words& files) {
     if (files.size() != 2) throw UsageError("'trace diff' compares two files that 'trace' has written");
     Report report;
     auto& rows = report.document["differences"] = ordered_json::array();
-    for (const OneSided& one : differencesOf(accessesOfFile(files[0]), accessesOfFile(files[1]))) {
+    const Lines first = accessesOfFile(files[0]), second = accessesOfFile(files[1]);
+    for (const OneSided& one : differencesOf(first, second)) {
         const bool isFirst = std::string_view(one.side) == "first";
         report.text += (isFirst ? "-" : "+") + numberText(one.number) + "  " + printable(one.line) + '\n';
         rows.push_back({{"side", one.side}, {"number", one.number}, {"access", one.line}});

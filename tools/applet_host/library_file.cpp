@@ -1,0 +1,54 @@
+#include "applet_host/library_file.h"
+
+#include <elf.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <fstream>
+
+namespace applet_host {
+namespace {
+
+bool readAt(std::ifstream& stream, std::uint64_t place, void* bytes, std::size_t count) {
+    stream.seekg(static_cast<std::streamoff>(place));
+    return static_cast<bool>(stream.read(static_cast<char*>(bytes), static_cast<std::streamsize>(count)));
+}
+
+/** True when so many bytes from `place` on are within the file. */
+bool isWithin(std::uint64_t size, std::uint64_t place, std::uint64_t count) {
+    return place <= size && count <= size - place;
+}
+
+std::string truncated(std::uint64_t size) {
+    return "it is cut off: its headers promise more than the " + std::to_string(size) + " bytes that it has";
+}
+
+} // namespace
+
+std::string troubleWithLibrary(const std::filesystem::path& file) {
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(file, error)) return "it is no regular file";
+    const std::uint64_t size = std::filesystem::file_size(file, error);
+    if (error) return error.message();
+    if (size == 0) return "the file is empty";
+    std::ifstream stream(file, std::ios::binary);
+    if (!stream) return "it cannot be read";
+    Elf64_Ehdr header{};
+    if (!readAt(stream, 0, header.e_ident, std::min<std::uint64_t>(size, SELFMAG)) ||
+        std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0)
+        return "it is no ELF file";
+    if (!readAt(stream, 0, &header, sizeof header)) return truncated(size);
+    if (header.e_ident[EI_CLASS] != ELFCLASS64)
+        return ""; // the loader says what it thinks of another machine
+    if (!isWithin(size, header.e_shoff, std::uint64_t{header.e_shentsize} * header.e_shnum))
+        return truncated(size);
+    for (std::uint64_t i = 0; i < header.e_phnum; ++i) {
+        Elf64_Phdr segment{};
+        const bool isRead = readAt(stream, header.e_phoff + i * sizeof segment, &segment, sizeof segment);
+        if (!isRead || !isWithin(size, segment.p_offset, segment.p_filesz)) return truncated(size);
+    }
+    return "";
+}
+
+} // namespace applet_host
