@@ -1,8 +1,8 @@
 // Defaults: the values of a scratch board after its start, set in the order in which the applet sets them there.
 
-#include "appletctl/applet/assignments.h"
 #include "appletctl/base/text.h"
 #include "appletctl/scratch/jobs.h"
+#include "appletctl/scratch/refusal.h"
 #include "appletctl/scratch/reports.h"
 
 #include "vexo/fg_errors.h"
@@ -99,7 +99,7 @@ Report resetParameters(Context& context, const Words& words) {
         else
             names.insert(context.parameters().find(word).name);
     }
-    Report report = applyAssignments(context.instance(), context.parameters(), assignments);
+    Report report = applyLive(context, assignments);
     if (report.exitCode != exitDone) return report;
     report.document["reset"] = nlohmann::ordered_json::array();
     const json defaults = context.scratchAtDefaults().ask("defaults", nullptr);
