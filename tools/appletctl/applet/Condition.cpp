@@ -30,16 +30,20 @@ public:
         return m_place == m_text.size();
     }
 
-    bool take(std::string_view mark) {
+    bool isNext(std::string_view mark) {
         skipBlanks();
-        if (!rest().starts_with(mark)) return false;
+        return rest().starts_with(mark);
+    }
+
+    bool take(std::string_view mark) {
+        if (!isNext(mark)) return false;
         m_place += mark.size();
         return true;
     }
 
     std::string takeName() {
         skipBlanks();
-        const std::size_t length = std::min(rest().find_first_of(" \t<>=!&|"), rest().size());
+        const std::size_t length = std::min(rest().find_first_of(" \t<>=!&|()"), rest().size());
         if (length == 0) refuse("the name of a parameter is wanted");
         return taken(length);
     }
@@ -63,7 +67,7 @@ public:
             return value;
         }
         const std::size_t length =
-            std::min({rest().find_first_of(blanks), rest().find("&&"), rest().find("||"), rest().size()});
+            std::min({rest().find_first_of(" \t)"), rest().find("&&"), rest().find("||"), rest().size()});
         if (length == 0 || relationAt(rest()) != nullptr || quote == '=') refuse("a value is wanted");
         return taken(length);
     }
@@ -116,38 +120,84 @@ std::string relationsInWords() {
     return join(symbols, " ");
 }
 
-Condition::Condition(const ParameterList& parameters, const std::string& text) : m_alternatives(1) {
-    Reader reader(text);
-    for (;;) {
-        const Target target = findTarget(parameters, reader.takeName());
+/** Reads a condition by recursive descent: alternatives of terms, a term is a comparison or in parentheses. */
+class Condition::Parser {
+public:
+    Parser(const ParameterList& parameters, const std::string& text)
+        : m_parameters(parameters)
+        , m_reader(text) {}
+
+    Node parse() {
+        Node node = parseAlternatives();
+        if (m_reader.isNext(")")) m_reader.refuse("this parenthesis was not opened");
+        if (!m_reader.isAtEnd()) m_reader.refuse("&& or || is wanted");
+        return node;
+    }
+
+private:
+    Node parseAlternatives() {
+        Node node{.kind = Node::Kind::any, .parts = {}, .comparison = {}};
+        do
+            node.parts.push_back(parseTerms());
+        while (m_reader.take("||"));
+        return node;
+    }
+
+    Node parseTerms() {
+        Node node{.kind = Node::Kind::all, .parts = {}, .comparison = {}};
+        do
+            node.parts.push_back(parseTerm());
+        while (m_reader.take("&&"));
+        return node;
+    }
+
+    Node parseTerm() {
+        constexpr int deepest = 50;
+        if (!m_reader.take("("))
+            return {.kind = Node::Kind::comparison, .parts = {}, .comparison = parseComparison()};
+        if (++m_depth > deepest) m_reader.refuse("there are too many parentheses within each other");
+        Node node = parseAlternatives();
+        if (!m_reader.take(")")) m_reader.refuse("&&, || or a closing parenthesis is wanted");
+        --m_depth;
+        return node;
+    }
+
+    Comparison parseComparison() {
+        const Target target = findTarget(m_parameters, m_reader.takeName());
         if (target.elements && target.elements->count() > 1)
             throw UsageError(target.name() + ": one element is compared at a time");
-        const Relation& relation = reader.takeRelation();
-        m_alternatives.back().push_back({target, &relation, parseValue(target, reader.takeValue())});
-        if (reader.isAtEnd()) return;
-        if (reader.take("||"))
-            m_alternatives.emplace_back();
-        else if (!reader.take("&&"))
-            reader.refuse("&& or || is wanted");
+        const Relation& relation = m_reader.takeRelation();
+        return {target, &relation, parseValue(target, m_reader.takeValue())};
     }
-}
+
+    const ParameterList& m_parameters;
+    Reader m_reader;
+    int m_depth = 0;
+};
+
+Condition::Condition(const ParameterList& parameters, const std::string& text)
+    : m_root(Parser(parameters, text).parse()) {}
 
 std::vector<Target> Condition::targets() const {
     std::vector<Target> targets;
-    for (const auto& comparisons : m_alternatives)
-        for (const Comparison& comparison : comparisons)
-            targets.push_back(comparison.target);
+    addTargets(m_root, targets);
     return targets;
 }
 
-bool Condition::holds(const std::function<ReadResult(const Target&)>& reading) const {
-    const auto isTrue = [&](const Comparison& comparison) {
-        const ReadResult is = reading(comparison.target);
-        return is.error == 0 && comparison.relation->holds(order(is.value, comparison.value));
-    };
-    return std::ranges::any_of(m_alternatives, [&](const std::vector<Comparison>& comparisons) {
-        return std::ranges::all_of(comparisons, isTrue);
-    });
+void Condition::addTargets(const Node& node, std::vector<Target>& targets) {
+    if (node.kind == Node::Kind::comparison) targets.push_back(node.comparison.target);
+    for (const Node& part : node.parts)
+        addTargets(part, targets);
+}
+
+bool Condition::holds(const Reading& reading) const { return holds(m_root, reading); }
+
+bool Condition::holds(const Node& node, const Reading& reading) {
+    const auto isTrue = [&](const Node& part) { return holds(part, reading); };
+    if (node.kind == Node::Kind::any) return std::ranges::any_of(node.parts, isTrue);
+    if (node.kind == Node::Kind::all) return std::ranges::all_of(node.parts, isTrue);
+    const ReadResult is = reading(node.comparison.target);
+    return is.error == 0 && node.comparison.relation->holds(order(is.value, node.comparison.value));
 }
 
 } // namespace appletctl

@@ -57,9 +57,8 @@ std::string wordsFor(std::span<const ReadEffect> effects, const std::string& nam
     return found != effects.end() ? found->words : "";
 }
 
-std::string didYouMean(const std::vector<std::string>& names) {
-    if (names.empty()) return "; 'appletctl list' shows all names";
-    return "; did you mean " + join(names, " or ") + "?";
+std::string suggestion(const std::vector<std::string>& names) {
+    return names.empty() ? "; 'appletctl list' shows all names" : didYouMean(names);
 }
 
 } // namespace
@@ -131,11 +130,11 @@ const Parameter& ParameterList::find(std::string_view name) const {
     }
     if (found.size() == 1) return *found.front();
     const std::string shown = "'" + printable(name) + "'";
-    if (found.empty()) throw UsageError("there is no parameter " + shown + didYouMean(closestNames(wanted)));
+    if (found.empty()) throw UsageError("there is no parameter " + shown + suggestion(closestNames(wanted)));
     std::vector<std::string> names;
     for (const Parameter* parameter : found)
         names.push_back(parameter->name);
-    throw UsageError("the name " + shown + " is ambiguous" + didYouMean(names));
+    throw UsageError("the name " + shown + " is ambiguous" + suggestion(names));
 }
 
 std::vector<const Parameter*> ParameterList::matching(const std::string& pattern) const {
@@ -146,7 +145,7 @@ std::vector<const Parameter*> ParameterList::matching(const std::string& pattern
     if (found.empty()) {
         throw UsageError(
             "no parameter's name matches '" + printable(pattern) + "'" +
-            didYouMean(isGlob(pattern) ? std::vector<std::string>{} : closestNames(lowerPattern)));
+            suggestion(isGlob(pattern) ? std::vector<std::string>{} : closestNames(lowerPattern)));
     }
     return found;
 }
@@ -171,23 +170,10 @@ std::vector<const Parameter*> ParameterList::inGroup(const std::string& label) c
 }
 
 std::vector<std::string> ParameterList::closestNames(std::string_view name) const {
-    constexpr std::size_t shownNames = 3;
-    const std::string_view wanted = withoutPrefix(name);
-    const std::size_t farthest = std::max<std::size_t>(2, wanted.size() / 3);
-    std::vector<std::pair<std::size_t, std::string>> candidates;
-    for (const Parameter& parameter : m_parameters) {
-        const std::string lower = lowerCase(parameter.name);
-        const std::string_view candidate = withoutPrefix(lower);
-        const bool contained = wanted.size() > 2 && candidate.find(wanted) != std::string_view::npos;
-        const std::size_t distance = contained ? 2 : editDistance(wanted, candidate);
-        if (distance <= farthest) candidates.emplace_back(distance, parameter.name);
-    }
-    std::stable_sort(candidates.begin(), candidates.end(),
-                     [](const auto& a, const auto& b) { return a.first < b.first; });
     std::vector<std::string> names;
-    for (const auto& [distance, candidate] : candidates)
-        if (names.size() < shownNames) names.push_back(candidate);
-    return names;
+    for (const Parameter& parameter : m_parameters)
+        names.push_back(parameter.name);
+    return nearestWords(name, names);
 }
 
 } // namespace appletctl

@@ -41,6 +41,11 @@ ElementRange findElements(const Parameter& parameter, std::string_view text) {
     return *range;
 }
 
+void addReadable(const std::vector<const Parameter*>& found, std::vector<Target>& targets) {
+    for (const Parameter* parameter : found)
+        if (parameter->effectOfReading().empty()) targets.push_back({parameter});
+}
+
 } // namespace
 
 std::string Target::name() const {
@@ -79,8 +84,24 @@ Target findTarget(const ParameterList& parameters, std::string_view word) {
 
 std::vector<Target> findTargets(const ParameterList& parameters, const std::vector<std::string>& words) {
     std::vector<Target> targets;
-    for (const std::string& word : words)
-        targets.push_back(findTarget(parameters, word));
+    for (const std::string& word : words) {
+        if (word.find_first_of("*?") == std::string::npos) {
+            targets.push_back(findTarget(parameters, word));
+            continue;
+        }
+        const std::size_t before = targets.size();
+        addReadable(parameters.matching(word), targets);
+        if (targets.size() == before)
+            throw UsageError("a read takes something from the board of all that match '" + printable(word) +
+                             "': give their full names to read them");
+    }
+    return targets;
+}
+
+std::vector<Target> targetsOfGroups(const ParameterList& parameters, const std::vector<std::string>& labels) {
+    std::vector<Target> targets;
+    for (const std::string& label : labels)
+        addReadable(parameters.inGroup(label), targets);
     return targets;
 }
 

@@ -39,8 +39,12 @@ std::uint32_t elementCount(const Parameter& parameter);
  *  Throws UsageError for an unknown name and for elements that the parameter has not. */
 Target findTarget(const ParameterList& parameters, std::string_view word);
 
-/** Reads all words before anything else is done, so that a misspelt one stops all. */
+/** Reads all words before anything else is done, so that a misspelt one stops all. A word with * or ? is a pattern.
+ *  Of its parameters those are left out of which a read takes something from the board. */
 std::vector<Target> findTargets(const ParameterList& parameters, const std::vector<std::string>& words);
+
+/** The parameters of the named groups, without those of which a read takes something from the board. */
+std::vector<Target> targetsOfGroups(const ParameterList& parameters, const std::vector<std::string>& labels);
 
 } // namespace appletctl
 

@@ -15,7 +15,7 @@ std::string withUnit(const std::string& limits, const Parameter& parameter) {
 /** What the caller can learn from the live record after a refusal. */
 std::string advice(const Parameter& parameter, const Value& value, int code) {
     if (code == FG_ERR_NOT_AVAILABLE && accessWord(parameter) != "rw" && accessWord(parameter) != "rw+")
-        return "; the parameter is read-only";
+        return "; the parameter is read-only: its value is measured, or fixed by the design";
     const auto* text = std::get_if<std::string>(&value);
     if (text != nullptr && code == FG_ERR_FILE_TYPE)
         return "; " + inQuotes(toUtf8(text->c_str())) + " is no file that can be opened for reading";
@@ -28,10 +28,9 @@ std::string advice(const Parameter& parameter, const Value& value, int code) {
     const bool isWithin = isWithinLimits(parameter, value);
     const std::string entries = entriesText(parameter);
     const std::string limits = withUnit(limitsText(parameter), parameter);
-    if (isWithin) {
-        return (entries.empty() ? "; it keeps to the present limits (" + limits + ")" : "; it is an entry") +
-               ", so the value of another parameter stands against it";
-    }
+    if (isWithin)
+        return entries.empty() ? "; it keeps to the published limits, " + limits
+                               : "; it is an entry that is not accepted now";
     if (!entries.empty()) return "; the entries are " + entries;
     return limitsText(parameter).empty() ? "" : "; the present limits are " + limits;
 }

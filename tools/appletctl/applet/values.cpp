@@ -1,6 +1,7 @@
 #include "appletctl/applet/values.h"
 
 #include "appletctl/applet/published_limits.h"
+#include "appletctl/applet/units.h"
 #include "appletctl/base/errors.h"
 #include "appletctl/base/text.h"
 
@@ -65,26 +66,66 @@ std::optional<std::int32_t> entryByName(const Parameter& parameter, const std::s
     throw UsageError(target.name() + "=" + printable(text) + ": " + reason);
 }
 
+/** The text without its unit: "0.25ms" is "0.25e3" for a parameter in µs. */
+std::string inOwnUnit(const Target& target, const std::string& text) {
+    const auto converted = convertUnit(text, target.parameter->unit());
+    if (!converted) return text;
+    if (converted->number.empty()) refuseText(target, text, converted->reason);
+    return converted->number;
+}
+
 template <typename Integer> Integer parseInteger(const Target& target, const std::string& text) {
     if (const auto number = wholeNumber<Integer>(text)) return *number;
+    const std::string own = inOwnUnit(target, text);
+    if (const auto number = wholeNumber<Integer>(own)) return *number;
+    // A conversion such as 2000 ms = 2000e-3 seconds may give a whole number in another form.
+    const auto converted = own != text ? floatingNumber(own) : std::nullopt;
+    const std::string shown = converted ? numberText(*converted) : text;
+    if (const auto number = wholeNumber<Integer>(shown)) return *number;
     using Limits = std::numeric_limits<Integer>;
+    const std::string unit = target.parameter->unit();
     refuseText(target, text,
-               "'" + printable(text) + "' is not a whole number from " + numberText(Limits::min()) + " to " +
-                   numberText(Limits::max()) + " (decimal or 0x...)");
+               "'" + printable(shown) + "' is not a whole number from " + numberText(Limits::min()) + " to " +
+                   numberText(Limits::max()) + " (decimal or 0x..." +
+                   (unit.empty() ? ")" : ", in " + unit + ")"));
 }
 
 double parseDouble(const Target& target, const std::string& text) {
-    if (const auto number = floatingNumber(text)) return *number;
+    if (const auto number = floatingNumber(inOwnUnit(target, text))) return *number;
+    const std::string unit = target.parameter->unit();
     refuseText(target, text,
-               "'" + printable(text) + "' is not a floating point number (such as 19.5 or 1e-3)");
+               "'" + printable(text) + "' is not a floating point number (such as 19.5 or 1e-3" +
+                   (unit.empty() ? ")" : ", in " + unit + ")"));
+}
+
+/** "; did you mean A (1) or B (2)?"; all entries where they are few, or none is near. */
+std::string entriesNear(const Parameter& parameter, const std::string& text) {
+    constexpr std::size_t few = 6;
+    const std::vector<Entry> entries = entriesOf(parameter);
+    std::vector<std::string> names, shown;
+    for (const Entry& entry : entries) {
+        names.push_back(entry.symbol);
+        names.push_back(entry.label);
+    }
+    for (const std::string& name : nearestWords(text, names)) {
+        const auto entry = std::ranges::find_if(
+            entries, [&](const Entry& one) { return one.symbol == name || one.label == name; });
+        const std::string asShown = entryName(*entry) + " (" + numberText(entry->value) + ")";
+        if (std::ranges::find(shown, asShown) == shown.end()) shown.push_back(asShown);
+    }
+    const std::string nearest = didYouMean(shown);
+    if (nearest.empty() || entries.size() <= few)
+        return nearest + "; the entries are " + entriesText(parameter);
+    return nearest + " 'appletctl limits " + parameter.name + "' shows all " + numberText(entries.size()) +
+           " entries";
 }
 
 std::int32_t parseEntry(const Target& target, const std::string& text) {
     if (const auto value = entryByName(*target.parameter, text)) return *value;
     if (const auto number = wholeNumber<std::int32_t>(text)) return *number;
     refuseText(target, text,
-               "'" + printable(text) + "' is neither an entry nor a number; the entries are " +
-                   entriesText(*target.parameter));
+               "'" + printable(text) + "' is neither an entry nor a number" +
+                   entriesNear(*target.parameter, text));
 }
 
 /** "5" where all elements hold 5; else the first ones and how many there are. */
@@ -264,10 +305,17 @@ void addValue(nlohmann::ordered_json& object, const Target& target, const Value&
     }
 }
 
+void addNotMeasured(nlohmann::ordered_json& object) {
+    object["value"] = nullptr;
+    object["measured"] = false;
+}
+
 nlohmann::ordered_json readingAsJson(const Target& target, const ReadResult& reading) {
     const Parameter& parameter = *target.parameter;
     nlohmann::ordered_json row = {{"name", parameter.name}, {"id", parameter.id}, {"unit", parameter.unit()}};
-    if (reading.error == FG_OK)
+    if (!reading.isMeasured)
+        addNotMeasured(row);
+    else if (reading.error == FG_OK)
         addValue(row, target, reading.value);
     else
         row["error"] = codeAsJson(reading.error);

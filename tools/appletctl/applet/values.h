@@ -32,8 +32,13 @@ using Value = std::variant<std::uint32_t, std::int32_t, std::uint64_t, std::int6
 
 struct ReadResult {
     int error = 0;
-    Value value;
+    Value value{};
+    bool isMeasured =
+        true; /**< false for what a board measures where there is none: the value says nothing */
 };
+
+/** What is shown instead of such a value. */
+inline constexpr const char* notMeasuredText = "- (not measured: offline there is no board)";
 
 /** A value of the native type of the target's kind: zeros, or as many as there are elements. */
 Value emptyValue(const Target& target);
@@ -65,7 +70,10 @@ std::string valueWithUnit(const Parameter& parameter, const Value& value);
  *  one element "index" and "value", for several "first" and "values". */
 void addValue(nlohmann::ordered_json& object, const Target& target, const Value& value);
 
-/** Name, id, unit and what addValue adds, or "error" when the read failed. */
+/** Adds "value": null and "measured": false. */
+void addNotMeasured(nlohmann::ordered_json& object);
+
+/** Name, id, unit and what addValue or addNotMeasured adds, or "error" when the read failed. */
 nlohmann::ordered_json readingAsJson(const Target& target, const ReadResult& reading);
 
 } // namespace appletctl

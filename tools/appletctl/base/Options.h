@@ -44,12 +44,15 @@ struct Options {
     bool onlyWritable = false;            /**< --writable of "list" */
     std::string group;                    /**< --group of "list": part of the group's labels */
     Words columns;                        /**< -f of "list" */
-    bool areGroups = false;               /**< -g of "get": the names are groups */
+    bool areGroups = false;               /**< -g of "get" and "watch": the names are groups */
     bool isRaw = false;                   /**< --raw of "get": bare values */
     std::string lutChannel = "all";       /**< --channel of "lut show": red, green, blue or all */
     int watchInterval = 1000;             /**< --interval of "watch": milliseconds from round to round */
     int watchCount = 0;                   /**< --count of "watch": rounds; 0: no end */
     std::string watchFailIf;              /**< --fail-if of "watch": a condition (see Condition) */
+    std::string watchAlarmIf;             /**< --alarm-if of "watch": the same */
+    bool watchLostLines = false;          /**< --lost-lines of "watch": an alarm when lines are lost */
+    bool watchRate = false;               /**< --rate of "watch": the change per second */
     std::string junitFile;                /**< --junit of "run"; empty: none */
     bool failFast = false;                /**< --fail-fast of "run" */
     bool keepGoing = false;               /**< -k of "shell" */

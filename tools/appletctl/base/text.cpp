@@ -129,4 +129,34 @@ std::size_t editDistance(std::string_view a, std::string_view b) {
     return row.back();
 }
 
+std::vector<std::string> nearestWords(std::string_view word, const std::vector<std::string>& candidates) {
+    constexpr std::size_t mostWords = 3, ofPart = 2;
+    const auto comparable = [](std::string_view text) {
+        std::string lower = lowerCase(text);
+        return lower.starts_with("fg_") ? lower.substr(3) : lower;
+    };
+    const auto isPartOf = [](const std::string& part, const std::string& whole) {
+        return part.size() > 2 && whole.find(part) != std::string::npos;
+    };
+    const std::string wanted = comparable(word);
+    const std::size_t farthest = std::max<std::size_t>(2, wanted.size() / 3);
+    std::vector<std::pair<std::size_t, std::string>> near;
+    for (const std::string& candidate : candidates) {
+        const std::string known = comparable(candidate);
+        const std::size_t distance =
+            isPartOf(wanted, known) || isPartOf(known, wanted) ? ofPart : editDistance(wanted, known);
+        if (!known.empty() && distance <= farthest) near.emplace_back(distance, candidate);
+    }
+    std::stable_sort(near.begin(), near.end(),
+                     [](const auto& a, const auto& b) { return a.first < b.first; });
+    std::vector<std::string> words;
+    for (const auto& [distance, candidate] : near)
+        if (words.size() < mostWords) words.push_back(candidate);
+    return words;
+}
+
+std::string didYouMean(const std::vector<std::string>& names) {
+    return names.empty() ? "" : "; did you mean " + join(names, " or ") + "?";
+}
+
 } // namespace appletctl

@@ -32,6 +32,13 @@ std::string join(const std::vector<std::string>& parts, std::string_view separat
 /** Number of single characters to insert, remove or replace to make `a` into `b`. */
 std::size_t editDistance(std::string_view a, std::string_view b);
 
+/** The candidates that a user may have meant by the word, the likeliest first, at most three. Case and the prefix
+ *  "FG_" do not count; a part of a candidate is near to it. */
+std::vector<std::string> nearestWords(std::string_view word, const std::vector<std::string>& candidates);
+
+/** "; did you mean A or B?"; empty without names. */
+std::string didYouMean(const std::vector<std::string>& names);
+
 } // namespace appletctl
 
 #endif

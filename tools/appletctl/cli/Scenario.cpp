@@ -39,7 +39,8 @@ int codeOf(const std::string& word) {
 
 void checkOneOf(const std::string& word, const Words& possible) {
     if (std::ranges::find(possible, word) == possible.end())
-        throw UsageError("'" + printable(word) + "' is none of " + join(possible, ", "));
+        throw UsageError("'" + printable(word) + "' is none of " + join(possible, ", ") +
+                         didYouMean(nearestWords(word, possible)));
 }
 
 // ---- Steps that expect something.
@@ -172,7 +173,8 @@ std::string raiseEvent(ScenarioRunner& station, const Step& step) {
 std::string poke(ScenarioRunner& station, const Step& step) {
     const auto& board = station.board();
     LOOMdevice* device = station.instance().device();
-    const char* name = step.words[0].c_str();
+    const std::string full = station.designName(step.words[0]);
+    const char* name = full.c_str();
     const std::string& value = step.words[1];
     int result = VBOARD_UNKNOWN;
     if (const auto whole = wholeNumber<std::int64_t>(value))
@@ -182,8 +184,8 @@ std::string poke(ScenarioRunner& station, const Step& step) {
     else
         result = board.poke_text(device, name, value.c_str());
     if (result == VBOARD_OK) return "";
-    throw UsageError("the design has no parameter or register " + inQuotes(step.words[0]) +
-                     " that takes this");
+    if (result == VBOARD_UNKNOWN) station.refuseName(step.words[0], "parameter or register");
+    throw UsageError(full + " does not take " + inQuotes(value));
 }
 
 constexpr StepKind kinds[] = {
@@ -217,6 +219,23 @@ bool beginsWith(const Words& words, const StepKind& kind) {
            join(Words(words.begin(), words.begin() + static_cast<std::ptrdiff_t>(count)), " ") == kind.name;
 }
 
+/** The kinds of steps whose names are nearest to the beginning of the words; none if none is near. */
+Words nearestKinds(const Words& words) {
+    std::size_t least = 2;
+    Words nearest;
+    for (const StepKind& kind : kinds) {
+        const std::size_t count = wordCount(kind);
+        if (count > words.size()) continue;
+        const auto end = words.begin() + static_cast<std::ptrdiff_t>(count);
+        const std::size_t distance = editDistance(join(Words(words.begin(), end), " "), kind.name);
+        if (distance > least) continue;
+        if (distance < least) nearest.clear();
+        least = distance;
+        nearest.push_back("'" + std::string(kind.name) + "'");
+    }
+    return nearest;
+}
+
 /** The kind that the words begin with; null for a command. Throws UsageError for half of one. */
 const StepKind* kindOf(const Words& words) {
     Words possible;
@@ -226,7 +245,8 @@ const StepKind* kindOf(const Words& words) {
             possible.push_back("'" + usageOf(kind) + "'");
     }
     if (possible.empty()) return nullptr;
-    throw UsageError("possible are " + join(possible, ", "));
+    throw UsageError("the words behind '" + printable(words.front()) + "' are not known" +
+                     didYouMean(nearestKinds(words)) + "; possible are " + join(possible, ", "));
 }
 
 Request requestOf(const Words& words, Options options) {
@@ -239,7 +259,10 @@ Request requestOf(const Words& words, Options options) {
         names.push_back("'" + usageOf(kind) + "'");
     const std::string why =
         request.outcome.problems.empty() ? "this asks for help" : request.outcome.problems.front();
-    throw UsageError(why + "; a step is a command, or one of " + join(names, ", "));
+    const std::string near = didYouMean(nearestKinds(words));
+    throw UsageError(
+        (near.empty() ? why : "there is no step or command '" + printable(words.front()) + "'" + near) +
+        "; a step is a command, or one of " + join(names, ", "));
 }
 
 Step parseStep(const std::string& text, const WordLine& line, const Options& options) {

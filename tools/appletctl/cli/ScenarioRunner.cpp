@@ -5,6 +5,7 @@
 #include "appletctl/base/numbers.h"
 #include "appletctl/base/text.h"
 
+#include <set>
 #include <sstream>
 
 namespace appletctl {
@@ -80,17 +81,48 @@ std::vector<std::string> ScenarioRunner::writesLeft() {
     return {m_writes.begin() + static_cast<std::ptrdiff_t>(m_found), m_writes.end()};
 }
 
+std::vector<std::string> ScenarioRunner::designNames() {
+    std::vector<std::string> names;
+    const ParameterList design(instance(), ParameterList::Scope::design);
+    for (const Parameter& parameter : design.all())
+        names.push_back(parameter.name.substr(designPrefix.size()));
+    return names;
+}
+
+std::string ScenarioRunner::designName(const std::string& name) {
+    std::vector<std::string> found;
+    for (const std::string& known : designNames()) {
+        if (known == name) return name;
+        if (known.ends_with("_" + name)) found.push_back(known);
+    }
+    if (found.size() > 1)
+        throw UsageError("the names of " + numberText(found.size()) + " parameters of the design end with " +
+                         inQuotes(name) + ", such as " + found[0] + " and " + found[1]);
+    return found.empty() ? name : found.front();
+}
+
 void ScenarioRunner::failName(const std::string& name, int code) {
-    if (board().fail_name(instance().device(), name.c_str(), code) != VBOARD_OK)
-        throw UsageError("the design has no parameter or register " + inQuotes(name));
-    m_failing.push_back(name);
+    const std::string full = designName(name);
+    if (board().fail_name(instance().device(), full.c_str(), code) != VBOARD_OK)
+        refuseName(name, "parameter or register");
+    m_failing.push_back(full);
 }
 
 void ScenarioRunner::lack(const std::string& name) {
-    if (board().lack_parameter(name.c_str(), true) != VBOARD_OK)
-        throw UsageError("the design has no parameter " + inQuotes(name));
+    if (board().lack_parameter(designName(name).c_str(), true) != VBOARD_OK) refuseName(name, "parameter");
     m_context.restart();
     logWrites(instance());
+}
+
+void ScenarioRunner::refuseName(const std::string& name, const std::string& what) {
+    // An end is a name as well, so the last part of each is a candidate.
+    std::vector<std::string> candidates = designNames();
+    std::set<std::string> ends;
+    for (const std::string& known : candidates)
+        ends.insert(known.substr(known.rfind('_') + 1));
+    candidates.insert(candidates.begin(), ends.begin(), ends.end());
+    throw UsageError("the design has no " + what + " " + inQuotes(name) +
+                     didYouMean(nearestWords(name, candidates)));
 }
 
 } // namespace appletctl

@@ -34,13 +34,20 @@ public:
     /** The writes behind the one that was found last, as the board logs them. */
     std::vector<std::string> writesLeft();
 
+    /** The full name of a parameter of the design, which may be given by its end behind a _. A register's name is
+     *  left as it is. Throws UsageError for an end that several have. */
+    std::string designName(const std::string& name);
     /** All accesses of the parameter or register fail with the code; 0: no more. */
     void failName(const std::string& name, int code);
     /** Takes a parameter out of the design, and starts the applet anew on a fresh board. */
     void lack(const std::string& name);
+    /** The refusal of a name that the design does not have. */
+    [[noreturn]] void refuseName(const std::string& name, const std::string& what);
 
 private:
     void collectWrites();
+    /** All parameters of the design. */
+    std::vector<std::string> designNames();
 
     Context& m_context;
     std::vector<std::string> m_writes;

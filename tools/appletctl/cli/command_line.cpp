@@ -71,6 +71,14 @@ void addWatchOptions(CLI::App& command, Options& options) {
         .add_option("--fail-if", options.watchFailIf,
                     "Condition that ends the watch with exit code 1, such as 'FG_OVERFLOW != 0 || NAME > 5'")
         ->type_name("EXPR");
+    command
+        .add_option("--alarm-if", options.watchAlarmIf,
+                    "Condition that sounds the terminal's bell and marks the round")
+        ->type_name("EXPR");
+    command.add_flag("--lost-lines", options.watchLostLines,
+                     "Alarm when lines are lost: the same as --alarm-if 'FG_OVERFLOW != 0'");
+    command.add_flag("--rate", options.watchRate, "Show the change of each number per second");
+    command.add_flag("-g,--group", options.areGroups, "The names are groups: all their parameters");
 }
 
 void addRunOptions(CLI::App& command, Options& options) {
@@ -156,7 +164,7 @@ constexpr Command commands[] = {
     {nullptr, "lint", "Say what is legal but doubtful", "FILE",
      "File to look at, or assignments to carry out before", 0, -1, lintParameters, usesScratch},
     {nullptr, "timing", "Show the signals over three line periods, and which output carries them",
-     "NAME=VALUE", "Assignments to carry out before", 0, -1, showTiming, usesNoScratch, addTimingOptions},
+     "NAME=VALUE", "Assignments to carry out before", 0, -1, showTiming, usesScratch, addTimingOptions},
     {nullptr, "docs", "Write the documentation of all parameters", nullptr, nullptr, 0, 0, writeDocs,
      usesScratch, addDocsOptions},
     {nullptr, "report", "Write all that a support needs into one file", "NAME=VALUE",
@@ -181,13 +189,13 @@ constexpr Command commands[] = {
      "The shell that is to complete", 1, 1, showCompletionScript, usesNoScratch, addShells},
     {nullptr, "__complete", "", "WORD", "", 1, -1, completeWords},
     {&lutGroup, "show", "Show what the tables are like, and a curve", "NAME=VALUE",
-     "Assignments to carry out before", 0, -1, showLut, usesNoScratch, addLutChannel},
+     "Assignments to carry out before", 0, -1, showLut, usesScratch, addLutChannel},
     {&lutGroup, "plot", "Draw the curves of all colours as SVG", "FILE",
-     "File to write, .svg, then assignments to carry out before", 1, -1, plotLut},
+     "File to write, .svg, then assignments to carry out before", 1, -1, plotLut, usesScratch},
     {&lutGroup, "save", "Save the tables to a .lut file", "FILE",
-     "File to write, then assignments to carry out before", 1, -1, saveLut},
+     "File to write, then assignments to carry out before", 1, -1, saveLut, usesScratch},
     {&lutGroup, "load", "Load the tables from a .lut file", "FILE",
-     "File to read, then assignments to carry out before", 1, -1, loadLut},
+     "File to read, then assignments to carry out before", 1, -1, loadLut, usesScratch},
 };
 
 constexpr const char* notes =

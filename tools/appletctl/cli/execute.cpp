@@ -27,6 +27,13 @@ Report runCommand(const Request& request, Context& context) {
     return traceRun(context, request.command->run == setParameters, command);
 }
 
+/** Offline a scratch board tells what would come from a board. */
+Context::Scratch scratchFor(const Request& request) {
+    const Context::Scratch wanted = request.command->scratch;
+    const bool isMissing = wanted == Context::Scratch::none && request.options.offline;
+    return isMissing ? Context::Scratch::withoutDesign : wanted;
+}
+
 bool isSameBoard(const Options& a, const Options& b) {
     return a.board == b.board && a.bridge == b.bridge && a.applet == b.applet && a.offline == b.offline;
 }
@@ -58,7 +65,7 @@ Report execute(const Request& request, Context& context) {
 Report execute(const Request& request) {
     if (request.command == nullptr) return request.outcome;
     return withFailuresAsReports([&] {
-        Context context(request.options, request.command->scratch);
+        Context context(request.options, scratchFor(request));
         return runCommand(request, context);
     });
 }

@@ -1,13 +1,14 @@
 #include "appletctl/scratch/CommandRun.h"
 
 #include "appletctl/base/text.h"
+#include "appletctl/scratch/refusal.h"
 
 namespace appletctl {
 
 CommandRun::CommandRun(Context& context, const Words& assignments)
     : instance(context.instance())
     , parameters(context.parameters())
-    , report(applyAssignments(instance, parameters, assignments)) {}
+    , report(applyLive(context, assignments)) {}
 
 int CommandRun::set(const char* name, const Value& value) {
     return writeValue(instance, {&parameters.find(name)}, value);

@@ -39,6 +39,18 @@ ScratchBoard& Context::scratchAtDefaults() {
 
 ScratchBoard& Context::bareScratch() { return seeded({{"design", nullptr}, {"values", json::object()}}); }
 
+ReadResult Context::read(const Target& target) {
+    ReadResult reading = readValue(instance(), target);
+    reading.isMeasured = !m_options.offline || !isFromBoard(*target.parameter);
+    return reading;
+}
+
+bool Context::isFromBoard(const Parameter& parameter) {
+    if (!m_fromBoard && m_scratch)
+        m_fromBoard = bareScratch().ask("fromBoard", nullptr).get<std::set<std::string>>();
+    return m_fromBoard && m_fromBoard->contains(parameter.name);
+}
+
 json Context::withoutTrace(const std::function<json()>& read) {
     if (m_isTraced) takeAccesses();
     const json result = read();

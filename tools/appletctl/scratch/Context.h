@@ -3,11 +3,14 @@
 #define APPLETCTL_SCRATCH_CONTEXT_H
 
 #include "appletctl/applet/ParameterList.h"
+#include "appletctl/applet/values.h"
 #include "appletctl/scratch/ScratchBoard.h"
 
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
+#include <string>
 
 namespace appletctl {
 
@@ -39,6 +42,8 @@ public:
     ScratchBoard& scratchAtDefaults();
     /** The scratch board as the virtual board starts; the live applet is not looked at. */
     ScratchBoard& bareScratch();
+    /** Reads from the live applet. Offline, what comes from a board is marked as not measured. */
+    ReadResult read(const Target& target);
     /** What of the scratch board's state was assumed, when it was last asked for. */
     const Words& assumed() const { return m_assumed; }
 
@@ -50,6 +55,9 @@ public:
     const Words& accesses() const { return m_accesses; }
 
 private:
+    /** True for what the applet reads from the board or the runtime. */
+    bool isFromBoard(const Parameter& parameter);
+
     nlohmann::json withoutTrace(const std::function<nlohmann::json()>& read);
     ScratchBoard& seeded(const nlohmann::json& seed);
 
@@ -60,6 +68,7 @@ private:
     std::optional<Instance> m_instance;
     std::optional<ParameterList> m_parameters;
     Words m_assumed;
+    std::optional<std::set<std::string>> m_fromBoard; // names; asked for when it is first needed
     bool m_isTraced = false;
     Words m_accesses;
 };

@@ -1,6 +1,5 @@
 #include "appletctl/scratch/Probe.h"
 
-#include "appletctl/applet/assignments.h"
 #include "appletctl/base/text.h"
 
 #include "vexo/fg_errors.h"
@@ -95,14 +94,6 @@ Value numberAt(std::uint64_t rank, const Value& like) {
         else
             return static_cast<T>(rank);
     });
-}
-
-void startFrom(ScratchSession& session, const json& arguments) {
-    const auto words = arguments.at("with").get<Words>();
-    if (words.empty()) return;
-    const Report report = applyAssignments(session.instance(), session.parameters(), words);
-    if (report.exitCode != exitDone) throw Failure(join(report.problems, "; "));
-    session.keep();
 }
 
 Probe::Probe(ScratchSession& session) : m_session(session) { begin(); }

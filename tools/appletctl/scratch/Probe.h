@@ -21,10 +21,6 @@ Value numberAt(std::uint64_t rank, const Value& like);
 /** True for numbers and entries. */
 bool isNumber(const Value& value);
 
-/** Carries out the "with" of a job's arguments, [NAME=VALUE, ...]; from then on that is the state to go back to.
- *  Throws Failure for a refusal. */
-void startFrom(ScratchSession& session, const json& arguments);
-
 /** A change of one parameter. */
 struct Change {
     std::size_t place;

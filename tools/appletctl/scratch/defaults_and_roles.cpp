@@ -2,6 +2,7 @@
 
 #include "appletctl/applet/ConfigurationFile.h"
 #include "appletctl/applet/MemoryFile.h"
+#include "appletctl/applet/access_log.h"
 #include "appletctl/base/errors.h"
 #include "appletctl/scratch/jobs.h"
 
@@ -44,6 +45,17 @@ bool isSettable(ScratchSession& session, const Target& target) {
 }
 
 } // namespace
+
+json fromBoardJob(ScratchSession& session, const json&) {
+    Instance& instance = session.instance();
+    logAccesses(instance);
+    json names = json::array();
+    for (const Parameter& parameter : session.parameters().all()) {
+        readValue(instance, {&parameter});
+        if (!takeWrites(instance).empty()) names.push_back(parameter.name);
+    }
+    return names;
+}
 
 json defaultsAndRolesJob(ScratchSession& session, const json& arguments) {
     const json& defaults = session.defaults();

@@ -30,9 +30,9 @@ json expectJob(ScratchSession& session, const json& arguments);
 /** Looks for an order of {"assignments": [WORD, ...]}: {"isComplete", "words", "problems"}. */
 json orderJob(ScratchSession& session, const json& arguments);
 
-/** What is written for pairs of source and polarity, [{"name", "value"}, {"name", "value"}, ...]:
- *  [[{"parameter", "expected"}, {"parameter", "expected"}], ...]. */
-json routesJob(ScratchSession& session, const json& pairs);
+/** What is written for groups of values, [[{"name", "value"}, ...], ...]: the last write to each parameter of the
+ *  design, [[{"parameter", "expected"}, ...], ...]. */
+json routesJob(ScratchSession& session, const json& groups);
 
 /** What to do about the refused {"assignment": WORD}: {"words", "row"}. */
 json suggestionJob(ScratchSession& session, const json& arguments);
@@ -50,6 +50,9 @@ json depsJob(ScratchSession& session, const json& arguments);
 /** Tells {NAME: {"start": VALUE, "settable", "fileRole"}} of {"names": [NAME, ...], "roles": whether the file
  *  roles are wanted} (see DefaultAndRole). */
 json defaultsAndRolesJob(ScratchSession& session, const json& arguments);
+
+/** The names of the parameters of which a read asks the board or the runtime: [NAME, ...]. */
+json fromBoardJob(ScratchSession& session, const json& nothing);
 
 /** Tells the findings (see lint.h) of the present state, or with {"file": NAME} after a load of that file. */
 json lintJob(ScratchSession& session, const json& arguments);

@@ -111,15 +111,20 @@ std::optional<Value> firstBehind(const MeasuredRange& range, End end) {
     return numberAt(end == End::maximum ? rank + step : rank - step, last);
 }
 
+Value nearestIn(const MeasuredRange& range, const Value& wanted) {
+    const auto* number = std::get_if<double>(&range.minimum);
+    if (number != nullptr && *number == 0 && rankOf(wanted) <= rankOf(range.minimum)) return 0.0; // not -0
+    const std::uint64_t rank = rankOf(wanted), low = rankOf(range.minimum), high = rankOf(range.maximum);
+    if (rank <= low) return range.minimum;
+    if (rank >= high) return range.maximum;
+    return numberAt(range.step > 1 ? low + (rank - low) / range.step * range.step : rank, wanted);
+}
+
 std::optional<Value> nearestAccepted(Probe& probe, const Target& target, const Value& wanted) {
     if (target.elements || target.parameter->kind() == REGISTER_KIND_ENUM || !isNumber(wanted))
         return std::nullopt;
     const auto range = measuredRange(probe, target);
-    if (!range) return std::nullopt;
-    const std::uint64_t rank = rankOf(wanted), low = rankOf(range->minimum), high = rankOf(range->maximum);
-    if (rank <= low) return range->minimum;
-    if (rank >= high) return range->maximum;
-    return numberAt(range->step > 1 ? low + (rank - low) / range->step * range->step : rank, wanted);
+    return range ? std::optional(nearestIn(*range, wanted)) : std::nullopt;
 }
 
 } // namespace appletctl

@@ -18,6 +18,8 @@ struct MeasuredRange {
 std::optional<MeasuredRange> measuredRange(Probe& probe, const Target& target);
 
 /** Of a number the accepted one that is nearest to the wanted one. */
+Value nearestIn(const MeasuredRange& range, const Value& wanted);
+/** The same, measured now; nothing where the setter takes no number or the target is none. */
 std::optional<Value> nearestAccepted(Probe& probe, const Target& target, const Value& wanted);
 
 /** Which end of a range. */

@@ -5,6 +5,7 @@
 #include "appletctl/commands/signals/trace.h"
 #include "appletctl/scratch/Probe.h"
 #include "appletctl/scratch/jobs.h"
+#include "appletctl/scratch/refusal.h"
 #include "appletctl/scratch/reports.h"
 
 #include "vexo/fg_errors.h"
@@ -38,13 +39,12 @@ private:
     std::vector<Movement> m_effects;
 };
 
-/** The values of a parameter that its setter takes, of those that are tried; numbers are left out, since their
- *  limits are published. */
+/** The entries of an enumeration that its setter takes. Numbers are left out, since their limits are published. */
 std::vector<Value> takenEntries(Probe& probe, std::size_t place) {
     std::vector<Value> taken;
-    if (probe.at(place).kind() != REGISTER_KIND_ENUM) return taken;
-    for (const Value& value : probe.otherValues(place))
-        if (probe.answer({place, value}) == FG_OK) taken.push_back(value);
+    if (!probe.at(place).effectOfWriting().empty()) return taken;
+    for (const Entry& entry : entriesOf(probe.at(place)))
+        if (probe.answer({place, entry.value}) == FG_OK) taken.emplace_back(entry.value);
     return taken;
 }
 
@@ -52,7 +52,7 @@ std::string entriesInWords(const Parameter& parameter, const std::vector<Value>&
     std::vector<std::string> words;
     for (const Value& entry : entries)
         words.push_back(valueText(parameter, entry));
-    return words.empty() ? "none other" : join(words, ", ");
+    return words.empty() ? "none" : join(words, ", ");
 }
 
 class Dependencies {
@@ -161,13 +161,16 @@ std::string asText(const std::string& name, const Dependencies& found) {
     Table table;
     table.addHeading(name);
     for (const auto& [title, effects] :
-         {std::pair("moves", &found.moved), std::pair("moved by", &found.movers)})
+         {std::pair("moves", &found.moved), std::pair("moved by", &found.movers)}) {
         for (const Movement& effect : effects->all())
             table.addRow({title, effect.parameter, effect.move.what,
                           effect.move.from + " -> " + effect.move.to + " with " + effect.with});
+        if (effects->all().empty() && (found.isTried() || effects == &found.movers))
+            table.addRow({title, "nothing was seen to move"});
+    }
     for (const std::string& write : found.writes)
         table.addRow({"writes", write});
-    if (!found.isTried()) table.addRow({"moves", "what it moves is not known: no value of it is tried"});
+    if (!found.isTried()) table.addRow({"moves", "not known: no value of it is tried"});
     return table.render(Style::forStream(STDOUT_FILENO));
 }
 

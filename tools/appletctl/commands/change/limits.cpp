@@ -3,7 +3,8 @@
 #include "appletctl/base/text.h"
 #include "appletctl/commands/commands.h"
 #include "appletctl/scratch/jobs.h"
-#include "appletctl/scratch/measured_range.h"
+#include "appletctl/scratch/limit_causes.h"
+#include "appletctl/scratch/refusal.h"
 #include "appletctl/scratch/reports.h"
 
 #include "vexo/fg_errors.h"
@@ -17,50 +18,6 @@ namespace {
 
 using nlohmann::ordered_json;
 
-/** A single change of another parameter, and the limit that there is then. */
-struct Widening {
-    Change change;
-    Value limit;
-};
-
-/** What the limits of a parameter are looked up by, over new instances. */
-struct Subject {
-    std::size_t place;
-    std::optional<ElementRange> elements;
-
-    Target in(const Probe& probe) const { return {&probe.at(place), elements}; }
-};
-
-bool isWider(const Value& a, const Value& b, End end) {
-    return end == End::maximum ? rankOf(a) > rankOf(b) : rankOf(a) < rankOf(b);
-}
-
-/** For each parameter that sets this end of the range, the change that moves it farthest out. */
-std::vector<Widening> wideningsOf(Probe& probe, const Subject& subject, const MeasuredRange& range, End end) {
-    std::vector<Widening> widenings;
-    const auto behind = firstBehind(range, end);
-    if (!behind) return widenings;
-    const auto isTaken = [&] {
-        const Value value = subject.elements ? Elements{std::get<std::uint32_t>(*behind)} : *behind;
-        return probe.answer(subject.in(probe), value) == FG_OK;
-    };
-    for (std::size_t place = 0; place < probe.count(); ++place) {
-        if (place == subject.place) continue;
-        std::optional<Widening> best;
-        for (const Value& value : probe.otherValues(place)) {
-            probe.tryChange({place, value}, [&] {
-                if (!isTaken()) return;
-                const auto wider = measuredRange(probe, subject.in(probe));
-                if (wider && (!best || isWider(endOf(*wider, end), best->limit, end)))
-                    best = {{place, value}, endOf(*wider, end)};
-            });
-        }
-        probe.restore();
-        if (best) widenings.push_back(*best);
-    }
-    return widenings;
-}
-
 template <typename Number> std::string rangeInWords(const Number& minimum, const Number& maximum) {
     return numberText(minimum) + " to " + numberText(maximum);
 }
@@ -69,19 +26,7 @@ std::string inWords(const Parameter& parameter, const MeasuredRange& range) {
     std::string text = valueText(parameter, range.minimum) + " to " + valueText(parameter, range.maximum);
     if (range.step > 1) text += " in steps of " + numberText(range.step);
     if (!parameter.unit().empty()) text += " " + parameter.unit();
-    return range.step == 0 && range.minimum != range.maximum ? text + ", on no grid" : text;
-}
-
-/** A number as a member of a document. */
-ordered_json asJson(const Value& number) {
-    return std::visit(
-        [](const auto& native) -> ordered_json {
-            if constexpr (std::is_arithmetic_v<std::decay_t<decltype(native)>>)
-                return native;
-            else
-                return nullptr;
-        },
-        number);
+    return range.step == 0 && range.minimum != range.maximum ? text + ", any value in between" : text;
 }
 
 /** The answer for one parameter. */
@@ -127,7 +72,10 @@ private:
     }
 
     void tellRefused(int code) {
-        table.addRow({"accepted", "nothing: " + codeInWords(code)});
+        table.addRow(
+            {"accepted", code == FG_ERR_NOT_AVAILABLE
+                             ? "nothing: it is always read-only, since it is measured, or fixed by the design"
+                             : "nothing that was tried: " + codeInWords(code)});
         row["accepted"] = nullptr;
         row["error"] = codeAsJson(code);
     }
@@ -143,7 +91,7 @@ private:
             std::string words = "accepted";
             if (code != FG_OK) {
                 told["error"] = codeAsJson(code);
-                words = codeInWords(code) + waysTo(entry.value, told);
+                words = "refused: " + codeInWords(code) + waysTo(entry.value, told);
             }
             table.addRow({entryName(entry) + " (" + numberText(entry.value) + ")", words});
             row["entries"].push_back(std::move(told));
@@ -176,10 +124,12 @@ private:
         row["differs"] = differs;
         if (differs) tellPublished(published);
         row["setBy"] = ordered_json::array();
-        for (const auto& [end, name] :
-             {std::pair(End::minimum, "minimum"), std::pair(End::maximum, "maximum")})
-            for (const Widening& widening : wideningsOf(m_probe, m_subject, *range, end))
-                tellWidening(name, widening);
+        row["fixed"] = ordered_json::array();
+        const LimitCauses ofMinimum = causesOf(m_probe, m_subject, *range, End::minimum);
+        const LimitCauses ofMaximum = causesOf(m_probe, m_subject, *range, End::maximum);
+        tellCauses(End::minimum, ofMinimum);
+        tellCauses(End::maximum, ofMaximum);
+        tellFixed(fixedInWords(ofMinimum), fixedInWords(ofMaximum));
     }
 
     /** An array has no published grid. */
@@ -203,14 +153,26 @@ private:
         if (!m_subject.elements) row["published"]["increment"] = asJson(published->increment);
     }
 
-    void tellWidening(const char* name, const Widening& widening) {
-        const std::string words = m_probe.words(widening.change);
-        table.addRow({name, "set by " + m_probe.at(widening.change.place).name + ": " +
-                                valueText(parameter(), widening.limit) + " with " + words});
-        row["setBy"].push_back({{"limit", name},
-                                {"parameter", m_probe.at(widening.change.place).name},
-                                {"with", words},
-                                {"becomes", asJson(widening.limit)}});
+    void tellCauses(End end, const LimitCauses& causes) {
+        const char* title = nameOf(end);
+        for (const Widening& widening : causes.parameters)
+            table.addRow({title, "set by " + m_probe.at(widening.change.place).name + ": " +
+                                     valueText(parameter(), widening.limit) + " with " +
+                                     m_probe.words(widening.change)});
+        for (const DesignCause& cause : causes.design)
+            table.addRow({title, "set by " + inWords(cause)});
+        for (const auto& cause : asJson(m_probe, causes, end))
+            row["setBy"].push_back(cause);
+        if (!fixedInWords(causes).empty()) row["fixed"].push_back(title);
+    }
+
+    void tellFixed(const std::string& minimum, const std::string& maximum) {
+        if (!minimum.empty() && minimum == maximum) {
+            table.addRow({"both limits", minimum});
+            return;
+        }
+        if (!minimum.empty()) table.addRow({"minimum", minimum});
+        if (!maximum.empty()) table.addRow({"maximum", maximum});
     }
 
     Probe& m_probe;

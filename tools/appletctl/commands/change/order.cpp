@@ -2,8 +2,8 @@
 
 #include "appletctl/applet/assignments.h"
 #include "appletctl/base/text.h"
-#include "appletctl/commands/change/why.h"
 #include "appletctl/scratch/jobs.h"
+#include "appletctl/scratch/refusal.h"
 #include "appletctl/scratch/reports.h"
 
 #include "vexo/fg_errors.h"

@@ -4,12 +4,12 @@
 #include "appletctl/applet/access_log.h"
 #include "appletctl/applet/assignments.h"
 #include "appletctl/base/text.h"
-#include "appletctl/commands/change/why.h"
 #include "appletctl/commands/files/differences.h"
 #include "appletctl/commands/files/loading.h"
 #include "appletctl/scratch/CommandRun.h"
 #include "appletctl/scratch/DesignSnapshot.h"
 #include "appletctl/scratch/jobs.h"
+#include "appletctl/scratch/refusal.h"
 #include "appletctl/scratch/reports.h"
 
 #include <unistd.h>

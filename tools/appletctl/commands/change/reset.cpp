@@ -4,6 +4,7 @@
 #include "appletctl/applet/hardware_values.h"
 #include "appletctl/base/text.h"
 #include "appletctl/scratch/jobs.h"
+#include "appletctl/scratch/refusal.h"
 #include "appletctl/scratch/reports.h"
 
 #include "vexo/fg_errors.h"
@@ -118,7 +119,7 @@ Report resetParameters(Context& context, const Words& words) {
         else
             names.insert(context.parameters().find(word).name);
     }
-    Report report = applyAssignments(context.instance(), context.parameters(), assignments);
+    Report report = applyLive(context, assignments);
     if (report.exitCode != exitDone) return report;
     report.document["reset"] = nlohmann::ordered_json::array();
     const json defaults = context.scratchAtDefaults().ask("defaults", nullptr);

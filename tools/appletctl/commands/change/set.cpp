@@ -3,14 +3,15 @@
 #include "appletctl/applet/hardware_values.h"
 #include "appletctl/base/text.h"
 #include "appletctl/commands/change/order.h"
-#include "appletctl/commands/change/why.h"
 #include "appletctl/commands/signals/trace.h"
 #include "appletctl/scratch/DesignSnapshot.h"
 #include "appletctl/scratch/jobs.h"
+#include "appletctl/scratch/refusal.h"
 #include "appletctl/scratch/reports.h"
 
 #include "vexo/fg_errors.h"
 
+#include <algorithm>
 #include <set>
 
 namespace appletctl {
@@ -67,6 +68,26 @@ void verify(Context& context, const Words& words, const json& expected, Report& 
             std::string(context.options().offline ? ".\n" : ", and the design holds what it should.\n");
 }
 
+/** Says of what was set and is read-only in the end that it waits, and for what. */
+void addWaiting(Context& context, Report& report) {
+    Words names;
+    for (const auto& row : report.document["assignments"]) {
+        const auto name = row.at("name").get<std::string>();
+        const bool isReadOnly = accessWord(context.parameters().find(name)) == "ro";
+        if (isReadOnly && !row.contains("error") && std::ranges::find(names, name) == names.end())
+            names.push_back(name);
+    }
+    if (names.empty()) return;
+    const json answer = context.scratch().ask("why", {{"words", names}, {"with", Words{}}});
+    auto& rows = report.document["waiting"] = ordered_json::array();
+    for (const auto& why : reportOf(answer).document["answers"]) {
+        const auto ways = why.value("writableWith", Words{});
+        rows.push_back({{"name", why.at("name")}, {"writableWith", ways}});
+        report.text += why.at("name").get<std::string>() + " has no effect yet: it is read-only" +
+                       (ways.empty() ? "\n" : " until " + join(ways, " or ") + '\n');
+    }
+}
+
 } // namespace
 
 json expectJob(ScratchSession& session, const json& arguments) {
@@ -103,11 +124,9 @@ Report setParameters(Context& context, const Words& asked) {
     json expected;
     if (options.verify) expected = context.scratch().ask("expect", {{"assignments", words}});
     AssignmentHooks hooks;
-    hooks.suggestion = [&](const Assignment& assignment, ordered_json& row) {
-        return askSuggestion(context, assignment, row);
-    };
     if (options.trace) hooks.takeWrites = [&] { return writesOf(context.takeAccesses()); };
-    append(report, applyAssignments(context.instance(), context.parameters(), words, hooks));
+    append(report, applyLive(context, words, hooks));
+    addWaiting(context, report);
     if (options.verify) verify(context, words, expected, report);
     return report;
 }

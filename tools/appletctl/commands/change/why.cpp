@@ -1,12 +1,11 @@
 // Why a parameter is read-only or refuses a value, and what would free it: single changes of others, tried on the
 // scratch board.
 
-#include "appletctl/commands/change/why.h"
-
 #include "appletctl/applet/assignments.h"
 #include "appletctl/base/text.h"
+#include "appletctl/commands/commands.h"
 #include "appletctl/scratch/jobs.h"
-#include "appletctl/scratch/measured_range.h"
+#include "appletctl/scratch/refusal.h"
 #include "appletctl/scratch/reports.h"
 
 #include "vexo/fg_errors.h"
@@ -29,49 +28,36 @@ struct WhyReport {
         row[member] = ways;
         for (const std::string& way : ways)
             table.addRow({title, way});
+        if (ways.empty()) table.addRow({title, "no change of another parameter that was tried"});
     }
 };
 
-struct WayOut {
-    std::vector<std::string> ways; // changes of other parameters
-    std::optional<Value> nearest;
-};
-
-WayOut wayOutOf(Probe& probe, std::size_t place, const Assignment& assignment) {
-    const auto elements = assignment.target.elements;
-    const Value value = assignment.value;
-    WayOut out;
-    out.ways = probe.words(probe.waysTo(place, [&] {
-        return probe.answer(Target{&probe.at(place), elements}, value) == FG_OK;
-    }));
-    out.nearest = nearestAccepted(probe, {&probe.at(place), elements}, value);
-    return out;
+std::vector<std::string> waysToWrite(Probe& probe, std::size_t place) {
+    return probe.words(probe.waysTo(place, [&] { return isWritable(probe.currentState(place).access); }));
 }
 
-WhyReport whyRefused(Probe& probe, std::size_t place, const Assignment& assignment) {
-    const Parameter& parameter = probe.at(place);
-    const Target target{&parameter, assignment.target.elements};
+WhyReport whyRefused(Probe& probe, const Assignment& assignment) {
+    const Parameter& parameter = *assignment.target.parameter;
+    const std::size_t place = probe.placeOf(parameter);
     const std::string text = toUtf8(assignment.text.c_str());
-    const int code = probe.answer(target, assignment.value);
+    const int code = probe.answer(assignment.target, assignment.value);
     WhyReport answer;
-    answer.row = {{"name", target.name()}, {"requested", text}, {"accepted", code == FG_OK}};
-    answer.table.addHeading(target.name() + "=" + printable(text));
+    answer.row = {{"name", assignment.target.name()}, {"requested", text}, {"accepted", code == FG_OK}};
+    answer.table.addHeading(assignment.target.name() + "=" + printable(text));
     if (code == FG_OK) {
         const bool isPublished = accessWord(parameter) != "ro";
-        answer.table.addRow({"accepted", isPublished ? "now"
-                                                     : "by the setter, although it is published as "
-                                                       "read-only"});
+        answer.table.addRow(
+            {"accepted",
+             isPublished ? "now" : "now, but without effect as long as the parameter is read-only"});
+        if (!isPublished) answer.addWays("writable with", "writableWith", waysToWrite(probe, place));
         return answer;
     }
     answer.row["error"] = codeAsJson(code);
     answer.table.addRow({"refused", refusalInWords(parameter, assignment.value, code)});
-    const WayOut out = wayOutOf(probe, place, assignment);
-    answer.addWays("accepted with", "acceptedWith", out.ways);
-    if (out.ways.empty())
-        answer.table.addRow({"accepted with", "no change of other parameters that was tried"});
-    if (!out.nearest) return answer;
-    answer.table.addRow({"nearest", valueWithUnit(probe.at(place), *out.nearest)});
-    addValue(answer.row["nearest"], {&probe.at(place)}, *out.nearest);
+    const RefusalCauses found = findCauses(probe, assignment, answer.row);
+    if (!found.limit.empty()) answer.table.addRow({"limit", found.limit});
+    if (found.isSettable) answer.addWays("accepted with", "acceptedWith", found.acceptedWith);
+    if (found.nearest) answer.table.addRow({"nearest", valueWithUnit(probe.at(place), *found.nearest)});
     return answer;
 }
 
@@ -98,48 +84,13 @@ WhyReport whyReadOnly(Probe& probe, std::size_t place) {
         answer.table.addRow({access, "always: it is measured, or fixed by the design"});
         return answer;
     }
-    const auto ways =
-        probe.words(probe.waysTo(place, [&] { return isWritable(probe.currentState(place).access); }));
-    answer.table.addRow({access, "now; its setter takes values all the same, and they count from then on"});
-    answer.addWays("writable with", "writableWith", ways);
-    if (ways.empty()) answer.table.addRow({"writable with", "no change of other parameters that was tried"});
+    answer.table.addRow(
+        {access, "now; a value can be set all the same, and takes effect when it is writable"});
+    answer.addWays("writable with", "writableWith", waysToWrite(probe, place));
     return answer;
 }
 
 } // namespace
-
-std::string addSuggestion(Probe& probe, const Assignment& assignment, ordered_json& row) {
-    constexpr std::size_t shown = 3;
-    const std::size_t place =
-        probe.placeOf(probe.session().parameters().find(assignment.target.parameter->name));
-    WayOut out = wayOutOf(probe, place, assignment);
-    row["acceptedWith"] = out.ways;
-    if (out.nearest) addValue(row["nearest"], {&probe.at(place)}, *out.nearest);
-    std::string words;
-    if (out.nearest)
-        words += "; the nearest accepted value is " + valueWithUnit(probe.at(place), *out.nearest);
-    if (out.ways.empty()) return words;
-    const bool areMore = out.ways.size() > shown;
-    if (areMore) out.ways.resize(shown);
-    return words + "; accepted with " + join(out.ways, " or ") + (areMore ? " or others" : "");
-}
-
-json suggestionJob(ScratchSession& session, const json& arguments) {
-    Probe probe(session);
-    const auto word = arguments.at("assignment").get<std::string>();
-    ordered_json row;
-    const Assignment assignment = parseAssignments(session.parameters(), {word}).front();
-    const std::string words = addSuggestion(probe, assignment, row);
-    return {{"words", words}, {"row", row.dump()}};
-}
-
-std::string askSuggestion(Context& context, const Assignment& assignment, ordered_json& row) {
-    if (assignment.target.parameter->kind() == REGISTER_KIND_STRING) return ""; // texts depend on files
-    const std::string word = assignment.target.name() + "=" + assignment.text;
-    const json answer = context.scratch().ask("suggestion", {{"assignment", word}});
-    row.update(ordered_json::parse(answer["row"].get<std::string>()));
-    return answer["words"].get<std::string>();
-}
 
 json whyJob(ScratchSession& session, const json& arguments) {
     Report report;
@@ -151,7 +102,7 @@ json whyJob(ScratchSession& session, const json& arguments) {
         WhyReport answer;
         if (isAssignment) {
             const Assignment assignment = parseAssignments(session.parameters(), {word}).front();
-            answer = whyRefused(probe, probe.placeOf(*assignment.target.parameter), assignment);
+            answer = whyRefused(probe, assignment);
         } else {
             answer = whyReadOnly(probe, probe.placeOf(session.parameters().find(word)));
         }

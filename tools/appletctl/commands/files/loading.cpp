@@ -6,6 +6,7 @@
 #include "appletctl/applet/published_limits.h"
 #include "appletctl/base/numbers.h"
 #include "appletctl/base/text.h"
+#include "appletctl/scratch/refusal.h"
 
 #include "vexo/fg_errors.h"
 
@@ -207,6 +208,27 @@ void addReached(ScratchSession& session, const ConfigurationFile& asked, const C
     finding.message += "; the board has got it all the same: " + join(words, ", ");
 }
 
+/** Adds to the first refusals what sets the limit, the nearest value and the ways out, in the state after the load. */
+void addCauses(ScratchSession& session, const std::string& file, const ConfigurationFile& asked,
+               std::vector<Finding>& findings) {
+    using namespace std::string_view_literals;
+    int left = 5; // each takes many trials
+    for (Finding& finding : findings) {
+        const auto* line = ConfigurationFile::find(asked.values(), finding.key);
+        if (line == nullptr || (finding.kind != "refused"sv && finding.kind != "kept"sv) || left-- <= 0)
+            continue;
+        session.rewind();
+        load(session.instance(), file);
+        session.keep();
+        const Parameter& parameter = session.parameters().find(finding.key);
+        const auto value = valueInFile(parameter, line->value);
+        if (!value || parameter.kind() == REGISTER_KIND_STRING) continue;
+        Probe probe(session);
+        nlohmann::ordered_json row;
+        finding.message += addSuggestion(probe, {{&parameter}, line->value, *value}, row);
+    }
+}
+
 /** Why nothing of the file was loaded; nothing if something was. */
 std::optional<Finding> wholeFileFinding(int code, const ConfigurationFile& asked, FileKeys& keys,
                                         bool areKeysMissing) {
@@ -248,6 +270,7 @@ LoadOutcome loadAndCompare(ScratchSession& session, FileKeys& keys, const std::s
         outcome.findings.push_back(std::move(finding));
     for (Finding& finding : outcome.findings)
         addReached(session, asked, before, loaded, finding);
+    addCauses(session, file, asked, outcome.findings);
     return outcome;
 }
 

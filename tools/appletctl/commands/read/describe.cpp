@@ -31,11 +31,13 @@ Report describeParameters(Context& context, const Words& names) {
     report.document["parameters"] = nlohmann::ordered_json::array();
     Table table;
     for (const Parameter* parameter : wanted) {
-        const ReadResult reading = readValue(instance, {parameter});
+        const ReadResult reading = context.read({parameter});
         const std::string text = explanationOf(instance, *parameter);
         nlohmann::ordered_json row;
         addDescription(row, *parameter);
-        if (reading.error == FG_OK)
+        if (!reading.isMeasured)
+            addNotMeasured(row);
+        else if (reading.error == FG_OK)
             addValue(row, {parameter}, reading.value);
         else
             row["error"] = codeAsJson(reading.error);
@@ -54,8 +56,9 @@ Report describeParameters(Context& context, const Words& names) {
         addLine("id", numberText(parameter->id));
         addLine("group", parameter->path());
         addLine("kind", kindName(*parameter));
-        addLine("value", reading.error == FG_OK ? valueWithUnit(*parameter, reading.value)
-                                                : "- (" + codeInWords(reading.error) + ")");
+        addLine("value", !reading.isMeasured      ? notMeasuredText
+                         : reading.error == FG_OK ? valueWithUnit(*parameter, reading.value)
+                                                  : "- (" + codeInWords(reading.error) + ")");
         if (known.start) addLine("default", valueWithUnit(*parameter, *known.start));
         addLine("access", known.isSettable ? accessInWords(*parameter) : "ro (never to be set)");
         addLine("limits", limitsText(*parameter));

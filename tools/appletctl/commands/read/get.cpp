@@ -32,20 +32,10 @@ std::string rawLines(const Value& value) {
         value);
 }
 
-/** The parameters of the named groups, without those of which a read takes something from the board. */
-std::vector<Target> targetsOfGroups(const ParameterList& parameters, const Words& labels) {
-    std::vector<Target> targets;
-    for (const std::string& label : labels)
-        for (const Parameter* parameter : parameters.inGroup(label))
-            if (parameter->effectOfReading().empty()) targets.push_back({parameter});
-    return targets;
-}
-
 } // namespace
 
 Report getParameters(Context& context, const Words& names) {
     const Options& options = context.options();
-    Instance& instance = context.instance();
     const ParameterList& parameters = context.parameters();
     Report report;
     report.document["parameters"] = nlohmann::ordered_json::array();
@@ -53,9 +43,11 @@ Report getParameters(Context& context, const Words& names) {
         options.areGroups ? targetsOfGroups(parameters, names) : findTargets(parameters, names);
     for (Target target : targets) {
         if (options.isRaw && !target.elements) target = wholeOf(*target.parameter);
-        const ReadResult reading = readValue(instance, target);
+        const ReadResult reading = context.read(target);
         report.document["parameters"].push_back(readingAsJson(target, reading));
-        if (reading.error == FG_OK) {
+        if (!reading.isMeasured) {
+            report.text += options.isRaw ? "-\n" : target.name() + " = " + notMeasuredText + "\n";
+        } else if (reading.error == FG_OK) {
             report.text += options.isRaw ? rawLines(reading.value) : valueLines(target, reading.value);
         } else {
             report.problems.push_back(target.name() + " cannot be read: " + codeInWords(reading.error));

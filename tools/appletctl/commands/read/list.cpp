@@ -20,7 +20,9 @@ struct Listed {
     const std::optional<ReadResult> reading; // none of what a read would take from the board
     const DefaultAndRole& known;
 
-    bool isChanged() const { return reading && reading->error == FG_OK && known.isChanged(reading->value); }
+    bool isChanged() const {
+        return reading && reading->error == FG_OK && reading->isMeasured && known.isChanged(reading->value);
+    }
 };
 
 /** The entries' names as far as they fit, and how many there are. */
@@ -45,6 +47,7 @@ std::string limitsCell(const Listed& listed) {
 
 std::string valueCell(const Listed& listed) {
     if (!listed.reading) return "(" + listed.parameter.effectOfReading() + ")";
+    if (!listed.reading->isMeasured) return "- (not measured)";
     if (listed.reading->error != FG_OK) return "-";
     if (const std::uint32_t count = elementCount(listed.parameter); count > 0)
         return numberText(count) + " elements";
@@ -98,10 +101,10 @@ std::vector<const Parameter*> wantedParameters(Context& context, const std::stri
 
 /** The value; none where a read would take something from the board, unless it is asked for by its whole
  *  name. */
-std::optional<ReadResult> readFor(Instance& instance, const Parameter& parameter, const std::string& asked) {
+std::optional<ReadResult> readFor(Context& context, const Parameter& parameter, const std::string& asked) {
     if (!parameter.effectOfReading().empty() && lowerCase(asked) != lowerCase(parameter.name))
         return std::nullopt;
-    return readValue(instance, wholeOf(parameter));
+    return context.read(wholeOf(parameter));
 }
 
 nlohmann::ordered_json asJson(const Listed& listed, bool wantsRole) {
@@ -110,6 +113,8 @@ nlohmann::ordered_json asJson(const Listed& listed, bool wantsRole) {
     addDescription(row, listed.parameter);
     if (!listed.reading)
         row["notRead"] = listed.parameter.effectOfReading();
+    else if (!listed.reading->isMeasured)
+        addNotMeasured(row);
     else if (listed.reading->error != FG_OK)
         row["error"] = codeAsJson(listed.reading->error);
     else
@@ -175,7 +180,7 @@ Report listParameters(Context& context, const Words& pattern) {
     }
     std::vector<Listed> rows;
     for (const Parameter* parameter : wanted) {
-        const Listed listed{*parameter, readFor(context.instance(), *parameter, asked),
+        const Listed listed{*parameter, readFor(context, *parameter, asked),
                             defaultsAndRoles[parameter->name]};
         if (!options.onlyChanged || listed.isChanged()) rows.push_back(listed);
     }

@@ -29,6 +29,8 @@ struct Watched {
     ReadResult reading;
     std::optional<Value> minimum, maximum; // of numbers, over all rounds
     std::deque<double> course;             // of numbers, the last rounds
+    std::optional<double> before;          // of numbers, in the last round that gave one
+    std::optional<double> perSecond;       // the change since then
 };
 
 /** True for numbers of the same kind, the first below the second. */
@@ -64,15 +66,22 @@ double asDouble(const Value& value) {
         value);
 }
 
-void read(Instance& instance, Watched& watched) {
-    watched.reading = readValue(instance, watched.target);
-    if (watched.reading.error != FG_OK || !isNumber(watched)) return;
+void read(Context& context, Watched& watched, double secondsSinceLast) {
+    watched.reading = context.read(watched.target);
+    watched.perSecond.reset();
+    if (watched.reading.error != FG_OK || !watched.reading.isMeasured || !isNumber(watched)) {
+        watched.before.reset();
+        return;
+    }
+    const double now = asDouble(watched.reading.value);
+    if (watched.before && secondsSinceLast > 0)
+        watched.perSecond = (now - *watched.before) / secondsSinceLast;
+    watched.before = now;
     const Value& value = watched.reading.value;
     if (!watched.minimum || isBelow(value, *watched.minimum)) watched.minimum = value;
     if (!watched.maximum || isBelow(*watched.maximum, value)) watched.maximum = value;
     constexpr std::size_t shownRounds = 32;
-    const double number = asDouble(value);
-    if (std::isfinite(number)) watched.course.push_back(number);
+    if (std::isfinite(now)) watched.course.push_back(now);
     if (watched.course.size() > shownRounds) watched.course.pop_front();
 }
 
@@ -80,7 +89,10 @@ struct Round {
     int number;                        // from 1
     std::chrono::milliseconds elapsed; // since the first
     std::vector<Watched> watched;
-    bool isFailed = false; // the condition of --fail-if holds
+    bool isFailed = false;   // the condition of --fail-if holds
+    bool isAlarm = false;    // that of --alarm-if or --lost-lines
+    int alarms = 0;          // rounds in which it held
+    std::string lastAlarm{}; // seconds of the last one
 };
 
 double seconds(const Round& round) { return static_cast<double>(round.elapsed.count()) / 1000; }
@@ -91,48 +103,74 @@ std::string secondsText(const Round& round) {
     return text;
 }
 
+/** The value as it is shown, or why there is none. */
+std::string shownValue(const ReadResult& reading, const std::string& value) {
+    if (!reading.isMeasured) return "- (not measured)";
+    return reading.error == FG_OK ? value : "(" + codeInWords(reading.error) + ")";
+}
+
+/** "+12.5". */
+std::string rateText(double perSecond) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%+.6g", perSecond);
+    return text;
+}
+
 /** "2.000  FG_WIDTH = 1024 pixel  FG_OVERFLOW = (-2010, ...)". */
-std::string asLine(const Round& round) {
+std::string asLine(const Round& round, bool wantsRates) {
     std::string line = secondsText(round);
     for (const Watched& watched : round.watched) {
         const ReadResult& reading = watched.reading;
         line += "  " + watched.target.name() + " = ";
-        line += reading.error == FG_OK ? valueWithUnit(*watched.target.parameter, reading.value)
-                                       : "(" + codeInWords(reading.error) + ")";
+        line += shownValue(reading, valueWithUnit(*watched.target.parameter, reading.value));
+        if (wantsRates && watched.perSecond) line += " (" + rateText(*watched.perSecond) + "/s)";
     }
-    return line + '\n';
+    return line + (round.isAlarm ? "  ALARM\n" : "\n");
 }
 
-std::string asDocument(const Round& round) {
+std::string asDocument(const Round& round, bool wantsRates) {
     Report report;
     report.document = {{"round", round.number}, {"seconds", seconds(round)}};
     auto& parameters = report.document["parameters"] = nlohmann::ordered_json::array();
     for (const Watched& watched : round.watched) {
-        parameters.push_back(readingAsJson(watched.target, watched.reading));
+        auto& row = parameters.emplace_back(readingAsJson(watched.target, watched.reading));
+        if (wantsRates && watched.perSecond) row["perSecond"] = *watched.perSecond;
         if (watched.reading.error != FG_OK) report.exitCode = exitRefused;
     }
+    if (round.isAlarm) report.document["alarm"] = true;
     if (round.isFailed) report.exitCode = exitRefused;
     return documentText(report, "watch");
 }
 
-std::string asTable(const Round& round) {
+/** How often the alarm's condition held; it stays, since a flag may clear itself. */
+std::string alarmText(const Round& round, const Style& style) {
+    if (round.alarms == 0) return "";
+    const std::string text = "ALARM in " + numberText(round.alarms) + " of " + numberText(round.number) +
+                             " rounds, the last at " + round.lastAlarm + " s";
+    return "  " + style.alarm(text) + '\n';
+}
+
+std::string asTable(const Round& round, bool wantsRates) {
     const bool unicode = canDrawUnicode(STDOUT_FILENO);
     Table table;
-    table.setTitles({"NAME", "VALUE", "UNIT", "MINIMUM", "MAXIMUM", "COURSE"});
+    Words titles{"NAME", "VALUE", "UNIT", "MINIMUM", "MAXIMUM"};
+    if (wantsRates) titles.emplace_back("PER SECOND");
+    titles.emplace_back("COURSE");
+    table.setTitles(std::move(titles));
     for (const Watched& watched : round.watched) {
         const Parameter& parameter = *watched.target.parameter;
         const auto cell = [&](const std::optional<Value>& value) {
             return value ? valueText(parameter, *value) : "-";
         };
         const ReadResult& reading = watched.reading;
-        table.addRow({watched.target.name(),
-                      reading.error == FG_OK ? valueText(parameter, reading.value)
-                                             : "(" + codeInWords(reading.error) + ")",
-                      parameter.unit(), cell(watched.minimum), cell(watched.maximum),
-                      sparkline(watched.course, unicode)});
+        Words cells{watched.target.name(), shownValue(reading, valueText(parameter, reading.value)),
+                    parameter.unit(), cell(watched.minimum), cell(watched.maximum)};
+        if (wantsRates) cells.push_back(watched.perSecond ? rateText(*watched.perSecond) : "-");
+        cells.push_back(sparkline(watched.course, unicode));
+        table.addRow(std::move(cells));
     }
     const Style style = Style::forStream(STDOUT_FILENO);
-    return table.render(style) +
+    return table.render(style) + alarmText(round, style) +
            style.faint("  round " + numberText(round.number) + ", " + secondsText(round) + " s") + '\n';
 }
 
@@ -170,23 +208,48 @@ Form formOf(const Options& options) {
     return options.plain || isatty(STDOUT_FILENO) == 1 ? Form::text : Form::document;
 }
 
-/** What is read in each round: the named ones, and those of the condition that are not among them. */
-std::vector<Watched> watchedTargets(std::vector<Target> targets, const std::optional<Condition>& condition) {
+/** Conditions of which one has to hold. */
+using Conditions = std::vector<Condition>;
+
+/** What is read in each round: the named ones, and those of the conditions that are not among them. */
+std::vector<Watched> watchedTargets(std::vector<Target> targets, const Conditions& first,
+                                    const Conditions& second) {
+    for (const Conditions* conditions : {&first, &second})
+        for (const Condition& condition : *conditions)
+            std::ranges::copy(condition.targets(), std::back_inserter(targets));
     std::vector<Watched> watched;
-    if (condition) std::ranges::copy(condition->targets(), std::back_inserter(targets));
     for (const Target& target : targets)
         if (std::ranges::none_of(watched,
-                                 [&](const Watched& one) { return one.target.name() == target.name(); }))
-            watched.push_back({.target = target, .reading = {}, .minimum = {}, .maximum = {}, .course = {}});
+                                 [&](const Watched& one) { return one.target.name() == target.name(); })) {
+            watched.emplace_back();
+            watched.back().target = target;
+        }
     return watched;
 }
 
-bool holds(const Condition& condition, const Round& round) {
-    return condition.holds([&](const Target& target) {
+bool holdsOneOf(const Conditions& conditions, const Round& round) {
+    const auto reading = [&](const Target& target) {
         return std::ranges::find_if(round.watched,
                                     [&](const Watched& one) { return one.target.name() == target.name(); })
             ->reading;
-    });
+    };
+    return std::ranges::any_of(conditions,
+                               [&](const Condition& condition) { return condition.holds(reading); });
+}
+
+/** Reads all and finds out what holds. */
+void readRound(Context& context, Round& round, Clock::duration sinceStart, const Conditions& failures,
+               const Conditions& alarms) {
+    const auto last = round.elapsed;
+    ++round.number;
+    round.elapsed = std::chrono::duration_cast<std::chrono::milliseconds>(sinceStart);
+    for (Watched& watched : round.watched)
+        read(context, watched, std::chrono::duration<double>(round.elapsed - last).count());
+    round.isFailed = holdsOneOf(failures, round);
+    round.isAlarm = holdsOneOf(alarms, round);
+    if (!round.isAlarm) return;
+    ++round.alarms;
+    round.lastAlarm = secondsText(round);
 }
 
 } // namespace
@@ -194,19 +257,23 @@ bool holds(const Condition& condition, const Round& round) {
 Report watchParameters(Context& context, const Words& names) {
     const Options& options = context.options();
     const Interruption interruption;
-    Instance& instance = context.instance();
     const ParameterList& parameters = context.parameters();
-    std::optional<Condition> condition;
-    if (!options.watchFailIf.empty()) condition.emplace(parameters, options.watchFailIf);
-    Round round{
-        .number = 0, .elapsed = {}, .watched = watchedTargets(findTargets(parameters, names), condition)};
+    Conditions failures, alarms;
+    if (!options.watchFailIf.empty()) failures.emplace_back(parameters, options.watchFailIf);
+    if (!options.watchAlarmIf.empty()) alarms.emplace_back(parameters, options.watchAlarmIf);
+    if (options.watchLostLines) alarms.emplace_back(parameters, "FG_OVERFLOW != 0");
+    const std::vector<Target> named =
+        options.areGroups ? targetsOfGroups(parameters, names) : findTargets(parameters, names);
+    Round round{.number = 0, .elapsed = {}, .watched = watchedTargets(named, failures, alarms)};
 
     const Form form = formOf(options);
     Screen screen;
     const auto shown = [&] {
         if (options.quiet && !options.json) return std::string();
-        if (form == Form::document) return asDocument(round);
-        return form == Form::table ? screen.redraw(asTable(round)) : asLine(round);
+        if (form == Form::document) return asDocument(round, options.watchRate);
+        const std::string bell = round.isAlarm && isatty(STDOUT_FILENO) == 1 ? "\a" : "";
+        return bell + (form == Form::table ? screen.redraw(asTable(round, options.watchRate))
+                                           : asLine(round, options.watchRate));
     };
 
     Report report;
@@ -216,15 +283,11 @@ Report watchParameters(Context& context, const Words& names) {
     Clock::time_point due = start;
     bool goesOn = true;
     while (goesOn) {
-        ++round.number;
-        round.elapsed = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start);
-        for (Watched& watched : round.watched)
-            read(instance, watched);
-        round.isFailed = condition && holds(*condition, round);
+        readRound(context, round, Clock::now() - start, failures, alarms);
         if (!writeOut(shown())) {
             if (errno == EPIPE) return report;
             if (interruption.isAsked()) break;
-            report.problems.push_back("the output could not be written");
+            report.problems.emplace_back("the output could not be written");
             report.exitCode = exitRefused;
             return report;
         }

@@ -12,6 +12,7 @@
 #include "appletctl/commands/files/loading.h"
 #include "appletctl/scratch/jobs.h"
 #include "appletctl/scratch/measured_range.h"
+#include "appletctl/scratch/refusal.h"
 #include "appletctl/scratch/reports.h"
 
 #include "vexo/fg_errors.h"
@@ -468,7 +469,7 @@ Report lintParameters(Context& context, const Words& words) {
     const bool isFile = !words.empty() && words.front().find('=') == std::string::npos;
     if (isFile && words.size() > 1)
         throw UsageError("one file is looked at, or the parameters after assignments");
-    Report report = applyAssignments(context.instance(), context.parameters(), isFile ? Words{} : words);
+    Report report = applyLive(context, isFile ? Words{} : words);
     if (report.exitCode != exitDone) return report;
     const json told = findingsOf(context, isFile ? words.front() : "");
     const json& findings = told["findings"];

@@ -1,10 +1,11 @@
-// What each output, analyzer and event listens to. Which parameters of the design belong to a pair of source
-// and polarity, and what they should hold, is asked of the applet itself: a scratch board gets the same pair.
+// What each output, analyzer and event listens to, and which inputs feed the triggers and the encoder. Which
+// parameters of the design belong to a source and a polarity, and what they should hold, is asked of the applet itself:
+// a scratch board gets the same values.
 
 #include "appletctl/applet/access_log.h"
-#include "appletctl/applet/assignments.h"
 #include "appletctl/base/text.h"
 #include "appletctl/scratch/jobs.h"
+#include "appletctl/scratch/refusal.h"
 
 #include <unistd.h>
 
@@ -52,15 +53,25 @@ std::vector<Route> routesOf(const ParameterList& parameters) {
     return routes;
 }
 
-/** What the applet writes for the pairs: [[{"parameter", "expected"} of the selection, the same of the inversion],
- *  ...]. */
-json expectedRoutes(ScratchBoard& scratch, Instance& instance, const std::vector<Route>& routes) {
-    json pairs = json::array();
-    for (const Route& route : routes)
-        for (const Target& target : {route.source, route.polarity})
-            pairs.push_back(
-                {{"name", target.parameter->name}, {"value", asMessage(valueOf(instance, target))}});
-    return scratch.ask("routes", pairs);
+/** Something that listens to an input, and the parameters that choose it. */
+struct InputRow {
+    const char* listener;
+    const char* source;
+    const char* polarity; // null without one
+};
+
+constexpr InputRow inputRows[] = {
+    {"line trigger, encoder A", "FG_LINETRIGGERINSRC", "FG_LINETRIGGERINPOLARITY"},
+    {"encoder B", "FG_SHAFTENCODERINSRC", nullptr},
+    {"image trigger", "FG_IMGTRIGGERINSRC", "FG_IMGTRIGGERINPOLARITY"},
+};
+
+/** [{"name", "value"}, ...] of the live values. */
+json valuesOf(Instance& instance, const std::vector<Target>& targets) {
+    json values = json::array();
+    for (const Target& target : targets)
+        values.push_back({{"name", target.parameter->name}, {"value", asMessage(valueOf(instance, target))}});
+    return values;
 }
 
 /** What the live board holds for one of them. */
@@ -133,6 +144,51 @@ void setOnScratch(ScratchSession& session, const json& wanted) {
         throw Failure(target.name() + " cannot be set on a scratch board: " + codeInWords(code));
 }
 
+/** What is known of an input. */
+struct InputState {
+    const char* listener;
+    std::string source, polarity;
+    bool isInUse;                    // the mode lets the input count: its source is writable
+    std::vector<DesignValue> values; // none offline
+
+    bool disagrees() const { return !std::ranges::all_of(values, &DesignValue::agrees); }
+    /** What selects the input comes last. */
+    std::string selectText() const { return values.empty() ? "-" : heldText(values.back()); }
+    std::string agreesText() const { return values.empty() ? "-" : disagrees() ? "no" : "yes"; }
+};
+
+nlohmann::ordered_json asJson(const InputState& state) {
+    nlohmann::ordered_json row = {{"input", state.listener},    {"source", state.source},
+                                  {"polarity", state.polarity}, {"inUse", state.isInUse},
+                                  {"select", nullptr},          {"agrees", nullptr}};
+    if (state.values.empty()) return row;
+    row["select"] = asJson(state.values.back());
+    row["agrees"] = !state.disagrees();
+    return row;
+}
+
+/** `expected` is what the applet writes for the source of each row; nothing offline. */
+std::vector<InputState> inputsOf(Context& context, const ParameterList* design, const json& expected) {
+    Instance& instance = context.instance();
+    const auto text = [&](const char* name) {
+        const Target target{&context.parameters().find(name)};
+        return valueText(*target.parameter, valueOf(instance, target));
+    };
+    std::vector<InputState> inputs;
+    for (const InputRow& row : inputRows) {
+        InputState state{row.listener,
+                         text(row.source),
+                         row.polarity != nullptr ? text(row.polarity) : "-",
+                         accessWord(context.parameters().find(row.source)) != "ro",
+                         {}};
+        if (design != nullptr)
+            for (const json& value : expected[inputs.size()])
+                state.values.push_back(compare(instance, *design, value));
+        inputs.push_back(std::move(state));
+    }
+    return inputs;
+}
+
 /** Reads "set Device1_... u32 3". */
 json writtenValue(const std::string& write) {
     std::string kind, parameter, width;
@@ -141,9 +197,18 @@ json writtenValue(const std::string& write) {
     return {{"parameter", parameter}, {"expected", expected}};
 }
 
-/** The routes as a graph from the sources to the outputs, where the board differs in red. */
-std::string asDot(const std::vector<RouteState>& states) {
+/** The routes as a graph from the sources to the outputs and from the inputs to what they feed: red where the board
+ *  differs, dashed where the mode leaves an input unused. */
+std::string asDot(const std::vector<InputState>& inputs, const std::vector<RouteState>& states) {
     std::string text = "digraph routes {\n  rankdir=LR;\n  node [shape=box];\n";
+    for (const InputState& input : inputs) {
+        Words attributes{"label=" + inQuotes(input.polarity == "-" ? "" : input.polarity)};
+        if (!input.isInUse) attributes.emplace_back("style=dashed");
+        if (input.disagrees()) attributes.emplace_back("color=red");
+        text += "  " + inQuotes(input.source) + " -> " + inQuotes(input.listener) + " [" +
+                join(attributes, ", ") + "];\n";
+        text += "  " + inQuotes(input.listener) + " [shape=ellipse];\n";
+    }
     for (const RouteState& state : states) {
         Words attributes;
         if (state.polarity == "FG_LOW") attributes.emplace_back("label=\"inverted\"");
@@ -154,34 +219,66 @@ std::string asDot(const std::vector<RouteState>& states) {
     return text + "}\n";
 }
 
+Table tableOf(const std::vector<InputState>& inputs) {
+    Table table;
+    table.setTitles({"FED BY AN INPUT", "SOURCE", "POLARITY", "IN USE", "BOARD: SELECT", "AGREES"});
+    for (const InputState& input : inputs)
+        table.addRow({input.listener, input.source, input.polarity, input.isInUse ? "yes" : "no",
+                      input.selectText(), input.agreesText()});
+    return table;
+}
+
+void addInputs(const std::vector<InputState>& inputs, Report& report) {
+    auto& rows = report.document["inputs"] = nlohmann::ordered_json::array();
+    for (const InputState& input : inputs) {
+        rows.push_back(asJson(input));
+        if (!input.disagrees()) continue;
+        report.problems.push_back(
+            std::string("the board does not hold what the applet writes for the input of the ") +
+            input.listener);
+        report.exitCode = exitRefused;
+    }
+}
+
 } // namespace
 
-json routesJob(ScratchSession& session, const json& pairs) {
-    json routes = json::array();
-    for (std::size_t i = 0; i + 1 < pairs.size(); i += 2) {
-        setOnScratch(session, pairs[i]);
+json routesJob(ScratchSession& session, const json& groups) {
+    json written = json::array();
+    for (const json& group : groups) {
         takeWrites(session.instance());
-        // Either parameter writes both of the design's, so the second set writes the pair as it is to be.
-        setOnScratch(session, pairs[i + 1]);
-        const std::vector<std::string> writes = takeWrites(session.instance());
-        if (writes.size() != 2)
-            throw Failure(pairs[i]["name"].get<std::string>() + ": the applet wrote " +
-                          numberText(writes.size()) +
-                          " parameters of the design, not a selection and an inversion");
-        routes.push_back({writtenValue(writes[0]), writtenValue(writes[1])});
+        for (const json& wanted : group)
+            setOnScratch(session, wanted);
+        // Either parameter of a pair writes both of the design's, so the last write of each counts.
+        json values = json::array();
+        for (const std::string& write : takeWrites(session.instance())) {
+            const json value = writtenValue(write);
+            const auto known = std::ranges::find_if(
+                values, [&](const json& one) { return one["parameter"] == value["parameter"]; });
+            if (known != values.end())
+                *known = value;
+            else
+                values.push_back(value);
+        }
+        written.push_back(std::move(values));
     }
-    return routes;
+    return written;
 }
 
 Report showRoutes(Context& context, const Words& assignments) {
     Instance& instance = context.instance();
     const ParameterList& parameters = context.parameters();
-    Report report = applyAssignments(instance, parameters, assignments);
+    Report report = applyLive(context, assignments);
     if (report.exitCode != exitDone) return report;
     const std::vector<Route> routes = routesOf(parameters);
     // Offline there is no board to compare with.
     const bool isOnBoard = !context.options().offline;
-    const json expected = isOnBoard ? expectedRoutes(context.bareScratch(), instance, routes) : json();
+    json groups = json::array();
+    for (const Route& route : routes)
+        groups.push_back(valuesOf(instance, {route.source, route.polarity}));
+    for (const InputRow& row : inputRows)
+        groups.push_back(valuesOf(instance, {{&parameters.find(row.source)}}));
+    const json expected = isOnBoard ? context.bareScratch().ask("routes", groups) : json();
+    const json ofInputs = isOnBoard ? json(expected.end() - std::size(inputRows), expected.end()) : json();
     std::optional<ParameterList> design;
     if (isOnBoard) design.emplace(instance, ParameterList::Scope::design);
 
@@ -191,6 +288,9 @@ Report showRoutes(Context& context, const Words& assignments) {
     std::vector<RouteState> states;
     for (std::size_t i = 0; i < routes.size(); ++i) {
         RouteState& state = states.emplace_back(stateOf(instance, routes[i]));
+        if (isOnBoard && expected[i].size() != 2)
+            throw Failure(state.output + ": the applet wrote " + numberText(expected[i].size()) +
+                          " parameters of the design, not a selection and an inversion");
         if (isOnBoard)
             state.board = {compare(instance, *design, expected[i][0]),
                            compare(instance, *design, expected[i][1])};
@@ -200,12 +300,16 @@ Report showRoutes(Context& context, const Words& assignments) {
         report.problems.push_back("the board does not hold what the applet writes for " + state.output);
         report.exitCode = exitRefused;
     }
+    const std::vector<InputState> inputs = inputsOf(context, design ? &*design : nullptr, ofInputs);
+    addInputs(inputs, report);
     if (context.options().dot) {
-        report.text = asDot(states);
+        report.text = asDot(inputs, states);
         report.document["dot"] = report.text;
         return report;
     }
-    report.text += (report.text.empty() ? "" : "\n") + table.render(Style::forStream(STDOUT_FILENO));
+    const Style style = Style::forStream(STDOUT_FILENO);
+    report.text +=
+        (report.text.empty() ? "" : "\n") + table.render(style) + "\n" + tableOf(inputs).render(style);
     return report;
 }
 

@@ -7,6 +7,7 @@
 #include "appletctl/base/text.h"
 #include "appletctl/draw/svg.h"
 #include "appletctl/draw/waves.h"
+#include "appletctl/scratch/refusal.h"
 
 #include "vexo/fg_parameters.h"
 
@@ -266,7 +267,7 @@ Report showTiming(Context& context, const Words& assignments) {
     const Options& options = context.options();
     for (const auto& file : {options.svgFile, options.vcdFile})
         if (file && file->empty()) throw UsageError("the name of the file is empty");
-    Report report = applyAssignments(context.instance(), context.parameters(), assignments);
+    Report report = applyLive(context, assignments);
     if (report.exitCode != exitDone) return report;
     const Timing timing = timingOf(context.instance(), context.parameters());
     addDocument(report, timing);

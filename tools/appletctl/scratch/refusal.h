@@ -1,0 +1,43 @@
+/** Why a value was refused and what to do about it, for every command that takes assignments. */
+#ifndef APPLETCTL_SCRATCH_REFUSAL_H
+#define APPLETCTL_SCRATCH_REFUSAL_H
+
+#include "appletctl/applet/assignments.h"
+#include "appletctl/scratch/Context.h"
+#include "appletctl/scratch/Probe.h"
+
+#include <nlohmann/json.hpp>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace appletctl {
+
+/** What was found out about a refused value. */
+struct RefusalCauses {
+    bool isSettable = true;       /**< false for what is measured or fixed: nothing is tried then */
+    std::string limit;            /**< "the maximum is set by FG_XOFFSET (16384 with FG_XOFFSET=0)" */
+    std::optional<Value> nearest; /**< of a number, the accepted one */
+    std::vector<std::string> acceptedWith; /**< changes of other parameters */
+};
+
+/** Tries it on the scratch board, in the state of the probe; adds "setBy", "nearest" and "acceptedWith" to the row. */
+RefusalCauses findCauses(Probe& probe, const Assignment& assignment, nlohmann::ordered_json& row);
+
+/** The same in words: "; the maximum is set by FG_XOFFSET (...); the nearest accepted value is 64". */
+std::string addSuggestion(Probe& probe, const Assignment& assignment, nlohmann::ordered_json& row);
+
+/** The same for a refusal of the live applet. */
+std::string askSuggestion(Context& context, const Assignment& assignment, nlohmann::ordered_json& row);
+
+/** applyAssignments() on the live applet; a refusal is explained. */
+Report applyLive(Context& context, const Words& words, AssignmentHooks hooks = {});
+
+/** Carries out the "with" of a job's arguments, [NAME=VALUE, ...]; from then on that is the state to go back to.
+ *  Throws Failure, with the explanation, for a refusal. */
+void startFrom(ScratchSession& session, const nlohmann::json& arguments);
+
+} // namespace appletctl
+
+#endif
