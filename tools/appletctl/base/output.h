@@ -82,7 +82,10 @@ int print(const Report& report, const std::string& command, const Options& optio
 /** Writes a file anew; throws Failure. */
 void writeFile(const std::string& file, const std::string& content);
 
-/** The report of a command that failed as a whole; `kind` is "usage" or "failure". */
+/** What a person is told of an exception that no command expects. */
+std::string internalError(const std::exception& error);
+
+/** The report of a command that failed as a whole; `kind` is "usage", "failure", "unavailable" or "internal". */
 Report failureReport(const char* kind, const std::string& words, ExitCode exitCode);
 
 } // namespace appletctl

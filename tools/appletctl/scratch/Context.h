@@ -42,6 +42,9 @@ public:
     /** What of the scratch board's state was assumed, when it was last asked for. */
     const Words& assumed() const { return m_assumed; }
 
+    /** How the answers came about, in words, since they were last taken. */
+    Words takeNotes();
+
     /** From now on the live virtual board logs its accesses, those for a seed left out. */
     void startTrace();
     /** What was logged since it was last taken. */
@@ -60,6 +63,7 @@ private:
     std::optional<Instance> m_instance;
     std::optional<ParameterList> m_parameters;
     Words m_assumed;
+    Words m_notes;
     bool m_isTraced = false;
     Words m_accesses;
 };

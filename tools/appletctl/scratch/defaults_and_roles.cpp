@@ -1,6 +1,7 @@
 #include "appletctl/scratch/defaults_and_roles.h"
 
 #include "appletctl/applet/ConfigurationFile.h"
+#include "appletctl/applet/Effort.h"
 #include "appletctl/base/errors.h"
 #include "appletctl/scratch/jobs.h"
 
@@ -26,6 +27,7 @@ public:
         const auto* line = ConfigurationFile::find(m_state->values(), name);
         if (line == nullptr) return "none";
         m_file.write(m_state->textWith(*line, ""));
+        ++effort().loads;
         const int code = m_instance.applet().Fg_loadConfig(m_instance.fg(), m_file.path().c_str());
         return code == FG_OK ? "reader" : "restored";
     }

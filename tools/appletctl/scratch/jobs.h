@@ -22,7 +22,7 @@ json differencesJob(ScratchSession& session, const json& sides);
 /** The values of all that has a setter, in the order of the applet's start: [{"name", "value"}, ...]. */
 json defaultsJob(ScratchSession& session, const json& nothing);
 
-/** The numbers of the design that {"assignments": [WORD, ...]} write, as they are afterwards: {NAME: TEXT}. */
+/** The numbers of the design that {"assignments": [WORD, ...]} write, as they are afterwards: {NAME: NUMBER}. */
 json expectJob(ScratchSession& session, const json& arguments);
 
 /** Looks for an order of {"assignments": [WORD, ...]}: {"isComplete", "words", "problems"}. */
@@ -54,6 +54,9 @@ json lintJob(ScratchSession& session, const json& arguments);
 
 /** The job of that name; every name is one of the table's. */
 Job findJob(const std::string& name);
+
+/** What it finds out, for -v: "what the setters accept". */
+const char* jobInWords(const std::string& name);
 
 } // namespace appletctl
 

@@ -72,18 +72,6 @@ std::string inWords(const Parameter& parameter, const MeasuredRange& range) {
     return range.step == 0 && range.minimum != range.maximum ? text + ", on no grid" : text;
 }
 
-/** A number as a member of a document. */
-ordered_json asJson(const Value& number) {
-    return std::visit(
-        [](const auto& native) -> ordered_json {
-            if constexpr (std::is_arithmetic_v<std::decay_t<decltype(native)>>)
-                return native;
-            else
-                return nullptr;
-        },
-        number);
-}
-
 /** The answer for one parameter. */
 class LimitsReport {
 public:
@@ -111,6 +99,7 @@ private:
         const std::string value = facts.error == FG_OK ? valueWithUnit(parameter(), facts.value)
                                                        : "- (" + codeInWords(facts.error) + ")";
         table.addRow({"now", value + ", " + accessWord(parameter())});
+        if (facts.error == FG_OK) addValue(row, {&parameter()}, facts.value);
         if (const std::uint32_t count = elementCount(parameter()); count > 0) {
             table.addRow({"elements", rangeInWords(0u, count - 1)});
             row["elements"] = count;
@@ -169,7 +158,8 @@ private:
             return tellPublished(published);
         }
         table.addRow({"accepted", inWords(parameter(), *range)});
-        row["accepted"] = {{"minimum", asJson(range->minimum)}, {"maximum", asJson(range->maximum)}};
+        row["accepted"] = {{"minimum", numberAsJson(range->minimum)},
+                           {"maximum", numberAsJson(range->maximum)}};
         if (range->step > 0) row["accepted"]["step"] = range->step;
         const bool differs = !published || published->minimum != range->minimum ||
                              published->maximum != range->maximum || isOtherGrid(*range, *published);
@@ -199,8 +189,9 @@ private:
     void tellPublished(const std::optional<Limits>& published) {
         table.addRow({"published", published ? limitsText(parameter()) : "no limits that say anything"});
         if (!published) return;
-        row["published"] = {{"minimum", asJson(published->minimum)}, {"maximum", asJson(published->maximum)}};
-        if (!m_subject.elements) row["published"]["increment"] = asJson(published->increment);
+        row["published"] = {{"minimum", numberAsJson(published->minimum)},
+                            {"maximum", numberAsJson(published->maximum)}};
+        if (!m_subject.elements) row["published"]["increment"] = numberAsJson(published->increment);
     }
 
     void tellWidening(const char* name, const Widening& widening) {
@@ -210,7 +201,7 @@ private:
         row["setBy"].push_back({{"limit", name},
                                 {"parameter", m_probe.at(widening.change.place).name},
                                 {"with", words},
-                                {"becomes", asJson(widening.limit)}});
+                                {"becomes", numberAsJson(widening.limit)}});
     }
 
     Probe& m_probe;

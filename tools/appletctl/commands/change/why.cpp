@@ -66,7 +66,8 @@ WhyReport whyRefused(Probe& probe, std::size_t place, const Assignment& assignme
     const std::string text = toUtf8(assignment.text.c_str());
     const int code = probe.answer(target, assignment.value);
     WhyReport answer;
-    answer.row = {{"name", target.name()}, {"requested", text}, {"accepted", code == FG_OK}};
+    answer.row = {
+        {"name", target.name()}, {"requested", requestedAsJson(assignment)}, {"accepted", code == FG_OK}};
     answer.table.addHeading(target.name() + "=" + printable(text));
     if (code == FG_OK) {
         const bool isPublished = accessWord(parameter) != "ro";
@@ -82,7 +83,7 @@ WhyReport whyRefused(Probe& probe, std::size_t place, const Assignment& assignme
     if (out.ways.empty())
         answer.table.addRow({"accepted with", "no change of other parameters that was tried"});
     if (!out.nearest) return answer;
-    answer.table.addRow({"nearest", valueWithUnit(probe.at(place), *out.nearest)});
+    answer.table.addRow({"nearest", exactValueWithUnit(probe.at(place), *out.nearest)});
     addValue(answer.row["nearest"], {&probe.at(place)}, *out.nearest);
     return answer;
 }
@@ -93,7 +94,10 @@ WhyReport whyReadOnly(Probe& probe, std::size_t place) {
     const std::string access = accessWord(probe.at(place));
     answer.row = {{"name", probe.at(place).name}, {"access", access}, {"writable", isWritable(facts.access)}};
     answer.table.addHeading(probe.at(place).name);
-    if (facts.error == FG_OK) answer.table.addRow({"now", valueWithUnit(probe.at(place), facts.value)});
+    if (facts.error == FG_OK) {
+        answer.table.addRow({"now", valueWithUnit(probe.at(place), facts.value)});
+        addValue(answer.row, {&probe.at(place)}, facts.value);
+    }
     if (isWritable(facts.access)) {
         answer.table.addRow({access, access == "rw+" ? "writable, also while an acquisition runs"
                                                      : "writable, but not while an acquisition runs"});
@@ -129,7 +133,7 @@ std::string addSuggestion(Probe& probe, const Assignment& assignment, ordered_js
     if (out.nearest) addValue(row["nearest"], {&probe.at(place)}, *out.nearest);
     std::string words;
     if (out.nearest)
-        words += "; the nearest accepted value is " + valueWithUnit(probe.at(place), *out.nearest);
+        words += "; the nearest accepted value is " + exactValueWithUnit(probe.at(place), *out.nearest);
     if (out.ways.empty()) return words;
     const bool areMore = out.ways.size() > shown;
     if (areMore) out.ways.resize(shown);

@@ -103,15 +103,20 @@ std::string asLine(const Round& round) {
     return line + '\n';
 }
 
+nlohmann::ordered_json asJson(const Round& round) {
+    nlohmann::ordered_json object = {{"round", round.number}, {"seconds", seconds(round)}};
+    auto& parameters = object["parameters"] = nlohmann::ordered_json::array();
+    for (const Watched& watched : round.watched)
+        parameters.push_back(readingAsJson(watched.target, watched.reading));
+    return object;
+}
+
 std::string asDocument(const Round& round) {
     Report report;
-    report.document = {{"round", round.number}, {"seconds", seconds(round)}};
-    auto& parameters = report.document["parameters"] = nlohmann::ordered_json::array();
-    for (const Watched& watched : round.watched) {
-        parameters.push_back(readingAsJson(watched.target, watched.reading));
-        if (watched.reading.error != FG_OK) report.exitCode = exitRefused;
-    }
-    if (round.isFailed) report.exitCode = exitRefused;
+    report.document = asJson(round);
+    const bool isRead = std::ranges::all_of(
+        round.watched, [](const Watched& watched) { return watched.reading.error == FG_OK; });
+    if (round.isFailed || !isRead) report.exitCode = exitRefused;
     return documentText(report, "watch");
 }
 
@@ -163,9 +168,11 @@ private:
 
 enum class Form { table, text, document };
 
-/** A table that is redrawn for a person, lines of text where it cannot be, documents for a program. */
+/** A table that is redrawn for a person, lines of text where it cannot be, documents for a program. Behind "trace"
+ *  the accesses follow as text. */
 Form formOf(const Options& options) {
     if (options.json) return Form::document;
+    if (options.trace) return Form::text;
     if (isCapableTerminal(STDOUT_FILENO)) return Form::table;
     return options.plain || isatty(STDOUT_FILENO) == 1 ? Form::text : Form::document;
 }
@@ -210,7 +217,10 @@ Report watchParameters(Context& context, const Words& names) {
     };
 
     Report report;
-    report.isPrinted = true;
+    // "trace" adds the accesses, so its document holds all rounds and is printed at the end.
+    const bool isOneDocument = options.trace && options.json;
+    report.isPrinted = !isOneDocument;
+    if (isOneDocument) report.document["rounds"] = nlohmann::ordered_json::array();
     const std::chrono::milliseconds interval(options.watchInterval);
     const Clock::time_point start = Clock::now();
     Clock::time_point due = start;
@@ -221,7 +231,8 @@ Report watchParameters(Context& context, const Words& names) {
         for (Watched& watched : round.watched)
             read(instance, watched);
         round.isFailed = condition && holds(*condition, round);
-        if (!writeOut(shown())) {
+        if (isOneDocument) report.document["rounds"].push_back(asJson(round));
+        if (!isOneDocument && !writeOut(shown())) {
             if (errno == EPIPE) return report;
             if (interruption.isAsked()) break;
             report.problems.push_back("the output could not be written");

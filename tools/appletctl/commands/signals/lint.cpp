@@ -55,15 +55,26 @@ public:
     }
 
     void add(const char* rule, const Words& names, const std::string& why, const std::string& advice) {
-        Words values;
-        for (const std::string& name : names)
-            values.push_back(name + " = " + valueWithUnit(parameters().find(name), value(name)));
-        add(rule, names, values, why, advice);
+        Words texts;
+        json values = json::array();
+        for (const std::string& name : names) {
+            const Parameter& parameter = parameters().find(name);
+            const Value now = value(name);
+            texts.push_back(name + " = " + valueWithUnit(parameter, now));
+            values.push_back({{"name", name}, {"unit", parameter.unit()}});
+            values.back().update(json(valueAsJson({&parameter}, now)));
+        }
+        add(rule, names, texts, values, why, advice);
     }
-    void add(const char* rule, const Words& names, const Words& values, const std::string& why,
-             const std::string& advice) {
-        m_findings.push_back(
-            {{"rule", rule}, {"names", names}, {"values", values}, {"why", why}, {"advice", advice}});
+    /** `texts` for a person, `values` the same as objects with at least a name. */
+    void add(const char* rule, const Words& names, const Words& texts, const json& values,
+             const std::string& why, const std::string& advice) {
+        m_findings.push_back({{"rule", rule},
+                              {"names", names},
+                              {"texts", texts},
+                              {"values", values},
+                              {"why", why},
+                              {"advice", advice}});
     }
     const json& findings() const { return m_findings; }
 
@@ -167,14 +178,17 @@ void unlikeTables(State& state) {
     const LutTables tables = readLutTables(state.session().instance(), state.parameters());
     const Words names = {"FG_LUT_VALUE_RED", "FG_LUT_VALUE_GREEN", "FG_LUT_VALUE_BLUE"};
     if (!tables.areEqual()) {
-        Words values;
+        Words texts;
+        json values = json::array();
         for (const LutTable& table : tables.colours) {
             const LutStatistics told = statisticsOf(table.entries, tables.largest);
-            values.push_back(std::string(table.parameter) + " from " + numberText(told.minimum) + " to " +
-                             numberText(told.maximum));
+            texts.push_back(std::string(table.parameter) + " from " + numberText(told.minimum) + " to " +
+                            numberText(told.maximum));
+            values.push_back(
+                {{"name", table.parameter}, {"minimum", told.minimum}, {"maximum", told.maximum}});
         }
         state.add(
-            "tables", names, values,
+            "tables", names, texts, values,
             "The tables of the three colours are unlike. Whenever the applet writes whole tables by itself, "
             "from a file or by the formula, the board receives blue's for all three",
             "Set the elements of each colour after the file was loaded, or use one table for all; "
@@ -186,6 +200,9 @@ void unlikeTables(State& state) {
             state.add(
                 "flat-table", {table.parameter},
                 {std::string(table.parameter) + " is " + numberText(table.entries.front()) + " everywhere"},
+                json::array({{{"name", table.parameter},
+                              {"minimum", table.entries.front()},
+                              {"maximum", table.entries.front()}}}),
                 "The lookup table is on and gives one value for all inputs: the image is uniform",
                 "See 'appletctl lut show', FG_PROCESSING_GAIN, _OFFSET and _GAMMA");
 }
@@ -362,7 +379,7 @@ json findingsOf(Context& context, const std::string& file) {
 std::string findingsText(const json& findings) {
     std::string text;
     for (const json& finding : findings) {
-        text += finding["rule"].get<std::string>() + ": " + join(finding["values"].get<Words>(), ", ") + '\n';
+        text += finding["rule"].get<std::string>() + ": " + join(finding["texts"].get<Words>(), ", ") + '\n';
         text += "    " + finding["why"].get<std::string>() + ".\n";
         text += "    " + finding["advice"].get<std::string>() + ".\n";
     }
@@ -377,8 +394,10 @@ Report lintParameters(Context& context, const Words& words) {
     if (report.exitCode != exitDone) return report;
     const json told = findingsOf(context, isFile ? words.front() : "");
     const json& findings = told["findings"];
-    if (isFile) report.document["file"] = toUtf8(words.front().c_str());
     report.document["findings"] = findings;
+    for (auto& finding : report.document["findings"])
+        finding.erase("texts");
+    if (isFile) report.document["file"] = toUtf8(words.front().c_str());
     report.text += findings.empty() ? "Nothing doubtful.\n" : findingsText(findings);
     if (const int code = told["loaded"].get<int>(); code != FG_OK)
         report.problems.push_back("the load answered " + codeInWords(code) + ": 'appletctl check' tells why");
