@@ -284,7 +284,7 @@ TEST(AppletctlReport, HoldsAllThatASupportNeeds) {
     const Words environment = {"VEXO_ENABLE_DRA=on", "NORVANE_FG_SDK_DIR"};
     EXPECT_EQ(run({"--json", "report", "-o", file, "FG_LINEPERIODE=100.003"}, environment).exitCode, 0);
     const json told = json::parse(support::fileBytes(file));
-    EXPECT_EQ(told["schema"], "appletctl/1");
+    EXPECT_EQ(told["schema"], "appletctl/2");
     EXPECT_EQ(told["environment"]["VEXO_ENABLE_DRA"], "on");
     EXPECT_EQ(told["environment"]["NORVANE_FG_SDK_DIR"], nullptr);
     EXPECT_EQ(told["info"]["board"], "virtual");

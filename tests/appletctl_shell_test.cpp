@@ -399,7 +399,7 @@ TEST(AppletctlConventions, HoldForAllCommands) {
         EXPECT_EQ(outcome.exitCode, 2) << command[1];
         const json told = json::parse(outcome.out, nullptr, false);
         ASSERT_TRUE(told.is_object()) << command[1] << outcome.out;
-        EXPECT_EQ(told["schema"], "appletctl/1");
+        EXPECT_EQ(told["schema"], "appletctl/2");
         EXPECT_EQ(told["error"]["kind"], "usage");
         EXPECT_TRUE(contains(outcome.err, "there is no option '--jsno'; did you mean '--json'?"))
             << outcome.err;

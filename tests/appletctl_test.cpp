@@ -220,7 +220,7 @@ TEST(Appletctl, PrintsOneDocumentForEveryOutcome) {
         EXPECT_EQ(outcome.exitCode, exitCode) << arguments.front();
         const json told = json::parse(outcome.out, nullptr, false);
         ASSERT_TRUE(told.is_object()) << outcome.out;
-        EXPECT_EQ(told["schema"], "appletctl/1");
+        EXPECT_EQ(told["schema"], "appletctl/2");
         EXPECT_EQ(told["done"], exitCode == 0);
         EXPECT_EQ(outcome.err.empty(), exitCode == 0);
     }
@@ -291,7 +291,7 @@ TEST_F(AppletctlLut, TellsWhatTheTablesAreLike) {
               json({{"first", 0}, {"last", 4095}, {"value", 0}}));
     EXPECT_EQ(steep["lut"]["colours"][1]["clippedAtEnd"],
               json({{"first", 12288}, {"last", 16383}, {"value", 65535}}));
-    EXPECT_EQ(steep["settings"]["FG_PROCESSING_GAIN"], 2);
+    EXPECT_EQ(steep["settings"]["FG_PROCESSING_GAIN"]["value"], 2);
     const json edited =
         document({"lut", "show", "FG_LUT_VALUE_GREEN[5000]=0", "FG_LUT_VALUE_BLUE[..]=9"})["lut"]["colours"];
     EXPECT_EQ(edited[1]["course"], "turns at entry 4999");
@@ -300,7 +300,7 @@ TEST_F(AppletctlLut, TellsWhatTheTablesAreLike) {
 
 TEST_F(AppletctlLut, LoadsAndSaysWhatTheBoardReceives) {
     const json told = document({"lut", "load", fileWith({7, 3, 5, 6})});
-    EXPECT_EQ(told["settings"]["FG_LUT_TYPE"], "LUT_TYPE_CUSTOM");
+    EXPECT_EQ(told["settings"]["FG_LUT_TYPE"]["symbol"], "LUT_TYPE_CUSTOM");
     EXPECT_EQ(told["changed"], true);
     EXPECT_EQ(told["lut"]["colours"][0]["course"], "turns at entry 1");
     for (const std::size_t colour : {0u, 1u, 2u})
@@ -320,8 +320,9 @@ TEST_F(AppletctlLut, LeavesAllAsItWasWhenAFileIsMissing) {
         EXPECT_TRUE(
             contains(run(arguments).err, "none.lut\" was not loaded, and nothing was changed: -2076"));
         const json told = document(arguments);
-        EXPECT_EQ(told["settings"]["FG_LUT_TYPE"], type.empty() ? "LUT_TYPE_PROCESSING" : "LUT_TYPE_CUSTOM");
-        EXPECT_EQ(told["settings"]["FG_LUT_CUSTOM_FILE"], before);
+        EXPECT_EQ(told["settings"]["FG_LUT_TYPE"]["symbol"],
+                  type.empty() ? "LUT_TYPE_PROCESSING" : "LUT_TYPE_CUSTOM");
+        EXPECT_EQ(told["settings"]["FG_LUT_CUSTOM_FILE"]["value"], before);
         EXPECT_EQ(told["changed"], false);
     }
 }
@@ -507,12 +508,13 @@ TEST(AppletctlRoute, ShowsWhatTheBoardHolds) {
     const std::string gpo3 = "Device1_Process1_Trigger_OutputMapping_SelectGPO_Select3_";
     const json expected = {
         {"output", "FG_TRIGGEROUT_GPO_3"},
-        {"source", "FG_SIGNAL_GPI_1"},
-        {"polarity", "FG_LOW"},
+        {"source", told[4]["source"]},
+        {"polarity", {{"value", 1}, {"symbol", "FG_LOW"}, {"label", "Low Active"}}},
         {"select", {{"parameter", gpo3 + "SelectSignal_Select"}, {"board", 22}, {"expected", 22}}},
         {"invert", {{"parameter", gpo3 + "Polarity_Invert"}, {"board", 1}, {"expected", 1}}},
         {"agrees", true}};
     EXPECT_EQ(told[4], expected);
+    EXPECT_EQ(told[4]["source"]["symbol"], "FG_SIGNAL_GPI_1");
     // Written past the applet, which still takes the output for VCC.
     const Outcome changed =
         run({"route", "DLOOMA_" + gpo3 + "SelectSignal_Select=7"}, {"VEXO_ENABLE_DLOOMA=on"});

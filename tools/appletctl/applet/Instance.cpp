@@ -1,5 +1,6 @@
 #include "appletctl/applet/Instance.h"
 
+#include "appletctl/applet/Effort.h"
 #include "appletctl/base/errors.h"
 #include "appletctl/base/text.h"
 
@@ -72,6 +73,7 @@ Instance::Instance(const Options& options, DesignParameters design)
 Instance::Instance(const Options& options, std::shared_ptr<const applet_host::AppletHost> host,
                    DesignParameters design, const applet_host::Prepare& prepare)
     : m_host(std::move(host)) {
+    ++effort().bringUps;
     if (options.offline) {
         const int code = applet().Info(FG_INFO_CREATE_OFFLINE, 0, 0, nullptr, &m_offline.object);
         if (code != FG_OK) throw Unavailable("no offline instance could be made: " + codeInWords(code));

@@ -25,10 +25,11 @@ struct ParameterState {
 /** What a read would change is left out. */
 ParameterState currentState(Instance& instance, const Parameter& parameter);
 
-/** One way in which facts differ, in words. */
+/** One way in which facts differ, in words and as members of a document. */
 struct Move {
     const char* what; /**< "value", "limits", "access", "accepted values" */
     std::string from, to;
+    nlohmann::ordered_json fromJson{}, toJson{};
 };
 
 std::vector<Move> movesBetween(const Parameter& parameter, const ParameterState& before,

@@ -1,6 +1,9 @@
 #include "appletctl/applet/access_log.h"
 
+#include "appletctl/base/numbers.h"
 #include "appletctl/base/text.h"
+
+#include <optional>
 
 namespace appletctl {
 namespace {
@@ -20,7 +23,69 @@ void logKinds(Instance& instance, unsigned kinds) {
     instance.board().log_clear(instance.device());
 }
 
+using nlohmann::ordered_json;
+
+/** The number of a field of that type in the log. */
+ordered_json numberOf(const std::string& type, const std::string& word) {
+    if (type == "f64")
+        if (const auto number = floatingNumber(word)) return *number;
+    if (const auto number = wholeNumber<std::int64_t>(word)) return *number;
+    if (const auto number = wholeNumber<std::uint64_t>(word)) return *number;
+    return word; // not a finite number
+}
+
+ordered_json accessAsJson(std::string line) {
+    ordered_json access;
+    const auto takeWord = [&] {
+        const std::size_t end = line.find(' ');
+        std::string word = line.substr(0, end);
+        line.erase(0, end == std::string::npos ? end : end + 1);
+        return word;
+    };
+    access["access"] = takeWord();
+    access["parameter"] = takeWord();
+    const std::string type = takeWord();
+    access["type"] = type;
+    std::optional<int> error;
+    // A text may hold anything, and is not logged of a failed read.
+    if (const std::size_t mark = line.rfind("= ");
+        mark == 0 || (mark != std::string::npos && line[mark - 1] == ' ')) {
+        error = wholeNumber<int>(std::string_view(line).substr(mark + 2));
+        if (error) line.erase(mark == 0 ? 0 : mark - 1);
+    }
+    if (const std::size_t plus = line.find('+'); type == "field" && plus != std::string::npos) {
+        access["first"] = numberOf(type, line.substr(0, plus));
+        access["count"] = numberOf(type, line.substr(plus + 1));
+    } else if (type == "text") {
+        access["value"] = line;
+    } else if (!line.empty()) {
+        access["value"] = numberOf(type, line);
+    }
+    if (error) access["error"] = *error;
+    return access;
+}
+
 } // namespace
+
+ordered_json accessesAsJson(const std::vector<std::string>& lines) {
+    ordered_json accesses = ordered_json::array();
+    for (const std::string& line : lines)
+        accesses.push_back(accessAsJson(line));
+    return accesses;
+}
+
+std::string accessLine(const ordered_json& access) {
+    const auto word = [&](const char* member) -> std::string {
+        const auto found = access.find(member);
+        if (found == access.end()) return "";
+        if (found->is_number_float()) return exactText(found->get<double>());
+        return found->is_string() ? found->get<std::string>() : found->dump();
+    };
+    std::string line = word("access") + " " + word("parameter") + " " + word("type");
+    if (access.contains("value")) line += " " + word("value");
+    if (access.contains("first")) line += " " + word("first") + "+" + word("count");
+    return access.contains("error") ? line + " = " + word("error") : line;
+}
 
 void logWrites(Instance& instance) { logKinds(instance, VBOARD_SET | VBOARD_REGISTER_WRITE); }
 

@@ -4,6 +4,8 @@
 
 #include "appletctl/applet/Instance.h"
 
+#include <nlohmann/json.hpp>
+
 #include <string>
 #include <vector>
 
@@ -17,6 +19,13 @@ void logAccesses(Instance& instance);
 
 /** The log since it was last taken, one line for each write (see vboard_log_line). */
 std::vector<std::string> takeWrites(Instance& instance);
+
+/** Lines of the log as a list of objects: {"access": "set", "parameter": "Device1_...", "type": "u32",
+ *  "value": 2048}; "first" and "count" of a field, "error" of an access that failed. */
+nlohmann::ordered_json accessesAsJson(const std::vector<std::string>& lines);
+
+/** The line that such an object was made of. */
+std::string accessLine(const nlohmann::ordered_json& access);
 
 } // namespace appletctl
 

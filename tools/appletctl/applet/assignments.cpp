@@ -1,6 +1,7 @@
 #include "appletctl/applet/assignments.h"
 
 #include "appletctl/applet/hardware_values.h"
+#include "appletctl/applet/access_log.h"
 #include "appletctl/applet/published_limits.h"
 #include "appletctl/base/text.h"
 
@@ -61,6 +62,12 @@ std::vector<Assignment> parseAssignments(const ParameterList& parameters, const 
     return assignments;
 }
 
+nlohmann::ordered_json requestedAsJson(const Assignment& assignment) {
+    if (const auto* elements = std::get_if<Elements>(&assignment.value))
+        return {{"value", elements->front()}};
+    return valueAsJson(assignment.target, assignment.value);
+}
+
 std::string refusalInWords(const Parameter& parameter, const Value& value, int code) {
     return codeInWords(code) + advice(parameter, value, code);
 }
@@ -76,7 +83,7 @@ void applyAssignments(Instance& instance, const Assignment& assignment, const As
     const std::string asked = toUtf8(assignment.text.c_str());
     if (hooks.isLeftOut && hooks.isLeftOut(assignment)) {
         addDescription(row, parameter);
-        row["requested"] = asked;
+        row["requested"] = requestedAsJson(assignment);
         row["leftOut"] = true;
         report.text += target.name() + "=" + printable(asked) + " would write a file; it was left out\n";
         report.document["assignments"].push_back(std::move(row));
@@ -86,8 +93,8 @@ void applyAssignments(Instance& instance, const Assignment& assignment, const As
     const std::vector<std::string> lines = hooks.takeWrites ? hooks.takeWrites() : std::vector<std::string>{};
     const ReadResult actual = readValue(instance, target);
     addDescription(row, parameter);
-    row["requested"] = asked;
-    if (hooks.takeWrites) row["writes"] = lines;
+    row["requested"] = requestedAsJson(assignment);
+    if (hooks.takeWrites) row["writes"] = accessesAsJson(lines);
     if (actual.error == FG_OK) addValue(row, target, actual.value);
     if (const auto taken = nearestStep(parameter, actual.value); code == FG_OK && taken)
         row["actual"] = *taken;

@@ -20,6 +20,9 @@ struct Assignment {
 /** Throws UsageError for a word that is none. */
 std::vector<Assignment> parseAssignments(const ParameterList& parameters, const Words& words);
 
+/** {"value": 1022}, of an entry with "symbol" and "label"; of elements the number that all of them get. */
+nlohmann::ordered_json requestedAsJson(const Assignment& assignment);
+
 /** What a command adds to the report of its assignments. All may be empty. */
 struct AssignmentHooks {
     /** Gives the lines of what was written to the design since it was last asked. */

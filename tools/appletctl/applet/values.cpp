@@ -1,5 +1,6 @@
 #include "appletctl/applet/values.h"
 
+#include "appletctl/applet/Effort.h"
 #include "appletctl/applet/published_limits.h"
 #include "appletctl/applet/units.h"
 #include "appletctl/base/errors.h"
@@ -208,6 +209,7 @@ std::string explanationOf(Instance& instance, const Parameter& parameter) {
 }
 
 int writeValue(Instance& instance, const Target& target, const Value& value) {
+    ++effort().sets;
     const auto set = [&](const void* place, FgParamTypes tag) {
         return instance.applet().Fg_setParameterWithType(instance.fg(), target.parameter->id, place, 0, tag);
     };
@@ -268,12 +270,23 @@ std::string valueText(const Parameter& parameter, const Value& value) {
         value);
 }
 
+std::string exactValueText(const Parameter& parameter, const Value& value) {
+    const auto* number = std::get_if<double>(&value);
+    return number != nullptr ? exactText(*number) : valueText(parameter, value);
+}
+
 std::string valueWithUnit(const Parameter& parameter, const Value& value) {
     std::string text = valueText(parameter, value);
     const auto* number = std::get_if<std::int32_t>(&value);
     if (number != nullptr && text != numberText(*number)) text += " (" + numberText(*number) + ")";
     const std::string unit = parameter.unit();
     return unit.empty() || std::holds_alternative<WholeArray>(value) ? text : text + " " + unit;
+}
+
+std::string exactValueWithUnit(const Parameter& parameter, const Value& value) {
+    const auto* number = std::get_if<double>(&value);
+    if (number == nullptr) return valueWithUnit(parameter, value);
+    return exactText(*number) + (parameter.unit().empty() ? "" : " " + parameter.unit());
 }
 
 void addValue(nlohmann::ordered_json& object, const Target& target, const Value& value) {
@@ -308,6 +321,23 @@ void addValue(nlohmann::ordered_json& object, const Target& target, const Value&
 void addNotMeasured(nlohmann::ordered_json& object) {
     object["value"] = nullptr;
     object["measured"] = false;
+}
+
+nlohmann::ordered_json valueAsJson(const Target& target, const Value& value) {
+    nlohmann::ordered_json object;
+    addValue(object, target, value);
+    return object;
+}
+
+nlohmann::ordered_json numberAsJson(const Value& number) {
+    return std::visit(
+        [](const auto& native) -> nlohmann::ordered_json {
+            if constexpr (isNumber<std::decay_t<decltype(native)>>)
+                return native;
+            else
+                return nullptr;
+        },
+        number);
 }
 
 nlohmann::ordered_json readingAsJson(const Target& target, const ReadResult& reading) {

@@ -59,9 +59,14 @@ int writeValue(Instance& instance, const Target& target, const Value& value);
  *  cannot hold; its limits are the applet's matter. */
 Value parseValue(const Target& target, const std::string& text);
 
-/** Enumerations by symbolic name, texts in double quotes, floating point by the shortest form that reads back
- *  the same, elements by their number if all hold the same. */
+/** Enumerations by symbolic name, texts in double quotes, numbers as numberText, elements by their number if all
+ *  hold the same. */
 std::string valueText(const Parameter& parameter, const Value& value);
+
+/** The same as a word that `set` takes: floating point to the last bit. */
+std::string exactValueText(const Parameter& parameter, const Value& value);
+
+std::string exactValueWithUnit(const Parameter& parameter, const Value& value);
 
 /** As valueText, an enumeration with its number: "RGB8 (1025)", then the unit. */
 std::string valueWithUnit(const Parameter& parameter, const Value& value);
@@ -69,6 +74,12 @@ std::string valueWithUnit(const Parameter& parameter, const Value& value);
 /** Adds "value" and, for enumerations, "symbol" and "label"; for a whole array "elements", their number; for
  *  one element "index" and "value", for several "first" and "values". */
 void addValue(nlohmann::ordered_json& object, const Target& target, const Value& value);
+
+/** What addValue adds, as an object of its own. */
+nlohmann::ordered_json valueAsJson(const Target& target, const Value& value);
+
+/** A number; null for texts and arrays. */
+nlohmann::ordered_json numberAsJson(const Value& number);
 
 /** Adds "value": null and "measured": false. */
 void addNotMeasured(nlohmann::ordered_json& object);

@@ -4,10 +4,22 @@
 
 namespace appletctl {
 
-std::string numberText(double number) {
+std::string exactText(double number) {
     char text[32];
     const auto [end, error] = std::to_chars(text, text + sizeof text, number);
     return error == std::errc{} ? std::string(text, end) : "?";
+}
+
+std::string numberText(double number) {
+    constexpr int digits = 12;
+    char text[64];
+    const auto rounding = std::to_chars(text, text + sizeof text, number, std::chars_format::general, digits);
+    const double rounded = floatingNumber({text, rounding.ptr}).value_or(number);
+    const double size = std::fabs(rounded);
+    const bool isFixed = rounded == 0 || (size >= 1e-9 && size < 1e15);
+    if (!std::isfinite(rounded) || !isFixed) return exactText(rounded);
+    const auto fixed = std::to_chars(text, text + sizeof text, rounded, std::chars_format::fixed);
+    return {text, fixed.ptr};
 }
 
 std::string hexText(std::uint64_t number) {

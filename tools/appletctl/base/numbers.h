@@ -13,9 +13,14 @@
 
 namespace appletctl {
 
-/** A number in its shortest form that reads back the same. */
+/** A number as a person reads it: 12 significant digits, so that 3999.9999999999995 is 4000; without an exponent
+ *  from 1e-9 to 1e15. */
 std::string numberText(double number);
 template <typename Integer> std::string numberText(Integer number) { return std::to_string(number); }
+
+/** A number in its shortest form that reads back the same, for what is typed or read by a program. */
+std::string exactText(double number);
+template <typename Integer> std::string exactText(Integer number) { return std::to_string(number); }
 
 /** "0x1f". */
 std::string hexText(std::uint64_t number);

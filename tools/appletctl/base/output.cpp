@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <iostream>
+#include <new>
 #include <string_view>
 
 namespace appletctl {
@@ -95,9 +96,9 @@ std::string Table::render(const Style& style) const {
 }
 
 std::string documentText(const Report& report, const std::string& command, int indent) {
-    nlohmann::ordered_json document = {{"schema", "appletctl/1"}, {"command", command}};
+    nlohmann::ordered_json document = {{"schema", "appletctl/2"}, {"command", command}};
     document["done"] = report.exitCode == exitDone;
-    document.update(report.document);
+    if (report.document.is_object()) document.update(report.document); // null where a command adds nothing
     return document.dump(indent, ' ', false, nlohmann::json::error_handler_t::replace) + '\n';
 }
 
@@ -107,8 +108,9 @@ bool writeOut(const std::string& text) {
 }
 
 int print(const Report& report, const std::string& command, const Options& options) {
-    const std::string text = options.json ? documentText(report, command, 2) : report.text;
-    const bool isWritten = report.isPrinted || (options.quiet && !options.json) || writeOut(text);
+    const bool isSilent = report.isPrinted || (options.quiet && !options.json);
+    const bool isWritten =
+        isSilent || writeOut(options.json ? documentText(report, command, 2) : report.text);
     const bool isRead = isWritten || errno != EPIPE;
     const std::string name = Style::forStream(STDERR_FILENO).alarm("appletctl:");
     for (const std::string& problem : report.problems)
@@ -120,6 +122,11 @@ int print(const Report& report, const std::string& command, const Options& optio
         return exitRefused;
     }
     return report.exitCode;
+}
+
+std::string internalError(const std::exception& error) {
+    if (dynamic_cast<const std::bad_alloc*>(&error) != nullptr) return "there is not enough memory";
+    return std::string("internal error, please report it with the command line: ") + error.what();
 }
 
 Report failureReport(const char* kind, const std::string& words, ExitCode exitCode) {

@@ -248,7 +248,7 @@ void addGlobalOptions(CLI::App& program, Options& options) {
     program.add_option("--color", options.colour, "Colour: auto, always or never")
         ->check(CLI::IsMember({"auto", "always", "never"}));
     program.add_flag("-q,--quiet", options.quiet, "Print nothing but errors");
-    program.add_flag("-v,--verbose", options.verbose, "Say more on the error output");
+    program.add_flag("-v,--verbose", options.verbose, "Say on the error output how the answer came about");
 }
 
 /** The command that the user may have meant; empty if none is near. */
@@ -336,7 +336,9 @@ Request tracedRequest(const Request& trace) {
 
 std::string nameOf(const Request& request) {
     if (request.command == nullptr) return "";
-    return (request.options.trace ? "trace " : "") + fullName(*request.command);
+    const bool isComparison = request.command->run == compareTraces;
+    return (request.options.trace ? "trace " : "") + fullName(*request.command) +
+           (isComparison ? " diff" : "");
 }
 
 void addCommandsTo(CLI::App& program, Request& request) {

@@ -1,8 +1,12 @@
 #include "appletctl/cli/execute.h"
 
+#include "appletctl/base/Stopwatch.h"
 #include "appletctl/commands/signals/trace.h"
 
+#include <algorithm>
 #include <exception>
+#include <iterator>
+#include <system_error>
 
 namespace appletctl {
 namespace {
@@ -16,8 +20,12 @@ template <typename CommandRun> Report withFailuresAsReports(CommandRun work) {
         return failureReport("unavailable", error.what(), exitUnavailable);
     } catch (const applet_host::HostError& error) {
         return failureReport("unavailable", error.what(), exitUnavailable);
-    } catch (const std::exception& error) { // Failure, out of memory
+    } catch (const Failure& error) {
         return failureReport("failure", error.what(), exitRefused);
+    } catch (const std::system_error& error) { // of files and folders
+        return failureReport("failure", error.what(), exitRefused);
+    } catch (const std::exception& error) {
+        return failureReport("internal", internalError(error), exitUnavailable);
     }
 }
 
@@ -58,15 +66,19 @@ Request parseLine(const Words& words, const Options& options) {
 
 Report execute(const Request& request, Context& context) {
     if (request.command == nullptr) return request.outcome;
+    const Stopwatch watch;
     context.setOptions(request.options);
-    return withFailuresAsReports([&] { return runCommand(request, context); });
+    Report report = withFailuresAsReports([&] { return runCommand(request, context); });
+    std::ranges::move(context.takeNotes(), std::back_inserter(report.notes));
+    report.notes.push_back("'" + nameOf(request) + "' took " + watch.text());
+    return report;
 }
 
 Report execute(const Request& request) {
     if (request.command == nullptr) return request.outcome;
     return withFailuresAsReports([&] {
         Context context(request.options, scratchFor(request));
-        return runCommand(request, context);
+        return execute(request, context);
     });
 }
 

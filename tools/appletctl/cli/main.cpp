@@ -2,10 +2,18 @@
 #include "appletctl/base/files.h"
 #include "appletctl/cli/execute.h"
 
+#include <iostream>
+
 int main(int argc, char** argv) {
     using namespace appletctl;
-    openStandardStreams();
-    const Request request = parseCommandLine(Words(argv + 1, argv + argc));
-    setOutputMode(request.options);
-    return print(execute(request), nameOf(request), request.options);
+    try {
+        openStandardStreams();
+        const Request request = parseCommandLine(Words(argv + 1, argv + argc));
+        setOutputMode(request.options);
+        return print(execute(request), nameOf(request), request.options);
+    } catch (const std::exception& error) {
+        // Reports of failures are made in execute(); what arrives here failed while it was parsed or printed.
+        std::cerr << "appletctl: " << internalError(error) << '\n';
+        return exitUnavailable;
+    }
 }

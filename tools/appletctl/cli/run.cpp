@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <filesystem>
 
 namespace appletctl {
@@ -84,6 +85,8 @@ Report runScenario(Context& context, const Words& words) {
             continue;
         }
         tests[i] = doStep(station, steps[i]);
+        report.notes.push_back("line " + numberText(steps[i].line) + ": " +
+                               numberText(std::round(tests[i].seconds * 1e4) / 10) + " ms");
         if (isPrinted && !writeOut(stepLine(steps[i], tests[i]))) goesOn = false; // nobody reads it
         if (tests[i].outcome != Outcome::failed) continue;
         report.problems.push_back(file + ":" + numberText(steps[i].line) + ": " + printable(steps[i].text) +

@@ -1,7 +1,13 @@
 #include "appletctl/scratch/Context.h"
 
 #include "appletctl/applet/access_log.h"
+#include "appletctl/base/Stopwatch.h"
+#include "appletctl/base/text.h"
 #include "appletctl/scratch/BoardState.h"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
 
 namespace appletctl {
 
@@ -12,9 +18,15 @@ Context::Context(const Options& options, Scratch scratch)
 
 Instance& Context::instance() {
     if (m_instance) return *m_instance;
+    const Stopwatch watch;
     if (!m_host) m_host = std::make_shared<applet_host::AppletHost>(locationsFor(m_options));
-    return m_instance.emplace(m_options, m_host,
-                              m_publishesDesign ? DesignParameters::published : DesignParameters::asSwitched);
+    Instance& made = m_instance.emplace(
+        m_options, m_host, m_publishesDesign ? DesignParameters::published : DesignParameters::asSwitched);
+    const char* const kind = m_host->isVirtual() ? "virtual board" : "board of the system";
+    m_notes.push_back(std::string(m_options.offline ? "instance without a board" : kind) +
+                      ": brought up in " + watch.text() + ", by " +
+                      inQuotes(toUtf8(m_host->files().back().c_str())));
+    return made;
 }
 
 void Context::restart() {
@@ -49,6 +61,12 @@ bool Context::isFromBoard(const Parameter& parameter) {
     if (!m_fromBoard && m_scratch)
         m_fromBoard = bareScratch().ask("fromBoard", nullptr).get<std::set<std::string>>();
     return m_fromBoard && m_fromBoard->contains(parameter.name);
+}
+
+Words Context::takeNotes() {
+    Words notes = std::exchange(m_notes, {});
+    if (m_scratch) std::ranges::move(m_scratch->takeNotes(), std::back_inserter(notes));
+    return notes;
 }
 
 json Context::withoutTrace(const std::function<json()>& read) {

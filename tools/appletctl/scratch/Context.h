@@ -47,6 +47,9 @@ public:
     /** What of the scratch board's state was assumed, when it was last asked for. */
     const Words& assumed() const { return m_assumed; }
 
+    /** How the answers came about, in words, since they were last taken. */
+    Words takeNotes();
+
     /** From now on the live virtual board logs its accesses, those for a seed left out. */
     void startTrace();
     /** What was logged since it was last taken. */
@@ -69,6 +72,7 @@ private:
     std::optional<ParameterList> m_parameters;
     Words m_assumed;
     std::optional<std::set<std::string>> m_fromBoard; // names; asked for when it is first needed
+    Words m_notes;
     bool m_isTraced = false;
     Words m_accesses;
 };

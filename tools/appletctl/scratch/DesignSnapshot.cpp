@@ -14,7 +14,16 @@ std::uint32_t longestArray(const ParameterList& parameters) {
     return longest;
 }
 
-std::string elementsInWords(std::size_t count) { return numberText(count) + " elements"; }
+std::string inWords(const Value& held, const char* elements) {
+    return std::visit(
+        [&](const auto& native) -> std::string {
+            using T = std::decay_t<decltype(native)>;
+            if constexpr (std::is_arithmetic_v<T>) return numberText(native);
+            if constexpr (std::is_same_v<T, WholeArray>) return numberText(native.count) + elements;
+            return "";
+        },
+        held);
+}
 
 } // namespace
 
@@ -26,9 +35,9 @@ DesignSnapshot::DesignSnapshot(ScratchSession& session) {
         double number = 0;
         std::int64_t whole = 0;
         if (board.peek_double(device, name.c_str(), &number) == VBOARD_OK && number != std::floor(number)) {
-            m_numbers[name] = designNumberText(number);
+            m_numbers[name] = number;
         } else if (board.peek_int(device, name.c_str(), &whole) == VBOARD_OK) {
-            m_numbers[name] = designNumberText(whole);
+            m_numbers[name] = whole;
         } else if (std::vector<std::uint32_t> elements(longest);
                    board.peek_field(device, name.c_str(), 0, longest, elements.data()) == VBOARD_OK) {
             m_arrays[name] = std::move(elements);
@@ -48,33 +57,33 @@ std::vector<DesignChange> DesignSnapshot::changesTo(const DesignSnapshot& later)
         std::size_t count = 0;
         for (std::size_t i = 0; i < before.size(); ++i)
             count += before[i] != after->second[i] ? 1 : 0;
-        changes.push_back({name, elementsInWords(before.size()), elementsInWords(count) + " others"});
+        changes.push_back({name, WholeArray{static_cast<std::uint32_t>(before.size())},
+                           WholeArray{static_cast<std::uint32_t>(count)}});
     }
     return changes;
 }
 
-std::string designNumberText(const Value& number) {
-    return std::visit(
-        [](const auto& native) -> std::string {
-            using T = std::decay_t<decltype(native)>;
-            if constexpr (std::is_floating_point_v<T>) {
-                const bool isWhole = native == std::floor(native) && std::fabs(native) < 9e18;
-                return isWhole ? numberText(static_cast<std::int64_t>(native)) : numberText(native);
-            }
-            if constexpr (std::is_integral_v<T>) return numberText(native);
-            return "";
-        },
-        number);
-}
+std::string beforeInWords(const DesignChange& change) { return inWords(change.before, " elements"); }
+
+std::string afterInWords(const DesignChange& change) { return inWords(change.after, " others"); }
 
 std::string inWords(const DesignChange& change) {
-    return change.parameter + ": " + change.before + " -> " + change.after;
+    return change.parameter + ": " + beforeInWords(change) + " -> " + afterInWords(change);
 }
 
 nlohmann::ordered_json asJson(const std::vector<DesignChange>& changes) {
     auto rows = nlohmann::ordered_json::array();
-    for (const DesignChange& change : changes)
-        rows.push_back({{"parameter", change.parameter}, {"before", change.before}, {"after", change.after}});
+    for (const DesignChange& change : changes) {
+        nlohmann::ordered_json row = {{"parameter", change.parameter}};
+        if (const auto* elements = std::get_if<WholeArray>(&change.before)) {
+            row["elements"] = elements->count;
+            row["changed"] = std::get<WholeArray>(change.after).count;
+        } else {
+            row["before"] = numberAsJson(change.before);
+            row["after"] = numberAsJson(change.after);
+        }
+        rows.push_back(std::move(row));
+    }
     return rows;
 }
 

@@ -241,7 +241,7 @@ std::vector<std::string> Probe::words(const std::vector<std::vector<Change>>& wa
 }
 
 std::string Probe::words(const Change& change) const {
-    return at(change.place).name + "=" + valueText(at(change.place), change.value);
+    return at(change.place).name + "=" + exactValueText(at(change.place), change.value);
 }
 
 } // namespace appletctl

@@ -1,6 +1,10 @@
 #include "appletctl/scratch/ScratchBoard.h"
 
+#include "appletctl/applet/Effort.h"
+#include "appletctl/base/Stopwatch.h"
 #include "appletctl/base/errors.h"
+#include "appletctl/base/numbers.h"
+#include "appletctl/base/text.h"
 #include "appletctl/scratch/ScratchSession.h"
 #include "appletctl/scratch/jobs.h"
 
@@ -12,7 +16,9 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
+#include <utility>
 #include <vector>
 
 namespace appletctl {
@@ -67,6 +73,7 @@ public:
         }
         if (m_isTouched) m_session->rewind();
         m_isTouched = true;
+        effort() = {};
         return findJob(message.at("job").get<std::string>())(m_session.value(), message.at("arguments"));
     }
 
@@ -77,15 +84,18 @@ private:
 };
 
 /** Answers messages until the parent is gone. */
-[[noreturn]] void serve(int socket, pid_t parent, const Options& options) {
+void serve(int socket, pid_t parent, const Options& options) {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (getppid() != parent) _exit(0); // it ended before the line above
     std::signal(SIGINT, SIG_IGN); // Ctrl-C is the parent's matter
+    unsetenv("VBOARD_LOG_LEVEL"); // the log is that of the live board
     Server server(options);
     for (json message; receive(socket, message);) {
         json answer;
         try {
             answer["result"] = server.answer(message);
+            answer["effort"] = {
+                {"sets", effort().sets}, {"loads", effort().loads}, {"bringUps", effort().bringUps}};
         } catch (const UsageError& error) {
             answer = {{"usage", error.what()}};
         } catch (const Unavailable& error) {
@@ -97,7 +107,16 @@ private:
         }
         if (!send(socket, answer)) break;
     }
-    _exit(0);
+}
+
+/** The child's whole life. An exception that left it would go on as a second parent. */
+[[noreturn]] void live(int socket, pid_t parent, const Options& options) {
+    try {
+        serve(socket, parent, options);
+    } catch (const std::exception&) { // no memory for a message; the parent sees the end of the child
+        _exit(exitUnavailable);
+    }
+    _exit(exitDone);
 }
 
 } // namespace
@@ -110,7 +129,7 @@ ScratchBoard::ScratchBoard(const Options& options) {
     m_child = fork();
     if (m_child == 0) {
         close(sockets[0]);
-        serve(sockets[1], parent, options);
+        live(sockets[1], parent, options);
     }
     close(sockets[1]);
     m_socket = sockets[0];
@@ -122,11 +141,33 @@ ScratchBoard::~ScratchBoard() {
     if (m_child > 0) waitpid(m_child, nullptr, 0);
 }
 
-json ScratchBoard::seed(const json& seed) { return request({{"seed", seed}}); }
+json ScratchBoard::seed(const json& seed) {
+    const Stopwatch watch;
+    const json assumed = request({{"seed", seed}})["result"];
+    const bool isLive = !seed.at("values").empty();
+    m_notes.push_back(std::string("scratch board: brought to the ") + (isLive ? "live state" : "defaults") +
+                      " in " + watch.text() +
+                      (assumed.empty() ? "" : "; assumed: " + join(assumed.get<Words>(), ", ")));
+    return assumed;
+}
 
 json ScratchBoard::ask(const std::string& job, const json& arguments) {
-    return request({{"job", job}, {"arguments", arguments}});
+    const Stopwatch watch;
+    json answer = request({{"job", job}, {"arguments", arguments}});
+    const json& took = answer["effort"];
+    std::string note = std::string("scratch board: asked ") + jobInWords(job);
+    const auto add = [&](const char* member, const char* words) {
+        if (const auto count = took[member].get<std::size_t>(); count > 0)
+            note += ", " + numberText(count) + words;
+    };
+    add("sets", " values tried");
+    add("loads", " files loaded");
+    add("bringUps", " fresh starts");
+    m_notes.push_back(note + ", " + watch.text());
+    return std::move(answer["result"]);
 }
+
+Words ScratchBoard::takeNotes() { return std::exchange(m_notes, {}); }
 
 json ScratchBoard::request(const json& message) {
     json answer;
@@ -136,7 +177,7 @@ json ScratchBoard::request(const json& message) {
     if (answer.contains("unavailable")) throw Unavailable(answer["unavailable"].get<std::string>());
     if (answer.contains("failure"))
         throw Failure("on the scratch board: " + answer["failure"].get<std::string>());
-    return answer["result"];
+    return answer;
 }
 
 } // namespace appletctl

@@ -27,12 +27,15 @@ public:
     /** Lets a job of the table in ScratchBoard.cpp find something out; gives its result. What it throws is thrown
      *  here: UsageError, Unavailable, or Failure for everything else. */
     nlohmann::json ask(const std::string& job, const nlohmann::json& arguments);
+    /** What was asked and what it took, in words, since they were last taken. */
+    Words takeNotes();
 
 private:
     nlohmann::json request(const nlohmann::json& message);
 
     pid_t m_child = -1;
     int m_socket = -1;
+    Words m_notes;
 };
 
 } // namespace appletctl

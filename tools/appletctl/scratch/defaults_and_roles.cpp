@@ -3,6 +3,7 @@
 #include "appletctl/applet/ConfigurationFile.h"
 #include "appletctl/applet/MemoryFile.h"
 #include "appletctl/applet/access_log.h"
+#include "appletctl/applet/Effort.h"
 #include "appletctl/base/errors.h"
 #include "appletctl/scratch/jobs.h"
 
@@ -28,6 +29,7 @@ public:
         const auto* line = m_state->values().find(name);
         if (line == nullptr) return "none";
         m_file.write(m_state->textWith(*line, ""));
+        ++effort().loads;
         const int code = m_instance.applet().Fg_loadConfig(m_instance.fg(), m_file.configurationPath().c_str());
         return code == FG_OK ? "reader" : "restored";
     }

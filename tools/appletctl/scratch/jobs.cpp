@@ -7,32 +7,38 @@ namespace {
 
 struct JobRow {
     const char* name;
+    const char* words;
     Job job;
 };
 
 constexpr JobRow jobs[] = {
-    {"defaultsAndRoles", defaultsAndRolesJob},
-    {"lint", lintJob},
-    {"check", checkJob},
-    {"defaults", defaultsJob},
-    {"deps", depsJob},
-    {"differences", differencesJob},
-    {"expect", expectJob},
-    {"fromBoard", fromBoardJob},
-    {"limits", limitsJob},
-    {"order", orderJob},
-    {"plan", planJob},
-    {"routes", routesJob},
-    {"suggestion", suggestionJob},
-    {"why", whyJob},
+    {"defaultsAndRoles", "what is a default, and what a configuration file does with each parameter",
+     defaultsAndRolesJob},
+    {"lint", "what is doubtful", lintJob},
+    {"check", "what a load of the file loses", checkJob},
+    {"defaults", "the values after a start", defaultsJob},
+    {"deps", "what moves with what", depsJob},
+    {"differences", "which values differ", differencesJob},
+    {"expect", "what the design holds after the assignments", expectJob},
+    {"fromBoard", "which values the board measures", fromBoardJob},
+    {"limits", "what the setters accept", limitsJob},
+    {"order", "an order in which all assignments pass", orderJob},
+    {"plan", "what the change would do", planJob},
+    {"routes", "what the applet writes for each route", routesJob},
+    {"suggestion", "what would let the refused value through", suggestionJob},
+    {"why", "what would free it", whyJob},
 };
+
+const JobRow& rowOf(const std::string& name) {
+    for (const JobRow& row : jobs)
+        if (name == row.name) return row;
+    throw std::logic_error("no job '" + name + "'");
+}
 
 } // namespace
 
-Job findJob(const std::string& name) {
-    for (const JobRow& row : jobs)
-        if (name == row.name) return row.job;
-    throw std::logic_error("no job '" + name + "'");
-}
+Job findJob(const std::string& name) { return rowOf(name).job; }
+
+const char* jobInWords(const std::string& name) { return rowOf(name).words; }
 
 } // namespace appletctl

@@ -23,7 +23,7 @@ json differencesJob(ScratchSession& session, const json& arguments);
 /** The values of all that has a setter, in the order of the applet's start: [{"name", "value"}, ...]. */
 json defaultsJob(ScratchSession& session, const json& nothing);
 
-/** Carries out {"assignments": [WORD, ...]}: {"design": {NAME: TEXT}, the numbers of the design that were written, as
+/** Carries out {"assignments": [WORD, ...]}: {"design": {NAME: NUMBER}, the numbers of the design that were written, as
  *  they are afterwards, "taken": [VALUE, ...], what each parameter read after its assignment}. */
 json expectJob(ScratchSession& session, const json& arguments);
 
@@ -59,6 +59,9 @@ json lintJob(ScratchSession& session, const json& arguments);
 
 /** The job of that name; every name is one of the table's. */
 Job findJob(const std::string& name);
+
+/** What it finds out, for -v: "what the setters accept". */
+const char* jobInWords(const std::string& name);
 
 } // namespace appletctl
 

@@ -99,24 +99,13 @@ std::string fixedInWords(const LimitCauses& causes) {
     return "fixed: no other parameter and no value of the design that was tried moves it";
 }
 
-nlohmann::ordered_json asJson(const Value& number) {
-    return std::visit(
-        [](const auto& native) -> nlohmann::ordered_json {
-            if constexpr (std::is_arithmetic_v<std::decay_t<decltype(native)>>)
-                return native;
-            else
-                return nullptr;
-        },
-        number);
-}
-
 nlohmann::ordered_json asJson(const Probe& probe, const LimitCauses& causes, End end) {
     auto rows = nlohmann::ordered_json::array();
     for (const Widening& widening : causes.parameters)
         rows.push_back({{"limit", nameOf(end)},
                         {"parameter", probe.at(widening.change.place).name},
                         {"with", probe.words(widening.change)},
-                        {"becomes", asJson(widening.limit)}});
+                        {"becomes", numberAsJson(widening.limit)}});
     for (const DesignCause& cause : causes.design)
         rows.push_back({{"limit", nameOf(end)}, {"design", cause.parameter}, {"value", cause.value}});
     return rows;

@@ -55,6 +55,13 @@ std::string entriesInWords(const Parameter& parameter, const std::vector<Value>&
     return words.empty() ? "none" : join(words, ", ");
 }
 
+ordered_json entriesAsJson(const Parameter& parameter, const std::vector<Value>& entries) {
+    ordered_json rows = ordered_json::array();
+    for (const Value& entry : entries)
+        rows.push_back(valueAsJson({&parameter}, entry));
+    return rows;
+}
+
 class Dependencies {
 public:
     Dependencies(Probe& probe, std::size_t subject) : m_probe(probe), m_subject(subject) {
@@ -98,7 +105,8 @@ private:
             effects.add({name,
                          with,
                          {"accepted values", entriesInWords(parameter, m_entries[place]),
-                          entriesInWords(parameter, entries)}});
+                          entriesInWords(parameter, entries), entriesAsJson(parameter, m_entries[place]),
+                          entriesAsJson(parameter, entries)}});
     }
 
     void findMoved(const Value& value) {
@@ -188,7 +196,9 @@ json depsJob(ScratchSession& session, const json& arguments) {
                        {"movedBy", asJson(found.movers)},
                        {"tried", found.isTried()},
                        {"writes", found.writes}};
-    report.text = arguments.at("dot").get<bool>() ? asDot(name, found) : asText(name, found);
+    const bool isDot = arguments.at("dot").get<bool>();
+    report.text = isDot ? asDot(name, found) : asText(name, found);
+    if (isDot) report.document["dot"] = report.text;
     return asMessage(report);
 }
 

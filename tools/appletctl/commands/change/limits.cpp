@@ -56,6 +56,7 @@ private:
         const std::string value = facts.error == FG_OK ? valueWithUnit(parameter(), facts.value)
                                                        : "- (" + codeInWords(facts.error) + ")";
         table.addRow({"now", value + ", " + accessWord(parameter())});
+        if (facts.error == FG_OK) addValue(row, {&parameter()}, facts.value);
         if (const std::uint32_t count = elementCount(parameter()); count > 0) {
             table.addRow({"elements", rangeInWords(0u, count - 1)});
             row["elements"] = count;
@@ -117,7 +118,8 @@ private:
             return tellPublished(published);
         }
         table.addRow({"accepted", inWords(parameter(), *range)});
-        row["accepted"] = {{"minimum", asJson(range->minimum)}, {"maximum", asJson(range->maximum)}};
+        row["accepted"] = {{"minimum", numberAsJson(range->minimum)},
+                           {"maximum", numberAsJson(range->maximum)}};
         if (range->step > 0) row["accepted"]["step"] = range->step;
         const bool differs = !published || published->minimum != range->minimum ||
                              published->maximum != range->maximum || isOtherGrid(*range, *published);
@@ -149,8 +151,9 @@ private:
     void tellPublished(const std::optional<Limits>& published) {
         table.addRow({"published", published ? limitsText(parameter()) : "no limits that say anything"});
         if (!published) return;
-        row["published"] = {{"minimum", asJson(published->minimum)}, {"maximum", asJson(published->maximum)}};
-        if (!m_subject.elements) row["published"]["increment"] = asJson(published->increment);
+        row["published"] = {{"minimum", numberAsJson(published->minimum)},
+                            {"maximum", numberAsJson(published->maximum)}};
+        if (!m_subject.elements) row["published"]["increment"] = numberAsJson(published->increment);
     }
 
     void tellCauses(End end, const LimitCauses& causes) {

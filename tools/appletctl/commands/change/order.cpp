@@ -110,6 +110,7 @@ Ordering askOrder(Context& context, const Words& assignments) {
     }
     report.problems = answer["problems"].get<Words>();
     report.problems.push_back("nothing was set");
+    report.document["problems"] = report.problems;
     report.exitCode = exitRefused;
     return ordering;
 }

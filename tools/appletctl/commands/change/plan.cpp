@@ -90,7 +90,7 @@ Report planFile(ScratchSession& session, const std::string& file) {
     if (addDifferences(report, {{"BEFORE", "before", &state}, {"AFTER", "after", &now}}, session.parameters(),
                        keys, NextCycle::same) == 0)
         report.text += "Nothing would change.\n";
-    report.document["writes"] = outcome.writes;
+    report.document["writes"] = accessesAsJson(outcome.writes);
     for (const std::string& line : outcome.writes)
         report.text += "  " + line + '\n';
     report.text += addChanges(outcome.changes, report.document);

@@ -60,8 +60,9 @@ void bringAll(Instance& instance, std::vector<Default>& open) {
 void tell(Instance& instance, const Default& wanted, Report& report) {
     const Parameter& parameter = *wanted.target.parameter;
     const std::string from = valueText(parameter, wanted.before), to = valueWithUnit(parameter, wanted.value);
-    nlohmann::ordered_json row = {
-        {"name", parameter.name}, {"from", from}, {"to", valueText(parameter, wanted.value)}};
+    nlohmann::ordered_json row = {{"name", parameter.name},
+                                  {"from", valueAsJson(wanted.target, wanted.before)},
+                                  {"to", valueAsJson(wanted.target, wanted.value)}};
     if (isHeld(instance, wanted)) {
         report.text += parameter.name + ": " + from + " -> " + to + '\n';
     } else {

@@ -36,7 +36,10 @@ void verifyValues(Context& context, const Words& words, const json& taken, Repor
             reading.error == FG_OK ? valueText(*target.parameter, reading.value) : codeInWords(reading.error);
         const std::string wanted = valueText(*target.parameter, assignment.value);
         report.problems.push_back(target.name() + " was set to " + wanted + " and reads back " + held);
-        rows.push_back({{"name", target.name()}, {"expected", wanted}, {"held", held}});
+        ordered_json row = {{"name", target.name()}, {"expected", requestedAsJson(assignment)}};
+        row["held"] = reading.error == FG_OK ? valueAsJson(target, reading.value)
+                                             : ordered_json{{"error", codeAsJson(reading.error)}};
+        rows.push_back(std::move(row));
     }
 }
 
@@ -48,12 +51,15 @@ void verifyDesign(Context& context, const json& expected, Report& report, ordere
         const auto wanted = expected.find(name);
         if (wanted == expected.end()) continue;
         const ReadResult reading = readValue(context.instance(), {&parameter});
-        const std::string held =
-            reading.error == FG_OK ? designNumberText(reading.value) : codeInWords(reading.error);
-        if (held == *wanted) continue;
-        report.problems.push_back("the design holds " + held + " in " + name + ", not " +
-                                  wanted->get<std::string>());
-        rows.push_back({{"name", name}, {"expected", *wanted}, {"held", held}});
+        const json held = numberAsJson(reading.value);
+        if (reading.error == FG_OK && held == *wanted) continue;
+        report.problems.push_back("the design holds " +
+                                  (reading.error == FG_OK ? held.dump() : codeInWords(reading.error)) +
+                                  " in " + name + ", not " + wanted->dump());
+        ordered_json row = {{"name", name}, {"expected", {{"value", *wanted}}}};
+        row["held"] = reading.error == FG_OK ? ordered_json{{"value", held}}
+                                             : ordered_json{{"error", codeAsJson(reading.error)}};
+        rows.push_back(std::move(row));
     }
 }
 
@@ -105,8 +111,8 @@ json expectJob(ScratchSession& session, const json& arguments) {
         written.insert(writtenParameter(line));
     json expected = json::object();
     const DesignSnapshot picture(session);
-    for (const auto& [name, text] : picture.numbers())
-        if (written.contains(name)) expected[name] = text;
+    for (const auto& [name, number] : picture.numbers())
+        if (written.contains(name)) expected[name] = numberAsJson(number);
     return {{"design", expected}, {"taken", taken}};
 }
 

@@ -42,7 +42,7 @@ WhyReport whyRefused(Probe& probe, const Assignment& assignment) {
     const std::string text = toUtf8(assignment.text.c_str());
     const int code = probe.answer(assignment.target, assignment.value);
     WhyReport answer;
-    answer.row = {{"name", assignment.target.name()}, {"requested", text}, {"accepted", code == FG_OK}};
+    answer.row = {{"name", assignment.target.name()}, {"requested", requestedAsJson(assignment)}, {"accepted", code == FG_OK}};
     answer.table.addHeading(assignment.target.name() + "=" + printable(text));
     if (code == FG_OK) {
         const bool isPublished = accessWord(parameter) != "ro";
@@ -57,7 +57,7 @@ WhyReport whyRefused(Probe& probe, const Assignment& assignment) {
     const RefusalCauses found = findCauses(probe, assignment, answer.row);
     if (!found.limit.empty()) answer.table.addRow({"limit", found.limit});
     if (found.isSettable) answer.addWays("accepted with", "acceptedWith", found.acceptedWith);
-    if (found.nearest) answer.table.addRow({"nearest", valueWithUnit(probe.at(place), *found.nearest)});
+    if (found.nearest) answer.table.addRow({"nearest", exactValueWithUnit(probe.at(place), *found.nearest)});
     return answer;
 }
 
@@ -67,7 +67,10 @@ WhyReport whyReadOnly(Probe& probe, std::size_t place) {
     const std::string access = accessWord(probe.at(place));
     answer.row = {{"name", probe.at(place).name}, {"access", access}, {"writable", isWritable(facts.access)}};
     answer.table.addHeading(probe.at(place).name);
-    if (facts.error == FG_OK) answer.table.addRow({"now", valueWithUnit(probe.at(place), facts.value)});
+    if (facts.error == FG_OK) {
+        answer.table.addRow({"now", valueWithUnit(probe.at(place), facts.value)});
+        addValue(answer.row, {&probe.at(place)}, facts.value);
+    }
     if (isWritable(facts.access)) {
         answer.table.addRow({access, access == "rw+" ? "writable, also while an acquisition runs"
                                                      : "writable, but not while an acquisition runs"});

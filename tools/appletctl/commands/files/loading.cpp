@@ -1,5 +1,6 @@
 #include "appletctl/commands/files/loading.h"
 
+#include "appletctl/applet/Effort.h"
 #include "appletctl/applet/access_log.h"
 #include "appletctl/applet/assignments.h"
 #include "appletctl/applet/hardware_values.h"
@@ -17,6 +18,7 @@ namespace appletctl {
 namespace {
 
 int load(Instance& instance, const std::string& file) {
+    ++effort().loads;
     return instance.applet().Fg_loadConfig(instance.fg(), file.c_str());
 }
 
@@ -80,7 +82,7 @@ public:
             return Finding{"cut", key, change + ": a load ends a text at its first = ; or '"};
         return Finding{"unapplied", key,
                        change + ": a load does not apply it, so set " + key + "=" +
-                           valueText(wanted, *value) + " afterwards"};
+                           exactValueText(wanted, *value) + " afterwards"};
     }
 
 private:
@@ -204,7 +206,8 @@ void addReached(ScratchSession& session, const ConfigurationFile& asked, const C
     }
     std::vector<std::string> words;
     for (const DesignChange& change : finding.reached)
-        words.push_back(change.parameter + " " + change.after + " (" + change.before + " without it)");
+        words.push_back(change.parameter + " " + afterInWords(change) + " (" + beforeInWords(change) +
+                        " without it)");
     finding.message += "; the board has got it all the same: " + join(words, ", ");
 }
 

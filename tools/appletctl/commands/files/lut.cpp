@@ -47,14 +47,11 @@ std::string settingsText(CommandRun& work) {
     return join(texts, ", ");
 }
 
-/** All settings, enumerations by their symbols. */
+/** All settings by their names. */
 nlohmann::ordered_json settingsAsJson(CommandRun& work) {
     nlohmann::ordered_json object;
-    for (const Setting& setting : settings) {
-        nlohmann::ordered_json row;
-        addValue(row, {&work.parameters.find(setting.name)}, work.get(setting.name));
-        object[setting.name] = row.contains("symbol") ? row["symbol"] : row["value"];
-    }
+    for (const Setting& setting : settings)
+        object[setting.name] = valueAsJson({&work.parameters.find(setting.name)}, work.get(setting.name));
     return object;
 }
 

@@ -26,7 +26,7 @@ std::string rawLines(const Value& value) {
             else if constexpr (std::is_same_v<T, std::string>)
                 lines = native + '\n';
             else if constexpr (!std::is_same_v<T, WholeArray>)
-                lines = numberText(native) + '\n';
+                lines = exactText(native) + '\n';
             return lines;
         },
         value);

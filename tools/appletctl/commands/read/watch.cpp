@@ -128,17 +128,23 @@ std::string asLine(const Round& round, bool wantsRates) {
     return line + (round.isAlarm ? "  ALARM\n" : "\n");
 }
 
-std::string asDocument(const Round& round, bool wantsRates) {
-    Report report;
-    report.document = {{"round", round.number}, {"seconds", seconds(round)}};
-    auto& parameters = report.document["parameters"] = nlohmann::ordered_json::array();
+nlohmann::ordered_json asJson(const Round& round, bool wantsRates) {
+    nlohmann::ordered_json object = {{"round", round.number}, {"seconds", seconds(round)}};
+    auto& parameters = object["parameters"] = nlohmann::ordered_json::array();
     for (const Watched& watched : round.watched) {
         auto& row = parameters.emplace_back(readingAsJson(watched.target, watched.reading));
         if (wantsRates && watched.perSecond) row["perSecond"] = *watched.perSecond;
-        if (watched.reading.error != FG_OK) report.exitCode = exitRefused;
     }
-    if (round.isAlarm) report.document["alarm"] = true;
-    if (round.isFailed) report.exitCode = exitRefused;
+    if (round.isAlarm) object["alarm"] = true;
+    return object;
+}
+
+std::string asDocument(const Round& round, bool wantsRates) {
+    Report report;
+    report.document = asJson(round, wantsRates);
+    const bool isRead = std::ranges::all_of(
+        round.watched, [](const Watched& watched) { return watched.reading.error == FG_OK; });
+    if (round.isFailed || !isRead) report.exitCode = exitRefused;
     return documentText(report, "watch");
 }
 
@@ -201,9 +207,11 @@ private:
 
 enum class Form { table, text, document };
 
-/** A table that is redrawn for a person, lines of text where it cannot be, documents for a program. */
+/** A table that is redrawn for a person, lines of text where it cannot be, documents for a program. Behind "trace"
+ *  the accesses follow as text. */
 Form formOf(const Options& options) {
     if (options.json) return Form::document;
+    if (options.trace) return Form::text;
     if (isCapableTerminal(STDOUT_FILENO)) return Form::table;
     return options.plain || isatty(STDOUT_FILENO) == 1 ? Form::text : Form::document;
 }
@@ -277,14 +285,18 @@ Report watchParameters(Context& context, const Words& names) {
     };
 
     Report report;
-    report.isPrinted = true;
+    // "trace" adds the accesses, so its document holds all rounds and is printed at the end.
+    const bool isOneDocument = options.trace && options.json;
+    report.isPrinted = !isOneDocument;
+    if (isOneDocument) report.document["rounds"] = nlohmann::ordered_json::array();
     const std::chrono::milliseconds interval(options.watchInterval);
     const Clock::time_point start = Clock::now();
     Clock::time_point due = start;
     bool goesOn = true;
     while (goesOn) {
         readRound(context, round, Clock::now() - start, failures, alarms);
-        if (!writeOut(shown())) {
+        if (isOneDocument) report.document["rounds"].push_back(asJson(round, wantsRates));
+        if (!isOneDocument && !writeOut(shown())) {
             if (errno == EPIPE) return report;
             if (interruption.isAsked()) break;
             report.problems.emplace_back("the output could not be written");

@@ -60,22 +60,27 @@ public:
     }
 
     void add(const char* rule, const Words& names, const std::string& why, const std::string& advice) {
-        add(rule, names, valuesOf(names), why, advice);
+        add(rule, names, textsOf(names), valuesOf(names), why, advice);
     }
-    void add(const char* rule, const Words& names, const Words& values, const std::string& why,
-             const std::string& advice) {
-        m_findings.push_back(
-            {{"rule", rule}, {"names", names}, {"values", values}, {"why", why}, {"advice", advice}});
+    /** `texts` for a person, `values` the same as objects with at least a name. */
+    void add(const char* rule, const Words& names, const Words& texts, const json& values,
+             const std::string& why, const std::string& advice) {
+        m_findings.push_back({{"rule", rule},
+                              {"names", names},
+                              {"texts", texts},
+                              {"values", values},
+                              {"why", why},
+                              {"advice", advice}});
     }
     /** Advises to set the first of the names to `wanted`, or to the value nearest to it that its setter takes. */
-    void propose(const char* rule, const Words& names, const Words& values, const std::string& why,
-                 const Value& wanted, const std::string& orElse = "") {
+    void propose(const char* rule, const Words& names, const Words& texts, const json& values,
+                 const std::string& why, const Value& wanted, const std::string& orElse = "") {
         m_proposals.push_back({m_findings.size(), names.front(), wanted, orElse});
-        add(rule, names, values, why, "");
+        add(rule, names, texts, values, why, "");
     }
     void propose(const char* rule, const Words& names, const std::string& why, const Value& wanted,
                  const std::string& orElse = "") {
-        propose(rule, names, valuesOf(names), why, wanted, orElse);
+        propose(rule, names, textsOf(names), valuesOf(names), why, wanted, orElse);
     }
     /** True when a rule has told of the parameter that it is to be set anew. */
     bool isProposed(const std::string& name) const {
@@ -103,10 +108,19 @@ private:
         std::string orElse;
     };
 
-    Words valuesOf(const Words& names) {
-        Words values;
+    Words textsOf(const Words& names) {
+        Words texts;
         for (const std::string& name : names)
-            values.push_back(name + " = " + valueWithUnit(parameters().find(name), value(name)));
+            texts.push_back(name + " = " + valueWithUnit(parameters().find(name), value(name)));
+        return texts;
+    }
+    json valuesOf(const Words& names) {
+        json values = json::array();
+        for (const std::string& name : names) {
+            const Parameter& parameter = parameters().find(name);
+            values.push_back({{"name", name}, {"unit", parameter.unit()}});
+            values.back().update(json(valueAsJson({&parameter}, value(name))));
+        }
         return values;
     }
 
@@ -236,14 +250,17 @@ void unlikeTables(State& state) {
     const LutTables tables = readLutTables(state.session().instance(), state.parameters());
     const Words names = {"FG_LUT_VALUE_RED", "FG_LUT_VALUE_GREEN", "FG_LUT_VALUE_BLUE"};
     if (!tables.areEqual()) {
-        Words values;
+        Words texts;
+        json values = json::array();
         for (const LutTable& table : tables.colours) {
             const LutStatistics told = statisticsOf(table.entries, tables.largest);
-            values.push_back(std::string(table.parameter) + " from " + numberText(told.minimum) + " to " +
-                             numberText(told.maximum));
+            texts.push_back(std::string(table.parameter) + " from " + numberText(told.minimum) + " to " +
+                            numberText(told.maximum));
+            values.push_back(
+                {{"name", table.parameter}, {"minimum", told.minimum}, {"maximum", told.maximum}});
         }
         state.add(
-            "tables", names, values,
+            "tables", names, texts, values,
             "The tables of the three colours are unlike. Whenever the applet writes whole tables by itself, "
             "from a file or by the formula, the board receives blue's for all three",
             "Set the elements of each colour after the file was loaded, or use one table for all; "
@@ -256,6 +273,9 @@ void unlikeTables(State& state) {
             state.add(
                 "flat-table", {table.parameter},
                 {std::string(table.parameter) + " is " + numberText(table.entries.front()) + " everywhere"},
+                json::array({{{"name", table.parameter},
+                              {"minimum", table.entries.front()},
+                              {"maximum", table.entries.front()}}}),
                 "The lookup table is on and gives one value for all inputs: the image is uniform",
                 "See 'appletctl lut show', FG_PROCESSING_GAIN, _OFFSET and _GAMMA");
 }
@@ -428,13 +448,14 @@ void addLosses(State& state, const LoadOutcome& outcome, const std::string& path
         if (!finding.isLoss || state.isProposed(finding.key)) continue;
         const std::string text = file.value(finding.key).value_or("");
         const Words names = {toUtf8(finding.key.c_str())};
-        const Words values = {names.front() + " = " + printable(toUtf8(text.c_str())) + " in the file"};
+        const Words texts = {names.front() + " = " + printable(toUtf8(text.c_str())) + " in the file"};
+        const json values = {{{"name", names.front()}, {"inFile", toUtf8(text.c_str())}}};
         const bool isRefused = std::string_view(finding.kind) == "refused";
         const auto value = isRefused ? valueInFile(state.parameters().find(finding.key), text) : std::nullopt;
         if (value)
-            state.propose("load", names, values, finding.message, *value);
+            state.propose("load", names, texts, values, finding.message, *value);
         else
-            state.add("load", names, values, finding.message, "'appletctl check' tells all that is lost");
+            state.add("load", names, texts, values, finding.message, "'appletctl check' tells all that is lost");
     }
 }
 
@@ -458,7 +479,7 @@ json findingsOf(Context& context, const std::string& file) {
 std::string findingsText(const json& findings) {
     std::string text;
     for (const json& finding : findings) {
-        text += finding["rule"].get<std::string>() + ": " + join(finding["values"].get<Words>(), ", ") + '\n';
+        text += finding["rule"].get<std::string>() + ": " + join(finding["texts"].get<Words>(), ", ") + '\n';
         text += "    " + finding["why"].get<std::string>() + ".\n";
         text += "    " + finding["advice"].get<std::string>() + ".\n";
     }
@@ -473,8 +494,10 @@ Report lintParameters(Context& context, const Words& words) {
     if (report.exitCode != exitDone) return report;
     const json told = findingsOf(context, isFile ? words.front() : "");
     const json& findings = told["findings"];
-    if (isFile) report.document["file"] = toUtf8(words.front().c_str());
     report.document["findings"] = findings;
+    for (auto& finding : report.document["findings"])
+        finding.erase("texts");
+    if (isFile) report.document["file"] = toUtf8(words.front().c_str());
     report.text += findings.empty() ? "Nothing doubtful.\n" : findingsText(findings);
     if (const int code = told["loaded"].get<int>(); code != FG_OK)
         report.problems.push_back("the load answered " + codeInWords(code) + ": 'appletctl check' tells why");

@@ -91,18 +91,19 @@ DesignValue compare(Instance& instance, const ParameterList& design, const json&
 /** What is known of a route. */
 struct RouteState {
     std::string output, source, polarity;
+    nlohmann::ordered_json sourceJson, polarityJson;
     std::optional<BoardRoute> board; // none offline
 
     bool disagrees() const { return board && !board->agrees(); }
 };
 
 RouteState stateOf(Instance& instance, const Route& route) {
-    const auto text = [&](const Target& target) {
-        return valueText(*target.parameter, valueOf(instance, target));
-    };
+    const Value source = valueOf(instance, route.source), polarity = valueOf(instance, route.polarity);
     return {.output = route.output,
-            .source = text(route.source),
-            .polarity = text(route.polarity),
+            .source = valueText(*route.source.parameter, source),
+            .polarity = valueText(*route.polarity.parameter, polarity),
+            .sourceJson = valueAsJson(route.source, source),
+            .polarityJson = valueAsJson(route.polarity, polarity),
             .board = std::nullopt};
 }
 
@@ -127,9 +128,9 @@ nlohmann::ordered_json asJson(const DesignValue& value) {
 }
 
 nlohmann::ordered_json asJson(const RouteState& state) {
-    nlohmann::ordered_json row = {{"output", state.output},     {"source", state.source},
-                                  {"polarity", state.polarity}, {"select", nullptr},
-                                  {"invert", nullptr},          {"agrees", nullptr}};
+    nlohmann::ordered_json row = {
+        {"output", state.output}, {"source", state.sourceJson}, {"polarity", state.polarityJson},
+        {"select", nullptr},      {"invert", nullptr},          {"agrees", nullptr}};
     if (!state.board) return row;
     row["select"] = asJson(state.board->select);
     row["invert"] = asJson(state.board->invert);

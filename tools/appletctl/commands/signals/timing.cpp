@@ -107,6 +107,7 @@ std::vector<Signal> signalsOf(const Settings& settings, double end) {
 struct Output {
     std::string name; // "FG_TRIGGERCAMERA"
     std::string source;
+    nlohmann::ordered_json sourceJson;
     std::int32_t sourceValue;
     bool isInverted;
     Wave wave;
@@ -133,8 +134,8 @@ std::vector<Output> outputsOf(Instance& instance, const ParameterList& parameter
         const Value polarity = valueOf(instance, {&parameters.find(name + "_POLARITY")});
         const bool isConstant = value == GND || value == VCC;
         const bool isInverted = !isConstant && std::get<std::int32_t>(polarity) == FG_LOW;
-        outputs.push_back({name, valueText(parameter, source), value, isInverted,
-                           waveOf(name, value, isInverted, signals)});
+        outputs.push_back({name, valueText(parameter, source), valueAsJson({&parameter}, source), value,
+                           isInverted, waveOf(name, value, isInverted, signals)});
     }
     return outputs;
 }
@@ -234,7 +235,7 @@ void addDocument(Report& report, const Timing& timing) {
     auto& outputs = report.document["outputs"] = nlohmann::ordered_json::array();
     for (const Output& output : timing.outputs)
         outputs.push_back(
-            {{"output", output.name}, {"source", output.source}, {"inverted", output.isInverted}});
+            {{"output", output.name}, {"source", output.sourceJson}, {"inverted", output.isInverted}});
     report.document["assumed"] = timing.assumed;
     report.document["warnings"] = timing.warnings;
 }

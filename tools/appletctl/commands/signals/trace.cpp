@@ -2,6 +2,7 @@
 
 #include "appletctl/applet/ConfigurationFile.h"
 #include "appletctl/base/files.h"
+#include "appletctl/applet/access_log.h"
 #include "appletctl/base/text.h"
 #include "appletctl/commands/commands.h"
 
@@ -50,8 +51,8 @@ Lines accessesOfFile(const std::string& file) {
         throw UsageError(inQuotes(toUtf8(file.c_str())) +
                          " is no document of 'trace': it has no \"accesses\"");
     Lines lines;
-    for (const auto& line : document["accesses"])
-        if (line.is_string()) lines.push_back(line.get<std::string>());
+    for (const auto& access : document["accesses"])
+        if (access.is_object()) lines.push_back(accessLine(access));
     return lines;
 }
 
@@ -117,14 +118,15 @@ Report traceRun(Context& context, bool isShownByCommand, const std::function<Rep
     context.startTrace();
     Report report = run();
     context.takeAccesses();
-    report.document["accesses"] = context.accesses();
+    report.document["accesses"] = accessesAsJson(context.accesses());
     if (isShownByCommand) return report;
     std::string text;
     for (const std::string& line : context.accesses())
         text += "  " + line + '\n';
     if (text.empty()) text = std::string("  ") + noAccess + '\n';
-    if (report.isPrinted && !context.options().json) writeOut(text);
-    report.text += text;
+    // What the command printed as it went is out already; the accesses, or the document, follow.
+    report.text = report.isPrinted ? text : report.text + text;
+    report.isPrinted = false;
     return report;
 }
 
@@ -136,7 +138,8 @@ Report compareTraces(Context&, const Words& files) {
     for (const OneSided& one : differencesOf(first, second)) {
         const bool isFirst = std::string_view(one.side) == "first";
         report.text += (isFirst ? "-" : "+") + numberText(one.number) + "  " + printable(one.line) + '\n';
-        rows.push_back({{"side", one.side}, {"number", one.number}, {"access", one.line}});
+        rows.push_back(
+            {{"side", one.side}, {"number", one.number}, {"access", accessesAsJson({one.line}).front()}});
         report.exitCode = exitDifferent;
     }
     if (rows.empty()) report.text = "The accesses are the same.\n";
