@@ -45,7 +45,9 @@ std::string shortWords(const DesignCause& cause);
 /** "the memory of the board (Device1_... is 20)". */
 std::string inWords(const DesignCause& cause);
 /** Why nothing moves the limit; empty where something does. */
-std::string fixedInWords(const LimitCauses& causes);/** [{"limit": "maximum", "parameter", "with", "becomes"}, {"limit": "maximum", "design", "value"}, ...]. */
+std::string fixedInWords(const LimitCauses& causes);
+
+/** [{"limit": "maximum", "parameter", "with", "becomes"}, {"limit": "maximum", "design", "value"}, ...]. */
 nlohmann::ordered_json asJson(const Probe& probe, const LimitCauses& causes, End end);
 
 const char* nameOf(End end);

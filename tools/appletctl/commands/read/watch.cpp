@@ -295,7 +295,7 @@ Report watchParameters(Context& context, const Words& names) {
     bool goesOn = true;
     while (goesOn) {
         readRound(context, round, Clock::now() - start, failures, alarms);
-        if (isOneDocument) report.document["rounds"].push_back(asJson(round, wantsRates));
+        if (isOneDocument) report.document["rounds"].push_back(asJson(round, options.watchRate));
         if (!isOneDocument && !writeOut(shown())) {
             if (errno == EPIPE) return report;
             if (interruption.isAsked()) break;
