@@ -1,5 +1,6 @@
 #include "appletctl/applet/assignments.h"
 
+#include "appletctl/applet/access_log.h"
 #include "appletctl/applet/published_limits.h"
 #include "appletctl/base/text.h"
 
@@ -36,15 +37,17 @@ std::string advice(const Parameter& parameter, const Value& value, int code) {
 }
 
 /** "FG_WIDTH = 2048 pixel": what the applet holds now, or what it was given where it cannot be read. */
-std::string outcomeText(const Target& target, const Value& requested, const ReadResult& actual) {
+std::string outcomeLine(const Target& target, const Value& requested, const ReadResult& actual) {
     const Parameter& parameter = *target.parameter;
+    if (isPlainOutput()) return valueLine(target, actual.error == FG_OK ? actual.value : requested);
     if (actual.error != FG_OK) {
         return target.name() + " = " + valueWithUnit(parameter, requested) +
-               " (cannot be read back: " + codeInWords(actual.error) + ")";
+               " (cannot be read back: " + codeInWords(actual.error) + ")\n";
     }
     std::string text = target.name() + " = " + valueWithUnit(parameter, actual.value);
     const std::string wanted = valueText(parameter, requested);
-    return wanted == valueText(parameter, actual.value) ? text : text + " (requested " + wanted + ")";
+    if (wanted != valueText(parameter, actual.value)) text += " (requested " + wanted + ")";
+    return text + '\n';
 }
 
 } // namespace
@@ -79,7 +82,9 @@ void applyAssignments(Instance& instance, const Assignment& assignment, const As
         addDescription(row, parameter);
         row["requested"] = asked;
         row["leftOut"] = true;
-        report.text += target.name() + "=" + printable(asked) + " would write a file; it was left out\n";
+        report.text +=
+            lineOf({"leftOut", target.name(), printable(asked)},
+                   target.name() + "=" + printable(asked) + " would write a file; it was left out");
         report.document["assignments"].push_back(std::move(row));
         return;
     }
@@ -92,12 +97,12 @@ void applyAssignments(Instance& instance, const Assignment& assignment, const As
     if (actual.error == FG_OK) addValue(row, target, actual.value);
     std::string more;
     if (code == FG_OK) {
-        report.text += outcomeText(target, assignment.value, actual) + '\n';
+        report.text += outcomeLine(target, assignment.value, actual);
         if (hooks.after) more = hooks.after(assignment, row);
     } else {
         std::string refusal = target.name() + "=" + printable(asked) +
                               " was refused: " + refusalInWords(parameter, assignment.value, code);
-        if (!lines.empty()) report.text += target.name() + ", written before it was refused\n";
+        if (!lines.empty()) report.text += forPerson(target.name() + ", written before it was refused\n");
         row["error"] = codeAsJson(code);
         if (hooks.suggestion) refusal += hooks.suggestion(assignment, row);
         row["error"]["message"] = refusal;
@@ -105,7 +110,7 @@ void applyAssignments(Instance& instance, const Assignment& assignment, const As
         report.exitCode = exitRefused;
     }
     for (const std::string& line : lines)
-        report.text += "  " + line + '\n';
+        report.text += accessLine(line);
     report.text += more;
     report.document["assignments"].push_back(std::move(row));
 }

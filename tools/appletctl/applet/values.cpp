@@ -2,6 +2,7 @@
 
 #include "appletctl/applet/published_limits.h"
 #include "appletctl/base/errors.h"
+#include "appletctl/base/output.h"
 #include "appletctl/base/text.h"
 
 #include <algorithm>
@@ -233,6 +234,12 @@ std::string valueWithUnit(const Parameter& parameter, const Value& value) {
     if (number != nullptr && text != numberText(*number)) text += " (" + numberText(*number) + ")";
     const std::string unit = parameter.unit();
     return unit.empty() || std::holds_alternative<WholeArray>(value) ? text : text + " " + unit;
+}
+
+std::string valueLine(const Target& target, const Value& value) {
+    const Parameter& parameter = *target.parameter;
+    return lineOf({target.name(), valueText(parameter, value), parameter.unit()},
+                  target.name() + " = " + valueWithUnit(parameter, value));
 }
 
 void addValue(nlohmann::ordered_json& object, const Target& target, const Value& value) {

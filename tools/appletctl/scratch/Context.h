@@ -41,6 +41,8 @@ public:
     ScratchBoard& bareScratch();
     /** What of the scratch board's state was assumed, when it was last asked for. */
     const Words& assumed() const { return m_assumed; }
+    /** Measured values that were, which no other answer depends on. */
+    const Words& assumedMeasurements() const { return m_assumedMeasurements; }
 
     /** From now on the live virtual board logs its accesses, those for a seed left out. */
     void startTrace();
@@ -59,7 +61,7 @@ private:
     std::shared_ptr<const applet_host::AppletHost> m_host;
     std::optional<Instance> m_instance;
     std::optional<ParameterList> m_parameters;
-    Words m_assumed;
+    Words m_assumed, m_assumedMeasurements;
     bool m_isTraced = false;
     Words m_accesses;
 };

@@ -18,6 +18,7 @@ constexpr JobRow jobs[] = {
     {"deps", depsJob},
     {"differences", differencesJob},
     {"expect", expectJob},
+    {"influences", influencesJob},
     {"limits", limitsJob},
     {"order", orderJob},
     {"plan", planJob},

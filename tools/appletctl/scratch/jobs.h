@@ -10,7 +10,7 @@ namespace appletctl {
 
 /** What each gives is a report (see reports.h) where nothing else is said. */
 
-/** Says what {"words": [NAME=VALUE, ...] or [FILE]} would do. */
+/** Says what {"words": [NAME=VALUE, ...] or [FILE], "all": whether all writes of a file are shown} would do. */
 json planJob(ScratchSession& session, const json& arguments);
 
 /** Loads {"file": FILE}: {"report", "code", "state"}. */
@@ -48,6 +48,9 @@ json depsJob(ScratchSession& session, const json& arguments);
 /** Tells {NAME: {"start": VALUE, "settable", "fileRole"}} of {"names": [NAME, ...], "roles": whether the file
  *  roles are wanted} (see DefaultAndRole). */
 json defaultsAndRolesJob(ScratchSession& session, const json& arguments);
+
+/** Finds what each parameter moves of the others, and how setters refuse (see Influences). */
+json influencesJob(ScratchSession& session, const json& nothing);
 
 /** Tells the findings (see lint.h) of the present state, or with {"file": NAME} after a load of that file. */
 json lintJob(ScratchSession& session, const json& arguments);

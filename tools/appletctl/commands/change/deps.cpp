@@ -67,6 +67,7 @@ public:
             findMoved(value);
         probe.restore();
         for (std::size_t place = 0; place < probe.count(); ++place) {
+            probe.session().tellProgress(place, probe.count());
             if (place == subject) continue;
             for (const Value& value : probe.otherValues(place))
                 findMovers({place, value});
@@ -159,7 +160,7 @@ std::string asDot(const std::string& name, const Dependencies& found) {
 
 std::string asText(const std::string& name, const Dependencies& found) {
     Table table;
-    table.addHeading(name);
+    table.addSubject(name);
     for (const auto& [title, effects] :
          {std::pair("moves", &found.moved), std::pair("moved by", &found.movers)})
         for (const Movement& effect : effects->all())
@@ -167,7 +168,11 @@ std::string asText(const std::string& name, const Dependencies& found) {
                           effect.move.from + " -> " + effect.move.to + " with " + effect.with});
     for (const std::string& write : found.writes)
         table.addRow({"writes", write});
-    if (!found.isTried()) table.addRow({"moves", "what it moves is not known: no value of it is tried"});
+    if (!found.isTried())
+        table.addRow({"moves", "what it moves is not known: no value of it is tried"});
+    else if (found.moved.all().empty())
+        table.addRow({"moves", "nothing, with all values that were tried"});
+    if (found.movers.all().empty()) table.addRow({"moved by", "no other parameter that was tried"});
     return table.render(Style::forStream(STDOUT_FILENO));
 }
 
@@ -193,6 +198,7 @@ Report showDependencies(Context& context, const Words& name) {
     const bool isDot = context.options().dot;
     Report report = reportOf(context.scratch().ask(
         "deps", {{"name", name.front()}, {"dot", isDot}, {"with", context.options().with}}));
+    report.isVerbatim = isDot;
     if (!isDot) {
         addAssumed(report, context.assumed());
     } else if (!context.assumed().empty()) {

@@ -60,7 +60,8 @@ void tell(Instance& instance, const Default& wanted, Report& report) {
     nlohmann::ordered_json row = {
         {"name", parameter.name}, {"from", from}, {"to", valueText(parameter, wanted.value)}};
     if (isHeld(instance, wanted)) {
-        report.text += parameter.name + ": " + from + " -> " + to + '\n';
+        report.text += lineOf({parameter.name, from, valueText(parameter, wanted.value), parameter.unit()},
+                              parameter.name + ": " + from + " -> " + to);
     } else {
         report.problems.push_back(parameter.name + " stays " + from + ", the default " + to +
                                   " was refused: " + codeInWords(wanted.code));
@@ -107,7 +108,7 @@ Report resetParameters(Context& context, const Words& words) {
     bringAll(context.instance(), open);
     for (const Default& parameter : open)
         tell(context.instance(), parameter, report);
-    if (open.empty()) report.text += "All of them hold their defaults.\n";
+    if (open.empty()) report.text += forPerson("All of them hold their defaults.\n");
     addAssumed(report, context.assumed());
     return report;
 }

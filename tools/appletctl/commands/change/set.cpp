@@ -54,9 +54,9 @@ void verify(Context& context, const Words& words, const json& expected, Report& 
     if (!context.options().offline) verifyDesign(context, expected, report, rows);
     if (!rows.empty()) report.exitCode = exitRefused;
     if (rows.empty() && report.exitCode == exitDone)
-        report.text +=
+        report.text += forPerson(
             "Verified: all values read back" +
-            std::string(context.options().offline ? ".\n" : ", and the design holds what it should.\n");
+            std::string(context.options().offline ? ".\n" : ", and the design holds what it should.\n"));
 }
 
 } // namespace

@@ -67,7 +67,7 @@ WhyReport whyRefused(Probe& probe, std::size_t place, const Assignment& assignme
     const int code = probe.answer(target, assignment.value);
     WhyReport answer;
     answer.row = {{"name", target.name()}, {"requested", text}, {"accepted", code == FG_OK}};
-    answer.table.addHeading(target.name() + "=" + printable(text));
+    answer.table.addSubject(target.name() + "=" + printable(text));
     if (code == FG_OK) {
         const bool isPublished = accessWord(parameter) != "ro";
         answer.table.addRow({"accepted", isPublished ? "now"
@@ -92,7 +92,7 @@ WhyReport whyReadOnly(Probe& probe, std::size_t place) {
     const ParameterState facts = probe.facts(place);
     const std::string access = accessWord(probe.at(place));
     answer.row = {{"name", probe.at(place).name}, {"access", access}, {"writable", isWritable(facts.access)}};
-    answer.table.addHeading(probe.at(place).name);
+    answer.table.addSubject(probe.at(place).name);
     if (facts.error == FG_OK) answer.table.addRow({"now", valueWithUnit(probe.at(place), facts.value)});
     if (isWritable(facts.access)) {
         answer.table.addRow({access, access == "rw+" ? "writable, also while an acquisition runs"
@@ -158,7 +158,9 @@ json whyJob(ScratchSession& session, const json& arguments) {
     auto& rows = report.document["answers"] = ordered_json::array();
     startFrom(session, arguments);
     Probe probe(session);
-    for (const std::string& word : arguments.at("words").get<Words>()) {
+    const auto words = arguments.at("words").get<Words>();
+    for (const std::string& word : words) {
+        session.tellProgress(rows.size(), words.size());
         const bool isAssignment = word.find('=') != std::string::npos;
         WhyReport answer;
         if (isAssignment) {

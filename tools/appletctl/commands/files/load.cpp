@@ -39,7 +39,7 @@ Report loadConfiguration(Context& context, const Words& words) {
     const int code = work.instance.applet().Fg_loadConfig(work.instance.fg(), file.c_str());
     const ConfigurationFile now = stateOf(work.instance);
     if (askDifferences(work.report, {{"BEFORE", "before", &before}, {"NOW", "now", &now}}, scratch) == 0)
-        work.report.text += "Nothing has changed.\n";
+        work.report.text += forPerson("Nothing has changed.\n");
     append(work.report, check.report);
     addSurprises(work, check, code, now, scratch);
     addAssumed(work.report, context.assumed());

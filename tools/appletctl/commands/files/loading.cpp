@@ -142,6 +142,7 @@ std::vector<Finding> judgeLines(ScratchSession& session, FileKeys& keys, const s
     std::vector<Finding> findings;
     Judge judge(session, file, asked, state);
     for (const auto& line : asked.values()) {
+        session.tellProgress(static_cast<std::size_t>(&line - asked.values().data()), asked.values().size());
         if (ConfigurationFile::find(keys.defaults().values(), line.key) == nullptr) {
             findings.push_back({"unknown", line.key,
                                 printable(toUtf8(line.key.c_str())) +
@@ -220,8 +221,10 @@ LoadOutcome loadAndCompare(ScratchSession& session, FileKeys& keys, const std::s
     }
     for (Finding& finding : judgeLines(session, keys, file, asked, state))
         outcome.findings.push_back(std::move(finding));
-    for (Finding& finding : outcome.findings)
+    for (std::size_t done = 0; Finding & finding : outcome.findings) {
+        session.tellProgress(done++, outcome.findings.size());
         addReached(session, asked, before, loaded, finding);
+    }
     return outcome;
 }
 
@@ -235,7 +238,8 @@ void addFindings(Report& report, const std::vector<Finding>& findings) {
         if (!finding.reached.empty()) row["reached"] = asJson(finding.reached);
         rows.push_back(std::move(row));
         if (!finding.isLoss) {
-            report.text += finding.message + '\n';
+            report.text +=
+                lineOf({finding.kind, toUtf8(finding.key.c_str()), finding.message}, finding.message);
             continue;
         }
         report.problems.push_back(finding.message);

@@ -35,12 +35,13 @@ Report saveConfiguration(Context& context, const Words& words) {
                     " of " + numberText(expected) + " values; see whether the disk is full");
         return work.report;
     }
-    work.report.text += shownFile(file) + ": " + numberText(expected) + " values written\n";
+    work.report.text += lineOf({"written", printable(toUtf8(file.c_str()))},
+                               shownFile(file) + ": " + numberText(expected) + " values written");
     work.report.document["values"] = expected;
     ScratchBoard& scratch = context.scratchAtDefaults();
     if (askDifferences(work.report, {{"DEFAULT", "default", nullptr}, {"SAVED", "saved", &saved}}, scratch) ==
         0)
-        work.report.text += "All of them are defaults.\n";
+        work.report.text += forPerson("All of them are defaults.\n");
     const Check check = askCheck(scratch, file);
     if (check.report.exitCode != exitDone)
         work.refuse(shownFile(file) + " is complete, but a load does not restore all of it:");

@@ -91,9 +91,22 @@ std::string secondsText(const Round& round) {
     return text;
 }
 
+/** A record for each parameter: seconds, name, value, unit. */
+std::string asRecords(const Round& round) {
+    std::string text;
+    for (const Watched& watched : round.watched) {
+        const auto& [target, reading] = std::tie(watched.target, watched.reading);
+        text += secondsText(round) + '\t' +
+                (reading.error == FG_OK ? valueLine(target, reading.value)
+                                        : target.name() + "\t(" + codeInWords(reading.error) + ")\t\n");
+    }
+    return text;
+}
+
 /** "2.000  FG_WIDTH = 1024 pixel  FG_OVERFLOW = (-2010, ...)". */
 std::string asLine(const Round& round) {
     std::string line = secondsText(round);
+    if (isPlainOutput()) return asRecords(round);
     for (const Watched& watched : round.watched) {
         const ReadResult& reading = watched.reading;
         line += "  " + watched.target.name() + " = ";
@@ -119,6 +132,7 @@ std::string asTable(const Round& round) {
     const bool unicode = canDrawUnicode(STDOUT_FILENO);
     Table table;
     table.setTitles({"NAME", "VALUE", "UNIT", "MINIMUM", "MAXIMUM", "COURSE"});
+    table.setDispensable({"COURSE", "MINIMUM", "MAXIMUM", "UNIT"});
     for (const Watched& watched : round.watched) {
         const Parameter& parameter = *watched.target.parameter;
         const auto cell = [&](const std::optional<Value>& value) {

@@ -362,7 +362,12 @@ json findingsOf(Context& context, const std::string& file) {
 std::string findingsText(const json& findings) {
     std::string text;
     for (const json& finding : findings) {
-        text += finding["rule"].get<std::string>() + ": " + join(finding["values"].get<Words>(), ", ") + '\n';
+        const auto values = join(finding["values"].get<Words>(), ", ");
+        if (isPlainOutput()) {
+            text += join({finding["rule"], values, finding["why"], finding["advice"]}, "\t") + '\n';
+            continue;
+        }
+        text += finding["rule"].get<std::string>() + ": " + values + '\n';
         text += "    " + finding["why"].get<std::string>() + ".\n";
         text += "    " + finding["advice"].get<std::string>() + ".\n";
     }
@@ -379,7 +384,7 @@ Report lintParameters(Context& context, const Words& words) {
     const json& findings = told["findings"];
     if (isFile) report.document["file"] = toUtf8(words.front().c_str());
     report.document["findings"] = findings;
-    report.text += findings.empty() ? "Nothing doubtful.\n" : findingsText(findings);
+    report.text += findings.empty() ? forPerson("Nothing doubtful.\n") : findingsText(findings);
     if (const int code = told["loaded"].get<int>(); code != FG_OK)
         report.problems.push_back("the load answered " + codeInWords(code) + ": 'appletctl check' tells why");
     if (!findings.empty() || !report.problems.empty()) report.exitCode = exitRefused;

@@ -188,6 +188,7 @@ Report showRoutes(Context& context, const Words& assignments) {
     auto& rows = report.document["routes"] = nlohmann::ordered_json::array();
     Table table;
     table.setTitles({"OUTPUT", "SOURCE", "POLARITY", "BOARD: SELECT", "INVERT", "AGREES"});
+    table.setDispensable({"INVERT", "BOARD: SELECT"});
     std::vector<RouteState> states;
     for (std::size_t i = 0; i < routes.size(); ++i) {
         RouteState& state = states.emplace_back(stateOf(instance, routes[i]));
@@ -202,6 +203,7 @@ Report showRoutes(Context& context, const Words& assignments) {
     }
     if (context.options().dot) {
         report.text = asDot(states);
+        report.isVerbatim = true;
         report.document["dot"] = report.text;
         return report;
     }

@@ -1,6 +1,7 @@
 #include "appletctl/commands/signals/trace.h"
 
 #include "appletctl/applet/ConfigurationFile.h"
+#include "appletctl/applet/access_log.h"
 #include "appletctl/base/text.h"
 #include "appletctl/commands/commands.h"
 
@@ -110,7 +111,7 @@ Report traceRun(Context& context, bool isShownByCommand, const std::function<Rep
     if (isShownByCommand) return report;
     std::string text;
     for (const std::string& line : context.accesses())
-        text += "  " + line + '\n';
+        text += accessLine(line);
     if (report.isPrinted && !context.options().json) writeOut(text);
     report.text += text;
     return report;
@@ -122,11 +123,12 @@ Report compareTraces(Context&, const Words& files) {
     auto& rows = report.document["differences"] = ordered_json::array();
     for (const OneSided& one : differencesOf(accessesOfFile(files[0]), accessesOfFile(files[1]))) {
         const bool isFirst = std::string_view(one.side) == "first";
-        report.text += (isFirst ? "-" : "+") + numberText(one.number) + "  " + printable(one.line) + '\n';
+        report.text += lineOf({one.side, numberText(one.number), printable(one.line)},
+                              (isFirst ? "-" : "+") + numberText(one.number) + "  " + printable(one.line));
         rows.push_back({{"side", one.side}, {"number", one.number}, {"access", one.line}});
         report.exitCode = exitDifferent;
     }
-    if (rows.empty()) report.text = "The accesses are the same.\n";
+    if (rows.empty()) report.text = forPerson("The accesses are the same.\n");
     return report;
 }
 
