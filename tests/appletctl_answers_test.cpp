@@ -192,6 +192,13 @@ TEST_F(AppletctlPlan, OfAFileIsTheLoad) {
     EXPECT_NE(rowOf(planned["changes"], "parameter", "Device1_Process0_Buffer_0_XLength"), nullptr)
         << planned;
     EXPECT_EQ(planned["differences"][0]["after"]["value"], 2048);
+    // A person sees what changes, under the parameter that does it; with --all what is written again, too.
+    const char* const change = "  FG_WIDTH\n    Device1_Process0_Buffer_0_";
+    const char* const again = "    set Device1_Process0_Buffer_0_PixelFormat u32 8\n";
+    const std::string changes = run({"plan", file}).out, all = run({"plan", file, "--all"}).out;
+    EXPECT_TRUE(contains(changes, change) && !contains(changes, again)) << changes;
+    EXPECT_TRUE(contains(changes, " writes repeat what the design holds")) << changes;
+    EXPECT_TRUE(contains(all, change) && contains(all, again)) << all;
 }
 
 TEST_F(AppletctlPlan, IsAppliedAfterAYes) {

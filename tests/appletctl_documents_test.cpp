@@ -241,7 +241,11 @@ TEST(AppletctlTiming, DrawsAPicture) {
     const XmlDocument picture = parsed(support::fileBytes(file));
     ASSERT_NE(picture, nullptr);
     int waves = 0;
-    for (const xmlNode* node = picture->children->children; node != nullptr; node = node->next)
+    const xmlNode* content = picture->children->children;
+    while (content != nullptr && nameOf(content) != "g")
+        content = content->next;
+    ASSERT_NE(content, nullptr);
+    for (const xmlNode* node = content->children; node != nullptr; node = node->next)
         waves += nameOf(node) == "polyline" ? 1 : 0;
     EXPECT_EQ(waves, 4 + 11 - 1) << "all signals and outputs but the one that follows an input";
 }
@@ -260,7 +264,14 @@ TEST(AppletctlDocs, DescribesAllParametersOnOnePage) {
         names.insert(page.substr(at, page.find('"', at) - at));
     }
     EXPECT_EQ(names.size(), 164u);
-    EXPECT_TRUE(contains(page, "<dd>µs</dd>") && contains(page, "Delay-&gt;Exsync"));
+    for (const char* part :
+         {"<dd class=\"own\">µs</dd>", "Delay-&gt;Exsync",
+          // Links in the contents, in texts, and to what moves a limit.
+          "<nav", "<li><a href=\"#FG_WIDTH\">FG_WIDTH</a></li>",
+          "<dt>moves</dt><dd><a href=\"#FG_LINEEXPOSURE\">FG_LINEEXPOSURE</a> (limits)",
+          "limits 0.512 to 200 becomes 0.512 to 0.512 with <a href=\"#FG_LINEPERIODE\">FG_LINEPERIODE</a>=0.512",
+          "<tr><td>-6000</td><td>FG_ERR_OUT_OF_RANGE</td>"})
+        EXPECT_TRUE(contains(page, part)) << part;
     EXPECT_FALSE(contains(page, "http")) << "the page stands alone";
     EXPECT_EQ(run({"docs"}).exitCode, 2);
 }

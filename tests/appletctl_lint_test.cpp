@@ -171,7 +171,7 @@ TEST(AppletctlList, ChoosesColumnsAndParameters) {
         {{"list", "--group", "roi", "-f", "name"}, "NAME\nFG_WIDTH\nFG_HEIGHT\nFG_XOFFSET\nFG_YOFFSET\n"},
         {{"list", "linetrigger", "--writable", "-f", "name,access"},
          "NAME\tACCESS\nFG_LINETRIGGERMODE\trw\nFG_LINETRIGGERDEBOUNCING\trw+\nFG_LINETRIGGERDELAY\trw+\n"},
-        {{"list", "--changed"}, "Nothing of this kind.\n"},
+        {{"list", "--changed", "-f", "name"}, "NAME\n"},
         {{"list", "debugsourc?", "-f", "name,role"}, "NAME\tIN A FILE\nFG_DEBUGSOURCE\treader\n"},
         {{"list", "lineorder", "-f", "name,role"}, "NAME\tIN A FILE\nFG_LINEORDER\tnone\n"},
     };
@@ -180,6 +180,7 @@ TEST(AppletctlList, ChoosesColumnsAndParameters) {
         plain.emplace_back("--plain");
         EXPECT_EQ(run(plain).out, expected);
     }
+    EXPECT_EQ(run({"list", "--changed"}).out, "No parameter differs from its default.\n");
     EXPECT_EQ(run({"list", "-f", "name,shoe"}).exitCode, 2);
     EXPECT_EQ(run({"list", "--group", "no such group"}).exitCode, 2);
 }

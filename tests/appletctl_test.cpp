@@ -357,6 +357,8 @@ TEST_F(AppletctlLut, DrawsCurves) {
     const std::string svg{std::istreambuf_iterator<char>(stream), {}};
     EXPECT_TRUE(contains(svg, "a&lt;&amp;b.lut")) << svg.substr(0, 1000);
     EXPECT_TRUE(contains(svg, "points=\"80,70 81,70 ")) << "red runs along the top";
+    EXPECT_TRUE(contains(svg, ">bars: clipped, 16384 entries of red")) << "and is clipped there";
+    EXPECT_TRUE(contains(svg, "y=\"66\"")) << "the settings take two lines";
     EXPECT_EQ(run({"lut", "plot", folder / "no" / "x.svg"}).exitCode, 1);
 }
 
@@ -539,7 +541,7 @@ TEST(AppletctlWatch, GoesOnAfterAFailedRead) {
     const char* const readings[] = {"5", "(-2010, a code of the runtime or the board)", "9", "2"};
     std::size_t end = 0;
     for (const std::string reading : readings) {
-        end = text.out.find("  DRA_FanLevel = " + reading + "\n", end);
+        end = text.out.find("\tDRA_FanLevel\t" + reading + "\t\n", end);
         ASSERT_NE(end, std::string::npos) << reading << " in " << text.out;
     }
     std::istringstream lines(run(arguments, scriptedRegisters).out); // into a file: documents

@@ -11,6 +11,7 @@
 namespace appletctl_program {
 
 void become(const Words& arguments, const Words& environment) {
+    unsetenv("COLUMNS"); // the tests' own terminal is not the program's
     for (const std::string& setting : environment) {
         const std::size_t equals = setting.find('=');
         if (equals == std::string::npos)
@@ -57,9 +58,11 @@ Outcome run(const Words& arguments, const Words& environment, const char* input,
     return {exitCode, contents(out), contents(err)};
 }
 
-Outcome talk(const Words& arguments, const Words& environment, const std::string& input) {
+Outcome talk(const Words& arguments, const Words& environment, const std::string& input,
+             unsigned short columns) {
     int terminal = -1;
-    const pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
+    const winsize size{.ws_row = 0, .ws_col = columns, .ws_xpixel = 0, .ws_ypixel = 0};
+    const pid_t child = forkpty(&terminal, nullptr, nullptr, &size);
     if (child == 0) become(arguments, environment);
     if (write(terminal, input.data(), input.size()) < 0) return {-1, "", "nothing can be typed"};
     std::string text;
@@ -90,8 +93,8 @@ Outcome converse(const Words& arguments, const Words& environment, const std::st
     return {exitCodeOf(child), text, ""};
 }
 
-std::string onTerminal(const Words& arguments, const Words& environment) {
-    return talk(arguments, environment).out;
+std::string onTerminal(const Words& arguments, const Words& environment, unsigned short columns) {
+    return talk(arguments, environment, "", columns).out;
 }
 
 json document(Words arguments, const Words& environment) {

@@ -36,14 +36,15 @@ Outcome run(const Words& arguments, const Words& environment = {}, const char* i
             const std::function<void()>& prepare = {});
 
 /** What the program prints on a terminal on which `input` was typed, and its exit code. */
-Outcome talk(const Words& arguments, const Words& environment, const std::string& input = "");
+Outcome talk(const Words& arguments, const Words& environment, const std::string& input = "",
+             unsigned short columns = 0);
 
 /** What the program prints on a terminal on which the lines are typed, each one behind the next prompt. */
 Outcome converse(const Words& arguments, const Words& environment, const std::string& prompt,
                  const Words& lines);
 
-/** What the program prints on a terminal. */
-std::string onTerminal(const Words& arguments, const Words& environment);
+/** What the program prints on a terminal of that width; 0: one that does not tell its width. */
+std::string onTerminal(const Words& arguments, const Words& environment, unsigned short columns = 0);
 
 /** The document of a command with --json. */
 json document(Words arguments, const Words& environment = {});

@@ -116,6 +116,7 @@ std::string statisticsText(const LutTables& tables) {
     Table text;
     text.setTitles({"COLOUR", "MINIMUM", "MAXIMUM", "DISTINCT", "COURSE", "CLIPPED AT START",
                     "CLIPPED AT END", "BOARD"});
+    text.setDispensable({"DISTINCT", "COURSE"});
     for (const LutTable& table : tables.colours) {
         const LutStatistics told = statisticsOf(table.entries, tables.largest);
         const std::string board = boardInWords(tables, table);
@@ -124,7 +125,7 @@ std::string statisticsText(const LutTables& tables) {
                      clippedText(table.entries, told.atEnd), board.empty() ? "-" : board});
     }
     return text.render(Style::forStream(STDOUT_FILENO)) +
-           (tables.areEqual() ? "The three colours are equal.\n" : "The three colours differ.\n");
+           forPerson(tables.areEqual() ? "The three colours are equal.\n" : "The three colours differ.\n");
 }
 
 nlohmann::ordered_json statisticsAsJson(const LutTables& tables) {

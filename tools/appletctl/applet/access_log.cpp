@@ -1,9 +1,11 @@
 #include "appletctl/applet/access_log.h"
 
 #include "appletctl/base/numbers.h"
+#include "appletctl/base/output.h"
 #include "appletctl/base/text.h"
 
 #include <optional>
+#include <sstream>
 
 namespace appletctl {
 namespace {
@@ -91,6 +93,14 @@ void logWrites(Instance& instance) { logKinds(instance, VBOARD_SET | VBOARD_REGI
 
 void logAccesses(Instance& instance) {
     logKinds(instance, VBOARD_SET | VBOARD_GET | VBOARD_REGISTER_WRITE | VBOARD_REGISTER_READ);
+}
+
+std::string accessLine(const std::string& line) {
+    std::vector<std::string> cells;
+    std::istringstream words(line);
+    for (std::string word; words >> word;)
+        cells.push_back(word);
+    return lineOf(cells, "  " + line);
 }
 
 std::vector<std::string> takeWrites(Instance& instance) {

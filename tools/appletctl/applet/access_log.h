@@ -17,6 +17,9 @@ void logWrites(Instance& instance);
 /** From now on it logs all accesses to values of the design. */
 void logAccesses(Instance& instance);
 
+/** A line of the log as output; its words are the cells with --plain. */
+std::string accessLine(const std::string& line);
+
 /** The log since it was last taken, one line for each write (see vboard_log_line). */
 std::vector<std::string> takeWrites(Instance& instance);
 

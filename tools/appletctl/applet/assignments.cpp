@@ -37,14 +37,15 @@ std::string advice(const Parameter& parameter, const Value& value, int code) {
 }
 
 /** "FG_WIDTH = 2048 pixel": what the applet holds now, or what it was given where it cannot be read. */
-std::string outcomeText(const Target& target, const Value& requested, const ReadResult& actual) {
+std::string outcomeLine(const Target& target, const Value& requested, const ReadResult& actual) {
     const Parameter& parameter = *target.parameter;
+    if (isPlainOutput()) return valueLine(target, actual.error == FG_OK ? actual.value : requested);
     if (actual.error != FG_OK) {
         return target.name() + " = " + valueWithUnit(parameter, requested) +
-               " (cannot be read back: " + codeInWords(actual.error) + ")";
+               " (cannot be read back: " + codeInWords(actual.error) + ")\n";
     }
     return target.name() + " = " + valueWithUnit(parameter, actual.value) +
-           requestedAndActual(parameter, requested, actual.value);
+           requestedAndActual(parameter, requested, actual.value) + '\n';
 }
 
 } // namespace
@@ -85,7 +86,9 @@ void applyAssignments(Instance& instance, const Assignment& assignment, const As
         addDescription(row, parameter);
         row["requested"] = requestedAsJson(assignment);
         row["leftOut"] = true;
-        report.text += target.name() + "=" + printable(asked) + " would write a file; it was left out\n";
+        report.text +=
+            lineOf({"leftOut", target.name(), printable(asked)},
+                   target.name() + "=" + printable(asked) + " would write a file; it was left out");
         report.document["assignments"].push_back(std::move(row));
         return;
     }
@@ -100,12 +103,12 @@ void applyAssignments(Instance& instance, const Assignment& assignment, const As
         row["actual"] = *taken;
     std::string more;
     if (code == FG_OK) {
-        report.text += outcomeText(target, assignment.value, actual) + '\n';
+        report.text += outcomeLine(target, assignment.value, actual);
         if (hooks.after) more = hooks.after(assignment, row);
     } else {
         std::string refusal = target.name() + "=" + printable(asked) +
                               " was refused: " + refusalInWords(parameter, assignment.value, code);
-        if (!lines.empty()) report.text += target.name() + ", written before it was refused\n";
+        if (!lines.empty()) report.text += forPerson(target.name() + ", written before it was refused\n");
         row["error"] = codeAsJson(code);
         if (hooks.suggestion) refusal += hooks.suggestion(assignment, row);
         row["error"]["message"] = refusal;
@@ -113,7 +116,7 @@ void applyAssignments(Instance& instance, const Assignment& assignment, const As
         report.exitCode = exitRefused;
     }
     for (const std::string& line : lines)
-        report.text += "  " + line + '\n';
+        report.text += accessLine(line);
     report.text += more;
     report.document["assignments"].push_back(std::move(row));
 }

@@ -4,6 +4,7 @@
 #include "appletctl/applet/published_limits.h"
 #include "appletctl/applet/units.h"
 #include "appletctl/base/errors.h"
+#include "appletctl/base/output.h"
 #include "appletctl/base/text.h"
 
 #include <algorithm>
@@ -287,6 +288,12 @@ std::string exactValueWithUnit(const Parameter& parameter, const Value& value) {
     const auto* number = std::get_if<double>(&value);
     if (number == nullptr) return valueWithUnit(parameter, value);
     return exactText(*number) + (parameter.unit().empty() ? "" : " " + parameter.unit());
+}
+
+std::string valueLine(const Target& target, const Value& value) {
+    const Parameter& parameter = *target.parameter;
+    return lineOf({target.name(), valueText(parameter, value), parameter.unit()},
+                  target.name() + " = " + valueWithUnit(parameter, value));
 }
 
 void addValue(nlohmann::ordered_json& object, const Target& target, const Value& value) {

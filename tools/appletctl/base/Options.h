@@ -25,14 +25,15 @@ struct Options {
     bool verbose = false;        /**< -v: notes on what was done to answer */
 
     // Of single commands.
-    bool trace = false;    /**< the command stands behind "trace" */
-    bool anyOrder = false; /**< --any-order of "set" */
-    bool verify = false;   /**< --verify of "set" */
-    bool yes = false;      /**< --yes of "apply" */
-    bool strict = false;   /**< --strict of "load" */
-    bool live = false;     /**< --live of "diff": with the parameters as well */
-    Words with;            /**< --with of "limits", "why", "deps": set on the scratch board before */
-    bool dot = false;      /**< --dot of "deps" and "route" */
+    bool trace = false;        /**< the command stands behind "trace" */
+    bool anyOrder = false;     /**< --any-order of "set" */
+    bool verify = false;       /**< --verify of "set" */
+    bool yes = false;          /**< --yes of "apply" */
+    bool areAllWrites = false; /**< --all of "plan" and "apply": with the writes that change nothing */
+    bool strict = false;       /**< --strict of "load" */
+    bool live = false;         /**< --live of "diff": with the parameters as well */
+    Words with;                /**< --with of "limits", "why", "deps": set on the scratch board before */
+    bool dot = false;          /**< --dot of "deps" and "route" */
     std::optional<std::string> outFile;   /**< -o of "xml" and "report" */
     bool isPortable = false;              /**< --portable of "xml" */
     bool isChecked = false;               /**< --check of "xml" */

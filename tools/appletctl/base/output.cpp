@@ -1,5 +1,6 @@
 #include "appletctl/base/output.h"
 
+#include "appletctl/base/layout.h"
 #include "appletctl/base/text.h"
 
 #include <langinfo.h>
@@ -20,6 +21,8 @@ namespace {
 struct Mode {
     bool isPlain = false;
     std::string colour = "auto";
+    bool isSilent = false;  // no progress
+    bool isForFile = false; // what is rendered now does not go to the standard output
 };
 
 /** Of the process, set once by its command line. */
@@ -38,13 +41,38 @@ bool isUtf8Locale() {
 
 } // namespace
 
-void setOutputMode(const Options& options) { mode() = {options.plain, options.colour}; }
+void setOutputMode(const Options& options) {
+    mode() = {options.plain, options.colour, options.quiet || options.json, mode().isForFile};
+}
+
+bool isPlainOutput() { return mode().isPlain; }
+
+std::size_t outputWidth() {
+    return mode().isPlain || mode().isForFile ? unlimitedWidth : lineWidth(STDOUT_FILENO);
+}
+
+OutputForFile::OutputForFile() { mode().isForFile = true; }
+OutputForFile::~OutputForFile() { mode().isForFile = false; }
+
+std::string lineOf(const std::vector<std::string>& cells, const std::string& text) {
+    return (mode().isPlain ? join(cells, "\t") : text) + '\n';
+}
+
+std::string writtenLine(const std::string& file) {
+    return lineOf({"written", printable(file)}, inQuotes(file) + " written");
+}
+
+std::string forPerson(std::string text) { return mode().isPlain ? std::string() : text; }
 
 bool isCapableTerminal(int fileDescriptor) {
-    if (mode().isPlain) return false;
+    if (mode().isPlain || mode().isForFile) return false;
     const char* terminal = std::getenv("TERM");
     const bool dumb = terminal == nullptr || std::string_view(terminal) == "dumb";
     return isatty(fileDescriptor) == 1 && !dumb;
+}
+
+bool isProgressWanted() {
+    return !mode().isSilent && isCapableTerminal(STDOUT_FILENO) && isCapableTerminal(STDERR_FILENO);
 }
 
 Style Style::forStream(int fileDescriptor) {
@@ -52,7 +80,7 @@ Style Style::forStream(int fileDescriptor) {
     const char* const refused = std::getenv("NO_COLOR"); // set, and to something
     style.m_colour = mode().colour == "auto"
                          ? isCapableTerminal(fileDescriptor) && (refused == nullptr || *refused == '\0')
-                         : mode().colour == "always" && !mode().isPlain;
+                         : mode().colour == "always" && !mode().isPlain && !mode().isForFile;
     return style;
 }
 
@@ -63,43 +91,31 @@ std::string Style::painted(const char* attributes, const std::string& text) cons
     return std::string("\033[") + attributes + "m" + text + "\033[0m";
 }
 
-std::string Table::render(const Style& style) const {
-    if (mode().isPlain) {
-        std::string lines;
-        for (const Line& line : m_lines)
-            if (line.kind != Kind::heading) lines += join(line.cells, "\t") + '\n';
-        return lines;
-    }
-    std::vector<std::size_t> widths;
-    for (const Line& line : m_lines) {
-        if (line.kind == Kind::heading) continue;
-        widths.resize(std::max(widths.size(), line.cells.size()));
-        for (std::size_t i = 0; i < line.cells.size(); ++i)
-            widths[i] = std::max(widths[i], displayWidth(line.cells[i]));
-    }
-    std::string text;
-    for (const Line& line : m_lines) {
-        if (line.kind == Kind::heading) {
-            if (&line != &m_lines.front()) text += '\n';
-            text += style.heading(line.cells.front()) + '\n';
-            continue;
-        }
-        std::string row;
-        for (std::size_t i = 0; i < line.cells.size(); ++i) {
-            row += "  " + line.cells[i];
-            row.append(widths[i] - displayWidth(line.cells[i]), ' ');
-        }
-        row.erase(row.find_last_not_of(' ') + 1);
-        text += (line.kind == Kind::titles ? style.faint(row) : row) + '\n';
-    }
-    return text;
-}
-
 std::string documentText(const Report& report, const std::string& command, int indent) {
     nlohmann::ordered_json document = {{"schema", "appletctl/2"}, {"command", command}};
     document["done"] = report.exitCode == exitDone;
     if (report.document.is_object()) document.update(report.document); // null where a command adds nothing
     return document.dump(indent, ' ', false, nlohmann::json::error_handler_t::replace) + '\n';
+}
+
+namespace {
+
+std::string withoutEmptyLines(const std::string& text) {
+    std::string lines;
+    for (const char c : text)
+        if (c != '\n' || (!lines.empty() && lines.back() != '\n')) lines += c;
+    return lines;
+}
+
+void printProblem(const std::string& text) {
+    std::cerr << wrapped(text, mode().isPlain ? unlimitedWidth : lineWidth(STDERR_FILENO)) << '\n';
+}
+
+} // namespace
+
+std::string laidOut(const Report& report) {
+    if (report.isVerbatim) return report.text;
+    return mode().isPlain ? withoutEmptyLines(report.text) : wrapped(report.text, outputWidth());
 }
 
 bool writeOut(const std::string& text) {
@@ -110,13 +126,13 @@ bool writeOut(const std::string& text) {
 int print(const Report& report, const std::string& command, const Options& options) {
     const bool isSilent = report.isPrinted || (options.quiet && !options.json);
     const bool isWritten =
-        isSilent || writeOut(options.json ? documentText(report, command, 2) : report.text);
+        isSilent || writeOut(options.json ? documentText(report, command, 2) : laidOut(report));
     const bool isRead = isWritten || errno != EPIPE;
     const std::string name = Style::forStream(STDERR_FILENO).alarm("appletctl:");
     for (const std::string& problem : report.problems)
-        std::cerr << name << ' ' << problem << '\n';
+        printProblem(name + ' ' + problem);
     for (const std::string& note : report.notes)
-        if (options.verbose) std::cerr << "appletctl: " << note << '\n';
+        if (options.verbose) printProblem("appletctl: " + note);
     if (!isWritten) {
         if (isRead) std::cerr << name << " the output could not be written\n";
         return exitRefused;

@@ -3,6 +3,7 @@
 #define APPLETCTL_BASE_OUTPUT_H
 
 #include "appletctl/base/Options.h"
+#include "appletctl/base/Table.h"
 #include "appletctl/base/errors.h"
 
 #include <nlohmann/json.hpp>
@@ -12,8 +13,35 @@
 
 namespace appletctl {
 
-/** How the user wants all output of the process, from now on: --color, --plain. */
+/** How the user wants all output of the process, from now on: --color, --plain, -q, --json. */
 void setOutputMode(const Options& options);
+
+/** True with --plain: the output is records, one a line, with tabs between their cells. */
+bool isPlainOutput();
+
+/** Columns of a line of the standard output; no limit with --plain, and while a document is written for a file. */
+std::size_t outputWidth();
+
+/** While one lives, texts are laid out for a file: no colour, no width, only ASCII drawings. */
+class OutputForFile {
+public:
+    OutputForFile();
+    ~OutputForFile();
+    OutputForFile(const OutputForFile&) = delete;
+    OutputForFile& operator=(const OutputForFile&) = delete;
+};
+
+/** A line of the output: the cells with --plain, else the text. */
+std::string lineOf(const std::vector<std::string>& cells, const std::string& text);
+
+/** Says that a file was written. */
+std::string writtenLine(const std::string& file);
+
+/** A remark or a drawing, which --plain leaves out. */
+std::string forPerson(std::string text);
+
+/** True when a person watches: both outputs are terminals, and neither --json, --plain nor -q is given. */
+bool isProgressWanted();
 
 /** Emphasis for a terminal; plain text where colour is not wanted. */
 class Style {
@@ -38,25 +66,6 @@ bool isCapableTerminal(int fileDescriptor);
 /** True when box drawing and braille characters can be shown: on a terminal of a UTF-8 locale. */
 bool canDrawUnicode(int fileDescriptor);
 
-/** Lines of cells in columns that are as wide as their widest cell, with headings in between. */
-class Table {
-public:
-    /** Names of the columns, shown above all. */
-    void setTitles(std::vector<std::string> titles) { m_lines.push_back({Kind::titles, std::move(titles)}); }
-    void addHeading(std::string text) { m_lines.push_back({Kind::heading, {std::move(text)}}); }
-    void addRow(std::vector<std::string> cells) { m_lines.push_back({Kind::row, std::move(cells)}); }
-    /** With --plain the titles and rows as cells with tabs between them, without headings. */
-    std::string render(const Style& style) const;
-
-private:
-    enum class Kind { titles, heading, row };
-    struct Line {
-        Kind kind;
-        std::vector<std::string> cells;
-    };
-    std::vector<Line> m_lines;
-};
-
 /** The outcome of a command: text for the standard output, or the document instead of it; problems, one line
  *  each, for the error output. */
 struct Report {
@@ -65,13 +74,17 @@ struct Report {
     std::vector<std::string> problems;
     std::vector<std::string> notes{}; /**< how the answer came about; shown with -v */
     ExitCode exitCode = exitDone;
-    bool isPrinted = false; /**< the command has printed as it went: only the problems are left */
+    bool isPrinted = false;  /**< the command has printed as it went: only the problems are left */
+    bool isVerbatim = false; /**< the text is a document of its own: its lines are not folded */
 };
 
 /**
  * The document of the report of `command`, complete, as UTF-8; in one line, or with this indent in several.
  */
 std::string documentText(const Report& report, const std::string& command, int indent = -1);
+
+/** The report's text as it is printed: records with --plain, else within the terminal. */
+std::string laidOut(const Report& report);
 
 /** Writes to the standard output, at once. False when it does not take the text; errno tells why. */
 bool writeOut(const std::string& text);

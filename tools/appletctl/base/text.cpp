@@ -86,8 +86,14 @@ std::string inQuotes(std::string_view text) {
 }
 
 std::size_t displayWidth(std::string_view text) {
-    return static_cast<std::size_t>(std::count_if(
-        text.begin(), text.end(), [](char c) { return !isContinuation(static_cast<unsigned char>(c)); }));
+    std::size_t width = 0;
+    bool isInSequence = false;
+    for (const char c : text) {
+        if (c == '\033') isInSequence = true;
+        if (!isInSequence && !isContinuation(static_cast<unsigned char>(c))) ++width;
+        if (c == 'm') isInSequence = false;
+    }
+    return width;
 }
 
 std::string shortened(const std::string& text, std::size_t mostBytes) {

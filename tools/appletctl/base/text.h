@@ -19,7 +19,7 @@ std::string printable(std::string_view text);
 /** The text in double quotes, printable, with its own quotes and backslashes behind a backslash. */
 std::string inQuotes(std::string_view text);
 
-/** Number of characters of a UTF-8 text. */
+/** Number of characters of a UTF-8 text; the sequences that colour it take no room. */
 std::size_t displayWidth(std::string_view text);
 
 /** The beginning of a UTF-8 text that is longer than so many bytes, with its length in brackets. */

@@ -81,7 +81,8 @@ Candidates optionsOf(const CLI::App* command) {
     for (; command != nullptr; command = command->get_parent())
         for (const CLI::Option* option : command->get_options())
             for (const std::string& name : option->get_lnames())
-                found.push_back({"--" + name, option->get_description()});
+                if (std::ranges::find(found, "--" + name, &Candidate::text) == found.end())
+                    found.push_back({"--" + name, option->get_description()});
     return found;
 }
 

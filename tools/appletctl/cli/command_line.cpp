@@ -110,7 +110,13 @@ void addSetOptions(CLI::App& command, Options& options) {
     command.add_flag("--verify", options.verify, "Read back, from the design as well");
 }
 
-void addYes(CLI::App& command, Options& options) {
+void addAllWrites(CLI::App& command, Options& options) {
+    command.add_flag("--all", options.areAllWrites,
+                     "Of a file: all writes, also those that repeat what the design holds");
+}
+
+void addApplyOptions(CLI::App& command, Options& options) {
+    addAllWrites(command, options);
     command.add_flag("--yes", options.yes, "Do it without a question");
 }
 
@@ -147,9 +153,10 @@ constexpr Command commands[] = {
     {nullptr, "deps", "Show what a parameter moves and what moves it", "NAME", "Parameter", 1, 1,
      showDependencies, usesScratch, addDepsOptions},
     {nullptr, "plan", "Show what assignments, or a load of a file, would do, without doing it",
-     "NAME=VALUE|FILE", "As for the command set; or a configuration file", 1, -1, planChanges, usesScratch},
+     "NAME=VALUE|FILE", "As for the command set; or a configuration file", 1, -1, planChanges, usesScratch,
+     addAllWrites},
     {nullptr, "apply", "Show what they would do, and do it after a question", "NAME=VALUE|FILE",
-     "As for the command plan", 1, -1, applyChanges, usesScratch, addYes},
+     "As for the command plan", 1, -1, applyChanges, usesScratch, addApplyOptions},
     {nullptr, "describe", "Show all that is known of parameters", "NAME", "Parameters", 1, -1,
      describeParameters, usesScratch},
     {nullptr, "info", "Show what the applet says of itself", nullptr, nullptr, 0, 0, showInfo},

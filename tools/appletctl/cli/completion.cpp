@@ -79,6 +79,7 @@ Report showCompletionScript(Context&, const Words& shell) {
     Report report;
     for (const Script& script : scripts)
         if (shell.front() == script.shell) report.text = script.text;
+    report.isVerbatim = true;
     report.document = {{"shell", shell.front()}, {"script", report.text}};
     return report;
 }
@@ -88,6 +89,7 @@ Report completeWords(Context& context, const Words& words) {
     options.offline = true;
     Context offline(options);
     Report report;
+    report.isVerbatim = true;
     auto& rows = report.document["candidates"] = nlohmann::ordered_json::array();
     for (const Candidate& candidate :
          candidatesFor(words, [&]() -> const ParameterList& { return offline.parameters(); })) {

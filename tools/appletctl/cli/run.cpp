@@ -35,6 +35,8 @@ std::string stepLine(const Step& step, const TestCase& test) {
     const Style style = Style::forStream(STDOUT_FILENO);
     const std::string outcome = test.outcome == Outcome::passed ? "ok    " : style.alarm("FAILED");
     const std::string number = numberText(step.line);
+    if (isPlainOutput())
+        return lineOf({test.outcome == Outcome::passed ? "ok" : "failed", number, printable(step.text)}, "");
     return outcome + std::string(number.size() < 5 ? 5 - number.size() : 1, ' ') + number + "  " +
            printable(step.text) + '\n';
 }

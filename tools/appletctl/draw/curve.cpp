@@ -1,6 +1,8 @@
 #include "appletctl/draw/curve.h"
 
+#include "appletctl/base/layout.h"
 #include "appletctl/base/numbers.h"
+#include "appletctl/base/text.h"
 #include "appletctl/draw/svg.h"
 
 #include <algorithm>
@@ -59,8 +61,22 @@ struct CellSize {
     std::size_t width, height;
 };
 
-constexpr std::size_t columns = 64;
-constexpr std::size_t rows = 16;
+/** Size of a curve in characters. */
+struct CurveSize {
+    std::size_t columns, rows;
+};
+
+CurveSize sizeWithin(std::size_t lineWidth, std::size_t markWidth) {
+    constexpr std::size_t usualColumns = 64, fewestColumns = 16, mostColumns = 128;
+    constexpr std::size_t fewestRows = 6, mostRows = 24;
+    const std::size_t taken = markWidth + 4; // the indent, the marks of the axis, and the axis
+    const std::size_t columns =
+        lineWidth == unlimitedWidth
+            ? usualColumns
+            : std::clamp(lineWidth - std::min(lineWidth, taken), fewestColumns, mostColumns);
+    return {columns, std::clamp(columns / 4, fewestRows, mostRows)};
+}
+
 constexpr CellSize brailleCell = {2, 4};
 constexpr CellSize asciiCell = {1, 1};
 
@@ -143,10 +159,11 @@ std::string legendEntry(std::size_t number, const LutTable& table, const Stroke&
 
 } // namespace
 
-std::string curveText(const Elements& entries, std::uint32_t largest, bool braille) {
+std::string curveText(const Elements& entries, std::uint32_t largest, bool braille, std::size_t lineWidth) {
     const CellSize cell = braille ? brailleCell : asciiCell;
-    const Raster raster = drawn(entries, largest, columns * cell.width, rows * cell.height);
     const std::string top = numberText(largest);
+    const auto [columns, rows] = sizeWithin(lineWidth, top.size());
+    const Raster raster = drawn(entries, largest, columns * cell.width, rows * cell.height);
     const std::string lastEntry = numberText(entries.size() - 1);
     std::string text;
     for (std::size_t row = 0; row < rows; ++row) {
@@ -165,13 +182,49 @@ std::string curveText(const Elements& entries, std::uint32_t largest, bool brail
            padded(lastEntry, columns - 1) + '\n';
 }
 
+/** A bar where the entries are clipped, at the height that they are clipped to. */
+std::string clippedBar(const LutTable& table, std::uint32_t largest, const std::optional<ElementRange>& part,
+                       std::size_t number) {
+    if (!part) return "";
+    const auto xOf = [&](std::uint32_t entry) {
+        return plotLeft + plotWidth * static_cast<double>(entry) /
+                              static_cast<double>(std::max<std::size_t>(table.entries.size() - 1, 1));
+    };
+    const bool isAtTop = table.entries[part->first] >= largest;
+    constexpr double barHeight = 4;
+    // The bars of the colours lie outside the plot, one beside the other.
+    const double distance = barHeight * (static_cast<double>(number) + 0.5);
+    const double y = isAtTop ? plotTop - distance - 1 : plotTop + plotHeight + distance + 1;
+    return line(xOf(part->first), y, xOf(part->last), y, strokes[number].colour, barHeight);
+}
+
+/** The bars of all colours, and a line below the picture that says what they mean. */
+std::string clippedBars(const LutTables& tables) {
+    std::string bars;
+    std::vector<std::string> told;
+    for (std::size_t i = 0; i < tables.colours.size(); ++i) {
+        const LutTable& table = tables.colours[i];
+        const LutStatistics statistics = statisticsOf(table.entries, tables.largest);
+        std::size_t count = 0;
+        for (const auto& part : {statistics.atStart, statistics.atEnd}) {
+            bars += clippedBar(table, tables.largest, part, i);
+            if (part) count += part->count();
+        }
+        if (count > 0) told.push_back(numberText(count) + " entries of " + table.colour);
+    }
+    if (bars.empty()) return "";
+    return bars + label(plotLeft + plotWidth / 2, plotTop + plotHeight + 64, "middle",
+                        "bars: clipped, " + join(told, ", "));
+}
+
 std::string curvesAsSvg(const LutTables& tables, const std::string& subtitle) {
     std::string content = axes(tables.colours.front().entries.size() - 1, tables.largest);
     for (std::size_t i = 0; i < tables.colours.size(); ++i)
         content += polyline(tables.colours[i], tables.largest, strokes[i]);
     for (std::size_t i = 0; i < tables.colours.size(); ++i)
         content += legendEntry(i, tables.colours[i], strokes[i]);
-    return svg::document(plotLeft + plotWidth + 40, plotTop + plotHeight + 70, plotLeft, "Lookup table",
+    content += clippedBars(tables);
+    return svg::document(plotLeft + plotWidth + 40, plotTop + plotHeight + 80, plotLeft, "Lookup table",
                          subtitle, content);
 }
 

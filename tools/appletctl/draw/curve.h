@@ -9,8 +9,8 @@
 
 namespace appletctl {
 
-/** A small curve of the entries, from 0 to `largest`, in braille dots or in plain ASCII. */
-std::string curveText(const Elements& entries, std::uint32_t largest, bool braille);
+/** A small curve of the entries, from 0 to `largest`, in braille dots or in plain ASCII; as wide as the line allows. */
+std::string curveText(const Elements& entries, std::uint32_t largest, bool braille, std::size_t lineWidth);
 
 /** A self-contained SVG document with axes, the curves of all colours and a legend; `subtitle` says below the
  *  title where the tables come from. */

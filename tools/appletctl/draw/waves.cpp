@@ -1,5 +1,6 @@
 #include "appletctl/draw/waves.h"
 
+#include "appletctl/base/layout.h"
 #include "appletctl/base/numbers.h"
 #include "appletctl/base/text.h"
 #include "appletctl/draw/svg.h"
@@ -12,18 +13,26 @@
 namespace appletctl {
 namespace {
 
-constexpr std::size_t columns = 60;
+constexpr std::size_t usualColumns = 60, fewestColumns = 12, mostColumns = 120;
 
-std::size_t columnOf(double time, double end) {
+/** Columns for the time from 0 to the end, beside names of this width. */
+std::size_t columnsFor(std::size_t nameWidth, std::size_t lineWidth) {
+    if (lineWidth == unlimitedWidth) return usualColumns;
+    constexpr std::size_t blanks = 4, lastNumber = 10; // which is written behind the last column
+    const std::size_t taken = nameWidth + blanks + lastNumber;
+    return std::clamp(lineWidth - std::min(lineWidth, taken), fewestColumns, mostColumns);
+}
+
+std::size_t columnOf(double time, double end, std::size_t columns) {
     return static_cast<std::size_t>(std::lround(time / end * static_cast<double>(columns)));
 }
 
 /** Level of each column; each pulse has one at least. */
-std::vector<bool> levelsOf(const Wave& wave, double end) {
+std::vector<bool> levelsOf(const Wave& wave, double end, std::size_t columns) {
     std::vector<bool> levels(columns, wave.isActiveLow);
     for (const Pulse& pulse : *wave.active) {
-        const std::size_t first = std::min(columnOf(pulse.start, end), columns - 1);
-        const std::size_t last = std::max(columnOf(pulse.end, end), first + 1);
+        const std::size_t first = std::min(columnOf(pulse.start, end, columns), columns - 1);
+        const std::size_t last = std::max(columnOf(pulse.end, end, columns), first + 1);
         for (std::size_t column = first; column < last; ++column)
             levels[column] = !wave.isActiveLow;
     }
@@ -38,7 +47,7 @@ struct Strokes {
 constexpr Strokes boxStrokes = {{"─", " "}, {" ", "─"}, {"┌", "┘"}, {"┐", "└"}};
 constexpr Strokes asciiStrokes = {{"_", " "}, {" ", "_"}, {" ", "|"}, {" ", "|"}};
 
-std::string lineOf(const std::vector<bool>& levels, const Strokes& strokes, std::size_t line) {
+std::string strokesOf(const std::vector<bool>& levels, const Strokes& strokes, std::size_t line) {
     std::string text;
     for (std::size_t column = 0; column < levels.size(); ++column) {
         const bool level = levels[column];
@@ -46,7 +55,6 @@ std::string lineOf(const std::vector<bool>& levels, const Strokes& strokes, std:
         text +=
             isEdge ? (level ? strokes.rise : strokes.fall)[line] : (level ? strokes.high : strokes.low)[line];
     }
-    text.erase(text.find_last_not_of(' ') + 1);
     return text;
 }
 
@@ -55,11 +63,12 @@ std::string indented(const std::string& text, std::size_t width) {
 }
 
 /** The times at which the periods begin, each below its place. */
-std::string scaleText(double end, double period) {
+std::string scaleText(double end, double period, std::size_t columns) {
     std::string scale;
     for (double time = 0; time <= end + period / 2; time += period) {
-        const std::size_t column = columnOf(time, end);
-        scale.resize(std::max(column, scale.size()), ' ');
+        const std::size_t column = columnOf(time, end, columns);
+        if (!scale.empty() && column <= scale.size()) continue; // no room for this one
+        scale.resize(column, ' ');
         scale += numberText(std::round(time * 1000) / 1000);
     }
     return scale + " µs";
@@ -82,23 +91,28 @@ std::vector<Pulse> merged(std::vector<Pulse> pulses, double end) {
     return result;
 }
 
-std::string wavesText(const std::vector<Wave>& waves, double end, double period, bool unicode) {
+std::string wavesText(const std::vector<Wave>& waves, double end, double period, bool unicode,
+                      std::size_t lineWidth) {
     const Strokes& strokes = unicode ? boxStrokes : asciiStrokes;
     std::size_t width = 0;
     for (const Wave& wave : waves)
         width = std::max(width, displayWidth(wave.name));
+    const std::size_t columns = columnsFor(width, lineWidth);
     std::string text;
     for (const Wave& wave : waves) {
         if (!wave.active) {
             text += "\n" + indented(wave.name, width) + "not known\n";
             continue;
         }
-        const std::vector<bool> levels = levelsOf(wave, end);
-        std::string upper = indented("", width) + lineOf(levels, strokes, 0);
-        upper.erase(upper.find_last_not_of(' ') + 1);
-        text += upper + '\n' + indented(wave.name, width) + lineOf(levels, strokes, 1) + '\n';
+        const std::vector<bool> levels = levelsOf(wave, end, columns);
+        for (const std::size_t line : {0u, 1u}) {
+            std::string shown =
+                indented(line == 0 ? "" : wave.name, width) + strokesOf(levels, strokes, line);
+            shown.erase(shown.find_last_not_of(' ') + 1);
+            text += shown + '\n';
+        }
     }
-    return text + '\n' + indented("", width) + scaleText(end, period) + '\n';
+    return text + '\n' + indented("", width) + scaleText(end, period, columns) + '\n';
 }
 
 std::string wavesAsSvg(const std::vector<Wave>& waves, double end, double period,
@@ -116,7 +130,7 @@ std::string wavesAsSvg(const std::vector<Wave>& waves, double end, double period
         const Wave& wave = waves[row];
         const double low = top + rowHeight * static_cast<double>(row) + swing;
         const auto yOf = [&](bool level) { return level ? low - swing : low; };
-        content += svg::label(left - 12, low, "end", wave.name);
+        content += svg::label(left - 12, low - swing / 2 + 4, "end", wave.name);
         if (!wave.active) {
             content += svg::label(left + 8, low, "start", "not known", svg::attribute("fill", "#999999"));
             continue;

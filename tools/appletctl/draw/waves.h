@@ -2,6 +2,7 @@
 #ifndef APPLETCTL_DRAW_WAVES_H
 #define APPLETCTL_DRAW_WAVES_H
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -21,8 +22,10 @@ struct Wave {
 /** Pulses in order, as far as they show between 0 and `end`; those that touch become one. */
 std::vector<Pulse> merged(std::vector<Pulse> pulses, double end);
 
-/** Two lines for each wave, in line drawing characters or in ASCII, below them the times of the periods. */
-std::string wavesText(const std::vector<Wave>& waves, double end, double period, bool unicode);
+/** Two lines for each wave, in line drawing characters or in ASCII, below them the times of the periods; as wide as the
+ *  line allows. */
+std::string wavesText(const std::vector<Wave>& waves, double end, double period, bool unicode,
+                      std::size_t lineWidth);
 
 std::string wavesAsSvg(const std::vector<Wave>& waves, double end, double period,
                        const std::string& subtitle);

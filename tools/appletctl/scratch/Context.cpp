@@ -88,7 +88,9 @@ Words Context::takeAccesses() {
 }
 
 ScratchBoard& Context::seeded(const json& seed) {
-    m_assumed = m_scratch->seed(seed).get<Words>();
+    const json answer = m_scratch->seed(seed);
+    m_assumed = answer["assumed"].get<Words>();
+    m_assumedMeasurements = answer["measurements"].get<Words>();
     return *m_scratch;
 }
 

@@ -46,6 +46,8 @@ public:
     ReadResult read(const Target& target);
     /** What of the scratch board's state was assumed, when it was last asked for. */
     const Words& assumed() const { return m_assumed; }
+    /** Measured values that were, which no other answer depends on. */
+    const Words& assumedMeasurements() const { return m_assumedMeasurements; }
 
     /** How the answers came about, in words, since they were last taken. */
     Words takeNotes();
@@ -70,7 +72,7 @@ private:
     std::shared_ptr<const applet_host::AppletHost> m_host;
     std::optional<Instance> m_instance;
     std::optional<ParameterList> m_parameters;
-    Words m_assumed;
+    Words m_assumed, m_assumedMeasurements;
     std::optional<std::set<std::string>> m_fromBoard; // names; asked for when it is first needed
     Words m_notes;
     bool m_isTraced = false;

@@ -1,19 +1,23 @@
 #include "appletctl/scratch/ScratchBoard.h"
 
 #include "appletctl/applet/Effort.h"
+#include "appletctl/base/Progress.h"
 #include "appletctl/base/Stopwatch.h"
 #include "appletctl/base/errors.h"
 #include "appletctl/base/numbers.h"
+#include "appletctl/base/output.h"
 #include "appletctl/base/text.h"
 #include "appletctl/scratch/ScratchSession.h"
 #include "appletctl/scratch/jobs.h"
 
+#include <poll.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <cstdint>
 #include <cstdlib>
@@ -62,24 +66,41 @@ bool receive(int socket, json& message) {
 /** The child's side. */
 class Server {
 public:
-    explicit Server(const Options& options) : m_options(options) {}
+    Server(int socket, const Options& options) : m_socket(socket), m_options(options) {}
 
     json answer(const json& message) {
         if (const auto seed = message.find("seed"); seed != message.end()) {
-            if (!m_session) m_session.emplace(m_options);
+            if (!m_session) begin();
             m_session->seed(*seed);
             m_isTouched = false;
-            return m_session->assumed();
+            return {{"assumed", m_session->assumed()}, {"measurements", m_session->assumedMeasurements()}};
         }
         if (m_isTouched) m_session->rewind();
         m_isTouched = true;
         effort() = {};
+        // A command of a shell may want another output than the one before.
+        Options options = m_options;
+        options.plain = message.at("plain").get<bool>();
+        setOutputMode(options);
         return findJob(message.at("job").get<std::string>())(m_session.value(), message.at("arguments"));
     }
 
 private:
+    void begin() {
+        m_session.emplace(m_options);
+        m_session->onProgress = [this](std::size_t done, std::size_t total) {
+            using namespace std::chrono_literals;
+            const auto now = std::chrono::steady_clock::now();
+            if (now - m_lastProgress < 100ms) return;
+            m_lastProgress = now;
+            send(m_socket, {{"progress", numberText(done) + " of " + numberText(total)}});
+        };
+    }
+
+    int m_socket;
     const Options& m_options;
     std::optional<ScratchSession> m_session;
+    std::chrono::steady_clock::time_point m_lastProgress;
     bool m_isTouched = false; // not in the state of the seed
 };
 
@@ -89,7 +110,7 @@ void serve(int socket, pid_t parent, const Options& options) {
     if (getppid() != parent) _exit(0); // it ended before the line above
     std::signal(SIGINT, SIG_IGN); // Ctrl-C is the parent's matter
     unsetenv("VBOARD_LOG_LEVEL"); // the log is that of the live board
-    Server server(options);
+    Server server(socket, options);
     for (json message; receive(socket, message);) {
         json answer;
         try {
@@ -143,17 +164,18 @@ ScratchBoard::~ScratchBoard() {
 
 json ScratchBoard::seed(const json& seed) {
     const Stopwatch watch;
-    const json assumed = request({{"seed", seed}})["result"];
+    json told = request({{"seed", seed}})["result"];
+    const auto assumed = told["assumed"].get<Words>();
     const bool isLive = !seed.at("values").empty();
     m_notes.push_back(std::string("scratch board: brought to the ") + (isLive ? "live state" : "defaults") +
                       " in " + watch.text() +
-                      (assumed.empty() ? "" : "; assumed: " + join(assumed.get<Words>(), ", ")));
-    return assumed;
+                      (assumed.empty() ? "" : "; assumed: " + join(assumed, ", ")));
+    return told;
 }
 
 json ScratchBoard::ask(const std::string& job, const json& arguments) {
     const Stopwatch watch;
-    json answer = request({{"job", job}, {"arguments", arguments}});
+    json answer = request({{"job", job}, {"arguments", arguments}, {"plain", isPlainOutput()}});
     const json& took = answer["effort"];
     std::string note = std::string("scratch board: asked ") + jobInWords(job);
     const auto add = [&](const char* member, const char* words) {
@@ -169,9 +191,32 @@ json ScratchBoard::ask(const std::string& job, const json& arguments) {
 
 Words ScratchBoard::takeNotes() { return std::exchange(m_notes, {}); }
 
+namespace {
+
+/** True when there is something to read; false when time is up. */
+bool isReadable(int socket, std::chrono::milliseconds limit) {
+    pollfd one{.fd = socket, .events = POLLIN, .revents = 0};
+    return poll(&one, 1, static_cast<int>(limit.count())) > 0;
+}
+
+/** The final answer; what comes before it is how far the work is. */
+bool receiveAnswer(int socket, Progress& progress, json& answer) {
+    for (;;) {
+        while (!isReadable(socket, progress.interval()))
+            progress.update();
+        if (!receive(socket, answer)) return false;
+        if (!answer.contains("progress")) return true;
+        progress.setDetail(answer["progress"].get<std::string>());
+        progress.update();
+    }
+}
+
+} // namespace
+
 json ScratchBoard::request(const json& message) {
     json answer;
-    if (!send(m_socket, message) || !receive(m_socket, answer))
+    Progress progress("working");
+    if (!send(m_socket, message) || !receiveAnswer(m_socket, progress, answer))
         throw Failure("the scratch board has ended unexpectedly");
     if (answer.contains("usage")) throw UsageError(answer["usage"].get<std::string>());
     if (answer.contains("unavailable")) throw Unavailable(answer["unavailable"].get<std::string>());

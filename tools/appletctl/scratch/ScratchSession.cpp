@@ -2,6 +2,8 @@
 
 #include "appletctl/applet/access_log.h"
 
+#include "vexo/fg_errors.h"
+
 #include <utility>
 
 namespace appletctl {
@@ -87,9 +89,18 @@ void ScratchSession::setValues() {
     bringAbout(*m_instance, wanted);
     storeByLoad(*m_instance, wanted);
     m_assumed.clear();
+    m_assumedMeasurements.clear();
     if (m_seed.at("design").is_null()) m_assumed.emplace_back("design");
     for (const auto& [parameter, value] : wanted)
-        if (!holds(*m_instance, *parameter, *value)) m_assumed.push_back(parameter->name);
+        if (!holds(*m_instance, *parameter, *value))
+            (hasSetter(*parameter) ? m_assumed : m_assumedMeasurements).push_back(parameter->name);
+}
+
+/** A parameter without one is measured, or fixed by the design. */
+bool ScratchSession::hasSetter(const Parameter& parameter) {
+    if (elementCount(parameter) > 0 || !parameter.effectOfWriting().empty()) return true;
+    const ReadResult now = readValue(*m_instance, {&parameter});
+    return writeValue(*m_instance, {&parameter}, now.value) != FG_ERR_NOT_AVAILABLE;
 }
 
 } // namespace appletctl

@@ -21,6 +21,7 @@ constexpr JobRow jobs[] = {
     {"differences", "which values differ", differencesJob},
     {"expect", "what the design holds after the assignments", expectJob},
     {"fromBoard", "which values the board measures", fromBoardJob},
+    {"influences", "what each parameter moves", influencesJob},
     {"limits", "what the setters accept", limitsJob},
     {"order", "an order in which all assignments pass", orderJob},
     {"plan", "what the change would do", planJob},

@@ -10,7 +10,7 @@ namespace appletctl {
 
 /** What each gives is a report (see reports.h) where nothing else is said. */
 
-/** Says what {"words": [NAME=VALUE, ...] or [FILE]} would do. */
+/** Says what {"words": [NAME=VALUE, ...] or [FILE], "all": whether all writes of a file are shown} would do. */
 json planJob(ScratchSession& session, const json& arguments);
 
 /** Loads {"file": FILE}: {"report", "code", "state"}. */
@@ -53,6 +53,8 @@ json defaultsAndRolesJob(ScratchSession& session, const json& arguments);
 
 /** The names of the parameters of which a read asks the board or the runtime: [NAME, ...]. */
 json fromBoardJob(ScratchSession& session, const json& nothing);
+/** Finds what each parameter moves of the others, and how setters refuse (see Influences). */
+json influencesJob(ScratchSession& session, const json& nothing);
 
 /** Tells the findings (see lint.h) of the present state, or with {"file": NAME} after a load of that file. */
 json lintJob(ScratchSession& session, const json& arguments);

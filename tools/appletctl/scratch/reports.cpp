@@ -33,14 +33,19 @@ void append(Report& report, const Report& more) {
 
 Report askScratch(Context& context, const std::string& job, const nlohmann::json& arguments) {
     Report report = reportOf(context.scratch().ask(job, arguments));
-    addAssumed(report, context.assumed());
+    Words assumed = context.assumed();
+    // A measurement matters only to the question about itself.
+    const std::string asked = lowerCase(arguments.dump());
+    for (const std::string& name : context.assumedMeasurements())
+        if (asked.find(lowerCase(name)) != std::string::npos) assumed.push_back(name);
+    addAssumed(report, assumed);
     return report;
 }
 
 void addAssumed(Report& report, const Words& assumed) {
     if (assumed.empty()) return;
     report.document["assumed"] = assumed;
-    report.text += "(assumed: " + join(assumed, ", ") + ")\n";
+    report.text += forPerson("(assumed: " + join(assumed, ", ") + ")\n");
 }
 
 } // namespace appletctl

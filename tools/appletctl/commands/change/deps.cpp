@@ -74,6 +74,7 @@ public:
             findMoved(value);
         probe.restore();
         for (std::size_t place = 0; place < probe.count(); ++place) {
+            probe.session().tellProgress(place, probe.count());
             if (place == subject) continue;
             for (const Value& value : probe.otherValues(place))
                 findMovers({place, value});
@@ -167,7 +168,7 @@ std::string asDot(const std::string& name, const Dependencies& found) {
 
 std::string asText(const std::string& name, const Dependencies& found) {
     Table table;
-    table.addHeading(name);
+    table.addSubject(name);
     for (const auto& [title, effects] :
          {std::pair("moves", &found.moved), std::pair("moved by", &found.movers)}) {
         for (const Movement& effect : effects->all())
@@ -206,6 +207,7 @@ Report showDependencies(Context& context, const Words& name) {
     const bool isDot = context.options().dot;
     Report report = reportOf(context.scratch().ask(
         "deps", {{"name", name.front()}, {"dot", isDot}, {"with", context.options().with}}));
+    report.isVerbatim = isDot;
     if (!isDot) {
         addAssumed(report, context.assumed());
     } else if (!context.assumed().empty()) {

@@ -34,7 +34,7 @@ class LimitsReport {
 public:
     LimitsReport(Probe& probe, const Subject& subject) : m_probe(probe), m_subject(subject) {
         const Parameter& parameter = probe.at(subject.place);
-        table.addHeading(subject.in(probe).name());
+        table.addSubject(subject.isWholeArray ? parameter.name : subject.in(probe).name());
         row = {{"name", parameter.name}, {"unit", parameter.unit()}, {"access", accessWord(parameter)}};
         tellValue();
         if (parameter.kind() == REGISTER_KIND_ENUM)
@@ -187,7 +187,8 @@ Subject subjectOf(const Probe& probe, const Target& target) {
     const std::uint32_t count = elementCount(*target.parameter);
     const std::uint32_t first = target.elements ? target.elements->first : 0;
     return {probe.placeOf(*target.parameter),
-            count > 0 ? std::optional(ElementRange{first, first}) : std::nullopt};
+            count > 0 ? std::optional(ElementRange{first, first}) : std::nullopt,
+            count > 0 && !target.elements};
 }
 
 } // namespace
@@ -201,6 +202,7 @@ json limitsJob(ScratchSession& session, const json& arguments) {
     for (const Target& target : findTargets(session.parameters(), arguments.at("names").get<Words>()))
         subjects.push_back(subjectOf(probe, target));
     for (const Subject& subject : subjects) {
+        session.tellProgress(rows.size(), subjects.size());
         LimitsReport answer(probe, subject);
         report.text +=
             (report.text.empty() ? "" : "\n") + answer.table.render(Style::forStream(STDOUT_FILENO));

@@ -105,7 +105,10 @@ Ordering askOrder(Context& context, const Words& assignments) {
     Report& report = ordering.report;
     report.document["order"] = ordering.words;
     if (ordering.isComplete) {
-        report.text = "order: " + printable(toUtf8(join(ordering.words, " ").c_str())) + '\n';
+        Words cells{"order"};
+        for (const std::string& word : ordering.words)
+            cells.push_back(printable(toUtf8(word.c_str())));
+        report.text = lineOf(cells, "order: " + printable(toUtf8(join(ordering.words, " ").c_str())));
         return ordering;
     }
     report.problems = answer["problems"].get<Words>();

@@ -6,15 +6,21 @@
 #include "appletctl/base/text.h"
 #include "appletctl/commands/files/differences.h"
 #include "appletctl/commands/files/loading.h"
+#include "appletctl/commands/signals/trace.h"
 #include "appletctl/scratch/CommandRun.h"
 #include "appletctl/scratch/DesignSnapshot.h"
 #include "appletctl/scratch/jobs.h"
 #include "appletctl/scratch/refusal.h"
 #include "appletctl/scratch/reports.h"
 
+#include "vexo/fg_errors.h"
+
 #include <unistd.h>
 
+#include <algorithm>
 #include <iostream>
+#include <map>
+#include <set>
 
 namespace appletctl {
 namespace {
@@ -28,19 +34,25 @@ std::vector<ParameterState> factsOf(ScratchSession& session) {
     return facts;
 }
 
+std::string changeLine(const DesignChange& change, const std::string& setBy) {
+    return lineOf({"change", setBy, change.parameter, change.before, change.after}, "    " + inWords(change));
+}
+
 /** Lines on what has changed, and the same as members. */
-std::string addChanges(const std::vector<DesignChange>& changes, ordered_json& row) {
+std::string addChanges(const std::vector<DesignChange>& changes, const Parameter& setBy, ordered_json& row) {
     row["changes"] = asJson(changes);
-    if (changes.empty()) return "  nothing changes in the design\n";
-    std::string text = "  changes in the design:\n";
+    if (changes.empty()) return forPerson("  nothing changes in the design\n");
+    std::string text = forPerson("  changes in the design:\n");
     for (const DesignChange& change : changes)
-        text += "    " + inWords(change) + '\n';
+        text += changeLine(change, setBy.name);
     return text;
 }
 
-/** What others have from then on; `own` is the parameter that was set. */
+/** What others have from then on; `own` is the parameter that was set. The text leaves out the new values of the
+ *  parameters that are shown already. */
 std::string addMoves(ScratchSession& session, const std::vector<ParameterState>& before,
-                     const std::vector<ParameterState>& after, const Parameter* own, ordered_json& row) {
+                     const std::vector<ParameterState>& after, const Parameter* own,
+                     const std::set<std::string>& shown, ordered_json& row) {
     auto& rows = row["moves"] = ordered_json::array();
     std::string text;
     for (std::size_t i = 0; i < before.size(); ++i) {
@@ -50,7 +62,9 @@ std::string addMoves(ScratchSession& session, const std::vector<ParameterState>&
             ordered_json moved = {{"parameter", parameter.name}};
             moved.update(asJson(move));
             rows.push_back(std::move(moved));
-            text += "  " + parameter.name + ", " + move.what + ": " + move.from + " -> " + move.to + '\n';
+            if (std::string_view(move.what) == "value" && shown.contains(parameter.name)) continue;
+            text += lineOf({"moves", parameter.name, move.what, move.from, move.to},
+                           "  " + parameter.name + ", " + move.what + ": " + move.from + " -> " + move.to);
         }
     }
     return text;
@@ -65,8 +79,8 @@ Report planAssignments(ScratchSession& session, const Words& words) {
     hooks.after = [&](const Assignment& assignment, ordered_json& row) {
         DesignSnapshot now(session);
         std::vector<ParameterState> factsThen = factsOf(session);
-        std::string text = addChanges(picture.changesTo(now), row);
-        text += addMoves(session, facts, factsThen, assignment.target.parameter, row);
+        std::string text = addChanges(picture.changesTo(now), *assignment.target.parameter, row);
+        text += addMoves(session, facts, factsThen, assignment.target.parameter, {}, row);
         picture = std::move(now);
         facts = std::move(factsThen);
         return text;
@@ -79,7 +93,99 @@ Report planAssignments(ScratchSession& session, const Words& words) {
     return applyAssignments(session.instance(), session.parameters(), words, hooks);
 }
 
-Report planFile(ScratchSession& session, const std::string& file) {
+/** What a load writes to the design, under the parameters that write it. */
+class LoadWrites {
+public:
+    /** Of several parameters that write the same value of the design, one that the load changes is preferred. */
+    LoadWrites(ScratchSession& session, const LoadOutcome& outcome, const std::set<std::string>& changed)
+        : m_outcome(outcome) {
+        session.rewind();
+        for (const bool isChanged : {true, false})
+            for (const Parameter& parameter : session.parameters().all())
+                if (changed.contains(parameter.name) == isChanged) findWrites(session, parameter);
+        for (const DesignChange& change : outcome.changes)
+            m_changes[change.parameter] = &change;
+    }
+
+    std::string changesText() const {
+        if (m_changes.empty()) return forPerson("Nothing changes in the design.\n");
+        std::string text = forPerson("Changes in the design:\n");
+        for (const auto& [writer, names] : grouped()) {
+            std::string lines;
+            for (const std::string& name : names)
+                if (const auto change = m_changes.find(name); change != m_changes.end())
+                    lines += changeLine(*change->second, writer);
+            if (!lines.empty()) text += forPerson("  " + writer + '\n') + lines;
+        }
+        return text;
+    }
+
+    std::string writesText() const {
+        std::string text = forPerson("All writes, in the order of each parameter's first one:\n");
+        for (const auto& [writer, names] : grouped()) {
+            text += forPerson("  " + writer + '\n');
+            for (const std::string& line : m_outcome.writes)
+                if (std::ranges::find(names, writtenParameter(line)) != names.end())
+                    text += isPlainOutput() ? writer + '\t' + accessLine(line) : "  " + accessLine(line);
+        }
+        return text;
+    }
+
+    /** "241 of 248 writes repeat what the design holds". */
+    std::string repeatedText() const {
+        const auto repeated = std::ranges::count_if(m_outcome.writes, [&](const std::string& line) {
+            return !m_changes.contains(writtenParameter(line));
+        });
+        if (repeated == 0) return "";
+        return numberText(repeated) + " of " + numberText(m_outcome.writes.size()) +
+               " writes repeat what the design holds; --all shows them\n";
+    }
+
+private:
+    struct Group {
+        std::string writer;
+        Words names; // of the design
+    };
+
+    /** Lets the setter write the value that the parameter holds. */
+    void findWrites(ScratchSession& session, const Parameter& parameter) {
+        if (elementCount(parameter) > 0 || !parameter.effectOfReading().empty() ||
+            !parameter.effectOfWriting().empty() || parameter.writesFile())
+            return;
+        const ReadResult now = readValue(session.instance(), {&parameter});
+        if (now.error != FG_OK) return;
+        takeWrites(session.instance());
+        writeValue(session.instance(), {&parameter}, now.value);
+        for (const std::string& line : takeWrites(session.instance()))
+            m_writers.try_emplace(writtenParameter(line), parameter.name);
+    }
+
+    /** All that was written or has changed. */
+    std::vector<Group> grouped() const {
+        Words names;
+        for (const std::string& line : m_outcome.writes)
+            names.push_back(writtenParameter(line));
+        for (const auto& [name, change] : m_changes)
+            names.push_back(name);
+        std::vector<Group> groups;
+        std::set<std::string> seen;
+        for (const std::string& name : names) {
+            if (!seen.insert(name).second) continue;
+            const auto found = m_writers.find(name);
+            const std::string writer = found != m_writers.end() ? found->second : "several parameters";
+            auto group = std::ranges::find(groups, writer, &Group::writer);
+            if (group == groups.end()) group = groups.insert(groups.end(), {writer, {}});
+            group->names.push_back(name);
+        }
+        return groups;
+    }
+
+    const LoadOutcome& m_outcome;
+    std::map<std::string, std::string> m_writers; // of each value of the design
+    std::map<std::string, const DesignChange*> m_changes;
+};
+
+Report planFile(ScratchSession& session, const std::string& file, bool areAllWrites) {
     Report report;
     report.document["file"] = toUtf8(file.c_str());
     FileKeys keys(session);
@@ -89,12 +195,18 @@ Report planFile(ScratchSession& session, const std::string& file) {
     const ConfigurationFile now(outcome.state);
     if (addDifferences(report, {{"BEFORE", "before", &state}, {"AFTER", "after", &now}}, session.parameters(),
                        keys, NextCycle::same) == 0)
-        report.text += "Nothing would change.\n";
+        report.text += forPerson("Nothing would change.\n");
+    std::set<std::string> changed;
+    for (const ordered_json& row : report.document["differences"])
+        changed.insert(row["name"].get<std::string>());
     report.document["writes"] = accessesAsJson(outcome.writes);
-    for (const std::string& line : outcome.writes)
-        report.text += "  " + line + '\n';
-    report.text += addChanges(outcome.changes, report.document);
-    report.text += addMoves(session, facts, outcome.facts, nullptr, report.document);
+    report.document["changes"] = asJson(outcome.changes);
+    std::string moves = addMoves(session, facts, outcome.facts, nullptr, changed, report.document);
+    const LoadWrites writes(session, outcome, changed);
+    if (areAllWrites) report.text += writes.writesText();
+    report.text += writes.changesText();
+    if (!moves.empty()) report.text += forPerson("Other parameters from then on:\n") + moves;
+    if (!areAllWrites) report.text += forPerson(writes.repeatedText());
     addFindings(report, outcome.findings);
     return report;
 }
@@ -114,11 +226,12 @@ bool isAgreed() {
 
 json planJob(ScratchSession& session, const json& arguments) {
     const auto words = arguments.at("words").get<Words>();
-    return asMessage(isFile(words) ? planFile(session, fileOf(words)) : planAssignments(session, words));
+    return asMessage(isFile(words) ? planFile(session, fileOf(words), arguments.at("all").get<bool>())
+                                   : planAssignments(session, words));
 }
 
 Report planChanges(Context& context, const Words& words) {
-    return askScratch(context, "plan", {{"words", words}});
+    return askScratch(context, "plan", {{"words", words}, {"all", context.options().areAllWrites}});
 }
 
 Report applyChanges(Context& context, const Words& words) {
@@ -131,7 +244,7 @@ Report applyChanges(Context& context, const Words& words) {
         plan.problems.push_back("nothing was applied");
         return plan;
     }
-    if (!options.json && !options.quiet) writeOut(plan.text);
+    if (!options.json && !options.quiet) writeOut(laidOut(plan));
     plan.text.clear();
     if (!options.yes && !isAgreed()) {
         plan.problems.push_back("nothing was applied");

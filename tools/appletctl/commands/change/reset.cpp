@@ -64,7 +64,8 @@ void tell(Instance& instance, const Default& wanted, Report& report) {
                                   {"from", valueAsJson(wanted.target, wanted.before)},
                                   {"to", valueAsJson(wanted.target, wanted.value)}};
     if (isHeld(instance, wanted)) {
-        report.text += parameter.name + ": " + from + " -> " + to + '\n';
+        report.text += lineOf({parameter.name, from, valueText(parameter, wanted.value), parameter.unit()},
+                              parameter.name + ": " + from + " -> " + to);
     } else {
         report.problems.push_back(parameter.name + " stays " + from + ", the default " + to +
                                   " was refused: " + codeInWords(wanted.code));
@@ -135,7 +136,7 @@ Report resetParameters(Context& context, const Words& words) {
             report.exitCode = exitRefused;
         }
     if (open.empty() && report.exitCode == exitDone)
-        report.text += heldText(context.parameters(), names, defaults);
+        report.text += forPerson(heldText(context.parameters(), names, defaults));
     addAssumed(report, context.assumed());
     return report;
 }

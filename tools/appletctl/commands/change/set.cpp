@@ -69,9 +69,9 @@ void verify(Context& context, const Words& words, const json& expected, Report& 
     if (!context.options().offline) verifyDesign(context, expected.at("design"), report, rows);
     if (!rows.empty()) report.exitCode = exitRefused;
     if (rows.empty() && report.exitCode == exitDone)
-        report.text +=
+        report.text += forPerson(
             "Verified: all values read back" +
-            std::string(context.options().offline ? ".\n" : ", and the design holds what it should.\n");
+            std::string(context.options().offline ? ".\n" : ", and the design holds what it should.\n"));
 }
 
 /** Says of what was set and is read-only in the end that it waits, and for what. */

@@ -43,7 +43,7 @@ WhyReport whyRefused(Probe& probe, const Assignment& assignment) {
     const int code = probe.answer(assignment.target, assignment.value);
     WhyReport answer;
     answer.row = {{"name", assignment.target.name()}, {"requested", requestedAsJson(assignment)}, {"accepted", code == FG_OK}};
-    answer.table.addHeading(assignment.target.name() + "=" + printable(text));
+    answer.table.addSubject(assignment.target.name() + "=" + printable(text));
     if (code == FG_OK) {
         const bool isPublished = accessWord(parameter) != "ro";
         answer.table.addRow(
@@ -66,7 +66,7 @@ WhyReport whyReadOnly(Probe& probe, std::size_t place) {
     const ParameterState facts = probe.facts(place);
     const std::string access = accessWord(probe.at(place));
     answer.row = {{"name", probe.at(place).name}, {"access", access}, {"writable", isWritable(facts.access)}};
-    answer.table.addHeading(probe.at(place).name);
+    answer.table.addSubject(probe.at(place).name);
     if (facts.error == FG_OK) {
         answer.table.addRow({"now", valueWithUnit(probe.at(place), facts.value)});
         addValue(answer.row, {&probe.at(place)}, facts.value);
@@ -100,7 +100,9 @@ json whyJob(ScratchSession& session, const json& arguments) {
     auto& rows = report.document["answers"] = ordered_json::array();
     startFrom(session, arguments);
     Probe probe(session);
-    for (const std::string& word : arguments.at("words").get<Words>()) {
+    const auto words = arguments.at("words").get<Words>();
+    for (const std::string& word : words) {
+        session.tellProgress(rows.size(), words.size());
         const bool isAssignment = word.find('=') != std::string::npos;
         WhyReport answer;
         if (isAssignment) {

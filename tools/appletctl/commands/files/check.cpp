@@ -28,7 +28,8 @@ Report checkConfiguration(Context& context, const Words& words) {
     // A virtual board is no other than the scratch board itself.
     const bool isSystem = context.options().board == BoardKind::system && !context.options().offline;
     append(report, askCheck(isSystem ? context.scratchAtDefaults() : context.bareScratch(), file).report);
-    if (report.exitCode == exitDone) report.text += "A load of " + shownFile(file) + " loses nothing.\n";
+    if (report.exitCode == exitDone)
+        report.text += forPerson("A load of " + shownFile(file) + " loses nothing.\n");
     if (isSystem || context.options().offline) addAssumed(report, context.assumed());
     return report;
 }

@@ -34,7 +34,7 @@ Report compareConfigurations(Context& context, const Words& words) {
         sides.push_back({"NOW", "now", &now.emplace(stateOf(work.instance))});
     }
     if (askDifferences(report, sides, context.bareScratch()) == 0)
-        report.text += "The values are the same.\n";
+        report.text += forPerson("The values are the same.\n");
     else
         report.exitCode = exitDifferent;
     return report;

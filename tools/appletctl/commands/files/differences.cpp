@@ -79,7 +79,8 @@ std::size_t addDifferences(Report& report, const std::vector<Side>& sides, const
         table.addRow(cells);
         rows.push_back(std::move(row));
     }
-    if (!rows.empty()) report.text += table.render(Style::forStream(STDOUT_FILENO));
+    if (!rows.empty() || isPlainOutput())
+        report.text += table.render(Style::forStream(STDOUT_FILENO));
     return rows.size();
 }
 

@@ -40,7 +40,7 @@ Report loadConfiguration(Context& context, const Words& words) {
     const ConfigurationFile now = stateOf(work.instance);
     if (askDifferences(work.report, {{"BEFORE", "before", &before}, {"NOW", "now", &now}}, scratch,
                        NextCycle::same) == 0)
-        work.report.text += "Nothing has changed.\n";
+        work.report.text += forPerson("Nothing has changed.\n");
     append(work.report, check.report);
     addSurprises(work, check, code, now, scratch);
     addAssumed(work.report, context.assumed());

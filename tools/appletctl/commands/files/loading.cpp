@@ -165,9 +165,10 @@ std::vector<Finding> judgeLines(ScratchSession& session, FileKeys& keys, const s
                                 const ConfigurationFile& asked, const ConfigurationFile& state) {
     constexpr std::size_t mostUnknown = 20;
     std::vector<Finding> findings;
-    std::size_t unknown = 0;
+    std::size_t unknown = 0, told = 0;
     Judge judge(session, file, asked, state);
     for (const auto& line : asked.values()) {
+        session.tellProgress(told++, asked.values().size());
         if (keys.defaults().values().find(line.key) == nullptr) {
             if (++unknown <= mostUnknown) findings.push_back(unknownKey(session.parameters(), line.key));
             continue;
@@ -271,8 +272,10 @@ LoadOutcome loadAndCompare(ScratchSession& session, FileKeys& keys, const std::s
     }
     for (Finding& finding : judgeLines(session, keys, file, asked, state))
         outcome.findings.push_back(std::move(finding));
-    for (Finding& finding : outcome.findings)
+    for (std::size_t done = 0; Finding & finding : outcome.findings) {
+        session.tellProgress(done++, outcome.findings.size());
         addReached(session, asked, before, loaded, finding);
+    }
     addCauses(session, file, asked, outcome.findings);
     return outcome;
 }
@@ -287,7 +290,8 @@ void addFindings(Report& report, const std::vector<Finding>& findings) {
         if (!finding.reached.empty()) row["reached"] = asJson(finding.reached);
         rows.push_back(std::move(row));
         if (!finding.isLoss) {
-            report.text += finding.message + '\n';
+            report.text +=
+                lineOf({finding.kind, toUtf8(finding.key.c_str()), finding.message}, finding.message);
             continue;
         }
         report.problems.push_back(finding.message);

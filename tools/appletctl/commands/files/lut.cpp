@@ -113,7 +113,7 @@ void addCurves(Report& report, const LutTables& tables, const std::string& colou
     for (const LutTable& table : tables.colours) {
         if (colour != "all" && colour != table.colour) continue;
         const std::string title = oneForAll ? "red, green and blue" : table.colour;
-        report.text += '\n' + title + '\n' + curveText(table.entries, tables.largest, braille);
+        report.text += '\n' + title + '\n' + curveText(table.entries, tables.largest, braille, outputWidth());
         if (oneForAll) return;
     }
 }
@@ -125,13 +125,13 @@ Report showLut(Context& context, const Words& assignments) {
     if (work.isRefused()) return work.report;
     const LutTables tables = tablesOf(work);
     addDocument(work, tables);
-    work.report.text += settingsText(work) + "\n";
+    work.report.text += forPerson(settingsText(work) + "\n");
     if (std::get<std::int32_t>(work.get("FG_LUT_ENABLE")) == FG_OFF)
         work.report.text +=
-            "The lookup table is off: images pass unchanged, so nothing is clipped in them. With "
-            "FG_LUT_ENABLE=FG_ON it does this:\n";
-    work.report.text += "\n" + statisticsText(tables);
-    addCurves(work.report, tables, context.options().lutChannel);
+            forPerson("The lookup table is off: images pass unchanged, so nothing is clipped in them. With "
+                      "FG_LUT_ENABLE=FG_ON it does this:\n");
+    work.report.text += forPerson("\n") + statisticsText(tables);
+    if (!isPlainOutput()) addCurves(work.report, tables, context.options().lutChannel);
     return work.report;
 }
 
@@ -144,8 +144,10 @@ Report saveLut(Context& context, const Words& words) {
     addDocument(work, tables);
     work.report.document["file"] = toUtf8(file.c_str());
     writeFile(file, fileTextOf(context.options(), tables));
-    work.report.text += shownFile(file) + ": three tables of " +
-                        numberText(tables.colours.front().entries.size()) + " entries written\n";
+    work.report.text +=
+        lineOf({"written", toUtf8(file.c_str())}, shownFile(file) + ": three tables of " +
+                                                      numberText(tables.colours.front().entries.size()) +
+                                                      " entries written");
     return work.report;
 }
 
@@ -166,10 +168,12 @@ Report loadLut(Context& context, const Words& words) {
                     refusedFile(work, "FG_LUT_CUSTOM_FILE", file, code));
         return work.report;
     }
-    work.report.text += shownFile(file) + (isChanged ? " was loaded.\n"
-                                                     : " was loaded and changed no entry: it holds the same "
-                                                       "tables, or none that the applet can read.\n");
-    work.report.text += settingsText(work) + "\n\n" + statisticsText(tables) + blueOnTheBoard;
+    work.report.text +=
+        forPerson(shownFile(file) + (isChanged ? " was loaded.\n"
+                                               : " was loaded and changed no entry: it holds the same "
+                                                 "tables, or none that the applet can read.\n"));
+    work.report.text +=
+        forPerson(settingsText(work) + "\n\n") + statisticsText(tables) + forPerson(blueOnTheBoard);
     return work.report;
 }
 
@@ -182,7 +186,7 @@ Report plotLut(Context& context, const Words& words) {
     addDocument(work, tables);
     work.report.document["file"] = toUtf8(file.c_str());
     writeFile(file, curvesAsSvg(tables, settingsText(work)));
-    work.report.text += shownFile(file) + " written\n";
+    work.report.text += writtenLine(toUtf8(file.c_str()));
     return work.report;
 }
 

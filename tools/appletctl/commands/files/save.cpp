@@ -15,12 +15,13 @@ Report saveConfiguration(Context& context, const Words& words) {
     work.report.document["file"] = toUtf8(file.c_str());
     const ConfigurationFile saved = stateOf(work.instance);
     writeFile(file, saved.text());
-    work.report.text += shownFile(file) + ": " + numberText(saved.values().size()) + " values written\n";
+    work.report.text += lineOf({"written", printable(toUtf8(file.c_str()))},
+                               shownFile(file) + ": " + numberText(saved.values().size()) + " values written");
     work.report.document["values"] = saved.values().size();
     ScratchBoard& scratch = context.scratchAtDefaults();
     if (askDifferences(work.report, {{"DEFAULT", "default", nullptr}, {"SAVED", "saved", &saved}}, scratch) ==
         0)
-        work.report.text += "All of them are defaults.\n";
+        work.report.text += forPerson("All of them are defaults.\n");
     const Check check = askCheck(scratch, file);
     if (check.report.exitCode != exitDone)
         work.refuse(shownFile(file) + " is complete, but a load does not restore all of it:");

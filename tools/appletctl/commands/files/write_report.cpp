@@ -51,8 +51,8 @@ nlohmann::ordered_json systemInfo() {
 std::string linesOf(const nlohmann::ordered_json& object) {
     std::string text;
     for (const auto& [key, value] : object.items())
-        text += "  " + key + ": " + (value.is_string() ? printable(value.get<std::string>()) : value.dump()) +
-                '\n';
+        text +=
+            "  " + key + ": " + (value.is_null() ? "not set" : printable(value.get<std::string>())) + '\n';
     return text;
 }
 
@@ -87,6 +87,8 @@ Report writeReport(Context& context, const Words& assignments) {
     Report done = setParameters(context, assignments);
     if (done.exitCode != exitDone) return done;
     Report report;
+    report.isVerbatim = true;
+    const OutputForFile layout;
     auto& document = report.document;
     document["about"] = systemInfo();
     document["environment"] = environment();
@@ -106,7 +108,7 @@ Report writeReport(Context& context, const Words& assignments) {
     }
     writeFile(*file, context.options().json ? documentText(report, "report", 2) : text);
     report.document = {{"file", toUtf8(file->c_str())}};
-    report.text = inQuotes(toUtf8(file->c_str())) + " written\n";
+    report.text = writtenLine(toUtf8(file->c_str()));
     return report;
 }
 

@@ -34,7 +34,8 @@ Report checkedDocument(Context& context, const std::string& document) {
         table.addRow({finding.node, finding.reason});
         rows.push_back({{"node", finding.node}, {"reason", finding.reason}});
     }
-    report.text = rows.empty() ? "Nothing found.\n" : table.render(Style::forStream(STDOUT_FILENO));
+    report.text =
+        rows.empty() && !isPlainOutput() ? "Nothing found.\n" : table.render(Style::forStream(STDOUT_FILENO));
     if (!rows.empty()) report.exitCode = exitRefused;
     return report;
 }
@@ -52,6 +53,7 @@ Report showXml(Context& context, const Words&) {
     Report report;
     if (!options.outFile) {
         report.text = document;
+        report.isVerbatim = true;
         report.document["document"] = toUtf8(document.c_str());
         return report;
     }
@@ -59,7 +61,7 @@ Report showXml(Context& context, const Words&) {
     const std::string file = toUtf8(options.outFile->c_str());
     report.document["file"] = file;
     report.document["bytes"] = document.size();
-    report.text = inQuotes(file) + " written\n";
+    report.text = writtenLine(file);
     return report;
 }
 

@@ -51,7 +51,7 @@ Report describeParameters(Context& context, const Words& names) {
         const auto addLine = [&](const char* title, const std::string& content) {
             if (!content.empty()) table.addRow({title, printable(content)});
         };
-        table.addHeading(parameter->name);
+        table.addSubject(parameter->name);
         addLine("label", parameter->label());
         addLine("id", numberText(parameter->id));
         addLine("group", parameter->path());

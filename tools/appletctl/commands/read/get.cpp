@@ -7,10 +7,12 @@ namespace {
 /** "FG_WIDTH = 1024 pixel"; one line for each element. */
 std::string valueLines(const Target& target, const Value& value) {
     const auto* elements = std::get_if<Elements>(&value);
-    if (elements == nullptr) return target.name() + " = " + valueWithUnit(*target.parameter, value) + '\n';
+    if (elements == nullptr) return valueLine(target, value);
     std::string lines;
-    for (std::uint32_t index = target.elements->first; const std::uint32_t element : *elements)
-        lines += elementName(*target.parameter, index++) + " = " + numberText(element) + '\n';
+    for (std::uint32_t index = target.elements->first; const std::uint32_t element : *elements) {
+        lines += valueLine({target.parameter, ElementRange{index, index}}, element);
+        ++index;
+    }
     return lines;
 }
 
@@ -54,6 +56,7 @@ Report getParameters(Context& context, const Words& names) {
             report.exitCode = exitRefused;
         }
     }
+    report.isVerbatim = options.isRaw;
     return report;
 }
 

@@ -136,6 +136,7 @@ Table tableOf(const std::vector<Listed>& rows, const Words& chosen) {
             names = {"name", "value", defaultColumn, "unit", "access", "limits"};
     }
     Table table;
+    if (chosen.empty()) table.setDispensable({"LIMITS OR ENTRIES", "DEFAULT", "ACCESS", "UNIT"});
     std::vector<std::string> titles;
     for (const std::string& name : names)
         titles.push_back(std::ranges::find(columns, name, &Column::name)->title);
@@ -153,6 +154,15 @@ Table tableOf(const std::vector<Listed>& rows, const Words& chosen) {
         table.addRow(std::move(cells));
     }
     return table;
+}
+
+std::string nothingListed(const Options& options, const std::string& pattern) {
+    if (options.onlyChanged && pattern.empty() && options.group.empty() && !options.onlyWritable)
+        return "No parameter differs from its default.\n";
+    return "No parameter" + (pattern.empty() ? "" : " matches " + inQuotes(toUtf8(pattern.c_str()))) +
+           (options.group.empty() ? "" : " in a group with " + inQuotes(toUtf8(options.group.c_str()))) +
+           (options.onlyWritable ? ", is writable" : "") +
+           (options.onlyChanged ? ", and differs from its default" : "") + ".\n";
 }
 
 } // namespace
@@ -188,7 +198,7 @@ Report listParameters(Context& context, const Words& pattern) {
     for (const Listed& listed : rows)
         documented.push_back(asJson(listed, wantsRole));
     report.text = tableOf(rows, options.columns).render(Style::forStream(STDOUT_FILENO));
-    if (rows.empty()) report.text = "Nothing of this kind.\n";
+    if (rows.empty() && !isPlainOutput()) report.text = nothingListed(options, asked);
     return report;
 }
 

@@ -116,9 +116,24 @@ std::string rateText(double perSecond) {
     return text;
 }
 
+/** A record for each parameter: seconds, name, value, unit; with rates the change per second. */
+std::string asRecords(const Round& round, bool wantsRates) {
+    std::string text;
+    for (const Watched& watched : round.watched) {
+        const Parameter& parameter = *watched.target.parameter;
+        const ReadResult& reading = watched.reading;
+        text += secondsText(round) + '\t' + watched.target.name() + '\t' +
+                shownValue(reading, valueText(parameter, reading.value)) + '\t' + parameter.unit();
+        if (wantsRates) text += '\t' + (watched.perSecond ? rateText(*watched.perSecond) : "-");
+        text += '\n';
+    }
+    return text;
+}
+
 /** "2.000  FG_WIDTH = 1024 pixel  FG_OVERFLOW = (-2010, ...)". */
 std::string asLine(const Round& round, bool wantsRates) {
     std::string line = secondsText(round);
+    if (isPlainOutput()) return asRecords(round, wantsRates);
     for (const Watched& watched : round.watched) {
         const ReadResult& reading = watched.reading;
         line += "  " + watched.target.name() + " = ";
@@ -163,6 +178,7 @@ std::string asTable(const Round& round, bool wantsRates) {
     if (wantsRates) titles.emplace_back("PER SECOND");
     titles.emplace_back("COURSE");
     table.setTitles(std::move(titles));
+    table.setDispensable({"COURSE", "MINIMUM", "MAXIMUM", "PER SECOND", "UNIT"});
     for (const Watched& watched : round.watched) {
         const Parameter& parameter = *watched.target.parameter;
         const auto cell = [&](const std::optional<Value>& value) {

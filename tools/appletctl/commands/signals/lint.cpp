@@ -479,7 +479,12 @@ json findingsOf(Context& context, const std::string& file) {
 std::string findingsText(const json& findings) {
     std::string text;
     for (const json& finding : findings) {
-        text += finding["rule"].get<std::string>() + ": " + join(finding["texts"].get<Words>(), ", ") + '\n';
+        const auto values = join(finding["texts"].get<Words>(), ", ");
+        if (isPlainOutput()) {
+            text += join({finding["rule"], values, finding["why"], finding["advice"]}, "\t") + '\n';
+            continue;
+        }
+        text += finding["rule"].get<std::string>() + ": " + values + '\n';
         text += "    " + finding["why"].get<std::string>() + ".\n";
         text += "    " + finding["advice"].get<std::string>() + ".\n";
     }
@@ -498,7 +503,7 @@ Report lintParameters(Context& context, const Words& words) {
     for (auto& finding : report.document["findings"])
         finding.erase("texts");
     if (isFile) report.document["file"] = toUtf8(words.front().c_str());
-    report.text += findings.empty() ? "Nothing doubtful.\n" : findingsText(findings);
+    report.text += findings.empty() ? forPerson("Nothing doubtful.\n") : findingsText(findings);
     if (const int code = told["loaded"].get<int>(); code != FG_OK)
         report.problems.push_back("the load answered " + codeInWords(code) + ": 'appletctl check' tells why");
     if (!findings.empty() || !report.problems.empty()) report.exitCode = exitRefused;

@@ -286,6 +286,7 @@ Report showRoutes(Context& context, const Words& assignments) {
     auto& rows = report.document["routes"] = nlohmann::ordered_json::array();
     Table table;
     table.setTitles({"OUTPUT", "SOURCE", "POLARITY", "BOARD: SELECT", "INVERT", "AGREES"});
+    table.setDispensable({"INVERT", "BOARD: SELECT"});
     std::vector<RouteState> states;
     for (std::size_t i = 0; i < routes.size(); ++i) {
         RouteState& state = states.emplace_back(stateOf(instance, routes[i]));
@@ -305,6 +306,7 @@ Report showRoutes(Context& context, const Words& assignments) {
     addInputs(inputs, report);
     if (context.options().dot) {
         report.text = asDot(inputs, states);
+        report.isVerbatim = true;
         report.document["dot"] = report.text;
         return report;
     }

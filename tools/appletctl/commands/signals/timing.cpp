@@ -259,7 +259,7 @@ void writePicture(Report& report, const std::optional<std::string>& file, const 
     if (!file) return;
     writeFile(*file, content);
     report.document[member] = toUtf8(file->c_str());
-    report.text += inQuotes(toUtf8(file->c_str())) + " written\n";
+    report.text += writtenLine(toUtf8(file->c_str()));
 }
 
 } // namespace
@@ -273,13 +273,14 @@ Report showTiming(Context& context, const Words& assignments) {
     const Timing timing = timingOf(context.instance(), context.parameters());
     addDocument(report, timing);
     if (!report.text.empty()) report.text += '\n';
-    report.text +=
-        wavesText(timing.shown, timing.end, timing.settings.period, canDrawUnicode(STDOUT_FILENO)) + '\n' +
-        tableText(timing);
+    report.text += forPerson(wavesText(timing.shown, timing.end, timing.settings.period,
+                                       canDrawUnicode(STDOUT_FILENO), outputWidth()) +
+                             '\n') +
+                   tableText(timing);
     for (const std::string& warning : timing.warnings)
-        report.text += warning + ".\n";
+        report.text += forPerson(warning + ".\n");
     for (const std::string& assumption : timing.assumed)
-        report.text += "(assumed: " + assumption + ")\n";
+        report.text += forPerson("(assumed: " + assumption + ")\n");
     const std::vector<Wave> waves = allWaves(timing);
     writePicture(report, options.svgFile, "svg",
                  wavesAsSvg(waves, timing.end, timing.settings.period, subtitle(timing)));

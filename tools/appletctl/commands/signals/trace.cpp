@@ -122,8 +122,8 @@ Report traceRun(Context& context, bool isShownByCommand, const std::function<Rep
     if (isShownByCommand) return report;
     std::string text;
     for (const std::string& line : context.accesses())
-        text += "  " + line + '\n';
-    if (text.empty()) text = std::string("  ") + noAccess + '\n';
+        text += accessLine(line);
+    if (text.empty()) text = forPerson(std::string("  ") + noAccess + '\n');
     // What the command printed as it went is out already; the accesses, or the document, follow.
     report.text = report.isPrinted ? text : report.text + text;
     report.isPrinted = false;
@@ -137,12 +137,12 @@ Report compareTraces(Context&, const Words& files) {
     const Lines first = accessesOfFile(files[0]), second = accessesOfFile(files[1]);
     for (const OneSided& one : differencesOf(first, second)) {
         const bool isFirst = std::string_view(one.side) == "first";
-        report.text += (isFirst ? "-" : "+") + numberText(one.number) + "  " + printable(one.line) + '\n';
-        rows.push_back(
-            {{"side", one.side}, {"number", one.number}, {"access", accessesAsJson({one.line}).front()}});
+        report.text += lineOf({one.side, numberText(one.number), printable(one.line)},
+                              (isFirst ? "-" : "+") + numberText(one.number) + "  " + printable(one.line));
+        rows.push_back({{"side", one.side}, {"number", one.number}, {"access", accessesAsJson({one.line}).front()}});
         report.exitCode = exitDifferent;
     }
-    if (rows.empty()) report.text = "The accesses are the same.\n";
+    if (rows.empty()) report.text = forPerson("The accesses are the same.\n");
     return report;
 }
 

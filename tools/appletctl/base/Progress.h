@@ -1,0 +1,35 @@
+/** What a person sees while a command takes its time. */
+#ifndef APPLETCTL_BASE_PROGRESS_H
+#define APPLETCTL_BASE_PROGRESS_H
+
+#include <chrono>
+#include <string>
+
+namespace appletctl {
+
+/** One line on the terminal that is rewritten as the work goes on, and erased at its end. It goes to the error output,
+ *  only when both outputs are terminals, not with --json, --plain or -q, and not before half a second. */
+class Progress {
+public:
+    explicit Progress(std::string title);
+    ~Progress();
+    Progress(const Progress&) = delete;
+    Progress& operator=(const Progress&) = delete;
+
+    /** How long to wait before the next update; negative when nothing is to be shown. */
+    std::chrono::milliseconds interval() const;
+    void setDetail(std::string detail) { m_detail = std::move(detail); }
+    /** Shows the time that has passed, and the detail. */
+    void update();
+
+private:
+    std::string m_title;
+    std::string m_detail;
+    std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
+    bool m_isWanted;
+    bool m_isShown = false;
+};
+
+} // namespace appletctl
+
+#endif

@@ -1,0 +1,165 @@
+#include "appletctl/base/Table.h"
+
+#include "appletctl/base/layout.h"
+#include "appletctl/base/output.h"
+#include "appletctl/base/text.h"
+
+#include <algorithm>
+#include <numeric>
+
+namespace appletctl {
+namespace {
+
+constexpr std::size_t gap = 2;              // blanks before each cell
+constexpr std::size_t narrowestFolded = 24; // a column of text that is narrower is hard to read
+
+std::size_t longestWord(std::string_view text) {
+    std::size_t longest = 0;
+    for (const std::string& word : foldedLines(text, 1))
+        longest = std::max(longest, displayWidth(word));
+    return longest;
+}
+
+std::string withoutEndBlanks(std::string text) {
+    text.erase(text.find_last_not_of(' ') + 1);
+    return text;
+}
+
+} // namespace
+
+std::string Table::asRecords() const {
+    std::string text, subject;
+    for (const Line& line : m_lines) {
+        if (line.kind == Kind::subject) subject = line.cells.front() + '\t';
+        if (!line.isHeading()) text += subject + join(line.cells, "\t") + '\n';
+    }
+    return text;
+}
+
+std::vector<Table::Column> Table::measured() const {
+    std::vector<Column> columns;
+    for (const Line& line : m_lines) {
+        if (line.isHeading()) continue;
+        columns.resize(std::max(columns.size(), line.cells.size()));
+        for (std::size_t i = 0; i < line.cells.size(); ++i) {
+            columns[i].natural = std::max(columns[i].natural, displayWidth(line.cells[i]));
+            columns[i].least = std::max(columns[i].least, longestWord(line.cells[i]));
+            if (line.kind == Kind::row)
+                columns[i].least =
+                    std::max(columns[i].least, std::min(displayWidth(line.cells[i]), narrowestFolded));
+        }
+    }
+    for (Column& column : columns)
+        column.width = column.natural;
+    return columns;
+}
+
+const std::vector<std::string>* Table::titles() const {
+    const auto found = std::ranges::find(m_lines, Kind::titles, &Line::kind);
+    return found == m_lines.end() ? nullptr : &found->cells;
+}
+
+/** The first cell, and below it the others with their titles. */
+std::string Table::stackedText(const Line& line, std::size_t width) const {
+    std::string text = std::string(gap, ' ') + line.cells.front();
+    for (std::size_t i = 1; i < line.cells.size(); ++i) {
+        if (line.cells[i].empty()) continue;
+        const bool hasTitle = titles() != nullptr && i < titles()->size();
+        text += '\n' + std::string(2 * gap, ' ') +
+                (hasTitle ? lowerCase((*titles())[i]) + ": " : std::string()) + line.cells[i];
+    }
+    return wrapped(text, width);
+}
+
+/** Makes columns narrower until the lines are short enough; false if they cannot be. */
+bool Table::fit(std::vector<Column>& columns, std::size_t width) {
+    std::size_t natural = 0, least = 0;
+    for (const Column& column : columns) {
+        if (!column.isShown) continue;
+        natural += gap + column.natural;
+        least += gap + column.least;
+    }
+    if (natural <= width) return true;
+    if (least > width) return false;
+    for (std::size_t excess = natural - width; excess > 0; --excess) {
+        Column* widest = nullptr;
+        for (Column& column : columns)
+            if (column.isShown && column.width > column.least &&
+                (widest == nullptr || column.width > widest->width))
+                widest = &column;
+        --widest->width;
+    }
+    return true;
+}
+
+/** Leaves columns out until the others fit, the least important first; false if that is not enough. */
+bool Table::fitWithout(Layout& layout, std::size_t width) const {
+    if (fit(layout.columns, width)) return true;
+    if (titles() == nullptr) return false;
+    for (const std::string& title : m_dispensable) {
+        const auto found = std::ranges::find(*titles(), title);
+        if (found == titles()->end()) continue;
+        layout.columns[static_cast<std::size_t>(found - titles()->begin())].isShown = false;
+        layout.hidden.push_back(title);
+        if (fit(layout.columns, width)) return true;
+    }
+    return false;
+}
+
+Table::Layout Table::layoutFor(std::size_t width) const {
+    Layout layout{.columns = measured(), .hidden = {}};
+    if (fitWithout(layout, width)) return layout;
+    if (titles() != nullptr && titles()->size() > 2) {
+        layout = {.columns = measured(), .hidden = {}, .isFirstAbove = true};
+        layout.columns.front().isShown = false;
+        if (fitWithout(layout, width - std::min(width, gap))) return layout;
+    }
+    layout.isStacked = true;
+    return layout;
+}
+
+std::string Table::rowText(const Line& line, const Layout& layout) const {
+    const std::vector<Column>& columns = layout.columns;
+    std::vector<std::vector<std::string>> cells;
+    std::size_t height = 1;
+    for (std::size_t i = 0; i < line.cells.size(); ++i) {
+        cells.push_back(columns[i].width < columns[i].natural ? foldedLines(line.cells[i], columns[i].width)
+                                                              : std::vector{line.cells[i]});
+        if (columns[i].isShown) height = std::max(height, cells.back().size());
+    }
+    const std::string indent(layout.isFirstAbove ? gap : 0, ' ');
+    std::string text = layout.isFirstAbove ? indent + line.cells.front() + '\n' : "";
+    for (std::size_t row = 0; row < height; ++row) {
+        std::string shown = indent;
+        for (std::size_t i = 0; i < cells.size(); ++i) {
+            if (!columns[i].isShown) continue;
+            const std::string part = row < cells[i].size() ? cells[i][row] : "";
+            shown += std::string(gap, ' ') + part +
+                     std::string(columns[i].width - std::min(columns[i].width, displayWidth(part)), ' ');
+        }
+        text += (row == 0 ? "" : "\n") + withoutEndBlanks(std::move(shown));
+    }
+    return text;
+}
+
+std::string Table::render(const Style& style) const {
+    if (isPlainOutput()) return asRecords();
+    const std::size_t width = outputWidth();
+    const Layout layout = layoutFor(width);
+    std::string text;
+    for (const Line& line : m_lines) {
+        if (line.isHeading()) {
+            if (&line != &m_lines.front()) text += '\n';
+            text += style.heading(line.cells.front()) + '\n';
+        } else if (line.kind == Kind::titles) {
+            if (!layout.isStacked) text += style.faint(rowText(line, layout)) + '\n';
+        } else {
+            text += (layout.isStacked ? stackedText(line, width) : rowText(line, layout)) + '\n';
+        }
+    }
+    if (!layout.isStacked && !layout.hidden.empty())
+        text += style.faint("  (too narrow for: " + join(layout.hidden, ", ") + ")") + '\n';
+    return text;
+}
+
+} // namespace appletctl

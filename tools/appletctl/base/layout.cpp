@@ -1,0 +1,88 @@
+#include "appletctl/base/layout.h"
+
+#include "appletctl/base/numbers.h"
+#include "appletctl/base/text.h"
+
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace appletctl {
+namespace {
+
+/** Where a second column begins: behind two blanks or more within the line. */
+std::size_t secondColumn(std::string_view line) {
+    const std::size_t first = line.find_first_not_of(' ');
+    if (first == std::string_view::npos) return std::string_view::npos;
+    const std::size_t gap = line.find("  ", first);
+    const std::size_t second = gap == std::string_view::npos ? gap : line.find_first_not_of(' ', gap);
+    return second == std::string_view::npos ? second : displayWidth(line.substr(0, second));
+}
+
+std::size_t hangingIndent(std::string_view line, std::size_t width) {
+    const std::size_t second = secondColumn(line);
+    if (second != std::string_view::npos && second <= width / 2) return second;
+    const std::size_t indent = line.find_first_not_of(' ') + 2;
+    return indent <= width / 2 ? indent : 0;
+}
+
+std::string wrappedLine(std::string_view line, std::size_t width) {
+    const std::size_t indent = hangingIndent(line, width);
+    // The first line keeps its own beginning, so only the rest is folded in the narrower space.
+    const std::string first = foldedLines(line, width).front();
+    std::string text = first;
+    const std::size_t rest = line.find_first_not_of(' ', first.size());
+    if (rest == std::string_view::npos) return text;
+    for (const std::string& next : foldedLines(line.substr(rest), width - indent))
+        text += '\n' + std::string(indent, ' ') + next;
+    return text;
+}
+
+} // namespace
+
+std::size_t lineWidth(int fileDescriptor) {
+    winsize size{};
+    if (isatty(fileDescriptor) == 1 && ioctl(fileDescriptor, TIOCGWINSZ, &size) == 0 && size.ws_col > 0)
+        return size.ws_col;
+    const char* const columns = std::getenv("COLUMNS");
+    const auto wanted = wholeNumber<std::size_t>(columns != nullptr ? columns : "");
+    return wanted && *wanted > 0 ? *wanted : unlimitedWidth;
+}
+
+std::vector<std::string> foldedLines(std::string_view text, std::size_t width) {
+    std::vector<std::string> lines;
+    std::size_t begin = 0, end = 0; // of the present line
+    // An indented text keeps its indentation in the first line.
+    std::size_t place = std::min(text.find_first_not_of(' '), text.size());
+    while (place < text.size()) {
+        const std::size_t wordEnd = std::min(text.find(' ', place), text.size());
+        const bool isFirstWord = end == begin;
+        if (!isFirstWord && displayWidth(text.substr(begin, wordEnd - begin)) > width) {
+            lines.emplace_back(text.substr(begin, end - begin));
+            begin = place;
+        }
+        end = wordEnd;
+        place = std::min(text.find_first_not_of(' ', wordEnd), text.size());
+    }
+    lines.emplace_back(text.substr(begin, end - begin));
+    return lines;
+}
+
+std::string wrapped(const std::string& text, std::size_t width) {
+    std::string result;
+    for (std::size_t begin = 0; begin < text.size();) {
+        const std::size_t end = std::min(text.find('\n', begin), text.size());
+        const std::string_view line = std::string_view(text).substr(begin, end - begin);
+        if (displayWidth(line) > width)
+            result += wrappedLine(line, width);
+        else
+            result += line;
+        if (end < text.size()) result += '\n';
+        begin = end + 1;
+    }
+    return result;
+}
+
+} // namespace appletctl

@@ -1,0 +1,31 @@
+/** What every parameter moves of every other one, measured on the scratch board. */
+#ifndef APPLETCTL_SCRATCH_INFLUENCES_H
+#define APPLETCTL_SCRATCH_INFLUENCES_H
+
+#include "appletctl/applet/ParameterState.h"
+#include "appletctl/scratch/Context.h"
+
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace appletctl {
+
+struct Influence {
+    std::string from, to;
+    std::string what;          /**< "value", "limits", "access" or "accepted values" */
+    std::string with;          /**< the first change that was seen to do it: "FG_XOFFSET=64" */
+    std::string before, after; /**< empty for accepted values */
+};
+
+struct Influences {
+    std::vector<Influence> all;
+    std::map<std::string, std::set<int>> codes; /**< with which the setters refused, by parameter */
+};
+
+Influences askInfluences(Context& context);
+
+} // namespace appletctl
+
+#endif
