@@ -115,7 +115,7 @@ int broughtUp(Grabber& grabber, int flags) {
 }
 
 TEST_F(OutOfMemory, ObjectsComeUpOrNothingStays) {
-    sweep(1, {
+    sweep(14600, {
                  {"bring-up",
                   nothing,
                   [](Grabber& grabber) { return broughtUp(grabber, 0); },
