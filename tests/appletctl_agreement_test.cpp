@@ -31,17 +31,20 @@ struct Parameter {
     json values; // entries, or numbers at, near and beyond the limits
 };
 
-/** All that can be set and has no effect besides. */
-std::vector<Parameter> settableParameters() {
+/** All that a configuration file holds, but for measurements, and what can be set of them. */
+std::vector<Parameter> savedParameters(const std::string& file) {
     std::vector<Parameter> parameters;
-    const std::set<std::string> withEffects = {"FG_SENDSOFTWARETRIGGER", "FG_SIGNAL_ANALYZER_CLEAR",
-                                               "FG_DEBUGINSERT", "FG_DEBUGWRITEPIXEL", "FG_DEBUGWRITEFLAG"};
+    const std::string text = support::fileBytes(file);
+    const std::regex measured(".*(_CLEAR|_PULSE_COUNT|_PERIOD_.*|_DIFFERENCE|_ACTIVE|_PASSIVE|_INPUT)");
     const json listed = document({"list"})["parameters"];
     for (const json& row : listed) {
         Parameter parameter{row["name"], row.value("kind", ""), json::array()};
-        if (withEffects.contains(parameter.name)) continue;
+        if (!contains(text, '\n' + parameter.name + '=') || std::regex_match(parameter.name, measured))
+            continue;
         for (const json& entry : row.value("entries", json::array()))
             parameter.values.push_back(entry["value"]);
+        // A refused mode moves the access of others: no undo can come back to such a state.
+        if (parameter.name == "FG_CAMERASIMULATOR_SELECT_MODE") parameter.values.erase(0);
         const bool isNumber = parameter.kind == "UInt" || parameter.kind == "Double";
         if (isNumber && row.contains("minimum")) {
             const double low = row["minimum"], high = std::max(low, row["maximum"].get<double>());
@@ -91,16 +94,16 @@ TEST(AppletctlUndo, BringsBackValuesAccessAndDesignWhateverWasSet) {
                           "apply --yes FG_WIDTH=512 FG_LINETRIGGERMODE=ASYNC_TRIGGER" + change,
                           "lut load " + table + change,
                           "set FG_LUT_VALUE_RED[..]=7" + change,
-                          "set" + change + " FG_CAMERASIMULATOR_SELECT_MODE=FG_PIXEL_FREQUENCY",
                           "set FG_LINETRIGGERMODE=ASYNC_TRIGGER FG_LINE_DOWNSCALE=4 FG_SHAFTENCODERON=ON "
                           "FG_SHAFTENCODERMODE=FILTER_X4" +
                               change,
-                          "set FG_LINEPERIODE=300 FG_LINEEXPOSURE=250 FG_LINEPERIODE=60" + change};
-    const std::vector<Parameter> parameters = settableParameters();
-    ASSERT_GT(parameters.size(), 90u);
+                          "set FG_LINEPERIODE=300 FG_LINEEXPOSURE=250 FG_LINEPERIODE=60" + change,
+                          "set" + change + " FG_CAMERASIMULATOR_SELECT_MODE=FG_PIXEL_FREQUENCY"};
+    const std::vector<Parameter> parameters = savedParameters(plain);
+    ASSERT_GT(parameters.size(), 80u);
     Chance chance;
-    const auto command = [&] {
-        if (chance.below(3) == 0) return others[chance.below(others.size())];
+    const auto command = [&](bool isUndone) {
+        if (chance.below(3) == 0) return others[chance.below(others.size() - (isUndone ? 0 : 1))];
         std::string line = "set" + change;
         for (std::size_t count = 1 + chance.below(3); count > 0; --count)
             line += " " + chance.assignment(parameters);
@@ -109,10 +112,10 @@ TEST(AppletctlUndo, BringsBackValuesAccessAndDesignWhateverWasSet) {
     const std::string mark = "FG_TSL_FILE = \"Grab_TwinLaneLineColor.tsl\"\n";
     const Words look = {"get FG_TSL_FILE", "list -f name,access,value --plain", "lut show --plain"};
     Words lines, commands;
-    for (int i = 0; i < 150; ++i) {
-        lines.insert(lines.end(), {command(), "set FG_DIGIO_OUTPUT=1"});
+    for (int i = 0; i < 100; ++i) {
+        lines.insert(lines.end(), {command(false), "set FG_DIGIO_OUTPUT=1"});
         lines.insert(lines.end(), look.begin(), look.end());
-        commands.push_back(command());
+        commands.push_back(command(true));
         lines.insert(lines.end(), {commands.back(), "get FG_TSL_FILE", "undo"});
         lines.insert(lines.end(), look.begin(), look.end());
         lines.emplace_back("get FG_TSL_FILE");
@@ -146,7 +149,7 @@ TEST(AppletctlLint, AgreesWithCheckOnWhatALoadRefuses) {
     Words lines;
     std::vector<std::pair<std::string, const char*>> edits;
     for (std::sregex_iterator at(text.begin(), text.end(), line), end; at != end; ++at) {
-        for (const char* bad : {"-5", "77", "99999"}) {
+        for (const char* bad : {"-5", "99999"}) {
             const std::string edited = folder / (std::to_string(edits.size()) + ".mcf");
             support::writeFile(edited,
                                std::string(text).replace(static_cast<std::size_t>(at->position(2)),
@@ -155,15 +158,14 @@ TEST(AppletctlLint, AgreesWithCheckOnWhatALoadRefuses) {
             lines.insert(lines.end(), {"check " + edited, "lint " + edited});
         }
     }
-    ASSERT_GT(edits.size(), 300u);
+    ASSERT_GT(edits.size(), 200u);
     std::istringstream answers(shell(lines, {"--json"}).out);
     std::size_t refusals = 0;
     for (const auto& [name, bad] : edits) {
-        std::string checked, linted;
-        std::getline(answers, checked);
-        std::getline(answers, linted);
-        const json lint = json::parse(linted)["findings"];
-        const auto refused = refusedBy(json::parse(checked)["findings"], {"refused", "kept"}, "kind");
+        json checked, linted;
+        answers >> checked >> linted;
+        const json lint = linted["findings"];
+        const auto refused = refusedBy(checked["findings"], {"refused", "kept"}, "kind");
         std::set<std::string> told;
         for (const json& finding : lint)
             told.insert(finding["names"].begin(), finding["names"].end());
@@ -173,7 +175,7 @@ TEST(AppletctlLint, AgreesWithCheckOnWhatALoadRefuses) {
         for (const std::string& key : refusedBy(lint, {"limits"}, "rule"))
             EXPECT_TRUE(refused.contains(key)) << name << "=" << bad << ": check is silent on " << key;
     }
-    EXPECT_GT(refusals, 150u);
+    EXPECT_GT(refusals, 100u);
 }
 
 /** Every NAME=VALUE of an answer that is advised. */
@@ -233,21 +235,21 @@ TEST(AppletctlAdvice, IsAcceptedByTheSetters) {
         lines.insert(lines.end(), questions.begin(), questions.end());
         std::istringstream answers(shell(lines, {"--json"}).out);
         Words trials = {"get FG_WIDTH"}, asked;
-        std::string answer;
-        std::getline(answers, answer); // of the state itself
+        json answer;
+        answers >> answer; // of the state itself
         for (const std::string& question : questions) {
-            ASSERT_TRUE(std::getline(answers, answer)) << state;
-            for (const std::string& advice : advisedIn(json::parse(answer))) {
+            answers >> answer;
+            for (const std::string& advice : advisedIn(answer)) {
                 trials.insert(trials.end(), {"reset", state, advice});
                 asked.push_back(question + ": " + advice);
             }
         }
         std::istringstream outcomes(shell(trials, {"--json"}).out);
-        std::getline(outcomes, answer);
+        outcomes >> answer;
         for (const std::string& what : asked) {
             for (int i = 0; i < 3; ++i)
-                ASSERT_TRUE(std::getline(outcomes, answer));
-            EXPECT_TRUE(json::parse(answer)["done"].get<bool>()) << state << "; " << what << "\n" << answer;
+                outcomes >> answer;
+            EXPECT_TRUE(answer["done"].get<bool>()) << state << "; " << what << "\n" << answer;
             ++tried;
         }
     }

@@ -398,8 +398,8 @@ TEST_F(AppletctlConfiguration, ComesBackAsItWasSaved) {
     const Outcome loaded = run({"load", saved});
     EXPECT_EQ(loaded.exitCode, 0) << loaded.err;
     EXPECT_EQ(loaded.err, "");
-    EXPECT_TRUE(contains(loaded.out, "  FG_WIDTH                      1024 pixel        2048 pixel\n"));
-    EXPECT_TRUE(contains(loaded.out, "  FG_LINEPERIODE                200 µs            150.4 µs\n"));
+    EXPECT_TRUE(contains(loaded.out, "  FG_WIDTH        1024 pixel  2048 pixel\n"));
+    EXPECT_TRUE(contains(loaded.out, "  FG_LINEPERIODE  200 µs      150.4 µs\n"));
     EXPECT_FALSE(contains(loaded.out, "RATE")) << "the counter's next step is not worth a line" << loaded.out;
     EXPECT_EQ(document({"save", saved})["values"], 114);
     EXPECT_TRUE(contains(run({"save", saved}).out, "All of them are defaults."));

@@ -108,12 +108,15 @@ Wanted History::wantedValues(const Moment& moment) {
     return wanted;
 }
 
-/** The values hold, and yet access or design differ: a refused set may have moved them before it failed. */
-void History::rewrite(const Wanted& wanted) {
+/** The values hold, and yet access or design differ: a refused set may have moved them before it failed, or the
+ *  parameter does not read what it was set to. Modes are set again only for the access, which they move. */
+void History::rewrite(const Wanted& wanted, bool withModes) {
     Instance& instance = m_context.instance();
-    for (const auto& [parameter, value] : wanted)
-        if (value->is_number() && !isComputedNow(*parameter))
+    for (const auto& [parameter, value] : wanted) {
+        const bool isMode = parameter->kind() == REGISTER_KIND_ENUM;
+        if (value->is_number() && !isComputedNow(*parameter) && (withModes || !isMode))
             writeValue(instance, {parameter}, requestFor(*parameter, fromMessage({parameter}, *value)));
+    }
     bringAbout(instance, wanted);
 }
 
@@ -126,8 +129,9 @@ Report History::undo() {
     Instance& instance = m_context.instance();
     bringAbout(instance, values);
     if (!allHold(instance, values)) storeByLoad(instance, values);
-    if (const Moment reached = now(); reached.access != wanted.access || reached.design != wanted.design)
-        rewrite(values);
+    const Moment reached = now();
+    const bool hasAccess = reached.access == wanted.access;
+    if (!hasAccess || reached.design != wanted.design) rewrite(values, !hasAccess);
     writeDesign(instance, wanted.design);
     return reportOf(before, wanted);
 }

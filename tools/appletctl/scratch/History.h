@@ -36,7 +36,7 @@ private:
     Moment now();
     const std::set<std::string>& settable();
     Wanted wantedValues(const Moment& moment);
-    void rewrite(const Wanted& wanted);
+    void rewrite(const Wanted& wanted, bool withModes);
     Report reportOf(const Moment& before, const Moment& wanted);
 
     Context& m_context;

@@ -20,6 +20,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
+#include <utility>
 
 namespace appletctl {
 namespace {
@@ -27,7 +29,10 @@ namespace {
 /** The state that is looked at, and what was found so far. */
 class State {
 public:
-    explicit State(ScratchSession& session) : m_session(session) {}
+    /** `goBack` brings the session back to the state. */
+    State(ScratchSession& session, std::function<void()> goBack)
+        : m_session(session)
+        , m_goBack(std::move(goBack)) {}
 
     ScratchSession& session() { return m_session; }
     const ParameterList& parameters() const { return m_session.parameters(); }
@@ -89,12 +94,9 @@ public:
 
     /** To be called at the end, as it tries values. */
     const json& findings() {
-        if (m_proposals.empty()) return m_findings;
-        m_session.rewind();
-        Probe probe(m_session);
         for (const Proposal& proposal : m_proposals) {
-            m_findings[proposal.finding]["advice"] = adviceOn(probe, proposal);
-            probe.restore();
+            m_goBack();
+            m_findings[proposal.finding]["advice"] = adviceOn(proposal);
         }
         m_proposals.clear();
         return m_findings;
@@ -124,7 +126,8 @@ private:
         return values;
     }
 
-    std::string adviceOn(Probe& probe, const Proposal& proposal) {
+    std::string adviceOn(const Proposal& proposal) {
+        Probe probe(m_session);
         const Target target = m_session.target(proposal.name);
         std::optional<Value> accepted = proposal.wanted;
         if (probe.answer(target, proposal.wanted) != FG_OK)
@@ -135,6 +138,7 @@ private:
     }
 
     ScratchSession& m_session;
+    std::function<void()> m_goBack;
     json m_findings = json::array();
     std::vector<Proposal> m_proposals;
 };
@@ -156,7 +160,8 @@ void offTheGrid(State& state) {
     for (const Parameter& parameter : state.parameters().all()) {
         if (countingOf(parameter).empty() || !accessWord(parameter).starts_with("rw")) continue;
         const Value value = state.value(parameter.name);
-        if (const auto actual = nearestStep(parameter, value); actual && !state.isProposed(parameter.name))
+        if (!isWithinLimits(parameter, value) || state.isProposed(parameter.name)) continue;
+        if (const auto actual = nearestStep(parameter, value))
             state.propose("grid", {parameter.name},
                           "Requested is " + valueText(parameter, value) + ", but " + countingOf(parameter) +
                               ": the nearest is " + numberText(*actual),
@@ -183,13 +188,16 @@ void refusedIfSetAgain(State& state) {
         const auto* number = std::get_if<double>(&value);
         const bool isNoNumber = number != nullptr && !std::isfinite(*number);
         const int code = writeValue(state.session().instance(), {&parameter}, requestFor(parameter, value));
-        if (code == FG_ERR_NOT_AVAILABLE || (code == FG_OK && !isNoNumber)) continue;
-        const std::string refusal = isNoNumber ? "the value is no number, and no limit stops it"
-                                               : refusalInWords(parameter, value, code);
-        state.propose("limits", {parameter.name},
-                      "Setting the value again would be refused: " + refusal +
-                          ". The limits have moved since it was set, or a load has stored it unchecked",
-                      value);
+        if (isNoNumber)
+            state.propose("limits", {parameter.name},
+                          "The value is no number. No limit stops it, so the board receives it",
+                          fromMessage({&parameter}, state.session().defaults().at(parameter.name)));
+        else if (code != FG_OK && code != FG_ERR_NOT_AVAILABLE)
+            state.propose(
+                "limits", {parameter.name},
+                "Setting the value again would be refused: " + refusalInWords(parameter, value, code) +
+                    ". The limits have moved since it was set, or a load has stored it unchecked",
+                value);
     }
 }
 
@@ -428,16 +436,13 @@ constexpr Rule rules[] = {
     withoutEffect,
 };
 
-/** Loads the file, and leaves the board as the load does. */
-LoadOutcome loadToLookAt(ScratchSession& session, const std::string& file) {
+/** What a load of the file comes to; the board is not put back. */
+LoadOutcome tryLoad(ScratchSession& session, const std::string& file) {
     FileKeys keys(session);
     LoadOutcome outcome = loadAndCompare(session, keys, file);
     if (outcome.code == FG_ERR_FILE_TYPE)
         throw UsageError(inQuotes(toUtf8(file.c_str())) +
                          " cannot be loaded: it must exist, and .mcf must be part of its name");
-    session.rewind();
-    session.instance().applet().Fg_loadConfig(session.instance().fg(), file.c_str());
-    session.keep();
     return outcome;
 }
 
@@ -464,8 +469,15 @@ void addLosses(State& state, const LoadOutcome& outcome, const std::string& path
 json lintJob(ScratchSession& session, const json& arguments) {
     LoadOutcome outcome;
     const std::string file = arguments.value("file", "");
-    if (!file.empty()) outcome = loadToLookAt(session, file);
-    State state(session);
+    const auto goBack = [&] {
+        session.rewind();
+        if (!file.empty()) session.instance().applet().Fg_loadConfig(session.instance().fg(), file.c_str());
+    };
+    if (!file.empty()) {
+        outcome = tryLoad(session, file);
+        goBack();
+    }
+    State state(session, goBack);
     for (const Rule rule : rules)
         rule(state);
     if (!file.empty() && outcome.code == FG_OK) addLosses(state, outcome, file);
