@@ -255,7 +255,7 @@ TEST(Appletctl, GivesTheXmlDocumentOutOrIntoAFile) {
 
     const Outcome nowhere = run({"xml", "--out", file + "/none"});
     EXPECT_EQ(nowhere.exitCode, 1);
-    EXPECT_TRUE(contains(nowhere.err, "cannot be written: No such file")) << nowhere.err;
+    EXPECT_TRUE(contains(nowhere.err, "cannot be written: no file can be made in its folder")) << nowhere.err;
 }
 
 class AppletctlLut : public testing::Test {
