@@ -127,6 +127,7 @@ TEST(AppletctlRoute, DrawsAGraph) {
     EXPECT_TRUE(
         contains(graph, "  \"FG_SIGNAL_CAM0_EXSYNC\" -> \"FG_TRIGGEROUT_GPO_2\" [label=\"inverted\"];\n"));
     EXPECT_TRUE(contains(graph, "  \"FG_SIGNAL_CAM0_EXSYNC\" -> \"FG_TRIGGERCAMERA\" [];\n")) << graph;
+    EXPECT_TRUE(contains(graph, "  \"TRGINSRC_GPI_0\" -> \"image trigger\" [")) << graph;
 }
 
 TEST(AppletctlXml, FindsWhatAClientStumblesOver) {

@@ -1,6 +1,7 @@
 // Real runs of appletctl: what it prints where, its exit codes and its documents.
 
 #include "support/appletctl_program.h"
+#include "support/temporary_folder.h"
 
 #include <gtest/gtest.h>
 
@@ -78,6 +79,10 @@ TEST(AppletctlSet, TakesNumbersAndEntries) {
     const std::pair<const char*, const char*> cases[] = {
         {"FG_WIDTH=0x800", "FG_WIDTH = 2048 pixel\n"},
         {"FG_LINEPERIODE=150.4", "FG_LINEPERIODE = 150.4 µs\n"},
+        {"FG_LINEPERIODE=0.1504 ms", "FG_LINEPERIODE = 150.4 µs\n"},
+        {"FG_LINEPERIODE=1504e-1us", "FG_LINEPERIODE = 150.4 µs\n"},
+        {"FG_WIDTH=64px", "FG_WIDTH = 64 pixel\n"},
+        {"FG_TIMEOUT=2000ms", "FG_TIMEOUT = 2 seconds\n"},
         {"FG_VANTAGEPOINT=3", "FG_VANTAGEPOINT = FG_VANTAGEPOINT_BOTTOM_RIGHT (3)\n"},
         {"FG_VANTAGEPOINT=Bottom-Right", "FG_VANTAGEPOINT = FG_VANTAGEPOINT_BOTTOM_RIGHT (3)\n"},
         {"vantagepoint=vantagepoint_bottom_right", "FG_VANTAGEPOINT = FG_VANTAGEPOINT_BOTTOM_RIGHT (3)\n"},
@@ -119,10 +124,11 @@ TEST(AppletctlSet, StopsAtTheFirstRefusal) {
     const Outcome outcome = run(arguments);
     EXPECT_EQ(outcome.exitCode, 1);
     EXPECT_EQ(outcome.out, "FG_WIDTH = 2048 pixel\n");
-    EXPECT_EQ(outcome.err,
-              "appletctl: FG_WIDTH=20000 was refused: -6000, value out of range; the present limits are "
-              "4 to 16384 in steps of 4 pixel; the nearest accepted value is 16384 pixel\n"
-              "appletctl: not set after that: FG_HEIGHT\n");
+    EXPECT_EQ(
+        outcome.err,
+        "appletctl: FG_WIDTH=20000 was refused: -6000, value out of range; the present limits are "
+        "4 to 16384 in steps of 4 pixel; the maximum is fixed; the nearest accepted value is 16384 pixel\n"
+        "appletctl: not set after that: FG_HEIGHT\n");
     const json told = document(arguments);
     EXPECT_EQ(told["done"], false);
     ASSERT_EQ(told["assignments"].size(), 2u);
@@ -141,8 +147,17 @@ TEST(AppletctlSet, SaysWhyAValueWasRefused) {
         {{"FG_CAMSTATUS=1"}, "-12, read-only, or not available in the runtime; the parameter is read-only"},
         // The limits move with the neighbours, and a neighbour may stand against a value within them.
         {{"FG_XOFFSET=1024", "FG_WIDTH=16384"}, "the present limits are 4 to 15360 in steps of 4 pixel"},
-        {{"FG_VANTAGEPOINT=1", "FG_SENSORWIDTH=512"}, "it keeps to the present limits (4 to 16384 in steps"},
-        {{"FG_WIDTH=2048", "FG_VANTAGEPOINT=1"}, "it is an entry, so the value of another parameter stands"},
+        {{"FG_VANTAGEPOINT=1", "FG_SENSORWIDTH=512"},
+         "it keeps to the published limits, 4 to 16384 in steps of 4 pixel; the minimum is set by "
+         "FG_VANTAGEPOINT"},
+        {{"FG_WIDTH=2048", "FG_VANTAGEPOINT=1"},
+         "it is an entry that is not accepted now; accepted with FG_SENSORWIDTH=2048 or FG_WIDTH=1024"},
+        {{"FG_XOFFSET=64", "FG_WIDTH=20000"},
+         "; the maximum is set by FG_XOFFSET (16384 with FG_XOFFSET=0); "},
+        {{"FG_VANTAGEPOINT=2", "FG_SENSORHEIGHT=40000"}, " and the memory of the board; the nearest accepted value is 32257 pixel"},
+        {{"FG_CAMERASIMULATOR_SELECT_MODE=FG_PIXEL_FREQUENCY"},
+         "not accepted now; no change of another parameter that was tried makes it accepted"},
+        {{"FG_CAMERASIMULATOR_PIXEL_FREQUENCY=100"}, "its setter refuses every value that was tried"},
     };
     for (const auto& [assignments, expected] : cases) {
         Words arguments{"set"};
@@ -152,6 +167,27 @@ TEST(AppletctlSet, SaysWhyAValueWasRefused) {
         EXPECT_TRUE(contains(outcome.err, assignments.back() + " was refused: ")) << outcome.err;
         EXPECT_TRUE(contains(outcome.err, expected)) << outcome.err;
     }
+    // So does every command that takes assignments.
+    const support::TemporaryFolder folder;
+    const std::string file = folder / "x.mcf";
+    for (const Words& command :
+         {Words{"reset"}, Words{"route"}, Words{"lint"}, Words{"timing"}, Words{"report"},
+          Words{"lut", "show"}, Words{"save", file}, Words{"plan"}, Words{"limits", "FG_HEIGHT", "--with"}}) {
+        Words arguments = command;
+        arguments.push_back("FG_WIDTH=2");
+        EXPECT_TRUE(contains(run(arguments).err, "; the nearest accepted value is 4 pixel"))
+            << command.front();
+    }
+}
+
+TEST(AppletctlSet, SaysWhatAValueWaitsFor) {
+    const Words words{"set", "FG_LINE_DOWNSCALE=4"};
+    const std::string told = run(words).out;
+    EXPECT_TRUE(contains(told, "FG_LINE_DOWNSCALE has no effect yet: it is read-only until "
+                               "FG_LINETRIGGERMODE=ASYNC_TRIGGER or "))
+        << told;
+    EXPECT_FALSE(
+        document({"set", "FG_LINE_DOWNSCALE=4", "FG_LINETRIGGERMODE=ASYNC_TRIGGER"}).contains("waiting"));
 }
 
 TEST(Appletctl, CallsWrongUsageByName) {
@@ -168,7 +204,14 @@ TEST(Appletctl, CallsWrongUsageByName) {
         {{"set", "FG_WIDTH=4294967296"}, "'4294967296' is not a whole number"},
         {{"set", "FG_DIGIO_OUTPUT=-2147483649"}, "from -2147483648 to 2147483647"},
         {{"set", "FG_LINEPERIODE=nan"}, "'nan' is not a floating point number"},
-        {{"set", "FG_VANTAGEPOINT=LEFT"}, "the entries are FG_VANTAGEPOINT_TOP_LEFT (0)"},
+        {{"set", "FG_VANTAGEPOINT=LEFT"},
+         "did you mean FG_VANTAGEPOINT_TOP_LEFT (0) or FG_VANTAGEPOINT_BOTTOM_LEFT (2)?; the entries are "},
+        {{"set", "FG_IMGTRIGGERINSRC=SOFTWARE"}, "did you mean TRGINSOFTWARE (-1)? 'appletctl limits FG_IMG"},
+        {{"set", "FG_TRIGGERCAMERA_SOURCE=CAM0_EXSYNC3"}, "did you mean FG_SIGNAL_CAM0_EXSYNC"},
+        {{"set", "FG_WIDTH=12us"}, "the unit of the parameter is pixel, and 'us' does not convert to it"},
+        {{"set", "FG_LINEPERIODE=10kHz"}, "; 10 kHz is a period of 100 µs"},
+        {{"set", "FG_DIGIO_OUTPUT=3ms"}, "the parameter has no unit: give the number alone, as 3"},
+        {{"set", "FG_TIMEOUT=1500ms"}, "'1.5' is not a whole number"},
         {{"set", "FG_LUT_VALUE_RED=1"}, "array of 16384 elements"},
         {{"set", "FG_LUT_VALUE_RED[3]=-1"}, "FG_LUT_VALUE_RED[3]=-1: '-1' is not a whole number"},
         {{"get", "FG_LUT_VALUE_RED[16384]"}, "has 16384 elements, 0 to 16383"},
@@ -526,6 +569,14 @@ TEST(AppletctlRoute, ShowsWhatTheBoardHolds) {
     EXPECT_EQ(changed.err,
               "appletctl: the board does not hold what the applet writes for FG_TRIGGEROUT_GPO_3\n");
     EXPECT_EQ(document({"--offline", "route"})["routes"][0]["agrees"], nullptr);
+    const json inputs =
+        document({"route", "FG_IMGTRIGGERMODE=ASYNC_TRIGGER", "FG_IMGTRIGGERINSRC=4"})["inputs"];
+    ASSERT_EQ(inputs.size(), 3u);
+    EXPECT_EQ(std::pair(inputs[0]["source"], inputs[0]["inUse"]),
+              std::pair(json("TRGINSRC_GPI_1"), json(false)));
+    EXPECT_EQ(std::tuple(inputs[2]["input"], inputs[2]["inUse"], inputs[2]["agrees"]),
+              std::tuple("image trigger", true, true));
+    EXPECT_EQ(inputs[2]["select"]["board"], 4) << inputs[2];
 }
 
 /** Registers that read 5, fail, read 9 and then 2. */
@@ -552,6 +603,14 @@ TEST(AppletctlWatch, GoesOnAfterAFailedRead) {
     EXPECT_EQ(rounds[1]["parameters"][0]["error"]["code"], -2010);
     EXPECT_EQ(rounds[1]["done"], false);
     EXPECT_EQ(rounds[3]["parameters"][0]["value"], 2);
+    Words withAlarm = asText;
+    withAlarm.insert(withAlarm.end(),
+                     {"--rate", "--alarm-if", "(DRA_FanLevel > 8 || FG_WIDTH == 4) && FG_WIDTH != 5"});
+    const Outcome alarmed = run(withAlarm, scriptedRegisters);
+    EXPECT_EQ(alarmed.exitCode, 0) << alarmed.err;
+    EXPECT_TRUE(contains(alarmed.out, "  DRA_FanLevel = 9  FG_WIDTH = 1024 pixel (+0/s)  ALARM\n"))
+        << alarmed.out;
+    EXPECT_TRUE(contains(alarmed.out, "  DRA_FanLevel = 2 (-")) << alarmed.out;
     EXPECT_GE(rounds[3]["seconds"], 0.03);
 }
 
@@ -606,6 +665,12 @@ TEST(AppletctlWatch, EndsQuietlyOnASignalOrWithItsReader) {
 
 TEST(Appletctl, WorksWithoutABoard) {
     EXPECT_EQ(run({"--offline", "get", "FG_WIDTH"}).out, "FG_WIDTH = 1024 pixel\n");
+    for (const char* command : {"get", "list", "describe"}) {
+        const json told =
+            document({"--offline", command, "FG_SYSTEMMONITOR_FPGA_TEMPERATURE"})["parameters"][0];
+        EXPECT_EQ(std::pair(told["value"], told["measured"]), std::pair(json(nullptr), json(false)))
+            << command;
+    }
     EXPECT_EQ(run({"set", "FG_WIDTH=64", "--offline"}).out, "FG_WIDTH = 64 pixel\n");
     EXPECT_EQ(run({"--offline", "set", "FG_WIDTH=20000"}).exitCode, 1);
     EXPECT_EQ(document({"--offline", "list"})["parameters"].size(), 164u);

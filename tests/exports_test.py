@@ -1,4 +1,4 @@
-"""What a loader sees of the applet library: exported symbols, needed libraries, hardening.
+"""What a loader sees of the applet library: exported symbols, needed libraries, work at load.
 
 usage: exports_test.py LIBRARY
 """
@@ -57,21 +57,11 @@ check(PLATFORM <= needed, f"not needed: {sorted(PLATFORM - needed)}")
 others = sorted(name for name in needed - PLATFORM - sanitized if not SYSTEM.match(name))
 check(not others, f"needed and not of the system: {others}")
 check(re.search(r"\(SONAME\).*\[libGrab_TwinLaneLineColor\.so\]", dynamic), "another soname")
-check(re.search(r"BIND_NOW|\bNOW\b", dynamic), "not bound at load")
 check("TEXTREL" not in dynamic, "text is relocated")
 check(not re.search(r"\((RPATH|RUNPATH)\)", dynamic), "carries a search path of its build")
 
-<<<<<<< HEAD
 # What a library does while it is loaded costs every process that loads it: this one notes its working directory, for
 # relative paths, and builds constant data only.
-=======
-segments = read("--segments")
-stack = re.search(r"GNU_STACK.*?\s([RWE ]{3})\s+0x", segments)
-check(stack and "E" not in stack.group(1), "executable stack")
-check("GNU_RELRO" in segments, "no segment that is read-only after relocation")
-check(not re.search(r"LOAD.*\sRWE\s", segments), "a segment to write and to execute")
-# Constant data only: what a library builds while it is loaded costs every process that loads it.
->>>>>>> 690afc8 (Tests: includes in their place)
 if not sanitized:
     check(not re.search(r"\.(init_array)\s", read("--sections")) or
           int(re.search(r"\(INIT_ARRAYSZ\)\s+(\d+)", dynamic).group(1)) <= 16,

@@ -8,18 +8,14 @@
 #include <gmock/gmock.h>
 
 #include <atomic>
-<<<<<<< HEAD
 #include <ctime>
 #include <fcntl.h>
-=======
->>>>>>> 690afc8 (Tests: includes in their place)
 #include <filesystem>
 #include <fstream>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
 #include <thread>
-#include <time.h>
 #include <unistd.h>
 
 namespace {
@@ -95,7 +91,7 @@ TEST_F(FilesTest, LargeFilesAreSoonRead) {
             EXPECT_EQ(Effort::of([&] { return loadTables(path); }), FG_OK);
         }
     }
-    EXPECT_EQ(load(sound), FG_OK);
+    EXPECT_EQ(Effort::of([&] { return load(sound); }), FG_OK);
 }
 
 TEST_F(FilesTest, NoLineIsTooFarBack) {
