@@ -67,8 +67,10 @@ RefusalCauses findCauses(Probe& probe, const Assignment& assignment, ordered_jso
     const auto wanted = wantedNumber(assignment);
     RefusalCauses found;
     row["acceptedWith"] = ordered_json::array();
-    found.isSettable = probe.answer(subject.in(probe), value) != FG_ERR_NOT_AVAILABLE;
-    if (!found.isSettable) return found;
+    const int code = probe.answer(subject.in(probe), value);
+    if (code == FG_OK) found.limit = "a scratch board with the same values accepts it";
+    if (code == FG_OK || code == FG_ERR_NOT_AVAILABLE) return found;
+    found.isTried = true;
     found.acceptedWith = probe.words(
         probe.waysTo(subject.place, [&] { return probe.answer(subject.in(probe), value) == FG_OK; }));
     if (wanted) addRange(probe, subject, *wanted, found, row);
@@ -86,7 +88,7 @@ std::string addSuggestion(Probe& probe, const Assignment& assignment, ordered_js
     if (!found.limit.empty()) words += "; " + found.limit;
     if (found.nearest) words += "; the nearest accepted value is " + valueWithUnit(parameter, *found.nearest);
     if (found.acceptedWith.empty()) {
-        const bool isStuck = found.isSettable && !found.nearest;
+        const bool isStuck = found.isTried && !found.nearest;
         return words + (isStuck ? "; no change of another parameter that was tried makes it accepted" : "");
     }
     const bool areMore = found.acceptedWith.size() > shown;
@@ -105,6 +107,8 @@ json suggestionJob(ScratchSession& session, const json& arguments) {
 
 std::string askSuggestion(Context& context, const Assignment& assignment, ordered_json& row) {
     if (assignment.target.parameter->kind() == REGISTER_KIND_STRING) return ""; // texts depend on files
+    const auto error = row.find("error"); // an error of the board is no matter of values
+    if (error != row.end() && error->value("symbol", "").empty()) return "";
     const std::string word = assignment.target.name() + "=" + assignment.text;
     const json answer = context.scratch().ask("suggestion", {{"assignment", word}});
     row.update(ordered_json::parse(answer["row"].get<std::string>()));

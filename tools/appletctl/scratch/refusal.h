@@ -16,7 +16,7 @@ namespace appletctl {
 
 /** What was found out about a refused value. */
 struct RefusalCauses {
-    bool isSettable = true;       /**< false for what is measured or fixed: nothing is tried then */
+    bool isTried = false;         /**< false for what can never be set, and for what is accepted */
     std::string limit;            /**< "the maximum is set by FG_XOFFSET (16384 with FG_XOFFSET=0)" */
     std::optional<Value> nearest; /**< of a number, the accepted one */
     std::vector<std::string> acceptedWith; /**< changes of other parameters */

@@ -84,9 +84,9 @@ void addWaiting(Context& context, Report& report) {
             names.push_back(name);
     }
     if (names.empty()) return;
-    const json answer = context.scratch().ask("why", {{"words", names}, {"with", Words{}}});
+    const Report answer = reportOf(context.scratch().ask("why", {{"words", names}, {"with", Words{}}}));
     auto& rows = report.document["waiting"] = ordered_json::array();
-    for (const auto& why : reportOf(answer).document["answers"]) {
+    for (const auto& why : answer.document["answers"]) {
         const auto ways = why.value("writableWith", Words{});
         rows.push_back({{"name", why.at("name")}, {"writableWith", ways}});
         report.text += why.at("name").get<std::string>() + " has no effect yet: it is read-only" +

@@ -56,7 +56,7 @@ WhyReport whyRefused(Probe& probe, const Assignment& assignment) {
     answer.table.addRow({"refused", refusalInWords(parameter, assignment.value, code)});
     const RefusalCauses found = findCauses(probe, assignment, answer.row);
     if (!found.limit.empty()) answer.table.addRow({"limit", found.limit});
-    if (found.isSettable) answer.addWays("accepted with", "acceptedWith", found.acceptedWith);
+    if (found.isTried) answer.addWays("accepted with", "acceptedWith", found.acceptedWith);
     if (found.nearest) answer.table.addRow({"nearest", exactValueWithUnit(probe.at(place), *found.nearest)});
     return answer;
 }

@@ -89,6 +89,7 @@ struct Round {
     int number;                        // from 1
     std::chrono::milliseconds elapsed; // since the first
     std::vector<Watched> watched;
+    Clock::duration exact{}; // the same as elapsed, for rates
     bool isFailed = false;   // the condition of --fail-if holds
     bool isAlarm = false;    // that of --alarm-if or --lost-lines
     int alarms = 0;          // rounds in which it held
@@ -264,11 +265,12 @@ bool holdsOneOf(const Conditions& conditions, const Round& round) {
 /** Reads all and finds out what holds. */
 void readRound(Context& context, Round& round, Clock::duration sinceStart, const Conditions& failures,
                const Conditions& alarms) {
-    const auto last = round.elapsed;
+    const std::chrono::duration<double> sinceLast = sinceStart - round.exact;
     ++round.number;
+    round.exact = sinceStart;
     round.elapsed = std::chrono::duration_cast<std::chrono::milliseconds>(sinceStart);
     for (Watched& watched : round.watched)
-        read(context, watched, std::chrono::duration<double>(round.elapsed - last).count());
+        read(context, watched, sinceLast.count());
     round.isFailed = holdsOneOf(failures, round);
     round.isAlarm = holdsOneOf(alarms, round);
     if (!round.isAlarm) return;
