@@ -14,6 +14,7 @@ import signal
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 
 import jsonschema
@@ -95,6 +96,12 @@ def listed(*words):
     code, out, _ = run(["__complete", "--", *words, ""])
     assert code == 0, words
     return {line.split("\t")[0] for line in out.splitlines()}
+
+
+def catches(process, number):
+    """True when the process has a handler for the signal."""
+    status = pathlib.Path(f"/proc/{process}/status").read_text()
+    return int(re.search(r"SigCgt:\s*(\w+)", status)[1], 16) >> (number - 1) & 1
 
 
 def validator(name):
@@ -212,6 +219,17 @@ class EveryCommand(unittest.TestCase):
                     for document in documents(out):
                         self.check(document)
 
+    def test_with_what_is_not_to_be_had(self):
+        rows = [(["info", "--applet", "/nowhere/libx.so"], 3), (["limits", "FG_WIDTH", "--applet", "/nowhere/libx.so"], 3),
+                (["get", b"\xff\xfe"], 2), (["bogus"], 2), ([], 2), (["events", "--offline"], 2), (["route", "--offline"], 0),
+                (["describe", "FG_LINETRIGGERMODE", "--offline"], 0), (["--help"], 0), (["set", "--help"], 0)]
+        for words, expected in rows:
+            code, out, err = run([*words, "--json"])
+            self.check_no_crash(code, out, err, (expected,))
+            document, = documents(out)
+            self.check(document)
+            self.assertEqual((document["done"], err == ""), (code == 0, code == 0), err)
+
     def test_into_a_closed_pipe_and_interrupted(self):
         for command, words, text in FIRST_RUNS:
             with self.subTest(" ".join(words)):
@@ -239,14 +257,14 @@ class EveryCommand(unittest.TestCase):
         for words in (["watch"], ["trace", "watch"]):
             with subprocess.Popen([APPLETCTL, *words, "FG_WIDTH", "--json", "--interval", "1"],
                                   stdout=subprocess.PIPE, stderr=subprocess.PIPE) as watch:
-                begin = watch.stdout.readline() if words == ["watch"] else b""
-                try:
-                    watch.wait(0.2)
-                except subprocess.TimeoutExpired:
-                    watch.send_signal(signal.SIGINT)
+                while not catches(watch.pid, signal.SIGINT):
+                    time.sleep(0.01)
+                watch.send_signal(signal.SIGINT)
                 out, err = watch.communicate(timeout=60)
             self.assertEqual((watch.returncode, err), (130, b""))
-            for document in documents((begin + out).decode()):
+            found = documents(out.decode())
+            self.assertTrue(found)
+            for document in found:
                 self.check(document)
 
     def test_in_the_shell(self):

@@ -10,16 +10,37 @@ std::string exactText(double number) {
     return error == std::errc{} ? std::string(text, end) : "?";
 }
 
-std::string numberText(double number) {
-    constexpr int digits = 12;
+namespace {
+
+constexpr int shownDigits = 12;
+
+double rounded(double number) {
     char text[64];
-    const auto rounding = std::to_chars(text, text + sizeof text, number, std::chars_format::general, digits);
-    const double rounded = floatingNumber({text, rounding.ptr}).value_or(number);
-    const double size = std::fabs(rounded);
-    const bool isFixed = rounded == 0 || (size >= 1e-9 && size < 1e15);
-    if (!std::isfinite(rounded) || !isFixed) return exactText(rounded);
-    const auto fixed = std::to_chars(text, text + sizeof text, rounded, std::chars_format::fixed);
-    return {text, fixed.ptr};
+    const auto end =
+        std::to_chars(text, text + sizeof text, number, std::chars_format::general, shownDigits).ptr;
+    return floatingNumber({text, end}).value_or(number);
+}
+
+/** One in the last digit that is shown. */
+double lastDigit(double number) {
+    return std::pow(10, std::floor(std::log10(std::fabs(number))) - (shownDigits - 1));
+}
+
+} // namespace
+
+double roundedDown(double number) {
+    const double shown = rounded(number);
+    return shown > number ? rounded(shown - lastDigit(number)) : shown;
+}
+
+double roundedUp(double number) { return -roundedDown(-number); }
+
+std::string numberText(double number) {
+    const double shown = rounded(number), size = std::fabs(shown);
+    const bool isFixed = shown == 0 || (size >= 1e-9 && size < 1e15);
+    if (!isFixed) return exactText(shown);
+    char text[64];
+    return {text, std::to_chars(text, text + sizeof text, shown, std::chars_format::fixed).ptr};
 }
 
 std::string hexText(std::uint64_t number) {

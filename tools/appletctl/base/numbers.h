@@ -18,6 +18,10 @@ namespace appletctl {
 std::string numberText(double number);
 template <typename Integer> std::string numberText(Integer number) { return std::to_string(number); }
 
+/** The next number that numberText shows as it is, and that is not above, or not below, this one. */
+double roundedDown(double number);
+double roundedUp(double number);
+
 /** A number in its shortest form that reads back the same, for what is typed or read by a program. */
 std::string exactText(double number);
 template <typename Integer> std::string exactText(Integer number) { return std::to_string(number); }

@@ -130,7 +130,7 @@ int print(const Report& report, const std::string& command, const Options& optio
     const bool isRead = isWritten || errno != EPIPE;
     const std::string name = Style::forStream(STDERR_FILENO).alarm("appletctl:");
     for (const std::string& problem : report.problems)
-        printProblem(name + ' ' + problem);
+        printProblem(name + ' ' + toUtf8(problem.c_str())); // may quote a word as it was typed
     for (const std::string& note : report.notes)
         if (options.verbose) printProblem("appletctl: " + note);
     if (!isWritten) {

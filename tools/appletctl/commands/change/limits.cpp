@@ -22,8 +22,16 @@ template <typename Number> std::string rangeInWords(const Number& minimum, const
     return numberText(minimum) + " to " + numberText(maximum);
 }
 
+/** An end of a range, rounded inwards: what is shown is accepted. */
+std::string endInWords(const Parameter& parameter, const Value& limit, End end) {
+    const auto* number = std::get_if<double>(&limit);
+    if (number == nullptr) return valueText(parameter, limit);
+    return numberText(end == End::maximum ? roundedDown(*number) : roundedUp(*number));
+}
+
 std::string inWords(const Parameter& parameter, const MeasuredRange& range) {
-    std::string text = valueText(parameter, range.minimum) + " to " + valueText(parameter, range.maximum);
+    std::string text = endInWords(parameter, range.minimum, End::minimum) + " to " +
+                       endInWords(parameter, range.maximum, End::maximum);
     if (range.step > 1) text += " in steps of " + numberText(range.step);
     if (!parameter.unit().empty()) text += " " + parameter.unit();
     return range.step == 0 && range.minimum != range.maximum ? text + ", any value in between" : text;
@@ -160,7 +168,7 @@ private:
         const char* title = nameOf(end);
         for (const Widening& widening : causes.parameters)
             table.addRow({title, "set by " + m_probe.at(widening.change.place).name + ": " +
-                                     valueText(parameter(), widening.limit) + " with " +
+                                     endInWords(parameter(), widening.limit, end) + " with " +
                                      m_probe.words(widening.change)});
         for (const DesignCause& cause : causes.design)
             table.addRow({title, "set by " + inWords(cause)});
