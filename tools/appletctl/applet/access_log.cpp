@@ -76,7 +76,7 @@ ordered_json accessesAsJson(const std::vector<std::string>& lines) {
     return accesses;
 }
 
-std::string accessLine(const ordered_json& access) {
+std::string loggedLine(const ordered_json& access) {
     const auto word = [&](const char* member) -> std::string {
         const auto found = access.find(member);
         if (found == access.end()) return "";

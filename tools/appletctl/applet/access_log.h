@@ -28,7 +28,7 @@ std::vector<std::string> takeWrites(Instance& instance);
 nlohmann::ordered_json accessesAsJson(const std::vector<std::string>& lines);
 
 /** The line that such an object was made of. */
-std::string accessLine(const nlohmann::ordered_json& access);
+std::string loggedLine(const nlohmann::ordered_json& access);
 
 } // namespace appletctl
 

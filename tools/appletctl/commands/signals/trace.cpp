@@ -52,7 +52,7 @@ Lines accessesOfFile(const std::string& file) {
                          " is no document of 'trace': it has no \"accesses\"");
     Lines lines;
     for (const auto& access : document["accesses"])
-        if (access.is_object()) lines.push_back(accessLine(access));
+        if (access.is_object()) lines.push_back(loggedLine(access));
     return lines;
 }
 
