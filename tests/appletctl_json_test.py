@@ -206,18 +206,30 @@ class EveryCommand(unittest.TestCase):
         self.assertEqual(len(re.findall(r"(?m)^\[\d\] ", log)), 1, log[:400])
 
     def test_with_wrong_words(self):
-        wrong = ["--no-such-option", "FG_WIDHT FG_HIEGHT=1", "'' =", "FG_WIDTH[5] FG_LUT_VALUE_RED[9..2]=1"]
-        for command, words, text in FIRST_RUNS:
-            with self.subTest(" ".join(words)):
-                if command == "__complete":
-                    continue  # it offers nothing
-                for line in wrong if command not in ("info", "events") else wrong[:1]:
+        for command in set(RUNS) - {"__complete"}:  # which offers nothing for them
+            with self.subTest(command):
+                for line in ("FG_WIDHT FG_HIEGHT=1", "'' =", "FG_WIDTH[5] FG_LUT_VALUE_RED[9..2]=1"):
                     code, out, err = run([*command.split(), "--json", *shlex.split(line)])
                     self.check_no_crash(code, out, err)
-                    if line == wrong[0]:
-                        self.assertEqual(code, 2)
                     for document in documents(out):
                         self.check(document)
+
+    def test_help_and_usage_need_no_library(self):
+        settings = {"env": {**os.environ, "APPLET_UNDER_TEST": "/nowhere/libx.so"}}
+        for command in set(RUNS) - {"__complete"}:
+            with self.subTest(command):
+                code, out, err = run([*command.split(), "--help"], **settings)
+                self.assertEqual((code, err), (0, ""))
+                self.assertIn("Usage: ", out)
+                code, out, err = run(["--json", *command.split(), "--jsno"], **settings)
+                self.assertEqual(code, 2)
+                document, = documents(out)
+                self.check(document)
+                self.assertIn("there is no option '--jsno'; did you mean '--json'?", err)
+        for words in (["--version"], ["completion", "zsh"], ["__complete", "--", "lut", "s"]):
+            code, out, err = run(words, **settings)
+            self.assertEqual((code, err), (0, ""))
+            self.assertTrue(out, words)
 
     def test_with_what_is_not_to_be_had(self):
         rows = [(["info", "--applet", "/nowhere/libx.so"], 3), (["limits", "FG_WIDTH", "--applet", "/nowhere/libx.so"], 3),

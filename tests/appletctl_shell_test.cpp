@@ -378,57 +378,6 @@ TEST(AppletctlCompletion, IsUnderstoodByTheShells) {
 
 // ---- What holds for all commands
 
-/** The names that stand in the first column of a help's list of commands. */
-Words commandsOf(const Words& command) {
-    Words arguments = command;
-    arguments.emplace_back("--help");
-    const Outcome help = run(arguments, {"APPLET_UNDER_TEST=/nowhere/libx.so"});
-    EXPECT_EQ(help.exitCode, 0) << help.err;
-    EXPECT_TRUE(contains(help.out, "Usage: ")) << help.out;
-    std::istringstream lines(help.out);
-    Words names;
-    bool isInList = false;
-    for (std::string line; std::getline(lines, line);) {
-        if (isInList && line.starts_with("  ") && line[2] != ' ')
-            names.push_back(line.substr(2, line.find(' ', 2) - 2));
-        isInList = line.starts_with("Subcommands:") || (isInList && line.starts_with("  "));
-    }
-    return names;
-}
-
-TEST(AppletctlConventions, HoldForAllCommands) {
-    std::vector<Words> open{{}}, commands;
-    while (!open.empty()) {
-        const Words command = open.back();
-        open.pop_back();
-        if (!command.empty()) commands.push_back(command);
-        for (const std::string& name : commandsOf(command)) {
-            open.push_back(command);
-            open.back().push_back(name);
-        }
-    }
-    EXPECT_GT(commands.size(), 20u);
-    for (Words command : commands) {
-        // Known before anything is loaded; one document, on the standard output.
-        command.emplace_back("--jsno");
-        command.insert(command.begin(), "--json");
-        const Outcome outcome = run(command, {"APPLET_UNDER_TEST=/nowhere/libx.so"});
-        EXPECT_EQ(outcome.exitCode, 2) << command[1];
-        const json told = json::parse(outcome.out, nullptr, false);
-        ASSERT_TRUE(told.is_object()) << command[1] << outcome.out;
-        EXPECT_EQ(told["schema"], "appletctl/2");
-        EXPECT_EQ(told["error"]["kind"], "usage");
-        EXPECT_TRUE(contains(outcome.err, "there is no option '--jsno'; did you mean '--json'?"))
-            << outcome.err;
-    }
-    for (const Words& arguments :
-         {Words{"--version"}, {"completion", "zsh"}, {"__complete", "--", "lut", "s"}}) {
-        const Outcome outcome = run(arguments, {"APPLET_UNDER_TEST=/nowhere/libx.so"});
-        EXPECT_EQ(outcome.exitCode, 0) << arguments.front();
-        EXPECT_NE(outcome.out, "") << arguments.front();
-    }
-}
-
 TEST_F(AppletctlShell, IsSilentWhenNobodyReads) {
     support::writeFile("lines", "get FG_WIDTH\nget FG_WIDTH\n");
     support::writeFile("steps", "set FG_WIDTH=64\nset FG_WIDTH=128\n");
