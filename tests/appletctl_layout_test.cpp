@@ -70,7 +70,7 @@ TEST(AppletctlLayout, FoldsThenDropsThenStacks) {
     const std::tuple<const char*, Words, const char*> cases[] = {
         {"60",
          {"describe", "FG_WIDTH"},
-         "  text    Image width of the acquisition ROI independent of\n          the camera ROI.\n"},
+         "  text     Image width of the acquisition ROI independent of\n           the camera ROI.\n"},
         {"50",
          {"list", "*SENSORWIDTH"},
          "  NAME            VALUE  UNIT   ACCESS\n\nSensor Geometry\n  FG_SENSORWIDTH  1024   pixel  rw\n  "
@@ -112,7 +112,7 @@ TEST(AppletctlPlain, IsRecordsThatNameTheirSubject) {
         {{"reset", "FG_WIDTH=2048"}, "FG_WIDTH\t2048\tpixel\nFG_WIDTH\t2048\t1024\tpixel\n"},
         {{"list", "--changed"}, "NAME\tVALUE\tUNIT\tACCESS\tLIMITS OR ENTRIES\n"},
         {{"lint"}, ""},
-        {{"plan", file}, "FG_WIDTH\t1024 pixel\t2048 pixel\nchange\tFG_WIDTH\tDevice1_"},
+        {{"plan", file}, "\nchange\tFG_WIDTH\tDevice1_Process0_Buffer_0_XLength\t1024\t2048\n"},
         {{"trace", "set", "FG_WIDTH=2048"}, "set\tDevice1_Process0_Buffer_0_XLength\tu32\t2048\n"},
     };
     for (const auto& [arguments, expected] : cases) {
@@ -140,7 +140,8 @@ TEST(AppletctlPlain, IsRecordsThatNameTheirSubject) {
 
 TEST(AppletctlProgress, IsSeenOnATerminalAndGoneAtTheEnd) {
     Words limits{"limits"};
-    for (const json& parameter : document({"list"})["parameters"])
+    const json listed = document({"list"});
+    for (const json& parameter : listed["parameters"])
         if (!parameter.contains("notRead")) limits.push_back(parameter["name"]);
     const Words environment{"TERM=xterm", "LC_ALL=C", "NO_COLOR=1"};
     const std::string shown = onTerminal(limits, environment, 80);

@@ -37,11 +37,15 @@ std::string Table::asRecords() const {
 }
 
 std::vector<Table::Column> Table::measured() const {
-    std::vector<Column> columns;
+    std::size_t most = 0;
+    for (const Line& line : m_lines)
+        if (!line.isHeading()) most = std::max(most, line.cells.size());
+    std::vector<Column> columns(most);
     for (const Line& line : m_lines) {
         if (line.isHeading()) continue;
-        columns.resize(std::max(columns.size(), line.cells.size()));
-        for (std::size_t i = 0; i < line.cells.size(); ++i) {
+        // The last cell of a shorter row has the rest of the line.
+        const std::size_t count = line.cells.size() < most ? line.cells.size() - 1 : most;
+        for (std::size_t i = 0; i < count; ++i) {
             columns[i].natural = std::max(columns[i].natural, displayWidth(line.cells[i]));
             columns[i].least = std::max(columns[i].least, longestWord(line.cells[i]));
             if (line.kind == Kind::row)
@@ -59,15 +63,14 @@ const std::vector<std::string>* Table::titles() const {
     return found == m_lines.end() ? nullptr : &found->cells;
 }
 
-/** The first cell, and below it the others with their titles. */
+/** The first cell, and below it the others with their titles; without titles one text of all cells. */
 std::string Table::stackedText(const Line& line, std::size_t width) const {
-    std::string text = std::string(gap, ' ') + line.cells.front();
-    for (std::size_t i = 1; i < line.cells.size(); ++i) {
-        if (line.cells[i].empty()) continue;
-        const bool hasTitle = titles() != nullptr && i < titles()->size();
-        text += '\n' + std::string(2 * gap, ' ') +
-                (hasTitle ? lowerCase((*titles())[i]) + ": " : std::string()) + line.cells[i];
-    }
+    const std::string indent(gap, ' ');
+    if (titles() == nullptr) return wrapped(indent + join(line.cells, indent), width);
+    std::string text = indent + line.cells.front();
+    for (std::size_t i = 1; i < line.cells.size(); ++i)
+        if (!line.cells[i].empty() && i < titles()->size())
+            text += '\n' + indent + indent + lowerCase((*titles())[i]) + ": " + line.cells[i];
     return wrapped(text, width);
 }
 

@@ -119,7 +119,13 @@ std::string laidOut(const Report& report) {
 }
 
 bool writeOut(const std::string& text) {
+    static int firstError = 0; // a stream that has failed does not try again
+    if (std::cout.fail()) {
+        errno = firstError;
+        return false;
+    }
     std::cout << text << std::flush;
+    if (std::cout.fail()) firstError = errno;
     return !std::cout.fail();
 }
 

@@ -17,11 +17,11 @@ std::vector<int> answersToEntries(Probe& probe, std::size_t place) {
     return codes;
 }
 
-/** Values that an upper and a lower limit should keep out. */
-std::vector<Value> valuesBeyond(const Probe& probe, std::size_t place) {
+/** Values that a limit or the grid should keep out. */
+std::vector<Value> doubtfulValues(const Probe& probe, std::size_t place) {
     const auto& limits = probe.facts(place).limits;
     if (!limits || !isNumber(probe.facts(place).value)) return {};
-    std::vector<Value> values;
+    std::vector<Value> values{numberAt(rankOf(limits->minimum) + 1, limits->minimum)};
     const std::uint64_t low = rankOf(limits->minimum), high = rankOf(limits->maximum);
     if (const Value below = numberAt(low - 1, limits->minimum); rankOf(below) < low) values.push_back(below);
     if (const Value above = numberAt(high + 1, limits->maximum); rankOf(above) > high)
@@ -50,7 +50,7 @@ public:
 private:
     void addCodes(std::size_t place) {
         std::set<int> codes(m_entries[place].begin(), m_entries[place].end());
-        for (const Value& value : valuesBeyond(m_probe, place))
+        for (const Value& value : doubtfulValues(m_probe, place))
             codes.insert(m_probe.answer({place, value}));
         codes.erase(FG_OK);
         m_codes[m_probe.at(place).name] = codes;

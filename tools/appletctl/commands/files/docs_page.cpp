@@ -39,7 +39,7 @@ nav { grid-area: nav; position: sticky; top: 3.6em; align-self: start; max-heigh
   overflow: auto; padding: 1em 0.5em 1em 1.2em; font-size: 0.9em; }
 nav ul { list-style: none; margin: 0; padding: 0; } nav li { margin: 0.25em 0; }
 nav summary { cursor: pointer; } nav details li { margin-left: 1.2em; overflow-wrap: anywhere; }
-main { grid-area: main; padding: 0 1.5em 4em; max-width: 60em; }
+main { grid-area: main; padding: 0 1.5em 4em; max-width: 60em; overflow-wrap: anywhere; }
 h2 { color: var(--faint); font-size: 1.1em; margin: 2em 0 0; border-bottom: 1px solid var(--line); }
 h3 { margin: 1.5em 0 0.2em; font-size: 1.05em; overflow-wrap: anywhere; } h3 a { color: inherit; }
 h3 small { color: var(--faint); font-weight: normal; }
@@ -189,7 +189,7 @@ std::string codesTable(const std::vector<Documented>& rows) {
             ++counts[code];
     std::string text =
         "<section id=\"codes\">\n<h2>Result codes</h2>\n<p>What setters answered to values beyond the "
-        "limits and to every entry, in the state in which this page was made.</p>\n<table>\n"
+        "limits or off the grid and to every entry, in the state in which this page was made.</p>\n<table>\n"
         "<tr><th>code</th><th>symbol</th><th>meaning</th><th>parameters</th></tr>\n";
     for (const auto& [code, count] : counts) {
         const nlohmann::ordered_json told = codeAsJson(code);

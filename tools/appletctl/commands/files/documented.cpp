@@ -26,12 +26,11 @@ std::string movedText(const Influences& influences, const std::string& name) {
     return join(texts, ", ");
 }
 
-/** "limits 0.512 to 200 become 0.512 to 0.512 with FG_LINEPERIODE=0.512". */
+/** "limits: 0.512 to 200 -> 0.512 to 0.512 with FG_LINEPERIODE=0.512". */
 std::string moverText(const Influence& influence) {
     if (influence.before.empty() && influence.after.empty())
         return "other " + influence.what + " with " + influence.with;
-    return influence.what + " " + influence.before + " becomes " + influence.after + " with " +
-           influence.with;
+    return influence.what + ": " + influence.before + " -> " + influence.after + " with " + influence.with;
 }
 
 std::string refusalText(const std::set<int>& codes) {
