@@ -112,7 +112,7 @@ TEST(AppletctlUndo, BringsBackValuesAccessAndDesignWhateverWasSet) {
     const std::string mark = "FG_TSL_FILE = \"Grab_TwinLaneLineColor.tsl\"\n";
     const Words look = {"get FG_TSL_FILE", "list -f name,access,value --plain", "lut show --plain"};
     Words lines, commands;
-    for (int i = 0; i < 100; ++i) {
+    for (int i = 0; i < 40; ++i) {
         lines.insert(lines.end(), {command(false), "set FG_DIGIO_OUTPUT=1"});
         lines.insert(lines.end(), look.begin(), look.end());
         commands.push_back(command(true));

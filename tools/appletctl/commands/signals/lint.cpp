@@ -36,7 +36,12 @@ public:
 
     ScratchSession& session() { return m_session; }
     const ParameterList& parameters() const { return m_session.parameters(); }
-    Value value(const std::string& name) { return valueOf(m_session.instance(), m_session.target(name)); }
+    /** Zero or empty where it cannot be read, as after a load of a mode that there is not. */
+    Value value(const std::string& name) {
+        const Target target = m_session.target(name);
+        const ReadResult reading = readValue(m_session.instance(), target);
+        return reading.error == FG_OK ? reading.value : emptyValue(target);
+    }
     double number(const std::string& name) {
         return std::visit(
             [](const auto& native) {
@@ -55,8 +60,9 @@ public:
     /** True for a value that was changed since the bring-up. */
     bool isChanged(const std::string& name) {
         const auto start = m_session.defaults().find(name);
-        if (start == m_session.defaults().end()) return false;
-        const json now = asMessage(value(name));
+        const ReadResult reading = readValue(m_session.instance(), m_session.target(name));
+        if (start == m_session.defaults().end() || reading.error != FG_OK) return false;
+        const json now = asMessage(reading.value);
         if (!now.is_number_float()) return *start != now;
         // Rates of the simulator come back from a file as the next step of their counter.
         constexpr double tolerance = 1e-3;
@@ -184,7 +190,9 @@ void refusedIfSetAgain(State& state) {
                              parameter.effectOfReading().empty() && parameter.effectOfWriting().empty() &&
                              !isComputedRate(parameter) && !state.isProposed(parameter.name);
         if (!isAsked) continue;
-        const Value value = state.value(parameter.name);
+        const ReadResult reading = readValue(state.session().instance(), {&parameter});
+        if (reading.error != FG_OK) continue; // the one that is to blame is found
+        const Value& value = reading.value;
         const auto* number = std::get_if<double>(&value);
         const bool isNoNumber = number != nullptr && !std::isfinite(*number);
         const int code = writeValue(state.session().instance(), {&parameter}, requestFor(parameter, value));
