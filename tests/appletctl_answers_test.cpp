@@ -307,8 +307,7 @@ TEST_F(AppletctlPlan, TracesAnyCommandAndComparesLogs) {
     for (const Words& wrong :
          {Words{"trace"}, Words{"trace", "nothing"}, Words{"trace", "trace", "diff", "a", "b"},
           Words{"trace", "diff", one}, Words{"trace", "diff", one, "/nowhere"},
-          Words{"trace", "diff", garbage, garbage},
-          Words{"trace", "get", "FG_WIDTH", "--offline"}})
+          Words{"trace", "diff", garbage, garbage}, Words{"trace", "get", "FG_WIDTH", "--offline"}})
         EXPECT_EQ(run(wrong).exitCode, 2) << wrong.back();
 }
 

@@ -63,36 +63,16 @@ constexpr Binding appletBindings[] = {
 static_assert(sizeof(AppletFunctions) == std::size(appletBindings) * sizeof(void*), "a function without row");
 
 constexpr Binding boardBindings[] = {
-    BIND_BOARD(open),
-    BIND_BOARD(close),
-    BIND_BOARD(reset),
-    BIND_BOARD(live),
-    BIND_BOARD(lack_parameter),
-    BIND_BOARD(alias_parameter),
-    BIND_BOARD(lack_event),
-    BIND_BOARD(hide_entry),
-    BIND_BOARD(extra_events),
-    BIND_BOARD(refuse_design),
-    BIND_BOARD(fail_init),
-    BIND_BOARD(restore_design),
-    BIND_BOARD(log_kinds),
-    BIND_BOARD(log_size),
-    BIND_BOARD(log_line),
-    BIND_BOARD(log_clear),
-    BIND_BOARD(fail_access),
-    BIND_BOARD(access_count),
-    BIND_BOARD(fail_name),
-    BIND_BOARD(on_access),
-    BIND_BOARD(answer),
-    BIND_BOARD(last_error),
-    BIND_BOARD(attach_applet),
-    BIND_BOARD(raise_event),
-    BIND_BOARD(poke_int),
-    BIND_BOARD(poke_after_read),
-    BIND_BOARD(poke_double),
-    BIND_BOARD(poke_text),
-    BIND_BOARD(peek_int),
-    BIND_BOARD(peek_double),
+    BIND_BOARD(open),          BIND_BOARD(close),           BIND_BOARD(reset),
+    BIND_BOARD(live),          BIND_BOARD(lack_parameter),  BIND_BOARD(alias_parameter),
+    BIND_BOARD(lack_event),    BIND_BOARD(hide_entry),      BIND_BOARD(extra_events),
+    BIND_BOARD(refuse_design), BIND_BOARD(fail_init),       BIND_BOARD(restore_design),
+    BIND_BOARD(log_kinds),     BIND_BOARD(log_size),        BIND_BOARD(log_line),
+    BIND_BOARD(log_clear),     BIND_BOARD(fail_access),     BIND_BOARD(access_count),
+    BIND_BOARD(fail_name),     BIND_BOARD(on_access),       BIND_BOARD(answer),
+    BIND_BOARD(last_error),    BIND_BOARD(attach_applet),   BIND_BOARD(raise_event),
+    BIND_BOARD(poke_int),      BIND_BOARD(poke_after_read), BIND_BOARD(poke_double),
+    BIND_BOARD(poke_text),     BIND_BOARD(peek_int),        BIND_BOARD(peek_double),
     BIND_BOARD(peek_field),
 };
 static_assert(sizeof(BoardFunctions) == std::size(boardBindings) * sizeof(void*), "a function without row");
@@ -138,7 +118,8 @@ void* openByName(const char* name) {
     for (const std::filesystem::path& folder : searchedFolders()) {
         if (!std::filesystem::exists(folder / name, error)) continue;
         const std::string trouble = troubleWithLibrary(folder / name);
-        if (!trouble.empty()) throw HostError("the library " + (folder / name).string() + " cannot be loaded: " + trouble);
+        if (!trouble.empty())
+            throw HostError("the library " + (folder / name).string() + " cannot be loaded: " + trouble);
         break;
     }
     if (void* library = dlopen(name, RTLD_NOW | RTLD_LOCAL)) return library;

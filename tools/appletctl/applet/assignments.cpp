@@ -1,7 +1,7 @@
 #include "appletctl/applet/assignments.h"
 
-#include "appletctl/applet/hardware_values.h"
 #include "appletctl/applet/access_log.h"
+#include "appletctl/applet/hardware_values.h"
 #include "appletctl/applet/published_limits.h"
 #include "appletctl/base/text.h"
 

@@ -4,6 +4,7 @@
 #include "appletctl/base/files.h"
 #include "appletctl/base/text.h"
 #include "appletctl/cli/Scenario.h"
+#include "appletctl/commands/Command.h"
 #include "appletctl/draw/junit.h"
 #include "appletctl/scratch/CommandRun.h"
 
@@ -67,13 +68,23 @@ void addSummary(Report& report, const std::string& file, const std::vector<Step>
                   (skipped > 0 ? ", " + numberText(skipped) + " not done" : "") + '\n';
 }
 
-} // namespace
+struct RunOptions {
+    std::string junitFile; /**< --junit; empty: none */
+    bool failFast = false; /**< --fail-fast */
+};
+
+void addRunOptions(CLI::App& command, Options& options) {
+    auto& own = options.own<RunOptions>();
+    command.add_option("--junit", own.junitFile, "File to write a JUnit report to")->type_name("FILE");
+    command.add_flag("--fail-fast", own.failFast, "End with the first step that fails");
+}
 
 Report runScenario(Context& context, const Words& words) {
     const Options options = context.options(); // steps bring their own
+    const auto& own = options.of<RunOptions>();
     const std::string file = toUtf8(fileOf(words).c_str());
     const std::vector<Step> steps = readScenario(fileOf(words), options);
-    if (!options.junitFile.empty()) requireWritable(options.junitFile);
+    if (!own.junitFile.empty()) requireWritable(own.junitFile);
     const Interruption interruption;
     ScenarioRunner station(context);
     std::vector<TestCase> tests(steps.size());
@@ -94,18 +105,34 @@ Report runScenario(Context& context, const Words& words) {
         report.problems.push_back(file + ":" + numberText(steps[i].line) + ": " + printable(steps[i].text) +
                                   ": " + tests[i].message);
         report.exitCode = exitRefused;
-        goesOn = goesOn && !options.failFast;
+        goesOn = goesOn && !own.failFast;
     }
     if (interruption.isAsked()) report.exitCode = exitInterrupted;
     addSummary(report, file, steps, tests);
-    if (options.junitFile.empty()) return report;
+    if (own.junitFile.empty()) return report;
     try {
-        writeFile(options.junitFile, junitDocument(std::filesystem::path(file).stem(), tests));
+        writeFile(own.junitFile, junitDocument(std::filesystem::path(file).stem(), tests));
     } catch (const Failure& failure) { // the summary is shown all the same
         report.problems.emplace_back(failure.what());
         if (report.exitCode == exitDone) report.exitCode = exitRefused;
     }
     return report;
 }
+
+} // namespace
+
+extern const Command runScenarioCommand;
+const Command runScenarioCommand = {
+    .name = "run",
+    .help = "Carry out a scenario: steps, and what is expected of them",
+    .argument = "FILE",
+    .argumentHelp = "File of steps, one a line",
+    .fewest = 1,
+    .most = 1,
+    .run = runScenario,
+    .scratch = Context::Scratch::wanted,
+    .addOptions = addRunOptions,
+    .kind = Command::Kind::session,
+};
 
 } // namespace appletctl

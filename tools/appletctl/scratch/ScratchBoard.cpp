@@ -8,7 +8,6 @@
 #include "appletctl/base/output.h"
 #include "appletctl/base/text.h"
 #include "appletctl/scratch/ScratchSession.h"
-#include "appletctl/scratch/jobs.h"
 
 #include <poll.h>
 #include <sys/prctl.h>
@@ -63,10 +62,19 @@ bool receive(int socket, json& message) {
     return true;
 }
 
+const JobRow& rowOf(std::span<const JobRow> jobs, const std::string& name) {
+    for (const JobRow& row : jobs)
+        if (name == row.name) return row;
+    throw std::logic_error("no job '" + name + "'");
+}
+
 /** The child's side. */
 class Server {
 public:
-    Server(int socket, const Options& options) : m_socket(socket), m_options(options) {}
+    Server(int socket, const Options& options, std::span<const JobRow> jobs)
+        : m_socket(socket)
+        , m_options(options)
+        , m_jobs(jobs) {}
 
     json answer(const json& message) {
         if (const auto seed = message.find("seed"); seed != message.end()) {
@@ -82,7 +90,8 @@ public:
         Options options = m_options;
         options.plain = message.at("plain").get<bool>();
         setOutputMode(options);
-        return findJob(message.at("job").get<std::string>())(m_session.value(), message.at("arguments"));
+        return rowOf(m_jobs, message.at("job").get<std::string>())
+            .run(m_session.value(), message.at("arguments"));
     }
 
 private:
@@ -99,18 +108,19 @@ private:
 
     int m_socket;
     const Options& m_options;
+    std::span<const JobRow> m_jobs;
     std::optional<ScratchSession> m_session;
     std::chrono::steady_clock::time_point m_lastProgress;
     bool m_isTouched = false; // not in the state of the seed
 };
 
 /** Answers messages until the parent is gone. */
-void serve(int socket, pid_t parent, const Options& options) {
+void serve(int socket, pid_t parent, const Options& options, std::span<const JobRow> jobs) {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (getppid() != parent) _exit(0); // it ended before the line above
-    std::signal(SIGINT, SIG_IGN); // Ctrl-C is the parent's matter
-    unsetenv("VBOARD_LOG_LEVEL"); // the log is that of the live board
-    Server server(socket, options);
+    std::signal(SIGINT, SIG_IGN);      // Ctrl-C is the parent's matter
+    unsetenv("VBOARD_LOG_LEVEL");      // the log is that of the live board
+    Server server(socket, options, jobs);
     for (json message; receive(socket, message);) {
         json answer;
         try {
@@ -131,9 +141,9 @@ void serve(int socket, pid_t parent, const Options& options) {
 }
 
 /** The child's whole life. An exception that left it would go on as a second parent. */
-[[noreturn]] void live(int socket, pid_t parent, const Options& options) {
+[[noreturn]] void live(int socket, pid_t parent, const Options& options, std::span<const JobRow> jobs) {
     try {
-        serve(socket, parent, options);
+        serve(socket, parent, options, jobs);
     } catch (const std::exception&) { // no memory for a message; the parent sees the end of the child
         _exit(exitUnavailable);
     }
@@ -142,7 +152,7 @@ void serve(int socket, pid_t parent, const Options& options) {
 
 } // namespace
 
-ScratchBoard::ScratchBoard(const Options& options) {
+ScratchBoard::ScratchBoard(const Options& options, std::span<const JobRow> jobs) : m_jobs(jobs) {
     int sockets[2];
     if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, sockets) != 0)
         throw Unavailable(std::string("no scratch board can be made: ") + std::strerror(errno));
@@ -150,7 +160,7 @@ ScratchBoard::ScratchBoard(const Options& options) {
     m_child = fork();
     if (m_child == 0) {
         close(sockets[0]);
-        live(sockets[1], parent, options);
+        live(sockets[1], parent, options, jobs);
     }
     close(sockets[1]);
     m_socket = sockets[0];
@@ -168,8 +178,7 @@ json ScratchBoard::seed(const json& seed) {
     const auto assumed = told["assumed"].get<Words>();
     const bool isLive = !seed.at("values").empty();
     m_notes.push_back(std::string("scratch board: brought to the ") + (isLive ? "live state" : "defaults") +
-                      " in " + watch.text() +
-                      (assumed.empty() ? "" : "; assumed: " + join(assumed, ", ")));
+                      " in " + watch.text() + (assumed.empty() ? "" : "; assumed: " + join(assumed, ", ")));
     return told;
 }
 
@@ -177,7 +186,7 @@ json ScratchBoard::ask(const std::string& job, const json& arguments) {
     const Stopwatch watch;
     json answer = request({{"job", job}, {"arguments", arguments}, {"plain", isPlainOutput()}});
     const json& took = answer["effort"];
-    std::string note = std::string("scratch board: asked ") + jobInWords(job);
+    std::string note = std::string("scratch board: asked ") + rowOf(m_jobs, job).words;
     const auto add = [&](const char* member, const char* words) {
         if (const auto count = took[member].get<std::size_t>(); count > 0)
             note += ", " + numberText(count) + words;

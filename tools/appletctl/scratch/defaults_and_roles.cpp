@@ -1,11 +1,10 @@
 #include "appletctl/scratch/defaults_and_roles.h"
 
 #include "appletctl/applet/ConfigurationFile.h"
+#include "appletctl/applet/Effort.h"
 #include "appletctl/applet/MemoryFile.h"
 #include "appletctl/applet/access_log.h"
-#include "appletctl/applet/Effort.h"
 #include "appletctl/base/errors.h"
-#include "appletctl/scratch/jobs.h"
 
 #include "vexo/fg_errors.h"
 
@@ -30,7 +29,8 @@ public:
         if (line == nullptr) return "none";
         m_file.write(m_state->textWith(*line, ""));
         ++effort().loads;
-        const int code = m_instance.applet().Fg_loadConfig(m_instance.fg(), m_file.configurationPath().c_str());
+        const int code =
+            m_instance.applet().Fg_loadConfig(m_instance.fg(), m_file.configurationPath().c_str());
         return code == FG_OK ? "reader" : "restored";
     }
 

@@ -1,7 +1,6 @@
 #include "appletctl/scratch/influences.h"
 
 #include "appletctl/scratch/Probe.h"
-#include "appletctl/scratch/jobs.h"
 
 #include "vexo/fg_errors.h"
 

@@ -4,6 +4,7 @@
 
 #include "appletctl/applet/ParameterState.h"
 #include "appletctl/scratch/Context.h"
+#include "appletctl/scratch/ScratchSession.h"
 
 #include <map>
 #include <set>
@@ -25,6 +26,9 @@ struct Influences {
 };
 
 Influences askInfluences(Context& context);
+
+/** The job of a scratch board that finds them. */
+nlohmann::json influencesJob(ScratchSession& session, const nlohmann::json& nothing);
 
 } // namespace appletctl
 

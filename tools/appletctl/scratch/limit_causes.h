@@ -15,6 +15,7 @@ namespace appletctl {
 struct Subject {
     std::size_t place;
     std::optional<ElementRange> elements = std::nullopt;
+    bool isWholeArray = false; // of which the first element is asked
 
     Target in(const Probe& probe) const { return {&probe.at(place), elements}; }
 };

@@ -1,7 +1,6 @@
 #include "appletctl/scratch/refusal.h"
 
 #include "appletctl/base/text.h"
-#include "appletctl/scratch/jobs.h"
 #include "appletctl/scratch/limit_causes.h"
 
 #include "vexo/fg_errors.h"

@@ -31,6 +31,9 @@ std::string addSuggestion(Probe& probe, const Assignment& assignment, nlohmann::
 /** The same for a refusal of the live applet. */
 std::string askSuggestion(Context& context, const Assignment& assignment, nlohmann::ordered_json& row);
 
+/** The job of a scratch board behind it: what to do about the refused {"assignment": WORD}: {"words", "row"}. */
+nlohmann::json suggestionJob(ScratchSession& session, const nlohmann::json& arguments);
+
 /** applyAssignments() on the live applet; a refusal is explained. */
 Report applyLive(Context& context, const Words& words, AssignmentHooks hooks = {});
 

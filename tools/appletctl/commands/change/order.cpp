@@ -2,7 +2,7 @@
 
 #include "appletctl/applet/assignments.h"
 #include "appletctl/base/text.h"
-#include "appletctl/scratch/jobs.h"
+#include "appletctl/commands/jobs.h"
 #include "appletctl/scratch/refusal.h"
 #include "appletctl/scratch/reports.h"
 

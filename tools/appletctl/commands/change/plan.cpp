@@ -4,12 +4,14 @@
 #include "appletctl/applet/access_log.h"
 #include "appletctl/applet/assignments.h"
 #include "appletctl/base/text.h"
+#include "appletctl/commands/Command.h"
 #include "appletctl/commands/files/differences.h"
 #include "appletctl/commands/files/loading.h"
+#include "appletctl/commands/jobs.h"
+#include "appletctl/commands/shared_options.h"
 #include "appletctl/commands/signals/trace.h"
 #include "appletctl/scratch/CommandRun.h"
 #include "appletctl/scratch/DesignSnapshot.h"
-#include "appletctl/scratch/jobs.h"
 #include "appletctl/scratch/refusal.h"
 #include "appletctl/scratch/reports.h"
 
@@ -35,7 +37,8 @@ std::vector<ParameterState> factsOf(ScratchSession& session) {
 }
 
 std::string changeLine(const DesignChange& change, const std::string& setBy) {
-    return lineOf({"change", setBy, change.parameter, change.before, change.after}, "    " + inWords(change));
+    return lineOf({"change", setBy, change.parameter, beforeInWords(change), afterInWords(change)},
+                  "    " + inWords(change));
 }
 
 /** Lines on what has changed, and the same as members. */
@@ -230,13 +233,48 @@ json planJob(ScratchSession& session, const json& arguments) {
                                    : planAssignments(session, words));
 }
 
+namespace {
+
+struct PlanOptions {
+    bool areAllWrites = false; /**< --all: with the writes that change nothing */
+};
+
+void addPlanOptions(CLI::App& command, Options& options) {
+    command.add_flag("--all", options.own<PlanOptions>().areAllWrites,
+                     "Of a file: all writes, also those that repeat what the design holds");
+}
+
 Report planChanges(Context& context, const Words& words) {
-    return askScratch(context, "plan", {{"words", words}, {"all", context.options().areAllWrites}});
+    return askScratch(context, "plan",
+                      {{"words", words}, {"all", context.options().of<PlanOptions>().areAllWrites}});
+}
+
+} // namespace
+
+extern const Command planCommand;
+const Command planCommand = {
+    .name = "plan",
+    .help = "Show what assignments, or a load of a file, would do, without doing it",
+    .argument = "NAME=VALUE|FILE",
+    .argumentHelp = "As for the command set; or a configuration file",
+    .fewest = 1,
+    .most = -1,
+    .run = planChanges,
+    .scratch = Context::Scratch::wanted,
+    .addOptions = addPlanOptions,
+};
+
+namespace {
+
+void addApplyOptions(CLI::App& command, Options& options) {
+    addPlanOptions(command, options);
+    addYes(command, options);
 }
 
 Report applyChanges(Context& context, const Words& words) {
     const Options& options = context.options();
-    if (!options.yes && isatty(STDIN_FILENO) == 0)
+    const bool isAsked = !options.of<YesOption>().isGiven;
+    if (isAsked && isatty(STDIN_FILENO) == 0)
         throw UsageError(
             "'apply' asks before it does anything, and there is no terminal to ask on: say --yes");
     Report plan = planChanges(context, words);
@@ -246,15 +284,30 @@ Report applyChanges(Context& context, const Words& words) {
     }
     if (!options.json && !options.quiet) writeOut(laidOut(plan));
     plan.text.clear();
-    if (!options.yes && !isAgreed()) {
+    if (isAsked && !isAgreed()) {
         plan.problems.push_back("nothing was applied");
         plan.exitCode = exitRefused;
         return plan;
     }
-    Report done = isFile(words) ? loadConfiguration(context, words) : setParameters(context, words);
+    Report done = runCommandNamed(context, isFile(words) ? "load" : "set", words);
     ordered_json planned = std::move(plan.document);
     done.document["plan"] = std::move(planned);
     return done;
 }
+
+} // namespace
+
+extern const Command applyCommand;
+const Command applyCommand = {
+    .name = "apply",
+    .help = "Show what they would do, and do it after a question",
+    .argument = "NAME=VALUE|FILE",
+    .argumentHelp = "As for the command plan",
+    .fewest = 1,
+    .most = -1,
+    .run = applyChanges,
+    .scratch = Context::Scratch::wanted,
+    .addOptions = addApplyOptions,
+};
 
 } // namespace appletctl

@@ -3,8 +3,10 @@
 
 #include "appletctl/applet/assignments.h"
 #include "appletctl/base/text.h"
-#include "appletctl/commands/commands.h"
-#include "appletctl/scratch/jobs.h"
+#include "appletctl/commands/Command.h"
+#include "appletctl/commands/jobs.h"
+#include "appletctl/commands/shared_options.h"
+#include "appletctl/scratch/measured_range.h"
 #include "appletctl/scratch/refusal.h"
 #include "appletctl/scratch/reports.h"
 
@@ -42,7 +44,9 @@ WhyReport whyRefused(Probe& probe, const Assignment& assignment) {
     const std::string text = toUtf8(assignment.text.c_str());
     const int code = probe.answer(assignment.target, assignment.value);
     WhyReport answer;
-    answer.row = {{"name", assignment.target.name()}, {"requested", requestedAsJson(assignment)}, {"accepted", code == FG_OK}};
+    answer.row = {{"name", assignment.target.name()},
+                  {"requested", requestedAsJson(assignment)},
+                  {"accepted", code == FG_OK}};
     answer.table.addSubject(assignment.target.name() + "=" + printable(text));
     if (code == FG_OK) {
         const bool isPublished = accessWord(parameter) != "ro";
@@ -119,8 +123,26 @@ json whyJob(ScratchSession& session, const json& arguments) {
     return asMessage(report);
 }
 
+namespace {
+
 Report explainParameters(Context& context, const Words& words) {
-    return askScratch(context, "why", {{"words", words}, {"with", context.options().with}});
+    return askScratch(context, "why",
+                      {{"words", words}, {"with", context.options().of<WithOption>().assignments}});
 }
+
+} // namespace
+
+extern const Command whyCommand;
+const Command whyCommand = {
+    .name = "why",
+    .help = "Say why a parameter is read-only or refuses a value, and what would free it",
+    .argument = "NAME[=VALUE]",
+    .argumentHelp = "Parameters or assignments",
+    .fewest = 1,
+    .most = -1,
+    .run = explainParameters,
+    .scratch = Context::Scratch::wanted,
+    .addOptions = addWith,
+};
 
 } // namespace appletctl

@@ -2,7 +2,7 @@
 
 #include "appletctl/applet/hardware_values.h"
 #include "appletctl/base/text.h"
-#include "appletctl/scratch/jobs.h"
+#include "appletctl/commands/jobs.h"
 
 #include <unistd.h>
 
@@ -23,7 +23,7 @@ double numberIn(const ConfigurationFile& file, const char* key) {
 
 /** True for a rate that only differs by the cycle that a load of a saved rate may take it away. The frame rate follows
  *  the line rate. */
-bool isNextCycle(const ParameterList& parameters, const std::string& key, const std::vector<Side>& sides) {
+bool isNextCycle(const ParameterList& parameters, std::string_view key, const std::vector<Side>& sides) {
     constexpr const char *line = "FG_CAMERASIMULATOR_LINERATE", *frame = "FG_CAMERASIMULATOR_FRAMERATE";
     if ((key != line && key != frame) || sides.size() != 2 || sides[0].file == nullptr ||
         sides[1].file == nullptr)
@@ -79,8 +79,7 @@ std::size_t addDifferences(Report& report, const std::vector<Side>& sides, const
         table.addRow(cells);
         rows.push_back(std::move(row));
     }
-    if (!rows.empty() || isPlainOutput())
-        report.text += table.render(Style::forStream(STDOUT_FILENO));
+    if (!rows.empty() || isPlainOutput()) report.text += table.render(Style::forStream(STDOUT_FILENO));
     return rows.size();
 }
 
@@ -106,9 +105,10 @@ std::size_t askDifferences(Report& report, const std::vector<Side>& sides, Scrat
                            NextCycle nextCycle) {
     json arguments = {{"sides", json::array()}, {"isNextCycleSame", nextCycle == NextCycle::same}};
     for (const Side& side : sides)
-        arguments["sides"].push_back({{"title", side.title},
-                                      {"member", side.member},
-                                      {"text", side.file != nullptr ? asBytes(side.file->textOfValues()) : json()}});
+        arguments["sides"].push_back(
+            {{"title", side.title},
+             {"member", side.member},
+             {"text", side.file != nullptr ? asBytes(side.file->textOfValues()) : json()}});
     append(report, reportOf(scratch.ask("differences", arguments)));
     return report.document["differences"].size();
 }

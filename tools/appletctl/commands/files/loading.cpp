@@ -218,18 +218,18 @@ void addCauses(ScratchSession& session, const std::string& file, const Configura
     using namespace std::string_view_literals;
     int left = 5; // each takes many trials
     for (Finding& finding : findings) {
-        const auto* line = ConfigurationFile::find(asked.values(), finding.key);
+        const auto* line = asked.values().find(finding.key);
         if (line == nullptr || (finding.kind != "refused"sv && finding.kind != "kept"sv) || left-- <= 0)
             continue;
         session.rewind();
         load(session.instance(), file);
         session.keep();
         const Parameter& parameter = session.parameters().find(finding.key);
-        const auto value = valueInFile(parameter, line->value);
+        const auto value = valueInFile(parameter, std::string(line->value));
         if (!value || parameter.kind() == REGISTER_KIND_STRING) continue;
         Probe probe(session);
         nlohmann::ordered_json row;
-        finding.message += addSuggestion(probe, {{&parameter}, line->value, *value}, row);
+        finding.message += addSuggestion(probe, {{&parameter}, std::string(line->value), *value}, row);
     }
 }
 

@@ -4,6 +4,7 @@
 #include "appletctl/applet/MemoryFile.h"
 #include "appletctl/base/files.h"
 #include "appletctl/base/text.h"
+#include "appletctl/commands/Command.h"
 #include "appletctl/draw/curve.h"
 #include "appletctl/scratch/CommandRun.h"
 
@@ -11,6 +12,8 @@
 
 namespace appletctl {
 namespace {
+
+constexpr CommandGroup lutGroup = {"lut", "Show, draw, save and load the lookup table"};
 
 constexpr const char* blueOnTheBoard =
     "The board receives the table of blue for all three colours. The applet keeps all three, and "
@@ -118,7 +121,16 @@ void addCurves(Report& report, const LutTables& tables, const std::string& colou
     }
 }
 
-} // namespace
+struct LutShowOptions {
+    std::string channel = "all"; /**< --channel: red, green, blue or all */
+};
+
+void addLutChannel(CLI::App& command, Options& options) {
+    command
+        .add_option("--channel", options.own<LutShowOptions>().channel,
+                    "Channel to draw: red, green, blue or all")
+        ->check(CLI::IsMember({"red", "green", "blue", "all"}));
+}
 
 Report showLut(Context& context, const Words& assignments) {
     CommandRun work(context, assignments);
@@ -131,9 +143,26 @@ Report showLut(Context& context, const Words& assignments) {
             forPerson("The lookup table is off: images pass unchanged, so nothing is clipped in them. With "
                       "FG_LUT_ENABLE=FG_ON it does this:\n");
     work.report.text += forPerson("\n") + statisticsText(tables);
-    if (!isPlainOutput()) addCurves(work.report, tables, context.options().lutChannel);
+    if (!isPlainOutput()) addCurves(work.report, tables, context.options().of<LutShowOptions>().channel);
     return work.report;
 }
+
+} // namespace
+
+extern const Command lutShowCommand;
+const Command lutShowCommand = {
+    .group = &lutGroup,
+    .name = "show",
+    .help = "Show what the tables are like, and a curve",
+    .argument = "NAME=VALUE",
+    .argumentHelp = "Assignments to carry out before",
+    .most = -1,
+    .run = showLut,
+    .scratch = Context::Scratch::wanted,
+    .addOptions = addLutChannel,
+};
+
+namespace {
 
 Report saveLut(Context& context, const Words& words) {
     const std::string& file = fileOf(words);
@@ -144,12 +173,28 @@ Report saveLut(Context& context, const Words& words) {
     addDocument(work, tables);
     work.report.document["file"] = toUtf8(file.c_str());
     writeFile(file, fileTextOf(context.options(), tables));
-    work.report.text +=
-        lineOf({"written", toUtf8(file.c_str())}, shownFile(file) + ": three tables of " +
-                                                      numberText(tables.colours.front().entries.size()) +
-                                                      " entries written");
+    work.report.text += lineOf({"written", toUtf8(file.c_str())},
+                               shownFile(file) + ": three tables of " +
+                                   numberText(tables.colours.front().entries.size()) + " entries written");
     return work.report;
 }
+
+} // namespace
+
+extern const Command lutSaveCommand;
+const Command lutSaveCommand = {
+    .group = &lutGroup,
+    .name = "save",
+    .help = "Save the tables to a .lut file",
+    .argument = "FILE",
+    .argumentHelp = "File to write, then assignments to carry out before",
+    .fewest = 1,
+    .most = -1,
+    .run = saveLut,
+    .scratch = Context::Scratch::wanted,
+};
+
+namespace {
 
 Report loadLut(Context& context, const Words& words) {
     const std::string& file = fileOf(words);
@@ -177,6 +222,23 @@ Report loadLut(Context& context, const Words& words) {
     return work.report;
 }
 
+} // namespace
+
+extern const Command lutLoadCommand;
+const Command lutLoadCommand = {
+    .group = &lutGroup,
+    .name = "load",
+    .help = "Load the tables from a .lut file",
+    .argument = "FILE",
+    .argumentHelp = "File to read, then assignments to carry out before",
+    .fewest = 1,
+    .most = -1,
+    .run = loadLut,
+    .scratch = Context::Scratch::wanted,
+};
+
+namespace {
+
 Report plotLut(Context& context, const Words& words) {
     const std::string& file = fileOf(words);
     requireEnding(file, ".svg", "an SVG picture");
@@ -189,5 +251,20 @@ Report plotLut(Context& context, const Words& words) {
     work.report.text += writtenLine(toUtf8(file.c_str()));
     return work.report;
 }
+
+} // namespace
+
+extern const Command lutPlotCommand;
+const Command lutPlotCommand = {
+    .group = &lutGroup,
+    .name = "plot",
+    .help = "Draw the curves of all colours as SVG",
+    .argument = "FILE",
+    .argumentHelp = "File to write, .svg, then assignments to carry out before",
+    .fewest = 1,
+    .most = -1,
+    .run = plotLut,
+    .scratch = Context::Scratch::wanted,
+};
 
 } // namespace appletctl

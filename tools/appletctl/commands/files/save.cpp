@@ -1,10 +1,13 @@
 #include "appletctl/base/files.h"
 #include "appletctl/base/text.h"
+#include "appletctl/commands/Command.h"
 #include "appletctl/commands/files/check.h"
 #include "appletctl/commands/files/differences.h"
 #include "appletctl/scratch/CommandRun.h"
 
 namespace appletctl {
+namespace {
+
 Report saveConfiguration(Context& context, const Words& words) {
     requireBoard(context.options(), "save");
     const std::string& file = fileOf(words);
@@ -15,8 +18,9 @@ Report saveConfiguration(Context& context, const Words& words) {
     work.report.document["file"] = toUtf8(file.c_str());
     const ConfigurationFile saved = stateOf(work.instance);
     writeFile(file, saved.text());
-    work.report.text += lineOf({"written", printable(toUtf8(file.c_str()))},
-                               shownFile(file) + ": " + numberText(saved.values().size()) + " values written");
+    work.report.text +=
+        lineOf({"written", printable(toUtf8(file.c_str()))},
+               shownFile(file) + ": " + numberText(saved.values().size()) + " values written");
     work.report.document["values"] = saved.values().size();
     ScratchBoard& scratch = context.scratchAtDefaults();
     if (askDifferences(work.report, {{"DEFAULT", "default", nullptr}, {"SAVED", "saved", &saved}}, scratch) ==
@@ -28,5 +32,19 @@ Report saveConfiguration(Context& context, const Words& words) {
     append(work.report, check.report);
     return work.report;
 }
+
+} // namespace
+
+extern const Command saveCommand;
+const Command saveCommand = {
+    .name = "save",
+    .help = "Save the parameters to a configuration file",
+    .argument = "FILE",
+    .argumentHelp = "File to write, .mcf, then assignments to carry out before",
+    .fewest = 1,
+    .most = -1,
+    .run = saveConfiguration,
+    .scratch = Context::Scratch::wanted,
+};
 
 } // namespace appletctl

@@ -1,4 +1,4 @@
-#include "appletctl/commands/commands.h"
+#include "appletctl/commands/Command.h"
 #include "appletctl/scratch/BoardState.h"
 
 namespace appletctl {
@@ -34,10 +34,19 @@ std::string rawLines(const Value& value) {
         value);
 }
 
-} // namespace
+struct GetOptions {
+    bool areGroups = false; /**< -g: the names are groups */
+    bool isRaw = false;     /**< --raw: bare values */
+};
+
+void addGetOptions(CLI::App& command, Options& options) {
+    auto& own = options.own<GetOptions>();
+    command.add_flag("-g,--group", own.areGroups, "The names are groups: all their parameters");
+    command.add_flag("--raw", own.isRaw, "Bare values, one a line; numbers for enumerations");
+}
 
 Report getParameters(Context& context, const Words& names) {
-    const Options& options = context.options();
+    const auto& options = context.options().of<GetOptions>();
     const ParameterList& parameters = context.parameters();
     Report report;
     report.document["parameters"] = nlohmann::ordered_json::array();
@@ -59,5 +68,19 @@ Report getParameters(Context& context, const Words& names) {
     report.isVerbatim = options.isRaw;
     return report;
 }
+
+} // namespace
+
+extern const Command getCommand;
+const Command getCommand = {
+    .name = "get",
+    .help = "Read parameters",
+    .argument = "NAME",
+    .argumentHelp = "Parameters, in any case, with or without FG_",
+    .fewest = 1,
+    .most = -1,
+    .run = getParameters,
+    .addOptions = addGetOptions,
+};
 
 } // namespace appletctl

@@ -4,7 +4,7 @@
 #include "appletctl/applet/values.h"
 #include "appletctl/base/Interruption.h"
 #include "appletctl/base/text.h"
-#include "appletctl/commands/commands.h"
+#include "appletctl/commands/Command.h"
 #include "appletctl/draw/sparkline.h"
 
 #include <sys/ioctl.h>
@@ -16,6 +16,7 @@
 #include <cmath>
 #include <cstdio>
 #include <deque>
+#include <limits>
 #include <optional>
 #include <type_traits>
 
@@ -278,28 +279,60 @@ void readRound(Context& context, Round& round, Clock::duration sinceStart, const
     round.lastAlarm = secondsText(round);
 }
 
-} // namespace
+struct WatchOptions {
+    int interval = 1000;               /**< --interval: milliseconds from round to round */
+    int count = 0;                     /**< --count: rounds; 0: no end */
+    std::string failIf;                /**< --fail-if: a condition (see Condition) */
+    std::string alarmIf;               /**< --alarm-if: the same */
+    bool isAlarmedByLostLines = false; /**< --lost-lines */
+    bool wantsRates = false;           /**< --rate: the change per second */
+    bool areGroups = false;            /**< -g: the names are groups */
+};
+
+void addWatchOptions(CLI::App& command, Options& options) {
+    auto& own = options.own<WatchOptions>();
+    constexpr int longestInterval = 24 * 60 * 60 * 1000;
+    command.add_option("--interval", own.interval, "Milliseconds from round to round")
+        ->type_name("MS")
+        ->check(CLI::Range(1, longestInterval));
+    command.add_option("--count", own.count, "Number of rounds; without it the watch has no end")
+        ->type_name("N")
+        ->check(CLI::Range(1, std::numeric_limits<int>::max()));
+    command
+        .add_option("--fail-if", own.failIf,
+                    "Condition that ends the watch with exit code 1, such as 'FG_OVERFLOW != 0 || NAME > 5'")
+        ->type_name("EXPR");
+    command
+        .add_option("--alarm-if", own.alarmIf,
+                    "Condition that sounds the terminal's bell and marks the round")
+        ->type_name("EXPR");
+    command.add_flag("--lost-lines", own.isAlarmedByLostLines,
+                     "Alarm when lines are lost: the same as --alarm-if 'FG_OVERFLOW != 0'");
+    command.add_flag("--rate", own.wantsRates, "Show the change of each number per second");
+    command.add_flag("-g,--group", own.areGroups, "The names are groups: all their parameters");
+}
 
 Report watchParameters(Context& context, const Words& names) {
     const Options& options = context.options();
+    const auto& own = options.of<WatchOptions>();
     const Interruption interruption;
     const ParameterList& parameters = context.parameters();
     Conditions failures, alarms;
-    if (!options.watchFailIf.empty()) failures.emplace_back(parameters, options.watchFailIf);
-    if (!options.watchAlarmIf.empty()) alarms.emplace_back(parameters, options.watchAlarmIf);
-    if (options.watchLostLines) alarms.emplace_back(parameters, "FG_OVERFLOW != 0");
+    if (!own.failIf.empty()) failures.emplace_back(parameters, own.failIf);
+    if (!own.alarmIf.empty()) alarms.emplace_back(parameters, own.alarmIf);
+    if (own.isAlarmedByLostLines) alarms.emplace_back(parameters, "FG_OVERFLOW != 0");
     const std::vector<Target> named =
-        options.areGroups ? targetsOfGroups(parameters, names) : findTargets(parameters, names);
+        own.areGroups ? targetsOfGroups(parameters, names) : findTargets(parameters, names);
     Round round{.number = 0, .elapsed = {}, .watched = watchedTargets(named, failures, alarms)};
 
     const Form form = formOf(options);
     Screen screen;
     const auto shown = [&] {
         if (options.quiet && !options.json) return std::string();
-        if (form == Form::document) return asDocument(round, options.watchRate);
+        if (form == Form::document) return asDocument(round, own.wantsRates);
         const std::string bell = round.isAlarm && isatty(STDOUT_FILENO) == 1 ? "\a" : "";
-        return bell + (form == Form::table ? screen.redraw(asTable(round, options.watchRate))
-                                           : asLine(round, options.watchRate));
+        return bell + (form == Form::table ? screen.redraw(asTable(round, own.wantsRates))
+                                           : asLine(round, own.wantsRates));
     };
 
     Report report;
@@ -307,13 +340,13 @@ Report watchParameters(Context& context, const Words& names) {
     const bool isOneDocument = options.trace && options.json;
     report.isPrinted = !isOneDocument;
     if (isOneDocument) report.document["rounds"] = nlohmann::ordered_json::array();
-    const std::chrono::milliseconds interval(options.watchInterval);
+    const std::chrono::milliseconds interval(own.interval);
     const Clock::time_point start = Clock::now();
     Clock::time_point due = start;
     bool goesOn = true;
     while (goesOn) {
         readRound(context, round, Clock::now() - start, failures, alarms);
-        if (isOneDocument) report.document["rounds"].push_back(asJson(round, options.watchRate));
+        if (isOneDocument) report.document["rounds"].push_back(asJson(round, own.wantsRates));
         if (!isOneDocument && !writeOut(shown())) {
             if (errno == EPIPE) return report;
             if (interruption.isAsked()) break;
@@ -322,16 +355,29 @@ Report watchParameters(Context& context, const Words& names) {
             return report;
         }
         if (round.isFailed) {
-            report.problems.push_back("round " + numberText(round.number) + ": " +
-                                      printable(options.watchFailIf));
+            report.problems.push_back("round " + numberText(round.number) + ": " + printable(own.failIf));
             report.exitCode = exitRefused;
             return report;
         }
         due = std::max(due + interval, Clock::now());
-        goesOn = round.number != options.watchCount && interruption.waitUntil(due);
+        goesOn = round.number != own.count && interruption.waitUntil(due);
     }
     if (interruption.isAsked()) report.exitCode = exitInterrupted;
     return report;
 }
+
+} // namespace
+
+extern const Command watchCommand;
+const Command watchCommand = {
+    .name = "watch",
+    .help = "Read parameters over and over; ends on Ctrl-C",
+    .argument = "NAME",
+    .argumentHelp = "Parameters",
+    .fewest = 1,
+    .most = -1,
+    .run = watchParameters,
+    .addOptions = addWatchOptions,
+};
 
 } // namespace appletctl

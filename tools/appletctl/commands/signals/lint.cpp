@@ -9,8 +9,9 @@
 #include "appletctl/applet/line_timing.h"
 #include "appletctl/applet/published_limits.h"
 #include "appletctl/base/text.h"
+#include "appletctl/commands/Command.h"
 #include "appletctl/commands/files/loading.h"
-#include "appletctl/scratch/jobs.h"
+#include "appletctl/commands/jobs.h"
 #include "appletctl/scratch/measured_range.h"
 #include "appletctl/scratch/refusal.h"
 #include "appletctl/scratch/reports.h"
@@ -241,7 +242,8 @@ void outsideTheSensor(State& state) {
 
 /** Tables that give the darkest or the brightest value for more than a few inputs. */
 void clippedTables(State& state, const LutTables& tables) {
-    Words names, values;
+    Words names, texts;
+    json values = json::array();
     for (const LutTable& table : tables.colours) {
         const LutStatistics told = statisticsOf(table.entries, tables.largest);
         std::size_t clipped = 0;
@@ -252,11 +254,12 @@ void clippedTables(State& state, const LutTables& tables) {
         names.emplace_back(table.parameter);
         const double percent =
             std::round(100.0 * static_cast<double>(clipped) / static_cast<double>(table.entries.size()));
-        values.push_back(std::string(table.parameter) + " clips " + numberText(percent) + " % of the inputs");
+        texts.push_back(std::string(table.parameter) + " clips " + numberText(percent) + " % of the inputs");
+        values.push_back({{"name", table.parameter}, {"clippedPercent", percent}});
     }
     if (names.empty()) return;
     state.add(
-        "clipping", names, values,
+        "clipping", names, texts, values,
         "The lookup table is on and gives its smallest or largest value for many inputs: these can no longer "
         "be told apart",
         "See 'appletctl lut show', FG_PROCESSING_GAIN, _OFFSET and _GAMMA");
@@ -468,7 +471,8 @@ void addLosses(State& state, const LoadOutcome& outcome, const std::string& path
         if (value)
             state.propose("load", names, texts, values, finding.message, *value);
         else
-            state.add("load", names, texts, values, finding.message, "'appletctl check' tells all that is lost");
+            state.add("load", names, texts, values, finding.message,
+                      "'appletctl check' tells all that is lost");
     }
 }
 
@@ -511,6 +515,8 @@ std::string findingsText(const json& findings) {
     return text;
 }
 
+namespace {
+
 Report lintParameters(Context& context, const Words& words) {
     const bool isFile = !words.empty() && words.front().find('=') == std::string::npos;
     if (isFile && words.size() > 1)
@@ -530,5 +536,18 @@ Report lintParameters(Context& context, const Words& words) {
     addAssumed(report, context.assumed());
     return report;
 }
+
+} // namespace
+
+extern const Command lintCommand;
+const Command lintCommand = {
+    .name = "lint",
+    .help = "Say what is legal but doubtful",
+    .argument = "FILE",
+    .argumentHelp = "File to look at, or assignments to carry out before",
+    .most = -1,
+    .run = lintParameters,
+    .scratch = Context::Scratch::wanted,
+};
 
 } // namespace appletctl

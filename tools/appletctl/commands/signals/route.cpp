@@ -4,7 +4,9 @@
 
 #include "appletctl/applet/access_log.h"
 #include "appletctl/base/text.h"
-#include "appletctl/scratch/jobs.h"
+#include "appletctl/commands/Command.h"
+#include "appletctl/commands/jobs.h"
+#include "appletctl/commands/shared_options.h"
 #include "appletctl/scratch/refusal.h"
 
 #include <unistd.h>
@@ -265,6 +267,8 @@ json routesJob(ScratchSession& session, const json& groups) {
     return written;
 }
 
+namespace {
+
 Report showRoutes(Context& context, const Words& assignments) {
     Instance& instance = context.instance();
     const ParameterList& parameters = context.parameters();
@@ -304,7 +308,7 @@ Report showRoutes(Context& context, const Words& assignments) {
     }
     const std::vector<InputState> inputs = inputsOf(context, design ? &*design : nullptr, ofInputs);
     addInputs(inputs, report);
-    if (context.options().dot) {
+    if (context.options().of<DotOption>().isWanted) {
         report.text = asDot(inputs, states);
         report.isVerbatim = true;
         report.document["dot"] = report.text;
@@ -315,5 +319,19 @@ Report showRoutes(Context& context, const Words& assignments) {
         (report.text.empty() ? "" : "\n") + table.render(style) + "\n" + tableOf(inputs).render(style);
     return report;
 }
+
+} // namespace
+
+extern const Command routeCommand;
+const Command routeCommand = {
+    .name = "route",
+    .help = "Show what each output, analyzer and event listens to, and what the board holds",
+    .argument = "NAME=VALUE",
+    .argumentHelp = "Assignments to carry out before",
+    .most = -1,
+    .run = showRoutes,
+    .scratch = Context::Scratch::wanted,
+    .addOptions = addDot,
+};
 
 } // namespace appletctl

@@ -1,10 +1,10 @@
 #include "appletctl/commands/signals/trace.h"
 
 #include "appletctl/applet/ConfigurationFile.h"
-#include "appletctl/base/files.h"
 #include "appletctl/applet/access_log.h"
+#include "appletctl/base/files.h"
 #include "appletctl/base/text.h"
-#include "appletctl/commands/commands.h"
+#include "appletctl/commands/Command.h"
 
 #include <algorithm>
 #include <sstream>
@@ -130,6 +130,8 @@ Report traceRun(Context& context, bool isShownByCommand, const std::function<Rep
     return report;
 }
 
+namespace {
+
 Report compareTraces(Context&, const Words& files) {
     if (files.size() != 2) throw UsageError("'trace diff' compares two files that 'trace' has written");
     Report report;
@@ -139,11 +141,25 @@ Report compareTraces(Context&, const Words& files) {
         const bool isFirst = std::string_view(one.side) == "first";
         report.text += lineOf({one.side, numberText(one.number), printable(one.line)},
                               (isFirst ? "-" : "+") + numberText(one.number) + "  " + printable(one.line));
-        rows.push_back({{"side", one.side}, {"number", one.number}, {"access", accessesAsJson({one.line}).front()}});
+        rows.push_back(
+            {{"side", one.side}, {"number", one.number}, {"access", accessesAsJson({one.line}).front()}});
         report.exitCode = exitDifferent;
     }
     if (rows.empty()) report.text = forPerson("The accesses are the same.\n");
     return report;
 }
+
+} // namespace
+
+extern const Command traceCommand;
+const Command traceCommand = {
+    .name = "trace",
+    .help = "Show what a command does to the design; or compare two such logs: trace diff FILE FILE",
+    .argument = "COMMAND",
+    .argumentHelp = "A command with its words",
+    .most = -1,
+    .run = compareTraces,
+    .kind = Command::Kind::prefix,
+};
 
 } // namespace appletctl

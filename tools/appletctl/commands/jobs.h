@@ -1,10 +1,10 @@
 /** What a scratch board can be asked to find out; each job stands in the source of its command. */
-#ifndef APPLETCTL_SCRATCH_JOBS_H
-#define APPLETCTL_SCRATCH_JOBS_H
+#ifndef APPLETCTL_COMMANDS_JOBS_H
+#define APPLETCTL_COMMANDS_JOBS_H
 
 #include "appletctl/scratch/ScratchSession.h"
 
-#include <string>
+#include <span>
 
 namespace appletctl {
 
@@ -34,9 +34,6 @@ json orderJob(ScratchSession& session, const json& arguments);
  *  design, [[{"parameter", "expected"}, ...], ...]. */
 json routesJob(ScratchSession& session, const json& groups);
 
-/** What to do about the refused {"assignment": WORD}: {"words", "row"}. */
-json suggestionJob(ScratchSession& session, const json& arguments);
-
 /** Finds what the setters of {"names": [WORD, ...]} accept. A list "with" of assignments goes before, as in the
  *  two below. */
 json limitsJob(ScratchSession& session, const json& arguments);
@@ -47,23 +44,11 @@ json whyJob(ScratchSession& session, const json& arguments);
 /** Finds what the parameter {"name": NAME, "dot": BOOL} moves and what moves it. */
 json depsJob(ScratchSession& session, const json& arguments);
 
-/** Tells {NAME: {"start": VALUE, "settable", "fileRole"}} of {"names": [NAME, ...], "roles": whether the file
- *  roles are wanted} (see DefaultAndRole). */
-json defaultsAndRolesJob(ScratchSession& session, const json& arguments);
-
-/** The names of the parameters of which a read asks the board or the runtime: [NAME, ...]. */
-json fromBoardJob(ScratchSession& session, const json& nothing);
-/** Finds what each parameter moves of the others, and how setters refuse (see Influences). */
-json influencesJob(ScratchSession& session, const json& nothing);
-
 /** Tells the findings (see lint.h) of the present state, or with {"file": NAME} after a load of that file. */
 json lintJob(ScratchSession& session, const json& arguments);
 
-/** The job of that name; every name is one of the table's. */
-Job findJob(const std::string& name);
-
-/** What it finds out, for -v: "what the setters accept". */
-const char* jobInWords(const std::string& name);
+/** All of them, for the scratch boards. */
+std::span<const JobRow> allJobs();
 
 } // namespace appletctl
 

@@ -1,15 +1,11 @@
-#include "appletctl/scratch/jobs.h"
+#include "appletctl/commands/jobs.h"
 
-#include <stdexcept>
+#include "appletctl/scratch/defaults_and_roles.h"
+#include "appletctl/scratch/influences.h"
+#include "appletctl/scratch/refusal.h"
 
 namespace appletctl {
 namespace {
-
-struct JobRow {
-    const char* name;
-    const char* words;
-    Job job;
-};
 
 constexpr JobRow jobs[] = {
     {"defaultsAndRoles", "what is a default, and what a configuration file does with each parameter",
@@ -30,16 +26,8 @@ constexpr JobRow jobs[] = {
     {"why", "what would free it", whyJob},
 };
 
-const JobRow& rowOf(const std::string& name) {
-    for (const JobRow& row : jobs)
-        if (name == row.name) return row;
-    throw std::logic_error("no job '" + name + "'");
-}
-
 } // namespace
 
-Job findJob(const std::string& name) { return rowOf(name).job; }
-
-const char* jobInWords(const std::string& name) { return rowOf(name).words; }
+std::span<const JobRow> allJobs() { return jobs; }
 
 } // namespace appletctl
