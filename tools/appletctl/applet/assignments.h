@@ -3,7 +3,7 @@
 #define APPLETCTL_APPLET_ASSIGNMENTS_H
 
 #include "appletctl/applet/values.h"
-#include "appletctl/commands/commands.h"
+#include "appletctl/base/output.h"
 
 #include <functional>
 #include <string>

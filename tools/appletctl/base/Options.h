@@ -2,8 +2,10 @@
 #ifndef APPLETCTL_BASE_OPTIONS_H
 #define APPLETCTL_BASE_OPTIONS_H
 
-#include <optional>
+#include <any>
+#include <map>
 #include <string>
+#include <typeindex>
 #include <vector>
 
 namespace appletctl {
@@ -12,47 +14,36 @@ using Words = std::vector<std::string>;
 
 enum class BoardKind { virtualBoard, system };
 
+/** The options of all commands, and one struct of options for each command that has its own. */
 struct Options {
-    // Of all commands.
     BoardKind board = BoardKind::virtualBoard; /**< --board */
     std::string bridge;                        /**< --bridge: library that opens a board of the system */
     std::string applet; /**< --applet: library to load instead of the one beside the program */
     bool offline = false;
+    bool look = false; /**< --look: bring the applet up without writing to the board */
     bool json = false;
     bool plain = false;          /**< --plain: tables as lines of cells, no colour, no drawing */
     std::string colour = "auto"; /**< --color: auto, always or never */
     bool quiet = false;          /**< -q: errors only */
     bool verbose = false;        /**< -v: notes on what was done to answer */
+    bool trace = false;          /**< the command stands behind "trace" */
 
-    // Of single commands.
-    bool trace = false;    /**< the command stands behind "trace" */
-    bool anyOrder = false; /**< --any-order of "set" */
-    bool verify = false;   /**< --verify of "set" */
-    bool yes = false;      /**< --yes of "apply" */
-    bool strict = false;   /**< --strict of "load" */
-    bool live = false;     /**< --live of "diff": with the parameters as well */
-    Words with;            /**< --with of "limits", "why", "deps": set on the scratch board before */
-    bool dot = false;      /**< --dot of "deps" and "route" */
-    std::optional<std::string> outFile;   /**< -o of "xml" and "report" */
-    bool isPortable = false;              /**< --portable of "xml" */
-    bool isChecked = false;               /**< --check of "xml" */
-    std::optional<std::string> svgFile;   /**< --svg of "timing" */
-    std::optional<std::string> vcdFile;   /**< --vcd of "timing" */
-    std::optional<std::string> htmlFile;  /**< --html of "docs" */
-    std::optional<std::string> manFolder; /**< --man of "docs" */
-    bool onlyChanged = false;             /**< --changed of "list" */
-    bool onlyWritable = false;            /**< --writable of "list" */
-    std::string group;                    /**< --group of "list": part of the group's labels */
-    Words columns;                        /**< -f of "list" */
-    bool areGroups = false;               /**< -g of "get": the names are groups */
-    bool isRaw = false;                   /**< --raw of "get": bare values */
-    std::string lutChannel = "all";       /**< --channel of "lut show": red, green, blue or all */
-    int watchInterval = 1000;             /**< --interval of "watch": milliseconds from round to round */
-    int watchCount = 0;                   /**< --count of "watch": rounds; 0: no end */
-    std::string watchFailIf;              /**< --fail-if of "watch": a condition (see Condition) */
-    std::string junitFile;                /**< --junit of "run"; empty: none */
-    bool failFast = false;                /**< --fail-fast of "run" */
-    bool keepGoing = false;               /**< -k of "shell" */
+    /** The options of a command; its defaults if none were given. */
+    template <typename Own> const Own& of() const {
+        static const Own defaults{};
+        const auto found = m_own.find(typeid(Own));
+        return found == m_own.end() ? defaults : std::any_cast<const Own&>(found->second);
+    }
+
+    /** A place for the options of a command, which stays where it is as long as this object lives. */
+    template <typename Own> Own& own() {
+        std::any& place = m_own[typeid(Own)];
+        if (!place.has_value()) place = Own{};
+        return std::any_cast<Own&>(place);
+    }
+
+private:
+    std::map<std::type_index, std::any> m_own;
 };
 
 } // namespace appletctl

@@ -139,12 +139,13 @@ Candidates argumentsOf(const Command& command, int before, const std::string& wo
 }
 
 const Command* commandOf(const CLI::App& app) {
-    for (const Command& command : allCommands()) {
+    for (const Command* command : allCommands()) {
         const CLI::App* parent = app.get_parent();
         const bool isInGroup =
-            parent != nullptr && command.group != nullptr && parent->get_name() == command.group->name;
-        const bool isAtTop = parent != nullptr && parent->get_parent() == nullptr && command.group == nullptr;
-        if (app.get_name() == command.name && (isInGroup || isAtTop)) return &command;
+            parent != nullptr && command->group != nullptr && parent->get_name() == command->group->name;
+        const bool isAtTop =
+            parent != nullptr && parent->get_parent() == nullptr && command->group == nullptr;
+        if (app.get_name() == command->name && (isInGroup || isAtTop)) return command;
     }
     return nullptr;
 }
@@ -159,7 +160,7 @@ std::vector<Candidate> candidatesFor(const Words& words,
     const std::string word = words.empty() ? "" : words.back();
     const Place place = placeOf(program, words);
     const Command* command = commandOf(*place.command);
-    if (command != nullptr && kindOf(*command) == "COMMAND")
+    if (command != nullptr && command->kind == Command::Kind::prefix)
         return candidatesFor(Words(words.begin() + place.begin, words.end()), parameters);
     if (place.option != nullptr) return matching(valuesOfOption(*place.option), word);
     if (place.hasOptions && word.starts_with("--")) {

@@ -2,7 +2,7 @@
 
 #include "appletctl/base/text.h"
 #include "appletctl/cli/candidates.h"
-#include "appletctl/commands/commands.h"
+#include "appletctl/commands/Command.h"
 
 namespace appletctl {
 namespace {
@@ -73,7 +73,9 @@ complete -c appletctl -f -a '(__appletctl_complete)'
 )"},
 };
 
-} // namespace
+void addShells(CLI::App& command, Options&) {
+    command.get_option("SHELL")->check(CLI::IsMember({"bash", "zsh", "fish"}));
+}
 
 Report showCompletionScript(Context&, const Words& shell) {
     Report report;
@@ -82,6 +84,22 @@ Report showCompletionScript(Context&, const Words& shell) {
     report.document = {{"shell", shell.front()}, {"script", report.text}};
     return report;
 }
+
+} // namespace
+
+extern const Command completionCommand;
+const Command completionCommand = {
+    .name = "completion",
+    .help = "Print the script that completes words of appletctl in a shell",
+    .argument = "SHELL",
+    .argumentHelp = "The shell that is to complete",
+    .fewest = 1,
+    .most = 1,
+    .run = showCompletionScript,
+    .addOptions = addShells,
+};
+
+namespace {
 
 Report completeWords(Context& context, const Words& words) {
     Options options = context.options();
@@ -97,5 +115,18 @@ Report completeWords(Context& context, const Words& words) {
     }
     return report;
 }
+
+} // namespace
+
+extern const Command completeCommand;
+const Command completeCommand = {
+    .name = "__complete",
+    .help = "",
+    .argument = "WORD",
+    .argumentHelp = "",
+    .fewest = 1,
+    .most = -1,
+    .run = completeWords,
+};
 
 } // namespace appletctl

@@ -1,5 +1,6 @@
 #include "appletctl/cli/execute.h"
 
+#include "appletctl/commands/jobs.h"
 #include "appletctl/commands/signals/trace.h"
 
 #include <exception>
@@ -24,7 +25,7 @@ template <typename CommandRun> Report withFailuresAsReports(CommandRun work) {
 Report runCommand(const Request& request, Context& context) {
     const auto command = [&] { return request.command->run(context, request.words); };
     if (!request.options.trace) return command();
-    return traceRun(context, request.command->run == setParameters, command);
+    return traceRun(context, request.command->showsWrites, command);
 }
 
 bool isSameBoard(const Options& a, const Options& b) {
@@ -41,7 +42,7 @@ Request parseLine(const Words& words, const Options& options) {
     if (!isSameBoard(request.options, options))
         refusal =
             "the board is chosen before: give --board, --bridge, --applet and --offline to the first command";
-    else if (request.command->run == runShell || request.command->run == runScenario)
+    else if (request.command->kind == Command::Kind::session)
         refusal = "'" + name + "' does not work within another command";
     if (refusal.empty()) return request;
     request.command = nullptr;
@@ -58,7 +59,7 @@ Report execute(const Request& request, Context& context) {
 Report execute(const Request& request) {
     if (request.command == nullptr) return request.outcome;
     return withFailuresAsReports([&] {
-        Context context(request.options, request.command->scratch);
+        Context context(request.options, request.command->scratch, {allJobs(), allCommands(), helpOf});
         return runCommand(request, context);
     });
 }

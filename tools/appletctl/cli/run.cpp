@@ -3,6 +3,7 @@
 #include "appletctl/base/Interruption.h"
 #include "appletctl/base/text.h"
 #include "appletctl/cli/Scenario.h"
+#include "appletctl/commands/Command.h"
 #include "appletctl/draw/junit.h"
 #include "appletctl/scratch/CommandRun.h"
 
@@ -63,10 +64,20 @@ void addSummary(Report& report, const std::string& file, const std::vector<Step>
                   (skipped > 0 ? ", " + numberText(skipped) + " not done" : "") + '\n';
 }
 
-} // namespace
+struct RunOptions {
+    std::string junitFile; /**< --junit; empty: none */
+    bool failFast = false; /**< --fail-fast */
+};
+
+void addRunOptions(CLI::App& command, Options& options) {
+    auto& own = options.own<RunOptions>();
+    command.add_option("--junit", own.junitFile, "File to write a JUnit report to")->type_name("FILE");
+    command.add_flag("--fail-fast", own.failFast, "End with the first step that fails");
+}
 
 Report runScenario(Context& context, const Words& words) {
     const Options options = context.options(); // steps bring their own
+    const auto& own = options.of<RunOptions>();
     const std::string file = toUtf8(fileOf(words).c_str());
     const std::vector<Step> steps = readScenario(fileOf(words), options);
     const Interruption interruption;
@@ -87,13 +98,29 @@ Report runScenario(Context& context, const Words& words) {
         report.problems.push_back(file + ":" + numberText(steps[i].line) + ": " + printable(steps[i].text) +
                                   ": " + tests[i].message);
         report.exitCode = exitRefused;
-        goesOn = goesOn && !options.failFast;
+        goesOn = goesOn && !own.failFast;
     }
     if (interruption.isAsked()) report.exitCode = exitInterrupted;
     addSummary(report, file, steps, tests);
-    if (!options.junitFile.empty())
-        writeFile(options.junitFile, junitDocument(std::filesystem::path(file).stem(), tests));
+    if (!own.junitFile.empty())
+        writeFile(own.junitFile, junitDocument(std::filesystem::path(file).stem(), tests));
     return report;
 }
+
+} // namespace
+
+extern const Command runScenarioCommand;
+const Command runScenarioCommand = {
+    .name = "run",
+    .help = "Carry out a scenario: steps, and what is expected of them",
+    .argument = "FILE",
+    .argumentHelp = "File of steps, one a line",
+    .fewest = 1,
+    .most = 1,
+    .run = runScenario,
+    .scratch = Context::Scratch::wanted,
+    .addOptions = addRunOptions,
+    .kind = Command::Kind::session,
+};
 
 } // namespace appletctl

@@ -6,6 +6,7 @@
 #include "appletctl/base/words.h"
 #include "appletctl/cli/execute.h"
 #include "appletctl/cli/line_input.h"
+#include "appletctl/commands/Command.h"
 #include "appletctl/scratch/BoardState.h"
 
 #include <unistd.h>
@@ -158,12 +159,19 @@ ExitCode follow(Shell& shell, bool goesOn) {
     return first;
 }
 
-} // namespace
+struct ShellOptions {
+    bool keepGoing = false; /**< -k */
+};
+
+void addShellOptions(CLI::App& command, Options& options) {
+    command.add_flag("-k,--keep-going", options.own<ShellOptions>().keepGoing,
+                     "Go on after a line that fails");
+}
 
 Report runShell(Context& context, const Words&) {
     Report report;
     report.isPrinted = true;
-    const bool goesOn = context.options().keepGoing;
+    const bool goesOn = context.options().of<ShellOptions>().keepGoing;
     Shell shell(context);
     if (isatty(STDIN_FILENO) == 1)
         talk(shell);
@@ -171,5 +179,17 @@ Report runShell(Context& context, const Words&) {
         report.exitCode = follow(shell, goesOn);
     return report;
 }
+
+} // namespace
+
+extern const Command shellCommand;
+const Command shellCommand = {
+    .name = "shell",
+    .help = "Carry out commands line by line on one board, with undo",
+    .run = runShell,
+    .scratch = Context::Scratch::wanted,
+    .addOptions = addShellOptions,
+    .kind = Command::Kind::session,
+};
 
 } // namespace appletctl

@@ -3,6 +3,7 @@
 #define APPLETCTL_SCRATCH_COMMANDRUN_H
 
 #include "appletctl/applet/assignments.h"
+#include "appletctl/scratch/Context.h"
 
 #include <string>
 

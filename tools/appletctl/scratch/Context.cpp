@@ -5,10 +5,11 @@
 
 namespace appletctl {
 
-Context::Context(const Options& options, Scratch scratch)
+Context::Context(const Options& options, Scratch scratch, const Program& program)
     : m_options(options)
+    , m_program(program)
     , m_publishesDesign(scratch == Scratch::wanted)
-    , m_scratch(scratch != Scratch::none ? std::make_unique<ScratchBoard>(options) : nullptr) {}
+    , m_scratch(scratch != Scratch::none ? std::make_unique<ScratchBoard>(options, program.jobs) : nullptr) {}
 
 Instance& Context::instance() {
     if (m_instance) return *m_instance;

@@ -8,8 +8,18 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 
 namespace appletctl {
+
+struct Command;
+
+/** What the commands and the scratch board need of the parts of the program that are made of them. */
+struct Program {
+    std::span<const JobRow> jobs{};
+    std::span<const Command* const> commands{};
+    std::string (*helpOf)(const Command* command) = nullptr; /**< what --help says; null: of the program */
+};
 
 /** The live applet and the scratch board, each made when it is first asked for. A shell keeps one for all of its
  *  commands. */
@@ -21,8 +31,9 @@ public:
         withoutDesign, /**< does not know the answers of the live design, which shows no parameters for it */
         wanted
     };
-    explicit Context(const Options& options, Scratch scratch = Scratch::none);
+    explicit Context(const Options& options, Scratch scratch = Scratch::none, const Program& program = {});
 
+    const Program& program() const { return m_program; }
     const Options& options() const { return m_options; }
     /** The options of the next command. What they say of applet and board has to be what the first ones said. */
     void setOptions(const Options& options) { m_options = options; }
@@ -54,6 +65,7 @@ private:
     ScratchBoard& seeded(const nlohmann::json& seed);
 
     Options m_options;
+    Program m_program;
     bool m_publishesDesign;
     std::unique_ptr<ScratchBoard> m_scratch; // null if not wanted
     std::shared_ptr<const applet_host::AppletHost> m_host;

@@ -2,7 +2,6 @@
 
 #include "appletctl/base/errors.h"
 #include "appletctl/scratch/ScratchSession.h"
-#include "appletctl/scratch/jobs.h"
 
 #include <sys/prctl.h>
 #include <sys/socket.h>
@@ -56,7 +55,7 @@ bool receive(int socket, json& message) {
 /** The child's side. */
 class Server {
 public:
-    explicit Server(const Options& options) : m_options(options) {}
+    Server(const Options& options, std::span<const JobRow> jobs) : m_options(options), m_jobs(jobs) {}
 
     json answer(const json& message) {
         if (const auto seed = message.find("seed"); seed != message.end()) {
@@ -71,16 +70,23 @@ public:
     }
 
 private:
+    Job findJob(const std::string& name) const {
+        for (const JobRow& row : m_jobs)
+            if (name == row.name) return row.run;
+        throw std::logic_error("no job '" + name + "'");
+    }
+
     const Options& m_options;
+    std::span<const JobRow> m_jobs;
     std::optional<ScratchSession> m_session;
     bool m_isTouched = false; // not in the state of the seed
 };
 
 /** Answers messages until the parent is gone. */
-[[noreturn]] void serve(int socket, const Options& options) {
+[[noreturn]] void serve(int socket, const Options& options, std::span<const JobRow> jobs) {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     std::signal(SIGINT, SIG_IGN); // Ctrl-C is the parent's matter
-    Server server(options);
+    Server server(options, jobs);
     for (json message; receive(socket, message);) {
         json answer;
         try {
@@ -101,14 +107,14 @@ private:
 
 } // namespace
 
-ScratchBoard::ScratchBoard(const Options& options) {
+ScratchBoard::ScratchBoard(const Options& options, std::span<const JobRow> jobs) {
     int sockets[2];
     if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, sockets) != 0)
         throw Unavailable(std::string("no scratch board can be made: ") + std::strerror(errno));
     m_child = fork();
     if (m_child == 0) {
         close(sockets[0]);
-        serve(sockets[1], options);
+        serve(sockets[1], options, jobs);
     }
     close(sockets[1]);
     m_socket = sockets[0];

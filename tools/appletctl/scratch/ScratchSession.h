@@ -55,6 +55,12 @@ private:
 /** Something that a scratch board is asked to find out, from the state of its seed. */
 using Job = json (*)(ScratchSession& session, const json& arguments);
 
+/** A job that can be asked for by its name. */
+struct JobRow {
+    const char* name;
+    Job run;
+};
+
 } // namespace appletctl
 
 #endif

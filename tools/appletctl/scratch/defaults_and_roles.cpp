@@ -2,7 +2,6 @@
 
 #include "appletctl/applet/ConfigurationFile.h"
 #include "appletctl/base/errors.h"
-#include "appletctl/scratch/jobs.h"
 
 #include "vexo/fg_errors.h"
 

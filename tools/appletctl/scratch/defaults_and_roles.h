@@ -4,6 +4,7 @@
 
 #include "appletctl/applet/values.h"
 #include "appletctl/scratch/Context.h"
+#include "appletctl/scratch/ScratchSession.h"
 
 #include <map>
 #include <optional>
@@ -30,6 +31,10 @@ backgroundOf(Context& context, const std::vector<const Parameter*>& parameters, 
 
 /** "saved, and restored by a load". */
 std::string fileRoleInWords(const std::string& role);
+
+/** Tells {NAME: {"start": VALUE, "settable", "fileRole"}} of {"names": [NAME, ...], "roles": whether the file
+ *  roles are wanted} (see DefaultAndRole). */
+nlohmann::json defaultsAndRolesJob(ScratchSession& session, const nlohmann::json& arguments);
 
 } // namespace appletctl
 

@@ -2,9 +2,11 @@
 
 #include "appletctl/applet/access_log.h"
 #include "appletctl/base/text.h"
+#include "appletctl/commands/Command.h"
+#include "appletctl/commands/jobs.h"
+#include "appletctl/commands/shared_options.h"
 #include "appletctl/commands/signals/trace.h"
 #include "appletctl/scratch/Probe.h"
-#include "appletctl/scratch/jobs.h"
 #include "appletctl/scratch/reports.h"
 
 #include "vexo/fg_errors.h"
@@ -189,10 +191,18 @@ json depsJob(ScratchSession& session, const json& arguments) {
     return asMessage(report);
 }
 
+namespace {
+
+void addDepsOptions(CLI::App& command, Options& options) {
+    addWith(command, options);
+    addDot(command, options);
+}
+
 Report showDependencies(Context& context, const Words& name) {
-    const bool isDot = context.options().dot;
+    const bool isDot = context.options().of<DotOption>().isWanted;
     Report report = reportOf(context.scratch().ask(
-        "deps", {{"name", name.front()}, {"dot", isDot}, {"with", context.options().with}}));
+        "deps",
+        {{"name", name.front()}, {"dot", isDot}, {"with", context.options().of<WithOption>().assignments}}));
     if (!isDot) {
         addAssumed(report, context.assumed());
     } else if (!context.assumed().empty()) {
@@ -201,5 +211,20 @@ Report showDependencies(Context& context, const Words& name) {
     }
     return report;
 }
+
+} // namespace
+
+extern const Command depsCommand;
+const Command depsCommand = {
+    .name = "deps",
+    .help = "Show what a parameter moves and what moves it",
+    .argument = "NAME",
+    .argumentHelp = "Parameter",
+    .fewest = 1,
+    .most = 1,
+    .run = showDependencies,
+    .scratch = Context::Scratch::wanted,
+    .addOptions = addDepsOptions,
+};
 
 } // namespace appletctl

@@ -1,8 +1,9 @@
 // What is accepted now, and which parameter sets each limit: asked of the setters on the scratch board.
 
 #include "appletctl/base/text.h"
-#include "appletctl/commands/commands.h"
-#include "appletctl/scratch/jobs.h"
+#include "appletctl/commands/Command.h"
+#include "appletctl/commands/jobs.h"
+#include "appletctl/commands/shared_options.h"
 #include "appletctl/scratch/measured_range.h"
 #include "appletctl/scratch/reports.h"
 
@@ -244,8 +245,26 @@ json limitsJob(ScratchSession& session, const json& arguments) {
     return asMessage(report);
 }
 
+namespace {
+
 Report showLimits(Context& context, const Words& names) {
-    return askScratch(context, "limits", {{"names", names}, {"with", context.options().with}});
+    return askScratch(context, "limits",
+                      {{"names", names}, {"with", context.options().of<WithOption>().assignments}});
 }
+
+} // namespace
+
+extern const Command limitsCommand;
+const Command limitsCommand = {
+    .name = "limits",
+    .help = "Show what is accepted now, and which parameter sets each limit",
+    .argument = "NAME",
+    .argumentHelp = "Parameters, or elements of one",
+    .fewest = 1,
+    .most = -1,
+    .run = showLimits,
+    .scratch = Context::Scratch::wanted,
+    .addOptions = addWith,
+};
 
 } // namespace appletctl

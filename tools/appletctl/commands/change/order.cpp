@@ -3,7 +3,7 @@
 #include "appletctl/applet/assignments.h"
 #include "appletctl/base/text.h"
 #include "appletctl/commands/change/why.h"
-#include "appletctl/scratch/jobs.h"
+#include "appletctl/commands/jobs.h"
 #include "appletctl/scratch/reports.h"
 
 #include "vexo/fg_errors.h"

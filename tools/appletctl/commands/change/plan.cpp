@@ -4,12 +4,14 @@
 #include "appletctl/applet/access_log.h"
 #include "appletctl/applet/assignments.h"
 #include "appletctl/base/text.h"
+#include "appletctl/commands/Command.h"
 #include "appletctl/commands/change/why.h"
 #include "appletctl/commands/files/differences.h"
 #include "appletctl/commands/files/loading.h"
+#include "appletctl/commands/jobs.h"
+#include "appletctl/commands/shared_options.h"
 #include "appletctl/scratch/CommandRun.h"
 #include "appletctl/scratch/DesignSnapshot.h"
-#include "appletctl/scratch/jobs.h"
 #include "appletctl/scratch/reports.h"
 
 #include <unistd.h>
@@ -117,13 +119,32 @@ json planJob(ScratchSession& session, const json& arguments) {
     return asMessage(isFile(words) ? planFile(session, fileOf(words)) : planAssignments(session, words));
 }
 
+namespace {
+
 Report planChanges(Context& context, const Words& words) {
     return askScratch(context, "plan", {{"words", words}});
 }
 
+} // namespace
+
+extern const Command planCommand;
+const Command planCommand = {
+    .name = "plan",
+    .help = "Show what assignments, or a load of a file, would do, without doing it",
+    .argument = "NAME=VALUE|FILE",
+    .argumentHelp = "As for the command set; or a configuration file",
+    .fewest = 1,
+    .most = -1,
+    .run = planChanges,
+    .scratch = Context::Scratch::wanted,
+};
+
+namespace {
+
 Report applyChanges(Context& context, const Words& words) {
     const Options& options = context.options();
-    if (!options.yes && isatty(STDIN_FILENO) == 0)
+    const bool isAsked = !options.of<YesOption>().isGiven;
+    if (isAsked && isatty(STDIN_FILENO) == 0)
         throw UsageError(
             "'apply' asks before it does anything, and there is no terminal to ask on: say --yes");
     Report plan = planChanges(context, words);
@@ -133,15 +154,30 @@ Report applyChanges(Context& context, const Words& words) {
     }
     if (!options.json && !options.quiet) writeOut(plan.text);
     plan.text.clear();
-    if (!options.yes && !isAgreed()) {
+    if (isAsked && !isAgreed()) {
         plan.problems.push_back("nothing was applied");
         plan.exitCode = exitRefused;
         return plan;
     }
-    Report done = isFile(words) ? loadConfiguration(context, words) : setParameters(context, words);
+    Report done = runCommandNamed(context, isFile(words) ? "load" : "set", words);
     ordered_json planned = std::move(plan.document);
     done.document["plan"] = std::move(planned);
     return done;
 }
+
+} // namespace
+
+extern const Command applyCommand;
+const Command applyCommand = {
+    .name = "apply",
+    .help = "Show what they would do, and do it after a question",
+    .argument = "NAME=VALUE|FILE",
+    .argumentHelp = "As for the command plan",
+    .fewest = 1,
+    .most = -1,
+    .run = applyChanges,
+    .scratch = Context::Scratch::wanted,
+    .addOptions = addYes,
+};
 
 } // namespace appletctl

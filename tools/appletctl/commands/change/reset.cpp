@@ -2,7 +2,8 @@
 
 #include "appletctl/applet/assignments.h"
 #include "appletctl/base/text.h"
-#include "appletctl/scratch/jobs.h"
+#include "appletctl/commands/Command.h"
+#include "appletctl/commands/jobs.h"
 #include "appletctl/scratch/reports.h"
 
 #include "vexo/fg_errors.h"
@@ -90,6 +91,8 @@ json defaultsJob(ScratchSession& session, const json&) {
     return defaults;
 }
 
+namespace {
+
 Report resetParameters(Context& context, const Words& words) {
     Words assignments;
     std::set<std::string> names;
@@ -111,5 +114,18 @@ Report resetParameters(Context& context, const Words& words) {
     addAssumed(report, context.assumed());
     return report;
 }
+
+} // namespace
+
+extern const Command resetCommand;
+const Command resetCommand = {
+    .name = "reset",
+    .help = "Set parameters to their defaults",
+    .argument = "NAME",
+    .argumentHelp = "Parameters, all without names; then assignments to carry out before",
+    .most = -1,
+    .run = resetParameters,
+    .scratch = Context::Scratch::wanted,
+};
 
 } // namespace appletctl

@@ -1,11 +1,12 @@
 #include "appletctl/applet/access_log.h"
 #include "appletctl/applet/assignments.h"
 #include "appletctl/base/text.h"
+#include "appletctl/commands/Command.h"
 #include "appletctl/commands/change/order.h"
 #include "appletctl/commands/change/why.h"
+#include "appletctl/commands/jobs.h"
 #include "appletctl/commands/signals/trace.h"
 #include "appletctl/scratch/DesignSnapshot.h"
-#include "appletctl/scratch/jobs.h"
 #include "appletctl/scratch/reports.h"
 
 #include "vexo/fg_errors.h"
@@ -73,27 +74,57 @@ json expectJob(ScratchSession& session, const json& arguments) {
     return expected;
 }
 
+namespace {
+
+struct SetOptions {
+    bool anyOrder = false; /**< --any-order */
+    bool verify = false;   /**< --verify */
+};
+
+void addSetOptions(CLI::App& command, Options& options) {
+    auto& own = options.own<SetOptions>();
+    command.add_flag("--any-order", own.anyOrder, "Find an order in which all pass, and set in it");
+    command.add_flag("--verify", own.verify, "Read back, from the design as well");
+}
+
 Report setParameters(Context& context, const Words& asked) {
     const Options& options = context.options();
+    const auto& own = options.of<SetOptions>();
     Report report;
     Words words = asked;
     parseAssignments(context.parameters(), words); // a misspelt one stops all
-    if (options.anyOrder) {
+    if (own.anyOrder) {
         Ordering ordering = askOrder(context, words);
         if (!ordering.isComplete) return ordering.report;
         words = ordering.words;
         report = ordering.report;
     }
     json expected;
-    if (options.verify) expected = context.scratch().ask("expect", {{"assignments", words}});
+    if (own.verify) expected = context.scratch().ask("expect", {{"assignments", words}});
     AssignmentHooks hooks;
     hooks.suggestion = [&](const Assignment& assignment, ordered_json& row) {
         return askSuggestion(context, assignment, row);
     };
     if (options.trace) hooks.takeWrites = [&] { return writesOf(context.takeAccesses()); };
     append(report, applyAssignments(context.instance(), context.parameters(), words, hooks));
-    if (options.verify) verify(context, words, expected, report);
+    if (own.verify) verify(context, words, expected, report);
     return report;
 }
+
+} // namespace
+
+extern const Command setCommand;
+const Command setCommand = {
+    .name = "set",
+    .help = "Set parameters in order; stops at the first refusal",
+    .argument = "NAME=VALUE",
+    .argumentHelp = "Numbers decimal or 0x.., entries of enumerations by name or number",
+    .fewest = 1,
+    .most = -1,
+    .run = setParameters,
+    .scratch = Context::Scratch::wanted,
+    .addOptions = addSetOptions,
+    .showsWrites = true,
+};
 
 } // namespace appletctl

@@ -5,7 +5,9 @@
 
 #include "appletctl/applet/assignments.h"
 #include "appletctl/base/text.h"
-#include "appletctl/scratch/jobs.h"
+#include "appletctl/commands/Command.h"
+#include "appletctl/commands/jobs.h"
+#include "appletctl/commands/shared_options.h"
 #include "appletctl/scratch/measured_range.h"
 #include "appletctl/scratch/reports.h"
 
@@ -175,8 +177,26 @@ json whyJob(ScratchSession& session, const json& arguments) {
     return asMessage(report);
 }
 
+namespace {
+
 Report explainParameters(Context& context, const Words& words) {
-    return askScratch(context, "why", {{"words", words}, {"with", context.options().with}});
+    return askScratch(context, "why",
+                      {{"words", words}, {"with", context.options().of<WithOption>().assignments}});
 }
+
+} // namespace
+
+extern const Command whyCommand;
+const Command whyCommand = {
+    .name = "why",
+    .help = "Say why a parameter is read-only or refuses a value, and what would free it",
+    .argument = "NAME[=VALUE]",
+    .argumentHelp = "Parameters or assignments",
+    .fewest = 1,
+    .most = -1,
+    .run = explainParameters,
+    .scratch = Context::Scratch::wanted,
+    .addOptions = addWith,
+};
 
 } // namespace appletctl

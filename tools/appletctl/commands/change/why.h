@@ -3,6 +3,7 @@
 #define APPLETCTL_COMMANDS_CHANGE_WHY_H
 
 #include "appletctl/applet/assignments.h"
+#include "appletctl/scratch/Context.h"
 #include "appletctl/scratch/Probe.h"
 
 #include <nlohmann/json.hpp>

@@ -1,8 +1,9 @@
 #include "appletctl/commands/files/check.h"
 
 #include "appletctl/base/text.h"
+#include "appletctl/commands/Command.h"
+#include "appletctl/commands/jobs.h"
 #include "appletctl/scratch/CommandRun.h"
-#include "appletctl/scratch/jobs.h"
 #include "appletctl/scratch/reports.h"
 
 namespace appletctl {
@@ -21,6 +22,8 @@ Check askCheck(ScratchBoard& scratch, const std::string& file) {
             ConfigurationFile(bytesOf(answer["state"]))};
 }
 
+namespace {
+
 Report checkConfiguration(Context& context, const Words& words) {
     const std::string& file = fileOf(words);
     Report report;
@@ -32,5 +35,19 @@ Report checkConfiguration(Context& context, const Words& words) {
     if (isSystem || context.options().offline) addAssumed(report, context.assumed());
     return report;
 }
+
+} // namespace
+
+extern const Command checkCommand;
+const Command checkCommand = {
+    .name = "check",
+    .help = "Say what a load of a configuration file would lose",
+    .argument = "FILE",
+    .argumentHelp = "File to read",
+    .fewest = 1,
+    .most = 1,
+    .run = checkConfiguration,
+    .scratch = Context::Scratch::wanted,
+};
 
 } // namespace appletctl

@@ -1,4 +1,5 @@
 #include "appletctl/base/text.h"
+#include "appletctl/commands/Command.h"
 #include "appletctl/commands/files/differences.h"
 #include "appletctl/scratch/CommandRun.h"
 
@@ -10,12 +11,18 @@ bool isSecondFile(const Words& words) { return words.size() > 1 && words[1].find
 
 std::string titleOf(const std::string& file) { return printable(toUtf8(file.c_str())); }
 
-} // namespace
+struct DiffOptions {
+    bool live = false; /**< --live: with the parameters as well */
+};
+
+void addLive(CLI::App& command, Options& options) {
+    command.add_flag("--live", options.own<DiffOptions>().live, "Show the parameters beside two files");
+}
 
 Report compareConfigurations(Context& context, const Words& words) {
     const std::string& first = fileOf(words);
     const bool areTwoFiles = isSecondFile(words);
-    const bool isWithLive = !areTwoFiles || context.options().live;
+    const bool isWithLive = !areTwoFiles || context.options().of<DiffOptions>().live;
     const Words assignments(words.begin() + (areTwoFiles ? 2 : 1), words.end());
     if (!isWithLive && !assignments.empty())
         throw UsageError("two files are compared with each other: no assignments, and no third file; with "
@@ -39,5 +46,20 @@ Report compareConfigurations(Context& context, const Words& words) {
         report.exitCode = exitDifferent;
     return report;
 }
+
+} // namespace
+
+extern const Command diffCommand;
+const Command diffCommand = {
+    .name = "diff",
+    .help = "Compare a configuration file with another one, or with the parameters",
+    .argument = "FILE",
+    .argumentHelp = "File, then another one or assignments to carry out before",
+    .fewest = 1,
+    .most = -1,
+    .run = compareConfigurations,
+    .scratch = Context::Scratch::wanted,
+    .addOptions = addLive,
+};
 
 } // namespace appletctl

@@ -1,7 +1,7 @@
 #include "appletctl/commands/files/differences.h"
 
 #include "appletctl/base/text.h"
-#include "appletctl/scratch/jobs.h"
+#include "appletctl/commands/jobs.h"
 
 #include <unistd.h>
 

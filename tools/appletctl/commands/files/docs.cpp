@@ -2,7 +2,7 @@
 
 #include "appletctl/applet/published_limits.h"
 #include "appletctl/base/text.h"
-#include "appletctl/cli/command_line.h"
+#include "appletctl/commands/Command.h"
 #include "appletctl/draw/svg.h"
 #include "appletctl/scratch/defaults_and_roles.h"
 
@@ -136,18 +136,13 @@ std::string plain(std::string_view text) {
 
 std::string literal(const std::string& text) { return "```\n" + text + "```\n\n"; }
 
-std::string manualOfProgram() {
+std::string manualOfProgram(const Program& program) {
     std::string text =
         "appletctl(1)\n\n# NAME\n\nappletctl \\- shows and sets the parameters of the applet\n\n"
         "# SYNOPSIS\n\n*appletctl* [OPTIONS] COMMAND ...\n\n# DESCRIPTION\n\n";
-    text += literal(parseCommandLine({"--help"}).outcome.text) + "# COMMANDS\n\n";
-    for (const Command& command : allCommands()) {
-        const std::string name = fullName(command);
-        Words words =
-            command.group != nullptr ? Words{command.group->name, command.name} : Words{command.name};
-        words.emplace_back("--help");
-        text += "## " + plain(name) + "\n\n" + literal(parseCommandLine(words).outcome.text);
-    }
+    text += literal(program.helpOf(nullptr)) + "# COMMANDS\n\n";
+    for (const Command* command : program.commands)
+        text += "## " + plain(fullName(*command)) + "\n\n" + literal(program.helpOf(command));
     return text + "# SEE ALSO\n\n*appletctl\\-parameters*(7)\n";
 }
 
@@ -199,10 +194,19 @@ void noteFile(Report& report, const std::string& file) {
     report.text += inQuotes(toUtf8(file.c_str())) + " written\n";
 }
 
-} // namespace
+struct DocsOptions {
+    std::optional<std::string> htmlFile;  /**< --html */
+    std::optional<std::string> manFolder; /**< --man */
+};
+
+void addDocsOptions(CLI::App& command, Options& options) {
+    auto& own = options.own<DocsOptions>();
+    command.add_option("--html", own.htmlFile, "Page to write")->type_name("FILE");
+    command.add_option("--man", own.manFolder, "Folder for the manual pages")->type_name("DIR");
+}
 
 Report writeDocs(Context& context, const Words&) {
-    const Options& options = context.options();
+    const auto& options = context.options().of<DocsOptions>();
     if (!options.htmlFile && !options.manFolder)
         throw UsageError("say what is to be written: --html FILE or --man DIR");
     if ((options.htmlFile && options.htmlFile->empty()) || (options.manFolder && options.manFolder->empty()))
@@ -218,7 +222,8 @@ Report writeDocs(Context& context, const Words&) {
     if (!options.manFolder) return report;
     std::filesystem::create_directories(*options.manFolder);
     const std::pair<const char*, std::string> manuals[] = {
-        {"appletctl.1", manualOfProgram()}, {"appletctl-parameters.7", manualOfParameters(rows)}};
+        {"appletctl.1", manualOfProgram(context.program())},
+        {"appletctl-parameters.7", manualOfParameters(rows)}};
     for (const auto& [name, source] : manuals) {
         const std::string file = std::filesystem::path(*options.manFolder) / name;
         writeManual(file, source);
@@ -226,5 +231,16 @@ Report writeDocs(Context& context, const Words&) {
     }
     return report;
 }
+
+} // namespace
+
+extern const Command docsCommand;
+const Command docsCommand = {
+    .name = "docs",
+    .help = "Write the documentation of all parameters",
+    .run = writeDocs,
+    .scratch = Context::Scratch::wanted,
+    .addOptions = addDocsOptions,
+};
 
 } // namespace appletctl

@@ -1,4 +1,5 @@
 #include "appletctl/base/text.h"
+#include "appletctl/commands/Command.h"
 #include "appletctl/commands/files/check.h"
 #include "appletctl/commands/files/differences.h"
 #include "appletctl/scratch/CommandRun.h"
@@ -20,7 +21,14 @@ void addSurprises(CommandRun& work, const Check& expected, int code, const Confi
     work.report.document["unexpected"] = unlike.document["differences"];
 }
 
-} // namespace
+struct LoadOptions {
+    bool strict = false; /**< --strict */
+};
+
+void addStrict(CLI::App& command, Options& options) {
+    command.add_flag("--strict", options.own<LoadOptions>().strict,
+                     "Load nothing if anything of the file would be lost");
+}
 
 Report loadConfiguration(Context& context, const Words& words) {
     requireBoard(context.options(), "load");
@@ -30,7 +38,7 @@ Report loadConfiguration(Context& context, const Words& words) {
     work.report.document["file"] = toUtf8(file.c_str());
     ScratchBoard& scratch = context.scratch();
     const Check check = askCheck(scratch, file);
-    if (context.options().strict && check.report.exitCode != exitDone) {
+    if (context.options().of<LoadOptions>().strict && check.report.exitCode != exitDone) {
         append(work.report, check.report);
         work.refuse("--strict: nothing was loaded");
         return work.report;
@@ -45,5 +53,20 @@ Report loadConfiguration(Context& context, const Words& words) {
     addAssumed(work.report, context.assumed());
     return work.report;
 }
+
+} // namespace
+
+extern const Command loadCommand;
+const Command loadCommand = {
+    .name = "load",
+    .help = "Load a configuration file and say what was lost of it",
+    .argument = "FILE",
+    .argumentHelp = "File to read, then assignments to carry out before",
+    .fewest = 1,
+    .most = -1,
+    .run = loadConfiguration,
+    .scratch = Context::Scratch::wanted,
+    .addOptions = addStrict,
+};
 
 } // namespace appletctl

@@ -2,6 +2,7 @@
 
 #include "appletctl/applet/LutTables.h"
 #include "appletctl/base/text.h"
+#include "appletctl/commands/Command.h"
 #include "appletctl/draw/curve.h"
 #include "appletctl/scratch/CommandRun.h"
 
@@ -9,6 +10,8 @@
 
 namespace appletctl {
 namespace {
+
+constexpr CommandGroup lutGroup = {"lut", "Show, draw, save and load the lookup table"};
 
 constexpr const char* blueOnTheBoard =
     "The board receives the table of blue for all three colours. The applet keeps all three, and "
@@ -113,7 +116,16 @@ void addCurves(Report& report, const LutTables& tables, const std::string& colou
     }
 }
 
-} // namespace
+struct LutShowOptions {
+    std::string channel = "all"; /**< --channel: red, green, blue or all */
+};
+
+void addLutChannel(CLI::App& command, Options& options) {
+    command
+        .add_option("--channel", options.own<LutShowOptions>().channel,
+                    "Channel to draw: red, green, blue or all")
+        ->check(CLI::IsMember({"red", "green", "blue", "all"}));
+}
 
 Report showLut(Context& context, const Words& assignments) {
     CommandRun work(context, assignments);
@@ -121,9 +133,25 @@ Report showLut(Context& context, const Words& assignments) {
     const LutTables tables = tablesOf(work);
     addDocument(work, tables);
     work.report.text += settingsText(work) + "\n\n" + statisticsText(tables);
-    addCurves(work.report, tables, context.options().lutChannel);
+    addCurves(work.report, tables, context.options().of<LutShowOptions>().channel);
     return work.report;
 }
+
+} // namespace
+
+extern const Command lutShowCommand;
+const Command lutShowCommand = {
+    .group = &lutGroup,
+    .name = "show",
+    .help = "Show what the tables are like, and a curve",
+    .argument = "NAME=VALUE",
+    .argumentHelp = "Assignments to carry out before",
+    .most = -1,
+    .run = showLut,
+    .addOptions = addLutChannel,
+};
+
+namespace {
 
 Report saveLut(Context& context, const Words& words) {
     const std::string& file = fileOf(words);
@@ -145,6 +173,22 @@ Report saveLut(Context& context, const Words& words) {
                             numberText(tables.colours.front().entries.size()) + " entries written\n";
     return work.report;
 }
+
+} // namespace
+
+extern const Command lutSaveCommand;
+const Command lutSaveCommand = {
+    .group = &lutGroup,
+    .name = "save",
+    .help = "Save the tables to a .lut file",
+    .argument = "FILE",
+    .argumentHelp = "File to write, then assignments to carry out before",
+    .fewest = 1,
+    .most = -1,
+    .run = saveLut,
+};
+
+namespace {
 
 Report loadLut(Context& context, const Words& words) {
     const std::string& file = fileOf(words);
@@ -170,6 +214,22 @@ Report loadLut(Context& context, const Words& words) {
     return work.report;
 }
 
+} // namespace
+
+extern const Command lutLoadCommand;
+const Command lutLoadCommand = {
+    .group = &lutGroup,
+    .name = "load",
+    .help = "Load the tables from a .lut file",
+    .argument = "FILE",
+    .argumentHelp = "File to read, then assignments to carry out before",
+    .fewest = 1,
+    .most = -1,
+    .run = loadLut,
+};
+
+namespace {
+
 Report plotLut(Context& context, const Words& words) {
     const std::string& file = fileOf(words);
     if (!file.ends_with(".svg"))
@@ -183,5 +243,19 @@ Report plotLut(Context& context, const Words& words) {
     work.report.text += shownFile(file) + " written\n";
     return work.report;
 }
+
+} // namespace
+
+extern const Command lutPlotCommand;
+const Command lutPlotCommand = {
+    .group = &lutGroup,
+    .name = "plot",
+    .help = "Draw the curves of all colours as SVG",
+    .argument = "FILE",
+    .argumentHelp = "File to write, .svg, then assignments to carry out before",
+    .fewest = 1,
+    .most = -1,
+    .run = plotLut,
+};
 
 } // namespace appletctl

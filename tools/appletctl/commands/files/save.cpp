@@ -1,4 +1,5 @@
 #include "appletctl/base/text.h"
+#include "appletctl/commands/Command.h"
 #include "appletctl/commands/files/check.h"
 #include "appletctl/commands/files/differences.h"
 #include "appletctl/scratch/CommandRun.h"
@@ -12,8 +13,6 @@ std::string whyNotSaved(const std::string& file, int code) {
            (isNamedSo ? "; see whether its folder exists and may be written"
                       : "; .mcf must be part of its name");
 }
-
-} // namespace
 
 Report saveConfiguration(Context& context, const Words& words) {
     requireBoard(context.options(), "save");
@@ -47,5 +46,19 @@ Report saveConfiguration(Context& context, const Words& words) {
     append(work.report, check.report);
     return work.report;
 }
+
+} // namespace
+
+extern const Command saveCommand;
+const Command saveCommand = {
+    .name = "save",
+    .help = "Save the parameters to a configuration file",
+    .argument = "FILE",
+    .argumentHelp = "File to write, .mcf, then assignments to carry out before",
+    .fewest = 1,
+    .most = -1,
+    .run = saveConfiguration,
+    .scratch = Context::Scratch::wanted,
+};
 
 } // namespace appletctl

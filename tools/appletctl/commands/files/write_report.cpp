@@ -1,7 +1,8 @@
 // All that a support needs to know, in one text or document.
 
 #include "appletctl/base/text.h"
-#include "appletctl/commands/commands.h"
+#include "appletctl/commands/Command.h"
+#include "appletctl/commands/shared_options.h"
 
 #include <sys/utsname.h>
 
@@ -58,32 +59,29 @@ std::string linesOf(const nlohmann::ordered_json& object) {
 struct Section {
     const char* key;
     const char* title;
-    Report (*run)(Context&, const Words&);
 };
 
 constexpr Section sections[] = {
-    {"info", "The applet and its libraries", showInfo},
-    {"lint", "What is doubtful", lintParameters},
-    {"list", "Parameters, with what differs from the default", listParameters},
-    {"route", "Routes", showRoutes},
-    {"timing", "Timing", showTiming},
+    {"info", "The applet and its libraries"},
+    {"lint", "What is doubtful"},
+    {"list", "Parameters, with what differs from the default"},
+    {"route", "Routes"},
+    {"timing", "Timing"},
 };
 
 /** What cannot be told is a part of the report as well. */
 Report partOf(Context& context, const Section& section) {
     try {
-        return section.run(context, {});
+        return runCommandNamed(context, section.key, {});
     } catch (const Failure& failure) {
         return failureReport("failure", failure.what(), exitRefused);
     }
 }
 
-} // namespace
-
 Report writeReport(Context& context, const Words& assignments) {
-    const std::optional<std::string>& file = context.options().outFile;
+    const std::optional<std::string>& file = context.options().of<OutFileOption>().file;
     if (file && file->empty()) throw UsageError("the name of the file is empty");
-    Report done = setParameters(context, assignments);
+    Report done = runCommandNamed(context, "set", assignments);
     if (done.exitCode != exitDone) return done;
     Report report;
     auto& document = report.document;
@@ -108,5 +106,19 @@ Report writeReport(Context& context, const Words& assignments) {
     report.text = inQuotes(toUtf8(file->c_str())) + " written\n";
     return report;
 }
+
+} // namespace
+
+extern const Command reportCommand;
+const Command reportCommand = {
+    .name = "report",
+    .help = "Write all that a support needs into one file",
+    .argument = "NAME=VALUE",
+    .argumentHelp = "Assignments to carry out before",
+    .most = -1,
+    .run = writeReport,
+    .scratch = Context::Scratch::wanted,
+    .addOptions = addOutFile,
+};
 
 } // namespace appletctl

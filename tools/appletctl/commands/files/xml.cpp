@@ -1,7 +1,8 @@
 #include "appletctl/commands/files/xml.h"
 
 #include "appletctl/base/text.h"
-#include "appletctl/commands/commands.h"
+#include "appletctl/commands/Command.h"
+#include "appletctl/commands/shared_options.h"
 
 #include "vexo/fg_errors.h"
 
@@ -38,28 +39,50 @@ Report checkedDocument(Context& context, const std::string& document) {
     return report;
 }
 
-} // namespace
+struct XmlOptions {
+    bool isPortable = false; /**< --portable */
+    bool isChecked = false;  /**< --check */
+};
+
+void addXmlOptions(CLI::App& command, Options& options) {
+    addOutFile(command, options);
+    auto& own = options.own<XmlOptions>();
+    command.add_flag("--portable", own.isPortable, "A document for other clients, made from the same tree");
+    command.add_flag("--check", own.isChecked, "What a client stumbles over in the document");
+}
 
 Report showXml(Context& context, const Words&) {
-    const Options& options = context.options();
-    if (options.outFile && options.outFile->empty()) throw UsageError("the name of the file is empty");
-    if (options.outFile && options.isChecked)
+    const auto& options = context.options().of<XmlOptions>();
+    const auto& outFile = context.options().of<OutFileOption>().file;
+    if (outFile && outFile->empty()) throw UsageError("the name of the file is empty");
+    if (outFile && options.isChecked)
         throw UsageError("either the document is written, with -o, or looked at, with --check");
     const std::string document =
         options.isPortable ? portableDocument(context) : ownDocument(context.instance());
     if (options.isChecked) return checkedDocument(context, document);
     Report report;
-    if (!options.outFile) {
+    if (!outFile) {
         report.text = document;
         report.document["document"] = toUtf8(document.c_str());
         return report;
     }
-    writeFile(*options.outFile, document);
-    const std::string file = toUtf8(options.outFile->c_str());
+    writeFile(*outFile, document);
+    const std::string file = toUtf8(outFile->c_str());
     report.document["file"] = file;
     report.document["bytes"] = document.size();
     report.text = inQuotes(file) + " written\n";
     return report;
 }
+
+} // namespace
+
+extern const Command xmlCommand;
+const Command xmlCommand = {
+    .name = "xml",
+    .help = "Show the XML document that describes the parameters",
+    .run = showXml,
+    .scratch = Context::Scratch::withoutDesign,
+    .addOptions = addXmlOptions,
+};
 
 } // namespace appletctl

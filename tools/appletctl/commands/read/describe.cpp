@@ -1,7 +1,7 @@
 #include "appletctl/applet/published_limits.h"
 #include "appletctl/applet/values.h"
 #include "appletctl/base/text.h"
-#include "appletctl/commands/commands.h"
+#include "appletctl/commands/Command.h"
 #include "appletctl/scratch/defaults_and_roles.h"
 
 #include <unistd.h>
@@ -16,8 +16,6 @@ std::string accessInWords(const Parameter& parameter) {
     if (word == "rw+") return "rw+ (also while an acquisition runs)";
     return word;
 }
-
-} // namespace
 
 Report describeParameters(Context& context, const Words& names) {
     Instance& instance = context.instance();
@@ -70,5 +68,19 @@ Report describeParameters(Context& context, const Words& names) {
     report.text = table.render(Style::forStream(STDOUT_FILENO));
     return report;
 }
+
+} // namespace
+
+extern const Command describeCommand;
+const Command describeCommand = {
+    .name = "describe",
+    .help = "Show all that is known of parameters",
+    .argument = "NAME",
+    .argumentHelp = "Parameters",
+    .fewest = 1,
+    .most = -1,
+    .run = describeParameters,
+    .scratch = Context::Scratch::wanted,
+};
 
 } // namespace appletctl

@@ -1,7 +1,7 @@
 #include "appletctl/applet/Instance.h"
 #include "appletctl/base/numbers.h"
 #include "appletctl/base/text.h"
-#include "appletctl/commands/commands.h"
+#include "appletctl/commands/Command.h"
 
 #include <unistd.h>
 
@@ -19,8 +19,6 @@ std::optional<FgEventRecord> recordOf(const applet_host::AppletFunctions& applet
         return std::nullopt;
     return record;
 }
-
-} // namespace
 
 Report listEvents(Context& context, const Words&) {
     requireBoard(context.options(), "events");
@@ -45,5 +43,14 @@ Report listEvents(Context& context, const Words&) {
     report.text = table.render(Style::forStream(STDOUT_FILENO));
     return report;
 }
+
+} // namespace
+
+extern const Command eventsCommand;
+const Command eventsCommand = {
+    .name = "events",
+    .help = "Show the events of the design: names, masks, what comes with them",
+    .run = listEvents,
+};
 
 } // namespace appletctl

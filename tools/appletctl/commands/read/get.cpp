@@ -1,4 +1,4 @@
-#include "appletctl/commands/commands.h"
+#include "appletctl/commands/Command.h"
 #include "appletctl/scratch/BoardState.h"
 
 namespace appletctl {
@@ -41,10 +41,19 @@ std::vector<Target> targetsOfGroups(const ParameterList& parameters, const Words
     return targets;
 }
 
-} // namespace
+struct GetOptions {
+    bool areGroups = false; /**< -g: the names are groups */
+    bool isRaw = false;     /**< --raw: bare values */
+};
+
+void addGetOptions(CLI::App& command, Options& options) {
+    auto& own = options.own<GetOptions>();
+    command.add_flag("-g,--group", own.areGroups, "The names are groups: all their parameters");
+    command.add_flag("--raw", own.isRaw, "Bare values, one a line; numbers for enumerations");
+}
 
 Report getParameters(Context& context, const Words& names) {
-    const Options& options = context.options();
+    const auto& options = context.options().of<GetOptions>();
     Instance& instance = context.instance();
     const ParameterList& parameters = context.parameters();
     Report report;
@@ -64,5 +73,19 @@ Report getParameters(Context& context, const Words& names) {
     }
     return report;
 }
+
+} // namespace
+
+extern const Command getCommand;
+const Command getCommand = {
+    .name = "get",
+    .help = "Read parameters",
+    .argument = "NAME",
+    .argumentHelp = "Parameters, in any case, with or without FG_",
+    .fewest = 1,
+    .most = -1,
+    .run = getParameters,
+    .addOptions = addGetOptions,
+};
 
 } // namespace appletctl

@@ -1,6 +1,6 @@
 #include "appletctl/applet/Instance.h"
 #include "appletctl/base/text.h"
-#include "appletctl/commands/commands.h"
+#include "appletctl/commands/Command.h"
 
 #include <unistd.h>
 
@@ -60,8 +60,6 @@ nlohmann::ordered_json ask(const applet_host::AppletFunctions& applet, const Que
     return applet.Info(question.code, 0, 0, nullptr, nullptr);
 }
 
-} // namespace
-
 Report showInfo(Context& context, const Words&) {
     const applet_host::AppletHost host(locationsFor(context.options()));
     Report report;
@@ -79,5 +77,14 @@ Report showInfo(Context& context, const Words&) {
     report.text = table.render(Style::forStream(STDOUT_FILENO));
     return report;
 }
+
+} // namespace
+
+extern const Command infoCommand;
+const Command infoCommand = {
+    .name = "info",
+    .help = "Show what the applet says of itself",
+    .run = showInfo,
+};
 
 } // namespace appletctl

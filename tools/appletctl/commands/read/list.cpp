@@ -1,6 +1,6 @@
 #include "appletctl/applet/published_limits.h"
 #include "appletctl/base/text.h"
-#include "appletctl/commands/commands.h"
+#include "appletctl/commands/Command.h"
 #include "appletctl/scratch/BoardState.h"
 #include "appletctl/scratch/defaults_and_roles.h"
 
@@ -80,17 +80,24 @@ constexpr Column columns[] = {
 
 bool has(const Words& names, std::string_view name) { return std::ranges::find(names, name) != names.end(); }
 
+struct ListOptions {
+    bool onlyChanged = false;  /**< --changed */
+    bool onlyWritable = false; /**< --writable */
+    std::string group;         /**< --group: part of the group's labels */
+    Words columns;             /**< -f */
+};
+
 std::vector<const Parameter*> wantedParameters(Context& context, const std::string& pattern) {
     const ParameterList& parameters = context.parameters();
-    const Options& options = context.options();
+    const auto& own = context.options().of<ListOptions>();
     std::vector<const Parameter*> wanted = parameters.matching(pattern);
-    if (!options.group.empty()) {
-        const auto inGroup = parameters.inGroup(options.group);
+    if (!own.group.empty()) {
+        const auto inGroup = parameters.inGroup(own.group);
         std::erase_if(wanted, [&](const Parameter* parameter) {
             return std::ranges::find(inGroup, parameter) == inGroup.end();
         });
     }
-    if (options.onlyWritable)
+    if (own.onlyWritable)
         std::erase_if(wanted,
                       [](const Parameter* parameter) { return !accessWord(*parameter).starts_with("rw"); });
     return wanted;
@@ -159,10 +166,23 @@ Words listColumns() {
     return names;
 }
 
+namespace {
+
+void addListOptions(CLI::App& command, Options& options) {
+    auto& own = options.own<ListOptions>();
+    command.add_flag("--changed", own.onlyChanged, "Only what differs from the default");
+    command.add_flag("--writable", own.onlyWritable, "Only what can be set now");
+    command.add_option("--group", own.group, "Only groups with this in their labels")->type_name("G");
+    command.add_option("-f,--columns", own.columns, "Columns: " + join(listColumns(), ","))
+        ->type_name("COLS")
+        ->delimiter(',')
+        ->check(CLI::IsMember(listColumns()).description(""));
+}
+
 Report listParameters(Context& context, const Words& pattern) {
-    const Options& options = context.options();
+    const auto& own = context.options().of<ListOptions>();
     const std::string asked = pattern.empty() ? "" : pattern.front();
-    const bool wantsRole = has(options.columns, roleColumn);
+    const bool wantsRole = has(own.columns, roleColumn);
     const std::vector<const Parameter*> wanted = wantedParameters(context, asked);
     Report report;
     std::map<std::string, DefaultAndRole> defaultsAndRoles;
@@ -170,21 +190,35 @@ Report listParameters(Context& context, const Words& pattern) {
         defaultsAndRoles = backgroundOf(context, wanted, wantsRole ? FileRoles::asked : FileRoles::unasked);
     } catch (const Failure& failure) {
         // Where there is no scratch board, a list is still of use.
-        if (options.onlyChanged || wantsRole || has(options.columns, defaultColumn)) throw;
+        if (own.onlyChanged || wantsRole || has(own.columns, defaultColumn)) throw;
         report.notes.push_back(std::string("the defaults are not known: ") + failure.what());
     }
     std::vector<Listed> rows;
     for (const Parameter* parameter : wanted) {
         const Listed listed{*parameter, readFor(context.instance(), *parameter, asked),
                             defaultsAndRoles[parameter->name]};
-        if (!options.onlyChanged || listed.isChanged()) rows.push_back(listed);
+        if (!own.onlyChanged || listed.isChanged()) rows.push_back(listed);
     }
     auto& documented = report.document["parameters"] = nlohmann::ordered_json::array();
     for (const Listed& listed : rows)
         documented.push_back(asJson(listed, wantsRole));
-    report.text = tableOf(rows, options.columns).render(Style::forStream(STDOUT_FILENO));
+    report.text = tableOf(rows, own.columns).render(Style::forStream(STDOUT_FILENO));
     if (rows.empty()) report.text = "Nothing of this kind.\n";
     return report;
 }
+
+} // namespace
+
+extern const Command listCommand;
+const Command listCommand = {
+    .name = "list",
+    .help = "Show parameters as a table: name, value, unit, access, limits or entries",
+    .argument = "PATTERN",
+    .argumentHelp = "Part of a name, or a pattern with * ? [..]",
+    .most = 1,
+    .run = listParameters,
+    .scratch = Context::Scratch::wanted,
+    .addOptions = addListOptions,
+};
 
 } // namespace appletctl

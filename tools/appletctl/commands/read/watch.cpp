@@ -4,7 +4,7 @@
 #include "appletctl/applet/values.h"
 #include "appletctl/base/Interruption.h"
 #include "appletctl/base/text.h"
-#include "appletctl/commands/commands.h"
+#include "appletctl/commands/Command.h"
 #include "appletctl/draw/sparkline.h"
 
 #include <sys/ioctl.h>
@@ -16,6 +16,7 @@
 #include <cmath>
 #include <cstdio>
 #include <deque>
+#include <limits>
 #include <optional>
 #include <type_traits>
 
@@ -189,15 +190,35 @@ bool holds(const Condition& condition, const Round& round) {
     });
 }
 
-} // namespace
+struct WatchOptions {
+    int interval = 1000; /**< --interval: milliseconds from round to round */
+    int count = 0;       /**< --count: rounds; 0: no end */
+    std::string failIf;  /**< --fail-if: a condition (see Condition) */
+};
+
+void addWatchOptions(CLI::App& command, Options& options) {
+    auto& own = options.own<WatchOptions>();
+    constexpr int longestInterval = 24 * 60 * 60 * 1000;
+    command.add_option("--interval", own.interval, "Milliseconds from round to round")
+        ->type_name("MS")
+        ->check(CLI::Range(1, longestInterval));
+    command.add_option("--count", own.count, "Number of rounds; without it the watch has no end")
+        ->type_name("N")
+        ->check(CLI::Range(1, std::numeric_limits<int>::max()));
+    command
+        .add_option("--fail-if", own.failIf,
+                    "Condition that ends the watch with exit code 1, such as 'FG_OVERFLOW != 0 || NAME > 5'")
+        ->type_name("EXPR");
+}
 
 Report watchParameters(Context& context, const Words& names) {
     const Options& options = context.options();
+    const auto& own = options.of<WatchOptions>();
     const Interruption interruption;
     Instance& instance = context.instance();
     const ParameterList& parameters = context.parameters();
     std::optional<Condition> condition;
-    if (!options.watchFailIf.empty()) condition.emplace(parameters, options.watchFailIf);
+    if (!own.failIf.empty()) condition.emplace(parameters, own.failIf);
     Round round{
         .number = 0, .elapsed = {}, .watched = watchedTargets(findTargets(parameters, names), condition)};
 
@@ -211,7 +232,7 @@ Report watchParameters(Context& context, const Words& names) {
 
     Report report;
     report.isPrinted = true;
-    const std::chrono::milliseconds interval(options.watchInterval);
+    const std::chrono::milliseconds interval(own.interval);
     const Clock::time_point start = Clock::now();
     Clock::time_point due = start;
     bool goesOn = true;
@@ -229,16 +250,29 @@ Report watchParameters(Context& context, const Words& names) {
             return report;
         }
         if (round.isFailed) {
-            report.problems.push_back("round " + numberText(round.number) + ": " +
-                                      printable(options.watchFailIf));
+            report.problems.push_back("round " + numberText(round.number) + ": " + printable(own.failIf));
             report.exitCode = exitRefused;
             return report;
         }
         due = std::max(due + interval, Clock::now());
-        goesOn = round.number != options.watchCount && interruption.waitUntil(due);
+        goesOn = round.number != own.count && interruption.waitUntil(due);
     }
     if (interruption.isAsked()) report.exitCode = exitInterrupted;
     return report;
 }
+
+} // namespace
+
+extern const Command watchCommand;
+const Command watchCommand = {
+    .name = "watch",
+    .help = "Read parameters over and over; ends on Ctrl-C",
+    .argument = "NAME",
+    .argumentHelp = "Parameters",
+    .fewest = 1,
+    .most = -1,
+    .run = watchParameters,
+    .addOptions = addWatchOptions,
+};
 
 } // namespace appletctl

@@ -7,7 +7,8 @@
 #include "appletctl/applet/assignments.h"
 #include "appletctl/applet/published_limits.h"
 #include "appletctl/base/text.h"
-#include "appletctl/scratch/jobs.h"
+#include "appletctl/commands/Command.h"
+#include "appletctl/commands/jobs.h"
 #include "appletctl/scratch/reports.h"
 
 #include "vexo/fg_errors.h"
@@ -369,6 +370,8 @@ std::string findingsText(const json& findings) {
     return text;
 }
 
+namespace {
+
 Report lintParameters(Context& context, const Words& words) {
     const bool isFile = !words.empty() && words.front().find('=') == std::string::npos;
     if (isFile && words.size() > 1)
@@ -386,5 +389,18 @@ Report lintParameters(Context& context, const Words& words) {
     addAssumed(report, context.assumed());
     return report;
 }
+
+} // namespace
+
+extern const Command lintCommand;
+const Command lintCommand = {
+    .name = "lint",
+    .help = "Say what is legal but doubtful",
+    .argument = "FILE",
+    .argumentHelp = "File to look at, or assignments to carry out before",
+    .most = -1,
+    .run = lintParameters,
+    .scratch = Context::Scratch::wanted,
+};
 
 } // namespace appletctl

@@ -4,7 +4,9 @@
 #include "appletctl/applet/access_log.h"
 #include "appletctl/applet/assignments.h"
 #include "appletctl/base/text.h"
-#include "appletctl/scratch/jobs.h"
+#include "appletctl/commands/Command.h"
+#include "appletctl/commands/jobs.h"
+#include "appletctl/commands/shared_options.h"
 
 #include <unistd.h>
 
@@ -173,6 +175,8 @@ json routesJob(ScratchSession& session, const json& pairs) {
     return routes;
 }
 
+namespace {
+
 Report showRoutes(Context& context, const Words& assignments) {
     Instance& instance = context.instance();
     const ParameterList& parameters = context.parameters();
@@ -200,7 +204,7 @@ Report showRoutes(Context& context, const Words& assignments) {
         report.problems.push_back("the board does not hold what the applet writes for " + state.output);
         report.exitCode = exitRefused;
     }
-    if (context.options().dot) {
+    if (context.options().of<DotOption>().isWanted) {
         report.text = asDot(states);
         report.document["dot"] = report.text;
         return report;
@@ -208,5 +212,19 @@ Report showRoutes(Context& context, const Words& assignments) {
     report.text += (report.text.empty() ? "" : "\n") + table.render(Style::forStream(STDOUT_FILENO));
     return report;
 }
+
+} // namespace
+
+extern const Command routeCommand;
+const Command routeCommand = {
+    .name = "route",
+    .help = "Show what each output, analyzer and event listens to, and what the board holds",
+    .argument = "NAME=VALUE",
+    .argumentHelp = "Assignments to carry out before",
+    .most = -1,
+    .run = showRoutes,
+    .scratch = Context::Scratch::wanted,
+    .addOptions = addDot,
+};
 
 } // namespace appletctl

@@ -3,6 +3,7 @@
 #include "appletctl/applet/assignments.h"
 #include "appletctl/applet/published_limits.h"
 #include "appletctl/base/text.h"
+#include "appletctl/commands/Command.h"
 #include "appletctl/draw/svg.h"
 #include "appletctl/draw/waves.h"
 
@@ -253,10 +254,19 @@ void writePicture(Report& report, const std::optional<std::string>& file, const 
     report.text += inQuotes(toUtf8(file->c_str())) + " written\n";
 }
 
-} // namespace
+struct TimingOptions {
+    std::optional<std::string> svgFile; /**< --svg */
+    std::optional<std::string> vcdFile; /**< --vcd */
+};
+
+void addTimingOptions(CLI::App& command, Options& options) {
+    auto& own = options.own<TimingOptions>();
+    command.add_option("--svg", own.svgFile, "Picture to write")->type_name("FILE");
+    command.add_option("--vcd", own.vcdFile, "Waveforms to write, for a waveform viewer")->type_name("FILE");
+}
 
 Report showTiming(Context& context, const Words& assignments) {
-    const Options& options = context.options();
+    const auto& options = context.options().of<TimingOptions>();
     for (const auto& file : {options.svgFile, options.vcdFile})
         if (file && file->empty()) throw UsageError("the name of the file is empty");
     Report report = applyAssignments(context.instance(), context.parameters(), assignments);
@@ -275,5 +285,18 @@ Report showTiming(Context& context, const Words& assignments) {
     writePicture(report, options.vcdFile, "vcd", wavesAsVcd(waves, timing.end));
     return report;
 }
+
+} // namespace
+
+extern const Command timingCommand;
+const Command timingCommand = {
+    .name = "timing",
+    .help = "Show the signals over three line periods, and which output carries them",
+    .argument = "NAME=VALUE",
+    .argumentHelp = "Assignments to carry out before",
+    .most = -1,
+    .run = showTiming,
+    .addOptions = addTimingOptions,
+};
 
 } // namespace appletctl

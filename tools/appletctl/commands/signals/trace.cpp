@@ -2,7 +2,7 @@
 
 #include "appletctl/applet/ConfigurationFile.h"
 #include "appletctl/base/text.h"
-#include "appletctl/commands/commands.h"
+#include "appletctl/commands/Command.h"
 
 #include <algorithm>
 #include <sstream>
@@ -116,6 +116,8 @@ Report traceRun(Context& context, bool isShownByCommand, const std::function<Rep
     return report;
 }
 
+namespace {
+
 Report compareTraces(Context&, const Words& files) {
     if (files.size() != 2) throw UsageError("'trace diff' compares two files that 'trace' has written");
     Report report;
@@ -129,5 +131,18 @@ Report compareTraces(Context&, const Words& files) {
     if (rows.empty()) report.text = "The accesses are the same.\n";
     return report;
 }
+
+} // namespace
+
+extern const Command traceCommand;
+const Command traceCommand = {
+    .name = "trace",
+    .help = "Show what a command does to the design; or compare two such logs: trace diff FILE FILE",
+    .argument = "COMMAND",
+    .argumentHelp = "A command with its words",
+    .most = -1,
+    .run = compareTraces,
+    .kind = Command::Kind::prefix,
+};
 
 } // namespace appletctl

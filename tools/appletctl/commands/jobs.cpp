@@ -1,14 +1,9 @@
-#include "appletctl/scratch/jobs.h"
+#include "appletctl/commands/jobs.h"
 
-#include <stdexcept>
+#include "appletctl/scratch/defaults_and_roles.h"
 
 namespace appletctl {
 namespace {
-
-struct JobRow {
-    const char* name;
-    Job job;
-};
 
 constexpr JobRow jobs[] = {
     {"defaultsAndRoles", defaultsAndRolesJob},
@@ -28,10 +23,6 @@ constexpr JobRow jobs[] = {
 
 } // namespace
 
-Job findJob(const std::string& name) {
-    for (const JobRow& row : jobs)
-        if (name == row.name) return row.job;
-    throw std::logic_error("no job '" + name + "'");
-}
+std::span<const JobRow> allJobs() { return jobs; }
 
 } // namespace appletctl

@@ -1,10 +1,10 @@
 /** What a scratch board can be asked to find out; each job stands in the source of its command. */
-#ifndef APPLETCTL_SCRATCH_JOBS_H
-#define APPLETCTL_SCRATCH_JOBS_H
+#ifndef APPLETCTL_COMMANDS_JOBS_H
+#define APPLETCTL_COMMANDS_JOBS_H
 
 #include "appletctl/scratch/ScratchSession.h"
 
-#include <string>
+#include <span>
 
 namespace appletctl {
 
@@ -45,15 +45,11 @@ json whyJob(ScratchSession& session, const json& arguments);
 /** Finds what the parameter {"name": NAME, "dot": BOOL} moves and what moves it. */
 json depsJob(ScratchSession& session, const json& arguments);
 
-/** Tells {NAME: {"start": VALUE, "settable", "fileRole"}} of {"names": [NAME, ...], "roles": whether the file
- *  roles are wanted} (see DefaultAndRole). */
-json defaultsAndRolesJob(ScratchSession& session, const json& arguments);
-
 /** Tells the findings (see lint.h) of the present state, or with {"file": NAME} after a load of that file. */
 json lintJob(ScratchSession& session, const json& arguments);
 
-/** The job of that name; every name is one of the table's. */
-Job findJob(const std::string& name);
+/** All of them, for the scratch boards. */
+std::span<const JobRow> allJobs();
 
 } // namespace appletctl
 

@@ -1,0 +1,16 @@
+/** The list of all commands. */
+#ifndef APPLETCTL_CLI_REGISTRY_H
+#define APPLETCTL_CLI_REGISTRY_H
+
+#include "appletctl/commands/Command.h"
+
+#include <span>
+
+namespace appletctl {
+
+/** In the order of the help. */
+std::span<const Command* const> allCommands();
+
+} // namespace appletctl
+
+#endif

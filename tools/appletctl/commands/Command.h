@@ -1,0 +1,78 @@
+/** The row of a command: all that the command line, the help and the completion need to know of it. Each command
+ *  defines its row in its own source file. */
+#ifndef APPLETCTL_COMMANDS_COMMAND_H
+#define APPLETCTL_COMMANDS_COMMAND_H
+
+#include "appletctl/base/output.h"
+#include "appletctl/scratch/Context.h"
+
+#include <CLI/CLI.hpp>
+
+#include <string>
+#include <string_view>
+
+namespace appletctl {
+
+/** The first word of commands that consist of two. */
+struct CommandGroup {
+    const char* name;
+    const char* help;
+};
+
+/** A command line without the program's name, and what it is good for. */
+struct Example {
+    const char* line;
+    const char* help;
+};
+
+struct Command {
+    enum class Kind {
+        plain,
+        prefix, /**< its words are another command line */
+        session /**< carries out commands of its own, so it does not work within one */
+    };
+    /** What its words do to the live board. */
+    enum class Sets {
+        nothing,
+        assignments, /**< those among its words */
+        always
+    };
+    static constexpr std::size_t mostExamples = 4;
+
+    const CommandGroup* group = nullptr; /**< null at the top */
+    const char* name;
+    const char* help;
+    const char* argument = nullptr; /**< what its words are, or null if it takes none */
+    const char* argumentHelp = nullptr;
+    Example examples[mostExamples] = {};
+    const char* fileSuffix = ""; /**< of the files that its words name: ".mcf" */
+    int fewest = 0, most = 0;    /**< number of words; most -1: any number */
+    /** UsageError and the failures leave it as exceptions. */
+    Report (*run)(Context&, const Words&);
+    Context::Scratch scratch = Context::Scratch::none;
+    void (*addOptions)(CLI::App& command, Options& options) = nullptr; /**< its own ones */
+    Kind kind = Kind::plain;
+    Sets sets = Sets::nothing;
+    bool showsValues = false; /**< takes --with and --from */
+    bool showsWrites = false; /**< "trace" need not add them to its text */
+};
+
+/** What its words are: "NAME=VALUE"; empty if it takes none. */
+inline std::string_view kindOf(const Command& command) {
+    return command.argument != nullptr ? command.argument : "";
+}
+
+/** For programs, not for people. */
+inline bool isHidden(const Command& command) { return std::string_view(command.name).starts_with("__"); }
+
+/** "lut show". */
+inline std::string fullName(const Command& command) {
+    return (command.group != nullptr ? std::string(command.group->name) + " " : "") + command.name;
+}
+
+/** Runs another command, of that full name, with its default options. */
+Report runCommandNamed(Context& context, std::string_view name, const Words& words);
+
+} // namespace appletctl
+
+#endif

@@ -1,0 +1,26 @@
+#include "appletctl/commands/shared_options.h"
+
+namespace appletctl {
+
+void addWith(CLI::App& command, Options& options) {
+    command.add_option("--with", options.own<WithOption>().assignments, "Answer as if this were set")
+        ->type_name("NAME=VALUE")
+        ->allow_extra_args(false);
+}
+
+void addYes(CLI::App& command, Options& options) {
+    command.add_flag("--yes", options.own<YesOption>().isGiven, "Do it without a question");
+}
+
+void addOutFile(CLI::App& command, Options& options) {
+    command
+        .add_option("-o,--out", options.own<OutFileOption>().file,
+                    "File to write instead of the standard output")
+        ->type_name("FILE");
+}
+
+void addDot(CLI::App& command, Options& options) {
+    command.add_flag("--dot", options.own<DotOption>().isWanted, "Print a graph in the language DOT");
+}
+
+} // namespace appletctl
