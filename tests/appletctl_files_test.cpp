@@ -59,8 +59,8 @@ protected:
 TEST_F(AppletctlFiles, NeedNoTemporaryFolder) {
     const std::pair<Words, const char*> commands[] = {
         {{"diff", saved, "--live"}, "FG_WIDTH  2048 pixel"},
-        {{"plan", saved}, "XLength u32 2048\n"},
-        {{"load", saved}, "1024 pixel        2048 pixel"},
+        {{"plan", saved}, "XLength: 1024 -> 2048\n"},
+        {{"load", saved}, "1024 pixel  2048 pixel"},
         {{"check", saved}, "loses nothing.\n"},
         {{"xml", "--portable"}, "</RegisterDescription>"},
         {{"describe", "width"}, "saved, and restored by a load"},

@@ -586,9 +586,9 @@ TEST(AppletctlWatch, GoesOnAfterAFailedRead) {
                      {"--rate", "--alarm-if", "(DRA_FanLevel > 8 || FG_WIDTH == 4) && FG_WIDTH != 5"});
     const Outcome alarmed = run(withAlarm, scriptedRegisters);
     EXPECT_EQ(alarmed.exitCode, 0) << alarmed.err;
-    EXPECT_TRUE(contains(alarmed.out, "  DRA_FanLevel = 9  FG_WIDTH = 1024 pixel (+0/s)  ALARM\n"))
+    EXPECT_TRUE(contains(alarmed.out, "\tALARM\n"))
         << alarmed.out;
-    EXPECT_TRUE(contains(alarmed.out, "  DRA_FanLevel = 2 (-")) << alarmed.out;
+    EXPECT_TRUE(contains(alarmed.out, "\tDRA_FanLevel\t2\t\t-")) << alarmed.out;
     EXPECT_GE(rounds[3]["seconds"], 0.03);
 }
 

@@ -118,7 +118,7 @@ std::string rateText(double perSecond) {
     return text;
 }
 
-/** A record for each parameter: seconds, name, value, unit; with rates the change per second. */
+/** A record for each parameter: seconds, name, value, unit; with rates the change per second. One more for an alarm. */
 std::string asRecords(const Round& round, bool wantsRates) {
     std::string text;
     for (const Watched& watched : round.watched) {
@@ -129,6 +129,7 @@ std::string asRecords(const Round& round, bool wantsRates) {
         if (wantsRates) text += '\t' + (watched.perSecond ? rateText(*watched.perSecond) : "-");
         text += '\n';
     }
+    if (round.isAlarm) text += secondsText(round) + "\tALARM\n";
     return text;
 }
 

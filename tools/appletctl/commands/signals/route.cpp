@@ -151,6 +151,7 @@ void setOnScratch(ScratchSession& session, const json& wanted) {
 struct InputState {
     const char* listener;
     std::string source, polarity;
+    nlohmann::ordered_json sourceValue, polarityValue; // the latter null where there is none
     bool isInUse;                    // the mode lets the input count: its source is writable
     std::vector<DesignValue> values; // none offline
 
@@ -161,9 +162,9 @@ struct InputState {
 };
 
 nlohmann::ordered_json asJson(const InputState& state) {
-    nlohmann::ordered_json row = {{"input", state.listener},    {"source", state.source},
-                                  {"polarity", state.polarity}, {"inUse", state.isInUse},
-                                  {"select", nullptr},          {"agrees", nullptr}};
+    nlohmann::ordered_json row = {{"input", state.listener},         {"source", state.sourceValue},
+                                  {"polarity", state.polarityValue}, {"inUse", state.isInUse},
+                                  {"select", nullptr},               {"agrees", nullptr}};
     if (state.values.empty()) return row;
     row["select"] = asJson(state.values.back());
     row["agrees"] = !state.disagrees();
@@ -173,17 +174,24 @@ nlohmann::ordered_json asJson(const InputState& state) {
 /** `expected` is what the applet writes for the source of each row; nothing offline. */
 std::vector<InputState> inputsOf(Context& context, const ParameterList* design, const json& expected) {
     Instance& instance = context.instance();
-    const auto text = [&](const char* name) {
+    const auto addTo = [&](const char* name, std::string& text, nlohmann::ordered_json& value) {
+        if (name == nullptr) return;
         const Target target{&context.parameters().find(name)};
-        return valueText(*target.parameter, valueOf(instance, target));
+        const Value now = valueOf(instance, target);
+        text = valueText(*target.parameter, now);
+        value = valueAsJson(target, now);
     };
     std::vector<InputState> inputs;
     for (const InputRow& row : inputRows) {
-        InputState state{row.listener,
-                         text(row.source),
-                         row.polarity != nullptr ? text(row.polarity) : "-",
-                         accessWord(context.parameters().find(row.source)) != "ro",
-                         {}};
+        InputState state{.listener = row.listener,
+                         .source = "-",
+                         .polarity = "-",
+                         .sourceValue = nullptr,
+                         .polarityValue = nullptr,
+                         .isInUse = accessWord(context.parameters().find(row.source)) != "ro",
+                         .values = {}};
+        addTo(row.source, state.source, state.sourceValue);
+        addTo(row.polarity, state.polarity, state.polarityValue);
         if (design != nullptr)
             for (const json& value : expected[inputs.size()])
                 state.values.push_back(compare(instance, *design, value));
