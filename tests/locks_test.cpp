@@ -11,6 +11,7 @@
 #include <csignal>
 #include <functional>
 #include <future>
+#include <latch>
 #include <memory>
 #include <new>
 #include <stdexcept>
@@ -133,8 +134,10 @@ TEST(CriticalSection, NestedEnterCountsWithoutBlocking) {
     EXPECT_TRUE(isFree(lock));
 
     // The outer leave does not hold the mutex: the count stays right when another thread counts at that moment.
-    const auto nestOften = [&lock]() NO_THREAD_SAFETY_ANALYSIS {
-        for (int turn = 0; turn < 100000; ++turn) {
+    std::latch begin(2);
+    const auto nestOften = [&]() NO_THREAD_SAFETY_ANALYSIS {
+        begin.arrive_and_wait();
+        for (int turn = 0; turn < 1000000; ++turn) {
             lock.enter();
             lock.enter();
             lock.leave();
