@@ -16,7 +16,7 @@ std::size_t portsOf(int count) {
 
 /** Zeroed objects in the memory of a port, which releases all of it at once. */
 template <typename T> T* makeZeroed(std::pmr::memory_resource& memory, std::size_t count = 1) {
-    auto* objects = static_cast<T*>(memory.allocate(count * sizeof(T), alignof(T)));
+    auto* objects = std::pmr::polymorphic_allocator<T>(&memory).allocate(count);
     std::uninitialized_value_construct_n(objects, count);
     return objects;
 }

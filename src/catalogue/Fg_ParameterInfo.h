@@ -4,6 +4,7 @@
 
 #include "vexo/register_info.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <memory_resource>
@@ -119,7 +120,7 @@ private:
         RegisterInfo* root = nullptr;
         bool finalized = false;
         // Holds the records with their texts and arrays. A piece that is replaced stays until all are released.
-        std::pmr::monotonic_buffer_resource memory{32 * 1024};
+        std::pmr::monotonic_buffer_resource memory{std::size_t{32} * 1024};
     };
 
     std::pmr::memory_resource& memoryOf(const RegisterInfo& record) const;
