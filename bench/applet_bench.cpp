@@ -10,9 +10,9 @@
 #include <cstring>
 #include <dlfcn.h>
 #include <memory>
+#include <memory_resource>
 #include <string>
 #include <unordered_map>
-#include <vector>
 
 namespace {
 
@@ -159,20 +159,33 @@ void name_lookup(benchmark::State& state) {
         benchmark::DoNotOptimize(applet().idByName(fg, lookedUpNames[i++ % 4]));
 }
 
+void enumerate_least(benchmark::State& state) {
+    LeastWrapper& least = sharedLeast();
+    for (auto _ : state)
+        for (int i = 0; i < LeastWrapper::parameters; ++i)
+            benchmark::DoNotOptimize(least.idAt(i));
+}
+
+void enumerate(benchmark::State& state) {
+    Fg_Struct* fg = sharedHandle().fg();
+    for (auto _ : state)
+        for (int i = 0; i < LeastWrapper::parameters; ++i)
+            benchmark::DoNotOptimize(applet().idAt(fg, i));
+}
+
 // ---- Bring-up
 
-/** The records of the tree with their texts, as the tree owns them: one allocation for each. */
+/** The records of the tree with their texts, in one block. */
 void makeRecords() {
     constexpr int records = 157 + 31;
     constexpr int entries = 340;
-    std::vector<std::unique_ptr<RegisterInfo>> tree;
-    std::vector<std::unique_ptr<char[]>> texts;
+    std::pmr::monotonic_buffer_resource memory(std::size_t{128} * 1024);
     const auto text = [&](const char* source) {
-        texts.push_back(std::make_unique<char[]>(std::strlen(source) + 1));
-        std::strcpy(texts.back().get(), source);
+        const std::size_t size = std::strlen(source) + 1;
+        benchmark::DoNotOptimize(std::memcpy(memory.allocate(size, 1), source, size));
     };
     for (int i = 0; i < records; ++i) {
-        tree.push_back(std::make_unique<RegisterInfo>());
+        benchmark::DoNotOptimize(std::pmr::polymorphic_allocator<>(&memory).new_object<RegisterInfo>());
         text("Label of a parameter");
         text("FG_NAME_OF_A_PARAMETER");
         text("Parent group");
@@ -182,7 +195,6 @@ void makeRecords() {
         text("Label of an entry");
         text("SYMBOLIC_NAME");
     }
-    benchmark::DoNotOptimize(tree.data());
 }
 
 /** What no bring-up can do without: the ids of the design's parameters, and the tree. */
@@ -257,6 +269,8 @@ BENCHMARK(get_status_least);
 BENCHMARK(get_status);
 BENCHMARK(name_lookup_least);
 BENCHMARK(name_lookup);
+BENCHMARK(enumerate_least);
+BENCHMARK(enumerate);
 BENCHMARK(bring_up_least);
 BENCHMARK(bring_up);
 BENCHMARK(bring_up_slave_least);

@@ -49,9 +49,24 @@ void config_load(benchmark::State& state) {
             return state.SkipWithError("not loaded");
 }
 
+/** With so many lines of other keys in front of its own: the time grows with the lines and no faster. */
+void config_load_behind(benchmark::State& state) {
+    Bench bench;
+    std::string text = contentOf(bench.file);
+    std::string others;
+    for (std::int64_t i = 0; i < state.range(0); ++i)
+        others += "A key of somebody else=" + std::to_string(i) + ";\n";
+    text.insert(text.find("[Port A]\n") + 9, others);
+    std::ofstream(bench.file) << text;
+    for (auto _ : state)
+        if (applet().load(bench.handle.fg(), bench.file.c_str()) != FG_OK)
+            return state.SkipWithError("not loaded");
+}
+
 BENCHMARK(config_save_least)->Unit(benchmark::kMicrosecond);
 BENCHMARK(config_save)->Unit(benchmark::kMicrosecond);
 BENCHMARK(config_load_least)->Unit(benchmark::kMicrosecond);
 BENCHMARK(config_load)->Unit(benchmark::kMicrosecond);
+BENCHMARK(config_load_behind)->Arg(10000)->Arg(100000)->Unit(benchmark::kMicrosecond);
 
 } // namespace

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <dlfcn.h>
+#include <thread>
 
 namespace {
 
@@ -25,6 +26,7 @@ std::filesystem::path libraryFolder() {
 
 const InertApplet& InertApplet::instance() {
     static const InertApplet applet = [] {
+        std::thread([] {}).join(); // hosts have threads, and the C library's mutexes are cheaper without any
         const std::filesystem::path folder = libraryFolder();
         opened(folder / "inert/libvexo_hw.so");
         opened(folder / "inert/libtslrt.so");
@@ -34,6 +36,7 @@ const InertApplet& InertApplet::instance() {
         find(library, "Std_entry", found.Std_entry);
         find(library, "Fg_setParameterWithType", found.set);
         find(library, "Fg_getParameterWithType", found.get);
+        find(library, "Fg_getParameterId", found.idAt);
         find(library, "Fg_getParameterIdByName", found.idByName);
         find(library, "Fg_saveConfig", found.save);
         find(library, "Fg_loadConfig", found.load);

@@ -15,6 +15,7 @@ struct InertApplet {
     decltype(&::Std_entry) Std_entry;
     decltype(&::Fg_setParameterWithType) set;
     decltype(&::Fg_getParameterWithType) get;
+    decltype(&::Fg_getParameterId) idAt;
     decltype(&::Fg_getParameterIdByName) idByName;
     decltype(&::Fg_saveConfig) save;
     decltype(&::Fg_loadConfig) load;

@@ -1,5 +1,6 @@
 #include "least.h"
 
+#include <array>
 #include <cstring>
 
 namespace {
@@ -18,16 +19,20 @@ public:
     CountingLock& operator=(const CountingLock&) = delete;
     void lock() {
         pthread_mutex_lock(&m_mutex);
-        m_count.fetch_add(1, std::memory_order_relaxed);
+        count(1);
     }
     void unlock() {
-        m_count.fetch_sub(1, std::memory_order_relaxed);
+        count(-1);
         pthread_mutex_unlock(&m_mutex);
     }
 
 private:
+    void count(int step) {
+        m_count.store(m_count.load(std::memory_order_relaxed) + step, std::memory_order_relaxed);
+    }
+
     pthread_mutex_t m_mutex;
-    std::atomic<std::uint32_t> m_count{0};
+    std::atomic<int> m_count{0};
 };
 
 class Guard {
@@ -49,6 +54,26 @@ public:
 
     int set(int id, const void* value) override {
         const Guard guard(m_lock);
+        return finish(change(id, value));
+    }
+
+    int get(int id, void* value) override {
+        const Guard guard(m_lock);
+        return finish(answer(id, value));
+    }
+
+    int idAt(int index) override {
+        return finish(index >= 0 && index < parameters ? m_ids[static_cast<std::size_t>(index)] : -1);
+    }
+
+private:
+    /** Stores the last error, which is 0 after a success. */
+    int finish(int result) {
+        m_lastError.store(result < 0 ? result : 0, std::memory_order_relaxed);
+        return result;
+    }
+
+    int change(int id, const void* value) {
         try {
             switch (id) {
             case FG_WIDTH:
@@ -78,8 +103,7 @@ public:
         }
     }
 
-    int get(int id, void* value) override {
-        const Guard guard(m_lock);
+    int answer(int id, void* value) {
         switch (id) {
         case FG_WIDTH:
             std::memcpy(value, &m_width, sizeof m_width);
@@ -100,7 +124,6 @@ public:
         }
     }
 
-private:
     void store(std::uint32_t& member, const void* value, int writes) {
         std::memcpy(&member, value, sizeof member);
         for (int i = 0; i < writes; ++i)
@@ -137,6 +160,8 @@ private:
     std::uint32_t m_exsyncOn = 1;
     std::uint32_t m_source = FG_SIGNAL_CAM0_EXSYNC;
     double m_period = 200.0;
+    std::array<int, parameters> m_ids{};
+    std::atomic<int> m_lastError{0};
 };
 
 } // namespace

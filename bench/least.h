@@ -1,6 +1,6 @@
 /**
- * The least that a routed call can cost: an error-checking mutex taken and released, an atomic count, one
- * virtual call, one switch over ids, and one indirect call for each access of the design.
+ * The least that a routed call can cost: an error-checking mutex taken and released, a count that changes under it,
+ * one virtual call, one switch over ids, one indirect call for each access of the design, and the last error stored.
  */
 #ifndef BENCH_LEAST_H
 #define BENCH_LEAST_H
@@ -13,9 +13,13 @@
 
 class LeastWrapper {
 public:
+    static constexpr int parameters = 164;
+
     virtual ~LeastWrapper() = default;
     virtual int set(int id, const void* value) = 0;
     virtual int get(int id, void* value) = 0;
+    /** What an enumeration asks: no lock, one load. */
+    virtual int idAt(int index) = 0;
 };
 
 /** Made in another translation unit, so that its calls stay virtual. */

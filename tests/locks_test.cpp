@@ -11,6 +11,7 @@
 #include <csignal>
 #include <functional>
 #include <future>
+#include <latch>
 #include <memory>
 #include <new>
 #include <stdexcept>
@@ -131,6 +132,20 @@ TEST(CriticalSection, NestedEnterCountsWithoutBlocking) {
     }();
     EXPECT_FALSE(lock.isLocked());
     EXPECT_TRUE(isFree(lock));
+
+    // The outer leave does not hold the mutex: the count stays right when another thread counts at that moment.
+    std::latch begin(2);
+    const auto nestOften = [&]() NO_THREAD_SAFETY_ANALYSIS {
+        begin.arrive_and_wait();
+        for (int turn = 0; turn < 1000000; ++turn) {
+            lock.enter();
+            lock.enter();
+            lock.leave();
+            lock.leave();
+        }
+    };
+    { const std::jthread first(nestOften), second(nestOften); }
+    EXPECT_FALSE(lock.isLocked());
 }
 
 TEST(GenericLockGuard, TakesReleasesAndDeletesByItsFlags) {

@@ -3,6 +3,7 @@
 #include "vexo/fg_errors.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #include <new>
 
@@ -13,23 +14,23 @@ std::size_t portsOf(int count) {
     return static_cast<std::size_t>(count);
 }
 
+/** Zeroed objects in the memory of a port, which releases all of it at once. */
+template <typename T> T* makeZeroed(std::pmr::memory_resource& memory, std::size_t count = 1) {
+    auto* objects = std::pmr::polymorphic_allocator<T>(&memory).allocate(count);
+    std::uninitialized_value_construct_n(objects, count);
+    return objects;
+}
+
 /** A private copy; null for null. */
-char* copyOf(const char* text) {
+char* copyOf(std::pmr::memory_resource& memory, const char* text) {
     if (text == nullptr) return nullptr;
     const std::size_t size = std::strlen(text) + 1;
-    return static_cast<char*>(std::memcpy(new char[size], text, size));
+    return static_cast<char*>(std::memcpy(memory.allocate(size, 1), text, size));
 }
 
-void release(char*& text) {
-    delete[] text;
-    text = nullptr;
-}
-
-/** Puts a copy in the place of the old text; a null or empty text leaves null there. */
-void replace(char*& place, const char* text) {
-    char* fresh = text != nullptr && *text != '\0' ? copyOf(text) : nullptr;
-    delete[] place;
-    place = fresh;
+/** A private copy; null for a null or empty text. */
+char* copyUnlessEmpty(std::pmr::memory_resource& memory, const char* text) {
+    return text != nullptr && *text != '\0' ? copyOf(memory, text) : nullptr;
 }
 
 bool hasEntry(const RegisterInfo* info, int index) {
@@ -37,48 +38,10 @@ bool hasEntry(const RegisterInfo* info, int index) {
            index < info->value.enumeration.entryCount;
 }
 
-void releaseAll(char** texts, std::int64_t count) {
-    if (texts == nullptr) return;
-    for (std::int64_t i = 0; i < count; ++i)
-        delete[] texts[i];
-    delete[] texts;
-}
-
-void releaseValue(RegisterInfo& record) {
-    switch (record.kind) {
-    case REGISTER_KIND_ENUM: {
-        auto& value = record.value.enumeration;
-        for (char** texts : {value.labels, value.symbolicNames, record.enumEntryDescriptions,
-                             record.enumEntryToolTips, record.enumEntryGenICamNames})
-            releaseAll(texts, value.entryCount);
-        delete[] value.values;
-        break;
-    }
-    case REGISTER_KIND_GROUP:
-        delete[] record.value.group.children;
-        break;
-    case REGISTER_KIND_STRING:
-        delete[] record.value.string.text;
-        break;
-    default:
-        break;
-    }
-}
-
-void releaseRecord(RegisterInfo* record) {
-    for (char* text : {record->displayName, record->parentName, record->name, record->unit,
-                       record->description, record->toolTip, record->genICamName})
-        delete[] text;
-    releaseValue(*record);
-    releaseAll(record->invalidatingNames, record->invalidatingNameCount);
-    delete record;
-}
-
 /** One place more than the capacity says: a full array takes one name before it grows. */
-void reserveNames(RegisterInfo* info, std::uint32_t capacity) {
-    auto** names = new char* [std::size_t{capacity} + 1] {};
+void reserveNames(std::pmr::memory_resource& memory, RegisterInfo* info, std::uint32_t capacity) {
+    auto** names = makeZeroed<char*>(memory, std::size_t{capacity} + 1);
     std::copy_n(info->invalidatingNames, info->invalidatingNameCount, names);
-    delete[] info->invalidatingNames;
     info->invalidatingNames = names;
     info->invalidatingNameCapacity = capacity;
 }
@@ -102,10 +65,7 @@ Fg_ParameterInfo::Fg_ParameterInfo(int portCount)
     : m_portCount(portCount)
     , m_ports(new Port[portsOf(portCount)]) {}
 
-Fg_ParameterInfo::~Fg_ParameterInfo() {
-    for (int port = 0; port < m_portCount; ++port)
-        destroy(port);
-}
+Fg_ParameterInfo::~Fg_ParameterInfo() = default;
 
 Fg_ParameterInfo::Port* Fg_ParameterInfo::find(int port) const {
     return port >= 0 && port < m_portCount ? &m_ports[static_cast<std::size_t>(port)] : nullptr;
@@ -118,14 +78,18 @@ Fg_ParameterInfo::Port* Fg_ParameterInfo::findOpen(int port) const {
 
 void Fg_ParameterInfo::init(int port) {
     destroy(port);
-    if (Port* place = find(port)) *place = Port{};
+    Port* place = find(port);
+    if (place == nullptr) return;
+    place->root = nullptr;
+    place->finalized = false;
 }
 
 void Fg_ParameterInfo::destroy(int port) {
-    Port* place = find(port);
-    if (place == nullptr) return;
-    std::for_each(place->records.begin(), place->records.end(), releaseRecord);
-    place->records.clear();
+    if (Port* place = find(port)) place->memory.release();
+}
+
+std::pmr::memory_resource& Fg_ParameterInfo::memoryOf(const RegisterInfo& record) const {
+    return find(record.port)->memory;
 }
 
 void Fg_ParameterInfo::finalize(int port) {
@@ -136,19 +100,18 @@ RegisterInfo* Fg_ParameterInfo::create(int port, int kind, const char* displayNa
                                        int access, int paramClass, int published, const char* unit) {
     Port* place = find(port);
     if (place == nullptr) return nullptr;
-    auto fresh = std::make_unique<RegisterInfo>();
-    place->records.push_back(fresh.get());
-    RegisterInfo* record = fresh.release();
+    std::pmr::memory_resource& memory = place->memory;
+    auto* record = makeZeroed<RegisterInfo>(memory);
     record->structSize = REGISTER_INFO_SIZE;
     record->version = REGISTER_INFO_VERSION;
     record->kind = kind;
-    record->displayName = copyOf(displayName != nullptr ? displayName : "");
-    record->name = copyOf(name);
+    record->displayName = copyOf(memory, displayName != nullptr ? displayName : "");
+    record->name = copyOf(memory, name);
     record->id = id;
     record->access = static_cast<std::uint32_t>(access);
     record->paramClass = paramClass;
     record->published = published;
-    record->unit = copyOf(unit);
+    record->unit = copyOf(memory, unit);
     record->port = port;
     return record;
 }
@@ -156,25 +119,24 @@ RegisterInfo* Fg_ParameterInfo::create(int port, int kind, const char* displayNa
 void Fg_ParameterInfo::add(RegisterInfo* child, RegisterInfo* parent) {
     if (child == nullptr || parent == nullptr || parent->kind != REGISTER_KIND_GROUP) return;
     auto& group = parent->value.group;
-    // One entry more at each addition: the tree is built once and groups are small.
-    auto** children = new RegisterInfo*[static_cast<std::size_t>(group.childCount) + 1];
-    std::copy_n(group.children, group.childCount, children);
-    delete[] group.children;
-    group.children = children;
-
+    const auto count = static_cast<std::size_t>(group.childCount);
+    if (count == 0 || std::has_single_bit(count)) { // full: the capacity is always a power of two
+        auto** children = makeZeroed<RegisterInfo*>(memoryOf(*parent), std::max<std::size_t>(2 * count, 1));
+        std::copy_n(group.children, count, children);
+        group.children = children;
+    }
     child->index = group.nextChildIndex++;
     child->depth = parent->depth + 1;
-    children[child->index] = child;
+    group.children[child->index] = child;
     ++group.childCount;
-    release(child->parentName);
-    child->parentName = copyOf(parent->displayName);
+    child->parentName = copyOf(memoryOf(*child), parent->displayName);
 }
 
 void Fg_ParameterInfo::add(RegisterInfo* record, int port) {
     Port* place = find(port);
     if (record == nullptr || place == nullptr) return;
     record->depth = 0;
-    release(record->parentName);
+    record->parentName = nullptr;
     if (place->root == nullptr) {
         place->root = record;
         return;
@@ -232,13 +194,12 @@ RegisterInfo* Fg_ParameterInfo::addInfoEnum(RegisterInfo* parent, const char* di
         REGISTER_KIND_ENUM, {parent, displayName, name, access, paramClass, published, unit, id, port});
     if (record == nullptr) return nullptr;
     const auto count = static_cast<std::size_t>(std::max(entryCount, 0));
+    std::pmr::memory_resource& memory = memoryOf(*record);
     auto& value = record->value.enumeration;
-    value.labels = new char* [count] {};
-    value.symbolicNames = new char* [count] {};
-    record->enumEntryDescriptions = new char* [count] {};
-    record->enumEntryToolTips = new char* [count] {};
-    record->enumEntryGenICamNames = new char* [count] {};
-    value.values = new std::int32_t[count]{};
+    for (char*** texts : {&value.labels, &value.symbolicNames, &record->enumEntryDescriptions,
+                          &record->enumEntryToolTips, &record->enumEntryGenICamNames})
+        *texts = makeZeroed<char*>(memory, count);
+    value.values = makeZeroed<std::int32_t>(memory, count);
     value.entryCount = static_cast<std::int32_t>(count);
     return record;
 }
@@ -247,12 +208,12 @@ int Fg_ParameterInfo::addEnumNameValue(RegisterInfo* info, int index, const char
                                        const char* symbolicName) {
     if (!hasEntry(info, index)) return FG_ERR_BUFFER;
     auto& entries = info->value.enumeration;
-    release(entries.labels[index]);
-    release(entries.symbolicNames[index]);
-    entries.labels[index] = copyOf(label);
+    std::pmr::memory_resource& memory = memoryOf(*info);
+    entries.symbolicNames[index] = nullptr;
+    entries.labels[index] = copyOf(memory, label);
     if (entries.labels[index] == nullptr) return FG_ERR_BUFFER;
     entries.values[index] = value;
-    entries.symbolicNames[index] = copyOf(symbolicName);
+    entries.symbolicNames[index] = copyOf(memory, symbolicName);
     return FG_OK;
 }
 
@@ -306,7 +267,7 @@ RegisterInfo* Fg_ParameterInfo::addInfoString(RegisterInfo* parent, const char* 
                                               const char* unit, int id, int port) {
     RegisterInfo* record = addLeaf(
         REGISTER_KIND_STRING, {parent, displayName, name, access, paramClass, published, unit, id, port});
-    if (record != nullptr) record->value.string.text = copyOf(value);
+    if (record != nullptr) record->value.string.text = copyOf(memoryOf(*record), value);
     return record;
 }
 
@@ -372,15 +333,15 @@ RegisterInfo* Fg_ParameterInfo::getNextRegisterInfo(RegisterInfo* info, int port
 }
 
 void Fg_ParameterInfo::setDescription(RegisterInfo* info, const char* text) {
-    if (info != nullptr) replace(info->description, text);
+    if (info != nullptr) info->description = copyUnlessEmpty(memoryOf(*info), text);
 }
 
 void Fg_ParameterInfo::setToolTip(RegisterInfo* info, const char* text) {
-    if (info != nullptr) replace(info->toolTip, text);
+    if (info != nullptr) info->toolTip = copyUnlessEmpty(memoryOf(*info), text);
 }
 
 void Fg_ParameterInfo::setGenICamName(RegisterInfo* info, const char* text) {
-    if (info != nullptr) replace(info->genICamName, text);
+    if (info != nullptr) info->genICamName = copyUnlessEmpty(memoryOf(*info), text);
 }
 
 void Fg_ParameterInfo::setGenICamVisibility(RegisterInfo* info, int value) {
@@ -396,29 +357,31 @@ void Fg_ParameterInfo::setGenICamType(RegisterInfo* info, int value) {
 }
 
 void Fg_ParameterInfo::setEnumEntryDescription(RegisterInfo* info, int index, const char* text) {
-    if (hasEntry(info, index)) replace(info->enumEntryDescriptions[index], text);
+    if (hasEntry(info, index)) info->enumEntryDescriptions[index] = copyUnlessEmpty(memoryOf(*info), text);
 }
 
 void Fg_ParameterInfo::setEnumEntryToolTip(RegisterInfo* info, int index, const char* text) {
-    if (hasEntry(info, index)) replace(info->enumEntryToolTips[index], text);
+    if (hasEntry(info, index)) info->enumEntryToolTips[index] = copyUnlessEmpty(memoryOf(*info), text);
 }
 
 void Fg_ParameterInfo::setEnumEntryGenICamName(RegisterInfo* info, int index, const char* text) {
-    if (hasEntry(info, index)) replace(info->enumEntryGenICamNames[index], text);
+    if (hasEntry(info, index)) info->enumEntryGenICamNames[index] = copyUnlessEmpty(memoryOf(*info), text);
 }
 
 void Fg_ParameterInfo::setInvalidatingNameCapacity(RegisterInfo* info, std::uint32_t capacity) {
-    if (info != nullptr && capacity > info->invalidatingNameCapacity) reserveNames(info, capacity);
+    if (info == nullptr || capacity <= info->invalidatingNameCapacity) return;
+    reserveNames(memoryOf(*info), info, capacity);
 }
 
 void Fg_ParameterInfo::addInvalidatingName(RegisterInfo* info, const char* name) {
     if (info == nullptr || name == nullptr || *name == '\0') return;
+    std::pmr::memory_resource& memory = memoryOf(*info);
     // A count equal to the capacity does not make the array grow.
     const std::uint32_t capacity = info->invalidatingNameCapacity;
     if (info->invalidatingNames == nullptr)
-        reserveNames(info, capacity);
+        reserveNames(memory, info, capacity);
     else if (capacity < info->invalidatingNameCount)
-        reserveNames(info, capacity == 0 ? 1 : 2 * capacity);
-    info->invalidatingNames[info->invalidatingNameCount] = copyOf(name);
+        reserveNames(memory, info, capacity == 0 ? 1 : 2 * capacity);
+    info->invalidatingNames[info->invalidatingNameCount] = copyOf(memory, name);
     ++info->invalidatingNameCount;
 }

@@ -4,9 +4,10 @@
 
 #include "vexo/register_info.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <vector>
+#include <memory_resource>
 
 /**
  * Builds, owns and releases trees of RegisterInfo records.
@@ -117,10 +118,12 @@ private:
     struct Leaf;
     struct Port {
         RegisterInfo* root = nullptr;
-        std::vector<RegisterInfo*> records; // owned, in the order of their making
         bool finalized = false;
+        // Holds the records with their texts and arrays. A piece that is replaced stays until all are released.
+        std::pmr::monotonic_buffer_resource memory{std::size_t{32} * 1024};
     };
 
+    std::pmr::memory_resource& memoryOf(const RegisterInfo& record) const;
     Port* find(int port) const;
     Port* findOpen(int port) const;
     RegisterInfo* addLeaf(int kind, const Leaf& leaf);

@@ -1,12 +1,10 @@
 #include "catalogue/ParameterInfoGeneratorXML.h"
 
 #include "catalogue/live_records.h"
-#include "catalogue/xml_text.h"
 
 #include <string_view>
 
 using catalogue::loadLive;
-using catalogue::put;
 using catalogue::xmlStringFilter;
 
 namespace {
@@ -34,9 +32,10 @@ int integerLength(const RegisterInfo& record) {
 } // namespace
 
 void ParameterInfoGeneratorXML::infoGenerate(const RegisterInfo& record, int length) {
-    if (record.id != 0) put(m_stream, "<Address>", record.id, "</Address>\n");
-    put(m_stream, "<Length>", length, "</Length>\n<AccessMode>", accessMode(loadLive(record.access)),
-        "</AccessMode>\n<pPort>DevicePort</pPort>\n");
+    if (record.id != 0) m_writer.put("<Address>", record.id, "</Address>\n");
+    m_writer.put("<Length>", length, "</Length>\n<AccessMode>", accessMode(loadLive(record.access)),
+                 "</AccessMode>\n<pPort>DevicePort</pPort>\n");
+    m_writer.flush();
 }
 
 void ParameterInfoGeneratorXML::infoGenerate(const RegisterInfo& record, std::uint64_t /*value*/,
@@ -44,40 +43,44 @@ void ParameterInfoGeneratorXML::infoGenerate(const RegisterInfo& record, std::ui
                                              std::uint64_t increment) {
     integerUpToLimits(record, minimum, maximum);
     if (increment != 0) step(increment);
-    put(m_stream, "</Integer>");
+    m_writer.put("</Integer>");
+    m_writer.flush();
 }
 
 void ParameterInfoGeneratorXML::infoGenerate(const RegisterInfo& record, double /*value*/, double minimum,
                                              double maximum, double /*increment*/) {
     openRegister("FloatReg", record, "_Reg");
     infoGenerate(record, 8);
-    put(m_stream, littleEndian, "</FloatReg>\n<Float Name=\"", xmlStringFilter(record.name), "\">\n");
+    m_writer.put(littleEndian, "</FloatReg>\n<Float Name=\"", xmlStringFilter(record.name), "\">\n");
     describe(record);
     linkRegister(record);
     limit(minimum, maximum);
-    put(m_stream, "</Float>");
+    m_writer.put("</Float>");
+    m_writer.flush();
 }
 
 void ParameterInfoGeneratorXML::infoGenerate(const RegisterInfo& record) {
     openRegister("StringReg", record, ""); // register and feature in one
     describe(record);
     infoGenerate(record, 4096);
-    put(m_stream, "</StringReg>");
+    m_writer.put("</StringReg>");
+    m_writer.flush();
 }
 
 void ParameterInfoGeneratorXML::infoGenerate(const RegisterInfo& record, int /*value*/,
                                              const EntryNames& names) {
-    put(m_stream, "<Enumeration Name='", xmlStringFilter(record.name), "'>\n");
+    m_writer.put("<Enumeration Name='", xmlStringFilter(record.name), "'>\n");
     describe(record);
     for (const auto& [value, name] : names)
-        put(m_stream, "<EnumEntry Name=\"", xmlStringFilter(name), "\">\n<Value>", value,
-            "</Value>\n</EnumEntry>\n");
+        m_writer.put("<EnumEntry Name=\"", xmlStringFilter(name), "\">\n<Value>", value,
+                     "</Value>\n</EnumEntry>\n");
     linkRegister(record);
-    put(m_stream, "</Enumeration>\n\n");
+    m_writer.put("</Enumeration>\n\n");
 
     openRegister("IntReg", record, "_Reg");
     infoGenerate(record, 4);
-    put(m_stream, "<Sign>Unsigned</Sign>\n", littleEndian, "</IntReg>");
+    m_writer.put("<Sign>Unsigned</Sign>\n", littleEndian, "</IntReg>");
+    m_writer.flush();
 }
 
 void ParameterInfoGeneratorXML::infoGenerate(const RegisterInfo& record,
@@ -86,7 +89,8 @@ void ParameterInfoGeneratorXML::infoGenerate(const RegisterInfo& record,
     selectElement(record, values.size());
     integerUpToLimits(record, minimum, maximum);
     step(increment);
-    put(m_stream, "</Integer>");
+    m_writer.put("</Integer>");
+    m_writer.flush();
 }
 
 void ParameterInfoGeneratorXML::infoGenerate(const RegisterInfo& record, const std::vector<double>& values,
@@ -97,28 +101,29 @@ void ParameterInfoGeneratorXML::infoGenerate(const RegisterInfo& record, const s
 
 void ParameterInfoGeneratorXML::openRegister(const char* tag, const RegisterInfo& record,
                                              const char* suffix) {
-    put(m_stream, "<", tag, " ");
-    if (record.name != nullptr) put(m_stream, "Name=\"", xmlStringFilter(record.name), suffix, "\"");
-    put(m_stream, ">\n");
+    m_writer.put("<", tag, " ");
+    if (record.name != nullptr) m_writer.put("Name=\"", xmlStringFilter(record.name), suffix, "\"");
+    m_writer.put(">\n");
 }
 
 void ParameterInfoGeneratorXML::describe(const RegisterInfo& record) {
     if (record.displayName == nullptr || *record.displayName == '\0') return;
-    put(m_stream, "<Description>", xmlStringFilter(record.displayName), "</Description>\n");
+    m_writer.put("<Description>", xmlStringFilter(record.displayName), "</Description>\n");
 }
 
 void ParameterInfoGeneratorXML::linkRegister(const RegisterInfo& record) {
-    put(m_stream, "<pValue>", xmlStringFilter(record.name), "_Reg</pValue>\n");
+    m_writer.put("<pValue>", xmlStringFilter(record.name), "_Reg</pValue>\n");
 }
 
 template <typename Number> void ParameterInfoGeneratorXML::limit(Number minimum, Number maximum) {
-    put(m_stream, "<Min>", minimum, "</Min>\n<Max>", maximum, "</Max>\n");
+    m_writer.put("<Min>", minimum, "</Min>\n<Max>", maximum, "</Max>\n");
 }
 
 void ParameterInfoGeneratorXML::selectElement(const RegisterInfo& record, std::size_t count) {
-    put(m_stream, "<Integer Name='", xmlStringFilter(record.name),
-        "_Selector'>\n<Value>0</Value>\n<Min>0</Min>\n<Max>", count - 1, "</Max>\n<Inc>1</Inc>\n<pSelect>",
-        xmlStringFilter(record.name), "_Reg</pSelect>\n</Integer>");
+    m_writer.put("<Integer Name='", xmlStringFilter(record.name),
+                 "_Selector'>\n<Value>0</Value>\n<Min>0</Min>\n<Max>", count - 1,
+                 "</Max>\n<Inc>1</Inc>\n<pSelect>", xmlStringFilter(record.name),
+                 "_Reg</pSelect>\n</Integer>");
 }
 
 /** The nodes of an integer without the end of the second. */
@@ -127,13 +132,13 @@ void ParameterInfoGeneratorXML::integerUpToLimits(const RegisterInfo& record, st
     openRegister("IntReg", record, "_Reg");
     infoGenerate(record, integerLength(record));
     // Called signed, while the limits below are written as unsigned numbers: clients know this pair.
-    put(m_stream, "<Sign>Signed</Sign>\n", littleEndian, "</IntReg>\n<Integer Name='",
-        xmlStringFilter(record.name), "'>\n");
+    m_writer.put("<Sign>Signed</Sign>\n", littleEndian, "</IntReg>\n<Integer Name='",
+                 xmlStringFilter(record.name), "'>\n");
     describe(record);
     linkRegister(record);
     limit(minimum, maximum);
 }
 
 void ParameterInfoGeneratorXML::step(std::uint64_t increment) {
-    put(m_stream, "<Inc>", increment, "</Inc>\n");
+    m_writer.put("<Inc>", increment, "</Inc>\n");
 }

@@ -2,6 +2,7 @@
 #ifndef CATALOGUE_PARAMETERINFOGENERATORXML_H
 #define CATALOGUE_PARAMETERINFOGENERATORXML_H
 
+#include "catalogue/xml_text.h"
 #include "vexo/register_info.h"
 
 #include <cstdint>
@@ -18,7 +19,7 @@ public:
     /** Entry values of an enumeration with their symbolic names; the nodes follow the order of the values. */
     using EntryNames = std::map<int, const char*>;
 
-    explicit ParameterInfoGeneratorXML(std::ostream& stream) : m_stream(stream) {}
+    explicit ParameterInfoGeneratorXML(std::ostream& stream) : m_writer(stream) {}
 
     /** The lines that all registers share; `length` in bytes. */
     void infoGenerate(const RegisterInfo& record, int length);
@@ -47,7 +48,7 @@ private:
     void integerUpToLimits(const RegisterInfo& record, std::uint64_t minimum, std::uint64_t maximum);
     void step(std::uint64_t increment);
 
-    std::ostream& m_stream;
+    catalogue::XmlWriter m_writer;
 };
 
 #endif

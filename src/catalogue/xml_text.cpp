@@ -1,10 +1,12 @@
 #include "catalogue/xml_text.h"
 
+#include <array>
+
 namespace catalogue {
 namespace {
 
 /** What stands for a markup character; empty for all others. */
-std::string_view replacement(char character) {
+constexpr std::string_view replacement(char character) {
     switch (character) {
     case '"':
         return "&quot;";
@@ -21,40 +23,63 @@ std::string_view replacement(char character) {
     }
 }
 
-bool isLetter(char character) {
-    return (character >= 'A' && character <= 'Z') || (character >= 'a' && character <= 'z');
+/** A property of each character, looked up. */
+template <typename Property> consteval auto tableOf(Property property) {
+    std::array<bool, 256> table{};
+    for (std::size_t i = 0; i < table.size(); ++i)
+        table[i] = property(static_cast<char>(i));
+    return table;
 }
 
-bool isDigitOrUnderscore(char character) {
-    return (character >= '0' && character <= '9') || character == '_';
-}
+constexpr auto endsPlainText =
+    tableOf([](char character) { return character == '\0' || !replacement(character).empty(); });
+constexpr auto startsName = tableOf([](char character) {
+    return (character >= 'A' && character <= 'Z') || (character >= 'a' && character <= 'z');
+});
+constexpr auto continuesName = tableOf([](char character) {
+    return startsName[static_cast<unsigned char>(character)] || (character >= '0' && character <= '9') ||
+           character == '_';
+});
 
 } // namespace
 
-void putPiece(std::ostream& stream, XmlText filtered) {
-    const std::string_view text = filtered.text;
-    std::size_t written = 0;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const std::string_view instead = replacement(text[i]);
-        if (instead.empty()) continue;
-        put(stream, text.substr(written, i - written), instead);
-        written = i + 1;
+void XmlWriter::add(XmlText filtered) {
+    const char* text = filtered.text;
+    while (true) {
+        const char* end = text;
+        while (!endsPlainText[static_cast<unsigned char>(*end)])
+            ++end;
+        add(std::string_view(text, end));
+        if (*end == '\0') return;
+        add(replacement(*end));
+        text = end + 1;
     }
-    put(stream, text.substr(written));
 }
 
-void putPiece(std::ostream& stream, double number) {
+void XmlWriter::add(double number) {
     char digits[40];
     const auto end = std::to_chars(digits, digits + sizeof digits, number, std::chars_format::general,
-                                   static_cast<int>(stream.precision()));
-    putPiece(stream, std::string_view(digits, end.ptr));
+                                   static_cast<int>(m_stream.precision()));
+    add(std::string_view(digits, end.ptr));
+}
+
+void XmlWriter::flush() {
+    m_stream.rdbuf()->sputn(m_text, static_cast<std::streamsize>(m_length));
+    m_length = 0;
+}
+
+void XmlWriter::writeThrough(std::string_view text) {
+    flush();
+    m_stream.rdbuf()->sputn(text.data(), static_cast<std::streamsize>(text.size()));
 }
 
 std::string xmlNameFilter(std::string_view text) {
     std::string name(text.size(), '\0');
     std::size_t length = 0;
-    for (std::size_t i = 0; i < text.size(); ++i)
-        if (isLetter(text[i]) || (i > 0 && isDigitOrUnderscore(text[i]))) name[length++] = text[i];
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto& table = i == 0 ? startsName : continuesName;
+        if (table[static_cast<unsigned char>(text[i])]) name[length++] = text[i];
+    }
     name.resize(length);
     return name;
 }

@@ -23,6 +23,11 @@ const char* FgLoomWrapperImpl::Fg_getParameterName(int index) {
 }
 
 int FgLoomWrapperImpl::Fg_getParameterId(int index) {
+    if (const auto position = static_cast<std::size_t>(index); position < sdkParameters.size()) {
+        setError(FG_OK);
+        return sdkParameters[position].id;
+    }
+    // Directly accessible registers and design parameters have no row.
     const char* name = Fg_getParameterName(index);
     return name != nullptr ? Fg_getParameterIdByName(name) : FG_ERR_INVALID_ARGUMENT;
 }

@@ -1,13 +1,18 @@
 #include "files/Fg_ConfigFileParser.h"
 
 #include "files/LineReader.h"
+#include "files/text_tokens.h"
 #include "support/Fg_Log.h"
 #include "vexo/fg_errors.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+
+using text_tokens::contains;
+using text_tokens::Decimal;
+using text_tokens::secondToken;
+using text_tokens::takeToken;
 
 namespace {
 
@@ -18,22 +23,6 @@ constexpr std::string_view missingKey = "Error";
 
 constexpr const char* typeOk = "File type ok";
 constexpr const char* typeNotOk = "File type not ok";
-
-bool contains(std::string_view line, std::string_view text) {
-    return line.find(text) != std::string_view::npos;
-}
-
-/**
- * The part before the first of the delimiters, behind any that lead; empty if there is none. Takes it off
- * `line`.
- */
-std::string_view takeToken(std::string_view& line, std::string_view delimiters) {
-    line.remove_prefix(std::min(line.find_first_not_of(delimiters), line.size()));
-    const std::size_t length = std::min(line.find_first_of(delimiters), line.size());
-    const std::string_view token = line.substr(0, length);
-    line.remove_prefix(std::min(length + 1, line.size()));
-    return token;
-}
 
 /** True for the line of a key: "KEY=". */
 bool isLineOf(std::string_view line, std::string_view key) {
@@ -46,13 +35,6 @@ bool skipToSection(LineReader& lines, std::string_view section) {
     while (lines.next(line))
         if (contains(line, section)) return true;
     return false;
-}
-
-/** A number as printf has it, at most 31 characters. */
-template <typename T> std::string formatted(const char* format, T value) {
-    char text[32];
-    std::snprintf(text, sizeof text, format, value);
-    return text;
 }
 
 } // namespace
@@ -114,33 +96,35 @@ void Fg_ConfigFileParser::writeConfigFileByPort(int port) { m_file.write("\n" + 
 
 void Fg_ConfigFileParser::writeConfigFile(std::string_view key, std::string_view text) {
     func("Fg_ConfigFileParser::writeConfigFile");
-    m_file.write(std::string(key).append("='").append(text).append("';\n"));
+    m_file.write(m_line.assign(key).append("='").append(text).append("';\n"));
 }
 
 void Fg_ConfigFileParser::writeConfigFileValue(std::string_view key, std::string_view text) {
     func("Fg_ConfigFileParser::writeConfigFileValue");
-    m_file.write(std::string(key).append("=").append(text).append(";\n"));
+    m_file.write(m_line.assign(key).append("=").append(text).append(";\n"));
 }
 
 void Fg_ConfigFileParser::writeConfigFileIntKey(std::string_view key, int value) {
     func("Fg_ConfigFileParser::writeConfigFileIntKey");
-    writeConfigFileValue(key, formatted("%d", value));
+    writeConfigFileValue(key, Decimal(value).text());
 }
 
 void Fg_ConfigFileParser::writeConfigFileUInt64Key(std::string_view key, std::uint64_t value) {
     func("Fg_ConfigFileParser::writeConfigFileUInt64Key");
-    writeConfigFileValue(key, formatted("%lu", value));
+    writeConfigFileValue(key, Decimal(value).text());
 }
 
 // The log knows some functions by the name of a neighbour or a misspelt one. It stays so: logs are compared.
 void Fg_ConfigFileParser::writeConfigFileInt64Key(std::string_view key, std::int64_t value) {
     func("Fg_ConfigFileParser::writeConfigFileUInt64Key");
-    writeConfigFileValue(key, formatted("%li", value));
+    writeConfigFileValue(key, Decimal(value).text());
 }
 
 void Fg_ConfigFileParser::writeConfigFileDoubleKey(std::string_view key, double value) {
     func("Fg_ConfigFileParser::wrtiteConfigFileDoubleKey");
-    writeConfigFileValue(key, formatted("%.12g", value));
+    char text[32];
+    std::snprintf(text, sizeof text, "%.12g", value);
+    writeConfigFileValue(key, text);
 }
 
 // ---- Reading
@@ -151,9 +135,10 @@ std::string Fg_ConfigFileParser::getPortString(int port) {
 
 void Fg_ConfigFileParser::prepareKeys(std::string_view section, std::span<const std::string_view> keys) {
     m_preparedLines.clear();
+    m_preparedLines.reserve(keys.size());
     m_preparedSection = section;
     for (const std::string_view key : keys)
-        m_preparedLines.try_emplace(std::string(key));
+        m_preparedLines.try_emplace(key);
     LineReader lines(m_file);
     if (!skipToSection(lines, section)) return;
     std::size_t wanted = m_preparedLines.size();
@@ -168,9 +153,9 @@ void Fg_ConfigFileParser::prepareKeys(std::string_view section, std::span<const 
     }
 }
 
-/** The first line of a key behind the section's own. */
-std::optional<std::string> Fg_ConfigFileParser::findLine(std::string_view section,
-                                                         std::string_view key) const {
+/** The first line of a key behind the section's own. Valid up to the next search. */
+std::optional<std::string_view> Fg_ConfigFileParser::findLine(std::string_view section,
+                                                              std::string_view key) {
     if (section == m_preparedSection) {
         const auto prepared = m_preparedLines.find(key);
         if (prepared != m_preparedLines.end()) return prepared->second;
@@ -179,19 +164,17 @@ std::optional<std::string> Fg_ConfigFileParser::findLine(std::string_view sectio
     if (!skipToSection(lines, section)) return {};
     std::string_view line;
     while (lines.next(line))
-        if (isLineOf(line, key)) return std::string(line);
+        if (isLineOf(line, key)) return m_line = line;
     return {};
 }
 
 int Fg_ConfigFileParser::parseKeyFromLine(std::string_view key, std::string& out) {
     func("Fg_ConfigFileParser::parseKeyFromLine");
-    constexpr std::string_view delimiters = "='";
     LineReader lines(m_file);
     std::string_view line;
     while (lines.next(line)) {
         if (!contains(line, key)) continue;
-        takeToken(line, delimiters);
-        out = takeToken(line, delimiters);
+        out = secondToken(line, "='");
         return 0;
     }
     out = missingKey;
@@ -200,12 +183,12 @@ int Fg_ConfigFileParser::parseKeyFromLine(std::string_view key, std::string& out
 
 int Fg_ConfigFileParser::parseKey(std::string_view section, std::string_view key, std::string& out) {
     func("Fg_ConfigFileParser::parseKey");
-    const std::optional<std::string> line = findLine(section, key);
+    const std::optional<std::string_view> line = findLine(section, key);
     if (!line) {
         out = missingKey;
         return missing;
     }
-    std::string_view value = std::string_view(*line).substr(key.size() + 1);
+    std::string_view value = line->substr(key.size() + 1);
     out = takeToken(value, "=;'");
     // A line end is part of the value, unless it is all there is.
     if (out.starts_with('\r') || out.starts_with('\n')) out.clear();

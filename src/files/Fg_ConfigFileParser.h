@@ -5,7 +5,6 @@
 #include "files/TextFile.h"
 
 #include <cstdint>
-#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -75,8 +74,9 @@ public:
     int getDoubleValue(const char* text, double* value) const;
 
     /**
-     * Reads the file once for all of these keys, which hold no equals sign. Parse calls for them in this section then
-     * need no reading. So a load takes time in proportion to the file, and memory for one line of each key.
+     * Reads the file once for all of these keys, which hold no equals sign and must outlive the parser. Parse calls for
+     * them in this section then need no reading. So a load takes time in proportion to the file, and memory for one
+     * line of each key.
      */
     void prepareKeys(std::string_view section, std::span<const std::string_view> keys);
 
@@ -103,20 +103,17 @@ public:
 
 private:
     void func(const char* name) const;
-    std::optional<std::string> findLine(std::string_view section, std::string_view key) const;
+    std::optional<std::string_view> findLine(std::string_view section, std::string_view key);
     template <typename T>
     int parseNumber(std::string_view section, std::string_view key, T* value,
                     int (Fg_ConfigFileParser::*convert)(const char*, T*) const);
 
-    struct Hash : std::hash<std::string_view> {
-        using is_transparent = void;
-    };
-
     TextFile m_file;
+    std::string m_line; // the one written or found last: its memory serves the next
     Fg_Log* m_log;
     std::string m_preparedSection;
     /** The line of each prepared key, or nothing where the section lacks it. */
-    std::unordered_map<std::string, std::optional<std::string>, Hash, std::equal_to<>> m_preparedLines;
+    std::unordered_map<std::string_view, std::optional<std::string>> m_preparedLines;
 };
 
 #endif

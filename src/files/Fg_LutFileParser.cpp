@@ -1,11 +1,17 @@
 #include "files/Fg_LutFileParser.h"
 
+#include "files/text_tokens.h"
+
 #include <algorithm>
-#include <charconv>
 #include <cstdio>
 #include <cstdlib>
+#include <string>
 #include <type_traits>
 #include <utility>
+
+using text_tokens::contains;
+using text_tokens::Decimal;
+using text_tokens::secondToken;
 
 namespace {
 
@@ -15,32 +21,6 @@ constexpr std::string_view missingKey = "Error";
 
 constexpr std::uint64_t largestUsualTable = 1 << 20;
 constexpr std::uint64_t shortestElementLine = 3; // bytes, as in "0,1"
-
-/** An int in decimal digits. */
-class Decimal {
-public:
-    explicit Decimal(int number) : m_end(std::to_chars(m_text, m_text + sizeof m_text, number).ptr) {}
-    Decimal(const Decimal&) = delete;
-    Decimal& operator=(const Decimal&) = delete;
-    std::string_view text() const { return {m_text, static_cast<std::size_t>(m_end - m_text)}; }
-
-private:
-    char m_text[11];
-    char* m_end;
-};
-
-bool contains(std::string_view line, std::string_view text) {
-    return line.find(text) != std::string_view::npos;
-}
-
-/** Second of the parts between delimiters, where a run of these counts as one; empty if there is none. */
-std::string_view secondToken(std::string_view line, std::string_view delimiters) {
-    const auto skip = [&line](std::size_t count) { line.remove_prefix(std::min(count, line.size())); };
-    skip(line.find_first_not_of(delimiters));
-    skip(line.find_first_of(delimiters));
-    skip(line.find_first_not_of(delimiters));
-    return line.substr(0, line.find_first_of(delimiters));
-}
 
 Fg_LutFileParser::LineText zeroEnded(std::string_view text) {
     Fg_LutFileParser::LineText result{};
@@ -56,73 +36,100 @@ void convert(const char* text, std::uint32_t& element) {
 
 void convert(const char* text, double& element) { Fg_LutFileParser::getDoubleValue(text, &element); }
 
-/** Fast path: a text that begins with a number that fits. False for all others. */
-bool convertDigits(std::string_view text, std::uint32_t& element) {
-    return std::from_chars(text.data(), text.data() + text.size(), element).ec == std::errc{};
+/** Takes the number, of one to nine digits, at the beginning of a text. False if there is none. */
+bool takeNumber(std::string_view& text, std::uint32_t& number) {
+    constexpr std::size_t mostDigits = 9; // any such number fits
+    std::size_t length = 0;
+    number = 0;
+    for (; length < text.size(); ++length) {
+        const unsigned digit = static_cast<unsigned char>(text[length]) - unsigned{'0'};
+        if (digit > 9) break;
+        number = number * 10 + digit;
+    }
+    text.remove_prefix(length);
+    return length > 0 && length <= mostDigits;
 }
 
-bool convertDigits(std::string_view, double&) { return false; }
+/** A line, and what the search for elements and sections needs of it. */
+class ElementLine {
+public:
+    ElementLine(std::string_view text, char separator)
+        : m_text(text)
+        , m_separator(separator)
+        , m_hasBracket(text.find('[') != std::string_view::npos) {
+        if (!takeNumber(text, m_index) || !text.starts_with(separator)) return;
+        text.remove_prefix(1);
+        m_isRegular = takeNumber(text, m_value);
+    }
+
+    std::string_view text() const { return m_text; }
+    char separator() const { return m_separator; }
+    /** "17,42": index, separator and value at its beginning. */
+    bool isRegular() const { return m_isRegular; }
+    std::uint32_t index() const { return m_index; }
+    std::uint32_t value() const { return m_value; }
+    /** Usual sections start with a bracket, which is looked for once for all of them. */
+    bool holds(std::string_view section) const {
+        return (m_hasBracket || !section.starts_with('[')) && contains(m_text, section);
+    }
+
+private:
+    std::string_view m_text;
+    char m_separator;
+    bool m_hasBracket, m_isRegular = false;
+    std::uint32_t m_index = 0, m_value = 0;
+};
 
 /** Picks the elements of one table out of the lines of a file. */
 template <typename Element> class ElementCollector {
 public:
     ElementCollector() = default;
-    ElementCollector(std::span<Element> elements, char separator, std::string_view section)
+    ElementCollector(std::span<Element> elements, std::string_view section)
         : m_elements(elements)
-        , m_separator(separator)
-        , m_section(section) {
-        want(0);
-    }
+        , m_section(section) {}
 
     bool isFull() const { return m_index == m_elements.size(); }
 
-    void take(std::string_view line) {
+    void take(const ElementLine& line) {
         if (isFull()) return;
-        m_inside = m_inside || contains(line, m_section);
-        if (m_inside && (takeRegular(line) || takeAny(line))) want(m_index + 1);
+        m_inside = m_inside || line.holds(m_section);
+        if (m_inside && (takeRegular(line) || takeAny(line))) ++m_index;
     }
 
 private:
-    /** "17,42" without the detour over tokens. */
-    bool takeRegular(std::string_view line) {
-        return line.starts_with(wanted()) && convertDigits(line.substr(m_wantedLength), m_elements[m_index]);
+    bool takeRegular(const ElementLine& line) {
+        if (!std::is_integral_v<Element> || !line.isRegular() || line.index() != m_index) return false;
+        m_elements[m_index] = static_cast<Element>(line.value());
+        return true;
     }
 
-    /** The index and the separator may stand anywhere: "117,42" gives element 17. */
-    bool takeAny(std::string_view line) {
-        if (!contains(line, wanted())) return false;
-        const std::string_view value = secondToken(line, {&m_separator, 1});
+    /** The index and the separator may be anywhere: "117,42" gives element 17. */
+    bool takeAny(const ElementLine& line) {
+        const Decimal index(static_cast<int>(m_index));
+        const char separator = line.separator();
+        if (!contains(line.text(), std::string(index.text()) += separator)) return false;
+        const std::string_view value = secondToken(line.text(), {&separator, 1});
         if (value.empty()) return false;
         convert(zeroEnded(value).data(), m_elements[m_index]);
         return true;
     }
 
-    std::string_view wanted() const { return {m_wanted.data(), m_wantedLength}; }
-
-    void want(std::size_t index) {
-        m_index = index;
-        const Decimal digits(static_cast<int>(index));
-        *std::ranges::copy(digits.text(), m_wanted.data()).out = m_separator;
-        m_wantedLength = digits.text().size() + 1;
-    }
-
     std::span<Element> m_elements;
-    char m_separator = '\0';
     std::string_view m_section;
     bool m_inside = false;
     std::size_t m_index = 0;
-    std::array<char, 12> m_wanted{}; // index and separator of the next element
-    std::size_t m_wantedLength = 0;
 };
 
 /** One pass over the file for all tables. */
 template <typename Element>
-void collect(const TextFile& file, std::span<ElementCollector<Element>> collectors) {
+void collect(const TextFile& file, char separator, std::span<ElementCollector<Element>> collectors) {
     LineReader lines(file);
-    std::string_view line;
-    while (!std::ranges::all_of(collectors, &ElementCollector<Element>::isFull) && lines.next(line))
+    std::string_view text;
+    while (!std::ranges::all_of(collectors, &ElementCollector<Element>::isFull) && lines.next(text)) {
+        const ElementLine line(text, separator);
         for (ElementCollector<Element>& collector : collectors)
             collector.take(line);
+    }
 }
 
 } // namespace
@@ -285,9 +292,9 @@ int Fg_LutFileParser::load(const char* path, const std::array<Section<Table>, N>
         const std::size_t count = table->nrOfElements;
         table->lut = static_cast<Element*>(std::calloc(std::max<std::size_t>(count, 1), sizeof(Element)));
         if (table->lut == nullptr) break;
-        collectors[begun++] = {{table->lut, count}, elementSeparator, name};
+        collectors[begun++] = {{table->lut, count}, name};
     }
-    collect<Element>(m_file, std::span(collectors).first(begun));
+    collect<Element>(m_file, elementSeparator, std::span(collectors).first(begun));
     return begun == N ? 0 : -1;
 }
 
@@ -327,14 +334,14 @@ int Fg_LutFileParser::parseDoubleKey(std::string_view key, double* value, std::s
 
 int Fg_LutFileParser::parseIntInt(std::span<std::uint32_t> elements, char separator,
                                   std::string_view section) {
-    ElementCollector<std::uint32_t> collector(elements, separator, section);
-    collect<std::uint32_t>(m_file, {&collector, 1});
+    ElementCollector<std::uint32_t> collector(elements, section);
+    collect<std::uint32_t>(m_file, separator, {&collector, 1});
     return 0;
 }
 
 int Fg_LutFileParser::parseIntDouble(std::span<double> elements, char separator, std::string_view section) {
-    ElementCollector<double> collector(elements, separator, section);
-    collect<double>(m_file, {&collector, 1});
+    ElementCollector<double> collector(elements, section);
+    collect<double>(m_file, separator, {&collector, 1});
     return 0;
 }
 

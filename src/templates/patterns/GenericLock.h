@@ -47,15 +47,26 @@ public:
     bool isLocked() const { return m_count.load(std::memory_order_relaxed) > 0; }
 
 protected:
-    // The count only tells misuse; the lock itself orders what it protects.
+    // The count only shows misuse; the lock itself orders what it protects.
     void countIn() { m_count.fetch_add(1, std::memory_order_relaxed); }
-    void countOut() {
-        platform::assertThat(
-            m_count.fetch_sub(1, std::memory_order_relaxed) > 0, "m_count > 0",
-            {"templates/patterns/GenericLock", 70, "void vexo::templates::patterns::GenericLock::leave()"});
+    void countOut() { assertHeld(m_count.fetch_sub(1, std::memory_order_relaxed)); }
+    // For a holder while no other thread changes the count: without a locked instruction.
+    void countInAlone() {
+        m_count.store(m_count.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
+    }
+    void countOutAlone() {
+        const std::uint32_t count = m_count.load(std::memory_order_relaxed);
+        assertHeld(count);
+        m_count.store(count - 1, std::memory_order_relaxed);
     }
 
 private:
+    static void assertHeld(std::uint32_t count) {
+        platform::assertThat(
+            count > 0, "m_count > 0",
+            {"templates/patterns/GenericLock", 70, "void vexo::templates::patterns::GenericLock::leave()"});
+    }
+
     std::atomic<std::uint32_t> m_count{0};
 };
 

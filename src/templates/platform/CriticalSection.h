@@ -4,6 +4,7 @@
 
 #include "templates/patterns/GenericLock.h"
 
+#include <atomic>
 #include <pthread.h>
 
 namespace vexo::templates::platform {
@@ -28,25 +29,29 @@ public:
         if (!m_external) pthread_mutex_destroy(m_mutex);
     }
 
-    void lock() override ACQUIRE() NO_THREAD_SAFETY_ANALYSIS { pthread_mutex_lock(m_mutex); }
+    void lock() override ACQUIRE() NO_THREAD_SAFETY_ANALYSIS {
+        if (pthread_mutex_lock(m_mutex) != 0) m_wasNested.store(true, std::memory_order_relaxed);
+    }
     /** Never waits: the time-out is ignored. */
     bool tryLock(std::uint32_t) override TRY_ACQUIRE(true) NO_THREAD_SAFETY_ANALYSIS {
         return pthread_mutex_trylock(m_mutex) == 0;
     }
     void unlock() override RELEASE() NO_THREAD_SAFETY_ANALYSIS { pthread_mutex_unlock(m_mutex); }
 
-    // As in the base, with the calls bound at compile time: a routed access passes here each time.
+    // As in the base, with the calls bound at compile time: a routed access passes here each time. The mutex protects
+    // the count too, until a thread nests: its outer leave() then counts without holding the mutex.
     void enter() ACQUIRE() {
         lock();
-        countIn();
+        m_wasNested.load(std::memory_order_relaxed) ? countIn() : countInAlone();
     }
     void leave() RELEASE() {
-        countOut();
+        m_wasNested.load(std::memory_order_relaxed) ? countOut() : countOutAlone();
         unlock();
     }
 
 private:
-    bool m_external = false; // when true, m_mutex belongs to somebody else
+    bool m_external = false;              // when true, m_mutex belongs to somebody else
+    std::atomic<bool> m_wasNested{false}; // set by a holder, so that the next one sees it
     pthread_mutex_t m_embedded;
     pthread_mutex_t* m_mutex = &m_embedded;
 };
