@@ -339,8 +339,8 @@ TEST(AppletctlSystemBoard, AnswersThroughTheLibrariesOfTheLoader) {
                               {"why", "FG_LINETRIGGERINSRC"},
                               {"deps", "FG_LINEPERIODE"},
                               {"plan", "FG_WIDTH=64"},
-                              {"set", "--verify", "FG_WIDTH=64"},
-                              {"reset"},
+                              {"set", "--yes", "--verify", "FG_WIDTH=64"},
+                              {"reset", "--yes"},
                               {"route"}};
     for (Words command : commands) {
         const std::string here = run(command).out;
@@ -349,6 +349,23 @@ TEST(AppletctlSystemBoard, AnswersThroughTheLibrariesOfTheLoader) {
         EXPECT_EQ(there.out, here) << command.front() << there.err;
         EXPECT_EQ(there.exitCode, 0) << command.front();
     }
+    // Nothing writes without agreement, and --look writes nothing at all.
+    const std::pair<Words, const char*> refused[] = {
+        {{"set", "FG_WIDTH=64"}, "say --yes"},
+        {{"route", "FG_WIDTH=64"}, "say --yes"},
+        {{"get", "FG_WIDTH", "--with", "FG_WIDTH=64"}, "leave --board and --look out"},
+        {{"set", "--yes", "--look", "FG_WIDTH=64"}, "--look only looks"},
+    };
+    for (auto [command, expected] : refused) {
+        command.insert(command.end(), {"--board", "system"});
+        const Outcome outcome = run(command, environment);
+        EXPECT_EQ(outcome.exitCode, 2) << expected;
+        EXPECT_TRUE(contains(outcome.err, expected)) << outcome.err;
+    }
+    const char* const height = "DLOOMA_Device1_Process0_Buffer_0_SensorHeight";
+    const Words design{"VEXO_ENABLE_DLOOMA=on"};
+    EXPECT_EQ(run({"get", "--raw", height}, design).out, "1\n");
+    EXPECT_EQ(run({"get", "--raw", height, "--look"}, design).out, "1024\n") << "as the board powers up";
 }
 
 } // namespace

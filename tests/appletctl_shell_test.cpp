@@ -133,7 +133,8 @@ TEST_F(AppletctlRun, TellsWhatWasExpectedAndWhatWas) {
         {"expect write XLength 2048", ""},
         {"expect write SensorWidth 2048", "what was written is: set Device1_Process0_Buffer_0_XOffset u32 0"},
         {"expect no write", "there was: set Device1_Process0_Buffer_0_XOffset u32 0"},
-        {"expect exit 0 load \"no <file>.mcf\"", "it ended with 1: nothing was loaded"},
+        {"expect exit 0 load \"no <file>.mcf\"",
+         "it ended with 2: \"no <file>.mcf\" is no file that can be read"},
         {"fail access 1 -2010", ""},
         {"set FG_WIDTH=64", "-2010"},
         {"set FG_WIDTH=64", ""},
@@ -319,6 +320,13 @@ TEST(AppletctlCompletion, OffersWhatTheLastWordCanBecome) {
         {{"watch", "FG_WIDTH", "--"}, {"--interval\t", "--json\t"}, {"--channel"}},
         {{"lut", "show", "--channel", ""}, {"red", "blue"}, {"FG_"}},
         {{"completion", "b"}, {"bash\n"}, {"zsh"}},
+        {{"limits", "FG_WIDTH", "--with", "FG_XOF"}, {"FG_XOFFSET=\t"}, {}},
+        {{"list", "--group", "roi"}, {"ROI"}, {"FG_"}},
+        {{"list", "-f", "name,val"}, {"name,value\n"}, {"unit"}},
+        {{"watch", "FG_WIDTH", "--fail-if", "FG_WIDTH >"}, {"FG_WIDTH >=\n"}, {"<"}},
+        {{"set", "FG_WIDTH="}, {"FG_WIDTH=4\tsmallest", "FG_WIDTH=16384\tlargest"}, {}},
+        {{"load", "/nowhere/"}, {}, {"FG_"}},
+        {{"help", "lu"}, {"lut\t"}, {"list"}},
         {{"nonsense", "x"}, {}, {"list"}},
     };
     for (const auto& [words, offered, others] : cases) {

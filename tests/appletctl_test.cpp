@@ -196,7 +196,7 @@ TEST(Appletctl, CallsWrongUsageByName) {
         {{}, "A command is required"},
         {{"lst"}, "there is no command 'lst'; did you mean 'list'?"},
         {{"info", "more"}, "more"},
-        {{"get"}, "NAME is required"},
+        {{"get"}, "'get': NAME is missing; 'appletctl get --help' shows the usage"},
         {{"list", "no such thing"}, "'no such thing'"},
         {{"trace", "set", "FG_WIDTH=4", "--offline"}, "--offline has none"},
         {{"set", "FG_WIDTH"}, "'FG_WIDTH' is not of the form NAME=VALUE"},
@@ -222,6 +222,17 @@ TEST(Appletctl, CallsWrongUsageByName) {
         {{"get", "FG_LUT_VALUE_RED[1"}, "lacks the ']'"},
         {{"get", "FG_WIDTH[0]"}, "FG_WIDTH[0]: the parameter is no array"},
         {{"plot"}, "did you mean 'lut plot'?"},
+        {{"lut", "shw"}, "there is no command 'lut shw'; did you mean 'lut show'?"},
+        {{"lut"}, "'lut' needs one of show, plot, save, load"},
+        {{"help", "lut", "sho"}, "did you mean 'lut show'?"},
+        {{"list", "a", "b"}, "'list' takes one PATTERN, and there is 'b' as well"},
+        {{"get", "100"}, "did you mean FG_WIDTH?"},
+        {{"get", "Exposure Time"}, "did you mean FG_LINEEXPOSURE?"},
+        {{"plan", "FG_WIDTH"}, "'FG_WIDTH' is a parameter, and a file or an assignment is wanted"},
+        {{"check", "/nowhere/a.mcf"}, "\"/nowhere/a.mcf\" is no file that can be read"},
+        {{"get", "FG_WIDTH", "--from", "/nowhere/a.mcf"}, "\"/nowhere/a.mcf\" is no file that can be read"},
+        {{"lut", "load", "/nowhere/a.lut"}, "\"/nowhere/a.lut\" is no file that can be read"},
+        {{"list", "--bridge", "b.so"}, "give --board system as well"},
         {{"set", "FG_DEBUGFILE=x\ny"}, "a line of its own in a configuration file"},
         {{"save", "x.mcf", "--offline"}, "'save' needs a board"},
         {{"check", ""}, "the name of the file is empty"},
@@ -327,23 +338,6 @@ TEST_F(AppletctlLut, LoadsAndSaysWhatTheBoardReceives) {
     EXPECT_TRUE(contains(run({"lut", "load", fileWith({1})}).out,
                          "The board receives the table of blue for all three colours"));
     EXPECT_TRUE(contains(run({"lut", "load", fileWith({})}).out, "changed no entry"));
-}
-
-TEST_F(AppletctlLut, LeavesAllAsItWasWhenAFileIsMissing) {
-    const std::string before = fileWith({7, 3});
-    for (const Words& type : {Words{}, Words{"FG_LUT_TYPE=LUT_TYPE_CUSTOM"}}) {
-        Words arguments{"lut", "load", folder / "none.lut", "FG_LUT_CUSTOM_FILE=" + before,
-                        "FG_LUT_VALUE_RED[9]=1"};
-        arguments.insert(arguments.begin() + 4, type.begin(), type.end());
-        EXPECT_EQ(run(arguments).exitCode, 1);
-        EXPECT_TRUE(
-            contains(run(arguments).err, "none.lut\" was not loaded, and nothing was changed: -2076"));
-        const json told = document(arguments);
-        EXPECT_EQ(told["settings"]["FG_LUT_TYPE"]["symbol"],
-                  type.empty() ? "LUT_TYPE_PROCESSING" : "LUT_TYPE_CUSTOM");
-        EXPECT_EQ(told["settings"]["FG_LUT_CUSTOM_FILE"]["value"], before);
-        EXPECT_EQ(told["changed"], false);
-    }
 }
 
 TEST_F(AppletctlLut, SavesWhatItLoadsAgain) {
@@ -453,7 +447,6 @@ TEST_F(AppletctlConfiguration, TellsEachLossAndWhy) {
         EXPECT_TRUE(contains(losses[0]["message"], message)) << losses;
     }
     EXPECT_EQ(run({"check", edited("FG_WIDTH=2048", "FG_WIDTH=1022")}).exitCode, 1);
-    EXPECT_TRUE(contains(lossesOf(folder / "none.mcf")[0]["message"], "-2076"));
     // A key behind a blank is another key.
     EXPECT_EQ(lossesOf(edited("FG_WIDTH=", " FG_WIDTH=")).size(), 2u);
     // The line rate follows from the width in this mode: it is not lost by itself.
@@ -491,6 +484,29 @@ TEST_F(AppletctlConfiguration, ComparesValuesBySymbol) {
         arguments.insert(arguments.end(), with.begin(), with.end());
         EXPECT_EQ(run(arguments).exitCode, exitCode) << with.back();
     }
+}
+
+TEST_F(AppletctlConfiguration, IsTheStateThatACommandLooksAt) {
+    // Values of a file, then assignments, for a command of each kind.
+    const std::pair<Words, const char*> cases[] = {
+        {{"get", "FG_WIDTH", "FG_HEIGHT"}, "FG_WIDTH = 2048 pixel\nFG_HEIGHT = 512 pixel\n"},
+        {{"list", "width", "-f", "name,value", "--plain"}, "FG_WIDTH\t2048\n"},
+        {{"limits", "FG_XOFFSET"}, "0 to 14336"},
+        {{"diff", saved}, "512"},
+        {{"trace", "set", "FG_WIDTH=64"}, "FG_WIDTH = 64 pixel"},
+    };
+    for (auto [arguments, expected] : cases) {
+        if (arguments.front() != "trace")
+            arguments.insert(arguments.end(), {"--from", saved, "--with", "FG_HEIGHT=512"});
+        const Outcome outcome = run(arguments);
+        EXPECT_TRUE(contains(outcome.out, expected)) << outcome.out << outcome.err;
+    }
+    // In a shell it is a copy: the board is as before.
+    support::writeFile(folder / "lines", "get FG_WIDTH --with FG_WIDTH=64\nget FG_WIDTH\nundo\n");
+    const Outcome shell = run({"shell"}, {}, (folder / "lines").c_str());
+    EXPECT_EQ(shell.out, "FG_WIDTH = 64 pixel\nFG_WIDTH = 1024 pixel\n");
+    EXPECT_TRUE(contains(shell.err, "nothing to undo")) << shell.err;
+    EXPECT_EQ(run({"get", "FG_WIDTH", "--with", "FG_WIDTH=3"}).exitCode, 1);
 }
 
 TEST(AppletctlDescribe, TellsAllOfAParameter) {

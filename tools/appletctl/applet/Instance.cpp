@@ -84,7 +84,10 @@ Instance::Instance(const Options& options, std::shared_ptr<const applet_host::Ap
         m_isDesignHidden = !isSwitchedOn(designSwitch);
         published.emplace();
     }
-    m_session = std::make_unique<applet_host::Session>(*m_host, 0, prepare);
+    // This flag leaves out the pass that writes the defaults.
+    constexpr int joinsRunningBoard = 1;
+    m_session =
+        std::make_unique<applet_host::Session>(*m_host, options.look ? joinsRunningBoard : 0, prepare);
     if (m_session->handle.object == nullptr) {
         throw Unavailable("the applet did not come up on the board: " + codeInWords(m_session->error) +
                           bringUpHint(m_session->error));

@@ -130,7 +130,14 @@ const Parameter& ParameterList::find(std::string_view name) const {
     }
     if (found.size() == 1) return *found.front();
     const std::string shown = "'" + printable(name) + "'";
-    if (found.empty()) throw UsageError("there is no parameter " + shown + suggestion(closestNames(wanted)));
+    if (found.empty()) {
+        std::vector<std::string> meant;
+        for (const Parameter& parameter : m_parameters)
+            if (lowerCase(parameter.label()) == wanted || std::to_string(parameter.id) == wanted)
+                meant.push_back(parameter.name);
+        throw UsageError("there is no parameter " + shown +
+                         suggestion(meant.empty() ? closestNames(wanted) : meant));
+    }
     std::vector<std::string> names;
     for (const Parameter* parameter : found)
         names.push_back(parameter->name);

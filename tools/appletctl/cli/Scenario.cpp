@@ -292,6 +292,14 @@ Step parseStep(const std::string& text, const WordLine& line, const Options& opt
 
 } // namespace
 
+std::string scenarioSteps() {
+    std::string text =
+        "Steps, one a line, # begins a comment:\n  COMMAND with its words, which has to succeed\n";
+    for (const StepKind& kind : kinds)
+        text += "  " + usageOf(kind) + '\n';
+    return text;
+}
+
 std::vector<Step> readScenario(const std::string& file, const Options& options) {
     const std::optional<std::string> text = textOfFile(file);
     if (!text) throw UsageError(shownFile(file) + " is no file that can be read");

@@ -37,6 +37,9 @@ struct StepKind {
 /** Reads the steps. Throws UsageError with file and line, and what is possible, for a line that is none. */
 std::vector<Step> readScenario(const std::string& file, const Options& options);
 
+/** The kinds of steps, for the help. */
+std::string scenarioSteps();
+
 /** Does a step, of a kind or a command; gives what was wrong, nothing if all was well. */
 std::string applyAssignments(ScenarioRunner& station, const Step& step);
 

@@ -1,28 +1,18 @@
 #include "appletctl/cli/candidates.h"
 
+#include "appletctl/applet/Condition.h"
 #include "appletctl/applet/published_limits.h"
 #include "appletctl/base/text.h"
-#include "appletctl/cli/command_line.h"
+#include "appletctl/cli/help.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <sstream>
 
 namespace appletctl {
 namespace {
 
 using Candidates = std::vector<Candidate>;
-
-/** The values that an option or an argument takes, if there is a list: its help shows it as {a,b,c}. */
-std::vector<std::string> valuesOf(const CLI::Option& option) {
-    const std::string type = option.get_type_name();
-    const std::size_t begin = type.find('{'), end = type.find('}');
-    if (begin == std::string::npos || end == std::string::npos) return {};
-    std::vector<std::string> values;
-    std::istringstream list(type.substr(begin + 1, end - begin - 1));
-    for (std::string value; std::getline(list, value, ',');)
-        values.push_back(value);
-    return values;
-}
 
 bool takesValue(const CLI::Option& option) { return option.get_items_expected_max() > 0; }
 
@@ -86,13 +76,6 @@ Candidates optionsOf(const CLI::App* command) {
     return found;
 }
 
-Candidates valuesOfOption(const CLI::Option& option, const std::string& before = "") {
-    Candidates found;
-    for (const std::string& value : valuesOf(option))
-        found.push_back({before + value});
-    return found;
-}
-
 Candidates commandsOf(const CLI::App& command) {
     Candidates found;
     for (const CLI::App* one : command.get_subcommands(nullptr))
@@ -117,38 +100,127 @@ Candidates namesOf(const ParameterList& parameters, const std::string& begin, co
     return found;
 }
 
-/** Of NAME=VALUE: names, then the entries of an enumeration. */
+/** Of NAME=VALUE: names, then the entries of an enumeration, or the ends of what a number accepts. */
 Candidates assignmentsOf(const ParameterList& parameters, const std::string& word) {
     const std::size_t equals = word.find('=');
     if (equals == std::string::npos) return namesOf(parameters, word, "=");
+    const Parameter& parameter = parameters.find(word.substr(0, equals));
+    const std::string begin = word.substr(0, equals + 1), value = word.substr(equals + 1);
     Candidates found;
-    for (const Entry& entry : entriesOf(parameters.find(word.substr(0, equals))))
-        if (lowerCase(entryName(entry)).starts_with(lowerCase(word.substr(equals + 1))))
-            found.push_back({word.substr(0, equals + 1) + entryName(entry), entry.label});
+    for (const Entry& entry : entriesOf(parameter))
+        if (lowerCase(entryName(entry)).starts_with(lowerCase(value)))
+            found.push_back({begin + entryName(entry), entry.label});
+    const std::optional<Limits> limits = limitsOf(parameter);
+    if (!found.empty() || !value.empty() || !limits || elementCount(parameter) != 0) return found;
+    const std::string help = limitsText(parameter) + " " + parameter.unit();
+    found.push_back({begin + valueText(parameter, limits->minimum), "smallest, " + help});
+    found.push_back({begin + valueText(parameter, limits->maximum), "largest, " + help});
     return found;
 }
+
+Candidates groupsOf(const ParameterList& parameters, const std::string& begin) {
+    Candidates found;
+    for (const Parameter& parameter : parameters.all())
+        for (const std::string& group : parameter.groups)
+            if (lowerCase(group).starts_with(lowerCase(begin)) &&
+                std::ranges::find(found, group, &Candidate::text) == found.end())
+                found.push_back({group});
+    return found;
+}
+
+/** Files with this end of their names, and folders, which end in a slash. */
+Candidates filesOf(const std::string& begin, std::string_view suffix) {
+    const std::size_t slash = begin.rfind('/');
+    const std::string folder = slash == std::string::npos ? "" : begin.substr(0, slash + 1);
+    const std::string name = begin.substr(folder.size());
+    Candidates found;
+    std::error_code none;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.empty() ? "." : folder, none)) {
+        const std::string file = entry.path().filename();
+        if (!file.starts_with(name) || (file.starts_with('.') && name.empty())) continue;
+        if (entry.is_directory(none))
+            found.push_back({folder + file + '/'});
+        else if (file.ends_with(suffix))
+            found.push_back({folder + file});
+    }
+    std::ranges::sort(found, {}, &Candidate::text);
+    return found;
+}
+
+/** The last one of names with commas between them; `list` is "Columns: a,b,c". */
+Candidates columnsOf(const std::string& list, const std::string& word) {
+    const std::size_t comma = word.rfind(',');
+    const std::string before = comma == std::string::npos ? "" : word.substr(0, comma + 1);
+    std::istringstream names(list.substr(list.find(' ') + 1));
+    Candidates found;
+    for (std::string name; std::getline(names, name, ',');)
+        if (name.starts_with(word.substr(before.size()))) found.push_back({before + name});
+    return found;
+}
+
+/** The next part of a condition: a name, behind a name an operator, behind a value what joins two conditions. */
+Candidates conditionParts(const ParameterList& parameters, const std::string& word) {
+    const std::size_t space = word.rfind(' ');
+    const std::string before = space == std::string::npos ? "" : word.substr(0, space + 1);
+    const std::string last = word.substr(before.size());
+    std::istringstream words(before);
+    std::size_t place = 0;
+    for (std::string one; words >> one;)
+        ++place;
+    constexpr std::size_t wordsOfComparison = 4; // NAME OPERATOR VALUE &&
+    Candidates found;
+    if (place % wordsOfComparison == 0) found = namesOf(parameters, last, "");
+    if (place % wordsOfComparison == 1) found = {{"=="}, {"!="}, {"<"}, {"<="}, {">"}, {">="}};
+    if (place % wordsOfComparison == 3) found = {{"&&"}, {"||"}};
+    found = matching(found, last);
+    for (Candidate& one : found)
+        one.text.insert(0, before);
+    return found;
+}
+
+/** What an option's value can be, by the name of its type; `before` is "--option=" where both are one word. */
+Candidates valuesOfOption(const CLI::Option& option, const std::string& word, const std::string& before,
+                          const std::function<const ParameterList&()>& parameters) {
+    const std::string type = option.get_type_name();
+    Candidates found;
+    if (type == "NAME=VALUE")
+        found = assignmentsOf(parameters(), word);
+    else if (type == "GROUP")
+        found = groupsOf(parameters(), word);
+    else if (type.starts_with("COLS"))
+        found = columnsOf(option.get_description(), word);
+    else if (type == "EXPR")
+        found = conditionParts(parameters(), word);
+    else if (type == "FILE.mcf")
+        found = filesOf(word, ".mcf");
+    else
+        for (const std::string& value : choicesOf(option))
+            if (value.starts_with(word)) found.push_back({value});
+    for (Candidate& one : found)
+        one.text.insert(0, before);
+    return found;
+}
+
+/** Then the names of "get" are groups. */
+bool isGroupOption(const std::string& word) { return word == "-g" || word == "--group"; }
 
 /** What the argument of a command is called tells what its words are. */
 Candidates argumentsOf(const Command& command, int before, const std::string& word,
                        const std::function<const ParameterList&()>& parameters) {
     const std::string_view kind = kindOf(command);
     const bool isBehindFile = kind == "FILE" && before > 0 && command.most < 0;
+    Candidates files;
+    if (!isBehindFile && *command.fileSuffix != '\0') files = filesOf(word, command.fileSuffix);
+    if (command.file == Command::File::readUnlessAssignment) {
+        const Candidates assignments = assignmentsOf(parameters(), word);
+        files.insert(files.end(), assignments.begin(), assignments.end());
+        return files;
+    }
+    if (!files.empty()) return files;
     if (isBehindFile || kind.find("NAME=VALUE") != std::string_view::npos)
         return assignmentsOf(parameters(), word);
     if (kind.starts_with("NAME") || kind == "PATTERN") return namesOf(parameters(), word, "");
     return {};
-}
-
-const Command* commandOf(const CLI::App& app) {
-    for (const Command* command : allCommands()) {
-        const CLI::App* parent = app.get_parent();
-        const bool isInGroup =
-            parent != nullptr && command->group != nullptr && parent->get_name() == command->group->name;
-        const bool isAtTop =
-            parent != nullptr && parent->get_parent() == nullptr && command->group == nullptr;
-        if (app.get_name() == command->name && (isInGroup || isAtTop)) return command;
-    }
-    return nullptr;
 }
 
 } // namespace
@@ -163,13 +235,14 @@ std::vector<Candidate> candidatesFor(const Words& words,
     const Command* command = commandOf(*place.command);
     if (command != nullptr && command->kind == Command::Kind::prefix)
         return candidatesFor(Words(words.begin() + place.begin, words.end()), parameters);
-    if (place.option != nullptr) return matching(valuesOfOption(*place.option), word);
+    if (place.option != nullptr) return valuesOfOption(*place.option, word, "", parameters);
     if (place.hasOptions && word.starts_with("--")) {
         const std::size_t equals = word.find('=');
         if (equals == std::string::npos) return matching(optionsOf(place.command), word);
         const CLI::Option* option = optionOf(place.command, word.substr(0, equals));
-        return option == nullptr ? Candidates{}
-                                 : matching(valuesOfOption(*option, word.substr(0, equals + 1)), word);
+        return option == nullptr
+                   ? Candidates{}
+                   : valuesOfOption(*option, word.substr(equals + 1), word.substr(0, equals + 1), parameters);
     }
     if (place.hasOptions && word == "-") return optionsOf(place.command);
     if (!place.command->get_subcommands(nullptr).empty() && place.arguments == 0)
@@ -178,8 +251,12 @@ std::vector<Candidate> candidatesFor(const Words& words,
     if (command->argument != nullptr)
         if (const CLI::Option* argument = place.command->get_option_no_throw(command->argument);
             argument != nullptr)
-            if (const Candidates listed = valuesOfOption(*argument); !listed.empty())
-                return matching(listed, word);
+            if (const Candidates listed = valuesOfOption(*argument, word, "", parameters); !listed.empty())
+                return listed;
+    if (command->name == std::string_view("get") && std::ranges::any_of(words, isGroupOption))
+        return groupsOf(parameters(), word);
+    if (command->name == std::string_view("help"))
+        return place.arguments == 0 ? matching(commandsOf(program), word) : Candidates{};
     return argumentsOf(*command, place.arguments, word, parameters);
 }
 

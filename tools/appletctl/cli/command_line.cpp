@@ -1,20 +1,14 @@
 #include "appletctl/cli/command_line.h"
 
+#include "appletctl/base/errors.h"
 #include "appletctl/base/text.h"
+#include "appletctl/cli/help.h"
+#include "appletctl/commands/shared_options.h"
 
 #include <algorithm>
-#include <sstream>
-#include <string_view>
 
 namespace appletctl {
 namespace {
-
-constexpr const char* notes =
-    "Each run starts a fresh virtual board with the defaults; nothing is kept for the next run.\n"
-    "Access: ro read-only, rw writable, rw+ writable while an acquisition runs as well.\n"
-    "Exit codes: 0 done; 1 refused, different or something found; 2 wrong usage; 3 applet, runtime or board "
-    "not\n"
-    "to be had; 130 interrupted.";
 
 /** The command below which others stand; made when it is first asked for. */
 CLI::App* groupCommand(CLI::App& program, const CommandGroup* group) {
@@ -29,15 +23,17 @@ void addCommand(CLI::App& program, const Command& command, Request& request) {
     const bool isOfAnother = command.kind == Command::Kind::prefix; // its words are another command line's
     if (command.argument != nullptr && !isOfAnother) {
         CLI::Option* words = added->add_option(command.argument, request.words, command.argumentHelp);
-        words->expected(command.fewest,
-                        command.most < 0 ? CLI::detail::expected_max_vector_size : command.most);
-        words->required(command.fewest > 0);
+        // Their number is checked later, with clearer words.
+        words->expected(1, CLI::detail::expected_max_vector_size);
     }
     if (isOfAnother) added->prefix_command()->fallthrough(false); // their options too
+    if (command.showsValues) addWith(*added, request.options);
+    if (command.sets != Command::Sets::nothing) addYes(*added, request.options);
     if (command.addOptions != nullptr) command.addOptions(*added, request.options);
     if (isHidden(command)) added->group("");
     added->callback([&request, &command, added, isOfAnother] {
         request.command = &command;
+        checkWordCount(command, isOfAnother ? added->remaining() : request.words);
         if (isOfAnother) request.words = added->remaining();
     });
 }
@@ -49,10 +45,16 @@ void addGlobalOptions(CLI::App& program, Options& options) {
             [&options](const std::string& kind) {
                 options.board = kind == "system" ? BoardKind::system : BoardKind::virtualBoard;
             },
-            "virtual: a fresh virtual board; system: the one of the system")
+            "virtual: a fresh virtual board; system: the one of the system, to which the start of the applet "
+            "writes "
+            "all defaults")
         ->check(CLI::IsMember({"virtual", "system"}));
     program.add_option("--bridge", options.bridge, "Library that opens a board of the system")
         ->type_name("FILE");
+    program.add_flag(
+        "--look", options.look,
+        "Start the applet without writing to the board, and refuse what would write. Settings then "
+        "read as the applet begins, measured values as the board has them");
     program.add_flag("--offline", options.offline, "Use an instance of the applet without a board");
     program.add_option("--applet", options.applet, "Applet library to load")->type_name("FILE");
     program.add_flag("--json", options.json, "Print one JSON document instead of text");
@@ -63,57 +65,32 @@ void addGlobalOptions(CLI::App& program, Options& options) {
     program.add_flag("-v,--verbose", options.verbose, "Say on the error output how the answer came about");
 }
 
-/** The command that the user may have meant; empty if none is near. */
-std::string didYouMean(const std::string& word) {
-    for (const std::size_t distance : {0u, 1u, 2u})
-        for (const Command* command : allCommands())
-            if (editDistance(word, command->name) == distance)
-                return "; did you mean '" + fullName(*command) + "'?";
-    return "; 'appletctl --help' lists the commands";
+/** The command that was reached, down to the last word that names one. */
+const CLI::App& reached(const CLI::App& app) {
+    const auto below = app.get_subcommands();
+    return below.empty() ? app : reached(*below.front());
 }
 
-/** The option of the command, or of those given below it, that is nearest to the word; empty if none is. */
-std::string nearestOption(const CLI::App& command, const std::string& word) {
-    constexpr std::size_t farthest = 2;
-    std::string nearest;
-    std::size_t least = farthest + 1;
-    const auto look = [&](const std::string& name) {
-        if (const std::size_t distance = editDistance(word, name); distance < least) {
-            least = distance;
-            nearest = name;
-        }
-    };
-    for (const CLI::Option* option : command.get_options())
-        for (const std::string& name : option->get_lnames())
-            look("--" + name);
-    for (const CLI::App* below : command.get_subcommands())
-        if (const std::string name = nearestOption(*below, word); !name.empty()) look(name);
-    return nearest;
-}
-
-std::string unknownOption(const CLI::App& program, const std::string& word) {
-    const std::string name = word.substr(0, word.find('='));
-    const std::string nearest = nearestOption(program, name);
-    return "there is no option '" + printable(name) + "'" +
-           (nearest.empty() ? "; --help behind the command lists them" : "; did you mean '" + nearest + "'?");
-}
-
-std::string whatIsWrong(const CLI::App& program, const CLI::ParseError& error) {
-    const std::vector<std::string> unknown = program.remaining(true);
-    if (program.get_subcommands().empty() && !unknown.empty() && !unknown.front().starts_with('-'))
-        return "there is no command '" + printable(unknown.front()) + "'" + didYouMean(unknown.front());
-    if (!unknown.empty() && unknown.front().starts_with('-')) return unknownOption(program, unknown.front());
-    return printable(error.what()) + "; 'appletctl --help' shows the usage";
+/** What is wrong where a group of commands, or nothing at all, was named. */
+std::string commandMissing(const CLI::App& program) {
+    const auto groups = program.get_subcommands();
+    if (groups.empty()) return "A command is required";
+    Words names;
+    for (const CLI::App* one : groups.front()->get_subcommands(nullptr))
+        names.push_back(one->get_name());
+    return "'" + groups.front()->get_name() + "' needs one of " + join(names, ", ");
 }
 
 /** The outcome of a command line that asks for help or cannot be understood. */
 Report endParsing(const CLI::App& program, const CLI::ParseError& error) {
-    if (error.get_exit_code() != static_cast<int>(CLI::ExitCodes::Success))
-        return failureReport("usage", whatIsWrong(program, error), exitUsage);
-    std::ostringstream out, err;
-    program.exit(error, out, err);
+    const CLI::App& app = reached(program);
+    const bool isHelp = dynamic_cast<const CLI::CallForHelp*>(&error) != nullptr;
+    const std::vector<std::string> unknown = program.remaining(true);
+    const bool isUnknown = isHelp && commandOf(app) == nullptr && !unknown.empty();
+    if (isUnknown || (!isHelp && dynamic_cast<const CLI::CallForVersion*>(&error) == nullptr))
+        return failureReport("usage", usageError(program, app, error), exitUsage);
     Report report;
-    report.text = out.str();
+    report.text = isHelp ? helpText(app) : APPLETCTL_VERSION "\n";
     report.document["text"] = report.text;
     return report;
 }
@@ -151,8 +128,8 @@ std::string helpOf(const Command* command) {
 void addCommandsTo(CLI::App& program, Request& request) {
     program.fallthrough();            // global options may stand behind the command as well
     program.require_subcommand(0, 1); // a further word of that name is the command's own
-    program.footer(notes);
-    program.set_version_flag("--version", APPLETCTL_VERSION);
+    program.set_help_flag("-h,--help", "Show this help");
+    program.set_version_flag("--version", APPLETCTL_VERSION, "Show the version");
     addGlobalOptions(program, request.options);
     for (const Command* command : allCommands())
         addCommand(program, *command, request);
@@ -164,7 +141,11 @@ Request parseCommandLine(const Words& words, const Options& options) {
     addCommandsTo(program, request);
     try {
         program.parse(Words(words.rbegin(), words.rend()));
-        if (request.command == nullptr) throw CLI::RequiredError("A command");
+        if (request.command == nullptr)
+            throw CLI::RequiredError(commandMissing(program), CLI::ExitCodes::RequiredError);
+    } catch (const UsageError& error) {
+        request.command = nullptr;
+        request.outcome = failureReport("usage", error.what(), exitUsage);
     } catch (const CLI::ParseError& error) {
         request.command = nullptr;
         request.outcome = endParsing(program, error);

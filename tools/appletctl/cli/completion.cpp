@@ -36,7 +36,7 @@ _appletctl() {
         line=${line%%$'\t'*}
         COMPREPLY+=("${line#"$known"}")
     done < <("${COMP_WORDS[0]}" __complete -- "${words[@]}" 2>/dev/null)
-    [[ ${#COMPREPLY[@]} -eq 1 && ${COMPREPLY[0]} == *= ]] && compopt -o nospace
+    [[ ${#COMPREPLY[@]} -eq 1 && ${COMPREPLY[0]} == *[=/] ]] && compopt -o nospace
 }
 complete -o bashdefault -o default -F _appletctl appletctl
 )"},
@@ -51,7 +51,7 @@ _appletctl() {
     done < <("${words[1]}" __complete -- "${(@)words[2,CURRENT]}" 2>/dev/null)
     if (( ${#texts} == 0 )); then
         _files
-    elif [[ ${texts[1]} == *= ]]; then
+    elif [[ ${texts[1]} == *[=/] ]]; then
         compadd -U -S '' -l -d shown -a texts
     else
         compadd -U -l -d shown -a texts
@@ -94,10 +94,13 @@ const Command completionCommand = {
     .help = "Print the script that completes words of appletctl in a shell",
     .argument = "SHELL",
     .argumentHelp = "The shell that is to complete",
+    .examples = {{"completion bash", "to be read by: source <(appletctl completion bash)"},
+                 {"completion fish", "to be read by: appletctl completion fish | source"}},
     .fewest = 1,
     .most = 1,
     .run = showCompletionScript,
     .addOptions = addShells,
+    .kind = Command::Kind::session,
 };
 
 namespace {

@@ -1,12 +1,22 @@
 #include "appletctl/cli/execute.h"
 
+#include "appletctl/applet/assignments.h"
 #include "appletctl/base/Stopwatch.h"
+#include "appletctl/base/text.h"
 #include "appletctl/commands/jobs.h"
+#include "appletctl/commands/shared_options.h"
 #include "appletctl/commands/signals/trace.h"
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <exception>
+#include <iostream>
 #include <iterator>
+#include <optional>
 #include <system_error>
 
 namespace appletctl {
@@ -30,7 +40,125 @@ template <typename CommandRun> Report withFailuresAsReports(CommandRun work) {
     }
 }
 
-Report runCommand(const Request& request, Context& context) {
+bool isOnSystem(const Options& options) { return options.board == BoardKind::system && !options.offline; }
+
+/** A board that others are to find as it was left, or that the user does not want to be written to. */
+bool isProtected(const Options& options) { return options.look || isOnSystem(options); }
+
+bool isAssignment(const std::string& word) { return word.find('=') != std::string::npos; }
+
+bool setsSomething(const Request& request) {
+    const bool hasFile =
+        request.command->file == Command::File::read || request.command->file == Command::File::write;
+    const auto begin = request.words.begin() + (hasFile && !request.words.empty() ? 1 : 0);
+    switch (request.command->sets) {
+    case Command::Sets::nothing:
+        return false;
+    case Command::Sets::assignments:
+        return std::any_of(begin, request.words.end(), isAssignment);
+    default:
+        return true;
+    }
+}
+
+/** Refuses what must not be written to the board, and asks where the user has to agree. */
+void requireAgreement(const Request& request) {
+    const Options& options = request.options;
+    if (options.board == BoardKind::virtualBoard && !options.bridge.empty())
+        throw UsageError(
+            "--bridge opens a board of the system, and this is a virtual one: give --board system as well");
+    if (!isProtected(options) || !setsSomething(request)) return;
+    const std::string name = "'" + nameOf(request) + "'";
+    if (options.look)
+        throw UsageError(name + " would write to the board, and --look only looks: leave --look out");
+    if (request.command->sets == Command::Sets::afterOwnQuestion || options.of<YesOption>().isGiven) return;
+    if (isatty(STDIN_FILENO) == 0)
+        throw UsageError(name +
+                         " writes to the board of the system, and there is no terminal to ask on: say --yes");
+    std::cerr << name << " writes to the board of the system. Go on? [y/N] " << std::flush;
+    std::string answer;
+    std::getline(std::cin, answer);
+    if (answer != "y" && answer != "Y" && answer != "yes") throw Failure("nothing was set");
+}
+
+void requireReadable(const std::string& file, Context& context) {
+    struct stat status {};
+    const bool isThere = stat(file.c_str(), &status) == 0 && access(file.c_str(), R_OK) == 0;
+    std::string reason = isThere ? "" : std::strerror(errno);
+    if (isThere && S_ISDIR(status.st_mode)) reason = "it is a folder";
+    if (reason.empty()) return;
+    for (const Parameter& parameter : context.parameters().all())
+        if (lowerCase(parameter.name) == lowerCase(file) ||
+            lowerCase(parameter.name) == "fg_" + lowerCase(file))
+            throw UsageError("'" + printable(file) +
+                             "' is a parameter, and a file or an assignment is wanted: say " +
+                             parameter.name + "=VALUE");
+    throw UsageError(inQuotes(toUtf8(file.c_str())) + " is no file that can be read: " + reason);
+}
+
+/** A file that the first word names has to be there before anything is done. */
+void requireFile(const Request& request, Context& context) {
+    const bool isFile = request.command->file == Command::File::read ||
+                        (request.command->file == Command::File::readUnlessAssignment &&
+                         request.words.size() == 1 && !isAssignment(request.words.front()));
+    if (isFile && !request.words.front().empty()) requireReadable(request.words.front(), context);
+}
+
+/** The state that --from and --with ask for, as long as it lives: that of the live applet if this command is all that
+ *  it is for, else of a copy. */
+class AskedState {
+public:
+    AskedState(Context& context, const Options& options, bool isOnlyCommand) : m_context(context) {
+        const auto& with = options.of<WithOption>();
+        if (!with.isGiven()) return;
+        if (isProtected(options))
+            throw UsageError("--with and --from set values on a virtual board: leave --board and --look out");
+        if (!with.file.empty()) {
+            requireBoard(options, "--from");
+            requireReadable(with.file, context);
+        }
+        m_isCopy = !isOnlyCommand;
+        if (m_isCopy) context.enterCopy();
+        try {
+            bringAbout(with);
+        } catch (...) {
+            if (m_isCopy) m_context.leaveCopy();
+            throw;
+        }
+        Options rest = options;
+        rest.own<WithOption>() = {}; // done
+        context.setOptions(rest);
+    }
+    ~AskedState() {
+        if (m_isCopy) m_context.leaveCopy();
+    }
+    AskedState(const AskedState&) = delete;
+    AskedState& operator=(const AskedState&) = delete;
+
+private:
+    void bringAbout(const WithOption& with) {
+        Instance& instance = m_context.instance();
+        if (!with.file.empty()) {
+            const int code = instance.applet().Fg_loadConfig(instance.fg(), with.file.c_str());
+            if (code < 0)
+                throw Failure("--from: '" + toUtf8(with.file.c_str()) +
+                              "' was not loaded: " + codeInWords(code));
+        }
+        const Report done = applyAssignments(instance, m_context.parameters(), with.assignments);
+        if (done.exitCode != exitDone) throw Failure("--with: " + join(done.problems, "; "));
+    }
+
+    Context& m_context;
+    bool m_isCopy = false;
+};
+
+Report runCommand(const Request& request, Context& context, bool isOnlyCommand) {
+    requireAgreement(request);
+    requireFile(request, context);
+    const bool isAnsweredByScratch = isOnSystem(request.options) && request.command->takesWithToScratch &&
+                                     request.options.of<WithOption>().file.empty();
+    std::optional<AskedState> state;
+    if (!isAnsweredByScratch) state.emplace(context, request.options, isOnlyCommand);
     const auto command = [&] { return request.command->run(context, request.words); };
     if (!request.options.trace) return command();
     return traceRun(context, request.command->showsWrites, command);
@@ -44,7 +172,19 @@ Context::Scratch scratchFor(const Request& request) {
 }
 
 bool isSameBoard(const Options& a, const Options& b) {
-    return a.board == b.board && a.bridge == b.bridge && a.applet == b.applet && a.offline == b.offline;
+    return a.board == b.board && a.bridge == b.bridge && a.applet == b.applet && a.offline == b.offline &&
+           a.look == b.look;
+}
+
+/** `isOnlyCommand`: the applet on its board is for this command alone. */
+Report executeOn(Context& context, const Request& request, bool isOnlyCommand) {
+    if (request.command == nullptr) return request.outcome;
+    const Stopwatch watch;
+    context.setOptions(request.options);
+    Report report = withFailuresAsReports([&] { return runCommand(request, context, isOnlyCommand); });
+    std::ranges::move(context.takeNotes(), std::back_inserter(report.notes));
+    report.notes.push_back("'" + nameOf(request) + "' took " + watch.text());
+    return report;
 }
 
 } // namespace
@@ -55,8 +195,8 @@ Request parseLine(const Words& words, const Options& options) {
     const std::string name = nameOf(request);
     std::string refusal;
     if (!isSameBoard(request.options, options))
-        refusal =
-            "the board is chosen before: give --board, --bridge, --applet and --offline to the first command";
+        refusal = "the board is chosen before: give --board, --bridge, --applet, --offline and --look to the "
+                  "first command";
     else if (request.command->kind == Command::Kind::session)
         refusal = "'" + name + "' does not work within another command";
     if (refusal.empty()) return request;
@@ -65,21 +205,13 @@ Request parseLine(const Words& words, const Options& options) {
     return request;
 }
 
-Report execute(const Request& request, Context& context) {
-    if (request.command == nullptr) return request.outcome;
-    const Stopwatch watch;
-    context.setOptions(request.options);
-    Report report = withFailuresAsReports([&] { return runCommand(request, context); });
-    std::ranges::move(context.takeNotes(), std::back_inserter(report.notes));
-    report.notes.push_back("'" + nameOf(request) + "' took " + watch.text());
-    return report;
-}
+Report execute(const Request& request, Context& context) { return executeOn(context, request, false); }
 
 Report execute(const Request& request) {
     if (request.command == nullptr) return request.outcome;
     return withFailuresAsReports([&] {
         Context context(request.options, scratchFor(request), {allJobs(), allCommands(), helpOf});
-        return execute(request, context);
+        return executeOn(context, request, true);
     });
 }
 

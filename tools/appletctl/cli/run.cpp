@@ -127,12 +127,17 @@ const Command runScenarioCommand = {
     .help = "Carry out a scenario: steps, and what is expected of them",
     .argument = "FILE",
     .argumentHelp = "File of steps, one a line",
+    .examples = {{"run station.txt", "each step with its outcome"},
+                 {"run station.txt --junit report.xml", "with a report for a build server"}},
+    .file = Command::File::read,
     .fewest = 1,
     .most = 1,
     .run = runScenario,
     .scratch = Context::Scratch::wanted,
     .addOptions = addRunOptions,
     .kind = Command::Kind::session,
+    .sets = Command::Sets::always,
+    .moreHelp = scenarioSteps,
 };
 
 } // namespace appletctl

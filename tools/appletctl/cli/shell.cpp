@@ -4,8 +4,10 @@
 #include "appletctl/base/text.h"
 #include "appletctl/base/words.h"
 #include "appletctl/cli/execute.h"
+#include "appletctl/cli/help.h"
 #include "appletctl/cli/line_input.h"
 #include "appletctl/commands/Command.h"
+#include "appletctl/commands/shared_options.h"
 #include "appletctl/scratch/History.h"
 
 #include <unistd.h>
@@ -33,9 +35,10 @@ public:
             return show(failureReport("usage", "a quote is not closed", exitUsage), "", m_options, place);
         if (line.words.size() == 1 && first == "undo")
             return show(m_history.undo(), "undo", m_options, place);
-        const bool asksForHelp = first == "help";
-        Words words(line.words.begin() + (asksForHelp ? 1 : 0), line.words.end());
-        if (asksForHelp) words.emplace_back("--help");
+        if (first != "help") return applyAssignments(parseLine(line.words, m_options), place);
+        if (line.words.size() == 1) return show(ownHelp(), "help", m_options, place);
+        Words words(line.words.begin() + 1, line.words.end());
+        words.emplace_back("--help");
         return applyAssignments(parseLine(words, m_options), place);
     }
 
@@ -73,6 +76,13 @@ private:
         for (std::string& problem : report.problems)
             problem.insert(0, place);
         return static_cast<ExitCode>(print(report, command, options));
+    }
+
+    static Report ownHelp() {
+        Report report;
+        report.text = shellHelp();
+        report.document["text"] = report.text;
+        return report;
     }
 
     Context& m_context;
@@ -122,6 +132,7 @@ struct ShellOptions {
 void addShellOptions(CLI::App& command, Options& options) {
     command.add_flag("-k,--keep-going", options.own<ShellOptions>().keepGoing,
                      "Go on after a line that fails");
+    addYes(command, options); // for all lines
 }
 
 Report runShell(Context& context, const Words&) {
@@ -142,6 +153,8 @@ extern const Command shellCommand;
 const Command shellCommand = {
     .name = "shell",
     .help = "Carry out commands line by line on one board, with undo",
+    .examples = {{"shell", "interactive; undo, help and exit work there"},
+                 {"shell -k < lines.txt", "lines of a file, going on after failures"}},
     .run = runShell,
     .scratch = Context::Scratch::wanted,
     .addOptions = addShellOptions,

@@ -29,13 +29,21 @@ struct Command {
     enum class Kind {
         plain,
         prefix, /**< its words are another command line */
-        session /**< carries out commands of its own, so it does not work within one */
+        session /**< has a command line for itself: no line of a shell or a scenario */
     };
     /** What its words do to the live board. */
     enum class Sets {
         nothing,
         assignments, /**< those among its words */
-        always
+        always,
+        afterOwnQuestion /**< the command asks by itself */
+    };
+    /** Whether its first word is a file. */
+    enum class File {
+        none,
+        read,
+        readUnlessAssignment, /**< a word with = is an assignment */
+        write
     };
     static constexpr std::size_t mostExamples = 4;
 
@@ -45,6 +53,7 @@ struct Command {
     const char* argument = nullptr; /**< what its words are, or null if it takes none */
     const char* argumentHelp = nullptr;
     Example examples[mostExamples] = {};
+    File file = File::none;
     const char* fileSuffix = ""; /**< of the files that its words name: ".mcf" */
     int fewest = 0, most = 0;    /**< number of words; most -1: any number */
     /** UsageError and the failures leave it as exceptions. */
@@ -54,7 +63,10 @@ struct Command {
     Kind kind = Kind::plain;
     Sets sets = Sets::nothing;
     bool showsValues = false; /**< takes --with and --from */
-    bool showsWrites = false; /**< "trace" need not add them to its text */
+    bool takesWithToScratch =
+        false;                /**< answers --with on the scratch board too, so beside a board of the system */
+    std::string (*moreHelp)() = nullptr; /**< behind its words in the help */
+    bool showsWrites = false;            /**< "trace" need not add them to its text */
 };
 
 /** What its words are: "NAME=VALUE"; empty if it takes none. */

@@ -3,9 +3,13 @@
 namespace appletctl {
 
 void addWith(CLI::App& command, Options& options) {
-    command.add_option("--with", options.own<WithOption>().assignments, "Answer as if this were set")
+    auto& own = options.own<WithOption>();
+    command
+        .add_option("--with", own.assignments, "Answer as if this were set; may stand there more than once")
         ->type_name("NAME=VALUE")
         ->allow_extra_args(false);
+    command.add_option("--from", own.file, "Answer as if this configuration file were loaded")
+        ->type_name("FILE.mcf");
 }
 
 void addYes(CLI::App& command, Options& options) {

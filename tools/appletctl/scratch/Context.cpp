@@ -4,6 +4,7 @@
 #include "appletctl/base/Stopwatch.h"
 #include "appletctl/base/text.h"
 #include "appletctl/scratch/BoardState.h"
+#include "appletctl/scratch/ScratchSession.h"
 
 #include <algorithm>
 #include <iterator>
@@ -17,7 +18,10 @@ Context::Context(const Options& options, Scratch scratch, const Program& program
     , m_publishesDesign(scratch == Scratch::wanted)
     , m_scratch(scratch != Scratch::none ? std::make_unique<ScratchBoard>(options, program.jobs) : nullptr) {}
 
+Context::~Context() = default;
+
 Instance& Context::instance() {
+    if (m_copy) return m_copy->instance();
     if (m_instance) return *m_instance;
     const Stopwatch watch;
     if (!m_host) m_host = std::make_shared<applet_host::AppletHost>(locationsFor(m_options));
@@ -37,12 +41,25 @@ void Context::restart() {
 }
 
 const ParameterList& Context::parameters() {
+    if (m_copy) return m_copy->parameters();
     if (!m_parameters) m_parameters.emplace(instance());
     return *m_parameters;
 }
 
+void Context::enterCopy() {
+    auto copy = std::make_unique<ScratchSession>(m_options);
+    const json state = withoutTrace([&] { return boardStateOf(instance(), parameters()); });
+    copy->seed(state);
+    m_copyDesign = state["design"];
+    m_copy = std::move(copy);
+}
+
+void Context::leaveCopy() { m_copy.reset(); }
+
 ScratchBoard& Context::scratch() {
-    return seeded(withoutTrace([&] { return boardStateOf(instance(), parameters()); }));
+    json state = withoutTrace([&] { return boardStateOf(instance(), parameters()); });
+    if (m_copy) state["design"] = m_copyDesign; // a copy does not publish it
+    return seeded(state);
 }
 
 ScratchBoard& Context::scratchAtDefaults() {

@@ -16,6 +16,7 @@
 namespace appletctl {
 
 struct Command;
+class ScratchSession;
 
 /** What the commands and the scratch board need of the parts of the program that are made of them. */
 struct Program {
@@ -34,6 +35,9 @@ public:
         withoutDesign, /**< does not know the answers of the live design, which shows no parameters for it */
         wanted
     };
+    ~Context();
+    Context(const Context&) = delete;
+    Context& operator=(const Context&) = delete;
     explicit Context(const Options& options, Scratch scratch = Scratch::none, const Program& program = {});
 
     const Program& program() const { return m_program; }
@@ -47,6 +51,10 @@ public:
      *  before are gone. */
     void restart();
     const ParameterList& parameters();
+    /** Until `leaveCopy` the applet and its parameters are a copy of the live ones on another virtual board, which may
+     *  be changed. Not on a board of the system. */
+    void enterCopy();
+    void leaveCopy();
     /** The scratch board, in the state that the live applet has now. */
     ScratchBoard& scratch();
     /** The scratch board with the live design's answers, and the values after the start. */
@@ -87,6 +95,8 @@ private:
     Words m_assumed, m_assumedMeasurements;
     std::optional<std::set<std::string>> m_fromBoard; // names; asked for when it is first needed
     Words m_notes;
+    std::unique_ptr<ScratchSession> m_copy; // null if not wanted
+    nlohmann::json m_copyDesign;            // the answers of the live design
     bool m_isTraced = false;
     Words m_accesses;
 };

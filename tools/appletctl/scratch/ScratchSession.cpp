@@ -13,6 +13,7 @@ namespace {
 Options onVirtualBoard(Options options) {
     options.board = BoardKind::virtualBoard;
     options.offline = false;
+    options.look = false;
     return options;
 }
 

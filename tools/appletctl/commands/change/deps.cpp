@@ -207,10 +207,7 @@ json depsJob(ScratchSession& session, const json& arguments) {
 
 namespace {
 
-void addDepsOptions(CLI::App& command, Options& options) {
-    addWith(command, options);
-    addDot(command, options);
-}
+void addDepsOptions(CLI::App& command, Options& options) { addDot(command, options); }
 
 Report showDependencies(Context& context, const Words& name) {
     const bool isDot = context.options().of<DotOption>().isWanted;
@@ -235,11 +232,15 @@ const Command depsCommand = {
     .help = "Show what a parameter moves and what moves it",
     .argument = "NAME",
     .argumentHelp = "Parameter",
+    .examples = {{"deps FG_WIDTH", "what it moves and what moves it"},
+                 {"deps FG_WIDTH --dot", "as a graph, for the program dot"}},
     .fewest = 1,
     .most = 1,
     .run = showDependencies,
     .scratch = Context::Scratch::wanted,
     .addOptions = addDepsOptions,
+    .showsValues = true,
+    .takesWithToScratch = true,
 };
 
 } // namespace appletctl

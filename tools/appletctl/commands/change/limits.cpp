@@ -236,11 +236,14 @@ const Command limitsCommand = {
     .help = "Show what is accepted now, and which parameter sets each limit",
     .argument = "NAME",
     .argumentHelp = "Parameters, or elements of one",
+    .examples = {{"limits FG_WIDTH", "what is accepted, and what sets it"},
+                 {"limits FG_WIDTH --with FG_XOFFSET=1024", "the same with another offset"}},
     .fewest = 1,
     .most = -1,
     .run = showLimits,
     .scratch = Context::Scratch::wanted,
-    .addOptions = addWith,
+    .showsValues = true,
+    .takesWithToScratch = true,
 };
 
 } // namespace appletctl

@@ -257,19 +257,19 @@ const Command planCommand = {
     .help = "Show what assignments, or a load of a file, would do, without doing it",
     .argument = "NAME=VALUE|FILE",
     .argumentHelp = "As for the command set; or a configuration file",
+    .examples = {{"plan FG_WIDTH=2048", "what a set would write"},
+                 {"plan line.mcf", "what a load would change"}},
+    .file = Command::File::readUnlessAssignment,
+    .fileSuffix = ".mcf",
     .fewest = 1,
     .most = -1,
     .run = planChanges,
     .scratch = Context::Scratch::wanted,
     .addOptions = addPlanOptions,
+    .showsValues = true,
 };
 
 namespace {
-
-void addApplyOptions(CLI::App& command, Options& options) {
-    addPlanOptions(command, options);
-    addYes(command, options);
-}
 
 Report applyChanges(Context& context, const Words& words) {
     const Options& options = context.options();
@@ -303,11 +303,16 @@ const Command applyCommand = {
     .help = "Show what they would do, and do it after a question",
     .argument = "NAME=VALUE|FILE",
     .argumentHelp = "As for the command plan",
+    .examples = {{"apply FG_WIDTH=2048", "show it, ask, do it"},
+                 {"apply --yes line.mcf", "show it and do it"}},
+    .file = Command::File::readUnlessAssignment,
+    .fileSuffix = ".mcf",
     .fewest = 1,
     .most = -1,
     .run = applyChanges,
     .scratch = Context::Scratch::wanted,
-    .addOptions = addApplyOptions,
+    .addOptions = addPlanOptions,
+    .sets = Command::Sets::afterOwnQuestion,
 };
 
 } // namespace appletctl

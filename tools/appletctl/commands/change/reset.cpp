@@ -152,9 +152,12 @@ const Command resetCommand = {
     .help = "Set parameters to their defaults",
     .argument = "NAME",
     .argumentHelp = "Parameters, all without names; then assignments to carry out before",
+    .examples = {{"reset FG_WIDTH", "one parameter"}, {"reset", "all of them"}},
     .most = -1,
     .run = resetParameters,
     .scratch = Context::Scratch::wanted,
+    .sets = Command::Sets::always,
+    .showsValues = true,
 };
 
 } // namespace appletctl

@@ -160,11 +160,16 @@ const Command setCommand = {
     .help = "Set parameters in order; stops at the first refusal",
     .argument = "NAME=VALUE",
     .argumentHelp = "Numbers decimal or 0x.., entries of enumerations by name or number",
+    .examples = {{"set FG_WIDTH=2048 FG_XOFFSET=64", "two values, in this order"},
+                 {"set --any-order FG_VANTAGEPOINT=Top-Right FG_SENSORWIDTH=4096",
+                  "in an order in which both pass"},
+                 {"set --verify FG_LINEPERIODE=100", "and compare with what the design holds"}},
     .fewest = 1,
     .most = -1,
     .run = setParameters,
     .scratch = Context::Scratch::wanted,
     .addOptions = addSetOptions,
+    .sets = Command::Sets::always,
     .showsWrites = true,
 };
 

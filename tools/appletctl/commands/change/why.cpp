@@ -138,11 +138,14 @@ const Command whyCommand = {
     .help = "Say why a parameter is read-only or refuses a value, and what would free it",
     .argument = "NAME[=VALUE]",
     .argumentHelp = "Parameters or assignments",
+    .examples = {{"why FG_WIDTH=20000", "why this value is refused"},
+                 {"why FG_LINE_DOWNSCALE", "why it cannot be written"}},
     .fewest = 1,
     .most = -1,
     .run = explainParameters,
     .scratch = Context::Scratch::wanted,
-    .addOptions = addWith,
+    .showsValues = true,
+    .takesWithToScratch = true,
 };
 
 } // namespace appletctl

@@ -45,10 +45,14 @@ const Command checkCommand = {
     .help = "Say what a load of a configuration file would lose",
     .argument = "FILE",
     .argumentHelp = "File to read",
+    .examples = {{"check line.mcf", "without loading it"}},
+    .file = Command::File::read,
+    .fileSuffix = ".mcf",
     .fewest = 1,
     .most = 1,
     .run = checkConfiguration,
     .scratch = Context::Scratch::wanted,
+    .showsValues = true,
 };
 
 } // namespace appletctl

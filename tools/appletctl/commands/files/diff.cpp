@@ -55,11 +55,16 @@ const Command diffCommand = {
     .help = "Compare a configuration file with another one, or with the parameters",
     .argument = "FILE",
     .argumentHelp = "File, then another one or assignments to carry out before",
+    .examples = {{"diff line.mcf", "with the present parameters"}, {"diff old.mcf new.mcf", "two files"}},
+    .file = Command::File::read,
+    .fileSuffix = ".mcf",
     .fewest = 1,
     .most = -1,
     .run = compareConfigurations,
     .scratch = Context::Scratch::wanted,
     .addOptions = addLive,
+    .sets = Command::Sets::assignments,
+    .showsValues = true,
 };
 
 } // namespace appletctl

@@ -29,14 +29,46 @@ std::string plain(std::string_view text) {
 
 std::string literal(const std::string& text) { return "```\n" + text + "```\n\n"; }
 
+/** The help of a command without the options of all commands, which the manual has once. */
+std::string ownHelp(const Program& program, const Command* command) {
+    std::string text = program.helpOf(command);
+    const std::size_t begin = text.find("Options of all commands:\n");
+    if (begin == std::string::npos) return text;
+    const std::size_t end = text.find("\n\n", begin);
+    return text.erase(begin, end == std::string::npos ? end : end + 2 - begin);
+}
+
+constexpr const char* manualTail =
+    "# EXIT STATUS\n\n"
+    "*0*\n\tDone.\n\n"
+    "*1*\n\tRefused by the applet, different, or something found: a difference, a finding, a failed step.\n\n"
+    "*2*\n\tWrong usage, or a file that cannot be read. Nothing was set.\n\n"
+    "*3*\n\tThe applet, the runtime, a library or a board is not to be had.\n\n"
+    "*130*\n\tInterrupted.\n\n"
+    "# FILES\n\n"
+    "*\\*.mcf*\n\tConfiguration files: values of parameters in sections, as the applet saves and loads "
+    "them.\n\n"
+    "*\\*.lut*\n\tTables of the lookup table, by colour.\n\n"
+    "*$XDG\\_STATE\\_HOME/appletctl/history*\n\tThe history of the shell; without that variable below "
+    "*~/.local/state*.\n\n"
+    "# ENVIRONMENT\n\n"
+    "*APPLET\\_UNDER\\_TEST*\n\tAnother applet library; *--applet* goes before it.\n\n"
+    "*NO\\_COLOR*, *TERM*\n\tNo colour when the first is set or the second is *dumb*.\n\n";
+
 std::string manualOfProgram(const Program& program) {
     std::string text =
         "appletctl(1)\n\n# NAME\n\nappletctl \\- shows and sets the parameters of the applet\n\n"
         "# SYNOPSIS\n\n*appletctl* [OPTIONS] COMMAND ...\n\n# DESCRIPTION\n\n";
     text += literal(program.helpOf(nullptr)) + "# COMMANDS\n\n";
-    for (const Command* command : program.commands)
-        text += "## " + plain(fullName(*command)) + "\n\n" + literal(program.helpOf(command));
-    return text + "# SEE ALSO\n\n*appletctl\\-parameters*(7)\n";
+    std::string examples;
+    for (const Command* command : program.commands) {
+        if (isHidden(*command)) continue;
+        text += "## " + plain(fullName(*command)) + "\n\n" + literal(ownHelp(program, command));
+        for (const Example& example : command->examples)
+            if (example.line != nullptr)
+                examples += "*appletctl " + plain(example.line) + "*\n\t" + plain(example.help) + "\n\n";
+    }
+    return text + "# EXAMPLES\n\n" + examples + manualTail + "# SEE ALSO\n\n*appletctl\\-parameters*(7)\n";
 }
 
 std::string manualOfParameters(const std::vector<Documented>& rows) {
@@ -132,9 +164,11 @@ extern const Command docsCommand;
 const Command docsCommand = {
     .name = "docs",
     .help = "Write the documentation of all parameters",
+    .examples = {{"docs --html parameters.html", "a page"}, {"docs --man man", "manual pages"}},
     .run = writeDocs,
     .scratch = Context::Scratch::wanted,
     .addOptions = addDocsOptions,
+    .showsValues = true,
 };
 
 } // namespace appletctl

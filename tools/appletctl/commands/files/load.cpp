@@ -63,11 +63,17 @@ const Command loadCommand = {
     .help = "Load a configuration file and say what was lost of it",
     .argument = "FILE",
     .argumentHelp = "File to read, then assignments to carry out before",
+    .examples = {{"load line.mcf", "and say what was lost"},
+                 {"load --strict line.mcf", "only if nothing would be lost"}},
+    .file = Command::File::read,
+    .fileSuffix = ".mcf",
     .fewest = 1,
     .most = -1,
     .run = loadConfiguration,
     .scratch = Context::Scratch::wanted,
     .addOptions = addStrict,
+    .sets = Command::Sets::always,
+    .showsValues = true,
 };
 
 } // namespace appletctl

@@ -156,10 +156,14 @@ const Command lutShowCommand = {
     .help = "Show what the tables are like, and a curve",
     .argument = "NAME=VALUE",
     .argumentHelp = "Assignments to carry out before",
+    .examples = {{"lut show", "curve and statistics"},
+                 {"lut show FG_PROCESSING_GAMMA=2 --channel red", "of one colour"}},
     .most = -1,
     .run = showLut,
     .scratch = Context::Scratch::wanted,
     .addOptions = addLutChannel,
+    .sets = Command::Sets::assignments,
+    .showsValues = true,
 };
 
 namespace {
@@ -188,10 +192,15 @@ const Command lutSaveCommand = {
     .help = "Save the tables to a .lut file",
     .argument = "FILE",
     .argumentHelp = "File to write, then assignments to carry out before",
+    .examples = {{"lut save gamma2.lut FG_PROCESSING_GAMMA=2", "the tables of this gamma"}},
+    .file = Command::File::write,
+    .fileSuffix = ".lut",
     .fewest = 1,
     .most = -1,
     .run = saveLut,
     .scratch = Context::Scratch::wanted,
+    .sets = Command::Sets::assignments,
+    .showsValues = true,
 };
 
 namespace {
@@ -231,10 +240,15 @@ const Command lutLoadCommand = {
     .help = "Load the tables from a .lut file",
     .argument = "FILE",
     .argumentHelp = "File to read, then assignments to carry out before",
+    .examples = {{"lut load gamma2.lut", "and say what the tables are like"}},
+    .file = Command::File::read,
+    .fileSuffix = ".lut",
     .fewest = 1,
     .most = -1,
     .run = loadLut,
     .scratch = Context::Scratch::wanted,
+    .sets = Command::Sets::always,
+    .showsValues = true,
 };
 
 namespace {
@@ -261,10 +275,14 @@ const Command lutPlotCommand = {
     .help = "Draw the curves of all colours as SVG",
     .argument = "FILE",
     .argumentHelp = "File to write, .svg, then assignments to carry out before",
+    .examples = {{"lut plot curve.svg FG_PROCESSING_GAIN=1.5", "the curves as a picture"}},
+    .file = Command::File::write,
     .fewest = 1,
     .most = -1,
     .run = plotLut,
     .scratch = Context::Scratch::wanted,
+    .sets = Command::Sets::assignments,
+    .showsValues = true,
 };
 
 } // namespace appletctl

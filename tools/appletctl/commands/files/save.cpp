@@ -41,10 +41,16 @@ const Command saveCommand = {
     .help = "Save the parameters to a configuration file",
     .argument = "FILE",
     .argumentHelp = "File to write, .mcf, then assignments to carry out before",
+    .examples = {{"save line.mcf FG_WIDTH=2048", "a file with this width"},
+                 {"save all.mcf", "the present values"}},
+    .file = Command::File::write,
+    .fileSuffix = ".mcf",
     .fewest = 1,
     .most = -1,
     .run = saveConfiguration,
     .scratch = Context::Scratch::wanted,
+    .sets = Command::Sets::assignments,
+    .showsValues = true,
 };
 
 } // namespace appletctl

@@ -118,10 +118,13 @@ const Command reportCommand = {
     .help = "Write all that a support needs into one file",
     .argument = "NAME=VALUE",
     .argumentHelp = "Assignments to carry out before",
+    .examples = {{"report -o report.txt", "for a question to the support"}},
     .most = -1,
     .run = writeReport,
     .scratch = Context::Scratch::wanted,
     .addOptions = addOutFile,
+    .sets = Command::Sets::assignments,
+    .showsValues = true,
 };
 
 } // namespace appletctl

@@ -83,9 +83,13 @@ extern const Command xmlCommand;
 const Command xmlCommand = {
     .name = "xml",
     .help = "Show the XML document that describes the parameters",
+    .examples = {{"xml -o parameters.xml", "the document of the applet"},
+                 {"xml --portable -o camera.xml", "one that other clients can read"},
+                 {"xml --check", "what a client stumbles over"}},
     .run = showXml,
     .scratch = Context::Scratch::withoutDesign,
     .addOptions = addXmlOptions,
+    .showsValues = true,
 };
 
 } // namespace appletctl

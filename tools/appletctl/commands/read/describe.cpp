@@ -80,10 +80,12 @@ const Command describeCommand = {
     .help = "Show all that is known of parameters",
     .argument = "NAME",
     .argumentHelp = "Parameters",
+    .examples = {{"describe FG_LINETRIGGERMODE", "all that is known of it"}},
     .fewest = 1,
     .most = -1,
     .run = describeParameters,
     .scratch = Context::Scratch::wanted,
+    .showsValues = true,
 };
 
 } // namespace appletctl

@@ -50,7 +50,9 @@ extern const Command eventsCommand;
 const Command eventsCommand = {
     .name = "events",
     .help = "Show the events of the design: names, masks, what comes with them",
+    .examples = {{"events", "names and masks"}},
     .run = listEvents,
+    .showsValues = true,
 };
 
 } // namespace appletctl

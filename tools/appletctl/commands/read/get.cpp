@@ -77,10 +77,14 @@ const Command getCommand = {
     .help = "Read parameters",
     .argument = "NAME",
     .argumentHelp = "Parameters, in any case, with or without FG_",
+    .examples = {{"get width FG_HEIGHT", "two values"},
+                 {"get -g roi", "a whole group"},
+                 {"get --raw 'lut_value_red[0..3]'", "bare numbers of elements"}},
     .fewest = 1,
     .most = -1,
     .run = getParameters,
     .addOptions = addGetOptions,
+    .showsValues = true,
 };
 
 } // namespace appletctl

@@ -84,7 +84,10 @@ extern const Command infoCommand;
 const Command infoCommand = {
     .name = "info",
     .help = "Show what the applet says of itself",
+    .examples = {{"info", "libraries, board and applet"},
+                 {"--board system --look info", "of the board of the system, without writing to it"}},
     .run = showInfo,
+    .showsValues = true,
 };
 
 } // namespace appletctl

@@ -178,9 +178,10 @@ void addListOptions(CLI::App& command, Options& options) {
     auto& own = options.own<ListOptions>();
     command.add_flag("--changed", own.onlyChanged, "Only what differs from the default");
     command.add_flag("--writable", own.onlyWritable, "Only what can be set now");
-    command.add_option("--group", own.group, "Only groups with this in their labels")->type_name("G");
+    command.add_option("--group", own.group, "Only groups with this in their labels")->type_name("GROUP");
     command.add_option("-f,--columns", own.columns, "Columns: " + join(listColumns(), ","))
         ->type_name("COLS")
+        ->allow_extra_args(false)
         ->delimiter(',')
         ->check(CLI::IsMember(listColumns()).description(""));
 }
@@ -230,10 +231,15 @@ const Command listCommand = {
     .help = "Show parameters as a table: name, value, unit, access, limits or entries",
     .argument = "PATTERN",
     .argumentHelp = "Part of a name, or a pattern with * ? [..]",
+    .examples = {{"list", "all parameters, by groups"},
+                 {"list linetrigger", "those with this in their name"},
+                 {"list --writable -f name,value,limits", "three columns of what can be set now"},
+                 {"list --changed --from line.mcf", "what a configuration file changes"}},
     .most = 1,
     .run = listParameters,
     .scratch = Context::Scratch::wanted,
     .addOptions = addListOptions,
+    .showsValues = true,
 };
 
 } // namespace appletctl

@@ -375,10 +375,14 @@ const Command watchCommand = {
     .help = "Read parameters over and over; ends on Ctrl-C",
     .argument = "NAME",
     .argumentHelp = "Parameters",
+    .examples = {{"watch FG_FILLLEVEL FG_OVERFLOW", "every second, until Ctrl-C"},
+                 {"watch FG_OVERFLOW --interval 200 --fail-if 'FG_OVERFLOW != 0'",
+                  "end with exit code 1 when lines are lost"}},
     .fewest = 1,
     .most = -1,
     .run = watchParameters,
     .addOptions = addWatchOptions,
+    .showsValues = true,
 };
 
 } // namespace appletctl

@@ -545,9 +545,15 @@ const Command lintCommand = {
     .help = "Say what is legal but doubtful",
     .argument = "FILE",
     .argumentHelp = "File to look at, or assignments to carry out before",
+    .examples = {{"lint line.mcf", "of a configuration file"},
+                 {"lint FG_LUT_ENABLE=ON FG_PROCESSING_GAIN=4", "of a state"}},
+    .file = Command::File::readUnlessAssignment,
+    .fileSuffix = ".mcf",
     .most = -1,
     .run = lintParameters,
     .scratch = Context::Scratch::wanted,
+    .sets = Command::Sets::assignments,
+    .showsValues = true,
 };
 
 } // namespace appletctl

@@ -336,10 +336,14 @@ const Command routeCommand = {
     .help = "Show what each output, analyzer and event listens to, and what the board holds",
     .argument = "NAME=VALUE",
     .argumentHelp = "Assignments to carry out before",
+    .examples = {{"route", "which signal each output carries"},
+                 {"route --dot", "as a graph, for the program dot"}},
     .most = -1,
     .run = showRoutes,
     .scratch = Context::Scratch::wanted,
     .addOptions = addDot,
+    .sets = Command::Sets::assignments,
+    .showsValues = true,
 };
 
 } // namespace appletctl

@@ -306,10 +306,14 @@ const Command timingCommand = {
     .help = "Show the signals over three line periods, and which output carries them",
     .argument = "NAME=VALUE",
     .argumentHelp = "Assignments to carry out before",
+    .examples = {{"timing FG_LINEPERIODE=50", "signals of three line periods"},
+                 {"timing --svg lines.svg", "as a picture"}},
     .most = -1,
     .run = showTiming,
     .scratch = Context::Scratch::wanted,
     .addOptions = addTimingOptions,
+    .sets = Command::Sets::assignments,
+    .showsValues = true,
 };
 
 } // namespace appletctl

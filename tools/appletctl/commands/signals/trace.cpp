@@ -157,6 +157,8 @@ const Command traceCommand = {
     .help = "Show what a command does to the design; or compare two such logs: trace diff FILE FILE",
     .argument = "COMMAND",
     .argumentHelp = "A command with its words",
+    .examples = {{"trace set FG_WIDTH=2048", "what it writes to the design"},
+                 {"trace diff before.txt after.txt", "two logs"}},
     .most = -1,
     .run = compareTraces,
     .kind = Command::Kind::prefix,

@@ -1,0 +1,287 @@
+#include "appletctl/cli/help.h"
+
+#include "appletctl/base/text.h"
+
+#include <algorithm>
+#include <sstream>
+
+namespace appletctl {
+
+const char* const accessWords =
+    "Access: ro read-only, rw writable, rw+ writable while an acquisition runs as well.";
+
+const char* const exitCodes = "Exit codes: 0 done; 1 refused, different or something found; 2 wrong usage or "
+                              "a file that cannot be read; "
+                              "3 applet, runtime or board not to be had; 130 interrupted.";
+
+const char* const boardNotes = "Without --board system, each run starts a fresh virtual board with the "
+                               "defaults, and nothing is kept for the next "
+                               "run. With --board system, the start of the applet writes all defaults to the "
+                               "board, for every command; --look "
+                               "opens the board without writing.";
+
+namespace {
+
+constexpr std::size_t lineWidth = 80;
+constexpr std::size_t helpColumn = 28;
+
+/** The words of the text in lines; `begin` stands in the first one, the others are indented. */
+std::string wrapped(const std::string& begin, const std::string& text, std::size_t indent) {
+    std::string lines = begin, line;
+    std::istringstream words(text);
+    const std::string margin(indent, ' ');
+    for (std::string word; words >> word;) {
+        if (!line.empty() && indent + displayWidth(line) + 1 + displayWidth(word) > lineWidth) {
+            lines += line + '\n' + margin;
+            line.clear();
+        }
+        line += (line.empty() ? "" : " ") + word;
+    }
+    return lines + line + '\n';
+}
+
+std::string entry(const std::string& name, const std::string& help) {
+    std::string begin = "  " + name;
+    const std::size_t width = displayWidth(begin);
+    begin +=
+        width + 2 > helpColumn ? "\n" + std::string(helpColumn, ' ') : std::string(helpColumn - width, ' ');
+    return wrapped(begin, help, helpColumn);
+}
+
+std::string optionName(const CLI::Option& option) {
+    std::string name = option.get_name(false, true);
+    for (std::size_t comma = 0; (comma = name.find(',', comma)) != std::string::npos; ++comma)
+        name.insert(comma + 1, " ");
+    if (option.get_items_expected_max() == 0) return name;
+    const std::vector<std::string> choices = choicesOf(option);
+    if (!choices.empty()) return name + " " + join(choices, "|");
+    const std::string type = option.get_type_name();
+    return name + " " + type.substr(0, type.find(':'));
+}
+
+std::string optionsOf(const CLI::App& app, bool withHelp) {
+    std::string text;
+    for (const CLI::Option* option : app.get_options()) {
+        if (option->get_positional() || option->get_group().empty()) continue;
+        if (!withHelp && option == app.get_help_ptr()) continue;
+        text += entry(optionName(*option), option->get_description());
+    }
+    return text;
+}
+
+std::string fullNameOf(const CLI::App& app) {
+    const CLI::App* parent = app.get_parent();
+    return parent == nullptr ? app.get_name() : fullNameOf(*parent) + " " + app.get_name();
+}
+
+const CLI::App& programOf(const CLI::App& app) {
+    return app.get_parent() == nullptr ? app : programOf(*app.get_parent());
+}
+
+std::string usageLine(const CLI::App& app, const Command* command) {
+    std::string line = "Usage: " + fullNameOf(app) + " [OPTIONS]";
+    if (command == nullptr) return line + " COMMAND ...\n";
+    if (command->argument == nullptr) return line + '\n';
+    const std::string word = command->argument;
+    const bool isOptional = command->fewest == 0 && command->kind != Command::Kind::prefix;
+    line += isOptional ? " [" + word + "]" : " " + word;
+    return line + (command->most != 1 ? "...\n" : "\n");
+}
+
+std::string examplesOf(const Command& command) {
+    std::string text;
+    for (const Example& example : command.examples)
+        if (example.line != nullptr)
+            text += "  appletctl " + std::string(example.line) + "\n      " + example.help + '\n';
+    return text.empty() ? "" : "Examples:\n" + text + '\n';
+}
+
+/** What the command does to a board that is no virtual one. */
+std::string effectOnBoard(const Command& command) {
+    switch (command.sets) {
+    case Command::Sets::nothing:
+        return "On a board of the system it only reads.";
+    case Command::Sets::assignments:
+        return "On a board of the system it only reads, but for assignments among its words: they are set, "
+               "after a "
+               "question or with --yes.";
+    case Command::Sets::always:
+        return "On a board of the system it sets values, after a question or with --yes.";
+    case Command::Sets::afterOwnQuestion:
+        return "It sets values, after a question or with --yes.";
+    }
+    return "";
+}
+
+std::string listed(const CLI::App& app) {
+    std::string text;
+    for (const CLI::App* below : app.get_subcommands(nullptr))
+        if (!below->get_group().empty()) text += entry(below->get_name(), below->get_description());
+    return text;
+}
+
+std::string argumentName(const Command& command) { return "'" + fullName(command) + "'"; }
+
+std::string seeHelp(const std::string& name) { return "; '" + name + " --help' shows the usage"; }
+
+/** The option of the command, or of those above it, that is nearest to the word; empty if none is. */
+std::string nearestOption(const CLI::App& app, const std::string& word) {
+    constexpr std::size_t farthest = 2;
+    std::string nearest;
+    std::size_t least = farthest + 1;
+    for (const CLI::App* one = &app; one != nullptr; one = one->get_parent())
+        for (const CLI::Option* option : one->get_options())
+            for (const std::string& name : option->get_lnames())
+                if (const std::size_t distance = editDistance(word, "--" + name); distance < least) {
+                    least = distance;
+                    nearest = "--" + name;
+                }
+    return nearest;
+}
+
+const CommandGroup* groupNamed(const std::string& name) {
+    for (const Command* command : allCommands())
+        if (command->group != nullptr && command->group->name == name) return command->group;
+    return nullptr;
+}
+
+} // namespace
+
+const Command* commandOf(const CLI::App& app) {
+    const CLI::App* parent = app.get_parent();
+    if (parent == nullptr) return nullptr;
+    const CommandGroup* group = parent->get_parent() != nullptr ? groupNamed(parent->get_name()) : nullptr;
+    for (const Command* command : allCommands())
+        if (command->group == group && app.get_name() == command->name) return command;
+    return nullptr;
+}
+
+std::vector<std::string> choicesOf(const CLI::Option& option) {
+    const std::string type = option.get_type_name();
+    const std::size_t begin = type.find('{'), end = type.find('}');
+    if (begin == std::string::npos || end == std::string::npos) return {};
+    std::vector<std::string> values;
+    std::istringstream list(type.substr(begin + 1, end - begin - 1));
+    for (std::string value; std::getline(list, value, ',');)
+        values.push_back(value);
+    return values;
+}
+
+std::string helpText(const CLI::App& app) {
+    const Command* command = commandOf(app);
+    std::string text = wrapped("", app.get_description() + (command != nullptr ? "." : ""), 0) + '\n';
+    if (command != nullptr) text += examplesOf(*command);
+    text += usageLine(app, command) + '\n';
+    if (command == nullptr) text += "Subcommands:\n" + listed(app) + '\n';
+    if (command != nullptr && command->argument != nullptr)
+        text += "Words:\n" + entry(command->argument, command->argumentHelp) + '\n';
+    if (command != nullptr && command->moreHelp != nullptr) text += command->moreHelp() + '\n';
+    const bool isProgram = app.get_parent() == nullptr;
+    if (const std::string own = optionsOf(app, isProgram); !own.empty()) text += "Options:\n" + own + '\n';
+    if (!isProgram) text += "Options of all commands:\n" + optionsOf(programOf(app), true) + '\n';
+    if (command != nullptr && !isHidden(*command)) text += wrapped("", effectOnBoard(*command), 0);
+    if (command != nullptr) return text;
+    text += wrapped("", boardNotes, 0) + wrapped("", accessWords, 0) + wrapped("", exitCodes, 0);
+    return text + wrapped("",
+                          "'" + fullNameOf(app) + " COMMAND --help' shows examples and options of a command.",
+                          0);
+}
+
+std::string shellHelp() {
+    std::string text = "Each line is a command with its words, on one board:\n\n";
+    for (const Command* command : allCommands())
+        if (command->kind != Command::Kind::session && !isHidden(*command)) text += entry(fullName(*command), command->help);
+    text += "\nOf the shell itself:\n";
+    text += entry("undo", "Take back what the last command that changed something has changed");
+    text += entry("help [COMMAND]", "This list, or examples and options of a command");
+    text += entry("exit, quit", "End the shell; so does the end of the input");
+    return text + '\n' + wrapped("", accessWords, 0);
+}
+
+std::string commandSuggestion(const CommandGroup* group, const std::string& word) {
+    for (const std::size_t distance : {0u, 1u, 2u})
+        for (const Command* command : allCommands()) {
+            const bool isCandidate = !isHidden(*command) && (group == nullptr || command->group == group);
+            if (isCandidate && editDistance(word, command->name) == distance)
+                return "; did you mean '" + fullName(*command) + "'?";
+        }
+    if (group == nullptr) return "; 'appletctl --help' lists the commands";
+    std::vector<std::string> names;
+    for (const Command* command : allCommands())
+        if (command->group == group) names.emplace_back(command->name);
+    return "; there are " + join(names, ", ");
+}
+
+std::string usageError(const CLI::App& program, const CLI::App& app, const CLI::ParseError& error) {
+    const std::vector<std::string> unknown = program.remaining(true);
+    const std::string name = fullNameOf(app);
+    if (!unknown.empty()) {
+        const std::string& word = unknown.front();
+        if (word.size() > 1 && word.starts_with('-')) {
+            const std::string nearest = nearestOption(app, word.substr(0, word.find('=')));
+            return "there is no option '" + printable(word.substr(0, word.find('='))) + "'" +
+                   (nearest.empty() ? seeHelp(name) : "; did you mean '" + nearest + "'?");
+        }
+        const Command* command = commandOf(app);
+        if (command == nullptr) {
+            const CommandGroup* group = groupNamed(app.get_name());
+            const std::string above = group != nullptr ? std::string(group->name) + " " : "";
+            return "there is no command '" + above + printable(word) + "'" + commandSuggestion(group, word);
+        }
+        return argumentName(*command) + " takes " +
+               (command->argument != nullptr ? "no more words" : "no words") + ", and there is '" +
+               printable(word) + "'" + seeHelp(name);
+    }
+    if (dynamic_cast<const CLI::ConversionError*>(&error) != nullptr) {
+        const std::string text = error.what(); // "Could not convert: --interval = abc"
+        const std::size_t begin = text.find("--"), equals = text.find(" = ");
+        if (begin != std::string::npos && equals != std::string::npos && begin < equals)
+            return text.substr(begin, equals - begin) + " takes a number, and '" +
+                   printable(text.substr(equals + 3)) + "' is none" + seeHelp(name);
+    }
+    return printable(error.what()) + seeHelp(name);
+}
+
+void checkWordCount(const Command& command, const Words& words) {
+    const int count = static_cast<int>(words.size());
+    const std::string help = seeHelp("appletctl " + fullName(command));
+    if (count < command.fewest)
+        throw UsageError(argumentName(command) + ": " + command.argument + " is missing" + help);
+    if (command.most >= 0 && count > command.most)
+        throw UsageError(argumentName(command) + " takes one " + command.argument + ", and there is '" +
+                         printable(words[static_cast<std::size_t>(command.most)]) + "' as well" + help);
+}
+
+namespace {
+
+Report showHelp(Context& context, const Words& words) {
+    Report report;
+    const Command* found = nullptr;
+    const std::string name = join(words, " ");
+    for (const Command* command : context.program().commands)
+        if (fullName(*command) == name) found = command;
+    const CommandGroup* group = words.size() == 1 ? groupNamed(name) : nullptr;
+    if (!words.empty() && found == nullptr && group == nullptr)
+        throw UsageError("there is no command '" + printable(name) + "'" +
+                         commandSuggestion(groupNamed(words.front()), words.back()));
+    report.text = group != nullptr ? parseCommandLine({group->name, "--help"}).outcome.text
+                                   : context.program().helpOf(found);
+    report.document["text"] = report.text;
+    return report;
+}
+
+} // namespace
+
+extern const Command helpCommand;
+const Command helpCommand = {
+    .name = "help",
+    .help = "Show examples, words and options of a command",
+    .argument = "COMMAND",
+    .argumentHelp = "The command; without it, all are listed",
+    .examples = {{"help set", "how values are set"}},
+    .most = 2,
+    .run = showHelp,
+    .kind = Command::Kind::session, // the shell has its own
+};
+
+} // namespace appletctl

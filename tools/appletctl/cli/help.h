@@ -1,0 +1,40 @@
+/** What --help and usage errors say. */
+#ifndef APPLETCTL_CLI_HELP_H
+#define APPLETCTL_CLI_HELP_H
+
+#include "appletctl/cli/command_line.h"
+
+#include <string>
+#include <string_view>
+
+namespace appletctl {
+
+/** The row that a node of the parsed tree was made from; null for the program and for groups of commands. */
+const Command* commandOf(const CLI::App& app);
+
+/** The help of the program, a group of commands or a command. */
+std::string helpText(const CLI::App& app);
+
+/** The same for a line of the shell: its own words, and without what does not work there. */
+std::string shellHelp();
+
+/** "; did you mean 'set'?" for a misspelt command, of the group or at the top (null); else where they are listed. */
+std::string commandSuggestion(const CommandGroup* group, const std::string& word);
+
+/** What is wrong with the words that CLI11 could not take. `app` is the command that they were for. */
+std::string usageError(const CLI::App& program, const CLI::App& app, const CLI::ParseError& error);
+
+/** Throws UsageError when there are fewer or more words than the command takes. */
+void checkWordCount(const Command& command, const Words& words);
+
+/** The values that an option or a word can have, if there is a list of them. */
+std::vector<std::string> choicesOf(const CLI::Option& option);
+
+/** The sections of the manual page that help and manual share. */
+extern const char* const accessWords;
+extern const char* const exitCodes;
+extern const char* const boardNotes;
+
+} // namespace appletctl
+
+#endif
