@@ -69,7 +69,7 @@ NOT_IN_THE_SHELL = {"shell", "run", "apply"}
 NOT_TRACED = {"shell", "trace", "run"}
 PRINTS_DOCUMENTS = {"xml", "completion", "report"}
 USES_SCRATCH_BOARD = {"list", "set", "reset", "limits", "why", "deps", "plan", "apply", "describe", "route", "lint", "docs",
-                      "report", "save", "load", "check", "diff"}
+                      "report", "save", "load", "check", "diff", "shell"}
 # What a person must not see: words of libraries, and of ends that nobody wrote.
 CRASH = re.compile(r"terminate called|internal error|json\.exception|what\(\)|std::|basic_string|ended unexpectedly|core dumped")
 

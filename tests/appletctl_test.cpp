@@ -566,7 +566,7 @@ TEST(AppletctlRoute, ShowsWhatTheBoardHolds) {
     const json inputs =
         document({"route", "FG_IMGTRIGGERMODE=ASYNC_TRIGGER", "FG_IMGTRIGGERINSRC=4"})["inputs"];
     ASSERT_EQ(inputs.size(), 3u);
-    EXPECT_EQ(std::pair(inputs[0]["source"], inputs[0]["inUse"]),
+    EXPECT_EQ(std::pair(inputs[0]["source"]["symbol"], inputs[0]["inUse"]),
               std::pair(json("TRGINSRC_GPI_1"), json(false)));
     EXPECT_EQ(std::tuple(inputs[2]["input"], inputs[2]["inUse"], inputs[2]["agrees"]),
               std::tuple("image trigger", true, true));

@@ -131,7 +131,7 @@ TEST_F(OutOfMemory, ObjectsComeUpOrNothingStays) {
              return object != nullptr ? applet.Info(FG_INFO_DESTROY_OFFLINE, 0, 0, object, nullptr) : code;
          }},
     });
-    expectPositions(14600);
+    expectPositions(1465);
 }
 
 TEST_F(OutOfMemory, WithDirectAccessAndLogLines) {
@@ -162,7 +162,7 @@ TEST_F(OutOfMemory, WithDirectAccessAndLogLines) {
              return static_cast<int>(applet.Fg_getEventMask(grabber.fg(), name.c_str()));
          }},
     });
-    expectPositions(1285);
+    expectPositions(866);
 }
 
 TEST_F(OutOfMemory, CallsEndOrLeaveAndTheNextOneWorks) {
@@ -261,7 +261,7 @@ TEST_F(OutOfMemory, CallsEndOrLeaveAndTheNextOneWorks) {
         {"nested save", bringUp,
          [&](Grabber& grabber) { return setText(grabber, FG_DEBUGSAVECONFIG, saved); }},
     });
-    expectPositions(2613);
+    expectPositions(2039);
 }
 
 } // namespace
