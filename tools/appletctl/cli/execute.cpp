@@ -6,6 +6,7 @@
 #include "appletctl/commands/jobs.h"
 #include "appletctl/commands/shared_options.h"
 #include "appletctl/commands/signals/trace.h"
+#include "appletctl/scratch/refusal.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -144,7 +145,9 @@ private:
                 throw Failure("--from: '" + toUtf8(with.file.c_str()) +
                               "' was not loaded: " + codeInWords(code));
         }
-        const Report done = applyAssignments(instance, m_context.parameters(), with.assignments);
+        const Report done = m_context.hasScratch()
+                                ? applyLive(m_context, with.assignments)
+                                : applyAssignments(instance, m_context.parameters(), with.assignments);
         if (done.exitCode != exitDone) throw Failure("--with: " + join(done.problems, "; "));
     }
 

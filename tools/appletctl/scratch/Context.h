@@ -55,6 +55,8 @@ public:
      *  be changed. Not on a board of the system. */
     void enterCopy();
     void leaveCopy();
+    /** False where the command wanted none; the three below may not be called then. */
+    bool hasScratch() const { return m_scratch != nullptr; }
     /** The scratch board, in the state that the live applet has now. */
     ScratchBoard& scratch();
     /** The scratch board with the live design's answers, and the values after the start. */

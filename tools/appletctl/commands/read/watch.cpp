@@ -292,6 +292,10 @@ struct WatchOptions {
 
 void addWatchOptions(CLI::App& command, Options& options) {
     auto& own = options.own<WatchOptions>();
+    // An unset variable of a shell must not switch the condition off.
+    const auto isCondition = [](const std::string& text) {
+        return std::string(text.empty() ? "the condition is empty" : "");
+    };
     constexpr int longestInterval = 24 * 60 * 60 * 1000;
     command.add_option("--interval", own.interval, "Milliseconds from round to round")
         ->type_name("MS")
@@ -302,11 +306,13 @@ void addWatchOptions(CLI::App& command, Options& options) {
     command
         .add_option("--fail-if", own.failIf,
                     "Condition that ends the watch with exit code 1, such as 'FG_OVERFLOW != 0 || NAME > 5'")
-        ->type_name("EXPR");
+        ->type_name("EXPR")
+        ->check(isCondition);
     command
         .add_option("--alarm-if", own.alarmIf,
                     "Condition that sounds the terminal's bell and marks the round")
-        ->type_name("EXPR");
+        ->type_name("EXPR")
+        ->check(isCondition);
     command.add_flag("--lost-lines", own.isAlarmedByLostLines,
                      "Alarm when lines are lost: the same as --alarm-if 'FG_OVERFLOW != 0'");
     command.add_flag("--rate", own.wantsRates, "Show the change of each number per second");
