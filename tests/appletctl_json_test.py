@@ -66,7 +66,7 @@ RUNS = {
     "lut load": ["a.lut FG_PROCESSING_GAIN=2 FG_PROCESSING_OFFSET=1", "missing.lut"],
 }
 OF_THE_SHELL = ["set FG_WIDTH=2048", "undo", "undo", "nonsense", "get 'open"]
-NOT_IN_THE_SHELL = {"shell", "run", "apply"}
+NOT_IN_THE_SHELL = {"shell", "run", "apply", "completion", "help"}
 NOT_TRACED = {"shell", "trace", "run"}
 PRINTS_DOCUMENTS = {"xml", "completion", "report"}
 USES_SCRATCH_BOARD = {"list", "set", "reset", "limits", "why", "deps", "plan", "apply", "describe", "route", "lint", "docs",
