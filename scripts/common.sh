@@ -35,4 +35,4 @@ build() {
 }
 
 BUILD_PACKAGES=(g++ make cmake python3 libcli11-dev nlohmann-json3-dev libedit-dev)
-TEST_PACKAGES=(abigail-tools binutils libgtest-dev libgmock-dev libbenchmark-dev libxml2-dev python3-jsonschema scdoc)
+TEST_PACKAGES=(abigail-tools binutils libgtest-dev libgmock-dev libbenchmark-dev libxml2-dev python3-jsonschema python3-lark scdoc)
