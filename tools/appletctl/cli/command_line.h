@@ -6,6 +6,10 @@
 
 #include <string>
 
+namespace CLI {
+class App;
+}
+
 namespace appletctl {
 
 /** What a command line asks for. */

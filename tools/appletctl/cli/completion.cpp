@@ -4,6 +4,8 @@
 #include "appletctl/cli/candidates.h"
 #include "appletctl/commands/Command.h"
 
+#include <CLI/CLI.hpp>
+
 namespace appletctl {
 namespace {
 

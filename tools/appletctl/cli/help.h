@@ -4,6 +4,8 @@
 
 #include "appletctl/cli/command_line.h"
 
+#include <CLI/CLI.hpp>
+
 #include <string>
 #include <string_view>
 

@@ -8,6 +8,8 @@
 #include "appletctl/draw/junit.h"
 #include "appletctl/scratch/CommandRun.h"
 
+#include <CLI/CLI.hpp>
+
 #include <unistd.h>
 
 #include <algorithm>

@@ -6,10 +6,12 @@
 #include "appletctl/base/output.h"
 #include "appletctl/scratch/Context.h"
 
-#include <CLI/CLI.hpp>
-
 #include <string>
 #include <string_view>
+
+namespace CLI {
+class App;
+}
 
 namespace appletctl {
 
@@ -64,7 +66,7 @@ struct Command {
     Sets sets = Sets::nothing;
     bool showsValues = false; /**< takes --with and --from */
     bool takesWithToScratch =
-        false;                /**< answers --with on the scratch board too, so beside a board of the system */
+        false; /**< answers --with on the scratch board too, so beside a board of the system */
     std::string (*moreHelp)() = nullptr; /**< behind its words in the help */
     bool showsWrites = false;            /**< "trace" need not add them to its text */
 };

@@ -1,5 +1,7 @@
 #include "appletctl/commands/shared_options.h"
 
+#include <CLI/CLI.hpp>
+
 namespace appletctl {
 
 void addWith(CLI::App& command, Options& options) {

@@ -4,10 +4,12 @@
 
 #include "appletctl/base/Options.h"
 
-#include <CLI/CLI.hpp>
-
 #include <optional>
 #include <string>
+
+namespace CLI {
+class App;
+}
 
 namespace appletctl {
 

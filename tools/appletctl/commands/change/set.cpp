@@ -10,6 +10,8 @@
 #include "appletctl/scratch/refusal.h"
 #include "appletctl/scratch/reports.h"
 
+#include <CLI/CLI.hpp>
+
 #include "vexo/fg_errors.h"
 
 #include <algorithm>

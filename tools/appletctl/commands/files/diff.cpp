@@ -3,6 +3,8 @@
 #include "appletctl/commands/files/differences.h"
 #include "appletctl/scratch/CommandRun.h"
 
+#include <CLI/CLI.hpp>
+
 namespace appletctl {
 namespace {
 

@@ -6,6 +6,8 @@
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/files/documented.h"
 
+#include <CLI/CLI.hpp>
+
 #include <sys/wait.h>
 #include <unistd.h>
 

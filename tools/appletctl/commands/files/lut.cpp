@@ -8,6 +8,8 @@
 #include "appletctl/draw/curve.h"
 #include "appletctl/scratch/CommandRun.h"
 
+#include <CLI/CLI.hpp>
+
 #include <unistd.h>
 
 namespace appletctl {

@@ -5,6 +5,8 @@
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/shared_options.h"
 
+#include <CLI/CLI.hpp>
+
 #include "vexo/fg_errors.h"
 
 #include <unistd.h>

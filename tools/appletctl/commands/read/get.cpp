@@ -1,6 +1,8 @@
 #include "appletctl/commands/Command.h"
 #include "appletctl/scratch/BoardState.h"
 
+#include <CLI/CLI.hpp>
+
 namespace appletctl {
 namespace {
 

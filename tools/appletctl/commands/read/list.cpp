@@ -4,6 +4,8 @@
 #include "appletctl/scratch/BoardState.h"
 #include "appletctl/scratch/defaults_and_roles.h"
 
+#include <CLI/CLI.hpp>
+
 #include <unistd.h>
 
 #include <algorithm>

@@ -7,6 +7,8 @@
 #include "appletctl/commands/Command.h"
 #include "appletctl/draw/sparkline.h"
 
+#include <CLI/CLI.hpp>
+
 #include <sys/ioctl.h>
 #include <unistd.h>
 

@@ -10,6 +10,8 @@
 #include "appletctl/draw/waves.h"
 #include "appletctl/scratch/refusal.h"
 
+#include <CLI/CLI.hpp>
+
 #include "vexo/fg_parameters.h"
 
 #include <unistd.h>
