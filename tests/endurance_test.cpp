@@ -85,8 +85,9 @@ template <typename Round> void expectSteady(int rounds, Round round) {
     const auto grown = static_cast<std::ptrdiff_t>(allocatedBytes() - allocatedBefore);
     testing::Test::RecordProperty("grown", std::to_string(grown));
     EXPECT_EQ(holdings(), before);
-    // A block lost in each round is at least 16 bytes of each.
-    EXPECT_LT(grown, 12 * rounds) << "bytes in " << rounds << " rounds";
+    // A block lost in each round is at least 16 bytes of each. The address sanitizer itself keeps 32 bytes for each
+    // destructor that an unloaded library had registered; it reports lost blocks at the end of the program.
+    EXPECT_LT(grown, (underAddressSanitizer ? 512 : 12) * rounds) << "bytes in " << rounds << " rounds";
 }
 
 /** One use of an object: a refusal, so that the logging is bound too, and a value. */

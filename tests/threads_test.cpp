@@ -347,6 +347,7 @@ private:
     void count() {
         if (--m_left != 0) return;
         pthread_cancel(pthread_self());
+        expectStackToUnwind();
         pthread_testcancel();
     }
     Grabber& m_grabber;

@@ -19,6 +19,7 @@ inline constexpr bool underAddressSanitizer = __has_feature(address_sanitizer);
 #endif
 
 #ifdef __SANITIZE_ADDRESS__
+#include <sanitizer/asan_interface.h>
 #include <sanitizer/lsan_interface.h>
 #endif
 
@@ -30,5 +31,13 @@ struct ExpectedLeak {
     ExpectedLeak() {}
 };
 #endif
+
+/** To be called before a thread is cancelled: the address sanitizer does not see that the frames of its stack end, and
+ *  would report the cleanup code that uses the same memory. */
+inline void expectStackToUnwind() {
+#ifdef __SANITIZE_ADDRESS__
+    __asan_handle_no_return();
+#endif
+}
 
 #endif
