@@ -2,18 +2,40 @@
 # What takes longer than the tests: a second compiler without a warning, and the tests under what watches
 # memory and threads.
 #   scripts/check.sh            all of it
+#   scripts/check.sh style      only the format of the sources, and the shell scripts
 #   scripts/check.sh clang      only the build with clang, which checks the locks
+#   scripts/check.sh tidy       only the static analysis of clang-tidy
 #   scripts/check.sh asan|tsan  only the tests under that sanitizer
 #   scripts/check.sh threads    only the tests that have threads, under the thread sanitizer
 #   scripts/check.sh memcheck   only the tests of the release build under valgrind
 set -euo pipefail
 source "$(dirname "$0")/common.sh"
 
-check_clang() {
+check_style() {
+    install_packages clang-format shellcheck
+    say "Checking the format of the sources"
+    git ls-files -z '*.c' '*.cpp' '*.h' | xargs -0 clang-format --dry-run -Werror
+    say "Checking the shell scripts"
+    git ls-files -z '*.sh' .ci/run | xargs -0 shellcheck
+}
+
+configure_clang() {
     install_packages clang
-    say "Building with clang, warnings are errors"
     CC=clang CXX=clang++ cmake -S . -B build/clang -DAPPLET_WERROR=ON --log-level=WARNING
+}
+
+check_clang() {
+    configure_clang
+    say "Building with clang, warnings are errors"
     cmake --build build/clang --parallel "$(nproc)"
+}
+
+# Reads the sources again with the flags and the precompiled headers of the build with clang.
+check_tidy() {
+    install_packages clang-tidy
+    check_clang
+    say "Analysing with clang-tidy, warnings are errors"
+    run-clang-tidy -quiet -p build/clang -j "$(nproc)" "^$PWD/(src|virtual_board|tools)/"
 }
 
 check_sanitizer() {
@@ -46,18 +68,21 @@ check_memcheck() {
 
 install_packages "${BUILD_PACKAGES[@]}" "${TEST_PACKAGES[@]}"
 case "${1:-all}" in
+style) check_style ;;
 clang) check_clang ;;
+tidy) check_tidy ;;
 asan | tsan) check_sanitizer "$1" ;;
 threads) check_threads ;;
 memcheck) check_memcheck ;;
 all)
-    check_clang
+    check_style
+    check_tidy
     check_sanitizer asan
     check_sanitizer tsan
     check_memcheck
     ;;
 *)
-    echo "scripts/check.sh takes clang, asan, tsan, threads or memcheck, or nothing for all of them; not '$1'" >&2
+    echo "scripts/check.sh takes style, clang, tidy, asan, tsan, threads or memcheck, or nothing for all of them; not '$1'" >&2
     exit 2
     ;;
 esac

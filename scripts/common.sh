@@ -1,6 +1,7 @@
 # Sourced by the other scripts: installs what is missing and builds a preset.
+# shellcheck shell=bash
 
-cd "$(dirname "${BASH_SOURCE[0]}")/.."
+cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit
 
 say() { printf '\n==> %s\n' "$*"; }
 
@@ -34,5 +35,7 @@ build() {
     cmake --build --preset "$preset" --parallel "$(nproc)" ${1:+--target "$@"}
 }
 
+# shellcheck disable=SC2034 # used by the scripts that source this file
 BUILD_PACKAGES=(g++ make cmake python3 libcli11-dev nlohmann-json3-dev libedit-dev)
+# shellcheck disable=SC2034
 TEST_PACKAGES=(abigail-tools binutils libgtest-dev libgmock-dev libbenchmark-dev libxml2-dev python3-jsonschema python3-lark scdoc)
