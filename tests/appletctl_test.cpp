@@ -406,6 +406,7 @@ TEST_F(AppletctlLut, DrawsCurves) {
     const std::string svg{std::istreambuf_iterator<char>(stream), {}};
     EXPECT_TRUE(contains(svg, "a&lt;&amp;b.lut")) << svg.substr(0, 1000);
     EXPECT_TRUE(contains(svg, "points=\"80,70 81,70 ")) << "red runs along the top";
+    EXPECT_TRUE(contains(svg, ">bars: clipped, 16384 entries of red<"));
     EXPECT_TRUE(contains(svg, "y=\"66\"")) << "the settings take two lines";
     ASSERT_EQ(run({"lut", "plot", file, "FG_PROCESSING_GAIN=2"}).exitCode, 0);
     std::ifstream clipped(file);

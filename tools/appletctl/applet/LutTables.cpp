@@ -146,7 +146,8 @@ LutStatistics statisticsOf(const Elements& entries, std::uint32_t largest) {
     const auto atStart = static_cast<std::uint32_t>(clippedLength(entries.begin(), entries.end(), largest));
     const auto atEnd = static_cast<std::uint32_t>(clippedLength(entries.rbegin(), entries.rend(), largest));
     if (atStart > 0) told.atStart = {0, atStart - 1};
-    if (atEnd > 0) told.atEnd = {size - atEnd, size - 1};
+    // A constant table is clipped as a whole, which the start tells.
+    if (atEnd > 0 && atEnd < size) told.atEnd = {size - atEnd, size - 1};
     return told;
 }
 
