@@ -196,6 +196,23 @@ Words advisedIn(const json& answer) {
     return advice;
 }
 
+TEST(AppletctlWhy, AgreesWithASetAfterALoadOfWhatNoGetterShows) {
+    const support::TemporaryFolder folder;
+    const std::string file = folder / "raw.mcf";
+    run({"save", file});
+    support::writeFile(
+        file, std::regex_replace(support::fileBytes(file), std::regex("(_LINERATE)=[^\n]*"), "$1=\"x\";"));
+    const std::string load = "load " + file, mode = "FG_CAMERASIMULATOR_SELECT_MODE=FG_LINERATE";
+    // A set behind the load stores the value again.
+    for (const std::string between : {"get FG_WIDTH", "set FG_CAMERASIMULATOR_LINERATE=10240.445664195306"}) {
+        std::istringstream answers(shell({load, between, "why " + mode, "set " + mode}, {"--json"}).out);
+        json ignored, why, set;
+        answers >> ignored >> ignored >> why >> set;
+        EXPECT_EQ(why["answers"][0]["accepted"], set["done"]) << between << why;
+        EXPECT_EQ(set["done"], between.starts_with("set")) << set;
+    }
+}
+
 TEST(AppletctlAdvice, IsAcceptedByTheSetters) {
     const support::TemporaryFolder folder;
     const Words situations = {
@@ -210,6 +227,9 @@ TEST(AppletctlAdvice, IsAcceptedByTheSetters) {
                              "set FG_WIDTH=20000",
                              "set FG_LINEEXPOSURE=1500",
                              "set FG_IMG_SELECT=3",
+                             "set FG_CAMERASIMULATOR_SELECT_MODE=FG_LINERATE",
+                             "set FG_CAMERASIMULATOR_LINERATE=1e9",
+                             "limits FG_CAMERASIMULATOR_SELECT_MODE",
                              "set FG_CAMERASIMULATOR_WIDTH=294920",
                              "limits FG_WIDTH FG_LINEEXPOSURE FG_YOFFSET",
                              "why FG_SHAFTENCODERMODE FG_IMGTRIGGERINSRC FG_WIDTH=20000 FG_IMG_SELECT=9",
@@ -220,7 +240,7 @@ TEST(AppletctlAdvice, IsAcceptedByTheSetters) {
     for (const char* edit :
          {"FG_LINEEXPOSURE=0.1", "FG_LINEPERIODE=0.3", "FG_LINETRIGGERDELAY=-0.01", "FG_LINEPERIODE=3000",
           "FG_SCALINGFACTOR_RED=3.9999", "FG_WIDTH=1022", "FG_IMG_SELECT=200", "FG_PROCESSING_GAMMA=99999",
-          "FG_LINE_DOWNSCALEINIT=9999"}) {
+          "FG_LINE_DOWNSCALEINIT=9999", "FG_CAMERASIMULATOR_LINERATE=\"x\""}) {
         const std::string file = folder / ("edit" + std::to_string(states.size()) + ".mcf");
         run({"save", file});
         const std::string name = std::string(edit).substr(0, std::string(edit).find('='));

@@ -159,6 +159,18 @@ TEST(AppletctlLint, LooksAtWhatALoadOfAFileGives) {
         ASSERT_EQ(findings.size(), 1u) << period << findings.dump(1);
         EXPECT_EQ(findings[0]["rule"], "limits") << period;
     }
+    // A rate is told as a load gives it, and a key as the file has it.
+    for (const auto& [edit, told] :
+         {std::pair("FG_CAMERASIMULATOR_LINERATE=1048.568;",
+                    "FG_CAMERASIMULATOR_LINERATE = 1048.57414887 Hz"),
+          {"fg_height=7;",
+           "fg_height is unknown and was ignored; did you mean FG_HEIGHT? A load takes it in capitals"},
+          {"FG_HEIGHT =7;", "\"FG_HEIGHT \" is unknown and was ignored; did you mean FG_HEIGHT?"}}) {
+        std::string bad = text;
+        bad.replace(bad.find("FG_CAMERASIMULATOR_LINERATE"), 0, std::string(edit) + '\n');
+        support::writeFile(file, bad);
+        EXPECT_TRUE(contains(run({"lint", file}).out, told)) << run({"lint", file}).out;
+    }
     EXPECT_EQ(run({"lint", folder / "none.mcf"}).exitCode, 2);
     EXPECT_EQ(run({"lint", file, "FG_WIDTH=4"}).exitCode, 2);
 }

@@ -256,7 +256,9 @@ TEST_F(AppletctlShell, KeepsItsBoardAndTakesChangesBack) {
     EXPECT_TRUE(
         contains(outcome.out, "FG_DEBUGFILE = \"\"\nFG_WIDTH = 2048 pixel\nFG_LUT_VALUE_RED[100] = 400\n"))
         << outcome.out;
-    EXPECT_TRUE(outcome.out.ends_with("FG_WIDTH = 1024 pixel\nFG_XOFFSET = 0 pixel\n")) << outcome.out;
+    EXPECT_TRUE(outcome.out.ends_with("Undone: set FG_WIDTH=2048 FG_XOFFSET=64 # a comment\n"
+                                      "FG_WIDTH = 1024 pixel\nFG_XOFFSET = 0 pixel\n"))
+        << outcome.out;
 }
 
 TEST_F(AppletctlShell, EndsWithTheFirstLineThatFails) {
@@ -282,7 +284,8 @@ TEST_F(AppletctlShell, EndsWithTheFirstLineThatFails) {
     json set, undone;
     documents >> set >> undone;
     EXPECT_EQ(std::tuple(set["command"], undone["command"]), std::tuple("set", "undo"));
-    EXPECT_EQ(undone["parameters"][0]["value"], 1024);
+    EXPECT_EQ(std::pair(undone["parameters"][0]["value"], undone["undone"]),
+              std::pair(json(1024), json("set FG_WIDTH=64")));
 }
 
 TEST_F(AppletctlShell, CompletesAndRemembersOnATerminal) {
@@ -395,16 +398,19 @@ TEST_F(AppletctlShell, IsSilentWhenNobodyReads) {
                             " 2> err; } | true; cat err'"),
                   "")
             << command;
+    EXPECT_EQ(printedBy("bash -c '{ sleep 0.2; " APPLETCTL_PROGRAM
+                        " run steps; echo $? > code; } | true; cat code'"),
+              "0\n");
 }
 
 TEST(AppletctlConventions, SayWhatIsPossible) {
     const std::pair<Words, const char*> cases[] = {
-        {{"--board", "foo", "list"}, "--board: foo not in {virtual,system}"},
-        {{"list", "--color=blue"}, "blue not in {auto,always,never}"},
+        {{"--board", "foo", "list"}, "--board takes one of virtual, system, and 'foo' is none"},
+        {{"list", "--color=blue"}, "--color takes one of auto, always, never, and 'blue' is none"},
         {{"watch", "FG_WIDTH", "--intervall", "5"},
          "there is no option '--intervall'; did you mean '--interval'?"},
-        {{"watch", "FG_WIDTH", "--interval", "-5"}, "-5 not in range"},
-        {{"completion", "csh"}, "csh not in {bash,zsh,fish}"},
+        {{"watch", "FG_WIDTH", "--interval", "-5"}, "and '-5' is none"},
+        {{"completion", "csh"}, "'csh' is none"},
     };
     for (const auto& [arguments, expected] : cases) {
         const Outcome outcome = run(arguments);

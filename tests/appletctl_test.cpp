@@ -158,6 +158,7 @@ TEST(AppletctlSet, SaysWhyAValueWasRefused) {
          " and the memory of the board; the nearest accepted value is 32257 pixel"},
         {{"FG_CAMERASIMULATOR_SELECT_MODE=FG_PIXEL_FREQUENCY"},
          "not accepted now; no change of another parameter that was tried makes it accepted"},
+        {{"FG_LUT_VALUE_RED[3]=70000"}, "; the nearest accepted value is 65535"},
         {{"FG_CAMERASIMULATOR_PIXEL_FREQUENCY=100"}, "its setter refuses every value that was tried"},
     };
     for (const auto& [assignments, expected] : cases) {
@@ -206,7 +207,7 @@ TEST(Appletctl, CallsWrongUsageByName) {
         {{"set", "FG_DIGIO_OUTPUT=-2147483649"}, "from -2147483648 to 2147483647"},
         {{"set", "FG_LINEPERIODE=nan"}, "'nan' is not a floating point number"},
         {{"set", "FG_VANTAGEPOINT=LEFT"},
-         "did you mean FG_VANTAGEPOINT_TOP_LEFT (0) or FG_VANTAGEPOINT_BOTTOM_LEFT (2)?; the entries are "},
+         "did you mean FG_VANTAGEPOINT_TOP_LEFT (0) or FG_VANTAGEPOINT_BOTTOM_LEFT (2)? The entries are "},
         {{"set", "FG_IMGTRIGGERINSRC=SOFTWARE"}, "did you mean TRGINSOFTWARE (-1)? 'appletctl limits FG_IMG"},
         {{"set", "FG_TRIGGERCAMERA_SOURCE=CAM0_EXSYNC3"}, "did you mean FG_SIGNAL_CAM0_EXSYNC"},
         {{"set", "FG_WIDTH=12us"}, "the unit of the parameter is pixel, and 'us' does not convert to it"},
@@ -237,8 +238,18 @@ TEST(Appletctl, CallsWrongUsageByName) {
         {{"save", "x.mcf", "--offline"}, "'save' needs a board"},
         {{"check", ""}, "the name of the file is empty"},
         {{"diff", "/nowhere/a.mcf"}, "\"/nowhere/a.mcf\" is no file that can be read"},
-        {{"lut", "show", "--channel", "pink"}, "pink not in"},
-        {{"watch", "width", "--interval", "0"}, "Value 0 not in range"},
+        {{"lut", "show", "--channel", "pink"},
+         "--channel takes one of red, green, blue, all, and 'pink' is none"},
+        {{"watch", "width", "--interval", "0"},
+         "--interval takes a number from 1 to 86400000, and '0' is none"},
+        {{"watch", "width", "--interval", "x"},
+         "--interval takes a number from 1 to 86400000, and 'x' is none"},
+        {{"watch", "width", "--interval"}, "--interval: its value is missing"},
+        {{"limits", "width", "--with", "FG_WIDTH=4", "B=2"},
+         "'B=2' is an assignment, and a name is wanted; give --with"},
+        {{"get", std::string(100'000, 'x')}, "xx... (100000 bytes)'"},
+        {{"set", "FG_WIDTH=" + std::string(100'000, 'x')}, "(100000 bytes): "},
+        {{"trace", "diff", "a", "b", "--jsn"}, "there is no option '--jsn'; did you mean '--json'?"},
         {{"events", "--offline"}, "'events' needs a board"},
         {{"lut", "save", ""}, "the name of the file is empty"},
         {{"xml", "--out", ""}, "the name of the file is empty"},
@@ -340,6 +351,31 @@ TEST_F(AppletctlLut, LoadsAndSaysWhatTheBoardReceives) {
     EXPECT_TRUE(contains(run({"lut", "load", fileWith({})}).out, "changed no entry"));
 }
 
+TEST_F(AppletctlLut, RefusesWhatIsNoWholeTable) {
+    const std::string whole = support::fileBytes(fileWith({7, 3, 5, 6}));
+    const std::pair<std::string, const char*> cases[] = {
+        {"", "it is no lookup table file"},
+        {"garbage\n", "it is no lookup table file"},
+        {whole.substr(0, whole.find("[blue]")), "the section [blue] is missing"},
+        {whole.substr(0, whole.size() - 4), "[blue] has 3 of 4 elements"},
+    };
+    for (const auto& [text, message] : cases) {
+        support::writeFile(folder / "bad.lut", text);
+        const Outcome outcome = run({"lut", "load", folder / "bad.lut"});
+        EXPECT_EQ(std::pair(outcome.exitCode, outcome.out), std::pair(1, std::string())) << message;
+        EXPECT_TRUE(contains(outcome.err, message)) << outcome.err;
+    }
+    EXPECT_EQ(run({"lut", "load", "/dev/null"}).exitCode, 1);
+    // When the board refuses a table, the applet is as before.
+    support::writeFile(folder / "x.scenario",
+                       "fail name Device1_Process0_LookupTable_B_LUTcontent -2010\nexpect exit 1 lut load " +
+                           fileWith({7, 3}) +
+                           "\nexpect value FG_LUT_CUSTOM_FILE == ''\n"
+                           "expect value FG_LUT_TYPE == LUT_TYPE_PROCESSING\n");
+    const Outcome outcome = run({"run", folder / "x.scenario"});
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.out << outcome.err;
+}
+
 TEST_F(AppletctlLut, SavesWhatItLoadsAgain) {
     const std::string file = folder / "out.lut";
     const json saved = document({"lut", "save", file, "FG_PROCESSING_GAMMA=0.4", "FG_LUT_VALUE_BLUE[8]=77"});
@@ -370,6 +406,7 @@ TEST_F(AppletctlLut, DrawsCurves) {
     const std::string svg{std::istreambuf_iterator<char>(stream), {}};
     EXPECT_TRUE(contains(svg, "a&lt;&amp;b.lut")) << svg.substr(0, 1000);
     EXPECT_TRUE(contains(svg, "points=\"80,70 81,70 ")) << "red runs along the top";
+    EXPECT_TRUE(contains(svg, ">bars: clipped, 16384 entries of red<"));
     EXPECT_TRUE(contains(svg, "y=\"66\"")) << "the settings take two lines";
     ASSERT_EQ(run({"lut", "plot", file, "FG_PROCESSING_GAIN=2"}).exitCode, 0);
     std::ifstream clipped(file);
@@ -416,9 +453,17 @@ TEST_F(AppletctlConfiguration, ComesBackAsItWasSaved) {
     EXPECT_EQ(loaded.err, "");
     EXPECT_TRUE(contains(loaded.out, "  FG_WIDTH        1024 pixel  2048 pixel\n"));
     EXPECT_TRUE(contains(loaded.out, "  FG_LINEPERIODE  200 µs      150.4 µs\n"));
-    EXPECT_FALSE(contains(loaded.out, "RATE")) << "the counter's next step is not worth a line" << loaded.out;
+    EXPECT_TRUE(
+        contains(loaded.out, "rates move by one of its clock cycles: FG_CAMERASIMULATOR_LINERATE from "))
+        << loaded.out;
     EXPECT_EQ(document({"save", saved})["values"], 114);
     EXPECT_TRUE(contains(run({"save", saved}).out, "All of them are defaults."));
+    for (const char* command : {"load", "plan"})
+        EXPECT_TRUE(
+            run({command, saved}).out.starts_with("Nothing changes but the camera simulator's rates, by one"))
+            << command;
+    EXPECT_TRUE(contains(run({"check", edited("LINERATE=10240.4456642", "LINERATE=1048.568")}).out,
+                         "loses nothing but these digits.\n"));
 }
 
 TEST_F(AppletctlConfiguration, TellsEachLossAndWhy) {
@@ -444,6 +489,12 @@ TEST_F(AppletctlConfiguration, TellsEachLossAndWhy) {
         const json losses = lossesOf(edited(from, to));
         ASSERT_EQ(losses.size(), 1u) << from << losses;
         EXPECT_EQ(losses[0]["kind"], kind) << losses;
+        // What a load takes nothing of is compared with nothing.
+        const bool isWhole = std::string_view(kind) == "file";
+        EXPECT_EQ(run({"diff", folder / "edited.mcf", saved}).exitCode == 2, isWhole) << from;
+        if (isWhole || std::string_view(kind) == "unknown") {
+            EXPECT_TRUE(contains(run({"lint", folder / "edited.mcf"}).out, message)) << from;
+        }
         EXPECT_TRUE(contains(losses[0]["message"], message)) << losses;
     }
     EXPECT_EQ(run({"check", edited("FG_WIDTH=2048", "FG_WIDTH=1022")}).exitCode, 1);
@@ -602,8 +653,7 @@ TEST(AppletctlWatch, GoesOnAfterAFailedRead) {
                      {"--rate", "--alarm-if", "(DRA_FanLevel > 8 || FG_WIDTH == 4) && FG_WIDTH != 5"});
     const Outcome alarmed = run(withAlarm, scriptedRegisters);
     EXPECT_EQ(alarmed.exitCode, 0) << alarmed.err;
-    EXPECT_TRUE(contains(alarmed.out, "\tALARM\n"))
-        << alarmed.out;
+    EXPECT_TRUE(contains(alarmed.out, "\tALARM\n")) << alarmed.out;
     EXPECT_TRUE(contains(alarmed.out, "\tDRA_FanLevel\t2\t\t-")) << alarmed.out;
     EXPECT_GE(rounds[3]["seconds"], 0.03);
 }

@@ -5,7 +5,8 @@
 Each section of a page has a folder of its own. In it, in order: a block marked "KIND file=NAME" becomes that file; in a
 block marked "sh", or in an indented block that starts with "$ ", bash runs each line "$ COMMAND" (a backslash continues
 it). The lines below a command are what it must print; a line "..." is any number of lines, "..." within a line is any text. A
-command ends with 0, or with what a comment behind it says: "# exit 1". A command with the comment "# not run" is left out.
+command ends with 0, or with what a comment behind it says: "# exit 1"; "# until Ctrl-C" is one that has no end. A command
+with the comment "# not run" is left out. Lines that begin with "appletctl> " are typed into the command above them.
 """
 
 import os
@@ -16,9 +17,9 @@ import tempfile
 
 
 def sections(page):
-    """Pairs of title and text of the sections that have a ## title."""
-    parts = re.split(r"^## (.*)$", page, flags=re.MULTILINE)
-    return zip(parts[1::2], parts[2::2])
+    """Pairs of title and text: of what is above the first ## title, and of each section."""
+    parts = ["the top", *re.split(r"^## (.*)$", page, flags=re.MULTILINE)]
+    return zip(parts[::2], parts[1::2])
 
 
 def blocks(text):
@@ -32,7 +33,7 @@ def blocks(text):
 
 
 def commands(content):
-    """Pairs of command and expected lines of a block."""
+    """Lists of command, expected lines and typed lines of a block."""
     found = []
     lines = iter(content.splitlines())
     for line in lines:
@@ -40,7 +41,9 @@ def commands(content):
             command = line[2:]
             while command.endswith("\\"):
                 command = command[:-1] + next(lines)
-            found.append((command, []))
+            found.append((command, [], []))
+        elif line.startswith("appletctl> "):
+            found[-1][2].append(line[len("appletctl> "):])
         else:
             found[-1][1].append(line)
     return found
@@ -58,11 +61,13 @@ def matches(expected, printed):
     return matches(expected[1:], printed[1:])
 
 
-def run(command, expected, folder, environment):
+def run(command, expected, typed, folder, environment):
     """What is wrong with a command; nothing if all is well."""
     code = re.search(r"# exit (\d+)$", command)
+    if command.endswith("# until Ctrl-C"):
+        command = "timeout --signal=INT 1 " + command + "\n[ $? = 124 ]"
     ended = subprocess.run(["bash", "-c", command], cwd=folder, env=environment, text=True, timeout=60,
-                           stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+                           input="\n".join(typed), stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
     wanted = int(code.group(1)) if code else 0
     if ended.returncode == wanted and matches(expected, ended.stdout.splitlines()):
         return ""
@@ -82,11 +87,11 @@ def check_page(page_file, environment):
                 if target:
                     with open(os.path.join(folder, target.group(1)), "w", encoding="utf-8") as file:
                         file.write(content)
-                for command, expected in commands(content) if mark == "sh" else []:
+                for command, expected, typed in commands(content) if mark == "sh" else []:
                     if command.endswith("# not run"):
                         continue
                     count += 1
-                    wrong = run(command, expected, folder, environment)
+                    wrong = run(command, expected, typed, folder, environment)
                     if wrong:
                         failures += 1
                         print(f"{title}:\n{wrong}\n")

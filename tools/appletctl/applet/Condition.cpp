@@ -73,8 +73,8 @@ public:
     }
 
     [[noreturn]] void refuse(const std::string& wanted) const {
-        const std::string there = rest().empty() ? "at its end" : "at '" + printable(rest()) + "'";
-        throw UsageError("'" + printable(m_text) + "', " + there + " (character " + numberText(m_place + 1) +
+        const std::string there = rest().empty() ? "at its end" : "at " + inQuotedWord(rest());
+        throw UsageError(inQuotedWord(m_text) + ", " + there + " (character " + numberText(m_place + 1) +
                          "): " + wanted);
     }
 

@@ -1,9 +1,12 @@
 #include "appletctl/applet/ConfigurationFile.h"
 
+#include "appletctl/applet/Effort.h"
 #include "appletctl/applet/MemoryFile.h"
 #include "appletctl/base/errors.h"
 #include "appletctl/base/files.h"
 #include "appletctl/base/text.h"
+
+#include "vexo/fg_errors.h"
 
 #include <algorithm>
 
@@ -87,13 +90,27 @@ std::string ConfigurationFile::textWith(const Line& line, std::string_view repla
 }
 
 std::string ConfigurationFile::textOfValues() const {
-    std::string text;
+    const std::size_t begin =
+        m_header.size() == 0 ? 0 : static_cast<std::size_t>((*m_header.begin()).text.data() - m_text->data());
+    std::string text(*m_text, 0, begin);
     for (const Line& line : m_header)
         text.append(line.text);
     text.append("\n").append(portSection).append("\n");
     for (const Line& line : m_values)
         text.append(line.text);
     return text;
+}
+
+int loadConfiguration(Instance& instance, const std::string& path) {
+    ++effort().loads;
+    const int code = instance.applet().Fg_loadConfig(instance.fg(), path.c_str());
+    if (code == FG_ERR_FILE_TYPE) return code; // it was not opened
+    LoadHistory& history = instance.loads();
+    if (code == FG_OK) history = {};
+    constexpr std::size_t most = 16;
+    if (auto text = textOfFile(path); text && history.texts.size() < most)
+        history.texts.push_back(std::move(*text));
+    return code;
 }
 
 ConfigurationFile stateOf(Instance& instance) {

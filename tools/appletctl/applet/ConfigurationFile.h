@@ -67,6 +67,9 @@ private:
     Section m_header, m_values;
 };
 
+/** Makes the applet load the file, and notes it. Returns the applet's code. */
+int loadConfiguration(Instance& instance, const std::string& path);
+
 /** What the applet would save now. Throws Failure. */
 ConfigurationFile stateOf(Instance& instance);
 

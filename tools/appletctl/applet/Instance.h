@@ -6,6 +6,9 @@
 #include "appletctl/base/Options.h"
 
 #include <memory>
+#include <set>
+#include <string>
+#include <vector>
 
 namespace appletctl {
 
@@ -17,6 +20,13 @@ void requireBoard(const Options& options, const char* command);
 
 /** Whether an applet is to publish the design's own parameters, whatever the environment says. */
 enum class DesignParameters { asSwitched, published };
+
+/** The configuration files of an applet. A load stores values unchecked that no getter shows and that setters work with,
+ *  so this is a part of its state. */
+struct LoadHistory {
+    std::vector<std::string> texts; /**< the last file that was loaded as a whole, and what failed after it */
+    std::set<int> setSince;         /**< ids of the parameters that were set afterwards */
+};
 
 /** One applet object with a handle that the exported functions take. Throws HostError when a library is not
  *  found and Unavailable when the applet does not come up. */
@@ -42,9 +52,11 @@ public:
     const RegisterInfo* parameterTree();
     /** True when the design's parameters are published although the user has not switched that on. */
     bool isDesignHidden() const { return m_isDesignHidden; }
+    LoadHistory& loads() { return m_loads; }
 
 private:
     bool m_isDesignHidden = false;
+    LoadHistory m_loads;
     std::shared_ptr<const applet_host::AppletHost> m_host;
     std::unique_ptr<applet_host::Session> m_session; // null offline
     applet_host::GrabberHandle m_offline;

@@ -1,11 +1,13 @@
 #include "appletctl/applet/LutTables.h"
 
 #include "appletctl/base/errors.h"
+#include "appletctl/base/files.h"
 #include "appletctl/base/output.h"
 
 #include <unistd.h>
 
 #include <algorithm>
+#include <map>
 #include <set>
 
 namespace appletctl {
@@ -13,14 +15,15 @@ namespace {
 
 struct ColourRow {
     const char* colour;
+    const char* section; // in a file
     const char* parameter;
     const char* design;
 };
 
 constexpr ColourRow colourRows[] = {
-    {"red", "FG_LUT_VALUE_RED", "Device1_Process0_LookupTable_R_LUTcontent"},
-    {"green", "FG_LUT_VALUE_GREEN", "Device1_Process0_LookupTable_G_LUTcontent"},
-    {"blue", "FG_LUT_VALUE_BLUE", "Device1_Process0_LookupTable_B_LUTcontent"},
+    {"red", "[red]", "FG_LUT_VALUE_RED", "Device1_Process0_LookupTable_R_LUTcontent"},
+    {"green", "[green]", "FG_LUT_VALUE_GREEN", "Device1_Process0_LookupTable_G_LUTcontent"},
+    {"blue", "[blue]", "FG_LUT_VALUE_BLUE", "Device1_Process0_LookupTable_B_LUTcontent"},
 };
 
 std::optional<Elements> tableOnBoard(Instance& instance, const char* design, std::uint32_t count) {
@@ -69,7 +72,50 @@ nlohmann::ordered_json clippedAsJson(const Elements& entries, const std::optiona
     return {{"first", range->first}, {"last", range->last}, {"value", entries[range->first]}};
 }
 
+/** Elements "0,VALUE;", "1,VALUE;", ... among the lines, without a gap. */
+std::size_t elementsIn(const std::vector<std::string_view>& lines) {
+    std::size_t count = 0;
+    for (const std::string_view line : lines) {
+        const std::string index = numberText(count) + ",";
+        const std::size_t place = line.find(index);
+        if (place == std::string_view::npos) continue;
+        const std::string_view value = line.substr(place + index.size());
+        if (!wholeNumber<std::int32_t>(value.substr(0, value.find(';')))) break;
+        ++count;
+    }
+    return count;
+}
+
 } // namespace
+
+std::string lutFileTrouble(const std::string& file) {
+    const auto text = textOfFile(file);
+    if (!text) return "it is no regular file";
+    constexpr std::string_view countKey = "nrOfElements=";
+    std::map<std::string_view, std::vector<std::string_view>> sections;
+    std::vector<std::string_view>* section = nullptr;
+    std::optional<std::uint32_t> wanted;
+    for (std::string_view rest = *text; !rest.empty();) {
+        const std::size_t end = std::min(rest.find('\n'), rest.size());
+        const std::string_view line = rest.substr(0, end);
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+        if (const std::size_t key = line.find(countKey); key != std::string_view::npos && !wanted)
+            wanted = wholeNumber<std::uint32_t>(
+                line.substr(key + countKey.size(), line.find(';', key) - key - countKey.size()));
+        for (const ColourRow& row : colourRows)
+            if (line.find(row.section) != std::string_view::npos) section = &sections[row.section];
+        if (section != nullptr) section->push_back(line);
+    }
+    if (!wanted) return "it has no line nrOfElements=NUMBER;, so it is no lookup table file";
+    for (const ColourRow& row : colourRows) {
+        const auto found = sections.find(row.section);
+        if (found == sections.end()) return std::string("the section ") + row.section + " is missing";
+        if (const std::size_t count = elementsIn(found->second); count < *wanted)
+            return std::string(row.section) + " has " + numberText(count) + " of " + numberText(*wanted) +
+                   " elements in ascending order, and the others would be 0";
+    }
+    return "";
+}
 
 bool LutTables::areEqual() const {
     return std::all_of(colours.begin(), colours.end(),
@@ -100,7 +146,8 @@ LutStatistics statisticsOf(const Elements& entries, std::uint32_t largest) {
     const auto atStart = static_cast<std::uint32_t>(clippedLength(entries.begin(), entries.end(), largest));
     const auto atEnd = static_cast<std::uint32_t>(clippedLength(entries.rbegin(), entries.rend(), largest));
     if (atStart > 0) told.atStart = {0, atStart - 1};
-    if (atEnd > 0) told.atEnd = {size - atEnd, size - 1};
+    // A constant table is clipped as a whole, which the start tells.
+    if (atEnd > 0 && atEnd < size) told.atEnd = {size - atEnd, size - 1};
     return told;
 }
 

@@ -28,6 +28,10 @@ struct LutTables {
 };
 
 /** Reads all three tables. Throws Failure when the applet does not give one. */
+/** What is missing of a lookup table file, which the applet reads as zeros without a word: "[green] is missing". Empty
+ *  for a file that is whole. */
+std::string lutFileTrouble(const std::string& file);
+
 LutTables readLutTables(Instance& instance, const ParameterList& parameters);
 
 struct LutStatistics {

@@ -129,7 +129,7 @@ const Parameter& ParameterList::find(std::string_view name) const {
         if (lower == wanted || withoutPrefix(lower) == wanted) found.push_back(&parameter);
     }
     if (found.size() == 1) return *found.front();
-    const std::string shown = "'" + printable(name) + "'";
+    const std::string shown = inQuotedWord(name);
     if (found.empty()) {
         std::vector<std::string> meant;
         for (const Parameter& parameter : m_parameters)
@@ -151,7 +151,7 @@ std::vector<const Parameter*> ParameterList::matching(const std::string& pattern
         if (matches(lowerCase(parameter.name), lowerPattern)) found.push_back(&parameter);
     if (found.empty()) {
         throw UsageError(
-            "no parameter's name matches '" + printable(pattern) + "'" +
+            "no parameter's name matches " + inQuotedWord(pattern) +
             suggestion(isGlob(pattern) ? std::vector<std::string>{} : closestNames(lowerPattern)));
     }
     return found;
@@ -172,7 +172,7 @@ std::vector<const Parameter*> ParameterList::inGroup(const std::string& label) c
         if (isBelow(parameter)) below.push_back(&parameter);
     }
     if (below.empty())
-        throw UsageError("no group is called '" + printable(label) + "'; 'appletctl list' shows the groups");
+        throw UsageError("no group is called " + inQuotedWord(label) + "; 'appletctl list' shows the groups");
     return labelled.empty() ? below : labelled;
 }
 

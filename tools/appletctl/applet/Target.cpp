@@ -75,10 +75,14 @@ std::uint32_t elementCount(const Parameter& parameter) {
 }
 
 Target findTarget(const ParameterList& parameters, std::string_view word) {
+    if (word.find('=') != std::string_view::npos)
+        throw UsageError(inQuotedWord(word) +
+                         " is an assignment, and a name is wanted; give --with before each one, as in "
+                         "'--with A=1 --with B=2'");
     const std::size_t bracket = word.find('[');
     const Parameter& parameter = parameters.find(word.substr(0, bracket));
     if (bracket == std::string_view::npos) return {&parameter};
-    if (!word.ends_with(']')) throw UsageError("'" + printable(word) + "' lacks the ']' at its end");
+    if (!word.ends_with(']')) throw UsageError(inQuotedWord(word) + " lacks the ']' at its end");
     return {&parameter, findElements(parameter, word.substr(bracket + 1, word.size() - bracket - 2))};
 }
 
@@ -92,8 +96,8 @@ std::vector<Target> findTargets(const ParameterList& parameters, const std::vect
         const std::size_t before = targets.size();
         addReadable(parameters.matching(word), targets);
         if (targets.size() == before)
-            throw UsageError("a read takes something from the board of all that match '" + printable(word) +
-                             "': give their full names to read them");
+            throw UsageError("a read takes something from the board of all that match " + inQuotedWord(word) +
+                             ": give their full names to read them");
     }
     return targets;
 }

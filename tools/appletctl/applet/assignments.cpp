@@ -55,7 +55,7 @@ std::vector<Assignment> parseAssignments(const ParameterList& parameters, const 
     for (const std::string& word : words) {
         const std::size_t equals = word.find('=');
         if (equals == 0 || equals == std::string::npos)
-            throw UsageError("'" + printable(word) + "' is not of the form NAME=VALUE");
+            throw UsageError(inQuotedWord(word) + " is not of the form NAME=VALUE");
         const Target target = findTarget(parameters, word.substr(0, equals));
         const std::string text = word.substr(equals + 1);
         assignments.push_back({target, text, parseValue(target, text)});
@@ -106,7 +106,8 @@ void applyAssignments(Instance& instance, const Assignment& assignment, const As
         report.text += outcomeLine(target, assignment.value, actual);
         if (hooks.after) more = hooks.after(assignment, row);
     } else {
-        std::string refusal = target.name() + "=" + printable(asked) +
+        constexpr std::size_t mostBytes = 200;
+        std::string refusal = target.name() + "=" + shortened(printable(asked), mostBytes) +
                               " was refused: " + refusalInWords(parameter, assignment.value, code);
         if (!lines.empty()) report.text += forPerson(target.name() + ", written before it was refused\n");
         row["error"] = codeAsJson(code);
@@ -115,8 +116,9 @@ void applyAssignments(Instance& instance, const Assignment& assignment, const As
         report.problems.push_back(std::move(refusal));
         report.exitCode = exitRefused;
     }
+    const bool isNamed = hooks.areWritesNamed && isPlainOutput();
     for (const std::string& line : lines)
-        report.text += accessLine(line);
+        report.text += (isNamed ? target.name() + '\t' : "") + accessLine(line);
     report.text += more;
     report.document["assignments"].push_back(std::move(row));
 }

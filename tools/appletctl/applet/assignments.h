@@ -27,6 +27,8 @@ nlohmann::ordered_json requestedAsJson(const Assignment& assignment);
 struct AssignmentHooks {
     /** Gives the lines of what was written to the design since it was last asked. */
     std::function<std::vector<std::string>()> takeWrites = {};
+    /** Of records of these lines: the parameter that was set stands in front. */
+    bool areWritesNamed = false;
     /** True for an assignment that is only to be told, not to be carried out. */
     std::function<bool(const Assignment&)> isLeftOut = {};
     /** Called behind each assignment that was taken; adds to its row and gives more text. */

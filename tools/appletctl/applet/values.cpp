@@ -65,7 +65,8 @@ std::optional<std::int32_t> entryByName(const Parameter& parameter, const std::s
 }
 
 [[noreturn]] void refuseText(const Target& target, const std::string& text, const std::string& reason) {
-    throw UsageError(target.name() + "=" + printable(text) + ": " + reason);
+    constexpr std::size_t mostBytes = 100;
+    throw UsageError(target.name() + "=" + shortened(printable(text), mostBytes) + ": " + reason);
 }
 
 /** The text without its unit: "0.25ms" is "0.25e3" for a parameter in µs. */
@@ -87,7 +88,7 @@ template <typename Integer> Integer parseInteger(const Target& target, const std
     using Limits = std::numeric_limits<Integer>;
     const std::string unit = target.parameter->unit();
     refuseText(target, text,
-               "'" + printable(shown) + "' is not a whole number from " + numberText(Limits::min()) + " to " +
+               inQuotedWord(shown) + " is not a whole number from " + numberText(Limits::min()) + " to " +
                    numberText(Limits::max()) + " (decimal or 0x..." +
                    (unit.empty() ? ")" : ", in " + unit + ")"));
 }
@@ -96,7 +97,7 @@ double parseDouble(const Target& target, const std::string& text) {
     if (const auto number = floatingNumber(inOwnUnit(target, text))) return *number;
     const std::string unit = target.parameter->unit();
     refuseText(target, text,
-               "'" + printable(text) + "' is not a floating point number (such as 19.5 or 1e-3" +
+               inQuotedWord(text) + " is not a floating point number (such as 19.5 or 1e-3" +
                    (unit.empty() ? ")" : ", in " + unit + ")"));
 }
 
@@ -117,7 +118,8 @@ std::string entriesNear(const Parameter& parameter, const std::string& text) {
     }
     const std::string nearest = didYouMean(shown);
     if (nearest.empty() || entries.size() <= few)
-        return nearest + "; the entries are " + entriesText(parameter);
+        return nearest + (nearest.empty() ? "; the entries are " : " The entries are ") +
+               entriesText(parameter);
     return nearest + " 'appletctl limits " + parameter.name + "' shows all " + numberText(entries.size()) +
            " entries";
 }
@@ -126,7 +128,7 @@ std::int32_t parseEntry(const Target& target, const std::string& text) {
     if (const auto value = entryByName(*target.parameter, text)) return *value;
     if (const auto number = wholeNumber<std::int32_t>(text)) return *number;
     refuseText(target, text,
-               "'" + printable(text) + "' is neither an entry nor a number" +
+               inQuotedWord(text) + " is neither an entry nor a number" +
                    entriesNear(*target.parameter, text));
 }
 
@@ -214,7 +216,7 @@ int writeValue(Instance& instance, const Target& target, const Value& value) {
     const auto set = [&](const void* place, FgParamTypes tag) {
         return instance.applet().Fg_setParameterWithType(instance.fg(), target.parameter->id, place, 0, tag);
     };
-    return std::visit(
+    const int code = std::visit(
         [&](auto native) { // a copy: the record of a run has no constant pointer
             using T = std::decay_t<decltype(native)>;
             if constexpr (isNumber<T>) return set(&native, tagOf<T>());
@@ -224,6 +226,9 @@ int writeValue(Instance& instance, const Target& target, const Value& value) {
             return static_cast<int>(FG_ERR_NOT_SUPPORTED); // a whole array: parseValue gives none
         },
         value);
+    if (code == FG_OK && !instance.loads().texts.empty())
+        instance.loads().setSince.insert(target.parameter->id);
+    return code;
 }
 
 Value parseValue(const Target& target, const std::string& text) {

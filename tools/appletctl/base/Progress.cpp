@@ -6,16 +6,41 @@
 
 #include <unistd.h>
 
+#include <csignal>
 #include <iostream>
+#include <string_view>
+#include <utility>
 
 namespace appletctl {
 
 using namespace std::chrono_literals;
 
+namespace {
+
+constexpr std::string_view eraseLine = "\r\033[K";
+
+void eraseAndEnd(int signal) {
+    // Nothing can be done where the terminal does not take it.
+    [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, eraseLine.data(), eraseLine.size());
+    std::signal(signal, SIG_DFL);
+    std::raise(signal);
+}
+
+/** Lets Ctrl-C erase the line, where it ends the program at once; false where somebody else waits for it. */
+bool takeInterruption() {
+    struct sigaction before {};
+    if (sigaction(SIGINT, nullptr, &before) != 0 || before.sa_handler != SIG_DFL) return false;
+    return std::signal(SIGINT, eraseAndEnd) != SIG_ERR;
+}
+
+} // namespace
+
 Progress::Progress(std::string title) : m_title(std::move(title)), m_isWanted(isProgressWanted()) {}
 
 Progress::~Progress() {
-    if (m_isShown) std::cerr << "\r\033[K" << std::flush;
+    if (!m_isShown) return;
+    std::cerr << eraseLine << std::flush;
+    if (m_endsBySignal) std::signal(SIGINT, SIG_DFL);
 }
 
 std::chrono::milliseconds Progress::interval() const { return m_isWanted ? 100ms : -1ms; }
@@ -23,7 +48,7 @@ std::chrono::milliseconds Progress::interval() const { return m_isWanted ? 100ms
 void Progress::update() {
     const auto passed = std::chrono::steady_clock::now() - m_start;
     if (!m_isWanted || passed < 500ms) return;
-    m_isShown = true;
+    if (!std::exchange(m_isShown, true)) m_endsBySignal = takeInterruption();
     std::string line = m_title + (m_detail.empty() ? "" : " " + m_detail) + ", " +
                        numberText(std::chrono::duration_cast<std::chrono::seconds>(passed).count()) + " s";
     // The line must not reach the next row, which would not be erased.

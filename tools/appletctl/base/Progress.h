@@ -28,6 +28,7 @@ private:
     std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
     bool m_isWanted;
     bool m_isShown = false;
+    bool m_endsBySignal = false; // Ctrl-C ends the program; else it is awaited elsewhere
 };
 
 } // namespace appletctl

@@ -110,13 +110,20 @@ bool Table::fitWithout(Layout& layout, std::size_t width) const {
 }
 
 Table::Layout Table::layoutFor(std::size_t width) const {
-    Layout layout{.columns = measured(), .hidden = {}};
+    const Layout complete{.columns = measured(), .hidden = {}};
+    Layout above = complete;
+    above.isFirstAbove = true;
+    if (!above.columns.empty()) above.columns.front().isShown = false;
+    const bool canBeAbove = titles() != nullptr && titles()->size() > 2;
+    const std::size_t widthBelow = width - std::min(width, gap);
+    Layout layout = complete;
+    if (fit(layout.columns, width)) return layout;
+    layout = above;
+    if (canBeAbove && fit(layout.columns, widthBelow)) return layout;
+    layout = complete;
     if (fitWithout(layout, width)) return layout;
-    if (titles() != nullptr && titles()->size() > 2) {
-        layout = {.columns = measured(), .hidden = {}, .isFirstAbove = true};
-        layout.columns.front().isShown = false;
-        if (fitWithout(layout, width - std::min(width, gap))) return layout;
-    }
+    layout = above;
+    if (canBeAbove && fitWithout(layout, widthBelow)) return layout;
     layout.isStacked = true;
     return layout;
 }

@@ -10,8 +10,8 @@ namespace appletctl {
 
 class Style;
 
-/** Columns are as wide as their widest cell. Where the line has less room, cells fold at blanks; then columns go that may
- *  go; then the first cell moves above the others; then each cell gets a line of its own. */
+/** Columns are as wide as their widest cell. Where the line has less room, cells fold at blanks; then the first cell
+ *  moves above the others; then columns go that may go; then each cell gets a line of its own. */
 class Table {
 public:
     /** Names of the columns, shown above all. */

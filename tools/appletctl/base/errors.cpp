@@ -14,7 +14,8 @@ struct CodeRow {
 };
 
 constexpr CodeRow codeRows[] = {
-    {FG_ERR_PARSER, "FG_ERR_PARSER", "a file could not be parsed"},
+    {FG_ERR_PARSER, "FG_ERR_PARSER",
+     "no number where one was wanted, or a failure of the runtime or the board without a reason"},
     {FG_ERR_NOT_AVAILABLE, "FG_ERR_NOT_AVAILABLE", "read-only, or not available in the runtime"},
     {FG_ERR_INIT, "FG_ERR_INIT", "the design could not be loaded or the board not initialised"},
     {FG_ERR_BUFFER, "FG_ERR_BUFFER", "buffer too small or out of memory"},

@@ -21,11 +21,20 @@ std::size_t secondColumn(std::string_view line) {
     return second == std::string_view::npos ? second : displayWidth(line.substr(0, second));
 }
 
+/** As far in as the longest word leaves room, but a little in any case. */
+std::size_t withRoomFor(std::string_view line, std::size_t indent, std::size_t width) {
+    constexpr std::size_t least = 2;
+    std::size_t longest = 0;
+    for (const std::string& word : foldedLines(line.substr(line.find_first_not_of(' ')), 1))
+        longest = std::max(longest, displayWidth(word));
+    return std::clamp(width - std::min(width, longest), std::min(least, indent), indent);
+}
+
 std::size_t hangingIndent(std::string_view line, std::size_t width) {
     const std::size_t second = secondColumn(line);
-    if (second != std::string_view::npos && second <= width / 2) return second;
+    if (second != std::string_view::npos && second <= width / 2) return withRoomFor(line, second, width);
     const std::size_t indent = line.find_first_not_of(' ') + 2;
-    return indent <= width / 2 ? indent : 0;
+    return indent <= width / 2 ? withRoomFor(line, indent, width) : 0;
 }
 
 std::string wrappedLine(std::string_view line, std::size_t width) {

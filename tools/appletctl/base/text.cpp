@@ -104,6 +104,11 @@ std::string shortened(const std::string& text, std::size_t mostBytes) {
     return text.substr(0, end) + "... (" + std::to_string(text.size()) + " bytes)";
 }
 
+std::string inQuotedWord(std::string_view word) {
+    constexpr std::size_t mostBytes = 100;
+    return "'" + shortened(printable(word), mostBytes) + "'";
+}
+
 std::string lowerCase(std::string_view text) {
     std::string lower(text);
     for (char& c : lower)
@@ -121,6 +126,10 @@ std::string join(const std::vector<std::string>& parts, std::string_view separat
 }
 
 std::size_t editDistance(std::string_view a, std::string_view b) {
+    // How far such unlike words are apart is of no use, and their table takes time.
+    constexpr std::size_t farthest = 64;
+    const std::size_t least = std::max(a.size(), b.size()) - std::min(a.size(), b.size());
+    if (least > farthest) return least;
     std::vector<std::size_t> row(b.size() + 1);
     std::iota(row.begin(), row.end(), std::size_t{0});
     for (std::size_t i = 0; i < a.size(); ++i) {

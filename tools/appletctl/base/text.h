@@ -25,11 +25,15 @@ std::size_t displayWidth(std::string_view text);
 /** The beginning of a UTF-8 text that is longer than so many bytes, with its length in brackets. */
 std::string shortened(const std::string& text, std::size_t mostBytes);
 
+/** A word that the user has typed, printable, in single quotes; of a very long one the beginning. */
+std::string inQuotedWord(std::string_view word);
+
 std::string lowerCase(std::string_view text);
 
 std::string join(const std::vector<std::string>& parts, std::string_view separator);
 
-/** Number of single characters to insert, remove or replace to make `a` into `b`. */
+/** Number of single characters to insert, remove or replace to make `a` into `b`; at least so many where the lengths
+ *  differ much. */
 std::size_t editDistance(std::string_view a, std::string_view b);
 
 /** The candidates that a user may have meant by the word, the likeliest first, at most three. Case and the prefix

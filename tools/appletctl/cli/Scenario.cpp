@@ -19,27 +19,27 @@ namespace {
 const Relation& relationFrom(const std::string& word) {
     const Relation* relation = relationAt(word);
     if (relation != nullptr && relation->symbol == word) return *relation;
-    throw UsageError("'" + printable(word) + "' is none of " + relationsInWords());
+    throw UsageError(inQuotedWord(word) + " is none of " + relationsInWords());
 }
 
 double numberFrom(const std::string& word) {
     if (const auto number = floatingNumber(word)) return *number;
-    throw UsageError("'" + printable(word) + "' is no number");
+    throw UsageError(inQuotedWord(word) + " is no number");
 }
 
 template <typename Integer> Integer wholeFrom(const std::string& word) {
     if (const auto number = wholeNumber<Integer>(word)) return *number;
-    throw UsageError("'" + printable(word) + "' is no whole number that is possible here");
+    throw UsageError(inQuotedWord(word) + " is no whole number that is possible here");
 }
 
 int codeOf(const std::string& word) {
     if (const auto code = codeFrom(word)) return *code;
-    throw UsageError("'" + printable(word) + "' is neither a number nor a code such as FG_ERR_OUT_OF_RANGE");
+    throw UsageError(inQuotedWord(word) + " is neither a number nor a code such as FG_ERR_OUT_OF_RANGE");
 }
 
 void checkOneOf(const std::string& word, const Words& possible) {
     if (std::ranges::find(possible, word) == possible.end())
-        throw UsageError("'" + printable(word) + "' is none of " + join(possible, ", ") +
+        throw UsageError(inQuotedWord(word) + " is none of " + join(possible, ", ") +
                          didYouMean(nearestWords(word, possible)));
 }
 
@@ -114,8 +114,8 @@ std::string expectEvent(ScenarioRunner& station, const Step& step) {
     const auto& applet = station.instance().applet();
     const std::uint64_t mask = applet.Fg_getEventMask(station.instance().fg(), step.words[0].c_str());
     if (mask == 0)
-        throw UsageError("there is no event '" + printable(step.words[0]) +
-                         "': 'appletctl events' shows them");
+        throw UsageError("there is no event " + inQuotedWord(step.words[0]) +
+                         ": 'appletctl events' shows them");
     const std::int64_t count = applet.Fg_getStatusEx(station.instance().fg(), VBOARD_STATUS_EVENTS,
                                                      static_cast<std::intptr_t>(mask), 0, nullptr);
     const bool holds =
@@ -245,7 +245,7 @@ const StepKind* kindOf(const Words& words) {
             possible.push_back("'" + usageOf(kind) + "'");
     }
     if (possible.empty()) return nullptr;
-    throw UsageError("the words behind '" + printable(words.front()) + "' are not known" +
+    throw UsageError("the words behind " + inQuotedWord(words.front()) + " are not known" +
                      didYouMean(nearestKinds(words)) + "; possible are " + join(possible, ", "));
 }
 
@@ -261,7 +261,7 @@ Request requestOf(const Words& words, Options options) {
         request.outcome.problems.empty() ? "this asks for help" : request.outcome.problems.front();
     const std::string near = didYouMean(nearestKinds(words));
     throw UsageError(
-        (near.empty() ? why : "there is no step or command '" + printable(words.front()) + "'" + near) +
+        (near.empty() ? why : "there is no step or command " + inQuotedWord(words.front()) + near) +
         "; a step is a command, or one of " + join(names, ", "));
 }
 

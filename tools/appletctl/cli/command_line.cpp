@@ -105,6 +105,25 @@ Request tracedRequest(const Request& trace) {
     return request;
 }
 
+/** The request of "trace diff": its words are files, and options of the program. */
+Request comparison(Request request) {
+    const Words words(request.words.begin() + 1, request.words.end());
+    request.words.clear();
+    CLI::App program("", "appletctl trace diff");
+    program.set_help_flag("-h,--help", "Show this help");
+    addGlobalOptions(program, request.options);
+    program.add_option("FILE", request.words)->expected(0, CLI::detail::expected_max_vector_size);
+    try {
+        program.parse(Words(words.rbegin(), words.rend()));
+        return request;
+    } catch (const CLI::CallForHelp&) {
+        return parseCommandLine({"trace", "--help"}, request.options);
+    } catch (const CLI::ParseError& error) {
+        request.options.json |= std::ranges::find(words, "--json") != words.end();
+        return {request.options, nullptr, {}, endParsing(program, error)};
+    }
+}
+
 } // namespace
 
 std::string nameOf(const Request& request) {
@@ -154,8 +173,7 @@ Request parseCommandLine(const Words& words, const Options& options) {
     }
     if (request.command == nullptr || request.command->kind != Command::Kind::prefix) return request;
     if (request.words.empty() || request.words.front() != "diff") return tracedRequest(request);
-    request.words.erase(request.words.begin());
-    return request;
+    return comparison(std::move(request));
 }
 
 } // namespace appletctl

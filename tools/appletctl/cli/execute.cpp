@@ -1,5 +1,6 @@
 #include "appletctl/cli/execute.h"
 
+#include "appletctl/applet/ConfigurationFile.h"
 #include "appletctl/applet/assignments.h"
 #include "appletctl/base/Stopwatch.h"
 #include "appletctl/base/text.h"
@@ -91,9 +92,9 @@ void requireReadable(const std::string& file, Context& context) {
     for (const Parameter& parameter : context.parameters().all())
         if (lowerCase(parameter.name) == lowerCase(file) ||
             lowerCase(parameter.name) == "fg_" + lowerCase(file))
-            throw UsageError("'" + printable(file) +
-                             "' is a parameter, and a file or an assignment is wanted: say " +
-                             parameter.name + "=VALUE");
+            throw UsageError(inQuotedWord(file) +
+                             " is a parameter, and a file or an assignment is wanted: say " + parameter.name +
+                             "=VALUE");
     throw UsageError(inQuotes(toUtf8(file.c_str())) + " is no file that can be read: " + reason);
 }
 
@@ -140,7 +141,7 @@ private:
     void bringAbout(const WithOption& with) {
         Instance& instance = m_context.instance();
         if (!with.file.empty()) {
-            const int code = instance.applet().Fg_loadConfig(instance.fg(), with.file.c_str());
+            const int code = loadConfiguration(instance, with.file);
             if (code < 0)
                 throw Failure("--from: '" + toUtf8(with.file.c_str()) +
                               "' was not loaded: " + codeInWords(code));

@@ -1,5 +1,7 @@
 #include "appletctl/cli/help.h"
 
+#include "appletctl/base/layout.h"
+#include "appletctl/base/output.h"
 #include "appletctl/base/text.h"
 
 #include <algorithm>
@@ -10,8 +12,8 @@ namespace appletctl {
 const char* const accessWords =
     "Access: ro read-only, rw writable, rw+ writable while an acquisition runs as well.";
 
-const char* const exitCodes = "Exit codes: 0 done; 1 refused, different or something found; 2 wrong usage or "
-                              "a file that cannot be read; "
+const char* const exitCodes = "Exit codes: 0 done; 1 refused, different, something found, or a file that "
+                              "cannot be written; 2 wrong usage or a file that cannot be read; "
                               "3 applet, runtime or board not to be had; 130 interrupted.";
 
 const char* const boardNotes = "Without --board system, each run starts a fresh virtual board with the "
@@ -22,16 +24,23 @@ const char* const boardNotes = "Without --board system, each run starts a fresh 
 
 namespace {
 
-constexpr std::size_t lineWidth = 80;
 constexpr std::size_t helpColumn = 28;
+
+/** A longer line is hard to read. */
+std::size_t helpWidth() {
+    constexpr std::size_t usual = 80, most = 100;
+    const std::size_t width = outputWidth();
+    return width == unlimitedWidth ? usual : std::min(width, most);
+}
 
 /** The words of the text in lines; `begin` stands in the first one, the others are indented. */
 std::string wrapped(const std::string& begin, const std::string& text, std::size_t indent) {
     std::string lines = begin, line;
     std::istringstream words(text);
     const std::string margin(indent, ' ');
+    const std::size_t width = helpWidth();
     for (std::string word; words >> word;) {
-        if (!line.empty() && indent + displayWidth(line) + 1 + displayWidth(word) > lineWidth) {
+        if (!line.empty() && indent + displayWidth(line) + 1 + displayWidth(word) > width) {
             lines += line + '\n' + margin;
             line.clear();
         }
@@ -190,7 +199,8 @@ std::string helpText(const CLI::App& app) {
 std::string shellHelp() {
     std::string text = "Each line is a command with its words, on one board:\n\n";
     for (const Command* command : allCommands())
-        if (command->kind != Command::Kind::session && !isHidden(*command)) text += entry(fullName(*command), command->help);
+        if (command->kind != Command::Kind::session && !isHidden(*command))
+            text += entry(fullName(*command), command->help);
     text += "\nOf the shell itself:\n";
     text += entry("undo", "Take back what the last command that changed something has changed");
     text += entry("help [COMMAND]", "This list, or examples and options of a command");
@@ -212,6 +222,46 @@ std::string commandSuggestion(const CommandGroup* group, const std::string& word
     return "; there are " + join(names, ", ");
 }
 
+namespace {
+
+/** The text between the two; empty where they are not there. */
+std::string between(const std::string& text, const std::string& from, const std::string& to) {
+    const std::size_t begin = text.find(from);
+    if (begin == std::string::npos) return "";
+    const std::size_t end = text.find(to, begin + from.size());
+    return end == std::string::npos ? "" : text.substr(begin + from.size(), end - begin - from.size());
+}
+
+/** What is wrong with the value of an option, in words of this program; empty for what is not known. The text is
+ *  "--interval: Value 0 not in range 1 to 86400000" or the like. */
+std::string optionError(const CLI::ParseError& error) {
+    const std::string text = error.what();
+    const std::size_t colon = text.find(':');
+    const std::string option = text.substr(0, colon);
+    const std::string number = between(text, "Could not convert: ", " = ");
+    if (!number.empty())
+        return number + " takes a number, and " + inQuotedWord(text.substr(text.find(" = ") + 3)) +
+               " is none";
+    if (colon == std::string::npos) return "";
+    const std::string behind = text.substr(colon + 1);
+    if (const std::string word = between(behind, " ", " not in {"); !word.empty()) {
+        std::string choices = between(behind, "{", "}");
+        for (std::size_t comma = 0; (comma = choices.find(',', comma)) != std::string::npos; ++comma)
+            choices.insert(comma + 1, " ");
+        return option + " takes one of " + choices + ", and " + inQuotedWord(word) + " is none";
+    }
+    const std::string outside = " not in range ";
+    if (const std::size_t place = behind.find(outside); place != std::string::npos)
+        return option + " takes a number from " + behind.substr(place + outside.size()) + ", and " +
+               inQuotedWord(between(behind, "Value ", outside)) + " is none";
+    if (behind.find("required") != std::string::npos && behind.find("missing") != std::string::npos)
+        return option + ": its value is missing";
+    if (behind.find("At Most 1") != std::string::npos) return option + " takes one value, and there are more";
+    return "";
+}
+
+} // namespace
+
 std::string usageError(const CLI::App& program, const CLI::App& app, const CLI::ParseError& error) {
     const std::vector<std::string> unknown = program.remaining(true);
     const std::string name = fullNameOf(app);
@@ -219,27 +269,21 @@ std::string usageError(const CLI::App& program, const CLI::App& app, const CLI::
         const std::string& word = unknown.front();
         if (word.size() > 1 && word.starts_with('-')) {
             const std::string nearest = nearestOption(app, word.substr(0, word.find('=')));
-            return "there is no option '" + printable(word.substr(0, word.find('='))) + "'" +
+            return "there is no option " + inQuotedWord(word.substr(0, word.find('='))) +
                    (nearest.empty() ? seeHelp(name) : "; did you mean '" + nearest + "'?");
         }
         const Command* command = commandOf(app);
         if (command == nullptr) {
             const CommandGroup* group = groupNamed(app.get_name());
             const std::string above = group != nullptr ? std::string(group->name) + " " : "";
-            return "there is no command '" + above + printable(word) + "'" + commandSuggestion(group, word);
+            return "there is no command " + inQuotedWord(above + word) + commandSuggestion(group, word);
         }
         return argumentName(*command) + " takes " +
-               (command->argument != nullptr ? "no more words" : "no words") + ", and there is '" +
-               printable(word) + "'" + seeHelp(name);
+               (command->argument != nullptr ? "no more words" : "no words") + ", and there is " +
+               inQuotedWord(word) + seeHelp(name);
     }
-    if (dynamic_cast<const CLI::ConversionError*>(&error) != nullptr) {
-        const std::string text = error.what(); // "Could not convert: --interval = abc"
-        const std::size_t begin = text.find("--"), equals = text.find(" = ");
-        if (begin != std::string::npos && equals != std::string::npos && begin < equals)
-            return text.substr(begin, equals - begin) + " takes a number, and '" +
-                   printable(text.substr(equals + 3)) + "' is none" + seeHelp(name);
-    }
-    return printable(error.what()) + seeHelp(name);
+    const std::string own = optionError(error);
+    return (own.empty() ? printable(error.what()) : own) + seeHelp(name);
 }
 
 void checkWordCount(const Command& command, const Words& words) {
@@ -248,8 +292,8 @@ void checkWordCount(const Command& command, const Words& words) {
     if (count < command.fewest)
         throw UsageError(argumentName(command) + ": " + command.argument + " is missing" + help);
     if (command.most >= 0 && count > command.most)
-        throw UsageError(argumentName(command) + " takes one " + command.argument + ", and there is '" +
-                         printable(words[static_cast<std::size_t>(command.most)]) + "' as well" + help);
+        throw UsageError(argumentName(command) + " takes one " + command.argument + ", and there is " +
+                         inQuotedWord(words[static_cast<std::size_t>(command.most)]) + " as well" + help);
 }
 
 namespace {
@@ -262,7 +306,7 @@ Report showHelp(Context& context, const Words& words) {
         if (fullName(*command) == name) found = command;
     const CommandGroup* group = words.size() == 1 ? groupNamed(name) : nullptr;
     if (!words.empty() && found == nullptr && group == nullptr)
-        throw UsageError("there is no command '" + printable(name) + "'" +
+        throw UsageError("there is no command " + inQuotedWord(name) +
                          commandSuggestion(groupNamed(words.front()), words.back()));
     report.text = group != nullptr ? parseCommandLine({group->name, "--help"}).outcome.text
                                    : context.program().helpOf(found);

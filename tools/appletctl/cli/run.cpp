@@ -13,6 +13,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <cmath>
 #include <filesystem>
@@ -102,7 +103,7 @@ Report runScenario(Context& context, const Words& words) {
         tests[i] = doStep(station, steps[i]);
         report.notes.push_back("line " + numberText(steps[i].line) + ": " +
                                numberText(std::round(tests[i].seconds * 1e4) / 10) + " ms");
-        if (isPrinted && !writeOut(stepLine(steps[i], tests[i]))) goesOn = false; // nobody reads it
+        if (isPrinted && !writeOut(stepLine(steps[i], tests[i]))) goesOn = !own.junitFile.empty(); // unread
         if (tests[i].outcome != Outcome::failed) continue;
         report.problems.push_back(file + ":" + numberText(steps[i].line) + ": " + printable(steps[i].text) +
                                   ": " + tests[i].message);
@@ -111,6 +112,8 @@ Report runScenario(Context& context, const Words& words) {
     }
     if (interruption.isAsked()) report.exitCode = exitInterrupted;
     addSummary(report, file, steps, tests);
+    // Here, where a reader that is gone is no signal.
+    report.isPrinted = isPrinted && (writeOut(laidOut(report)) || errno == EPIPE);
     if (own.junitFile.empty()) return report;
     try {
         writeFile(own.junitFile, junitDocument(std::filesystem::path(file).stem(), tests));

@@ -35,7 +35,7 @@ public:
             return show(failureReport("usage", "a quote is not closed", exitUsage), "", m_options, place);
         if (line.words.size() == 1 && first == "undo")
             return show(m_history.undo(), "undo", m_options, place);
-        if (first != "help") return applyAssignments(parseLine(line.words, m_options), place);
+        if (first != "help") return applyAssignments(parseLine(line.words, m_options), place, text);
         if (line.words.size() == 1) return show(ownHelp(), "help", m_options, place);
         Words words(line.words.begin() + 1, line.words.end());
         words.emplace_back("--help");
@@ -58,10 +58,11 @@ public:
     }
 
 private:
-    ExitCode applyAssignments(const Request& request, const std::string& place) {
+    ExitCode applyAssignments(const Request& request, const std::string& place,
+                              const std::string& line = "") {
         const Interruption interruption;
         setOutputMode(request.options);
-        if (request.command != nullptr) m_history.begin();
+        if (request.command != nullptr) m_history.begin(line);
         Report report = execute(request, m_context);
         if (interruption.isAsked()) report.exitCode = exitInterrupted;
         const ExitCode code = show(std::move(report), nameOf(request), request.options, place);

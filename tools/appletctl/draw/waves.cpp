@@ -15,25 +15,32 @@ namespace {
 
 constexpr std::size_t usualColumns = 60, fewestColumns = 12, mostColumns = 120;
 
-/** Columns for the time from 0 to the end, beside names of this width. */
-std::size_t columnsFor(std::size_t nameWidth, std::size_t lineWidth) {
+/** Columns for so many periods, beside names of this width: as many for each. */
+std::size_t columnsFor(std::size_t nameWidth, std::size_t lineWidth, std::size_t periods) {
     if (lineWidth == unlimitedWidth) return usualColumns;
     constexpr std::size_t blanks = 4, lastNumber = 10; // which is written behind the last column
     const std::size_t taken = nameWidth + blanks + lastNumber;
-    return std::clamp(lineWidth - std::min(lineWidth, taken), fewestColumns, mostColumns);
+    const std::size_t columns =
+        std::clamp(lineWidth - std::min(lineWidth, taken), fewestColumns, mostColumns);
+    return periods > 0 && periods <= columns ? columns - columns % periods : columns;
 }
 
 std::size_t columnOf(double time, double end, std::size_t columns) {
     return static_cast<std::size_t>(std::lround(time / end * static_cast<double>(columns)));
 }
 
-/** Level of each column; each pulse has one at least. */
+/** Level of each column. Pulses of one length have as many columns, two at least, and one at least is left before the
+ *  next one. */
 std::vector<bool> levelsOf(const Wave& wave, double end, std::size_t columns) {
     std::vector<bool> levels(columns, wave.isActiveLow);
-    for (const Pulse& pulse : *wave.active) {
+    for (std::size_t i = 0; i < wave.active->size(); ++i) {
+        const Pulse& pulse = (*wave.active)[i];
         const std::size_t first = std::min(columnOf(pulse.start, end, columns), columns - 1);
-        const std::size_t last = std::max(columnOf(pulse.end, end, columns), first + 1);
-        for (std::size_t column = first; column < last; ++column)
+        const std::size_t next =
+            i + 1 < wave.active->size() ? columnOf((*wave.active)[i + 1].start, end, columns) : columns + 1;
+        const std::size_t length = std::max<std::size_t>(2, columnOf(pulse.end - pulse.start, end, columns));
+        const std::size_t last = std::clamp(first + length, first + 1, std::max(first + 1, next - 1));
+        for (std::size_t column = first; column < std::min(last, columns); ++column)
             levels[column] = !wave.isActiveLow;
     }
     return levels;
@@ -97,7 +104,8 @@ std::string wavesText(const std::vector<Wave>& waves, double end, double period,
     std::size_t width = 0;
     for (const Wave& wave : waves)
         width = std::max(width, displayWidth(wave.name));
-    const std::size_t columns = columnsFor(width, lineWidth);
+    const std::size_t columns =
+        columnsFor(width, lineWidth, static_cast<std::size_t>(std::lround(end / period)));
     std::string text;
     for (const Wave& wave : waves) {
         if (!wave.active) {

@@ -9,15 +9,16 @@
 #include <cmath>
 #include <cstring>
 #include <optional>
+#include <set>
 
 namespace appletctl {
 
 namespace {
 
-/** Sets the parameter if it holds something else; true if it took the value. */
-bool bring(Instance& instance, const Parameter& parameter, const json& wanted) {
+/** Sets the parameter if it holds something else, or in any case; true if it took the value. */
+bool bring(Instance& instance, const Parameter& parameter, const json& wanted, bool inAnyCase = false) {
     const Target target = wholeOf(parameter);
-    return !holds(instance, parameter, wanted) &&
+    return (inAnyCase || !holds(instance, parameter, wanted)) &&
            writeValue(instance, target, requestFor(parameter, fromMessage(target, wanted))) == FG_OK;
 }
 
@@ -114,7 +115,7 @@ void storeByLoad(Instance& instance, const Wanted& wanted) {
     if (!isEdited) return;
     const MemoryFile file;
     file.write(state->text());
-    instance.applet().Fg_loadConfig(instance.fg(), file.configurationPath().c_str());
+    loadConfiguration(instance, file.configurationPath());
     bringAbout(instance, wanted); // a load computes the tables anew
 }
 
@@ -134,7 +135,33 @@ json designOf(Instance& instance) {
 }
 
 json boardStateOf(Instance& instance, const ParameterList& parameters) {
-    return {{"design", designOf(instance)}, {"values", valuesOf(instance, parameters)}};
+    return {{"design", designOf(instance)},
+            {"values", valuesOf(instance, parameters)},
+            {"loads", loadsOf(instance)}};
+}
+
+json loadsOf(Instance& instance) {
+    json texts = json::array();
+    for (const std::string& text : instance.loads().texts)
+        texts.push_back(asBytes(text));
+    return {{"texts", texts}, {"setSince", instance.loads().setSince}};
+}
+
+void loadAgain(Instance& instance, const Wanted& wanted, const json& loads) {
+    if (loads.at("texts").empty()) return;
+    bringAbout(instance,
+               wanted); // a set afterwards, of what the load leaves alone, would store the value anew
+    for (const json& text : loads.at("texts")) {
+        const MemoryFile file;
+        file.write(bytesOf(text));
+        loadConfiguration(instance, file.configurationPath());
+    }
+    const auto setSince = loads.at("setSince").get<std::set<int>>();
+    for (const auto& [parameter, value] : wanted) {
+        const bool isMode = parameter->kind() == REGISTER_KIND_ENUM;
+        if (!isMode && value->is_number() && setSince.contains(parameter->id))
+            bring(instance, *parameter, *value, true);
+    }
 }
 
 } // namespace appletctl

@@ -42,13 +42,20 @@ void bringAbout(Instance& instance, const Wanted& wanted);
  *  a configuration file takes them unchecked. */
 void storeByLoad(Instance& instance, const Wanted& wanted);
 
+/** The files that were loaded, as a message: {"texts": [BYTES], "setSince": [ID]}. */
+json loadsOf(Instance& instance);
+
+/** Loads the files of such a message, and sets what was set behind them: those values may be stored otherwise than
+ *  the file has them, and read the same. */
+void loadAgain(Instance& instance, const Wanted& wanted, const json& loads);
+
 /** True when the parameter reads as this value. */
 bool holds(Instance& instance, const Parameter& parameter, const json& wanted);
 
 /**
- * What the live applet tells of itself: {"design": {NAME: VALUE}, "values": {NAME: VALUE}}. "design" holds the
- * answers of the design, such as the widths of its memory, its formats and debug points. What a read would change
- * is left out.
+ * What the live applet tells of itself: {"design": {NAME: VALUE}, "values": {NAME: VALUE}, "loads": ...}. "design"
+ * holds the answers of the design, such as the widths of its memory, its formats and debug points. What a read would
+ * change is left out.
  */
 json boardStateOf(Instance& instance, const ParameterList& parameters);
 

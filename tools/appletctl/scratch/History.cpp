@@ -81,9 +81,10 @@ History::Moment History::now() {
     return moment;
 }
 
-void History::begin() {
+void History::begin(const std::string& line) {
     try {
         m_begin = now();
+        m_begin->line = line;
     } catch (const std::runtime_error&) { // no applet, which the command then says
         m_begin.reset();
     }
@@ -136,8 +137,19 @@ Report History::undo() {
     return reportOf(before, wanted);
 }
 
+/** True for a rate of the simulator that a load of a file has moved by one cycle of its clock. */
+bool History::isNextCycle(const std::string& name, const Moment& before, const Moment& wanted) {
+    constexpr const char *line = "FG_CAMERASIMULATOR_LINERATE", *frame = "FG_CAMERASIMULATOR_FRAMERATE";
+    if (name != line && name != frame) return false;
+    const Target target{&m_context.parameters().find(line)};
+    return areNeighbours(*target.parameter, fromMessage(target, before.values.at(line)),
+                         fromMessage(target, wanted.values.at(line)));
+}
+
 Report History::reportOf(const Moment& before, const Moment& wanted) {
     Report report;
+    report.document["undone"] = toUtf8(wanted.line.c_str());
+    report.text = forPerson("Undone: " + printable(toUtf8(wanted.line.c_str())) + "\n");
     const Moment reached = now();
     auto& rows = report.document["parameters"] = nlohmann::ordered_json::array();
     for (const std::string& name : differingNames(before.values, wanted.values)) {
@@ -145,7 +157,8 @@ Report History::reportOf(const Moment& before, const Moment& wanted) {
         const Target target = {&m_context.parameters().find(name)};
         const ReadResult reading = readValue(m_context.instance(), target);
         rows.push_back(readingAsJson(target, reading));
-        report.text += name + " = " + valueWithUnit(*target.parameter, reading.value) + '\n';
+        if (isNextCycle(name, before, wanted)) continue;
+        report.text += valueLine(target, reading.value);
     }
     if (rows.empty())
         for (const std::string& name : differingNames(before.design, reached.design))

@@ -17,8 +17,9 @@ class History {
 public:
     explicit History(Context& context) : m_context(context) {}
 
-    /** To be called before a command and after it. What it has changed becomes a step that can be undone. */
-    void begin();
+    /** To be called before a command, with its line, and after it. What it has changed becomes a step that can be
+     *  undone. */
+    void begin(const std::string& line);
     void end();
 
     /** Takes the last step back. */
@@ -29,14 +30,16 @@ private:
      *  since they move by themselves. */
     struct Moment {
         json values;
-        json design; // none where it cannot be read, as offline
-        json access; // {NAME: BITS}
+        json design;        // none where it cannot be read, as offline
+        json access;        // {NAME: BITS}
+        std::string line{}; // the command that followed
     };
 
     Moment now();
     const std::set<std::string>& settable();
     Wanted wantedValues(const Moment& moment);
     void rewrite(const Wanted& wanted, bool withModes);
+    bool isNextCycle(const std::string& name, const Moment& before, const Moment& wanted);
     Report reportOf(const Moment& before, const Moment& wanted);
 
     Context& m_context;

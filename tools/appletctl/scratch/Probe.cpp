@@ -1,5 +1,6 @@
 #include "appletctl/scratch/Probe.h"
 
+#include "appletctl/applet/hardware_values.h"
 #include "appletctl/base/text.h"
 
 #include "vexo/fg_errors.h"
@@ -117,7 +118,7 @@ ParameterState Probe::currentState(std::size_t place) const {
 int Probe::answer(const Target& target, const Value& value) {
     const Value before = readValue(m_session.instance(), target).value;
     const int code = writeValue(m_session.instance(), target, value);
-    if (code == FG_OK) writeValue(m_session.instance(), target, before);
+    if (code == FG_OK) writeValue(m_session.instance(), target, requestFor(*target.parameter, before));
     return code;
 }
 
@@ -128,7 +129,7 @@ bool Probe::tryChange(const Change& change, const std::function<void()>& look) {
     ++m_depth;
     if (code == FG_OK) look();
     --m_depth;
-    if (code == FG_OK) writeValue(m_session.instance(), target, before);
+    if (code == FG_OK) writeValue(m_session.instance(), target, requestFor(*target.parameter, before));
     if (readValue(m_session.instance(), target).value != before) restore();
     return code == FG_OK;
 }

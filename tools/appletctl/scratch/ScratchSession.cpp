@@ -69,7 +69,10 @@ void ScratchSession::rewind() {
     logWrites(*m_instance);
 }
 
-void ScratchSession::keep() { m_seed["values"] = valuesOf(*m_instance, *m_parameters); }
+void ScratchSession::keep() {
+    m_seed["values"] = valuesOf(*m_instance, *m_parameters);
+    m_seed["loads"] = loadsOf(*m_instance);
+}
 
 const json& ScratchSession::defaults() {
     if (!m_defaults.is_null()) return m_defaults;
@@ -87,6 +90,8 @@ void ScratchSession::prepareBoard(LOOMdevice* device) {
 
 void ScratchSession::setValues() {
     const Wanted wanted = wantedFrom(*m_parameters, m_seed.at("values"));
+    if (const auto loads = m_seed.find("loads"); loads != m_seed.end())
+        loadAgain(*m_instance, wanted, *loads);
     bringAbout(*m_instance, wanted);
     storeByLoad(*m_instance, wanted);
     m_assumed.clear();

@@ -42,7 +42,7 @@ void addRange(Probe& probe, const Subject& subject, const Value& wanted, Refusal
         found.limit = "its setter refuses every value that was tried, the present one included";
         return;
     }
-    if (!subject.elements) found.nearest = nearestIn(*range, wanted);
+    found.nearest = nearestIn(*range, wanted);
     const auto end = exceededEnd(*range, wanted);
     if (!end) return;
     const LimitCauses causes = causesOf(probe, subject, *range, *end);
@@ -74,7 +74,7 @@ RefusalCauses findCauses(Probe& probe, const Assignment& assignment, ordered_jso
         probe.waysTo(subject.place, [&] { return probe.answer(subject.in(probe), value) == FG_OK; }));
     if (wanted) addRange(probe, subject, *wanted, found, row);
     row["acceptedWith"] = found.acceptedWith;
-    if (found.nearest) addValue(row["nearest"], subject.in(probe), *found.nearest);
+    if (found.nearest) addValue(row["nearest"], {&probe.at(subject.place)}, *found.nearest);
     return found;
 }
 

@@ -179,7 +179,8 @@ std::string asText(const std::string& name, const Dependencies& found) {
             table.addRow({title, effect.parameter, effect.move.what,
                           effect.move.from + " -> " + effect.move.to + " with " + effect.with});
         if (effects->all().empty() && (found.isTried() || effects == &found.movers))
-            table.addRow({title, "nothing was seen to move"});
+            table.addRow({title, effects == &found.movers ? "no other parameter that was tried"
+                                                          : "nothing that was seen"});
     }
     for (const std::string& write : found.writes)
         table.addRow({"writes", write});

@@ -14,6 +14,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <set>
 
 namespace appletctl {
 namespace {
@@ -209,8 +210,9 @@ json limitsJob(ScratchSession& session, const json& arguments) {
     startFrom(session, arguments);
     Probe probe(session);
     std::vector<Subject> subjects;
+    std::set<std::string> seen;
     for (const Target& target : findTargets(session.parameters(), arguments.at("names").get<Words>()))
-        subjects.push_back(subjectOf(probe, target));
+        if (seen.insert(target.name()).second) subjects.push_back(subjectOf(probe, target));
     for (const Subject& subject : subjects) {
         session.tellProgress(rows.size(), subjects.size());
         LimitsReport answer(probe, subject);

@@ -80,6 +80,7 @@ Report planAssignments(ScratchSession& session, const Words& words) {
     std::vector<ParameterState> facts = factsOf(session);
     AssignmentHooks hooks;
     hooks.takeWrites = [&] { return takeWrites(session.instance()); };
+    hooks.areWritesNamed = true;
     hooks.isLeftOut = [](const Assignment& assignment) { return assignment.target.parameter->writesFile(); };
     hooks.after = [&](const Assignment& assignment, ordered_json& row) {
         DesignSnapshot now(session);
@@ -199,7 +200,7 @@ Report planFile(ScratchSession& session, const std::string& file, bool areAllWri
     const LoadOutcome outcome = loadAndCompare(session, keys, file);
     const ConfigurationFile now(outcome.state);
     if (addDifferences(report, {{"BEFORE", "before", &state}, {"AFTER", "after", &now}}, session.parameters(),
-                       keys, NextCycle::same) == 0)
+                       keys, NextCycle::remark) == 0)
         report.text += forPerson("Nothing would change.\n");
     std::set<std::string> changed;
     for (const ordered_json& row : report.document["differences"])

@@ -65,15 +65,18 @@ WhyReport whyRefused(Probe& probe, const Assignment& assignment) {
     return answer;
 }
 
-WhyReport whyReadOnly(Probe& probe, std::size_t place) {
+WhyReport whyReadOnly(Probe& probe, const Target& target) {
     WhyReport answer;
+    const std::size_t place = probe.placeOf(*target.parameter);
     const ParameterState facts = probe.facts(place);
     const std::string access = accessWord(probe.at(place));
-    answer.row = {{"name", probe.at(place).name}, {"access", access}, {"writable", isWritable(facts.access)}};
-    answer.table.addSubject(probe.at(place).name);
-    if (facts.error == FG_OK) {
-        answer.table.addRow({"now", valueWithUnit(probe.at(place), facts.value)});
-        addValue(answer.row, {&probe.at(place)}, facts.value);
+    answer.row = {{"name", target.name()}, {"access", access}, {"writable", isWritable(facts.access)}};
+    answer.table.addSubject(target.name());
+    const ReadResult now = target.elements ? readValue(probe.session().instance(), target)
+                                           : ReadResult{.error = facts.error, .value = facts.value};
+    if (now.error == FG_OK) {
+        answer.table.addRow({"now", valueWithUnit(probe.at(place), now.value)});
+        addValue(answer.row, target, now.value);
     }
     if (isWritable(facts.access)) {
         answer.table.addRow({access, access == "rw+" ? "writable, also while an acquisition runs"
@@ -113,7 +116,7 @@ json whyJob(ScratchSession& session, const json& arguments) {
             const Assignment assignment = parseAssignments(session.parameters(), {word}).front();
             answer = whyRefused(probe, assignment);
         } else {
-            answer = whyReadOnly(probe, probe.placeOf(session.parameters().find(word)));
+            answer = whyReadOnly(probe, findTarget(session.parameters(), word));
         }
         report.text +=
             (report.text.empty() ? "" : "\n") + answer.table.render(Style::forStream(STDOUT_FILENO));

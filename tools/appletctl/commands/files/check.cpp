@@ -31,8 +31,10 @@ Report checkConfiguration(Context& context, const Words& words) {
     // A virtual board is no other than the scratch board itself.
     const bool isSystem = context.options().board == BoardKind::system && !context.options().offline;
     append(report, askCheck(isSystem ? context.scratchAtDefaults() : context.bareScratch(), file).report);
+    const std::size_t rounded = report.document["findings"].size(); // the rest would be losses
     if (report.exitCode == exitDone)
-        report.text += forPerson("A load of " + shownFile(file) + " loses nothing.\n");
+        report.text += forPerson("A load of " + shownFile(file) +
+                                 (rounded == 0 ? " loses nothing.\n" : " loses nothing but these digits.\n"));
     if (isSystem || context.options().offline) addAssumed(report, context.assumed());
     return report;
 }

@@ -61,6 +61,8 @@ std::size_t addDifferences(Report& report, const std::vector<Side>& sides, const
         titles.push_back(side.title);
     Table table;
     table.setTitles(titles);
+    std::size_t shown = 0;
+    Words cycles;
     for (const auto& line : keys.defaults().values()) {
         const Parameter& parameter = parameters.find(line.key);
         std::vector<std::optional<std::string>> values;
@@ -69,17 +71,25 @@ std::size_t addDifferences(Report& report, const std::vector<Side>& sides, const
         const bool areSame = std::ranges::all_of(
             values, [&](const auto& value) { return isSame(parameter, values.front(), value); });
         if (areSame || !keys.isReadByLoad(line.key)) continue;
-        if (nextCycle == NextCycle::same && isNextCycle(parameters, line.key, sides)) continue;
         std::vector<std::string> cells{parameter.name};
         nlohmann::ordered_json row = {{"name", parameter.name}, {"unit", parameter.unit()}};
         for (std::size_t i = 0; i < sides.size(); ++i) {
             cells.push_back(cell(parameter, values[i]));
             row[sides[i].member] = asJson(parameter, values[i]);
         }
-        table.addRow(cells);
         rows.push_back(std::move(row));
+        if (nextCycle == NextCycle::remark && !isPlainOutput() && isNextCycle(parameters, line.key, sides)) {
+            cycles.push_back(cells[0] + " from " + cells[1] + " to " + cells[2]);
+            continue;
+        }
+        table.addRow(cells);
+        ++shown;
     }
-    if (!rows.empty() || isPlainOutput()) report.text += table.render(Style::forStream(STDOUT_FILENO));
+    if (shown > 0 || isPlainOutput()) report.text += table.render(Style::forStream(STDOUT_FILENO));
+    if (!cycles.empty())
+        report.text += std::string(shown == 0 ? "Nothing changes but the camera simulator's rates,"
+                                              : "The camera simulator's rates move") +
+                       " by one of its clock cycles: " + join(cycles, ", ") + ".\n";
     return rows.size();
 }
 
@@ -96,19 +106,28 @@ json differencesJob(ScratchSession& session, const json& arguments) {
                          files[i] ? &*files[i] : nullptr});
     Report report;
     FileKeys keys(session);
+    for (const Side& side : sides) {
+        const bool isFile = side.member == "first" || side.member == "second";
+        const std::string trouble = isFile ? wholeFileTrouble(session, keys, *side.file) : "";
+        if (!trouble.empty())
+            throw UsageError("no load takes the file " + inQuotes(side.title) + ": " + trouble);
+    }
     addDifferences(report, sides, session.parameters(), keys,
-                   arguments.at("isNextCycleSame").get<bool>() ? NextCycle::same : NextCycle::differs);
+                   arguments.at("isNextCycleRemark").get<bool>() ? NextCycle::remark : NextCycle::row);
     return asMessage(report);
 }
 
 std::size_t askDifferences(Report& report, const std::vector<Side>& sides, ScratchBoard& scratch,
                            NextCycle nextCycle) {
-    json arguments = {{"sides", json::array()}, {"isNextCycleSame", nextCycle == NextCycle::same}};
-    for (const Side& side : sides)
+    json arguments = {{"sides", json::array()}, {"isNextCycleRemark", nextCycle == NextCycle::remark}};
+    for (const Side& side : sides) {
+        json text;
+        if (side.file != nullptr) // a carriage return may stand outside of the values
+            text = asBytes(side.file->text().find('\r') != std::string::npos ? side.file->text()
+                                                                             : side.file->textOfValues());
         arguments["sides"].push_back(
-            {{"title", side.title},
-             {"member", side.member},
-             {"text", side.file != nullptr ? asBytes(side.file->textOfValues()) : json()}});
+            {{"title", side.title}, {"member", side.member}, {"text", std::move(text)}});
+    }
     append(report, reportOf(scratch.ask("differences", arguments)));
     return report.document["differences"].size();
 }

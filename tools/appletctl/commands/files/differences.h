@@ -19,8 +19,9 @@ struct Side {
     const ConfigurationFile* file; // null: the defaults
 };
 
-/** What a rate of the simulator counts as that is one cycle away from a saved one: a load of a file takes it there. */
-enum class NextCycle { differs, same };
+/** How a rate of the simulator is told that is one cycle away from a saved one, as a load of the file takes it there: as a
+ *  row like others, or behind the table in one line. */
+enum class NextCycle { row, remark };
 
 /** Compares what a load would read, on the scratch board; measurements and what is saved for the reader only are
  *  left out. Adds the table to the text and "differences" to the document. Returns their number. */
@@ -29,7 +30,7 @@ std::size_t addDifferences(Report& report, const std::vector<Side>& sides, const
 
 /** The same, asked of a scratch board. */
 std::size_t askDifferences(Report& report, const std::vector<Side>& sides, ScratchBoard& scratch,
-                           NextCycle nextCycle = NextCycle::differs);
+                           NextCycle nextCycle = NextCycle::row);
 
 } // namespace appletctl
 

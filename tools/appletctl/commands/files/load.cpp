@@ -32,7 +32,7 @@ void addStrict(CLI::App& command, Options& options) {
                      "Load nothing if anything of the file would be lost");
 }
 
-Report loadConfiguration(Context& context, const Words& words) {
+Report loadFile(Context& context, const Words& words) {
     requireBoard(context.options(), "load");
     const std::string& file = fileOf(words);
     CommandRun work(context, behindFirst(words));
@@ -46,10 +46,10 @@ Report loadConfiguration(Context& context, const Words& words) {
         return work.report;
     }
     const ConfigurationFile before = stateOf(work.instance);
-    const int code = work.instance.applet().Fg_loadConfig(work.instance.fg(), file.c_str());
+    const int code = loadConfiguration(work.instance, file);
     const ConfigurationFile now = stateOf(work.instance);
     if (askDifferences(work.report, {{"BEFORE", "before", &before}, {"NOW", "now", &now}}, scratch,
-                       NextCycle::same) == 0)
+                       NextCycle::remark) == 0)
         work.report.text += forPerson("Nothing has changed.\n");
     append(work.report, check.report);
     addSurprises(work, check, code, now, scratch);
@@ -71,7 +71,7 @@ const Command loadCommand = {
     .fileSuffix = ".mcf",
     .fewest = 1,
     .most = -1,
-    .run = loadConfiguration,
+    .run = loadFile,
     .scratch = Context::Scratch::wanted,
     .addOptions = addStrict,
     .sets = Command::Sets::always,

@@ -1,6 +1,5 @@
 #include "appletctl/commands/files/loading.h"
 
-#include "appletctl/applet/Effort.h"
 #include "appletctl/applet/access_log.h"
 #include "appletctl/applet/assignments.h"
 #include "appletctl/applet/hardware_values.h"
@@ -13,14 +12,10 @@
 
 #include <algorithm>
 #include <string_view>
+#include <utility>
 
 namespace appletctl {
 namespace {
-
-int load(Instance& instance, const std::string& file) {
-    ++effort().loads;
-    return instance.applet().Fg_loadConfig(instance.fg(), file.c_str());
-}
 
 /** Why a load takes nothing from a file of this header; empty if the header is as it should be. */
 std::string headerTrouble(const ConfigurationFile& asked, FileKeys& keys) {
@@ -97,26 +92,28 @@ private:
         const MemoryFile other;
         other.write(m_asked.textWith(line, parameter.name + "=-12345.678;\n"));
         const std::string before = onTrial(line.key);
-        load(m_session.instance(), other.configurationPath());
+        loadConfiguration(m_session.instance(), other.configurationPath());
         const bool isUnmoved = onTrial(line.key) == before;
-        load(m_session.instance(), m_path);
+        loadConfiguration(m_session.instance(), m_path);
         return isUnmoved;
     }
 
     /** `change` is empty for a value that reads back although it was refused. */
-    static Finding refusal(const Parameter& parameter, const Value& value, int code,
-                           const std::string& change) {
+    Finding refusal(const Parameter& parameter, const Value& value, int code, const std::string& change) {
         const std::string why = refusalInWords(parameter, value, code);
         if (!change.empty()) return {"refused", parameter.name, change + ": refused: " + why};
-        return {"kept", parameter.name,
-                parameter.name + ": " + valueWithUnit(parameter, value) + " was refused: " + why +
-                    ". It reads back all the same, and setters of other parameters work with it"};
+        return {
+            "kept", parameter.name,
+            parameter.name + ": " + valueWithUnit(parameter, value) + " was refused: " + why +
+                "; it reads back all the same" +
+                (std::exchange(m_isExplained, true) ? "" : ", and setters of other parameters work with it")};
     }
 
     ScratchSession& m_session;
     const std::string& m_path;
     const ConfigurationFile& m_asked;
     const ConfigurationFile& m_state;
+    bool m_isExplained = false; // what a kept value means; it is the same for all
 };
 
 std::vector<Finding> missingKeys(const ConfigurationFile& asked, const ConfigurationFile& state,
@@ -132,16 +129,30 @@ std::vector<Finding> missingKeys(const ConfigurationFile& asked, const Configura
     return findings;
 }
 
+/** "; did you mean FG_WIDTH?" for a key that no load reads; "" where nothing is near. */
+std::string nearestKey(const ParameterList& parameters, const std::string& key) {
+    const std::size_t begin = key.find_first_not_of(" \t");
+    if (begin == std::string::npos) return "";
+    const std::string word = key.substr(begin, key.find_last_not_of(" \t") + 1 - begin);
+    try {
+        return didYouMean({parameters.find(word).name}) +
+               " A load takes it in capitals and without blanks only";
+    } catch (const UsageError& error) {
+        const std::string words = error.what();
+        const std::size_t nearest = words.find("; did you mean ");
+        return nearest != std::string::npos ? words.substr(nearest) : "";
+    }
+}
+
 Finding unknownKey(const ParameterList& parameters, std::string_view key) {
     constexpr std::size_t mostBytes = 100;
     const std::string name = shortened(toUtf8(std::string(key).c_str()), mostBytes);
-    std::string why;
-    try {
-        why = "no load reads " + parameters.find(name).name;
-    } catch (const UsageError& error) {
-        why = error.what();
-    }
-    return {"unknown", name, printable(name) + " was ignored: " + why};
+    const std::string shown =
+        name.find_first_of(" \t") != std::string::npos ? inQuotes(name) : printable(name);
+    const bool isParameter =
+        std::ranges::find(parameters.all(), key, &Parameter::name) != parameters.all().end();
+    if (isParameter) return {"unknown", name, shown + " was ignored: no load reads it"};
+    return {"unknown", name, shown + " is unknown and was ignored" + nearestKey(parameters, name)};
 }
 
 } // namespace
@@ -155,7 +166,7 @@ bool FileKeys::isReadByLoad(std::string_view key) {
     if (line == nullptr) line = m_defaults.values().find(key);
     if (line == nullptr) return false;
     m_file.write(m_defaults.textWith(*line, ""));
-    return load(m_instance, m_file.configurationPath()) != FG_OK;
+    return loadConfiguration(m_instance, m_file.configurationPath()) != FG_OK;
 }
 
 namespace {
@@ -199,7 +210,7 @@ void addReached(ScratchSession& session, const ConfigurationFile& asked, const C
     const MemoryFile other;
     other.write(asked.textWith(*line, old->text));
     session.rewind();
-    load(session.instance(), other.configurationPath());
+    loadConfiguration(session.instance(), other.configurationPath());
     finding.reached = DesignSnapshot(session).changesTo(loaded);
     if (finding.reached.empty()) {
         finding.message += "; nothing of it has reached the board";
@@ -222,7 +233,7 @@ void addCauses(ScratchSession& session, const std::string& file, const Configura
         if (line == nullptr || (finding.kind != "refused"sv && finding.kind != "kept"sv) || left-- <= 0)
             continue;
         session.rewind();
-        load(session.instance(), file);
+        loadConfiguration(session.instance(), file);
         session.keep();
         const Parameter& parameter = session.parameters().find(finding.key);
         const auto value = valueInFile(parameter, std::string(line->value));
@@ -245,12 +256,24 @@ std::optional<Finding> wholeFileFinding(int code, const ConfigurationFile& asked
 
 } // namespace
 
+std::string wholeFileTrouble(ScratchSession& session, FileKeys& keys, const ConfigurationFile& asked) {
+    if (const std::string trouble = headerTrouble(asked, keys); !trouble.empty()) return trouble;
+    const MemoryFile file;
+    file.write(asked.text());
+    const bool isTaken = loadConfiguration(session.instance(), file.configurationPath()) == FG_OK;
+    const bool isMissingOnly =
+        !isTaken && std::ranges::any_of(keys.defaults().values(), [&](const auto& line) {
+            return asked.values().find(line.key) == nullptr && keys.isReadByLoad(line.key);
+        });
+    return isTaken || isMissingOnly ? "" : "its lines must not end in a carriage return";
+}
+
 LoadOutcome loadAndCompare(ScratchSession& session, FileKeys& keys, const std::string& file) {
     LoadOutcome outcome;
     const ConfigurationFile before = stateOf(session.instance());
     const DesignSnapshot picture(session);
     takeWrites(session.instance());
-    outcome.code = load(session.instance(), file);
+    outcome.code = loadConfiguration(session.instance(), file);
     outcome.writes = takeWrites(session.instance());
     const DesignSnapshot loaded(session);
     outcome.changes = picture.changesTo(loaded);

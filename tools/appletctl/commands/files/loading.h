@@ -57,6 +57,9 @@ struct LoadOutcome {
     std::vector<ParameterState> facts{}; /**< of all parameters */
 };
 
+/** Why a load takes nothing of the file; empty where it takes something. */
+std::string wholeFileTrouble(ScratchSession& session, FileKeys& keys, const ConfigurationFile& asked);
+
 /** Loads the file into the scratch board and looks what came of it; the board is not put back. */
 LoadOutcome loadAndCompare(ScratchSession& session, FileKeys& keys, const std::string& file);
 

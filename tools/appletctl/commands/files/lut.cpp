@@ -209,6 +209,8 @@ namespace {
 
 Report loadLut(Context& context, const Words& words) {
     const std::string& file = fileOf(words);
+    if (const std::string trouble = lutFileTrouble(file); !trouble.empty())
+        throw Failure(shownFile(file) + " was not loaded: " + trouble);
     CommandRun work(context, behindFirst(words));
     if (work.isRefused()) return work.report;
     const LutTables before = tablesOf(work);
@@ -227,7 +229,7 @@ Report loadLut(Context& context, const Words& words) {
     work.report.text +=
         forPerson(shownFile(file) + (isChanged ? " was loaded.\n"
                                                : " was loaded and changed no entry: it holds the same "
-                                                 "tables, or none that the applet can read.\n"));
+                                                 "tables.\n"));
     work.report.text +=
         forPerson(settingsText(work) + "\n\n") + statisticsText(tables) + forPerson(blueOnTheBoard);
     return work.report;

@@ -299,7 +299,7 @@ void addWatchOptions(CLI::App& command, Options& options) {
         return std::string(text.empty() ? "the condition is empty" : "");
     };
     constexpr int longestInterval = 24 * 60 * 60 * 1000;
-    command.add_option("--interval", own.interval, "Milliseconds from round to round")
+    command.add_option("--interval", own.interval, "Milliseconds from round to round, 1000 if not given")
         ->type_name("MS")
         ->check(CLI::Range(1, longestInterval));
     command.add_option("--count", own.count, "Number of rounds; without it the watch has no end")

@@ -12,6 +12,7 @@
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/files/loading.h"
 #include "appletctl/commands/jobs.h"
+#include "appletctl/scratch/CommandRun.h"
 #include "appletctl/scratch/measured_range.h"
 #include "appletctl/scratch/refusal.h"
 #include "appletctl/scratch/reports.h"
@@ -98,6 +99,9 @@ public:
     bool isProposed(const std::string& name) const {
         return std::ranges::find(m_proposals, name, &Proposal::name) != m_proposals.end();
     }
+
+    /** Brings the session back to the state, after a rule has tried values. */
+    void goBack() { m_goBack(); }
 
     /** To be called at the end, as it tries values. */
     const json& findings() {
@@ -395,7 +399,7 @@ Effect effectOf(State& state, const Parameter& parameter) {
     const auto other =
         writesOf(state, target, fromMessage(target, state.session().defaults()[parameter.name]));
     const bool follows = state.value(parameter.name) != now;
-    const auto back = writesOf(state, target, now);
+    const auto back = writesOf(state, target, requestFor(parameter, now));
     if (!other || !back) return Effect::unknown;
     if (!follows) return Effect::computed;
     const bool areTables = std::ranges::any_of(
@@ -430,10 +434,11 @@ void withoutEffect(State& state) {
                       "'appletctl why " + parameter.name + "' tells what stands against it");
         }
     }
-    if (!simulator.empty())
-        state.add("no-effect", simulator,
-                  "The simulator's settings were changed, and the images come from the camera",
-                  "Set FG_CAMERASIMULATOR_ENABLE=FG_CAMERASIMULATOR to use it");
+    if (simulator.empty()) return;
+    state.goBack();
+    state.add("no-effect", simulator,
+              "The simulator's settings were changed, and the images come from the camera",
+              "Set FG_CAMERASIMULATOR_ENABLE=FG_CAMERASIMULATOR to use it");
 }
 
 using Rule = void (*)(State& state);
@@ -457,10 +462,40 @@ LoadOutcome tryLoad(ScratchSession& session, const std::string& file) {
     return outcome;
 }
 
+/** Many missing keys in one finding; false where they are few. */
+bool addMissing(State& state, const LoadOutcome& outcome) {
+    constexpr std::size_t few = 3;
+    Words names;
+    for (const Finding& finding : outcome.findings)
+        if (finding.kind == std::string_view("missing")) names.push_back(finding.key);
+    if (names.size() <= few) return false;
+    const Words first(names.begin(), names.begin() + few);
+    state.add("load", {}, {numberText(names.size()) + " keys"}, json::array(),
+              join(first, ", ") + " and " + numberText(names.size() - few) +
+                  " more are missing: a load leaves them as they were",
+              "'appletctl check' names them all");
+    return true;
+}
+
+/** What a finding is about that has no value of a parameter; empty for the others. */
+std::string subjectWithoutValue(const Finding& finding, const std::string& path) {
+    const std::string_view kind = finding.kind;
+    if (finding.key.empty()) return shownFile(path);
+    if (kind == "unknown") return "the key " + inQuotes(toUtf8(finding.key.c_str()));
+    return kind == "missing" ? finding.key + " is not in the file" : "";
+}
+
 /** What the load makes of the file, where the state itself does not show it. */
 void addLosses(State& state, const LoadOutcome& outcome, const std::string& path) {
     const ConfigurationFile file = ConfigurationFile::read(path);
+    const bool isMissed = addMissing(state, outcome);
     for (const Finding& finding : outcome.findings) {
+        if (isMissed && finding.kind == std::string_view("missing")) continue;
+        if (const std::string subject = subjectWithoutValue(finding, path); !subject.empty()) {
+            state.add("load", {}, {subject}, json::array(), finding.message,
+                      "'appletctl check' tells all that is lost");
+            continue;
+        }
         if (!finding.isLoss || state.isProposed(finding.key)) continue;
         const std::string text = file.value(finding.key).value_or("");
         const Words names = {toUtf8(finding.key.c_str())};
@@ -483,7 +518,7 @@ json lintJob(ScratchSession& session, const json& arguments) {
     const std::string file = arguments.value("file", "");
     const auto goBack = [&] {
         session.rewind();
-        if (!file.empty()) session.instance().applet().Fg_loadConfig(session.instance().fg(), file.c_str());
+        if (!file.empty()) loadConfiguration(session.instance(), file);
     };
     if (!file.empty()) {
         outcome = tryLoad(session, file);
@@ -492,13 +527,21 @@ json lintJob(ScratchSession& session, const json& arguments) {
     State state(session, goBack);
     for (const Rule rule : rules)
         rule(state);
-    if (!file.empty() && outcome.code == FG_OK) addLosses(state, outcome, file);
+    if (!file.empty()) addLosses(state, outcome, file);
     return {{"loaded", outcome.code}, {"findings", state.findings()}};
 }
 
 json findingsOf(Context& context, const std::string& file) {
     return context.scratch().ask("lint", {{"file", file}});
 }
+
+namespace {
+
+std::string asSentence(const std::string& text) {
+    return text.ends_with('?') || text.ends_with('.') ? text : text + '.';
+}
+
+} // namespace
 
 std::string findingsText(const json& findings) {
     std::string text;
@@ -509,8 +552,8 @@ std::string findingsText(const json& findings) {
             continue;
         }
         text += finding["rule"].get<std::string>() + ": " + values + '\n';
-        text += "    " + finding["why"].get<std::string>() + ".\n";
-        text += "    " + finding["advice"].get<std::string>() + ".\n";
+        text += "    " + asSentence(finding["why"]) + '\n';
+        text += "    " + asSentence(finding["advice"]) + '\n';
     }
     return text;
 }
