@@ -23,6 +23,7 @@
 /**
  * A setter is named after its parameter. `m_lock` is held for the whole of a routed set or get and
  * nowhere else; setters call each other directly, never through the routing. A failure is a thrown `int`.
+ * A variable without an initialiser gets its first value from its parameter's row.
  */
 class FgLoomWrapperImpl final : public FgLoomWrapper {
 public:
@@ -72,6 +73,9 @@ public:
     void applyDefaults();             // entry/bring_up.cpp
 
 private:
+    /** Gives each variable the start value of its parameter's row. The others have initialisers. */
+    void initializeMembers(); // entry/bring_up.cpp
+
     // ---- Routing: entry/routing.cpp
 
     void setParameter(int id, const void* value, int dma, FgParamTypes type);
@@ -147,17 +151,17 @@ private:
 
     // ---- Acquisition time-out: entry/timeout.cpp
 
-    std::uint32_t m_timeout = 1000000; // seconds
+    std::uint32_t m_timeout; // seconds
 
     // ---- Sensor geometry and region of interest: image/sensor_geometry.cpp
 
-    std::uint32_t m_vantagePoint = FG_VANTAGEPOINT_TOP_LEFT;
-    std::uint32_t m_sensorWidth = 1024;  // pixels
-    std::uint32_t m_sensorHeight = 1024; // lines
-    std::uint32_t m_width = 1024;        // pixels
-    std::uint32_t m_height = 1024;       // lines
-    std::uint32_t m_xOffset = 0;         // pixels
-    std::uint32_t m_yOffset = 0;         // lines
+    std::uint32_t m_vantagePoint;
+    std::uint32_t m_sensorWidth;  // pixels
+    std::uint32_t m_sensorHeight; // lines
+    std::uint32_t m_width;        // pixels
+    std::uint32_t m_height;       // lines
+    std::uint32_t m_xOffset;      // pixels
+    std::uint32_t m_yOffset;      // lines
 
     bool mirrorsLines() const;  // a right vantage point
     bool mirrorsFrames() const; // a bottom vantage point
@@ -189,14 +193,14 @@ private:
 
     // ---- Pixel format and line order: image/pixel_format.cpp
 
-    std::uint32_t m_pixelFormat = RGB8;
+    std::uint32_t m_pixelFormat;
     std::uint32_t m_lineOrder = FG_LINEORDER_RGB;
 
     // ---- Output format: image/output_format.cpp
 
-    std::uint32_t m_format = FG_COL24;
-    std::uint32_t m_bitAlignment = FG_LEFT_ALIGNED;
-    std::uint32_t m_customBitShiftRight = 0; // bits
+    std::uint32_t m_format;
+    std::uint32_t m_bitAlignment;
+    std::uint32_t m_customBitShiftRight; // bits
     /** One input of the multiplexer at the end of the image path. */
     struct FormatInput {
         std::uint32_t format = 0;
@@ -214,18 +218,18 @@ private:
 
     // ---- Camera simulator: image/camera_simulator.cpp
 
-    std::uint32_t m_simEnable = FG_CAMPORT;
+    std::uint32_t m_simEnable;
     std::uint32_t m_simLineGap = 0;   // pixels, like the two below as requested
     std::uint32_t m_simHeight = 1024; // lines
     std::uint32_t m_simFrameGap = 0;  // lines
-    std::uint32_t m_simPattern = FG_DIAGONAL;
-    std::uint32_t m_simPatternOffset = 0; // grey levels
-    std::uint32_t m_simRoll = FG_ON;
-    std::uint32_t m_simSelectMode = FG_LINERATE;
+    std::uint32_t m_simPattern;
+    std::uint32_t m_simPatternOffset; // grey levels
+    std::uint32_t m_simRoll;
+    std::uint32_t m_simSelectMode;
     double m_simPixelFrequency = 39.375; // MHz, like the two below as requested
     double m_simLineRate = 10240.0;      // Hz
     double m_simFrameRate = 10.0;        // Hz
-    std::uint32_t m_simTriggerMode = SIMULATION_FREE_RUN;
+    std::uint32_t m_simTriggerMode;
     // What the counters got, after rounding.
     std::uint32_t m_simAppliedWidth = 1024; // pixels
     std::uint32_t m_simAppliedLineGap = 0;  // pixels
@@ -260,11 +264,11 @@ private:
 
     // ---- Image selector and white balance: image/image_selector.cpp, image/white_balance.cpp
 
-    std::uint32_t m_imgSelectPeriod = 1; // images
-    std::uint32_t m_imgSelect = 0;       // images
-    double m_scalingFactorRed = 1.0;
-    double m_scalingFactorBlue = 1.0;
-    double m_scalingFactorGreen = 1.0;
+    std::uint32_t m_imgSelectPeriod; // images
+    std::uint32_t m_imgSelect;       // images
+    double m_scalingFactorRed;
+    double m_scalingFactorBlue;
+    double m_scalingFactorGreen;
 
     // ---- Lookup table and processing: image/lookup_table.cpp
 
@@ -276,8 +280,8 @@ private:
     struct LutColor;
     static const LutColor lutRed, lutGreen, lutBlue;
 
-    std::uint32_t m_lutEnable = FG_OFF;
-    std::uint32_t m_lutType = LUT_TYPE_PROCESSING;
+    std::uint32_t m_lutEnable;
+    std::uint32_t m_lutType;
     LutTable m_lutRed{};
     LutTable m_lutGreen{};
     LutTable m_lutBlue{};
@@ -345,17 +349,17 @@ private:
 
     // ---- Line trigger and ExSync: trigger/line_trigger.cpp
 
-    std::uint32_t m_lineTriggerMode = GRABBER_CONTROLLED;
-    std::uint32_t m_exsyncOn = FG_ON;
-    std::uint32_t m_lineTriggerInSrc = TRGINSRC_GPI_1;
-    std::uint32_t m_lineTriggerInPolarity = HIGH_ON_ZERO_HIGH;
-    double m_lineTriggerDebouncing = 0.112; // microseconds
-    std::uint32_t m_lineDownscale = 1;      // pulses
-    std::uint32_t m_lineDownscaleInit = 1;  // pulses
-    double m_linePeriode = 200.0;           // microseconds
-    double m_lineExposure = 19.0;           // microseconds
-    std::uint32_t m_exsyncPolarity = FG_HIGH;
-    double m_lineTriggerDelay = 0.0; // microseconds
+    std::uint32_t m_lineTriggerMode;
+    std::uint32_t m_exsyncOn;
+    std::uint32_t m_lineTriggerInSrc;
+    std::uint32_t m_lineTriggerInPolarity;
+    double m_lineTriggerDebouncing;    // microseconds
+    std::uint32_t m_lineDownscale;     // pulses
+    std::uint32_t m_lineDownscaleInit; // pulses
+    double m_linePeriode;              // microseconds
+    double m_lineExposure;             // microseconds
+    std::uint32_t m_exsyncPolarity;
+    double m_lineTriggerDelay; // microseconds
 
     double exposureLimit() const;
     void updateExposureRange();
@@ -363,46 +367,46 @@ private:
 
     // ---- Shaft encoder: trigger/shaft_encoder.cpp
 
-    std::uint32_t m_shaftEncoderOn = FG_OFF;
-    std::uint32_t m_shaftEncoderMode = FILTER_X1;
-    std::uint32_t m_shaftEncoderInSrc = TRGINSRC_GPI_2;
-    std::uint32_t m_shaftEncoderLeading = SOURCE_A;
-    std::uint32_t m_shaftEncoderCompensationEnable = FG_ON;
+    std::uint32_t m_shaftEncoderOn;
+    std::uint32_t m_shaftEncoderMode;
+    std::uint32_t m_shaftEncoderInSrc;
+    std::uint32_t m_shaftEncoderLeading;
+    std::uint32_t m_shaftEncoderCompensationEnable;
 
     // ---- Image trigger and flash: trigger/image_trigger.cpp
 
-    std::uint32_t m_imgTriggerMode = FREE_RUN;
-    std::uint32_t m_imgTriggerOn = FG_ON;
-    std::uint32_t m_flashOn = FG_ON;
-    std::uint32_t m_imgTriggerAsyncHeight = 1024; // lines
-    std::uint32_t m_imgTriggerInSrc = TRGINSRC_GPI_0;
-    std::uint32_t m_imgTriggerInPolarity = HIGH_ON_ZERO_HIGH;
-    std::uint32_t m_imgTriggerGateDelay = 0; // lines
-    double m_imgTriggerDebouncing = 0.112;   // microseconds
-    std::uint32_t m_flashPolarity = FG_HIGH;
-    std::uint32_t m_strobePulseDelay = 0; // lines
+    std::uint32_t m_imgTriggerMode;
+    std::uint32_t m_imgTriggerOn;
+    std::uint32_t m_flashOn;
+    std::uint32_t m_imgTriggerAsyncHeight; // lines
+    std::uint32_t m_imgTriggerInSrc;
+    std::uint32_t m_imgTriggerInPolarity;
+    std::uint32_t m_imgTriggerGateDelay; // lines
+    double m_imgTriggerDebouncing;       // microseconds
+    std::uint32_t m_flashPolarity;
+    std::uint32_t m_strobePulseDelay; // lines
     std::uint32_t m_sendSoftwareTrigger = FG_APPLY;
-    std::uint32_t m_setSoftwareTrigger = FG_LOW;
+    std::uint32_t m_setSoftwareTrigger;
 
     // ---- Signal routing: trigger/signal_routing.cpp. Sources and polarities as the design last took them; a load
     // stores the camera trigger's beforehand, as it does with most variables.
 
-    std::uint32_t m_triggerCameraSource = FG_SIGNAL_CAM0_EXSYNC, m_triggerCameraPolarity = FG_HIGH;
-    std::uint32_t m_gpo0Source = FG_SIGNAL_CAM0_FLASH, m_gpo0Polarity = FG_HIGH;
-    std::uint32_t m_gpo1Source = FG_SIGNAL_CAM0_EXSYNC2, m_gpo1Polarity = FG_HIGH;
-    std::uint32_t m_gpo2Source = FG_SIGNAL_CAM0_EXSYNC, m_gpo2Polarity = FG_HIGH;
-    std::uint32_t m_gpo3Source = VCC, m_gpo3Polarity = FG_HIGH;
-    std::uint32_t m_gpo4Source = VCC, m_gpo4Polarity = FG_HIGH;
-    std::uint32_t m_gpo5Source = VCC, m_gpo5Polarity = FG_HIGH;
-    std::uint32_t m_gpo6Source = VCC, m_gpo6Polarity = FG_HIGH;
-    std::uint32_t m_gpo7Source = VCC, m_gpo7Polarity = FG_HIGH;
-    std::uint32_t m_frontGpo0Source = FG_SIGNAL_CAM0_FLASH, m_frontGpo0Polarity = FG_HIGH;
-    std::uint32_t m_frontGpo1Source = FG_SIGNAL_CAM0_EXSYNC2, m_frontGpo1Polarity = FG_HIGH;
-    std::uint32_t m_signalAnalyzer0Source = FG_SIGNAL_CAM0_EXSYNC, m_signalAnalyzer0Polarity = FG_HIGH;
-    std::uint32_t m_signalAnalyzer1Source = FG_SIGNAL_CAM0_LINE_START, m_signalAnalyzer1Polarity = FG_HIGH;
-    std::uint32_t m_customSignalEvent0Source = FG_SIGNAL_CAM0_EXSYNC, m_customSignalEvent0Polarity = FG_HIGH;
-    std::uint32_t m_customSignalEvent1Source = FG_SIGNAL_CAM0_FLASH, m_customSignalEvent1Polarity = FG_HIGH;
-    std::uint32_t m_clhsTriggerPulseMessage = FG_PULSE_IMMEDIATE;
+    std::uint32_t m_triggerCameraSource, m_triggerCameraPolarity;
+    std::uint32_t m_gpo0Source, m_gpo0Polarity;
+    std::uint32_t m_gpo1Source, m_gpo1Polarity;
+    std::uint32_t m_gpo2Source, m_gpo2Polarity;
+    std::uint32_t m_gpo3Source, m_gpo3Polarity;
+    std::uint32_t m_gpo4Source, m_gpo4Polarity;
+    std::uint32_t m_gpo5Source, m_gpo5Polarity;
+    std::uint32_t m_gpo6Source, m_gpo6Polarity;
+    std::uint32_t m_gpo7Source, m_gpo7Polarity;
+    std::uint32_t m_frontGpo0Source, m_frontGpo0Polarity;
+    std::uint32_t m_frontGpo1Source, m_frontGpo1Polarity;
+    std::uint32_t m_signalAnalyzer0Source, m_signalAnalyzer0Polarity;
+    std::uint32_t m_signalAnalyzer1Source, m_signalAnalyzer1Polarity;
+    std::uint32_t m_customSignalEvent0Source, m_customSignalEvent0Polarity;
+    std::uint32_t m_customSignalEvent1Source, m_customSignalEvent1Polarity;
+    std::uint32_t m_clhsTriggerPulseMessage;
 
     struct SignalRoute;
     struct SignalRoutes;
@@ -413,7 +417,7 @@ private:
 
     // ---- Signal analyzers: trigger/signal_analyzers.cpp
 
-    std::uint32_t m_signalAnalyzerClear = FG_APPLY;
+    std::uint32_t m_signalAnalyzerClear;
 
     std::int64_t readPulseCountDifference();
 

@@ -28,6 +28,7 @@ FgLoomWrapperImpl::FgLoomWrapperImpl(int ports, bool offline)
     , m_directRegisterAccess(!offline && isSwitchedOn("VEXO_ENABLE_DRA"))
     , m_directAccessStore(!offline)
     , m_directAccessSection(offline ? "" : "none") {
+    initializeMembers();
     if (!offline) return;
     initHandles(nullptr, loadDesign(tslFileName()));
     publishParameterTables();
@@ -41,10 +42,23 @@ FgLoomWrapperImpl::~FgLoomWrapperImpl() {
         delete[] text;
 }
 
+void FgLoomWrapperImpl::initializeMembers() {
+    for (const SdkParameter& parameter : sdkParameters) {
+        const auto* word = std::get_if<std::uint32_t FgLoomWrapperImpl::*>(&parameter.source);
+        const auto* number = std::get_if<double FgLoomWrapperImpl::*>(&parameter.source);
+        if (const auto* start = std::get_if<std::uint32_t>(&parameter.start);
+            start != nullptr && word != nullptr)
+            this->** word = *start;
+        if (const auto* start = std::get_if<double>(&parameter.start); start != nullptr && number != nullptr)
+            this->** number = *start;
+    }
+}
+
 void FgLoomWrapperImpl::applyDefaults() {
     // In the order of the rows: later setters see the effect of earlier ones. A failure stops nothing.
     for (const SdkParameter& parameter : sdkParameters)
-        if (parameter.start != nullptr) quietly([&] { parameter.start(*this); });
+        if (const void* start = valueOf(parameter.start))
+            quietly([&] { parameter.set(*this, start, parameter.type); });
 }
 
 void* Std_entry(LOOMdevice* device, int* error, int flags) {

@@ -55,9 +55,12 @@ const void* valueOf(const SdkParameter& parameter, const FileValue& value) {
 }
 
 void store(FgLoomWrapperImpl& wrapper, const StoredMember& member, const FileValue& value) {
-    if (member.word != nullptr) wrapper.*member.word = value.word;
-    if (member.number != nullptr) wrapper.*member.number = value.number;
-    if (member.text != nullptr) wrapper.*member.text = value.text;
+    if (const auto* word = std::get_if<std::uint32_t FgLoomWrapperImpl::*>(&member))
+        wrapper.** word = value.word;
+    if (const auto* number = std::get_if<double FgLoomWrapperImpl::*>(&member))
+        wrapper.** number = value.number;
+    if (const auto* text = std::get_if<std::string FgLoomWrapperImpl::*>(&member))
+        wrapper.** text = value.text;
 }
 
 } // namespace
@@ -108,7 +111,8 @@ void FgLoomWrapperImpl::saveParameters(Fg_ConfigFileParser* parser) {
 void FgLoomWrapperImpl::saveParameter(Fg_ConfigFileParser& parser, const SdkParameter& parameter) {
     switch (parameter.type) {
     case FG_PARAM_TEXT:
-        return parser.writeConfigFile(parameter.name, parameter.reading.text(*this).substr(0, longestText));
+        return parser.writeConfigFile(
+            parameter.name, std::get<TextFunction*>(parameter.source)(*this).substr(0, longestText));
     case FG_PARAM_DOUBLE:
         return parser.writeConfigFileDoubleKey(parameter.name, valueFor<double>(parameter));
     case FG_PARAM_INT64:

@@ -18,7 +18,7 @@ bool isDesignParameter(int id) { return id > FG_DIRECT_PARAMETER_BASE; }
 bool isServedByRuntime(int id) {
     const SdkParameter* parameter = findParameter(id);
     return id == FG_NR_OF_PROCESSES ||
-           (parameter != nullptr && parameter->reading.function == kinds::Runtime::readRuntime);
+           (parameter != nullptr && parameter->source == ValueSource(kinds::Runtime::readRuntime));
 }
 
 /** There is one DMA channel, and it belongs to process 0. */

@@ -33,9 +33,9 @@ void kinds::Runtime::readRuntime(FgLoomWrapperImpl& wrapper, const SdkParameter&
     if (result != FG_OK) refuse(result);
 }
 
-void kinds::DesignText::readText(FgLoomWrapperImpl& wrapper, Reader source, void* value, FgParamTypes tag) {
-    if (tag != FG_PARAM_ALLOCATED_STRING) return (wrapper.*source)(Place<char>(value));
-    const auto read = [&](char* text) { (wrapper.*source)(Place<char>(text)); };
+void kinds::DesignText::readText(FgLoomWrapperImpl& wrapper, Reader reader, void* value, FgParamTypes tag) {
+    if (tag != FG_PARAM_ALLOCATED_STRING) return (wrapper.*reader)(Place<char>(value));
+    const auto read = [&](char* text) { (wrapper.*reader)(Place<char>(text)); };
     wrapper.giveText(RuntimeTextRoom().take(read), value, tag);
 }
 
