@@ -3,6 +3,7 @@
 #define ENTRY_FGLOOMWRAPPERIMPL_H
 
 #include "catalogue/DirectAccessStore.h"
+#include "catalogue/lut_size.h"
 #include "entry/FgLoomWrapper.h"
 #include "entry/Replacement.h"
 #include "entry/parameter_kinds.h"
@@ -272,10 +273,6 @@ private:
 
     // ---- Lookup table and processing: image/lookup_table.cpp
 
-    static constexpr std::uint32_t lutInputBits = 14;
-    static constexpr std::uint32_t lutOutputBits = 16;
-    static constexpr std::uint32_t lutEntries = 1u << lutInputBits;
-    static constexpr std::uint32_t lutLargest = (1u << lutOutputBits) - 1;
     using LutTable = std::array<std::uint32_t, lutEntries>;
     struct LutColor;
     static const LutColor lutRed, lutGreen, lutBlue;

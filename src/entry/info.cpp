@@ -59,7 +59,7 @@ struct TextAnswer {
 constexpr TextAnswer textAnswers[] = {
     {FG_INFO_PRODUCT_GUID, "7c1d2e40-5ab3-4f86-9d21-3e8b6a0f4c11"},
     {FG_INFO_VERSION_GUID, "b26e91f3-08c4-47de-a1f7-6d05c93e2a58"},
-    {4096,
+    {FG_INFO_DESCRIPTION,
      "Capture Kit with support of TurboBurst technology, 16 bit image processing (per color component), "
      "white balancing and lookup table(up to 14 Bit) for one CameraLinkHS RGB line scan camera with 2 "
      "ports (20 Gbps)."},

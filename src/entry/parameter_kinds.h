@@ -8,6 +8,7 @@
 #define ENTRY_PARAMETER_KINDS_H
 
 #include "vexo/fg_api.h"
+#include "vexo/type_tags.hpp"
 
 #include <array>
 #include <cstdint>
@@ -17,15 +18,6 @@
 #include <string>
 #include <type_traits>
 #include <variant>
-
-/** The type tag of a number of type T; char is an element of a text. */
-template <typename T> extern const FgParamTypes tagOf;
-template <> inline constexpr FgParamTypes tagOf<std::int32_t> = FG_PARAM_INT32;
-template <> inline constexpr FgParamTypes tagOf<std::uint32_t> = FG_PARAM_UINT32;
-template <> inline constexpr FgParamTypes tagOf<std::int64_t> = FG_PARAM_INT64;
-template <> inline constexpr FgParamTypes tagOf<std::uint64_t> = FG_PARAM_UINT64;
-template <> inline constexpr FgParamTypes tagOf<double> = FG_PARAM_DOUBLE;
-template <> inline constexpr FgParamTypes tagOf<char> = FG_PARAM_TEXT;
 
 class FgLoomWrapperImpl;
 struct SdkParameter;

@@ -1,6 +1,6 @@
 // The road of a parameter access: three spaces of ids, the lock, and thrown codes that become results.
 
-#include "catalogue/descriptions.h"
+#include "catalogue/parameter_tree.h"
 #include "entry/sdk_parameters.h"
 #include "entry/setter_tools.h"
 

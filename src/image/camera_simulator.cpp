@@ -20,10 +20,12 @@ constexpr double cycle = 8e-9; // seconds
 constexpr std::uint32_t pixelsPerCycle = 32;
 constexpr std::uint32_t sequence = 2000; // cycles
 constexpr double halfStep = 0.5;
-constexpr std::uint32_t widthBudget = 294920;           // pixels, the gap included
-constexpr std::uint32_t heightBudget = 65536;           // lines, the gap included
 constexpr double maximumPixelRate = 3999999999.9999995; // per second, just below 32 pixels in each cycle
 constexpr double fullPixelFrequency = maximumPixelRate / 1e6; // MHz
+
+// Gaps included.
+constexpr std::uint32_t widthBudget = limitsOf<UInt>(FG_CAMERASIMULATOR_WIDTH).maximum;   // pixels
+constexpr std::uint32_t heightBudget = limitsOf<UInt>(FG_CAMERASIMULATOR_HEIGHT).maximum; // lines
 
 constexpr Double frequencyLimits = limitsOf<Double>(FG_CAMERASIMULATOR_PIXEL_FREQUENCY);
 constexpr double lowestRate = limitsOf<Double>(FG_CAMERASIMULATOR_LINERATE).minimum; // Hz, of frames too
