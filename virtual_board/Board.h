@@ -6,6 +6,7 @@
 #include "Design.h"
 #include "Mutex.h"
 #include "design_tables.h"
+#include "runtime_entries.h"
 #include "vexo/board_access.h"
 #include "virtual_board.h"
 

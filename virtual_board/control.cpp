@@ -4,6 +4,7 @@
 
 #include "Board.h"
 #include "Design.h"
+#include "runtime_entries.h"
 #include "vexo/fg_errors.h"
 
 #include <bit>
@@ -70,18 +71,10 @@ void vboard_on_access(LOOMdevice* board, vboard_access_function* function, void*
 }
 
 int vboard_answer(LOOMdevice* board, const char* function, int64_t value) {
-    // Only those that end in a number and have no values and texts to answer besides.
-    constexpr const char* answering[] = {
-        "Fg_FreeGrabber", "Fg_saveConfig",         "Fg_loadConfig",
-        "Fg_getAppletId", "Fg_AcquireEx",          "Fg_stopAcquireEx",
-        "Fg_getStatusEx", "Fg_getLastPicNumberEx", "Fg_getLastPicNumberBlockingEx"};
-    if (board == nullptr || function == nullptr) return VBOARD_UNKNOWN;
-    for (const char* name : answering) {
-        if (std::strcmp(name, function) != 0) continue;
-        board->setAnswer(findEntry(name), value);
-        return VBOARD_OK;
-    }
-    return VBOARD_UNKNOWN;
+    const int entry = board != nullptr && function != nullptr ? findEntry(function) : -1;
+    if (entry < 0 || runtimeEntries[entry].answer != RuntimeEntry::forcible) return VBOARD_UNKNOWN;
+    board->setAnswer(entry, value);
+    return VBOARD_OK;
 }
 
 void vboard_attach_applet(LOOMdevice* board, Fg_Struct* fg, vboard_config_function* save,

@@ -5,6 +5,7 @@
 #include "Board.h"
 #include "RuntimeTree.h"
 #include "design_tables.h"
+#include "runtime_entries.h"
 #include "vexo/fg_errors.h"
 
 #include <algorithm>
