@@ -48,7 +48,9 @@ std::string tagWord(int tag) {
 } // namespace
 
 // So much room at the start that a session seldom has to grow the log; what is not used costs no memory.
-AccessLog::AccessLog() { m_accesses.reserve(16384); }
+AccessLog::AccessLog() : m_kinds(VBOARD_SET | VBOARD_GET | VBOARD_REGISTER_WRITE | VBOARD_REGISTER_READ) {
+    m_accesses.reserve(16384);
+}
 
 void AccessLog::add(const Access& access) {
     if (m_accesses.size() < capacity) m_accesses.push_back(access);

@@ -29,6 +29,11 @@ public:
     static constexpr std::size_t capacity = 1'000'000;
 
     AccessLog();
+    /** Whether accesses of a kind are logged, and counted for faults. At start all but VBOARD_RESOLVE and
+     *  VBOARD_CALL. */
+    bool includes(int kind) const { return (m_kinds & static_cast<unsigned>(kind)) != 0; }
+    void setKinds(unsigned mask) { m_kinds = mask; }
+
     void add(const Access& access);
     /** The same for an access whose value is a text. */
     void add(Access access, std::string text);
@@ -37,6 +42,7 @@ public:
     std::string line(std::size_t index) const;
 
 private:
+    unsigned m_kinds;
     std::vector<Access> m_accesses;
     std::vector<std::string> m_texts;
 };

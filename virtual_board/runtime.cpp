@@ -159,19 +159,20 @@ int stopAcquireEx(Fg_Struct* fg, int dma, void*, int) {
 int64_t getStatusEx(Fg_Struct* fg, int what, intptr_t mask, int, void*) {
     return callWide(fg, entry("Fg_getStatusEx"), [=]() REQUIRES(fg->board.mutex()) {
         return what == VBOARD_STATUS_EVENTS
-                   ? fg->board.takeEvents(*fg->design, static_cast<std::uint64_t>(mask))
-                   : fg->board.picture();
+                   ? fg->board.events().take(*fg->design, static_cast<std::uint64_t>(mask))
+                   : fg->board.acquisition().picture();
     });
 }
 
 int64_t getLastPicNumberEx(Fg_Struct* fg, int, void*) {
     return callWide(fg, entry("Fg_getLastPicNumberEx"),
-                    [fg]() REQUIRES(fg->board.mutex()) { return fg->board.nextPicture(); });
+                    [fg]() REQUIRES(fg->board.mutex()) { return fg->board.acquisition().nextPicture(); });
 }
 
 int64_t getLastPicNumberBlockingEx(Fg_Struct* fg, intptr_t picture, int, int, void*) {
-    return callWide(fg, entry("Fg_getLastPicNumberBlockingEx"),
-                    [&]() REQUIRES(fg->board.mutex()) { return fg->board.waitForPicture(picture); });
+    return callWide(fg, entry("Fg_getLastPicNumberBlockingEx"), [&]() REQUIRES(fg->board.mutex()) {
+        return fg->board.acquisition().waitForPicture(picture);
+    });
 }
 
 } // namespace vboard::runtime
