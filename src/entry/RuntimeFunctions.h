@@ -4,8 +4,17 @@
 
 #include "vexo/grabber_runtime.h"
 
+#include <type_traits>
+
 /** An entry that this library binds but never calls: the runtime's complete set of names. */
 using UncalledFunction = void();
+
+/** Calls a function of the runtime; answers `missing` if the runtime lacks it. */
+template <typename Result, typename... Parameters, typename... Arguments>
+Result callOr(std::type_identity_t<Result> missing, Result (*function)(Parameters...),
+              Arguments... arguments) {
+    return function != nullptr ? function(arguments...) : missing;
+}
 
 /** Null where the runtime lacks a function. */
 struct RuntimeFunctions {

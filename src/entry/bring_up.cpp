@@ -3,7 +3,6 @@
 #include "entry/design_source.h"
 #include "entry/sdk_parameters.h"
 #include "entry/setter_tools.h"
-#include "support/switches.h"
 #include "vexo/fg_api.h"
 
 #include <memory>
@@ -23,16 +22,12 @@ struct EndGrabber {
 
 } // namespace
 
-FgLoomWrapperImpl::FgLoomWrapperImpl(int ports, bool offline)
-    : FgLoomWrapper(ports)
-    , m_directRegisterAccess(!offline && isSwitchedOn("VEXO_ENABLE_DRA"))
-    , m_directAccessStore(!offline)
-    , m_directAccessSection(offline ? "" : "none") {
+FgLoomWrapperImpl::FgLoomWrapperImpl(int ports, bool offline) : PublishedParameters(ports, offline) {
     initializeMembers();
     if (!offline) return;
     initHandles(nullptr, loadDesign(tslFileName()));
     publishParameterTables();
-    FgLoomWrapperImpl::buildParameterInfo();
+    PublishedParameters::buildParameterInfo();
     discoverDebugInterface();
     applyDefaults();
 }

@@ -7,6 +7,7 @@
 #ifndef ENTRY_PARAMETER_KINDS_H
 #define ENTRY_PARAMETER_KINDS_H
 
+#include "entry/DesignAccess.h"
 #include "vexo/fg_api.h"
 #include "vexo/type_tags.hpp"
 
@@ -43,17 +44,6 @@ inline const void* valueOf(const StartValue& start) {
     if (std::holds_alternative<std::monostate>(start)) return nullptr;
     return std::visit([](const auto& number) -> const void* { return &number; }, start);
 }
-
-/** The caller's place for a value, wherever that is aligned. */
-template <typename T> class Place {
-public:
-    explicit Place(void* place) : m_place(place) {}
-    void* address() const { return m_place; }
-    void store(T number) const { std::memcpy(m_place, &number, sizeof number); }
-
-private:
-    void* m_place;
-};
 
 /** A caller's record for elements of an array: of which type, the tag says. */
 struct FieldRecord {
@@ -118,7 +108,7 @@ struct Text {
 struct DesignText {
     using Reader = void (FgLoomWrapperImpl::*)(Place<char> out);
     static constexpr FgParamTypes type = FG_PARAM_TEXT;
-    template <Reader reader> static consteval ValueSource source() {
+    template <auto reader> static consteval ValueSource source() {
         return [](FgLoomWrapperImpl& wrapper, const SdkParameter&, void* value, int, FgParamTypes type) {
             readText(wrapper, reader, value, type);
         };
@@ -138,9 +128,6 @@ struct Field {
         };
     }
 
-    static bool isInside(const FieldParameterAccess& run, std::size_t size) {
-        return run.count <= size && run.index <= size - run.count;
-    }
     /** Fills the caller's record from the array. Refuses what lies outside of it. */
     static void readField(std::span<const std::uint32_t> field, void* record, FgParamTypes type);
 };

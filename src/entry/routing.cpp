@@ -86,7 +86,7 @@ int FgLoomWrapperImpl::Fg_getParameterWithType(int id, void* value, int dma, FgP
 }
 
 bool FgLoomWrapperImpl::isDirectRegister(int id) const {
-    return m_directRegisterAccess && id > FG_DIRECT_REGISTER_BASE && id <= FG_DIRECT_PARAMETER_BASE;
+    return offersRegisters() && id > FG_DIRECT_REGISTER_BASE && id <= FG_DIRECT_PARAMETER_BASE;
 }
 
 int FgLoomWrapperImpl::writeRegister(int reg, const void* value) {

@@ -58,11 +58,11 @@ void FgLoomWrapperImpl::publishPixelFrequencyLimit() {
 
 // ---- What reads back
 
-std::uint32_t FgLoomWrapperImpl::simulatorLineGap() {
+std::uint32_t CameraSimulator::simulatorLineGap() const {
     return m_simSelectMode == FG_PIXEL_FREQUENCY ? m_simAppliedLineGap : 0;
 }
 
-std::uint32_t FgLoomWrapperImpl::simulatorFrameGap() {
+std::uint32_t CameraSimulator::simulatorFrameGap() const {
     return m_simSelectMode == FG_FRAMERATE ? 0 : m_simAppliedFrameGap;
 }
 
@@ -167,15 +167,15 @@ std::uint32_t FgLoomWrapperImpl::simulatorHeightLimit() {
                                              currentFrameRate() * (pixelsPerCycle + m_simAppliedWidth))));
 }
 
-std::uint32_t FgLoomWrapperImpl::simulatorFrameGapLimit() {
+std::uint32_t CameraSimulator::simulatorFrameGapLimit() const {
     return m_simSelectMode == FG_PIXEL_FREQUENCY ? heightBudget - m_simHeight : 0;
 }
 
-double FgLoomWrapperImpl::simulatorLineRateLimit() const {
+double CameraSimulator::simulatorLineRateLimit() const {
     return maximumPixelRate / (m_simAppliedWidth + pixelsPerCycle);
 }
 
-double FgLoomWrapperImpl::simulatorFrameRateLimit() const {
+double CameraSimulator::simulatorFrameRateLimit() const {
     return quotient(maximumPixelRate, m_simHeight * (m_simAppliedWidth + pixelsPerCycle));
 }
 

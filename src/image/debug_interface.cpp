@@ -93,7 +93,7 @@ void FgLoomWrapperImpl::discoverDebugInterface() {
 
 // ---- Access to the parameters of the current point
 
-const FgLoomWrapperImpl::DebugEntry& FgLoomWrapperImpl::debugEntry() const {
+const DebugInterface::DebugEntry& DebugInterface::debugEntry() const {
     static const DebugEntry none;
     return m_debugSource < m_debugEntries.size() ? m_debugEntries[m_debugSource] : none;
 }

@@ -174,8 +174,9 @@ void FgLoomWrapperImpl::setLutElement(const LutColor& color, const FieldParamete
 }
 
 void FgLoomWrapperImpl::setLutRun(const LutColor& color, const FieldParameterAccess& record) {
-    if (!kinds::Field::isInside(record, lutEntries)) refuse(FG_ERR_OUT_OF_RANGE);
-    if (elementWidth(record.vtype) != sizeof(LutTable::value_type) && record.vtype != FG_PARAM_FIELD_INT)
+    if (!field_copy::isInside(record, lutEntries)) refuse(FG_ERR_OUT_OF_RANGE);
+    if (field_copy::elementWidth(record.vtype) != sizeof(LutTable::value_type) &&
+        record.vtype != FG_PARAM_FIELD_INT)
         refuse(FG_ERR_INVALID_ARGUMENT);
     if (record.count > 0 && record.values == nullptr) refuse(FG_ERR_INVALID_ARGUMENT);
     // Of all elements the first alone is tested, on purpose.

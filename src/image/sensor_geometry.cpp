@@ -25,11 +25,11 @@ template <typename T> T nonZero(T divisor) {
 
 } // namespace
 
-bool FgLoomWrapperImpl::mirrorsLines() const {
+bool SensorGeometry::mirrorsLines() const {
     return m_vantagePoint == FG_VANTAGEPOINT_TOP_RIGHT || m_vantagePoint == FG_VANTAGEPOINT_BOTTOM_RIGHT;
 }
 
-bool FgLoomWrapperImpl::mirrorsFrames() const {
+bool SensorGeometry::mirrorsFrames() const {
     return m_vantagePoint == FG_VANTAGEPOINT_BOTTOM_LEFT || m_vantagePoint == FG_VANTAGEPOINT_BOTTOM_RIGHT;
 }
 
@@ -89,13 +89,13 @@ std::uint32_t FgLoomWrapperImpl::yOffsetLimit() {
     return m_sensorHeight - m_height;
 }
 
-void FgLoomWrapperImpl::checkRoiX() const {
+void SensorGeometry::checkRoiX() const {
     // From the left the sensor's width is ignored, deliberately.
     const std::uint64_t right = std::uint64_t{m_width} + m_xOffset;
     if (right > (mirrorsLines() ? m_sensorWidth : widthLimits.maximum)) refuse(FG_ERR_OUT_OF_RANGE);
 }
 
-void FgLoomWrapperImpl::checkRoiY() const {
+void SensorGeometry::checkRoiY() const {
     const std::uint64_t bottom = std::uint64_t{m_height} + m_yOffset;
     if (mirrorsFrames() && bottom > m_sensorHeight) refuse(FG_ERR_OUT_OF_RANGE);
 }

@@ -1,6 +1,6 @@
 // The tables that lead from event names to masks and back, built once from the design's list.
 
-#include "entry/FgLoomWrapperImpl.h"
+#include "entry/PublishedParameters.h"
 #include "trigger/internal_events.h"
 
 #include <cstring>
@@ -27,7 +27,7 @@ bool isNamed(const TslEvent* event, const char* name) {
 
 } // namespace
 
-void FgLoomWrapperImpl::publishEvents() {
+void PublishedParameters::publishEvents() {
     const std::vector<const TslEvent*> events = eventsOf(designHandle());
 
     std::uint64_t mask = 1; // doubled at each event; past the 64th it is 0

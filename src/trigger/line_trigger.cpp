@@ -46,7 +46,7 @@ std::uint32_t debouncePrescaler(double microseconds) {
 
 } // namespace
 
-double FgLoomWrapperImpl::exposureLimit() const {
+double LineTrigger::exposureLimit() const {
     const bool periodic =
         m_lineTriggerMode == GRABBER_CONTROLLED || m_lineTriggerMode == GRABBER_CONTROLLED_GATED;
     return periodic && m_linePeriode < pulseLimits.maximum ? m_linePeriode : pulseLimits.maximum;

@@ -155,7 +155,7 @@ void FgLoomWrapperImpl::set_FG_DIGIO_OUTPUT(std::int32_t value) {
     set_FG_TRIGGEROUT_GPO_7_SOURCE((value & 2) != 0 ? VCC : GND);
 }
 
-std::int32_t FgLoomWrapperImpl::digitalOutput() {
+std::int32_t SignalRouting::digitalOutput() const {
     if (!isStatic(m_gpo3Source) || !isStatic(m_gpo7Source)) return -1;
     return (m_gpo3Source == VCC ? 1 : 0) | (m_gpo7Source == VCC ? 2 : 0);
 }

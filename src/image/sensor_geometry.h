@@ -1,0 +1,29 @@
+/** The sensor and the region of interest on it. */
+#ifndef IMAGE_SENSOR_GEOMETRY_H
+#define IMAGE_SENSOR_GEOMETRY_H
+
+#include <cstdint>
+
+struct SensorGeometry {
+    std::uint32_t m_vantagePoint;
+    std::uint32_t m_sensorWidth;  // pixels
+    std::uint32_t m_sensorHeight; // lines
+    std::uint32_t m_width;        // pixels
+    std::uint32_t m_height;       // lines
+    std::uint32_t m_xOffset;      // pixels
+    std::uint32_t m_yOffset;      // lines
+
+    bool mirrorsLines() const;  // a right vantage point
+    bool mirrorsFrames() const; // a bottom vantage point
+    /** Refuse a region that is not within the sensor, as far as that counts. */
+    void checkRoiX() const;
+    void checkRoiY() const;
+
+    /** The memory of the buffer, which a mirrored frame has to fit in. */
+    struct Dram {
+        std::uint32_t dataWidth; // bits
+        std::uint64_t pixels;    // that fit
+    };
+};
+
+#endif
