@@ -126,7 +126,11 @@ void RuntimeTree::addLeaf(Board& board, int at) {
     if (row.writable) record.access |= REGISTER_ACCESS_WRITE | REGISTER_ACCESS_WRITE_WHILE_ACQUIRING;
     link(record, group);
 
-    const std::uint64_t value = board.values().number(at);
+    describeValue(record, row, board.values().number(at));
+    if (row.type == Type::text) record.value.string.text = keep(board.values().text(at));
+}
+
+void RuntimeTree::describeValue(RegisterInfo& record, const ParameterRow& row, std::uint64_t value) {
     if (!row.entries.empty()) {
         record.kind = REGISTER_KIND_ENUM;
         describeEntries(record, row, value);
@@ -156,7 +160,6 @@ void RuntimeTree::addLeaf(Board& board, int at) {
         break;
     case Type::text:
         record.kind = REGISTER_KIND_STRING;
-        record.value.string.text = keep(board.values().text(at));
         break;
     case Type::field:
         record.kind = REGISTER_KIND_UINT_FIELD;

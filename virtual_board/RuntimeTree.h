@@ -36,6 +36,8 @@ private:
     void describe(RegisterInfo& record, std::string_view label);
     void link(RegisterInfo& record, Group& parent);
     void addLeaf(Board& board, int row) REQUIRES(board.mutex());
+    /** Kind, limits and number; a text is left out. */
+    void describeValue(RegisterInfo& record, const ParameterRow& row, std::uint64_t value);
     void describeEntries(RegisterInfo& record, const ParameterRow& row, std::uint64_t value);
 
     std::deque<std::string> m_texts;

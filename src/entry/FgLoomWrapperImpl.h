@@ -125,12 +125,14 @@ private:
     std::uint32_t calcMaxWidthFromDram(std::uint32_t sensorHeight);
     std::uint32_t calcMaxHeightFromDram(std::uint32_t sensorWidth);
     std::uint32_t maxSensorWidthFromDram();
+    /** Refuses a value while the design cannot be read, although the limit does not need its memory's size. */
+    void requireReadableDram();
     std::uint32_t usableWidth();
     std::uint32_t widthLimit();
     std::uint32_t heightLimit();
     std::uint32_t xOffsetLimit();
     std::uint32_t yOffsetLimit();
-    void writeBufferGeometry(std::uint32_t previous);
+    void writeBufferGeometry(WriteOrder order);
     void writeTriggerRange(std::uint32_t yOffset, std::uint32_t length);
     void writeTriggerGeometry(std::uint32_t yOffset, std::uint32_t height, std::uint32_t imgTriggerMode);
     void updateSensorWidthRange();

@@ -47,6 +47,7 @@ private:
     void addDirectRegisters();
     void addDirectParameters();
     void publishEvents(); // trigger/events.cpp
+    void publishEvent(const char* name, std::uint64_t mask);
 
     const bool m_directRegisterAccess;
     DirectAccessStore m_directAccessStore;

@@ -40,7 +40,7 @@ void FgLoomWrapperImpl::set_FG_PIXELFORMAT(std::uint32_t value) {
     // Written twice, on purpose: the buffer's geometry brings it again.
     loomSet_Process0_Buffer_0_PixelFormat(decoded(value));
     // No limit of the region is tested here, so it may exceed what the DRAM can hold of this format.
-    writeBufferGeometry(stored.old());
+    writeBufferGeometry(orderAfter(stored.old()));
     stored.keep();
     updateGeometryRanges();
 }

@@ -13,6 +13,15 @@ struct SensorGeometry {
     std::uint32_t m_xOffset;      // pixels
     std::uint32_t m_yOffset;      // lines
 
+    /** Which is written first when the buffer's geometry changes: the sensor's height, or the mirrors. */
+    enum class WriteOrder { heightFirst, mirrorsFirst };
+    /**
+     * The order that follows from the old value of the parameter that is being set, whichever that is. Only for the
+     * vantage point does the value say where images were read from before, but the order of the writes is fixed for
+     * all of them.
+     */
+    static WriteOrder orderAfter(std::uint32_t previous);
+
     bool mirrorsLines() const;  // a right vantage point
     bool mirrorsFrames() const; // a bottom vantage point
     /** Refuse a region that is not within the sensor, as far as that counts. */
