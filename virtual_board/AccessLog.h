@@ -35,7 +35,7 @@ public:
     void setKinds(unsigned mask) { m_kinds = mask; }
 
     void add(const Access& access);
-    /** The same for an access whose value is a text. */
+    /** The same for an access with a text as its value. */
     void add(Access access, std::string text);
     std::size_t size() const { return m_accesses.size(); }
     void clear();

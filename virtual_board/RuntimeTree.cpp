@@ -102,7 +102,7 @@ void RuntimeTree::describeEntries(RegisterInfo& record, const ParameterRow& row,
     enumeration.symbolicNames = symbols.data();
     enumeration.values = values.data();
     enumeration.value = static_cast<std::int32_t>(value);
-    // Nothing is told of the entries beyond that, but a reader may look.
+    // Empty arrays: readers index them without a null check.
     record.enumEntryDescriptions = m_words.emplace_back(values.size()).data();
     record.enumEntryToolTips = m_words.emplace_back(values.size()).data();
     record.enumEntryGenICamNames = m_words.emplace_back(values.size()).data();

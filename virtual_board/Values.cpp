@@ -31,7 +31,7 @@ std::optional<Run> runOf(int tag, const void* record) {
     if (tag == FG_PARAM_FIELD_INT) {
         FieldParameterInt_s element;
         std::memcpy(&element, bytes, sizeof element);
-        // The value stands in the record itself.
+        // The value is in the record itself.
         return Run{element.index, 1, Type::u32, const_cast<char*>(bytes), sizeof element};
     }
     FieldParameterAccess access;

@@ -1,5 +1,5 @@
 /**
- * What the virtual design consists of: its parameters, registers and events, each told in one table.
+ * What the virtual design consists of: its parameters, registers and events, one table for each.
  *
  * The tables are the model's own; nothing here is shared with the applet library.
  */

@@ -1,4 +1,4 @@
-// The runtime, libgrabcore5.so. What each function does stands here; runtime_entries.cpp exports them.
+// The functions of the runtime, libgrabcore5.so; runtime_entries.cpp exports them.
 
 #include "runtime.h"
 
@@ -75,7 +75,7 @@ Fg_Struct* initHandle(const char*, LOOMdevice* device, fpga_design* design) {
 }
 
 int freeGrabber(Fg_Struct* fg) {
-    // Freed whatever the answer is: nobody would try again.
+    // Freed whatever the answer is: callers do not retry.
     const std::unique_ptr<Fg_Struct> freed(fg);
     return call(fg, entry("Fg_FreeGrabber"), nothing);
 }

@@ -16,7 +16,7 @@
 extern "C" {
 #endif
 
-/** Creates the inner handle of a board whose design is loaded; null on failure. `flags` as at Std_entry. */
+/** Creates the inner handle of a board with a loaded design; null on failure. `flags` as at Std_entry. */
 typedef Fg_Struct* grabcore_InitHandleSlaveAware(const char* tslName, LOOMdevice* device, fpga_design* design,
                                                  int flags);
 /** The same for runtimes that know no slave processes. */

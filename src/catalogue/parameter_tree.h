@@ -1,7 +1,7 @@
 /**
  * The published tree, one row for each group and each parameter, in reading order.
  *
- * A group's depth tells where it hangs: below the last group of the depth above. A parameter belongs to the
+ * A group's depth says where it belongs: below the last group of the depth above. A parameter belongs to the
  * group read last. In the tree itself a group's sub-groups come before its own parameters.
  */
 #ifndef CATALOGUE_PARAMETER_TREE_H

@@ -1,4 +1,4 @@
-// What is published beside the public parameters, whose names are constant: registers and design parameters
+// What is published beside the public parameters (their names are constant): registers and design parameters
 // for direct access, and the events.
 
 #include "catalogue/direct_registers.h"

@@ -1,4 +1,4 @@
-/** The objects that callers may hold: tells a good handle from one whose object is gone or was never ours. */
+/** The objects that callers may hold: distinguishes a valid handle from a stale or foreign one. */
 #ifndef ENTRY_LIVEOBJECTS_H
 #define ENTRY_LIVEOBJECTS_H
 

@@ -1,4 +1,4 @@
-// How an object comes into being, with a board and without one, and what it sets at the start.
+// Construction of the object, with a board or offline, and its start values.
 
 #include "entry/design_source.h"
 #include "entry/sdk_parameters.h"
@@ -68,7 +68,7 @@ void* Std_entry(LOOMdevice* device, int* error, int flags) {
     const char* name = FgLoomWrapperImpl::tslFileName();
     std::unique_ptr<fpga_design, UnloadDesign> design(loadDesign(name));
     if (design == nullptr) {
-        // By design no clean-up: the object and the opened runtime stay as they are.
+        // No clean-up: the object and the opened runtime are left behind, as fg_api.h says.
         static_cast<void>(wrapper.release());
         result = FG_ERR_INIT;
         return nullptr;

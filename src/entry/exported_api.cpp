@@ -51,7 +51,7 @@ Result forward(const Fg_Struct* fg, Result (*RuntimeFunctions::*entry)(Fg_Struct
     });
 }
 
-/** For the shading operations, whose result is always stored. */
+/** For the shading operations: stores the result as the last error in any case. */
 template <typename Operation> int storing(const Fg_Struct* fg, Operation operation) {
     return withWrapper(fg, [&](FgLoomWrapper& wrapper) {
         const int result = operation(wrapper);

@@ -72,7 +72,7 @@ const char* FgLoomWrapperImpl::vendorName() { return "Norvane AG"; }
 
 const char* FgLoomWrapperImpl::appletName() { return "Grab_TwinLaneLineColor"; }
 
-// Stands by itself: it follows neither the applet's version and revision nor its version text.
+// A version of its own: it follows neither the applet's version and revision nor its version text.
 const char* FgLoomWrapperImpl::appletVersionName() { return "4.0"; }
 
 int FgLoomWrapperImpl::loadAppletId() { return 0; }

@@ -116,7 +116,7 @@ struct DesignText {
     static void readText(FgLoomWrapperImpl& wrapper, Reader reader, void* value, FgParamTypes type);
 };
 
-/** An array of words: the tag tells whether one element or a run of them is accessed. */
+/** An array of words: the tag says whether one element or a run of them is accessed. */
 struct Field {
     using Value = FieldRecord;
     static constexpr FgParamTypes type = FG_PARAM_FIELD_INT;

@@ -1,4 +1,4 @@
-// The road of a parameter access: three spaces of ids, the lock, and thrown codes that become results.
+// Routing of a parameter access: three id spaces, the lock, and thrown codes that become results.
 
 #include "catalogue/parameter_tree.h"
 #include "entry/sdk_parameters.h"
@@ -14,7 +14,7 @@ namespace {
 
 bool isDesignParameter(int id) { return id > FG_DIRECT_PARAMETER_BASE; }
 
-/** Strings of these the runtime hands out, so that it has to release them. */
+/** The runtime allocates the strings of these, so it has to release them. */
 bool isServedByRuntime(int id) {
     const SdkParameter* parameter = findParameter(id);
     return id == FG_NR_OF_PROCESSES ||
@@ -26,7 +26,7 @@ void requireKnownDma(int dma) {
     if (dma != 0) refuse(FG_ERR_INVALID_ARGUMENT);
 }
 
-/** Copies a text and ends it; nobody knows how much room there is. */
+/** Copies a null-terminated string; the API has no buffer size. */
 void copyText(std::string_view text, char* destination) {
     text.copy(destination, text.size());
     destination[text.size()] = '\0';

@@ -22,7 +22,7 @@ struct SdkParameter {
     FileRole file;
 };
 
-/** Holds the rows; a friend of the class whose members they name. */
+/** Holds the rows. A friend of FgLoomWrapperImpl, since they name its members. */
 struct SdkParameterTable {
 #define SETTABLE(parameter, kind, member, startValue, role)                                                  \
     {#parameter,                                                                                             \

@@ -19,7 +19,7 @@ class Fg_Log;
  * semicolon does not survive. The decimal separator is that of the process locale.
  *
  * The reader is lenient: it takes the first line behind the section's own that begins with the key, even if
- * that stands in a later section. It takes lines of at most 255 bytes; what a longer line has beyond them comes as
+ * that is in a later section. It takes lines of at most 255 bytes; what a longer line has beyond them comes as
  * further lines. A line ends at a NUL byte. Nothing of the file is kept: each parse call reads it from its start, but
  * for the keys of prepareKeys().
  *
@@ -56,7 +56,7 @@ public:
     void writeConfigFileByPort(int port);
     /** A text, in quotes. */
     void writeConfigFile(std::string_view key, std::string_view text);
-    /** A value as it stands. */
+    /** A value, unchanged. */
     void writeConfigFileValue(std::string_view key, std::string_view text);
     void writeConfigFileIntKey(std::string_view key, int value);
     void writeConfigFileUInt64Key(std::string_view key, std::uint64_t value);

@@ -1,6 +1,6 @@
 // Camera simulator: test patterns of a chosen size and speed in the place of the camera.
 //
-// It emits 32 pixels in each cycle of 8 ns, so widths and line gaps live on a grid of 32 pixels. In pixel
+// It emits 32 pixels in each cycle of 8 ns, so widths and line gaps are multiples of 32 pixels. In pixel
 // frequency mode a sequence of 2000 cycles holds some active ones; in the rate modes a line is stretched to a
 // sequence of cycles that gives the rate. Rates read back as what the counters produce, never as the request.
 
@@ -106,7 +106,7 @@ double FgLoomWrapperImpl::simulatorFrameRate(std::uint32_t mode) {
     }
 }
 
-// Outside of pixel frequency mode these two leave the caller's place alone, on purpose.
+// Outside of pixel frequency mode there is no such number, and these two leave the caller's place unwritten.
 void FgLoomWrapperImpl::readActive(Place<std::uint32_t> out) {
     if (m_simSelectMode != FG_PIXEL_FREQUENCY) return;
     out.store(loomGet_Process0_CameraSimulator_PixelFrequency_ActivePixel_Number<std::uint32_t>());
@@ -139,7 +139,7 @@ void FgLoomWrapperImpl::applySimulatorHeight(std::uint32_t height, std::uint32_t
     loomSet_Process0_CameraSimulator_FrameGap_Number(height);
 }
 
-// ---- Limits. What a rate allows is measured by the rate that the counters really give.
+// ---- Limits. They follow from the rate that the counters give, not from the one requested.
 
 std::uint32_t FgLoomWrapperImpl::simulatorWidthLimit() {
     const std::uint32_t gap = simulatorLineGap();
@@ -207,7 +207,7 @@ void FgLoomWrapperImpl::updateSimFrameRateRange() {
 // ---- Speed
 
 void FgLoomWrapperImpl::set_FG_CAMERASIMULATOR_PIXEL_FREQUENCY(double value) {
-    // The catalogue's maximum is a placeholder below the minimum and stays the bound, deliberately: no finite
+    // The bound is the catalogue's maximum, a placeholder below the minimum, not the published one: no finite
     // value passes, so this mode cannot be programmed.
     requireRange(value, frequencyLimits);
     Replacement stored(m_simPixelFrequency, value);

@@ -1,7 +1,7 @@
 // Debug interface: the places of the image path where images can be injected and watched, and the bring-up
 // step that learns from the design what cannot be known at build time.
 //
-// The design tells the path of each point; the names of its parameters are composed here, and their ids
+// The design has the path of each point; the names of its parameters are composed here, and their ids
 // looked up, at each access.
 
 #include "catalogue/live_records.h"
@@ -163,7 +163,8 @@ void FgLoomWrapperImpl::set_FG_DEBUGINENABLE(std::uint32_t value) {
 
 void FgLoomWrapperImpl::set_FG_DEBUGOUTENABLE(std::uint32_t value) {
     requireEntry(enumOnOff, value);
-    if (debugEntry().type != DebugEntry::injectMonitor) return; // without a word, on purpose
+    if (debugEntry().type != DebugEntry::injectMonitor)
+        return; // no error: the parameter is shown as read-only
     const std::uint32_t mode = readDebugInEnable() | value * outputOn;
     writeDebug(operationMode, &mode, FG_PARAM_UINT32);
 }
@@ -198,8 +199,7 @@ void FgLoomWrapperImpl::set_FG_DEBUGWRITEFLAG(std::uint32_t value) {
 
 void FgLoomWrapperImpl::set_FG_DEBUGSAVECONFIG(const char* path) {
     Replacement stored(m_debugSaveConfig, std::string(path));
-    // The runtime comes back through the exported function, which takes no lock. What it answers is not
-    // looked at.
+    // The runtime calls back into the exported function, which takes no lock. Its result is ignored.
     saveUnwrappedConfig(path);
     stored.keep();
 }

@@ -52,7 +52,7 @@ void copyElements(const LookupTable_s& table, std::span<std::uint32_t> cache) {
 // ---- The whole tables
 
 void FgLoomWrapperImpl::writeLutTables() {
-    // All three get the blue table, on purpose: the caches alone keep the colours of a file apart.
+    // All three get the blue table; the other colours of a file reach the caches only.
     const FieldParameterAccess table{FG_PARAM_UINT32, 0, lutEntries, m_lutBlue.data()};
     for (const LutColor* color : {&lutRed, &lutGreen, &lutBlue})
         (this->*color->write)(&table, 0, FG_PARAM_FIELD_ACCESS, true);
@@ -179,7 +179,7 @@ void FgLoomWrapperImpl::setLutRun(const LutColor& color, const FieldParameterAcc
         record.vtype != FG_PARAM_FIELD_INT)
         refuse(FG_ERR_INVALID_ARGUMENT);
     if (record.count > 0 && record.values == nullptr) refuse(FG_ERR_INVALID_ARGUMENT);
-    // Of all elements the first alone is tested, on purpose.
+    // Only the first element is tested; the others go to the design unchecked.
     if (record.count > 0 && *static_cast<const std::uint32_t*>(record.values) > lutLargest)
         refuse(FG_ERR_OUT_OF_RANGE);
 

@@ -1,4 +1,4 @@
-/** For what may fail without anybody being told. */
+/** For operations with failures that are ignored. */
 #ifndef SUPPORT_QUIETLY_H
 #define SUPPORT_QUIETLY_H
 

@@ -39,7 +39,7 @@ const LineTriggerMode& translated(std::uint32_t mode) {
     return *row;
 }
 
-/** Prescaler period of the inputs' debouncing: 3 ticks each; the half before rounding up is deliberate. */
+/** Prescaler period of the inputs' debouncing: 3 ticks each. With the half before rounding up it is never too short. */
 std::uint32_t debouncePrescaler(double microseconds) {
     return truncated<std::uint32_t>(std::ceil(0.5 + (125.0 * microseconds) / 3.0));
 }

@@ -48,7 +48,7 @@ constexpr SignalSource signalSources[] = {
     {FG_SIGNAL_CAM0_FRAME_END, {36, 0}},
 };
 
-/** The two levels, which have no polarity: the inversion is what makes the one out of the zero. */
+/** The two levels. They have no polarity: the inversion distinguishes them. */
 bool isStatic(std::uint32_t source) { return source == GND || source == VCC; }
 
 DesignSignal resolveSignalSource(std::uint32_t source, std::uint32_t polarity) {

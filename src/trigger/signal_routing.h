@@ -1,4 +1,4 @@
-/** Sources and polarities as the design last took them; a load stores those of the camera trigger beforehand. */
+/** Sources and polarities as last written to the design; a load stores those of the camera trigger first. */
 #ifndef TRIGGER_SIGNAL_ROUTING_H
 #define TRIGGER_SIGNAL_ROUTING_H
 

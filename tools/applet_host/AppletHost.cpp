@@ -42,7 +42,7 @@ constexpr Binding bridgeBindings[] = {
 constexpr const char* boardLibraries[] = {"libvexo_hw.so", "libtslrt.so", "libgrabcore5.so"};
 constexpr const char* appletLibrary = "libGrab_TwinLaneLineColor.so";
 
-/** What the dynamic loader has to say about its last failure. */
+/** The text of the dynamic loader's last failure. */
 std::string loaderError() {
     const char* text = dlerror();
     return text != nullptr ? text : "the dynamic loader gives no reason";

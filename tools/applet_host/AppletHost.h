@@ -1,6 +1,6 @@
 /**
  * A host for the applet: loads the virtual board and the applet library and calls the library's exported
- * functions, as the grabber runtime would. appletctl, the tests and the benchmarks stand on it.
+ * functions, as the grabber runtime would. appletctl, the tests and the benchmarks use it.
  */
 #ifndef APPLET_HOST_H
 #define APPLET_HOST_H
