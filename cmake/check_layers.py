@@ -31,9 +31,8 @@ ROOMS = [
     ("src/catalogue/build_parameter_info.cpp", [*CATALOGUE, *MEMBERS]),
     ("src/catalogue/publish_parameter_tables.cpp", [*CATALOGUE, "src/entry/PublishedParameters.h"]),
     ("src/catalogue/**", CATALOGUE),
-    # State and pure limits of a subject, and the checks that throw.
+    # State and pure limits of a subject.
     ("src/image/*.h", [*CATALOGUE, "src/image/*.h"]),
-    ("src/trigger/trigger_inputs.h", [*CATALOGUE, "src/entry/setter_tools.h"]),
     ("src/trigger/*.h", [*CATALOGUE, "src/trigger/*.h"]),
     # The setters of a subject.
     ("src/image/*.cpp", [*CATALOGUE, *MEMBERS, "src/image/*.h", "src/files/*.h"]),

@@ -9,12 +9,10 @@
 #include "catalogue/enumerations.h"
 #include "catalogue/parameter_tree.h"
 #include "support/quietly.h"
+#include "support/refuse.h"
 #include "vexo/fg_errors.h"
 
 #include <cstdint>
-
-// The checks are inlined whole: the cost of a throw is the frames that it passes.
-[[noreturn, gnu::always_inline]] inline void refuse(int code) { throw code; }
 
 [[gnu::always_inline]] inline void requireEntry(catalogue::EnumTable table, std::uint32_t value) {
     if (!catalogue::contains(table, value)) refuse(FG_ERR_OUT_OF_RANGE);
