@@ -1,4 +1,4 @@
-/** The accesses of one board in order: numbers are kept, lines are made when they are asked for. */
+/** The accesses of one board in order. Lines of text are made on demand. */
 #ifndef VIRTUAL_BOARD_ACCESS_LOG_H
 #define VIRTUAL_BOARD_ACCESS_LOG_H
 

@@ -41,7 +41,7 @@ Board::AccessLock::AccessLock(Board& board, int kind) : m_held(board.m_mutex) {
     board.m_mutex.lock();
     if (board.m_watcher.function == nullptr || !board.m_log.includes(kind)) return;
     const Watcher watcher = board.m_watcher;
-    board.m_mutex.unlock(); // the host may do what it likes, even end its thread
+    board.m_mutex.unlock(); // the host may call the board, or even end its thread
     watcher.function(watcher.context);
     board.m_mutex.lock();
 }

@@ -5,7 +5,7 @@ namespace {
 
 constexpr const char* runtimeGroup = "Runtime";
 
-/** Length of the first part of a name: up to "_", but a mere number belongs to the part before it. */
+/** Length of the first part of a name: up to "_", but a number belongs to the part before it. */
 std::size_t lengthOfPart(std::string_view name) {
     std::size_t end = name.find('_');
     while (end != std::string_view::npos) {

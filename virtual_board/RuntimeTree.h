@@ -16,7 +16,7 @@ namespace vboard {
 
 /**
  * Groups follow the parts of the names ("Device1" > "Process0" > "Buffer_0" > ...); the top-level chain ends
- * with the group of the runtime's own parameters. A leaf bears the full name and the id. The values are those
+ * with the group of the runtime's own parameters. A leaf has the full name and the id. The values are those
  * at the time when the tree is made. Everything belongs to the tree.
  */
 class RuntimeTree {

@@ -38,7 +38,7 @@ std::optional<Run> runOf(int tag, const void* record) {
     std::memcpy(&access, bytes, sizeof access);
     auto* elements = static_cast<char*>(access.values);
     if (elements == nullptr && access.count > 0) return std::nullopt;
-    // Records of single elements: their values come one after the other, whatever index they bear.
+    // Records of single elements: their values come one after the other, whatever their index is.
     if (access.vtype == FG_PARAM_FIELD_INT)
         return Run{access.index, access.count, Type::u32, elements, sizeof(FieldParameterInt_s)};
     const auto type = typeOfTag(access.vtype);

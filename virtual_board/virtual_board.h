@@ -54,7 +54,7 @@ void vboard_fail_init(bool fail, int lastError);
 /** All of the above back to normal. */
 void vboard_restore_design(void);
 
-/** What an access was. Bits, so that they serve as a mask too. */
+/** What an access was. Bits, so that they form a mask. */
 enum {
     VBOARD_SET = 1,            /**< typed set of a design parameter */
     VBOARD_GET = 2,            /**< typed get of a design parameter or of one of the runtime's own */
@@ -110,7 +110,7 @@ void vboard_last_error(LOOMdevice* board, int code);
 /** Saves or loads a configuration file: Fg_saveConfig or Fg_loadConfig of an applet. */
 typedef int vboard_config_function(Fg_Struct* fg, const char* file);
 /** What the runtime's Fg_saveConfig and Fg_loadConfig call with the applet's handle `fg`; before,
- *  and with null functions, they answer -2130. They may come back to the board. */
+ *  and with null functions, they answer -2130. They may call the board. */
 void vboard_attach_applet(LOOMdevice* board, Fg_Struct* fg, vboard_config_function* save,
                           vboard_config_function* load);
 

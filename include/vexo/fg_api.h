@@ -1,7 +1,7 @@
 /**
  * The functions that libGrab_TwinLaneLineColor.so exports.
  *
- * They bear the names of the grabber runtime's own functions; the runtime sends a caller's calls for a handle
+ * They have the names of the grabber runtime's own functions; the runtime sends a caller's calls for a handle
  * of this applet to them. `fg` is the caller's handle: its first word is the object that Std_entry returned.
  *
  * Unless a function says otherwise:
@@ -227,7 +227,7 @@ int Fg_getParameterIdByName(Fg_Struct* fg, const char* name);
 
 /**
  * Root record of parameter tree `index`; 0 is the only one. Null for another index or a bad handle, and when
- * there is no runtime behind the handle (FG_INFO_OFFLINE_TREE serves then). Records belong to the object and
+ * there is no runtime behind the handle (use FG_INFO_OFFLINE_TREE then). Records belong to the object and
  * live as long as it does. Nothing is stored.
  */
 RegisterInfo* Fg_getParameterInfo(Fg_Struct* fg, int index);

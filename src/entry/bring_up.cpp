@@ -50,7 +50,7 @@ void FgLoomWrapperImpl::initializeMembers() {
 }
 
 void FgLoomWrapperImpl::applyDefaults() {
-    // In the order of the rows: later setters see the effect of earlier ones. A failure stops nothing.
+    // In the order of the rows: later setters see the effect of earlier ones. Failures are ignored.
     for (const SdkParameter& parameter : sdkParameters)
         if (const void* start = valueOf(parameter.start))
             quietly([&] { parameter.set(*this, start, parameter.type); });
@@ -64,7 +64,7 @@ void* Std_entry(LOOMdevice* device, int* error, int flags) {
     result = wrapper->initializeDllFunctions(runtimeLibrary);
     if (result != FG_OK) return nullptr;
 
-    // Whatever throws from here on: a design without an owner goes before the object.
+    // If anything throws from here on, a design without an owner is unloaded before the object ends.
     const char* name = FgLoomWrapperImpl::tslFileName();
     std::unique_ptr<fpga_design, UnloadDesign> design(loadDesign(name));
     if (design == nullptr) {

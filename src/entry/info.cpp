@@ -1,4 +1,4 @@
-// The stateless query function: what a runtime can learn of this applet without an object.
+// The stateless query function: what a runtime can ask about this applet without an object.
 
 #include "catalogue/enumerations.h"
 #include "entry/FgLoomWrapperImpl.h"

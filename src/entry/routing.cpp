@@ -32,7 +32,7 @@ void copyText(std::string_view text, char* destination) {
     destination[text.size()] = '\0';
 }
 
-/** What is beyond it in a text that is handed out is cut. */
+/** Longer allocated texts are truncated. */
 constexpr std::size_t longestAllocatedText = 655360;
 
 /** The result of an access that throws its code. Other exceptions are not ours and go on. */
@@ -144,7 +144,7 @@ int FgLoomWrapperImpl::Fg_freeParameterStringWithType(int id, void* value, int d
     if (isDesignParameter(id))
         return fgError().setErr(
             freeUnwrappedParameterString(id - FG_DIRECT_PARAMETER_BASE, value, dma, type));
-    // Unlike set and get, nothing here catches the code for an unknown DMA channel: it leaves as a throw.
+    // Unlike set and get, the code for an unknown DMA channel is thrown to the caller here.
     requireKnownDma(dma);
     if (isServedByRuntime(id)) return freeUnwrappedParameterString(id, value, dma, type);
 

@@ -44,7 +44,7 @@ int FgLoomWrapper::runFgInit(const char* tslName, LOOMdevice* device, fpga_desig
     if (own.initHandleSlaveAware != nullptr) {
         own.grabcoreFg = own.initHandleSlaveAware(tslName, device, design, flags);
     } else {
-        used = "Fg_InitHandle"; // knows no slaves: the flags are lost
+        used = "Fg_InitHandle"; // has no flags: they are lost
         own.grabcoreFg = own.initHandle(tslName, device, design);
     }
     if (own.grabcoreFg == nullptr) {

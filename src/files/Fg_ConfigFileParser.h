@@ -23,7 +23,7 @@ class Fg_Log;
  * further lines. A line ends at a NUL byte. Nothing of the file is kept: each parse call reads it from its start, but
  * for the keys of prepareKeys().
  *
- * A parser serves one file and one thread at a time; several work side by side. The log may be null.
+ * A parser is used for one file and by one thread at a time; several can run in parallel. The log may be null.
  */
 class Fg_ConfigFileParser {
 public:
@@ -109,7 +109,7 @@ private:
                     int (Fg_ConfigFileParser::*convert)(const char*, T*) const);
 
     TextFile m_file;
-    std::string m_line; // the one written or found last: its memory serves the next
+    std::string m_line; // the last one written or found; its memory is reused
     Fg_Log* m_log;
     std::string m_preparedSection;
     /** The line of each prepared key, or nothing where the section lacks it. */

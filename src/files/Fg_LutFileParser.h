@@ -28,7 +28,7 @@ struct KneeLookupTable_s {
 /**
  * Writes and reads lookup tables as lines of text: keys ("id=0;") and elements ("17,42;") below the line of
  * their section ("[red]"). The reader is lenient: only a file that cannot be opened, or memory that cannot be
- * had, is an error. Takes no lock and shares no state: any number of parsers work side by side, each in one
+ * had, is an error. Takes no lock and shares no state: any number of parsers run in parallel, each in one
  * thread. Throws nothing. What is opened stays open until the next file or the end of the parser.
  */
 class Fg_LutFileParser {

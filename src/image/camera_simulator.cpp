@@ -1,4 +1,4 @@
-// Camera simulator: test patterns of a chosen size and speed in the place of the camera.
+// Camera simulator: test patterns of a chosen size and speed instead of a camera.
 //
 // It emits 32 pixels in each cycle of 8 ns, so widths and line gaps are multiples of 32 pixels. In pixel
 // frequency mode a sequence of 2000 cycles holds some active ones; in the rate modes a line is stretched to a
@@ -34,10 +34,10 @@ std::uint32_t wholeCycles(std::uint32_t width) {
     return (width + pixelsPerCycle - 1) / pixelsPerCycle * pixelsPerCycle;
 }
 
-/** Without a fraction, in 32 of 64 bits. */
+/** Truncated to the lowest 32 of 64 bits. */
 std::uint32_t counted(double number) { return static_cast<std::uint32_t>(truncated<std::int64_t>(number)); }
 
-/** What a speed mode makes of the parameters that depend on it. */
+/** The access of the parameters that depend on a speed mode. */
 struct SpeedMode {
     std::uint32_t mode;
     std::uint32_t frequency, lineRate, frameRate, lineGap, frameGap; // their access

@@ -1,5 +1,5 @@
 // Debug interface: the places of the image path where images can be injected and watched, and the bring-up
-// step that learns from the design what cannot be known at build time.
+// step that reads from the design what is not known at build time.
 //
 // The design has the path of each point; the names of its parameters are composed here, and their ids
 // looked up, at each access.
@@ -82,7 +82,7 @@ void FgLoomWrapperImpl::discoverDebugEntries(RuntimeTextRoom& room) {
 }
 
 void FgLoomWrapperImpl::discoverDebugInterface() {
-    // The first failure ends the step, and what was found before stays: the object comes up all the same.
+    // The first failure ends the step, and what was found before stays: bring-up goes on.
     quietly([this] {
         RuntimeTextRoom room;
         discoverDebugEntries(room);
@@ -143,7 +143,7 @@ void FgLoomWrapperImpl::updateDebugPixelRange() {
 // design for is not kept here.
 
 void FgLoomWrapperImpl::set_FG_DEBUGSOURCE(std::uint32_t value) {
-    // Without points the limit wraps, and anything passes.
+    // Without points the limit wraps, and every value is accepted.
     RuntimeTextRoom room;
     const std::string entries = requireText(room, debugName("Entries"));
     requireAtMost(value, static_cast<std::uint32_t>(digitAt(entries, 0) - 1));
@@ -178,7 +178,7 @@ void FgLoomWrapperImpl::set_FG_DEBUGFILE(const char* path) {
 void FgLoomWrapperImpl::set_FG_DEBUGINSERT(std::uint32_t value) {
     requireEntry(enumApply, value);
     Replacement stored(m_debugInsert, value);
-    readDebugInEnable(); // a point that cannot be read gets no image
+    readDebugInEnable(); // no image for a point that cannot be read
     writeDebug("_Insert", &value, FG_PARAM_UINT32);
     stored.keep();
 }

@@ -1,4 +1,4 @@
-/** What a format of the output is called, and how wide its components are. */
+/** Names of output formats, and the width of their components. */
 #ifndef IMAGE_FORMAT_TABLE_H
 #define IMAGE_FORMAT_TABLE_H
 

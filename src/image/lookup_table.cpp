@@ -1,5 +1,5 @@
 // Lookup table and processing: three tables of 14 bits in and 16 bits out, from a formula, a file, or entry
-// by entry. The caches are what a get answers; the design is never read.
+// by entry. A get answers from the caches; the design is never read.
 
 #include "catalogue/live_records.h"
 #include "entry/sdk_parameters.h"
@@ -29,7 +29,7 @@ constexpr FgLoomWrapperImpl::LutColor FgLoomWrapperImpl::lutBlue{
 
 namespace {
 
-/** What a file holds, freed at the end. */
+/** The tables of a file, freed at the end. */
 struct LoadedTables {
     LookupTable_s tables[3]{};
 

@@ -1,4 +1,4 @@
-/** What a pixel format code says of a pixel's size in memory. */
+/** Size of a pixel in memory, from its format code. */
 #ifndef IMAGE_PIXEL_LAYOUT_H
 #define IMAGE_PIXEL_LAYOUT_H
 

@@ -24,7 +24,7 @@ struct SensorGeometry {
 
     bool mirrorsLines() const;  // a right vantage point
     bool mirrorsFrames() const; // a bottom vantage point
-    /** Refuse a region that is not within the sensor, as far as that counts. */
+    /** Refuse a region outside of the sensor, in the directions in which the vantage point mirrors. */
     void checkRoiX() const;
     void checkRoiY() const;
 

@@ -112,7 +112,7 @@ void FgLoomWrapperImpl::set_FG_STROBEPULSEDELAY(std::uint32_t value) {
 
 void FgLoomWrapperImpl::set_FG_SENDSOFTWARETRIGGER(std::uint32_t value) {
     requireEntry(enumApply, value);
-    // One pulse for each write; nothing takes it back.
+    // One pulse for each write; it cannot be undone.
     storeAndWrite(m_sendSoftwareTrigger, value,
                   &FgLoomWrapperImpl::loomSet_Process0_Trigger_Trigger_SoftwareTrgPulse);
 }

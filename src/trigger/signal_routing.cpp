@@ -98,7 +98,7 @@ void FgLoomWrapperImpl::applyRoute(const SignalRoute& route, std::uint32_t sourc
     const DesignSignal signal = resolveSignalSource(source, polarity);
     (this->*route.writeSelect)(signal.select);
     (this->*route.writeInvert)(signal.invert);
-    // Only now: a failure leaves what the design last took as a whole.
+    // Only now: after a failure the pair is as the design last accepted it.
     this->*route.source = source;
     this->*route.polarity = polarity;
 }
