@@ -27,8 +27,8 @@ struct KneeLookupTable_s {
 
 /**
  * Writes and reads lookup tables as lines of text: keys ("id=0;") and elements ("17,42;") below the line of
- * their section ("[red]"). The reader is lenient: only a file that cannot be opened, or memory that cannot be
- * had, is an error. Takes no lock and shares no state: any number of parsers run in parallel, each in one
+ * their section ("[red]"). The reader is lenient: only a file that cannot be opened, or lack of memory,
+ * is an error. Takes no lock and shares no state: any number of parsers run in parallel, each in one
  * thread. Throws nothing. What is opened stays open until the next file or the end of the parser.
  */
 class Fg_LutFileParser {

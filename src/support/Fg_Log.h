@@ -1,4 +1,4 @@
-/** The text log that the file parsers take as a companion. */
+/** The text log of the file parsers. */
 #ifndef SUPPORT_FG_LOG_H
 #define SUPPORT_FG_LOG_H
 

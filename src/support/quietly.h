@@ -4,7 +4,7 @@
 
 #include <cxxabi.h>
 
-/** Performs something and drops whatever it throws. A cancelled thread goes on unwinding. */
+/** Performs an operation and ignores what it throws. A cancelled thread goes on unwinding. */
 template <typename Action> void quietly(Action action) {
     try {
         action();
