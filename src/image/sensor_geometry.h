@@ -24,7 +24,7 @@ struct SensorGeometry {
 
     bool mirrorsLines() const;  // a right vantage point
     bool mirrorsFrames() const; // a bottom vantage point
-    /** Refuse a region outside of the sensor, in the directions in which the vantage point mirrors. */
+    /** Refuse a region that does not fit. The size of the sensor counts only where the vantage point mirrors. */
     void checkRoiX() const;
     void checkRoiY() const;
 
