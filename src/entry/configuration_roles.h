@@ -46,13 +46,12 @@ inline constexpr FileRole StoredAndApplied{
 } // namespace file_roles
 
 /** The role with the variable that it stores into. */
-template <auto source> consteval FileRole withMember(FileRole role) {
+template <auto source> constexpr FileRole withMember(FileRole role) {
     if (!role.storesSource) return role;
     if constexpr (std::is_constructible_v<StoredMember, decltype(source)>)
-        role.member = source;
+        return {role.saved, role.required, role.storesSource, role.applied, source};
     else
         throw "nothing to store into"; // in a constant expression: does not compile
-    return role;
 }
 
 #endif

@@ -121,7 +121,7 @@ struct Field {
     using Value = FieldRecord;
     static constexpr FgParamTypes type = FG_PARAM_FIELD_INT;
 
-    static FieldRecord take(const void* record, FgParamTypes type) { return {record, type}; }
+    static FieldRecord take(const void* record, FgParamTypes tag) { return {record, tag}; }
     template <auto member> static consteval ValueSource source() {
         return [](FgLoomWrapperImpl& wrapper, const SdkParameter&, void* value, int, FgParamTypes type) {
             readField(std::invoke(member, wrapper), value, type);
