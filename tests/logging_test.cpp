@@ -44,11 +44,8 @@ TEST(SdkDirectory, IsTheParentOfAKnownFolderAboveTheFile) {
         {"lib/y.so", ""},
         {"y.so", ""},
     };
-    for (const auto& [file, expected] : cases) {
-        std::string path = file;
-        const bool found = climbToSdkDirectory(path.data());
-        EXPECT_EQ(found ? path.c_str() : "", expected) << file;
-    }
+    for (const auto& [file, expected] : cases)
+        EXPECT_EQ(sdkDirectoryAbove(file), expected) << file;
 }
 
 TEST(SdkDirectory, IsCopiedFromTheEnvironmentWithinBounds) {

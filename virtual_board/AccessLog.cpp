@@ -2,6 +2,7 @@
 
 #include "design_tables.h"
 #include "numbers.h"
+#include "runtime_entries.h"
 #include "vexo/fg_api.h"
 #include "virtual_board.h"
 
@@ -16,7 +17,7 @@ std::string subjectOf(const Access& access) {
     const auto row = static_cast<std::size_t>(access.row);
     const std::string byId = "#" + std::to_string(access.id);
     if (access.row < 0) return byId;
-    if (access.kind == VBOARD_CALL) return std::string(runtimeEntries[row]);
+    if (access.kind == VBOARD_CALL) return std::string(runtimeEntries[row].name);
     if ((access.kind & (VBOARD_REGISTER_READ | VBOARD_REGISTER_WRITE)) != 0) return registerRows()[row].name;
     return parameterRows()[row].number == 0 ? parameterRows()[row].name : byId;
 }
@@ -47,7 +48,9 @@ std::string tagWord(int tag) {
 } // namespace
 
 // So much room at the start that a session seldom has to grow the log; what is not used costs no memory.
-AccessLog::AccessLog() { m_accesses.reserve(16384); }
+AccessLog::AccessLog() : m_kinds(VBOARD_SET | VBOARD_GET | VBOARD_REGISTER_WRITE | VBOARD_REGISTER_READ) {
+    m_accesses.reserve(16384);
+}
 
 void AccessLog::add(const Access& access) {
     if (m_accesses.size() < capacity) m_accesses.push_back(access);

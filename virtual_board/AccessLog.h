@@ -1,4 +1,4 @@
-/** The accesses of one board in order: numbers are kept, lines are made when they are asked for. */
+/** The accesses of one board in order. Lines of text are made on demand. */
 #ifndef VIRTUAL_BOARD_ACCESS_LOG_H
 #define VIRTUAL_BOARD_ACCESS_LOG_H
 
@@ -29,14 +29,20 @@ public:
     static constexpr std::size_t capacity = 1'000'000;
 
     AccessLog();
+    /** Whether accesses of a kind are logged, and counted for faults. At start all but VBOARD_RESOLVE and
+     *  VBOARD_CALL. */
+    bool includes(int kind) const { return (m_kinds & static_cast<unsigned>(kind)) != 0; }
+    void setKinds(unsigned mask) { m_kinds = mask; }
+
     void add(const Access& access);
-    /** The same for an access whose value is a text. */
+    /** The same for an access with a text as its value. */
     void add(Access access, std::string text);
     std::size_t size() const { return m_accesses.size(); }
     void clear();
     std::string line(std::size_t index) const;
 
 private:
+    unsigned m_kinds;
     std::vector<Access> m_accesses;
     std::vector<std::string> m_texts;
 };

@@ -1,6 +1,7 @@
 #include "Design.h"
 
 #include "design_tables.h"
+#include "runtime_entries.h"
 
 #include <algorithm>
 #include <array>

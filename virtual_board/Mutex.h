@@ -22,7 +22,7 @@
 
 namespace vboard {
 
-/** The standard library's mutex, whose own type carries no attributes. */
+/** The standard library's mutex with attributes, which its own type lacks. */
 class CAPABILITY("mutex") Mutex {
 public:
     void lock() ACQUIRE() NO_THREAD_SAFETY_ANALYSIS { m_mutex.lock(); }

@@ -5,7 +5,7 @@ namespace {
 
 constexpr const char* runtimeGroup = "Runtime";
 
-/** Length of the first part of a name: up to "_", but a mere number belongs to the part before it. */
+/** Length of the first part of a name: up to "_", but a number belongs to the part before it. */
 std::size_t lengthOfPart(std::string_view name) {
     std::size_t end = name.find('_');
     while (end != std::string_view::npos) {
@@ -102,7 +102,7 @@ void RuntimeTree::describeEntries(RegisterInfo& record, const ParameterRow& row,
     enumeration.symbolicNames = symbols.data();
     enumeration.values = values.data();
     enumeration.value = static_cast<std::int32_t>(value);
-    // Nothing is told of the entries beyond that, but a reader may look.
+    // Empty arrays: readers index them without a null check.
     record.enumEntryDescriptions = m_words.emplace_back(values.size()).data();
     record.enumEntryToolTips = m_words.emplace_back(values.size()).data();
     record.enumEntryGenICamNames = m_words.emplace_back(values.size()).data();
@@ -126,7 +126,11 @@ void RuntimeTree::addLeaf(Board& board, int at) {
     if (row.writable) record.access |= REGISTER_ACCESS_WRITE | REGISTER_ACCESS_WRITE_WHILE_ACQUIRING;
     link(record, group);
 
-    const std::uint64_t value = board.number(at);
+    describeValue(record, row, board.values().number(at));
+    if (row.type == Type::text) record.value.string.text = keep(board.values().text(at));
+}
+
+void RuntimeTree::describeValue(RegisterInfo& record, const ParameterRow& row, std::uint64_t value) {
     if (!row.entries.empty()) {
         record.kind = REGISTER_KIND_ENUM;
         describeEntries(record, row, value);
@@ -156,7 +160,6 @@ void RuntimeTree::addLeaf(Board& board, int at) {
         break;
     case Type::text:
         record.kind = REGISTER_KIND_STRING;
-        record.value.string.text = keep(board.text(at));
         break;
     case Type::field:
         record.kind = REGISTER_KIND_UINT_FIELD;

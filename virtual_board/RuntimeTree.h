@@ -16,7 +16,7 @@ namespace vboard {
 
 /**
  * Groups follow the parts of the names ("Device1" > "Process0" > "Buffer_0" > ...); the top-level chain ends
- * with the group of the runtime's own parameters. A leaf bears the full name and the id. The values are those
+ * with the group of the runtime's own parameters. A leaf has the full name and the id. The values are those
  * at the time when the tree is made. Everything belongs to the tree.
  */
 class RuntimeTree {
@@ -36,6 +36,8 @@ private:
     void describe(RegisterInfo& record, std::string_view label);
     void link(RegisterInfo& record, Group& parent);
     void addLeaf(Board& board, int row) REQUIRES(board.mutex());
+    /** Kind, limits and number; a text is left out. */
+    void describeValue(RegisterInfo& record, const ParameterRow& row, std::uint64_t value);
     void describeEntries(RegisterInfo& record, const ParameterRow& row, std::uint64_t value);
 
     std::deque<std::string> m_texts;

@@ -4,10 +4,12 @@
 
 #include "Board.h"
 #include "Design.h"
+#include "runtime_entries.h"
 #include "vexo/fg_errors.h"
 
 #include <bit>
 #include <cstring>
+#include <string>
 
 using namespace vboard;
 
@@ -37,32 +39,49 @@ void vboard_fail_init(bool fail, int lastError) { failInit(fail, lastError); }
 void vboard_restore_design(void) { restoreDesign(); }
 
 void vboard_log_kinds(LOOMdevice* board, unsigned mask) {
-    if (board != nullptr) board->setLogKinds(mask);
+    if (board == nullptr) return;
+    const MutexLock lock(board->mutex());
+    board->log().setKinds(mask);
 }
 
-size_t vboard_log_size(LOOMdevice* board) { return board != nullptr ? board->logSize() : 0; }
+size_t vboard_log_size(LOOMdevice* board) {
+    if (board == nullptr) return 0;
+    const MutexLock lock(board->mutex());
+    return board->log().size();
+}
 
 int vboard_log_line(LOOMdevice* board, size_t index, char* text, size_t size) {
     if (board == nullptr || text == nullptr) return VBOARD_UNKNOWN;
-    const auto line = board->logLine(index);
-    if (!line) return VBOARD_UNKNOWN;
-    if (line->size() >= size) return VBOARD_TOO_SMALL;
-    std::memcpy(text, line->c_str(), line->size() + 1);
-    return static_cast<int>(line->size());
+    const MutexLock lock(board->mutex());
+    if (index >= board->log().size()) return VBOARD_UNKNOWN;
+    const std::string line = board->log().line(index);
+    if (line.size() >= size) return VBOARD_TOO_SMALL;
+    std::memcpy(text, line.c_str(), line.size() + 1);
+    return static_cast<int>(line.size());
 }
 
 void vboard_log_clear(LOOMdevice* board) {
-    if (board != nullptr) board->clearLog();
+    if (board == nullptr) return;
+    const MutexLock lock(board->mutex());
+    board->log().clear();
 }
 
 void vboard_fail_access(LOOMdevice* board, unsigned k, int code, int how) {
-    if (board != nullptr) board->failAccess(k, code, how == VBOARD_FROM_THEN_ON);
+    if (board == nullptr) return;
+    const MutexLock lock(board->mutex());
+    board->faults().failAccess(k, code, how == VBOARD_FROM_THEN_ON);
 }
 
-unsigned vboard_access_count(LOOMdevice* board) { return board != nullptr ? board->accessCount() : 0; }
+unsigned vboard_access_count(LOOMdevice* board) {
+    if (board == nullptr) return 0;
+    const MutexLock lock(board->mutex());
+    return board->faults().accessCount();
+}
 
 int vboard_fail_name(LOOMdevice* board, const char* name, int code) {
-    return known(board != nullptr && name != nullptr && board->failName(name, code));
+    if (board == nullptr || name == nullptr) return VBOARD_UNKNOWN;
+    const MutexLock lock(board->mutex());
+    return known(board->faults().failName(name, code));
 }
 
 void vboard_on_access(LOOMdevice* board, vboard_access_function* function, void* context) {
@@ -70,18 +89,11 @@ void vboard_on_access(LOOMdevice* board, vboard_access_function* function, void*
 }
 
 int vboard_answer(LOOMdevice* board, const char* function, int64_t value) {
-    // Only those that end in a number and have no values and texts to answer besides.
-    constexpr const char* answering[] = {
-        "Fg_FreeGrabber", "Fg_saveConfig",         "Fg_loadConfig",
-        "Fg_getAppletId", "Fg_AcquireEx",          "Fg_stopAcquireEx",
-        "Fg_getStatusEx", "Fg_getLastPicNumberEx", "Fg_getLastPicNumberBlockingEx"};
-    if (board == nullptr || function == nullptr) return VBOARD_UNKNOWN;
-    for (const char* name : answering) {
-        if (std::strcmp(name, function) != 0) continue;
-        board->setAnswer(findEntry(name), value);
-        return VBOARD_OK;
-    }
-    return VBOARD_UNKNOWN;
+    const int entry = board != nullptr && function != nullptr ? findEntry(function) : -1;
+    if (entry < 0 || runtimeEntries[entry].answer != RuntimeEntry::forcible) return VBOARD_UNKNOWN;
+    const MutexLock lock(board->mutex());
+    board->faults().setAnswer(entry, value);
+    return VBOARD_OK;
 }
 
 void vboard_attach_applet(LOOMdevice* board, Fg_Struct* fg, vboard_config_function* save,
@@ -94,47 +106,58 @@ void vboard_last_error(LOOMdevice* board, int code) {
 }
 
 int vboard_poke_int(LOOMdevice* board, const char* name, int64_t value) {
-    return known(board != nullptr && name != nullptr &&
-                 board->poke(name, Type::i64, static_cast<std::uint64_t>(value)));
+    if (board == nullptr || name == nullptr) return VBOARD_UNKNOWN;
+    const MutexLock lock(board->mutex());
+    return known(board->values().poke(name, Type::i64, static_cast<std::uint64_t>(value)));
 }
 
 int vboard_poke_after_read(LOOMdevice* board, const char* name, int64_t value) {
-    return known(board != nullptr && name != nullptr &&
-                 board->pokeAfterRead(name, static_cast<std::uint64_t>(value)));
+    if (board == nullptr || name == nullptr) return VBOARD_UNKNOWN;
+    const MutexLock lock(board->mutex());
+    return known(board->values().pokeAfterRead(name, static_cast<std::uint64_t>(value)));
 }
 
 int vboard_poke_double(LOOMdevice* board, const char* name, double value) {
-    return known(board != nullptr && name != nullptr &&
-                 board->poke(name, Type::f64, std::bit_cast<std::uint64_t>(value)));
+    if (board == nullptr || name == nullptr) return VBOARD_UNKNOWN;
+    const MutexLock lock(board->mutex());
+    return known(board->values().poke(name, Type::f64, std::bit_cast<std::uint64_t>(value)));
 }
 
 int vboard_raise_event(LOOMdevice* board, const char* name) {
-    return known(board != nullptr && name != nullptr && board->raiseEvent(name));
+    if (board == nullptr || name == nullptr || !isEvent(name)) return VBOARD_UNKNOWN;
+    const MutexLock lock(board->mutex());
+    board->events().raise(name);
+    return VBOARD_OK;
 }
 
 int vboard_poke_text(LOOMdevice* board, const char* name, const char* value) {
-    return known(board != nullptr && name != nullptr && value != nullptr && board->pokeText(name, value));
+    if (board == nullptr || name == nullptr || value == nullptr) return VBOARD_UNKNOWN;
+    const MutexLock lock(board->mutex());
+    return known(board->values().pokeText(name, value));
 }
 
 int vboard_peek_int(LOOMdevice* board, const char* name, int64_t* value) {
+    if (board == nullptr || name == nullptr || value == nullptr) return VBOARD_UNKNOWN;
+    const MutexLock lock(board->mutex());
     std::uint64_t bits = 0;
-    if (board == nullptr || name == nullptr || value == nullptr || !board->peek(name, Type::i64, bits))
-        return VBOARD_UNKNOWN;
+    if (!board->values().peek(name, Type::i64, bits)) return VBOARD_UNKNOWN;
     *value = static_cast<std::int64_t>(bits);
     return VBOARD_OK;
 }
 
 int vboard_peek_double(LOOMdevice* board, const char* name, double* value) {
+    if (board == nullptr || name == nullptr || value == nullptr) return VBOARD_UNKNOWN;
+    const MutexLock lock(board->mutex());
     std::uint64_t bits = 0;
-    if (board == nullptr || name == nullptr || value == nullptr || !board->peek(name, Type::f64, bits))
-        return VBOARD_UNKNOWN;
+    if (!board->values().peek(name, Type::f64, bits)) return VBOARD_UNKNOWN;
     *value = std::bit_cast<double>(bits);
     return VBOARD_OK;
 }
 
 int vboard_peek_field(LOOMdevice* board, const char* name, uint32_t first, uint32_t count, uint32_t* values) {
-    return known(board != nullptr && name != nullptr && values != nullptr &&
-                 board->peekField(name, first, count, values));
+    if (board == nullptr || name == nullptr || values == nullptr) return VBOARD_UNKNOWN;
+    const MutexLock lock(board->mutex());
+    return known(board->values().peekField(name, first, count, values));
 }
 
 int vboard_live(const char* what) {
@@ -143,12 +166,4 @@ int vboard_live(const char* what) {
     for (std::size_t kind = 0; what != nullptr && kind < std::size(names); ++kind)
         if (std::strcmp(names[kind], what) == 0) return Live::count(static_cast<Live::Kind>(kind));
     return VBOARD_UNKNOWN;
-}
-
-int VexoRegisterRead(LOOMdevice* board, int reg, uint64_t* value) {
-    return board != nullptr ? board->readRegister(reg, value) : FG_ERR_INVALID_HANDLE;
-}
-
-int VexoRegisterWrite(LOOMdevice* board, int reg, uint64_t value) {
-    return board != nullptr ? board->writeRegister(reg, value) : FG_ERR_INVALID_HANDLE;
 }

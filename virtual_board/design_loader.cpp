@@ -1,4 +1,4 @@
-// The design loader, libtslrt.so. Any image will do: what a design is, the tables tell.
+// The design loader, libtslrt.so. Any image is accepted: the tables define the design.
 
 #include "vexo/design_loader.h"
 

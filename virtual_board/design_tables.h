@@ -1,5 +1,5 @@
 /**
- * What the virtual design consists of: its parameters, registers and events, each told in one table.
+ * What the virtual design consists of: its parameters, registers and events, one table for each.
  *
  * The tables are the model's own; nothing here is shared with the applet library.
  */
@@ -147,43 +147,6 @@ inline constexpr int firstParameterId = 10001;
 int rowOfId(int id);
 /** Id of a row. */
 int idOfRow(int row);
-
-/** Functions of the runtime. All but the two init functions take the handle. */
-inline constexpr std::string_view runtimeEntries[] = {
-    "Fg_InitHandleSlaveAware",
-    "Fg_InitHandle",
-    "Fg_FreeGrabber",
-    "Fg_getLastErrorNumber",
-    "Fg_getParameterIdByName",
-    "Fg_setParameterWithType",
-    "Fg_getParameterWithType",
-    "Fg_freeParameterStringWithType",
-    "Fg_setParameter",
-    "Fg_getParameter",
-    "Fg_getParameterInfo",
-    "Fg_saveConfig",
-    "Fg_loadConfig",
-    "Fg_getAppletId",
-    "Fg_AcquireEx",
-    "Fg_stopAcquireEx",
-    "Fg_getStatusEx",
-    "Fg_getLastPicNumberEx",
-    "Fg_getLastPicNumberBlockingEx",
-};
-
-/** Number of a function of the runtime, or -1. */
-constexpr int findEntry(std::string_view name) {
-    for (std::size_t i = 0; i < std::size(runtimeEntries); ++i)
-        if (runtimeEntries[i] == name) return static_cast<int>(i);
-    return -1;
-}
-
-/** The same for a name in our own sources; a wrong one does not compile. */
-consteval int entry(std::string_view name) {
-    const int found = findEntry(name);
-    if (found < 0) throw "no function of the runtime";
-    return found;
-}
 
 } // namespace vboard
 

@@ -31,7 +31,7 @@ template <typename Number> std::uint64_t packed(Number value) {
         return std::uint64_t{value};
 }
 
-/** Calls `use` with a value of the C++ type that stands behind a number's type. */
+/** Calls `use` with a value of the C++ type of a number. */
 template <typename Use> auto withNumber(Type type, std::uint64_t bits, Use use) {
     switch (type) {
     case Type::i32:

@@ -10,7 +10,7 @@
 
 namespace vboard {
 
-/** What a type tag of a typed access stands for; nothing for tags of texts handed out and unknown ones. */
+/** The type of a tag; nothing for tags of allocated texts and unknown ones. */
 std::optional<Type> typeOfTag(int tag);
 
 constexpr bool isNumber(Type type) { return type != Type::text && type != Type::field; }

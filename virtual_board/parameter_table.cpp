@@ -151,7 +151,7 @@ constexpr ParameterRow rows[] = {
     u32("Device1_Process1_Trigger_OutputMapping_SelectGPO_Select7_Polarity_Invert", writable, 0),
     u32("Device1_Process1_Trigger_OutputMapping_SelectGPO_Select7_SelectSignal_Select", writable, 0),
 
-    // The inputs of the output format's multiplexer, told as text. Those flagged "1" can be silenced.
+    // The inputs of the output format's multiplexer, as texts. Those flagged "1" can be silenced.
     text("Device1_Process0_OutputFormat_FG_FORMAT_NoOfInputs", readOnly, "5"),
     text("Device1_Process0_OutputFormat_FG_FORMAT_MaxBits", readOnly, "16"),
     text("Device1_Process0_OutputFormat_FG_FORMAT_Input0", readOnly, "FG_COL24"),
@@ -169,7 +169,7 @@ constexpr ParameterRow rows[] = {
     text("Device1_Process0_OutputFormat_FG_FORMAT_Input4", readOnly, "FG_COL48"),
     text("Device1_Process0_OutputFormat_FG_FORMAT_InputFlag4", readOnly, "0"),
 
-    // The debug points, told as text, and what stands behind each of them.
+    // The debug points, as texts, and the parameters of each.
     text("Device1_Process0_Debug_Entries", readOnly, "3"),
     text("Device1_Process0_Debug_Name0", readOnly, "Camera"),
     text("Device1_Process0_Debug_Type0", readOnly, "InjectMonitor"),
@@ -242,7 +242,7 @@ int findParameter(std::string_view name) {
 int rowOfId(int id) {
     const std::int64_t row = std::int64_t{id} - firstParameterId;
     if (row >= 0 && row < std::ssize(rows) && rows[row].number == 0) return static_cast<int>(row);
-    // The runtime's own stand at the end; they are few.
+    // The runtime's own come last; they are few.
     for (std::int64_t own = std::ssize(rows) - 1; own >= 0 && rows[own].number != 0; --own)
         if (rows[own].number == id) return static_cast<int>(own);
     return -1;

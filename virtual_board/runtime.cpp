@@ -1,10 +1,11 @@
-// The runtime, libgrabcore5.so. What each function does stands here; runtime_entries.cpp exports them.
+// The functions of the runtime, libgrabcore5.so; runtime_entries.cpp exports them.
 
 #include "runtime.h"
 
 #include "Board.h"
 #include "RuntimeTree.h"
 #include "design_tables.h"
+#include "runtime_entries.h"
 #include "vexo/fg_errors.h"
 
 #include <algorithm>
@@ -74,7 +75,7 @@ Fg_Struct* initHandle(const char*, LOOMdevice* device, fpga_design* design) {
 }
 
 int freeGrabber(Fg_Struct* fg) {
-    // Freed whatever the answer is: nobody would try again.
+    // Freed whatever the answer is: callers do not retry.
     const std::unique_ptr<Fg_Struct> freed(fg);
     return call(fg, entry("Fg_FreeGrabber"), nothing);
 }
@@ -158,19 +159,20 @@ int stopAcquireEx(Fg_Struct* fg, int dma, void*, int) {
 int64_t getStatusEx(Fg_Struct* fg, int what, intptr_t mask, int, void*) {
     return callWide(fg, entry("Fg_getStatusEx"), [=]() REQUIRES(fg->board.mutex()) {
         return what == VBOARD_STATUS_EVENTS
-                   ? fg->board.takeEvents(*fg->design, static_cast<std::uint64_t>(mask))
-                   : fg->board.picture();
+                   ? fg->board.events().take(*fg->design, static_cast<std::uint64_t>(mask))
+                   : fg->board.acquisition().picture();
     });
 }
 
 int64_t getLastPicNumberEx(Fg_Struct* fg, int, void*) {
     return callWide(fg, entry("Fg_getLastPicNumberEx"),
-                    [fg]() REQUIRES(fg->board.mutex()) { return fg->board.nextPicture(); });
+                    [fg]() REQUIRES(fg->board.mutex()) { return fg->board.acquisition().nextPicture(); });
 }
 
 int64_t getLastPicNumberBlockingEx(Fg_Struct* fg, intptr_t picture, int, int, void*) {
-    return callWide(fg, entry("Fg_getLastPicNumberBlockingEx"),
-                    [&]() REQUIRES(fg->board.mutex()) { return fg->board.waitForPicture(picture); });
+    return callWide(fg, entry("Fg_getLastPicNumberBlockingEx"), [&]() REQUIRES(fg->board.mutex()) {
+        return fg->board.acquisition().waitForPicture(picture);
+    });
 }
 
 } // namespace vboard::runtime

@@ -54,7 +54,7 @@ void vboard_fail_init(bool fail, int lastError);
 /** All of the above back to normal. */
 void vboard_restore_design(void);
 
-/** What an access was. Bits, so that they serve as a mask too. */
+/** What an access was. Bits, so that they form a mask. */
 enum {
     VBOARD_SET = 1,            /**< typed set of a design parameter */
     VBOARD_GET = 2,            /**< typed get of a design parameter or of one of the runtime's own */
@@ -96,7 +96,7 @@ int vboard_fail_name(LOOMdevice* board, const char* name, int code);
 typedef void vboard_access_function(void* context);
 /**
  * Calls `function` with `context` at the beginning of every access that is logged, in the thread that makes it;
- * null: nobody watches. Nothing of the board is held meanwhile: the function may come back to the board, wait
+ * null: no watcher. No lock is held meanwhile: the function may call the board, wait
  * for another thread, or never return because its thread ends there. The access has not happened then.
  */
 void vboard_on_access(LOOMdevice* board, vboard_access_function* function, void* context);
@@ -109,16 +109,16 @@ void vboard_last_error(LOOMdevice* board, int code);
 
 /** Saves or loads a configuration file: Fg_saveConfig or Fg_loadConfig of an applet. */
 typedef int vboard_config_function(Fg_Struct* fg, const char* file);
-/** What the runtime's Fg_saveConfig and Fg_loadConfig call with the applet's handle `fg` once a host has told;
- *  before, and with null functions, they answer -2130. They may come back to the board. */
+/** What the runtime's Fg_saveConfig and Fg_loadConfig call with the applet's handle `fg`; before,
+ *  and with null functions, they answer -2130. They may call the board. */
 void vboard_attach_applet(LOOMdevice* board, Fg_Struct* fg, vboard_config_function* save,
                           vboard_config_function* load);
 
 /** Raises an event of the design (its own name, or one of "Extra0", ...), as the hardware would, once. */
 int vboard_raise_event(LOOMdevice* board, const char* name);
-/** For the first argument of Fg_getStatusEx, which otherwise tells the number of the last picture: how often the
+/** For the first argument of Fg_getStatusEx, which otherwise gives the number of the last picture: how often the
  *  events of the mask in its second argument were raised since they were last asked for. A mask is as
- *  Fg_getEventMask tells it; the events past the 64th have none. */
+ *  Fg_getEventMask gives it; the events past the 64th have none. */
 enum { VBOARD_STATUS_EVENTS = 1000 };
 
 /* The present value of a design parameter or register, past every check: no log, no fault, no direction. */

@@ -1,7 +1,7 @@
 /**
  * The functions that libGrab_TwinLaneLineColor.so exports.
  *
- * They bear the names of the grabber runtime's own functions; the runtime sends a caller's calls for a handle
+ * They have the names of the grabber runtime's own functions; the runtime sends a caller's calls for a handle
  * of this applet to them. `fg` is the caller's handle: its first word is the object that Std_entry returned.
  *
  * Unless a function says otherwise:
@@ -35,7 +35,7 @@ typedef struct Fg_Struct_s Fg_Struct;
 /** Opaque; this applet has no shading hardware. */
 typedef struct ShadingMaster ShadingMaster;
 
-/** Tells how a value is handed through the `value` pointer of a typed access. */
+/** Says how a value is passed through the `value` pointer of a typed access. */
 typedef int FgParamTypes;
 enum {
     FG_PARAM_INT32 = 1,
@@ -43,7 +43,7 @@ enum {
     FG_PARAM_INT64 = 3,
     FG_PARAM_UINT64 = 4,
     FG_PARAM_DOUBLE = 5,
-    /** A character buffer of the caller; nobody knows its size. */
+    /** A character buffer of the caller; its size is not passed. */
     FG_PARAM_TEXT = 6,
     /** On a get: a place for a pointer to a text that the library allocates. */
     FG_PARAM_ALLOCATED_STRING = 22,
@@ -88,11 +88,11 @@ typedef struct FgEventRecord {
 } FgEventRecord;
 
 /**
- * The questions that Info answers. "Gives" is the return value; "stores" means at the caller's place, whose
- * null skips the store unless said otherwise.
+ * The questions that Info answers. "Gives" is the return value; "stores" means at the caller's place; a
+ * null place skips the store unless said otherwise.
  */
 enum FgInfoCode {
-    /* Constants whose meaning is the runtime's: each gives a number. */
+    /* Constants that only the runtime interprets: each gives a number. */
     FG_INFO_848 = 848,
     FG_INFO_1040 = 1040,
     FG_INFO_1045 = 1045,
@@ -161,7 +161,7 @@ enum FgInfoCode {
  * @param device  the runtime's board, kept as a handle only
  * @param error   receives 0 or the failure's code; may be null. FG_ERR_UNRESOLVED: the runtime's library or
  *                its init function is not found; FG_ERR_INIT: the design cannot be loaded (the object is then
- *                left behind on purpose), or the runtime's init failed and gives no reason; else its reason
+ *                left behind), or the runtime's init failed and gives no reason; else its reason
  * @param flags   handed to the runtime. Bit 0 set leaves the hardware as it is: no default value is written
  * @return the object, to be stored in the first word of the caller's handle; null on failure. Fg_FreeGrabber
  *         destroys it. Takes no lock.
@@ -171,7 +171,7 @@ void* Std_entry(LOOMdevice* device, int* error, int flags);
 /**
  * Answers a question about the applet. Needs no object.
  *
- * @param code  FgInfoCode tells what each question takes and gives
+ * @param code  FgInfoCode documents what each question takes and gives
  * @return the answer, or 0 where the answer is stored; FG_ERR_NOT_SUPPORTED for an unknown code,
  *         FG_ERR_INVALID_ARGUMENT for bad arguments. Stores no error. Takes no lock; any thread may ask.
  */
@@ -194,7 +194,7 @@ int Fg_setParameterWithType(Fg_Struct* fg, int id, const void* value, int dma, F
  *
  * @param id     as for Fg_setParameterWithType
  * @param value  receives the value in the parameter's own width, whatever `type` says (texts and array
- *               parameters heed it). With FG_PARAM_INT64 or FG_PARAM_UINT64 the 64-bit word here is cleared
+ *               parameters use it). With FG_PARAM_INT64 or FG_PARAM_UINT64 the 64-bit word here is cleared
  *               first, also when the call then fails. A text read with FG_PARAM_ALLOCATED_STRING belongs to the
  *               object until Fg_freeParameterStringWithType or the object's end
  * @param dma    0, the only DMA channel; FG_NR_OF_PROCESSES takes any
@@ -227,7 +227,7 @@ int Fg_getParameterIdByName(Fg_Struct* fg, const char* name);
 
 /**
  * Root record of parameter tree `index`; 0 is the only one. Null for another index or a bad handle, and when
- * there is no runtime behind the handle (FG_INFO_OFFLINE_TREE serves then). Records belong to the object and
+ * there is no runtime behind the handle (use FG_INFO_OFFLINE_TREE then). Records belong to the object and
  * live as long as it does. Nothing is stored.
  */
 RegisterInfo* Fg_getParameterInfo(Fg_Struct* fg, int index);
@@ -253,9 +253,9 @@ uint64_t Fg_getEventMask(Fg_Struct* fg, const char* name);
 const char* Fg_getEventName(Fg_Struct* fg, uint64_t mask);
 
 /**
- * Saves the state of the parameters to a text file, whose name must hold ".mcf". 0, or FG_ERR_SAVE_CONFIG for
+ * Saves the state of the parameters to a text file; its name must contain ".mcf". 0, or FG_ERR_SAVE_CONFIG for
  * another name, null, or a file that cannot be created; a getter that fails costs its own line only, and a
- * full disk is told in the log alone.
+ * full disk is reported in the log only.
  *
  * Numbers are written with the decimal separator of the process locale, which is first set to "English" where
  * a locale of that name exists. Takes no lock: no other thread may use the handle's parameters meanwhile.
@@ -265,8 +265,8 @@ int Fg_saveConfig(Fg_Struct* fg, const char* file);
 /**
  * Loads a file that Fg_saveConfig wrote for this applet. Locale and locks as there.
  *
- * 0, also if setters refused some of the values, which nobody reports: read them back. FG_ERR_LOAD_CONFIG if
- * any key is missing, with all others applied, or for another applet's file or one whose lines end in a
+ * 0, also if setters refused some of the values, which is not reported: read them back. FG_ERR_LOAD_CONFIG if
+ * any key is missing, with all others applied, or for another applet's file or one with lines that end in a
  * carriage return, with nothing applied. FG_ERR_FILE_TYPE if there is no such file or its name does not hold
  * ".mcf"; the last error is then FG_ERR_LOAD_CONFIG.
  */
@@ -307,7 +307,7 @@ int Shad_FreeAccess(Fg_Struct* fg, ShadingMaster* shading);
 int Shad_WriteActLine(Fg_Struct* fg, ShadingMaster* shading, int line);
 
 /*
- * The library exports mkstemps(char* pattern, int suffixLength) as well, for systems whose C library lacks
+ * The library exports mkstemps(char* pattern, int suffixLength) as well, for systems with a C library that lacks
  * it; <stdlib.h> declares it.
  */
 

@@ -1,7 +1,7 @@
 /**
  * Parameter ids and the constants of their enumerations.
  *
- * Behind each id stand the parameter's label, its kind and its unit. Numbers are 32 bits wide unless the kind
+ * The comment of each id has the parameter's label, its kind and its unit. Numbers are 32 bits wide unless the kind
  * says otherwise; floating point numbers have 64 bits. Times in microseconds lie on a grid of 0.008 (8 ns).
  */
 #ifndef VEXO_FG_PARAMETERS_H

@@ -17,7 +17,7 @@ public:
 
     std::string getName() const { return m_name; }
 
-    /** Appends; a feature may stand there more than once. */
+    /** Appends; a feature may be listed more than once. */
     void addFeature(std::string name);
     std::size_t getFeatureCount() const { return m_features.size(); }
     /** The feature's name, valid until the next is added; empty past the end. */

@@ -16,7 +16,7 @@ public:
 
     /** Stores a property, replacing the one that is there. */
     void insert(std::string_view section, std::string_view name, std::string_view value);
-    /** Names of the section's properties whose value means on, sorted. */
+    /** Names of the section's properties that are switched on, sorted. */
     std::vector<std::string> switchedOn(std::string_view section) const;
 
 private:

@@ -32,12 +32,12 @@ public:
     /** Closes a port against further records; the present ones stay readable and writable. */
     void finalize(int port);
 
-    /** A new record that belongs to the port but hangs nowhere yet. Null for an unknown port. */
+    /** A new record of the port, not linked yet. Null for an unknown port. */
     RegisterInfo* create(int port, int kind, const char* displayName, const char* name, int id, int access,
                          int paramClass, int published, const char* unit);
-    /** Hangs `child` below a group; nothing if `parent` is no group. */
+    /** Links `child` below a group; does nothing if `parent` is no group. */
     void add(RegisterInfo* child, RegisterInfo* parent);
-    /** Hangs a record at the end of the port's top-level chain. */
+    /** Links a record at the end of the port's top-level chain. */
     void add(RegisterInfo* record, int port);
 
     RegisterInfo* addGroupInfo(int port, RegisterInfo* parent, const char* displayName);

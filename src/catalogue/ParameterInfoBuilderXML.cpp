@@ -158,7 +158,7 @@ void ParameterInfoBuilderXMLPrivate::buildParamDescr(std::ostream& stream, const
     ParameterInfoGeneratorXML generator(stream);
     if (!generate(generator, info)) return;
     addFeatureToCategory(category, viewOf(info.name));
-    put(stream, "\n\r"); // this order, on purpose
+    put(stream, "\n\r"); // the order is part of the format
 }
 
 void ParameterInfoBuilderXMLPrivate::addFeatureToCategory(std::string_view category,

@@ -10,7 +10,7 @@ class ParameterInfoBuilderXMLPrivate;
 
 class ParameterInfoBuilderXML {
 public:
-    /** `appletName` stands for the wrapper, which this room does not know. Both must outlive the builder. */
+    /** Takes the name instead of the wrapper, which this room does not know. Both must outlive the builder. */
     ParameterInfoBuilderXML(const Fg_ParameterInfo& info, const char* appletName, int port);
     virtual ~ParameterInfoBuilderXML();
     ParameterInfoBuilderXML(const ParameterInfoBuilderXML&) = delete;

@@ -9,7 +9,7 @@ using catalogue::xmlStringFilter;
 
 namespace {
 
-constexpr const char* littleEndian = "<Endianess>LittleEndian</Endianess>\n"; // spelled so on purpose
+constexpr const char* littleEndian = "<Endianess>LittleEndian</Endianess>\n"; // spelled as in the schema
 
 const char* accessMode(std::uint32_t access) {
     switch (access & (REGISTER_ACCESS_READ | REGISTER_ACCESS_WRITE)) {

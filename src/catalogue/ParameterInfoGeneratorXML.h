@@ -11,7 +11,7 @@
 #include <vector>
 
 /**
- * Writes to the stream that it was made for. No node carries a current value: the value arguments tell the
+ * Writes to the stream that it was made for. No node carries a current value: the value arguments give the
  * kind, and those of arrays the number of elements.
  */
 class ParameterInfoGeneratorXML {

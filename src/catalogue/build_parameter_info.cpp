@@ -177,7 +177,7 @@ private:
 
 } // namespace
 
-void FgLoomWrapperImpl::buildParameterInfo() {
+void PublishedParameters::buildParameterInfo() {
     // All groups first: in every group the sub-groups come before the parameters.
     const std::vector<RegisterInfo*> groupOfRow = addGroups(parameterInfo());
     for (std::size_t i = 0; i < std::size(parameterTree); ++i) {
@@ -192,7 +192,7 @@ void FgLoomWrapperImpl::buildParameterInfo() {
     if (!m_directParameterIdByName.empty()) addDirectParameters();
 }
 
-void FgLoomWrapperImpl::addDirectRegisters() {
+void PublishedParameters::addDirectRegisters() {
     RegisterInfo* group = parameterInfo().addGroupInfo(port, nullptr, directRegisterGroup);
     if (group == nullptr) return;
     forEachRegister(designHandle(), [&](const DirectRegister& reg) {
@@ -209,7 +209,7 @@ void FgLoomWrapperImpl::addDirectRegisters() {
     });
 }
 
-void FgLoomWrapperImpl::addDirectParameters() {
+void PublishedParameters::addDirectParameters() {
     RegisterInfo* group = parameterInfo().addGroupInfo(port, nullptr, "Direct LOOM Access");
     const RegisterInfo* root = getUnwrappedParameterInfo();
     if (group == nullptr || root == nullptr) return;

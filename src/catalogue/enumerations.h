@@ -1,6 +1,6 @@
 /**
  * The enumerations of the parameters: what a setter accepts, what the tree publishes and what a name query of
- * the applet resolves. Rows stand in the published order, which is not the order of the values.
+ * the applet resolves. Rows are in the published order, which is not the order of the values.
  */
 #ifndef CATALOGUE_ENUMERATIONS_H
 #define CATALOGUE_ENUMERATIONS_H
@@ -26,7 +26,7 @@ struct EnumEntry {
 
 using EnumTable = std::span<const EnumEntry>;
 
-/** True when `value`, as a 32-bit word of either sign, stands in the table. */
+/** True when `value`, as a 32-bit word of either sign, is in the table. */
 constexpr bool contains(EnumTable table, std::uint32_t value) {
     for (const EnumEntry& entry : table)
         if (static_cast<std::uint32_t>(entry.value) == value) return true;
@@ -243,7 +243,7 @@ inline constexpr std::array enumPulseMessage{
 
 // clang-format on
 
-/** Every enumeration. A symbolic name that stands in several has one value in all of them. */
+/** Every enumeration. A symbolic name that is in several has the same value in all of them. */
 inline constexpr EnumTable allEnumerations[] = {
     enumYesNo,
     enumOnOff,

@@ -44,7 +44,7 @@ inline void publishMaximum(RegisterInfo* record, double maximum) {
 /** What a maximum that must stay above zero is published as. */
 inline double aboveZero(double maximum) { return std::max(maximum, std::numeric_limits<double>::min()); }
 
-/** Publishes what `compute` gives; if it fails, the old maximum stays and nobody is told. */
+/** Publishes what `compute` gives; if it fails, the old maximum stays and no error is reported. */
 template <typename Compute> void republishMaximum(RegisterInfo* record, Compute compute) {
     quietly([&] { publishMaximum(record, compute()); });
 }

@@ -1,18 +1,18 @@
-// What is published beside the public parameters, whose names are constant: registers and design parameters
+// What is published beside the public parameters (their names are constant): registers and design parameters
 // for direct access, and the events.
 
 #include "catalogue/direct_registers.h"
 #include "catalogue/runtime_tree.h"
-#include "entry/FgLoomWrapperImpl.h"
+#include "entry/PublishedParameters.h"
 #include "support/switches.h"
 
-void FgLoomWrapperImpl::publishParameterTables() {
+void PublishedParameters::publishParameterTables() {
     if (isSwitchedOn("VEXO_ENABLE_DLOOMA")) collectDirectParameters();
     publishDirectNames();
     publishEvents();
 }
 
-void FgLoomWrapperImpl::collectDirectParameters() {
+void PublishedParameters::collectDirectParameters() {
     catalogue::walkRuntimeTree(
         getUnwrappedParameterInfo(),
         [this](const RegisterInfo& leaf, const RegisterInfo*) {
@@ -22,7 +22,7 @@ void FgLoomWrapperImpl::collectDirectParameters() {
         [](const RegisterInfo&, const RegisterInfo*) {});
 }
 
-void FgLoomWrapperImpl::publishDirectNames() {
+void PublishedParameters::publishDirectNames() {
     int index = publicParameters;
     if (m_directRegisterAccess)
         catalogue::forEachRegister(designHandle(), [&](const catalogue::DirectRegister& reg) {

@@ -5,7 +5,7 @@
 namespace catalogue {
 namespace {
 
-/** What stands for a markup character; empty for all others. */
+/** The replacement of a markup character; empty for all others. */
 constexpr std::string_view replacement(char character) {
     switch (character) {
     case '"':

@@ -10,7 +10,7 @@
 
 namespace catalogue {
 
-/** A text whose markup characters are replaced while it is written. Never null. */
+/** A text; its markup characters are replaced while it is written. Never null. */
 struct XmlText {
     const char* text;
 };

@@ -4,6 +4,7 @@
 
 #include "entry/FgLoomWrapperPrivate.h"
 #include "support/Logging.h"
+#include "support/field_copy.h"
 #include "vexo/fg_api.h"
 
 #include <atomic>
@@ -27,6 +28,8 @@ public:
     FgLoomWrapper(const FgLoomWrapper&) = delete;
     FgLoomWrapper& operator=(const FgLoomWrapper&) = delete;
 
+    // ---- Operations of an applet: the derived class, or a source of their subject
+
     virtual vexo::tools::logging::Logger* logger();
     virtual int loadParameters(Fg_ConfigFileParser* parser) = 0;
     virtual void saveParameters(Fg_ConfigFileParser* parser) = 0;
@@ -43,10 +46,11 @@ public:
     virtual const char* Fg_getParameterName(int index) = 0;
     virtual int Fg_getParameterId(int index) = 0;
     virtual int Fg_getNrOfParameter() = 0;
-    virtual int Fg_saveConfig(Fg_Struct* fg, const char* file);
+    virtual int Fg_saveConfig(Fg_Struct* fg, const char* file); // entry/configuration.cpp
     virtual int Fg_loadConfig(Fg_Struct* fg, const char* file);
+    // entry/parameter_document.cpp
     virtual int Fg_getParameterInfoXML(Fg_Struct* fg, int index, char* buffer, unsigned long* size);
-    virtual ShadingMaster* Fg_AllocShading(int set, int dma);
+    virtual ShadingMaster* Fg_AllocShading(int set, int dma); // entry/shading.cpp
     virtual int Fg_FreeShading(ShadingMaster* shading);
     virtual int Shad_SetSubValueLine(ShadingMaster* shading, int x, int channel, float value);
     virtual int Shad_SetMultValueLine(ShadingMaster* shading, int x, int channel, float value);
@@ -61,6 +65,8 @@ public:
     virtual const char* appletName() = 0;
     virtual const char* appletVersionName() = 0;
     virtual int loadAppletId() = 0;
+
+    // ---- Bring-up: entry/runtime_binding.cpp
 
     /** Opens the runtime's library and looks its functions up. 0, or -2031 if it cannot be opened. */
     int initializeDllFunctions(const char* library);
@@ -77,39 +83,52 @@ public:
     static LOOMdevice* accessDeviceHandle(LOOMdevice* device);
     static fpga_design* accessDesignHandle(fpga_design* design);
 
+    // ---- The runtime's own parameters: entry/runtime_binding.cpp
+
     /** The runtime's id of a design parameter; 0 or less if there is none. */
     int getParameterIdByName(const char* name);
     int setUnwrappedParameterWithType(int id, const void* value, int dma, FgParamTypes type) {
-        return forward(wrapperFg().Fg_setParameterWithType, grabcoreFg(), id, value, dma, type);
+        return callOr(FG_ERR_NOT_AVAILABLE, wrapperFg().Fg_setParameterWithType, grabcoreFg(), id, value, dma,
+                      type);
     }
     int getUnwrappedParameterWithType(int id, void* value, int dma, FgParamTypes type) {
-        return forward(wrapperFg().Fg_getParameterWithType, grabcoreFg(), id, value, dma, type);
+        return callOr(FG_ERR_NOT_AVAILABLE, wrapperFg().Fg_getParameterWithType, grabcoreFg(), id, value, dma,
+                      type);
     }
     int freeUnwrappedParameterString(int id, void* value, int dma, FgParamTypes type);
     int setUnwrappedParameter(int id, const void* value, int dma) {
-        return forward(wrapperFg().Fg_setParameter, grabcoreFg(), id, value, dma);
+        return callOr(FG_ERR_NOT_AVAILABLE, wrapperFg().Fg_setParameter, grabcoreFg(), id, value, dma);
     }
     int getUnwrappedParameter(int id, void* value, int dma) {
-        return forward(wrapperFg().Fg_getParameter, grabcoreFg(), id, value, dma);
+        return callOr(FG_ERR_NOT_AVAILABLE, wrapperFg().Fg_getParameter, grabcoreFg(), id, value, dma);
     }
     int saveUnwrappedConfig(const char* file) {
-        return forward(wrapperFg().Fg_saveConfig, grabcoreFg(), file);
+        return callOr(FG_ERR_NOT_AVAILABLE, wrapperFg().Fg_saveConfig, grabcoreFg(), file);
     }
     /** Root of the runtime's own parameter tree, or null. */
     RegisterInfo* getUnwrappedParameterInfo();
 
-    /** Width in bytes of a run's elements; 0 for a tag that is no number. */
-    static std::size_t elementWidth(FgParamTypes type);
-    /*
-     * Copy between a flat cache and a caller's record, in elements of the record's width. A null record does
-     * nothing. No bounds are known here: the caller answers for index and count.
-     */
-    static void setFieldCache(std::uint32_t* cache, const FieldParameterInt_s* record);
-    static void setFieldCache(double* cache, const FieldParameterDouble_s* record);
-    static void setFieldCache(void* cache, const FieldParameterAccess* record);
-    static void getFieldCache(const std::uint32_t* cache, FieldParameterInt_s* record);
-    static void getFieldCache(const double* cache, FieldParameterDouble_s* record);
-    static void getFieldCache(const void* cache, const FieldParameterAccess* record);
+    /* The cache of array parameters: see support/field_copy.h. */
+    static void setFieldCache(std::uint32_t* cache, const FieldParameterInt_s* record) {
+        field_copy::set(cache, record);
+    }
+    static void setFieldCache(double* cache, const FieldParameterDouble_s* record) {
+        field_copy::set(cache, record);
+    }
+    static void setFieldCache(void* cache, const FieldParameterAccess* run) {
+        field_copy::setRun(cache, run);
+    }
+    static void getFieldCache(const std::uint32_t* cache, FieldParameterInt_s* record) {
+        field_copy::get(cache, record);
+    }
+    static void getFieldCache(const double* cache, FieldParameterDouble_s* record) {
+        field_copy::get(cache, record);
+    }
+    static void getFieldCache(const void* cache, const FieldParameterAccess* run) {
+        field_copy::getRun(cache, run);
+    }
+
+    // ---- Temporary files: entry/temp_files.cpp
 
     /** Makes an empty file for a coefficient image; the caller owns the name. Null on failure. */
     static char* createTempFile();
@@ -138,11 +157,6 @@ protected:
                                                     const char* name);
 
 private:
-    /** Calls a function of the runtime; what the runtime lacks is not available. */
-    template <typename Function, typename... Arguments>
-    static int forward(Function* function, Arguments... arguments) {
-        return function != nullptr ? function(arguments...) : static_cast<int>(FG_ERR_NOT_AVAILABLE);
-    }
     static void append(std::string& text, const char* piece) { text += piece; }
     static void append(std::string& text, int piece) { text += std::to_string(piece); }
     static void writeLine(vexo::tools::logging::Logger& logger, std::uint32_t level, const std::string& text);

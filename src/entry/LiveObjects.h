@@ -1,4 +1,4 @@
-/** The objects that callers may hold: tells a good handle from one whose object is gone or was never ours. */
+/** The objects that callers may hold: distinguishes a valid handle from a stale or foreign one. */
 #ifndef ENTRY_LIVEOBJECTS_H
 #define ENTRY_LIVEOBJECTS_H
 
@@ -11,8 +11,8 @@ class FgLoomWrapper;
 /**
  * A table of addresses, read without a lock at each call and never dereferenced. Any thread.
  *
- * It has room for more boards than a machine takes. Objects beyond that are not entered; as long as one of
- * them lives, every address passes.
+ * It has room for more boards than a machine takes. When it is full, validation is disabled: every address passes
+ * until the objects without an entry are destroyed.
  */
 class LiveObjects {
 public:

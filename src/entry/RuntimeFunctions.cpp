@@ -11,41 +11,11 @@ struct Entry {
     std::size_t offset;
 };
 
-#define ENTRY(function)                                                                                      \
-    { #function, offsetof(RuntimeFunctions, function) }
-
-// In the order of the lookup.
 constexpr Entry entries[] = {
-    ENTRY(Fg_getAppletId),
-    ENTRY(Fg_setParameter),
-    ENTRY(Fg_setParameterWithType),
-    ENTRY(Fg_getParameter),
-    ENTRY(Fg_getParameterWithType),
-    ENTRY(Fg_freeParameterStringWithType),
-    ENTRY(Fg_saveConfig),
-    ENTRY(Fg_loadConfig),
-    ENTRY(Fg_Acquire),
-    ENTRY(Fg_stopAcquire),
-    ENTRY(Fg_getLastPicNumberBlockingEx),
-    ENTRY(Fg_getLastPicNumberEx),
-    ENTRY(Fg_FreeGrabber),
-    ENTRY(Fg_getLastErrorNumber),
-    ENTRY(Fg_getStatusEx),
-    ENTRY(Fg_AcquireEx),
-    ENTRY(Fg_stopAcquireEx),
-    ENTRY(Fg_getParameterInfo),
-    ENTRY(Fg_AllocShading),
-    ENTRY(Fg_FreeShading),
-    ENTRY(Shad_SetSubValueLine),
-    ENTRY(Shad_SetMultValueLine),
-    ENTRY(Shad_SetFixedPatternNoiseLine),
-    ENTRY(Shad_GetMaxLine),
-    ENTRY(Shad_GetAccess),
-    ENTRY(Shad_FreeAccess),
-    ENTRY(Shad_WriteActLine),
+#define RUNTIME_FUNCTION(name, type) {#name, offsetof(RuntimeFunctions, name)},
+#include "entry/runtime_functions.def"
+#undef RUNTIME_FUNCTION
 };
-
-#undef ENTRY
 
 } // namespace
 

@@ -1,9 +1,8 @@
-// How an object comes into being, with a board and without one, and what it sets at the start.
+// Construction of the object, with a board or offline, and its start values.
 
 #include "entry/design_source.h"
 #include "entry/sdk_parameters.h"
 #include "entry/setter_tools.h"
-#include "support/switches.h"
 #include "vexo/fg_api.h"
 
 #include <memory>
@@ -23,15 +22,12 @@ struct EndGrabber {
 
 } // namespace
 
-FgLoomWrapperImpl::FgLoomWrapperImpl(int ports, bool offline)
-    : FgLoomWrapper(ports)
-    , m_directRegisterAccess(!offline && isSwitchedOn("VEXO_ENABLE_DRA"))
-    , m_directAccessStore(!offline)
-    , m_directAccessSection(offline ? "" : "none") {
+FgLoomWrapperImpl::FgLoomWrapperImpl(int ports, bool offline) : PublishedParameters(ports, offline) {
+    initializeMembers();
     if (!offline) return;
     initHandles(nullptr, loadDesign(tslFileName()));
     publishParameterTables();
-    FgLoomWrapperImpl::buildParameterInfo();
+    PublishedParameters::buildParameterInfo();
     discoverDebugInterface();
     applyDefaults();
 }
@@ -41,10 +37,23 @@ FgLoomWrapperImpl::~FgLoomWrapperImpl() {
         delete[] text;
 }
 
+void FgLoomWrapperImpl::initializeMembers() {
+    for (const SdkParameter& parameter : sdkParameters) {
+        const auto* word = std::get_if<std::uint32_t FgLoomWrapperImpl::*>(&parameter.source);
+        const auto* number = std::get_if<double FgLoomWrapperImpl::*>(&parameter.source);
+        if (const auto* start = std::get_if<std::uint32_t>(&parameter.start);
+            start != nullptr && word != nullptr)
+            this->** word = *start;
+        if (const auto* start = std::get_if<double>(&parameter.start); start != nullptr && number != nullptr)
+            this->** number = *start;
+    }
+}
+
 void FgLoomWrapperImpl::applyDefaults() {
-    // In the order of the rows: later setters see the effect of earlier ones. A failure stops nothing.
+    // In the order of the rows: later setters see the effect of earlier ones. Failures are ignored.
     for (const SdkParameter& parameter : sdkParameters)
-        if (parameter.start != nullptr) quietly([&] { parameter.start(*this); });
+        if (const void* start = valueOf(parameter.start))
+            quietly([&] { parameter.set(*this, start, parameter.type); });
 }
 
 void* Std_entry(LOOMdevice* device, int* error, int flags) {
@@ -55,11 +64,11 @@ void* Std_entry(LOOMdevice* device, int* error, int flags) {
     result = wrapper->initializeDllFunctions(runtimeLibrary);
     if (result != FG_OK) return nullptr;
 
-    // Whatever throws from here on: a design without an owner goes before the object.
+    // If anything throws from here on, a design without an owner is unloaded before the object ends.
     const char* name = FgLoomWrapperImpl::tslFileName();
     std::unique_ptr<fpga_design, UnloadDesign> design(loadDesign(name));
     if (design == nullptr) {
-        // By design no clean-up: the object and the opened runtime stay as they are.
+        // No clean-up: the object and the opened runtime are left behind, as fg_api.h says.
         static_cast<void>(wrapper.release());
         result = FG_ERR_INIT;
         return nullptr;

@@ -20,7 +20,7 @@ constexpr std::size_t longestText = 1023;
 /** The name does not exist on most systems, which leaves the locale alone; it is never put back. */
 void chooseLocale() { std::setlocale(LC_ALL, "English"); }
 
-/** The value of one key. The parameter's type tells which of the three it is. */
+/** The value of one key. The parameter's type says which of the three is set. */
 struct FileValue {
     std::uint32_t word = 0;
     double number = 0;
@@ -55,9 +55,12 @@ const void* valueOf(const SdkParameter& parameter, const FileValue& value) {
 }
 
 void store(FgLoomWrapperImpl& wrapper, const StoredMember& member, const FileValue& value) {
-    if (member.word != nullptr) wrapper.*member.word = value.word;
-    if (member.number != nullptr) wrapper.*member.number = value.number;
-    if (member.text != nullptr) wrapper.*member.text = value.text;
+    if (const auto* word = std::get_if<std::uint32_t FgLoomWrapperImpl::*>(&member))
+        wrapper.** word = value.word;
+    if (const auto* number = std::get_if<double FgLoomWrapperImpl::*>(&member))
+        wrapper.** number = value.number;
+    if (const auto* text = std::get_if<std::string FgLoomWrapperImpl::*>(&member))
+        wrapper.** text = value.text;
 }
 
 } // namespace
@@ -75,7 +78,7 @@ int FgLoomWrapper::Fg_saveConfig(Fg_Struct*, const char* file) {
     parser.writeConfigFileIntKey("LoadAppletId", loadAppletId());
     parser.writeConfigFileIntKey("AktivePort", port);
     saveParameters(&parser);
-    // Reported as a success, on purpose: callers know no code for it.
+    // Reported as success: the API has no code for it.
     if (!parser.finishSaveFile())
         log(levels::accessFailed, "cannot write all of configuration file '", file, "'");
     return fgError().setErr(FG_OK);
@@ -85,7 +88,7 @@ int FgLoomWrapper::Fg_loadConfig(Fg_Struct*, const char* file) {
     chooseLocale();
     Fg_ConfigFileParser parser(nullptr, file, true);
     setError(FG_ERR_LOAD_CONFIG);
-    // Here the code and the last error differ, deliberately.
+    // The code and the last error differ: only the code names the cause.
     if (!parser.checkFileExist(file) || !parser.checkFileType(file)) return FG_ERR_FILE_TYPE;
     std::string text;
     int activePort = 0;
@@ -96,7 +99,7 @@ int FgLoomWrapper::Fg_loadConfig(Fg_Struct*, const char* file) {
     return fgError().setErr(FG_OK);
 }
 
-// ---- The body: one key for each parameter whose row says so, in the order of the rows
+// ---- The body: one key for each parameter with a role in the file, in the order of the rows
 
 void FgLoomWrapperImpl::saveParameters(Fg_ConfigFileParser* parser) {
     parser->writeConfigFileByPort(port);
@@ -108,7 +111,8 @@ void FgLoomWrapperImpl::saveParameters(Fg_ConfigFileParser* parser) {
 void FgLoomWrapperImpl::saveParameter(Fg_ConfigFileParser& parser, const SdkParameter& parameter) {
     switch (parameter.type) {
     case FG_PARAM_TEXT:
-        return parser.writeConfigFile(parameter.name, parameter.reading.text(*this).substr(0, longestText));
+        return parser.writeConfigFile(
+            parameter.name, std::get<TextFunction*>(parameter.source)(*this).substr(0, longestText));
     case FG_PARAM_DOUBLE:
         return parser.writeConfigFileDoubleKey(parameter.name, valueFor<double>(parameter));
     case FG_PARAM_INT64:
@@ -142,7 +146,7 @@ int FgLoomWrapperImpl::loadParameters(Fg_ConfigFileParser* parser) {
             else
                 complete = 0;
         }
-        // A value that its setter refuses is no failure, on purpose; its variable keeps it.
+        // A value that its setter refuses does not fail the load; its variable keeps it.
         for (const SdkParameter& parameter : sdkParameters) {
             if (!parameter.file.applied || !readKey(*parser, parameter, value)) continue;
             quietly([&] { parameter.set(*this, valueOf(parameter, value), parameter.type); });

@@ -5,15 +5,13 @@
 #include <cstdint>
 #include <string>
 #include <type_traits>
+#include <variant>
 
 class FgLoomWrapperImpl;
 
-/** A variable that a load fills before any setter runs; one of them, or none. */
-struct StoredMember {
-    std::uint32_t FgLoomWrapperImpl::*word = nullptr;
-    double FgLoomWrapperImpl::*number = nullptr;
-    std::string FgLoomWrapperImpl::*text = nullptr;
-};
+/** A variable that a load fills before any setter runs, or none. */
+using StoredMember = std::variant<std::monostate, std::uint32_t FgLoomWrapperImpl::*,
+                                  double FgLoomWrapperImpl::*, std::string FgLoomWrapperImpl::*>;
 
 struct FileRole {
     bool saved = false;
@@ -32,11 +30,9 @@ inline constexpr FileRole SavedOnly{.saved = true};
 inline constexpr FileRole Ignored{.saved = true, .required = true};
 /** Takes effect through the setter of another parameter. */
 inline constexpr FileRole Stored{.saved = true, .required = true, .storesSource = true};
-consteval FileRole StoredIn(std::uint32_t FgLoomWrapperImpl::*word) {
-    return {.saved = true, .required = true, .member = {.word = word}};
-}
-consteval FileRole StoredIn(double FgLoomWrapperImpl::*number) {
-    return {.saved = true, .required = true, .member = {.number = number}};
+/** As `Stored`, but the variable is another one: that of the value as requested. */
+consteval FileRole StoredIn(StoredMember member) {
+    return {.saved = true, .required = true, .member = member};
 }
 /**
  * Through the setter alone: what it sets is not a plain variable, or one that only an accepted value may
@@ -52,16 +48,10 @@ inline constexpr FileRole StoredAndApplied{
 /** The role with the variable that it stores into. */
 template <auto source> constexpr FileRole withMember(FileRole role) {
     if (!role.storesSource) return role;
-    using Source = decltype(source);
-    if constexpr (std::is_same_v<Source, std::uint32_t FgLoomWrapperImpl::*>)
-        role.member.word = source;
-    else if constexpr (std::is_same_v<Source, double FgLoomWrapperImpl::*>)
-        role.member.number = source;
-    else if constexpr (std::is_same_v<Source, std::string FgLoomWrapperImpl::*>)
-        role.member.text = source;
+    if constexpr (std::is_constructible_v<StoredMember, decltype(source)>)
+        return {role.saved, role.required, role.storesSource, role.applied, source};
     else
         throw "nothing to store into"; // in a constant expression: does not compile
-    return role;
 }
 
 #endif

@@ -1,6 +1,6 @@
 // The binding of the design's own parameters: their ids, and the one way to write and to read them.
 
-#include "entry/FgLoomWrapperImpl.h"
+#include "entry/DesignAccess.h"
 #include "entry/setter_tools.h"
 
 #include <iterator>
@@ -11,10 +11,10 @@ namespace levels = vexo::tools::logging::levels;
 struct DesignParameterTable {
     struct Row {
         const char* name;
-        std::int32_t FgLoomWrapperImpl::*id;
+        std::int32_t DesignAccess::*id;
     };
 
-#define DESIGN_WRITTEN(parameter) {"Device1_" #parameter, &FgLoomWrapperImpl::m_id_##parameter},
+#define DESIGN_WRITTEN(parameter) {"Device1_" #parameter, &DesignAccess::m_id_##parameter},
 #define DESIGN_READ DESIGN_WRITTEN
 #define DESIGN_BOTH DESIGN_WRITTEN
     static constexpr Row rows[] = {
@@ -26,7 +26,7 @@ struct DesignParameterTable {
     static_assert(std::size(rows) == 138);
 };
 
-void FgLoomWrapperImpl::resolveDesignParameterIds() {
+void DesignAccess::resolveDesignParameterIds() {
     // A design that lacks a parameter still comes up: what fails is the first access to it.
     for (const DesignParameterTable::Row& row : DesignParameterTable::rows) {
         this->*row.id = getParameterIdByName(row.name);
@@ -35,8 +35,8 @@ void FgLoomWrapperImpl::resolveDesignParameterIds() {
     }
 }
 
-void FgLoomWrapperImpl::accessFailed(const char* verb, const char* name, std::int32_t id, const void* value,
-                                     int result, bool raise) {
+void DesignAccess::accessFailed(const char* verb, const char* name, std::int32_t id, const void* value,
+                                int result, bool raise) {
     if (value != nullptr)
         log(levels::accessFailed, verb, " LOOM parameter '", name, "' (ID: ", id,
             ") failed: result = ", result);

@@ -31,23 +31,27 @@ template <typename Operation> int withWrapper(const Fg_Struct* fg, Operation ope
     return withWrapper(fg, static_cast<int>(FG_ERR_INVALID_HANDLE), operation);
 }
 
+/** Whether the runtime has a function, and an inner handle to call it with. */
+bool isBound(const FgLoomWrapper& wrapper, auto RuntimeFunctions::*entry) {
+    return wrapper.wrapperFg().*entry != nullptr && wrapper.grabcoreFg() != nullptr;
+}
+
 /** Calls a function of the runtime with the inner handle; after a failure its last error is stored. */
 template <typename Result, typename... Parameters, typename... Arguments>
 Result forward(const Fg_Struct* fg, Result (*RuntimeFunctions::*entry)(Fg_Struct*, Parameters...),
                Arguments... arguments) {
     return withWrapper(fg, static_cast<Result>(FG_ERR_INVALID_HANDLE), [&](FgLoomWrapper& wrapper) -> Result {
-        const auto function = wrapper.wrapperFg().*entry;
-        if (function == nullptr || wrapper.grabcoreFg() == nullptr) {
+        if (!isBound(wrapper, entry)) {
             wrapper.setError(FG_ERR_NOT_AVAILABLE);
             return FG_ERR_NOT_AVAILABLE;
         }
-        const Result result = function(wrapper.grabcoreFg(), arguments...);
+        const Result result = (wrapper.wrapperFg().*entry)(wrapper.grabcoreFg(), arguments...);
         wrapper.setError(result < 0 ? wrapper.Fg_getLastErrorNumberLoom() : FG_OK);
         return result;
     });
 }
 
-/** For the shading operations, whose result is always stored. */
+/** For the shading operations: stores the result as the last error in any case. */
 template <typename Operation> int storing(const Fg_Struct* fg, Operation operation) {
     return withWrapper(fg, [&](FgLoomWrapper& wrapper) {
         const int result = operation(wrapper);
@@ -157,9 +161,8 @@ int Fg_getLastErrorNumber(Fg_Struct* fg) {
 RegisterInfo* Fg_getParameterInfo(Fg_Struct* fg, int index) {
     return withWrapper(fg, static_cast<RegisterInfo*>(nullptr), [&](FgLoomWrapper& wrapper) {
         // An object without a runtime is asked through Info instead.
-        const bool bound =
-            wrapper.wrapperFg().Fg_getParameterInfo != nullptr && wrapper.grabcoreFg() != nullptr;
-        return bound ? wrapper.Fg_getParameterInfo(index) : nullptr;
+        return isBound(wrapper, &RuntimeFunctions::Fg_getParameterInfo) ? wrapper.Fg_getParameterInfo(index)
+                                                                        : nullptr;
     });
 }
 

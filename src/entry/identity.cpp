@@ -1,6 +1,7 @@
 // Who this applet is, and the names and numbers under which its parameters and events are found.
 
 #include "entry/sdk_parameters.h"
+#include "support/switches.h"
 
 #include <stdexcept>
 
@@ -8,11 +9,17 @@ vexo::tools::logging::Logger* FgLoomWrapperImpl::logger() {
     return lazyLogger(m_logger, "vexo.wrapper.Grab_TwinLaneLineColor");
 }
 
-int FgLoomWrapperImpl::Fg_getNrOfParameter() {
+PublishedParameters::PublishedParameters(int ports, bool offline)
+    : DesignAccess(ports)
+    , m_directRegisterAccess(!offline && isSwitchedOn("VEXO_ENABLE_DRA"))
+    , m_directAccessStore(!offline)
+    , m_directAccessSection(offline ? "" : "none") {}
+
+int PublishedParameters::Fg_getNrOfParameter() {
     return static_cast<int>(publicParameters + m_directNameByIndex.size());
 }
 
-const char* FgLoomWrapperImpl::Fg_getParameterName(int index) {
+const char* PublishedParameters::Fg_getParameterName(int index) {
     const char* name = nullptr;
     if (const auto position = static_cast<std::size_t>(index); position < sdkParameters.size())
         name = sdkParameters[position].name;
@@ -22,7 +29,7 @@ const char* FgLoomWrapperImpl::Fg_getParameterName(int index) {
     return name;
 }
 
-int FgLoomWrapperImpl::Fg_getParameterId(int index) {
+int PublishedParameters::Fg_getParameterId(int index) {
     if (const auto position = static_cast<std::size_t>(index); position < sdkParameters.size()) {
         setError(FG_OK);
         return sdkParameters[position].id;
@@ -32,7 +39,7 @@ int FgLoomWrapperImpl::Fg_getParameterId(int index) {
     return name != nullptr ? Fg_getParameterIdByName(name) : FG_ERR_INVALID_ARGUMENT;
 }
 
-int FgLoomWrapperImpl::Fg_getParameterIdByName(const char* name) {
+int PublishedParameters::Fg_getParameterIdByName(const char* name) {
     if (name != nullptr && *name != '\0') {
         if (const SdkParameter* parameter = findParameter(std::string_view(name))) {
             setError(FG_OK);
@@ -47,14 +54,14 @@ int FgLoomWrapperImpl::Fg_getParameterIdByName(const char* name) {
     return fgError().setErr(FG_ERR_INVALID_ARGUMENT);
 }
 
-std::uint64_t FgLoomWrapperImpl::Fg_getEventMask(const char* name) {
+std::uint64_t PublishedParameters::Fg_getEventMask(const char* name) {
     const auto found = name != nullptr ? m_eventMaskByName.find(name) : m_eventMaskByName.end();
     const bool known = found != m_eventMaskByName.end();
     setError(known ? FG_OK : FG_ERR_INVALID_ARGUMENT);
     return known ? found->second : 0;
 }
 
-const char* FgLoomWrapperImpl::Fg_getEventName(std::uint64_t mask) {
+const char* PublishedParameters::Fg_getEventName(std::uint64_t mask) {
     const auto found = m_eventNameByMask.find(mask);
     const bool known = found != m_eventNameByMask.end();
     setError(known ? FG_OK : FG_ERR_INVALID_ARGUMENT);
@@ -65,7 +72,7 @@ const char* FgLoomWrapperImpl::vendorName() { return "Norvane AG"; }
 
 const char* FgLoomWrapperImpl::appletName() { return "Grab_TwinLaneLineColor"; }
 
-// Stands by itself: it follows neither the applet's version and revision nor its version text.
+// A version of its own: it follows neither the applet's version and revision nor its version text.
 const char* FgLoomWrapperImpl::appletVersionName() { return "4.0"; }
 
 int FgLoomWrapperImpl::loadAppletId() { return 0; }

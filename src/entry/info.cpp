@@ -1,4 +1,4 @@
-// The stateless query function: what a runtime can learn of this applet without an object.
+// The stateless query function: what a runtime can ask about this applet without an object.
 
 #include "catalogue/enumerations.h"
 #include "entry/FgLoomWrapperImpl.h"
@@ -13,7 +13,7 @@
 
 namespace {
 
-/** A question whose answer is always the same number. */
+/** A query with a constant number as its answer. */
 struct NumberAnswer {
     int code;
     int answer;
@@ -38,7 +38,7 @@ constexpr NumberAnswer numberAnswers[] = {
     {FG_INFO_PROCESSES, 1},
 };
 
-/** A question about a process and, for some, about an index: all know only number 0. */
+/** A query about a process and, for some, about an index: only number 0 exists. */
 struct ProcessAnswer {
     int code;
     bool heedsIndex;
@@ -50,7 +50,7 @@ constexpr ProcessAnswer processAnswers[] = {
     {FG_INFO_PROCESS_4672, true, 0},  {FG_INFO_PROCESS_4688, false, 1}, {FG_INFO_PROCESS_4704, false, 10},
 };
 
-/** A question whose answer is a text. */
+/** A query with a text as its answer. */
 struct TextAnswer {
     int code;
     const char* text;
@@ -59,7 +59,7 @@ struct TextAnswer {
 constexpr TextAnswer textAnswers[] = {
     {FG_INFO_PRODUCT_GUID, "7c1d2e40-5ab3-4f86-9d21-3e8b6a0f4c11"},
     {FG_INFO_VERSION_GUID, "b26e91f3-08c4-47de-a1f7-6d05c93e2a58"},
-    {4096,
+    {FG_INFO_DESCRIPTION,
      "Capture Kit with support of TurboBurst technology, 16 bit image processing (per color component), "
      "white balancing and lookup table(up to 14 Bit) for one CameraLinkHS RGB line scan camera with 2 "
      "ports (20 Gbps)."},
@@ -103,7 +103,7 @@ int createOffline(void* out) {
 }
 
 int offlineTree(int tree, void* instance, void* out) {
-    // A negative tree passes this test, deliberately; it has no root.
+    // A negative tree is no error: callers get a null root.
     auto* wrapper = static_cast<FgLoomWrapper*>(instance);
     if (tree > 0 || out == nullptr || !LiveObjects::has(wrapper)) return FG_ERR_INVALID_ARGUMENT;
     store(out, wrapper->Fg_getParameterInfo(tree));

@@ -1,12 +1,15 @@
 /**
  * How the value of a parameter is taken from the caller and given to it.
  *
- * Each kind makes the columns of entry/sdk_parameters.h out of a parameter's setter and source.
+ * A kind has the type that a setter takes, `take`, which makes it of the caller's value, and `source`, which says
+ * where a get finds its answer.
  */
 #ifndef ENTRY_PARAMETER_KINDS_H
 #define ENTRY_PARAMETER_KINDS_H
 
+#include "entry/DesignAccess.h"
 #include "vexo/fg_api.h"
+#include "vexo/type_tags.hpp"
 
 #include <array>
 #include <cstdint>
@@ -15,15 +18,7 @@
 #include <span>
 #include <string>
 #include <type_traits>
-
-/** The type tag of a number of type T; char is an element of a text. */
-template <typename T> extern const FgParamTypes tagOf;
-template <> inline constexpr FgParamTypes tagOf<std::int32_t> = FG_PARAM_INT32;
-template <> inline constexpr FgParamTypes tagOf<std::uint32_t> = FG_PARAM_UINT32;
-template <> inline constexpr FgParamTypes tagOf<std::int64_t> = FG_PARAM_INT64;
-template <> inline constexpr FgParamTypes tagOf<std::uint64_t> = FG_PARAM_UINT64;
-template <> inline constexpr FgParamTypes tagOf<double> = FG_PARAM_DOUBLE;
-template <> inline constexpr FgParamTypes tagOf<char> = FG_PARAM_TEXT;
+#include <variant>
 
 class FgLoomWrapperImpl;
 struct SdkParameter;
@@ -32,26 +27,23 @@ using SetFunction = void(FgLoomWrapperImpl& wrapper, const void* value, FgParamT
 using GetFunction = void(FgLoomWrapperImpl& wrapper, const SdkParameter& parameter, void* value, int dma,
                          FgParamTypes type);
 using TextFunction = std::string(FgLoomWrapperImpl& wrapper);
-using StartFunction = void(FgLoomWrapperImpl& wrapper);
 
-/** Where a get finds its answer: most parameters are plain members, which need no call. One is filled. */
-struct Reading {
-    std::uint32_t FgLoomWrapperImpl::*word = nullptr;
-    double FgLoomWrapperImpl::*number = nullptr;
-    TextFunction* text = nullptr;
-    GetFunction* function = nullptr;
-};
+/** What a get answers with. Most parameters are plain members, which need no call. */
+using ValueSource = std::variant<std::uint32_t FgLoomWrapperImpl::*, double FgLoomWrapperImpl::*,
+                                 TextFunction*, GetFunction*>;
 
-/** The caller's place for a value, wherever that is aligned. */
-template <typename T> class Place {
-public:
-    explicit Place(void* place) : m_place(place) {}
-    void* address() const { return m_place; }
-    void store(T number) const { std::memcpy(m_place, &number, sizeof number); }
+/** In the place of a start value: the start-up sequence does not set the parameter. */
+inline constexpr std::monostate NoDefault;
 
-private:
-    void* m_place;
-};
+/** The value that a parameter starts with. */
+using StartValue = std::variant<std::monostate, std::uint32_t, std::int32_t, double, const char*>;
+
+/** The start value as a set takes it: the address of a number, or the text itself. Null without one. */
+inline const void* valueOf(const StartValue& start) {
+    if (const auto* text = std::get_if<const char*>(&start)) return *text;
+    if (std::holds_alternative<std::monostate>(start)) return nullptr;
+    return std::visit([](const auto& number) -> const void* { return &number; }, start);
+}
 
 /** A caller's record for elements of an array: of which type, the tag says. */
 struct FieldRecord {
@@ -59,18 +51,7 @@ struct FieldRecord {
     FgParamTypes type;
 };
 
-/** In the place of a start value: the start-up sequence does not set the parameter. */
-inline constexpr struct NoDefaultType {
-} NoDefault;
-
 namespace kinds {
-
-template <typename Value, typename Setter, typename Start> consteval StartFunction* starterOf(Setter, Start) {
-    if constexpr (std::is_same_v<std::invoke_result_t<Start>, NoDefaultType>)
-        return nullptr;
-    else
-        return [](FgLoomWrapperImpl& wrapper) { Setter{}(wrapper, static_cast<Value>(Start{}())); };
-}
 
 /**
  * A number in its native width, whatever the type tag says.
@@ -82,37 +63,27 @@ template <typename T> struct Number {
     using Value = T;
     static constexpr FgParamTypes type = tagOf<T>;
 
-    template <typename Setter> static consteval SetFunction* setter(Setter) {
-        return [](FgLoomWrapperImpl& wrapper, const void* value, FgParamTypes) {
-            T number;
-            std::memcpy(&number, value, sizeof number);
-            Setter{}(wrapper, number);
-        };
+    static T take(const void* value, FgParamTypes) {
+        T number;
+        std::memcpy(&number, value, sizeof number);
+        return number;
     }
 
-    template <auto source> static consteval Reading reading() {
-        using Source = decltype(source);
-        if constexpr (std::is_same_v<Source, T FgLoomWrapperImpl::*> && std::is_same_v<T, std::uint32_t>)
-            return {.word = source};
-        else if constexpr (std::is_same_v<Source, T FgLoomWrapperImpl::*> && std::is_same_v<T, double>)
-            return {.number = source};
+    template <auto member> static consteval ValueSource source() {
+        if constexpr (std::is_constructible_v<ValueSource, decltype(member)>)
+            return member;
         else
-            return {.function = read<source>};
-    }
-
-    template <typename Setter, typename Start>
-    static constexpr StartFunction* starter(Setter set, Start start) {
-        return starterOf<T>(set, start);
+            return read<member>;
     }
 
 private:
-    template <auto source>
+    template <auto member>
     static void read(FgLoomWrapperImpl& wrapper, const SdkParameter&, void* value, int, FgParamTypes) {
         const Place<T> place(value);
-        if constexpr (std::is_invocable_v<decltype(source), FgLoomWrapperImpl&, Place<T>>)
-            std::invoke(source, wrapper, place);
+        if constexpr (std::is_invocable_v<decltype(member), FgLoomWrapperImpl&, Place<T>>)
+            std::invoke(member, wrapper, place);
         else
-            place.store(T{std::invoke(source, wrapper)});
+            place.store(T{std::invoke(member, wrapper)});
     }
 };
 
@@ -127,18 +98,9 @@ struct Text {
     using Value = const char*;
     static constexpr FgParamTypes type = FG_PARAM_TEXT;
 
-    template <typename Setter> static consteval SetFunction* setter(Setter) {
-        return [](FgLoomWrapperImpl& wrapper, const void* value, FgParamTypes) {
-            Setter{}(wrapper, static_cast<const char*>(value));
-        };
-    }
-    template <auto source> static consteval Reading reading() {
-        return {
-            .text = [](FgLoomWrapperImpl& wrapper) -> std::string { return std::invoke(source, wrapper); }};
-    }
-    template <typename Setter, typename Start>
-    static constexpr StartFunction* starter(Setter set, Start start) {
-        return starterOf<const char*>(set, start);
+    static const char* take(const void* value, FgParamTypes) { return static_cast<const char*>(value); }
+    template <auto member> static consteval ValueSource source() {
+        return [](FgLoomWrapperImpl& wrapper) -> std::string { return std::invoke(member, wrapper); };
     }
 };
 
@@ -146,32 +108,26 @@ struct Text {
 struct DesignText {
     using Reader = void (FgLoomWrapperImpl::*)(Place<char> out);
     static constexpr FgParamTypes type = FG_PARAM_TEXT;
-    template <Reader source> static consteval Reading reading() {
-        return {.function = [](FgLoomWrapperImpl& wrapper, const SdkParameter&, void* value, int,
-                               FgParamTypes type) { readText(wrapper, source, value, type); }};
+    template <auto reader> static consteval ValueSource source() {
+        return [](FgLoomWrapperImpl& wrapper, const SdkParameter&, void* value, int, FgParamTypes type) {
+            readText(wrapper, reader, value, type);
+        };
     }
-    static void readText(FgLoomWrapperImpl& wrapper, Reader source, void* value, FgParamTypes type);
+    static void readText(FgLoomWrapperImpl& wrapper, Reader reader, void* value, FgParamTypes type);
 };
 
-/** An array of words: the tag tells whether one element or a run of them is accessed. */
+/** An array of words: the tag says whether one element or a run of them is accessed. */
 struct Field {
     using Value = FieldRecord;
     static constexpr FgParamTypes type = FG_PARAM_FIELD_INT;
 
-    template <typename Setter> static consteval SetFunction* setter(Setter) {
-        return [](FgLoomWrapperImpl& wrapper, const void* value, FgParamTypes type) {
-            Setter{}(wrapper, FieldRecord{value, type});
+    static FieldRecord take(const void* record, FgParamTypes tag) { return {record, tag}; }
+    template <auto member> static consteval ValueSource source() {
+        return [](FgLoomWrapperImpl& wrapper, const SdkParameter&, void* value, int, FgParamTypes type) {
+            readField(std::invoke(member, wrapper), value, type);
         };
     }
-    template <auto source> static consteval Reading reading() {
-        return {.function = [](FgLoomWrapperImpl& wrapper, const SdkParameter&, void* value, int,
-                               FgParamTypes type) { readField(std::invoke(source, wrapper), value, type); }};
-    }
-    static constexpr StartFunction* starter(auto, auto) { return nullptr; }
 
-    static bool isInside(const FieldParameterAccess& run, std::size_t size) {
-        return run.count <= size && run.index <= size - run.count;
-    }
     /** Fills the caller's record from the array. Refuses what lies outside of it. */
     static void readField(std::span<const std::uint32_t> field, void* record, FgParamTypes type);
 };
@@ -179,10 +135,15 @@ struct Field {
 /** The runtime has the value: reads go straight to it. */
 struct Runtime {
     static constexpr FgParamTypes type = FG_PARAM_UINT32;
-    template <auto> static consteval Reading reading() { return {.function = readRuntime}; }
+    template <auto> static consteval ValueSource source() { return readRuntime; }
     static void readRuntime(FgLoomWrapperImpl& wrapper, const SdkParameter& parameter, void* value, int dma,
                             FgParamTypes type);
 };
+
+template <typename Kind> consteval StartValue startOf(std::monostate) { return {}; }
+template <typename Kind> consteval StartValue startOf(auto value) {
+    return static_cast<typename Kind::Value>(value);
+}
 
 } // namespace kinds
 

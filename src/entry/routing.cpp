@@ -1,6 +1,6 @@
-// The road of a parameter access: three spaces of ids, the lock, and thrown codes that become results.
+// Routing of a parameter access: three id spaces, the lock, and thrown codes that become results.
 
-#include "catalogue/descriptions.h"
+#include "catalogue/parameter_tree.h"
 #include "entry/sdk_parameters.h"
 #include "entry/setter_tools.h"
 
@@ -14,11 +14,11 @@ namespace {
 
 bool isDesignParameter(int id) { return id > FG_DIRECT_PARAMETER_BASE; }
 
-/** Strings of these the runtime hands out, so that it has to release them. */
+/** The runtime allocates the strings of these, so it has to release them. */
 bool isServedByRuntime(int id) {
     const SdkParameter* parameter = findParameter(id);
     return id == FG_NR_OF_PROCESSES ||
-           (parameter != nullptr && parameter->reading.function == kinds::Runtime::readRuntime);
+           (parameter != nullptr && parameter->source == ValueSource(kinds::Runtime::readRuntime));
 }
 
 /** There is one DMA channel, and it belongs to process 0. */
@@ -26,13 +26,13 @@ void requireKnownDma(int dma) {
     if (dma != 0) refuse(FG_ERR_INVALID_ARGUMENT);
 }
 
-/** Copies a text and ends it; nobody knows how much room there is. */
+/** Copies a null-terminated string; the API has no buffer size. */
 void copyText(std::string_view text, char* destination) {
     text.copy(destination, text.size());
     destination[text.size()] = '\0';
 }
 
-/** What is beyond it in a text that is handed out is cut. */
+/** Longer allocated texts are truncated. */
 constexpr std::size_t longestAllocatedText = 655360;
 
 /** The result of an access that throws its code. Other exceptions are not ours and go on. */
@@ -86,7 +86,7 @@ int FgLoomWrapperImpl::Fg_getParameterWithType(int id, void* value, int dma, FgP
 }
 
 bool FgLoomWrapperImpl::isDirectRegister(int id) const {
-    return m_directRegisterAccess && id > FG_DIRECT_REGISTER_BASE && id <= FG_DIRECT_PARAMETER_BASE;
+    return offersRegisters() && id > FG_DIRECT_REGISTER_BASE && id <= FG_DIRECT_PARAMETER_BASE;
 }
 
 int FgLoomWrapperImpl::writeRegister(int reg, const void* value) {
@@ -144,7 +144,7 @@ int FgLoomWrapperImpl::Fg_freeParameterStringWithType(int id, void* value, int d
     if (isDesignParameter(id))
         return fgError().setErr(
             freeUnwrappedParameterString(id - FG_DIRECT_PARAMETER_BASE, value, dma, type));
-    // Unlike set and get, nothing here catches the code for an unknown DMA channel: it leaves as a throw.
+    // Unlike set and get, the code for an unknown DMA channel is thrown to the caller here.
     requireKnownDma(dma);
     if (isServedByRuntime(id)) return freeUnwrappedParameterString(id, value, dma, type);
 

@@ -1,4 +1,4 @@
-/** Texts that the runtime writes into a place; it is not told how much room there is. */
+/** Texts that the runtime writes into a buffer of unknown size: its interface has no size argument. */
 #ifndef ENTRY_RUNTIME_TEXT_H
 #define ENTRY_RUNTIME_TEXT_H
 

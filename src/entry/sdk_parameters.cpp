@@ -33,9 +33,9 @@ void kinds::Runtime::readRuntime(FgLoomWrapperImpl& wrapper, const SdkParameter&
     if (result != FG_OK) refuse(result);
 }
 
-void kinds::DesignText::readText(FgLoomWrapperImpl& wrapper, Reader source, void* value, FgParamTypes tag) {
-    if (tag != FG_PARAM_ALLOCATED_STRING) return (wrapper.*source)(Place<char>(value));
-    const auto read = [&](char* text) { (wrapper.*source)(Place<char>(text)); };
+void kinds::DesignText::readText(FgLoomWrapperImpl& wrapper, Reader reader, void* value, FgParamTypes tag) {
+    if (tag != FG_PARAM_ALLOCATED_STRING) return (wrapper.*reader)(Place<char>(value));
+    const auto read = [&](char* text) { (wrapper.*reader)(Place<char>(text)); };
     wrapper.giveText(RuntimeTextRoom().take(read), value, tag);
 }
 
@@ -43,13 +43,13 @@ void kinds::Field::readField(std::span<const std::uint32_t> field, void* record,
     if (tag != FG_PARAM_FIELD_ACCESS) {
         auto* element = static_cast<FieldParameterInt_s*>(record);
         if (element->index >= field.size()) refuse(FG_ERR_INVALID_ARGUMENT);
-        FgLoomWrapper::getFieldCache(field.data(), element);
+        field_copy::get(field.data(), element);
         return;
     }
     const auto& run = *static_cast<const FieldParameterAccess*>(record);
-    const bool wide = FgLoomWrapper::elementWidth(run.vtype) > sizeof field[0];
-    if (run.index >= field.size() || !isInside(run, wide ? field.size() / 2 : field.size()))
+    const bool wide = field_copy::elementWidth(run.vtype) > sizeof field[0];
+    if (run.index >= field.size() || !field_copy::isInside(run, wide ? field.size() / 2 : field.size()))
         refuse(FG_ERR_INVALID_ARGUMENT);
     if (run.count > 0 && run.values == nullptr) refuse(FG_ERR_INVALID_ARGUMENT);
-    FgLoomWrapper::getFieldCache(field.data(), &run);
+    field_copy::getRun(field.data(), &run);
 }

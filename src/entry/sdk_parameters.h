@@ -17,36 +17,31 @@ struct SdkParameter {
     int id;
     FgParamTypes type; // of a number or a text
     SetFunction* set;  // null: read-only
-    Reading reading;
-    StartFunction* start; // null: not set by the start-up sequence
+    ValueSource source;
+    StartValue start;
     FileRole file;
 };
 
-template <typename Kind, auto source, typename Setter, typename Start>
-constexpr SdkParameter settableRow(const char* name, int id, Setter setter, Start start, FileRole file) {
-    return {name,
-            id,
-            Kind::type,
-            Kind::setter(setter),
-            Kind::template reading<source>(),
-            Kind::starter(setter, start),
-            withMember<source>(file)};
-}
-
-template <typename Kind, auto source>
-constexpr SdkParameter readOnlyRow(const char* name, int id, FileRole file) {
-    return {name, id, Kind::type, nullptr, Kind::template reading<source>(), nullptr, file};
-}
-
-/** Holds the rows; a friend of the class whose members they name. */
+/** Holds the rows. A friend of FgLoomWrapperImpl, since they name its members. */
 struct SdkParameterTable {
-#define SETTABLE(parameter, kind, source, startValue, file)                                                  \
-    settableRow<kinds::kind, &FgLoomWrapperImpl::source>(                                                    \
-        #parameter, parameter,                                                                               \
-        [](FgLoomWrapperImpl& wrapper, auto value) { wrapper.set_##parameter(value); },                      \
-        [] { return startValue; }, file_roles::file),
-#define READ_ONLY(parameter, kind, source, file)                                                             \
-    readOnlyRow<kinds::kind, &FgLoomWrapperImpl::source>(#parameter, parameter, file_roles::file),
+#define SETTABLE(parameter, kind, member, startValue, role)                                                  \
+    {#parameter,                                                                                             \
+     parameter,                                                                                              \
+     kinds::kind::type,                                                                                      \
+     [](FgLoomWrapperImpl& wrapper, const void* value, FgParamTypes type) {                                  \
+         wrapper.set_##parameter(kinds::kind::take(value, type));                                            \
+     },                                                                                                      \
+     kinds::kind::source<&FgLoomWrapperImpl::member>(),                                                      \
+     kinds::startOf<kinds::kind>(startValue),                                                                \
+     withMember<&FgLoomWrapperImpl::member>(file_roles::role)},
+#define READ_ONLY(parameter, kind, member, role)                                                             \
+    {#parameter,                                                                                             \
+     parameter,                                                                                              \
+     kinds::kind::type,                                                                                      \
+     nullptr,                                                                                                \
+     kinds::kind::source<&FgLoomWrapperImpl::member>(),                                                      \
+     NoDefault,                                                                                              \
+     file_roles::role},
     static constexpr SdkParameter rows[] = {
 #include "catalogue/sdk_parameters.def"
     };
@@ -84,11 +79,13 @@ inline const SdkParameter* findParameter(int id) {
 const SdkParameter* findParameter(std::string_view name);
 
 inline void FgLoomWrapperImpl::read(const SdkParameter& parameter, void* value, int dma, FgParamTypes type) {
-    const Reading& reading = parameter.reading;
-    if (reading.word != nullptr) return Place<std::uint32_t>(value).store(this->*reading.word);
-    if (reading.number != nullptr) return Place<double>(value).store(this->*reading.number);
-    if (reading.text != nullptr) return giveText(reading.text(*this), value, type);
-    reading.function(*this, parameter, value, dma, type);
+    const ValueSource& source = parameter.source;
+    if (const auto* word = std::get_if<std::uint32_t FgLoomWrapperImpl::*>(&source))
+        return Place<std::uint32_t>(value).store(this->**word);
+    if (const auto* number = std::get_if<double FgLoomWrapperImpl::*>(&source))
+        return Place<double>(value).store(this->**number);
+    if (const auto* text = std::get_if<TextFunction*>(&source)) return giveText((*text)(*this), value, type);
+    (*std::get_if<GetFunction*>(&source))(*this, parameter, value, dma, type);
 }
 
 #endif

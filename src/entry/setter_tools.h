@@ -1,8 +1,7 @@
 /**
  * The skeleton that all setters share.
  *
- * A setter reads in straight lines: what is refused, what is stored, what is written, what the neighbours
- * learn. A refusal is a thrown `int`, the result code. Design writes that succeeded are not undone.
+ * A setter reads in straight lines: what is refused, what is stored, what is written, which limits change. A refusal is a thrown `int`, the result code. Design writes that succeeded are not undone.
  */
 #ifndef ENTRY_SETTER_TOOLS_H
 #define ENTRY_SETTER_TOOLS_H
@@ -10,18 +9,16 @@
 #include "catalogue/enumerations.h"
 #include "catalogue/parameter_tree.h"
 #include "support/quietly.h"
+#include "support/refuse.h"
 #include "vexo/fg_errors.h"
 
 #include <cstdint>
-
-// The checks are inlined whole: the cost of a throw is the frames that it passes.
-[[noreturn, gnu::always_inline]] inline void refuse(int code) { throw code; }
 
 [[gnu::always_inline]] inline void requireEntry(catalogue::EnumTable table, std::uint32_t value) {
     if (!catalogue::contains(table, value)) refuse(FG_ERR_OUT_OF_RANGE);
 }
 
-/** Both bounds are inclusive. A NaN lies outside of nothing and passes, on purpose. */
+/** Both bounds are inclusive. NaN compares false with both and is accepted. */
 template <typename T> [[gnu::always_inline]] inline void requireRange(T value, T minimum, T maximum) {
     if (value < minimum || value > maximum) refuse(FG_ERR_OUT_OF_RANGE);
 }

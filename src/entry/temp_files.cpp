@@ -1,4 +1,4 @@
-// Temporary files, and the exported mkstemps for systems whose C library lacks it.
+// Temporary files, and the exported mkstemps for systems with a C library that lacks it.
 
 #include "entry/FgLoomWrapper.h"
 
@@ -22,7 +22,7 @@ constexpr std::string_view placeholder = "XXXXXX";
 constexpr int attempts = 62 * 62 * 62;
 constexpr std::uint64_t stepAfterFailure = 7777;
 
-// Names depend on the uptime and on what exists, on purpose without a random source.
+// Names depend on the uptime and on what exists only: no random source is needed.
 std::atomic<std::uint64_t> counter{0};
 
 std::uint64_t uptimeSeconds() {

@@ -1,4 +1,4 @@
-// The time-out of an acquisition, which the wrapper keeps for the client; the design knows nothing of it.
+// The time-out of an acquisition, which the wrapper keeps for the client; the design has no such parameter.
 
 #include "entry/FgLoomWrapperImpl.h"
 #include "entry/setter_tools.h"

@@ -19,11 +19,11 @@ class Fg_Log;
  * semicolon does not survive. The decimal separator is that of the process locale.
  *
  * The reader is lenient: it takes the first line behind the section's own that begins with the key, even if
- * that stands in a later section. It takes lines of at most 255 bytes; what a longer line has beyond them comes as
+ * that is in a later section. It takes lines of at most 255 bytes; what a longer line has beyond them comes as
  * further lines. A line ends at a NUL byte. Nothing of the file is kept: each parse call reads it from its start, but
  * for the keys of prepareKeys().
  *
- * A parser serves one file and one thread at a time; several work side by side. The log may be null.
+ * A parser is used for one file and by one thread at a time; several can run in parallel. The log may be null.
  */
 class Fg_ConfigFileParser {
 public:
@@ -56,7 +56,7 @@ public:
     void writeConfigFileByPort(int port);
     /** A text, in quotes. */
     void writeConfigFile(std::string_view key, std::string_view text);
-    /** A value as it stands. */
+    /** A value, unchanged. */
     void writeConfigFileValue(std::string_view key, std::string_view text);
     void writeConfigFileIntKey(std::string_view key, int value);
     void writeConfigFileUInt64Key(std::string_view key, std::uint64_t value);
@@ -109,7 +109,7 @@ private:
                     int (Fg_ConfigFileParser::*convert)(const char*, T*) const);
 
     TextFile m_file;
-    std::string m_line; // the one written or found last: its memory serves the next
+    std::string m_line; // the last one written or found; its memory is reused
     Fg_Log* m_log;
     std::string m_preparedSection;
     /** The line of each prepared key, or nothing where the section lacks it. */

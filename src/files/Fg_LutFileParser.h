@@ -27,8 +27,8 @@ struct KneeLookupTable_s {
 
 /**
  * Writes and reads lookup tables as lines of text: keys ("id=0;") and elements ("17,42;") below the line of
- * their section ("[red]"). The reader is lenient: only a file that cannot be opened, or memory that cannot be
- * had, is an error. Takes no lock and shares no state: any number of parsers work side by side, each in one
+ * their section ("[red]"). The reader is lenient: only a file that cannot be opened, or lack of memory,
+ * is an error. Takes no lock and shares no state: any number of parsers run in parallel, each in one
  * thread. Throws nothing. What is opened stays open until the next file or the end of the parser.
  */
 class Fg_LutFileParser {
@@ -56,7 +56,7 @@ public:
     int saveLutToFile(const char* path, const KneeLookupTable_s* table, const char* section);
     int saveLutToFile(const char* path, const KneeLookupTable_s* red, const KneeLookupTable_s* green,
                       const KneeLookupTable_s* blue);
-    /** Writes the header as it stands and `count` elements. 0, or -1 as above. */
+    /** Writes the header unchanged and `count` elements. 0, or -1 as above. */
     int saveMatrixToFile(const char* path, const char* header, const int* matrix, int count);
 
     /**
@@ -79,7 +79,7 @@ public:
     /** -1: matrix files are only written. */
     int getMatrixFromFile(const char* path, int* matrix, int count);
 
-    /** Writes the text as it stands. */
+    /** Writes the text unchanged. */
     void writeLutFileHeader(std::string_view text);
     /** Writes a line of key, separator, value and ";". What is beyond 256 bytes of the three is cut. */
     void writeLutFileValue(std::string_view key, std::string_view value, char separator);

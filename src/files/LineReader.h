@@ -33,7 +33,7 @@ private:
     int m_descriptor;
     off_t m_position = 0;
     bool m_holdsNul = false;
-    std::size_t m_begin = 0, m_end = 0; // what of the block has not been handed out
+    std::size_t m_begin = 0, m_end = 0; // the part of the block that was not returned yet
     char m_block[16384];
 };
 

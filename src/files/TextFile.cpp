@@ -22,7 +22,7 @@ constexpr int accessFlags(TextFile::Mode mode) {
     return O_WRONLY | O_CREAT | O_TRUNC;
 }
 
-/** While it lives, a pipe without a reader sends this thread no signal: it would end a host that does not expect it. */
+/** Blocks SIGPIPE for this thread, which would end a host that does not expect it. */
 class PipeSignalBlocker {
 public:
     PipeSignalBlocker() {

@@ -35,7 +35,7 @@ public:
      * and nothing else comes of it: a reader that has gone sends no signal.
      */
     void write(std::string_view text);
-    /** Closes the file. False if a write to it has failed, which some file systems tell only now. */
+    /** Closes the file. False if a write to it has failed, which some file systems report only now. */
     bool finish();
 
 private:

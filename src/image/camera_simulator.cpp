@@ -1,6 +1,6 @@
-// Camera simulator: test patterns of a chosen size and speed in the place of the camera.
+// Camera simulator: test patterns of a chosen size and speed instead of a camera.
 //
-// It emits 32 pixels in each cycle of 8 ns, so widths and line gaps live on a grid of 32 pixels. In pixel
+// It emits 32 pixels in each cycle of 8 ns, so widths and line gaps are multiples of 32 pixels. In pixel
 // frequency mode a sequence of 2000 cycles holds some active ones; in the rate modes a line is stretched to a
 // sequence of cycles that gives the rate. Rates read back as what the counters produce, never as the request.
 
@@ -20,10 +20,12 @@ constexpr double cycle = 8e-9; // seconds
 constexpr std::uint32_t pixelsPerCycle = 32;
 constexpr std::uint32_t sequence = 2000; // cycles
 constexpr double halfStep = 0.5;
-constexpr std::uint32_t widthBudget = 294920;           // pixels, the gap included
-constexpr std::uint32_t heightBudget = 65536;           // lines, the gap included
 constexpr double maximumPixelRate = 3999999999.9999995; // per second, just below 32 pixels in each cycle
 constexpr double fullPixelFrequency = maximumPixelRate / 1e6; // MHz
+
+// Gaps included.
+constexpr std::uint32_t widthBudget = limitsOf<UInt>(FG_CAMERASIMULATOR_WIDTH).maximum;   // pixels
+constexpr std::uint32_t heightBudget = limitsOf<UInt>(FG_CAMERASIMULATOR_HEIGHT).maximum; // lines
 
 constexpr Double frequencyLimits = limitsOf<Double>(FG_CAMERASIMULATOR_PIXEL_FREQUENCY);
 constexpr double lowestRate = limitsOf<Double>(FG_CAMERASIMULATOR_LINERATE).minimum; // Hz, of frames too
@@ -32,10 +34,10 @@ std::uint32_t wholeCycles(std::uint32_t width) {
     return (width + pixelsPerCycle - 1) / pixelsPerCycle * pixelsPerCycle;
 }
 
-/** Without a fraction, in 32 of 64 bits. */
+/** Truncated to the lowest 32 of 64 bits. */
 std::uint32_t counted(double number) { return static_cast<std::uint32_t>(truncated<std::int64_t>(number)); }
 
-/** What a speed mode makes of the parameters that depend on it. */
+/** The access of the parameters that depend on a speed mode. */
 struct SpeedMode {
     std::uint32_t mode;
     std::uint32_t frequency, lineRate, frameRate, lineGap, frameGap; // their access
@@ -56,11 +58,11 @@ void FgLoomWrapperImpl::publishPixelFrequencyLimit() {
 
 // ---- What reads back
 
-std::uint32_t FgLoomWrapperImpl::simulatorLineGap() {
+std::uint32_t CameraSimulator::simulatorLineGap() const {
     return m_simSelectMode == FG_PIXEL_FREQUENCY ? m_simAppliedLineGap : 0;
 }
 
-std::uint32_t FgLoomWrapperImpl::simulatorFrameGap() {
+std::uint32_t CameraSimulator::simulatorFrameGap() const {
     return m_simSelectMode == FG_FRAMERATE ? 0 : m_simAppliedFrameGap;
 }
 
@@ -104,7 +106,7 @@ double FgLoomWrapperImpl::simulatorFrameRate(std::uint32_t mode) {
     }
 }
 
-// Outside of pixel frequency mode these two leave the caller's place alone, on purpose.
+// Outside of pixel frequency mode there is no such number, and these two leave the caller's place unwritten.
 void FgLoomWrapperImpl::readActive(Place<std::uint32_t> out) {
     if (m_simSelectMode != FG_PIXEL_FREQUENCY) return;
     out.store(loomGet_Process0_CameraSimulator_PixelFrequency_ActivePixel_Number<std::uint32_t>());
@@ -137,7 +139,7 @@ void FgLoomWrapperImpl::applySimulatorHeight(std::uint32_t height, std::uint32_t
     loomSet_Process0_CameraSimulator_FrameGap_Number(height);
 }
 
-// ---- Limits. What a rate allows is measured by the rate that the counters really give.
+// ---- Limits. They follow from the rate that the counters give, not from the one requested.
 
 std::uint32_t FgLoomWrapperImpl::simulatorWidthLimit() {
     const std::uint32_t gap = simulatorLineGap();
@@ -165,15 +167,15 @@ std::uint32_t FgLoomWrapperImpl::simulatorHeightLimit() {
                                              currentFrameRate() * (pixelsPerCycle + m_simAppliedWidth))));
 }
 
-std::uint32_t FgLoomWrapperImpl::simulatorFrameGapLimit() {
+std::uint32_t CameraSimulator::simulatorFrameGapLimit() const {
     return m_simSelectMode == FG_PIXEL_FREQUENCY ? heightBudget - m_simHeight : 0;
 }
 
-double FgLoomWrapperImpl::simulatorLineRateLimit() const {
+double CameraSimulator::simulatorLineRateLimit() const {
     return maximumPixelRate / (m_simAppliedWidth + pixelsPerCycle);
 }
 
-double FgLoomWrapperImpl::simulatorFrameRateLimit() const {
+double CameraSimulator::simulatorFrameRateLimit() const {
     return quotient(maximumPixelRate, m_simHeight * (m_simAppliedWidth + pixelsPerCycle));
 }
 
@@ -205,7 +207,7 @@ void FgLoomWrapperImpl::updateSimFrameRateRange() {
 // ---- Speed
 
 void FgLoomWrapperImpl::set_FG_CAMERASIMULATOR_PIXEL_FREQUENCY(double value) {
-    // The catalogue's maximum is a placeholder below the minimum and stays the bound, deliberately: no finite
+    // The bound is the catalogue's maximum, a placeholder below the minimum, not the published one: no finite
     // value passes, so this mode cannot be programmed.
     requireRange(value, frequencyLimits);
     Replacement stored(m_simPixelFrequency, value);

@@ -1,7 +1,7 @@
 // Debug interface: the places of the image path where images can be injected and watched, and the bring-up
-// step that learns from the design what cannot be known at build time.
+// step that reads from the design what is not known at build time.
 //
-// The design tells the path of each point; the names of its parameters are composed here, and their ids
+// The design has the path of each point; the names of its parameters are composed here, and their ids
 // looked up, at each access.
 
 #include "catalogue/live_records.h"
@@ -82,7 +82,7 @@ void FgLoomWrapperImpl::discoverDebugEntries(RuntimeTextRoom& room) {
 }
 
 void FgLoomWrapperImpl::discoverDebugInterface() {
-    // The first failure ends the step, and what was found before stays: the object comes up all the same.
+    // The first failure ends the step, and what was found before stays: bring-up goes on.
     quietly([this] {
         RuntimeTextRoom room;
         discoverDebugEntries(room);
@@ -93,7 +93,7 @@ void FgLoomWrapperImpl::discoverDebugInterface() {
 
 // ---- Access to the parameters of the current point
 
-const FgLoomWrapperImpl::DebugEntry& FgLoomWrapperImpl::debugEntry() const {
+const DebugInterface::DebugEntry& DebugInterface::debugEntry() const {
     static const DebugEntry none;
     return m_debugSource < m_debugEntries.size() ? m_debugEntries[m_debugSource] : none;
 }
@@ -143,7 +143,7 @@ void FgLoomWrapperImpl::updateDebugPixelRange() {
 // design for is not kept here.
 
 void FgLoomWrapperImpl::set_FG_DEBUGSOURCE(std::uint32_t value) {
-    // Without points the limit wraps, and anything passes.
+    // Without points the limit wraps, and every value is accepted.
     RuntimeTextRoom room;
     const std::string entries = requireText(room, debugName("Entries"));
     requireAtMost(value, static_cast<std::uint32_t>(digitAt(entries, 0) - 1));
@@ -163,7 +163,8 @@ void FgLoomWrapperImpl::set_FG_DEBUGINENABLE(std::uint32_t value) {
 
 void FgLoomWrapperImpl::set_FG_DEBUGOUTENABLE(std::uint32_t value) {
     requireEntry(enumOnOff, value);
-    if (debugEntry().type != DebugEntry::injectMonitor) return; // without a word, on purpose
+    if (debugEntry().type != DebugEntry::injectMonitor)
+        return; // no error: the parameter is shown as read-only
     const std::uint32_t mode = readDebugInEnable() | value * outputOn;
     writeDebug(operationMode, &mode, FG_PARAM_UINT32);
 }
@@ -177,7 +178,7 @@ void FgLoomWrapperImpl::set_FG_DEBUGFILE(const char* path) {
 void FgLoomWrapperImpl::set_FG_DEBUGINSERT(std::uint32_t value) {
     requireEntry(enumApply, value);
     Replacement stored(m_debugInsert, value);
-    readDebugInEnable(); // a point that cannot be read gets no image
+    readDebugInEnable(); // no image for a point that cannot be read
     writeDebug("_Insert", &value, FG_PARAM_UINT32);
     stored.keep();
 }
@@ -198,8 +199,7 @@ void FgLoomWrapperImpl::set_FG_DEBUGWRITEFLAG(std::uint32_t value) {
 
 void FgLoomWrapperImpl::set_FG_DEBUGSAVECONFIG(const char* path) {
     Replacement stored(m_debugSaveConfig, std::string(path));
-    // The runtime comes back through the exported function, which takes no lock. What it answers is not
-    // looked at.
+    // The runtime calls back into the exported function, which takes no lock. Its result is ignored.
     saveUnwrappedConfig(path);
     stored.keep();
 }

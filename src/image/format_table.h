@@ -1,4 +1,4 @@
-/** What a format of the output is called, and how wide its components are. */
+/** Names of output formats, and the width of their components. */
 #ifndef IMAGE_FORMAT_TABLE_H
 #define IMAGE_FORMAT_TABLE_H
 
@@ -36,7 +36,7 @@ inline constexpr OutputFormat outputFormats[] = {
     {"FG_BGRA8", 5377, 8},
 };
 
-/** Codes that no input bears, but that have a width for the custom shift. */
+/** Codes that no input has, but that have a width for the custom shift. */
 struct FormatWidth {
     std::uint32_t format;
     std::uint32_t bits;
@@ -46,7 +46,7 @@ inline constexpr FormatWidth furtherFormats[] = {
     {4, 32}, {20, 32}, {8, 1}, {50, 8}, {408, 8}, {410, 10}, {412, 12}, {414, 14}, {416, 16},
 };
 
-/** Deliberately without a width there: such an input can be selected, but not shifted by hand. */
+/** Has no width there: such an input can be selected, but not shifted by hand. */
 inline constexpr std::uint32_t formatWithoutShift = 1825;
 
 /** Width of a component as the custom shift counts it, in bits; nothing for an unknown code. */

@@ -1,5 +1,5 @@
 // Lookup table and processing: three tables of 14 bits in and 16 bits out, from a formula, a file, or entry
-// by entry. The caches are what a get answers; the design is never read.
+// by entry. A get answers from the caches; the design is never read.
 
 #include "catalogue/live_records.h"
 #include "entry/sdk_parameters.h"
@@ -29,7 +29,7 @@ constexpr FgLoomWrapperImpl::LutColor FgLoomWrapperImpl::lutBlue{
 
 namespace {
 
-/** What a file holds, freed at the end. */
+/** The tables of a file, freed at the end. */
 struct LoadedTables {
     LookupTable_s tables[3]{};
 
@@ -52,7 +52,7 @@ void copyElements(const LookupTable_s& table, std::span<std::uint32_t> cache) {
 // ---- The whole tables
 
 void FgLoomWrapperImpl::writeLutTables() {
-    // All three get the blue table, on purpose: the caches alone keep the colours of a file apart.
+    // All three get the blue table; the other colours of a file reach the caches only.
     const FieldParameterAccess table{FG_PARAM_UINT32, 0, lutEntries, m_lutBlue.data()};
     for (const LutColor* color : {&lutRed, &lutGreen, &lutBlue})
         (this->*color->write)(&table, 0, FG_PARAM_FIELD_ACCESS, true);
@@ -174,11 +174,12 @@ void FgLoomWrapperImpl::setLutElement(const LutColor& color, const FieldParamete
 }
 
 void FgLoomWrapperImpl::setLutRun(const LutColor& color, const FieldParameterAccess& record) {
-    if (!kinds::Field::isInside(record, lutEntries)) refuse(FG_ERR_OUT_OF_RANGE);
-    if (elementWidth(record.vtype) != sizeof(LutTable::value_type) && record.vtype != FG_PARAM_FIELD_INT)
+    if (!field_copy::isInside(record, lutEntries)) refuse(FG_ERR_OUT_OF_RANGE);
+    if (field_copy::elementWidth(record.vtype) != sizeof(LutTable::value_type) &&
+        record.vtype != FG_PARAM_FIELD_INT)
         refuse(FG_ERR_INVALID_ARGUMENT);
     if (record.count > 0 && record.values == nullptr) refuse(FG_ERR_INVALID_ARGUMENT);
-    // Of all elements the first alone is tested, on purpose.
+    // Only the first element is tested; the others go to the design unchecked.
     if (record.count > 0 && *static_cast<const std::uint32_t*>(record.values) > lutLargest)
         refuse(FG_ERR_OUT_OF_RANGE);
 

@@ -1,4 +1,4 @@
-/** The curve that the processing parameters make of a lookup table. */
+/** The curve of a lookup table, from the processing parameters. */
 #ifndef IMAGE_LUT_FORMULA_H
 #define IMAGE_LUT_FORMULA_H
 
@@ -16,7 +16,7 @@ struct LutFormula {
  * Fills the first 2^inBits entries (256 or more) of a table with values of outBits bits: offset, gain, gamma,
  * rounding, invert, clamp.
  *
- * What overshoots 1 ends as the largest value, but what leaves the range of 32 bits ends as 0, also inverted.
+ * Results above 1 are clamped to the largest value, but a result beyond 32 bits becomes 0, also inverted.
  * A gamma of 0 or below is not rejected.
  */
 void computeLutTable(std::span<std::uint32_t> table, unsigned inBits, unsigned outBits,

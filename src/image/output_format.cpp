@@ -41,7 +41,7 @@ void FgLoomWrapperImpl::discoverOutputFormats(RuntimeTextRoom& room) {
         FormatInput& input = m_formatInputs.back();
         const std::string flag = requireText(room, formatName("InputFlag", number));
         input.hasTrash = flag.starts_with('1');
-        // One character even above 9, where it is no digit: the design has it so.
+        // One character even above 9, as in the names of the design.
         if (input.hasTrash) {
             const std::string trash = std::string(process0) + "OutputFormat_Convert" +
                                       static_cast<char>('0' + i) + "_VirtualTrash_EnableTrash_Value";
@@ -81,7 +81,7 @@ void FgLoomWrapperImpl::updateBitShiftRange() {
 void FgLoomWrapperImpl::set_FG_FORMAT(std::uint32_t value) {
     requireEntry(enumOutputFormat, value);
     Replacement stored(m_format, value);
-    // All branches but the selected one are silenced, also for a format that the design turns out to lack.
+    // All branches but the selected one are silenced, also for a format that the design lacks.
     const FormatInput* selected = nullptr;
     for (const FormatInput& input : m_formatInputs) {
         if (input.format == value) selected = &input;
@@ -110,7 +110,7 @@ void FgLoomWrapperImpl::set_FG_BITALIGNMENT(std::uint32_t value) {
 void FgLoomWrapperImpl::set_FG_CUSTOM_BIT_SHIFT_RIGHT(std::uint32_t value) {
     requireAtMost(value, formatBits(m_format) - 1);
     Replacement stored(m_customBitShiftRight, value);
-    // Passes through to the shift. Without custom alignment the value is kept for later.
+    // Passed on to the shift. Without custom alignment the value is kept for later.
     set_FG_BITALIGNMENT(m_bitAlignment);
     stored.keep();
 }

@@ -37,10 +37,10 @@ constexpr LineOrder lineOrders[] = {
 void FgLoomWrapperImpl::set_FG_PIXELFORMAT(std::uint32_t value) {
     requireEntry(enumPixelFormat, value);
     Replacement stored(m_pixelFormat, value);
-    // Written twice, on purpose: the buffer's geometry brings it again.
+    // Written again with the buffer's geometry: the sequence of writes is fixed.
     loomSet_Process0_Buffer_0_PixelFormat(decoded(value));
     // No limit of the region is tested here, so it may exceed what the DRAM can hold of this format.
-    writeBufferGeometry(stored.old());
+    writeBufferGeometry(orderAfter(stored.old()));
     stored.keep();
     updateGeometryRanges();
 }

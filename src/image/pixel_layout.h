@@ -1,4 +1,4 @@
-/** What a pixel format code says of a pixel's size in memory. */
+/** Size of a pixel in memory, from its format code. */
 #ifndef IMAGE_PIXEL_LAYOUT_H
 #define IMAGE_PIXEL_LAYOUT_H
 
@@ -15,7 +15,7 @@ struct PixelLayout {
 constexpr PixelLayout pixelLayoutOf(std::uint32_t format) {
     constexpr PixelLayout pairs{8, 2};
     if (format == 1569) return pairs;
-    // Every other code stands in a run of five, from 8 to 16 bits.
+    // Every other code is in a run of five, from 8 to 16 bits.
     struct Run {
         std::uint32_t first;
         std::uint32_t components;

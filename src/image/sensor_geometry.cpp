@@ -17,7 +17,7 @@ namespace {
 constexpr UInt widthLimits = limitsOf<UInt>(FG_SENSORWIDTH);   // pixels
 constexpr UInt heightLimits = limitsOf<UInt>(FG_SENSORHEIGHT); // lines; at most 2^22 / 3
 
-/** A divisor of 0, which a configuration file can bring about, is a value out of range. */
+/** A divisor of 0, which a configuration file can cause, is a value out of range. */
 template <typename T> T nonZero(T divisor) {
     if (divisor == 0) refuse(FG_ERR_OUT_OF_RANGE);
     return divisor;
@@ -25,11 +25,11 @@ template <typename T> T nonZero(T divisor) {
 
 } // namespace
 
-bool FgLoomWrapperImpl::mirrorsLines() const {
+bool SensorGeometry::mirrorsLines() const {
     return m_vantagePoint == FG_VANTAGEPOINT_TOP_RIGHT || m_vantagePoint == FG_VANTAGEPOINT_BOTTOM_RIGHT;
 }
 
-bool FgLoomWrapperImpl::mirrorsFrames() const {
+bool SensorGeometry::mirrorsFrames() const {
     return m_vantagePoint == FG_VANTAGEPOINT_BOTTOM_LEFT || m_vantagePoint == FG_VANTAGEPOINT_BOTTOM_RIGHT;
 }
 
@@ -77,32 +77,38 @@ std::uint32_t FgLoomWrapperImpl::xOffsetLimit() {
     return (mirrorsLines() ? m_sensorWidth : usable) - m_width;
 }
 
+void FgLoomWrapperImpl::requireReadableDram() { static_cast<void>(calcMaxHeightFromDram(m_sensorWidth)); }
+
 std::uint32_t FgLoomWrapperImpl::heightLimit() {
     if (!mirrorsFrames()) return heightLimits.maximum;
-    calcMaxHeightFromDram(m_sensorWidth); // a design that cannot be read refuses the value
+    requireReadableDram();
     return m_sensorHeight - m_yOffset;
 }
 
 std::uint32_t FgLoomWrapperImpl::yOffsetLimit() {
     if (!mirrorsFrames()) return heightLimits.maximum;
-    calcMaxHeightFromDram(m_sensorWidth);
+    requireReadableDram();
     return m_sensorHeight - m_height;
 }
 
-void FgLoomWrapperImpl::checkRoiX() const {
-    // From the left the sensor's width is ignored, deliberately.
+void SensorGeometry::checkRoiX() const {
+    // From the left the sensor's width does not matter: only a mirrored line is read from its end.
     const std::uint64_t right = std::uint64_t{m_width} + m_xOffset;
     if (right > (mirrorsLines() ? m_sensorWidth : widthLimits.maximum)) refuse(FG_ERR_OUT_OF_RANGE);
 }
 
-void FgLoomWrapperImpl::checkRoiY() const {
+void SensorGeometry::checkRoiY() const {
     const std::uint64_t bottom = std::uint64_t{m_height} + m_yOffset;
     if (mirrorsFrames() && bottom > m_sensorHeight) refuse(FG_ERR_OUT_OF_RANGE);
 }
 
 // ---- Design writes
 
-void FgLoomWrapperImpl::writeBufferGeometry(std::uint32_t previous) {
+SensorGeometry::WriteOrder SensorGeometry::orderAfter(std::uint32_t previous) {
+    return previous <= FG_VANTAGEPOINT_TOP_RIGHT ? WriteOrder::heightFirst : WriteOrder::mirrorsFirst;
+}
+
+void FgLoomWrapperImpl::writeBufferGeometry(WriteOrder order) {
     const std::uint32_t sensorWidth = mirrorsLines() ? m_sensorWidth : m_xOffset + m_width;
     const std::uint32_t sensorHeight = mirrorsFrames() ? m_sensorHeight : 1;
     const auto writeMirrors = [this] {
@@ -111,9 +117,7 @@ void FgLoomWrapperImpl::writeBufferGeometry(std::uint32_t previous) {
     };
 
     loomSet_Process0_Buffer_0_SensorWidth(sensorWidth);
-    // `previous` is the old value of whatever parameter is being set; only for the vantage point does the
-    // order follow from where the image was read before.
-    if (previous <= 1) {
+    if (order == WriteOrder::heightFirst) {
         loomSet_Process0_Buffer_0_SensorHeight(sensorHeight);
         writeMirrors();
     } else {
@@ -126,7 +130,7 @@ void FgLoomWrapperImpl::writeBufferGeometry(std::uint32_t previous) {
 }
 
 void FgLoomWrapperImpl::writeTriggerRange(std::uint32_t yOffset, std::uint32_t length) {
-    // Zeroed before the length changes, on purpose.
+    // Zeroed first, so that the range never reaches beyond the frame while the two change.
     loomSet_Process0_Trigger_Trigger_YOffset(std::uint32_t{0});
     loomSet_Process0_Trigger_Trigger_YLength(length);
     loomSet_Process0_Trigger_Trigger_YOffset(yOffset);
@@ -202,7 +206,7 @@ void FgLoomWrapperImpl::set_FG_VANTAGEPOINT(std::uint32_t value) {
     Replacement stored(m_vantagePoint, value);
     checkRoiX();
     checkRoiY();
-    writeBufferGeometry(stored.old());
+    writeBufferGeometry(orderAfter(stored.old()));
     stored.keep();
     updateGeometryRanges();
 }
@@ -214,7 +218,7 @@ void FgLoomWrapperImpl::set_FG_SENSORWIDTH(std::uint32_t value) {
     requireMultipleOf4(value);
     Replacement stored(m_sensorWidth, value);
     checkRoiX();
-    writeBufferGeometry(stored.old());
+    writeBufferGeometry(orderAfter(stored.old()));
     stored.keep();
     updateSensorHeightRange();
     updateWidthRange();
@@ -229,7 +233,7 @@ void FgLoomWrapperImpl::set_FG_SENSORHEIGHT(std::uint32_t value) {
     requireAtMost(value, mirrorsFrames() ? std::min(heightLimits.maximum, fitting) : heightLimits.maximum);
     Replacement stored(m_sensorHeight, value);
     checkRoiY();
-    writeBufferGeometry(stored.old());
+    writeBufferGeometry(orderAfter(stored.old()));
     stored.keep();
     updateSensorWidthRange();
     updateWidthRange();
@@ -244,7 +248,7 @@ void FgLoomWrapperImpl::set_FG_WIDTH(std::uint32_t value) {
     requireMultipleOf4(value);
     Replacement stored(m_width, value);
     checkRoiX();
-    writeBufferGeometry(stored.old());
+    writeBufferGeometry(orderAfter(stored.old()));
     stored.keep();
     updateSensorWidthRange();
     updateSensorHeightRange();
@@ -258,7 +262,7 @@ void FgLoomWrapperImpl::set_FG_HEIGHT(std::uint32_t value) {
     requireAtMost(value, heightLimit());
     Replacement stored(m_height, value);
     checkRoiY();
-    writeBufferGeometry(stored.old());
+    writeBufferGeometry(orderAfter(stored.old()));
     writeTriggerGeometry(m_yOffset, m_height, m_imgTriggerMode);
     stored.keep();
     updateWidthRange();
@@ -271,7 +275,7 @@ void FgLoomWrapperImpl::set_FG_XOFFSET(std::uint32_t value) {
     requireMultipleOf4(value);
     Replacement stored(m_xOffset, value);
     checkRoiX();
-    writeBufferGeometry(stored.old());
+    writeBufferGeometry(orderAfter(stored.old()));
     stored.keep();
     updateSensorWidthRange();
     updateSensorHeightRange();
@@ -282,7 +286,7 @@ void FgLoomWrapperImpl::set_FG_YOFFSET(std::uint32_t value) {
     requireAtMost(value, yOffsetLimit());
     Replacement stored(m_yOffset, value);
     checkRoiY();
-    writeBufferGeometry(stored.old());
+    writeBufferGeometry(orderAfter(stored.old()));
     writeTriggerGeometry(m_yOffset, m_height, m_imgTriggerMode);
     stored.keep();
     updateSensorHeightRange();

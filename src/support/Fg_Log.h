@@ -1,4 +1,4 @@
-/** The text log that the file parsers take as a companion. */
+/** The text log of the file parsers. */
 #ifndef SUPPORT_FG_LOG_H
 #define SUPPORT_FG_LOG_H
 
@@ -16,7 +16,7 @@ public:
     Fg_Log& operator=(const Fg_Log&) = delete;
     ~Fg_Log();
 
-    /** Opens nothing, on purpose. */
+    /** Does nothing. */
     void OpenLogFile(const char* path);
     void CloseLogFile();
     /** Callers pass the name of their function; it is not written. */
@@ -25,7 +25,7 @@ public:
     char* GetTimestamp();
     /** Writes as printf does, without a line end of its own. */
     void UsrDbg(const char* format, ...) __attribute__((format(printf, 2, 3)));
-    /** Writes nothing, on purpose. */
+    /** Does nothing. */
     void Info(const char* text);
     void Info(const char* text, int value);
     void Error(const char* text);

@@ -14,7 +14,7 @@ inline constexpr std::uint32_t accessFailed = 5;  // of the design, of a file, o
 inline constexpr std::uint32_t bindingFailed = 6; // of the runtime's library
 } // namespace levels
 
-/** The threshold of a logger that nobody has opened: above every level. */
+/** The threshold of a logger without a dispatcher: above every level. */
 inline constexpr std::uint32_t closedLevel = 7;
 
 /**

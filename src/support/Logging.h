@@ -11,7 +11,7 @@
 namespace vexo::tools::logging {
 
 /**
- * Binds the dispatcher, hands out loggers and passes their lines on. Without a dispatcher logging is off.
+ * Binds the dispatcher, creates loggers and forwards their lines. Without a dispatcher logging is off.
  *
  * The map of loggers has a lock of its own, which is not held while the dispatcher is called.
  */
@@ -24,7 +24,7 @@ public:
 
     /** The logger of that name; it belongs to this object. Without a dispatcher all names share one. */
     Logger* getLogger(const char* name);
-    /** Passes a line on if a dispatcher is bound. */
+    /** Forwards a line if a dispatcher is bound. */
     void dispatch(std::uint64_t handle, std::uint32_t level, const char* text, std::uint32_t a,
                   std::uint64_t b);
 

@@ -9,7 +9,7 @@ class SharedLibrary {
 public:
     using CloseCallback = void (*)(SharedLibrary*);
 
-    /** Opens the library at `path`; isLoaded() tells the result. */
+    /** Opens the library at `path`; isLoaded() gives the result. */
     explicit SharedLibrary(std::string path);
     SharedLibrary(const SharedLibrary&) = delete;
     SharedLibrary& operator=(const SharedLibrary&) = delete;

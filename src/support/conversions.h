@@ -6,7 +6,7 @@
 #include <concepts>
 #include <limits>
 
-/** `number` without its fraction; the lowest value of the type for NaN and for whatever does not fit. */
+/** `number` without its fraction; the lowest value of the type for NaN and for what is out of its range. */
 template <std::integral Integer> constexpr Integer truncated(double number) {
     // Both bounds are powers of two or zero, so they are exact.
     constexpr double lowest = static_cast<double>(std::numeric_limits<Integer>::lowest());

@@ -1,4 +1,4 @@
-/** For what may fail without anybody being told. */
+/** Calls whose failures are dropped. */
 #ifndef SUPPORT_QUIETLY_H
 #define SUPPORT_QUIETLY_H
 

@@ -9,6 +9,7 @@
 #include <dlfcn.h>
 #include <iterator>
 #include <string>
+#include <string_view>
 #include <strings.h>
 #include <unistd.h>
 
@@ -19,16 +20,16 @@ namespace {
 
 constexpr const char* sdkFolders[] = {"bin", "dll", "Hardware Applets", "lib", "lib64"};
 
-bool isSdkFolder(const char* name) {
-    return std::any_of(std::begin(sdkFolders), std::end(sdkFolders),
-                       [name](const char* folder) { return strcasecmp(name, folder) == 0; });
+bool isSdkFolder(std::string_view name) {
+    return std::any_of(std::begin(sdkFolders), std::end(sdkFolders), [name](std::string_view folder) {
+        return name.size() == folder.size() && strncasecmp(name.data(), folder.data(), name.size()) == 0;
+    });
 }
 
-/** Ends the path behind the last character in front of the run of '/' that `slash` closes; the root stays. */
-void cutBefore(char* path, char* slash) {
-    while (slash > path && *slash == '/')
-        --slash;
-    slash[1] = '\0';
+/** The path in front of the run of '/' that ends at `slash`; the root stays. */
+std::string_view before(std::string_view path, std::size_t slash) {
+    const std::size_t last = path.find_last_not_of('/', slash);
+    return path.substr(0, last != std::string_view::npos ? last + 1 : 1);
 }
 
 constexpr std::size_t pathRoom = 1024;
@@ -58,17 +59,15 @@ bool findOwnPath(const void* address, char* path, std::size_t size) {
 
 } // namespace
 
-bool climbToSdkDirectory(char* path) {
-    char* slash = std::strrchr(path, '/');
-    while (slash != nullptr && slash != path) {
-        cutBefore(path, slash);
-        slash = std::strrchr(path, '/');
-        if (slash != nullptr && isSdkFolder(slash + 1)) {
-            cutBefore(path, slash);
-            return true;
-        }
+std::string_view sdkDirectoryAbove(std::string_view path) {
+    std::size_t slash = path.rfind('/');
+    while (slash != std::string_view::npos && slash != 0) {
+        path = before(path, slash);
+        slash = path.rfind('/');
+        if (slash != std::string_view::npos && isSdkFolder(path.substr(slash + 1)))
+            return before(path, slash);
     }
-    return false;
+    return {};
 }
 
 void copyDirectory(char* buffer, std::size_t size, const char* value) {
@@ -85,7 +84,11 @@ const char* sdkDirectory() {
 
     const SpinLockVariableGuard guard(&lock, nullptr);
     if (resolved) return directory;
-    if (!findOwnPath(directory, directory, sizeof directory) || !climbToSdkDirectory(directory)) {
+    const bool isKnown = findOwnPath(directory, directory, sizeof directory);
+    const std::string_view found = isKnown ? sdkDirectoryAbove(directory) : std::string_view();
+    if (!found.empty()) {
+        directory[found.size()] = '\0';
+    } else {
         const char* value = std::getenv("NORVANE_FG_SDK_DIR");
         if (value == nullptr) return nullptr;
         copyDirectory(directory, sizeof directory, value);

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <string_view>
 
 /**
  * The SDK directory: the parent of the first of bin, dll, "Hardware Applets", lib or lib64 above this
@@ -23,9 +24,8 @@ const char* sdkDirectory();
  */
 std::unique_ptr<SharedLibrary> openSdkLibrary(const char* name, const char* directory);
 
-/** Cuts the path of a file down to the SDK directory above it. False if there is none; `path` is then cut
- * somewhere. */
-bool climbToSdkDirectory(char* path);
+/** The start of a file's path that is the SDK directory above it; empty if there is none. */
+std::string_view sdkDirectoryAbove(std::string_view path);
 
 /** Copies as much of `value`, made absolute, as fits and cuts the '/' at its end; a single '/' stays. */
 void copyDirectory(char* buffer, std::size_t size, const char* value);

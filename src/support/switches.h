@@ -1,4 +1,4 @@
-/** Switches: words that mean on. */
+/** Environment variables that are switches. */
 #ifndef SUPPORT_SWITCHES_H
 #define SUPPORT_SWITCHES_H
 

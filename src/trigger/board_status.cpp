@@ -18,7 +18,7 @@ std::uint32_t FgLoomWrapperImpl::readCamStatusExtended() {
     constexpr std::uint32_t pixelClock = 1;
     constexpr std::uint32_t overflowBit = 5;
     constexpr std::uint32_t levelBit = 6; // and the one above: a quarter of the buffer
-    // The design's overflow flag is read twice, on purpose: the second time it may have been cleared.
+    // Both read the design's overflow flag, which a read clears: the second may find it cleared.
     const std::uint32_t level = readFillLevel(); // percent
     const std::uint32_t overflow = readOverflow();
     std::uint32_t word = 0;

@@ -1,8 +1,10 @@
 // The tables that lead from event names to masks and back, built once from the design's list.
 
-#include "entry/FgLoomWrapperImpl.h"
+#include "entry/PublishedParameters.h"
 #include "trigger/internal_events.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <cstring>
 #include <vector>
 
@@ -25,35 +27,33 @@ bool isNamed(const TslEvent* event, const char* name) {
     return event->name != nullptr && std::strcmp(event->name, name) == 0;
 }
 
+/** Mask of the event at this place of the design's list; past the 64th it is 0. */
+std::uint64_t maskAt(std::ptrdiff_t place) { return place < 64 ? std::uint64_t{1} << place : 0; }
+
 } // namespace
 
-void FgLoomWrapperImpl::publishEvents() {
+void PublishedParameters::publishEvents() {
     const std::vector<const TslEvent*> events = eventsOf(designHandle());
-
-    std::uint64_t mask = 1; // doubled at each event; past the 64th it is 0
-    for (const TslEvent* event : events) {
-        if (event->publication == forPublication && event->name != nullptr) {
-            m_eventMaskByName.insert_or_assign(event->name, mask);
-            m_eventNameByMask.insert_or_assign(mask, event->name);
-        }
-        mask <<= 1;
-    }
+    for (auto event = events.begin(); event != events.end(); ++event)
+        if ((*event)->publication == forPublication && (*event)->name != nullptr)
+            publishEvent((*event)->name, maskAt(event - events.begin()));
 
     for (const InternalEventMetaInfo& row : internalEvents) {
-        mask = 1;
-        auto event = events.begin();
-        while (event != events.end() && !isNamed(*event, row.designName)) {
-            ++event;
-            mask <<= 1;
-        }
+        const auto event = std::ranges::find_if(
+            events, [&row](const TslEvent* candidate) { return isNamed(candidate, row.designName); });
         if (event == events.end()) {
             log(vexo::tools::logging::levels::refusedCall, "cannot retrieve event id for internal event: '",
                 row.designName, "'");
             continue;
         }
-        // The applet's name takes the place of the design's: both lead to the mask, the mask to this one.
-        m_eventMaskByName.insert_or_assign(row.name, mask);
-        m_eventNameByMask.insert_or_assign(mask, row.name);
+        // Replaces the design's name: both lead to the mask, the mask to this one.
+        const std::uint64_t mask = maskAt(event - events.begin());
+        publishEvent(row.name, mask);
         noteInternalEvent(mask, row);
     }
+}
+
+void PublishedParameters::publishEvent(const char* name, std::uint64_t mask) {
+    m_eventMaskByName.insert_or_assign(name, mask);
+    m_eventNameByMask.insert_or_assign(mask, name);
 }

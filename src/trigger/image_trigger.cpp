@@ -40,7 +40,7 @@ void FgLoomWrapperImpl::set_FG_IMGTRIGGERMODE(std::uint32_t value) {
     for (const std::size_t input : {indexOf(FG_IMGTRIGGERINSRC), indexOf(FG_IMGTRIGGERINPOLARITY),
                                     indexOf(FG_IMGTRIGGERGATEDELAY), indexOf(FG_IMGTRIGGERDEBOUNCING)})
         publishAccess(recordAt(input), value == FREE_RUN ? readOnly : anyTime);
-    // Not in the gated mode for several buffers, deliberately.
+    // Not in the gated mode for several buffers: there the gate ends a frame.
     publishAccess(recordAt(indexOf(FG_IMGTRIGGER_ASYNC_HEIGHT)),
                   value == ASYNC_TRIGGER_MULTIFRAME ? anyTime : readOnly);
     const ImageTriggerMode& mode = translated(value);
@@ -93,7 +93,7 @@ void FgLoomWrapperImpl::set_FG_IMGTRIGGERGATEDELAY(std::uint32_t value) {
 
 void FgLoomWrapperImpl::set_FG_IMGTRIGGERDEBOUNCING(double value) {
     requireRange(value, limitsOf<Double>(FG_IMGTRIGGERDEBOUNCING));
-    // The prescaler of the inputs is the line trigger's business.
+    // The line trigger writes the prescaler of the inputs.
     storeAndWrite(m_imgTriggerDebouncing, value,
                   &FgLoomWrapperImpl::loomSet_Process0_Trigger_Trigger_ImgTrgDebouncingTime);
 }
@@ -112,7 +112,7 @@ void FgLoomWrapperImpl::set_FG_STROBEPULSEDELAY(std::uint32_t value) {
 
 void FgLoomWrapperImpl::set_FG_SENDSOFTWARETRIGGER(std::uint32_t value) {
     requireEntry(enumApply, value);
-    // One pulse for each write; nothing takes it back.
+    // One pulse for each write; it cannot be undone.
     storeAndWrite(m_sendSoftwareTrigger, value,
                   &FgLoomWrapperImpl::loomSet_Process0_Trigger_Trigger_SoftwareTrgPulse);
 }

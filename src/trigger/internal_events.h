@@ -16,10 +16,10 @@ struct InternalEventMetaInfo {
 /** In the order of their lookup. */
 extern const std::span<const InternalEventMetaInfo> internalEvents;
 
-/** Notes for the whole process that this mask is that event's; the first note of a mask stays. Any thread. */
+/** Records the event of a mask for the whole process; the first one of a mask stays. Any thread. */
 void noteInternalEvent(std::uint64_t mask, const InternalEventMetaInfo& event);
 
-/** The event noted under exactly this mask, or null. Any thread. */
+/** The event recorded for exactly this mask, or null. Any thread. */
 const InternalEventMetaInfo* findInternalEvent(std::uint64_t mask);
 
 #endif

@@ -39,14 +39,14 @@ const LineTriggerMode& translated(std::uint32_t mode) {
     return *row;
 }
 
-/** Prescaler period of the inputs' debouncing: 3 ticks each; the half before rounding up is deliberate. */
+/** Prescaler period of the inputs' debouncing: 3 ticks each. With the half before rounding up it is never too short. */
 std::uint32_t debouncePrescaler(double microseconds) {
     return truncated<std::uint32_t>(std::ceil(0.5 + (125.0 * microseconds) / 3.0));
 }
 
 } // namespace
 
-double FgLoomWrapperImpl::exposureLimit() const {
+double LineTrigger::exposureLimit() const {
     const bool periodic =
         m_lineTriggerMode == GRABBER_CONTROLLED || m_lineTriggerMode == GRABBER_CONTROLLED_GATED;
     return periodic && m_linePeriode < pulseLimits.maximum ? m_linePeriode : pulseLimits.maximum;

@@ -1,4 +1,4 @@
-// Shaft encoder: pulses of two inputs, A and B, in the place of the line trigger's one input. Input A is the
+// Shaft encoder: pulses of two inputs, A and B, instead of the one input of the line trigger. Input A is the
 // line trigger's own source.
 
 #include "catalogue/live_records.h"

@@ -1,5 +1,5 @@
-// Signal analyzers: periods and pulses of two routed signals. Most of what they measure, the rows of the
-// parameters read straight from the design.
+// Signal analyzers: periods and pulses of two routed signals. Most results are read straight from the design, by the
+// rows of the parameters.
 
 #include "entry/sdk_parameters.h"
 #include "entry/setter_tools.h"

@@ -48,7 +48,7 @@ constexpr SignalSource signalSources[] = {
     {FG_SIGNAL_CAM0_FRAME_END, {36, 0}},
 };
 
-/** The two levels, which have no polarity: the inversion is what makes the one out of the zero. */
+/** The two levels. They have no polarity: the inversion distinguishes them. */
 bool isStatic(std::uint32_t source) { return source == GND || source == VCC; }
 
 DesignSignal resolveSignalSource(std::uint32_t source, std::uint32_t polarity) {
@@ -71,76 +71,34 @@ struct FgLoomWrapperImpl::SignalRoute {
 };
 
 struct FgLoomWrapperImpl::SignalRoutes {
-    using Wrapper = FgLoomWrapperImpl;
-    static constexpr SignalRoute triggerCamera{
-        enumSignalSource, &Wrapper::m_triggerCameraSource, &Wrapper::m_triggerCameraPolarity,
-        &Wrapper::loomSet_Process1_Trigger_OutputMapping_CamTrigger0_SelectTrigger_SelectSignal_Select,
-        &Wrapper::loomSet_Process1_Trigger_OutputMapping_CamTrigger0_SelectTrigger_Polarity_Invert};
-    static constexpr SignalRoute gpo0{
-        enumSignalSource, &Wrapper::m_gpo0Source, &Wrapper::m_gpo0Polarity,
-        &Wrapper::loomSet_Process1_Trigger_OutputMapping_SelectGPO_Select0_SelectSignal_Select,
-        &Wrapper::loomSet_Process1_Trigger_OutputMapping_SelectGPO_Select0_Polarity_Invert};
-    static constexpr SignalRoute gpo1{
-        enumSignalSource, &Wrapper::m_gpo1Source, &Wrapper::m_gpo1Polarity,
-        &Wrapper::loomSet_Process1_Trigger_OutputMapping_SelectGPO_Select1_SelectSignal_Select,
-        &Wrapper::loomSet_Process1_Trigger_OutputMapping_SelectGPO_Select1_Polarity_Invert};
-    static constexpr SignalRoute gpo2{
-        enumSignalSource, &Wrapper::m_gpo2Source, &Wrapper::m_gpo2Polarity,
-        &Wrapper::loomSet_Process1_Trigger_OutputMapping_SelectGPO_Select2_SelectSignal_Select,
-        &Wrapper::loomSet_Process1_Trigger_OutputMapping_SelectGPO_Select2_Polarity_Invert};
-    static constexpr SignalRoute gpo3{
-        enumSignalSource, &Wrapper::m_gpo3Source, &Wrapper::m_gpo3Polarity,
-        &Wrapper::loomSet_Process1_Trigger_OutputMapping_SelectGPO_Select3_SelectSignal_Select,
-        &Wrapper::loomSet_Process1_Trigger_OutputMapping_SelectGPO_Select3_Polarity_Invert};
-    static constexpr SignalRoute gpo4{
-        enumSignalSource, &Wrapper::m_gpo4Source, &Wrapper::m_gpo4Polarity,
-        &Wrapper::loomSet_Process1_Trigger_OutputMapping_SelectGPO_Select4_SelectSignal_Select,
-        &Wrapper::loomSet_Process1_Trigger_OutputMapping_SelectGPO_Select4_Polarity_Invert};
-    static constexpr SignalRoute gpo5{
-        enumSignalSource, &Wrapper::m_gpo5Source, &Wrapper::m_gpo5Polarity,
-        &Wrapper::loomSet_Process1_Trigger_OutputMapping_SelectGPO_Select5_SelectSignal_Select,
-        &Wrapper::loomSet_Process1_Trigger_OutputMapping_SelectGPO_Select5_Polarity_Invert};
-    static constexpr SignalRoute gpo6{
-        enumSignalSource, &Wrapper::m_gpo6Source, &Wrapper::m_gpo6Polarity,
-        &Wrapper::loomSet_Process1_Trigger_OutputMapping_SelectGPO_Select6_SelectSignal_Select,
-        &Wrapper::loomSet_Process1_Trigger_OutputMapping_SelectGPO_Select6_Polarity_Invert};
-    static constexpr SignalRoute gpo7{
-        enumSignalSource, &Wrapper::m_gpo7Source, &Wrapper::m_gpo7Polarity,
-        &Wrapper::loomSet_Process1_Trigger_OutputMapping_SelectGPO_Select7_SelectSignal_Select,
-        &Wrapper::loomSet_Process1_Trigger_OutputMapping_SelectGPO_Select7_Polarity_Invert};
-    static constexpr SignalRoute frontGpo0{
-        enumSignalSource, &Wrapper::m_frontGpo0Source, &Wrapper::m_frontGpo0Polarity,
-        &Wrapper::loomSet_Process1_Trigger_OutputMapping_SelectFrontGPO_Select0_SelectSignal_Select,
-        &Wrapper::loomSet_Process1_Trigger_OutputMapping_SelectFrontGPO_Select0_Polarity_Invert};
-    static constexpr SignalRoute frontGpo1{
-        enumSignalSource, &Wrapper::m_frontGpo1Source, &Wrapper::m_frontGpo1Polarity,
-        &Wrapper::loomSet_Process1_Trigger_OutputMapping_SelectFrontGPO_Select1_SelectSignal_Select,
-        &Wrapper::loomSet_Process1_Trigger_OutputMapping_SelectFrontGPO_Select1_Polarity_Invert};
-    static constexpr SignalRoute signalAnalyzer0{
-        enumSignalSourceExtended, &Wrapper::m_signalAnalyzer0Source, &Wrapper::m_signalAnalyzer0Polarity,
-        &Wrapper::loomSet_Process1_Trigger_Analyzer_Analyzer0_Select_SelectSignal_Select,
-        &Wrapper::loomSet_Process1_Trigger_Analyzer_Analyzer0_Select_Polarity_Invert};
-    static constexpr SignalRoute signalAnalyzer1{
-        enumSignalSourceExtended, &Wrapper::m_signalAnalyzer1Source, &Wrapper::m_signalAnalyzer1Polarity,
-        &Wrapper::loomSet_Process1_Trigger_Analyzer_Analyzer1_Select_SelectSignal_Select,
-        &Wrapper::loomSet_Process1_Trigger_Analyzer_Analyzer1_Select_Polarity_Invert};
-    static constexpr SignalRoute customSignalEvent0{
-        enumSignalSourceExtended, &Wrapper::m_customSignalEvent0Source,
-        &Wrapper::m_customSignalEvent0Polarity,
-        &Wrapper::loomSet_Process1_Trigger_Events_SelectCustomSignalEvent0_SelectSignal_Select,
-        &Wrapper::loomSet_Process1_Trigger_Events_SelectCustomSignalEvent0_Polarity_Invert};
-    static constexpr SignalRoute customSignalEvent1{
-        enumSignalSourceExtended, &Wrapper::m_customSignalEvent1Source,
-        &Wrapper::m_customSignalEvent1Polarity,
-        &Wrapper::loomSet_Process1_Trigger_Events_SelectCustomSignalEvent1_SelectSignal_Select,
-        &Wrapper::loomSet_Process1_Trigger_Events_SelectCustomSignalEvent1_Polarity_Invert};
+#define ROUTE(name, sources, design)                                                                         \
+    static constexpr SignalRoute name{                                                                       \
+        sources, &FgLoomWrapperImpl::m_##name##Source, &FgLoomWrapperImpl::m_##name##Polarity,               \
+        &FgLoomWrapperImpl::loomSet_Process1_Trigger_##design##_SelectSignal_Select,                         \
+        &FgLoomWrapperImpl::loomSet_Process1_Trigger_##design##_Polarity_Invert};
+    ROUTE(triggerCamera, enumSignalSource, OutputMapping_CamTrigger0_SelectTrigger)
+    ROUTE(gpo0, enumSignalSource, OutputMapping_SelectGPO_Select0)
+    ROUTE(gpo1, enumSignalSource, OutputMapping_SelectGPO_Select1)
+    ROUTE(gpo2, enumSignalSource, OutputMapping_SelectGPO_Select2)
+    ROUTE(gpo3, enumSignalSource, OutputMapping_SelectGPO_Select3)
+    ROUTE(gpo4, enumSignalSource, OutputMapping_SelectGPO_Select4)
+    ROUTE(gpo5, enumSignalSource, OutputMapping_SelectGPO_Select5)
+    ROUTE(gpo6, enumSignalSource, OutputMapping_SelectGPO_Select6)
+    ROUTE(gpo7, enumSignalSource, OutputMapping_SelectGPO_Select7)
+    ROUTE(frontGpo0, enumSignalSource, OutputMapping_SelectFrontGPO_Select0)
+    ROUTE(frontGpo1, enumSignalSource, OutputMapping_SelectFrontGPO_Select1)
+    ROUTE(signalAnalyzer0, enumSignalSourceExtended, Analyzer_Analyzer0_Select)
+    ROUTE(signalAnalyzer1, enumSignalSourceExtended, Analyzer_Analyzer1_Select)
+    ROUTE(customSignalEvent0, enumSignalSourceExtended, Events_SelectCustomSignalEvent0)
+    ROUTE(customSignalEvent1, enumSignalSourceExtended, Events_SelectCustomSignalEvent1)
+#undef ROUTE
 };
 
 void FgLoomWrapperImpl::applyRoute(const SignalRoute& route, std::uint32_t source, std::uint32_t polarity) {
     const DesignSignal signal = resolveSignalSource(source, polarity);
     (this->*route.writeSelect)(signal.select);
     (this->*route.writeInvert)(signal.invert);
-    // Only now: a failure leaves what the design last took as a whole.
+    // Only now: after a failure the pair is as the design last accepted it.
     this->*route.source = source;
     this->*route.polarity = polarity;
 }
@@ -197,7 +155,7 @@ void FgLoomWrapperImpl::set_FG_DIGIO_OUTPUT(std::int32_t value) {
     set_FG_TRIGGEROUT_GPO_7_SOURCE((value & 2) != 0 ? VCC : GND);
 }
 
-std::int32_t FgLoomWrapperImpl::digitalOutput() {
+std::int32_t SignalRouting::digitalOutput() const {
     if (!isStatic(m_gpo3Source) || !isStatic(m_gpo7Source)) return -1;
     return (m_gpo3Source == VCC ? 1 : 0) | (m_gpo7Source == VCC ? 2 : 0);
 }

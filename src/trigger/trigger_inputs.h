@@ -2,7 +2,9 @@
 #ifndef TRIGGER_TRIGGER_INPUTS_H
 #define TRIGGER_TRIGGER_INPUTS_H
 
-#include "entry/setter_tools.h"
+#include "support/refuse.h"
+#include "vexo/fg_errors.h"
+#include "vexo/fg_parameters.h"
 
 #include <cstdint>
 

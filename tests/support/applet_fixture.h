@@ -3,6 +3,7 @@
 #define TESTS_SUPPORT_APPLET_FIXTURE_H
 
 #include "applet_host/AppletHost.h"
+#include "vexo/type_tags.hpp"
 
 #include <gtest/gtest.h>
 
@@ -11,7 +12,6 @@
 #include <functional>
 #include <initializer_list>
 #include <string>
-#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -80,7 +80,7 @@ public:
     /** Calls Fg_FreeGrabber and gives its result. */
     int free();
 
-    template <typename T> int set(int id, T value, int dma = 0, int tag = tagOf<T>()) {
+    template <typename T> int set(int id, T value, int dma = 0, int tag = tagOf<T>) {
         return host().applet().Fg_setParameterWithType(fg(), id, &value, dma, tag);
     }
     /** Sets a parameter to a value as settable_values.txt has it. */
@@ -91,7 +91,7 @@ public:
     /** The value of a parameter that can be read. */
     template <typename T> T value(int id) {
         T out{};
-        EXPECT_EQ(get(id, &out, 0, tagOf<T>()), FG_OK) << "id " << id;
+        EXPECT_EQ(get(id, &out, 0, tagOf<T>), FG_OK) << "id " << id;
         return out;
     }
     int lastError() { return host().applet().Fg_getLastErrorNumber(fg()); }
@@ -111,13 +111,6 @@ public:
     LOOMdevice* const device;
     int error = 1;
     applet_host::GrabberHandle handle;
-
-private:
-    template <typename T> static constexpr int tagOf() {
-        if (std::is_floating_point_v<T>) return FG_PARAM_DOUBLE;
-        if (sizeof(T) == 8) return std::is_signed_v<T> ? FG_PARAM_INT64 : FG_PARAM_UINT64;
-        return std::is_signed_v<T> ? FG_PARAM_INT32 : FG_PARAM_UINT32;
-    }
 };
 
 /** A function that goes straight to the runtime. */

@@ -20,76 +20,29 @@ struct Binding {
     std::size_t offset;
 };
 
-#define BIND(table, prefix, name)                                                                            \
-    Binding { prefix #name, offsetof(table, name) }
-#define BIND_APPLET(name) BIND(AppletFunctions, "", name)
-#define BIND_BOARD(name) BIND(BoardFunctions, "vboard_", name)
-
 constexpr Binding appletBindings[] = {
-    BIND_APPLET(Std_entry),
-    BIND_APPLET(Info),
-    BIND_APPLET(Fg_setParameterWithType),
-    BIND_APPLET(Fg_getParameterWithType),
-    BIND_APPLET(Fg_freeParameterStringWithType),
-    BIND_APPLET(Fg_getNrOfParameter),
-    BIND_APPLET(Fg_getParameterName),
-    BIND_APPLET(Fg_getParameterId),
-    BIND_APPLET(Fg_getParameterIdByName),
-    BIND_APPLET(Fg_getParameterInfo),
-    BIND_APPLET(Fg_getParameterInfoXML),
-    BIND_APPLET(Fg_getEventMask),
-    BIND_APPLET(Fg_getEventName),
-    BIND_APPLET(Fg_saveConfig),
-    BIND_APPLET(Fg_loadConfig),
-    BIND_APPLET(Fg_getLastErrorNumber),
-    BIND_APPLET(Fg_FreeGrabber),
-    BIND_APPLET(Fg_getAppletId),
-    BIND_APPLET(Fg_AcquireEx),
-    BIND_APPLET(Fg_stopAcquireEx),
-    BIND_APPLET(Fg_getStatusEx),
-    BIND_APPLET(Fg_getLastPicNumberEx),
-    BIND_APPLET(Fg_getLastPicNumberBlockingEx),
-    BIND_APPLET(Fg_AllocShading),
-    BIND_APPLET(Fg_FreeShading),
-    BIND_APPLET(Shad_SetSubValueLine),
-    BIND_APPLET(Shad_SetMultValueLine),
-    BIND_APPLET(Shad_SetFixedPatternNoiseLine),
-    BIND_APPLET(Shad_GetMaxLine),
-    BIND_APPLET(Shad_GetAccess),
-    BIND_APPLET(Shad_FreeAccess),
-    BIND_APPLET(Shad_WriteActLine),
-    BIND_APPLET(mkstemps),
+#define APPLET_FUNCTION(name) {#name, offsetof(AppletFunctions, name)},
+#define OTHER_FUNCTION(name, arguments) APPLET_FUNCTION(name)
+#include "applet_host/applet_functions.def"
+#undef APPLET_FUNCTION
+#undef OTHER_FUNCTION
 };
-static_assert(sizeof(AppletFunctions) == std::size(appletBindings) * sizeof(void*), "a function without row");
 
 constexpr Binding boardBindings[] = {
-    BIND_BOARD(open),          BIND_BOARD(close),           BIND_BOARD(reset),
-    BIND_BOARD(live),          BIND_BOARD(lack_parameter),  BIND_BOARD(alias_parameter),
-    BIND_BOARD(lack_event),    BIND_BOARD(hide_entry),      BIND_BOARD(extra_events),
-    BIND_BOARD(refuse_design), BIND_BOARD(fail_init),       BIND_BOARD(restore_design),
-    BIND_BOARD(log_kinds),     BIND_BOARD(log_size),        BIND_BOARD(log_line),
-    BIND_BOARD(log_clear),     BIND_BOARD(fail_access),     BIND_BOARD(access_count),
-    BIND_BOARD(fail_name),     BIND_BOARD(on_access),       BIND_BOARD(answer),
-    BIND_BOARD(last_error),    BIND_BOARD(attach_applet),   BIND_BOARD(raise_event),
-    BIND_BOARD(poke_int),      BIND_BOARD(poke_after_read), BIND_BOARD(poke_double),
-    BIND_BOARD(poke_text),     BIND_BOARD(peek_int),        BIND_BOARD(peek_double),
-    BIND_BOARD(peek_field),
+#define BOARD_FUNCTION(name) {"vboard_" #name, offsetof(BoardFunctions, name)},
+#include "applet_host/board_functions.def"
+#undef BOARD_FUNCTION
 };
-static_assert(sizeof(BoardFunctions) == std::size(boardBindings) * sizeof(void*), "a function without row");
 
-#define BIND_BRIDGE(name)                                                                                    \
-    Binding { "bridge_" #name "_board", offsetof(BoardOpener, name) }
-constexpr Binding bridgeBindings[] = {BIND_BRIDGE(open), BIND_BRIDGE(close)};
-
-#undef BIND_BRIDGE
-#undef BIND_BOARD
-#undef BIND_APPLET
-#undef BIND
+constexpr Binding bridgeBindings[] = {
+    {"bridge_open_board", offsetof(BoardOpener, open)},
+    {"bridge_close_board", offsetof(BoardOpener, close)},
+};
 
 constexpr const char* boardLibraries[] = {"libvexo_hw.so", "libtslrt.so", "libgrabcore5.so"};
 constexpr const char* appletLibrary = "libGrab_TwinLaneLineColor.so";
 
-/** What the dynamic loader has to say about its last failure. */
+/** The text of the dynamic loader's last failure. */
 std::string loaderError() {
     const char* text = dlerror();
     return text != nullptr ? text : "the dynamic loader gives no reason";

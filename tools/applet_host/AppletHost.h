@@ -1,6 +1,6 @@
 /**
  * A host for the applet: loads the virtual board and the applet library and calls the library's exported
- * functions, as the grabber runtime would. appletctl, the tests and the benchmarks stand on it.
+ * functions, as the grabber runtime would. appletctl, the tests and the benchmarks use it.
  */
 #ifndef APPLET_HOST_H
 #define APPLET_HOST_H
@@ -22,74 +22,18 @@ struct HostError : std::runtime_error {
 
 /** The exported functions of the applet library, by name. */
 struct AppletFunctions {
-    decltype(&::Std_entry) Std_entry;
-    decltype(&::Info) Info;
-    decltype(&::Fg_setParameterWithType) Fg_setParameterWithType;
-    decltype(&::Fg_getParameterWithType) Fg_getParameterWithType;
-    decltype(&::Fg_freeParameterStringWithType) Fg_freeParameterStringWithType;
-    decltype(&::Fg_getNrOfParameter) Fg_getNrOfParameter;
-    decltype(&::Fg_getParameterName) Fg_getParameterName;
-    decltype(&::Fg_getParameterId) Fg_getParameterId;
-    decltype(&::Fg_getParameterIdByName) Fg_getParameterIdByName;
-    decltype(&::Fg_getParameterInfo) Fg_getParameterInfo;
-    decltype(&::Fg_getParameterInfoXML) Fg_getParameterInfoXML;
-    decltype(&::Fg_getEventMask) Fg_getEventMask;
-    decltype(&::Fg_getEventName) Fg_getEventName;
-    decltype(&::Fg_saveConfig) Fg_saveConfig;
-    decltype(&::Fg_loadConfig) Fg_loadConfig;
-    decltype(&::Fg_getLastErrorNumber) Fg_getLastErrorNumber;
-    decltype(&::Fg_FreeGrabber) Fg_FreeGrabber;
-    decltype(&::Fg_getAppletId) Fg_getAppletId;
-    decltype(&::Fg_AcquireEx) Fg_AcquireEx;
-    decltype(&::Fg_stopAcquireEx) Fg_stopAcquireEx;
-    decltype(&::Fg_getStatusEx) Fg_getStatusEx;
-    decltype(&::Fg_getLastPicNumberEx) Fg_getLastPicNumberEx;
-    decltype(&::Fg_getLastPicNumberBlockingEx) Fg_getLastPicNumberBlockingEx;
-    decltype(&::Fg_AllocShading) Fg_AllocShading;
-    decltype(&::Fg_FreeShading) Fg_FreeShading;
-    decltype(&::Shad_SetSubValueLine) Shad_SetSubValueLine;
-    decltype(&::Shad_SetMultValueLine) Shad_SetMultValueLine;
-    decltype(&::Shad_SetFixedPatternNoiseLine) Shad_SetFixedPatternNoiseLine;
-    decltype(&::Shad_GetMaxLine) Shad_GetMaxLine;
-    decltype(&::Shad_GetAccess) Shad_GetAccess;
-    decltype(&::Shad_FreeAccess) Shad_FreeAccess;
-    decltype(&::Shad_WriteActLine) Shad_WriteActLine;
-    int (*mkstemps)(char* pattern, int suffixLength);
+#define APPLET_FUNCTION(name) decltype(&::name) name;
+#define OTHER_FUNCTION(name, arguments) int(*name) arguments;
+#include "applet_host/applet_functions.def"
+#undef APPLET_FUNCTION
+#undef OTHER_FUNCTION
 };
 
 /** The control functions of the virtual board, by name (see virtual_board.h). */
 struct BoardFunctions {
-    decltype(&::vboard_open) open;
-    decltype(&::vboard_close) close;
-    decltype(&::vboard_reset) reset;
-    decltype(&::vboard_live) live;
-    decltype(&::vboard_lack_parameter) lack_parameter;
-    decltype(&::vboard_alias_parameter) alias_parameter;
-    decltype(&::vboard_lack_event) lack_event;
-    decltype(&::vboard_hide_entry) hide_entry;
-    decltype(&::vboard_extra_events) extra_events;
-    decltype(&::vboard_refuse_design) refuse_design;
-    decltype(&::vboard_fail_init) fail_init;
-    decltype(&::vboard_restore_design) restore_design;
-    decltype(&::vboard_log_kinds) log_kinds;
-    decltype(&::vboard_log_size) log_size;
-    decltype(&::vboard_log_line) log_line;
-    decltype(&::vboard_log_clear) log_clear;
-    decltype(&::vboard_fail_access) fail_access;
-    decltype(&::vboard_access_count) access_count;
-    decltype(&::vboard_fail_name) fail_name;
-    decltype(&::vboard_on_access) on_access;
-    decltype(&::vboard_answer) answer;
-    decltype(&::vboard_last_error) last_error;
-    decltype(&::vboard_attach_applet) attach_applet;
-    decltype(&::vboard_raise_event) raise_event;
-    decltype(&::vboard_poke_int) poke_int;
-    decltype(&::vboard_poke_after_read) poke_after_read;
-    decltype(&::vboard_poke_double) poke_double;
-    decltype(&::vboard_poke_text) poke_text;
-    decltype(&::vboard_peek_int) peek_int;
-    decltype(&::vboard_peek_double) peek_double;
-    decltype(&::vboard_peek_field) peek_field;
+#define BOARD_FUNCTION(name) decltype(&::vboard_##name) name;
+#include "applet_host/board_functions.def"
+#undef BOARD_FUNCTION
 };
 
 /** What opens a board and lets it go again. */

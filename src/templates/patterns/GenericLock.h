@@ -30,7 +30,7 @@ public:
     }
     /** Blocks until the lock is taken. Does not count. */
     virtual void lock() ACQUIRE() = 0;
-    /** Takes the lock if it can be had within `timeout`. Does not count. */
+    /** Takes the lock if it becomes free within `timeout`. Does not count. */
     virtual bool tryLock(std::uint32_t timeout) TRY_ACQUIRE(true) = 0;
     virtual void unlock() RELEASE() = 0;
 
@@ -39,7 +39,7 @@ public:
         lock();
         countIn();
     }
-    /** Counts down and releases the lock. Somebody must have entered. */
+    /** Counts down and releases the lock. There must be a holder. */
     void leave() RELEASE() {
         countOut();
         unlock();

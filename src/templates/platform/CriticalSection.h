@@ -50,7 +50,7 @@ public:
     }
 
 private:
-    bool m_external = false;              // when true, m_mutex belongs to somebody else
+    bool m_external = false;              // when true, m_mutex is owned elsewhere
     std::atomic<bool> m_wasNested{false}; // set by a holder, so that the next one sees it
     pthread_mutex_t m_embedded;
     pthread_mutex_t* m_mutex = &m_embedded;
