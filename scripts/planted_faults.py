@@ -41,17 +41,13 @@ class Fault:
     name: str
     file: str
     run: str
-    program: str
-    tests: str
+    targets: list
+    tests: str  # a regular expression
     lines: list = field(default_factory=list)  # (sign, text) of a context or changed line
 
     @property
     def full_name(self):
         return f"{self.room}/{self.name}"
-
-    @property
-    def regex(self):
-        return rf"^{self.program}\.({self.tests})"
 
     def planted_in(self, source):
         """The text of the source with the fault. Indentation is not compared."""
@@ -84,8 +80,8 @@ def read_table(path):
         elif word in values:
             values[word] = rest.strip()
         elif word == "fault":
-            program, _, tests = values["tests"].partition(" ")
-            faults.append(Fault(path.stem, rest.strip(), values["file"], values["run"], program, tests or "."))
+            *targets, tests = values["tests"].split() or [""]
+            faults.append(Fault(path.stem, rest.strip(), values["file"], values["run"], targets, tests))
         elif line and word != "#":
             raise TableError(f"{path}:{number}: '{line}' is no line of a table")
     return faults
@@ -159,21 +155,21 @@ def prepare(run, faults, named_only):
     if shutil.which("ccache"):
         configure += [f"-DCMAKE_{language}_COMPILER_LAUNCHER=ccache" for language in ("C", "CXX")]
     subprocess.run(configure, cwd=COPY, check=True)
-    targets, regex = FALLBACK[run]
+    targets, regexes = FALLBACK[run][0], {FALLBACK[run][1]}
     if named_only:
-        targets = sorted({fault.program for fault in faults if fault.run == run})
-        regex = "|".join(sorted({fault.regex for fault in faults if fault.run == run}))
+        targets = sorted({target for fault in faults if fault.run == run for target in fault.targets})
+        regexes = {fault.tests for fault in faults if fault.run == run}
     if not build(run, targets):
         sys.exit("It does not build: see build/planted/build.log")
-    if not tests_pass(run, regex):
+    if not all(tests_pass(run, regex) for regex in regexes):
         sys.exit(f"A test fails without a fault: {failed_tests()}")
 
 
 def outcome(fault, named_only):
     """How the tests take the fault: what to print, and whether one of them saw it."""
-    if not build(fault.run, [fault.program]):
+    if not build(fault.run, fault.targets):
         return "DOES NOT COMPILE", False
-    if not tests_pass(fault.run, fault.regex):
+    if not tests_pass(fault.run, fault.tests):
         return f"caught by {failed_tests()}", True
     if not named_only:
         targets, regex = FALLBACK[fault.run]

@@ -2,17 +2,16 @@
 // access.
 
 #include "support/applet_fixture.h"
+#include "support/faults.h"
 #include "support/sanitizers.h"
+#include "support/stress.h"
 #include "support/temporary_folder.h"
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <charconv>
-#include <chrono>
 #include <cstring>
-#include <deque>
-#include <future>
-#include <latch>
 #include <mutex>
 #include <pthread.h>
 #include <random>
@@ -31,17 +30,6 @@ constexpr int threadCount = 8;
 constexpr int callsOfEach = underThreadSanitizer ? 1000 : underAddressSanitizer ? 5000 : 20000;
 constexpr int opensOfEach = underThreadSanitizer ? 20 : underAddressSanitizer ? 50 : 200;
 constexpr int textsOfEach = underThreadSanitizer || underAddressSanitizer ? 500 : 5000;
-
-/** Runs `body` with each number in a thread of its own; all begin at once. */
-template <typename Body> void inThreads(int count, Body body) {
-    std::latch start(count);
-    std::vector<std::jthread> running;
-    for (int number = 0; number < count; ++number)
-        running.emplace_back([&, number] {
-            start.arrive_and_wait();
-            body(number);
-        });
-}
 
 /** A parameter with values to set, as settable_values.txt has them. */
 struct Row {
@@ -216,7 +204,7 @@ TEST_F(Threads, SetAndGetOnOneHandleWhileTreeAndDocumentAreRead) {
             if (!told.contains(grabber.lastError())) ++wrong;
         } while (!stop);
     });
-    inThreads(threadCount, [&](int thread) {
+    stress(threadCount, 1, [&](int thread, int) {
         std::mt19937 random(static_cast<unsigned>(thread));
         for (int call = 0; call < callsOfEach; ++call) {
             Order::begin(thread, call);
@@ -249,15 +237,13 @@ TEST_F(Threads, SetAndGetOnOneHandleWhileTreeAndDocumentAreRead) {
 
 TEST_F(Threads, OpenAndFreeHandlesOfTheirOwn) {
     std::atomic<int> wrong{0};
-    inThreads(threadCount, [&](int thread) {
-        for (int turn = 0; turn < opensOfEach; ++turn) {
-            Grabber grabber(turn % 2);
-            const auto timeout = static_cast<std::uint32_t>(1000 * thread + turn + 2);
-            if (grabber.error != FG_OK || grabber.set(FG_TIMEOUT, timeout) != FG_OK ||
-                grabber.set(FG_CAMSTATUS, 0u) != FG_ERR_NOT_AVAILABLE || // which is logged
-                grabber.value<std::uint32_t>(FG_TIMEOUT) != timeout || grabber.free() != FG_OK)
-                ++wrong;
-        }
+    stress(threadCount, opensOfEach, [&](int thread, int turn) {
+        Grabber grabber(turn % 2);
+        const auto timeout = static_cast<std::uint32_t>(1000 * thread + turn + 2);
+        if (grabber.error != FG_OK || grabber.set(FG_TIMEOUT, timeout) != FG_OK ||
+            grabber.set(FG_CAMSTATUS, 0u) != FG_ERR_NOT_AVAILABLE || // which is logged
+            grabber.value<std::uint32_t>(FG_TIMEOUT) != timeout || grabber.free() != FG_OK)
+            ++wrong;
     });
     EXPECT_EQ(wrong, 0);
     for (const char* what : {"boards", "designs", "handles"})
@@ -267,53 +253,28 @@ TEST_F(Threads, OpenAndFreeHandlesOfTheirOwn) {
 
 TEST_F(Threads, TextsAreFreedByOtherThreads) {
     Grabber grabber(0);
-    struct Text {
-        int id;
-        char* text;
-    };
     const std::set<std::string> files = {"", "short", std::string(3000, 'x')};
-    std::mutex mutex;
-    std::deque<Text> handedOver;
-    std::atomic<int> wrong{0}, freed{0};
-    constexpr int all = threadCount / 2 * textsOfEach;
-    inThreads(threadCount + 1, [&](int thread) {
-        const int ids[] = {FG_DEBUGFILE, FG_TSL_FILE, FG_APPLET_ID, FG_LUT_CUSTOM_FILE};
-        if (thread == threadCount) {
-            for (int turn = 0; freed < all; ++turn)
-                for (const std::string& file : files)
-                    for (const int id : {FG_DEBUGFILE, FG_LUT_CUSTOM_FILE})
-                        applet.Fg_setParameterWithType(grabber.fg(), id, file.c_str(), 0, FG_PARAM_TEXT);
-            return;
-        }
-        if (thread % 2 == 0) {
-            for (int turn = 0; turn < textsOfEach; ++turn) {
-                Text text{ids[turn % 4], nullptr};
-                if (grabber.get(text.id, &text.text, 0, FG_PARAM_ALLOCATED_STRING) != FG_OK) ++wrong;
-                const std::lock_guard guard(mutex);
-                handedOver.push_back(text);
-            }
-            return;
-        }
-        while (freed < all) {
-            Text text{};
-            {
-                const std::lock_guard guard(mutex);
-                if (!handedOver.empty()) {
-                    text = handedOver.front();
-                    handedOver.pop_front();
-                }
-            }
-            if (text.text == nullptr) {
+    std::array<std::atomic<char*>, threadCount / 2> handedOver{}; // one place for each pair of threads
+    std::atomic<int> wrong{0};
+    stress(threadCount, textsOfEach, [&](int thread, int turn) {
+        std::atomic<char*>& place = handedOver[static_cast<std::size_t>(thread) / 2];
+        const int id = thread % 4 < 2 ? FG_DEBUGFILE : FG_LUT_CUSTOM_FILE;
+        char* text = nullptr;
+        if (thread % 2 == 0) { // hands out, while others change what is read
+            if (grabber.get(id, &text, 0, FG_PARAM_ALLOCATED_STRING) != FG_OK) ++wrong;
+            while (place != nullptr)
                 std::this_thread::yield();
-                continue;
-            }
-            const bool isFile = text.id == FG_DEBUGFILE || text.id == FG_LUT_CUSTOM_FILE;
-            if (isFile && !files.contains(text.text)) ++wrong;
-            if (applet.Fg_freeParameterStringWithType(grabber.fg(), text.id, text.text, 0,
-                                                      FG_PARAM_ALLOCATED_STRING) != FG_OK)
-                ++wrong;
-            ++freed;
+            place = text;
+            const auto file = std::next(files.begin(), turn % 3);
+            applet.Fg_setParameterWithType(grabber.fg(), id, file->c_str(), 0, FG_PARAM_TEXT);
+            return;
         }
+        while ((text = place.exchange(nullptr)) == nullptr)
+            std::this_thread::yield();
+        if (!files.contains(text)) ++wrong;
+        if (applet.Fg_freeParameterStringWithType(grabber.fg(), id, text, 0, FG_PARAM_ALLOCATED_STRING) !=
+            FG_OK)
+            ++wrong;
     });
     EXPECT_EQ(wrong, 0);
     EXPECT_EQ(support::live("strings"), 0);
@@ -355,24 +316,11 @@ private:
 
 class CancelledThread : public Threads {
 protected:
-    /** A get of another thread, which needs the lock. */
-    static void expectFree(Grabber& grabber) {
-        auto answer = std::async(std::launch::async, [&] {
-            std::uint32_t value = 0;
-            return grabber.get(FG_TIMEOUT, &value);
-        });
-        if (answer.wait_for(std::chrono::minutes(2)) != std::future_status::ready) {
-            ADD_FAILURE() << "the lock is still held";
-            std::abort(); // the future would wait for ever
-        }
-        EXPECT_EQ(answer.get(), FG_OK);
-    }
     /**
      * Cancels `call` at each of its accesses in turn, always from the state that `prepare` makes; each time
      * the same call then ends as it does undisturbed. The number of accesses.
      */
-    template <typename Prepare, typename Call>
-    static int sweep(Grabber& grabber, Prepare prepare, Call call) {
+    template <typename Prepare, typename Call> int sweep(Grabber& grabber, Prepare prepare, Call call) {
         prepare();
         EXPECT_EQ(call(), FG_OK);
         const std::string undisturbed = stateOf(grabber);
@@ -381,11 +329,14 @@ protected:
             prepare();
             Cancellation cancellation(grabber, access);
             if (!cancellation.hits(call)) return access - 1;
-            expectFree(grabber);
+            m_otherThread.run([&] { EXPECT_NE(grabber.value<std::uint32_t>(FG_TIMEOUT), 0u); });
             EXPECT_EQ(call(), FG_OK);
             EXPECT_EQ(stateOf(grabber), undisturbed);
         }
     }
+
+private:
+    OtherThread m_otherThread;
 };
 
 TEST_F(CancelledThread, LeavesTheHandleToOthers) {

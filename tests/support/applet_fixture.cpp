@@ -176,22 +176,6 @@ void Grabber::fail(const std::string& name, int code) {
     EXPECT_EQ(host().board().fail_name(device, name.c_str(), code), VBOARD_OK) << name;
 }
 
-const std::vector<Forwarder>& forwarders() {
-    const auto& applet = host().applet();
-    static const std::vector<Forwarder> all = {
-        {"Fg_getAppletId", false, [&](Fg_Struct* fg) { return applet.Fg_getAppletId(fg, 0); }},
-        {"Fg_AcquireEx", false, [&](Fg_Struct* fg) { return applet.Fg_AcquireEx(fg, 0, 10, 0, nullptr); }},
-        {"Fg_stopAcquireEx", false,
-         [&](Fg_Struct* fg) { return applet.Fg_stopAcquireEx(fg, 0, nullptr, 0); }},
-        {"Fg_getStatusEx", true, [&](Fg_Struct* fg) { return applet.Fg_getStatusEx(fg, 0, 0, 0, nullptr); }},
-        {"Fg_getLastPicNumberEx", true,
-         [&](Fg_Struct* fg) { return applet.Fg_getLastPicNumberEx(fg, 0, nullptr); }},
-        {"Fg_getLastPicNumberBlockingEx", true,
-         [&](Fg_Struct* fg) { return applet.Fg_getLastPicNumberBlockingEx(fg, 1, 0, 1, nullptr); }},
-    };
-    return all;
-}
-
 AppletLog::AppletLog(int level) : m_file(-1), m_standardError(dup(STDERR_FILENO)) {
     setenv("VBOARD_LOG_LEVEL", std::to_string(level).c_str(), 1);
     char path[] = "/tmp/applet-log-XXXXXX";

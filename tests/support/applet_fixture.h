@@ -80,6 +80,11 @@ public:
     /** Calls Fg_FreeGrabber and gives its result. */
     int free();
 
+    template <typename T> static constexpr int tagOf() {
+        if (std::is_floating_point_v<T>) return FG_PARAM_DOUBLE;
+        if (sizeof(T) == 8) return std::is_signed_v<T> ? FG_PARAM_INT64 : FG_PARAM_UINT64;
+        return std::is_signed_v<T> ? FG_PARAM_INT32 : FG_PARAM_UINT32;
+    }
     template <typename T> int set(int id, T value, int dma = 0, int tag = tagOf<T>()) {
         return host().applet().Fg_setParameterWithType(fg(), id, &value, dma, tag);
     }
@@ -111,22 +116,7 @@ public:
     LOOMdevice* const device;
     int error = 1;
     applet_host::GrabberHandle handle;
-
-private:
-    template <typename T> static constexpr int tagOf() {
-        if (std::is_floating_point_v<T>) return FG_PARAM_DOUBLE;
-        if (sizeof(T) == 8) return std::is_signed_v<T> ? FG_PARAM_INT64 : FG_PARAM_UINT64;
-        return std::is_signed_v<T> ? FG_PARAM_INT32 : FG_PARAM_UINT32;
-    }
 };
-
-/** A function that goes straight to the runtime. */
-struct Forwarder {
-    const char* name;
-    bool wide; /**< 64-bit result */
-    std::function<std::int64_t(Fg_Struct*)> call;
-};
-const std::vector<Forwarder>& forwarders();
 
 /** The lines that the applet logs from `level` on, taken from the standard error. To be made before the
  * object whose lines are wanted, when no other object lives. */

@@ -1,8 +1,7 @@
-// What this applet's kin ask of the wrapper's base and of its companions, and this applet itself never does.
+// Functions of the wrapper's base and of its companions that this applet does not use.
 
 #include "entry/FgLoomWrapperImpl.h"
 #include "entry/LiveObjects.h"
-#include "support/Fg_Error.h"
 #include "support/Fg_Log.h"
 #include "support/temporary_folder.h"
 
@@ -19,7 +18,7 @@
 
 namespace {
 
-TEST(Reserve, CachesTakeAndGiveElementsOfTheRecordsWidth) {
+TEST(UnusedBaseFunctions, CachesTakeAndGiveElementsOfTheRecordsWidth) {
     std::array<std::uint32_t, 3> words{1, 2, 3};
     FieldParameterInt_s word{7, 1};
     FgLoomWrapper::setFieldCache(words.data(), &word);
@@ -61,7 +60,7 @@ TEST(Reserve, CachesTakeAndGiveElementsOfTheRecordsWidth) {
     EXPECT_EQ(words, before);
 }
 
-TEST(Reserve, TemporaryFilesAreEmptyAndGoWithTheirName) {
+TEST(UnusedBaseFunctions, TemporaryFilesAreEmptyAndGoWithTheirName) {
     char* name = FgLoomWrapper::createTempFile();
     ASSERT_NE(name, nullptr);
     const std::filesystem::path file = name;
@@ -72,7 +71,7 @@ TEST(Reserve, TemporaryFilesAreEmptyAndGoWithTheirName) {
     FgLoomWrapper::deleteTempFile(nullptr);
 }
 
-TEST(Reserve, TheBaseKnowsEventsByTheirPlaceInTheDesign) {
+TEST(UnusedBaseFunctions, TheBaseKnowsEventsByTheirPlaceInTheDesign) {
     FgLoomWrapperImpl wrapper(1, true);
     int number = 0;
     for (; const TslEvent* event = TslGetEvent(wrapper.designHandle(), number); ++number) {
@@ -87,7 +86,7 @@ TEST(Reserve, TheBaseKnowsEventsByTheirPlaceInTheDesign) {
         EXPECT_EQ(wrapper.FgLoomWrapper::Fg_getEventName(none), nullptr);
 }
 
-TEST(Reserve, WhatTheAppletLacksIsNamed) {
+TEST(UnusedBaseFunctions, WhatTheAppletLacksIsNamed) {
     FgLoomWrapperImpl wrapper(1, true);
     const std::pair<const char*, std::function<void()>> lacking[] = {
         {"processChannelToDma", [&] { wrapper.processChannelToDma(0, 0); }},
@@ -111,7 +110,7 @@ TEST(Reserve, WhatTheAppletLacksIsNamed) {
     EXPECT_EQ(value, 5u);
 }
 
-TEST(Reserve, ObjectsBeyondTheListAreKnownAsWell) {
+TEST(UnusedBaseFunctions, ObjectsBeyondTheListAreKnownAsWell) {
     std::vector<std::unique_ptr<FgLoomWrapperImpl>> wrappers;
     std::vector<const FgLoomWrapper*> objects;
     for (int i = 0; i < 70; ++i) { // the list has 64 places
@@ -125,7 +124,7 @@ TEST(Reserve, ObjectsBeyondTheListAreKnownAsWell) {
         EXPECT_FALSE(LiveObjects::has(object));
 }
 
-TEST(Reserve, TheTextLogWritesNothing) {
+TEST(UnusedBaseFunctions, TheTextLogWritesNothing) {
     const support::TemporaryFolder folder;
     const std::string file = folder / "x.log";
     testing::internal::CaptureStdout();
@@ -145,13 +144,6 @@ TEST(Reserve, TheTextLogWritesNothing) {
     }
     EXPECT_EQ(testing::internal::GetCapturedStdout() + testing::internal::GetCapturedStderr(), "");
     EXPECT_FALSE(std::filesystem::exists(file));
-}
-
-TEST(Reserve, ASecondLevelOfErrorsIsNotKept) {
-    Fg_Error error;
-    error.setErr(FG_ERR_OUT_OF_RANGE);
-    EXPECT_EQ(error.setErrLevel2(FG_ERR_PARSER, "text"), FG_ERR_NOT_SUPPORTED);
-    EXPECT_EQ(error.getErrorNumberBuffer(), FG_ERR_OUT_OF_RANGE);
 }
 
 } // namespace

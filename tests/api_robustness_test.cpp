@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <filesystem>
 #include <limits>
 #include <map>
 #include <optional>
@@ -48,98 +47,6 @@ private:
 };
 
 constexpr int lowest = std::numeric_limits<int>::min(), highest = std::numeric_limits<int>::max();
-
-// ---- Handles
-
-/** What a caller hands over besides the handle. */
-struct Arguments {
-    unsigned long* number;
-    char* text;
-    ShadingMaster* shading;
-};
-
-/** An exported function that takes a handle. */
-struct Function {
-    const char* name;
-    std::function<std::int64_t(Fg_Struct* fg, const Arguments& with)> call;
-    std::int64_t refusal = FG_ERR_INVALID_HANDLE; /**< of a bad handle */
-};
-
-std::vector<Function> functionsOfAHandle() {
-    using F = Fg_Struct*;
-    using A = const Arguments&;
-    const auto& x = host().applet();
-    const auto number = [](const auto* object) {
-        return static_cast<std::int64_t>(reinterpret_cast<std::uintptr_t>(object));
-    };
-    constexpr int handedOut = FG_PARAM_ALLOCATED_STRING;
-    std::vector<Function> all = {
-        {"Fg_setParameterWithType",
-         [&](F fg, A with) { return x.Fg_setParameterWithType(fg, FG_WIDTH, with.number, 0, 2); }},
-        {"Fg_getParameterWithType",
-         [&](F fg, A with) { return x.Fg_getParameterWithType(fg, FG_WIDTH, with.number, 0, 4); }},
-        {"Fg_freeParameterStringWithType",
-         [&](F fg, A with) { return x.Fg_freeParameterStringWithType(fg, 1, with.text, 0, handedOut); }},
-        {"Fg_freeParameterStringWithType",
-         [&](F fg, A with) { return x.Fg_freeParameterStringWithType(fg, 1, with.text, 0, 6); }},
-        {"Fg_getNrOfParameter", [&](F fg, A) { return x.Fg_getNrOfParameter(fg); }},
-        {"Fg_getParameterName", [&](F fg, A) { return number(x.Fg_getParameterName(fg, 0)); }, 0},
-        {"Fg_getParameterId", [&](F fg, A) { return x.Fg_getParameterId(fg, 0); }},
-        {"Fg_getParameterIdByName", [&](F fg, A with) { return x.Fg_getParameterIdByName(fg, with.text); }},
-        {"Fg_getParameterInfo", [&](F fg, A) { return number(x.Fg_getParameterInfo(fg, 0)); }, 0},
-        {"Fg_getParameterInfoXML",
-         [&](F fg, A with) { return x.Fg_getParameterInfoXML(fg, 0, with.text, with.number); }},
-        {"Fg_getEventMask",
-         [&](F fg, A with) { return static_cast<std::int64_t>(x.Fg_getEventMask(fg, with.text)); }, 0},
-        {"Fg_getEventName", [&](F fg, A) { return number(x.Fg_getEventName(fg, 1)); }, 0},
-        {"Fg_saveConfig", [&](F fg, A with) { return x.Fg_saveConfig(fg, with.text); }},
-        {"Fg_loadConfig", [&](F fg, A with) { return x.Fg_loadConfig(fg, with.text); }},
-        {"Fg_getLastErrorNumber", [&](F fg, A) { return x.Fg_getLastErrorNumber(fg); }},
-        {"Fg_FreeGrabber", [&](F fg, A) { return x.Fg_FreeGrabber(fg); }},
-        {"Fg_AllocShading", [&](F fg, A) { return number(x.Fg_AllocShading(fg, 0, 0)); }, 0},
-        {"Fg_FreeShading", [&](F fg, A with) { return x.Fg_FreeShading(fg, with.shading); }},
-        {"Shad_SetSubValueLine",
-         [&](F fg, A with) { return x.Shad_SetSubValueLine(fg, with.shading, 1, 1, 1.f); }},
-        {"Shad_SetMultValueLine",
-         [&](F fg, A with) { return x.Shad_SetMultValueLine(fg, with.shading, 1, 1, 1.f); }},
-        {"Shad_SetFixedPatternNoiseLine",
-         [&](F fg, A with) { return x.Shad_SetFixedPatternNoiseLine(fg, with.shading, 1, 1, 1); }},
-        {"Shad_GetMaxLine", [&](F fg, A with) { return x.Shad_GetMaxLine(fg, with.shading); }},
-        {"Shad_GetAccess", [&](F fg, A with) { return x.Shad_GetAccess(fg, with.shading); }},
-        {"Shad_FreeAccess", [&](F fg, A with) { return x.Shad_FreeAccess(fg, with.shading); }},
-        {"Shad_WriteActLine", [&](F fg, A with) { return x.Shad_WriteActLine(fg, with.shading, 1); }},
-    };
-    for (const Forwarder& forwarder : forwarders())
-        all.push_back({forwarder.name, [&](F fg, A) { return forwarder.call(fg); }});
-    return all;
-}
-
-using Callers = AppletTest;
-
-TEST_F(Callers, BadHandlesAreRefused) {
-    applet_host::GrabberHandle empty, offline, stale, foreign{this};
-    {
-        Grabber grabber(0);
-        stale = grabber.handle;
-    }
-    ASSERT_EQ(applet.Info(FG_INFO_CREATE_OFFLINE, 0, 0, nullptr, &offline.object), FG_OK);
-    ASSERT_EQ(applet.Info(FG_INFO_DESTROY_OFFLINE, 0, 0, offline.object, nullptr), FG_OK);
-
-    unsigned long number = 7;
-    char text[] = "FG_WIDTH";
-    std::set<std::string> names;
-    for (Fg_Struct* fg :
-         {static_cast<Fg_Struct*>(nullptr), empty.fg(), offline.fg(), stale.fg(), foreign.fg()})
-        for (const Arguments& with :
-             {Arguments{}, Arguments{&number, text, reinterpret_cast<ShadingMaster*>(&number)}})
-            for (const Function& function : functionsOfAHandle()) {
-                EXPECT_EQ(function.call(fg, with), function.refusal) << function.name;
-                names.insert(function.name);
-            }
-    EXPECT_EQ(names.size(), 30u);
-    EXPECT_EQ(number, 7u);
-    EXPECT_STREQ(text, "FG_WIDTH");
-}
 
 // ---- Ids, tags, DMA channels
 
@@ -315,8 +222,9 @@ struct Stored {
 
 std::map<int, Stored> knownQuestions() {
     std::map<int, Stored> known;
-    for (const int code : {848,  1040, 1045, 1792, 1872, 1888, 2048, 2064, 2160, 2176, 2192, 2560, 2816,
-                           3072, 3328, 4352, 4608, 4624, 4640, 4656, 4672, 4688, 4704, 4880, 4896})
+    for (const Lines& row : dataRows("info_answers.txt"))
+        known[std::stoi(row[0])] = {};
+    for (const int code : {4352, 4880, 4896})
         known[code] = {};
     for (const std::string& line : dataLines("info_texts.txt"))
         known[std::stoi(line)] = {0, 8};
@@ -326,7 +234,7 @@ std::map<int, Stored> knownQuestions() {
     return known;
 }
 
-class Questions : public Callers {
+class Questions : public AppletTest {
 protected:
     /** Asks with and without each place. Nothing but the told bytes is stored. */
     void ask(int code, int arg1, int arg2, const Stored& stored, bool isKnown) {
@@ -408,12 +316,6 @@ protected:
         EXPECT_EQ(bufferOf(id, value.size()), value);
         EXPECT_EQ(text(id), value.substr(0, 655360));
     }
-    void expectTextRefused(int id, const std::string& value, int code) {
-        const std::string old = text(id);
-        EXPECT_EQ(setText(id, value), code);
-        EXPECT_EQ(lastError(), code);
-        EXPECT_EQ(text(id), old);
-    }
     const TemporaryFolder folder;
 };
 
@@ -435,26 +337,6 @@ TEST_F(Texts, NothingIsFormattedOrCutShort) {
         const std::string state = folder / "state.mcf";
         EXPECT_EQ(applet.Fg_saveConfig(grabber.fg(), state.c_str()), FG_OK);
         EXPECT_EQ(applet.Fg_loadConfig(grabber.fg(), state.c_str()), FG_OK);
-
-        // As names of files.
-        const bool fits = value.size() < 250;
-        const std::string table = folder / value + ".lut", config = folder / value + ".mcf";
-        if (fits)
-            expectKept(FG_LUT_SAVE_FILE, table);
-        else
-            expectTextRefused(FG_LUT_SAVE_FILE, table, FG_ERR_SAVE_CONFIG);
-        EXPECT_EQ(applet.Fg_saveConfig(grabber.fg(), config.c_str()), fits ? FG_OK : FG_ERR_SAVE_CONFIG);
-        EXPECT_EQ(applet.Fg_loadConfig(grabber.fg(), config.c_str()), fits ? FG_OK : FG_ERR_FILE_TYPE);
-        setAll({{FG_LUT_TYPE, LUT_TYPE_PROCESSING}});
-        EXPECT_EQ(setText(FG_LUT_CUSTOM_FILE, ""), FG_OK);
-        setAll({{FG_LUT_TYPE, LUT_TYPE_CUSTOM}});
-        if (fits) {
-            EXPECT_TRUE(std::filesystem::exists(table) && std::filesystem::exists(config));
-            expectKept(FG_LUT_CUSTOM_FILE, table);
-        } else {
-            expectTextRefused(FG_LUT_CUSTOM_FILE, table, FG_ERR_FILE_TYPE);
-        }
-        setAll({{FG_LUT_TYPE, LUT_TYPE_PROCESSING}});
     }
 }
 
