@@ -88,7 +88,7 @@ TEST_F(SessionFaults, SaveLosesTheLinesOfTheGettersThatFail) {
     grabber.clearLog();
     save();
     const std::size_t accesses = grabber.log().size();
-    EXPECT_GE(accesses, 19u);
+    EXPECT_GE(accesses, 16u);
     forEachPosition(accesses, [&](std::size_t k, int how) {
         Lines saved;
         logOfFault(k, how, [&] { return saved = save(), FG_OK; });
@@ -113,7 +113,7 @@ TEST_F(SessionFaults, LoadGoesOnAndKeepsTheValuesOfTheFile) {
             EXPECT_EQ(grabber.set(id, value), FG_OK);
         expectOthers(logOfFault(k, how, [&] { return load(); }), faultFree, sections.begin() + 1, k, how);
         for (const std::string& line : save())
-            EXPECT_TRUE(std::ranges::count(values, line) == 1 || line.starts_with("FG_CAMERASIMULATOR_"))
+            EXPECT_TRUE(std::ranges::count(values, line) != 0 || line.starts_with("FG_CAMERASIMULATOR_"))
                 << line;
         grabber.clearLog();
         EXPECT_EQ(load(), FG_OK);
