@@ -1,11 +1,11 @@
 // The XML document as a client gets it: whole, as data; sizes and codes; what it shows of a live tree.
 
 #include "support/applet_fixture.h"
+#include "support/faults.h"
+#include "support/temporary_folder.h"
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
-#include <fstream>
 #include <sstream>
 
 namespace {
@@ -13,11 +13,7 @@ namespace {
 using namespace support;
 using testing::HasSubstr;
 
-std::string documentData() {
-    std::ostringstream text;
-    text << std::ifstream(std::string(TEST_DATA_DIR) + "/parameter_document.xml", std::ios::binary).rdbuf();
-    return text.str();
-}
+std::string documentData() { return fileBytes(TEST_DATA_DIR "/parameter_document.xml"); }
 
 /** The document of a handle, by the two calls. */
 std::string documentOf(Fg_Struct* fg) {
@@ -32,16 +28,16 @@ std::string documentOf(Fg_Struct* fg) {
     return text;
 }
 
-/** The first line in which two documents differ, of both; empty if they are the same. */
+/** Where two documents part. */
 std::string difference(const std::string& one, const std::string& other) {
-    const auto [a, b] = std::mismatch(one.begin(), one.end(), other.begin(), other.end());
-    if (a == one.end() && b == other.end()) return "";
-    const auto lineAt = [](const std::string& text, std::size_t place) {
-        const std::size_t start = place == 0 ? 0 : text.rfind('\n', place - 1) + 1;
-        return text.substr(start, text.find('\n', place) - start);
+    const auto linesOf = [](const std::string& document) {
+        Lines lines;
+        std::istringstream in(document);
+        for (std::string line; std::getline(in, line);)
+            lines.push_back(line);
+        return lines;
     };
-    const auto place = static_cast<std::size_t>(a - one.begin());
-    return "byte " + std::to_string(place) + ": " + lineAt(one, place) + " | " + lineAt(other, place);
+    return one == other ? "" : "differs: " + support::difference(linesOf(one), linesOf(other));
 }
 
 void expectWhole(const std::string& document) {

@@ -67,16 +67,13 @@ TEST_F(Identity, TheParametersInTheirOrder) {
 
 /** The parameters below a top-level group, by name. */
 std::map<std::string, const RegisterInfo*> below(Grabber& grabber, const std::string& label) {
-    const RegisterInfo* group = host().applet().Fg_getParameterInfo(grabber.fg(), 0);
+    RegisterInfo* group = host().applet().Fg_getParameterInfo(grabber.fg(), 0);
     while (label != group->displayName)
         group = group->next;
     std::map<std::string, const RegisterInfo*> all;
-    const auto collect = [&all](const auto& self, const RegisterInfo* record) -> void {
-        if (record->kind != REGISTER_KIND_GROUP) all[record->name] = record;
-        for (int i = 0; record->kind == REGISTER_KIND_GROUP && i < record->value.group.childCount; ++i)
-            self(self, record->value.group.children[i]);
-    };
-    collect(collect, group);
+    for (int i = 0; i < group->value.group.childCount; ++i)
+        forEachRecord(group->value.group.children[i],
+                      [&](RegisterInfo& record) { all[record.name] = &record; });
     return all;
 }
 

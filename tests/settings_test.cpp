@@ -107,15 +107,7 @@ protected:
     /** Of all records with a value, in the order of the tree. */
     std::vector<RegisterInfo*> records() {
         std::vector<RegisterInfo*> found;
-        const auto collect = [&](const auto& self, RegisterInfo* first) -> void {
-            for (RegisterInfo* record = first; record != nullptr; record = record->next) {
-                if (record->kind != REGISTER_KIND_GROUP) found.push_back(record);
-                if (record->kind == REGISTER_KIND_GROUP)
-                    for (int i = 0; i < record->value.group.childCount; ++i)
-                        self(self, record->value.group.children[i]);
-            }
-        };
-        collect(collect, tree());
+        forEachRecord(tree(), [&](RegisterInfo& record) { found.push_back(&record); });
         return found;
     }
 

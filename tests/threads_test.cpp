@@ -10,7 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
-#include <charconv>
+#include <bit>
 #include <cstring>
 #include <mutex>
 #include <pthread.h>
@@ -31,51 +31,32 @@ constexpr int callsOfEach = underThreadSanitizer ? 1000 : underAddressSanitizer 
 constexpr int opensOfEach = underThreadSanitizer ? 20 : underAddressSanitizer ? 50 : 200;
 constexpr int textsOfEach = underThreadSanitizer || underAddressSanitizer ? 500 : 5000;
 
-/** A parameter with values to set, as settable_values.txt has them. */
+/** A number parameter with values to set, as bits in its own width. */
 struct Row {
-    Row(Grabber& grabber, const Lines& words)
-        : id(host().applet().Fg_getParameterIdByName(grabber.fg(), words[0].c_str()))
-        , name(words[0])
-        , values(words.begin() + 1, words.end()) {}
-
-    /** Its present value, written as the values of the row are compared. */
-    std::string read(Grabber& grabber) const {
-        if (values[0].starts_with('\'')) {
-            char* text = nullptr;
-            EXPECT_EQ(grabber.get(id, &text, 0, FG_PARAM_ALLOCATED_STRING), FG_OK) << name;
-            const std::string copy = text;
-            EXPECT_EQ(host().applet().Fg_freeParameterStringWithType(grabber.fg(), id, text, 0,
-                                                                     FG_PARAM_ALLOCATED_STRING),
-                      FG_OK);
-            return "'" + copy + "'";
-        }
-        if (isDouble()) return written(grabber.value<double>(id));
-        return std::to_string(grabber.value<std::int32_t>(id));
-    }
-    std::string asRead(const std::string& value) const {
-        return isDouble() ? written(std::stod(value)) : value;
-    }
-
     int id;
     std::string name;
-    Lines values;
+    std::vector<std::uint64_t> values;
 
-private:
-    static std::string written(double value) {
-        char digits[400];
-        char* const end = std::to_chars(digits, std::end(digits), value, std::chars_format::fixed).ptr;
-        const std::string text(digits, end);
-        return text.find('.') != text.npos ? text : text + ".0";
+    std::uint64_t read(Grabber& grabber) const {
+        std::uint64_t bits = 0;
+        EXPECT_EQ(grabber.get(id, &bits), FG_OK) << name;
+        return bits;
     }
-    bool isDouble() const { return values[0][0] != '\'' && values[0].find('.') != std::string::npos; }
 };
 
 const std::vector<Row>& rows() {
     static const std::vector<Row> all = [] {
         Grabber grabber(1);
         std::vector<Row> made;
-        for (const Lines& words : dataRows("settable_values.txt"))
-            made.emplace_back(grabber, words);
+        for (const Lines& words : dataRows("settable_values.txt")) {
+            if (words[1].starts_with('\'')) continue; // a text
+            Row& row = made.emplace_back(
+                Row{host().applet().Fg_getParameterIdByName(grabber.fg(), words[0].c_str()), words[0], {}});
+            for (const std::string& word : Lines(words.begin() + 1, words.end()))
+                row.values.push_back(words[1].find('.') != word.npos
+                                         ? std::bit_cast<std::uint64_t>(std::stod(word))
+                                         : static_cast<std::uint32_t>(std::stol(word)));
+        }
         return made;
     }();
     return all;
@@ -88,18 +69,6 @@ std::size_t at(const std::string& name) {
 /** A field of the tree that may be changing. */
 template <typename T> T live(const T& field) {
     return std::atomic_ref<T>(const_cast<T&>(field)).load(std::memory_order_relaxed);
-}
-
-/** Calls `visit` with each record of a chain that is no group. */
-template <typename Visit> void walk(RegisterInfo* first, const Visit& visit) {
-    for (RegisterInfo* record = first; record != nullptr; record = record->next) {
-        if (record->kind != REGISTER_KIND_GROUP) {
-            visit(*record);
-            continue;
-        }
-        for (int i = 0; i < record->value.group.childCount; ++i)
-            walk(record->value.group.children[i], visit);
-    }
 }
 
 std::string documentOf(Grabber& grabber) {
@@ -124,7 +93,7 @@ std::string stateOf(Grabber& grabber) {
     std::ostringstream state;
     for (const Row& row : rows())
         state << row.name << " = " << row.read(grabber) << '\n';
-    walk(host().applet().Fg_getParameterInfo(grabber.fg(), 0), [&](const RegisterInfo& record) {
+    forEachRecord(host().applet().Fg_getParameterInfo(grabber.fg(), 0), [&](const RegisterInfo& record) {
         state << record.name;
         // Of this one the line trigger's mode leaves the access as another order of sets has made it.
         if (record.id != FG_SHAFTENCODER_COMPENSATION_COUNT) state << ": access " << record.access;
@@ -170,15 +139,14 @@ class Threads : public AppletTest {};
 
 TEST_F(Threads, SetAndGetOnOneHandleWhileTreeAndDocumentAreRead) {
     Grabber grabber(0);
-    std::vector<std::set<std::string>> possible;
+    std::vector<std::set<std::uint64_t>> possible;
     for (const Row& row : rows()) {
         possible.push_back({row.read(grabber)});
-        for (const std::string& value : row.values)
-            possible.back().insert(row.asRead(value));
+        possible.back().insert(row.values.begin(), row.values.end());
     }
     std::set<double> periods;
-    for (const std::string& period : possible[at("FG_LINEPERIODE")])
-        periods.insert(std::stod(period));
+    for (const std::uint64_t period : possible[at("FG_LINEPERIODE")])
+        periods.insert(std::bit_cast<double>(period));
     // Not set here: a speed mode that is refused leaves its traces on purpose.
     const std::size_t speedMode = at("FG_CAMERASIMULATOR_SELECT_MODE");
     const std::string frame = frameOf(documentOf(grabber));
@@ -190,7 +158,7 @@ TEST_F(Threads, SetAndGetOnOneHandleWhileTreeAndDocumentAreRead) {
     std::atomic<bool> stop{false};
     std::thread walker([&] {
         do {
-            walk(applet.Fg_getParameterInfo(grabber.fg(), 0), [&](const RegisterInfo& record) {
+            forEachRecord(applet.Fg_getParameterInfo(grabber.fg(), 0), [&](const RegisterInfo& record) {
                 if (live(record.access) > 7) ++wrong;
                 // Of this one it is known what it may be: the period that some thread has set.
                 if (record.id == FG_LINETRIGGERDELAY && !periods.contains(live(record.value.f64.maximum)))
@@ -214,7 +182,7 @@ TEST_F(Threads, SetAndGetOnOneHandleWhileTreeAndDocumentAreRead) {
                 if (!possible[chosen].contains(row.read(grabber))) ++wrong;
                 continue;
             }
-            const int code = grabber.setByName(row.name, row.values[random() % row.values.size()]);
+            const int code = grabber.set(row.id, row.values[random() % row.values.size()]);
             if (!told.contains(code)) ++wrong;
             if (code == FG_OK) ++taken;
         }
@@ -231,7 +199,7 @@ TEST_F(Threads, SetAndGetOnOneHandleWhileTreeAndDocumentAreRead) {
     // At rest every value is where it belongs: setting it again moves nothing.
     const std::string state = stateOf(grabber);
     for (const Row& row : rows())
-        grabber.setByName(row.name, row.read(grabber));
+        grabber.set(row.id, row.read(grabber));
     EXPECT_EQ(stateOf(grabber), state);
 }
 
@@ -344,12 +312,12 @@ TEST_F(CancelledThread, LeavesTheHandleToOthers) {
     int cancelled = 0;
     for (const Row& row : rows()) {
         SCOPED_TRACE(row.name);
-        const std::string before = row.read(grabber);
-        const auto restore = [&] { EXPECT_EQ(grabber.setByName(row.name, before), FG_OK); };
+        const std::uint64_t before = row.read(grabber);
+        const auto restore = [&] { EXPECT_EQ(grabber.set(row.id, before), FG_OK); };
         const auto value = std::ranges::find_if(
-            row.values, [&](const std::string& one) { return grabber.setByName(row.name, one) == FG_OK; });
+            row.values, [&](std::uint64_t one) { return grabber.set(row.id, one) == FG_OK; });
         ASSERT_NE(value, row.values.end());
-        cancelled += sweep(grabber, restore, [&] { return grabber.setByName(row.name, *value); });
+        cancelled += sweep(grabber, restore, [&] { return grabber.set(row.id, *value); });
         restore();
     }
     EXPECT_GT(cancelled, static_cast<int>(rows().size()));

@@ -40,19 +40,6 @@ template <typename Word> Word* processWide(int code) {
     return word;
 }
 
-/** Searches a chain of records and the groups in it for a parameter. */
-RegisterInfo* findRecord(RegisterInfo* first, int id) {
-    for (RegisterInfo* record = first; record != nullptr; record = record->next) {
-        if (record->kind != REGISTER_KIND_GROUP) {
-            if (record->id == id) return record;
-            continue;
-        }
-        for (int i = 0; i < record->value.group.childCount; ++i)
-            if (RegisterInfo* found = findRecord(record->value.group.children[i], id)) return found;
-    }
-    return nullptr;
-}
-
 Lines linesOf(std::istream& in) {
     Lines lines;
     for (std::string line; std::getline(in, line);)
@@ -228,7 +215,10 @@ Lines ParameterTest::logToLastWrite() {
 }
 
 RegisterInfo* ParameterTest::record(int id) {
-    RegisterInfo* found = findRecord(tree(), id);
+    RegisterInfo* found = nullptr;
+    forEachRecord(tree(), [&](RegisterInfo& record) {
+        if (record.id == id) found = &record;
+    });
     if (found == nullptr) throw std::runtime_error("no record of parameter " + std::to_string(id));
     return found;
 }

@@ -65,6 +65,18 @@ inline Lines operator+(Lines lines, const Lines& more) {
     return lines;
 }
 
+/** Calls `visit` with each record of a chain that is no group, in the order of the tree. */
+template <typename Visit> void forEachRecord(RegisterInfo* first, const Visit& visit) {
+    for (RegisterInfo* record = first; record != nullptr; record = record->next) {
+        if (record->kind != REGISTER_KIND_GROUP) {
+            visit(*record);
+            continue;
+        }
+        for (int i = 0; i < record->value.group.childCount; ++i)
+            forEachRecord(record->value.group.children[i], visit);
+    }
+}
+
 /** One board and, once brought up, one handle on it. */
 class Grabber {
 public:
