@@ -14,6 +14,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -52,6 +53,8 @@ TEST(UnusedBaseFunctions, CachesTakeAndGiveElementsOfTheRecordsWidth) {
 }
 
 TEST(UnusedBaseFunctions, TemporaryFilesAreEmptyAndGoWithTheirName) {
+    const int before = dup(STDERR_FILENO);
+    close(before);
     char* name = FgLoomWrapper::createTempFile();
     ASSERT_NE(name, nullptr);
     const std::filesystem::path file = name;
@@ -60,6 +63,9 @@ TEST(UnusedBaseFunctions, TemporaryFilesAreEmptyAndGoWithTheirName) {
     FgLoomWrapper::deleteTempFile(name);
     EXPECT_FALSE(std::filesystem::exists(file));
     FgLoomWrapper::deleteTempFile(nullptr);
+    const int after = dup(STDERR_FILENO);
+    close(after);
+    EXPECT_EQ(after, before) << "a descriptor is left open";
 }
 
 TEST(UnusedBaseFunctions, TheBaseKnowsEventsByTheirPlaceInTheDesign) {
