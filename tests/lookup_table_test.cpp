@@ -120,8 +120,9 @@ TEST_F(LookupTable, WhatIsRefused) {
             EXPECT_EQ(read(id, first, count, small.data()), FG_ERR_INVALID_ARGUMENT) << first;
         }
         EXPECT_EQ(read(id, size, 0, small.data()), FG_ERR_INVALID_ARGUMENT);
-        for (const int vtype : {2, oneElement})
-            EXPECT_EQ(write(id, 0, 2, large.data(), vtype), FG_ERR_OUT_OF_RANGE);
+        for (const std::uint32_t count : {1u, 2u})
+            for (const int vtype : {2, oneElement})
+                EXPECT_EQ(write(id, 0, count, large.data(), vtype), FG_ERR_OUT_OF_RANGE);
         for (const int vtype : {-1, 0, 3, 4, 5, 6, 22, aRun})
             EXPECT_EQ(write(id, 0, 2, large.data(), vtype), FG_ERR_INVALID_ARGUMENT) << vtype;
         for (const int vtype : {1, 2, oneElement})
