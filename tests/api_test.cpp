@@ -1,6 +1,6 @@
 // The exported functions as such: forwarding, shading, widths, temporary files.
 
-#include "support/applet_fixture.h"
+#include "support/every_call.h"
 #include "support/temporary_folder.h"
 
 #include <fcntl.h>
@@ -11,21 +11,7 @@ namespace {
 
 using namespace support;
 
-class Api : public AppletTest {
-protected:
-    /** The results of all shading functions but the allocation. */
-    std::vector<int> shadingResults(Fg_Struct* fg, ShadingMaster* shading) {
-        EXPECT_EQ(applet.Fg_AllocShading(fg, 0, 0), nullptr);
-        return {applet.Fg_FreeShading(fg, shading),
-                applet.Shad_SetSubValueLine(fg, shading, 1, 1, 1.f),
-                applet.Shad_SetMultValueLine(fg, shading, 1, 1, 1.f),
-                applet.Shad_SetFixedPatternNoiseLine(fg, shading, 1, 1, 1),
-                applet.Shad_GetMaxLine(fg, shading),
-                applet.Shad_GetAccess(fg, shading),
-                applet.Shad_FreeAccess(fg, shading),
-                applet.Shad_WriteActLine(fg, shading, 1)};
-    }
-};
+using Api = AppletTest;
 
 TEST_F(Api, ForwardersGiveTheRuntimesResultAndStoreItsLastError) {
     Grabber grabber(0);
@@ -55,15 +41,6 @@ TEST_F(Api, ForwardersGiveTheRuntimesResultAndStoreItsLastError) {
             EXPECT_EQ(answered(0x1'8000'0001), std::pair(std::int64_t{-0x7fff'ffff}, -2010));
         }
     }
-}
-
-TEST_F(Api, ThereIsNoShading) {
-    Grabber grabber(0);
-    EXPECT_EQ(applet.Fg_AllocShading(grabber.fg(), 0, 0), nullptr);
-    EXPECT_EQ(grabber.lastError(), -1);
-    EXPECT_EQ(shadingResults(grabber.fg(), reinterpret_cast<ShadingMaster*>(&grabber)),
-              std::vector<int>(8, FG_ERR_NOT_SUPPORTED));
-    EXPECT_EQ(grabber.lastError(), FG_ERR_NOT_SUPPORTED);
 }
 
 TEST_F(Api, WidthIsTheParametersOwnButATypedGetClearsALongWordFirst) {

@@ -1,11 +1,9 @@
 // From Std_entry to Fg_FreeGrabber: what is missing, what is refused, what is left behind.
 
-#include "support/applet_fixture.h"
+#include "support/every_call.h"
 #include "support/sanitizers.h"
 #include "support/temporary_folder.h"
 
-#include <array>
-#include <cstdlib>
 #include <dlfcn.h>
 #include <filesystem>
 #include <set>
@@ -136,42 +134,12 @@ TEST_F(BringUp, SwitchWordsOfTheEnvironment) {
         }
 }
 
-TEST_F(BringUp, NothingIsLeftAfterManyHandles) {
-    const auto counts = [] {
-        return std::array{live("boards"), live("designs"), live("handles"), live("strings")};
-    };
-    const auto before = counts();
-    for (const char* variable : {"VEXO_ENABLE_DRA", "VEXO_ENABLE_DLOOMA"})
-        setVariable(variable, "1");
-    for (int i = 0; i < 200; ++i) {
-        ASSERT_EQ(Grabber(i % 2).error, 0);
-        withOffline(applet.Info, [](void*) {});
-    }
-    EXPECT_EQ(counts(), before);
-}
-
 /** What needs a process in which nothing is loaded yet. */
 class Loading : public testing::Test {
     void SetUp() override {
         if (isLoaded("libvexo_hw.so")) GTEST_SKIP() << "needs a process of its own";
     }
 };
-
-TEST_F(Loading, EverythingIsUnloadedAfterTheLastHandle) {
-    {
-        const applet_host::AppletHost libraries;
-        for (int i = 0; i < 3; ++i) {
-            applet_host::Session session(libraries, i % 2);
-            // The first refusal binds the dispatcher, the end of the last object lets it go.
-            libraries.applet().Fg_setParameterWithType(session.fg(), 12345, &i, 0, FG_PARAM_UINT32);
-            EXPECT_TRUE(isLoaded("libcommon-logging-dispatcher.so"));
-        }
-        EXPECT_FALSE(isLoaded("libcommon-logging-dispatcher.so"));
-        EXPECT_TRUE(isLoaded("libgrabcore5.so"));
-    }
-    EXPECT_FALSE(isLoaded("libGrab_TwinLaneLineColor.so"));
-    EXPECT_FALSE(isLoaded("libgrabcore5.so"));
-}
 
 TEST_F(Loading, RefusedDesignLeavesTheObjectAndTheOpenedRuntimeBehind) {
     {

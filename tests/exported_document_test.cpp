@@ -1,30 +1,19 @@
 // The XML document as a client gets it: whole, as data; sizes and codes; what it shows of a live tree.
 
 #include "support/applet_fixture.h"
+#include "support/faults.h"
+#include "support/temporary_folder.h"
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
-#include <fstream>
-#include <memory>
-#include <optional>
-#include <set>
 #include <sstream>
-
-#ifdef HAVE_LIBXML2
-#include <libxml/parser.h>
-#endif
 
 namespace {
 
 using namespace support;
 using testing::HasSubstr;
 
-std::string documentData() {
-    std::ostringstream text;
-    text << std::ifstream(std::string(TEST_DATA_DIR) + "/parameter_document.xml", std::ios::binary).rdbuf();
-    return text.str();
-}
+std::string documentData() { return fileBytes(TEST_DATA_DIR "/parameter_document.xml"); }
 
 /** The document of a handle, by the two calls. */
 std::string documentOf(Fg_Struct* fg) {
@@ -39,61 +28,22 @@ std::string documentOf(Fg_Struct* fg) {
     return text;
 }
 
-/** The first line in which two documents differ, of both; empty if they are the same. */
+/** Where two documents part. */
 std::string difference(const std::string& one, const std::string& other) {
-    const auto [a, b] = std::mismatch(one.begin(), one.end(), other.begin(), other.end());
-    if (a == one.end() && b == other.end()) return "";
-    const auto lineAt = [](const std::string& text, std::size_t place) {
-        const std::size_t start = place == 0 ? 0 : text.rfind('\n', place - 1) + 1;
-        return text.substr(start, text.find('\n', place) - start);
+    const auto linesOf = [](const std::string& document) {
+        Lines lines;
+        std::istringstream in(document);
+        for (std::string line; std::getline(in, line);)
+            lines.push_back(line);
+        return lines;
     };
-    const auto place = static_cast<std::size_t>(a - one.begin());
-    return "byte " + std::to_string(place) + ": " + lineAt(one, place) + " | " + lineAt(other, place);
+    return one == other ? "" : "differs: " + support::difference(linesOf(one), linesOf(other));
 }
 
-#ifdef HAVE_LIBXML2
-/** What the nodes of a document are called, and what they refer to. */
-struct Names {
-    std::multiset<std::string> nodes;
-    std::set<std::string> references;
-};
-
-void collect(const xmlNode* first, Names& names) {
-    for (const xmlNode* node = first; node != nullptr; node = node->next) {
-        if (node->type != XML_ELEMENT_NODE) continue;
-        const std::string tag = reinterpret_cast<const char*>(node->name);
-        const std::unique_ptr<xmlChar, decltype(xmlFree)> name(
-            xmlGetProp(node, reinterpret_cast<const xmlChar*>("Name")), xmlFree);
-        if (name != nullptr && tag != "EnumEntry") names.nodes.insert(reinterpret_cast<char*>(name.get()));
-        const std::unique_ptr<xmlChar, decltype(xmlFree)> content(xmlNodeGetContent(node), xmlFree);
-        if (tag.starts_with('p')) names.references.insert(reinterpret_cast<char*>(content.get()));
-        collect(node->children, names);
-    }
-}
-
-/** Nothing if the document is not well-formed. */
-std::optional<Names> parsed(const std::string& text) {
-    const std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)> document(
-        xmlReadMemory(text.data(), static_cast<int>(text.size()), nullptr, nullptr, XML_PARSE_NONET),
-        xmlFreeDoc);
-    if (document == nullptr) return {};
-    Names names;
-    collect(xmlDocGetRootElement(document.get()), names);
-    return names;
-}
-#endif
-
-/** The document is well-formed, and whatever it refers to is in it, once. */
-void expectReadable(const std::string& document) {
+void expectWhole(const std::string& document) {
     EXPECT_TRUE(
         document.ends_with("</Category>\n<Port Name=\"DevicePort\"></Port>\n</RegisterDescription>\n"));
-#ifdef HAVE_LIBXML2
-    const auto names = parsed(document);
-    ASSERT_TRUE(names.has_value());
-    for (const std::string& reference : names->references)
-        EXPECT_EQ(names->nodes.count(reference), 1u) << reference;
-    EXPECT_EQ(names->nodes.count("FG_WIDTH") + names->nodes.count("FG_WIDTH_Reg"), 2u);
-#endif
+    EXPECT_NE(document.find("<pFeature>FG_WIDTH</pFeature>"), document.npos);
 }
 
 class SlaveDocument : public ParameterTest {
@@ -105,7 +55,6 @@ TEST_F(SlaveDocument, IsTheCatalogue) {
     const std::string document = documentOf(grabber.fg());
     EXPECT_EQ(document.size(), 95287u);
     EXPECT_EQ(difference(document, documentData()), "");
-    expectReadable(document);
 }
 
 class ExportedDocument : public ParameterTest {
@@ -161,7 +110,7 @@ TEST_F(ExportedDocument, ShowsTheLimitsAndTheAccessOfTheMoment) {
 TEST_F(ExportedDocument, OfAnInstanceWithoutABoard) {
     applet_host::GrabberHandle offline;
     ASSERT_EQ(applet.Info(FG_INFO_CREATE_OFFLINE, 0, 0, nullptr, &offline.object), 0);
-    expectReadable(documentOf(offline.fg()));
+    expectWhole(documentOf(offline.fg()));
     EXPECT_EQ(applet.Info(FG_INFO_DESTROY_OFFLINE, 0, 0, offline.object, nullptr), 0);
 }
 
@@ -173,7 +122,7 @@ TEST_F(ExportedDocument, LeavesOutRegistersAndTakesInDesignParameters) {
     EXPECT_THAT(document, HasSubstr("<pFeature>DLOOMA_Device1_Process0_Buffer_0_XLength</pFeature>"));
     EXPECT_THAT(document, HasSubstr("<IntReg Name=\"DLOOMA_Device1_Process0_Buffer_0_XLength_Reg\">"));
     EXPECT_EQ(document.find("DRA_"), std::string::npos);
-    expectReadable(document);
+    expectWhole(document);
 }
 
 } // namespace

@@ -118,7 +118,8 @@ protected:
         board.log_kinds(device(), ~0u);
         ASSERT_EQ(m_grabber->fitRam(18).bringUp().error, FG_OK);
         m_records.clear();
-        collect(applet.Fg_getParameterInfo(fg(), 0));
+        forEachRecord(applet.Fg_getParameterInfo(fg(), 0),
+                      [this](RegisterInfo& record) { m_records[record.id] = &record; });
         m_parameters.clear();
         for (const Lines& row : dataRows("parameter_index.txt")) {
             const auto record = m_records.find(std::stoi(row[2])); // the tree leaves some out
@@ -217,16 +218,6 @@ private:
     Fg_Struct* fg() { return m_grabber->fg(); }
     LOOMdevice* device() { return m_grabber->device; }
 
-    void collect(RegisterInfo* record) {
-        for (; record != nullptr; record = record->next) {
-            if (record->kind != REGISTER_KIND_GROUP) {
-                m_records[record->id] = record;
-                continue;
-            }
-            for (int i = 0; i < record->value.group.childCount; ++i)
-                collect(record->value.group.children[i]);
-        }
-    }
     const Parameter& parameter(int id) const { return *std::ranges::find(m_parameters, id, &Parameter::id); }
 
     int set(const Parameter& p, const Bytes& value) {

@@ -89,6 +89,7 @@ TEST_F(FilesTest, LargeFilesAreSoonRead) {
             writeFile(path, text);
             EXPECT_EQ(Effort::of([&] { return load(path); }), FG_ERR_LOAD_CONFIG);
             EXPECT_EQ(Effort::of([&] { return loadTables(path); }), FG_OK);
+            if (HasFailure()) return;
         }
     }
     EXPECT_EQ(Effort::of([&] { return load(sound); }), FG_OK);
@@ -213,30 +214,6 @@ TEST_F(FilesTest, FilesOfSomebodyElse) {
     ASSERT_EQ(isRoot ? seteuid(0) : 0, 0);
     EXPECT_THAT(results, testing::ElementsAre(FG_ERR_FILE_TYPE, FG_ERR_SAVE_CONFIG, FG_ERR_FILE_TYPE,
                                               FG_ERR_SAVE_CONFIG));
-}
-
-TEST_F(FilesTest, FileThatComesAndGoes) {
-    const std::string path = folder / "state.mcf", away = folder / "away.mcf";
-    ASSERT_EQ(save(path), FG_OK);
-    setAll({{FG_LUT_TYPE, 0}});
-    std::atomic<bool> isDone = false;
-    std::thread other([&] {
-        while (!isDone) {
-            fs::rename(path, away);
-            fs::rename(away, path);
-        }
-    });
-    for (int i = 0; i < 200; ++i) {
-        // Between the first look at the path and the next, all can change.
-        const int result = load(path);
-        EXPECT_EQ(lastError(), result == FG_OK ? FG_OK : FG_ERR_LOAD_CONFIG);
-        EXPECT_TRUE(result == FG_OK || result == FG_ERR_FILE_TYPE || result == FG_ERR_LOAD_CONFIG) << result;
-        const int tables = loadTables(path);
-        EXPECT_TRUE(tables == FG_OK || tables == FG_ERR_FILE_TYPE || tables == FG_ERR_SAVE_CONFIG) << tables;
-    }
-    isDone = true;
-    other.join();
-    EXPECT_EQ(load(path), FG_OK);
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <map>
+#include <set>
 #include <tuple>
 
 namespace {
@@ -13,25 +14,32 @@ using namespace support;
 class Identity : public AppletTest {
 protected:
     std::string nameAt(Grabber& grabber, int index) {
+        storeAnother(grabber);
         return text(grabber, applet.Fg_getParameterName(grabber.fg(), index));
     }
     std::string eventOf(Grabber& grabber, std::uint64_t mask) {
+        storeAnother(grabber);
         return text(grabber, applet.Fg_getEventName(grabber.fg(), mask));
     }
     int idAt(Grabber& grabber, int index) {
+        storeAnother(grabber);
         const int id = applet.Fg_getParameterId(grabber.fg(), index);
         return stored(grabber, id, id > 0);
     }
     int idOf(Grabber& grabber, const char* name) {
+        storeAnother(grabber);
         const int id = applet.Fg_getParameterIdByName(grabber.fg(), name);
         return stored(grabber, id, id > 0);
     }
     std::uint64_t maskOf(Grabber& grabber, const std::string& name) {
+        storeAnother(grabber);
         const std::uint64_t mask = applet.Fg_getEventMask(grabber.fg(), name.c_str());
         return stored(grabber, mask, mask != 0);
     }
 
 private:
+    /** Makes the last error one that no look-up gives. */
+    static void storeAnother(Grabber& grabber) { EXPECT_EQ(grabber.set(FG_WIDTH, 3u), FG_ERR_OUT_OF_RANGE); }
     /** An answer, whose success or refusal is the last error. */
     template <typename Answer> static Answer stored(Grabber& grabber, Answer answer, bool found) {
         EXPECT_EQ(grabber.lastError(), found ? 0 : FG_ERR_INVALID_ARGUMENT);
@@ -67,16 +75,16 @@ TEST_F(Identity, TheParametersInTheirOrder) {
 
 /** The parameters below a top-level group, by name. */
 std::map<std::string, const RegisterInfo*> below(Grabber& grabber, const std::string& label) {
-    const RegisterInfo* group = host().applet().Fg_getParameterInfo(grabber.fg(), 0);
+    RegisterInfo* group = host().applet().Fg_getParameterInfo(grabber.fg(), 0);
     while (label != group->displayName)
         group = group->next;
     std::map<std::string, const RegisterInfo*> all;
-    const auto collect = [&all](const auto& self, const RegisterInfo* record) -> void {
-        if (record->kind != REGISTER_KIND_GROUP) all[record->name] = record;
-        for (int i = 0; record->kind == REGISTER_KIND_GROUP && i < record->value.group.childCount; ++i)
-            self(self, record->value.group.children[i]);
-    };
-    collect(collect, group);
+    std::set<std::string> labels;
+    for (int i = 0; i < group->value.group.childCount; ++i) {
+        RegisterInfo* child = group->value.group.children[i];
+        forEachRecord(child, [&](RegisterInfo& record) { all[record.name] = &record; });
+        EXPECT_TRUE(labels.insert(child->displayName).second) << "twice: " << child->displayName;
+    }
     return all;
 }
 

@@ -1,34 +1,26 @@
 // The stateless query function, and the instance without a board that it makes.
 
-#include "support/applet_fixture.h"
+#include "support/every_call.h"
 
 #include <cstring>
 #include <numeric>
 #include <span>
-#include <tuple>
 
 namespace {
 
 using namespace support;
 using InfoTest = AppletTest;
 
-TEST_F(InfoTest, Numbers) {
-    constexpr int answers[][2] = {{848, 1},       {1040, 0}, {1045, 1}, {1792, 1},    {1872, 1}, {1888, 1},
-                                  {2048, 131074}, {2064, 1}, {2160, 0}, {2176, 1880}, {2192, 0}, {2560, 0},
-                                  {2816, 0},      {3072, 0}, {3328, 0}, {4608, 1}};
-    for (const auto& [code, answer] : answers)
-        for (const int argument : {0, 1, -1})
-            EXPECT_EQ(applet.Info(code, argument, argument, nullptr, nullptr), answer) << code;
-}
-
-TEST_F(InfoTest, ProcessesAndIndices) {
-    const std::tuple<int, int, bool> rows[] = {{4624, 1, false}, {4640, 1, false}, {4656, 0, true},
-                                               {4672, 0, true},  {4688, 1, false}, {4704, 10, false}};
-    for (const auto& [code, answer, heedsIndex] : rows) {
-        EXPECT_EQ(applet.Info(code, 0, 0, nullptr, nullptr), answer) << code;
+TEST_F(InfoTest, NumbersOfProcessesAndIndices) {
+    for (const Lines& row :
+         dataRows("info_answers.txt")) { // code, answer; with another process, another index
+        const auto ask = [&](int process, int index) {
+            return std::to_string(applet.Info(std::stoi(row[0]), process, index, nullptr, nullptr));
+        };
+        EXPECT_EQ(ask(0, 0), row[1]) << row[0];
         for (const int other : {1, -1, 256}) {
-            EXPECT_EQ(applet.Info(code, other, 0, nullptr, nullptr), -2070) << code;
-            EXPECT_EQ(applet.Info(code, 0, other, nullptr, nullptr), heedsIndex ? -2070 : answer) << code;
+            EXPECT_EQ(ask(other, 0), row[2]) << row[0];
+            EXPECT_EQ(ask(0, other), row[3]) << row[0];
         }
     }
 }

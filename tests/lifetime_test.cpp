@@ -1,13 +1,12 @@
 #include "templates/patterns/LibraryGuard.h"
 
+#include "support/stress.h"
+
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <latch>
 #include <regex>
 #include <string>
-#include <thread>
-#include <vector>
 
 namespace {
 
@@ -78,17 +77,12 @@ TEST(Lifetime, ThreadsMeetOneFinishedObject) {
     for (int round = 0; round < 50; ++round) {
         events.clear();
         LibraryInitController::init();
-        std::latch start(4);
         std::atomic<int> finished{0};
-        std::vector<std::jthread> threads;
-        for (int thread = 0; thread < 4; ++thread)
-            threads.emplace_back([&] {
-                LibraryInitController::init();
-                start.arrive_and_wait();
-                if (Probe<'T'>::instance()->ready) ++finished;
-                LibraryInitController::deinit();
-            });
-        threads.clear();
+        support::stress(4, 1, [&](int, int) {
+            LibraryInitController::init();
+            if (Probe<'T'>::instance()->ready) ++finished;
+            LibraryInitController::deinit();
+        });
         EXPECT_EQ(finished, 4);
         EXPECT_EQ(events, "+T");
         LibraryInitController::deinit();

@@ -1,4 +1,5 @@
 #include "support/sanitizers.h"
+#include "support/stress.h"
 #include "templates/platform/CriticalSection.h"
 #include "templates/platform/ReadWriteLock.h"
 #include "templates/platform/RecursiveMutex.h"
@@ -11,14 +12,12 @@
 #include <csignal>
 #include <functional>
 #include <future>
-#include <latch>
 #include <memory>
 #include <new>
 #include <stdexcept>
 #include <sys/mman.h>
 #include <thread>
 #include <unistd.h>
-#include <vector>
 
 using namespace vexo::templates::platform;
 using vexo::templates::patterns::GenericLock;
@@ -71,7 +70,7 @@ TEST(Locks, ExcludeEachOtherUnderContention) {
                                           },
                                           [&]() NO_THREAD_SAFETY_ANALYSIS {
                                               const RecursiveMutexGuard outer(&mutex);
-                                              { const RecursiveMutexGuard inner(&mutex); }
+                                              { const RecursiveMutexGuard inner(&mutex), innermost(&mutex); }
                                               ++counter;
                                           },
                                           [&] {
@@ -86,13 +85,7 @@ TEST(Locks, ExcludeEachOtherUnderContention) {
                                           }};
     for (const auto& way : ways) {
         counter = 0;
-        std::vector<std::jthread> threads;
-        for (int thread = 0; thread < 4; ++thread)
-            threads.emplace_back([&] {
-                for (int turn = 0; turn < 20000; ++turn)
-                    way();
-            });
-        threads.clear();
+        support::stress(4, 20000, [&](int, int) { way(); });
         EXPECT_EQ(counter, 80000) << "way " << &way - ways;
     }
     EXPECT_FALSE(section.isLocked());
@@ -134,17 +127,12 @@ TEST(CriticalSection, NestedEnterCountsWithoutBlocking) {
     EXPECT_TRUE(isFree(lock));
 
     // The outer leave does not hold the mutex: the count stays right when another thread counts at that moment.
-    std::latch begin(2);
-    const auto nestOften = [&]() NO_THREAD_SAFETY_ANALYSIS {
-        begin.arrive_and_wait();
-        for (int turn = 0; turn < 1000000; ++turn) {
-            lock.enter();
-            lock.enter();
-            lock.leave();
-            lock.leave();
-        }
-    };
-    { const std::jthread first(nestOften), second(nestOften); }
+    support::stress(2, 1000000, [&](int, int) NO_THREAD_SAFETY_ANALYSIS {
+        lock.enter();
+        lock.enter();
+        lock.leave();
+        lock.leave();
+    });
     EXPECT_FALSE(lock.isLocked());
 }
 
@@ -191,21 +179,6 @@ TEST(ReadWriteLock, ReadersShareAndAWriterWaits) {
         const ReadWriteLockGuard guard(&lock, 0); // without a mode it only releases
     }();
     inOtherThread([&lock] { const ReadWriteLockGuard guard(&lock, ReadWriteLockGuard::write); });
-}
-
-TEST(Reentry, OnlyTheOutermostHolderReleases) {
-    RecursiveMutex mutex;
-    SpinVariable spin{0};
-    SpinOwner owner{0};
-    [&]() NO_THREAD_SAFETY_ANALYSIS {
-        const RecursiveMutexGuard outer(&mutex);
-        { const RecursiveMutexGuard inner(&mutex), innermost(&mutex); }
-        EXPECT_EQ(mutex.holders(), 1u);
-        const SpinLockVariableGuard outerSpin(&spin, &owner);
-        { const SpinLockVariableGuard inner(&spin, &owner); }
-        EXPECT_EQ(spin.load(), 1u);
-        EXPECT_EQ(owner.load(), pthread_self());
-    }();
 }
 
 // A page that cannot be written holds the owner while the guard ends: the fault shows whether the lock is held then.

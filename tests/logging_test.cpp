@@ -298,29 +298,6 @@ TEST_F(LoggingTest, TheDispatcherMayCallBackWhileItIsBound) {
     EXPECT_EQ(recording.calls, Calls{"init"});
 }
 
-TEST_F(LoggingTest, ThresholdsMayMoveUntilTheVeryEnd) {
-    std::atomic<bool> ending{false};
-    std::thread mover;
-    for (int handle = 100; handle < 200; ++handle)
-        recording.loggers[std::to_string(handle)] = {handle, 4};
-    recording.onFini = [&] {
-        ending = true;
-        mover.join();
-    };
-    Logging::instance();
-    mover = std::thread([&] {
-        for (std::uint32_t turn = 0; !ending; ++turn)
-            recording.level(100 + turn % 100, turn % 8);
-    });
-    std::thread user([] {
-        for (int turn = 0; turn < 2000; ++turn)
-            Logging::instance()->getLogger(std::to_string(100 + turn % 100).c_str())->isEnabled(4);
-    });
-    user.join();
-    end();
-    EXPECT_EQ(recording.calls, (Calls{"init", "fini"}));
-}
-
 TEST_F(LoggingTest, ADispatcherFindsItsOwnSymbolsFirst) {
     if (underAddressSanitizer || underThreadSanitizer) GTEST_SKIP() << "these sanitizers forbid it";
     Logging::instance();

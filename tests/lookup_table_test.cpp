@@ -1,37 +1,32 @@
 // Lookup table: element records and files; what the cache holds against what the board was sent.
-
 #include "support/applet_fixture.h"
+#include "support/temporary_folder.h"
 
 #include <algorithm>
 #include <array>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
-#include <unistd.h>
 
 namespace {
 
 using namespace support;
-namespace fs = std::filesystem;
 
 using Table = std::vector<std::uint32_t>;
 using Tables = std::array<Table, 3>; // red, green, blue
+
 constexpr std::uint32_t size = 16384;
 constexpr int oneElement = FG_PARAM_FIELD_INT, aRun = FG_PARAM_FIELD_ACCESS;
-
 constexpr int ids[] = {FG_LUT_VALUE_RED, FG_LUT_VALUE_GREEN, FG_LUT_VALUE_BLUE};
-const std::string contents[] = {"Device1_Process0_LookupTable_R_LUTcontent",
-                                "Device1_Process0_LookupTable_G_LUTcontent",
-                                "Device1_Process0_LookupTable_B_LUTcontent"};
 
+std::string content(std::size_t colour) {
+    return std::string("Device1_Process0_LookupTable_") + "RGB"[colour] + "_LUTcontent";
+}
 std::string sent(std::size_t colour, std::uint32_t first, std::uint32_t count) {
-    return "set " + contents[colour] + " field " + std::to_string(first) + "+" + std::to_string(count);
+    return "set " + content(colour) + " field " + std::to_string(first) + "+" + std::to_string(count);
 }
 const Lines allSent = {sent(0, 0, size), sent(1, 0, size), sent(2, 0, size)};
 
-Table ramp(std::uint32_t first, std::uint32_t step) {
-    Table table(size);
-    for (std::uint32_t i = 0; i < size; ++i)
+Table ramp(std::uint32_t first, std::uint32_t step, std::uint32_t count = size) {
+    Table table(count);
+    for (std::uint32_t i = 0; i < count; ++i)
         table[i] = (first + i * step) % 65536;
     return table;
 }
@@ -48,31 +43,27 @@ protected:
     void fill(Tables tables) {
         for (std::size_t c = 0; c < 3; ++c)
             EXPECT_EQ(write(ids[c], 0, size, tables[c].data()), FG_OK);
+        clearLog();
     }
     void expectTables(const Tables& caches, const Tables& onBoard) {
         Table table(size);
         for (std::size_t c = 0; c < 3; ++c) {
             EXPECT_EQ(read(ids[c], 0, size, table.data()), FG_OK);
-            EXPECT_TRUE(table == caches[c]) << "cache of " << contents[c];
-            EXPECT_EQ(board.peek_field(grabber.device, contents[c].c_str(), 0, size, table.data()),
-                      VBOARD_OK);
-            EXPECT_TRUE(table == onBoard[c]) << contents[c];
+            EXPECT_TRUE(table == caches[c]) << "cache of " << content(c);
+            EXPECT_EQ(board.peek_field(grabber.device, content(c).c_str(), 0, size, table.data()), VBOARD_OK);
+            EXPECT_TRUE(table == onBoard[c]) << content(c);
         }
     }
-    /** The tables that the formula gave at the start. */
-    const Table formula = [this] {
-        Table table(size);
-        EXPECT_EQ(read(FG_LUT_VALUE_RED, 0, size, table.data()), FG_OK);
-        return table;
-    }();
-    void expectEverywhere(const Table& table) { expectTables({table, table, table}, {table, table, table}); }
+    void expectTables(const Tables& everywhere) { expectTables(everywhere, everywhere); }
 };
 
-TEST_F(LookupTable, OneElement) {
-    Tables expected = {formula, formula, formula};
+TEST_F(LookupTable, ElementsAndRuns) {
+    constexpr std::uint32_t guard = 0xabadcafe;
+    Tables expected = {ramp(1, 1), ramp(2, 3), ramp(5, 7)};
+    fill(expected);
     std::uint32_t value = 65535 - 36; // the last one of all is the largest
     for (std::size_t c = 0; c < 3; ++c) {
-        for (const int tag : {oneElement, 2, 5, 0}) { // every tag but that of a run
+        for (const int tag : {oneElement, 2, 5, 0}) // every tag but that of a run
             for (const std::uint32_t index : {0u, 16383u, value % size}) {
                 clearLog();
                 EXPECT_EQ(grabber.set(ids[c], FieldParameterInt_s{++value, index}, 0, tag), 0);
@@ -82,42 +73,19 @@ TEST_F(LookupTable, OneElement) {
                 EXPECT_EQ(grabber.get(ids[c], &element, 0, tag), 0);
                 EXPECT_EQ(element.value, value);
             }
-        }
-        setAll({{FG_LUT_TYPE, 0}}); // which does not matter
-    }
-    clearLog();
-    for (FieldParameterInt_s bad : {FieldParameterInt_s{1, size}, {1, ~0u}, {65536, 0}, {65536, size}}) {
-        EXPECT_EQ(grabber.set(FG_LUT_VALUE_RED, bad, 0, oneElement), FG_ERR_OUT_OF_RANGE) << bad.index;
-        if (bad.index < size) continue;
-        const std::uint32_t untouched = bad.value;
-        EXPECT_EQ(grabber.get(FG_LUT_VALUE_RED, &bad, 0, oneElement), FG_ERR_INVALID_ARGUMENT);
-        EXPECT_EQ(bad.value, untouched);
-    }
-    EXPECT_EQ(log(), Lines{});
-    expectTables(expected, expected);
-}
-
-TEST_F(LookupTable, RunsOfElements) {
-    constexpr std::uint32_t guard = 0xabadcafe;
-    const std::tuple<std::uint32_t, std::uint32_t, int> runs[] = {
-        {0, size, 1},    {0, 1, 2},    {16383, 1, 1}, {100, 200, 2},
-        {16000, 384, 1}, {size, 0, 2}, {0, 0, 1},     {0, size, 2}};
-    Tables expected = {formula, formula, formula};
-    for (std::size_t c = 0; c < 3; ++c) {
-        for (const auto& [first, count, vtype] : runs) {
-            SCOPED_TRACE(testing::Message() << contents[c] << " " << first << "+" << count);
+        for (const auto& [first, count, vtype] :
+             {std::tuple{0u, size, 1}, {16383u, 1u, 1}, {100u, 200u, 2}, {size, 0u, 2}}) {
             Table values(count + 2, guard), back = values;
             for (std::uint32_t i = 0; i < count; ++i)
-                expected[c][first + i] = values[i + 1] =
-                    (first + static_cast<std::uint32_t>(vtype) + 3 * i) % 65536;
+                expected[c][first + i] = values[i + 1] = (first + 3 * i) % 65536;
             clearLog();
             EXPECT_EQ(write(ids[c], first, count, &values[1], vtype), 0);
             EXPECT_EQ(log(), Lines{sent(c, first, count)});
-            expectTables(expected, expected);
             if (first == size) continue;
             EXPECT_EQ(read(ids[c], first, count, &back[1], vtype), 0);
             EXPECT_TRUE(back == values);
         }
+        setAll({{FG_LUT_TYPE, 0}}); // which does not matter
     }
     // Only the first element is looked at; the others are stored as they come.
     Table values = {1, 70000};
@@ -126,28 +94,35 @@ TEST_F(LookupTable, RunsOfElements) {
     std::copy_n(values.begin(), 2, &expected[1][10]);
     // Records of single elements reach the board alone.
     Tables onBoard = expected;
-    std::tie(onBoard[0][100], onBoard[0][101]) = std::pair{9, 8};
+    onBoard[0][100] = 9, onBoard[0][101] = 8;
     FieldParameterInt_s records[] = {{9, 0}, {8, 1}};
     EXPECT_EQ(write(FG_LUT_VALUE_RED, 100, 2, records, oneElement), 0);
     expectTables(expected, onBoard);
 }
 
-TEST_F(LookupTable, RunsThatAreRefused) {
-    const Table old = ramp(5, 3);
-    fill({old, old, old});
+TEST_F(LookupTable, WhatIsRefused) {
+    const Tables old = {ramp(5, 3), ramp(5, 3), ramp(5, 3)};
+    fill(old);
     Table small(size + 1, 1), large(2, 65536);
-    clearLog();
     for (const int id : ids) {
+        for (FieldParameterInt_s bad : {FieldParameterInt_s{1, size}, {1, ~0u}, {65536, 0}, {65536, size}}) {
+            EXPECT_EQ(grabber.set(id, bad, 0, oneElement), FG_ERR_OUT_OF_RANGE) << bad.index;
+            const std::uint32_t untouched = bad.value;
+            if (bad.index >= size) {
+                EXPECT_EQ(grabber.get(id, &bad, 0, oneElement), FG_ERR_INVALID_ARGUMENT);
+                EXPECT_EQ(bad.value, untouched);
+            }
+        }
         for (const auto& [first, count] :
-             {std::pair{0u, size + 1}, {1u, size}, {size, 1u}, {~0u, 1u}, {1u, ~0u}}) {
+             {std::pair{0u, size + 1}, {1u, size}, {size, 1u}, {~0u, 1u}, {1u, ~0u}, {size + 1, 0u}}) {
             for (const int vtype : {2, 5, oneElement}) // the bounds come first
                 EXPECT_EQ(write(id, first, count, small.data(), vtype), FG_ERR_OUT_OF_RANGE) << first;
             EXPECT_EQ(read(id, first, count, small.data()), FG_ERR_INVALID_ARGUMENT) << first;
         }
-        EXPECT_EQ(write(id, size + 1, 0, small.data()), FG_ERR_OUT_OF_RANGE);
         EXPECT_EQ(read(id, size, 0, small.data()), FG_ERR_INVALID_ARGUMENT);
-        EXPECT_EQ(write(id, 0, 2, large.data()), FG_ERR_OUT_OF_RANGE);
-        EXPECT_EQ(write(id, 0, 2, large.data(), oneElement), FG_ERR_OUT_OF_RANGE);
+        for (const std::uint32_t count : {1u, 2u})
+            for (const int vtype : {2, oneElement})
+                EXPECT_EQ(write(id, 0, count, large.data(), vtype), FG_ERR_OUT_OF_RANGE);
         for (const int vtype : {-1, 0, 3, 4, 5, 6, 22, aRun})
             EXPECT_EQ(write(id, 0, 2, large.data(), vtype), FG_ERR_INVALID_ARGUMENT) << vtype;
         for (const int vtype : {1, 2, oneElement})
@@ -156,7 +131,7 @@ TEST_F(LookupTable, RunsThatAreRefused) {
             EXPECT_EQ(read(id, 0, 1, nullptr, vtype), FG_ERR_INVALID_ARGUMENT);
     }
     EXPECT_EQ(log(), Lines{});
-    expectEverywhere(old);
+    expectTables(old);
 }
 
 TEST_F(LookupTable, WideElementsAreReadAsPairs) {
@@ -183,92 +158,72 @@ TEST_F(LookupTable, WideElementsAreReadAsPairs) {
 
 class LutFiles : public LookupTable {
 protected:
-    LutFiles() : folder(fs::temp_directory_path() / ("lut-test-" + std::to_string(getpid()))) {
-        fs::create_directories(folder);
-    }
-    ~LutFiles() override { fs::remove_all(folder); }
-
-    std::string file(const std::string& name) const { return (folder / name).string(); }
-    static std::string section(const std::string& name, const Table& table, int id) {
-        std::string text = "\n\n[" + name + "]\n\nid=" + std::to_string(id) +
+    static std::string section(const char* name, const Table& table) {
+        const char id = name[0] == 'r' ? '0' : name[0] == 'g' ? '1' : '2';
+        std::string text = std::string("\n\n[") + name + "]\n\nid=" + id +
                            ";\nnrOfElements=" + std::to_string(table.size()) + ";\nformat=0;\nnumber=0;\n";
         for (std::size_t i = 0; i < table.size(); ++i)
             text += std::to_string(i) + "," + std::to_string(table[i]) + ";\n";
         return text;
     }
-    static std::string threeTables(const Table& red, const Table& green, const Table& blue) {
-        return "# Lut data file v1.1" + section("red", red, 0) + section("green", green, 1) +
-               section("blue", blue, 2);
+    static std::string threeTables(const Tables& tables) {
+        return "# Lut data file v1.1" + section("red", tables[0]) + section("green", tables[1]) +
+               section("blue", tables[2]);
     }
     /** All three of the board's tables are sent the blue one. */
     void expectLoaded(const Tables& tables) { expectTables(tables, {tables[2], tables[2], tables[2]}); }
-    int load(const std::string& path) {
+    int load(const std::string& content) {
+        writeFile(given, content);
         clearLog();
-        return setText(FG_LUT_CUSTOM_FILE, path);
+        return setText(FG_LUT_CUSTOM_FILE, given);
     }
-    int loadContent(const std::string& content) {
-        std::ofstream(file("given.lut")) << content;
-        return load(file("given.lut"));
-    }
-    const fs::path folder;
+    const TemporaryFolder folder;
+    const std::string given = folder / "given.lut", saved = folder / "saved.anything";
 };
 
 TEST_F(LutFiles, WhatIsSavedIsLoaded) {
+    Table formula(size);
+    EXPECT_EQ(read(FG_LUT_VALUE_RED, 0, size, formula.data()), FG_OK);
     const Tables tables = {ramp(1, 3), ramp(100, 7), ramp(9999, 11)};
     fill(tables);
-    clearLog();
-    EXPECT_EQ(setText(FG_LUT_SAVE_FILE, file("saved.anything")), 0);
-    EXPECT_EQ(text(FG_LUT_SAVE_FILE), file("saved.anything"));
-    EXPECT_EQ(log(), Lines{});
-    std::ostringstream saved;
-    saved << std::ifstream(file("saved.anything")).rdbuf();
-    EXPECT_TRUE(saved.str() == threeTables(tables[0], tables[1], tables[2]));
-
+    EXPECT_EQ(setText(FG_LUT_SAVE_FILE, saved), 0);
+    EXPECT_EQ(text(FG_LUT_SAVE_FILE), saved);
+    EXPECT_TRUE(fileBytes(saved) == threeTables(tables));
     // Under the formula a file is only remembered, even one that does not exist.
     setAll({{FG_LUT_TYPE, 3}});
-    for (const char* name : {"missing.lut", "saved.anything"}) {
-        EXPECT_EQ(load(file(name)), 0);
-        EXPECT_EQ(text(FG_LUT_CUSTOM_FILE), file(name));
-    }
-    expectEverywhere(formula);
-    for (int twice = 0; twice < 2; ++twice) {
-        clearLog();
-        setAll({{FG_LUT_TYPE, 0}});
-        EXPECT_EQ(log(), allSent);
-        expectLoaded(tables);
-        setAll({{FG_LUT_TYPE, 3}});
-        expectEverywhere(formula);
-    }
-    // The empty name stands for no file, and the same name may be given again.
+    for (const std::string& name : {folder / "missing.lut", saved})
+        EXPECT_EQ(setText(FG_LUT_CUSTOM_FILE, name), 0);
+    EXPECT_EQ(text(FG_LUT_CUSTOM_FILE), saved);
+    expectTables({formula, formula, formula});
+    clearLog();
     setAll({{FG_LUT_TYPE, 0}});
-    EXPECT_EQ(load(""), 0);
-    EXPECT_EQ(setText(FG_LUT_SAVE_FILE, ""), 0);
+    EXPECT_EQ(log(), allSent);
+    expectLoaded(tables);
+    // The empty name stands for no file.
+    clearLog();
+    EXPECT_EQ(setText(FG_LUT_CUSTOM_FILE, "") + setText(FG_LUT_SAVE_FILE, ""), 0);
     EXPECT_EQ(log(), Lines{});
     EXPECT_EQ(text(FG_LUT_CUSTOM_FILE) + text(FG_LUT_SAVE_FILE), "");
-    EXPECT_EQ(load(file("saved.anything")), 0);
-    EXPECT_EQ(log(), allSent);
 }
 
-TEST_F(LutFiles, WhatCannotBeOpened) {
-    const Table old = ramp(3, 3);
-    fill({old, old, old});
-    ASSERT_EQ(setText(FG_LUT_SAVE_FILE, file("good.lut")), 0);
-    ASSERT_EQ(setText(FG_LUT_CUSTOM_FILE, file("missing.lut")), 0);
+TEST_F(LutFiles, WhatCannotBeOpenedOrWritten) {
+    const Tables old = {ramp(3, 3), ramp(3, 3), ramp(3, 3)};
+    fill(old);
+    const std::string missing = folder / "missing.lut";
+    ASSERT_EQ(setText(FG_LUT_CUSTOM_FILE, missing), 0);
     EXPECT_EQ(set(FG_LUT_TYPE, 0u), FG_ERR_FILE_TYPE);
     EXPECT_EQ(record(FG_LUT_CUSTOM_FILE)->access, 1u);
     ASSERT_EQ(setText(FG_LUT_CUSTOM_FILE, ""), 0);
     setAll({{FG_LUT_TYPE, 0}});
-    ASSERT_EQ(load(file("good.lut")), 0);
+    ASSERT_EQ(load(threeTables(old)), 0);
     clearLog();
-    EXPECT_EQ(load(file("missing.lut")), FG_ERR_FILE_TYPE);
-    EXPECT_EQ(text(FG_LUT_CUSTOM_FILE), file("good.lut"));
+    EXPECT_EQ(setText(FG_LUT_CUSTOM_FILE, missing), FG_ERR_FILE_TYPE);
+    EXPECT_EQ(text(FG_LUT_CUSTOM_FILE), given);
     EXPECT_EQ(log(), Lines{});
-    expectEverywhere(old);
-
+    expectTables(old);
     // The board's refusal comes after the cache has the file's tables.
-    grabber.fail(contents[2], -4711);
-    EXPECT_EQ(loadContent(threeTables({1}, {2}, {3})), -4711);
-    EXPECT_EQ(text(FG_LUT_CUSTOM_FILE), file("good.lut"));
+    grabber.fail(content(2), -4711);
+    EXPECT_EQ(load(threeTables({Table{1}, Table{2}, Table{3}})), -4711);
     EXPECT_EQ(log(), (Lines{allSent[0], allSent[1], allSent[2] + " = -4711"}));
     std::uint32_t first = 0;
     EXPECT_EQ(read(FG_LUT_VALUE_GREEN, 0, 1, &first), 0);
@@ -276,24 +231,23 @@ TEST_F(LutFiles, WhatCannotBeOpened) {
 }
 
 TEST_F(LutFiles, FilesThatHoldLessOrMoreThanThreeTables) {
-    const Table old = ramp(3, 3), zeros(size), full = ramp(8, 9);
+    const Table old = ramp(3, 3), zeros(size), full = ramp(8, 9), longer = ramp(5, 5, size + 100);
     setAll({{FG_LUT_TYPE, 0}});
     const auto with = [](Table table, const Table& start) {
         std::copy(start.begin(), start.end(), table.begin());
         return table;
     };
-    Table longer = ramp(5, 5);
-    longer.resize(size + 100, 6);
     const std::pair<std::string, Tables> rows[] = {
         {"", {old, old, old}},
-        {threeTables({1, 2}, {3, 4}, {5, 6}), {with(old, {1, 2}), with(old, {3, 4}), with(old, {5, 6})}},
-        {section("red", full, 0), {full, zeros, zeros}},
-        {threeTables(longer, full, longer), {ramp(5, 5), full, ramp(5, 5)}},
+        {threeTables({Table{1, 2}, Table{3, 4}, Table{5, 6}}),
+         {with(old, {1, 2}), with(old, {3, 4}), with(old, {5, 6})}},
+        {section("red", full), {full, zeros, zeros}},
+        {threeTables({longer, full, longer}), {ramp(5, 5), full, ramp(5, 5)}},
         {"nrOfElements=-1;\n[red]\n0,5;\n", {with(zeros, {5}), zeros, zeros}}};
     for (const auto& [content, tables] : rows) {
         SCOPED_TRACE(content.substr(0, 80));
         fill({old, old, old});
-        EXPECT_EQ(loadContent(content), 0);
+        EXPECT_EQ(load(content), 0);
         EXPECT_EQ(log(), allSent);
         expectLoaded(tables);
     }

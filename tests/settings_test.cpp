@@ -12,6 +12,7 @@
 //   mark                        published maxima that can move become 7777, to see which ones a set refreshes
 //   set NAME VALUE...           sets the values one after the other. 1.5+ is the next number above 1.5, 1.5- the one below;
 //                               max, max+4, max- count from the published maximum; most is the largest multiple in it
+//   file NAME VALUE             loads the present state with this value, which only a file can bring
 //   same NAME                   sets the present value again
 //   take NAME VALUE...          only which of the values are taken
 //   range NAME FIRST LAST       sets all whole numbers of the range, and some beyond it
@@ -19,12 +20,12 @@
 //   table NAME CONTENT          elements of a table, as the applet and the board have them
 //   quiet on|off, short on|off  no answers; answers without the accesses
 #include "support/applet_fixture.h"
+#include "support/temporary_folder.h"
 
 #include "vexo/fg_errors.h"
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cctype>
 #include <charconv>
 #include <cmath>
@@ -69,7 +70,7 @@ std::string shortened(std::string line) {
     return line;
 }
 
-std::string numberText(double value) {
+template <typename Number> std::string numberText(Number value) {
     std::array<char, 32> digits{};
     return {digits.data(), std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr};
 }
@@ -106,15 +107,7 @@ protected:
     /** Of all records with a value, in the order of the tree. */
     std::vector<RegisterInfo*> records() {
         std::vector<RegisterInfo*> found;
-        const auto collect = [&](const auto& self, RegisterInfo* first) -> void {
-            for (RegisterInfo* record = first; record != nullptr; record = record->next) {
-                if (record->kind != REGISTER_KIND_GROUP) found.push_back(record);
-                if (record->kind == REGISTER_KIND_GROUP)
-                    for (int i = 0; i < record->value.group.childCount; ++i)
-                        self(self, record->value.group.children[i]);
-            }
-        };
-        collect(collect, tree());
+        forEachRecord(tree(), [&](RegisterInfo& record) { found.push_back(&record); });
         return found;
     }
 
@@ -122,6 +115,21 @@ protected:
         return record(applet.Fg_getParameterIdByName(grabber.fg(), name.c_str()));
     }
 
+    /** Calls `use` with a number of the record's type. */
+    template <typename Use> static auto withNumber(const RegisterInfo& record, Use use) {
+        switch (record.kind) {
+        case REGISTER_KIND_DOUBLE:
+            return use(double{});
+        case REGISTER_KIND_INT:
+            return use(std::int32_t{});
+        case REGISTER_KIND_INT64:
+            return use(std::int64_t{});
+        case REGISTER_KIND_UINT64:
+            return use(std::uint64_t{});
+        default:
+            return use(std::uint32_t{});
+        }
+    }
     /** The value as text, or the code of the failure. */
     std::string read(const RegisterInfo& record) {
         if (record.kind == REGISTER_KIND_STRING) {
@@ -129,70 +137,31 @@ protected:
             const int code = grabber.get(record.id, place.data(), 0, FG_PARAM_TEXT);
             return code == FG_OK ? "'" + std::string(place.data()) + "'" : std::to_string(code);
         }
-        std::uint64_t bits = 0;
-        const int code = grabber.get(record.id, &bits, 0, tagOf(record));
-        if (code != FG_OK) return "fails with " + std::to_string(code);
-        switch (record.kind) {
-        case REGISTER_KIND_DOUBLE:
-            return numberText(std::bit_cast<double>(bits));
-        case REGISTER_KIND_INT:
-            return std::to_string(static_cast<std::int32_t>(bits));
-        case REGISTER_KIND_INT64:
-            return std::to_string(static_cast<std::int64_t>(bits));
-        default:
-            return std::to_string(bits);
-        }
+        return withNumber(record, [&](auto value) {
+            const int code = grabber.get(record.id, &value, 0, Grabber::tagOf<decltype(value)>());
+            return code == FG_OK ? numberText(value) : "fails with " + std::to_string(code);
+        });
     }
-
-    static int tagOf(const RegisterInfo& record) {
-        switch (record.kind) {
-        case REGISTER_KIND_DOUBLE:
-            return FG_PARAM_DOUBLE;
-        case REGISTER_KIND_INT:
-            return FG_PARAM_INT32;
-        case REGISTER_KIND_INT64:
-            return FG_PARAM_INT64;
-        case REGISTER_KIND_UINT64:
-            return FG_PARAM_UINT64;
-        default:
-            return FG_PARAM_UINT32;
-        }
-    }
-
     int write(const RegisterInfo& record, const std::string& value) {
-        switch (record.kind) {
-        case REGISTER_KIND_STRING:
-            return setText(record.id, value.substr(1, value.size() - 2));
-        case REGISTER_KIND_DOUBLE:
-            return set(record.id, number(value));
-        case REGISTER_KIND_INT:
-            return set(record.id, static_cast<std::int32_t>(std::stoll(value)));
-        case REGISTER_KIND_INT64:
-            return set(record.id, static_cast<std::int64_t>(std::stoll(value)));
-        case REGISTER_KIND_UINT64:
-            return set(record.id, static_cast<std::uint64_t>(std::stoull(value)));
-        default:
-            return set(record.id, static_cast<std::uint32_t>(std::stoll(value)));
-        }
+        if (record.kind == REGISTER_KIND_STRING) return setText(record.id, value.substr(1, value.size() - 2));
+        return withNumber(record, [&](auto native) {
+            using Native = decltype(native);
+            if constexpr (std::is_floating_point_v<Native>)
+                return set(record.id, number(value));
+            else
+                return set(record.id, static_cast<Native>(value.starts_with('-')
+                                                              ? std::stoll(value)
+                                                              : static_cast<long long>(std::stoull(value))));
+        });
     }
-
     static std::string limits(const RegisterInfo& record) {
-        const auto inWords = [](const std::string& least, const std::string& most) {
-            return least + " to " + most;
+        const auto inWords = [](const auto& area) {
+            return numberText(area.minimum) + " to " + numberText(area.maximum);
         };
-        const auto& v = record.value;
-        switch (record.kind) {
-        case REGISTER_KIND_DOUBLE:
-            return inWords(numberText(v.f64.minimum), numberText(v.f64.maximum));
-        case REGISTER_KIND_UINT:
-            return inWords(std::to_string(v.u32.minimum), std::to_string(v.u32.maximum));
-        case REGISTER_KIND_INT:
-            return inWords(std::to_string(v.i32.minimum), std::to_string(v.i32.maximum));
-        default:
-            return "";
-        }
+        if (record.kind == REGISTER_KIND_DOUBLE) return inWords(record.value.f64);
+        if (record.kind == REGISTER_KIND_UINT) return inWords(record.value.u32);
+        return record.kind == REGISTER_KIND_INT ? inWords(record.value.i32) : "";
     }
-
     /** All that a client can see without an effect on the board: values, limits and access by name. */
     using Seen = std::map<std::string, std::string>;
     Seen look() {
@@ -350,6 +319,14 @@ protected:
         } else if (command == "same") {
             RegisterInfo& record = *recordOf(name);
             setOne(record, read(record));
+        } else if (command == "file") {
+            const TemporaryFolder folder;
+            const std::string path = folder / "state.mcf", key = "\n" + name + "=";
+            ASSERT_EQ(applet.Fg_saveConfig(grabber.fg(), path.c_str()), FG_OK);
+            std::string text = fileBytes(path);
+            const std::size_t value = text.find(key) + key.size();
+            writeFile(path, text.replace(value, text.find(';', value) - value, words.at(2)));
+            ASSERT_EQ(applet.Fg_loadConfig(grabber.fg(), path.c_str()), FG_OK);
         } else if (command == "take") {
             std::string taken = "taken:";
             for (std::size_t i = 2; i < words.size(); ++i)

@@ -27,19 +27,4 @@ TEST_F(StartUpTest, WritesTheDefaultsInOrderAndNothingForASlave) {
     }
 }
 
-using TimeoutTest = ParameterTest;
-
-TEST_F(TimeoutTest, IsKeptInTheObjectAlone) {
-    for (const std::uint32_t value : {2u, 2147483646u, 3u}) {
-        EXPECT_EQ(set(FG_TIMEOUT, value), 0);
-        EXPECT_EQ(get<std::uint32_t>(FG_TIMEOUT), value);
-    }
-    for (const std::uint32_t value : {0u, 1u, 2147483647u, ~0u}) {
-        EXPECT_EQ(set(FG_TIMEOUT, value), -6000);
-        EXPECT_EQ(lastError(), -6000);
-        EXPECT_EQ(get<std::uint32_t>(FG_TIMEOUT), 3u);
-    }
-    EXPECT_EQ(log(), Lines{});
-}
-
 } // namespace

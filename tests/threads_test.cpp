@@ -2,17 +2,16 @@
 // access.
 
 #include "support/applet_fixture.h"
+#include "support/faults.h"
 #include "support/sanitizers.h"
+#include "support/stress.h"
 #include "support/temporary_folder.h"
 
 #include <algorithm>
+#include <array>
 #include <atomic>
-#include <charconv>
-#include <chrono>
+#include <bit>
 #include <cstring>
-#include <deque>
-#include <future>
-#include <latch>
 #include <mutex>
 #include <pthread.h>
 #include <random>
@@ -32,62 +31,32 @@ constexpr int callsOfEach = underThreadSanitizer ? 1000 : underAddressSanitizer 
 constexpr int opensOfEach = underThreadSanitizer ? 20 : underAddressSanitizer ? 50 : 200;
 constexpr int textsOfEach = underThreadSanitizer || underAddressSanitizer ? 500 : 5000;
 
-/** Runs `body` with each number in a thread of its own; all begin at once. */
-template <typename Body> void inThreads(int count, Body body) {
-    std::latch start(count);
-    std::vector<std::jthread> running;
-    for (int number = 0; number < count; ++number)
-        running.emplace_back([&, number] {
-            start.arrive_and_wait();
-            body(number);
-        });
-}
-
-/** A parameter with values to set, as settable_values.txt has them. */
+/** A number parameter with values to set, as bits in its own width. */
 struct Row {
-    Row(Grabber& grabber, const Lines& words)
-        : id(host().applet().Fg_getParameterIdByName(grabber.fg(), words[0].c_str()))
-        , name(words[0])
-        , values(words.begin() + 1, words.end()) {}
-
-    /** Its present value, written as the values of the row are compared. */
-    std::string read(Grabber& grabber) const {
-        if (values[0].starts_with('\'')) {
-            char* text = nullptr;
-            EXPECT_EQ(grabber.get(id, &text, 0, FG_PARAM_ALLOCATED_STRING), FG_OK) << name;
-            const std::string copy = text;
-            EXPECT_EQ(host().applet().Fg_freeParameterStringWithType(grabber.fg(), id, text, 0,
-                                                                     FG_PARAM_ALLOCATED_STRING),
-                      FG_OK);
-            return "'" + copy + "'";
-        }
-        if (isDouble()) return written(grabber.value<double>(id));
-        return std::to_string(grabber.value<std::int32_t>(id));
-    }
-    std::string asRead(const std::string& value) const {
-        return isDouble() ? written(std::stod(value)) : value;
-    }
-
     int id;
     std::string name;
-    Lines values;
+    std::vector<std::uint64_t> values;
 
-private:
-    static std::string written(double value) {
-        char digits[400];
-        char* const end = std::to_chars(digits, std::end(digits), value, std::chars_format::fixed).ptr;
-        const std::string text(digits, end);
-        return text.find('.') != text.npos ? text : text + ".0";
+    std::uint64_t read(Grabber& grabber) const {
+        std::uint64_t bits = 0;
+        EXPECT_EQ(grabber.get(id, &bits), FG_OK) << name;
+        return bits;
     }
-    bool isDouble() const { return values[0][0] != '\'' && values[0].find('.') != std::string::npos; }
 };
 
 const std::vector<Row>& rows() {
     static const std::vector<Row> all = [] {
         Grabber grabber(1);
         std::vector<Row> made;
-        for (const Lines& words : dataRows("settable_values.txt"))
-            made.emplace_back(grabber, words);
+        for (const Lines& words : dataRows("settable_values.txt")) {
+            if (words[1].starts_with('\'')) continue; // a text
+            Row& row = made.emplace_back(
+                Row{host().applet().Fg_getParameterIdByName(grabber.fg(), words[0].c_str()), words[0], {}});
+            for (const std::string& word : Lines(words.begin() + 1, words.end()))
+                row.values.push_back(words[1].find('.') != word.npos
+                                         ? std::bit_cast<std::uint64_t>(std::stod(word))
+                                         : static_cast<std::uint32_t>(std::stol(word)));
+        }
         return made;
     }();
     return all;
@@ -100,18 +69,6 @@ std::size_t at(const std::string& name) {
 /** A field of the tree that may be changing. */
 template <typename T> T live(const T& field) {
     return std::atomic_ref<T>(const_cast<T&>(field)).load(std::memory_order_relaxed);
-}
-
-/** Calls `visit` with each record of a chain that is no group. */
-template <typename Visit> void walk(RegisterInfo* first, const Visit& visit) {
-    for (RegisterInfo* record = first; record != nullptr; record = record->next) {
-        if (record->kind != REGISTER_KIND_GROUP) {
-            visit(*record);
-            continue;
-        }
-        for (int i = 0; i < record->value.group.childCount; ++i)
-            walk(record->value.group.children[i], visit);
-    }
 }
 
 std::string documentOf(Grabber& grabber) {
@@ -136,7 +93,7 @@ std::string stateOf(Grabber& grabber) {
     std::ostringstream state;
     for (const Row& row : rows())
         state << row.name << " = " << row.read(grabber) << '\n';
-    walk(host().applet().Fg_getParameterInfo(grabber.fg(), 0), [&](const RegisterInfo& record) {
+    forEachRecord(host().applet().Fg_getParameterInfo(grabber.fg(), 0), [&](const RegisterInfo& record) {
         state << record.name;
         // Of this one the line trigger's mode leaves the access as another order of sets has made it.
         if (record.id != FG_SHAFTENCODER_COMPENSATION_COUNT) state << ": access " << record.access;
@@ -182,15 +139,14 @@ class Threads : public AppletTest {};
 
 TEST_F(Threads, SetAndGetOnOneHandleWhileTreeAndDocumentAreRead) {
     Grabber grabber(0);
-    std::vector<std::set<std::string>> possible;
+    std::vector<std::set<std::uint64_t>> possible;
     for (const Row& row : rows()) {
         possible.push_back({row.read(grabber)});
-        for (const std::string& value : row.values)
-            possible.back().insert(row.asRead(value));
+        possible.back().insert(row.values.begin(), row.values.end());
     }
     std::set<double> periods;
-    for (const std::string& period : possible[at("FG_LINEPERIODE")])
-        periods.insert(std::stod(period));
+    for (const std::uint64_t period : possible[at("FG_LINEPERIODE")])
+        periods.insert(std::bit_cast<double>(period));
     // Not set here: a speed mode that is refused leaves its traces on purpose.
     const std::size_t speedMode = at("FG_CAMERASIMULATOR_SELECT_MODE");
     const std::string frame = frameOf(documentOf(grabber));
@@ -202,7 +158,7 @@ TEST_F(Threads, SetAndGetOnOneHandleWhileTreeAndDocumentAreRead) {
     std::atomic<bool> stop{false};
     std::thread walker([&] {
         do {
-            walk(applet.Fg_getParameterInfo(grabber.fg(), 0), [&](const RegisterInfo& record) {
+            forEachRecord(applet.Fg_getParameterInfo(grabber.fg(), 0), [&](const RegisterInfo& record) {
                 if (live(record.access) > 7) ++wrong;
                 // Of this one it is known what it may be: the period that some thread has set.
                 if (record.id == FG_LINETRIGGERDELAY && !periods.contains(live(record.value.f64.maximum)))
@@ -216,7 +172,7 @@ TEST_F(Threads, SetAndGetOnOneHandleWhileTreeAndDocumentAreRead) {
             if (!told.contains(grabber.lastError())) ++wrong;
         } while (!stop);
     });
-    inThreads(threadCount, [&](int thread) {
+    stress(threadCount, 1, [&](int thread, int) {
         std::mt19937 random(static_cast<unsigned>(thread));
         for (int call = 0; call < callsOfEach; ++call) {
             Order::begin(thread, call);
@@ -226,7 +182,7 @@ TEST_F(Threads, SetAndGetOnOneHandleWhileTreeAndDocumentAreRead) {
                 if (!possible[chosen].contains(row.read(grabber))) ++wrong;
                 continue;
             }
-            const int code = grabber.setByName(row.name, row.values[random() % row.values.size()]);
+            const int code = grabber.set(row.id, row.values[random() % row.values.size()]);
             if (!told.contains(code)) ++wrong;
             if (code == FG_OK) ++taken;
         }
@@ -243,21 +199,19 @@ TEST_F(Threads, SetAndGetOnOneHandleWhileTreeAndDocumentAreRead) {
     // At rest every value is where it belongs: setting it again moves nothing.
     const std::string state = stateOf(grabber);
     for (const Row& row : rows())
-        grabber.setByName(row.name, row.read(grabber));
+        grabber.set(row.id, row.read(grabber));
     EXPECT_EQ(stateOf(grabber), state);
 }
 
 TEST_F(Threads, OpenAndFreeHandlesOfTheirOwn) {
     std::atomic<int> wrong{0};
-    inThreads(threadCount, [&](int thread) {
-        for (int turn = 0; turn < opensOfEach; ++turn) {
-            Grabber grabber(turn % 2);
-            const auto timeout = static_cast<std::uint32_t>(1000 * thread + turn + 2);
-            if (grabber.error != FG_OK || grabber.set(FG_TIMEOUT, timeout) != FG_OK ||
-                grabber.set(FG_CAMSTATUS, 0u) != FG_ERR_NOT_AVAILABLE || // which is logged
-                grabber.value<std::uint32_t>(FG_TIMEOUT) != timeout || grabber.free() != FG_OK)
-                ++wrong;
-        }
+    stress(threadCount, opensOfEach, [&](int thread, int turn) {
+        Grabber grabber(turn % 2);
+        const auto timeout = static_cast<std::uint32_t>(1000 * thread + turn + 2);
+        if (grabber.error != FG_OK || grabber.set(FG_TIMEOUT, timeout) != FG_OK ||
+            grabber.set(FG_CAMSTATUS, 0u) != FG_ERR_NOT_AVAILABLE || // which is logged
+            grabber.value<std::uint32_t>(FG_TIMEOUT) != timeout || grabber.free() != FG_OK)
+            ++wrong;
     });
     EXPECT_EQ(wrong, 0);
     for (const char* what : {"boards", "designs", "handles"})
@@ -267,53 +221,28 @@ TEST_F(Threads, OpenAndFreeHandlesOfTheirOwn) {
 
 TEST_F(Threads, TextsAreFreedByOtherThreads) {
     Grabber grabber(0);
-    struct Text {
-        int id;
-        char* text;
-    };
     const std::set<std::string> files = {"", "short", std::string(3000, 'x')};
-    std::mutex mutex;
-    std::deque<Text> handedOver;
-    std::atomic<int> wrong{0}, freed{0};
-    constexpr int all = threadCount / 2 * textsOfEach;
-    inThreads(threadCount + 1, [&](int thread) {
-        const int ids[] = {FG_DEBUGFILE, FG_TSL_FILE, FG_APPLET_ID, FG_LUT_CUSTOM_FILE};
-        if (thread == threadCount) {
-            for (int turn = 0; freed < all; ++turn)
-                for (const std::string& file : files)
-                    for (const int id : {FG_DEBUGFILE, FG_LUT_CUSTOM_FILE})
-                        applet.Fg_setParameterWithType(grabber.fg(), id, file.c_str(), 0, FG_PARAM_TEXT);
-            return;
-        }
-        if (thread % 2 == 0) {
-            for (int turn = 0; turn < textsOfEach; ++turn) {
-                Text text{ids[turn % 4], nullptr};
-                if (grabber.get(text.id, &text.text, 0, FG_PARAM_ALLOCATED_STRING) != FG_OK) ++wrong;
-                const std::lock_guard guard(mutex);
-                handedOver.push_back(text);
-            }
-            return;
-        }
-        while (freed < all) {
-            Text text{};
-            {
-                const std::lock_guard guard(mutex);
-                if (!handedOver.empty()) {
-                    text = handedOver.front();
-                    handedOver.pop_front();
-                }
-            }
-            if (text.text == nullptr) {
+    std::array<std::atomic<char*>, threadCount / 2> handedOver{}; // one place for each pair of threads
+    std::atomic<int> wrong{0};
+    stress(threadCount, textsOfEach, [&](int thread, int turn) {
+        std::atomic<char*>& place = handedOver[static_cast<std::size_t>(thread) / 2];
+        const int id = thread % 4 < 2 ? FG_DEBUGFILE : FG_LUT_CUSTOM_FILE;
+        char* text = nullptr;
+        if (thread % 2 == 0) { // hands out, while others change what is read
+            if (grabber.get(id, &text, 0, FG_PARAM_ALLOCATED_STRING) != FG_OK) ++wrong;
+            while (place != nullptr)
                 std::this_thread::yield();
-                continue;
-            }
-            const bool isFile = text.id == FG_DEBUGFILE || text.id == FG_LUT_CUSTOM_FILE;
-            if (isFile && !files.contains(text.text)) ++wrong;
-            if (applet.Fg_freeParameterStringWithType(grabber.fg(), text.id, text.text, 0,
-                                                      FG_PARAM_ALLOCATED_STRING) != FG_OK)
-                ++wrong;
-            ++freed;
+            place = text;
+            const auto file = std::next(files.begin(), turn % 3);
+            applet.Fg_setParameterWithType(grabber.fg(), id, file->c_str(), 0, FG_PARAM_TEXT);
+            return;
         }
+        while ((text = place.exchange(nullptr)) == nullptr)
+            std::this_thread::yield();
+        if (!files.contains(text)) ++wrong;
+        if (applet.Fg_freeParameterStringWithType(grabber.fg(), id, text, 0, FG_PARAM_ALLOCATED_STRING) !=
+            FG_OK)
+            ++wrong;
     });
     EXPECT_EQ(wrong, 0);
     EXPECT_EQ(support::live("strings"), 0);
@@ -356,24 +285,11 @@ private:
 
 class CancelledThread : public Threads {
 protected:
-    /** A get of another thread, which needs the lock. */
-    static void expectFree(Grabber& grabber) {
-        auto answer = std::async(std::launch::async, [&] {
-            std::uint32_t value = 0;
-            return grabber.get(FG_TIMEOUT, &value);
-        });
-        if (answer.wait_for(std::chrono::minutes(2)) != std::future_status::ready) {
-            ADD_FAILURE() << "the lock is still held";
-            std::abort(); // the future would wait for ever
-        }
-        EXPECT_EQ(answer.get(), FG_OK);
-    }
     /**
      * Cancels `call` at each of its accesses in turn, always from the state that `prepare` makes; each time
      * the same call then ends as it does undisturbed. The number of accesses.
      */
-    template <typename Prepare, typename Call>
-    static int sweep(Grabber& grabber, Prepare prepare, Call call) {
+    template <typename Prepare, typename Call> int sweep(Grabber& grabber, Prepare prepare, Call call) {
         prepare();
         EXPECT_EQ(call(), FG_OK);
         const std::string undisturbed = stateOf(grabber);
@@ -382,11 +298,14 @@ protected:
             prepare();
             Cancellation cancellation(grabber, access);
             if (!cancellation.hits(call)) return access - 1;
-            expectFree(grabber);
+            m_otherThread.run([&] { EXPECT_NE(grabber.value<std::uint32_t>(FG_TIMEOUT), 0u); });
             EXPECT_EQ(call(), FG_OK);
             EXPECT_EQ(stateOf(grabber), undisturbed);
         }
     }
+
+private:
+    OtherThread m_otherThread;
 };
 
 TEST_F(CancelledThread, LeavesTheHandleToOthers) {
@@ -394,12 +313,12 @@ TEST_F(CancelledThread, LeavesTheHandleToOthers) {
     int cancelled = 0;
     for (const Row& row : rows()) {
         SCOPED_TRACE(row.name);
-        const std::string before = row.read(grabber);
-        const auto restore = [&] { EXPECT_EQ(grabber.setByName(row.name, before), FG_OK); };
+        const std::uint64_t before = row.read(grabber);
+        const auto restore = [&] { EXPECT_EQ(grabber.set(row.id, before), FG_OK); };
         const auto value = std::ranges::find_if(
-            row.values, [&](const std::string& one) { return grabber.setByName(row.name, one) == FG_OK; });
+            row.values, [&](std::uint64_t one) { return grabber.set(row.id, one) == FG_OK; });
         ASSERT_NE(value, row.values.end());
-        cancelled += sweep(grabber, restore, [&] { return grabber.setByName(row.name, *value); });
+        cancelled += sweep(grabber, restore, [&] { return grabber.set(row.id, *value); });
         restore();
     }
     EXPECT_GT(cancelled, static_cast<int>(rows().size()));

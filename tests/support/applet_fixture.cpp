@@ -40,19 +40,6 @@ template <typename Word> Word* processWide(int code) {
     return word;
 }
 
-/** Searches a chain of records and the groups in it for a parameter. */
-RegisterInfo* findRecord(RegisterInfo* first, int id) {
-    for (RegisterInfo* record = first; record != nullptr; record = record->next) {
-        if (record->kind != REGISTER_KIND_GROUP) {
-            if (record->id == id) return record;
-            continue;
-        }
-        for (int i = 0; i < record->value.group.childCount; ++i)
-            if (RegisterInfo* found = findRecord(record->value.group.children[i], id)) return found;
-    }
-    return nullptr;
-}
-
 Lines linesOf(std::istream& in) {
     Lines lines;
     for (std::string line; std::getline(in, line);)
@@ -176,22 +163,6 @@ void Grabber::fail(const std::string& name, int code) {
     EXPECT_EQ(host().board().fail_name(device, name.c_str(), code), VBOARD_OK) << name;
 }
 
-const std::vector<Forwarder>& forwarders() {
-    const auto& applet = host().applet();
-    static const std::vector<Forwarder> all = {
-        {"Fg_getAppletId", false, [&](Fg_Struct* fg) { return applet.Fg_getAppletId(fg, 0); }},
-        {"Fg_AcquireEx", false, [&](Fg_Struct* fg) { return applet.Fg_AcquireEx(fg, 0, 10, 0, nullptr); }},
-        {"Fg_stopAcquireEx", false,
-         [&](Fg_Struct* fg) { return applet.Fg_stopAcquireEx(fg, 0, nullptr, 0); }},
-        {"Fg_getStatusEx", true, [&](Fg_Struct* fg) { return applet.Fg_getStatusEx(fg, 0, 0, 0, nullptr); }},
-        {"Fg_getLastPicNumberEx", true,
-         [&](Fg_Struct* fg) { return applet.Fg_getLastPicNumberEx(fg, 0, nullptr); }},
-        {"Fg_getLastPicNumberBlockingEx", true,
-         [&](Fg_Struct* fg) { return applet.Fg_getLastPicNumberBlockingEx(fg, 1, 0, 1, nullptr); }},
-    };
-    return all;
-}
-
 AppletLog::AppletLog(int level) : m_file(-1), m_standardError(dup(STDERR_FILENO)) {
     setenv("VBOARD_LOG_LEVEL", std::to_string(level).c_str(), 1);
     char path[] = "/tmp/applet-log-XXXXXX";
@@ -244,7 +215,10 @@ Lines ParameterTest::logToLastWrite() {
 }
 
 RegisterInfo* ParameterTest::record(int id) {
-    RegisterInfo* found = findRecord(tree(), id);
+    RegisterInfo* found = nullptr;
+    forEachRecord(tree(), [&](RegisterInfo& record) {
+        if (record.id == id) found = &record;
+    });
     if (found == nullptr) throw std::runtime_error("no record of parameter " + std::to_string(id));
     return found;
 }

@@ -65,6 +65,18 @@ inline Lines operator+(Lines lines, const Lines& more) {
     return lines;
 }
 
+/** Calls `visit` with each record of a chain that is no group, in the order of the tree. */
+template <typename Visit> void forEachRecord(RegisterInfo* first, const Visit& visit) {
+    for (RegisterInfo* record = first; record != nullptr; record = record->next) {
+        if (record->kind != REGISTER_KIND_GROUP) {
+            visit(*record);
+            continue;
+        }
+        for (int i = 0; i < record->value.group.childCount; ++i)
+            forEachRecord(record->value.group.children[i], visit);
+    }
+}
+
 /** One board and, once brought up, one handle on it. */
 class Grabber {
 public:
@@ -112,14 +124,6 @@ public:
     int error = 1;
     applet_host::GrabberHandle handle;
 };
-
-/** A function that goes straight to the runtime. */
-struct Forwarder {
-    const char* name;
-    bool wide; /**< 64-bit result */
-    std::function<std::int64_t(Fg_Struct*)> call;
-};
-const std::vector<Forwarder>& forwarders();
 
 /** The lines that the applet logs from `level` on, taken from the standard error. To be made before the
  * object whose lines are wanted, when no other object lives. */
