@@ -37,6 +37,10 @@ if(NOT APPLET_SANITIZE)
   endif()
 endif()
 
+# Line numbers are all that a sanitizer's report needs; full debug information takes longer to build and to link.
+if(APPLET_SANITIZE STREQUAL "address" OR APPLET_SANITIZE STREQUAL "thread")
+  add_compile_options(-g1)
+endif()
 if(APPLET_SANITIZE STREQUAL "address")
   add_compile_options(-fsanitize=address,undefined,float-cast-overflow,float-divide-by-zero
                       -fno-sanitize-recover=all -fno-omit-frame-pointer)

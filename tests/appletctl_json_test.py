@@ -19,6 +19,8 @@ import unittest
 
 import jsonschema
 
+LONGEST = 280  # seconds: only a command that hangs takes so long, under a sanitizer too
+
 APPLETCTL, SCHEMAS = pathlib.Path(sys.argv[1]).resolve(), pathlib.Path(sys.argv[2]).resolve()
 
 SCENARIO = "# first\nset FG_WIDTH=2048\nexpect value FG_WIDTH == 2048\nset FG_WIDTH=3\n"
@@ -78,7 +80,7 @@ CRASH = re.compile(r"terminate called|internal error|json\.exception|what\(\)|st
 
 def run(words, text="", **settings):
     """Exit code, standard output and error output of a run."""
-    done = subprocess.run([APPLETCTL, *words], input=text.encode(), capture_output=True, timeout=60, **settings)
+    done = subprocess.run([APPLETCTL, *words], input=text.encode(), capture_output=True, timeout=LONGEST, **settings)
     return done.returncode, done.stdout.decode(), done.stderr.decode()
 
 
@@ -252,7 +254,7 @@ class EveryCommand(unittest.TestCase):
                 with subprocess.Popen([APPLETCTL, *words], stdin=subprocess.PIPE, stdout=writer,
                                       stderr=subprocess.PIPE) as closed:
                     os.close(writer)
-                    _, err = closed.communicate(text.encode(), timeout=60)
+                    _, err = closed.communicate(text.encode(), timeout=LONGEST)
                 self.check_no_crash(closed.returncode, "", err.decode(), (0, 1, 2, 3, -signal.SIGPIPE))
                 with subprocess.Popen([APPLETCTL, *words, "--json"], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
                                       stderr=subprocess.PIPE) as interrupted:
@@ -260,7 +262,7 @@ class EveryCommand(unittest.TestCase):
                         interrupted.wait(0.02)
                     except subprocess.TimeoutExpired:
                         interrupted.send_signal(signal.SIGINT)
-                    out, err = interrupted.communicate(text.encode(), timeout=60)
+                    out, err = interrupted.communicate(text.encode(), timeout=LONGEST)
                 self.check_no_crash(interrupted.returncode, out.decode(), err.decode(),
                                     (0, 1, 2, 3, 130, -signal.SIGINT))
                 if interrupted.returncode == 130:
@@ -274,7 +276,7 @@ class EveryCommand(unittest.TestCase):
                 while not catches(watch.pid, signal.SIGINT):
                     time.sleep(0.01)
                 watch.send_signal(signal.SIGINT)
-                out, err = watch.communicate(timeout=60)
+                out, err = watch.communicate(timeout=LONGEST)
             self.assertEqual((watch.returncode, err), (130, b""))
             found = documents(out.decode())
             self.assertTrue(found)

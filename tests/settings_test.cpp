@@ -138,7 +138,7 @@ protected:
             return code == FG_OK ? "'" + std::string(place.data()) + "'" : std::to_string(code);
         }
         return withNumber(record, [&](auto value) {
-            const int code = grabber.get(record.id, &value, 0, Grabber::tagOf<decltype(value)>());
+            const int code = grabber.get(record.id, &value, 0, tagOf<decltype(value)>);
             return code == FG_OK ? numberText(value) : "fails with " + std::to_string(code);
         });
     }

@@ -162,9 +162,9 @@ struct InputState {
 };
 
 nlohmann::ordered_json asJson(const InputState& state) {
-    nlohmann::ordered_json row = {{"input", state.listener},         {"source", state.sourceValue},
-                                  {"polarity", state.polarityValue}, {"inUse", state.isInUse},
-                                  {"select", nullptr},               {"agrees", nullptr}};
+    nlohmann::ordered_json row = {
+        {"input", state.listener}, {"source", state.sourceValue}, {"polarity", state.polarityValue},
+        {"inUse", state.isInUse},  {"select", nullptr},           {"agrees", nullptr}};
     if (state.values.empty()) return row;
     row["select"] = asJson(state.values.back());
     row["agrees"] = !state.disagrees();
