@@ -151,10 +151,10 @@ TEST(AppletctlLint, AgreesWithCheckOnWhatALoadRefuses) {
     const std::regex line("(FG_\\w+)=([-0-9.]+);");
     Words lines;
     std::vector<std::pair<std::string, const char*>> edits;
-    std::size_t key = 0;
-    for (std::sregex_iterator at(text.begin(), text.end(), line), end; at != end; ++at, ++key) {
-        if (sanitized && key % 8 != 0) continue;
-        const char* const bad = key % 3 == 0 ? "-5" : "99999";
+    std::size_t place = 0;
+    for (std::sregex_iterator at(text.begin(), text.end(), line), end; at != end; ++at, ++place) {
+        if (sanitized && place % 8 != 0) continue;
+        const char* const bad = place % 3 == 0 ? "-5" : "99999";
         const std::string edited = folder / (std::to_string(edits.size()) + ".mcf");
         support::writeFile(edited, std::string(text).replace(static_cast<std::size_t>(at->position(2)),
                                                              static_cast<std::size_t>(at->length(2)), bad));

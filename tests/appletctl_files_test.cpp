@@ -196,6 +196,16 @@ TEST(AppletctlStart, SaysInOneLineWhatIsNoLibrary) {
     support::writeFile(folder / "libvexo_hw.so", board.substr(0, board.size() / 2));
     EXPECT_TRUE(contains(reason(run({"list", "--board", "system"}, {"LD_LIBRARY_PATH=" + folder / ""})),
                          "it is cut off"));
+    const fs::path sdk = folder / "sdk";
+    fs::create_directories(sdk / "lib64");
+    fs::create_symlink(library, sdk / "lib64" / library.filename());
+    const std::string dispatcher = (sdk / "lib64/libcommon-logging-dispatcher.so").string();
+    const std::string log =
+        support::fileBytes(library.parent_path().parent_path() / "lib64/libcommon-logging-dispatcher.so");
+    support::writeFile(dispatcher, log.substr(0, log.size() / 2));
+    const Outcome outcome =
+        run({"--applet", (sdk / "lib64" / library.filename()).string(), "set", "FG_APPLET_ID=3"});
+    EXPECT_TRUE(contains(reason(outcome), "which the applet logs through")) << outcome.err;
 }
 
 TEST(AppletctlStart, OpensTheStandardStreams) {

@@ -4,7 +4,9 @@
 
 #include <dlfcn.h>
 #include <link.h>
+#include <strings.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
@@ -96,6 +98,31 @@ void* openLibrary(const std::filesystem::path& path) {
                     " cannot be loaded: " + reason);
 }
 
+/** The installation that the applet's file is part of: it looks for the dispatcher of the logging there. */
+std::filesystem::path sdkDirectoryOf(const std::filesystem::path& applet) {
+    constexpr const char* folders[] = {"bin", "dll", "Hardware Applets", "lib", "lib64"};
+    std::error_code error;
+    std::filesystem::path folder = std::filesystem::absolute(applet, error).parent_path();
+    for (; folder.has_relative_path(); folder = folder.parent_path())
+        if (std::ranges::any_of(
+                folders, [&](const char* name) { return strcasecmp(folder.filename().c_str(), name) == 0; }))
+            return folder.parent_path();
+    const char* directory = std::getenv("NORVANE_FG_SDK_DIR");
+    return directory != nullptr ? directory : "";
+}
+
+/** The applet itself opens the dispatcher when it first has something to log; a truncated one would end the process. */
+void requireWholeDispatcher(const std::filesystem::path& applet) {
+    const std::filesystem::path file = sdkDirectoryOf(applet) / "lib64" / "libcommon-logging-dispatcher.so";
+    std::error_code error;
+    if (!file.is_absolute() || !std::filesystem::exists(file, error)) return;
+    const std::string trouble = troubleWithLibrary(file);
+    if (!trouble.empty())
+        throw HostError("the library " + file.string() +
+                        ", which the applet logs through, cannot be loaded: " + trouble +
+                        "; install it again, or remove it to run without a log");
+}
+
 /** The file that a loaded library comes from. */
 std::filesystem::path fileOf(void* library) {
     link_map* entry = nullptr;
@@ -144,6 +171,7 @@ AppletHost::AppletHost(const Locations& where) {
         for (const char* name : boardLibraries)
             *next++ = where.virtualBoard.empty() ? openByName(name) : openLibrary(where.virtualBoard / name);
         *next = openLibrary(where.applet);
+        requireWholeDispatcher(where.applet);
         bindBoard(where);
         bindAll(m_libraries[3], where.applet, appletBindings, m_applet);
     } catch (...) {

@@ -77,7 +77,7 @@ private:
 };
 
 /** A new file that is to take the place of another one in the same folder. It has no name while it is written, where
- *  the file system can do that: then nothing is left of it, however the program ends. */
+ *  the file system can do that: then nothing is left of it if the program is killed meanwhile. */
 class Replacement {
 public:
     explicit Replacement(fs::path target) : m_target(std::move(target)) {
