@@ -6,7 +6,7 @@
 
 /** Calls `action` and drops whatever it throws. A cancelled thread goes on unwinding: what it throws has no object, so
  *  that the reference is null. */
-template <typename Action> [[gnu::no_sanitize("null")]] void quietly(Action action) {
+template <typename Action> __attribute__((no_sanitize("null"))) void quietly(Action action) {
     try {
         action();
     } catch (const abi::__forced_unwind&) {

@@ -34,9 +34,13 @@ struct Grid {
     Value origin;
     double increment;
 
+    /** A number far outside of the grid, infinite or none has the outermost step or 0: sums and differences of steps
+     *  do not overflow. */
     std::int64_t stepOf(const Value& value) const {
-        return withNumber<std::int64_t>(value, 0, [&](auto number) {
-            return std::llround((static_cast<double>(number) - first()) / increment);
+        constexpr double outermost = 1e18;
+        return withNumber<std::int64_t>(value, 0, [&](auto number) -> std::int64_t {
+            const double step = (static_cast<double>(number) - first()) / increment;
+            return std::isnan(step) ? 0 : std::llround(std::clamp(step, -outermost, outermost));
         });
     }
     Value at(std::int64_t step) const {
