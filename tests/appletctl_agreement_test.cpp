@@ -253,7 +253,8 @@ TEST(AppletctlAdvice, IsAcceptedByTheSetters) {
         states.push_back("load " + file);
     }
     std::size_t tried = 0;
-    for (const std::string& state : states) {
+    for (std::size_t i = 0; i < states.size(); i += sanitized ? 6 : 1) {
+        const std::string& state = states[i];
         Words lines = {state};
         lines.insert(lines.end(), questions.begin(), questions.end());
         std::istringstream answers(shell(lines, {"--json"}).out);
@@ -270,13 +271,13 @@ TEST(AppletctlAdvice, IsAcceptedByTheSetters) {
         std::istringstream outcomes(shell(trials, {"--json"}).out);
         outcomes >> answer;
         for (const std::string& what : asked) {
-            for (int i = 0; i < 3; ++i)
+            for (int step = 0; step < 3; ++step) // reset, state, advice
                 outcomes >> answer;
             EXPECT_TRUE(answer["done"].get<bool>()) << state << "; " << what << "\n" << answer;
             ++tried;
         }
     }
-    EXPECT_GT(tried, 100u);
+    EXPECT_GT(tried, sanitized ? 10u : 100u);
 }
 
 } // namespace
