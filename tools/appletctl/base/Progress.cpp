@@ -1,7 +1,7 @@
 #include "appletctl/base/Progress.h"
 
+#include "applet_tools/base/numbers.h"
 #include "appletctl/base/layout.h"
-#include "appletctl/base/numbers.h"
 #include "appletctl/base/output.h"
 
 #include <unistd.h>

@@ -1,8 +1,8 @@
 #include "appletctl/base/Table.h"
 
+#include "applet_tools/base/text.h"
 #include "appletctl/base/layout.h"
 #include "appletctl/base/output.h"
-#include "appletctl/base/text.h"
 
 #include <algorithm>
 #include <numeric>

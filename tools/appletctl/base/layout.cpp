@@ -1,7 +1,7 @@
 #include "appletctl/base/layout.h"
 
-#include "appletctl/base/numbers.h"
-#include "appletctl/base/text.h"
+#include "applet_tools/base/numbers.h"
+#include "applet_tools/base/text.h"
 
 #include <sys/ioctl.h>
 #include <unistd.h>

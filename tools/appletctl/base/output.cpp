@@ -1,7 +1,7 @@
 #include "appletctl/base/output.h"
 
+#include "applet_tools/base/text.h"
 #include "appletctl/base/layout.h"
-#include "appletctl/base/text.h"
 
 #include <langinfo.h>
 #include <locale.h>

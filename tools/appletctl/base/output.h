@@ -2,9 +2,9 @@
 #ifndef APPLETCTL_BASE_OUTPUT_H
 #define APPLETCTL_BASE_OUTPUT_H
 
+#include "applet_tools/base/errors.h"
 #include "appletctl/base/Options.h"
 #include "appletctl/base/Table.h"
-#include "appletctl/base/errors.h"
 
 #include <nlohmann/json.hpp>
 

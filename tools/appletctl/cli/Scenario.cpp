@@ -1,14 +1,14 @@
 #include "appletctl/cli/Scenario.h"
 
-#include "appletctl/applet/Condition.h"
-#include "appletctl/applet/ConfigurationFile.h"
-#include "appletctl/applet/assignments.h"
-#include "appletctl/applet/published_limits.h"
-#include "appletctl/base/files.h"
-#include "appletctl/base/text.h"
-#include "appletctl/base/words.h"
+#include "applet_tools/applet/Condition.h"
+#include "applet_tools/applet/ConfigurationFile.h"
+#include "applet_tools/applet/assignments.h"
+#include "applet_tools/applet/published_limits.h"
+#include "applet_tools/base/files.h"
+#include "applet_tools/base/text.h"
+#include "applet_tools/base/words.h"
 #include "appletctl/cli/execute.h"
-#include "appletctl/scratch/CommandRun.h"
+#include "appletctl/commands/CommandRun.h"
 
 #include <algorithm>
 #include <sstream>

@@ -1,9 +1,9 @@
 #include "appletctl/cli/ScenarioRunner.h"
 
-#include "appletctl/applet/access_log.h"
-#include "appletctl/base/errors.h"
-#include "appletctl/base/numbers.h"
-#include "appletctl/base/text.h"
+#include "applet_tools/applet/access_log.h"
+#include "applet_tools/base/errors.h"
+#include "applet_tools/base/numbers.h"
+#include "applet_tools/base/text.h"
 
 #include <set>
 #include <sstream>

@@ -1,8 +1,8 @@
 #include "appletctl/cli/candidates.h"
 
-#include "appletctl/applet/Condition.h"
-#include "appletctl/applet/published_limits.h"
-#include "appletctl/base/text.h"
+#include "applet_tools/applet/Condition.h"
+#include "applet_tools/applet/published_limits.h"
+#include "applet_tools/base/text.h"
 #include "appletctl/cli/help.h"
 
 #include <algorithm>

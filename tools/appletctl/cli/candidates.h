@@ -2,7 +2,7 @@
 #ifndef APPLETCTL_CLI_CANDIDATES_H
 #define APPLETCTL_CLI_CANDIDATES_H
 
-#include "appletctl/applet/ParameterList.h"
+#include "applet_tools/applet/ParameterList.h"
 
 #include <functional>
 #include <string>

@@ -1,7 +1,7 @@
 #include "appletctl/cli/command_line.h"
 
-#include "appletctl/base/errors.h"
-#include "appletctl/base/text.h"
+#include "applet_tools/base/errors.h"
+#include "applet_tools/base/text.h"
 #include "appletctl/cli/help.h"
 #include "appletctl/commands/shared_options.h"
 

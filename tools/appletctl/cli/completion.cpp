@@ -1,6 +1,6 @@
 // Completion of words in a shell: a script for it, and the words that the script asks for.
 
-#include "appletctl/base/text.h"
+#include "applet_tools/base/text.h"
 #include "appletctl/cli/candidates.h"
 #include "appletctl/commands/Command.h"
 

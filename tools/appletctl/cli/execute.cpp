@@ -1,13 +1,13 @@
 #include "appletctl/cli/execute.h"
 
-#include "appletctl/applet/ConfigurationFile.h"
-#include "appletctl/applet/assignments.h"
-#include "appletctl/base/Stopwatch.h"
-#include "appletctl/base/text.h"
+#include "applet_tools/applet/ConfigurationFile.h"
+#include "applet_tools/applet/assignments.h"
+#include "applet_tools/base/Stopwatch.h"
+#include "applet_tools/base/text.h"
+#include "applet_tools/scratch/refusal.h"
 #include "appletctl/commands/jobs.h"
 #include "appletctl/commands/shared_options.h"
 #include "appletctl/commands/signals/trace.h"
-#include "appletctl/scratch/refusal.h"
 
 #include <sys/stat.h>
 #include <unistd.h>

@@ -1,5 +1,5 @@
 /** appletctl: shows and sets the parameters of the applet. */
-#include "appletctl/base/files.h"
+#include "applet_tools/base/files.h"
 #include "appletctl/cli/execute.h"
 
 #include <iostream>

@@ -1,12 +1,12 @@
 // A scenario, step by step.
 
-#include "appletctl/base/Interruption.h"
-#include "appletctl/base/files.h"
-#include "appletctl/base/text.h"
+#include "applet_tools/base/Interruption.h"
+#include "applet_tools/base/files.h"
+#include "applet_tools/base/text.h"
 #include "appletctl/cli/Scenario.h"
 #include "appletctl/commands/Command.h"
+#include "appletctl/commands/CommandRun.h"
 #include "appletctl/draw/junit.h"
-#include "appletctl/scratch/CommandRun.h"
 
 #include <CLI/CLI.hpp>
 

@@ -1,14 +1,14 @@
 // Commands line by line, on one board.
 
-#include "appletctl/base/Interruption.h"
-#include "appletctl/base/text.h"
-#include "appletctl/base/words.h"
+#include "applet_tools/base/Interruption.h"
+#include "applet_tools/base/text.h"
+#include "applet_tools/base/words.h"
+#include "applet_tools/scratch/History.h"
 #include "appletctl/cli/execute.h"
 #include "appletctl/cli/help.h"
 #include "appletctl/cli/line_input.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/shared_options.h"
-#include "appletctl/scratch/History.h"
 
 #include <unistd.h>
 

@@ -1,8 +1,8 @@
 #include "appletctl/commands/jobs.h"
 
-#include "appletctl/scratch/defaults_and_roles.h"
-#include "appletctl/scratch/influences.h"
-#include "appletctl/scratch/refusal.h"
+#include "applet_tools/scratch/defaults_and_roles.h"
+#include "applet_tools/scratch/influences.h"
+#include "applet_tools/scratch/refusal.h"
 
 namespace appletctl {
 namespace {

@@ -2,7 +2,7 @@
 #ifndef APPLETCTL_COMMANDS_JOBS_H
 #define APPLETCTL_COMMANDS_JOBS_H
 
-#include "appletctl/scratch/ScratchSession.h"
+#include "applet_tools/scratch/ScratchSession.h"
 
 #include <span>
 

@@ -1,8 +1,8 @@
 #include "appletctl/draw/curve.h"
 
+#include "applet_tools/base/numbers.h"
+#include "applet_tools/base/text.h"
 #include "appletctl/base/layout.h"
-#include "appletctl/base/numbers.h"
-#include "appletctl/base/text.h"
 #include "appletctl/draw/svg.h"
 
 #include <algorithm>

@@ -2,7 +2,7 @@
 #ifndef APPLETCTL_DRAW_CURVE_H
 #define APPLETCTL_DRAW_CURVE_H
 
-#include "appletctl/applet/LutTables.h"
+#include "applet_tools/applet/LutTables.h"
 
 #include <string>
 #include <vector>

@@ -1,7 +1,7 @@
 #include "appletctl/draw/junit.h"
 
-#include "appletctl/base/numbers.h"
-#include "appletctl/base/text.h"
+#include "applet_tools/base/numbers.h"
+#include "applet_tools/base/text.h"
 #include "appletctl/draw/svg.h"
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 #include "appletctl/draw/svg.h"
 
+#include "applet_tools/base/numbers.h"
+#include "applet_tools/base/text.h"
 #include "appletctl/base/layout.h"
-#include "appletctl/base/numbers.h"
-#include "appletctl/base/text.h"
 
 #include <cmath>
 

@@ -1,14 +1,14 @@
 // What a parameter moves and what moves it, measured on the scratch board.
 
-#include "appletctl/applet/access_log.h"
-#include "appletctl/base/text.h"
+#include "applet_tools/applet/access_log.h"
+#include "applet_tools/base/text.h"
+#include "applet_tools/scratch/Probe.h"
+#include "applet_tools/scratch/refusal.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/jobs.h"
+#include "appletctl/commands/reports.h"
 #include "appletctl/commands/shared_options.h"
 #include "appletctl/commands/signals/trace.h"
-#include "appletctl/scratch/Probe.h"
-#include "appletctl/scratch/refusal.h"
-#include "appletctl/scratch/reports.h"
 
 #include <CLI/CLI.hpp>
 

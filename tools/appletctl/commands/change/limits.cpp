@@ -1,13 +1,13 @@
 // What is accepted now, and which parameter sets each limit: asked of the setters on the scratch board.
 
-#include "appletctl/base/text.h"
+#include "applet_tools/base/text.h"
+#include "applet_tools/scratch/limit_causes.h"
+#include "applet_tools/scratch/measured_range.h"
+#include "applet_tools/scratch/refusal.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/jobs.h"
+#include "appletctl/commands/reports.h"
 #include "appletctl/commands/shared_options.h"
-#include "appletctl/scratch/limit_causes.h"
-#include "appletctl/scratch/measured_range.h"
-#include "appletctl/scratch/refusal.h"
-#include "appletctl/scratch/reports.h"
 
 #include "vexo/fg_errors.h"
 

@@ -1,10 +1,10 @@
 #include "appletctl/commands/change/order.h"
 
-#include "appletctl/applet/assignments.h"
-#include "appletctl/base/text.h"
+#include "applet_tools/applet/assignments.h"
+#include "applet_tools/base/text.h"
+#include "applet_tools/scratch/refusal.h"
 #include "appletctl/commands/jobs.h"
-#include "appletctl/scratch/refusal.h"
-#include "appletctl/scratch/reports.h"
+#include "appletctl/commands/reports.h"
 
 #include "vexo/fg_errors.h"
 

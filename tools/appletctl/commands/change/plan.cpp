@@ -1,19 +1,19 @@
 // What a change would do, tried on the scratch board; and the change itself after a question.
 
-#include "appletctl/applet/ParameterState.h"
-#include "appletctl/applet/access_log.h"
-#include "appletctl/applet/assignments.h"
-#include "appletctl/base/text.h"
+#include "applet_tools/applet/ParameterState.h"
+#include "applet_tools/applet/access_log.h"
+#include "applet_tools/applet/assignments.h"
+#include "applet_tools/base/text.h"
+#include "applet_tools/scratch/DesignSnapshot.h"
+#include "applet_tools/scratch/refusal.h"
 #include "appletctl/commands/Command.h"
+#include "appletctl/commands/CommandRun.h"
 #include "appletctl/commands/files/differences.h"
 #include "appletctl/commands/files/loading.h"
 #include "appletctl/commands/jobs.h"
+#include "appletctl/commands/reports.h"
 #include "appletctl/commands/shared_options.h"
 #include "appletctl/commands/signals/trace.h"
-#include "appletctl/scratch/CommandRun.h"
-#include "appletctl/scratch/DesignSnapshot.h"
-#include "appletctl/scratch/refusal.h"
-#include "appletctl/scratch/reports.h"
 
 #include <CLI/CLI.hpp>
 

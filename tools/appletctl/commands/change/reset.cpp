@@ -1,12 +1,12 @@
 // Defaults: the values of a scratch board after its start, set in the order in which the applet sets them there.
 
-#include "appletctl/applet/assignments.h"
-#include "appletctl/applet/hardware_values.h"
-#include "appletctl/base/text.h"
+#include "applet_tools/applet/assignments.h"
+#include "applet_tools/applet/hardware_values.h"
+#include "applet_tools/base/text.h"
+#include "applet_tools/scratch/refusal.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/jobs.h"
-#include "appletctl/scratch/refusal.h"
-#include "appletctl/scratch/reports.h"
+#include "appletctl/commands/reports.h"
 
 #include "vexo/fg_errors.h"
 

@@ -1,14 +1,14 @@
-#include "appletctl/applet/access_log.h"
-#include "appletctl/applet/assignments.h"
-#include "appletctl/applet/hardware_values.h"
-#include "appletctl/base/text.h"
+#include "applet_tools/applet/access_log.h"
+#include "applet_tools/applet/assignments.h"
+#include "applet_tools/applet/hardware_values.h"
+#include "applet_tools/base/text.h"
+#include "applet_tools/scratch/DesignSnapshot.h"
+#include "applet_tools/scratch/refusal.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/change/order.h"
 #include "appletctl/commands/jobs.h"
+#include "appletctl/commands/reports.h"
 #include "appletctl/commands/signals/trace.h"
-#include "appletctl/scratch/DesignSnapshot.h"
-#include "appletctl/scratch/refusal.h"
-#include "appletctl/scratch/reports.h"
 
 #include <CLI/CLI.hpp>
 

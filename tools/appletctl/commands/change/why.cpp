@@ -1,14 +1,14 @@
 // Why a parameter is read-only or refuses a value, and what would free it: single changes of others, tried on the
 // scratch board.
 
-#include "appletctl/applet/assignments.h"
-#include "appletctl/base/text.h"
+#include "applet_tools/applet/assignments.h"
+#include "applet_tools/base/text.h"
+#include "applet_tools/scratch/measured_range.h"
+#include "applet_tools/scratch/refusal.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/jobs.h"
+#include "appletctl/commands/reports.h"
 #include "appletctl/commands/shared_options.h"
-#include "appletctl/scratch/measured_range.h"
-#include "appletctl/scratch/refusal.h"
-#include "appletctl/scratch/reports.h"
 
 #include "vexo/fg_errors.h"
 

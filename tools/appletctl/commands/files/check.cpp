@@ -1,10 +1,10 @@
 #include "appletctl/commands/files/check.h"
 
-#include "appletctl/base/text.h"
+#include "applet_tools/base/text.h"
 #include "appletctl/commands/Command.h"
+#include "appletctl/commands/CommandRun.h"
 #include "appletctl/commands/jobs.h"
-#include "appletctl/scratch/CommandRun.h"
-#include "appletctl/scratch/reports.h"
+#include "appletctl/commands/reports.h"
 
 namespace appletctl {
 

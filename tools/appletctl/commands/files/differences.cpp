@@ -1,7 +1,7 @@
 #include "appletctl/commands/files/differences.h"
 
-#include "appletctl/applet/hardware_values.h"
-#include "appletctl/base/text.h"
+#include "applet_tools/applet/hardware_values.h"
+#include "applet_tools/base/text.h"
 #include "appletctl/commands/jobs.h"
 
 #include <unistd.h>

@@ -3,7 +3,7 @@
 #define APPLETCTL_COMMANDS_FILES_DIFFERENCES_H
 
 #include "appletctl/commands/files/loading.h"
-#include "appletctl/scratch/reports.h"
+#include "appletctl/commands/reports.h"
 
 #include <nlohmann/json.hpp>
 

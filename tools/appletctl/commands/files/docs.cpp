@@ -1,8 +1,8 @@
 // The documentation of all parameters, made from the tree: a page, and manual pages.
 
-#include "appletctl/applet/MemoryFile.h"
-#include "appletctl/base/files.h"
-#include "appletctl/base/text.h"
+#include "applet_tools/applet/MemoryFile.h"
+#include "applet_tools/base/files.h"
+#include "applet_tools/base/text.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/files/documented.h"
 

@@ -1,7 +1,7 @@
 // The documentation as one HTML page.
 
-#include "appletctl/base/errors.h"
-#include "appletctl/base/numbers.h"
+#include "applet_tools/base/errors.h"
+#include "applet_tools/base/numbers.h"
 #include "appletctl/commands/files/documented.h"
 #include "appletctl/draw/svg.h"
 

@@ -1,10 +1,10 @@
 #include "appletctl/commands/files/documented.h"
 
-#include "appletctl/applet/published_limits.h"
-#include "appletctl/base/errors.h"
-#include "appletctl/base/text.h"
-#include "appletctl/scratch/defaults_and_roles.h"
-#include "appletctl/scratch/influences.h"
+#include "applet_tools/applet/published_limits.h"
+#include "applet_tools/base/errors.h"
+#include "applet_tools/base/text.h"
+#include "applet_tools/scratch/defaults_and_roles.h"
+#include "applet_tools/scratch/influences.h"
 
 #include <algorithm>
 

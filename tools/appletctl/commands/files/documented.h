@@ -2,7 +2,7 @@
 #ifndef APPLETCTL_COMMANDS_FILES_DOCUMENTED_H
 #define APPLETCTL_COMMANDS_FILES_DOCUMENTED_H
 
-#include "appletctl/scratch/Context.h"
+#include "applet_tools/scratch/Context.h"
 
 #include <set>
 #include <string>

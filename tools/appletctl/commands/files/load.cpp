@@ -1,8 +1,8 @@
-#include "appletctl/base/text.h"
+#include "applet_tools/base/text.h"
 #include "appletctl/commands/Command.h"
+#include "appletctl/commands/CommandRun.h"
 #include "appletctl/commands/files/check.h"
 #include "appletctl/commands/files/differences.h"
-#include "appletctl/scratch/CommandRun.h"
 
 #include <CLI/CLI.hpp>
 

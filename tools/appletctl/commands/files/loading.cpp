@@ -1,12 +1,12 @@
 #include "appletctl/commands/files/loading.h"
 
-#include "appletctl/applet/access_log.h"
-#include "appletctl/applet/assignments.h"
-#include "appletctl/applet/hardware_values.h"
-#include "appletctl/applet/published_limits.h"
-#include "appletctl/base/numbers.h"
-#include "appletctl/base/text.h"
-#include "appletctl/scratch/refusal.h"
+#include "applet_tools/applet/access_log.h"
+#include "applet_tools/applet/assignments.h"
+#include "applet_tools/applet/hardware_values.h"
+#include "applet_tools/applet/published_limits.h"
+#include "applet_tools/base/numbers.h"
+#include "applet_tools/base/text.h"
+#include "applet_tools/scratch/refusal.h"
 
 #include "vexo/fg_errors.h"
 

@@ -3,11 +3,11 @@
 #ifndef APPLETCTL_COMMANDS_FILES_LOADING_H
 #define APPLETCTL_COMMANDS_FILES_LOADING_H
 
-#include "appletctl/applet/ConfigurationFile.h"
-#include "appletctl/applet/MemoryFile.h"
-#include "appletctl/applet/ParameterState.h"
+#include "applet_tools/applet/ConfigurationFile.h"
+#include "applet_tools/applet/MemoryFile.h"
+#include "applet_tools/applet/ParameterState.h"
+#include "applet_tools/scratch/DesignSnapshot.h"
 #include "appletctl/base/output.h"
-#include "appletctl/scratch/DesignSnapshot.h"
 
 #include <optional>
 #include <string>

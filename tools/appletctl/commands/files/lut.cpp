@@ -1,12 +1,12 @@
 // The commands around the lookup table. Assignments given with them are carried out first.
 
-#include "appletctl/applet/LutTables.h"
-#include "appletctl/applet/MemoryFile.h"
-#include "appletctl/base/files.h"
-#include "appletctl/base/text.h"
+#include "applet_tools/applet/LutTables.h"
+#include "applet_tools/applet/MemoryFile.h"
+#include "applet_tools/base/files.h"
+#include "applet_tools/base/text.h"
 #include "appletctl/commands/Command.h"
+#include "appletctl/commands/CommandRun.h"
 #include "appletctl/draw/curve.h"
-#include "appletctl/scratch/CommandRun.h"
 
 #include <CLI/CLI.hpp>
 

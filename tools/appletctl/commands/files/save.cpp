@@ -1,9 +1,9 @@
-#include "appletctl/base/files.h"
-#include "appletctl/base/text.h"
+#include "applet_tools/base/files.h"
+#include "applet_tools/base/text.h"
 #include "appletctl/commands/Command.h"
+#include "appletctl/commands/CommandRun.h"
 #include "appletctl/commands/files/check.h"
 #include "appletctl/commands/files/differences.h"
-#include "appletctl/scratch/CommandRun.h"
 
 namespace appletctl {
 namespace {

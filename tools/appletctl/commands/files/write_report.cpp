@@ -1,7 +1,7 @@
 // All that a support needs to know, in one text or document.
 
-#include "appletctl/base/files.h"
-#include "appletctl/base/text.h"
+#include "applet_tools/base/files.h"
+#include "applet_tools/base/text.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/shared_options.h"
 

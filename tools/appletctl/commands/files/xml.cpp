@@ -1,7 +1,7 @@
 #include "appletctl/commands/files/xml.h"
 
-#include "appletctl/base/files.h"
-#include "appletctl/base/text.h"
+#include "applet_tools/base/files.h"
+#include "applet_tools/base/text.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/shared_options.h"
 

@@ -1,8 +1,8 @@
 // What a client stumbles over in a document of the parameters.
 
-#include "appletctl/applet/published_limits.h"
-#include "appletctl/base/errors.h"
-#include "appletctl/base/numbers.h"
+#include "applet_tools/applet/published_limits.h"
+#include "applet_tools/base/errors.h"
+#include "applet_tools/base/numbers.h"
 #include "appletctl/commands/files/xml.h"
 
 #include <algorithm>

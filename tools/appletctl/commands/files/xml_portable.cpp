@@ -1,11 +1,11 @@
 // A document of the parameters for clients that take the standard at its word: every number as it is, in its
 // own width, nothing cached, with names, units and texts, the common parameters by their standard names too.
 
-#include "appletctl/applet/published_limits.h"
-#include "appletctl/base/text.h"
+#include "applet_tools/applet/published_limits.h"
+#include "applet_tools/base/text.h"
+#include "applet_tools/scratch/defaults_and_roles.h"
 #include "appletctl/commands/files/xml.h"
 #include "appletctl/draw/svg.h"
-#include "appletctl/scratch/defaults_and_roles.h"
 
 #include <algorithm>
 #include <cctype>

@@ -1,8 +1,8 @@
-#include "appletctl/applet/published_limits.h"
-#include "appletctl/applet/values.h"
-#include "appletctl/base/text.h"
+#include "applet_tools/applet/published_limits.h"
+#include "applet_tools/applet/values.h"
+#include "applet_tools/base/text.h"
+#include "applet_tools/scratch/defaults_and_roles.h"
 #include "appletctl/commands/Command.h"
-#include "appletctl/scratch/defaults_and_roles.h"
 
 #include <unistd.h>
 

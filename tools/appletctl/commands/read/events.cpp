@@ -1,6 +1,6 @@
-#include "appletctl/applet/Instance.h"
-#include "appletctl/base/numbers.h"
-#include "appletctl/base/text.h"
+#include "applet_tools/applet/Instance.h"
+#include "applet_tools/base/numbers.h"
+#include "applet_tools/base/text.h"
 #include "appletctl/commands/Command.h"
 
 #include <unistd.h>

@@ -1,5 +1,5 @@
+#include "applet_tools/scratch/BoardState.h"
 #include "appletctl/commands/Command.h"
-#include "appletctl/scratch/BoardState.h"
 
 #include <CLI/CLI.hpp>
 

@@ -1,5 +1,5 @@
-#include "appletctl/applet/Instance.h"
-#include "appletctl/base/text.h"
+#include "applet_tools/applet/Instance.h"
+#include "applet_tools/base/text.h"
 #include "appletctl/commands/Command.h"
 
 #include <unistd.h>

@@ -1,9 +1,9 @@
 // Reads parameters over and over: a table redrawn in place on a terminal, else a line for each round.
 
-#include "appletctl/applet/Condition.h"
-#include "appletctl/applet/values.h"
-#include "appletctl/base/Interruption.h"
-#include "appletctl/base/text.h"
+#include "applet_tools/applet/Condition.h"
+#include "applet_tools/applet/values.h"
+#include "applet_tools/base/Interruption.h"
+#include "applet_tools/base/text.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/draw/sparkline.h"
 

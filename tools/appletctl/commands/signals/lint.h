@@ -2,7 +2,7 @@
 #ifndef APPLETCTL_COMMANDS_SIGNALS_LINT_H
 #define APPLETCTL_COMMANDS_SIGNALS_LINT_H
 
-#include "appletctl/scratch/Context.h"
+#include "applet_tools/scratch/Context.h"
 
 #include <nlohmann/json.hpp>
 

@@ -2,12 +2,12 @@
 // parameters of the design belong to a source and a polarity, and what they should hold, is asked of the applet itself:
 // a scratch board gets the same values.
 
-#include "appletctl/applet/access_log.h"
-#include "appletctl/base/text.h"
+#include "applet_tools/applet/access_log.h"
+#include "applet_tools/base/text.h"
+#include "applet_tools/scratch/refusal.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/jobs.h"
 #include "appletctl/commands/shared_options.h"
-#include "appletctl/scratch/refusal.h"
 
 #include <unistd.h>
 

@@ -1,14 +1,14 @@
 // The signals of the line trigger over a few line periods, as the present values make them.
 
-#include "appletctl/applet/assignments.h"
-#include "appletctl/applet/line_timing.h"
-#include "appletctl/applet/published_limits.h"
-#include "appletctl/base/files.h"
-#include "appletctl/base/text.h"
+#include "applet_tools/applet/assignments.h"
+#include "applet_tools/applet/line_timing.h"
+#include "applet_tools/applet/published_limits.h"
+#include "applet_tools/base/files.h"
+#include "applet_tools/base/text.h"
+#include "applet_tools/scratch/refusal.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/draw/svg.h"
 #include "appletctl/draw/waves.h"
-#include "appletctl/scratch/refusal.h"
 
 #include <CLI/CLI.hpp>
 

@@ -1,9 +1,9 @@
 #include "appletctl/commands/signals/trace.h"
 
-#include "appletctl/applet/ConfigurationFile.h"
-#include "appletctl/applet/access_log.h"
-#include "appletctl/base/files.h"
-#include "appletctl/base/text.h"
+#include "applet_tools/applet/ConfigurationFile.h"
+#include "applet_tools/applet/access_log.h"
+#include "applet_tools/base/files.h"
+#include "applet_tools/base/text.h"
 #include "appletctl/commands/Command.h"
 
 #include <algorithm>

@@ -1,0 +1,88 @@
+/** Configuration files (.mcf) as appletctl reads them. */
+#ifndef APPLET_TOOLS_APPLET_CONFIGURATIONFILE_H
+#define APPLET_TOOLS_APPLET_CONFIGURATIONFILE_H
+
+#include "applet_tools/applet/Instance.h"
+#include "applet_tools/applet/values.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace appletctl {
+
+/** The keys and values that a person sees in a file. A load ends a text at its first = ; or ' and a number at the first
+ *  character that it cannot use. So what is read here and what the applet holds after a load may differ, and
+ *  that is a loss to be told. */
+class ConfigurationFile {
+public:
+    /** The first line of a key, which is the one that counts. */
+    struct Line {
+        std::string_view key;   /**< all that stands before the equals sign, blanks too */
+        std::string_view value; /**< without quotes and semicolon */
+        std::string_view text;  /**< of the whole line, with its end */
+        std::size_t count = 1;  /**< lines of this key */
+    };
+
+    /** The keys of a section in the order of the file. */
+    class Section {
+    public:
+        void add(const Line& line);
+        /** Null if there is no such key. */
+        const Line* find(std::string_view key) const;
+        /** The value of a key. */
+        std::optional<std::string> value(std::string_view key) const;
+        auto begin() const { return m_lines.begin(); }
+        auto end() const { return m_lines.end(); }
+        std::size_t size() const { return m_lines.size(); }
+
+    private:
+        std::vector<Line> m_lines;
+        std::unordered_map<std::string_view, std::size_t> m_places;
+    };
+
+    explicit ConfigurationFile(std::string text);
+
+    /** Throws UsageError, with the reason, when the file cannot be read. */
+    static ConfigurationFile read(const std::string& path);
+
+    const std::string& text() const { return *m_text; }
+    /** Above the section of the port: what the file says of itself. */
+    const Section& header() const { return m_header; }
+    /** From that section on: values of parameters. */
+    const Section& values() const { return m_values; }
+
+    std::optional<std::string> value(std::string_view key) const { return m_values.value(key); }
+
+    /** The file's text with other text in the place of one of its lines. */
+    std::string textWith(const Line& line, std::string_view replacement) const;
+    /** A text with the same keys and values, each key once. */
+    std::string textOfValues() const;
+
+private:
+    std::shared_ptr<const std::string> m_text; // stays in its place when the object moves
+    Section m_header, m_values;
+};
+
+/** Makes the applet load the file, and notes it. Returns the applet's code. */
+int loadConfiguration(Instance& instance, const std::string& path);
+
+/** What the applet would save now. Throws Failure. */
+ConfigurationFile stateOf(Instance& instance);
+
+/** The value that a file's text stands for; nothing if it is none of the parameter's kind: a load knows neither
+ *  symbols nor hexadecimal numbers. */
+std::optional<Value> valueInFile(const Parameter& parameter, const std::string& text);
+
+/** True when two texts of a file stand for the same value. */
+bool isSameValue(const Parameter& parameter, const std::string& a, const std::string& b);
+
+/** The value with symbol and unit; a text that is no value in quotes. */
+std::string fileValueText(const Parameter& parameter, const std::string& text);
+
+} // namespace appletctl
+
+#endif

@@ -1,0 +1,23 @@
+/** What this process has asked of applets so far: -v tells it. */
+#ifndef APPLET_TOOLS_APPLET_EFFORT_H
+#define APPLET_TOOLS_APPLET_EFFORT_H
+
+#include <cstddef>
+
+namespace appletctl {
+
+struct Effort {
+    std::size_t sets = 0;     /**< calls of setters, by writeValue */
+    std::size_t loads = 0;    /**< loads of configuration files */
+    std::size_t bringUps = 0; /**< of instances */
+};
+
+/** Of the process, which has one thread. */
+inline Effort& effort() {
+    static Effort ofProcess;
+    return ofProcess;
+}
+
+} // namespace appletctl
+
+#endif

@@ -1,0 +1,186 @@
+#include "applet_tools/applet/ParameterList.h"
+
+#include "applet_tools/base/errors.h"
+#include "applet_tools/base/text.h"
+
+#include <fnmatch.h>
+
+#include <algorithm>
+#include <set>
+#include <span>
+
+namespace appletctl {
+namespace {
+
+constexpr std::string_view sdkPrefix = "fg_";
+constexpr const char* groupWithoutRecord = "Without description";
+
+std::string_view withoutPrefix(std::string_view lowerName) {
+    return lowerName.starts_with(sdkPrefix) ? lowerName.substr(sdkPrefix.size()) : lowerName;
+}
+
+bool isGlob(std::string_view pattern) { return pattern.find_first_of("*?[") != std::string_view::npos; }
+
+bool matches(const std::string& lowerName, const std::string& lowerPattern) {
+    if (!isGlob(lowerPattern)) return lowerName.find(lowerPattern) != std::string::npos;
+    const std::string shortName(withoutPrefix(lowerName));
+    return fnmatch(lowerPattern.c_str(), lowerName.c_str(), 0) == 0 ||
+           fnmatch(lowerPattern.c_str(), shortName.c_str(), 0) == 0;
+}
+
+struct ReadEffect {
+    const char* name;
+    const char* words;
+};
+
+/** ReadResult one of these resets the design's overflow flag. */
+constexpr ReadEffect readEffects[] = {
+    {"FG_OVERFLOW", "clears when read"},
+    {"FG_FILLLEVEL", "clears FG_OVERFLOW when read"},
+    {"FG_CAMSTATUS", "clears FG_OVERFLOW when read"},
+    {"FG_CAMSTATUS_EXTENDED", "clears FG_OVERFLOW when read"},
+    {"DLOOMA_Device1_Process0_OverflowOccurred_Status", "clears when read"},
+};
+
+constexpr const char* writingAFile = "writes a file";
+
+constexpr ReadEffect writeEffects[] = {
+    {"FG_LUT_SAVE_FILE", writingAFile},
+    {"FG_DEBUGSAVECONFIG", writingAFile},
+    {"FG_DEBUGINSERT", "inserts an image"},
+    {"FG_SENDSOFTWARETRIGGER", "fires a trigger"},
+    {"FG_SIGNAL_ANALYZER_CLEAR", "clears the analyzers"},
+};
+
+std::string wordsFor(std::span<const ReadEffect> effects, const std::string& name) {
+    const auto found = std::ranges::find(effects, name, &ReadEffect::name);
+    return found != effects.end() ? found->words : "";
+}
+
+std::string suggestion(const std::vector<std::string>& names) {
+    return names.empty() ? "; 'appletctl list' shows all names" : didYouMean(names);
+}
+
+} // namespace
+
+std::string Parameter::label() const { return record != nullptr ? toUtf8(record->displayName) : ""; }
+
+std::string Parameter::unit() const { return record != nullptr ? toUtf8(record->unit) : ""; }
+
+std::string Parameter::effectOfReading() const { return wordsFor(readEffects, name); }
+
+std::string Parameter::effectOfWriting() const { return wordsFor(writeEffects, name); }
+
+bool Parameter::writesFile() const { return effectOfWriting() == writingAFile; }
+
+std::string Parameter::path() const { return join(groups, " / "); }
+ParameterList::ParameterList(Instance& instance, Scope scope)
+    : m_wantsDesign(scope == Scope::design || !instance.isDesignHidden())
+    , m_wantsOthers(scope != Scope::design) {
+    std::vector<std::string> groups;
+    for (const RegisterInfo* record = instance.parameterTree(); record != nullptr; record = record->next)
+        addTree(*record, groups);
+    addNamesWithoutRecord(instance);
+}
+
+bool ParameterList::isWanted(std::string_view name) const {
+    return name.starts_with(designPrefix) ? m_wantsDesign : m_wantsOthers;
+}
+
+void ParameterList::addTree(const RegisterInfo& record, std::vector<std::string>& groups) {
+    if (record.kind != REGISTER_KIND_GROUP) {
+        if (record.name != nullptr && isWanted(record.name))
+            m_parameters.push_back({toUtf8(record.name), record.id, &record, groups});
+        return;
+    }
+    groups.push_back(toUtf8(record.displayName));
+    // A group's own parameters come before its sub-groups, so that each heading stands once.
+    for (const bool wantGroups : {false, true}) {
+        for (int i = 0; i < record.value.group.childCount; ++i) {
+            const RegisterInfo& child = *record.value.group.children[i];
+            if ((child.kind == REGISTER_KIND_GROUP) == wantGroups) addTree(child, groups);
+        }
+    }
+    groups.pop_back();
+}
+
+void ParameterList::addNamesWithoutRecord(Instance& instance) {
+    std::set<std::string> known;
+    for (const Parameter& parameter : m_parameters)
+        known.insert(parameter.name);
+    const auto& applet = instance.applet();
+    const int count = applet.Fg_getNrOfParameter(instance.fg());
+    for (int i = 0; i < count; ++i) {
+        const char* const told = applet.Fg_getParameterName(instance.fg(), i);
+        if (told == nullptr || !isWanted(told)) continue;
+        const std::string name = toUtf8(told);
+        if (name.empty() || known.contains(name)) continue;
+        const int id = applet.Fg_getParameterId(instance.fg(), i);
+        if (id > 0) m_parameters.push_back({name, id, nullptr, {groupWithoutRecord}});
+    }
+}
+
+const Parameter& ParameterList::find(std::string_view name) const {
+    const std::string wanted = lowerCase(name);
+    std::vector<const Parameter*> found;
+    for (const Parameter& parameter : m_parameters) {
+        if (parameter.name == name) return parameter;
+        const std::string lower = lowerCase(parameter.name);
+        if (lower == wanted || withoutPrefix(lower) == wanted) found.push_back(&parameter);
+    }
+    if (found.size() == 1) return *found.front();
+    const std::string shown = inQuotedWord(name);
+    if (found.empty()) {
+        std::vector<std::string> meant;
+        for (const Parameter& parameter : m_parameters)
+            if (lowerCase(parameter.label()) == wanted || std::to_string(parameter.id) == wanted)
+                meant.push_back(parameter.name);
+        throw UsageError("there is no parameter " + shown +
+                         suggestion(meant.empty() ? closestNames(wanted) : meant));
+    }
+    std::vector<std::string> names;
+    for (const Parameter* parameter : found)
+        names.push_back(parameter->name);
+    throw UsageError("the name " + shown + " is ambiguous" + suggestion(names));
+}
+
+std::vector<const Parameter*> ParameterList::matching(const std::string& pattern) const {
+    const std::string lowerPattern = lowerCase(pattern);
+    std::vector<const Parameter*> found;
+    for (const Parameter& parameter : m_parameters)
+        if (matches(lowerCase(parameter.name), lowerPattern)) found.push_back(&parameter);
+    if (found.empty()) {
+        throw UsageError(
+            "no parameter's name matches " + inQuotedWord(pattern) +
+            suggestion(isGlob(pattern) ? std::vector<std::string>{} : closestNames(lowerPattern)));
+    }
+    return found;
+}
+
+std::vector<const Parameter*> ParameterList::inGroup(const std::string& label) const {
+    const std::string wanted = lowerCase(label);
+    const auto isLabelled = [&](const Parameter& parameter) {
+        return std::ranges::any_of(parameter.groups,
+                                   [&](const std::string& group) { return lowerCase(group) == wanted; });
+    };
+    const auto isBelow = [&](const Parameter& parameter) {
+        return lowerCase(parameter.path()).find(wanted) != std::string::npos;
+    };
+    std::vector<const Parameter*> labelled, below;
+    for (const Parameter& parameter : m_parameters) {
+        if (isLabelled(parameter)) labelled.push_back(&parameter);
+        if (isBelow(parameter)) below.push_back(&parameter);
+    }
+    if (below.empty())
+        throw UsageError("no group is called " + inQuotedWord(label) + "; 'appletctl list' shows the groups");
+    return labelled.empty() ? below : labelled;
+}
+
+std::vector<std::string> ParameterList::closestNames(std::string_view name) const {
+    std::vector<std::string> names;
+    for (const Parameter& parameter : m_parameters)
+        names.push_back(parameter.name);
+    return nearestWords(name, names);
+}
+
+} // namespace appletctl

@@ -1,0 +1,42 @@
+/** What a client sees of a parameter at a moment, and how that moves. */
+#ifndef APPLET_TOOLS_APPLET_PARAMETERSTATE_H
+#define APPLET_TOOLS_APPLET_PARAMETERSTATE_H
+
+#include "applet_tools/applet/published_limits.h"
+
+#include <nlohmann/json.hpp>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace appletctl {
+
+struct ParameterState {
+    int error = 0; /**< of the read */
+    Value value;   /**< of an array only the number of its elements */
+    std::uint32_t access = 0;
+    std::optional<Limits> limits;
+
+    bool operator==(const ParameterState&) const = default;
+};
+
+/** What a read would change is left out. */
+ParameterState currentState(Instance& instance, const Parameter& parameter);
+
+/** One way in which facts differ, in words and as members of a document. */
+struct Move {
+    const char* what; /**< "value", "limits", "access", "accepted values" */
+    std::string from, to;
+    nlohmann::ordered_json fromJson{}, toJson{};
+};
+
+std::vector<Move> movesBetween(const Parameter& parameter, const ParameterState& before,
+                               const ParameterState& after);
+
+nlohmann::ordered_json asJson(const Move& move);
+
+} // namespace appletctl
+
+#endif

@@ -1,0 +1,35 @@
+/** What reaches the design, as the virtual board logs it. */
+#ifndef APPLET_TOOLS_APPLET_ACCESS_LOG_H
+#define APPLET_TOOLS_APPLET_ACCESS_LOG_H
+
+#include "applet_tools/applet/Instance.h"
+
+#include <nlohmann/json.hpp>
+
+#include <string>
+#include <vector>
+
+namespace appletctl {
+
+/** From now on the board logs what is written to it, and nothing else. */
+void logWrites(Instance& instance);
+
+/** From now on it logs all accesses to values of the design. */
+void logAccesses(Instance& instance);
+
+/** A line of the log as output; its words are the cells with --plain. */
+std::string accessLine(const std::string& line);
+
+/** The log since it was last taken, one line for each write (see vboard_log_line). */
+std::vector<std::string> takeWrites(Instance& instance);
+
+/** Lines of the log as a list of objects: {"access": "set", "parameter": "Device1_...", "type": "u32",
+ *  "value": 2048}; "first" and "count" of a field, "error" of an access that failed. */
+nlohmann::ordered_json accessesAsJson(const std::vector<std::string>& lines);
+
+/** The line that such an object was made of. */
+std::string loggedLine(const nlohmann::ordered_json& access);
+
+} // namespace appletctl
+
+#endif

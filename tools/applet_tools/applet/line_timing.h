@@ -1,0 +1,49 @@
+/** Values of the line trigger that do not fit together, although the applet holds them. */
+#ifndef APPLET_TOOLS_APPLET_LINE_TIMING_H
+#define APPLET_TOOLS_APPLET_LINE_TIMING_H
+
+#include "vexo/fg_parameters.h"
+
+#include <cmath>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace appletctl {
+
+struct TimingTrouble {
+    const char* rule;               /**< "exposure", "delay" */
+    std::vector<const char*> names; /**< the one to be set first */
+    const char* why;
+    double longest; /**< for the first one, in whole ticks of the trigger */
+};
+
+/** Times in microseconds. A load stores periods that are none: with those nothing is compared. */
+inline std::vector<TimingTrouble> timingTroubles(std::int32_t mode, double period, double exposure,
+                                                 double delay) {
+    std::vector<TimingTrouble> troubles;
+    if (!(period > 0)) return troubles;
+    constexpr double tick = 0.008, decimals = 1e10;
+    const double wholeTicks =
+        std::floor(period / tick + 1e-6) * tick; // 1e-6 for the rounding of the division
+    const double longest = std::round(wholeTicks * decimals) / decimals;
+    const bool isGrabberControlled = mode == GRABBER_CONTROLLED || mode == GRABBER_CONTROLLED_GATED;
+    if (isGrabberControlled && exposure > period)
+        troubles.push_back(
+            {"exposure",
+             {"FG_LINEEXPOSURE", "FG_LINEPERIODE"},
+             "The exposure is longer than the line period, so the ExSync pulses run into each other. "
+             "The period was lowered after the exposure was set, which does not shorten the exposure",
+             longest});
+    if (delay > period)
+        troubles.push_back(
+            {"delay",
+             {"FG_LINETRIGGERDELAY", "FG_LINEPERIODE"},
+             "ExSync2 is delayed by more than a line period, so it belongs to no line any more",
+             longest});
+    return troubles;
+}
+
+} // namespace appletctl
+
+#endif

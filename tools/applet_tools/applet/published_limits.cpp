@@ -1,0 +1,181 @@
+#include "applet_tools/applet/published_limits.h"
+
+#include "applet_tools/base/text.h"
+
+#include <cmath>
+#include <type_traits>
+
+namespace appletctl {
+namespace {
+
+struct KindRow {
+    int kind;
+    const char* name;
+};
+
+constexpr KindRow kindRows[] = {
+    {REGISTER_KIND_UINT, "UInt"},
+    {REGISTER_KIND_ENUM, "Enum"},
+    {REGISTER_KIND_STRING, "String"},
+    {REGISTER_KIND_DOUBLE, "Double"},
+    {REGISTER_KIND_UINT_FIELD, "UInt array"},
+    {REGISTER_KIND_DOUBLE_FIELD, "Double array"},
+    {REGISTER_KIND_UINT64, "UInt64"},
+    {REGISTER_KIND_UINT64_FIELD, "UInt64 array"},
+    {REGISTER_KIND_INT, "Int"},
+    {REGISTER_KIND_INT64, "Int64"},
+    {REGISTER_KIND_INT_FIELD, "Int array"},
+    {REGISTER_KIND_INT64_FIELD, "Int64 array"},
+};
+
+/** Calls `use` with the limits of a numeric record, a scalar's or an array's; false for all other records. */
+template <typename Use> bool withLimits(const Parameter& parameter, Use use) {
+    if (parameter.record == nullptr) return false;
+    const RegisterInfoValue& value = parameter.record->value;
+    switch (parameter.record->kind) {
+    case REGISTER_KIND_UINT:
+        return use(value.u32), true;
+    case REGISTER_KIND_INT:
+        return use(value.i32), true;
+    case REGISTER_KIND_UINT64:
+        return use(value.u64), true;
+    case REGISTER_KIND_INT64:
+        return use(value.i64), true;
+    case REGISTER_KIND_DOUBLE:
+        return use(value.f64), true;
+    case REGISTER_KIND_UINT_FIELD:
+        return use(value.u32Field), true;
+    case REGISTER_KIND_INT_FIELD:
+        return use(value.i32Field), true;
+    case REGISTER_KIND_UINT64_FIELD:
+        return use(value.u64Field), true;
+    case REGISTER_KIND_INT64_FIELD:
+        return use(value.i64Field), true;
+    case REGISTER_KIND_DOUBLE_FIELD:
+        return use(value.f64Field), true;
+    default:
+        return false;
+    }
+}
+
+template <typename Limits> constexpr bool isArrayLimits = requires(Limits limits) { limits.elementCount; };
+
+/** Some records carry limits without information on purpose: all zero, or the minimum above the maximum. */
+template <typename Limits> bool areUsable(const Limits& limits) {
+    if constexpr (!isArrayLimits<Limits>)
+        if (limits.minimum == limits.maximum && limits.increment == 0) return false;
+    return limits.minimum <= limits.maximum;
+}
+
+template <typename Limits> std::string limitsInWords(const Limits& limits) {
+    if (!areUsable(limits)) return "";
+    const std::string range = numberText(limits.minimum) + " to " + numberText(limits.maximum);
+    if constexpr (isArrayLimits<Limits>) {
+        return range + ", " + numberText(limits.elementCount) + " elements";
+    } else {
+        // A step of one whole number, none, or the smallest that a number can have says nothing.
+        const bool isPlain = limits.increment == 0 || limits.increment == 1 ||
+                             std::fabs(static_cast<double>(limits.increment)) < 1e-15;
+        return isPlain ? range : range + " in steps of " + numberText(limits.increment);
+    }
+}
+
+} // namespace
+
+const char* kindName(const Parameter& parameter) {
+    if (parameter.record == nullptr) return "";
+    for (const KindRow& row : kindRows)
+        if (row.kind == parameter.record->kind) return row.name;
+    return "unknown";
+}
+
+std::string accessWord(const Parameter& parameter) {
+    return parameter.record != nullptr ? accessWord(parameter.record->access) : "-";
+}
+
+std::string accessWord(std::uint32_t access) {
+    const bool writable = (access & REGISTER_ACCESS_WRITE) != 0;
+    if (!writable) return "ro";
+    std::string word = (access & REGISTER_ACCESS_READ) != 0 ? "rw" : "wo";
+    if ((access & REGISTER_ACCESS_WRITE_WHILE_ACQUIRING) != 0) word += "+";
+    return word;
+}
+
+std::vector<Entry> entriesOf(const Parameter& parameter) {
+    std::vector<Entry> entries;
+    if (parameter.kind() != REGISTER_KIND_ENUM) return entries;
+    const auto& enumeration = parameter.record->value.enumeration;
+    for (int i = 0; i < enumeration.entryCount; ++i) {
+        entries.push_back(
+            {enumeration.values[i], toUtf8(enumeration.symbolicNames[i]), toUtf8(enumeration.labels[i])});
+    }
+    return entries;
+}
+
+const std::string& entryName(const Entry& entry) { return entry.symbol.empty() ? entry.label : entry.symbol; }
+
+std::optional<Limits> limitsOf(const Parameter& parameter) {
+    std::optional<Limits> limits;
+    withLimits(parameter, [&](const auto& published) {
+        if (!areUsable(published)) return;
+        using Number = std::decay_t<decltype(published.minimum)>;
+        Number increment{};
+        if constexpr (!isArrayLimits<std::decay_t<decltype(published)>>) increment = published.increment;
+        limits = {published.minimum, published.maximum, increment};
+    });
+    return limits;
+}
+
+std::string limitsText(const Parameter& parameter) {
+    std::string text;
+    withLimits(parameter, [&](const auto& limits) { text = limitsInWords(limits); });
+    return text;
+}
+
+std::string entriesText(const Parameter& parameter) {
+    std::vector<std::string> texts;
+    for (const Entry& entry : entriesOf(parameter))
+        texts.push_back(entryName(entry) + " (" + numberText(entry.value) + ")");
+    return join(texts, ", ");
+}
+
+bool isWithinLimits(const Parameter& parameter, const Value& value) {
+    for (const Entry& entry : entriesOf(parameter))
+        if (entry.value == std::get<std::int32_t>(value)) return true;
+    bool within = false;
+    withLimits(parameter, [&](const auto& limits) {
+        using Number = std::decay_t<decltype(limits.minimum)>;
+        const Number* number = std::get_if<Number>(&value);
+        if constexpr (std::is_same_v<Number, std::uint32_t>)
+            if (const auto* elements = std::get_if<Elements>(&value)) number = &elements->front();
+        if (number == nullptr || !areUsable(limits)) return;
+        within = *number >= limits.minimum && *number <= limits.maximum;
+        // Floating point is left at that: the applet decides how near to the grid is on the grid.
+        if constexpr (std::is_integral_v<Number> && !isArrayLimits<std::decay_t<decltype(limits)>>)
+            if (within && limits.increment > 1) within = (*number - limits.minimum) % limits.increment == 0;
+    });
+    return within;
+}
+
+void addDescription(nlohmann::ordered_json& object, const Parameter& parameter) {
+    object["name"] = parameter.name;
+    object["id"] = parameter.id;
+    object["group"] = parameter.groups;
+    if (parameter.record == nullptr) return;
+    object["title"] = parameter.label();
+    object["kind"] = kindName(parameter);
+    object["unit"] = parameter.unit();
+    object["access"] = accessWord(parameter);
+    withLimits(parameter, [&](const auto& limits) {
+        object["minimum"] = limits.minimum;
+        object["maximum"] = limits.maximum;
+        if constexpr (!isArrayLimits<std::decay_t<decltype(limits)>>) object["increment"] = limits.increment;
+    });
+    if (parameter.kind() != REGISTER_KIND_ENUM) return;
+    object["entries"] = nlohmann::ordered_json::array();
+    for (const Entry& entry : entriesOf(parameter))
+        object["entries"].push_back(
+            {{"value", entry.value}, {"symbol", entry.symbol}, {"label", entry.label}});
+}
+
+} // namespace appletctl

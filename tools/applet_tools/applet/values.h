@@ -1,0 +1,95 @@
+/** Values of parameters in their native width: reading, writing, texts. */
+#ifndef APPLET_TOOLS_APPLET_VALUES_H
+#define APPLET_TOOLS_APPLET_VALUES_H
+
+#include "applet_tools/applet/Instance.h"
+#include "applet_tools/applet/Target.h"
+#include "applet_tools/base/numbers.h"
+
+#include <nlohmann/json.hpp>
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace appletctl {
+
+/** An array parameter as a whole: its elements are counted and not read. */
+struct WholeArray {
+    std::uint32_t count;
+
+    bool operator==(const WholeArray&) const = default;
+};
+
+/** Elements of an array parameter. */
+using Elements = std::vector<std::uint32_t>;
+
+/** Texts are held in the bytes of the applet or of the command line, which may be ISO 8859-1. */
+using Value = std::variant<std::uint32_t, std::int32_t, std::uint64_t, std::int64_t, double, std::string,
+                           WholeArray, Elements>;
+
+struct ReadResult {
+    int error = 0;
+    Value value{};
+    bool isMeasured =
+        true; /**< false for what a board measures where there is none: the value says nothing */
+};
+
+/** What is shown instead of such a value. */
+inline constexpr const char* notMeasuredText = "- (not measured: offline there is no board)";
+
+/** A value of the native type of the target's kind: zeros, or as many as there are elements. */
+Value emptyValue(const Target& target);
+
+ReadResult readValue(Instance& instance, const Target& target);
+
+/** The value. Throws Failure when the applet does not give it. */
+Value valueOf(Instance& instance, const Target& target);
+
+/** The applet's explanation of a parameter; empty if it gives none. */
+std::string explanationOf(Instance& instance, const Parameter& parameter);
+
+/** Returns the applet's code. */
+int writeValue(Instance& instance, const Target& target, const Value& value);
+
+/** Reads a value that a user typed: numbers decimal or 0x..., for enumerations also the symbolic name or the
+ *  label, for elements the number that all of them get. Throws UsageError for what the parameter's kind
+ *  cannot hold; its limits are the applet's matter. */
+Value parseValue(const Target& target, const std::string& text);
+
+/** Enumerations by symbolic name, texts in double quotes, numbers as numberText, elements by their number if all
+ *  hold the same. */
+std::string valueText(const Parameter& parameter, const Value& value);
+
+/** The same as a word that `set` takes: floating point to the last bit. */
+std::string exactValueText(const Parameter& parameter, const Value& value);
+
+std::string exactValueWithUnit(const Parameter& parameter, const Value& value);
+
+/** As valueText, an enumeration with its number: "RGB8 (1025)", then the unit. */
+std::string valueWithUnit(const Parameter& parameter, const Value& value);
+
+/** A line of the output: "FG_WIDTH = 1024 pixel"; with --plain the name, the value as valueText and the unit. */
+std::string valueLine(const Target& target, const Value& value);
+
+/** Adds "value" and, for enumerations, "symbol" and "label"; for a whole array "elements", their number; for
+ *  one element "index" and "value", for several "first" and "values". */
+void addValue(nlohmann::ordered_json& object, const Target& target, const Value& value);
+
+/** What addValue adds, as an object of its own. */
+nlohmann::ordered_json valueAsJson(const Target& target, const Value& value);
+
+/** A number; null for texts and arrays. */
+nlohmann::ordered_json numberAsJson(const Value& number);
+
+/** Adds "value": null and "measured": false. */
+void addNotMeasured(nlohmann::ordered_json& object);
+
+/** Name, id, unit and what addValue or addNotMeasured adds, or "error" when the read failed. */
+nlohmann::ordered_json readingAsJson(const Target& target, const ReadResult& reading);
+
+} // namespace appletctl
+
+#endif

@@ -1,0 +1,32 @@
+/** Ctrl-C while a command works step by step. */
+#ifndef APPLET_TOOLS_BASE_INTERRUPTION_H
+#define APPLET_TOOLS_BASE_INTERRUPTION_H
+
+#include <chrono>
+#include <csignal>
+
+namespace appletctl {
+
+/** While one lives, SIGINT and SIGTERM ask for an end, a second one forces it, and a dead pipe is told by
+ * the write. One within another's life asks that other one as well. */
+class Interruption {
+public:
+    using Clock = std::chrono::steady_clock;
+
+    Interruption();
+    ~Interruption();
+    Interruption(const Interruption&) = delete;
+    Interruption& operator=(const Interruption&) = delete;
+
+    bool isAsked() const;
+    /** Waits until `due`. False when it is time to end: a signal came, or nobody reads the output any more.
+     * */
+    bool waitUntil(Clock::time_point due) const;
+
+private:
+    struct sigaction m_before[3] = {};
+};
+
+} // namespace appletctl
+
+#endif

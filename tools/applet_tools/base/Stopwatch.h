@@ -1,0 +1,27 @@
+/** How long something takes. */
+#ifndef APPLET_TOOLS_BASE_STOPWATCH_H
+#define APPLET_TOOLS_BASE_STOPWATCH_H
+
+#include <chrono>
+#include <string>
+
+namespace appletctl {
+
+class Stopwatch {
+public:
+    double milliseconds() const {
+        return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - m_start).count();
+    }
+    /** "3.2 ms". */
+    std::string text() const {
+        const auto tenths = static_cast<long long>(milliseconds() * 10 + 0.5);
+        return std::to_string(tenths / 10) + "." + std::to_string(tenths % 10) + " ms";
+    }
+
+private:
+    std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
+};
+
+} // namespace appletctl
+
+#endif

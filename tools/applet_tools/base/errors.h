@@ -1,0 +1,49 @@
+/** Failures that end a command, and the applet's result codes in words. */
+#ifndef APPLET_TOOLS_BASE_ERRORS_H
+#define APPLET_TOOLS_BASE_ERRORS_H
+
+#include <nlohmann/json.hpp>
+
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace appletctl {
+
+enum ExitCode {
+    exitDone = 0,
+    exitRefused = 1,
+    exitDifferent = 1, /**< of "diff" */
+    exitUsage = 2,
+    exitUnavailable = 3, /**< applet, runtime, loader or board are not to be had */
+    exitInterrupted = 130
+};
+
+/** The caller asked for something that makes no sense; nothing was done. */
+struct UsageError : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+/** The applet or the board could not do what was asked. */
+struct Failure : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+/** The applet or a board is not to be had. */
+struct Unavailable : Failure {
+    using Failure::Failure;
+};
+
+/** "-6000, value out of range". */
+std::string codeInWords(int code);
+
+/** The code that a number or a symbol such as "FG_ERR_OUT_OF_RANGE" stands for. */
+std::optional<int> codeFrom(std::string_view word);
+
+/** {"code": -6000, "symbol": "FG_ERR_OUT_OF_RANGE", "meaning": "value out of range"}. */
+nlohmann::ordered_json codeAsJson(int code);
+
+} // namespace appletctl
+
+#endif

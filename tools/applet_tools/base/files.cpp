@@ -1,0 +1,227 @@
+#include "applet_tools/base/files.h"
+
+#include "applet_tools/base/errors.h"
+#include "applet_tools/base/numbers.h"
+#include "applet_tools/base/text.h"
+
+#include <fcntl.h>
+#include <sys/random.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdint>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <vector>
+
+namespace appletctl {
+namespace {
+
+namespace fs = std::filesystem;
+
+[[noreturn]] void fail(const std::string& file, const std::string& reason) {
+    throw Failure(inQuotes(toUtf8(file.c_str())) + " cannot be written: " + reason);
+}
+
+/** With errno as the reason. */
+[[noreturn]] void fail(const std::string& file) { fail(file, std::strerror(errno)); }
+
+/** The folder of the path, which may have none. */
+fs::path folderOf(const fs::path& path) {
+    return path.has_parent_path() ? path.parent_path() : fs::path(".");
+}
+
+fs::path canonicalFolderOf(const fs::path& path) {
+    std::error_code ignored;
+    return fs::canonical(folderOf(path), ignored);
+}
+
+/** The links of /proc, such as those behind /dev/stdout, lead to open files, and their texts are no paths. */
+bool isInProc(const fs::path& path) { return canonicalFolderOf(path).string().starts_with("/proc/"); }
+
+/** Follows the symbolic links at the end of the path. */
+fs::path behindLinks(fs::path path) {
+    constexpr int mostLinks = 40;
+    std::error_code error;
+    for (int i = 0; i < mostLinks && fs::is_symlink(path, error) && !isInProc(path); ++i)
+        path = path.parent_path() / fs::read_symlink(path, error);
+    return path;
+}
+
+/** The number of an open file of this process, for a path such as /dev/stdout or /dev/fd/7. */
+std::optional<int> ownDescriptor(const fs::path& path) {
+    std::error_code error;
+    if (canonicalFolderOf(path) != fs::canonical("/proc/self/fd", error) || error) return std::nullopt;
+    return wholeNumber<int>(path.filename().string());
+}
+
+/** Keeps the signals that end the program waiting, so that no half-made file is left behind. */
+class SignalsHeldBack {
+public:
+    SignalsHeldBack() {
+        sigset_t ending;
+        sigemptyset(&ending);
+        for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM})
+            sigaddset(&ending, signal);
+        pthread_sigmask(SIG_BLOCK, &ending, &m_before);
+    }
+    ~SignalsHeldBack() { pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
+    SignalsHeldBack(const SignalsHeldBack&) = delete;
+    SignalsHeldBack& operator=(const SignalsHeldBack&) = delete;
+
+private:
+    sigset_t m_before{};
+};
+
+/** A new file that is to take the place of another one in the same folder. It has no name while it is written, where
+ *  the file system can do that: then nothing is left of it if the program is killed meanwhile. */
+class Replacement {
+public:
+    explicit Replacement(fs::path target) : m_target(std::move(target)) {
+        requireWritableTarget();
+        const fs::path folder = folderOf(m_target);
+        m_descriptor = open(folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, modeOfNewFile);
+        if (m_descriptor < 0 && (errno == EOPNOTSUPP || errno == EISDIR || errno == EINVAL)) {
+            m_temporary = unusedName();
+            m_descriptor = open(m_temporary.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, modeOfNewFile);
+        }
+        if (m_descriptor >= 0) return;
+        const std::string reason = std::strerror(errno);
+        fail(m_target,
+             "no file can be made in its folder " + inQuotes(toUtf8(folder.c_str())) + ": " + reason);
+    }
+    ~Replacement() {
+        close(m_descriptor);
+        if (!m_temporary.empty()) unlink(m_temporary.c_str());
+    }
+    Replacement(const Replacement&) = delete;
+    Replacement& operator=(const Replacement&) = delete;
+
+    void write(const std::string& content) {
+        if (!writeAll(m_descriptor, content) || !keepAttributes() || fsync(m_descriptor) != 0) fail(m_target);
+    }
+
+    void takePlace() {
+        if (m_temporary.empty()) giveName();
+        if (rename(m_temporary.c_str(), m_target.c_str()) != 0) fail(m_target);
+        m_temporary.clear();
+        const int folder = open(folderOf(m_target).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        if (folder < 0) return; // may be written to, but not read
+        fsync(folder);
+        close(folder);
+    }
+
+private:
+    static constexpr mode_t modeOfNewFile = 0666; // less the umask
+
+    void requireWritableTarget() {
+        m_isNew = stat(m_target.c_str(), &m_before) != 0;
+        if (m_isNew && errno != ENOENT) fail(m_target);
+        if (m_isNew && !m_target.has_filename()) fail(m_target, std::strerror(EISDIR));
+        // The folder alone decides on a rename, but a protected file is to stay.
+        if (!m_isNew && faccessat(AT_FDCWD, m_target.c_str(), W_OK, AT_EACCESS) != 0) fail(m_target);
+    }
+
+    bool keepAttributes() {
+        if (m_isNew) return true;
+        // Only root can give a file away; for everybody else the new file is their own.
+        const bool isGiven = fchown(m_descriptor, m_before.st_uid, m_before.st_gid) == 0;
+        const mode_t setIds = isGiven ? 0 : S_ISUID | S_ISGID;
+        return fchmod(m_descriptor, m_before.st_mode & 07777 & ~setIds) == 0;
+    }
+
+    void giveName() {
+        m_temporary = unusedName();
+        const std::string self = "/proc/self/fd/" + numberText(m_descriptor);
+        if (linkat(AT_FDCWD, self.c_str(), AT_FDCWD, m_temporary.c_str(), AT_SYMLINK_FOLLOW) == 0) return;
+        m_temporary.clear();
+        fail(m_target);
+    }
+
+    fs::path unusedName() const {
+        std::uint64_t random = 0;
+        if (getrandom(&random, sizeof random, 0) != sizeof random) fail(m_target);
+        return folderOf(m_target) / (".appletctl-" + numberText(random));
+    }
+
+    fs::path m_target;
+    fs::path m_temporary; // empty while the new file has no name
+    struct stat m_before {};
+    bool m_isNew = true;
+    int m_descriptor = -1;
+};
+
+/** True for what is written to and not replaced. */
+bool isSpecial(const fs::path& path) {
+    struct stat status {};
+    return isInProc(path) || (stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode));
+}
+
+void writeInPlace(const fs::path& path, const std::string& content) {
+    const std::optional<int> own = ownDescriptor(path);
+    const int descriptor =
+        own ? fcntl(*own, F_DUPFD_CLOEXEC, 0) : open(path.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC);
+    if (descriptor < 0) fail(path);
+    const bool isWritten = writeAll(descriptor, content);
+    const int reason = errno;
+    const bool isClosed = close(descriptor) == 0;
+    if (!isWritten) errno = reason;
+    if (!isWritten || !isClosed) fail(path);
+}
+
+} // namespace
+
+std::optional<std::string> textOfFile(const std::string& path) {
+    std::error_code error;
+    if (!fs::is_regular_file(path, error)) return std::nullopt; // a FIFO would wait for a writer
+    const auto size = fs::file_size(path, error);
+    std::ifstream stream(path, std::ios::binary);
+    std::string text;
+    if (!error) text.reserve(size);
+    std::vector<char> part(1 << 16);
+    while (stream.read(part.data(), static_cast<std::streamsize>(part.size())) || stream.gcount() > 0)
+        text.append(part.data(), static_cast<std::size_t>(stream.gcount()));
+    return stream.is_open() && !stream.bad() ? std::optional(std::move(text)) : std::nullopt;
+}
+
+void openStandardStreams() {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        // The lowest free number is the one that open() takes.
+        if (fcntl(stream, F_GETFD) < 0) open("/dev/null", O_RDONLY);
+}
+
+bool writeAll(int descriptor, const std::string& content) {
+    for (std::size_t done = 0; done < content.size();) {
+        const ssize_t count = write(descriptor, content.data() + done, content.size() - done);
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) return false;
+        done += static_cast<std::size_t>(count);
+    }
+    return true;
+}
+
+void writeFile(const std::string& file, const std::string& content) {
+    const fs::path path = behindLinks(file);
+    if (isSpecial(path)) return writeInPlace(path, content);
+    const SignalsHeldBack held;
+    Replacement replacement(path);
+    replacement.write(content);
+    replacement.takePlace();
+}
+
+void requireWritable(const std::string& file) {
+    const fs::path path = behindLinks(file);
+    if (!isSpecial(path)) {
+        const SignalsHeldBack held;
+        const Replacement replacement(path);
+    } else if (fs::is_directory(path)) {
+        fail(path, std::strerror(EISDIR));
+    } else if (!ownDescriptor(path) && faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0) {
+        fail(path);
+    }
+}
+
+} // namespace appletctl

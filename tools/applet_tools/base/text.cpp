@@ -1,0 +1,177 @@
+#include "applet_tools/base/text.h"
+
+#include <algorithm>
+#include <numeric>
+
+namespace appletctl {
+namespace {
+
+unsigned char byteAt(std::string_view text, std::size_t i) { return static_cast<unsigned char>(text[i]); }
+
+bool isContinuation(unsigned char byte) { return (byte & 0xC0) == 0x80; }
+
+/** Length of the UTF-8 sequence at `i`, or 0 where there is none (overlong forms and surrogates included). */
+std::size_t sequenceLength(std::string_view text, std::size_t i) {
+    const unsigned char first = byteAt(text, i);
+    if (first < 0x80) return 1;
+    const std::size_t length = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
+    if (first < 0xC2 || first > 0xF4 || i + length > text.size()) return 0;
+    for (std::size_t k = 1; k < length; ++k)
+        if (!isContinuation(byteAt(text, i + k))) return 0;
+    const unsigned char second = byteAt(text, i + 1);
+    if ((first == 0xE0 && second < 0xA0) || (first == 0xED && second > 0x9F)) return 0;
+    if ((first == 0xF0 && second < 0x90) || (first == 0xF4 && second > 0x8F)) return 0;
+    return length;
+}
+
+bool isUtf8(std::string_view text) {
+    for (std::size_t i = 0; i < text.size();) {
+        const std::size_t length = sequenceLength(text, i);
+        if (length == 0) return false;
+        i += length;
+    }
+    return true;
+}
+
+} // namespace
+
+std::string toUtf8(const char* text) {
+    const std::string_view bytes = text != nullptr ? text : "";
+    if (isUtf8(bytes)) return std::string(bytes);
+    std::string converted;
+    for (const char c : bytes) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte < 0x80) {
+            converted += c;
+        } else {
+            converted += static_cast<char>(0xC0 | (byte >> 6));
+            converted += static_cast<char>(0x80 | (byte & 0x3F));
+        }
+    }
+    return converted;
+}
+
+std::string printable(std::string_view text) {
+    constexpr char digits[] = "0123456789abcdef";
+    std::string shown;
+    const auto escape = [&](unsigned char byte) {
+        shown += "\\x";
+        shown += digits[byte >> 4];
+        shown += digits[byte & 0x0F];
+    };
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const unsigned char byte = byteAt(text, i);
+        // U+0080 to U+009F are control characters as well, and some terminals obey them.
+        const bool isUpperControl =
+            byte == 0xC2 && i + 1 < text.size() && (byteAt(text, i + 1) & 0xE0) == 0x80;
+        if (isUpperControl) {
+            escape(byte);
+            escape(byteAt(text, ++i));
+        } else if (byte < 0x20 || byte == 0x7F) {
+            escape(byte);
+        } else {
+            shown += text[i];
+        }
+    }
+    return shown;
+}
+
+std::string inQuotes(std::string_view text) {
+    std::string marked;
+    for (const char c : text) {
+        if (c == '"' || c == '\\') marked += '\\';
+        marked += c;
+    }
+    return '"' + printable(marked) + '"';
+}
+
+std::size_t displayWidth(std::string_view text) {
+    std::size_t width = 0;
+    bool isInSequence = false;
+    for (const char c : text) {
+        if (c == '\033') isInSequence = true;
+        if (!isInSequence && !isContinuation(static_cast<unsigned char>(c))) ++width;
+        if (c == 'm') isInSequence = false;
+    }
+    return width;
+}
+
+std::string shortened(const std::string& text, std::size_t mostBytes) {
+    if (text.size() <= mostBytes) return text;
+    std::size_t end = mostBytes;
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xc0) == 0x80) // within a character
+        --end;
+    return text.substr(0, end) + "... (" + std::to_string(text.size()) + " bytes)";
+}
+
+std::string inQuotedWord(std::string_view word) {
+    constexpr std::size_t mostBytes = 100;
+    return "'" + shortened(printable(word), mostBytes) + "'";
+}
+
+std::string lowerCase(std::string_view text) {
+    std::string lower(text);
+    for (char& c : lower)
+        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+    return lower;
+}
+
+std::string join(const std::vector<std::string>& parts, std::string_view separator) {
+    std::string joined;
+    for (const std::string& part : parts) {
+        if (&part != &parts.front()) joined += separator;
+        joined += part;
+    }
+    return joined;
+}
+
+std::size_t editDistance(std::string_view a, std::string_view b) {
+    // How far such unlike words are apart is of no use, and their table takes time.
+    constexpr std::size_t farthest = 64;
+    const std::size_t least = std::max(a.size(), b.size()) - std::min(a.size(), b.size());
+    if (least > farthest) return least;
+    std::vector<std::size_t> row(b.size() + 1);
+    std::iota(row.begin(), row.end(), std::size_t{0});
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        std::size_t diagonal = row[0];
+        row[0] = i + 1;
+        for (std::size_t k = 0; k < b.size(); ++k) {
+            const std::size_t replaced = diagonal + (a[i] == b[k] ? 0 : 1);
+            diagonal = row[k + 1];
+            row[k + 1] = std::min({replaced, row[k] + 1, row[k + 1] + 1});
+        }
+    }
+    return row.back();
+}
+
+std::vector<std::string> nearestWords(std::string_view word, const std::vector<std::string>& candidates) {
+    constexpr std::size_t mostWords = 3, ofPart = 2;
+    const auto comparable = [](std::string_view text) {
+        std::string lower = lowerCase(text);
+        return lower.starts_with("fg_") ? lower.substr(3) : lower;
+    };
+    const auto isPartOf = [](const std::string& part, const std::string& whole) {
+        return part.size() > 2 && whole.find(part) != std::string::npos;
+    };
+    const std::string wanted = comparable(word);
+    const std::size_t farthest = std::max<std::size_t>(2, wanted.size() / 3);
+    std::vector<std::pair<std::size_t, std::string>> near;
+    for (const std::string& candidate : candidates) {
+        const std::string known = comparable(candidate);
+        const std::size_t distance =
+            isPartOf(wanted, known) || isPartOf(known, wanted) ? ofPart : editDistance(wanted, known);
+        if (!known.empty() && distance <= farthest) near.emplace_back(distance, candidate);
+    }
+    std::stable_sort(near.begin(), near.end(),
+                     [](const auto& a, const auto& b) { return a.first < b.first; });
+    std::vector<std::string> words;
+    for (const auto& [distance, candidate] : near)
+        if (words.size() < mostWords) words.push_back(candidate);
+    return words;
+}
+
+std::string didYouMean(const std::vector<std::string>& names) {
+    return names.empty() ? "" : "; did you mean " + join(names, " or ") + "?";
+}
+
+} // namespace appletctl

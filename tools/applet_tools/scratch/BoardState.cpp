@@ -1,0 +1,167 @@
+#include "applet_tools/scratch/BoardState.h"
+
+#include "applet_tools/applet/ConfigurationFile.h"
+#include "applet_tools/applet/MemoryFile.h"
+#include "applet_tools/applet/hardware_values.h"
+
+#include "vexo/fg_errors.h"
+
+#include <cmath>
+#include <cstring>
+#include <optional>
+#include <set>
+
+namespace appletctl {
+
+namespace {
+
+/** Sets the parameter if it holds something else, or in any case; true if it took the value. */
+bool bring(Instance& instance, const Parameter& parameter, const json& wanted, bool inAnyCase = false) {
+    const Target target = wholeOf(parameter);
+    return (inAnyCase || !holds(instance, parameter, wanted)) &&
+           writeValue(instance, target, requestFor(parameter, fromMessage(target, wanted))) == FG_OK;
+}
+
+} // namespace
+
+json asBytes(std::string_view bytes) { return json::binary({bytes.begin(), bytes.end()}); }
+
+std::string bytesOf(const json& message) {
+    const auto& bytes = message.get_binary();
+    return {bytes.begin(), bytes.end()};
+}
+
+json asMessage(const Value& value) {
+    return std::visit(
+        [](const auto& native) -> json {
+            using T = std::decay_t<decltype(native)>;
+            if constexpr (std::is_same_v<T, std::string>)
+                return asBytes(native);
+            else if constexpr (std::is_same_v<
+                                   T, Elements>) // a number each would take most of the time of a seed
+                return asBytes(
+                    {reinterpret_cast<const char*>(native.data()), native.size() * sizeof native[0]});
+            else if constexpr (std::is_same_v<T, WholeArray>)
+                return nullptr;
+            else
+                return native;
+        },
+        value);
+}
+
+Value fromMessage(const Target& target, const json& message) {
+    Value value = emptyValue(target);
+    std::visit(
+        [&](auto& native) {
+            using T = std::decay_t<decltype(native)>;
+            if constexpr (std::is_same_v<T, std::string>) {
+                native = bytesOf(message);
+            } else if constexpr (std::is_same_v<T, Elements>) {
+                const auto& bytes = message.get_binary();
+                native.resize(bytes.size() / sizeof native[0]);
+                std::memcpy(native.data(), bytes.data(), native.size() * sizeof native[0]);
+            } else if constexpr (!std::is_same_v<T, WholeArray>) {
+                native = message.get<T>();
+            }
+        },
+        value);
+    return value;
+}
+
+Target wholeOf(const Parameter& parameter) {
+    const std::uint32_t count = elementCount(parameter);
+    if (count == 0) return {&parameter};
+    return {&parameter, ElementRange{0, count - 1}};
+}
+
+bool holds(Instance& instance, const Parameter& parameter, const json& wanted) {
+    const Target target = wholeOf(parameter);
+    const ReadResult reading = readValue(instance, target);
+    return reading.error == FG_OK && reading.value == fromMessage(target, wanted);
+}
+
+Wanted wantedFrom(const ParameterList& parameters, const json& values) {
+    Wanted wanted;
+    for (const Parameter& parameter : parameters.all())
+        if (const auto found = values.find(parameter.name);
+            found != values.end() && !found->is_null() && parameter.effectOfWriting().empty())
+            wanted.emplace_back(&parameter, &*found);
+    return wanted;
+}
+
+void bringAbout(Instance& instance, const Wanted& wanted) {
+    // One value can stand in the way of another, so as long as one more is taken there is another round.
+    constexpr int mostRounds = 8;
+    bool moved = true;
+    for (int round = 0; moved && round < mostRounds; ++round) {
+        moved = false;
+        for (const auto& [parameter, value] : wanted)
+            moved |= bring(instance, *parameter, *value);
+    }
+}
+
+void storeByLoad(Instance& instance, const Wanted& wanted) {
+    std::optional<ConfigurationFile> state;
+    bool isEdited = false;
+    for (const auto& [parameter, value] : wanted) {
+        const bool isWritten = value->is_number() && std::isfinite(value->get<double>());
+        if (!isWritten || holds(instance, *parameter, *value)) continue;
+        if (!state) state.emplace(stateOf(instance));
+        const auto* line = state->values().find(parameter->name);
+        if (line == nullptr) continue;
+        state.emplace(state->textWith(*line, parameter->name + "=" + value->dump() + ";\n"));
+        isEdited = true;
+    }
+    if (!isEdited) return;
+    const MemoryFile file;
+    file.write(state->text());
+    loadConfiguration(instance, file.configurationPath());
+    bringAbout(instance, wanted); // a load computes the tables anew
+}
+
+json valuesOf(Instance& instance, const ParameterList& parameters) {
+    json values = json::object();
+    for (const Parameter& parameter : parameters.all()) {
+        if (!parameter.effectOfReading().empty()) continue;
+        const ReadResult reading = readValue(instance, wholeOf(parameter));
+        if (reading.error == FG_OK) values[parameter.name] = asMessage(reading.value);
+    }
+    return values;
+}
+
+json designOf(Instance& instance) {
+    const ParameterList design(instance, ParameterList::Scope::design);
+    return design.all().empty() ? json() : valuesOf(instance, design);
+}
+
+json boardStateOf(Instance& instance, const ParameterList& parameters) {
+    return {{"design", designOf(instance)},
+            {"values", valuesOf(instance, parameters)},
+            {"loads", loadsOf(instance)}};
+}
+
+json loadsOf(Instance& instance) {
+    json texts = json::array();
+    for (const std::string& text : instance.loads().texts)
+        texts.push_back(asBytes(text));
+    return {{"texts", texts}, {"setSince", instance.loads().setSince}};
+}
+
+void loadAgain(Instance& instance, const Wanted& wanted, const json& loads) {
+    if (loads.at("texts").empty()) return;
+    bringAbout(instance,
+               wanted); // a set afterwards, of what the load leaves alone, would store the value anew
+    for (const json& text : loads.at("texts")) {
+        const MemoryFile file;
+        file.write(bytesOf(text));
+        loadConfiguration(instance, file.configurationPath());
+    }
+    const auto setSince = loads.at("setSince").get<std::set<int>>();
+    for (const auto& [parameter, value] : wanted) {
+        const bool isMode = parameter->kind() == REGISTER_KIND_ENUM;
+        if (!isMode && value->is_number() && setSince.contains(parameter->id))
+            bring(instance, *parameter, *value, true);
+    }
+}
+
+} // namespace appletctl

@@ -1,0 +1,115 @@
+#include "applet_tools/scratch/Context.h"
+
+#include "applet_tools/applet/access_log.h"
+#include "applet_tools/base/Stopwatch.h"
+#include "applet_tools/base/text.h"
+#include "applet_tools/scratch/BoardState.h"
+#include "applet_tools/scratch/ScratchSession.h"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+namespace appletctl {
+
+Context::Context(const Options& options, Scratch scratch, const Program& program)
+    : m_options(options)
+    , m_program(program)
+    , m_publishesDesign(scratch == Scratch::wanted)
+    , m_scratch(scratch != Scratch::none ? std::make_unique<ScratchBoard>(options, program.jobs) : nullptr) {}
+
+Context::~Context() = default;
+
+Instance& Context::instance() {
+    if (m_copy) return m_copy->instance();
+    if (m_instance) return *m_instance;
+    const Stopwatch watch;
+    if (!m_host) m_host = std::make_shared<applet_host::AppletHost>(locationsFor(m_options));
+    Instance& made = m_instance.emplace(
+        m_options, m_host, m_publishesDesign ? DesignParameters::published : DesignParameters::asSwitched);
+    const char* const kind = m_host->isVirtual() ? "virtual board" : "board of the system";
+    m_notes.push_back(std::string(m_options.offline ? "instance without a board" : kind) +
+                      ": brought up in " + watch.text() + ", by " +
+                      inQuotes(toUtf8(m_host->files().back().c_str())));
+    return made;
+}
+
+void Context::restart() {
+    m_parameters.reset();
+    m_instance.reset();
+    instance();
+}
+
+const ParameterList& Context::parameters() {
+    if (m_copy) return m_copy->parameters();
+    if (!m_parameters) m_parameters.emplace(instance());
+    return *m_parameters;
+}
+
+void Context::enterCopy() {
+    auto copy = std::make_unique<ScratchSession>(m_options);
+    const json state = withoutTrace([&] { return boardStateOf(instance(), parameters()); });
+    copy->seed(state);
+    m_copyDesign = state["design"];
+    m_copy = std::move(copy);
+}
+
+void Context::leaveCopy() { m_copy.reset(); }
+
+ScratchBoard& Context::scratch() {
+    json state = withoutTrace([&] { return boardStateOf(instance(), parameters()); });
+    if (m_copy) state["design"] = m_copyDesign; // a copy does not publish it
+    return seeded(state);
+}
+
+ScratchBoard& Context::scratchAtDefaults() {
+    const json design = withoutTrace([&] { return designOf(instance()); });
+    return seeded({{"design", design}, {"values", json::object()}});
+}
+
+ScratchBoard& Context::bareScratch() { return seeded({{"design", nullptr}, {"values", json::object()}}); }
+
+ReadResult Context::read(const Target& target) {
+    ReadResult reading = readValue(instance(), target);
+    reading.isMeasured = !m_options.offline || !isFromBoard(*target.parameter);
+    return reading;
+}
+
+bool Context::isFromBoard(const Parameter& parameter) {
+    if (!m_fromBoard && m_scratch)
+        m_fromBoard = bareScratch().ask("fromBoard", nullptr).get<std::set<std::string>>();
+    return m_fromBoard && m_fromBoard->contains(parameter.name);
+}
+
+Words Context::takeNotes() {
+    Words notes = std::exchange(m_notes, {});
+    if (m_scratch) std::ranges::move(m_scratch->takeNotes(), std::back_inserter(notes));
+    return notes;
+}
+
+json Context::withoutTrace(const std::function<json()>& read) {
+    if (m_isTraced) takeAccesses();
+    const json result = read();
+    if (m_isTraced) logAccesses(instance());
+    return result;
+}
+
+void Context::startTrace() {
+    m_isTraced = true;
+    logAccesses(instance());
+}
+
+Words Context::takeAccesses() {
+    const Words lines = takeWrites(instance());
+    m_accesses.insert(m_accesses.end(), lines.begin(), lines.end());
+    return lines;
+}
+
+ScratchBoard& Context::seeded(const json& seed) {
+    const json answer = m_scratch->seed(seed);
+    m_assumed = answer["assumed"].get<Words>();
+    m_assumedMeasurements = answer["measurements"].get<Words>();
+    return *m_scratch;
+}
+
+} // namespace appletctl

@@ -1,0 +1,108 @@
+/** What the commands of a run stand on. */
+#ifndef APPLET_TOOLS_SCRATCH_CONTEXT_H
+#define APPLET_TOOLS_SCRATCH_CONTEXT_H
+
+#include "applet_tools/applet/ParameterList.h"
+#include "applet_tools/applet/values.h"
+#include "applet_tools/scratch/ScratchBoard.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <set>
+#include <span>
+#include <string>
+
+namespace appletctl {
+
+struct Command;
+class ScratchSession;
+
+/** What the commands and the scratch board need of the parts of the program that are made of them. */
+struct Program {
+    std::span<const JobRow> jobs{};
+    std::span<const Command* const> commands{};
+    std::string (*helpOf)(const Command* command) = nullptr; /**< what --help says; null: of the program */
+};
+
+/** The live applet and the scratch board, each made when it is first asked for. A shell keeps one for all of its
+ *  commands. */
+class Context {
+public:
+    /** A scratch board splits the process, so it has to be wanted here, before any library is loaded. */
+    enum class Scratch {
+        none,
+        withoutDesign, /**< does not know the answers of the live design, which shows no parameters for it */
+        wanted
+    };
+    ~Context();
+    Context(const Context&) = delete;
+    Context& operator=(const Context&) = delete;
+    explicit Context(const Options& options, Scratch scratch = Scratch::none, const Program& program = {});
+
+    const Program& program() const { return m_program; }
+    const Options& options() const { return m_options; }
+    /** The options of the next command. What they say of applet and board has to be what the first ones said. */
+    void setOptions(const Options& options) { m_options = options; }
+    Instance& instance();
+    /** False before the first use, and after a restart that failed. */
+    bool isUp() const { return m_instance.has_value(); }
+    /** A fresh board and a new bring-up of the applet on it, from the libraries that are loaded. Parameters from
+     *  before are gone. */
+    void restart();
+    const ParameterList& parameters();
+    /** Until `leaveCopy` the applet and its parameters are a copy of the live ones on another virtual board, which may
+     *  be changed. Not on a board of the system. */
+    void enterCopy();
+    void leaveCopy();
+    /** False where the command wanted none; the three below may not be called then. */
+    bool hasScratch() const { return m_scratch != nullptr; }
+    /** The scratch board, in the state that the live applet has now. */
+    ScratchBoard& scratch();
+    /** The scratch board with the live design's answers, and the values after the start. */
+    ScratchBoard& scratchAtDefaults();
+    /** The scratch board as the virtual board starts; the live applet is not looked at. */
+    ScratchBoard& bareScratch();
+    /** Reads from the live applet. Offline, what comes from a board is marked as not measured. */
+    ReadResult read(const Target& target);
+    /** What of the scratch board's state was assumed, when it was last asked for. */
+    const Words& assumed() const { return m_assumed; }
+    /** Measured values that were, which no other answer depends on. */
+    const Words& assumedMeasurements() const { return m_assumedMeasurements; }
+
+    /** How the answers came about, in words, since they were last taken. */
+    Words takeNotes();
+
+    /** From now on the live virtual board logs its accesses, those for a seed left out. */
+    void startTrace();
+    /** What was logged since it was last taken. */
+    Words takeAccesses();
+    /** All that was taken. */
+    const Words& accesses() const { return m_accesses; }
+
+private:
+    /** True for what the applet reads from the board or the runtime. */
+    bool isFromBoard(const Parameter& parameter);
+
+    nlohmann::json withoutTrace(const std::function<nlohmann::json()>& read);
+    ScratchBoard& seeded(const nlohmann::json& seed);
+
+    Options m_options;
+    Program m_program;
+    bool m_publishesDesign;
+    std::unique_ptr<ScratchBoard> m_scratch; // null if not wanted
+    std::shared_ptr<const applet_host::AppletHost> m_host;
+    std::optional<Instance> m_instance;
+    std::optional<ParameterList> m_parameters;
+    Words m_assumed, m_assumedMeasurements;
+    std::optional<std::set<std::string>> m_fromBoard; // names; asked for when it is first needed
+    Words m_notes;
+    std::unique_ptr<ScratchSession> m_copy; // null if not wanted
+    nlohmann::json m_copyDesign;            // the answers of the live design
+    bool m_isTraced = false;
+    Words m_accesses;
+};
+
+} // namespace appletctl
+
+#endif

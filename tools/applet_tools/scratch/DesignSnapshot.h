@@ -1,0 +1,44 @@
+/** What the design of a scratch board holds, and what of it is written anew. */
+#ifndef APPLET_TOOLS_SCRATCH_DESIGNSNAPSHOT_H
+#define APPLET_TOOLS_SCRATCH_DESIGNSNAPSHOT_H
+
+#include "applet_tools/scratch/ScratchSession.h"
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace appletctl {
+
+/** A value of the design that became another one. */
+struct DesignChange {
+    std::string parameter; /**< without prefix: "Device1_..." */
+    Value before, after;   /**< numbers; of an array how many elements it has, and how many of them changed */
+
+    bool operator==(const DesignChange&) const = default;
+};
+
+/** Numbers of the design by their names; of an array its elements. */
+class DesignSnapshot {
+public:
+    explicit DesignSnapshot(ScratchSession& session);
+
+    const std::map<std::string, Value>& numbers() const { return m_numbers; }
+    /** What is otherwise in `later`, by name. */
+    std::vector<DesignChange> changesTo(const DesignSnapshot& later) const;
+
+private:
+    std::map<std::string, Value> m_numbers;
+    std::map<std::string, std::vector<std::uint32_t>> m_arrays;
+};
+
+/** "Device1_Process0_Buffer_0_XLength: 1024 -> 2048"; of an array "16384 elements -> 256 others". */
+std::string inWords(const DesignChange& change);
+std::string beforeInWords(const DesignChange& change);
+std::string afterInWords(const DesignChange& change);
+
+nlohmann::ordered_json asJson(const std::vector<DesignChange>& changes);
+
+} // namespace appletctl
+
+#endif

@@ -1,0 +1,180 @@
+#include "applet_tools/scratch/History.h"
+
+#include "applet_tools/applet/hardware_values.h"
+#include "applet_tools/applet/published_limits.h"
+#include "applet_tools/base/text.h"
+
+#include "vexo/fg_errors.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace appletctl {
+namespace {
+
+/** Calls `use` for what the applet writes of the design: the rest is status. */
+template <typename Use> void forWrittenDesign(Instance& instance, Use use) {
+    const ParameterList design(instance, ParameterList::Scope::design);
+    for (const Parameter& parameter : design.all())
+        if (accessWord(parameter) != "ro" && parameter.effectOfReading().empty()) use(parameter);
+}
+
+json writtenDesign(Instance& instance) {
+    json values = json::object();
+    forWrittenDesign(instance, [&](const Parameter& parameter) {
+        const ReadResult reading = readValue(instance, wholeOf(parameter));
+        if (reading.error == FG_OK) values[parameter.name] = asMessage(reading.value);
+    });
+    return values;
+}
+
+/** For what no setter brings back, such as an exposure above a period that was lowered afterwards. */
+void writeDesign(Instance& instance, const json& wanted) {
+    forWrittenDesign(instance, [&](const Parameter& parameter) {
+        const auto value = wanted.find(parameter.name);
+        if (value != wanted.end() && !value->is_null() && !holds(instance, parameter, *value))
+            writeValue(instance, wholeOf(parameter), fromMessage(wholeOf(parameter), *value));
+    });
+}
+
+json accessOf(const ParameterList& parameters) {
+    json access = json::object();
+    for (const Parameter& parameter : parameters.all())
+        if (parameter.record != nullptr) access[parameter.name] = parameter.record->access;
+    return access;
+}
+
+bool allHold(Instance& instance, const Wanted& wanted) {
+    return std::ranges::all_of(
+        wanted, [&](const auto& value) { return holds(instance, *value.first, *value.second); });
+}
+
+/** A rate that the present mode computes, for one. */
+bool isComputedNow(const Parameter& parameter) {
+    return parameter.kind() == REGISTER_KIND_DOUBLE && accessWord(parameter) == "ro";
+}
+
+Words differingNames(const json& a, const json& b) {
+    Words names;
+    for (const auto& [name, value] : a.items())
+        if (const auto other = b.find(name); other != b.end() && *other != value) names.push_back(name);
+    return names;
+}
+
+std::string designName(const std::string& published) { return published.substr(designPrefix.size()); }
+
+std::string designText(const json& value) { return value.is_number() ? value.dump() : "other contents"; }
+
+} // namespace
+
+const std::set<std::string>& History::settable() {
+    if (!m_settable.empty()) return m_settable;
+    for (const json& row : m_context.scratchAtDefaults().ask("defaults", nullptr))
+        m_settable.insert(row.at("name").get<std::string>());
+    return m_settable;
+}
+
+History::Moment History::now() {
+    Instance& instance = m_context.instance();
+    Moment moment{valuesOf(instance, m_context.parameters()), writtenDesign(instance),
+                  accessOf(m_context.parameters())};
+    return moment;
+}
+
+void History::begin(const std::string& line) {
+    try {
+        m_begin = now();
+        m_begin->line = line;
+    } catch (const std::runtime_error&) { // no applet, which the command then says
+        m_begin.reset();
+    }
+}
+
+void History::end() {
+    if (!m_begin || !m_context.isUp()) return;
+    const Moment after = now();
+    const auto isSettable = [&](const std::string& name) { return settable().contains(name); };
+    const bool isChanged = after.design != m_begin->design ||
+                           std::ranges::any_of(differingNames(m_begin->values, after.values), isSettable);
+    if (isChanged) m_steps.push_back(std::move(*m_begin));
+    m_begin.reset();
+}
+
+Wanted History::wantedValues(const Moment& moment) {
+    Wanted wanted = wantedFrom(m_context.parameters(), moment.values);
+    std::erase_if(wanted, [&](const auto& value) {
+        const std::string& name = value.first->name;
+        return name.starts_with(designPrefix) || !settable().contains(name);
+    });
+    return wanted;
+}
+
+/** The values hold, and yet access or design differ: a refused set may have moved them before it failed, or the
+ *  parameter does not read what it was set to. Modes are set again only for the access, which they move. */
+void History::rewrite(const Wanted& wanted, bool withModes) {
+    Instance& instance = m_context.instance();
+    for (const auto& [parameter, value] : wanted) {
+        const bool isMode = parameter->kind() == REGISTER_KIND_ENUM;
+        if (value->is_number() && !isComputedNow(*parameter) && (withModes || !isMode))
+            writeValue(instance, {parameter}, requestFor(*parameter, fromMessage({parameter}, *value)));
+    }
+    bringAbout(instance, wanted);
+}
+
+Report History::undo() {
+    if (m_steps.empty()) return failureReport("usage", "there is nothing to undo", exitUsage);
+    const Moment wanted = std::move(m_steps.back());
+    m_steps.pop_back();
+    const Moment before = now();
+    const Wanted values = wantedValues(wanted);
+    Instance& instance = m_context.instance();
+    bringAbout(instance, values);
+    if (!allHold(instance, values)) storeByLoad(instance, values);
+    const Moment reached = now();
+    const bool hasAccess = reached.access == wanted.access;
+    if (!hasAccess || reached.design != wanted.design) rewrite(values, !hasAccess);
+    writeDesign(instance, wanted.design);
+    return reportOf(before, wanted);
+}
+
+/** True for a rate of the simulator that a load of a file has moved by one cycle of its clock. */
+bool History::isNextCycle(const std::string& name, const Moment& before, const Moment& wanted) {
+    constexpr const char *line = "FG_CAMERASIMULATOR_LINERATE", *frame = "FG_CAMERASIMULATOR_FRAMERATE";
+    if (name != line && name != frame) return false;
+    const Target target{&m_context.parameters().find(line)};
+    return areNeighbours(*target.parameter, fromMessage(target, before.values.at(line)),
+                         fromMessage(target, wanted.values.at(line)));
+}
+
+Report History::reportOf(const Moment& before, const Moment& wanted) {
+    Report report;
+    report.document["undone"] = toUtf8(wanted.line.c_str());
+    report.text = forPerson("Undone: " + printable(toUtf8(wanted.line.c_str())) + "\n");
+    const Moment reached = now();
+    auto& rows = report.document["parameters"] = nlohmann::ordered_json::array();
+    for (const std::string& name : differingNames(before.values, wanted.values)) {
+        if (!settable().contains(name)) continue;
+        const Target target = {&m_context.parameters().find(name)};
+        const ReadResult reading = readValue(m_context.instance(), target);
+        rows.push_back(readingAsJson(target, reading));
+        if (isNextCycle(name, before, wanted)) continue;
+        report.text += valueLine(target, reading.value);
+    }
+    if (rows.empty())
+        for (const std::string& name : differingNames(before.design, reached.design))
+            report.text += designName(name) + ": " + designText(before.design[name]) + " -> " +
+                           designText(reached.design[name]) + '\n';
+    Words others;
+    for (const std::string& name : differingNames(wanted.values, reached.values))
+        if (settable().contains(name)) others.push_back(name);
+    for (const std::string& name : differingNames(wanted.access, reached.access))
+        others.push_back("the access of " + name);
+    for (const std::string& name : differingNames(wanted.design, reached.design))
+        others.push_back(designName(name) + " of the design");
+    if (others.empty()) return report;
+    report.problems.push_back("not as before: " + join(others, ", "));
+    report.exitCode = exitRefused;
+    return report;
+}
+
+} // namespace appletctl

@@ -1,0 +1,252 @@
+#include "applet_tools/scratch/Probe.h"
+
+#include "applet_tools/applet/hardware_values.h"
+#include "applet_tools/base/text.h"
+
+#include "vexo/fg_errors.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <limits>
+#include <type_traits>
+
+namespace appletctl {
+namespace {
+
+/** Calls `use` with the native number; `otherwise` for texts and arrays. */
+template <typename Result, typename Use> Result withNumber(const Value& value, Result otherwise, Use use) {
+    return std::visit(
+        [&](const auto& native) -> Result {
+            if constexpr (std::is_arithmetic_v<std::decay_t<decltype(native)>>)
+                return use(native);
+            else
+                return otherwise;
+        },
+        value);
+}
+
+constexpr std::uint64_t signBit = std::uint64_t{1} << 63;
+
+/** The next number of a grid is the next step. Numbers of a floating-point grid are rounded to what a user would
+ *  type. */
+struct Grid {
+    Value origin;
+    double increment;
+
+    /** A number far outside of the grid, infinite or none has the outermost step or 0: sums and differences of steps
+     *  do not overflow. */
+    std::int64_t stepOf(const Value& value) const {
+        constexpr double outermost = 1e18;
+        return withNumber<std::int64_t>(value, 0, [&](auto number) -> std::int64_t {
+            const double step = (static_cast<double>(number) - first()) / increment;
+            return std::isnan(step) ? 0 : std::llround(std::clamp(step, -outermost, outermost));
+        });
+    }
+    Value at(std::int64_t step) const {
+        const double number = first() + static_cast<double>(step) * increment;
+        return withNumber<Value>(origin, origin, [&](auto like) -> Value {
+            using T = decltype(like);
+            if constexpr (std::is_floating_point_v<T>)
+                return std::round(number * 1e9) / 1e9;
+            else
+                return static_cast<T>(number);
+        });
+    }
+    double first() const {
+        return withNumber<double>(origin, 0, [](auto number) { return static_cast<double>(number); });
+    }
+};
+
+/** Nothing where the published steps are none to speak of. */
+std::optional<Grid> gridOf(const std::optional<Limits>& limits) {
+    if (!limits) return std::nullopt;
+    const bool isWhole = !std::holds_alternative<double>(limits->minimum);
+    const double increment =
+        withNumber<double>(limits->increment, 0, [](auto number) { return static_cast<double>(number); });
+    if (isWhole) return Grid{limits->minimum, std::max(1.0, increment)};
+    if (increment < 1e-9) return std::nullopt;
+    return Grid{limits->minimum, increment};
+}
+
+} // namespace
+
+bool isNumber(const Value& value) {
+    return withNumber<bool>(value, false, [](auto) { return true; });
+}
+
+std::uint64_t rankOf(const Value& number) {
+    return withNumber<std::uint64_t>(number, 0, [](auto native) -> std::uint64_t {
+        using T = decltype(native);
+        if constexpr (std::is_floating_point_v<T>) {
+            const auto bits = std::bit_cast<std::uint64_t>(native);
+            return (bits & signBit) != 0 ? ~bits : bits | signBit;
+        } else if constexpr (std::is_signed_v<T>) {
+            return static_cast<std::uint64_t>(static_cast<std::int64_t>(native)) ^ signBit;
+        } else {
+            return native;
+        }
+    });
+}
+
+Value numberAt(std::uint64_t rank, const Value& like) {
+    return withNumber<Value>(like, like, [&](auto native) -> Value {
+        using T = decltype(native);
+        if constexpr (std::is_floating_point_v<T>)
+            return std::bit_cast<double>((rank & signBit) != 0 ? rank ^ signBit : ~rank);
+        else if constexpr (std::is_signed_v<T>)
+            return static_cast<T>(static_cast<std::int64_t>(rank ^ signBit));
+        else
+            return static_cast<T>(rank);
+    });
+}
+
+Probe::Probe(ScratchSession& session) : m_session(session) { begin(); }
+
+void Probe::begin() {
+    // What a probe writes is nobody's business.
+    m_session.instance().board().log_kinds(m_session.instance().device(), 0);
+    m_facts.clear();
+    for (std::size_t place = 0; place < count(); ++place)
+        m_facts.push_back(currentState(place));
+}
+
+std::size_t Probe::placeOf(const Parameter& parameter) const {
+    return static_cast<std::size_t>(&parameter - m_session.parameters().all().data());
+}
+
+ParameterState Probe::currentState(std::size_t place) const {
+    return appletctl::currentState(m_session.instance(), at(place));
+}
+
+int Probe::answer(const Target& target, const Value& value) {
+    const Value before = readValue(m_session.instance(), target).value;
+    const int code = writeValue(m_session.instance(), target, value);
+    if (code == FG_OK) writeValue(m_session.instance(), target, requestFor(*target.parameter, before));
+    return code;
+}
+
+bool Probe::tryChange(const Change& change, const std::function<void()>& look) {
+    const Target target{&at(change.place)};
+    const Value before = readValue(m_session.instance(), target).value;
+    const int code = writeValue(m_session.instance(), target, change.value);
+    ++m_depth;
+    if (code == FG_OK) look();
+    --m_depth;
+    if (code == FG_OK) writeValue(m_session.instance(), target, requestFor(*target.parameter, before));
+    if (readValue(m_session.instance(), target).value != before) restore();
+    return code == FG_OK;
+}
+
+void Probe::restore() {
+    if (m_depth > 0) return;
+    for (std::size_t place = 0; place < count(); ++place) {
+        if (currentState(place) == m_facts[place]) continue;
+        m_session.rewind();
+        begin();
+        return;
+    }
+}
+
+std::vector<Value> Probe::otherValues(std::size_t place) const {
+    std::vector<Value> values;
+    const ParameterState& now = facts(place);
+    if (at(place).record == nullptr || now.error != FG_OK || !isNumber(now.value)) return values;
+    const auto add = [&](const Value& value) {
+        if (value != now.value && std::ranges::find(values, value) == values.end()) values.push_back(value);
+    };
+    for (const Entry& entry : entriesOf(at(place)))
+        if (const auto* held = std::get_if<std::int32_t>(&now.value); held == nullptr || *held != entry.value)
+            values.emplace_back(entry.value);
+    if (!now.limits || now.limits->minimum.index() != now.value.index()) return values;
+    add(now.limits->minimum);
+    add(now.limits->maximum);
+    if (const auto grid = gridOf(now.limits)) {
+        const std::int64_t step = grid->stepOf(now.value), last = grid->stepOf(now.limits->maximum);
+        for (const std::int64_t near : {step / 2, step * 2})
+            if (near > 0 && near < last) add(grid->at(near));
+    }
+    return values;
+}
+
+bool Probe::holdsWith(const Change& change, const std::function<bool()>& condition) {
+    bool holds = false;
+    tryChange(change, [&] { holds = condition(); });
+    return holds;
+}
+
+Value Probe::nearest(const Change& found, const std::function<bool()>& condition) {
+    const auto grid = gridOf(facts(found.place).limits);
+    if (!grid) return found.value;
+    std::int64_t refused = grid->stepOf(facts(found.place).value), held = grid->stepOf(found.value);
+    while (std::abs(held - refused) > 1) {
+        const std::int64_t middle = refused + (held - refused) / 2;
+        (holdsWith({found.place, grid->at(middle)}, condition) ? held : refused) = middle;
+    }
+    const Value value = grid->at(held);
+    return holdsWith({found.place, value}, condition) ? value : found.value;
+}
+
+std::vector<Change> Probe::changesFor(std::size_t excluded, const std::function<bool()>& condition) {
+    std::vector<Change> changes;
+    for (std::size_t place = 0; place < count(); ++place) {
+        if (place == excluded) continue;
+        const bool isEnumeration = at(place).kind() == REGISTER_KIND_ENUM;
+        for (const Value& value : otherValues(place)) {
+            if (!holdsWith({place, value}, condition)) continue;
+            changes.push_back({place, isEnumeration ? value : nearest({place, value}, condition)});
+            if (!isEnumeration) break;
+        }
+        restore();
+    }
+    return changes;
+}
+
+std::vector<std::vector<Change>> Probe::pairsFor(std::size_t excluded,
+                                                 const std::function<bool()>& condition) {
+    std::vector<std::vector<Change>> pairs;
+    const auto isFreed = [&](std::size_t place) {
+        return place != excluded &&
+               ((currentState(place).access & ~facts(place).access) & REGISTER_ACCESS_WRITE) != 0;
+    };
+    const auto lookBehind = [&](const Change& first, std::size_t place) {
+        for (const Value& value : otherValues(place))
+            tryChange({place, value}, [&] {
+                if (condition()) pairs.push_back({first, {place, value}});
+            });
+    };
+    for (std::size_t place = 0; place < count(); ++place) {
+        if (place == excluded || at(place).kind() != REGISTER_KIND_ENUM) continue;
+        for (const Value& value : otherValues(place))
+            tryChange({place, value}, [&] {
+                for (std::size_t second = 0; second < count(); ++second)
+                    if (isFreed(second)) lookBehind({place, value}, second);
+            });
+        restore();
+    }
+    return pairs;
+}
+
+std::vector<std::vector<Change>> Probe::waysTo(std::size_t excluded, const std::function<bool()>& condition) {
+    std::vector<std::vector<Change>> ways;
+    for (const Change& change : changesFor(excluded, condition))
+        ways.push_back({change});
+    return ways.empty() ? pairsFor(excluded, condition) : ways;
+}
+
+std::vector<std::string> Probe::words(const std::vector<std::vector<Change>>& ways) const {
+    std::vector<std::string> texts;
+    for (const std::vector<Change>& way : ways) {
+        std::vector<std::string> steps;
+        for (const Change& change : way)
+            steps.push_back(words(change));
+        texts.push_back(join(steps, " "));
+    }
+    return texts;
+}
+
+std::string Probe::words(const Change& change) const {
+    return at(change.place).name + "=" + exactValueText(at(change.place), change.value);
+}
+
+} // namespace appletctl

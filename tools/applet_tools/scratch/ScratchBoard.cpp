@@ -1,0 +1,237 @@
+#include "applet_tools/scratch/ScratchBoard.h"
+
+#include "applet_tools/applet/Effort.h"
+#include "applet_tools/base/Stopwatch.h"
+#include "applet_tools/base/errors.h"
+#include "applet_tools/base/numbers.h"
+#include "applet_tools/base/text.h"
+#include "applet_tools/scratch/ScratchSession.h"
+#include "appletctl/base/Progress.h"
+#include "appletctl/base/output.h"
+
+#include <poll.h>
+#include <sys/prctl.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <utility>
+#include <vector>
+
+namespace appletctl {
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+/** Moves all bytes by `move`, which is read or write; false at the end of the other side. */
+template <typename Byte, typename Move> bool moveAll(int socket, Byte* bytes, std::size_t count, Move move) {
+    while (count > 0) {
+        const ssize_t moved = move(socket, bytes, count);
+        if (moved < 0 && errno == EINTR) continue;
+        if (moved <= 0) return false;
+        bytes += moved;
+        count -= static_cast<std::size_t>(moved);
+    }
+    return true;
+}
+
+bool send(int socket, const json& message) {
+    const auto write = [](int to, const std::uint8_t* bytes, std::size_t count) {
+        return ::send(to, bytes, count, MSG_NOSIGNAL);
+    };
+    const Bytes bytes = json::to_cbor(message);
+    const std::uint64_t size = bytes.size();
+    Bytes head(sizeof size);
+    std::memcpy(head.data(), &size, sizeof size);
+    return moveAll(socket, head.data(), head.size(), write) &&
+           moveAll(socket, bytes.data(), bytes.size(), write);
+}
+
+bool receive(int socket, json& message) {
+    std::uint64_t size = 0;
+    if (!moveAll(socket, reinterpret_cast<std::uint8_t*>(&size), sizeof size, ::read)) return false;
+    Bytes bytes(size);
+    if (!moveAll(socket, bytes.data(), bytes.size(), ::read)) return false;
+    message = json::from_cbor(bytes);
+    return true;
+}
+
+const JobRow& rowOf(std::span<const JobRow> jobs, const std::string& name) {
+    for (const JobRow& row : jobs)
+        if (name == row.name) return row;
+    throw std::logic_error("no job '" + name + "'");
+}
+
+/** The child's side. */
+class Server {
+public:
+    Server(int socket, const Options& options, std::span<const JobRow> jobs)
+        : m_socket(socket)
+        , m_options(options)
+        , m_jobs(jobs) {}
+
+    json answer(const json& message) {
+        if (const auto seed = message.find("seed"); seed != message.end()) {
+            if (!m_session) begin();
+            m_session->seed(*seed);
+            m_isTouched = false;
+            return {{"assumed", m_session->assumed()}, {"measurements", m_session->assumedMeasurements()}};
+        }
+        if (m_isTouched) m_session->rewind();
+        m_isTouched = true;
+        effort() = {};
+        // A command of a shell may want another output than the one before.
+        Options options = m_options;
+        options.plain = message.at("plain").get<bool>();
+        setOutputMode(options);
+        return rowOf(m_jobs, message.at("job").get<std::string>())
+            .run(m_session.value(), message.at("arguments"));
+    }
+
+private:
+    void begin() {
+        m_session.emplace(m_options);
+        m_session->onProgress = [this](std::size_t done, std::size_t total) {
+            using namespace std::chrono_literals;
+            const auto now = std::chrono::steady_clock::now();
+            if (now - m_lastProgress < 100ms) return;
+            m_lastProgress = now;
+            send(m_socket, {{"progress", numberText(done) + " of " + numberText(total)}});
+        };
+    }
+
+    int m_socket;
+    const Options& m_options;
+    std::span<const JobRow> m_jobs;
+    std::optional<ScratchSession> m_session;
+    std::chrono::steady_clock::time_point m_lastProgress;
+    bool m_isTouched = false; // not in the state of the seed
+};
+
+/** Answers messages until the parent is gone. */
+void serve(int socket, pid_t parent, const Options& options, std::span<const JobRow> jobs) {
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (getppid() != parent) _exit(0); // it ended before the line above
+    std::signal(SIGINT, SIG_IGN);      // Ctrl-C is the parent's matter
+    unsetenv("VBOARD_LOG_LEVEL");      // the log is that of the live board
+    Server server(socket, options, jobs);
+    for (json message; receive(socket, message);) {
+        json answer;
+        try {
+            answer["result"] = server.answer(message);
+            answer["effort"] = {
+                {"sets", effort().sets}, {"loads", effort().loads}, {"bringUps", effort().bringUps}};
+        } catch (const UsageError& error) {
+            answer = {{"usage", error.what()}};
+        } catch (const Unavailable& error) {
+            answer = {{"unavailable", error.what()}};
+        } catch (const applet_host::HostError& error) {
+            answer = {{"unavailable", error.what()}};
+        } catch (const std::exception& error) {
+            answer = {{"failure", error.what()}};
+        }
+        if (!send(socket, answer)) break;
+    }
+}
+
+/** The child's whole life. An exception that left it would go on as a second parent. */
+[[noreturn]] void live(int socket, pid_t parent, const Options& options, std::span<const JobRow> jobs) {
+    try {
+        serve(socket, parent, options, jobs);
+    } catch (const std::exception&) { // no memory for a message; the parent sees the end of the child
+        _exit(exitUnavailable);
+    }
+    _exit(exitDone);
+}
+
+} // namespace
+
+ScratchBoard::ScratchBoard(const Options& options, std::span<const JobRow> jobs) : m_jobs(jobs) {
+    int sockets[2];
+    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, sockets) != 0)
+        throw Unavailable(std::string("no scratch board can be made: ") + std::strerror(errno));
+    const pid_t parent = getpid();
+    m_child = fork();
+    if (m_child == 0) {
+        close(sockets[0]);
+        live(sockets[1], parent, options, jobs);
+    }
+    close(sockets[1]);
+    m_socket = sockets[0];
+    if (m_child < 0) throw Unavailable(std::string("no scratch board can be made: ") + std::strerror(errno));
+}
+
+ScratchBoard::~ScratchBoard() {
+    close(m_socket);
+    if (m_child > 0) waitpid(m_child, nullptr, 0);
+}
+
+json ScratchBoard::seed(const json& seed) {
+    const Stopwatch watch;
+    json told = request({{"seed", seed}})["result"];
+    const auto assumed = told["assumed"].get<Words>();
+    const bool isLive = !seed.at("values").empty();
+    m_notes.push_back(std::string("scratch board: brought to the ") + (isLive ? "live state" : "defaults") +
+                      " in " + watch.text() + (assumed.empty() ? "" : "; assumed: " + join(assumed, ", ")));
+    return told;
+}
+
+json ScratchBoard::ask(const std::string& job, const json& arguments) {
+    const Stopwatch watch;
+    json answer = request({{"job", job}, {"arguments", arguments}, {"plain", isPlainOutput()}});
+    const json& took = answer["effort"];
+    std::string note = std::string("scratch board: asked ") + rowOf(m_jobs, job).words;
+    const auto add = [&](const char* member, const char* words) {
+        if (const auto count = took[member].get<std::size_t>(); count > 0)
+            note += ", " + numberText(count) + words;
+    };
+    add("sets", " values tried");
+    add("loads", " files loaded");
+    add("bringUps", " fresh starts");
+    m_notes.push_back(note + ", " + watch.text());
+    return std::move(answer["result"]);
+}
+
+Words ScratchBoard::takeNotes() { return std::exchange(m_notes, {}); }
+
+namespace {
+
+/** True when there is something to read; false when time is up. */
+bool isReadable(int socket, std::chrono::milliseconds limit) {
+    pollfd one{.fd = socket, .events = POLLIN, .revents = 0};
+    return poll(&one, 1, static_cast<int>(limit.count())) > 0;
+}
+
+/** The final answer; what comes before it is how far the work is. */
+bool receiveAnswer(int socket, Progress& progress, json& answer) {
+    for (;;) {
+        while (!isReadable(socket, progress.interval()))
+            progress.update();
+        if (!receive(socket, answer)) return false;
+        if (!answer.contains("progress")) return true;
+        progress.setDetail(answer["progress"].get<std::string>());
+        progress.update();
+    }
+}
+
+} // namespace
+
+json ScratchBoard::request(const json& message) {
+    json answer;
+    Progress progress("working");
+    if (!send(m_socket, message) || !receiveAnswer(m_socket, progress, answer))
+        throw Failure("the scratch board has ended unexpectedly");
+    if (answer.contains("usage")) throw UsageError(answer["usage"].get<std::string>());
+    if (answer.contains("unavailable")) throw Unavailable(answer["unavailable"].get<std::string>());
+    if (answer.contains("failure"))
+        throw Failure("on the scratch board: " + answer["failure"].get<std::string>());
+    return answer;
+}
+
+} // namespace appletctl

@@ -1,0 +1,47 @@
+/** A virtual board in a child process, on which anything may be tried. */
+#ifndef APPLET_TOOLS_SCRATCH_SCRATCHBOARD_H
+#define APPLET_TOOLS_SCRATCH_SCRATCHBOARD_H
+
+#include "appletctl/base/Options.h"
+
+#include <nlohmann/json.hpp>
+
+#include <span>
+#include <string>
+
+#include <sys/types.h>
+
+namespace appletctl {
+
+struct JobRow;
+
+/** A process of its own, since the virtual board's libraries bear the names of the real ones: one process holds
+ *  only the one or the other. To be made before any library is loaded. The child loads them with the first seed,
+ *  and ends with the object. */
+class ScratchBoard {
+public:
+    ScratchBoard(const Options& options, std::span<const JobRow> jobs);
+    ~ScratchBoard();
+    ScratchBoard(const ScratchBoard&) = delete;
+    ScratchBoard& operator=(const ScratchBoard&) = delete;
+
+    /** The state that each job starts from (see boardStateOf). Gives what of it is assumed (see ScratchSession). */
+    nlohmann::json seed(const nlohmann::json& seed);
+    /** Lets a job of the table find something out; gives its result. What it throws is thrown
+     *  here: UsageError, Unavailable, or Failure for everything else. */
+    nlohmann::json ask(const std::string& job, const nlohmann::json& arguments);
+    /** What was asked and what it took, in words, since they were last taken. */
+    Words takeNotes();
+
+private:
+    nlohmann::json request(const nlohmann::json& message);
+
+    std::span<const JobRow> m_jobs;
+    pid_t m_child = -1;
+    int m_socket = -1;
+    Words m_notes;
+};
+
+} // namespace appletctl
+
+#endif

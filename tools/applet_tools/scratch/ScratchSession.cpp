@@ -1,0 +1,112 @@
+#include "applet_tools/scratch/ScratchSession.h"
+
+#include "applet_tools/applet/access_log.h"
+
+#include "vexo/fg_errors.h"
+
+#include <utility>
+
+namespace appletctl {
+namespace {
+
+/** A scratch board is a virtual one, whatever the live board is. */
+Options onVirtualBoard(Options options) {
+    options.board = BoardKind::virtualBoard;
+    options.offline = false;
+    options.look = false;
+    return options;
+}
+
+std::string designName(const std::string& published) { return published.substr(designPrefix.size()); }
+
+std::string publishedName(const std::string& name) { return std::string(designPrefix) + name; }
+
+/** Puts an answer of the live design on the board. */
+void poke(const applet_host::BoardFunctions& board, LOOMdevice* device, const std::string& name,
+          const json& value) {
+    if (value.is_binary()) {
+        const auto& bytes = value.get_binary();
+        board.poke_text(device, name.c_str(), std::string(bytes.begin(), bytes.end()).c_str());
+    } else if (value.is_number_float()) {
+        board.poke_double(device, name.c_str(), value.get<double>());
+    } else if (value.is_number_integer()) {
+        board.poke_int(device, name.c_str(), value.get<std::int64_t>());
+    }
+}
+
+} // namespace
+
+ScratchSession::ScratchSession(const Options& options)
+    : m_options(onVirtualBoard(options))
+    , m_host(std::make_shared<applet_host::AppletHost>(locationsFor(m_options))) {}
+
+void ScratchSession::seed(json seed) {
+    m_seed = std::move(seed);
+    m_defaults = nullptr;
+    m_host->board().restore_design();
+    if (const json& design = m_seed.at("design"); !design.is_null())
+        for (const std::string& name : designNames())
+            if (!design.contains(publishedName(name))) m_host->board().lack_parameter(name.c_str(), true);
+    rewind();
+}
+
+const std::vector<std::string>& ScratchSession::designNames() {
+    if (!m_designNames.empty()) return m_designNames;
+    Instance complete(m_options, m_host, DesignParameters::published);
+    const ParameterList design(complete, ParameterList::Scope::design);
+    for (const Parameter& parameter : design.all())
+        if (parameter.effectOfReading().empty()) m_designNames.push_back(designName(parameter.name));
+    return m_designNames;
+}
+
+void ScratchSession::rewind() {
+    m_parameters.reset();
+    m_instance.reset();
+    m_instance.emplace(m_options, m_host, DesignParameters::asSwitched,
+                       [this](LOOMdevice* device) { prepareBoard(device); });
+    m_parameters.emplace(*m_instance);
+    setValues();
+    logWrites(*m_instance);
+}
+
+void ScratchSession::keep() {
+    m_seed["values"] = valuesOf(*m_instance, *m_parameters);
+    m_seed["loads"] = loadsOf(*m_instance);
+}
+
+const json& ScratchSession::defaults() {
+    if (!m_defaults.is_null()) return m_defaults;
+    Instance fresh(m_options, m_host, DesignParameters::asSwitched,
+                   [this](LOOMdevice* device) { prepareBoard(device); });
+    m_defaults = valuesOf(fresh, ParameterList(fresh));
+    return m_defaults;
+}
+
+void ScratchSession::prepareBoard(LOOMdevice* device) {
+    m_host->board().log_kinds(device, 0);
+    for (const auto& [name, value] : m_seed.at("design").items())
+        poke(m_host->board(), device, designName(name), value);
+}
+
+void ScratchSession::setValues() {
+    const Wanted wanted = wantedFrom(*m_parameters, m_seed.at("values"));
+    if (const auto loads = m_seed.find("loads"); loads != m_seed.end())
+        loadAgain(*m_instance, wanted, *loads);
+    bringAbout(*m_instance, wanted);
+    storeByLoad(*m_instance, wanted);
+    m_assumed.clear();
+    m_assumedMeasurements.clear();
+    if (m_seed.at("design").is_null()) m_assumed.emplace_back("design");
+    for (const auto& [parameter, value] : wanted)
+        if (!holds(*m_instance, *parameter, *value))
+            (hasSetter(*parameter) ? m_assumed : m_assumedMeasurements).push_back(parameter->name);
+}
+
+/** A parameter without one is measured, or fixed by the design. */
+bool ScratchSession::hasSetter(const Parameter& parameter) {
+    if (elementCount(parameter) > 0 || !parameter.effectOfWriting().empty()) return true;
+    const ReadResult now = readValue(*m_instance, {&parameter});
+    return writeValue(*m_instance, {&parameter}, now.value) != FG_ERR_NOT_AVAILABLE;
+}
+
+} // namespace appletctl

@@ -1,0 +1,103 @@
+#include "applet_tools/scratch/defaults_and_roles.h"
+
+#include "applet_tools/applet/ConfigurationFile.h"
+#include "applet_tools/applet/Effort.h"
+#include "applet_tools/applet/MemoryFile.h"
+#include "applet_tools/applet/access_log.h"
+#include "applet_tools/base/errors.h"
+
+#include "vexo/fg_errors.h"
+
+#include <algorithm>
+
+namespace appletctl {
+namespace {
+
+/** What a configuration file has to do with a parameter. There is no list of keys here: what is saved is seen
+ *  in a file, and a load fails without a key that it reads. */
+class RolesInFile {
+public:
+    explicit RolesInFile(Instance& instance, const ParameterList& parameters) : m_instance(instance) {
+        // So that the loads need neither compute tables nor read a file of tables.
+        writeValue(instance, {&parameters.find("FG_LUT_CUSTOM_FILE")}, std::string());
+        writeValue(instance, {&parameters.find("FG_LUT_TYPE")}, static_cast<std::int32_t>(LUT_TYPE_CUSTOM));
+        m_state.emplace(stateOf(instance));
+    }
+
+    const char* of(const std::string& name) {
+        const auto* line = m_state->values().find(name);
+        if (line == nullptr) return "none";
+        m_file.write(m_state->textWith(*line, ""));
+        ++effort().loads;
+        const int code =
+            m_instance.applet().Fg_loadConfig(m_instance.fg(), m_file.configurationPath().c_str());
+        return code == FG_OK ? "reader" : "restored";
+    }
+
+private:
+    Instance& m_instance;
+    std::optional<ConfigurationFile> m_state;
+    MemoryFile m_file;
+};
+
+bool isSettable(ScratchSession& session, const Target& target) {
+    if (!target.parameter->effectOfWriting().empty()) return true;
+    const ReadResult reading = readValue(session.instance(), target);
+    return writeValue(session.instance(), target, reading.value) != FG_ERR_NOT_AVAILABLE;
+}
+
+} // namespace
+
+json fromBoardJob(ScratchSession& session, const json&) {
+    Instance& instance = session.instance();
+    logAccesses(instance);
+    json names = json::array();
+    for (const Parameter& parameter : session.parameters().all()) {
+        readValue(instance, {&parameter});
+        if (!takeWrites(instance).empty()) names.push_back(parameter.name);
+    }
+    return names;
+}
+
+json defaultsAndRolesJob(ScratchSession& session, const json& arguments) {
+    const json& defaults = session.defaults();
+    const auto names = arguments.at("names").get<std::vector<std::string>>();
+    json defaultsAndRoles = json::object();
+    for (const std::string& name : names) {
+        defaultsAndRoles[name]["start"] = defaults.value(name, json());
+        defaultsAndRoles[name]["settable"] = isSettable(session, session.target(name));
+    }
+    if (!arguments.at("roles").get<bool>()) return defaultsAndRoles;
+    RolesInFile roles(session.instance(), session.parameters());
+    for (std::size_t done = 0; const std::string& name : names) {
+        session.tellProgress(done++, names.size());
+        defaultsAndRoles[name]["fileRole"] = roles.of(name);
+    }
+    return defaultsAndRoles;
+}
+
+std::map<std::string, DefaultAndRole>
+backgroundOf(Context& context, const std::vector<const Parameter*>& parameters, FileRoles roles) {
+    std::vector<std::string> names;
+    for (const Parameter* parameter : parameters)
+        names.push_back(parameter->name);
+    const json answer =
+        context.scratch().ask("defaultsAndRoles", {{"names", names}, {"roles", roles == FileRoles::asked}});
+    std::map<std::string, DefaultAndRole> defaultsAndRoles;
+    for (const Parameter* parameter : parameters) {
+        const json& told = answer.at(parameter->name);
+        DefaultAndRole& known = defaultsAndRoles[parameter->name];
+        if (!told.at("start").is_null()) known.start = fromMessage(wholeOf(*parameter), told["start"]);
+        known.isSettable = told.at("settable").get<bool>();
+        known.fileRole = told.value("fileRole", "");
+    }
+    return defaultsAndRoles;
+}
+
+std::string fileRoleInWords(const std::string& role) {
+    if (role == "restored") return "saved, and restored by a load";
+    if (role == "reader") return "saved for the reader of the file: a load leaves it aside";
+    return role.empty() ? "" : "not saved";
+}
+
+} // namespace appletctl

@@ -1,0 +1,102 @@
+#include "applet_tools/scratch/influences.h"
+
+#include "applet_tools/scratch/Probe.h"
+
+#include "vexo/fg_errors.h"
+
+namespace appletctl {
+namespace {
+
+/** The codes that the setter of an enumeration answers with, entry by entry; empty for other kinds. */
+std::vector<int> answersToEntries(Probe& probe, std::size_t place) {
+    std::vector<int> codes;
+    if (probe.at(place).kind() != REGISTER_KIND_ENUM) return codes;
+    for (const Entry& entry : entriesOf(probe.at(place)))
+        codes.push_back(probe.answer({place, entry.value}));
+    return codes;
+}
+
+/** Values that a limit or the grid should keep out. */
+std::vector<Value> doubtfulValues(const Probe& probe, std::size_t place) {
+    const auto& limits = probe.facts(place).limits;
+    if (!limits || !isNumber(probe.facts(place).value)) return {};
+    std::vector<Value> values{numberAt(rankOf(limits->minimum) + 1, limits->minimum)};
+    const std::uint64_t low = rankOf(limits->minimum), high = rankOf(limits->maximum);
+    if (const Value below = numberAt(low - 1, limits->minimum); rankOf(below) < low) values.push_back(below);
+    if (const Value above = numberAt(high + 1, limits->maximum); rankOf(above) > high)
+        values.push_back(above);
+    return values;
+}
+
+class Search {
+public:
+    explicit Search(ScratchSession& session) : m_probe(session) {
+        for (std::size_t place = 0; place < m_probe.count(); ++place) {
+            m_entries.push_back(answersToEntries(m_probe, place));
+            addCodes(place);
+        }
+        m_probe.restore();
+        for (std::size_t place = 0; place < m_probe.count(); ++place) {
+            session.tellProgress(place, m_probe.count());
+            for (const Value& value : m_probe.otherValues(place))
+                m_probe.tryChange({place, value}, [&] { compareOthers({place, value}); });
+            m_probe.restore();
+        }
+    }
+
+    json answer() const { return {{"influences", m_rows}, {"codes", m_codes}}; }
+
+private:
+    void addCodes(std::size_t place) {
+        std::set<int> codes(m_entries[place].begin(), m_entries[place].end());
+        for (const Value& value : doubtfulValues(m_probe, place))
+            codes.insert(m_probe.answer({place, value}));
+        codes.erase(FG_OK);
+        m_codes[m_probe.at(place).name] = codes;
+    }
+
+    void compareOthers(const Change& change) {
+        for (std::size_t place = 0; place < m_probe.count(); ++place) {
+            if (place == change.place) continue;
+            const Parameter& other = m_probe.at(place);
+            for (const Move& move : movesBetween(other, m_probe.facts(place), m_probe.currentState(place)))
+                add(change, other, move);
+            if (answersToEntries(m_probe, place) != m_entries[place])
+                add(change, other, {"accepted values", "", ""});
+        }
+    }
+
+    void add(const Change& change, const Parameter& other, const Move& move) {
+        const std::string& from = m_probe.at(change.place).name;
+        if (!m_seen.insert({from, other.name, move.what}).second) return;
+        m_rows.push_back({{"from", from},
+                          {"to", other.name},
+                          {"what", move.what},
+                          {"with", m_probe.words(change)},
+                          {"before", move.from},
+                          {"after", move.to}});
+    }
+
+    Probe m_probe;
+    std::vector<std::vector<int>> m_entries; // in the state of the probe
+    std::set<std::vector<std::string>> m_seen;
+    json m_rows = json::array();
+    json m_codes = json::object();
+};
+
+} // namespace
+
+json influencesJob(ScratchSession& session, const json&) { return Search(session).answer(); }
+
+Influences askInfluences(Context& context) {
+    const json answer = context.scratch().ask("influences", nullptr);
+    Influences influences;
+    for (const json& row : answer["influences"])
+        influences.all.push_back(
+            {row["from"], row["to"], row["what"], row["with"], row["before"], row["after"]});
+    for (const auto& [name, codes] : answer["codes"].items())
+        influences.codes[name] = codes.get<std::set<int>>();
+    return influences;
+}
+
+} // namespace appletctl

@@ -1,0 +1,35 @@
+/** What every parameter moves of every other one, measured on the scratch board. */
+#ifndef APPLET_TOOLS_SCRATCH_INFLUENCES_H
+#define APPLET_TOOLS_SCRATCH_INFLUENCES_H
+
+#include "applet_tools/applet/ParameterState.h"
+#include "applet_tools/scratch/Context.h"
+#include "applet_tools/scratch/ScratchSession.h"
+
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace appletctl {
+
+struct Influence {
+    std::string from, to;
+    std::string what;          /**< "value", "limits", "access" or "accepted values" */
+    std::string with;          /**< the first change that was seen to do it: "FG_XOFFSET=64" */
+    std::string before, after; /**< empty for accepted values */
+};
+
+struct Influences {
+    std::vector<Influence> all;
+    std::map<std::string, std::set<int>> codes; /**< with which the setters refused, by parameter */
+};
+
+Influences askInfluences(Context& context);
+
+/** The job of a scratch board that finds them. */
+nlohmann::json influencesJob(ScratchSession& session, const nlohmann::json& nothing);
+
+} // namespace appletctl
+
+#endif

@@ -1,0 +1,116 @@
+#include "applet_tools/scratch/limit_causes.h"
+
+#include "applet_tools/applet/access_log.h"
+#include "applet_tools/base/numbers.h"
+
+#include "vexo/fg_errors.h"
+
+#include <algorithm>
+#include <sstream>
+
+namespace appletctl {
+namespace {
+
+bool isWider(const Value& a, const Value& b, End end) {
+    return end == End::maximum ? rankOf(a) > rankOf(b) : rankOf(a) < rankOf(b);
+}
+
+bool isTaken(Probe& probe, const Subject& subject, const Value& number) {
+    const Value value = subject.elements ? Elements{std::get<std::uint32_t>(number)} : number;
+    return probe.answer(subject.in(probe), value) == FG_OK;
+}
+
+/** For each parameter that sets this end of the range, the change that moves it farthest out. */
+std::vector<Widening> wideningsOf(Probe& probe, const Subject& subject, const Value& behind, End end) {
+    std::vector<Widening> widenings;
+    for (std::size_t place = 0; place < probe.count(); ++place) {
+        if (place == subject.place) continue;
+        std::optional<Widening> best;
+        for (const Value& value : probe.otherValues(place)) {
+            probe.tryChange({place, value}, [&] {
+                if (!isTaken(probe, subject, behind)) return;
+                const auto wider = measuredRange(probe, subject.in(probe));
+                if (wider && (!best || isWider(endOf(*wider, end), best->limit, end)))
+                    best = {{place, value}, endOf(*wider, end)};
+            });
+        }
+        probe.restore();
+        if (best) widenings.push_back(*best);
+    }
+    return widenings;
+}
+
+/** The numbers of the design that a set of the accepted number reads. */
+std::vector<DesignCause> designRead(Probe& probe, const Subject& subject, const Value& accepted) {
+    Instance& instance = probe.session().instance();
+    logAccesses(instance);
+    isTaken(probe, subject, accepted);
+    std::vector<DesignCause> read;
+    for (const std::string& line : takeWrites(instance)) {
+        std::string access, parameter, type, value;
+        std::istringstream(line) >> access >> parameter >> type >> value;
+        const bool isKnown = std::ranges::find(read, parameter, &DesignCause::parameter) != read.end();
+        if (access == "get" && !parameter.starts_with('#') && !isKnown) read.push_back({parameter, value});
+    }
+    instance.board().log_kinds(instance.device(), 0);
+    return read;
+}
+
+/** The design's numbers that set the end: with a larger one the setter takes what lies behind. */
+std::vector<DesignCause> designCausesOf(Probe& probe, const Subject& subject, const MeasuredRange& range,
+                                        const Value& behind, End end) {
+    std::vector<DesignCause> causes;
+    for (const DesignCause& read : designRead(probe, subject, endOf(range, end))) {
+        const auto held = wholeNumber<std::int64_t>(read.value);
+        if (!held) continue;
+        const auto put = [&](std::int64_t value) {
+            Instance& instance = probe.session().instance();
+            return instance.board().poke_int(instance.device(), read.parameter.c_str(), value) == VBOARD_OK;
+        };
+        if (!put(*held + 1)) continue;
+        if (isTaken(probe, subject, behind)) causes.push_back(read);
+        put(*held);
+        probe.restore();
+    }
+    return causes;
+}
+
+} // namespace
+
+LimitCauses causesOf(Probe& probe, const Subject& subject, const MeasuredRange& range, End end) {
+    const auto behind = firstBehind(range, end);
+    if (!behind) return {.parameters = {}, .design = {}, .isEndOfType = true};
+    return {.parameters = wideningsOf(probe, subject, *behind, end),
+            .design = designCausesOf(probe, subject, range, *behind, end)};
+}
+
+std::string shortWords(const DesignCause& cause) {
+    const bool isMemory = cause.parameter.find("DRAM") != std::string::npos;
+    return isMemory ? "the memory of the board" : "the design";
+}
+
+std::string inWords(const DesignCause& cause) {
+    return shortWords(cause) + " (" + cause.parameter + " is " + cause.value + ")";
+}
+
+std::string fixedInWords(const LimitCauses& causes) {
+    if (causes.isEndOfType) return "fixed: the parameter's type ends there";
+    if (!causes.parameters.empty() || !causes.design.empty()) return "";
+    return "fixed: no other parameter and no value of the design that was tried moves it";
+}
+
+nlohmann::ordered_json asJson(const Probe& probe, const LimitCauses& causes, End end) {
+    auto rows = nlohmann::ordered_json::array();
+    for (const Widening& widening : causes.parameters)
+        rows.push_back({{"limit", nameOf(end)},
+                        {"parameter", probe.at(widening.change.place).name},
+                        {"with", probe.words(widening.change)},
+                        {"becomes", numberAsJson(widening.limit)}});
+    for (const DesignCause& cause : causes.design)
+        rows.push_back({{"limit", nameOf(end)}, {"design", cause.parameter}, {"value", cause.value}});
+    return rows;
+}
+
+const char* nameOf(End end) { return end == End::maximum ? "maximum" : "minimum"; }
+
+} // namespace appletctl

@@ -1,0 +1,58 @@
+/** What sets the ends of a parameter's range, found by trying. */
+#ifndef APPLET_TOOLS_SCRATCH_LIMIT_CAUSES_H
+#define APPLET_TOOLS_SCRATCH_LIMIT_CAUSES_H
+
+#include "applet_tools/scratch/measured_range.h"
+
+#include <nlohmann/json.hpp>
+
+#include <string>
+#include <vector>
+
+namespace appletctl {
+
+/** A parameter, or the element of an array, by its place: records do not last (see Probe). */
+struct Subject {
+    std::size_t place;
+    std::optional<ElementRange> elements = std::nullopt;
+    bool isWholeArray = false; // of which the first element is asked
+
+    Target in(const Probe& probe) const { return {&probe.at(place), elements}; }
+};
+
+/** A single change of another parameter, and the limit that there is then. */
+struct Widening {
+    Change change;
+    Value limit;
+};
+
+/** A value of the design that the setter reads, and whose change moves the limit. */
+struct DesignCause {
+    std::string parameter;
+    std::string value;
+};
+
+/** What sets one end of a range. Without any of these the limit is a fixed one. */
+struct LimitCauses {
+    std::vector<Widening> parameters;
+    std::vector<DesignCause> design;
+    bool isEndOfType = false; /**< there are no numbers behind the limit */
+};
+
+LimitCauses causesOf(Probe& probe, const Subject& subject, const MeasuredRange& range, End end);
+
+/** "the memory of the board", "the design". */
+std::string shortWords(const DesignCause& cause);
+/** "the memory of the board (Device1_... is 20)". */
+std::string inWords(const DesignCause& cause);
+/** Why nothing moves the limit; empty where something does. */
+std::string fixedInWords(const LimitCauses& causes);
+
+/** [{"limit": "maximum", "parameter", "with", "becomes"}, {"limit": "maximum", "design", "value"}, ...]. */
+nlohmann::ordered_json asJson(const Probe& probe, const LimitCauses& causes, End end);
+
+const char* nameOf(End end);
+
+} // namespace appletctl
+
+#endif

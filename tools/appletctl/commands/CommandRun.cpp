@@ -1,0 +1,33 @@
+#include "appletctl/commands/CommandRun.h"
+
+#include "applet_tools/base/text.h"
+#include "applet_tools/scratch/refusal.h"
+
+namespace appletctl {
+
+CommandRun::CommandRun(Context& context, const Words& assignments)
+    : instance(context.instance())
+    , parameters(context.parameters())
+    , report(applyLive(context, assignments)) {}
+
+int CommandRun::set(const char* name, const Value& value) {
+    return writeValue(instance, {&parameters.find(name)}, value);
+}
+
+Value CommandRun::get(const char* name) { return valueOf(instance, {&parameters.find(name)}); }
+
+void CommandRun::refuse(const std::string& words) {
+    report.problems.push_back(words);
+    report.exitCode = exitRefused;
+}
+
+Words behindFirst(const Words& words) { return Words(words.begin() + 1, words.end()); }
+
+const std::string& fileOf(const Words& words) {
+    if (words.front().empty()) throw UsageError("the name of the file is empty");
+    return words.front();
+}
+
+std::string shownFile(const std::string& file) { return inQuotes(toUtf8(file.c_str())); }
+
+} // namespace appletctl

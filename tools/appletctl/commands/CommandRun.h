@@ -1,0 +1,39 @@
+/** What commands that take assignments stand on. */
+#ifndef APPLETCTL_COMMANDS_COMMANDRUN_H
+#define APPLETCTL_COMMANDS_COMMANDRUN_H
+
+#include "applet_tools/applet/assignments.h"
+#include "applet_tools/scratch/Context.h"
+
+#include <string>
+
+namespace appletctl {
+
+/** A command at work: an instance with the caller's assignments carried out, and the report so far. */
+struct CommandRun {
+    CommandRun(Context& context, const Words& assignments);
+
+    bool isRefused() const { return report.exitCode != exitDone; }
+    /** Returns the applet's code. */
+    int set(const char* name, const Value& value);
+    /** Throws Failure when the applet does not give the value. */
+    Value get(const char* name);
+    /** Adds the problem; the program exits with 1. */
+    void refuse(const std::string& words);
+
+    Instance& instance;
+    const ParameterList& parameters;
+    Report report;
+};
+
+Words behindFirst(const Words& words);
+
+/** The file that is the first word. Throws UsageError when its name is empty. */
+const std::string& fileOf(const Words& words);
+
+/** The file's name in quotes, fit for a terminal. */
+std::string shownFile(const std::string& file);
+
+} // namespace appletctl
+
+#endif
