@@ -83,8 +83,13 @@ protected:
     Place valueOf(int id, int tag) {
         const Parameter* parameter = find(id);
         if (parameter == nullptr) return Place(std::string(32, '\0').data(), 32);
-        if (parameter->kind == "UIntField" && tag == FG_PARAM_FIELD_ACCESS)
-            return Place::of(FieldParameterAccess{FG_PARAM_UINT32, 0, 1, &element});
+        if (parameter->kind == "UIntField" && tag == FG_PARAM_FIELD_ACCESS) {
+            static FieldParameterAccess run; // its padding is compared as well, and is 0 in a static record
+            run.vtype = FG_PARAM_UINT32;
+            run.count = 1;
+            run.values = &element;
+            return Place::of(run);
+        }
         if (parameter->kind == "UIntField") return Place::of(FieldParameterInt_s{element, 0});
         if (parameter->kind == "Description") return Place("-\0\0\0\0\0\0", 8);
         if (parameter->isText()) {

@@ -316,7 +316,7 @@ TEST(AppletctlCompletion, OffersWhatTheLastWordCanBecome) {
         {{"set", "FG_VANTAGEPOINT=FG_VANTAGEPOINT_B"},
          {"FG_VANTAGEPOINT=FG_VANTAGEPOINT_BOTTOM_RIGHT\t"},
          {"TOP"}},
-        {{"save", "f"}, {}, {"FG_"}},
+        {{"save", "fg_no_such_file"}, {}, {"FG_"}},
         {{"save", "file.mcf", "FG_WID"}, {"FG_WIDTH="}, {}},
         {{"--color", "a"}, {"auto", "always"}, {"never"}},
         {{"list", "--board=s"}, {"--board=system"}, {"virtual"}},

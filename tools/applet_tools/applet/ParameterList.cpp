@@ -128,16 +128,14 @@ const Parameter& ParameterList::find(std::string_view name) const {
         const std::string lower = lowerCase(parameter.name);
         if (lower == wanted || withoutPrefix(lower) == wanted) found.push_back(&parameter);
     }
-    if (found.size() == 1) return *found.front();
-    const std::string shown = inQuotedWord(name);
     if (found.empty()) {
-        std::vector<std::string> meant;
         for (const Parameter& parameter : m_parameters)
             if (lowerCase(parameter.label()) == wanted || std::to_string(parameter.id) == wanted)
-                meant.push_back(parameter.name);
-        throw UsageError("there is no parameter " + shown +
-                         suggestion(meant.empty() ? closestNames(wanted) : meant));
+                found.push_back(&parameter);
     }
+    if (found.size() == 1) return *found.front();
+    const std::string shown = inQuotedWord(name);
+    if (found.empty()) throw UsageError("there is no parameter " + shown + suggestion(closestNames(wanted)));
     std::vector<std::string> names;
     for (const Parameter* parameter : found)
         names.push_back(parameter->name);

@@ -1,5 +1,7 @@
 #include "applet_tools/applet/hardware_values.h"
 
+#include "applet_tools/applet/published_limits.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -93,7 +95,9 @@ bool areNeighbours(const Parameter& parameter, const Value& saved, const Value& 
 
 std::string requestedAndActual(const Parameter& parameter, const Value& requested, const Value& held) {
     const std::string wanted = valueText(parameter, requested);
-    const std::string why = countingOf(parameter);
+    // What is read-only in the present mode reads as that mode has it, whatever was set.
+    const std::string why =
+        accessWord(parameter) == "ro" ? "it is read-only in the present mode" : countingOf(parameter);
     if (wanted != valueText(parameter, held))
         return " (requested " + wanted + (why.empty() ? ")" : "; " + why + ")");
     if (const auto actual = nearestStep(parameter, held))

@@ -106,6 +106,7 @@ Probe::Probe(ScratchSession& session) : m_session(session) { begin(); }
 void Probe::begin() {
     // What a probe writes is nobody's business.
     m_session.instance().board().log_kinds(m_session.instance().device(), 0);
+    m_isTouched = false;
     m_facts.clear();
     for (std::size_t place = 0; place < count(); ++place)
         m_facts.push_back(currentState(place));
@@ -119,9 +120,15 @@ ParameterState Probe::currentState(std::size_t place) const {
     return appletctl::currentState(m_session.instance(), at(place));
 }
 
+int Probe::write(const Target& target, const Value& value) {
+    const int code = writeValue(m_session.instance(), target, value);
+    if (code != FG_ERR_NOT_AVAILABLE) m_isTouched = true; // other refusals may move something
+    return code;
+}
+
 int Probe::answer(const Target& target, const Value& value) {
     const Value before = readValue(m_session.instance(), target).value;
-    const int code = writeValue(m_session.instance(), target, value);
+    const int code = write(target, value);
     if (code == FG_OK) writeValue(m_session.instance(), target, requestFor(*target.parameter, before));
     return code;
 }
@@ -129,7 +136,7 @@ int Probe::answer(const Target& target, const Value& value) {
 bool Probe::tryChange(const Change& change, const std::function<void()>& look) {
     const Target target{&at(change.place)};
     const Value before = readValue(m_session.instance(), target).value;
-    const int code = writeValue(m_session.instance(), target, change.value);
+    const int code = write(target, change.value);
     ++m_depth;
     if (code == FG_OK) look();
     --m_depth;
@@ -139,7 +146,8 @@ bool Probe::tryChange(const Change& change, const std::function<void()>& look) {
 }
 
 void Probe::restore() {
-    if (m_depth > 0) return;
+    if (m_depth > 0 || !m_isTouched) return;
+    m_isTouched = false;
     for (std::size_t place = 0; place < count(); ++place) {
         if (currentState(place) == m_facts[place]) continue;
         m_session.rewind();
@@ -206,8 +214,9 @@ std::vector<std::vector<Change>> Probe::pairsFor(std::size_t excluded,
                                                  const std::function<bool()>& condition) {
     std::vector<std::vector<Change>> pairs;
     const auto isFreed = [&](std::size_t place) {
-        return place != excluded &&
-               ((currentState(place).access & ~facts(place).access) & REGISTER_ACCESS_WRITE) != 0;
+        const RegisterInfo* const record = at(place).record;
+        return place != excluded && record != nullptr &&
+               ((record->access & ~facts(place).access) & REGISTER_ACCESS_WRITE) != 0;
     };
     const auto lookBehind = [&](const Change& first, std::size_t place) {
         for (const Value& value : otherValues(place))

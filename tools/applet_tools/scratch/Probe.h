@@ -72,13 +72,15 @@ public:
 private:
     /** The present state is the one of the probe. */
     void begin();
+    int write(const Target& target, const Value& value);
     std::vector<std::vector<Change>> pairsFor(std::size_t excluded, const std::function<bool()>& condition);
     bool holdsWith(const Change& change, const std::function<bool()>& condition);
     Value nearest(const Change& found, const std::function<bool()>& condition);
 
     ScratchSession& m_session;
     std::vector<ParameterState> m_facts;
-    int m_depth = 0; // of looks within looks
+    int m_depth = 0;          // of looks within looks
+    bool m_isTouched = false; // something was written since the last way back
 };
 
 } // namespace appletctl

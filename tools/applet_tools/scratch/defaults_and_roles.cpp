@@ -87,8 +87,9 @@ backgroundOf(Context& context, const std::vector<const Parameter*>& parameters, 
     for (const Parameter* parameter : parameters) {
         const json& told = answer.at(parameter->name);
         DefaultAndRole& known = defaultsAndRoles[parameter->name];
-        if (!told.at("start").is_null()) known.start = fromMessage(wholeOf(*parameter), told["start"]);
         known.isSettable = told.at("settable").get<bool>();
+        if (known.isSettable && !told.at("start").is_null())
+            known.start = fromMessage(wholeOf(*parameter), told["start"]);
         known.fileRole = told.value("fileRole", "");
     }
     return defaultsAndRoles;

@@ -14,13 +14,13 @@
 namespace appletctl {
 
 struct DefaultAndRole {
-    std::optional<Value> start; /**< after a bring-up; none of what cannot be read freely */
+    std::optional<Value> start; /**< of a setting, after a bring-up; none of what cannot be read freely */
     bool isSettable = false;    /**< false for measurements and other answers: every set is refused */
     std::string fileRole;       /**< "restored", "reader": saved, but a load leaves it aside, "none"; empty if
                                      not asked for */
 
     /** True for a setting that holds something else than after a bring-up. */
-    bool isChanged(const Value& now) const { return isSettable && start && *start != now; }
+    bool isChanged(const Value& now) const { return start && *start != now; }
 };
 
 enum class FileRoles { unasked, asked };

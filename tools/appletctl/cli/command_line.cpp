@@ -97,6 +97,14 @@ Report endParsing(const CLI::App& program, const CLI::ParseError& error) {
 
 /** The request of the command behind "trace"; its own options go before those that stood in front of it. */
 Request tracedRequest(const Request& trace) {
+    if (trace.words.empty())
+        return {trace.options,
+                nullptr,
+                {},
+                failureReport("usage",
+                              "'trace' needs a command with its words, or 'diff' and two files; 'appletctl "
+                              "trace --help' shows the usage",
+                              exitUsage)};
     Request request = parseCommandLine(trace.words, trace.options);
     if (request.command != nullptr && request.command->kind == Command::Kind::prefix)
         return {

@@ -83,7 +83,8 @@ void requireAgreement(const Request& request) {
     if (answer != "y" && answer != "Y" && answer != "yes") throw Failure("nothing was set");
 }
 
-void requireReadable(const std::string& file, Context& context) {
+/** `isAssignmentWanted`: an assignment may be given instead of the file. */
+void requireReadable(const std::string& file, Context& context, bool isAssignmentWanted) {
     struct stat status {};
     const bool isThere = stat(file.c_str(), &status) == 0 && access(file.c_str(), R_OK) == 0;
     std::string reason = isThere ? "" : std::strerror(errno);
@@ -93,17 +94,21 @@ void requireReadable(const std::string& file, Context& context) {
         if (lowerCase(parameter.name) == lowerCase(file) ||
             lowerCase(parameter.name) == "fg_" + lowerCase(file))
             throw UsageError(inQuotedWord(file) +
-                             " is a parameter, and a file or an assignment is wanted: say " + parameter.name +
-                             "=VALUE");
+                             (isAssignmentWanted
+                                  ? " is a parameter, and a file or an assignment is wanted: say " +
+                                        parameter.name + "=VALUE"
+                                  : " is a parameter, and a file is wanted"));
     throw UsageError(inQuotes(toUtf8(file.c_str())) + " is no file that can be read: " + reason);
 }
 
 /** A file that the first word names has to be there before anything is done. */
 void requireFile(const Request& request, Context& context) {
-    const bool isFile = request.command->file == Command::File::read ||
-                        (request.command->file == Command::File::readUnlessAssignment &&
-                         request.words.size() == 1 && !isAssignment(request.words.front()));
-    if (isFile && !request.words.front().empty()) requireReadable(request.words.front(), context);
+    const bool mayBeAssignment = request.command->file == Command::File::readUnlessAssignment;
+    const bool isFile =
+        request.command->file == Command::File::read ||
+        (mayBeAssignment && request.words.size() == 1 && !isAssignment(request.words.front()));
+    if (isFile && !request.words.front().empty())
+        requireReadable(request.words.front(), context, mayBeAssignment);
 }
 
 /** The state that --from and --with ask for, as long as it lives: that of the live applet if this command is all that
@@ -117,7 +122,7 @@ public:
             throw UsageError("--with and --from set values on a virtual board: leave --board and --look out");
         if (!with.file.empty()) {
             requireBoard(options, "--from");
-            requireReadable(with.file, context);
+            requireReadable(with.file, context, false);
         }
         m_isCopy = !isOnlyCommand;
         if (m_isCopy) context.enterCopy();
@@ -168,11 +173,11 @@ Report runCommand(const Request& request, Context& context, bool isOnlyCommand) 
     return traceRun(context, request.command->showsWrites, command);
 }
 
-/** Offline a scratch board tells what would come from a board. */
+/** Offline a scratch board tells what would come from a board; and it explains why a value is refused. */
 Context::Scratch scratchFor(const Request& request) {
-    const Context::Scratch wanted = request.command->scratch;
-    const bool isMissing = wanted == Context::Scratch::none && request.options.offline;
-    return isMissing ? Context::Scratch::withoutDesign : wanted;
+    if (request.command->scratch != Context::Scratch::none) return request.command->scratch;
+    if (!request.options.of<WithOption>().assignments.empty()) return Context::Scratch::wanted;
+    return request.options.offline ? Context::Scratch::withoutDesign : Context::Scratch::none;
 }
 
 bool isSameBoard(const Options& a, const Options& b) {

@@ -24,7 +24,8 @@ const char* const boardNotes = "Without --board system, each run starts a fresh 
 
 namespace {
 
-constexpr std::size_t helpColumn = 28;
+constexpr const char* startWrites =
+    "The start of the applet writes all defaults to it, unless --look is given.";
 
 /** A longer line is hard to read. */
 std::size_t helpWidth() {
@@ -32,6 +33,9 @@ std::size_t helpWidth() {
     const std::size_t width = outputWidth();
     return width == unlimitedWidth ? usual : std::min(width, most);
 }
+
+/** Where the explanations of options and commands begin. */
+std::size_t helpColumn() { return helpWidth() < 60 ? 8 : 28; }
 
 /** The words of the text in lines; `begin` stands in the first one, the others are indented. */
 std::string wrapped(const std::string& begin, const std::string& text, std::size_t indent) {
@@ -51,10 +55,9 @@ std::string wrapped(const std::string& begin, const std::string& text, std::size
 
 std::string entry(const std::string& name, const std::string& help) {
     std::string begin = "  " + name;
-    const std::size_t width = displayWidth(begin);
-    begin +=
-        width + 2 > helpColumn ? "\n" + std::string(helpColumn, ' ') : std::string(helpColumn - width, ' ');
-    return wrapped(begin, help, helpColumn);
+    const std::size_t width = displayWidth(begin), column = helpColumn();
+    begin += width + 2 > column ? "\n" + std::string(column, ' ') : std::string(column - width, ' ');
+    return wrapped(begin, help, column);
 }
 
 std::string optionName(const CLI::Option& option) {
@@ -97,23 +100,44 @@ std::string usageLine(const CLI::App& app, const Command* command) {
     return line + (command->most != 1 ? "...\n" : "\n");
 }
 
-std::string examplesOf(const Command& command) {
+std::string exampleText(const Example& example) {
+    return wrapped("  ", "appletctl " + std::string(example.line), 6) + wrapped("      ", example.help, 6);
+}
+
+/** Of a command its own ones; of a group or the program the first one of each command that has a part of a first look. */
+std::string examplesOf(const CLI::App& app, const Command* command) {
+    static constexpr Example firstSteps[] = {
+        {"list linetrigger", "the parameters of the line trigger, with values and limits"},
+        {"set FG_WIDTH=2048 FG_XOFFSET=64", "set two parameters, in this order"},
+        {"why FG_WIDTH=20000", "why a value is refused, and what to do"},
+        {"save line1.mcf FG_WIDTH=2048", "a configuration file of the defaults and this value"},
+        {"shell", "several commands on one board"},
+    };
     std::string text;
-    for (const Example& example : command.examples)
-        if (example.line != nullptr)
-            text += "  appletctl " + std::string(example.line) + "\n      " + example.help + '\n';
+    if (command != nullptr) {
+        for (const Example& example : command->examples)
+            if (example.line != nullptr) text += exampleText(example);
+    } else if (app.get_parent() == nullptr) {
+        for (const Example& example : firstSteps)
+            text += exampleText(example);
+    } else {
+        for (const CLI::App* below : app.get_subcommands(nullptr))
+            if (const Command* one = commandOf(*below); one != nullptr && one->examples[0].line != nullptr)
+                text += exampleText(one->examples[0]);
+    }
     return text.empty() ? "" : "Examples:\n" + text + '\n';
 }
 
-/** What the command does to a board that is no virtual one. */
+/** What the command does to a board that is no virtual one, besides the defaults that the start of the applet writes. */
 std::string effectOnBoard(const Command& command) {
+    if (command.kind != Command::Kind::plain)
+        return "On a board of the system each of its commands does what it does alone.";
     switch (command.sets) {
     case Command::Sets::nothing:
-        return "On a board of the system it only reads.";
+        return "On a board of the system the command itself only reads.";
     case Command::Sets::assignments:
-        return "On a board of the system it only reads, but for assignments among its words: they are set, "
-               "after a "
-               "question or with --yes.";
+        return "On a board of the system the command itself only reads, but assignments among its words are "
+               "set, after a question or with --yes.";
     case Command::Sets::always:
         return "On a board of the system it sets values, after a question or with --yes.";
     case Command::Sets::afterOwnQuestion:
@@ -179,8 +203,7 @@ std::vector<std::string> choicesOf(const CLI::Option& option) {
 std::string helpText(const CLI::App& app) {
     const Command* command = commandOf(app);
     std::string text = wrapped("", app.get_description() + (command != nullptr ? "." : ""), 0) + '\n';
-    if (command != nullptr) text += examplesOf(*command);
-    text += usageLine(app, command) + '\n';
+    text += examplesOf(app, command) + usageLine(app, command) + '\n';
     if (command == nullptr) text += "Subcommands:\n" + listed(app) + '\n';
     if (command != nullptr && command->argument != nullptr)
         text += "Words:\n" + entry(command->argument, command->argumentHelp) + '\n';
@@ -188,7 +211,8 @@ std::string helpText(const CLI::App& app) {
     const bool isProgram = app.get_parent() == nullptr;
     if (const std::string own = optionsOf(app, isProgram); !own.empty()) text += "Options:\n" + own + '\n';
     if (!isProgram) text += "Options of all commands:\n" + optionsOf(programOf(app), true) + '\n';
-    if (command != nullptr && !isHidden(*command)) text += wrapped("", effectOnBoard(*command), 0);
+    if (command != nullptr && !isHidden(*command))
+        text += wrapped("", effectOnBoard(*command) + ' ' + startWrites, 0);
     if (command != nullptr) return text;
     text += wrapped("", boardNotes, 0) + wrapped("", accessWords, 0) + wrapped("", exitCodes, 0);
     return text + wrapped("",

@@ -3,6 +3,7 @@
 #include "applet_tools/base/Interruption.h"
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"
+#include "appletctl/base/layout.h"
 #include "appletctl/cli/Scenario.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/CommandRun.h"
@@ -41,8 +42,9 @@ std::string stepLine(const Step& step, const TestCase& test) {
     const std::string number = numberText(step.line);
     if (isPlainOutput())
         return lineOf({test.outcome == Outcome::passed ? "ok" : "failed", number, printable(step.text)}, "");
-    return outcome + std::string(number.size() < 5 ? 5 - number.size() : 1, ' ') + number + "  " +
-           printable(step.text) + '\n';
+    return wrapped(outcome + std::string(number.size() < 5 ? 5 - number.size() : 1, ' ') + number + "  " +
+                       printable(step.text) + '\n',
+                   outputWidth());
 }
 
 nlohmann::ordered_json stepAsJson(const Step& step, const TestCase& test) {
@@ -66,9 +68,9 @@ void addSummary(Report& report, const std::string& file, const std::vector<Step>
     auto& rows = report.document["steps"] = nlohmann::ordered_json::array();
     for (std::size_t i = 0; i < steps.size(); ++i)
         rows.push_back(stepAsJson(steps[i], tests[i]));
-    report.text = numberText(tests.size()) + " steps: " + numberText(count(Outcome::passed)) + " ok, " +
-                  numberText(failed) + " failed" +
-                  (skipped > 0 ? ", " + numberText(skipped) + " not done" : "") + '\n';
+    report.text = forPerson(numberText(tests.size()) + " steps: " + numberText(count(Outcome::passed)) +
+                            " ok, " + numberText(failed) + " failed" +
+                            (skipped > 0 ? ", " + numberText(skipped) + " not done" : "") + '\n');
 }
 
 struct RunOptions {

@@ -194,7 +194,8 @@ json depsJob(ScratchSession& session, const json& arguments) {
     Report report;
     startFrom(session, arguments);
     Probe probe(session);
-    const Parameter& parameter = session.parameters().find(arguments.at("name").get<std::string>());
+    const Parameter& parameter =
+        *findTarget(session.parameters(), arguments.at("name").get<std::string>()).parameter;
     const std::string name = parameter.name;
     const Dependencies found(probe, probe.placeOf(parameter));
     report.document = {{"name", name},

@@ -92,8 +92,11 @@ void addWaiting(Context& context, Report& report) {
     for (const auto& why : answer.document["answers"]) {
         const auto ways = why.value("writableWith", Words{});
         rows.push_back({{"name", why.at("name")}, {"writableWith", ways}});
-        report.text += why.at("name").get<std::string>() + " has no effect yet: it is read-only" +
-                       (ways.empty() ? "\n" : " until " + join(ways, " or ") + '\n');
+        const auto name = why.at("name").get<std::string>();
+        report.text += forPerson(
+            ways.empty() ? name + " has no effect now: it is read-only, and no change of another parameter "
+                                  "that was tried makes it writable\n"
+                         : name + " has no effect yet: it is read-only until " + join(ways, " or ") + '\n');
     }
 }
 

@@ -59,7 +59,7 @@ std::vector<Documented> documentedParameters(Context& context) {
             {"kind", kindName(*parameter)},
             {"unit", parameter->unit()},
             {"access", known.isSettable ? "settable" : "read-only"},
-            {"default", known.isSettable && known.start ? valueText(*parameter, *known.start) : ""},
+            {"default", known.start ? valueText(*parameter, *known.start) : ""},
             {"limits at the start", limitsText(*parameter)},
             {"entries", entriesText(*parameter)},
             {"configuration file", fileRoleInWords(known.fileRole)},

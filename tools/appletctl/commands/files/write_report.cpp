@@ -9,6 +9,7 @@
 
 #include <cstdlib>
 #include <ctime>
+#include <optional>
 
 namespace appletctl {
 namespace {
@@ -49,11 +50,12 @@ nlohmann::ordered_json systemInfo() {
             {"system", std::string(name.sysname) + " " + name.release + " " + name.machine}};
 }
 
-std::string linesOf(const nlohmann::ordered_json& object) {
+std::string linesOf(const nlohmann::ordered_json& document, const char* part) {
     std::string text;
-    for (const auto& [key, value] : object.items())
-        text +=
-            "  " + key + ": " + (value.is_null() ? "not set" : printable(value.get<std::string>())) + '\n';
+    for (const auto& [key, value] : document.at(part).items()) {
+        const std::string shown = value.is_null() ? "not set" : printable(value.get<std::string>());
+        text += lineOf({part, key, shown}, "  " + key + ": " + shown);
+    }
     return text;
 }
 
@@ -85,20 +87,20 @@ Report writeReport(Context& context, const Words& assignments) {
     Report done = runCommandNamed(context, "set", assignments);
     if (done.exitCode != exitDone) return done;
     Report report;
-    report.isVerbatim = true;
-    const OutputForFile layout;
+    std::optional<OutputForFile> layout;
+    if (file) layout.emplace();
     auto& document = report.document;
     document["about"] = systemInfo();
     document["environment"] = environment();
-    std::string text = "Report of appletctl\n" + linesOf(document["about"]) + "\nEnvironment\n" +
-                       linesOf(document["environment"]);
-    if (!assignments.empty()) text += "\nAssignments\n" + done.text;
+    std::string text = forPerson("Report of appletctl\n") + linesOf(document, "about") +
+                       forPerson("\nEnvironment\n") + linesOf(document, "environment");
+    if (!assignments.empty()) text += forPerson("\nAssignments\n") + done.text;
     for (const Section& section : sections) {
         const Report part = partOf(context, section);
         document[section.key] = part.document;
-        text += std::string("\n") + section.title + "\n\n" + part.text;
+        text += forPerson(std::string("\n") + section.title + "\n\n") + part.text;
         for (const std::string& problem : part.problems)
-            text += problem + '\n';
+            text += lineOf({section.key, "problem", problem}, problem);
     }
     if (!file) {
         report.text = text;

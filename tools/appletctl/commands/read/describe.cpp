@@ -20,23 +20,27 @@ std::string accessInWords(const Parameter& parameter) {
 Report describeParameters(Context& context, const Words& names) {
     Instance& instance = context.instance();
     const ParameterList& parameters = context.parameters();
+    std::vector<Target> targets;
     std::vector<const Parameter*> wanted;
-    for (const std::string& name : names)
-        wanted.push_back(&parameters.find(name));
+    for (const std::string& name : names) {
+        targets.push_back(findTarget(parameters, name));
+        wanted.push_back(targets.back().parameter);
+    }
 
     const auto defaultsAndRoles = backgroundOf(context, wanted, FileRoles::asked);
     Report report;
     report.document["parameters"] = nlohmann::ordered_json::array();
     Table table;
-    for (const Parameter* parameter : wanted) {
-        const ReadResult reading = context.read({parameter});
+    for (const Target& target : targets) {
+        const Parameter* const parameter = target.parameter;
+        const ReadResult reading = context.read(target);
         const std::string text = explanationOf(instance, *parameter);
         nlohmann::ordered_json row;
         addDescription(row, *parameter);
         if (!reading.isMeasured)
             addNotMeasured(row);
         else if (reading.error == FG_OK)
-            addValue(row, {parameter}, reading.value);
+            addValue(row, target, reading.value);
         else
             row["error"] = codeAsJson(reading.error);
         const DefaultAndRole& known = defaultsAndRoles.at(parameter->name);
@@ -49,7 +53,7 @@ Report describeParameters(Context& context, const Words& names) {
         const auto addLine = [&](const char* title, const std::string& content) {
             if (!content.empty()) table.addRow({title, printable(content)});
         };
-        table.addSubject(parameter->name);
+        table.addSubject(target.name());
         addLine("label", parameter->label());
         addLine("id", numberText(parameter->id));
         addLine("group", parameter->path());

@@ -59,7 +59,9 @@ Report getParameters(Context& context, const Words& names) {
         const ReadResult reading = context.read(target);
         report.document["parameters"].push_back(readingAsJson(target, reading));
         if (!reading.isMeasured) {
-            report.text += options.isRaw ? "-\n" : target.name() + " = " + notMeasuredText + "\n";
+            report.text += options.isRaw ? "-\n"
+                                         : lineOf({target.name(), "-", target.parameter->unit()},
+                                                  target.name() + " = " + notMeasuredText);
         } else if (reading.error == FG_OK) {
             report.text += options.isRaw ? rawLines(reading.value) : valueLines(target, reading.value);
         } else {

@@ -321,6 +321,16 @@ void addWatchOptions(CLI::App& command, Options& options) {
     command.add_flag("-g,--group", own.areGroups, "The names are groups: all their parameters");
 }
 
+/** A condition on what is never measured would never hold unnoticed. */
+void requireMeasured(Context& context, const Conditions& conditions) {
+    if (!context.options().offline) return;
+    for (const Condition& condition : conditions)
+        for (const Target& target : condition.targets())
+            if (!context.read(target).isMeasured)
+                throw UsageError("the condition asks for " + target.name() +
+                                 ", which is not measured: offline there is no board");
+}
+
 Report watchParameters(Context& context, const Words& names) {
     const Options& options = context.options();
     const auto& own = options.of<WatchOptions>();
@@ -330,6 +340,8 @@ Report watchParameters(Context& context, const Words& names) {
     if (!own.failIf.empty()) failures.emplace_back(parameters, own.failIf);
     if (!own.alarmIf.empty()) alarms.emplace_back(parameters, own.alarmIf);
     if (own.isAlarmedByLostLines) alarms.emplace_back(parameters, "FG_OVERFLOW != 0");
+    requireMeasured(context, failures);
+    requireMeasured(context, alarms);
     const std::vector<Target> named =
         own.areGroups ? targetsOfGroups(parameters, names) : findTargets(parameters, names);
     Round round{.number = 0, .elapsed = {}, .watched = watchedTargets(named, failures, alarms)};
