@@ -16,13 +16,15 @@
 namespace appletctl {
 
 struct Command;
+struct HelpPage;
 class ScratchSession;
+struct HelpPage;
 
 /** What the commands and the scratch board need of the parts of the program that are made of them. */
 struct Program {
     std::span<const JobRow> jobs{};
     std::span<const Command* const> commands{};
-    std::string (*helpOf)(const Command* command) = nullptr; /**< what --help says; null: of the program */
+    HelpPage (*helpOf)(const Command* command) = nullptr; /**< null: of the program */
 };
 
 /** The live applet and the scratch board, each made when it is first asked for. A shell keeps one for all of its

@@ -65,6 +65,8 @@ void addGlobalOptions(CLI::App& program, Options& options) {
     program.add_flag("-v,--verbose", options.verbose, "Say on the error output how the answer came about");
 }
 
+constexpr const char* programDescription = "Shows and sets the parameters of the applet.";
+
 /** The command that was reached, down to the last word that names one. */
 const CLI::App& reached(const CLI::App& app) {
     const auto below = app.get_subcommands();
@@ -90,7 +92,7 @@ Report endParsing(const CLI::App& program, const CLI::ParseError& error) {
     if (isUnknown || (!isHelp && dynamic_cast<const CLI::CallForVersion*>(&error) == nullptr))
         return failureReport("usage", usageError(program, app, error), exitUsage);
     Report report;
-    report.text = isHelp ? helpText(app) : APPLETCTL_VERSION "\n";
+    report.text = isHelp ? helpText(helpPageOf(app)) : APPLETCTL_VERSION "\n";
     report.document["text"] = report.text;
     return report;
 }
@@ -146,10 +148,14 @@ Words wordsOf(const Command& command) {
     return {command.group->name, command.name};
 }
 
-std::string helpOf(const Command* command) {
-    Words words = command != nullptr ? wordsOf(*command) : Words{};
-    words.emplace_back("--help");
-    return parseCommandLine(words).outcome.text;
+HelpPage helpOf(const Command* command) {
+    Request ignored;
+    CLI::App program(programDescription, "appletctl");
+    addCommandsTo(program, ignored);
+    const CLI::App* app = &program;
+    for (const std::string& word : command != nullptr ? wordsOf(*command) : Words{})
+        app = app->get_subcommand(word);
+    return helpPageOf(*app);
 }
 
 void addCommandsTo(CLI::App& program, Request& request) {
@@ -164,7 +170,7 @@ void addCommandsTo(CLI::App& program, Request& request) {
 
 Request parseCommandLine(const Words& words, const Options& options) {
     Request request{.options = options, .command = nullptr, .words = {}, .outcome = {}};
-    CLI::App program("Shows and sets the parameters of the applet.", "appletctl");
+    CLI::App program(programDescription, "appletctl");
     addCommandsTo(program, request);
     try {
         program.parse(Words(words.rbegin(), words.rend()));

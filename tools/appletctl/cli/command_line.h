@@ -26,8 +26,8 @@ std::string nameOf(const Request& request);
 /** The name of a command as words of a command line: {"lut", "show"}. */
 Words wordsOf(const Command& command);
 
-/** What --help says; null: of the program. */
-std::string helpOf(const Command* command);
+/** What is to be said of the command; null: of the program. */
+HelpPage helpOf(const Command* command);
 
 /** Makes the program's commands and options, which write to the request. */
 void addCommandsTo(CLI::App& program, Request& request);

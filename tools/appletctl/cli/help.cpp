@@ -71,14 +71,14 @@ std::string optionName(const CLI::Option& option) {
     return name + " " + type.substr(0, type.find(':'));
 }
 
-std::string optionsOf(const CLI::App& app, bool withHelp) {
-    std::string text;
+std::vector<HelpEntry> optionsOf(const CLI::App& app, bool withHelp) {
+    std::vector<HelpEntry> options;
     for (const CLI::Option* option : app.get_options()) {
         if (option->get_positional() || option->get_group().empty()) continue;
         if (!withHelp && option == app.get_help_ptr()) continue;
-        text += entry(optionName(*option), option->get_description());
+        options.push_back({optionName(*option), option->get_description()});
     }
-    return text;
+    return options;
 }
 
 std::string fullNameOf(const CLI::App& app) {
@@ -90,42 +90,39 @@ const CLI::App& programOf(const CLI::App& app) {
     return app.get_parent() == nullptr ? app : programOf(*app.get_parent());
 }
 
-std::string usageLine(const CLI::App& app, const Command* command) {
-    std::string line = "Usage: " + fullNameOf(app) + " [OPTIONS]";
-    if (command == nullptr) return line + " COMMAND ...\n";
-    if (command->argument == nullptr) return line + '\n';
+std::string usageOf(const CLI::App& app, const Command* command) {
+    std::string line = fullNameOf(app) + " [OPTIONS]";
+    if (command == nullptr) return line + " COMMAND ...";
+    if (command->argument == nullptr) return line;
     const std::string word = command->argument;
     const bool isOptional = command->fewest == 0 && command->kind != Command::Kind::prefix;
     line += isOptional ? " [" + word + "]" : " " + word;
-    return line + (command->most != 1 ? "...\n" : "\n");
+    return line + (command->most != 1 ? "..." : "");
 }
 
-std::string exampleText(const Example& example) {
-    return wrapped("  ", "appletctl " + std::string(example.line), 6) + wrapped("      ", example.help, 6);
-}
+constexpr Example firstSteps[] = {
+    {"list linetrigger", "the parameters of the line trigger, with values and limits"},
+    {"set FG_WIDTH=2048 FG_XOFFSET=64", "set two parameters, in this order"},
+    {"why FG_WIDTH=20000", "why a value is refused, and what to do"},
+    {"save line1.mcf FG_WIDTH=2048", "a configuration file of the defaults and this value"},
+    {"shell", "several commands on one board"},
+};
 
-/** Of a command its own ones; of a group or the program the first one of each command that has a part of a first look. */
-std::string examplesOf(const CLI::App& app, const Command* command) {
-    static constexpr Example firstSteps[] = {
-        {"list linetrigger", "the parameters of the line trigger, with values and limits"},
-        {"set FG_WIDTH=2048 FG_XOFFSET=64", "set two parameters, in this order"},
-        {"why FG_WIDTH=20000", "why a value is refused, and what to do"},
-        {"save line1.mcf FG_WIDTH=2048", "a configuration file of the defaults and this value"},
-        {"shell", "several commands on one board"},
+/** Of a command its own ones, of a group the first one of each of its commands. */
+std::vector<HelpEntry> examplesOf(const CLI::App& app, const Command* command) {
+    std::vector<HelpEntry> examples;
+    const auto add = [&](const Example& example) {
+        if (example.line != nullptr)
+            examples.push_back({"appletctl " + std::string(example.line), example.help});
     };
-    std::string text;
-    if (command != nullptr) {
-        for (const Example& example : command->examples)
-            if (example.line != nullptr) text += exampleText(example);
-    } else if (app.get_parent() == nullptr) {
-        for (const Example& example : firstSteps)
-            text += exampleText(example);
-    } else {
+    if (command != nullptr)
+        std::ranges::for_each(command->examples, add);
+    else if (app.get_parent() == nullptr)
+        std::ranges::for_each(firstSteps, add);
+    else
         for (const CLI::App* below : app.get_subcommands(nullptr))
-            if (const Command* one = commandOf(*below); one != nullptr && one->examples[0].line != nullptr)
-                text += exampleText(one->examples[0]);
-    }
-    return text.empty() ? "" : "Examples:\n" + text + '\n';
+            if (const Command* one = commandOf(*below); one != nullptr) add(one->examples[0]);
+    return examples;
 }
 
 /** What the command does to a board that is no virtual one, besides the defaults that the start of the applet writes. */
@@ -146,11 +143,19 @@ std::string effectOnBoard(const Command& command) {
     return "";
 }
 
-std::string listed(const CLI::App& app) {
-    std::string text;
+std::vector<HelpEntry> commandsOf(const CLI::App& app) {
+    std::vector<HelpEntry> commands;
     for (const CLI::App* below : app.get_subcommands(nullptr))
-        if (!below->get_group().empty()) text += entry(below->get_name(), below->get_description());
-    return text;
+        if (!below->get_group().empty()) commands.push_back({below->get_name(), below->get_description()});
+    return commands;
+}
+
+/** The entries below their title; nothing where there are none. */
+std::string section(const char* title, const std::vector<HelpEntry>& entries) {
+    std::string text;
+    for (const HelpEntry& one : entries)
+        text += entry(one.name, one.text);
+    return text.empty() ? "" : title + text + '\n';
 }
 
 std::string argumentName(const Command& command) { return "'" + fullName(command) + "'"; }
@@ -200,24 +205,40 @@ std::vector<std::string> choicesOf(const CLI::Option& option) {
     return values;
 }
 
-std::string helpText(const CLI::App& app) {
+HelpPage helpPageOf(const CLI::App& app) {
     const Command* command = commandOf(app);
-    std::string text = wrapped("", app.get_description() + (command != nullptr ? "." : ""), 0) + '\n';
-    text += examplesOf(app, command) + usageLine(app, command) + '\n';
-    if (command == nullptr) text += "Subcommands:\n" + listed(app) + '\n';
-    if (command != nullptr && command->argument != nullptr)
-        text += "Words:\n" + entry(command->argument, command->argumentHelp) + '\n';
-    if (command != nullptr && command->moreHelp != nullptr) text += command->moreHelp() + '\n';
+    HelpPage page;
+    page.description = app.get_description() + (command != nullptr ? "." : "");
+    page.examples = examplesOf(app, command);
+    page.usage = usageOf(app, command);
     const bool isProgram = app.get_parent() == nullptr;
-    if (const std::string own = optionsOf(app, isProgram); !own.empty()) text += "Options:\n" + own + '\n';
-    if (!isProgram) text += "Options of all commands:\n" + optionsOf(programOf(app), true) + '\n';
-    if (command != nullptr && !isHidden(*command))
-        text += wrapped("", effectOnBoard(*command) + ' ' + startWrites, 0);
-    if (command != nullptr) return text;
-    text += wrapped("", boardNotes, 0) + wrapped("", accessWords, 0) + wrapped("", exitCodes, 0);
-    return text + wrapped("",
-                          "'" + fullNameOf(app) + " COMMAND --help' shows examples and options of a command.",
-                          0);
+    page.options = optionsOf(app, isProgram);
+    if (!isProgram) page.commonOptions = optionsOf(programOf(app), true);
+    if (command == nullptr) {
+        page.commands = commandsOf(app);
+        return page;
+    }
+    if (command->argument != nullptr) page.words = {{command->argument, command->argumentHelp}};
+    if (command->moreHelp != nullptr) page.details = command->moreHelp();
+    if (!isHidden(*command)) page.effect = effectOnBoard(*command);
+    return page;
+}
+
+std::string helpText(const HelpPage& page) {
+    std::string text = wrapped("", page.description, 0) + '\n';
+    if (!page.examples.empty()) text += "Examples:\n";
+    for (const HelpEntry& example : page.examples)
+        text += wrapped("  ", example.name, 6) + wrapped("      ", example.text, 6);
+    if (!page.examples.empty()) text += '\n';
+    text += "Usage: " + page.usage + "\n\n" + section("Commands:\n", page.commands) +
+            section("Words:\n", page.words);
+    if (!page.details.empty()) text += page.details + '\n';
+    text += section("Options:\n", page.options) + section("Options of all commands:\n", page.commonOptions);
+    if (!page.effect.empty()) text += wrapped("", page.effect + ' ' + startWrites, 0);
+    if (page.commands.empty()) return text;
+    const std::string name = page.usage.substr(0, page.usage.find(" ["));
+    return text + wrapped("", boardNotes, 0) + wrapped("", accessWords, 0) + wrapped("", exitCodes, 0) +
+           wrapped("", "'" + name + " COMMAND --help' shows examples and options of a command.", 0);
 }
 
 std::string shellHelp() {
@@ -333,7 +354,7 @@ Report showHelp(Context& context, const Words& words) {
         throw UsageError("there is no command " + inQuotedWord(name) +
                          commandSuggestion(groupNamed(words.front()), words.back()));
     report.text = group != nullptr ? parseCommandLine({group->name, "--help"}).outcome.text
-                                   : context.program().helpOf(found);
+                                   : helpText(context.program().helpOf(found));
     report.document["text"] = report.text;
     return report;
 }

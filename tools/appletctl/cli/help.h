@@ -3,6 +3,7 @@
 #define APPLETCTL_CLI_HELP_H
 
 #include "appletctl/cli/command_line.h"
+#include "appletctl/commands/HelpPage.h"
 
 #include <CLI/CLI.hpp>
 
@@ -14,8 +15,11 @@ namespace appletctl {
 /** The row that a node of the parsed tree was made from; null for the program and for groups of commands. */
 const Command* commandOf(const CLI::App& app);
 
-/** The help of the program, a group of commands or a command. */
-std::string helpText(const CLI::App& app);
+/** What is to be said of the program, a group of commands or a command. */
+HelpPage helpPageOf(const CLI::App& app);
+
+/** The page as --help prints it. */
+std::string helpText(const HelpPage& page);
 
 /** The same for a line of the shell: its own words, and without what does not work there. */
 std::string shellHelp();
@@ -31,11 +35,6 @@ void checkWordCount(const Command& command, const Words& words);
 
 /** The values that an option or a word can have, if there is a list of them. */
 std::vector<std::string> choicesOf(const CLI::Option& option);
-
-/** The sections of the manual page that help and manual share. */
-extern const char* const accessWords;
-extern const char* const exitCodes;
-extern const char* const boardNotes;
 
 } // namespace appletctl
 

@@ -4,6 +4,7 @@
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"
 #include "appletctl/commands/Command.h"
+#include "appletctl/commands/HelpPage.h"
 #include "appletctl/commands/files/documented.h"
 
 #include <CLI/CLI.hpp>
@@ -29,17 +30,6 @@ std::string plain(std::string_view text) {
     return marked;
 }
 
-std::string literal(const std::string& text) { return "```\n" + text + "```\n\n"; }
-
-/** The help of a command without the options of all commands, which the manual has once. */
-std::string ownHelp(const Program& program, const Command* command) {
-    std::string text = program.helpOf(command);
-    const std::size_t begin = text.find("Options of all commands:\n");
-    if (begin == std::string::npos) return text;
-    const std::size_t end = text.find("\n\n", begin);
-    return text.erase(begin, end == std::string::npos ? end : end + 2 - begin);
-}
-
 constexpr const char* manualTail =
     "# EXIT STATUS\n\n"
     "*0*\n\tDone.\n\n"
@@ -57,20 +47,38 @@ constexpr const char* manualTail =
     "*APPLET\\_UNDER\\_TEST*\n\tAnother applet library; *--applet* goes before it.\n\n"
     "*NO\\_COLOR*, *TERM*\n\tNo colour when the first is set or the second is *dumb*.\n\n";
 
+/** A list of terms, each with its explanation. */
+std::string terms(const std::vector<HelpEntry>& entries) {
+    std::string text;
+    for (const HelpEntry& entry : entries)
+        text += "*" + plain(entry.name) + "*\n\t" + plain(entry.text) + "\n\n";
+    return text;
+}
+
+std::string manualOfCommand(const Command& command, const HelpPage& page) {
+    std::string text = "## " + plain(fullName(command)) + "\n\n*" + plain(page.usage) + "*\n\n" +
+                       plain(page.description) + "\n\n" + terms(page.words) + terms(page.options);
+    if (!page.details.empty()) text += "```\n" + page.details + "```\n\n";
+    if (command.sets != Command::Sets::nothing) text += plain(page.effect) + "\n\n";
+    return text;
+}
+
 std::string manualOfProgram(const Program& program) {
+    const HelpPage all = program.helpOf(nullptr);
     std::string text =
         "appletctl(1)\n\n# NAME\n\nappletctl \\- shows and sets the parameters of the applet\n\n"
         "# SYNOPSIS\n\n*appletctl* [OPTIONS] COMMAND ...\n\n# DESCRIPTION\n\n";
-    text += literal(program.helpOf(nullptr)) + "# COMMANDS\n\n";
-    std::string examples;
+    text += plain(all.description) + "\n\n" + plain(boardNotes) + "\n\n" + plain(accessWords) +
+            "\n\n# OPTIONS\n\nOf all commands:\n\n" + terms(all.options) + "# COMMANDS\n\n";
+    std::vector<HelpEntry> examples = all.examples;
     for (const Command* command : program.commands) {
         if (isHidden(*command)) continue;
-        text += "## " + plain(fullName(*command)) + "\n\n" + literal(ownHelp(program, command));
-        for (const Example& example : command->examples)
-            if (example.line != nullptr)
-                examples += "*appletctl " + plain(example.line) + "*\n\t" + plain(example.help) + "\n\n";
+        const HelpPage page = program.helpOf(command);
+        text += manualOfCommand(*command, page);
+        examples.insert(examples.end(), page.examples.begin(), page.examples.end());
     }
-    return text + "# EXAMPLES\n\n" + examples + manualTail + "# SEE ALSO\n\n*appletctl\\-parameters*(7)\n";
+    return text + "# EXAMPLES\n\n" + terms(examples) + manualTail +
+           "# SEE ALSO\n\n*appletctl\\-parameters*(7)\n";
 }
 
 std::string manualOfParameters(const std::vector<Documented>& rows) {
