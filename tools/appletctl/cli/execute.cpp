@@ -164,7 +164,7 @@ private:
 Report runCommand(const Request& request, Context& context, bool isOnlyCommand) {
     requireAgreement(request);
     requireFile(request, context);
-    const bool isAnsweredByScratch = isOnSystem(request.options) && request.command->takesWithToScratch &&
+    const bool isAnsweredByScratch = isProtected(request.options) && request.command->takesWithToScratch &&
                                      request.options.of<WithOption>().file.empty();
     std::optional<AskedState> state;
     if (!isAnsweredByScratch) state.emplace(context, request.options, isOnlyCommand);
@@ -191,6 +191,8 @@ Report executeOn(Context& context, const Request& request, bool isOnlyCommand) {
     const Stopwatch watch;
     context.setOptions(request.options);
     Report report = withFailuresAsReports([&] { return runCommand(request, context, isOnlyCommand); });
+    if (request.options.look && request.command->showsValues && !report.text.empty() && !report.isVerbatim)
+        report.text += forPerson("With --look, settings are those of a starting applet, not the board's.\n");
     std::ranges::move(context.takeNotes(), std::back_inserter(report.notes));
     report.notes.push_back("'" + nameOf(request) + "' took " + watch.text());
     return report;
