@@ -10,6 +10,9 @@
 
 namespace appletctl_program {
 
+const Words scriptedRegisters{"VEXO_ENABLE_DRA=on", "LD_PRELOAD=" SCRIPTED_REGISTERS,
+                              "ASAN_OPTIONS=verify_asan_link_order=0"};
+
 void become(const Words& arguments, const Words& environment) {
     unsetenv("COLUMNS"); // the tests' own terminal is not the program's
     for (const std::string& setting : environment) {

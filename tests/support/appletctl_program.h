@@ -25,6 +25,9 @@ struct Outcome {
 /** Becomes appletctl, with these settings ("NAME=VALUE", or "NAME" to take one away) in the environment. */
 [[noreturn]] void become(const Words& arguments, const Words& environment);
 
+/** An environment with registers that read 5, fail, read 9 and then 2. */
+extern const Words scriptedRegisters;
+
 /** Waits for the end of a child; a signal counts from 128 on. */
 int exitCodeOf(pid_t child);
 
