@@ -13,6 +13,7 @@
 //   set NAME VALUE...           sets the values one after the other. 1.5+ is the next number above 1.5, 1.5- the one below;
 //                               max, max+4, max- count from the published maximum; most is the largest multiple in it
 //   file NAME VALUE             loads the present state with this value, which only a file can bring
+//   write FILE LINE...          makes a file; a line 0..9,7; is ten lines, 0,7; to 9,7;
 //   same NAME                   sets the present value again
 //   take NAME VALUE...          only which of the values are taken
 //   range NAME FIRST LAST       sets all whole numbers of the range, and some beyond it
@@ -102,8 +103,23 @@ Lines wordsOf(const std::string& line) {
     return words;
 }
 
+/** What a word of the command `write` is in the file. */
+std::string fileLinesOf(const std::string& word) {
+    const std::size_t dots = word.find("..");
+    if (dots == std::string::npos) return word + '\n';
+    std::string lines;
+    for (int i = std::stoi(word); i <= std::stoi(word.substr(dots + 2)); ++i)
+        lines += std::to_string(i) + word.substr(word.find(',')) + '\n';
+    return lines;
+}
+
 class Settings : public ParameterTest, public testing::WithParamInterface<std::string> {
 protected:
+    void SetUp() override { std::filesystem::current_path(m_folder / "."); }
+    void TearDown() override {
+        std::filesystem::current_path(m_before);
+        ParameterTest::TearDown();
+    }
     /** Of all records with a value, in the order of the tree. */
     std::vector<RegisterInfo*> records() {
         std::vector<RegisterInfo*> found;
@@ -320,13 +336,17 @@ protected:
             RegisterInfo& record = *recordOf(name);
             setOne(record, read(record));
         } else if (command == "file") {
-            const TemporaryFolder folder;
-            const std::string path = folder / "state.mcf", key = "\n" + name + "=";
+            const std::string path = "state.mcf", key = "\n" + name + "=";
             ASSERT_EQ(applet.Fg_saveConfig(grabber.fg(), path.c_str()), FG_OK);
             std::string text = fileBytes(path);
             const std::size_t value = text.find(key) + key.size();
             writeFile(path, text.replace(value, text.find(';', value) - value, words.at(2)));
             ASSERT_EQ(applet.Fg_loadConfig(grabber.fg(), path.c_str()), FG_OK);
+        } else if (command == "write") {
+            std::string text;
+            for (std::size_t i = 2; i < words.size(); ++i)
+                text += fileLinesOf(words[i]);
+            writeFile(name, text);
         } else if (command == "take") {
             std::string taken = "taken:";
             for (std::size_t i = 2; i < words.size(); ++i)
@@ -350,6 +370,8 @@ protected:
         }
     }
 
+    const std::filesystem::path m_before = std::filesystem::current_path();
+    const TemporaryFolder m_folder;
     std::vector<RegisterInfo*> m_records;
     std::optional<std::pair<unsigned, int>> m_failing;
     bool m_isQuiet = false, m_isShort = false;
