@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <concepts>
 #include <cstdint>
 #include <functional>
@@ -31,6 +32,9 @@ template <typename Function> Function* designLoader(const char* name) {
 
 /** Number of "boards", "designs", "handles" or "strings" that the virtual board has given out. */
 int live(const char* what);
+
+/** Numbers of open files, and of all that `live` counts: what a call must not leave behind. */
+std::array<long, 5> held();
 
 /** Board or design of the handle that was brought up last. */
 LOOMdevice* lastDevice();
