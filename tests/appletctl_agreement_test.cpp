@@ -205,23 +205,6 @@ Words advisedIn(const json& answer) {
     return advice;
 }
 
-TEST(AppletctlWhy, AgreesWithASetAfterALoadOfWhatNoGetterShows) {
-    const support::TemporaryFolder folder;
-    const std::string file = folder / "raw.mcf";
-    run({"save", file});
-    support::writeFile(
-        file, std::regex_replace(support::fileBytes(file), std::regex("(_LINERATE)=[^\n]*"), "$1=\"x\";"));
-    const std::string load = "load " + file, mode = "FG_CAMERASIMULATOR_SELECT_MODE=FG_LINERATE";
-    // A set behind the load stores the value again.
-    for (const std::string between : {"get FG_WIDTH", "set FG_CAMERASIMULATOR_LINERATE=10240.445664195306"}) {
-        std::istringstream answers(shell({load, between, "why " + mode, "set " + mode}, {"--json"}).out);
-        json ignored, why, set;
-        answers >> ignored >> ignored >> why >> set;
-        EXPECT_EQ(why["answers"][0]["accepted"], set["done"]) << between << why;
-        EXPECT_EQ(set["done"], between.starts_with("set")) << set;
-    }
-}
-
 TEST(AppletctlAdvice, IsAcceptedByTheSetters) {
     const support::TemporaryFolder folder;
     const Words situations = {
