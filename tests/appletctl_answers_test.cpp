@@ -78,35 +78,4 @@ TEST(AppletctlWhy, NamesChangesThatFreeAValue) {
     }
 }
 
-TEST(AppletctlSystemBoard, AnswersThroughTheLibrariesOfTheLoader) {
-    const Words environment{"LD_LIBRARY_PATH=" VIRTUAL_BOARD_DIR};
-    const Words commands[] = {{"limits", "FG_WIDTH"},
-                              {"why", "FG_LINETRIGGERINSRC"},
-                              {"deps", "FG_LINEPERIODE"},
-                              {"plan", "FG_WIDTH=64"},
-                              {"set", "--yes", "--verify", "FG_WIDTH=64"},
-                              {"reset", "--yes"},
-                              {"route"}};
-    for (Words command : commands) {
-        const std::string here = run(command).out;
-        command.insert(command.end(), {"--board", "system"});
-        const Outcome there = run(command, environment);
-        EXPECT_EQ(there.out, here) << command.front() << there.err;
-        EXPECT_EQ(there.exitCode, 0) << command.front();
-    }
-    // Nothing writes without agreement, and --look writes nothing at all.
-    const std::pair<Words, const char*> refused[] = {
-        {{"set", "FG_WIDTH=64"}, "say --yes"},
-        {{"route", "FG_WIDTH=64"}, "say --yes"},
-        {{"get", "FG_WIDTH", "--with", "FG_WIDTH=64"}, "leave --board and --look out"},
-        {{"set", "--yes", "--look", "FG_WIDTH=64"}, "--look only looks"},
-    };
-    for (auto [command, expected] : refused) {
-        command.insert(command.end(), {"--board", "system"});
-        const Outcome outcome = run(command, environment);
-        EXPECT_EQ(outcome.exitCode, 2) << expected;
-        EXPECT_TRUE(contains(outcome.err, expected)) << outcome.err;
-    }
-}
-
 } // namespace
