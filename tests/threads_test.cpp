@@ -80,9 +80,8 @@ std::string documentOf(Grabber& grabber) {
 
 /** A document without what sets of parameters change in it. */
 std::string frameOf(const std::string& document) {
-    std::istringstream in(document);
     std::string frame;
-    for (std::string line; std::getline(in, line);)
+    for (const std::string& line : linesOf(document))
         if (!line.starts_with("<Min>") && !line.starts_with("<Max>") && !line.starts_with("<AccessMode>"))
             frame += line + '\n';
     return frame;

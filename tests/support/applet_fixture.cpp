@@ -85,6 +85,11 @@ std::vector<Register> registers() {
     return all;
 }
 
+Lines linesOf(const std::string& text) {
+    std::istringstream in(text);
+    return linesOf(in);
+}
+
 Lines fileLines(const std::string& path) {
     std::ifstream in(path);
     return linesOf(in);

@@ -52,6 +52,8 @@ struct Register {
 };
 std::vector<Register> registers();
 
+/** The lines of a text. */
+Lines linesOf(const std::string& text);
 /** The lines of a file; none of one that cannot be read. */
 Lines fileLines(const std::string& path);
 /** An expected listing of tests/data: its lines, or each line cut into its words. */
