@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <map>
 #include <utility>
 
 namespace {
@@ -64,7 +63,6 @@ public:
             one.device = m_board.open();
         One& one = m_both[0];
         open(one, 0);
-        learn(m_applet.Fg_getParameterInfo(one.fg(), 0));
         require(m_applet.Fg_saveConfig(one.fg(), "sound.mcf") == FG_OK, "a save");
         for (int i = 0; i < m_applet.Fg_getNrOfParameter(one.fg()); ++i)
             m_ids.push_back(m_applet.Fg_getParameterId(one.fg(), i));
@@ -142,17 +140,10 @@ private:
     }
     static bool isWritten(int id) { return id == FG_LUT_SAVE_FILE || id == FG_DEBUGSAVECONFIG; }
 
-    void learn(const RegisterInfo* record) {
-        for (; record != nullptr; record = record->next) {
-            if (record->kind != REGISTER_KIND_GROUP) m_records[record->id] = record->kind;
-            if (record->kind != REGISTER_KIND_GROUP) continue;
-            for (int i = 0; i < record->value.group.childCount; ++i)
-                learn(record->value.group.children[i]);
-        }
-    }
-    int kindOf(int id) const {
-        const auto found = m_records.find(id);
-        return found != m_records.end() ? found->second : REGISTER_KIND_UINT;
+    /** The kind of a parameter's record; without an object, or for one without a record, that of numbers. */
+    int kindOf(One& one, int id) const {
+        const RegisterInfo* record = find(m_applet.Fg_getParameterInfo(one.fg(), 0), id);
+        return record != nullptr ? record->kind : REGISTER_KIND_UINT;
     }
 
     Answer get(One& one, int id) {
@@ -160,7 +151,7 @@ private:
         answer.result =
             m_applet.Fg_getParameterWithType(one.fg(), id, answer.place.data(), 0, FG_PARAM_ALLOCATED_STRING);
         stored(one, answer.result);
-        if (answer.result != FG_OK || kindOf(id) != REGISTER_KIND_STRING) return answer;
+        if (answer.result != FG_OK || kindOf(one, id) != REGISTER_KIND_STRING) return answer;
         char* text = reinterpret_cast<char*>(answer.place[0]);
         answer.text = text;
         answer.place = {};
@@ -225,12 +216,12 @@ private:
         const int id = chooseId(input);
         const Answer old = get(one, id);
         int result = FG_OK;
-        if (kindOf(id) == REGISTER_KIND_STRING) {
+        if (kindOf(one, id) == REGISTER_KIND_STRING) {
             const bool isPath = isWritten(id) || input.byte() % 2 != 0;
             const std::string text = isPath ? choosePath(input) : input.text();
             if (id == FG_LUT_SAVE_FILE && text != "none/a.mcf") return; // a whole table takes its time
             result = setBytes(one, id, text.c_str(), input);
-        } else if (kindOf(id) == REGISTER_KIND_UINT_FIELD && input.byte() % 2 != 0) {
+        } else if (kindOf(one, id) == REGISTER_KIND_UINT_FIELD && input.byte() % 2 != 0) {
             result = setRun(one, id, input);
         } else {
             const std::uint64_t value[2] = {chooseNumber(one, id, input), 0};
@@ -342,8 +333,7 @@ private:
     const applet_host::BoardFunctions& m_board = m_host.board();
     One m_both[2];
     std::vector<int> m_ids;
-    std::map<int, int> m_records; // kind of each parameter's record
-    bool m_hasDocument = false;   // of this input
+    bool m_hasDocument = false; // of this input
 };
 
 } // namespace

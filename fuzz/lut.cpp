@@ -34,13 +34,7 @@ template <typename Table> struct Tables {
 };
 
 std::uint32_t plainKey(const Lines& lines, const char* key) {
-    for (std::string line : lines) {
-        if (std::strstr(line.c_str(), key) == nullptr) continue;
-        std::strtok(line.data(), "='");
-        const char* token = std::strtok(nullptr, "='");
-        return token == nullptr ? 0 : static_cast<std::uint32_t>(std::atoi(token));
-    }
-    return 0;
+    return static_cast<std::uint32_t>(std::atoi(fuzz::plainKey(lines, key).value_or("").c_str()));
 }
 
 std::uint32_t plainNumber(const char* text, std::uint32_t) {

@@ -34,16 +34,6 @@ Text plainValue(const Lines& lines, const std::string& section, const std::strin
     return {};
 }
 
-Text plainIdentity(const Lines& lines, const std::string& key) {
-    for (std::string line : lines) {
-        if (std::strstr(line.c_str(), key.c_str()) == nullptr) continue;
-        std::strtok(line.data(), "='");
-        const char* token = std::strtok(nullptr, "='");
-        return token == nullptr ? "" : token;
-    }
-    return {};
-}
-
 void plainNumber(const char* text, int& value) { value = std::atoi(text); }
 void plainNumber(const char* text, double& value) { value = std::atof(text); }
 void plainNumber(const char* text, std::uint64_t& value) { std::sscanf(text, "%lu", &value); }
@@ -64,7 +54,7 @@ bool check(Parser& parser, const Lines& lines) {
     bool isAnyThere = false;
     std::string text;
     for (const std::string& key : keys) {
-        const Text identity = plainIdentity(lines, key);
+        const Text identity = fuzz::plainKey(lines, key.c_str());
         fuzz::require((parser.parseKeyFromLine(key, text) == 0) == identity.has_value(), "a key's line");
         fuzz::require(text == identity.value_or("Error"), "text of a key's line");
         if (!identity) continue; // then no section has the key

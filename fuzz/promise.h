@@ -5,7 +5,9 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <fcntl.h>
+#include <optional>
 #include <string>
 #include <unistd.h>
 #include <vector>
@@ -55,6 +57,17 @@ inline std::vector<std::string> linesOf(const std::uint8_t* data, std::size_t si
         lines.emplace_back(line);
     std::fclose(file);
     return lines;
+}
+
+/** What the C library's tools find behind a key, in the first line that has it anywhere. */
+inline std::optional<std::string> plainKey(const std::vector<std::string>& lines, const char* key) {
+    for (std::string line : lines) {
+        if (std::strstr(line.c_str(), key) == nullptr) continue;
+        std::strtok(line.data(), "='");
+        const char* token = std::strtok(nullptr, "='");
+        return token == nullptr ? "" : token;
+    }
+    return {};
 }
 
 } // namespace fuzz

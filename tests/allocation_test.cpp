@@ -1,8 +1,12 @@
-// A routed access of a number allocates nothing, a load nothing for each line.
+// A routed access of a number allocates nothing, a load nothing for each line; neither a load nor a place for long texts
+// takes memory that is not needed.
 
 #include "support/applet_fixture.h"
 #include "support/counted_malloc.h"
 #include "support/temporary_folder.h"
+
+#include <fstream>
+#include <malloc.h>
 
 namespace {
 
@@ -22,7 +26,34 @@ protected:
         call();
         return allocations() - before;
     }
+    /** By how many MiB the process grows during a call, at its largest. */
+    template <typename Call> static long growthDuring(Call call) {
+        malloc_trim(0);
+        std::ofstream("/proc/self/clear_refs") << 5; // the peak is the present size
+        const long before = peakInMiB();
+        call();
+        return peakInMiB() - before;
+    }
+    /** The header of a file of the applet, and lines. */
+    static std::string configuration(std::size_t lines, const std::string& line) {
+        std::string text =
+            "[Kamerasektion]\nHersteller=1;\nTyp='Grab_TwinLaneLineColor';\nAktivePort=0;\n[Port A]\n";
+        for (std::size_t i = 0; i < lines; ++i)
+            text += line;
+        return text;
+    }
+    int load(const std::string& path) { return applet.Fg_loadConfig(m_grabber.fg(), path.c_str()); }
+
+    const TemporaryFolder m_folder;
+    const std::string m_file = m_folder / "state.mcf";
     Grabber m_grabber;
+
+private:
+    static long peakInMiB() {
+        for (const std::string& line : fileLines("/proc/self/status"))
+            if (line.starts_with("VmHWM:")) return std::stol(line.substr(6)) / 1024;
+        return 0;
+    }
 };
 
 TEST_F(Allocation, NoneInARoutedAccessOfANumber) {
@@ -49,18 +80,25 @@ TEST_F(Allocation, NoneInARoutedAccessOfANumber) {
 }
 
 TEST_F(Allocation, OfALoadDoNotGrowWithTheFile) {
-    const TemporaryFolder folder;
-    const std::string path = folder / "state.mcf";
-    const auto countOfALoad = [&](int lines, const std::string& line) {
-        std::string text =
-            "[Kamerasektion]\nHersteller=1;\nTyp='Grab_TwinLaneLineColor';\nAktivePort=0;\n[Port A]\n";
-        for (int i = 0; i < lines; ++i)
-            text += line;
-        writeFile(path, text);
-        return countOf([&] { applet.Fg_loadConfig(m_grabber.fg(), path.c_str()); });
+    const auto countOfALoad = [&](std::size_t lines, const std::string& line) {
+        writeFile(m_file, configuration(lines, line));
+        return countOf([&] { load(m_file); });
     };
     for (const char* line : {"FG_WIDTH=512;\n", "a key of nobody, and a long one=1;\n"})
         EXPECT_EQ(countOfALoad(10000, line), countOfALoad(10, line)) << line;
+    writeFile(m_file, configuration(200'000, std::string(159, 'k') + '\n')); // 30 MiB
+    EXPECT_LT(growthDuring([&] { load(m_file); }), 4);
+}
+
+TEST_F(Allocation, APlaceForLongTextsTakesNoMemoryBeforeOneComes) {
+    Grabber grabber;
+    char text[64] = "?";
+    const long growth = growthDuring([&] {
+        EXPECT_EQ(grabber.bringUp().error, FG_OK); // reads texts of the design
+        EXPECT_EQ(grabber.get(FG_DEBUGFILE, text, 0, FG_PARAM_TEXT), FG_OK);
+    });
+    EXPECT_STREQ(text, "");
+    EXPECT_LT(growth, 8) << "the room is 16 MiB";
 }
 
 } // namespace

@@ -143,42 +143,48 @@ std::set<std::string> refusedBy(const json& findings, const std::set<std::string
     return names;
 }
 
+/**
+ * A saved file in which a third of the numbers are such as a load refuses, too small (0) or too large (1). Of parameters
+ * that differ in a digit only, such as those of the outputs, the first stands for all. Each refusal costs the commands
+ * a search for what would be accepted.
+ */
+std::string spoilt(const std::string& saved, std::size_t third) {
+    std::istringstream text(saved);
+    const std::regex numberLine("(FG_\\w+=)[-0-9.]+;"), digit("[0-9]");
+    std::set<std::string> families;
+    std::string edited;
+    for (std::string line; std::getline(text, line); edited += line + '\n') {
+        std::smatch parts;
+        if (!std::regex_match(line, parts, numberLine)) continue;
+        const std::size_t number = families.size();
+        const bool isFirst = families.insert(std::regex_replace(parts.str(1), digit, "#")).second;
+        if (isFirst && number % 3 == third) line = parts.str(1) + (third == 0 ? "-5;" : "99999;");
+    }
+    EXPECT_GT(families.size(), 60u);
+    return edited;
+}
+
 TEST(AppletctlLint, AgreesWithCheckOnWhatALoadRefuses) {
     const support::TemporaryFolder folder;
     const std::string file = folder / "edited.mcf";
     run({"save", file});
-    const std::string text = support::fileBytes(file);
-    const std::regex line("(FG_\\w+)=([-0-9.]+);");
-    Words lines;
-    std::vector<std::pair<std::string, const char*>> edits;
-    std::size_t place = 0;
-    for (std::sregex_iterator at(text.begin(), text.end(), line), end; at != end; ++at, ++place) {
-        if (sanitized && place % 8 != 0) continue;
-        const char* const bad = place % 3 == 0 ? "-5" : "99999";
-        const std::string edited = folder / (std::to_string(edits.size()) + ".mcf");
-        support::writeFile(edited, std::string(text).replace(static_cast<std::size_t>(at->position(2)),
-                                                             static_cast<std::size_t>(at->length(2)), bad));
-        edits.emplace_back(at->str(1), bad);
-        lines.insert(lines.end(), {"check " + edited, "lint " + edited});
-    }
-    ASSERT_GT(edits.size(), sanitized ? 12u : 100u);
-    std::istringstream answers(shell(lines, {"--json"}).out);
+    const std::string saved = support::fileBytes(file);
     std::size_t refusals = 0;
-    for (const auto& [name, bad] : edits) {
-        json checked, linted;
-        answers >> checked >> linted;
-        const json lint = linted["findings"];
-        const auto refused = refusedBy(checked["findings"], {"refused", "kept"}, "kind");
+    for (std::size_t third = 0; third < (sanitized ? 1 : 2); ++third) {
+        SCOPED_TRACE(third);
+        support::writeFile(file, spoilt(saved, third));
+        const json linted = document({"lint", file})["findings"];
+        const auto refused = refusedBy(document({"check", file})["findings"], {"refused", "kept"}, "kind");
         std::set<std::string> told;
-        for (const json& finding : lint)
+        for (const json& finding : linted)
             told.insert(finding["names"].begin(), finding["names"].end());
         refusals += refused.size();
         for (const std::string& key : refused)
-            EXPECT_TRUE(told.contains(key)) << name << "=" << bad << ": lint is silent on " << key;
-        for (const std::string& key : refusedBy(lint, {"limits"}, "rule"))
-            EXPECT_TRUE(refused.contains(key)) << name << "=" << bad << ": check is silent on " << key;
+            EXPECT_TRUE(told.contains(key)) << "lint is silent on " << key;
+        for (const std::string& key : refusedBy(linted, {"limits"}, "rule"))
+            EXPECT_TRUE(refused.contains(key)) << "check is silent on " << key;
     }
-    EXPECT_GT(refusals, edits.size() / 3);
+    EXPECT_GT(refusals, sanitized ? 10u : 25u);
 }
 
 /** Every NAME=VALUE of an answer that is advised. */
@@ -197,23 +203,6 @@ Words advisedIn(const json& answer) {
             value.is_string())
             addFrom(value);
     return advice;
-}
-
-TEST(AppletctlWhy, AgreesWithASetAfterALoadOfWhatNoGetterShows) {
-    const support::TemporaryFolder folder;
-    const std::string file = folder / "raw.mcf";
-    run({"save", file});
-    support::writeFile(
-        file, std::regex_replace(support::fileBytes(file), std::regex("(_LINERATE)=[^\n]*"), "$1=\"x\";"));
-    const std::string load = "load " + file, mode = "FG_CAMERASIMULATOR_SELECT_MODE=FG_LINERATE";
-    // A set behind the load stores the value again.
-    for (const std::string between : {"get FG_WIDTH", "set FG_CAMERASIMULATOR_LINERATE=10240.445664195306"}) {
-        std::istringstream answers(shell({load, between, "why " + mode, "set " + mode}, {"--json"}).out);
-        json ignored, why, set;
-        answers >> ignored >> ignored >> why >> set;
-        EXPECT_EQ(why["answers"][0]["accepted"], set["done"]) << between << why;
-        EXPECT_EQ(set["done"], between.starts_with("set")) << set;
-    }
 }
 
 TEST(AppletctlAdvice, IsAcceptedByTheSetters) {

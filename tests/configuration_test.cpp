@@ -186,41 +186,6 @@ TEST_F(ConfigurationTest, EachMissingKeyIsLostAlone) {
     EXPECT_EQ(save(grabber).value("FG_DEBUGFILE"), "'Error'");
 }
 
-TEST_F(ConfigurationTest, RefusedValueIsKeptButNotWritten) {
-    const struct {
-        std::string name, value, readBack;
-    } cases[] = {
-        {"FG_WIDTH", "1022", "1022"},
-        {"FG_TRIGGERCAMERA_SOURCE", "2100", "2100"},
-        {"FG_TRIGGEROUT_GPO_0_SOURCE", "2100", "2002"}, // outputs answer with what is applied
-        {"FG_TIMEOUT", "1", "1"},
-        {"FG_LINEEXPOSURE", "200.008", "200.008"},
-        {"FG_SHAFTENCODER_COMPENSATION_COUNT", "1048576", "0"},
-    };
-    for (const auto& row : cases) {
-        Grabber grabber;
-        start(grabber);
-        Sections expected = savedStateSections();
-        if (row.name == "FG_WIDTH") { // other setters write it instead
-            const std::string buffer = "set Device1_Process0_Buffer_0_";
-            replace(expected, buffer + "XLength u32 1024", buffer + "XLength u32 1022");
-            replace(expected, buffer + "SensorWidth u32 1024", buffer + "SensorWidth u32 1022");
-        }
-        if (row.name == "FG_TRIGGERCAMERA_SOURCE") {
-            const std::string camera = "set Device1_Process1_Trigger_OutputMapping_CamTrigger0_";
-            replace(expected, camera + "SelectTrigger_SelectSignal_Select u32 1",
-                    camera + "SelectTrigger_SelectSignal_Select u32 33");
-        }
-        load(grabber, File().set(row.name, row.value).text());
-        EXPECT_EQ(grabber.log(), joined(expected, row.name)) << row.name;
-        EXPECT_EQ(save(grabber).value(row.name), row.readBack) << row.name;
-    }
-    Grabber grabber;
-    start(grabber);
-    load(grabber, File().set("FG_CAMERASIMULATOR_SELECT_MODE", "0").text()); // writes a part
-    EXPECT_EQ(save(grabber).value("FG_CAMERASIMULATOR_SELECT_MODE"), "0");
-}
-
 TEST_F(ConfigurationTest, WhatSettersTookComesBack) {
     // Values as a file has them, doubles with a point; some are refused, always or beside their neighbours.
     Grabber to(0); // has what it loaded before
@@ -261,21 +226,6 @@ TEST_F(ConfigurationTest, TextsAndDigitsAreCut) {
               "'" + text.substr(0, 255 - 20) + "'"); // the rest of its line
     EXPECT_EQ(saved.value("FG_DEBUGFILE"), "'a'");
     EXPECT_EQ(grabber.value<double>(FG_SCALINGFACTOR_RED), 0.333333333333);
-}
-
-TEST_F(ConfigurationTest, GettersAreAsked) {
-    Grabber grabber;
-    start(grabber);
-    File expected;
-    const std::string analyzer = "Device1_Process1_Trigger_Analyzer_";
-    ASSERT_EQ(board.poke_double(grabber.device, (analyzer + "Analyzer0_PeriodMax").c_str(), 34359738.36),
-              VBOARD_OK);
-    grabber.poke(analyzer + "Analyzer0_PulseCountSignal_Status", 4294967295);
-    grabber.poke(analyzer + "Difference_Status", 0x100000000);
-    expected.set("FG_SIGNAL_ANALYZER_0_PERIOD_MAX", "34359738.36");
-    expected.set("FG_SIGNAL_ANALYZER_0_PULSE_COUNT", "-1");
-    expected.set("FG_SIGNAL_ANALYZER_PULSE_COUNT_DIFFERENCE", "-4294967296");
-    EXPECT_EQ(save(grabber).text(), expected.text());
 }
 
 TEST_F(ConfigurationTest, WhateverIsThrownCostsItsLineAlone) {

@@ -175,11 +175,10 @@ TEST_F(FilesTest, PathsThatAreNoFile) {
     };
     setAll({{FG_LUT_TYPE, 0}});
     fs::create_directory(gone);
-    const fs::path before = fs::current_path();
+    const fs::path folderBefore = fs::current_path();
     fs::current_path(gone);
     fs::remove(gone);
-    const auto openFiles = [] { return std::distance(fs::directory_iterator("/proc/self/fd"), {}); };
-    const auto filesBefore = openFiles();
+    const auto before = held();
     for (const auto& row : rows) {
         SCOPED_TRACE(row.path.substr(0, 200));
         clearLog();
@@ -198,8 +197,8 @@ TEST_F(FilesTest, PathsThatAreNoFile) {
     }
     EXPECT_EQ(applet.Fg_loadConfig(grabber.fg(), nullptr), noFile);
     EXPECT_EQ(applet.Fg_saveConfig(grabber.fg(), nullptr), unwritten);
-    EXPECT_EQ(openFiles(), filesBefore);
-    fs::current_path(before);
+    EXPECT_EQ(held(), before);
+    fs::current_path(folderBefore);
     close(server);
 }
 

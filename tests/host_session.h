@@ -5,7 +5,6 @@
 #ifndef TESTS_HOST_SESSION_H
 #define TESTS_HOST_SESSION_H
 
-#include "record_layout.h"
 #include "vexo/board_access.h"
 #include "vexo/design_loader.h"
 #include "vexo/fg_api.h"

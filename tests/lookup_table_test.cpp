@@ -1,6 +1,5 @@
-// Lookup table: element records and files; what the cache holds against what the board was sent.
+// Lookup table: records of elements; what the cache holds against what the board was sent. Files: see data/settings.
 #include "support/applet_fixture.h"
-#include "support/temporary_folder.h"
 
 #include <algorithm>
 #include <array>
@@ -22,7 +21,6 @@ std::string content(std::size_t colour) {
 std::string sent(std::size_t colour, std::uint32_t first, std::uint32_t count) {
     return "set " + content(colour) + " field " + std::to_string(first) + "+" + std::to_string(count);
 }
-const Lines allSent = {sent(0, 0, size), sent(1, 0, size), sent(2, 0, size)};
 
 Table ramp(std::uint32_t first, std::uint32_t step, std::uint32_t count = size) {
     Table table(count);
@@ -153,103 +151,6 @@ TEST_F(LookupTable, WideElementsAreReadAsPairs) {
         for (const int unknown : {0, 6, 22, aRun, oneElement, -1}) // what no width belongs to copies nothing
             EXPECT_EQ(read(FG_LUT_VALUE_RED, 0, 8, untouched.data(), unknown), 0);
         EXPECT_TRUE(untouched == Wide(size, guard));
-    }
-}
-
-class LutFiles : public LookupTable {
-protected:
-    static std::string section(const char* name, const Table& table) {
-        const char id = name[0] == 'r' ? '0' : name[0] == 'g' ? '1' : '2';
-        std::string text = std::string("\n\n[") + name + "]\n\nid=" + id +
-                           ";\nnrOfElements=" + std::to_string(table.size()) + ";\nformat=0;\nnumber=0;\n";
-        for (std::size_t i = 0; i < table.size(); ++i)
-            text += std::to_string(i) + "," + std::to_string(table[i]) + ";\n";
-        return text;
-    }
-    static std::string threeTables(const Tables& tables) {
-        return "# Lut data file v1.1" + section("red", tables[0]) + section("green", tables[1]) +
-               section("blue", tables[2]);
-    }
-    /** All three of the board's tables are sent the blue one. */
-    void expectLoaded(const Tables& tables) { expectTables(tables, {tables[2], tables[2], tables[2]}); }
-    int load(const std::string& content) {
-        writeFile(given, content);
-        clearLog();
-        return setText(FG_LUT_CUSTOM_FILE, given);
-    }
-    const TemporaryFolder folder;
-    const std::string given = folder / "given.lut", saved = folder / "saved.anything";
-};
-
-TEST_F(LutFiles, WhatIsSavedIsLoaded) {
-    Table formula(size);
-    EXPECT_EQ(read(FG_LUT_VALUE_RED, 0, size, formula.data()), FG_OK);
-    const Tables tables = {ramp(1, 3), ramp(100, 7), ramp(9999, 11)};
-    fill(tables);
-    EXPECT_EQ(setText(FG_LUT_SAVE_FILE, saved), 0);
-    EXPECT_EQ(text(FG_LUT_SAVE_FILE), saved);
-    EXPECT_TRUE(fileBytes(saved) == threeTables(tables));
-    // Under the formula a file is only remembered, even one that does not exist.
-    setAll({{FG_LUT_TYPE, 3}});
-    for (const std::string& name : {folder / "missing.lut", saved})
-        EXPECT_EQ(setText(FG_LUT_CUSTOM_FILE, name), 0);
-    EXPECT_EQ(text(FG_LUT_CUSTOM_FILE), saved);
-    expectTables({formula, formula, formula});
-    clearLog();
-    setAll({{FG_LUT_TYPE, 0}});
-    EXPECT_EQ(log(), allSent);
-    expectLoaded(tables);
-    // The empty name stands for no file.
-    clearLog();
-    EXPECT_EQ(setText(FG_LUT_CUSTOM_FILE, "") + setText(FG_LUT_SAVE_FILE, ""), 0);
-    EXPECT_EQ(log(), Lines{});
-    EXPECT_EQ(text(FG_LUT_CUSTOM_FILE) + text(FG_LUT_SAVE_FILE), "");
-}
-
-TEST_F(LutFiles, WhatCannotBeOpenedOrWritten) {
-    const Tables old = {ramp(3, 3), ramp(3, 3), ramp(3, 3)};
-    fill(old);
-    const std::string missing = folder / "missing.lut";
-    ASSERT_EQ(setText(FG_LUT_CUSTOM_FILE, missing), 0);
-    EXPECT_EQ(set(FG_LUT_TYPE, 0u), FG_ERR_FILE_TYPE);
-    EXPECT_EQ(record(FG_LUT_CUSTOM_FILE)->access, 1u);
-    ASSERT_EQ(setText(FG_LUT_CUSTOM_FILE, ""), 0);
-    setAll({{FG_LUT_TYPE, 0}});
-    ASSERT_EQ(load(threeTables(old)), 0);
-    clearLog();
-    EXPECT_EQ(setText(FG_LUT_CUSTOM_FILE, missing), FG_ERR_FILE_TYPE);
-    EXPECT_EQ(text(FG_LUT_CUSTOM_FILE), given);
-    EXPECT_EQ(log(), Lines{});
-    expectTables(old);
-    // The board's refusal comes after the cache has the file's tables.
-    grabber.fail(content(2), -4711);
-    EXPECT_EQ(load(threeTables({Table{1}, Table{2}, Table{3}})), -4711);
-    EXPECT_EQ(log(), (Lines{allSent[0], allSent[1], allSent[2] + " = -4711"}));
-    std::uint32_t first = 0;
-    EXPECT_EQ(read(FG_LUT_VALUE_GREEN, 0, 1, &first), 0);
-    EXPECT_EQ(first, 2u);
-}
-
-TEST_F(LutFiles, FilesThatHoldLessOrMoreThanThreeTables) {
-    const Table old = ramp(3, 3), zeros(size), full = ramp(8, 9), longer = ramp(5, 5, size + 100);
-    setAll({{FG_LUT_TYPE, 0}});
-    const auto with = [](Table table, const Table& start) {
-        std::copy(start.begin(), start.end(), table.begin());
-        return table;
-    };
-    const std::pair<std::string, Tables> rows[] = {
-        {"", {old, old, old}},
-        {threeTables({Table{1, 2}, Table{3, 4}, Table{5, 6}}),
-         {with(old, {1, 2}), with(old, {3, 4}), with(old, {5, 6})}},
-        {section("red", full), {full, zeros, zeros}},
-        {threeTables({longer, full, longer}), {ramp(5, 5), full, ramp(5, 5)}},
-        {"nrOfElements=-1;\n[red]\n0,5;\n", {with(zeros, {5}), zeros, zeros}}};
-    for (const auto& [content, tables] : rows) {
-        SCOPED_TRACE(content.substr(0, 80));
-        fill({old, old, old});
-        EXPECT_EQ(load(content), 0);
-        EXPECT_EQ(log(), allSent);
-        expectLoaded(tables);
     }
 }
 

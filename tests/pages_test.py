@@ -7,6 +7,8 @@ block marked "sh", or in an indented block that starts with "$ ", bash runs each
 it). The lines below a command are what it must print; a line "..." is any number of lines, "..." within a line is any text. A
 command ends with 0, or with what a comment behind it says: "# exit 1"; "# until Ctrl-C" is one that has no end. A command
 with the comment "# not run" is left out. Lines that begin with "appletctl> " are typed into the command above them.
+
+PAGES_RENEW=1 writes what is printed into the page, where the page has no "..."; review the difference.
 """
 
 import os
@@ -62,17 +64,26 @@ def matches(expected, printed):
 
 
 def run(command, expected, typed, folder, environment):
-    """What is wrong with a command; nothing if all is well."""
+    """What is wrong with a command, nothing if all is well; and the lines that it printed."""
     code = re.search(r"# exit (\d+)$", command)
     if command.endswith("# until Ctrl-C"):
         command = "timeout --signal=INT 1 " + command + "\n[ $? = 124 ]"
     ended = subprocess.run(["bash", "-c", command], cwd=folder, env=environment, text=True, timeout=60,
                            input="\n".join(typed), stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
     wanted = int(code.group(1)) if code else 0
-    if ended.returncode == wanted and matches(expected, ended.stdout.splitlines()):
-        return ""
+    printed = ended.stdout.splitlines()
+    if ended.returncode == wanted and matches(expected, printed):
+        return "", printed
     return f"$ {command}\n-- expected, with exit code {wanted}:\n" + "\n".join(expected) + \
-        f"\n-- printed, with exit code {ended.returncode}:\n{ended.stdout}"
+        f"\n-- printed, with exit code {ended.returncode}:\n{ended.stdout}", printed
+
+
+def renewed(page, command, expected, printed):
+    """The page with other lines below a command, unless they are given in part."""
+    if any("..." in line for line in expected):
+        return page
+    old, new = ("".join(f"{line}\n" for line in (f"$ {command}", *lines)) for lines in (expected, printed))
+    return page.replace(old, new)
 
 
 def check_page(page_file, environment):
@@ -91,10 +102,14 @@ def check_page(page_file, environment):
                     if command.endswith("# not run"):
                         continue
                     count += 1
-                    wrong = run(command, expected, typed, folder, environment)
+                    wrong, printed = run(command, expected, typed, folder, environment)
                     if wrong:
                         failures += 1
                         print(f"{title}:\n{wrong}\n")
+                        page = renewed(page, command, expected, printed)
+    if "PAGES_RENEW" in os.environ:
+        with open(page_file, "w", encoding="utf-8") as file:
+            file.write(page)
     print(f"{os.path.basename(page_file)}: {count} commands, {failures} not as on the page")
     return count, failures
 

@@ -2,11 +2,13 @@
  * Every type of the public headers as the argument of one function, so that the debug information of a library made
  * of it describes them all, also those that are handed over behind a void pointer or bound by name.
  */
-#include "record_layout.h"
 #include "vexo/board_access.h"
+#include "vexo/design_loader.h"
+#include "vexo/fg_api.h"
 #include "vexo/fg_errors.h"
 #include "vexo/fg_parameters.h"
 #include "vexo/grabber_runtime.h"
+#include "vexo/logging_dispatcher.h"
 #include "vexo/register_info.h"
 
 struct PublicTypes {

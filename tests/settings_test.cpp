@@ -12,7 +12,9 @@
 //   mark                        published maxima that can move become 7777, to see which ones a set refreshes
 //   set NAME VALUE...           sets the values one after the other. 1.5+ is the next number above 1.5, 1.5- the one below;
 //                               max, max+4, max- count from the published maximum; most is the largest multiple in it
-//   file NAME VALUE             loads the present state with this value, which only a file can bring
+//   file NAME VALUE             loads the present state, then with this value: which accesses came (+) and went (-)
+//   saved NAME...               the lines of a save
+//   write FILE LINE...          makes a file; a line 0..9,7; is ten lines, 0,7; to 9,7;
 //   same NAME                   sets the present value again
 //   take NAME VALUE...          only which of the values are taken
 //   range NAME FIRST LAST       sets all whole numbers of the range, and some beyond it
@@ -102,8 +104,23 @@ Lines wordsOf(const std::string& line) {
     return words;
 }
 
+/** What a word of the command `write` is in the file. */
+std::string fileLinesOf(const std::string& word) {
+    const std::size_t dots = word.find("..");
+    if (dots == std::string::npos) return word + '\n';
+    std::string lines;
+    for (int i = std::stoi(word); i <= std::stoi(word.substr(dots + 2)); ++i)
+        lines += std::to_string(i) + word.substr(word.find(',')) + '\n';
+    return lines;
+}
+
 class Settings : public ParameterTest, public testing::WithParamInterface<std::string> {
 protected:
+    void SetUp() override { std::filesystem::current_path(m_folder / "."); }
+    void TearDown() override {
+        std::filesystem::current_path(m_before);
+        ParameterTest::TearDown();
+    }
     /** Of all records with a value, in the order of the tree. */
     std::vector<RegisterInfo*> records() {
         std::vector<RegisterInfo*> found;
@@ -242,6 +259,26 @@ protected:
             answer(std::to_string(values.size()) + " others refused " + std::to_string(code));
     }
 
+    Lines accessesOfALoad() {
+        clearLog();
+        EXPECT_EQ(applet.Fg_loadConfig(grabber.fg(), "state.mcf"), FG_OK);
+        return log();
+    }
+    void loadWith(const std::string& name, const std::string& value) {
+        ASSERT_EQ(applet.Fg_saveConfig(grabber.fg(), "state.mcf"), FG_OK);
+        Lines went = accessesOfALoad();
+        std::string text = fileBytes("state.mcf");
+        const std::size_t begin = text.find("\n" + name + "=") + name.size() + 2;
+        writeFile("state.mcf", text.replace(begin, text.find(';', begin) - begin, value));
+        for (const std::string& line : accessesOfALoad())
+            if (const auto usual = std::ranges::find(went, line); usual != went.end())
+                went.erase(usual);
+            else
+                answer("+ " + shortened(line));
+        for (const std::string& line : went)
+            answer("- " + shortened(line));
+    }
+
     void showTable(const RegisterInfo& record, const std::string& content) {
         const auto show = [&](const std::string& title, const std::vector<std::uint32_t>& table) {
             std::uint64_t hash = 14695981039346656037u;
@@ -320,13 +357,16 @@ protected:
             RegisterInfo& record = *recordOf(name);
             setOne(record, read(record));
         } else if (command == "file") {
-            const TemporaryFolder folder;
-            const std::string path = folder / "state.mcf", key = "\n" + name + "=";
-            ASSERT_EQ(applet.Fg_saveConfig(grabber.fg(), path.c_str()), FG_OK);
-            std::string text = fileBytes(path);
-            const std::size_t value = text.find(key) + key.size();
-            writeFile(path, text.replace(value, text.find(';', value) - value, words.at(2)));
-            ASSERT_EQ(applet.Fg_loadConfig(grabber.fg(), path.c_str()), FG_OK);
+            loadWith(name, words.at(2));
+        } else if (command == "saved") {
+            ASSERT_EQ(applet.Fg_saveConfig(grabber.fg(), "state.mcf"), FG_OK);
+            for (const std::string& line : fileLines("state.mcf"))
+                if (std::ranges::count(words, line.substr(0, line.find('='))) != 0) answer(line);
+        } else if (command == "write") {
+            std::string text;
+            for (std::size_t i = 2; i < words.size(); ++i)
+                text += fileLinesOf(words[i]);
+            writeFile(name, text);
         } else if (command == "take") {
             std::string taken = "taken:";
             for (std::size_t i = 2; i < words.size(); ++i)
@@ -350,6 +390,8 @@ protected:
         }
     }
 
+    const std::filesystem::path m_before = std::filesystem::current_path();
+    const TemporaryFolder m_folder;
     std::vector<RegisterInfo*> m_records;
     std::optional<std::pair<unsigned, int>> m_failing;
     bool m_isQuiet = false, m_isShort = false;

@@ -80,9 +80,8 @@ std::string documentOf(Grabber& grabber) {
 
 /** A document without what sets of parameters change in it. */
 std::string frameOf(const std::string& document) {
-    std::istringstream in(document);
     std::string frame;
-    for (std::string line; std::getline(in, line);)
+    for (const std::string& line : linesOf(document))
         if (!line.starts_with("<Min>") && !line.starts_with("<Max>") && !line.starts_with("<AccessMode>"))
             frame += line + '\n';
     return frame;
@@ -344,16 +343,12 @@ TEST_F(CancelledThread, LeavesNoTextAndNoFile) {
         [&] { return applet.Fg_saveConfig(grabber.fg(), file.c_str()); },
         [&] { return applet.Fg_loadConfig(grabber.fg(), file.c_str()); },
     };
-    const int lowest = dup(STDERR_FILENO);
-    close(lowest);
+    const auto before = held();
     for (const auto& call : calls)
         EXPECT_GT(sweep(
                       grabber, [] {}, call),
                   0);
-    const int descriptor = dup(STDERR_FILENO);
-    close(descriptor);
-    EXPECT_EQ(descriptor, lowest);
-    EXPECT_EQ(support::live("strings"), 0);
+    EXPECT_EQ(held(), before);
 }
 
 TEST_F(CancelledThread, LeavesNothingOfABringUp) {

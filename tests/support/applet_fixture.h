@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <concepts>
 #include <cstdint>
 #include <functional>
@@ -32,6 +33,9 @@ template <typename Function> Function* designLoader(const char* name) {
 /** Number of "boards", "designs", "handles" or "strings" that the virtual board has given out. */
 int live(const char* what);
 
+/** Numbers of open files, and of all that `live` counts: what a call must not leave behind. */
+std::array<long, 5> held();
+
 /** Board or design of the handle that was brought up last. */
 LOOMdevice* lastDevice();
 fpga_design* lastDesign();
@@ -48,6 +52,8 @@ struct Register {
 };
 std::vector<Register> registers();
 
+/** The lines of a text. */
+Lines linesOf(const std::string& text);
 /** The lines of a file; none of one that cannot be read. */
 Lines fileLines(const std::string& path);
 /** An expected listing of tests/data: its lines, or each line cut into its words. */

@@ -10,6 +10,9 @@
 
 namespace appletctl_program {
 
+const Words scriptedRegisters{"VEXO_ENABLE_DRA=on", "LD_PRELOAD=" SCRIPTED_REGISTERS,
+                              "ASAN_OPTIONS=verify_asan_link_order=0"};
+
 void become(const Words& arguments, const Words& environment) {
     unsetenv("COLUMNS"); // the tests' own terminal is not the program's
     for (const std::string& setting : environment) {
@@ -58,25 +61,11 @@ Outcome run(const Words& arguments, const Words& environment, const char* input,
     return {exitCode, contents(out), contents(err)};
 }
 
-Outcome talk(const Words& arguments, const Words& environment, const std::string& input,
-             unsigned short columns) {
+Outcome converse(const Words& arguments, const Words& environment, const std::string& prompt,
+                 const Words& lines, unsigned short columns) {
     int terminal = -1;
     const winsize size{.ws_row = 0, .ws_col = columns, .ws_xpixel = 0, .ws_ypixel = 0};
     const pid_t child = forkpty(&terminal, nullptr, nullptr, &size);
-    if (child == 0) become(arguments, environment);
-    if (write(terminal, input.data(), input.size()) < 0) return {-1, "", "nothing can be typed"};
-    std::string text;
-    char buffer[4096];
-    for (ssize_t count; (count = read(terminal, buffer, sizeof buffer)) > 0;)
-        text.append(buffer, static_cast<std::size_t>(count));
-    close(terminal);
-    return {exitCodeOf(child), text, ""};
-}
-
-Outcome converse(const Words& arguments, const Words& environment, const std::string& prompt,
-                 const Words& lines) {
-    int terminal = -1;
-    const pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
     if (child == 0) become(arguments, environment);
     std::string text;
     std::size_t answered = 0, typed = 0; // up to where the text was answered, and by how many lines
@@ -94,7 +83,7 @@ Outcome converse(const Words& arguments, const Words& environment, const std::st
 }
 
 std::string onTerminal(const Words& arguments, const Words& environment, unsigned short columns) {
-    return talk(arguments, environment, "", columns).out;
+    return converse(arguments, environment, "", {}, columns).out;
 }
 
 json document(Words arguments, const Words& environment) {

@@ -25,6 +25,9 @@ struct Outcome {
 /** Becomes appletctl, with these settings ("NAME=VALUE", or "NAME" to take one away) in the environment. */
 [[noreturn]] void become(const Words& arguments, const Words& environment);
 
+/** An environment with registers that read 5, fail, read 9 and then 2. */
+extern const Words scriptedRegisters;
+
 /** Waits for the end of a child; a signal counts from 128 on. */
 int exitCodeOf(pid_t child);
 
@@ -35,13 +38,11 @@ std::string contents(std::FILE* file);
 Outcome run(const Words& arguments, const Words& environment = {}, const char* input = "/dev/null",
             const std::function<void()>& prepare = {});
 
-/** What the program prints on a terminal on which `input` was typed, and its exit code. */
-Outcome talk(const Words& arguments, const Words& environment, const std::string& input = "",
-             unsigned short columns = 0);
-
-/** What the program prints on a terminal on which the lines are typed, each one behind the next prompt. */
+/**
+ * What the program prints on a terminal on which the lines are typed, each one behind the next prompt, and its exit code.
+ */
 Outcome converse(const Words& arguments, const Words& environment, const std::string& prompt,
-                 const Words& lines);
+                 const Words& lines, unsigned short columns = 0);
 
 /** What the program prints on a terminal of that width; 0: one that does not tell its width. */
 std::string onTerminal(const Words& arguments, const Words& environment, unsigned short columns = 0);
