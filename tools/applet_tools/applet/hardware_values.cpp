@@ -1,7 +1,5 @@
 #include "applet_tools/applet/hardware_values.h"
 
-#include "applet_tools/applet/published_limits.h"
-
 #include <algorithm>
 #include <cmath>
 
@@ -26,6 +24,8 @@ constexpr double cycle = 8e-9; // s, of the camera simulator
 constexpr const char* triggerWords = "the trigger counts in steps of 0.008 µs";
 constexpr const char* gainWords = "gains have steps of 1/1024";
 constexpr const char* pixelWords = "the simulator makes 32 pixels at a time";
+constexpr const char* gapWords =
+    "the simulator makes gaps in the mode FG_PIXEL_FREQUENCY only, of 32 pixels at a time";
 constexpr const char* rateWords = "the simulator counts whole cycles of 8 ns for a line";
 
 constexpr Rule rules[] = {
@@ -38,7 +38,7 @@ constexpr Rule rules[] = {
     {"FG_SCALINGFACTOR_GREEN", Counting::steps, 1.0 / 1024, gainWords},
     {"FG_SCALINGFACTOR_BLUE", Counting::steps, 1.0 / 1024, gainWords},
     {"FG_CAMERASIMULATOR_WIDTH", Counting::readBack, 0, pixelWords},
-    {"FG_CAMERASIMULATOR_LINE_GAP", Counting::readBack, 0, pixelWords},
+    {"FG_CAMERASIMULATOR_LINE_GAP", Counting::readBack, 0, gapWords},
     {"FG_CAMERASIMULATOR_LINERATE", Counting::lineCycles, 0, rateWords},
     {"FG_CAMERASIMULATOR_FRAMERATE", Counting::readBack, 0, rateWords},
 };
@@ -95,9 +95,7 @@ bool areNeighbours(const Parameter& parameter, const Value& saved, const Value& 
 
 std::string requestedAndActual(const Parameter& parameter, const Value& requested, const Value& held) {
     const std::string wanted = valueText(parameter, requested);
-    // What is read-only in the present mode reads as that mode has it, whatever was set.
-    const std::string why =
-        accessWord(parameter) == "ro" ? "it is read-only in the present mode" : countingOf(parameter);
+    const std::string why = countingOf(parameter);
     if (wanted != valueText(parameter, held))
         return " (requested " + wanted + (why.empty() ? ")" : "; " + why + ")");
     if (const auto actual = nearestStep(parameter, held))
