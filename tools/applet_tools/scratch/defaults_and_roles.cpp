@@ -77,12 +77,12 @@ json defaultsAndRolesJob(ScratchSession& session, const json& arguments) {
 }
 
 std::map<std::string, DefaultAndRole>
-backgroundOf(Context& context, const std::vector<const Parameter*>& parameters, FileRoles roles) {
+backgroundOf(LiveSession& live, const std::vector<const Parameter*>& parameters, FileRoles roles) {
     std::vector<std::string> names;
     for (const Parameter* parameter : parameters)
         names.push_back(parameter->name);
     const json answer =
-        context.scratch().ask("defaultsAndRoles", {{"names", names}, {"roles", roles == FileRoles::asked}});
+        live.scratch().ask("defaultsAndRoles", {{"names", names}, {"roles", roles == FileRoles::asked}});
     std::map<std::string, DefaultAndRole> defaultsAndRoles;
     for (const Parameter* parameter : parameters) {
         const json& told = answer.at(parameter->name);

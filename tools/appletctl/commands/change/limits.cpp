@@ -205,9 +205,10 @@ Subject subjectOf(const Probe& probe, const Target& target) {
 } // namespace
 
 json limitsJob(ScratchSession& session, const json& arguments) {
+    layOutAsAsked(arguments);
     Report report;
     auto& rows = report.document["parameters"] = ordered_json::array();
-    startFrom(session, arguments);
+    startFrom(session, arguments.at("with").get<Words>());
     Probe probe(session);
     std::vector<Subject> subjects;
     std::set<std::string> seen;

@@ -76,8 +76,7 @@ std::string whyStuck(ScratchSession& session, const std::string& word) {
     Probe probe(session);
     const int code = probe.answer(assignment.target, assignment.value);
     const std::string refusal = refusalInWords(*assignment.target.parameter, assignment.value, code);
-    nlohmann::ordered_json row;
-    return asked + " passes in no order: " + refusal + addSuggestion(probe, assignment, row);
+    return asked + " passes in no order: " + refusal + suggestionFor(probe, assignment).words;
 }
 
 } // namespace

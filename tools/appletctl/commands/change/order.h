@@ -2,8 +2,8 @@
 #ifndef APPLETCTL_COMMANDS_CHANGE_ORDER_H
 #define APPLETCTL_COMMANDS_CHANGE_ORDER_H
 
-#include "applet_tools/scratch/Context.h"
 #include "appletctl/base/output.h"
+#include "appletctl/commands/Context.h"
 
 namespace appletctl {
 

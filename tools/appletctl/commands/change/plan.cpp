@@ -8,12 +8,13 @@
 #include "applet_tools/scratch/refusal.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/CommandRun.h"
+#include "appletctl/commands/assignment_report.h"
 #include "appletctl/commands/files/differences.h"
 #include "appletctl/commands/files/loading.h"
 #include "appletctl/commands/jobs.h"
+#include "appletctl/commands/lines.h"
 #include "appletctl/commands/reports.h"
 #include "appletctl/commands/shared_options.h"
-#include "appletctl/commands/signals/trace.h"
 
 #include <CLI/CLI.hpp>
 
@@ -78,7 +79,7 @@ std::string addMoves(ScratchSession& session, const std::vector<ParameterState>&
 Report planAssignments(ScratchSession& session, const Words& words) {
     DesignSnapshot picture(session);
     std::vector<ParameterState> facts = factsOf(session);
-    AssignmentHooks hooks;
+    AssignmentAdditions hooks;
     hooks.takeWrites = [&] { return takeWrites(session.instance()); };
     hooks.areWritesNamed = true;
     hooks.isLeftOut = [](const Assignment& assignment) { return assignment.target.parameter->writesFile(); };
@@ -91,12 +92,14 @@ Report planAssignments(ScratchSession& session, const Words& words) {
         facts = std::move(factsThen);
         return text;
     };
-    hooks.suggestion = [&](const Assignment& assignment, ordered_json& row) {
+    hooks.suggestion = [&](const Assignment& assignment, int, ordered_json& row) {
         session.keep();
         Probe probe(session);
-        return addSuggestion(probe, assignment, row);
+        const Suggestion suggestion = suggestionFor(probe, assignment);
+        row.update(suggestion.members);
+        return suggestion.words;
     };
-    return applyAssignments(session.instance(), session.parameters(), words, hooks);
+    return reportAssignments(session.instance(), session.parameters(), words, hooks);
 }
 
 /** What a load writes to the design, under the parameters that write it. */
@@ -231,6 +234,7 @@ bool isAgreed() {
 } // namespace
 
 json planJob(ScratchSession& session, const json& arguments) {
+    layOutAsAsked(arguments);
     const auto words = arguments.at("words").get<Words>();
     return asMessage(isFile(words) ? planFile(session, fileOf(words), arguments.at("all").get<bool>())
                                    : planAssignments(session, words));

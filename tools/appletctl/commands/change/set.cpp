@@ -5,10 +5,10 @@
 #include "applet_tools/scratch/DesignSnapshot.h"
 #include "applet_tools/scratch/refusal.h"
 #include "appletctl/commands/Command.h"
+#include "appletctl/commands/assignment_report.h"
 #include "appletctl/commands/change/order.h"
 #include "appletctl/commands/jobs.h"
 #include "appletctl/commands/reports.h"
-#include "appletctl/commands/signals/trace.h"
 
 #include <CLI/CLI.hpp>
 
@@ -87,7 +87,7 @@ void addWaiting(Context& context, Report& report) {
             names.push_back(name);
     }
     if (names.empty()) return;
-    const Report answer = reportOf(context.scratch().ask("why", {{"words", names}, {"with", Words{}}}));
+    const Report answer = askReport(context.scratch(), "why", {{"words", names}, {"with", Words{}}});
     auto& rows = report.document["waiting"] = ordered_json::array();
     for (const auto& why : answer.document["answers"]) {
         const auto ways = why.value("writableWith", Words{});
@@ -101,14 +101,12 @@ void addWaiting(Context& context, Report& report) {
 
 json expectJob(ScratchSession& session, const json& arguments) {
     json taken = json::array();
-    AssignmentHooks hooks;
-    hooks.after = [&](const Assignment& assignment, ordered_json&) {
-        const ReadResult reading = readValue(session.instance(), assignment.target);
-        taken.push_back(reading.error == FG_OK ? asMessage(reading.value) : json());
-        return "";
+    const auto take = [&](const AssignmentResult& result) {
+        if (result.code != FG_OK) return;
+        taken.push_back(result.actual.error == FG_OK ? asMessage(result.actual.value) : json());
     };
     applyAssignments(session.instance(), session.parameters(), arguments.at("assignments").get<Words>(),
-                     hooks);
+                     {.after = take});
     std::set<std::string> written;
     for (const std::string& line : takeWrites(session.instance()))
         written.insert(writtenParameter(line));
@@ -146,7 +144,7 @@ Report setParameters(Context& context, const Words& asked) {
     }
     json expected;
     if (own.verify) expected = context.scratch().ask("expect", {{"assignments", words}});
-    AssignmentHooks hooks;
+    AssignmentAdditions hooks;
     if (options.trace) hooks.takeWrites = [&] { return writesOf(context.takeAccesses()); };
     append(report, applyLive(context, words, hooks));
     addWaiting(context, report);

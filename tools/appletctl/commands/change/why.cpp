@@ -58,7 +58,8 @@ WhyReport whyRefused(Probe& probe, const Assignment& assignment) {
     }
     answer.row["error"] = codeAsJson(code);
     answer.table.addRow({"refused", refusalInWords(parameter, assignment.value, code)});
-    const RefusalCauses found = findCauses(probe, assignment, answer.row);
+    const RefusalCauses found = findCauses(probe, assignment);
+    addCauses(answer.row, probe.at(place), found);
     if (!found.limit.empty()) answer.table.addRow({"limit", found.limit});
     if (found.isTried) answer.addWays("accepted with", "acceptedWith", found.acceptedWith);
     if (found.nearest) answer.table.addRow({"nearest", exactValueWithUnit(probe.at(place), *found.nearest)});
@@ -103,9 +104,10 @@ WhyReport whyReadOnly(Probe& probe, const Target& target) {
 } // namespace
 
 json whyJob(ScratchSession& session, const json& arguments) {
+    layOutAsAsked(arguments);
     Report report;
     auto& rows = report.document["answers"] = ordered_json::array();
-    startFrom(session, arguments);
+    startFrom(session, arguments.at("with").get<Words>());
     Probe probe(session);
     const auto words = arguments.at("words").get<Words>();
     for (const std::string& word : words) {

@@ -9,6 +9,7 @@
 namespace appletctl {
 
 json checkJob(ScratchSession& session, const json& arguments) {
+    layOutAsAsked(arguments);
     FileKeys keys(session);
     const LoadOutcome outcome = loadAndCompare(session, keys, arguments.at("file").get<std::string>());
     Report report;
@@ -17,7 +18,7 @@ json checkJob(ScratchSession& session, const json& arguments) {
 }
 
 Check askCheck(ScratchBoard& scratch, const std::string& file) {
-    const json answer = scratch.ask("check", {{"file", file}});
+    const json answer = scratch.ask("check", {{"file", file}, {"plain", isPlainOutput()}});
     return {reportOf(answer["report"]), answer["code"].get<int>(),
             ConfigurationFile(bytesOf(answer["state"]))};
 }

@@ -2,7 +2,7 @@
 #ifndef APPLETCTL_COMMANDS_FILES_CHECK_H
 #define APPLETCTL_COMMANDS_FILES_CHECK_H
 
-#include "applet_tools/scratch/Context.h"
+#include "appletctl/commands/Context.h"
 #include "appletctl/commands/files/loading.h"
 
 #include <string>

@@ -94,6 +94,7 @@ std::size_t addDifferences(Report& report, const std::vector<Side>& sides, const
 }
 
 json differencesJob(ScratchSession& session, const json& arguments) {
+    layOutAsAsked(arguments);
     std::vector<std::optional<ConfigurationFile>> files;
     for (const json& side : arguments.at("sides")) {
         const json& text = side.at("text");
@@ -128,7 +129,7 @@ std::size_t askDifferences(Report& report, const std::vector<Side>& sides, Scrat
         arguments["sides"].push_back(
             {{"title", side.title}, {"member", side.member}, {"text", std::move(text)}});
     }
-    append(report, reportOf(scratch.ask("differences", arguments)));
+    append(report, askReport(scratch, "differences", arguments));
     return report.document["differences"].size();
 }
 

@@ -239,8 +239,7 @@ void addCauses(ScratchSession& session, const std::string& file, const Configura
         const auto value = valueInFile(parameter, std::string(line->value));
         if (!value || parameter.kind() == REGISTER_KIND_STRING) continue;
         Probe probe(session);
-        nlohmann::ordered_json row;
-        finding.message += addSuggestion(probe, {{&parameter}, std::string(line->value), *value}, row);
+        finding.message += suggestionFor(probe, {{&parameter}, std::string(line->value), *value}).words;
     }
 }
 

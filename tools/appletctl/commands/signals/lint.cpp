@@ -1,6 +1,7 @@
 // Legal but doubtful states. The rules look at a scratch board, where values may be tried.
 
 #include "appletctl/commands/signals/lint.h"
+#include "appletctl/commands/assignment_report.h"
 
 #include "applet_tools/applet/LutTables.h"
 #include "applet_tools/applet/access_log.h"

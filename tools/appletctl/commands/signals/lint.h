@@ -2,7 +2,7 @@
 #ifndef APPLETCTL_COMMANDS_SIGNALS_LINT_H
 #define APPLETCTL_COMMANDS_SIGNALS_LINT_H
 
-#include "applet_tools/scratch/Context.h"
+#include "appletctl/commands/Context.h"
 
 #include <nlohmann/json.hpp>
 
