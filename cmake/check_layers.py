@@ -18,10 +18,11 @@ TOOLS = "tools/applet_tools/"
 TOOLS_BASE = [*HEADERS, f"{TOOLS}base/**"]
 TOOLS_APPLET = [*TOOLS_BASE, *HOST, f"{TOOLS}applet/**"]
 TOOLS_SCRATCH = [*TOOLS_APPLET, f"{TOOLS}scratch/**"]
+TOOLS_ANSWERS = [*TOOLS_SCRATCH, f"{TOOLS}answers/**"]
 TOOL = "tools/appletctl/"
 BASE = [*TOOLS_BASE, f"{TOOL}base/**"]
 DRAW = [*BASE, f"{TOOL}draw/**"]
-COMMANDS = [*TOOLS_SCRATCH, *DRAW, f"{TOOL}commands/**"]
+COMMANDS = [*TOOLS_ANSWERS, *DRAW, f"{TOOL}commands/**"]
 
 # The files of a room, and what they may include. A file belongs to the first row that it matches. A star stays within a
 # folder, two stars do not.
@@ -47,6 +48,7 @@ ROOMS = [
     (f"{TOOLS}base/**", TOOLS_BASE),
     (f"{TOOLS}applet/**", TOOLS_APPLET),
     (f"{TOOLS}scratch/**", TOOLS_SCRATCH),
+    (f"{TOOLS}answers/**", TOOLS_ANSWERS),
     (f"{TOOL}base/**", BASE),
     (f"{TOOL}draw/**", DRAW),
     (f"{TOOL}commands/**", COMMANDS),

@@ -36,6 +36,9 @@ std::string fileRoleInWords(const std::string& role);
  *  roles are wanted} (see DefaultAndRole). */
 nlohmann::json defaultsAndRolesJob(ScratchSession& session, const nlohmann::json& arguments);
 
+/** The values of all that has a setter, in the order of the applet's start: [{"name", "value"}, ...]. */
+nlohmann::json defaultsJob(ScratchSession& session, const nlohmann::json& nothing);
+
 /** The names of the parameters of which a read asks the board or the runtime: [NAME, ...]. */
 nlohmann::json fromBoardJob(ScratchSession& session, const nlohmann::json& nothing);
 

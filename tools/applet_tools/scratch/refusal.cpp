@@ -21,14 +21,13 @@ std::optional<End> exceededEnd(const MeasuredRange& range, const Value& wanted) 
 }
 
 /** "the maximum is set by FG_XOFFSET (16384 with FG_XOFFSET=0) and FG_SENSORWIDTH (...)". */
-std::string causesInWords(const Probe& probe, const Parameter& parameter, const LimitCauses& causes,
-                          End end) {
+std::string causesInWords(const Parameter& parameter, const LimitCauses& causes, End end) {
     const std::string limit = std::string("the ") + nameOf(end) + " is ";
     if (!fixedInWords(causes).empty()) return limit + "fixed";
     std::vector<std::string> words;
     for (const Widening& widening : causes.parameters)
-        words.push_back(probe.at(widening.change.place).name + " (" + valueText(parameter, widening.limit) +
-                        " with " + probe.words(widening.change) + ")");
+        words.push_back(widening.parameter + " (" + valueText(parameter, widening.limit) + " with " +
+                        widening.with + ")");
     for (const DesignCause& cause : causes.design)
         if (words.empty() || words.back() != shortWords(cause)) words.push_back(shortWords(cause));
     return limit + "set by " + join(words, " and ");
@@ -46,8 +45,8 @@ void addRange(Probe& probe, const Subject& subject, const Value& wanted, Refusal
     const auto end = exceededEnd(*range, wanted);
     if (!end) return;
     const LimitCauses causes = causesOf(probe, subject, *range, *end);
-    found.limit = causesInWords(probe, probe.at(subject.place), causes, *end);
-    found.setBy = asJson(probe, causes, *end);
+    found.limit = causesInWords(probe.at(subject.place), causes, *end);
+    found.setBy = asJson(causes, *end);
 }
 
 /** The number that the assignment asks for; nothing for texts and entries. */
