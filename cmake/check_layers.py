@@ -18,13 +18,11 @@ TOOLS = "tools/applet_tools/"
 TOOLS_BASE = [*HEADERS, f"{TOOLS}base/**"]
 TOOLS_APPLET = [*TOOLS_BASE, *HOST, f"{TOOLS}applet/**"]
 TOOLS_SCRATCH = [*TOOLS_APPLET, f"{TOOLS}scratch/**"]
+TOOLS_ANSWERS = [*TOOLS_SCRATCH, f"{TOOLS}answers/**"]
 TOOL = "tools/appletctl/"
 BASE = [*TOOLS_BASE, f"{TOOL}base/**"]
 DRAW = [*BASE, f"{TOOL}draw/**"]
-COMMANDS = [*TOOLS_SCRATCH, *DRAW, f"{TOOL}commands/**"]
-# Of the library of tools these still know how the command line prints.
-STILL_PRINTING = ["applet/LutTables.cpp", "applet/access_log.cpp", "applet/Instance.h", "applet/values.cpp",
-                  "applet/assignments.h", "base/words.h", "scratch/History.h", "scratch/ScratchBoard.*"]
+COMMANDS = [*TOOLS_ANSWERS, *DRAW, f"{TOOL}commands/**"]
 
 # The files of a room, and what they may include. A file belongs to the first row that it matches. A star stays within a
 # folder, two stars do not.
@@ -47,13 +45,11 @@ ROOMS = [
     ("src/entry/**", [*HEADERS, "src/**"]),
     ("virtual_board/**", BOARD),
     ("tools/applet_host/**", HOST),
-    *((f"{TOOLS}{name}", [*TOOLS_SCRATCH, f"{TOOL}base/**"]) for name in STILL_PRINTING),
     (f"{TOOLS}base/**", TOOLS_BASE),
     (f"{TOOLS}applet/**", TOOLS_APPLET),
     (f"{TOOLS}scratch/**", TOOLS_SCRATCH),
+    (f"{TOOLS}answers/**", TOOLS_ANSWERS),
     (f"{TOOL}base/**", BASE),
-    # Draws lookup tables as the applet has them, not a mere span of numbers.
-    (f"{TOOL}draw/curve.*", [*DRAW, f"{TOOLS}applet/LutTables.h"]),
     (f"{TOOL}draw/**", DRAW),
     (f"{TOOL}commands/**", COMMANDS),
     (f"{TOOL}cli/**", [*HEADERS, "virtual_board/virtual_board.h", "tools/**"]),

@@ -53,7 +53,7 @@ private:
 
 } // namespace
 
-applet_host::Locations locationsFor(const Options& options) {
+applet_host::Locations locationsFor(const BoardOptions& options) {
     applet_host::Locations where = applet_host::Locations::beside();
     if (!options.applet.empty()) where.applet = options.applet;
     if (options.board == BoardKind::system && !options.offline) where.virtualBoard.clear();
@@ -61,16 +61,10 @@ applet_host::Locations locationsFor(const Options& options) {
     return where;
 }
 
-void requireBoard(const Options& options, const char* command) {
-    if (options.offline)
-        throw UsageError("'" + std::string(command) +
-                         "' needs a board, and --offline has none: leave --offline out");
-}
-
-Instance::Instance(const Options& options, DesignParameters design)
+Instance::Instance(const BoardOptions& options, DesignParameters design)
     : Instance(options, std::make_shared<applet_host::AppletHost>(locationsFor(options)), design) {}
 
-Instance::Instance(const Options& options, std::shared_ptr<const applet_host::AppletHost> host,
+Instance::Instance(const BoardOptions& options, std::shared_ptr<const applet_host::AppletHost> host,
                    DesignParameters design, const applet_host::Prepare& prepare)
     : m_host(std::move(host)) {
     ++effort().bringUps;

@@ -3,7 +3,7 @@
 #define APPLET_TOOLS_APPLET_INSTANCE_H
 
 #include "applet_host/AppletHost.h"
-#include "appletctl/base/Options.h"
+#include "applet_tools/base/BoardOptions.h"
 
 #include <memory>
 #include <set>
@@ -13,10 +13,7 @@
 namespace appletctl {
 
 /** The libraries that the options name. */
-applet_host::Locations locationsFor(const Options& options);
-
-/** Throws UsageError, naming the command, when the options ask for an instance without a board. */
-void requireBoard(const Options& options, const char* command);
+applet_host::Locations locationsFor(const BoardOptions& options);
 
 /** Whether an applet is to publish the design's own parameters, whatever the environment says. */
 enum class DesignParameters { asSwitched, published };
@@ -32,9 +29,9 @@ struct LoadHistory {
  *  found and Unavailable when the applet does not come up. */
 class Instance {
 public:
-    explicit Instance(const Options& options, DesignParameters design = DesignParameters::asSwitched);
+    explicit Instance(const BoardOptions& options, DesignParameters design = DesignParameters::asSwitched);
     /** One more on libraries that are loaded already; `prepare` is called with its board before the bring-up. */
-    Instance(const Options& options, std::shared_ptr<const applet_host::AppletHost> host,
+    Instance(const BoardOptions& options, std::shared_ptr<const applet_host::AppletHost> host,
              DesignParameters design = DesignParameters::asSwitched,
              const applet_host::Prepare& prepare = {});
     ~Instance();

@@ -2,9 +2,6 @@
 
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/files.h"
-#include "appletctl/base/output.h"
-
-#include <unistd.h>
 
 #include <algorithm>
 #include <map>
@@ -52,12 +49,6 @@ template <typename Iterator> std::size_t clippedLength(Iterator first, Iterator 
     const auto length =
         std::find_if(first, end, [&](std::uint32_t entry) { return entry != *first; }) - first;
     return length > 1 ? static_cast<std::size_t>(length) : 0;
-}
-
-std::string clippedText(const Elements& entries, const std::optional<ElementRange>& range) {
-    if (!range) return "-";
-    return numberText(range->first) + ".." + numberText(range->last) + " at " +
-           numberText(entries[range->first]);
 }
 
 std::size_t differences(const Elements& a, const Elements& b) {
@@ -157,22 +148,6 @@ std::string boardInWords(const LutTables& tables, const LutTable& table) {
     for (const LutTable& other : tables.colours)
         if (*table.onBoard == other.entries) return std::string("table of ") + other.colour;
     return numberText(differences(*table.onBoard, table.entries)) + " entries differ";
-}
-
-std::string statisticsText(const LutTables& tables) {
-    Table text;
-    text.setTitles({"COLOUR", "MINIMUM", "MAXIMUM", "DISTINCT", "COURSE", "CLIPPED AT START",
-                    "CLIPPED AT END", "BOARD"});
-    text.setDispensable({"DISTINCT", "COURSE"});
-    for (const LutTable& table : tables.colours) {
-        const LutStatistics told = statisticsOf(table.entries, tables.largest);
-        const std::string board = boardInWords(tables, table);
-        text.addRow({table.colour, numberText(told.minimum), numberText(told.maximum),
-                     numberText(told.distinct), told.course, clippedText(table.entries, told.atStart),
-                     clippedText(table.entries, told.atEnd), board.empty() ? "-" : board});
-    }
-    return text.render(Style::forStream(STDOUT_FILENO)) +
-           forPerson(tables.areEqual() ? "The three colours are equal.\n" : "The three colours differ.\n");
 }
 
 nlohmann::ordered_json statisticsAsJson(const LutTables& tables) {

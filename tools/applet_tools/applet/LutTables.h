@@ -27,11 +27,11 @@ struct LutTables {
     bool areEqual() const;
 };
 
-/** Reads all three tables. Throws Failure when the applet does not give one. */
 /** What is missing of a lookup table file, which the applet reads as zeros without a word: "[green] is missing". Empty
  *  for a file that is whole. */
 std::string lutFileTrouble(const std::string& file);
 
+/** Reads all three tables. Throws Failure when the applet does not give one. */
 LutTables readLutTables(Instance& instance, const ParameterList& parameters);
 
 struct LutStatistics {
@@ -48,9 +48,6 @@ LutStatistics statisticsOf(const Elements& entries, std::uint32_t largest);
 /** How the board's table of one colour relates to the applet's: "same", "table of blue", "12 entries differ";
  *  empty without a board. */
 std::string boardInWords(const LutTables& tables, const LutTable& table);
-
-/** Rows of text for all colours, and whether they are equal. */
-std::string statisticsText(const LutTables& tables);
 
 nlohmann::ordered_json statisticsAsJson(const LutTables& tables);
 

@@ -2,7 +2,6 @@
 
 #include "applet_tools/base/numbers.h"
 #include "applet_tools/base/text.h"
-#include "appletctl/base/output.h"
 
 #include <optional>
 #include <sstream>
@@ -95,14 +94,6 @@ void logAccesses(Instance& instance) {
     logKinds(instance, VBOARD_SET | VBOARD_GET | VBOARD_REGISTER_WRITE | VBOARD_REGISTER_READ);
 }
 
-std::string accessLine(const std::string& line) {
-    std::vector<std::string> cells;
-    std::istringstream words(line);
-    for (std::string word; words >> word;)
-        cells.push_back(word);
-    return lineOf(cells, "  " + line);
-}
-
 std::vector<std::string> takeWrites(Instance& instance) {
     std::vector<std::string> lines;
     const std::size_t count = instance.board().log_size(instance.device());
@@ -110,6 +101,19 @@ std::vector<std::string> takeWrites(Instance& instance) {
         lines.push_back(logLine(instance, i));
     instance.board().log_clear(instance.device());
     return lines;
+}
+
+std::vector<std::string> writesOf(const std::vector<std::string>& accesses) {
+    std::vector<std::string> writes;
+    for (const std::string& line : accesses)
+        if (line.starts_with("set ") || line.starts_with("write ")) writes.push_back(line);
+    return writes;
+}
+
+std::string writtenParameter(const std::string& line) {
+    std::string access, name;
+    std::istringstream(line) >> access >> name;
+    return name;
 }
 
 } // namespace appletctl

@@ -17,11 +17,14 @@ void logWrites(Instance& instance);
 /** From now on it logs all accesses to values of the design. */
 void logAccesses(Instance& instance);
 
-/** A line of the log as output; its words are the cells with --plain. */
-std::string accessLine(const std::string& line);
-
-/** The log since it was last taken, one line for each write (see vboard_log_line). */
+/** The log since it was last taken, one line for each access (see vboard_log_line). */
 std::vector<std::string> takeWrites(Instance& instance);
+
+/** Those of the lines that are writes. */
+std::vector<std::string> writesOf(const std::vector<std::string>& accesses);
+
+/** "Device1_..." of "set Device1_... u32 5". */
+std::string writtenParameter(const std::string& line);
 
 /** Lines of the log as a list of objects: {"access": "set", "parameter": "Device1_...", "type": "u32",
  *  "value": 2048}; "first" and "count" of a field, "error" of an access that failed. */

@@ -3,6 +3,7 @@
 #include "applet_tools/applet/access_log.h"
 #include "applet_tools/applet/hardware_values.h"
 #include "applet_tools/applet/published_limits.h"
+#include "applet_tools/base/errors.h"
 #include "applet_tools/base/text.h"
 
 namespace appletctl {
@@ -36,18 +37,6 @@ std::string advice(const Parameter& parameter, const Value& value, int code) {
     return limitsText(parameter).empty() ? "" : "; the present limits are " + limits;
 }
 
-/** "FG_WIDTH = 2048 pixel": what the applet holds now, or what it was given where it cannot be read. */
-std::string outcomeLine(const Target& target, const Value& requested, const ReadResult& actual) {
-    const Parameter& parameter = *target.parameter;
-    if (isPlainOutput()) return valueLine(target, actual.error == FG_OK ? actual.value : requested);
-    if (actual.error != FG_OK) {
-        return target.name() + " = " + valueWithUnit(parameter, requested) +
-               " (cannot be read back: " + codeInWords(actual.error) + ")\n";
-    }
-    return target.name() + " = " + valueWithUnit(parameter, actual.value) +
-           requestedAndActual(parameter, requested, actual.value) + '\n';
-}
-
 } // namespace
 
 std::vector<Assignment> parseAssignments(const ParameterList& parameters, const Words& words) {
@@ -73,75 +62,59 @@ std::string refusalInWords(const Parameter& parameter, const Value& value, int c
     return codeInWords(code) + advice(parameter, value, code);
 }
 
+std::string refusalInWords(const Assignment& assignment, int code) {
+    constexpr std::size_t mostBytes = 200;
+    const std::string asked = printable(toUtf8(assignment.text.c_str()));
+    return assignment.target.name() + "=" + shortened(asked, mostBytes) +
+           " was refused: " + refusalInWords(*assignment.target.parameter, assignment.value, code);
+}
+
+nlohmann::ordered_json asJson(const AssignmentResult& result) {
+    const auto& [target, text, value] = result.assignment;
+    nlohmann::ordered_json row;
+    addDescription(row, *target.parameter);
+    row["requested"] = requestedAsJson(result.assignment);
+    if (result.isLeftOut) {
+        row["leftOut"] = true;
+        return row;
+    }
+    if (result.writes) row["writes"] = accessesAsJson(*result.writes);
+    if (result.actual.error == FG_OK) addValue(row, target, result.actual.value);
+    if (result.code != FG_OK)
+        row["error"] = codeAsJson(result.code);
+    else if (const auto taken = nearestStep(*target.parameter, result.actual.value))
+        row["actual"] = *taken;
+    return row;
+}
+
 namespace {
 
-/** Carries out one assignment and adds what came of it to the report. */
-void applyAssignments(Instance& instance, const Assignment& assignment, const AssignmentHooks& hooks,
-                      Report& report) {
-    const Target& target = assignment.target;
-    const Parameter& parameter = *target.parameter;
-    nlohmann::ordered_json row;
-    const std::string asked = toUtf8(assignment.text.c_str());
-    if (hooks.isLeftOut && hooks.isLeftOut(assignment)) {
-        addDescription(row, parameter);
-        row["requested"] = requestedAsJson(assignment);
-        row["leftOut"] = true;
-        report.text +=
-            lineOf({"leftOut", target.name(), printable(asked)},
-                   target.name() + "=" + printable(asked) + " would write a file; it was left out");
-        report.document["assignments"].push_back(std::move(row));
-        return;
-    }
-    const int code = writeValue(instance, target, assignment.value);
-    const std::vector<std::string> lines = hooks.takeWrites ? hooks.takeWrites() : std::vector<std::string>{};
-    const ReadResult actual = readValue(instance, target);
-    addDescription(row, parameter);
-    row["requested"] = requestedAsJson(assignment);
-    if (hooks.takeWrites) row["writes"] = accessesAsJson(lines);
-    if (actual.error == FG_OK) addValue(row, target, actual.value);
-    if (const auto taken = nearestStep(parameter, actual.value); code == FG_OK && taken)
-        row["actual"] = *taken;
-    std::string more;
-    if (code == FG_OK) {
-        report.text += outcomeLine(target, assignment.value, actual);
-        if (hooks.after) more = hooks.after(assignment, row);
-    } else {
-        constexpr std::size_t mostBytes = 200;
-        std::string refusal = target.name() + "=" + shortened(printable(asked), mostBytes) +
-                              " was refused: " + refusalInWords(parameter, assignment.value, code);
-        if (!lines.empty()) report.text += forPerson(target.name() + ", written before it was refused\n");
-        row["error"] = codeAsJson(code);
-        if (hooks.suggestion) refusal += hooks.suggestion(assignment, row);
-        row["error"]["message"] = refusal;
-        report.problems.push_back(std::move(refusal));
-        report.exitCode = exitRefused;
-    }
-    const bool isNamed = hooks.areWritesNamed && isPlainOutput();
-    for (const std::string& line : lines)
-        report.text += (isNamed ? target.name() + '\t' : "") + accessLine(line);
-    report.text += more;
-    report.document["assignments"].push_back(std::move(row));
+AssignmentResult apply(Instance& instance, const Assignment& assignment, const AssignmentHooks& hooks) {
+    AssignmentResult result{.assignment = assignment};
+    result.isLeftOut = hooks.isLeftOut && hooks.isLeftOut(assignment);
+    if (result.isLeftOut) return result;
+    result.code = writeValue(instance, assignment.target, assignment.value);
+    if (hooks.takeWrites) result.writes = hooks.takeWrites();
+    result.actual = readValue(instance, assignment.target);
+    return result;
 }
 
 } // namespace
 
-Report applyAssignments(Instance& instance, const ParameterList& parameters, const Words& words,
-                        const AssignmentHooks& hooks) {
-    Report report;
-    report.document["assignments"] = nlohmann::ordered_json::array();
+AssignmentsOutcome applyAssignments(Instance& instance, const ParameterList& parameters, const Words& words,
+                                    const AssignmentHooks& hooks) {
     const std::vector<Assignment> assignments = parseAssignments(parameters, words);
-    std::vector<std::string> notSet;
+    AssignmentsOutcome outcome;
     for (const Assignment& assignment : assignments)
-        notSet.push_back(assignment.target.name());
+        outcome.notSet.push_back(assignment.target.name());
     for (const Assignment& assignment : assignments) {
-        notSet.erase(notSet.begin());
-        applyAssignments(instance, assignment, hooks, report);
-        if (report.exitCode != exitDone) break;
+        outcome.notSet.erase(outcome.notSet.begin());
+        const AssignmentResult result = apply(instance, assignment, hooks);
+        outcome.isRefused = result.code != FG_OK;
+        if (hooks.after) hooks.after(result);
+        if (outcome.isRefused) break;
     }
-    if (notSet.empty()) return report;
-    report.problems.push_back("not set after that: " + join(notSet, ", "));
-    report.document["notSet"] = notSet;
-    return report;
+    return outcome;
 }
 
 } // namespace appletctl

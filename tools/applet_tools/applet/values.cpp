@@ -5,7 +5,6 @@
 #include "applet_tools/applet/units.h"
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/text.h"
-#include "appletctl/base/output.h"
 
 #include <algorithm>
 #include <charconv>
@@ -293,12 +292,6 @@ std::string exactValueWithUnit(const Parameter& parameter, const Value& value) {
     const auto* number = std::get_if<double>(&value);
     if (number == nullptr) return valueWithUnit(parameter, value);
     return exactText(*number) + (parameter.unit().empty() ? "" : " " + parameter.unit());
-}
-
-std::string valueLine(const Target& target, const Value& value) {
-    const Parameter& parameter = *target.parameter;
-    return lineOf({target.name(), valueText(parameter, value), parameter.unit()},
-                  target.name() + " = " + valueWithUnit(parameter, value));
 }
 
 void addValue(nlohmann::ordered_json& object, const Target& target, const Value& value) {

@@ -71,9 +71,6 @@ std::string exactValueWithUnit(const Parameter& parameter, const Value& value);
 /** As valueText, an enumeration with its number: "RGB8 (1025)", then the unit. */
 std::string valueWithUnit(const Parameter& parameter, const Value& value);
 
-/** A line of the output: "FG_WIDTH = 1024 pixel"; with --plain the name, the value as valueText and the unit. */
-std::string valueLine(const Target& target, const Value& value);
-
 /** Adds "value" and, for enumerations, "symbol" and "label"; for a whole array "elements", their number; for
  *  one element "index" and "value", for several "first" and "values". */
 void addValue(nlohmann::ordered_json& object, const Target& target, const Value& value);

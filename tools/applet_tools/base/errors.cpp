@@ -45,6 +45,8 @@ const CodeRow& rowOf(int code) {
 
 std::string codeInWords(int code) { return std::to_string(code) + ", " + rowOf(code).meaning; }
 
+bool isAppletCode(int code) { return rowOf(code).symbol[0] != '\0'; }
+
 std::optional<int> codeFrom(std::string_view word) {
     for (const CodeRow& row : codeRows)
         if (word == row.symbol) return row.code;

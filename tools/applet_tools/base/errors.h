@@ -11,15 +11,6 @@
 
 namespace appletctl {
 
-enum ExitCode {
-    exitDone = 0,
-    exitRefused = 1,
-    exitDifferent = 1, /**< of "diff" */
-    exitUsage = 2,
-    exitUnavailable = 3, /**< applet, runtime, loader or board are not to be had */
-    exitInterrupted = 130
-};
-
 /** The caller asked for something that makes no sense; nothing was done. */
 struct UsageError : std::runtime_error {
     using std::runtime_error::runtime_error;
@@ -37,6 +28,9 @@ struct Unavailable : Failure {
 
 /** "-6000, value out of range". */
 std::string codeInWords(int code);
+
+/** True for a code of the applet, with a symbol; false for one of the runtime or the board. */
+bool isAppletCode(int code);
 
 /** The code that a number or a symbol such as "FG_ERR_OUT_OF_RANGE" stands for. */
 std::optional<int> codeFrom(std::string_view word);

@@ -2,13 +2,13 @@
 #ifndef APPLET_TOOLS_BASE_WORDS_H
 #define APPLET_TOOLS_BASE_WORDS_H
 
-#include "appletctl/base/Options.h"
-
 #include <cstddef>
-#include <optional>
 #include <string>
+#include <vector>
 
 namespace appletctl {
+
+using Words = std::vector<std::string>;
 
 /** Words as sh reads them: parted by blanks, with '..', ".." and backslashes for what a blank or a quote is
  * to be part of; # at the beginning of a word starts a comment. */

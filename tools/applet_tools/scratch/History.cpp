@@ -69,15 +69,15 @@ std::string designText(const json& value) { return value.is_number() ? value.dum
 
 const std::set<std::string>& History::settable() {
     if (!m_settable.empty()) return m_settable;
-    for (const json& row : m_context.scratchAtDefaults().ask("defaults", nullptr))
+    for (const json& row : m_live.scratchAtDefaults().ask("defaults", nullptr))
         m_settable.insert(row.at("name").get<std::string>());
     return m_settable;
 }
 
 History::Moment History::now() {
-    Instance& instance = m_context.instance();
-    Moment moment{valuesOf(instance, m_context.parameters()), writtenDesign(instance),
-                  accessOf(m_context.parameters())};
+    Instance& instance = m_live.instance();
+    Moment moment{valuesOf(instance, m_live.parameters()), writtenDesign(instance),
+                  accessOf(m_live.parameters())};
     return moment;
 }
 
@@ -91,7 +91,7 @@ void History::begin(const std::string& line) {
 }
 
 void History::end() {
-    if (!m_begin || !m_context.isUp()) return;
+    if (!m_begin || !m_live.isUp()) return;
     const Moment after = now();
     const auto isSettable = [&](const std::string& name) { return settable().contains(name); };
     const bool isChanged = after.design != m_begin->design ||
@@ -101,7 +101,7 @@ void History::end() {
 }
 
 Wanted History::wantedValues(const Moment& moment) {
-    Wanted wanted = wantedFrom(m_context.parameters(), moment.values);
+    Wanted wanted = wantedFrom(m_live.parameters(), moment.values);
     std::erase_if(wanted, [&](const auto& value) {
         const std::string& name = value.first->name;
         return name.starts_with(designPrefix) || !settable().contains(name);
@@ -112,7 +112,7 @@ Wanted History::wantedValues(const Moment& moment) {
 /** The values hold, and yet access or design differ: a refused set may have moved them before it failed, or the
  *  parameter does not read what it was set to. Modes are set again only for the access, which they move. */
 void History::rewrite(const Wanted& wanted, bool withModes) {
-    Instance& instance = m_context.instance();
+    Instance& instance = m_live.instance();
     for (const auto& [parameter, value] : wanted) {
         const bool isMode = parameter->kind() == REGISTER_KIND_ENUM;
         if (value->is_number() && !isComputedNow(*parameter) && (withModes || !isMode))
@@ -121,60 +121,51 @@ void History::rewrite(const Wanted& wanted, bool withModes) {
     bringAbout(instance, wanted);
 }
 
-Report History::undo() {
-    if (m_steps.empty()) return failureReport("usage", "there is nothing to undo", exitUsage);
+std::optional<Undone> History::undo() {
+    if (m_steps.empty()) return std::nullopt;
     const Moment wanted = std::move(m_steps.back());
     m_steps.pop_back();
     const Moment before = now();
     const Wanted values = wantedValues(wanted);
-    Instance& instance = m_context.instance();
+    Instance& instance = m_live.instance();
     bringAbout(instance, values);
     if (!allHold(instance, values)) storeByLoad(instance, values);
     const Moment reached = now();
     const bool hasAccess = reached.access == wanted.access;
     if (!hasAccess || reached.design != wanted.design) rewrite(values, !hasAccess);
     writeDesign(instance, wanted.design);
-    return reportOf(before, wanted);
+    return undoneOf(before, wanted);
 }
 
-/** True for a rate of the simulator that a load of a file has moved by one cycle of its clock. */
 bool History::isNextCycle(const std::string& name, const Moment& before, const Moment& wanted) {
     constexpr const char *line = "FG_CAMERASIMULATOR_LINERATE", *frame = "FG_CAMERASIMULATOR_FRAMERATE";
     if (name != line && name != frame) return false;
-    const Target target{&m_context.parameters().find(line)};
+    const Target target{&m_live.parameters().find(line)};
     return areNeighbours(*target.parameter, fromMessage(target, before.values.at(line)),
                          fromMessage(target, wanted.values.at(line)));
 }
 
-Report History::reportOf(const Moment& before, const Moment& wanted) {
-    Report report;
-    report.document["undone"] = toUtf8(wanted.line.c_str());
-    report.text = forPerson("Undone: " + printable(toUtf8(wanted.line.c_str())) + "\n");
+Undone History::undoneOf(const Moment& before, const Moment& wanted) {
+    Undone undone{wanted.line, {}, {}, {}};
     const Moment reached = now();
-    auto& rows = report.document["parameters"] = nlohmann::ordered_json::array();
     for (const std::string& name : differingNames(before.values, wanted.values)) {
         if (!settable().contains(name)) continue;
-        const Target target = {&m_context.parameters().find(name)};
-        const ReadResult reading = readValue(m_context.instance(), target);
-        rows.push_back(readingAsJson(target, reading));
-        if (isNextCycle(name, before, wanted)) continue;
-        report.text += valueLine(target, reading.value);
+        const Target target = {&m_live.parameters().find(name)};
+        undone.settings.push_back(
+            {target, readValue(m_live.instance(), target), isNextCycle(name, before, wanted)});
     }
-    if (rows.empty())
+    if (undone.settings.empty())
         for (const std::string& name : differingNames(before.design, reached.design))
-            report.text += designName(name) + ": " + designText(before.design[name]) + " -> " +
-                           designText(reached.design[name]) + '\n';
-    Words others;
+            undone.design.push_back(
+                {designName(name), designText(before.design[name]), designText(reached.design[name])});
+    Words& others = undone.notAsBefore;
     for (const std::string& name : differingNames(wanted.values, reached.values))
         if (settable().contains(name)) others.push_back(name);
     for (const std::string& name : differingNames(wanted.access, reached.access))
         others.push_back("the access of " + name);
     for (const std::string& name : differingNames(wanted.design, reached.design))
         others.push_back(designName(name) + " of the design");
-    if (others.empty()) return report;
-    report.problems.push_back("not as before: " + join(others, ", "));
-    report.exitCode = exitRefused;
-    return report;
+    return undone;
 }
 
 } // namespace appletctl

@@ -6,8 +6,6 @@
 #include "applet_tools/base/numbers.h"
 #include "applet_tools/base/text.h"
 #include "applet_tools/scratch/ScratchSession.h"
-#include "appletctl/base/Progress.h"
-#include "appletctl/base/output.h"
 
 #include <poll.h>
 #include <sys/prctl.h>
@@ -71,7 +69,7 @@ const JobRow& rowOf(std::span<const JobRow> jobs, const std::string& name) {
 /** The child's side. */
 class Server {
 public:
-    Server(int socket, const Options& options, std::span<const JobRow> jobs)
+    Server(int socket, const BoardOptions& options, std::span<const JobRow> jobs)
         : m_socket(socket)
         , m_options(options)
         , m_jobs(jobs) {}
@@ -86,10 +84,6 @@ public:
         if (m_isTouched) m_session->rewind();
         m_isTouched = true;
         effort() = {};
-        // A command of a shell may want another output than the one before.
-        Options options = m_options;
-        options.plain = message.at("plain").get<bool>();
-        setOutputMode(options);
         return rowOf(m_jobs, message.at("job").get<std::string>())
             .run(m_session.value(), message.at("arguments"));
     }
@@ -107,7 +101,7 @@ private:
     }
 
     int m_socket;
-    const Options& m_options;
+    const BoardOptions& m_options;
     std::span<const JobRow> m_jobs;
     std::optional<ScratchSession> m_session;
     std::chrono::steady_clock::time_point m_lastProgress;
@@ -115,7 +109,7 @@ private:
 };
 
 /** Answers messages until the parent is gone. */
-void serve(int socket, pid_t parent, const Options& options, std::span<const JobRow> jobs) {
+void serve(int socket, pid_t parent, const BoardOptions& options, std::span<const JobRow> jobs) {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (getppid() != parent) _exit(0); // it ended before the line above
     std::signal(SIGINT, SIG_IGN);      // Ctrl-C is the parent's matter
@@ -141,18 +135,20 @@ void serve(int socket, pid_t parent, const Options& options, std::span<const Job
 }
 
 /** The child's whole life. An exception that left it would go on as a second parent. */
-[[noreturn]] void live(int socket, pid_t parent, const Options& options, std::span<const JobRow> jobs) {
+[[noreturn]] void live(int socket, pid_t parent, const BoardOptions& options, std::span<const JobRow> jobs) {
     try {
         serve(socket, parent, options, jobs);
     } catch (const std::exception&) { // no memory for a message; the parent sees the end of the child
-        _exit(exitUnavailable);
+        _exit(EXIT_FAILURE);
     }
-    _exit(exitDone);
+    _exit(EXIT_SUCCESS);
 }
 
 } // namespace
 
-ScratchBoard::ScratchBoard(const Options& options, std::span<const JobRow> jobs) : m_jobs(jobs) {
+ScratchBoard::ScratchBoard(const BoardOptions& options, std::span<const JobRow> jobs, ObserveWork observe)
+    : m_jobs(jobs)
+    , m_observe(std::move(observe)) {
     int sockets[2];
     if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, sockets) != 0)
         throw Unavailable(std::string("no scratch board can be made: ") + std::strerror(errno));
@@ -184,7 +180,7 @@ json ScratchBoard::seed(const json& seed) {
 
 json ScratchBoard::ask(const std::string& job, const json& arguments) {
     const Stopwatch watch;
-    json answer = request({{"job", job}, {"arguments", arguments}, {"plain", isPlainOutput()}});
+    json answer = request({{"job", job}, {"arguments", arguments}});
     const json& took = answer["effort"];
     std::string note = std::string("scratch board: asked ") + rowOf(m_jobs, job).words;
     const auto add = [&](const char* member, const char* words) {
@@ -209,14 +205,17 @@ bool isReadable(int socket, std::chrono::milliseconds limit) {
 }
 
 /** The final answer; what comes before it is how far the work is. */
-bool receiveAnswer(int socket, Progress& progress, json& answer) {
+bool receiveAnswer(int socket, WorkObserver* observer, json& answer) {
+    using namespace std::chrono_literals;
     for (;;) {
-        while (!isReadable(socket, progress.interval()))
-            progress.update();
+        const auto limit = [&] { return observer != nullptr ? observer->interval() : -1ms; };
+        while (!isReadable(socket, limit()))
+            if (observer != nullptr) observer->update();
         if (!receive(socket, answer)) return false;
         if (!answer.contains("progress")) return true;
-        progress.setDetail(answer["progress"].get<std::string>());
-        progress.update();
+        if (observer == nullptr) continue;
+        observer->setDetail(answer["progress"].get<std::string>());
+        observer->update();
     }
 }
 
@@ -224,8 +223,8 @@ bool receiveAnswer(int socket, Progress& progress, json& answer) {
 
 json ScratchBoard::request(const json& message) {
     json answer;
-    Progress progress("working");
-    if (!send(m_socket, message) || !receiveAnswer(m_socket, progress, answer))
+    const std::unique_ptr<WorkObserver> observer = m_observe ? m_observe() : nullptr;
+    if (!send(m_socket, message) || !receiveAnswer(m_socket, observer.get(), answer))
         throw Failure("the scratch board has ended unexpectedly");
     if (answer.contains("usage")) throw UsageError(answer["usage"].get<std::string>());
     if (answer.contains("unavailable")) throw Unavailable(answer["unavailable"].get<std::string>());

@@ -2,7 +2,9 @@
 #ifndef APPLET_TOOLS_SCRATCH_SCRATCHBOARD_H
 #define APPLET_TOOLS_SCRATCH_SCRATCHBOARD_H
 
-#include "appletctl/base/Options.h"
+#include "applet_tools/base/BoardOptions.h"
+#include "applet_tools/base/WorkObserver.h"
+#include "applet_tools/base/words.h"
 
 #include <nlohmann/json.hpp>
 
@@ -20,7 +22,8 @@ struct JobRow;
  *  and ends with the object. */
 class ScratchBoard {
 public:
-    ScratchBoard(const Options& options, std::span<const JobRow> jobs);
+    /** The jobs are all that it can be asked for; each question that is waited for is observed. */
+    ScratchBoard(const BoardOptions& options, std::span<const JobRow> jobs, ObserveWork observe);
     ~ScratchBoard();
     ScratchBoard(const ScratchBoard&) = delete;
     ScratchBoard& operator=(const ScratchBoard&) = delete;
@@ -37,6 +40,7 @@ private:
     nlohmann::json request(const nlohmann::json& message);
 
     std::span<const JobRow> m_jobs;
+    ObserveWork m_observe;
     pid_t m_child = -1;
     int m_socket = -1;
     Words m_notes;

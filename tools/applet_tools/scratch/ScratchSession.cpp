@@ -10,7 +10,7 @@ namespace appletctl {
 namespace {
 
 /** A scratch board is a virtual one, whatever the live board is. */
-Options onVirtualBoard(Options options) {
+BoardOptions onVirtualBoard(BoardOptions options) {
     options.board = BoardKind::virtualBoard;
     options.offline = false;
     options.look = false;
@@ -36,7 +36,7 @@ void poke(const applet_host::BoardFunctions& board, LOOMdevice* device, const st
 
 } // namespace
 
-ScratchSession::ScratchSession(const Options& options)
+ScratchSession::ScratchSession(const BoardOptions& options)
     : m_options(onVirtualBoard(options))
     , m_host(std::make_shared<applet_host::AppletHost>(locationsFor(m_options))) {}
 

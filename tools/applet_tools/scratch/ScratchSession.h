@@ -16,7 +16,7 @@ namespace appletctl {
  *  answer, and what reaches the design is logged. */
 class ScratchSession {
 public:
-    explicit ScratchSession(const Options& options);
+    explicit ScratchSession(const BoardOptions& options);
 
     /** Takes over the state of a live applet (see boardStateOf) and goes there. */
     void seed(json seed);
@@ -36,7 +36,7 @@ public:
     const std::vector<std::string>& assumedMeasurements() const { return m_assumedMeasurements; }
     /** What the virtual design has, without what a read would change: "Device1_...". */
     const std::vector<std::string>& designNames();
-    const Options& options() const { return m_options; }
+    const BoardOptions& options() const { return m_options; }
     /** Tells whoever waits for the job how far it is. */
     void tellProgress(std::size_t done, std::size_t total) const {
         if (onProgress) onProgress(done, total);
@@ -50,7 +50,7 @@ private:
     void setValues();
     bool hasSetter(const Parameter& parameter);
 
-    Options m_options;
+    BoardOptions m_options;
     std::shared_ptr<const applet_host::AppletHost> m_host;
     json m_seed;
     json m_defaults; // null until asked for

@@ -5,6 +5,7 @@
 #include "applet_tools/applet/MemoryFile.h"
 #include "applet_tools/applet/access_log.h"
 #include "applet_tools/base/errors.h"
+#include "applet_tools/base/text.h"
 
 #include "vexo/fg_errors.h"
 
@@ -77,12 +78,12 @@ json defaultsAndRolesJob(ScratchSession& session, const json& arguments) {
 }
 
 std::map<std::string, DefaultAndRole>
-backgroundOf(Context& context, const std::vector<const Parameter*>& parameters, FileRoles roles) {
+backgroundOf(LiveSession& live, const std::vector<const Parameter*>& parameters, FileRoles roles) {
     std::vector<std::string> names;
     for (const Parameter* parameter : parameters)
         names.push_back(parameter->name);
     const json answer =
-        context.scratch().ask("defaultsAndRoles", {{"names", names}, {"roles", roles == FileRoles::asked}});
+        live.scratch().ask("defaultsAndRoles", {{"names", names}, {"roles", roles == FileRoles::asked}});
     std::map<std::string, DefaultAndRole> defaultsAndRoles;
     for (const Parameter* parameter : parameters) {
         const json& told = answer.at(parameter->name);
@@ -99,6 +100,24 @@ std::string fileRoleInWords(const std::string& role) {
     if (role == "restored") return "saved, and restored by a load";
     if (role == "reader") return "saved for the reader of the file: a load leaves it aside";
     return role.empty() ? "" : "not saved";
+}
+
+json defaultsJob(ScratchSession& session, const json&) {
+    Instance& instance = session.instance();
+    json defaults = json::array();
+    const int count = instance.applet().Fg_getNrOfParameter(instance.fg());
+    for (int i = 0; i < count; ++i) {
+        const char* name = instance.applet().Fg_getParameterName(instance.fg(), i);
+        const auto& all = session.parameters().all();
+        const auto found = std::ranges::find(all, toUtf8(name), &Parameter::name);
+        if (found == all.end() || !found->effectOfReading().empty() || found->writesFile()) continue;
+        const ReadResult reading = readValue(instance, wholeOf(*found));
+        if (reading.error != FG_OK) continue;
+        // Without a setter it is no default but a measurement, or fixed.
+        if (writeValue(instance, wholeOf(*found), reading.value) == FG_ERR_NOT_AVAILABLE) continue;
+        defaults.push_back({{"name", found->name}, {"value", asMessage(reading.value)}});
+    }
+    return defaults;
 }
 
 } // namespace appletctl

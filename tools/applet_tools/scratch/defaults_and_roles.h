@@ -3,7 +3,7 @@
 #define APPLET_TOOLS_SCRATCH_DEFAULTS_AND_ROLES_H
 
 #include "applet_tools/applet/values.h"
-#include "applet_tools/scratch/Context.h"
+#include "applet_tools/scratch/LiveSession.h"
 #include "applet_tools/scratch/ScratchSession.h"
 
 #include <map>
@@ -27,7 +27,7 @@ enum class FileRoles { unasked, asked };
 
 /** By name. File roles cost a load each. */
 std::map<std::string, DefaultAndRole>
-backgroundOf(Context& context, const std::vector<const Parameter*>& parameters, FileRoles roles);
+backgroundOf(LiveSession& live, const std::vector<const Parameter*>& parameters, FileRoles roles);
 
 /** "saved, and restored by a load". */
 std::string fileRoleInWords(const std::string& role);
@@ -35,6 +35,9 @@ std::string fileRoleInWords(const std::string& role);
 /** Tells {NAME: {"start": VALUE, "settable", "fileRole"}} of {"names": [NAME, ...], "roles": whether the file
  *  roles are wanted} (see DefaultAndRole). */
 nlohmann::json defaultsAndRolesJob(ScratchSession& session, const nlohmann::json& arguments);
+
+/** The values of all that has a setter, in the order of the applet's start: [{"name", "value"}, ...]. */
+nlohmann::json defaultsJob(ScratchSession& session, const nlohmann::json& nothing);
 
 /** The names of the parameters of which a read asks the board or the runtime: [NAME, ...]. */
 nlohmann::json fromBoardJob(ScratchSession& session, const nlohmann::json& nothing);

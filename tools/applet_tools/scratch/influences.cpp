@@ -88,8 +88,8 @@ private:
 
 json influencesJob(ScratchSession& session, const json&) { return Search(session).answer(); }
 
-Influences askInfluences(Context& context) {
-    const json answer = context.scratch().ask("influences", nullptr);
+Influences askInfluences(LiveSession& live) {
+    const json answer = live.scratch().ask("influences", nullptr);
     Influences influences;
     for (const json& row : answer["influences"])
         influences.all.push_back(

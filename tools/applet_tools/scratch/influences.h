@@ -3,7 +3,7 @@
 #define APPLET_TOOLS_SCRATCH_INFLUENCES_H
 
 #include "applet_tools/applet/ParameterState.h"
-#include "applet_tools/scratch/Context.h"
+#include "applet_tools/scratch/LiveSession.h"
 #include "applet_tools/scratch/ScratchSession.h"
 
 #include <map>
@@ -25,7 +25,7 @@ struct Influences {
     std::map<std::string, std::set<int>> codes; /**< with which the setters refused, by parameter */
 };
 
-Influences askInfluences(Context& context);
+Influences askInfluences(LiveSession& live);
 
 /** The job of a scratch board that finds them. */
 nlohmann::json influencesJob(ScratchSession& session, const nlohmann::json& nothing);

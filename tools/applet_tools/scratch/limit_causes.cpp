@@ -25,17 +25,21 @@ std::vector<Widening> wideningsOf(Probe& probe, const Subject& subject, const Va
     std::vector<Widening> widenings;
     for (std::size_t place = 0; place < probe.count(); ++place) {
         if (place == subject.place) continue;
-        std::optional<Widening> best;
+        struct Widest {
+            Change change;
+            Value limit;
+        };
+        std::optional<Widest> best;
         for (const Value& value : probe.otherValues(place)) {
             probe.tryChange({place, value}, [&] {
                 if (!isTaken(probe, subject, behind)) return;
                 const auto wider = measuredRange(probe, subject.in(probe));
                 if (wider && (!best || isWider(endOf(*wider, end), best->limit, end)))
-                    best = {{place, value}, endOf(*wider, end)};
+                    best = Widest{{place, value}, endOf(*wider, end)};
             });
         }
         probe.restore();
-        if (best) widenings.push_back(*best);
+        if (best) widenings.push_back({probe.at(place).name, probe.words(best->change), best->limit});
     }
     return widenings;
 }
@@ -99,12 +103,12 @@ std::string fixedInWords(const LimitCauses& causes) {
     return "fixed: no other parameter and no value of the design that was tried moves it";
 }
 
-nlohmann::ordered_json asJson(const Probe& probe, const LimitCauses& causes, End end) {
+nlohmann::ordered_json asJson(const LimitCauses& causes, End end) {
     auto rows = nlohmann::ordered_json::array();
     for (const Widening& widening : causes.parameters)
         rows.push_back({{"limit", nameOf(end)},
-                        {"parameter", probe.at(widening.change.place).name},
-                        {"with", probe.words(widening.change)},
+                        {"parameter", widening.parameter},
+                        {"with", widening.with},
                         {"becomes", numberAsJson(widening.limit)}});
     for (const DesignCause& cause : causes.design)
         rows.push_back({{"limit", nameOf(end)}, {"design", cause.parameter}, {"value", cause.value}});

@@ -22,7 +22,8 @@ struct Subject {
 
 /** A single change of another parameter, and the limit that there is then. */
 struct Widening {
-    Change change;
+    std::string parameter; /**< that is changed */
+    std::string with;      /**< "FG_XOFFSET=64" */
     Value limit;
 };
 
@@ -49,7 +50,7 @@ std::string inWords(const DesignCause& cause);
 std::string fixedInWords(const LimitCauses& causes);
 
 /** [{"limit": "maximum", "parameter", "with", "becomes"}, {"limit": "maximum", "design", "value"}, ...]. */
-nlohmann::ordered_json asJson(const Probe& probe, const LimitCauses& causes, End end);
+nlohmann::ordered_json asJson(const LimitCauses& causes, End end);
 
 const char* nameOf(End end);
 

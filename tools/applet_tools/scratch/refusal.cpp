@@ -1,5 +1,6 @@
 #include "applet_tools/scratch/refusal.h"
 
+#include "applet_tools/base/errors.h"
 #include "applet_tools/base/text.h"
 #include "applet_tools/scratch/limit_causes.h"
 
@@ -20,22 +21,20 @@ std::optional<End> exceededEnd(const MeasuredRange& range, const Value& wanted) 
 }
 
 /** "the maximum is set by FG_XOFFSET (16384 with FG_XOFFSET=0) and FG_SENSORWIDTH (...)". */
-std::string causesInWords(const Probe& probe, const Parameter& parameter, const LimitCauses& causes,
-                          End end) {
+std::string causesInWords(const Parameter& parameter, const LimitCauses& causes, End end) {
     const std::string limit = std::string("the ") + nameOf(end) + " is ";
     if (!fixedInWords(causes).empty()) return limit + "fixed";
     std::vector<std::string> words;
     for (const Widening& widening : causes.parameters)
-        words.push_back(probe.at(widening.change.place).name + " (" + valueText(parameter, widening.limit) +
-                        " with " + probe.words(widening.change) + ")");
+        words.push_back(widening.parameter + " (" + valueText(parameter, widening.limit) + " with " +
+                        widening.with + ")");
     for (const DesignCause& cause : causes.design)
         if (words.empty() || words.back() != shortWords(cause)) words.push_back(shortWords(cause));
     return limit + "set by " + join(words, " and ");
 }
 
 /** What the range that the setter takes says about a refused number. */
-void addRange(Probe& probe, const Subject& subject, const Value& wanted, RefusalCauses& found,
-              ordered_json& row) {
+void addRange(Probe& probe, const Subject& subject, const Value& wanted, RefusalCauses& found) {
     const auto range = measuredRange(probe, subject.in(probe));
     probe.restore();
     if (!range) {
@@ -46,8 +45,8 @@ void addRange(Probe& probe, const Subject& subject, const Value& wanted, Refusal
     const auto end = exceededEnd(*range, wanted);
     if (!end) return;
     const LimitCauses causes = causesOf(probe, subject, *range, *end);
-    found.limit = causesInWords(probe, probe.at(subject.place), causes, *end);
-    row["setBy"] = asJson(probe, causes, *end);
+    found.limit = causesInWords(probe.at(subject.place), causes, *end);
+    found.setBy = asJson(causes, *end);
 }
 
 /** The number that the assignment asks for; nothing for texts and entries. */
@@ -59,79 +58,88 @@ std::optional<Value> wantedNumber(const Assignment& assignment) {
 
 } // namespace
 
-RefusalCauses findCauses(Probe& probe, const Assignment& assignment, ordered_json& row) {
+RefusalCauses findCauses(Probe& probe, const Assignment& assignment) {
     const Subject subject{probe.placeOf(probe.session().parameters().find(assignment.target.parameter->name)),
                           assignment.target.elements};
     const Value value = assignment.value;
     const auto wanted = wantedNumber(assignment);
     RefusalCauses found;
-    row["acceptedWith"] = ordered_json::array();
     const int code = probe.answer(subject.in(probe), value);
     if (code == FG_OK) found.limit = "a scratch board with the same values accepts it";
     if (code == FG_OK || code == FG_ERR_NOT_AVAILABLE) return found;
     found.isTried = true;
     found.acceptedWith = probe.words(
         probe.waysTo(subject.place, [&] { return probe.answer(subject.in(probe), value) == FG_OK; }));
-    if (wanted) addRange(probe, subject, *wanted, found, row);
-    row["acceptedWith"] = found.acceptedWith;
-    if (found.nearest) addValue(row["nearest"], {&probe.at(subject.place)}, *found.nearest);
+    if (wanted) addRange(probe, subject, *wanted, found);
     return found;
 }
 
-std::string addSuggestion(Probe& probe, const Assignment& assignment, ordered_json& row) {
+void addCauses(ordered_json& row, const Parameter& parameter, const RefusalCauses& causes) {
+    row["acceptedWith"] = causes.acceptedWith;
+    if (!causes.setBy.is_null()) row["setBy"] = causes.setBy;
+    if (causes.nearest) addValue(row["nearest"], {&parameter}, *causes.nearest);
+}
+
+namespace {
+
+/** "; the maximum is set by ...; the nearest accepted value is 64; accepted with ...". */
+std::string inWords(const Parameter& parameter, const RefusalCauses& causes) {
     constexpr std::size_t shown = 3;
-    const std::string name = assignment.target.parameter->name; // the record may be gone after the trials
-    RefusalCauses found = findCauses(probe, assignment, row);
-    const Parameter& parameter = probe.session().parameters().find(name);
     std::string words;
-    if (!found.limit.empty()) words += "; " + found.limit;
-    if (found.nearest) words += "; the nearest accepted value is " + valueWithUnit(parameter, *found.nearest);
-    if (found.acceptedWith.empty()) {
-        const bool isStuck = found.isTried && !found.nearest;
+    if (!causes.limit.empty()) words += "; " + causes.limit;
+    if (causes.nearest)
+        words += "; the nearest accepted value is " + valueWithUnit(parameter, *causes.nearest);
+    if (causes.acceptedWith.empty()) {
+        const bool isStuck = causes.isTried && !causes.nearest;
         return words + (isStuck ? "; no change of another parameter that was tried makes it accepted" : "");
     }
-    const bool areMore = found.acceptedWith.size() > shown;
-    if (areMore) found.acceptedWith.resize(shown);
-    return words + "; accepted with " + join(found.acceptedWith, " or ") + (areMore ? " or others" : "");
+    Words ways = causes.acceptedWith;
+    const bool areMore = ways.size() > shown;
+    if (areMore) ways.resize(shown);
+    return words + "; accepted with " + join(ways, " or ") + (areMore ? " or others" : "");
+}
+
+} // namespace
+
+Suggestion suggestionFor(Probe& probe, const Assignment& assignment) {
+    const std::string name = assignment.target.parameter->name; // the record may be gone after the trials
+    const RefusalCauses causes = findCauses(probe, assignment);
+    const Parameter& parameter = probe.session().parameters().find(name);
+    Suggestion suggestion{inWords(parameter, causes), {}};
+    addCauses(suggestion.members, parameter, causes);
+    return suggestion;
 }
 
 json suggestionJob(ScratchSession& session, const json& arguments) {
     Probe probe(session);
     const auto word = arguments.at("assignment").get<std::string>();
-    ordered_json row = ordered_json::object();
-    const Assignment assignment = parseAssignments(session.parameters(), {word}).front();
-    const std::string words = addSuggestion(probe, assignment, row);
-    return {{"words", words}, {"row", row.dump()}};
+    const Suggestion suggestion =
+        suggestionFor(probe, parseAssignments(session.parameters(), {word}).front());
+    return {{"words", suggestion.words}, {"row", suggestion.members.dump()}};
 }
 
-std::string askSuggestion(Context& context, const Assignment& assignment, ordered_json& row) {
-    if (assignment.target.parameter->kind() == REGISTER_KIND_STRING) return ""; // texts depend on files
-    const auto error = row.find("error"); // an error of the board is no matter of values
-    if (error != row.end() && error->value("symbol", "").empty()) return "";
+Suggestion askSuggestion(LiveSession& live, const Assignment& assignment, int code) {
+    if (assignment.target.parameter->kind() == REGISTER_KIND_STRING) return {}; // texts depend on files
+    if (!isAppletCode(code)) return {}; // an error of the board is no matter of values
     const std::string word = assignment.target.name() + "=" + assignment.text;
-    const json answer = context.scratch().ask("suggestion", {{"assignment", word}});
-    row.update(ordered_json::parse(answer["row"].get<std::string>()));
-    return answer["words"].get<std::string>();
+    const json answer = live.scratch().ask("suggestion", {{"assignment", word}});
+    return {answer["words"].get<std::string>(), ordered_json::parse(answer["row"].get<std::string>())};
 }
 
-Report applyLive(Context& context, const Words& words, AssignmentHooks hooks) {
-    hooks.suggestion = [&](const Assignment& assignment, ordered_json& row) {
-        return askSuggestion(context, assignment, row);
-    };
-    return applyAssignments(context.instance(), context.parameters(), words, hooks);
-}
-
-void startFrom(ScratchSession& session, const json& arguments) {
-    const auto words = arguments.at("with").get<Words>();
-    if (words.empty()) return;
-    AssignmentHooks hooks;
-    hooks.suggestion = [&](const Assignment& assignment, ordered_json& row) {
+void startFrom(ScratchSession& session, const Words& assignments) {
+    if (assignments.empty()) return;
+    std::string problem;
+    const auto explain = [&](const AssignmentResult& result) {
+        if (result.code == FG_OK) return;
+        problem = refusalInWords(result.assignment, result.code);
         session.keep();
         Probe probe(session);
-        return addSuggestion(probe, assignment, row);
+        problem += suggestionFor(probe, result.assignment).words;
     };
-    const Report report = applyAssignments(session.instance(), session.parameters(), words, hooks);
-    if (report.exitCode != exitDone) throw Failure(join(report.problems, "; "));
+    const AssignmentsOutcome outcome =
+        applyAssignments(session.instance(), session.parameters(), assignments, {.after = explain});
+    if (!outcome.notSet.empty()) problem += "; not set after that: " + join(outcome.notSet, ", ");
+    if (outcome.isRefused) throw Failure(problem);
     session.keep();
 }
 

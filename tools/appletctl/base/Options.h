@@ -2,25 +2,17 @@
 #ifndef APPLETCTL_BASE_OPTIONS_H
 #define APPLETCTL_BASE_OPTIONS_H
 
+#include "applet_tools/base/BoardOptions.h"
+
 #include <any>
 #include <map>
 #include <string>
 #include <typeindex>
-#include <vector>
 
 namespace appletctl {
 
-using Words = std::vector<std::string>;
-
-enum class BoardKind { virtualBoard, system };
-
 /** The options of all commands, and one struct of options for each command that has its own. */
-struct Options {
-    BoardKind board = BoardKind::virtualBoard; /**< --board */
-    std::string bridge;                        /**< --bridge: library that opens a board of the system */
-    std::string applet; /**< --applet: library to load instead of the one beside the program */
-    bool offline = false;
-    bool look = false; /**< --look: bring the applet up without writing to the board */
+struct Options : BoardOptions {
     bool json = false;
     bool plain = false;          /**< --plain: tables as lines of cells, no colour, no drawing */
     std::string colour = "auto"; /**< --color: auto, always or never */

@@ -2,6 +2,8 @@
 #ifndef APPLETCTL_BASE_PROGRESS_H
 #define APPLETCTL_BASE_PROGRESS_H
 
+#include "applet_tools/base/WorkObserver.h"
+
 #include <chrono>
 #include <string>
 
@@ -9,18 +11,17 @@ namespace appletctl {
 
 /** One line on the terminal that is rewritten as the work goes on, and erased at its end. It goes to the error output,
  *  only when both outputs are terminals, not with --json, --plain or -q, and not before half a second. */
-class Progress {
+class Progress : public WorkObserver {
 public:
     explicit Progress(std::string title);
-    ~Progress();
+    ~Progress() override;
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
-    /** How long to wait before the next update; negative when nothing is to be shown. */
-    std::chrono::milliseconds interval() const;
-    void setDetail(std::string detail) { m_detail = std::move(detail); }
+    std::chrono::milliseconds interval() const override;
+    void setDetail(std::string detail) override { m_detail = std::move(detail); }
     /** Shows the time that has passed, and the detail. */
-    void update();
+    void update() override;
 
 private:
     std::string m_title;

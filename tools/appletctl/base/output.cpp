@@ -45,6 +45,8 @@ void setOutputMode(const Options& options) {
     mode() = {options.plain, options.colour, options.quiet || options.json, mode().isForFile};
 }
 
+void setPlainOutput(bool isPlain) { mode().isPlain = isPlain; }
+
 bool isPlainOutput() { return mode().isPlain; }
 
 std::size_t outputWidth() {

@@ -3,6 +3,7 @@
 #define APPLETCTL_BASE_OUTPUT_H
 
 #include "applet_tools/base/errors.h"
+#include "applet_tools/base/words.h"
 #include "appletctl/base/Options.h"
 #include "appletctl/base/Table.h"
 
@@ -13,8 +14,20 @@
 
 namespace appletctl {
 
+enum ExitCode {
+    exitDone = 0,
+    exitRefused = 1,
+    exitDifferent = 1, /**< of "diff" */
+    exitUsage = 2,
+    exitUnavailable = 3, /**< applet, runtime, loader or board are not to be had */
+    exitInterrupted = 130
+};
+
 /** How the user wants all output of the process, from now on: --color, --plain, -q, --json. */
 void setOutputMode(const Options& options);
+
+/** Whether the output of the process is plain, from now on; all else stays. */
+void setPlainOutput(bool isPlain);
 
 /** True with --plain: the output is records, one a line, with tabs between their cells. */
 bool isPlainOutput();

@@ -9,6 +9,7 @@
 #include "applet_tools/base/words.h"
 #include "appletctl/cli/execute.h"
 #include "appletctl/commands/CommandRun.h"
+#include "appletctl/commands/assignment_report.h"
 
 #include <algorithm>
 #include <sstream>
@@ -86,7 +87,7 @@ void checkCode(const Words& words) { codeOf(words[0]); }
 
 std::string expectCode(ScenarioRunner& station, const Step& step) {
     station.forgetWrites();
-    const Report report = applyAssignments(station.instance(), station.parameters(), {step.words[1]});
+    const Report report = reportAssignments(station.instance(), station.parameters(), {step.words[1]});
     const auto& assignment = report.document["assignments"][0];
     const int code = assignment.contains("error") ? assignment["error"]["code"].get<int>() : int{FG_OK};
     if (code == codeOf(step.words[0])) return "";

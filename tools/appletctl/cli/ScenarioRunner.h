@@ -2,7 +2,7 @@
 #ifndef APPLETCTL_CLI_SCENARIORUNNER_H
 #define APPLETCTL_CLI_SCENARIORUNNER_H
 
-#include "applet_tools/scratch/Context.h"
+#include "appletctl/commands/Context.h"
 
 #include <cstddef>
 #include <string>

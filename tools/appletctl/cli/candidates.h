@@ -3,6 +3,7 @@
 #define APPLETCTL_CLI_CANDIDATES_H
 
 #include "applet_tools/applet/ParameterList.h"
+#include "applet_tools/base/words.h"
 
 #include <functional>
 #include <string>

@@ -5,6 +5,7 @@
 #include "applet_tools/base/Stopwatch.h"
 #include "applet_tools/base/text.h"
 #include "applet_tools/scratch/refusal.h"
+#include "appletctl/commands/assignment_report.h"
 #include "appletctl/commands/jobs.h"
 #include "appletctl/commands/shared_options.h"
 #include "appletctl/commands/signals/trace.h"
@@ -153,7 +154,7 @@ private:
         }
         const Report done = m_context.hasScratch()
                                 ? applyLive(m_context, with.assignments)
-                                : applyAssignments(instance, m_context.parameters(), with.assignments);
+                                : reportAssignments(instance, m_context.parameters(), with.assignments);
         if (done.exitCode != exitDone) throw Failure("--with: " + join(done.problems, "; "));
     }
 
@@ -180,11 +181,6 @@ Context::Scratch scratchFor(const Request& request) {
     return request.options.offline ? Context::Scratch::withoutDesign : Context::Scratch::none;
 }
 
-bool isSameBoard(const Options& a, const Options& b) {
-    return a.board == b.board && a.bridge == b.bridge && a.applet == b.applet && a.offline == b.offline &&
-           a.look == b.look;
-}
-
 /** `isOnlyCommand`: the applet on its board is for this command alone. */
 Report executeOn(Context& context, const Request& request, bool isOnlyCommand) {
     if (request.command == nullptr) return request.outcome;
@@ -205,7 +201,7 @@ Request parseLine(const Words& words, const Options& options) {
     if (request.command == nullptr) return request;
     const std::string name = nameOf(request);
     std::string refusal;
-    if (!isSameBoard(request.options, options))
+    if (static_cast<const BoardOptions&>(request.options) != options)
         refusal = "the board is chosen before: give --board, --bridge, --applet, --offline and --look to the "
                   "first command";
     else if (request.command->kind == Command::Kind::session)

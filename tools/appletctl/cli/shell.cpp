@@ -8,6 +8,7 @@
 #include "appletctl/cli/help.h"
 #include "appletctl/cli/line_input.h"
 #include "appletctl/commands/Command.h"
+#include "appletctl/commands/lines.h"
 #include "appletctl/commands/shared_options.h"
 
 #include <unistd.h>
@@ -17,6 +18,24 @@
 
 namespace appletctl {
 namespace {
+
+Report reportOf(const Undone& undone) {
+    Report report;
+    const std::string line = toUtf8(undone.line.c_str());
+    report.document["undone"] = line;
+    report.text = forPerson("Undone: " + printable(line) + "\n");
+    auto& rows = report.document["parameters"] = nlohmann::ordered_json::array();
+    for (const auto& [target, now, isNextCycle] : undone.settings) {
+        rows.push_back(readingAsJson(target, now));
+        if (!isNextCycle) report.text += valueLine(target, now.value);
+    }
+    for (const auto& [name, before, after] : undone.design)
+        report.text += name + ": " + before + " -> " + after + '\n';
+    if (undone.notAsBefore.empty()) return report;
+    report.problems.push_back("not as before: " + join(undone.notAsBefore, ", "));
+    report.exitCode = exitRefused;
+    return report;
+}
 
 class Shell {
 public:
@@ -33,8 +52,7 @@ public:
         if (m_isOver) return exitDone;
         if (line.isOpen)
             return show(failureReport("usage", "a quote is not closed", exitUsage), "", m_options, place);
-        if (line.words.size() == 1 && first == "undo")
-            return show(m_history.undo(), "undo", m_options, place);
+        if (line.words.size() == 1 && first == "undo") return show(undo(), "undo", m_options, place);
         if (first != "help") return applyAssignments(parseLine(line.words, m_options), place, text);
         if (line.words.size() == 1) return show(ownHelp(), "help", m_options, place);
         Words words(line.words.begin() + 1, line.words.end());
@@ -77,6 +95,11 @@ private:
         for (std::string& problem : report.problems)
             problem.insert(0, place);
         return static_cast<ExitCode>(print(report, command, options));
+    }
+
+    Report undo() {
+        const std::optional<Undone> undone = m_history.undo();
+        return undone ? reportOf(*undone) : failureReport("usage", "there is nothing to undo", exitUsage);
     }
 
     static Report ownHelp() {

@@ -3,8 +3,8 @@
 #ifndef APPLETCTL_COMMANDS_COMMAND_H
 #define APPLETCTL_COMMANDS_COMMAND_H
 
-#include "applet_tools/scratch/Context.h"
 #include "appletctl/base/output.h"
+#include "appletctl/commands/Context.h"
 
 #include <string>
 #include <string_view>

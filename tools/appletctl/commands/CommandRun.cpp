@@ -2,6 +2,7 @@
 
 #include "applet_tools/base/text.h"
 #include "applet_tools/scratch/refusal.h"
+#include "appletctl/commands/assignment_report.h"
 
 namespace appletctl {
 

@@ -3,7 +3,8 @@
 #define APPLETCTL_COMMANDS_COMMANDRUN_H
 
 #include "applet_tools/applet/assignments.h"
-#include "applet_tools/scratch/Context.h"
+#include "appletctl/base/output.h"
+#include "appletctl/commands/Context.h"
 
 #include <string>
 

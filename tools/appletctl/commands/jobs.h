@@ -1,4 +1,4 @@
-/** What a scratch board can be asked to find out; each job stands in the source of its command. */
+/** What a scratch board can be asked to find out; each job is in the source of its command. */
 #ifndef APPLETCTL_COMMANDS_JOBS_H
 #define APPLETCTL_COMMANDS_JOBS_H
 
@@ -8,27 +8,10 @@
 
 namespace appletctl {
 
-/** What each gives is a report (see reports.h) where nothing else is said. */
+/** What each gives is a report, laid out as "plain" says (see reports.h), where nothing else is said. */
 
 /** Says what {"words": [NAME=VALUE, ...] or [FILE], "all": whether all writes of a file are shown} would do. */
 json planJob(ScratchSession& session, const json& arguments);
-
-/** Loads {"file": FILE}: {"report", "code", "state"}. */
-json checkJob(ScratchSession& session, const json& arguments);
-
-/** Compares {"sides": [{"title", "member", "text"}, ...], "isNextCycleSame": BOOL} (see NextCycle); a text of null stands
- *  for the defaults. */
-json differencesJob(ScratchSession& session, const json& arguments);
-
-/** The values of all that has a setter, in the order of the applet's start: [{"name", "value"}, ...]. */
-json defaultsJob(ScratchSession& session, const json& nothing);
-
-/** Carries out {"assignments": [WORD, ...]}: {"design": {NAME: NUMBER}, the numbers of the design that were written, as
- *  they are afterwards, "taken": [VALUE, ...], what each parameter read after its assignment}. */
-json expectJob(ScratchSession& session, const json& arguments);
-
-/** Looks for an order of {"assignments": [WORD, ...]}: {"isComplete", "words", "problems"}. */
-json orderJob(ScratchSession& session, const json& arguments);
 
 /** What is written for groups of values, [[{"name", "value"}, ...], ...]: the last write to each parameter of the
  *  design, [[{"parameter", "expected"}, ...], ...]. */
@@ -44,10 +27,7 @@ json whyJob(ScratchSession& session, const json& arguments);
 /** Finds what the parameter {"name": NAME, "dot": BOOL} moves and what moves it. */
 json depsJob(ScratchSession& session, const json& arguments);
 
-/** Tells the findings (see lint.h) of the present state, or with {"file": NAME} after a load of that file. */
-json lintJob(ScratchSession& session, const json& arguments);
-
-/** All of them, for the scratch boards. */
+/** All of them and those of the library, for the scratch boards. */
 std::span<const JobRow> allJobs();
 
 } // namespace appletctl

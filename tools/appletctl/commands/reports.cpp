@@ -31,8 +31,15 @@ void append(Report& report, const Report& more) {
     report.exitCode = std::max(report.exitCode, more.exitCode);
 }
 
+Report askReport(ScratchBoard& scratch, const std::string& job, nlohmann::json arguments) {
+    arguments["plain"] = isPlainOutput();
+    return reportOf(scratch.ask(job, arguments));
+}
+
+void layOutAsAsked(const nlohmann::json& arguments) { setPlainOutput(arguments.at("plain").get<bool>()); }
+
 Report askScratch(Context& context, const std::string& job, const nlohmann::json& arguments) {
-    Report report = reportOf(context.scratch().ask(job, arguments));
+    Report report = askReport(context.scratch(), job, arguments);
     Words assumed = context.assumed();
     // A measurement matters only to the question about itself.
     const std::string asked = lowerCase(arguments.dump());

@@ -2,8 +2,8 @@
 #ifndef APPLETCTL_COMMANDS_REPORTS_H
 #define APPLETCTL_COMMANDS_REPORTS_H
 
-#include "applet_tools/scratch/Context.h"
 #include "appletctl/base/output.h"
+#include "appletctl/commands/Context.h"
 
 namespace appletctl {
 
@@ -13,7 +13,13 @@ Report reportOf(const nlohmann::json& message);
 /** Puts the second report behind the first one: its members, text, problems, notes; a failure stays one. */
 void append(Report& report, const Report& more);
 
-/** The report of a job on the scratch board; it says what of the live state was assumed there. */
+/** The report of a job on a scratch board. */
+Report askReport(ScratchBoard& scratch, const std::string& job, nlohmann::json arguments);
+
+/** What a job needs to lay its text out as the command that asks for it; to be called first of all. */
+void layOutAsAsked(const nlohmann::json& arguments);
+
+/** The report of a job on the scratch board of the live applet; it says what of the live state was assumed there. */
 Report askScratch(Context& context, const std::string& job, const nlohmann::json& arguments);
 
 /** Says it: "(assumed: ...)" in the text, "assumed" in the document; nothing for nothing. */

@@ -2,6 +2,7 @@
 #ifndef APPLETCTL_COMMANDS_SHARED_OPTIONS_H
 #define APPLETCTL_COMMANDS_SHARED_OPTIONS_H
 
+#include "applet_tools/base/words.h"
 #include "appletctl/base/Options.h"
 
 #include <optional>

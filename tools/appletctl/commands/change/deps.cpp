@@ -8,7 +8,6 @@
 #include "appletctl/commands/jobs.h"
 #include "appletctl/commands/reports.h"
 #include "appletctl/commands/shared_options.h"
-#include "appletctl/commands/signals/trace.h"
 
 #include <CLI/CLI.hpp>
 
@@ -191,8 +190,9 @@ std::string asText(const std::string& name, const Dependencies& found) {
 } // namespace
 
 json depsJob(ScratchSession& session, const json& arguments) {
+    layOutAsAsked(arguments);
     Report report;
-    startFrom(session, arguments);
+    startFrom(session, arguments.at("with").get<Words>());
     Probe probe(session);
     const Parameter& parameter =
         *findTarget(session.parameters(), arguments.at("name").get<std::string>()).parameter;
@@ -215,9 +215,9 @@ void addDepsOptions(CLI::App& command, Options& options) { addDot(command, optio
 
 Report showDependencies(Context& context, const Words& name) {
     const bool isDot = context.options().of<DotOption>().isWanted;
-    Report report = reportOf(context.scratch().ask(
-        "deps",
-        {{"name", name.front()}, {"dot", isDot}, {"with", context.options().of<WithOption>().assignments}}));
+    Report report = askReport(
+        context.scratch(), "deps",
+        {{"name", name.front()}, {"dot", isDot}, {"with", context.options().of<WithOption>().assignments}});
     report.isVerbatim = isDot;
     if (!isDot) {
         addAssumed(report, context.assumed());

@@ -1,19 +1,18 @@
 // What a change would do, tried on the scratch board; and the change itself after a question.
 
-#include "applet_tools/applet/ParameterState.h"
+#include "applet_tools/answers/plan.h"
 #include "applet_tools/applet/access_log.h"
 #include "applet_tools/applet/assignments.h"
 #include "applet_tools/base/text.h"
-#include "applet_tools/scratch/DesignSnapshot.h"
 #include "applet_tools/scratch/refusal.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/CommandRun.h"
-#include "appletctl/commands/files/differences.h"
-#include "appletctl/commands/files/loading.h"
+#include "appletctl/commands/assignment_report.h"
+#include "appletctl/commands/file_reports.h"
 #include "appletctl/commands/jobs.h"
+#include "appletctl/commands/lines.h"
 #include "appletctl/commands/reports.h"
 #include "appletctl/commands/shared_options.h"
-#include "appletctl/commands/signals/trace.h"
 
 #include <CLI/CLI.hpp>
 
@@ -31,13 +30,6 @@ namespace {
 
 using nlohmann::ordered_json;
 
-std::vector<ParameterState> factsOf(ScratchSession& session) {
-    std::vector<ParameterState> facts;
-    for (const Parameter& parameter : session.parameters().all())
-        facts.push_back(currentState(session.instance(), parameter));
-    return facts;
-}
-
 std::string changeLine(const DesignChange& change, const std::string& setBy) {
     return lineOf({"change", setBy, change.parameter, beforeInWords(change), afterInWords(change)},
                   "    " + inWords(change));
@@ -53,70 +45,54 @@ std::string addChanges(const std::vector<DesignChange>& changes, const Parameter
     return text;
 }
 
-/** What others have from then on; `own` is the parameter that was set. The text leaves out the new values of the
- *  parameters that are shown already. */
-std::string addMoves(ScratchSession& session, const std::vector<ParameterState>& before,
-                     const std::vector<ParameterState>& after, const Parameter* own,
-                     const std::set<std::string>& shown, ordered_json& row) {
-    auto& rows = row["moves"] = ordered_json::array();
+/** What others have from then on. The new values of the parameters that are shown already are left out. */
+std::string movesText(const std::vector<ParameterMove>& moves, const std::set<std::string>& shown) {
     std::string text;
-    for (std::size_t i = 0; i < before.size(); ++i) {
-        const Parameter& parameter = session.parameters().all()[i];
-        if (&parameter == own) continue;
-        for (const Move& move : movesBetween(parameter, before[i], after[i])) {
-            ordered_json moved = {{"parameter", parameter.name}};
-            moved.update(asJson(move));
-            rows.push_back(std::move(moved));
-            if (std::string_view(move.what) == "value" && shown.contains(parameter.name)) continue;
-            text += lineOf({"moves", parameter.name, move.what, move.from, move.to},
-                           "  " + parameter.name + ", " + move.what + ": " + move.from + " -> " + move.to);
-        }
+    for (const auto& [parameter, move] : moves) {
+        if (std::string_view(move.what) == "value" && shown.contains(parameter)) continue;
+        text += lineOf({"moves", parameter, move.what, move.from, move.to},
+                       "  " + parameter + ", " + move.what + ": " + move.from + " -> " + move.to);
     }
     return text;
 }
 
 Report planAssignments(ScratchSession& session, const Words& words) {
-    DesignSnapshot picture(session);
-    std::vector<ParameterState> facts = factsOf(session);
-    AssignmentHooks hooks;
-    hooks.takeWrites = [&] { return takeWrites(session.instance()); };
-    hooks.areWritesNamed = true;
-    hooks.isLeftOut = [](const Assignment& assignment) { return assignment.target.parameter->writesFile(); };
-    hooks.after = [&](const Assignment& assignment, ordered_json& row) {
-        DesignSnapshot now(session);
-        std::vector<ParameterState> factsThen = factsOf(session);
-        std::string text = addChanges(picture.changesTo(now), *assignment.target.parameter, row);
-        text += addMoves(session, facts, factsThen, assignment.target.parameter, {}, row);
-        picture = std::move(now);
-        facts = std::move(factsThen);
-        return text;
+    ChangeWatch watch(session);
+    AssignmentAdditions additions;
+    additions.takeWrites = [&] { return takeWrites(session.instance()); };
+    additions.areWritesNamed = true;
+    additions.isLeftOut = [](const Assignment& assignment) {
+        return assignment.target.parameter->writesFile();
     };
-    hooks.suggestion = [&](const Assignment& assignment, ordered_json& row) {
+    additions.after = [&](const Assignment& assignment, ordered_json& row) {
+        const Parameter& parameter = *assignment.target.parameter;
+        const auto [design, moves] = watch.take(parameter);
+        const std::string text = addChanges(design, parameter, row);
+        row["moves"] = asJson(moves);
+        return text + movesText(moves, {});
+    };
+    additions.suggestion = [&](const Assignment& assignment, int, ordered_json& row) {
         session.keep();
         Probe probe(session);
-        return addSuggestion(probe, assignment, row);
+        const Suggestion suggestion = suggestionFor(probe, assignment);
+        row.update(suggestion.members);
+        return suggestion.words;
     };
-    return applyAssignments(session.instance(), session.parameters(), words, hooks);
+    return reportAssignments(session.instance(), session.parameters(), words, additions);
 }
 
 /** What a load writes to the design, under the parameters that write it. */
 class LoadWrites {
 public:
-    /** Of several parameters that write the same value of the design, one that the load changes is preferred. */
-    LoadWrites(ScratchSession& session, const LoadOutcome& outcome, const std::set<std::string>& changed)
-        : m_outcome(outcome) {
-        session.rewind();
-        for (const bool isChanged : {true, false})
-            for (const Parameter& parameter : session.parameters().all())
-                if (changed.contains(parameter.name) == isChanged) findWrites(session, parameter);
-        for (const DesignChange& change : outcome.changes)
+    explicit LoadWrites(const FilePlan& plan) : m_plan(plan) {
+        for (const DesignChange& change : plan.load.changes)
             m_changes[change.parameter] = &change;
     }
 
     std::string changesText() const {
         if (m_changes.empty()) return forPerson("Nothing changes in the design.\n");
         std::string text = forPerson("Changes in the design:\n");
-        for (const auto& [writer, names] : grouped()) {
+        for (const auto& [writer, names] : m_plan.writers) {
             std::string lines;
             for (const std::string& name : names)
                 if (const auto change = m_changes.find(name); change != m_changes.end())
@@ -128,9 +104,9 @@ public:
 
     std::string writesText() const {
         std::string text = forPerson("All writes, in the order of each parameter's first one:\n");
-        for (const auto& [writer, names] : grouped()) {
+        for (const auto& [writer, names] : m_plan.writers) {
             text += forPerson("  " + writer + '\n');
-            for (const std::string& line : m_outcome.writes)
+            for (const std::string& line : m_plan.load.writes)
                 if (std::ranges::find(names, writtenParameter(line)) != names.end())
                     text += isPlainOutput() ? writer + '\t' + accessLine(line) : "  " + accessLine(line);
         }
@@ -139,81 +115,38 @@ public:
 
     /** "241 of 248 writes repeat what the design holds". */
     std::string repeatedText() const {
-        const auto repeated = std::ranges::count_if(m_outcome.writes, [&](const std::string& line) {
-            return !m_changes.contains(writtenParameter(line));
-        });
+        const Words& writes = m_plan.load.writes;
+        const auto repeated = std::ranges::count_if(
+            writes, [&](const std::string& line) { return !m_changes.contains(writtenParameter(line)); });
         if (repeated == 0) return "";
-        return numberText(repeated) + " of " + numberText(m_outcome.writes.size()) +
+        return numberText(repeated) + " of " + numberText(writes.size()) +
                " writes repeat what the design holds; --all shows them\n";
     }
 
 private:
-    struct Group {
-        std::string writer;
-        Words names; // of the design
-    };
-
-    /** Lets the setter write the value that the parameter holds. */
-    void findWrites(ScratchSession& session, const Parameter& parameter) {
-        if (elementCount(parameter) > 0 || !parameter.effectOfReading().empty() ||
-            !parameter.effectOfWriting().empty() || parameter.writesFile())
-            return;
-        const ReadResult now = readValue(session.instance(), {&parameter});
-        if (now.error != FG_OK) return;
-        takeWrites(session.instance());
-        writeValue(session.instance(), {&parameter}, now.value);
-        for (const std::string& line : takeWrites(session.instance()))
-            m_writers.try_emplace(writtenParameter(line), parameter.name);
-    }
-
-    /** All that was written or has changed. */
-    std::vector<Group> grouped() const {
-        Words names;
-        for (const std::string& line : m_outcome.writes)
-            names.push_back(writtenParameter(line));
-        for (const auto& [name, change] : m_changes)
-            names.push_back(name);
-        std::vector<Group> groups;
-        std::set<std::string> seen;
-        for (const std::string& name : names) {
-            if (!seen.insert(name).second) continue;
-            const auto found = m_writers.find(name);
-            const std::string writer = found != m_writers.end() ? found->second : "several parameters";
-            auto group = std::ranges::find(groups, writer, &Group::writer);
-            if (group == groups.end()) group = groups.insert(groups.end(), {writer, {}});
-            group->names.push_back(name);
-        }
-        return groups;
-    }
-
-    const LoadOutcome& m_outcome;
-    std::map<std::string, std::string> m_writers; // of each value of the design
+    const FilePlan& m_plan;
     std::map<std::string, const DesignChange*> m_changes;
 };
 
-Report planFile(ScratchSession& session, const std::string& file, bool areAllWrites) {
+Report reportOf(const FilePlan& plan, const std::string& file, bool areAllWrites) {
     Report report;
     report.document["file"] = toUtf8(file.c_str());
-    FileKeys keys(session);
-    const std::vector<ParameterState> facts = factsOf(session);
-    const ConfigurationFile state = stateOf(session.instance());
-    const LoadOutcome outcome = loadAndCompare(session, keys, file);
-    const ConfigurationFile now(outcome.state);
-    if (addDifferences(report, {{"BEFORE", "before", &state}, {"AFTER", "after", &now}}, session.parameters(),
-                       keys, NextCycle::remark) == 0)
-        report.text += forPerson("Nothing would change.\n");
-    std::set<std::string> changed;
-    for (const ordered_json& row : report.document["differences"])
-        changed.insert(row["name"].get<std::string>());
-    report.document["writes"] = accessesAsJson(outcome.writes);
-    report.document["changes"] = asJson(outcome.changes);
-    std::string moves = addMoves(session, facts, outcome.facts, nullptr, changed, report.document);
-    const LoadWrites writes(session, outcome, changed);
+    addDifferences(report, {{"BEFORE", "before", nullptr}, {"AFTER", "after", nullptr}}, plan.differences,
+                   NextCycle::remark);
+    if (plan.differences.empty()) report.text += forPerson("Nothing would change.\n");
+    report.document["writes"] = accessesAsJson(plan.load.writes);
+    report.document["changes"] = asJson(plan.load.changes);
+    report.document["moves"] = asJson(plan.moves);
+    std::set<std::string> shown;
+    for (const Difference& difference : plan.differences)
+        shown.insert(difference.parameter);
+    const LoadWrites writes(plan);
     if (areAllWrites) report.text += writes.writesText();
     report.text += writes.changesText();
-    if (!moves.empty()) report.text += forPerson("Other parameters from then on:\n") + moves;
+    if (const std::string moves = movesText(plan.moves, shown); !moves.empty())
+        report.text += forPerson("Other parameters from then on:\n") + moves;
     if (!areAllWrites) report.text += forPerson(writes.repeatedText());
-    addFindings(report, outcome.findings);
+    addFindings(report, plan.load.findings);
     return report;
 }
 
@@ -231,9 +164,11 @@ bool isAgreed() {
 } // namespace
 
 json planJob(ScratchSession& session, const json& arguments) {
+    layOutAsAsked(arguments);
     const auto words = arguments.at("words").get<Words>();
-    return asMessage(isFile(words) ? planFile(session, fileOf(words), arguments.at("all").get<bool>())
-                                   : planAssignments(session, words));
+    if (!isFile(words)) return asMessage(planAssignments(session, words));
+    const std::string& file = fileOf(words);
+    return asMessage(reportOf(planFile(session, file), file, arguments.at("all").get<bool>()));
 }
 
 namespace {

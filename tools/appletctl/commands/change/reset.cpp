@@ -5,6 +5,7 @@
 #include "applet_tools/base/text.h"
 #include "applet_tools/scratch/refusal.h"
 #include "appletctl/commands/Command.h"
+#include "appletctl/commands/assignment_report.h"
 #include "appletctl/commands/jobs.h"
 #include "appletctl/commands/reports.h"
 
@@ -92,28 +93,6 @@ std::string heldText(const ParameterList& parameters, const std::set<std::string
             text += ", " + valueWithUnit(parameter, fromMessage({&parameter}, row.at("value")));
     return text + ".\n";
 }
-
-} // namespace
-
-json defaultsJob(ScratchSession& session, const json&) {
-    Instance& instance = session.instance();
-    json defaults = json::array();
-    const int count = instance.applet().Fg_getNrOfParameter(instance.fg());
-    for (int i = 0; i < count; ++i) {
-        const char* name = instance.applet().Fg_getParameterName(instance.fg(), i);
-        const auto& all = session.parameters().all();
-        const auto found = std::ranges::find(all, toUtf8(name), &Parameter::name);
-        if (found == all.end() || !found->effectOfReading().empty() || found->writesFile()) continue;
-        const ReadResult reading = readValue(instance, wholeOf(*found));
-        if (reading.error != FG_OK) continue;
-        // Without a setter it is no default but a measurement, or fixed.
-        if (writeValue(instance, wholeOf(*found), reading.value) == FG_ERR_NOT_AVAILABLE) continue;
-        defaults.push_back({{"name", found->name}, {"value", asMessage(reading.value)}});
-    }
-    return defaults;
-}
-
-namespace {
 
 Report resetParameters(Context& context, const Words& words) {
     Words assignments;

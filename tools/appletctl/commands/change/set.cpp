@@ -1,14 +1,14 @@
+#include "applet_tools/answers/expectation.h"
+#include "applet_tools/answers/order.h"
 #include "applet_tools/applet/access_log.h"
 #include "applet_tools/applet/assignments.h"
 #include "applet_tools/applet/hardware_values.h"
 #include "applet_tools/base/text.h"
-#include "applet_tools/scratch/DesignSnapshot.h"
 #include "applet_tools/scratch/refusal.h"
 #include "appletctl/commands/Command.h"
-#include "appletctl/commands/change/order.h"
+#include "appletctl/commands/assignment_report.h"
 #include "appletctl/commands/jobs.h"
 #include "appletctl/commands/reports.h"
-#include "appletctl/commands/signals/trace.h"
 
 #include <CLI/CLI.hpp>
 
@@ -66,10 +66,10 @@ void verifyDesign(Context& context, const json& expected, Report& report, ordere
     }
 }
 
-void verify(Context& context, const Words& words, const json& expected, Report& report) {
+void verify(Context& context, const Words& words, const Expectation& expected, Report& report) {
     auto& rows = report.document["unverified"] = ordered_json::array();
-    verifyValues(context, words, expected.at("taken"), report, rows);
-    if (!context.options().offline) verifyDesign(context, expected.at("design"), report, rows);
+    verifyValues(context, words, expected.taken, report, rows);
+    if (!context.options().offline) verifyDesign(context, expected.design, report, rows);
     if (!rows.empty()) report.exitCode = exitRefused;
     if (rows.empty() && report.exitCode == exitDone)
         report.text += forPerson(
@@ -87,7 +87,7 @@ void addWaiting(Context& context, Report& report) {
             names.push_back(name);
     }
     if (names.empty()) return;
-    const Report answer = reportOf(context.scratch().ask("why", {{"words", names}, {"with", Words{}}}));
+    const Report answer = askReport(context.scratch(), "why", {{"words", names}, {"with", Words{}}});
     auto& rows = report.document["waiting"] = ordered_json::array();
     for (const auto& why : answer.document["answers"]) {
         const auto ways = why.value("writableWith", Words{});
@@ -100,29 +100,22 @@ void addWaiting(Context& context, Report& report) {
     }
 }
 
-} // namespace
-
-json expectJob(ScratchSession& session, const json& arguments) {
-    json taken = json::array();
-    AssignmentHooks hooks;
-    hooks.after = [&](const Assignment& assignment, ordered_json&) {
-        const ReadResult reading = readValue(session.instance(), assignment.target);
-        taken.push_back(reading.error == FG_OK ? asMessage(reading.value) : json());
-        return "";
-    };
-    applyAssignments(session.instance(), session.parameters(), arguments.at("assignments").get<Words>(),
-                     hooks);
-    std::set<std::string> written;
-    for (const std::string& line : takeWrites(session.instance()))
-        written.insert(writtenParameter(line));
-    json expected = json::object();
-    const DesignSnapshot picture(session);
-    for (const auto& [name, number] : picture.numbers())
-        if (written.contains(name)) expected[name] = numberAsJson(number);
-    return {{"design", expected}, {"taken", taken}};
+Report reportOf(const Ordering& ordering) {
+    Report report;
+    report.document["order"] = ordering.words;
+    if (ordering.isComplete) {
+        Words cells{"order"};
+        for (const std::string& word : ordering.words)
+            cells.push_back(printable(toUtf8(word.c_str())));
+        report.text = lineOf(cells, "order: " + printable(toUtf8(join(ordering.words, " ").c_str())));
+        return report;
+    }
+    report.problems = ordering.problems;
+    report.problems.push_back("nothing was set");
+    report.document["problems"] = report.problems;
+    report.exitCode = exitRefused;
+    return report;
 }
-
-namespace {
 
 struct SetOptions {
     bool anyOrder = false; /**< --any-order */
@@ -142,14 +135,14 @@ Report setParameters(Context& context, const Words& asked) {
     Words words = asked;
     parseAssignments(context.parameters(), words); // a misspelt one stops all
     if (own.anyOrder) {
-        Ordering ordering = askOrder(context, words);
-        if (!ordering.isComplete) return ordering.report;
+        const Ordering ordering = askOrder(context, words);
+        report = reportOf(ordering);
+        if (!ordering.isComplete) return report;
         words = ordering.words;
-        report = ordering.report;
     }
-    json expected;
-    if (own.verify) expected = context.scratch().ask("expect", {{"assignments", words}});
-    AssignmentHooks hooks;
+    Expectation expected;
+    if (own.verify) expected = askExpectation(context, words);
+    AssignmentAdditions hooks;
     if (options.trace) hooks.takeWrites = [&] { return writesOf(context.takeAccesses()); };
     append(report, applyLive(context, words, hooks));
     addWaiting(context, report);

@@ -1,7 +1,7 @@
 #include "applet_tools/base/text.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/CommandRun.h"
-#include "appletctl/commands/files/differences.h"
+#include "appletctl/commands/file_reports.h"
 
 #include <CLI/CLI.hpp>
 
@@ -31,10 +31,10 @@ Report compareConfigurations(Context& context, const Words& words) {
                          "--live the parameters stand beside them");
     if (isWithLive) requireBoard(context.options(), "diff");
     const ConfigurationFile a = ConfigurationFile::read(first);
-    std::vector<Side> sides{{titleOf(first), "first", &a}};
+    std::vector<Side> sides{{titleOf(first), "first", &a, true}};
     std::optional<ConfigurationFile> b, now;
     if (areTwoFiles)
-        sides.push_back({titleOf(words[1]), "second", &b.emplace(ConfigurationFile::read(words[1]))});
+        sides.push_back({titleOf(words[1]), "second", &b.emplace(ConfigurationFile::read(words[1])), true});
     Report report;
     if (isWithLive) {
         CommandRun work(context, assignments);
@@ -42,7 +42,9 @@ Report compareConfigurations(Context& context, const Words& words) {
         if (work.isRefused()) return report;
         sides.push_back({"NOW", "now", &now.emplace(stateOf(work.instance))});
     }
-    if (askDifferences(report, sides, context.bareScratch()) == 0)
+    const std::vector<Difference> differences = askDifferences(context.bareScratch(), sides);
+    addDifferences(report, sides, differences);
+    if (differences.empty())
         report.text += forPerson("The values are the same.\n");
     else
         report.exitCode = exitDifferent;

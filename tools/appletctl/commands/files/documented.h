@@ -2,7 +2,7 @@
 #ifndef APPLETCTL_COMMANDS_FILES_DOCUMENTED_H
 #define APPLETCTL_COMMANDS_FILES_DOCUMENTED_H
 
-#include "applet_tools/scratch/Context.h"
+#include "appletctl/commands/Context.h"
 
 #include <set>
 #include <string>

@@ -1,8 +1,8 @@
 #include "applet_tools/base/text.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/CommandRun.h"
-#include "appletctl/commands/files/check.h"
-#include "appletctl/commands/files/differences.h"
+#include "appletctl/commands/file_reports.h"
+#include "appletctl/commands/reports.h"
 
 #include <CLI/CLI.hpp>
 
@@ -10,15 +10,15 @@ namespace appletctl {
 namespace {
 
 /** The board may be at odds with what the scratch board has told, say where it fails. */
-void addSurprises(CommandRun& work, const Check& expected, int code, const ConfigurationFile& now,
+void addSurprises(CommandRun& work, const LoadCheck& expected, int code, const ConfigurationFile& now,
                   ScratchBoard& scratch) {
-    Report unlike;
-    const bool areOthers =
-        askDifferences(unlike, {{"EXPECTED", "expected", &expected.state}, {"NOW", "now", &now}}, scratch) >
-        0;
-    if (code == expected.code && !areOthers) return;
+    const std::vector<Side> sides{{"EXPECTED", "expected", &expected.state}, {"NOW", "now", &now}};
+    const std::vector<Difference> others = askDifferences(scratch, sides);
+    if (code == expected.code && others.empty()) return;
     work.refuse("the board did not take the file as the scratch board did: the load answers " +
-                codeInWords(code) + (areOthers ? "; the values differ:" : ""));
+                codeInWords(code) + (others.empty() ? "" : "; the values differ:"));
+    Report unlike;
+    addDifferences(unlike, sides, others);
     work.report.text += unlike.text;
     work.report.document["unexpected"] = unlike.document["differences"];
 }
@@ -39,19 +39,20 @@ Report loadFile(Context& context, const Words& words) {
     if (work.isRefused()) return work.report;
     work.report.document["file"] = toUtf8(file.c_str());
     ScratchBoard& scratch = context.scratch();
-    const Check check = askCheck(scratch, file);
-    if (context.options().of<LoadOptions>().strict && check.report.exitCode != exitDone) {
-        append(work.report, check.report);
+    const LoadCheck check = askCheck(scratch, file);
+    if (context.options().of<LoadOptions>().strict && !check.losesNothing()) {
+        addFindings(work.report, check.findings);
         work.refuse("--strict: nothing was loaded");
         return work.report;
     }
     const ConfigurationFile before = stateOf(work.instance);
     const int code = loadConfiguration(work.instance, file);
     const ConfigurationFile now = stateOf(work.instance);
-    if (askDifferences(work.report, {{"BEFORE", "before", &before}, {"NOW", "now", &now}}, scratch,
-                       NextCycle::remark) == 0)
-        work.report.text += forPerson("Nothing has changed.\n");
-    append(work.report, check.report);
+    const std::vector<Side> sides{{"BEFORE", "before", &before}, {"NOW", "now", &now}};
+    const std::vector<Difference> changes = askDifferences(scratch, sides);
+    addDifferences(work.report, sides, changes, NextCycle::remark);
+    if (changes.empty()) work.report.text += forPerson("Nothing has changed.\n");
+    addFindings(work.report, check.findings);
     addSurprises(work, check, code, now, scratch);
     addAssumed(work.report, context.assumed());
     return work.report;

@@ -6,7 +6,7 @@
 #include "applet_tools/base/text.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/CommandRun.h"
-#include "appletctl/draw/curve.h"
+#include "appletctl/commands/files/curve.h"
 
 #include <CLI/CLI.hpp>
 
@@ -20,6 +20,29 @@ constexpr CommandGroup lutGroup = {"lut", "Show, draw, save and load the lookup 
 constexpr const char* blueOnTheBoard =
     "The board receives the table of blue for all three colours. The applet keeps all three, and "
     "FG_LUT_VALUE_RED, FG_LUT_VALUE_GREEN and FG_LUT_VALUE_BLUE read what it keeps.\n";
+
+std::string clippedText(const Elements& entries, const std::optional<ElementRange>& range) {
+    if (!range) return "-";
+    return numberText(range->first) + ".." + numberText(range->last) + " at " +
+           numberText(entries[range->first]);
+}
+
+/** Rows of text for all colours, and whether they are equal. */
+std::string statisticsText(const LutTables& tables) {
+    Table text;
+    text.setTitles({"COLOUR", "MINIMUM", "MAXIMUM", "DISTINCT", "COURSE", "CLIPPED AT START",
+                    "CLIPPED AT END", "BOARD"});
+    text.setDispensable({"DISTINCT", "COURSE"});
+    for (const LutTable& table : tables.colours) {
+        const LutStatistics told = statisticsOf(table.entries, tables.largest);
+        const std::string board = boardInWords(tables, table);
+        text.addRow({table.colour, numberText(told.minimum), numberText(told.maximum),
+                     numberText(told.distinct), told.course, clippedText(table.entries, told.atStart),
+                     clippedText(table.entries, told.atEnd), board.empty() ? "-" : board});
+    }
+    return text.render(Style::forStream(STDOUT_FILENO)) +
+           forPerson(tables.areEqual() ? "The three colours are equal.\n" : "The three colours differ.\n");
+}
 
 LutTables tablesOf(CommandRun& work) { return readLutTables(work.instance, work.parameters); }
 

@@ -2,8 +2,7 @@
 #include "applet_tools/base/text.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/CommandRun.h"
-#include "appletctl/commands/files/check.h"
-#include "appletctl/commands/files/differences.h"
+#include "appletctl/commands/file_reports.h"
 
 namespace appletctl {
 namespace {
@@ -23,13 +22,14 @@ Report saveConfiguration(Context& context, const Words& words) {
                shownFile(file) + ": " + numberText(saved.values().size()) + " values written");
     work.report.document["values"] = saved.values().size();
     ScratchBoard& scratch = context.scratchAtDefaults();
-    if (askDifferences(work.report, {{"DEFAULT", "default", nullptr}, {"SAVED", "saved", &saved}}, scratch) ==
-        0)
-        work.report.text += forPerson("All of them are defaults.\n");
-    const Check check = askCheck(scratch, file);
-    if (check.report.exitCode != exitDone)
+    const std::vector<Side> sides{{"DEFAULT", "default", nullptr}, {"SAVED", "saved", &saved}};
+    const std::vector<Difference> changes = askDifferences(scratch, sides);
+    addDifferences(work.report, sides, changes);
+    if (changes.empty()) work.report.text += forPerson("All of them are defaults.\n");
+    const LoadCheck check = askCheck(scratch, file);
+    if (!check.losesNothing())
         work.refuse(shownFile(file) + " is complete, but a load does not restore all of it:");
-    append(work.report, check.report);
+    addFindings(work.report, check.findings);
     return work.report;
 }
 

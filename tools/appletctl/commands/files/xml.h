@@ -2,7 +2,7 @@
 #ifndef APPLETCTL_COMMANDS_FILES_XML_H
 #define APPLETCTL_COMMANDS_FILES_XML_H
 
-#include "applet_tools/scratch/Context.h"
+#include "appletctl/commands/Context.h"
 
 #include <optional>
 #include <string>

@@ -1,5 +1,6 @@
 #include "applet_tools/scratch/BoardState.h"
 #include "appletctl/commands/Command.h"
+#include "appletctl/commands/lines.h"
 
 #include <CLI/CLI.hpp>
 

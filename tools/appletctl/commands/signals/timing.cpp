@@ -7,6 +7,7 @@
 #include "applet_tools/base/text.h"
 #include "applet_tools/scratch/refusal.h"
 #include "appletctl/commands/Command.h"
+#include "appletctl/commands/assignment_report.h"
 #include "appletctl/draw/svg.h"
 #include "appletctl/draw/waves.h"
 

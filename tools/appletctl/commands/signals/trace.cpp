@@ -5,6 +5,7 @@
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"
 #include "appletctl/commands/Command.h"
+#include "appletctl/commands/lines.h"
 
 #include <algorithm>
 #include <sstream>
@@ -95,19 +96,6 @@ std::vector<OneSided> differencesOf(const Lines& a, const Lines& b) {
 }
 
 } // namespace
-
-std::vector<std::string> writesOf(const std::vector<std::string>& accesses) {
-    Lines writes;
-    for (const std::string& line : accesses)
-        if (line.starts_with("set ") || line.starts_with("write ")) writes.push_back(line);
-    return writes;
-}
-
-std::string writtenParameter(const std::string& line) {
-    std::string kind, name;
-    std::istringstream(line) >> kind >> name;
-    return name;
-}
 
 Report traceRun(Context& context, bool isShownByCommand, const std::function<Report()>& run) {
     requireBoard(context.options(), "trace");

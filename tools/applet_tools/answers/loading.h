@@ -1,13 +1,15 @@
 /** Loads configuration files and tells what is lost of them. The applet does not: it says that something is
  *  missing but not what, and drops in silence what a setter refuses. All of it happens on the scratch board. */
-#ifndef APPLETCTL_COMMANDS_FILES_LOADING_H
-#define APPLETCTL_COMMANDS_FILES_LOADING_H
+#ifndef APPLET_TOOLS_ANSWERS_LOADING_H
+#define APPLET_TOOLS_ANSWERS_LOADING_H
 
 #include "applet_tools/applet/ConfigurationFile.h"
 #include "applet_tools/applet/MemoryFile.h"
 #include "applet_tools/applet/ParameterState.h"
 #include "applet_tools/scratch/DesignSnapshot.h"
-#include "appletctl/base/output.h"
+#include "applet_tools/scratch/ScratchBoard.h"
+
+#include <nlohmann/json.hpp>
 
 #include <optional>
 #include <string>
@@ -40,11 +42,13 @@ struct Finding {
      *  "refused": by the setter. "kept": refused by the setter, and yet it reads back. "cut": the end of a text.
      *  "unapplied": the setter takes the value, but a load does not hand it over. "rounded": to what the
      *  hardware can do. */
-    const char* kind;
-    std::string key; // empty for the whole file
+    std::string kind;
+    std::string key; /**< empty for the whole file */
     std::string message;
     bool isLoss = true;
-    std::vector<DesignChange> reached{}; /**< of a refused value: what the board holds because of it */
+    nlohmann::ordered_json
+        reached{}; /**< of a refused value: what the board holds because of it, as changes of the
+                                           design (see DesignSnapshot.h); else null */
 };
 
 /** A load as the scratch board saw it. */
@@ -63,8 +67,23 @@ std::string wholeFileTrouble(ScratchSession& session, FileKeys& keys, const Conf
 /** Loads the file into the scratch board and looks what came of it; the board is not put back. */
 LoadOutcome loadAndCompare(ScratchSession& session, FileKeys& keys, const std::string& file);
 
-/** Adds the losses to the problems, what was rounded to the text, and all of them to the document. */
-void addFindings(Report& report, const std::vector<Finding>& findings);
+/** [{"kind", "name", "isLoss", "message", "reached"}, ...]. */
+nlohmann::ordered_json asJson(const std::vector<Finding>& findings);
+
+/** What a load would come to. */
+struct LoadCheck {
+    std::vector<Finding> findings;
+    int code = 0;            /**< of the load */
+    ConfigurationFile state; /**< what a save would write then */
+
+    bool losesNothing() const;
+};
+
+/** Lets the scratch board load the file. Throws UsageError when it cannot be read. */
+LoadCheck askCheck(ScratchBoard& scratch, const std::string& file);
+
+/** The job of a scratch board behind it: loads {"file": FILE}: {"findings", "code", "state"}. */
+json checkJob(ScratchSession& session, const json& arguments);
 
 } // namespace appletctl
 

@@ -1,9 +1,10 @@
-#include "appletctl/commands/files/loading.h"
+#include "applet_tools/answers/loading.h"
 
 #include "applet_tools/applet/access_log.h"
 #include "applet_tools/applet/assignments.h"
 #include "applet_tools/applet/hardware_values.h"
 #include "applet_tools/applet/published_limits.h"
+#include "applet_tools/base/errors.h"
 #include "applet_tools/base/numbers.h"
 #include "applet_tools/base/text.h"
 #include "applet_tools/scratch/refusal.h"
@@ -198,26 +199,27 @@ std::vector<Finding> judgeLines(ScratchSession& session, FileKeys& keys, const s
     return findings;
 }
 
+bool isRefusal(const Finding& finding) { return finding.kind == "refused" || finding.kind == "kept"; }
+
 /** Adds to a refused value what the board holds because of it: the same file is loaded once more with the value
  *  from before in its place. */
 void addReached(ScratchSession& session, const ConfigurationFile& asked, const ConfigurationFile& before,
                 const DesignSnapshot& loaded, Finding& finding) {
-    using namespace std::string_view_literals;
     const auto* line = asked.values().find(finding.key);
     const auto* old = before.values().find(finding.key);
-    if (line == nullptr || old == nullptr || (finding.kind != "refused"sv && finding.kind != "kept"sv))
-        return;
+    if (line == nullptr || old == nullptr || !isRefusal(finding)) return;
     const MemoryFile other;
     other.write(asked.textWith(*line, old->text));
     session.rewind();
     loadConfiguration(session.instance(), other.configurationPath());
-    finding.reached = DesignSnapshot(session).changesTo(loaded);
-    if (finding.reached.empty()) {
+    const std::vector<DesignChange> reached = DesignSnapshot(session).changesTo(loaded);
+    if (reached.empty()) {
         finding.message += "; nothing of it has reached the board";
         return;
     }
     std::vector<std::string> words;
-    for (const DesignChange& change : finding.reached)
+    finding.reached = asJson(reached);
+    for (const DesignChange& change : reached)
         words.push_back(change.parameter + " " + afterInWords(change) + " (" + beforeInWords(change) +
                         " without it)");
     finding.message += "; the board has got it all the same: " + join(words, ", ");
@@ -226,12 +228,10 @@ void addReached(ScratchSession& session, const ConfigurationFile& asked, const C
 /** Adds to the first refusals what sets the limit, the nearest value and the ways out, in the state after the load. */
 void addCauses(ScratchSession& session, const std::string& file, const ConfigurationFile& asked,
                std::vector<Finding>& findings) {
-    using namespace std::string_view_literals;
     int left = 5; // each takes many trials
     for (Finding& finding : findings) {
         const auto* line = asked.values().find(finding.key);
-        if (line == nullptr || (finding.kind != "refused"sv && finding.kind != "kept"sv) || left-- <= 0)
-            continue;
+        if (line == nullptr || !isRefusal(finding) || left-- <= 0) continue;
         session.rewind();
         loadConfiguration(session.instance(), file);
         session.keep();
@@ -239,8 +239,7 @@ void addCauses(ScratchSession& session, const std::string& file, const Configura
         const auto value = valueInFile(parameter, std::string(line->value));
         if (!value || parameter.kind() == REGISTER_KIND_STRING) continue;
         Probe probe(session);
-        nlohmann::ordered_json row;
-        finding.message += addSuggestion(probe, {{&parameter}, std::string(line->value), *value}, row);
+        finding.message += suggestionFor(probe, {{&parameter}, std::string(line->value), *value}).words;
     }
 }
 
@@ -303,23 +302,42 @@ LoadOutcome loadAndCompare(ScratchSession& session, FileKeys& keys, const std::s
     return outcome;
 }
 
-void addFindings(Report& report, const std::vector<Finding>& findings) {
-    auto& rows = report.document["findings"] = nlohmann::ordered_json::array();
+nlohmann::ordered_json asJson(const std::vector<Finding>& findings) {
+    auto rows = nlohmann::ordered_json::array();
     for (const Finding& finding : findings) {
         nlohmann::ordered_json row = {{"kind", finding.kind},
                                       {"name", toUtf8(finding.key.c_str())},
                                       {"isLoss", finding.isLoss},
                                       {"message", finding.message}};
-        if (!finding.reached.empty()) row["reached"] = asJson(finding.reached);
+        if (!finding.reached.is_null()) row["reached"] = finding.reached;
         rows.push_back(std::move(row));
-        if (!finding.isLoss) {
-            report.text +=
-                lineOf({finding.kind, toUtf8(finding.key.c_str()), finding.message}, finding.message);
-            continue;
-        }
-        report.problems.push_back(finding.message);
-        report.exitCode = exitRefused;
     }
+    return rows;
+}
+
+bool LoadCheck::losesNothing() const { return std::ranges::none_of(findings, &Finding::isLoss); }
+
+json checkJob(ScratchSession& session, const json& arguments) {
+    FileKeys keys(session);
+    const LoadOutcome outcome = loadAndCompare(session, keys, arguments.at("file").get<std::string>());
+    json findings = json::array();
+    for (const Finding& finding : outcome.findings)
+        findings.push_back({{"kind", finding.kind},
+                            {"key", finding.key},
+                            {"message", finding.message},
+                            {"isLoss", finding.isLoss},
+                            {"reached", finding.reached.dump()}}); // as text: its members have an order
+    return {{"findings", std::move(findings)}, {"code", outcome.code}, {"state", asBytes(outcome.state)}};
+}
+
+LoadCheck askCheck(ScratchBoard& scratch, const std::string& file) {
+    const json answer = scratch.ask("check", {{"file", file}});
+    LoadCheck check{{}, answer["code"].get<int>(), ConfigurationFile(bytesOf(answer["state"]))};
+    for (const json& row : answer["findings"])
+        check.findings.push_back({row["kind"].get<std::string>(), row["key"].get<std::string>(),
+                                  row["message"].get<std::string>(), row["isLoss"].get<bool>(),
+                                  nlohmann::ordered_json::parse(row["reached"].get<std::string>())});
+    return check;
 }
 
 } // namespace appletctl

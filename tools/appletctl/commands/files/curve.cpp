@@ -1,4 +1,4 @@
-#include "appletctl/draw/curve.h"
+#include "appletctl/commands/files/curve.h"
 
 #include "applet_tools/base/numbers.h"
 #include "applet_tools/base/text.h"

@@ -1,10 +1,8 @@
-#include "appletctl/commands/change/order.h"
+#include "applet_tools/answers/order.h"
 
 #include "applet_tools/applet/assignments.h"
 #include "applet_tools/base/text.h"
 #include "applet_tools/scratch/refusal.h"
-#include "appletctl/commands/jobs.h"
-#include "appletctl/commands/reports.h"
 
 #include "vexo/fg_errors.h"
 
@@ -76,46 +74,33 @@ std::string whyStuck(ScratchSession& session, const std::string& word) {
     Probe probe(session);
     const int code = probe.answer(assignment.target, assignment.value);
     const std::string refusal = refusalInWords(*assignment.target.parameter, assignment.value, code);
-    nlohmann::ordered_json row;
-    return asked + " passes in no order: " + refusal + addSuggestion(probe, assignment, row);
+    return asked + " passes in no order: " + refusal + suggestionFor(probe, assignment).words;
 }
 
 } // namespace
 
-json orderJob(ScratchSession& session, const json& arguments) {
-    const auto words = arguments.at("assignments").get<Words>();
-    OrderSearch search(session, words);
-    const bool isComplete = search.search();
-    Words ordered, problems;
+Ordering findOrder(ScratchSession& session, const Words& assignments) {
+    OrderSearch search(session, assignments);
+    Ordering ordering{search.search(), {}, {}};
     for (const std::size_t place : search.best)
-        ordered.push_back(words[place]);
-    if (!isComplete) {
-        search.replay(search.best);
-        session.keep();
-        for (std::size_t place = 0; place < words.size(); ++place)
-            if (std::ranges::find(search.best, place) == search.best.end())
-                problems.push_back(whyStuck(session, words[place]));
-    }
-    return {{"isComplete", isComplete}, {"words", ordered}, {"problems", problems}};
+        ordering.words.push_back(assignments[place]);
+    if (ordering.isComplete) return ordering;
+    search.replay(search.best);
+    session.keep();
+    for (std::size_t place = 0; place < assignments.size(); ++place)
+        if (std::ranges::find(search.best, place) == search.best.end())
+            ordering.problems.push_back(whyStuck(session, assignments[place]));
+    return ordering;
 }
 
-Ordering askOrder(Context& context, const Words& assignments) {
-    const json answer = context.scratch().ask("order", {{"assignments", assignments}});
-    Ordering ordering{answer["isComplete"].get<bool>(), answer["words"].get<Words>(), {}};
-    Report& report = ordering.report;
-    report.document["order"] = ordering.words;
-    if (ordering.isComplete) {
-        Words cells{"order"};
-        for (const std::string& word : ordering.words)
-            cells.push_back(printable(toUtf8(word.c_str())));
-        report.text = lineOf(cells, "order: " + printable(toUtf8(join(ordering.words, " ").c_str())));
-        return ordering;
-    }
-    report.problems = answer["problems"].get<Words>();
-    report.problems.push_back("nothing was set");
-    report.document["problems"] = report.problems;
-    report.exitCode = exitRefused;
-    return ordering;
+json orderJob(ScratchSession& session, const json& arguments) {
+    const Ordering ordering = findOrder(session, arguments.at("assignments").get<Words>());
+    return {{"isComplete", ordering.isComplete}, {"words", ordering.words}, {"problems", ordering.problems}};
+}
+
+Ordering askOrder(LiveSession& live, const Words& assignments) {
+    const json answer = live.scratch().ask("order", {{"assignments", assignments}});
+    return {answer["isComplete"].get<bool>(), answer["words"].get<Words>(), answer["problems"].get<Words>()};
 }
 
 } // namespace appletctl

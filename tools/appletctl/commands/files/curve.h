@@ -1,6 +1,6 @@
 /** Drawings of a table's curve: on a terminal and as SVG. */
-#ifndef APPLETCTL_DRAW_CURVE_H
-#define APPLETCTL_DRAW_CURVE_H
+#ifndef APPLETCTL_COMMANDS_FILES_CURVE_H
+#define APPLETCTL_COMMANDS_FILES_CURVE_H
 
 #include "applet_tools/applet/LutTables.h"
 

@@ -1,6 +1,6 @@
-/** What the commands of a run stand on. */
-#ifndef APPLET_TOOLS_SCRATCH_CONTEXT_H
-#define APPLET_TOOLS_SCRATCH_CONTEXT_H
+/** A live applet, and a scratch board beside it to try things on. */
+#ifndef APPLET_TOOLS_SCRATCH_LIVESESSION_H
+#define APPLET_TOOLS_SCRATCH_LIVESESSION_H
 
 #include "applet_tools/applet/ParameterList.h"
 #include "applet_tools/applet/values.h"
@@ -15,21 +15,11 @@
 
 namespace appletctl {
 
-struct Command;
-struct HelpPage;
 class ScratchSession;
-struct HelpPage;
 
-/** What the commands and the scratch board need of the parts of the program that are made of them. */
-struct Program {
-    std::span<const JobRow> jobs{};
-    std::span<const Command* const> commands{};
-    HelpPage (*helpOf)(const Command* command) = nullptr; /**< null: of the program */
-};
-
-/** The live applet and the scratch board, each made when it is first asked for. A shell keeps one for all of its
- *  commands. */
-class Context {
+/** The live applet and the scratch board, each made when it is first asked for. Members that bring the applet up
+ *  throw what Instance throws, those that ask the scratch board what ScratchBoard throws. */
+class LiveSession {
 public:
     /** A scratch board splits the process, so it has to be wanted here, before any library is loaded. */
     enum class Scratch {
@@ -37,15 +27,13 @@ public:
         withoutDesign, /**< does not know the answers of the live design, which shows no parameters for it */
         wanted
     };
-    ~Context();
-    Context(const Context&) = delete;
-    Context& operator=(const Context&) = delete;
-    explicit Context(const Options& options, Scratch scratch = Scratch::none, const Program& program = {});
+    ~LiveSession();
+    LiveSession(const LiveSession&) = delete;
+    LiveSession& operator=(const LiveSession&) = delete;
+    /** `jobs` are what the scratch board can be asked for, `observe` is for what waits for its answers. */
+    explicit LiveSession(const BoardOptions& options, Scratch scratch = Scratch::none,
+                         std::span<const JobRow> jobs = {}, ObserveWork observe = {});
 
-    const Program& program() const { return m_program; }
-    const Options& options() const { return m_options; }
-    /** The options of the next command. What they say of applet and board has to be what the first ones said. */
-    void setOptions(const Options& options) { m_options = options; }
     Instance& instance();
     /** False before the first use, and after a restart that failed. */
     bool isUp() const { return m_instance.has_value(); }
@@ -89,8 +77,7 @@ private:
     nlohmann::json withoutTrace(const std::function<nlohmann::json()>& read);
     ScratchBoard& seeded(const nlohmann::json& seed);
 
-    Options m_options;
-    Program m_program;
+    BoardOptions m_options;
     bool m_publishesDesign;
     std::unique_ptr<ScratchBoard> m_scratch; // null if not wanted
     std::shared_ptr<const applet_host::AppletHost> m_host;

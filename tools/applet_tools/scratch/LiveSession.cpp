@@ -1,4 +1,4 @@
-#include "applet_tools/scratch/Context.h"
+#include "applet_tools/scratch/LiveSession.h"
 
 #include "applet_tools/applet/access_log.h"
 #include "applet_tools/base/Stopwatch.h"
@@ -12,15 +12,16 @@
 
 namespace appletctl {
 
-Context::Context(const Options& options, Scratch scratch, const Program& program)
+LiveSession::LiveSession(const BoardOptions& options, Scratch scratch, std::span<const JobRow> jobs,
+                         ObserveWork observe)
     : m_options(options)
-    , m_program(program)
     , m_publishesDesign(scratch == Scratch::wanted)
-    , m_scratch(scratch != Scratch::none ? std::make_unique<ScratchBoard>(options, program.jobs) : nullptr) {}
+    , m_scratch(scratch != Scratch::none ? std::make_unique<ScratchBoard>(options, jobs, std::move(observe))
+                                         : nullptr) {}
 
-Context::~Context() = default;
+LiveSession::~LiveSession() = default;
 
-Instance& Context::instance() {
+Instance& LiveSession::instance() {
     if (m_copy) return m_copy->instance();
     if (m_instance) return *m_instance;
     const Stopwatch watch;
@@ -34,19 +35,19 @@ Instance& Context::instance() {
     return made;
 }
 
-void Context::restart() {
+void LiveSession::restart() {
     m_parameters.reset();
     m_instance.reset();
     instance();
 }
 
-const ParameterList& Context::parameters() {
+const ParameterList& LiveSession::parameters() {
     if (m_copy) return m_copy->parameters();
     if (!m_parameters) m_parameters.emplace(instance());
     return *m_parameters;
 }
 
-void Context::enterCopy() {
+void LiveSession::enterCopy() {
     auto copy = std::make_unique<ScratchSession>(m_options);
     const json state = withoutTrace([&] { return boardStateOf(instance(), parameters()); });
     copy->seed(state);
@@ -54,58 +55,58 @@ void Context::enterCopy() {
     m_copy = std::move(copy);
 }
 
-void Context::leaveCopy() { m_copy.reset(); }
+void LiveSession::leaveCopy() { m_copy.reset(); }
 
-ScratchBoard& Context::scratch() {
+ScratchBoard& LiveSession::scratch() {
     json state = withoutTrace([&] { return boardStateOf(instance(), parameters()); });
     if (m_copy) state["design"] = m_copyDesign; // a copy does not publish it
     return seeded(state);
 }
 
-ScratchBoard& Context::scratchAtDefaults() {
+ScratchBoard& LiveSession::scratchAtDefaults() {
     const json design = withoutTrace([&] { return designOf(instance()); });
     return seeded({{"design", design}, {"values", json::object()}});
 }
 
-ScratchBoard& Context::bareScratch() { return seeded({{"design", nullptr}, {"values", json::object()}}); }
+ScratchBoard& LiveSession::bareScratch() { return seeded({{"design", nullptr}, {"values", json::object()}}); }
 
-ReadResult Context::read(const Target& target) {
+ReadResult LiveSession::read(const Target& target) {
     ReadResult reading = readValue(instance(), target);
     reading.isMeasured = !m_options.offline || !isFromBoard(*target.parameter);
     return reading;
 }
 
-bool Context::isFromBoard(const Parameter& parameter) {
+bool LiveSession::isFromBoard(const Parameter& parameter) {
     if (!m_fromBoard && m_scratch)
         m_fromBoard = bareScratch().ask("fromBoard", nullptr).get<std::set<std::string>>();
     return m_fromBoard && m_fromBoard->contains(parameter.name);
 }
 
-Words Context::takeNotes() {
+Words LiveSession::takeNotes() {
     Words notes = std::exchange(m_notes, {});
     if (m_scratch) std::ranges::move(m_scratch->takeNotes(), std::back_inserter(notes));
     return notes;
 }
 
-json Context::withoutTrace(const std::function<json()>& read) {
+json LiveSession::withoutTrace(const std::function<json()>& read) {
     if (m_isTraced) takeAccesses();
     const json result = read();
     if (m_isTraced) logAccesses(instance());
     return result;
 }
 
-void Context::startTrace() {
+void LiveSession::startTrace() {
     m_isTraced = true;
     logAccesses(instance());
 }
 
-Words Context::takeAccesses() {
+Words LiveSession::takeAccesses() {
     const Words lines = takeWrites(instance());
     m_accesses.insert(m_accesses.end(), lines.begin(), lines.end());
     return lines;
 }
 
-ScratchBoard& Context::seeded(const json& seed) {
+ScratchBoard& LiveSession::seeded(const json& seed) {
     const json answer = m_scratch->seed(seed);
     m_assumed = answer["assumed"].get<Words>();
     m_assumedMeasurements = answer["measurements"].get<Words>();

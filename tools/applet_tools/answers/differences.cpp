@@ -1,10 +1,8 @@
-#include "appletctl/commands/files/differences.h"
+#include "applet_tools/answers/differences.h"
 
 #include "applet_tools/applet/hardware_values.h"
+#include "applet_tools/base/errors.h"
 #include "applet_tools/base/text.h"
-#include "appletctl/commands/jobs.h"
-
-#include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
@@ -53,16 +51,9 @@ nlohmann::ordered_json asJson(const Parameter& parameter, const std::optional<st
 
 } // namespace
 
-std::size_t addDifferences(Report& report, const std::vector<Side>& sides, const ParameterList& parameters,
-                           FileKeys& keys, NextCycle nextCycle) {
-    auto& rows = report.document["differences"] = nlohmann::ordered_json::array();
-    std::vector<std::string> titles{"NAME"};
-    for (const Side& side : sides)
-        titles.push_back(side.title);
-    Table table;
-    table.setTitles(titles);
-    std::size_t shown = 0;
-    Words cycles;
+std::vector<Difference> differencesOf(const std::vector<Side>& sides, const ParameterList& parameters,
+                                      FileKeys& keys) {
+    std::vector<Difference> differences;
     for (const auto& line : keys.defaults().values()) {
         const Parameter& parameter = parameters.find(line.key);
         std::vector<std::optional<std::string>> values;
@@ -71,27 +62,29 @@ std::size_t addDifferences(Report& report, const std::vector<Side>& sides, const
         const bool areSame = std::ranges::all_of(
             values, [&](const auto& value) { return isSame(parameter, values.front(), value); });
         if (areSame || !keys.isReadByLoad(line.key)) continue;
-        std::vector<std::string> cells{parameter.name};
-        nlohmann::ordered_json row = {{"name", parameter.name}, {"unit", parameter.unit()}};
+        Difference difference{parameter.name, {}, {{"name", parameter.name}, {"unit", parameter.unit()}}};
         for (std::size_t i = 0; i < sides.size(); ++i) {
-            cells.push_back(cell(parameter, values[i]));
-            row[sides[i].member] = asJson(parameter, values[i]);
+            difference.values.push_back(cell(parameter, values[i]));
+            difference.document[sides[i].member] = asJson(parameter, values[i]);
         }
-        rows.push_back(std::move(row));
-        if (nextCycle == NextCycle::remark && !isPlainOutput() && isNextCycle(parameters, line.key, sides)) {
-            cycles.push_back(cells[0] + " from " + cells[1] + " to " + cells[2]);
-            continue;
-        }
-        table.addRow(cells);
-        ++shown;
+        difference.isNextCycle = isNextCycle(parameters, line.key, sides);
+        differences.push_back(std::move(difference));
     }
-    if (shown > 0 || isPlainOutput()) report.text += table.render(Style::forStream(STDOUT_FILENO));
-    if (!cycles.empty())
-        report.text += std::string(shown == 0 ? "Nothing changes but the camera simulator's rates,"
-                                              : "The camera simulator's rates move") +
-                       " by one of its clock cycles: " + join(cycles, ", ") + ".\n";
-    return rows.size();
+    return differences;
 }
+
+namespace {
+
+void requireLoadable(ScratchSession& session, FileKeys& keys, const std::vector<Side>& sides) {
+    for (const Side& side : sides) {
+        const std::string trouble =
+            side.isToBeLoaded ? wholeFileTrouble(session, keys, *side.file) : std::string();
+        if (!trouble.empty())
+            throw UsageError("no load takes the file " + inQuotes(side.title) + ": " + trouble);
+    }
+}
+
+} // namespace
 
 json differencesJob(ScratchSession& session, const json& arguments) {
     std::vector<std::optional<ConfigurationFile>> files;
@@ -100,36 +93,41 @@ json differencesJob(ScratchSession& session, const json& arguments) {
         files.push_back(text.is_null() ? std::nullopt : std::optional<ConfigurationFile>(bytesOf(text)));
     }
     std::vector<Side> sides;
-    for (std::size_t i = 0; i < files.size(); ++i)
-        sides.push_back({arguments["sides"][i].at("title").get<std::string>(),
-                         arguments["sides"][i].at("member").get<std::string>(),
-                         files[i] ? &*files[i] : nullptr});
-    Report report;
-    FileKeys keys(session);
-    for (const Side& side : sides) {
-        const bool isFile = side.member == "first" || side.member == "second";
-        const std::string trouble = isFile ? wholeFileTrouble(session, keys, *side.file) : "";
-        if (!trouble.empty())
-            throw UsageError("no load takes the file " + inQuotes(side.title) + ": " + trouble);
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        const json& side = arguments["sides"][i];
+        sides.push_back({side.at("title").get<std::string>(), side.at("member").get<std::string>(),
+                         files[i] ? &*files[i] : nullptr, side.at("isToBeLoaded").get<bool>()});
     }
-    addDifferences(report, sides, session.parameters(), keys,
-                   arguments.at("isNextCycleRemark").get<bool>() ? NextCycle::remark : NextCycle::row);
-    return asMessage(report);
+    FileKeys keys(session);
+    requireLoadable(session, keys, sides);
+    json rows = json::array();
+    constexpr auto replace = json::error_handler_t::replace;
+    for (const Difference& one : differencesOf(sides, session.parameters(), keys))
+        rows.push_back({{"parameter", one.parameter},
+                        {"values", one.values},
+                        {"document", one.document.dump(-1, ' ', false, replace)}, // its members have an order
+                        {"isNextCycle", one.isNextCycle}});
+    return rows;
 }
 
-std::size_t askDifferences(Report& report, const std::vector<Side>& sides, ScratchBoard& scratch,
-                           NextCycle nextCycle) {
-    json arguments = {{"sides", json::array()}, {"isNextCycleRemark", nextCycle == NextCycle::remark}};
+std::vector<Difference> askDifferences(ScratchBoard& scratch, const std::vector<Side>& sides) {
+    json arguments = {{"sides", json::array()}};
     for (const Side& side : sides) {
         json text;
         if (side.file != nullptr) // a carriage return may stand outside of the values
             text = asBytes(side.file->text().find('\r') != std::string::npos ? side.file->text()
                                                                              : side.file->textOfValues());
-        arguments["sides"].push_back(
-            {{"title", side.title}, {"member", side.member}, {"text", std::move(text)}});
+        arguments["sides"].push_back({{"title", side.title},
+                                      {"member", side.member},
+                                      {"text", std::move(text)},
+                                      {"isToBeLoaded", side.isToBeLoaded}});
     }
-    append(report, reportOf(scratch.ask("differences", arguments)));
-    return report.document["differences"].size();
+    std::vector<Difference> differences;
+    for (const json& row : scratch.ask("differences", arguments))
+        differences.push_back({row["parameter"].get<std::string>(), row["values"].get<Words>(),
+                               nlohmann::ordered_json::parse(row["document"].get<std::string>()),
+                               row["isNextCycle"].get<bool>()});
+    return differences;
 }
 
 } // namespace appletctl

@@ -1,0 +1,33 @@
+#include "applet_tools/answers/jobs.h"
+
+#include "applet_tools/answers/differences.h"
+#include "applet_tools/answers/expectation.h"
+#include "applet_tools/answers/lint.h"
+#include "applet_tools/answers/loading.h"
+#include "applet_tools/answers/order.h"
+#include "applet_tools/scratch/defaults_and_roles.h"
+#include "applet_tools/scratch/influences.h"
+#include "applet_tools/scratch/refusal.h"
+
+namespace appletctl {
+namespace {
+
+constexpr JobRow jobs[] = {
+    {"check", "what a load of the file loses", checkJob},
+    {"defaults", "the values after a start", defaultsJob},
+    {"defaultsAndRoles", "what is a default, and what a configuration file does with each parameter",
+     defaultsAndRolesJob},
+    {"differences", "which values differ", differencesJob},
+    {"expect", "what the design holds after the assignments", expectJob},
+    {"fromBoard", "which values the board measures", fromBoardJob},
+    {"influences", "what each parameter moves", influencesJob},
+    {"lint", "what is doubtful", lintJob},
+    {"order", "an order in which all assignments pass", orderJob},
+    {"suggestion", "what would let the refused value through", suggestionJob},
+};
+
+} // namespace
+
+std::span<const JobRow> libraryJobs() { return jobs; }
+
+} // namespace appletctl

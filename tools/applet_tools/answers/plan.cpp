@@ -1,0 +1,131 @@
+#include "applet_tools/answers/plan.h"
+
+#include "applet_tools/applet/access_log.h"
+
+#include "vexo/fg_errors.h"
+
+#include <algorithm>
+#include <map>
+#include <set>
+#include <utility>
+
+namespace appletctl {
+namespace {
+
+std::vector<ParameterState> factsOf(ScratchSession& session) {
+    std::vector<ParameterState> facts;
+    for (const Parameter& parameter : session.parameters().all())
+        facts.push_back(currentState(session.instance(), parameter));
+    return facts;
+}
+
+/** `own` is left out. */
+std::vector<ParameterMove> movesOf(const ParameterList& parameters, const std::vector<ParameterState>& before,
+                                   const std::vector<ParameterState>& after, const Parameter* own) {
+    std::vector<ParameterMove> moves;
+    for (std::size_t i = 0; i < before.size(); ++i) {
+        const Parameter& parameter = parameters.all()[i];
+        if (&parameter == own) continue;
+        for (const Move& move : movesBetween(parameter, before[i], after[i]))
+            moves.push_back({parameter.name, move});
+    }
+    return moves;
+}
+
+/** Finds which setter writes which value of the design, by letting each write what its parameter holds. */
+class WriterSearch {
+public:
+    /** Parameters of these names come first. */
+    WriterSearch(ScratchSession& session, const std::set<std::string>& preferred) {
+        session.rewind();
+        for (const bool isPreferred : {true, false})
+            for (const Parameter& parameter : session.parameters().all())
+                if (preferred.contains(parameter.name) == isPreferred) findWrites(session, parameter);
+    }
+
+    /** The values of the design under their writers, both in the order in which they come first. */
+    std::vector<Writer> grouped(const Words& names) const {
+        std::vector<Writer> writers;
+        std::set<std::string> seen;
+        for (const std::string& name : names) {
+            if (!seen.insert(name).second) continue;
+            const auto found = m_writers.find(name);
+            const std::string parameter = found != m_writers.end() ? found->second : "several parameters";
+            auto writer = std::ranges::find(writers, parameter, &Writer::parameter);
+            if (writer == writers.end()) writer = writers.insert(writers.end(), {parameter, {}});
+            writer->names.push_back(name);
+        }
+        return writers;
+    }
+
+private:
+    void findWrites(ScratchSession& session, const Parameter& parameter) {
+        if (elementCount(parameter) > 0 || !parameter.effectOfReading().empty() ||
+            !parameter.effectOfWriting().empty() || parameter.writesFile())
+            return;
+        const ReadResult now = readValue(session.instance(), {&parameter});
+        if (now.error != FG_OK) return;
+        takeWrites(session.instance());
+        writeValue(session.instance(), {&parameter}, now.value);
+        for (const std::string& line : takeWrites(session.instance()))
+            m_writers.try_emplace(writtenParameter(line), parameter.name);
+    }
+
+    std::map<std::string, std::string> m_writers; // of each value of the design
+};
+
+/** All that was written or has changed, each perhaps more than once. */
+Words touchedNames(const LoadOutcome& load) {
+    Words names;
+    for (const std::string& line : load.writes)
+        names.push_back(writtenParameter(line));
+    std::set<std::string> changed;
+    for (const DesignChange& change : load.changes)
+        changed.insert(change.parameter);
+    names.insert(names.end(), changed.begin(), changed.end());
+    return names;
+}
+
+} // namespace
+
+nlohmann::ordered_json asJson(const std::vector<ParameterMove>& moves) {
+    auto rows = nlohmann::ordered_json::array();
+    for (const auto& [parameter, move] : moves) {
+        nlohmann::ordered_json row = {{"parameter", parameter}};
+        row.update(asJson(move));
+        rows.push_back(std::move(row));
+    }
+    return rows;
+}
+
+ChangeWatch::ChangeWatch(ScratchSession& session)
+    : m_session(session)
+    , m_design(session)
+    , m_facts(factsOf(session)) {}
+
+ChangeWatch::Changes ChangeWatch::take(const Parameter& own) {
+    DesignSnapshot design(m_session);
+    std::vector<ParameterState> facts = factsOf(m_session);
+    Changes changes{m_design.changesTo(design), movesOf(m_session.parameters(), m_facts, facts, &own)};
+    m_design = std::move(design);
+    m_facts = std::move(facts);
+    return changes;
+}
+
+FilePlan planFile(ScratchSession& session, const std::string& file) {
+    FileKeys keys(session);
+    const std::vector<ParameterState> facts = factsOf(session);
+    const ConfigurationFile before = stateOf(session.instance());
+    FilePlan plan{loadAndCompare(session, keys, file), {}, {}, {}};
+    const ConfigurationFile after(plan.load.state);
+    plan.differences = differencesOf({{"BEFORE", "before", &before}, {"AFTER", "after", &after}},
+                                     session.parameters(), keys);
+    plan.moves = movesOf(session.parameters(), facts, plan.load.facts, nullptr);
+    std::set<std::string> changed;
+    for (const Difference& difference : plan.differences)
+        changed.insert(difference.parameter);
+    plan.writers = WriterSearch(session, changed).grouped(touchedNames(plan.load));
+    return plan;
+}
+
+} // namespace appletctl

@@ -1,0 +1,50 @@
+/** Why a parameter is read-only or refuses a value, and what would free it: single changes of others, tried on a
+ *  scratch board. */
+#ifndef APPLET_TOOLS_ANSWERS_WHY_H
+#define APPLET_TOOLS_ANSWERS_WHY_H
+
+#include "applet_tools/scratch/refusal.h"
+
+#include <nlohmann/json.hpp>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace appletctl {
+
+/** What the setter makes of an assignment. */
+struct RefusalAnswer {
+    std::string parameter; /**< its name */
+    std::string subject;   /**< "FG_WIDTH=20000" */
+    nlohmann::ordered_json document;
+    int code = 0;
+    std::string refusal{};  /**< in words; empty if it is accepted */
+    RefusalCauses causes{}; /**< of a refusal */
+    std::optional<std::vector<std::string>>
+        writableWith{}; /**< of what is accepted and read-only now: changes that
+                                                                  make it writable */
+};
+
+/** Asks the setter, in the state of the probe. Records of parameters from before may be gone afterwards. */
+RefusalAnswer whyRefused(Probe& probe, const Assignment& assignment);
+
+/** Whether a parameter can be written, and what decides that. */
+struct AccessAnswer {
+    std::string parameter; /**< its name */
+    std::string subject;   /**< "FG_LUT_VALUE_RED[3]" */
+    std::string access;    /**< "ro", "rw", "rw+" */
+    bool isWritable = false;
+    bool hasSetter = true; /**< false for what can never be set */
+    ReadResult now{};
+    nlohmann::ordered_json document{};
+    std::vector<std::string>
+        changedWith{}; /**< changes that make it read-only, or writable if it is read-only */
+};
+
+/** Looks at the access, in the state of the probe. Records of parameters from before may be gone afterwards. */
+AccessAnswer whyReadOnly(Probe& probe, const Target& target);
+
+} // namespace appletctl
+
+#endif

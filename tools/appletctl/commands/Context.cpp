@@ -1,0 +1,19 @@
+#include "appletctl/commands/Context.h"
+
+#include "applet_tools/base/errors.h"
+#include "appletctl/base/Progress.h"
+
+namespace appletctl {
+
+Context::Context(const Options& options, Scratch scratch, const Program& program)
+    : LiveSession(options, scratch, program.jobs, [] { return std::make_unique<Progress>("working"); })
+    , m_options(options)
+    , m_program(program) {}
+
+void requireBoard(const Options& options, const char* command) {
+    if (options.offline)
+        throw UsageError("'" + std::string(command) +
+                         "' needs a board, and --offline has none: leave --offline out");
+}
+
+} // namespace appletctl

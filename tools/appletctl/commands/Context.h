@@ -1,0 +1,43 @@
+/** What a command works on. */
+#ifndef APPLETCTL_COMMANDS_CONTEXT_H
+#define APPLETCTL_COMMANDS_CONTEXT_H
+
+#include "applet_tools/scratch/LiveSession.h"
+#include "appletctl/base/Options.h"
+
+#include <span>
+#include <string>
+
+namespace appletctl {
+
+struct Command;
+struct HelpPage;
+
+/** What the commands need of the parts of the program that are made of them. */
+struct Program {
+    std::span<const JobRow> jobs{};
+    std::span<const Command* const> commands{};
+    HelpPage (*helpOf)(const Command* command) = nullptr; /**< null: of the program */
+};
+
+/** The session with the options of the present command. A shell keeps one for all of its commands. */
+class Context : public LiveSession {
+public:
+    explicit Context(const Options& options, Scratch scratch = Scratch::none, const Program& program = {});
+
+    const Program& program() const { return m_program; }
+    const Options& options() const { return m_options; }
+    /** The options of the next command. What they say of applet and board has to be what the first ones said. */
+    void setOptions(const Options& options) { m_options = options; }
+
+private:
+    Options m_options;
+    Program m_program;
+};
+
+/** Throws UsageError, naming the command, when the options ask for an instance without a board. */
+void requireBoard(const Options& options, const char* command);
+
+} // namespace appletctl
+
+#endif
