@@ -17,7 +17,7 @@ bool isFound(std::uint64_t mask) { return mask != 0; }
 
 std::string textOf(const char* name) { return isFound(name) ? name : ""; }
 
-/** An answer, whose success or refusal becomes the last error. */
+/** The answer of a look-up. Its success or refusal becomes the last error. */
 template <typename LookUp, typename Key> auto ask(Grabber& grabber, LookUp lookUp, Key key) {
     EXPECT_EQ(grabber.set(FG_WIDTH, 3u), FG_ERR_OUT_OF_RANGE) << "an error that no look-up gives";
     const auto answer = lookUp(grabber.fg(), key);
