@@ -145,7 +145,7 @@ std::set<std::string> refusedBy(const json& findings, const std::set<std::string
 
 /**
  * A saved file in which a third of the numbers are such as a load refuses, too small (0) or too large (1). Of parameters
- * that differ in a digit only, such as those of the outputs, the first stands for all. Each refusal costs the commands
+ * that differ in a digit only, such as those of the outputs, only the first is edited. Each refusal costs the commands
  * a search for what would be accepted.
  */
 std::string spoilt(const std::string& saved, std::size_t third) {
@@ -175,12 +175,12 @@ TEST(AppletctlLint, AgreesWithCheckOnWhatALoadRefuses) {
         support::writeFile(file, spoilt(saved, third));
         const json linted = document({"lint", file})["findings"];
         const auto refused = refusedBy(document({"check", file})["findings"], {"refused", "kept"}, "kind");
-        std::set<std::string> told;
+        std::set<std::string> named;
         for (const json& finding : linted)
-            told.insert(finding["names"].begin(), finding["names"].end());
+            named.insert(finding["names"].begin(), finding["names"].end());
         refusals += refused.size();
         for (const std::string& key : refused)
-            EXPECT_TRUE(told.contains(key)) << "lint is silent on " << key;
+            EXPECT_TRUE(named.contains(key)) << "lint is silent on " << key;
         for (const std::string& key : refusedBy(linted, {"limits"}, "rule"))
             EXPECT_TRUE(refused.contains(key)) << "check is silent on " << key;
     }

@@ -11,42 +11,34 @@ namespace {
 
 using namespace support;
 
+bool isFound(const char* name) { return name != nullptr; }
+bool isFound(int id) { return id > 0; }
+bool isFound(std::uint64_t mask) { return mask != 0; }
+
+std::string textOf(const char* name) { return isFound(name) ? name : ""; }
+
+/** The answer of a look-up. Its success or refusal becomes the last error. */
+template <typename LookUp, typename Key> auto ask(Grabber& grabber, LookUp lookUp, Key key) {
+    EXPECT_EQ(grabber.set(FG_WIDTH, 3u), FG_ERR_OUT_OF_RANGE) << "an error that no look-up gives";
+    const auto answer = lookUp(grabber.fg(), key);
+    EXPECT_EQ(grabber.lastError(), isFound(answer) ? FG_OK : FG_ERR_INVALID_ARGUMENT);
+    return answer;
+}
+
 class Identity : public AppletTest {
 protected:
     std::string nameAt(Grabber& grabber, int index) {
-        storeAnother(grabber);
-        return text(grabber, applet.Fg_getParameterName(grabber.fg(), index));
+        return textOf(ask(grabber, applet.Fg_getParameterName, index));
     }
     std::string eventOf(Grabber& grabber, std::uint64_t mask) {
-        storeAnother(grabber);
-        return text(grabber, applet.Fg_getEventName(grabber.fg(), mask));
+        return textOf(ask(grabber, applet.Fg_getEventName, mask));
     }
-    int idAt(Grabber& grabber, int index) {
-        storeAnother(grabber);
-        const int id = applet.Fg_getParameterId(grabber.fg(), index);
-        return stored(grabber, id, id > 0);
-    }
+    int idAt(Grabber& grabber, int index) { return ask(grabber, applet.Fg_getParameterId, index); }
     int idOf(Grabber& grabber, const char* name) {
-        storeAnother(grabber);
-        const int id = applet.Fg_getParameterIdByName(grabber.fg(), name);
-        return stored(grabber, id, id > 0);
+        return ask(grabber, applet.Fg_getParameterIdByName, name);
     }
     std::uint64_t maskOf(Grabber& grabber, const std::string& name) {
-        storeAnother(grabber);
-        const std::uint64_t mask = applet.Fg_getEventMask(grabber.fg(), name.c_str());
-        return stored(grabber, mask, mask != 0);
-    }
-
-private:
-    /** Makes the last error one that no look-up gives. */
-    static void storeAnother(Grabber& grabber) { EXPECT_EQ(grabber.set(FG_WIDTH, 3u), FG_ERR_OUT_OF_RANGE); }
-    /** An answer, whose success or refusal is the last error. */
-    template <typename Answer> static Answer stored(Grabber& grabber, Answer answer, bool found) {
-        EXPECT_EQ(grabber.lastError(), found ? 0 : FG_ERR_INVALID_ARGUMENT);
-        return answer;
-    }
-    static std::string text(Grabber& grabber, const char* answer) {
-        return stored(grabber, answer, answer != nullptr) != nullptr ? answer : "";
+        return ask(grabber, applet.Fg_getEventMask, name.c_str());
     }
 };
 

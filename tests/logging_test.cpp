@@ -174,15 +174,20 @@ void dispatcherShutsDownWhileOthersLog() {
     EXPECT_EQ(lineCount(), logged); // and no fini
 }
 
-const std::map<std::string, void (*)()> scenarios = {
-    {"environment", &directoryFromTheEnvironment},
-    {"file", &directoryFromTheFile},
-    {"relative file", &directoryFromARelativeFile},
-    {"relative environment", &directoryFromARelativeVariable},
-    {"off", &loggingIsOffWithoutDispatcher},
-    {"no dispatcher", &libraryThatIsNoDispatcher},
-    {"shutdown", &dispatcherShutsDown},
-    {"busy shutdown", &dispatcherShutsDownWhileOthersLog},
+const struct {
+    const char* name;
+    const char* file; /**< that the program seems to be */
+    void (*run)();
+} scenarios[] = {
+    {"environment", "/tmp/y.so", &directoryFromTheEnvironment},
+    {"file", "/opt/sdk/lib64/libapplet.so", &directoryFromTheFile},
+    {"relative file", "lib64/y.so", &directoryFromARelativeFile},
+    {"relative environment", "/tmp/y.so", &directoryFromARelativeVariable},
+    {"no file", TEST_SDK_DIR "/none/lib/y.so", &loggingIsOffWithoutDispatcher},
+    {"no directory", "/tmp/y.so", &loggingIsOffWithoutDispatcher},
+    {"no dispatcher", "/tmp/y.so", &libraryThatIsNoDispatcher},
+    {"shutdown", "/tmp/y.so", &dispatcherShutsDown},
+    {"busy shutdown", "/tmp/y.so", &dispatcherShutsDownWhileOthersLog},
 };
 
 /** Runs a scenario in a process whose file seems to lie at `file`, in the SDK folder, without the environment variable. */
@@ -200,15 +205,8 @@ int runScenario(const char* file, const char* scenario) {
 }
 
 TEST(FreshProcess, BehavesByItsPlaceAndEnvironment) {
-    EXPECT_EQ(runScenario("/tmp/y.so", "environment"), 0);
-    EXPECT_EQ(runScenario("/opt/sdk/lib64/libapplet.so", "file"), 0);
-    EXPECT_EQ(runScenario("lib64/y.so", "relative file"), 0);
-    EXPECT_EQ(runScenario("/tmp/y.so", "relative environment"), 0);
-    EXPECT_EQ(runScenario(TEST_SDK_DIR "/none/lib/y.so", "off"), 0);
-    EXPECT_EQ(runScenario("/tmp/y.so", "off"), 0);
-    EXPECT_EQ(runScenario("/tmp/y.so", "no dispatcher"), 0);
-    EXPECT_EQ(runScenario("/tmp/y.so", "shutdown"), 0);
-    EXPECT_EQ(runScenario("/tmp/y.so", "busy shutdown"), 0);
+    for (const auto& [name, file, run] : scenarios)
+        EXPECT_EQ(runScenario(file, name), 0) << name;
 }
 
 TEST(SharedLibrary, TellsWhyItIsNotThereAndClosesAtItsEnd) {
@@ -316,8 +314,10 @@ TEST(FgError, HoldsTheLastCodeOfTheFirstLevel) {
 
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
-    const auto scenario = scenarios.find(argc > 1 ? argv[1] : "");
-    if (scenario == scenarios.end()) return RUN_ALL_TESTS();
-    scenario->second();
-    return testing::UnitTest::GetInstance()->Failed() ? 1 : 0;
+    for (const auto& [name, file, run] : scenarios)
+        if (argc > 1 && std::string(argv[1]) == name) {
+            run();
+            return testing::UnitTest::GetInstance()->Failed() ? 1 : 0;
+        }
+    return RUN_ALL_TESTS();
 }

@@ -22,9 +22,9 @@ std::string sent(std::size_t colour, std::uint32_t first, std::uint32_t count) {
     return "set " + content(colour) + " field " + std::to_string(first) + "+" + std::to_string(count);
 }
 
-Table ramp(std::uint32_t first, std::uint32_t step, std::uint32_t count = size) {
-    Table table(count);
-    for (std::uint32_t i = 0; i < count; ++i)
+Table ramp(std::uint32_t first, std::uint32_t step) {
+    Table table(size);
+    for (std::uint32_t i = 0; i < size; ++i)
         table[i] = (first + i * step) % 65536;
     return table;
 }

@@ -1,4 +1,4 @@
-// Without memory: a call ends with std::bad_alloc or a told code; nothing leaks, no lock stays taken, and the
+// Without memory: a call ends with std::bad_alloc or a code that says so; nothing leaks, no lock stays taken, and the
 // next call works. Each allocation of the calls below fails, alone and with all that follow.
 
 #include "support/counted_malloc.h"
@@ -64,8 +64,8 @@ protected:
             }
             struck = scarce.struck();
         }
-        const bool isTold = code == left || std::ranges::find(row.codes, code) != row.codes.end();
-        EXPECT_TRUE(code == row.answer || (struck && isTold)) << code;
+        const bool isSaid = code == left || std::ranges::find(row.codes, code) != row.codes.end();
+        EXPECT_TRUE(code == row.answer || (struck && isSaid)) << code;
         if (row.check) row.check(grabber, code);
         if (grabber.handle.object != nullptr) {
             std::jthread([&] { EXPECT_EQ(grabber.value<std::uint32_t>(FG_WIDTH), 1024u); }).join();
@@ -177,10 +177,10 @@ TEST_F(OutOfMemory, EveryExportedFunctionEndsOrLeavesAndTheNextCallWorks) {
     };
     std::vector<Row> rows;
     for (const Call& call : everyCall(folder / "saved.mcf")) {
-        const auto told = codes.find(call.function);
+        const auto found = codes.find(call.function);
         rows.push_back({call.function,
                         [call](Grabber& grabber) { return static_cast<int>(call.call(grabber.fg())); },
-                        told != codes.end() ? told->second : std::vector<int>{},
+                        found != codes.end() ? found->second : std::vector<int>{},
                         {},
                         prepare,
                         static_cast<int>(call.usual)});

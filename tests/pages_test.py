@@ -68,7 +68,7 @@ def run(command, expected, typed, folder, environment):
     code = re.search(r"# exit (\d+)$", command)
     if command.endswith("# until Ctrl-C"):
         command = "timeout --signal=INT 1 " + command + "\n[ $? = 124 ]"
-    ended = subprocess.run(["bash", "-c", command], cwd=folder, env=environment, text=True, timeout=60,
+    ended = subprocess.run(["bash", "-c", command], cwd=folder, env=environment, text=True, timeout=300,
                            input="\n".join(typed), stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
     wanted = int(code.group(1)) if code else 0
     printed = ended.stdout.splitlines()
