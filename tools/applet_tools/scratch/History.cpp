@@ -44,6 +44,14 @@ json accessOf(const ParameterList& parameters) {
     return access;
 }
 
+json publishedLimitsOf(const ParameterList& parameters) {
+    json limits = json::object();
+    for (const Parameter& parameter : parameters.all())
+        if (const auto published = limitsOf(parameter))
+            limits[parameter.name] = {asMessage(published->minimum), asMessage(published->maximum)};
+    return limits;
+}
+
 bool allHold(Instance& instance, const Wanted& wanted) {
     return std::ranges::all_of(
         wanted, [&](const auto& value) { return holds(instance, *value.first, *value.second); });
@@ -77,7 +85,7 @@ const std::set<std::string>& History::settable() {
 History::Moment History::now() {
     Instance& instance = m_live.instance();
     Moment moment{valuesOf(instance, m_live.parameters()), writtenDesign(instance),
-                  accessOf(m_live.parameters())};
+                  accessOf(m_live.parameters()), publishedLimitsOf(m_live.parameters())};
     return moment;
 }
 
@@ -158,6 +166,7 @@ Undone History::undoneOf(const Moment& before, const Moment& wanted) {
         for (const std::string& name : differingNames(before.design, reached.design))
             undone.design.push_back(
                 {designName(name), designText(before.design[name]), designText(reached.design[name])});
+    undone.otherLimits = differingNames(wanted.limits, reached.limits);
     Words& others = undone.notAsBefore;
     for (const std::string& name : differingNames(wanted.values, reached.values))
         if (settable().contains(name)) others.push_back(name);

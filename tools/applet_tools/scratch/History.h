@@ -29,6 +29,7 @@ struct Undone {
     std::vector<Setting> settings;
     std::vector<DesignNumber> design; /**< what else has moved of the design, where no setting has */
     Words notAsBefore;                /**< names of what differs from the state before the step */
+    Words otherLimits{}; /**< parameters whose published limits differ; only their own sets compute them */
 };
 
 class History {
@@ -50,6 +51,7 @@ private:
         json values;
         json design;        // none where it cannot be read, as offline
         json access;        // {NAME: BITS}
+        json limits;        // {NAME: [MINIMUM, MAXIMUM]}
         std::string line{}; // the command that followed
     };
 

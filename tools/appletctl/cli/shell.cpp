@@ -31,6 +31,11 @@ Report reportOf(const Undone& undone) {
     }
     for (const auto& [name, before, after] : undone.design)
         report.text += name + ": " + before + " -> " + after + '\n';
+    if (!undone.otherLimits.empty()) {
+        report.document["otherLimits"] = undone.otherLimits;
+        report.text += forPerson("Other published limits than before: " + join(undone.otherLimits, ", ") +
+                                 "; only a set computes them\n");
+    }
     if (undone.notAsBefore.empty()) return report;
     report.problems.push_back("not as before: " + join(undone.notAsBefore, ", "));
     report.exitCode = exitRefused;
