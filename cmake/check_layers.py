@@ -22,7 +22,7 @@ TOOLS_ANSWERS = [*TOOLS_SCRATCH, f"{TOOLS}answers/**"]
 TOOL = "tools/appletctl/"
 BASE = [*TOOLS_BASE, f"{TOOL}base/**"]
 DRAW = [*BASE, f"{TOOL}draw/**"]
-COMMANDS = [*TOOLS_ANSWERS, *DRAW, f"{TOOL}commands/**"]
+COMMANDS = [*TOOLS_ANSWERS, *DRAW, f"{TOOL}commands/*"]
 
 # The files of a room, and what they may include. A file belongs to the first row that it matches. A star stays within a
 # folder, two stars do not.
@@ -51,6 +51,9 @@ ROOMS = [
     (f"{TOOLS}answers/**", TOOLS_ANSWERS),
     (f"{TOOL}base/**", BASE),
     (f"{TOOL}draw/**", DRAW),
+    # The rooms of the commands know what all of them share, and not each other.
+    *((f"{TOOL}commands/{room}/**", [*COMMANDS, f"{TOOL}commands/{room}/**"])
+      for room in ("read", "change", "files", "signals")),
     (f"{TOOL}commands/**", COMMANDS),
     (f"{TOOL}cli/**", [*HEADERS, "virtual_board/virtual_board.h", "tools/**"]),
 ]

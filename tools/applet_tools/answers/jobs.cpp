@@ -1,10 +1,13 @@
 #include "applet_tools/answers/jobs.h"
 
+#include "applet_tools/answers/dependencies.h"
 #include "applet_tools/answers/differences.h"
 #include "applet_tools/answers/expectation.h"
+#include "applet_tools/answers/limits.h"
 #include "applet_tools/answers/lint.h"
 #include "applet_tools/answers/loading.h"
 #include "applet_tools/answers/order.h"
+#include "applet_tools/answers/why.h"
 #include "applet_tools/scratch/defaults_and_roles.h"
 #include "applet_tools/scratch/influences.h"
 #include "applet_tools/scratch/refusal.h"
@@ -17,13 +20,16 @@ constexpr JobRow jobs[] = {
     {"defaults", "the values after a start", defaultsJob},
     {"defaultsAndRoles", "what is a default, and what a configuration file does with each parameter",
      defaultsAndRolesJob},
+    {"deps", "what moves with what", dependenciesJob},
     {"differences", "which values differ", differencesJob},
     {"expect", "what the design holds after the assignments", expectJob},
     {"fromBoard", "which values the board measures", fromBoardJob},
     {"influences", "what each parameter moves", influencesJob},
+    {"limits", "what the setters accept", limitsJob},
     {"lint", "what is doubtful", lintJob},
     {"order", "an order in which all assignments pass", orderJob},
     {"suggestion", "what would let the refused value through", suggestionJob},
+    {"why", "what would free it", whyJob},
 };
 
 } // namespace

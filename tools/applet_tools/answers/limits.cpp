@@ -1,10 +1,13 @@
 #include "applet_tools/answers/limits.h"
 
 #include "applet_tools/base/errors.h"
+#include "applet_tools/scratch/refusal.h"
 
 #include "vexo/fg_errors.h"
 
 #include <algorithm>
+#include <set>
+#include <utility>
 
 namespace appletctl {
 namespace {
@@ -165,6 +168,134 @@ ordered_json asJson(const AcceptedValues& answer, const Parameter& parameter) {
     addCauses(row, answer.ofMinimum, End::minimum);
     addCauses(row, answer.ofMaximum, End::maximum);
     return row;
+}
+
+namespace {
+
+json asMessage(const LimitCauses& causes) {
+    json parameters = json::array(), design = json::array();
+    for (const auto& [parameter, with, limit] : causes.parameters)
+        parameters.push_back({{"parameter", parameter}, {"with", with}, {"limit", asTypedMessage(limit)}});
+    for (const auto& [parameter, value] : causes.design)
+        design.push_back({{"parameter", parameter}, {"value", value}});
+    return {{"parameters", parameters}, {"design", design}, {"isEndOfType", causes.isEndOfType}};
+}
+
+LimitCauses causesFrom(const json& message) {
+    LimitCauses causes;
+    for (const json& row : message["parameters"])
+        causes.parameters.push_back({row["parameter"].get<std::string>(), row["with"].get<std::string>(),
+                                     fromTypedMessage(row["limit"])});
+    for (const json& row : message["design"])
+        causes.design.push_back({row["parameter"].get<std::string>(), row["value"].get<std::string>()});
+    causes.isEndOfType = message["isEndOfType"].get<bool>();
+    return causes;
+}
+
+json asMessage(const MeasuredRange& range) {
+    return {{"minimum", asTypedMessage(range.minimum)},
+            {"maximum", asTypedMessage(range.maximum)},
+            {"step", range.step}};
+}
+
+MeasuredRange rangeFrom(const json& message) {
+    return {fromTypedMessage(message["minimum"]), fromTypedMessage(message["maximum"]),
+            message["step"].get<std::uint64_t>()};
+}
+
+json asMessage(const PublishedRange& published) {
+    json message = {{"words", published.words}};
+    if (const auto& limits = published.limits)
+        message["limits"] = {asTypedMessage(limits->minimum), asTypedMessage(limits->maximum),
+                             asTypedMessage(limits->increment)};
+    return message;
+}
+
+PublishedRange publishedFrom(const json& message) {
+    PublishedRange published{std::nullopt, message["words"].get<std::string>()};
+    if (const auto limits = message.find("limits"); limits != message.end())
+        published.limits = Limits{fromTypedMessage((*limits)[0]), fromTypedMessage((*limits)[1]),
+                                  fromTypedMessage((*limits)[2])};
+    return published;
+}
+
+json asMessage(const std::vector<EntryAnswer>& entries) {
+    json rows = json::array();
+    for (const auto& [entry, code, acceptedWith] : entries)
+        rows.push_back({{"value", entry.value},
+                        {"symbol", entry.symbol},
+                        {"label", entry.label},
+                        {"code", code},
+                        {"acceptedWith", acceptedWith}});
+    return rows;
+}
+
+std::vector<EntryAnswer> entriesFrom(const json& rows) {
+    std::vector<EntryAnswer> entries;
+    for (const json& row : rows)
+        entries.push_back({{row["value"].get<std::int32_t>(), row["symbol"].get<std::string>(),
+                            row["label"].get<std::string>()},
+                           row["code"].get<int>(),
+                           row["acceptedWith"].get<Words>()});
+    return entries;
+}
+
+json asMessage(const AcceptedValues& answer) {
+    json message = {{"parameter", answer.parameter},
+                    {"subject", answer.subject},
+                    {"isOneElement", answer.isOneElement},
+                    {"access", answer.access},
+                    {"error", answer.now.error},
+                    {"now", asTypedMessage(answer.now.value)},
+                    {"isText", answer.isText},
+                    {"entries", asMessage(answer.entries)},
+                    {"refusal", answer.refusal},
+                    {"ofMinimum", asMessage(answer.ofMinimum)},
+                    {"ofMaximum", asMessage(answer.ofMaximum)}};
+    if (answer.range) message["range"] = asMessage(*answer.range);
+    if (answer.published) message["published"] = asMessage(*answer.published);
+    return message;
+}
+
+AcceptedValues answerFrom(const json& message) {
+    AcceptedValues answer{.parameter = message["parameter"].get<std::string>(),
+                          .subject = message["subject"].get<std::string>(),
+                          .isOneElement = message["isOneElement"].get<bool>(),
+                          .access = message["access"].get<std::string>()};
+    answer.now = {.error = message["error"].get<int>(), .value = fromTypedMessage(message["now"])};
+    answer.isText = message["isText"].get<bool>();
+    answer.entries = entriesFrom(message["entries"]);
+    answer.refusal = message["refusal"].get<int>();
+    answer.ofMinimum = causesFrom(message["ofMinimum"]);
+    answer.ofMaximum = causesFrom(message["ofMaximum"]);
+    if (message.contains("range")) answer.range = rangeFrom(message["range"]);
+    if (message.contains("published")) answer.published = publishedFrom(message["published"]);
+    return answer;
+}
+
+} // namespace
+
+json limitsJob(ScratchSession& session, const json& arguments) {
+    startFrom(session, arguments.at("with").get<Words>());
+    Probe probe(session);
+    std::vector<Subject> subjects;
+    std::set<std::string> seen;
+    for (const Target& target : findTargets(session.parameters(), arguments.at("names").get<Words>()))
+        if (seen.insert(target.name()).second) subjects.push_back(subjectOf(probe, target));
+    json answers = json::array();
+    for (const Subject& subject : subjects) {
+        session.tellProgress(answers.size(), subjects.size());
+        answers.push_back(asMessage(acceptedValues(probe, subject)));
+    }
+    return answers;
+}
+
+std::vector<AcceptedValues> askAcceptedValues(LiveSession& live, const Words& names,
+                                              const Words& assignments) {
+    std::vector<AcceptedValues> answers;
+    for (const json& message : live.scratch().ask("limits", {{"names", names}, {"with", assignments}}))
+        answers.push_back(answerFrom(message));
+    return answers;
 }
 
 } // namespace appletctl

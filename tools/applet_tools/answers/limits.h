@@ -2,6 +2,7 @@
 #ifndef APPLET_TOOLS_ANSWERS_LIMITS_H
 #define APPLET_TOOLS_ANSWERS_LIMITS_H
 
+#include "applet_tools/scratch/LiveSession.h"
 #include "applet_tools/scratch/limit_causes.h"
 
 #include <nlohmann/json.hpp>
@@ -47,6 +48,14 @@ Subject subjectOf(const Probe& probe, const Target& target);
 
 /** Asks the setter, in the state of the probe, to which the board is brought back. */
 AcceptedValues acceptedValues(Probe& probe, const Subject& subject);
+
+/** The answers for parameters and elements, each once, from the state of the live applet after these assignments.
+ *  Throws UsageError for an unknown name, and what startFrom throws. */
+std::vector<AcceptedValues> askAcceptedValues(LiveSession& live, const Words& names,
+                                              const Words& assignments);
+
+/** The job of a scratch board behind it: {"names": [WORD, ...], "with": [WORD, ...]}. */
+json limitsJob(ScratchSession& session, const json& arguments);
 
 /** The answer as members of a document: "name", "unit", "access", the value, then "entries", or "accepted" and
  *  "error", "differs", "published", "setBy", "fixed". */

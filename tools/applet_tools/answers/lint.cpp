@@ -40,17 +40,7 @@ public:
         const ReadResult reading = readValue(m_session.instance(), target);
         return reading.error == FG_OK ? reading.value : emptyValue(target);
     }
-    double number(const std::string& name) {
-        return std::visit(
-            [](const auto& native) {
-                using T = std::decay_t<decltype(native)>;
-                if constexpr (std::is_arithmetic_v<T>)
-                    return static_cast<double>(native);
-                else
-                    return 0.0;
-            },
-            value(name));
-    }
+    double number(const std::string& name) { return asDouble(value(name)); }
     /** True if the enumeration holds one of the entries. */
     bool is(const std::string& name, std::initializer_list<int> entries) {
         return std::ranges::find(entries, static_cast<int>(number(name))) != entries.end();

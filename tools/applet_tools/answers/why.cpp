@@ -73,4 +73,92 @@ AccessAnswer whyReadOnly(Probe& probe, const Target& target) {
     return answer;
 }
 
+namespace {
+
+json asMessage(const RefusalAnswer& answer) {
+    const RefusalCauses& causes = answer.causes;
+    json message = {{"parameter", answer.parameter},
+                    {"subject", answer.subject},
+                    {"document", answer.document.dump()}, // as text: its members have an order
+                    {"code", answer.code},
+                    {"refusal", answer.refusal},
+                    {"isTried", causes.isTried},
+                    {"limit", causes.limit},
+                    {"setBy", causes.setBy.dump()},
+                    {"acceptedWith", causes.acceptedWith}};
+    if (causes.nearest) message["nearest"] = asTypedMessage(*causes.nearest);
+    if (answer.writableWith) message["writableWith"] = *answer.writableWith;
+    return message;
+}
+
+RefusalAnswer refusalFrom(const json& message) {
+    RefusalAnswer answer{message["parameter"].get<std::string>(), message["subject"].get<std::string>(),
+                         nlohmann::ordered_json::parse(message["document"].get<std::string>()),
+                         message["code"].get<int>(), message["refusal"].get<std::string>()};
+    answer.causes = {.isTried = message["isTried"].get<bool>(),
+                     .limit = message["limit"].get<std::string>(),
+                     .setBy = nlohmann::ordered_json::parse(message["setBy"].get<std::string>()),
+                     .nearest = std::nullopt,
+                     .acceptedWith = message["acceptedWith"].get<Words>()};
+    if (message.contains("nearest")) answer.causes.nearest = fromTypedMessage(message["nearest"]);
+    if (message.contains("writableWith")) answer.writableWith = message["writableWith"].get<Words>();
+    return answer;
+}
+
+json asMessage(const AccessAnswer& answer) {
+    return {{"parameter", answer.parameter},
+            {"subject", answer.subject},
+            {"access", answer.access},
+            {"isWritable", answer.isWritable},
+            {"hasSetter", answer.hasSetter},
+            {"error", answer.now.error},
+            {"now", asTypedMessage(answer.now.value)},
+            {"document", answer.document.dump()},
+            {"changedWith", answer.changedWith}};
+}
+
+AccessAnswer accessFrom(const json& message) {
+    return {.parameter = message["parameter"].get<std::string>(),
+            .subject = message["subject"].get<std::string>(),
+            .access = message["access"].get<std::string>(),
+            .isWritable = message["isWritable"].get<bool>(),
+            .hasSetter = message["hasSetter"].get<bool>(),
+            .now = {.error = message["error"].get<int>(), .value = fromTypedMessage(message["now"])},
+            .document = nlohmann::ordered_json::parse(message["document"].get<std::string>()),
+            .changedWith = message["changedWith"].get<Words>()};
+}
+
+json answerTo(Probe& probe, const std::string& word) {
+    const ParameterList& parameters = probe.session().parameters();
+    const bool isAssignment = word.find('=') != std::string::npos;
+    return isAssignment ? asMessage(whyRefused(probe, parseAssignments(parameters, {word}).front()))
+                        : asMessage(whyReadOnly(probe, findTarget(parameters, word)));
+}
+
+} // namespace
+
+json whyJob(ScratchSession& session, const json& arguments) {
+    startFrom(session, arguments.at("with").get<Words>());
+    Probe probe(session);
+    const auto words = arguments.at("words").get<Words>();
+    json answers = json::array();
+    for (const std::string& word : words) {
+        session.tellProgress(answers.size(), words.size());
+        answers.push_back(answerTo(probe, word));
+        probe.restore();
+    }
+    return answers;
+}
+
+std::vector<WhyAnswer> askWhy(LiveSession& live, const Words& words, const Words& with) {
+    std::vector<WhyAnswer> answers;
+    for (const json& message : live.scratch().ask("why", {{"words", words}, {"with", with}})) {
+        if (message.contains("code"))
+            answers.emplace_back(refusalFrom(message));
+        else
+            answers.emplace_back(accessFrom(message));
+    }
+    return answers;
+}
+
 } // namespace appletctl

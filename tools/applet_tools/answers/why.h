@@ -9,6 +9,7 @@
 
 #include <optional>
 #include <string>
+#include <variant>
 #include <vector>
 
 namespace appletctl {
@@ -44,6 +45,15 @@ struct AccessAnswer {
 
 /** Looks at the access, in the state of the probe. Records of parameters from before may be gone afterwards. */
 AccessAnswer whyReadOnly(Probe& probe, const Target& target);
+
+using WhyAnswer = std::variant<RefusalAnswer, AccessAnswer>;
+
+/** The answers to assignments and names of parameters, from the state of the live applet after the assignments of
+ *  `with`. Throws UsageError for an unknown word, and what startFrom throws. */
+std::vector<WhyAnswer> askWhy(LiveSession& live, const Words& words, const Words& with);
+
+/** The job of a scratch board behind it: {"words": [WORD, ...], "with": [WORD, ...]}. */
+json whyJob(ScratchSession& session, const json& arguments);
 
 } // namespace appletctl
 

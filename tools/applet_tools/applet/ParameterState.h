@@ -27,7 +27,7 @@ ParameterState currentState(Instance& instance, const Parameter& parameter);
 
 /** One way in which facts differ, in words and as members of a document. */
 struct Move {
-    const char* what; /**< "value", "limits", "access", "accepted values" */
+    std::string what; /**< "value", "limits", "access", "accepted values" */
     std::string from, to;
     nlohmann::ordered_json fromJson{}, toJson{};
 };

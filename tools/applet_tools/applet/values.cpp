@@ -6,6 +6,8 @@
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/text.h"
 
+#include "vexo/type_tags.hpp"
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -18,14 +20,6 @@ namespace appletctl {
 namespace {
 
 template <typename T> constexpr bool isNumber = std::is_arithmetic_v<T>;
-
-template <typename T> constexpr FgParamTypes tagOf() {
-    if constexpr (std::is_same_v<T, std::int32_t>) return FG_PARAM_INT32;
-    if constexpr (std::is_same_v<T, std::uint32_t>) return FG_PARAM_UINT32;
-    if constexpr (std::is_same_v<T, std::int64_t>) return FG_PARAM_INT64;
-    if constexpr (std::is_same_v<T, std::uint64_t>) return FG_PARAM_UINT64;
-    return FG_PARAM_DOUBLE;
-}
 
 int readText(Instance& instance, int id, std::string& text) {
     const auto& applet = instance.applet();
@@ -180,7 +174,7 @@ ReadResult readValue(Instance& instance, const Target& target) {
     std::visit(
         [&](auto& value) {
             using T = std::decay_t<decltype(value)>;
-            if constexpr (isNumber<T>) reading.error = get(&value, tagOf<T>());
+            if constexpr (isNumber<T>) reading.error = get(&value, tagOf<T>);
             if constexpr (std::is_same_v<T, std::string>) reading.error = readText(instance, id, value);
             if constexpr (std::is_same_v<T, Elements>)
                 reading.error = accessElements(target.elements->first, value, get);
@@ -218,7 +212,7 @@ int writeValue(Instance& instance, const Target& target, const Value& value) {
     const int code = std::visit(
         [&](auto native) { // a copy: the record of a run has no constant pointer
             using T = std::decay_t<decltype(native)>;
-            if constexpr (isNumber<T>) return set(&native, tagOf<T>());
+            if constexpr (isNumber<T>) return set(&native, tagOf<T>);
             if constexpr (std::is_same_v<T, std::string>) return set(native.c_str(), FG_PARAM_TEXT);
             if constexpr (std::is_same_v<T, Elements>)
                 return accessElements(target.elements->first, native, set);
@@ -332,6 +326,17 @@ nlohmann::ordered_json valueAsJson(const Target& target, const Value& value) {
     nlohmann::ordered_json object;
     addValue(object, target, value);
     return object;
+}
+
+double asDouble(const Value& number) {
+    return std::visit(
+        [](const auto& native) {
+            if constexpr (isNumber<std::decay_t<decltype(native)>>)
+                return static_cast<double>(native);
+            else
+                return 0.0;
+        },
+        number);
 }
 
 nlohmann::ordered_json numberAsJson(const Value& number) {

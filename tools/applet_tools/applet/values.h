@@ -78,6 +78,9 @@ void addValue(nlohmann::ordered_json& object, const Target& target, const Value&
 /** What addValue adds, as an object of its own. */
 nlohmann::ordered_json valueAsJson(const Target& target, const Value& value);
 
+/** A number as a double; 0 for texts and arrays. */
+double asDouble(const Value& number);
+
 /** A number; null for texts and arrays. */
 nlohmann::ordered_json numberAsJson(const Value& number);
 

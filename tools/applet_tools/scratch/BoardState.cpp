@@ -49,8 +49,10 @@ json asMessage(const Value& value) {
         value);
 }
 
-Value fromMessage(const Target& target, const json& message) {
-    Value value = emptyValue(target);
+namespace {
+
+/** Takes the value of the message in the type that `value` has. */
+void assign(Value& value, const json& message) {
     std::visit(
         [&](auto& native) {
             using T = std::decay_t<decltype(native)>;
@@ -65,6 +67,34 @@ Value fromMessage(const Target& target, const json& message) {
             }
         },
         value);
+}
+
+template <std::size_t... Type> Value emptyOfType(std::size_t type, std::index_sequence<Type...>) {
+    Value value;
+    ((type == Type ? static_cast<void>(value.emplace<Type>()) : void()), ...);
+    return value;
+}
+
+} // namespace
+
+Value fromMessage(const Target& target, const json& message) {
+    Value value = emptyValue(target);
+    assign(value, message);
+    return value;
+}
+
+json asTypedMessage(const Value& value) {
+    const auto* array = std::get_if<WholeArray>(&value);
+    return {{"type", value.index()}, {"value", array != nullptr ? json(array->count) : asMessage(value)}};
+}
+
+Value fromTypedMessage(const json& message) {
+    Value value = emptyOfType(message["type"].get<std::size_t>(),
+                              std::make_index_sequence<std::variant_size_v<Value>>());
+    if (auto* array = std::get_if<WholeArray>(&value))
+        array->count = message["value"].get<std::uint32_t>();
+    else
+        assign(value, message["value"]);
     return value;
 }
 

@@ -20,6 +20,10 @@ json asMessage(const Value& value);
 /** The value of a message in the native type of the target's kind. */
 Value fromMessage(const Target& target, const json& message);
 
+/** A value in a message with its type, for readers that do not know its parameter. */
+json asTypedMessage(const Value& value);
+Value fromTypedMessage(const json& message);
+
 /** The target that a value is read and written by as a whole: all elements of an array. */
 Target wholeOf(const Parameter& parameter);
 

@@ -27,7 +27,7 @@ struct Change {
     Value value;
 };
 
-/** What it tries is put back (see settle). A parameter is named by its place in the list, since the way back may
+/** What it tries is put back (see restore). A parameter is named by its place in the list, since the way back may
  *  lead over a new instance with new records. */
 class Probe {
 public:

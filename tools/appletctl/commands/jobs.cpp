@@ -9,11 +9,8 @@ namespace appletctl {
 namespace {
 
 constexpr JobRow jobs[] = {
-    {"deps", "what moves with what", depsJob},
-    {"limits", "what the setters accept", limitsJob},
     {"plan", "what the change would do", planJob},
     {"routes", "what the applet writes for each route", routesJob},
-    {"why", "what would free it", whyJob},
 };
 
 } // namespace

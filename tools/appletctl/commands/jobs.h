@@ -17,16 +17,6 @@ json planJob(ScratchSession& session, const json& arguments);
  *  design, [[{"parameter", "expected"}, ...], ...]. */
 json routesJob(ScratchSession& session, const json& groups);
 
-/** Finds what the setters of {"names": [WORD, ...]} accept. A list "with" of assignments goes before, as in the
- *  two below. */
-json limitsJob(ScratchSession& session, const json& arguments);
-
-/** Says why {"words": [NAME or NAME=VALUE, ...]} are read-only or refused. */
-json whyJob(ScratchSession& session, const json& arguments);
-
-/** Finds what the parameter {"name": NAME, "dot": BOOL} moves and what moves it. */
-json depsJob(ScratchSession& session, const json& arguments);
-
 /** All of them and those of the library, for the scratch boards. */
 std::span<const JobRow> allJobs();
 

@@ -38,15 +38,13 @@ Report askReport(ScratchBoard& scratch, const std::string& job, nlohmann::json a
 
 void layOutAsAsked(const nlohmann::json& arguments) { setPlainOutput(arguments.at("plain").get<bool>()); }
 
-Report askScratch(Context& context, const std::string& job, const nlohmann::json& arguments) {
-    Report report = askReport(context.scratch(), job, arguments);
+void addAssumed(Report& report, const Context& context, const Words& words, const Words& assignments) {
     Words assumed = context.assumed();
     // A measurement matters only to the question about itself.
-    const std::string asked = lowerCase(arguments.dump());
+    const std::string asked = lowerCase(join(words, " ") + " " + join(assignments, " "));
     for (const std::string& name : context.assumedMeasurements())
         if (asked.find(lowerCase(name)) != std::string::npos) assumed.push_back(name);
     addAssumed(report, assumed);
-    return report;
 }
 
 void addAssumed(Report& report, const Words& assumed) {

@@ -19,8 +19,9 @@ Report askReport(ScratchBoard& scratch, const std::string& job, nlohmann::json a
 /** What a job needs to lay its text out as the command that asks for it; to be called first of all. */
 void layOutAsAsked(const nlohmann::json& arguments);
 
-/** The report of a job on the scratch board of the live applet; it says what of the live state was assumed there. */
-Report askScratch(Context& context, const std::string& job, const nlohmann::json& arguments);
+/** Says what of the live state was assumed on the scratch board that answered: of measurements only those that are named
+ *  among the words or assignments of the question. */
+void addAssumed(Report& report, const Context& context, const Words& words, const Words& assignments);
 
 /** Says it: "(assumed: ...)" in the text, "assumed" in the document; nothing for nothing. */
 void addAssumed(Report& report, const Words& assumed);

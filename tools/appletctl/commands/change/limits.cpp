@@ -2,17 +2,13 @@
 
 #include "applet_tools/answers/limits.h"
 #include "applet_tools/base/text.h"
-#include "applet_tools/scratch/refusal.h"
 #include "appletctl/commands/Command.h"
-#include "appletctl/commands/jobs.h"
 #include "appletctl/commands/reports.h"
 #include "appletctl/commands/shared_options.h"
 
 #include "vexo/fg_errors.h"
 
 #include <unistd.h>
-
-#include <set>
 
 namespace appletctl {
 namespace {
@@ -106,34 +102,18 @@ Table tableOf(const AcceptedValues& answer, const Parameter& parameter) {
     return table;
 }
 
-} // namespace
-
-json limitsJob(ScratchSession& session, const json& arguments) {
-    layOutAsAsked(arguments);
+Report showLimits(Context& context, const Words& names) {
+    const Words& with = context.options().of<WithOption>().assignments;
     Report report;
     auto& rows = report.document["parameters"] = ordered_json::array();
-    startFrom(session, arguments.at("with").get<Words>());
-    Probe probe(session);
-    std::vector<Subject> subjects;
-    std::set<std::string> seen;
-    for (const Target& target : findTargets(session.parameters(), arguments.at("names").get<Words>()))
-        if (seen.insert(target.name()).second) subjects.push_back(subjectOf(probe, target));
-    for (const Subject& subject : subjects) {
-        session.tellProgress(rows.size(), subjects.size());
-        const AcceptedValues answer = acceptedValues(probe, subject);
-        const Parameter& parameter = probe.at(subject.place);
+    for (const AcceptedValues& answer : askAcceptedValues(context, names, with)) {
+        const Parameter& parameter = context.parameters().find(answer.parameter);
         report.text += (report.text.empty() ? "" : "\n") +
                        tableOf(answer, parameter).render(Style::forStream(STDOUT_FILENO));
         rows.push_back(asJson(answer, parameter));
     }
-    return asMessage(report);
-}
-
-namespace {
-
-Report showLimits(Context& context, const Words& names) {
-    return askScratch(context, "limits",
-                      {{"names", names}, {"with", context.options().of<WithOption>().assignments}});
+    addAssumed(report, context, names, with);
+    return report;
 }
 
 } // namespace

@@ -49,7 +49,7 @@ std::string addChanges(const std::vector<DesignChange>& changes, const Parameter
 std::string movesText(const std::vector<ParameterMove>& moves, const std::set<std::string>& shown) {
     std::string text;
     for (const auto& [parameter, move] : moves) {
-        if (std::string_view(move.what) == "value" && shown.contains(parameter)) continue;
+        if (move.what == "value" && shown.contains(parameter)) continue;
         text += lineOf({"moves", parameter, move.what, move.from, move.to},
                        "  " + parameter + ", " + move.what + ": " + move.from + " -> " + move.to);
     }
@@ -183,8 +183,10 @@ void addPlanOptions(CLI::App& command, Options& options) {
 }
 
 Report planChanges(Context& context, const Words& words) {
-    return askScratch(context, "plan",
-                      {{"words", words}, {"all", context.options().of<PlanOptions>().areAllWrites}});
+    Report report = askReport(context.scratch(), "plan",
+                              {{"words", words}, {"all", context.options().of<PlanOptions>().areAllWrites}});
+    addAssumed(report, context, words, {});
+    return report;
 }
 
 } // namespace

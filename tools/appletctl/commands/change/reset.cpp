@@ -6,7 +6,6 @@
 #include "applet_tools/scratch/refusal.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/assignment_report.h"
-#include "appletctl/commands/jobs.h"
 #include "appletctl/commands/reports.h"
 
 #include "vexo/fg_errors.h"

@@ -1,5 +1,6 @@
 #include "applet_tools/answers/expectation.h"
 #include "applet_tools/answers/order.h"
+#include "applet_tools/answers/why.h"
 #include "applet_tools/applet/access_log.h"
 #include "applet_tools/applet/assignments.h"
 #include "applet_tools/applet/hardware_values.h"
@@ -7,7 +8,6 @@
 #include "applet_tools/scratch/refusal.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/assignment_report.h"
-#include "appletctl/commands/jobs.h"
 #include "appletctl/commands/reports.h"
 
 #include <CLI/CLI.hpp>
@@ -87,16 +87,17 @@ void addWaiting(Context& context, Report& report) {
             names.push_back(name);
     }
     if (names.empty()) return;
-    const Report answer = askReport(context.scratch(), "why", {{"words", names}, {"with", Words{}}});
     auto& rows = report.document["waiting"] = ordered_json::array();
-    for (const auto& why : answer.document["answers"]) {
-        const auto ways = why.value("writableWith", Words{});
-        rows.push_back({{"name", why.at("name")}, {"writableWith", ways}});
-        const auto name = why.at("name").get<std::string>();
+    for (const WhyAnswer& answer : askWhy(context, names, {})) {
+        const auto& access = std::get<AccessAnswer>(answer);
+        const Words ways = access.isWritable ? Words{} : access.changedWith;
+        rows.push_back({{"name", access.subject}, {"writableWith", ways}});
         report.text += forPerson(
-            ways.empty() ? name + " has no effect now: it is read-only, and no change of another parameter "
-                                  "that was tried makes it writable\n"
-                         : name + " has no effect yet: it is read-only until " + join(ways, " or ") + '\n');
+            ways.empty()
+                ? access.subject +
+                      " has no effect now: it is read-only, and no change of another parameter that "
+                      "was tried makes it writable\n"
+                : access.subject + " has no effect yet: it is read-only until " + join(ways, " or ") + '\n');
     }
 }
 

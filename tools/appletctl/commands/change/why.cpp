@@ -2,11 +2,8 @@
 // scratch board.
 
 #include "applet_tools/answers/why.h"
-#include "applet_tools/applet/assignments.h"
 #include "applet_tools/base/text.h"
-#include "applet_tools/scratch/refusal.h"
 #include "appletctl/commands/Command.h"
-#include "appletctl/commands/jobs.h"
 #include "appletctl/commands/reports.h"
 #include "appletctl/commands/shared_options.h"
 
@@ -61,37 +58,19 @@ Table tableOf(const AccessAnswer& answer, const Parameter& parameter) {
     return table;
 }
 
-} // namespace
-
-json whyJob(ScratchSession& session, const json& arguments) {
-    layOutAsAsked(arguments);
+Report explainParameters(Context& context, const Words& words) {
+    const Words& with = context.options().of<WithOption>().assignments;
     Report report;
     auto& rows = report.document["answers"] = ordered_json::array();
-    startFrom(session, arguments.at("with").get<Words>());
-    Probe probe(session);
     const auto add = [&](const auto& answer) {
-        const Table table = tableOf(answer, session.parameters().find(answer.parameter));
+        const Table table = tableOf(answer, context.parameters().find(answer.parameter));
         report.text += (report.text.empty() ? "" : "\n") + table.render(Style::forStream(STDOUT_FILENO));
         rows.push_back(answer.document);
-        probe.restore();
     };
-    const auto words = arguments.at("words").get<Words>();
-    for (const std::string& word : words) {
-        session.tellProgress(rows.size(), words.size());
-        const bool isAssignment = word.find('=') != std::string::npos;
-        if (isAssignment)
-            add(whyRefused(probe, parseAssignments(session.parameters(), {word}).front()));
-        else
-            add(whyReadOnly(probe, findTarget(session.parameters(), word)));
-    }
-    return asMessage(report);
-}
-
-namespace {
-
-Report explainParameters(Context& context, const Words& words) {
-    return askScratch(context, "why",
-                      {{"words", words}, {"with", context.options().of<WithOption>().assignments}});
+    for (const WhyAnswer& answer : askWhy(context, words, with))
+        std::visit(add, answer);
+    addAssumed(report, context, words, with);
+    return report;
 }
 
 } // namespace

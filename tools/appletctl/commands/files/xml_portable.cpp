@@ -21,23 +21,29 @@ constexpr const char* standardCategory = "StandardFeatures";
 struct StandardFeature {
     const char* name;
     const char* parameter;
-    const char* type; // of its node; null: as the parameter's
+    const char* node =
+        nullptr; /**< that shows the parameter's number as another kind; null: of its own kind */
+    /** What the node makes of its states. */
+    struct Constant {
+        const char* tag;
+        const char* value;
+    } constants[2] = {};
 };
 
 constexpr StandardFeature standardFeatures[] = {
-    {"Width", "FG_WIDTH", nullptr},
-    {"Height", "FG_HEIGHT", nullptr},
-    {"OffsetX", "FG_XOFFSET", nullptr},
-    {"OffsetY", "FG_YOFFSET", nullptr},
-    {"SensorWidth", "FG_SENSORWIDTH", nullptr},
-    {"SensorHeight", "FG_SENSORHEIGHT", nullptr},
-    {"PixelFormat", "FG_PIXELFORMAT", nullptr},
-    {"ExposureTime", "FG_LINEEXPOSURE", nullptr},
-    {"Gain", "FG_PROCESSING_GAIN", nullptr},
-    {"Gamma", "FG_PROCESSING_GAMMA", nullptr},
-    {"LUTEnable", "FG_LUT_ENABLE", "Boolean"},
-    {"TriggerSoftware", "FG_SENDSOFTWARETRIGGER", "Command"},
-    {"DeviceTemperature", "FG_SYSTEMMONITOR_FPGA_TEMPERATURE", nullptr},
+    {"Width", "FG_WIDTH"},
+    {"Height", "FG_HEIGHT"},
+    {"OffsetX", "FG_XOFFSET"},
+    {"OffsetY", "FG_YOFFSET"},
+    {"SensorWidth", "FG_SENSORWIDTH"},
+    {"SensorHeight", "FG_SENSORHEIGHT"},
+    {"PixelFormat", "FG_PIXELFORMAT"},
+    {"ExposureTime", "FG_LINEEXPOSURE"},
+    {"Gain", "FG_PROCESSING_GAIN"},
+    {"Gamma", "FG_PROCESSING_GAMMA"},
+    {"LUTEnable", "FG_LUT_ENABLE", "Boolean", {{"OnValue", "1"}, {"OffValue", "0"}}},
+    {"TriggerSoftware", "FG_SENDSOFTWARETRIGGER", "Command", {{"CommandValue", "1"}}},
+    {"DeviceTemperature", "FG_SYSTEMMONITOR_FPGA_TEMPERATURE"},
 };
 
 struct KindRow {
@@ -149,12 +155,11 @@ private:
     };
 
     std::string header() {
-        const char* const told[] = {guid(FG_INFO_PRODUCT_GUID), guid(FG_INFO_VERSION_GUID)};
         std::string text = "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<RegisterDescription";
         const std::pair<const char*, std::string> attributes[] = {
-            {"ModelName", applet(FG_INFO_NAME)},
+            {"ModelName", infoText(FG_INFO_NAME)},
             {"VendorName", "NorvaneImaging"},
-            {"ToolTip", applet(FG_INFO_DESCRIPTION)},
+            {"ToolTip", infoText(FG_INFO_DESCRIPTION)},
             {"StandardNameSpace", "None"},
             {"SchemaMajorVersion", "1"},
             {"SchemaMinorVersion", "1"},
@@ -162,8 +167,8 @@ private:
             {"MajorVersion", "1"},
             {"MinorVersion", "0"},
             {"SubMinorVersion", "0"},
-            {"ProductGuid", told[0]},
-            {"VersionGuid", told[1]},
+            {"ProductGuid", infoText(FG_INFO_PRODUCT_GUID)},
+            {"VersionGuid", infoText(FG_INFO_VERSION_GUID)},
             {"xmlns", "http://www.genicam.org/GenApi/Version_1_1"},
             {"xmlns:xsi", "http://www.w3.org/2001/XMLSchema-instance"},
             {"xsi:schemaLocation", "http://www.genicam.org/GenApi/Version_1_1 GenApiSchema_Version_1_1.xsd"},
@@ -173,12 +178,11 @@ private:
         return text + ">\n";
     }
 
-    const char* guid(FgInfoCode code) {
+    std::string infoText(FgInfoCode code) {
         const char* text = "";
         m_instance.applet().Info(code, 0, 0, nullptr, &text);
-        return text;
+        return toUtf8(text);
     }
-    std::string applet(FgInfoCode code) { return toUtf8(guid(code)); }
 
     /** The category of the groups, with all those above it. */
     Category& categoryOf(const std::vector<std::string>& groups) {
@@ -254,15 +258,15 @@ private:
         categoryOf({standardCategory}).features.emplace_back(feature.name);
         const std::string registers = parameter.name + "_Reg";
         std::string content = shown(parameter) + element("pAlias", parameter.name);
-        std::string type = rowOf(parameter)->feature;
-        if (feature.type == nullptr)
+        if (feature.node == nullptr) {
             content += element("Streamable", "No") + valueElements(parameter, registers);
-        else
-            content += element("pValue", registers);
-        if (feature.type != nullptr) type = feature.type;
-        if (type == "Boolean") content += element("OnValue", "1") + element("OffValue", "0");
-        if (type == "Command") content += element("CommandValue", "1");
-        m_nodes += node(type, feature.name, content, "Standard");
+            m_nodes += node(rowOf(parameter)->feature, feature.name, content, "Standard");
+            return;
+        }
+        content += element("pValue", registers);
+        for (const auto& [tag, value] : feature.constants)
+            if (tag != nullptr) content += element(tag, value);
+        m_nodes += node(feature.node, feature.name, content, "Standard");
     }
 
     Instance& m_instance;

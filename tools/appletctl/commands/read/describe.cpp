@@ -17,60 +17,83 @@ std::string accessInWords(const Parameter& parameter) {
     return word;
 }
 
-Report describeParameters(Context& context, const Words& names) {
-    Instance& instance = context.instance();
-    const ParameterList& parameters = context.parameters();
-    std::vector<Target> targets;
-    std::vector<const Parameter*> wanted;
-    for (const std::string& name : names) {
-        targets.push_back(findTarget(parameters, name));
-        wanted.push_back(targets.back().parameter);
-    }
+/** All that is known of a parameter. */
+struct Description {
+    Target target;
+    ReadResult reading;
+    const DefaultAndRole& known;
+    std::string explanation;
+};
 
+nlohmann::ordered_json asJson(const Description& described) {
+    const auto& [target, reading, known, explanation] = described;
+    const Parameter& parameter = *target.parameter;
+    nlohmann::ordered_json row;
+    addDescription(row, parameter);
+    if (!reading.isMeasured)
+        addNotMeasured(row);
+    else if (reading.error == FG_OK)
+        addValue(row, target, reading.value);
+    else
+        row["error"] = codeAsJson(reading.error);
+    if (known.start && elementCount(parameter) == 0) addValue(row["default"], {&parameter}, *known.start);
+    row["isSettable"] = known.isSettable;
+    row["fileRole"] = known.fileRole;
+    row["description"] = explanation;
+    return row;
+}
+
+std::string shownValue(const Parameter& parameter, const ReadResult& reading) {
+    if (!reading.isMeasured) return notMeasuredText;
+    if (reading.error != FG_OK) return "- (" + codeInWords(reading.error) + ")";
+    return valueWithUnit(parameter, reading.value);
+}
+
+/** What a line says of the parameter; a line without text is left out. */
+struct Line {
+    const char* title;
+    std::string text;
+};
+
+std::vector<Line> linesOf(const Description& described) {
+    const auto& [target, reading, known, explanation] = described;
+    const Parameter& parameter = *target.parameter;
+    std::vector<Line> lines = {
+        {"label", parameter.label()},
+        {"id", numberText(parameter.id)},
+        {"group", parameter.path()},
+        {"kind", kindName(parameter)},
+        {"value", shownValue(parameter, reading)},
+        {"default", known.start ? valueWithUnit(parameter, *known.start) : ""},
+        {"access", known.isSettable ? accessInWords(parameter) : "ro (never to be set)"},
+        {"limits", limitsText(parameter)},
+        {"unit", parameter.unit()},
+    };
+    for (const Entry& entry : entriesOf(parameter))
+        lines.push_back({"entry", entryName(entry) + " = " + numberText(entry.value) + ", " + entry.label});
+    lines.push_back({"file", fileRoleInWords(known.fileRole)});
+    lines.push_back({"reading", parameter.effectOfReading()});
+    lines.push_back({"setting", parameter.effectOfWriting()});
+    lines.push_back({"text", explanation});
+    return lines;
+}
+
+Report describeParameters(Context& context, const Words& names) {
+    const std::vector<Target> targets = findTargets(context.parameters(), names);
+    std::vector<const Parameter*> wanted;
+    for (const Target& target : targets)
+        wanted.push_back(target.parameter);
     const auto defaultsAndRoles = backgroundOf(context, wanted, FileRoles::asked);
     Report report;
     report.document["parameters"] = nlohmann::ordered_json::array();
     Table table;
     for (const Target& target : targets) {
-        const Parameter* const parameter = target.parameter;
-        const ReadResult reading = context.read(target);
-        const std::string text = explanationOf(instance, *parameter);
-        nlohmann::ordered_json row;
-        addDescription(row, *parameter);
-        if (!reading.isMeasured)
-            addNotMeasured(row);
-        else if (reading.error == FG_OK)
-            addValue(row, target, reading.value);
-        else
-            row["error"] = codeAsJson(reading.error);
-        const DefaultAndRole& known = defaultsAndRoles.at(parameter->name);
-        if (known.start && elementCount(*parameter) == 0) addValue(row["default"], {parameter}, *known.start);
-        row["isSettable"] = known.isSettable;
-        row["fileRole"] = known.fileRole;
-        row["description"] = text;
-        report.document["parameters"].push_back(std::move(row));
-
-        const auto addLine = [&](const char* title, const std::string& content) {
-            if (!content.empty()) table.addRow({title, printable(content)});
-        };
+        const Description described{target, context.read(target), defaultsAndRoles.at(target.parameter->name),
+                                    explanationOf(context.instance(), *target.parameter)};
+        report.document["parameters"].push_back(asJson(described));
         table.addSubject(target.name());
-        addLine("label", parameter->label());
-        addLine("id", numberText(parameter->id));
-        addLine("group", parameter->path());
-        addLine("kind", kindName(*parameter));
-        addLine("value", !reading.isMeasured      ? notMeasuredText
-                         : reading.error == FG_OK ? valueWithUnit(*parameter, reading.value)
-                                                  : "- (" + codeInWords(reading.error) + ")");
-        if (known.start) addLine("default", valueWithUnit(*parameter, *known.start));
-        addLine("access", known.isSettable ? accessInWords(*parameter) : "ro (never to be set)");
-        addLine("limits", limitsText(*parameter));
-        addLine("unit", parameter->unit());
-        for (const Entry& entry : entriesOf(*parameter))
-            addLine("entry", entryName(entry) + " = " + numberText(entry.value) + ", " + entry.label);
-        addLine("file", fileRoleInWords(known.fileRole));
-        addLine("reading", parameter->effectOfReading());
-        addLine("setting", parameter->effectOfWriting());
-        addLine("text", text);
+        for (const auto& [title, text] : linesOf(described))
+            if (!text.empty()) table.addRow({title, printable(text)});
     }
     report.text = table.render(Style::forStream(STDOUT_FILENO));
     return report;

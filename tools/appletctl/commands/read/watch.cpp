@@ -58,17 +58,6 @@ bool isNumber(const Watched& watched) {
     return isArithmetic && watched.target.parameter->kind() != REGISTER_KIND_ENUM;
 }
 
-double asDouble(const Value& value) {
-    return std::visit(
-        [](const auto& native) {
-            if constexpr (std::is_arithmetic_v<std::decay_t<decltype(native)>>)
-                return static_cast<double>(native);
-            else
-                return 0.0;
-        },
-        value);
-}
-
 void read(Context& context, Watched& watched, double secondsSinceLast) {
     watched.reading = context.read(watched.target);
     watched.perSecond.reset();
@@ -331,61 +320,89 @@ void requireMeasured(Context& context, const Conditions& conditions) {
                                  ", which is not measured: offline there is no board");
 }
 
-Report watchParameters(Context& context, const Words& names) {
-    const Options& options = context.options();
-    const auto& own = options.of<WatchOptions>();
-    const Interruption interruption;
-    const ParameterList& parameters = context.parameters();
-    Conditions failures, alarms;
-    if (!own.failIf.empty()) failures.emplace_back(parameters, own.failIf);
-    if (!own.alarmIf.empty()) alarms.emplace_back(parameters, own.alarmIf);
-    if (own.isAlarmedByLostLines) alarms.emplace_back(parameters, "FG_OVERFLOW != 0");
-    requireMeasured(context, failures);
-    requireMeasured(context, alarms);
-    const std::vector<Target> named =
-        own.areGroups ? targetsOfGroups(parameters, names) : findTargets(parameters, names);
-    Round round{.number = 0, .elapsed = {}, .watched = watchedTargets(named, failures, alarms)};
-
-    const Form form = formOf(options);
-    Screen screen;
-    const auto shown = [&] {
-        if (options.quiet && !options.json) return std::string();
-        if (form == Form::document) return asDocument(round, own.wantsRates);
-        const std::string bell = round.isAlarm && isatty(STDOUT_FILENO) == 1 ? "\a" : "";
-        return bell + (form == Form::table ? screen.redraw(asTable(round, own.wantsRates))
-                                           : asLine(round, own.wantsRates));
-    };
-
-    Report report;
-    // "trace" adds the accesses, so its document holds all rounds and is printed at the end.
-    const bool isOneDocument = options.trace && options.json;
-    report.isPrinted = !isOneDocument;
-    if (isOneDocument) report.document["rounds"] = nlohmann::ordered_json::array();
-    const std::chrono::milliseconds interval(own.interval);
-    const Clock::time_point start = Clock::now();
-    Clock::time_point due = start;
-    bool goesOn = true;
-    while (goesOn) {
-        readRound(context, round, Clock::now() - start, failures, alarms);
-        if (isOneDocument) report.document["rounds"].push_back(asJson(round, own.wantsRates));
-        if (!isOneDocument && !writeOut(shown())) {
-            if (errno == EPIPE) return report;
-            if (interruption.isAsked()) break;
-            report.problems.emplace_back("the output could not be written");
-            report.exitCode = exitRefused;
-            return report;
-        }
-        if (round.isFailed) {
-            report.problems.push_back("round " + numberText(round.number) + ": " + printable(own.failIf));
-            report.exitCode = exitRefused;
-            return report;
-        }
-        due = std::max(due + interval, Clock::now());
-        goesOn = round.number != own.count && interruption.waitUntil(due);
+/** Reads the parameters until a condition, a number of rounds or a signal ends it. */
+class Watch {
+public:
+    Watch(Context& context, const Words& names)
+        : m_context(context)
+        , m_options(context.options())
+        , m_own(m_options.of<WatchOptions>())
+        , m_form(formOf(m_options))
+        // "trace" adds the accesses, so its document holds all rounds and is printed at the end.
+        , m_isOneDocument(m_options.trace && m_options.json) {
+        const ParameterList& parameters = context.parameters();
+        if (!m_own.failIf.empty()) m_failures.emplace_back(parameters, m_own.failIf);
+        if (!m_own.alarmIf.empty()) m_alarms.emplace_back(parameters, m_own.alarmIf);
+        if (m_own.isAlarmedByLostLines) m_alarms.emplace_back(parameters, "FG_OVERFLOW != 0");
+        requireMeasured(context, m_failures);
+        requireMeasured(context, m_alarms);
+        const std::vector<Target> named =
+            m_own.areGroups ? targetsOfGroups(parameters, names) : findTargets(parameters, names);
+        m_round.watched = watchedTargets(named, m_failures, m_alarms);
+        m_report.isPrinted = !m_isOneDocument;
+        if (m_isOneDocument) m_report.document["rounds"] = nlohmann::ordered_json::array();
     }
-    if (interruption.isAsked()) report.exitCode = exitInterrupted;
-    return report;
-}
+
+    Report run() {
+        const std::chrono::milliseconds interval(m_own.interval);
+        const Clock::time_point start = Clock::now();
+        Clock::time_point due = start;
+        do {
+            readRound(m_context, m_round, Clock::now() - start, m_failures, m_alarms);
+            if (!show()) return endOfOutput();
+            if (m_round.isFailed)
+                return refused("round " + numberText(m_round.number) + ": " + printable(m_own.failIf));
+            due = std::max(due + interval, Clock::now());
+        } while (m_round.number != m_own.count && m_interruption.waitUntil(due));
+        return ended();
+    }
+
+private:
+    /** False, with errno, when the output does not take the round. */
+    bool show() {
+        if (!m_isOneDocument) return writeOut(shown());
+        m_report.document["rounds"].push_back(asJson(m_round, m_own.wantsRates));
+        return true;
+    }
+
+    std::string shown() {
+        if (m_options.quiet && !m_options.json) return "";
+        if (m_form == Form::document) return asDocument(m_round, m_own.wantsRates);
+        const std::string bell = m_round.isAlarm && isatty(STDOUT_FILENO) == 1 ? "\a" : "";
+        return bell + (m_form == Form::table ? m_screen.redraw(asTable(m_round, m_own.wantsRates))
+                                             : asLine(m_round, m_own.wantsRates));
+    }
+
+    /** A reader that has gone, or a signal, is no failure. */
+    Report endOfOutput() {
+        if (errno == EPIPE) return std::move(m_report);
+        return m_interruption.isAsked() ? ended() : refused("the output could not be written");
+    }
+
+    Report refused(const std::string& problem) {
+        m_report.problems.push_back(problem);
+        m_report.exitCode = exitRefused;
+        return std::move(m_report);
+    }
+
+    Report ended() {
+        if (m_interruption.isAsked()) m_report.exitCode = exitInterrupted;
+        return std::move(m_report);
+    }
+
+    const Interruption m_interruption;
+    Context& m_context;
+    const Options& m_options;
+    const WatchOptions& m_own;
+    const Form m_form;
+    const bool m_isOneDocument;
+    Conditions m_failures, m_alarms;
+    Round m_round{.number = 0, .elapsed = {}, .watched = {}};
+    Screen m_screen;
+    Report m_report;
+};
+
+Report watchParameters(Context& context, const Words& names) { return Watch(context, names).run(); }
 
 } // namespace
 

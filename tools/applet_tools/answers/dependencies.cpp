@@ -1,0 +1,196 @@
+#include "applet_tools/answers/dependencies.h"
+
+#include "applet_tools/applet/access_log.h"
+#include "applet_tools/base/text.h"
+#include "applet_tools/scratch/refusal.h"
+
+#include "vexo/fg_errors.h"
+
+#include <set>
+#include <utility>
+
+namespace appletctl {
+namespace {
+
+using nlohmann::ordered_json;
+
+/** Of each parameter and each way to be moved the first change that was seen. */
+class Effects {
+public:
+    void add(const Movement& effect) {
+        if (m_seen.insert({effect.parameter, effect.move.what}).second) m_effects.push_back(effect);
+    }
+    std::vector<Movement> take() { return std::move(m_effects); }
+
+private:
+    std::set<std::pair<std::string, std::string>> m_seen;
+    std::vector<Movement> m_effects;
+};
+
+/** The entries of an enumeration that its setter takes. Numbers are left out, since their limits are published. */
+std::vector<Value> takenEntries(Probe& probe, std::size_t place) {
+    std::vector<Value> taken;
+    if (!probe.at(place).effectOfWriting().empty()) return taken;
+    for (const Entry& entry : entriesOf(probe.at(place)))
+        if (probe.answer({place, entry.value}) == FG_OK) taken.emplace_back(entry.value);
+    return taken;
+}
+
+std::string entriesInWords(const Parameter& parameter, const std::vector<Value>& entries) {
+    std::vector<std::string> words;
+    for (const Value& entry : entries)
+        words.push_back(valueText(parameter, entry));
+    return words.empty() ? "none" : join(words, ", ");
+}
+
+ordered_json entriesAsJson(const Parameter& parameter, const std::vector<Value>& entries) {
+    ordered_json rows = ordered_json::array();
+    for (const Value& entry : entries)
+        rows.push_back(valueAsJson({&parameter}, entry));
+    return rows;
+}
+
+/** Tries everything when it is made. */
+class Search {
+public:
+    Search(Probe& probe, std::size_t subject) : m_probe(probe), m_subject(subject) {
+        for (std::size_t place = 0; place < probe.count(); ++place) {
+            m_entries.push_back(takenEntries(probe, place));
+            m_arrays.push_back(arrayNow(place));
+        }
+        probe.restore();
+        for (const Value& value : probe.otherValues(subject))
+            findMoved(value);
+        probe.restore();
+        for (std::size_t place = 0; place < probe.count(); ++place) {
+            probe.session().tellProgress(place, probe.count());
+            if (place == subject) continue;
+            for (const Value& value : probe.otherValues(place))
+                findMovers({place, value});
+            probe.restore();
+        }
+    }
+
+    bool isTried() const { return !m_probe.otherValues(m_subject).empty(); }
+
+    Effects moved, movers;
+    std::vector<std::string> writes; // of the design, in the order of the first set that wrote them
+
+private:
+    /** The elements of an array; nothing for others. */
+    Value arrayNow(std::size_t place) const {
+        const Parameter& parameter = m_probe.at(place);
+        if (elementCount(parameter) == 0) return {};
+        return readValue(m_probe.session().instance(), wholeOf(parameter)).value;
+    }
+
+    void compare(std::size_t place, Effects& effects, const std::string& name, const std::string& with) {
+        const Parameter& parameter = m_probe.at(place);
+        for (const Move& move : movesBetween(parameter, m_probe.facts(place), m_probe.currentState(place)))
+            effects.add({name, with, move});
+        if (arrayNow(place) != m_arrays[place])
+            effects.add({name, with, {"value", "elements", "other elements"}});
+        const std::vector<Value> entries = takenEntries(m_probe, place);
+        if (entries != m_entries[place])
+            effects.add({name,
+                         with,
+                         {"accepted values", entriesInWords(parameter, m_entries[place]),
+                          entriesInWords(parameter, entries), entriesAsJson(parameter, m_entries[place]),
+                          entriesAsJson(parameter, entries)}});
+    }
+
+    void findMoved(const Value& value) {
+        Instance& instance = m_probe.session().instance();
+        const std::string with = m_probe.words({m_subject, value});
+        logWrites(instance);
+        m_probe.tryChange({m_subject, value}, [&] {
+            for (const std::string& line : takeWrites(instance))
+                addWrite(line);
+            instance.board().log_kinds(instance.device(), 0);
+            for (std::size_t place = 0; place < m_probe.count(); ++place)
+                if (place != m_subject) compare(place, moved, m_probe.at(place).name, with);
+        });
+    }
+
+    void findMovers(const Change& change) {
+        const std::string with = m_probe.words(change), name = m_probe.at(change.place).name;
+        m_probe.tryChange(change, [&] { compare(m_subject, movers, name, with); });
+    }
+
+    void addWrite(const std::string& line) {
+        const std::string name = writtenParameter(line);
+        if (m_written.insert(name).second) writes.push_back(name);
+    }
+
+    Probe& m_probe;
+    std::size_t m_subject;
+    std::vector<std::vector<Value>> m_entries; // that are taken in the state of the probe
+    std::vector<Value> m_arrays;
+    std::set<std::string> m_written;
+};
+
+ordered_json asJson(const std::vector<Movement>& movements) {
+    ordered_json rows = ordered_json::array();
+    for (const auto& [parameter, with, move] : movements) {
+        ordered_json row = {{"parameter", parameter}, {"with", with}};
+        row.update(appletctl::asJson(move));
+        rows.push_back(std::move(row));
+    }
+    return rows;
+}
+
+json asMessage(const std::vector<Movement>& movements) {
+    json rows = json::array();
+    for (const auto& [parameter, with, move] : movements)
+        rows.push_back(
+            {parameter, with, move.what, move.from, move.to, move.fromJson.dump(), move.toJson.dump()});
+    return rows;
+}
+
+std::vector<Movement> movementsFrom(const json& rows) {
+    std::vector<Movement> movements;
+    for (const json& row : rows) {
+        const auto cells = row.get<Words>();
+        movements.push_back(
+            {cells[0],
+             cells[1],
+             {cells[2], cells[3], cells[4], ordered_json::parse(cells[5]), ordered_json::parse(cells[6])}});
+    }
+    return movements;
+}
+
+} // namespace
+
+Dependencies dependenciesOf(Probe& probe, const Parameter& parameter) {
+    const std::string name = parameter.name; // the record may be gone after the trials
+    Search search(probe, probe.placeOf(parameter));
+    return {name, search.isTried(), search.moved.take(), search.movers.take(), search.writes};
+}
+
+ordered_json asJson(const Dependencies& dependencies) {
+    return {{"name", dependencies.parameter},
+            {"moves", asJson(dependencies.moves)},
+            {"movedBy", asJson(dependencies.movedBy)},
+            {"tried", dependencies.isTried},
+            {"writes", dependencies.writes}};
+}
+
+json dependenciesJob(ScratchSession& session, const json& arguments) {
+    startFrom(session, arguments.at("with").get<Words>());
+    Probe probe(session);
+    const Dependencies found = dependenciesOf(
+        probe, *findTarget(session.parameters(), arguments.at("name").get<std::string>()).parameter);
+    return {{"parameter", found.parameter},
+            {"isTried", found.isTried},
+            {"moves", asMessage(found.moves)},
+            {"movedBy", asMessage(found.movedBy)},
+            {"writes", found.writes}};
+}
+
+Dependencies askDependencies(LiveSession& live, const std::string& parameter, const Words& assignments) {
+    const json answer = live.scratch().ask("deps", {{"name", parameter}, {"with", assignments}});
+    return {answer["parameter"].get<std::string>(), answer["isTried"].get<bool>(),
+            movementsFrom(answer["moves"]), movementsFrom(answer["movedBy"]), answer["writes"].get<Words>()};
+}
+
+} // namespace appletctl
