@@ -41,6 +41,7 @@ public:
                     .isOneElement = m_subject.elements.has_value(),
                     .access = accessWord(parameter())};
         m_answer.now = {.error = facts.error, .value = facts.value};
+        if (m_subject.elements && !m_subject.isWholeArray) m_answer.now.value = elementNow(target);
         if (parameter().kind() == REGISTER_KIND_ENUM)
             askEntries();
         else if (parameter().kind() == REGISTER_KIND_STRING)
@@ -52,6 +53,12 @@ public:
 
 private:
     const Parameter& parameter() const { return m_probe.at(m_subject.place); }
+
+    Value elementNow(const Target& target) {
+        const Value value = readValue(m_probe.session().instance(), target).value;
+        const auto* elements = std::get_if<Elements>(&value);
+        return elements != nullptr && elements->size() == 1 ? Value(elements->front()) : value;
+    }
 
     /** Notes the code of a refusal. */
     bool isPresentValueTaken() {
