@@ -1,5 +1,5 @@
 // Runs a fuzz target on each file of a folder, then on mutations of them, the same ones each time. The
-// mutation at work stands in a file, where a failure leaves it.
+// mutation at work is written to a file, where a failure leaves it.
 
 #include "promise.h"
 
