@@ -16,7 +16,6 @@ bool Encoder::step(bool a, bool b) {
     const bool changesA = a != oldA;
     const bool changesB = b != oldB;
     if (m_settings.resolution == 0) {
-        m_count = 0;
         if (!(changesA && a)) return false;
         ++m_position;
         return true;

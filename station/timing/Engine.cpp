@@ -7,6 +7,7 @@ namespace station {
 void Engine::configure(const EngineSettings& settings) {
     const bool wasExternal = m_exsync.isExternal();
     const bool wasGated = m_exsync.isGated();
+    const bool wasOpen = m_exsync.isGateOpen();
     m_settings = settings;
     m_inputs.configure(settings.inputs, m_from);
     m_simulator.configure(settings.simulator, m_from);
@@ -17,10 +18,9 @@ void Engine::configure(const EngineSettings& settings) {
     m_buffer.configure(settings.buffer);
     if (!m_hasRun) return;
     m_exsync.configure(settings.exsync, m_from);
-    if (wasExternal != m_exsync.isExternal() || wasGated != m_exsync.isGated()) {
-        m_downscaler.restart();
-        if (m_exsync.isGated() && settings.exsync.isGateOpen) m_downscaler.open();
-    }
+    const bool hasOtherMode = wasExternal != m_exsync.isExternal() || wasGated != m_exsync.isGated();
+    if (hasOtherMode) m_downscaler.restart();
+    if (m_exsync.isGated() && m_exsync.isGateOpen() && (hasOtherMode || !wasOpen)) m_downscaler.open();
     if (settings.areAnalyzersHeld) clearAnalyzers();
     for (std::size_t tap = 0; tap < tapCount; ++tap)
         m_signals.route(static_cast<Tap>(tap), settings.routes[tap], m_from, false);
@@ -41,7 +41,6 @@ void Engine::begin() {
     m_trigger.preset(level(m_settings.image));
     m_hasRun = true;
     configure(EngineSettings(m_settings));
-    if (m_exsync.isGated() && m_exsync.isGateOpen()) m_downscaler.open();
 }
 
 Tick Engine::nextTick() const {

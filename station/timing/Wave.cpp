@@ -82,6 +82,7 @@ void Wave::begin(Tick from) {
 }
 
 void Wave::step() {
+    if (m_next == never) return;
     switch (m_kind) {
     case Kind::constant:
         break;

@@ -38,7 +38,7 @@ public:
     bool hasTwoTracks() const { return m_kind == Kind::encoder; }
     /** When the levels change next. */
     Tick next() const { return m_next; }
-    /** Takes the change at next(). */
+    /** Takes the change at next(), if there is one. */
     void step();
 
 private:
