@@ -23,6 +23,8 @@ void Station::readBoard() {
     settings.tables = m_tables;
     m_engine.configure(settings);
     if (isFirst) m_engine.setEncoderCount(countOf(m_board.value(Parameter::encoderCount)));
+    m_engine.cutSource(isInputOn(Raster::Point::camera) || isInputOn(Raster::Point::buffer) ||
+                       isInputOn(Raster::Point::output));
     const bool isHot = m_board.value(Parameter::fpgaTemperature) > hottest;
     if (isHot && !m_isHot) m_engine.events().add(Event::temperatureAlarm, m_engine.from());
     m_isHot = isHot;
@@ -58,9 +60,63 @@ void Station::write(Parameter parameter, std::uint64_t value) {
         readBoard();
         m_engine.setEncoderCount(static_cast<std::uint32_t>(value));
         break;
+    case Parameter::cameraDebugPixel:
+    case Parameter::cameraDebugFlag:
+        writePixels(Raster::Point::camera, parameter == Parameter::cameraDebugFlag, value);
+        break;
+    case Parameter::bufferDebugPixel:
+    case Parameter::bufferDebugFlag:
+        writePixels(Raster::Point::buffer, parameter == Parameter::bufferDebugFlag, value);
+        break;
+    case Parameter::outputDebugPixel:
+    case Parameter::outputDebugFlag:
+        writePixels(Raster::Point::output, parameter == Parameter::outputDebugFlag, value);
+        break;
     default:
         break;
     }
+}
+
+bool Station::isInputOn(Raster::Point point) const {
+    constexpr Parameter modes[] = {Parameter::cameraDebugMode, Parameter::bufferDebugMode,
+                                   Parameter::outputDebugMode};
+    return (countOf(m_board.value(modes[static_cast<std::size_t>(point)])) & 1U) != 0;
+}
+
+void Station::writePixels(Raster::Point point, bool isFlag, std::uint64_t value) {
+    Injection& injection = m_injections[static_cast<std::size_t>(point)];
+    if (!isInputOn(point))
+        injection.clear();
+    else if (!isFlag)
+        injection.writePixel(value);
+    else if (value != 1)
+        injection.endLine();
+    else
+        inject(injection.endFrame());
+}
+
+bool Station::insert(const std::shared_ptr<const Raster>& raster, std::uint32_t first, std::uint32_t lines) {
+    const std::shared_ptr<Record> record = m_engine.newRecord();
+    record->raster = raster;
+    record->lines = lines;
+    record->runs.push_back({SourceLine{.y = first, .height = raster->height}, lines});
+    return m_engine.insert(record);
+}
+
+bool Station::inject(const std::shared_ptr<const Raster>& raster) {
+    if (raster == nullptr || !raster->isSound() || !isInputOn(raster->point) || !isRunning()) return false;
+    readBoard();
+    if (raster->point != Raster::Point::camera) return insert(raster, 0, raster->height);
+    const std::uint32_t offset = std::min(countOf(m_board.value(Parameter::yOffset)), raster->height);
+    const std::uint32_t length =
+        std::min(countOf(m_board.value(Parameter::yLength)), raster->height - offset);
+    const std::uint32_t height = std::max(countOf(m_board.value(Parameter::imageHeight)), 1U);
+    for (std::uint32_t done = 0; done < length;) {
+        const std::uint32_t lines = std::min(height, length - done);
+        if (!insert(raster, offset + done, lines)) return false;
+        done += lines;
+    }
+    return length > 0;
 }
 
 void Station::setDmaRate(std::uint64_t bytesPerSecond) {

@@ -11,8 +11,10 @@
 
 #include "station/Board.h"
 #include "station/HostMemory.h"
+#include "station/Injection.h"
 #include "station/timing/Engine.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -45,7 +47,7 @@ public:
      *  mostEvents ticks with something in them: then ask again. */
     Tick advance(Tick ticks);
     /** The board calls this after a write of a parameter that acts by being written: the software pulse, the clear of
-     *  the analyzers, the count of the encoder. Others do nothing. */
+     *  the analyzers, the count of the encoder, pixels and flags of the debug points. Others do nothing. */
     void write(Parameter parameter, std::uint64_t value);
 
     /** Connects a wave to an input (0 to 7 GPI, 8 to 11 front GPI) from the next tick on. Of an encoder, `second` gets
@@ -53,6 +55,11 @@ public:
     bool connect(std::size_t input, const Wave& wave, std::size_t second = inputCount) {
         return m_engine.connect(input, wave, second);
     }
+    /** Puts an image into the path at a debug point, as one that has just come: the lines of the simulator no longer
+     *  pass a point whose input is on (bit 0 of its OperationMode). At the camera YOffset, YLength and ImageHeight cut
+     *  it as in free run, and no trigger is asked for. False if the input is off, no acquisition runs, or there is no
+     *  room. */
+    bool inject(const std::shared_ptr<const Raster>& raster);
     /** Bytes that the DMA moves in a second; 0: what the link does. */
     void setDmaRate(std::uint64_t bytesPerSecond);
 
@@ -88,6 +95,9 @@ private:
     void readBoard();
     void publish();
     void publishAnalyzers();
+    void writePixels(Raster::Point point, bool isFlag, std::uint64_t value);
+    bool isInputOn(Raster::Point point) const;
+    bool insert(const std::shared_ptr<const Raster>& raster, std::uint32_t first, std::uint32_t lines);
     void run(Tick ticks, std::uint64_t pictures);
 
     static constexpr double hottest = 85;
@@ -102,6 +112,8 @@ private:
     std::uint64_t m_dmaRate = 0;
     std::int64_t m_pictures = 0; // that the acquisition was asked for
     bool m_isHot = false;
+    std::array<Injection, 3> m_injections{Injection(Raster::Point::camera), Injection(Raster::Point::buffer),
+                                          Injection(Raster::Point::output)};
 };
 
 } // namespace station

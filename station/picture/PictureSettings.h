@@ -46,14 +46,24 @@ struct Tables {
     std::array<std::array<std::uint16_t, 16384>, 3> entries{};
 };
 
-/** Pixels of three components of 16 bits: red, green, blue, or as they come on the link. */
+/** Pixels of three components of 16 bits: red, green, blue, or at the camera as they come on the link, from the top. */
 struct Raster {
+    static constexpr std::uint32_t widest = 16384;
+    static constexpr std::uint32_t highest = 65536;
+    static constexpr std::size_t mostPixels = std::size_t{1} << 24;
+
     /** Where in the path of the image it comes in. */
     enum class Point : std::uint8_t { camera, buffer, output };
     Point point = Point::camera;
     std::uint32_t width = 0;
     std::uint32_t height = 0;
-    std::vector<std::uint16_t> components; // 3 * width * height
+    std::vector<std::uint16_t> components{}; // 3 * width * height
+
+    bool isSound() const {
+        return width > 0 && height > 0 && width <= widest && height <= highest &&
+               std::size_t{width} * height <= mostPixels &&
+               components.size() == std::size_t{3} * width * height;
+    }
 };
 
 } // namespace station

@@ -127,17 +127,17 @@ bool Renderer::render(const Record& record, std::span<std::uint8_t> out) {
     const auto rowAt = [&](std::uint32_t number) {
         return out.data() + stride * (m_settings->isMirroredY ? record.lines - 1 - number : number);
     };
-    if (record.raster != nullptr) {
-        // An image that comes in behind the buffer is not turned over.
-        const bool isTurned = record.raster->point == Raster::Point::camera;
-        for (std::uint32_t y = 0; y < record.lines; ++y)
-            drawRaster(*record.raster, y, isTurned ? rowAt(y) : out.data() + stride * y);
-        return true;
-    }
     std::uint32_t number = 0;
-    for (const LineRun& run : record.runs)
-        for (std::uint32_t i = 0; i < run.count; ++i)
-            drawLine(run.line(i), rowAt(number++));
+    for (const LineRun& run : record.runs) {
+        for (std::uint32_t i = 0; i < run.count; ++i, ++number) {
+            if (record.raster == nullptr)
+                drawLine(run.line(i), rowAt(number));
+            else // an image that comes in behind the buffer is not turned over
+                drawRaster(*record.raster, run.line(i).y,
+                           record.raster->point == Raster::Point::camera ? rowAt(number)
+                                                                         : out.data() + stride * number);
+        }
+    }
     return true;
 }
 

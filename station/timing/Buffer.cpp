@@ -13,7 +13,7 @@ constexpr std::uint64_t pixelsPerTick = 32; // of an image that goes nowhere
 void Buffer::start(Destination* destination, std::uint64_t pictures) {
     m_destination = destination;
     m_wanted = pictures;
-    m_left = m_lostBefore = m_delivered = 0;
+    m_left = m_lostBefore = m_lostOnTheWay = m_delivered = 0;
     clear();
 }
 
@@ -30,7 +30,7 @@ void Buffer::clear() {
 }
 
 void Buffer::open(std::shared_ptr<Record> record) {
-    m_images.push_back({.record = std::move(record)});
+    m_images.push_back({.record = std::move(record), .lostBefore = std::exchange(m_lostBefore, 0)});
     m_isOpen = true;
 }
 
@@ -41,9 +41,9 @@ bool Buffer::store(Tick tick) {
     const std::uint64_t words = image.record->layout.wordsPerLine;
     const bool fits = words <= m_settings.capacity && m_used <= m_settings.capacity - words;
     if (!fits || m_images.size() > mostImages) {
-        drop();
+        m_lostBefore += image.lostBefore + 1;
         ++m_lostImages;
-        ++m_lostBefore;
+        drop();
         return false;
     }
     m_used += words;
@@ -152,7 +152,7 @@ void Buffer::run(Tick tick) {
         Image image = std::move(m_images.front());
         m_images.pop_front();
         if (image.isPassed) {
-            image.record->lostBefore = std::exchange(m_lostBefore, 0);
+            image.record->lostBefore = std::exchange(m_lostOnTheWay, 0) + image.lostBefore;
             image.record->arrival = tick;
             image.record->picture = static_cast<std::int64_t>(++m_delivered);
             m_destination->deliver(std::move(image.record));
@@ -160,6 +160,8 @@ void Buffer::run(Tick tick) {
                 stop();
                 return;
             }
+        } else {
+            m_lostOnTheWay += image.lostBefore;
         }
         findNext();
     }

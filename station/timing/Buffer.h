@@ -71,7 +71,8 @@ private:
         std::uint64_t stored = 0; // lines
         std::uint64_t left = 0;   // of them
         bool isComplete = false;
-        Tick available = 0; // when the first line could leave
+        Tick available = 0;           // when the first line could leave
+        std::uint64_t lostBefore = 0; // images between the one before and this
         // Once it is on its way:
         bool hasBegun = false;
         bool isPassed = false;       // by the selector, and its format not silenced
@@ -96,7 +97,8 @@ private:
     std::uint64_t m_denominator = 1;
     Tick m_next = never;
     std::uint64_t m_lostImages = 0;
-    std::uint64_t m_lostBefore = 0; // since the last picture
+    std::uint64_t m_lostBefore = 0;   // since the last image
+    std::uint64_t m_lostOnTheWay = 0; // before images that went nowhere
     std::uint64_t m_delivered = 0;
     std::uint64_t m_wanted = 0;
 };
