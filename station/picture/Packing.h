@@ -12,25 +12,26 @@ constexpr std::uint64_t packedSize(std::uint64_t components, std::uint32_t bits)
     return (components * bits + 7) / 8;
 }
 
-/** Takes components of 8 to 16 bits one after the other. */
-class Packer {
+/** Components of any number of bits up to 16, one after the other. */
+class PackedOut {
 public:
-    Packer(std::uint8_t* out, std::uint32_t bits) : m_out(out), m_bits(bits) {}
+    PackedOut(std::uint8_t* out, std::uint32_t bits) : m_out(out), m_bits(bits) {}
 
-    void put(std::uint32_t component) {
+    void put(std::uint16_t component) {
         m_rest |= std::uint64_t{component} << m_count;
         m_count += m_bits;
-        while (m_count >= 8) {
-            *m_out++ = static_cast<std::uint8_t>(m_rest);
-            m_rest >>= 8;
-            m_count -= 8;
-        }
+        if (m_count < 32) return;
+        for (int byte = 0; byte < 4; ++byte)
+            m_out[byte] = static_cast<std::uint8_t>(m_rest >> (8 * byte));
+        m_out += 4;
+        m_rest >>= 32;
+        m_count -= 32;
     }
-    /** Writes what is left of the last byte. */
+    /** Writes what is left. */
     void finish() {
-        if (m_count > 0) *m_out++ = static_cast<std::uint8_t>(m_rest);
-        m_count = 0;
-        m_rest = 0;
+        for (std::uint32_t written = 0; written < m_count; written += 8)
+            *m_out++ = static_cast<std::uint8_t>(m_rest >> written);
+        m_rest = m_count = 0;
     }
 
 private:
@@ -39,6 +40,42 @@ private:
     std::uint64_t m_rest = 0;
     std::uint32_t m_count = 0; // bits in it
 };
+
+/** Components of 8 bits. */
+class ByteOut {
+public:
+    explicit ByteOut(std::uint8_t* out) : m_out(out) {}
+    void put(std::uint16_t component) { *m_out++ = static_cast<std::uint8_t>(component); }
+    void finish() {}
+
+private:
+    std::uint8_t* m_out;
+};
+
+/** Components of 16 bits. */
+class WordOut {
+public:
+    explicit WordOut(std::uint8_t* out) : m_out(out) {}
+    void put(std::uint16_t component) {
+        m_out[0] = static_cast<std::uint8_t>(component);
+        m_out[1] = static_cast<std::uint8_t>(component >> 8);
+        m_out += 2;
+    }
+    void finish() {}
+
+private:
+    std::uint8_t* m_out;
+};
+
+/** Calls `draw` with what packs components of so many bits to `out`. */
+template <typename Draw> void packInto(std::uint8_t* out, std::uint32_t bits, Draw draw) {
+    if (bits == 8)
+        draw(ByteOut(out));
+    else if (bits == 16)
+        draw(WordOut(out));
+    else
+        draw(PackedOut(out, bits));
+}
 
 } // namespace station
 

@@ -8,33 +8,30 @@
 namespace station {
 namespace {
 
-/** Components of a pixel, in the order of the link or red, green, blue. */
-using Pixel = std::array<std::uint32_t, 3>;
+/** The order of the colours in memory: blue, green, red. */
+constexpr std::size_t memoryOrder[] = {2, 1, 0};
 
-void pack(std::span<const std::uint16_t> components, std::uint32_t bits, std::uint8_t* out) {
-    if (bits == 8) {
-        for (const std::uint16_t component : components)
-            *out++ = static_cast<std::uint8_t>(component);
-        return;
-    }
-    if (bits == 16) {
-        for (const std::uint16_t component : components) {
-            *out++ = static_cast<std::uint8_t>(component);
-            *out++ = static_cast<std::uint8_t>(component >> 8);
-        }
-        return;
-    }
-    Packer packer(out, bits);
-    for (const std::uint16_t component : components)
-        packer.put(component);
-    packer.finish();
-}
+/** Pixels of the output that come from places of a line, and those before them that do not. */
+struct Span {
+    std::uint32_t before = 0;
+    std::uint32_t count = 0;
+    std::uint32_t first = 0; // place of the first
+    std::uint32_t step = 1;  // to the next; it may wrap
+};
 
-/** Of the output's pixel `i`: its place in the line that was stored. */
-std::uint64_t placeOf(const PictureSettings& settings, std::uint32_t i) {
-    const std::uint64_t place = std::uint64_t{settings.xOffset} + i;
-    // Outside of the sensor the difference wraps and is outside of any line.
-    return settings.isMirroredX ? std::uint64_t{settings.sensorWidth} - 1 - place : place;
+Span spanWithin(const PictureSettings& settings, std::uint32_t width) {
+    const std::uint32_t end = std::min(width, settings.sensorWidth); // places below are there
+    const std::uint32_t length = settings.xLength;
+    if (settings.xOffset >= settings.sensorWidth) return {.before = length};
+    if (!settings.isMirroredX) {
+        if (settings.xOffset >= end) return {.before = length};
+        return {.count = std::min(length, end - settings.xOffset), .first = settings.xOffset};
+    }
+    const std::uint32_t first = settings.sensorWidth - 1 - settings.xOffset; // and from there backwards
+    const std::uint32_t before = first < end ? 0 : first - end + 1;
+    if (before >= length || end == 0) return {.before = length};
+    const std::uint32_t start = first - before;
+    return {.before = before, .count = std::min(length - before, start + 1), .first = start, .step = ~0U};
 }
 
 } // namespace
@@ -53,67 +50,84 @@ void Renderer::prepare(const Record& record) {
     m_components = std::make_unique<Components>(m_settings->colours, m_lookup.get());
 }
 
-/** `pixelAt` gives the components on the link at a place of the line; beyond `width` they are 0. */
-template <typename PixelAt>
-void Renderer::drawPixels(std::uint32_t width, PixelAt pixelAt, std::uint8_t* out) {
+/** Draws a line from a function that gives a component on the link at a place of the line; beyond `width` all are 0. */
+template <typename ComponentAt>
+void Renderer::drawPixels(std::uint32_t width, ComponentAt componentAt, std::uint8_t* out) const {
     const ColourSettings& colours = m_settings->colours;
-    const std::uint64_t end = std::min(width, m_settings->sensorWidth);
-    const std::uint32_t mask = m_components->mask();
-    std::uint16_t* next = m_line.data();
-    for (std::uint32_t i = 0; i < m_settings->xLength; ++i) {
-        const std::uint64_t place = placeOf(*m_settings, i);
-        std::array<std::uint32_t, 4> link{}; // the last one: of a colour that nothing on the link is
-        if (place < end) {
-            const Pixel pixel = pixelAt(static_cast<std::uint32_t>(place));
-            link = {pixel[0] & mask, pixel[1] & mask, pixel[2] & mask, 0};
-        }
-        for (const std::size_t colour : {2, 1, 0})
-            *next++ = m_components->tableOf(colour)[link[colours.source[colour]]];
+    std::array<const std::uint16_t*, 3> tables{};
+    std::array<std::uint32_t, 3> source{};
+    std::array<std::uint32_t, 3> mask{}; // 0: a colour that nothing on the link is
+    for (std::size_t i = 0; i < 3; ++i) {
+        const std::size_t colour = memoryOrder[i];
+        tables[i] = m_components->tableOf(colour);
+        if (colours.source[colour] == ColourSettings::nothing) continue;
+        source[i] = colours.source[colour];
+        mask[i] = m_components->mask();
     }
-    pack(m_line, colours.outBits, out);
+    const Span inside = spanWithin(*m_settings, width);
+    const std::uint32_t length = m_settings->xLength;
+    packInto(out, colours.outBits, [=](auto packed) {
+        // Bytes that are written may be anything for the compiler, but not these.
+        const auto [blue, green, red] = tables;
+        const auto [blueSource, greenSource, redSource] = source;
+        const auto [blueMask, greenMask, redMask] = mask;
+        const auto putNothing = [&](std::uint32_t pixels) {
+            for (std::uint32_t i = 0; i < pixels; ++i) {
+                packed.put(blue[0]);
+                packed.put(green[0]);
+                packed.put(red[0]);
+            }
+        };
+        putNothing(inside.before);
+        auto row = packed; // stays in registers, as nothing refers to it
+        std::uint32_t place = inside.first;
+        for (std::uint32_t i = 0; i < inside.count; ++i, place += inside.step) {
+            row.put(blue[componentAt(place, blueSource) & blueMask]);
+            row.put(green[componentAt(place, greenSource) & greenMask]);
+            row.put(red[componentAt(place, redSource) & redMask]);
+        }
+        packed = row;
+        putNothing(length - inside.before - inside.count);
+        packed.finish();
+    });
 }
 
-void Renderer::drawLine(const SourceLine& line, std::uint8_t* out) {
-    const Pattern& pattern = m_settings->pattern;
+void Renderer::drawLine(const SourceLine& line, std::uint8_t* out) const {
+    const std::uint32_t start = patternValue(m_settings->pattern, 0, line.y, line.frame);
+    const std::uint32_t factor = m_settings->pattern.isXEnabled ? 1 : 0;
     const auto width =
-        static_cast<std::uint32_t>(std::min(std::uint64_t{line.cycles} * 32, std::uint64_t{16384}));
+        static_cast<std::uint32_t>(std::min(std::uint64_t{line.cycles} * 32, std::uint64_t{Raster::widest}));
     drawPixels(
-        width,
-        [&](std::uint32_t x) {
-            const std::uint32_t value = patternValue(pattern, x, line.y, line.frame);
-            return Pixel{value, value, value};
-        },
-        out);
+        width, [start, factor](std::uint32_t x, std::uint32_t) { return (start + x * factor) & 0xff; }, out);
 }
 
-void Renderer::drawRaster(const Raster& raster, std::uint32_t y, std::uint8_t* out) {
+void Renderer::drawRaster(const Raster& raster, std::uint32_t y, std::uint8_t* out) const {
     const ColourSettings& colours = m_settings->colours;
     const std::uint16_t* row = raster.components.data() + std::size_t{3} * raster.width * y;
     if (raster.point == Raster::Point::camera) {
         const std::uint32_t shift = 16 - colours.linkBits;
         drawPixels(
             raster.width,
-            [&](std::uint32_t x) {
-                const std::uint16_t* pixel = row + std::size_t{3} * x;
-                return Pixel{std::uint32_t{pixel[0]} >> shift, std::uint32_t{pixel[1]} >> shift,
-                             std::uint32_t{pixel[2]} >> shift};
+            [row, shift](std::uint32_t x, std::uint32_t component) {
+                return std::uint32_t{row[std::size_t{3} * x + component]} >> shift;
             },
             out);
         return;
     }
-    std::uint16_t* next = m_line.data();
-    for (std::uint32_t x = 0; x < m_settings->xLength; ++x) {
-        for (const std::size_t colour : {2, 1, 0}) {
-            std::uint16_t value = x < raster.width ? row[std::size_t{3} * x + colour] : std::uint16_t{0};
-            if (raster.point == Raster::Point::buffer) {
-                std::span<const std::uint16_t> table;
-                if (m_lookup != nullptr) table = m_lookup->entries[colour];
-                value = balanced(value, colours.gain[colour], colours.isTableEnabled, table);
+    packInto(out, colours.outBits, [&](auto packed) {
+        for (std::uint32_t x = 0; x < m_settings->xLength; ++x) {
+            for (const std::size_t colour : memoryOrder) {
+                std::uint16_t value = x < raster.width ? row[std::size_t{3} * x + colour] : std::uint16_t{0};
+                if (raster.point == Raster::Point::buffer) {
+                    std::span<const std::uint16_t> table;
+                    if (m_lookup != nullptr) table = m_lookup->entries[colour];
+                    value = balanced(value, colours.gain[colour], colours.isTableEnabled, table);
+                }
+                packed.put(shifted(value, colours.shift, colours.outBits));
             }
-            *next++ = shifted(value, colours.shift, colours.outBits);
         }
-    }
-    pack(m_line, colours.outBits, out);
+        packed.finish();
+    });
 }
 
 bool Renderer::render(const Record& record, std::span<std::uint8_t> out) {
@@ -122,7 +136,6 @@ bool Renderer::render(const Record& record, std::span<std::uint8_t> out) {
         packedSize(std::uint64_t{3} * record.settings->xLength, record.settings->colours.outBits))
         return false;
     prepare(record);
-    m_line.resize(std::size_t{3} * m_settings->xLength);
     const std::uint64_t stride = record.layout.bytesPerLine;
     const auto rowAt = [&](std::uint32_t number) {
         return out.data() + stride * (m_settings->isMirroredY ? record.lines - 1 - number : number);

@@ -9,7 +9,6 @@
 #include <cstdint>
 #include <memory>
 #include <span>
-#include <vector>
 
 namespace station {
 
@@ -22,14 +21,14 @@ public:
 
 private:
     void prepare(const Record& record);
-    void drawLine(const SourceLine& line, std::uint8_t* out);
-    void drawRaster(const Raster& raster, std::uint32_t y, std::uint8_t* out);
-    template <typename PixelAt> void drawPixels(std::uint32_t width, PixelAt pixelAt, std::uint8_t* out);
+    void drawLine(const SourceLine& line, std::uint8_t* out) const;
+    void drawRaster(const Raster& raster, std::uint32_t y, std::uint8_t* out) const;
+    template <typename PixelAt>
+    void drawPixels(std::uint32_t width, PixelAt pixelAt, std::uint8_t* out) const;
 
     std::shared_ptr<const PictureSettings> m_settings; // that the tables were made for
     std::shared_ptr<const Tables> m_lookup;
     std::unique_ptr<Components> m_components;
-    std::vector<std::uint16_t> m_line; // as components of the output: blue, green, red of each pixel
 };
 
 /** The value of a pixel of the simulator. */

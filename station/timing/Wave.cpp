@@ -145,7 +145,10 @@ bool Wave::findStepWithin(Tick after, Tick end, bool isForward) {
         high = std::max(static_cast<Tick>(time), after + 1);
     } else {
         if (!isStepDone(end, isForward)) return false;
-        for (Tick stride = 1; stride < end - low; stride *= 2) { // gallop, then halve
+        // About as far as the step before, if that is not too far; then gallop, then halve.
+        if (m_stride > 2 && m_stride - 2 < end - low && !isStepDone(low + m_stride - 2, isForward))
+            low += m_stride - 2;
+        for (Tick stride = 1; stride < end - low; stride *= 2) {
             if (isStepDone(low + stride, isForward)) {
                 high = low + stride;
                 break;
@@ -158,6 +161,7 @@ bool Wave::findStepWithin(Tick after, Tick end, bool isForward) {
         }
     }
     m_isStepForward = isForward;
+    m_stride = high - after;
     m_next = later(m_start, high);
     return true;
 }

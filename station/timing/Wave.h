@@ -69,6 +69,7 @@ private:
     std::int64_t m_place = 0; // at its start, in 1 / (2 * ticksPerSecond), from the step that was done last
     std::int64_t m_steps = 0; // since its start
     bool m_isStepForward = false;
+    Tick m_stride = 0; // from the step before to the next
 };
 
 } // namespace station
