@@ -68,9 +68,11 @@ void Renderer::drawPixels(std::uint32_t width, ComponentAt componentAt, std::uin
     const std::uint32_t length = m_settings->xLength;
     packInto(out, colours.outBits, [=](auto packed) {
         // Bytes that are written may be anything for the compiler, but not these.
-        const auto [blue, green, red] = tables;
-        const auto [blueSource, greenSource, redSource] = source;
-        const auto [blueMask, greenMask, redMask] = mask;
+        const std::uint16_t* const blue = tables[0];
+        const std::uint16_t* const green = tables[1];
+        const std::uint16_t* const red = tables[2];
+        const std::uint32_t blueSource = source[0], greenSource = source[1], redSource = source[2];
+        const std::uint32_t blueMask = mask[0], greenMask = mask[1], redMask = mask[2];
         const auto putNothing = [&](std::uint32_t pixels) {
             for (std::uint32_t i = 0; i < pixels; ++i) {
                 packed.put(blue[0]);
