@@ -136,6 +136,12 @@ bool Station::start(std::shared_ptr<HostMemory> memory, std::int64_t pictures) {
 
 void Station::stop() { m_engine.stop(); }
 
+void Station::detach(const HostMemory& memory) {
+    if (m_memory.get() != &memory) return;
+    stop();
+    m_memory.reset();
+}
+
 Station::Wait Station::waitForPicture(std::int64_t picture, Tick timeout) {
     if (picture <= lastPicture()) return Wait::arrived;
     if (!isRunning() || (m_pictures > 0 && picture > m_pictures)) return Wait::notRunning;

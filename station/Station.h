@@ -43,6 +43,8 @@ public:
     explicit Station(Board& board) : m_board(board) {}
 
     Tick now() const { return m_engine.now(); }
+    /** The first tick that has not happened: writes act there. */
+    Tick from() const { return m_engine.from(); }
     /** Lets time move on by `ticks`, and gives the new time. It is less than asked for at the end of time, or after
      *  mostEvents ticks with something in them: then ask again. */
     Tick advance(Tick ticks);
@@ -68,6 +70,8 @@ public:
     bool start(std::shared_ptr<HostMemory> memory, std::int64_t pictures);
     /** Ends the acquisition and drops the image in progress. Pictures stay in the memory. */
     void stop();
+    /** Forgets a memory that is about to go, and ends an acquisition into it. */
+    void detach(const HostMemory& memory);
     bool isRunning() const { return m_engine.isAcquiring(); }
     /** Number of the last picture of the present or last acquisition; they count from 1. */
     std::int64_t lastPicture() { return static_cast<std::int64_t>(m_engine.buffer().delivered()); }
@@ -75,6 +79,8 @@ public:
     Wait waitForPicture(std::int64_t picture, Tick timeout);
     /** Gives the frame of a picture back to the memory of the acquisition. False if it is not there. */
     bool release(std::int64_t picture);
+    /** A frame of the memory was given back elsewhere. */
+    void resume() { m_engine.resume(); }
     /** Bytes of a full picture by the present parameters. */
     std::uint64_t transferLength() const;
 

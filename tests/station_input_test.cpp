@@ -12,7 +12,7 @@ constexpr std::uint8_t input0 = firstInput;
 class StationInputs : public StationTest {
 protected:
     /** Neither simulator nor ExSync of its own. Levels count after 18 ticks. */
-    StationInputs() : StationTest({{P::simulatorSource, 0}, {P::lineTriggerMode, 1}}) {}
+    StationInputs() : StationTest("Enable_SelectSource=0 LineTriggerMode=1") {}
 };
 
 /** The levels of the first track, as "0 +10 -20". */
@@ -131,7 +131,7 @@ TEST_F(StationInputs, StatusAndEventsAreThoseOfTheDebouncedLevels) {
     // A shorter time holds for a level that already waits.
     station.connect(5, Wave::constant(true));
     station.advance(5);
-    board.set({{P::debouncePrescale, 1}});
+    board.set("Prescale_Period=1");
     station.advance(1);
     EXPECT_EQ(trace(input0 + 5, 0, 40), "0 +35");
 }
@@ -158,35 +158,32 @@ TEST_F(StationInputs, TheEncoderGivesPulsesForwards) {
     };
     // Places after each edge, from 1000 on: 1 2 3 4, then 3 2 1, then 2 3 4 with the edges at 1800, 1900, 2000.
     const Case cases[] = {
-        {{{P::encoderMode, 0}}, "1018 1518", 0},
-        {{{P::encoderMode, 9}}, "1018 1518", 0},
-        {{{P::encoderMode, 1}}, "1018", 0},
-        {{{P::encoderMode, 2}}, "1018 1118", 0},
-        {{{P::encoderMode, 2}, {P::encoderCompensation, 0}}, "1018 1118 1818", 0},
-        {{{P::encoderMode, 3}}, "1018 1118 1218 1318", 0},
-        {{{P::encoderMode, 3}, {P::encoderCompensation, 0}}, "1018 1118 1218 1318 1818 1918 2018", 0},
+        {"EncoderABMode=0", "1018 1518", 0},
+        {"EncoderABMode=9", "1018 1518", 0},
+        {"EncoderABMode=1", "1018", 0},
+        {"EncoderABMode=2", "1018 1118", 0},
+        {"EncoderABMode=2 EncoderCompensation=0", "1018 1118 1818", 0},
+        {"EncoderABMode=3", "1018 1118 1218 1318", 0},
+        {"EncoderABMode=3 EncoderCompensation=0", "1018 1118 1218 1318 1818 1918 2018", 0},
         // B leads: forward is what was backward. Three forward, but four back before and three after.
-        {{{P::encoderMode, 3}, {P::encoderLead, 1}}, "", 4},
-        {{{P::encoderMode, 3}, {P::encoderLead, 1}, {P::encoderCompensation, 0}}, "1418 1518 1618", 0},
-        {{{P::encoderMode, 1}, {P::encoderLead, 1}, {P::encoderCompensation, 0}}, "1518", 0},
-        {{{P::encoderMode, 2}, {P::encoderLead, 1}, {P::encoderCompensation, 0}}, "1418 1518", 0},
+        {"EncoderABMode=3 EncoderABLead=1", "", 4},
+        {"EncoderABMode=3 EncoderABLead=1 EncoderCompensation=0", "1418 1518 1618", 0},
+        {"EncoderABMode=1 EncoderABLead=1 EncoderCompensation=0", "1518", 0},
+        {"EncoderABMode=2 EncoderABLead=1 EncoderCompensation=0", "1418 1518", 0},
         // Low active: the tracks upside down are at 00 where they were at 11.
-        {{{P::encoderMode, 1}, {P::linePolarity, 1}}, "1218", 0},
-        {{{P::encoderMode, 0}, {P::linePolarity, 1}}, "1218 1918", 0},
-        {{{P::encoderMode, 3}, {P::lineDownscale, 3}}, "1218", 0},
-        {{{P::encoderMode, 3}, {P::lineDownscale, 3}, {P::linePhase, 1}, {P::encoderCompensation, 0}},
-         "1218 1918",
-         0},
-        {{{P::encoderMode, 0}, {P::lineSourceA, 1}}, "1118 1418 1818", 0}, // the wire of B as A
-        {{{P::encoderMode, 0}, {P::lineSourceA, 3}}, "", 0},
-        {{{P::encoderMode, 0}, {P::lineInputA, 12}}, "", 0},
-        {{{P::encoderMode, 0}, {P::lineSourceA, 2}, {P::imageInput, 1}},
-         "1014 1514",
+        {"EncoderABMode=1 LineTrgInPolarity=1", "1218", 0},
+        {"EncoderABMode=0 LineTrgInPolarity=1", "1218 1918", 0},
+        {"EncoderABMode=3 LineTrgDownscaler=3", "1218", 0},
+        {"EncoderABMode=3 LineTrgDownscaler=3 LineTrgPhase=1 EncoderCompensation=0", "1218 1918", 0},
+        {"EncoderABMode=0 LineTrgInSourceA=1", "1118 1418 1818", 0}, // the wire of B as A
+        {"EncoderABMode=0 LineTrgInSourceA=3", "", 0},
+        {"EncoderABMode=0 LineTrgInSourceA_Input_Select=12", "", 0},
+        {"EncoderABMode=0 LineTrgInSourceA=2 ImgTrgInSource_Input_Select=1", "1014 1514",
          0}, // debounced for 14 ticks
     };
     for (const Case& row : cases) {
         ValueBoard values;
-        values.set({{P::simulatorSource, 0}, {P::lineTriggerMode, 1}, {P::exsyncExposure, 0.512}});
+        values.set("Enable_SelectSource=0 LineTriggerMode=1 ExsyncExposure=0.512");
         values.set(row.values);
         Station subject(values);
         // 1700: B again high would be another step; it is as at 1600 until 1800.
@@ -196,15 +193,15 @@ TEST_F(StationInputs, TheEncoderGivesPulsesForwards) {
         std::string pulses;
         for (const Edge& edge : subject.trace(exsync, 0, 3000).edges)
             if (edge.level) pulses += (pulses.empty() ? "" : " ") + std::to_string(edge.tick);
-        EXPECT_EQ(pulses, row.pulses) << testing::PrintToString(row.values);
-        EXPECT_EQ(values.value(P::encoderCount), row.count) << testing::PrintToString(row.values);
+        EXPECT_EQ(pulses, row.pulses) << row.values;
+        EXPECT_EQ(values.value(P::encoderCount), row.count) << row.values;
     }
 }
 
 TEST_F(StationInputs, TheCompensationCountIsLiveAndWritable) {
     // A step every 100 ticks: ten forward until 1000, six back, six forward, and so on.
     constexpr std::int32_t speed = 1'250'000;
-    board.set({{P::encoderMode, 3}, {P::exsyncExposure, 0.512}, {P::debouncePrescale, 0}});
+    board.set("EncoderABMode=3 ExsyncExposure=0.512 Prescale_Period=0");
     station.connect(1, Wave::encoder(0, {{1000, speed, speed}, {600, -speed, -speed}, {800, speed, speed}}),
                     2);
     station.advance(1000);
@@ -220,19 +217,19 @@ TEST_F(StationInputs, TheCompensationCountIsLiveAndWritable) {
     EXPECT_EQ(value(P::encoderCount), 0);
     EXPECT_EQ(value(P::analyzer0Pulses), 14);
     write(P::encoderCount, 5);
-    board.set({{P::encoderCompensation, 0}});
+    board.set("EncoderCompensation=0");
     station.advance(1);
     EXPECT_EQ(value(P::encoderCount), 0);
     // A count from before time first moved.
     ValueBoard other;
-    other.set({{P::encoderCount, 7}});
+    other.set("EncoderCompensationCount=7");
     Station second(other);
     second.advance(1);
     EXPECT_EQ(other.value(P::encoderCount), 7);
 }
 
 TEST_F(StationInputs, BothTracksAtOnceAreNoStep) {
-    board.set({{P::encoderMode, 3}});
+    board.set("EncoderABMode=3");
     station.connect(1, Wave::square(1000, 2000, 1000));
     station.connect(2, Wave::square(1000, 2000, 1000));
     station.advance(10'000);
@@ -241,7 +238,7 @@ TEST_F(StationInputs, BothTracksAtOnceAreNoStep) {
 }
 
 TEST_F(StationInputs, APulseWhileExSyncIsActiveIsLost) {
-    board.set({{P::exsyncExposure, 1}, {P::debouncePrescale, 0}}); // 125 ticks
+    board.set("ExsyncExposure=1 Prescale_Period=0"); // 125 ticks
     station.connect(1, Wave::edges(false, {{100, true},
                                            {150, false},
                                            {200, true},
@@ -258,38 +255,28 @@ TEST_F(StationInputs, APulseWhileExSyncIsActiveIsLost) {
 
 TEST_F(StationInputs, PulsesOfAGateCountFromItsOpening) {
     // Pulses every 100 ticks from 50 on. Gates from 1000 and 2000 on ask for three lines.
-    board.set({{P::lineTriggerMode, 3},
-               {P::debouncePrescale, 0},
-               {P::exsyncExposure, 0.512},
-               {P::lineDownscale, 2},
-               {P::linePhase, 3},
-               {P::imageTriggerMode, 1},
-               {P::imageSource, 4},
-               {P::yLength, 3}});
+    board.set("LineTriggerMode=3 Prescale_Period=0 ExsyncExposure=0.512 LineTrgDownscaler=2 LineTrgPhase=3 "
+              "ImgTriggerMode=1 ImgTrgInSource=4 YLength=3");
     station.connect(1, Wave::square(50, 100, 10));
     acquire();
     station.advance(999);
     write(P::softwarePulse, 1);
     station.advance(1500);
     EXPECT_EQ(trace(exsync, 0, 2499), "0 +1250 -1314 +1450 -1514 +1650 -1714");
-    board.set({{P::imageTriggerMode, 0}}); // always open: the phase comes once, then every second
+    board.set("ImgTriggerMode=0"); // always open: the phase comes once, then every second
     station.advance(700);
     EXPECT_EQ(trace(exsync, 2500, 3199), "0 +2750 -2814 +2950 -3014 +3150");
 }
 
 TEST_F(StationInputs, TheImageInputHasADebouncingOfItsOwn) {
     // 0.112 us, 14 ticks, of the raw input 0; lines every 100 ticks.
-    board.set({{P::simulatorSource, 1},
-               {P::simulatorImageWidth, 100},
-               {P::simulatorSequenceLength, 1},
-               {P::imageTriggerMode, 1},
-               {P::imageHeight, 2},
-               {P::yLength, 2}});
+    board.set("Enable_SelectSource=1 Size_ImageWidth=100 SequenceLength_ImageWidth=1 ImgTriggerMode=1 "
+              "ImageHeight_ImageHeight=2 YLength=2");
     station.connect(0, Wave::edges(false, {{86, true}, {99, false}, {187, true}, {300, false}, {486, true}}));
     acquire();
     station.advance(1000);
     // The first is a tick too short. The second counts at 201, after its line has started, the third with its line.
-    EXPECT_EQ(pictures(), (std::vector<std::string>{"300-400 2", "500-600 2"}));
+    EXPECT_EQ(pictures(), "300-400 2, 500-600 2");
 }
 
 } // namespace

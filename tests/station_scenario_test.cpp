@@ -66,13 +66,12 @@ private:
         auto parameter = static_cast<Parameter>(below(parameterCount));
         double value = m_isWild ? wildValue() : static_cast<double>(below(4));
         if (!m_isWild && below(2) == 0) { // what takes images
-            constexpr std::pair<Parameter, std::uint32_t> useful[] = {
-                {P::yLength, 20},        {P::imageHeight, 9},      {P::xLength, 40},
-                {P::exsyncPeriod, 40},   {P::xOffset, 20},         {P::simulatorSource, 2},
-                {P::lineTriggerMode, 4}, {P::imageTriggerMode, 3}, {P::softwareInput, 2}};
-            const auto& [which, end] = useful[below(std::size(useful))];
+            static const Values useful =
+                "YLength=20 ImageHeight_ImageHeight=9 XLength=40 ExsyncPeriod=40 XOffset=20 "
+                "Enable_SelectSource=2 LineTriggerMode=4 ImgTriggerMode=3 SoftwareTrgInput=2";
+            const auto& [which, end] = useful.all()[below(useful.all().size())];
             parameter = which;
-            value = static_cast<double>(below(end));
+            value = static_cast<double>(below(static_cast<std::uint64_t>(end)));
         }
         m_board.set({{parameter, value}});
         m_station.write(parameter, countOf(value));
@@ -144,13 +143,8 @@ TEST(StationScenario, NoValueMakesAStationFail) {
 TEST(StationScenario, HowTimeIsCutIntoStepsDoesNotMatter) {
     const auto run = [](const std::vector<Tick>& steps) {
         ValueBoard board;
-        board.set({{P::lineTriggerMode, 1},
-                   {P::encoderMode, 2},
-                   {P::simulatorFreeRun, 0},
-                   {P::simulatorTriggerMode, 1},
-                   {P::exsyncExposure, 2},
-                   {P::exsync2Delay, 3},
-                   {P::analyzer1Select, lineEnd}});
+        board.set("LineTriggerMode=1 EncoderABMode=2 FreeRun_Select=0 TriggerValve_Mode=1 ExsyncExposure=2 "
+                  "Exsync2Delay=3 Analyzer1_Select_SelectSignal_Select=34");
         Station station(board);
         station.connect(1, Wave::encoder(0, {{400'000, 0, 600'000}, {400'000, 600'000, -300'000}}), 2);
         const auto memory = std::make_shared<HostMemory>(2, 1U << 20, HostMemory::Kind::ring);
@@ -174,17 +168,9 @@ TEST(StationScenario, HowTimeIsCutIntoStepsDoesNotMatter) {
 TEST(StationScenario, EncoderLinesAndPicturesAgree) {
     // A second at 70,000 lines: the encoder's quarter steps, ExSync, lines and pictures are the same count.
     ValueBoard board;
-    board.set({{P::lineTriggerMode, 1},
-               {P::encoderMode, 3},
-               {P::simulatorFreeRun, 0},
-               {P::simulatorTriggerMode, 1},
-               {P::exsyncExposure, 2},
-               {P::custom0Select, lineValid},
-               {P::simulatorImageHeight, 1000},
-               {P::simulatorFrameGap, 1000},
-               {P::imageHeight, 1000},
-               {P::yOffset, 400},
-               {P::yLength, 1000}});
+    board.set("LineTriggerMode=1 EncoderABMode=3 FreeRun_Select=0 TriggerValve_Mode=1 ExsyncExposure=2 "
+              "SelectCustomSignalEvent0_SelectSignal_Select=4 Size_ImageHeight=1000 FrameGap_Number=1000 "
+              "ImageHeight_ImageHeight=1000 YOffset=400 YLength=1000");
     Station station(board);
     station.connect(1, Wave::encoder(0, {{1, 70'000, 70'000}}), 2);
     const auto memory = std::make_shared<HostMemory>(2, 1U << 22, HostMemory::Kind::ring);

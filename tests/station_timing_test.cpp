@@ -54,22 +54,21 @@ TEST(StationSimulator, LinesStartAtTheRateOfTheCounters) {
         Tick to;
     };
     const Case cases[] = {
-        {{{P::simulatorSequenceLength, 100}}, "0 99 199 298 398", 400}, // 99.5
-        {{{P::simulatorSequenceLength, 10}}, "0 32 64 96", 100},        // no faster than a line
-        {{{P::simulatorSequenceLength, 0}}, "0 32 64 96", 100},         //
-        {{{P::simulatorSequenceLength, 32}}, "0 32 64 96", 100},        //
-        {{{P::simulatorSequenceLength, 33}}, "0 32 65 97 130", 150},    //
-        {{{P::simulatorPixelClockMode, 0}, {P::simulatorActivePixel, 2000}}, "0 32 64 96 128", 150}, // 32.008
-        {{{P::simulatorPixelClockMode, 0}, {P::simulatorActivePixel, 1}}, "0 128000 256000", 260'000},
-        {{{P::simulatorPixelClockMode, 7}, {P::simulatorActivePixel, 0}}, "0 128000", 130'000},
-        {{{P::simulatorImageWidth, 0}, {P::simulatorSequenceLength, 2}}, "0 1 3 4 6", 6}, // a cycle at least
+        {"SequenceLength_ImageWidth=100", "0 99 199 298 398", 400},                  // 99.5
+        {"SequenceLength_ImageWidth=10", "0 32 64 96", 100},                         // no faster than a line
+        {"SequenceLength_ImageWidth=0", "0 32 64 96", 100},                          //
+        {"SequenceLength_ImageWidth=32", "0 32 64 96", 100},                         //
+        {"SequenceLength_ImageWidth=33", "0 32 65 97 130", 150},                     //
+        {"ControlPixelClock_Mode=0 ActivePixel_Number=2000", "0 32 64 96 128", 150}, // 32.008
+        {"ControlPixelClock_Mode=0 ActivePixel_Number=1", "0 128000 256000", 260'000},
+        {"ControlPixelClock_Mode=7 ActivePixel_Number=0", "0 128000", 130'000},
+        {"Size_ImageWidth=0 SequenceLength_ImageWidth=2", "0 1 3 4 6", 6}, // a cycle at least
         // Frames of four lines, three of them active.
-        {{{P::simulatorSequenceLength, 101}, {P::simulatorImageHeight, 4}, {P::simulatorFrameGap, 3}},
-         "0 100 201 402 502 603 804",
+        {"SequenceLength_ImageWidth=101 Size_ImageHeight=4 FrameGap_Number=3", "0 100 201 402 502 603 804",
          804},
-        {{{P::simulatorSequenceLength, 101}, {P::simulatorFrameGap, 0}}, "", 804},
-        {{{P::simulatorSource, 0}}, "", 100'000},
-        {{{P::simulatorSource, 2}}, "", 100'000},
+        {"SequenceLength_ImageWidth=101 FrameGap_Number=0", "", 804},
+        {"Enable_SelectSource=0", "", 100'000},
+        {"Enable_SelectSource=2", "", 100'000},
     };
     for (const Case& row : cases) {
         ValueBoard board;
@@ -94,7 +93,7 @@ TEST_F(StationTiming, RatesComeOutOverASecond) {
     EXPECT_EQ(value(P::analyzerDifference), 0x1'ffff'ffff + 1 - 5240); // 33 bits of -5240
     EXPECT_EQ(board.raised(Event::customSignal0), 5001U);
     // 2000 multiples of a fraction of ticks: 128,000 / 1999 each.
-    board.set({{P::simulatorPixelClockMode, 0}, {P::simulatorActivePixel, 1000}});
+    board.set("ControlPixelClock_Mode=0 ActivePixel_Number=1000");
     const Tick from = station.trace(lineValid, station.now() - 13000, station.now()).edges.front().tick;
     station.advance(20'000);
     const Tick first = station.trace(lineValid, station.now() - 20'000, station.now()).edges.front().tick;
@@ -104,10 +103,7 @@ TEST_F(StationTiming, RatesComeOutOverASecond) {
 }
 
 TEST_F(StationTiming, LineAndFrameValidFollowTheCounters) {
-    board.set({{P::simulatorSequenceLength, 101},
-               {P::simulatorImageHeight, 4},
-               {P::simulatorFrameGap, 3},
-               {P::simulatorLineGap, 20}});
+    board.set("SequenceLength_ImageWidth=101 Size_ImageHeight=4 FrameGap_Number=3 LineGap_Number=20");
     station.advance(450);
     EXPECT_EQ(trace(lineValid, 0, 450), "0 +0 -20 +100 -120 +201 -221 +402 -422");
     EXPECT_EQ(trace(frameValid, 0, 450), "0 +0 -221 +402");
@@ -118,37 +114,34 @@ TEST_F(StationTiming, LineAndFrameValidFollowTheCounters) {
     EXPECT_EQ(station.cameraStatus(), 0b1101U); // a source, FVAL, ExSync
     // Off: the line in transfer comes to its end, and the frame with it.
     station.advance(55);
-    board.set({{P::simulatorSource, 0}});
+    board.set("Enable_SelectSource=0");
     station.advance(1000);
     EXPECT_EQ(trace(lineValid, 500, 1505), "0 +502 -522");
     EXPECT_EQ(trace(frameValid, 500, 1505), "1 -522");
-    board.set({{P::simulatorSource, 1}});
+    board.set("Enable_SelectSource=1");
     station.advance(50);
     EXPECT_EQ(trace(frameValid, 1400, 1555), "0 +1506");
 }
 
 TEST_F(StationTiming, ExSync2IsTheSameLater) {
-    board.set({{P::exsyncPeriod, 0.8}, {P::exsyncExposure, 0.512}, {P::exsync2Delay, 2}});
+    board.set("ExsyncPeriod=0.8 ExsyncExposure=0.512 Exsync2Delay=2");
     station.advance(420);
     EXPECT_EQ(trace(exsync, 0, 420), "0 +0 -64 +100 -164 +200 -264 +300 -364 +400");
     EXPECT_EQ(trace(exsync2, 0, 420), "0 +250 -314 +350 -414");
     // Another delay holds for the edges from now on, another period from the next edge on, a polarity at once.
-    board.set({{P::exsync2Delay, 0}, {P::exsyncPeriod, 1.6}, {P::exsyncPolarity, 1}});
+    board.set("Exsync2Delay=0 ExsyncPeriod=1.6 ExsyncPolarity=1");
     station.advance(500);
     EXPECT_EQ(trace(exsync, 420, 920), "1 -421 +464 -500 +564 -700 +764 -900");
     EXPECT_EQ(trace(exsync2, 420, 920), "0 +464 -500 +564 -700 +764 -900");
-    board.set({{P::exsyncEnable, 0}});
+    board.set("ExsyncEnable=0");
     station.advance(500);
     EXPECT_EQ(trace(exsync, 920, 1420), "0 +921");
 }
 
 TEST_F(StationTiming, TheCameraTriggerStartsLinesOfTheSimulator) {
     // A line takes 100 ticks, so every second trigger is lost: 11 pulses, 6 lines.
-    board.set({{P::simulatorFreeRun, 0},
-               {P::simulatorTriggerMode, 1},
-               {P::simulatorImageWidth, 100},
-               {P::exsyncPeriod, 0.52},
-               {P::exsyncExposure, 0.512}});
+    board.set(
+        "FreeRun_Select=0 TriggerValve_Mode=1 Size_ImageWidth=100 ExsyncPeriod=0.52 ExsyncExposure=0.512");
     station.advance(650);
     EXPECT_EQ(starts(lineValid, 650), "0 130 260 390 520 650");
     EXPECT_EQ(value(P::analyzerDifference), 5);
@@ -158,13 +151,8 @@ TEST_F(StationTiming, TheCameraTriggerStartsLinesOfTheSimulator) {
 
 TEST_F(StationTiming, TheCameraTriggerStartsFramesOfTheSimulator) {
     // Frames of 4 lines of 100.5 ticks, three of them active: busy for 402 ticks. Triggers every 200.
-    board.set({{P::simulatorFreeRun, 0},
-               {P::simulatorTriggerMode, 2},
-               {P::simulatorSequenceLength, 101},
-               {P::simulatorImageHeight, 4},
-               {P::simulatorFrameGap, 3},
-               {P::exsyncPeriod, 1.6},
-               {P::exsyncExposure, 0.512}});
+    board.set("FreeRun_Select=0 TriggerValve_Mode=2 SequenceLength_ImageWidth=101 Size_ImageHeight=4 "
+              "FrameGap_Number=3 ExsyncPeriod=1.6 ExsyncExposure=0.512");
     station.advance(999);
     EXPECT_EQ(starts(lineValid, 999), "0 100 201 600 700 801");
     EXPECT_EQ(starts(frameStart, 999), "0 600");
@@ -173,15 +161,13 @@ TEST_F(StationTiming, TheCameraTriggerStartsFramesOfTheSimulator) {
 
 TEST_F(StationTiming, ATriggerFromTheEndOfALineStartsTheNext) {
     // LVAL inverted as camera trigger: the level before the first line is no edge, so nothing comes until one does.
-    board.set({{P::simulatorFreeRun, 0},
-               {P::simulatorTriggerMode, 1},
-               {P::cameraTriggerSelect, lineValid},
-               {P::cameraTriggerInvert, 1}});
+    board.set("FreeRun_Select=0 TriggerValve_Mode=1 SelectTrigger_SelectSignal_Select=4 "
+              "SelectTrigger_Polarity_Invert=1");
     station.advance(100);
     EXPECT_EQ(starts(lineValid, 100), "");
-    board.set({{P::cameraTriggerInvert, 0}});
+    board.set("SelectTrigger_Polarity_Invert=0");
     station.advance(100);
-    board.set({{P::cameraTriggerInvert, 1}}); // an edge of the crossbar itself, at 201
+    board.set("SelectTrigger_Polarity_Invert=1"); // an edge of the crossbar itself, at 201
     station.advance(100);
     EXPECT_EQ(starts(lineValid, 300), "201 233 265 297");
 }
@@ -199,22 +185,18 @@ TEST_F(StationTiming, CrossbarAnalyzersAndCustomEventsSeeTheSame) {
     };
     for (const Case& row : cases) {
         ValueBoard values;
-        values.set({{P::exsyncPeriod, 0.8},
-                    {P::exsyncExposure, 0.512},
-                    {P::exsync2Delay, 2},
-                    {P::simulatorSequenceLength, 100},
-                    {P::simulatorLineGap, 20},
-                    {P::analyzer0Select, row.select},
-                    {P::analyzer0Invert, row.invert},
-                    {P::custom1Select, row.select},
-                    {P::custom1Invert, row.invert}});
+        values.set("ExsyncPeriod=0.8 ExsyncExposure=0.512 Exsync2Delay=2 SequenceLength_ImageWidth=100 "
+                   "LineGap_Number=20");
+        for (const auto& [select, invert] :
+             {std::pair{P::analyzer0Select, P::analyzer0Invert}, {P::custom1Select, P::custom1Invert}})
+            values.set({{select, row.select}, {invert, row.invert}});
         Station subject(values);
         subject.advance(100);
         const auto before = values.raised(Event::customSignal1);
-        values.set({{P::analyzerClear, 1}});
+        values.set("Clear_Value=1");
         subject.write(P::analyzerClear, 1);
         EXPECT_EQ(values.value(P::analyzer0Pulses), 0);
-        values.set({{P::analyzerClear, 0}});
+        values.set("Clear_Value=0");
         subject.advance(900);
         EXPECT_EQ(values.value(P::analyzer0Pulses), row.edges) << row.select << ' ' << row.invert;
         EXPECT_EQ(values.raised(Event::customSignal1) - before, row.edges) << row.select << ' ' << row.invert;
@@ -222,7 +204,7 @@ TEST_F(StationTiming, CrossbarAnalyzersAndCustomEventsSeeTheSame) {
 }
 
 TEST_F(StationTiming, NothingCountsWhileTheClearIsHeld) {
-    board.set({{P::exsyncPeriod, 0.8}, {P::exsyncExposure, 0.512}});
+    board.set("ExsyncPeriod=0.8 ExsyncExposure=0.512");
     station.advance(350);
     write(P::analyzerClear, 1);
     station.advance(400);
@@ -234,7 +216,7 @@ TEST_F(StationTiming, NothingCountsWhileTheClearIsHeld) {
 }
 
 TEST_F(StationTiming, OldEdgesAreForgottenAndEventsDropped) {
-    board.set({{P::exsyncPeriod, 0.8}, {P::exsyncExposure, 0.512}});
+    board.set("ExsyncPeriod=0.8 ExsyncExposure=0.512");
     station.advance(10'000'000); // 100,001 pulses
     EXPECT_FALSE(station.trace(exsync, 0, 100).complete);
     const Trace last = station.trace(exsync, 9'999'900, 10'000'000);
@@ -251,16 +233,16 @@ TEST_F(StationTiming, OldEdgesAreForgottenAndEventsDropped) {
 }
 
 TEST_F(StationTiming, TimeEndsAndCostsNothingWhenNothingHappens) {
-    board.set({{P::simulatorSource, 0}, {P::lineTriggerMode, 1}});
+    board.set("Enable_SelectSource=0 LineTriggerMode=1");
     EXPECT_EQ(station.advance(never), lastTick);
     EXPECT_EQ(station.advance(1), lastTick);
-    board.set({{P::lineTriggerMode, 0}, {P::simulatorSource, 1}, {P::exsyncPolarity, 1}});
+    board.set("LineTriggerMode=0 Enable_SelectSource=1 ExsyncPolarity=1");
     EXPECT_EQ(station.advance(never), lastTick);
 }
 
 TEST_F(StationTiming, AHotBoardRaisesItsAlarmOnce) {
     station.advance(10);
-    board.set({{P::fpgaTemperature, 85.5}});
+    board.set("FpgaTemperature=85.5");
     station.advance(10);
     station.advance(10);
     EXPECT_EQ(board.raised(Event::temperatureAlarm), 1U);

@@ -59,11 +59,11 @@ struct Raster {
     std::uint32_t height = 0;
     std::vector<std::uint16_t> components{}; // 3 * width * height
 
-    bool isSound() const {
+    bool hasSoundSize() const {
         return width > 0 && height > 0 && width <= widest && height <= highest &&
-               std::size_t{width} * height <= mostPixels &&
-               components.size() == std::size_t{3} * width * height;
+               std::size_t{width} * height <= mostPixels;
     }
+    bool isSound() const { return hasSoundSize() && components.size() == std::size_t{3} * width * height; }
 };
 
 } // namespace station

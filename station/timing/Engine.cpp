@@ -72,10 +72,7 @@ void Engine::runTick(Tick tick) {
     if (m_lineEnd <= tick) endLine(tick);
     const std::uint64_t edges = m_exsync.edges();
     bool hasChanged = std::exchange(m_wake, never) <= tick;
-    if (m_inputs.next() <= tick) {
-        m_inputs.run(tick);
-        hasChanged = true;
-    }
+    if (m_inputs.next() <= tick) hasChanged |= m_inputs.run(tick);
     if (m_softwareTick <= tick) hasChanged |= runSoftware(tick);
     if (hasChanged) followWires(tick);
     if (m_exsync.next() <= tick) m_exsync.run(tick);

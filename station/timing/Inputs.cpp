@@ -1,6 +1,18 @@
 #include "station/timing/Inputs.h"
 
+#include <algorithm>
+#include <bit>
+
 namespace station {
+namespace {
+
+/** Calls `visit` with the number of each bit of a mask. */
+template <typename Visit> void forEachInput(std::uint32_t mask, Visit visit) {
+    for (; mask != 0; mask &= mask - 1)
+        visit(static_cast<std::size_t>(std::countr_zero(mask)));
+}
+
+} // namespace
 
 void Inputs::configure(const Settings& settings, Tick from) {
     for (Debouncer& debouncer : m_debouncers)
@@ -50,37 +62,45 @@ void Inputs::drive(std::size_t input, bool level, Tick tick) {
     if (input == m_settings.imageInput) m_imageDebouncer.follow(level, tick);
 }
 
-void Inputs::settle(Tick tick) {
-    if (m_imageDebouncer.next() <= tick) m_imageDebouncer.settle();
-    for (std::size_t input = 0; input < inputCount; ++input) {
+bool Inputs::settle(Tick tick) {
+    bool hasChanged = m_imageDebouncer.next() <= tick;
+    if (hasChanged) m_imageDebouncer.settle();
+    forEachInput(m_used, [&](std::size_t input) {
         Debouncer& debouncer = m_debouncers[input];
-        if (debouncer.next() > tick) continue;
+        if (debouncer.next() > tick) return;
         debouncer.settle();
         m_signals.set(static_cast<std::uint8_t>(firstInput + input), debouncer.level(), tick);
         m_events.add(pinEvent(input, debouncer.level()), tick);
-    }
+        hasChanged = true;
+    });
+    return hasChanged;
 }
 
-void Inputs::run(Tick tick) {
-    settle(tick); // a level that has stayed long enough counts, also if it changes now
-    for (std::size_t input = 0; input < inputCount; ++input) {
-        Driver& driver = m_drivers[input];
-        if (!driver.isConnected || driver.wave.next() > tick) continue;
-        driver.wave.step();
-        drive(input, (driver.wave.levels() & 1U) != 0, tick);
-        if (driver.second < inputCount) drive(driver.second, (driver.wave.levels() & 2U) != 0, tick);
+bool Inputs::run(Tick tick) {
+    // A level that has stayed long enough counts, also if it changes now.
+    bool hasChanged = m_nextSettled <= tick && settle(tick);
+    if (m_nextWave <= tick) {
+        forEachInput(m_used, [&](std::size_t input) {
+            Driver& driver = m_drivers[input];
+            if (!driver.isConnected || driver.wave.next() > tick) return;
+            driver.wave.step();
+            drive(input, (driver.wave.levels() & 1U) != 0, tick);
+            if (driver.second < inputCount) drive(driver.second, (driver.wave.levels() & 2U) != 0, tick);
+        });
+        if (m_settings.debouncing == 0) hasChanged |= settle(tick);
     }
-    if (m_settings.debouncing == 0) settle(tick);
     findNext();
+    return hasChanged;
 }
 
 void Inputs::findNext() {
-    m_next = m_imageDebouncer.next();
-    for (std::uint32_t rest = m_used, input = 0; rest != 0; rest >>= 1, ++input) {
-        if ((rest & 1U) == 0) continue;
-        m_next = std::min(m_next, m_debouncers[input].next());
-        if (m_drivers[input].isConnected) m_next = std::min(m_next, m_drivers[input].wave.next());
-    }
+    m_nextSettled = m_imageDebouncer.next();
+    m_nextWave = never;
+    forEachInput(m_used, [&](std::size_t input) {
+        m_nextSettled = std::min(m_nextSettled, m_debouncers[input].next());
+        if (m_drivers[input].isConnected) m_nextWave = std::min(m_nextWave, m_drivers[input].wave.next());
+    });
+    m_next = std::min(m_nextSettled, m_nextWave);
 }
 
 std::uint32_t Inputs::status() const {

@@ -65,8 +65,8 @@ public:
     void preset();
 
     Tick next() const { return m_next; }
-    /** Takes the edges of a tick; all inputs that change in it do so together. */
-    void run(Tick tick);
+    /** Takes the edges of a tick; all inputs that change in it do so together. False if no level changed that counts. */
+    bool run(Tick tick);
 
     /** Debounced; outside low. */
     bool level(std::size_t input) const { return input < inputCount && m_debouncers[input].level(); }
@@ -82,7 +82,7 @@ private:
     };
 
     void drive(std::size_t input, bool level, Tick tick);
-    void settle(Tick tick);
+    bool settle(Tick tick);
     void findNext();
 
     Signals& m_signals;
@@ -94,6 +94,8 @@ private:
     Debouncer m_imageDebouncer;
     std::uint32_t m_used = 0; // mask of the inputs that were ever connected
     Tick m_next = never;
+    Tick m_nextWave = never;
+    Tick m_nextSettled = never;
 };
 
 } // namespace station

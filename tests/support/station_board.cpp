@@ -1,60 +1,56 @@
 #include "support/station_board.h"
 
+#include <sstream>
+
 namespace station {
 
+void Values::read() {
+    std::istringstream words(m_text);
+    for (std::string word; words >> word;) {
+        const std::size_t sign = word.find('=');
+        const std::string end = "_" + word.substr(0, sign);
+        int found = 0;
+        for (std::size_t i = 0; i < parameterCount; ++i) {
+            const auto parameter = static_cast<Parameter>(i);
+            if (!std::string(nameOf(parameter)).ends_with(end)) continue;
+            m_values.emplace_back(parameter, std::stod(word.substr(sign + 1)));
+            ++found;
+        }
+        EXPECT_EQ(found, 1) << word;
+    }
+}
+
+void StationTest::play(const std::string& writes) {
+    std::istringstream all(writes);
+    for (std::string one; std::getline(all, one, ',');) {
+        std::istringstream words(one);
+        Tick tick = 0;
+        std::string what;
+        words >> tick >> what;
+        if (tick > station.now()) station.advance(tick - station.now());
+        if (what == "pulse") what = "SoftwareTrgPulse=1";
+        if (what == "high") what = "SoftwareTrgInput=1";
+        if (what == "low") what = "SoftwareTrgInput=0";
+        const Values values(what.c_str());
+        for (const auto& [parameter, value] : values.all())
+            write(parameter, value);
+    }
+}
+
 ValueBoard::ValueBoard() {
-    set({{P::simulatorSource, 1},
-         {P::simulatorImageWidth, 32},
-         {P::simulatorLineGap, 32},
-         {P::simulatorImageHeight, 8},
-         {P::simulatorFrameGap, 8},
-         {P::simulatorPixelClockMode, 1},
-         {P::simulatorActivePixel, 1},
-         {P::simulatorEnableX, 1},
-         {P::simulatorYDivisor, 256},
-         {P::simulatorOffset, 0},
-         {P::simulatorFreeRun, 1},
-         {P::simulatorTriggerMode, 2},
-         {P::greenComponent, 1},
-         {P::blueComponent, 2},
-         {P::simulatorSequenceLength, 12207},
-         {P::exsyncPeriod, 200},
-         {P::exsyncExposure, 19},
-         {P::simulatorFrameDivisor, 256},
-         {P::exsyncEnable, 1},
-         {P::lineSourceB, 1},
-         {P::imageSource, 2},
-         {P::lineInputA, 1},
-         {P::lineInputB, 2},
-         {P::imageInput, 0},
-         {P::debouncePrescale, 6},
-         {P::lineDownscale, 1},
-         {P::linePhase, 1},
-         {P::encoderCompensation, 1},
-         {P::imageTriggerEnable, 1},
-         {P::imageDebouncing, 0.112},
-         {P::yLength, 8},
-         {P::imageHeight, 8},
-         {P::flashEnable, 1},
-         {P::sensorWidth, 1024},
-         {P::xLength, 1024},
-         {P::pixelFormat, 8},
-         {P::ramAddressWidth, 20},
-         {P::ramDataWidth, 512},
-         {P::linkSpeed, 3.725},
-         {P::selectPeriod, 1},
-         {P::redGain, 1},
-         {P::greenGain, 1},
-         {P::blueGain, 1},
-         {P::shift, 8},
-         {P::trash1, 1},
-         {P::trash2, 1},
-         {P::trash3, 1},
-         {P::cameraTriggerSelect, exsync},
-         {P::analyzer0Select, exsync},
-         {P::analyzer1Select, 33},
-         {P::custom0Select, exsync},
-         {P::custom1Select, flash}});
+    set("Enable_SelectSource=1 Size_ImageWidth=32 LineGap_Number=32 Size_ImageHeight=8 FrameGap_Number=8 "
+        "ControlPixelClock_Mode=1 ActivePixel_Number=1 Enable_Value=1 Y_Divisor=256 Offset_Value=0 "
+        "FreeRun_Select=1 TriggerValve_Mode=2 GreenComponent=1 BlueComponent=2 "
+        "SequenceLength_ImageWidth=12207 ExsyncPeriod=200 ExsyncExposure=19 Frame_Divisor=256 ExsyncEnable=1 "
+        "LineTrgInSourceB=1 ImgTrgInSource=2 LineTrgInSourceA_Input_Select=1 LineTrgInSourceB_Input_Select=2 "
+        "ImgTrgInSource_Input_Select=0 Prescale_Period=6 LineTrgDownscaler=1 LineTrgPhase=1 EncoderCompensation=1 "
+        "ImgTriggerEnable=1 ImgTrgDebouncingTime=0.112 YLength=8 ImageHeight_ImageHeight=8 FlashEnable=1 "
+        "SensorWidth=1024 XLength=1024 PixelFormat=8 RamAddressWidth=20 RamDataWidth=512 "
+        "PcieCurrentLinkSpeed=3.725 PERIOD_Divisor=1 RedCoefficient=1 GreenCoefficient=1 BlueCoefficient=1 "
+        "Shift_Value=8 Convert1_VirtualTrash_EnableTrash_Value=1 Convert2_VirtualTrash_EnableTrash_Value=1 "
+        "Convert3_VirtualTrash_EnableTrash_Value=1 SelectTrigger_SelectSignal_Select=1 "
+        "Analyzer0_Select_SelectSignal_Select=1 Analyzer1_Select_SelectSignal_Select=33 "
+        "SelectCustomSignalEvent0_SelectSignal_Select=1 SelectCustomSignalEvent1_SelectSignal_Select=3");
 }
 
 } // namespace station

@@ -7,8 +7,10 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <initializer_list>
 #include <map>
 #include <memory>
+#include <ostream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -16,7 +18,29 @@
 namespace station {
 
 using P = Parameter;
-using Values = std::vector<std::pair<Parameter, double>>;
+/** Values of parameters, as "YLength=4 ImageHeight=2": a parameter goes by the end of its name in the design. */
+class Values {
+public:
+    Values() = default;
+    Values(const char* text) : m_text(text) { read(); }
+    Values(std::initializer_list<std::pair<Parameter, double>> values) : m_values(values) {}
+
+    const std::vector<std::pair<Parameter, double>>& all() const { return m_values; }
+    friend Values operator+(Values first, const Values& second) {
+        first.m_text += " " + second.m_text;
+        first.m_values.insert(first.m_values.end(), second.m_values.begin(), second.m_values.end());
+        return first;
+    }
+    friend std::ostream& operator<<(std::ostream& stream, const Values& values) {
+        return stream << values.m_text;
+    }
+
+private:
+    void read();
+
+    std::string m_text;
+    std::vector<std::pair<Parameter, double>> m_values;
+};
 
 class ValueBoard final : public Board {
 public:
@@ -24,7 +48,7 @@ public:
     ValueBoard();
 
     void set(const Values& values) {
-        for (const auto& [parameter, value] : values)
+        for (const auto& [parameter, value] : values.all())
             m_values[static_cast<std::size_t>(parameter)] = value;
         ++m_revision;
     }
@@ -82,19 +106,22 @@ protected:
         memory = std::make_shared<HostMemory>(frames, 1U << 24, kind);
         ASSERT_TRUE(station.start(memory, pictures));
     }
-    /** Ticks of the first and the last line of a picture, its lines and its arrival: "0-32 2 @70". */
+    /** Ticks of the first and the last line of a picture, and its lines: "0-32 2 short". */
     std::string picture(std::int64_t number) const {
         const auto record = memory->record(number);
         if (record == nullptr) return "none";
         return std::to_string(record->firstLine) + "-" + std::to_string(record->lastLine) + " " +
                std::to_string(record->lines) + (record->isShort ? " short" : "");
     }
-    std::vector<std::string> pictures() {
-        std::vector<std::string> all;
+    /** All of them, "0-32 2, 64-96 2". */
+    std::string pictures() {
+        std::string all;
         for (std::int64_t number = 1; number <= station.lastPicture(); ++number)
-            all.push_back(picture(number));
+            all += (number > 1 ? ", " : "") + picture(number);
         return all;
     }
+    /** Writes as "150 pulse, 350 high, 600 low, 900 YLength=3": a software trigger, its level, or any parameter. */
+    void play(const std::string& writes);
 
     ValueBoard board;
     Station station{board};
