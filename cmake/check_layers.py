@@ -12,6 +12,8 @@ CATALOGUE = [*SUPPORT, "src/catalogue/**"]
 # What a source needs that implements members of the object.
 MEMBERS = ["src/entry/sdk_parameters.h", "src/entry/setter_tools.h"]
 
+TIMING = ["station/timing/**"]
+PICTURE = ["station/picture/**", "station/timing/Record.h", "station/timing/Simulator.h", "station/timing/Tick.h"]
 BOARD = [*HEADERS, "virtual_board/**"]
 HOST = [*HEADERS, "virtual_board/virtual_board.h", "tools/applet_host/**"]
 TOOLS = "tools/applet_tools/"
@@ -43,6 +45,9 @@ ROOMS = [
     ("src/trigger/events.cpp", [*CATALOGUE, "src/trigger/*.h", "src/entry/PublishedParameters.h"]),
     ("src/trigger/*.cpp", [*CATALOGUE, *MEMBERS, "src/trigger/*.h"]),
     ("src/entry/**", [*HEADERS, "src/**"]),
+    ("station/timing/**", TIMING),
+    ("station/picture/**", PICTURE),
+    ("station/**", ["station/**"]),
     ("virtual_board/**", BOARD),
     ("tools/applet_host/**", HOST),
     (f"{TOOLS}base/**", TOOLS_BASE),
@@ -61,7 +66,7 @@ ROOMS = [
 SILENT = [f"{TOOLS}**"]
 PRINTING = re.compile(r"#\s*include\s+<(?:iostream|cstdio|stdio\.h|print)>|"
                       r"\bstd::(?:cout|cerr|clog)\b|\b(?:f?printf|f?puts|putchar)\(")
-CHECKED = ["include", "src", "virtual_board", "tools"]
+CHECKED = ["include", "src", "station", "virtual_board", "tools"]
 INCLUDE_ROOTS = ["include", "src", "tools", "."]
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.MULTILINE)
 SUFFIXES = {".h", ".hpp", ".cpp", ".def"}

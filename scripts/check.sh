@@ -35,7 +35,7 @@ check_tidy() {
     install_packages clang-tidy
     check_clang
     say "Analysing with clang-tidy, warnings are errors"
-    run-clang-tidy -quiet -p build/clang -j "$(nproc)" "^$PWD/(src|virtual_board|tools)/"
+    run-clang-tidy -quiet -p build/clang -j "$(nproc)" "^$PWD/(src|station|virtual_board|tools)/"
 }
 
 check_sanitizer() {

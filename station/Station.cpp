@@ -1,0 +1,224 @@
+#include "station/Station.h"
+
+#include "station/Settings.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace station {
+
+void Station::readBoard() {
+    const std::uint64_t revision = m_board.revision();
+    const std::uint64_t tableRevision = m_board.tableRevision();
+    if (m_revision == revision && m_tableRevision == tableRevision) return;
+    const bool isFirst = m_picture == nullptr;
+    m_revision = revision;
+    if (m_tableRevision != tableRevision) m_tables = std::make_shared<Tables>(readTables(m_board));
+    m_tableRevision = tableRevision;
+    const PictureSettings picture = readPictureSettings(m_board);
+    if (m_picture == nullptr || *m_picture != picture) m_picture = std::make_shared<PictureSettings>(picture);
+
+    EngineSettings settings = readEngineSettings(m_board, m_dmaRate);
+    settings.picture = m_picture;
+    settings.tables = m_tables;
+    m_engine.configure(settings);
+    if (isFirst) m_engine.setEncoderCount(countOf(m_board.value(Parameter::encoderCount)));
+    m_engine.cutSource(isInputOn(Raster::Point::camera) || isInputOn(Raster::Point::buffer) ||
+                       isInputOn(Raster::Point::output));
+    const bool isHot = m_board.value(Parameter::fpgaTemperature) > hottest;
+    if (isHot && !m_isHot) m_engine.events().add(Event::temperatureAlarm, m_engine.from());
+    m_isHot = isHot;
+}
+
+void Station::run(Tick ticks, std::uint64_t pictures) {
+    readBoard();
+    const Tick from = m_engine.hasRun() ? m_engine.now() : 0;
+    m_engine.run(later(from, ticks), pictures, mostEvents);
+    publish();
+}
+
+Tick Station::advance(Tick ticks) {
+    run(ticks, never);
+    return now();
+}
+
+void Station::write(Parameter parameter, std::uint64_t value) {
+    switch (parameter) {
+    case Parameter::softwarePulse:
+        if (value != 1) return;
+        if (m_engine.hasRun()) readBoard();
+        m_engine.pulseSoftware();
+        break;
+    case Parameter::analyzerClear:
+        if (value != 1 || !m_engine.hasRun()) return;
+        readBoard();
+        m_engine.clearAnalyzers();
+        publishAnalyzers();
+        break;
+    case Parameter::encoderCount:
+        if (!m_engine.hasRun()) return;
+        readBoard();
+        m_engine.setEncoderCount(static_cast<std::uint32_t>(value));
+        break;
+    case Parameter::cameraDebugPixel:
+    case Parameter::cameraDebugFlag:
+        writePixels(Raster::Point::camera, parameter == Parameter::cameraDebugFlag, value);
+        break;
+    case Parameter::bufferDebugPixel:
+    case Parameter::bufferDebugFlag:
+        writePixels(Raster::Point::buffer, parameter == Parameter::bufferDebugFlag, value);
+        break;
+    case Parameter::outputDebugPixel:
+    case Parameter::outputDebugFlag:
+        writePixels(Raster::Point::output, parameter == Parameter::outputDebugFlag, value);
+        break;
+    default:
+        break;
+    }
+}
+
+bool Station::isInputOn(Raster::Point point) const {
+    constexpr Parameter modes[] = {Parameter::cameraDebugMode, Parameter::bufferDebugMode,
+                                   Parameter::outputDebugMode};
+    return (countOf(m_board.value(modes[static_cast<std::size_t>(point)])) & 1U) != 0;
+}
+
+void Station::writePixels(Raster::Point point, bool isFlag, std::uint64_t value) {
+    Injection& injection = m_injections[static_cast<std::size_t>(point)];
+    if (!isInputOn(point))
+        injection.clear();
+    else if (!isFlag)
+        injection.writePixel(value);
+    else if (value != 1)
+        injection.endLine();
+    else
+        inject(injection.endFrame());
+}
+
+bool Station::insert(const std::shared_ptr<const Raster>& raster, std::uint32_t first, std::uint32_t lines) {
+    const std::shared_ptr<Record> record = m_engine.newRecord();
+    record->raster = raster;
+    record->lines = lines;
+    record->runs.push_back({SourceLine{.y = first, .height = raster->height}, lines});
+    return m_engine.insert(record);
+}
+
+bool Station::inject(const std::shared_ptr<const Raster>& raster) {
+    if (raster == nullptr || !raster->isSound() || !isInputOn(raster->point) || !isRunning()) return false;
+    readBoard();
+    if (raster->point != Raster::Point::camera) return insert(raster, 0, raster->height);
+    const std::uint32_t offset = std::min(countOf(m_board.value(Parameter::yOffset)), raster->height);
+    const std::uint32_t length =
+        std::min(countOf(m_board.value(Parameter::yLength)), raster->height - offset);
+    const std::uint32_t height = std::max(countOf(m_board.value(Parameter::imageHeight)), 1U);
+    for (std::uint32_t done = 0; done < length;) {
+        const std::uint32_t lines = std::min(height, length - done);
+        if (!insert(raster, offset + done, lines)) return false;
+        done += lines;
+    }
+    return length > 0;
+}
+
+void Station::setDmaRate(std::uint64_t bytesPerSecond) {
+    m_dmaRate = bytesPerSecond;
+    m_revision.reset();
+}
+
+bool Station::start(std::shared_ptr<HostMemory> memory, std::int64_t pictures) {
+    if (memory == nullptr || transferLength() > memory->frameBytes()) return false;
+    readBoard();
+    memory->clear();
+    m_memory = std::move(memory);
+    m_pictures = std::max(pictures, std::int64_t{0});
+    m_engine.acquire(m_memory.get(), static_cast<std::uint64_t>(m_pictures));
+    return true;
+}
+
+void Station::stop() { m_engine.stop(); }
+
+void Station::detach(const HostMemory& memory) {
+    if (m_memory.get() != &memory) return;
+    stop();
+    m_memory.reset();
+}
+
+Station::Wait Station::waitForPicture(std::int64_t picture, Tick timeout) {
+    if (picture <= lastPicture()) return Wait::arrived;
+    if (!isRunning() || (m_pictures > 0 && picture > m_pictures)) return Wait::notRunning;
+    run(timeout, static_cast<std::uint64_t>(picture));
+    return picture <= lastPicture() ? Wait::arrived : Wait::timeout;
+}
+
+bool Station::release(std::int64_t picture) {
+    if (m_memory == nullptr || !m_memory->release(picture)) return false;
+    m_engine.resume();
+    return true;
+}
+
+std::uint64_t Station::transferLength() const {
+    const Layout layout = readEngineSettings(m_board, m_dmaRate).layout;
+    return layout.bytesPerLine * std::max(countOf(m_board.value(Parameter::imageHeight)), 1U);
+}
+
+Trace Station::trace(std::uint8_t select, Tick from, Tick to) const {
+    return m_engine.signals().trace(Route{select, false}, from, std::min(to, now()));
+}
+
+Trace Station::outputTrace(std::size_t output, Tick from, Tick to) const {
+    return m_engine.signals().trace(readOutput(m_board, output), from, std::min(to, now()));
+}
+
+Losses Station::losses() {
+    return {.images = m_engine.buffer().lostImages(),
+            .triggers = m_engine.trigger().ignored(),
+            .pulses = m_engine.exSync().lostPulses(),
+            .cameraTriggers = m_engine.simulator().lostTriggers(),
+            .events = m_engine.events().dropped()};
+}
+
+std::uint32_t Station::cameraStatus() const {
+    const Signals& signals = m_engine.signals();
+    const bool bits[] = {countOf(m_board.value(Parameter::simulatorSource)) == 1, signals.level(lineValid),
+                         signals.level(frameValid), signals.level(readOutput(m_board, 0)),
+                         m_engine.trigger().level()};
+    std::uint32_t status = 0;
+    for (std::size_t bit = 0; bit < std::size(bits); ++bit)
+        status |= std::uint32_t{bits[bit]} << bit;
+    return status;
+}
+
+void Station::publishAnalyzers() {
+    constexpr std::uint64_t pulseMask = 0xffff'ffff;
+    constexpr std::uint64_t differenceMask = 0x1'ffff'ffff;
+    constexpr Parameter first[] = {Parameter::analyzer0Current, Parameter::analyzer1Current};
+    for (std::size_t number = 0; number < 2; ++number) {
+        const Analyzer& analyzer = m_engine.analyzer(number);
+        const auto place = static_cast<std::size_t>(first[number]);
+        const Tick periods[] = {analyzer.current(), analyzer.maximum(), analyzer.minimum()};
+        for (std::size_t i = 0; i < 3; ++i)
+            m_board.publish(static_cast<Parameter>(place + i),
+                            static_cast<double>(periods[i]) / ticksPerMicrosecond);
+        m_board.publish(static_cast<Parameter>(place + 3), static_cast<double>(analyzer.edges() & pulseMask));
+    }
+    const std::uint64_t difference = m_engine.analyzer(0).edges() - m_engine.analyzer(1).edges();
+    m_board.publish(Parameter::analyzerDifference, static_cast<double>(difference & differenceMask));
+}
+
+void Station::publish() {
+    publishAnalyzers();
+    m_board.publish(Parameter::inputStatus, m_engine.inputs().status());
+    m_board.publish(Parameter::imageIsBusy, m_engine.trigger().isBusy() ? 1 : 0);
+    m_board.publish(Parameter::encoderCount, m_engine.encoder().count());
+    const double level = fillLevel();
+    for (const Parameter parameter : {Parameter::fillLevel0, Parameter::fillLevel1, Parameter::fillLevel2})
+        m_board.publish(parameter, level);
+    for (std::size_t i = 0; i < eventCount; ++i) {
+        const auto event = static_cast<Event>(i);
+        const std::uint64_t times = m_engine.events().takeCount(event);
+        if (times == 0) continue;
+        m_board.raise(event, times);
+        if (event == Event::overflow) m_board.publish(Parameter::overflowOccurred, 1);
+    }
+}
+
+} // namespace station

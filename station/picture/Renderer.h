@@ -1,0 +1,39 @@
+/** Makes the bytes of a picture from its record, and from nothing else. */
+#ifndef STATION_PICTURE_RENDERER_H
+#define STATION_PICTURE_RENDERER_H
+
+#include "station/picture/Components.h"
+#include "station/picture/PictureSettings.h"
+#include "station/timing/Record.h"
+
+#include <cstdint>
+#include <memory>
+#include <span>
+
+namespace station {
+
+/** One thread at a time; each thread may have its own. It keeps the tables of the last picture for the next one. */
+class Renderer {
+public:
+    /** Writes record.bytes() bytes. False, and nothing is written, if there is no room for them or the record has no
+     *  settings. */
+    bool render(const Record& record, std::span<std::uint8_t> out);
+
+private:
+    void prepare(const Record& record);
+    void drawLine(const SourceLine& line, std::uint8_t* out) const;
+    void drawRaster(const Raster& raster, std::uint32_t y, std::uint8_t* out) const;
+    template <typename PixelAt>
+    void drawPixels(std::uint32_t width, PixelAt pixelAt, std::uint8_t* out) const;
+
+    std::shared_ptr<const PictureSettings> m_settings; // that the tables were made for
+    std::shared_ptr<const Tables> m_lookup;
+    std::unique_ptr<Components> m_components;
+};
+
+/** The value of a pixel of the simulator. */
+std::uint32_t patternValue(const Pattern& pattern, std::uint32_t x, std::uint32_t y, std::uint32_t frame);
+
+} // namespace station
+
+#endif

@@ -1,0 +1,108 @@
+/** The DRAM buffer and the DMA behind it: when images leave, and which are lost. */
+#ifndef STATION_TIMING_BUFFER_H
+#define STATION_TIMING_BUFFER_H
+
+#include "station/timing/Record.h"
+#include "station/timing/Tick.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <memory>
+
+namespace station {
+
+/** Where pictures go. */
+class Destination {
+public:
+    /** Whether there is a free place for a picture. */
+    virtual bool hasRoom() const = 0;
+    virtual void deliver(std::shared_ptr<const Record> record) = 0;
+
+protected:
+    ~Destination() = default;
+};
+
+class Buffer {
+public:
+    /** The buffer keeps no more images than this, however small they are. */
+    static constexpr std::size_t mostImages = 16384;
+
+    struct Settings {
+        std::uint64_t capacity = 0;       // words
+        std::uint64_t bytesPerSecond = 0; // of the DMA; 0 stops it
+    };
+
+    void configure(const Settings& settings) { m_settings = settings; }
+
+    /** The acquisition starts: nothing is stored, and images of the selector count from 0. It ends after so many
+     *  pictures; 0: never. */
+    void start(Destination* destination, std::uint64_t pictures);
+    /** Ends the acquisition and frees everything. */
+    void stop();
+    /** An image begins. */
+    void open(std::shared_ptr<Record> record);
+    /** A line of it has arrived. False if it does not fit: the image is lost, and what was stored of it is freed. */
+    bool store(Tick tick);
+    /** Frees what was stored of the image. */
+    void drop();
+    /** The image has all its lines. */
+    void close(Tick tick);
+    /** Puts in a complete image that takes no room. False if an image is growing, or there is no place for it. */
+    bool insert(std::shared_ptr<Record> record, Tick tick);
+
+    /** When the next image has left as a whole. */
+    Tick next() const { return m_next; }
+    void run(Tick tick);
+    /** A place for a picture became free. */
+    void resume(Tick tick);
+
+    bool isOpen() const { return m_isOpen; }
+    /** In percent, rounded down. */
+    std::uint32_t fillLevel(Tick tick);
+    std::uint64_t lostImages() const { return m_lostImages; }
+    bool isDone() const { return m_destination == nullptr; }
+    /** Pictures since the start. */
+    std::uint64_t delivered() const { return m_delivered; }
+
+private:
+    struct Image {
+        std::shared_ptr<Record> record;
+        std::uint64_t stored = 0; // lines
+        std::uint64_t left = 0;   // of them
+        bool isComplete = false;
+        Tick available = 0;           // when the first line could leave
+        std::uint64_t lostBefore = 0; // images between the one before and this
+        // Once it is on its way:
+        bool hasBegun = false;
+        bool isPassed = false;       // by the selector, and its format not silenced
+        std::uint64_t numerator = 1; // ticks for a line, over m_denominator
+    };
+
+    bool begin(Image& image);
+    void drain(Tick tick);
+    Tick end(const Image& image) const;
+    void findNext();
+    void clear();
+
+    Settings m_settings;
+    Destination* m_destination = nullptr;
+    std::deque<Image> m_images; // the first is on its way out
+    bool m_isOpen = false;      // the last is still growing
+    std::uint64_t m_used = 0;   // words
+    std::uint64_t m_left = 0;   // images, for the selector
+    // When the line that left last had left: m_free + m_rest / m_denominator.
+    Tick m_free = 0;
+    std::uint64_t m_rest = 0;
+    std::uint64_t m_denominator = 1;
+    Tick m_next = never;
+    std::uint64_t m_lostImages = 0;
+    std::uint64_t m_lostBefore = 0;   // since the last image
+    std::uint64_t m_lostOnTheWay = 0; // before images that went nowhere
+    std::uint64_t m_delivered = 0;
+    std::uint64_t m_wanted = 0;
+};
+
+} // namespace station
+
+#endif

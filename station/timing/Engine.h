@@ -1,0 +1,165 @@
+/**
+ * The timing engine: takes the edges, lines and images of the station in the order of their ticks.
+ *
+ * Its cost grows with the number of events, never with the time between them. Within a tick it takes in turn: ends of
+ * pulses of one tick, the end of a line, the inputs, image trigger, line trigger, ExSync, camera trigger, the start of
+ * a line, the DMA. So an image that starts in the tick of a line takes this line, and one that ends does not.
+ */
+#ifndef STATION_TIMING_ENGINE_H
+#define STATION_TIMING_ENGINE_H
+
+#include "station/timing/Analyzer.h"
+#include "station/timing/Buffer.h"
+#include "station/timing/Encoder.h"
+#include "station/timing/Events.h"
+#include "station/timing/ExSync.h"
+#include "station/timing/Flash.h"
+#include "station/timing/ImageTrigger.h"
+#include "station/timing/Inputs.h"
+#include "station/timing/Signals.h"
+#include "station/timing/Simulator.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+namespace station {
+
+/** A wire of the trigger core, with its polarity. */
+struct Wire {
+    enum class Source : std::uint8_t { inputA, inputB, image, software, none };
+    Source source = Source::none;
+    bool isInverted = false;
+};
+
+/** All that the engine is set to. */
+struct EngineSettings {
+    Simulator::Settings simulator;
+    ExSync::Settings exsync;
+    Encoder::Settings encoder;
+    std::uint32_t downscale = 1;
+    std::uint32_t phase = 1;
+    Inputs::Settings inputs;
+    std::uint8_t inputA = 0;
+    std::uint8_t inputB = 0;
+    Wire lineA, lineB, image;
+    bool softwareLevel = false;
+    ImageTrigger::Settings trigger;
+    Flash::Settings flash;
+    Buffer::Settings buffer;
+    std::array<Route, tapCount> routes;
+    bool areAnalyzersHeld = false; // cleared, and not counting
+    Layout layout;
+    std::shared_ptr<const PictureSettings> picture;
+    std::shared_ptr<const Tables> tables;
+};
+
+class Engine final : TapHandler, ImageHandler {
+public:
+    Engine() = default;
+    Engine(const Engine&) = delete;
+    Engine& operator=(const Engine&) = delete;
+
+    /** What is set now. It acts from the next tick on. */
+    void configure(const EngineSettings& settings);
+    /** Lets time move to `target`, or to the tick in which the acquisition has delivered so many pictures, or until
+     *  `events` ticks with something in them have passed, whatever comes first. */
+    void run(Tick target, std::uint64_t pictures, std::uint64_t events);
+    /** All until this tick has happened. */
+    Tick now() const { return m_now; }
+    /** The first tick that has not: writes act there. */
+    Tick from() const { return m_from; }
+    bool hasRun() const { return m_hasRun; }
+
+    /** Connects a wave to an input, and its second track to another. False if there is no such input. */
+    bool connect(std::size_t input, const Wave& wave, std::size_t second = inputCount);
+    /** A pulse of one tick on the software wire. */
+    void pulseSoftware();
+    void clearAnalyzers();
+    void setEncoderCount(std::uint32_t count) { m_encoder.setCount(count); }
+
+    /** Starts an acquisition, which ends after so many pictures; 0: never. One that runs ends. */
+    void acquire(Destination* destination, std::uint64_t pictures);
+    /** Ends the acquisition. What was stored of images is dropped. */
+    void stop();
+    bool isAcquiring() const { return !m_buffer.isDone(); }
+    /** A place for a picture became free. */
+    void resume() { m_buffer.resume(m_from); }
+    /** Images of the source no longer reach the buffer, or do again. */
+    void cutSource(bool isCut);
+    /** An image of nothing but pixels. False if it cannot be taken now. */
+    bool insert(std::shared_ptr<Record> record);
+    /** A record with all that holds now, and no line. */
+    std::shared_ptr<Record> newRecord() const;
+
+    const Signals& signals() const { return m_signals; }
+    Events& events() { return m_events; }
+    const Inputs& inputs() const { return m_inputs; }
+    const Encoder& encoder() const { return m_encoder; }
+    const Analyzer& analyzer(std::size_t number) const { return m_analyzers[number]; }
+    const ImageTrigger& trigger() const { return m_trigger; }
+    const ExSync& exSync() const { return m_exsync; }
+    const Simulator& simulator() const { return m_simulator; }
+    Buffer& buffer() { return m_buffer; }
+    std::uint64_t lines() const { return m_lines; }
+
+private:
+    // TapHandler
+    void rises(Tap tap, Tick tick) override;
+    // ImageHandler
+    void rangeStarts(Tick tick, std::uint64_t lines) override;
+    void gateFalls() override;
+    void imageStarts(Tick tick) override;
+    void imageEnds(Tick tick, bool isShort) override;
+
+    void begin();
+    Tick nextTick() const;
+    void runTick(Tick tick);
+    bool runSoftware(Tick tick);
+    void followWires(Tick tick);
+    bool level(const Wire& wire) const;
+    void startLine(Tick tick);
+    void endLine(Tick tick);
+    void setFrame(bool isValid, Tick tick);
+    void endAcquisition();
+    void showFlash(Tick tick) { m_signals.set(flash, m_flash.level(), tick); }
+
+    static constexpr std::uint32_t mostSoftwarePulses = 1U << 20;
+
+    EngineSettings m_settings;
+    Signals m_signals{*this};
+    Events m_events;
+    Inputs m_inputs{m_signals, m_events};
+    Encoder m_encoder;
+    Downscaler m_downscaler;
+    ExSync m_exsync{m_signals};
+    Flash m_flash;
+    Simulator m_simulator;
+    ImageTrigger m_trigger{*this};
+    Buffer m_buffer;
+    std::array<Analyzer, 2> m_analyzers;
+
+    bool m_hasRun = false;
+    Tick m_now = 0;
+    Tick m_from = 0;
+    Tick m_wake = 0;                 // the tick after a change of the settings
+    std::uint32_t m_cameraEdges = 0; // of the camera trigger that wait for the source
+    // The software wire: pulses to come, each a tick high and a tick low.
+    std::uint32_t m_softwarePulses = 0;
+    bool m_isSoftwareHigh = false;
+    Tick m_softwareTick = never;
+    // The line in transfer.
+    SourceLine m_line;
+    Tick m_lineEnd = never;
+    bool m_isLineStored = false;
+    std::uint64_t m_lines = 0;
+    // The image in progress, unless it was lost.
+    std::shared_ptr<Record> m_record;
+    std::uint64_t m_triggers = 0; // starts
+    bool m_isSourceCut = false;
+};
+
+} // namespace station
+
+#endif

@@ -1,0 +1,30 @@
+#include "station/timing/Record.h"
+
+namespace station {
+
+SourceLine LineRun::line(std::uint32_t number) const {
+    const std::uint64_t place = std::uint64_t{first.y} + number;
+    SourceLine line = first;
+    line.y = static_cast<std::uint32_t>(place % first.height);
+    line.frame = first.frame + static_cast<std::uint32_t>(place / first.height);
+    return line;
+}
+
+bool LineRun::isFollowedBy(const SourceLine& next) const {
+    if (next.height != first.height || next.cycles != first.cycles) return false;
+    const SourceLine expected = line(count);
+    return next.y == expected.y && next.frame == expected.frame;
+}
+
+bool Record::add(const SourceLine& line) {
+    if (!runs.empty() && runs.back().isFollowedBy(line)) {
+        ++runs.back().count;
+    } else {
+        if (runs.size() == mostRuns) return false;
+        runs.push_back({line, 1});
+    }
+    ++lines;
+    return true;
+}
+
+} // namespace station

@@ -1,0 +1,182 @@
+#include "station/timing/Wave.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace station {
+namespace {
+
+constexpr std::int64_t unitsOfStep = 2 * static_cast<std::int64_t>(ticksPerSecond);
+constexpr std::int32_t largestSpeed = 10'000'000;
+constexpr Tick longestPiece = Tick{1} << 40;
+
+/** Track A is high after the first and second quarter of a period, B after the second and third. */
+unsigned tracks(std::int64_t step) {
+    constexpr unsigned levels[] = {0, 1, 3, 2};
+    return levels[static_cast<std::uint64_t>(step) % 4];
+}
+
+} // namespace
+
+Wave Wave::constant(bool level) {
+    Wave wave;
+    wave.m_levels = level ? 1 : 0;
+    return wave;
+}
+
+Wave Wave::square(Tick rise, Tick period, Tick high) {
+    if (period == 0 || high == 0) return constant(false);
+    if (high >= period) return constant(true);
+    Wave wave;
+    wave.m_kind = Kind::square;
+    wave.m_next = rise;
+    wave.m_period = period;
+    wave.m_high = high;
+    return wave;
+}
+
+Wave Wave::edges(bool level, const std::vector<Edge>& edges) {
+    Wave wave = constant(level);
+    wave.m_kind = Kind::edges;
+    for (const Edge& edge : edges) {
+        const Tick tick = std::min(edge.tick, lastTick);
+        while (!wave.m_edges.empty() && wave.m_edges.back().tick >= tick)
+            wave.m_edges.pop_back();
+        wave.m_edges.push_back({tick, edge.level});
+    }
+    if (!wave.m_edges.empty()) wave.m_next = wave.m_edges.front().tick;
+    return wave;
+}
+
+Wave Wave::encoder(Tick start, std::vector<SpeedPiece> pieces) {
+    Wave wave;
+    wave.m_kind = Kind::encoder;
+    wave.m_start = std::min(start, lastTick);
+    for (SpeedPiece& piece : pieces) {
+        piece.ticks = std::min(piece.ticks, longestPiece);
+        piece.from = std::clamp(piece.from, -largestSpeed, largestSpeed);
+        piece.to = std::clamp(piece.to, -largestSpeed, largestSpeed);
+    }
+    std::erase_if(pieces, [](const SpeedPiece& piece) { return piece.ticks == 0; });
+    if (!pieces.empty()) pieces.push_back({0, pieces.back().to, pieces.back().to}); // for ever
+    wave.m_pieces = std::move(pieces);
+    wave.m_place = unitsOfStep / 2;
+    if (wave.m_pieces.empty()) return wave;
+    wave.nextPiece();
+    wave.findStep(0);
+    return wave;
+}
+
+void Wave::begin(Tick from) {
+    if (m_next >= from) return;
+    if (m_kind == Kind::encoder) {
+        const Tick ahead = m_next - m_start;
+        m_start = std::max(m_start, from);
+        m_next = later(m_start, ahead);
+        return;
+    }
+    if (m_kind == Kind::square)
+        m_next += (from - m_next) / m_period * m_period; // a rise, at `from` or before
+    while (m_next < from)
+        step();
+}
+
+void Wave::step() {
+    if (m_next == never) return;
+    switch (m_kind) {
+    case Kind::constant:
+        break;
+    case Kind::square:
+        m_levels ^= 1U;
+        m_next = later(m_next, m_levels != 0 ? m_high : m_period - m_high);
+        break;
+    case Kind::edges:
+        m_levels = m_edges[m_edge].level ? 1 : 0;
+        m_next = ++m_edge < m_edges.size() ? m_edges[m_edge].tick : never;
+        break;
+    case Kind::encoder:
+        m_steps += m_isStepForward ? 1 : -1;
+        m_levels = tracks((m_levels == 3 ? 2 : m_levels == 2 ? 3 : m_levels) + (m_isStepForward ? 1 : 3));
+        findStep(m_next - m_start);
+        break;
+    }
+}
+
+void Wave::nextPiece() {
+    const SpeedPiece past = m_present;
+    const Place way = (Place{past.from} + past.to) * static_cast<Place>(past.ticks);
+    m_place = static_cast<std::int64_t>(m_place + way - Place{m_steps} * unitsOfStep);
+    m_steps = 0;
+    m_start = later(m_start, past.ticks);
+    m_present = m_pieces[m_piece++];
+    const std::int64_t from = m_present.from;
+    const std::int64_t to = m_present.to;
+    m_turn = m_present.ticks > 0 ? m_present.ticks : never;
+    if ((from < 0 && to > 0) || (from > 0 && to < 0)) {
+        const auto speed = static_cast<std::uint64_t>(from < 0 ? -from : from);
+        const auto change = static_cast<std::uint64_t>(from < 0 ? to - from : from - to);
+        m_turn = static_cast<Tick>(Wide{m_present.ticks} * speed / change);
+    }
+}
+
+/** Whether the next step in this direction is done so many ticks after the start of the piece. */
+bool Wave::isStepDone(Tick ticks, bool isForward) const {
+    const Place time = static_cast<Place>(ticks);
+    const Place length = m_present.ticks > 0 ? static_cast<Place>(m_present.ticks) : 1;
+    const Place from = m_present.from;
+    const Place ramp = m_present.to - from;
+    const Place place = (m_place + 2 * from * time) * length + ramp * time * time;
+    const Place goal = (Place{m_steps} + (isForward ? 1 : 0)) * unitsOfStep * length;
+    return isForward ? place >= goal : place <= goal;
+}
+
+/** Looks for the next step after `after` in a stretch without a turn that ends at `end`. */
+bool Wave::findStepWithin(Tick after, Tick end, bool isForward) {
+    if (after >= end) return false;
+    Tick low = after; // not done yet, or not looked at
+    Tick high = end;
+    if (m_present.from == m_present.to) { // at an even speed the place is known
+        if (m_present.from == 0) return false;
+        const Place goal = (Place{m_steps} + (isForward ? 1 : 0)) * unitsOfStep;
+        const Place way = isForward ? goal - m_place : m_place - goal;
+        const Place speed = 2 * Place{isForward ? m_present.from : -m_present.from};
+        const Place time = way <= 0 ? 0 : (way + speed - 1) / speed;
+        if (time > static_cast<Place>(end)) return false;
+        high = std::max(static_cast<Tick>(time), after + 1);
+    } else {
+        if (!isStepDone(end, isForward)) return false;
+        // About as far as the step before, if that is not too far; then gallop, then halve.
+        if (m_stride > 2 && m_stride - 2 < end - low && !isStepDone(low + m_stride - 2, isForward))
+            low += m_stride - 2;
+        for (Tick stride = 1; stride < end - low; stride *= 2) {
+            if (isStepDone(low + stride, isForward)) {
+                high = low + stride;
+                break;
+            }
+            low += stride;
+        }
+        while (high - low > 1) {
+            const Tick middle = low + (high - low) / 2;
+            (isStepDone(middle, isForward) ? high : low) = middle;
+        }
+    }
+    m_isStepForward = isForward;
+    m_stride = high - after;
+    m_next = later(m_start, high);
+    return true;
+}
+
+void Wave::findStep(Tick after) {
+    while (true) {
+        const bool isForward = m_present.from > 0 || (m_present.from == 0 && m_present.to > 0);
+        const Tick end = m_present.ticks > 0 ? m_present.ticks : lastTick;
+        if (findStepWithin(after, std::min(m_turn, end), isForward)) return;
+        if (m_turn < end && findStepWithin(std::max(after, m_turn), end, !isForward)) return;
+        if (m_present.ticks == 0) break;
+        nextPiece();
+        after = 0;
+    }
+    m_next = never;
+}
+
+} // namespace station

@@ -1,0 +1,56 @@
+#include "support/station_board.h"
+
+#include <sstream>
+
+namespace station {
+
+void Values::read() {
+    std::istringstream words(m_text);
+    for (std::string word; words >> word;) {
+        const std::size_t sign = word.find('=');
+        const std::string end = "_" + word.substr(0, sign);
+        int found = 0;
+        for (std::size_t i = 0; i < parameterCount; ++i) {
+            const auto parameter = static_cast<Parameter>(i);
+            if (!std::string(nameOf(parameter)).ends_with(end)) continue;
+            m_values.emplace_back(parameter, std::stod(word.substr(sign + 1)));
+            ++found;
+        }
+        EXPECT_EQ(found, 1) << word;
+    }
+}
+
+void StationTest::play(const std::string& writes) {
+    std::istringstream all(writes);
+    for (std::string one; std::getline(all, one, ',');) {
+        std::istringstream words(one);
+        Tick tick = 0;
+        std::string what;
+        words >> tick >> what;
+        if (tick > station.now()) station.advance(tick - station.now());
+        if (what == "pulse") what = "SoftwareTrgPulse=1";
+        if (what == "high") what = "SoftwareTrgInput=1";
+        if (what == "low") what = "SoftwareTrgInput=0";
+        const Values values(what.c_str());
+        for (const auto& [parameter, value] : values.all())
+            write(parameter, value);
+    }
+}
+
+ValueBoard::ValueBoard() {
+    set("Enable_SelectSource=1 Size_ImageWidth=32 LineGap_Number=32 Size_ImageHeight=8 FrameGap_Number=8 "
+        "ControlPixelClock_Mode=1 ActivePixel_Number=1 Enable_Value=1 Y_Divisor=256 Offset_Value=0 "
+        "FreeRun_Select=1 TriggerValve_Mode=2 GreenComponent=1 BlueComponent=2 "
+        "SequenceLength_ImageWidth=12207 ExsyncPeriod=200 ExsyncExposure=19 Frame_Divisor=256 ExsyncEnable=1 "
+        "LineTrgInSourceB=1 ImgTrgInSource=2 LineTrgInSourceA_Input_Select=1 LineTrgInSourceB_Input_Select=2 "
+        "ImgTrgInSource_Input_Select=0 Prescale_Period=6 LineTrgDownscaler=1 LineTrgPhase=1 EncoderCompensation=1 "
+        "ImgTriggerEnable=1 ImgTrgDebouncingTime=0.112 YLength=8 ImageHeight_ImageHeight=8 FlashEnable=1 "
+        "SensorWidth=1024 XLength=1024 PixelFormat=8 RamAddressWidth=20 RamDataWidth=512 "
+        "PcieCurrentLinkSpeed=3.725 PERIOD_Divisor=1 RedCoefficient=1 GreenCoefficient=1 BlueCoefficient=1 "
+        "Shift_Value=8 Convert1_VirtualTrash_EnableTrash_Value=1 Convert2_VirtualTrash_EnableTrash_Value=1 "
+        "Convert3_VirtualTrash_EnableTrash_Value=1 SelectTrigger_SelectSignal_Select=1 "
+        "Analyzer0_Select_SelectSignal_Select=1 Analyzer1_Select_SelectSignal_Select=33 "
+        "SelectCustomSignalEvent0_SelectSignal_Select=1 SelectCustomSignalEvent1_SelectSignal_Select=3");
+}
+
+} // namespace station

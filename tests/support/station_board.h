@@ -1,0 +1,133 @@
+/** A board of nothing but values, and a station on it, for the tests of the station. */
+#ifndef TESTS_SUPPORT_STATION_BOARD_H
+#define TESTS_SUPPORT_STATION_BOARD_H
+
+#include "station/Station.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <initializer_list>
+#include <map>
+#include <memory>
+#include <ostream>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace station {
+
+using P = Parameter;
+/** Values of parameters, as "YLength=4 ImageHeight=2": a parameter goes by the end of its name in the design. */
+class Values {
+public:
+    Values() = default;
+    Values(const char* text) : m_text(text) { read(); }
+    Values(std::initializer_list<std::pair<Parameter, double>> values) : m_values(values) {}
+
+    const std::vector<std::pair<Parameter, double>>& all() const { return m_values; }
+    friend Values operator+(Values first, const Values& second) {
+        first.m_text += " " + second.m_text;
+        first.m_values.insert(first.m_values.end(), second.m_values.begin(), second.m_values.end());
+        return first;
+    }
+    friend std::ostream& operator<<(std::ostream& stream, const Values& values) {
+        return stream << values.m_text;
+    }
+
+private:
+    void read();
+
+    std::string m_text;
+    std::vector<std::pair<Parameter, double>> m_values;
+};
+
+class ValueBoard final : public Board {
+public:
+    /** As the applet leaves a board after its start, but with the simulator on. */
+    ValueBoard();
+
+    void set(const Values& values) {
+        for (const auto& [parameter, value] : values.all())
+            m_values[static_cast<std::size_t>(parameter)] = value;
+        ++m_revision;
+    }
+    void setTable(Colour colour, std::vector<std::uint32_t> entries) {
+        m_tables[static_cast<std::size_t>(colour)] = std::move(entries);
+        ++m_tableRevision;
+    }
+    std::uint64_t raised(Event event) const {
+        const auto found = m_raised.find(event);
+        return found != m_raised.end() ? found->second : 0;
+    }
+
+    std::uint64_t revision() const override { return m_revision; }
+    std::uint64_t tableRevision() const override { return m_tableRevision; }
+    double value(Parameter parameter) const override { return m_values[static_cast<std::size_t>(parameter)]; }
+    std::span<const std::uint32_t> table(Colour colour) const override {
+        return m_tables[static_cast<std::size_t>(colour)];
+    }
+    void publish(Parameter parameter, double value) override {
+        m_values[static_cast<std::size_t>(parameter)] = value;
+    }
+    void raise(Event event, std::uint64_t times) override { m_raised[event] += times; }
+
+private:
+    std::array<double, parameterCount> m_values{};
+    std::array<std::vector<std::uint32_t>, colourCount> m_tables;
+    std::map<Event, std::uint64_t> m_raised;
+    std::uint64_t m_revision = 1;
+    std::uint64_t m_tableRevision = 1;
+};
+
+class StationTest : public testing::Test {
+protected:
+    StationTest() = default;
+    explicit StationTest(const Values& values) { board.set(values); }
+
+    double value(Parameter parameter) const { return board.value(parameter); }
+    /** "0 +10 -20": low at first, high from tick 10 on, low again from 20 on. */
+    std::string trace(std::uint8_t select, Tick from, Tick to) const {
+        return text(station.trace(select, from, to));
+    }
+    static std::string text(const Trace& trace) {
+        std::string text = trace.level ? "1" : "0";
+        for (const Edge& edge : trace.edges)
+            text += (edge.level ? " +" : " -") + std::to_string(edge.tick);
+        return text;
+    }
+    void write(Parameter parameter, double number) {
+        board.set({{parameter, number}});
+        station.write(parameter, static_cast<std::uint64_t>(number));
+    }
+    /** Starts an acquisition into a ring of frames that are large enough for everything. */
+    void acquire(std::size_t frames = 64, HostMemory::Kind kind = HostMemory::Kind::ring,
+                 std::int64_t pictures = 0) {
+        memory = std::make_shared<HostMemory>(frames, 1U << 24, kind);
+        ASSERT_TRUE(station.start(memory, pictures));
+    }
+    /** Ticks of the first and the last line of a picture, and its lines: "0-32 2 short". */
+    std::string picture(std::int64_t number) const {
+        const auto record = memory->record(number);
+        if (record == nullptr) return "none";
+        return std::to_string(record->firstLine) + "-" + std::to_string(record->lastLine) + " " +
+               std::to_string(record->lines) + (record->isShort ? " short" : "");
+    }
+    /** All of them, "0-32 2, 64-96 2". */
+    std::string pictures() {
+        std::string all;
+        for (std::int64_t number = 1; number <= station.lastPicture(); ++number)
+            all += (number > 1 ? ", " : "") + picture(number);
+        return all;
+    }
+    /** Writes as "150 pulse, 350 high, 600 low, 900 YLength=3": a software trigger, its level, or any parameter. */
+    void play(const std::string& writes);
+
+    ValueBoard board;
+    Station station{board};
+    std::shared_ptr<HostMemory> memory;
+};
+
+} // namespace station
+
+#endif
