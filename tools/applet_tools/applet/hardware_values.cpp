@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace appletctl {
+namespace applet_tools {
 namespace {
 
 enum class Counting {
@@ -101,4 +101,4 @@ std::string requestedAndActual(const Parameter& parameter, const Value& requeste
     return "";
 }
 
-} // namespace appletctl
+} // namespace applet_tools

@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-namespace appletctl {
+namespace applet_tools {
 
 /** Numbers and entries in their order as ranks: the next number has the next rank. */
 std::uint64_t rankOf(const Value& number);
@@ -81,6 +81,6 @@ private:
     int m_depth = 0; // of looks within looks
 };
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif
