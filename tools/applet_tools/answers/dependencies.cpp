@@ -9,7 +9,7 @@
 #include <set>
 #include <utility>
 
-namespace appletctl {
+namespace applet_tools {
 namespace {
 
 using nlohmann::ordered_json;
@@ -133,7 +133,7 @@ ordered_json asJson(const std::vector<Movement>& movements) {
     ordered_json rows = ordered_json::array();
     for (const auto& [parameter, with, move] : movements) {
         ordered_json row = {{"parameter", parameter}, {"with", with}};
-        row.update(appletctl::asJson(move));
+        row.update(applet_tools::asJson(move));
         rows.push_back(std::move(row));
     }
     return rows;
@@ -193,4 +193,4 @@ Dependencies askDependencies(LiveSession& live, const std::string& parameter, co
             movementsFrom(answer["moves"]), movementsFrom(answer["movedBy"]), answer["writes"].get<Words>()};
 }
 
-} // namespace appletctl
+} // namespace applet_tools

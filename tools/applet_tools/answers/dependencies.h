@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-namespace appletctl {
+namespace applet_tools {
 
 /** What one change of one parameter moved of another one: the first change that was seen to do it. */
 struct Movement {
@@ -40,6 +40,6 @@ nlohmann::ordered_json asJson(const Dependencies& dependencies);
 /** The job of a scratch board behind it: {"name": NAME, "with": [WORD, ...]}. */
 json dependenciesJob(ScratchSession& session, const json& arguments);
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

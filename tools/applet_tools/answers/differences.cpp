@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace appletctl {
+namespace applet_tools {
 namespace {
 
 bool isSame(const Parameter& parameter, const std::optional<std::string>& a,
@@ -130,4 +130,4 @@ std::vector<Difference> askDifferences(ScratchBoard& scratch, const std::vector<
     return differences;
 }
 
-} // namespace appletctl
+} // namespace applet_tools

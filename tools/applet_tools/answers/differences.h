@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-namespace appletctl {
+namespace applet_tools {
 
 /** One of the configurations. */
 struct Side {
@@ -40,6 +40,6 @@ std::vector<Difference> askDifferences(ScratchBoard& scratch, const std::vector<
  *  null stands for the defaults. Gives [{"parameter", "values", "document", "isNextCycle"}, ...]. */
 json differencesJob(ScratchSession& session, const json& arguments);
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

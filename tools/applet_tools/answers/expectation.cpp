@@ -8,7 +8,7 @@
 
 #include <set>
 
-namespace appletctl {
+namespace applet_tools {
 
 Expectation expectationOf(ScratchSession& session, const Words& assignments) {
     Expectation expected{json::object(), json::array()};
@@ -36,4 +36,4 @@ Expectation askExpectation(LiveSession& live, const Words& assignments) {
     return {answer["design"], answer["taken"]};
 }
 
-} // namespace appletctl
+} // namespace applet_tools

@@ -5,7 +5,7 @@
 #include "applet_tools/scratch/LiveSession.h"
 #include "applet_tools/scratch/ScratchSession.h"
 
-namespace appletctl {
+namespace applet_tools {
 
 struct Expectation {
     json design; /**< {NAME: NUMBER} of the numbers of the design that were written, as they are afterwards */
@@ -23,6 +23,6 @@ Expectation askExpectation(LiveSession& live, const Words& assignments);
 /** The job of a scratch board behind it: {"assignments": [WORD, ...]}: {"design", "taken"}. */
 json expectJob(ScratchSession& session, const json& arguments);
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

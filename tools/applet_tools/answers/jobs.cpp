@@ -12,7 +12,7 @@
 #include "applet_tools/scratch/influences.h"
 #include "applet_tools/scratch/refusal.h"
 
-namespace appletctl {
+namespace applet_tools {
 namespace {
 
 constexpr JobRow jobs[] = {
@@ -36,4 +36,4 @@ constexpr JobRow jobs[] = {
 
 std::span<const JobRow> libraryJobs() { return jobs; }
 
-} // namespace appletctl
+} // namespace applet_tools

@@ -6,11 +6,11 @@
 
 #include <span>
 
-namespace appletctl {
+namespace applet_tools {
 
 /** The jobs behind the ask... functions of this library. A program hands them to its LiveSession, with its own. */
 std::span<const JobRow> libraryJobs();
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

@@ -9,7 +9,7 @@
 #include <set>
 #include <utility>
 
-namespace appletctl {
+namespace applet_tools {
 namespace {
 
 using nlohmann::ordered_json;
@@ -305,4 +305,4 @@ std::vector<AcceptedValues> askAcceptedValues(LiveSession& live, const Words& na
     return answers;
 }
 
-} // namespace appletctl
+} // namespace applet_tools

@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-namespace appletctl {
+namespace applet_tools {
 
 /** What the setter answers to an entry of an enumeration. */
 struct EntryAnswer {
@@ -61,6 +61,6 @@ json limitsJob(ScratchSession& session, const json& arguments);
  *  "error", "differs", "published", "setBy", "fixed". */
 nlohmann::ordered_json asJson(const AcceptedValues& answer, const Parameter& parameter);
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

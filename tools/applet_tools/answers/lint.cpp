@@ -21,7 +21,7 @@
 #include <functional>
 #include <utility>
 
-namespace appletctl {
+namespace applet_tools {
 namespace {
 
 /** The state that is looked at, and what was found so far. */
@@ -539,4 +539,4 @@ Lint askLint(LiveSession& live, const std::string& file) {
     return found;
 }
 
-} // namespace appletctl
+} // namespace applet_tools

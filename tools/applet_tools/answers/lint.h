@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-namespace appletctl {
+namespace applet_tools {
 
 /** One doubtful thing. */
 struct LintFinding {
@@ -40,6 +40,6 @@ Lint askLint(LiveSession& live, const std::string& file);
 /** The job of a scratch board behind it: {"file": NAME}: {"loaded", "findings"}. */
 json lintJob(ScratchSession& session, const json& arguments);
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

@@ -15,7 +15,7 @@
 #include <string_view>
 #include <utility>
 
-namespace appletctl {
+namespace applet_tools {
 namespace {
 
 /** Why a load takes nothing from a file of this header; empty if the header is as it should be. */
@@ -340,4 +340,4 @@ LoadCheck askCheck(ScratchBoard& scratch, const std::string& file) {
     return check;
 }
 
-} // namespace appletctl
+} // namespace applet_tools

@@ -16,7 +16,7 @@
 #include <string_view>
 #include <vector>
 
-namespace appletctl {
+namespace applet_tools {
 
 /** A fresh instance of the applet, which is asked what files hold. There is no list of keys here: the keys are
  *  those that it saves, and one that a load fails without is one that a load reads. */
@@ -85,6 +85,6 @@ LoadCheck askCheck(ScratchBoard& scratch, const std::string& file);
 /** The job of a scratch board behind it: loads {"file": FILE}: {"findings", "code", "state"}. */
 json checkJob(ScratchSession& session, const json& arguments);
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

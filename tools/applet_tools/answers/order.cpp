@@ -9,7 +9,7 @@
 #include <algorithm>
 #include <set>
 
-namespace appletctl {
+namespace applet_tools {
 namespace {
 
 using Order = std::vector<std::size_t>; // places in the list of assignments
@@ -103,4 +103,4 @@ Ordering askOrder(LiveSession& live, const Words& assignments) {
     return {answer["isComplete"].get<bool>(), answer["words"].get<Words>(), answer["problems"].get<Words>()};
 }
 
-} // namespace appletctl
+} // namespace applet_tools

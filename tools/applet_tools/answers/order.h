@@ -5,7 +5,7 @@
 #include "applet_tools/scratch/LiveSession.h"
 #include "applet_tools/scratch/ScratchSession.h"
 
-namespace appletctl {
+namespace applet_tools {
 
 struct Ordering {
     bool isComplete = false; /**< all of them pass */
@@ -23,6 +23,6 @@ Ordering askOrder(LiveSession& live, const Words& assignments);
 /** The job of a scratch board behind it: {"assignments": [WORD, ...]}: {"isComplete", "words", "problems"}. */
 json orderJob(ScratchSession& session, const json& arguments);
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

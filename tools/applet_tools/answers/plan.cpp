@@ -9,7 +9,7 @@
 #include <set>
 #include <utility>
 
-namespace appletctl {
+namespace applet_tools {
 namespace {
 
 std::vector<ParameterState> factsOf(ScratchSession& session) {
@@ -128,4 +128,4 @@ FilePlan planFile(ScratchSession& session, const std::string& file) {
     return plan;
 }
 
-} // namespace appletctl
+} // namespace applet_tools

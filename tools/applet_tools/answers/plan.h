@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-namespace appletctl {
+namespace applet_tools {
 
 /** What a client sees of a parameter becomes another thing. */
 struct ParameterMove {
@@ -60,6 +60,6 @@ struct FilePlan {
 /** Loads the file into the scratch board, which is not put back. Throws UsageError when it cannot be read. */
 FilePlan planFile(ScratchSession& session, const std::string& file);
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

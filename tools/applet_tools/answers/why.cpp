@@ -5,7 +5,7 @@
 
 #include "vexo/fg_errors.h"
 
-namespace appletctl {
+namespace applet_tools {
 namespace {
 
 bool isWritable(std::uint32_t access) { return (access & REGISTER_ACCESS_WRITE) != 0; }
@@ -161,4 +161,4 @@ std::vector<WhyAnswer> askWhy(LiveSession& live, const Words& words, const Words
     return answers;
 }
 
-} // namespace appletctl
+} // namespace applet_tools

@@ -12,7 +12,7 @@
 #include <variant>
 #include <vector>
 
-namespace appletctl {
+namespace applet_tools {
 
 /** What the setter makes of an assignment. */
 struct RefusalAnswer {
@@ -55,6 +55,6 @@ std::vector<WhyAnswer> askWhy(LiveSession& live, const Words& words, const Words
 /** The job of a scratch board behind it: {"words": [WORD, ...], "with": [WORD, ...]}. */
 json whyJob(ScratchSession& session, const json& arguments);
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-namespace appletctl {
+namespace applet_tools {
 namespace {
 
 // The longer ones first.
@@ -200,4 +200,4 @@ bool Condition::holds(const Node& node, const Reading& reading) {
     return is.error == 0 && node.comparison.relation->holds(order(is.value, node.comparison.value));
 }
 
-} // namespace appletctl
+} // namespace applet_tools

@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-namespace appletctl {
+namespace applet_tools {
 
 /** An operator between two values. */
 struct Relation {
@@ -59,6 +59,6 @@ private:
     Node m_root;
 };
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

@@ -10,7 +10,7 @@
 
 #include <algorithm>
 
-namespace appletctl {
+namespace applet_tools {
 namespace {
 
 constexpr std::string_view portSection = "[Port A]";
@@ -150,4 +150,4 @@ std::string fileValueText(const Parameter& parameter, const std::string& text) {
     return shortened(value ? valueWithUnit(parameter, *value) : inQuotes(toUtf8(text.c_str())), mostBytes);
 }
 
-} // namespace appletctl
+} // namespace applet_tools

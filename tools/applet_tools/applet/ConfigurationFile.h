@@ -12,7 +12,7 @@
 #include <unordered_map>
 #include <vector>
 
-namespace appletctl {
+namespace applet_tools {
 
 /** The keys and values that a person sees in a file. A load ends a text at its first = ; or ' and a number at the first
  *  character that it cannot use. So what is read here and what the applet holds after a load may differ, and
@@ -83,6 +83,6 @@ bool isSameValue(const Parameter& parameter, const std::string& a, const std::st
 /** The value with symbol and unit; a text that is no value in quotes. */
 std::string fileValueText(const Parameter& parameter, const std::string& text);
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

@@ -4,7 +4,7 @@
 
 #include <cstddef>
 
-namespace appletctl {
+namespace applet_tools {
 
 struct Effort {
     std::size_t sets = 0;     /**< calls of setters, by writeValue */
@@ -18,6 +18,6 @@ inline Effort& effort() {
     return ofProcess;
 }
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

@@ -8,7 +8,7 @@
 #include <optional>
 #include <utility>
 
-namespace appletctl {
+namespace applet_tools {
 namespace {
 
 /** Why a bring-up failed, as far as the code tells. */
@@ -103,4 +103,4 @@ const RegisterInfo* Instance::parameterTree() {
     return root;
 }
 
-} // namespace appletctl
+} // namespace applet_tools

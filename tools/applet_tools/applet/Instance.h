@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-namespace appletctl {
+namespace applet_tools {
 
 /** The libraries that the options name. */
 applet_host::Locations locationsFor(const BoardOptions& options);
@@ -59,6 +59,6 @@ private:
     applet_host::GrabberHandle m_offline;
 };
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

@@ -7,7 +7,7 @@
 #include <map>
 #include <set>
 
-namespace appletctl {
+namespace applet_tools {
 namespace {
 
 struct ColourRow {
@@ -169,4 +169,4 @@ nlohmann::ordered_json statisticsAsJson(const LutTables& tables) {
     return document;
 }
 
-} // namespace appletctl
+} // namespace applet_tools

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-namespace appletctl {
+namespace applet_tools {
 
 struct LutTable {
     const char* colour;
@@ -51,6 +51,6 @@ std::string boardInWords(const LutTables& tables, const LutTable& table);
 
 nlohmann::ordered_json statisticsAsJson(const LutTables& tables);
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

@@ -14,7 +14,7 @@
 #include <cstring>
 #include <filesystem>
 
-namespace appletctl {
+namespace applet_tools {
 namespace {
 
 [[noreturn]] void fail(const char* what) {
@@ -78,4 +78,4 @@ void MemoryFile::write(const std::string& text) const {
         fail("written");
 }
 
-} // namespace appletctl
+} // namespace applet_tools

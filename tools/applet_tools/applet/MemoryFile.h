@@ -4,7 +4,7 @@
 
 #include <string>
 
-namespace appletctl {
+namespace applet_tools {
 
 /** It takes no place in a folder and is gone with the object or the process, however that ends. Each member throws
  *  Unavailable when it fails. */
@@ -29,6 +29,6 @@ private:
     int m_descriptor;
 };
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

@@ -9,7 +9,7 @@
 #include <set>
 #include <span>
 
-namespace appletctl {
+namespace applet_tools {
 namespace {
 
 constexpr std::string_view sdkPrefix = "fg_";
@@ -181,4 +181,4 @@ std::vector<std::string> ParameterList::closestNames(std::string_view name) cons
     return nearestWords(name, names);
 }
 
-} // namespace appletctl
+} // namespace applet_tools

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-namespace appletctl {
+namespace applet_tools {
 
 struct Parameter {
     std::string name;
@@ -64,6 +64,6 @@ private:
     std::vector<Parameter> m_parameters;
 };
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

@@ -4,7 +4,7 @@
 
 #include "vexo/fg_errors.h"
 
-namespace appletctl {
+namespace applet_tools {
 namespace {
 
 std::string limitsInWords(const Parameter& parameter, const std::optional<Limits>& limits) {
@@ -62,4 +62,4 @@ nlohmann::ordered_json asJson(const Move& move) {
     return {{"what", move.what}, {"from", move.fromJson}, {"to", move.toJson}};
 }
 
-} // namespace appletctl
+} // namespace applet_tools

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-namespace appletctl {
+namespace applet_tools {
 
 struct ParameterState {
     int error = 0; /**< of the read */
@@ -37,6 +37,6 @@ std::vector<Move> movesBetween(const Parameter& parameter, const ParameterState&
 
 nlohmann::ordered_json asJson(const Move& move);
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

@@ -4,7 +4,7 @@
 #include "applet_tools/base/numbers.h"
 #include "applet_tools/base/text.h"
 
-namespace appletctl {
+namespace applet_tools {
 namespace {
 
 constexpr std::string_view rangeMark = "..";
@@ -109,4 +109,4 @@ std::vector<Target> targetsOfGroups(const ParameterList& parameters, const std::
     return targets;
 }
 
-} // namespace appletctl
+} // namespace applet_tools

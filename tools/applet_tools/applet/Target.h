@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-namespace appletctl {
+namespace applet_tools {
 
 /** Elements of an array, the last one included. */
 struct ElementRange {
@@ -46,6 +46,6 @@ std::vector<Target> findTargets(const ParameterList& parameters, const std::vect
 /** The parameters of the named groups, without those of which a read takes something from the board. */
 std::vector<Target> targetsOfGroups(const ParameterList& parameters, const std::vector<std::string>& labels);
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

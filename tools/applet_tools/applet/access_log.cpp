@@ -6,7 +6,7 @@
 #include <optional>
 #include <sstream>
 
-namespace appletctl {
+namespace applet_tools {
 namespace {
 
 std::string logLine(Instance& instance, std::size_t index) {
@@ -116,4 +116,4 @@ std::string writtenParameter(const std::string& line) {
     return name;
 }
 
-} // namespace appletctl
+} // namespace applet_tools

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-namespace appletctl {
+namespace applet_tools {
 
 /** From now on the board logs what is written to it, and nothing else. */
 void logWrites(Instance& instance);
@@ -33,6 +33,6 @@ nlohmann::ordered_json accessesAsJson(const std::vector<std::string>& lines);
 /** The line that such an object was made of. */
 std::string loggedLine(const nlohmann::ordered_json& access);
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

@@ -6,7 +6,7 @@
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/text.h"
 
-namespace appletctl {
+namespace applet_tools {
 namespace {
 
 std::string withUnit(const std::string& limits, const Parameter& parameter) {
@@ -117,4 +117,4 @@ AssignmentsOutcome applyAssignments(Instance& instance, const ParameterList& par
     return outcome;
 }
 
-} // namespace appletctl
+} // namespace applet_tools

@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-namespace appletctl {
+namespace applet_tools {
 
 struct Assignment {
     Target target;
@@ -67,6 +67,6 @@ std::string refusalInWords(const Parameter& parameter, const Value& value, int c
 /** "FG_WIDTH=99999 was refused: -6000, value out of range; ...". */
 std::string refusalInWords(const Assignment& assignment, int code);
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace appletctl {
+namespace applet_tools {
 namespace {
 
 enum class Counting {
@@ -103,4 +103,4 @@ std::string requestedAndActual(const Parameter& parameter, const Value& requeste
     return "";
 }
 
-} // namespace appletctl
+} // namespace applet_tools

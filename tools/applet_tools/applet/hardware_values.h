@@ -7,7 +7,7 @@
 #include <optional>
 #include <string>
 
-namespace appletctl {
+namespace applet_tools {
 
 /** "the trigger counts in steps of 0.008 µs"; empty for parameters that the hardware takes as they are. */
 std::string countingOf(const Parameter& parameter);
@@ -28,6 +28,6 @@ bool areNeighbours(const Parameter& parameter, const Value& saved, const Value& 
  *  where it takes what was requested. */
 std::string requestedAndActual(const Parameter& parameter, const Value& requested, const Value& held);
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

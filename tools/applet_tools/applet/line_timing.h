@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-namespace appletctl {
+namespace applet_tools {
 
 struct TimingTrouble {
     const char* rule;               /**< "exposure", "delay" */
@@ -44,6 +44,6 @@ inline std::vector<TimingTrouble> timingTroubles(std::int32_t mode, double perio
     return troubles;
 }
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <type_traits>
 
-namespace appletctl {
+namespace applet_tools {
 namespace {
 
 struct KindRow {
@@ -178,4 +178,4 @@ void addDescription(nlohmann::ordered_json& object, const Parameter& parameter) 
             {{"value", entry.value}, {"symbol", entry.symbol}, {"label", entry.label}});
 }
 
-} // namespace appletctl
+} // namespace applet_tools

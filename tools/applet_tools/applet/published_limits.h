@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-namespace appletctl {
+namespace applet_tools {
 
 /** "UInt", "Enum", ...; empty for a parameter without record. */
 const char* kindName(const Parameter& parameter);
@@ -57,6 +57,6 @@ bool isWithinLimits(const Parameter& parameter, const Value& value);
 /** Everything that the record says, as members of `object`. */
 void addDescription(nlohmann::ordered_json& object, const Parameter& parameter);
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <string_view>
 
-namespace appletctl {
+namespace applet_tools {
 namespace {
 
 enum class Quantity {
@@ -130,4 +130,4 @@ std::optional<NumberWithUnit> convertUnit(const std::string& text, const std::st
     return NumberWithUnit{"", reason};
 }
 
-} // namespace appletctl
+} // namespace applet_tools

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-namespace appletctl {
+namespace applet_tools {
 
 /** A number as it was typed, taken apart. */
 struct NumberWithUnit {
@@ -18,6 +18,6 @@ struct NumberWithUnit {
  *  with a known unit behind it. */
 std::optional<NumberWithUnit> convertUnit(const std::string& text, const std::string& unit);
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

@@ -16,7 +16,7 @@
 #include <optional>
 #include <type_traits>
 
-namespace appletctl {
+namespace applet_tools {
 namespace {
 
 template <typename T> constexpr bool isNumber = std::is_arithmetic_v<T>;
@@ -362,4 +362,4 @@ nlohmann::ordered_json readingAsJson(const Target& target, const ReadResult& rea
     return row;
 }
 
-} // namespace appletctl
+} // namespace applet_tools

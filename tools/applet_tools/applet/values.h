@@ -14,7 +14,7 @@
 #include <variant>
 #include <vector>
 
-namespace appletctl {
+namespace applet_tools {
 
 /** An array parameter as a whole: its elements are counted and not read. */
 struct WholeArray {
@@ -90,6 +90,6 @@ void addNotMeasured(nlohmann::ordered_json& object);
 /** Name, id, unit and what addValue or addNotMeasured adds, or "error" when the read failed. */
 nlohmann::ordered_json readingAsJson(const Target& target, const ReadResult& reading);
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

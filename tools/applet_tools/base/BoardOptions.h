@@ -4,7 +4,7 @@
 
 #include <string>
 
-namespace appletctl {
+namespace applet_tools {
 
 enum class BoardKind { virtualBoard, system };
 
@@ -19,6 +19,6 @@ struct BoardOptions {
     bool operator==(const BoardOptions&) const = default;
 };
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

@@ -5,7 +5,7 @@
 
 #include <cstddef>
 
-namespace appletctl {
+namespace applet_tools {
 namespace {
 
 volatile std::sig_atomic_t isAskedToEnd = 0;
@@ -60,4 +60,4 @@ bool Interruption::waitUntil(Clock::time_point due) const {
     return goesOn;
 }
 
-} // namespace appletctl
+} // namespace applet_tools

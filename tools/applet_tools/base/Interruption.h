@@ -5,7 +5,7 @@
 #include <chrono>
 #include <csignal>
 
-namespace appletctl {
+namespace applet_tools {
 
 /** While one lives, SIGINT and SIGTERM ask for an end, a second one forces it, and a dead pipe is told by
  * the write. One within another's life asks that other one as well. */
@@ -27,6 +27,6 @@ private:
     struct sigaction m_before[3] = {};
 };
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

@@ -5,7 +5,7 @@
 #include <chrono>
 #include <string>
 
-namespace appletctl {
+namespace applet_tools {
 
 class Stopwatch {
 public:
@@ -22,6 +22,6 @@ private:
     std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
 };
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

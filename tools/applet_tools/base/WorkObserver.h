@@ -7,7 +7,7 @@
 #include <memory>
 #include <string>
 
-namespace appletctl {
+namespace applet_tools {
 
 /** Lives as long as the work. All calls come from the thread that waits. */
 class WorkObserver {
@@ -24,6 +24,6 @@ public:
 /** Makes the observer of a piece of work that begins now. */
 using ObserveWork = std::function<std::unique_ptr<WorkObserver>()>;
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

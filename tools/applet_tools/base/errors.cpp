@@ -4,7 +4,7 @@
 
 #include "vexo/fg_errors.h"
 
-namespace appletctl {
+namespace applet_tools {
 namespace {
 
 struct CodeRow {
@@ -58,4 +58,4 @@ nlohmann::ordered_json codeAsJson(int code) {
     return {{"code", code}, {"symbol", row.symbol}, {"meaning", row.meaning}};
 }
 
-} // namespace appletctl
+} // namespace applet_tools

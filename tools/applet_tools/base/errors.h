@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-namespace appletctl {
+namespace applet_tools {
 
 /** The caller asked for something that makes no sense; nothing was done. */
 struct UsageError : std::runtime_error {
@@ -38,6 +38,6 @@ std::optional<int> codeFrom(std::string_view word);
 /** {"code": -6000, "symbol": "FG_ERR_OUT_OF_RANGE", "meaning": "value out of range"}. */
 nlohmann::ordered_json codeAsJson(int code);
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

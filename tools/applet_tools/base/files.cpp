@@ -17,7 +17,7 @@
 #include <fstream>
 #include <vector>
 
-namespace appletctl {
+namespace applet_tools {
 namespace {
 
 namespace fs = std::filesystem;
@@ -224,4 +224,4 @@ void requireWritable(const std::string& file) {
     }
 }
 
-} // namespace appletctl
+} // namespace applet_tools

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-namespace appletctl {
+namespace applet_tools {
 
 /** The text of a regular file; nothing where there is none that can be read. */
 std::optional<std::string> textOfFile(const std::string& path);
@@ -27,6 +27,6 @@ void openStandardStreams();
 /** Writes to the descriptor until all is out. False, with errno, when that fails. */
 bool writeAll(int descriptor, const std::string& content);
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

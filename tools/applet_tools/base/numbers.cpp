@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-namespace appletctl {
+namespace applet_tools {
 
 std::string exactText(double number) {
     char text[32];
@@ -57,4 +57,4 @@ std::optional<double> floatingNumber(std::string_view text) {
     return std::nullopt;
 }
 
-} // namespace appletctl
+} // namespace applet_tools

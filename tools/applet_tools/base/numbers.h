@@ -11,7 +11,7 @@
 #include <system_error>
 #include <type_traits>
 
-namespace appletctl {
+namespace applet_tools {
 
 /** A number as a person reads it: 12 significant digits, so that 3999.9999999999995 is 4000; without an exponent
  *  from 1e-9 to 1e15. */
@@ -54,6 +54,6 @@ template <typename Integer> std::optional<Integer> wholeNumber(std::string_view 
 /** A finite number such as 19.5 or 1e-3, to the last character. */
 std::optional<double> floatingNumber(std::string_view text);
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

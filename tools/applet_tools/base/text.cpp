@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <numeric>
 
-namespace appletctl {
+namespace applet_tools {
 namespace {
 
 unsigned char byteAt(std::string_view text, std::size_t i) { return static_cast<unsigned char>(text[i]); }
@@ -174,4 +174,4 @@ std::string didYouMean(const std::vector<std::string>& names) {
     return names.empty() ? "" : "; did you mean " + join(names, " or ") + "?";
 }
 
-} // namespace appletctl
+} // namespace applet_tools

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-namespace appletctl {
+namespace applet_tools {
 
 /** The applet's texts are ISO 8859-1, those of a user usually UTF-8: valid UTF-8 stays, all else is taken for
  *  ISO 8859-1 and converted. Null gives the empty text. */
@@ -43,6 +43,6 @@ std::vector<std::string> nearestWords(std::string_view word, const std::vector<s
 /** "; did you mean A or B?"; empty without names. */
 std::string didYouMean(const std::vector<std::string>& names);
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

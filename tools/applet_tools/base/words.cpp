@@ -2,7 +2,7 @@
 
 #include "applet_tools/base/text.h"
 
-namespace appletctl {
+namespace applet_tools {
 namespace {
 
 constexpr const char* blanks = " \t\r\n";
@@ -64,4 +64,4 @@ std::string joinWords(const Words& words) {
     return join(quoted, " ");
 }
 
-} // namespace appletctl
+} // namespace applet_tools

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace appletctl {
+namespace applet_tools {
 
 using Words = std::vector<std::string>;
 
@@ -27,6 +27,6 @@ std::string textFrom(const std::string& text, const WordLine& line, std::size_t 
 /** The words as one line that reads as the same words again. */
 std::string joinWords(const Words& words);
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

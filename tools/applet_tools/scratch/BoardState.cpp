@@ -11,7 +11,7 @@
 #include <optional>
 #include <set>
 
-namespace appletctl {
+namespace applet_tools {
 
 namespace {
 
@@ -194,4 +194,4 @@ void loadAgain(Instance& instance, const Wanted& wanted, const json& loads) {
     }
 }
 
-} // namespace appletctl
+} // namespace applet_tools

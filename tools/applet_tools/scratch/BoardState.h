@@ -7,7 +7,7 @@
 
 #include <nlohmann/json.hpp>
 
-namespace appletctl {
+namespace applet_tools {
 
 using nlohmann::json;
 
@@ -63,6 +63,6 @@ bool holds(Instance& instance, const Parameter& parameter, const json& wanted);
  */
 json boardStateOf(Instance& instance, const ParameterList& parameters);
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <type_traits>
 
-namespace appletctl {
+namespace applet_tools {
 namespace {
 
 std::uint32_t longestArray(const ParameterList& parameters) {
@@ -87,4 +87,4 @@ nlohmann::ordered_json asJson(const std::vector<DesignChange>& changes) {
     return rows;
 }
 
-} // namespace appletctl
+} // namespace applet_tools

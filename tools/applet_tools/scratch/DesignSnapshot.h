@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-namespace appletctl {
+namespace applet_tools {
 
 /** A value of the design that became another one. */
 struct DesignChange {
@@ -39,6 +39,6 @@ std::string afterInWords(const DesignChange& change);
 
 nlohmann::ordered_json asJson(const std::vector<DesignChange>& changes);
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

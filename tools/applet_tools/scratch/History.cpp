@@ -9,7 +9,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace appletctl {
+namespace applet_tools {
 namespace {
 
 /** Calls `use` for what the applet writes of the design: the rest is status. */
@@ -177,4 +177,4 @@ Undone History::undoneOf(const Moment& before, const Moment& wanted) {
     return undone;
 }
 
-} // namespace appletctl
+} // namespace applet_tools

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-namespace appletctl {
+namespace applet_tools {
 
 /** What taking a step back came to. */
 struct Undone {
@@ -68,6 +68,6 @@ private:
     std::vector<Moment> m_steps; // the last one at the end
 };
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

@@ -10,7 +10,7 @@
 #include <iterator>
 #include <utility>
 
-namespace appletctl {
+namespace applet_tools {
 
 LiveSession::LiveSession(const BoardOptions& options, Scratch scratch, std::span<const JobRow> jobs,
                          ObserveWork observe)
@@ -113,4 +113,4 @@ ScratchBoard& LiveSession::seeded(const json& seed) {
     return *m_scratch;
 }
 
-} // namespace appletctl
+} // namespace applet_tools

@@ -13,7 +13,7 @@
 #include <span>
 #include <string>
 
-namespace appletctl {
+namespace applet_tools {
 
 class ScratchSession;
 
@@ -92,6 +92,6 @@ private:
     Words m_accesses;
 };
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

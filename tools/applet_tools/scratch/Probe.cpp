@@ -11,7 +11,7 @@
 #include <limits>
 #include <type_traits>
 
-namespace appletctl {
+namespace applet_tools {
 namespace {
 
 /** Calls `use` with the native number; `otherwise` for texts and arrays. */
@@ -117,7 +117,7 @@ std::size_t Probe::placeOf(const Parameter& parameter) const {
 }
 
 ParameterState Probe::currentState(std::size_t place) const {
-    return appletctl::currentState(m_session.instance(), at(place));
+    return applet_tools::currentState(m_session.instance(), at(place));
 }
 
 int Probe::write(const Target& target, const Value& value) {
@@ -258,4 +258,4 @@ std::string Probe::words(const Change& change) const {
     return at(change.place).name + "=" + exactValueText(at(change.place), change.value);
 }
 
-} // namespace appletctl
+} // namespace applet_tools

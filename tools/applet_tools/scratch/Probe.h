@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-namespace appletctl {
+namespace applet_tools {
 
 /** Numbers and entries in their order as ranks: the next number has the next rank. */
 std::uint64_t rankOf(const Value& number);
@@ -83,6 +83,6 @@ private:
     bool m_isTouched = false; // something was written since the last way back
 };
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

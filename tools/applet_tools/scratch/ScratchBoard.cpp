@@ -22,7 +22,7 @@
 #include <utility>
 #include <vector>
 
-namespace appletctl {
+namespace applet_tools {
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;
@@ -233,4 +233,4 @@ json ScratchBoard::request(const json& message) {
     return answer;
 }
 
-} // namespace appletctl
+} // namespace applet_tools

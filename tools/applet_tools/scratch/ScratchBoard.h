@@ -13,7 +13,7 @@
 
 #include <sys/types.h>
 
-namespace appletctl {
+namespace applet_tools {
 
 struct JobRow;
 
@@ -46,6 +46,6 @@ private:
     Words m_notes;
 };
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

@@ -6,7 +6,7 @@
 
 #include <utility>
 
-namespace appletctl {
+namespace applet_tools {
 namespace {
 
 /** A scratch board is a virtual one, whatever the live board is. */
@@ -109,4 +109,4 @@ bool ScratchSession::hasSetter(const Parameter& parameter) {
     return writeValue(*m_instance, {&parameter}, now.value) != FG_ERR_NOT_AVAILABLE;
 }
 
-} // namespace appletctl
+} // namespace applet_tools

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-namespace appletctl {
+namespace applet_tools {
 
 /** A virtual board with the same applet, in the state of a live one. Anything may be set on it; the setters
  *  answer, and what reaches the design is logged. */
@@ -70,6 +70,6 @@ struct JobRow {
     Job run;
 };
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

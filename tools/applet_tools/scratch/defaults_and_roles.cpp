@@ -11,7 +11,7 @@
 
 #include <algorithm>
 
-namespace appletctl {
+namespace applet_tools {
 namespace {
 
 /** What a configuration file has to do with a parameter. There is no list of keys here: what is saved is seen
@@ -120,4 +120,4 @@ json defaultsJob(ScratchSession& session, const json&) {
     return defaults;
 }
 
-} // namespace appletctl
+} // namespace applet_tools

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-namespace appletctl {
+namespace applet_tools {
 
 struct DefaultAndRole {
     std::optional<Value> start; /**< of a setting, after a bring-up; none of what cannot be read freely */
@@ -42,6 +42,6 @@ nlohmann::json defaultsJob(ScratchSession& session, const nlohmann::json& nothin
 /** The names of the parameters of which a read asks the board or the runtime: [NAME, ...]. */
 nlohmann::json fromBoardJob(ScratchSession& session, const nlohmann::json& nothing);
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

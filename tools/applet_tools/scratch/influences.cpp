@@ -4,7 +4,7 @@
 
 #include "vexo/fg_errors.h"
 
-namespace appletctl {
+namespace applet_tools {
 namespace {
 
 /** The codes that the setter of an enumeration answers with, entry by entry; empty for other kinds. */
@@ -99,4 +99,4 @@ Influences askInfluences(LiveSession& live) {
     return influences;
 }
 
-} // namespace appletctl
+} // namespace applet_tools

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-namespace appletctl {
+namespace applet_tools {
 
 struct Influence {
     std::string from, to;
@@ -30,6 +30,6 @@ Influences askInfluences(LiveSession& live);
 /** The job of a scratch board that finds them. */
 nlohmann::json influencesJob(ScratchSession& session, const nlohmann::json& nothing);
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

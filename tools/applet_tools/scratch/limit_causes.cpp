@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <sstream>
 
-namespace appletctl {
+namespace applet_tools {
 namespace {
 
 bool isWider(const Value& a, const Value& b, End end) {
@@ -117,4 +117,4 @@ nlohmann::ordered_json asJson(const LimitCauses& causes, End end) {
 
 const char* nameOf(End end) { return end == End::maximum ? "maximum" : "minimum"; }
 
-} // namespace appletctl
+} // namespace applet_tools

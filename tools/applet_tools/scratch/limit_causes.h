@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-namespace appletctl {
+namespace applet_tools {
 
 /** A parameter, or the element of an array, by its place: records do not last (see Probe). */
 struct Subject {
@@ -54,6 +54,6 @@ nlohmann::ordered_json asJson(const LimitCauses& causes, End end);
 
 const char* nameOf(End end);
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <limits>
 
-namespace appletctl {
+namespace applet_tools {
 namespace {
 
 constexpr std::uint64_t widestStep = 64; // of a whole number's grid
@@ -127,4 +127,4 @@ std::optional<Value> nearestAccepted(Probe& probe, const Target& target, const V
     return range ? std::optional(nearestIn(*range, wanted)) : std::nullopt;
 }
 
-} // namespace appletctl
+} // namespace applet_tools

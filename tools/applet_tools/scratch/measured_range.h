@@ -6,7 +6,7 @@
 
 #include <optional>
 
-namespace appletctl {
+namespace applet_tools {
 
 /** The numbers around the present one that a setter takes. */
 struct MeasuredRange {
@@ -29,6 +29,6 @@ const Value& endOf(const MeasuredRange& range, End end);
 /** The first number that lies behind the end; nothing where the type has none. */
 std::optional<Value> firstBehind(const MeasuredRange& range, End end);
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

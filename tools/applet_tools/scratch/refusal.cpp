@@ -8,7 +8,7 @@
 
 #include <utility>
 
-namespace appletctl {
+namespace applet_tools {
 namespace {
 
 using nlohmann::ordered_json;
@@ -143,4 +143,4 @@ void startFrom(ScratchSession& session, const Words& assignments) {
     session.keep();
 }
 
-} // namespace appletctl
+} // namespace applet_tools

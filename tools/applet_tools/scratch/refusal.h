@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-namespace appletctl {
+namespace applet_tools {
 
 /** What was found out about a refused value. */
 struct RefusalCauses {
@@ -50,6 +50,6 @@ nlohmann::json suggestionJob(ScratchSession& session, const nlohmann::json& argu
  *  for a word that is none and Failure, with a suggestion, for a refusal. */
 void startFrom(ScratchSession& session, const Words& assignments);
 
-} // namespace appletctl
+} // namespace applet_tools
 
 #endif

@@ -3,6 +3,7 @@
 #define APPLETCTL_BASE_OPTIONS_H
 
 #include "applet_tools/base/BoardOptions.h"
+#include "appletctl/base/applet_tools.h"
 
 #include <any>
 #include <map>

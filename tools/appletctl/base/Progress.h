@@ -3,6 +3,7 @@
 #define APPLETCTL_BASE_PROGRESS_H
 
 #include "applet_tools/base/WorkObserver.h"
+#include "appletctl/base/applet_tools.h"
 
 #include <chrono>
 #include <string>

@@ -2,6 +2,8 @@
 #ifndef APPLETCTL_BASE_TABLE_H
 #define APPLETCTL_BASE_TABLE_H
 
+#include "appletctl/base/applet_tools.h"
+
 #include <cstddef>
 #include <string>
 #include <vector>

@@ -2,6 +2,8 @@
 #ifndef APPLETCTL_BASE_LAYOUT_H
 #define APPLETCTL_BASE_LAYOUT_H
 
+#include "appletctl/base/applet_tools.h"
+
 #include <cstddef>
 #include <limits>
 #include <string>

@@ -6,6 +6,7 @@
 #include "applet_tools/base/words.h"
 #include "appletctl/base/Options.h"
 #include "appletctl/base/Table.h"
+#include "appletctl/base/applet_tools.h"
 
 #include <nlohmann/json.hpp>
 

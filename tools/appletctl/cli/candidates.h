@@ -4,6 +4,7 @@
 
 #include "applet_tools/applet/ParameterList.h"
 #include "applet_tools/base/words.h"
+#include "appletctl/base/applet_tools.h"
 
 #include <functional>
 #include <string>

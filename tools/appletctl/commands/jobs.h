@@ -3,6 +3,7 @@
 #define APPLETCTL_COMMANDS_JOBS_H
 
 #include "applet_tools/scratch/ScratchSession.h"
+#include "appletctl/base/applet_tools.h"
 
 #include <span>
 

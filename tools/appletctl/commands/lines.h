@@ -3,6 +3,7 @@
 #define APPLETCTL_COMMANDS_LINES_H
 
 #include "applet_tools/applet/values.h"
+#include "appletctl/base/applet_tools.h"
 
 #include <string>
 

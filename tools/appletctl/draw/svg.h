@@ -2,6 +2,8 @@
 #ifndef APPLETCTL_DRAW_SVG_H
 #define APPLETCTL_DRAW_SVG_H
 
+#include "appletctl/base/applet_tools.h"
+
 #include <string>
 #include <string_view>
 

@@ -3,6 +3,7 @@
 #define APPLETCTL_COMMANDS_FILES_CURVE_H
 
 #include "applet_tools/applet/LutTables.h"
+#include "appletctl/base/applet_tools.h"
 
 #include <string>
 #include <vector>
