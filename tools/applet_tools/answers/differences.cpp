@@ -114,7 +114,7 @@ std::vector<Difference> askDifferences(ScratchBoard& scratch, const std::vector<
     json arguments = {{"sides", json::array()}};
     for (const Side& side : sides) {
         json text;
-        if (side.file != nullptr) // a carriage return may stand outside of the values
+        if (side.file != nullptr) // a carriage return may be outside of the values
             text = asBytes(side.file->text().find('\r') != std::string::npos ? side.file->text()
                                                                              : side.file->textOfValues());
         arguments["sides"].push_back({{"title", side.title},

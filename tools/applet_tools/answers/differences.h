@@ -37,7 +37,7 @@ std::vector<Difference> differencesOf(const std::vector<Side>& sides, const Para
 std::vector<Difference> askDifferences(ScratchBoard& scratch, const std::vector<Side>& sides);
 
 /** The job of a scratch board behind it: compares {"sides": [{"title", "member", "text", "isToBeLoaded"}, ...]}; a text of
- *  null stands for the defaults. Gives [{"parameter", "values", "document", "isNextCycle"}, ...]. */
+ *  null means the defaults. Gives [{"parameter", "values", "document", "isNextCycle"}, ...]. */
 json differencesJob(ScratchSession& session, const json& arguments);
 
 } // namespace applet_tools

@@ -43,7 +43,7 @@ struct AcceptedValues {
     LimitCauses ofMinimum{}, ofMaximum{};      /**< of the range */
 };
 
-/** What a target of the command line is about. Of an array the first element stands for all. */
+/** What a target of the command line is about. The first element of an array represents all. */
 Subject subjectOf(const Probe& probe, const Target& target);
 
 /** Asks the setter, in the state of the probe, to which the board is brought back. */

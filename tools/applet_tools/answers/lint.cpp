@@ -76,7 +76,7 @@ public:
                  const std::string& orElse = "") {
         propose(rule, names, textsOf(names), valuesOf(names), why, wanted, orElse);
     }
-    /** True when a rule has told of the parameter that it is to be set anew. */
+    /** True when a rule has asked for the parameter to be set again. */
     bool isProposed(const std::string& name) const {
         return std::ranges::find(m_proposals, name, &Proposal::name) != m_proposals.end();
     }
@@ -230,12 +230,12 @@ void clippedTables(State& state, const LutTables& tables) {
     Words names, texts;
     json values = json::array();
     for (const LutTable& table : tables.colours) {
-        const LutStatistics told = statisticsOf(table.entries, tables.largest);
+        const LutStatistics statistics = statisticsOf(table.entries, tables.largest);
         std::size_t clipped = 0;
-        for (const auto& range : {told.atStart, told.atEnd})
+        for (const auto& range : {statistics.atStart, statistics.atEnd})
             if (range) clipped += range->count();
         constexpr std::size_t few = 100; // one of them
-        if (told.distinct == 1 || clipped * few < table.entries.size()) continue;
+        if (statistics.distinct == 1 || clipped * few < table.entries.size()) continue;
         names.emplace_back(table.parameter);
         const double percent =
             std::round(100.0 * static_cast<double>(clipped) / static_cast<double>(table.entries.size()));
@@ -246,7 +246,7 @@ void clippedTables(State& state, const LutTables& tables) {
     state.add(
         "clipping", names, texts, values,
         "The lookup table is on and gives its smallest or largest value for many inputs: these can no longer "
-        "be told apart",
+        "be distinguished",
         "See 'appletctl lut show', FG_PROCESSING_GAIN, _OFFSET and _GAMMA");
 }
 
@@ -257,11 +257,12 @@ void unlikeTables(State& state) {
         Words texts;
         json values = json::array();
         for (const LutTable& table : tables.colours) {
-            const LutStatistics told = statisticsOf(table.entries, tables.largest);
-            texts.push_back(std::string(table.parameter) + " from " + numberText(told.minimum) + " to " +
-                            numberText(told.maximum));
-            values.push_back(
-                {{"name", table.parameter}, {"minimum", told.minimum}, {"maximum", told.maximum}});
+            const LutStatistics statistics = statisticsOf(table.entries, tables.largest);
+            texts.push_back(std::string(table.parameter) + " from " + numberText(statistics.minimum) +
+                            " to " + numberText(statistics.maximum));
+            values.push_back({{"name", table.parameter},
+                              {"minimum", statistics.minimum},
+                              {"maximum", statistics.maximum}});
         }
         state.add(
             "tables", names, texts, values,
@@ -412,7 +413,7 @@ void withoutEffect(State& state) {
                           ? "The value was changed and has no effect in the present mode, in which the "
                             "parameter is read-only"
                           : "The value was changed, and the board receives the same as for the default",
-                      "'appletctl why " + parameter.name + "' tells what stands against it");
+                      "'appletctl why " + parameter.name + "' says what prevents it");
         }
     }
     if (simulator.empty()) return;

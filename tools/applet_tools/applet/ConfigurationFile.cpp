@@ -21,7 +21,7 @@ std::string_view trimmed(std::string_view text) {
     return text.substr(0, text.find_last_not_of(blanks) + 1);
 }
 
-/** The value of what stands behind the equals sign: 'text'; or number; */
+/** The value of the text after the equals sign: 'text'; or number; */
 std::string_view withoutMarks(std::string_view text) {
     const std::size_t quote = text.rfind('\'');
     if (text.starts_with('\'') && quote > 0) return text.substr(1, quote - 1);
@@ -33,7 +33,7 @@ template <typename Integer> std::optional<Value> wholeInFile(const std::string& 
     return number ? std::optional<Value>(*number) : std::nullopt;
 }
 
-/** Unsigned numbers stand in a file as signed ones. */
+/** A file has unsigned numbers as signed ones. */
 std::optional<Value> unsignedInFile(const std::string& text) {
     const auto number = wholeNumber<std::int32_t>(text);
     return number ? static_cast<std::uint32_t>(*number) : wholeInFile<std::uint32_t>(text);

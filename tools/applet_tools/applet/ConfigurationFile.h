@@ -16,12 +16,12 @@ namespace applet_tools {
 
 /** The keys and values that a person sees in a file. A load ends a text at its first = ; or ' and a number at the first
  *  character that it cannot use. So what is read here and what the applet holds after a load may differ, and
- *  that is a loss to be told. */
+ *  that is a loss to be reported. */
 class ConfigurationFile {
 public:
     /** The first line of a key, which is the one that counts. */
     struct Line {
-        std::string_view key;   /**< all that stands before the equals sign, blanks too */
+        std::string_view key;   /**< everything before the equals sign, blanks too */
         std::string_view value; /**< without quotes and semicolon */
         std::string_view text;  /**< of the whole line, with its end */
         std::size_t count = 1;  /**< lines of this key */
@@ -73,11 +73,11 @@ int loadConfiguration(Instance& instance, const std::string& path);
 /** What the applet would save now. Throws Failure. */
 ConfigurationFile stateOf(Instance& instance);
 
-/** The value that a file's text stands for; nothing if it is none of the parameter's kind: a load knows neither
+/** The value of a file's text; nothing if it is none of the parameter's kind: a load knows neither
  *  symbols nor hexadecimal numbers. */
 std::optional<Value> valueInFile(const Parameter& parameter, const std::string& text);
 
-/** True when two texts of a file stand for the same value. */
+/** True when two texts of a file mean the same value. */
 bool isSameValue(const Parameter& parameter, const std::string& a, const std::string& b);
 
 /** The value with symbol and unit; a text that is no value in quotes. */

@@ -39,11 +39,11 @@ std::string courseOf(const Elements& entries) {
     if (isFalling) return "falling";
     const auto rise = std::adjacent_find(entries.begin(), entries.end(), std::less<>());
     const auto fall = std::adjacent_find(entries.begin(), entries.end(), std::greater<>());
-    // The later of the two is where the first change of direction stands.
+    // The first change of direction is at the later of the two.
     return "turns at entry " + numberText(std::max(rise, fall) - entries.begin());
 }
 
-/** The run of equal entries from `first` on, as its length, if it stands at a limit of the output. */
+/** The run of equal entries from `first` on, as its length, if it is at a limit of the output. */
 template <typename Iterator> std::size_t clippedLength(Iterator first, Iterator end, std::uint32_t largest) {
     if (*first != 0 && *first != largest) return 0;
     const auto length =
@@ -127,19 +127,19 @@ LutTables readLutTables(Instance& instance, const ParameterList& parameters) {
 
 LutStatistics statisticsOf(const Elements& entries, std::uint32_t largest) {
     const auto [minimum, maximum] = std::minmax_element(entries.begin(), entries.end());
-    LutStatistics told{.minimum = *minimum,
-                       .maximum = *maximum,
-                       .distinct = std::set<std::uint32_t>(entries.begin(), entries.end()).size(),
-                       .course = courseOf(entries),
-                       .atStart = {},
-                       .atEnd = {}};
+    LutStatistics statistics{.minimum = *minimum,
+                             .maximum = *maximum,
+                             .distinct = std::set<std::uint32_t>(entries.begin(), entries.end()).size(),
+                             .course = courseOf(entries),
+                             .atStart = {},
+                             .atEnd = {}};
     const auto size = static_cast<std::uint32_t>(entries.size());
     const auto atStart = static_cast<std::uint32_t>(clippedLength(entries.begin(), entries.end(), largest));
     const auto atEnd = static_cast<std::uint32_t>(clippedLength(entries.rbegin(), entries.rend(), largest));
-    if (atStart > 0) told.atStart = {0, atStart - 1};
+    if (atStart > 0) statistics.atStart = {0, atStart - 1};
     // A constant table is clipped as a whole, which the start tells.
-    if (atEnd > 0 && atEnd < size) told.atEnd = {size - atEnd, size - 1};
-    return told;
+    if (atEnd > 0 && atEnd < size) statistics.atEnd = {size - atEnd, size - 1};
+    return statistics;
 }
 
 std::string boardInWords(const LutTables& tables, const LutTable& table) {
@@ -156,14 +156,14 @@ nlohmann::ordered_json statisticsAsJson(const LutTables& tables) {
                                        {"equal", tables.areEqual()},
                                        {"colours", nlohmann::ordered_json::array()}};
     for (const LutTable& table : tables.colours) {
-        const LutStatistics told = statisticsOf(table.entries, tables.largest);
+        const LutStatistics statistics = statisticsOf(table.entries, tables.largest);
         document["colours"].push_back({{"colour", table.colour},
-                                       {"minimum", told.minimum},
-                                       {"maximum", told.maximum},
-                                       {"distinct", told.distinct},
-                                       {"course", told.course},
-                                       {"clippedAtStart", clippedAsJson(table.entries, told.atStart)},
-                                       {"clippedAtEnd", clippedAsJson(table.entries, told.atEnd)},
+                                       {"minimum", statistics.minimum},
+                                       {"maximum", statistics.maximum},
+                                       {"distinct", statistics.distinct},
+                                       {"course", statistics.course},
+                                       {"clippedAtStart", clippedAsJson(table.entries, statistics.atStart)},
+                                       {"clippedAtEnd", clippedAsJson(table.entries, statistics.atEnd)},
                                        {"board", boardInWords(tables, table)}});
     }
     return document;

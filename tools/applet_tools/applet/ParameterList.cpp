@@ -94,7 +94,7 @@ void ParameterList::addTree(const RegisterInfo& record, std::vector<std::string>
         return;
     }
     groups.push_back(toUtf8(record.displayName));
-    // A group's own parameters come before its sub-groups, so that each heading stands once.
+    // A group's own parameters come before its sub-groups, so that each heading appears once.
     for (const bool wantGroups : {false, true}) {
         for (int i = 0; i < record.value.group.childCount; ++i) {
             const RegisterInfo& child = *record.value.group.children[i];
@@ -111,9 +111,9 @@ void ParameterList::addNamesWithoutRecord(Instance& instance) {
     const auto& applet = instance.applet();
     const int count = applet.Fg_getNrOfParameter(instance.fg());
     for (int i = 0; i < count; ++i) {
-        const char* const told = applet.Fg_getParameterName(instance.fg(), i);
-        if (told == nullptr || !isWanted(told)) continue;
-        const std::string name = toUtf8(told);
+        const char* const text = applet.Fg_getParameterName(instance.fg(), i);
+        if (text == nullptr || !isWanted(text)) continue;
+        const std::string name = toUtf8(text);
         if (name.empty() || known.contains(name)) continue;
         const int id = applet.Fg_getParameterId(instance.fg(), i);
         if (id > 0) m_parameters.push_back({name, id, nullptr, {groupWithoutRecord}});

@@ -1,4 +1,4 @@
-/** The parameters of an instance: its tree as a flat list, and the names that stand in no tree. */
+/** The parameters of an instance: its tree as a flat list, and the names that are in no tree. */
 #ifndef APPLET_TOOLS_APPLET_PARAMETERLIST_H
 #define APPLET_TOOLS_APPLET_PARAMETERLIST_H
 

@@ -37,7 +37,7 @@ ElementRange findElements(const Parameter& parameter, std::string_view text) {
         throw UsageError(shown + ": the parameter has " + numberText(count) + " elements, 0 to " +
                          numberText(count - 1));
     if (range->first > range->last)
-        throw UsageError(shown + ": the first element stands behind the last one");
+        throw UsageError(shown + ": the first element is larger than the last one");
     return *range;
 }
 

@@ -33,7 +33,7 @@ struct AssignmentResult {
     int code = 0;           /**< the setter's */
     ReadResult actual{};    /**< what the parameter reads afterwards */
     std::optional<std::vector<std::string>>
-        writes{}; /**< lines of the board's log; none if nobody asks for them */
+        writes{}; /**< lines of the board's log; none if they are not asked for */
 };
 
 /** The result as members of a document: name, id, limits and so on, "requested"; then "leftOut", or "writes", the

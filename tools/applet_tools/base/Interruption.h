@@ -7,7 +7,7 @@
 
 namespace applet_tools {
 
-/** While one lives, SIGINT and SIGTERM ask for an end, a second one forces it, and a dead pipe is told by
+/** While one lives, SIGINT and SIGTERM ask for an end, a second one forces it, and a dead pipe is reported by
  * the write. One within another's life asks that other one as well. */
 class Interruption {
 public:
@@ -19,7 +19,7 @@ public:
     Interruption& operator=(const Interruption&) = delete;
 
     bool isAsked() const;
-    /** Waits until `due`. False when it is time to end: a signal came, or nobody reads the output any more.
+    /** Waits until `due`. False when it is time to end: a signal came, or the reader of the output has gone.
      * */
     bool waitUntil(Clock::time_point due) const;
 

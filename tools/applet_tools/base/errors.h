@@ -32,7 +32,7 @@ std::string codeInWords(int code);
 /** True for a code of the applet, with a symbol; false for one of the runtime or the board. */
 bool isAppletCode(int code);
 
-/** The code that a number or a symbol such as "FG_ERR_OUT_OF_RANGE" stands for. */
+/** The code that a number or a symbol such as "FG_ERR_OUT_OF_RANGE" means. */
 std::optional<int> codeFrom(std::string_view word);
 
 /** {"code": -6000, "symbol": "FG_ERR_OUT_OF_RANGE", "meaning": "value out of range"}. */

@@ -16,7 +16,7 @@ bool takeWord(const std::string& text, std::size_t& place, std::string& word) {
         if (c == '\\' && quote != '\'') {
             if (place + 1 == text.size()) return false;
             const char next = text[place + 1];
-            // In double quotes a backslash stands for itself before all other characters.
+            // In double quotes a backslash is itself before all other characters.
             if (quote == '"' && next != '"' && next != '\\') word += c;
             word += next;
             ++place;

@@ -120,7 +120,7 @@ Wanted wantedFrom(const ParameterList& parameters, const json& values) {
 }
 
 void bringAbout(Instance& instance, const Wanted& wanted) {
-    // One value can stand in the way of another, so as long as one more is taken there is another round.
+    // One value can block another, so as long as one more is taken there is another round.
     constexpr int mostRounds = 8;
     bool moved = true;
     for (int round = 0; moved && round < mostRounds; ++round) {

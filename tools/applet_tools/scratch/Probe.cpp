@@ -104,7 +104,7 @@ Value numberAt(std::uint64_t rank, const Value& like) {
 Probe::Probe(ScratchSession& session) : m_session(session) { begin(); }
 
 void Probe::begin() {
-    // What a probe writes is nobody's business.
+    // What a probe writes is not part of a trace.
     m_session.instance().board().log_kinds(m_session.instance().device(), 0);
     m_isTouched = false;
     m_facts.clear();

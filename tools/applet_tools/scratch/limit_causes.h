@@ -27,7 +27,7 @@ struct Widening {
     Value limit;
 };
 
-/** A value of the design that the setter reads, and whose change moves the limit. */
+/** A value of the design that the setter reads, and that moves the limit when it changes. */
 struct DesignCause {
     std::string parameter;
     std::string value;

@@ -19,7 +19,7 @@ struct Options : BoardOptions {
     std::string colour = "auto"; /**< --color: auto, always or never */
     bool quiet = false;          /**< -q: errors only */
     bool verbose = false;        /**< -v: notes on what was done to answer */
-    bool trace = false;          /**< the command stands behind "trace" */
+    bool trace = false;          /**< the command follows "trace" */
 
     /** The options of a command; its defaults if none were given. */
     template <typename Own> const Own& of() const {

@@ -106,7 +106,7 @@ bool writeOut(const std::string& text);
 /** Prints the report of `command` as the options say; returns the exit code of the program. */
 int print(const Report& report, const std::string& command, const Options& options);
 
-/** What a person is told of an exception that no command expects. */
+/** The message for an exception that no command expects. */
 std::string internalError(const std::exception& error);
 
 /** The report of a command that failed as a whole; `kind` is "usage", "failure", "unavailable" or "internal". */

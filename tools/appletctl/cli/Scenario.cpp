@@ -220,7 +220,7 @@ bool beginsWith(const Words& words, const StepKind& kind) {
            join(Words(words.begin(), words.begin() + static_cast<std::ptrdiff_t>(count)), " ") == kind.name;
 }
 
-/** The kinds of steps whose names are nearest to the beginning of the words; none if none is near. */
+/** The kinds of steps with names nearest to the beginning of the words; none if none is near. */
 Words nearestKinds(const Words& words) {
     std::size_t least = 2;
     Words nearest;

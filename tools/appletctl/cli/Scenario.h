@@ -14,8 +14,8 @@ struct StepKind;
 
 struct Step {
     std::size_t line;     /**< in the file, from 1 on */
-    std::string section;  /**< the title that it stands under; empty above the first one */
-    std::string text;     /**< as it stands in the file, without comment */
+    std::string section;  /**< the title above it; empty above the first one */
+    std::string text;     /**< as in the file, without comment */
     const StepKind* kind; /**< null for a command */
     Words words;          /**< behind the words that name the kind */
     std::string rest;     /**< the same, with their quotes */

@@ -10,7 +10,7 @@
 namespace appletctl {
 namespace {
 
-/** The command below which others stand; made when it is first asked for. */
+/** The command that groups others; made when it is first asked for. */
 CLI::App* groupCommand(CLI::App& program, const CommandGroup* group) {
     if (group == nullptr) return &program;
     for (CLI::App* command : program.get_subcommands(nullptr))
@@ -109,8 +109,7 @@ Request tracedRequest(const Request& trace) {
                               exitUsage)};
     Request request = parseCommandLine(trace.words, trace.options);
     if (request.command != nullptr && request.command->kind == Command::Kind::prefix)
-        return {
-            trace.options, nullptr, {}, failureReport("usage", "'trace' stands behind 'trace'", exitUsage)};
+        return {trace.options, nullptr, {}, failureReport("usage", "'trace' cannot be traced", exitUsage)};
     request.options.trace = true;
     return request;
 }
@@ -159,7 +158,7 @@ HelpPage helpOf(const Command* command) {
 }
 
 void addCommandsTo(CLI::App& program, Request& request) {
-    program.fallthrough();            // global options may stand behind the command as well
+    program.fallthrough();            // global options may follow the command as well
     program.require_subcommand(0, 1); // a further word of that name is the command's own
     program.set_help_flag("-h,--help", "Show this help");
     program.set_version_flag("--version", APPLETCTL_VERSION, "Show the version");
@@ -182,7 +181,7 @@ Request parseCommandLine(const Words& words, const Options& options) {
     } catch (const CLI::ParseError& error) {
         request.command = nullptr;
         request.outcome = endParsing(program, error);
-        // Which options were read before the error is not told.
+        // The error does not say which options were read before it.
         request.options.json |= std::ranges::find(words, "--json") != words.end();
     }
     if (request.command == nullptr || request.command->kind != Command::Kind::prefix) return request;

@@ -6,7 +6,7 @@
 
 namespace appletctl {
 
-/** The report of the command on what other commands of the run stand on; all failures as reports too. */
+/** The report of the command on the context of a run of several commands; all failures are reports too. */
 Report execute(const Request& request, Context& context);
 
 /** What a line of a shell or a scenario asks for, which works on the board that is there already: wrong

@@ -37,7 +37,7 @@ std::size_t helpWidth() {
 /** Where the explanations of options and commands begin. */
 std::size_t helpColumn() { return helpWidth() < 60 ? 8 : 28; }
 
-/** The words of the text in lines; `begin` stands in the first one, the others are indented. */
+/** The words of the text in lines; the first one starts with `begin`, the others are indented. */
 std::string wrapped(const std::string& begin, const std::string& text, std::size_t indent) {
     std::string lines = begin, line;
     std::istringstream words(text);

@@ -11,7 +11,7 @@
 namespace appletctl {
 namespace {
 
-/** The library takes plain functions, so what they work with stands here. */
+/** The library takes plain functions, so their state is here. */
 LineInput::Complete completeLine;
 std::vector<Candidate> candidates;
 

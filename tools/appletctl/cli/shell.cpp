@@ -48,7 +48,7 @@ public:
 
     bool isOver() const { return m_isOver; }
 
-    /** Carries a line out and prints its report; `place` stands before its problems. */
+    /** Carries a line out and prints its report; `place` precedes its problems. */
     ExitCode applyAssignments(const std::string& text, const std::string& place) {
         const WordLine line = splitLine(text);
         if (line.words.empty()) return exitDone;

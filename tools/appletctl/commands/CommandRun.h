@@ -1,4 +1,4 @@
-/** What commands that take assignments stand on. */
+/** What commands that take assignments share. */
 #ifndef APPLETCTL_COMMANDS_COMMANDRUN_H
 #define APPLETCTL_COMMANDS_COMMANDRUN_H
 

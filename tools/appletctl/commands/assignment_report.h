@@ -16,7 +16,7 @@ namespace appletctl {
 struct AssignmentAdditions {
     /** Gives the lines of what was written to the design since it was last asked. */
     std::function<std::vector<std::string>()> takeWrites = {};
-    /** Of records of these lines: the parameter that was set stands in front. */
+    /** Of records of these lines: the parameter that was set comes first. */
     bool areWritesNamed = false;
     /** True for an assignment that is only to be mentioned, not to be carried out. */
     std::function<bool(const Assignment&)> isLeftOut = {};

@@ -6,8 +6,7 @@ namespace appletctl {
 
 void addWith(CLI::App& command, Options& options) {
     auto& own = options.own<WithOption>();
-    command
-        .add_option("--with", own.assignments, "Answer as if this were set; may stand there more than once")
+    command.add_option("--with", own.assignments, "Answer as if this were set; may be given more than once")
         ->type_name("NAME=VALUE")
         ->allow_extra_args(false);
     command.add_option("--from", own.file, "Answer as if this configuration file were loaded")

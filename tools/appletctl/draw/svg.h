@@ -24,7 +24,7 @@ std::string line(double x1, double y1, double x2, double y2, const std::string& 
 std::string label(double x, double y, const char* anchor, const std::string& text,
                   const std::string& more = "");
 
-/** A document that stands alone, on white: a title, a subtitle that is folded to the width, and the content, which
+/** A self-contained document, on white: a title, a subtitle that is folded to the width, and the content, which
  *  leaves room for one line of the subtitle and moves down for more. */
 std::string document(double width, double height, double left, const std::string& title,
                      const std::string& subtitle, const std::string& content);

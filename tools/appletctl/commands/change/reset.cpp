@@ -43,7 +43,7 @@ std::vector<Default> openDefaults(Context& context, const std::set<std::string>&
     return open;
 }
 
-/** One value can stand in the way of another, so there are rounds as long as one brings something. */
+/** One value can block another, so there are rounds as long as one brings something. */
 void bringAll(Instance& instance, std::vector<Default>& open) {
     constexpr int mostRounds = 8;
     bool moved = true;

@@ -13,7 +13,7 @@ namespace {
 
 using svg::attribute, svg::coordinate, svg::label, svg::line;
 
-/** Smallest and largest entry of a part of the table, and which of them stands first. */
+/** Smallest and largest entry of a part of the table, and which of them comes first. */
 struct Part {
     std::uint32_t minimum, maximum;
     bool isRising;
@@ -201,7 +201,7 @@ std::string clippedBar(const LutTable& table, std::uint32_t largest, const std::
 /** The bars of all colours, and a line below the picture that says what they mean. */
 std::string clippedBars(const LutTables& tables) {
     std::string bars;
-    std::vector<std::string> told;
+    std::vector<std::string> counts;
     for (std::size_t i = 0; i < tables.colours.size(); ++i) {
         const LutTable& table = tables.colours[i];
         const LutStatistics statistics = statisticsOf(table.entries, tables.largest);
@@ -210,11 +210,11 @@ std::string clippedBars(const LutTables& tables) {
             bars += clippedBar(table, tables.largest, part, i);
             if (part) count += part->count();
         }
-        if (count > 0) told.push_back(numberText(count) + " entries of " + table.colour);
+        if (count > 0) counts.push_back(numberText(count) + " entries of " + table.colour);
     }
     if (bars.empty()) return "";
     return bars + label(plotLeft + plotWidth / 2, plotTop + plotHeight + 64, "middle",
-                        "bars: clipped, " + join(told, ", "));
+                        "bars: clipped, " + join(counts, ", "));
 }
 
 std::string curvesAsSvg(const LutTables& tables, const std::string& subtitle) {

@@ -28,7 +28,7 @@ Report compareConfigurations(Context& context, const Words& words) {
     const Words assignments(words.begin() + (areTwoFiles ? 2 : 1), words.end());
     if (!isWithLive && !assignments.empty())
         throw UsageError("two files are compared with each other: no assignments, and no third file; with "
-                         "--live the parameters stand beside them");
+                         "--live compares them with the parameters");
     if (isWithLive) requireBoard(context.options(), "diff");
     const ConfigurationFile a = ConfigurationFile::read(first);
     std::vector<Side> sides{{titleOf(first), "first", &a, true}};

@@ -150,7 +150,7 @@ std::string article(const Documented& row, const Linker& linker) {
     return text + "</dl>\n</article>\n";
 }
 
-/** The parameters of one group, which stand one behind the other. */
+/** The parameters of one group, which follow one another. */
 struct Group {
     std::string id, path;
     std::vector<const Documented*> rows;
@@ -192,9 +192,9 @@ std::string codesTable(const std::vector<Documented>& rows) {
         "limits or off the grid and to every entry, in the state in which this page was made.</p>\n<table>\n"
         "<tr><th>code</th><th>symbol</th><th>meaning</th><th>parameters</th></tr>\n";
     for (const auto& [code, count] : counts) {
-        const nlohmann::ordered_json told = codeAsJson(code);
-        text += "<tr><td>" + numberText(code) + "</td><td>" + svg::escaped(told.value("symbol", "")) +
-                "</td><td>" + svg::escaped(told.value("meaning", "")) + "</td><td>" + numberText(count) +
+        const nlohmann::ordered_json words = codeAsJson(code);
+        text += "<tr><td>" + numberText(code) + "</td><td>" + svg::escaped(words.value("symbol", "")) +
+                "</td><td>" + svg::escaped(words.value("meaning", "")) + "</td><td>" + numberText(count) +
                 "</td></tr>\n";
     }
     return text + "</table>\n</section>\n";

@@ -9,7 +9,7 @@
 namespace appletctl {
 namespace {
 
-/** The board may be at odds with what the scratch board has told, say where it fails. */
+/** The board may differ from the scratch board, where it fails for example. */
 void addSurprises(CommandRun& work, const LoadCheck& expected, int code, const ConfigurationFile& now,
                   ScratchBoard& scratch) {
     const std::vector<Side> sides{{"EXPECTED", "expected", &expected.state}, {"NOW", "now", &now}};

@@ -34,11 +34,12 @@ std::string statisticsText(const LutTables& tables) {
                     "CLIPPED AT END", "BOARD"});
     text.setDispensable({"DISTINCT", "COURSE"});
     for (const LutTable& table : tables.colours) {
-        const LutStatistics told = statisticsOf(table.entries, tables.largest);
+        const LutStatistics statistics = statisticsOf(table.entries, tables.largest);
         const std::string board = boardInWords(tables, table);
-        text.addRow({table.colour, numberText(told.minimum), numberText(told.maximum),
-                     numberText(told.distinct), told.course, clippedText(table.entries, told.atStart),
-                     clippedText(table.entries, told.atEnd), board.empty() ? "-" : board});
+        text.addRow({table.colour, numberText(statistics.minimum), numberText(statistics.maximum),
+                     numberText(statistics.distinct), statistics.course,
+                     clippedText(table.entries, statistics.atStart),
+                     clippedText(table.entries, statistics.atEnd), board.empty() ? "-" : board});
     }
     return text.render(Style::forStream(STDOUT_FILENO)) +
            forPerson(tables.areEqual() ? "The three colours are equal.\n" : "The three colours differ.\n");
@@ -106,7 +107,7 @@ bool haveSameEntries(const LutTables& a, const LutTables& b) {
     return true;
 }
 
-/** The text that an instance of the applet saves of these tables. It is another one than that of the caller, whose
+/** The text that an instance of the applet saves of these tables. The caller has another one, and its
  *  FG_LUT_SAVE_FILE stays as it is. */
 std::string fileTextOf(Options options, const LutTables& tables) {
     options.offline = true;

@@ -29,12 +29,12 @@ constexpr const char* variables[] = {
 };
 
 nlohmann::ordered_json environment() {
-    nlohmann::ordered_json told;
+    nlohmann::ordered_json values;
     for (const char* variable : variables) {
         const char* const value = std::getenv(variable);
-        told[variable] = value != nullptr ? nlohmann::ordered_json(toUtf8(value)) : nullptr;
+        values[variable] = value != nullptr ? nlohmann::ordered_json(toUtf8(value)) : nullptr;
     }
-    return told;
+    return values;
 }
 
 nlohmann::ordered_json systemInfo() {
@@ -72,7 +72,7 @@ constexpr Section sections[] = {
     {"timing", "Timing"},
 };
 
-/** What cannot be told is a part of the report as well. */
+/** A part that fails is in the report as well, with its message. */
 Report partOf(Context& context, const Section& section) {
     try {
         return runCommandNamed(context, section.key, {});

@@ -12,7 +12,7 @@
 
 namespace appletctl {
 
-/** An element with what stands in it; white space between elements is left out. */
+/** An element with its content; white space between elements is left out. */
 struct XmlElement {
     std::string tag;
     std::vector<std::pair<std::string, std::string>> attributes;

@@ -24,7 +24,7 @@ public:
         skipBlanks();
         XmlElement root = element();
         skipBlanks();
-        if (m_at != m_text.size()) fail("something stands behind the last element");
+        if (m_at != m_text.size()) fail("there is something after the last element");
         return root;
     }
 
