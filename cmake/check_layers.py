@@ -14,7 +14,7 @@ MEMBERS = ["src/entry/sdk_parameters.h", "src/entry/setter_tools.h"]
 
 TIMING = ["station/timing/**"]
 PICTURE = ["station/picture/**", "station/timing/Record.h", "station/timing/Simulator.h", "station/timing/Tick.h"]
-BOARD = [*HEADERS, "virtual_board/**"]
+BOARD = [*HEADERS, "station/**", "virtual_board/**"]
 HOST = [*HEADERS, "virtual_board/virtual_board.h", "tools/applet_host/**"]
 TOOLS = "tools/applet_tools/"
 TOOLS_BASE = [*HEADERS, f"{TOOLS}base/**"]

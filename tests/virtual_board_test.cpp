@@ -11,6 +11,7 @@
 
 #include <array>
 #include <cstring>
+#include <map>
 #include <set>
 #include <string>
 #include <vector>
@@ -341,6 +342,151 @@ TEST_F(VirtualBoard, ChangesAValueWhenItIsReadAndOutlivesItsClose) {
     }
     RUNTIME(FreeGrabber)(last);
     EXPECT_EQ(BOARD(vboard_live)("boards"), 1);
+}
+
+/** A board with lines of 64 pixels, one every 100 ticks, and images of four. */
+class VirtualStation : public VirtualBoard {
+protected:
+    VirtualStation() {
+        const std::pair<const char*, int> values[] = {
+            {"CameraSimulator_Enable_SelectSource", 1},
+            {"CameraSimulator_Size_ImageWidth", 100},
+            {"CameraSimulator_LineGap_Number", 2},
+            {"CameraSimulator_PixelFrequency_SequenceLength_ImageWidth", 1},
+            {"Buffer_0_SensorWidth", 64},
+            {"Buffer_0_XLength", 64},
+            {"ImageHeight_ImageHeight", 4},
+            {"Trigger_Trigger_YLength", 4},
+            {"OutputFormat_DynamicShift_Shift_Value", 8},
+            {"OutputFormat_Convert0_VirtualTrash_EnableTrash_Value", 0}};
+        for (const auto& [name, value] : values)
+            EXPECT_EQ(setInt(name, value), 0) << name;
+    }
+    int setInt(const std::string& name, int value) const {
+        return set("Device1_Process0_" + name, FG_PARAM_INT32, value);
+    }
+    template <typename Value> Value own(int number) const {
+        Value value{};
+        EXPECT_EQ(RUNTIME(getParameterWithType)(fg, number, &value, 0, FG_PARAM_UINT32), 0);
+        return value;
+    }
+    std::int64_t wait(std::intptr_t picture, int seconds = 1) const {
+        return RUNTIME(getLastPicNumberBlockingEx)(fg, picture, 0, seconds, nullptr);
+    }
+    std::int64_t status(int what) const { return RUNTIME(getStatusEx)(fg, what, 0, 0, nullptr); }
+};
+
+TEST_F(VirtualStation, GivesPicturesThroughTheRuntime) {
+    // Without a memory pictures are counted and no time passes.
+    EXPECT_EQ(RUNTIME(AcquireEx)(fg, 0, 0, 0, nullptr), 0);
+    EXPECT_EQ(wait(5), 5);
+    EXPECT_EQ(BOARD(vboard_now)(device), 0U);
+    EXPECT_EQ(own<std::uint32_t>(5210), 3145728U);
+
+    vboard_frames* memory = BOARD(vboard_memory)(device, 2, 768, VBOARD_RING);
+    EXPECT_EQ(RUNTIME(AcquireEx)(fg, 0, 3, 0, memory), 0);
+    EXPECT_EQ(own<std::uint32_t>(24092), 1U);
+    EXPECT_EQ(own<std::uint32_t>(5210), 768U);
+    EXPECT_EQ(wait(2), 2);
+    EXPECT_EQ(RUNTIME(getLastPicNumberEx)(fg, 0, memory), 2); // asking takes none
+    EXPECT_EQ(status(0), 2);
+    vboard_record record{};
+    ASSERT_EQ(BOARD(vboard_frame)(memory, 2, &record), VBOARD_OK);
+    EXPECT_EQ(record.size, 768U);
+    EXPECT_TRUE(record.width == 64 && record.lines == 4 && record.bits == 8 && record.bytes_per_line == 192);
+    EXPECT_TRUE(record.first_line == 400 && record.last_line == 700 && record.trigger == 2);
+    // The default pattern: x, without y. The end of line 700 and 6.0005 ticks for 192 bytes.
+    EXPECT_TRUE(record.data[0] == 0 && record.data[3 * 63] == 63 && record.data[192 + 2] == 0);
+    EXPECT_EQ(record.arrival, 709U);
+    EXPECT_EQ(status(VBOARD_STATUS_TICK), 709);
+    EXPECT_EQ(status(VBOARD_STATUS_LINES), 8);
+    EXPECT_EQ(BOARD(vboard_advance)(device, 1000), 1709U);
+    EXPECT_EQ(own<std::uint32_t>(24092), 0U); // three were asked for
+    EXPECT_EQ(BOARD(vboard_frame)(memory, 1, &record), VBOARD_GONE);
+    EXPECT_EQ(wait(4), FG_ERR_NOT_AVAILABLE);
+
+    EXPECT_EQ(RUNTIME(AcquireEx)(fg, 0, 0, 0, memory), 0);
+    EXPECT_EQ(setInt("CameraSimulator_Enable_SelectSource", 0), 0);
+    EXPECT_EQ(wait(1, 2), VBOARD_TIMEOUT);
+    EXPECT_EQ(BOARD(vboard_now)(device), 1709U + 250'000'000);
+    EXPECT_EQ(RUNTIME(stopAcquireEx)(fg, 0, memory, 0), 0);
+    EXPECT_EQ(own<std::uint32_t>(24092), 0U);
+    BOARD(vboard_memory_free)(memory);
+}
+
+TEST_F(VirtualStation, RefusesMemoriesThatDoNotFit) {
+    int foreign = 0;
+    EXPECT_EQ(RUNTIME(AcquireEx)(fg, 0, 3, 0, &foreign), FG_ERR_INVALID_ARGUMENT);
+    LOOMdevice* other = BOARD(vboard_open)();
+    vboard_frames* others = BOARD(vboard_memory)(other, 2, 768, VBOARD_RING);
+    BOARD(vboard_close)(other); // the memory keeps it
+    EXPECT_EQ(RUNTIME(AcquireEx)(fg, 0, 3, 0, others), FG_ERR_INVALID_ARGUMENT);
+    BOARD(vboard_memory_free)(others);
+    vboard_frames* small = BOARD(vboard_memory)(device, 2, 767, VBOARD_RING);
+    EXPECT_EQ(RUNTIME(AcquireEx)(fg, 0, 3, 0, small), FG_ERR_BUFFER);
+    BOARD(vboard_memory_free)(small);
+    EXPECT_EQ(own<std::uint32_t>(24092), 0U);
+    EXPECT_EQ(BOARD(vboard_memory)(device, 0, 767, VBOARD_RING), nullptr);
+    vboard_frames* memory = BOARD(vboard_memory)(device, 1, 768, VBOARD_BLOCKING);
+    EXPECT_EQ(RUNTIME(AcquireEx)(fg, 0, 0, 0, memory), 0);
+    EXPECT_EQ(BOARD(vboard_advance)(device, 1500), 1500U);
+    EXPECT_EQ(RUNTIME(getLastPicNumberEx)(fg, 0, memory), 1); // no room for another
+    EXPECT_EQ(BOARD(vboard_release)(memory, 1), VBOARD_OK);
+    EXPECT_EQ(BOARD(vboard_release)(memory, 1), VBOARD_GONE);
+    EXPECT_EQ(wait(2), 2);
+    BOARD(vboard_memory_free)(memory); // ends the acquisition
+    EXPECT_EQ(own<std::uint32_t>(24092), 0U);
+    EXPECT_EQ(wait(3), FG_ERR_NOT_AVAILABLE);
+    BOARD(vboard_reset)(device);
+    EXPECT_EQ(BOARD(vboard_now)(device), 0U);
+}
+
+TEST_F(VirtualStation, ActsOnWritesWavesAndInjection) {
+    EXPECT_EQ(setInt("Trigger_Trigger_ImgTriggerMode", 1), 0);
+    EXPECT_EQ(setInt("Trigger_Trigger_ImgTriggerEnable", 1), 0);
+    EXPECT_EQ(setInt("Trigger_Trigger_ImgTrgInSource", 4), 0);
+    vboard_frames* memory = BOARD(vboard_memory)(device, 4, 768, VBOARD_RING);
+    EXPECT_EQ(RUNTIME(AcquireEx)(fg, 0, 0, 0, memory), 0);
+    EXPECT_EQ(BOARD(vboard_wave_square)(device, 3, 100, 1000, 50), VBOARD_OK);
+    EXPECT_EQ(BOARD(vboard_wave_level)(device, 12, true), VBOARD_UNKNOWN);
+    EXPECT_EQ(BOARD(vboard_advance)(device, 120), 120U);
+    EXPECT_EQ(setInt("Trigger_Trigger_SoftwareTrgPulse", 1), 0);
+    EXPECT_EQ(wait(1), 1);
+    vboard_record record{};
+    EXPECT_EQ(BOARD(vboard_frame)(memory, 1, &record), VBOARD_OK);
+    EXPECT_EQ(record.first_line, 200U);
+
+    vboard_edge edges[2]{};
+    bool level = true;
+    EXPECT_EQ(BOARD(vboard_signals)(device, 24, 0, 200, edges, 2, &level), 2); // debounced for 3 ticks
+    EXPECT_TRUE(!level && edges[0].tick == 103 && edges[0].level && edges[1].tick == 153);
+    std::int64_t inputs = -1;
+    BOARD(vboard_peek_int)(device, "Device1_Process1_Trigger_Inputs_InputStatus_Status", &inputs);
+    EXPECT_EQ(inputs, 0);
+    vboard_event event{};
+    std::map<std::string, int> count;
+    while (BOARD(vboard_next_event)(device, &event) == VBOARD_OK)
+        ++count[event.name];
+    EXPECT_EQ(count["Device1_Process1_Trigger_Inputs_InputEvents_InputEvents_Pin3"], 1);
+    EXPECT_EQ(count["Device1_Process1_Trigger_Events_Events_LVAL_FVAL_Cam0LineStart"], 6);
+    EXPECT_EQ(RUNTIME(getStatusEx)(fg, VBOARD_STATUS_EVENTS, 1 << 2, 0, nullptr), 6); // by mask too
+
+    const std::uint16_t pixels[] = {0x1100, 0x2200, 0x3300};
+    EXPECT_EQ(BOARD(vboard_inject)(device, VBOARD_OUTPUT, 1, 1, pixels), VBOARD_UNKNOWN); // the input is off
+    EXPECT_EQ(setInt("OutputFormat_Debug_OperationMode", 1), 0);
+    EXPECT_EQ(BOARD(vboard_inject)(device, VBOARD_OUTPUT, 1, 1, pixels), VBOARD_OK);
+    EXPECT_EQ(wait(2), 2);
+    EXPECT_EQ(BOARD(vboard_frame)(memory, 2, &record), VBOARD_OK);
+    EXPECT_TRUE(record.data[0] == 0x33 && record.data[1] == 0x22 && record.data[2] == 0x11 &&
+                record.data[3] == 0);
+
+    const vboard_speed speed[] = {{1000, 1'250'000, 1'250'000}}; // ten quarter steps, and on
+    EXPECT_EQ(BOARD(vboard_wave_encoder)(device, 1, 2, speed, 1), VBOARD_OK);
+    EXPECT_EQ(BOARD(vboard_wave_encoder)(device, 1, 1, speed, 1), VBOARD_UNKNOWN);
+    const std::uint64_t now = BOARD(vboard_now)(device);
+    BOARD(vboard_advance)(device, 1000);
+    EXPECT_EQ(BOARD(vboard_signals)(device, 22, now, now + 1000, nullptr, 0, nullptr), 5);
+    BOARD(vboard_memory_free)(memory);
 }
 
 } // namespace

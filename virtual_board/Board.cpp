@@ -1,6 +1,10 @@
 #include "Board.h"
 
+#include "BoardStation.h"
 #include "vexo/fg_api.h"
+#include "vexo/fg_errors.h"
+
+#include <algorithm>
 
 namespace vboard {
 namespace {
@@ -32,6 +36,9 @@ Access registerAccess(int kind, int id) {
 }
 
 } // namespace
+
+Board::Board() = default;
+Board::~Board() = default;
 
 void Board::release() {
     if (--m_holders == 0) delete static_cast<LOOMdevice*>(this);
@@ -67,7 +74,10 @@ int Board::set(const Design& design, int id, const void* value, int dma, int tag
     const char* text = Values::describe(access, value); // a failed set shows its value too
     if (const int fault = faultOf(access)) return finish(access, fault, text);
     if (access.row < 0 || value == nullptr || dma != 0) return finish(access, FG_ERR_INVALID_ARGUMENT, text);
-    return finish(access, m_values.store(access, value), text);
+    const int code = m_values.store(access, value);
+    if (code == FG_OK && m_station != nullptr && BoardStation::isActing(access.row))
+        m_station->write(access.row);
+    return finish(access, code, text);
 }
 
 int Board::get(const Design& design, int id, void* value, int dma, int tag) {
@@ -138,14 +148,30 @@ int Board::configure(int function, vboard_config_function* AttachedApplet::*whic
     return applet.*which != nullptr ? (applet.*which)(applet.fg, file) : answer;
 }
 
-void Board::publishAcquisition() {
-    static const int status = findParameter("FG_DMASTATUS");
-    m_values.setNumber(status, m_acquisition.isRunning() ? 1 : 0);
+BoardStation& Board::station() {
+    if (m_station == nullptr) m_station = std::make_unique<BoardStation>(m_values, m_events);
+    return *m_station;
 }
 
-int Board::startAcquisition(int dma, std::int64_t pictures) {
+void Board::publishAcquisition() {
+    static const int status = findParameter("FG_DMASTATUS");
+    const bool isRunning = m_isImaging ? station().station().isRunning() : m_acquisition.isRunning();
+    m_values.setNumber(status, isRunning ? 1 : 0);
+}
+
+int Board::startAcquisition(int dma, std::int64_t pictures, const void* memory) {
     if (dma != 0) return FG_ERR_INVALID_ARGUMENT;
-    m_acquisition.start(pictures);
+    if (memory != nullptr) {
+        const auto known = std::find(m_memories.begin(), m_memories.end(), memory);
+        if (known == m_memories.end()) return FG_ERR_INVALID_ARGUMENT;
+        if (!station().station().start((*known)->memory, pictures)) return FG_ERR_BUFFER;
+        m_acquisition.stop();
+        station().publishRuntime();
+    } else {
+        if (m_isImaging) station().station().stop();
+        m_acquisition.start(pictures);
+    }
+    m_isImaging = memory != nullptr;
     publishAcquisition();
     return FG_OK;
 }
@@ -153,8 +179,55 @@ int Board::startAcquisition(int dma, std::int64_t pictures) {
 int Board::stopAcquisition(int dma) {
     if (dma != 0) return FG_ERR_INVALID_ARGUMENT;
     m_acquisition.stop();
+    if (m_isImaging) station().station().stop();
     publishAcquisition();
     return FG_OK;
+}
+
+std::int64_t Board::picture() {
+    return m_isImaging ? station().station().lastPicture() : m_acquisition.picture();
+}
+
+std::int64_t Board::nextPicture() { return m_isImaging ? picture() : m_acquisition.nextPicture(); }
+
+std::int64_t Board::waitForPicture(std::int64_t picture, int seconds) {
+    if (!m_isImaging) return m_acquisition.waitForPicture(picture);
+    const std::int64_t result = station().waitForPicture(picture, seconds);
+    publishAcquisition();
+    return result;
+}
+
+std::int64_t Board::stationStatus(int what) {
+    station::Station& station = this->station().station();
+    const station::Losses losses = station.losses();
+    switch (what) {
+    case VBOARD_STATUS_TICK:
+        return static_cast<std::int64_t>(station.now());
+    case VBOARD_STATUS_LINES:
+        return static_cast<std::int64_t>(station.lines());
+    case VBOARD_STATUS_FILL_LEVEL:
+        return station.fillLevel();
+    case VBOARD_STATUS_LOST_IMAGES:
+        return static_cast<std::int64_t>(losses.images);
+    case VBOARD_STATUS_IGNORED_TRIGGERS:
+        return static_cast<std::int64_t>(losses.triggers);
+    case VBOARD_STATUS_LOST_PULSES:
+        return static_cast<std::int64_t>(losses.pulses);
+    case VBOARD_STATUS_LOST_CAMERA_TRIGGERS:
+        return static_cast<std::int64_t>(losses.cameraTriggers);
+    case VBOARD_STATUS_DROPPED_EVENTS:
+        return static_cast<std::int64_t>(losses.events);
+    default:
+        return 0;
+    }
+}
+
+void Board::addMemory(const vboard_frames& memory) { m_memories.push_back(&memory); }
+
+void Board::removeMemory(const vboard_frames& memory) {
+    std::erase(m_memories, &memory);
+    if (m_station != nullptr) m_station->station().detach(*memory.memory);
+    publishAcquisition();
 }
 
 void Board::reset() {
@@ -163,6 +236,8 @@ void Board::reset() {
     m_faults.reset();
     m_log.clear();
     m_acquisition = {};
+    m_station.reset();
+    m_isImaging = false;
     m_events.reset();
     m_watcher = {};
     m_forcedError.reset();

@@ -15,9 +15,13 @@
 #include <atomic>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
+#include <vector>
 
 namespace vboard {
+
+class BoardStation;
 
 /** The applet that configuration files are saved from and loaded into. */
 struct AttachedApplet {
@@ -39,7 +43,8 @@ struct Watcher {
  */
 class Board {
 public:
-    Board() = default;
+    Board();
+    ~Board();
     Board(const Board&) = delete;
     Board& operator=(const Board&) = delete;
 
@@ -59,8 +64,14 @@ public:
     int writeRegister(int id, std::uint64_t value) EXCLUDES(m_mutex);
 
     /* Inside `call` only. */
-    int startAcquisition(int dma, std::int64_t pictures) REQUIRES(m_mutex);
+    /** Without a memory pictures are counted and nothing else happens; with one, the station makes them. */
+    int startAcquisition(int dma, std::int64_t pictures, const void* memory) REQUIRES(m_mutex);
     int stopAcquisition(int dma) REQUIRES(m_mutex);
+    std::int64_t picture() REQUIRES(m_mutex);
+    std::int64_t nextPicture() REQUIRES(m_mutex);
+    std::int64_t waitForPicture(std::int64_t picture, int seconds) REQUIRES(m_mutex);
+    /** One of the states VBOARD_STATUS_TICK and on. */
+    std::int64_t stationStatus(int what) REQUIRES(m_mutex);
 
     /* Control. */
     void reset() EXCLUDES(m_mutex);
@@ -74,6 +85,14 @@ public:
     AccessLog& log() REQUIRES(m_mutex) { return m_log; }
     Acquisition& acquisition() REQUIRES(m_mutex) { return m_acquisition; }
     Events& events() REQUIRES(m_mutex) { return m_events; }
+    /** The station, which is made when it is first asked for. */
+    BoardStation& station() REQUIRES(m_mutex);
+    /** Brings the parameters that show acquisition and station up to date. */
+    void publishAcquisition() REQUIRES(m_mutex);
+
+    /* The memories of the host that were made for this board. */
+    void addMemory(const vboard_frames& memory) REQUIRES(m_mutex);
+    void removeMemory(const vboard_frames& memory) REQUIRES(m_mutex);
 
     /** Guards the handles of the board too. */
     Mutex& mutex() RETURN_CAPABILITY(m_mutex) { return m_mutex; }
@@ -99,8 +118,6 @@ private:
     int faultOf(const Access& access) REQUIRES(m_mutex);
     /** Logs the access; the text, if there is one, is its value. Gives back `code`. */
     int finish(Access access, int code, const char* text = nullptr) REQUIRES(m_mutex);
-    /** Brings the parameter that shows the acquisition up to date. */
-    void publishAcquisition() REQUIRES(m_mutex);
 
     Live m_live{Live::boards};
     std::atomic<int> m_holders{1};
@@ -111,6 +128,9 @@ private:
     AccessLog m_log GUARDED_BY(m_mutex);
     Acquisition m_acquisition GUARDED_BY(m_mutex);
     Events m_events GUARDED_BY(m_mutex);
+    std::unique_ptr<BoardStation> m_station GUARDED_BY(m_mutex);
+    bool m_isImaging GUARDED_BY(m_mutex) = false; // the last acquisition was one of the station
+    std::vector<const vboard_frames*> m_memories GUARDED_BY(m_mutex);
     Watcher m_watcher GUARDED_BY(m_mutex);
     std::optional<int> m_forcedError GUARDED_BY(m_mutex);
     int m_lastError GUARDED_BY(m_mutex) = 0;

@@ -15,7 +15,9 @@ namespace vboard {
 class Events {
 public:
     void reset() { m_raised.clear(); }
-    void raise(const char* name) { ++m_raised[name]; }
+    void raise(const char* name, std::uint64_t times = 1) {
+        m_raised[name] += static_cast<std::int64_t>(times);
+    }
     /** How often the events of a mask were raised since they were last asked for. */
     std::int64_t take(const Design& design, std::uint64_t mask);
 

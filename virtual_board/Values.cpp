@@ -59,6 +59,8 @@ bool isCompatible(std::optional<Type> given, Type own) {
 } // namespace
 
 void Values::reset() {
+    ++m_revision;
+    ++m_tableRevision;
     const auto rows = parameterRows();
     m_numbers.assign(rows.size(), 0);
     m_texts.assign(rows.size(), {});
@@ -93,6 +95,7 @@ int Values::store(const Access& access, const void* value) {
     if (!row.writable) return FG_ERR_NOT_AVAILABLE;
     if (!isCompatible(type, row.type)) return FG_ERR_INVALID_ARGUMENT;
     if (row.type == Type::field) return storeField(access, value);
+    ++m_revision;
     if (row.type == Type::text)
         m_texts[place(access.row)] = static_cast<const char*>(value);
     else
@@ -131,6 +134,7 @@ std::vector<std::uint32_t>& Values::fieldOf(std::size_t row) {
 int Values::storeField(const Access& access, const void* value) {
     const auto run = runOf(access.tag, value);
     if (!run || !isInside(run->first, run->count)) return FG_ERR_INVALID_ARGUMENT;
+    ++m_tableRevision;
     auto& elements = fieldOf(place(access.row));
     for (std::uint32_t i = 0; i < run->count; ++i)
         elements[run->first + i] =
@@ -168,6 +172,8 @@ std::uint64_t Values::number(int row) const { return m_numbers[place(row)]; }
 
 const std::string& Values::text(int row) const { return m_texts[place(row)]; }
 
+const std::vector<std::uint32_t>& Values::field(int row) const { return m_fields[place(row)]; }
+
 void Values::setNumber(int row, std::uint64_t number) { m_numbers[place(row)] = number; }
 
 std::uint64_t* Values::findNumber(std::string_view name, Type& type) {
@@ -184,6 +190,7 @@ bool Values::poke(std::string_view name, Type type, std::uint64_t bits) {
     Type own;
     std::uint64_t* number = findNumber(name, own);
     if (number == nullptr) return false;
+    ++m_revision;
     *number = converted(type, bits, own);
     if (const int row = findRegister(name); row >= 0) *number &= widthMask(registerRows()[place(row)].bits);
     return true;

@@ -36,6 +36,12 @@ public:
     std::uint64_t number(int row) const;
     const std::string& text(int row) const;
     void setNumber(int row, std::uint64_t number);
+    /** Elements of an array; none until it is written: zeros. */
+    const std::vector<std::uint32_t>& field(int row) const;
+
+    /** A number that is another one after each write or poke, and one for those of arrays. setNumber leaves it. */
+    std::uint64_t revision() const { return m_revision; }
+    std::uint64_t tableRevision() const { return m_tableRevision; }
 
     /* Control: past every check. */
     bool poke(std::string_view name, Type type, std::uint64_t bits);
@@ -57,6 +63,8 @@ private:
     std::vector<std::string> m_texts;                 // of numbers: empty
     std::vector<std::vector<std::uint32_t>> m_fields; // empty until it is written: zeros
     std::map<std::size_t, std::uint64_t> m_afterRead; // replaces the number once it is read
+    std::uint64_t m_revision = 0;
+    std::uint64_t m_tableRevision = 0;
     // By row of the registers.
     std::vector<std::uint64_t> m_registers;
 };

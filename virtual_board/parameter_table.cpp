@@ -7,7 +7,7 @@ namespace vboard {
 namespace {
 
 constexpr EnumEntry offOn[] = {{0, "Off", "OFF"}, {1, "On", "ON"}};
-constexpr EnumEntry lowHigh[] = {{0, "Low active", "LOW_ACTIVE"}, {1, "High active", "HIGH_ACTIVE"}};
+constexpr EnumEntry highLow[] = {{0, "High active", "HIGH_ACTIVE"}, {1, "Low active", "LOW_ACTIVE"}};
 constexpr EnumEntry portOrSimulator[] = {{0, "Camera port", "CAMERA_PORT"}, {1, "Simulator", nullptr}};
 
 constexpr ParameterRow rows[] = {
@@ -81,10 +81,10 @@ constexpr ParameterRow rows[] = {
     u32("Device1_Process0_Trigger_Trigger_ExsyncEnable", writable, 0).oneOf(offOn),
     f64("Device1_Process0_Trigger_Trigger_ExsyncExposure", writable, 19).in("us").upTo(1048.568),
     f64("Device1_Process0_Trigger_Trigger_ExsyncPeriod", writable, 200).in("us").upTo(2097.144),
-    u32("Device1_Process0_Trigger_Trigger_ExsyncPolarity", writable, 1).oneOf(lowHigh),
+    u32("Device1_Process0_Trigger_Trigger_ExsyncPolarity", writable, 1).oneOf(highLow),
     u32("Device1_Process0_Trigger_Trigger_FlashDelay", writable, 0),
     u32("Device1_Process0_Trigger_Trigger_FlashEnable", writable, 0).oneOf(offOn),
-    u32("Device1_Process0_Trigger_Trigger_FlashPolarity", writable, 0).oneOf(lowHigh),
+    u32("Device1_Process0_Trigger_Trigger_FlashPolarity", writable, 0).oneOf(highLow),
     f64("Device1_Process0_Trigger_Trigger_ImgTrgDebouncingTime", writable, 0.112).in("us").upTo(65.0),
     u32("Device1_Process0_Trigger_Trigger_ImgTrgDelay", writable, 0),
     u32("Device1_Process0_Trigger_Trigger_ImgTrgInPolarity", writable, 0),
@@ -94,12 +94,12 @@ constexpr ParameterRow rows[] = {
     u32("Device1_Process0_Trigger_Trigger_ImgTriggerMode", writable, 0),
     f64("Device1_Process0_Trigger_Trigger_LineTrgDebouncingTime", writable, 0.112).in("us").upTo(65.0),
     u32("Device1_Process0_Trigger_Trigger_LineTrgDownscaler", writable, 1),
-    u32("Device1_Process0_Trigger_Trigger_LineTrgInPolarity", writable, 0).oneOf(lowHigh),
+    u32("Device1_Process0_Trigger_Trigger_LineTrgInPolarity", writable, 0).oneOf(highLow),
     u32("Device1_Process0_Trigger_Trigger_LineTrgInSourceA", writable, 0),
     u32("Device1_Process0_Trigger_Trigger_LineTrgInSourceB", writable, 1),
     u32("Device1_Process0_Trigger_Trigger_LineTrgPhase", writable, 1),
     u32("Device1_Process0_Trigger_Trigger_LineTriggerMode", writable, 1),
-    u32("Device1_Process0_Trigger_Trigger_MaxGatedHeight", writable, 1024),
+    u32("Device1_Process0_Trigger_Trigger_MaxGatedHeight", writable, 0),
     u32("Device1_Process0_Trigger_Trigger_SoftwareTrgInput", writable, 0),
     u32("Device1_Process0_Trigger_Trigger_SoftwareTrgPulse", writable, 0),
     u32("Device1_Process0_Trigger_Trigger_YLength", writable, 1024),

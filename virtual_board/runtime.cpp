@@ -146,9 +146,10 @@ int getAppletId(Fg_Struct* fg, uintptr_t) {
     return call(fg, entry("Fg_getAppletId"), [] { return appletId; });
 }
 
-int acquireEx(Fg_Struct* fg, int dma, intptr_t frames, int, void*) {
-    return call(fg, entry("Fg_AcquireEx"),
-                [&]() REQUIRES(fg->board.mutex()) { return fg->board.startAcquisition(dma, frames); });
+int acquireEx(Fg_Struct* fg, int dma, intptr_t frames, int, void* memory) {
+    return call(fg, entry("Fg_AcquireEx"), [&]() REQUIRES(fg->board.mutex()) {
+        return fg->board.startAcquisition(dma, frames, memory);
+    });
 }
 
 int stopAcquireEx(Fg_Struct* fg, int dma, void*, int) {
@@ -158,20 +159,21 @@ int stopAcquireEx(Fg_Struct* fg, int dma, void*, int) {
 
 int64_t getStatusEx(Fg_Struct* fg, int what, intptr_t mask, int, void*) {
     return callWide(fg, entry("Fg_getStatusEx"), [=]() REQUIRES(fg->board.mutex()) {
-        return what == VBOARD_STATUS_EVENTS
-                   ? fg->board.events().take(*fg->design, static_cast<std::uint64_t>(mask))
-                   : fg->board.acquisition().picture();
+        if (what == VBOARD_STATUS_EVENTS)
+            return fg->board.events().take(*fg->design, static_cast<std::uint64_t>(mask));
+        const bool isOfStation = what >= VBOARD_STATUS_TICK && what <= VBOARD_STATUS_DROPPED_EVENTS;
+        return isOfStation ? fg->board.stationStatus(what) : fg->board.picture();
     });
 }
 
 int64_t getLastPicNumberEx(Fg_Struct* fg, int, void*) {
     return callWide(fg, entry("Fg_getLastPicNumberEx"),
-                    [fg]() REQUIRES(fg->board.mutex()) { return fg->board.acquisition().nextPicture(); });
+                    [fg]() REQUIRES(fg->board.mutex()) { return fg->board.nextPicture(); });
 }
 
-int64_t getLastPicNumberBlockingEx(Fg_Struct* fg, intptr_t picture, int, int, void*) {
+int64_t getLastPicNumberBlockingEx(Fg_Struct* fg, intptr_t picture, int, int timeoutSeconds, void*) {
     return callWide(fg, entry("Fg_getLastPicNumberBlockingEx"), [&]() REQUIRES(fg->board.mutex()) {
-        return fg->board.acquisition().waitForPicture(picture);
+        return fg->board.waitForPicture(picture, timeoutSeconds);
     });
 }
 

@@ -22,7 +22,7 @@
 extern "C" {
 #endif
 
-enum { VBOARD_OK = 0, VBOARD_UNKNOWN = -1, VBOARD_TOO_SMALL = -2 };
+enum { VBOARD_OK = 0, VBOARD_UNKNOWN = -1, VBOARD_TOO_SMALL = -2, VBOARD_TIMEOUT = -3, VBOARD_GONE = -4 };
 
 /** A new board with the design's start values; to be handed to Std_entry. Close it after its last handle. */
 LOOMdevice* vboard_open(void);
@@ -119,7 +119,115 @@ int vboard_raise_event(LOOMdevice* board, const char* name);
 /** For the first argument of Fg_getStatusEx, which otherwise gives the number of the last picture: how often the
  *  events of the mask in its second argument were raised since they were last asked for. A mask is as
  *  Fg_getEventMask gives it; the events past the 64th have none. */
-enum { VBOARD_STATUS_EVENTS = 1000 };
+enum {
+    VBOARD_STATUS_EVENTS = 1000,
+    /* States of the station, whatever the mask is. */
+    VBOARD_STATUS_TICK = 1001,                 /**< its time */
+    VBOARD_STATUS_LINES = 1002,                /**< lines of the source so far */
+    VBOARD_STATUS_FILL_LEVEL = 1003,           /**< of the buffer in percent; the overflow flag stays */
+    VBOARD_STATUS_LOST_IMAGES = 1004,          /**< no room in the buffer */
+    VBOARD_STATUS_IGNORED_TRIGGERS = 1005,     /**< of images, while one was in progress */
+    VBOARD_STATUS_LOST_PULSES = 1006,          /**< of the line trigger, while ExSync was active */
+    VBOARD_STATUS_LOST_CAMERA_TRIGGERS = 1007, /**< while a line or frame was in transfer */
+    VBOARD_STATUS_DROPPED_EVENTS = 1008        /**< that left the queue of vboard_next_event */
+};
+
+/*
+ * The line-scan station of the board: signals, lines and pictures in simulated time.
+ *
+ * Time is a count of ticks of 8 ns from vboard_open on. It moves in vboard_advance, and in
+ * Fg_getLastPicNumberBlockingEx for a picture of the station; it never follows a clock. A write of a parameter acts
+ * from the next tick on. A board on which none of these functions is called has no station, and costs none.
+ * Inputs are numbered 0 to 7 (GPI) and 8 to 11 (front GPI).
+ */
+
+/** The time; 0 for a null board. */
+uint64_t vboard_now(LOOMdevice* board);
+/** Lets time move by `ticks` and gives the new time. It is less than asked for if very much happens (some 2^26 ticks
+ *  with an edge in them): then ask for the rest. */
+uint64_t vboard_advance(LOOMdevice* board, uint64_t ticks);
+
+/** Connects a level that stays to an input, from the next tick on. VBOARD_UNKNOWN: there is no such input. */
+int vboard_wave_level(LOOMdevice* board, unsigned input, bool level);
+/** Connects a square wave: it rises at the tick `rise` and every `period` ticks after it, for `high` ticks. */
+int vboard_wave_square(LOOMdevice* board, unsigned input, uint64_t rise, uint64_t period, uint64_t high);
+/** A level from a tick on. */
+typedef struct vboard_edge {
+    uint64_t tick;
+    bool level;
+} vboard_edge;
+/** Connects a level with edges, in the order of their ticks. They are copied. */
+int vboard_wave_edges(LOOMdevice* board, unsigned input, bool level, const vboard_edge* edges, size_t count);
+/** So many ticks (at most 2^40) in which the speed changes evenly. Speeds are quarter steps of an encoder a second,
+ *  negative backwards, at most ten million. */
+typedef struct vboard_speed {
+    uint64_t ticks;
+    int32_t from, to;
+} vboard_speed;
+/** Connects an encoder to two inputs. It moves from the next tick on; after the last piece its speed stays. */
+int vboard_wave_encoder(LOOMdevice* board, unsigned inputA, unsigned inputB, const vboard_speed* pieces,
+                        size_t count);
+
+/** How many bytes the DMA moves in a second; 0: as many as the link. */
+void vboard_dma_rate(LOOMdevice* board, uint64_t bytesPerSecond);
+
+/** A memory for pictures: the `memory` argument of Fg_AcquireEx. */
+typedef struct vboard_frames vboard_frames;
+enum { VBOARD_RING = 0, VBOARD_BLOCKING = 1 };
+/** A new memory of so many frames of so many bytes. In a ring the oldest picture is overwritten; else a picture stays
+ *  until it is released, and the DMA waits. Null for a null board or no frames. It keeps the board until it is freed.
+ *  Fg_AcquireEx answers FG_ERR_INVALID_ARGUMENT for what is no memory of the board, and FG_ERR_BUFFER if a picture is
+ *  larger than a frame. Fg_getLastPicNumberBlockingEx then takes its timeout in simulated seconds and answers
+ *  VBOARD_TIMEOUT after it. */
+vboard_frames* vboard_memory(LOOMdevice* board, size_t frames, uint64_t bytes, int kind);
+/** Frees a memory. An acquisition into it ends. Null does nothing. */
+void vboard_memory_free(vboard_frames* memory);
+
+/** A picture and where it comes from. */
+typedef struct vboard_record {
+    const uint8_t* data;     /**< its bytes, which are the memory's */
+    uint64_t size;           /**< of them */
+    int64_t picture;         /**< from 1 */
+    uint64_t lost_before;    /**< images since the picture before it that the buffer had no room for */
+    uint64_t trigger;        /**< number of the start that it belongs to, from 1 */
+    int64_t encoder;         /**< place of the encoder at the first line, in quarter steps */
+    uint64_t first_line;     /**< tick at which its transfer started */
+    uint64_t last_line;      /**< the same of the last line */
+    uint64_t arrival;        /**< tick at which all of it was in the memory */
+    uint32_t width;          /**< pixels of a line */
+    uint32_t lines;          /**< of this picture */
+    uint32_t bits;           /**< of a component: 8, 10, 12, 14 or 16 */
+    uint32_t bytes_per_line; /**< blue, green, red of each pixel from the lowest bit on, without a gap */
+    bool is_short;           /**< fewer lines than the height of an image */
+    bool is_narrow;          /**< the source's lines were narrower than what was to be stored of them */
+} vboard_record;
+/** Fills in the record of a picture. Its bytes are made now and stay until the picture is overwritten, released or the
+ *  memory freed; meanwhile no other thread should let time move. VBOARD_GONE: the picture is not there (or there is no
+ *  memory left to make it), VBOARD_TOO_SMALL: it has become larger than a frame. */
+int vboard_frame(vboard_frames* memory, int64_t picture, vboard_record* record);
+/** Gives the frame of a picture back. VBOARD_GONE: it is not there. */
+int vboard_release(vboard_frames* memory, int64_t picture);
+
+/** An event that happened. The name is the design's and lives as long as the process. */
+typedef struct vboard_event {
+    uint64_t tick;
+    const char* name;
+} vboard_event;
+/** The oldest event of the station that was not asked for here yet. VBOARD_GONE: none. The queue keeps the last 65536.
+ *  Fg_getStatusEx counts events apart from it. */
+int vboard_next_event(LOOMdevice* board, vboard_event* event);
+/** The edges of a signal from the tick `from` to the tick `to`, both included. `select` is the number by which the
+ *  design selects it (1 ExSync, 21 GPI 0, 33 line start, ...). Writes at most `size` edges, and into `level`, unless
+ *  null, the level before them. Gives the number of edges that there are, or VBOARD_GONE if the station no longer has the
+ *  first of them: it keeps the last 16384 of each signal. */
+int64_t vboard_signals(LOOMdevice* board, unsigned select, uint64_t from, uint64_t to, vboard_edge* edges,
+                       size_t size, bool* level);
+
+enum { VBOARD_CAMERA = 0, VBOARD_BUFFER = 1, VBOARD_OUTPUT = 2 };
+/** Puts an image into the path at a debug point with its input on: rows of red, green and blue in 16 bits each, copied.
+ *  It takes an acquisition of the station. VBOARD_UNKNOWN: no such point, input off, no acquisition, no sound size (at
+ *  most 16384 x 65536 and 2^24 pixels), or no room. */
+int vboard_inject(LOOMdevice* board, int point, uint32_t width, uint32_t height, const uint16_t* components);
 
 /* The present value of a design parameter or register, past every check: no log, no fault, no direction. */
 int vboard_poke_int(LOOMdevice* board, const char* name, int64_t value);

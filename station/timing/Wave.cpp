@@ -1,6 +1,7 @@
 #include "station/timing/Wave.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <utility>
 
 namespace station {
@@ -139,8 +140,13 @@ bool Wave::findStepWithin(Tick after, Tick end, bool isForward) {
         if (m_present.from == 0) return false;
         const Place goal = (Place{m_steps} + (isForward ? 1 : 0)) * unitsOfStep;
         const Place way = isForward ? goal - m_place : m_place - goal;
-        const Place speed = 2 * Place{isForward ? m_present.from : -m_present.from};
-        const Place time = way <= 0 ? 0 : (way + speed - 1) / speed;
+        const auto speed =
+            static_cast<std::uint64_t>(2 * std::int64_t{isForward ? m_present.from : -m_present.from});
+        Place time = 0; // the way over the speed, rounded up
+        if (way > 0 && way <= Place{INT64_MAX})
+            time = static_cast<Place>((static_cast<std::uint64_t>(way) + speed - 1) / speed);
+        else if (way > 0)
+            time = (way + static_cast<Place>(speed) - 1) / static_cast<Place>(speed);
         if (time > static_cast<Place>(end)) return false;
         high = std::max(static_cast<Tick>(time), after + 1);
     } else {
