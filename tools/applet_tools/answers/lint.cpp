@@ -327,7 +327,7 @@ void imageTrigger(State& state) {
     if (!isImageTriggered(state)) return;
     if (state.is("FG_IMGTRIGGERON", {FG_OFF}))
         state.add("image-trigger", {"FG_IMGTRIGGERON", "FG_IMGTRIGGERMODE"},
-                  "Images wait for a trigger, and the image trigger is off: none will start",
+                  "The image trigger is off: images come without a trigger, as in free run",
                   "Set FG_IMGTRIGGERON=FG_ON");
     const double lines = state.number("FG_IMGTRIGGER_ASYNC_HEIGHT");
     const double height = state.number("FG_HEIGHT");
