@@ -313,7 +313,7 @@ std::vector<Step> readScenario(const std::string& file, const Options& options) 
         try {
             Step step = parseStep(content, line, options);
             step.line = number;
-            if (step.kind != nullptr && step.kind->applyAssignments == nullptr) {
+            if (step.kind != nullptr && step.kind->run == nullptr) {
                 section = step.words.front();
                 continue;
             }
@@ -328,9 +328,9 @@ std::vector<Step> readScenario(const std::string& file, const Options& options) 
     return steps;
 }
 
-std::string applyAssignments(ScenarioRunner& station, const Step& step) {
+std::string runStep(ScenarioRunner& station, const Step& step) {
     try {
-        if (step.kind != nullptr) return step.kind->applyAssignments(station, step);
+        if (step.kind != nullptr) return step.kind->run(station, step);
         return runCommand(station, step.request, exitDone);
     } catch (const std::exception& error) {
         return error.what();

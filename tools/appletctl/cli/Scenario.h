@@ -31,7 +31,7 @@ struct StepKind {
     /** Throws UsageError for words that can never be right; null if there are none. */
     void (*check)(const Words& words);
     /** Does the step; gives what was wrong, nothing if all was well. */
-    std::string (*applyAssignments)(ScenarioRunner& station, const Step& step);
+    std::string (*run)(ScenarioRunner& station, const Step& step);
 };
 
 /** Reads the steps. Throws UsageError with file and line, and what is possible, for a line that is none. */
@@ -41,7 +41,7 @@ std::vector<Step> readScenario(const std::string& file, const Options& options);
 std::string scenarioSteps();
 
 /** Does a step, of a kind or a command; gives what was wrong, nothing if all was well. */
-std::string applyAssignments(ScenarioRunner& station, const Step& step);
+std::string runStep(ScenarioRunner& station, const Step& step);
 
 } // namespace appletctl
 

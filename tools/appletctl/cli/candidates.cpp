@@ -201,7 +201,7 @@ Candidates valuesOfOption(const CLI::Option& option, const std::string& word, co
     return found;
 }
 
-/** Then the names of "get" are groups. */
+/** Then the names of "get" and "watch" are groups. */
 bool isGroupOption(const std::string& word) { return word == "-g" || word == "--group"; }
 
 /** What the argument of a command is called tells what its words are. */
@@ -253,10 +253,10 @@ std::vector<Candidate> candidatesFor(const Words& words,
             argument != nullptr)
             if (const Candidates listed = valuesOfOption(*argument, word, "", parameters); !listed.empty())
                 return listed;
-    if (command->name == std::string_view("get") && std::ranges::any_of(words, isGroupOption))
+    const std::string_view name = command->name;
+    if ((name == "get" || name == "watch") && std::ranges::any_of(words, isGroupOption))
         return groupsOf(parameters(), word);
-    if (command->name == std::string_view("help"))
-        return place.arguments == 0 ? matching(commandsOf(program), word) : Candidates{};
+    if (name == "help") return place.arguments == 0 ? matching(commandsOf(program), word) : Candidates{};
     return argumentsOf(*command, place.arguments, word, parameters);
 }
 

@@ -7,6 +7,7 @@
 #include "appletctl/cli/Scenario.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/CommandRun.h"
+#include "appletctl/commands/shared_options.h"
 #include "appletctl/draw/junit.h"
 
 #include <CLI/CLI.hpp>
@@ -27,7 +28,7 @@ using Outcome = TestCase::Outcome;
 /** Does the step and times it. */
 TestCase doStep(ScenarioRunner& station, const Step& step) {
     const auto start = std::chrono::steady_clock::now();
-    const std::string wrong = applyAssignments(station, step);
+    const std::string wrong = runStep(station, step);
     const std::chrono::duration<double> passed = std::chrono::steady_clock::now() - start;
     return {.group = step.section,
             .name = "line " + numberText(step.line) + ": " + step.text,
@@ -85,8 +86,9 @@ void addRunOptions(CLI::App& command, Options& options) {
 }
 
 Report runScenario(Context& context, const Words& words) {
-    const Options options = context.options(); // steps bring their own
-    const auto& own = options.of<RunOptions>();
+    Options options = context.options();     // steps bring their own
+    options.own<YesOption>().isGiven = true; // who has agreed to the run has agreed to its steps
+    const RunOptions own = options.of<RunOptions>();
     const std::string file = toUtf8(fileOf(words).c_str());
     const std::vector<Step> steps = readScenario(fileOf(words), options);
     if (!own.junitFile.empty()) requireWritable(own.junitFile);

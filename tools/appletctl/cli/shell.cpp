@@ -13,8 +13,11 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <iostream>
+#include <iterator>
+#include <string_view>
 
 namespace appletctl {
 namespace {
@@ -42,6 +45,9 @@ Report reportOf(const Undone& undone) {
     return report;
 }
 
+/** What works in the shell alone. */
+constexpr std::string_view ownWords[] = {"undo", "help", "exit", "quit"};
+
 class Shell {
 public:
     explicit Shell(Context& context) : m_context(context), m_options(context.options()), m_history(context) {}
@@ -49,7 +55,7 @@ public:
     bool isOver() const { return m_isOver; }
 
     /** Carries a line out and prints its report; `place` precedes its problems. */
-    ExitCode applyAssignments(const std::string& text, const std::string& place) {
+    ExitCode runLine(const std::string& text, const std::string& place) {
         const WordLine line = splitLine(text);
         if (line.words.empty()) return exitDone;
         const std::string& first = line.words.front();
@@ -58,11 +64,13 @@ public:
         if (line.isOpen)
             return show(failureReport("usage", "a quote is not closed", exitUsage), "", m_options, place);
         if (line.words.size() == 1 && first == "undo") return show(undo(), "undo", m_options, place);
-        if (first != "help") return applyAssignments(parseLine(line.words, m_options), place, text);
+        if (first != "help") return runLine(parseLine(line.words, m_options), place, text);
         if (line.words.size() == 1) return show(ownHelp(), "help", m_options, place);
         Words words(line.words.begin() + 1, line.words.end());
+        if (words.size() == 1 && std::ranges::find(ownWords, words.front()) != std::end(ownWords))
+            return show(ownHelp(), "help", m_options, place);
         words.emplace_back("--help");
-        return applyAssignments(parseLine(words, m_options), place);
+        return runLine(parseLine(words, m_options), place);
     }
 
     std::vector<Candidate> complete(const std::string& text) {
@@ -72,8 +80,8 @@ public:
         try {
             std::vector<Candidate> candidates = candidatesFor(line.words, parameters);
             if (line.words.size() == 1)
-                for (const char* own : {"undo", "help", "exit", "quit"})
-                    if (std::string_view(own).starts_with(line.words.front())) candidates.push_back({own});
+                for (const std::string_view own : ownWords)
+                    if (own.starts_with(line.words.front())) candidates.push_back({std::string(own)});
             return candidates;
         } catch (const std::exception&) { // without an applet there is nothing to choose from
             return {};
@@ -81,8 +89,7 @@ public:
     }
 
 private:
-    ExitCode applyAssignments(const Request& request, const std::string& place,
-                              const std::string& line = "") {
+    ExitCode runLine(const Request& request, const std::string& place, const std::string& line = "") {
         const Interruption interruption;
         setOutputMode(request.options);
         if (request.command != nullptr) m_history.begin(line);
@@ -138,7 +145,7 @@ void talk(Shell& shell) {
             if (!line && interruption.isAsked()) continue;
         }
         if (!line) return;
-        if (shell.applyAssignments(*line, "") == exitInterrupted) writeOut("\n");
+        if (shell.runLine(*line, "") == exitInterrupted) writeOut("\n");
     }
 }
 
@@ -147,7 +154,7 @@ ExitCode follow(Shell& shell, bool goesOn) {
     ExitCode first = exitDone;
     std::string line;
     for (std::size_t number = 1; !shell.isOver() && std::getline(std::cin, line); ++number) {
-        const ExitCode code = shell.applyAssignments(line, "line " + numberText(number) + ": ");
+        const ExitCode code = shell.runLine(line, "line " + numberText(number) + ": ");
         if (first == exitDone) first = code;
         if (code == exitInterrupted || (code != exitDone && !goesOn)) break;
     }

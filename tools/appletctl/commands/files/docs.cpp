@@ -33,7 +33,9 @@ std::string plain(std::string_view text) {
 constexpr const char* manualTail =
     "# EXIT STATUS\n\n"
     "*0*\n\tDone.\n\n"
-    "*1*\n\tRefused by the applet, different, or something found: a difference, a finding, a failed step.\n\n"
+    "*1*\n\tRefused by the applet, different, or something found: a difference, a finding, a failed step; or "
+    "a "
+    "file that cannot be written.\n\n"
     "*2*\n\tWrong usage, or a file that cannot be read. Nothing was set.\n\n"
     "*3*\n\tThe applet, the runtime, a library or a board is not to be had.\n\n"
     "*130*\n\tInterrupted.\n\n"
