@@ -30,6 +30,8 @@ public:
     HostMemory(std::size_t frames, std::uint64_t frameBytes, Kind kind);
 
     std::size_t frames() const { return m_frames; }
+    /** From now on there are so many; none are possible. Pictures that are there stay. */
+    void setFrames(std::size_t frames) { m_frames = frames; }
     std::uint64_t frameBytes() const { return m_frameBytes; }
     Kind kind() const { return m_kind; }
 

@@ -4,6 +4,7 @@
 
 #include "Board.h"
 #include "Events.h"
+#include "Mutex.h"
 #include "Values.h"
 #include "station/Station.h"
 
@@ -53,6 +54,9 @@ private:
 struct vboard_frames {
     vboard::Board& board;
     const std::shared_ptr<station::HostMemory> memory;
+    /** What makes pictures at places of the host. */
+    vboard::Mutex rendering{};
+    station::Renderer renderer GUARDED_BY(rendering){};
 };
 
 #endif

@@ -21,6 +21,24 @@ int connect(LOOMdevice* board, unsigned input, const station::Wave& wave,
     return known(board->station().station().connect(input, wave, second));
 }
 
+vboard_record describe(const station::Record& record, const std::uint8_t* data) {
+    return {.data = data,
+            .size = record.bytes(),
+            .picture = record.picture,
+            .lost_before = record.lostBefore,
+            .trigger = record.trigger,
+            .encoder = record.encoder,
+            .first_line = record.firstLine,
+            .last_line = record.lastLine,
+            .arrival = record.arrival,
+            .width = record.settings->xLength,
+            .lines = record.lines,
+            .bits = record.settings->colours.outBits,
+            .bytes_per_line = static_cast<std::uint32_t>(record.layout.bytesPerLine),
+            .is_short = record.isShort,
+            .is_narrow = record.isNarrow};
+}
+
 } // namespace
 
 uint64_t vboard_now(LOOMdevice* board) {
@@ -80,6 +98,14 @@ vboard_frames* vboard_memory(LOOMdevice* board, size_t frames, uint64_t bytes, i
     return memory;
 }
 
+int vboard_memory_frames(vboard_frames* memory, size_t frames) {
+    if (memory == nullptr) return VBOARD_UNKNOWN;
+    const MutexLock lock(memory->board.mutex());
+    memory->memory->setFrames(frames);
+    memory->board.station().station().resume();
+    return VBOARD_OK;
+}
+
 void vboard_memory_free(vboard_frames* memory) {
     if (memory == nullptr) return;
     Board& board = memory->board;
@@ -104,22 +130,24 @@ int vboard_frame(vboard_frames* memory, int64_t picture, vboard_record* record) 
     case station::HostMemory::Result::noMemory:
         return VBOARD_GONE;
     }
-    const auto found = memory->memory->record(picture);
-    *record = {.data = bytes.data(),
-               .size = bytes.size(),
-               .picture = picture,
-               .lost_before = found->lostBefore,
-               .trigger = found->trigger,
-               .encoder = found->encoder,
-               .first_line = found->firstLine,
-               .last_line = found->lastLine,
-               .arrival = found->arrival,
-               .width = found->settings->xLength,
-               .lines = found->lines,
-               .bits = found->settings->colours.outBits,
-               .bytes_per_line = static_cast<std::uint32_t>(found->layout.bytesPerLine),
-               .is_short = found->isShort,
-               .is_narrow = found->isNarrow};
+    *record = describe(*memory->memory->record(picture), bytes.data());
+    return VBOARD_OK;
+}
+
+int vboard_frame_into(vboard_frames* memory, int64_t picture, void* place, uint64_t size,
+                      vboard_record* record) {
+    if (memory == nullptr || place == nullptr || record == nullptr) return VBOARD_UNKNOWN;
+    std::shared_ptr<const station::Record> found;
+    {
+        const MutexLock lock(memory->board.mutex());
+        found = memory->memory->record(picture);
+    }
+    if (found == nullptr) return VBOARD_GONE;
+    auto* const data = static_cast<std::uint8_t*>(place);
+    *record = describe(*found, data);
+    if (record->size > size) return VBOARD_TOO_SMALL;
+    const MutexLock lock(memory->rendering);
+    memory->renderer.render(*found, {data, static_cast<std::size_t>(record->size)});
     return VBOARD_OK;
 }
 

@@ -180,6 +180,9 @@ enum { VBOARD_RING = 0, VBOARD_BLOCKING = 1 };
  *  larger than a frame. Fg_getLastPicNumberBlockingEx then takes its timeout in simulated seconds and answers
  *  VBOARD_TIMEOUT after it. */
 vboard_frames* vboard_memory(LOOMdevice* board, size_t frames, uint64_t bytes, int kind);
+/** From now on the memory has so many frames, which may be none: the DMA of a blocking one waits then. Pictures that
+ *  are there stay until they are overwritten or released. VBOARD_UNKNOWN for a null memory. */
+int vboard_memory_frames(vboard_frames* memory, size_t frames);
 /** Frees a memory. An acquisition into it ends. Null does nothing. */
 void vboard_memory_free(vboard_frames* memory);
 
@@ -205,6 +208,11 @@ typedef struct vboard_record {
  *  memory freed; meanwhile no other thread should let time move. VBOARD_GONE: the picture is not there (or there is no
  *  memory left to make it), VBOARD_TOO_SMALL: it has become larger than a frame. */
 int vboard_frame(vboard_frames* memory, int64_t picture, vboard_record* record);
+/** As vboard_frame, but its bytes are made at a place of the caller, of `size` bytes, so that they need not be copied.
+ *  The board is free meanwhile: other threads may access it and let time move. VBOARD_TOO_SMALL: the place has not
+ *  room for it; the record, but for `data`, is filled in all the same. */
+int vboard_frame_into(vboard_frames* memory, int64_t picture, void* place, uint64_t size,
+                      vboard_record* record);
 /** Gives the frame of a picture back. VBOARD_GONE: it is not there. */
 int vboard_release(vboard_frames* memory, int64_t picture);
 

@@ -1,0 +1,48 @@
+#include "base/HandleTable.h"
+
+#include <atomic>
+#include <cstdint>
+
+namespace producer {
+namespace {
+
+struct Table {
+    std::mutex mutex;
+    std::unordered_map<void*, std::shared_ptr<Object>> objects;
+};
+
+/** Never destroyed: other threads may still be in a call when the process ends. */
+Table& table() {
+    static auto* const one = new Table;
+    return *one;
+}
+
+} // namespace
+
+void* HandleTable::newHandle() {
+    static std::atomic<std::uintptr_t> next{0x1000};
+    return reinterpret_cast<void*>(next.fetch_add(0x10));
+}
+
+void HandleTable::add(const std::shared_ptr<Object>& object) {
+    object->m_handle = newHandle();
+    const std::lock_guard lock(table().mutex);
+    table().objects.emplace(object->m_handle, object);
+}
+
+void HandleTable::remove(const Object& object) {
+    std::shared_ptr<Object> removed; // let go after the lock
+    const std::lock_guard lock(table().mutex);
+    const auto found = table().objects.find(object.m_handle);
+    if (found == table().objects.end()) return;
+    removed = std::move(found->second);
+    table().objects.erase(found);
+}
+
+std::shared_ptr<Object> HandleTable::lookUp(void* handle) {
+    const std::lock_guard lock(table().mutex);
+    const auto found = table().objects.find(handle);
+    return found != table().objects.end() ? found->second : nullptr;
+}
+
+} // namespace producer

@@ -1,0 +1,228 @@
+// Exported: the library, systems, interfaces, devices.
+
+#include "exports/call.h"
+#include "modules/Interface.h"
+#include "modules/LocalDevice.h"
+#include "modules/Stream.h"
+#include "modules/System.h"
+
+#include <cstdlib>
+
+using namespace producer;
+
+namespace {
+
+/** At the end of the process, or when the producer is unloaded, no thread of its own may run; what else a client has
+ *  left open ends with the process. */
+void stopThreads() {
+    const std::lock_guard lock(lockOfModules());
+    if (Library::the().system != nullptr) Library::the().system->stopThreads();
+}
+
+/** Registered when a board has run, so that it is called before the libraries clean up. */
+void stopThreadsAtTheEnd() { [[maybe_unused]] static const int registered = std::atexit(stopThreads); }
+
+std::shared_ptr<System> systemOf(void* handle) { return HandleTable::find<System>(handle, "a system"); }
+std::shared_ptr<Interface> interfaceOf(void* handle) {
+    return HandleTable::find<Interface>(handle, "an interface");
+}
+std::shared_ptr<LocalDevice> deviceOf(void* handle) {
+    return HandleTable::find<LocalDevice>(handle, "a device");
+}
+
+void tell(bool hasChanged, bool8_t* place) {
+    if (place != nullptr) *place = static_cast<bool8_t>(hasChanged);
+}
+
+} // namespace
+
+Library& Library::the() {
+    static auto* const library = new Library; // other threads may be in a call when the process ends
+    return *library;
+}
+
+// ---- The library
+
+GC_ERROR GCInitLib() {
+    return attempt([] {
+        if (Library::the().isInitialized.exchange(true))
+            throw Error(GC_ERR_RESOURCE_IN_USE, "the library is initialized already");
+    });
+}
+
+GC_ERROR GCCloseLib() {
+    return callAlone([] {
+        Library& library = Library::the();
+        if (library.system != nullptr) library.system->close();
+        library.system.reset();
+        library.isInitialized = false;
+    });
+}
+
+GC_ERROR GCGetInfo(int32_t command, INFO_DATATYPE* type, void* buffer, size_t* size) {
+    return call([=] { InfoPlace{type, buffer, size}.put(System::info(command)); });
+}
+
+GC_ERROR GCGetLastError(GC_ERROR* code, char* text, size_t* size) {
+    if (!Library::the().isInitialized) return GC_ERR_NOT_INITIALIZED;
+    // The failure of this call is not remembered: it would take the place of what is asked for.
+    if (code == nullptr || size == nullptr) return GC_ERR_INVALID_PARAMETER;
+    const std::size_t needed = std::strlen(lastErrorText()) + 1;
+    const bool fits = text == nullptr || *size >= needed;
+    if (text != nullptr && fits) std::memcpy(text, lastErrorText(), needed);
+    *code = lastErrorCode();
+    *size = needed;
+    return fits ? GC_ERR_SUCCESS : GC_ERR_BUFFER_TOO_SMALL;
+}
+
+// ---- Systems
+
+GC_ERROR TLOpen(TL_HANDLE* tl) {
+    return callAlone([=] {
+        void*& handle = required(tl, "tl");
+        std::shared_ptr<System>& system = Library::the().system;
+        if (system != nullptr) throw Error(GC_ERR_RESOURCE_IN_USE, "the system is open already");
+        system = std::make_shared<System>();
+        HandleTable::add(system);
+        handle = system->handle();
+    });
+}
+
+GC_ERROR TLClose(TL_HANDLE tl) {
+    return callAlone([=] {
+        systemOf(tl)->close();
+        Library::the().system.reset();
+    });
+}
+
+GC_ERROR TLGetInfo(TL_HANDLE tl, int32_t command, INFO_DATATYPE* type, void* buffer, size_t* size) {
+    return call([=] {
+        systemOf(tl);
+        InfoPlace{type, buffer, size}.put(System::info(command));
+    });
+}
+
+GC_ERROR TLGetNumInterfaces(TL_HANDLE tl, uint32_t* count) {
+    return callAlone([=] {
+        const auto system = systemOf(tl);
+        required(count, "count") = static_cast<uint32_t>(system->interfaceCount());
+    });
+}
+
+GC_ERROR TLGetInterfaceID(TL_HANDLE tl, uint32_t index, char* id, size_t* size) {
+    return callAlone([=] { putText(systemOf(tl)->interfaceId(index), id, size); });
+}
+
+GC_ERROR TLGetInterfaceInfo(TL_HANDLE tl, const char* id, int32_t command, INFO_DATATYPE* type, void* buffer,
+                            size_t* size) {
+    return callAlone([=] { InfoPlace{type, buffer, size}.put(systemOf(tl)->interfaceInfo(id, command)); });
+}
+
+GC_ERROR TLOpenInterface(TL_HANDLE tl, const char* id, IF_HANDLE* interface) {
+    return callAlone([=] {
+        const auto system = systemOf(tl);
+        void*& handle = required(interface, "interface");
+        handle = system->openInterface(id)->handle();
+    });
+}
+
+GC_ERROR TLUpdateInterfaceList(TL_HANDLE tl, bool8_t* changed, uint64_t) {
+    return callAlone([=] { tell(systemOf(tl)->updateInterfaces(), changed); });
+}
+
+// ---- Interfaces
+
+GC_ERROR IFClose(IF_HANDLE interface) {
+    return callAlone([=] { interfaceOf(interface)->close(); });
+}
+
+GC_ERROR IFGetInfo(IF_HANDLE interface, int32_t command, INFO_DATATYPE* type, void* buffer, size_t* size) {
+    return call([=] { InfoPlace{type, buffer, size}.put(interfaceOf(interface)->info(command)); });
+}
+
+GC_ERROR IFGetNumDevices(IF_HANDLE interface, uint32_t* count) {
+    return callAlone([=] {
+        const auto its = interfaceOf(interface);
+        required(count, "count") = static_cast<uint32_t>(its->deviceCount());
+    });
+}
+
+GC_ERROR IFGetDeviceID(IF_HANDLE interface, uint32_t index, char* id, size_t* size) {
+    return callAlone([=] { putText(interfaceOf(interface)->deviceId(index), id, size); });
+}
+
+GC_ERROR IFUpdateDeviceList(IF_HANDLE interface, bool8_t* changed, uint64_t) {
+    return callAlone([=] { tell(interfaceOf(interface)->updateDevices(), changed); });
+}
+
+GC_ERROR IFGetDeviceInfo(IF_HANDLE interface, const char* id, int32_t command, INFO_DATATYPE* type,
+                         void* buffer, size_t* size) {
+    return callAlone([=] {
+        InfoPlace{type, buffer, size}.put(interfaceOf(interface)->deviceInfo(id, command));
+    });
+}
+
+GC_ERROR IFOpenDevice(IF_HANDLE interface, const char* id, int32_t flags, DEV_HANDLE* device) {
+    return callAlone([=] {
+        const auto its = interfaceOf(interface);
+        void*& handle = required(device, "device");
+        handle = its->openDevice(id, flags)->handle();
+        stopThreadsAtTheEnd();
+    });
+}
+
+GC_ERROR IFGetParentTL(IF_HANDLE interface, TL_HANDLE* tl) {
+    return callAlone([=] {
+        const auto its = interfaceOf(interface);
+        required(tl, "tl") = its->system().handle();
+    });
+}
+
+// ---- Devices
+
+GC_ERROR DevGetPort(DEV_HANDLE device, PORT_HANDLE* remote) {
+    return callAlone([=] {
+        const auto its = deviceOf(device);
+        required(remote, "remote") = its->remote().handle();
+    });
+}
+
+GC_ERROR DevGetNumDataStreams(DEV_HANDLE device, uint32_t* count) {
+    return callAlone([=] {
+        deviceOf(device);
+        required(count, "count") = 1;
+    });
+}
+
+GC_ERROR DevGetDataStreamID(DEV_HANDLE device, uint32_t index, char* id, size_t* size) {
+    return callAlone([=] {
+        const auto its = deviceOf(device);
+        if (index != 0) throw Error(GC_ERR_INVALID_INDEX, "a device has one stream, of number 0");
+        putText(its->streamId(), id, size);
+    });
+}
+
+GC_ERROR DevOpenDataStream(DEV_HANDLE device, const char* id, DS_HANDLE* stream) {
+    return callAlone([=] {
+        const auto its = deviceOf(device);
+        void*& handle = required(stream, "stream");
+        handle = its->openStream(id)->handle();
+    });
+}
+
+GC_ERROR DevGetInfo(DEV_HANDLE device, int32_t command, INFO_DATATYPE* type, void* buffer, size_t* size) {
+    return callAlone([=] {
+        InfoPlace{type, buffer, size}.put(deviceOf(device)->interface().deviceInfo(command));
+    });
+}
+
+GC_ERROR DevClose(DEV_HANDLE device) {
+    return callAlone([=] { deviceOf(device)->close(); });
+}
+
+GC_ERROR DevGetParentIF(DEV_HANDLE device, IF_HANDLE* interface) {
+    return callAlone([=] {
+        const auto its = deviceOf(device);
+        required(interface, "interface") = its->interface().handle();
+    });
+}

@@ -1,0 +1,59 @@
+/** A feature of a module: what its description says, and what its registers do. */
+#ifndef PRODUCER_FEATURES_FEATURE_H
+#define PRODUCER_FEATURES_FEATURE_H
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace producer {
+
+/** Integers, booleans and enumerations; real numbers; texts; tables. */
+using Value = std::variant<std::int64_t, double, std::string, std::vector<std::uint32_t>>;
+
+/** Limits of a number, in its own kind. */
+struct Limits {
+    Value minimum, maximum, increment;
+
+    bool operator==(const Limits&) const = default;
+};
+
+struct FeatureEntry {
+    std::string name;
+    std::int64_t value;
+    std::string label{};
+};
+
+struct Feature {
+    enum class Kind : std::uint8_t { integer, real, text, enumeration, boolean, command, table };
+    enum class Visibility : std::uint8_t { beginner, expert, guru, invisible };
+
+    std::string name;
+    std::string category;
+    Kind kind = Kind::integer;
+    Visibility visibility = Visibility::beginner;
+    std::string label{};
+    std::string description{};
+    std::string unit{};
+    std::vector<FeatureEntry> entries{}; // of an enumeration
+    std::size_t elements = 0;            // of a table, 32 bits each
+    std::vector<std::string> selected{}; // names of the features that it selects
+    std::uint64_t eventId = 0;           // not 0: it comes with this event, at `eventPlace` of its data
+    std::uint64_t eventPlace = 0;
+    bool isStandard = true; // the name is one of the standard's
+
+    /** The present value. A feature without it can only be written. */
+    std::function<Value()> get{};
+    /** A feature without it can only be read. A command is carried out. */
+    std::function<void(const Value&)> set{};
+    /** Of a number; without it there are none beyond those of its kind. */
+    std::function<Limits()> limits{};
+    /** Whether it can not be written now. */
+    std::function<bool()> isLocked{};
+};
+
+} // namespace producer
+
+#endif

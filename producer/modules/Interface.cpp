@@ -1,0 +1,129 @@
+#include "modules/Interface.h"
+
+#include "base/Error.h"
+#include "modules/LocalDevice.h"
+#include "modules/System.h"
+
+namespace producer {
+namespace {
+
+constexpr const char* information = "InterfaceInformation";
+constexpr const char* enumeration = "DeviceEnumeration";
+constexpr std::uint64_t timestampFrequency = 1'000'000'000;
+
+} // namespace
+
+Interface::Interface(std::shared_ptr<System> system, std::string id)
+    : Module("TLInterface", "TLInterface", id)
+    , m_system(std::move(system))
+    , m_deviceId(id + "-process-0") {}
+
+Interface::~Interface() = default;
+
+Answer Interface::infoOf(const std::string& id, std::int32_t command) {
+    switch (command) {
+    case INTERFACE_INFO_ID:
+        return Answer::text(id);
+    case INTERFACE_INFO_DISPLAYNAME:
+        return Answer::text("Virtual board " + id);
+    case INTERFACE_INFO_TLTYPE:
+        return Answer::text(transportType);
+    default:
+        refuseCommand("an interface", command);
+    }
+}
+
+const std::string& Interface::deviceId(std::uint32_t index) const {
+    if (index < deviceCount()) return m_deviceId;
+    throw Error(GC_ERR_INVALID_INDEX, "there is no device " + std::to_string(index) +
+                                          " in the list, which has " + std::to_string(deviceCount()) +
+                                          " after the last update");
+}
+
+void Interface::requireDevice(const char* id) const {
+    required(id, "id");
+    if (m_deviceId != id)
+        throw Error(GC_ERR_INVALID_ID, "there is no device \"" + std::string(id) + "\" on " + this->id());
+}
+
+Answer Interface::deviceInfo(const char* id, std::int32_t command) const {
+    requireDevice(id);
+    return deviceInfo(command);
+}
+
+Answer Interface::deviceInfo(std::int32_t command) const {
+    switch (command) {
+    case DEVICE_INFO_ID:
+    case DEVICE_INFO_SERIAL_NUMBER:
+        return Answer::text(m_deviceId);
+    case DEVICE_INFO_VENDOR:
+        return Answer::text(vendorName);
+    case DEVICE_INFO_MODEL:
+        return Answer::text(modelName);
+    case DEVICE_INFO_TLTYPE:
+        return Answer::text(transportType);
+    case DEVICE_INFO_DISPLAYNAME:
+        return Answer::text(std::string(modelName) + " on " + id());
+    case DEVICE_INFO_ACCESS_STATUS:
+        return Answer::int32(m_status);
+    case DEVICE_INFO_USER_DEFINED_NAME:
+        refuseForNow("a device has no name of the user's");
+    case DEVICE_INFO_VERSION:
+        return Answer::text(producerVersion);
+    case DEVICE_INFO_TIMESTAMP_FREQUENCY:
+        return Answer::uint64(timestampFrequency);
+    default:
+        refuseCommand("a device", command);
+    }
+}
+
+std::shared_ptr<LocalDevice> Interface::openDevice(const char* id, std::int32_t flags) {
+    requireDevice(id);
+    if (flags < DEVICE_ACCESS_READONLY || flags > DEVICE_ACCESS_EXCLUSIVE)
+        throw Error(GC_ERR_INVALID_PARAMETER, "a device can be opened with the flags 2, 3 or 4");
+    if (m_device != nullptr)
+        throw Error(GC_ERR_RESOURCE_IN_USE, "the device " + m_deviceId + " is open already");
+    const bool isReadOnly = flags == DEVICE_ACCESS_READONLY;
+    m_device = LocalDevice::open(shared_from_this(), m_deviceId, isReadOnly);
+    m_status = isReadOnly ? DEVICE_ACCESS_STATUS_OPEN_READONLY : DEVICE_ACCESS_STATUS_OPEN_READWRITE;
+    return m_device;
+}
+
+void Interface::forget(const LocalDevice& closed) {
+    if (m_device.get() != &closed) return;
+    m_device.reset();
+    m_status = DEVICE_ACCESS_STATUS_READWRITE;
+}
+
+void Interface::stopThreads() {
+    if (m_device != nullptr) m_device->stopThread();
+}
+
+void Interface::close() {
+    if (m_device != nullptr) std::shared_ptr(m_device)->close();
+    Module::close();
+    m_system->forget(*this);
+}
+
+std::vector<Feature> Interface::makeFeatures() {
+    Feature update{.name = "DeviceUpdateList", .category = enumeration, .kind = Feature::Kind::command};
+    update.get = [] { return std::int64_t{0}; };
+    update.set = [this](const Value&) { updateDevices(); };
+    Feature status = wordFeature(enumeration, "DeviceAccessStatus", "Unknown");
+    status.entries = {{"Unknown", DEVICE_ACCESS_STATUS_UNKNOWN},
+                      {"ReadWrite", DEVICE_ACCESS_STATUS_READWRITE},
+                      {"OpenReadWrite", DEVICE_ACCESS_STATUS_OPEN_READWRITE},
+                      {"OpenReadOnly", DEVICE_ACCESS_STATUS_OPEN_READONLY}};
+    status.get = [this] { return std::int64_t{m_status}; };
+    return {textFeature(information, "InterfaceID", id()),
+            wordFeature(information, "InterfaceType", transportType),
+            update,
+            selectorFeature(enumeration, "DeviceSelector", [this] { return deviceCount(); },
+                            {"DeviceID", "DeviceVendorName", "DeviceModelName", "DeviceAccessStatus"}),
+            textFeature(enumeration, "DeviceID", [this] { return deviceCount() > 0 ? m_deviceId : ""; }),
+            textFeature(enumeration, "DeviceVendorName", vendorName),
+            textFeature(enumeration, "DeviceModelName", modelName),
+            status};
+}
+
+} // namespace producer

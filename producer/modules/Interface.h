@@ -1,0 +1,53 @@
+/** The interface module: a virtual board, with the device that it has. */
+#ifndef PRODUCER_MODULES_INTERFACE_H
+#define PRODUCER_MODULES_INTERFACE_H
+
+#include "modules/Module.h"
+
+#include <atomic>
+#include <memory>
+#include <string>
+
+namespace producer {
+
+class LocalDevice;
+class System;
+
+/** The caller holds the lock of the modules. */
+class Interface final : public Module, public std::enable_shared_from_this<Interface> {
+public:
+    Interface(std::shared_ptr<System> system, std::string id);
+    ~Interface() override;
+
+    static Answer infoOf(const std::string& id, std::int32_t command);
+    Answer info(std::int32_t command) const { return infoOf(id(), command); }
+    System& system() const { return *m_system; }
+
+    std::size_t deviceCount() const { return m_isUpdated ? 1 : 0; }
+    /** Throws INVALID_INDEX. */
+    const std::string& deviceId(std::uint32_t index) const;
+    bool updateDevices() { return !m_isUpdated.exchange(true); }
+    /** Throw INVALID_ID. */
+    Answer deviceInfo(const char* id, std::int32_t command) const;
+    std::shared_ptr<LocalDevice> openDevice(const char* id, std::int32_t flags);
+    void forget(const LocalDevice& closed);
+
+    /** Of the device, whether it is open or not. */
+    Answer deviceInfo(std::int32_t command) const;
+    void stopThreads();
+    void close() override;
+
+private:
+    std::vector<Feature> makeFeatures() override;
+    void requireDevice(const char* id) const;
+
+    const std::shared_ptr<System> m_system;
+    const std::string m_deviceId;
+    std::atomic<bool> m_isUpdated{false};
+    std::shared_ptr<LocalDevice> m_device;                              // if open
+    std::atomic<std::int32_t> m_status{DEVICE_ACCESS_STATUS_READWRITE}; // of the device
+};
+
+} // namespace producer
+
+#endif

@@ -1,0 +1,76 @@
+/** The device module, and the remote device: the station behind process 0 of a board. */
+#ifndef PRODUCER_MODULES_LOCALDEVICE_H
+#define PRODUCER_MODULES_LOCALDEVICE_H
+
+#include "modules/Module.h"
+#include "station/Acquisition.h"
+#include "station/standard_features.h"
+
+#include <memory>
+#include <string>
+
+namespace producer {
+
+class Interface;
+class RemoteDevice;
+class Stream;
+
+/** What the modules of an open device share. */
+struct OpenDevice {
+    OpenDevice(Libraries libraries, std::string itsId, bool readOnly);
+
+    const std::string id;
+    const bool isReadOnly;
+    const std::shared_ptr<EventQueue> remoteEvents;  // of the design
+    const std::shared_ptr<EventQueue> invalidations; // of the remote device's features
+    DeviceState state;
+    Station station;
+    Acquisition acquisition; // last: its thread uses the others
+};
+
+/** The port to the parameters of the applet. */
+class RemoteDevice final : public Module {
+public:
+    explicit RemoteDevice(std::shared_ptr<OpenDevice> device);
+
+    void write(std::uint64_t address, std::span<const std::uint8_t> bytes) override;
+
+private:
+    std::vector<Feature> makeFeatures() override;
+    bool canBeWritten() const override { return !m_device->isReadOnly; }
+
+    const std::shared_ptr<OpenDevice> m_device;
+};
+
+/** The caller holds the lock of the modules. */
+class LocalDevice final : public Module, public std::enable_shared_from_this<LocalDevice> {
+public:
+    /** Opens the station. Throws IO. */
+    static std::shared_ptr<LocalDevice> open(std::shared_ptr<Interface> interface, const std::string& id,
+                                             bool isReadOnly);
+    LocalDevice(std::shared_ptr<Interface> interface, std::shared_ptr<OpenDevice> device);
+    ~LocalDevice() override;
+
+    Interface& interface() const { return *m_interface; }
+    RemoteDevice& remote() const { return *m_remote; }
+    const std::string& streamId() const { return m_streamId; }
+    /** Throws INVALID_ID, RESOURCE_IN_USE. */
+    std::shared_ptr<Stream> openStream(const char* id);
+    void forget(const Stream& closed);
+
+    void stopThread() { m_device->acquisition.finish(); }
+    void close() override;
+
+private:
+    std::vector<Feature> makeFeatures() override;
+
+    const std::shared_ptr<Interface> m_interface;
+    const std::shared_ptr<OpenDevice> m_device;
+    const std::shared_ptr<RemoteDevice> m_remote;
+    const std::string m_streamId;
+    std::shared_ptr<Stream> m_stream; // if open
+};
+
+} // namespace producer
+
+#endif

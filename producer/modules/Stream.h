@@ -1,0 +1,102 @@
+/** The data stream module: buffers, and the pictures that come into them. */
+#ifndef PRODUCER_MODULES_STREAM_H
+#define PRODUCER_MODULES_STREAM_H
+
+#include "modules/LocalDevice.h"
+#include "modules/Module.h"
+
+#include <condition_variable>
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <span>
+
+namespace producer {
+
+/**
+ * A buffer is announced; queued, it waits in the input pool; a picture is made in it; it waits in the output queue, which
+ * is the queue of the new buffer event; fetched from there it is the client's. The functions of the buffers may be called
+ * from any thread, and answer INVALID_HANDLE once the stream is closed.
+ *
+ * What moves a buffer that is being filled waits until it is full, which takes milliseconds.
+ */
+class Stream final : public Module, PictureSink {
+public:
+    Stream(std::shared_ptr<LocalDevice> parent, std::shared_ptr<OpenDevice> device, const std::string& id);
+    ~Stream() override;
+
+    LocalDevice& device() const { return *m_parent; }
+
+    /** Memory of the client's, or of its own if that is null. */
+    void* announce(void* memory, std::size_t size, void* user);
+    struct Revoked {
+        void* memory; /**< null if it was the stream's own */
+        void* user;
+    };
+    /** Throws BUSY while the buffer is queued or filled. */
+    Revoked revoke(void* buffer);
+    /** Throws RESOURCE_IN_USE if it is queued already. */
+    void queue(void* buffer);
+    void flush(std::int32_t operation);
+    /** Throws INVALID_INDEX. */
+    void* bufferAt(std::uint32_t index);
+    Answer bufferInfo(void* buffer, std::int32_t command);
+    /** Throws INVALID_HANDLE. */
+    void requireBuffer(void* buffer);
+
+    void start(std::int32_t flags, std::uint64_t count);
+    void stop(std::int32_t flags);
+    Answer info(std::int32_t command);
+
+    void close() override;
+
+private:
+    struct Buffer {
+        std::unique_ptr<std::uint8_t[]> own; // null for memory of the client's
+        std::span<std::uint8_t> memory;
+        void* user = nullptr;
+        bool isInput = false;
+        bool hasPicture = false;
+        bool isNew = false; // since it was queued
+        Picture picture{};
+    };
+    using Buffers = std::map<void*, Buffer>; // in the order in which they were announced
+    using Lock = std::unique_lock<std::mutex>;
+
+    // PictureSink
+    std::size_t room() override;
+    std::optional<std::span<std::uint8_t>> begin() override;
+    void end(const Picture& picture) override;
+
+    std::vector<Feature> makeFeatures() override;
+    Lock lockOpen();
+    Buffer& at(void* buffer);
+    bool isInOutput(void* buffer) const;
+    void waitForFilled(Lock& lock);
+    void toInput(Buffers::value_type& buffer);
+    void toOutput(const Buffers::value_type& buffer);
+    std::uint64_t number(std::int32_t command);
+    Answer pictureInfo(const Buffer& buffer, std::int32_t command) const;
+
+    const std::shared_ptr<LocalDevice> m_parent;
+    const std::shared_ptr<OpenDevice> m_device;
+    const std::shared_ptr<EventQueue> m_output;
+
+    std::mutex m_mutex; // the members below
+    std::condition_variable m_isFull;
+    bool m_isClosed = false;
+    Buffers m_buffers;
+    std::deque<Buffers::value_type*> m_input;
+    Buffers::value_type* m_filling = nullptr;
+    bool m_isStarted = false;
+    std::uint64_t m_left = 0; // buffers until the end of the acquisition; GENTL_INFINITE: it has none
+    std::uint64_t m_delivered = 0;
+    std::uint64_t m_lost = 0;
+};
+
+} // namespace producer
+
+#endif

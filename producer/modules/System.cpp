@@ -1,0 +1,144 @@
+#include "modules/System.h"
+
+#include "base/Error.h"
+#include "modules/Interface.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdlib>
+
+namespace producer {
+namespace {
+
+constexpr const char* systemId = "vexo-virtual-boards";
+constexpr std::uint32_t versionMajor = 1, versionMinor = 5;
+constexpr const char* information = "SystemInformation";
+constexpr const char* enumeration = "InterfaceEnumeration";
+
+/** VBOARD_COUNT, 1 without it. */
+std::size_t boardCount() {
+    constexpr std::size_t most = 16;
+    const char* const text = std::getenv("VBOARD_COUNT");
+    if (text == nullptr) return 1;
+    const std::string_view word = text;
+    std::size_t count = 0;
+    const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), count);
+    if (error != std::errc{} || end != word.data() + word.size() || count < 1 || count > most) {
+        throw Error(GC_ERR_INVALID_VALUE, "the environment variable VBOARD_COUNT is \"" + std::string(word) +
+                                              "\": let it be a number of boards from 1 to 16");
+    }
+    return count;
+}
+
+} // namespace
+
+System::System() : Module("TLSystem", "TLSystem", systemId) {
+    const std::size_t count = boardCount();
+    for (std::size_t i = 0; i < count; ++i)
+        m_ids.push_back("virtual-" + std::to_string(i));
+}
+
+System::~System() = default;
+
+Answer System::info(std::int32_t command) {
+    switch (command) {
+    case TL_INFO_ID:
+        return Answer::text(systemId);
+    case TL_INFO_VENDOR:
+        return Answer::text(vendorName);
+    case TL_INFO_MODEL:
+        return Answer::text(modelName);
+    case TL_INFO_VERSION:
+        return Answer::text(producerVersion);
+    case TL_INFO_TLTYPE:
+        return Answer::text(transportType);
+    case TL_INFO_NAME:
+        return Answer::text(producerFile().filename().string());
+    case TL_INFO_PATHNAME:
+        return Answer::text(producerFile().string());
+    case TL_INFO_DISPLAYNAME:
+        return Answer::text("Virtual boards of Grab_TwinLaneLineColor");
+    case TL_INFO_CHAR_ENCODING:
+        return Answer::int32(1);
+    case TL_INFO_GENTL_VER_MAJOR:
+        return Answer::uint32(versionMajor);
+    case TL_INFO_GENTL_VER_MINOR:
+        return Answer::uint32(versionMinor);
+    default:
+        refuseCommand("the system", command);
+    }
+}
+
+const std::string& System::interfaceId(std::uint32_t index) const {
+    if (index < interfaceCount()) return m_ids[index];
+    throw Error(GC_ERR_INVALID_INDEX, "there is no interface " + std::to_string(index) +
+                                          " in the list, which has " + std::to_string(interfaceCount()) +
+                                          " after the last update");
+}
+
+const std::string& System::known(const char* id) const {
+    const auto found = std::ranges::find(m_ids, std::string_view(&required(id, "id")));
+    if (found != m_ids.end()) return *found;
+    throw Error(GC_ERR_INVALID_ID, "there is no interface \"" + std::string(id) + "\"");
+}
+
+Answer System::interfaceInfo(const char* id, std::int32_t command) const {
+    return Interface::infoOf(known(id), command);
+}
+
+std::shared_ptr<Interface> System::openInterface(const char* id) {
+    const std::string& its = known(id);
+    for (const auto& open : m_open)
+        if (open->id() == its)
+            throw Error(GC_ERR_RESOURCE_IN_USE, "the interface " + its + " is open already");
+    auto opened = std::make_shared<Interface>(shared_from_this(), its);
+    m_open.push_back(opened);
+    HandleTable::add(opened);
+    return opened;
+}
+
+void System::forget(const Interface& closed) {
+    std::erase_if(m_open, [&closed](const auto& open) { return open.get() == &closed; });
+}
+
+const Libraries& System::libraries() {
+    if (m_libraries == nullptr) m_libraries = loadLibraries();
+    return m_libraries;
+}
+
+void System::stopThreads() {
+    for (const auto& open : m_open)
+        open->stopThreads();
+}
+
+void System::close() {
+    while (!m_open.empty())
+        std::shared_ptr(m_open.back())->close();
+    Module::close();
+    m_libraries.reset();
+}
+
+std::vector<Feature> System::makeFeatures() {
+    const auto count = [this] { return interfaceCount(); };
+    Feature selector = selectorFeature(enumeration, "InterfaceSelector", count, {"InterfaceID"});
+    const auto chosen = [this, get = selector.get]() -> std::string {
+        const auto index = static_cast<std::size_t>(std::get<std::int64_t>(get()));
+        return index < interfaceCount() ? m_ids[index] : ""; // none before the first update
+    };
+    Feature update{.name = "InterfaceUpdateList", .category = enumeration, .kind = Feature::Kind::command};
+    update.get = [] { return std::int64_t{0}; };
+    update.set = [this](const Value&) { updateInterfaces(); };
+    return {textFeature(information, "TLVendorName", vendorName),
+            textFeature(information, "TLModelName", modelName),
+            textFeature(information, "TLID", systemId),
+            textFeature(information, "TLVersion", producerVersion),
+            textFeature(information, "TLPath", producerFile().string()),
+            wordFeature(information, "TLType", transportType),
+            numberFeature(information, "GenTLVersionMajor", [] { return versionMajor; }),
+            numberFeature(information, "GenTLVersionMinor", [] { return versionMinor; }),
+            update,
+            selector,
+            textFeature(enumeration, "InterfaceID", chosen)};
+}
+
+} // namespace producer

@@ -1,0 +1,46 @@
+#include "station/Clock.h"
+
+#include "base/Error.h"
+
+#include <cstdlib>
+#include <string_view>
+
+namespace producer {
+namespace {
+
+using namespace std::chrono_literals;
+using Ticks = std::chrono::duration<std::uint64_t, std::ratio<Station::nanosecondsPerTick, 1'000'000'000>>;
+
+constexpr auto longestStep = 50ms; // more is not caught up with
+constexpr Ticks step = 1ms;        // of the stepped clock
+
+} // namespace
+
+Clock::Kind Clock::chosen() {
+    const char* const text = std::getenv("VBOARD_CLOCK");
+    const std::string_view word = text != nullptr ? text : "wall";
+    if (word == "wall") return Kind::wall;
+    if (word == "stepped") return Kind::stepped;
+    throw Error(GC_ERR_INVALID_PARAMETER, "the environment variable VBOARD_CLOCK is \"" + std::string(word) +
+                                              "\": let it be wall or stepped");
+}
+
+void Clock::move(bool isWanted) {
+    Ticks ticks = step;
+    if (m_kind == Kind::wall) {
+        const Time::time_point now = Time::now();
+        if (now - m_last > longestStep) m_last = now - longestStep;
+        ticks = std::chrono::duration_cast<Ticks>(now - m_last);
+        m_last += ticks;
+    } else if (!isWanted) {
+        return;
+    }
+    m_station.board().advance(m_station.device(), ticks.count());
+}
+
+std::chrono::microseconds Clock::pause(bool isAcquiring, bool isWanted) const {
+    if (m_kind == Kind::stepped) return isWanted ? 10us : 100ms;
+    return isAcquiring ? 500us : 5ms;
+}
+
+} // namespace producer

@@ -1,0 +1,41 @@
+#include "station/Libraries.h"
+
+#include "base/Error.h"
+
+#include <dlfcn.h>
+
+#include <cstdlib>
+#include <mutex>
+
+namespace producer {
+
+std::filesystem::path producerFile() {
+    Dl_info info{};
+    if (dladdr(reinterpret_cast<const void*>(&producerFile), &info) == 0 || info.dli_fname == nullptr)
+        return {};
+    std::error_code ignored;
+    return std::filesystem::absolute(info.dli_fname, ignored);
+}
+
+Libraries loadLibraries() {
+    static std::mutex mutex;
+    static std::weak_ptr<const applet_host::AppletHost> loaded;
+    const std::lock_guard lock(mutex);
+    if (Libraries libraries = loaded.lock()) return libraries;
+    const char* const chosen = std::getenv("VEXO_LIBRARY_DIR");
+    const std::filesystem::path folder = chosen != nullptr ? chosen : producerFile().parent_path();
+    applet_host::Locations where{folder / "libGrab_TwinLaneLineColor.so", folder / "virtual-board"};
+    if (const char* underTest = std::getenv("APPLET_UNDER_TEST")) where.applet = underTest;
+    try {
+        Libraries libraries = std::make_shared<const applet_host::AppletHost>(where);
+        loaded = libraries;
+        return libraries;
+    } catch (const applet_host::HostError& error) {
+        throw Error(GC_ERR_IO,
+                    std::string(error.what()) +
+                        "; VEXO_LIBRARY_DIR can name the folder of the applet library, which has the "
+                        "virtual board's in virtual-board/");
+    }
+}
+
+} // namespace producer

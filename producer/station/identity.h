@@ -1,0 +1,14 @@
+/** What the producer calls itself and its modules. */
+#ifndef PRODUCER_STATION_IDENTITY_H
+#define PRODUCER_STATION_IDENTITY_H
+
+namespace producer {
+
+inline constexpr const char* vendorName = "NorvaneImaging";
+inline constexpr const char* modelName = "Grab_TwinLaneLineColor";
+inline constexpr const char* producerVersion = PRODUCER_VERSION;
+inline constexpr const char* transportType = "CLHS";
+
+} // namespace producer
+
+#endif

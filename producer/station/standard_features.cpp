@@ -1,0 +1,272 @@
+// Device, image format, acquisition and transport; signal_features.cpp has triggers, inputs, colours and events.
+
+#include "station/standard_features.h"
+
+#include "base/Error.h"
+#include "station/identity.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace producer {
+namespace {
+
+using Kind = Feature::Kind;
+
+constexpr const char* deviceControl = "DeviceControl";
+constexpr const char* imageFormat = "ImageFormatControl";
+constexpr const char* acquisitionControl = "AcquisitionControl";
+constexpr const char* transportControl = "TransportLayerControl";
+
+enum AcquisitionMode : std::uint8_t { continuous, singleFrame, multiFrame };
+
+/** A test pattern: the simulator's, from this value on one that rolls; 0: the camera port. */
+constexpr std::int64_t rolling = 8;
+
+std::int64_t integerOf(const Value& value) { return std::get<std::int64_t>(value); }
+
+} // namespace
+
+bool isAcquiring(const Device& device) {
+    return device.state.areParametersLocked || device.acquisition.isRunning();
+}
+
+void addStandardFeatures(const Device& device, const std::vector<Feature>& parameters,
+                         std::vector<Feature>& features) {
+    StandardFeatures standard(device, parameters, features);
+    standard.addDevice();
+    standard.addImageFormat();
+    standard.addAcquisition();
+    standard.addTriggers();
+    standard.addInputs();
+    standard.addColours();
+    standard.addTransport();
+    standard.addEvents();
+}
+
+Feature& StandardFeatures::add(const char* category, const std::string& name, Kind kind,
+                               const char* description) {
+    m_features.push_back({.name = name, .category = category, .kind = kind, .description = description});
+    return m_features.back();
+}
+
+const Feature* StandardFeatures::parameter(const std::string& name) const {
+    const auto found = std::ranges::find(m_parameters, name, &Feature::name);
+    return found != m_parameters.end() ? &*found : nullptr;
+}
+
+Feature* StandardFeatures::alias(const char* category, const char* name, const char* of,
+                                 const char* description) {
+    const Feature* its = parameter(of);
+    if (its == nullptr) return nullptr; // a design without it
+    Feature feature = *its;
+    feature.name = name;
+    feature.category = category;
+    feature.label = "";
+    feature.description = description;
+    feature.visibility = Feature::Visibility::beginner;
+    feature.isStandard = true;
+    m_features.push_back(std::move(feature));
+    return &m_features.back();
+}
+
+void StandardFeatures::text(const char* category, const char* name, std::string value,
+                            const char* description) {
+    add(category, name, Kind::text, description).get = [value] { return value; };
+}
+
+void StandardFeatures::selector(const char* category, const char* name, std::vector<FeatureEntry> entries,
+                                std::vector<std::string> selected, const char* description) {
+    Feature& feature = add(category, name, Kind::enumeration, description);
+    std::int64_t& state = m_device.state.selected[name];
+    state = entries.front().value;
+    feature.entries = std::move(entries);
+    feature.selected = std::move(selected);
+    feature.get = [&state] { return state; };
+    feature.set = [&state, name, all = feature.entries](const Value& value) {
+        const auto found = std::ranges::find(all, integerOf(value), &FeatureEntry::value);
+        if (found == all.end())
+            throw Error(GC_ERR_INVALID_VALUE,
+                        std::string(name) + " has no value " + std::to_string(integerOf(value)));
+        state = found->value;
+    };
+}
+
+std::int64_t StandardFeatures::selected(const char* selector) const {
+    return m_device.state.selected.at(selector);
+}
+
+void StandardFeatures::follow(Feature& feature, const char* selector, std::vector<const char*> names) {
+    std::vector<Feature> all;
+    for (const char* name : names)
+        if (const Feature* its = parameter(name)) all.push_back(*its);
+    const std::int64_t& state = m_device.state.selected.at(selector);
+    const auto its = [all, &state]() -> const Feature& { return all.at(static_cast<std::size_t>(state)); };
+    feature.get = [its] { return its().get(); };
+    feature.set = [its](const Value& value) { its().set(value); };
+    feature.isLocked = [its] { return its().isLocked(); };
+    if (!all.empty() && all.front().limits) feature.limits = [its] { return its().limits(); };
+    if (!all.empty()) feature.elements = all.front().elements;
+}
+
+void StandardFeatures::addDevice() {
+    text(deviceControl, "DeviceVendorName", vendorName, "Name of the manufacturer of the device.");
+    text(deviceControl, "DeviceModelName", modelName, "Model of the device.");
+    text(deviceControl, "DeviceVersion", producerVersion, "Version of the device.");
+    text(deviceControl, "DeviceID", m_device.id, "Identification of the device, unique in the producer.");
+    text(deviceControl, "DeviceSerialNumber", m_device.id, "Serial number of the device.");
+    alias(deviceControl, "DeviceFirmwareVersion", "FG_APPLET_ID", "The applet that runs on the board.");
+    alias(deviceControl, "DeviceTemperature", "FG_SYSTEMMONITOR_FPGA_TEMPERATURE",
+          "Temperature of the FPGA.");
+    Feature& scan = add(deviceControl, "DeviceScanType", Kind::enumeration, "Scan type of the sensor.");
+    scan.entries = {{"Areascan", 0}, {"Linescan", 1}};
+    scan.get = [] { return std::int64_t{1}; };
+    Feature& time = add(deviceControl, "Timestamp", Kind::integer, "Time of the station.");
+    time.unit = "ns";
+    time.get = [&station = m_device.station] { return static_cast<std::int64_t>(station.nanoseconds()); };
+}
+
+void StandardFeatures::addImageFormat() {
+    alias(imageFormat, "SensorWidth", "FG_SENSORWIDTH", "Pixels of a line of the sensor.");
+    alias(imageFormat, "SensorHeight", "FG_SENSORHEIGHT", "Lines of the sensor.");
+    alias(imageFormat, "Width", "FG_WIDTH", "Pixels of a line of a picture.");
+    alias(imageFormat, "Height", "FG_HEIGHT", "Lines of a picture.");
+    alias(imageFormat, "OffsetX", "FG_XOFFSET",
+          "Pixels of the sensor's line that are left out before the first.");
+    alias(imageFormat, "OffsetY", "FG_YOFFSET", "Lines that are left out before the first.");
+    for (const auto& [name, of] : {std::pair{"WidthMax", "FG_WIDTH"}, std::pair{"HeightMax", "FG_HEIGHT"}})
+        if (const Feature* its = parameter(of))
+            add(imageFormat, name, Kind::integer, "The largest value now.").get = [limits = its->limits] {
+                return limits().maximum;
+            };
+
+    const Device device = m_device;
+    Feature& format =
+        add(imageFormat, "PixelFormat", Kind::enumeration, "Format of the pixels of a picture.");
+    for (const PixelFormat& one : pixelFormats())
+        format.entries.push_back({one.name, one.code});
+    format.get = [device] { return std::int64_t{device.acquisition.format().code}; };
+    format.set = [device](const Value& value) {
+        const PixelFormat* chosen = pixelFormatOf(integerOf(value));
+        if (chosen == nullptr) throw Error(GC_ERR_INVALID_VALUE, "PixelFormat has no such value");
+        device.station.set("FG_FORMAT", std::int64_t{chosen->outputFormat});
+        device.acquisition.setFormat(*chosen);
+    };
+    format.isLocked = [device] { return isAcquiring(device); };
+
+    if (const Feature* vantage = parameter("FG_VANTAGEPOINT")) {
+        for (const auto& [name, bit] :
+             {std::pair{"ReverseX", std::int64_t{1}}, std::pair{"ReverseY", std::int64_t{2}}}) {
+            Feature& reverse = add(imageFormat, name, Kind::boolean, "Mirrors the picture.");
+            const std::int64_t mask = bit;
+            reverse.get = [its = vantage->get, mask] { return std::int64_t{(integerOf(its()) & mask) != 0}; };
+            reverse.set = [its = *vantage, mask](const Value& value) {
+                const std::int64_t now = integerOf(its.get());
+                its.set(integerOf(value) != 0 ? now | mask : now & ~mask);
+            };
+            reverse.isLocked = vantage->isLocked;
+        }
+    }
+
+    Feature& pattern = add(imageFormat, "TestPattern", Kind::enumeration,
+                           "Pattern of the simulator; Off: lines come from the camera port.");
+    pattern.entries = {{"Off", 0},
+                       {"GreyHorizontalRamp", FG_HORIZONTAL},
+                       {"GreyVerticalRamp", FG_VERTICAL},
+                       {"GreyDiagonalRamp", FG_DIAGONAL},
+                       {"GreyHorizontalRampMoving", FG_HORIZONTAL + rolling},
+                       {"GreyVerticalRampMoving", FG_VERTICAL + rolling},
+                       {"GreyDiagonalRampMoving", FG_DIAGONAL + rolling}};
+    pattern.get = [&station = m_device.station] {
+        if (station.integer("FG_CAMERASIMULATOR_ENABLE") == FG_CAMPORT) return std::int64_t{0};
+        const bool isRolling = station.integer("FG_CAMERASIMULATOR_ROLL") == FG_ON;
+        return station.integer("FG_CAMERASIMULATOR_PATTERN") + (isRolling ? rolling : 0);
+    };
+    pattern.set = [&station = m_device.station](const Value& value) {
+        const std::int64_t chosen = integerOf(value);
+        if (chosen != 0) {
+            station.set("FG_CAMERASIMULATOR_PATTERN", chosen % rolling);
+            station.set("FG_CAMERASIMULATOR_ROLL", chosen / rolling);
+        }
+        station.set("FG_CAMERASIMULATOR_ENABLE", std::int64_t{chosen != 0});
+    };
+}
+
+void StandardFeatures::addAcquisition() {
+    const Device device = m_device;
+    Feature& mode =
+        add(acquisitionControl, "AcquisitionMode", Kind::enumeration, "When an acquisition ends.");
+    mode.entries = {{"Continuous", continuous}, {"SingleFrame", singleFrame}, {"MultiFrame", multiFrame}};
+    mode.get = [device] { return device.state.acquisitionMode; };
+    mode.set = [device](const Value& value) {
+        if (integerOf(value) < continuous || integerOf(value) > multiFrame)
+            throw Error(GC_ERR_INVALID_VALUE, "AcquisitionMode has no such value");
+        device.state.acquisitionMode = integerOf(value);
+    };
+    mode.isLocked = [device] { return isAcquiring(device); };
+
+    Feature& count =
+        add(acquisitionControl, "AcquisitionFrameCount", Kind::integer, "Pictures in the mode MultiFrame.");
+    count.limits = [] { return Limits{std::int64_t{1}, std::int64_t{INT32_MAX}, std::int64_t{1}}; };
+    count.get = [device] { return device.state.frameCount; };
+    count.set = [device](const Value& value) {
+        if (integerOf(value) < 1 || integerOf(value) > INT32_MAX)
+            throw Error(GC_ERR_INVALID_VALUE, "AcquisitionFrameCount can be 1 to 2147483647");
+        device.state.frameCount = integerOf(value);
+    };
+
+    add(acquisitionControl, "AcquisitionStart", Kind::command, "Starts the DMA.").set =
+        [device](const Value&) {
+            const std::int64_t counts[] = {0, 1, device.state.frameCount};
+            device.acquisition.start(static_cast<std::uint64_t>(counts[device.state.acquisitionMode]));
+        };
+    m_features.back().get = [] { return std::int64_t{0}; }; // done at once
+    add(acquisitionControl, "AcquisitionStop", Kind::command, "Stops the DMA.").set = [device](const Value&) {
+        device.acquisition.stop();
+    };
+    m_features.back().get = [] { return std::int64_t{0}; };
+
+    alias(acquisitionControl, "ExposureTime", "FG_LINEEXPOSURE", "Exposure of a line.");
+    if (const Feature* period = parameter("FG_LINEPERIODE")) {
+        constexpr double micro = 1e6;
+        Feature& rate = add(acquisitionControl, "AcquisitionLineRate", Kind::real,
+                            "Lines a second: 1000000 / FG_LINEPERIODE.");
+        rate.unit = "Hz";
+        rate.get = [its = period->get] { return micro / std::get<double>(its()); };
+        rate.limits = [its = period->limits] {
+            const Limits limits = its();
+            return Limits{micro / std::get<double>(limits.maximum), micro / std::get<double>(limits.minimum),
+                          0.0};
+        };
+        rate.set = [its = *period](const Value& value) {
+            const Limits limits = its.limits();
+            const double wanted = micro / std::get<double>(value);
+            const double grid = std::get<double>(limits.increment);
+            const double minimum = std::get<double>(limits.minimum),
+                         maximum = std::get<double>(limits.maximum);
+            // The ends are a rounding away from the limits of the rate.
+            const bool isNear = wanted > minimum - grid / 2 && wanted < maximum + grid / 2;
+            its.set(isNear ? std::clamp(std::round(wanted / grid) * grid, minimum, maximum) : wanted);
+        };
+        rate.isLocked = period->isLocked;
+    }
+}
+
+void StandardFeatures::addTransport() {
+    const Device device = m_device;
+    Feature& size = add(transportControl, "PayloadSize", Kind::integer, "Bytes of a picture.");
+    size.unit = "B";
+    size.get = [device] { return static_cast<std::int64_t>(device.acquisition.geometry().bytes()); };
+    Feature& locked = add(transportControl, "TLParamsLocked", Kind::integer,
+                          "1: parameters are locked that may not change while an acquisition runs.");
+    locked.visibility = Feature::Visibility::invisible;
+    locked.limits = [] { return Limits{std::int64_t{0}, std::int64_t{1}, std::int64_t{1}}; };
+    locked.get = [device] { return std::int64_t{device.state.areParametersLocked}; };
+    locked.set = [device](const Value& value) {
+        if (integerOf(value) < 0 || integerOf(value) > 1)
+            throw Error(GC_ERR_INVALID_VALUE, "TLParamsLocked can be 0 or 1");
+        device.state.areParametersLocked = integerOf(value) == 1;
+    };
+}
+
+} // namespace producer
