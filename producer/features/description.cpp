@@ -45,7 +45,8 @@ public:
             add(features[i], i * RegisterMap::slotSize);
         for (const std::uint64_t event : m_events) {
             open("Port", eventPort(event));
-            element("EventID", hexadecimal(event));
+            const std::string id = hexadecimal(event); // of whole bytes
+            element("EventID", std::string(id.size() % 2, '0') + id);
             close("Port");
         }
         m_text += "<Port Name=\"" + m_names.port + "\"/>\n</RegisterDescription>\n";
