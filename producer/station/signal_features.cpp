@@ -143,8 +143,10 @@ void StandardFeatures::addColours() {
 void StandardFeatures::addEvents() {
     const std::vector<EventKind>& events = m_device.station.events();
     if (events.empty()) return;
-    const auto shortName = [](const EventKind& event) {
-        return event.name.starts_with("FG_") ? event.name.substr(3) : event.name;
+    const auto shortName = [](const EventKind& event) { // "FG_..." or "Device1_Process0_..."
+        if (event.name.starts_with("FG_")) return event.name.substr(3);
+        const std::size_t end = event.name.find('_', event.name.find('_') + 1);
+        return end != std::string::npos ? event.name.substr(end + 1) : event.name;
     };
     std::vector<FeatureEntry> entries;
     for (const EventKind& event : events)
