@@ -137,9 +137,20 @@ Station::Station(Libraries libraries) : m_libraries(std::move(libraries)), m_ses
          record = record->next)
         collect(*record, "");
     collectEvents();
+    connectMachine();
+}
+
+void Station::connectMachine() {
     // There is no camera behind the board: the simulator takes its place, and follows the camera trigger.
     set("FG_CAMERASIMULATOR_ENABLE", std::int64_t{FG_CAMERASIMULATOR});
     set("FG_CAMERASIMULATOR_TRIGGER_MODE", std::int64_t{RISING_EDGE_TRIGGERS_LINE});
+    // A belt with parts on it. The inputs are those that the applet's triggers look at after its start.
+    constexpr std::uint64_t millisecond = 125'000; // ticks
+    constexpr unsigned lightBarrier = 0, trackA = 1, trackB = 2;
+    constexpr std::int32_t quarterSteps = 40'000; // a second
+    const vboard_speed speed{1, quarterSteps, quarterSteps};
+    board().wave_encoder(device(), trackA, trackB, &speed, 1);
+    board().wave_square(device(), lightBarrier, 100 * millisecond, 500 * millisecond, 250 * millisecond);
 }
 
 void Station::collect(const RegisterInfo& record, const std::string& path) {

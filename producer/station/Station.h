@@ -66,6 +66,8 @@ public:
 private:
     void collect(const RegisterInfo& record, const std::string& path);
     void collectEvents();
+    /** What is around the board: the camera and the inputs. */
+    void connectMachine();
     const Parameter& known(const char* name) const;
 
     const Libraries m_libraries;
