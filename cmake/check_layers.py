@@ -24,6 +24,11 @@ TOOLS_ANSWERS = [*TOOLS_SCRATCH, f"{TOOLS}answers/**"]
 TOOL = "tools/appletctl/"
 BASE = [*TOOLS_BASE, f"{TOOL}base/**"]
 DRAW = [*BASE, f"{TOOL}draw/**"]
+PRODUCER = "producer/"
+PRODUCER_BASE = [*HEADERS, f"{PRODUCER}gentl.h", f"{PRODUCER}base/**"]
+PRODUCER_FEATURES = [*PRODUCER_BASE, f"{PRODUCER}features/**"]
+PRODUCER_DEVICE = [*PRODUCER_FEATURES, *HOST, f"{PRODUCER}device/**"]
+PRODUCER_MODULES = [*PRODUCER_DEVICE, f"{PRODUCER}modules/**"]
 COMMANDS = [*TOOLS_ANSWERS, *DRAW, f"{TOOL}commands/*"]
 
 # The files of a room, and what they may include. A file belongs to the first row that it matches. A star stays within a
@@ -54,6 +59,11 @@ ROOMS = [
     (f"{TOOLS}applet/**", TOOLS_APPLET),
     (f"{TOOLS}scratch/**", TOOLS_SCRATCH),
     (f"{TOOLS}answers/**", TOOLS_ANSWERS),
+    (f"{PRODUCER}base/**", PRODUCER_BASE),
+    (f"{PRODUCER}features/**", PRODUCER_FEATURES),
+    (f"{PRODUCER}device/**", PRODUCER_DEVICE),
+    (f"{PRODUCER}modules/**", PRODUCER_MODULES),
+    (f"{PRODUCER}**", [*PRODUCER_MODULES, f"{PRODUCER}**"]),
     (f"{TOOL}base/**", BASE),
     (f"{TOOL}draw/**", DRAW),
     # The rooms of the commands know what all of them share, and not each other.
@@ -63,11 +73,11 @@ ROOMS = [
     (f"{TOOL}cli/**", [*HEADERS, "virtual_board/virtual_board.h", "tools/**"]),
 ]
 # What prints, in files that must not.
-SILENT = [f"{TOOLS}**"]
+SILENT = [f"{TOOLS}**", f"{PRODUCER}**"]
 PRINTING = re.compile(r"#\s*include\s+<(?:iostream|cstdio|stdio\.h|print)>|"
                       r"\bstd::(?:cout|cerr|clog)\b|\b(?:f?printf|f?puts|putchar)\(")
-CHECKED = ["include", "src", "station", "virtual_board", "tools"]
-INCLUDE_ROOTS = ["include", "src", "tools", "."]
+CHECKED = ["include", "src", "station", "virtual_board", "tools", "producer"]
+INCLUDE_ROOTS = ["include", "src", "tools", "producer", "."]
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.MULTILINE)
 SUFFIXES = {".h", ".hpp", ".cpp", ".def"}
 

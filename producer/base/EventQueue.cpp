@@ -1,8 +1,9 @@
 #include "base/EventQueue.h"
 
+#include "base/hexadecimal.h"
+
 #include <algorithm>
 #include <chrono>
-#include <cstdio>
 
 namespace producer {
 namespace {
@@ -139,9 +140,7 @@ Answer EventQueue::dataInfo(std::string_view data, std::int32_t command) const {
     std::memcpy(&id, data.data(), sizeof id);
     if (command == EVENT_DATA_NUMID) return Answer::uint64(id);
     if (command == EVENT_DATA_VALUE) return Answer::bytes(data.substr(sizeof id));
-    char text[17];
-    std::snprintf(text, sizeof text, "%llx", static_cast<unsigned long long>(id));
-    return Answer::text(std::string(std::strlen(text) % 2, '0') + text);
+    return Answer::text(wholeBytes(id));
 }
 
 } // namespace producer

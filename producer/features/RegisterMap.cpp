@@ -1,11 +1,11 @@
 #include "features/RegisterMap.h"
 
 #include "base/Error.h"
+#include "base/hexadecimal.h"
 #include "features/description.h"
 
 #include <algorithm>
 #include <bit>
-#include <cstdio>
 #include <cstring>
 
 namespace producer {
@@ -64,19 +64,13 @@ Bytes limitsOf(const Feature& feature) {
     return bytes;
 }
 
-std::string hexadecimal(std::uint64_t address) {
-    char text[24];
-    std::snprintf(text, sizeof text, "0x%llx", static_cast<unsigned long long>(address));
-    return text;
-}
-
 /** Whether so many bytes from `place` on lie in a register. */
 bool isWithin(std::uint64_t place, std::size_t length, std::size_t size) {
     return place < size && length <= size - place;
 }
 
 [[noreturn]] void refuseAddress(std::uint64_t address, std::size_t length) {
-    throw Error(GC_ERR_INVALID_ADDRESS, "there is no register of " + std::to_string(length) + " bytes at " +
+    throw Error(GC_ERR_INVALID_ADDRESS, "there is no register of " + std::to_string(length) + " bytes at 0x" +
                                             hexadecimal(address) +
                                             "; the description names those that there are");
 }

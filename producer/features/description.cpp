@@ -2,10 +2,10 @@
 
 #include "features/description.h"
 
+#include "base/hexadecimal.h"
 #include "features/RegisterMap.h"
 
 #include <array>
-#include <cstdio>
 #include <map>
 #include <set>
 
@@ -30,12 +30,6 @@ std::string escaped(const std::string& text) {
     return result;
 }
 
-std::string hexadecimal(std::uint64_t number) {
-    char text[24];
-    std::snprintf(text, sizeof text, "%llX", static_cast<unsigned long long>(number));
-    return text;
-}
-
 class Document {
 public:
     Document(const DescriptionNames& names, const std::vector<Feature>& features) : m_names(names) {
@@ -45,8 +39,7 @@ public:
             add(features[i], i * RegisterMap::slotSize);
         for (const std::uint64_t event : m_events) {
             open("Port", eventPort(event));
-            const std::string id = hexadecimal(event); // of whole bytes
-            element("EventID", std::string(id.size() % 2, '0') + id);
+            element("EventID", wholeBytes(event));
             close("Port");
         }
         m_text += "<Port Name=\"" + m_names.port + "\"/>\n</RegisterDescription>\n";

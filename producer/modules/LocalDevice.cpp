@@ -1,10 +1,10 @@
 #include "modules/LocalDevice.h"
 
 #include "base/Error.h"
+#include "device/parameter_features.h"
 #include "modules/Interface.h"
 #include "modules/Stream.h"
 #include "modules/System.h"
-#include "station/parameter_features.h"
 
 namespace producer {
 namespace {

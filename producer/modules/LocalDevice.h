@@ -2,9 +2,9 @@
 #ifndef PRODUCER_MODULES_LOCALDEVICE_H
 #define PRODUCER_MODULES_LOCALDEVICE_H
 
+#include "device/Acquisition.h"
+#include "device/standard_features.h"
 #include "modules/Module.h"
-#include "station/Acquisition.h"
-#include "station/standard_features.h"
 
 #include <memory>
 #include <string>

@@ -1,7 +1,8 @@
 #include "modules/Module.h"
 
+#include "base/hexadecimal.h"
+
 #include <algorithm>
-#include <cstdio>
 
 namespace producer {
 
@@ -49,11 +50,8 @@ Answer Module::portInfo(std::int32_t command) {
 }
 
 std::string Module::url() {
-    char place[64];
-    std::snprintf(place, sizeof place, ";%llx;%zx?SchemaVersion=1.1.0",
-                  static_cast<unsigned long long>(RegisterMap::descriptionAddress),
-                  registers().description().size());
-    return "local:///" + m_name + ".xml" + place;
+    return "local:///" + m_name + ".xml;" + hexadecimal(RegisterMap::descriptionAddress) + ";" +
+           hexadecimal(registers().description().size()) + "?SchemaVersion=1.1.0";
 }
 
 Answer Module::urlInfo(std::int32_t command) {

@@ -5,8 +5,8 @@
 #include "base/Answer.h"
 #include "base/EventQueue.h"
 #include "base/HandleTable.h"
+#include "device/identity.h"
 #include "features/RegisterMap.h"
-#include "station/identity.h"
 
 #include <cstdint>
 #include <functional>

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstring>
 #include <iterator>
+#include <utility>
 
 namespace producer {
 namespace {
@@ -176,15 +177,14 @@ std::optional<std::span<std::uint8_t>> Stream::begin() {
 
 void Stream::end(const Picture& picture) {
     const Lock lock(m_mutex);
-    Buffer& buffer = m_filling->second;
-    buffer.picture = picture;
-    buffer.hasPicture = buffer.isNew = true;
-    toOutput(*m_filling);
-    m_filling = nullptr;
+    Buffers::value_type& filled = *std::exchange(m_filling, nullptr);
+    filled.second.picture = picture;
+    filled.second.hasPicture = filled.second.isNew = true;
     if (m_left != GENTL_INFINITE) --m_left;
     ++m_delivered;
     m_lost += picture.lostBefore;
     m_isFull.notify_all();
+    toOutput(filled);
 }
 
 std::uint64_t Stream::number(std::int32_t command) {
@@ -287,7 +287,7 @@ Answer Stream::pictureInfo(const Buffer& buffer, std::int32_t command) const {
         return Answer::uint64(picture.nanoseconds);
     case BUFFER_INFO_SIZE_FILLED:
     case BUFFER_INFO_DATA_SIZE:
-        return Answer::size(std::min<std::uint64_t>(picture.size, buffer.memory.size()));
+        return Answer::size(picture.written);
     case BUFFER_INFO_WIDTH:
         return Answer::size(geometry.width);
     case BUFFER_INFO_HEIGHT:

@@ -2,8 +2,8 @@
 #ifndef PRODUCER_MODULES_SYSTEM_H
 #define PRODUCER_MODULES_SYSTEM_H
 
+#include "device/Libraries.h"
 #include "modules/Module.h"
-#include "station/Libraries.h"
 
 #include <atomic>
 #include <memory>

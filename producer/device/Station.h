@@ -1,9 +1,9 @@
 /** A virtual board with the applet on it: its parameters as the producer's values. */
-#ifndef PRODUCER_STATION_STATION_H
-#define PRODUCER_STATION_STATION_H
+#ifndef PRODUCER_DEVICE_STATION_H
+#define PRODUCER_DEVICE_STATION_H
 
+#include "device/Libraries.h"
 #include "features/Feature.h"
-#include "station/Libraries.h"
 
 #include <cstdint>
 #include <map>
@@ -52,7 +52,7 @@ public:
     static bool isWritable(const Parameter& parameter, bool isAcquiring);
 
     const std::vector<EventKind>& events() const { return m_events; }
-    /** Null for an event that the applet does not know. */
+    /** Null for an event that the applet does not know. It keeps what it finds: one thread at a time calls it. */
     const EventKind* eventOfDesign(const std::string& designName);
 
     const applet_host::BoardFunctions& board() const { return m_libraries->board(); }

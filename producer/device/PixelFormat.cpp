@@ -1,4 +1,4 @@
-#include "station/PixelFormat.h"
+#include "device/PixelFormat.h"
 
 #include "vexo/fg_parameters.h"
 

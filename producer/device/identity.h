@@ -1,6 +1,6 @@
 /** What the producer calls itself and its modules. */
-#ifndef PRODUCER_STATION_IDENTITY_H
-#define PRODUCER_STATION_IDENTITY_H
+#ifndef PRODUCER_DEVICE_IDENTITY_H
+#define PRODUCER_DEVICE_IDENTITY_H
 
 namespace producer {
 

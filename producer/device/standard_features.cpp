@@ -1,9 +1,9 @@
 // Device, image format, acquisition and transport; signal_features.cpp has triggers, inputs, colours and events.
 
-#include "station/standard_features.h"
+#include "device/standard_features.h"
 
 #include "base/Error.h"
-#include "station/identity.h"
+#include "device/identity.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
 // Triggers, encoder, inputs, gains and tables, events.
 
-#include "station/standard_features.h"
+#include "device/standard_features.h"
 
 #include "base/Error.h"
 

@@ -1,4 +1,4 @@
-#include "station/Clock.h"
+#include "device/Clock.h"
 
 #include "base/Error.h"
 

@@ -1,6 +1,6 @@
 /** The pixel formats of pictures. */
-#ifndef PRODUCER_STATION_PIXELFORMAT_H
-#define PRODUCER_STATION_PIXELFORMAT_H
+#ifndef PRODUCER_DEVICE_PIXELFORMAT_H
+#define PRODUCER_DEVICE_PIXELFORMAT_H
 
 #include <cstdint>
 #include <span>

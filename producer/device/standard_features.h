@@ -1,10 +1,10 @@
 /** What the standard feature naming convention calls the parameters of the applet, and what it adds to them. */
-#ifndef PRODUCER_STATION_STANDARDFEATURES_H
-#define PRODUCER_STATION_STANDARDFEATURES_H
+#ifndef PRODUCER_DEVICE_STANDARDFEATURES_H
+#define PRODUCER_DEVICE_STANDARDFEATURES_H
 
+#include "device/Acquisition.h"
+#include "device/Station.h"
 #include "features/Feature.h"
-#include "station/Acquisition.h"
-#include "station/Station.h"
 
 #include <atomic>
 #include <cstdint>

@@ -1,8 +1,8 @@
 /** How the time of a virtual station moves. */
-#ifndef PRODUCER_STATION_CLOCK_H
-#define PRODUCER_STATION_CLOCK_H
+#ifndef PRODUCER_DEVICE_CLOCK_H
+#define PRODUCER_DEVICE_CLOCK_H
 
-#include "station/Station.h"
+#include "device/Station.h"
 
 #include <chrono>
 

@@ -1,9 +1,9 @@
 /** The applet's parameters as features, by their own names. */
-#ifndef PRODUCER_STATION_PARAMETERFEATURES_H
-#define PRODUCER_STATION_PARAMETERFEATURES_H
+#ifndef PRODUCER_DEVICE_PARAMETERFEATURES_H
+#define PRODUCER_DEVICE_PARAMETERFEATURES_H
 
+#include "device/Station.h"
 #include "features/Feature.h"
-#include "station/Station.h"
 
 #include <functional>
 #include <vector>

@@ -1,4 +1,4 @@
-#include "station/parameter_features.h"
+#include "device/parameter_features.h"
 
 #include <algorithm>
 #include <cctype>

@@ -1,6 +1,6 @@
 /** The applet and the virtual board that the producer works with. */
-#ifndef PRODUCER_STATION_LIBRARIES_H
-#define PRODUCER_STATION_LIBRARIES_H
+#ifndef PRODUCER_DEVICE_LIBRARIES_H
+#define PRODUCER_DEVICE_LIBRARIES_H
 
 #include "applet_host/AppletHost.h"
 

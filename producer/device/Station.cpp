@@ -1,4 +1,4 @@
-#include "station/Station.h"
+#include "device/Station.h"
 
 #include "base/Error.h"
 

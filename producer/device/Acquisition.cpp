@@ -1,10 +1,12 @@
-#include "station/Acquisition.h"
+#include "device/Acquisition.h"
 
 #include "base/Error.h"
 
+#include <algorithm>
 #include <csignal>
 #include <cstring>
 #include <limits>
+#include <new>
 
 namespace producer {
 namespace {
@@ -17,6 +19,14 @@ template <typename Function> std::thread quietThread(Function function) {
     std::thread thread(function);
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
     return thread;
+}
+
+/** Does what needs memory; without it an event or a picture is lost, and the thread goes on. */
+template <typename Work> void withMemory(Work work) {
+    try {
+        work();
+    } catch (const std::bad_alloc&) {
+    }
 }
 
 } // namespace
@@ -132,8 +142,10 @@ void Acquisition::run() {
 void Acquisition::giveEvents() {
     vboard_event event{};
     while (m_station.board().next_event(m_station.device(), &event) == VBOARD_OK)
-        if (const EventKind* kind = m_station.eventOfDesign(event.name))
-            m_onEvent(*kind, event.tick * Station::nanosecondsPerTick);
+        withMemory([&] {
+            if (const EventKind* kind = m_station.eventOfDesign(event.name))
+                m_onEvent(*kind, event.tick * Station::nanosecondsPerTick);
+        });
 }
 
 bool Acquisition::deliverOne(std::unique_lock<std::mutex>& lock) {
@@ -146,8 +158,7 @@ bool Acquisition::deliverOne(std::unique_lock<std::mutex>& lock) {
     if (!place) return false;
     m_isMaking = true;
     lock.unlock();
-    const Picture picture = make(number, *place);
-    sink.end(picture);
+    withMemory([&] { sink.end(make(number, *place)); });
     lock.lock();
     m_isMaking = false;
     m_changed.notify_all();
@@ -167,26 +178,29 @@ Picture Acquisition::make(std::int64_t number, std::span<std::uint8_t> place) {
     };
     const bool isAsMade = format.bits == format.appletBits;
     int result = isAsMade ? makeIn(place) : VBOARD_TOO_SMALL;
-    std::span<const std::uint8_t> made = place;
-    if (result == VBOARD_TOO_SMALL) {
-        const std::uint64_t whole = m_geometry.bytesPerLine() * m_geometry.height;
-        if (m_made.size() < whole) m_made.resize(whole);
-        result = makeIn(m_made);
-        made = m_made;
+    const bool isAside = result == VBOARD_TOO_SMALL;
+    if (isAside) {
+        withMemory([&] {
+            if (m_made.size() < m_geometry.bytes()) m_made.resize(m_geometry.bytes());
+            result = makeIn(m_made);
+        });
     }
     picture.nanoseconds = record.first_line * Station::nanosecondsPerTick;
     picture.lostBefore = record.lost_before;
     picture.lines = record.lines;
     picture.size = m_geometry.bytesPerLine() * record.lines;
     picture.isCut = result != VBOARD_OK || picture.size > place.size();
+    picture.written = std::min<std::uint64_t>(picture.size, result == VBOARD_OK ? place.size() : 0);
     const std::uint64_t pixels = std::uint64_t{record.width} * record.lines;
     if (!picture.isCut) {
-        convert(format, pixels, made.data(), place.data());
+        convert(format, pixels, isAside ? m_made.data() : place.data(), place.data());
         const std::uint64_t end = std::min<std::uint64_t>(m_geometry.bytes(), place.size());
         if (picture.size < end) std::memset(place.data() + picture.size, 0, end - picture.size);
-    } else if (result == VBOARD_OK && isAsMade) {
+    } else if (isAsMade) {
         if (format.isSwapped) convert(format, pixels, m_made.data(), m_made.data());
-        std::memcpy(place.data(), m_made.data(), place.size());
+        std::memcpy(place.data(), m_made.data(), picture.written);
+    } else {
+        picture.written = 0; // what is unpacked needs the whole place
     }
     return picture;
 }

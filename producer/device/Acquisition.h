@@ -1,10 +1,10 @@
 /** The thread behind an open device: it lets time move, and brings pictures and events to where they go. */
-#ifndef PRODUCER_STATION_ACQUISITION_H
-#define PRODUCER_STATION_ACQUISITION_H
+#ifndef PRODUCER_DEVICE_ACQUISITION_H
+#define PRODUCER_DEVICE_ACQUISITION_H
 
-#include "station/Clock.h"
-#include "station/PixelFormat.h"
-#include "station/Station.h"
+#include "device/Clock.h"
+#include "device/PixelFormat.h"
+#include "device/Station.h"
 
 #include <atomic>
 #include <condition_variable>
@@ -35,8 +35,9 @@ struct Picture {
     std::uint64_t nanoseconds = 0; /**< of its first line */
     std::uint64_t lostBefore = 0;  /**< images that the board lost before it */
     std::uint32_t lines = 0;
-    std::uint64_t size = 0; /**< bytes of these lines */
-    bool isCut = false;     /**< it did not fit */
+    std::uint64_t size = 0;    /**< bytes of these lines */
+    std::uint64_t written = 0; /**< bytes of them in the buffer */
+    bool isCut = false;        /**< it did not fit */
     Geometry geometry{};
 };
 

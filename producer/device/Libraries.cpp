@@ -1,4 +1,4 @@
-#include "station/Libraries.h"
+#include "device/Libraries.h"
 
 #include "base/Error.h"
 
