@@ -158,8 +158,10 @@ bool Acquisition::deliverOne(std::unique_lock<std::mutex>& lock) {
     if (!place) return false;
     m_isMaking = true;
     lock.unlock();
-    withMemory([&] { sink.end(make(number, *place)); });
+    const Picture picture = make(number, *place);
     lock.lock();
+    // Who has the last picture finds the acquisition at its end.
+    withMemory([&] { sink.end(picture); });
     m_isMaking = false;
     m_changed.notify_all();
     if (isDone()) return false; // stopped meanwhile

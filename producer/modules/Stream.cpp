@@ -13,6 +13,7 @@ namespace {
 constexpr const char* information = "StreamInformation";
 constexpr const char* control = "BufferHandlingControl";
 constexpr std::uint64_t fewestBuffers = 1;
+constexpr std::size_t mostBytes = std::size_t{1} << 46; // of a buffer
 
 std::string newBufferEvent(void* handle, void* user) {
     const EVENT_NEW_BUFFER_DATA data{handle, user};
@@ -64,6 +65,7 @@ void Stream::waitForFilled(Lock& lock) {
 
 void* Stream::announce(void* memory, std::size_t size, void* user) {
     if (size == 0) throw Error(GC_ERR_INVALID_PARAMETER, "a buffer has at least one byte");
+    if (size > mostBytes) throw Error(GC_ERR_OUT_OF_MEMORY, "no machine has so much memory");
     Buffer buffer;
     buffer.user = user;
     if (memory == nullptr) buffer.own = std::make_unique_for_overwrite<std::uint8_t[]>(size);
