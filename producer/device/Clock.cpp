@@ -12,7 +12,7 @@ using namespace std::chrono_literals;
 using Ticks = std::chrono::duration<std::uint64_t, std::ratio<Station::nanosecondsPerTick, 1'000'000'000>>;
 
 constexpr auto longestStep = 50ms; // more is not caught up with
-constexpr Ticks step = 1ms;        // of the stepped clock
+constexpr Ticks step = 10ms;       // of the stepped clock
 
 } // namespace
 
@@ -39,7 +39,7 @@ void Clock::move(bool isWanted) {
 }
 
 std::chrono::microseconds Clock::pause(bool isAcquiring, bool isWanted) const {
-    if (m_kind == Kind::stepped) return isWanted ? 10us : 100ms;
+    if (m_kind == Kind::stepped) return isWanted ? 0us : 100ms;
     return isAcquiring ? 500us : 5ms;
 }
 

@@ -172,14 +172,12 @@ void Station::collectEvents() {
     }
 }
 
-const EventKind* Station::eventOfDesign(const std::string& designName) {
+const EventKind* Station::eventOfDesign(const char* designName) {
     const auto known = m_designEvents.find(designName);
-    if (known != m_designEvents.end())
-        return known->second < m_events.size() ? &m_events[known->second] : nullptr;
-    const std::uint64_t mask = applet().Fg_getEventMask(fg(), designName.c_str());
+    if (known != m_designEvents.end()) return known->second;
+    const std::uint64_t mask = applet().Fg_getEventMask(fg(), designName);
     const auto found = std::ranges::find(m_events, mask, &EventKind::mask);
-    m_designEvents[designName] = static_cast<std::size_t>(found - m_events.begin());
-    return found != m_events.end() ? &*found : nullptr;
+    return m_designEvents[designName] = found != m_events.end() ? &*found : nullptr;
 }
 
 const Parameter* Station::find(const std::string& name) const {

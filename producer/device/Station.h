@@ -53,7 +53,7 @@ public:
 
     const std::vector<EventKind>& events() const { return m_events; }
     /** Null for an event that the applet does not know. It keeps what it finds: one thread at a time calls it. */
-    const EventKind* eventOfDesign(const std::string& designName);
+    const EventKind* eventOfDesign(const char* designName);
 
     const applet_host::BoardFunctions& board() const { return m_libraries->board(); }
     const applet_host::AppletFunctions& applet() const { return m_libraries->applet(); }
@@ -74,7 +74,7 @@ private:
     mutable applet_host::Session m_session;
     std::vector<Parameter> m_parameters;
     std::vector<EventKind> m_events;
-    std::map<std::string, std::size_t> m_designEvents; // by the design's name
+    std::map<const char*, const EventKind*> m_designEvents; // by the design's names, which stay where they are
 };
 
 /** A text of the applet, which may be ISO 8859-1. */
