@@ -239,6 +239,16 @@ class Clients(unittest.TestCase):
                 thread.join()
             self.assertEqual(found, {width: list(range(1, 51)) for width in acquirers})
 
+    def test_the_script_of_the_page(self):
+        page = (pathlib.Path(__file__).parent.parent / "docs" / "producer.md").read_text(encoding="utf-8")
+        script = page.split("```python\n")[1].split("```")[0]
+        environment = {**os.environ, "GENICAM_GENTL64_PATH": str(CTI.parent)}
+        printed = subprocess.run([sys.executable, "-c", script], env=environment, check=True, capture_output=True,
+                                 text=True).stdout.splitlines()
+        self.assertEqual(printed[0], "exposure can be 0.512 to 100.0 µs")
+        self.assertEqual([line.split()[0] for line in printed[1:]], [str(i) for i in range(1, 11)])
+        self.assertIn("(512, 2048, 3)", printed[1])
+
     @unittest.skipIf(len(sys.argv) < 4, "there is no appletctl")
     def test_portable_document(self):
         document = subprocess.run([sys.argv[3], "xml", "--portable"], check=True, capture_output=True, text=True).stdout
