@@ -31,7 +31,7 @@ def protections(path, is_checked):
     entries = re.findall(r"^[0-9a-f]+ <(\w+)>:\n.*?\t(\w+)", code, re.MULTILINE)
     landing = {name for name, first in entries if first == "endbr64"}
     yield "indirect branch targets", landing and landing.issuperset(name for name in defined if name in dict(entries))
-    if not re.search("vexo_hw|tslrt|grabcore5|dispatcher", path):  # which have small frames and no such calls
+    if not re.search("vexo_hw|tslrt|grabcore5|dispatcher|producer", path):  # which have small frames and no such calls
         yield "probes of large stack frames", re.search(r"\tor[ql]\s+\$0x0,(0x[0-9a-f]+)?\(%rsp\)", code)
         yield "checked calls of the C library", any(name.endswith("_chk") for name in imported)
     has_checks = any("__glibcxx_assert_fail" in name for name in imported)

@@ -1,6 +1,7 @@
 // Pictures of the producer: what comes, when it is stopped, flushed, revoked, and from many threads.
 
 #include "support/producer_session.h"
+#include "support/sanitizers.h"
 
 #include <dlfcn.h>
 #include <gtest/gtest.h>
@@ -310,6 +311,8 @@ TEST(ProducerEndurance, AClientMayLeaveWithoutClosing) {
 }
 
 TEST(ProducerEndurance, AClientMayUnloadWithoutClosing) {
+    if (underThreadSanitizer || underAddressSanitizer)
+        GTEST_SKIP() << "the sanitizers know one namespace of libraries";
     const int status = exitCodeOf([] {
         // A copy, since this program itself is linked with the producer.
         void* const library = dlmopen(LM_ID_NEWLM, PRODUCER_FILE, RTLD_NOW | RTLD_LOCAL);
