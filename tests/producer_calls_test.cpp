@@ -230,9 +230,11 @@ const Step steps[] = {
      [](S s, void*) { return DSGetNumFlows(s.stream, as<uint32_t>(room.data())); }},
 };
 
-class ProducerCalls : public testing::Test {
+/** While nothing runs, and while an acquisition does. */
+class ProducerCalls : public testing::TestWithParam<bool> {
 protected:
     void SetUp() override {
+        if (GetParam()) session.start();
         support::ok(TLUpdateInterfaceList(session.tl, nullptr, 0));
         support::ok(IFUpdateDeviceList(session.interface, nullptr, 0));
         support::ok(DSAllocAndAnnounceBuffer(session.stream, 16, nullptr, &arguments.buffer));
@@ -270,7 +272,7 @@ TEST(ProducerState, NothingWorksBeforeTheStart) {
     EXPECT_EQ(TLOpen(&dummy), GC_ERR_NOT_INITIALIZED);
 }
 
-TEST_F(ProducerCalls, WrongHandlesAreRecognised) {
+TEST_P(ProducerCalls, WrongHandlesAreRecognised) {
     DEV_HANDLE closed = session.device;
     support::ok(DevClose(closed));
     support::ok(IFOpenDevice(session.interface, deviceId, 3, &session.device));
@@ -292,7 +294,7 @@ TEST_F(ProducerCalls, WrongHandlesAreRecognised) {
     }
 }
 
-TEST_F(ProducerCalls, MissingPlacesAndSizesAreRecognised) {
+TEST_P(ProducerCalls, MissingPlacesAndSizesAreRecognised) {
     for (const Call& call : calls) {
         if (!call.call) continue;
         arguments.handle = handleFor(call.needs);
@@ -310,7 +312,7 @@ TEST_F(ProducerCalls, MissingPlacesAndSizesAreRecognised) {
     }
 }
 
-TEST_F(ProducerCalls, EachCommandAnswersWithItsType) {
+TEST_P(ProducerCalls, EachCommandAnswersWithItsType) {
     const auto letterOf = [](INFO_DATATYPE answered) { return "?s???45?8?pbz???"[answered]; };
     for (const Call& call : calls) {
         if (call.info == nullptr) continue;
@@ -355,17 +357,21 @@ TEST(ProducerSteps, EachHasItsCode) {
     }
 }
 
-TEST_F(ProducerCalls, TheLastErrorSaysWhatWasWrong) {
+INSTANTIATE_TEST_SUITE_P(States, ProducerCalls, testing::Bool());
+
+TEST(ProducerSteps, TheLastErrorSaysWhatWasWrong) {
+    support::ProducerSession session;
     EXPECT_EQ(session.set("Width", 1022), GC_ERR_INVALID_VALUE);
     GC_ERROR code = 0;
-    size = place.size();
-    EXPECT_EQ(GCGetLastError(&code, place.data(), &size), GC_ERR_SUCCESS);
+    char text[1024];
+    size_t length = sizeof text;
+    EXPECT_EQ(GCGetLastError(&code, text, &length), GC_ERR_SUCCESS);
     EXPECT_EQ(code, GC_ERR_INVALID_VALUE);
-    EXPECT_STREQ(place.data(),
-                 "FG_WIDTH = 1022 was refused: -7080, value not on the parameter's grid; the present "
-                 "limits are 4 to 16384 in steps of 4 pixel");
-    size = 3;
-    EXPECT_EQ(GCGetLastError(&code, place.data(), &size), GC_ERR_BUFFER_TOO_SMALL);
+    EXPECT_STREQ(
+        text, "FG_WIDTH = 1022 was refused: -7080, value not on the parameter's grid; the present limits are "
+              "4 to 16384 in steps of 4 pixel");
+    length = 3;
+    EXPECT_EQ(GCGetLastError(&code, text, &length), GC_ERR_BUFFER_TOO_SMALL);
     EXPECT_EQ(code, GC_ERR_INVALID_VALUE);
 }
 

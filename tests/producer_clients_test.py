@@ -12,6 +12,7 @@ import pathlib
 import subprocess
 import sys
 import threading
+import time
 import unittest
 
 PACKAGES = ["harvesters>=1.4,<2", "genicam>=1.5,<2"]
@@ -38,10 +39,9 @@ def run_in_environment():
 if "PRODUCER_CLIENT" not in os.environ:
     run_in_environment()
 
-from genicam.genapi import (AccessException, EAccessMode, EventAdapterGeneric, EVisibility,  # noqa: E402
-                            NodeMap, OutOfRangeException)
-from genicam.gentl import EventManagerRemoteDevice, InvalidValueException  # noqa: E402
-from harvesters.core import Harvester  # noqa: E402
+from genicam.genapi import AccessException, EAccessMode, EVisibility, NodeMap, OutOfRangeException  # noqa: E402
+from genicam.gentl import InvalidValueException  # noqa: E402
+from harvesters.core import Harvester, ParameterKey, ParameterSet  # noqa: E402
 
 
 class Record(ctypes.Structure):
@@ -194,22 +194,23 @@ class Clients(unittest.TestCase):
         self.assertEqual([after - before for before, after in zip(times, times[1:])], [1_600_000] * 2)
 
     def test_events(self):
-        nodes = self.nodes
+        self.acquirer.destroy()
+        self.acquirer = self.harvester.create({"id_": "virtual-0-process-0"},
+                                              config=ParameterSet({ParameterKey.ENABLE_EVENT_MONITOR: True}))
+        nodes = self.acquirer.remote_device.node_map
         nodes.Width.value, nodes.Height.value = 64, 16
         nodes.EventSelector.value = "START_OF_FRAME_CAM_PORT_0"
         mask = 1 << (int(nodes.EventSelector.get_int_value()) - 1)
         nodes.EventNotification.value = "On"
-        monitors = [monitor for monitor in self.acquirer._module_event_monitor_dict.values()
-                    if isinstance(monitor, EventManagerRemoteDevice)]
-        adapter = EventAdapterGeneric(nodes.pointer)
         self.assertEqual(nodes.EventSTART_OF_FRAME_CAM_PORT_0.node.get_access_mode(), EAccessMode.NA)
         self.acquirer.start()
-        monitors[0].update_event_data(10_000)
-        adapter.deliver_message(monitors[0].optional_data, monitors[0].event_id)
+        end = time.monotonic() + 20
+        while nodes.EventSTART_OF_FRAME_CAM_PORT_0.node.get_access_mode() == EAccessMode.NA:
+            self.assertLess(time.monotonic(), end)
+            pictures(self.acquirer, 1)
         self.acquirer.stop()
         self.assertEqual(nodes.EventSTART_OF_FRAME_CAM_PORT_0.value, mask)
         self.assertLess(nodes.EventSTART_OF_FRAME_CAM_PORT_0Timestamp.value, nodes.Timestamp.value)
-        del adapter  # before the node map goes
 
     def test_disconnect_and_reconnect(self):
         self.nodes.Width.value = 64
