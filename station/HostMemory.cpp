@@ -18,7 +18,7 @@ void HostMemory::remove(std::map<std::int64_t, Picture>::iterator picture) {
 }
 
 void HostMemory::deliver(std::shared_ptr<const Record> record) {
-    while (!m_pictures.empty() && m_pictures.size() >= m_frames)
+    while (m_kind == Kind::ring && !m_pictures.empty() && m_pictures.size() >= m_frames)
         remove(m_pictures.begin());
     const std::int64_t picture = record->picture;
     m_pictures[picture].record = std::move(record);

@@ -398,6 +398,13 @@ TEST_F(VirtualStation, GivesPicturesThroughTheRuntime) {
     // The default pattern: x, without y. The end of line 700 and 6.0005 ticks for 192 bytes.
     EXPECT_TRUE(record.data[0] == 0 && record.data[3 * 63] == 63 && record.data[192 + 2] == 0);
     EXPECT_EQ(record.arrival, 709U);
+    std::vector<std::uint8_t> place(768);
+    vboard_record apart{};
+    EXPECT_EQ(BOARD(vboard_frame_into)(memory, 2, place.data(), 767, &apart), VBOARD_TOO_SMALL);
+    EXPECT_EQ(apart.size, 768U);
+    EXPECT_EQ(BOARD(vboard_frame_into)(memory, 2, place.data(), 768, &apart), VBOARD_OK);
+    EXPECT_TRUE(std::equal(place.begin(), place.end(), record.data) && apart.data == place.data());
+    EXPECT_EQ(BOARD(vboard_frame_into)(memory, 3, place.data(), 768, &apart), VBOARD_GONE);
     EXPECT_EQ(status(VBOARD_STATUS_TICK), 709);
     EXPECT_EQ(status(VBOARD_STATUS_LINES), 8);
     EXPECT_EQ(BOARD(vboard_advance)(device, 1000), 1709U);
@@ -434,9 +441,15 @@ TEST_F(VirtualStation, RefusesMemoriesThatDoNotFit) {
     EXPECT_EQ(BOARD(vboard_release)(memory, 1), VBOARD_OK);
     EXPECT_EQ(BOARD(vboard_release)(memory, 1), VBOARD_GONE);
     EXPECT_EQ(wait(2), 2);
+    EXPECT_EQ(BOARD(vboard_memory_frames)(memory, 2), VBOARD_OK);
+    EXPECT_EQ(wait(3), 3);
+    EXPECT_EQ(BOARD(vboard_memory_frames)(memory, 0), VBOARD_OK);
+    EXPECT_TRUE(BOARD(vboard_release)(memory, 2) == VBOARD_OK &&
+                BOARD(vboard_release)(memory, 3) == VBOARD_OK);
+    EXPECT_EQ(wait(4, 1), VBOARD_TIMEOUT);
     BOARD(vboard_memory_free)(memory); // ends the acquisition
     EXPECT_EQ(own<std::uint32_t>(24092), 0U);
-    EXPECT_EQ(wait(3), FG_ERR_NOT_AVAILABLE);
+    EXPECT_EQ(wait(4), FG_ERR_NOT_AVAILABLE);
     BOARD(vboard_reset)(device);
     EXPECT_EQ(BOARD(vboard_now)(device), 0U);
 }
