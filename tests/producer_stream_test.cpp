@@ -144,7 +144,7 @@ TEST_F(ProducerInRealTime, WithoutBuffersTheDmaWaitsAndTheBoardLosesImages) {
     session.start();
     std::uint64_t data[3] = {};
     size_t size = sizeof data;
-    ok(EventGetData(events, data, &size, 20'000)); // an overflow, as nobody fetches
+    ok(EventGetData(events, data, &size, 20'000)); // an overflow, as no buffer is fetched
     EXPECT_EQ(size, sizeof data);
     EXPECT_EQ(data[0], 6U);
     EXPECT_EQ(data[1], 32U);

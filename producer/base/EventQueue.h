@@ -58,7 +58,7 @@ public:
     static std::string named(std::string_view name) { return std::string(name); }
 
 private:
-    /** More than this nobody reads: the oldest go. */
+    /** Beyond this the oldest events go. */
     static constexpr std::size_t mostEvents = 65536;
 
     const std::int32_t m_kind;

@@ -10,7 +10,7 @@
 
 namespace producer {
 
-/** What a handle can stand for. */
+/** What a handle can lead to. */
 class Object {
 public:
     Object() = default;

@@ -11,7 +11,7 @@
 namespace producer {
 namespace {
 
-/** A thread whose signals go to the client's own ones. */
+/** A thread that takes no signals: they are for the client's own threads. */
 template <typename Function> std::thread quietThread(Function function) {
     sigset_t all, before;
     sigfillset(&all);

@@ -11,9 +11,9 @@ namespace producer {
 /**
  * The one place that lets simulated time move. One thread uses it.
  *
- * VBOARD_CLOCK chooses: "wall" (the default) follows real time; on a machine that is too slow for it simulated time falls behind.
- * "stepped" moves only while an acquisition has a buffer to fill, as fast as it can: the same
- * settings give the same pictures then, however slow the client is.
+ * VBOARD_CLOCK chooses: "wall" (the default) follows real time; on a machine that is too slow for it simulated time
+ * falls behind. "stepped" moves only while an acquisition has a buffer to fill, as fast as it can: the same settings
+ * give the same pictures then, however slow the client is.
  */
 class Clock {
 public:

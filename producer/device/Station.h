@@ -17,7 +17,7 @@ namespace producer {
 struct Parameter {
     std::string name;
     const RegisterInfo* record;
-    std::string path; /**< groups, from the outermost on, with a slash between two */
+    std::string path; /**< labels of its groups, from the outermost on, with a line feed between two */
 };
 
 /** An event of the design. */

@@ -17,9 +17,9 @@
 namespace producer {
 
 /**
- * A buffer is announced; queued, it waits in the input pool; a picture is made in it; it waits in the output queue, which
- * is the queue of the new buffer event; fetched from there it is the client's. The functions of the buffers may be called
- * from any thread, and answer INVALID_HANDLE once the stream is closed.
+ * A buffer is announced; queued, it waits in the input pool; a picture is made in it; it waits in the output queue,
+ * which is the queue of the new buffer event; fetched from there it is the client's. The functions of the buffers may
+ * be called from any thread, and answer INVALID_HANDLE once the stream is closed.
  *
  * What moves a buffer that is being filled waits until it is full, which takes milliseconds.
  */
