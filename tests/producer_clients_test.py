@@ -25,12 +25,16 @@ def run_in_environment():
     python = folder / "bin" / "python"
     ready = [python, "-c", "import harvesters.core"]
     if not python.exists() or subprocess.run(ready, capture_output=True).returncode != 0:
-        subprocess.run([sys.executable, "-m", "venv", "--clear", folder], check=True)
-        install = [python, "-m", "pip", "install", "--quiet", "--disable-pip-version-check", "--timeout", "20", *PACKAGES]
-        done = subprocess.run(install, capture_output=True, text=True)
-        if done.returncode != 0:
-            print("skipped: the packages harvesters and genicam cannot be had from the package index:\n" + done.stderr)
-            sys.exit(SKIPPED)
+        for what, command in (
+                ("no virtual environment can be made (Debian: python3-venv)",
+                 [sys.executable, "-m", "venv", "--clear", folder]),
+                ("the packages harvesters and genicam cannot be had from the package index",
+                 [python, "-m", "pip", "install", "--quiet", "--disable-pip-version-check", "--timeout", "20",
+                  "--retries", "1", *PACKAGES])):
+            done = subprocess.run(command, capture_output=True, text=True)
+            if done.returncode != 0:
+                print(f"skipped: {what}:\n{done.stderr}")
+                sys.exit(SKIPPED)
     # Each board of the tests is a device; time moves with the pictures that are taken.
     environment = {**os.environ, "VBOARD_CLOCK": "stepped", "VBOARD_COUNT": "2", "PRODUCER_CLIENT": "1"}
     os.execve(python, [str(python), __file__, *sys.argv[1:]], environment)

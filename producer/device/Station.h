@@ -74,7 +74,8 @@ private:
     mutable applet_host::Session m_session;
     std::vector<Parameter> m_parameters;
     std::vector<EventKind> m_events;
-    std::map<const char*, const EventKind*> m_designEvents; // by the design's names, which stay where they are
+    std::map<const char*, const EventKind*>
+        m_designEvents; // by the design's names, which stay where they are
 };
 
 /** A text of the applet, which may be ISO 8859-1. */
