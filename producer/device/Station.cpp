@@ -147,7 +147,7 @@ void Station::connectMachine() {
     // A belt with parts on it. The inputs are those that the applet's triggers look at after its start.
     constexpr std::uint64_t millisecond = 125'000; // ticks
     constexpr unsigned lightBarrier = 0, trackA = 1, trackB = 2;
-    constexpr std::int32_t quarterSteps = 40'000; // a second
+    constexpr std::int32_t quarterSteps = 20'000; // a second
     const vboard_speed speed{1, quarterSteps, quarterSteps};
     board().wave_encoder(device(), trackA, trackB, &speed, 1);
     board().wave_square(device(), lightBarrier, 100 * millisecond, 500 * millisecond, 250 * millisecond);
