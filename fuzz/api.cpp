@@ -291,7 +291,7 @@ private:
                 "a document needs its room");
         require(stored(one, m_applet.Fg_getParameterInfoXML(one.fg(), 0, text.data(), &size)) == FG_OK &&
                     std::strlen(text.data()) + 1 == size && size == text.size(),
-                "a document has the size told");
+                "a document has the reported size");
     }
     void ask(One&, Input& input) {
         static constexpr int codes[] = {848,  1041, 1042, 1043, 1044, 2048, 2176, 2304, 4096, 4112, 4128,

@@ -74,7 +74,7 @@ NOT_TRACED = {"shell", "trace", "run"}
 PRINTS_DOCUMENTS = {"xml", "completion", "report"}
 USES_SCRATCH_BOARD = {"list", "set", "reset", "limits", "why", "deps", "plan", "apply", "describe", "route", "lint", "docs",
                       "report", "save", "load", "check", "diff", "shell"}
-# What a person must not see: words of libraries, and of ends that nobody wrote.
+# What a person must not see: texts of libraries and of uncaught exceptions.
 CRASH = re.compile(r"terminate called|internal error|json\.exception|what\(\)|std::|basic_string|ended unexpectedly|core dumped")
 
 

@@ -280,7 +280,7 @@ TEST_F(VirtualBoard, CountsRaisedEventsByMask) {
         EXPECT_EQ(raise(name), VBOARD_UNKNOWN) << name;
     EXPECT_EQ(raised(fg, ~(std::uint64_t{1} << 5 | std::uint64_t{1} << 4)), 0);
     EXPECT_EQ(raised(fg, 1 << 5), 2);
-    EXPECT_EQ(raised(fg, 1 << 5), 0) << "told once";
+    EXPECT_EQ(raised(fg, 1 << 5), 0) << "reported once";
     EXPECT_EQ(raised(moved, std::uint64_t{1} << 63), 1) << "Extra30";
     EXPECT_EQ(raised(moved, ~std::uint64_t{0}), 0) << "no other has a mask there";
     EXPECT_EQ(raised(fg, 1 << 4), 1);

@@ -55,7 +55,7 @@ public:
         if (m_taken == m_written) return std::nullopt;
         return m_ring[m_taken++ % capacity];
     }
-    /** How many left the queue because nobody took them in time. */
+    /** How many were dropped because they were not taken in time. */
     std::uint64_t dropped() {
         skipDropped();
         return m_dropped;
