@@ -15,8 +15,6 @@ int tagOf(Type type) {
     return tags[static_cast<std::size_t>(type)];
 }
 
-std::size_t place(int row) { return static_cast<std::size_t>(row); }
-
 /** An access of what `id` leads to in this design; its row is -1 if that is nothing. */
 Access parameterAccess(int kind, const Design& design, int id, int tag) {
     int row = rowOfId(id);

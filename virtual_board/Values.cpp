@@ -31,7 +31,8 @@ std::optional<Run> runOf(int tag, const void* record) {
     if (tag == FG_PARAM_FIELD_INT) {
         FieldParameterInt_s element;
         std::memcpy(&element, bytes, sizeof element);
-        // The value is in the record itself.
+        // The value is in the record itself; a set only reads it.
+        // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast)
         return Run{element.index, 1, Type::u32, const_cast<char*>(bytes), sizeof element};
     }
     FieldParameterAccess access;
@@ -48,8 +49,6 @@ std::optional<Run> runOf(int tag, const void* record) {
 }
 
 bool isInside(std::uint32_t first, std::uint32_t count) { return std::uint64_t{first} + count <= fieldSize; }
-
-std::size_t place(int row) { return static_cast<std::size_t>(row); }
 
 /** Numbers convert into each other; texts and arrays have to match. */
 bool isCompatible(std::optional<Type> given, Type own) {
