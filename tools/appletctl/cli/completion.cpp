@@ -31,7 +31,9 @@ _appletctl() {
         [[ $word == [=:] ]] && joins=1 || joins=
     done
     local current=${words[-1]} known=
-    [[ $current == *=* && $COMP_WORDBREAKS == *=* ]] && known=${current%=*}=
+    # What is in quotes is not parted, and the quote is no part of the word.
+    words[-1]=${current#[\"\']}
+    [[ $current != [\"\']* && $current == *=* && $COMP_WORDBREAKS == *=* ]] && known=${current%=*}=
     COMPREPLY=()
     local line
     while IFS= read -r line; do
@@ -128,9 +130,9 @@ Report completeWords(Context& context, const Words& words) {
 extern const Command completeCommand;
 const Command completeCommand = {
     .name = "__complete",
-    .help = "",
+    .help = "Print what the last word can become, for the scripts of 'completion'",
     .argument = "WORD",
-    .argumentHelp = "",
+    .argumentHelp = "Words of a command line, behind --",
     .fewest = 1,
     .most = -1,
     .run = completeWords,
