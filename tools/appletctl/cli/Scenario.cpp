@@ -347,7 +347,8 @@ std::vector<Step> readScenario(const std::string& file, const Options& options) 
     const std::optional<std::string> text = textOfFile(file);
     if (!text) throw UsageError(shownFile(file) + " is no file that can be read");
     std::vector<Step> steps;
-    std::istringstream lines(*text);
+    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF"; // of some editors
+    std::istringstream lines(text->starts_with(byteOrderMark) ? text->substr(byteOrderMark.size()) : *text);
     std::string section, content;
     for (std::size_t number = 1; std::getline(lines, content); ++number) {
         const WordLine line = splitLine(content);

@@ -202,7 +202,7 @@ Candidates conditionParts(const ParameterList& parameters, const std::string& wo
     if (mark == comparison.size() && !comparison.ends_with(' ')) {
         last = comparison;
         found = namesOf(parameters, last, "");
-    } else if (behind == comparison.size()) {
+    } else if (const bool isLongest = behind - mark == 2; behind == comparison.size() && !isLongest) {
         last = comparison.substr(mark);
         if (parameter != nullptr) found = matching({{"=="}, {"!="}, {"<"}, {"<="}, {">"}, {">="}}, last);
     } else if (comparison.find_first_of(" )", value) == std::string::npos) {

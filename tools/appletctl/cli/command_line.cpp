@@ -50,13 +50,16 @@ void addGlobalOptions(CLI::App& program, Options& options) {
             "all defaults")
         ->check(CLI::IsMember({"virtual", "system"}));
     program.add_option("--bridge", options.bridge, "Library that opens a board of the system")
-        ->type_name("FILE");
+        ->type_name("FILE")
+        ->check(troubleOfFileName);
     program.add_flag(
         "--look", options.look,
         "Start the applet without writing to the board, and refuse what would write. Settings then "
         "read as the applet begins, measured values as the board has them");
     program.add_flag("--offline", options.offline, "Use an instance of the applet without a board");
-    program.add_option("--applet", options.applet, "Applet library to load")->type_name("FILE");
+    program.add_option("--applet", options.applet, "Applet library to load")
+        ->type_name("FILE")
+        ->check(troubleOfFileName);
     program.add_flag("--json", options.json, "Print one JSON document instead of text");
     program.add_flag("--plain", options.plain, "Print tables as lines with tabs; no colour, no drawing");
     program.add_option("--color", options.colour, "Colour: auto, always or never")

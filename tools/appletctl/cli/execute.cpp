@@ -104,14 +104,17 @@ void requireReadable(const std::string& file, Context& context, bool isAssignmen
     throw UsageError(inQuotes(toUtf8(file.c_str())) + " is no file that can be read: " + reason);
 }
 
-/** A file that the first word names has to be there before anything is done. */
-void requireFile(const Request& request, Context& context) {
+/** Files that the first words name have to be there before anything is done. */
+void requireFiles(const Request& request, Context& context) {
     const bool mayBeAssignment = request.command->file == Command::File::readUnlessAssignment;
     const bool isFile =
         request.command->file == Command::File::read ||
         (mayBeAssignment && request.words.size() == 1 && !isAssignment(request.words.front()));
-    if (isFile && !request.words.front().empty())
-        requireReadable(request.words.front(), context, mayBeAssignment);
+    if (!isFile) return;
+    if (!request.words.front().empty()) requireReadable(request.words.front(), context, mayBeAssignment);
+    const auto most = static_cast<std::size_t>(request.command->mostFiles);
+    for (std::size_t i = 1; i < std::min(most, request.words.size()); ++i)
+        if (!isAssignment(request.words[i])) requireReadable(request.words[i], context, true);
 }
 
 /** The state that --from and --with ask for, as long as it lives: that of the live applet if this command is all that
@@ -175,7 +178,7 @@ private:
 
 Report runCommand(const Request& request, Context& context, bool isOnlyCommand) {
     requireAgreement(request);
-    requireFile(request, context);
+    requireFiles(request, context);
     const bool isAnsweredByScratch = isProtected(request.options) && request.command->takesWithToScratch &&
                                      request.options.of<WithOption>().file.empty();
     std::optional<AskedState> state;

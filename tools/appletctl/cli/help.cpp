@@ -324,7 +324,8 @@ std::string optionError(const CLI::ParseError& error) {
                " is none";
     if (colon == std::string::npos) return "";
     const std::string behind = text.substr(colon + 1);
-    if (const std::string word = between(behind, " ", " not in {"); !word.empty()) {
+    if (behind.find(" not in {") != std::string::npos) {
+        const std::string word = between(behind, " ", " not in {");
         std::string choices = between(behind, "{", "}");
         for (std::size_t comma = 0; (comma = choices.find(',', comma)) != std::string::npos; ++comma)
             choices.insert(comma + 1, " ");

@@ -81,7 +81,9 @@ struct RunOptions {
 
 void addRunOptions(CLI::App& command, Options& options) {
     auto& own = options.own<RunOptions>();
-    command.add_option("--junit", own.junitFile, "File to write a JUnit report to")->type_name("FILE");
+    command.add_option("--junit", own.junitFile, "File to write a JUnit report to")
+        ->type_name("FILE")
+        ->check(troubleOfFileName);
     command.add_flag("--fail-fast", own.failFast, "End with the first step that fails");
 }
 
