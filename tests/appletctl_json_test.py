@@ -229,6 +229,7 @@ class EveryCommand(unittest.TestCase):
                 self.assertEqual(code, 2)
                 document, = documents(out)
                 self.check(document)
+                self.assertEqual(document["command"], command)
                 self.assertIn("there is no option '--jsno'; did you mean '--json'?", err)
         for words in (["--version"], ["completion", "zsh"], ["__complete", "--", "lut", "s"]):
             code, out, err = run(words, **settings)
@@ -238,7 +239,10 @@ class EveryCommand(unittest.TestCase):
     def test_with_what_is_not_to_be_had(self):
         rows = [(["info", "--applet", "/nowhere/libx.so"], 3), (["limits", "FG_WIDTH", "--applet", "/nowhere/libx.so"], 3),
                 (["get", b"\xff\xfe"], 2), (["bogus"], 2), ([], 2), (["events", "--offline"], 2), (["route", "--offline"], 0),
-                (["describe", "FG_LINETRIGGERMODE", "--offline"], 0), (["--help"], 0), (["set", "--help"], 0)]
+                (["describe", "FG_LINETRIGGERMODE", "--offline"], 0), (["--help"], 0), (["set", "--help"], 0), (["lut"], 2), (["trace"], 2), (["trace", "lut", "shw"], 2), (["trace", "trace", "x"], 2),
+                (["watch", "FG_WIDTH", "--count", "0"], 2), (["get", "FG_WIDTH", "--look"], 0), (["report", "--look"], 0),
+                (["watch", "FG_WIDTH", "--count", "1", "--look"], 0), (["why", "FG_LUT_CUSTOM_FILE=x.lut"], 0),
+                (["set", "FG_LUT_CUSTOM_FILE=x.lut"], 0)]
         for words, expected in rows:
             code, out, err = run([*words, "--json"])
             self.check_no_crash(code, out, err, (expected,))

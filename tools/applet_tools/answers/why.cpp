@@ -1,6 +1,7 @@
 #include "applet_tools/answers/why.h"
 
 #include "applet_tools/base/errors.h"
+#include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"
 
 #include "vexo/fg_errors.h"
@@ -150,13 +151,56 @@ json whyJob(ScratchSession& session, const json& arguments) {
     return answers;
 }
 
+namespace {
+
+json ask(LiveSession& live, const Words& words, const Words& with) {
+    return live.scratch().ask("why", {{"words", words}, {"with", with}});
+}
+
+/** The changes that make a text writable once it names no file, where they are refused because of the file. */
+Words waysWithoutFile(LiveSession& live, const std::string& name, const std::string& file, Words with) {
+    if (file.empty() || textOfFile(file)) return {};
+    with.push_back(name + "=" + file);
+    if (!accessFrom(ask(live, {name}, with).front()).changedWith.empty()) return {};
+    with.back() = name + "=";
+    return accessFrom(ask(live, {name}, with).front()).changedWith;
+}
+
+template <typename Answer> void addMissingFile(Answer& answer, const Words& ways, const std::string& file) {
+    if (ways.empty()) return;
+    answer.missingFile = file;
+    answer.document["writableWith"] = ways;
+    answer.document["missingFile"] = toUtf8(file.c_str());
+}
+
+RefusalAnswer withMissingFile(LiveSession& live, RefusalAnswer answer, const Words& with) {
+    const Parameter& parameter = live.parameters().find(answer.parameter);
+    if (!answer.writableWith || parameter.kind() != REGISTER_KIND_STRING) return answer;
+    const std::string file = answer.document["requested"]["value"].get<std::string>();
+    const Words ways = waysWithoutFile(live, answer.parameter, file, with);
+    addMissingFile(answer, ways, file);
+    if (!ways.empty()) answer.writableWith = ways;
+    return answer;
+}
+
+AccessAnswer withMissingFile(LiveSession& live, AccessAnswer answer, const Words& with) {
+    const auto* file = std::get_if<std::string>(&answer.now.value);
+    if (answer.isWritable || !answer.hasSetter || !answer.changedWith.empty() || file == nullptr)
+        return answer;
+    answer.changedWith = waysWithoutFile(live, answer.parameter, *file, with);
+    addMissingFile(answer, answer.changedWith, std::string(*file));
+    return answer;
+}
+
+} // namespace
+
 std::vector<WhyAnswer> askWhy(LiveSession& live, const Words& words, const Words& with) {
     std::vector<WhyAnswer> answers;
-    for (const json& message : live.scratch().ask("why", {{"words", words}, {"with", with}})) {
+    for (const json& message : ask(live, words, with)) {
         if (message.contains("code"))
-            answers.emplace_back(refusalFrom(message));
+            answers.emplace_back(withMissingFile(live, refusalFrom(message), with));
         else
-            answers.emplace_back(accessFrom(message));
+            answers.emplace_back(withMissingFile(live, accessFrom(message), with));
     }
     return answers;
 }

@@ -101,6 +101,20 @@ std::string ScenarioRunner::designName(const std::string& name) {
     return found.empty() ? name : found.front();
 }
 
+void ScenarioRunner::requireKnown(const std::string& name) {
+    const std::string full = designName(name);
+    // No access fails because of this.
+    if (board().fail_name(instance().device(), full.c_str(), 0) != VBOARD_OK)
+        refuseName(name, "parameter or register");
+}
+
+void ScenarioRunner::requireKnownEnd(const std::string& name) {
+    board();
+    for (const std::string& known : designNames())
+        if (known.ends_with("_" + name)) return;
+    requireKnown(name);
+}
+
 void ScenarioRunner::failName(const std::string& name, int code) {
     const std::string full = designName(name);
     if (board().fail_name(instance().device(), full.c_str(), code) != VBOARD_OK)

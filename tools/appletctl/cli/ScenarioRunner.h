@@ -37,6 +37,10 @@ public:
     /** The full name of a parameter of the design, which may be given by its end behind a _. A register's name is
      *  left as it is. Throws UsageError for an end that several have. */
     std::string designName(const std::string& name);
+    /** Throws UsageError for what designName does not take, and for a name that the board does not know. */
+    void requireKnown(const std::string& name);
+    /** The same, but several names may end with it. */
+    void requireKnownEnd(const std::string& name);
     /** All accesses of the parameter or register fail with the code; 0: no more. */
     void failName(const std::string& name, int code);
     /** Takes a parameter out of the design, and starts the applet anew on a fresh board. */

@@ -22,6 +22,15 @@ void addWays(Table& table, const char* title, const std::vector<std::string>& wa
     if (ways.empty()) table.addRow({title, "no change of another parameter that was tried"});
 }
 
+/** What has to come before the ways. */
+void addMissingFile(Table& table, const std::string& file) {
+    if (!file.empty())
+        table.addRow(
+            {"missing", inQuotes(toUtf8(file.c_str())) +
+                            " is no file that can be opened for reading; until it is one, what makes "
+                            "the parameter writable is refused"});
+}
+
 Table tableOf(const RefusalAnswer& answer, const Parameter& parameter) {
     Table table;
     table.addSubject(answer.subject);
@@ -30,6 +39,7 @@ Table tableOf(const RefusalAnswer& answer, const Parameter& parameter) {
                                       ? "now, but without effect as long as the parameter is read-only"
                                       : "now"});
         if (answer.writableWith) addWays(table, "writable with", *answer.writableWith);
+        addMissingFile(table, answer.missingFile);
         return table;
     }
     table.addRow({"refused", answer.refusal});
@@ -55,6 +65,7 @@ Table tableOf(const AccessAnswer& answer, const Parameter& parameter) {
     table.addRow({answer.access, accessInWords(answer)});
     if (answer.hasSetter)
         addWays(table, answer.isWritable ? "read-only with" : "writable with", answer.changedWith);
+    addMissingFile(table, answer.missingFile);
     return table;
 }
 
