@@ -10,12 +10,8 @@ namespace {
 
 // The longer ones first.
 constexpr Relation relations[] = {
-    {"<=", [](std::partial_ordering order) { return order <= 0; }},
-    {">=", [](std::partial_ordering order) { return order >= 0; }},
-    {"==", [](std::partial_ordering order) { return order == 0; }},
-    {"!=", [](std::partial_ordering order) { return order != 0; }},
-    {"<", [](std::partial_ordering order) { return order < 0; }},
-    {">", [](std::partial_ordering order) { return order > 0; }},
+    {"<=", std::is_lteq}, {">=", std::is_gteq}, {"==", std::is_eq},
+    {"!=", std::is_neq},  {"<", std::is_lt},    {">", std::is_gt},
 };
 
 constexpr std::string_view blanks = " \t";

@@ -54,7 +54,7 @@ std::string expectValue(ScenarioRunner& station, const Step& step) {
     const Condition condition(station.parameters(), step.rest);
     Words are;
     const auto read = [&](const Target& target) {
-        const ReadResult reading = readValue(station.instance(), target);
+        ReadResult reading = readValue(station.instance(), target);
         are.push_back(target.name() + (reading.error == FG_OK
                                            ? " = " + valueWithUnit(*target.parameter, reading.value)
                                            : " cannot be read: " + codeInWords(reading.error)));

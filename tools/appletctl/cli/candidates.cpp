@@ -308,7 +308,7 @@ std::vector<Candidate> candidatesFor(const Words& words,
     if (command->argument != nullptr)
         if (const CLI::Option* argument = place.command->get_option_no_throw(command->argument);
             argument != nullptr)
-            if (const Candidates listed = valuesOfOption(*argument, word, "", parameters); !listed.empty())
+            if (Candidates listed = valuesOfOption(*argument, word, "", parameters); !listed.empty())
                 return listed;
     const std::string_view name = command->name;
     if ((name == "get" || name == "watch") && std::ranges::any_of(words, isGroupOption))

@@ -64,7 +64,7 @@ std::vector<std::string> wordsWithin(const std::string& text, std::size_t width)
 }
 
 /** The words of the text in lines; the first one starts with `begin`, the others are indented. */
-std::string wrapped(const std::string& begin, const std::string& text, std::size_t indent) {
+std::string hanging(const std::string& begin, const std::string& text, std::size_t indent) {
     std::string lines = begin, line;
     const std::string margin(indent, ' ');
     const std::size_t width = helpWidth();
@@ -83,10 +83,10 @@ std::string entry(const std::string& name, const std::string& help) {
     std::string begin = "  " + name;
     const std::size_t width = displayWidth(begin), column = helpColumn();
     if (width + 2 > column)
-        begin = wrapped("  ", name, nameIndent) + std::string(column, ' ');
+        begin = hanging("  ", name, nameIndent) + std::string(column, ' ');
     else
         begin += std::string(column - width, ' ');
-    return wrapped(begin, help, column);
+    return hanging(begin, help, column);
 }
 
 std::string optionName(const CLI::Option& option) {
@@ -172,11 +172,11 @@ std::string effectOnBoard(const Command& command) {
     return "";
 }
 
-std::vector<HelpEntry> commandsOf(const CLI::App& app) {
-    std::vector<HelpEntry> commands;
+std::vector<HelpEntry> commandEntries(const CLI::App& app) {
+    std::vector<HelpEntry> entries;
     for (const CLI::App* below : app.get_subcommands(nullptr))
-        if (!below->get_group().empty()) commands.push_back({below->get_name(), below->get_description()});
-    return commands;
+        if (!below->get_group().empty()) entries.push_back({below->get_name(), below->get_description()});
+    return entries;
 }
 
 /** The entries below their title; nothing where there are none. */
@@ -244,7 +244,7 @@ HelpPage helpPageOf(const CLI::App& app) {
     page.options = optionsOf(app, isProgram);
     if (!isProgram) page.commonOptions = optionsOf(programOf(app), true);
     if (command == nullptr) {
-        page.commands = commandsOf(app);
+        page.commands = commandEntries(app);
         return page;
     }
     if (command->argument != nullptr) page.words = {{command->argument, command->argumentHelp}};
@@ -255,25 +255,25 @@ HelpPage helpPageOf(const CLI::App& app) {
 
 std::string helpText(const HelpPage& page) {
     constexpr std::size_t exitCodeIndent = 7;
-    std::string text = wrapped("", page.description, 0) + '\n';
+    std::string text = hanging("", page.description, 0) + '\n';
     if (!page.examples.empty()) text += "Examples:\n";
     for (const HelpEntry& example : page.examples)
-        text += wrapped("  ", example.name, 6) + wrapped("      ", example.text, 6);
+        text += hanging("  ", example.name, 6) + hanging("      ", example.text, 6);
     if (!page.examples.empty()) text += '\n';
     text += "Usage: " + page.usage + "\n\n" + section("Commands:\n", page.commands) +
             section("Words:\n", page.words);
     if (!page.details.empty()) text += page.details + '\n';
     text += section("Options:\n", page.options) + section("Options of all commands:\n", page.commonOptions);
-    if (!page.effect.empty()) text += wrapped("", page.effect + ' ' + startWrites, 0);
+    if (!page.effect.empty()) text += hanging("", page.effect + ' ' + startWrites, 0);
     if (page.commands.empty()) return text;
     const std::string name = page.usage.substr(0, page.usage.find(" ["));
-    text += wrapped("", boardNotes, 0) + wrapped("", accessWords, 0) + "\nExit codes:\n";
+    text += hanging("", boardNotes, 0) + hanging("", accessWords, 0) + "\nExit codes:\n";
     for (const ExitCodeMeaning& one : exitCodes) {
         const std::string code = std::string("  ") + one.code;
-        text += wrapped(code + std::string(exitCodeIndent - code.size(), ' '), one.meaning, exitCodeIndent);
+        text += hanging(code + std::string(exitCodeIndent - code.size(), ' '), one.meaning, exitCodeIndent);
     }
     return text + '\n' +
-           wrapped("", "'" + name + " COMMAND --help' shows examples and options of a command.", 0);
+           hanging("", "'" + name + " COMMAND --help' shows examples and options of a command.", 0);
 }
 
 std::string shellHelp() {
@@ -285,7 +285,7 @@ std::string shellHelp() {
     text += entry("undo", "Take back what the last command that changed something has changed");
     text += entry("help [COMMAND]", "This list, or examples and options of a command");
     text += entry("exit, quit", "End the shell; so does the end of the input");
-    return text + '\n' + wrapped("", accessWords, 0);
+    return text + '\n' + hanging("", accessWords, 0);
 }
 
 std::string commandSuggestion(const CommandGroup* group, const std::string& word) {
