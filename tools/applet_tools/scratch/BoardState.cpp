@@ -107,7 +107,12 @@ Target wholeOf(const Parameter& parameter) {
 bool holds(Instance& instance, const Parameter& parameter, const json& wanted) {
     const Target target = wholeOf(parameter);
     const ReadResult reading = readValue(instance, target);
-    return reading.error == FG_OK && reading.value == fromMessage(target, wanted);
+    if (reading.error != FG_OK) return false;
+    const auto* elements = std::get_if<Elements>(&reading.value);
+    if (elements == nullptr) return reading.value == fromMessage(target, wanted);
+    const auto& bytes = wanted.get_binary(); // looked at in place, since arrays are long
+    return bytes.size() == elements->size() * sizeof elements->front() &&
+           std::memcmp(bytes.data(), elements->data(), bytes.size()) == 0;
 }
 
 Wanted wantedFrom(const ParameterList& parameters, const json& values) {
