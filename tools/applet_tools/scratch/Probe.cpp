@@ -217,23 +217,13 @@ std::vector<std::vector<Change>> Probe::changesFor(const std::vector<Wish>& wish
     return changes;
 }
 
-/** A wish that comes true may have moved something, so those behind it are looked at anew. */
 std::vector<std::size_t> Probe::trueWith(const Change& change, const std::vector<Wish>& wishes,
                                          const std::vector<std::size_t>& asked) {
     std::vector<std::size_t> found;
-    auto next = asked.begin();
-    const auto look = [&] {
-        while (next != asked.end()) {
-            const std::size_t i = *next++;
-            if (!wishes[i].isTrue()) continue;
-            found.push_back(i);
-            return;
-        }
-    };
-    while (next != asked.end()) {
-        if (next != asked.begin()) restore();
-        if (!tryChange(change, look)) break;
-    }
+    tryChange(change, [&] {
+        for (const std::size_t i : asked)
+            if (wishes[i].isTrue()) found.push_back(i);
+    });
     return found;
 }
 

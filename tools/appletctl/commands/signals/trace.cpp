@@ -55,6 +55,7 @@ Lines accessesOfText(const std::string& text, const std::string& file) {
         const LineKind kind = kindOf(line);
         if (kind == LineKind::none || (kind == LineKind::text && !lines.empty())) {
             constexpr std::size_t mostBytes = 100;
+            std::erase(line, '\0');
             throw UsageError(inQuotes(toUtf8(file.c_str())) + ", line " + numberText(number) + ": " +
                              inQuotes(shortened(toUtf8(line.c_str()), mostBytes)) +
                              " is no line of 'trace', such as 'set NAME u32 1024'");
