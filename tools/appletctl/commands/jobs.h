@@ -1,4 +1,4 @@
-/** What a scratch board can be asked to find out; each job is in the source of its command. */
+/** What a scratch board can be asked to find out. */
 #ifndef APPLETCTL_COMMANDS_JOBS_H
 #define APPLETCTL_COMMANDS_JOBS_H
 
