@@ -33,11 +33,13 @@ RUNS = {
     "set": ["FG_SENSORWIDTH=8192 FG_WIDTH=2044 FG_VANTAGEPOINT=Top-Right FG_WIDTH=20000 FG_HEIGHT=8",
             "--any-order --verify FG_VANTAGEPOINT=1 FG_SENSORWIDTH=4096 FG_WIDTH=4096",
             "--any-order FG_WIDTH=3 FG_HEIGHT=512", "'FG_LUT_VALUE_RED[0..3]=7' FG_DEBUGFILE="],
-    "reset": ["FG_WIDTH FG_VANTAGEPOINT FG_VANTAGEPOINT=2 FG_WIDTH=2048", "", "FG_WIDTH=3"],
+    "reset": ["FG_WIDTH FG_VANTAGEPOINT FG_VANTAGEPOINT=2 FG_WIDTH=2048", "", "FG_WIDTH=3",
+              "'FG_LUT_VALUE_RED[1]' 'FG_LUT_VALUE_RED[0..3]=7'"],
     "limits": ["FG_CAMERASIMULATOR_LINERATE FG_VANTAGEPOINT", "FG_LINEPERIODE 'FG_LUT_VALUE_RED[3]' FG_CAMSTATUS --with FG_XOFFSET=64",
-               "FG_DEBUGFILE FG_CAMERASIMULATOR_PIXEL_FREQUENCY", "FG_WIDTH --with FG_WIDTH=3"],
+               "FG_DEBUGFILE FG_CAMERASIMULATOR_PIXEL_FREQUENCY", "FG_WIDTH --with FG_WIDTH=3",
+               "--offline FG_SYSTEMMONITOR_FPGA_TEMPERATURE 'FG_LUT_VALUE_RED[3..5]'"],
     "why": ["FG_LINETRIGGERINSRC FG_WIDTH=1022", "FG_VANTAGEPOINT=1 FG_WIDTH=20000 FG_CAMSTATUS FG_WIDTH=512",
-            "'FG_LUT_VALUE_RED[0]' 'FG_LUT_VALUE_RED[3]=70000'"],
+            "'FG_LUT_VALUE_RED[0]' 'FG_LUT_VALUE_RED[3]=70000'", "--offline FG_SYSTEMMONITOR_FPGA_TEMPERATURE"],
     "deps": ["FG_VANTAGEPOINT", "FG_LINEPERIODE --dot"],
     "plan": ["FG_LINETRIGGERMODE=ASYNC_TRIGGER 'FG_LUT_VALUE_RED[0..3]=7' FG_LUT_SAVE_FILE=x.lut FG_WIDTH=3", "a.mcf"],
     "apply": ["--yes FG_LINETRIGGERMODE=ASYNC_TRIGGER FG_LINEPERIODE=100", "--yes a.mcf", "--yes FG_WIDTH=3"],
@@ -68,7 +70,7 @@ RUNS = {
     "lut save": ["l.lut FG_PROCESSING_GAIN=2 FG_PROCESSING_OFFSET=1"],
     "lut load": ["a.lut FG_PROCESSING_GAIN=2 FG_PROCESSING_OFFSET=1", "missing.lut"],
 }
-OF_THE_SHELL = ["set FG_WIDTH=2048", "undo", "undo", "nonsense", "get 'open"]
+OF_THE_SHELL = ["set FG_WIDTH=2048", "undo", "undo", "set FG_CAMERASIMULATOR_WIDTH=4096", "undo", "nonsense", "get 'open"]
 NOT_IN_THE_SHELL = {"shell", "run", "apply", "completion", "help"}
 NOT_TRACED = {"shell", "trace", "run"}
 PRINTS_DOCUMENTS = {"xml", "completion", "report"}

@@ -13,6 +13,8 @@ namespace {
 
 std::uint64_t widthMask(int bits) { return bits < 64 ? (std::uint64_t{1} << bits) - 1 : ~std::uint64_t{0}; }
 
+constexpr std::size_t elementSize = sizeof(std::uint32_t); // of a field
+
 /** A run of elements in the memory of a caller. */
 struct Run {
     std::uint32_t first, count;
@@ -21,6 +23,8 @@ struct Run {
     std::size_t stride; // from one to the next
 
     void* operator[](std::uint32_t i) const { return elements + i * stride; }
+    /** True where it can be copied as a whole: tables come in this way. */
+    bool hasOwnLayout() const { return type == Type::u32 && stride == elementSize; }
     /** As the log keeps it. */
     std::uint64_t extent() const { return first | std::uint64_t{count} << 32; }
 };
@@ -135,6 +139,10 @@ int Values::storeField(const Access& access, const void* value) {
     if (!run || !isInside(run->first, run->count)) return FG_ERR_INVALID_ARGUMENT;
     ++m_tableRevision;
     auto& elements = fieldOf(place(access.row));
+    if (run->hasOwnLayout()) {
+        if (run->count > 0) std::memcpy(&elements[run->first], run->elements, run->count * elementSize);
+        return FG_OK;
+    }
     for (std::uint32_t i = 0; i < run->count; ++i)
         elements[run->first + i] =
             static_cast<std::uint32_t>(converted(run->type, loadNumber(run->type, (*run)[i]), Type::u32));
@@ -147,6 +155,10 @@ int Values::fetchField(Access& access, void* value) const {
     access.content = Access::run;
     access.value = run->extent();
     const auto& elements = m_fields[place(access.row)];
+    if (run->hasOwnLayout() && !elements.empty()) {
+        if (run->count > 0) std::memcpy(run->elements, &elements[run->first], run->count * elementSize);
+        return FG_OK;
+    }
     for (std::uint32_t i = 0; i < run->count; ++i) {
         const std::uint32_t element = elements.empty() ? 0 : elements[run->first + i];
         storeNumber(run->type, converted(Type::u32, element, run->type), (*run)[i]);

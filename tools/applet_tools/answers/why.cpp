@@ -12,13 +12,13 @@ namespace {
 bool isWritable(std::uint32_t access) { return (access & REGISTER_ACCESS_WRITE) != 0; }
 
 std::vector<std::string> waysToWrite(Probe& probe, std::size_t place) {
-    return probe.words(probe.waysTo(place, [&] { return isWritable(probe.currentState(place).access); }));
+    return probe.words(probe.waysTo({place, [&] { return isWritable(probe.currentState(place).access); }}));
 }
 
 std::vector<std::string> waysToLock(Probe& probe, std::size_t place) {
     std::vector<std::string> ways;
     for (const Change& change :
-         probe.changesFor(place, [&] { return !isWritable(probe.currentState(place).access); }))
+         probe.changesFor({place, [&] { return !isWritable(probe.currentState(place).access); }}))
         ways.push_back(probe.words(change));
     return ways;
 }
@@ -57,21 +57,23 @@ AccessAnswer whyReadOnly(Probe& probe, const Target& target) {
                         .isWritable = isWritable(facts.access)};
     answer.now = target.elements ? readValue(probe.session().instance(), target)
                                  : ReadResult{.error = facts.error, .value = facts.value};
-    auto& document = answer.document;
-    document = {{"name", answer.subject}, {"access", answer.access}, {"writable", answer.isWritable}};
-    if (answer.now.error == FG_OK) addValue(document, target, answer.now.value);
     if (answer.isWritable) {
         answer.changedWith = waysToLock(probe, place);
-        document["readOnlyWith"] = answer.changedWith;
         return answer;
     }
     const int code = elementCount(probe.at(place)) > 0 ? FG_OK : probe.answer({place, facts.value});
     answer.hasSetter = code != FG_ERR_NOT_AVAILABLE;
-    document["hasSetter"] = answer.hasSetter;
-    if (!answer.hasSetter) return answer;
-    answer.changedWith = waysToWrite(probe, place);
-    document["writableWith"] = answer.changedWith;
+    if (answer.hasSetter) answer.changedWith = waysToWrite(probe, place);
     return answer;
+}
+
+nlohmann::ordered_json asJson(const AccessAnswer& answer, const Target& target) {
+    nlohmann::ordered_json document = {
+        {"name", answer.subject}, {"access", answer.access}, {"writable", answer.isWritable}};
+    if (answer.now.error == FG_OK) addReading(document, target, answer.now);
+    if (!answer.isWritable) document["hasSetter"] = answer.hasSetter;
+    if (answer.hasSetter) document[answer.isWritable ? "readOnlyWith" : "writableWith"] = answer.changedWith;
+    return document;
 }
 
 namespace {
@@ -114,7 +116,6 @@ json asMessage(const AccessAnswer& answer) {
             {"hasSetter", answer.hasSetter},
             {"error", answer.now.error},
             {"now", asTypedMessage(answer.now.value)},
-            {"document", answer.document.dump()},
             {"changedWith", answer.changedWith}};
 }
 
@@ -125,7 +126,6 @@ AccessAnswer accessFrom(const json& message) {
             .isWritable = message["isWritable"].get<bool>(),
             .hasSetter = message["hasSetter"].get<bool>(),
             .now = {.error = message["error"].get<int>(), .value = fromTypedMessage(message["now"])},
-            .document = nlohmann::ordered_json::parse(message["document"].get<std::string>()),
             .changedWith = message["changedWith"].get<Words>()};
 }
 
@@ -195,12 +195,16 @@ AccessAnswer withMissingFile(LiveSession& live, AccessAnswer answer, const Words
 } // namespace
 
 std::vector<WhyAnswer> askWhy(LiveSession& live, const Words& words, const Words& with) {
+    const std::set<std::string>& notMeasured = live.notMeasured();
     std::vector<WhyAnswer> answers;
     for (const json& message : ask(live, words, with)) {
-        if (message.contains("code"))
+        if (message.contains("code")) {
             answers.emplace_back(withMissingFile(live, refusalFrom(message), with));
-        else
-            answers.emplace_back(withMissingFile(live, accessFrom(message), with));
+            continue;
+        }
+        AccessAnswer answer = withMissingFile(live, accessFrom(message), with);
+        answer.now.isMeasured = !notMeasured.contains(answer.parameter);
+        answers.emplace_back(std::move(answer));
     }
     return answers;
 }

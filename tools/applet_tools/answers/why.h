@@ -39,7 +39,6 @@ struct AccessAnswer {
     bool isWritable = false;
     bool hasSetter = true; /**< false for what can never be set */
     ReadResult now{};
-    nlohmann::ordered_json document{};
     std::vector<std::string>
         changedWith{}; /**< changes that make it read-only, or writable if it is read-only */
     std::string
@@ -49,6 +48,9 @@ struct AccessAnswer {
 
 /** Looks at the access, in the state of the probe. Records of parameters from before may be gone afterwards. */
 AccessAnswer whyReadOnly(Probe& probe, const Target& target);
+
+/** The answer as members of a document; `target` is its subject. */
+nlohmann::ordered_json asJson(const AccessAnswer& answer, const Target& target);
 
 using WhyAnswer = std::variant<RefusalAnswer, AccessAnswer>;
 

@@ -29,7 +29,7 @@ bool matches(const std::string& lowerName, const std::string& lowerPattern) {
 }
 
 struct ReadEffect {
-    const char* name;
+    std::string_view name; // with its length: this is asked for often
     const char* words;
 };
 
