@@ -73,6 +73,7 @@ nlohmann::ordered_json asJson(const AccessAnswer& answer, const Target& target) 
     if (answer.now.error == FG_OK) addReading(document, target, answer.now);
     if (!answer.isWritable) document["hasSetter"] = answer.hasSetter;
     if (answer.hasSetter) document[answer.isWritable ? "readOnlyWith" : "writableWith"] = answer.changedWith;
+    if (!answer.missingFile.empty()) document["missingFile"] = toUtf8(answer.missingFile.c_str());
     return document;
 }
 
@@ -166,20 +167,16 @@ Words waysWithoutFile(LiveSession& live, const std::string& name, const std::str
     return accessFrom(ask(live, {name}, with).front()).changedWith;
 }
 
-template <typename Answer> void addMissingFile(Answer& answer, const Words& ways, const std::string& file) {
-    if (ways.empty()) return;
-    answer.missingFile = file;
-    answer.document["writableWith"] = ways;
-    answer.document["missingFile"] = toUtf8(file.c_str());
-}
-
 RefusalAnswer withMissingFile(LiveSession& live, RefusalAnswer answer, const Words& with) {
     const Parameter& parameter = live.parameters().find(answer.parameter);
     if (!answer.writableWith || parameter.kind() != REGISTER_KIND_STRING) return answer;
     const std::string file = answer.document["requested"]["value"].get<std::string>();
     const Words ways = waysWithoutFile(live, answer.parameter, file, with);
-    addMissingFile(answer, ways, file);
-    if (!ways.empty()) answer.writableWith = ways;
+    if (ways.empty()) return answer;
+    answer.writableWith = ways;
+    answer.missingFile = file;
+    answer.document["writableWith"] = ways;
+    answer.document["missingFile"] = toUtf8(file.c_str());
     return answer;
 }
 
@@ -188,7 +185,7 @@ AccessAnswer withMissingFile(LiveSession& live, AccessAnswer answer, const Words
     if (answer.isWritable || !answer.hasSetter || !answer.changedWith.empty() || file == nullptr)
         return answer;
     answer.changedWith = waysWithoutFile(live, answer.parameter, *file, with);
-    addMissingFile(answer, answer.changedWith, std::string(*file));
+    if (!answer.changedWith.empty()) answer.missingFile = *file;
     return answer;
 }
 

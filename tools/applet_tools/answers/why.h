@@ -22,9 +22,8 @@ struct RefusalAnswer {
     int code = 0;
     std::string refusal{};  /**< in words; empty if it is accepted */
     RefusalCauses causes{}; /**< of a refusal */
-    std::optional<std::vector<std::string>>
-        writableWith{};        /**< of what is accepted and read-only now: changes that
-                                                                  make it writable */
+    /** Of what is accepted and read-only now: changes that make it writable. */
+    std::optional<std::vector<std::string>> writableWith{};
     std::string missingFile{}; /**< as of AccessAnswer, once it is set */
 };
 
@@ -39,11 +38,10 @@ struct AccessAnswer {
     bool isWritable = false;
     bool hasSetter = true; /**< false for what can never be set */
     ReadResult now{};
-    std::vector<std::string>
-        changedWith{}; /**< changes that make it read-only, or writable if it is read-only */
-    std::string
-        missingFile{}; /**< its text, a file that cannot be read: as long as it cannot, those changes are
-                                   refused */
+    /** Changes that make it read-only, or writable if it is read-only. */
+    std::vector<std::string> changedWith{};
+    /** Its text, a file that cannot be read: as long as it cannot, those changes are refused. */
+    std::string missingFile{};
 };
 
 /** Looks at the access, in the state of the probe. Records of parameters from before may be gone afterwards. */
