@@ -12,9 +12,10 @@ void Station::readBoard() {
     const std::uint64_t tableRevision = m_board.tableRevision();
     if (m_revision == revision && m_tableRevision == tableRevision) return;
     const bool isFirst = m_picture == nullptr;
-    m_revision = revision;
-    if (m_tableRevision != tableRevision) m_tables = std::make_shared<Tables>(readTables(m_board));
-    m_tableRevision = tableRevision;
+    if (m_tableRevision != tableRevision) {
+        m_tables = std::make_shared<Tables>(readTables(m_board));
+        m_tableRevision = tableRevision;
+    }
     const PictureSettings picture = readPictureSettings(m_board);
     if (m_picture == nullptr || *m_picture != picture) m_picture = std::make_shared<PictureSettings>(picture);
 
@@ -28,17 +29,18 @@ void Station::readBoard() {
     const bool isHot = m_board.value(Parameter::fpgaTemperature) > hottest;
     if (isHot && !m_isHot) m_engine.events().add(Event::temperatureAlarm, m_engine.from());
     m_isHot = isHot;
+    m_revision = revision;
 }
 
-void Station::run(Tick ticks, std::uint64_t pictures) {
+void Station::run(Tick ticks, std::uint64_t pictures, std::uint64_t events) {
     readBoard();
     const Tick from = m_engine.hasRun() ? m_engine.now() : 0;
-    m_engine.run(later(from, ticks), pictures, mostEvents);
+    m_engine.run(later(from, ticks), pictures, events);
     publish();
 }
 
-Tick Station::advance(Tick ticks) {
-    run(ticks, never);
+Tick Station::advance(Tick ticks, std::uint64_t events) {
+    run(ticks, never, events);
     return now();
 }
 
@@ -145,7 +147,7 @@ void Station::detach(const HostMemory& memory) {
 Station::Wait Station::waitForPicture(std::int64_t picture, Tick timeout) {
     if (picture <= lastPicture()) return Wait::arrived;
     if (!isRunning() || (m_pictures > 0 && picture > m_pictures)) return Wait::notRunning;
-    run(timeout, static_cast<std::uint64_t>(picture));
+    run(timeout, static_cast<std::uint64_t>(picture), mostEvents);
     return picture <= lastPicture() ? Wait::arrived : Wait::timeout;
 }
 
@@ -214,9 +216,10 @@ void Station::publish() {
         m_board.publish(parameter, level);
     for (std::size_t i = 0; i < eventCount; ++i) {
         const auto event = static_cast<Event>(i);
-        const std::uint64_t times = m_engine.events().takeCount(event);
+        const std::uint64_t times = m_engine.events().count(event);
         if (times == 0) continue;
         m_board.raise(event, times);
+        m_engine.events().clearCount(event);
         if (event == Event::overflow) m_board.publish(Parameter::overflowOccurred, 1);
     }
 }

@@ -27,6 +27,9 @@ const std::array<Row, station::parameterCount>& rowsOfParameters() {
 
 Row rowOf(station::Parameter parameter) { return rowsOfParameters()[static_cast<std::size_t>(parameter)]; }
 
+/** With the wall clock an access does no more than some tenth of a second of work. */
+constexpr std::uint64_t mostEventsOfAnAccess = std::uint64_t{1} << 22;
+
 constexpr station::Parameter acting[] = {
     station::Parameter::softwarePulse,   station::Parameter::analyzerClear,
     station::Parameter::encoderCount,    station::Parameter::cameraDebugPixel,
@@ -49,25 +52,50 @@ void BoardStation::write(int row) {
         m_station.write(*parameter, m_values.number(row));
 }
 
+void BoardStation::setClock(double factor) {
+    if (factor > 0)
+        m_clock.start(m_station.now(), factor, std::chrono::steady_clock::now());
+    else
+        m_clock.stop();
+}
+
+void BoardStation::follow() {
+    if (!m_clock.isRunning()) return;
+    const station::Tick tick = m_clock.tick(std::chrono::steady_clock::now());
+    if (tick <= m_station.now()) return;
+    m_station.advance(tick - m_station.now(), mostEventsOfAnAccess);
+    publishRuntime();
+}
+
 std::uint64_t BoardStation::advance(std::uint64_t ticks) {
+    if (m_clock.isRunning()) return VBOARD_NOT_STEPPED;
     const std::uint64_t now = m_station.advance(ticks);
     publishRuntime();
     return now;
 }
 
-std::int64_t BoardStation::waitForPicture(std::int64_t picture, int seconds) {
-    const station::Tick timeout = static_cast<station::Tick>(std::max(seconds, 0)) * station::ticksPerSecond;
-    const station::Station::Wait result = m_station.waitForPicture(picture, timeout);
+std::optional<std::int64_t> BoardStation::waitForPicture(std::int64_t picture, station::Tick deadline) {
+    const station::Tick rest = deadline > m_station.now() ? deadline - m_station.now() : 0;
+    const bool isStepped = !m_clock.isRunning();
+    const station::Station::Wait result = m_station.waitForPicture(picture, isStepped ? rest : 0);
     publishRuntime();
     switch (result) {
     case station::Station::Wait::arrived:
         break;
     case station::Station::Wait::timeout:
-        return VBOARD_TIMEOUT;
+        if (isStepped || rest == 0) return VBOARD_TIMEOUT;
+        return std::nullopt;
     case station::Station::Wait::notRunning:
         return FG_ERR_NOT_AVAILABLE;
     }
     return m_station.lastPicture();
+}
+
+WallClock::Duration BoardStation::pauseBefore(station::Tick deadline) const {
+    constexpr WallClock::Duration shortest(50e-6);
+    constexpr WallClock::Duration longest(2e-3);
+    const station::Tick rest = deadline > m_station.now() ? deadline - m_station.now() : 0;
+    return std::clamp(m_clock.durationOf(rest), shortest, longest);
 }
 
 void BoardStation::publishRuntime() {

@@ -44,10 +44,9 @@ std::uint32_t patternValue(const Pattern& pattern, std::uint32_t x, std::uint32_
 void Renderer::prepare(const Record& record) {
     const bool isSame = m_settings != nullptr && m_lookup == record.tables &&
                         (m_settings == record.settings || m_settings->colours == record.settings->colours);
+    if (!isSame) m_components = std::make_unique<Components>(record.settings->colours, record.tables.get());
     m_settings = record.settings;
-    if (isSame) return;
     m_lookup = record.tables;
-    m_components = std::make_unique<Components>(m_settings->colours, m_lookup.get());
 }
 
 /** Draws a line from a function that gives a component on the link at a place of the line; beyond `width` all are 0. */

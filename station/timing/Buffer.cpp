@@ -155,7 +155,7 @@ void Buffer::run(Tick tick) {
             image.record->lostBefore = std::exchange(m_lostOnTheWay, 0) + image.lostBefore;
             image.record->arrival = tick;
             image.record->picture = static_cast<std::int64_t>(++m_delivered);
-            m_destination->deliver(std::move(image.record));
+            m_destination->deliver(std::move(image.record)); // takes it also if memory is lacking
             if (m_delivered == m_wanted) {
                 stop();
                 return;

@@ -60,9 +60,9 @@ void Engine::run(Tick target, std::uint64_t pictures, std::uint64_t events) {
             m_from = m_now + 1;
             return;
         }
-        runTick(tick);
-        m_now = tick;
+        m_now = tick; // first: a tick that an exception ends is over
         m_from = tick + 1;
+        runTick(tick);
         if (m_buffer.delivered() >= pictures) return;
     }
 }
