@@ -50,7 +50,7 @@ public:
      *  `events` ticks with something in them: then ask again. */
     Tick advance(Tick ticks, std::uint64_t events = mostEvents);
     /** The board calls this after a write of a parameter that acts by being written: the software pulse, the clear of
-     *  the analyzers, the count of the encoder, pixels and flags of the debug points. Others do nothing. */
+     *  the analyzers, the count of the encoder, modes, pixels and flags of the debug points. Others do nothing. */
     void write(Parameter parameter, std::uint64_t value);
 
     /** Connects a wave to an input (0 to 7 GPI, 8 to 11 front GPI) from the next tick on. Of an encoder, `second` gets
@@ -63,6 +63,7 @@ public:
      *  it as in free run, and no trigger is asked for. False if the input is off, no acquisition runs, or there is no
      *  room. */
     bool inject(const std::shared_ptr<const Raster>& raster);
+    bool isInputOn(Raster::Point point) const;
     /** Bytes that the DMA moves in a second; 0: what the link does. */
     void setDmaRate(std::uint64_t bytesPerSecond);
 
@@ -102,8 +103,10 @@ private:
     void readBoard();
     void publish();
     void publishAnalyzers();
+    void publishReady();
+    void publishMonitors();
     void writePixels(Raster::Point point, bool isFlag, std::uint64_t value);
-    bool isInputOn(Raster::Point point) const;
+    std::uint32_t debugMode(Raster::Point point) const;
     bool insert(const std::shared_ptr<const Raster>& raster, std::uint32_t first, std::uint32_t lines);
     void run(Tick ticks, std::uint64_t pictures, std::uint64_t events);
 
@@ -121,6 +124,8 @@ private:
     bool m_isHot = false;
     std::array<Injection, 3> m_injections{Injection(Raster::Point::camera), Injection(Raster::Point::buffer),
                                           Injection(Raster::Point::output)};
+    std::uint64_t m_monitoredLines = 0;        // of the source, at the camera
+    std::shared_ptr<const Record> m_monitored; // at the output
 };
 
 } // namespace station

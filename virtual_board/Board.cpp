@@ -77,9 +77,9 @@ int Board::set(const Design& design, int id, const void* value, int dma, int tag
     const char* text = Values::describe(access, value); // a failed set shows its value too
     if (const int fault = faultOf(access)) return finish(access, fault, text);
     if (access.row < 0 || value == nullptr || dma != 0) return finish(access, FG_ERR_INVALID_ARGUMENT, text);
-    const int code = m_values.store(access, value);
+    int code = m_values.store(access, value);
     if (code == FG_OK && m_station != nullptr && BoardStation::isActing(access.row))
-        m_station->write(access.row);
+        code = m_station->write(access.row);
     return finish(access, code, text);
 }
 

@@ -1,5 +1,6 @@
 #include "BoardStation.h"
 
+#include "ImageFile.h"
 #include "design_tables.h"
 #include "numbers.h"
 #include "vexo/fg_errors.h"
@@ -8,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <string>
 
 namespace vboard {
 namespace {
@@ -31,11 +33,12 @@ Row rowOf(station::Parameter parameter) { return rowsOfParameters()[static_cast<
 constexpr std::uint64_t mostEventsOfAnAccess = std::uint64_t{1} << 22;
 
 constexpr station::Parameter acting[] = {
-    station::Parameter::softwarePulse,   station::Parameter::analyzerClear,
-    station::Parameter::encoderCount,    station::Parameter::cameraDebugPixel,
-    station::Parameter::cameraDebugFlag, station::Parameter::bufferDebugPixel,
-    station::Parameter::bufferDebugFlag, station::Parameter::outputDebugPixel,
-    station::Parameter::outputDebugFlag};
+    station::Parameter::softwarePulse,    station::Parameter::analyzerClear,
+    station::Parameter::encoderCount,     station::Parameter::cameraDebugMode,
+    station::Parameter::cameraDebugPixel, station::Parameter::cameraDebugFlag,
+    station::Parameter::bufferDebugMode,  station::Parameter::bufferDebugPixel,
+    station::Parameter::bufferDebugFlag,  station::Parameter::outputDebugMode,
+    station::Parameter::outputDebugPixel, station::Parameter::outputDebugFlag};
 
 const station::Parameter* actingOf(Row row) {
     const auto* found = std::find_if(std::begin(acting), std::end(acting),
@@ -43,13 +46,49 @@ const station::Parameter* actingOf(Row row) {
     return found != std::end(acting) ? found : nullptr;
 }
 
+/** Rows of a debug point, in the order of station::Raster::Point. */
+struct DebugRows {
+    Row insert, file;
+};
+const std::array<DebugRows, 3>& debugRows() {
+    static const auto rows = [] {
+        std::array<DebugRows, 3> all{};
+        const std::string points[] = {"Camera", "Buffer_0", "OutputFormat"};
+        for (std::size_t i = 0; i < all.size(); ++i) {
+            const std::string name = "Device1_Process0_" + points[i] + "_Debug_";
+            all[i] = {findParameter(name + "Insert"), findParameter(name + "DebugFile")};
+        }
+        return all;
+    }();
+    return rows;
+}
+
+std::size_t debugPointOf(Row insert) {
+    const auto& rows = debugRows();
+    return static_cast<std::size_t>(std::ranges::find(rows, insert, &DebugRows::insert) -
+                                    rows.begin()); // 3: none
+}
+
 } // namespace
 
-bool BoardStation::isActing(int row) { return actingOf(row) != nullptr; }
+bool BoardStation::isActing(int row) {
+    return actingOf(row) != nullptr || debugPointOf(row) < debugRows().size();
+}
 
-void BoardStation::write(int row) {
+int BoardStation::write(int row) {
     if (const station::Parameter* parameter = actingOf(row))
         m_station.write(*parameter, m_values.number(row));
+    else if (m_values.number(row) == 1)
+        return insertFile(static_cast<station::Raster::Point>(debugPointOf(row)));
+    return FG_OK;
+}
+
+int BoardStation::insertFile(station::Raster::Point point) {
+    const std::string& path = m_values.text(debugRows()[static_cast<std::size_t>(point)].file);
+    if (!m_station.isInputOn(point) || path.empty()) return FG_OK; // nothing to insert
+    const std::shared_ptr<station::Raster> image = readImage(path, point);
+    if (image == nullptr) return FG_ERR_FILE_TYPE;
+    return m_station.inject(image) ? FG_OK : FG_ERR_NOT_AVAILABLE;
 }
 
 void BoardStation::setClock(double factor) {

@@ -24,8 +24,9 @@ public:
 
     /** Whether a write of this row does something by being written. */
     static bool isActing(int row);
-    /** Such a row was written. */
-    void write(int row);
+    /** Such a row was written. FG_OK, or why the image of a debug point's file was not taken: FG_ERR_FILE_TYPE,
+     *  FG_ERR_NOT_AVAILABLE. */
+    int write(int row);
 
     /** Time follows the machine's, so many times as fast; 0: it moves in steps. */
     void setClock(double factor);
@@ -42,6 +43,8 @@ public:
     void publishRuntime();
 
 private:
+    int insertFile(station::Raster::Point point);
+
     // station::Board
     std::uint64_t revision() const override { return m_values.revision(); }
     std::uint64_t tableRevision() const override { return m_values.tableRevision(); }

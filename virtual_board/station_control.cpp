@@ -129,8 +129,8 @@ vboard_frames* vboard_memory(LOOMdevice* board, size_t frames, uint64_t bytes, i
     return guarded(none, [&] {
         using Kind = station::HostMemory::Kind;
         const Kind its = kind == VBOARD_BLOCKING ? Kind::blocking : Kind::ring;
-        auto memory = std::make_unique<vboard_frames>(
-            *board, std::make_shared<station::HostMemory>(frames, bytes, its));
+        std::unique_ptr<vboard_frames> memory(
+            new vboard_frames{*board, std::make_shared<station::HostMemory>(frames, bytes, its)});
         const MutexLock lock(board->mutex());
         board->addMemory(*memory);
         board->hold();

@@ -155,4 +155,29 @@ bool Renderer::render(const Record& record, std::span<std::uint8_t> out) {
     return true;
 }
 
+std::uint32_t lastPixelOf(const Record& record) {
+    if (record.runs.empty() || record.settings == nullptr || record.settings->xLength == 0) return 0;
+    const bool isInserted = record.raster != nullptr && record.raster->point != Raster::Point::camera;
+    const LineRun& last = record.runs.back();
+    Record line;
+    line.layout = record.layout;
+    line.settings = record.settings;
+    line.tables = record.tables;
+    line.raster = record.raster;
+    line.lines = 1;
+    if (record.settings->isMirroredY && !isInserted)
+        line.runs.push_back({record.runs.front().first, 1});
+    else
+        line.runs.push_back({last.line(last.count - 1), 1});
+    std::vector<std::uint8_t> bytes(line.bytes() + sizeof(std::uint64_t)); // a pixel may begin within a byte
+    if (!Renderer().render(line, bytes)) return 0;
+    const std::uint32_t bits = record.settings->colours.outBits;
+    const std::uint64_t first = std::uint64_t{3} * bits * (record.settings->xLength - 1);
+    std::uint64_t word = 0;
+    for (std::size_t i = 0; i < sizeof word; ++i)
+        word |= std::uint64_t{bytes[first / 8 + i]} << (8 * i);
+    word >>= first % 8;
+    return static_cast<std::uint32_t>(3 * bits < 32 ? word & ((std::uint64_t{1} << 3 * bits) - 1) : word);
+}
+
 } // namespace station

@@ -82,7 +82,7 @@ void Buffer::close(Tick tick) {
 }
 
 bool Buffer::insert(std::shared_ptr<Record> record, Tick tick) {
-    if (m_destination == nullptr || m_isOpen || m_images.size() >= mostImages) return false;
+    if (!canInsert()) return false;
     record->layout.wordsPerLine = 0;
     const std::uint64_t lines = record->lines;
     m_images.push_back({.record = std::move(record), .stored = lines, .isComplete = true, .available = tick});

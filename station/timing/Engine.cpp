@@ -130,7 +130,7 @@ void Engine::setFrame(bool isValid, Tick tick) {
 }
 
 void Engine::startLine(Tick tick) {
-    m_line = m_simulator.startLine();
+    m_lineBefore = std::exchange(m_line, m_simulator.startLine());
     m_lineEnd = later(tick, m_line.cycles);
     ++m_lines;
     if (m_line.isFirst) {
