@@ -121,9 +121,7 @@ private:
         note(Fg_AcquireEx(m_fg, choice == 255, m_input.byte() % 32, 0, into));
     }
     void wait() {
-        const bool isStepped =
-            vboard_advance(m_board, 0) != VBOARD_NOT_STEPPED; // where a second is a long way
-        const int seconds = isStepped ? -static_cast<int>(m_input.byte() % 2) : 1;
+        const int seconds = -static_cast<int>(m_input.byte() % 2); // a simulated one is a long way
         note(Fg_getLastPicNumberBlockingEx(m_fg, m_input.byte() % 32, 0, seconds, nullptr));
         note(Fg_getLastPicNumberEx(m_fg, 0, nullptr));
     }
@@ -168,7 +166,7 @@ private:
         if (choice < 16) vboard_reset(m_board);
         if (choice >= 16 && choice < 128) vboard_dma_rate(m_board, small() * small());
         if (choice < 250) return;
-        const double factors[] = {1000, 0, -1};
+        const double factors[] = {1, 0, -1};
         m_followsClock |= vboard_clock(board(), factors[choice % 3]) == VBOARD_OK && choice % 3 == 0;
     }
 

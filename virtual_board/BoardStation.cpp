@@ -29,8 +29,8 @@ const std::array<Row, station::parameterCount>& rowsOfParameters() {
 
 Row rowOf(station::Parameter parameter) { return rowsOfParameters()[static_cast<std::size_t>(parameter)]; }
 
-/** With the wall clock an access does no more than some tenth of a second of work. */
-constexpr std::uint64_t mostEventsOfAnAccess = std::uint64_t{1} << 22;
+/** With the wall clock an access does no more than some hundredths of a second of work. */
+constexpr std::uint64_t mostEventsOfAnAccess = std::uint64_t{1} << 20;
 
 constexpr station::Parameter acting[] = {
     station::Parameter::softwarePulse,    station::Parameter::analyzerClear,

@@ -154,7 +154,7 @@ enum {
 /** Lets time follow the machine's clock, `factor` times as fast (0.001 to 1000), or lets it be stepped again, from where it
  *  is (0). With the clock, each access of the board and each of these functions lets time catch up first, and a wait for
  *  a picture sleeps; other threads may use the board meanwhile. Time stays behind where the machine is too slow: an
- *  access does at most some tenth of a second of work. A wait goes on by the clock that there is. VBOARD_UNKNOWN: a null
+ *  access does at most some hundredths of a second of work. A wait goes on by the clock that there is. VBOARD_UNKNOWN: a null
  *  board, or another factor. vboard_reset makes time stepped. */
 int vboard_clock(LOOMdevice* board, double factor);
 /** What vboard_advance answers while time follows the machine's clock. */
