@@ -300,7 +300,7 @@ TEST_F(OutOfMemory, ControlFunctionsOfTheBoardSaySo) {
            {"reset", reset, lack, noException, nothing},
            {"names and texts", named, lack, noException, nothing},
            {"pictures", pictures, {VBOARD_NO_MEMORY, VBOARD_GONE, VBOARD_UNKNOWN}, noException}},
-          100);
+          192);
 }
 
 } // namespace

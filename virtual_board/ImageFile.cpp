@@ -43,11 +43,11 @@ std::shared_ptr<station::Raster> readImage(const std::string& path, station::Ras
     std::vector<unsigned char> bytes(pixels * components * bytesOfEach);
     file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
     if (!file) return nullptr;
-    const int shift = 16 - std::bit_width(largest);
+    const auto shift = 16 - static_cast<unsigned>(std::bit_width(largest));
     raster->components.reserve(3 * pixels);
     for (std::size_t i = 0; i < 3 * pixels; ++i) {
         const unsigned char* place = &bytes[(components == 3 ? i : i / 3) * bytesOfEach];
-        const unsigned value = bytesOfEach == 2 ? place[0] << 8U | place[1] : place[0];
+        const unsigned value = bytesOfEach == 2 ? unsigned{place[0]} << 8U | place[1] : unsigned{place[0]};
         raster->components.push_back(static_cast<std::uint16_t>(value << shift));
     }
     return raster;
