@@ -6,18 +6,17 @@
 #include "station/Board.h"
 #include "vexo/design_loader.h"
 #include "vexo/fg_errors.h"
-#include "vexo/grabber_runtime.h"
+#include "virtual_board/runtime.h"
 #include "virtual_board/virtual_board.h"
 
 #include <array>
 #include <limits>
 
-extern "C" grabcore_InitHandle Fg_InitHandle;
-
 namespace {
 
 using fuzz::Input;
 using fuzz::require;
+namespace runtime = vboard::runtime;
 
 constexpr std::size_t mostCalls = 1000;
 constexpr std::uint64_t mostTicks = 4'000'000; // of all calls
@@ -28,7 +27,7 @@ public:
     ~Calls() {
         for (vboard_frames* memory : m_memories)
             vboard_memory_free(memory);
-        Fg_FreeGrabber(m_fg);
+        runtime::freeGrabber(m_fg);
         TslUnloadTslFile(m_design);
         vboard_close(m_board);
     }
@@ -65,15 +64,16 @@ private:
         const char* name = parameter();
         const unsigned choice = m_input.byte();
         const double value = choice < 8 ? values[choice] : static_cast<double>(small());
-        note(choice % 16 == 15 ? vboard_poke_double(m_board, name, value)
-                               : Fg_setParameterWithType(m_fg, Fg_getParameterIdByName(m_fg, name), &value, 0,
-                                                         FG_PARAM_DOUBLE));
+        note(choice % 16 == 15
+                 ? vboard_poke_double(m_board, name, value)
+                 : runtime::setParameterWithType(m_fg, runtime::getParameterIdByName(m_fg, name), &value, 0,
+                                                 FG_PARAM_DOUBLE));
     }
     void read() {
         double value = 0;
         note(vboard_peek_double(m_board, parameter(), &value));
         note(static_cast<std::int64_t>(value == value ? std::clamp(value, -1e9, 1e9) : 7));
-        note(Fg_getStatusEx(m_fg, static_cast<int>(1000 + m_input.byte() % 10), -1, 0, nullptr));
+        note(runtime::getStatusEx(m_fg, static_cast<int>(1000 + m_input.byte() % 10), -1, 0, nullptr));
     }
     // What is taken off the input is taken in the order of statements, that of arguments is the compiler's.
     void advance() {
@@ -115,15 +115,15 @@ private:
     }
     void acquire() {
         const unsigned choice = m_input.byte();
-        if (choice % 8 == 0) return note(Fg_stopAcquireEx(m_fg, choice == 64, nullptr, 0));
+        if (choice % 8 == 0) return note(runtime::stopAcquireEx(m_fg, choice == 64, nullptr, 0));
         void* const wrong = choice % 8 == 1 ? this : nullptr;
         void* const into = choice % 8 < 3 ? wrong : memory();
-        note(Fg_AcquireEx(m_fg, choice == 255, m_input.byte() % 32, 0, into));
+        note(runtime::acquireEx(m_fg, choice == 255, m_input.byte() % 32, 0, into));
     }
     void wait() {
         const int seconds = -static_cast<int>(m_input.byte() % 2); // a simulated one is a long way
-        note(Fg_getLastPicNumberBlockingEx(m_fg, m_input.byte() % 32, 0, seconds, nullptr));
-        note(Fg_getLastPicNumberEx(m_fg, 0, nullptr));
+        note(runtime::getLastPicNumberBlockingEx(m_fg, m_input.byte() % 32, 0, seconds, nullptr));
+        note(runtime::getLastPicNumberEx(m_fg, 0, nullptr));
     }
     void picture() {
         vboard_frames* from = memory();
@@ -181,7 +181,7 @@ private:
     bool m_followsClock = false;
     LOOMdevice* m_board = vboard_open();
     fpga_design* m_design = TslLoadDesignFromBuffer("image", 5, 1);
-    Fg_Struct* m_fg = Fg_InitHandle("any.tsl", m_board, m_design);
+    Fg_Struct* m_fg = runtime::initHandle("any.tsl", m_board, m_design);
     std::array<vboard_frames*, 3> m_memories{};
 };
 
