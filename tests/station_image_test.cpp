@@ -65,20 +65,12 @@ TEST(StationImages, AreCutFromTheLinesAsTheTriggerSays) {
         {"from edges to free run", edge, "150 pulse, 350 ImgTriggerMode=0", 1050, "200-500 4, 600-900 4", 0},
     };
     for (const Case& row : cases) {
-        class Play : public StationImage {
-            void TestBody() override {}
-
-        public:
-            explicit Play(const Case& row) {
-                board.set(row.values);
-                acquire();
-                play(row.writes);
-                station.advance(row.end - station.now());
-                EXPECT_EQ(pictures(), row.pictures) << row.what;
-                EXPECT_EQ(station.losses().triggers, row.ignored) << row.what;
-            }
-        };
-        const Play played(row);
+        Trial run(everyHundred + row.values);
+        run.acquire();
+        run.play(row.writes);
+        run.advanceTo(row.end);
+        EXPECT_EQ(run.pictures(), row.pictures) << row.what;
+        EXPECT_EQ(run.station.losses().triggers, row.ignored) << row.what;
     }
 }
 
@@ -89,12 +81,12 @@ TEST_F(StationImage, IsBusyFromTheStartToTheLastLine) {
     write(pulse, 1);
     EXPECT_EQ(value(P::imageIsBusy), 0);
     for (const auto& [tick, busy] : {std::pair{151, 1}, {519, 1}, {520, 0}, {900, 0}}) {
-        station.advance(static_cast<Tick>(tick) - station.now());
+        advanceTo(static_cast<Tick>(tick));
         EXPECT_EQ(value(P::imageIsBusy), busy) << tick;
     }
     board.set("ImgTriggerMode=0 YOffset=1"); // busy again from the line at 1100 on
     for (const auto& [tick, busy] : {std::pair{1099, 0}, {1100, 1}, {1419, 1}, {1420, 0}}) {
-        station.advance(static_cast<Tick>(tick) - station.now());
+        advanceTo(static_cast<Tick>(tick));
         EXPECT_EQ(value(P::imageIsBusy), busy) << tick;
     }
 }
@@ -123,7 +115,7 @@ TEST_F(StationImage, OpensTheGateOfExSync) {
         "ExsyncExposure=0.512 FreeRun_Select=0 TriggerValve_Mode=1");
     acquire();
     play("150 pulse, 1000 pulse");
-    station.advance(1600 - station.now());
+    advanceTo(1600);
     EXPECT_EQ(pictures(), "251-451 3, 1101-1301 3");
     EXPECT_EQ(trace(exsync, 0, 1110), "0 +151 -215 +251 -315 +351 -415 +451 -515 +1001 -1065 +1101");
     // A gate that falls shuts it, and in free run it is always open.
@@ -152,18 +144,11 @@ TEST_F(StationImage, FlashGoesFromOneEdgeToTheNext) {
         {"ImgTriggerMode=0", "0 +0 -100 +800 -900"},       // each image of free run
     };
     for (const Case& row : cases) {
-        ValueBoard values;
-        values.set(everyHundred);
-        values.set("ImgTriggerMode=1 ExsyncPeriod=0.8 ExsyncExposure=0.512");
-        values.set(row.values);
-        Station subject(values);
-        const auto frames = std::make_shared<HostMemory>(4, 1U << 20, HostMemory::Kind::ring);
-        ASSERT_TRUE(subject.start(frames, 0));
-        subject.advance(150);
-        values.set({{pulse, 1}});
-        subject.write(pulse, 1);
-        subject.advance(800);
-        EXPECT_EQ(text(subject.trace(flash, 0, 950)), row.trace);
+        Trial run(everyHundred + "ImgTriggerMode=1 ExsyncPeriod=0.8 ExsyncExposure=0.512" + row.values);
+        run.acquire(4);
+        run.play("150 pulse");
+        run.advanceTo(950);
+        EXPECT_EQ(run.trace(flash, 0, 950), row.trace);
     }
 }
 
@@ -226,7 +211,8 @@ TEST_F(StationImage, AFrameThatIsTooLargeIsRefused) {
 TEST_F(StationImage, TheSimulatorsPatternIsThatOfItsLine) {
     struct Case {
         Values values;
-        std::size_t picture, x, y;
+        std::int64_t picture;
+        std::size_t x, y;
         int value;
     };
     const Values acrossFrames = "ImageHeight_ImageHeight=12 YLength=12 Size_ImageHeight=8 FrameGap_Number=8";
@@ -243,18 +229,15 @@ TEST_F(StationImage, TheSimulatorsPatternIsThatOfItsLine) {
         {acrossFrames, 2, 0, 0, 5},                  // line 4 of frame 1
     };
     for (const Case& row : cases) {
-        ValueBoard values;
-        values.set(everyHundred);
-        values.set("ImageHeight_ImageHeight=10 Size_ImageHeight=10 FrameGap_Number=10 YLength=10");
-        values.set(row.values);
-        Station subject(values);
-        const auto frames = std::make_shared<HostMemory>(4, 1U << 20, HostMemory::Kind::ring);
-        ASSERT_TRUE(subject.start(frames, 0));
-        subject.advance(3000);
-        std::span<const std::uint8_t> bytes;
-        ASSERT_EQ(frames->bytes(static_cast<std::int64_t>(row.picture), bytes), HostMemory::Result::ok);
+        Trial run(everyHundred +
+                  "ImageHeight_ImageHeight=10 Size_ImageHeight=10 FrameGap_Number=10 YLength=10" +
+                  row.values);
+        run.acquire(4);
+        run.station.advance(3000);
+        const std::vector<int> bytes = run.bytes(row.picture);
+        ASSERT_EQ(bytes.size() % 192, 0U);
         for (std::size_t component = 0; component < 3; ++component)
-            EXPECT_EQ(bytes[(row.y * 64 + row.x) * 3 + component], row.value) << row.x << ' ' << row.y;
+            EXPECT_EQ(bytes.at((row.y * 64 + row.x) * 3 + component), row.value) << row.x << ' ' << row.y;
     }
 }
 

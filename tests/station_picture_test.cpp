@@ -16,18 +16,12 @@ const Values small =
 /** The bytes of the first picture. */
 Bytes firstPicture(const Values& values, std::vector<std::uint32_t> red = {},
                    std::vector<std::uint32_t> blue = {}) {
-    ValueBoard board;
-    board.set(small);
-    board.set(values);
-    board.setTable(Colour::red, std::move(red));
-    board.setTable(Colour::blue, std::move(blue));
-    Station station(board);
-    const auto memory = std::make_shared<HostMemory>(2, 1U << 20, HostMemory::Kind::ring);
-    std::span<const std::uint8_t> bytes;
-    if (!station.start(memory, 0) || station.waitForPicture(1, 100'000) != Station::Wait::arrived ||
-        memory->bytes(1, bytes) != HostMemory::Result::ok)
-        return {};
-    return {bytes.begin(), bytes.end()};
+    Trial run(small + values);
+    run.board.setTable(Colour::red, std::move(red));
+    run.board.setTable(Colour::blue, std::move(blue));
+    run.acquire(2);
+    run.station.waitForPicture(1, 100'000);
+    return run.bytes(1);
 }
 
 /** The first component of each pixel. */
@@ -155,33 +149,21 @@ TEST(StationPicture, TheOrderOfTheLinkNamesTheColours) {
     const auto raster =
         std::make_shared<Raster>(Raster{Raster::Point::camera, 1, 1, {10 << 8, 20 << 8, 30 << 8}});
     for (const auto& row : cases) {
-        ValueBoard board;
-        board.set(small);
-        board.set({{P::redComponent, row.first},
-                   {P::greenComponent, row.second},
-                   {P::blueComponent, row.third},
-                   {P::xLength, 1},
-                   {P::cameraDebugMode, 1}});
-        Station station(board);
-        const auto memory = std::make_shared<HostMemory>(2, 1U << 20, HostMemory::Kind::ring);
-        ASSERT_TRUE(station.start(memory, 0));
-        ASSERT_TRUE(station.inject(raster));
-        ASSERT_EQ(station.waitForPicture(1, 100), Station::Wait::arrived);
-        std::span<const std::uint8_t> bytes;
-        ASSERT_EQ(memory->bytes(1, bytes), HostMemory::Result::ok);
-        EXPECT_EQ(Bytes(bytes.begin(), bytes.end()), row.pixel);
+        Trial run(small + Values{{P::redComponent, row.first},
+                                 {P::greenComponent, row.second},
+                                 {P::blueComponent, row.third},
+                                 {P::xLength, 1},
+                                 {P::cameraDebugMode, 1}});
+        run.acquire(2);
+        ASSERT_TRUE(run.station.inject(raster));
+        ASSERT_EQ(run.station.waitForPicture(1, 100), Station::Wait::arrived);
+        EXPECT_EQ(run.bytes(1), row.pixel);
     }
 }
 
 class StationPath : public StationTest {
 protected:
     StationPath() : StationTest(small) {}
-
-    Bytes bytes(std::int64_t number) {
-        std::span<const std::uint8_t> picture;
-        if (memory->bytes(number, picture) != HostMemory::Result::ok) return {};
-        return {picture.begin(), picture.end()};
-    }
 };
 
 TEST_F(StationPath, PixelsComeInAtTheDebugPoints) {

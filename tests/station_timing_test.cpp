@@ -9,16 +9,7 @@ namespace {
 
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
-class StationTiming : public StationTest {
-protected:
-    /** Ticks at which a signal rises until `to`. */
-    std::string starts(std::uint8_t select, Tick to) const {
-        std::string ticks;
-        for (const Edge& edge : station.trace(select, 0, to).edges)
-            if (edge.level) ticks += (ticks.empty() ? "" : " ") + std::to_string(edge.tick);
-        return ticks;
-    }
-};
+using StationTiming = StationTest;
 
 TEST(StationExSync, PeriodsAreOnTheGridAndCounted) {
     struct Case {
@@ -37,13 +28,11 @@ TEST(StationExSync, PeriodsAreOnTheGridAndCounted) {
         {200, 300, 100'000, 1, 0},              //
     };
     for (const Case& row : cases) {
-        ValueBoard board;
-        board.set({{P::exsyncPeriod, row.period}, {P::exsyncExposure, row.exposure}});
-        Station station(board);
-        station.advance(row.time);
-        EXPECT_EQ(board.value(P::analyzer0Pulses), row.pulses) << row.period << ' ' << row.time;
+        Trial run({{P::exsyncPeriod, row.period}, {P::exsyncExposure, row.exposure}});
+        run.station.advance(row.time);
+        EXPECT_EQ(run.value(P::analyzer0Pulses), row.pulses) << row.period << ' ' << row.time;
         for (const P measured : {P::analyzer0Current, P::analyzer0Maximum, P::analyzer0Minimum})
-            EXPECT_EQ(board.value(measured), row.measured) << row.period << ' ' << row.time;
+            EXPECT_EQ(run.value(measured), row.measured) << row.period << ' ' << row.time;
     }
 }
 
@@ -71,14 +60,9 @@ TEST(StationSimulator, LinesStartAtTheRateOfTheCounters) {
         {"Enable_SelectSource=2", "", 100'000},
     };
     for (const Case& row : cases) {
-        ValueBoard board;
-        board.set(row.values);
-        Station station(board);
-        station.advance(row.to);
-        std::string starts;
-        for (const Edge& edge : station.trace(lineValid, 0, row.to).edges)
-            if (edge.level) starts += (starts.empty() ? "" : " ") + std::to_string(edge.tick);
-        EXPECT_EQ(starts, row.starts);
+        Trial run(row.values);
+        run.station.advance(row.to);
+        EXPECT_EQ(run.starts(lineValid, row.to), row.starts) << row.values;
     }
 }
 
@@ -184,22 +168,20 @@ TEST_F(StationTiming, CrossbarAnalyzersAndCustomEventsSeeTheSame) {
         {0, 1, 0},         {99, 0, 0},         {1e12, 1, 0},       {7, 0, 0},
     };
     for (const Case& row : cases) {
-        ValueBoard values;
-        values.set("ExsyncPeriod=0.8 ExsyncExposure=0.512 Exsync2Delay=2 SequenceLength_ImageWidth=100 "
-                   "LineGap_Number=20");
+        Trial run("ExsyncPeriod=0.8 ExsyncExposure=0.512 Exsync2Delay=2 SequenceLength_ImageWidth=100 "
+                  "LineGap_Number=20");
         for (const auto& [select, invert] :
              {std::pair{P::analyzer0Select, P::analyzer0Invert}, {P::custom1Select, P::custom1Invert}})
-            values.set({{select, row.select}, {invert, row.invert}});
-        Station subject(values);
-        subject.advance(100);
-        const auto before = values.raised(Event::customSignal1);
-        values.set("Clear_Value=1");
-        subject.write(P::analyzerClear, 1);
-        EXPECT_EQ(values.value(P::analyzer0Pulses), 0);
-        values.set("Clear_Value=0");
-        subject.advance(900);
-        EXPECT_EQ(values.value(P::analyzer0Pulses), row.edges) << row.select << ' ' << row.invert;
-        EXPECT_EQ(values.raised(Event::customSignal1) - before, row.edges) << row.select << ' ' << row.invert;
+            run.board.set({{select, row.select}, {invert, row.invert}});
+        run.station.advance(100);
+        const auto before = run.board.raised(Event::customSignal1);
+        run.write(P::analyzerClear, 1);
+        EXPECT_EQ(run.value(P::analyzer0Pulses), 0);
+        run.write(P::analyzerClear, 0);
+        run.station.advance(900);
+        EXPECT_EQ(run.value(P::analyzer0Pulses), row.edges) << row.select << ' ' << row.invert;
+        EXPECT_EQ(run.board.raised(Event::customSignal1) - before, row.edges)
+            << row.select << ' ' << row.invert;
     }
 }
 

@@ -20,14 +20,48 @@ void Values::read() {
     }
 }
 
-void StationTest::play(const std::string& writes) {
+std::string Trial::text(const Trace& trace) {
+    std::string text = trace.level ? "1" : "0";
+    for (const Edge& edge : trace.edges)
+        text += (edge.level ? " +" : " -") + std::to_string(edge.tick);
+    return text;
+}
+
+std::string Trial::starts(std::uint8_t select, Tick to) const {
+    std::string ticks;
+    for (const Edge& edge : station.trace(select, 0, to).edges)
+        if (edge.level) ticks += (ticks.empty() ? "" : " ") + std::to_string(edge.tick);
+    return ticks;
+}
+
+std::string Trial::picture(std::int64_t number) const {
+    const auto record = memory->record(number);
+    if (record == nullptr) return "none";
+    return std::to_string(record->firstLine) + "-" + std::to_string(record->lastLine) + " " +
+           std::to_string(record->lines) + (record->isShort ? " short" : "");
+}
+
+std::string Trial::pictures() {
+    std::string all;
+    for (std::int64_t number = 1; number <= station.lastPicture(); ++number)
+        all += (number > 1 ? ", " : "") + picture(number);
+    return all;
+}
+
+std::vector<int> Trial::bytes(std::int64_t number) {
+    std::span<const std::uint8_t> picture;
+    if (memory->bytes(number, picture) != HostMemory::Result::ok) return {};
+    return {picture.begin(), picture.end()};
+}
+
+void Trial::play(const std::string& writes) {
     std::istringstream all(writes);
     for (std::string one; std::getline(all, one, ',');) {
         std::istringstream words(one);
         Tick tick = 0;
         std::string what;
         words >> tick >> what;
-        if (tick > station.now()) station.advance(tick - station.now());
+        if (tick > station.now()) advanceTo(tick);
         if (what == "pulse") what = "SoftwareTrgPulse=1";
         if (what == "high") what = "SoftwareTrgInput=1";
         if (what == "low") what = "SoftwareTrgInput=0";
