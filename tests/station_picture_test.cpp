@@ -195,6 +195,46 @@ TEST_F(StationPath, PixelsComeInAtTheDebugPoints) {
     EXPECT_FALSE(station.inject(std::make_shared<Raster>(Raster{Raster::Point::output, 2, 2, {1, 2, 3}})));
 }
 
+TEST(StationMonitors, ShowPlaceAndValueOfTheLastPixel) {
+    struct Case {
+        Values values;
+        Bytes camera, output; // x, y, value after one image of two lines
+    };
+    const Values on = "Camera_Debug_OperationMode=2 OutputFormat_Debug_OperationMode=2 ";
+    const Case cases[] = {
+        {{}, {0, 0, 0}, {0, 0, 0}}, // off
+        {on, {63, 1, 64}, {3, 1, 0x040404}},
+        {on + "YMirror=1", {63, 1, 64}, {3, 1, 0x030303}},
+        {on + "XLength=3 BlueCoefficient=2 RedCoefficient=0", {63, 1, 64}, {2, 1, 0x000306}},
+        {on + "FORMAT_SelectSource=1 Convert1_VirtualTrash_EnableTrash_Value=0 Shift_Value=6 XLength=2",
+         {63, 1, 64},
+         {1, 1, 8 << 20 | 8 << 10 | 8}},
+        {on + "FORMAT_SelectSource=4 Shift_Value=0", {63, 1, 64}, {3, 1, 0x04000400}}, // 32 of 48 bits
+        {on + "XLength=0", {63, 1, 64}, {0, 1, 0}},
+    };
+    for (const Case& row : cases) {
+        Trial run(small + row.values);
+        run.acquire(2);
+        run.station.advance(150);
+        const auto seen = [&run](P x, P y, P value) {
+            return Bytes{static_cast<int>(run.value(x)), static_cast<int>(run.value(y)),
+                         static_cast<int>(run.value(value))};
+        };
+        EXPECT_EQ(seen(P::cameraDebugX, P::cameraDebugY, P::cameraDebugValue), row.camera) << row.values;
+        EXPECT_EQ(seen(P::outputDebugX, P::outputDebugY, P::outputDebugValue), row.output) << row.values;
+        // With the input on, what is put in is the last one.
+        run.write(P::cameraDebugMode, row.camera[0] > 0 ? 3 : 1);
+        EXPECT_TRUE(run.value(P::cameraDebugReady) == 1 && run.value(P::outputDebugReady) == 0);
+        EXPECT_TRUE(run.station.inject(std::make_shared<Raster>(
+            Raster{Raster::Point::camera, 2, 1, {0, 0, 0, 0x1234, 0x5678, 0x9abc}})));
+        const Bytes injected = row.camera[0] > 0 ? Bytes{1, 0, 0x12} : row.camera;
+        run.station.advance(100);
+        EXPECT_EQ(seen(P::cameraDebugX, P::cameraDebugY, P::cameraDebugValue), injected) << row.values;
+        run.station.stop();
+        EXPECT_EQ(run.value(P::cameraDebugReady), 0);
+    }
+}
+
 TEST_F(StationPath, TheSelectorCountsFromTheStart) {
     board.set("PERIOD_Divisor=3 PHASE_Number=1");
     acquire();

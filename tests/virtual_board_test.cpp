@@ -441,6 +441,16 @@ TEST_F(VirtualStation, RefusesMemoriesThatDoNotFit) {
     EXPECT_EQ(BOARD(vboard_release)(memory, 1), VBOARD_OK);
     EXPECT_EQ(BOARD(vboard_release)(memory, 1), VBOARD_GONE);
     EXPECT_EQ(wait(2), 2);
+    vboard_record record{};
+    EXPECT_EQ(BOARD(vboard_frame)(nullptr, 2, &record), VBOARD_UNKNOWN);
+    EXPECT_EQ(BOARD(vboard_frame)(memory, 2, nullptr), VBOARD_UNKNOWN);
+    EXPECT_EQ(BOARD(vboard_release)(nullptr, 2), VBOARD_UNKNOWN);
+    EXPECT_EQ(BOARD(vboard_frame)(memory, 1, &record), VBOARD_GONE);
+    EXPECT_EQ(RUNTIME(AcquireEx)(fg, 0, 0, 0, memory), 0);
+    EXPECT_EQ(setInt("Buffer_0_XLength", 128), 0);
+    EXPECT_EQ(wait(1), 1);
+    EXPECT_EQ(BOARD(vboard_frame)(memory, 1, &record), VBOARD_TOO_SMALL);
+    EXPECT_EQ(record.data, nullptr);
     BOARD(vboard_memory_free)(memory); // ends the acquisition
     EXPECT_EQ(own<std::uint32_t>(24092), 0U);
     EXPECT_EQ(wait(3), FG_ERR_NOT_AVAILABLE);
@@ -511,8 +521,10 @@ TEST_F(VirtualStation, FollowsTheMachinesClockAndLetsOthersInWhileItWaits) {
     // A wait that would last for a minute ends by what others do. Each may come before it or after.
     const std::pair<std::function<void()>, std::int64_t> ends[] = {
         {[&] { EXPECT_EQ(setInt("Trigger_Trigger_SoftwareTrgPulse", 1), 0); }, 1},
-        {[&] { BOARD(vboard_clock)
-               (device, setInt("CameraSimulator_Enable_SelectSource", 0)); },
+        {[&] {
+             BOARD(vboard_clock)
+             (device, setInt("CameraSimulator_Enable_SelectSource", 0));
+         },
          VBOARD_TIMEOUT},
         {[&] {
              RUNTIME(stopAcquireEx)
