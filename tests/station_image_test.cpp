@@ -16,64 +16,6 @@ protected:
 constexpr P pulse = P::softwarePulse;
 constexpr P input = P::softwareInput;
 
-TEST(StationImages, AreCutFromTheLinesAsTheTriggerSays) {
-    struct Case {
-        const char* what;
-        Values values;
-        const char* writes;
-        Tick end;
-        const char* pictures;
-        std::uint64_t ignored;
-    };
-    const Values edge = "ImgTriggerMode=1 YLength=4 ImageHeight_ImageHeight=4";
-    const Values gate = "ImgTriggerMode=2";
-    const Case cases[] = {
-        {"free run", {}, "", 2000, "0-700 8, 800-1500 8", 0},
-        {"offset in free run", "YOffset=2 YLength=3 ImageHeight_ImageHeight=3 ImgTrgDelay=9", "", 1400,
-         "200-400 3, 700-900 3", 0},
-        {"range of one and a half images", "YLength=6 ImageHeight_ImageHeight=4", "", 1500,
-         "0-300 4, 400-500 2 short, 600-900 4, 1000-1100 2 short", 0},
-        {"images of no height", "YLength=3 ImageHeight_ImageHeight=0", "", 350,
-         "0-0 1, 100-100 1, 200-200 1, 300-300 1", 0},
-        {"nothing taken", "YLength=0", "", 2000, "", 0},
-        {"trigger not enabled", edge + "ImgTriggerEnable=0", "150 pulse", 850, "0-300 4, 400-700 4", 0},
-        {"mode that is none", edge + "ImgTriggerMode=7", "", 450, "0-300 4", 0},
-        // The second is busy, the third comes with the end of the last line.
-        {"edges", edge, "150 pulse, 350 pulse, 519 pulse", 1200, "200-500 4, 600-900 4", 1},
-        {"edge with a line", edge, "199 pulse", 1200, "200-500 4", 0},
-        {"edge after the start of a line", edge, "200 pulse", 1200, "300-600 4", 0},
-        {"delay and offset", edge + "ImgTrgDelay=2 YOffset=1", "150 pulse", 1200, "500-800 4", 0},
-        {"many images", edge + "YLength=10", "150 pulse, 1150 pulse", 1600,
-         "200-500 4, 600-900 4, 1000-1100 2 short, 1200-1500 4", 0},
-        {"two pulses at once", edge + "YLength=1 ImageHeight_ImageHeight=1", "150 pulse, 150 pulse", 1200,
-         "200-200 1", 1},
-        {"pulse of another value", edge, "150 SoftwareTrgPulse=2", 1200, "", 0},
-        {"no length: never busy", edge + "YLength=0", "150 pulse, 350 pulse", 1200, "", 0},
-        {"low active", edge + "ImgTrgInPolarity=1", "150 high, 350 low", 1200, "400-700 4", 0},
-        {"gate", gate, "150 high, 650 low", 1800, "200-600 5 short", 0},
-        {"gate falls with a line", gate, "150 high, 599 low", 1800, "200-500 4 short", 0},
-        {"gate falls in a line", gate, "150 high, 600 low, 605 high", 1800, "200-600 5 short", 1},
-        {"gate longer than the length", gate + "YLength=4", "150 high, 950 low, 1050 high", 1800,
-         "200-500 4 short, 1100-1400 4 short", 0},
-        {"gate without a line", gate, "110 high, 190 low", 1800, "", 0},
-        {"gate with offset", gate + "YOffset=1 ImgTrgDelay=1", "150 high, 650 low", 1800, "400-600 3 short",
-         0},
-        {"gate of many", gate + "MaxGatedHeight=1024 ImageHeight_ImageHeight=3 YLength=1398101",
-         "150 high, 950 low", 1800, "200-400 3, 500-700 3, 800-900 2 short", 0},
-        // An image in progress is finished in its own way before another mode holds.
-        {"from free run to edges", {}, "250 ImgTriggerMode=1, 900 pulse", 1900, "0-700 8, 1000-1700 8", 0},
-        {"from edges to free run", edge, "150 pulse, 350 ImgTriggerMode=0", 1050, "200-500 4, 600-900 4", 0},
-    };
-    for (const Case& row : cases) {
-        Trial run(everyHundred + row.values);
-        run.acquire();
-        run.play(row.writes);
-        run.advanceTo(row.end);
-        EXPECT_EQ(run.pictures(), row.pictures) << row.what;
-        EXPECT_EQ(run.station.losses().triggers, row.ignored) << row.what;
-    }
-}
-
 TEST_F(StationImage, IsBusyFromTheStartToTheLastLine) {
     board.set("ImgTriggerMode=1 YLength=4 ImageHeight_ImageHeight=4");
     acquire();
@@ -106,50 +48,6 @@ TEST_F(StationImage, NothingIsTakenWithoutAnAcquisition) {
     write(input, 0);
     station.advance(1000);
     EXPECT_EQ(station.lastPicture(), 0);
-}
-
-TEST_F(StationImage, OpensTheGateOfExSync) {
-    // ExSync of 64 of 100 ticks makes the lines; a trigger lets four of them through, from its own tick on.
-    board.set(
-        "ImgTriggerMode=1 YLength=3 ImageHeight_ImageHeight=3 YOffset=1 LineTriggerMode=2 ExsyncPeriod=0.8 "
-        "ExsyncExposure=0.512 FreeRun_Select=0 TriggerValve_Mode=1");
-    acquire();
-    play("150 pulse, 1000 pulse");
-    advanceTo(1600);
-    EXPECT_EQ(pictures(), "251-451 3, 1101-1301 3");
-    EXPECT_EQ(trace(exsync, 0, 1110), "0 +151 -215 +251 -315 +351 -415 +451 -515 +1001 -1065 +1101");
-    // A gate that falls shuts it, and in free run it is always open.
-    board.set("ImgTriggerMode=2");
-    write(input, 1);
-    station.advance(250);
-    write(input, 0);
-    station.advance(1000);
-    EXPECT_EQ(trace(exsync, 1600, 2850), "0 +1601 -1665 +1701 -1765 +1801 -1865");
-    board.set("ImgTriggerMode=0");
-    station.advance(150);
-    EXPECT_EQ(trace(exsync, 2850, 3000), "0 +2851 -2915 +2951");
-}
-
-TEST_F(StationImage, FlashGoesFromOneEdgeToTheNext) {
-    struct Case {
-        Values values;
-        const char* trace;
-    };
-    const Case cases[] = {
-        {{}, "0 +200 -300"},
-        {"FlashDelay=2", "0 +400 -500"},
-        {"FlashDelay=2 FlashPolarity=1", "1 -400 +500"},
-        {"FlashEnable=0", "0"},
-        {"ExsyncEnable=0 ExsyncPeriod=20", "0 +200 -300"}, // the starts of lines serve
-        {"ImgTriggerMode=0", "0 +0 -100 +800 -900"},       // each image of free run
-    };
-    for (const Case& row : cases) {
-        Trial run(everyHundred + "ImgTriggerMode=1 ExsyncPeriod=0.8 ExsyncExposure=0.512" + row.values);
-        run.acquire(4);
-        run.play("150 pulse");
-        run.advanceTo(950);
-        EXPECT_EQ(run.trace(flash, 0, 950), row.trace);
-    }
 }
 
 TEST_F(StationImage, WaitsForAPictureInSimulatedTime) {

@@ -518,7 +518,7 @@ TEST_F(VirtualStation, FollowsTheMachinesClockAndLetsOthersInWhileItWaits) {
     const auto start = Clock::now();
     EXPECT_EQ(BOARD(vboard_clock)(device, 10), VBOARD_OK);
     EXPECT_EQ(BOARD(vboard_advance)(device, 1000), VBOARD_NOT_STEPPED);
-    // A wait that would last for a minute ends by what others do. Each may come before it or after.
+    // A wait that would last for ten seconds ends by what others do. Each may come before it or after.
     const std::pair<std::function<void()>, std::int64_t> ends[] = {
         {[&] { EXPECT_EQ(setInt("Trigger_Trigger_SoftwareTrgPulse", 1), 0); }, 1},
         {[&] {
@@ -545,7 +545,7 @@ TEST_F(VirtualStation, FollowsTheMachinesClockAndLetsOthersInWhileItWaits) {
         BOARD(vboard_clock)(device, 1);
         EXPECT_EQ(RUNTIME(AcquireEx)(fg, 0, 0, 0, memory), 0);
         std::int64_t result = 0;
-        std::thread waiting([&] { result = wait(1, 60); });
+        std::thread waiting([&] { result = wait(1, 10); });
         std::this_thread::sleep_for(std::chrono::milliseconds(3)); // in most cases it waits by now
         end();
         waiting.join();

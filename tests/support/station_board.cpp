@@ -54,21 +54,56 @@ std::vector<int> Trial::bytes(std::int64_t number) {
     return {picture.begin(), picture.end()};
 }
 
-void Trial::play(const std::string& writes) {
-    std::istringstream all(writes);
+void Trial::play(const std::string& actions) {
+    std::istringstream all(actions);
     for (std::string one; std::getline(all, one, ',');) {
         std::istringstream words(one);
         Tick tick = 0;
-        std::string what;
-        words >> tick >> what;
+        if (!(words >> tick)) words.clear();
         if (tick > station.now()) advanceTo(tick);
-        if (what == "pulse") what = "SoftwareTrgPulse=1";
-        if (what == "high") what = "SoftwareTrgInput=1";
-        if (what == "low") what = "SoftwareTrgInput=0";
-        const Values values(what.c_str());
-        for (const auto& [parameter, value] : values.all())
-            write(parameter, value);
+        std::string rest;
+        std::getline(words >> std::ws, rest);
+        if (!rest.empty()) act(rest);
     }
+}
+
+void Trial::act(const std::string& action) {
+    std::istringstream words(action);
+    std::string what;
+    std::size_t input = 0;
+    words >> what;
+    if (what == "acquire") return acquire();
+    if (what == "wave") {
+        words >> input;
+        std::vector<Edge> edges;
+        for (std::string edge; words >> edge;)
+            edges.push_back({std::stoull(edge.substr(1)), edge[0] == '+'});
+        EXPECT_TRUE(station.connect(input, Wave::edges(false, edges)));
+        return;
+    }
+    if (what == "table") {
+        std::string colour, entry;
+        std::vector<std::uint32_t> entries(tableSize);
+        for (words >> colour; words >> entry;) // "12800=7" in hexadecimal
+            entries.at(std::stoul(entry, nullptr, 16)) =
+                static_cast<std::uint32_t>(std::stoul(entry.substr(entry.find('=') + 1), nullptr, 16));
+        return board.setTable(colour == "red" ? Colour::red : Colour::blue, entries);
+    }
+    if (what == "inject") {
+        Raster raster{Raster::Point::camera, 0, 1};
+        for (unsigned component = 0; words >> component;
+             raster.width = static_cast<std::uint32_t>(raster.components.size() / 3))
+            raster.components.push_back(static_cast<std::uint16_t>(component));
+        EXPECT_TRUE(station.inject(std::make_shared<Raster>(raster)));
+        return;
+    }
+    const std::string values = what == "pulse"  ? "SoftwareTrgPulse=1"
+                               : what == "high" ? "SoftwareTrgInput=1"
+                               : what == "low"  ? "SoftwareTrgInput=0"
+                                                : action;
+    const Values read(values.c_str());
+    for (const auto& [parameter, value] : read.all())
+        write(parameter, value);
 }
 
 ValueBoard::ValueBoard() {

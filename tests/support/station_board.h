@@ -111,8 +111,10 @@ public:
     std::string pictures();
     /** The bytes of a picture; none if it is not there. */
     std::vector<int> bytes(std::int64_t number);
-    /** Writes as "150 pulse, 350 high, 600 low, 900 YLength=3": a software trigger, its level, or any parameter. */
-    void play(const std::string& writes);
+    /** What happens, as "150 pulse, 350 high, 600 low, 900 YLength=3, 950": at a tick a software trigger, its level or any
+     *  parameters. Also "wave INPUT +TICK -TICK ...", "table red ENTRY=VALUE ...", "inject COMPONENT ...", "acquire". */
+    void play(const std::string& actions);
+    void act(const std::string& action);
 
     ValueBoard board;
     Station station{board};
