@@ -117,14 +117,19 @@ TEST_F(StationPath, WhatIsWrittenHoldsFromTheNextImageOn) {
     acquire();
     station.advance(50); // in the first image
     board.set("XOffset=20 SensorWidth=24");
-    board.setTable(Colour::red, std::vector<std::uint32_t>(tableSize, 7 << 8));
-    board.setTable(Colour::green, std::vector<std::uint32_t>(tableSize, 7 << 8));
-    board.setTable(Colour::blue, std::vector<std::uint32_t>(tableSize, 7 << 8));
+    const auto setTables = [this](std::uint32_t entry) {
+        for (const Colour colour : {Colour::red, Colour::green, Colour::blue})
+            board.setTable(colour, std::vector<std::uint32_t>(tableSize, entry));
+    };
+    setTables(7 << 8);
     station.advance(1);
     board.set("EnableLUT_Value=1 XLength=2");
     station.advance(349);
     EXPECT_EQ(greys(bytes(1)), (Bytes{0, 1, 2, 3, 1, 2, 3, 4}));
     EXPECT_EQ(bytes(2), Bytes(12, 7));
+    setTables(9 << 8); // and nothing else
+    station.advance(500);
+    EXPECT_EQ(bytes(station.lastPicture()), Bytes(12, 9));
 }
 
 TEST_F(StationPath, TheBufferFillsAtTheRateOfItsExcess) {
