@@ -157,7 +157,7 @@ BoardStation& Board::station() {
 }
 
 void Board::followClock() noexcept {
-    if (m_station == nullptr) return;
+    if (m_station == nullptr || !m_station->followsClock()) return;
     guarded([this]() REQUIRES(m_mutex) { // without memory its time stays behind
         m_station->follow();
         publishAcquisition();

@@ -30,6 +30,7 @@ public:
 
     /** Time follows the machine's, so many times as fast; 0: it moves in steps. */
     void setClock(double factor);
+    bool followsClock() const { return m_clock.isRunning(); }
     /** Lets time catch up with the machine's, if it follows it. */
     void follow();
     /** Lets time move by so many ticks; the new time, or VBOARD_NOT_STEPPED. */
