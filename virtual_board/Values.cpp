@@ -62,20 +62,24 @@ bool isCompatible(std::optional<Type> given, Type own) {
 } // namespace
 
 void Values::reset() {
+    std::vector<std::uint64_t> numbers;
+    std::vector<std::string> texts;
+    for (const ParameterRow& row : parameterRows()) {
+        numbers.push_back(row.start);
+        texts.emplace_back(row.text);
+    }
+    std::vector<std::uint64_t> registers;
+    for (const RegisterRow& row : registerRows())
+        registers.push_back(row.start);
+    std::vector<std::vector<std::uint32_t>> fields(numbers.size());
+    // All of it is there: nothing is half done.
+    m_numbers = std::move(numbers);
+    m_texts = std::move(texts);
+    m_fields = std::move(fields);
+    m_registers = std::move(registers);
+    m_afterRead.clear();
     ++m_revision;
     ++m_tableRevision;
-    const auto rows = parameterRows();
-    m_numbers.assign(rows.size(), 0);
-    m_texts.assign(rows.size(), {});
-    m_fields.assign(rows.size(), {});
-    m_afterRead.clear();
-    for (std::size_t row = 0; row < rows.size(); ++row) {
-        m_numbers[row] = rows[row].start;
-        m_texts[row] = rows[row].text;
-    }
-    m_registers.clear();
-    for (const RegisterRow& row : registerRows())
-        m_registers.push_back(row.start);
 }
 
 const char* Values::describe(Access& access, const void* value) {

@@ -8,7 +8,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <utility>
 #include <vector>
 
 namespace station {
@@ -45,8 +44,8 @@ public:
     static constexpr std::size_t capacity = 65536;
 
     void add(Event event, Tick tick) {
-        ++m_counts[static_cast<std::size_t>(event)];
         if (m_ring.empty()) m_ring.resize(capacity);
+        ++m_counts[static_cast<std::size_t>(event)];
         m_ring[m_written++ % capacity] = {tick, event};
     }
     /** The oldest that was not taken yet. */
@@ -60,11 +59,9 @@ public:
         skipDropped();
         return m_dropped;
     }
-    /** How often an event came since this was last asked for. */
-    std::uint64_t takeCount(Event event) {
-        std::uint64_t& count = m_counts[static_cast<std::size_t>(event)];
-        return std::exchange(count, 0);
-    }
+    /** How often an event came since its count was last cleared. */
+    std::uint64_t count(Event event) const { return m_counts[static_cast<std::size_t>(event)]; }
+    void clearCount(Event event) { m_counts[static_cast<std::size_t>(event)] = 0; }
 
 private:
     void skipDropped() {
