@@ -192,7 +192,8 @@ std::int64_t Board::nextPicture() { return m_isImaging ? picture() : m_acquisiti
 
 std::int64_t Board::waitForPicture(std::int64_t picture, int seconds) {
     if (!m_isImaging) return m_acquisition.waitForPicture(picture);
-    const std::int64_t result = station().waitForPicture(picture, seconds);
+    const auto timeout = static_cast<station::Tick>(std::max(seconds, 0)) * station::ticksPerSecond;
+    const std::int64_t result = station().waitForPicture(picture, timeout);
     publishAcquisition();
     return result;
 }

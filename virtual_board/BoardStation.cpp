@@ -55,9 +55,8 @@ std::uint64_t BoardStation::advance(std::uint64_t ticks) {
     return now;
 }
 
-std::int64_t BoardStation::waitForPicture(std::int64_t picture, int seconds) {
-    const station::Tick timeout = static_cast<station::Tick>(std::max(seconds, 0)) * station::ticksPerSecond;
-    const station::Station::Wait result = m_station.waitForPicture(picture, timeout);
+std::int64_t BoardStation::waitForPicture(std::int64_t picture, std::uint64_t ticks) {
+    const station::Station::Wait result = m_station.waitForPicture(picture, ticks);
     publishRuntime();
     switch (result) {
     case station::Station::Wait::arrived:

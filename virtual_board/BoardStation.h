@@ -28,8 +28,8 @@ public:
     /** Lets time move by so many ticks; the new time. */
     std::uint64_t advance(std::uint64_t ticks);
     /** Number of the last picture once this one is there, VBOARD_TIMEOUT or FG_ERR_NOT_AVAILABLE. Takes no more than so
-     *  many simulated seconds. */
-    std::int64_t waitForPicture(std::int64_t picture, int seconds);
+     *  many ticks. */
+    std::int64_t waitForPicture(std::int64_t picture, std::uint64_t ticks);
     /** Brings the runtime's parameters up to date that show the station. */
     void publishRuntime();
 

@@ -91,6 +91,14 @@ void vboard_memory_free(vboard_frames* memory) {
     board.release();
 }
 
+int64_t vboard_wait(LOOMdevice* board, int64_t picture, uint64_t ticks) {
+    if (board == nullptr) return VBOARD_UNKNOWN;
+    const MutexLock lock(board->mutex());
+    const std::int64_t result = board->station().waitForPicture(picture, ticks);
+    board->publishAcquisition();
+    return result;
+}
+
 int vboard_frame(vboard_frames* memory, int64_t picture, vboard_record* record) {
     if (memory == nullptr || record == nullptr) return VBOARD_UNKNOWN;
     const MutexLock lock(memory->board.mutex());

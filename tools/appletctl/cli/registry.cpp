@@ -9,7 +9,7 @@ extern const Command listCommand, getCommand, setCommand, resetCommand, limitsCo
     depsCommand, planCommand, applyCommand, describeCommand, infoCommand, xmlCommand, eventsCommand,
     watchCommand, routeCommand, lintCommand, timingCommand, docsCommand, reportCommand, saveCommand,
     loadCommand, checkCommand, diffCommand, traceCommand, runScenarioCommand, shellCommand, completionCommand,
-    helpCommand, completeCommand, lutShowCommand, lutPlotCommand, lutSaveCommand, lutLoadCommand;
+    helpCommand, completeCommand, lutShowCommand, lutPlotCommand, lutSaveCommand, lutLoadCommand, grabCommand;
 
 namespace {
 
@@ -20,7 +20,7 @@ constexpr const Command* commands[] = {
     &lintCommand,    &timingCommand,     &docsCommand,    &reportCommand,   &saveCommand,
     &loadCommand,    &checkCommand,      &diffCommand,    &traceCommand,    &runScenarioCommand,
     &shellCommand,   &completionCommand, &helpCommand,    &completeCommand, &lutShowCommand,
-    &lutPlotCommand, &lutSaveCommand,    &lutLoadCommand,
+    &lutPlotCommand, &lutSaveCommand,    &lutLoadCommand, &grabCommand,
 };
 
 } // namespace
