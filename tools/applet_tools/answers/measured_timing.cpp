@@ -21,6 +21,9 @@ struct Expected {
     bool isExternal, isExSyncLow, isFlashLow;
 };
 
+/** Signals by their select. */
+constexpr unsigned exSyncSelect = 1, exSync2Select = 2, flashSelect = 3, lineSelect = 4;
+
 class Measurement {
 public:
     Measurement(Instance& instance, const ParameterList& parameters)
@@ -34,7 +37,7 @@ public:
         grab(goesOn);
         if (m_timing.isInterrupted) return std::move(m_timing);
         m_timing.to = now();
-        addSignals();
+        addRows();
         return std::move(m_timing);
     }
 
@@ -97,7 +100,9 @@ private:
         constexpr Ticks longest = 2 * ticksPerSecond;
         const std::int64_t lines = sourceLines(m_instance);
         {
-            Grabber grabber(m_instance, 4);
+            constexpr std::size_t frames = 64; // pictures of the beginning wait in them
+            Grabber grabber(m_instance, frames);
+            lookAtStart();
             Grabber::Outcome outcome = Grabber::Outcome::arrived;
             while (m_timing.pictures < pictures && outcome == Grabber::Outcome::arrived) {
                 const Ticks passed = now() - m_timing.from;
@@ -111,6 +116,28 @@ private:
         m_timing.lines = sourceLines(m_instance) - lines;
         if (m_timing.pictures == 0)
             m_timing.remarks.push_back(whyNoPicture(m_instance, m_parameters, m_timing.lines));
+    }
+
+    /** Notes the signals of the first line periods, before the board forgets their edges. */
+    void lookAtStart() {
+        constexpr Ticks longest = ticksPerSecond / 20;
+        constexpr std::ptrdiff_t periods = 5;
+        const auto isActive = [this](const vboard_edge& edge) {
+            return edge.level != m_expected.isExSyncLow;
+        };
+        const Ticks piece = std::clamp<Ticks>(static_cast<Ticks>(m_expected.period * 125), 64, longest);
+        do {
+            m_instance.board().advance(m_instance.device(), piece);
+            m_timing.to = now();
+        } while (m_timing.to - m_timing.from < longest &&
+                 std::ranges::count_if(course(exSyncSelect).edges, isActive) < periods);
+        for (const StationSignal& signal : stationSignals())
+            if (std::ranges::find(m_inputs, signal.select) != m_inputs.end())
+                m_timing.signals.push_back({signal.name, false, course(signal.select)});
+        m_timing.signals.push_back({"ExSync", m_expected.isExSyncLow, course(exSyncSelect)});
+        m_timing.signals.push_back({"ExSync2", m_expected.isExSyncLow, course(exSync2Select)});
+        m_timing.signals.push_back({"Flash", m_expected.isFlashLow, course(flashSelect)});
+        m_timing.signals.push_back({"LVAL", false, course(lineSelect)});
     }
 
     SignalCourse course(unsigned select) const {
@@ -153,8 +180,7 @@ private:
         return found;
     }
 
-    void addSignals() {
-        constexpr unsigned exSyncSelect = 1, exSync2Select = 2, flashSelect = 3, lineSelect = 4;
+    void addRows() {
         const SignalCourse exSync = course(exSyncSelect), exSync2 = course(exSync2Select);
         const SignalCourse flash = course(flashSelect), lines = course(lineSelect);
         const bool isOn = is("FG_EXSYNCON", FG_ON);
@@ -170,13 +196,6 @@ private:
         for (std::size_t i = 1; i < m_firstLines.size(); ++i)
             images.push_back(m_firstLines[i] - m_firstLines[i - 1]);
         add("image period", m_expected.imagePeriod, images, "image rate");
-        for (const StationSignal& signal : stationSignals())
-            if (std::ranges::find(m_inputs, signal.select) != m_inputs.end())
-                m_timing.signals.push_back({signal.name, false, course(signal.select)});
-        m_timing.signals.push_back({"ExSync", m_expected.isExSyncLow, exSync});
-        m_timing.signals.push_back({"ExSync2", m_expected.isExSyncLow, exSync2});
-        m_timing.signals.push_back({"Flash", m_expected.isFlashLow, flash});
-        m_timing.signals.push_back({"LVAL", false, lines});
     }
 
     Instance& m_instance;

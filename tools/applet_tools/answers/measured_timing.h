@@ -30,8 +30,9 @@ struct MeasuredSignal {
 
 struct MeasuredTiming {
     std::vector<MeasuredRow> rows;
-    std::vector<MeasuredSignal> signals; /**< the inputs in use, then those of the line trigger */
-    Ticks from = 0, to = 0;              /**< the span of time that was looked at */
+    std::vector<MeasuredSignal>
+        signals;            /**< of the first line periods: inputs in use, then the line trigger's */
+    Ticks from = 0, to = 0; /**< the span of time that was looked at */
     std::int64_t lines = 0, pictures = 0;
     std::vector<std::string> remarks; /**< what was assumed, and what did not come */
     bool isInterrupted = false;

@@ -8,19 +8,14 @@
 namespace applet_tools {
 namespace {
 
-/** Bytes of a full picture by the present parameters, as the runtime tells them. */
-std::uint64_t transferLength(Instance& instance) {
-    instance.board().advance(instance.device(), 0); // now it is up to date
-    std::int64_t length = 0;
-    instance.board().peek_int(instance.device(), "FG_TRANSFER_LEN", &length);
-    return static_cast<std::uint64_t>(std::max<std::int64_t>(length, 1));
-}
+/** More than any picture has. A frame takes no memory before its picture is made. */
+constexpr std::uint64_t frameBytes = std::uint64_t{1} << 40;
 
 } // namespace
 
 Grabber::Grabber(Instance& instance, std::size_t frames)
     : m_instance(instance)
-    , m_memory(instance.board().memory(instance.device(), frames, transferLength(instance), VBOARD_BLOCKING),
+    , m_memory(instance.board().memory(instance.device(), frames, frameBytes, VBOARD_BLOCKING),
                FreeMemory{&instance.board()}) {
     constexpr std::intptr_t withoutEnd = 0;
     const int code = instance.applet().Fg_AcquireEx(instance.fg(), 0, withoutEnd, 0, m_memory.get());

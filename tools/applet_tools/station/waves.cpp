@@ -58,8 +58,8 @@ vboard_speed pieceFrom(std::string_view word, bool isLast) {
 EncoderWave encoderFrom(std::string_view text, unsigned second) {
     EncoderWave wave{second, {}};
     const auto words = partsOf(text, ',');
-    for (const std::string_view word : words)
-        wave.pieces.push_back(pieceFrom(word, &word == &words.back()));
+    for (std::size_t i = 0; i < words.size(); ++i)
+        wave.pieces.push_back(pieceFrom(words[i], i + 1 == words.size()));
     return wave;
 }
 

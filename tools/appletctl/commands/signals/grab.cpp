@@ -179,6 +179,7 @@ private:
             return true;
         }
         const std::string shown = printable(toUtf8(file.c_str()));
+        m_isTableFilled = true;
         if (!digest.empty())
             m_hashes += digest + "  " + (file.empty() ? numberText(record.picture) : shown) + '\n';
         else
@@ -192,7 +193,7 @@ private:
         const std::vector<std::int64_t> after = lossesOf(work.instance);
         if (m_own.wantsHash || isToOutput())
             m_report->text = m_hashes; // nothing else: it is compared as a whole
-        else
+        else if (m_isTableFilled)
             m_report->text += m_table.render(Style::forStream(STDOUT_FILENO));
         m_report->isVerbatim = m_own.wantsHash || isToOutput();
         auto& losses = m_report->document["losses"] = nlohmann::ordered_json::object();
@@ -224,6 +225,7 @@ private:
     Interruption::Clock::time_point m_lastUpdate{};
     Report* m_report = nullptr;
     Table m_table;
+    bool m_isTableFilled = false;
     std::string m_hashes;
 };
 

@@ -132,7 +132,8 @@ MeasuredDrawing addMeasuredTiming(Report& report, Context& context, const std::v
     report.text += '\n' + tableOf(timing);
     report.text +=
         forPerson("(measured over " + durationText(timing.to - timing.from) + ": " +
-                  numberText(timing.lines) + " lines, " + numberText(timing.pictures) + " pictures)\n");
+                  numberText(timing.lines) + (timing.lines == 1 ? " line, " : " lines, ") +
+                  numberText(timing.pictures) + (timing.pictures == 1 ? " picture)\n" : " pictures)\n"));
     for (const std::string& remark : timing.remarks)
         report.text += forPerson("(" + remark + ")\n");
     return drawingOf(timing);
