@@ -30,15 +30,15 @@ std::string comparable(std::string_view word) {
 }
 
 constexpr LossKind kinds[] = {
-    {"images", VBOARD_STATUS_LOST_IMAGES, "images were lost: the buffer overflowed",
+    {"images", VBOARD_STATUS_LOST_IMAGES, "images lost in the full buffer",
      "lower the line rate, or the bytes of a line by FG_WIDTH, FG_SENSORWIDTH or FG_FORMAT"},
-    {"triggers", VBOARD_STATUS_IGNORED_TRIGGERS, "image triggers were ignored: an image was in progress",
+    {"triggers", VBOARD_STATUS_IGNORED_TRIGGERS, "image triggers ignored while an image was in progress",
      "take fewer lines (FG_IMGTRIGGER_ASYNC_HEIGHT, FG_HEIGHT), or let the triggers come further apart"},
-    {"pulses", VBOARD_STATUS_LOST_PULSES, "pulses of the line trigger were lost: ExSync was still active",
+    {"pulses", VBOARD_STATUS_LOST_PULSES, "pulses of the line trigger lost while ExSync was active",
      "shorten FG_LINEEXPOSURE, or raise FG_LINE_DOWNSCALE"},
     {"cameratriggers", VBOARD_STATUS_LOST_CAMERA_TRIGGERS,
-     "camera triggers were lost: a line was still in transfer",
-     "raise FG_CAMERASIMULATOR_LINERATE or lower FG_CAMERASIMULATOR_WIDTH, or let the lines come further "
+     "camera triggers lost while a line was in transfer",
+     "raise FG_CAMERASIMULATOR_LINERATE, lower FG_CAMERASIMULATOR_WIDTH, or let the lines come further "
      "apart"},
 };
 

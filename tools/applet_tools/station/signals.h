@@ -52,7 +52,7 @@ std::optional<double> rateOf(const SignalCourse& course);
 struct LossKind {
     const char* name; /**< "images" */
     int status;       /**< code of Fg_getStatusEx */
-    const char* what; /**< "images were lost in the buffer" */
+    const char* what; /**< "images lost in the full buffer" */
     const char* cure; /**< what to set */
 };
 

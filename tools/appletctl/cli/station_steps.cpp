@@ -276,7 +276,9 @@ std::string expectFrame(ScenarioRunner& station, const Step& step) {
     const auto field =
         std::ranges::find_if(frameFields, [&](const FrameField& one) { return one.name == words.field; });
     const std::int64_t value = field->of(pictures[place - 1]);
-    return holds(value) ? "" : words.field + " of picture " + numberText(place) + " is " + numberText(value);
+    return holds(value)
+               ? ""
+               : "picture " + numberText(place) + " of the grab: " + words.field + " = " + numberText(value);
 }
 
 void checkSignal(const Words& words) {
@@ -356,7 +358,8 @@ std::string expectLoss(ScenarioRunner& station, const Step& step) {
         const std::int64_t count = i < losses.size() ? losses[i] : 0;
         if (relationFrom(step.words[1]).holds(static_cast<double>(count) <=> numberFrom(step.words[2])))
             return "";
-        return numberText(count) + " " + kind.what + (count > 0 ? std::string("; ") + kind.cure : "");
+        return std::string(kind.what) + ": " + numberText(count) +
+               (count > 0 ? std::string("; ") + kind.cure : "");
     }
     return "";
 }

@@ -207,7 +207,7 @@ private:
     }
 
     void addLoss(CommandRun& work, const LossKind& kind, std::int64_t count) {
-        const std::string words = numberText(count) + " " + kind.what + "; " + kind.cure;
+        const std::string words = std::string(kind.what) + ": " + numberText(count) + "; " + kind.cure;
         if (m_own.isStrict)
             work.refuse(words);
         else if (!m_report->isVerbatim)

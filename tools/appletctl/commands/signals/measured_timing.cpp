@@ -14,7 +14,9 @@ namespace {
 
 /** To a thousandth of a tick: a mean has more digits than are known. */
 std::string shown(std::optional<double> value, const std::string& unit) {
-    return value ? numberText(std::round(*value * 1e5) / 1e5) + " " + unit : "-";
+    if (!value) return "-";
+    const double rounded = std::round(*value * 1e5) / 1e5;
+    return numberText(rounded == 0 ? 0.0 : rounded) + " " + unit; // never -0
 }
 
 std::optional<double> differenceOf(const MeasuredRow& row) {
