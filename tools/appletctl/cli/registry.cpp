@@ -14,13 +14,13 @@ extern const Command listCommand, getCommand, setCommand, resetCommand, limitsCo
 namespace {
 
 constexpr const Command* commands[] = {
-    &listCommand,    &getCommand,        &setCommand,     &resetCommand,    &limitsCommand,
-    &whyCommand,     &depsCommand,       &planCommand,    &applyCommand,    &describeCommand,
-    &infoCommand,    &xmlCommand,        &eventsCommand,  &watchCommand,    &routeCommand,
-    &lintCommand,    &timingCommand,     &docsCommand,    &reportCommand,   &saveCommand,
-    &loadCommand,    &checkCommand,      &diffCommand,    &traceCommand,    &runScenarioCommand,
-    &shellCommand,   &completionCommand, &helpCommand,    &completeCommand, &lutShowCommand,
-    &lutPlotCommand, &lutSaveCommand,    &lutLoadCommand, &grabCommand,
+    &listCommand,        &getCommand,     &setCommand,        &resetCommand,   &limitsCommand,
+    &whyCommand,         &depsCommand,    &planCommand,       &applyCommand,   &describeCommand,
+    &infoCommand,        &xmlCommand,     &eventsCommand,     &watchCommand,   &routeCommand,
+    &lintCommand,        &timingCommand,  &grabCommand,       &docsCommand,    &reportCommand,
+    &saveCommand,        &loadCommand,    &checkCommand,      &diffCommand,    &traceCommand,
+    &runScenarioCommand, &shellCommand,   &completionCommand, &helpCommand,    &completeCommand,
+    &lutShowCommand,     &lutPlotCommand, &lutSaveCommand,    &lutLoadCommand,
 };
 
 } // namespace
