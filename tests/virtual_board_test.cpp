@@ -394,7 +394,9 @@ TEST_F(VirtualStation, GivesPicturesThroughTheRuntime) {
     EXPECT_EQ(RUNTIME(AcquireEx)(fg, 0, 3, 0, memory), 0);
     EXPECT_EQ(own<std::uint32_t>(24092), 1U);
     EXPECT_EQ(own<std::uint32_t>(5210), 768U);
-    EXPECT_EQ(wait(2), 2);
+    EXPECT_EQ(BOARD(vboard_wait)(device, 2, 708), VBOARD_TIMEOUT); // it arrives at tick 709
+    EXPECT_EQ(BOARD(vboard_now)(device), 708U);
+    EXPECT_EQ(BOARD(vboard_wait)(device, 2, 100), 2);
     EXPECT_EQ(RUNTIME(getLastPicNumberEx)(fg, 0, memory), 2); // asking takes none
     EXPECT_EQ(status(0), 2);
     vboard_record record{};
@@ -411,6 +413,7 @@ TEST_F(VirtualStation, GivesPicturesThroughTheRuntime) {
     EXPECT_EQ(own<std::uint32_t>(24092), 0U); // three were asked for
     EXPECT_EQ(BOARD(vboard_frame)(memory, 1, &record), VBOARD_GONE);
     EXPECT_EQ(wait(4), FG_ERR_NOT_AVAILABLE);
+    EXPECT_EQ(BOARD(vboard_wait)(device, 4, 1), FG_ERR_NOT_AVAILABLE);
 
     EXPECT_EQ(RUNTIME(AcquireEx)(fg, 0, 0, 0, memory), 0);
     EXPECT_EQ(setInt("CameraSimulator_Enable_SelectSource", 0), 0);

@@ -202,7 +202,10 @@ std::int64_t Board::nextPicture() { return m_isImaging ? picture() : m_acquisiti
 
 std::int64_t Board::waitForPicture(std::int64_t picture, int seconds) {
     if (!m_isImaging) return m_acquisition.waitForPicture(picture);
-    const station::Tick timeout = static_cast<station::Tick>(std::max(seconds, 0)) * station::ticksPerSecond;
+    return waitInStation(picture, static_cast<station::Tick>(std::max(seconds, 0)) * station::ticksPerSecond);
+}
+
+std::int64_t Board::waitInStation(std::int64_t picture, station::Tick timeout) {
     const station::Tick deadline = station::later(station().station().now(), timeout);
     const std::uint64_t acquisition = m_acquisitions;
     while (acquisition == m_acquisitions) {

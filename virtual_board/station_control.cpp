@@ -147,6 +147,15 @@ void vboard_memory_free(vboard_frames* memory) {
     board.release();
 }
 
+int64_t vboard_wait(LOOMdevice* board, int64_t picture, uint64_t ticks) {
+    if (board == nullptr) return VBOARD_UNKNOWN;
+    return guarded(std::int64_t{VBOARD_NO_MEMORY}, [&] {
+        const MutexLock lock(board->mutex());
+        board->followClock();
+        return board->waitInStation(picture, ticks);
+    });
+}
+
 int vboard_frame(vboard_frames* memory, int64_t picture, vboard_record* record) {
     if (memory == nullptr || record == nullptr) return VBOARD_UNKNOWN;
     using Memory = station::HostMemory;

@@ -201,6 +201,11 @@ vboard_frames* vboard_memory(LOOMdevice* board, size_t frames, uint64_t bytes, i
 /** Frees a memory, which no other thread may use any more. An acquisition into it ends. Null does nothing. */
 void vboard_memory_free(vboard_frames* memory);
 
+/** Lets time move to the arrival of a picture, but by no more than `ticks`, and gives the number of the last one: what
+ *  Fg_getLastPicNumberBlockingEx does with a timeout in seconds. VBOARD_TIMEOUT: it has not come. FG_ERR_NOT_AVAILABLE:
+ *  no acquisition into a memory of the board runs that it could belong to. */
+int64_t vboard_wait(LOOMdevice* board, int64_t picture, uint64_t ticks);
+
 /** A picture and where it comes from. */
 typedef struct vboard_record {
     const uint8_t* data;     /**< its bytes, which are the memory's */

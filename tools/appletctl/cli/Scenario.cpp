@@ -8,6 +8,8 @@
 #include "applet_tools/base/text.h"
 #include "applet_tools/base/words.h"
 #include "appletctl/cli/execute.h"
+#include "appletctl/cli/station_steps.h"
+#include "appletctl/cli/step_words.h"
 #include "appletctl/commands/CommandRun.h"
 #include "appletctl/commands/assignment_report.h"
 
@@ -17,31 +19,9 @@
 namespace appletctl {
 namespace {
 
-const Relation& relationFrom(const std::string& word) {
-    const Relation* relation = relationAt(word);
-    if (relation != nullptr && relation->symbol == word) return *relation;
-    throw UsageError(inQuotedWord(word) + " is none of " + relationsInWords());
-}
-
-double numberFrom(const std::string& word) {
-    if (const auto number = floatingNumber(word)) return *number;
-    throw UsageError(inQuotedWord(word) + " is no number");
-}
-
-template <typename Integer> Integer wholeFrom(const std::string& word) {
-    if (const auto number = wholeNumber<Integer>(word)) return *number;
-    throw UsageError(inQuotedWord(word) + " is no whole number that is possible here");
-}
-
 int codeOf(const std::string& word) {
     if (const auto code = codeFrom(word)) return *code;
     throw UsageError(inQuotedWord(word) + " is neither a number nor a code such as FG_ERR_OUT_OF_RANGE");
-}
-
-void checkOneOf(const std::string& word, const Words& possible) {
-    if (std::ranges::find(possible, word) == possible.end())
-        throw UsageError(inQuotedWord(word) + " is none of " + join(possible, ", ") +
-                         didYouMean(nearestWords(word, possible)));
 }
 
 // ---- Steps that expect something.
@@ -222,6 +202,16 @@ constexpr StepKind kinds[] = {
     {"expect no write", "", 0, 0, false, nullptr, lookAtBoard, expectNoWrite},
     {"expect event", "EVENT OPERATOR NUMBER", 3, 3, false, checkEvent, lookAtEvent, expectEvent},
     {"expect exit", "CODE COMMAND...", 2, -1, true, checkExit, nullptr, expectExit},
+    {"expect frame", "[PICTURE] FIELD OPERATOR VALUE", 3, 4, false, checkFrame, lookAtBoard, expectFrame},
+    {"expect signal", "SIGNAL period|width|gap|rate|pulses|level OPERATOR VALUE", 4, 4, false, checkSignal,
+     lookAtBoard, expectSignal},
+    {"expect pixel", "X,Y OPERATOR BLUE,GREEN,RED", 3, 3, false, checkPixel, lookAtBoard, expectPixel},
+    {"expect loss", "images|triggers|pulses|cameratriggers OPERATOR NUMBER", 3, 3, false, checkLoss,
+     lookAtBoard, expectLoss},
+    {"advance", "TIME", 1, 1, false, checkAdvance, lookAtBoard, advanceStation},
+    {"wave", "INPUT WAVE", 2, 2, false, checkWave, lookAtBoard, connectStationWave},
+    {"acquire", "start|stop", 1, 1, false, checkAcquire, lookAtBoard, acquire},
+    {"grab", "[N] [FILE] [within TIME]", 0, 4, false, checkGrab, lookAtBoard, grab},
     {"fail access", "K CODE [once|always]", 2, 3, false, checkFailAccess, lookAtBoard, failAccess},
     {"fail name", "DESIGN_PARAMETER CODE", 2, 2, false, checkFailName, lookAtDesignName, failName},
     {"lack", "DESIGN_PARAMETER", 1, 1, false, nullptr, lookAtDesignName, lackParameter},

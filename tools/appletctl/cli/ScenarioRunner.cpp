@@ -38,6 +38,7 @@ ScenarioRunner::ScenarioRunner(Context& context) : m_context(context) {
 }
 
 ScenarioRunner::~ScenarioRunner() {
+    m_stationState.reset(); // an acquisition ends before its board goes
     if (!m_context.isUp() || instance().device() == nullptr || !instance().host()->isVirtual()) return;
     instance().board().fail_access(instance().device(), 0, 0, VBOARD_ONCE);
     for (const std::string& name : m_failing)
@@ -124,6 +125,7 @@ void ScenarioRunner::failName(const std::string& name, int code) {
 
 void ScenarioRunner::lack(const std::string& name) {
     if (board().lack_parameter(designName(name).c_str(), true) != VBOARD_OK) refuseName(name, "parameter");
+    m_stationState.emplace();
     m_context.restart();
     logWrites(instance());
 }

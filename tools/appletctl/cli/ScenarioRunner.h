@@ -2,10 +2,13 @@
 #ifndef APPLETCTL_CLI_SCENARIORUNNER_H
 #define APPLETCTL_CLI_SCENARIORUNNER_H
 
+#include "appletctl/cli/StationState.h"
 #include "appletctl/commands/Context.h"
 
 #include <cstddef>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace appletctl {
@@ -25,6 +28,9 @@ public:
 
     /** Control of the board. Throws UsageError when it is no virtual one. */
     const applet_host::BoardFunctions& board();
+
+    /** What is known of the station; on the virtual board only. */
+    StationState& stationState() { return *m_stationState; }
 
     /** From now on the writes count. */
     void forgetWrites();
@@ -57,6 +63,7 @@ private:
     std::vector<std::string> m_writes;
     std::size_t m_found = 0; // number of writes up to the one that was found last
     std::vector<std::string> m_failing;
+    std::optional<StationState> m_stationState{std::in_place};
 };
 
 } // namespace appletctl

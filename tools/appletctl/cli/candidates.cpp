@@ -3,6 +3,7 @@
 #include "applet_tools/applet/published_limits.h"
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/text.h"
+#include "applet_tools/station/signals.h"
 #include "appletctl/cli/help.h"
 
 #include <algorithm>
@@ -218,6 +219,20 @@ Candidates conditionParts(const ParameterList& parameters, const std::string& wo
     return found;
 }
 
+/** Of INPUT=WAVE: the inputs, then how a wave begins. */
+Candidates waveParts(const std::string& word) {
+    const std::size_t equals = word.find('=');
+    Candidates found;
+    if (equals == std::string::npos) {
+        for (const StationSignal& signal : stationSignals())
+            if (signal.name.find("GPI_") != std::string::npos) found.push_back({signal.name + "="});
+    } else {
+        for (const char* wave : {"high", "low", "square:", "edges:", "encoder:"})
+            found.push_back({word.substr(0, equals + 1) + wave});
+    }
+    return matching(found, word);
+}
+
 /** What an option's value can be, by the name of its type; `before` is "--option=" where both are one word. */
 Candidates valuesOfOption(const CLI::Option& option, const std::string& word, const std::string& before,
                           const std::function<const ParameterList&()>& parameters) {
@@ -231,6 +246,8 @@ Candidates valuesOfOption(const CLI::Option& option, const std::string& word, co
         found = columnsOf(option.get_description(), word);
     else if (type == "EXPR")
         found = conditionParts(parameters(), word);
+    else if (type == "INPUT=WAVE")
+        found = waveParts(word);
     else if (type == "FILE.mcf")
         found = filesOf(word, ".mcf");
     else
