@@ -205,8 +205,8 @@ std::int64_t Board::waitForPicture(std::int64_t picture, int seconds) {
     return waitInStation(picture, static_cast<station::Tick>(std::max(seconds, 0)) * station::ticksPerSecond);
 }
 
-std::int64_t Board::waitInStation(std::int64_t picture, station::Tick timeout) {
-    const station::Tick deadline = station::later(station().station().now(), timeout);
+std::int64_t Board::waitInStation(std::int64_t picture, std::uint64_t ticks) {
+    const station::Tick deadline = station::later(station().station().now(), ticks);
     const std::uint64_t acquisition = m_acquisitions;
     while (acquisition == m_acquisitions) {
         const auto result = station().waitForPicture(picture, deadline);

@@ -71,8 +71,8 @@ public:
     std::int64_t nextPicture() REQUIRES(m_mutex);
     /** With the wall clock it sleeps meanwhile, and lets other threads in. */
     std::int64_t waitForPicture(std::int64_t picture, int seconds) REQUIRES(m_mutex);
-    /** The same for pictures of the station alone. The lock is released while it sleeps. */
-    std::int64_t waitInStation(std::int64_t picture, station::Tick timeout) REQUIRES(m_mutex);
+    /** The same for pictures of the station alone, with a timeout in ticks. */
+    std::int64_t waitInStation(std::int64_t picture, std::uint64_t ticks) REQUIRES(m_mutex);
     /** One of the states VBOARD_STATUS_TICK and on. */
     std::int64_t stationStatus(int what) REQUIRES(m_mutex);
 
