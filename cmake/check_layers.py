@@ -20,7 +20,9 @@ TOOLS = "tools/applet_tools/"
 TOOLS_BASE = [*HEADERS, f"{TOOLS}base/**"]
 TOOLS_APPLET = [*TOOLS_BASE, *HOST, f"{TOOLS}applet/**"]
 TOOLS_SCRATCH = [*TOOLS_APPLET, f"{TOOLS}scratch/**"]
-TOOLS_ANSWERS = [*TOOLS_SCRATCH, f"{TOOLS}answers/**"]
+TOOLS_PICTURES = [*TOOLS_BASE, f"{TOOLS}pictures/**"]
+TOOLS_STATION = [*TOOLS_APPLET, *TOOLS_PICTURES, f"{TOOLS}station/**"]
+TOOLS_ANSWERS = [*TOOLS_SCRATCH, *TOOLS_STATION, f"{TOOLS}answers/**"]
 TOOL = "tools/appletctl/"
 BASE = [*TOOLS_BASE, f"{TOOL}base/**"]
 DRAW = [*BASE, f"{TOOL}draw/**"]
@@ -58,6 +60,8 @@ ROOMS = [
     (f"{TOOLS}base/**", TOOLS_BASE),
     (f"{TOOLS}applet/**", TOOLS_APPLET),
     (f"{TOOLS}scratch/**", TOOLS_SCRATCH),
+    (f"{TOOLS}pictures/**", TOOLS_PICTURES),
+    (f"{TOOLS}station/**", TOOLS_STATION),
     (f"{TOOLS}answers/**", TOOLS_ANSWERS),
     (f"{PRODUCER}base/**", PRODUCER_BASE),
     (f"{PRODUCER}features/**", PRODUCER_FEATURES),

@@ -13,36 +13,10 @@
 
 namespace {
 
+using fuzz::Input;
 using fuzz::require;
 
 constexpr std::size_t mostCalls = 40;
-
-/** Takes values off the input; 0 where it has ended. */
-class Input {
-public:
-    Input(const std::uint8_t* data, std::size_t size) : m_next(data), m_end(data + size) {}
-
-    bool isEmpty() const { return m_next == m_end; }
-    unsigned byte() { return isEmpty() ? 0 : *m_next++; }
-    std::uint64_t word() {
-        std::uint64_t value = 0;
-        for (int shift = 0; shift < 64; shift += 8)
-            value |= std::uint64_t{byte()} << shift;
-        return value;
-    }
-    int integer() { return static_cast<int>(word()); }
-    /** Without a slash, so that no file elsewhere can be named. */
-    std::string text() {
-        std::string text(byte(), ' ');
-        std::ranges::generate(text, [&] { return static_cast<char>(byte()); });
-        std::ranges::replace(text, '/', '_');
-        return text;
-    }
-
-private:
-    const std::uint8_t* m_next;
-    const std::uint8_t* const m_end;
-};
 
 /** What a get gives: the result, a number or an element of a table, and a text. */
 struct Answer {
@@ -291,7 +265,7 @@ private:
                 "a document needs its room");
         require(stored(one, m_applet.Fg_getParameterInfoXML(one.fg(), 0, text.data(), &size)) == FG_OK &&
                     std::strlen(text.data()) + 1 == size && size == text.size(),
-                "a document has the size told");
+                "a document has the reported size");
     }
     void ask(One&, Input& input) {
         static constexpr int codes[] = {848,  1041, 1042, 1043, 1044, 2048, 2176, 2304, 4096, 4112, 4128,

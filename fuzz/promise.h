@@ -2,6 +2,7 @@
 #ifndef FUZZ_PROMISE_H
 #define FUZZ_PROMISE_H
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -22,6 +23,33 @@ inline void require(bool holds, const char* promise, int about = 0) {
     std::fprintf(stderr, "broken promise: %s (%d)\n", promise, about);
     std::abort();
 }
+
+/** Takes values off the input; 0 where it has ended. */
+class Input {
+public:
+    Input(const std::uint8_t* data, std::size_t size) : m_next(data), m_end(data + size) {}
+
+    bool isEmpty() const { return m_next == m_end; }
+    unsigned byte() { return isEmpty() ? 0 : *m_next++; }
+    std::uint64_t word() {
+        std::uint64_t value = 0;
+        for (int shift = 0; shift < 64; shift += 8)
+            value |= std::uint64_t{byte()} << shift;
+        return value;
+    }
+    int integer() { return static_cast<int>(word()); }
+    /** Without a slash, so that no file elsewhere can be named. */
+    std::string text() {
+        std::string text(byte(), ' ');
+        std::ranges::generate(text, [&] { return static_cast<char>(byte()); });
+        std::ranges::replace(text, '/', '_');
+        return text;
+    }
+
+private:
+    const std::uint8_t* m_next;
+    const std::uint8_t* const m_end;
+};
 
 /** Fills a file, which stays open, once for each input. */
 class InputFile {

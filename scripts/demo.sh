@@ -46,3 +46,8 @@ say 'The same, for a program'
 show --json get FG_WIDTH FG_LINEEXPOSURE
 say 'Without a board'
 show --offline list SENSOR
+say 'A picture of the test pattern, through region, gains and format into memory, and from there to disk'
+picture=build/release/chart.png
+show grab -o "$picture" --hash FG_CAMERASIMULATOR_ENABLE=FG_CAMERASIMULATOR FG_WIDTH=640 FG_HEIGHT=400 \
+    FG_SCALINGFACTOR_RED=3 FG_SCALINGFACTOR_GREEN=1.5
+say "The picture is $PWD/$picture"

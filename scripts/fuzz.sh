@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Fuzzes what reads files, and the exported functions. What an input is, the sources in fuzz/ tell.
-#   scripts/fuzz.sh [SECONDS [TARGET...]]   mcf, lut, load, api and producer, or those named, each for SECONDS (60)
+# Fuzzes what reads files, the exported functions, the simulated station and the producer. What an input is, the sources in fuzz/ tell.
+#   scripts/fuzz.sh [SECONDS [TARGET...]]   mcf, lut, load, api, station and producer, or those named, each for SECONDS (60)
 # What is learned stays in build/fuzz/corpus and is built upon by the next run. A finding becomes a file in
 # fuzz/seeds/TARGET, which the tests replay from then on.
 set -euo pipefail
@@ -8,7 +8,7 @@ source "$(dirname "$0")/common.sh"
 
 seconds=${1:-60}
 targets=("${@:2}")
-[ ${#targets[@]} -gt 0 ] || targets=(mcf lut load api producer)
+[ ${#targets[@]} -gt 0 ] || targets=(mcf lut load api station producer)
 
 install_packages "${BUILD_PACKAGES[@]}" "${TEST_PACKAGES[@]}" clang
 build fuzz "${targets[@]/#/fuzz_}"
@@ -17,7 +17,7 @@ root=$PWD work=$PWD/build/fuzz
 cp fuzz/*.dict "$work"
 # A whole load knows all keys of a saved state.
 { cat fuzz/mcf.dict && sed -n 's/^\([A-Za-z]\w*=\).*/"\1"/p' tests/data/saved_state.mcf; } >"$work/load.dict"
-declare -A longest=([mcf]=600 [lut]=300 [load]=8000 [api]=600 [producer]=480) # bytes
+declare -A longest=([mcf]=600 [lut]=300 [load]=8000 [api]=600 [station]=1500 [producer]=480) # bytes
 
 # For speed: files in memory, and no trace of allocations, which a replay has.
 [ -w /dev/shm ] && export TMPDIR=/dev/shm

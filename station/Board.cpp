@@ -31,8 +31,8 @@ const char* nameOf(Event event) {
                                                 port + "CustomSignalEvent1"};
         for (std::size_t input = 0; input < inputCount; ++input) {
             const bool isFront = input >= 8;
-            const std::string group =
-                inputs + "InputEvents_Input" + (isFront ? "FrontEvents_Front" : "Events_");
+            std::string group = inputs + "InputEvents_Input";
+            group += isFront ? "FrontEvents_Front" : "Events_";
             const std::string number = std::to_string(isFront ? input - 8 : input);
             all[static_cast<std::size_t>(pinEvent(input, true))] = group + "Pin" + number;
             all[static_cast<std::size_t>(pinEvent(input, false))] = group + "NotPin" + number;

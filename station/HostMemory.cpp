@@ -6,26 +6,42 @@
 
 namespace station {
 
+void Pixels::draw(const Record& record, Renderer& renderer) {
+    const std::lock_guard lock(m_mutex);
+    if (m_isDrawn) return;
+    m_bytes.resize(record.bytes());
+    renderer.render(record, m_bytes);
+    m_isDrawn = true;
+}
+
 HostMemory::HostMemory(std::size_t frames, std::uint64_t frameBytes, Kind kind)
     : m_frames(std::max(frames, std::size_t{1}))
     , m_frameBytes(frameBytes)
-    , m_kind(kind) {}
+    , m_kind(kind) {
+    m_spare.reserve(mostSpare);
+    m_renderers.reserve(mostSpare);
+}
 
 void HostMemory::remove(std::map<std::int64_t, Picture>::iterator picture) {
-    if (!picture->second.bytes.empty() && m_spare.size() < 2)
-        m_spare.push_back(std::move(picture->second.bytes));
+    const std::shared_ptr<Pixels> pixels = std::move(picture->second.pixels);
     m_pictures.erase(picture);
+    const bool isUnused = pixels.use_count() == 1; // no thread draws them, and no caller has them
+    if (isUnused && m_spare.size() < mostSpare) m_spare.push_back(pixels->takeRoom());
 }
 
 void HostMemory::deliver(std::shared_ptr<const Record> record) {
     while (m_kind == Kind::ring && !m_pictures.empty() && m_pictures.size() >= m_frames)
         remove(m_pictures.begin());
     const std::int64_t picture = record->picture;
-    m_pictures[picture].record = std::move(record);
+    try {
+        m_pictures[picture].record = std::move(record);
+    } catch (const std::bad_alloc&) { // as if it were overwritten
+    }
 }
 
 void HostMemory::clear() {
     m_pictures.clear();
+    m_last.reset();
     m_spare.clear();
 }
 
@@ -34,31 +50,65 @@ std::shared_ptr<const Record> HostMemory::record(std::int64_t picture) const {
     return found != m_pictures.end() ? found->second.record : nullptr;
 }
 
-HostMemory::Result HostMemory::bytes(std::int64_t picture, std::span<const std::uint8_t>& bytes) {
+std::unique_ptr<Renderer> HostMemory::takeRenderer() {
+    if (m_renderers.empty()) return std::make_unique<Renderer>();
+    std::unique_ptr<Renderer> renderer = std::move(m_renderers.back());
+    m_renderers.pop_back();
+    return renderer;
+}
+
+void HostMemory::giveBack(std::unique_ptr<Renderer> renderer) {
+    if (m_renderers.size() < mostSpare) m_renderers.push_back(std::move(renderer));
+}
+
+HostMemory::Result HostMemory::begin(std::int64_t picture, Drawing& drawing) {
     const auto found = m_pictures.find(picture);
     if (found == m_pictures.end()) return Result::gone;
     Picture& place = found->second;
-    const std::uint64_t size = place.record->bytes();
-    if (size > m_frameBytes) return Result::tooLarge;
-    if (place.bytes.size() < size) {
+    if (place.record->bytes() > m_frameBytes) return Result::tooLarge;
+    if (place.pixels == nullptr) {
+        std::vector<std::uint8_t> room;
         if (!m_spare.empty()) {
-            place.bytes = std::move(m_spare.back());
+            room = std::move(m_spare.back());
             m_spare.pop_back();
         }
-        try {
-            place.bytes.resize(size);
-        } catch (const std::bad_alloc&) {
-            return Result::noMemory;
-        }
-        m_renderer.render(*place.record, place.bytes);
+        place.pixels = std::make_shared<Pixels>(std::move(room));
     }
-    bytes = std::span(place.bytes).first(size);
+    drawing.record = place.record;
+    drawing.pixels = place.pixels;
+    drawing.renderer = takeRenderer();
     return Result::ok;
+}
+
+HostMemory::Result HostMemory::draw(Drawing& drawing) {
+    try {
+        drawing.pixels->draw(*drawing.record, *drawing.renderer);
+        return Result::ok;
+    } catch (const std::bad_alloc&) {
+        return Result::noMemory;
+    }
+}
+
+HostMemory::Result HostMemory::end(Drawing& drawing, std::span<const std::uint8_t>& bytes) {
+    giveBack(std::move(drawing.renderer));
+    const auto found = m_pictures.find(drawing.record->picture);
+    if (found == m_pictures.end() || found->second.pixels != drawing.pixels) return Result::gone;
+    m_last = drawing.pixels;
+    bytes = m_last->bytes();
+    return Result::ok;
+}
+
+HostMemory::Result HostMemory::bytes(std::int64_t picture, std::span<const std::uint8_t>& bytes) {
+    Drawing drawing;
+    Result result = begin(picture, drawing);
+    if (result == Result::ok) result = draw(drawing);
+    return result == Result::ok ? end(drawing, bytes) : result;
 }
 
 bool HostMemory::release(std::int64_t picture) {
     const auto found = m_pictures.find(picture);
     if (found == m_pictures.end()) return false;
+    if (m_last == found->second.pixels) m_last.reset();
     remove(found);
     return true;
 }

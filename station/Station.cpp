@@ -12,9 +12,10 @@ void Station::readBoard() {
     const std::uint64_t tableRevision = m_board.tableRevision();
     if (m_revision == revision && m_tableRevision == tableRevision) return;
     const bool isFirst = m_picture == nullptr;
-    m_revision = revision;
-    if (m_tableRevision != tableRevision) m_tables = std::make_shared<Tables>(readTables(m_board));
-    m_tableRevision = tableRevision;
+    if (m_tableRevision != tableRevision) {
+        m_tables = std::make_shared<Tables>(readTables(m_board));
+        m_tableRevision = tableRevision;
+    }
     const PictureSettings picture = readPictureSettings(m_board);
     if (m_picture == nullptr || *m_picture != picture) m_picture = std::make_shared<PictureSettings>(picture);
 
@@ -28,17 +29,18 @@ void Station::readBoard() {
     const bool isHot = m_board.value(Parameter::fpgaTemperature) > hottest;
     if (isHot && !m_isHot) m_engine.events().add(Event::temperatureAlarm, m_engine.from());
     m_isHot = isHot;
+    m_revision = revision;
 }
 
-void Station::run(Tick ticks, std::uint64_t pictures) {
+void Station::run(Tick ticks, std::uint64_t pictures, std::uint64_t events) {
     readBoard();
     const Tick from = m_engine.hasRun() ? m_engine.now() : 0;
-    m_engine.run(later(from, ticks), pictures, mostEvents);
+    m_engine.run(later(from, ticks), pictures, events);
     publish();
 }
 
-Tick Station::advance(Tick ticks) {
-    run(ticks, never);
+Tick Station::advance(Tick ticks, std::uint64_t events) {
+    run(ticks, never, events);
     return now();
 }
 
@@ -60,6 +62,12 @@ void Station::write(Parameter parameter, std::uint64_t value) {
         readBoard();
         m_engine.setEncoderCount(static_cast<std::uint32_t>(value));
         break;
+    case Parameter::cameraDebugMode:
+    case Parameter::bufferDebugMode:
+    case Parameter::outputDebugMode:
+        if (m_engine.hasRun()) readBoard();
+        publishReady();
+        break;
     case Parameter::cameraDebugPixel:
     case Parameter::cameraDebugFlag:
         writePixels(Raster::Point::camera, parameter == Parameter::cameraDebugFlag, value);
@@ -77,11 +85,13 @@ void Station::write(Parameter parameter, std::uint64_t value) {
     }
 }
 
-bool Station::isInputOn(Raster::Point point) const {
+std::uint32_t Station::debugMode(Raster::Point point) const {
     constexpr Parameter modes[] = {Parameter::cameraDebugMode, Parameter::bufferDebugMode,
                                    Parameter::outputDebugMode};
-    return (countOf(m_board.value(modes[static_cast<std::size_t>(point)])) & 1U) != 0;
+    return countOf(m_board.value(modes[static_cast<std::size_t>(point)]));
 }
+
+bool Station::isInputOn(Raster::Point point) const { return (debugMode(point) & 1U) != 0; }
 
 void Station::writePixels(Raster::Point point, bool isFlag, std::uint64_t value) {
     Injection& injection = m_injections[static_cast<std::size_t>(point)];
@@ -107,6 +117,12 @@ bool Station::inject(const std::shared_ptr<const Raster>& raster) {
     if (raster == nullptr || !raster->isSound() || !isInputOn(raster->point) || !isRunning()) return false;
     readBoard();
     if (raster->point != Raster::Point::camera) return insert(raster, 0, raster->height);
+    if ((debugMode(raster->point) & 2U) != 0) {
+        m_board.publish(Parameter::cameraDebugX, raster->width - 1);
+        m_board.publish(Parameter::cameraDebugY, raster->height - 1);
+        m_board.publish(Parameter::cameraDebugValue,
+                        raster->components.end()[-3] >> (16 - m_picture->colours.linkBits));
+    }
     const std::uint32_t offset = std::min(countOf(m_board.value(Parameter::yOffset)), raster->height);
     const std::uint32_t length =
         std::min(countOf(m_board.value(Parameter::yLength)), raster->height - offset);
@@ -131,10 +147,14 @@ bool Station::start(std::shared_ptr<HostMemory> memory, std::int64_t pictures) {
     m_memory = std::move(memory);
     m_pictures = std::max(pictures, std::int64_t{0});
     m_engine.acquire(m_memory.get(), static_cast<std::uint64_t>(m_pictures));
+    publishReady();
     return true;
 }
 
-void Station::stop() { m_engine.stop(); }
+void Station::stop() {
+    m_engine.stop();
+    publishReady();
+}
 
 void Station::detach(const HostMemory& memory) {
     if (m_memory.get() != &memory) return;
@@ -145,7 +165,7 @@ void Station::detach(const HostMemory& memory) {
 Station::Wait Station::waitForPicture(std::int64_t picture, Tick timeout) {
     if (picture <= lastPicture()) return Wait::arrived;
     if (!isRunning() || (m_pictures > 0 && picture > m_pictures)) return Wait::notRunning;
-    run(timeout, static_cast<std::uint64_t>(picture));
+    run(timeout, static_cast<std::uint64_t>(picture), mostEvents);
     return picture <= lastPicture() ? Wait::arrived : Wait::timeout;
 }
 
@@ -204,8 +224,39 @@ void Station::publishAnalyzers() {
     m_board.publish(Parameter::analyzerDifference, static_cast<double>(difference & differenceMask));
 }
 
+void Station::publishReady() {
+    constexpr Parameter states[] = {Parameter::cameraDebugReady, Parameter::bufferDebugReady,
+                                    Parameter::outputDebugReady};
+    for (std::size_t i = 0; i < std::size(states); ++i)
+        m_board.publish(states[i],
+                        isInputOn(static_cast<Raster::Point>(i)) && m_engine.buffer().canInsert() ? 1 : 0);
+}
+
+/** Place and value of the last pixel that passed a debug point with its output on. */
+void Station::publishMonitors() {
+    const std::uint64_t lines = m_engine.linesEnded();
+    const bool isCameraOn = (debugMode(Raster::Point::camera) & 3U) == 2; // lines of the source pass it
+    if (isCameraOn && lines != m_monitoredLines) {
+        const SourceLine& line = m_engine.lastLine();
+        const std::uint32_t x = std::min(line.cycles, Raster::widest / 32) * 32 - 1;
+        m_board.publish(Parameter::cameraDebugX, x);
+        m_board.publish(Parameter::cameraDebugY, line.y);
+        m_board.publish(Parameter::cameraDebugValue, patternValue(m_picture->pattern, x, line.y, line.frame));
+    }
+    m_monitoredLines = lines;
+    if ((debugMode(Raster::Point::output) & 2U) == 0 || m_memory == nullptr) return;
+    const std::shared_ptr<const Record> last = m_memory->record(lastPicture());
+    if (last == nullptr || last == m_monitored) return;
+    m_monitored = last;
+    m_board.publish(Parameter::outputDebugX, std::max(last->settings->xLength, 1U) - 1);
+    m_board.publish(Parameter::outputDebugY, std::max(last->lines, 1U) - 1);
+    m_board.publish(Parameter::outputDebugValue, lastPixelOf(*last));
+}
+
 void Station::publish() {
     publishAnalyzers();
+    publishMonitors();
+    publishReady();
     m_board.publish(Parameter::inputStatus, m_engine.inputs().status());
     m_board.publish(Parameter::imageIsBusy, m_engine.trigger().isBusy() ? 1 : 0);
     m_board.publish(Parameter::encoderCount, m_engine.encoder().count());
@@ -214,9 +265,10 @@ void Station::publish() {
         m_board.publish(parameter, level);
     for (std::size_t i = 0; i < eventCount; ++i) {
         const auto event = static_cast<Event>(i);
-        const std::uint64_t times = m_engine.events().takeCount(event);
+        const std::uint64_t times = m_engine.events().count(event);
         if (times == 0) continue;
         m_board.raise(event, times);
+        m_engine.events().clearCount(event);
         if (event == Event::overflow) m_board.publish(Parameter::overflowOccurred, 1);
     }
 }

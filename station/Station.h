@@ -4,7 +4,8 @@
  * Time is a count of ticks of 8 ns from 0 on and moves only in advance() and waitForPicture(). The parameters of the
  * board are read when it moves: a write acts from the next tick on, as if all writes in between had come at once. The
  * same writes at the same ticks give the same pictures, events and states on every machine. One thread at a time uses a
- * station; it has none of its own.
+ * station; it has none of its own. If memory is lacking, std::bad_alloc leaves a call: what was to happen in that tick is
+ * lost, and the station goes on.
  */
 #ifndef STATION_STATION_H
 #define STATION_STATION_H
@@ -34,7 +35,7 @@ struct Losses {
 
 class Station {
 public:
-    /** One call handles no more ticks with something in them than this, some seconds of work. */
+    /** A call handles no more ticks with something in them than this, some seconds of work. */
     static constexpr std::uint64_t mostEvents = std::uint64_t{1} << 26;
 
     enum class Wait : std::uint8_t { arrived, timeout, notRunning };
@@ -46,10 +47,10 @@ public:
     /** The first tick that has not happened: writes act there. */
     Tick from() const { return m_engine.from(); }
     /** Lets time move on by `ticks`, and gives the new time. It is less than asked for at the end of time, or after
-     *  mostEvents ticks with something in them: then ask again. */
-    Tick advance(Tick ticks);
+     *  `events` ticks with something in them: then ask again. */
+    Tick advance(Tick ticks, std::uint64_t events = mostEvents);
     /** The board calls this after a write of a parameter that acts by being written: the software pulse, the clear of
-     *  the analyzers, the count of the encoder, pixels and flags of the debug points. Others do nothing. */
+     *  the analyzers, the count of the encoder, modes, pixels and flags of the debug points. Others do nothing. */
     void write(Parameter parameter, std::uint64_t value);
 
     /** Connects a wave to an input (0 to 7 GPI, 8 to 11 front GPI) from the next tick on. Of an encoder, `second` gets
@@ -62,6 +63,7 @@ public:
      *  it as in free run, and no trigger is asked for. False if the input is off, no acquisition runs, or there is no
      *  room. */
     bool inject(const std::shared_ptr<const Raster>& raster);
+    bool isInputOn(Raster::Point point) const;
     /** Bytes that the DMA moves in a second; 0: what the link does. */
     void setDmaRate(std::uint64_t bytesPerSecond);
 
@@ -101,10 +103,12 @@ private:
     void readBoard();
     void publish();
     void publishAnalyzers();
+    void publishReady();
+    void publishMonitors();
     void writePixels(Raster::Point point, bool isFlag, std::uint64_t value);
-    bool isInputOn(Raster::Point point) const;
+    std::uint32_t debugMode(Raster::Point point) const;
     bool insert(const std::shared_ptr<const Raster>& raster, std::uint32_t first, std::uint32_t lines);
-    void run(Tick ticks, std::uint64_t pictures);
+    void run(Tick ticks, std::uint64_t pictures, std::uint64_t events);
 
     static constexpr double hottest = 85;
 
@@ -120,6 +124,8 @@ private:
     bool m_isHot = false;
     std::array<Injection, 3> m_injections{Injection(Raster::Point::camera), Injection(Raster::Point::buffer),
                                           Injection(Raster::Point::output)};
+    std::uint64_t m_monitoredLines = 0;        // of the source, at the camera
+    std::shared_ptr<const Record> m_monitored; // at the output
 };
 
 } // namespace station

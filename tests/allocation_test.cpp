@@ -84,7 +84,7 @@ TEST_F(Allocation, OfALoadDoNotGrowWithTheFile) {
         writeFile(m_file, configuration(lines, line));
         return countOf([&] { load(m_file); });
     };
-    for (const char* line : {"FG_WIDTH=512;\n", "a key of nobody, and a long one=1;\n"})
+    for (const char* line : {"FG_WIDTH=512;\n", "an unknown key, and a long one=1;\n"})
         EXPECT_EQ(countOfALoad(10000, line), countOfALoad(10, line)) << line;
     writeFile(m_file, configuration(200'000, std::string(159, 'k') + '\n')); // 30 MiB
     EXPECT_LT(growthDuring([&] { load(m_file); }), 4);

@@ -1,5 +1,5 @@
 // Callers that err: handles that are none, ids beside the known ones with any tag and DMA channel, questions that
-// nobody knows, texts that break a careless reader. Places are of exactly the told size.
+// are unknown, texts that break a careless reader. Places have exactly the size that is passed.
 
 #include "support/applet_fixture.h"
 #include "support/sanitizers.h"
@@ -213,7 +213,7 @@ TEST_F(AnyId, WithEveryTagAndChannel) {
                 EXPECT_EQ(code, taken.value_or(code));
                 taken = code;
                 freeText(id, tag, dma);
-                if (HasFailure()) return; // the first is told, not thousands
+                if (HasFailure()) return; // one report, not thousands
             }
         }
 }
@@ -241,7 +241,7 @@ std::map<int, Stored> knownQuestions() {
 
 class Questions : public AppletTest {
 protected:
-    /** Asks with and without each place. Nothing but the told bytes is stored. */
+    /** Asks with and without each place. Only the reported bytes are stored. */
     void ask(int code, int arg1, int arg2, const Stored& stored, bool isKnown) {
         SCOPED_TRACE(testing::Message() << code << ' ' << arg1 << ' ' << arg2);
         int whole = 0;
@@ -257,7 +257,7 @@ protected:
                 const bool needsIn = code == 4352 || code == 4880 || code == 4896;
                 const bool needsOut = code == 4864 || code == 4880 || code == 5120;
                 const bool lacks = (needsIn && !hasIn) || (needsOut && !hasOut);
-                if (code != 5120 || lacks) { // whose mask may stand in the place
+                if (code != 5120 || lacks) { // the answer may be in the place already
                     EXPECT_EQ(answer, !isKnown ? FG_ERR_NOT_SUPPORTED
                                       : lacks  ? FG_ERR_INVALID_ARGUMENT
                                                : whole);

@@ -33,11 +33,13 @@ RUNS = {
     "set": ["FG_SENSORWIDTH=8192 FG_WIDTH=2044 FG_VANTAGEPOINT=Top-Right FG_WIDTH=20000 FG_HEIGHT=8",
             "--any-order --verify FG_VANTAGEPOINT=1 FG_SENSORWIDTH=4096 FG_WIDTH=4096",
             "--any-order FG_WIDTH=3 FG_HEIGHT=512", "'FG_LUT_VALUE_RED[0..3]=7' FG_DEBUGFILE="],
-    "reset": ["FG_WIDTH FG_VANTAGEPOINT FG_VANTAGEPOINT=2 FG_WIDTH=2048", "", "FG_WIDTH=3"],
+    "reset": ["FG_WIDTH FG_VANTAGEPOINT FG_VANTAGEPOINT=2 FG_WIDTH=2048", "", "FG_WIDTH=3",
+              "'FG_LUT_VALUE_RED[1]' 'FG_LUT_VALUE_RED[0..3]=7'"],
     "limits": ["FG_CAMERASIMULATOR_LINERATE FG_VANTAGEPOINT", "FG_LINEPERIODE 'FG_LUT_VALUE_RED[3]' FG_CAMSTATUS --with FG_XOFFSET=64",
-               "FG_DEBUGFILE FG_CAMERASIMULATOR_PIXEL_FREQUENCY", "FG_WIDTH --with FG_WIDTH=3"],
+               "FG_DEBUGFILE FG_CAMERASIMULATOR_PIXEL_FREQUENCY", "FG_WIDTH --with FG_WIDTH=3",
+               "--offline FG_SYSTEMMONITOR_FPGA_TEMPERATURE 'FG_LUT_VALUE_RED[3..5]'"],
     "why": ["FG_LINETRIGGERINSRC FG_WIDTH=1022", "FG_VANTAGEPOINT=1 FG_WIDTH=20000 FG_CAMSTATUS FG_WIDTH=512",
-            "'FG_LUT_VALUE_RED[0]' 'FG_LUT_VALUE_RED[3]=70000'"],
+            "'FG_LUT_VALUE_RED[0]' 'FG_LUT_VALUE_RED[3]=70000'", "--offline FG_SYSTEMMONITOR_FPGA_TEMPERATURE"],
     "deps": ["FG_VANTAGEPOINT", "FG_LINEPERIODE --dot"],
     "plan": ["FG_LINETRIGGERMODE=ASYNC_TRIGGER 'FG_LUT_VALUE_RED[0..3]=7' FG_LUT_SAVE_FILE=x.lut FG_WIDTH=3", "a.mcf"],
     "apply": ["--yes FG_LINETRIGGERMODE=ASYNC_TRIGGER FG_LINEPERIODE=100", "--yes a.mcf", "--yes FG_WIDTH=3"],
@@ -50,7 +52,10 @@ RUNS = {
     "route": ["--dot FG_TRIGGERCAMERA_POLARITY=FG_LOW FG_WIDTH=2048", "", "FG_WIDTH=3"],
     "lint": ["FG_LINEEXPOSURE=150 FG_LINEPERIODE=100.003", "a.mcf", "missing.mcf",
              "FG_LINEPERIODE=200 'FG_LUT_VALUE_RED[3]=5'"],
-    "timing": ["FG_LINEEXPOSURE=60 FG_LINETRIGGERDELAY=40", "--svg t.svg --vcd t.vcd"],
+    "timing": ["FG_LINEEXPOSURE=60 FG_LINETRIGGERDELAY=40", "--svg t.svg --vcd t.vcd",
+               "--measured FG_CAMERASIMULATOR_ENABLE=1 --wave GPI_1=square:100us"],
+    "grab": ["2 -o g-%d.png --hash FG_CAMERASIMULATOR_ENABLE=1 FG_HEIGHT=8", "--timeout 1ms", "--frames 1 FG_WIDTH=3",
+             "FG_CAMERASIMULATOR_ENABLE=1 FG_HEIGHT=4 --wave GPI_0=squire"],
     "docs": ["--html d.html"],
     "report": ["FG_WIDTH=2048 FG_HEIGHT=8", "-o r.txt", "FG_WIDTH=3"],
     "save": ["b.mcf FG_WIDTH=2048 FG_LINEPERIODE=150.4", "b.txt", "b.mcf FG_WIDTH=3"],
@@ -68,13 +73,13 @@ RUNS = {
     "lut save": ["l.lut FG_PROCESSING_GAIN=2 FG_PROCESSING_OFFSET=1"],
     "lut load": ["a.lut FG_PROCESSING_GAIN=2 FG_PROCESSING_OFFSET=1", "missing.lut"],
 }
-OF_THE_SHELL = ["set FG_WIDTH=2048", "undo", "undo", "nonsense", "get 'open"]
+OF_THE_SHELL = ["set FG_WIDTH=2048", "undo", "undo", "set FG_CAMERASIMULATOR_WIDTH=4096", "undo", "nonsense", "get 'open"]
 NOT_IN_THE_SHELL = {"shell", "run", "apply", "completion", "help"}
 NOT_TRACED = {"shell", "trace", "run"}
 PRINTS_DOCUMENTS = {"xml", "completion", "report"}
 USES_SCRATCH_BOARD = {"list", "set", "reset", "limits", "why", "deps", "plan", "apply", "describe", "route", "lint", "docs",
                       "report", "save", "load", "check", "diff", "shell"}
-# What a person must not see: words of libraries, and of ends that nobody wrote.
+# What a person must not see: texts of libraries and of uncaught exceptions.
 CRASH = re.compile(r"terminate called|internal error|json\.exception|what\(\)|std::|basic_string|ended unexpectedly|core dumped")
 
 
@@ -229,6 +234,7 @@ class EveryCommand(unittest.TestCase):
                 self.assertEqual(code, 2)
                 document, = documents(out)
                 self.check(document)
+                self.assertEqual(document["command"], command)
                 self.assertIn("there is no option '--jsno'; did you mean '--json'?", err)
         for words in (["--version"], ["completion", "zsh"], ["__complete", "--", "lut", "s"]):
             code, out, err = run(words, **settings)
@@ -238,7 +244,10 @@ class EveryCommand(unittest.TestCase):
     def test_with_what_is_not_to_be_had(self):
         rows = [(["info", "--applet", "/nowhere/libx.so"], 3), (["limits", "FG_WIDTH", "--applet", "/nowhere/libx.so"], 3),
                 (["get", b"\xff\xfe"], 2), (["bogus"], 2), ([], 2), (["events", "--offline"], 2), (["route", "--offline"], 0),
-                (["describe", "FG_LINETRIGGERMODE", "--offline"], 0), (["--help"], 0), (["set", "--help"], 0)]
+                (["describe", "FG_LINETRIGGERMODE", "--offline"], 0), (["--help"], 0), (["set", "--help"], 0), (["lut"], 2), (["trace"], 2), (["trace", "lut", "shw"], 2), (["trace", "trace", "x"], 2),
+                (["watch", "FG_WIDTH", "--count", "0"], 2), (["get", "FG_WIDTH", "--look"], 0), (["report", "--look"], 0),
+                (["watch", "FG_WIDTH", "--count", "1", "--look"], 0), (["why", "FG_LUT_CUSTOM_FILE=x.lut"], 0),
+                (["set", "FG_LUT_CUSTOM_FILE=x.lut"], 0)]
         for words, expected in rows:
             code, out, err = run([*words, "--json"])
             self.check_no_crash(code, out, err, (expected,))

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <csignal>
 #include <fcntl.h>
 #include <sstream>
 #include <unistd.h>
@@ -60,6 +61,10 @@ TEST_F(AppletctlTerminal, ShowsProgressUntilTheEnd) {
     ASSERT_NE(last, std::string::npos) << shown.substr(0, 200);
     EXPECT_TRUE(contains(shown, " of " + std::to_string(limits.size() - 1) + ", "));
     EXPECT_NE(shown.find("\r\033[K", last), std::string::npos) << "erased";
+    const Outcome interrupted = converse(limits, plainTerminal, "working", {"\x03"}, 80);
+    EXPECT_EQ(interrupted.exitCode, 128 + SIGINT);
+    EXPECT_NE(interrupted.out.find("\r\033[K", interrupted.out.rfind("working")), std::string::npos)
+        << "erased by Ctrl-C";
     limits.emplace_back("--plain");
     EXPECT_FALSE(contains(onTerminal(limits, plainTerminal, 80), "working"));
 }
@@ -70,6 +75,19 @@ TEST_F(AppletctlTerminal, IsAskedBeforeAnApply) {
     const Outcome yes = converse(apply, {}, question, {"y\n"}), no = converse(apply, {}, question, {"\n"});
     EXPECT_EQ(std::pair(yes.exitCode, no.exitCode), std::pair(0, 1));
     EXPECT_TRUE(contains(no.out, "nothing was applied")) << no.out;
+}
+
+TEST_F(AppletctlTerminal, IsAskedBeforeABoardOfTheSystemIsWrittenTo) {
+    const auto library = document({"info"})["boardLibrary"].get<std::string>();
+    const Words environment{"LD_LIBRARY_PATH=" + library.substr(0, library.rfind('/')), "TERM=xterm",
+                            "NO_COLOR=1"};
+    const Outcome no =
+        converse({"set", "FG_WIDTH=2048", "--board", "system"}, environment, "[y/N]", {"\n"}, 30);
+    EXPECT_EQ(no.exitCode, 1);
+    std::istringstream lines(no.out);
+    for (std::string line; std::getline(lines, line);)
+        EXPECT_LE(line.size(), 31u) << line; // with the carriage return
+    EXPECT_TRUE(contains(no.out, "nothing was set")) << no.out;
 }
 
 TEST_F(AppletctlTerminal, CompletesAndRemembersTheLinesOfAShell) {

@@ -94,7 +94,7 @@ TEST(AppletctlWatch, GoesOnAfterAFailedRead) {
     EXPECT_GE(rounds[3]["seconds"], 0.03);
 }
 
-/** Starts a watch whose rounds are a day apart, waits for its first line, does something to it or to the pipe
+/** Starts a watch with rounds a day apart, waits for its first line, does something to it or to the pipe
  *  that it writes to, and gives the outcome. */
 template <typename Action> Outcome afterFirstLine(Action action) {
     int pipeEnds[2];

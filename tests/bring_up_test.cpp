@@ -12,7 +12,7 @@ namespace {
 
 using namespace support;
 
-/** Std_entry where the design is refused: the object stays behind on purpose. */
+/** Std_entry where the design is refused: the object is not freed. */
 int codeOfARefusal(const applet_host::AppletFunctions& applet, LOOMdevice* device) {
     const ExpectedLeak object;
     int error = 1;

@@ -1,4 +1,4 @@
-// A host in C++, whose own exceptions and streams live beside the library's; also with a C++ runtime of its own.
+// A host in C++ with exceptions and streams of its own beside the library's; also with a C++ runtime of its own.
 #include "host_session.h"
 
 #include <exception>

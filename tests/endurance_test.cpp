@@ -124,7 +124,7 @@ TEST(Endurance, LutLoads) {
     const TemporaryFolder folder;
     const AppletHost host;
     Session session(host, 0);
-    host.board().log_kinds(session.device, 0); // whose log would grow
+    host.board().log_kinds(session.device, 0); // or its log would grow
     const auto setText = [&](int id, const std::string& text) {
         EXPECT_EQ(host.applet().Fg_setParameterWithType(session.fg(), id, text.c_str(), 0, FG_PARAM_TEXT),
                   FG_OK);
@@ -240,7 +240,7 @@ TEST(Copies, DoNotAnswerForEachOther) {
 /** Leaves a handle behind and ends the process as `end` says. */
 [[noreturn]] void leaveAHandleBehind(bool unload) {
 #if defined(__SANITIZE_ADDRESS__)
-    __lsan_disable(); // what the handle holds stays on purpose
+    __lsan_disable(); // the handle is not freed: that is the case under test
 #endif
     auto* host = new AppletHost;
     use(*new Session(*host, 0));

@@ -15,7 +15,7 @@ namespace {
 
 using namespace support;
 
-/** A value as it stands in memory: a number widened to 8 bytes, a text, or words of a table. */
+/** A value as it lies in memory: a number widened to 8 bytes, a text, or words of a table. */
 using Bytes = std::string;
 
 template <typename T> Bytes bytesOf(T number) {

@@ -162,9 +162,9 @@ TEST_F(FilesTest, PathsThatAreNoFile) {
         int load, save, loadTables, saveTables;
     } rows[] = {
         {directory, unread, unwritten, FG_OK, unwritten}, // reads as an empty file
-        {fifo, noFile, unwritten, noFile, unwritten},     // without the other end, which nobody waits for
+        {fifo, noFile, unwritten, noFile, unwritten}, // without the other end, which must not be waited for
         {socketPath, noFile, unwritten, noFile, unwritten},
-        {full, unread, FG_OK, FG_OK, FG_OK}, // what is lost is told in the log alone
+        {full, unread, FG_OK, FG_OK, FG_OK}, // only the log reports what is lost
         {endless, unread, FG_OK, FG_OK, FG_OK},
         {loop, noFile, unwritten, noFile, unwritten},
         {folder / "none.mcf/a.mcf", noFile, unwritten, noFile, unwritten},

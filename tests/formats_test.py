@@ -23,7 +23,7 @@ PAGES = [
 
 
 def block(page, mark):
-    """Content and mark of the first block of the page whose mark has this in it."""
+    """Content and mark of the first block of the page that has this in its mark."""
     found = re.search(rf"^```(\S*[ ]?{mark}\S*)\n(.*?)^```$", page, re.MULTILINE | re.DOTALL)
     return found.group(2), found.group(1)
 

@@ -112,7 +112,7 @@ TEST_F(InfoTest, InstanceWithoutABoard) {
     EXPECT_EQ(applet.Fg_getParameterInfo(handle.fg(), 0), nullptr);
     for (const Forwarder& forwarder : forwarders())
         EXPECT_EQ(forwarder.call(handle.fg()), FG_ERR_NOT_AVAILABLE) << forwarder.name;
-    // What nobody answers leaves the caller's place alone.
+    // A question without an answer leaves the caller's place alone.
     for (const int id : {FG_APPLET_ID, FG_APPLET_BUILD_TIME, FG_DMASTATUS, FG_OVERFLOW, FG_IMGTRIGGER_IS_BUSY,
                          FG_DIGIO_INPUT, FG_SHAFTENCODER_COMPENSATION_COUNT,
                          FG_SYSTEMMONITOR_FPGA_TEMPERATURE, FG_SYSTEMMONITOR_FPGA_DNA,

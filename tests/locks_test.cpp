@@ -138,7 +138,7 @@ TEST(CriticalSection, NestedEnterCountsWithoutBlocking) {
 
 TEST(GenericLockGuard, TakesReleasesAndDeletesByItsFlags) {
     struct WatchedLock final : GenericLock {
-        explicit WatchedLock(std::string* told) : events(told) {}
+        explicit WatchedLock(std::string* log) : events(log) {}
         ~WatchedLock() override { *events += "deleted "; }
         void lock() override NO_THREAD_SAFETY_ANALYSIS { *events += "lock "; }
         bool tryLock(std::uint32_t) override NO_THREAD_SAFETY_ANALYSIS { return false; }

@@ -59,7 +59,7 @@ TEST(SdkDirectory, IsCopiedFromTheEnvironmentWithinBounds) {
     }
 }
 
-// What a process settles once is tried in a process of its own, which is told where its file lies.
+// What a process settles once is tried in a process of its own, which gets the place of its file.
 
 void directoryFromTheEnvironment() {
     EXPECT_EQ(sdkDirectory(), nullptr);
@@ -94,7 +94,7 @@ void loggingIsOffWithoutDispatcher() {
     Logger* logger = Logging::instance()->getLogger("a");
     EXPECT_EQ(logger, Logging::instance()->getLogger("b"));
     EXPECT_FALSE(logger->isEnabled(6));
-    logger->log(6, "to nobody", 0, 0);
+    logger->log(6, "without a sink", 0, 0);
     LibraryInitController::deinit();
 }
 
@@ -268,7 +268,7 @@ TEST_F(LoggingTest, TheDispatcherMovesThresholds) {
     Logger* four = Logging::instance()->getLogger("four");
     Logger* five = Logging::instance()->getLogger("five");
     recording.level(4, 6);
-    recording.level(99, 0); // nobody's handle
+    recording.level(99, 0); // not a handle
     EXPECT_FALSE(four->isEnabled(5));
     EXPECT_TRUE(four->isEnabled(6));
     EXPECT_FALSE(five->isEnabled(4));

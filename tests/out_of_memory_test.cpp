@@ -236,4 +236,71 @@ TEST_F(OutOfMemory, NothingIsHalfDone) {
           1650);
 }
 
+TEST_F(OutOfMemory, ControlFunctionsOfTheBoardSaySo) {
+    const std::string longName(100, 'x'), text = "Device1_Process0_AppletProperties_AppletUid";
+    const auto none = [](bool isThere) { return isThere ? FG_OK : int{VBOARD_NO_MEMORY}; };
+    const auto opened = [&](Grabber&) {
+        LOOMdevice* another = board.open();
+        board.close(another);
+        return none(another != nullptr);
+    };
+    const auto reset = [&](Grabber& grabber) { // all or nothing
+        board.poke_text(grabber.device, text.c_str(), "x");
+        board.poke_int(grabber.device, "Device1_Process0_Buffer_0_XLength", 5);
+        board.reset(grabber.device);
+        std::int64_t width = 0;
+        board.peek_int(grabber.device, "Device1_Process0_Buffer_0_XLength", &width);
+        return none(width == 1024);
+    };
+    const auto named = [&](Grabber& grabber) {
+        int code = board.alias_parameter(longName.c_str(), text.c_str());
+        code = std::min(code, board.poke_text(grabber.device, text.c_str(), longName.c_str()));
+        code = std::min(code, board.poke_after_read(grabber.device, "Device1_Process0_Buffer_0_XMirror", 1));
+        code = std::min(code, board.raise_event(grabber.device, "Device1_Process0_Overflow_Overflow"));
+        std::uint32_t entry = 0;
+        const char* table = "Device1_Process0_LookupTable_R_LUTcontent";
+        code = std::min(code, board.peek_field(grabber.device, table, 0, 1, &entry));
+        board.restore_design();
+        return code;
+    };
+    // Of a station: what was to happen when memory was lacking may not have happened.
+    const auto pictures = [&](Grabber& grabber) {
+        LOOMdevice* const device = grabber.device;
+        board.poke_int(device, "Device1_Process0_OutputFormat_Debug_OperationMode", 1);
+        board.poke_int(device, "Device1_Process0_OutputFormat_Convert0_VirtualTrash_EnableTrash_Value", 0);
+        vboard_frames* memory = board.memory(device, 2, 3145728, VBOARD_RING);
+        if (memory == nullptr) return int{VBOARD_NO_MEMORY};
+        int code = FG_OK;
+        try { // the applet's own promise
+            code = applet.Fg_AcquireEx(grabber.fg(), 0, 0, 0, memory);
+        } catch (const std::bad_alloc&) {
+            code = VBOARD_NO_MEMORY;
+        }
+        const vboard_edge edges[2] = {{1, true}, {900, false}};
+        const vboard_speed speeds[2] = {{1000, 100'000, 200'000}, {1000, 0, 0}};
+        const std::uint16_t pixel[3] = {1, 2, 3};
+        vboard_record record{};
+        vboard_event event{};
+        const auto note = [&](std::int64_t result) { code = std::min(code, static_cast<int>(result)); };
+        note(board.clock(device, 0));
+        note(board.wave_edges(device, 1, false, edges, 2));
+        note(board.wave_encoder(device, 2, 3, speeds, 2));
+        note(board.inject(device, VBOARD_OUTPUT, 1, 1, pixel));
+        const std::uint64_t before = board.now(device);
+        if (board.advance(device, 100'000) != before + 100'000) note(VBOARD_NO_MEMORY);
+        note(board.frame(memory, 1, &record));
+        note(board.next_event(device, &event));
+        note(board.signals(device, 1, 0, 100'000, nullptr, 0, nullptr));
+        board.memory_free(memory);
+        return code;
+    };
+    const std::vector<int> lack = {VBOARD_NO_MEMORY};
+    const auto noException = [](Grabber&, int code) { EXPECT_NE(code, left); };
+    sweep({{"open", opened, lack, noException, nothing},
+           {"reset", reset, lack, noException, nothing},
+           {"names and texts", named, lack, noException, nothing},
+           {"pictures", pictures, {VBOARD_NO_MEMORY, VBOARD_GONE, VBOARD_UNKNOWN}, noException}},
+          192);
+}
+
 } // namespace

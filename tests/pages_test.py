@@ -7,15 +7,20 @@ block marked "sh", or in an indented block that starts with "$ ", bash runs each
 it). The lines below a command are what it must print; a line "..." is any number of lines, "..." within a line is any text. A
 command ends with 0, or with what a comment behind it says: "# exit 1"; "# until Ctrl-C" is one that has no end. A command
 with the comment "# not run" is left out. Lines that begin with "appletctl> " are typed into the command above them.
+A picture that a section shows and that its commands make, ![...](images/NAME), must be the stored one: a PNG by its
+pixels, whatever the compression, all else by its bytes.
 
-PAGES_RENEW=1 writes what is printed into the page, where the page has no "..."; review the difference.
+PAGES_RENEW=1 writes what is printed into the page, where the page has no "...", and stores the pictures; review the
+difference.
 """
 
 import os
 import re
+import shutil
 import subprocess
 import sys
 import tempfile
+import zlib
 
 
 def sections(page):
@@ -86,6 +91,36 @@ def renewed(page, command, expected, printed):
     return page.replace(old, new)
 
 
+def content_of(picture):
+    """The bytes of a picture; of a PNG its chunks, their image data unpacked."""
+    with open(picture, "rb") as file:
+        content = file.read()
+    if not picture.endswith(".png"):
+        return content
+    chunks, place = {}, 8
+    while place < len(content):
+        size = int.from_bytes(content[place:place + 4], "big")
+        kind = content[place + 4:place + 8]
+        chunks[kind] = chunks.get(kind, b"") + content[place + 8:place + 8 + size]
+        place += size + 12
+    chunks[b"IDAT"] = zlib.decompress(chunks[b"IDAT"])
+    return chunks
+
+
+def different_pictures(text, folder, page_file):
+    """The pictures of a section that are not as they are made now. They are stored if that is wanted."""
+    different = []
+    for path in re.findall(r"!\[[^]]*\]\((\S*images/\S+)\)", text):
+        made, stored = os.path.join(folder, os.path.basename(path)), os.path.join(os.path.dirname(page_file), path)
+        if not os.path.exists(made):
+            continue
+        if "PAGES_RENEW" in os.environ:
+            shutil.copyfile(made, stored)
+        elif not os.path.exists(stored) or content_of(made) != content_of(stored):
+            different.append(path)
+    return different
+
+
 def check_page(page_file, environment):
     """Number of the commands on the page, and of those that print something else."""
     with open(page_file, encoding="utf-8") as file:
@@ -107,6 +142,9 @@ def check_page(page_file, environment):
                         failures += 1
                         print(f"{title}:\n{wrong}\n")
                         page = renewed(page, command, expected, printed)
+            for picture in different_pictures(text, folder, page_file):
+                failures += 1
+                print(f"{title}: {picture} is not the picture that the commands make\n")
     if "PAGES_RENEW" in os.environ:
         with open(page_file, "w", encoding="utf-8") as file:
             file.write(page)

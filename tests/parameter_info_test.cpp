@@ -169,7 +169,7 @@ TEST_F(ParameterInfoTest, TextsMarksAndInvalidatingNamesOfARecord) {
             (tree.*set)(record, none);
             EXPECT_EQ(record->*text, nullptr);
         }
-        (tree.*set)(nullptr, "nobody");
+        (tree.*set)(nullptr, "no node");
     }
     tree.setGenICamVisibility(record, -2);
     tree.setGenICamStreamable(record, true);

@@ -204,7 +204,7 @@ protected:
             if (!m_isShort) answer("  " + shortened(line));
     }
 
-    /** The value that a word of a command stands for. */
+    /** The value that a word of a command means. */
     static std::string resolved(const RegisterInfo& record, const std::string& word) {
         const auto& limits = record.value.u32;
         if (word == "most") return std::to_string(limits.maximum / limits.increment * limits.increment);

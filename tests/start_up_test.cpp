@@ -9,7 +9,7 @@ using namespace support;
 
 class StartUpTest : public AppletTest {
 protected:
-    /** Brings a handle up on a board whose memory has the widths that the listing tells. */
+    /** Brings a handle up on a board with memory of the listed widths. */
     void start(Grabber& grabber, int flags) { ASSERT_EQ(grabber.fitRam().bringUp(flags).error, FG_OK); }
 };
 

@@ -16,72 +16,6 @@ protected:
 constexpr P pulse = P::softwarePulse;
 constexpr P input = P::softwareInput;
 
-TEST(StationImages, AreCutFromTheLinesAsTheTriggerSays) {
-    struct Case {
-        const char* what;
-        Values values;
-        const char* writes;
-        Tick end;
-        const char* pictures;
-        std::uint64_t ignored;
-    };
-    const Values edge = "ImgTriggerMode=1 YLength=4 ImageHeight_ImageHeight=4";
-    const Values gate = "ImgTriggerMode=2";
-    const Case cases[] = {
-        {"free run", {}, "", 2000, "0-700 8, 800-1500 8", 0},
-        {"offset in free run", "YOffset=2 YLength=3 ImageHeight_ImageHeight=3 ImgTrgDelay=9", "", 1400,
-         "200-400 3, 700-900 3", 0},
-        {"range of one and a half images", "YLength=6 ImageHeight_ImageHeight=4", "", 1500,
-         "0-300 4, 400-500 2 short, 600-900 4, 1000-1100 2 short", 0},
-        {"images of no height", "YLength=3 ImageHeight_ImageHeight=0", "", 350,
-         "0-0 1, 100-100 1, 200-200 1, 300-300 1", 0},
-        {"nothing taken", "YLength=0", "", 2000, "", 0},
-        {"trigger not enabled", edge + "ImgTriggerEnable=0", "150 pulse", 850, "0-300 4, 400-700 4", 0},
-        {"mode that is none", edge + "ImgTriggerMode=7", "", 450, "0-300 4", 0},
-        // The second is busy, the third comes with the end of the last line.
-        {"edges", edge, "150 pulse, 350 pulse, 519 pulse", 1200, "200-500 4, 600-900 4", 1},
-        {"edge with a line", edge, "199 pulse", 1200, "200-500 4", 0},
-        {"edge after the start of a line", edge, "200 pulse", 1200, "300-600 4", 0},
-        {"delay and offset", edge + "ImgTrgDelay=2 YOffset=1", "150 pulse", 1200, "500-800 4", 0},
-        {"many images", edge + "YLength=10", "150 pulse, 1150 pulse", 1600,
-         "200-500 4, 600-900 4, 1000-1100 2 short, 1200-1500 4", 0},
-        {"two pulses at once", edge + "YLength=1 ImageHeight_ImageHeight=1", "150 pulse, 150 pulse", 1200,
-         "200-200 1", 1},
-        {"pulse of another value", edge, "150 SoftwareTrgPulse=2", 1200, "", 0},
-        {"no length: never busy", edge + "YLength=0", "150 pulse, 350 pulse", 1200, "", 0},
-        {"low active", edge + "ImgTrgInPolarity=1", "150 high, 350 low", 1200, "400-700 4", 0},
-        {"gate", gate, "150 high, 650 low", 1800, "200-600 5 short", 0},
-        {"gate falls with a line", gate, "150 high, 599 low", 1800, "200-500 4 short", 0},
-        {"gate falls in a line", gate, "150 high, 600 low, 605 high", 1800, "200-600 5 short", 1},
-        {"gate longer than the length", gate + "YLength=4", "150 high, 950 low, 1050 high", 1800,
-         "200-500 4 short, 1100-1400 4 short", 0},
-        {"gate without a line", gate, "110 high, 190 low", 1800, "", 0},
-        {"gate with offset", gate + "YOffset=1 ImgTrgDelay=1", "150 high, 650 low", 1800, "400-600 3 short",
-         0},
-        {"gate of many", gate + "MaxGatedHeight=1024 ImageHeight_ImageHeight=3 YLength=1398101",
-         "150 high, 950 low", 1800, "200-400 3, 500-700 3, 800-900 2 short", 0},
-        // An image in progress is finished in its own way before another mode holds.
-        {"from free run to edges", {}, "250 ImgTriggerMode=1, 900 pulse", 1900, "0-700 8, 1000-1700 8", 0},
-        {"from edges to free run", edge, "150 pulse, 350 ImgTriggerMode=0", 1050, "200-500 4, 600-900 4", 0},
-    };
-    for (const Case& row : cases) {
-        class Play : public StationImage {
-            void TestBody() override {}
-
-        public:
-            explicit Play(const Case& row) {
-                board.set(row.values);
-                acquire();
-                play(row.writes);
-                station.advance(row.end - station.now());
-                EXPECT_EQ(pictures(), row.pictures) << row.what;
-                EXPECT_EQ(station.losses().triggers, row.ignored) << row.what;
-            }
-        };
-        const Play played(row);
-    }
-}
-
 TEST_F(StationImage, IsBusyFromTheStartToTheLastLine) {
     board.set("ImgTriggerMode=1 YLength=4 ImageHeight_ImageHeight=4");
     acquire();
@@ -89,12 +23,12 @@ TEST_F(StationImage, IsBusyFromTheStartToTheLastLine) {
     write(pulse, 1);
     EXPECT_EQ(value(P::imageIsBusy), 0);
     for (const auto& [tick, busy] : {std::pair{151, 1}, {519, 1}, {520, 0}, {900, 0}}) {
-        station.advance(static_cast<Tick>(tick) - station.now());
+        advanceTo(static_cast<Tick>(tick));
         EXPECT_EQ(value(P::imageIsBusy), busy) << tick;
     }
     board.set("ImgTriggerMode=0 YOffset=1"); // busy again from the line at 1100 on
     for (const auto& [tick, busy] : {std::pair{1099, 0}, {1100, 1}, {1419, 1}, {1420, 0}}) {
-        station.advance(static_cast<Tick>(tick) - station.now());
+        advanceTo(static_cast<Tick>(tick));
         EXPECT_EQ(value(P::imageIsBusy), busy) << tick;
     }
 }
@@ -114,57 +48,6 @@ TEST_F(StationImage, NothingIsTakenWithoutAnAcquisition) {
     write(input, 0);
     station.advance(1000);
     EXPECT_EQ(station.lastPicture(), 0);
-}
-
-TEST_F(StationImage, OpensTheGateOfExSync) {
-    // ExSync of 64 of 100 ticks makes the lines; a trigger lets four of them through, from its own tick on.
-    board.set(
-        "ImgTriggerMode=1 YLength=3 ImageHeight_ImageHeight=3 YOffset=1 LineTriggerMode=2 ExsyncPeriod=0.8 "
-        "ExsyncExposure=0.512 FreeRun_Select=0 TriggerValve_Mode=1");
-    acquire();
-    play("150 pulse, 1000 pulse");
-    station.advance(1600 - station.now());
-    EXPECT_EQ(pictures(), "251-451 3, 1101-1301 3");
-    EXPECT_EQ(trace(exsync, 0, 1110), "0 +151 -215 +251 -315 +351 -415 +451 -515 +1001 -1065 +1101");
-    // A gate that falls shuts it, and in free run it is always open.
-    board.set("ImgTriggerMode=2");
-    write(input, 1);
-    station.advance(250);
-    write(input, 0);
-    station.advance(1000);
-    EXPECT_EQ(trace(exsync, 1600, 2850), "0 +1601 -1665 +1701 -1765 +1801 -1865");
-    board.set("ImgTriggerMode=0");
-    station.advance(150);
-    EXPECT_EQ(trace(exsync, 2850, 3000), "0 +2851 -2915 +2951");
-}
-
-TEST_F(StationImage, FlashGoesFromOneEdgeToTheNext) {
-    struct Case {
-        Values values;
-        const char* trace;
-    };
-    const Case cases[] = {
-        {{}, "0 +200 -300"},
-        {"FlashDelay=2", "0 +400 -500"},
-        {"FlashDelay=2 FlashPolarity=1", "1 -400 +500"},
-        {"FlashEnable=0", "0"},
-        {"ExsyncEnable=0 ExsyncPeriod=20", "0 +200 -300"}, // the starts of lines serve
-        {"ImgTriggerMode=0", "0 +0 -100 +800 -900"},       // each image of free run
-    };
-    for (const Case& row : cases) {
-        ValueBoard values;
-        values.set(everyHundred);
-        values.set("ImgTriggerMode=1 ExsyncPeriod=0.8 ExsyncExposure=0.512");
-        values.set(row.values);
-        Station subject(values);
-        const auto frames = std::make_shared<HostMemory>(4, 1U << 20, HostMemory::Kind::ring);
-        ASSERT_TRUE(subject.start(frames, 0));
-        subject.advance(150);
-        values.set({{pulse, 1}});
-        subject.write(pulse, 1);
-        subject.advance(800);
-        EXPECT_EQ(text(subject.trace(flash, 0, 950)), row.trace);
-    }
 }
 
 TEST_F(StationImage, WaitsForAPictureInSimulatedTime) {
@@ -226,7 +109,8 @@ TEST_F(StationImage, AFrameThatIsTooLargeIsRefused) {
 TEST_F(StationImage, TheSimulatorsPatternIsThatOfItsLine) {
     struct Case {
         Values values;
-        std::size_t picture, x, y;
+        std::int64_t picture;
+        std::size_t x, y;
         int value;
     };
     const Values acrossFrames = "ImageHeight_ImageHeight=12 YLength=12 Size_ImageHeight=8 FrameGap_Number=8";
@@ -243,18 +127,15 @@ TEST_F(StationImage, TheSimulatorsPatternIsThatOfItsLine) {
         {acrossFrames, 2, 0, 0, 5},                  // line 4 of frame 1
     };
     for (const Case& row : cases) {
-        ValueBoard values;
-        values.set(everyHundred);
-        values.set("ImageHeight_ImageHeight=10 Size_ImageHeight=10 FrameGap_Number=10 YLength=10");
-        values.set(row.values);
-        Station subject(values);
-        const auto frames = std::make_shared<HostMemory>(4, 1U << 20, HostMemory::Kind::ring);
-        ASSERT_TRUE(subject.start(frames, 0));
-        subject.advance(3000);
-        std::span<const std::uint8_t> bytes;
-        ASSERT_EQ(frames->bytes(static_cast<std::int64_t>(row.picture), bytes), HostMemory::Result::ok);
+        Trial run(everyHundred +
+                  "ImageHeight_ImageHeight=10 Size_ImageHeight=10 FrameGap_Number=10 YLength=10" +
+                  row.values);
+        run.acquire(4);
+        run.station.advance(3000);
+        const std::vector<int> bytes = run.bytes(row.picture);
+        ASSERT_EQ(bytes.size() % 192, 0U);
         for (std::size_t component = 0; component < 3; ++component)
-            EXPECT_EQ(bytes[(row.y * 64 + row.x) * 3 + component], row.value) << row.x << ' ' << row.y;
+            EXPECT_EQ(bytes.at((row.y * 64 + row.x) * 3 + component), row.value) << row.x << ' ' << row.y;
     }
 }
 

@@ -81,34 +81,6 @@ TEST(StationWaves, HaveTheirEdgesWhereTheyAreAsked) {
     }
 }
 
-TEST_F(StationInputs, ALevelCountsOnceItHasStayed) {
-    struct Case {
-        double prescale;
-        std::vector<Edge> edges;
-        const char* trace;
-        std::uint64_t glitches;
-    };
-    const Case cases[] = {
-        {6, {{100, true}, {200, false}}, "0 +118 -218", 0},
-        {6, {{100, true}, {118, false}}, "0 +118 -136", 0}, // long enough to the tick
-        {6, {{100, true}, {117, false}}, "0", 1},
-        {6, {{100, true}, {110, false}, {111, true}, {300, false}, {305, true}}, "0 +129", 2},
-        {0, {{100, true}, {101, false}}, "0 +100 -101", 0},
-        {1, {{100, true}, {103, false}}, "0 +103 -106", 0},
-    };
-    for (const Case& row : cases) {
-        ValueBoard values;
-        values.set({{P::simulatorSource, 0}, {P::lineTriggerMode, 1}, {P::debouncePrescale, row.prescale}});
-        Station subject(values);
-        ASSERT_TRUE(subject.connect(3, Wave::edges(false, row.edges)));
-        subject.advance(400);
-        EXPECT_EQ(text(subject.trace(input0 + 3, 0, 400)), row.trace);
-        EXPECT_EQ(values.raised(Event::glitch), row.glitches);
-        EXPECT_EQ(values.raised(pinEvent(3, true)),
-                  subject.trace(input0 + 3, 0, 400).edges.size() > 0 ? 1U : 0U);
-    }
-}
-
 TEST_F(StationInputs, StatusAndEventsAreThoseOfTheDebouncedLevels) {
     EXPECT_TRUE(station.connect(0, Wave::constant(true))); // as for ever: no event
     EXPECT_FALSE(station.connect(12, Wave::constant(true)));
@@ -136,68 +108,6 @@ TEST_F(StationInputs, StatusAndEventsAreThoseOfTheDebouncedLevels) {
     EXPECT_EQ(trace(input0 + 5, 0, 40), "0 +35");
 }
 
-TEST_F(StationInputs, OutputsShowTheSignalsThatTheySelect) {
-    board.set({{P::gpo7Select, input0 + 2}, {P::gpo7Invert, 1}, {P::frontGpo1Invert, 1}});
-    station.connect(2, Wave::square(100, 1000, 50));
-    station.advance(200);
-    EXPECT_EQ(text(station.outputTrace(8, 0, 200)), "1 -118 +168");
-    EXPECT_EQ(text(station.outputTrace(10, 0, 200)), "1"); // low, inverted
-    EXPECT_EQ(text(station.outputTrace(11, 0, 200)), "0"); // there is none
-}
-
-/** Edges of A and B, forward from 1000 on, one every 100 ticks: four forward, three back, four forward. */
-const std::vector<Edge> trackA = {{1000, true}, {1200, false}, {1500, true}, {1900, false}};
-const std::vector<Edge> trackB = {{1100, true},  {1300, false}, {1400, true},
-                                  {1600, false}, {1800, true},  {2000, false}};
-
-TEST_F(StationInputs, TheEncoderGivesPulsesForwards) {
-    struct Case {
-        Values values;
-        const char* pulses;
-        double count;
-    };
-    // Places after each edge, from 1000 on: 1 2 3 4, then 3 2 1, then 2 3 4 with the edges at 1800, 1900, 2000.
-    const Case cases[] = {
-        {"EncoderABMode=0", "1018 1518", 0},
-        {"EncoderABMode=9", "1018 1518", 0},
-        {"EncoderABMode=1", "1018", 0},
-        {"EncoderABMode=2", "1018 1118", 0},
-        {"EncoderABMode=2 EncoderCompensation=0", "1018 1118 1818", 0},
-        {"EncoderABMode=3", "1018 1118 1218 1318", 0},
-        {"EncoderABMode=3 EncoderCompensation=0", "1018 1118 1218 1318 1818 1918 2018", 0},
-        // B leads: forward is what was backward. Three forward, but four back before and three after.
-        {"EncoderABMode=3 EncoderABLead=1", "", 4},
-        {"EncoderABMode=3 EncoderABLead=1 EncoderCompensation=0", "1418 1518 1618", 0},
-        {"EncoderABMode=1 EncoderABLead=1 EncoderCompensation=0", "1518", 0},
-        {"EncoderABMode=2 EncoderABLead=1 EncoderCompensation=0", "1418 1518", 0},
-        // Low active: the tracks upside down are at 00 where they were at 11.
-        {"EncoderABMode=1 LineTrgInPolarity=1", "1218", 0},
-        {"EncoderABMode=0 LineTrgInPolarity=1", "1218 1918", 0},
-        {"EncoderABMode=3 LineTrgDownscaler=3", "1218", 0},
-        {"EncoderABMode=3 LineTrgDownscaler=3 LineTrgPhase=1 EncoderCompensation=0", "1218 1918", 0},
-        {"EncoderABMode=0 LineTrgInSourceA=1", "1118 1418 1818", 0}, // the wire of B as A
-        {"EncoderABMode=0 LineTrgInSourceA=3", "", 0},
-        {"EncoderABMode=0 LineTrgInSourceA_Input_Select=12", "", 0},
-        {"EncoderABMode=0 LineTrgInSourceA=2 ImgTrgInSource_Input_Select=1", "1014 1514",
-         0}, // debounced for 14 ticks
-    };
-    for (const Case& row : cases) {
-        ValueBoard values;
-        values.set("Enable_SelectSource=0 LineTriggerMode=1 ExsyncExposure=0.512");
-        values.set(row.values);
-        Station subject(values);
-        // 1700: B again high would be another step; it is as at 1600 until 1800.
-        subject.connect(1, Wave::edges(false, trackA));
-        subject.connect(2, Wave::edges(false, trackB));
-        subject.advance(3000);
-        std::string pulses;
-        for (const Edge& edge : subject.trace(exsync, 0, 3000).edges)
-            if (edge.level) pulses += (pulses.empty() ? "" : " ") + std::to_string(edge.tick);
-        EXPECT_EQ(pulses, row.pulses) << row.values;
-        EXPECT_EQ(values.value(P::encoderCount), row.count) << row.values;
-    }
-}
-
 TEST_F(StationInputs, TheCompensationCountIsLiveAndWritable) {
     // A step every 100 ticks: ten forward until 1000, six back, six forward, and so on.
     constexpr std::int32_t speed = 1'250'000;
@@ -208,7 +118,7 @@ TEST_F(StationInputs, TheCompensationCountIsLiveAndWritable) {
     EXPECT_EQ(value(P::analyzer0Pulses), 10);
     for (const auto& [tick, count, pulses] :
          {std::tuple{1300, 3, 10}, {1600, 6, 10}, {1900, 3, 10}, {2200, 0, 10}, {2400, 0, 12}}) {
-        station.advance(static_cast<Tick>(tick) - station.now());
+        advanceTo(static_cast<Tick>(tick));
         EXPECT_EQ(value(P::encoderCount), count) << tick;
         EXPECT_EQ(value(P::analyzer0Pulses), pulses) << tick;
     }
@@ -220,37 +130,9 @@ TEST_F(StationInputs, TheCompensationCountIsLiveAndWritable) {
     board.set("EncoderCompensation=0");
     station.advance(1);
     EXPECT_EQ(value(P::encoderCount), 0);
-    // A count from before time first moved.
-    ValueBoard other;
-    other.set("EncoderCompensationCount=7");
-    Station second(other);
-    second.advance(1);
+    Trial other("EncoderCompensationCount=7"); // a count from before time first moved
+    other.station.advance(1);
     EXPECT_EQ(other.value(P::encoderCount), 7);
-}
-
-TEST_F(StationInputs, BothTracksAtOnceAreNoStep) {
-    board.set("EncoderABMode=3");
-    station.connect(1, Wave::square(1000, 2000, 1000));
-    station.connect(2, Wave::square(1000, 2000, 1000));
-    station.advance(10'000);
-    EXPECT_EQ(value(P::analyzer0Pulses), 0);
-    EXPECT_EQ(value(P::encoderCount), 0);
-}
-
-TEST_F(StationInputs, APulseWhileExSyncIsActiveIsLost) {
-    board.set("ExsyncExposure=1 Prescale_Period=0"); // 125 ticks
-    station.connect(1, Wave::edges(false, {{100, true},
-                                           {150, false},
-                                           {200, true},
-                                           {210, false},
-                                           {225, true},
-                                           {300, false},
-                                           {350, true},
-                                           {360, false},
-                                           {476, true}}));
-    station.advance(500);
-    EXPECT_EQ(trace(exsync, 0, 500), "0 +100 -225 +350 -475 +476");
-    EXPECT_EQ(station.losses().pulses, 2U); // at 200, and at 225 without a pause
 }
 
 TEST_F(StationInputs, PulsesOfAGateCountFromItsOpening) {
@@ -266,17 +148,6 @@ TEST_F(StationInputs, PulsesOfAGateCountFromItsOpening) {
     board.set("ImgTriggerMode=0"); // always open: the phase comes once, then every second
     station.advance(700);
     EXPECT_EQ(trace(exsync, 2500, 3199), "0 +2750 -2814 +2950 -3014 +3150");
-}
-
-TEST_F(StationInputs, TheImageInputHasADebouncingOfItsOwn) {
-    // 0.112 us, 14 ticks, of the raw input 0; lines every 100 ticks.
-    board.set("Enable_SelectSource=1 Size_ImageWidth=100 SequenceLength_ImageWidth=1 ImgTriggerMode=1 "
-              "ImageHeight_ImageHeight=2 YLength=2");
-    station.connect(0, Wave::edges(false, {{86, true}, {99, false}, {187, true}, {300, false}, {486, true}}));
-    acquire();
-    station.advance(1000);
-    // The first is a tick too short. The second counts at 201, after its line has started, the third with its line.
-    EXPECT_EQ(pictures(), "300-400 2, 500-600 2");
 }
 
 } // namespace

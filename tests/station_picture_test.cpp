@@ -13,23 +13,6 @@ const Values small =
     "Size_ImageWidth=100 LineGap_Number=2 SequenceLength_ImageWidth=1 SensorWidth=4 XLength=4 "
     "ImageHeight_ImageHeight=2 YLength=2 FrameGap_Number=2 Size_ImageHeight=2 Frame_Divisor=1";
 
-/** The bytes of the first picture. */
-Bytes firstPicture(const Values& values, std::vector<std::uint32_t> red = {},
-                   std::vector<std::uint32_t> blue = {}) {
-    ValueBoard board;
-    board.set(small);
-    board.set(values);
-    board.setTable(Colour::red, std::move(red));
-    board.setTable(Colour::blue, std::move(blue));
-    Station station(board);
-    const auto memory = std::make_shared<HostMemory>(2, 1U << 20, HostMemory::Kind::ring);
-    std::span<const std::uint8_t> bytes;
-    if (!station.start(memory, 0) || station.waitForPicture(1, 100'000) != Station::Wait::arrived ||
-        memory->bytes(1, bytes) != HostMemory::Result::ok)
-        return {};
-    return {bytes.begin(), bytes.end()};
-}
-
 /** The first component of each pixel. */
 Bytes greys(const Bytes& bytes) {
     Bytes values;
@@ -38,150 +21,9 @@ Bytes greys(const Bytes& bytes) {
     return values;
 }
 
-TEST(StationPicture, RegionAndMirrorsChooseThePixels) {
-    struct Case {
-        Values values;
-        Bytes pixels; // two lines; the pattern is x + y
-    };
-    const Case cases[] = {
-        {{}, {0, 1, 2, 3, 1, 2, 3, 4}},
-        {"XOffset=8 SensorWidth=12", {8, 9, 10, 11, 9, 10, 11, 12}},
-        {"XMirror=1 SensorWidth=16", {15, 14, 13, 12, 16, 15, 14, 13}},
-        {"XMirror=1 SensorWidth=16 XOffset=4", {11, 10, 9, 8, 12, 11, 10, 9}},
-        {"YMirror=1", {1, 2, 3, 4, 0, 1, 2, 3}},
-        {"YMirror=1 XMirror=1", {4, 3, 2, 1, 3, 2, 1, 0}},
-        {"YMirror=-1 XMirror=2", {0, 1, 2, 3, 1, 2, 3, 4}},          // neither is on
-        {"XOffset=2", {2, 3, 0, 0, 3, 4, 0, 0}},                     // beyond what is stored
-        {"XMirror=1 XOffset=2", {1, 0, 0, 0, 2, 1, 0, 0}},           //
-        {"SensorWidth=80 XOffset=62", {62, 63, 0, 0, 63, 64, 0, 0}}, // beyond the line
-        {"XOffset=4294967295.0", {0, 0, 0, 0, 0, 0, 0, 0}},
-        {"XMirror=1 SensorWidth=0", {0, 0, 0, 0, 0, 0, 0, 0}},
-        {"XLength=2", {0, 1, 1, 2}},
-    };
-    for (const Case& row : cases)
-        EXPECT_EQ(greys(firstPicture(row.values)), row.pixels) << row.values;
-}
-
-TEST(StationPicture, FormatsPackFromTheLowestBit) {
-    struct Case {
-        Values values;
-        Bytes line; // pixels of 250, 251, 252, 253 of 8 bits
-    };
-    // Components of 0xfa, 0xfb, 0xfc, 0xfd at the top of 16 bits, three times each.
-    const Case cases[] = {
-        {"FORMAT_SelectSource=0 Shift_Value=8",
-         {0xfa, 0xfa, 0xfa, 0xfb, 0xfb, 0xfb, 0xfc, 0xfc, 0xfc, 0xfd, 0xfd, 0xfd}},
-        // 0x3e8 three times, 0x3ec, 0x3f0, 0x3f4: 40 bits are 5 bytes.
-        {"FORMAT_SelectSource=1 Shift_Value=6",
-         {0xe8, 0xa3, 0x8f, 0x3e, 0xfb, 0xec, 0xb3, 0x0f, 0x3f, 0xfc, 0xf0, 0xd3, 0x4f, 0x3f, 0xfd}},
-        {"FORMAT_SelectSource=2 Shift_Value=4",
-         {0xa0, 0x0f, 0xfa, 0xa0, 0x0f, 0xfb, 0xb0, 0x0f, 0xfb, 0xc0, 0x0f, 0xfc, 0xc0, 0x0f, 0xfd, 0xd0,
-          0x0f, 0xfd}},
-        // 0x3e80, 0x3ec0, 0x3f00, 0x3f40: 56 bits are 7 bytes.
-        {"FORMAT_SelectSource=3 Shift_Value=2",
-         {0x80, 0x3e, 0xa0, 0x0f, 0xe8, 0x03, 0xfb, 0xc0, 0x3e, 0xb0, 0x0f,
-          0xf0, 0x03, 0xfc, 0x00, 0x3f, 0xd0, 0x0f, 0xf4, 0x03, 0xfd}},
-        {"FORMAT_SelectSource=4 Shift_Value=0", {0, 0xfa, 0, 0xfa, 0, 0xfa, 0, 0xfb, 0, 0xfb, 0, 0xfb,
-                                                 0, 0xfc, 0, 0xfc, 0, 0xfc, 0, 0xfd, 0, 0xfd, 0, 0xfd}},
-        {"FORMAT_SelectSource=9 Shift_Value=8",
-         {0xfa, 0xfa, 0xfa, 0xfb, 0xfb, 0xfb, 0xfc, 0xfc, 0xfc, 0xfd, 0xfd, 0xfd}}, // none: as 0
-    };
-    const Values all = "Offset_Value=250 Y_Divisor=1 Convert1_VirtualTrash_EnableTrash_Value=0 "
-                       "Convert2_VirtualTrash_EnableTrash_Value=0 Convert3_VirtualTrash_EnableTrash_Value=0";
-    for (const Case& row : cases) {
-        Bytes twoLines = row.line;
-        twoLines.insert(twoLines.end(), row.line.begin(), row.line.end());
-        EXPECT_EQ(firstPicture(all + row.values), twoLines) << row.values;
-    }
-    EXPECT_TRUE(firstPicture("FORMAT_SelectSource=1").empty()); // silenced: no picture comes
-    // Three pixels of 10 bits: the last byte holds two of them.
-    EXPECT_EQ(firstPicture("FORMAT_SelectSource=1 Convert1_VirtualTrash_EnableTrash_Value=0 XLength=1 "
-                           "Shift_Value=6 Offset_Value=255"),
-              (Bytes{0xfc, 0xf3, 0xcf, 0x3f, 0, 0, 0, 0}));
-}
-
-TEST(StationPicture, ComponentsPassGainTableAndShift) {
-    // Table entries 0x3200 and on: of the value 0x32 of 8 bits, 0xc800 inside without gain.
-    std::vector<std::uint32_t> red(tableSize);
-    std::vector<std::uint32_t> blue(tableSize);
-    red[0x3200] = 0x1'abcd; // 16 bits of it
-    red[0x3fff] = 0x1234;
-    red[0] = 0x7700;
-    blue[0x1900] = 0x4321;
-    const Values onePixel =
-        "FORMAT_SelectSource=4 Shift_Value=0 Offset_Value=200 XLength=1 ImageHeight_ImageHeight=1 YLength=1";
-    struct Case {
-        Values values;
-        Bytes pixel; // blue, green, red of 16 bits, the high byte first; the value is 0xc8 of 8 bits
-    };
-    const Case cases[] = {
-        {{}, {0xc8, 0, 0xc8, 0, 0xc8, 0}},
-        {"RedCoefficient=0.5 GreenCoefficient=0 BlueCoefficient=1.25", {0xfa, 0, 0, 0, 0x64, 0}},
-        {"RedCoefficient=1.5", {0xc8, 0, 0xc8, 0, 0xff, 0xff}}, // over the top
-        {"RedCoefficient=3.9990234375 GreenCoefficient=1e9", {0xc8, 0, 0xff, 0xff, 0xff, 0xff}},
-        {"RedCoefficient=1.0004 GreenCoefficient=1.0006",
-         {0xc8, 0, 0xc8, 0x32, 0xc8, 0}}, // 1024 and 1025 / 1024
-        {"RedCoefficient=-1", {0xc8, 0, 0xc8, 0, 0, 0}},
-        {"EnableLUT_Value=1", {0, 0, 0, 0, 0xab, 0xcd}},
-        {"EnableLUT_Value=1 RedCoefficient=2 BlueCoefficient=0.5", {0x43, 0x21, 0, 0, 0x12, 0x34}},
-        {"EnableLUT_Value=1 Shift_Value=3", {0, 0, 0, 0, 0x15, 0x79}}, // 0xabcd / 8
-        {"Shift_Value=4", {0x0c, 0x80, 0x0c, 0x80, 0x0c, 0x80}},
-        {"Shift_Value=16", {0, 0, 0, 0, 0, 0}},
-        {"Shift_Value=4294967295.0", {0, 0, 0, 0, 0, 0}},
-        {"PixelFormat=12", {0x0c, 0x80, 0x0c, 0x80, 0x0c, 0x80}}, // the low bits of 12
-        {"PixelFormat=16", {0, 0xc8, 0, 0xc8, 0, 0xc8}},
-        {"PixelFormat=99", {0, 0xc8, 0, 0xc8, 0, 0xc8}},
-        {"PixelFormat=0", {0xc8, 0, 0xc8, 0, 0xc8, 0}},
-        // All three components of the link are green: the others are 0, and pass their tables as such.
-        {"RedComponent=1 BlueComponent=1", {0, 0, 0xc8, 0, 0, 0}},
-        {"RedComponent=1 BlueComponent=1 EnableLUT_Value=1", {0, 0, 0, 0, 0x77, 0}},
-    };
-    for (const Case& row : cases) {
-        const Bytes bytes = firstPicture(onePixel + row.values, red, blue);
-        ASSERT_EQ(bytes.size(), 6U);
-        EXPECT_EQ((Bytes{bytes[1], bytes[0], bytes[3], bytes[2], bytes[5], bytes[4]}), row.pixel)
-            << row.values;
-    }
-}
-
-TEST(StationPicture, TheOrderOfTheLinkNamesTheColours) {
-    // Components 10, 20, 30 on the link; the parameters name the colour of each.
-    const struct {
-        double first, second, third;
-        Bytes pixel; // blue, green, red
-    } cases[] = {{0, 1, 2, {30, 20, 10}}, {2, 1, 0, {10, 20, 30}}, {0, 2, 1, {20, 30, 10}},
-                 {2, 0, 1, {10, 30, 20}}, {1, 2, 0, {20, 10, 30}}, {1, 0, 2, {30, 10, 20}},
-                 {0, 0, 7, {0, 0, 30}}};
-    const auto raster =
-        std::make_shared<Raster>(Raster{Raster::Point::camera, 1, 1, {10 << 8, 20 << 8, 30 << 8}});
-    for (const auto& row : cases) {
-        ValueBoard board;
-        board.set(small);
-        board.set({{P::redComponent, row.first},
-                   {P::greenComponent, row.second},
-                   {P::blueComponent, row.third},
-                   {P::xLength, 1},
-                   {P::cameraDebugMode, 1}});
-        Station station(board);
-        const auto memory = std::make_shared<HostMemory>(2, 1U << 20, HostMemory::Kind::ring);
-        ASSERT_TRUE(station.start(memory, 0));
-        ASSERT_TRUE(station.inject(raster));
-        ASSERT_EQ(station.waitForPicture(1, 100), Station::Wait::arrived);
-        std::span<const std::uint8_t> bytes;
-        ASSERT_EQ(memory->bytes(1, bytes), HostMemory::Result::ok);
-        EXPECT_EQ(Bytes(bytes.begin(), bytes.end()), row.pixel);
-    }
-}
-
 class StationPath : public StationTest {
 protected:
     StationPath() : StationTest(small) {}
-
-    Bytes bytes(std::int64_t number) {
-        std::span<const std::uint8_t> picture;
-        if (memory->bytes(number, picture) != HostMemory::Result::ok) return {};
-        return {picture.begin(), picture.end()};
-    }
 };
 
 TEST_F(StationPath, PixelsComeInAtTheDebugPoints) {
@@ -213,6 +55,46 @@ TEST_F(StationPath, PixelsComeInAtTheDebugPoints) {
     EXPECT_FALSE(station.inject(std::make_shared<Raster>(Raster{Raster::Point::output, 2, 2, {1, 2, 3}})));
 }
 
+TEST(StationMonitors, ShowPlaceAndValueOfTheLastPixel) {
+    struct Case {
+        Values values;
+        Bytes camera, output; // x, y, value after one image of two lines
+    };
+    const Values on = "Camera_Debug_OperationMode=2 OutputFormat_Debug_OperationMode=2 ";
+    const Case cases[] = {
+        {{}, {0, 0, 0}, {0, 0, 0}}, // off
+        {on, {63, 1, 64}, {3, 1, 0x040404}},
+        {on + "YMirror=1", {63, 1, 64}, {3, 1, 0x030303}},
+        {on + "XLength=3 BlueCoefficient=2 RedCoefficient=0", {63, 1, 64}, {2, 1, 0x000306}},
+        {on + "FORMAT_SelectSource=1 Convert1_VirtualTrash_EnableTrash_Value=0 Shift_Value=6 XLength=2",
+         {63, 1, 64},
+         {1, 1, 8 << 20 | 8 << 10 | 8}},
+        {on + "FORMAT_SelectSource=4 Shift_Value=0", {63, 1, 64}, {3, 1, 0x04000400}}, // 32 of 48 bits
+        {on + "XLength=0", {63, 1, 64}, {0, 1, 0}},
+    };
+    for (const Case& row : cases) {
+        Trial run(small + row.values);
+        run.acquire(2);
+        run.station.advance(150);
+        const auto seen = [&run](P x, P y, P value) {
+            return Bytes{static_cast<int>(run.value(x)), static_cast<int>(run.value(y)),
+                         static_cast<int>(run.value(value))};
+        };
+        EXPECT_EQ(seen(P::cameraDebugX, P::cameraDebugY, P::cameraDebugValue), row.camera) << row.values;
+        EXPECT_EQ(seen(P::outputDebugX, P::outputDebugY, P::outputDebugValue), row.output) << row.values;
+        // With the input on, what is put in is the last one.
+        run.write(P::cameraDebugMode, row.camera[0] > 0 ? 3 : 1);
+        EXPECT_TRUE(run.value(P::cameraDebugReady) == 1 && run.value(P::outputDebugReady) == 0);
+        EXPECT_TRUE(run.station.inject(std::make_shared<Raster>(
+            Raster{Raster::Point::camera, 2, 1, {0, 0, 0, 0x1234, 0x5678, 0x9abc}})));
+        const Bytes injected = row.camera[0] > 0 ? Bytes{1, 0, 0x12} : row.camera;
+        run.station.advance(100);
+        EXPECT_EQ(seen(P::cameraDebugX, P::cameraDebugY, P::cameraDebugValue), injected) << row.values;
+        run.station.stop();
+        EXPECT_EQ(run.value(P::cameraDebugReady), 0);
+    }
+}
+
 TEST_F(StationPath, TheSelectorCountsFromTheStart) {
     board.set("PERIOD_Divisor=3 PHASE_Number=1");
     acquire();
@@ -235,14 +117,19 @@ TEST_F(StationPath, WhatIsWrittenHoldsFromTheNextImageOn) {
     acquire();
     station.advance(50); // in the first image
     board.set("XOffset=20 SensorWidth=24");
-    board.setTable(Colour::red, std::vector<std::uint32_t>(tableSize, 7 << 8));
-    board.setTable(Colour::green, std::vector<std::uint32_t>(tableSize, 7 << 8));
-    board.setTable(Colour::blue, std::vector<std::uint32_t>(tableSize, 7 << 8));
+    const auto setTables = [this](std::uint32_t entry) {
+        for (const Colour colour : {Colour::red, Colour::green, Colour::blue})
+            board.setTable(colour, std::vector<std::uint32_t>(tableSize, entry));
+    };
+    setTables(7 << 8);
     station.advance(1);
     board.set("EnableLUT_Value=1 XLength=2");
     station.advance(349);
     EXPECT_EQ(greys(bytes(1)), (Bytes{0, 1, 2, 3, 1, 2, 3, 4}));
     EXPECT_EQ(bytes(2), Bytes(12, 7));
+    setTables(9 << 8); // and nothing else
+    station.advance(500);
+    EXPECT_EQ(bytes(station.lastPicture()), Bytes(12, 9));
 }
 
 TEST_F(StationPath, TheBufferFillsAtTheRateOfItsExcess) {

@@ -146,11 +146,11 @@ TEST_F(Threads, SetAndGetOnOneHandleWhileTreeAndDocumentAreRead) {
     std::set<double> periods;
     for (const std::uint64_t period : possible[at("FG_LINEPERIODE")])
         periods.insert(std::bit_cast<double>(period));
-    // Not set here: a speed mode that is refused leaves its traces on purpose.
+    // Not set here: a refused speed mode changes the object.
     const std::size_t speedMode = at("FG_CAMERASIMULATOR_SELECT_MODE");
     const std::string frame = frameOf(documentOf(grabber));
-    const std::set<int> told = {FG_OK, FG_ERR_OUT_OF_RANGE, FG_ERR_GRANULARITY, FG_ERR_FILE_TYPE,
-                                FG_ERR_INVALID_ARGUMENT};
+    const std::set<int> expected = {FG_OK, FG_ERR_OUT_OF_RANGE, FG_ERR_GRANULARITY, FG_ERR_FILE_TYPE,
+                                    FG_ERR_INVALID_ARGUMENT};
     std::atomic<int> wrong{0}, taken{0};
     Order order(grabber);
 
@@ -168,7 +168,7 @@ TEST_F(Threads, SetAndGetOnOneHandleWhileTreeAndDocumentAreRead) {
     std::thread reader([&] {
         do {
             if (frameOf(documentOf(grabber)) != frame) ++wrong;
-            if (!told.contains(grabber.lastError())) ++wrong;
+            if (!expected.contains(grabber.lastError())) ++wrong;
         } while (!stop);
     });
     stress(threadCount, 1, [&](int thread, int) {
@@ -182,7 +182,7 @@ TEST_F(Threads, SetAndGetOnOneHandleWhileTreeAndDocumentAreRead) {
                 continue;
             }
             const int code = grabber.set(row.id, row.values[random() % row.values.size()]);
-            if (!told.contains(code)) ++wrong;
+            if (!expected.contains(code)) ++wrong;
             if (code == FG_OK) ++taken;
         }
     });
@@ -215,7 +215,7 @@ TEST_F(Threads, OpenAndFreeHandlesOfTheirOwn) {
     EXPECT_EQ(wrong, 0);
     for (const char* what : {"boards", "designs", "handles"})
         EXPECT_EQ(support::live(what), 0) << what;
-    EXPECT_FALSE(isLoaded("libcommon-logging-dispatcher.so")); // nobody uses the library any more
+    EXPECT_FALSE(isLoaded("libcommon-logging-dispatcher.so")); // the library is no longer in use
 }
 
 TEST_F(Threads, TextsAreFreedByOtherThreads) {

@@ -100,7 +100,7 @@ TEST(UnusedBaseFunctions, WhatTheAppletLacksIsNamed) {
         }
         EXPECT_EQ(text, std::string(name) + "() is not implemented.");
     }
-    // Without a runtime an access does nothing, and says so to nobody.
+    // Without a runtime an access does nothing and reports nothing.
     std::uint32_t value = 5;
     EXPECT_EQ(wrapper.setUnwrappedParameter(1, &value, 0), FG_OK);
     EXPECT_EQ(wrapper.getUnwrappedParameter(1, &value, 0), FG_OK);

@@ -15,7 +15,7 @@ namespace {
 /** Name of what was accessed; "#" and the id where the design has no name for it. */
 std::string subjectOf(const Access& access) {
     const auto row = static_cast<std::size_t>(access.row);
-    const std::string byId = "#" + std::to_string(access.id);
+    std::string byId = "#" + std::to_string(access.id);
     if (access.row < 0) return byId;
     if (access.kind == VBOARD_CALL) return std::string(runtimeEntries[row].name);
     if ((access.kind & (VBOARD_REGISTER_READ | VBOARD_REGISTER_WRITE)) != 0) return registerRows()[row].name;

@@ -1,6 +1,7 @@
 #include "Board.h"
 
 #include "BoardStation.h"
+#include "Guard.h"
 #include "vexo/fg_api.h"
 #include "vexo/fg_errors.h"
 
@@ -14,8 +15,6 @@ int tagOf(Type type) {
                             FG_PARAM_DOUBLE, FG_PARAM_TEXT,   FG_PARAM_FIELD_ACCESS};
     return tags[static_cast<std::size_t>(type)];
 }
-
-std::size_t place(int row) { return static_cast<std::size_t>(row); }
 
 /** An access of what `id` leads to in this design; its row is -1 if that is nothing. */
 Access parameterAccess(int kind, const Design& design, int id, int tag) {
@@ -46,11 +45,13 @@ void Board::release() {
 
 Board::AccessLock::AccessLock(Board& board, int kind) : m_held(board.m_mutex) {
     board.m_mutex.lock();
-    if (board.m_watcher.function == nullptr || !board.m_log.includes(kind)) return;
-    const Watcher watcher = board.m_watcher;
-    board.m_mutex.unlock(); // the host may call the board, or even end its thread
-    watcher.function(watcher.context);
-    board.m_mutex.lock();
+    if (board.m_watcher.function != nullptr && board.m_log.includes(kind)) {
+        const Watcher watcher = board.m_watcher;
+        board.m_mutex.unlock(); // the host may call the board, or even end its thread
+        watcher.function(watcher.context);
+        board.m_mutex.lock();
+    }
+    board.followClock();
 }
 
 Board::AccessLock::~AccessLock() { m_held.unlock(); }
@@ -74,9 +75,9 @@ int Board::set(const Design& design, int id, const void* value, int dma, int tag
     const char* text = Values::describe(access, value); // a failed set shows its value too
     if (const int fault = faultOf(access)) return finish(access, fault, text);
     if (access.row < 0 || value == nullptr || dma != 0) return finish(access, FG_ERR_INVALID_ARGUMENT, text);
-    const int code = m_values.store(access, value);
+    int code = m_values.store(access, value);
     if (code == FG_OK && m_station != nullptr && BoardStation::isActing(access.row))
-        m_station->write(access.row);
+        code = m_station->write(access.row);
     return finish(access, code, text);
 }
 
@@ -153,6 +154,14 @@ BoardStation& Board::station() {
     return *m_station;
 }
 
+void Board::followClock() noexcept {
+    if (m_station == nullptr || !m_station->followsClock()) return;
+    guarded([this]() REQUIRES(m_mutex) { // without memory its time stays behind
+        m_station->follow();
+        publishAcquisition();
+    });
+}
+
 void Board::publishAcquisition() {
     static const int status = findParameter("FG_DMASTATUS");
     const bool isRunning = m_isImaging ? station().station().isRunning() : m_acquisition.isRunning();
@@ -172,6 +181,7 @@ int Board::startAcquisition(int dma, std::int64_t pictures, const void* memory) 
         m_acquisition.start(pictures);
     }
     m_isImaging = memory != nullptr;
+    ++m_acquisitions;
     publishAcquisition();
     return FG_OK;
 }
@@ -192,9 +202,20 @@ std::int64_t Board::nextPicture() { return m_isImaging ? picture() : m_acquisiti
 
 std::int64_t Board::waitForPicture(std::int64_t picture, int seconds) {
     if (!m_isImaging) return m_acquisition.waitForPicture(picture);
-    const std::int64_t result = station().waitForPicture(picture, seconds);
-    publishAcquisition();
-    return result;
+    return waitInStation(picture, static_cast<station::Tick>(std::max(seconds, 0)) * station::ticksPerSecond);
+}
+
+std::int64_t Board::waitInStation(std::int64_t picture, std::uint64_t ticks) {
+    const station::Tick deadline = station::later(station().station().now(), ticks);
+    const std::uint64_t acquisition = m_acquisitions;
+    while (acquisition == m_acquisitions) {
+        const auto result = station().waitForPicture(picture, deadline);
+        publishAcquisition();
+        if (result) return *result;
+        m_mutex.sleepUnlocked(station().pauseBefore(deadline));
+        followClock();
+    }
+    return FG_ERR_NOT_AVAILABLE; // it has ended
 }
 
 std::int64_t Board::stationStatus(int what) {
@@ -238,6 +259,7 @@ void Board::reset() {
     m_acquisition = {};
     m_station.reset();
     m_isImaging = false;
+    ++m_acquisitions;
     m_events.reset();
     m_watcher = {};
     m_forcedError.reset();

@@ -69,7 +69,10 @@ public:
     int stopAcquisition(int dma) REQUIRES(m_mutex);
     std::int64_t picture() REQUIRES(m_mutex);
     std::int64_t nextPicture() REQUIRES(m_mutex);
+    /** With the wall clock it sleeps meanwhile, and lets other threads in. */
     std::int64_t waitForPicture(std::int64_t picture, int seconds) REQUIRES(m_mutex);
+    /** The same for pictures of the station alone, with a timeout in ticks. */
+    std::int64_t waitInStation(std::int64_t picture, std::uint64_t ticks) REQUIRES(m_mutex);
     /** One of the states VBOARD_STATUS_TICK and on. */
     std::int64_t stationStatus(int what) REQUIRES(m_mutex);
 
@@ -87,6 +90,8 @@ public:
     Events& events() REQUIRES(m_mutex) { return m_events; }
     /** The station, which is made when it is first asked for. */
     BoardStation& station() REQUIRES(m_mutex);
+    /** Lets the station's time catch up with the machine's, if it follows it. */
+    void followClock() noexcept REQUIRES(m_mutex);
     /** Brings the parameters that show acquisition and station up to date. */
     void publishAcquisition() REQUIRES(m_mutex);
 
@@ -129,7 +134,8 @@ private:
     Acquisition m_acquisition GUARDED_BY(m_mutex);
     Events m_events GUARDED_BY(m_mutex);
     std::unique_ptr<BoardStation> m_station GUARDED_BY(m_mutex);
-    bool m_isImaging GUARDED_BY(m_mutex) = false; // the last acquisition was one of the station
+    bool m_isImaging GUARDED_BY(m_mutex) = false;         // the last acquisition was one of the station
+    std::uint64_t m_acquisitions GUARDED_BY(m_mutex) = 0; // that ever began
     std::vector<const vboard_frames*> m_memories GUARDED_BY(m_mutex);
     Watcher m_watcher GUARDED_BY(m_mutex);
     std::optional<int> m_forcedError GUARDED_BY(m_mutex);

@@ -1,5 +1,6 @@
 #include "BoardStation.h"
 
+#include "ImageFile.h"
 #include "design_tables.h"
 #include "numbers.h"
 #include "vexo/fg_errors.h"
@@ -8,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <string>
 
 namespace vboard {
 namespace {
@@ -27,12 +29,16 @@ const std::array<Row, station::parameterCount>& rowsOfParameters() {
 
 Row rowOf(station::Parameter parameter) { return rowsOfParameters()[static_cast<std::size_t>(parameter)]; }
 
+/** With the wall clock an access does no more than some hundredths of a second of work. */
+constexpr std::uint64_t mostEventsOfAnAccess = std::uint64_t{1} << 20;
+
 constexpr station::Parameter acting[] = {
-    station::Parameter::softwarePulse,   station::Parameter::analyzerClear,
-    station::Parameter::encoderCount,    station::Parameter::cameraDebugPixel,
-    station::Parameter::cameraDebugFlag, station::Parameter::bufferDebugPixel,
-    station::Parameter::bufferDebugFlag, station::Parameter::outputDebugPixel,
-    station::Parameter::outputDebugFlag};
+    station::Parameter::softwarePulse,    station::Parameter::analyzerClear,
+    station::Parameter::encoderCount,     station::Parameter::cameraDebugMode,
+    station::Parameter::cameraDebugPixel, station::Parameter::cameraDebugFlag,
+    station::Parameter::bufferDebugMode,  station::Parameter::bufferDebugPixel,
+    station::Parameter::bufferDebugFlag,  station::Parameter::outputDebugMode,
+    station::Parameter::outputDebugPixel, station::Parameter::outputDebugFlag};
 
 const station::Parameter* actingOf(Row row) {
     const auto* found = std::find_if(std::begin(acting), std::end(acting),
@@ -40,34 +46,95 @@ const station::Parameter* actingOf(Row row) {
     return found != std::end(acting) ? found : nullptr;
 }
 
+/** Rows of a debug point, in the order of station::Raster::Point. */
+struct DebugRows {
+    Row insert, file;
+};
+const std::array<DebugRows, 3>& debugRows() {
+    static const auto rows = [] {
+        std::array<DebugRows, 3> all{};
+        const std::string points[] = {"Camera", "Buffer_0", "OutputFormat"};
+        for (std::size_t i = 0; i < all.size(); ++i) {
+            const std::string name = "Device1_Process0_" + points[i] + "_Debug_";
+            all[i] = {findParameter(name + "Insert"), findParameter(name + "DebugFile")};
+        }
+        return all;
+    }();
+    return rows;
+}
+
+std::size_t debugPointOf(Row insert) {
+    const auto& rows = debugRows();
+    return static_cast<std::size_t>(std::ranges::find(rows, insert, &DebugRows::insert) -
+                                    rows.begin()); // 3: none
+}
+
 } // namespace
 
-bool BoardStation::isActing(int row) { return actingOf(row) != nullptr; }
+bool BoardStation::isActing(int row) {
+    return actingOf(row) != nullptr || debugPointOf(row) < debugRows().size();
+}
 
-void BoardStation::write(int row) {
+int BoardStation::write(int row) {
     if (const station::Parameter* parameter = actingOf(row))
         m_station.write(*parameter, m_values.number(row));
+    else if (m_values.number(row) == 1)
+        return insertFile(static_cast<station::Raster::Point>(debugPointOf(row)));
+    return FG_OK;
+}
+
+int BoardStation::insertFile(station::Raster::Point point) {
+    const std::string& path = m_values.text(debugRows()[static_cast<std::size_t>(point)].file);
+    if (!m_station.isInputOn(point) || path.empty()) return FG_OK; // nothing to insert
+    const std::shared_ptr<station::Raster> image = readImage(path, point);
+    if (image == nullptr) return FG_ERR_FILE_TYPE;
+    return m_station.inject(image) ? FG_OK : FG_ERR_NOT_AVAILABLE;
+}
+
+void BoardStation::setClock(double factor) {
+    if (factor > 0)
+        m_clock.start(m_station.now(), factor, std::chrono::steady_clock::now());
+    else
+        m_clock.stop();
+}
+
+void BoardStation::follow() {
+    if (!m_clock.isRunning()) return;
+    const station::Tick tick = m_clock.tick(std::chrono::steady_clock::now());
+    if (tick <= m_station.now()) return;
+    m_station.advance(tick - m_station.now(), mostEventsOfAnAccess);
+    publishRuntime();
 }
 
 std::uint64_t BoardStation::advance(std::uint64_t ticks) {
+    if (m_clock.isRunning()) return VBOARD_NOT_STEPPED;
     const std::uint64_t now = m_station.advance(ticks);
     publishRuntime();
     return now;
 }
 
-std::int64_t BoardStation::waitForPicture(std::int64_t picture, int seconds) {
-    const station::Tick timeout = static_cast<station::Tick>(std::max(seconds, 0)) * station::ticksPerSecond;
-    const station::Station::Wait result = m_station.waitForPicture(picture, timeout);
+std::optional<std::int64_t> BoardStation::waitForPicture(std::int64_t picture, station::Tick deadline) {
+    const station::Tick rest = deadline > m_station.now() ? deadline - m_station.now() : 0;
+    const bool isStepped = !m_clock.isRunning();
+    const station::Station::Wait result = m_station.waitForPicture(picture, isStepped ? rest : 0);
     publishRuntime();
     switch (result) {
     case station::Station::Wait::arrived:
         break;
     case station::Station::Wait::timeout:
-        return VBOARD_TIMEOUT;
+        if (isStepped || rest == 0) return VBOARD_TIMEOUT;
+        return std::nullopt;
     case station::Station::Wait::notRunning:
         return FG_ERR_NOT_AVAILABLE;
     }
     return m_station.lastPicture();
+}
+
+WallClock::Duration BoardStation::pauseBefore(station::Tick deadline) const {
+    constexpr WallClock::Duration shortest(50e-6);
+    constexpr WallClock::Duration longest(2e-3);
+    const station::Tick rest = deadline > m_station.now() ? deadline - m_station.now() : 0;
+    return std::clamp(m_clock.durationOf(rest), shortest, longest);
 }
 
 void BoardStation::publishRuntime() {

@@ -4,12 +4,13 @@
 
 #include "Board.h"
 #include "Events.h"
-#include "Mutex.h"
 #include "Values.h"
+#include "WallClock.h"
 #include "station/Station.h"
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 namespace vboard {
 
@@ -23,18 +24,28 @@ public:
 
     /** Whether a write of this row does something by being written. */
     static bool isActing(int row);
-    /** Such a row was written. */
-    void write(int row);
+    /** Such a row was written. FG_OK, or why the image of a debug point's file was not taken: FG_ERR_FILE_TYPE,
+     *  FG_ERR_NOT_AVAILABLE. */
+    int write(int row);
 
-    /** Lets time move by so many ticks; the new time. */
+    /** Time follows the machine's, so many times as fast; 0: it moves in steps. */
+    void setClock(double factor);
+    bool followsClock() const { return m_clock.isRunning(); }
+    /** Lets time catch up with the machine's, if it follows it. */
+    void follow();
+    /** Lets time move by so many ticks; the new time, or VBOARD_NOT_STEPPED. */
     std::uint64_t advance(std::uint64_t ticks);
-    /** Number of the last picture once this one is there, VBOARD_TIMEOUT or FG_ERR_NOT_AVAILABLE. Takes no more than so
-     *  many simulated seconds. */
-    std::int64_t waitForPicture(std::int64_t picture, int seconds);
+    /** Number of the last picture if this one is there, VBOARD_TIMEOUT from the tick `deadline` on, or
+     *  FG_ERR_NOT_AVAILABLE. In steps, time moves on to that; else there may be no answer yet. */
+    std::optional<std::int64_t> waitForPicture(std::int64_t picture, station::Tick deadline);
+    /** How long to sleep before the next question for a picture. */
+    WallClock::Duration pauseBefore(station::Tick deadline) const;
     /** Brings the runtime's parameters up to date that show the station. */
     void publishRuntime();
 
 private:
+    int insertFile(station::Raster::Point point);
+
     // station::Board
     std::uint64_t revision() const override { return m_values.revision(); }
     std::uint64_t tableRevision() const override { return m_values.tableRevision(); }
@@ -46,6 +57,22 @@ private:
     Values& m_values;
     Events& m_events;
     station::Station m_station{*this};
+    WallClock m_clock;
+};
+
+/** Holds the board for a control function of the station. Its time has caught up with the machine's. */
+class SCOPED_CAPABILITY StationLock {
+public:
+    explicit StationLock(Board& board) ACQUIRE(board.mutex()) : m_mutex(board.mutex()) {
+        m_mutex.lock();
+        board.followClock();
+    }
+    ~StationLock() RELEASE() { m_mutex.unlock(); }
+    StationLock(const StationLock&) = delete;
+    StationLock& operator=(const StationLock&) = delete;
+
+private:
+    Mutex& m_mutex;
 };
 
 } // namespace vboard
@@ -54,9 +81,6 @@ private:
 struct vboard_frames {
     vboard::Board& board;
     const std::shared_ptr<station::HostMemory> memory;
-    /** What makes pictures at places of the host. */
-    vboard::Mutex rendering{};
-    station::Renderer renderer GUARDED_BY(rendering){};
 };
 
 #endif

@@ -135,7 +135,12 @@ void restoreDesign() {
     for (auto& hidden : hiddenEntries)
         hidden = false;
     const std::lock_guard lock(settingsMutex);
-    settings() = Settings();
+    Settings& set = settings(); // without another allocation
+    set.lackingParameters.assign(set.lackingParameters.size(), false);
+    set.aliases.clear();
+    set.lackingEvents.assign(set.lackingEvents.size(), false);
+    set.extraEvents = set.initError = 0;
+    set.refuseDesigns = set.failInit = false;
 }
 
 bool isEntryHidden(int entry) { return hiddenEntries[static_cast<std::size_t>(entry)]; }

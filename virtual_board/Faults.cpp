@@ -4,12 +4,6 @@
 #include "virtual_board.h"
 
 namespace vboard {
-namespace {
-
-std::size_t place(int row) { return static_cast<std::size_t>(row); }
-
-} // namespace
-
 void Faults::reset() {
     m_accessCount = m_failingAccess = 0;
     m_parameters.assign(parameterRows().size(), 0);

@@ -2,7 +2,9 @@
 #ifndef VIRTUAL_BOARD_MUTEX_H
 #define VIRTUAL_BOARD_MUTEX_H
 
+#include <chrono>
 #include <mutex>
+#include <thread>
 
 #if defined(__clang__)
 #define THREAD_ANNOTATION(attribute) __attribute__((attribute))
@@ -27,6 +29,19 @@ class CAPABILITY("mutex") Mutex {
 public:
     void lock() ACQUIRE() NO_THREAD_SAFETY_ANALYSIS { m_mutex.lock(); }
     void unlock() RELEASE() NO_THREAD_SAFETY_ANALYSIS { m_mutex.unlock(); }
+    /** Lets other threads in for so long. What the mutex guards may be another one afterwards. */
+    template <typename Duration>
+    void sleepUnlocked(Duration duration) REQUIRES(this) NO_THREAD_SAFETY_ANALYSIS {
+        struct Unlocked {
+            explicit Unlocked(std::mutex& itsMutex) : mutex(itsMutex) { mutex.unlock(); }
+            ~Unlocked() { mutex.lock(); } // also when the thread ends in its sleep
+            Unlocked(const Unlocked&) = delete;
+            Unlocked& operator=(const Unlocked&) = delete;
+            std::mutex& mutex;
+        };
+        const Unlocked unlocked(m_mutex);
+        std::this_thread::sleep_for(duration);
+    }
 
 private:
     std::mutex m_mutex;

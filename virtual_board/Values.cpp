@@ -13,6 +13,8 @@ namespace {
 
 std::uint64_t widthMask(int bits) { return bits < 64 ? (std::uint64_t{1} << bits) - 1 : ~std::uint64_t{0}; }
 
+constexpr std::size_t elementSize = sizeof(std::uint32_t); // of a field
+
 /** A run of elements in the memory of a caller. */
 struct Run {
     std::uint32_t first, count;
@@ -21,6 +23,8 @@ struct Run {
     std::size_t stride; // from one to the next
 
     void* operator[](std::uint32_t i) const { return elements + i * stride; }
+    /** True where it can be copied as a whole: tables come in this way. */
+    bool hasOwnLayout() const { return type == Type::u32 && stride == elementSize; }
     /** As the log keeps it. */
     std::uint64_t extent() const { return first | std::uint64_t{count} << 32; }
 };
@@ -31,7 +35,8 @@ std::optional<Run> runOf(int tag, const void* record) {
     if (tag == FG_PARAM_FIELD_INT) {
         FieldParameterInt_s element;
         std::memcpy(&element, bytes, sizeof element);
-        // The value is in the record itself.
+        // The value is in the record itself; a set only reads it.
+        // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast)
         return Run{element.index, 1, Type::u32, const_cast<char*>(bytes), sizeof element};
     }
     FieldParameterAccess access;
@@ -49,8 +54,6 @@ std::optional<Run> runOf(int tag, const void* record) {
 
 bool isInside(std::uint32_t first, std::uint32_t count) { return std::uint64_t{first} + count <= fieldSize; }
 
-std::size_t place(int row) { return static_cast<std::size_t>(row); }
-
 /** Numbers convert into each other; texts and arrays have to match. */
 bool isCompatible(std::optional<Type> given, Type own) {
     return given && (isNumber(own) ? isNumber(*given) : *given == own);
@@ -59,20 +62,24 @@ bool isCompatible(std::optional<Type> given, Type own) {
 } // namespace
 
 void Values::reset() {
+    std::vector<std::uint64_t> numbers;
+    std::vector<std::string> texts;
+    for (const ParameterRow& row : parameterRows()) {
+        numbers.push_back(row.start);
+        texts.emplace_back(row.text);
+    }
+    std::vector<std::uint64_t> registers;
+    for (const RegisterRow& row : registerRows())
+        registers.push_back(row.start);
+    std::vector<std::vector<std::uint32_t>> fields(numbers.size());
+    // All of it is there: nothing is half done.
+    m_numbers = std::move(numbers);
+    m_texts = std::move(texts);
+    m_fields = std::move(fields);
+    m_registers = std::move(registers);
+    m_afterRead.clear();
     ++m_revision;
     ++m_tableRevision;
-    const auto rows = parameterRows();
-    m_numbers.assign(rows.size(), 0);
-    m_texts.assign(rows.size(), {});
-    m_fields.assign(rows.size(), {});
-    m_afterRead.clear();
-    for (std::size_t row = 0; row < rows.size(); ++row) {
-        m_numbers[row] = rows[row].start;
-        m_texts[row] = rows[row].text;
-    }
-    m_registers.clear();
-    for (const RegisterRow& row : registerRows())
-        m_registers.push_back(row.start);
 }
 
 const char* Values::describe(Access& access, const void* value) {
@@ -136,6 +143,10 @@ int Values::storeField(const Access& access, const void* value) {
     if (!run || !isInside(run->first, run->count)) return FG_ERR_INVALID_ARGUMENT;
     ++m_tableRevision;
     auto& elements = fieldOf(place(access.row));
+    if (run->hasOwnLayout()) {
+        if (run->count > 0) std::memcpy(&elements[run->first], run->elements, run->count * elementSize);
+        return FG_OK;
+    }
     for (std::uint32_t i = 0; i < run->count; ++i)
         elements[run->first + i] =
             static_cast<std::uint32_t>(converted(run->type, loadNumber(run->type, (*run)[i]), Type::u32));
@@ -148,6 +159,10 @@ int Values::fetchField(Access& access, void* value) const {
     access.content = Access::run;
     access.value = run->extent();
     const auto& elements = m_fields[place(access.row)];
+    if (run->hasOwnLayout() && !elements.empty()) {
+        if (run->count > 0) std::memcpy(run->elements, &elements[run->first], run->count * elementSize);
+        return FG_OK;
+    }
     for (std::uint32_t i = 0; i < run->count; ++i) {
         const std::uint32_t element = elements.empty() ? 0 : elements[run->first + i];
         storeNumber(run->type, converted(Type::u32, element, run->type), (*run)[i]);

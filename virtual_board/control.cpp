@@ -3,7 +3,9 @@
 #include "virtual_board.h"
 
 #include "Board.h"
+#include "BoardStation.h"
 #include "Design.h"
+#include "Guard.h"
 #include "runtime_entries.h"
 #include "vexo/fg_errors.h"
 
@@ -15,28 +17,47 @@ using namespace vboard;
 
 namespace {
 
-int known(bool isKnown) { return isKnown ? VBOARD_OK : VBOARD_UNKNOWN; }
+/** VBOARD_OK if the function knows what it is about. */
+template <typename Function> int knownTo(Function function) {
+    return guarded(int{VBOARD_NO_MEMORY}, [&] { return known(function()); });
+}
 
 } // namespace
 
-LOOMdevice* vboard_open(void) { return new LOOMdevice; }
+LOOMdevice* vboard_open(void) {
+    return guarded(static_cast<LOOMdevice*>(nullptr), [] { return new LOOMdevice; });
+}
 
 void vboard_close(LOOMdevice* board) {
     if (board != nullptr) board->release();
 }
 
 void vboard_reset(LOOMdevice* board) {
-    if (board != nullptr) board->reset();
+    if (board != nullptr) guarded([&] { board->reset(); });
 }
 
-int vboard_lack_parameter(const char* name, bool lacking) { return known(lackParameter(name, lacking)); }
-int vboard_alias_parameter(const char* alias, const char* name) { return known(aliasParameter(alias, name)); }
-int vboard_lack_event(const char* name, bool lacking) { return known(lackEvent(name, lacking)); }
-int vboard_hide_entry(const char* name, bool hidden) { return known(hideEntry(name, hidden)); }
-void vboard_extra_events(int count) { appendExtraEvents(count); }
-void vboard_refuse_design(bool refuse) { refuseDesigns(refuse); }
-void vboard_fail_init(bool fail, int lastError) { failInit(fail, lastError); }
-void vboard_restore_design(void) { restoreDesign(); }
+int vboard_lack_parameter(const char* name, bool lacking) {
+    return knownTo([&] { return lackParameter(name, lacking); });
+}
+int vboard_alias_parameter(const char* alias, const char* name) {
+    return knownTo([&] { return aliasParameter(alias, name); });
+}
+int vboard_lack_event(const char* name, bool lacking) {
+    return knownTo([&] { return lackEvent(name, lacking); });
+}
+int vboard_hide_entry(const char* name, bool hidden) {
+    return knownTo([&] { return hideEntry(name, hidden); });
+}
+void vboard_extra_events(int count) {
+    guarded([&] { appendExtraEvents(count); });
+}
+void vboard_refuse_design(bool refuse) {
+    guarded([&] { refuseDesigns(refuse); });
+}
+void vboard_fail_init(bool fail, int lastError) {
+    guarded([&] { failInit(fail, lastError); });
+}
+void vboard_restore_design(void) { guarded(restoreDesign); }
 
 void vboard_log_kinds(LOOMdevice* board, unsigned mask) {
     if (board == nullptr) return;
@@ -52,12 +73,14 @@ size_t vboard_log_size(LOOMdevice* board) {
 
 int vboard_log_line(LOOMdevice* board, size_t index, char* text, size_t size) {
     if (board == nullptr || text == nullptr) return VBOARD_UNKNOWN;
-    const MutexLock lock(board->mutex());
-    if (index >= board->log().size()) return VBOARD_UNKNOWN;
-    const std::string line = board->log().line(index);
-    if (line.size() >= size) return VBOARD_TOO_SMALL;
-    std::memcpy(text, line.c_str(), line.size() + 1);
-    return static_cast<int>(line.size());
+    return guarded(int{VBOARD_NO_MEMORY}, [&] {
+        const MutexLock lock(board->mutex());
+        if (index >= board->log().size()) return int{VBOARD_UNKNOWN};
+        const std::string line = board->log().line(index);
+        if (line.size() >= size) return int{VBOARD_TOO_SMALL};
+        std::memcpy(text, line.c_str(), line.size() + 1);
+        return static_cast<int>(line.size());
+    });
 }
 
 void vboard_log_clear(LOOMdevice* board) {
@@ -80,8 +103,10 @@ unsigned vboard_access_count(LOOMdevice* board) {
 
 int vboard_fail_name(LOOMdevice* board, const char* name, int code) {
     if (board == nullptr || name == nullptr) return VBOARD_UNKNOWN;
-    const MutexLock lock(board->mutex());
-    return known(board->faults().failName(name, code));
+    return knownTo([&] {
+        const MutexLock lock(board->mutex());
+        return board->faults().failName(name, code);
+    });
 }
 
 void vboard_on_access(LOOMdevice* board, vboard_access_function* function, void* context) {
@@ -107,38 +132,49 @@ void vboard_last_error(LOOMdevice* board, int code) {
 
 int vboard_poke_int(LOOMdevice* board, const char* name, int64_t value) {
     if (board == nullptr || name == nullptr) return VBOARD_UNKNOWN;
-    const MutexLock lock(board->mutex());
-    return known(board->values().poke(name, Type::i64, static_cast<std::uint64_t>(value)));
+    return knownTo([&] {
+        const MutexLock lock(board->mutex());
+        return board->values().poke(name, Type::i64, static_cast<std::uint64_t>(value));
+    });
 }
 
 int vboard_poke_after_read(LOOMdevice* board, const char* name, int64_t value) {
     if (board == nullptr || name == nullptr) return VBOARD_UNKNOWN;
-    const MutexLock lock(board->mutex());
-    return known(board->values().pokeAfterRead(name, static_cast<std::uint64_t>(value)));
+    return knownTo([&] {
+        const MutexLock lock(board->mutex());
+        return board->values().pokeAfterRead(name, static_cast<std::uint64_t>(value));
+    });
 }
 
 int vboard_poke_double(LOOMdevice* board, const char* name, double value) {
     if (board == nullptr || name == nullptr) return VBOARD_UNKNOWN;
-    const MutexLock lock(board->mutex());
-    return known(board->values().poke(name, Type::f64, std::bit_cast<std::uint64_t>(value)));
+    return knownTo([&] {
+        const MutexLock lock(board->mutex());
+        return board->values().poke(name, Type::f64, std::bit_cast<std::uint64_t>(value));
+    });
 }
 
 int vboard_raise_event(LOOMdevice* board, const char* name) {
-    if (board == nullptr || name == nullptr || !isEvent(name)) return VBOARD_UNKNOWN;
-    const MutexLock lock(board->mutex());
-    board->events().raise(name);
-    return VBOARD_OK;
+    if (board == nullptr || name == nullptr) return VBOARD_UNKNOWN;
+    return knownTo([&] {
+        if (!isEvent(name)) return false;
+        const MutexLock lock(board->mutex());
+        board->events().raise(name);
+        return true;
+    });
 }
 
 int vboard_poke_text(LOOMdevice* board, const char* name, const char* value) {
     if (board == nullptr || name == nullptr || value == nullptr) return VBOARD_UNKNOWN;
-    const MutexLock lock(board->mutex());
-    return known(board->values().pokeText(name, value));
+    return knownTo([&] {
+        const MutexLock lock(board->mutex());
+        return board->values().pokeText(name, value);
+    });
 }
 
 int vboard_peek_int(LOOMdevice* board, const char* name, int64_t* value) {
     if (board == nullptr || name == nullptr || value == nullptr) return VBOARD_UNKNOWN;
-    const MutexLock lock(board->mutex());
+    const StationLock lock(*board);
     std::uint64_t bits = 0;
     if (!board->values().peek(name, Type::i64, bits)) return VBOARD_UNKNOWN;
     *value = static_cast<std::int64_t>(bits);
@@ -147,7 +183,7 @@ int vboard_peek_int(LOOMdevice* board, const char* name, int64_t* value) {
 
 int vboard_peek_double(LOOMdevice* board, const char* name, double* value) {
     if (board == nullptr || name == nullptr || value == nullptr) return VBOARD_UNKNOWN;
-    const MutexLock lock(board->mutex());
+    const StationLock lock(*board);
     std::uint64_t bits = 0;
     if (!board->values().peek(name, Type::f64, bits)) return VBOARD_UNKNOWN;
     *value = std::bit_cast<double>(bits);
@@ -156,8 +192,10 @@ int vboard_peek_double(LOOMdevice* board, const char* name, double* value) {
 
 int vboard_peek_field(LOOMdevice* board, const char* name, uint32_t first, uint32_t count, uint32_t* values) {
     if (board == nullptr || name == nullptr || values == nullptr) return VBOARD_UNKNOWN;
-    const MutexLock lock(board->mutex());
-    return known(board->values().peekField(name, first, count, values));
+    return knownTo([&] {
+        const MutexLock lock(board->mutex());
+        return board->values().peekField(name, first, count, values);
+    });
 }
 
 int vboard_live(const char* what) {

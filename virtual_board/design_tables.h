@@ -21,6 +21,9 @@ namespace vboard {
 /** Kind of a value, of a parameter or as a caller hands it through. */
 enum class Type : std::uint8_t { i32, u32, i64, u64, f64, text, field };
 
+/** A row as an index; there must be one (-1 means none). */
+constexpr std::size_t place(int row) { return static_cast<std::size_t>(row); }
+
 /** Elements of an array parameter. */
 inline constexpr std::uint32_t fieldSize = 16384;
 

@@ -4,7 +4,7 @@ namespace vboard {
 namespace {
 
 // In the order of the masks. Publication 1 offers the design's own name.
-constexpr TslEvent rows[] = {
+constexpr TslEvent events[] = {
     {1, "Device1_Process1_Trigger_Events_Events_LVAL_FVAL_Cam0FrameStart"},
     {1, "Device1_Process1_Trigger_Events_Events_LVAL_FVAL_Cam0FrameEnd"},
     {1, "Device1_Process1_Trigger_Events_Events_LVAL_FVAL_Cam0LineStart"},
@@ -43,6 +43,6 @@ constexpr TslEvent rows[] = {
 
 } // namespace
 
-std::span<const TslEvent> eventRows() { return rows; }
+std::span<const TslEvent> eventRows() { return events; }
 
 } // namespace vboard

@@ -10,7 +10,7 @@ constexpr EnumEntry offOn[] = {{0, "Off", "OFF"}, {1, "On", "ON"}};
 constexpr EnumEntry highLow[] = {{0, "High active", "HIGH_ACTIVE"}, {1, "Low active", "LOW_ACTIVE"}};
 constexpr EnumEntry portOrSimulator[] = {{0, "Camera port", "CAMERA_PORT"}, {1, "Simulator", nullptr}};
 
-constexpr ParameterRow rows[] = {
+constexpr ParameterRow parameters[] = {
     text("Device1_Process0_AppletProperties_AppletUid", readOnly, "7b52c6d0-1f4e-4c57-8a3d-5e90b4a1c2f8"),
     text("Device1_Process0_AppletProperties_BuildTime", readOnly, "2022-12-21 06:43:16"),
     u32("Device1_Process0_BoardStatus_AlternativeBoardDetection", readOnly, 0),
@@ -225,13 +225,13 @@ constexpr ParameterRow rows[] = {
 
 } // namespace
 
-std::span<const ParameterRow> parameterRows() { return rows; }
+std::span<const ParameterRow> parameterRows() { return parameters; }
 
 int findParameter(std::string_view name) {
     static const auto byName = [] {
         std::unordered_map<std::string_view, int> map;
-        map.reserve(std::size(rows));
-        for (int row = 0; const ParameterRow& parameter : rows)
+        map.reserve(std::size(parameters));
+        for (int row = 0; const ParameterRow& parameter : parameters)
             map.emplace(parameter.name, row++);
         return map;
     }();
@@ -241,15 +241,15 @@ int findParameter(std::string_view name) {
 
 int rowOfId(int id) {
     const std::int64_t row = std::int64_t{id} - firstParameterId;
-    if (row >= 0 && row < std::ssize(rows) && rows[row].number == 0) return static_cast<int>(row);
+    if (row >= 0 && row < std::ssize(parameters) && parameters[row].number == 0) return static_cast<int>(row);
     // The runtime's own come last; they are few.
-    for (std::int64_t own = std::ssize(rows) - 1; own >= 0 && rows[own].number != 0; --own)
-        if (rows[own].number == id) return static_cast<int>(own);
+    for (std::int64_t own = std::ssize(parameters) - 1; own >= 0 && parameters[own].number != 0; --own)
+        if (parameters[own].number == id) return static_cast<int>(own);
     return -1;
 }
 
 int idOfRow(int row) {
-    const int number = rows[row].number;
+    const int number = parameters[row].number;
     return number != 0 ? number : firstParameterId + row;
 }
 

@@ -6,7 +6,7 @@ namespace vboard {
 namespace {
 
 // Ids are the addresses on the board; they follow no order of the list.
-constexpr RegisterRow rows[] = {
+constexpr RegisterRow registers[] = {
     {"BoardId", 0x100, 32, readOnly, 0x0002'0880},
     {"Control", 0x110, 32, writable, 0},
     {"StatusLed", 0x114, 1, writable, 1},
@@ -20,13 +20,13 @@ constexpr RegisterRow rows[] = {
 };
 
 template <typename Matches> int find(Matches matches) {
-    const auto* found = std::find_if(std::begin(rows), std::end(rows), matches);
-    return found != std::end(rows) ? static_cast<int>(found - rows) : -1;
+    const auto* found = std::find_if(std::begin(registers), std::end(registers), matches);
+    return found != std::end(registers) ? static_cast<int>(found - registers) : -1;
 }
 
 } // namespace
 
-std::span<const RegisterRow> registerRows() { return rows; }
+std::span<const RegisterRow> registerRows() { return registers; }
 
 int findRegister(std::string_view name) {
     return find([name](const RegisterRow& row) { return row.name == name; });

@@ -7,6 +7,9 @@
  * it has) is set for the whole process and holds for designs loaded and runtimes bound afterwards; everything
  * that a board *does* (values, faults, access log) belongs to one board. All functions may be called from any
  * thread. Unknown names answer VBOARD_UNKNOWN and change nothing.
+ *
+ * No C++ exception leaves a function. If memory is lacking, those with a code answer VBOARD_NO_MEMORY, those that give
+ * an object null, vboard_now 0, and vboard_advance has moved less; the others have done nothing.
  */
 #ifndef VIRTUAL_BOARD_H
 #define VIRTUAL_BOARD_H
@@ -22,7 +25,14 @@
 extern "C" {
 #endif
 
-enum { VBOARD_OK = 0, VBOARD_UNKNOWN = -1, VBOARD_TOO_SMALL = -2, VBOARD_TIMEOUT = -3, VBOARD_GONE = -4 };
+enum {
+    VBOARD_OK = 0,
+    VBOARD_UNKNOWN = -1,
+    VBOARD_TOO_SMALL = -2,
+    VBOARD_TIMEOUT = -3,
+    VBOARD_GONE = -4,
+    VBOARD_NO_MEMORY = -5
+};
 
 /** A new board with the design's start values; to be handed to Std_entry. Close it after its last handle. */
 LOOMdevice* vboard_open(void);
@@ -135,16 +145,24 @@ enum {
 /*
  * The line-scan station of the board: signals, lines and pictures in simulated time.
  *
- * Time is a count of ticks of 8 ns from vboard_open on. It moves in vboard_advance, and in
- * Fg_getLastPicNumberBlockingEx for a picture of the station; it never follows a clock. A write of a parameter acts
+ * Time is a count of ticks of 8 ns from vboard_open on. At first it is stepped: it moves in vboard_advance, and in
+ * Fg_getLastPicNumberBlockingEx for a picture of the station, and follows no clock. A write of a parameter acts
  * from the next tick on. A board on which none of these functions is called has no station, and costs none.
  * Inputs are numbered 0 to 7 (GPI) and 8 to 11 (front GPI).
  */
 
+/** Lets time follow the machine's clock, `factor` times as fast (0.001 to 1000), or lets it be stepped again, from where it
+ *  is (0). With the clock, each access of the board and each of these functions lets time catch up first, and a wait for
+ *  a picture sleeps; other threads may use the board meanwhile. Time stays behind where the machine is too slow: an
+ *  access does at most some hundredths of a second of work. A wait goes on by the clock that there is. VBOARD_UNKNOWN: a null
+ *  board, or another factor. vboard_reset makes time stepped. */
+int vboard_clock(LOOMdevice* board, double factor);
+/** What vboard_advance answers while time follows the machine's clock. */
+#define VBOARD_NOT_STEPPED UINT64_MAX
 /** The time; 0 for a null board. */
 uint64_t vboard_now(LOOMdevice* board);
 /** Lets time move by `ticks` and gives the new time. It is less than asked for if very much happens (some 2^26 ticks
- *  with an edge in them): then ask for the rest. */
+ *  with an edge in them): then ask for the rest. VBOARD_NOT_STEPPED: time follows the clock; nothing was done. */
 uint64_t vboard_advance(LOOMdevice* board, uint64_t ticks);
 
 /** Connects a level that stays to an input, from the next tick on. VBOARD_UNKNOWN: there is no such input. */
@@ -178,13 +196,18 @@ enum { VBOARD_RING = 0, VBOARD_BLOCKING = 1 };
  *  until it is released, and the DMA waits. Null for a null board or no frames. It keeps the board until it is freed.
  *  Fg_AcquireEx answers FG_ERR_INVALID_ARGUMENT for what is no memory of the board, and FG_ERR_BUFFER if a picture is
  *  larger than a frame. Fg_getLastPicNumberBlockingEx then takes its timeout in simulated seconds and answers
- *  VBOARD_TIMEOUT after it. */
+ *  VBOARD_TIMEOUT after it, and FG_ERR_NOT_AVAILABLE when the acquisition ends. */
 vboard_frames* vboard_memory(LOOMdevice* board, size_t frames, uint64_t bytes, int kind);
 /** From now on the memory has so many frames, which may be none: the DMA of a blocking one waits then. Pictures that
  *  are there stay until they are overwritten or released. VBOARD_UNKNOWN for a null memory. */
 int vboard_memory_frames(vboard_frames* memory, size_t frames);
-/** Frees a memory. An acquisition into it ends. Null does nothing. */
+/** Frees a memory, which no other thread may use any more. An acquisition into it ends. Null does nothing. */
 void vboard_memory_free(vboard_frames* memory);
+
+/** Lets time move to the arrival of a picture, but by no more than `ticks`, and gives the number of the last one: what
+ *  Fg_getLastPicNumberBlockingEx does with a timeout in seconds. VBOARD_TIMEOUT: it has not come. FG_ERR_NOT_AVAILABLE:
+ *  no acquisition into a memory of the board runs that it could belong to. */
+int64_t vboard_wait(LOOMdevice* board, int64_t picture, uint64_t ticks);
 
 /** A picture and where it comes from. */
 typedef struct vboard_record {
@@ -204,9 +227,10 @@ typedef struct vboard_record {
     bool is_short;           /**< fewer lines than the height of an image */
     bool is_narrow;          /**< the source's lines were narrower than what was to be stored of them */
 } vboard_record;
-/** Fills in the record of a picture. Its bytes are made now and stay until the picture is overwritten, released or the
- *  memory freed; meanwhile no other thread should let time move. VBOARD_GONE: the picture is not there (or there is no
- *  memory left to make it), VBOARD_TOO_SMALL: it has become larger than a frame. */
+/** Fills in the record of a picture. Its bytes are made now, and other threads can use the board meanwhile; each thread
+ *  makes its own. They stay until the picture is overwritten or released, an acquisition begins or the memory is freed;
+ *  those that were asked for last stay also when the picture is overwritten. VBOARD_GONE: the picture is not there,
+ *  VBOARD_TOO_SMALL: it has become larger than a frame. */
 int vboard_frame(vboard_frames* memory, int64_t picture, vboard_record* record);
 /** As vboard_frame, but its bytes are made at a place of the caller, of `size` bytes, so that they need not be copied.
  *  The board is free meanwhile: other threads may access it and let time move. VBOARD_TOO_SMALL: the place has not

@@ -216,8 +216,8 @@ VEXO_FIELD(value.enumeration.values, 56, 8);
 VEXO_FIELD(value.enumeration.value, 64, 4);
 VEXO_FIELD(value.enumeration.symbolicNames, 72, 8);
 VEXO_FIELD(value.string.text, 48, 8);
-VEXO_FIELD(next, 80, 8);
-VEXO_FIELD(previous, 88, 8);
+VEXO_FIELD(next, 80, 8);     /* NOLINT(bugprone-sizeof-expression): the size of the pointer */
+VEXO_FIELD(previous, 88, 8); /* NOLINT(bugprone-sizeof-expression) */
 VEXO_FIELD(depth, 96, 4);
 VEXO_FIELD(parentName, 104, 8);
 VEXO_FIELD(unit, 112, 8);

@@ -21,7 +21,7 @@ public:
     /** Throws INVALID_PARAMETER for a word that is none. */
     static Kind chosen();
 
-    Clock(Station& station, Kind kind) : m_station(station), m_kind(kind), m_last(Time::now()) {}
+    Clock(Station& station, Kind kind);
 
     /** Lets time move a step. `isWanted`: an acquisition has a buffer to fill. */
     void move(bool isWanted);
@@ -29,11 +29,8 @@ public:
     std::chrono::microseconds pause(bool isAcquiring, bool isWanted) const;
 
 private:
-    using Time = std::chrono::steady_clock;
-
     Station& m_station;
     const Kind m_kind;
-    Time::time_point m_last; // real time that simulated time has reached
 };
 
 } // namespace producer

@@ -20,8 +20,9 @@ template <typename T> void storeLive(T& field, T value) {
     std::atomic_ref<T>(field).store(value, std::memory_order_relaxed);
 }
 
-/** Reads a field that may be changing. */
+/** Reads a field that may be changing. C++20 has no reference to an atomic constant. */
 template <typename T> T loadLive(const T& field) {
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast)
     return std::atomic_ref<T>(const_cast<T&>(field)).load(std::memory_order_relaxed);
 }
 

@@ -11,6 +11,7 @@
 
 using text_tokens::contains;
 using text_tokens::Decimal;
+using text_tokens::missingKey;
 using text_tokens::secondToken;
 using text_tokens::takeToken;
 
@@ -19,7 +20,6 @@ namespace {
 constexpr std::string_view extension = ".mcf";
 constexpr std::string_view headerSection = "[Kamerasektion]\n";
 constexpr std::string_view versionLine = "\nConfigFileVersion=2.0;\n";
-constexpr std::string_view missingKey = "Error";
 
 constexpr const char* typeOk = "File type ok";
 constexpr const char* typeNotOk = "File type not ok";

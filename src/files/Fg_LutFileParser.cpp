@@ -11,13 +11,13 @@
 
 using text_tokens::contains;
 using text_tokens::Decimal;
+using text_tokens::missingKey;
 using text_tokens::secondToken;
 
 namespace {
 
 constexpr char keySeparator = '=', elementSeparator = ',';
 constexpr std::string_view keyDelimiters = "='";
-constexpr std::string_view missingKey = "Error";
 
 constexpr std::uint64_t largestUsualTable = 1 << 20;
 constexpr std::uint64_t shortestElementLine = 3; // bytes, as in "0,1"

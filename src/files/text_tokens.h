@@ -10,6 +10,9 @@
 
 namespace text_tokens {
 
+/** Value of a key that the file lacks. */
+inline constexpr std::string_view missingKey = "Error";
+
 inline bool contains(std::string_view line, std::string_view text) {
     return line.find(text) != std::string_view::npos;
 }

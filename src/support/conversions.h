@@ -10,7 +10,8 @@
 template <std::integral Integer> constexpr Integer truncated(double number) {
     // Both bounds are powers of two or zero, so they are exact.
     constexpr double lowest = static_cast<double>(std::numeric_limits<Integer>::lowest());
-    constexpr double beyond = 2.0 * static_cast<double>(std::numeric_limits<Integer>::max() / 2 + 1);
+    constexpr Integer half = std::numeric_limits<Integer>::max() / 2 + 1;
+    constexpr double beyond = 2.0 * static_cast<double>(half);
     if (!(number > lowest - 1.0 && number < beyond)) return std::numeric_limits<Integer>::lowest();
     return static_cast<Integer>(number);
 }

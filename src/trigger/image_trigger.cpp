@@ -22,7 +22,7 @@ constexpr ImageTriggerMode imageTriggerModes[] = {
     {ASYNC_GATED, 2, 0}, {ASYNC_GATED_MULTIFRAME, 2, 1},
 };
 
-const ImageTriggerMode& translated(std::uint32_t mode) {
+const ImageTriggerMode& imageTriggerMode(std::uint32_t mode) {
     const auto* row = std::ranges::find(imageTriggerModes, mode, &ImageTriggerMode::mode);
     if (row == std::end(imageTriggerModes)) refuse(FG_ERR_NO_TRANSLATION);
     return *row;
@@ -43,7 +43,7 @@ void FgLoomWrapperImpl::set_FG_IMGTRIGGERMODE(std::uint32_t value) {
     // Not in the gated mode for several buffers: there the gate ends a frame.
     publishAccess(recordAt(indexOf(FG_IMGTRIGGER_ASYNC_HEIGHT)),
                   value == ASYNC_TRIGGER_MULTIFRAME ? anyTime : readOnly);
-    const ImageTriggerMode& mode = translated(value);
+    const ImageTriggerMode& mode = imageTriggerMode(value);
     loomSet_Process0_Trigger_Trigger_ImgTriggerMode(mode.designValue);
     loomSet_Process0_Trigger_Trigger_MaxGatedHeight(mode.gateSpansBuffers);
     writeTriggerGeometry(m_yOffset, m_height, value);

@@ -33,7 +33,7 @@ constexpr LineTriggerMode lineTriggerModes[] = {
     {ASYNC_GATED, 3, anyTime},
 };
 
-const LineTriggerMode& translated(std::uint32_t mode) {
+const LineTriggerMode& lineTriggerMode(std::uint32_t mode) {
     const auto* row = std::ranges::find(lineTriggerModes, mode, &LineTriggerMode::mode);
     if (row == std::end(lineTriggerModes)) refuse(FG_ERR_NO_TRANSLATION);
     return *row;
@@ -63,7 +63,7 @@ void FgLoomWrapperImpl::updateTriggerDelayRange() {
 void FgLoomWrapperImpl::set_FG_LINETRIGGERMODE(std::uint32_t value) {
     requireEntry(enumLineTriggerMode, value);
     Replacement stored(m_lineTriggerMode, value);
-    const LineTriggerMode& mode = translated(value);
+    const LineTriggerMode& mode = lineTriggerMode(value);
     for (const std::size_t input :
          {indexOf(FG_LINETRIGGERINSRC), indexOf(FG_LINETRIGGERINPOLARITY), indexOf(FG_LINE_DOWNSCALE),
           indexOf(FG_LINE_DOWNSCALEINIT), indexOf(FG_SHAFTENCODERON)})

@@ -44,10 +44,9 @@ std::uint32_t patternValue(const Pattern& pattern, std::uint32_t x, std::uint32_
 void Renderer::prepare(const Record& record) {
     const bool isSame = m_settings != nullptr && m_lookup == record.tables &&
                         (m_settings == record.settings || m_settings->colours == record.settings->colours);
+    if (!isSame) m_components = std::make_unique<Components>(record.settings->colours, record.tables.get());
     m_settings = record.settings;
-    if (isSame) return;
     m_lookup = record.tables;
-    m_components = std::make_unique<Components>(m_settings->colours, m_lookup.get());
 }
 
 /** Draws a line from a function that gives a component on the link at a place of the line; beyond `width` all are 0. */
@@ -154,6 +153,31 @@ bool Renderer::render(const Record& record, std::span<std::uint8_t> out) {
         }
     }
     return true;
+}
+
+std::uint32_t lastPixelOf(const Record& record) {
+    if (record.runs.empty() || record.settings == nullptr || record.settings->xLength == 0) return 0;
+    const bool isInserted = record.raster != nullptr && record.raster->point != Raster::Point::camera;
+    const LineRun& last = record.runs.back();
+    Record line;
+    line.layout = record.layout;
+    line.settings = record.settings;
+    line.tables = record.tables;
+    line.raster = record.raster;
+    line.lines = 1;
+    if (record.settings->isMirroredY && !isInserted)
+        line.runs.push_back({record.runs.front().first, 1});
+    else
+        line.runs.push_back({last.line(last.count - 1), 1});
+    std::vector<std::uint8_t> bytes(line.bytes() + sizeof(std::uint64_t)); // a pixel may begin within a byte
+    if (!Renderer().render(line, bytes)) return 0;
+    const std::uint32_t bits = record.settings->colours.outBits;
+    const std::uint64_t first = std::uint64_t{3} * bits * (record.settings->xLength - 1);
+    std::uint64_t word = 0;
+    for (std::size_t i = 0; i < sizeof word; ++i)
+        word |= std::uint64_t{bytes[first / 8 + i]} << (8 * i);
+    word >>= first % 8;
+    return static_cast<std::uint32_t>(3 * bits < 32 ? word & ((std::uint64_t{1} << 3 * bits) - 1) : word);
 }
 
 } // namespace station

@@ -31,6 +31,9 @@ private:
     std::unique_ptr<Components> m_components;
 };
 
+/** The last pixel of a picture as it is in memory, from its lowest bit on: no more than 32 bits. 0 if there is none. */
+std::uint32_t lastPixelOf(const Record& record);
+
 /** The value of a pixel of the simulator. */
 std::uint32_t patternValue(const Pattern& pattern, std::uint32_t x, std::uint32_t y, std::uint32_t frame);
 

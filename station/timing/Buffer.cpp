@@ -82,7 +82,7 @@ void Buffer::close(Tick tick) {
 }
 
 bool Buffer::insert(std::shared_ptr<Record> record, Tick tick) {
-    if (m_destination == nullptr || m_isOpen || m_images.size() >= mostImages) return false;
+    if (!canInsert()) return false;
     record->layout.wordsPerLine = 0;
     const std::uint64_t lines = record->lines;
     m_images.push_back({.record = std::move(record), .stored = lines, .isComplete = true, .available = tick});
@@ -155,7 +155,7 @@ void Buffer::run(Tick tick) {
             image.record->lostBefore = std::exchange(m_lostOnTheWay, 0) + image.lostBefore;
             image.record->arrival = tick;
             image.record->picture = static_cast<std::int64_t>(++m_delivered);
-            m_destination->deliver(std::move(image.record));
+            m_destination->deliver(std::move(image.record)); // takes it also if memory is lacking
             if (m_delivered == m_wanted) {
                 stop();
                 return;

@@ -48,7 +48,9 @@ public:
     void drop();
     /** The image has all its lines. */
     void close(Tick tick);
-    /** Puts in a complete image that takes no room. False if an image is growing, or there is no place for it. */
+    /** Whether an image can be put in: none is growing, and there is a place for it. */
+    bool canInsert() const { return m_destination != nullptr && !m_isOpen && m_images.size() < mostImages; }
+    /** Puts in a complete image that takes no room. False if it cannot be. */
     bool insert(std::shared_ptr<Record> record, Tick tick);
 
     /** When the next image has left as a whole. */

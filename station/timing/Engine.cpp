@@ -60,9 +60,9 @@ void Engine::run(Tick target, std::uint64_t pictures, std::uint64_t events) {
             m_from = m_now + 1;
             return;
         }
-        runTick(tick);
-        m_now = tick;
+        m_now = tick; // first: a tick that an exception ends is over
         m_from = tick + 1;
+        runTick(tick);
         if (m_buffer.delivered() >= pictures) return;
     }
 }
@@ -130,7 +130,7 @@ void Engine::setFrame(bool isValid, Tick tick) {
 }
 
 void Engine::startLine(Tick tick) {
-    m_line = m_simulator.startLine();
+    m_lineBefore = std::exchange(m_line, m_simulator.startLine());
     m_lineEnd = later(tick, m_line.cycles);
     ++m_lines;
     if (m_line.isFirst) {

@@ -103,6 +103,9 @@ public:
     const Simulator& simulator() const { return m_simulator; }
     Buffer& buffer() { return m_buffer; }
     std::uint64_t lines() const { return m_lines; }
+    /** Lines of the source whose transfer has ended, and the last of them. */
+    std::uint64_t linesEnded() const { return m_lines - (m_lineEnd != never ? 1 : 0); }
+    const SourceLine& lastLine() const { return m_lineEnd != never ? m_lineBefore : m_line; }
 
 private:
     // TapHandler
@@ -151,6 +154,7 @@ private:
     Tick m_softwareTick = never;
     // The line in transfer.
     SourceLine m_line;
+    SourceLine m_lineBefore;
     Tick m_lineEnd = never;
     bool m_isLineStored = false;
     std::uint64_t m_lines = 0;

@@ -8,7 +8,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <utility>
 #include <vector>
 
 namespace station {
@@ -45,8 +44,8 @@ public:
     static constexpr std::size_t capacity = 65536;
 
     void add(Event event, Tick tick) {
-        ++m_counts[static_cast<std::size_t>(event)];
         if (m_ring.empty()) m_ring.resize(capacity);
+        ++m_counts[static_cast<std::size_t>(event)];
         m_ring[m_written++ % capacity] = {tick, event};
     }
     /** The oldest that was not taken yet. */
@@ -55,16 +54,14 @@ public:
         if (m_taken == m_written) return std::nullopt;
         return m_ring[m_taken++ % capacity];
     }
-    /** How many left the queue because nobody took them in time. */
+    /** How many were dropped because they were not taken in time. */
     std::uint64_t dropped() {
         skipDropped();
         return m_dropped;
     }
-    /** How often an event came since this was last asked for. */
-    std::uint64_t takeCount(Event event) {
-        std::uint64_t& count = m_counts[static_cast<std::size_t>(event)];
-        return std::exchange(count, 0);
-    }
+    /** How often an event came since its count was last cleared. */
+    std::uint64_t count(Event event) const { return m_counts[static_cast<std::size_t>(event)]; }
+    void clearCount(Event event) { m_counts[static_cast<std::size_t>(event)] = 0; }
 
 private:
     void skipDropped() {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <utility>
 
 namespace station {
 namespace {
@@ -27,12 +28,13 @@ void Inputs::configure(const Settings& settings, Tick from) {
 
 bool Inputs::connect(std::size_t input, const Wave& wave, Tick from, std::size_t second) {
     if (input >= inputCount) return false;
+    Wave begun = wave;
+    begun.begin(from);
     const bool isPair = wave.hasTwoTracks() && second < inputCount && second != input;
     for (Driver& driver : m_drivers) // an encoder loses the track of an input that is taken from it
         if (driver.second == input || (isPair && driver.second == second)) driver.second = inputCount;
     Driver& driver = m_drivers[input];
-    driver = {wave, isPair ? second : inputCount, true};
-    driver.wave.begin(from);
+    driver = {std::move(begun), isPair ? second : inputCount, true};
     m_used |= 1U << input;
     if (isPair) {
         m_drivers[second].isConnected = false;

@@ -132,7 +132,7 @@ public:
 };
 
 /** The lines that the applet logs from `level` on, taken from the standard error. To be made before the
- * object whose lines are wanted, when no other object lives. */
+ * object under observation, when no other object lives. */
 class AppletLog {
 public:
     explicit AppletLog(int level);

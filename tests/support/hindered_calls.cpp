@@ -1,4 +1,4 @@
-// Takes the place of the C library's functions, whose own declarations would clash with these.
+// Replaces functions of the C library. Their declarations there would clash with these.
 
 #include "support/hindered_calls.h"
 

@@ -1,4 +1,4 @@
-/** Which sanitizers the tests are built with, and what they are told. */
+/** Which sanitizers the tests are built with, and their options. */
 #ifndef TESTS_SUPPORT_SANITIZERS_H
 #define TESTS_SUPPORT_SANITIZERS_H
 

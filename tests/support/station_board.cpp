@@ -20,21 +20,90 @@ void Values::read() {
     }
 }
 
-void StationTest::play(const std::string& writes) {
-    std::istringstream all(writes);
+std::string Trial::text(const Trace& trace) {
+    std::string text = trace.level ? "1" : "0";
+    for (const Edge& edge : trace.edges)
+        text += (edge.level ? " +" : " -") + std::to_string(edge.tick);
+    return text;
+}
+
+std::string Trial::starts(std::uint8_t select, Tick to) const {
+    std::string ticks;
+    for (const Edge& edge : station.trace(select, 0, to).edges)
+        if (edge.level) ticks += (ticks.empty() ? "" : " ") + std::to_string(edge.tick);
+    return ticks;
+}
+
+std::string Trial::picture(std::int64_t number) const {
+    const auto record = memory->record(number);
+    if (record == nullptr) return "none";
+    return std::to_string(record->firstLine) + "-" + std::to_string(record->lastLine) + " " +
+           std::to_string(record->lines) + (record->isShort ? " short" : "");
+}
+
+std::string Trial::pictures() {
+    std::string all;
+    for (std::int64_t number = 1; number <= station.lastPicture(); ++number)
+        all += (number > 1 ? ", " : "") + picture(number);
+    return all;
+}
+
+std::vector<int> Trial::bytes(std::int64_t number) {
+    std::span<const std::uint8_t> picture;
+    if (memory->bytes(number, picture) != HostMemory::Result::ok) return {};
+    return {picture.begin(), picture.end()};
+}
+
+void Trial::play(const std::string& actions) {
+    std::istringstream all(actions);
     for (std::string one; std::getline(all, one, ',');) {
         std::istringstream words(one);
         Tick tick = 0;
-        std::string what;
-        words >> tick >> what;
-        if (tick > station.now()) station.advance(tick - station.now());
-        if (what == "pulse") what = "SoftwareTrgPulse=1";
-        if (what == "high") what = "SoftwareTrgInput=1";
-        if (what == "low") what = "SoftwareTrgInput=0";
-        const Values values(what.c_str());
-        for (const auto& [parameter, value] : values.all())
-            write(parameter, value);
+        if (!(words >> tick)) words.clear();
+        if (tick > station.now()) advanceTo(tick);
+        std::string rest;
+        std::getline(words >> std::ws, rest);
+        if (!rest.empty()) act(rest);
     }
+}
+
+void Trial::act(const std::string& action) {
+    std::istringstream words(action);
+    std::string what;
+    std::size_t input = 0;
+    words >> what;
+    if (what == "acquire") return acquire();
+    if (what == "wave") {
+        words >> input;
+        std::vector<Edge> edges;
+        for (std::string edge; words >> edge;)
+            edges.push_back({std::stoull(edge.substr(1)), edge[0] == '+'});
+        EXPECT_TRUE(station.connect(input, Wave::edges(false, edges)));
+        return;
+    }
+    if (what == "table") {
+        std::string colour, entry;
+        std::vector<std::uint32_t> entries(tableSize);
+        for (words >> colour; words >> entry;) // "12800=7" in hexadecimal
+            entries.at(std::stoul(entry, nullptr, 16)) =
+                static_cast<std::uint32_t>(std::stoul(entry.substr(entry.find('=') + 1), nullptr, 16));
+        return board.setTable(colour == "red" ? Colour::red : Colour::blue, entries);
+    }
+    if (what == "inject") {
+        Raster raster{Raster::Point::camera, 0, 1};
+        for (unsigned component = 0; words >> component;
+             raster.width = static_cast<std::uint32_t>(raster.components.size() / 3))
+            raster.components.push_back(static_cast<std::uint16_t>(component));
+        EXPECT_TRUE(station.inject(std::make_shared<Raster>(raster)));
+        return;
+    }
+    const std::string values = what == "pulse"  ? "SoftwareTrgPulse=1"
+                               : what == "high" ? "SoftwareTrgInput=1"
+                               : what == "low"  ? "SoftwareTrgInput=0"
+                                                : action;
+    const Values read(values.c_str());
+    for (const auto& [parameter, value] : read.all())
+        write(parameter, value);
 }
 
 ValueBoard::ValueBoard() {

@@ -80,22 +80,20 @@ private:
     std::uint64_t m_tableRevision = 1;
 };
 
-class StationTest : public testing::Test {
-protected:
-    StationTest() = default;
-    explicit StationTest(const Values& values) { board.set(values); }
+/** A board with a station on it, and what tests do with it. */
+class Trial {
+public:
+    Trial() = default;
+    explicit Trial(const Values& values) { board.set(values); }
 
     double value(Parameter parameter) const { return board.value(parameter); }
     /** "0 +10 -20": low at first, high from tick 10 on, low again from 20 on. */
     std::string trace(std::uint8_t select, Tick from, Tick to) const {
         return text(station.trace(select, from, to));
     }
-    static std::string text(const Trace& trace) {
-        std::string text = trace.level ? "1" : "0";
-        for (const Edge& edge : trace.edges)
-            text += (edge.level ? " +" : " -") + std::to_string(edge.tick);
-        return text;
-    }
+    static std::string text(const Trace& trace);
+    /** Ticks at which a signal rises until `to`. */
+    std::string starts(std::uint8_t select, Tick to) const;
     void write(Parameter parameter, double number) {
         board.set({{parameter, number}});
         station.write(parameter, static_cast<std::uint64_t>(number));
@@ -104,28 +102,28 @@ protected:
     void acquire(std::size_t frames = 64, HostMemory::Kind kind = HostMemory::Kind::ring,
                  std::int64_t pictures = 0) {
         memory = std::make_shared<HostMemory>(frames, 1U << 24, kind);
-        ASSERT_TRUE(station.start(memory, pictures));
+        EXPECT_TRUE(station.start(memory, pictures));
     }
+    void advanceTo(Tick tick) { station.advance(tick - station.now()); }
     /** Ticks of the first and the last line of a picture, and its lines: "0-32 2 short". */
-    std::string picture(std::int64_t number) const {
-        const auto record = memory->record(number);
-        if (record == nullptr) return "none";
-        return std::to_string(record->firstLine) + "-" + std::to_string(record->lastLine) + " " +
-               std::to_string(record->lines) + (record->isShort ? " short" : "");
-    }
+    std::string picture(std::int64_t number) const;
     /** All of them, "0-32 2, 64-96 2". */
-    std::string pictures() {
-        std::string all;
-        for (std::int64_t number = 1; number <= station.lastPicture(); ++number)
-            all += (number > 1 ? ", " : "") + picture(number);
-        return all;
-    }
-    /** Writes as "150 pulse, 350 high, 600 low, 900 YLength=3": a software trigger, its level, or any parameter. */
-    void play(const std::string& writes);
+    std::string pictures();
+    /** The bytes of a picture; none if it is not there. */
+    std::vector<int> bytes(std::int64_t number);
+    /** What happens, as "150 pulse, 350 high, 600 low, 900 YLength=3, 950": at a tick a software trigger, its level or any
+     *  parameters. Also "wave INPUT +TICK -TICK ...", "table red ENTRY=VALUE ...", "inject COMPONENT ...", "acquire". */
+    void play(const std::string& actions);
+    void act(const std::string& action);
 
     ValueBoard board;
     Station station{board};
     std::shared_ptr<HostMemory> memory;
+};
+
+class StationTest : public testing::Test, public Trial {
+protected:
+    using Trial::Trial;
 };
 
 } // namespace station

@@ -2,7 +2,7 @@
 #ifndef TEMPLATES_PLATFORM_ASSERTION_H
 #define TEMPLATES_PLATFORM_ASSERTION_H
 
-// <assert.h> declares it only without NDEBUG.
+// <assert.h> declares it only without NDEBUG. NOLINTNEXTLINE(bugprone-reserved-identifier)
 extern "C" [[noreturn]] void __assert_fail(const char* expression, const char* file, unsigned int line,
                                            const char* function) noexcept;
 

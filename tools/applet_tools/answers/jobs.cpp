@@ -7,6 +7,7 @@
 #include "applet_tools/answers/lint.h"
 #include "applet_tools/answers/loading.h"
 #include "applet_tools/answers/order.h"
+#include "applet_tools/answers/routes.h"
 #include "applet_tools/answers/why.h"
 #include "applet_tools/scratch/defaults_and_roles.h"
 #include "applet_tools/scratch/influences.h"
@@ -28,6 +29,7 @@ constexpr JobRow jobs[] = {
     {"limits", "what the setters accept", limitsJob},
     {"lint", "what is doubtful", lintJob},
     {"order", "an order in which all assignments pass", orderJob},
+    {"routes", "what the applet writes for each route", routesJob},
     {"suggestion", "what would let the refused value through", suggestionJob},
     {"why", "what would free it", whyJob},
 };

@@ -38,7 +38,7 @@ public:
         const ParameterState& facts = m_probe.facts(m_subject.place);
         m_answer = {.parameter = parameter().name,
                     .subject = m_subject.isWholeArray ? parameter().name : target.name(),
-                    .isOneElement = m_subject.elements.has_value(),
+                    .elements = m_subject.elements,
                     .access = accessWord(parameter())};
         m_answer.now = {.error = facts.error, .value = facts.value};
         if (m_subject.elements && !m_subject.isWholeArray) m_answer.now.value = elementNow(target);
@@ -72,7 +72,7 @@ private:
             EntryAnswer answer{.entry = entry, .code = m_probe.answer(change)};
             if (answer.code != FG_OK)
                 answer.acceptedWith = m_probe.words(
-                    m_probe.waysTo(m_subject.place, [&] { return m_probe.answer(change) == FG_OK; }));
+                    m_probe.waysTo({m_subject.place, [&] { return m_probe.answer(change) == FG_OK; }}));
             m_answer.entries.push_back(std::move(answer));
         }
         m_probe.restore();
@@ -136,7 +136,7 @@ void addPublished(ordered_json& row, const AcceptedValues& answer) {
     if (!answer.published || !answer.published->limits) return;
     const Limits& limits = *answer.published->limits;
     row["published"] = {{"minimum", numberAsJson(limits.minimum)}, {"maximum", numberAsJson(limits.maximum)}};
-    if (!answer.isOneElement) row["published"]["increment"] = numberAsJson(limits.increment);
+    if (!answer.elements) row["published"]["increment"] = numberAsJson(limits.increment);
 }
 
 void addCauses(ordered_json& row, const LimitCauses& causes, End end) {
@@ -149,10 +149,9 @@ void addCauses(ordered_json& row, const LimitCauses& causes, End end) {
 
 Subject subjectOf(const Probe& probe, const Target& target) {
     const std::uint32_t count = elementCount(*target.parameter);
-    const std::uint32_t first = target.elements ? target.elements->first : 0;
+    const bool isWholeArray = count > 0 && !target.elements;
     return {probe.placeOf(*target.parameter),
-            count > 0 ? std::optional(ElementRange{first, first}) : std::nullopt,
-            count > 0 && !target.elements};
+            isWholeArray ? std::optional(ElementRange{0, 0}) : target.elements, isWholeArray};
 }
 
 AcceptedValues acceptedValues(Probe& probe, const Subject& subject) {
@@ -161,7 +160,7 @@ AcceptedValues acceptedValues(Probe& probe, const Subject& subject) {
 
 ordered_json asJson(const AcceptedValues& answer, const Parameter& parameter) {
     ordered_json row = {{"name", answer.parameter}, {"unit", parameter.unit()}, {"access", answer.access}};
-    if (answer.now.error == FG_OK) addValue(row, {&parameter}, answer.now.value);
+    if (answer.now.error == FG_OK) addReading(row, {&parameter, answer.elements}, answer.now);
     if (const std::uint32_t count = elementCount(parameter); count > 0) row["elements"] = count;
     if (parameter.kind() == REGISTER_KIND_ENUM) {
         row["entries"] = entriesAsJson(answer.entries);
@@ -250,7 +249,6 @@ std::vector<EntryAnswer> entriesFrom(const json& rows) {
 json asMessage(const AcceptedValues& answer) {
     json message = {{"parameter", answer.parameter},
                     {"subject", answer.subject},
-                    {"isOneElement", answer.isOneElement},
                     {"access", answer.access},
                     {"error", answer.now.error},
                     {"now", asTypedMessage(answer.now.value)},
@@ -259,6 +257,7 @@ json asMessage(const AcceptedValues& answer) {
                     {"refusal", answer.refusal},
                     {"ofMinimum", asMessage(answer.ofMinimum)},
                     {"ofMaximum", asMessage(answer.ofMaximum)}};
+    if (answer.elements) message["elements"] = {answer.elements->first, answer.elements->last};
     if (answer.range) message["range"] = asMessage(*answer.range);
     if (answer.published) message["published"] = asMessage(*answer.published);
     return message;
@@ -267,7 +266,6 @@ json asMessage(const AcceptedValues& answer) {
 AcceptedValues answerFrom(const json& message) {
     AcceptedValues answer{.parameter = message["parameter"].get<std::string>(),
                           .subject = message["subject"].get<std::string>(),
-                          .isOneElement = message["isOneElement"].get<bool>(),
                           .access = message["access"].get<std::string>()};
     answer.now = {.error = message["error"].get<int>(), .value = fromTypedMessage(message["now"])};
     answer.isText = message["isText"].get<bool>();
@@ -275,6 +273,8 @@ AcceptedValues answerFrom(const json& message) {
     answer.refusal = message["refusal"].get<int>();
     answer.ofMinimum = causesFrom(message["ofMinimum"]);
     answer.ofMaximum = causesFrom(message["ofMaximum"]);
+    if (const auto elements = message.find("elements"); elements != message.end())
+        answer.elements = {(*elements)[0].get<std::uint32_t>(), (*elements)[1].get<std::uint32_t>()};
     if (message.contains("range")) answer.range = rangeFrom(message["range"]);
     if (message.contains("published")) answer.published = publishedFrom(message["published"]);
     return answer;
@@ -299,9 +299,12 @@ json limitsJob(ScratchSession& session, const json& arguments) {
 
 std::vector<AcceptedValues> askAcceptedValues(LiveSession& live, const Words& names,
                                               const Words& assignments) {
+    const std::set<std::string>& notMeasured = live.notMeasured();
     std::vector<AcceptedValues> answers;
-    for (const json& message : live.scratch().ask("limits", {{"names", names}, {"with", assignments}}))
-        answers.push_back(answerFrom(message));
+    for (const json& message : live.scratch().ask("limits", {{"names", names}, {"with", assignments}})) {
+        AcceptedValues& answer = answers.emplace_back(answerFrom(message));
+        answer.now.isMeasured = !notMeasured.contains(answer.parameter);
+    }
     return answers;
 }
 

@@ -30,10 +30,11 @@ struct PublishedRange {
 
 /** The answer for one parameter. Its values are native ones: a record is needed to show them. */
 struct AcceptedValues {
-    std::string parameter;     /**< its name */
-    std::string subject;       /**< "FG_WIDTH", "FG_LUT_VALUE_RED[7]" */
-    bool isOneElement = false; /**< of an array, which has no published grid */
-    std::string access;        /**< "rw" */
+    std::string parameter; /**< its name */
+    std::string subject;   /**< "FG_WIDTH", "FG_LUT_VALUE_RED[7]" */
+    std::optional<ElementRange>
+        elements{};     /**< of an array, which has no published grid: those that were asked */
+    std::string access; /**< "rw" */
     ReadResult now{};
     bool isText = false;                /**< any text is accepted */
     std::vector<EntryAnswer> entries{}; /**< of an enumeration */
@@ -43,7 +44,8 @@ struct AcceptedValues {
     LimitCauses ofMinimum{}, ofMaximum{};      /**< of the range */
 };
 
-/** What a target of the command line is about. The first element of an array represents all. */
+/** What a target of the command line is about. The first element of an array represents all of it; several
+ *  elements are asked for together, so what is accepted is accepted by each. */
 Subject subjectOf(const Probe& probe, const Target& target);
 
 /** Asks the setter, in the state of the probe, to which the board is brought back. */

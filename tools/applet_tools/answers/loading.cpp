@@ -228,19 +228,28 @@ void addReached(ScratchSession& session, const ConfigurationFile& asked, const C
 /** Adds to the first refusals what sets the limit, the nearest value and the ways out, in the state after the load. */
 void addCauses(ScratchSession& session, const std::string& file, const ConfigurationFile& asked,
                std::vector<Finding>& findings) {
-    int left = 5; // each takes many trials
-    for (Finding& finding : findings) {
-        const auto* line = asked.values().find(finding.key);
-        if (line == nullptr || !isRefusal(finding) || left-- <= 0) continue;
-        session.rewind();
-        loadConfiguration(session.instance(), file);
-        session.keep();
-        const Parameter& parameter = session.parameters().find(finding.key);
-        const auto value = valueInFile(parameter, std::string(line->value));
-        if (!value || parameter.kind() == REGISTER_KIND_STRING) continue;
-        Probe probe(session);
-        finding.message += suggestionFor(probe, {{&parameter}, std::string(line->value), *value}).words;
-    }
+    constexpr std::size_t most = 5; // each takes many trials
+    std::vector<Finding*> refused;
+    for (Finding& finding : findings)
+        if (isRefusal(finding) && asked.values().find(finding.key) != nullptr && refused.size() < most)
+            refused.push_back(&finding);
+    if (refused.empty()) return;
+    session.rewind();
+    loadConfiguration(session.instance(), file);
+    session.keep();
+    std::vector<Assignment> assignments;
+    std::erase_if(refused, [&](const Finding* finding) {
+        const Parameter& parameter = session.parameters().find(finding->key);
+        const std::string text = asked.value(finding->key).value_or("");
+        const auto value = valueInFile(parameter, text);
+        if (!value || parameter.kind() == REGISTER_KIND_STRING) return true;
+        assignments.push_back({{&parameter}, text, *value});
+        return false;
+    });
+    Probe probe(session);
+    const std::vector<Suggestion> suggestions = suggestionsFor(probe, assignments);
+    for (std::size_t i = 0; i < refused.size(); ++i)
+        refused[i]->message += suggestions[i].words;
 }
 
 /** Why nothing of the file was loaded; nothing if something was. */

@@ -1,6 +1,7 @@
 #include "applet_tools/answers/why.h"
 
 #include "applet_tools/base/errors.h"
+#include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"
 
 #include "vexo/fg_errors.h"
@@ -11,13 +12,13 @@ namespace {
 bool isWritable(std::uint32_t access) { return (access & REGISTER_ACCESS_WRITE) != 0; }
 
 std::vector<std::string> waysToWrite(Probe& probe, std::size_t place) {
-    return probe.words(probe.waysTo(place, [&] { return isWritable(probe.currentState(place).access); }));
+    return probe.words(probe.waysTo({place, [&] { return isWritable(probe.currentState(place).access); }}));
 }
 
 std::vector<std::string> waysToLock(Probe& probe, std::size_t place) {
     std::vector<std::string> ways;
     for (const Change& change :
-         probe.changesFor(place, [&] { return !isWritable(probe.currentState(place).access); }))
+         probe.changesFor({place, [&] { return !isWritable(probe.currentState(place).access); }}))
         ways.push_back(probe.words(change));
     return ways;
 }
@@ -56,21 +57,24 @@ AccessAnswer whyReadOnly(Probe& probe, const Target& target) {
                         .isWritable = isWritable(facts.access)};
     answer.now = target.elements ? readValue(probe.session().instance(), target)
                                  : ReadResult{.error = facts.error, .value = facts.value};
-    auto& document = answer.document;
-    document = {{"name", answer.subject}, {"access", answer.access}, {"writable", answer.isWritable}};
-    if (answer.now.error == FG_OK) addValue(document, target, answer.now.value);
     if (answer.isWritable) {
         answer.changedWith = waysToLock(probe, place);
-        document["readOnlyWith"] = answer.changedWith;
         return answer;
     }
     const int code = elementCount(probe.at(place)) > 0 ? FG_OK : probe.answer({place, facts.value});
     answer.hasSetter = code != FG_ERR_NOT_AVAILABLE;
-    document["hasSetter"] = answer.hasSetter;
-    if (!answer.hasSetter) return answer;
-    answer.changedWith = waysToWrite(probe, place);
-    document["writableWith"] = answer.changedWith;
+    if (answer.hasSetter) answer.changedWith = waysToWrite(probe, place);
     return answer;
+}
+
+nlohmann::ordered_json asJson(const AccessAnswer& answer, const Target& target) {
+    nlohmann::ordered_json document = {
+        {"name", answer.subject}, {"access", answer.access}, {"writable", answer.isWritable}};
+    if (answer.now.error == FG_OK) addReading(document, target, answer.now);
+    if (!answer.isWritable) document["hasSetter"] = answer.hasSetter;
+    if (answer.hasSetter) document[answer.isWritable ? "readOnlyWith" : "writableWith"] = answer.changedWith;
+    if (!answer.missingFile.empty()) document["missingFile"] = toUtf8(answer.missingFile.c_str());
+    return document;
 }
 
 namespace {
@@ -113,7 +117,6 @@ json asMessage(const AccessAnswer& answer) {
             {"hasSetter", answer.hasSetter},
             {"error", answer.now.error},
             {"now", asTypedMessage(answer.now.value)},
-            {"document", answer.document.dump()},
             {"changedWith", answer.changedWith}};
 }
 
@@ -124,7 +127,6 @@ AccessAnswer accessFrom(const json& message) {
             .isWritable = message["isWritable"].get<bool>(),
             .hasSetter = message["hasSetter"].get<bool>(),
             .now = {.error = message["error"].get<int>(), .value = fromTypedMessage(message["now"])},
-            .document = nlohmann::ordered_json::parse(message["document"].get<std::string>()),
             .changedWith = message["changedWith"].get<Words>()};
 }
 
@@ -150,13 +152,56 @@ json whyJob(ScratchSession& session, const json& arguments) {
     return answers;
 }
 
+namespace {
+
+json ask(LiveSession& live, const Words& words, const Words& with) {
+    return live.scratch().ask("why", {{"words", words}, {"with", with}});
+}
+
+/** The changes that make a text writable once it names no file, where they are refused because of the file. */
+Words waysWithoutFile(LiveSession& live, const std::string& name, const std::string& file, Words with) {
+    if (file.empty() || textOfFile(file)) return {};
+    with.push_back(name + "=" + file);
+    if (!accessFrom(ask(live, {name}, with).front()).changedWith.empty()) return {};
+    with.back() = name + "=";
+    return accessFrom(ask(live, {name}, with).front()).changedWith;
+}
+
+RefusalAnswer withMissingFile(LiveSession& live, RefusalAnswer answer, const Words& with) {
+    const Parameter& parameter = live.parameters().find(answer.parameter);
+    if (!answer.writableWith || parameter.kind() != REGISTER_KIND_STRING) return answer;
+    const std::string file = answer.document["requested"]["value"].get<std::string>();
+    const Words ways = waysWithoutFile(live, answer.parameter, file, with);
+    if (ways.empty()) return answer;
+    answer.writableWith = ways;
+    answer.missingFile = file;
+    answer.document["writableWith"] = ways;
+    answer.document["missingFile"] = toUtf8(file.c_str());
+    return answer;
+}
+
+AccessAnswer withMissingFile(LiveSession& live, AccessAnswer answer, const Words& with) {
+    const auto* file = std::get_if<std::string>(&answer.now.value);
+    if (answer.isWritable || !answer.hasSetter || !answer.changedWith.empty() || file == nullptr)
+        return answer;
+    answer.changedWith = waysWithoutFile(live, answer.parameter, *file, with);
+    if (!answer.changedWith.empty()) answer.missingFile = *file;
+    return answer;
+}
+
+} // namespace
+
 std::vector<WhyAnswer> askWhy(LiveSession& live, const Words& words, const Words& with) {
+    const std::set<std::string>& notMeasured = live.notMeasured();
     std::vector<WhyAnswer> answers;
-    for (const json& message : live.scratch().ask("why", {{"words", words}, {"with", with}})) {
-        if (message.contains("code"))
-            answers.emplace_back(refusalFrom(message));
-        else
-            answers.emplace_back(accessFrom(message));
+    for (const json& message : ask(live, words, with)) {
+        if (message.contains("code")) {
+            answers.emplace_back(withMissingFile(live, refusalFrom(message), with));
+            continue;
+        }
+        AccessAnswer answer = withMissingFile(live, accessFrom(message), with);
+        answer.now.isMeasured = !notMeasured.contains(answer.parameter);
+        answers.emplace_back(std::move(answer));
     }
     return answers;
 }

@@ -22,9 +22,9 @@ struct RefusalAnswer {
     int code = 0;
     std::string refusal{};  /**< in words; empty if it is accepted */
     RefusalCauses causes{}; /**< of a refusal */
-    std::optional<std::vector<std::string>>
-        writableWith{}; /**< of what is accepted and read-only now: changes that
-                                                                  make it writable */
+    /** Of what is accepted and read-only now: changes that make it writable. */
+    std::optional<std::vector<std::string>> writableWith{};
+    std::string missingFile{}; /**< as of AccessAnswer, once it is set */
 };
 
 /** Asks the setter, in the state of the probe. Records of parameters from before may be gone afterwards. */
@@ -38,18 +38,23 @@ struct AccessAnswer {
     bool isWritable = false;
     bool hasSetter = true; /**< false for what can never be set */
     ReadResult now{};
-    nlohmann::ordered_json document{};
-    std::vector<std::string>
-        changedWith{}; /**< changes that make it read-only, or writable if it is read-only */
+    /** Changes that make it read-only, or writable if it is read-only. */
+    std::vector<std::string> changedWith{};
+    /** Its text, a file that cannot be read: as long as it cannot, those changes are refused. */
+    std::string missingFile{};
 };
 
 /** Looks at the access, in the state of the probe. Records of parameters from before may be gone afterwards. */
 AccessAnswer whyReadOnly(Probe& probe, const Target& target);
 
+/** The answer as members of a document; `target` is its subject. */
+nlohmann::ordered_json asJson(const AccessAnswer& answer, const Target& target);
+
 using WhyAnswer = std::variant<RefusalAnswer, AccessAnswer>;
 
 /** The answers to assignments and names of parameters, from the state of the live applet after the assignments of
- *  `with`. Throws UsageError for an unknown word, and what startFrom throws. */
+ *  `with`. Where the change that makes a text writable is refused because the text names a missing file, the answer
+ *  names both. Throws UsageError for an unknown word, and what startFrom throws. */
 std::vector<WhyAnswer> askWhy(LiveSession& live, const Words& words, const Words& with);
 
 /** The job of a scratch board behind it: {"words": [WORD, ...], "with": [WORD, ...]}. */

@@ -10,15 +10,12 @@ namespace {
 
 // The longer ones first.
 constexpr Relation relations[] = {
-    {"<=", [](std::partial_ordering order) { return order <= 0; }},
-    {">=", [](std::partial_ordering order) { return order >= 0; }},
-    {"==", [](std::partial_ordering order) { return order == 0; }},
-    {"!=", [](std::partial_ordering order) { return order != 0; }},
-    {"<", [](std::partial_ordering order) { return order < 0; }},
-    {">", [](std::partial_ordering order) { return order > 0; }},
+    {"<=", std::is_lteq}, {">=", std::is_gteq}, {"==", std::is_eq},
+    {"!=", std::is_neq},  {"<", std::is_lt},    {">", std::is_gt},
 };
 
 constexpr std::string_view blanks = " \t";
+constexpr std::string_view behindName = " \t<>=!&|()";
 
 /** Goes through the text of a condition. */
 class Reader {
@@ -41,11 +38,17 @@ public:
         return true;
     }
 
-    std::string takeName() {
+    /** A name, or a label: in quotes, or as it is where a parameter has it; the longest one counts. */
+    std::string takeName(const ParameterList& parameters) {
         skipBlanks();
-        const std::size_t length = std::min(rest().find_first_of(" \t<>=!&|()"), rest().size());
+        const std::size_t length = std::min(rest().find_first_of(behindName), rest().size());
+        const std::size_t label = isQuoteNext() ? 0 : labelLength(parameters);
+        if (isQuoteNext() || label > length) {
+            std::string name = isQuoteNext() ? takeQuoted() : taken(label);
+            return name += takeElements();
+        }
         if (length == 0) refuse("the name of a parameter is wanted");
-        return taken(length);
+        return taken(std::max(length, wordsBeforeRelation()));
     }
 
     const Relation& takeRelation() {
@@ -58,17 +61,11 @@ public:
 
     std::string takeValue() {
         skipBlanks();
-        const char quote = rest().empty() ? '\0' : rest().front();
-        if (quote == '"' || quote == '\'') {
-            const std::size_t end = m_text.find(quote, m_place + 1);
-            if (end == std::string::npos) refuse("the quote is not closed");
-            const std::string value = m_text.substr(m_place + 1, end - m_place - 1);
-            m_place = end + 1;
-            return value;
-        }
+        if (isQuoteNext()) return takeQuoted();
         const std::size_t length =
             std::min({rest().find_first_of(" \t)"), rest().find("&&"), rest().find("||"), rest().size()});
-        if (length == 0 || relationAt(rest()) != nullptr || quote == '=') refuse("a value is wanted");
+        if (length == 0 || relationAt(rest()) != nullptr || rest().front() == '=')
+            refuse("a value is wanted");
         return taken(length);
     }
 
@@ -80,6 +77,44 @@ public:
 
 private:
     std::string_view rest() const { return std::string_view(m_text).substr(m_place); }
+    bool isQuoteNext() const { return rest().starts_with('"') || rest().starts_with('\''); }
+
+    std::string takeQuoted() {
+        const std::size_t end = m_text.find(rest().front(), m_place + 1);
+        if (end == std::string::npos) refuse("the quote is not closed");
+        const std::string text = m_text.substr(m_place + 1, end - m_place - 1);
+        m_place = end + 1;
+        return text;
+    }
+
+    /** "[100]" behind a label; empty if there is none. */
+    std::string takeElements() {
+        if (!rest().starts_with('[')) return "";
+        return taken(std::min(rest().find(']') + 1, rest().size()));
+    }
+
+    /** Of the longest label that comes next; 0 if none does. */
+    std::size_t labelLength(const ParameterList& parameters) const {
+        const std::string text = lowerCase(rest());
+        std::size_t longest = 0;
+        for (const Parameter& parameter : parameters.all()) {
+            const std::string label = lowerCase(parameter.label());
+            const bool isNext =
+                text.starts_with(label) && (label.size() == text.size() || isBehindLabel(text[label.size()]));
+            if (isNext) longest = std::max(longest, label.size());
+        }
+        return longest;
+    }
+
+    /** The length of several words with an operator behind them, which are no label; 0 for a single one. */
+    std::size_t wordsBeforeRelation() const {
+        const std::size_t mark = rest().find_first_of("<>=!&|()");
+        if (mark == std::string_view::npos || relationAt(rest().substr(mark)) == nullptr) return 0;
+        return rest().find_last_not_of(blanks, mark - 1) + 1;
+    }
+
+    static bool isBehindLabel(char c) { return c == '[' || behindName.find(c) != std::string_view::npos; }
+
     void skipBlanks() { m_place = std::min(m_text.find_first_not_of(blanks, m_place), m_text.size()); }
     std::string taken(std::size_t length) {
         m_place += length;
@@ -163,7 +198,7 @@ private:
     }
 
     Comparison parseComparison() {
-        const Target target = findTarget(m_parameters, m_reader.takeName());
+        const Target target = findTarget(m_parameters, m_reader.takeName(m_parameters));
         if (target.elements && target.elements->count() > 1)
             throw UsageError(target.name() + ": one element is compared at a time");
         const Relation& relation = m_reader.takeRelation();

@@ -25,7 +25,8 @@ const Relation* relationAt(std::string_view text);
 std::string relationsInWords();
 
 /** Comparisons NAME OPERATOR VALUE, joined by && and ||, of which && binds closer, with parentheses around parts. A
- * value is what a set takes, in single or double quotes where it has blanks or a parenthesis. */
+ * value is what a set takes, in single or double quotes where it has blanks or a parenthesis. A label is a name as
+ * well, with or without quotes. */
 class Condition {
 public:
     using Reading = std::function<ReadResult(const Target&)>;

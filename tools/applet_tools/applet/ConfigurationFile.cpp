@@ -9,6 +9,7 @@
 #include "vexo/fg_errors.h"
 
 #include <algorithm>
+#include <functional>
 
 namespace applet_tools {
 namespace {
@@ -16,9 +17,9 @@ namespace {
 constexpr std::string_view portSection = "[Port A]";
 
 std::string_view trimmed(std::string_view text) {
-    constexpr std::string_view blanks = " \t\r";
-    text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
-    return text.substr(0, text.find_last_not_of(blanks) + 1);
+    constexpr std::string_view unprinted = " \t\r";
+    text.remove_prefix(std::min(text.find_first_not_of(unprinted), text.size()));
+    return text.substr(0, text.find_last_not_of(unprinted) + 1);
 }
 
 /** The value of the text after the equals sign: 'text'; or number; */
@@ -65,16 +66,35 @@ ConfigurationFile ConfigurationFile::read(const std::string& path) {
 }
 
 void ConfigurationFile::Section::add(const Line& line) {
-    const auto [place, isNew] = m_places.try_emplace(line.key, m_lines.size());
-    if (isNew)
-        m_lines.push_back(line);
-    else
-        ++m_lines[place->second].count;
+    if (m_lines.size() * 2 >= m_slots.size()) grow();
+    std::uint32_t& number = m_slots[slotOf(line.key)];
+    if (number != 0) {
+        ++m_lines[number - 1].count;
+        return;
+    }
+    m_lines.push_back(line);
+    number = static_cast<std::uint32_t>(m_lines.size());
+}
+
+std::size_t ConfigurationFile::Section::slotOf(std::string_view key) const {
+    const std::size_t mask = m_slots.size() - 1;
+    std::size_t slot = std::hash<std::string_view>()(key) & mask;
+    while (m_slots[slot] != 0 && m_lines[m_slots[slot] - 1].key != key)
+        slot = (slot + 1) & mask;
+    return slot;
+}
+
+void ConfigurationFile::Section::grow() {
+    constexpr std::size_t fewest = 256; // a power of two, as all sizes are
+    m_slots.assign(std::max(fewest, m_slots.size() * 2), 0);
+    for (std::uint32_t number = 1; number <= m_lines.size(); ++number)
+        m_slots[slotOf(m_lines[number - 1].key)] = number;
 }
 
 const ConfigurationFile::Line* ConfigurationFile::Section::find(std::string_view key) const {
-    const auto found = m_places.find(key);
-    return found != m_places.end() ? &m_lines[found->second] : nullptr;
+    if (m_slots.empty()) return nullptr;
+    const std::uint32_t number = m_slots[slotOf(key)];
+    return number != 0 ? &m_lines[number - 1] : nullptr;
 }
 
 std::optional<std::string> ConfigurationFile::Section::value(std::string_view key) const {

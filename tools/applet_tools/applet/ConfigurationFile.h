@@ -5,11 +5,12 @@
 #include "applet_tools/applet/Instance.h"
 #include "applet_tools/applet/values.h"
 
+#include <cstdint>
+#include <deque>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace applet_tools {
@@ -40,8 +41,14 @@ public:
         std::size_t size() const { return m_lines.size(); }
 
     private:
-        std::vector<Line> m_lines;
-        std::unordered_map<std::string_view, std::size_t> m_places;
+        /** Where the key is in m_slots, or would be. */
+        std::size_t slotOf(std::string_view key) const;
+        void grow();
+
+        // A file may have millions of keys: these two take little more room than the lines themselves.
+        std::deque<Line> m_lines;
+        std::vector<std::uint32_t>
+            m_slots; // by the hash of the key the number of its line, from 1; 0 is free
     };
 
     explicit ConfigurationFile(std::string text);

@@ -79,9 +79,9 @@ std::size_t elementsIn(const std::vector<std::string_view>& lines) {
 
 } // namespace
 
-std::string lutFileTrouble(const std::string& file) {
+LutFile lookAtLutFile(const std::string& file) {
     const auto text = textOfFile(file);
-    if (!text) return "it is no regular file";
+    if (!text) return {"it is no regular file"};
     constexpr std::string_view countKey = "nrOfElements=";
     std::map<std::string_view, std::vector<std::string_view>> sections;
     std::vector<std::string_view>* section = nullptr;
@@ -97,15 +97,15 @@ std::string lutFileTrouble(const std::string& file) {
             if (line.find(row.section) != std::string_view::npos) section = &sections[row.section];
         if (section != nullptr) section->push_back(line);
     }
-    if (!wanted) return "it has no line nrOfElements=NUMBER;, so it is no lookup table file";
+    if (!wanted) return {"it has no line nrOfElements=NUMBER;, so it is no lookup table file"};
     for (const ColourRow& row : colourRows) {
         const auto found = sections.find(row.section);
-        if (found == sections.end()) return std::string("the section ") + row.section + " is missing";
+        if (found == sections.end()) return {std::string("the section ") + row.section + " is missing"};
         if (const std::size_t count = elementsIn(found->second); count < *wanted)
-            return std::string(row.section) + " has " + numberText(count) + " of " + numberText(*wanted) +
-                   " elements in ascending order, and the others would be 0";
+            return {std::string(row.section) + " has " + numberText(count) + " of " + numberText(*wanted) +
+                    " elements in ascending order, and the others would be 0"};
     }
-    return "";
+    return {"", *wanted};
 }
 
 bool LutTables::areEqual() const {

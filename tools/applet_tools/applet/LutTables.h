@@ -27,9 +27,14 @@ struct LutTables {
     bool areEqual() const;
 };
 
-/** What is missing of a lookup table file, which the applet reads as zeros without a word: "[green] is missing". Empty
- *  for a file that is whole. */
-std::string lutFileTrouble(const std::string& file);
+/** What a load takes from a lookup table file. */
+struct LutFile {
+    std::string trouble; /**< what is missing, which the applet reads as zeros without a word: "[green] is
+                                      missing"; empty for a file that is whole */
+    std::uint32_t elements = 0; /**< of each table; the entries from there on stay as they are */
+};
+
+LutFile lookAtLutFile(const std::string& file);
 
 /** Reads all three tables. Throws Failure when the applet does not give one. */
 LutTables readLutTables(Instance& instance, const ParameterList& parameters);

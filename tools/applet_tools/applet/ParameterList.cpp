@@ -29,7 +29,7 @@ bool matches(const std::string& lowerName, const std::string& lowerPattern) {
 }
 
 struct ReadEffect {
-    const char* name;
+    std::string_view name; // with its length: this is asked for often
     const char* words;
 };
 
@@ -128,7 +128,7 @@ const Parameter& ParameterList::find(std::string_view name) const {
         const std::string lower = lowerCase(parameter.name);
         if (lower == wanted || withoutPrefix(lower) == wanted) found.push_back(&parameter);
     }
-    if (found.empty()) {
+    if (found.empty() && !wanted.empty()) {
         for (const Parameter& parameter : m_parameters)
             if (lowerCase(parameter.label()) == wanted || std::to_string(parameter.id) == wanted)
                 found.push_back(&parameter);

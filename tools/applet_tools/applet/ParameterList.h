@@ -33,6 +33,9 @@ struct Parameter {
 /** A parameter of the design as such a one is published. */
 inline constexpr std::string_view designPrefix = "DLOOMA_";
 
+/** The design's own name of a parameter that is published with this prefix. */
+inline std::string designName(const std::string& published) { return published.substr(designPrefix.size()); }
+
 class ParameterList {
 public:
     /** Either without the design's parameters where the user has not switched them on, or only those. */

@@ -317,9 +317,15 @@ void addValue(nlohmann::ordered_json& object, const Target& target, const Value&
     }
 }
 
-void addNotMeasured(nlohmann::ordered_json& object) {
-    object["value"] = nullptr;
-    object["measured"] = false;
+void addReading(nlohmann::ordered_json& object, const Target& target, const ReadResult& reading) {
+    if (!reading.isMeasured) {
+        object["value"] = nullptr;
+        object["measured"] = false;
+    } else if (reading.error == FG_OK) {
+        addValue(object, target, reading.value);
+    } else {
+        object["error"] = codeAsJson(reading.error);
+    }
 }
 
 nlohmann::ordered_json valueAsJson(const Target& target, const Value& value) {
@@ -353,12 +359,7 @@ nlohmann::ordered_json numberAsJson(const Value& number) {
 nlohmann::ordered_json readingAsJson(const Target& target, const ReadResult& reading) {
     const Parameter& parameter = *target.parameter;
     nlohmann::ordered_json row = {{"name", parameter.name}, {"id", parameter.id}, {"unit", parameter.unit()}};
-    if (!reading.isMeasured)
-        addNotMeasured(row);
-    else if (reading.error == FG_OK)
-        addValue(row, target, reading.value);
-    else
-        row["error"] = codeAsJson(reading.error);
+    addReading(row, target, reading);
     return row;
 }
 

@@ -84,10 +84,11 @@ double asDouble(const Value& number);
 /** A number; null for texts and arrays. */
 nlohmann::ordered_json numberAsJson(const Value& number);
 
-/** Adds "value": null and "measured": false. */
-void addNotMeasured(nlohmann::ordered_json& object);
+/** Adds what addValue adds, or "error" when the read failed; "value": null and "measured": false for what was not
+ *  measured. */
+void addReading(nlohmann::ordered_json& object, const Target& target, const ReadResult& reading);
 
-/** Name, id, unit and what addValue or addNotMeasured adds, or "error" when the read failed. */
+/** Name, id, unit and what addReading adds. */
 nlohmann::ordered_json readingAsJson(const Target& target, const ReadResult& reading);
 
 } // namespace applet_tools

@@ -3,6 +3,7 @@
 #define APPLET_TOOLS_BASE_STOPWATCH_H
 
 #include <chrono>
+#include <cmath>
 #include <string>
 
 namespace applet_tools {
@@ -14,7 +15,7 @@ public:
     }
     /** "3.2 ms". */
     std::string text() const {
-        const auto tenths = static_cast<long long>(milliseconds() * 10 + 0.5);
+        const auto tenths = std::llround(milliseconds() * 10);
         return std::to_string(tenths / 10) + "." + std::to_string(tenths % 10) + " ms";
     }
 

@@ -104,8 +104,27 @@ Target wholeOf(const Parameter& parameter) {
     return {&parameter, ElementRange{0, count - 1}};
 }
 
+namespace {
+
+/** Arrays are long and asked for often: they are read into one place, and compared where they are. */
+bool hasBytes(Instance& instance, const Target& target, const json::binary_t& bytes) {
+    static Elements elements; // of the process, which has one thread
+    elements.resize(target.elements->count());
+    FieldParameterAccess run{.vtype = FG_PARAM_UINT32,
+                             .index = target.elements->first,
+                             .count = target.elements->count(),
+                             .values = elements.data()};
+    const int code = instance.applet().Fg_getParameterWithType(instance.fg(), target.parameter->id, &run, 0,
+                                                               FG_PARAM_FIELD_ACCESS);
+    return code == FG_OK && bytes.size() == elements.size() * sizeof elements[0] &&
+           std::memcmp(bytes.data(), elements.data(), bytes.size()) == 0;
+}
+
+} // namespace
+
 bool holds(Instance& instance, const Parameter& parameter, const json& wanted) {
     const Target target = wholeOf(parameter);
+    if (target.elements) return hasBytes(instance, target, wanted.get_binary());
     const ReadResult reading = readValue(instance, target);
     return reading.error == FG_OK && reading.value == fromMessage(target, wanted);
 }

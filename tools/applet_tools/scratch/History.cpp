@@ -44,11 +44,15 @@ json accessOf(const ParameterList& parameters) {
     return access;
 }
 
+/** Null for a parameter that has none at this moment: they may come and go. */
 json publishedLimitsOf(const ParameterList& parameters) {
     json limits = json::object();
-    for (const Parameter& parameter : parameters.all())
+    for (const Parameter& parameter : parameters.all()) {
+        auto& own = limits[parameter.name] = nullptr;
         if (const auto published = limitsOf(parameter))
-            limits[parameter.name] = {asMessage(published->minimum), asMessage(published->maximum)};
+            own = {asMessage(published->minimum), asMessage(published->maximum),
+                   asMessage(published->increment)};
+    }
     return limits;
 }
 
@@ -68,8 +72,6 @@ Words differingNames(const json& a, const json& b) {
         if (const auto other = b.find(name); other != b.end() && *other != value) names.push_back(name);
     return names;
 }
-
-std::string designName(const std::string& published) { return published.substr(designPrefix.size()); }
 
 std::string designText(const json& value) { return value.is_number() ? value.dump() : "other contents"; }
 

@@ -51,7 +51,7 @@ private:
         json values;
         json design;        // none where it cannot be read, as offline
         json access;        // {NAME: BITS}
-        json limits;        // {NAME: [MINIMUM, MAXIMUM]}
+        json limits;        // {NAME: [MINIMUM, MAXIMUM, INCREMENT]}; null without
         std::string line{}; // the command that followed
     };
 

@@ -72,14 +72,16 @@ ScratchBoard& LiveSession::bareScratch() { return seeded({{"design", nullptr}, {
 
 ReadResult LiveSession::read(const Target& target) {
     ReadResult reading = readValue(instance(), target);
-    reading.isMeasured = !m_options.offline || !isFromBoard(*target.parameter);
+    reading.isMeasured = !notMeasured().contains(target.parameter->name);
     return reading;
 }
 
-bool LiveSession::isFromBoard(const Parameter& parameter) {
-    if (!m_fromBoard && m_scratch)
-        m_fromBoard = bareScratch().ask("fromBoard", nullptr).get<std::set<std::string>>();
-    return m_fromBoard && m_fromBoard->contains(parameter.name);
+const std::set<std::string>& LiveSession::notMeasured() {
+    if (!m_notMeasured) {
+        m_notMeasured.emplace();
+        if (m_options.offline && m_scratch) bareScratch().ask("fromBoard", nullptr).get_to(*m_notMeasured);
+    }
+    return *m_notMeasured;
 }
 
 Words LiveSession::takeNotes() {

@@ -53,7 +53,10 @@ public:
     ScratchBoard& scratchAtDefaults();
     /** The scratch board as the virtual board starts; the live applet is not looked at. */
     ScratchBoard& bareScratch();
-    /** Reads from the live applet. Offline, what comes from a board is marked as not measured. */
+    /** Names of what a read of the live applet does not measure: offline, all that comes from a board. It asks the
+     *  scratch board at the first time, so it has to be called before the scratch board is brought to a state. */
+    const std::set<std::string>& notMeasured();
+    /** Reads from the live applet, and marks what is not measured. */
     ReadResult read(const Target& target);
     /** What of the scratch board's state was assumed, when it was last asked for. */
     const Words& assumed() const { return m_assumed; }
@@ -71,9 +74,6 @@ public:
     const Words& accesses() const { return m_accesses; }
 
 private:
-    /** True for what the applet reads from the board or the runtime. */
-    bool isFromBoard(const Parameter& parameter);
-
     nlohmann::json withoutTrace(const std::function<nlohmann::json()>& read);
     ScratchBoard& seeded(const nlohmann::json& seed);
 
@@ -84,7 +84,7 @@ private:
     std::optional<Instance> m_instance;
     std::optional<ParameterList> m_parameters;
     Words m_assumed, m_assumedMeasurements;
-    std::optional<std::set<std::string>> m_fromBoard; // names; asked for when it is first needed
+    std::optional<std::set<std::string>> m_notMeasured; // asked for when it is first needed
     Words m_notes;
     std::unique_ptr<ScratchSession> m_copy; // null if not wanted
     nlohmann::json m_copyDesign;            // the answers of the live design

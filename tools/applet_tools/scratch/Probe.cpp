@@ -10,6 +10,7 @@
 #include <cmath>
 #include <limits>
 #include <type_traits>
+#include <utility>
 
 namespace applet_tools {
 namespace {
@@ -149,7 +150,8 @@ void Probe::restore() {
     if (m_depth > 0 || !m_isTouched) return;
     m_isTouched = false;
     for (std::size_t place = 0; place < count(); ++place) {
-        if (currentState(place) == m_facts[place]) continue;
+        // No text is tried, and a read of one takes long. One that moves with a number is back with it.
+        if (at(place).kind() == REGISTER_KIND_STRING || currentState(place) == m_facts[place]) continue;
         m_session.rewind();
         begin();
         return;
@@ -195,55 +197,88 @@ Value Probe::nearest(const Change& found, const std::function<bool()>& condition
     return holdsWith({found.place, value}, condition) ? value : found.value;
 }
 
-std::vector<Change> Probe::changesFor(std::size_t excluded, const std::function<bool()>& condition) {
-    std::vector<Change> changes;
+std::vector<std::vector<Change>> Probe::changesFor(const std::vector<Wish>& wishes) {
+    std::vector<std::vector<Change>> changes(wishes.size());
     for (std::size_t place = 0; place < count(); ++place) {
-        if (place == excluded) continue;
         const bool isEnumeration = at(place).kind() == REGISTER_KIND_ENUM;
+        std::vector<std::size_t> open; // wishes for which values of this parameter are tried
+        for (std::size_t i = 0; i < wishes.size(); ++i)
+            if (wishes[i].excluded != place) open.push_back(i);
+        if (open.empty()) continue;
         for (const Value& value : otherValues(place)) {
-            if (!holdsWith({place, value}, condition)) continue;
-            changes.push_back({place, isEnumeration ? value : nearest({place, value}, condition)});
-            if (!isEnumeration) break;
+            for (const std::size_t i : trueWith({place, value}, wishes, open)) {
+                changes[i].push_back(
+                    {place, isEnumeration ? value : nearest({place, value}, wishes[i].isTrue)});
+                if (!isEnumeration) std::erase(open, i);
+            }
+            if (open.empty()) break;
         }
         restore();
     }
     return changes;
 }
 
-std::vector<std::vector<Change>> Probe::pairsFor(std::size_t excluded,
-                                                 const std::function<bool()>& condition) {
-    std::vector<std::vector<Change>> pairs;
+std::vector<std::size_t> Probe::trueWith(const Change& change, const std::vector<Wish>& wishes,
+                                         const std::vector<std::size_t>& asked) {
+    std::vector<std::size_t> found;
+    tryChange(change, [&] {
+        for (const std::size_t i : asked)
+            if (wishes[i].isTrue()) found.push_back(i);
+    });
+    return found;
+}
+
+std::vector<Ways> Probe::pairsFor(const std::vector<Wish>& wishes) {
+    std::vector<Ways> pairs(wishes.size());
     const auto isFreed = [&](std::size_t place) {
         const RegisterInfo* const record = at(place).record;
-        return place != excluded && record != nullptr &&
-               ((record->access & ~facts(place).access) & REGISTER_ACCESS_WRITE) != 0;
+        return record != nullptr && ((record->access & ~facts(place).access) & REGISTER_ACCESS_WRITE) != 0;
     };
     const auto lookBehind = [&](const Change& first, std::size_t place) {
         for (const Value& value : otherValues(place))
             tryChange({place, value}, [&] {
-                if (condition()) pairs.push_back({first, {place, value}});
+                for (std::size_t i = 0; i < wishes.size(); ++i) {
+                    const std::size_t excluded = wishes[i].excluded;
+                    if (excluded != first.place && excluded != place && wishes[i].isTrue())
+                        pairs[i].push_back({first, {place, value}});
+                }
             });
     };
+    const auto isExcluded = [&](std::size_t place) {
+        return std::ranges::all_of(wishes, [&](const Wish& wish) { return wish.excluded == place; });
+    };
     for (std::size_t place = 0; place < count(); ++place) {
-        if (place == excluded || at(place).kind() != REGISTER_KIND_ENUM) continue;
+        if (isExcluded(place) || at(place).kind() != REGISTER_KIND_ENUM) continue;
         for (const Value& value : otherValues(place))
             tryChange({place, value}, [&] {
                 for (std::size_t second = 0; second < count(); ++second)
-                    if (isFreed(second)) lookBehind({place, value}, second);
+                    if (!isExcluded(second) && isFreed(second)) lookBehind({place, value}, second);
             });
         restore();
     }
     return pairs;
 }
 
-std::vector<std::vector<Change>> Probe::waysTo(std::size_t excluded, const std::function<bool()>& condition) {
-    std::vector<std::vector<Change>> ways;
-    for (const Change& change : changesFor(excluded, condition))
-        ways.push_back({change});
-    return ways.empty() ? pairsFor(excluded, condition) : ways;
+std::vector<Ways> Probe::waysTo(const std::vector<Wish>& wishes) {
+    std::vector<Ways> ways(wishes.size());
+    const std::vector<std::vector<Change>> changes = changesFor(wishes);
+    std::vector<Wish> left;
+    std::vector<Ways*> waysOfLeft;
+    for (std::size_t i = 0; i < wishes.size(); ++i) {
+        for (const Change& change : changes[i])
+            ways[i].push_back({change});
+        if (!changes[i].empty()) continue;
+        left.push_back(wishes[i]);
+        waysOfLeft.push_back(&ways[i]);
+    }
+    if (left.empty()) return ways;
+    std::vector<Ways> pairs = pairsFor(left);
+    for (std::size_t i = 0; i < left.size(); ++i)
+        *waysOfLeft[i] = std::move(pairs[i]);
+    return ways;
 }
 
-std::vector<std::string> Probe::words(const std::vector<std::vector<Change>>& ways) const {
+std::vector<std::string> Probe::words(const Ways& ways) const {
     std::vector<std::string> texts;
     for (const std::vector<Change>& way : ways) {
         std::vector<std::string> steps;

@@ -27,6 +27,15 @@ struct Change {
     Value value;
 };
 
+/** Changes that are made one after the other, for each way. */
+using Ways = std::vector<std::vector<Change>>;
+
+/** A condition, and the place of the parameter that may not be changed for it. */
+struct Wish {
+    std::size_t excluded;
+    std::function<bool()> isTrue;
+};
+
 /** What it tries is put back (see restore). A parameter is named by its place in the list, since the way back may
  *  lead over a new instance with new records. */
 class Probe {
@@ -56,24 +65,29 @@ public:
      *  brings back the parameter itself, but what it had moved may stay moved. Inside a look nothing happens. */
     void restore();
 
-    /** For each parameter, this one left out: the entries, or the number nearest to the present one, that make
-     *  the condition hold as a single change. */
-    std::vector<Change> changesFor(std::size_t excluded, const std::function<bool()>& condition);
+    /** For each parameter, the one of the wish left out: the entries, or the number nearest to the present one, that
+     *  make it come true as a single change. */
+    std::vector<Change> changesFor(const Wish& wish) { return changesFor(std::vector{wish}).front(); }
 
-    /** Single changes for which the condition holds; where there is none, pairs of which the first makes the
-     *  second parameter writable. */
-    std::vector<std::vector<Change>> waysTo(std::size_t excluded, const std::function<bool()>& condition);
+    /** Single changes with which each wish comes true; where there is none, pairs of which the first makes the
+     *  second parameter writable. A change is tried once for all of them: the way back may take long. */
+    std::vector<Ways> waysTo(const std::vector<Wish>& wishes);
+    Ways waysTo(const Wish& wish) { return waysTo(std::vector{wish}).front(); }
 
     /** "FG_XOFFSET=64", as `set` takes it. */
     std::string words(const Change& change) const;
     /** "FG_LINETRIGGERMODE=ASYNC_TRIGGER FG_SHAFTENCODERON=FG_ON" for each way. */
-    std::vector<std::string> words(const std::vector<std::vector<Change>>& ways) const;
+    std::vector<std::string> words(const Ways& ways) const;
 
 private:
     /** The present state is the one of the probe. */
     void begin();
     int write(const Target& target, const Value& value);
-    std::vector<std::vector<Change>> pairsFor(std::size_t excluded, const std::function<bool()>& condition);
+    std::vector<std::vector<Change>> changesFor(const std::vector<Wish>& wishes);
+    /** The wishes of `asked`, by their numbers, that come true with the change. */
+    std::vector<std::size_t> trueWith(const Change& change, const std::vector<Wish>& wishes,
+                                      const std::vector<std::size_t>& asked);
+    std::vector<Ways> pairsFor(const std::vector<Wish>& wishes);
     bool holdsWith(const Change& change, const std::function<bool()>& condition);
     Value nearest(const Change& found, const std::function<bool()>& condition);
 

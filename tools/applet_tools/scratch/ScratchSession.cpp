@@ -17,8 +17,6 @@ BoardOptions onVirtualBoard(BoardOptions options) {
     return options;
 }
 
-std::string designName(const std::string& published) { return published.substr(designPrefix.size()); }
-
 std::string publishedName(const std::string& name) { return std::string(designPrefix) + name; }
 
 /** Puts an answer of the live design on the board. */

@@ -16,7 +16,8 @@ bool isWider(const Value& a, const Value& b, End end) {
 }
 
 bool isTaken(Probe& probe, const Subject& subject, const Value& number) {
-    const Value value = subject.elements ? Elements{std::get<std::uint32_t>(number)} : number;
+    const Value value =
+        subject.elements ? Elements(subject.elements->count(), std::get<std::uint32_t>(number)) : number;
     return probe.answer(subject.in(probe), value) == FG_OK;
 }
 

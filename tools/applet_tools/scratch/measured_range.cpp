@@ -10,14 +10,15 @@ namespace {
 
 constexpr std::uint64_t widestStep = 64; // of a whole number's grid
 
-/** Asks for a number; of an array one element is given it. */
+/** Asks for a number; of an array all elements of the target are given it. */
 class Asked {
 public:
     Asked(Probe& probe, const Target& target) : m_probe(probe), m_target(target) {}
 
     int answer(const Value& number) {
         if (!m_target.elements) return m_probe.answer(m_target, number);
-        return m_probe.answer(m_target, Elements{std::get<std::uint32_t>(number)});
+        return m_probe.answer(m_target,
+                              Elements(m_target.elements->count(), std::get<std::uint32_t>(number)));
     }
     bool takes(const Value& number) { return answer(number) == FG_OK; }
     /** A number off the grid lies between the limits all the same. */

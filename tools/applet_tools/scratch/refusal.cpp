@@ -58,20 +58,43 @@ std::optional<Value> wantedNumber(const Assignment& assignment) {
 
 } // namespace
 
+std::vector<RefusalCauses> findCauses(Probe& probe, const std::vector<Assignment>& assignments) {
+    struct Refused {
+        Subject subject;
+        Value value;
+        std::optional<Value> number;
+    };
+    std::vector<Refused> all; // without records, which may go
+    for (const Assignment& assignment : assignments)
+        all.push_back({{probe.placeOf(probe.session().parameters().find(assignment.target.parameter->name)),
+                        assignment.target.elements},
+                       assignment.value,
+                       wantedNumber(assignment)});
+    std::vector<RefusalCauses> causes(all.size());
+    std::vector<Wish> wishes;
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        const auto& [subject, value, number] = all[i];
+        const int code = probe.answer(subject.in(probe), value);
+        if (code == FG_OK) causes[i].limit = "a scratch board with the same values accepts it";
+        causes[i].isTried = code != FG_OK && code != FG_ERR_NOT_AVAILABLE;
+        if (causes[i].isTried)
+            wishes.push_back({subject.place, [&probe, &one = all[i]] {
+                                  return probe.answer(one.subject.in(probe), one.value) == FG_OK;
+                              }});
+        if (all.size() > 1) probe.restore();
+    }
+    const std::vector<Ways> ways = probe.waysTo(wishes);
+    for (std::size_t i = 0, next = 0; i < all.size(); ++i) {
+        if (!causes[i].isTried) continue;
+        causes[i].acceptedWith = probe.words(ways[next++]);
+        if (all[i].number) addRange(probe, all[i].subject, *all[i].number, causes[i]);
+        if (all.size() > 1) probe.restore();
+    }
+    return causes;
+}
+
 RefusalCauses findCauses(Probe& probe, const Assignment& assignment) {
-    const Subject subject{probe.placeOf(probe.session().parameters().find(assignment.target.parameter->name)),
-                          assignment.target.elements};
-    const Value value = assignment.value;
-    const auto wanted = wantedNumber(assignment);
-    RefusalCauses found;
-    const int code = probe.answer(subject.in(probe), value);
-    if (code == FG_OK) found.limit = "a scratch board with the same values accepts it";
-    if (code == FG_OK || code == FG_ERR_NOT_AVAILABLE) return found;
-    found.isTried = true;
-    found.acceptedWith = probe.words(
-        probe.waysTo(subject.place, [&] { return probe.answer(subject.in(probe), value) == FG_OK; }));
-    if (wanted) addRange(probe, subject, *wanted, found);
-    return found;
+    return findCauses(probe, std::vector{assignment}).front();
 }
 
 void addCauses(ordered_json& row, const Parameter& parameter, const RefusalCauses& causes) {
@@ -101,13 +124,21 @@ std::string inWords(const Parameter& parameter, const RefusalCauses& causes) {
 
 } // namespace
 
+std::vector<Suggestion> suggestionsFor(Probe& probe, const std::vector<Assignment>& assignments) {
+    Words names; // the records may be gone after the trials
+    for (const Assignment& assignment : assignments)
+        names.push_back(assignment.target.parameter->name);
+    std::vector<Suggestion> suggestions;
+    for (const RefusalCauses& causes : findCauses(probe, assignments)) {
+        const Parameter& parameter = probe.session().parameters().find(names[suggestions.size()]);
+        Suggestion& suggestion = suggestions.emplace_back(Suggestion{inWords(parameter, causes), {}});
+        addCauses(suggestion.members, parameter, causes);
+    }
+    return suggestions;
+}
+
 Suggestion suggestionFor(Probe& probe, const Assignment& assignment) {
-    const std::string name = assignment.target.parameter->name; // the record may be gone after the trials
-    const RefusalCauses causes = findCauses(probe, assignment);
-    const Parameter& parameter = probe.session().parameters().find(name);
-    Suggestion suggestion{inWords(parameter, causes), {}};
-    addCauses(suggestion.members, parameter, causes);
-    return suggestion;
+    return suggestionsFor(probe, std::vector{assignment}).front();
 }
 
 json suggestionJob(ScratchSession& session, const json& arguments) {

@@ -26,6 +26,8 @@ struct RefusalCauses {
 /** Tries it on the scratch board, in the state of the probe. Records of parameters from before may be gone
  *  afterwards, those of the assignment too. */
 RefusalCauses findCauses(Probe& probe, const Assignment& assignment);
+/** The same for several, each by itself from the state of the probe. */
+std::vector<RefusalCauses> findCauses(Probe& probe, const std::vector<Assignment>& assignments);
 
 /** Adds "acceptedWith", "setBy" and "nearest" to the row; `parameter` is the one that refused. */
 void addCauses(nlohmann::ordered_json& row, const Parameter& parameter, const RefusalCauses& causes);
@@ -39,6 +41,7 @@ struct Suggestion {
 
 /** Finds one on the scratch board, as findCauses does. */
 Suggestion suggestionFor(Probe& probe, const Assignment& assignment);
+std::vector<Suggestion> suggestionsFor(Probe& probe, const std::vector<Assignment>& assignments);
 
 /** The same for a refusal of the live applet with this code; empty for texts, and for a code of the board. */
 Suggestion askSuggestion(LiveSession& live, const Assignment& assignment, int code);

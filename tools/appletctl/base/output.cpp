@@ -64,7 +64,7 @@ std::string writtenLine(const std::string& file) {
     return lineOf({"written", printable(file)}, inQuotes(file) + " written");
 }
 
-std::string forPerson(std::string text) { return mode().isPlain ? std::string() : text; }
+std::string forPerson(std::string text) { return mode().isPlain ? std::string() : std::move(text); }
 
 bool isCapableTerminal(int fileDescriptor) {
     if (mode().isPlain || mode().isForFile) return false;

@@ -82,6 +82,7 @@ bool canDrawUnicode(int fileDescriptor);
 
 /** The outcome of a command: text for the standard output, or the document instead of it; problems, one line
  *  each, for the error output. */
+// The move of a JSON document checks itself. NOLINTNEXTLINE(bugprone-exception-escape)
 struct Report {
     nlohmann::ordered_json document;
     std::string text;

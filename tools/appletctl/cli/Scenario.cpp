@@ -8,6 +8,8 @@
 #include "applet_tools/base/text.h"
 #include "applet_tools/base/words.h"
 #include "appletctl/cli/execute.h"
+#include "appletctl/cli/station_steps.h"
+#include "appletctl/cli/step_words.h"
 #include "appletctl/commands/CommandRun.h"
 #include "appletctl/commands/assignment_report.h"
 
@@ -17,40 +19,22 @@
 namespace appletctl {
 namespace {
 
-const Relation& relationFrom(const std::string& word) {
-    const Relation* relation = relationAt(word);
-    if (relation != nullptr && relation->symbol == word) return *relation;
-    throw UsageError(inQuotedWord(word) + " is none of " + relationsInWords());
-}
-
-double numberFrom(const std::string& word) {
-    if (const auto number = floatingNumber(word)) return *number;
-    throw UsageError(inQuotedWord(word) + " is no number");
-}
-
-template <typename Integer> Integer wholeFrom(const std::string& word) {
-    if (const auto number = wholeNumber<Integer>(word)) return *number;
-    throw UsageError(inQuotedWord(word) + " is no whole number that is possible here");
-}
-
 int codeOf(const std::string& word) {
     if (const auto code = codeFrom(word)) return *code;
     throw UsageError(inQuotedWord(word) + " is neither a number nor a code such as FG_ERR_OUT_OF_RANGE");
 }
 
-void checkOneOf(const std::string& word, const Words& possible) {
-    if (std::ranges::find(possible, word) == possible.end())
-        throw UsageError(inQuotedWord(word) + " is none of " + join(possible, ", ") +
-                         didYouMean(nearestWords(word, possible)));
-}
-
 // ---- Steps that expect something.
+
+void lookAtCondition(ScenarioRunner& station, const Step& step) {
+    const Condition condition(station.parameters(), step.rest);
+}
 
 std::string expectValue(ScenarioRunner& station, const Step& step) {
     const Condition condition(station.parameters(), step.rest);
     Words are;
     const auto read = [&](const Target& target) {
-        const ReadResult reading = readValue(station.instance(), target);
+        ReadResult reading = readValue(station.instance(), target);
         are.push_back(target.name() + (reading.error == FG_OK
                                            ? " = " + valueWithUnit(*target.parameter, reading.value)
                                            : " cannot be read: " + codeInWords(reading.error)));
@@ -58,6 +42,8 @@ std::string expectValue(ScenarioRunner& station, const Step& step) {
     };
     return condition.holds(read) ? "" : join(are, ", ");
 }
+
+void lookAtName(ScenarioRunner& station, const Step& step) { station.parameters().find(step.words[0]); }
 
 void checkLimit(const Words& words) {
     checkOneOf(words[1], {"minimum", "maximum", "increment"});
@@ -85,6 +71,10 @@ std::string expectAccess(ScenarioRunner& station, const Step& step) {
 
 void checkCode(const Words& words) { codeOf(words[0]); }
 
+void lookAtAssignment(ScenarioRunner& station, const Step& step) {
+    parseAssignments(station.parameters(), {step.words[1]});
+}
+
 std::string expectCode(ScenarioRunner& station, const Step& step) {
     station.forgetWrites();
     const Report report = reportAssignments(station.instance(), station.parameters(), {step.words[1]});
@@ -93,6 +83,10 @@ std::string expectCode(ScenarioRunner& station, const Step& step) {
     if (code == codeOf(step.words[0])) return "";
     return code == FG_OK ? "it was accepted" : join(report.problems, "; ");
 }
+
+void lookAtWrite(ScenarioRunner& station, const Step& step) { station.requireKnownEnd(step.words[0]); }
+
+void lookAtBoard(ScenarioRunner& station, const Step&) { station.board(); }
 
 std::string expectWrite(ScenarioRunner& station, const Step& step) {
     if (station.findWrite(step.words[0], step.words[1])) return "";
@@ -110,15 +104,20 @@ void checkEvent(const Words& words) {
     numberFrom(words[2]);
 }
 
-std::string expectEvent(ScenarioRunner& station, const Step& step) {
+std::uint64_t eventMask(ScenarioRunner& station, const std::string& name) {
     station.board();
-    const auto& applet = station.instance().applet();
-    const std::uint64_t mask = applet.Fg_getEventMask(station.instance().fg(), step.words[0].c_str());
-    if (mask == 0)
-        throw UsageError("there is no event " + inQuotedWord(step.words[0]) +
-                         ": 'appletctl events' shows them");
-    const std::int64_t count = applet.Fg_getStatusEx(station.instance().fg(), VBOARD_STATUS_EVENTS,
-                                                     static_cast<std::intptr_t>(mask), 0, nullptr);
+    Instance& instance = station.instance();
+    const std::uint64_t mask = instance.applet().Fg_getEventMask(instance.fg(), name.c_str());
+    if (mask != 0) return mask;
+    throw UsageError("there is no event " + inQuotedWord(name) + ": 'appletctl events' shows them");
+}
+
+void lookAtEvent(ScenarioRunner& station, const Step& step) { eventMask(station, step.words[0]); }
+
+std::string expectEvent(ScenarioRunner& station, const Step& step) {
+    const std::uint64_t mask = eventMask(station, step.words[0]);
+    const std::int64_t count = station.instance().applet().Fg_getStatusEx(
+        station.instance().fg(), VBOARD_STATUS_EVENTS, static_cast<std::intptr_t>(mask), 0, nullptr);
     const bool holds =
         relationFrom(step.words[1]).holds(static_cast<double>(count) <=> numberFrom(step.words[2]));
     return holds ? "" : "it was raised " + numberText(count) + " times";
@@ -155,6 +154,9 @@ std::string failAccess(ScenarioRunner& station, const Step& step) {
 
 void checkFailName(const Words& words) { codeOf(words[1]); }
 
+/** A parameter of the design or a register, by its name or by an end that no other one has. */
+void lookAtDesignName(ScenarioRunner& station, const Step& step) { station.requireKnown(step.words[0]); }
+
 std::string failName(ScenarioRunner& station, const Step& step) {
     station.failName(step.words[0], codeOf(step.words[1]));
     return "";
@@ -190,20 +192,31 @@ std::string poke(ScenarioRunner& station, const Step& step) {
 }
 
 constexpr StepKind kinds[] = {
-    {"section", "TITLE", 1, 1, false, nullptr, nullptr},
-    {"expect value", "NAME OPERATOR VALUE [&& ...]", 1, -1, false, nullptr, expectValue},
-    {"expect limit", "NAME minimum|maximum|increment OPERATOR NUMBER", 4, 4, false, checkLimit, expectLimit},
-    {"expect access", "NAME ro|rw|rw+", 2, 2, false, checkAccess, expectAccess},
-    {"expect code", "CODE NAME=VALUE", 2, 2, false, checkCode, expectCode},
-    {"expect write", "DESIGN_PARAMETER VALUE", 2, 2, false, nullptr, expectWrite},
-    {"expect no write", "", 0, 0, false, nullptr, expectNoWrite},
-    {"expect event", "EVENT OPERATOR NUMBER", 3, 3, false, checkEvent, expectEvent},
-    {"expect exit", "CODE COMMAND...", 2, -1, true, checkExit, expectExit},
-    {"fail access", "K CODE [once|always]", 2, 3, false, checkFailAccess, failAccess},
-    {"fail name", "DESIGN_PARAMETER CODE", 2, 2, false, checkFailName, failName},
-    {"lack", "DESIGN_PARAMETER", 1, 1, false, nullptr, lackParameter},
-    {"raise", "EVENT", 1, 1, false, nullptr, raiseEvent},
-    {"poke", "DESIGN_PARAMETER VALUE", 2, 2, false, nullptr, poke},
+    {"section", "TITLE", 1, 1, false, nullptr, nullptr, nullptr},
+    {"expect value", "NAME OPERATOR VALUE [&& ...]", 1, -1, false, nullptr, lookAtCondition, expectValue},
+    {"expect limit", "NAME minimum|maximum|increment OPERATOR NUMBER", 4, 4, false, checkLimit, lookAtName,
+     expectLimit},
+    {"expect access", "NAME ro|rw|rw+", 2, 2, false, checkAccess, lookAtName, expectAccess},
+    {"expect code", "CODE NAME=VALUE", 2, 2, false, checkCode, lookAtAssignment, expectCode},
+    {"expect write", "DESIGN_PARAMETER VALUE", 2, 2, false, nullptr, lookAtWrite, expectWrite},
+    {"expect no write", "", 0, 0, false, nullptr, lookAtBoard, expectNoWrite},
+    {"expect event", "EVENT OPERATOR NUMBER", 3, 3, false, checkEvent, lookAtEvent, expectEvent},
+    {"expect exit", "CODE COMMAND...", 2, -1, true, checkExit, nullptr, expectExit},
+    {"expect frame", "[PICTURE] FIELD OPERATOR VALUE", 3, 4, false, checkFrame, lookAtBoard, expectFrame},
+    {"expect signal", "SIGNAL period|width|gap|rate|pulses|level OPERATOR VALUE", 4, 4, false, checkSignal,
+     lookAtBoard, expectSignal},
+    {"expect pixel", "X,Y OPERATOR BLUE,GREEN,RED", 3, 3, false, checkPixel, lookAtBoard, expectPixel},
+    {"expect loss", "images|triggers|pulses|cameratriggers OPERATOR NUMBER", 3, 3, false, checkLoss,
+     lookAtBoard, expectLoss},
+    {"advance", "TIME", 1, 1, false, checkAdvance, lookAtBoard, advanceStation},
+    {"wave", "INPUT WAVE", 2, 2, false, checkWave, lookAtBoard, connectStationWave},
+    {"acquire", "start|stop", 1, 1, false, checkAcquire, lookAtBoard, acquire},
+    {"grab", "[N] [FILE] [within TIME]", 0, 4, false, checkGrab, lookAtBoard, grab},
+    {"fail access", "K CODE [once|always]", 2, 3, false, checkFailAccess, lookAtBoard, failAccess},
+    {"fail name", "DESIGN_PARAMETER CODE", 2, 2, false, checkFailName, lookAtDesignName, failName},
+    {"lack", "DESIGN_PARAMETER", 1, 1, false, nullptr, lookAtDesignName, lackParameter},
+    {"raise", "EVENT", 1, 1, false, nullptr, lookAtBoard, raiseEvent},
+    {"poke", "DESIGN_PARAMETER VALUE", 2, 2, false, nullptr, lookAtDesignName, poke},
 };
 
 std::string usageOf(const StepKind& kind) {
@@ -301,11 +314,31 @@ std::string scenarioSteps() {
     return text;
 }
 
+namespace {
+
+[[noreturn]] void refuseLine(const std::string& file, std::size_t number, const std::string& text,
+                             const UsageError& error) {
+    throw UsageError(toUtf8(file.c_str()) + ":" + numberText(number) + ": " + printable(text) + ": " +
+                     error.what());
+}
+
+} // namespace
+
+void checkSteps(ScenarioRunner& station, const std::string& file, const std::vector<Step>& steps) {
+    for (const Step& step : steps)
+        try {
+            if (step.kind != nullptr && step.kind->look != nullptr) step.kind->look(station, step);
+        } catch (const UsageError& error) {
+            refuseLine(file, step.line, step.text, error);
+        }
+}
+
 std::vector<Step> readScenario(const std::string& file, const Options& options) {
     const std::optional<std::string> text = textOfFile(file);
     if (!text) throw UsageError(shownFile(file) + " is no file that can be read");
     std::vector<Step> steps;
-    std::istringstream lines(*text);
+    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF"; // of some editors
+    std::istringstream lines(text->starts_with(byteOrderMark) ? text->substr(byteOrderMark.size()) : *text);
     std::string section, content;
     for (std::size_t number = 1; std::getline(lines, content); ++number) {
         const WordLine line = splitLine(content);
@@ -320,8 +353,7 @@ std::vector<Step> readScenario(const std::string& file, const Options& options) 
             step.section = section;
             steps.push_back(std::move(step));
         } catch (const UsageError& error) {
-            throw UsageError(file + ":" + numberText(number) + ": " + printable(textFrom(content, line, 0)) +
-                             ": " + error.what());
+            refuseLine(file, number, textFrom(content, line, 0), error);
         }
     }
     if (steps.empty()) throw UsageError(shownFile(file) + " has no steps");

@@ -38,6 +38,7 @@ ScenarioRunner::ScenarioRunner(Context& context) : m_context(context) {
 }
 
 ScenarioRunner::~ScenarioRunner() {
+    m_stationState.reset(); // an acquisition ends before its board goes
     if (!m_context.isUp() || instance().device() == nullptr || !instance().host()->isVirtual()) return;
     instance().board().fail_access(instance().device(), 0, 0, VBOARD_ONCE);
     for (const std::string& name : m_failing)
@@ -101,6 +102,20 @@ std::string ScenarioRunner::designName(const std::string& name) {
     return found.empty() ? name : found.front();
 }
 
+void ScenarioRunner::requireKnown(const std::string& name) {
+    const std::string full = designName(name);
+    // No access fails because of this.
+    if (board().fail_name(instance().device(), full.c_str(), 0) != VBOARD_OK)
+        refuseName(name, "parameter or register");
+}
+
+void ScenarioRunner::requireKnownEnd(const std::string& name) {
+    board();
+    for (const std::string& known : designNames())
+        if (known.ends_with("_" + name)) return;
+    requireKnown(name);
+}
+
 void ScenarioRunner::failName(const std::string& name, int code) {
     const std::string full = designName(name);
     if (board().fail_name(instance().device(), full.c_str(), code) != VBOARD_OK)
@@ -110,6 +125,7 @@ void ScenarioRunner::failName(const std::string& name, int code) {
 
 void ScenarioRunner::lack(const std::string& name) {
     if (board().lack_parameter(designName(name).c_str(), true) != VBOARD_OK) refuseName(name, "parameter");
+    m_stationState.emplace();
     m_context.restart();
     logWrites(instance());
 }

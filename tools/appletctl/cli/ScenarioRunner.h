@@ -2,10 +2,13 @@
 #ifndef APPLETCTL_CLI_SCENARIORUNNER_H
 #define APPLETCTL_CLI_SCENARIORUNNER_H
 
+#include "appletctl/cli/StationState.h"
 #include "appletctl/commands/Context.h"
 
 #include <cstddef>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace appletctl {
@@ -26,6 +29,9 @@ public:
     /** Control of the board. Throws UsageError when it is no virtual one. */
     const applet_host::BoardFunctions& board();
 
+    /** What is known of the station; on the virtual board only. */
+    StationState& stationState() { return *m_stationState; }
+
     /** From now on the writes count. */
     void forgetWrites();
     /** Looks for a write behind the one that was found before; a name may be the end of one, behind a _.
@@ -37,6 +43,10 @@ public:
     /** The full name of a parameter of the design, which may be given by its end behind a _. A register's name is
      *  left as it is. Throws UsageError for an end that several have. */
     std::string designName(const std::string& name);
+    /** Throws UsageError for what designName does not take, and for a name that the board does not know. */
+    void requireKnown(const std::string& name);
+    /** The same, but several names may end with it. */
+    void requireKnownEnd(const std::string& name);
     /** All accesses of the parameter or register fail with the code; 0: no more. */
     void failName(const std::string& name, int code);
     /** Takes a parameter out of the design, and starts the applet anew on a fresh board. */
@@ -53,6 +63,7 @@ private:
     std::vector<std::string> m_writes;
     std::size_t m_found = 0; // number of writes up to the one that was found last
     std::vector<std::string> m_failing;
+    std::optional<StationState> m_stationState{std::in_place};
 };
 
 } // namespace appletctl

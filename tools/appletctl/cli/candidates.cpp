@@ -1,8 +1,9 @@
 #include "appletctl/cli/candidates.h"
 
-#include "applet_tools/applet/Condition.h"
 #include "applet_tools/applet/published_limits.h"
+#include "applet_tools/base/errors.h"
 #include "applet_tools/base/text.h"
+#include "applet_tools/station/signals.h"
 #include "appletctl/cli/help.h"
 
 #include <algorithm>
@@ -158,24 +159,78 @@ Candidates columnsOf(const std::string& list, const std::string& word) {
     return found;
 }
 
-/** The next part of a condition: a name, behind a name an operator, behind a value what joins two conditions. */
+/** Behind the last && or ||, and what may go before a name there. */
+std::size_t beginOfComparison(const std::string& condition) {
+    constexpr std::size_t length = 2; // of a joint
+    std::size_t behind = 0;
+    for (const char* const joint : {"&&", "||"})
+        if (const std::size_t place = condition.rfind(joint); place != std::string::npos)
+            behind = std::max(behind, place + length);
+    return std::min(condition.find_first_not_of(" (", behind), condition.size());
+}
+
+/** The parameter of a name, or a label in quotes or without, with blanks around it; null if there is none. */
+const Parameter* comparedParameter(const ParameterList& parameters, std::string name) {
+    name.erase(0, name.find_first_not_of(" '\""));
+    name.erase(name.find_last_not_of(" '\"") + 1);
+    try {
+        return &parameters.find(name);
+    } catch (const UsageError&) {
+        return nullptr;
+    }
+}
+
+/** What a parameter can be compared with: as a set of it takes. */
+Candidates comparedValues(const ParameterList& parameters, const Parameter& parameter,
+                          const std::string& value) {
+    const std::string begin = parameter.name + "=";
+    Candidates found = assignmentsOf(parameters, begin + value);
+    for (Candidate& one : found)
+        one.text.erase(0, begin.size());
+    return found;
+}
+
+/** The next part of a condition: a name, behind a name an operator, behind it a value, behind that what joins two. */
 Candidates conditionParts(const ParameterList& parameters, const std::string& word) {
-    const std::size_t space = word.rfind(' ');
-    const std::string before = space == std::string::npos ? "" : word.substr(0, space + 1);
-    const std::string last = word.substr(before.size());
-    std::istringstream words(before);
-    std::size_t place = 0;
-    for (std::string one; words >> one;)
-        ++place;
-    constexpr std::size_t wordsOfComparison = 4; // NAME OPERATOR VALUE &&
+    constexpr const char* operatorMarks = "<>=!";
+    const std::string comparison = word.substr(beginOfComparison(word));
+    const std::size_t mark = std::min(comparison.find_first_of(operatorMarks), comparison.size());
+    const std::size_t behind = std::min(comparison.find_first_not_of(operatorMarks, mark), comparison.size());
+    const std::size_t value = std::min(comparison.find_first_not_of(' ', behind), comparison.size());
+    const Parameter* const parameter = comparedParameter(parameters, comparison.substr(0, mark));
+    std::string last; // what the candidates take the place of
     Candidates found;
-    if (place % wordsOfComparison == 0) found = namesOf(parameters, last, "");
-    if (place % wordsOfComparison == 1) found = {{"=="}, {"!="}, {"<"}, {"<="}, {">"}, {">="}};
-    if (place % wordsOfComparison == 3) found = {{"&&"}, {"||"}};
-    found = matching(found, last);
+    if (mark == comparison.size() && !comparison.ends_with(' ')) {
+        last = comparison;
+        found = namesOf(parameters, last, "");
+    } else if (const bool isLongest = behind - mark == 2; behind == comparison.size() && !isLongest) {
+        last = comparison.substr(mark);
+        if (parameter != nullptr) found = matching({{"=="}, {"!="}, {"<"}, {"<="}, {">"}, {">="}}, last);
+    } else if (comparison.find_first_of(" )", value) == std::string::npos) {
+        last = comparison.substr(value);
+        if (parameter != nullptr) found = comparedValues(parameters, *parameter, last);
+    } else {
+        last = comparison.substr(comparison.find_last_of(" )") + 1);
+        found = matching({{"&&"}, {"||"}}, last);
+    }
+    const std::string before = word.substr(0, word.size() - last.size());
     for (Candidate& one : found)
         one.text.insert(0, before);
     return found;
+}
+
+/** Of INPUT=WAVE: the inputs, then how a wave begins. */
+Candidates waveParts(const std::string& word) {
+    const std::size_t equals = word.find('=');
+    Candidates found;
+    if (equals == std::string::npos) {
+        for (const StationSignal& signal : stationSignals())
+            if (signal.name.find("GPI_") != std::string::npos) found.push_back({signal.name + "="});
+    } else {
+        for (const char* wave : {"high", "low", "square:", "edges:", "encoder:"})
+            found.push_back({word.substr(0, equals + 1) + wave});
+    }
+    return matching(found, word);
 }
 
 /** What an option's value can be, by the name of its type; `before` is "--option=" where both are one word. */
@@ -191,6 +246,8 @@ Candidates valuesOfOption(const CLI::Option& option, const std::string& word, co
         found = columnsOf(option.get_description(), word);
     else if (type == "EXPR")
         found = conditionParts(parameters(), word);
+    else if (type == "INPUT=WAVE")
+        found = waveParts(word);
     else if (type == "FILE.mcf")
         found = filesOf(word, ".mcf");
     else
@@ -210,17 +267,32 @@ Candidates argumentsOf(const Command& command, int before, const std::string& wo
     const std::string_view kind = kindOf(command);
     const bool isBehindFile = kind == "FILE" && before > 0 && command.most < 0;
     Candidates files;
-    if (!isBehindFile && *command.fileSuffix != '\0') files = filesOf(word, command.fileSuffix);
-    if (command.file == Command::File::readUnlessAssignment) {
+    if (before < command.mostFiles && *command.fileSuffix != '\0') files = filesOf(word, command.fileSuffix);
+    if (isBehindFile || command.file == Command::File::readUnlessAssignment) {
         const Candidates assignments = assignmentsOf(parameters(), word);
         files.insert(files.end(), assignments.begin(), assignments.end());
         return files;
     }
     if (!files.empty()) return files;
-    if (isBehindFile || kind.find("NAME=VALUE") != std::string_view::npos)
+    const bool isAssignment = kind == "NAME[=VALUE]" && word.find('=') != std::string::npos;
+    if (isAssignment || kind.find("NAME=VALUE") != std::string_view::npos)
         return assignmentsOf(parameters(), word);
     if (kind.starts_with("NAME") || kind == "PATTERN") return namesOf(parameters(), word, "");
     return {};
+}
+
+/** A command, or behind a group of commands one of them. */
+Candidates helpTopics(const CLI::App& program, const Words& words, const Place& place,
+                      const std::string& word) {
+    if (place.arguments == 0) return matching(commandsOf(program), word);
+    const CLI::App* group = place.arguments == 1 ? subcommandOf(program, words[words.size() - 2]) : nullptr;
+    return group != nullptr ? matching(commandsOf(*group), word) : Candidates{};
+}
+
+/** Behind "trace diff" there are files, of any name, and the options of all commands. */
+bool isTraceDiff(const Words& words, const Place& place) {
+    const auto begin = words.begin() + place.begin;
+    return std::distance(begin, words.end()) > 1 && *begin == "diff";
 }
 
 } // namespace
@@ -233,6 +305,8 @@ std::vector<Candidate> candidatesFor(const Words& words,
     const std::string word = words.empty() ? "" : words.back();
     const Place place = placeOf(program, words);
     const Command* command = commandOf(*place.command);
+    if (command != nullptr && command->kind == Command::Kind::prefix && isTraceDiff(words, place))
+        return word.starts_with('-') ? matching(optionsOf(&program), word) : Candidates{};
     if (command != nullptr && command->kind == Command::Kind::prefix)
         return candidatesFor(Words(words.begin() + place.begin, words.end()), parameters);
     if (place.option != nullptr) return valuesOfOption(*place.option, word, "", parameters);
@@ -251,12 +325,12 @@ std::vector<Candidate> candidatesFor(const Words& words,
     if (command->argument != nullptr)
         if (const CLI::Option* argument = place.command->get_option_no_throw(command->argument);
             argument != nullptr)
-            if (const Candidates listed = valuesOfOption(*argument, word, "", parameters); !listed.empty())
+            if (Candidates listed = valuesOfOption(*argument, word, "", parameters); !listed.empty())
                 return listed;
     const std::string_view name = command->name;
     if ((name == "get" || name == "watch") && std::ranges::any_of(words, isGroupOption))
         return groupsOf(parameters(), word);
-    if (name == "help") return place.arguments == 0 ? matching(commandsOf(program), word) : Candidates{};
+    if (name == "help") return helpTopics(program, words, place, word);
     return argumentsOf(*command, place.arguments, word, parameters);
 }
 

@@ -50,13 +50,16 @@ void addGlobalOptions(CLI::App& program, Options& options) {
             "all defaults")
         ->check(CLI::IsMember({"virtual", "system"}));
     program.add_option("--bridge", options.bridge, "Library that opens a board of the system")
-        ->type_name("FILE");
+        ->type_name("FILE")
+        ->check(troubleOfFileName);
     program.add_flag(
         "--look", options.look,
         "Start the applet without writing to the board, and refuse what would write. Settings then "
         "read as the applet begins, measured values as the board has them");
     program.add_flag("--offline", options.offline, "Use an instance of the applet without a board");
-    program.add_option("--applet", options.applet, "Applet library to load")->type_name("FILE");
+    program.add_option("--applet", options.applet, "Applet library to load")
+        ->type_name("FILE")
+        ->check(troubleOfFileName);
     program.add_flag("--json", options.json, "Print one JSON document instead of text");
     program.add_flag("--plain", options.plain, "Print tables as lines with tabs; no colour, no drawing");
     program.add_option("--color", options.colour, "Colour: auto, always or never")
@@ -71,6 +74,14 @@ constexpr const char* programDescription = "Shows and sets the parameters of the
 const CLI::App& reached(const CLI::App& app) {
     const auto below = app.get_subcommands();
     return below.empty() ? app : reached(*below.front());
+}
+
+/** "lut show", "trace"; empty where not even a group of commands was reached. */
+std::string reachedName(const CLI::App& app) {
+    const auto below = app.get_subcommands();
+    if (below.empty()) return "";
+    const std::string rest = reachedName(*below.front());
+    return below.front()->get_name() + (rest.empty() ? "" : " " + rest);
 }
 
 /** What is wrong where a group of commands, or nothing at all, was named. */
@@ -97,19 +108,23 @@ Report endParsing(const CLI::App& program, const CLI::ParseError& error) {
     return report;
 }
 
+Request misuse(const Options& options, const std::string& name, const std::string& words) {
+    return {options, nullptr, {}, failureReport("usage", words, exitUsage), name};
+}
+
 /** The request of the command behind "trace"; its own options go before those that stood in front of it. */
 Request tracedRequest(const Request& trace) {
     if (trace.words.empty())
-        return {trace.options,
-                nullptr,
-                {},
-                failureReport("usage",
-                              "'trace' needs a command with its words, or 'diff' and two files; 'appletctl "
-                              "trace --help' shows the usage",
-                              exitUsage)};
+        return misuse(trace.options, "trace",
+                      "'trace' needs a command with its words, or 'diff' and two files; 'appletctl trace "
+                      "--help' shows the usage");
     Request request = parseCommandLine(trace.words, trace.options);
     if (request.command != nullptr && request.command->kind == Command::Kind::prefix)
-        return {trace.options, nullptr, {}, failureReport("usage", "'trace' cannot be traced", exitUsage)};
+        return misuse(trace.options, "trace", "'trace' cannot be traced");
+    if (request.outcome.exitCode == exitUsage)
+        request.misused = request.misused.empty() || request.misused.starts_with("trace")
+                              ? "trace"
+                              : "trace " + request.misused;
     request.options.trace = true;
     return request;
 }
@@ -129,14 +144,14 @@ Request comparison(Request request) {
         return parseCommandLine({"trace", "--help"}, request.options);
     } catch (const CLI::ParseError& error) {
         request.options.json |= std::ranges::find(words, "--json") != words.end();
-        return {request.options, nullptr, {}, endParsing(program, error)};
+        return {request.options, nullptr, {}, endParsing(program, error), "trace diff"};
     }
 }
 
 } // namespace
 
 std::string nameOf(const Request& request) {
-    if (request.command == nullptr) return "";
+    if (request.command == nullptr) return request.misused;
     const bool isComparison = request.command->kind == Command::Kind::prefix;
     return (request.options.trace ? "trace " : "") + fullName(*request.command) +
            (isComparison ? " diff" : "");
@@ -177,10 +192,12 @@ Request parseCommandLine(const Words& words, const Options& options) {
             throw CLI::RequiredError(commandMissing(program), CLI::ExitCodes::RequiredError);
     } catch (const UsageError& error) {
         request.command = nullptr;
+        request.misused = reachedName(program);
         request.outcome = failureReport("usage", error.what(), exitUsage);
     } catch (const CLI::ParseError& error) {
         request.command = nullptr;
         request.outcome = endParsing(program, error);
+        if (request.outcome.exitCode == exitUsage) request.misused = reachedName(program);
         // The error does not say which options were read before it.
         request.options.json |= std::ranges::find(words, "--json") != words.end();
     }

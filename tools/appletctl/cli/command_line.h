@@ -18,9 +18,11 @@ struct Request {
     const Command* command = nullptr; // null for help, version and wrong usage: `outcome` is all
     Words words;
     Report outcome;
+    std::string
+        misused{}; // wrong usage: full name of the command or the group that it was of, as far as known
 };
 
-/** Of the command; empty when there is none. */
+/** Of the command, also of one that was used wrongly; empty when there is none. */
 std::string nameOf(const Request& request);
 
 /** The name of a command as words of a command line: {"lut", "show"}. */

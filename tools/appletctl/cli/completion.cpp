@@ -31,12 +31,15 @@ _appletctl() {
         [[ $word == [=:] ]] && joins=1 || joins=
     done
     local current=${words[-1]} known=
-    [[ $current == *=* && $COMP_WORDBREAKS == *=* ]] && known=${current%=*}=
+    # What is in quotes is not parted.
+    [[ $current != [\"\']* && $current == *=* && $COMP_WORDBREAKS == *=* ]] && known=${current%=*}=
     COMPREPLY=()
     local line
     while IFS= read -r line; do
         line=${line%%$'\t'*}
-        COMPREPLY+=("${line#"$known"}")
+        line=${line#"$known"}
+        [[ $current == [\"\']* ]] || line=${line// /\\ }
+        COMPREPLY+=("$line")
     done < <("${COMP_WORDS[0]}" __complete -- "${words[@]}" 2>/dev/null)
     [[ ${#COMPREPLY[@]} -eq 1 && ${COMPREPLY[0]} == *[=/] ]] && compopt -o nospace
 }
@@ -107,6 +110,15 @@ const Command completionCommand = {
 
 namespace {
 
+/** The words as they were meant: a shell hands the quote over with which the last one begins, while it is open. */
+Words withoutOpenQuote(Words words) {
+    if (words.empty() || words.back().empty()) return words;
+    std::string& last = words.back();
+    const bool isQuoted = last.front() == '"' || last.front() == '\'';
+    if (isQuoted && last.find(last.front(), 1) == std::string::npos) last.erase(0, 1);
+    return words;
+}
+
 Report completeWords(Context& context, const Words& words) {
     Options options = context.options();
     options.offline = true;
@@ -114,8 +126,8 @@ Report completeWords(Context& context, const Words& words) {
     Report report;
     report.isVerbatim = true;
     auto& rows = report.document["candidates"] = nlohmann::ordered_json::array();
-    for (const Candidate& candidate :
-         candidatesFor(words, [&]() -> const ParameterList& { return offline.parameters(); })) {
+    for (const Candidate& candidate : candidatesFor(
+             withoutOpenQuote(words), [&]() -> const ParameterList& { return offline.parameters(); })) {
         const std::string help = printable(candidate.help);
         report.text += candidate.text + (help.empty() ? "" : '\t' + help) + '\n';
         rows.push_back({{"text", candidate.text}, {"help", help}});
@@ -128,9 +140,9 @@ Report completeWords(Context& context, const Words& words) {
 extern const Command completeCommand;
 const Command completeCommand = {
     .name = "__complete",
-    .help = "",
+    .help = "Print what the last word can become, for the scripts of 'completion'",
     .argument = "WORD",
-    .argumentHelp = "",
+    .argumentHelp = "Words of a command line, behind --",
     .fewest = 1,
     .most = -1,
     .run = completeWords,

@@ -1,10 +1,11 @@
 #include "appletctl/cli/execute.h"
 
-#include "applet_tools/applet/ConfigurationFile.h"
+#include "applet_tools/answers/loading.h"
 #include "applet_tools/applet/assignments.h"
 #include "applet_tools/base/Stopwatch.h"
 #include "applet_tools/base/text.h"
 #include "applet_tools/scratch/refusal.h"
+#include "appletctl/base/layout.h"
 #include "appletctl/commands/assignment_report.h"
 #include "appletctl/commands/jobs.h"
 #include "appletctl/commands/shared_options.h"
@@ -78,7 +79,8 @@ void requireAgreement(const Request& request) {
     if (isatty(STDIN_FILENO) == 0)
         throw UsageError(name +
                          " writes to the board of the system, and there is no terminal to ask on: say --yes");
-    std::cerr << name << " writes to the board of the system. Go on? [y/N] " << std::flush;
+    std::cerr << wrapped(name + " writes to the board of the system. Go on? [y/N]", lineWidth(STDERR_FILENO))
+              << ' ' << std::flush;
     std::string answer;
     std::getline(std::cin, answer);
     if (answer != "y" && answer != "Y" && answer != "yes") throw Failure("nothing was set");
@@ -102,14 +104,17 @@ void requireReadable(const std::string& file, Context& context, bool isAssignmen
     throw UsageError(inQuotes(toUtf8(file.c_str())) + " is no file that can be read: " + reason);
 }
 
-/** A file that the first word names has to be there before anything is done. */
-void requireFile(const Request& request, Context& context) {
+/** Files that the first words name have to be there before anything is done. */
+void requireFiles(const Request& request, Context& context) {
     const bool mayBeAssignment = request.command->file == Command::File::readUnlessAssignment;
     const bool isFile =
         request.command->file == Command::File::read ||
         (mayBeAssignment && request.words.size() == 1 && !isAssignment(request.words.front()));
-    if (isFile && !request.words.front().empty())
-        requireReadable(request.words.front(), context, mayBeAssignment);
+    if (!isFile) return;
+    if (!request.words.front().empty()) requireReadable(request.words.front(), context, mayBeAssignment);
+    const auto most = static_cast<std::size_t>(request.command->mostFiles);
+    for (std::size_t i = 1; i < std::min(most, request.words.size()); ++i)
+        if (!isAssignment(request.words[i])) requireReadable(request.words[i], context, true);
 }
 
 /** The state that --from and --with ask for, as long as it lives: that of the live applet if this command is all that
@@ -144,13 +149,22 @@ public:
     AskedState& operator=(const AskedState&) = delete;
 
 private:
+    /** Why the load of the file failed, as `check` says it. */
+    std::string failedLoad(const std::string& file, int code) {
+        std::vector<std::string> reasons;
+        for (const Finding& finding : askCheck(m_context.bareScratch(), file).findings) {
+            if (finding.kind == "file") return inQuotes(toUtf8(file.c_str())) + ": " + finding.message;
+            if (finding.kind == "missing") reasons.push_back(finding.key);
+        }
+        return inQuotes(toUtf8(file.c_str())) + " was not loaded as a whole: " + codeInWords(code) +
+               (reasons.empty() ? "" : "; it lacks " + join(reasons, ", "));
+    }
+
     void bringAbout(const WithOption& with) {
         Instance& instance = m_context.instance();
         if (!with.file.empty()) {
             const int code = loadConfiguration(instance, with.file);
-            if (code < 0)
-                throw Failure("--from: '" + toUtf8(with.file.c_str()) +
-                              "' was not loaded: " + codeInWords(code));
+            if (code < 0) throw Failure("--from: " + failedLoad(with.file, code));
         }
         const Report done = m_context.hasScratch()
                                 ? applyLive(m_context, with.assignments)
@@ -164,7 +178,7 @@ private:
 
 Report runCommand(const Request& request, Context& context, bool isOnlyCommand) {
     requireAgreement(request);
-    requireFile(request, context);
+    requireFiles(request, context);
     const bool isAnsweredByScratch = isProtected(request.options) && request.command->takesWithToScratch &&
                                      request.options.of<WithOption>().file.empty();
     std::optional<AskedState> state;
@@ -177,7 +191,7 @@ Report runCommand(const Request& request, Context& context, bool isOnlyCommand) 
 /** Offline a scratch board tells what would come from a board; and it explains why a value is refused. */
 Context::Scratch scratchFor(const Request& request) {
     if (request.command->scratch != Context::Scratch::none) return request.command->scratch;
-    if (!request.options.of<WithOption>().assignments.empty()) return Context::Scratch::wanted;
+    if (request.options.of<WithOption>().isGiven()) return Context::Scratch::wanted;
     return request.options.offline ? Context::Scratch::withoutDesign : Context::Scratch::none;
 }
 
@@ -187,8 +201,12 @@ Report executeOn(Context& context, const Request& request, bool isOnlyCommand) {
     const Stopwatch watch;
     context.setOptions(request.options);
     Report report = withFailuresAsReports([&] { return runCommand(request, context, isOnlyCommand); });
-    if (request.options.look && request.command->showsValues && !report.text.empty() && !report.isVerbatim)
-        report.text += forPerson("With --look, settings are those of a starting applet, not the board's.\n");
+    if (request.options.look && request.command->showsValues) {
+        report.document["look"] = true;
+        if (!report.text.empty() && !report.isVerbatim)
+            report.text +=
+                forPerson("With --look, settings are those of a starting applet, not the board's.\n");
+    }
     std::ranges::move(context.takeNotes(), std::back_inserter(report.notes));
     report.notes.push_back("'" + nameOf(request) + "' took " + watch.text());
     return report;
@@ -207,6 +225,7 @@ Request parseLine(const Words& words, const Options& options) {
     else if (request.command->kind == Command::Kind::session)
         refusal = "'" + name + "' does not work within another command";
     if (refusal.empty()) return request;
+    request.misused = name;
     request.command = nullptr;
     request.outcome = failureReport("usage", refusal, exitUsage);
     return request;

@@ -12,9 +12,19 @@ namespace appletctl {
 const char* const accessWords =
     "Access: ro read-only, rw writable, rw+ writable while an acquisition runs as well.";
 
-const char* const exitCodes = "Exit codes: 0 done; 1 refused, different, something found, or a file that "
-                              "cannot be written; 2 wrong usage or a file that cannot be read; "
-                              "3 applet, runtime or board not to be had; 130 interrupted.";
+const ExitCodeMeaning exitCodes[5] = {
+    {"0", "done"},
+    {"1",
+     "refused by the applet, a value that could not be read, something lost of a configuration file, a "
+     "difference found by 'diff', a step of 'run' that failed, a condition of 'watch --fail-if' that holds, "
+     "a finding of 'lint' or 'xml --check', an output that the board holds otherwise than the applet "
+     "('route'), or a file that cannot be written"},
+    {"2",
+     "wrong usage: unknown command, option or parameter name, a file that cannot be read, or a value that "
+     "the parameter's kind cannot hold. Nothing was set"},
+    {"3", "the applet, the runtime, a library or a board is not to be had"},
+    {"130", "interrupted"},
+};
 
 const char* const boardNotes = "Without --board system, each run starts a fresh virtual board with the "
                                "defaults, and nothing is kept for the next "
@@ -37,13 +47,28 @@ std::size_t helpWidth() {
 /** Where the explanations of options and commands begin. */
 std::size_t helpColumn() { return helpWidth() < 60 ? 8 : 28; }
 
-/** The words of the text in lines; the first one starts with `begin`, the others are indented. */
-std::string wrapped(const std::string& begin, const std::string& text, std::size_t indent) {
-    std::string lines = begin, line;
+/** The words of a text; one that is longer than the width in parts, behind each | or comma. */
+std::vector<std::string> wordsWithin(const std::string& text, std::size_t width) {
+    std::vector<std::string> parts;
     std::istringstream words(text);
+    for (std::string word; words >> word;) {
+        while (displayWidth(word) > width) {
+            const std::size_t mark = word.find_last_of("|,", width - 1);
+            if (mark == std::string::npos || mark + 1 == word.size()) break;
+            parts.push_back(word.substr(0, mark + 1));
+            word.erase(0, mark + 1);
+        }
+        parts.push_back(word);
+    }
+    return parts;
+}
+
+/** The words of the text in lines; the first one starts with `begin`, the others are indented. */
+std::string hanging(const std::string& begin, const std::string& text, std::size_t indent) {
+    std::string lines = begin, line;
     const std::string margin(indent, ' ');
     const std::size_t width = helpWidth();
-    for (std::string word; words >> word;) {
+    for (const std::string& word : wordsWithin(text, width - std::min(indent, width - 1))) {
         if (!line.empty() && indent + displayWidth(line) + 1 + displayWidth(word) > width) {
             lines += line + '\n' + margin;
             line.clear();
@@ -54,10 +79,14 @@ std::string wrapped(const std::string& begin, const std::string& text, std::size
 }
 
 std::string entry(const std::string& name, const std::string& help) {
+    constexpr std::size_t nameIndent = 6; // of its second line
     std::string begin = "  " + name;
     const std::size_t width = displayWidth(begin), column = helpColumn();
-    begin += width + 2 > column ? "\n" + std::string(column, ' ') : std::string(column - width, ' ');
-    return wrapped(begin, help, column);
+    if (width + 2 > column)
+        begin = hanging("  ", name, nameIndent) + std::string(column, ' ');
+    else
+        begin += std::string(column - width, ' ');
+    return hanging(begin, help, column);
 }
 
 std::string optionName(const CLI::Option& option) {
@@ -143,11 +172,11 @@ std::string effectOnBoard(const Command& command) {
     return "";
 }
 
-std::vector<HelpEntry> commandsOf(const CLI::App& app) {
-    std::vector<HelpEntry> commands;
+std::vector<HelpEntry> commandEntries(const CLI::App& app) {
+    std::vector<HelpEntry> entries;
     for (const CLI::App* below : app.get_subcommands(nullptr))
-        if (!below->get_group().empty()) commands.push_back({below->get_name(), below->get_description()});
-    return commands;
+        if (!below->get_group().empty()) entries.push_back({below->get_name(), below->get_description()});
+    return entries;
 }
 
 /** The entries below their title; nothing where there are none. */
@@ -215,7 +244,7 @@ HelpPage helpPageOf(const CLI::App& app) {
     page.options = optionsOf(app, isProgram);
     if (!isProgram) page.commonOptions = optionsOf(programOf(app), true);
     if (command == nullptr) {
-        page.commands = commandsOf(app);
+        page.commands = commandEntries(app);
         return page;
     }
     if (command->argument != nullptr) page.words = {{command->argument, command->argumentHelp}};
@@ -225,20 +254,26 @@ HelpPage helpPageOf(const CLI::App& app) {
 }
 
 std::string helpText(const HelpPage& page) {
-    std::string text = wrapped("", page.description, 0) + '\n';
+    constexpr std::size_t exitCodeIndent = 7;
+    std::string text = hanging("", page.description, 0) + '\n';
     if (!page.examples.empty()) text += "Examples:\n";
     for (const HelpEntry& example : page.examples)
-        text += wrapped("  ", example.name, 6) + wrapped("      ", example.text, 6);
+        text += hanging("  ", example.name, 6) + hanging("      ", example.text, 6);
     if (!page.examples.empty()) text += '\n';
     text += "Usage: " + page.usage + "\n\n" + section("Commands:\n", page.commands) +
             section("Words:\n", page.words);
     if (!page.details.empty()) text += page.details + '\n';
     text += section("Options:\n", page.options) + section("Options of all commands:\n", page.commonOptions);
-    if (!page.effect.empty()) text += wrapped("", page.effect + ' ' + startWrites, 0);
+    if (!page.effect.empty()) text += hanging("", page.effect + ' ' + startWrites, 0);
     if (page.commands.empty()) return text;
     const std::string name = page.usage.substr(0, page.usage.find(" ["));
-    return text + wrapped("", boardNotes, 0) + wrapped("", accessWords, 0) + wrapped("", exitCodes, 0) +
-           wrapped("", "'" + name + " COMMAND --help' shows examples and options of a command.", 0);
+    text += hanging("", boardNotes, 0) + hanging("", accessWords, 0) + "\nExit codes:\n";
+    for (const ExitCodeMeaning& one : exitCodes) {
+        const std::string code = std::string("  ") + one.code;
+        text += hanging(code + std::string(exitCodeIndent - code.size(), ' '), one.meaning, exitCodeIndent);
+    }
+    return text + '\n' +
+           hanging("", "'" + name + " COMMAND --help' shows examples and options of a command.", 0);
 }
 
 std::string shellHelp() {
@@ -250,7 +285,7 @@ std::string shellHelp() {
     text += entry("undo", "Take back what the last command that changed something has changed");
     text += entry("help [COMMAND]", "This list, or examples and options of a command");
     text += entry("exit, quit", "End the shell; so does the end of the input");
-    return text + '\n' + wrapped("", accessWords, 0);
+    return text + '\n' + hanging("", accessWords, 0);
 }
 
 std::string commandSuggestion(const CommandGroup* group, const std::string& word) {
@@ -289,7 +324,8 @@ std::string optionError(const CLI::ParseError& error) {
                " is none";
     if (colon == std::string::npos) return "";
     const std::string behind = text.substr(colon + 1);
-    if (const std::string word = between(behind, " ", " not in {"); !word.empty()) {
+    if (behind.find(" not in {") != std::string::npos) {
+        const std::string word = between(behind, " ", " not in {");
         std::string choices = between(behind, "{", "}");
         for (std::size_t comma = 0; (comma = choices.find(',', comma)) != std::string::npos; ++comma)
             choices.insert(comma + 1, " ");

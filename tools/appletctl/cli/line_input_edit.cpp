@@ -25,7 +25,7 @@ char** complete(const char* word, int, int end) {
     if (candidates.empty()) return nullptr; // the library offers files
     rl_attempted_completion_over = 1;
     const bool goesOn = candidates.size() == 1 && candidates.front().text.ends_with('=');
-    rl_completion_append_character = goesOn ? '\0' : ' ';
+    rl_completion_append_character = goesOn ? 0 : ' ';
     return rl_completion_matches(word, candidate);
 }
 

@@ -81,7 +81,9 @@ struct RunOptions {
 
 void addRunOptions(CLI::App& command, Options& options) {
     auto& own = options.own<RunOptions>();
-    command.add_option("--junit", own.junitFile, "File to write a JUnit report to")->type_name("FILE");
+    command.add_option("--junit", own.junitFile, "File to write a JUnit report to")
+        ->type_name("FILE")
+        ->check(troubleOfFileName);
     command.add_flag("--fail-fast", own.failFast, "End with the first step that fails");
 }
 
@@ -94,6 +96,7 @@ Report runScenario(Context& context, const Words& words) {
     if (!own.junitFile.empty()) requireWritable(own.junitFile);
     const Interruption interruption;
     ScenarioRunner station(context);
+    checkSteps(station, fileOf(words), steps);
     std::vector<TestCase> tests(steps.size());
     Report report;
     const bool isPrinted = !options.json && !options.quiet;
@@ -136,9 +139,10 @@ const Command runScenarioCommand = {
     .help = "Carry out a scenario: steps, and what is expected of them",
     .argument = "FILE",
     .argumentHelp = "File of steps, one a line",
-    .examples = {{"run station.txt", "each step with its outcome"},
-                 {"run station.txt --junit report.xml", "with a report for a build server"}},
+    .examples = {{"run line.scenario", "each step with its outcome"},
+                 {"run line.scenario --junit report.xml", "with a report for a build server"}},
     .file = Command::File::read,
+    .fileSuffix = ".scenario",
     .fewest = 1,
     .most = 1,
     .run = runScenario,

@@ -36,6 +36,9 @@ Report reportOf(const Undone& undone) {
         report.text += name + ": " + before + " -> " + after + '\n';
     if (!undone.otherLimits.empty()) {
         report.document["otherLimits"] = undone.otherLimits;
+        if (isPlainOutput())
+            for (const std::string& name : undone.otherLimits)
+                report.text += "otherLimits\t" + name + '\n';
         report.text += forPerson("Other published limits than before: " + join(undone.otherLimits, ", ") +
                                  "; only a set computes them\n");
     }

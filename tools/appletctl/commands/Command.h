@@ -57,6 +57,7 @@ struct Command {
     Example examples[mostExamples] = {};
     File file = File::none;
     const char* fileSuffix = ""; /**< of the files that its words name: ".mcf" */
+    int mostFiles = 1;           /**< so many of its first words may be files */
     int fewest = 0, most = 0;    /**< number of words; most -1: any number */
     /** UsageError and the failures leave it as exceptions. */
     Report (*run)(Context&, const Words&);

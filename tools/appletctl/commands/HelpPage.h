@@ -25,8 +25,13 @@ struct HelpPage {
 
 /** What help and manual say of all commands. */
 extern const char* const accessWords;
-extern const char* const exitCodes;
 extern const char* const boardNotes;
+
+struct ExitCodeMeaning {
+    const char* code;
+    const char* meaning;
+};
+extern const ExitCodeMeaning exitCodes[5];
 
 } // namespace appletctl
 

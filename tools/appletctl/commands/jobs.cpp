@@ -10,7 +10,6 @@ namespace {
 
 constexpr JobRow jobs[] = {
     {"plan", "what the change would do", planJob},
-    {"routes", "what the applet writes for each route", routesJob},
 };
 
 } // namespace

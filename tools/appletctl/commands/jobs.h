@@ -1,4 +1,4 @@
-/** What a scratch board can be asked to find out; each job is in the source of its command. */
+/** What a scratch board can be asked to find out. */
 #ifndef APPLETCTL_COMMANDS_JOBS_H
 #define APPLETCTL_COMMANDS_JOBS_H
 
@@ -13,10 +13,6 @@ namespace appletctl {
 
 /** Says what {"words": [NAME=VALUE, ...] or [FILE], "all": whether all writes of a file are shown} would do. */
 json planJob(ScratchSession& session, const json& arguments);
-
-/** What is written for groups of values, [[{"name", "value"}, ...], ...]: the last write to each parameter of the
- *  design, [[{"parameter", "expected"}, ...], ...]. */
-json routesJob(ScratchSession& session, const json& groups);
 
 /** All of them and those of the library, for the scratch boards. */
 std::span<const JobRow> allJobs();

@@ -4,13 +4,18 @@
 
 namespace appletctl {
 
+std::string troubleOfFileName(const std::string& name) {
+    return name.empty() ? "the name of the file is empty" : "";
+}
+
 void addWith(CLI::App& command, Options& options) {
     auto& own = options.own<WithOption>();
     command.add_option("--with", own.assignments, "Answer as if this were set; may be given more than once")
         ->type_name("NAME=VALUE")
         ->allow_extra_args(false);
     command.add_option("--from", own.file, "Answer as if this configuration file were loaded")
-        ->type_name("FILE.mcf");
+        ->type_name("FILE.mcf")
+        ->check(troubleOfFileName);
 }
 
 void addYes(CLI::App& command, Options& options) {

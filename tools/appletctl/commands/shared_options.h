@@ -29,6 +29,9 @@ struct YesOption {
 };
 void addYes(CLI::App& command, Options& options);
 
+/** A check of an option: an unset variable of a shell must not switch it off unnoticed. */
+std::string troubleOfFileName(const std::string& name);
+
 /** -o FILE. */
 struct OutFileOption {
     std::optional<std::string> file;

@@ -69,10 +69,14 @@ std::string indented(const std::string& text, std::size_t width) {
     return "  " + text + std::string(width - std::min(width, displayWidth(text)) + 2, ' ');
 }
 
+/** Periods that begin within the drawing, besides the first. */
+int periodsIn(double end, double period) { return static_cast<int>(end / period + 0.5); }
+
 /** The times at which the periods begin, each below its place. */
 std::string scaleText(double end, double period, std::size_t columns) {
     std::string scale;
-    for (double time = 0; time <= end + period / 2; time += period) {
+    for (int number = 0; number <= periodsIn(end, period); ++number) {
+        const double time = number * period;
         const std::size_t column = columnOf(time, end, columns);
         if (!scale.empty() && column <= scale.size()) continue; // no room for this one
         scale.resize(column, ' ');
@@ -85,7 +89,7 @@ std::int64_t nanoseconds(double time) { return std::llround(time * 1000); }
 
 } // namespace
 
-std::vector<Pulse> merged(std::vector<Pulse> pulses, double end) {
+std::vector<Pulse> merged(const std::vector<Pulse>& pulses, double end) {
     std::vector<Pulse> result;
     for (const Pulse& pulse : pulses) {
         const Pulse shown{std::max(0.0, pulse.start), std::min(end, pulse.end)};
@@ -129,7 +133,8 @@ std::string wavesAsSvg(const std::vector<Wave>& waves, double end, double period
     const double bottom = top + rowHeight * static_cast<double>(waves.size());
     const auto xOf = [&](double time) { return left + width * time / end; };
     std::string content;
-    for (double time = 0; time <= end + period / 2; time += period) {
+    for (int number = 0; number <= periodsIn(end, period); ++number) {
+        const double time = number * period;
         content += svg::line(xOf(time), top - 10, xOf(time), bottom, "#dddddd", 1);
         content +=
             svg::label(xOf(time), bottom + 18, "middle", numberText(std::round(time * 1000) / 1000) + " µs");

@@ -20,7 +20,7 @@ struct Wave {
 };
 
 /** Pulses in order, as far as they show between 0 and `end`; those that touch become one. */
-std::vector<Pulse> merged(std::vector<Pulse> pulses, double end);
+std::vector<Pulse> merged(const std::vector<Pulse>& pulses, double end);
 
 /** Two lines for each wave, in line drawing characters or in ASCII, below them the times of the periods; as wide as the
  *  line allows. */

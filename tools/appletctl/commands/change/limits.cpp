@@ -3,6 +3,7 @@
 #include "applet_tools/answers/limits.h"
 #include "applet_tools/base/text.h"
 #include "appletctl/commands/Command.h"
+#include "appletctl/commands/lines.h"
 #include "appletctl/commands/reports.h"
 #include "appletctl/commands/shared_options.h"
 
@@ -82,9 +83,7 @@ void addRange(Table& table, const Parameter& parameter, const AcceptedValues& an
 Table tableOf(const AcceptedValues& answer, const Parameter& parameter) {
     Table table;
     table.addSubject(answer.subject);
-    const std::string value = answer.now.error == FG_OK ? valueWithUnit(parameter, answer.now.value)
-                                                        : "- (" + codeInWords(answer.now.error) + ")";
-    table.addRow({"now", value + ", " + answer.access});
+    table.addRow({"now", shownReading(parameter, answer.now) + ", " + answer.access});
     if (const std::uint32_t count = elementCount(parameter); count > 0)
         table.addRow({"elements", rangeInWords(0u, count - 1)});
     if (parameter.kind() == REGISTER_KIND_ENUM) {

@@ -133,13 +133,19 @@ Report reportOf(const FilePlan& plan, const std::string& file, bool areAllWrites
     report.document["file"] = toUtf8(file.c_str());
     addDifferences(report, {{"BEFORE", "before", nullptr}, {"AFTER", "after", nullptr}}, plan.differences,
                    NextCycle::remark);
-    if (plan.differences.empty()) report.text += forPerson("Nothing would change.\n");
+    const bool isLoaded =
+        std::ranges::find(plan.load.findings, "file", &Finding::kind) == plan.load.findings.end();
+    if (plan.differences.empty() && isLoaded) report.text += forPerson("Nothing would change.\n");
     report.document["writes"] = accessesAsJson(plan.load.writes);
     report.document["changes"] = asJson(plan.load.changes);
     report.document["moves"] = asJson(plan.moves);
     std::set<std::string> shown;
     for (const Difference& difference : plan.differences)
         shown.insert(difference.parameter);
+    if (!isLoaded) { // that nothing changes would be a calm answer to a wrong file
+        addFindings(report, plan.load.findings);
+        return report;
+    }
     const LoadWrites writes(plan);
     if (areAllWrites) report.text += writes.writesText();
     report.text += writes.changesText();

@@ -21,6 +21,12 @@ struct Default {
     Value value;
     Value before;
     int code = FG_OK; // of the last try
+
+    /** An array as a whole by its name alone. */
+    std::string name() const {
+        const bool isWhole = target.elements && target.elements->count() == elementCount(*target.parameter);
+        return isWhole ? target.parameter->name : target.name();
+    }
 };
 
 bool isHeld(Instance& instance, const Default& wanted) {
@@ -28,17 +34,28 @@ bool isHeld(Instance& instance, const Default& wanted) {
     return reading.error == FG_OK && reading.value == wanted.value;
 }
 
-/** Those of the wanted ones that the applet holds otherwise; `names` is empty for all. */
-std::vector<Default> openDefaults(Context& context, const std::set<std::string>& names,
-                                  const json& defaults) {
+/** Of the value of a whole array the elements of the target. */
+Value partOf(const Value& whole, const Target& target) {
+    const auto* elements = std::get_if<Elements>(&whole);
+    if (elements == nullptr || !target.elements) return whole;
+    return Elements(elements->begin() + target.elements->first,
+                    elements->begin() + target.elements->last + 1);
+}
+
+/** Those of the wanted ones that the applet holds otherwise; `wanted` is empty for all. */
+std::vector<Default> openDefaults(Context& context, const std::vector<Target>& wanted, const json& defaults) {
     std::vector<Default> open;
+    const auto add = [&](const Target& target, const json& value) {
+        const ReadResult now = readValue(context.instance(), target);
+        const Value start = partOf(fromMessage(wholeOf(*target.parameter), value), target);
+        if (now.error == FG_OK && now.value != start) open.push_back({target, start, now.value});
+    };
     for (const json& row : defaults) {
         const Parameter& parameter = context.parameters().find(row.at("name").get<std::string>());
-        if (!names.empty() && !names.contains(parameter.name)) continue;
-        const Target target = wholeOf(parameter);
-        const ReadResult now = readValue(context.instance(), target);
-        Default wanted{target, fromMessage(target, row.at("value")), now.value};
-        if (now.error == FG_OK && now.value != wanted.value) open.push_back(std::move(wanted));
+        if (wanted.empty()) add(wholeOf(parameter), row.at("value"));
+        for (const Target& target : wanted)
+            if (target.parameter == &parameter)
+                add(target.elements ? target : wholeOf(parameter), row.at("value"));
     }
     return open;
 }
@@ -65,10 +82,10 @@ void tell(Instance& instance, const Default& wanted, Report& report) {
                                   {"from", valueAsJson(wanted.target, wanted.before)},
                                   {"to", valueAsJson(wanted.target, wanted.value)}};
     if (isHeld(instance, wanted)) {
-        report.text += lineOf({parameter.name, from, valueText(parameter, wanted.value), parameter.unit()},
-                              parameter.name + ": " + from + " -> " + to);
+        report.text += lineOf({wanted.name(), from, valueText(parameter, wanted.value), parameter.unit()},
+                              wanted.name() + ": " + from + " -> " + to);
     } else {
-        report.problems.push_back(parameter.name + " stays " + from + ", the default " + to +
+        report.problems.push_back(wanted.name() + " stays " + from + ", the default " + to +
                                   " was refused: " + codeInWords(wanted.code));
         report.exitCode = exitRefused;
         row["error"] = codeAsJson(wanted.code);
@@ -82,42 +99,46 @@ std::string whyNoDefault(const Parameter& parameter) {
 }
 
 /** That nothing was to be done. */
-std::string heldText(const ParameterList& parameters, const std::set<std::string>& names,
-                     const json& defaults) {
-    if (names.size() != 1) return "All of them hold their defaults.\n";
-    const Parameter& parameter = parameters.find(*names.begin());
-    std::string text = parameter.name + " holds its default";
+std::string heldText(const std::vector<Target>& wanted, const json& defaults) {
+    if (wanted.size() != 1) return "All of them hold their defaults.\n";
+    const Target& target = wanted.front();
+    const Parameter& parameter = *target.parameter;
+    std::string text = target.name() + " holds its default";
     for (const json& row : defaults)
-        if (row.at("name") == parameter.name && elementCount(parameter) == 0)
-            text += ", " + valueWithUnit(parameter, fromMessage({&parameter}, row.at("value")));
+        if (row.at("name") == parameter.name && (elementCount(parameter) == 0 || target.elements))
+            text += ", " + valueWithUnit(parameter,
+                                         partOf(fromMessage(wholeOf(parameter), row.at("value")), target));
     return text + ".\n";
 }
 
 Report resetParameters(Context& context, const Words& words) {
     Words assignments;
-    std::set<std::string> names;
+    std::vector<Target> wanted;
+    std::set<std::string> seen;
     for (const std::string& word : words) {
-        if (word.find('=') != std::string::npos)
+        if (word.find('=') != std::string::npos) {
             assignments.push_back(word);
-        else
-            names.insert(context.parameters().find(word).name);
+            continue;
+        }
+        const Target target = findTarget(context.parameters(), word);
+        if (seen.insert(target.name()).second) wanted.push_back(target);
     }
     Report report = applyLive(context, assignments);
     if (report.exitCode != exitDone) return report;
     report.document["reset"] = nlohmann::ordered_json::array();
     const json defaults = context.scratchAtDefaults().ask("defaults", nullptr);
-    std::vector<Default> open = openDefaults(context, names, defaults);
+    std::vector<Default> open = openDefaults(context, wanted, defaults);
     bringAll(context.instance(), open);
     for (const Default& parameter : open)
         tell(context.instance(), parameter, report);
-    for (const std::string& name : names)
-        if (std::ranges::none_of(defaults, [&](const json& row) { return row.at("name") == name; })) {
-            report.problems.push_back(name +
-                                      " has no default: " + whyNoDefault(context.parameters().find(name)));
-            report.exitCode = exitRefused;
-        }
-    if (open.empty() && report.exitCode == exitDone)
-        report.text += forPerson(heldText(context.parameters(), names, defaults));
+    for (const Target& target : wanted) {
+        const Parameter& parameter = *target.parameter;
+        if (std::ranges::any_of(defaults, [&](const json& row) { return row.at("name") == parameter.name; }))
+            continue;
+        report.problems.push_back(target.name() + " has no default: " + whyNoDefault(parameter));
+        report.exitCode = exitRefused;
+    }
+    if (open.empty() && report.exitCode == exitDone) report.text += forPerson(heldText(wanted, defaults));
     addAssumed(report, context.assumed());
     return report;
 }
@@ -129,8 +150,10 @@ const Command resetCommand = {
     .name = "reset",
     .help = "Set parameters to their defaults",
     .argument = "NAME",
-    .argumentHelp = "Parameters, all without names; then assignments to carry out before",
-    .examples = {{"reset FG_WIDTH", "one parameter"}, {"reset", "all of them"}},
+    .argumentHelp = "Parameters or elements, all without names; then assignments to carry out before",
+    .examples = {{"reset FG_WIDTH", "one parameter"},
+                 {"reset 'FG_LUT_VALUE_RED[0..15]'", "elements of one"},
+                 {"reset", "all of them"}},
     .most = -1,
     .run = resetParameters,
     .scratch = Context::Scratch::wanted,

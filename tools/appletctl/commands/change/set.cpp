@@ -77,6 +77,19 @@ void verify(Context& context, const Words& words, const Expectation& expected, R
             std::string(context.options().offline ? ".\n" : ", and the design holds what it should.\n"));
 }
 
+/** Of a parameter that is read-only: what its value waits for. */
+std::string waitingText(const AccessAnswer& access) {
+    if (access.changedWith.empty())
+        return access.subject +
+               " has no effect now: it is read-only, and no change of another parameter that "
+               "was tried makes it writable\n";
+    const std::string text =
+        access.subject + " has no effect yet: it is read-only until " + join(access.changedWith, " or ");
+    if (access.missingFile.empty()) return text + '\n';
+    return text + ", which is refused as long as " + inQuotes(toUtf8(access.missingFile.c_str())) +
+           " is no file that can be opened for reading\n";
+}
+
 /** Says of what was set and is read-only in the end that it waits, and for what. */
 void addWaiting(Context& context, Report& report) {
     Words names;
@@ -89,15 +102,12 @@ void addWaiting(Context& context, Report& report) {
     if (names.empty()) return;
     auto& rows = report.document["waiting"] = ordered_json::array();
     for (const WhyAnswer& answer : askWhy(context, names, {})) {
-        const auto& access = std::get<AccessAnswer>(answer);
-        const Words ways = access.isWritable ? Words{} : access.changedWith;
-        rows.push_back({{"name", access.subject}, {"writableWith", ways}});
-        report.text += forPerson(
-            ways.empty()
-                ? access.subject +
-                      " has no effect now: it is read-only, and no change of another parameter that "
-                      "was tried makes it writable\n"
-                : access.subject + " has no effect yet: it is read-only until " + join(ways, " or ") + '\n');
+        auto access = std::get<AccessAnswer>(answer);
+        if (access.isWritable) access.changedWith.clear(); // the scratch board is unlike
+        auto& row = rows.emplace_back(
+            nlohmann::ordered_json{{"name", access.subject}, {"writableWith", access.changedWith}});
+        if (!access.missingFile.empty()) row["missingFile"] = toUtf8(access.missingFile.c_str());
+        report.text += forPerson(waitingText(access));
     }
 }
 

@@ -4,6 +4,7 @@
 #include "applet_tools/answers/why.h"
 #include "applet_tools/base/text.h"
 #include "appletctl/commands/Command.h"
+#include "appletctl/commands/lines.h"
 #include "appletctl/commands/reports.h"
 #include "appletctl/commands/shared_options.h"
 
@@ -22,6 +23,15 @@ void addWays(Table& table, const char* title, const std::vector<std::string>& wa
     if (ways.empty()) table.addRow({title, "no change of another parameter that was tried"});
 }
 
+/** What has to come before the ways. */
+void addMissingFile(Table& table, const std::string& file) {
+    if (!file.empty())
+        table.addRow(
+            {"missing", inQuotes(toUtf8(file.c_str())) +
+                            " is no file that can be opened for reading; until it is one, what makes "
+                            "the parameter writable is refused"});
+}
+
 Table tableOf(const RefusalAnswer& answer, const Parameter& parameter) {
     Table table;
     table.addSubject(answer.subject);
@@ -30,6 +40,7 @@ Table tableOf(const RefusalAnswer& answer, const Parameter& parameter) {
                                       ? "now, but without effect as long as the parameter is read-only"
                                       : "now"});
         if (answer.writableWith) addWays(table, "writable with", *answer.writableWith);
+        addMissingFile(table, answer.missingFile);
         return table;
     }
     table.addRow({"refused", answer.refusal});
@@ -51,11 +62,18 @@ std::string accessInWords(const AccessAnswer& answer) {
 Table tableOf(const AccessAnswer& answer, const Parameter& parameter) {
     Table table;
     table.addSubject(answer.subject);
-    if (answer.now.error == FG_OK) table.addRow({"now", valueWithUnit(parameter, answer.now.value)});
+    if (answer.now.error == FG_OK) table.addRow({"now", shownReading(parameter, answer.now)});
     table.addRow({answer.access, accessInWords(answer)});
     if (answer.hasSetter)
         addWays(table, answer.isWritable ? "read-only with" : "writable with", answer.changedWith);
+    addMissingFile(table, answer.missingFile);
     return table;
+}
+
+const ordered_json& documentOf(Context&, const RefusalAnswer& answer) { return answer.document; }
+
+ordered_json documentOf(Context& context, const AccessAnswer& answer) {
+    return asJson(answer, findTarget(context.parameters(), answer.subject));
 }
 
 Report explainParameters(Context& context, const Words& words) {
@@ -65,7 +83,7 @@ Report explainParameters(Context& context, const Words& words) {
     const auto add = [&](const auto& answer) {
         const Table table = tableOf(answer, context.parameters().find(answer.parameter));
         report.text += (report.text.empty() ? "" : "\n") + table.render(Style::forStream(STDOUT_FILENO));
-        rows.push_back(answer.document);
+        rows.push_back(documentOf(context, answer));
     };
     for (const WhyAnswer& answer : askWhy(context, words, with))
         std::visit(add, answer);

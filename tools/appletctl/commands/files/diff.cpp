@@ -62,6 +62,7 @@ const Command diffCommand = {
     .examples = {{"diff line.mcf", "with the present parameters"}, {"diff old.mcf new.mcf", "two files"}},
     .file = Command::File::read,
     .fileSuffix = ".mcf",
+    .mostFiles = 2,
     .fewest = 1,
     .most = -1,
     .run = compareConfigurations,

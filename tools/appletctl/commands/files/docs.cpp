@@ -31,14 +31,6 @@ std::string plain(std::string_view text) {
 }
 
 constexpr const char* manualTail =
-    "# EXIT STATUS\n\n"
-    "*0*\n\tDone.\n\n"
-    "*1*\n\tRefused by the applet, different, or something found: a difference, a finding, a failed step; or "
-    "a "
-    "file that cannot be written.\n\n"
-    "*2*\n\tWrong usage, or a file that cannot be read. Nothing was set.\n\n"
-    "*3*\n\tThe applet, the runtime, a library or a board is not to be had.\n\n"
-    "*130*\n\tInterrupted.\n\n"
     "# FILES\n\n"
     "*\\*.mcf*\n\tConfiguration files: values of parameters in sections, as the applet saves and loads "
     "them.\n\n"
@@ -79,8 +71,10 @@ std::string manualOfProgram(const Program& program) {
         text += manualOfCommand(*command, page);
         examples.insert(examples.end(), page.examples.begin(), page.examples.end());
     }
-    return text + "# EXAMPLES\n\n" + terms(examples) + manualTail +
-           "# SEE ALSO\n\n*appletctl\\-parameters*(7)\n";
+    text += "# EXAMPLES\n\n" + terms(examples) + "# EXIT STATUS\n\n";
+    for (const ExitCodeMeaning& one : exitCodes)
+        text += std::string("*") + one.code + "*\n\t" + plain(one.meaning) + ".\n\n";
+    return text + manualTail + "# SEE ALSO\n\n*appletctl\\-parameters*(7)\n";
 }
 
 std::string manualOfParameters(const std::vector<Documented>& rows) {

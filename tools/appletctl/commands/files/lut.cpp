@@ -233,8 +233,8 @@ namespace {
 
 Report loadLut(Context& context, const Words& words) {
     const std::string& file = fileOf(words);
-    if (const std::string trouble = lutFileTrouble(file); !trouble.empty())
-        throw Failure(shownFile(file) + " was not loaded: " + trouble);
+    const LutFile content = lookAtLutFile(file);
+    if (!content.trouble.empty()) throw Failure(shownFile(file) + " was not loaded: " + content.trouble);
     CommandRun work(context, behindFirst(words));
     if (work.isRefused()) return work.report;
     const LutTables before = tablesOf(work);
@@ -244,6 +244,9 @@ Report loadLut(Context& context, const Words& words) {
     addDocument(work, tables);
     work.report.document["file"] = toUtf8(file.c_str());
     work.report.document["changed"] = isChanged;
+    const std::size_t size = tables.colours.front().entries.size();
+    const std::size_t kept = size - std::min<std::size_t>(content.elements, size);
+    work.report.document["kept"] = code == FG_OK ? kept : size;
     if (code != FG_OK) {
         work.refuse(shownFile(file) + " was not loaded, " +
                     (isChanged ? "but the applet's tables have changed: " : "and nothing was changed: ") +
@@ -251,9 +254,13 @@ Report loadLut(Context& context, const Words& words) {
         return work.report;
     }
     work.report.text +=
-        forPerson(shownFile(file) + (isChanged ? " was loaded.\n"
-                                               : " was loaded and changed no entry: it holds the same "
-                                                 "tables.\n"));
+        forPerson(shownFile(file) +
+                  (isChanged ? " was loaded.\n"
+                             : " was loaded and changed no entry" +
+                                   std::string(kept < size ? ": it holds the same tables.\n" : ".\n")));
+    if (kept > 0)
+        work.report.text += forPerson("It has " + numberText(content.elements) + " of " + numberText(size) +
+                                      " entries of each table: the others keep their values.\n");
     work.report.text +=
         forPerson(settingsText(work) + "\n\n") + statisticsText(tables) + forPerson(blueOnTheBoard);
     return work.report;

@@ -3,6 +3,7 @@
 #include "applet_tools/base/text.h"
 #include "applet_tools/scratch/defaults_and_roles.h"
 #include "appletctl/commands/Command.h"
+#include "appletctl/commands/lines.h"
 
 #include <unistd.h>
 
@@ -30,23 +31,12 @@ nlohmann::ordered_json asJson(const Description& described) {
     const Parameter& parameter = *target.parameter;
     nlohmann::ordered_json row;
     addDescription(row, parameter);
-    if (!reading.isMeasured)
-        addNotMeasured(row);
-    else if (reading.error == FG_OK)
-        addValue(row, target, reading.value);
-    else
-        row["error"] = codeAsJson(reading.error);
+    addReading(row, target, reading);
     if (known.start && elementCount(parameter) == 0) addValue(row["default"], {&parameter}, *known.start);
     row["isSettable"] = known.isSettable;
     row["fileRole"] = known.fileRole;
     row["description"] = explanation;
     return row;
-}
-
-std::string shownValue(const Parameter& parameter, const ReadResult& reading) {
-    if (!reading.isMeasured) return notMeasuredText;
-    if (reading.error != FG_OK) return "- (" + codeInWords(reading.error) + ")";
-    return valueWithUnit(parameter, reading.value);
 }
 
 /** What a line says of the parameter; a line without text is left out. */
@@ -63,7 +53,7 @@ std::vector<Line> linesOf(const Description& described) {
         {"id", numberText(parameter.id)},
         {"group", parameter.path()},
         {"kind", kindName(parameter)},
-        {"value", shownValue(parameter, reading)},
+        {"value", shownReading(parameter, reading)},
         {"default", known.start ? valueWithUnit(parameter, *known.start) : ""},
         {"access", known.isSettable ? accessInWords(parameter) : "ro (never to be set)"},
         {"limits", limitsText(parameter)},

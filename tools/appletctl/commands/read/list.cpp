@@ -120,15 +120,12 @@ nlohmann::ordered_json asJson(const Listed& listed, bool wantsRole) {
     const Target target{&listed.parameter}; // an array by its number of elements
     nlohmann::ordered_json row;
     addDescription(row, listed.parameter);
-    if (!listed.reading)
+    if (ReadResult reading = listed.reading.value_or(ReadResult{}); listed.reading) {
+        if (elementCount(listed.parameter) > 0) reading.value = emptyValue(target);
+        addReading(row, target, reading);
+    } else {
         row["notRead"] = listed.parameter.effectOfReading();
-    else if (!listed.reading->isMeasured)
-        addNotMeasured(row);
-    else if (listed.reading->error != FG_OK)
-        row["error"] = codeAsJson(listed.reading->error);
-    else
-        addValue(row, target,
-                 elementCount(listed.parameter) > 0 ? emptyValue(target) : listed.reading->value);
+    }
     row["isChanged"] = listed.isChanged();
     if (listed.isChanged() && elementCount(listed.parameter) == 0)
         addValue(row["default"], target, *listed.known.start);

@@ -148,9 +148,10 @@ nlohmann::ordered_json asJson(const Round& round, bool wantsRates) {
     return object;
 }
 
-std::string asDocument(const Round& round, bool wantsRates) {
+std::string asDocument(const Round& round, bool wantsRates, bool isLook) {
     Report report;
     report.document = asJson(round, wantsRates);
+    if (isLook) report.document["look"] = true;
     const bool isRead = std::ranges::all_of(
         round.watched, [](const Watched& watched) { return watched.reading.error == FG_OK; });
     if (round.isFailed || !isRead) report.exitCode = exitRefused;
@@ -367,7 +368,7 @@ private:
 
     std::string shown() {
         if (m_options.quiet && !m_options.json) return "";
-        if (m_form == Form::document) return asDocument(m_round, m_own.wantsRates);
+        if (m_form == Form::document) return asDocument(m_round, m_own.wantsRates, m_options.look);
         const std::string bell = m_round.isAlarm && isatty(STDOUT_FILENO) == 1 ? "\a" : "";
         return bell + (m_form == Form::table ? m_screen.redraw(asTable(m_round, m_own.wantsRates))
                                              : asLine(m_round, m_own.wantsRates));

@@ -1,6 +1,7 @@
 #include "applet_tools/answers/lint.h"
 #include "applet_tools/base/text.h"
 #include "appletctl/commands/Command.h"
+#include "appletctl/commands/CommandRun.h"
 #include "appletctl/commands/assignment_report.h"
 #include "appletctl/commands/reports.h"
 
@@ -28,7 +29,7 @@ Report lintParameters(Context& context, const Words& words) {
         throw UsageError("one file is looked at, or the parameters after assignments");
     Report report = applyLive(context, isFile ? Words{} : words);
     if (report.exitCode != exitDone) return report;
-    const Lint found = askLint(context, isFile ? words.front() : "");
+    const Lint found = askLint(context, isFile ? fileOf(words) : "");
     auto& rows = report.document["findings"] = ordered_json::array();
     for (const LintFinding& finding : found.findings) {
         rows.push_back(ordered_json(asJson(finding)));

@@ -2,19 +2,18 @@
 // parameters of the design belong to a source and a polarity, and what they should hold, is asked of the applet itself:
 // a scratch board gets the same values.
 
-#include "applet_tools/applet/access_log.h"
+#include "applet_tools/answers/routes.h"
 #include "applet_tools/base/text.h"
 #include "applet_tools/scratch/refusal.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/assignment_report.h"
-#include "appletctl/commands/jobs.h"
 #include "appletctl/commands/shared_options.h"
 
 #include <unistd.h>
 
 #include <algorithm>
 #include <optional>
-#include <sstream>
+#include <span>
 #include <type_traits>
 
 namespace appletctl {
@@ -69,18 +68,9 @@ constexpr InputRow inputRows[] = {
     {"image trigger", "FG_IMGTRIGGERINSRC", "FG_IMGTRIGGERINPOLARITY"},
 };
 
-/** [{"name", "value"}, ...] of the live values. */
-json valuesOf(Instance& instance, const std::vector<Target>& targets) {
-    json values = json::array();
-    for (const Target& target : targets)
-        values.push_back({{"name", target.parameter->name}, {"value", asMessage(valueOf(instance, target))}});
-    return values;
-}
-
 /** What the live board holds for one of them. */
-DesignValue compare(Instance& instance, const ParameterList& design, const json& expected) {
-    DesignValue value{expected.at("parameter").get<std::string>(),
-                      expected.at("expected").get<std::int64_t>(), 0};
+DesignValue compare(Instance& instance, const ParameterList& design, const DesignWrite& write) {
+    DesignValue value{write.parameter, write.value, 0};
     const Parameter& parameter = design.find(std::string(designPrefix) + value.parameter);
     std::visit(
         [&](const auto& held) {
@@ -141,13 +131,6 @@ nlohmann::ordered_json asJson(const RouteState& state) {
     return row;
 }
 
-void setOnScratch(ScratchSession& session, const json& wanted) {
-    const Target target = session.target(wanted.at("name").get<std::string>());
-    const int code = writeValue(session.instance(), target, fromMessage(target, wanted.at("value")));
-    if (code != FG_OK)
-        throw Failure(target.name() + " cannot be set on a scratch board: " + codeInWords(code));
-}
-
 /** What is known of an input. */
 struct InputState {
     const char* listener;
@@ -173,7 +156,8 @@ nlohmann::ordered_json asJson(const InputState& state) {
 }
 
 /** `expected` is what the applet writes for the source of each row; nothing offline. */
-std::vector<InputState> inputsOf(Context& context, const ParameterList* design, const json& expected) {
+std::vector<InputState> inputsOf(Context& context, const ParameterList* design,
+                                 std::span<const DesignWrites> expected) {
     Instance& instance = context.instance();
     const auto addTo = [&](const char* name, std::string& text, nlohmann::ordered_json& value) {
         if (name == nullptr) return;
@@ -194,19 +178,11 @@ std::vector<InputState> inputsOf(Context& context, const ParameterList* design, 
         addTo(row.source, state.source, state.sourceValue);
         addTo(row.polarity, state.polarity, state.polarityValue);
         if (design != nullptr)
-            for (const json& value : expected[inputs.size()])
+            for (const DesignWrite& value : expected[inputs.size()])
                 state.values.push_back(compare(instance, *design, value));
         inputs.push_back(std::move(state));
     }
     return inputs;
-}
-
-/** Reads "set Device1_... u32 3". */
-json writtenValue(const std::string& write) {
-    std::string kind, parameter, width;
-    std::int64_t expected = 0;
-    std::istringstream(write) >> kind >> parameter >> width >> expected;
-    return {{"parameter", parameter}, {"expected", expected}};
 }
 
 /** The routes as a graph from the sources to the outputs and from the inputs to what they feed: red where the board
@@ -252,32 +228,6 @@ void addInputs(const std::vector<InputState>& inputs, Report& report) {
     }
 }
 
-} // namespace
-
-json routesJob(ScratchSession& session, const json& groups) {
-    json written = json::array();
-    for (const json& group : groups) {
-        takeWrites(session.instance());
-        for (const json& wanted : group)
-            setOnScratch(session, wanted);
-        // Either parameter of a pair writes both of the design's, so the last write of each counts.
-        json values = json::array();
-        for (const std::string& write : takeWrites(session.instance())) {
-            const json value = writtenValue(write);
-            const auto known = std::ranges::find_if(
-                values, [&](const json& one) { return one["parameter"] == value["parameter"]; });
-            if (known != values.end())
-                *known = value;
-            else
-                values.push_back(value);
-        }
-        written.push_back(std::move(values));
-    }
-    return written;
-}
-
-namespace {
-
 Report showRoutes(Context& context, const Words& assignments) {
     Instance& instance = context.instance();
     const ParameterList& parameters = context.parameters();
@@ -286,13 +236,13 @@ Report showRoutes(Context& context, const Words& assignments) {
     const std::vector<Route> routes = routesOf(parameters);
     // Offline there is no board to compare with.
     const bool isOnBoard = !context.options().offline;
-    json groups = json::array();
+    std::vector<std::vector<Target>> groups;
     for (const Route& route : routes)
-        groups.push_back(valuesOf(instance, {route.source, route.polarity}));
+        groups.push_back(std::vector{route.source, route.polarity});
     for (const InputRow& row : inputRows)
-        groups.push_back(valuesOf(instance, {{&parameters.find(row.source)}}));
-    const json expected = isOnBoard ? context.bareScratch().ask("routes", groups) : json();
-    const json ofInputs = isOnBoard ? json(expected.end() - std::size(inputRows), expected.end()) : json();
+        groups.push_back(std::vector{Target{&parameters.find(row.source)}});
+    const auto expected = isOnBoard ? askWrites(context, groups) : std::vector<DesignWrites>();
+    const auto ofInputs = std::span(expected).last(isOnBoard ? std::size(inputRows) : 0);
     std::optional<ParameterList> design;
     if (isOnBoard) design.emplace(instance, ParameterList::Scope::design);
 

@@ -8,6 +8,8 @@
 #include "applet_tools/scratch/refusal.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/assignment_report.h"
+#include "appletctl/commands/signals/measured_timing.h"
+#include "appletctl/commands/signals/wave_option.h"
 #include "appletctl/draw/svg.h"
 #include "appletctl/draw/waves.h"
 
@@ -269,18 +271,25 @@ void writePicture(Report& report, const std::optional<std::string>& file, const 
 struct TimingOptions {
     std::optional<std::string> svgFile; /**< --svg */
     std::optional<std::string> vcdFile; /**< --vcd */
+    bool isMeasured = false;            /**< --measured: on the station, too */
 };
 
 void addTimingOptions(CLI::App& command, Options& options) {
     auto& own = options.own<TimingOptions>();
     command.add_option("--svg", own.svgFile, "Picture to write")->type_name("FILE");
     command.add_option("--vcd", own.vcdFile, "Waveforms to write, for a waveform viewer")->type_name("FILE");
+    command.add_flag("--measured", own.isMeasured,
+                     "Let the virtual board's station run, and show beside it what it does; files show that");
+    addWaves(command, options);
 }
 
 Report showTiming(Context& context, const Words& assignments) {
     const auto& options = context.options().of<TimingOptions>();
     for (const auto& file : {options.svgFile, options.vcdFile})
         if (file && file->empty()) throw UsageError("the name of the file is empty");
+    const std::vector<WaveRequest> connected = wavesOf(context.options());
+    if (!connected.empty() && !options.isMeasured)
+        throw UsageError("--wave is for the station, which runs with --measured");
     Report report = applyLive(context, assignments);
     if (report.exitCode != exitDone) return report;
     const Timing timing = timingOf(context.instance(), context.parameters());
@@ -294,10 +303,14 @@ Report showTiming(Context& context, const Words& assignments) {
         report.text += forPerson(warning + ".\n");
     for (const std::string& assumption : timing.assumed)
         report.text += forPerson("(assumed: " + assumption + ")\n");
-    const std::vector<Wave> waves = allWaves(timing);
+    MeasuredDrawing drawing{allWaves(timing), timing.settings.period, timing.end};
+    if (options.isMeasured) drawing = addMeasuredTiming(report, context, connected);
+    if (report.exitCode != exitDone) return report;
+    const std::string words =
+        options.isMeasured ? "measured on the virtual board's station" : subtitle(timing);
     writePicture(report, options.svgFile, "svg",
-                 wavesAsSvg(waves, timing.end, timing.settings.period, subtitle(timing)));
-    writePicture(report, options.vcdFile, "vcd", wavesAsVcd(waves, timing.end));
+                 wavesAsSvg(drawing.waves, drawing.end, drawing.period, words));
+    writePicture(report, options.vcdFile, "vcd", wavesAsVcd(drawing.waves, drawing.end));
     return report;
 }
 
@@ -310,7 +323,8 @@ const Command timingCommand = {
     .argument = "NAME=VALUE",
     .argumentHelp = "Assignments to carry out before",
     .examples = {{"timing FG_LINEPERIODE=50", "signals of three line periods"},
-                 {"timing --svg lines.svg", "as a picture"}},
+                 {"timing --svg lines.svg", "as a picture"},
+                 {"timing --measured --from line.mcf", "beside what the virtual board's station does"}},
     .most = -1,
     .run = showTiming,
     .scratch = Context::Scratch::wanted,

@@ -8,7 +8,9 @@
 #include "appletctl/commands/lines.h"
 
 #include <algorithm>
+#include <span>
 #include <sstream>
+#include <string_view>
 
 namespace appletctl {
 namespace {
@@ -19,18 +21,46 @@ using Lines = std::vector<std::string>;
 /** Stands for the log of a command that does without an access. */
 constexpr const char* noAccess = "(no access to the design)";
 
-constexpr const char* accessKinds[] = {"set ", "get ", "write ", "read "};
+constexpr std::string_view accessKinds[] = {"set", "get", "write", "read"};
+constexpr std::string_view valueTypes[] = {"u32", "i32", "u64", "i64", "f64", "text", "field"};
 
-bool isAccess(const std::string& line) {
-    return std::ranges::any_of(accessKinds, [&](const char* kind) { return line.starts_with(kind); });
+bool isOneOf(std::span<const std::string_view> words, std::string_view word) {
+    return std::ranges::find(words, word) != words.end();
 }
 
-Lines accessesOfText(const std::string& text) {
+/** What a line of a log is. "trace set" prints what it has set between the accesses, other commands their own text
+ *  above all of them. */
+enum class LineKind { access, ofSet, text, none };
+
+LineKind kindOf(const std::string& line) {
+    std::istringstream words(line);
+    std::string access, name, type;
+    words >> access >> name >> type;
+    if (isOneOf(accessKinds, access)) return isOneOf(valueTypes, type) ? LineKind::access : LineKind::none;
+    if (printable(toUtf8(line.c_str())) != line) return LineKind::none;
+    const bool isOfSet = line.empty() || line == noAccess || line.starts_with("FG_") ||
+                         line.starts_with("DRA_") || line.starts_with(designPrefix);
+    return isOfSet ? LineKind::ofSet : LineKind::text;
+}
+
+/** Throws UsageError for a line that "trace" does not write. */
+Lines accessesOfText(const std::string& text, const std::string& file) {
     Lines lines;
     std::istringstream stream(text);
+    std::size_t number = 0;
     for (std::string line; std::getline(stream, line);) {
+        ++number;
+        std::ranges::replace(line, '\t', ' '); // between the cells of --plain
         line.erase(0, line.find_first_not_of(' '));
-        if (isAccess(line)) lines.push_back(line);
+        const LineKind kind = kindOf(line);
+        if (kind == LineKind::none || (kind == LineKind::text && !lines.empty())) {
+            constexpr std::size_t mostBytes = 100;
+            std::erase(line, '\0');
+            throw UsageError(inQuotes(toUtf8(file.c_str())) + ", line " + numberText(number) + ": " +
+                             inQuotes(shortened(toUtf8(line.c_str()), mostBytes)) +
+                             " is no line of 'trace', such as 'set NAME u32 1024'");
+        }
+        if (kind == LineKind::access) lines.push_back(line);
     }
     return lines;
 }
@@ -43,7 +73,7 @@ Lines accessesOfFile(const std::string& file) {
     if (!text) throw UsageError(inQuotes(toUtf8(file.c_str())) + " is no file that can be read");
     const auto document = ordered_json::parse(*text, nullptr, false);
     if (!document.is_object()) {
-        const Lines accesses = accessesOfText(*text);
+        const Lines accesses = accessesOfText(*text, file);
         if (!accesses.empty() || holdsNoAccess(*text)) return accesses;
         throw UsageError(inQuotes(toUtf8(file.c_str())) +
                          " is no output of 'trace': it has no line such as 'set NAME u32 1024'");

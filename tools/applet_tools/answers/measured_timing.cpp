@@ -1,0 +1,216 @@
+#include "applet_tools/answers/measured_timing.h"
+
+#include "applet_tools/base/errors.h"
+#include "applet_tools/base/numbers.h"
+#include "applet_tools/station/Grabber.h"
+#include "applet_tools/station/missing_picture.h"
+
+#include "vexo/fg_parameters.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+namespace applet_tools {
+namespace {
+
+/** What the settings say, times in microseconds. */
+struct Expected {
+    double period, exposure, delay;
+    std::optional<double> linePeriod, imagePeriod;
+    bool isExternal, isExSyncLow, isFlashLow;
+};
+
+/** Signals by their select. */
+constexpr unsigned exSyncSelect = 1, exSync2Select = 2, flashSelect = 3, lineSelect = 4;
+
+class Measurement {
+public:
+    Measurement(Instance& instance, const ParameterList& parameters)
+        : m_instance(instance)
+        , m_parameters(parameters) {}
+
+    MeasuredTiming run(const std::vector<WaveRequest>& waves, const std::function<bool()>& goesOn) {
+        m_expected = expected();
+        connect(waves);
+        m_timing.from = now();
+        grab(goesOn);
+        if (m_timing.isInterrupted) return std::move(m_timing);
+        m_timing.to = now();
+        addRows();
+        return std::move(m_timing);
+    }
+
+private:
+    template <typename T> T get(const char* name) const {
+        return std::get<T>(valueOf(m_instance, {&m_parameters.find(name)}));
+    }
+    double number(const char* name) const { return get<std::uint32_t>(name) * 1.0; }
+    bool is(const char* name, std::int32_t entry) const { return get<std::int32_t>(name) == entry; }
+    Ticks now() const { return m_instance.board().now(m_instance.device()); }
+
+    Expected expected() const {
+        const auto mode = get<std::int32_t>("FG_LINETRIGGERMODE");
+        Expected its{.period = get<double>("FG_LINEPERIODE"),
+                     .exposure = get<double>("FG_LINEEXPOSURE"),
+                     .delay = get<double>("FG_LINETRIGGERDELAY"),
+                     .linePeriod = {},
+                     .imagePeriod = {},
+                     .isExternal = mode == ASYNC_TRIGGER || mode == ASYNC_GATED,
+                     .isExSyncLow = is("FG_EXSYNCPOLARITY", FG_LOW),
+                     .isFlashLow = is("FG_FLASH_POLARITY", FG_LOW)};
+        if (is("FG_CAMERASIMULATOR_ENABLE", FG_CAMERASIMULATOR)) {
+            if (is("FG_CAMERASIMULATOR_TRIGGER_MODE", SIMULATION_FREE_RUN))
+                its.linePeriod = 1e6 / get<double>("FG_CAMERASIMULATOR_LINERATE");
+            else if (is("FG_CAMERASIMULATOR_TRIGGER_MODE", RISING_EDGE_TRIGGERS_LINE))
+                its.linePeriod = its.period;
+        }
+        const bool isFree = is("FG_IMGTRIGGERMODE", FREE_RUN) || is("FG_IMGTRIGGERON", FG_OFF);
+        if (isFree && its.linePeriod)
+            its.imagePeriod = *its.linePeriod * (number("FG_HEIGHT") + number("FG_YOFFSET"));
+        return its;
+    }
+
+    void connect(const std::vector<WaveRequest>& waves) {
+        for (const WaveRequest& wave : waves) {
+            connectWave(m_instance, wave);
+            use(wave.input);
+            if (const auto* encoder = std::get_if<EncoderWave>(&wave.wave)) use(encoder->second);
+        }
+        const bool isEncoder = is("FG_SHAFTENCODERON", FG_ON);
+        if (!m_expected.isExternal || !waves.empty()) return;
+        if (isEncoder) {
+            m_timing.remarks.emplace_back("no pulse came to the line trigger: give its encoder a --wave");
+            return;
+        }
+        const double period = m_expected.period / number("FG_LINE_DOWNSCALE");
+        const auto ticks = std::max<Ticks>(static_cast<Ticks>(std::round(period * 125)), 2);
+        const auto input = static_cast<unsigned>(get<std::int32_t>("FG_LINETRIGGERINSRC"));
+        connectWave(m_instance, {input, SquareWave{ticks, ticks / 2, ticks}});
+        use(input);
+    }
+
+    void use(unsigned input) {
+        constexpr unsigned firstInput = 21; // its signal
+        m_inputs.push_back(firstInput + input);
+    }
+
+    void grab(const std::function<bool()>& goesOn) {
+        constexpr int pictures = 3;
+        constexpr Ticks longest = 2 * ticksPerSecond;
+        const std::int64_t lines = sourceLines(m_instance);
+        {
+            constexpr std::size_t frames = 64; // pictures of the beginning wait in them
+            Grabber grabber(m_instance, frames);
+            lookAtStart();
+            Grabber::Outcome outcome = Grabber::Outcome::arrived;
+            while (m_timing.pictures < pictures && outcome == Grabber::Outcome::arrived) {
+                const Ticks passed = now() - m_timing.from;
+                outcome = grabber.next(longest - std::min(passed, longest), goesOn);
+                if (outcome != Grabber::Outcome::arrived) break;
+                ++m_timing.pictures;
+                m_firstLines.push_back(grabber.record().first_line);
+            }
+            m_timing.isInterrupted = outcome == Grabber::Outcome::interrupted;
+        }
+        m_timing.lines = sourceLines(m_instance) - lines;
+        if (m_timing.pictures == 0)
+            m_timing.remarks.push_back(whyNoPicture(m_instance, m_parameters, m_timing.lines));
+    }
+
+    /** Notes the signals of the first line periods, before the board forgets their edges. */
+    void lookAtStart() {
+        constexpr Ticks longest = ticksPerSecond / 20;
+        constexpr std::ptrdiff_t periods = 5;
+        const auto isActive = [this](const vboard_edge& edge) {
+            return edge.level != m_expected.isExSyncLow;
+        };
+        const Ticks piece = std::clamp<Ticks>(static_cast<Ticks>(m_expected.period * 125), 64, longest);
+        do {
+            m_instance.board().advance(m_instance.device(), piece);
+            m_timing.to = now();
+        } while (m_timing.to - m_timing.from < longest &&
+                 std::ranges::count_if(course(exSyncSelect).edges, isActive) < periods);
+        for (const StationSignal& signal : stationSignals())
+            if (std::ranges::find(m_inputs, signal.select) != m_inputs.end())
+                m_timing.signals.push_back({signal.name, false, course(signal.select)});
+        m_timing.signals.push_back({"ExSync", m_expected.isExSyncLow, course(exSyncSelect)});
+        m_timing.signals.push_back({"ExSync2", m_expected.isExSyncLow, course(exSync2Select)});
+        m_timing.signals.push_back({"Flash", m_expected.isFlashLow, course(flashSelect)});
+        m_timing.signals.push_back({"LVAL", false, course(lineSelect)});
+    }
+
+    SignalCourse course(unsigned select) const {
+        return courseOf(m_instance, select, m_timing.from, m_timing.to);
+    }
+
+    /** A row of the mean of so many ticks each, and one of its inverse. */
+    void add(const char* name, std::optional<double> computed, const std::vector<Ticks>& ticks,
+             const char* rateName = nullptr) {
+        MeasuredRow row{name, "µs", computed, {}, {}, {}};
+        if (!ticks.empty()) {
+            const Ticks sum = std::accumulate(ticks.begin(), ticks.end(), Ticks{0});
+            row.measured = microseconds(sum) / static_cast<double>(ticks.size());
+            const auto [smallest, largest] = std::ranges::minmax(ticks);
+            if (smallest != largest) {
+                row.smallest = microseconds(smallest);
+                row.largest = microseconds(largest);
+            }
+        }
+        m_timing.rows.push_back(row);
+        if (rateName == nullptr) return;
+        const auto inverse = [](std::optional<double> time) {
+            return time && *time > 0 ? std::optional(1e6 / *time) : std::nullopt;
+        };
+        m_timing.rows.push_back({rateName, "Hz", inverse(computed), inverse(row.measured), {}, {}});
+    }
+
+    /** From each start of the first to the next one of the second. */
+    static std::vector<Ticks> delays(const SignalCourse& first, const SignalCourse& second,
+                                     bool isActiveLow) {
+        std::vector<Ticks> found;
+        auto next = second.edges.begin();
+        for (const vboard_edge& edge : first.edges) {
+            if (edge.level == isActiveLow) continue;
+            while (next != second.edges.end() && (next->tick < edge.tick || next->level == isActiveLow))
+                ++next;
+            if (next == second.edges.end()) break;
+            found.push_back(next->tick - edge.tick);
+        }
+        return found;
+    }
+
+    void addRows() {
+        const SignalCourse exSync = course(exSyncSelect), exSync2 = course(exSync2Select);
+        const SignalCourse flash = course(flashSelect), lines = course(lineSelect);
+        const bool isOn = is("FG_EXSYNCON", FG_ON);
+        const auto ifOn = [&](double value) { return isOn ? std::optional(value) : std::nullopt; };
+        add("ExSync period", ifOn(m_expected.period), exSync.periods(), "ExSync rate");
+        add("ExSync active", ifOn(m_expected.exposure), exSync.widths(m_expected.isExSyncLow));
+        add("ExSync2 delay", ifOn(m_expected.delay), delays(exSync, exSync2, m_expected.isExSyncLow));
+        add("ExSync2 active", ifOn(m_expected.exposure), exSync2.widths(m_expected.isExSyncLow));
+        add("Flash active", is("FG_FLASHON", FG_ON) ? ifOn(m_expected.period) : std::nullopt,
+            flash.widths(m_expected.isFlashLow));
+        add("line period", m_expected.linePeriod, lines.periods(), "line rate");
+        std::vector<Ticks> images;
+        for (std::size_t i = 1; i < m_firstLines.size(); ++i)
+            images.push_back(m_firstLines[i] - m_firstLines[i - 1]);
+        add("image period", m_expected.imagePeriod, images, "image rate");
+    }
+
+    Instance& m_instance;
+    const ParameterList& m_parameters;
+    Expected m_expected{};
+    std::vector<unsigned> m_inputs; // signals of those with a wave
+    std::vector<Ticks> m_firstLines;
+    MeasuredTiming m_timing;
+};
+
+} // namespace
+
+MeasuredTiming measureTiming(Instance& instance, const ParameterList& parameters,
+                             const std::vector<WaveRequest>& waves, const std::function<bool()>& goesOn) {
+    return Measurement(instance, parameters).run(waves, goesOn);
+}
+
+} // namespace applet_tools

@@ -1,0 +1,32 @@
+/** What the applet writes for the present values of parameters, learnt from a scratch board. */
+#ifndef APPLET_TOOLS_ANSWERS_ROUTES_H
+#define APPLET_TOOLS_ANSWERS_ROUTES_H
+
+#include "applet_tools/scratch/LiveSession.h"
+#include "applet_tools/scratch/ScratchSession.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace applet_tools {
+
+/** A parameter of the design, and what the applet writes to it. */
+struct DesignWrite {
+    std::string parameter; /**< without prefix: "Device1_..." */
+    std::int64_t value;
+};
+
+/** The last write to each parameter, in the order of the first ones. */
+using DesignWrites = std::vector<DesignWrite>;
+
+/** Sets the live values of each group of parameters on a scratch board and says what that writes. Throws Failure for
+ *  a value that the scratch board refuses. */
+std::vector<DesignWrites> askWrites(LiveSession& live, const std::vector<std::vector<Target>>& groups);
+
+/** The job of a scratch board behind it: [[{"name", "value"}, ...], ...] gives [[{"parameter", "value"}, ...], ...]. */
+json routesJob(ScratchSession& session, const json& groups);
+
+} // namespace applet_tools
+
+#endif

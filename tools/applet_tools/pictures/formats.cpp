@@ -1,0 +1,99 @@
+#include "applet_tools/pictures/formats.h"
+
+#include "applet_tools/base/errors.h"
+#include "applet_tools/base/files.h"
+#include "applet_tools/base/numbers.h"
+#include "applet_tools/base/text.h"
+
+namespace applet_tools {
+namespace {
+
+std::string encodeRaw(const PictureView& picture) { return std::string(picture.text()); }
+
+constexpr PictureFormat formats[] = {{"png", ".png", nullptr, encodePng},
+                                     {"tiff", ".tiff", ".tif", encodeTiff},
+                                     {"ppm", ".ppm", nullptr, encodePpm},
+                                     {"raw", ".raw", ".bin", encodeRaw}};
+
+} // namespace
+
+std::span<const PictureFormat> pictureFormats() { return formats; }
+
+const PictureFormat& formatNamed(const std::string& name) {
+    std::vector<std::string> names;
+    for (const PictureFormat& format : formats) {
+        if (format.name == name) return format;
+        names.emplace_back(format.name);
+    }
+    throw UsageError(inQuotedWord(name) + " is no format of pictures; they are " + join(names, ", "));
+}
+
+const PictureFormat& formatOfFile(const std::string& file) {
+    const std::string name = lowerCase(file);
+    for (const PictureFormat& format : formats)
+        if (name.ends_with(format.suffix) ||
+            (format.otherSuffix != nullptr && name.ends_with(format.otherSuffix)))
+            return format;
+    throw UsageError(inQuotes(toUtf8(file.c_str())) +
+                     " does not end with .png, .tiff, .ppm or .raw: say the format with --format");
+}
+
+std::string encodePpm(const PictureView& picture) {
+    std::string file = "P6\n" + numberText(picture.width) + " " + numberText(picture.lines) + "\n" +
+                       numberText((1U << picture.bits) - 1) + "\n";
+    const std::size_t components = std::size_t{3} * picture.width * picture.lines;
+    file.reserve(file.size() + components * (picture.bits > 8 ? 2 : 1));
+    std::vector<std::uint16_t> line;
+    for (std::uint32_t y = 0; y < picture.lines; ++y) {
+        unpackLine(picture, y, line);
+        for (const std::uint16_t component : line) {
+            if (picture.bits > 8) file += static_cast<char>(component >> 8);
+            file += static_cast<char>(component & 0xff);
+        }
+    }
+    return file;
+}
+
+NumberedName::NumberedName(const std::string& pattern) {
+    std::string* part = &m_before;
+    for (std::size_t i = 0; i < pattern.size(); ++i) {
+        if (pattern[i] != '%') {
+            *part += pattern[i];
+            continue;
+        }
+        const std::size_t end = pattern.find_first_not_of("0123456789", i + 1);
+        const std::string width = end == std::string::npos ? "" : pattern.substr(i + 1, end - i - 1);
+        if (end == i + 1 && pattern[end] == '%') {
+            *part += '%';
+        } else if (end != std::string::npos && pattern[end] == 'd' && !m_isNumbered && width.size() <= 3 &&
+                   (width.empty() || width.front() == '0')) {
+            m_isNumbered = true;
+            m_digits = width.empty() ? 0 : wholeNumber<std::size_t>(width).value_or(0);
+            part = &m_behind;
+        } else {
+            throw UsageError(
+                inQuotes(toUtf8(pattern.c_str())) +
+                ": one %d, or %06d, stands for the number of the picture; write %% for a percent");
+        }
+        i = end;
+    }
+}
+
+std::string NumberedName::of(std::int64_t number) const {
+    if (!m_isNumbered) return m_before;
+    const std::string digits = numberText(number);
+    return m_before + std::string(m_digits > digits.size() ? m_digits - digits.size() : 0, '0') + digits +
+           m_behind;
+}
+
+PictureFiles::PictureFiles(const std::string& pattern, const std::string& format)
+    : m_name(pattern)
+    , m_format(&(format.empty() ? formatOfFile(pattern) : formatNamed(format))) {}
+
+std::string PictureFiles::write(const PictureView& picture, std::int64_t number) const {
+    std::string file = name(number);
+    writeFile(file, m_format->encode(picture));
+    return file;
+}
+
+} // namespace applet_tools

@@ -1,0 +1,100 @@
+#include "applet_tools/base/errors.h"
+#include "applet_tools/pictures/formats.h"
+
+#include <tiffio.h>
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <new>
+
+namespace applet_tools {
+namespace {
+
+/** A file in memory with a place to write at. */
+struct MemoryFile {
+    std::string bytes;
+    std::size_t place = 0;
+};
+
+MemoryFile& fileOf(thandle_t handle) { return *static_cast<MemoryFile*>(handle); }
+
+tmsize_t readFrom(thandle_t handle, void* bytes, tmsize_t size) {
+    MemoryFile& file = fileOf(handle);
+    const std::size_t left = file.bytes.size() - std::min(file.place, file.bytes.size());
+    const std::size_t count = std::min(static_cast<std::size_t>(size), left);
+    std::memcpy(bytes, file.bytes.data() + file.place, count);
+    file.place += count;
+    return static_cast<tmsize_t>(count);
+}
+
+tmsize_t writeTo(thandle_t handle, void* bytes, tmsize_t size) {
+    MemoryFile& file = fileOf(handle);
+    const std::size_t end = file.place + static_cast<std::size_t>(size);
+    try { // no exception goes through the library
+        if (end > file.bytes.size()) file.bytes.resize(end);
+    } catch (const std::bad_alloc&) {
+        return -1;
+    }
+    std::memcpy(file.bytes.data() + file.place, bytes, static_cast<std::size_t>(size));
+    file.place = end;
+    return size;
+}
+
+toff_t seekIn(thandle_t handle, toff_t offset, int whence) {
+    MemoryFile& file = fileOf(handle);
+    const std::size_t from = whence == SEEK_SET ? 0 : whence == SEEK_CUR ? file.place : file.bytes.size();
+    return file.place = from + offset;
+}
+
+int closeNothing(thandle_t) { return 0; }
+
+toff_t sizeOf(thandle_t handle) { return fileOf(handle).bytes.size(); }
+
+void require(bool isDone) {
+    if (!isDone)
+        throw Failure("the picture cannot be written as TIFF: it is too large, or there is no memory left");
+}
+
+void writeRow(TIFF* tiff, const PictureView& picture, std::uint32_t y,
+              const std::vector<std::uint16_t>& line) {
+    std::vector<std::uint16_t> wide(line.size());
+    std::vector<std::uint8_t> narrow(line.size());
+    const bool isWide = picture.bits > 8;
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        wide[i] = isWide ? widened(line[i], picture.bits) : line[i];
+        narrow[i] = static_cast<std::uint8_t>(line[i]);
+    }
+    require(TIFFWriteScanline(tiff, isWide ? static_cast<void*>(wide.data()) : narrow.data(), y, 0) == 1);
+}
+
+} // namespace
+
+std::string encodeTiff(const PictureView& picture) {
+    TIFFSetWarningHandler(nullptr);
+    TIFFSetErrorHandler(nullptr);
+    MemoryFile file;
+    const std::unique_ptr<TIFF, void (*)(TIFF*)> tiff(TIFFClientOpen("picture", "w", &file, readFrom, writeTo,
+                                                                     seekIn, closeNothing, sizeOf, nullptr,
+                                                                     nullptr),
+                                                      TIFFClose);
+    require(tiff != nullptr);
+    TIFFSetField(tiff.get(), TIFFTAG_IMAGEWIDTH, picture.width);
+    TIFFSetField(tiff.get(), TIFFTAG_IMAGELENGTH, picture.lines);
+    TIFFSetField(tiff.get(), TIFFTAG_SAMPLESPERPIXEL, 3);
+    TIFFSetField(tiff.get(), TIFFTAG_BITSPERSAMPLE, picture.bits > 8 ? 16 : 8);
+    TIFFSetField(tiff.get(), TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_RGB);
+    TIFFSetField(tiff.get(), TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
+    TIFFSetField(tiff.get(), TIFFTAG_COMPRESSION, COMPRESSION_LZW);
+    TIFFSetField(tiff.get(), TIFFTAG_PREDICTOR, PREDICTOR_HORIZONTAL);
+    TIFFSetField(tiff.get(), TIFFTAG_ROWSPERSTRIP, TIFFDefaultStripSize(tiff.get(), 0));
+    std::vector<std::uint16_t> line;
+    for (std::uint32_t y = 0; y < picture.lines; ++y) {
+        unpackLine(picture, y, line);
+        writeRow(tiff.get(), picture, y, line);
+    }
+    require(TIFFFlush(tiff.get()) == 1);
+    return std::move(file.bytes);
+}
+
+} // namespace applet_tools

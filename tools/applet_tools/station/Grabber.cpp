@@ -1,0 +1,60 @@
+#include "applet_tools/station/Grabber.h"
+
+#include "applet_tools/base/errors.h"
+#include "applet_tools/base/numbers.h"
+
+#include <algorithm>
+
+namespace applet_tools {
+namespace {
+
+/** More than any picture has. A frame takes no memory before its picture is made. */
+constexpr std::uint64_t frameBytes = std::uint64_t{1} << 40;
+
+} // namespace
+
+Grabber::Grabber(Instance& instance, std::size_t frames)
+    : m_instance(instance)
+    , m_memory(instance.board().memory(instance.device(), frames, frameBytes, VBOARD_BLOCKING),
+               FreeMemory{&instance.board()}) {
+    constexpr std::intptr_t withoutEnd = 0;
+    const int code = instance.applet().Fg_AcquireEx(instance.fg(), 0, withoutEnd, 0, m_memory.get());
+    if (code != FG_OK) throw Failure("the acquisition was not started: " + codeInWords(code));
+}
+
+Grabber::~Grabber() { m_instance.applet().Fg_stopAcquireEx(m_instance.fg(), 0, m_memory.get(), 0); }
+
+Grabber::Outcome Grabber::next(Ticks timeout, const std::function<bool()>& goesOn) {
+    const auto& board = m_instance.board();
+    LOOMdevice* device = m_instance.device();
+    if (m_picture > 0) board.release(m_memory.get(), m_picture);
+    const Ticks end = board.now(device) + timeout;
+    constexpr Ticks piece = ticksPerSecond / 20;
+    std::int64_t last = VBOARD_TIMEOUT;
+    while (last == VBOARD_TIMEOUT) {
+        if (!goesOn()) return Outcome::interrupted;
+        const Ticks now = board.now(device);
+        last = board.wait(device, m_picture + 1, std::min(piece, end - now));
+        if (last == VBOARD_TIMEOUT && board.now(device) >= end) return Outcome::timeout;
+    }
+    if (last < 0) throw Failure("the acquisition has ended: " + codeInWords(static_cast<int>(last)));
+    ++m_picture;
+    const int code = board.frame(m_memory.get(), m_picture, &m_record);
+    if (code == VBOARD_TOO_SMALL)
+        throw Failure("picture " + numberText(m_picture) +
+                      " is larger than those were when the acquisition started");
+    if (code != VBOARD_OK)
+        throw Failure("there is no memory left to make picture " + numberText(m_picture) +
+                      ": lower FG_WIDTH or FG_HEIGHT");
+    return Outcome::arrived;
+}
+
+PictureView viewOf(const vboard_record& record) {
+    return {.bytes = {record.data, record.size},
+            .width = record.width,
+            .lines = record.lines,
+            .bits = record.bits,
+            .bytesPerLine = record.bytes_per_line};
+}
+
+} // namespace applet_tools

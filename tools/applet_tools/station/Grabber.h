@@ -1,0 +1,49 @@
+/** Pictures of the virtual board's station, one after the other. */
+#ifndef APPLET_TOOLS_STATION_GRABBER_H
+#define APPLET_TOOLS_STATION_GRABBER_H
+
+#include "applet_tools/applet/Instance.h"
+#include "applet_tools/pictures/PictureView.h"
+#include "applet_tools/station/ticks.h"
+
+#include <functional>
+#include <memory>
+
+namespace applet_tools {
+
+/** An acquisition into a memory in which pictures stay until the next one is asked for, so that none is overwritten: it
+ *  is started and stopped by the applet's own functions. */
+class Grabber {
+public:
+    /** Starts it, with that many frames in the memory. Throws Failure when the applet refuses. */
+    Grabber(Instance& instance, std::size_t frames);
+    ~Grabber();
+    Grabber(const Grabber&) = delete;
+    Grabber& operator=(const Grabber&) = delete;
+
+    enum class Outcome { arrived, timeout, interrupted };
+    /** Gives the last picture back, and lets time move to the arrival of the next one, by `timeout` at most. Asks
+     *  `goesOn` now and then. Throws Failure when the acquisition has ended, or there is no room for the picture. */
+    Outcome next(Ticks timeout, const std::function<bool()>& goesOn);
+
+    /** Of the last picture that arrived; its bytes are there until the next one is asked for. */
+    const vboard_record& record() const { return m_record; }
+
+private:
+    struct FreeMemory {
+        const applet_host::BoardFunctions* board;
+        void operator()(vboard_frames* memory) const { board->memory_free(memory); }
+    };
+
+    Instance& m_instance;
+    std::unique_ptr<vboard_frames, FreeMemory> m_memory;
+    std::int64_t m_picture = 0;
+    vboard_record m_record{};
+};
+
+/** The picture of a record, without its bytes being copied. */
+PictureView viewOf(const vboard_record& record);
+
+} // namespace applet_tools
+
+#endif

@@ -1,0 +1,134 @@
+#include "applet_tools/station/signals.h"
+
+#include "applet_tools/base/errors.h"
+#include "applet_tools/base/text.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace applet_tools {
+namespace {
+
+std::vector<StationSignal> allSignals() {
+    std::vector<StationSignal> signals = {
+        {"ExSync", 1}, {"ExSync2", 2}, {"Flash", 3}, {"LVAL", 4}, {"FVAL", 5}};
+    for (unsigned i = 0; i < 8; ++i)
+        signals.push_back({"GPI_" + std::to_string(i), 21 + i});
+    for (unsigned i = 0; i < 4; ++i)
+        signals.push_back({"FRONT_GPI_" + std::to_string(i), 29 + i});
+    signals.insert(signals.end(), {{"LineStart", 33}, {"LineEnd", 34}, {"FrameStart", 35}, {"FrameEnd", 36}});
+    return signals;
+}
+
+/** "FG_SIGNAL_CAM0_LINE_START" and "LineStart" are the same. */
+std::string comparable(std::string_view word) {
+    std::string name = lowerCase(word);
+    for (const std::string_view prefix : {"fg_signal_", "cam0_"})
+        if (name.starts_with(prefix)) name.erase(0, prefix.size());
+    std::erase(name, '_');
+    return name;
+}
+
+constexpr LossKind kinds[] = {
+    {"images", VBOARD_STATUS_LOST_IMAGES, "images lost in the full buffer",
+     "lower the line rate, or the bytes of a line by FG_WIDTH, FG_SENSORWIDTH or FG_FORMAT"},
+    {"triggers", VBOARD_STATUS_IGNORED_TRIGGERS, "image triggers ignored while an image was in progress",
+     "take fewer lines (FG_IMGTRIGGER_ASYNC_HEIGHT, FG_HEIGHT), or let the triggers come further apart"},
+    {"pulses", VBOARD_STATUS_LOST_PULSES, "pulses of the line trigger lost while ExSync was active",
+     "shorten FG_LINEEXPOSURE, or raise FG_LINE_DOWNSCALE"},
+    {"cameratriggers", VBOARD_STATUS_LOST_CAMERA_TRIGGERS,
+     "camera triggers lost while a line was in transfer",
+     "raise FG_CAMERASIMULATOR_LINERATE, lower FG_CAMERASIMULATOR_WIDTH, or let the lines come further "
+     "apart"},
+};
+
+} // namespace
+
+const std::vector<StationSignal>& stationSignals() {
+    static const std::vector<StationSignal> signals = allSignals();
+    return signals;
+}
+
+const StationSignal& signalFrom(std::string_view word) {
+    const std::string wanted = comparable(word);
+    std::vector<std::string> names;
+    for (const StationSignal& signal : stationSignals()) {
+        if (comparable(signal.name) == wanted) return signal;
+        names.push_back(signal.name);
+    }
+    throw UsageError("there is no signal " + inQuotedWord(word) + didYouMean(nearestWords(word, names)) +
+                     "; they are " + join(names, ", "));
+}
+
+std::vector<Ticks> SignalCourse::periods() const {
+    std::vector<Ticks> found;
+    std::optional<Ticks> last;
+    for (const vboard_edge& edge : edges) {
+        if (!edge.level) continue;
+        if (last) found.push_back(edge.tick - *last);
+        last = edge.tick;
+    }
+    return found;
+}
+
+std::vector<Ticks> SignalCourse::widths(bool isActiveLow) const {
+    std::vector<Ticks> found;
+    std::optional<Ticks> start;
+    for (const vboard_edge& edge : edges) {
+        if (edge.level != isActiveLow)
+            start = edge.tick;
+        else if (start)
+            found.push_back(edge.tick - *start);
+    }
+    return found;
+}
+
+std::size_t SignalCourse::risingEdges() const {
+    return static_cast<std::size_t>(std::ranges::count(edges, true, &vboard_edge::level));
+}
+
+std::optional<Ticks> SignalCourse::first(bool level) const {
+    const auto found = std::ranges::find(edges, level, &vboard_edge::level);
+    return found == edges.end() ? std::nullopt : std::optional<Ticks>(found->tick);
+}
+
+SignalCourse courseOf(Instance& instance, unsigned select, Ticks from, Ticks to) {
+    constexpr std::size_t most =
+        2 * 16384; // that the board keeps; a pulse of one tick is an edge of it and two here
+    constexpr Ticks never = std::numeric_limits<Ticks>::max();
+    SignalCourse course;
+    course.edges.assign(most, {never, false});
+    const std::int64_t count = instance.board().signals(instance.device(), select, from, to,
+                                                        course.edges.data(), most, &course.startsHigh);
+    course.isComplete = count >= 0;
+    const auto end = std::ranges::find(course.edges, never, &vboard_edge::tick);
+    course.edges.erase(end, course.edges.end());
+    return course;
+}
+
+std::optional<double> rateOf(const SignalCourse& course) {
+    const std::vector<Ticks> periods = course.periods();
+    if (periods.empty()) return std::nullopt;
+    Ticks sum = 0;
+    for (const Ticks period : periods)
+        sum += period;
+    return static_cast<double>(periods.size()) * static_cast<double>(ticksPerSecond) /
+           static_cast<double>(sum);
+}
+
+std::span<const LossKind> lossKinds() { return kinds; }
+
+std::vector<std::int64_t> lossesOf(Instance& instance) {
+    std::vector<std::int64_t> losses;
+    for (const LossKind& kind : kinds)
+        losses.push_back(instance.applet().Fg_getStatusEx(instance.fg(), kind.status, 0, 0, nullptr));
+    return losses;
+}
+
+void requireStation(const Instance& instance, const std::string& what) {
+    if (instance.device() != nullptr && instance.host()->isVirtual()) return;
+    throw UsageError(
+        what + " needs the virtual board, which is a simulated station: leave --board and --offline out");
+}
+
+} // namespace applet_tools

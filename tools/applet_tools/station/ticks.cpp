@@ -1,0 +1,46 @@
+#include "applet_tools/station/ticks.h"
+
+#include "applet_tools/base/errors.h"
+#include "applet_tools/base/numbers.h"
+#include "applet_tools/base/text.h"
+
+#include <cmath>
+
+namespace applet_tools {
+namespace {
+
+struct TimeUnit {
+    std::string_view name;
+    double ticks;
+};
+
+// Longer names before those that they end with.
+constexpr TimeUnit units[] = {{"ticks", 1}, {"ns", 0.125}, {"us", 125},
+                              {"µs", 125},  {"ms", 125e3}, {"s", 125e6}};
+
+} // namespace
+
+Ticks ticksFrom(std::string_view word) {
+    for (const TimeUnit& unit : units) {
+        if (!word.ends_with(unit.name)) continue;
+        const auto number = floatingNumber(word.substr(0, word.size() - unit.name.size()));
+        if (!number) break;
+        constexpr double longest = 1e6; // seconds
+        const double ticks = std::round(*number * unit.ticks);
+        if (ticks < 0 || ticks > longest * static_cast<double>(ticksPerSecond))
+            throw UsageError(inQuotedWord(word) + " is outside of 0 to 1000000s");
+        return static_cast<Ticks>(ticks);
+    }
+    throw UsageError(inQuotedWord(word) +
+                     " is no time: write a number and a unit, such as 80ns, 200us, 10ms, 1.5s "
+                     "or 25ticks");
+}
+
+std::string durationText(Ticks ticks) {
+    const double time = microseconds(ticks);
+    if (time >= 1e6) return numberText(time / 1e6) + " s";
+    if (time >= 1e3) return numberText(time / 1e3) + " ms";
+    return numberText(time) + " µs";
+}
+
+} // namespace applet_tools

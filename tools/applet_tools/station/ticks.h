@@ -1,0 +1,26 @@
+/** Spans of the station's simulated time, in ticks of 8 ns. */
+#ifndef APPLET_TOOLS_STATION_TICKS_H
+#define APPLET_TOOLS_STATION_TICKS_H
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace applet_tools {
+
+using Ticks = std::uint64_t;
+
+inline constexpr Ticks ticksPerSecond = 125'000'000;
+
+/** Reads "200us", "200µs", "10ms", "1.5s", "80ns" or "25ticks": the nearest tick, at most a million seconds. Throws
+ *  UsageError. */
+Ticks ticksFrom(std::string_view word);
+
+constexpr double microseconds(Ticks ticks) { return static_cast<double>(ticks) * 0.008; }
+
+/** "0.008 µs", "200 µs", "10.24 ms", "1.5 s": in the largest of these units of which it is at least one. */
+std::string durationText(Ticks ticks);
+
+} // namespace applet_tools
+
+#endif

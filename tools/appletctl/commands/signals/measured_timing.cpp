@@ -1,0 +1,144 @@
+#include "appletctl/commands/signals/measured_timing.h"
+
+#include "applet_tools/answers/measured_timing.h"
+#include "applet_tools/base/Interruption.h"
+#include "applet_tools/base/text.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace appletctl {
+namespace {
+
+/** To a thousandth of a tick: a mean has more digits than are known. */
+std::string shown(std::optional<double> value, const std::string& unit) {
+    if (!value) return "-";
+    const double rounded = std::round(*value * 1e5) / 1e5;
+    return numberText(rounded == 0 ? 0.0 : rounded) + " " + unit; // never -0
+}
+
+std::optional<double> differenceOf(const MeasuredRow& row) {
+    if (!row.computed || !row.measured) return std::nullopt;
+    return *row.measured - *row.computed;
+}
+
+std::string tableOf(const MeasuredTiming& timing) {
+    Table table;
+    table.setTitles({"ON THE STATION", "COMPUTED", "MEASURED", "DIFFERENCE"});
+    for (const MeasuredRow& row : timing.rows) {
+        std::string measured = shown(row.measured, row.unit);
+        if (row.smallest)
+            measured += " (" + numberText(*row.smallest) + " to " + numberText(*row.largest) + ")";
+        table.addRow({row.name, shown(row.computed, row.unit), measured, shown(differenceOf(row), row.unit)});
+    }
+    return table.render(Style::forStream(STDOUT_FILENO));
+}
+
+nlohmann::ordered_json asJson(const MeasuredTiming& timing) {
+    nlohmann::ordered_json object = {{"seconds", microseconds(timing.to - timing.from) / 1e6},
+                                     {"lines", timing.lines},
+                                     {"pictures", timing.pictures},
+                                     {"remarks", timing.remarks}};
+    auto& rows = object["rows"] = nlohmann::ordered_json::array();
+    const auto orNull = [](std::optional<double> value) {
+        return value ? nlohmann::ordered_json(*value) : nlohmann::ordered_json(nullptr);
+    };
+    for (const MeasuredRow& row : timing.rows) {
+        auto& one = rows.emplace_back(nlohmann::ordered_json{{"name", row.name},
+                                                             {"unit", row.unit},
+                                                             {"computed", orNull(row.computed)},
+                                                             {"measured", orNull(row.measured)},
+                                                             {"difference", orNull(differenceOf(row))}});
+        if (!row.smallest) continue;
+        one["smallest"] = *row.smallest;
+        one["largest"] = *row.largest;
+    }
+    return object;
+}
+
+Wave waveOf(const MeasuredSignal& signal, Ticks from, double end) {
+    std::vector<Pulse> pulses;
+    const bool startsActive = signal.course.startsHigh != signal.isActiveLow;
+    std::optional<double> start = startsActive ? std::optional(0.0) : std::nullopt;
+    for (const vboard_edge& edge : signal.course.edges) {
+        const double place = microseconds(edge.tick) - microseconds(from);
+        if (edge.level != signal.isActiveLow) {
+            start = place;
+        } else if (start) {
+            pulses.push_back({*start, place});
+            start.reset();
+        }
+    }
+    if (start) pulses.push_back({*start, end});
+    std::erase_if(pulses, [&](const Pulse& pulse) { return pulse.end <= 0 || pulse.start >= end; });
+    return {signal.name, merged(std::move(pulses), end), signal.isActiveLow};
+}
+
+/** The period of ExSync that comes most often; of lines where there is none. */
+Ticks shownPeriod(const MeasuredTiming& timing) {
+    for (const char* name : {"ExSync", "LVAL"}) {
+        const auto found = std::ranges::find(timing.signals, name, &MeasuredSignal::name);
+        std::vector<Ticks> periods = found->course.periods();
+        if (periods.empty()) continue;
+        std::ranges::nth_element(periods, periods.begin() + static_cast<std::ptrdiff_t>(periods.size() / 2));
+        return periods[periods.size() / 2];
+    }
+    return ticksPerSecond / 1000;
+}
+
+MeasuredDrawing drawingOf(const MeasuredTiming& timing) {
+    constexpr Ticks shownPeriods = 4;
+    const Ticks period = shownPeriod(timing);
+    const auto exSync = std::ranges::find(timing.signals, "ExSync", &MeasuredSignal::name);
+    const Ticks first = exSync->course.first(!exSync->isActiveLow).value_or(timing.from);
+    const Ticks from = std::max(timing.from, first - std::min(first, period));
+    MeasuredDrawing drawing{{}, microseconds(period), microseconds(shownPeriods * period)};
+    for (const MeasuredSignal& signal : timing.signals)
+        drawing.waves.push_back(waveOf(signal, from, drawing.end));
+    return drawing;
+}
+
+/** A board on which no time has passed: the live one, or a copy of it. */
+class FreshBoard {
+public:
+    explicit FreshBoard(Context& context) : m_context(context) {
+        requireStation(context.instance(), "'timing --measured'");
+        m_isCopy = context.instance().board().now(context.instance().device()) > 0;
+        if (m_isCopy) context.enterCopy();
+    }
+    ~FreshBoard() {
+        if (m_isCopy) m_context.leaveCopy();
+    }
+    FreshBoard(const FreshBoard&) = delete;
+    FreshBoard& operator=(const FreshBoard&) = delete;
+
+private:
+    Context& m_context;
+    bool m_isCopy;
+};
+
+} // namespace
+
+MeasuredDrawing addMeasuredTiming(Report& report, Context& context, const std::vector<WaveRequest>& waves) {
+    const FreshBoard fresh(context);
+    const Interruption interruption;
+    const MeasuredTiming timing = measureTiming(context.instance(), context.parameters(), waves,
+                                                [&] { return !interruption.isAsked(); });
+    if (timing.isInterrupted) {
+        report.exitCode = exitInterrupted;
+        return {};
+    }
+    report.document["measured"] = asJson(timing);
+    report.text += '\n' + tableOf(timing);
+    report.text +=
+        forPerson("(measured over " + durationText(timing.to - timing.from) + ": " +
+                  numberText(timing.lines) + (timing.lines == 1 ? " line, " : " lines, ") +
+                  numberText(timing.pictures) + (timing.pictures == 1 ? " picture)\n" : " pictures)\n"));
+    for (const std::string& remark : timing.remarks)
+        report.text += forPerson("(" + remark + ")\n");
+    return drawingOf(timing);
+}
+
+} // namespace appletctl
