@@ -54,24 +54,6 @@ int codeOf(station::HostMemory::Result result) {
     return codes[static_cast<std::size_t>(result)];
 }
 
-vboard_record describe(const station::Record& record, const std::uint8_t* data) {
-    return {.data = data,
-            .size = record.bytes(),
-            .picture = record.picture,
-            .lost_before = record.lostBefore,
-            .trigger = record.trigger,
-            .encoder = record.encoder,
-            .first_line = record.firstLine,
-            .last_line = record.lastLine,
-            .arrival = record.arrival,
-            .width = record.settings->xLength,
-            .lines = record.lines,
-            .bits = record.settings->colours.outBits,
-            .bytes_per_line = static_cast<std::uint32_t>(record.layout.bytesPerLine),
-            .is_short = record.isShort,
-            .is_narrow = record.isNarrow};
-}
-
 } // namespace
 
 int vboard_clock(LOOMdevice* board, double factor) {

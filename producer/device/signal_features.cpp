@@ -12,7 +12,6 @@ namespace {
 
 using Kind = Feature::Kind;
 
-constexpr const char* acquisitionControl = "AcquisitionControl";
 constexpr const char* encoderControl = "EncoderControl";
 constexpr const char* inputControl = "DigitalIOControl";
 constexpr const char* analogControl = "AnalogControl";
@@ -20,8 +19,6 @@ constexpr const char* tableControl = "LUTControl";
 constexpr const char* eventControl = "EventControl";
 
 constexpr std::int64_t inputCount = 12; // 0 to 7 GPI, 8 to 11 front GPI
-
-std::int64_t integerOf(const Value& value) { return std::get<std::int64_t>(value); }
 
 /** The inputs, with the numbers of the applet's trigger sources. */
 std::vector<FeatureEntry> sources(bool hasSoftware) {

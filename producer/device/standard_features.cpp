@@ -15,15 +15,12 @@ using Kind = Feature::Kind;
 
 constexpr const char* deviceControl = "DeviceControl";
 constexpr const char* imageFormat = "ImageFormatControl";
-constexpr const char* acquisitionControl = "AcquisitionControl";
 constexpr const char* transportControl = "TransportLayerControl";
 
 enum AcquisitionMode : std::uint8_t { continuous, singleFrame, multiFrame };
 
 /** A test pattern: the simulator's, from this value on one that rolls; 0: the camera port. */
 constexpr std::int64_t rolling = 8;
-
-std::int64_t integerOf(const Value& value) { return std::get<std::int64_t>(value); }
 
 } // namespace
 

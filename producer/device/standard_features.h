@@ -40,6 +40,12 @@ bool isAcquiring(const Device& device);
 void addStandardFeatures(const Device& device, const std::vector<Feature>& parameters,
                          std::vector<Feature>& features);
 
+/** The category of what starts pictures and lines. */
+inline constexpr const char* acquisitionControl = "AcquisitionControl";
+
+/** The value of a feature that is an integer, or looks like one to a client. */
+inline std::int64_t integerOf(const Value& value) { return std::get<std::int64_t>(value); }
+
 /** Makes features by their subject. */
 class StandardFeatures {
 public:

@@ -7,8 +7,8 @@
 namespace producer {
 namespace {
 
-constexpr const char* information = "InterfaceInformation";
-constexpr const char* enumeration = "DeviceEnumeration";
+constexpr const char* interfaceInformation = "InterfaceInformation";
+constexpr const char* deviceEnumeration = "DeviceEnumeration";
 constexpr std::uint64_t timestampFrequency = 1'000'000'000;
 
 } // namespace
@@ -106,24 +106,25 @@ void Interface::close() {
 }
 
 std::vector<Feature> Interface::makeFeatures() {
-    Feature update{.name = "DeviceUpdateList", .category = enumeration, .kind = Feature::Kind::command};
+    Feature update{.name = "DeviceUpdateList", .category = deviceEnumeration, .kind = Feature::Kind::command};
     update.get = [] { return std::int64_t{0}; };
     update.set = [this](const Value&) { updateDevices(); };
-    Feature status = wordFeature(enumeration, "DeviceAccessStatus", "Unknown");
+    Feature status = wordFeature(deviceEnumeration, "DeviceAccessStatus", "Unknown");
     status.entries = {{"Unknown", DEVICE_ACCESS_STATUS_UNKNOWN},
                       {"ReadWrite", DEVICE_ACCESS_STATUS_READWRITE},
                       {"OpenReadWrite", DEVICE_ACCESS_STATUS_OPEN_READWRITE},
                       {"OpenReadOnly", DEVICE_ACCESS_STATUS_OPEN_READONLY}};
     status.get = [this] { return std::int64_t{m_status}; };
-    return {textFeature(information, "InterfaceID", id()),
-            wordFeature(information, "InterfaceType", transportType),
-            update,
-            selectorFeature(enumeration, "DeviceSelector", [this] { return deviceCount(); },
-                            {"DeviceID", "DeviceVendorName", "DeviceModelName", "DeviceAccessStatus"}),
-            textFeature(enumeration, "DeviceID", [this] { return deviceCount() > 0 ? m_deviceId : ""; }),
-            textFeature(enumeration, "DeviceVendorName", vendorName),
-            textFeature(enumeration, "DeviceModelName", modelName),
-            status};
+    return {
+        textFeature(interfaceInformation, "InterfaceID", id()),
+        wordFeature(interfaceInformation, "InterfaceType", transportType),
+        update,
+        selectorFeature(deviceEnumeration, "DeviceSelector", [this] { return deviceCount(); },
+                        {"DeviceID", "DeviceVendorName", "DeviceModelName", "DeviceAccessStatus"}),
+        textFeature(deviceEnumeration, "DeviceID", [this] { return deviceCount() > 0 ? m_deviceId : ""; }),
+        textFeature(deviceEnumeration, "DeviceVendorName", vendorName),
+        textFeature(deviceEnumeration, "DeviceModelName", modelName),
+        status};
 }
 
 } // namespace producer

@@ -9,8 +9,8 @@
 namespace producer {
 namespace {
 
-constexpr const char* information = "DeviceInformation";
-constexpr const char* enumeration = "StreamEnumeration";
+constexpr const char* deviceInformation = "DeviceInformation";
+constexpr const char* streamEnumeration = "StreamEnumeration";
 constexpr std::size_t longestName = 64;
 
 /** Mask and time of an event, as the description has them. */
@@ -99,12 +99,12 @@ void LocalDevice::close() {
 }
 
 std::vector<Feature> LocalDevice::makeFeatures() {
-    return {textFeature(information, "DeviceID", id()),
-            textFeature(information, "DeviceVendorName", vendorName),
-            textFeature(information, "DeviceModelName", modelName),
-            wordFeature(information, "DeviceType", transportType),
-            selectorFeature(enumeration, "StreamSelector", [] { return 1; }, {"StreamID"}),
-            textFeature(enumeration, "StreamID", m_streamId)};
+    return {textFeature(deviceInformation, "DeviceID", id()),
+            textFeature(deviceInformation, "DeviceVendorName", vendorName),
+            textFeature(deviceInformation, "DeviceModelName", modelName),
+            wordFeature(deviceInformation, "DeviceType", transportType),
+            selectorFeature(streamEnumeration, "StreamSelector", [] { return 1; }, {"StreamID"}),
+            textFeature(streamEnumeration, "StreamID", m_streamId)};
 }
 
 } // namespace producer

@@ -10,7 +10,7 @@
 namespace producer {
 namespace {
 
-constexpr const char* information = "StreamInformation";
+constexpr const char* streamInformation = "StreamInformation";
 constexpr const char* control = "BufferHandlingControl";
 constexpr std::uint64_t fewestBuffers = 1;
 constexpr std::size_t mostBytes = std::size_t{1} << 46; // of a buffer
@@ -330,12 +330,13 @@ void Stream::close() {
 
 std::vector<Feature> Stream::makeFeatures() {
     const auto count = [this](const char* name, std::int32_t command) {
-        return numberFeature(information, name, [this, command] { return number(command); });
+        return numberFeature(streamInformation, name, [this, command] { return number(command); });
     };
-    Feature isGrabbing{.name = "StreamIsGrabbing", .category = information, .kind = Feature::Kind::boolean};
+    Feature isGrabbing{
+        .name = "StreamIsGrabbing", .category = streamInformation, .kind = Feature::Kind::boolean};
     isGrabbing.get = [this] { return static_cast<std::int64_t>(number(STREAM_INFO_IS_GRABBING)); };
-    return {textFeature(information, "StreamID", id()),
-            wordFeature(information, "StreamType", transportType),
+    return {textFeature(streamInformation, "StreamID", id()),
+            wordFeature(streamInformation, "StreamType", transportType),
             count("StreamAnnouncedBufferCount", STREAM_INFO_NUM_ANNOUNCED),
             count("StreamDeliveredFrameCount", STREAM_INFO_NUM_DELIVERED),
             count("StreamLostFrameCount", STREAM_INFO_NUM_UNDERRUN),

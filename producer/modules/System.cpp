@@ -12,8 +12,8 @@ namespace {
 
 constexpr const char* systemId = "vexo-virtual-boards";
 constexpr std::uint32_t versionMajor = 1, versionMinor = 5;
-constexpr const char* information = "SystemInformation";
-constexpr const char* enumeration = "InterfaceEnumeration";
+constexpr const char* systemInformation = "SystemInformation";
+constexpr const char* interfaceEnumeration = "InterfaceEnumeration";
 
 /** VBOARD_COUNT, 1 without it. */
 std::size_t boardCount() {
@@ -120,25 +120,26 @@ void System::close() {
 
 std::vector<Feature> System::makeFeatures() {
     const auto count = [this] { return interfaceCount(); };
-    Feature selector = selectorFeature(enumeration, "InterfaceSelector", count, {"InterfaceID"});
+    Feature selector = selectorFeature(interfaceEnumeration, "InterfaceSelector", count, {"InterfaceID"});
     const auto chosen = [this, get = selector.get]() -> std::string {
         const auto index = static_cast<std::size_t>(std::get<std::int64_t>(get()));
         return index < interfaceCount() ? m_ids[index] : ""; // none before the first update
     };
-    Feature update{.name = "InterfaceUpdateList", .category = enumeration, .kind = Feature::Kind::command};
+    Feature update{
+        .name = "InterfaceUpdateList", .category = interfaceEnumeration, .kind = Feature::Kind::command};
     update.get = [] { return std::int64_t{0}; };
     update.set = [this](const Value&) { updateInterfaces(); };
-    return {textFeature(information, "TLVendorName", vendorName),
-            textFeature(information, "TLModelName", modelName),
-            textFeature(information, "TLID", systemId),
-            textFeature(information, "TLVersion", producerVersion),
-            textFeature(information, "TLPath", producerFile().string()),
-            wordFeature(information, "TLType", transportType),
-            numberFeature(information, "GenTLVersionMajor", [] { return versionMajor; }),
-            numberFeature(information, "GenTLVersionMinor", [] { return versionMinor; }),
+    return {textFeature(systemInformation, "TLVendorName", vendorName),
+            textFeature(systemInformation, "TLModelName", modelName),
+            textFeature(systemInformation, "TLID", systemId),
+            textFeature(systemInformation, "TLVersion", producerVersion),
+            textFeature(systemInformation, "TLPath", producerFile().string()),
+            wordFeature(systemInformation, "TLType", transportType),
+            numberFeature(systemInformation, "GenTLVersionMajor", [] { return versionMajor; }),
+            numberFeature(systemInformation, "GenTLVersionMinor", [] { return versionMinor; }),
             update,
             selector,
-            textFeature(enumeration, "InterfaceID", chosen)};
+            textFeature(interfaceEnumeration, "InterfaceID", chosen)};
 }
 
 } // namespace producer
