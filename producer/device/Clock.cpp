@@ -11,7 +11,8 @@ namespace {
 using namespace std::chrono_literals;
 using Ticks = std::chrono::duration<std::uint64_t, std::ratio<Station::nanosecondsPerTick, 1'000'000'000>>;
 
-constexpr Ticks step = 10ms; // of the stepped clock
+constexpr auto longestStep = 50ms; // more is not caught up with
+constexpr Ticks step = 10ms;       // of the stepped clock
 
 } // namespace
 
@@ -24,15 +25,17 @@ Clock::Kind Clock::chosen() {
                                               "\": let it be wall or stepped");
 }
 
-Clock::Clock(Station& station, Kind kind) : m_station(station), m_kind(kind) {
-    if (kind == Kind::wall) m_station.board().clock(m_station.device(), 1);
-}
-
 void Clock::move(bool isWanted) {
-    if (m_kind == Kind::wall)
-        m_station.board().now(m_station.device()); // lets time catch up
-    else if (isWanted)
-        m_station.board().advance(m_station.device(), step.count());
+    Ticks ticks = step;
+    if (m_kind == Kind::wall) {
+        const Time::time_point now = Time::now();
+        if (now - m_last > longestStep) m_last = now - longestStep;
+        ticks = std::chrono::duration_cast<Ticks>(now - m_last);
+        m_last += ticks;
+    } else if (!isWanted) {
+        return;
+    }
+    m_station.board().advance(m_station.device(), ticks.count());
 }
 
 std::chrono::microseconds Clock::pause(bool isAcquiring, bool isWanted) const {

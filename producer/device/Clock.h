@@ -9,7 +9,8 @@
 namespace producer {
 
 /**
- * The one place that lets simulated time move. One thread uses it.
+ * The one place that lets simulated time move. One thread uses it. The board's own clock is not used: it catches up in
+ * each access, and a machine that is too slow for that would spend all of its time there.
  *
  * VBOARD_CLOCK chooses: "wall" (the default) follows real time; on a machine that is too slow for it simulated time
  * falls behind. "stepped" moves only while an acquisition has a buffer to fill, as fast as it can: the same settings
@@ -21,7 +22,7 @@ public:
     /** Throws INVALID_PARAMETER for a word that is none. */
     static Kind chosen();
 
-    Clock(Station& station, Kind kind);
+    Clock(Station& station, Kind kind) : m_station(station), m_kind(kind), m_last(Time::now()) {}
 
     /** Lets time move a step. `isWanted`: an acquisition has a buffer to fill. */
     void move(bool isWanted);
@@ -29,8 +30,11 @@ public:
     std::chrono::microseconds pause(bool isAcquiring, bool isWanted) const;
 
 private:
+    using Time = std::chrono::steady_clock;
+
     Station& m_station;
     const Kind m_kind;
+    Time::time_point m_last; // real time that simulated time has reached
 };
 
 } // namespace producer

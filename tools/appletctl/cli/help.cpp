@@ -78,6 +78,20 @@ std::string hanging(const std::string& begin, const std::string& text, std::size
     return lines + line + '\n';
 }
 
+/** Lines with their own indentation; those that are too long go on further in. */
+std::string foldedDetails(const std::string& text) {
+    std::string folded;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        const std::size_t indent = std::min(line.find_first_not_of(' '), line.size());
+        if (displayWidth(line) <= helpWidth())
+            folded += line + '\n';
+        else
+            folded += hanging(std::string(indent, ' '), line.substr(indent), indent + 2);
+    }
+    return folded;
+}
+
 std::string entry(const std::string& name, const std::string& help) {
     constexpr std::size_t nameIndent = 6; // of its second line
     std::string begin = "  " + name;
@@ -262,7 +276,7 @@ std::string helpText(const HelpPage& page) {
     if (!page.examples.empty()) text += '\n';
     text += "Usage: " + page.usage + "\n\n" + section("Commands:\n", page.commands) +
             section("Words:\n", page.words);
-    if (!page.details.empty()) text += page.details + '\n';
+    if (!page.details.empty()) text += foldedDetails(page.details) + '\n';
     text += section("Options:\n", page.options) + section("Options of all commands:\n", page.commonOptions);
     if (!page.effect.empty()) text += hanging("", page.effect + ' ' + startWrites, 0);
     if (page.commands.empty()) return text;
