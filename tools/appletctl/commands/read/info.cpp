@@ -10,26 +10,26 @@ namespace {
 enum class Answer { text, size, number };
 
 struct Question {
+    FgInfoCode code;
     const char* key;
     const char* title;
-    FgInfoCode code;
     Answer answer;
 };
 
 constexpr Question questions[] = {
-    {"name", "Applet", FG_INFO_NAME, Answer::text},
-    {"version", "Version", FG_INFO_VERSION, Answer::text},
-    {"build", "Build", FG_INFO_BUILD, Answer::text},
-    {"versionWord", "Version word", FG_INFO_VERSION_WORD, Answer::number},
-    {"description", "Description", FG_INFO_DESCRIPTION, Answer::text},
-    {"category", "Category", FG_INFO_CATEGORY, Answer::text},
-    {"tags", "Tags", FG_INFO_TAGS, Answer::text},
-    {"productGuid", "Product GUID", FG_INFO_PRODUCT_GUID, Answer::text},
-    {"versionGuid", "Version GUID", FG_INFO_VERSION_GUID, Answer::text},
-    {"iconBytes", "Icon, bytes", FG_INFO_ICON, Answer::size},
-    {"designImageBytes", "Design image, bytes", FG_INFO_DESIGN_IMAGE, Answer::size},
-    {"designType", "Design type", FG_INFO_DESIGN_TYPE, Answer::number},
-    {"processes", "Processes", FG_INFO_PROCESSES, Answer::number},
+    {FG_INFO_NAME, "name", "Applet", Answer::text},
+    {FG_INFO_VERSION, "version", "Version", Answer::text},
+    {FG_INFO_BUILD, "build", "Build", Answer::text},
+    {FG_INFO_VERSION_WORD, "versionWord", "Version word", Answer::number},
+    {FG_INFO_DESCRIPTION, "description", "Description", Answer::text},
+    {FG_INFO_CATEGORY, "category", "Category", Answer::text},
+    {FG_INFO_TAGS, "tags", "Tags", Answer::text},
+    {FG_INFO_PRODUCT_GUID, "productGuid", "Product GUID", Answer::text},
+    {FG_INFO_VERSION_GUID, "versionGuid", "Version GUID", Answer::text},
+    {FG_INFO_ICON, "iconBytes", "Icon, bytes", Answer::size},
+    {FG_INFO_DESIGN_IMAGE, "designImageBytes", "Design image, bytes", Answer::size},
+    {FG_INFO_DESIGN_TYPE, "designType", "Design type", Answer::number},
+    {FG_INFO_PROCESSES, "processes", "Processes", Answer::number},
 };
 
 struct Library {
