@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Fuzzes what reads files, the exported functions, the simulated station and the producer. What an input is, the sources in fuzz/ tell.
+# Fuzzes what reads files, the exported functions, the simulated station and the producer. The sources in fuzz/ describe the inputs.
 #   scripts/fuzz.sh [SECONDS [TARGET...]]   mcf, lut, load, api, station and producer, or those named, each for SECONDS (60)
 # What is learned stays in build/fuzz/corpus and is built upon by the next run. A finding becomes a file in
 # fuzz/seeds/TARGET, which the tests replay from then on.

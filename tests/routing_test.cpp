@@ -1,4 +1,4 @@
-// The road of a parameter access: spaces of ids, widths, refusals and their log lines, ownership of texts.
+// Routing of a parameter access: spaces of ids, widths, refusals and their log lines, ownership of texts.
 
 #include "support/applet_fixture.h"
 

@@ -134,7 +134,7 @@ std::int64_t Board::call(int function, const std::function<std::int64_t()>& perf
     if (const int fault = faultOf(access)) return finish(access, fault);
     const auto forced = m_faults.answer(function);
     const std::int64_t answer = forced ? *forced : perform();
-    // The last error is no failure of the question for it.
+    // Returning the last error is not itself a failure.
     const bool isFailure = answer < 0 && function != entry("Fg_getLastErrorNumber");
     finish(access, isFailure ? static_cast<int>(answer) : FG_OK);
     return answer;

@@ -21,6 +21,7 @@ Table& table() {
 
 void* HandleTable::newHandle() {
     static std::atomic<std::uintptr_t> next{0x1000};
+    // A handle is a number that no object lies at. NOLINTNEXTLINE(performance-no-int-to-ptr)
     return reinterpret_cast<void*>(next.fetch_add(0x10));
 }
 

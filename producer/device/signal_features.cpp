@@ -146,6 +146,7 @@ void StandardFeatures::addEvents() {
         return end != std::string::npos ? event.name.substr(end + 1) : event.name;
     };
     std::vector<FeatureEntry> entries;
+    entries.reserve(events.size());
     for (const EventKind& event : events)
         entries.push_back({shortName(event), static_cast<std::int64_t>(event.id)});
     selector(eventControl, "EventSelector", entries, {"EventNotification"}, "An event of the design.");

@@ -69,7 +69,7 @@ Feature* StandardFeatures::alias(const char* category, const char* name, const c
 
 void StandardFeatures::text(const char* category, const char* name, std::string value,
                             const char* description) {
-    add(category, name, Kind::text, description).get = [value] { return value; };
+    add(category, name, Kind::text, description).get = [value = std::move(value)] { return value; };
 }
 
 void StandardFeatures::selector(const char* category, const char* name, std::vector<FeatureEntry> entries,
@@ -93,7 +93,7 @@ std::int64_t StandardFeatures::selected(const char* selector) const {
     return m_device.state.selected.at(selector);
 }
 
-void StandardFeatures::follow(Feature& feature, const char* selector, std::vector<const char*> names) {
+void StandardFeatures::follow(Feature& feature, const char* selector, const std::vector<const char*>& names) {
     std::vector<Feature> all;
     for (const char* name : names)
         if (const Feature* its = parameter(name)) all.push_back(*its);

@@ -74,7 +74,7 @@ private:
                   std::vector<std::string> selected, const char* description);
     std::int64_t selected(const char* selector) const;
     /** Gives a feature the value, limits and lock of a parameter, which depends on a selector: names[selection]. */
-    void follow(Feature& feature, const char* selector, std::vector<const char*> names);
+    void follow(Feature& feature, const char* selector, const std::vector<const char*>& names);
     const Feature* parameter(const std::string& name) const;
 
     const Device m_device;

@@ -67,6 +67,7 @@ GC_ERROR GCReadPort(PORT_HANDLE port, uint64_t address, void* buffer, size_t* si
 GC_ERROR GCWritePort(PORT_HANDLE port, uint64_t address, const void* buffer, size_t* size) {
     return call([=] {
         const auto module = moduleOf(port);
+        // A write only reads them. NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast)
         module->write(address, bytesOf(const_cast<void*>(buffer), size));
     });
 }

@@ -13,7 +13,7 @@ constexpr std::uint64_t timestampFrequency = 1'000'000'000;
 
 } // namespace
 
-Interface::Interface(std::shared_ptr<System> system, std::string id)
+Interface::Interface(std::shared_ptr<System> system, const std::string& id)
     : Module("TLInterface", "TLInterface", id)
     , m_system(std::move(system))
     , m_deviceId(id + "-process-0") {}

@@ -16,7 +16,7 @@ class System;
 /** The caller holds the lock of the modules. */
 class Interface final : public Module, public std::enable_shared_from_this<Interface> {
 public:
-    Interface(std::shared_ptr<System> system, std::string id);
+    Interface(std::shared_ptr<System> system, const std::string& id);
     ~Interface() override;
 
     static Answer infoOf(const std::string& id, std::int32_t command);

@@ -114,17 +114,17 @@ void Module::close() {
 
 Feature textFeature(const char* category, const char* name, std::function<std::string()> get) {
     Feature feature{.name = name, .category = category, .kind = Feature::Kind::text};
-    feature.get = [get] { return Value(get()); };
+    feature.get = [get = std::move(get)] { return Value(get()); };
     return feature;
 }
 
 Feature textFeature(const char* category, const char* name, std::string value) {
-    return textFeature(category, name, [value] { return value; });
+    return textFeature(category, name, [value = std::move(value)] { return value; });
 }
 
 Feature numberFeature(const char* category, const char* name, std::function<std::uint64_t()> get) {
     Feature feature{.name = name, .category = category};
-    feature.get = [get] { return static_cast<std::int64_t>(get()); };
+    feature.get = [get = std::move(get)] { return static_cast<std::int64_t>(get()); };
     return feature;
 }
 
@@ -138,7 +138,9 @@ Feature wordFeature(const char* category, const char* name, const char* word) {
 Feature selectorFeature(const char* category, const char* name, std::function<std::uint64_t()> count,
                         std::vector<std::string> selected) {
     auto chosen = std::make_shared<std::int64_t>(0);
-    const auto last = [count] { return std::max<std::int64_t>(static_cast<std::int64_t>(count()) - 1, 0); };
+    const auto last = [count = std::move(count)] {
+        return std::max<std::int64_t>(static_cast<std::int64_t>(count()) - 1, 0);
+    };
     Feature feature{.name = name, .category = category, .selected = std::move(selected)};
     feature.limits = [last] { return Limits{std::int64_t{0}, last(), std::int64_t{1}}; };
     feature.get = [chosen] { return *chosen; };

@@ -45,7 +45,7 @@ private:
 namespace {
 
 /** Bytes that hold the document of the whole catalogue, so that it does not grow step by step. */
-constexpr std::size_t usualLength = 100 * 1024;
+constexpr std::size_t usualLength = 102'400;
 
 std::string_view viewOf(const char* text) { return text != nullptr ? text : std::string_view(); }
 

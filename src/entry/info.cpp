@@ -79,6 +79,7 @@ template <typename Rows> const auto* rowOf(const Rows& rows, int code) {
 
 /** Stores a word of the caller's; a null place skips the store. */
 template <typename Word> void store(void* place, Word word) {
+    // NOLINTNEXTLINE(bugprone-sizeof-expression): some words are pointers
     if (place != nullptr) std::memcpy(place, &word, sizeof word);
 }
 

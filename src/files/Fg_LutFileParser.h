@@ -48,7 +48,7 @@ public:
     /**
      * Writes one table, in section "[gray]" or the one given, or the three tables of the sections "[red]",
      * "[green]" and "[blue]". 0, or -1 if an argument is null, a table lacks its elements, or the file cannot
-     * be opened. That all of it was written is not checked. The tables stay the caller's.
+     * be opened. Write errors are not detected. The tables stay the caller's.
      */
     int saveLutToFile(const char* path, const LookupTable_s* table);
     int saveLutToFile(const char* path, const LookupTable_s* red, const LookupTable_s* green,

@@ -92,7 +92,7 @@ std::uint32_t FgLoomWrapperImpl::yOffsetLimit() {
 }
 
 void SensorGeometry::checkRoiX() const {
-    // From the left the sensor's width does not matter: only a mirrored line is read from its end.
+    // Without mirroring the sensor's width does not matter: only a mirrored line is read from its end.
     const std::uint64_t right = std::uint64_t{m_width} + m_xOffset;
     if (right > (mirrorsLines() ? m_sensorWidth : widthLimits.maximum)) refuse(FG_ERR_OUT_OF_RANGE);
 }

@@ -51,7 +51,7 @@ public:
     std::uint64_t lostPulses() const { return m_lostPulses; }
 
 private:
-    // Of the shortest pulses and pauses, twice what the longest delay holds.
+    // Twice the edges that fit into the longest delay.
     static constexpr std::size_t delayedCapacity = 8192;
 
     void start(Tick tick);

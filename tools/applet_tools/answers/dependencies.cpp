@@ -38,6 +38,7 @@ std::vector<Value> takenEntries(Probe& probe, std::size_t place) {
 
 std::string entriesInWords(const Parameter& parameter, const std::vector<Value>& entries) {
     std::vector<std::string> words;
+    words.reserve(entries.size());
     for (const Value& entry : entries)
         words.push_back(valueText(parameter, entry));
     return words.empty() ? "none" : join(words, ", ");

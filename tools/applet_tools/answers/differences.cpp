@@ -57,6 +57,7 @@ std::vector<Difference> differencesOf(const std::vector<Side>& sides, const Para
     for (const auto& line : keys.defaults().values()) {
         const Parameter& parameter = parameters.find(line.key);
         std::vector<std::optional<std::string>> values;
+        values.reserve(sides.size());
         for (const Side& side : sides)
             values.push_back((side.file != nullptr ? *side.file : keys.defaults()).value(line.key));
         const bool areSame = std::ranges::all_of(

@@ -7,6 +7,7 @@
 
 namespace applet_tools {
 
+// The move of a JSON document checks itself. NOLINTNEXTLINE(bugprone-exception-escape)
 struct Expectation {
     json design; /**< {NAME: NUMBER} of the numbers of the design that were written, as they are afterwards */
     json taken;  /**< [VALUE, ...]: what each parameter read after its assignment, as a message; null where it

@@ -218,6 +218,7 @@ void addReached(ScratchSession& session, const ConfigurationFile& asked, const C
         return;
     }
     std::vector<std::string> words;
+    words.reserve(reached.size());
     finding.reached = asJson(reached);
     for (const DesignChange& change : reached)
         words.push_back(change.parameter + " " + afterInWords(change) + " (" + beforeInWords(change) +
@@ -265,7 +266,7 @@ std::optional<Finding> wholeFileFinding(int code, const ConfigurationFile& asked
 } // namespace
 
 std::string wholeFileTrouble(ScratchSession& session, FileKeys& keys, const ConfigurationFile& asked) {
-    if (const std::string trouble = headerTrouble(asked, keys); !trouble.empty()) return trouble;
+    if (std::string trouble = headerTrouble(asked, keys); !trouble.empty()) return trouble;
     const MemoryFile file;
     file.write(asked.text());
     const bool isTaken = loadConfiguration(session.instance(), file.configurationPath()) == FG_OK;

@@ -82,7 +82,7 @@ private:
     std::string takeQuoted() {
         const std::size_t end = m_text.find(rest().front(), m_place + 1);
         if (end == std::string::npos) refuse("the quote is not closed");
-        const std::string text = m_text.substr(m_place + 1, end - m_place - 1);
+        std::string text = m_text.substr(m_place + 1, end - m_place - 1);
         m_place = end + 1;
         return text;
     }

@@ -137,6 +137,7 @@ const Parameter& ParameterList::find(std::string_view name) const {
     const std::string shown = inQuotedWord(name);
     if (found.empty()) throw UsageError("there is no parameter " + shown + suggestion(closestNames(wanted)));
     std::vector<std::string> names;
+    names.reserve(found.size());
     for (const Parameter* parameter : found)
         names.push_back(parameter->name);
     throw UsageError("the name " + shown + " is ambiguous" + suggestion(names));

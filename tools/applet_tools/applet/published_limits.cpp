@@ -60,7 +60,7 @@ template <typename Use> bool withLimits(const Parameter& parameter, Use use) {
 
 template <typename Limits> constexpr bool isArrayLimits = requires(Limits limits) { limits.elementCount; };
 
-/** Some records carry limits without information on purpose: all zero, or the minimum above the maximum. */
+/** Some records have no limits to publish: theirs are all zero, or the minimum is above the maximum. */
 template <typename Limits> bool areUsable(const Limits& limits) {
     if constexpr (!isArrayLimits<Limits>)
         if (limits.minimum == limits.maximum && limits.increment == 0) return false;

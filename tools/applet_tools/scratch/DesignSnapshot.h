@@ -24,7 +24,7 @@ public:
     explicit DesignSnapshot(ScratchSession& session);
 
     const std::map<std::string, Value>& numbers() const { return m_numbers; }
-    /** What is otherwise in `later`, by name. */
+    /** Differences to `later`, by name, by name. */
     std::vector<DesignChange> changesTo(const DesignSnapshot& later) const;
 
 private:

@@ -92,7 +92,7 @@ Words LiveSession::takeNotes() {
 
 json LiveSession::withoutTrace(const std::function<json()>& read) {
     if (m_isTraced) takeAccesses();
-    const json result = read();
+    json result = read();
     if (m_isTraced) logAccesses(instance());
     return result;
 }
@@ -103,7 +103,7 @@ void LiveSession::startTrace() {
 }
 
 Words LiveSession::takeAccesses() {
-    const Words lines = takeWrites(instance());
+    Words lines = takeWrites(instance());
     m_accesses.insert(m_accesses.end(), lines.begin(), lines.end());
     return lines;
 }

@@ -282,6 +282,7 @@ std::vector<std::string> Probe::words(const Ways& ways) const {
     std::vector<std::string> texts;
     for (const std::vector<Change>& way : ways) {
         std::vector<std::string> steps;
+        steps.reserve(way.size());
         for (const Change& change : way)
             steps.push_back(words(change));
         texts.push_back(join(steps, " "));

@@ -80,6 +80,7 @@ json defaultsAndRolesJob(ScratchSession& session, const json& arguments) {
 std::map<std::string, DefaultAndRole>
 backgroundOf(LiveSession& live, const std::vector<const Parameter*>& parameters, FileRoles roles) {
     std::vector<std::string> names;
+    names.reserve(parameters.size());
     for (const Parameter* parameter : parameters)
         names.push_back(parameter->name);
     const json answer =

@@ -47,7 +47,7 @@ Value extremeOf(const Value& like, End end) {
 
 /** The last number inside on the way from `inside` to the end of the type. */
 Value borderOf(Asked& asked, const Value& inside, End end) {
-    const Value extreme = extremeOf(inside, end);
+    Value extreme = extremeOf(inside, end);
     if (asked.isInside(extreme)) return extreme;
     std::uint64_t in = rankOf(inside), out = rankOf(extreme);
     while ((in > out ? in - out : out - in) > 1) {
@@ -61,7 +61,7 @@ Value borderOf(Asked& asked, const Value& inside, End end) {
 Value onGrid(Asked& asked, const Value& border, End end) {
     for (std::uint64_t back = 0; back < widestStep; ++back) {
         const std::uint64_t rank = rankOf(border);
-        const Value number = numberAt(end == End::maximum ? rank - back : rank + back, border);
+        Value number = numberAt(end == End::maximum ? rank - back : rank + back, border);
         if (asked.takes(number)) return number;
     }
     return border;

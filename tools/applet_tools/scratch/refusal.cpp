@@ -65,6 +65,7 @@ std::vector<RefusalCauses> findCauses(Probe& probe, const std::vector<Assignment
         std::optional<Value> number;
     };
     std::vector<Refused> all; // without records, which may go
+    all.reserve(assignments.size());
     for (const Assignment& assignment : assignments)
         all.push_back({{probe.placeOf(probe.session().parameters().find(assignment.target.parameter->name)),
                         assignment.target.elements},

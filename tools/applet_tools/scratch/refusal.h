@@ -15,6 +15,7 @@
 namespace applet_tools {
 
 /** What was found out about a refused value. */
+// The move of a JSON document checks itself. NOLINTNEXTLINE(bugprone-exception-escape)
 struct RefusalCauses {
     bool isTried = false;         /**< false for what can never be set, and for what is accepted */
     std::string limit;            /**< "the maximum is set by FG_XOFFSET (16384 with FG_XOFFSET=0)" */

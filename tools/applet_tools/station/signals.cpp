@@ -93,8 +93,8 @@ std::optional<Ticks> SignalCourse::first(bool level) const {
 }
 
 SignalCourse courseOf(Instance& instance, unsigned select, Ticks from, Ticks to) {
-    constexpr std::size_t most =
-        2 * 16384; // that the board keeps; a pulse of one tick is an edge of it and two here
+    constexpr std::size_t kept = 16384;    // edges, by the board
+    constexpr std::size_t most = 2 * kept; // a pulse of one tick is one of them and two here
     constexpr Ticks never = std::numeric_limits<Ticks>::max();
     SignalCourse course;
     course.edges.assign(most, {never, false});

@@ -70,7 +70,7 @@ std::string indented(const std::string& text, std::size_t width) {
 }
 
 /** Periods that begin within the drawing, besides the first. */
-int periodsIn(double end, double period) { return static_cast<int>(end / period + 0.5); }
+int periodsIn(double end, double period) { return static_cast<int>(std::lround(end / period)); }
 
 /** The times at which the periods begin, each below its place. */
 std::string scaleText(double end, double period, std::size_t columns) {

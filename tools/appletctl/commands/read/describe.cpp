@@ -11,7 +11,7 @@ namespace appletctl {
 namespace {
 
 std::string accessInWords(const Parameter& parameter) {
-    const std::string word = accessWord(parameter);
+    std::string word = accessWord(parameter);
     if (word == "ro") return "ro (read-only now)";
     if (word == "rw") return "rw (not to be changed while an acquisition runs)";
     if (word == "rw+") return "rw+ (also while an acquisition runs)";
@@ -71,6 +71,7 @@ std::vector<Line> linesOf(const Description& described) {
 Report describeParameters(Context& context, const Words& names) {
     const std::vector<Target> targets = findTargets(context.parameters(), names);
     std::vector<const Parameter*> wanted;
+    wanted.reserve(targets.size());
     for (const Target& target : targets)
         wanted.push_back(target.parameter);
     const auto defaultsAndRoles = backgroundOf(context, wanted, FileRoles::asked);

@@ -73,7 +73,7 @@ Wave waveOf(const MeasuredSignal& signal, Ticks from, double end) {
     }
     if (start) pulses.push_back({*start, end});
     std::erase_if(pulses, [&](const Pulse& pulse) { return pulse.end <= 0 || pulse.start >= end; });
-    return {signal.name, merged(std::move(pulses), end), signal.isActiveLow};
+    return {signal.name, merged(pulses, end), signal.isActiveLow};
 }
 
 /** The period of ExSync that comes most often; of lines where there is none. */

@@ -237,6 +237,7 @@ Report showRoutes(Context& context, const Words& assignments) {
     // Offline there is no board to compare with.
     const bool isOnBoard = !context.options().offline;
     std::vector<std::vector<Target>> groups;
+    groups.reserve(routes.size() + std::size(inputRows));
     for (const Route& route : routes)
         groups.push_back(std::vector{route.source, route.polarity});
     for (const InputRow& row : inputRows)

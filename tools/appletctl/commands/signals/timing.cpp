@@ -83,10 +83,14 @@ Settings settingsOf(Instance& instance, const ParameterList& parameters) {
 
 /** Pulses of a length, one each period, the first at `start`, as far as they show. */
 std::vector<Pulse> train(double start, double period, double length, double end) {
+    const double first = start - period * std::ceil((start + length) / period);
+    const auto count = static_cast<int>(std::ceil((end - 1e-6 - first) / period));
     std::vector<Pulse> pulses;
-    for (double at = start - period * std::ceil((start + length) / period); at < end - 1e-6; at += period)
-        pulses.push_back({at, at + length});
-    return merged(std::move(pulses), end);
+    for (int number = 0; number < count; ++number) {
+        const double begin = first + number * period;
+        pulses.push_back({begin, begin + length});
+    }
+    return merged(pulses, end);
 }
 
 /** A signal of the design: which source of an output it is, and its wave. */

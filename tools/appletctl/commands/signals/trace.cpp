@@ -73,7 +73,7 @@ Lines accessesOfFile(const std::string& file) {
     if (!text) throw UsageError(inQuotes(toUtf8(file.c_str())) + " is no file that can be read");
     const auto document = ordered_json::parse(*text, nullptr, false);
     if (!document.is_object()) {
-        const Lines accesses = accessesOfText(*text, file);
+        Lines accesses = accessesOfText(*text, file);
         if (!accesses.empty() || holdsNoAccess(*text)) return accesses;
         throw UsageError(inQuotes(toUtf8(file.c_str())) +
                          " is no output of 'trace': it has no line such as 'set NAME u32 1024'");
