@@ -83,8 +83,9 @@ std::string takePictures(ScenarioRunner& station, const GrabWords& words, Grabbe
                    durationText(words.timeout) + ": " +
                    whyNoPicture(station.instance(), station.parameters(),
                                 sourceLines(station.instance()) - lines);
+        const PictureView picture = grabber.draw();
         const vboard_record& record = grabber.record();
-        if (words.files) words.files->write(viewOf(record), record.picture);
+        if (words.files) words.files->write(picture, record.picture);
         state.lastBytes.assign(record.data, record.data + record.size);
         state.pictures.push_back(record);
         state.pictures.back().data = nullptr; // gone with the next picture

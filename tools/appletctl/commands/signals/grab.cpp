@@ -153,7 +153,7 @@ private:
                             whyNoPicture(work.instance, work.parameters, sourceLines(work.instance) - lines));
                 return;
             }
-            if (!take(grabber.record())) return;
+            if (!take(grabber)) return;
         }
     }
 
@@ -167,8 +167,9 @@ private:
     }
 
     /** False when the standard output takes no more. */
-    bool take(const vboard_record& record) {
-        const PictureView picture = viewOf(record);
+    bool take(Grabber& grabber) {
+        const vboard_record& record = grabber.record();
+        const PictureView picture = m_files || m_own.wantsHash ? grabber.draw() : PictureView();
         if (isToOutput()) return writeAll(STDOUT_FILENO, m_files->encode(picture));
         const std::string file = m_files ? m_files->write(picture, record.picture) : "";
         const std::string digest = m_own.wantsHash ? sha256Of(picture) : "";
