@@ -87,13 +87,41 @@ std::string NumberedName::of(std::int64_t number) const {
 }
 
 PictureFiles::PictureFiles(const std::string& pattern, const std::string& format)
-    : m_name(pattern)
+    : m_pattern(pattern)
+    , m_name(pattern)
     , m_format(&(format.empty() ? formatOfFile(pattern) : formatNamed(format))) {}
 
-std::string PictureFiles::write(const PictureView& picture, std::int64_t number) const {
+void PictureFiles::expect(std::int64_t pictures) {
+    m_pages.reset();
+    m_hasPages = pictures > 1 && !m_name.isNumbered() && m_format->encode == encodeTiff;
+    if (pictures > 1 && !m_name.isNumbered() && !m_hasPages && m_pattern != "-")
+        throw UsageError(inQuotes(toUtf8(m_pattern.c_str())) + " is one file, and " + numberText(pictures) +
+                         " pictures are wanted: put a %d into its name, or write a .tiff, which has pages");
+}
+
+bool PictureFiles::isRaw() const { return m_format->encode == encodeRaw; }
+
+std::string PictureFiles::encode(const PictureView& picture) {
+    if (!m_hasPages) return m_format->encode(picture);
+    if (!m_pages) m_pages.emplace();
+    m_pages->add(picture);
+    return "";
+}
+
+std::string PictureFiles::write(const PictureView& picture, std::int64_t number) {
     std::string file = name(number);
-    writeFile(file, m_format->encode(picture));
+    const std::string content = encode(picture);
+    if (!m_hasPages) writeFile(file, content);
     return file;
+}
+
+const std::string& PictureFiles::pages() const {
+    static const std::string none;
+    return m_pages ? m_pages->bytes() : none;
+}
+
+void PictureFiles::finish() const {
+    if (m_pages) writeFile(name(1), m_pages->bytes());
 }
 
 } // namespace applet_tools

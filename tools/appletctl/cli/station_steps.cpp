@@ -3,6 +3,7 @@
 #include "applet_tools/base/Interruption.h"
 #include "applet_tools/pictures/formats.h"
 #include "applet_tools/station/missing_picture.h"
+#include "applet_tools/station/picture_record.h"
 #include "applet_tools/station/waves.h"
 #include "appletctl/cli/step_words.h"
 
@@ -63,13 +64,11 @@ GrabWords grabWords(Words words) {
     if (words.size() > 1) throw UsageError("the form is 'grab [N] [FILE] [within TIME]'");
     if (words.empty()) return grab;
     grab.files.emplace(words.front(), "");
-    if (grab.pictures > 1 && !grab.files->isNumbered())
-        throw UsageError(inQuotes(words.front()) +
-                         " is one file: put a %d into its name for several pictures");
+    grab.files->expect(grab.pictures);
     return grab;
 }
 
-std::string takePictures(ScenarioRunner& station, const GrabWords& words, Grabber& grabber,
+std::string takePictures(ScenarioRunner& station, GrabWords& words, Grabber& grabber,
                          const MovingStep& moving) {
     StationState& state = station.stationState();
     state.pictures.clear();
@@ -83,13 +82,14 @@ std::string takePictures(ScenarioRunner& station, const GrabWords& words, Grabbe
                    durationText(words.timeout) + ": " +
                    whyNoPicture(station.instance(), station.parameters(),
                                 sourceLines(station.instance()) - lines);
-        const PictureView picture = grabber.draw();
+        grabber.draw();
         const vboard_record& record = grabber.record();
-        if (words.files) words.files->write(picture, record.picture);
+        if (words.files) writePicture(*words.files, record);
         state.lastBytes.assign(record.data, record.data + record.size);
         state.pictures.push_back(record);
         state.pictures.back().data = nullptr; // gone with the next picture
     }
+    if (words.files) words.files->finish();
     return "";
 }
 
@@ -236,7 +236,7 @@ void checkGrab(const Words& words) { grabWords(words); }
 
 std::string grab(ScenarioRunner& station, const Step& step) {
     station.board();
-    const GrabWords words = grabWords(step.words);
+    GrabWords words = grabWords(step.words);
     const MovingStep moving(station);
     if (auto& running = station.stationState().grabber) return takePictures(station, words, *running, moving);
     Grabber grabber(station.instance(), 4);
