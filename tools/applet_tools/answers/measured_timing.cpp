@@ -112,10 +112,14 @@ private:
                 m_firstLines.push_back(grabber.record().first_line);
             }
             m_timing.isInterrupted = outcome == Grabber::Outcome::interrupted;
+            m_timing.lines = sourceLines(m_instance) - lines;
+            if (m_timing.pictures == 0)
+                m_timing.remarks.push_back(whyNoPicture(m_instance, m_parameters,
+                                                        {.lines = m_timing.lines,
+                                                         .from = m_timing.from,
+                                                         .longer = "the measurement ends after 2 s",
+                                                         .wave = "a --wave"}));
         }
-        m_timing.lines = sourceLines(m_instance) - lines;
-        if (m_timing.pictures == 0)
-            m_timing.remarks.push_back(whyNoPicture(m_instance, m_parameters, m_timing.lines));
     }
 
     /** Notes the signals of the first line periods, before the board forgets their edges. */

@@ -75,13 +75,17 @@ std::string takePictures(ScenarioRunner& station, GrabWords& words, Grabber& gra
     state.lastBytes.clear();
     while (static_cast<std::int64_t>(state.pictures.size()) < words.pictures) {
         const std::int64_t lines = sourceLines(station.instance());
+        const Ticks from = station.board().now(station.instance().device());
         const Grabber::Outcome outcome = grabber.next(words.timeout, [&] { return moving.goesOn(); });
         if (outcome == Grabber::Outcome::interrupted) return "it was interrupted";
         if (outcome == Grabber::Outcome::timeout)
             return "picture " + numberText(state.pictures.size() + 1) + " did not come within " +
                    durationText(words.timeout) + ": " +
                    whyNoPicture(station.instance(), station.parameters(),
-                                sourceLines(station.instance()) - lines);
+                                {.lines = sourceLines(station.instance()) - lines,
+                                 .from = from,
+                                 .longer = "give a longer time behind 'within'",
+                                 .wave = "a wave by the step 'wave'"});
         grabber.draw();
         const vboard_record& record = grabber.record();
         if (words.files) writePicture(*words.files, record);

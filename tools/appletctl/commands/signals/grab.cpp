@@ -131,6 +131,7 @@ private:
         Grabber grabber(work.instance, m_own.frames);
         for (std::int64_t number = 1; number <= m_wanted.pictures * m_own.every; ++number) {
             const std::int64_t lines = sourceLines(work.instance);
+            const Ticks from = work.instance.board().now(work.instance.device());
             m_progress.setDetail(numberText(number) + " of " + numberText(m_wanted.pictures * m_own.every));
             const Grabber::Outcome outcome = grabber.next(m_timeout, [this] { return goesOn(); });
             if (outcome == Grabber::Outcome::interrupted) {
@@ -140,7 +141,11 @@ private:
             if (outcome == Grabber::Outcome::timeout) {
                 work.refuse("picture " + numberText(number) + " did not come within " +
                             durationText(m_timeout) + ": " +
-                            whyNoPicture(work.instance, work.parameters, sourceLines(work.instance) - lines));
+                            whyNoPicture(work.instance, work.parameters,
+                                         {.lines = sourceLines(work.instance) - lines,
+                                          .from = from,
+                                          .longer = "give a longer --timeout",
+                                          .wave = "a --wave"}));
                 return;
             }
             if (number % m_own.every == 0 && !take(grabber)) return;
