@@ -25,21 +25,21 @@ namespace {
 constexpr std::int64_t mostPictures = 100'000'000;
 
 struct GrabOptions {
-    std::string file;            /**< -o; empty: none, "-": the standard output */
-    std::string format;          /**< --format; empty: that of the file's name */
-    bool wantsHash = false;      /**< --hash */
-    bool isStrict = false;       /**< --strict: a loss is a failure */
-    std::string timeout = "10s"; /**< --timeout: simulated time to wait for each picture */
-    std::size_t frames = 4;      /**< --frames: of the memory */
-    std::int64_t every = 1;      /**< --every: one of so many pictures is taken */
+    std::optional<std::string> file; /**< -o; "-": the standard output */
+    std::string format;              /**< --format; empty: that of the file's name */
+    bool wantsHash = false;          /**< --hash */
+    bool isStrict = false;           /**< --strict: a loss is a failure */
+    std::string timeout = "10s";     /**< --timeout: simulated time to wait for each picture */
+    std::size_t frames = 4;          /**< --frames: of the memory */
+    std::int64_t every = 1;          /**< --every: one of so many pictures is taken */
 };
 
 void addGrabOptions(CLI::App& command, Options& options) {
     auto& own = options.own<GrabOptions>();
     command
         .add_option("-o,--out", own.file,
-                    "File to write, .png, .tiff, .ppm or .raw; %d or %06d in its name is the "
-                    "number of the picture; - for raw on the standard output")
+                    "File to write, .png, .tiff, .ppm or .raw; %d or %06d in its name is the number of the "
+                    "picture; - for the standard output, raw if --format does not say otherwise")
         ->type_name("FILE");
     command.add_option("--format", own.format, "Format of the file, whatever its name is")
         ->check(CLI::IsMember({"png", "tiff", "ppm", "raw"}));
@@ -91,18 +91,23 @@ public:
     Grab(Context& context, const Words& words)
         : m_context(context)
         , m_own(context.options().of<GrabOptions>())
+        , m_file(m_own.file.value_or(""))
         , m_wanted(wantedFrom(words))
         , m_timeout(ticksFrom(m_own.timeout))
         , m_waves(wavesOf(context.options())) {
-        if (!m_own.format.empty() && m_own.file.empty())
+        if (m_own.file && m_file.empty()) throw UsageError("the name of the file is empty");
+        if (!m_own.format.empty() && m_file.empty())
             throw UsageError("--format says how -o writes, and there is no -o");
         if (isToOutput() && context.options().json)
             throw UsageError(
                 "-o - writes pictures to the standard output, and --json a document: leave one out");
+        if (isToOutput() && m_own.wantsHash)
+            throw UsageError("-o - writes pictures to the standard output, and --hash digests: leave one "
+                             "out, or write files");
         if (isToOutput())
             m_files.emplace("-", m_own.format.empty() ? "raw" : m_own.format);
-        else if (!m_own.file.empty())
-            m_files.emplace(m_own.file, m_own.format);
+        else if (!m_file.empty())
+            m_files.emplace(m_file, m_own.format);
         if (m_files) m_files->expect(m_wanted.pictures);
         requireStation(context.instance(), "'grab'");
     }
@@ -125,7 +130,7 @@ public:
     }
 
 private:
-    bool isToOutput() const { return m_own.file == "-"; }
+    bool isToOutput() const { return m_file == "-"; }
 
     void grabAll(CommandRun& work) {
         Grabber grabber(work.instance, m_own.frames);
@@ -220,6 +225,7 @@ private:
 
     Context& m_context;
     const GrabOptions m_own;
+    const std::string m_file; /**< empty: none */
     const Wanted m_wanted;
     const Ticks m_timeout;
     const std::vector<WaveRequest> m_waves;
