@@ -28,14 +28,14 @@ const PictureFormat& formatNamed(const std::string& name) {
     throw UsageError(inQuotedWord(name) + " is no format of pictures; they are " + join(names, ", "));
 }
 
-const PictureFormat& formatOfFile(const std::string& file) {
+const PictureFormat& formatOfFile(const std::string& file, const std::string& advice) {
     const std::string name = lowerCase(file);
     for (const PictureFormat& format : formats)
         if (name.ends_with(format.suffix) ||
             (format.otherSuffix != nullptr && name.ends_with(format.otherSuffix)))
             return format;
     throw UsageError(inQuotes(toUtf8(file.c_str())) +
-                     " does not end with .png, .tiff, .ppm or .raw: say the format with --format");
+                     " does not end with .png, .tiff, .ppm or .raw: " + advice);
 }
 
 std::string encodePpm(const PictureView& picture) {
@@ -86,10 +86,10 @@ std::string NumberedName::of(std::int64_t number) const {
            m_behind;
 }
 
-PictureFiles::PictureFiles(const std::string& pattern, const std::string& format)
+PictureFiles::PictureFiles(const std::string& pattern, const std::string& format, const std::string& advice)
     : m_pattern(pattern)
     , m_name(pattern)
-    , m_format(&(format.empty() ? formatOfFile(pattern) : formatNamed(format))) {}
+    , m_format(&(format.empty() ? formatOfFile(pattern, advice) : formatNamed(format))) {}
 
 void PictureFiles::expect(std::int64_t pictures) {
     m_pages.reset();

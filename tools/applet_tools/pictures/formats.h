@@ -24,8 +24,8 @@ std::span<const PictureFormat> pictureFormats();
 
 /** By its name. Throws UsageError. */
 const PictureFormat& formatNamed(const std::string& name);
-/** By the end of the file's name. Throws UsageError. */
-const PictureFormat& formatOfFile(const std::string& file);
+/** By the end of the file's name. Throws UsageError with the advice. */
+const PictureFormat& formatOfFile(const std::string& file, const std::string& advice);
 
 /** Red, green, blue with 8 bits, or with 16 if the picture has more; the file notes how many of them count. */
 std::string encodePng(const PictureView& picture);
@@ -73,8 +73,9 @@ private:
 /** Where pictures are written to, and how. */
 class PictureFiles {
 public:
-    /** The format is that of the file's name if none is given. Throws UsageError for a name or a format that is none. */
-    PictureFiles(const std::string& pattern, const std::string& format);
+    /** The format is that of the file's name if none is given. Throws UsageError for a name or a format that is none:
+     *  `advice` is what to do where the name has no format. */
+    PictureFiles(const std::string& pattern, const std::string& format, const std::string& advice);
 
     /** From now on so many pictures come. A TIFF without a number in its name takes them as its pages; throws UsageError
      *  for another one file, but not for "-", the standard output. */

@@ -61,9 +61,10 @@ GrabWords grabWords(Words words) {
         if (grab.pictures < 1) throw UsageError("0 is no number of pictures");
         words.erase(words.begin());
     }
-    if (words.size() > 1) throw UsageError("the form is 'grab [N] [FILE] [within TIME]'");
+    const char* const form = "the form is 'grab [N] [FILE] [within TIME]'";
+    if (words.size() > 1) throw UsageError(form);
     if (words.empty()) return grab;
-    grab.files.emplace(words.front(), "");
+    grab.files.emplace(words.front(), "", form);
     grab.files->expect(grab.pictures);
     return grab;
 }

@@ -105,9 +105,9 @@ public:
             throw UsageError("-o - writes pictures to the standard output, and --hash digests: leave one "
                              "out, or write files");
         if (isToOutput())
-            m_files.emplace("-", m_own.format.empty() ? "raw" : m_own.format);
+            m_files.emplace("-", m_own.format.empty() ? "raw" : m_own.format, "");
         else if (!m_file.empty())
-            m_files.emplace(m_file, m_own.format);
+            m_files.emplace(m_file, m_own.format, "say the format with --format");
         if (m_files) m_files->expect(m_wanted.pictures);
         requireStation(context.instance(), "'grab'");
     }
