@@ -145,7 +145,7 @@ void unfitTiming(State& state) {
          timingTroubles(mode, state.number("FG_LINEPERIODE"), state.number("FG_LINEEXPOSURE"),
                         state.number("FG_LINETRIGGERDELAY")))
         state.propose(trouble.rule, {trouble.names.begin(), trouble.names.end()}, trouble.why,
-                      trouble.longest, " or less, or a longer FG_LINEPERIODE");
+                      trouble.longest, std::string(" or less") + trouble.orElse);
 }
 
 void offTheGrid(State& state) {
@@ -354,6 +354,11 @@ void simulatorOrDebug(State& state) {
         state.add("simulator", {"FG_CAMERASIMULATOR_ENABLE"},
                   "The images come from the camera simulator, not from the camera",
                   "Set FG_CAMERASIMULATOR_ENABLE=FG_CAMPORT");
+    if (state.is("FG_CAMERASIMULATOR_ENABLE", {FG_CAMERASIMULATOR}) && !state.is("FG_PIXELFORMAT", {RGB8}))
+        state.add("simulator", {"FG_PIXELFORMAT"},
+                  "The value of the camera simulator is in the low 8 bits of a component, so its picture is "
+                  "dark",
+                  "Set FG_PIXELFORMAT=RGB8");
     for (const char* name : {"FG_DEBUGINENABLE", "FG_DEBUGOUTENABLE"})
         if (state.is(name, {FG_ON}))
             state.add("debug", {name}, "The debug interface taps or feeds the image path",

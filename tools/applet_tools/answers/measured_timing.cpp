@@ -19,6 +19,7 @@ struct Expected {
     double period, exposure, delay;
     std::optional<double> linePeriod, imagePeriod;
     bool isExternal, isExSyncLow, isFlashLow;
+    bool hasEdges; // of ExSync: it falls before the next one
 };
 
 /** Signals by their select. */
@@ -58,11 +59,13 @@ private:
                      .imagePeriod = {},
                      .isExternal = mode == ASYNC_TRIGGER || mode == ASYNC_GATED,
                      .isExSyncLow = is("FG_EXSYNCPOLARITY", FG_LOW),
-                     .isFlashLow = is("FG_FLASH_POLARITY", FG_LOW)};
+                     .isFlashLow = is("FG_FLASH_POLARITY", FG_LOW),
+                     .hasEdges = true};
+        its.hasEdges = its.isExternal || its.exposure < its.period;
         if (is("FG_CAMERASIMULATOR_ENABLE", FG_CAMERASIMULATOR)) {
             if (is("FG_CAMERASIMULATOR_TRIGGER_MODE", SIMULATION_FREE_RUN))
                 its.linePeriod = 1e6 / get<double>("FG_CAMERASIMULATOR_LINERATE");
-            else if (is("FG_CAMERASIMULATOR_TRIGGER_MODE", RISING_EDGE_TRIGGERS_LINE))
+            else if (is("FG_CAMERASIMULATOR_TRIGGER_MODE", RISING_EDGE_TRIGGERS_LINE) && its.hasEdges)
                 its.linePeriod = its.period;
         }
         const bool isFree = is("FG_IMGTRIGGERMODE", FREE_RUN) || is("FG_IMGTRIGGERON", FG_OFF);
@@ -85,7 +88,11 @@ private:
         }
         const double period = m_expected.period / number("FG_LINE_DOWNSCALE");
         const auto ticks = std::max<Ticks>(static_cast<Ticks>(std::round(period * 125)), 2);
-        const auto input = static_cast<unsigned>(get<std::int32_t>("FG_LINETRIGGERINSRC"));
+        constexpr std::int32_t firstFront = TRGINSRC_FRONT_GPI_0;
+        constexpr std::int32_t frontInput = 8;
+        const auto source = get<std::int32_t>("FG_LINETRIGGERINSRC");
+        const auto input =
+            static_cast<unsigned>(source < firstFront ? source : source - firstFront + frontInput);
         connectWave(m_instance, {input, SquareWave{ticks, ticks / 2, ticks}});
         use(input);
     }
@@ -112,10 +119,14 @@ private:
                 m_firstLines.push_back(grabber.record().first_line);
             }
             m_timing.isInterrupted = outcome == Grabber::Outcome::interrupted;
+            m_timing.lines = sourceLines(m_instance) - lines;
+            if (m_timing.pictures == 0)
+                m_timing.remarks.push_back(whyNoPicture(m_instance, m_parameters,
+                                                        {.lines = m_timing.lines,
+                                                         .from = m_timing.from,
+                                                         .longer = "the measurement ends after 2 s",
+                                                         .wave = "a --wave"}));
         }
-        m_timing.lines = sourceLines(m_instance) - lines;
-        if (m_timing.pictures == 0)
-            m_timing.remarks.push_back(whyNoPicture(m_instance, m_parameters, m_timing.lines));
     }
 
     /** Notes the signals of the first line periods, before the board forgets their edges. */
@@ -183,7 +194,12 @@ private:
     void addRows() {
         const SignalCourse exSync = course(exSyncSelect), exSync2 = course(exSync2Select);
         const SignalCourse flash = course(flashSelect), lines = course(lineSelect);
-        const bool isOn = is("FG_EXSYNCON", FG_ON);
+        const bool isOn = is("FG_EXSYNCON", FG_ON) && m_expected.hasEdges;
+        if (is("FG_EXSYNCON", FG_ON) && !m_expected.hasEdges)
+            m_timing.remarks.push_back(
+                "ExSync is always active, with no edge: FG_LINEEXPOSURE = " +
+                numberText(m_expected.exposure) +
+                " µs is not shorter than FG_LINEPERIODE = " + numberText(m_expected.period) + " µs");
         const auto ifOn = [&](double value) { return isOn ? std::optional(value) : std::nullopt; };
         add("ExSync period", ifOn(m_expected.period), exSync.periods(), "ExSync rate");
         add("ExSync active", ifOn(m_expected.exposure), exSync.widths(m_expected.isExSyncLow));

@@ -4,6 +4,7 @@
 
 #include "vexo/fg_parameters.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <string>
@@ -15,7 +16,8 @@ struct TimingTrouble {
     const char* rule;               /**< "exposure", "delay" */
     std::vector<const char*> names; /**< the one to be set first */
     const char* why;
-    double longest; /**< for the first one, in whole ticks of the trigger */
+    double longest;     /**< for the first one, in whole ticks of the trigger */
+    const char* orElse; /**< what else helps, behind "or less"; may be empty */
 };
 
 /** Times in microseconds. A load stores periods that are none: with those nothing is compared. */
@@ -34,13 +36,23 @@ inline std::vector<TimingTrouble> timingTroubles(std::int32_t mode, double perio
              {"FG_LINEEXPOSURE", "FG_LINEPERIODE"},
              "The exposure is longer than the line period, so the ExSync pulses run into each other. "
              "The period was lowered after the exposure was set, which does not shorten the exposure",
-             longest});
-    if (delay > period)
+             longest,
+             ", or a longer FG_LINEPERIODE"});
+    constexpr double endOfDelay = 1048.568; // of its counter of 17 bits
+    if (delay > endOfDelay)
+        troubles.push_back({"delay",
+                            {"FG_LINETRIGGERDELAY"},
+                            "The counter of the delay ends at 1048.568 µs, and the station of the virtual "
+                            "board delays by no more",
+                            std::min(longest, endOfDelay),
+                            ""});
+    else if (delay > period)
         troubles.push_back(
             {"delay",
              {"FG_LINETRIGGERDELAY", "FG_LINEPERIODE"},
              "ExSync2 is delayed by more than a line period, so it belongs to no line any more",
-             longest});
+             longest,
+             ", or a longer FG_LINEPERIODE"});
     return troubles;
 }
 

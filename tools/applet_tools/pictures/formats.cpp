@@ -28,14 +28,14 @@ const PictureFormat& formatNamed(const std::string& name) {
     throw UsageError(inQuotedWord(name) + " is no format of pictures; they are " + join(names, ", "));
 }
 
-const PictureFormat& formatOfFile(const std::string& file) {
+const PictureFormat& formatOfFile(const std::string& file, const std::string& advice) {
     const std::string name = lowerCase(file);
     for (const PictureFormat& format : formats)
         if (name.ends_with(format.suffix) ||
             (format.otherSuffix != nullptr && name.ends_with(format.otherSuffix)))
             return format;
     throw UsageError(inQuotes(toUtf8(file.c_str())) +
-                     " does not end with .png, .tiff, .ppm or .raw: say the format with --format");
+                     " does not end with .png, .tiff, .ppm or .raw: " + advice);
 }
 
 std::string encodePpm(const PictureView& picture) {
@@ -86,14 +86,42 @@ std::string NumberedName::of(std::int64_t number) const {
            m_behind;
 }
 
-PictureFiles::PictureFiles(const std::string& pattern, const std::string& format)
-    : m_name(pattern)
-    , m_format(&(format.empty() ? formatOfFile(pattern) : formatNamed(format))) {}
+PictureFiles::PictureFiles(const std::string& pattern, const std::string& format, const std::string& advice)
+    : m_pattern(pattern)
+    , m_name(pattern)
+    , m_format(&(format.empty() ? formatOfFile(pattern, advice) : formatNamed(format))) {}
 
-std::string PictureFiles::write(const PictureView& picture, std::int64_t number) const {
+void PictureFiles::expect(std::int64_t pictures) {
+    m_pages.reset();
+    m_hasPages = pictures > 1 && !m_name.isNumbered() && m_format->encode == encodeTiff;
+    if (pictures > 1 && !m_name.isNumbered() && !m_hasPages && m_pattern != "-")
+        throw UsageError(inQuotes(toUtf8(m_pattern.c_str())) + " is one file, and " + numberText(pictures) +
+                         " pictures are wanted: put a %d into its name, or write a .tiff, which has pages");
+}
+
+bool PictureFiles::isRaw() const { return m_format->encode == encodeRaw; }
+
+std::string PictureFiles::encode(const PictureView& picture) {
+    if (!m_hasPages) return m_format->encode(picture);
+    if (!m_pages) m_pages.emplace();
+    m_pages->add(picture);
+    return "";
+}
+
+std::string PictureFiles::write(const PictureView& picture, std::int64_t number) {
     std::string file = name(number);
-    writeFile(file, m_format->encode(picture));
+    const std::string content = encode(picture);
+    if (!m_hasPages) writeFile(file, content);
     return file;
+}
+
+const std::string& PictureFiles::pages() const {
+    static const std::string none;
+    return m_pages ? m_pages->bytes() : none;
+}
+
+void PictureFiles::finish() const {
+    if (m_pages) writeFile(name(1), m_pages->bytes());
 }
 
 } // namespace applet_tools

@@ -5,6 +5,8 @@
 #include "applet_tools/base/words.h"
 #include "applet_tools/pictures/PictureView.h"
 
+#include <memory>
+#include <optional>
 #include <span>
 #include <string>
 
@@ -22,13 +24,31 @@ std::span<const PictureFormat> pictureFormats();
 
 /** By its name. Throws UsageError. */
 const PictureFormat& formatNamed(const std::string& name);
-/** By the end of the file's name. Throws UsageError. */
-const PictureFormat& formatOfFile(const std::string& file);
+/** By the end of the file's name. Throws UsageError with the advice. */
+const PictureFormat& formatOfFile(const std::string& file, const std::string& advice);
 
 /** Red, green, blue with 8 bits, or with 16 if the picture has more; the file notes how many of them count. */
 std::string encodePng(const PictureView& picture);
 /** The same as one page with LZW compression. */
 std::string encodeTiff(const PictureView& picture);
+/** A TIFF file of several pages, in memory. */
+class TiffPages {
+public:
+    TiffPages();
+    ~TiffPages();
+    TiffPages(TiffPages&&) noexcept;
+    TiffPages& operator=(TiffPages&&) noexcept;
+
+    /** One more page, as encodeTiff makes it. Throws Failure when a file cannot be as large. */
+    void add(const PictureView& picture);
+    /** The file with the pages so far. */
+    const std::string& bytes() const;
+
+private:
+    struct State;
+    std::unique_ptr<State> m_state;
+};
+
 /** Red, green, blue with the largest value that the picture's bits allow (Netpbm P6). */
 std::string encodePpm(const PictureView& picture);
 
@@ -53,18 +73,32 @@ private:
 /** Where pictures are written to, and how. */
 class PictureFiles {
 public:
-    /** The format is that of the file's name if none is given. Throws UsageError for a name or a format that is none. */
-    PictureFiles(const std::string& pattern, const std::string& format);
+    /** The format is that of the file's name if none is given. Throws UsageError for a name or a format that is none:
+     *  `advice` is what to do where the name has no format. */
+    PictureFiles(const std::string& pattern, const std::string& format, const std::string& advice);
 
-    bool isNumbered() const { return m_name.isNumbered(); }
+    /** From now on so many pictures come. A TIFF without a number in its name takes them as its pages; throws UsageError
+     *  for another one file, but not for "-", the standard output. */
+    void expect(std::int64_t pictures);
+
     std::string name(std::int64_t number) const { return m_name.of(number); }
-    /** Writes the picture as a whole or not at all, and gives the name of the file. Throws Failure. */
-    std::string write(const PictureView& picture, std::int64_t number) const;
-    std::string encode(const PictureView& picture) const { return m_format->encode(picture); }
+    bool isRaw() const;
+    /** Writes the picture as a whole or not at all, or keeps it as a page, and gives the name of the file. Throws
+     *  Failure. */
+    std::string write(const PictureView& picture, std::int64_t number);
+    /** What is to be written of the picture: nothing for a page. */
+    std::string encode(const PictureView& picture);
+    /** The file with all pages; empty if there is none. */
+    const std::string& pages() const;
+    /** Writes the file with all pages, if there is one. */
+    void finish() const;
 
 private:
+    std::string m_pattern;
     NumberedName m_name;
     const PictureFormat* m_format;
+    bool m_hasPages = false;
+    std::optional<TiffPages> m_pages;
 };
 
 } // namespace applet_tools

@@ -68,17 +68,30 @@ void writeRow(TIFF* tiff, const PictureView& picture, std::uint32_t y,
     require(TIFFWriteScanline(tiff, isWide ? static_cast<void*>(wide.data()) : narrow.data(), y, 0) == 1);
 }
 
-} // namespace
+using Tiff = std::unique_ptr<TIFF, void (*)(TIFF*)>;
 
-std::string encodeTiff(const PictureView& picture) {
+Tiff openIn(MemoryFile& file) {
     TIFFSetWarningHandler(nullptr);
     TIFFSetErrorHandler(nullptr);
+    return {TIFFClientOpen("picture", "w", &file, readFrom, writeTo, seekIn, closeNothing, sizeOf, nullptr,
+                           nullptr),
+            TIFFClose};
+}
+
+} // namespace
+
+struct TiffPages::State {
     MemoryFile file;
-    const std::unique_ptr<TIFF, void (*)(TIFF*)> tiff(TIFFClientOpen("picture", "w", &file, readFrom, writeTo,
-                                                                     seekIn, closeNothing, sizeOf, nullptr,
-                                                                     nullptr),
-                                                      TIFFClose);
-    require(tiff != nullptr);
+    Tiff tiff = openIn(file);
+};
+
+TiffPages::TiffPages() : m_state(std::make_unique<State>()) { require(m_state->tiff != nullptr); }
+TiffPages::~TiffPages() = default;
+TiffPages::TiffPages(TiffPages&&) noexcept = default;
+TiffPages& TiffPages::operator=(TiffPages&&) noexcept = default;
+
+void TiffPages::add(const PictureView& picture) {
+    const Tiff& tiff = m_state->tiff;
     TIFFSetField(tiff.get(), TIFFTAG_IMAGEWIDTH, picture.width);
     TIFFSetField(tiff.get(), TIFFTAG_IMAGELENGTH, picture.lines);
     TIFFSetField(tiff.get(), TIFFTAG_SAMPLESPERPIXEL, 3);
@@ -93,8 +106,15 @@ std::string encodeTiff(const PictureView& picture) {
         unpackLine(picture, y, line);
         writeRow(tiff.get(), picture, y, line);
     }
-    require(TIFFFlush(tiff.get()) == 1);
-    return std::move(file.bytes);
+    require(TIFFWriteDirectory(tiff.get()) == 1);
+}
+
+const std::string& TiffPages::bytes() const { return m_state->file.bytes; }
+
+std::string encodeTiff(const PictureView& picture) {
+    TiffPages pages;
+    pages.add(picture);
+    return pages.bytes();
 }
 
 } // namespace applet_tools

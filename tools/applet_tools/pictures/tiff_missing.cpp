@@ -2,9 +2,23 @@
 #include "applet_tools/pictures/formats.h"
 
 namespace applet_tools {
+namespace {
 
-std::string encodeTiff(const PictureView&) {
+[[noreturn]] void refuse() {
     throw Unavailable("this program was built without TIFF: build it with the package libtiff-dev");
 }
+
+} // namespace
+
+struct TiffPages::State {};
+
+TiffPages::TiffPages() { refuse(); }
+TiffPages::~TiffPages() = default;
+TiffPages::TiffPages(TiffPages&&) noexcept = default;
+TiffPages& TiffPages::operator=(TiffPages&&) noexcept = default;
+void TiffPages::add(const PictureView&) { refuse(); }
+const std::string& TiffPages::bytes() const { refuse(); }
+
+std::string encodeTiff(const PictureView&) { refuse(); }
 
 } // namespace applet_tools

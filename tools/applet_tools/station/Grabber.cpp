@@ -39,14 +39,22 @@ Grabber::Outcome Grabber::next(Ticks timeout, const std::function<bool()>& goesO
     }
     if (last < 0) throw Failure("the acquisition has ended: " + codeInWords(static_cast<int>(last)));
     ++m_picture;
-    const int code = board.frame(m_memory.get(), m_picture, &m_record);
+    std::uint8_t noRoom = 0; // so the record is filled in, and nothing is drawn
+    if (board.frame_into(m_memory.get(), m_picture, &noRoom, 0, &m_record) != VBOARD_TOO_SMALL)
+        throw Failure("there is no memory left for picture " + numberText(m_picture));
+    m_record.data = nullptr;
+    return Outcome::arrived;
+}
+
+PictureView Grabber::draw() {
+    const int code = m_instance.board().frame(m_memory.get(), m_picture, &m_record);
     if (code == VBOARD_TOO_SMALL)
         throw Failure("picture " + numberText(m_picture) +
                       " is larger than those were when the acquisition started");
     if (code != VBOARD_OK)
         throw Failure("there is no memory left to make picture " + numberText(m_picture) +
                       ": lower FG_WIDTH or FG_HEIGHT");
-    return Outcome::arrived;
+    return viewOf(m_record);
 }
 
 PictureView viewOf(const vboard_record& record) {

@@ -26,8 +26,10 @@ public:
      *  `goesOn` now and then. Throws Failure when the acquisition has ended, or there is no room for the picture. */
     Outcome next(Ticks timeout, const std::function<bool()>& goesOn);
 
-    /** Of the last picture that arrived; its bytes are there until the next one is asked for. */
+    /** Of the last picture that arrived. It has no bytes before they are drawn. */
     const vboard_record& record() const { return m_record; }
+    /** Makes the bytes of that picture, which are there until the next one is asked for. Throws Failure. */
+    PictureView draw();
 
 private:
     struct FreeMemory {

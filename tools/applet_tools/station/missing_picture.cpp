@@ -1,34 +1,147 @@
 #include "applet_tools/station/missing_picture.h"
 
 #include "applet_tools/base/numbers.h"
+#include "applet_tools/station/signals.h"
 
 #include "vexo/fg_parameters.h"
+
+#include <algorithm>
 
 namespace applet_tools {
 namespace {
 
-std::string shown(Instance& instance, const ParameterList& parameters, const char* name) {
-    const Parameter& parameter = parameters.find(name);
-    return parameter.name + " = " + valueText(parameter, valueOf(instance, {&parameter}));
-}
+/** Looks for the reason, from the source of the lines on. */
+class Reason {
+public:
+    Reason(Instance& instance, const ParameterList& parameters, const PictureWait& wait)
+        : m_instance(instance)
+        , m_parameters(parameters)
+        , m_wait(wait) {}
 
-bool is(Instance& instance, const ParameterList& parameters, const char* name, std::int32_t value) {
-    return valueOf(instance, {&parameters.find(name)}) == Value(value);
-}
+    std::string text() const {
+        if (is("FG_DEBUGINENABLE", FG_ON))
+            return "the input of a debug point is on, and no line of the source passes it: set "
+                   "FG_DEBUGINENABLE=FG_OFF, or insert an image while the acquisition runs";
+        if (isAlwaysActive())
+            return came() + ": with " + shown("FG_LINEEXPOSURE") + " and " + shown("FG_LINEPERIODE") +
+                   " ExSync is active without a break and has no edge; shorten FG_LINEEXPOSURE";
+        return m_wait.lines <= 0 ? whyNoLine() : came() + ", " + whyNoImage();
+    }
 
-std::string whyNoLine(Instance& instance, const ParameterList& parameters) {
-    const auto show = [&](const char* name) { return shown(instance, parameters, name); };
-    if (is(instance, parameters, "FG_CAMERASIMULATOR_ENABLE", FG_CAMPORT))
-        return "no line came: the port of the virtual board has no camera; set "
-               "FG_CAMERASIMULATOR_ENABLE=FG_CAMERASIMULATOR";
-    if (is(instance, parameters, "FG_CAMERASIMULATOR_TRIGGER_MODE", SIMULATION_FREE_RUN))
-        return "no line came: the camera simulator is slower than that, or no line of its frame has begun "
-               "yet";
-    return "no line came: with " + show("FG_CAMERASIMULATOR_TRIGGER_MODE") +
-           " the camera simulator waits for an edge of " + show("FG_TRIGGERCAMERA_SOURCE") + ", and " +
-           show("FG_EXSYNCON") + ", " + show("FG_LINETRIGGERMODE") +
-           "; an external line trigger needs a --wave at " + show("FG_LINETRIGGERINSRC");
-}
+private:
+    const Parameter& find(const char* name) const { return m_parameters.find(name); }
+    Value value(const char* name) const { return valueOf(m_instance, {&find(name)}); }
+    bool is(const char* name, std::int32_t entry) const { return value(name) == Value(entry); }
+    std::string shown(const char* name) const {
+        const Parameter& parameter = find(name);
+        return parameter.name + " = " + valueText(parameter, valueOf(m_instance, {&parameter}));
+    }
+    std::string came() const {
+        if (m_wait.lines <= 0) return "no line came";
+        return numberText(m_wait.lines) + (m_wait.lines == 1 ? " line came" : " lines came");
+    }
+
+    bool isExternal() const {
+        return is("FG_LINETRIGGERMODE", ASYNC_TRIGGER) || is("FG_LINETRIGGERMODE", ASYNC_GATED);
+    }
+    bool isLineGated() const {
+        return is("FG_LINETRIGGERMODE", GRABBER_CONTROLLED_GATED) || is("FG_LINETRIGGERMODE", ASYNC_GATED);
+    }
+    bool isImageTriggered() const {
+        return !is("FG_IMGTRIGGERMODE", FREE_RUN) && is("FG_IMGTRIGGERON", FG_ON);
+    }
+    bool isImageGated() const {
+        return is("FG_IMGTRIGGERMODE", ASYNC_GATED) || is("FG_IMGTRIGGERMODE", ASYNC_GATED_MULTIFRAME);
+    }
+    bool isSourceExSync() const {
+        return is("FG_TRIGGERCAMERA_SOURCE", FG_SIGNAL_CAM0_EXSYNC) ||
+               is("FG_TRIGGERCAMERA_SOURCE", FG_SIGNAL_CAM0_EXSYNC2);
+    }
+    bool isSourceTriggered() const {
+        return is("FG_CAMERASIMULATOR_ENABLE", FG_CAMERASIMULATOR) &&
+               !is("FG_CAMERASIMULATOR_TRIGGER_MODE", SIMULATION_FREE_RUN);
+    }
+
+    bool isAlwaysActive() const {
+        return isSourceTriggered() && isSourceExSync() && is("FG_EXSYNCON", FG_ON) && !isExternal() &&
+               std::get<double>(value("FG_LINEEXPOSURE")) >= std::get<double>(value("FG_LINEPERIODE"));
+    }
+
+    /** Of an input, debounced, while it was waited. */
+    SignalCourse courseAt(const char* source) const {
+        constexpr std::int32_t firstFront = TRGINSRC_FRONT_GPI_0;
+        constexpr unsigned gpiSignal = 21, frontSignal = 29;
+        const auto input = std::get<std::int32_t>(value(source));
+        const unsigned select = input < firstFront ? gpiSignal + static_cast<unsigned>(input)
+                                                   : frontSignal + static_cast<unsigned>(input - firstFront);
+        return courseOf(m_instance, select, m_wait.from, m_instance.board().now(m_instance.device()));
+    }
+
+    /** "no edge came at ...", or nothing where there was one. */
+    std::string whyNoEdge(const char* source, const char* debounce) const {
+        if (!courseAt(source).edges.empty()) return "";
+        return "no edge came at " + shown(source) + ": connect " + m_wait.wave + " with pulses longer than " +
+               shown(debounce);
+    }
+
+    std::string whyNoLine() const {
+        if (is("FG_CAMERASIMULATOR_ENABLE", FG_CAMPORT))
+            return "no line came: the port of the virtual board has no camera; set "
+                   "FG_CAMERASIMULATOR_ENABLE=FG_CAMERASIMULATOR";
+        if (!isSourceTriggered())
+            return "no line came: the camera simulator is slower than that, or no line of its frame has "
+                   "begun yet";
+        return "no line came: with " + shown("FG_CAMERASIMULATOR_TRIGGER_MODE") +
+               " the camera simulator waits for an edge of " + shown("FG_TRIGGERCAMERA_SOURCE") +
+               (isSourceExSync() ? "; " + whyNoExSync() : "");
+    }
+
+    std::string whyNoExSync() const {
+        if (is("FG_EXSYNCON", FG_OFF)) return shown("FG_EXSYNCON") + ": set it to FG_ON";
+        const std::string mode = shown("FG_LINETRIGGERMODE");
+        if (isLineGated() && isImageTriggered())
+            return "with " + mode + " it has edges only in an image, and " + whyNoStart();
+        if (!isExternal()) return "with " + mode + " one comes each " + shown("FG_LINEPERIODE");
+        const std::string noEdge = whyNoEdge("FG_LINETRIGGERINSRC", "FG_LINETRIGGERDEBOUNCING");
+        if (!noEdge.empty()) return "with " + mode + " it needs a line trigger, and " + noEdge;
+        return "with " + mode + " it needs a line trigger, and of the edges at " +
+               shown("FG_LINETRIGGERINSRC") + " none became one: see " + shown("FG_LINE_DOWNSCALE") +
+               " and " + shown("FG_SHAFTENCODERON");
+    }
+
+    /** Why no image began. */
+    std::string whyNoStart() const {
+        if (is("FG_IMGTRIGGERINSRC", TRGINSOFTWARE))
+            return "an image starts at a software pulse while the acquisition runs, as by the steps "
+                   "'acquire start', 'set FG_SENDSOFTWARETRIGGER=FG_APPLY' and 'grab' of a scenario";
+        const SignalCourse course = courseAt("FG_IMGTRIGGERINSRC");
+        const bool isActive = course.level() != is("FG_IMGTRIGGERINPOLARITY", HIGH_ON_ZERO_LOW);
+        if (isActive && (isImageGated() || course.edges.empty()))
+            return shown("FG_IMGTRIGGERINSRC") +
+                   " was active when the acquisition began: only a level that becomes active later starts an "
+                   "image, as with " +
+                   m_wait.wave + " of edges:1ms";
+        const std::string noEdge = whyNoEdge("FG_IMGTRIGGERINSRC", "FG_IMGTRIGGERDEBOUNCING");
+        return noEdge.empty() ? "none of the edges at " + shown("FG_IMGTRIGGERINSRC") +
+                                    " started an image: its pulses must be longer than " +
+                                    shown("FG_IMGTRIGGERDEBOUNCING")
+                              : noEdge;
+    }
+
+    std::string whyNoImage() const {
+        if (isImageTriggered() && !is("FG_IMGTRIGGER_IS_BUSY", IS_BUSY))
+            return "and no image was complete: with " + shown("FG_IMGTRIGGERMODE") + ", " + whyNoStart();
+        if (isImageTriggered() && isImageGated())
+            return "and the image in progress ends with its gate at " + shown("FG_IMGTRIGGERINSRC") +
+                   ", or after " + shown("FG_HEIGHT") + "; " + m_wait.longer;
+        return "and an image takes " + shown("FG_HEIGHT") + " and " + shown("FG_YOFFSET") + "; " +
+               m_wait.longer;
+    }
+
+    Instance& m_instance;
+    const ParameterList& m_parameters;
+    const PictureWait& m_wait;
+};
 
 } // namespace
 
@@ -36,17 +149,8 @@ std::int64_t sourceLines(Instance& instance) {
     return instance.applet().Fg_getStatusEx(instance.fg(), VBOARD_STATUS_LINES, 0, 0, nullptr);
 }
 
-std::string whyNoPicture(Instance& instance, const ParameterList& parameters, std::int64_t lines) {
-    if (lines <= 0) return whyNoLine(instance, parameters);
-    const std::string came = numberText(lines) + (lines == 1 ? " line came" : " lines came");
-    const auto show = [&](const char* name) { return shown(instance, parameters, name); };
-    const bool isTriggered = !is(instance, parameters, "FG_IMGTRIGGERMODE", FREE_RUN) &&
-                             is(instance, parameters, "FG_IMGTRIGGERON", FG_ON);
-    if (isTriggered)
-        return came + ", and no image was complete: with " + show("FG_IMGTRIGGERMODE") +
-               " one starts at an edge of " + show("FG_IMGTRIGGERINSRC") + ", which needs a --wave";
-    return came + ", and an image takes " + show("FG_HEIGHT") + " and " + show("FG_YOFFSET") +
-           "; give a longer --timeout";
+std::string whyNoPicture(Instance& instance, const ParameterList& parameters, const PictureWait& wait) {
+    return Reason(instance, parameters, wait).text();
 }
 
 } // namespace applet_tools

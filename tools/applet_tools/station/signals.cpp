@@ -38,8 +38,8 @@ constexpr LossKind kinds[] = {
      "shorten FG_LINEEXPOSURE, or raise FG_LINE_DOWNSCALE"},
     {"cameratriggers", VBOARD_STATUS_LOST_CAMERA_TRIGGERS,
      "camera triggers lost while a line was in transfer",
-     "raise FG_CAMERASIMULATOR_LINERATE, lower FG_CAMERASIMULATOR_WIDTH, or let the lines come further "
-     "apart"},
+     "let the triggers come further apart (FG_LINEPERIODE, or the pulses of the line trigger), or make what "
+     "each one starts shorter: a line by FG_CAMERASIMULATOR_WIDTH, a frame by FG_CAMERASIMULATOR_LINERATE"},
 };
 
 } // namespace

@@ -115,6 +115,9 @@ WaveRequest parseWave(std::string_view word) {
         colon == std::string_view::npos ? std::string_view() : wave.substr(colon + 1);
     const unsigned input = inputFrom(inputs[0]);
     const bool isEncoder = kind == "encoder";
+    if (rest.empty() && (isEncoder || kind == "square" || kind == "edges"))
+        throw UsageError(inQuotedWord(word) + " says no more than the kind of its wave; the forms are " +
+                         waveForms);
     if (inputs.size() != (isEncoder ? 2 : 1))
         throw UsageError(inQuotedWord(word) +
                          (isEncoder ? ": an encoder has two inputs, as in GPI_0,GPI_1=encoder:20000"

@@ -3,6 +3,7 @@
 #include "applet_tools/base/Interruption.h"
 #include "applet_tools/pictures/formats.h"
 #include "applet_tools/station/missing_picture.h"
+#include "applet_tools/station/picture_record.h"
 #include "applet_tools/station/waves.h"
 #include "appletctl/cli/step_words.h"
 
@@ -60,35 +61,40 @@ GrabWords grabWords(Words words) {
         if (grab.pictures < 1) throw UsageError("0 is no number of pictures");
         words.erase(words.begin());
     }
-    if (words.size() > 1) throw UsageError("the form is 'grab [N] [FILE] [within TIME]'");
+    const char* const form = "the form is 'grab [N] [FILE] [within TIME]'";
+    if (words.size() > 1) throw UsageError(form);
     if (words.empty()) return grab;
-    grab.files.emplace(words.front(), "");
-    if (grab.pictures > 1 && !grab.files->isNumbered())
-        throw UsageError(inQuotes(words.front()) +
-                         " is one file: put a %d into its name for several pictures");
+    grab.files.emplace(words.front(), "", form);
+    grab.files->expect(grab.pictures);
     return grab;
 }
 
-std::string takePictures(ScenarioRunner& station, const GrabWords& words, Grabber& grabber,
+std::string takePictures(ScenarioRunner& station, GrabWords& words, Grabber& grabber,
                          const MovingStep& moving) {
     StationState& state = station.stationState();
     state.pictures.clear();
     state.lastBytes.clear();
     while (static_cast<std::int64_t>(state.pictures.size()) < words.pictures) {
         const std::int64_t lines = sourceLines(station.instance());
+        const Ticks from = station.board().now(station.instance().device());
         const Grabber::Outcome outcome = grabber.next(words.timeout, [&] { return moving.goesOn(); });
         if (outcome == Grabber::Outcome::interrupted) return "it was interrupted";
         if (outcome == Grabber::Outcome::timeout)
             return "picture " + numberText(state.pictures.size() + 1) + " did not come within " +
                    durationText(words.timeout) + ": " +
                    whyNoPicture(station.instance(), station.parameters(),
-                                sourceLines(station.instance()) - lines);
+                                {.lines = sourceLines(station.instance()) - lines,
+                                 .from = from,
+                                 .longer = "give a longer time behind 'within'",
+                                 .wave = "a wave by the step 'wave'"});
+        grabber.draw();
         const vboard_record& record = grabber.record();
-        if (words.files) words.files->write(viewOf(record), record.picture);
+        if (words.files) writePicture(*words.files, record);
         state.lastBytes.assign(record.data, record.data + record.size);
         state.pictures.push_back(record);
         state.pictures.back().data = nullptr; // gone with the next picture
     }
+    if (words.files) words.files->finish();
     return "";
 }
 
@@ -235,7 +241,7 @@ void checkGrab(const Words& words) { grabWords(words); }
 
 std::string grab(ScenarioRunner& station, const Step& step) {
     station.board();
-    const GrabWords words = grabWords(step.words);
+    GrabWords words = grabWords(step.words);
     const MovingStep moving(station);
     if (auto& running = station.stationState().grabber) return takePictures(station, words, *running, moving);
     Grabber grabber(station.instance(), 4);

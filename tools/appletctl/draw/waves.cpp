@@ -127,8 +127,8 @@ std::string wavesText(const std::vector<Wave>& waves, double end, double period,
     return text + '\n' + indented("", width) + scaleText(end, period, columns) + '\n';
 }
 
-std::string wavesAsSvg(const std::vector<Wave>& waves, double end, double period,
-                       const std::string& subtitle) {
+std::string wavesAsSvg(const std::vector<Wave>& waves, double end, double period, const std::string& subtitle,
+                       double origin) {
     constexpr double left = 230, top = 80, width = 640, rowHeight = 36, swing = 20;
     const double bottom = top + rowHeight * static_cast<double>(waves.size());
     const auto xOf = [&](double time) { return left + width * time / end; };
@@ -136,8 +136,8 @@ std::string wavesAsSvg(const std::vector<Wave>& waves, double end, double period
     for (int number = 0; number <= periodsIn(end, period); ++number) {
         const double time = number * period;
         content += svg::line(xOf(time), top - 10, xOf(time), bottom, "#dddddd", 1);
-        content +=
-            svg::label(xOf(time), bottom + 18, "middle", numberText(std::round(time * 1000) / 1000) + " µs");
+        content += svg::label(xOf(time), bottom + 18, "middle",
+                              numberText(std::round((origin + time) * 1000) / 1000) + " µs");
     }
     for (std::size_t row = 0; row < waves.size(); ++row) {
         const Wave& wave = waves[row];
@@ -153,21 +153,27 @@ std::string wavesAsSvg(const std::vector<Wave>& waves, double end, double period
             points +=
                 (points.empty() ? "" : " ") + svg::coordinate(xOf(time)) + "," + svg::coordinate(yOf(level));
         };
-        add(0, wave.isActiveLow);
+        bool level = wave.isActiveLow;
         for (const Pulse& pulse : *wave.active) {
-            add(pulse.start, wave.isActiveLow);
-            add(pulse.start, !wave.isActiveLow);
-            add(pulse.end, !wave.isActiveLow);
-            add(pulse.end, wave.isActiveLow);
+            const bool hasBegun = pulse.start <= 0 && origin > 0; // before the drawing
+            if (points.empty() && !hasBegun) add(0, level);
+            if (!hasBegun) add(pulse.start, level);
+            level = !wave.isActiveLow;
+            add(pulse.start, level);
+            add(pulse.end, level);
+            if (pulse.end >= end) break; // it stays so
+            level = wave.isActiveLow;
+            add(pulse.end, level);
         }
-        add(end, wave.isActiveLow);
+        if (points.empty()) add(0, level);
+        add(end, level);
         content += "<polyline" + svg::attribute("fill", "none") + svg::attribute("stroke", "#1f77b4") +
                    svg::attribute("stroke-width", "1.5") + svg::attribute("points", points) + "/>\n";
     }
     return svg::document(left + width + 40, bottom + 40, 20, "Timing", subtitle, content);
 }
 
-std::string wavesAsVcd(const std::vector<Wave>& waves, double end) {
+std::string wavesAsVcd(const std::vector<Wave>& waves, double end, double origin) {
     std::string text =
         "$version " APPLETCTL_VERSION " $end\n$timescale 1 ns $end\n$scope module applet $end\n";
     std::map<std::int64_t, std::string> changes;
@@ -192,11 +198,12 @@ std::string wavesAsVcd(const std::vector<Wave>& waves, double end) {
             if (pulse.end < end) changes[nanoseconds(pulse.end)] += level(false);
         }
     }
-    text += "$upscope $end\n$enddefinitions $end\n#0\n$dumpvars\n" + changes[0] + "$end\n";
+    text += "$upscope $end\n$enddefinitions $end\n#" + numberText(nanoseconds(origin)) + "\n$dumpvars\n" +
+            changes[0] + "$end\n";
     changes.erase(0);
     for (const auto& [time, lines] : changes)
-        text += "#" + numberText(time) + "\n" + lines;
-    return text + "#" + numberText(nanoseconds(end)) + "\n";
+        text += "#" + numberText(nanoseconds(origin) + time) + "\n" + lines;
+    return text + "#" + numberText(nanoseconds(origin) + nanoseconds(end)) + "\n";
 }
 
 } // namespace appletctl

@@ -27,11 +27,13 @@ std::vector<Pulse> merged(const std::vector<Pulse>& pulses, double end);
 std::string wavesText(const std::vector<Wave>& waves, double end, double period, bool unicode,
                       std::size_t lineWidth);
 
-std::string wavesAsSvg(const std::vector<Wave>& waves, double end, double period,
-                       const std::string& subtitle);
+/** `origin`: the time at the left end, which is added to what is written below. What is active there has begun before, if
+ *  that is not 0. */
+std::string wavesAsSvg(const std::vector<Wave>& waves, double end, double period, const std::string& subtitle,
+                       double origin);
 
-/** A value change dump with one wire for each wave, in nanoseconds. */
-std::string wavesAsVcd(const std::vector<Wave>& waves, double end);
+/** A value change dump with one wire for each wave, in nanoseconds, which begin with `origin`. */
+std::string wavesAsVcd(const std::vector<Wave>& waves, double end, double origin);
 
 } // namespace appletctl
 

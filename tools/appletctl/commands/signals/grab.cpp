@@ -6,6 +6,7 @@
 #include "applet_tools/pictures/formats.h"
 #include "applet_tools/station/Grabber.h"
 #include "applet_tools/station/missing_picture.h"
+#include "applet_tools/station/picture_record.h"
 #include "applet_tools/station/signals.h"
 #include "appletctl/base/Progress.h"
 #include "appletctl/commands/Command.h"
@@ -21,21 +22,24 @@
 namespace appletctl {
 namespace {
 
+constexpr std::int64_t mostPictures = 100'000'000;
+
 struct GrabOptions {
-    std::string file;            /**< -o; empty: none, "-": the standard output */
-    std::string format;          /**< --format; empty: that of the file's name */
-    bool wantsHash = false;      /**< --hash */
-    bool isStrict = false;       /**< --strict: a loss is a failure */
-    std::string timeout = "10s"; /**< --timeout: simulated time to wait for each picture */
-    std::size_t frames = 4;      /**< --frames: of the memory */
+    std::optional<std::string> file; /**< -o; "-": the standard output */
+    std::string format;              /**< --format; empty: that of the file's name */
+    bool wantsHash = false;          /**< --hash */
+    bool isStrict = false;           /**< --strict: a loss is a failure */
+    std::string timeout = "10s";     /**< --timeout: simulated time to wait for each picture */
+    std::size_t frames = 4;          /**< --frames: of the memory */
+    std::int64_t every = 1;          /**< --every: one of so many pictures is taken */
 };
 
 void addGrabOptions(CLI::App& command, Options& options) {
     auto& own = options.own<GrabOptions>();
     command
         .add_option("-o,--out", own.file,
-                    "File to write, .png, .tiff, .ppm or .raw; %d or %06d in its name is the "
-                    "number of the picture; - for raw on the standard output")
+                    "File to write, .png, .tiff, .ppm or .raw; %d or %06d in its name is the number of the "
+                    "picture; - for the standard output, raw if --format does not say otherwise")
         ->type_name("FILE");
     command.add_option("--format", own.format, "Format of the file, whatever its name is")
         ->check(CLI::IsMember({"png", "tiff", "ppm", "raw"}));
@@ -48,6 +52,11 @@ void addGrabOptions(CLI::App& command, Options& options) {
     command.add_option("--frames", own.frames, "Frames of the memory that pictures go to, 4 if not given")
         ->type_name("N")
         ->check(CLI::Range(std::size_t{1}, mostFrames));
+    command
+        .add_option("--every", own.every,
+                    "Take one of every K pictures: those with the numbers K, 2K, 3K, ...")
+        ->type_name("K")
+        ->check(CLI::Range(std::int64_t{1}, mostPictures));
     addWaves(command, options);
 }
 
@@ -61,8 +70,7 @@ Wanted wantedFrom(const Words& words) {
     Wanted wanted{1, words};
     if (words.empty() || words.front().find('=') != std::string::npos) return wanted;
     const auto number = wholeNumber<std::int64_t>(words.front());
-    constexpr std::int64_t most = 100'000'000;
-    if (!number || *number < 1 || *number > most)
+    if (!number || *number < 1 || *number > mostPictures)
         throw UsageError(inQuotedWord(words.front()) + " is no number of pictures: 1 to 100000000");
     wanted.pictures = *number;
     wanted.assignments = behindFirst(words);
@@ -77,44 +85,30 @@ std::string flagsOf(const vboard_record& record) {
     return flags.empty() ? "-" : join(flags, ", ");
 }
 
-nlohmann::ordered_json asJson(const vboard_record& record) {
-    return {{"picture", record.picture},
-            {"tick", record.arrival},
-            {"firstLine", record.first_line},
-            {"lastLine", record.last_line},
-            {"width", record.width},
-            {"lines", record.lines},
-            {"bits", record.bits},
-            {"bytesPerLine", record.bytes_per_line},
-            {"bytes", record.size},
-            {"trigger", record.trigger},
-            {"encoder", record.encoder},
-            {"lostBefore", record.lost_before},
-            {"short", record.is_short},
-            {"narrow", record.is_narrow}};
-}
-
 /** The command at work. */
 class Grab {
 public:
     Grab(Context& context, const Words& words)
         : m_context(context)
         , m_own(context.options().of<GrabOptions>())
+        , m_file(m_own.file.value_or(""))
         , m_wanted(wantedFrom(words))
         , m_timeout(ticksFrom(m_own.timeout))
         , m_waves(wavesOf(context.options())) {
-        if (!m_own.format.empty() && m_own.file.empty())
+        if (m_own.file && m_file.empty()) throw UsageError("the name of the file is empty");
+        if (!m_own.format.empty() && m_file.empty())
             throw UsageError("--format says how -o writes, and there is no -o");
         if (isToOutput() && context.options().json)
             throw UsageError(
                 "-o - writes pictures to the standard output, and --json a document: leave one out");
+        if (isToOutput() && m_own.wantsHash)
+            throw UsageError("-o - writes pictures to the standard output, and --hash digests: leave one "
+                             "out, or write files");
         if (isToOutput())
-            m_files.emplace("-", m_own.format.empty() ? "raw" : m_own.format);
-        else if (!m_own.file.empty())
-            m_files.emplace(m_own.file, m_own.format);
-        if (m_wanted.pictures > 1 && m_files && !isToOutput() && !m_files->isNumbered())
-            throw UsageError(inQuotes(toUtf8(m_own.file.c_str())) + " is one file, and " +
-                             numberText(m_wanted.pictures) + " pictures are wanted: put a %d into its name");
+            m_files.emplace("-", m_own.format.empty() ? "raw" : m_own.format, "");
+        else if (!m_file.empty())
+            m_files.emplace(m_file, m_own.format, "say the format with --format");
+        if (m_files) m_files->expect(m_wanted.pictures);
         requireStation(context.instance(), "'grab'");
     }
 
@@ -130,18 +124,20 @@ public:
             connectWave(work.instance, wave);
         const std::vector<std::int64_t> before = lossesOf(work.instance);
         grabAll(work);
+        writePages();
         finish(work, before);
         return std::move(work.report);
     }
 
 private:
-    bool isToOutput() const { return m_own.file == "-"; }
+    bool isToOutput() const { return m_file == "-"; }
 
     void grabAll(CommandRun& work) {
         Grabber grabber(work.instance, m_own.frames);
-        for (std::int64_t number = 1; number <= m_wanted.pictures; ++number) {
+        for (std::int64_t number = 1; number <= m_wanted.pictures * m_own.every; ++number) {
             const std::int64_t lines = sourceLines(work.instance);
-            m_progress.setDetail(numberText(number) + " of " + numberText(m_wanted.pictures));
+            const Ticks from = work.instance.board().now(work.instance.device());
+            m_progress.setDetail(numberText(number) + " of " + numberText(m_wanted.pictures * m_own.every));
             const Grabber::Outcome outcome = grabber.next(m_timeout, [this] { return goesOn(); });
             if (outcome == Grabber::Outcome::interrupted) {
                 m_report->exitCode = exitInterrupted;
@@ -150,10 +146,14 @@ private:
             if (outcome == Grabber::Outcome::timeout) {
                 work.refuse("picture " + numberText(number) + " did not come within " +
                             durationText(m_timeout) + ": " +
-                            whyNoPicture(work.instance, work.parameters, sourceLines(work.instance) - lines));
+                            whyNoPicture(work.instance, work.parameters,
+                                         {.lines = sourceLines(work.instance) - lines,
+                                          .from = from,
+                                          .longer = "give a longer --timeout",
+                                          .wave = "a --wave"}));
                 return;
             }
-            if (!take(grabber.record())) return;
+            if (number % m_own.every == 0 && !take(grabber)) return;
         }
     }
 
@@ -167,10 +167,11 @@ private:
     }
 
     /** False when the standard output takes no more. */
-    bool take(const vboard_record& record) {
-        const PictureView picture = viewOf(record);
+    bool take(Grabber& grabber) {
+        const PictureView picture = m_files || m_own.wantsHash ? grabber.draw() : PictureView();
+        const vboard_record& record = grabber.record();
         if (isToOutput()) return writeAll(STDOUT_FILENO, m_files->encode(picture));
-        const std::string file = m_files ? m_files->write(picture, record.picture) : "";
+        const std::string file = m_files ? writePicture(*m_files, record) : "";
         const std::string digest = m_own.wantsHash ? sha256Of(picture) : "";
         if (m_context.options().json) {
             auto& row = m_report->document["pictures"].emplace_back(asJson(record));
@@ -187,6 +188,14 @@ private:
                             durationText(record.arrival), numberText(record.width), numberText(record.lines),
                             flagsOf(record), file.empty() ? "-" : shown});
         return true;
+    }
+
+    /** Also when only some of them came. */
+    void writePages() {
+        if (m_files && isToOutput())
+            writeAll(STDOUT_FILENO, m_files->pages());
+        else if (m_files)
+            m_files->finish();
     }
 
     void finish(CommandRun& work, const std::vector<std::int64_t>& before) {
@@ -216,6 +225,7 @@ private:
 
     Context& m_context;
     const GrabOptions m_own;
+    const std::string m_file; /**< empty: none */
     const Wanted m_wanted;
     const Ticks m_timeout;
     const std::vector<WaveRequest> m_waves;

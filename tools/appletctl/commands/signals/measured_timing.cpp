@@ -93,8 +93,11 @@ MeasuredDrawing drawingOf(const MeasuredTiming& timing) {
     const Ticks period = shownPeriod(timing);
     const auto exSync = std::ranges::find(timing.signals, "ExSync", &MeasuredSignal::name);
     const Ticks first = exSync->course.first(!exSync->isActiveLow).value_or(timing.from);
-    const Ticks from = std::max(timing.from, first - std::min(first, period));
-    MeasuredDrawing drawing{{}, microseconds(period), microseconds(shownPeriods * period)};
+    // At a multiple of the period, so that drawings of other settings have the same grid.
+    const Ticks before = (first - timing.from) / period;
+    const Ticks from = timing.from + (before > 0 ? before - 1 : 0) * period;
+    MeasuredDrawing drawing{
+        {}, microseconds(period), microseconds(shownPeriods * period), microseconds(from - timing.from)};
     for (const MeasuredSignal& signal : timing.signals)
         drawing.waves.push_back(waveOf(signal, from, drawing.end));
     return drawing;

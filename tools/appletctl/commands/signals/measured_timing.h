@@ -11,10 +11,11 @@
 
 namespace appletctl {
 
-/** What is drawn of it: some line periods, from the one before the first ExSync on. */
+/** What is drawn of it: some line periods, from one before the first ExSync on. */
 struct MeasuredDrawing {
     std::vector<Wave> waves;
     double period = 0, end = 0;
+    double origin = 0; /**< time of the station at the left end */
 };
 
 /** Lets a station run with the present values, on a copy of the board if that one has run before, and adds table and

@@ -307,14 +307,14 @@ Report showTiming(Context& context, const Words& assignments) {
         report.text += forPerson(warning + ".\n");
     for (const std::string& assumption : timing.assumed)
         report.text += forPerson("(assumed: " + assumption + ")\n");
-    MeasuredDrawing drawing{allWaves(timing), timing.settings.period, timing.end};
+    MeasuredDrawing drawing{allWaves(timing), timing.settings.period, timing.end, 0};
     if (options.isMeasured) drawing = addMeasuredTiming(report, context, connected);
     if (report.exitCode != exitDone) return report;
     const std::string words =
         options.isMeasured ? "measured on the virtual board's station" : subtitle(timing);
     writePicture(report, options.svgFile, "svg",
-                 wavesAsSvg(drawing.waves, drawing.end, drawing.period, words));
-    writePicture(report, options.vcdFile, "vcd", wavesAsVcd(drawing.waves, drawing.end));
+                 wavesAsSvg(drawing.waves, drawing.end, drawing.period, words, drawing.origin));
+    writePicture(report, options.vcdFile, "vcd", wavesAsVcd(drawing.waves, drawing.end, drawing.origin));
     return report;
 }
 

@@ -1,6 +1,11 @@
 #include "appletctl/commands/signals/wave_option.h"
 
+#include "applet_tools/base/errors.h"
+#include "applet_tools/base/text.h"
+
 #include <CLI/CLI.hpp>
+
+#include <set>
 
 namespace appletctl {
 namespace {
@@ -21,8 +26,16 @@ void addWaves(CLI::App& command, Options& options) {
 
 std::vector<WaveRequest> wavesOf(const Options& options) {
     std::vector<WaveRequest> waves;
-    for (const std::string& word : options.of<WaveOptions>().waves)
+    std::set<unsigned> inputs;
+    const auto take = [&](unsigned input, const std::string& word) {
+        if (!inputs.insert(input).second)
+            throw UsageError("--wave " + inQuotedWord(word) + ": an input of it has a wave already");
+    };
+    for (const std::string& word : options.of<WaveOptions>().waves) {
         waves.push_back(parseWave(word));
+        take(waves.back().input, word);
+        if (const auto* encoder = std::get_if<EncoderWave>(&waves.back().wave)) take(encoder->second, word);
+    }
     return waves;
 }
 

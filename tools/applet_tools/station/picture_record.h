@@ -1,0 +1,22 @@
+/** The record of a picture, as JSON. */
+#ifndef APPLET_TOOLS_STATION_PICTURE_RECORD_H
+#define APPLET_TOOLS_STATION_PICTURE_RECORD_H
+
+#include "applet_tools/pictures/formats.h"
+#include "applet_tools/station/Grabber.h"
+
+#include <nlohmann/json.hpp>
+
+#include <string>
+
+namespace applet_tools {
+
+nlohmann::ordered_json asJson(const vboard_record& record);
+
+/** Writes the picture that was drawn; beside a raw file also its record, in a file with ".json" behind its name: raw bytes
+ *  do not say what they are. Gives the name of the picture's file. Throws Failure. */
+std::string writePicture(PictureFiles& files, const vboard_record& record);
+
+} // namespace applet_tools
+
+#endif
