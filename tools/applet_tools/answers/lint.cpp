@@ -27,11 +27,12 @@ namespace {
 /** The state that is looked at, and what was found so far. */
 class State {
 public:
-    /** `goBack` brings the session back to the state. `refused` are the parameters with a value that the load of a
-     *  file has stored although it was refused. */
-    State(ScratchSession& session, std::function<void()> goBack, Words refused)
+    /** `goBack` brings the session back to the state. `refused` are the parameters with a value that the load of `file`
+     *  has stored although it was refused; without a file its name is empty. */
+    State(ScratchSession& session, std::function<void()> goBack, std::string file, Words refused)
         : m_session(session)
         , m_goBack(std::move(goBack))
+        , m_file(std::move(file))
         , m_refused(std::move(refused)) {}
 
     ScratchSession& session() { return m_session; }
@@ -64,6 +65,9 @@ public:
     bool isRefused(const std::string& name) const {
         return std::ranges::find(m_refused, name) != m_refused.end();
     }
+
+    /** " --from FILE": what a further command needs to look at the same state; empty without a file. */
+    std::string fromFile() const { return m_file.empty() ? "" : " --from " + asShellWord(m_file); }
 
     void add(const char* rule, const Words& names, const std::string& why, const std::string& advice) {
         add(rule, names, textsOf(names), valuesOf(names), why, advice);
@@ -140,7 +144,7 @@ private:
         if (probe.answer(target, proposal.wanted) != FG_OK)
             accepted = nearestAccepted(probe, target, proposal.wanted);
         if (!accepted || probe.answer(target, *accepted) != FG_OK)
-            return "'appletctl limits " + proposal.name + "' tells what is accepted";
+            return "'appletctl limits " + proposal.name + fromFile() + "' tells what is accepted";
         return "Set " + proposal.name + "=" + valueText(*target.parameter, *accepted) + proposal.orElse;
     }
 
@@ -148,6 +152,7 @@ private:
     std::function<void()> m_goBack;
     std::vector<LintFinding> m_findings;
     std::vector<Proposal> m_proposals;
+    std::string m_file;
     Words m_refused;
 };
 
@@ -434,7 +439,7 @@ void withoutEffect(State& state) {
                           ? "The value was changed and has no effect in the present mode, in which the "
                             "parameter is read-only"
                           : "The value was changed, and the board receives the same as for the default",
-                      "'appletctl why " + parameter.name + "' says what prevents it");
+                      "'appletctl why " + parameter.name + state.fromFile() + "' says what prevents it");
         }
     }
     if (simulator.empty()) return;
@@ -534,7 +539,7 @@ Lint lint(ScratchSession& session, const std::string& file) {
         outcome = tryLoad(session, file);
         goBack();
     }
-    State state(session, goBack, keptNames(outcome));
+    State state(session, goBack, file, keptNames(outcome));
     for (const Rule rule : rules)
         rule(state);
     if (!file.empty()) addLosses(state, outcome, file);

@@ -109,6 +109,13 @@ std::string inQuotedWord(std::string_view word) {
     return "'" + shortened(printable(word), mostBytes) + "'";
 }
 
+std::string asShellWord(std::string_view word) {
+    constexpr std::string_view plain =
+        "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-./+,:@%=";
+    const bool isPlain = !word.empty() && word.find_first_not_of(plain) == std::string_view::npos;
+    return isPlain ? std::string(word) : inQuotes(toUtf8(std::string(word).c_str()));
+}
+
 std::string lowerCase(std::string_view text) {
     std::string lower(text);
     for (char& c : lower)

@@ -28,6 +28,9 @@ std::string shortened(const std::string& text, std::size_t mostBytes);
 /** A word that the user has typed, printable, in single quotes; of a very long one the beginning. */
 std::string inQuotedWord(std::string_view word);
 
+/** The word as a shell takes it: in double quotes where it holds a blank or another character with a meaning. */
+std::string asShellWord(std::string_view word);
+
 std::string lowerCase(std::string_view text);
 
 std::string join(const std::vector<std::string>& parts, std::string_view separator);
