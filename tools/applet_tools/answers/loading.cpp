@@ -225,31 +225,53 @@ void addReached(ScratchSession& session, const ConfigurationFile& asked, const C
     finding.message += "; the board has got it all the same: " + join(words, ", ");
 }
 
-/** Adds to the first refusals what sets the limit, the nearest value and the ways out, in the state after the load. */
+/** A refused value of the file with its place in the findings. */
+struct RefusedValue {
+    Finding* finding;
+    Assignment assignment;
+};
+
+/** Those for which a cause can be looked for. */
+std::vector<RefusedValue> refusedValues(const ScratchSession& session, const ConfigurationFile& asked,
+                                        std::vector<Finding>& findings) {
+    std::vector<RefusedValue> refused;
+    for (Finding& finding : findings) {
+        if (!isRefusal(finding) || asked.values().find(finding.key) == nullptr) continue;
+        const Parameter& parameter = session.parameters().find(finding.key);
+        const std::string text = asked.value(finding.key).value_or("");
+        const auto value = valueInFile(parameter, text);
+        if (value && parameter.kind() != REGISTER_KIND_STRING)
+            refused.push_back({&finding, {{&parameter}, text, *value}});
+    }
+    return refused;
+}
+
+/** Adds to the first refusals what sets the limit, the nearest value and the ways out, in the state after the load; to
+ *  the others the command that answers it. */
 void addCauses(ScratchSession& session, const std::string& file, const ConfigurationFile& asked,
                std::vector<Finding>& findings) {
-    constexpr std::size_t most = 5; // each takes many trials
-    std::vector<Finding*> refused;
-    for (Finding& finding : findings)
-        if (isRefusal(finding) && asked.values().find(finding.key) != nullptr && refused.size() < most)
-            refused.push_back(&finding);
-    if (refused.empty()) return;
+    if (std::ranges::none_of(findings, isRefusal)) return;
     session.rewind();
     loadConfiguration(session.instance(), file);
     session.keep();
+    constexpr std::size_t most = 5; // each takes many trials
+    const std::vector<RefusedValue> refused = refusedValues(session, asked, findings);
+    if (refused.empty()) return;
     std::vector<Assignment> assignments;
-    std::erase_if(refused, [&](const Finding* finding) {
-        const Parameter& parameter = session.parameters().find(finding->key);
-        const std::string text = asked.value(finding->key).value_or("");
-        const auto value = valueInFile(parameter, text);
-        if (!value || parameter.kind() == REGISTER_KIND_STRING) return true;
-        assignments.push_back({{&parameter}, text, *value});
-        return false;
-    });
+    for (std::size_t i = 0; i < refused.size(); ++i) {
+        const auto& [finding, assignment] = refused[i];
+        if (i < most)
+            assignments.push_back(assignment);
+        else
+            finding->message += "; the cause was looked for with the first " + numberText(most) +
+                                " refused values only, so ask 'appletctl why " + finding->key + "=" +
+                                exactValueText(*assignment.target.parameter, assignment.value) + " --from " +
+                                asShellWord(file) + "'";
+    }
     Probe probe(session);
     const std::vector<Suggestion> suggestions = suggestionsFor(probe, assignments);
-    for (std::size_t i = 0; i < refused.size(); ++i)
-        refused[i]->message += suggestions[i].words;
+    for (std::size_t i = 0; i < suggestions.size(); ++i)
+        refused[i].finding->message += suggestions[i].words;
 }
 
 /** Why nothing of the file was loaded; nothing if something was. */
