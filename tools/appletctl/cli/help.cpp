@@ -363,8 +363,14 @@ std::string usageError(const CLI::App& program, const CLI::App& app, const CLI::
     if (!unknown.empty()) {
         const std::string& word = unknown.front();
         if (word.size() > 1 && word.starts_with('-')) {
-            const std::string nearest = nearestOption(app, word.substr(0, word.find('=')));
-            return "there is no option " + inQuotedWord(word.substr(0, word.find('='))) +
+            const std::string option = word.substr(0, word.find('='));
+            const Command* command = commandOf(app);
+            if (command != nullptr &&
+                app.get_option_no_throw(option) != nullptr) // unknown in front of it only
+                return inQuotedWord(option) + " is an option of " + argumentName(*command) +
+                       ": give it behind the command";
+            const std::string nearest = nearestOption(app, option);
+            return "there is no option " + inQuotedWord(option) +
                    (nearest.empty() ? seeHelp(name) : "; did you mean '" + nearest + "'?");
         }
         const Command* command = commandOf(app);
