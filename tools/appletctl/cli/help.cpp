@@ -290,15 +290,35 @@ std::string helpText(const HelpPage& page) {
            hanging("", "'" + name + " COMMAND --help' shows examples and options of a command.", 0);
 }
 
+namespace {
+
+struct ShellWord {
+    Words words;
+    const char *shown, *help;
+};
+
+const ShellWord shellWords[] = {
+    {{"undo"}, "undo", "Take back what the last command that changed something has changed"},
+    {{"help"}, "help [COMMAND]", "This list, or examples and options of a command"},
+    {{"exit", "quit"}, "exit, quit", "End the shell; so does the end of the input"},
+};
+
+} // namespace
+
+std::string shellWordHelp(const std::string& word) {
+    for (const ShellWord& one : shellWords)
+        if (std::ranges::find(one.words, word) != one.words.end()) return entry(one.shown, one.help);
+    return "";
+}
+
 std::string shellHelp() {
     std::string text = "Each line is a command with its words, on one board:\n\n";
     for (const Command* command : allCommands())
         if (command->kind != Command::Kind::session && !isHidden(*command))
             text += entry(fullName(*command), command->help);
     text += "\nOf the shell itself:\n";
-    text += entry("undo", "Take back what the last command that changed something has changed");
-    text += entry("help [COMMAND]", "This list, or examples and options of a command");
-    text += entry("exit, quit", "End the shell; so does the end of the input");
+    for (const ShellWord& one : shellWords)
+        text += entry(one.shown, one.help);
     return text + '\n' + hanging("", accessWords, 0);
 }
 
