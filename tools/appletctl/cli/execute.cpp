@@ -71,6 +71,9 @@ void requireAgreement(const Request& request) {
     if (options.board == BoardKind::virtualBoard && !options.bridge.empty())
         throw UsageError(
             "--bridge opens a board of the system, and this is a virtual one: give --board system as well");
+    if (options.board == BoardKind::system && options.offline)
+        throw UsageError(
+            "--board system opens the board and --offline does without one: leave one of them out");
     if (!isProtected(options) || !setsSomething(request)) return;
     const std::string name = "'" + nameOf(request) + "'";
     if (options.look)
