@@ -139,9 +139,14 @@ std::string expectExit(ScenarioRunner& station, const Step& step) {
 
 // ---- Steps that do something to the virtual board.
 
+/** The access 0 with the code 0 ends the failures; either alone would fail nothing. */
 void checkFailAccess(const Words& words) {
-    wholeFrom<unsigned>(words[0]);
-    codeOf(words[1]);
+    const bool isNone = wholeFrom<unsigned>(words[0]) == 0;
+    const bool isSuccess = codeOf(words[1]) == FG_OK;
+    if (isNone != isSuccess)
+        throw UsageError((isNone ? "accesses are counted from 1, so none would fail"
+                                 : "the code 0 is that of success, so the access would not fail") +
+                         std::string("; 'fail access 0 0' ends the failures"));
     if (words.size() > 2) checkOneOf(words[2], {"once", "always"});
 }
 
