@@ -137,6 +137,7 @@ const CLI::App& programOf(const CLI::App& app) {
 std::string usageOf(const CLI::App& app, const Command* command) {
     std::string line = fullNameOf(app) + " [OPTIONS]";
     if (command == nullptr) return line + " COMMAND ...";
+    if (command->form != nullptr) return line + ' ' + command->form;
     if (command->argument == nullptr) return line;
     const std::string word = command->argument;
     const bool isOptional = command->fewest == 0 && command->kind != Command::Kind::prefix;
