@@ -32,6 +32,14 @@ std::string headerTrouble(const ConfigurationFile& asked, FileKeys& keys) {
     return missing.empty() ? "" : "its header lacks " + join(missing, ", ");
 }
 
+/** The value that a load makes of the text, and the text where that has another sign. */
+std::string askedText(const Parameter& parameter, const std::string& text) {
+    const std::string value = fileValueText(parameter, text);
+    const bool isUnlike = parameter.kind() == REGISTER_KIND_UINT && text.starts_with('-') &&
+                          valueInFile(parameter, text).has_value();
+    return isUnlike ? value + " (" + text + " in the file)" : value;
+}
+
 /** Judges the values of a file one by one, on the board where it was loaded. */
 class Judge {
 public:
@@ -48,22 +56,22 @@ public:
         const Parameter& wanted = m_session.parameters().find(key);
         const std::string is = m_state.value(key).value_or("");
         const bool isKept = isSameValue(wanted, asked, is);
-        const std::string change = key + ": the file has " + fileValueText(wanted, asked) +
+        const std::string change = key + ": the file has " + askedText(wanted, asked) +
                                    ", after the load it is " + fileValueText(wanted, is);
         const std::optional<Value> value = valueInFile(wanted, asked);
         if (!value && !isKept)
             return Finding{"unreadable", key, change + ": a load reads decimal numbers with a point"};
         if (!value && wanted.kind() == REGISTER_KIND_DOUBLE)
             return Finding{"unreadable", key,
-                           key + ": the file has " + fileValueText(wanted, asked) +
+                           key + ": the file has " + askedText(wanted, asked) +
                                ", which is no number; no limit stops it, so the board receives it"};
         if (!value || isComputed(wanted, line)) return std::nullopt;
         const int code = writeValue(m_session.instance(), {&wanted}, *value);
-        if (code != FG_OK) return refusal(wanted, *value, code, isKept ? "" : change);
+        if (code != FG_OK) return refusal(wanted, asked, *value, code, isKept ? "" : change);
         if (isKept && !nearestStep(wanted, *value)) return std::nullopt;
         if (isKept)
             return Finding{"rounded", key,
-                           key + ": the file has " + fileValueText(wanted, asked) +
+                           key + ": the file has " + askedText(wanted, asked) +
                                requestedAndActual(wanted, *value, *value),
                            false};
         if (const auto taken = valueInFile(wanted, is); taken && areNeighbours(wanted, *value, *taken))
@@ -100,12 +108,13 @@ private:
     }
 
     /** `change` is empty for a value that reads back although it was refused. */
-    Finding refusal(const Parameter& parameter, const Value& value, int code, const std::string& change) {
+    Finding refusal(const Parameter& parameter, const std::string& asked, const Value& value, int code,
+                    const std::string& change) {
         const std::string why = refusalInWords(parameter, value, code);
         if (!change.empty()) return {"refused", parameter.name, change + ": refused: " + why};
         return {
             "kept", parameter.name,
-            parameter.name + ": " + valueWithUnit(parameter, value) + " was refused: " + why +
+            parameter.name + ": " + askedText(parameter, asked) + " was refused: " + why +
                 "; it reads back all the same" +
                 (std::exchange(m_isExplained, true) ? "" : ", and setters of other parameters work with it")};
     }
