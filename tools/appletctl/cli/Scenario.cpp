@@ -255,17 +255,21 @@ Words nearestKinds(const Words& words) {
     return nearest;
 }
 
+/** Adds to what is wrong where the steps are listed. */
+std::string withSteps(const std::string& why) {
+    return why + (why.ends_with('?') ? " See" : "; see") + " 'appletctl run --help'";
+}
+
 /** The kind that the words begin with; null for a command. Throws UsageError for half of one. */
 const StepKind* kindOf(const Words& words) {
-    Words possible;
+    bool isHalf = false;
     for (const StepKind& kind : kinds) {
         if (beginsWith(words, kind)) return &kind;
-        if (std::string_view(kind.name).starts_with(words.front() + " "))
-            possible.push_back("'" + usageOf(kind) + "'");
+        isHalf |= std::string_view(kind.name).starts_with(words.front() + " ");
     }
-    if (possible.empty()) return nullptr;
-    throw UsageError("the words behind " + inQuotedWord(words.front()) + " are not known" +
-                     didYouMean(nearestKinds(words)) + "; possible are " + join(possible, ", "));
+    if (!isHalf) return nullptr;
+    throw UsageError(withSteps("the words behind " + inQuotedWord(words.front()) + " are not known" +
+                               didYouMean(nearestKinds(words))));
 }
 
 Request requestOf(const Words& words, Options options) {
@@ -273,15 +277,11 @@ Request requestOf(const Words& words, Options options) {
     options.json = false;
     Request request = parseLine(words, options);
     if (request.command != nullptr) return request;
-    Words names;
-    for (const StepKind& kind : kinds)
-        names.push_back("'" + usageOf(kind) + "'");
     const std::string why =
         request.outcome.problems.empty() ? "this asks for help" : request.outcome.problems.front();
     const std::string near = didYouMean(nearestKinds(words));
     throw UsageError(
-        (near.empty() ? why : "there is no step or command " + inQuotedWord(words.front()) + near) +
-        "; a step is a command, or one of " + join(names, ", "));
+        withSteps(near.empty() ? why : "there is no step or command " + inQuotedWord(words.front()) + near));
 }
 
 Step parseStep(const std::string& text, const WordLine& line, const Options& options) {
