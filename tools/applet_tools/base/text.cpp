@@ -177,6 +177,41 @@ std::vector<std::string> nearestWords(std::string_view word, const std::vector<s
     return words;
 }
 
+namespace {
+
+/** The least editDistance between the word and any part of the text. */
+std::size_t distanceToPart(std::string_view word, std::string_view text) {
+    std::vector<std::size_t> row(text.size() + 1); // a part may begin anywhere
+    for (std::size_t i = 0; i < word.size(); ++i) {
+        std::size_t diagonal = row[0];
+        row[0] = i + 1;
+        for (std::size_t k = 0; k < text.size(); ++k) {
+            const std::size_t replaced = diagonal + (word[i] == text[k] ? 0 : 1);
+            diagonal = row[k + 1];
+            row[k + 1] = std::min({replaced, row[k] + 1, row[k + 1] + 1});
+        }
+    }
+    return *std::ranges::min_element(row);
+}
+
+} // namespace
+
+std::vector<std::string> nearestParts(std::string_view word, const std::vector<std::string>& candidates) {
+    constexpr std::size_t farthest = 2, mostWords = 3, lettersOfOne = 4;
+    const std::string wanted = lowerCase(word);
+    std::size_t least = std::min(farthest, wanted.size() / lettersOfOne);
+    if (least == 0) return {};
+    std::vector<std::string> near;
+    for (const std::string& candidate : candidates) {
+        const std::size_t distance = distanceToPart(wanted, lowerCase(candidate));
+        if (distance > least) continue;
+        if (distance < least) near.clear();
+        least = distance;
+        if (near.size() < mostWords) near.push_back(candidate);
+    }
+    return near;
+}
+
 std::string didYouMean(const std::vector<std::string>& names) {
     return names.empty() ? "" : "; did you mean " + join(names, " or ") + "?";
 }

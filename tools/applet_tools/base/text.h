@@ -43,6 +43,9 @@ std::size_t editDistance(std::string_view a, std::string_view b);
  *  "FG_" do not count; a part of a candidate is near to it. */
 std::vector<std::string> nearestWords(std::string_view word, const std::vector<std::string>& candidates);
 
+/** The candidates that hold a part that is nearest to the word, at most three: a misspelt part of a name. */
+std::vector<std::string> nearestParts(std::string_view word, const std::vector<std::string>& candidates);
+
 /** "; did you mean A or B?"; empty without names. */
 std::string didYouMean(const std::vector<std::string>& names);
 
