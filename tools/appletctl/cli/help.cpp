@@ -222,6 +222,14 @@ std::string nearestOption(const CLI::App& app, const std::string& word) {
     return nearest;
 }
 
+Words splitAtCommas(const std::string& text) {
+    Words values;
+    std::istringstream list(text);
+    for (std::string value; std::getline(list, value, ',');)
+        values.push_back(value);
+    return values;
+}
+
 const CommandGroup* groupNamed(const std::string& name) {
     for (const Command* command : allCommands())
         if (command->group != nullptr && command->group->name == name) return command->group;
@@ -243,11 +251,7 @@ std::vector<std::string> choicesOf(const CLI::Option& option) {
     const std::string type = option.get_type_name();
     const std::size_t begin = type.find('{'), end = type.find('}');
     if (begin == std::string::npos || end == std::string::npos) return {};
-    std::vector<std::string> values;
-    std::istringstream list(type.substr(begin + 1, end - begin - 1));
-    for (std::string value; std::getline(list, value, ',');)
-        values.push_back(value);
-    return values;
+    return splitAtCommas(type.substr(begin + 1, end - begin - 1));
 }
 
 HelpPage helpPageOf(const CLI::App& app) {
@@ -348,6 +352,16 @@ std::string between(const std::string& text, const std::string& from, const std:
     return end == std::string::npos ? "" : text.substr(begin + from.size(), end - begin - from.size());
 }
 
+/** The choices of an option, which are short words, that differ from the word by a letter or two. */
+Words misspelt(const std::string& word, const Words& choices) {
+    constexpr std::size_t lettersOfOne = 4;
+    const std::size_t farthest = std::max<std::size_t>(1, word.size() / lettersOfOne);
+    Words near;
+    for (const std::string& choice : choices)
+        if (!word.empty() && editDistance(word, choice) <= farthest) near.push_back(choice);
+    return near;
+}
+
 /** What is wrong with the value of an option, in words of this program; empty for what is not known. The text is
  *  "--interval: Value 0 not in range 1 to 86400000" or the like. */
 std::string optionError(const CLI::ParseError& error) {
@@ -363,9 +377,11 @@ std::string optionError(const CLI::ParseError& error) {
     if (behind.find(" not in {") != std::string::npos) {
         const std::string word = between(behind, " ", " not in {");
         std::string choices = between(behind, "{", "}");
+        const Words known = splitAtCommas(choices);
         for (std::size_t comma = 0; (comma = choices.find(',', comma)) != std::string::npos; ++comma)
             choices.insert(comma + 1, " ");
-        return option + " takes one of " + choices + ", and " + inQuotedWord(word) + " is none";
+        return option + " takes one of " + choices + ", and " + inQuotedWord(word) + " is none" +
+               didYouMean(misspelt(word, known));
     }
     const std::string outside = " not in range ";
     if (const std::size_t place = behind.find(outside); place != std::string::npos)
@@ -406,6 +422,7 @@ std::string usageError(const CLI::App& program, const CLI::App& app, const CLI::
                inQuotedWord(word) + seeHelp(name);
     }
     const std::string own = optionError(error);
+    if (own.ends_with('?')) return own; // the answer is there
     return (own.empty() ? printable(error.what()) : own) + seeHelp(name);
 }
 
