@@ -14,6 +14,7 @@
 #include "appletctl/commands/assignment_report.h"
 
 #include <algorithm>
+#include <limits>
 #include <sstream>
 
 namespace appletctl {
@@ -104,12 +105,24 @@ void checkEvent(const Words& words) {
     numberFrom(words[2]);
 }
 
+Words eventNames(Instance& instance) {
+    Words names;
+    for (int bit = 0; bit < std::numeric_limits<std::uint64_t>::digits; ++bit)
+        if (const char* name = instance.applet().Fg_getEventName(instance.fg(), std::uint64_t{1} << bit))
+            names.push_back(toUtf8(name));
+    return names;
+}
+
 std::uint64_t eventMask(ScenarioRunner& station, const std::string& name) {
     station.board();
     Instance& instance = station.instance();
     const std::uint64_t mask = instance.applet().Fg_getEventMask(instance.fg(), name.c_str());
     if (mask != 0) return mask;
-    throw UsageError("there is no event " + inQuotedWord(name) + ": 'appletctl events' shows them");
+    const Words names = eventNames(instance);
+    Words near = nearestWords(name, names);
+    if (near.empty()) near = nearestParts(name, names);
+    throw UsageError("there is no event " + inQuotedWord(name) +
+                     (near.empty() ? "; 'appletctl events' shows them" : didYouMean(near)));
 }
 
 void lookAtEvent(ScenarioRunner& station, const Step& step) { eventMask(station, step.words[0]); }
