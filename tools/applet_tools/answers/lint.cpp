@@ -27,10 +27,13 @@ namespace {
 /** The state that is looked at, and what was found so far. */
 class State {
 public:
-    /** `goBack` brings the session back to the state. */
-    State(ScratchSession& session, std::function<void()> goBack)
+    /** `goBack` brings the session back to the state. `refused` are the parameters with a value that the load of `file`
+     *  has stored although it was refused; without a file its name is empty. */
+    State(ScratchSession& session, std::function<void()> goBack, std::string file, Words refused)
         : m_session(session)
-        , m_goBack(std::move(goBack)) {}
+        , m_goBack(std::move(goBack))
+        , m_file(std::move(file))
+        , m_refused(std::move(refused)) {}
 
     ScratchSession& session() { return m_session; }
     const ParameterList& parameters() const { return m_session.parameters(); }
@@ -58,17 +61,27 @@ public:
         return std::fabs(now.get<double>() - before) > tolerance * std::fabs(before);
     }
 
+    /** True for a value that the load of the file has refused, and that reads back all the same. */
+    bool isRefused(const std::string& name) const {
+        return std::ranges::find(m_refused, name) != m_refused.end();
+    }
+
+    /** " --from FILE": what a further command needs to look at the same state; empty without a file. */
+    std::string fromFile() const { return m_file.empty() ? "" : " --from " + asShellWord(m_file); }
+
     void add(const char* rule, const Words& names, const std::string& why, const std::string& advice) {
         add(rule, names, textsOf(names), valuesOf(names), why, advice);
     }
     /** `texts` for a person, `values` the same as objects with at least a name. */
     void add(const char* rule, const Words& names, const Words& texts, const json& values,
              const std::string& why, const std::string& advice) {
+        if (isAboutRefused(rule, names)) return;
         m_findings.push_back({rule, names, texts, values, why, advice});
     }
     /** Advises to set the first of the names to `wanted`, or to the value nearest to it that its setter takes. */
     void propose(const char* rule, const Words& names, const Words& texts, const json& values,
                  const std::string& why, const Value& wanted, const std::string& orElse = "") {
+        if (isAboutRefused(rule, names)) return;
         m_proposals.push_back({m_findings.size(), names.front(), wanted, orElse});
         add(rule, names, texts, values, why, "");
     }
@@ -102,6 +115,12 @@ private:
         std::string orElse;
     };
 
+    /** A refused value is a matter of the limits alone: what other rules say of it would hide that. */
+    bool isAboutRefused(std::string_view rule, const Words& names) const {
+        if (rule == "limits" || rule == "load") return false;
+        return std::ranges::any_of(names, [this](const std::string& name) { return isRefused(name); });
+    }
+
     Words textsOf(const Words& names) {
         Words texts;
         for (const std::string& name : names)
@@ -125,7 +144,7 @@ private:
         if (probe.answer(target, proposal.wanted) != FG_OK)
             accepted = nearestAccepted(probe, target, proposal.wanted);
         if (!accepted || probe.answer(target, *accepted) != FG_OK)
-            return "'appletctl limits " + proposal.name + "' tells what is accepted";
+            return "'appletctl limits " + proposal.name + fromFile() + "' tells what is accepted";
         return "Set " + proposal.name + "=" + valueText(*target.parameter, *accepted) + proposal.orElse;
     }
 
@@ -133,6 +152,8 @@ private:
     std::function<void()> m_goBack;
     std::vector<LintFinding> m_findings;
     std::vector<Proposal> m_proposals;
+    std::string m_file;
+    Words m_refused;
 };
 
 bool isGrabberControlled(State& state) {
@@ -186,6 +207,11 @@ void refusedIfSetAgain(State& state) {
             state.propose("limits", {parameter.name},
                           "The value is no number. No limit stops it, so the board receives it",
                           fromMessage({&parameter}, state.session().defaults().at(parameter.name)));
+        else if (state.isRefused(parameter.name) && code != FG_OK)
+            state.propose("limits", {parameter.name},
+                          "The load of the file refuses the value: " +
+                              refusalInWords(parameter, value, code) + ". It reads back all the same",
+                          value);
         else if (code != FG_OK && code != FG_ERR_NOT_AVAILABLE)
             state.propose(
                 "limits", {parameter.name},
@@ -418,7 +444,7 @@ void withoutEffect(State& state) {
                           ? "The value was changed and has no effect in the present mode, in which the "
                             "parameter is read-only"
                           : "The value was changed, and the board receives the same as for the default",
-                      "'appletctl why " + parameter.name + "' says what prevents it");
+                      "'appletctl why " + parameter.name + state.fromFile() + "' says what prevents it");
         }
     }
     if (simulator.empty()) return;
@@ -447,6 +473,14 @@ LoadOutcome tryLoad(ScratchSession& session, const std::string& file) {
         throw UsageError(inQuotes(toUtf8(file.c_str())) +
                          " cannot be loaded: it must exist, and .mcf must be part of its name");
     return outcome;
+}
+
+/** The parameters with values that the load has refused and that read back all the same. */
+Words keptNames(const LoadOutcome& outcome) {
+    Words names;
+    for (const Finding& finding : outcome.findings)
+        if (finding.kind == "kept") names.push_back(finding.key);
+    return names;
 }
 
 /** Many missing keys in one finding; false where they are few. */
@@ -510,7 +544,7 @@ Lint lint(ScratchSession& session, const std::string& file) {
         outcome = tryLoad(session, file);
         goBack();
     }
-    State state(session, goBack);
+    State state(session, goBack, file, keptNames(outcome));
     for (const Rule rule : rules)
         rule(state);
     if (!file.empty()) addLosses(state, outcome, file);

@@ -32,6 +32,14 @@ std::string headerTrouble(const ConfigurationFile& asked, FileKeys& keys) {
     return missing.empty() ? "" : "its header lacks " + join(missing, ", ");
 }
 
+/** The value that a load makes of the text, and the text where that has another sign. */
+std::string askedText(const Parameter& parameter, const std::string& text) {
+    const std::string value = fileValueText(parameter, text);
+    const bool isUnlike = parameter.kind() == REGISTER_KIND_UINT && text.starts_with('-') &&
+                          valueInFile(parameter, text).has_value();
+    return isUnlike ? value + " (" + text + " in the file)" : value;
+}
+
 /** Judges the values of a file one by one, on the board where it was loaded. */
 class Judge {
 public:
@@ -48,22 +56,22 @@ public:
         const Parameter& wanted = m_session.parameters().find(key);
         const std::string is = m_state.value(key).value_or("");
         const bool isKept = isSameValue(wanted, asked, is);
-        const std::string change = key + ": the file has " + fileValueText(wanted, asked) +
+        const std::string change = key + ": the file has " + askedText(wanted, asked) +
                                    ", after the load it is " + fileValueText(wanted, is);
         const std::optional<Value> value = valueInFile(wanted, asked);
         if (!value && !isKept)
             return Finding{"unreadable", key, change + ": a load reads decimal numbers with a point"};
         if (!value && wanted.kind() == REGISTER_KIND_DOUBLE)
             return Finding{"unreadable", key,
-                           key + ": the file has " + fileValueText(wanted, asked) +
+                           key + ": the file has " + askedText(wanted, asked) +
                                ", which is no number; no limit stops it, so the board receives it"};
         if (!value || isComputed(wanted, line)) return std::nullopt;
         const int code = writeValue(m_session.instance(), {&wanted}, *value);
-        if (code != FG_OK) return refusal(wanted, *value, code, isKept ? "" : change);
+        if (code != FG_OK) return refusal(wanted, asked, *value, code, isKept ? "" : change);
         if (isKept && !nearestStep(wanted, *value)) return std::nullopt;
         if (isKept)
             return Finding{"rounded", key,
-                           key + ": the file has " + fileValueText(wanted, asked) +
+                           key + ": the file has " + askedText(wanted, asked) +
                                requestedAndActual(wanted, *value, *value),
                            false};
         if (const auto taken = valueInFile(wanted, is); taken && areNeighbours(wanted, *value, *taken))
@@ -100,12 +108,13 @@ private:
     }
 
     /** `change` is empty for a value that reads back although it was refused. */
-    Finding refusal(const Parameter& parameter, const Value& value, int code, const std::string& change) {
+    Finding refusal(const Parameter& parameter, const std::string& asked, const Value& value, int code,
+                    const std::string& change) {
         const std::string why = refusalInWords(parameter, value, code);
         if (!change.empty()) return {"refused", parameter.name, change + ": refused: " + why};
         return {
             "kept", parameter.name,
-            parameter.name + ": " + valueWithUnit(parameter, value) + " was refused: " + why +
+            parameter.name + ": " + askedText(parameter, asked) + " was refused: " + why +
                 "; it reads back all the same" +
                 (std::exchange(m_isExplained, true) ? "" : ", and setters of other parameters work with it")};
     }
@@ -226,31 +235,53 @@ void addReached(ScratchSession& session, const ConfigurationFile& asked, const C
     finding.message += "; the board has got it all the same: " + join(words, ", ");
 }
 
-/** Adds to the first refusals what sets the limit, the nearest value and the ways out, in the state after the load. */
+/** A refused value of the file with its place in the findings. */
+struct RefusedValue {
+    Finding* finding;
+    Assignment assignment;
+};
+
+/** Those for which a cause can be looked for. */
+std::vector<RefusedValue> refusedValues(const ScratchSession& session, const ConfigurationFile& asked,
+                                        std::vector<Finding>& findings) {
+    std::vector<RefusedValue> refused;
+    for (Finding& finding : findings) {
+        if (!isRefusal(finding) || asked.values().find(finding.key) == nullptr) continue;
+        const Parameter& parameter = session.parameters().find(finding.key);
+        const std::string text = asked.value(finding.key).value_or("");
+        const auto value = valueInFile(parameter, text);
+        if (value && parameter.kind() != REGISTER_KIND_STRING)
+            refused.push_back({&finding, {{&parameter}, text, *value}});
+    }
+    return refused;
+}
+
+/** Adds to the first refusals what sets the limit, the nearest value and the ways out, in the state after the load; to
+ *  the others the command that answers it. */
 void addCauses(ScratchSession& session, const std::string& file, const ConfigurationFile& asked,
                std::vector<Finding>& findings) {
-    constexpr std::size_t most = 5; // each takes many trials
-    std::vector<Finding*> refused;
-    for (Finding& finding : findings)
-        if (isRefusal(finding) && asked.values().find(finding.key) != nullptr && refused.size() < most)
-            refused.push_back(&finding);
-    if (refused.empty()) return;
+    if (std::ranges::none_of(findings, isRefusal)) return;
     session.rewind();
     loadConfiguration(session.instance(), file);
     session.keep();
+    constexpr std::size_t most = 5; // each takes many trials
+    const std::vector<RefusedValue> refused = refusedValues(session, asked, findings);
+    if (refused.empty()) return;
     std::vector<Assignment> assignments;
-    std::erase_if(refused, [&](const Finding* finding) {
-        const Parameter& parameter = session.parameters().find(finding->key);
-        const std::string text = asked.value(finding->key).value_or("");
-        const auto value = valueInFile(parameter, text);
-        if (!value || parameter.kind() == REGISTER_KIND_STRING) return true;
-        assignments.push_back({{&parameter}, text, *value});
-        return false;
-    });
+    for (std::size_t i = 0; i < refused.size(); ++i) {
+        const auto& [finding, assignment] = refused[i];
+        if (i < most)
+            assignments.push_back(assignment);
+        else
+            finding->message += "; the cause was looked for with the first " + numberText(most) +
+                                " refused values only, so ask 'appletctl why " + finding->key + "=" +
+                                exactValueText(*assignment.target.parameter, assignment.value) + " --from " +
+                                asShellWord(file) + "'";
+    }
     Probe probe(session);
     const std::vector<Suggestion> suggestions = suggestionsFor(probe, assignments);
-    for (std::size_t i = 0; i < refused.size(); ++i)
-        refused[i]->message += suggestions[i].words;
+    for (std::size_t i = 0; i < suggestions.size(); ++i)
+        refused[i].finding->message += suggestions[i].words;
 }
 
 /** Why nothing of the file was loaded; nothing if something was. */

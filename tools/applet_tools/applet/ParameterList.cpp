@@ -156,6 +156,15 @@ std::vector<const Parameter*> ParameterList::matching(const std::string& pattern
     return found;
 }
 
+std::string ParameterList::suggestedGroups(const std::string& label) const {
+    std::vector<std::string> groups;
+    for (const Parameter& parameter : m_parameters)
+        for (const std::string& group : parameter.groups)
+            if (std::ranges::find(groups, group) == groups.end()) groups.push_back(group);
+    const std::string near = label.empty() ? "" : didYouMean(nearestWords(label, groups));
+    return near.empty() ? "; 'appletctl list' shows the groups" : near;
+}
+
 std::vector<const Parameter*> ParameterList::inGroup(const std::string& label) const {
     const std::string wanted = lowerCase(label);
     const auto isLabelled = [&](const Parameter& parameter) {
@@ -170,16 +179,23 @@ std::vector<const Parameter*> ParameterList::inGroup(const std::string& label) c
         if (isLabelled(parameter)) labelled.push_back(&parameter);
         if (isBelow(parameter)) below.push_back(&parameter);
     }
-    if (below.empty())
-        throw UsageError("no group is called " + inQuotedWord(label) + "; 'appletctl list' shows the groups");
+    if (below.empty()) throw UsageError("no group is called " + inQuotedWord(label) + suggestedGroups(label));
     return labelled.empty() ? below : labelled;
 }
 
 std::vector<std::string> ParameterList::closestNames(std::string_view name) const {
-    std::vector<std::string> names;
-    for (const Parameter& parameter : m_parameters)
+    if (name.empty()) return {};
+    std::vector<std::string> names, labelled;
+    constexpr std::size_t farthest = 2;
+    for (const Parameter& parameter : m_parameters) {
         names.push_back(parameter.name);
-    return nearestWords(name, names);
+        const std::string label = lowerCase(parameter.label());
+        if (name.size() > 2 * farthest && editDistance(lowerCase(name), label) <= farthest)
+            labelled.push_back(parameter.name);
+    }
+    std::vector<std::string> near = nearestWords(name, names);
+    if (near.empty() && labelled.size() <= 3) near = labelled;
+    return near.empty() ? nearestParts(withoutPrefix(lowerCase(name)), names) : near;
 }
 
 } // namespace applet_tools

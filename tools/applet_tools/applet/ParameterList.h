@@ -59,7 +59,10 @@ public:
 private:
     void addTree(const RegisterInfo& record, std::vector<std::string>& groups);
     void addNamesWithoutRecord(Instance& instance);
+    /** Those near to the word as a whole, else those with a label near to it, else with a part that is. */
     std::vector<std::string> closestNames(std::string_view name) const;
+    /** "; did you mean ROI?", or where the groups are shown. */
+    std::string suggestedGroups(const std::string& label) const;
 
     bool isWanted(std::string_view name) const;
 

@@ -109,6 +109,13 @@ std::string inQuotedWord(std::string_view word) {
     return "'" + shortened(printable(word), mostBytes) + "'";
 }
 
+std::string asShellWord(std::string_view word) {
+    constexpr std::string_view plain =
+        "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-./+,:@%=";
+    const bool isPlain = !word.empty() && word.find_first_not_of(plain) == std::string_view::npos;
+    return isPlain ? std::string(word) : inQuotes(toUtf8(std::string(word).c_str()));
+}
+
 std::string lowerCase(std::string_view text) {
     std::string lower(text);
     for (char& c : lower)
@@ -168,6 +175,41 @@ std::vector<std::string> nearestWords(std::string_view word, const std::vector<s
     for (const auto& [distance, candidate] : near)
         if (words.size() < mostWords) words.push_back(candidate);
     return words;
+}
+
+namespace {
+
+/** The least editDistance between the word and any part of the text. */
+std::size_t distanceToPart(std::string_view word, std::string_view text) {
+    std::vector<std::size_t> row(text.size() + 1); // a part may begin anywhere
+    for (std::size_t i = 0; i < word.size(); ++i) {
+        std::size_t diagonal = row[0];
+        row[0] = i + 1;
+        for (std::size_t k = 0; k < text.size(); ++k) {
+            const std::size_t replaced = diagonal + (word[i] == text[k] ? 0 : 1);
+            diagonal = row[k + 1];
+            row[k + 1] = std::min({replaced, row[k] + 1, row[k + 1] + 1});
+        }
+    }
+    return *std::ranges::min_element(row);
+}
+
+} // namespace
+
+std::vector<std::string> nearestParts(std::string_view word, const std::vector<std::string>& candidates) {
+    constexpr std::size_t farthest = 2, mostWords = 3, lettersOfOne = 4;
+    const std::string wanted = lowerCase(word);
+    std::size_t least = std::min(farthest, wanted.size() / lettersOfOne);
+    if (least == 0) return {};
+    std::vector<std::string> near;
+    for (const std::string& candidate : candidates) {
+        const std::size_t distance = distanceToPart(wanted, lowerCase(candidate));
+        if (distance > least) continue;
+        if (distance < least) near.clear();
+        least = distance;
+        if (near.size() < mostWords) near.push_back(candidate);
+    }
+    return near;
 }
 
 std::string didYouMean(const std::vector<std::string>& names) {

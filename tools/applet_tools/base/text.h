@@ -28,6 +28,9 @@ std::string shortened(const std::string& text, std::size_t mostBytes);
 /** A word that the user has typed, printable, in single quotes; of a very long one the beginning. */
 std::string inQuotedWord(std::string_view word);
 
+/** The word as a shell takes it: in double quotes where it holds a blank or another character with a meaning. */
+std::string asShellWord(std::string_view word);
+
 std::string lowerCase(std::string_view text);
 
 std::string join(const std::vector<std::string>& parts, std::string_view separator);
@@ -39,6 +42,9 @@ std::size_t editDistance(std::string_view a, std::string_view b);
 /** The candidates that a user may have meant by the word, the likeliest first, at most three. Case and the prefix
  *  "FG_" do not count; a part of a candidate is near to it. */
 std::vector<std::string> nearestWords(std::string_view word, const std::vector<std::string>& candidates);
+
+/** The candidates that hold a part that is nearest to the word, at most three: a misspelt part of a name. */
+std::vector<std::string> nearestParts(std::string_view word, const std::vector<std::string>& candidates);
 
 /** "; did you mean A or B?"; empty without names. */
 std::string didYouMean(const std::vector<std::string>& names);

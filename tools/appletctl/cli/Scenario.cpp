@@ -14,6 +14,7 @@
 #include "appletctl/commands/assignment_report.h"
 
 #include <algorithm>
+#include <limits>
 #include <sstream>
 
 namespace appletctl {
@@ -104,12 +105,24 @@ void checkEvent(const Words& words) {
     numberFrom(words[2]);
 }
 
+Words eventNames(Instance& instance) {
+    Words names;
+    for (int bit = 0; bit < std::numeric_limits<std::uint64_t>::digits; ++bit)
+        if (const char* name = instance.applet().Fg_getEventName(instance.fg(), std::uint64_t{1} << bit))
+            names.push_back(toUtf8(name));
+    return names;
+}
+
 std::uint64_t eventMask(ScenarioRunner& station, const std::string& name) {
     station.board();
     Instance& instance = station.instance();
     const std::uint64_t mask = instance.applet().Fg_getEventMask(instance.fg(), name.c_str());
     if (mask != 0) return mask;
-    throw UsageError("there is no event " + inQuotedWord(name) + ": 'appletctl events' shows them");
+    const Words names = eventNames(instance);
+    Words near = nearestWords(name, names);
+    if (near.empty()) near = nearestParts(name, names);
+    throw UsageError("there is no event " + inQuotedWord(name) +
+                     (near.empty() ? "; 'appletctl events' shows them" : didYouMean(near)));
 }
 
 void lookAtEvent(ScenarioRunner& station, const Step& step) { eventMask(station, step.words[0]); }
@@ -139,9 +152,14 @@ std::string expectExit(ScenarioRunner& station, const Step& step) {
 
 // ---- Steps that do something to the virtual board.
 
+/** The access 0 with the code 0 ends the failures; either alone would fail nothing. */
 void checkFailAccess(const Words& words) {
-    wholeFrom<unsigned>(words[0]);
-    codeOf(words[1]);
+    const bool isNone = wholeFrom<unsigned>(words[0]) == 0;
+    const bool isSuccess = codeOf(words[1]) == FG_OK;
+    if (isNone != isSuccess)
+        throw UsageError((isNone ? "accesses are counted from 1, so none would fail"
+                                 : "the code 0 is that of success, so the access would not fail") +
+                         std::string("; 'fail access 0 0' ends the failures"));
     if (words.size() > 2) checkOneOf(words[2], {"once", "always"});
 }
 
@@ -250,17 +268,21 @@ Words nearestKinds(const Words& words) {
     return nearest;
 }
 
+/** Adds to what is wrong where the steps are listed. */
+std::string withSteps(const std::string& why) {
+    return why + (why.ends_with('?') ? " See" : "; see") + " 'appletctl run --help'";
+}
+
 /** The kind that the words begin with; null for a command. Throws UsageError for half of one. */
 const StepKind* kindOf(const Words& words) {
-    Words possible;
+    bool isHalf = false;
     for (const StepKind& kind : kinds) {
         if (beginsWith(words, kind)) return &kind;
-        if (std::string_view(kind.name).starts_with(words.front() + " "))
-            possible.push_back("'" + usageOf(kind) + "'");
+        isHalf |= std::string_view(kind.name).starts_with(words.front() + " ");
     }
-    if (possible.empty()) return nullptr;
-    throw UsageError("the words behind " + inQuotedWord(words.front()) + " are not known" +
-                     didYouMean(nearestKinds(words)) + "; possible are " + join(possible, ", "));
+    if (!isHalf) return nullptr;
+    throw UsageError(withSteps("the words behind " + inQuotedWord(words.front()) + " are not known" +
+                               didYouMean(nearestKinds(words))));
 }
 
 Request requestOf(const Words& words, Options options) {
@@ -268,15 +290,11 @@ Request requestOf(const Words& words, Options options) {
     options.json = false;
     Request request = parseLine(words, options);
     if (request.command != nullptr) return request;
-    Words names;
-    for (const StepKind& kind : kinds)
-        names.push_back("'" + usageOf(kind) + "'");
     const std::string why =
         request.outcome.problems.empty() ? "this asks for help" : request.outcome.problems.front();
     const std::string near = didYouMean(nearestKinds(words));
     throw UsageError(
-        (near.empty() ? why : "there is no step or command " + inQuotedWord(words.front()) + near) +
-        "; a step is a command, or one of " + join(names, ", "));
+        withSteps(near.empty() ? why : "there is no step or command " + inQuotedWord(words.front()) + near));
 }
 
 Step parseStep(const std::string& text, const WordLine& line, const Options& options) {

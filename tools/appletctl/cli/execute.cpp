@@ -71,6 +71,9 @@ void requireAgreement(const Request& request) {
     if (options.board == BoardKind::virtualBoard && !options.bridge.empty())
         throw UsageError(
             "--bridge opens a board of the system, and this is a virtual one: give --board system as well");
+    if (options.board == BoardKind::system && options.offline)
+        throw UsageError(
+            "--board system opens the board and --offline does without one: leave one of them out");
     if (!isProtected(options) || !setsSomething(request)) return;
     const std::string name = "'" + nameOf(request) + "'";
     if (options.look)
@@ -91,7 +94,10 @@ void requireReadable(const std::string& file, Context& context, bool isAssignmen
     struct stat status {};
     const bool isThere = stat(file.c_str(), &status) == 0 && access(file.c_str(), R_OK) == 0;
     std::string reason = isThere ? "" : std::strerror(errno);
-    if (isThere && S_ISDIR(status.st_mode)) reason = "it is a folder";
+    if (isThere && S_ISDIR(status.st_mode))
+        reason = "it is a folder";
+    else if (isThere && !S_ISREG(status.st_mode)) // a FIFO would wait for a writer
+        reason = "it is no regular file";
     if (reason.empty()) return;
     for (const Parameter& parameter : context.parameters().all())
         if (lowerCase(parameter.name) == lowerCase(file) ||

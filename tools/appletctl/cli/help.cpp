@@ -18,7 +18,8 @@ const ExitCodeMeaning exitCodes[5] = {
      "refused by the applet, a value that could not be read, something lost of a configuration file, a "
      "difference found by 'diff', a step of 'run' that failed, a condition of 'watch --fail-if' that holds, "
      "a finding of 'lint' or 'xml --check', an output that the board holds otherwise than the applet "
-     "('route'), or a file that cannot be written"},
+     "('route'), a picture that did not come ('grab'; with --strict any loss too), or a file that cannot be "
+     "written"},
     {"2",
      "wrong usage: unknown command, option or parameter name, a file that cannot be read, or a value that "
      "the parameter's kind cannot hold. Nothing was set"},
@@ -136,6 +137,7 @@ const CLI::App& programOf(const CLI::App& app) {
 std::string usageOf(const CLI::App& app, const Command* command) {
     std::string line = fullNameOf(app) + " [OPTIONS]";
     if (command == nullptr) return line + " COMMAND ...";
+    if (command->form != nullptr) return line + ' ' + command->form;
     if (command->argument == nullptr) return line;
     const std::string word = command->argument;
     const bool isOptional = command->fewest == 0 && command->kind != Command::Kind::prefix;
@@ -220,6 +222,14 @@ std::string nearestOption(const CLI::App& app, const std::string& word) {
     return nearest;
 }
 
+Words splitAtCommas(const std::string& text) {
+    Words values;
+    std::istringstream list(text);
+    for (std::string value; std::getline(list, value, ',');)
+        values.push_back(value);
+    return values;
+}
+
 const CommandGroup* groupNamed(const std::string& name) {
     for (const Command* command : allCommands())
         if (command->group != nullptr && command->group->name == name) return command->group;
@@ -241,11 +251,7 @@ std::vector<std::string> choicesOf(const CLI::Option& option) {
     const std::string type = option.get_type_name();
     const std::size_t begin = type.find('{'), end = type.find('}');
     if (begin == std::string::npos || end == std::string::npos) return {};
-    std::vector<std::string> values;
-    std::istringstream list(type.substr(begin + 1, end - begin - 1));
-    for (std::string value; std::getline(list, value, ',');)
-        values.push_back(value);
-    return values;
+    return splitAtCommas(type.substr(begin + 1, end - begin - 1));
 }
 
 HelpPage helpPageOf(const CLI::App& app) {
@@ -290,15 +296,35 @@ std::string helpText(const HelpPage& page) {
            hanging("", "'" + name + " COMMAND --help' shows examples and options of a command.", 0);
 }
 
+namespace {
+
+struct ShellWord {
+    Words words;
+    const char *shown, *help;
+};
+
+const ShellWord shellWords[] = {
+    {{"undo"}, "undo", "Take back what the last command that changed something has changed"},
+    {{"help"}, "help [COMMAND]", "This list, or examples and options of a command"},
+    {{"exit", "quit"}, "exit, quit", "End the shell; so does the end of the input"},
+};
+
+} // namespace
+
+std::string shellWordHelp(const std::string& word) {
+    for (const ShellWord& one : shellWords)
+        if (std::ranges::find(one.words, word) != one.words.end()) return entry(one.shown, one.help);
+    return "";
+}
+
 std::string shellHelp() {
     std::string text = "Each line is a command with its words, on one board:\n\n";
     for (const Command* command : allCommands())
         if (command->kind != Command::Kind::session && !isHidden(*command))
             text += entry(fullName(*command), command->help);
     text += "\nOf the shell itself:\n";
-    text += entry("undo", "Take back what the last command that changed something has changed");
-    text += entry("help [COMMAND]", "This list, or examples and options of a command");
-    text += entry("exit, quit", "End the shell; so does the end of the input");
+    for (const ShellWord& one : shellWords)
+        text += entry(one.shown, one.help);
     return text + '\n' + hanging("", accessWords, 0);
 }
 
@@ -326,6 +352,16 @@ std::string between(const std::string& text, const std::string& from, const std:
     return end == std::string::npos ? "" : text.substr(begin + from.size(), end - begin - from.size());
 }
 
+/** The choices of an option, which are short words, that differ from the word by a letter or two. */
+Words misspelt(const std::string& word, const Words& choices) {
+    constexpr std::size_t lettersOfOne = 4;
+    const std::size_t farthest = std::max<std::size_t>(1, word.size() / lettersOfOne);
+    Words near;
+    for (const std::string& choice : choices)
+        if (!word.empty() && editDistance(word, choice) <= farthest) near.push_back(choice);
+    return near;
+}
+
 /** What is wrong with the value of an option, in words of this program; empty for what is not known. The text is
  *  "--interval: Value 0 not in range 1 to 86400000" or the like. */
 std::string optionError(const CLI::ParseError& error) {
@@ -341,9 +377,11 @@ std::string optionError(const CLI::ParseError& error) {
     if (behind.find(" not in {") != std::string::npos) {
         const std::string word = between(behind, " ", " not in {");
         std::string choices = between(behind, "{", "}");
+        const Words known = splitAtCommas(choices);
         for (std::size_t comma = 0; (comma = choices.find(',', comma)) != std::string::npos; ++comma)
             choices.insert(comma + 1, " ");
-        return option + " takes one of " + choices + ", and " + inQuotedWord(word) + " is none";
+        return option + " takes one of " + choices + ", and " + inQuotedWord(word) + " is none" +
+               didYouMean(misspelt(word, known));
     }
     const std::string outside = " not in range ";
     if (const std::size_t place = behind.find(outside); place != std::string::npos)
@@ -363,8 +401,14 @@ std::string usageError(const CLI::App& program, const CLI::App& app, const CLI::
     if (!unknown.empty()) {
         const std::string& word = unknown.front();
         if (word.size() > 1 && word.starts_with('-')) {
-            const std::string nearest = nearestOption(app, word.substr(0, word.find('=')));
-            return "there is no option " + inQuotedWord(word.substr(0, word.find('='))) +
+            const std::string option = word.substr(0, word.find('='));
+            const Command* command = commandOf(app);
+            if (command != nullptr &&
+                app.get_option_no_throw(option) != nullptr) // unknown in front of it only
+                return inQuotedWord(option) + " is an option of " + argumentName(*command) +
+                       ": give it behind the command";
+            const std::string nearest = nearestOption(app, option);
+            return "there is no option " + inQuotedWord(option) +
                    (nearest.empty() ? seeHelp(name) : "; did you mean '" + nearest + "'?");
         }
         const Command* command = commandOf(app);
@@ -378,6 +422,7 @@ std::string usageError(const CLI::App& program, const CLI::App& app, const CLI::
                inQuotedWord(word) + seeHelp(name);
     }
     const std::string own = optionError(error);
+    if (own.ends_with('?')) return own; // the answer is there
     return (own.empty() ? printable(error.what()) : own) + seeHelp(name);
 }
 

@@ -24,6 +24,9 @@ std::string helpText(const HelpPage& page);
 /** The same for a line of the shell: its own words, and without what does not work there. */
 std::string shellHelp();
 
+/** The line on a word that works in the shell alone, such as "undo"; empty for other words. */
+std::string shellWordHelp(const std::string& word);
+
 /** "; did you mean 'set'?" for a misspelt command, of the group or at the top (null); else where they are listed. */
 std::string commandSuggestion(const CommandGroup* group, const std::string& word);
 

@@ -66,12 +66,15 @@ public:
         if (m_isOver) return exitDone;
         if (line.isOpen)
             return show(failureReport("usage", "a quote is not closed", exitUsage), "", m_options, place);
-        if (line.words.size() == 1 && first == "undo") return show(undo(), "undo", m_options, place);
+        if (line.words.size() > 1 && first != "help" && !shellWordHelp(first).empty())
+            return show(failureReport("usage", "'" + first + "' takes no words", exitUsage), first, m_options,
+                        place);
+        if (first == "undo") return show(undo(), "undo", m_options, place);
         if (first != "help") return runLine(parseLine(line.words, m_options), place, text);
-        if (line.words.size() == 1) return show(ownHelp(), "help", m_options, place);
+        if (line.words.size() == 1) return show(helpReport(shellHelp()), "help", m_options, place);
         Words words(line.words.begin() + 1, line.words.end());
-        if (words.size() == 1 && std::ranges::find(ownWords, words.front()) != std::end(ownWords))
-            return show(ownHelp(), "help", m_options, place);
+        const std::string own = words.size() == 1 ? shellWordHelp(words.front()) : "";
+        if (!own.empty()) return show(helpReport(own), "help", m_options, place);
         words.emplace_back("--help");
         return runLine(parseLine(words, m_options), place);
     }
@@ -117,9 +120,9 @@ private:
         return undone ? reportOf(*undone) : failureReport("usage", "there is nothing to undo", exitUsage);
     }
 
-    static Report ownHelp() {
+    static Report helpReport(const std::string& text) {
         Report report;
-        report.text = shellHelp();
+        report.text = text;
         report.document["text"] = report.text;
         return report;
     }

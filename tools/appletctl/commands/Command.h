@@ -54,6 +54,7 @@ struct Command {
     const char* help;
     const char* argument = nullptr; /**< what its words are, or null if it takes none */
     const char* argumentHelp = nullptr;
+    const char* form = nullptr; /**< of its words in the usage line; null where the argument says it */
     Example examples[mostExamples] = {};
     File file = File::none;
     const char* fileSuffix = ""; /**< of the files that its words name: ".mcf" */

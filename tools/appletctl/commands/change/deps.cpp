@@ -55,6 +55,10 @@ Report showDependencies(Context& context, const Words& name) {
     report.document = asJson(found);
     if (!options.of<DotOption>().isWanted) {
         report.text = asText(found);
+        if (name.front().find('[') != std::string::npos)
+            report.text +=
+                forPerson(inQuotedWord(name.front()) + " is an element: this is the answer for all of " +
+                          found.parameter + ".\n");
         addAssumed(report, context.assumed());
         return report;
     }

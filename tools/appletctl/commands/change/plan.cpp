@@ -21,9 +21,11 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <iostream>
 #include <map>
 #include <set>
+#include <system_error>
 
 namespace appletctl {
 namespace {
@@ -195,6 +197,27 @@ Report planChanges(Context& context, const Words& words) {
     return report;
 }
 
+bool isAssignment(const std::string& word) { return word.find('=') != std::string::npos; }
+
+/** Throws UsageError for a file beside assignments: which of them comes first would be a guess. */
+void refuseFileBesideAssignments(const Words& words) {
+    const auto file = std::ranges::find_if_not(words, isAssignment);
+    std::error_code error;
+    if (words.size() < 2 || file == words.end() || !std::filesystem::is_regular_file(*file, error)) return;
+    const auto assignment = std::ranges::find_if(words, isAssignment);
+    if (assignment == words.end()) throw UsageError("'plan' takes one file, or assignments");
+    const std::string name = asShellWord(*file), other = asShellWord(*assignment);
+    throw UsageError(inQuotedWord(*file) +
+                     " is not of the form NAME=VALUE, and a file is planned alone: say '" + other +
+                     " --from " + name + "' for assignments after a load of the file, '" + name + " --with " +
+                     other + "' for a load after them");
+}
+
+Report planWords(Context& context, const Words& words) {
+    refuseFileBesideAssignments(words);
+    return planChanges(context, words);
+}
+
 } // namespace
 
 extern const Command planCommand;
@@ -203,13 +226,14 @@ const Command planCommand = {
     .help = "Show what assignments, or a load of a file, would do, without doing it",
     .argument = "NAME=VALUE|FILE",
     .argumentHelp = "As for the command set; or a configuration file",
+    .form = "NAME=VALUE...|FILE",
     .examples = {{"plan FG_WIDTH=2048", "what a set would write"},
                  {"plan line.mcf", "what a load would change"}},
     .file = Command::File::readUnlessAssignment,
     .fileSuffix = ".mcf",
     .fewest = 1,
     .most = -1,
-    .run = planChanges,
+    .run = planWords,
     .scratch = Context::Scratch::wanted,
     .addOptions = addPlanOptions,
     .showsValues = true,
@@ -249,6 +273,7 @@ const Command applyCommand = {
     .help = "Show what they would do, and do it after a question",
     .argument = "NAME=VALUE|FILE",
     .argumentHelp = "As for the command plan",
+    .form = "NAME=VALUE...|FILE",
     .examples = {{"apply FG_WIDTH=2048", "show it, ask, do it"},
                  {"apply --yes line.mcf", "show it and do it"}},
     .file = Command::File::readUnlessAssignment,

@@ -66,6 +66,7 @@ const Command loadCommand = {
     .help = "Load a configuration file and say what was lost of it",
     .argument = "FILE",
     .argumentHelp = "File to read, then assignments to carry out before",
+    .form = "FILE [NAME=VALUE...]",
     .examples = {{"load line.mcf", "and say what was lost"},
                  {"load --strict line.mcf", "only if nothing would be lost"}},
     .file = Command::File::read,

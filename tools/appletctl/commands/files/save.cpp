@@ -41,6 +41,7 @@ const Command saveCommand = {
     .help = "Save the parameters to a configuration file",
     .argument = "FILE",
     .argumentHelp = "File to write, .mcf, then assignments to carry out before",
+    .form = "FILE [NAME=VALUE...]",
     .examples = {{"save line.mcf FG_WIDTH=2048", "a file with this width"},
                  {"save all.mcf", "the present values"}},
     .file = Command::File::write,

@@ -53,6 +53,7 @@ const Command lintCommand = {
     .help = "Say what is legal but doubtful",
     .argument = "FILE",
     .argumentHelp = "File to look at, or assignments to carry out before",
+    .form = "[FILE|NAME=VALUE...]",
     .examples = {{"lint line.mcf", "of a configuration file"},
                  {"lint FG_LUT_ENABLE=ON FG_PROCESSING_GAIN=4", "of a state"}},
     .file = Command::File::readUnlessAssignment,

@@ -137,7 +137,7 @@ Report traceRun(Context& context, bool isShownByCommand, const std::function<Rep
     Report report = run();
     context.takeAccesses();
     report.document["accesses"] = accessesAsJson(context.accesses());
-    if (isShownByCommand) return report;
+    if (isShownByCommand && !context.accesses().empty()) return report;
     std::string text;
     for (const std::string& line : context.accesses())
         text += accessLine(line);
