@@ -132,7 +132,7 @@ TEST_F(ProducerStream, ASmallBufferIsMarked) {
 }
 
 TEST_F(ProducerInRealTime, WithoutBuffersTheDmaWaitsAndTheBoardLosesImages) {
-    ok(session.set("Height", 1));
+    ok(session.set("Height", 1024)); // the buffer of the board holds 21 of them
     session.queueBuffers(2);
     ok(session.set("EventSelector", 6)); // of the overflow
     ok(session.set("EventNotification", 1));

@@ -34,7 +34,7 @@ private:
     bool is(const char* name, std::int32_t entry) const { return value(name) == Value(entry); }
     std::string shown(const char* name) const {
         const Parameter& parameter = find(name);
-        return parameter.name + " = " + valueText(parameter, valueOf(m_instance, {&parameter}));
+        return parameter.name + " = " + valueWithUnit(parameter, valueOf(m_instance, {&parameter}));
     }
     std::string came() const {
         if (m_wait.lines <= 0) return "no line came";
