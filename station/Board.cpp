@@ -16,7 +16,11 @@ const char* nameOf(Parameter parameter) {
 }
 
 const char* nameOf(Event event) {
-    static const std::array<std::string, eventCount> names = [] {
+    // Without a destructor: a thread may let time move while the process ends.
+    struct Name {
+        char text[96];
+    };
+    static const std::array<Name, eventCount> names = [] {
         const std::string port = "Device1_Process1_Trigger_Events_Events_LVAL_FVAL_";
         const std::string inputs = "Device1_Process1_Trigger_Inputs_";
         std::array<std::string, eventCount> all{port + "Cam0FrameStart",
@@ -37,9 +41,12 @@ const char* nameOf(Event event) {
             all[static_cast<std::size_t>(pinEvent(input, true))] = group + "Pin" + number;
             all[static_cast<std::size_t>(pinEvent(input, false))] = group + "NotPin" + number;
         }
-        return all;
+        std::array<Name, eventCount> fixed{};
+        for (std::size_t i = 0; i < eventCount; ++i)
+            all[i].copy(fixed[i].text, sizeof(Name::text) - 1);
+        return fixed;
     }();
-    return names[static_cast<std::size_t>(event)].c_str();
+    return names[static_cast<std::size_t>(event)].text;
 }
 
 } // namespace station

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cstddef>
 #include <cstring>
 #include <functional>
 
@@ -255,7 +256,7 @@ protected:
     support::ProducerSession session;
     Arguments arguments;
     INFO_DATATYPE type = 0;
-    std::array<char, 1024> place{};
+    alignas(std::max_align_t) std::array<char, 1024> place{};
     size_t size = 0;
 };
 

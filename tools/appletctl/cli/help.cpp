@@ -421,7 +421,7 @@ std::string usageError(const CLI::App& program, const CLI::App& app, const CLI::
                (command->argument != nullptr ? "no more words" : "no words") + ", and there is " +
                inQuotedWord(word) + seeHelp(name);
     }
-    const std::string own = optionError(error);
+    std::string own = optionError(error);
     if (own.ends_with('?')) return own; // the answer is there
     return (own.empty() ? printable(error.what()) : own) + seeHelp(name);
 }
