@@ -210,7 +210,7 @@ void refusedIfSetAgain(State& state) {
         else if (state.isRefused(parameter.name) && code != FG_OK)
             state.propose("limits", {parameter.name},
                           "The load of the file refuses the value: " +
-                              refusalInWords(parameter, value, code) + ". It reads back all the same",
+                              refusalInWords(parameter, value, code) + ". It reads back nevertheless",
                           value);
         else if (code != FG_OK && code != FG_ERR_NOT_AVAILABLE)
             state.propose(

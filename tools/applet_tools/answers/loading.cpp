@@ -111,18 +111,14 @@ private:
                     const std::string& change) {
         const std::string why = refusalInWords(parameter, value, code);
         if (!change.empty()) return {"refused", parameter.name, change + ": refused: " + why};
-        return {
-            "kept", parameter.name,
-            parameter.name + ": " + askedText(parameter, asked) + " was refused: " + why +
-                "; it reads back all the same" +
-                (std::exchange(m_isExplained, true) ? "" : ", and setters of other parameters work with it")};
+        return {"kept", parameter.name,
+                parameter.name + ": " + askedText(parameter, asked) + " was refused: " + why};
     }
 
     ScratchSession& m_session;
     const std::string& m_path;
     const ConfigurationFile& m_asked;
     const ConfigurationFile& m_state;
-    bool m_isExplained = false; // what a kept value means; it is the same for all
 };
 
 std::vector<Finding> missingKeys(const ConfigurationFile& asked, const ConfigurationFile& state,
@@ -211,28 +207,43 @@ std::vector<Finding> judgeLines(ScratchSession& session, FileKeys& keys, const C
 
 bool isRefusal(const Finding& finding) { return finding.kind == "refused" || finding.kind == "kept"; }
 
-/** Adds to a refused value what the board holds because of it: the same file is loaded once more with the value
- *  from before in its place. */
-void addReached(ScratchSession& session, const ConfigurationFile& asked, const ConfigurationFile& before,
-                const DesignSnapshot& loaded, Finding& finding) {
+/** What the board holds because of a refused value, which becomes a part of the finding, in words: the same file is loaded
+ *  once more with the value from before in its place. */
+std::string reachedInWords(ScratchSession& session, const ConfigurationFile& asked,
+                           const ConfigurationFile& before, const DesignSnapshot& loaded, Finding& finding) {
     const auto line = asked.values().find(finding.key), old = before.values().find(finding.key);
-    if (!line || !old || !isRefusal(finding)) return;
+    if (!line || !old || !isRefusal(finding)) return "";
     const MemoryFile other;
     other.write(asked.textWith(*line, old->text));
     session.rewind();
     loadConfiguration(session.instance(), other.configurationPath());
     const std::vector<DesignChange> reached = DesignSnapshot(session).changesTo(loaded);
-    if (reached.empty()) {
-        finding.message += "; nothing of it has reached the board";
-        return;
-    }
+    if (reached.empty()) return "; nothing of it has reached the board";
+    finding.reached = asJson(reached);
     std::vector<std::string> words;
     words.reserve(reached.size());
-    finding.reached = asJson(reached);
     for (const DesignChange& change : reached)
         words.push_back(change.parameter + " " + afterInWords(change) + " (" + beforeInWords(change) +
                         " without it)");
-    finding.message += "; the board has got it all the same: " + join(words, ", ");
+    return "; the board has received it: " + join(words, ", ");
+}
+
+/** What became of each refused value; empty for the other findings. */
+std::vector<std::string> outcomesOf(ScratchSession& session, const ConfigurationFile& asked,
+                                    const ConfigurationFile& before, const DesignSnapshot& loaded,
+                                    std::vector<Finding>& findings) {
+    std::vector<std::string> outcomes;
+    bool isExplained = false; // what a kept value means; it is the same for all
+    for (Finding& finding : findings) {
+        session.tellProgress(outcomes.size(), findings.size());
+        std::string& words = outcomes.emplace_back();
+        if (finding.kind == "kept")
+            words =
+                std::string("; it reads back nevertheless") +
+                (std::exchange(isExplained, true) ? "" : ", and setters of other parameters work with it");
+        words += reachedInWords(session, asked, before, loaded, finding);
+    }
+    return outcomes;
 }
 
 /** A refused value of the file with its place in the findings. */
@@ -339,14 +350,13 @@ LoadOutcome loadAndCompare(ScratchSession& session, FileKeys& keys, const std::s
     for (Finding& finding : judgeLines(session, keys, *whole, readByLoad.configurationPath(), asked, state))
         outcome.findings.push_back(std::move(finding));
     whole.reset();
-    for (std::size_t done = 0; Finding & finding : outcome.findings) {
-        session.tellProgress(done++, outcome.findings.size());
-        addReached(session, asked, before, loaded, finding);
-    }
+    const std::vector<std::string> outcomes = outcomesOf(session, asked, before, loaded, outcome.findings);
     if (std::ranges::none_of(outcome.findings, isRefusal)) return outcome;
     session.rewind();
     loadConfiguration(session.instance(), readByLoad.configurationPath());
     addCauses(session, name.empty() ? file : name, asked, outcome.findings);
+    for (std::size_t i = 0; i < outcomes.size(); ++i)
+        outcome.findings[i].message += outcomes[i];
     return outcome;
 }
 
