@@ -26,8 +26,8 @@ public:
     }
 
     const char* of(const std::string& name) {
-        const auto* line = m_state->values().find(name);
-        if (line == nullptr) return "none";
+        const auto line = m_state->values().find(name);
+        if (!line) return "none";
         m_file.write(m_state->textWith(*line, ""));
         ++effort().loads;
         const int code =

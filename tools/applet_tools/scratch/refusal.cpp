@@ -38,7 +38,8 @@ void addRange(Probe& probe, const Subject& subject, const Value& wanted, Refusal
     const auto range = measuredRange(probe, subject.in(probe));
     probe.restore();
     if (!range) {
-        found.limit = "its setter refuses every value that was tried, the present one included";
+        found.limit = "as the other parameters are, its setter refuses every value that was tried, the "
+                      "present one included";
         return;
     }
     found.nearest = nearestIn(*range, wanted);

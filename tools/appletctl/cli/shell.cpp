@@ -69,7 +69,8 @@ public:
         if (line.words.size() > 1 && first != "help" && !shellWordHelp(first).empty())
             return show(failureReport("usage", "'" + first + "' takes no words", exitUsage), first, m_options,
                         place);
-        if (first == "undo") return show(undo(), "undo", m_options, place);
+        if (first == "undo")
+            return show(withFailuresAsReports([this] { return undo(); }), "undo", m_options, place);
         if (first != "help") return runLine(parseLine(line.words, m_options), place, text);
         if (line.words.size() == 1) return show(helpReport(shellHelp()), "help", m_options, place);
         Words words(line.words.begin() + 1, line.words.end());
@@ -116,6 +117,7 @@ private:
     }
 
     Report undo() {
+        if (m_history.hasSteps()) requireAgreement(m_options, "undo");
         const std::optional<Undone> undone = m_history.undo();
         return undone ? reportOf(*undone) : failureReport("usage", "there is nothing to undo", exitUsage);
     }

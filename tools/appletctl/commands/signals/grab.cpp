@@ -9,6 +9,7 @@
 #include "applet_tools/station/picture_record.h"
 #include "applet_tools/station/signals.h"
 #include "appletctl/base/Progress.h"
+#include "appletctl/base/layout.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/CommandRun.h"
 #include "appletctl/commands/signals/wave_option.h"
@@ -144,13 +145,13 @@ private:
                 return;
             }
             if (outcome == Grabber::Outcome::timeout) {
-                work.refuse("picture " + numberText(number) + " did not come within " +
-                            durationText(m_timeout) + ": " +
-                            whyNoPicture(work.instance, work.parameters,
-                                         {.lines = sourceLines(work.instance) - lines,
-                                          .from = from,
-                                          .longer = "give a longer --timeout",
-                                          .wave = "a --wave"}));
+                fail(work, "picture " + numberText(number) + " did not come within " +
+                               durationText(m_timeout) + ": " +
+                               whyNoPicture(work.instance, work.parameters,
+                                            {.lines = sourceLines(work.instance) - lines,
+                                             .from = from,
+                                             .longer = "give a longer --timeout",
+                                             .wave = "a --wave"}));
                 return;
             }
             if (number % m_own.every == 0 && !take(grabber)) return;
@@ -218,9 +219,14 @@ private:
     void addLoss(CommandRun& work, const LossKind& kind, std::int64_t count) {
         const std::string words = std::string(kind.what) + ": " + numberText(count) + "; " + kind.cure;
         if (m_own.isStrict)
-            work.refuse(words);
+            fail(work, words);
         else if (!m_report->isVerbatim)
             m_report->text += lineOf({"lost", kind.name, numberText(count)}, words + ".");
+    }
+
+    static void fail(CommandRun& work, const std::string& words) {
+        work.refuse(words);
+        work.report.document["error"] = {{"kind", "failure"}, {"message", join(work.report.problems, "; ")}};
     }
 
     Context& m_context;
@@ -245,8 +251,9 @@ Report grabPictures(Context& context, const Words& words) {
 }
 
 std::string grabNotes() {
-    return std::string("Waves at inputs:\n  ") + waveForms +
-           "\n  Times have a unit: ns, us, ms, s or ticks (8 ns). Speeds are quarter steps a second.\n";
+    constexpr std::size_t width = 70; // in the manual as well
+    return "Waves at inputs:\n  " + join(foldedLines(waveForms, width), "\n  ") +
+           "\n  Times have a unit: ns, us, ms, s or ticks (8 ns).\n  Speeds are quarter steps a second.\n";
 }
 
 } // namespace

@@ -12,16 +12,18 @@
 namespace appletctl {
 namespace {
 
-/** To a thousandth of a tick: a mean has more digits than are known. */
 std::string shown(std::optional<double> value, const std::string& unit) {
-    if (!value) return "-";
-    const double rounded = std::round(*value * 1e5) / 1e5;
-    return numberText(rounded == 0 ? 0.0 : rounded) + " " + unit; // never -0
+    return value ? numberText(*value) + " " + unit : "-";
 }
 
+/** Nothing beyond the last digit that is shown of the two. */
 std::optional<double> differenceOf(const MeasuredRow& row) {
     if (!row.computed || !row.measured) return std::nullopt;
-    return *row.measured - *row.computed;
+    constexpr int shownDigits = 12;
+    const double largest = std::max(std::fabs(*row.computed), std::fabs(*row.measured));
+    if (largest == 0) return 0;
+    const double last = std::pow(10, std::floor(std::log10(largest)) - (shownDigits - 1));
+    return std::round((*row.measured - *row.computed) / last) * last + 0.0; // never -0
 }
 
 std::string tableOf(const MeasuredTiming& timing) {
