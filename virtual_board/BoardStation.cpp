@@ -10,6 +10,7 @@
 #include <array>
 #include <bit>
 #include <string>
+#include <utility>
 
 namespace vboard {
 namespace {
@@ -85,10 +86,15 @@ int BoardStation::write(int row) {
 
 int BoardStation::insertFile(station::Raster::Point point) {
     const std::string& path = m_values.text(debugRows()[static_cast<std::size_t>(point)].file);
+    m_insertTrouble.clear();
     if (!m_station.isInputOn(point) || path.empty()) return FG_OK; // nothing to insert
-    const std::shared_ptr<station::Raster> image = readImage(path, point);
-    if (image == nullptr) return FG_ERR_FILE_TYPE;
-    return m_station.inject(image) ? FG_OK : FG_ERR_NOT_AVAILABLE;
+    ImageOfFile image = readImage(path, point);
+    m_insertTrouble = std::move(image.trouble);
+    if (image.raster == nullptr) return FG_ERR_FILE_TYPE;
+    if (m_station.inject(image.raster)) return FG_OK;
+    m_insertTrouble =
+        m_station.isRunning() ? "there is no room for it now" : "no acquisition runs that takes it";
+    return FG_ERR_NOT_AVAILABLE;
 }
 
 void BoardStation::setClock(double factor) {

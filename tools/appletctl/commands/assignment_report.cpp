@@ -49,7 +49,7 @@ void add(Report& report, const AssignmentResult& result, const AssignmentAdditio
         if (additions.after) report.text += additions.after(assignment, row);
     } else {
         const std::string name = assignment.target.name();
-        std::string refusal = refusalInWords(assignment, result.code);
+        std::string refusal = refusalInWords(result);
         if (additions.suggestion) refusal += additions.suggestion(assignment, result.code, row);
         if (hasWrites) report.text += forPerson(name + ", written before it was refused\n") + writes;
         row["error"]["message"] = refusal;
