@@ -11,6 +11,7 @@
 #include <bit>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace vboard {
 namespace {
@@ -73,7 +74,15 @@ std::size_t debugPointOf(Row insert) {
 } // namespace
 
 bool BoardStation::isActing(int row) {
-    return actingOf(row) != nullptr || debugPointOf(row) < debugRows().size();
+    static const auto rows = [] { // each write asks
+        std::vector<bool> all(parameterRows().size());
+        for (const station::Parameter parameter : acting)
+            all[static_cast<std::size_t>(rowOf(parameter))] = true;
+        for (const DebugRows& point : debugRows())
+            all[static_cast<std::size_t>(point.insert)] = true;
+        return all;
+    }();
+    return rows[static_cast<std::size_t>(row)];
 }
 
 int BoardStation::write(int row) {
