@@ -140,7 +140,7 @@ enum {
     VBOARD_STATUS_LOST_PULSES = 1006,          /**< of the line trigger, while ExSync was active */
     VBOARD_STATUS_LOST_CAMERA_TRIGGERS = 1007, /**< while a line or frame was in transfer */
     VBOARD_STATUS_DROPPED_EVENTS = 1008,       /**< that left the queue of vboard_next_event */
-    VBOARD_STATUS_WAITS = 1009                 /**< of images, as no frame of the memory was free */
+    VBOARD_STATUS_WAITS = 1009                 /**< of the DMA, as no frame of the memory was free */
 };
 
 /*

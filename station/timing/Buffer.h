@@ -63,7 +63,7 @@ public:
     /** In percent, rounded down. */
     std::uint32_t fillLevel(Tick tick);
     std::uint64_t lostImages() const { return m_lostImages; }
-    /** Images that could have left, and had to wait as no place was free for them. */
+    /** How often the next image could have left, and had to wait as no place was free for it. */
     std::uint64_t waits() const { return m_waits; }
     bool isDone() const { return m_destination == nullptr; }
     /** Pictures since the start. */
