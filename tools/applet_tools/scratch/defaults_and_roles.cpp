@@ -97,6 +97,25 @@ backgroundOf(LiveSession& live, const std::vector<const Parameter*>& parameters,
     return defaultsAndRoles;
 }
 
+nlohmann::ordered_json changedSettings(LiveSession& live) {
+    std::vector<const Parameter*> parameters;
+    for (const Parameter& parameter : live.parameters().all())
+        if (parameter.effectOfReading().empty()) parameters.push_back(&parameter);
+    const auto known = backgroundOf(live, parameters, FileRoles::unasked);
+    nlohmann::ordered_json changed = nlohmann::ordered_json::object();
+    for (const Parameter* parameter : parameters) {
+        const Target target = wholeOf(*parameter);
+        const ReadResult reading = live.read(target);
+        if (reading.error != FG_OK || !reading.isMeasured ||
+            !known.at(parameter->name).isChanged(reading.value))
+            continue;
+        const bool isArray = elementCount(*parameter) > 0;
+        changed[parameter->name] =
+            valueAsJson({parameter}, isArray ? emptyValue({parameter}) : reading.value);
+    }
+    return changed;
+}
+
 std::string fileRoleInWords(const std::string& role) {
     if (role == "restored") return "saved, and restored by a load";
     if (role == "reader") return "saved for the reader of the file: a load leaves it aside";

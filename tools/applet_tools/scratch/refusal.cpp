@@ -164,7 +164,7 @@ void startFrom(ScratchSession& session, const Words& assignments) {
     std::string problem;
     const auto explain = [&](const AssignmentResult& result) {
         if (result.code == FG_OK) return;
-        problem = refusalInWords(result.assignment, result.code);
+        problem = refusalInWords(result);
         session.keep();
         Probe probe(session);
         problem += suggestionFor(probe, result.assignment).words;
