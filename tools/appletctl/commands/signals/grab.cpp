@@ -253,7 +253,7 @@ private:
             m_report->document["events"] = toUtf8(m_own.events->c_str());
         }
         if (const std::int64_t lost = m_events->lost(); lost > 0)
-            work.refuse(numberText(lost) + " events are missing: more came at a time than the board keeps");
+            fail(work, numberText(lost) + " events are missing: more came at a time than the board keeps");
     }
 
     bool goesOn() {
