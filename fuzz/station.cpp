@@ -6,7 +6,7 @@
 #include "station/Board.h"
 #include "vexo/design_loader.h"
 #include "vexo/fg_errors.h"
-#include "virtual_board/runtime.h"
+#include "virtual_board/libraries/runtime.h"
 #include "virtual_board/virtual_board.h"
 
 #include <array>
