@@ -1,4 +1,4 @@
-#include "entry/runtime_text.h"
+#include "entry/runtime/runtime_text.h"
 
 #include <algorithm>
 #include <cstring>

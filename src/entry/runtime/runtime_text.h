@@ -1,6 +1,6 @@
 /** Texts that the runtime writes into a buffer of unknown size: its interface has no size argument. */
-#ifndef ENTRY_RUNTIME_TEXT_H
-#define ENTRY_RUNTIME_TEXT_H
+#ifndef ENTRY_RUNTIME_RUNTIME_TEXT_H
+#define ENTRY_RUNTIME_RUNTIME_TEXT_H
 
 #include <cstddef>
 #include <string>

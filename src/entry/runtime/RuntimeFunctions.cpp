@@ -1,4 +1,4 @@
-#include "entry/RuntimeFunctions.h"
+#include "entry/runtime/RuntimeFunctions.h"
 
 #include <cstddef>
 #include <cstring>
@@ -13,7 +13,7 @@ struct Entry {
 
 constexpr Entry entries[] = {
 #define RUNTIME_FUNCTION(name, type) {#name, offsetof(RuntimeFunctions, name)},
-#include "entry/runtime_functions.def"
+#include "entry/runtime/runtime_functions.def"
 #undef RUNTIME_FUNCTION
 };
 

@@ -1,6 +1,6 @@
-#include "entry/design_source.h"
+#include "entry/api/design_source.h"
 
-#include "entry/embedded_data.h"
+#include "entry/api/embedded_data.h"
 
 #include <cstdlib>
 

@@ -3,8 +3,8 @@
 #include "catalogue/enumerations.h"
 #include "entry/FgLoomWrapperImpl.h"
 #include "entry/LiveObjects.h"
-#include "entry/design_source.h"
-#include "entry/embedded_data.h"
+#include "entry/api/design_source.h"
+#include "entry/api/embedded_data.h"
 #include "trigger/internal_events.h"
 #include "vexo/fg_api.h"
 

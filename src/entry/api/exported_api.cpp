@@ -6,7 +6,7 @@
 
 #include "entry/FgLoomWrapper.h"
 #include "entry/LiveObjects.h"
-#include "entry/RuntimeFunctions.h"
+#include "entry/runtime/RuntimeFunctions.h"
 
 #include <cstring>
 

@@ -1,6 +1,6 @@
 /** The functions of the grabber runtime, bound by name. */
-#ifndef ENTRY_RUNTIMEFUNCTIONS_H
-#define ENTRY_RUNTIMEFUNCTIONS_H
+#ifndef ENTRY_RUNTIME_RUNTIMEFUNCTIONS_H
+#define ENTRY_RUNTIME_RUNTIMEFUNCTIONS_H
 
 #include "vexo/grabber_runtime.h"
 
@@ -19,7 +19,7 @@ Result callOr(std::type_identity_t<Result> missing, Result (*function)(Parameter
 /** Null where the runtime lacks a function. */
 struct RuntimeFunctions {
 #define RUNTIME_FUNCTION(name, type) type* name = nullptr;
-#include "entry/runtime_functions.def"
+#include "entry/runtime/runtime_functions.def"
 #undef RUNTIME_FUNCTION
 
     /** The parameter access functions answer 0 and do nothing: what an object without a runtime works on. */

@@ -1,6 +1,6 @@
 /** The blocks of data that the library carries. */
-#ifndef ENTRY_EMBEDDED_DATA_H
-#define ENTRY_EMBEDDED_DATA_H
+#ifndef ENTRY_API_EMBEDDED_DATA_H
+#define ENTRY_API_EMBEDDED_DATA_H
 
 #include <cstddef>
 

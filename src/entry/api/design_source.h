@@ -1,6 +1,6 @@
 /** Where the design comes from. */
-#ifndef ENTRY_DESIGN_SOURCE_H
-#define ENTRY_DESIGN_SOURCE_H
+#ifndef ENTRY_API_DESIGN_SOURCE_H
+#define ENTRY_API_DESIGN_SOURCE_H
 
 #include "vexo/design_loader.h"
 

@@ -1,6 +1,6 @@
 // Construction of the object, with a board or offline, and its start values.
 
-#include "entry/design_source.h"
+#include "entry/api/design_source.h"
 #include "entry/sdk_parameters.h"
 #include "entry/setter_tools.h"
 #include "vexo/fg_api.h"
@@ -30,11 +30,6 @@ FgLoomWrapperImpl::FgLoomWrapperImpl(int ports, bool offline) : PublishedParamet
     PublishedParameters::buildParameterInfo();
     discoverDebugInterface();
     applyDefaults();
-}
-
-FgLoomWrapperImpl::~FgLoomWrapperImpl() {
-    for (const char* text : m_allocatedStrings)
-        delete[] text;
 }
 
 void FgLoomWrapperImpl::initializeMembers() {
