@@ -2,8 +2,8 @@
 // are taken from all that were ever handed out, so that closed ones and those of another kind come as well. Whatever is
 // called, in whatever order, answers one of the standard's codes, and nothing is left open at the end.
 
+#include "invariants.h"
 #include "producer/gentl.h"
-#include "promise.h"
 #include "support/temporary_folder.h"
 
 #include <array>

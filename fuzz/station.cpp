@@ -2,7 +2,7 @@
 // A call is one byte for the function and what else it takes. No call fails, blocks or writes past what it was given,
 // and the same list on another board has the same answers.
 
-#include "promise.h"
+#include "invariants.h"
 #include "station/Board.h"
 #include "vexo/design_loader.h"
 #include "vexo/fg_errors.h"

@@ -1,4 +1,4 @@
-#include "least_work.h"
+#include "baseline_work.h"
 
 #include <cstdlib>
 #include <fcntl.h>

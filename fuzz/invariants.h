@@ -1,6 +1,6 @@
 /** What the fuzz targets share. */
-#ifndef FUZZ_PROMISE_H
-#define FUZZ_PROMISE_H
+#ifndef FUZZ_INVARIANTS_H
+#define FUZZ_INVARIANTS_H
 
 #include <algorithm>
 #include <cstdint>
@@ -17,10 +17,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
 namespace fuzz {
 
-/** Ends the program, so that the input is kept, unless the promise holds. `about` says of what it speaks. */
-inline void require(bool holds, const char* promise, int about = 0) {
+/** Ends the program, so that the input is kept, unless the invariant holds. `about` is a number to print with it. */
+inline void require(bool holds, const char* invariant, int about = 0) {
     if (holds) return;
-    std::fprintf(stderr, "broken promise: %s (%d)\n", promise, about);
+    std::fprintf(stderr, "broken invariant: %s (%d)\n", invariant, about);
     std::abort();
 }
 

@@ -2,8 +2,8 @@
  * The least that a routed call can cost: an error-checking mutex taken and released, a count that changes under it,
  * one virtual call, one switch over ids, one indirect call for each access of the design, and the last error stored.
  */
-#ifndef BENCH_LEAST_H
-#define BENCH_LEAST_H
+#ifndef BENCH_BASELINE_H
+#define BENCH_BASELINE_H
 
 #include "vexo/grabber_runtime.h"
 
@@ -11,11 +11,11 @@
 #include <cstdint>
 #include <pthread.h>
 
-class LeastWrapper {
+class BaselineWrapper {
 public:
     static constexpr int parameters = 164;
 
-    virtual ~LeastWrapper() = default;
+    virtual ~BaselineWrapper() = default;
     virtual int set(int id, const void* value) = 0;
     virtual int get(int id, void* value) = 0;
     /** What an enumeration asks: no lock, one load. */
@@ -23,7 +23,7 @@ public:
 };
 
 /** Made in another translation unit, so that its calls stay virtual. */
-LeastWrapper* makeLeastWrapper(grabcore_setParameterWithType* runtimeSet,
-                               grabcore_getParameterWithType* runtimeGet);
+BaselineWrapper* makeBaselineWrapper(grabcore_setParameterWithType* runtimeSet,
+                                     grabcore_getParameterWithType* runtimeGet);
 
 #endif

@@ -1,6 +1,6 @@
 /** The applet library on platform libraries that do nothing. */
-#ifndef BENCH_INERT_APPLET_H
-#define BENCH_INERT_APPLET_H
+#ifndef BENCH_STUB_APPLET_H
+#define BENCH_STUB_APPLET_H
 
 #include "vexo/fg_api.h"
 #include "vexo/grabber_runtime.h"
@@ -11,7 +11,7 @@
 std::filesystem::path libraryFolder();
 
 /** The functions that are measured, and the runtime's two that the least possible call goes through. */
-struct InertApplet {
+struct StubApplet {
     decltype(&::Std_entry) Std_entry;
     decltype(&::Fg_setParameterWithType) set;
     decltype(&::Fg_getParameterWithType) get;
@@ -26,17 +26,17 @@ struct InertApplet {
     grabcore_getParameterIdByName* runtimeIdByName;
 
     /** Loaded once, ends the program with a message if that fails. */
-    static const InertApplet& instance();
+    static const StubApplet& instance();
 };
 
 /** A brought-up handle. */
-class InertHandle {
+class StubHandle {
 public:
-    explicit InertHandle(int flags = 0)
-        : m_object(InertApplet::instance().Std_entry(nullptr, nullptr, flags)) {}
-    ~InertHandle() { InertApplet::instance().free(fg()); }
-    InertHandle(const InertHandle&) = delete;
-    InertHandle& operator=(const InertHandle&) = delete;
+    explicit StubHandle(int flags = 0)
+        : m_object(StubApplet::instance().Std_entry(nullptr, nullptr, flags)) {}
+    ~StubHandle() { StubApplet::instance().free(fg()); }
+    StubHandle(const StubHandle&) = delete;
+    StubHandle& operator=(const StubHandle&) = delete;
     Fg_Struct* fg() { return reinterpret_cast<Fg_Struct*>(&m_object); }
 
 private:

@@ -1,8 +1,8 @@
 /** Work that several operations cannot do without: what they are measured against is put together of it. */
-#ifndef BENCH_LEAST_WORK_H
-#define BENCH_LEAST_WORK_H
+#ifndef BENCH_BASELINE_WORK_H
+#define BENCH_BASELINE_WORK_H
 
-#include "inert_applet.h"
+#include "stub_applet.h"
 
 #include <benchmark/benchmark.h>
 
@@ -17,7 +17,7 @@
 constexpr std::size_t lutEntries = 16384;
 
 /** Three tables, of which the first is computed and the others are copies. */
-struct LeastTables {
+struct BaselineTables {
     std::array<std::uint32_t, lutEntries> red, green, blue;
 
     /** One pass of the formula without a power, two copies, three writes. */
@@ -33,14 +33,14 @@ struct LeastTables {
         benchmark::ClobberMemory();
         for (int color = 1; color <= 3; ++color)
             benchmark::DoNotOptimize(
-                InertApplet::instance().runtimeSet(nullptr, color, &blue, 0, FG_PARAM_FIELD_ACCESS));
+                StubApplet::instance().runtimeSet(nullptr, color, &blue, 0, FG_PARAM_FIELD_ACCESS));
     }
 };
 
 inline void designWrites(int count) {
     std::uint32_t value = 1;
     for (int i = 0; i < count; ++i)
-        benchmark::DoNotOptimize(InertApplet::instance().runtimeSet(nullptr, i, &value, 0, FG_PARAM_UINT32));
+        benchmark::DoNotOptimize(StubApplet::instance().runtimeSet(nullptr, i, &value, 0, FG_PARAM_UINT32));
 }
 
 inline std::string contentOf(const std::string& file) {

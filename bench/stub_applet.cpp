@@ -1,4 +1,4 @@
-#include "inert_applet.h"
+#include "stub_applet.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -24,15 +24,15 @@ std::filesystem::path libraryFolder() {
     return std::filesystem::read_symlink("/proc/self/exe").parent_path().parent_path() / "lib";
 }
 
-const InertApplet& InertApplet::instance() {
-    static const InertApplet applet = [] {
+const StubApplet& StubApplet::instance() {
+    static const StubApplet applet = [] {
         std::thread([] {}).join(); // hosts have threads, and the C library's mutexes are cheaper without any
         const std::filesystem::path folder = libraryFolder();
-        opened(folder / "inert/libvexo_hw.so");
-        opened(folder / "inert/libtslrt.so");
-        void* runtime = opened(folder / "inert/libgrabcore5.so");
+        opened(folder / "stub/libvexo_hw.so");
+        opened(folder / "stub/libtslrt.so");
+        void* runtime = opened(folder / "stub/libgrabcore5.so");
         void* library = opened(folder / "libGrab_TwinLaneLineColor.so");
-        InertApplet found{};
+        StubApplet found{};
         find(library, "Std_entry", found.Std_entry);
         find(library, "Fg_setParameterWithType", found.set);
         find(library, "Fg_getParameterWithType", found.get);

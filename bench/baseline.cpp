@@ -1,4 +1,4 @@
-#include "least.h"
+#include "baseline.h"
 
 #include <array>
 #include <cstring>
@@ -46,9 +46,9 @@ private:
     CountingLock& m_lock;
 };
 
-class Least final : public LeastWrapper {
+class Baseline final : public BaselineWrapper {
 public:
-    Least(grabcore_setParameterWithType* runtimeSet, grabcore_getParameterWithType* runtimeGet)
+    Baseline(grabcore_setParameterWithType* runtimeSet, grabcore_getParameterWithType* runtimeGet)
         : m_runtimeSet(runtimeSet)
         , m_runtimeGet(runtimeGet) {}
 
@@ -166,7 +166,7 @@ private:
 
 } // namespace
 
-LeastWrapper* makeLeastWrapper(grabcore_setParameterWithType* runtimeSet,
-                               grabcore_getParameterWithType* runtimeGet) {
-    return new Least(runtimeSet, runtimeGet);
+BaselineWrapper* makeBaselineWrapper(grabcore_setParameterWithType* runtimeSet,
+                                     grabcore_getParameterWithType* runtimeGet) {
+    return new Baseline(runtimeSet, runtimeGet);
 }
