@@ -186,10 +186,10 @@ std::vector<Finding> judgeLines(ScratchSession& session, FileKeys& keys, const s
                                 const ConfigurationFile& asked, const ConfigurationFile& state) {
     constexpr std::size_t mostUnknown = 20;
     std::vector<Finding> findings;
-    std::size_t unknown = 0, told = 0;
+    std::size_t unknown = 0, done = 0;
     Judge judge(session, file, asked, state);
     for (const auto& line : asked.values()) {
-        session.tellProgress(told++, asked.values().size());
+        session.tellProgress(done++, asked.values().size());
         if (keys.defaults().values().find(line.key) == nullptr) {
             if (++unknown <= mostUnknown) findings.push_back(unknownKey(session.parameters(), line.key));
             continue;

@@ -27,7 +27,7 @@ enum class FileRoles { unasked, asked };
 
 /** By name. File roles cost a load each. */
 std::map<std::string, DefaultAndRole>
-backgroundOf(LiveSession& live, const std::vector<const Parameter*>& parameters, FileRoles roles);
+defaultsAndRolesOf(LiveSession& live, const std::vector<const Parameter*>& parameters, FileRoles roles);
 
 /** "saved, and restored by a load". */
 std::string fileRoleInWords(const std::string& role);
