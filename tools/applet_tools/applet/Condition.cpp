@@ -225,9 +225,9 @@ void Condition::addTargets(const Node& node, std::vector<Target>& targets) {
         addTargets(part, targets);
 }
 
-bool Condition::holds(const Reader& read) const { return holds(m_root, read); }
+bool Condition::holds(const ReadFunction& read) const { return holds(m_root, read); }
 
-bool Condition::holds(const Node& node, const Reader& read) {
+bool Condition::holds(const Node& node, const ReadFunction& read) {
     const auto isTrue = [&](const Node& part) { return holds(part, read); };
     if (node.kind == Node::Kind::any) return std::ranges::any_of(node.parts, isTrue);
     if (node.kind == Node::Kind::all) return std::ranges::all_of(node.parts, isTrue);
