@@ -1,5 +1,5 @@
-// What the station costs: a simulated second by the events in it, and a picture beside a plain loop that only looks up
-// each component of it.
+// What the station costs: a simulated second by the events in it, and a picture beside a plain loop that only
+// looks up each component of it.
 
 #include "station/Station.h"
 #include "station/picture/Packing.h"

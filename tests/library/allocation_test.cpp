@@ -1,5 +1,5 @@
-// A routed access of a number allocates nothing, a load nothing for each line; neither a load nor a place for long texts
-// takes memory that is not needed.
+// A routed access of a number allocates nothing, a load nothing for each line; neither a load nor a place for
+// long texts takes memory that is not needed.
 
 #include "tests/support/applet_fixture.h"
 #include "tests/support/counted_malloc.h"

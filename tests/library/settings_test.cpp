@@ -1,6 +1,7 @@
-// Settings: each file of tests/data/settings is a list of commands with what each must answer. What a set answers is its
-// code, all that reaches the design up to its last write, and every other thing that a client can see move: values and
-// published limits. SETTINGS_RENEW=1 writes the files anew from the library's answers; review the difference.
+// Settings: each file of tests/data/settings is a list of commands with what each must answer. What a set
+// answers is its code, all that reaches the design up to its last write, and every other thing that a client
+// can see move: values and published limits. SETTINGS_RENEW=1 writes the files anew from the library's
+// answers; review the difference.
 //
 //   restart [NAME VALUE]...     a new handle on a board with its start values, but for these of the design
 //   restart failing NAME CODE   the same with failing accesses of a parameter
@@ -10,8 +11,9 @@
 //   fail K CODE                 the K-th access of the next set fails
 //   lack NAME, alias NEW NAME   from the next restart on; restore: takes both back
 //   mark                        published maxima that can move become 7777, to see which ones a set refreshes
-//   set NAME VALUE...           sets the values one after the other. 1.5+ is the next number above 1.5, 1.5- the one below;
-//                               max, max+4, max- count from the published maximum; most is the largest multiple in it
+//   set NAME VALUE...           sets the values one after the other. 1.5+ is the next number above 1.5, 1.5- the one
+//                               below; max, max+4, max- count from the published maximum; most is the largest
+//                               multiple in it
 //   file NAME VALUE             loads the present state, then with this value: which accesses came (+) and went (-)
 //   saved NAME...               the lines of a save
 //   write FILE LINE...          makes a file; a line 0..9,7; is ten lines, 0,7; to 9,7;

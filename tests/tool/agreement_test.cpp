@@ -144,9 +144,9 @@ std::set<std::string> refusedBy(const json& findings, const std::set<std::string
 }
 
 /**
- * A saved file in which a third of the numbers are such as a load refuses, too small (0) or too large (1). Of parameters
- * that differ in a digit only, such as those of the outputs, only the first is edited. Each refusal costs the commands
- * a search for what would be accepted.
+ * A saved file in which a third of the numbers are such as a load refuses, too small (0) or too large (1).
+ * Of parameters that differ in a digit only, such as those of the outputs, only the first is edited. Each
+ * refusal costs the commands a search for what would be accepted.
  */
 std::string spoilt(const std::string& saved, std::size_t third) {
     std::istringstream text(saved);

@@ -2,9 +2,9 @@
 
 #include "support/Fg_Error.h"
 #include "support/Logging.h"
+#include "support/sdk_directory.h"
 #include "tests/support/recording_dispatcher.h"
 #include "tests/support/sanitizers.h"
-#include "support/sdk_directory.h"
 #include "tests/support/temporary_folder.h"
 
 #include <gtest/gtest.h>
@@ -190,7 +190,8 @@ const struct {
     {"busy shutdown", "/tmp/y.so", &dispatcherShutsDownWhileOthersLog},
 };
 
-/** Runs a scenario in a process whose file seems to lie at `file`, in the SDK folder, without the environment variable. */
+/** Runs a scenario in a process whose file seems to lie at `file`, in the SDK folder, without the environment
+ *  variable. */
 int runScenario(const char* file, const char* scenario) {
     const std::string program =
         std::filesystem::read_symlink("/proc/self/exe"); // under valgrind the link is its own

@@ -1,5 +1,5 @@
-// Lookup tables in files: what is written to the byte, and the arguments of a load. What the lenient reader makes of any
-// file, the fuzz target lut compares with the C library.
+// Lookup tables in files: what is written to the byte, and the arguments of a load. What the lenient reader
+// makes of any file, the fuzz target lut compares with the C library.
 
 #include "files/Fg_LutFileParser.h"
 

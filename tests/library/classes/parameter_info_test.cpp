@@ -1,5 +1,5 @@
-// The tree of parameter descriptions as a class: what the applet's own tree does not have. That one is compared as a whole.
-// The address sanitizer sees whether a tree leaves something behind.
+// The tree of parameter descriptions as a class: what the applet's own tree does not have. That one is
+// compared as a whole. The address sanitizer sees whether a tree leaves something behind.
 #include "catalogue/Fg_ParameterInfo.h"
 
 #include <gtest/gtest.h>
