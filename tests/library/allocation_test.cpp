@@ -1,9 +1,9 @@
 // A routed access of a number allocates nothing, a load nothing for each line; neither a load nor a place for
 // long texts takes memory that is not needed.
 
-#include "tests/support/applet_fixture.h"
-#include "tests/support/counted_malloc.h"
-#include "tests/support/temporary_folder.h"
+#include "support/applet_fixture.h"
+#include "support/counted_malloc.h"
+#include "support/temporary_folder.h"
 
 #include <fstream>
 #include <malloc.h>

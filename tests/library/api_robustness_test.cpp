@@ -1,9 +1,9 @@
 // Callers that err: handles that are none, ids beside the known ones with any tag and DMA channel, questions that
 // are unknown, texts that break a careless reader. Places have exactly the size that is passed.
 
-#include "tests/support/applet_fixture.h"
-#include "tests/support/sanitizers.h"
-#include "tests/support/temporary_folder.h"
+#include "support/applet_fixture.h"
+#include "support/sanitizers.h"
+#include "support/temporary_folder.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,7 +1,7 @@
 // The exported functions as such: forwarding, shading, widths, temporary files.
 
-#include "tests/support/every_call.h"
-#include "tests/support/temporary_folder.h"
+#include "support/every_call.h"
+#include "support/temporary_folder.h"
 
 #include <fcntl.h>
 #include <filesystem>

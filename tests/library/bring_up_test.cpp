@@ -1,8 +1,8 @@
 // From Std_entry to Fg_FreeGrabber: what is missing, what is refused, what is left behind.
 
-#include "tests/support/every_call.h"
-#include "tests/support/sanitizers.h"
-#include "tests/support/temporary_folder.h"
+#include "support/every_call.h"
+#include "support/sanitizers.h"
+#include "support/temporary_folder.h"
 
 #include <dlfcn.h>
 #include <filesystem>

@@ -1,8 +1,8 @@
 // Configuration files through the exported functions: what a save tells, what a load does with each key, and
 // what it makes of files of something else.
 
-#include "tests/support/applet_fixture.h"
-#include "tests/support/temporary_folder.h"
+#include "support/applet_fixture.h"
+#include "support/temporary_folder.h"
 
 #include <gmock/gmock.h>
 

@@ -1,7 +1,7 @@
 // Texts of the design and of the runtime: of any length, and those that call back.
 
-#include "tests/support/applet_fixture.h"
-#include "tests/support/sanitizers.h"
+#include "support/applet_fixture.h"
+#include "support/sanitizers.h"
 
 namespace {
 

@@ -2,9 +2,9 @@
 //
 // The library is loaded and unloaded here, so that each test has a host of its own.
 
-#include "tests/support/applet_fixture.h"
-#include "tests/support/sanitizers.h"
-#include "tests/support/temporary_folder.h"
+#include "support/applet_fixture.h"
+#include "support/sanitizers.h"
+#include "support/temporary_folder.h"
 
 #include <gmock/gmock.h>
 

@@ -1,8 +1,8 @@
 // A runtime that lacks functions: none, one, two or all of them. Each exported function shows what it needs,
 // and nothing else. And handles that are none.
-#include "tests/support/every_call.h"
-#include "tests/support/sanitizers.h"
-#include "tests/support/temporary_folder.h"
+#include "support/every_call.h"
+#include "support/sanitizers.h"
+#include "support/temporary_folder.h"
 
 #include <set>
 

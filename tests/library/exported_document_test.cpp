@@ -1,8 +1,8 @@
 // The XML document as a client gets it: whole, as data; sizes and codes; what it shows of a live tree.
 
-#include "tests/support/applet_fixture.h"
-#include "tests/support/faults.h"
-#include "tests/support/temporary_folder.h"
+#include "support/applet_fixture.h"
+#include "support/faults.h"
+#include "support/temporary_folder.h"
 
 #include <gmock/gmock.h>
 

@@ -1,9 +1,9 @@
 // Every access that a set or a get makes fails in turn, once or from then on, in every mode that changes what
 // is accessed: the code comes through, the value stays, and the same call without a fault ends as ever.
 
-#include "tests/support/applet_fixture.h"
-#include "tests/support/faults.h"
-#include "tests/support/temporary_folder.h"
+#include "support/applet_fixture.h"
+#include "support/faults.h"
+#include "support/temporary_folder.h"
 
 #include <algorithm>
 #include <bit>

@@ -1,9 +1,9 @@
 // What a caller may name as a file: large files made to be slow, and paths that lead to no file, for
 // configurations and for lookup tables.
 
-#include "tests/support/applet_fixture.h"
-#include "tests/support/sanitizers.h"
-#include "tests/support/temporary_folder.h"
+#include "support/applet_fixture.h"
+#include "support/sanitizers.h"
+#include "support/temporary_folder.h"
 
 #include <gmock/gmock.h>
 

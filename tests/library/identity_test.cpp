@@ -1,6 +1,6 @@
 // Names, indices and ids of parameters; names and masks of events.
 
-#include "tests/support/applet_fixture.h"
+#include "support/applet_fixture.h"
 
 #include <algorithm>
 #include <map>

@@ -1,6 +1,6 @@
 // The stateless query function, and the instance without a board that it makes.
 
-#include "tests/support/every_call.h"
+#include "support/every_call.h"
 
 #include <cstring>
 #include <numeric>

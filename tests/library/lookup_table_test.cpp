@@ -1,5 +1,5 @@
 // Lookup table: records of elements; what the cache holds against what the board was sent. Files: see data/settings.
-#include "tests/support/applet_fixture.h"
+#include "support/applet_fixture.h"
 
 #include <algorithm>
 #include <array>

@@ -1,9 +1,9 @@
 // Without memory: a call ends with std::bad_alloc or a code that says so; nothing leaks, no lock stays taken, and the
 // next call works. Each allocation of the calls below fails, alone and with all that follow.
 
-#include "tests/support/counted_malloc.h"
-#include "tests/support/every_call.h"
-#include "tests/support/temporary_folder.h"
+#include "support/counted_malloc.h"
+#include "support/every_call.h"
+#include "support/temporary_folder.h"
 
 #include <algorithm>
 #include <cstring>

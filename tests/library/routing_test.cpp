@@ -1,6 +1,6 @@
 // Routing of a parameter access: spaces of ids, widths, refusals and their log lines, ownership of texts.
 
-#include "tests/support/applet_fixture.h"
+#include "support/applet_fixture.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,8 +1,8 @@
 // A start, a save and a load are many calls in a row, of which one that fails ends itself alone: every access of them
 // fails in turn, once or from then on.
-#include "tests/support/applet_fixture.h"
-#include "tests/support/faults.h"
-#include "tests/support/temporary_folder.h"
+#include "support/applet_fixture.h"
+#include "support/faults.h"
+#include "support/temporary_folder.h"
 
 #include <algorithm>
 

@@ -23,8 +23,8 @@
 //   get NAME..., limits NAME    values; published limits
 //   table NAME CONTENT          elements of a table, as the applet and the board have them
 //   quiet on|off, short on|off  no answers; answers without the accesses
-#include "tests/support/applet_fixture.h"
-#include "tests/support/temporary_folder.h"
+#include "support/applet_fixture.h"
+#include "support/temporary_folder.h"
 
 #include "vexo/fg_errors.h"
 

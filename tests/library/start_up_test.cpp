@@ -1,7 +1,7 @@
 // What a start does with the design: it reads what there is, then writes the defaults, one setter after the
 // other, each for itself.
 
-#include "tests/support/applet_fixture.h"
+#include "support/applet_fixture.h"
 
 namespace {
 

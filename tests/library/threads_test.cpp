@@ -1,11 +1,11 @@
 // Many threads on one handle, on handles of their own and on each other's texts; threads that end inside an
 // access.
 
-#include "tests/support/applet_fixture.h"
-#include "tests/support/faults.h"
-#include "tests/support/sanitizers.h"
-#include "tests/support/stress.h"
-#include "tests/support/temporary_folder.h"
+#include "support/applet_fixture.h"
+#include "support/faults.h"
+#include "support/sanitizers.h"
+#include "support/stress.h"
+#include "support/temporary_folder.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 // The published tree of parameters, record by record, against the listing in tests/data.
 
-#include "tests/support/applet_fixture.h"
+#include "support/applet_fixture.h"
 
 #include <algorithm>
 #include <charconv>

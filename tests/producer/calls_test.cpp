@@ -1,6 +1,6 @@
 // Every function of the producer with every wrong argument: the code of the standard, and nothing else.
 
-#include "tests/support/producer_session.h"
+#include "support/producer_session.h"
 
 #include <gtest/gtest.h>
 

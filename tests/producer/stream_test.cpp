@@ -1,7 +1,7 @@
 // Pictures of the producer: what comes, when it is stopped, flushed, revoked, and from many threads.
 
-#include "tests/support/producer_session.h"
-#include "tests/support/sanitizers.h"
+#include "support/producer_session.h"
+#include "support/sanitizers.h"
 
 #include <dlfcn.h>
 #include <gtest/gtest.h>

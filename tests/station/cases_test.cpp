@@ -3,7 +3,7 @@
 //   what it is | VALUES | ACTIONS | QUESTION = ANSWER | QUESTION = ANSWER ...
 // Actions are those of Trial::play. Signals go by the number that selects them.
 
-#include "tests/support/station_board.h"
+#include "support/station_board.h"
 
 #include <cstdio>
 #include <fstream>

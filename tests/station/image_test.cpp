@@ -1,6 +1,6 @@
 // From lines to pictures: image trigger, memory, waiting. Lines of 20 ticks start every 100 ticks, from 0 on.
 
-#include "tests/support/station_board.h"
+#include "support/station_board.h"
 
 namespace station {
 namespace {

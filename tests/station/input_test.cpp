@@ -1,6 +1,6 @@
 // The inputs and what follows from them: waves, debouncing, encoder, line trigger. Times in ticks of 8 ns.
 
-#include "tests/support/station_board.h"
+#include "support/station_board.h"
 
 #include <limits>
 

@@ -1,7 +1,7 @@
 // From the components of a line to bytes in memory, and the way of an image through buffer and DMA. Numbers are worked
 // out by hand.
 
-#include "tests/support/station_board.h"
+#include "support/station_board.h"
 
 namespace station {
 namespace {

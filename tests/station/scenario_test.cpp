@@ -1,7 +1,7 @@
 // Whole runs: what one part says must agree with what another says, and the same writes give the same run.
 
 #include "station/Settings.h"
-#include "tests/support/station_board.h"
+#include "support/station_board.h"
 
 #include <random>
 

@@ -1,6 +1,6 @@
 // Times of signals and lines. All numbers are worked out by hand, in ticks of 8 ns.
 
-#include "tests/support/station_board.h"
+#include "support/station_board.h"
 
 namespace station {
 namespace {

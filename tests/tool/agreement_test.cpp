@@ -1,8 +1,8 @@
 // What appletctl says of a state holds: undo comes back to it, lint and check agree on it, and its advice is accepted.
 
-#include "tests/support/appletctl_program.h"
-#include "tests/support/sanitizers.h"
-#include "tests/support/temporary_folder.h"
+#include "support/appletctl_program.h"
+#include "support/sanitizers.h"
+#include "support/temporary_folder.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // What transcripts (tests/data/appletctl) cannot show: rows of all commands, readings that change, signals.
 
-#include "tests/support/appletctl_program.h"
+#include "support/appletctl_program.h"
 
 #include <gtest/gtest.h>
 

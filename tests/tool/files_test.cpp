@@ -1,8 +1,8 @@
 // Files that appletctl reads and writes when something is in the way: no room, a signal, a file that is cut off.
 
-#include "tests/support/appletctl_program.h"
-#include "tests/support/sanitizers.h"
-#include "tests/support/temporary_folder.h"
+#include "support/appletctl_program.h"
+#include "support/sanitizers.h"
+#include "support/temporary_folder.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // appletctl on a terminal: colours, widths, progress, questions, the shell's keys, a watch that redraws.
 
-#include "tests/support/appletctl_program.h"
-#include "tests/support/temporary_folder.h"
+#include "support/appletctl_program.h"
+#include "support/temporary_folder.h"
 
 #include <gtest/gtest.h>
 

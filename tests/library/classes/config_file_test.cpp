@@ -3,9 +3,9 @@
 
 #include "files/Fg_ConfigFileParser.h"
 #include "files/TextFile.h"
-#include "tests/support/hindered_calls.h"
-#include "tests/support/stress.h"
-#include "tests/support/temporary_folder.h"
+#include "support/hindered_calls.h"
+#include "support/stress.h"
+#include "support/temporary_folder.h"
 
 #include <gtest/gtest.h>
 

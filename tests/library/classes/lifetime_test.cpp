@@ -1,6 +1,6 @@
 #include "templates/patterns/LibraryGuard.h"
 
-#include "tests/support/stress.h"
+#include "support/stress.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
-#include "tests/support/sanitizers.h"
-#include "tests/support/stress.h"
+#include "support/sanitizers.h"
+#include "support/stress.h"
 #include "templates/platform/CriticalSection.h"
 #include "templates/platform/ReadWriteLock.h"
 #include "templates/platform/RecursiveMutex.h"

@@ -2,10 +2,10 @@
 
 #include "support/Fg_Error.h"
 #include "support/Logging.h"
+#include "support/recording_dispatcher.h"
+#include "support/sanitizers.h"
 #include "support/sdk_directory.h"
-#include "tests/support/recording_dispatcher.h"
-#include "tests/support/sanitizers.h"
-#include "tests/support/temporary_folder.h"
+#include "support/temporary_folder.h"
 
 #include <gtest/gtest.h>
 

@@ -3,7 +3,7 @@
 
 #include "files/Fg_LutFileParser.h"
 
-#include "tests/support/temporary_folder.h"
+#include "support/temporary_folder.h"
 
 #include <gtest/gtest.h>
 

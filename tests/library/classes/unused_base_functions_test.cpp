@@ -3,7 +3,7 @@
 #include "entry/FgLoomWrapperImpl.h"
 #include "entry/LiveObjects.h"
 #include "support/Fg_Log.h"
-#include "tests/support/temporary_folder.h"
+#include "support/temporary_folder.h"
 
 #include <gtest/gtest.h>
 
