@@ -56,7 +56,7 @@ private:
     }
 };
 
-TEST_F(Allocation, NoneInARoutedAccessOfANumber) {
+TEST_F(Allocation, ARoutedAccessOfANumberHasNone) {
     std::uint32_t word = 0;
     double number = 0;
     for (const int id : {FG_WIDTH, FG_HEIGHT, FG_VANTAGEPOINT, FG_LINETRIGGERMODE, FG_EXSYNCON, FG_TIMEOUT}) {
@@ -79,7 +79,7 @@ TEST_F(Allocation, NoneInARoutedAccessOfANumber) {
               1);
 }
 
-TEST_F(Allocation, OfALoadDoNotGrowWithTheFile) {
+TEST_F(Allocation, ALoadHasNoMoreForALongerFile) {
     const auto countOfALoad = [&](std::size_t lines, const std::string& line) {
         writeFile(m_file, configuration(lines, line));
         return countOf([&] { load(m_file); });

@@ -188,7 +188,7 @@ protected:
     std::uint32_t element = 0;
 };
 
-TEST_F(AnyId, WithEveryTagAndChannel) {
+TEST_F(AnyId, AccessesWithEveryTagAndChannel) {
     ASSERT_EQ(known.size(), 165u);
     EXPECT_EQ(std::ranges::count_if(known, [](const auto& row) { return row.second.isReadOnly; }), 53);
     std::set<int> ids = {lowest, -1, 0, highest};
@@ -273,7 +273,7 @@ protected:
     }
 };
 
-TEST_F(Questions, KnownAndRandomOnesWithAndWithoutPlaces) {
+TEST_F(Questions, KnownAndRandomCodesWithAndWithoutPlaces) {
     const Grabber grabber(1); // so that events are known
     const auto known = knownQuestions();
     ASSERT_EQ(known.size(), 40u);
@@ -324,7 +324,7 @@ protected:
     const TemporaryFolder folder;
 };
 
-TEST_F(Texts, NothingIsFormattedOrCutShort) {
+TEST_F(Texts, HardTextsAreNeitherFormattedNorCutShort) {
     for (const std::string& value : hardTexts()) {
         SCOPED_TRACE(value.substr(0, 20) + ", length " + std::to_string(value.size()));
         EXPECT_EQ(applet.Fg_getParameterIdByName(grabber.fg(), value.c_str()), FG_ERR_INVALID_ARGUMENT);

@@ -186,7 +186,7 @@ TEST_F(ConfigurationTest, EachMissingKeyIsLostAlone) {
     EXPECT_EQ(save(grabber).value("FG_DEBUGFILE"), "'Error'");
 }
 
-TEST_F(ConfigurationTest, WhatSettersTookComesBack) {
+TEST_F(ConfigurationTest, SavedValuesComeBack) {
     // Values as a file has them, doubles with a point; some are refused, always or beside their neighbours.
     Grabber to(0); // has what it loaded before
     const std::vector<Lines> settable = dataRows("settable_values.txt");
@@ -228,7 +228,7 @@ TEST_F(ConfigurationTest, TextsAndDigitsAreCut) {
     EXPECT_EQ(grabber.value<double>(FG_SCALINGFACTOR_RED), 0.333333333333);
 }
 
-TEST_F(ConfigurationTest, WhateverIsThrownCostsItsLineAlone) {
+TEST_F(ConfigurationTest, AGetterThatThrowsCostsItsLineAlone) {
     Grabber grabber;
     start(grabber);
     Lines saved;

@@ -22,7 +22,7 @@ protected:
     }
 };
 
-TEST_F(DesignTexts, OfAnyLength) {
+TEST_F(DesignTexts, TextsOfAnyLengthAreRead) {
     for (const std::size_t length : {20u, 0u, 8192u, 8300u, 655360u, 655361u, 9u << 20}) {
         const std::string value(length, 'a');
         for (const auto& [id, name] :

@@ -75,7 +75,7 @@ protected:
     const std::vector<Call> all = everyCall(folder / "saved.mcf");
 };
 
-TEST_F(EntryPoints, EachMissingOneShowsWhereItIsNeededAndNowhereElse) {
+TEST_F(EntryPoints, EachMissingFunctionShowsWhereItIsNeededAndNowhereElse) {
     std::set<std::string> exported = {"Std_entry", "Fg_getLastErrorNumber", "Fg_FreeGrabber"};
     for (const Call& call : all)
         exported.insert(call.function);

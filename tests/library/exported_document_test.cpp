@@ -93,7 +93,7 @@ TEST_F(ExportedDocument, ShowsTheLimitsAndTheAccessOfTheMoment) {
     EXPECT_THAT(documentData(), HasSubstr("<Address>8112</Address>\n<Length>4</Length>\n<AccessMode>RW<"));
 }
 
-TEST_F(ExportedDocument, OfAnInstanceWithoutABoard) {
+TEST_F(ExportedDocument, InstanceWithoutABoard) {
     applet_host::GrabberHandle offline;
     ASSERT_EQ(applet.Info(FG_INFO_CREATE_OFFLINE, 0, 0, nullptr, &offline.object), 0);
     expectWhole(documentOf(offline.fg()));

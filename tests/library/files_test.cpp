@@ -202,7 +202,7 @@ TEST_F(FilesTest, PathsThatAreNoFile) {
     close(server);
 }
 
-TEST_F(FilesTest, FilesOfSomebodyElse) {
+TEST_F(FilesTest, FilesWithoutPermission) {
     const std::string path = folder / "state.mcf";
     ASSERT_EQ(save(path), FG_OK);
     ASSERT_EQ(chmod(path.c_str(), 0), 0);

@@ -98,7 +98,7 @@ TEST_F(LookupTable, ElementsAndRuns) {
     expectTables(expected, onBoard);
 }
 
-TEST_F(LookupTable, WhatIsRefused) {
+TEST_F(LookupTable, RefusedElementsAndRuns) {
     const Tables old = {ramp(5, 3), ramp(5, 3), ramp(5, 3)};
     fill(old);
     Table small(size + 1, 1), large(2, 65536);

@@ -147,7 +147,7 @@ TEST_F(OutOfMemory, ObjectsComeUpOrNothingStays) {
           1465);
 }
 
-TEST_F(OutOfMemory, WithDirectAccessAndLogLines) {
+TEST_F(OutOfMemory, DirectAccessAndLogLines) {
     setVariable("VEXO_ENABLE_DRA", "1");
     setVariable("VEXO_ENABLE_DLOOMA", "1");
     const AppletLog log(0);
@@ -188,7 +188,7 @@ TEST_F(OutOfMemory, EveryExportedFunctionEndsOrLeavesAndTheNextCallWorks) {
     sweep(rows, 2008);
 }
 
-TEST_F(OutOfMemory, NothingIsHalfDone) {
+TEST_F(OutOfMemory, SavesLoadsAndDocumentsAreWholeOrFail) {
     const TemporaryFolder folder;
     const std::string saved = folder / "saved.mcf", table = folder / "table.lut";
     {
@@ -236,7 +236,7 @@ TEST_F(OutOfMemory, NothingIsHalfDone) {
           1650);
 }
 
-TEST_F(OutOfMemory, ControlFunctionsOfTheBoardSaySo) {
+TEST_F(OutOfMemory, ControlFunctionsOfTheBoardAnswerACode) {
     const std::string longName(100, 'x'), text = "Device1_Process0_AppletProperties_AppletUid";
     const auto none = [](bool isThere) { return isThere ? FG_OK : int{VBOARD_NO_MEMORY}; };
     const auto opened = [&](Grabber&) {

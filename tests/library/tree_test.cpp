@@ -154,7 +154,7 @@ class TreeTest : public ParameterTest {};
 
 TEST_F(TreeTest, ShowsWhatTheDefaultsChanged) { EXPECT_EQ(Listing(tree()).lines, expectedTree(true)); }
 
-TEST_F(TreeTest, OfAnOfflineInstance) {
+TEST_F(TreeTest, OfflineInstance) {
     void* instance = nullptr;
     ASSERT_EQ(applet.Info(4864, 0, 0, nullptr, &instance), 0);
     RegisterInfo* root = nullptr;

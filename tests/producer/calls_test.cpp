@@ -342,7 +342,7 @@ TEST_P(ProducerCalls, EachCommandAnswersWithItsType) {
     }
 }
 
-TEST(ProducerSteps, EachHasItsCode) {
+TEST(ProducerSteps, EachStepHasItsCode) {
     support::ProducerSession session;
     BUFFER_HANDLE buffer{};
     support::ok(DSAllocAndAnnounceBuffer(session.stream, 16, nullptr, &buffer));

@@ -109,7 +109,7 @@ TEST(StationScenario, TheSameWritesGiveTheSameRun) {
         EXPECT_EQ(RandomRun(seed).play(1000), RandomRun(seed).play(1000)) << seed;
 }
 
-TEST(StationScenario, HowTimeIsCutIntoStepsDoesNotMatter) {
+TEST(StationScenario, TheLengthOfTimeStepsDoesNotMatter) {
     const auto run = [](const std::vector<Tick>& steps) {
         Trial one("LineTriggerMode=1 EncoderABMode=2 FreeRun_Select=0 TriggerValve_Mode=1 ExsyncExposure=2 "
                   "Exsync2Delay=3 Analyzer1_Select_SelectSignal_Select=34");

@@ -99,7 +99,7 @@ TEST_F(LutFile, HasAsManyElementsAsTheFileCouldHold) {
     EXPECT_STREQ(parser.parseKeyFromLine("c", "=").data(), "Error");
 }
 
-TEST_F(LutFile, GivesWhatItHasToAnyKindOfTable) {
+TEST_F(LutFile, FillsAnyKindOfTable) {
     fill("[red]\n0,10;\n1,1.5;\n[green]\n0,20;\n[blue]\n0,-0.25;\n");
     Fg_LutFileParser parser;
     KneeTable red(2), green(2), blue(1);

@@ -83,7 +83,7 @@ TEST(UnusedBaseFunctions, TheBaseKnowsEventsByTheirPlaceInTheDesign) {
         EXPECT_EQ(wrapper.FgLoomWrapper::Fg_getEventName(none), nullptr);
 }
 
-TEST(UnusedBaseFunctions, WhatTheAppletLacksIsNamed) {
+TEST(UnusedBaseFunctions, MissingFunctionsAreNamed) {
     FgLoomWrapperImpl wrapper(1, true);
     const std::pair<const char*, std::function<void()>> lacking[] = {
         {"processChannelToDma", [&] { wrapper.processChannelToDma(0, 0); }},
