@@ -4,17 +4,12 @@
 #include "vexo/fg_errors.h"
 #include "virtual_board/board/BoardStation.h"
 #include "virtual_board/board/Guard.h"
+#include "virtual_board/board/numbers.h"
 
 #include <algorithm>
 
 namespace vboard {
 namespace {
-
-int tagOf(Type type) {
-    constexpr int tags[] = {FG_PARAM_INT32,  FG_PARAM_UINT32, FG_PARAM_INT64,       FG_PARAM_UINT64,
-                            FG_PARAM_DOUBLE, FG_PARAM_TEXT,   FG_PARAM_FIELD_ACCESS};
-    return tags[static_cast<std::size_t>(type)];
-}
 
 /** An access of what `id` leads to in this design; its row is -1 if that is nothing. */
 Access parameterAccess(int kind, const Design& design, int id, int tag) {

@@ -47,28 +47,29 @@ template <typename Use> auto withNumber(Type type, std::uint64_t bits, Use use) 
     }
 }
 
+struct TagRow {
+    int tag;
+    Type type;
+};
+
+constexpr TagRow tagRows[] = {
+    {FG_PARAM_INT32, Type::i32},          {FG_PARAM_UINT32, Type::u32},      {FG_PARAM_INT64, Type::i64},
+    {FG_PARAM_UINT64, Type::u64},         {FG_PARAM_DOUBLE, Type::f64},      {FG_PARAM_TEXT, Type::text},
+    {FG_PARAM_FIELD_ACCESS, Type::field}, {FG_PARAM_FIELD_INT, Type::field},
+};
+
 } // namespace
 
 std::optional<Type> typeOfTag(int tag) {
-    switch (tag) {
-    case FG_PARAM_INT32:
-        return Type::i32;
-    case FG_PARAM_UINT32:
-        return Type::u32;
-    case FG_PARAM_INT64:
-        return Type::i64;
-    case FG_PARAM_UINT64:
-        return Type::u64;
-    case FG_PARAM_DOUBLE:
-        return Type::f64;
-    case FG_PARAM_TEXT:
-        return Type::text;
-    case FG_PARAM_FIELD_ACCESS:
-    case FG_PARAM_FIELD_INT:
-        return Type::field;
-    default:
-        return std::nullopt;
-    }
+    for (const TagRow& row : tagRows)
+        if (row.tag == tag) return row.type;
+    return {};
+}
+
+int tagOf(Type type) {
+    for (const TagRow& row : tagRows)
+        if (row.type == type) return row.tag;
+    return 0;
 }
 
 std::uint64_t converted(Type from, std::uint64_t bits, Type to) {

@@ -12,6 +12,8 @@ namespace vboard {
 
 /** The type of a tag; nothing for tags of allocated texts and unknown ones. */
 std::optional<Type> typeOfTag(int tag);
+/** The tag of a type; for a field, that of a run of elements. */
+int tagOf(Type type);
 
 constexpr bool isNumber(Type type) { return type != Type::text && type != Type::field; }
 
