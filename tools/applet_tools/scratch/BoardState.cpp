@@ -1,7 +1,7 @@
 #include "applet_tools/scratch/BoardState.h"
 
-#include "applet_tools/applet/ConfigurationFile.h"
-#include "applet_tools/applet/MemoryFile.h"
+#include "applet_tools/applet/files/ConfigurationFile.h"
+#include "applet_tools/applet/files/MemoryFile.h"
 #include "applet_tools/applet/hardware_values.h"
 
 #include "vexo/fg_errors.h"

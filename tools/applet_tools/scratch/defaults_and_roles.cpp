@@ -1,9 +1,9 @@
 #include "applet_tools/scratch/defaults_and_roles.h"
 
-#include "applet_tools/applet/ConfigurationFile.h"
 #include "applet_tools/applet/Effort.h"
-#include "applet_tools/applet/MemoryFile.h"
 #include "applet_tools/applet/access_log.h"
+#include "applet_tools/applet/files/ConfigurationFile.h"
+#include "applet_tools/applet/files/MemoryFile.h"
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/text.h"
 

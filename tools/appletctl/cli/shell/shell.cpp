@@ -6,7 +6,7 @@
 #include "applet_tools/scratch/History.h"
 #include "appletctl/cli/execute.h"
 #include "appletctl/cli/help.h"
-#include "appletctl/cli/line_input.h"
+#include "appletctl/cli/shell/line_input.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/lines.h"
 #include "appletctl/commands/shared_options.h"

@@ -1,9 +1,9 @@
 /** A scenario: a file of steps, each one a line, that bring a station up and say what is to come of it. */
-#ifndef APPLETCTL_CLI_SCENARIO_H
-#define APPLETCTL_CLI_SCENARIO_H
+#ifndef APPLETCTL_CLI_SCENARIO_SCENARIO_H
+#define APPLETCTL_CLI_SCENARIO_SCENARIO_H
 
-#include "appletctl/cli/ScenarioRunner.h"
 #include "appletctl/cli/command_line.h"
+#include "appletctl/cli/scenario/ScenarioRunner.h"
 
 #include <string>
 #include <vector>

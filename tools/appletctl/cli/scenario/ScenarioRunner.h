@@ -1,8 +1,8 @@
 /** What the steps of a scenario work on. */
-#ifndef APPLETCTL_CLI_SCENARIORUNNER_H
-#define APPLETCTL_CLI_SCENARIORUNNER_H
+#ifndef APPLETCTL_CLI_SCENARIO_SCENARIORUNNER_H
+#define APPLETCTL_CLI_SCENARIO_SCENARIORUNNER_H
 
-#include "appletctl/cli/StationState.h"
+#include "appletctl/cli/scenario/StationState.h"
 #include "appletctl/commands/Context.h"
 
 #include <cstddef>

@@ -1,6 +1,6 @@
 /** A file in memory that the applet reads and writes by a path. */
-#ifndef APPLET_TOOLS_APPLET_MEMORYFILE_H
-#define APPLET_TOOLS_APPLET_MEMORYFILE_H
+#ifndef APPLET_TOOLS_APPLET_FILES_MEMORYFILE_H
+#define APPLET_TOOLS_APPLET_FILES_MEMORYFILE_H
 
 #include <string>
 

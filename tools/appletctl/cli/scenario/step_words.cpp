@@ -1,4 +1,4 @@
-#include "appletctl/cli/step_words.h"
+#include "appletctl/cli/scenario/step_words.h"
 
 #include <algorithm>
 

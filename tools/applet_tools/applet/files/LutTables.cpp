@@ -1,4 +1,4 @@
-#include "applet_tools/applet/LutTables.h"
+#include "applet_tools/applet/files/LutTables.h"
 
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/files.h"

@@ -1,11 +1,11 @@
-#include "appletctl/cli/station_steps.h"
+#include "appletctl/cli/scenario/station_steps.h"
 
 #include "applet_tools/base/Interruption.h"
 #include "applet_tools/pictures/formats.h"
 #include "applet_tools/station/missing_picture.h"
 #include "applet_tools/station/picture_record.h"
 #include "applet_tools/station/waves.h"
-#include "appletctl/cli/step_words.h"
+#include "appletctl/cli/scenario/step_words.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 /** Configuration files (.mcf) as appletctl reads them. */
-#ifndef APPLET_TOOLS_APPLET_CONFIGURATIONFILE_H
-#define APPLET_TOOLS_APPLET_CONFIGURATIONFILE_H
+#ifndef APPLET_TOOLS_APPLET_FILES_CONFIGURATIONFILE_H
+#define APPLET_TOOLS_APPLET_FILES_CONFIGURATIONFILE_H
 
 #include "applet_tools/applet/Instance.h"
 #include "applet_tools/applet/values.h"

@@ -1,6 +1,6 @@
 /** What a word of a command line can become. */
-#ifndef APPLETCTL_CLI_CANDIDATES_H
-#define APPLETCTL_CLI_CANDIDATES_H
+#ifndef APPLETCTL_CLI_SHELL_CANDIDATES_H
+#define APPLETCTL_CLI_SHELL_CANDIDATES_H
 
 #include "applet_tools/applet/ParameterList.h"
 #include "applet_tools/base/words.h"

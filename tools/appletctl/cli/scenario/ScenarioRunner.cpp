@@ -1,4 +1,4 @@
-#include "appletctl/cli/ScenarioRunner.h"
+#include "appletctl/cli/scenario/ScenarioRunner.h"
 
 #include "applet_tools/applet/access_log.h"
 #include "applet_tools/base/errors.h"

@@ -1,4 +1,4 @@
-#include "appletctl/cli/line_input.h"
+#include "appletctl/cli/shell/line_input.h"
 
 #include "appletctl/base/output.h"
 

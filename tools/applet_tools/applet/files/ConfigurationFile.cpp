@@ -1,7 +1,7 @@
-#include "applet_tools/applet/ConfigurationFile.h"
+#include "applet_tools/applet/files/ConfigurationFile.h"
 
 #include "applet_tools/applet/Effort.h"
-#include "applet_tools/applet/MemoryFile.h"
+#include "applet_tools/applet/files/MemoryFile.h"
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"

@@ -1,8 +1,8 @@
 /** Lines that a person types, with history and completion where there is a library for that. */
-#ifndef APPLETCTL_CLI_LINE_INPUT_H
-#define APPLETCTL_CLI_LINE_INPUT_H
+#ifndef APPLETCTL_CLI_SHELL_LINE_INPUT_H
+#define APPLETCTL_CLI_SHELL_LINE_INPUT_H
 
-#include "appletctl/cli/candidates.h"
+#include "appletctl/cli/shell/candidates.h"
 
 #include <functional>
 #include <optional>

@@ -1,8 +1,8 @@
 /** Steps of a scenario that let the virtual board's station run, and say what is to come of it. */
-#ifndef APPLETCTL_CLI_STATION_STEPS_H
-#define APPLETCTL_CLI_STATION_STEPS_H
+#ifndef APPLETCTL_CLI_SCENARIO_STATION_STEPS_H
+#define APPLETCTL_CLI_SCENARIO_STATION_STEPS_H
 
-#include "appletctl/cli/Scenario.h"
+#include "appletctl/cli/scenario/Scenario.h"
 
 #include <string>
 

@@ -1,4 +1,4 @@
-#include "appletctl/cli/candidates.h"
+#include "appletctl/cli/shell/candidates.h"
 
 #include "applet_tools/applet/published_limits.h"
 #include "applet_tools/base/errors.h"

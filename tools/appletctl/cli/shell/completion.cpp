@@ -1,7 +1,7 @@
 // Completion of words in a shell: a script for it, and the words that the script asks for.
 
 #include "applet_tools/base/text.h"
-#include "appletctl/cli/candidates.h"
+#include "appletctl/cli/shell/candidates.h"
 #include "appletctl/commands/Command.h"
 
 #include <CLI/CLI.hpp>

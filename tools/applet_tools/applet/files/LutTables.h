@@ -1,6 +1,6 @@
 /** The lookup tables of the three colours: those of the applet, those of the board, what they are like. */
-#ifndef APPLET_TOOLS_APPLET_LUTTABLES_H
-#define APPLET_TOOLS_APPLET_LUTTABLES_H
+#ifndef APPLET_TOOLS_APPLET_FILES_LUTTABLES_H
+#define APPLET_TOOLS_APPLET_FILES_LUTTABLES_H
 
 #include "applet_tools/applet/values.h"
 

@@ -1,6 +1,6 @@
 /** What the steps of a scenario know of the station. */
-#ifndef APPLETCTL_CLI_STATIONSTATE_H
-#define APPLETCTL_CLI_STATIONSTATE_H
+#ifndef APPLETCTL_CLI_SCENARIO_STATIONSTATE_H
+#define APPLETCTL_CLI_SCENARIO_STATIONSTATE_H
 
 #include "applet_tools/station/Grabber.h"
 #include "applet_tools/station/signals.h"

@@ -4,7 +4,7 @@
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"
 #include "appletctl/base/layout.h"
-#include "appletctl/cli/Scenario.h"
+#include "appletctl/cli/scenario/Scenario.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/CommandRun.h"
 #include "appletctl/commands/shared_options.h"

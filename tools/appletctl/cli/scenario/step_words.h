@@ -1,6 +1,6 @@
 /** Words of a scenario's step as what they mean. All throw UsageError for words that mean nothing. */
-#ifndef APPLETCTL_CLI_STEP_WORDS_H
-#define APPLETCTL_CLI_STEP_WORDS_H
+#ifndef APPLETCTL_CLI_SCENARIO_STEP_WORDS_H
+#define APPLETCTL_CLI_SCENARIO_STEP_WORDS_H
 
 #include "applet_tools/applet/Condition.h"
 #include "applet_tools/base/errors.h"

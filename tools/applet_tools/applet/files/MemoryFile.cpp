@@ -1,4 +1,4 @@
-#include "applet_tools/applet/MemoryFile.h"
+#include "applet_tools/applet/files/MemoryFile.h"
 
 #include "applet_tools/applet/Instance.h"
 #include "applet_tools/base/errors.h"
