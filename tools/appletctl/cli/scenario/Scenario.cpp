@@ -27,15 +27,15 @@ int codeOf(const std::string& word) {
 
 // ---- Steps that expect something.
 
-void lookAtCondition(ScenarioRunner& station, const Step& step) {
-    const Condition condition(station.parameters(), step.rest);
+void lookAtCondition(ScenarioRunner& runner, const Step& step) {
+    const Condition condition(runner.parameters(), step.rest);
 }
 
-std::string expectValue(ScenarioRunner& station, const Step& step) {
-    const Condition condition(station.parameters(), step.rest);
+std::string expectValue(ScenarioRunner& runner, const Step& step) {
+    const Condition condition(runner.parameters(), step.rest);
     Words are;
     const auto read = [&](const Target& target) {
-        ReadResult reading = readValue(station.instance(), target);
+        ReadResult reading = readValue(runner.instance(), target);
         are.push_back(target.name() + (reading.error == FG_OK
                                            ? " = " + valueWithUnit(*target.parameter, reading.value)
                                            : " cannot be read: " + codeInWords(reading.error)));
@@ -44,7 +44,7 @@ std::string expectValue(ScenarioRunner& station, const Step& step) {
     return condition.holds(read) ? "" : join(are, ", ");
 }
 
-void lookAtName(ScenarioRunner& station, const Step& step) { station.parameters().find(step.words[0]); }
+void lookAtName(ScenarioRunner& runner, const Step& step) { runner.parameters().find(step.words[0]); }
 
 void checkLimit(const Words& words) {
     checkOneOf(words[1], {"minimum", "maximum", "increment"});
@@ -52,8 +52,8 @@ void checkLimit(const Words& words) {
     numberFrom(words[3]);
 }
 
-std::string expectLimit(ScenarioRunner& station, const Step& step) {
-    const Parameter& parameter = station.parameters().find(step.words[0]);
+std::string expectLimit(ScenarioRunner& runner, const Step& step) {
+    const Parameter& parameter = runner.parameters().find(step.words[0]);
     nlohmann::ordered_json described;
     addDescription(described, parameter);
     const auto limit = described.find(step.words[1]);
@@ -64,39 +64,39 @@ std::string expectLimit(ScenarioRunner& station, const Step& step) {
 
 void checkAccess(const Words& words) { checkOneOf(words[1], {"ro", "rw", "rw+"}); }
 
-std::string expectAccess(ScenarioRunner& station, const Step& step) {
-    const Parameter& parameter = station.parameters().find(step.words[0]);
+std::string expectAccess(ScenarioRunner& runner, const Step& step) {
+    const Parameter& parameter = runner.parameters().find(step.words[0]);
     const std::string access = accessWord(parameter);
     return access == step.words[1] ? "" : parameter.name + " is " + access;
 }
 
 void checkCode(const Words& words) { codeOf(words[0]); }
 
-void lookAtAssignment(ScenarioRunner& station, const Step& step) {
-    parseAssignments(station.parameters(), {step.words[1]});
+void lookAtAssignment(ScenarioRunner& runner, const Step& step) {
+    parseAssignments(runner.parameters(), {step.words[1]});
 }
 
-std::string expectCode(ScenarioRunner& station, const Step& step) {
-    station.forgetWrites();
-    const Report report = reportAssignments(station.instance(), station.parameters(), {step.words[1]});
+std::string expectCode(ScenarioRunner& runner, const Step& step) {
+    runner.forgetWrites();
+    const Report report = reportAssignments(runner.instance(), runner.parameters(), {step.words[1]});
     const auto& assignment = report.document["assignments"][0];
     const int code = assignment.contains("error") ? assignment["error"]["code"].get<int>() : int{FG_OK};
     if (code == codeOf(step.words[0])) return "";
     return code == FG_OK ? "it was accepted" : join(report.problems, "; ");
 }
 
-void lookAtWrite(ScenarioRunner& station, const Step& step) { station.requireKnownEnd(step.words[0]); }
+void lookAtWrite(ScenarioRunner& runner, const Step& step) { runner.requireKnownEnd(step.words[0]); }
 
-void lookAtBoard(ScenarioRunner& station, const Step&) { station.board(); }
+void lookAtBoard(ScenarioRunner& runner, const Step&) { runner.board(); }
 
-std::string expectWrite(ScenarioRunner& station, const Step& step) {
-    if (station.findWrite(step.words[0], step.words[1])) return "";
-    const Words left = station.writesLeft();
+std::string expectWrite(ScenarioRunner& runner, const Step& step) {
+    if (runner.findWrite(step.words[0], step.words[1])) return "";
+    const Words left = runner.writesLeft();
     return left.empty() ? "nothing was written" : "what was written is: " + join(left, ", ");
 }
 
-std::string expectNoWrite(ScenarioRunner& station, const Step&) {
-    const Words left = station.writesLeft();
+std::string expectNoWrite(ScenarioRunner& runner, const Step&) {
+    const Words left = runner.writesLeft();
     return left.empty() ? "" : "there was: " + join(left, ", ");
 }
 
@@ -113,9 +113,9 @@ Words eventNames(Instance& instance) {
     return names;
 }
 
-std::uint64_t eventMask(ScenarioRunner& station, const std::string& name) {
-    station.board();
-    Instance& instance = station.instance();
+std::uint64_t eventMask(ScenarioRunner& runner, const std::string& name) {
+    runner.board();
+    Instance& instance = runner.instance();
     const std::uint64_t mask = instance.applet().Fg_getEventMask(instance.fg(), name.c_str());
     if (mask != 0) return mask;
     const Words names = eventNames(instance);
@@ -125,12 +125,12 @@ std::uint64_t eventMask(ScenarioRunner& station, const std::string& name) {
                      (near.empty() ? "; 'appletctl events' shows them" : didYouMean(near)));
 }
 
-void lookAtEvent(ScenarioRunner& station, const Step& step) { eventMask(station, step.words[0]); }
+void lookAtEvent(ScenarioRunner& runner, const Step& step) { eventMask(runner, step.words[0]); }
 
-std::string expectEvent(ScenarioRunner& station, const Step& step) {
-    const std::uint64_t mask = eventMask(station, step.words[0]);
-    const std::int64_t count = station.instance().applet().Fg_getStatusEx(
-        station.instance().fg(), VBOARD_STATUS_EVENTS, static_cast<std::intptr_t>(mask), 0, nullptr);
+std::string expectEvent(ScenarioRunner& runner, const Step& step) {
+    const std::uint64_t mask = eventMask(runner, step.words[0]);
+    const std::int64_t count = runner.instance().applet().Fg_getStatusEx(
+        runner.instance().fg(), VBOARD_STATUS_EVENTS, static_cast<std::intptr_t>(mask), 0, nullptr);
     const bool holds =
         relationFrom(step.words[1]).holds(static_cast<double>(count) <=> numberFrom(step.words[2]));
     return holds ? "" : "it was raised " + numberText(count) + " times";
@@ -138,16 +138,16 @@ std::string expectEvent(ScenarioRunner& station, const Step& step) {
 
 void checkExit(const Words& words) { wholeFrom<int>(words[0]); }
 
-std::string runCommand(ScenarioRunner& station, const Request& request, int expected) {
-    station.forgetWrites();
-    const Report report = execute(request, station.context());
+std::string runCommand(ScenarioRunner& runner, const Request& request, int expected) {
+    runner.forgetWrites();
+    const Report report = execute(request, runner.context());
     if (report.exitCode == expected) return "";
     const std::string code = "it ended with " + numberText(static_cast<int>(report.exitCode));
     return report.problems.empty() ? code : code + ": " + join(report.problems, "; ");
 }
 
-std::string expectExit(ScenarioRunner& station, const Step& step) {
-    return runCommand(station, step.request, wholeFrom<int>(step.words[0]));
+std::string expectExit(ScenarioRunner& runner, const Step& step) {
+    return runCommand(runner, step.request, wholeFrom<int>(step.words[0]));
 }
 
 // ---- Steps that do something to the virtual board.
@@ -163,38 +163,37 @@ void checkFailAccess(const Words& words) {
     if (words.size() > 2) checkOneOf(words[2], {"once", "always"});
 }
 
-std::string failAccess(ScenarioRunner& station, const Step& step) {
+std::string failAccess(ScenarioRunner& runner, const Step& step) {
     const bool isOnce = step.words.size() < 3 || step.words[2] == "once";
-    station.board().fail_access(station.instance().device(), wholeFrom<unsigned>(step.words[0]),
-                                codeOf(step.words[1]), isOnce ? VBOARD_ONCE : VBOARD_FROM_THEN_ON);
+    runner.board().fail_access(runner.instance().device(), wholeFrom<unsigned>(step.words[0]),
+                               codeOf(step.words[1]), isOnce ? VBOARD_ONCE : VBOARD_FROM_THEN_ON);
     return "";
 }
 
 void checkFailName(const Words& words) { codeOf(words[1]); }
 
 /** A parameter of the design or a register, by its name or by an end that no other one has. */
-void lookAtDesignName(ScenarioRunner& station, const Step& step) { station.requireKnown(step.words[0]); }
+void lookAtDesignName(ScenarioRunner& runner, const Step& step) { runner.requireKnown(step.words[0]); }
 
-std::string failName(ScenarioRunner& station, const Step& step) {
-    station.failName(step.words[0], codeOf(step.words[1]));
+std::string failName(ScenarioRunner& runner, const Step& step) {
+    runner.failName(step.words[0], codeOf(step.words[1]));
     return "";
 }
 
-std::string lackParameter(ScenarioRunner& station, const Step& step) {
-    station.lack(step.words[0]);
+std::string removeParameter(ScenarioRunner& runner, const Step& step) {
+    runner.removeFromDesign(step.words[0]);
     return "";
 }
 
-std::string raiseEvent(ScenarioRunner& station, const Step& step) {
-    if (station.board().raise_event(station.instance().device(), step.words[0].c_str()) == VBOARD_OK)
-        return "";
+std::string raiseEvent(ScenarioRunner& runner, const Step& step) {
+    if (runner.board().raise_event(runner.instance().device(), step.words[0].c_str()) == VBOARD_OK) return "";
     throw UsageError("the design has no event " + inQuotes(step.words[0]));
 }
 
-std::string poke(ScenarioRunner& station, const Step& step) {
-    const auto& board = station.board();
-    LOOMdevice* device = station.instance().device();
-    const std::string full = station.designName(step.words[0]);
+std::string poke(ScenarioRunner& runner, const Step& step) {
+    const auto& board = runner.board();
+    LOOMdevice* device = runner.instance().device();
+    const std::string full = runner.designName(step.words[0]);
     const char* name = full.c_str();
     const std::string& value = step.words[1];
     int result = VBOARD_UNKNOWN;
@@ -205,7 +204,7 @@ std::string poke(ScenarioRunner& station, const Step& step) {
     else
         result = board.poke_text(device, name, value.c_str());
     if (result == VBOARD_OK) return "";
-    if (result == VBOARD_UNKNOWN) station.refuseName(step.words[0], "parameter or register");
+    if (result == VBOARD_UNKNOWN) runner.refuseName(step.words[0], "parameter or register");
     throw UsageError(full + " does not take " + inQuotes(value));
 }
 
@@ -232,7 +231,7 @@ constexpr StepKind kinds[] = {
     {"grab", "[N] [FILE] [within TIME]", 0, 4, false, checkGrab, lookAtBoard, grab},
     {"fail access", "K CODE [once|always]", 2, 3, false, checkFailAccess, lookAtBoard, failAccess},
     {"fail name", "DESIGN_PARAMETER CODE", 2, 2, false, checkFailName, lookAtDesignName, failName},
-    {"lack", "DESIGN_PARAMETER", 1, 1, false, nullptr, lookAtDesignName, lackParameter},
+    {"lack", "DESIGN_PARAMETER", 1, 1, false, nullptr, lookAtDesignName, removeParameter},
     {"raise", "EVENT", 1, 1, false, nullptr, lookAtBoard, raiseEvent},
     {"poke", "DESIGN_PARAMETER VALUE", 2, 2, false, nullptr, lookAtDesignName, poke},
 };
@@ -342,10 +341,10 @@ namespace {
 
 } // namespace
 
-void checkSteps(ScenarioRunner& station, const std::string& file, const std::vector<Step>& steps) {
+void checkSteps(ScenarioRunner& runner, const std::string& file, const std::vector<Step>& steps) {
     for (const Step& step : steps)
         try {
-            if (step.kind != nullptr && step.kind->look != nullptr) step.kind->look(station, step);
+            if (step.kind != nullptr && step.kind->look != nullptr) step.kind->look(runner, step);
         } catch (const UsageError& error) {
             refuseLine(file, step.line, step.text, error);
         }
@@ -378,10 +377,10 @@ std::vector<Step> readScenario(const std::string& file, const Options& options) 
     return steps;
 }
 
-std::string runStep(ScenarioRunner& station, const Step& step) {
+std::string runStep(ScenarioRunner& runner, const Step& step) {
     try {
-        if (step.kind != nullptr) return step.kind->run(station, step);
-        return runCommand(station, step.request, exitDone);
+        if (step.kind != nullptr) return step.kind->run(runner, step);
+        return runCommand(runner, step.request, exitDone);
     } catch (const std::exception& error) {
         return error.what();
     }

@@ -31,22 +31,22 @@ struct StepKind {
     /** Throws UsageError for words that can never be right; null if there are none. */
     void (*check)(const Words& words);
     /** The same for names and values that the applet or its board does not know. */
-    void (*look)(ScenarioRunner& station, const Step& step);
+    void (*look)(ScenarioRunner& runner, const Step& step);
     /** Does the step; gives what was wrong, nothing if all was well. */
-    std::string (*run)(ScenarioRunner& station, const Step& step);
+    std::string (*run)(ScenarioRunner& runner, const Step& step);
 };
 
 /** Reads the steps. Throws UsageError with file and line, and what is possible, for a line that is none. */
 std::vector<Step> readScenario(const std::string& file, const Options& options);
 
 /** Throws such an error for a step with a name or a value that there is not. Nothing is done. */
-void checkSteps(ScenarioRunner& station, const std::string& file, const std::vector<Step>& steps);
+void checkSteps(ScenarioRunner& runner, const std::string& file, const std::vector<Step>& steps);
 
 /** The kinds of steps, for the help. */
 std::string scenarioSteps();
 
 /** Does a step, of a kind or a command; gives what was wrong, nothing if all was well. */
-std::string runStep(ScenarioRunner& station, const Step& step);
+std::string runStep(ScenarioRunner& runner, const Step& step);
 
 } // namespace appletctl
 

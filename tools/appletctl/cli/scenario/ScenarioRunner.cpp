@@ -123,7 +123,7 @@ void ScenarioRunner::failName(const std::string& name, int code) {
     m_failing.push_back(full);
 }
 
-void ScenarioRunner::lack(const std::string& name) {
+void ScenarioRunner::removeFromDesign(const std::string& name) {
     if (board().lack_parameter(designName(name).c_str(), true) != VBOARD_OK) refuseName(name, "parameter");
     m_stationState.emplace();
     m_context.restart();

@@ -50,7 +50,7 @@ public:
     /** All accesses of the parameter or register fail with the code; 0: no more. */
     void failName(const std::string& name, int code);
     /** Takes a parameter out of the design, and starts the applet anew on a fresh board. */
-    void lack(const std::string& name);
+    void removeFromDesign(const std::string& name);
     /** The refusal of a name that the design does not have. */
     [[noreturn]] void refuseName(const std::string& name, const std::string& what);
 

@@ -26,9 +26,9 @@ namespace {
 using Outcome = TestCase::Outcome;
 
 /** Does the step and times it. */
-TestCase doStep(ScenarioRunner& station, const Step& step) {
+TestCase doStep(ScenarioRunner& runner, const Step& step) {
     const auto start = std::chrono::steady_clock::now();
-    const std::string wrong = runStep(station, step);
+    const std::string wrong = runStep(runner, step);
     const std::chrono::duration<double> passed = std::chrono::steady_clock::now() - start;
     return {.group = step.section,
             .name = "line " + numberText(step.line) + ": " + step.text,
@@ -95,8 +95,8 @@ Report runScenario(Context& context, const Words& words) {
     const std::vector<Step> steps = readScenario(fileOf(words), options);
     if (!own.junitFile.empty()) requireWritable(own.junitFile);
     const Interruption interruption;
-    ScenarioRunner station(context);
-    checkSteps(station, fileOf(words), steps);
+    ScenarioRunner runner(context);
+    checkSteps(runner, fileOf(words), steps);
     std::vector<TestCase> tests(steps.size());
     Report report;
     const bool isPrinted = !options.json && !options.quiet;
@@ -107,7 +107,7 @@ Report runScenario(Context& context, const Words& words) {
             tests[i].name = "line " + numberText(steps[i].line) + ": " + steps[i].text;
             continue;
         }
-        tests[i] = doStep(station, steps[i]);
+        tests[i] = doStep(runner, steps[i]);
         report.notes.push_back("line " + numberText(steps[i].line) + ": " +
                                numberText(std::round(tests[i].seconds * 1e4) / 10) + " ms");
         if (isPrinted && !writeOut(stepLine(steps[i], tests[i]))) goesOn = !own.junitFile.empty(); // unread

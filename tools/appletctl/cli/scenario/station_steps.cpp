@@ -17,15 +17,15 @@ namespace {
 /** Makes the time that passes in its life the last step of the station. */
 class MovingStep {
 public:
-    explicit MovingStep(ScenarioRunner& station)
-        : m_station(station)
+    explicit MovingStep(ScenarioRunner& runner)
+        : m_runner(runner)
         , m_from(now())
-        , m_before(lossesOf(station.instance())) {}
+        , m_before(lossesOf(runner.instance())) {}
     ~MovingStep() {
-        StationState& state = m_station.stationState();
+        StationState& state = m_runner.stationState();
         state.from = m_from;
         state.to = now();
-        state.losses = lossesOf(m_station.instance());
+        state.losses = lossesOf(m_runner.instance());
         for (std::size_t i = 0; i < m_before.size(); ++i)
             state.losses[i] -= m_before[i];
     }
@@ -35,9 +35,9 @@ public:
     bool goesOn() const { return !m_interruption.isAsked(); }
 
 private:
-    Ticks now() const { return m_station.board().now(m_station.instance().device()); }
+    Ticks now() const { return m_runner.board().now(m_runner.instance().device()); }
 
-    ScenarioRunner& m_station;
+    ScenarioRunner& m_runner;
     const Interruption m_interruption;
     Ticks m_from;
     std::vector<std::int64_t> m_before;
@@ -69,21 +69,21 @@ GrabWords grabWords(Words words) {
     return grab;
 }
 
-std::string takePictures(ScenarioRunner& station, GrabWords& words, Grabber& grabber,
+std::string takePictures(ScenarioRunner& runner, GrabWords& words, Grabber& grabber,
                          const MovingStep& moving) {
-    StationState& state = station.stationState();
+    StationState& state = runner.stationState();
     state.pictures.clear();
     state.lastBytes.clear();
     while (static_cast<std::int64_t>(state.pictures.size()) < words.pictures) {
-        const std::int64_t lines = sourceLines(station.instance());
-        const Ticks from = station.board().now(station.instance().device());
+        const std::int64_t lines = sourceLines(runner.instance());
+        const Ticks from = runner.board().now(runner.instance().device());
         const Grabber::Outcome outcome = grabber.next(words.timeout, [&] { return moving.goesOn(); });
         if (outcome == Grabber::Outcome::interrupted) return "it was interrupted";
         if (outcome == Grabber::Outcome::timeout)
             return "picture " + numberText(state.pictures.size() + 1) + " did not come within " +
                    durationText(words.timeout) + ": " +
-                   whyNoPicture(station.instance(), station.parameters(),
-                                {.lines = sourceLines(station.instance()) - lines,
+                   whyNoPicture(runner.instance(), runner.parameters(),
+                                {.lines = sourceLines(runner.instance()) - lines,
                                  .from = from,
                                  .longer = "give a longer time behind 'within'",
                                  .wave = "a wave by the step 'wave'"});
@@ -99,8 +99,8 @@ std::string takePictures(ScenarioRunner& station, GrabWords& words, Grabber& gra
 }
 
 /** The last picture of the last grab. */
-PictureView lastPicture(ScenarioRunner& station) {
-    const StationState& state = station.stationState();
+PictureView lastPicture(ScenarioRunner& runner) {
+    const StationState& state = runner.stationState();
     if (state.pictures.empty()) throw UsageError("there is no picture: a 'grab' comes before");
     PictureView picture = viewOf(state.pictures.back());
     picture.bytes = state.lastBytes;
@@ -141,8 +141,8 @@ FrameWords frameWords(const Words& words) {
     return {picture, words[1], words[2], words[3]};
 }
 
-std::string expectDigest(ScenarioRunner& station, const FrameWords& words) {
-    const std::string digest = sha256Of(lastPicture(station));
+std::string expectDigest(ScenarioRunner& runner, const FrameWords& words) {
+    const std::string digest = sha256Of(lastPicture(runner));
     const bool isSame = digest == lowerCase(words.value);
     return isSame == (words.relation == "==") ? "" : "its SHA-256 is " + digest;
 }
@@ -210,42 +210,42 @@ std::vector<std::uint32_t> numbersFrom(const std::string& word, std::size_t fewe
 
 void checkAdvance(const Words& words) { ticksFrom(words[0]); }
 
-std::string advanceStation(ScenarioRunner& station, const Step& step) {
-    station.board();
-    const MovingStep moving(station);
+std::string advanceStation(ScenarioRunner& runner, const Step& step) {
+    runner.board();
+    const MovingStep moving(runner);
     const bool isDone =
-        advance(station.instance(), ticksFrom(step.words[0]), [&](Ticks) { return moving.goesOn(); });
+        advance(runner.instance(), ticksFrom(step.words[0]), [&](Ticks) { return moving.goesOn(); });
     return isDone ? "" : "it was interrupted";
 }
 
 void checkWave(const Words& words) { parseWave(words[0] + "=" + words[1]); }
 
-std::string connectStationWave(ScenarioRunner& station, const Step& step) {
-    station.board();
-    connectWave(station.instance(), parseWave(step.words[0] + "=" + step.words[1]));
+std::string connectStationWave(ScenarioRunner& runner, const Step& step) {
+    runner.board();
+    connectWave(runner.instance(), parseWave(step.words[0] + "=" + step.words[1]));
     return "";
 }
 
 void checkAcquire(const Words& words) { checkOneOf(words[0], {"start", "stop"}); }
 
-std::string acquire(ScenarioRunner& station, const Step& step) {
-    station.board();
-    auto& grabber = station.stationState().grabber;
+std::string acquire(ScenarioRunner& runner, const Step& step) {
+    runner.board();
+    auto& grabber = runner.stationState().grabber;
     grabber.reset();
     constexpr std::size_t frames = 16;
-    if (step.words[0] == "start") grabber.emplace(station.instance(), frames);
+    if (step.words[0] == "start") grabber.emplace(runner.instance(), frames);
     return "";
 }
 
 void checkGrab(const Words& words) { grabWords(words); }
 
-std::string grab(ScenarioRunner& station, const Step& step) {
-    station.board();
+std::string grab(ScenarioRunner& runner, const Step& step) {
+    runner.board();
     GrabWords words = grabWords(step.words);
-    const MovingStep moving(station);
-    if (auto& running = station.stationState().grabber) return takePictures(station, words, *running, moving);
-    Grabber grabber(station.instance(), 4);
-    return takePictures(station, words, grabber, moving);
+    const MovingStep moving(runner);
+    if (auto& running = runner.stationState().grabber) return takePictures(runner, words, *running, moving);
+    Grabber grabber(runner.instance(), 4);
+    return takePictures(runner, words, grabber, moving);
 }
 
 void checkFrame(const Words& step) {
@@ -263,18 +263,18 @@ void checkFrame(const Words& step) {
     if (words.picture) throw UsageError("the bytes of the last picture only are kept: leave the number out");
 }
 
-std::string expectFrame(ScenarioRunner& station, const Step& step) {
+std::string expectFrame(ScenarioRunner& runner, const Step& step) {
     const FrameWords words = frameWords(step.words);
-    const auto& pictures = station.stationState().pictures;
+    const auto& pictures = runner.stationState().pictures;
     const auto holds = [&](std::int64_t value) {
         return relationFrom(words.relation).holds(static_cast<double>(value) <=> numberFrom(words.value));
     };
-    if (words.field == "sha256") return expectDigest(station, words);
+    if (words.field == "sha256") return expectDigest(runner, words);
     if (words.field == "count")
         return holds(static_cast<std::int64_t>(pictures.size()))
                    ? ""
                    : "the last grab took " + numberText(pictures.size());
-    lastPicture(station);
+    lastPicture(runner);
     const std::size_t place = words.picture.value_or(pictures.size());
     if (place > pictures.size())
         return "the last grab took " + numberText(pictures.size()) +
@@ -294,13 +294,13 @@ void checkSignal(const Words& words) {
     measureValue(measure, words[3]);
 }
 
-std::string expectSignal(ScenarioRunner& station, const Step& step) {
-    station.board();
-    const StationState& state = station.stationState();
+std::string expectSignal(ScenarioRunner& runner, const Step& step) {
+    runner.board();
+    const StationState& state = runner.stationState();
     const StationSignal& signal = signalFrom(step.words[0]);
     const SignalMeasure& measure = measureFrom(step.words[1]);
     const double wanted = measureValue(measure, step.words[3]);
-    const SignalCourse course = courseOf(station.instance(), signal.select, state.from, state.to);
+    const SignalCourse course = courseOf(runner.instance(), signal.select, state.from, state.to);
     if (!course.isComplete)
         return "the board keeps the last 16384 edges of a signal, and " + signal.name +
                " had more: advance by less";
@@ -324,8 +324,8 @@ void checkPixel(const Words& words) {
     numbersFrom(words[2], 1, 3);
 }
 
-std::string expectPixel(ScenarioRunner& station, const Step& step) {
-    const PictureView picture = lastPicture(station);
+std::string expectPixel(ScenarioRunner& runner, const Step& step) {
+    const PictureView picture = lastPicture(runner);
     const auto place = numbersFrom(step.words[0], 2, 2);
     if (place[0] >= picture.width || place[1] >= picture.lines)
         return "the picture has " + numberText(picture.width) + " x " + numberText(picture.lines) + " pixels";
@@ -355,9 +355,9 @@ void checkLoss(const Words& words) {
     numberFrom(words[2]);
 }
 
-std::string expectLoss(ScenarioRunner& station, const Step& step) {
-    station.board();
-    const auto& losses = station.stationState().losses;
+std::string expectLoss(ScenarioRunner& runner, const Step& step) {
+    runner.board();
+    const auto& losses = runner.stationState().losses;
     for (std::size_t i = 0; i < lossKinds().size(); ++i) {
         const LossKind& kind = lossKinds()[i];
         if (kind.name != step.words[0]) continue;

@@ -9,28 +9,28 @@
 namespace appletctl {
 
 void checkAdvance(const Words& words);
-std::string advanceStation(ScenarioRunner& station, const Step& step);
+std::string advanceStation(ScenarioRunner& runner, const Step& step);
 
 void checkWave(const Words& words);
-std::string connectStationWave(ScenarioRunner& station, const Step& step);
+std::string connectStationWave(ScenarioRunner& runner, const Step& step);
 
 void checkAcquire(const Words& words);
-std::string acquire(ScenarioRunner& station, const Step& step);
+std::string acquire(ScenarioRunner& runner, const Step& step);
 
 void checkGrab(const Words& words);
-std::string grab(ScenarioRunner& station, const Step& step);
+std::string grab(ScenarioRunner& runner, const Step& step);
 
 void checkFrame(const Words& words);
-std::string expectFrame(ScenarioRunner& station, const Step& step);
+std::string expectFrame(ScenarioRunner& runner, const Step& step);
 
 void checkSignal(const Words& words);
-std::string expectSignal(ScenarioRunner& station, const Step& step);
+std::string expectSignal(ScenarioRunner& runner, const Step& step);
 
 void checkPixel(const Words& words);
-std::string expectPixel(ScenarioRunner& station, const Step& step);
+std::string expectPixel(ScenarioRunner& runner, const Step& step);
 
 void checkLoss(const Words& words);
-std::string expectLoss(ScenarioRunner& station, const Step& step);
+std::string expectLoss(ScenarioRunner& runner, const Step& step);
 
 } // namespace appletctl
 
