@@ -1,8 +1,8 @@
 // Each operation of the applet beside the least that it can cost, in one run: compare the pairs of rows.
 
-#include "inert_applet.h"
-#include "least.h"
-#include "least_work.h"
+#include "baseline.h"
+#include "baseline_work.h"
+#include "stub_applet.h"
 #include "vexo/register_info.h"
 
 #include <benchmark/benchmark.h>
@@ -16,26 +16,26 @@
 
 namespace {
 
-const InertApplet& applet() { return InertApplet::instance(); }
+const StubApplet& applet() { return StubApplet::instance(); }
 
-InertHandle& sharedHandle() {
-    static InertHandle handle;
+StubHandle& sharedHandle() {
+    static StubHandle handle;
     return handle;
 }
 
-LeastWrapper& sharedLeast() {
-    static const std::unique_ptr<LeastWrapper> least(
-        makeLeastWrapper(applet().runtimeSet, applet().runtimeGet));
-    return *least;
+BaselineWrapper& sharedBaseline() {
+    static const std::unique_ptr<BaselineWrapper> baseline(
+        makeBaselineWrapper(applet().runtimeSet, applet().runtimeGet));
+    return *baseline;
 }
 
 // ---- Reads
 
-void get_number_least(benchmark::State& state) {
-    LeastWrapper& least = sharedLeast();
+void get_number_baseline(benchmark::State& state) {
+    BaselineWrapper& baseline = sharedBaseline();
     std::uint32_t value = 0;
     for (auto _ : state)
-        benchmark::DoNotOptimize(least.get(FG_WIDTH, &value));
+        benchmark::DoNotOptimize(baseline.get(FG_WIDTH, &value));
 }
 
 void get_number(benchmark::State& state) {
@@ -47,12 +47,12 @@ void get_number(benchmark::State& state) {
 
 constexpr int alternatingIds[] = {FG_WIDTH, FG_LINEPERIODE, FG_EXSYNCON, FG_HEIGHT};
 
-void get_alternating_least(benchmark::State& state) {
-    LeastWrapper& least = sharedLeast();
+void get_alternating_baseline(benchmark::State& state) {
+    BaselineWrapper& baseline = sharedBaseline();
     std::uint64_t value = 0;
     std::size_t i = 0;
     for (auto _ : state)
-        benchmark::DoNotOptimize(least.get(alternatingIds[i++ % 4], &value));
+        benchmark::DoNotOptimize(baseline.get(alternatingIds[i++ % 4], &value));
 }
 
 void get_alternating(benchmark::State& state) {
@@ -63,15 +63,16 @@ void get_alternating(benchmark::State& state) {
         benchmark::DoNotOptimize(applet().get(fg, alternatingIds[i++ % 4], &value, 0, FG_PARAM_UINT32));
 }
 
-void get_own_handle_least(benchmark::State& state) {
-    const std::unique_ptr<LeastWrapper> least(makeLeastWrapper(applet().runtimeSet, applet().runtimeGet));
+void get_own_handle_baseline(benchmark::State& state) {
+    const std::unique_ptr<BaselineWrapper> baseline(
+        makeBaselineWrapper(applet().runtimeSet, applet().runtimeGet));
     std::uint32_t value = 0;
     for (auto _ : state)
-        benchmark::DoNotOptimize(least->get(FG_WIDTH, &value));
+        benchmark::DoNotOptimize(baseline->get(FG_WIDTH, &value));
 }
 
 void get_own_handle(benchmark::State& state) {
-    InertHandle handle;
+    StubHandle handle;
     std::uint32_t value = 0;
     for (auto _ : state)
         benchmark::DoNotOptimize(applet().get(handle.fg(), FG_WIDTH, &value, 0, FG_PARAM_UINT32));
@@ -79,10 +80,10 @@ void get_own_handle(benchmark::State& state) {
 
 // ---- Writes
 
-void set_least(benchmark::State& state, int id, std::uint32_t value) {
-    LeastWrapper& least = sharedLeast();
+void set_baseline(benchmark::State& state, int id, std::uint32_t value) {
+    BaselineWrapper& baseline = sharedBaseline();
     for (auto _ : state)
-        benchmark::DoNotOptimize(least.set(id, &value));
+        benchmark::DoNotOptimize(baseline.set(id, &value));
 }
 
 void set_routed(benchmark::State& state, int id, std::uint32_t value) {
@@ -91,15 +92,15 @@ void set_routed(benchmark::State& state, int id, std::uint32_t value) {
         benchmark::DoNotOptimize(applet().set(fg, id, &value, 0, FG_PARAM_UINT32));
 }
 
-void set_flag_least(benchmark::State& state) { set_least(state, FG_EXSYNCON, 1); }
+void set_flag_baseline(benchmark::State& state) { set_baseline(state, FG_EXSYNCON, 1); }
 void set_flag(benchmark::State& state) { set_routed(state, FG_EXSYNCON, 1); }
-void set_width_least(benchmark::State& state) { set_least(state, FG_WIDTH, 512); }
+void set_width_baseline(benchmark::State& state) { set_baseline(state, FG_WIDTH, 512); }
 void set_width(benchmark::State& state) { set_routed(state, FG_WIDTH, 512); }
-void refused_set_least(benchmark::State& state) { set_least(state, FG_LINE_DOWNSCALE, 0); }
+void refused_set_baseline(benchmark::State& state) { set_baseline(state, FG_LINE_DOWNSCALE, 0); }
 void refused_set(benchmark::State& state) { set_routed(state, FG_LINE_DOWNSCALE, 0); }
 
-void set_output_least(benchmark::State& state) {
-    set_least(state, FG_TRIGGEROUT_GPO_0_SOURCE, FG_SIGNAL_FRONT_GPI_3);
+void set_output_baseline(benchmark::State& state) {
+    set_baseline(state, FG_TRIGGEROUT_GPO_0_SOURCE, FG_SIGNAL_FRONT_GPI_3);
 }
 void set_output(benchmark::State& state) {
     set_routed(state, FG_TRIGGEROUT_GPO_0_SOURCE, FG_SIGNAL_FRONT_GPI_3);
@@ -107,10 +108,10 @@ void set_output(benchmark::State& state) {
 
 constexpr double lineRate = 1000.0;
 
-void set_simulator_rate_least(benchmark::State& state) {
-    LeastWrapper& least = sharedLeast();
+void set_simulator_rate_baseline(benchmark::State& state) {
+    BaselineWrapper& baseline = sharedBaseline();
     for (auto _ : state)
-        benchmark::DoNotOptimize(least.set(FG_CAMERASIMULATOR_LINERATE, &lineRate));
+        benchmark::DoNotOptimize(baseline.set(FG_CAMERASIMULATOR_LINERATE, &lineRate));
 }
 
 void set_simulator_rate(benchmark::State& state) {
@@ -122,11 +123,11 @@ void set_simulator_rate(benchmark::State& state) {
 
 // ---- The camera's status: a word made of six
 
-void get_status_least(benchmark::State& state) {
-    LeastWrapper& least = sharedLeast();
+void get_status_baseline(benchmark::State& state) {
+    BaselineWrapper& baseline = sharedBaseline();
     std::uint32_t value = 0;
     for (auto _ : state)
-        benchmark::DoNotOptimize(least.get(FG_CAMSTATUS_EXTENDED, &value));
+        benchmark::DoNotOptimize(baseline.get(FG_CAMSTATUS_EXTENDED, &value));
 }
 
 void get_status(benchmark::State& state) {
@@ -141,7 +142,7 @@ void get_status(benchmark::State& state) {
 constexpr const char* lookedUpNames[] = {"FG_WIDTH", "FG_SHAFTENCODER_COMPENSATION_COUNT", "FG_LINEPERIODE",
                                          "FG_TRIGGEROUT_FRONT_GPO_1_POLARITY"};
 
-void name_lookup_least(benchmark::State& state) {
+void name_lookup_baseline(benchmark::State& state) {
     std::unordered_map<std::string, int> ids;
     for (int i = 0; i < 160; ++i)
         ids["FG_PARAMETER_" + std::to_string(i)] = i;
@@ -159,17 +160,17 @@ void name_lookup(benchmark::State& state) {
         benchmark::DoNotOptimize(applet().idByName(fg, lookedUpNames[i++ % 4]));
 }
 
-void enumerate_least(benchmark::State& state) {
-    LeastWrapper& least = sharedLeast();
+void enumerate_baseline(benchmark::State& state) {
+    BaselineWrapper& baseline = sharedBaseline();
     for (auto _ : state)
-        for (int i = 0; i < LeastWrapper::parameters; ++i)
-            benchmark::DoNotOptimize(least.idAt(i));
+        for (int i = 0; i < BaselineWrapper::parameters; ++i)
+            benchmark::DoNotOptimize(baseline.idAt(i));
 }
 
 void enumerate(benchmark::State& state) {
     Fg_Struct* fg = sharedHandle().fg();
     for (auto _ : state)
-        for (int i = 0; i < LeastWrapper::parameters; ++i)
+        for (int i = 0; i < BaselineWrapper::parameters; ++i)
             benchmark::DoNotOptimize(applet().idAt(fg, i));
 }
 
@@ -204,9 +205,9 @@ void resolveAndMakeRecords() {
     makeRecords();
 }
 
-void bring_up_least(benchmark::State& state) {
+void bring_up_baseline(benchmark::State& state) {
     constexpr int writes = 208; // and three of tables
-    const auto tables = std::make_unique<LeastTables>();
+    const auto tables = std::make_unique<BaselineTables>();
     volatile double offset = 0.0, gain = 1.0;
     for (auto _ : state) {
         resolveAndMakeRecords();
@@ -217,10 +218,10 @@ void bring_up_least(benchmark::State& state) {
 
 void bring_up(benchmark::State& state) {
     for (auto _ : state)
-        InertHandle handle;
+        StubHandle handle;
 }
 
-void bring_up_slave_least(benchmark::State& state) {
+void bring_up_slave_baseline(benchmark::State& state) {
     for (auto _ : state)
         resolveAndMakeRecords();
 }
@@ -228,7 +229,7 @@ void bring_up_slave_least(benchmark::State& state) {
 void bring_up_slave(benchmark::State& state) {
     constexpr int noDefaults = 1;
     for (auto _ : state)
-        InertHandle handle(noDefaults);
+        StubHandle handle(noDefaults);
 }
 
 // ---- Loading
@@ -244,38 +245,38 @@ void load(benchmark::State& state, const char* library) {
 }
 
 // A copy, since the applet itself is loaded already.
-void load_library_least(benchmark::State& state) { load(state, "inert/libblock.so"); }
-void load_library(benchmark::State& state) { load(state, "inert/libapplet_copy.so"); }
+void load_library_baseline(benchmark::State& state) { load(state, "stub/libblock.so"); }
+void load_library(benchmark::State& state) { load(state, "stub/libapplet_copy.so"); }
 
-BENCHMARK(get_number_least);
+BENCHMARK(get_number_baseline);
 BENCHMARK(get_number);
-BENCHMARK(get_alternating_least);
+BENCHMARK(get_alternating_baseline);
 BENCHMARK(get_alternating);
-BENCHMARK(get_number_least)->Name("get_one_handle_least")->Threads(2)->UseRealTime();
+BENCHMARK(get_number_baseline)->Name("get_one_handle_baseline")->Threads(2)->UseRealTime();
 BENCHMARK(get_number)->Name("get_one_handle")->Threads(2)->UseRealTime();
-BENCHMARK(get_own_handle_least)->Threads(2)->UseRealTime();
+BENCHMARK(get_own_handle_baseline)->Threads(2)->UseRealTime();
 BENCHMARK(get_own_handle)->Threads(2)->UseRealTime();
-BENCHMARK(set_flag_least);
+BENCHMARK(set_flag_baseline);
 BENCHMARK(set_flag);
-BENCHMARK(set_width_least);
+BENCHMARK(set_width_baseline);
 BENCHMARK(set_width);
-BENCHMARK(refused_set_least);
+BENCHMARK(refused_set_baseline);
 BENCHMARK(refused_set);
-BENCHMARK(set_output_least);
+BENCHMARK(set_output_baseline);
 BENCHMARK(set_output);
-BENCHMARK(set_simulator_rate_least);
+BENCHMARK(set_simulator_rate_baseline);
 BENCHMARK(set_simulator_rate);
-BENCHMARK(get_status_least);
+BENCHMARK(get_status_baseline);
 BENCHMARK(get_status);
-BENCHMARK(name_lookup_least);
+BENCHMARK(name_lookup_baseline);
 BENCHMARK(name_lookup);
-BENCHMARK(enumerate_least);
+BENCHMARK(enumerate_baseline);
 BENCHMARK(enumerate);
-BENCHMARK(bring_up_least);
+BENCHMARK(bring_up_baseline);
 BENCHMARK(bring_up);
-BENCHMARK(bring_up_slave_least);
+BENCHMARK(bring_up_slave_baseline);
 BENCHMARK(bring_up_slave);
-BENCHMARK(load_library_least);
+BENCHMARK(load_library_baseline);
 BENCHMARK(load_library);
 
 } // namespace

@@ -1,23 +1,23 @@
 // Configuration files beside the least that each operation can cost, in one run: compare the pairs of rows.
 
-#include "least_work.h"
+#include "baseline_work.h"
 
 #include <memory>
 
 namespace {
 
-const InertApplet& applet() { return InertApplet::instance(); }
+const StubApplet& applet() { return StubApplet::instance(); }
 
 /** A handle, and the file of its state. */
 struct Bench {
-    InertHandle handle;
+    StubHandle handle;
     BenchFolder folder;
     std::string file = folder.file("state.mcf");
 
     Bench() { applet().save(handle.fg(), file.c_str()); }
 };
 
-void config_save_least(benchmark::State& state) {
+void config_save_baseline(benchmark::State& state) {
     const Bench bench;
     const std::vector<std::string> lines = linesOf(contentOf(bench.file));
     for (auto _ : state)
@@ -30,10 +30,10 @@ void config_save(benchmark::State& state) {
         benchmark::DoNotOptimize(applet().save(bench.handle.fg(), bench.file.c_str()));
 }
 
-void config_load_least(benchmark::State& state) {
+void config_load_baseline(benchmark::State& state) {
     constexpr int writes = 208; // and three of tables
     const Bench bench;
-    const auto tables = std::make_unique<LeastTables>();
+    const auto tables = std::make_unique<BaselineTables>();
     volatile double offset = 0.0, gain = 1.0;
     for (auto _ : state) {
         benchmark::DoNotOptimize(contentOf(bench.file));
@@ -63,9 +63,9 @@ void config_load_behind(benchmark::State& state) {
             return state.SkipWithError("not loaded");
 }
 
-BENCHMARK(config_save_least)->Unit(benchmark::kMicrosecond);
+BENCHMARK(config_save_baseline)->Unit(benchmark::kMicrosecond);
 BENCHMARK(config_save)->Unit(benchmark::kMicrosecond);
-BENCHMARK(config_load_least)->Unit(benchmark::kMicrosecond);
+BENCHMARK(config_load_baseline)->Unit(benchmark::kMicrosecond);
 BENCHMARK(config_load)->Unit(benchmark::kMicrosecond);
 BENCHMARK(config_load_behind)->Arg(10000)->Arg(100000)->Unit(benchmark::kMicrosecond);
 

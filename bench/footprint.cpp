@@ -1,7 +1,7 @@
 // What objects cost in memory: resident size of a further object, and what 200 opens and frees leave behind. The
 // allocator keeps pages as it likes, so the second is measured in bytes in use, after as many opens to warm up.
 
-#include "inert_applet.h"
+#include "stub_applet.h"
 
 #include <cstdio>
 #include <deque>
@@ -22,13 +22,13 @@ long residentKib() {
 
 void openAndFree(int times) {
     for (int i = 0; i < times; ++i)
-        const InertHandle handle;
+        const StubHandle handle;
 }
 
 long furtherObjectKib() {
     constexpr int objects = 20;
     const long before = residentKib();
-    std::deque<InertHandle> handles;
+    std::deque<StubHandle> handles;
     for (int i = 0; i < objects; ++i)
         handles.emplace_back();
     return (residentKib() - before) / objects;

@@ -1,6 +1,6 @@
 // Lookup tables beside the least that each operation can cost, in one run: compare the pairs of rows.
 
-#include "least_work.h"
+#include "baseline_work.h"
 
 #include <cmath>
 #include <memory>
@@ -9,7 +9,7 @@ namespace {
 
 using Table = std::array<std::uint32_t, lutEntries>;
 
-const InertApplet& applet() { return InertApplet::instance(); }
+const StubApplet& applet() { return StubApplet::instance(); }
 
 /** A handle of its own, and a LUT file that goes with it. */
 class Bench {
@@ -26,14 +26,14 @@ public:
     }
 
 private:
-    InertHandle m_handle;
+    StubHandle m_handle;
     BenchFolder m_folder;
 };
 
 // ---- The formula
 
-void processing_linear_least(benchmark::State& state) {
-    const auto tables = std::make_unique<LeastTables>();
+void processing_linear_baseline(benchmark::State& state) {
+    const auto tables = std::make_unique<BaselineTables>();
     volatile double offset = 0.0, gain = 1.0;
     for (auto _ : state)
         tables->compute(offset, gain);
@@ -48,7 +48,7 @@ void processing(benchmark::State& state, double gamma) {
 
 void processing_linear(benchmark::State& state) { processing(state, 1.0); }
 
-void processing_gamma_least(benchmark::State& state) {
+void processing_gamma_baseline(benchmark::State& state) {
     volatile double givenExponent = 1.0 / 2.2;
     const double exponent = givenExponent;
     for (auto _ : state)
@@ -60,7 +60,7 @@ void processing_gamma(benchmark::State& state) { processing(state, 2.2); }
 
 // ---- Elements. The least of one element is a routed set of a number.
 
-void lut_element_least(benchmark::State& state) {
+void lut_element_baseline(benchmark::State& state) {
     Bench bench;
     for (auto _ : state)
         benchmark::DoNotOptimize(bench.set(FG_IMG_SELECT, std::uint32_t{0}, FG_PARAM_UINT32));
@@ -73,7 +73,7 @@ void lut_element(benchmark::State& state) {
         benchmark::DoNotOptimize(bench.setRecord(FG_LUT_VALUE_RED, &record, FG_PARAM_FIELD_INT));
 }
 
-void lut_run_least(benchmark::State& state) {
+void lut_run_baseline(benchmark::State& state) {
     const auto source = std::make_unique<Table>(), cache = std::make_unique<Table>(),
                backup = std::make_unique<Table>();
     for (auto _ : state) {
@@ -94,7 +94,7 @@ void lut_run(benchmark::State& state) {
 
 // ---- Files
 
-void lut_save_least(benchmark::State& state) {
+void lut_save_baseline(benchmark::State& state) {
     Bench bench;
     const std::vector<std::string> lines = linesOf(contentOf(bench.file()));
     for (auto _ : state)
@@ -108,7 +108,7 @@ void lut_save(benchmark::State& state) {
         benchmark::DoNotOptimize(bench.setText(FG_LUT_SAVE_FILE, file.c_str()));
 }
 
-void lut_load_least(benchmark::State& state) {
+void lut_load_baseline(benchmark::State& state) {
     Bench bench;
     const std::string text = contentOf(bench.file());
     for (auto _ : state) {
@@ -130,17 +130,17 @@ void lut_load(benchmark::State& state) {
             return state.SkipWithError("not loaded");
 }
 
-BENCHMARK(processing_linear_least)->Unit(benchmark::kMicrosecond);
+BENCHMARK(processing_linear_baseline)->Unit(benchmark::kMicrosecond);
 BENCHMARK(processing_linear)->Unit(benchmark::kMicrosecond);
-BENCHMARK(processing_gamma_least)->Unit(benchmark::kMicrosecond);
+BENCHMARK(processing_gamma_baseline)->Unit(benchmark::kMicrosecond);
 BENCHMARK(processing_gamma)->Unit(benchmark::kMicrosecond);
-BENCHMARK(lut_element_least);
+BENCHMARK(lut_element_baseline);
 BENCHMARK(lut_element);
-BENCHMARK(lut_run_least);
+BENCHMARK(lut_run_baseline);
 BENCHMARK(lut_run);
-BENCHMARK(lut_save_least)->Unit(benchmark::kMicrosecond);
+BENCHMARK(lut_save_baseline)->Unit(benchmark::kMicrosecond);
 BENCHMARK(lut_save)->Unit(benchmark::kMicrosecond);
-BENCHMARK(lut_load_least)->Unit(benchmark::kMicrosecond);
+BENCHMARK(lut_load_baseline)->Unit(benchmark::kMicrosecond);
 BENCHMARK(lut_load)->Unit(benchmark::kMicrosecond);
 
 } // namespace

@@ -14,7 +14,10 @@ MEMBERS = ["src/entry/sdk_parameters.h", "src/entry/setter_tools.h"]
 
 TIMING = ["station/timing/**"]
 PICTURE = ["station/picture/**", "station/timing/Record.h", "station/timing/Simulator.h", "station/timing/Tick.h"]
-BOARD = [*HEADERS, "station/**", "virtual_board/**"]
+BOARD_TABLES = [*HEADERS, "virtual_board/tables/**"]
+BOARD_IMAGES = ["station/**", "virtual_board/images/**"]
+BOARD = [*BOARD_TABLES, *BOARD_IMAGES, "virtual_board/virtual_board.h", "virtual_board/board/**"]
+BOARD_LIBRARIES = [*BOARD, "virtual_board/libraries/**"]
 HOST = [*HEADERS, "virtual_board/virtual_board.h", "tools/applet_host/**"]
 TOOLS = "tools/applet_tools/"
 TOOLS_BASE = [*HEADERS, f"{TOOLS}base/**"]
@@ -55,7 +58,11 @@ ROOMS = [
     ("station/timing/**", TIMING),
     ("station/picture/**", PICTURE),
     ("station/**", ["station/**"]),
-    ("virtual_board/**", BOARD),
+    ("virtual_board/tables/**", BOARD_TABLES),
+    ("virtual_board/images/**", BOARD_IMAGES),
+    ("virtual_board/board/**", BOARD),
+    ("virtual_board/libraries/**", BOARD_LIBRARIES),
+    ("virtual_board/virtual_board.h", HEADERS),
     ("tools/applet_host/**", HOST),
     (f"{TOOLS}base/**", TOOLS_BASE),
     (f"{TOOLS}applet/**", TOOLS_APPLET),

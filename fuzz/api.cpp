@@ -3,7 +3,7 @@
 // the other has seen nothing.
 
 #include "applet_host/AppletHost.h"
-#include "promise.h"
+#include "invariants.h"
 #include "support/temporary_folder.h"
 
 #include <algorithm>

@@ -5,7 +5,7 @@
 // Whatever comes of it, the object works on, and a sound file brings the state that it always brings.
 
 #include "applet_host/AppletHost.h"
-#include "promise.h"
+#include "invariants.h"
 #include "support/temporary_folder.h"
 
 #include <chrono>

@@ -2,7 +2,7 @@
 // tools finds, and the tables come back from a file that they are written to.
 
 #include "files/Fg_LutFileParser.h"
-#include "promise.h"
+#include "invariants.h"
 #include "support/temporary_folder.h"
 
 #include <algorithm>

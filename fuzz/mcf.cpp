@@ -2,7 +2,7 @@
 // tools finds, and what was found comes back from a file that it is written to.
 
 #include "files/Fg_ConfigFileParser.h"
-#include "promise.h"
+#include "invariants.h"
 #include "support/Fg_Log.h"
 #include "support/temporary_folder.h"
 

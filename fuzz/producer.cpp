@@ -1,9 +1,10 @@
-// The input is a list of calls of the producer, 8 bytes each: the function, then what its arguments are made of. Handles
-// are taken from all that were ever handed out, so that closed ones and those of another kind come as well. Whatever is
-// called, in whatever order, answers one of the standard's codes, and nothing is left open at the end.
+// The input is a list of calls of the producer, 8 bytes each: the function, then what its arguments are made
+// of. Handles are taken from all that were ever handed out, so that closed ones and those of another kind
+// come as well. Whatever is called, in whatever order, answers one of the standard's codes, and nothing is
+// left open at the end.
 
+#include "invariants.h"
 #include "producer/gentl.h"
-#include "promise.h"
 #include "support/temporary_folder.h"
 
 #include <array>

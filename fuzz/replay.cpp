@@ -1,7 +1,7 @@
 // Runs a fuzz target on each file of a folder, then on mutations of them, the same ones each time. The
 // mutation at work is written to a file, where a failure leaves it.
 
-#include "promise.h"
+#include "invariants.h"
 
 #include <algorithm>
 #include <filesystem>

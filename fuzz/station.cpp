@@ -1,12 +1,12 @@
-// The input is a list of calls of the station of a board: writes, waves, waits, pictures, with right and wrong arguments.
-// A call is one byte for the function and what else it takes. No call fails, blocks or writes past what it was given,
-// and the same list on another board has the same answers.
+// The input is a list of calls of the station of a board: writes, waves, waits, pictures, with right and
+// wrong arguments. A call is one byte for the function and what else it takes. No call fails, blocks or
+// writes past what it was given, and the same list on another board has the same answers.
 
-#include "promise.h"
+#include "invariants.h"
 #include "station/Board.h"
 #include "vexo/design_loader.h"
 #include "vexo/fg_errors.h"
-#include "virtual_board/runtime.h"
+#include "virtual_board/libraries/runtime.h"
 #include "virtual_board/virtual_board.h"
 
 #include <array>

@@ -1,6 +1,7 @@
 #include "device/Station.h"
 
 #include "base/Error.h"
+#include "vexo/type_tags.hpp"
 
 #include <algorithm>
 #include <limits>
@@ -83,16 +84,6 @@ GC_ERROR codeOf(int code) {
         if (const std::string unit = toUtf8(parameter.record->unit); !unit.empty()) text += ' ' + unit;
     }
     throw Error(codeOf(code), text);
-}
-
-/** The type tag of a number's own width. */
-template <typename T> constexpr FgParamTypes tagOf() {
-    if constexpr (std::is_same_v<T, double>)
-        return FG_PARAM_DOUBLE;
-    else if constexpr (sizeof(T) == 8)
-        return std::is_signed_v<T> ? FG_PARAM_INT64 : FG_PARAM_UINT64;
-    else
-        return std::is_signed_v<T> ? FG_PARAM_INT32 : FG_PARAM_UINT32;
 }
 
 /** Calls the function with a zero of the type that the applet has for a number's kind. */
@@ -210,7 +201,7 @@ Value Station::get(const Parameter& parameter) const {
     } else {
         withNative(record.kind, [&](auto number) {
             using Number = decltype(number);
-            code = applet().Fg_getParameterWithType(fg(), record.id, &number, 0, tagOf<Number>());
+            code = applet().Fg_getParameterWithType(fg(), record.id, &number, 0, tagOf<Number>);
             if constexpr (std::is_same_v<Number, double>)
                 value = number;
             else
@@ -249,7 +240,7 @@ void Station::set(const Parameter& parameter, const Value& value) const {
                 if (!std::in_range<Number>(wide)) refuse(parameter, value, FG_ERR_OUT_OF_RANGE);
                 number = static_cast<Number>(wide);
             }
-            code = applet().Fg_setParameterWithType(fg(), record.id, &number, 0, tagOf<Number>());
+            code = applet().Fg_setParameterWithType(fg(), record.id, &number, 0, tagOf<Number>);
         });
     }
     if (code != FG_OK) refuse(parameter, value, code);

@@ -1,4 +1,5 @@
-// The schema has one order of elements for each kind of node; a reader may refuse a whole document for one out of place.
+// The schema has one order of elements for each kind of node; a reader may refuse a whole document for one
+// out of place.
 
 #include "features/description.h"
 

@@ -66,6 +66,10 @@ inline constexpr const char* microseconds = "\xB5"
 
 inline constexpr const char* internalUse = "Debug-Interface, Internal Use ONLY.";
 
+// Size of the largest image.
+inline constexpr std::uint32_t sensorPixels = 16384;         // of a line
+inline constexpr std::uint32_t sensorLines = (1u << 22) / 3; // of a frame
+
 // Size of the camera simulator's counters, gaps included.
 inline constexpr std::uint32_t simulatorPixels = 294920; // of a line
 inline constexpr std::uint32_t simulatorLines = 65536;   // of a frame
@@ -85,18 +89,18 @@ inline constexpr TreeRow parameterTree[] = {
     {.label = "Sensor Geometry", .content = Group{.depth = 0}},
     {.id = FG_VANTAGEPOINT, .label = "Vantage Point", .content = Enumeration{enumVantagePoint}, .access = betweenAcquisitions, .paramClass = 1,
      .text = "Vantage point. Use for mirroring. If VantagePoint is set to TopRight or BottomRight Width + XOffset must be smaller than SensorWidth. If VantagePoint is set to BottomLeft or BottomRight the Height + YOffset must be smaller than SensorHeight."},
-    {.id = FG_SENSORWIDTH, .label = "Sensor Width", .content = UInt{4, 16384, 4}, .access = betweenAcquisitions, .paramClass = 2, .unit = "pixel",
+    {.id = FG_SENSORWIDTH, .label = "Sensor Width", .content = UInt{4, sensorPixels, 4}, .access = betweenAcquisitions, .paramClass = 2, .unit = "pixel",
      .text = "Sensor width in selected tap geometry. Value is ignored if vantage point = Top-Left. Available DRAM and SensorHeight limit the maximum SensorWidth."},
-    {.id = FG_SENSORHEIGHT, .label = "Sensor Height", .content = UInt{1, 1398101, 1}, .access = betweenAcquisitions, .paramClass = 2, .unit = "pixel",
+    {.id = FG_SENSORHEIGHT, .label = "Sensor Height", .content = UInt{1, sensorLines, 1}, .access = betweenAcquisitions, .paramClass = 2, .unit = "pixel",
      .text = "Sensor Height in selected tap geometry. Value is ignored if vantage point = TopLeft. Available DRAM and SensorWidth limit the maximum SensorHeight."},
     {.label = "ROI", .content = Group{.depth = 0}},
-    {.id = FG_WIDTH, .label = "Width", .content = UInt{4, 16384, 4}, .access = betweenAcquisitions, .paramClass = 2, .unit = "pixel",
+    {.id = FG_WIDTH, .label = "Width", .content = UInt{4, sensorPixels, 4}, .access = betweenAcquisitions, .paramClass = 2, .unit = "pixel",
      .text = "Image width of the acquisition ROI independent of the camera ROI."},
-    {.id = FG_HEIGHT, .label = "Height", .content = UInt{1, 1398101, 1}, .access = betweenAcquisitions, .paramClass = 2, .unit = "pixel",
+    {.id = FG_HEIGHT, .label = "Height", .content = UInt{1, sensorLines, 1}, .access = betweenAcquisitions, .paramClass = 2, .unit = "pixel",
      .text = "Image width of the acquisition ROI independent of the camera ROI."},
-    {.id = FG_XOFFSET, .label = "XOffset", .content = UInt{0, 16380, 4}, .access = betweenAcquisitions, .paramClass = 2, .unit = "pixel",
+    {.id = FG_XOFFSET, .label = "XOffset", .content = UInt{0, sensorPixels - 4, 4}, .access = betweenAcquisitions, .paramClass = 2, .unit = "pixel",
      .text = "X-offset of the acquisition ROI independent of the camera ROI."},
-    {.id = FG_YOFFSET, .label = "YOffset", .content = UInt{0, 1398100, 1}, .access = betweenAcquisitions, .paramClass = 2, .unit = "pixel",
+    {.id = FG_YOFFSET, .label = "YOffset", .content = UInt{0, sensorLines - 1, 1}, .access = betweenAcquisitions, .paramClass = 2, .unit = "pixel",
      .text = "Y-offset of the acquisition ROI independent of the camera ROI."},
     {.label = "Digital I/O", .content = Group{.depth = 0}},
     {.label = "Camera", .content = Group{.depth = 1}},
@@ -413,9 +417,9 @@ inline constexpr TreeRow parameterTree[] = {
     {.label = "Output", .content = Group{.depth = 2}},
     {.id = FG_DEBUGOUTENABLE, .label = "Debug Output Mode", .content = Enumeration{enumOnOff}, .access = anyTime, .paramClass = 1,
      .text = internalUse},
-    {.id = FG_DEBUGOUTXPOS, .label = "Debug Output XPosition", .content = UInt{4, 16384, 1}, .access = readOnly, .paramClass = 1, .unit = "pixel",
+    {.id = FG_DEBUGOUTXPOS, .label = "Debug Output XPosition", .content = UInt{4, sensorPixels, 1}, .access = readOnly, .paramClass = 1, .unit = "pixel",
      .text = internalUse},
-    {.id = FG_DEBUGOUTYPOS, .label = "Debug Output YPosition", .content = UInt{1, 1398101, 1}, .access = readOnly, .paramClass = 1, .unit = "pixel",
+    {.id = FG_DEBUGOUTYPOS, .label = "Debug Output YPosition", .content = UInt{1, sensorLines, 1}, .access = readOnly, .paramClass = 1, .unit = "pixel",
      .text = internalUse},
     {.id = FG_DEBUGOUTPIXEL, .label = "Debug Output Pixel", .content = UInt{0, 4294967295, 1}, .access = readOnly, .paramClass = 2, .unit = "pixel",
      .text = internalUse},

@@ -50,7 +50,7 @@ public:
     virtual int Fg_loadConfig(Fg_Struct* fg, const char* file);
     // entry/parameter_document.cpp
     virtual int Fg_getParameterInfoXML(Fg_Struct* fg, int index, char* buffer, unsigned long* size);
-    virtual ShadingMaster* Fg_AllocShading(int set, int dma); // entry/shading.cpp
+    virtual ShadingMaster* Fg_AllocShading(int set, int dma); // entry/api/shading.cpp
     virtual int Fg_FreeShading(ShadingMaster* shading);
     virtual int Shad_SetSubValueLine(ShadingMaster* shading, int x, int channel, float value);
     virtual int Shad_SetMultValueLine(ShadingMaster* shading, int x, int channel, float value);
@@ -66,7 +66,7 @@ public:
     virtual const char* appletVersionName() = 0;
     virtual int loadAppletId() = 0;
 
-    // ---- Bring-up: entry/runtime_binding.cpp
+    // ---- Bring-up: entry/runtime/runtime_binding.cpp
 
     /** Opens the runtime's library and looks its functions up. 0, or -2031 if it cannot be opened. */
     int initializeDllFunctions(const char* library);
@@ -83,7 +83,7 @@ public:
     static LOOMdevice* accessDeviceHandle(LOOMdevice* device);
     static fpga_design* accessDesignHandle(fpga_design* design);
 
-    // ---- The runtime's own parameters: entry/runtime_binding.cpp
+    // ---- The runtime's own parameters: entry/runtime/runtime_binding.cpp
 
     /** The runtime's id of a design parameter; 0 or less if there is none. */
     int getParameterIdByName(const char* name);
@@ -128,7 +128,7 @@ public:
         field_copy::getRun(cache, run);
     }
 
-    // ---- Temporary files: entry/temp_files.cpp
+    // ---- Temporary files: entry/api/temp_files.cpp
 
     /** Makes an empty file for a coefficient image; the caller owns the name. Null on failure. */
     static char* createTempFile();

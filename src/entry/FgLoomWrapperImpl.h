@@ -5,13 +5,14 @@
 #include "entry/PublishedParameters.h"
 #include "entry/Replacement.h"
 #include "entry/parameter_kinds.h"
-#include "entry/runtime_text.h"
+#include "entry/runtime/runtime_text.h"
 #include "image/camera_simulator.h"
 #include "image/debug_interface.h"
 #include "image/image_stages.h"
 #include "image/lookup_table.h"
 #include "image/output_format.h"
 #include "image/sensor_geometry.h"
+#include "support/HandedOutTexts.h"
 #include "templates/platform/CriticalSection.h"
 #include "trigger/image_trigger.h"
 #include "trigger/line_trigger.h"
@@ -19,11 +20,9 @@
 #include "trigger/signal_routing.h"
 
 #include <cstdint>
-#include <mutex>
 #include <string>
 #include <string_view>
 #include <type_traits>
-#include <unordered_set>
 
 /**
  * A setter is named after its parameter. `m_lock` is held for the whole of a routed set or get and
@@ -45,7 +44,7 @@ public:
     /** `offline` makes an object without board and runtime and brings it up at once. */
     FgLoomWrapperImpl(int ports, bool offline);
 
-    // ---- Overrides: entry/routing.cpp, entry/identity.cpp, entry/bring_up.cpp, entry/configuration.cpp
+    // ---- Overrides: entry/routing.cpp, entry/identity.cpp, entry/api/bring_up.cpp, entry/configuration.cpp
 
     vexo::tools::logging::Logger* logger() override;
     int loadParameters(Fg_ConfigFileParser* parser) override;
@@ -54,7 +53,6 @@ public:
     int mapDmaToFormat(int dma) override;
     void setDmaAlignment(int dma, int alignment) override;
     int getDmaAlignment(int dma) override;
-    ~FgLoomWrapperImpl() override;
     int Fg_setParameterWithType(int id, const void* value, int dma, FgParamTypes type) override;
     int Fg_getParameterWithType(int id, void* value, int dma, FgParamTypes type) override;
     int Fg_freeParameterStringWithType(int id, void* value, int dma, FgParamTypes type) override;
@@ -74,11 +72,11 @@ public:
     void giveText(std::string_view text, void* value, FgParamTypes type); // entry/routing.cpp
 
     void discoverDebugInterface(); // image/debug_interface.cpp
-    void applyDefaults();          // entry/bring_up.cpp
+    void applyDefaults();          // entry/api/bring_up.cpp
 
 private:
     /** Gives each variable the start value of its parameter's row. The others have initialisers. */
-    void initializeMembers(); // entry/bring_up.cpp
+    void initializeMembers(); // entry/api/bring_up.cpp
 
     // ---- Routing: entry/routing.cpp
 
@@ -96,8 +94,7 @@ private:
     std::atomic<vexo::tools::logging::Logger*> m_logger{nullptr};
     // On its own cache line, against false sharing.
     alignas(64) vexo::templates::platform::CriticalSection m_lock;
-    std::mutex m_allocatedStringsLock;
-    std::unordered_set<const char*> m_allocatedStrings;
+    HandedOutTexts m_handedOutTexts;
 
     // ---- Common to the setters
 
@@ -113,7 +110,6 @@ private:
     // ---- Configuration files: entry/configuration.cpp
 
     void saveParameter(Fg_ConfigFileParser& parser, const SdkParameter& parameter);
-    template <typename T> T valueFor(const SdkParameter& parameter);
 
     // ---- Acquisition time-out: entry/timeout.cpp
 

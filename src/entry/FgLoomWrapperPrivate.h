@@ -3,7 +3,7 @@
 #define ENTRY_FGLOOMWRAPPERPRIVATE_H
 
 #include "catalogue/Fg_ParameterInfo.h"
-#include "entry/RuntimeFunctions.h"
+#include "entry/runtime/RuntimeFunctions.h"
 #include "support/Fg_Error.h"
 
 struct FgLoomWrapperPrivate {

@@ -5,8 +5,8 @@
 #include "entry/setter_tools.h"
 #include "files/Fg_ConfigFileParser.h"
 
+#include <bit>
 #include <clocale>
-#include <cstring>
 #include <string_view>
 #include <vector>
 
@@ -109,25 +109,19 @@ void FgLoomWrapperImpl::saveParameters(Fg_ConfigFileParser* parser) {
 }
 
 void FgLoomWrapperImpl::saveParameter(Fg_ConfigFileParser& parser, const SdkParameter& parameter) {
-    switch (parameter.type) {
-    case FG_PARAM_TEXT:
+    if (parameter.type == FG_PARAM_TEXT)
         return parser.writeConfigFile(
             parameter.name, std::get<TextFunction*>(parameter.source)(*this).substr(0, longestText));
+    std::uint64_t value = 0; // room for every width; little-endian
+    read(parameter, &value, 0, parameter.type);
+    switch (parameter.type) {
     case FG_PARAM_DOUBLE:
-        return parser.writeConfigFileDoubleKey(parameter.name, valueFor<double>(parameter));
+        return parser.writeConfigFileDoubleKey(parameter.name, std::bit_cast<double>(value));
     case FG_PARAM_INT64:
-        return parser.writeConfigFileInt64Key(parameter.name, valueFor<std::int64_t>(parameter));
+        return parser.writeConfigFileInt64Key(parameter.name, static_cast<std::int64_t>(value));
     default: // signed, also for what is not
-        return parser.writeConfigFileIntKey(parameter.name, valueFor<std::int32_t>(parameter));
+        return parser.writeConfigFileIntKey(parameter.name, static_cast<std::int32_t>(value));
     }
-}
-
-template <typename T> T FgLoomWrapperImpl::valueFor(const SdkParameter& parameter) {
-    std::uint64_t place = 0; // room for every width
-    read(parameter, &place, 0, parameter.type);
-    T value;
-    std::memcpy(&value, &place, sizeof value);
-    return value;
 }
 
 int FgLoomWrapperImpl::loadParameters(Fg_ConfigFileParser* parser) {

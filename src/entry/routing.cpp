@@ -5,7 +5,6 @@
 #include "entry/setter_tools.h"
 
 #include <cstring>
-#include <memory>
 
 namespace levels = vexo::tools::logging::levels;
 using vexo::templates::platform::CriticalSectionGuard;
@@ -24,12 +23,6 @@ bool isServedByRuntime(int id) {
 /** There is one DMA channel, and it belongs to process 0. */
 void requireKnownDma(int dma) {
     if (dma != 0) refuse(FG_ERR_INVALID_ARGUMENT);
-}
-
-/** Copies a null-terminated string; the API has no buffer size. */
-void copyText(std::string_view text, char* destination) {
-    text.copy(destination, text.size());
-    destination[text.size()] = '\0';
 }
 
 /** Longer allocated texts are truncated. */
@@ -124,15 +117,8 @@ void FgLoomWrapperImpl::giveText(std::string_view text, void* value, FgParamType
         copyText(text, static_cast<char*>(value));
         return;
     }
-    text = text.substr(0, longestAllocatedText);
-    auto copy = std::make_unique_for_overwrite<char[]>(text.size() + 1);
-    copyText(text, copy.get());
-    {
-        const std::lock_guard guard(m_allocatedStringsLock);
-        m_allocatedStrings.insert(copy.get());
-    }
-    char* handedOut = copy.release();
-    std::memcpy(value, &handedOut, sizeof handedOut);
+    char* copy = m_handedOutTexts.handOut(text.substr(0, longestAllocatedText));
+    std::memcpy(value, &copy, sizeof copy);
 }
 
 void FgLoomWrapperImpl::readDescription(void* value, FgParamTypes type) {
@@ -148,11 +134,7 @@ int FgLoomWrapperImpl::Fg_freeParameterStringWithType(int id, void* value, int d
     requireKnownDma(dma);
     if (isServedByRuntime(id)) return freeUnwrappedParameterString(id, value, dma, type);
 
-    const auto* text = static_cast<const char*>(value);
-    {
-        const std::lock_guard guard(m_allocatedStringsLock);
-        if (m_allocatedStrings.erase(text) == 0) return fgError().setErr(FG_ERR_INVALID_ARGUMENT);
-    }
-    delete[] text;
+    if (!m_handedOutTexts.release(static_cast<const char*>(value)))
+        return fgError().setErr(FG_ERR_INVALID_ARGUMENT);
     return FG_OK;
 }

@@ -15,7 +15,7 @@ using namespace catalogue;
 namespace {
 
 constexpr UInt widthLimits = limitsOf<UInt>(FG_SENSORWIDTH);   // pixels
-constexpr UInt heightLimits = limitsOf<UInt>(FG_SENSORHEIGHT); // lines; at most 2^22 / 3
+constexpr UInt heightLimits = limitsOf<UInt>(FG_SENSORHEIGHT); // lines
 
 /** A divisor of 0, which a configuration file can cause, is a value out of range. */
 template <typename T> T nonZero(T divisor) {

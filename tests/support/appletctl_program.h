@@ -39,7 +39,8 @@ Outcome run(const Words& arguments, const Words& environment = {}, const char* i
             const std::function<void()>& prepare = {});
 
 /**
- * What the program prints on a terminal on which the lines are typed, each one behind the next prompt, and its exit code.
+ * What the program prints on a terminal on which the lines are typed, each one behind the next prompt, and
+ * its exit code.
  */
 Outcome converse(const Words& arguments, const Words& environment, const std::string& prompt,
                  const Words& lines, unsigned short columns = 0);

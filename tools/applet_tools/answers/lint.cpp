@@ -3,9 +3,9 @@
 #include "applet_tools/answers/lint.h"
 
 #include "applet_tools/answers/loading.h"
-#include "applet_tools/applet/LutTables.h"
 #include "applet_tools/applet/access_log.h"
 #include "applet_tools/applet/assignments.h"
+#include "applet_tools/applet/files/LutTables.h"
 #include "applet_tools/applet/hardware_values.h"
 #include "applet_tools/applet/line_timing.h"
 #include "applet_tools/applet/published_limits.h"

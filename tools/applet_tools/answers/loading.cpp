@@ -182,10 +182,10 @@ std::vector<Finding> judgeLines(ScratchSession& session, FileKeys& keys, const C
                                 const ConfigurationFile& state) {
     constexpr std::size_t mostUnknown = 20;
     std::vector<Finding> findings;
-    std::size_t unknown = 0, told = 0;
+    std::size_t unknown = 0, done = 0;
     Judge judge(session, file, asked, state);
     for (const auto& line : whole.values()) {
-        session.tellProgress(told++, whole.values().size());
+        session.tellProgress(done++, whole.values().size());
         if (!keys.defaults().values().find(line.key)) {
             if (++unknown <= mostUnknown) findings.push_back(unknownKey(session.parameters(), line.key));
             continue;

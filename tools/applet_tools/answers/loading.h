@@ -3,9 +3,9 @@
 #ifndef APPLET_TOOLS_ANSWERS_LOADING_H
 #define APPLET_TOOLS_ANSWERS_LOADING_H
 
-#include "applet_tools/applet/ConfigurationFile.h"
-#include "applet_tools/applet/MemoryFile.h"
 #include "applet_tools/applet/ParameterState.h"
+#include "applet_tools/applet/files/ConfigurationFile.h"
+#include "applet_tools/applet/files/MemoryFile.h"
 #include "applet_tools/scratch/DesignSnapshot.h"
 #include "applet_tools/scratch/ScratchBoard.h"
 

@@ -225,13 +225,13 @@ void Condition::addTargets(const Node& node, std::vector<Target>& targets) {
         addTargets(part, targets);
 }
 
-bool Condition::holds(const Reading& reading) const { return holds(m_root, reading); }
+bool Condition::holds(const ReadFunction& read) const { return holds(m_root, read); }
 
-bool Condition::holds(const Node& node, const Reading& reading) {
-    const auto isTrue = [&](const Node& part) { return holds(part, reading); };
+bool Condition::holds(const Node& node, const ReadFunction& read) {
+    const auto isTrue = [&](const Node& part) { return holds(part, read); };
     if (node.kind == Node::Kind::any) return std::ranges::any_of(node.parts, isTrue);
     if (node.kind == Node::Kind::all) return std::ranges::all_of(node.parts, isTrue);
-    const ReadResult is = reading(node.comparison.target);
+    const ReadResult is = read(node.comparison.target);
     return is.error == 0 && node.comparison.relation->holds(order(is.value, node.comparison.value));
 }
 

@@ -29,7 +29,7 @@ std::string relationsInWords();
  * well, with or without quotes. */
 class Condition {
 public:
-    using Reading = std::function<ReadResult(const Target&)>;
+    using ReadFunction = std::function<ReadResult(const Target&)>;
 
     /** Throws UsageError, pointing at the place, for what cannot be understood. */
     Condition(const ParameterList& parameters, const std::string& text);
@@ -37,7 +37,7 @@ public:
     /** What is compared, in the order of the text. */
     std::vector<Target> targets() const;
     /** A comparison whose reading failed does not hold. */
-    bool holds(const Reading& reading) const;
+    bool holds(const ReadFunction& read) const;
 
 private:
     class Parser;
@@ -55,7 +55,7 @@ private:
     };
 
     static void addTargets(const Node& node, std::vector<Target>& targets);
-    static bool holds(const Node& node, const Reading& reading);
+    static bool holds(const Node& node, const ReadFunction& read);
 
     Node m_root;
 };

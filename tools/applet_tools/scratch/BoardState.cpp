@@ -1,7 +1,7 @@
 #include "applet_tools/scratch/BoardState.h"
 
-#include "applet_tools/applet/ConfigurationFile.h"
-#include "applet_tools/applet/MemoryFile.h"
+#include "applet_tools/applet/files/ConfigurationFile.h"
+#include "applet_tools/applet/files/MemoryFile.h"
 #include "applet_tools/applet/hardware_values.h"
 
 #include "vexo/fg_errors.h"
@@ -37,8 +37,7 @@ json asMessage(const Value& value) {
             using T = std::decay_t<decltype(native)>;
             if constexpr (std::is_same_v<T, std::string>)
                 return asBytes(native);
-            else if constexpr (std::is_same_v<
-                                   T, Elements>) // a number each would take most of the time of a seed
+            else if constexpr (std::is_same_v<T, Elements>) // a number each would take most of the time
                 return asBytes(
                     {reinterpret_cast<const char*>(native.data()), native.size() * sizeof native[0]});
             else if constexpr (std::is_same_v<T, WholeArray>)

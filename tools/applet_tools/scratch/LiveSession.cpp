@@ -50,7 +50,7 @@ const ParameterList& LiveSession::parameters() {
 void LiveSession::enterCopy() {
     auto copy = std::make_unique<ScratchSession>(m_options);
     const json state = withoutTrace([&] { return boardStateOf(instance(), parameters()); });
-    copy->seed(state);
+    copy->startFrom(state);
     m_copyDesign = state["design"];
     m_copy = std::move(copy);
 }
@@ -60,15 +60,17 @@ void LiveSession::leaveCopy() { m_copy.reset(); }
 ScratchBoard& LiveSession::scratch() {
     json state = withoutTrace([&] { return boardStateOf(instance(), parameters()); });
     if (m_copy) state["design"] = m_copyDesign; // a copy does not publish it
-    return seeded(state);
+    return scratchFrom(state);
 }
 
 ScratchBoard& LiveSession::scratchAtDefaults() {
     const json design = withoutTrace([&] { return designOf(instance()); });
-    return seeded({{"design", design}, {"values", json::object()}});
+    return scratchFrom({{"design", design}, {"values", json::object()}});
 }
 
-ScratchBoard& LiveSession::bareScratch() { return seeded({{"design", nullptr}, {"values", json::object()}}); }
+ScratchBoard& LiveSession::bareScratch() {
+    return scratchFrom({{"design", nullptr}, {"values", json::object()}});
+}
 
 ReadResult LiveSession::read(const Target& target) {
     ReadResult reading = readValue(instance(), target);
@@ -108,8 +110,8 @@ Words LiveSession::takeAccesses() {
     return lines;
 }
 
-ScratchBoard& LiveSession::seeded(const json& seed) {
-    const json answer = m_scratch->seed(seed);
+ScratchBoard& LiveSession::scratchFrom(const json& state) {
+    const json answer = m_scratch->startFrom(state);
     m_assumed = answer["assumed"].get<Words>();
     m_assumedMeasurements = answer["measurements"].get<Words>();
     return *m_scratch;

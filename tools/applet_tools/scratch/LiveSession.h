@@ -66,7 +66,7 @@ public:
     /** How the answers came about, in words, since they were last taken. */
     Words takeNotes();
 
-    /** From now on the live virtual board logs its accesses, those for a seed left out. */
+    /** From now on the live virtual board logs its accesses, those for a start state left out. */
     void startTrace();
     /** What was logged since it was last taken. */
     Words takeAccesses();
@@ -75,7 +75,7 @@ public:
 
 private:
     nlohmann::json withoutTrace(const std::function<nlohmann::json()>& read);
-    ScratchBoard& seeded(const nlohmann::json& seed);
+    ScratchBoard& scratchFrom(const nlohmann::json& state);
 
     BoardOptions m_options;
     bool m_publishesDesign;

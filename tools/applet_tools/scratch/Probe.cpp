@@ -1,8 +1,8 @@
 #include "applet_tools/scratch/Probe.h"
 
-#include "applet_tools/applet/ConfigurationFile.h"
+#include "applet_tools/applet/files/ConfigurationFile.h"
 #include "applet_tools/applet/Effort.h"
-#include "applet_tools/applet/MemoryFile.h"
+#include "applet_tools/applet/files/MemoryFile.h"
 #include "applet_tools/applet/hardware_values.h"
 #include "applet_tools/base/text.h"
 

@@ -75,9 +75,9 @@ public:
         , m_jobs(jobs) {}
 
     json answer(const json& message) {
-        if (const auto seed = message.find("seed"); seed != message.end()) {
+        if (const auto state = message.find("state"); state != message.end()) {
             if (!m_session) begin();
-            m_session->seed(*seed);
+            m_session->startFrom(*state);
             m_isTouched = false;
             return {{"assumed", m_session->assumed()}, {"measurements", m_session->assumedMeasurements()}};
         }
@@ -105,7 +105,7 @@ private:
     std::span<const JobRow> m_jobs;
     std::optional<ScratchSession> m_session;
     std::chrono::steady_clock::time_point m_lastProgress;
-    bool m_isTouched = false; // not in the state of the seed
+    bool m_isTouched = false; // not in its start state
 };
 
 /** Answers messages until the parent is gone. */
@@ -168,14 +168,14 @@ ScratchBoard::~ScratchBoard() {
     if (m_child > 0) waitpid(m_child, nullptr, 0);
 }
 
-json ScratchBoard::seed(const json& seed) {
+json ScratchBoard::startFrom(const json& state) {
     const Stopwatch watch;
-    json told = request({{"seed", seed}})["result"];
-    const auto assumed = told["assumed"].get<Words>();
-    const bool isLive = !seed.at("values").empty();
+    json differences = request({{"state", state}})["result"];
+    const auto assumed = differences["assumed"].get<Words>();
+    const bool isLive = !state.at("values").empty();
     m_notes.push_back(std::string("scratch board: brought to the ") + (isLive ? "live state" : "defaults") +
                       " in " + watch.text() + (assumed.empty() ? "" : "; assumed: " + join(assumed, ", ")));
-    return told;
+    return differences;
 }
 
 json ScratchBoard::ask(const std::string& job, const json& arguments) {

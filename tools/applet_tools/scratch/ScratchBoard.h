@@ -18,7 +18,7 @@ namespace applet_tools {
 struct JobRow;
 
 /** A process of its own, since the virtual board's libraries bear the names of the real ones: one process holds
- *  only the one or the other. To be made before any library is loaded. The child loads them with the first seed,
+ *  only the one or the other. To be made before any library is loaded. The child loads them with the first state,
  *  and ends with the object. */
 class ScratchBoard {
 public:
@@ -29,7 +29,7 @@ public:
     ScratchBoard& operator=(const ScratchBoard&) = delete;
 
     /** The state that each job starts from (see boardStateOf). Gives what of it is assumed (see ScratchSession). */
-    nlohmann::json seed(const nlohmann::json& seed);
+    nlohmann::json startFrom(const nlohmann::json& state);
     /** Lets a job of the table find something out; gives its result. What it throws is thrown
      *  here: UsageError, Unavailable, or Failure for everything else. */
     nlohmann::json ask(const std::string& job, const nlohmann::json& arguments);

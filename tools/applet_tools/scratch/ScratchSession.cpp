@@ -38,11 +38,11 @@ ScratchSession::ScratchSession(const BoardOptions& options)
     : m_options(onVirtualBoard(options))
     , m_host(std::make_shared<applet_host::AppletHost>(locationsFor(m_options))) {}
 
-void ScratchSession::seed(json seed) {
-    m_seed = std::move(seed);
+void ScratchSession::startFrom(json state) {
+    m_start = std::move(state);
     m_defaults = nullptr;
     m_host->board().restore_design();
-    if (const json& design = m_seed.at("design"); !design.is_null())
+    if (const json& design = m_start.at("design"); !design.is_null())
         for (const std::string& name : designNames())
             if (!design.contains(publishedName(name))) m_host->board().lack_parameter(name.c_str(), true);
     rewind();
@@ -68,8 +68,8 @@ void ScratchSession::rewind() {
 }
 
 void ScratchSession::keep() {
-    m_seed["values"] = valuesOf(*m_instance, *m_parameters);
-    m_seed["loads"] = loadsOf(*m_instance);
+    m_start["values"] = valuesOf(*m_instance, *m_parameters);
+    m_start["loads"] = loadsOf(*m_instance);
 }
 
 const json& ScratchSession::defaults() {
@@ -82,19 +82,19 @@ const json& ScratchSession::defaults() {
 
 void ScratchSession::prepareBoard(LOOMdevice* device) {
     m_host->board().log_kinds(device, 0);
-    for (const auto& [name, value] : m_seed.at("design").items())
+    for (const auto& [name, value] : m_start.at("design").items())
         poke(m_host->board(), device, designName(name), value);
 }
 
 void ScratchSession::setValues() {
-    const Wanted wanted = wantedFrom(*m_parameters, m_seed.at("values"));
-    if (const auto loads = m_seed.find("loads"); loads != m_seed.end())
+    const Wanted wanted = wantedFrom(*m_parameters, m_start.at("values"));
+    if (const auto loads = m_start.find("loads"); loads != m_start.end())
         loadAgain(*m_instance, wanted, *loads);
     bringAbout(*m_instance, wanted);
     storeByLoad(*m_instance, wanted);
     m_assumed.clear();
     m_assumedMeasurements.clear();
-    if (m_seed.at("design").is_null()) m_assumed.emplace_back("design");
+    if (m_start.at("design").is_null()) m_assumed.emplace_back("design");
     for (const auto& [parameter, value] : wanted)
         if (!holds(*m_instance, *parameter, *value))
             (hasSetter(*parameter) ? m_assumed : m_assumedMeasurements).push_back(parameter->name);

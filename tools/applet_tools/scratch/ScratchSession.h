@@ -19,8 +19,8 @@ public:
     explicit ScratchSession(const BoardOptions& options);
 
     /** Takes over the state of a live applet (see boardStateOf) and goes there. */
-    void seed(json seed);
-    /** Back to the state of the seed. Parameters and targets from before are gone. */
+    void startFrom(json state);
+    /** Back to the start state. Parameters and targets from before are gone. */
     void rewind();
     /** From now on the present state is the one to go back to. */
     void keep();
@@ -52,7 +52,7 @@ private:
 
     BoardOptions m_options;
     std::shared_ptr<const applet_host::AppletHost> m_host;
-    json m_seed;
+    json m_start;
     json m_defaults; // null until asked for
     std::optional<Instance> m_instance;
     std::optional<ParameterList> m_parameters;
@@ -60,7 +60,7 @@ private:
     std::vector<std::string> m_assumed, m_assumedMeasurements;
 };
 
-/** Something that a scratch board is asked to find out, from the state of its seed. */
+/** Something that a scratch board is asked to find out, from its start state. */
 using Job = json (*)(ScratchSession& session, const json& arguments);
 
 /** A job that can be asked for by its name. */

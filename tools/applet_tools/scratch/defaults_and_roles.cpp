@@ -1,9 +1,9 @@
 #include "applet_tools/scratch/defaults_and_roles.h"
 
-#include "applet_tools/applet/ConfigurationFile.h"
 #include "applet_tools/applet/Effort.h"
-#include "applet_tools/applet/MemoryFile.h"
 #include "applet_tools/applet/access_log.h"
+#include "applet_tools/applet/files/ConfigurationFile.h"
+#include "applet_tools/applet/files/MemoryFile.h"
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/text.h"
 
@@ -78,7 +78,7 @@ json defaultsAndRolesJob(ScratchSession& session, const json& arguments) {
 }
 
 std::map<std::string, DefaultAndRole>
-backgroundOf(LiveSession& live, const std::vector<const Parameter*>& parameters, FileRoles roles) {
+defaultsAndRolesOf(LiveSession& live, const std::vector<const Parameter*>& parameters, FileRoles roles) {
     std::vector<std::string> names;
     names.reserve(parameters.size());
     for (const Parameter* parameter : parameters)
@@ -87,12 +87,12 @@ backgroundOf(LiveSession& live, const std::vector<const Parameter*>& parameters,
         live.scratch().ask("defaultsAndRoles", {{"names", names}, {"roles", roles == FileRoles::asked}});
     std::map<std::string, DefaultAndRole> defaultsAndRoles;
     for (const Parameter* parameter : parameters) {
-        const json& told = answer.at(parameter->name);
+        const json& row = answer.at(parameter->name);
         DefaultAndRole& known = defaultsAndRoles[parameter->name];
-        known.isSettable = told.at("settable").get<bool>();
-        if (known.isSettable && !told.at("start").is_null())
-            known.start = fromMessage(wholeOf(*parameter), told["start"]);
-        known.fileRole = told.value("fileRole", "");
+        known.isSettable = row.at("settable").get<bool>();
+        if (known.isSettable && !row.at("start").is_null())
+            known.start = fromMessage(wholeOf(*parameter), row["start"]);
+        known.fileRole = row.value("fileRole", "");
     }
     return defaultsAndRoles;
 }

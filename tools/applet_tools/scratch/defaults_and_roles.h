@@ -27,7 +27,7 @@ enum class FileRoles { unasked, asked };
 
 /** By name. File roles cost a load each. */
 std::map<std::string, DefaultAndRole>
-backgroundOf(LiveSession& live, const std::vector<const Parameter*>& parameters, FileRoles roles);
+defaultsAndRolesOf(LiveSession& live, const std::vector<const Parameter*>& parameters, FileRoles roles);
 
 /** The settings that hold something else than after a bring-up, as {NAME: VALUE}; of an array only the number of its
  *  elements. */

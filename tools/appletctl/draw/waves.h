@@ -27,8 +27,8 @@ std::vector<Pulse> merged(const std::vector<Pulse>& pulses, double end);
 std::string wavesText(const std::vector<Wave>& waves, double end, double period, bool unicode,
                       std::size_t lineWidth);
 
-/** `origin`: the time at the left end, which is added to what is written below. What is active there has begun before, if
- *  that is not 0. */
+/** `origin`: the time at the left end, which is added to what is written below. What is active there has
+ *  begun before, if that is not 0. */
 std::string wavesAsSvg(const std::vector<Wave>& waves, double end, double period, const std::string& subtitle,
                        double origin);
 

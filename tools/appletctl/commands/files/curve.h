@@ -2,7 +2,7 @@
 #ifndef APPLETCTL_COMMANDS_FILES_CURVE_H
 #define APPLETCTL_COMMANDS_FILES_CURVE_H
 
-#include "applet_tools/applet/LutTables.h"
+#include "applet_tools/applet/files/LutTables.h"
 #include "appletctl/base/applet_tools.h"
 
 #include <string>

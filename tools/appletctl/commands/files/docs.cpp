@@ -1,6 +1,6 @@
 // The documentation of all parameters, made from the tree: a page, and manual pages.
 
-#include "applet_tools/applet/MemoryFile.h"
+#include "applet_tools/applet/files/MemoryFile.h"
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"
 #include "appletctl/base/layout.h"

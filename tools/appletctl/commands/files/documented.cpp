@@ -46,7 +46,7 @@ std::vector<Documented> documentedParameters(Context& context) {
     std::vector<const Parameter*> parameters;
     for (const Parameter& parameter : context.parameters().all())
         parameters.push_back(&parameter);
-    const auto defaultsAndRoles = backgroundOf(context, parameters, FileRoles::asked);
+    const auto defaultsAndRoles = defaultsAndRolesOf(context, parameters, FileRoles::asked);
     const Influences influences = askInfluences(context);
     std::vector<Documented> all;
     for (const Parameter* parameter : parameters) {

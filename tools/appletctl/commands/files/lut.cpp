@@ -1,7 +1,7 @@
 // The commands around the lookup table. Assignments given with them are carried out first.
 
-#include "applet_tools/applet/LutTables.h"
-#include "applet_tools/applet/MemoryFile.h"
+#include "applet_tools/applet/files/LutTables.h"
+#include "applet_tools/applet/files/MemoryFile.h"
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"
 #include "appletctl/commands/Command.h"

@@ -132,7 +132,7 @@ public:
     explicit Builder(Context& context) : m_instance(context.instance()), m_parameters(context.parameters()) {
         for (const Parameter& parameter : m_parameters.all())
             if (rowOf(parameter) != nullptr) m_described.push_back(&parameter);
-        m_defaultsAndRoles = backgroundOf(context, m_described, FileRoles::asked);
+        m_defaultsAndRoles = defaultsAndRolesOf(context, m_described, FileRoles::asked);
     }
 
     std::string build() {

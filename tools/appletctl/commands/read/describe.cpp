@@ -74,7 +74,7 @@ Report describeParameters(Context& context, const Words& names) {
     wanted.reserve(targets.size());
     for (const Target& target : targets)
         wanted.push_back(target.parameter);
-    const auto defaultsAndRoles = backgroundOf(context, wanted, FileRoles::asked);
+    const auto defaultsAndRoles = defaultsAndRolesOf(context, wanted, FileRoles::asked);
     Report report;
     report.document["parameters"] = nlohmann::ordered_json::array();
     Table table;

@@ -202,7 +202,8 @@ Report listParameters(Context& context, const Words& pattern) {
     Report report;
     std::map<std::string, DefaultAndRole> defaultsAndRoles;
     try {
-        defaultsAndRoles = backgroundOf(context, wanted, wantsRole ? FileRoles::asked : FileRoles::unasked);
+        defaultsAndRoles =
+            defaultsAndRolesOf(context, wanted, wantsRole ? FileRoles::asked : FileRoles::unasked);
     } catch (const Failure& failure) {
         // Where there is no scratch board, a list is still of use.
         if (own.onlyChanged || wantsRole || has(own.columns, defaultColumn)) throw;

@@ -214,12 +214,12 @@ std::string tableText(const Timing& timing) {
                   outputNames(timing, FG_SIGNAL_CAM0_EXSYNC2)});
     table.addRow({"Flash", settings.isFlashOn ? period : off, numberText(settings.flashDelay) + " lines",
                   "image", outputNames(timing, FG_SIGNAL_CAM0_FLASH)});
-    Words told;
+    Words shown;
     for (const Output& output : timing.outputs) {
         const bool isSignal =
             std::ranges::find(timing.signals, output.sourceValue, &Signal::source) != timing.signals.end();
-        if (isSignal || std::ranges::find(told, output.source) != told.end()) continue;
-        told.push_back(output.source);
+        if (isSignal || std::ranges::find(shown, output.source) != shown.end()) continue;
+        shown.push_back(output.source);
         table.addRow({output.source, "-", "-", "-", outputNames(timing, output.sourceValue)});
     }
     return table.render(Style::forStream(STDOUT_FILENO));

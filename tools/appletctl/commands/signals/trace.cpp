@@ -1,7 +1,7 @@
 #include "appletctl/commands/signals/trace.h"
 
-#include "applet_tools/applet/ConfigurationFile.h"
 #include "applet_tools/applet/access_log.h"
+#include "applet_tools/applet/files/ConfigurationFile.h"
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"
 #include "appletctl/commands/Command.h"

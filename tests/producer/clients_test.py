@@ -1,0 +1,266 @@
+#!/usr/bin/env python3
+"""The producer with real clients: Harvesters, and the reference implementation of GenApi under it.
+
+producer_clients_test.py PRODUCER VENV [APPLETCTL]
+
+Makes a virtual environment in the folder VENV with the packages harvesters and genicam, unless it is there. Where the
+package index is not reachable it says so and answers 77: skipped."""
+import ctypes
+import hashlib
+import os
+import pathlib
+import subprocess
+import sys
+import threading
+import time
+import unittest
+
+PACKAGES = ["harvesters>=1.4,<2", "genicam>=1.5,<2"]
+SKIPPED = 77
+CTI = pathlib.Path(sys.argv[1]).resolve()
+
+
+def run_in_environment():
+    folder = pathlib.Path(sys.argv[2])
+    python = folder / "bin" / "python"
+    ready = [python, "-c", "import harvesters.core"]
+    if not python.exists() or subprocess.run(ready, capture_output=True).returncode != 0:
+        for what, command in (
+                ("no virtual environment can be made (Debian: python3-venv)",
+                 [sys.executable, "-m", "venv", "--clear", folder]),
+                ("the packages harvesters and genicam cannot be had from the package index",
+                 [python, "-m", "pip", "install", "--quiet", "--disable-pip-version-check", "--timeout", "20",
+                  "--retries", "1", *PACKAGES])):
+            done = subprocess.run(command, capture_output=True, text=True)
+            if done.returncode != 0:
+                print(f"skipped: {what}:\n{done.stderr}")
+                sys.exit(SKIPPED)
+    # Each board of the tests is a device; time moves with the pictures that are taken.
+    environment = {**os.environ, "VBOARD_CLOCK": "stepped", "VBOARD_COUNT": "2", "PRODUCER_CLIENT": "1"}
+    os.execve(python, [str(python), __file__, *sys.argv[1:]], environment)
+
+
+if "PRODUCER_CLIENT" not in os.environ:
+    run_in_environment()
+
+from genicam.genapi import AccessException, EAccessMode, EVisibility, NodeMap, OutOfRangeException  # noqa: E402
+from genicam.gentl import InvalidValueException  # noqa: E402
+from harvesters.core import Harvester, ParameterKey, ParameterSet  # noqa: E402
+
+
+class Record(ctypes.Structure):
+    """The begin of a vboard_record."""
+    _fields_ = [("data", ctypes.c_void_p), ("size", ctypes.c_uint64), ("rest", ctypes.c_uint64 * 32)]
+
+
+class Station:
+    """The applet on a virtual board without the producer: its frames are what clients must get."""
+
+    def __init__(self, **parameters):
+        folder = CTI.parent
+        for name in ("libvexo_hw.so", "libtslrt.so", "libgrabcore5.so"):
+            library = ctypes.CDLL(str(folder / "virtual-board" / name), mode=ctypes.RTLD_LOCAL)
+            self.board = library if name == "libvexo_hw.so" else self.board
+        self.applet = ctypes.CDLL(str(folder / "libGrab_TwinLaneLineColor.so"), mode=ctypes.RTLD_LOCAL)
+        pointer, number = ctypes.c_void_p, ctypes.c_int64
+        self.board.vboard_open.restype = self.board.vboard_memory.restype = self.applet.Std_entry.restype = pointer
+        self.applet.Fg_getLastPicNumberBlockingEx.restype = number
+        device = pointer(self.board.vboard_open())
+        self.handle = pointer(self.applet.Std_entry(device, None, 0))
+        parameters = {"FG_CAMERASIMULATOR_ENABLE": 1, "FG_CAMERASIMULATOR_TRIGGER_MODE": 8, **parameters}
+        for name, value in parameters.items():
+            number_of = self.applet.Fg_getParameterIdByName(ctypes.byref(self.handle), name.encode())
+            value = ctypes.c_double(value) if isinstance(value, float) else ctypes.c_int32(value)
+            code = self.applet.Fg_setParameterWithType(ctypes.byref(self.handle), number_of, ctypes.byref(value), 0, 1)
+            assert code == 0, (name, code)
+        self.memory = pointer(self.board.vboard_memory(device, ctypes.c_size_t(4), ctypes.c_uint64(1 << 30), 0))
+        assert self.applet.Fg_AcquireEx(ctypes.byref(self.handle), 0, number(0), 0, self.memory) == 0
+
+    def hash(self, picture):
+        last = self.applet.Fg_getLastPicNumberBlockingEx(ctypes.byref(self.handle), ctypes.c_int64(picture), 0, 10,
+                                                         self.memory)
+        assert last == picture, last
+        record = Record()
+        assert self.board.vboard_frame(self.memory, ctypes.c_int64(picture), ctypes.byref(record)) == 0
+        return hashlib.sha256(ctypes.string_at(record.data, record.size)).hexdigest()
+
+
+def pictures(acquirer, count, timeout=20):
+    """Numbers, hashes and times of so many pictures."""
+    found = []
+    for _ in range(count):
+        with acquirer.fetch(timeout=timeout) as buffer:
+            module = buffer.module  # its bytes are as they came; Harvesters unpacks them
+            found.append((module.frame_id, hashlib.sha256(module.raw_buffer[:module.size_filled]).hexdigest(),
+                          buffer.timestamp_ns))
+    return found
+
+
+class Clients(unittest.TestCase):
+    def setUp(self):
+        self.harvester = Harvester()
+        self.harvester.add_file(str(CTI))
+        self.harvester.update()
+        self.acquirer = self.harvester.create({"id_": "virtual-0-process-0"})
+        self.nodes = self.acquirer.remote_device.node_map
+
+    def tearDown(self):
+        self.acquirer.destroy()
+        self.harvester.reset()
+
+    def test_discovery(self):
+        infos = [(info.id_, info.vendor, info.model, info.tl_type) for info in self.harvester.device_info_list]
+        self.assertEqual(infos, [(f"virtual-{i}-process-0", "NorvaneImaging", "Grab_TwinLaneLineColor", "CLHS")
+                                 for i in range(2)])
+
+    def test_every_feature_is_readable(self):
+        modules = [self.acquirer.system, self.acquirer.interface, self.acquirer.device, self.acquirer.remote_device,
+                   *self.acquirer.data_streams]
+        counts = []
+        for module in modules:
+            read = 0
+            for node in module.node_map.nodes:
+                name, mode = node.node.name, node.node.get_access_mode()
+                if node.node.visibility == EVisibility.Invisible or not hasattr(node, "to_string"):
+                    continue
+                if name.startswith("Event") and mode == EAccessMode.NA:
+                    continue  # comes with its event
+                self.assertIn(mode, (EAccessMode.RO, EAccessMode.RW), name)
+                node.to_string()
+                read += 1
+            counts.append(read)
+        self.assertGreater(min(counts), 5)
+        self.assertGreater(counts[3], 200)
+
+    def test_sets_and_limits_that_move(self):
+        nodes = self.nodes
+        for name, value in {"Width": 2048, "OffsetX": 512, "ExposureTime": 50.0, "AcquisitionLineRate": 8000.0,
+                            "PixelFormat": "BGR12p", "TestPattern": "GreyVerticalRamp", "GainSelector": "Blue",
+                            "Gain": 1.5, "LUTIndex": 7, "LUTValue": 99, "FG_DEBUGFILE": "text"}.items():
+            getattr(nodes, name).value = value
+            self.assertEqual(getattr(nodes, name).value, value, name)
+        self.assertEqual(nodes.FG_LINEPERIODE.value, 125.0)
+        self.assertEqual(nodes.PayloadSize.value, 2048 * 1024 * 36 // 8)
+        self.assertEqual((nodes.Width.max, nodes.OffsetX.max), (16384 - 512, 16384 - 2048))
+        self.assertEqual(nodes.ExposureTime.max, 125.0)
+        for name, value, refusal in (("OffsetX", 2, OutOfRangeException), ("ExposureTime", 126.0, OutOfRangeException),
+                                     ("PayloadSize", 1, AccessException), ("FG_VANTAGEPOINT", "FG_VANTAGEPOINT_TOP_RIGHT",
+                                                                           InvalidValueException)):
+            with self.assertRaises(refusal, msg=name) as raised:
+                getattr(nodes, name).value = value
+        self.assertIn("FG_VANTAGEPOINT = 1 was refused: -6000", str(raised.exception))
+
+    def test_pictures_are_those_of_the_station(self):
+        for settings in ({"FG_WIDTH": 256, "FG_HEIGHT": 64, "FG_FORMAT": 2},
+                         {"FG_WIDTH": 260, "FG_HEIGHT": 33, "FG_FORMAT": 7, "FG_XOFFSET": 8,
+                          "FG_SCALINGFACTOR_RED": 0.5}):
+            for name, value in settings.items():
+                node = getattr(self.nodes, name)
+                node.set_int_value(value) if name == "FG_FORMAT" else node.from_string(str(value))
+            self.acquirer.start()
+            found = pictures(self.acquirer, 100)
+            self.acquirer.stop()
+            own = Station(**settings)
+            self.assertEqual([number for number, _, _ in found], list(range(1, 101)))
+            self.assertEqual([digest for _, digest, _ in found], [own.hash(i) for i in range(1, 101)])
+            self.acquirer.destroy()  # time has moved: the next comparison needs a board at its start
+            self.acquirer = self.harvester.create({"id_": "virtual-0-process-0"})
+            self.nodes = self.acquirer.remote_device.node_map
+
+    def test_triggers(self):
+        nodes = self.nodes
+        nodes.Width.value, nodes.Height.value = 64, 16
+        nodes.TriggerSelector.value = "FrameStart"
+        nodes.TriggerMode.value, nodes.TriggerSource.value = "On", "Software"
+        self.acquirer.start()
+        self.assertIsNone(self.acquirer.try_fetch(timeout=0.2))
+        for _ in range(3):
+            nodes.TriggerSoftware.execute()
+            self.assertEqual(len(pictures(self.acquirer, 1)), 1)
+        self.assertIsNone(self.acquirer.try_fetch(timeout=0.2))
+        self.acquirer.stop()
+        # Now parts on the belt start the images, and the encoder the lines: 5,000 a second.
+        nodes.TriggerSource.value = "Line0"
+        nodes.TriggerSelector.value = "LineStart"
+        nodes.TriggerMode.value = "On"
+        nodes.FG_SHAFTENCODERON.value = "FG_ON"
+        self.acquirer.start()
+        times = [time_ns for _, _, time_ns in pictures(self.acquirer, 4)]
+        self.acquirer.stop()
+        # The change of the source may have been an edge, too.
+        for before, after in zip(times[1:], times[2:]):
+            self.assertAlmostEqual(after - before, 500_000_000, delta=250_000)
+        nodes.TriggerSelector.value = "FrameStart"
+        nodes.TriggerMode.value = "Off"
+        self.acquirer.start()
+        times = [time_ns for _, _, time_ns in pictures(self.acquirer, 3)]
+        self.acquirer.stop()
+        self.assertEqual([after - before for before, after in zip(times, times[1:])], [3_200_000] * 2)
+
+    def test_events(self):
+        self.acquirer.destroy()
+        self.acquirer = self.harvester.create({"id_": "virtual-0-process-0"},
+                                              config=ParameterSet({ParameterKey.ENABLE_EVENT_MONITOR: True}))
+        nodes = self.acquirer.remote_device.node_map
+        nodes.Width.value, nodes.Height.value = 64, 16
+        nodes.EventSelector.value = "START_OF_FRAME_CAM_PORT_0"
+        mask = 1 << (int(nodes.EventSelector.get_int_value()) - 1)
+        nodes.EventNotification.value = "On"
+        self.assertEqual(nodes.EventSTART_OF_FRAME_CAM_PORT_0.node.get_access_mode(), EAccessMode.NA)
+        self.acquirer.start()
+        end = time.monotonic() + 20
+        while nodes.EventSTART_OF_FRAME_CAM_PORT_0.node.get_access_mode() == EAccessMode.NA:
+            self.assertLess(time.monotonic(), end)
+            pictures(self.acquirer, 1)
+        self.acquirer.stop()
+        self.assertEqual(nodes.EventSTART_OF_FRAME_CAM_PORT_0.value, mask)
+        self.assertLess(nodes.EventSTART_OF_FRAME_CAM_PORT_0Timestamp.value, nodes.Timestamp.value)
+
+    def test_disconnect_and_reconnect(self):
+        self.nodes.Width.value = 64
+        for _ in range(5):
+            self.acquirer.start()
+            pictures(self.acquirer, 2)
+            self.acquirer.destroy()  # while it runs
+            self.acquirer = self.harvester.create({"id_": "virtual-0-process-0"})
+            self.assertEqual(self.acquirer.remote_device.node_map.Width.value, 1024)  # another board
+            self.assertEqual(self.acquirer.remote_device.node_map.TLParamsLocked.value, 0)
+
+    def test_two_devices_at_once(self):
+        with self.harvester.create({"id_": "virtual-1-process-0"}) as other:
+            found = {}
+            acquirers = {128: self.acquirer, 64: other}
+
+            def take(width):
+                acquirers[width].remote_device.node_map.Width.value = width
+                acquirers[width].start()
+                found[width] = [number for number, _, _ in pictures(acquirers[width], 50)]
+                acquirers[width].stop()
+
+            threads = [threading.Thread(target=take, args=(width,)) for width in acquirers]
+            for thread in threads:
+                thread.start()
+            for thread in threads:
+                thread.join()
+            self.assertEqual(found, {width: list(range(1, 51)) for width in acquirers})
+
+    def test_the_script_of_the_page(self):
+        page = (pathlib.Path(__file__).parent.parent.parent / "docs" / "producer.md").read_text(encoding="utf-8")
+        script = page.split("```python\n")[1].split("```")[0]
+        environment = {**os.environ, "GENICAM_GENTL64_PATH": str(CTI.parent)}
+        printed = subprocess.run([sys.executable, "-c", script], env=environment, check=True, capture_output=True,
+                                 text=True).stdout.splitlines()
+        self.assertEqual(printed[0], "exposure can be 0.512 to 100.0 µs")
+        self.assertEqual([line.split()[0] for line in printed[1:]], [str(i) for i in range(1, 11)])
+        self.assertIn("(512, 2048, 3)", printed[1])
+
+    @unittest.skipUnless(len(sys.argv) > 3 and os.path.exists(sys.argv[3]), "there is no appletctl")
+    def test_portable_document(self):
+        document = subprocess.run([sys.argv[3], "xml", "--portable"], check=True, capture_output=True, text=True).stdout
+        nodes = NodeMap()
+        nodes.load_xml_from_string(document)
+        self.assertTrue(nodes.has_node("FG_WIDTH"))
+
+
+if __name__ == "__main__":
+    unittest.main(argv=[sys.argv[0]], verbosity=2)

@@ -1,0 +1,203 @@
+#include "applet_tools/applet/files/ConfigurationFile.h"
+
+#include "applet_tools/applet/Effort.h"
+#include "applet_tools/applet/files/MemoryFile.h"
+#include "applet_tools/base/errors.h"
+#include "applet_tools/base/files.h"
+#include "applet_tools/base/text.h"
+
+#include "vexo/fg_errors.h"
+
+#include <algorithm>
+#include <functional>
+#include <set>
+
+namespace applet_tools {
+namespace {
+
+constexpr std::string_view portSection = "[Port A]";
+
+std::string_view trimmed(std::string_view text) {
+    constexpr std::string_view unprinted = " \t\r";
+    text.remove_prefix(std::min(text.find_first_not_of(unprinted), text.size()));
+    return text.substr(0, text.find_last_not_of(unprinted) + 1);
+}
+
+/** The value of the text after the equals sign: 'text'; or number; */
+std::string_view withoutMarks(std::string_view text) {
+    const std::size_t quote = text.rfind('\'');
+    if (text.starts_with('\'') && quote > 0) return text.substr(1, quote - 1);
+    return trimmed(text.substr(0, text.find(';')));
+}
+
+/** The line that begins there, with its end. */
+std::string_view lineAt(std::string_view text, std::size_t begin) {
+    return text.substr(begin, std::min(text.find('\n', begin), text.size() - 1) + 1 - begin);
+}
+
+template <typename Integer> std::optional<Value> wholeInFile(const std::string& text) {
+    const auto number = wholeNumber<Integer>(text);
+    return number ? std::optional<Value>(*number) : std::nullopt;
+}
+
+/** A file has unsigned numbers as signed ones. */
+std::optional<Value> unsignedInFile(const std::string& text) {
+    const auto number = wholeNumber<std::int32_t>(text);
+    return number ? static_cast<std::uint32_t>(*number) : wholeInFile<std::uint32_t>(text);
+}
+
+} // namespace
+
+ConfigurationFile::ConfigurationFile(std::string text)
+    : m_text(std::make_shared<const std::string>(std::move(text)))
+    , m_header(*m_text)
+    , m_values(*m_text) {
+    Section* section = &m_header;
+    for (std::size_t begin = 0; begin < m_text->size();) {
+        const std::string_view line = lineAt(*m_text, begin);
+        if (line.find(portSection) != std::string_view::npos)
+            section = &m_values;
+        else if (line.find('=') != std::string_view::npos)
+            section->add(begin);
+        begin += line.size();
+    }
+}
+
+std::string ConfigurationFile::textOf(const std::string& path) {
+    auto text = textOfFile(path);
+    if (!text) throw UsageError(inQuotes(toUtf8(path.c_str())) + " is no file that can be read");
+    return std::move(*text);
+}
+
+void ConfigurationFile::Section::add(std::size_t begin) {
+    if (m_places.size() * 2 >= m_slots.size()) grow();
+    std::uint32_t& number = m_slots[slotOf(keyAt(begin))];
+    if (number != 0) {
+        Place& first = m_places[number - 1];
+        if (++first.count == 0) --first.count;
+        return;
+    }
+    constexpr std::uint64_t placeBits = (std::uint64_t{1} << 40) - 1; // a terabyte
+    m_places.push_back({begin & placeBits, 1});
+    number = static_cast<std::uint32_t>(m_places.size());
+}
+
+std::string_view ConfigurationFile::Section::keyAt(std::size_t begin) const {
+    return m_text.substr(begin, m_text.find('=', begin) - begin);
+}
+
+ConfigurationFile::Line ConfigurationFile::Section::line(const Place& place) const {
+    const std::string_view line = lineAt(m_text, place.begin);
+    const std::string_view content = line.substr(0, line.size() - (line.ends_with('\n') ? 1 : 0));
+    const std::size_t equals = content.find('=');
+    return {content.substr(0, equals), withoutMarks(trimmed(content.substr(equals + 1))), line, place.count};
+}
+
+std::size_t ConfigurationFile::Section::slotOf(std::string_view key) const {
+    const std::size_t mask = m_slots.size() - 1;
+    std::size_t slot = std::hash<std::string_view>()(key) & mask;
+    const auto isOther = [&](const Place& place) {
+        const std::string_view line = m_text.substr(place.begin, key.size() + 1);
+        return !line.ends_with('=') || !line.starts_with(key);
+    };
+    while (m_slots[slot] != 0 && isOther(m_places[m_slots[slot] - 1]))
+        slot = (slot + 1) & mask;
+    return slot;
+}
+
+void ConfigurationFile::Section::grow() {
+    constexpr std::size_t fewest = 256; // a power of two, as all sizes are
+    m_slots.assign(std::max(fewest, m_slots.size() * 2), 0);
+    for (std::uint32_t number = 1; number <= m_places.size(); ++number)
+        m_slots[slotOf(keyAt(m_places[number - 1].begin))] = number;
+}
+
+std::optional<ConfigurationFile::Line> ConfigurationFile::Section::find(std::string_view key) const {
+    if (m_slots.empty()) return std::nullopt;
+    const std::uint32_t number = m_slots[slotOf(key)];
+    return number != 0 ? std::optional(line(m_places[number - 1])) : std::nullopt;
+}
+
+std::optional<std::string> ConfigurationFile::Section::value(std::string_view key) const {
+    const auto line = find(key);
+    return line ? std::optional(std::string(line->value)) : std::nullopt;
+}
+
+std::string ConfigurationFile::textWith(const Line& line, std::string_view replacement) const {
+    const auto begin = static_cast<std::size_t>(line.text.data() - m_text->data());
+    std::string text;
+    text.reserve(m_text->size() + replacement.size());
+    return text.append(*m_text, 0, begin).append(replacement).append(*m_text, begin + line.text.size());
+}
+
+std::string textForLoad(std::string text, const ConfigurationFile& known) {
+    const std::size_t section = text.find(portSection);
+    if (section == std::string::npos) return text;
+    std::string kept(text, 0, section + lineAt(text, section).size());
+    if (kept.find(lineAt(known.text(), 0)) == std::string::npos) return text;
+    for (const auto& line : known.header())
+        if (kept.find(line.key) == std::string::npos) return text;
+    constexpr std::size_t longestLine = 255; // a load takes the rest of a longer one as further lines
+    std::set<std::string_view> seen;
+    for (std::size_t begin = kept.size(); begin < text.size();) {
+        const std::string_view line = lineAt(text, begin);
+        begin += line.size();
+        const std::string_view key = line.substr(0, line.find('='));
+        const bool isRead = key.size() < line.size() && known.values().find(key) && seen.insert(key).second;
+        if (isRead || line.size() > longestLine) kept.append(line);
+    }
+    return kept;
+}
+
+int loadConfiguration(Instance& instance, const std::string& path) {
+    ++effort().loads;
+    const int code = instance.applet().Fg_loadConfig(instance.fg(), path.c_str());
+    if (code == FG_ERR_FILE_TYPE) return code; // it was not opened
+    LoadHistory& history = instance.loads();
+    if (code == FG_OK) history = {};
+    constexpr std::size_t most = 16, large = 1 << 16;
+    auto text = textOfFile(path);
+    if (!text || history.texts.size() >= most) return code;
+    if (text->size() > large) text = textForLoad(std::move(*text), stateOf(instance));
+    history.texts.push_back(std::move(*text));
+    return code;
+}
+
+ConfigurationFile stateOf(Instance& instance) {
+    const MemoryFile file;
+    const int code = instance.applet().Fg_saveConfig(instance.fg(), file.configurationPath().c_str());
+    if (code != FG_OK) throw Failure("the applet's state cannot be saved: " + codeInWords(code));
+    return ConfigurationFile(file.text());
+}
+
+std::optional<Value> valueInFile(const Parameter& parameter, const std::string& text) {
+    if (parameter.kind() == REGISTER_KIND_STRING) return text;
+    if (text.find_first_of("xX") != std::string::npos) return std::nullopt; // to a load 0x800 is 0
+    switch (parameter.kind()) {
+    case REGISTER_KIND_UINT:
+        return unsignedInFile(text);
+    case REGISTER_KIND_ENUM: // not by its symbol
+        return wholeInFile<std::int32_t>(text);
+    default:
+        break;
+    }
+    try {
+        return parseValue({&parameter}, text);
+    } catch (const UsageError&) {
+        return std::nullopt;
+    }
+}
+
+bool isSameValue(const Parameter& parameter, const std::string& a, const std::string& b) {
+    const std::optional<Value> first = valueInFile(parameter, a);
+    const std::optional<Value> second = valueInFile(parameter, b);
+    return first && second ? *first == *second : a == b;
+}
+
+std::string fileValueText(const Parameter& parameter, const std::string& text) {
+    const std::optional<Value> value = valueInFile(parameter, text);
+    constexpr std::size_t mostBytes = 200;
+    return shortened(value ? valueWithUnit(parameter, *value) : inQuotes(toUtf8(text.c_str())), mostBytes);
+}
+
+} // namespace applet_tools

@@ -1,0 +1,144 @@
+#include "appletctl/cli/scenario/ScenarioRunner.h"
+
+#include "applet_tools/applet/access_log.h"
+#include "applet_tools/base/errors.h"
+#include "applet_tools/base/numbers.h"
+#include "applet_tools/base/text.h"
+
+#include <set>
+#include <sstream>
+
+namespace appletctl {
+namespace {
+
+struct Write {
+    std::string name, value;
+    bool isDone = true;
+};
+
+/** Reads a line of the board's log, such as "set Device1_Process0_Buffer_0_XLength u32 1024". */
+Write parseWrite(const std::string& line) {
+    std::istringstream words(line);
+    Write write;
+    std::string access, type, failure;
+    words >> access >> write.name >> type >> write.value >> failure;
+    write.isDone = failure != "=";
+    return write;
+}
+
+bool isSameNumber(const std::string& a, const std::string& b) {
+    const auto first = floatingNumber(a), second = floatingNumber(b);
+    return first && second && *first == *second;
+}
+
+} // namespace
+
+ScenarioRunner::ScenarioRunner(Context& context) : m_context(context) {
+    if (instance().device() != nullptr && instance().host()->isVirtual()) logWrites(instance());
+}
+
+ScenarioRunner::~ScenarioRunner() {
+    m_stationState.reset(); // an acquisition ends before its board goes
+    if (!m_context.isUp() || instance().device() == nullptr || !instance().host()->isVirtual()) return;
+    instance().board().fail_access(instance().device(), 0, 0, VBOARD_ONCE);
+    for (const std::string& name : m_failing)
+        instance().board().fail_name(instance().device(), name.c_str(), 0);
+    instance().board().restore_design();
+}
+
+const applet_host::BoardFunctions& ScenarioRunner::board() {
+    if (instance().device() == nullptr || !instance().host()->isVirtual())
+        throw UsageError("this needs the virtual board");
+    return instance().board();
+}
+
+void ScenarioRunner::forgetWrites() {
+    m_writes.clear();
+    m_found = 0;
+    if (instance().device() != nullptr && instance().host()->isVirtual()) takeWrites(instance());
+}
+
+void ScenarioRunner::collectWrites() {
+    board();
+    for (std::string& line : takeWrites(instance()))
+        m_writes.push_back(std::move(line));
+}
+
+bool ScenarioRunner::findWrite(const std::string& name, const std::string& value) {
+    collectWrites();
+    for (std::size_t i = m_found; i < m_writes.size(); ++i) {
+        const Write write = parseWrite(m_writes[i]);
+        const bool isNamed = write.name == name || write.name.ends_with("_" + name);
+        if (!isNamed || !write.isDone) continue;
+        if (write.value != value && !isSameNumber(write.value, value)) continue;
+        m_found = i + 1;
+        return true;
+    }
+    return false;
+}
+
+std::vector<std::string> ScenarioRunner::writesLeft() {
+    collectWrites();
+    return {m_writes.begin() + static_cast<std::ptrdiff_t>(m_found), m_writes.end()};
+}
+
+std::vector<std::string> ScenarioRunner::designNames() {
+    std::vector<std::string> names;
+    const ParameterList design(instance(), ParameterList::Scope::design);
+    for (const Parameter& parameter : design.all())
+        names.push_back(parameter.name.substr(designPrefix.size()));
+    return names;
+}
+
+std::string ScenarioRunner::designName(const std::string& name) {
+    std::vector<std::string> found;
+    for (const std::string& known : designNames()) {
+        if (known == name) return name;
+        if (known.ends_with("_" + name)) found.push_back(known);
+    }
+    if (found.size() > 1)
+        throw UsageError("the names of " + numberText(found.size()) + " parameters of the design end with " +
+                         inQuotes(name) + ", such as " + found[0] + " and " + found[1]);
+    return found.empty() ? name : found.front();
+}
+
+void ScenarioRunner::requireKnown(const std::string& name) {
+    const std::string full = designName(name);
+    // No access fails because of this.
+    if (board().fail_name(instance().device(), full.c_str(), 0) != VBOARD_OK)
+        refuseName(name, "parameter or register");
+}
+
+void ScenarioRunner::requireKnownEnd(const std::string& name) {
+    board();
+    for (const std::string& known : designNames())
+        if (known.ends_with("_" + name)) return;
+    requireKnown(name);
+}
+
+void ScenarioRunner::failName(const std::string& name, int code) {
+    const std::string full = designName(name);
+    if (board().fail_name(instance().device(), full.c_str(), code) != VBOARD_OK)
+        refuseName(name, "parameter or register");
+    m_failing.push_back(full);
+}
+
+void ScenarioRunner::removeFromDesign(const std::string& name) {
+    if (board().lack_parameter(designName(name).c_str(), true) != VBOARD_OK) refuseName(name, "parameter");
+    m_stationState.emplace();
+    m_context.restart();
+    logWrites(instance());
+}
+
+void ScenarioRunner::refuseName(const std::string& name, const std::string& what) {
+    // An end is a name as well, so the last part of each is a candidate.
+    std::vector<std::string> candidates = designNames();
+    std::set<std::string> ends;
+    for (const std::string& known : candidates)
+        ends.insert(known.substr(known.rfind('_') + 1));
+    candidates.insert(candidates.begin(), ends.begin(), ends.end());
+    throw UsageError("the design has no " + what + " " + inQuotes(name) +
+                     didYouMean(nearestWords(name, candidates)));
+}
+
+} // namespace appletctl

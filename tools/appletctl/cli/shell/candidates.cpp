@@ -1,0 +1,362 @@
+#include "appletctl/cli/shell/candidates.h"
+
+#include "applet_tools/applet/published_limits.h"
+#include "applet_tools/base/errors.h"
+#include "applet_tools/base/text.h"
+#include "applet_tools/station/signals.h"
+#include "appletctl/cli/help.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <sstream>
+
+namespace appletctl {
+namespace {
+
+using Candidates = std::vector<Candidate>;
+
+bool takesValue(const CLI::Option& option) { return option.get_items_expected_max() > 0; }
+
+/** Where in a command line the words up to the last one lead. */
+struct Place {
+    const CLI::App* command;             // the one that the last word belongs to
+    const CLI::Option* option = nullptr; // the last word is its value
+    int arguments = 0;                   // of the command, before the last word
+    std::ptrdiff_t begin = 0;            // where the words behind the command begin
+    bool hasOptions = true;              // not behind a --
+};
+
+const CLI::Option* optionOf(const CLI::App* command, const std::string& name) {
+    for (; command != nullptr; command = command->get_parent())
+        if (const CLI::Option* option = command->get_option_no_throw(name)) return option;
+    return nullptr;
+}
+
+const CLI::App* subcommandOf(const CLI::App& command, const std::string& name) {
+    for (const CLI::App* one : command.get_subcommands(nullptr))
+        if (one->get_name() == name) return one;
+    return nullptr;
+}
+
+Place placeOf(const CLI::App& program, const Words& words) {
+    Place place{.command = &program};
+    for (std::size_t i = 0; i + 1 < words.size(); ++i) {
+        const std::string& word = words[i];
+        if (place.option != nullptr) {
+            place.option = nullptr;
+        } else if (place.hasOptions && word == "--") {
+            place.hasOptions = false;
+        } else if (place.hasOptions && word.starts_with('-') && word.size() > 1) {
+            const CLI::Option* option = optionOf(place.command, word);
+            if (option != nullptr && takesValue(*option)) place.option = option;
+        } else if (const CLI::App* command =
+                       place.arguments == 0 ? subcommandOf(*place.command, word) : nullptr) {
+            place.command = command;
+            place.begin = static_cast<std::ptrdiff_t>(i) + 1;
+        } else {
+            ++place.arguments;
+        }
+    }
+    return place;
+}
+
+Candidates matching(const Candidates& all, const std::string& begin) {
+    Candidates found;
+    std::ranges::copy_if(all, std::back_inserter(found),
+                         [&](const Candidate& one) { return one.text.starts_with(begin); });
+    return found;
+}
+
+Candidates optionsOf(const CLI::App* command) {
+    Candidates found;
+    for (; command != nullptr; command = command->get_parent())
+        for (const CLI::Option* option : command->get_options())
+            for (const std::string& name : option->get_lnames())
+                if (std::ranges::find(found, "--" + name, &Candidate::text) == found.end())
+                    found.push_back({"--" + name, option->get_description()});
+    return found;
+}
+
+Candidates commandsOf(const CLI::App& command) {
+    Candidates found;
+    for (const CLI::App* one : command.get_subcommands(nullptr))
+        if (!one->get_group().empty()) found.push_back({one->get_name(), one->get_description()});
+    return found;
+}
+
+/** The name as its beginning was typed, with the prefix or without; empty if it begins otherwise. */
+std::string nameAsTyped(const std::string& name, const std::string& begin) {
+    const std::string typed = lowerCase(begin), lower = lowerCase(name);
+    constexpr std::string_view prefix = "fg_";
+    if (lower.starts_with(typed)) return name;
+    const bool isShort = lower.starts_with(prefix) && lower.compare(prefix.size(), typed.size(), typed) == 0;
+    return isShort ? name.substr(prefix.size()) : "";
+}
+
+/** The first element, the last one and the range of all, as a `[` was typed behind the name of an array. */
+Candidates elementsOf(const ParameterList& parameters, const std::string& begin, const char* behind) {
+    const std::size_t bracket = begin.find('[');
+    const std::string name = begin.substr(0, bracket);
+    Candidates found;
+    for (const Parameter& parameter : parameters.all()) {
+        const std::uint32_t count = elementCount(parameter);
+        const std::string typed = nameAsTyped(parameter.name, name);
+        if (count == 0 || typed.size() != name.size()) continue;
+        const std::string last = numberText(count - 1);
+        for (const std::string& elements : {std::string("0"), last, "0.." + last})
+            if (elements.starts_with(begin.substr(bracket + 1)))
+                found.push_back({typed + '[' + elements + ']' + behind, parameter.label()});
+    }
+    return found;
+}
+
+Candidates namesOf(const ParameterList& parameters, const std::string& begin, const char* behind) {
+    if (begin.find('[') != std::string::npos) return elementsOf(parameters, begin, behind);
+    Candidates found;
+    for (const Parameter& parameter : parameters.all())
+        if (const std::string name = nameAsTyped(parameter.name, begin); !name.empty())
+            found.push_back(
+                {name + (*behind != '\0' && elementCount(parameter) > 0 ? "[" : behind), parameter.label()});
+    return found;
+}
+
+/** Of NAME=VALUE: names, then the entries of an enumeration, by their labels if that is how the value begins, or the ends
+ *  of what a number accepts. */
+Candidates assignmentsOf(const ParameterList& parameters, const std::string& word) {
+    const std::size_t equals = word.find('=');
+    if (equals == std::string::npos) return namesOf(parameters, word, "=");
+    const Parameter& parameter = *findTarget(parameters, word.substr(0, equals)).parameter;
+    const std::string begin = word.substr(0, equals + 1), value = word.substr(equals + 1);
+    Candidates found;
+    for (const Entry& entry : entriesOf(parameter))
+        if (lowerCase(entryName(entry)).starts_with(lowerCase(value)))
+            found.push_back({begin + entryName(entry), entry.label});
+    for (const Entry& entry : entriesOf(parameter))
+        if (found.empty() && !value.empty() && lowerCase(entry.label).starts_with(lowerCase(value)))
+            found.push_back({begin + entry.label, entryName(entry)});
+    const std::optional<Limits> limits = limitsOf(parameter);
+    if (!found.empty() || !value.empty() || !limits || elementCount(parameter) != 0) return found;
+    const std::string help = limitsText(parameter) + " " + parameter.unit();
+    found.push_back({begin + valueText(parameter, limits->minimum), "smallest, " + help});
+    found.push_back({begin + valueText(parameter, limits->maximum), "largest, " + help});
+    return found;
+}
+
+Candidates groupsOf(const ParameterList& parameters, const std::string& begin) {
+    Candidates found;
+    for (const Parameter& parameter : parameters.all())
+        for (const std::string& group : parameter.groups)
+            if (lowerCase(group).starts_with(lowerCase(begin)) &&
+                std::ranges::find(found, group, &Candidate::text) == found.end())
+                found.push_back({group});
+    return found;
+}
+
+/** Files with this end of their names, and folders, which end in a slash. */
+Candidates filesOf(const std::string& begin, std::string_view suffix) {
+    const std::size_t slash = begin.rfind('/');
+    const std::string folder = slash == std::string::npos ? "" : begin.substr(0, slash + 1);
+    const std::string name = begin.substr(folder.size());
+    Candidates found;
+    std::error_code none;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.empty() ? "." : folder, none)) {
+        const std::string file = entry.path().filename();
+        if (!file.starts_with(name) || (file.starts_with('.') && name.empty())) continue;
+        if (entry.is_directory(none))
+            found.push_back({folder + file + '/'});
+        else if (file.ends_with(suffix))
+            found.push_back({folder + file});
+    }
+    std::ranges::sort(found, {}, &Candidate::text);
+    return found;
+}
+
+/** The last one of names with commas between them; `list` is "Columns: a,b,c". */
+Candidates columnsOf(const std::string& list, const std::string& word) {
+    const std::size_t comma = word.rfind(',');
+    const std::string before = comma == std::string::npos ? "" : word.substr(0, comma + 1);
+    std::istringstream names(list.substr(list.find(' ') + 1));
+    Candidates found;
+    for (std::string name; std::getline(names, name, ',');)
+        if (name.starts_with(word.substr(before.size()))) found.push_back({before + name});
+    return found;
+}
+
+/** Behind the last && or ||, and what may go before a name there. */
+std::size_t beginOfComparison(const std::string& condition) {
+    constexpr std::size_t length = 2; // of a joint
+    std::size_t behind = 0;
+    for (const char* const joint : {"&&", "||"})
+        if (const std::size_t place = condition.rfind(joint); place != std::string::npos)
+            behind = std::max(behind, place + length);
+    return std::min(condition.find_first_not_of(" (", behind), condition.size());
+}
+
+/** The parameter of a name, or a label in quotes or without, with blanks around it; null if there is none. */
+const Parameter* comparedParameter(const ParameterList& parameters, std::string name) {
+    name.erase(0, name.find_first_not_of(" '\""));
+    name.erase(name.find_last_not_of(" '\"") + 1);
+    try {
+        return &parameters.find(name);
+    } catch (const UsageError&) {
+        return nullptr;
+    }
+}
+
+/** What a parameter can be compared with: as a set of it takes. */
+Candidates comparedValues(const ParameterList& parameters, const Parameter& parameter,
+                          const std::string& value) {
+    const std::string begin = parameter.name + "=";
+    Candidates found = assignmentsOf(parameters, begin + value);
+    std::erase_if(found, [](const Candidate& one) { return one.text.find(' ') != std::string::npos; });
+    for (Candidate& one : found)
+        one.text.erase(0, begin.size());
+    return found;
+}
+
+/** The next part of a condition: a name, behind a name an operator, behind it a value, behind that what joins two. */
+Candidates conditionParts(const ParameterList& parameters, const std::string& word) {
+    constexpr const char* operatorMarks = "<>=!";
+    const std::string comparison = word.substr(beginOfComparison(word));
+    const std::size_t mark = std::min(comparison.find_first_of(operatorMarks), comparison.size());
+    const std::size_t behind = std::min(comparison.find_first_not_of(operatorMarks, mark), comparison.size());
+    const std::size_t value = std::min(comparison.find_first_not_of(' ', behind), comparison.size());
+    const Parameter* const parameter = comparedParameter(parameters, comparison.substr(0, mark));
+    std::string last; // what the candidates take the place of
+    Candidates found;
+    if (mark == comparison.size() && !comparison.ends_with(' ')) {
+        last = comparison;
+        found = namesOf(parameters, last, "");
+    } else if (const bool isLongest = behind - mark == 2; behind == comparison.size() && !isLongest) {
+        last = comparison.substr(mark);
+        if (parameter != nullptr) found = matching({{"=="}, {"!="}, {"<"}, {"<="}, {">"}, {">="}}, last);
+    } else if (comparison.find_first_of(" )", value) == std::string::npos) {
+        last = comparison.substr(value);
+        if (parameter != nullptr) found = comparedValues(parameters, *parameter, last);
+    } else {
+        last = comparison.substr(comparison.find_last_of(" )") + 1);
+        found = matching({{"&&"}, {"||"}}, last);
+    }
+    const std::string before = word.substr(0, word.size() - last.size());
+    for (Candidate& one : found)
+        one.text.insert(0, before);
+    return found;
+}
+
+/** Of INPUT=WAVE: the inputs, then how a wave begins. */
+Candidates waveParts(const std::string& word) {
+    const std::size_t equals = word.find('=');
+    Candidates found;
+    if (equals == std::string::npos) {
+        for (const StationSignal& signal : stationSignals())
+            if (signal.name.find("GPI_") != std::string::npos) found.push_back({signal.name + "="});
+    } else {
+        for (const char* wave : {"high", "low", "square:", "edges:", "encoder:"})
+            found.push_back({word.substr(0, equals + 1) + wave});
+    }
+    return matching(found, word);
+}
+
+/** What an option's value can be, by the name of its type; `before` is "--option=" where both are one word. */
+Candidates valuesOfOption(const CLI::Option& option, const std::string& word, const std::string& before,
+                          const std::function<const ParameterList&()>& parameters) {
+    const std::string type = option.get_type_name();
+    Candidates found;
+    if (type == "NAME=VALUE")
+        found = assignmentsOf(parameters(), word);
+    else if (type == "GROUP")
+        found = groupsOf(parameters(), word);
+    else if (type.starts_with("COLS"))
+        found = columnsOf(option.get_description(), word);
+    else if (type == "EXPR")
+        found = conditionParts(parameters(), word);
+    else if (type == "INPUT=WAVE")
+        found = waveParts(word);
+    else if (type == "FILE.mcf")
+        found = filesOf(word, ".mcf");
+    else
+        for (const std::string& value : choicesOf(option))
+            if (value.starts_with(word)) found.push_back({value});
+    for (Candidate& one : found)
+        one.text.insert(0, before);
+    return found;
+}
+
+/** Then the names of "get" and "watch" are groups. */
+bool isGroupOption(const std::string& word) { return word == "-g" || word == "--group"; }
+
+/** What the argument of a command is called tells what its words are. */
+Candidates argumentsOf(const Command& command, int before, const std::string& word,
+                       const std::function<const ParameterList&()>& parameters) {
+    const std::string_view kind = kindOf(command);
+    const bool isBehindFile = kind == "FILE" && before > 0 && command.most < 0;
+    Candidates files;
+    if (command.most >= 0 && before >= command.most) return files;
+    if (before < command.mostFiles && *command.fileSuffix != '\0') files = filesOf(word, command.fileSuffix);
+    if (isBehindFile || command.file == Command::File::readUnlessAssignment) {
+        const Candidates assignments = assignmentsOf(parameters(), word);
+        files.insert(files.end(), assignments.begin(), assignments.end());
+        return files;
+    }
+    if (!files.empty()) return files;
+    const bool isAssignment = kind == "NAME[=VALUE]" && word.find('=') != std::string::npos;
+    if (isAssignment || kind.find("NAME=VALUE") != std::string_view::npos)
+        return assignmentsOf(parameters(), word);
+    if (kind.starts_with("NAME") || kind == "PATTERN") return namesOf(parameters(), word, "");
+    return {};
+}
+
+/** A command, or behind a group of commands one of them. */
+Candidates helpTopics(const CLI::App& program, const Words& words, const Place& place,
+                      const std::string& word) {
+    if (place.arguments == 0) return matching(commandsOf(program), word);
+    const CLI::App* group = place.arguments == 1 ? subcommandOf(program, words[words.size() - 2]) : nullptr;
+    return group != nullptr ? matching(commandsOf(*group), word) : Candidates{};
+}
+
+/** Behind "trace diff" there are files, of any name, and the options of all commands. */
+bool isTraceDiff(const Words& words, const Place& place) {
+    const auto begin = words.begin() + place.begin;
+    return std::distance(begin, words.end()) > 1 && *begin == "diff";
+}
+
+} // namespace
+
+std::vector<Candidate> candidatesFor(const Words& words,
+                                     const std::function<const ParameterList&()>& parameters) {
+    Request request;
+    CLI::App program("", "appletctl");
+    addCommandsTo(program, request);
+    const std::string word = words.empty() ? "" : words.back();
+    const Place place = placeOf(program, words);
+    const Command* command = commandOf(*place.command);
+    if (command != nullptr && command->kind == Command::Kind::prefix && isTraceDiff(words, place))
+        return word.starts_with('-') ? matching(optionsOf(&program), word) : Candidates{};
+    if (command != nullptr && command->kind == Command::Kind::prefix)
+        return candidatesFor(Words(words.begin() + place.begin, words.end()), parameters);
+    if (place.option != nullptr) return valuesOfOption(*place.option, word, "", parameters);
+    if (place.hasOptions && word.starts_with("--")) {
+        const std::size_t equals = word.find('=');
+        if (equals == std::string::npos) return matching(optionsOf(place.command), word);
+        const CLI::Option* option = optionOf(place.command, word.substr(0, equals));
+        return option == nullptr
+                   ? Candidates{}
+                   : valuesOfOption(*option, word.substr(equals + 1), word.substr(0, equals + 1), parameters);
+    }
+    if (place.hasOptions && word == "-") return optionsOf(place.command);
+    if (!place.command->get_subcommands(nullptr).empty() && place.arguments == 0)
+        return matching(commandsOf(*place.command), word);
+    if (command == nullptr) return {};
+    if (command->argument != nullptr)
+        if (const CLI::Option* argument = place.command->get_option_no_throw(command->argument);
+            argument != nullptr)
+            if (Candidates listed = valuesOfOption(*argument, word, "", parameters); !listed.empty())
+                return listed;
+    const std::string_view name = command->name;
+    if ((name == "get" || name == "watch") && std::ranges::any_of(words, isGroupOption))
+        return groupsOf(parameters(), word);
+    if (name == "help") return helpTopics(program, words, place, word);
+    return argumentsOf(*command, place.arguments, word, parameters);
+}
+
+} // namespace appletctl

@@ -1,0 +1,151 @@
+// Completion of words in a shell: a script for it, and the words that the script asks for.
+
+#include "applet_tools/base/text.h"
+#include "appletctl/cli/shell/candidates.h"
+#include "appletctl/commands/Command.h"
+
+#include <CLI/CLI.hpp>
+
+namespace appletctl {
+namespace {
+
+/** Each script hands the words up to the cursor to "appletctl __complete --" and gets a line for each
+ *  candidate, with its help behind a tab. Where there is none the shell offers files. */
+struct Script {
+    const char* shell;
+    const char* text;
+};
+
+constexpr Script scripts[] = {
+    {"bash", R"(# bash completion of appletctl: source <(appletctl completion bash)
+_appletctl() {
+    # Bash parts words at = and : too; here they are put together again.
+    local words=() word i joins=
+    for ((i = 1; i <= COMP_CWORD; i++)); do
+        word=${COMP_WORDS[i]}
+        if [[ ${#words[@]} -gt 0 && ( -n $joins || $word == [=:]* ) ]]; then
+            words[-1]+=$word
+        else
+            words+=("$word")
+        fi
+        [[ $word == [=:] ]] && joins=1 || joins=
+    done
+    local current=${words[-1]} known=
+    # What is in quotes is not parted.
+    [[ $current != [\"\']* && $current == *=* && $COMP_WORDBREAKS == *=* ]] && known=${current%=*}=
+    COMPREPLY=()
+    local line
+    while IFS= read -r line; do
+        line=${line%%$'\t'*}
+        line=${line#"$known"}
+        [[ $current == [\"\']* ]] || line=${line// /\\ }
+        COMPREPLY+=("$line")
+    done < <("${COMP_WORDS[0]}" __complete -- "${words[@]}" 2>/dev/null)
+    [[ ${#COMPREPLY[@]} -eq 1 && ${COMPREPLY[0]} == *[=/[] ]] && compopt -o nospace
+}
+complete -o bashdefault -o default -F _appletctl appletctl
+)"},
+    {"zsh", R"(#compdef appletctl
+# zsh completion of appletctl: source <(appletctl completion zsh), behind compinit
+_appletctl() {
+    local -a texts shown
+    local line
+    while IFS= read -r line; do
+        texts+=("${line%%$'\t'*}")
+        shown+=("${line/$'\t'/  -- }")
+    done < <("${words[1]}" __complete -- "${(@)words[2,CURRENT]}" 2>/dev/null)
+    if (( ${#texts} == 0 )); then
+        _files
+    elif [[ ${texts[1]} == *[=/[] ]]; then
+        compadd -U -S '' -l -d shown -a texts
+    else
+        compadd -U -l -d shown -a texts
+    fi
+}
+compdef _appletctl appletctl
+)"},
+    {"fish", R"(# fish completion of appletctl: appletctl completion fish | source
+function __appletctl_complete
+    set -l words (commandline -opc) (commandline -ct)
+    set -l found ($words[1] __complete -- $words[2..-1] 2>/dev/null)
+    if test (count $found) -gt 0
+        printf '%s\n' $found
+    else
+        __fish_complete_path (commandline -ct)
+    end
+end
+complete -c appletctl -f -a '(__appletctl_complete)'
+)"},
+};
+
+void addShells(CLI::App& command, Options&) {
+    command.get_option("SHELL")->check(CLI::IsMember({"bash", "zsh", "fish"}));
+}
+
+Report showCompletionScript(Context&, const Words& shell) {
+    Report report;
+    for (const Script& script : scripts)
+        if (shell.front() == script.shell) report.text = script.text;
+    report.isVerbatim = true;
+    report.document = {{"shell", shell.front()}, {"script", report.text}};
+    return report;
+}
+
+} // namespace
+
+extern const Command completionCommand;
+const Command completionCommand = {
+    .name = "completion",
+    .help = "Print the script that completes words of appletctl in a shell",
+    .argument = "SHELL",
+    .argumentHelp = "The shell that is to complete",
+    .examples = {{"completion bash", "to be read by: source <(appletctl completion bash)"},
+                 {"completion fish", "to be read by: appletctl completion fish | source"}},
+    .fewest = 1,
+    .most = 1,
+    .run = showCompletionScript,
+    .addOptions = addShells,
+    .kind = Command::Kind::session,
+};
+
+namespace {
+
+/** The words as they were meant: a shell hands the quote over with which the last one begins, while it is open. */
+Words withoutOpenQuote(Words words) {
+    if (words.empty() || words.back().empty()) return words;
+    std::string& last = words.back();
+    const bool isQuoted = last.front() == '"' || last.front() == '\'';
+    if (isQuoted && last.find(last.front(), 1) == std::string::npos) last.erase(0, 1);
+    return words;
+}
+
+Report completeWords(Context& context, const Words& words) {
+    Options options = context.options();
+    options.offline = true;
+    Context offline(options);
+    Report report;
+    report.isVerbatim = true;
+    auto& rows = report.document["candidates"] = nlohmann::ordered_json::array();
+    for (const Candidate& candidate : candidatesFor(
+             withoutOpenQuote(words), [&]() -> const ParameterList& { return offline.parameters(); })) {
+        const std::string help = printable(candidate.help);
+        report.text += candidate.text + (help.empty() ? "" : '\t' + help) + '\n';
+        rows.push_back({{"text", candidate.text}, {"help", help}});
+    }
+    return report;
+}
+
+} // namespace
+
+extern const Command completeCommand;
+const Command completeCommand = {
+    .name = "__complete",
+    .help = "Print what the last word can become, for the scripts of 'completion'",
+    .argument = "WORD",
+    .argumentHelp = "Words of a command line, behind --",
+    .fewest = 1,
+    .most = -1,
+    .run = completeWords,
+};
+
+} // namespace appletctl

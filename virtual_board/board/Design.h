@@ -1,0 +1,82 @@
+/** A loaded design, and the process-wide settings that the next one is made from. */
+#ifndef VIRTUAL_BOARD_BOARD_DESIGN_H
+#define VIRTUAL_BOARD_BOARD_DESIGN_H
+
+#include "vexo/design_loader.h"
+
+#include <atomic>
+#include <cstddef>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vboard {
+
+/** Objects of one kind that are alive in the process. */
+class Live {
+public:
+    enum Kind { boards, designs, handles, strings, kinds };
+
+    explicit Live(Kind kind) : m_kind(kind) { add(kind, 1); }
+    ~Live() { add(m_kind, -1); }
+    Live(const Live&) = delete;
+    Live& operator=(const Live&) = delete;
+
+    static void add(Kind kind, int number);
+    static int count(Kind kind);
+
+private:
+    Kind m_kind;
+};
+
+/** What a design has: the settings at the time of its load. It never changes. */
+class Design {
+public:
+    /** A design by the present settings; null if designs are refused. */
+    static std::shared_ptr<const Design> load();
+
+    /** Row of the parameter that answers to a name, or -1. */
+    int find(std::string_view name) const;
+    bool has(int row) const { return !m_lacking[static_cast<std::size_t>(row)]; }
+    /** Null outside. */
+    const TslEvent* event(int index) const;
+
+private:
+    Design() = default;
+
+    Live m_live{Live::designs};
+    std::vector<bool> m_lacking; // by row of the parameters
+    std::map<std::string, int, std::less<>> m_aliases;
+    std::vector<TslEvent> m_events;
+    std::vector<std::string> m_extraNames;
+};
+
+/*
+ * The settings. Those of a name answer false for an unknown one.
+ */
+bool lackParameter(const char* name, bool lacking);
+bool aliasParameter(const char* alias, const char* name);
+bool lackEvent(const char* name, bool lacking);
+bool isEvent(const char* name);
+bool hideEntry(const char* name, bool hidden);
+void appendExtraEvents(int count);
+void refuseDesigns(bool refuse);
+void failInit(bool fail, int lastError);
+void restoreDesign();
+
+/** Whether a function of the runtime (by its place in runtimeEntries) is hidden. Takes no lock. */
+bool isEntryHidden(int entry);
+/** Whether init is to fail; if so, `lastError` receives the code. */
+bool isInitFailing(int& lastError);
+
+} // namespace vboard
+
+/** The loader's handle of a design. A grabber that uses the design keeps it as well. */
+struct fpga_design {
+    std::shared_ptr<const vboard::Design> design;
+};
+
+#endif

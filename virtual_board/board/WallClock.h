@@ -1,0 +1,42 @@
+/** Lets the time of a station follow the machine's. */
+#ifndef VIRTUAL_BOARD_BOARD_WALLCLOCK_H
+#define VIRTUAL_BOARD_BOARD_WALLCLOCK_H
+
+#include "station/timing/Tick.h"
+
+#include <algorithm>
+#include <chrono>
+
+namespace vboard {
+
+class WallClock {
+public:
+    using Instant = std::chrono::steady_clock::time_point;
+    using Duration = std::chrono::duration<double>; // seconds
+
+    /** At `now` it is `tick`; from then on, time goes by so many times as fast as the machine's. */
+    void start(station::Tick tick, double factor, Instant now) {
+        m_tick = tick;
+        m_factor = factor;
+        m_start = now;
+    }
+    void stop() { m_factor = 0; }
+    bool isRunning() const { return m_factor > 0; }
+    station::Tick tick(Instant now) const {
+        const double ticks = Duration(now - m_start).count() * m_factor * double{station::ticksPerSecond};
+        return station::later(m_tick, static_cast<station::Tick>(std::clamp(ticks, 0.0, 9e18)));
+    }
+    /** How long so many ticks take. */
+    Duration durationOf(station::Tick ticks) const {
+        return Duration(static_cast<double>(ticks) / (double{station::ticksPerSecond} * m_factor));
+    }
+
+private:
+    station::Tick m_tick = 0;
+    double m_factor = 0; // 0: stopped
+    Instant m_start;
+};
+
+} // namespace vboard
+
+#endif

@@ -1,0 +1,21 @@
+/*
+ * The exported names of libgrabcore5.so.
+ *
+ * Each is an indirect function: dlsym asks its resolver, at every look-up, where the function is, and a
+ * hidden one is nowhere, so that dlsym answers null. The library is therefore for dlopen and dlsym only;
+ * nothing in it may refer to these names itself. Resolvers run while the loader is at work and stay out of
+ * the sanitizers' hands.
+ */
+
+#include "virtual_board/tables/runtime_entries.h"
+#include "virtual_board/board/Design.h"
+#include "virtual_board/libraries/runtime.h"
+
+#define RUNTIME_ENTRY(name, type, function, answer)                                                          \
+    extern "C" __attribute__((no_sanitize("address", "undefined", "thread"), used))                          \
+    type* vboard_resolve_##name() {                                                                          \
+        return vboard::isEntryHidden(vboard::entry(#name)) ? nullptr : &vboard::runtime::function;           \
+    }                                                                                                        \
+    extern "C" __attribute__((ifunc("vboard_resolve_" #name))) type name;
+
+#include "virtual_board/tables/runtime_entries.def"
