@@ -13,8 +13,12 @@ Report execute(const Request& request, Context& context);
  * usage where it names another one, and for commands that have lines of their own. */
 Request parseLine(const Words& words, const Options& options);
 
-/** The report of the only command of a run. */
-Report execute(const Request& request);
+/** The same for a whole command line that a client wants to be carried out on the board of a station. */
+Request parseForStation(const Words& words, const Options& options);
+
+/** The report of the only command of a run, whose command line is `words`. It has been printed already when a station
+ *  has carried it out. */
+Report execute(const Request& request, const Words& words);
 
 } // namespace appletctl
 

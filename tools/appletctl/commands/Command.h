@@ -31,7 +31,8 @@ struct Command {
     enum class Kind {
         plain,
         prefix, /**< its words are another command line */
-        session /**< has a command line for itself: no line of a shell or a scenario */
+        session, /**< has a command line for itself: no line of a shell or a scenario */
+        local    /**< the same, and always carried out by the program itself, never by a station */
     };
     /** What its words do to the live board. */
     enum class Sets {
@@ -76,6 +77,11 @@ struct Command {
 /** What its words are: "NAME=VALUE"; empty if it takes none. */
 inline std::string_view kindOf(const Command& command) {
     return command.argument != nullptr ? command.argument : "";
+}
+
+/** True for what a line of a shell or a scenario can be. */
+inline bool isForLines(const Command& command) {
+    return command.kind != Command::Kind::session && command.kind != Command::Kind::local;
 }
 
 /** For programs, not for people. */
