@@ -193,6 +193,7 @@ Losses Station::losses() {
             .triggers = m_engine.trigger().ignored(),
             .pulses = m_engine.exSync().lostPulses(),
             .cameraTriggers = m_engine.simulator().lostTriggers(),
+            .waits = m_engine.buffer().waits(),
             .events = m_engine.events().dropped()};
 }
 

@@ -30,6 +30,7 @@ struct Losses {
     std::uint64_t triggers = 0;       // of images, while one was in progress
     std::uint64_t pulses = 0;         // of the line trigger, while ExSync was active
     std::uint64_t cameraTriggers = 0; // while a line or frame was in transfer
+    std::uint64_t waits = 0;          // of the DMA, for a place in the memory of the host
     std::uint64_t events = 0;         // that left the queue of events
 };
 

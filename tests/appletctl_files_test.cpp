@@ -136,8 +136,8 @@ TEST_F(AppletctlFiles, AreNotLeftBehindBySignals) {
 
 TEST_F(AppletctlFiles, MayBeLong) {
     std::string text = support::fileBytes(saved);
-    for (int i = 0; i < 200'000; ++i)
-        text += "FG_WIDTH=1024;\n"; // 3 MB
+    for (int i = 0; i < 1'000'000; ++i)
+        text += "KEY" + std::to_string(i) + "=1024;\n"; // 16 MB
     support::writeFile(folder / "grown.mcf", text);
     const auto inLittleMemory = [] {
         if (!underAddressSanitizer && !underThreadSanitizer) limit(RLIMIT_AS, 150'000'000);

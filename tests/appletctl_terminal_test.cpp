@@ -114,6 +114,8 @@ TEST_F(AppletctlTerminal, IsRedrawnByAWatch) {
     EXPECT_TRUE(contains(shown, "\033[3A\r\033[J")) << "over the three lines of the round before";
     EXPECT_TRUE(contains(shown, "  DRA_FanLevel  2            2        9        -#_\r\n  round 4, "))
         << shown;
+    EXPECT_TRUE(contains(onTerminal({"watch", "-g", "Digital I/O", "--count", "1"}, plainTerminal),
+                         " parameters are not shown: too few lines)"));
     environment.push_back("TERM=dumb");
     EXPECT_FALSE(contains(onTerminal(arguments, environment), "\033["));
 }

@@ -663,8 +663,14 @@ TEST_F(VirtualStation, InsertsTheImageOfAFile) {
     EXPECT_EQ(setInt(point + "Insert", 1), FG_ERR_FILE_TYPE);
     std::ofstream(path) << "P5\n1 1\n255\nx";
     EXPECT_EQ(setInt(point + "Insert", 1), FG_ERR_NOT_AVAILABLE); // no acquisition
+    char words[64] = "";
+    EXPECT_EQ(BOARD(vboard_insert_trouble)(device, words, sizeof words),
+              static_cast<int>(std::strlen(words)));
+    EXPECT_STREQ(words, "no acquisition runs that takes it");
     std::remove(path.c_str());
     EXPECT_EQ(setInt(point + "Insert", 1), FG_ERR_FILE_TYPE);
+    EXPECT_EQ(BOARD(vboard_insert_trouble)(device, words, 5), VBOARD_TOO_SMALL);
+    EXPECT_EQ(BOARD(vboard_insert_trouble)(nullptr, words, 5), VBOARD_UNKNOWN);
 }
 
 } // namespace

@@ -236,12 +236,16 @@ std::int64_t Board::stationStatus(int what) {
         return static_cast<std::int64_t>(losses.pulses);
     case VBOARD_STATUS_LOST_CAMERA_TRIGGERS:
         return static_cast<std::int64_t>(losses.cameraTriggers);
+    case VBOARD_STATUS_WAITS:
+        return static_cast<std::int64_t>(losses.waits);
     case VBOARD_STATUS_DROPPED_EVENTS:
         return static_cast<std::int64_t>(losses.events);
     default:
         return 0;
     }
 }
+
+std::string Board::insertTrouble() const { return m_station != nullptr ? m_station->insertTrouble() : ""; }
 
 void Board::addMemory(const vboard_frames& memory) { m_memories.push_back(&memory); }
 

@@ -90,6 +90,8 @@ public:
     Events& events() REQUIRES(m_mutex) { return m_events; }
     /** The station, which is made when it is first asked for. */
     BoardStation& station() REQUIRES(m_mutex);
+    /** Why the last insert of a debug point put no image in; empty if it did. */
+    std::string insertTrouble() const REQUIRES(m_mutex);
     /** Lets the station's time catch up with the machine's, if it follows it. */
     void followClock() noexcept REQUIRES(m_mutex);
     /** Brings the parameters that show acquisition and station up to date. */

@@ -10,6 +10,8 @@
 #include <array>
 #include <bit>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace vboard {
 namespace {
@@ -72,7 +74,15 @@ std::size_t debugPointOf(Row insert) {
 } // namespace
 
 bool BoardStation::isActing(int row) {
-    return actingOf(row) != nullptr || debugPointOf(row) < debugRows().size();
+    static const auto rows = [] { // each write asks
+        std::vector<bool> all(parameterRows().size());
+        for (const station::Parameter parameter : acting)
+            all[static_cast<std::size_t>(rowOf(parameter))] = true;
+        for (const DebugRows& point : debugRows())
+            all[static_cast<std::size_t>(point.insert)] = true;
+        return all;
+    }();
+    return rows[static_cast<std::size_t>(row)];
 }
 
 int BoardStation::write(int row) {
@@ -85,10 +95,15 @@ int BoardStation::write(int row) {
 
 int BoardStation::insertFile(station::Raster::Point point) {
     const std::string& path = m_values.text(debugRows()[static_cast<std::size_t>(point)].file);
+    m_insertTrouble.clear();
     if (!m_station.isInputOn(point) || path.empty()) return FG_OK; // nothing to insert
-    const std::shared_ptr<station::Raster> image = readImage(path, point);
-    if (image == nullptr) return FG_ERR_FILE_TYPE;
-    return m_station.inject(image) ? FG_OK : FG_ERR_NOT_AVAILABLE;
+    ImageOfFile image = readImage(path, point);
+    m_insertTrouble = std::move(image.trouble);
+    if (image.raster == nullptr) return FG_ERR_FILE_TYPE;
+    if (m_station.inject(image.raster)) return FG_OK;
+    m_insertTrouble =
+        m_station.isRunning() ? "there is no room for it now" : "no acquisition runs that takes it";
+    return FG_ERR_NOT_AVAILABLE;
 }
 
 void BoardStation::setClock(double factor) {

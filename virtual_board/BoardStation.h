@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <string>
 
 namespace vboard {
 
@@ -43,6 +44,9 @@ public:
     /** Brings the runtime's parameters up to date that show the station. */
     void publishRuntime();
 
+    /** Why the image of a debug point's file was not taken when it was asked for last; empty if it was. */
+    const std::string& insertTrouble() const { return m_insertTrouble; }
+
 private:
     int insertFile(station::Raster::Point point);
 
@@ -58,6 +62,7 @@ private:
     Events& m_events;
     station::Station m_station{*this};
     WallClock m_clock;
+    std::string m_insertTrouble;
 };
 
 /** Holds the board for a control function of the station. Its time has caught up with the machine's. */

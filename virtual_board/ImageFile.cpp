@@ -1,9 +1,11 @@
 #include "ImageFile.h"
 
+#include <array>
 #include <bit>
 #include <filesystem>
 #include <fstream>
 #include <istream>
+#include <string_view>
 
 namespace vboard {
 namespace {
@@ -20,37 +22,93 @@ std::uint32_t headerNumber(std::istream& file) {
     return file ? number : 0;
 }
 
-} // namespace
-
-std::shared_ptr<station::Raster> readImage(const std::string& path, station::Raster::Point point) {
-    std::error_code error;
-    if (!std::filesystem::is_regular_file(path, error)) return nullptr; // a pipe might never answer
-    std::ifstream file(path, std::ios::binary);
-    char magic[2] = {};
-    file.read(magic, sizeof magic);
-    if (!file || magic[0] != 'P' || (magic[1] != '5' && magic[1] != '6')) return nullptr;
+/** A binary PPM or PGM, behind the two bytes of its magic number. */
+ImageOfFile readPnm(std::istream& file, bool isGrey) {
     auto raster = std::make_shared<station::Raster>();
-    raster->point = point;
     raster->width = headerNumber(file);
     raster->height = headerNumber(file);
     const std::uint32_t largest = headerNumber(file);
     file.get(); // one blank before the pixels
-    if (!file || !raster->hasSoundSize() || largest == 0 || largest > 0xffff) return nullptr;
-
-    const std::size_t pixels = std::size_t{raster->width} * raster->height;
-    const std::size_t components = magic[1] == '6' ? 3 : 1; // of a pixel
-    const std::size_t bytesOfEach = largest > 0xff ? 2 : 1;
-    std::vector<unsigned char> bytes(pixels * components * bytesOfEach);
+    if (!file || largest == 0 || largest > 0xffff)
+        return {.trouble = "its header is not that of a binary PPM or PGM file"};
+    PixelRows rows{.width = raster->width, .height = raster->height, .samples = isGrey ? 1U : 3U};
+    rows.bits = largest > 0xff ? 16 : 8;
+    if (!rows.makeRoom()) return {.trouble = rows.trouble};
+    std::vector<std::uint8_t>& bytes = rows.bytes;
     file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    if (!file) return nullptr;
+    if (!file) return {.trouble = "its pixels end too early"};
     const auto shift = 16 - static_cast<unsigned>(std::bit_width(largest));
-    raster->components.reserve(3 * pixels);
-    for (std::size_t i = 0; i < 3 * pixels; ++i) {
-        const unsigned char* place = &bytes[(components == 3 ? i : i / 3) * bytesOfEach];
-        const unsigned value = bytesOfEach == 2 ? unsigned{place[0]} << 8U | place[1] : unsigned{place[0]};
+    const std::size_t components = std::size_t{3} * rows.width * rows.height;
+    raster->components.reserve(components);
+    for (std::size_t i = 0; i < components; ++i) {
+        const std::uint8_t* place = &bytes[(isGrey ? i / 3 : i) * (rows.bits / 8)];
+        const unsigned value = rows.bits == 16 ? unsigned{place[0]} << 8U | place[1] : unsigned{place[0]};
         raster->components.push_back(static_cast<std::uint16_t>(value << shift));
     }
-    return raster;
+    return {.raster = std::move(raster)};
+}
+
+ImageOfFile imageOf(PixelRows rows) {
+    if (!rows.trouble.empty()) return {.trouble = std::move(rows.trouble)};
+    auto raster = std::make_shared<station::Raster>();
+    raster->width = rows.width;
+    raster->height = rows.height;
+    const std::size_t pixels = std::size_t{rows.width} * rows.height;
+    const std::size_t ofPixel = std::size_t{rows.samples} * (rows.bits / 8);
+    raster->components.reserve(3 * pixels);
+    for (std::size_t i = 0; i < 3 * pixels; ++i) {
+        const std::size_t sample = rows.samples < 3 ? 0 : i % 3;
+        const std::uint8_t* place = &rows.bytes[i / 3 * ofPixel + sample * (rows.bits / 8)];
+        std::uint16_t value = 0;
+        if (rows.bits == 16)
+            value = std::bit_cast<std::uint16_t>(std::array{place[0], place[1]});
+        else
+            value = static_cast<std::uint16_t>((rows.isInverted ? 0xff - place[0] : place[0]) << 8);
+        if (rows.bits == 16 && rows.isInverted) value = static_cast<std::uint16_t>(~value);
+        raster->components.push_back(value);
+    }
+    return {.raster = std::move(raster)};
+}
+
+ImageOfFile readAnyImage(const std::string& path) {
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(path, error)) // a pipe might never answer
+        return {.trouble = "there is no such regular file"};
+    std::ifstream file(path, std::ios::binary);
+    char start[4] = {};
+    file.read(start, 2);
+    if (!file) return {.trouble = "it cannot be read, or is empty"};
+    const std::string_view magic(start, 2);
+    if (magic == "P5" || magic == "P6") return readPnm(file, magic == "P5");
+    file.read(start + 2, 2);
+    const std::string_view longMagic(start, 4);
+    if (file && longMagic == "\x89PNG") return imageOf(readPng(path));
+    using namespace std::string_view_literals;
+    if (file && (longMagic == "II*\0"sv || longMagic == "MM\0*"sv)) return imageOf(readTiff(path));
+    return {.trouble = "it is neither a PNG, nor a TIFF, nor a binary PPM or PGM file"};
+}
+
+} // namespace
+
+bool PixelRows::makeRoom() {
+    station::Raster raster;
+    raster.width = width;
+    raster.height = height;
+    if (!raster.hasSoundSize()) {
+        trouble = "it has " + std::to_string(width) + " x " + std::to_string(height) +
+                  " pixels, and an image of a debug point has 1 x 1 to " + std::to_string(raster.widest) +
+                  " x " + std::to_string(raster.highest) + ", and at most " +
+                  std::to_string(raster.mostPixels);
+        return false;
+    }
+    bytes.resize(bytesOfRow() * height);
+    return true;
+}
+
+ImageOfFile readImage(const std::string& path, station::Raster::Point point) {
+    ImageOfFile image = readAnyImage(path);
+    if (image.raster != nullptr) image.raster->point = point;
+    return image;
 }
 
 } // namespace vboard

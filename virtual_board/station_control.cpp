@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <string>
 #include <vector>
 
 using namespace vboard;
@@ -255,5 +256,17 @@ int vboard_inject(LOOMdevice* board, int point, uint32_t width, uint32_t height,
     return guarded(int{VBOARD_NO_MEMORY}, [&] {
         const std::shared_ptr<const station::Raster> raster = make();
         return perform(board, [&](station::Station& station) { return known(station.inject(raster)); });
+    });
+}
+
+int vboard_insert_trouble(LOOMdevice* board, char* text, size_t size) {
+    if (board == nullptr || text == nullptr) return VBOARD_UNKNOWN;
+    return guarded(int{VBOARD_NO_MEMORY}, [&] {
+        const StationLock lock(*board);
+        const std::string trouble = board->insertTrouble();
+        if (trouble.size() >= size) return int{VBOARD_TOO_SMALL};
+        trouble.copy(text, trouble.size());
+        text[trouble.size()] = '\0';
+        return static_cast<int>(trouble.size());
     });
 }

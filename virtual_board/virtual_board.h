@@ -139,7 +139,8 @@ enum {
     VBOARD_STATUS_IGNORED_TRIGGERS = 1005,     /**< of images, while one was in progress */
     VBOARD_STATUS_LOST_PULSES = 1006,          /**< of the line trigger, while ExSync was active */
     VBOARD_STATUS_LOST_CAMERA_TRIGGERS = 1007, /**< while a line or frame was in transfer */
-    VBOARD_STATUS_DROPPED_EVENTS = 1008        /**< that left the queue of vboard_next_event */
+    VBOARD_STATUS_DROPPED_EVENTS = 1008,       /**< that left the queue of vboard_next_event */
+    VBOARD_STATUS_WAITS = 1009                 /**< of the DMA, as no frame of the memory was free */
 };
 
 /*
@@ -260,6 +261,10 @@ enum { VBOARD_CAMERA = 0, VBOARD_BUFFER = 1, VBOARD_OUTPUT = 2 };
  *  It takes an acquisition of the station. VBOARD_UNKNOWN: no such point, input off, no acquisition, no sound size (at
  *  most 16384 x 65536 and 2^24 pixels), or no room. */
 int vboard_inject(LOOMdevice* board, int point, uint32_t width, uint32_t height, const uint16_t* components);
+
+/** Why the last write of 1 to a debug point's _Insert put no image of its _DebugFile in, in words: "its pixels end too early".
+ *  Empty if it did, or there was none. Gives the length, VBOARD_UNKNOWN for a null pointer, or VBOARD_TOO_SMALL. */
+int vboard_insert_trouble(LOOMdevice* board, char* text, size_t size);
 
 /* The present value of a design parameter or register, past every check: no log, no fault, no direction. */
 int vboard_poke_int(LOOMdevice* board, const char* name, int64_t value);

@@ -96,7 +96,11 @@ bool Buffer::begin(Image& image) {
     if (image.stored == 0 || (layout.isTurnedOver && !image.isComplete)) return false;
     const std::uint64_t period = std::max(layout.selectPeriod, 1U);
     image.isPassed = !layout.isSilenced && m_left % period == layout.selectPhase;
-    if (image.isPassed && (m_settings.bytesPerSecond == 0 || !m_destination->hasRoom())) return false;
+    if (image.isPassed && m_settings.bytesPerSecond == 0) return false;
+    if (image.isPassed && !m_destination->hasRoom()) {
+        if (!std::exchange(image.hasWaited, true)) ++m_waits;
+        return false;
+    }
     const std::uint64_t denominator = image.isPassed ? m_settings.bytesPerSecond : 1;
     image.numerator = image.isPassed ? layout.bytesPerLine * ticksPerSecond
                                      : (layout.pixelsPerLine + pixelsPerTick - 1) / pixelsPerTick;

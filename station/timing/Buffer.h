@@ -63,6 +63,8 @@ public:
     /** In percent, rounded down. */
     std::uint32_t fillLevel(Tick tick);
     std::uint64_t lostImages() const { return m_lostImages; }
+    /** How often the next image could have left, and had to wait as no place was free for it. */
+    std::uint64_t waits() const { return m_waits; }
     bool isDone() const { return m_destination == nullptr; }
     /** Pictures since the start. */
     std::uint64_t delivered() const { return m_delivered; }
@@ -77,6 +79,7 @@ private:
         std::uint64_t lostBefore = 0; // images between the one before and this
         // Once it is on its way:
         bool hasBegun = false;
+        bool hasWaited = false;      // for a place
         bool isPassed = false;       // by the selector, and its format not silenced
         std::uint64_t numerator = 1; // ticks for a line, over m_denominator
     };
@@ -99,6 +102,7 @@ private:
     std::uint64_t m_denominator = 1;
     Tick m_next = never;
     std::uint64_t m_lostImages = 0;
+    std::uint64_t m_waits = 0;
     std::uint64_t m_lostBefore = 0;   // since the last image
     std::uint64_t m_lostOnTheWay = 0; // before images that went nowhere
     std::uint64_t m_delivered = 0;

@@ -49,8 +49,13 @@ CommandEnd CommandClient::run(ClientCommand command) {
 }
 
 json CommandClient::ask(const std::string& what) {
-    json answer = answerTo({{"protocol", protocolVersion}, {"do", what}}, {});
-    return answer.contains(what) ? std::move(answer[what]) : answer;
+    return answerTo({{"protocol", protocolVersion}, {"do", what}}, {}).at(what);
+}
+
+void CommandClient::stop() {
+    answerTo({{"protocol", protocolVersion}, {"do", "stop"}}, {});
+    while (m_reader.wait()) {
+    } // the socket is closed at the station's end
 }
 
 } // namespace serve

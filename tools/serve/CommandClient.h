@@ -22,8 +22,11 @@ public:
      *  SIGINT and SIGTERM interrupt it there; a second one ends this process. */
     CommandEnd run(ClientCommand command);
 
-    /** Asks for "status", "log" or "stop"; gives that member of the answer. */
+    /** Asks for the "status" or the "log"; gives that member of the answer. */
     nlohmann::json ask(const std::string& what);
+
+    /** Asks the station to stop and waits for its end. */
+    void stop();
 
 private:
     nlohmann::json answerTo(const nlohmann::json& message, std::span<const int> descriptors);

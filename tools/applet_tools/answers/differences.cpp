@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <deque>
 
 namespace applet_tools {
 namespace {
@@ -76,31 +77,29 @@ std::vector<Difference> differencesOf(const std::vector<Side>& sides, const Para
 
 namespace {
 
-void requireLoadable(ScratchSession& session, FileKeys& keys, const std::vector<Side>& sides) {
-    for (const Side& side : sides) {
-        const std::string trouble =
-            side.isToBeLoaded ? wholeFileTrouble(session, keys, *side.file) : std::string();
-        if (!trouble.empty())
-            throw UsageError("no load takes the file " + inQuotes(side.title) + ": " + trouble);
-    }
+/** Of a file on the disk, which may be large, only what a load reads. */
+ConfigurationFile loadableFile(ScratchSession& session, FileKeys& keys, const Side& side) {
+    ConfigurationFile file(textForLoad(ConfigurationFile::textOf(side.path), keys.defaults()));
+    const std::string trouble = wholeFileTrouble(session, keys, file);
+    if (!trouble.empty()) throw UsageError("no load takes the file " + inQuotes(side.title) + ": " + trouble);
+    return file;
 }
 
 } // namespace
 
 json differencesJob(ScratchSession& session, const json& arguments) {
-    std::vector<std::optional<ConfigurationFile>> files;
-    for (const json& side : arguments.at("sides")) {
-        const json& text = side.at("text");
-        files.push_back(text.is_null() ? std::nullopt : std::optional<ConfigurationFile>(bytesOf(text)));
-    }
-    std::vector<Side> sides;
-    for (std::size_t i = 0; i < files.size(); ++i) {
-        const json& side = arguments["sides"][i];
-        sides.push_back({side.at("title").get<std::string>(), side.at("member").get<std::string>(),
-                         files[i] ? &*files[i] : nullptr, side.at("isToBeLoaded").get<bool>()});
-    }
     FileKeys keys(session);
-    requireLoadable(session, keys, sides);
+    std::vector<Side> sides;
+    std::deque<ConfigurationFile> files; // their places stay
+    for (const json& one : arguments.at("sides")) {
+        Side& side =
+            sides.emplace_back(Side{one.at("title").get<std::string>(), one.at("member").get<std::string>(),
+                                    nullptr, one.at("path").get<std::string>()});
+        if (!side.path.empty())
+            side.file = &files.emplace_back(loadableFile(session, keys, side));
+        else if (const json& text = one.at("text"); !text.is_null())
+            side.file = &files.emplace_back(bytesOf(text));
+    }
     json rows = json::array();
     constexpr auto replace = json::error_handler_t::replace;
     for (const Difference& one : differencesOf(sides, session.parameters(), keys))
@@ -115,13 +114,9 @@ std::vector<Difference> askDifferences(ScratchBoard& scratch, const std::vector<
     json arguments = {{"sides", json::array()}};
     for (const Side& side : sides) {
         json text;
-        if (side.file != nullptr) // a carriage return may be outside of the values
-            text = asBytes(side.file->text().find('\r') != std::string::npos ? side.file->text()
-                                                                             : side.file->textOfValues());
-        arguments["sides"].push_back({{"title", side.title},
-                                      {"member", side.member},
-                                      {"text", std::move(text)},
-                                      {"isToBeLoaded", side.isToBeLoaded}});
+        if (side.file != nullptr) text = asBytes(side.file->text());
+        arguments["sides"].push_back(
+            {{"title", side.title}, {"member", side.member}, {"text", std::move(text)}, {"path", side.path}});
     }
     std::vector<Difference> differences;
     for (const json& row : scratch.ask("differences", arguments))

@@ -16,7 +16,7 @@ struct Side {
     std::string title;             /**< for a person: the name of the file, "NOW" */
     std::string member;            /**< of a difference in the document */
     const ConfigurationFile* file; /**< null: the defaults */
-    bool isToBeLoaded = false;     /**< a load has to take something of the file */
+    std::string path{};            /**< a file to read, of which a load has to take something; else empty */
 };
 
 /** A parameter that the sides have otherwise. */
@@ -32,12 +32,12 @@ struct Difference {
 std::vector<Difference> differencesOf(const std::vector<Side>& sides, const ParameterList& parameters,
                                       FileKeys& keys);
 
-/** The same, asked of a scratch board. Throws UsageError when a side that is to be loaded is a file of which no load
- *  takes anything. */
+/** The same, asked of a scratch board, which reads the files that are given by their paths. Throws UsageError for one
+ *  that cannot be read and for one of which no load takes anything. */
 std::vector<Difference> askDifferences(ScratchBoard& scratch, const std::vector<Side>& sides);
 
-/** The job of a scratch board behind it: compares {"sides": [{"title", "member", "text", "isToBeLoaded"}, ...]}; a text of
- *  null means the defaults. Gives [{"parameter", "values", "document", "isNextCycle"}, ...]. */
+/** The job of a scratch board behind it: compares {"sides": [{"title", "member", "text", "path"}, ...]}; a text of null
+ *  means the defaults, unless there is a path. Gives [{"parameter", "values", "document", "isNextCycle"}, ...]. */
 json differencesJob(ScratchSession& session, const json& arguments);
 
 } // namespace applet_tools

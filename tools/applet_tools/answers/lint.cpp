@@ -210,7 +210,7 @@ void refusedIfSetAgain(State& state) {
         else if (state.isRefused(parameter.name) && code != FG_OK)
             state.propose("limits", {parameter.name},
                           "The load of the file refuses the value: " +
-                              refusalInWords(parameter, value, code) + ". It reads back all the same",
+                              refusalInWords(parameter, value, code) + ". It reads back nevertheless",
                           value);
         else if (code != FG_OK && code != FG_ERR_NOT_AVAILABLE)
             state.propose(
@@ -466,8 +466,7 @@ constexpr Rule rules[] = {
 };
 
 /** What a load of the file comes to; the board is not put back. */
-LoadOutcome tryLoad(ScratchSession& session, const std::string& file) {
-    FileKeys keys(session);
+LoadOutcome tryLoad(ScratchSession& session, FileKeys& keys, const std::string& file) {
     LoadOutcome outcome = loadAndCompare(session, keys, file);
     if (outcome.code == FG_ERR_FILE_TYPE)
         throw UsageError(inQuotes(toUtf8(file.c_str())) +
@@ -507,8 +506,8 @@ std::string subjectWithoutValue(const Finding& finding, const std::string& path)
 }
 
 /** What the load makes of the file, where the state itself does not show it. */
-void addLosses(State& state, const LoadOutcome& outcome, const std::string& path) {
-    const ConfigurationFile file = ConfigurationFile::read(path);
+void addLosses(State& state, const LoadOutcome& outcome, const std::string& path,
+               const ConfigurationFile& file) {
     const bool isMissed = addMissing(state, outcome);
     for (const Finding& finding : outcome.findings) {
         if (isMissed && finding.kind == std::string_view("missing")) continue;
@@ -536,18 +535,21 @@ void addLosses(State& state, const LoadOutcome& outcome, const std::string& path
 
 Lint lint(ScratchSession& session, const std::string& file) {
     LoadOutcome outcome;
+    const MemoryFile readByLoad; // loaded in the place of the file, which may be large
     const auto goBack = [&] {
         session.rewind();
-        if (!file.empty()) loadConfiguration(session.instance(), file);
+        if (!file.empty()) loadConfiguration(session.instance(), readByLoad.configurationPath());
     };
     if (!file.empty()) {
-        outcome = tryLoad(session, file);
+        FileKeys keys(session);
+        outcome = tryLoad(session, keys, file);
+        readByLoad.write(textForLoad(ConfigurationFile::textOf(file), keys.defaults()));
         goBack();
     }
     State state(session, goBack, file, keptNames(outcome));
     for (const Rule rule : rules)
         rule(state);
-    if (!file.empty()) addLosses(state, outcome, file);
+    if (!file.empty()) addLosses(state, outcome, file, ConfigurationFile(readByLoad.text()));
     return {outcome.code, state.findings()};
 }
 

@@ -27,8 +27,7 @@ std::string headerTrouble(const ConfigurationFile& asked, FileKeys& keys) {
                inQuotes(*ours);
     std::vector<std::string> missing;
     for (const auto& line : keys.defaults().header())
-        if (asked.header().find(line.key) == nullptr && keys.isReadByLoad(line.key))
-            missing.emplace_back(line.key);
+        if (!asked.header().find(line.key) && keys.isReadByLoad(line.key)) missing.emplace_back(line.key);
     return missing.empty() ? "" : "its header lacks " + join(missing, ", ");
 }
 
@@ -112,25 +111,21 @@ private:
                     const std::string& change) {
         const std::string why = refusalInWords(parameter, value, code);
         if (!change.empty()) return {"refused", parameter.name, change + ": refused: " + why};
-        return {
-            "kept", parameter.name,
-            parameter.name + ": " + askedText(parameter, asked) + " was refused: " + why +
-                "; it reads back all the same" +
-                (std::exchange(m_isExplained, true) ? "" : ", and setters of other parameters work with it")};
+        return {"kept", parameter.name,
+                parameter.name + ": " + askedText(parameter, asked) + " was refused: " + why};
     }
 
     ScratchSession& m_session;
     const std::string& m_path;
     const ConfigurationFile& m_asked;
     const ConfigurationFile& m_state;
-    bool m_isExplained = false; // what a kept value means; it is the same for all
 };
 
 std::vector<Finding> missingKeys(const ConfigurationFile& asked, const ConfigurationFile& state,
                                  FileKeys& keys, const ParameterList& parameters) {
     std::vector<Finding> findings;
     for (const auto& line : keys.defaults().values()) {
-        if (asked.values().find(line.key) != nullptr || !keys.isReadByLoad(line.key)) continue;
+        if (asked.values().find(line.key) || !keys.isReadByLoad(line.key)) continue;
         const std::string key(line.key), is = state.value(key).value_or("");
         findings.push_back(
             {"missing", key,
@@ -172,25 +167,26 @@ FileKeys::FileKeys(ScratchSession& session)
     , m_defaults(stateOf(m_instance)) {}
 
 bool FileKeys::isReadByLoad(std::string_view key) {
-    const auto* line = m_defaults.header().find(key);
-    if (line == nullptr) line = m_defaults.values().find(key);
-    if (line == nullptr) return false;
+    auto line = m_defaults.header().find(key);
+    if (!line) line = m_defaults.values().find(key);
+    if (!line) return false;
     m_file.write(m_defaults.textWith(*line, ""));
     return loadConfiguration(m_instance, m_file.configurationPath()) != FG_OK;
 }
 
 namespace {
 
-/** What came of all lines. */
-std::vector<Finding> judgeLines(ScratchSession& session, FileKeys& keys, const std::string& file,
-                                const ConfigurationFile& asked, const ConfigurationFile& state) {
+/** What came of all lines of the file; `asked` has those that a load reads. */
+std::vector<Finding> judgeLines(ScratchSession& session, FileKeys& keys, const ConfigurationFile& whole,
+                                const std::string& file, const ConfigurationFile& asked,
+                                const ConfigurationFile& state) {
     constexpr std::size_t mostUnknown = 20;
     std::vector<Finding> findings;
     std::size_t unknown = 0, told = 0;
     Judge judge(session, file, asked, state);
-    for (const auto& line : asked.values()) {
-        session.tellProgress(told++, asked.values().size());
-        if (keys.defaults().values().find(line.key) == nullptr) {
+    for (const auto& line : whole.values()) {
+        session.tellProgress(told++, whole.values().size());
+        if (!keys.defaults().values().find(line.key)) {
             if (++unknown <= mostUnknown) findings.push_back(unknownKey(session.parameters(), line.key));
             continue;
         }
@@ -198,7 +194,8 @@ std::vector<Finding> judgeLines(ScratchSession& session, FileKeys& keys, const s
             findings.push_back({"repeated", std::string(line.key),
                                 std::string(line.key) + " is in the file " + numberText(line.count) +
                                     " times: only the first line counts"});
-        const std::optional<Finding> finding = judge.judge(line);
+        const auto read = asked.values().find(line.key);
+        const std::optional<Finding> finding = read ? judge.judge(*read) : std::nullopt;
         if (finding && keys.isReadByLoad(line.key)) findings.push_back(*finding);
     }
     if (unknown > mostUnknown)
@@ -210,29 +207,43 @@ std::vector<Finding> judgeLines(ScratchSession& session, FileKeys& keys, const s
 
 bool isRefusal(const Finding& finding) { return finding.kind == "refused" || finding.kind == "kept"; }
 
-/** Adds to a refused value what the board holds because of it: the same file is loaded once more with the value
- *  from before in its place. */
-void addReached(ScratchSession& session, const ConfigurationFile& asked, const ConfigurationFile& before,
-                const DesignSnapshot& loaded, Finding& finding) {
-    const auto* line = asked.values().find(finding.key);
-    const auto* old = before.values().find(finding.key);
-    if (line == nullptr || old == nullptr || !isRefusal(finding)) return;
+/** What the board holds because of a refused value, which becomes a part of the finding, in words: the same file is loaded
+ *  once more with the value from before in its place. */
+std::string reachedInWords(ScratchSession& session, const ConfigurationFile& asked,
+                           const ConfigurationFile& before, const DesignSnapshot& loaded, Finding& finding) {
+    const auto line = asked.values().find(finding.key), old = before.values().find(finding.key);
+    if (!line || !old || !isRefusal(finding)) return "";
     const MemoryFile other;
     other.write(asked.textWith(*line, old->text));
     session.rewind();
     loadConfiguration(session.instance(), other.configurationPath());
     const std::vector<DesignChange> reached = DesignSnapshot(session).changesTo(loaded);
-    if (reached.empty()) {
-        finding.message += "; nothing of it has reached the board";
-        return;
-    }
+    if (reached.empty()) return "; nothing of it has reached the board";
+    finding.reached = asJson(reached);
     std::vector<std::string> words;
     words.reserve(reached.size());
-    finding.reached = asJson(reached);
     for (const DesignChange& change : reached)
         words.push_back(change.parameter + " " + afterInWords(change) + " (" + beforeInWords(change) +
                         " without it)");
-    finding.message += "; the board has got it all the same: " + join(words, ", ");
+    return "; the board has received it: " + join(words, ", ");
+}
+
+/** What became of each refused value; empty for the other findings. */
+std::vector<std::string> outcomesOf(ScratchSession& session, const ConfigurationFile& asked,
+                                    const ConfigurationFile& before, const DesignSnapshot& loaded,
+                                    std::vector<Finding>& findings) {
+    std::vector<std::string> outcomes;
+    bool isExplained = false; // what a kept value means; it is the same for all
+    for (Finding& finding : findings) {
+        session.tellProgress(outcomes.size(), findings.size());
+        std::string& words = outcomes.emplace_back();
+        if (finding.kind == "kept")
+            words =
+                std::string("; it reads back nevertheless") +
+                (std::exchange(isExplained, true) ? "" : ", and setters of other parameters work with it");
+        words += reachedInWords(session, asked, before, loaded, finding);
+    }
+    return outcomes;
 }
 
 /** A refused value of the file with its place in the findings. */
@@ -246,7 +257,7 @@ std::vector<RefusedValue> refusedValues(const ScratchSession& session, const Con
                                         std::vector<Finding>& findings) {
     std::vector<RefusedValue> refused;
     for (Finding& finding : findings) {
-        if (!isRefusal(finding) || asked.values().find(finding.key) == nullptr) continue;
+        if (!isRefusal(finding) || !asked.values().find(finding.key)) continue;
         const Parameter& parameter = session.parameters().find(finding.key);
         const std::string text = asked.value(finding.key).value_or("");
         const auto value = valueInFile(parameter, text);
@@ -256,13 +267,10 @@ std::vector<RefusedValue> refusedValues(const ScratchSession& session, const Con
     return refused;
 }
 
-/** Adds to the first refusals what sets the limit, the nearest value and the ways out, in the state after the load; to
- *  the others the command that answers it. */
+/** Adds to the first refusals what sets the limit, the nearest value and the ways out, in the present state, that after
+ *  the load; to the others the command that answers it. */
 void addCauses(ScratchSession& session, const std::string& file, const ConfigurationFile& asked,
                std::vector<Finding>& findings) {
-    if (std::ranges::none_of(findings, isRefusal)) return;
-    session.rewind();
-    loadConfiguration(session.instance(), file);
     session.keep();
     constexpr std::size_t most = 5; // each takes many trials
     const std::vector<RefusedValue> refused = refusedValues(session, asked, findings);
@@ -270,13 +278,15 @@ void addCauses(ScratchSession& session, const std::string& file, const Configura
     std::vector<Assignment> assignments;
     for (std::size_t i = 0; i < refused.size(); ++i) {
         const auto& [finding, assignment] = refused[i];
-        if (i < most)
+        if (i < most) {
             assignments.push_back(assignment);
-        else
-            finding->message += "; the cause was looked for with the first " + numberText(most) +
-                                " refused values only, so ask 'appletctl why " + finding->key + "=" +
-                                exactValueText(*assignment.target.parameter, assignment.value) + " --from " +
-                                asShellWord(file) + "'";
+            continue;
+        }
+        finding->isExamined = false;
+        finding->message += "; the cause was looked for with the first " + numberText(most) +
+                            " refused values only, so ask 'appletctl why " + finding->key + "=" +
+                            exactValueText(*assignment.target.parameter, assignment.value) + " --from " +
+                            asShellWord(file) + "'";
     }
     Probe probe(session);
     const std::vector<Suggestion> suggestions = suggestionsFor(probe, assignments);
@@ -303,12 +313,13 @@ std::string wholeFileTrouble(ScratchSession& session, FileKeys& keys, const Conf
     const bool isTaken = loadConfiguration(session.instance(), file.configurationPath()) == FG_OK;
     const bool isMissingOnly =
         !isTaken && std::ranges::any_of(keys.defaults().values(), [&](const auto& line) {
-            return asked.values().find(line.key) == nullptr && keys.isReadByLoad(line.key);
+            return !asked.values().find(line.key) && keys.isReadByLoad(line.key);
         });
     return isTaken || isMissingOnly ? "" : "its lines must not end in a carriage return";
 }
 
-LoadOutcome loadAndCompare(ScratchSession& session, FileKeys& keys, const std::string& file) {
+LoadOutcome loadAndCompare(ScratchSession& session, FileKeys& keys, const std::string& file,
+                           const std::string& name) {
     LoadOutcome outcome;
     const ConfigurationFile before = stateOf(session.instance());
     const DesignSnapshot picture(session);
@@ -327,19 +338,25 @@ LoadOutcome loadAndCompare(ScratchSession& session, FileKeys& keys, const std::s
                                  "; the file must exist, and .mcf must be part of its name"}};
         return outcome;
     }
-    const ConfigurationFile asked = ConfigurationFile::read(file);
+    std::optional<ConfigurationFile> whole(ConfigurationFile::read(file)); // may be large
+    const ConfigurationFile asked(textForLoad(whole->text(), keys.defaults()));
+    const MemoryFile readByLoad; // the trials load this
+    readByLoad.write(asked.text());
     outcome.findings = missingKeys(asked, state, keys, session.parameters());
-    if (const auto whole = wholeFileFinding(outcome.code, asked, keys, !outcome.findings.empty())) {
-        outcome.findings = {*whole};
+    if (const auto trouble = wholeFileFinding(outcome.code, asked, keys, !outcome.findings.empty())) {
+        outcome.findings = {*trouble};
         return outcome;
     }
-    for (Finding& finding : judgeLines(session, keys, file, asked, state))
+    for (Finding& finding : judgeLines(session, keys, *whole, readByLoad.configurationPath(), asked, state))
         outcome.findings.push_back(std::move(finding));
-    for (std::size_t done = 0; Finding & finding : outcome.findings) {
-        session.tellProgress(done++, outcome.findings.size());
-        addReached(session, asked, before, loaded, finding);
-    }
-    addCauses(session, file, asked, outcome.findings);
+    whole.reset();
+    const std::vector<std::string> outcomes = outcomesOf(session, asked, before, loaded, outcome.findings);
+    if (std::ranges::none_of(outcome.findings, isRefusal)) return outcome;
+    session.rewind();
+    loadConfiguration(session.instance(), readByLoad.configurationPath());
+    addCauses(session, name.empty() ? file : name, asked, outcome.findings);
+    for (std::size_t i = 0; i < outcomes.size(); ++i)
+        outcome.findings[i].message += outcomes[i];
     return outcome;
 }
 
@@ -360,25 +377,45 @@ bool LoadCheck::losesNothing() const { return std::ranges::none_of(findings, &Fi
 
 json checkJob(ScratchSession& session, const json& arguments) {
     FileKeys keys(session);
-    const LoadOutcome outcome = loadAndCompare(session, keys, arguments.at("file").get<std::string>());
+    const auto file = arguments.at("file").get<std::string>();
+    const MemoryFile copy;
+    const auto text = arguments.find("text");
+    const bool isCopied = text != arguments.end();
+    if (isCopied) copy.write(bytesOf(*text));
+    const LoadOutcome outcome =
+        loadAndCompare(session, keys, isCopied ? copy.configurationPath() : file, file);
     json findings = json::array();
     for (const Finding& finding : outcome.findings)
         findings.push_back({{"kind", finding.kind},
                             {"key", finding.key},
                             {"message", finding.message},
                             {"isLoss", finding.isLoss},
+                            {"isExamined", finding.isExamined},
                             {"reached", finding.reached.dump()}}); // as text: its members have an order
     return {{"findings", std::move(findings)}, {"code", outcome.code}, {"state", asBytes(outcome.state)}};
 }
 
-LoadCheck askCheck(ScratchBoard& scratch, const std::string& file) {
-    const json answer = scratch.ask("check", {{"file", file}});
+namespace {
+
+LoadCheck checkFrom(ScratchBoard& scratch, const json& arguments) {
+    const json answer = scratch.ask("check", arguments);
     LoadCheck check{{}, answer["code"].get<int>(), ConfigurationFile(bytesOf(answer["state"]))};
     for (const json& row : answer["findings"])
         check.findings.push_back({row["kind"].get<std::string>(), row["key"].get<std::string>(),
                                   row["message"].get<std::string>(), row["isLoss"].get<bool>(),
-                                  nlohmann::ordered_json::parse(row["reached"].get<std::string>())});
+                                  nlohmann::ordered_json::parse(row["reached"].get<std::string>()),
+                                  row["isExamined"].get<bool>()});
     return check;
+}
+
+} // namespace
+
+LoadCheck askCheck(ScratchBoard& scratch, const std::string& file) {
+    return checkFrom(scratch, {{"file", file}});
+}
+
+LoadCheck askCheck(ScratchBoard& scratch, const std::string& file, const ConfigurationFile& written) {
+    return checkFrom(scratch, {{"file", file}, {"text", asBytes(written.text())}});
 }
 
 } // namespace applet_tools

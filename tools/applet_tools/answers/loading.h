@@ -47,8 +47,9 @@ struct Finding {
     std::string message;
     bool isLoss = true;
     nlohmann::ordered_json
-        reached{}; /**< of a refused value: what the board holds because of it, as changes of the
+        reached{};          /**< of a refused value: what the board holds because of it, as changes of the
                                            design (see DesignSnapshot.h); else null */
+    bool isExamined = true; /**< false for a refused value for which no cause was looked for */
 };
 
 /** A load as the scratch board saw it. */
@@ -64,8 +65,10 @@ struct LoadOutcome {
 /** Why a load takes nothing of the file; empty where it takes something. */
 std::string wholeFileTrouble(ScratchSession& session, FileKeys& keys, const ConfigurationFile& asked);
 
-/** Loads the file into the scratch board and looks what came of it; the board is not put back. */
-LoadOutcome loadAndCompare(ScratchSession& session, FileKeys& keys, const std::string& file);
+/** Loads the file into the scratch board and looks what came of it; the board is not put back. `name` is what the file is
+ *  called where that is not its path. */
+LoadOutcome loadAndCompare(ScratchSession& session, FileKeys& keys, const std::string& file,
+                           const std::string& name = "");
 
 /** [{"kind", "name", "isLoss", "message", "reached"}, ...]. */
 nlohmann::ordered_json asJson(const std::vector<Finding>& findings);
@@ -81,8 +84,11 @@ struct LoadCheck {
 
 /** Lets the scratch board load the file. Throws UsageError when it cannot be read. */
 LoadCheck askCheck(ScratchBoard& scratch, const std::string& file);
+/** The same for what was written to a file, which may be a FIFO. */
+LoadCheck askCheck(ScratchBoard& scratch, const std::string& file, const ConfigurationFile& written);
 
-/** The job of a scratch board behind it: loads {"file": FILE}: {"findings", "code", "state"}. */
+/** The job of a scratch board behind it: loads {"file": FILE}, or as if it had {"text": BYTES}: {"findings", "code",
+ *  "state"}. */
 json checkJob(ScratchSession& session, const json& arguments);
 
 } // namespace applet_tools

@@ -2,6 +2,7 @@
 
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/numbers.h"
+#include "applet_tools/base/text.h"
 #include "applet_tools/station/Grabber.h"
 #include "applet_tools/station/missing_picture.h"
 
@@ -27,18 +28,16 @@ constexpr unsigned exSyncSelect = 1, exSync2Select = 2, flashSelect = 3, lineSel
 
 class Measurement {
 public:
-    Measurement(Instance& instance, const ParameterList& parameters)
+    Measurement(Instance& instance, const ParameterList& parameters, const std::optional<TimeWindow>& window)
         : m_instance(instance)
-        , m_parameters(parameters) {}
+        , m_parameters(parameters)
+        , m_window(window) {}
 
     MeasuredTiming run(const std::vector<WaveRequest>& waves, const std::function<bool()>& goesOn) {
         m_expected = expected();
         connect(waves);
         m_timing.from = now();
         grab(goesOn);
-        if (m_timing.isInterrupted) return std::move(m_timing);
-        m_timing.to = now();
-        addRows();
         return std::move(m_timing);
     }
 
@@ -103,30 +102,54 @@ private:
     }
 
     void grab(const std::function<bool()>& goesOn) {
-        constexpr int pictures = 3;
         constexpr Ticks longest = 2 * ticksPerSecond;
+        constexpr std::size_t frames = 64; // pictures of the beginning wait in them
         const std::int64_t lines = sourceLines(m_instance);
-        {
-            constexpr std::size_t frames = 64; // pictures of the beginning wait in them
-            Grabber grabber(m_instance, frames);
-            lookAtStart();
-            Grabber::Outcome outcome = Grabber::Outcome::arrived;
-            while (m_timing.pictures < pictures && outcome == Grabber::Outcome::arrived) {
-                const Ticks passed = now() - m_timing.from;
-                outcome = grabber.next(longest - std::min(passed, longest), goesOn);
-                if (outcome != Grabber::Outcome::arrived) break;
-                ++m_timing.pictures;
-                m_firstLines.push_back(grabber.record().first_line);
-            }
-            m_timing.isInterrupted = outcome == Grabber::Outcome::interrupted;
-            m_timing.lines = sourceLines(m_instance) - lines;
-            if (m_timing.pictures == 0)
-                m_timing.remarks.push_back(whyNoPicture(m_instance, m_parameters,
-                                                        {.lines = m_timing.lines,
-                                                         .from = m_timing.from,
-                                                         .longer = "the measurement ends after 2 s",
-                                                         .wave = "a --wave"}));
+        Grabber grabber(m_instance, frames);
+        if (!m_window) lookAtStart();
+        takePictures(grabber, longest, goesOn);
+        if (m_timing.isInterrupted) return;
+        m_timing.lines = sourceLines(m_instance) - lines;
+        m_timing.to = now();
+        if (m_timing.pictures == 0)
+            m_timing.remarks.push_back(whyNoPicture(m_instance, m_parameters,
+                                                    {.lines = m_timing.lines,
+                                                     .from = m_timing.from,
+                                                     .longer = "the measurement ends after 2 s",
+                                                     .wave = "a --wave"}));
+        addRows();
+        while (m_window && !m_isWindowSeen && !m_timing.isInterrupted)
+            next(grabber, m_window->to, goesOn);
+    }
+
+    /** Those that are measured. */
+    void takePictures(Grabber& grabber, Ticks longest, const std::function<bool()>& goesOn) {
+        constexpr int pictures = 3;
+        while (m_timing.pictures < pictures && now() - m_timing.from < longest && !m_timing.isInterrupted) {
+            if (!next(grabber, longest, goesOn)) continue;
+            ++m_timing.pictures;
+            m_firstLines.push_back(grabber.record().first_line);
         }
+    }
+
+    /** Lets time go on to the next picture, to the end of the window, or so far from the start. True for a picture. */
+    bool next(Grabber& grabber, Ticks most, const std::function<bool()>& goesOn) {
+        const bool isWindowAhead = m_window && !m_isWindowSeen;
+        const Ticks end = m_timing.from + (isWindowAhead ? std::min(most, m_window->to) : most);
+        const Grabber::Outcome outcome = grabber.next(end - std::min(now(), end), goesOn);
+        m_timing.isInterrupted = outcome == Grabber::Outcome::interrupted;
+        if (isWindowAhead && now() >= m_timing.from + m_window->to) lookAtWindow();
+        return outcome == Grabber::Outcome::arrived;
+    }
+
+    void lookAtWindow() {
+        m_isWindowSeen = true;
+        noteSignals(m_timing.from + m_window->from, m_timing.from + m_window->to);
+        for (const MeasuredSignal& signal : m_timing.signals)
+            if (!signal.course.isComplete)
+                throw Failure("the station keeps the last 16384 edges of a signal, and " + signal.name +
+                              " has more of them from " + durationText(m_window->from) + " to " +
+                              durationText(m_window->to) + ": make the window shorter");
     }
 
     /** Notes the signals of the first line periods, before the board forgets their edges. */
@@ -142,13 +165,20 @@ private:
             m_timing.to = now();
         } while (m_timing.to - m_timing.from < longest &&
                  std::ranges::count_if(course(exSyncSelect).edges, isActive) < periods);
+        noteSignals(m_timing.from, m_timing.to);
+    }
+
+    void noteSignals(Ticks from, Ticks to) {
+        const auto note = [&](const std::string& name, bool isActiveLow, unsigned select) {
+            m_timing.signals.push_back({name, isActiveLow, courseOf(m_instance, select, from, to)});
+        };
         for (const StationSignal& signal : stationSignals())
             if (std::ranges::find(m_inputs, signal.select) != m_inputs.end())
-                m_timing.signals.push_back({signal.name, false, course(signal.select)});
-        m_timing.signals.push_back({"ExSync", m_expected.isExSyncLow, course(exSyncSelect)});
-        m_timing.signals.push_back({"ExSync2", m_expected.isExSyncLow, course(exSync2Select)});
-        m_timing.signals.push_back({"Flash", m_expected.isFlashLow, course(flashSelect)});
-        m_timing.signals.push_back({"LVAL", false, course(lineSelect)});
+                note(signal.name, false, signal.select);
+        note("ExSync", m_expected.isExSyncLow, exSyncSelect);
+        note("ExSync2", m_expected.isExSyncLow, exSync2Select);
+        note("Flash", m_expected.isFlashLow, flashSelect);
+        note("LVAL", false, lineSelect);
     }
 
     SignalCourse course(unsigned select) const {
@@ -216,6 +246,8 @@ private:
 
     Instance& m_instance;
     const ParameterList& m_parameters;
+    const std::optional<TimeWindow> m_window;
+    bool m_isWindowSeen = false;
     Expected m_expected{};
     std::vector<unsigned> m_inputs; // signals of those with a wave
     std::vector<Ticks> m_firstLines;
@@ -224,9 +256,20 @@ private:
 
 } // namespace
 
+TimeWindow windowFrom(const std::string& word) {
+    const std::size_t dots = word.find("..");
+    if (dots == std::string::npos)
+        throw UsageError(inQuotedWord(word) + " is no window of time: write its two ends, as in 10ms..12ms");
+    const TimeWindow window{ticksFrom(word.substr(0, dots)), ticksFrom(word.substr(dots + 2))};
+    if (window.from >= window.to)
+        throw UsageError(inQuotedWord(word) + " is no window of time: its end is not after its beginning");
+    return window;
+}
+
 MeasuredTiming measureTiming(Instance& instance, const ParameterList& parameters,
-                             const std::vector<WaveRequest>& waves, const std::function<bool()>& goesOn) {
-    return Measurement(instance, parameters).run(waves, goesOn);
+                             const std::vector<WaveRequest>& waves, const std::function<bool()>& goesOn,
+                             const std::optional<TimeWindow>& window) {
+    return Measurement(instance, parameters, window).run(waves, goesOn);
 }
 
 } // namespace applet_tools

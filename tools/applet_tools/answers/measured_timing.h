@@ -28,20 +28,30 @@ struct MeasuredSignal {
     SignalCourse course;
 };
 
+/** A stretch of time, counted from when the station begins to run. */
+struct TimeWindow {
+    Ticks from, to;
+};
+
+/** Reads "10ms..12ms". Throws UsageError. */
+TimeWindow windowFrom(const std::string& word);
+
 struct MeasuredTiming {
     std::vector<MeasuredRow> rows;
     std::vector<MeasuredSignal>
-        signals;            /**< of the first line periods: inputs in use, then the line trigger's */
+        signals; /**< of the first line periods, or of the window: inputs in use, then the line trigger's */
     Ticks from = 0, to = 0; /**< the span of time that was looked at */
     std::int64_t lines = 0, pictures = 0;
     std::vector<std::string> remarks; /**< what was assumed, and what did not come */
     bool isInterrupted = false;
 };
 
-/** Connects the waves, takes three pictures, within two simulated seconds, and measures what there was. An external line
+/** Connects the waves, takes three pictures, within two simulated seconds, and measures what there was. With a window the
+ *  station goes on to its end, if that is later; throws Failure where a signal has more edges in it than the board keeps. An external line
  *  trigger without a wave gets one of FG_LINEPERIODE / FG_LINE_DOWNSCALE. Asks `goesOn` now and then. */
 MeasuredTiming measureTiming(Instance& instance, const ParameterList& parameters,
-                             const std::vector<WaveRequest>& waves, const std::function<bool()>& goesOn);
+                             const std::vector<WaveRequest>& waves, const std::function<bool()>& goesOn,
+                             const std::optional<TimeWindow>& window = std::nullopt);
 
 } // namespace applet_tools
 

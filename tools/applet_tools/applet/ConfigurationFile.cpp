@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <set>
 
 namespace applet_tools {
 namespace {
@@ -29,6 +30,11 @@ std::string_view withoutMarks(std::string_view text) {
     return trimmed(text.substr(0, text.find(';')));
 }
 
+/** The line that begins there, with its end. */
+std::string_view lineAt(std::string_view text, std::size_t begin) {
+    return text.substr(begin, std::min(text.find('\n', begin), text.size() - 1) + 1 - begin);
+}
+
 template <typename Integer> std::optional<Value> wholeInFile(const std::string& text) {
     const auto number = wholeNumber<Integer>(text);
     return number ? std::optional<Value>(*number) : std::nullopt;
@@ -43,43 +49,58 @@ std::optional<Value> unsignedInFile(const std::string& text) {
 } // namespace
 
 ConfigurationFile::ConfigurationFile(std::string text)
-    : m_text(std::make_shared<const std::string>(std::move(text))) {
+    : m_text(std::make_shared<const std::string>(std::move(text)))
+    , m_header(*m_text)
+    , m_values(*m_text) {
     Section* section = &m_header;
-    for (std::string_view rest = *m_text; !rest.empty();) {
-        const std::size_t length = std::min(rest.find('\n'), rest.size() - 1) + 1;
-        const std::string_view line = rest.substr(0, length);
-        rest.remove_prefix(length);
-        const std::string_view content = line.ends_with('\n') ? line.substr(0, length - 1) : line;
-        const std::size_t equals = content.find('=');
-        if (content.find(portSection) != std::string_view::npos)
+    for (std::size_t begin = 0; begin < m_text->size();) {
+        const std::string_view line = lineAt(*m_text, begin);
+        if (line.find(portSection) != std::string_view::npos)
             section = &m_values;
-        else if (equals != std::string_view::npos)
-            section->add(
-                {content.substr(0, equals), withoutMarks(trimmed(content.substr(equals + 1))), line});
+        else if (line.find('=') != std::string_view::npos)
+            section->add(begin);
+        begin += line.size();
     }
 }
 
-ConfigurationFile ConfigurationFile::read(const std::string& path) {
+std::string ConfigurationFile::textOf(const std::string& path) {
     auto text = textOfFile(path);
     if (!text) throw UsageError(inQuotes(toUtf8(path.c_str())) + " is no file that can be read");
-    return ConfigurationFile(std::move(*text));
+    return std::move(*text);
 }
 
-void ConfigurationFile::Section::add(const Line& line) {
-    if (m_lines.size() * 2 >= m_slots.size()) grow();
-    std::uint32_t& number = m_slots[slotOf(line.key)];
+void ConfigurationFile::Section::add(std::size_t begin) {
+    if (m_places.size() * 2 >= m_slots.size()) grow();
+    std::uint32_t& number = m_slots[slotOf(keyAt(begin))];
     if (number != 0) {
-        ++m_lines[number - 1].count;
+        Place& first = m_places[number - 1];
+        if (++first.count == 0) --first.count;
         return;
     }
-    m_lines.push_back(line);
-    number = static_cast<std::uint32_t>(m_lines.size());
+    constexpr std::uint64_t placeBits = (std::uint64_t{1} << 40) - 1; // a terabyte
+    m_places.push_back({begin & placeBits, 1});
+    number = static_cast<std::uint32_t>(m_places.size());
+}
+
+std::string_view ConfigurationFile::Section::keyAt(std::size_t begin) const {
+    return m_text.substr(begin, m_text.find('=', begin) - begin);
+}
+
+ConfigurationFile::Line ConfigurationFile::Section::line(const Place& place) const {
+    const std::string_view line = lineAt(m_text, place.begin);
+    const std::string_view content = line.substr(0, line.size() - (line.ends_with('\n') ? 1 : 0));
+    const std::size_t equals = content.find('=');
+    return {content.substr(0, equals), withoutMarks(trimmed(content.substr(equals + 1))), line, place.count};
 }
 
 std::size_t ConfigurationFile::Section::slotOf(std::string_view key) const {
     const std::size_t mask = m_slots.size() - 1;
     std::size_t slot = std::hash<std::string_view>()(key) & mask;
-    while (m_slots[slot] != 0 && m_lines[m_slots[slot] - 1].key != key)
+    const auto isOther = [&](const Place& place) {
+        const std::string_view line = m_text.substr(place.begin, key.size() + 1);
+        return !line.ends_with('=') || !line.starts_with(key);
+    };
+    while (m_slots[slot] != 0 && isOther(m_places[m_slots[slot] - 1]))
         slot = (slot + 1) & mask;
     return slot;
 }
@@ -87,19 +108,19 @@ std::size_t ConfigurationFile::Section::slotOf(std::string_view key) const {
 void ConfigurationFile::Section::grow() {
     constexpr std::size_t fewest = 256; // a power of two, as all sizes are
     m_slots.assign(std::max(fewest, m_slots.size() * 2), 0);
-    for (std::uint32_t number = 1; number <= m_lines.size(); ++number)
-        m_slots[slotOf(m_lines[number - 1].key)] = number;
+    for (std::uint32_t number = 1; number <= m_places.size(); ++number)
+        m_slots[slotOf(keyAt(m_places[number - 1].begin))] = number;
 }
 
-const ConfigurationFile::Line* ConfigurationFile::Section::find(std::string_view key) const {
-    if (m_slots.empty()) return nullptr;
+std::optional<ConfigurationFile::Line> ConfigurationFile::Section::find(std::string_view key) const {
+    if (m_slots.empty()) return std::nullopt;
     const std::uint32_t number = m_slots[slotOf(key)];
-    return number != 0 ? &m_lines[number - 1] : nullptr;
+    return number != 0 ? std::optional(line(m_places[number - 1])) : std::nullopt;
 }
 
 std::optional<std::string> ConfigurationFile::Section::value(std::string_view key) const {
-    const Line* line = find(key);
-    return line != nullptr ? std::optional(std::string(line->value)) : std::nullopt;
+    const auto line = find(key);
+    return line ? std::optional(std::string(line->value)) : std::nullopt;
 }
 
 std::string ConfigurationFile::textWith(const Line& line, std::string_view replacement) const {
@@ -109,16 +130,23 @@ std::string ConfigurationFile::textWith(const Line& line, std::string_view repla
     return text.append(*m_text, 0, begin).append(replacement).append(*m_text, begin + line.text.size());
 }
 
-std::string ConfigurationFile::textOfValues() const {
-    const std::size_t begin =
-        m_header.size() == 0 ? 0 : static_cast<std::size_t>((*m_header.begin()).text.data() - m_text->data());
-    std::string text(*m_text, 0, begin);
-    for (const Line& line : m_header)
-        text.append(line.text);
-    text.append("\n").append(portSection).append("\n");
-    for (const Line& line : m_values)
-        text.append(line.text);
-    return text;
+std::string textForLoad(std::string text, const ConfigurationFile& known) {
+    const std::size_t section = text.find(portSection);
+    if (section == std::string::npos) return text;
+    std::string kept(text, 0, section + lineAt(text, section).size());
+    if (kept.find(lineAt(known.text(), 0)) == std::string::npos) return text;
+    for (const auto& line : known.header())
+        if (kept.find(line.key) == std::string::npos) return text;
+    constexpr std::size_t longestLine = 255; // a load takes the rest of a longer one as further lines
+    std::set<std::string_view> seen;
+    for (std::size_t begin = kept.size(); begin < text.size();) {
+        const std::string_view line = lineAt(text, begin);
+        begin += line.size();
+        const std::string_view key = line.substr(0, line.find('='));
+        const bool isRead = key.size() < line.size() && known.values().find(key) && seen.insert(key).second;
+        if (isRead || line.size() > longestLine) kept.append(line);
+    }
+    return kept;
 }
 
 int loadConfiguration(Instance& instance, const std::string& path) {
@@ -127,9 +155,11 @@ int loadConfiguration(Instance& instance, const std::string& path) {
     if (code == FG_ERR_FILE_TYPE) return code; // it was not opened
     LoadHistory& history = instance.loads();
     if (code == FG_OK) history = {};
-    constexpr std::size_t most = 16;
-    if (auto text = textOfFile(path); text && history.texts.size() < most)
-        history.texts.push_back(std::move(*text));
+    constexpr std::size_t most = 16, large = 1 << 16;
+    auto text = textOfFile(path);
+    if (!text || history.texts.size() >= most) return code;
+    if (text->size() > large) text = textForLoad(std::move(*text), stateOf(instance));
+    history.texts.push_back(std::move(*text));
     return code;
 }
 

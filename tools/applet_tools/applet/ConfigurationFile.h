@@ -5,6 +5,7 @@
 #include "applet_tools/applet/Instance.h"
 #include "applet_tools/applet/values.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <memory>
@@ -28,33 +29,46 @@ public:
         std::size_t count = 1;  /**< lines of this key */
     };
 
-    /** The keys of a section in the order of the file. */
+    /** The keys of a section in the order of the file. It refers to the file's text. */
     class Section {
     public:
-        void add(const Line& line);
-        /** Null if there is no such key. */
-        const Line* find(std::string_view key) const;
+        class Iterator;
+
+        explicit Section(std::string_view text) : m_text(text) {}
+        /** Takes in the line that begins there. */
+        void add(std::size_t begin);
+        /** Nothing if there is no such key. */
+        std::optional<Line> find(std::string_view key) const;
         /** The value of a key. */
         std::optional<std::string> value(std::string_view key) const;
-        auto begin() const { return m_lines.begin(); }
-        auto end() const { return m_lines.end(); }
-        std::size_t size() const { return m_lines.size(); }
+        Iterator begin() const;
+        Iterator end() const;
+        std::size_t size() const { return m_places.size(); }
 
     private:
+        /** Of a line in the text. */
+        struct Place {
+            std::uint64_t begin : 40;
+            std::uint64_t count : 24; // of the lines of this key; the last number means that or more
+        };
+        Line line(const Place& place) const;
+        std::string_view keyAt(std::size_t begin) const;
         /** Where the key is in m_slots, or would be. */
         std::size_t slotOf(std::string_view key) const;
         void grow();
 
-        // A file may have millions of keys: these two take little more room than the lines themselves.
-        std::deque<Line> m_lines;
+        // A file may have millions of short lines: these two take less room than the lines themselves.
+        std::string_view m_text;
+        std::deque<Place> m_places;
         std::vector<std::uint32_t>
-            m_slots; // by the hash of the key the number of its line, from 1; 0 is free
+            m_slots; // by the hash of the key the number of its place, from 1; 0 is free
     };
 
     explicit ConfigurationFile(std::string text);
 
-    /** Throws UsageError, with the reason, when the file cannot be read. */
-    static ConfigurationFile read(const std::string& path);
+    /** Both throw UsageError when the file cannot be read. */
+    static ConfigurationFile read(const std::string& path) { return ConfigurationFile(textOf(path)); }
+    static std::string textOf(const std::string& path);
 
     const std::string& text() const { return *m_text; }
     /** Above the section of the port: what the file says of itself. */
@@ -66,13 +80,41 @@ public:
 
     /** The file's text with other text in the place of one of its lines. */
     std::string textWith(const Line& line, std::string_view replacement) const;
-    /** A text with the same keys and values, each key once. */
-    std::string textOfValues() const;
 
 private:
     std::shared_ptr<const std::string> m_text; // stays in its place when the object moves
     Section m_header, m_values;
 };
+
+/** Gives the lines one by one. */
+class ConfigurationFile::Section::Iterator {
+public:
+    using value_type = Line;
+    using difference_type = std::ptrdiff_t;
+
+    Iterator() = default;
+    Iterator(const Section& section, std::size_t number) : m_section(&section), m_number(number) {}
+    Line operator*() const { return m_section->line(m_section->m_places[m_number]); }
+    Iterator& operator++() {
+        ++m_number;
+        return *this;
+    }
+    Iterator operator++(int) { return {*m_section, m_number++}; }
+    bool operator==(const Iterator&) const = default;
+
+private:
+    const Section* m_section = nullptr;
+    std::size_t m_number = 0;
+};
+
+inline ConfigurationFile::Section::Iterator ConfigurationFile::Section::begin() const { return {*this, 0}; }
+inline ConfigurationFile::Section::Iterator ConfigurationFile::Section::end() const {
+    return {*this, m_places.size()};
+}
+
+/** The text of a file without lines of which a load takes nothing: those of further sections and keys that are not in
+ *  `known`, and of repeated keys. A load of it does the same. A text without a complete header stays as it is. */
+std::string textForLoad(std::string text, const ConfigurationFile& known);
 
 /** Makes the applet load the file, and notes it. Returns the applet's code. */
 int loadConfiguration(Instance& instance, const std::string& path);

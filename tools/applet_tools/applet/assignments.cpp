@@ -62,11 +62,14 @@ std::string refusalInWords(const Parameter& parameter, const Value& value, int c
     return codeInWords(code) + advice(parameter, value, code);
 }
 
-std::string refusalInWords(const Assignment& assignment, int code) {
+std::string refusalInWords(const AssignmentResult& result) {
     constexpr std::size_t mostBytes = 200;
+    const Assignment& assignment = result.assignment;
     const std::string asked = printable(toUtf8(assignment.text.c_str()));
-    return assignment.target.name() + "=" + shortened(asked, mostBytes) +
-           " was refused: " + refusalInWords(*assignment.target.parameter, assignment.value, code);
+    return assignment.target.name() + "=" + shortened(asked, mostBytes) + " was refused: " +
+           (result.reason.empty()
+                ? refusalInWords(*assignment.target.parameter, assignment.value, result.code)
+                : codeInWords(result.code) + "; " + result.reason);
 }
 
 nlohmann::ordered_json asJson(const AssignmentResult& result) {
@@ -89,11 +92,21 @@ nlohmann::ordered_json asJson(const AssignmentResult& result) {
 
 namespace {
 
+/** The board knows why it took no image of a file. */
+std::string reasonOf(Instance& instance, const Parameter& parameter, int code) {
+    if (code == FG_OK || parameter.name != "FG_DEBUGINSERT") return "";
+    if (instance.device() == nullptr || !instance.host()->isVirtual()) return "";
+    char words[512] = "";
+    const int length = instance.board().insert_trouble(instance.device(), words, sizeof words);
+    return length > 0 ? std::string("the image of FG_DEBUGFILE was not put in: ") + words : "";
+}
+
 AssignmentResult apply(Instance& instance, const Assignment& assignment, const AssignmentHooks& hooks) {
     AssignmentResult result{.assignment = assignment};
     result.isLeftOut = hooks.isLeftOut && hooks.isLeftOut(assignment);
     if (result.isLeftOut) return result;
     result.code = writeValue(instance, assignment.target, assignment.value);
+    result.reason = reasonOf(instance, *assignment.target.parameter, result.code);
     if (hooks.takeWrites) result.writes = hooks.takeWrites();
     result.actual = readValue(instance, assignment.target);
     return result;

@@ -31,6 +31,7 @@ struct AssignmentResult {
     const Assignment& assignment;
     bool isLeftOut = false; /**< it was not to be carried out */
     int code = 0;           /**< the setter's */
+    std::string reason{};   /**< the board's words for the code, where it has any */
     ReadResult actual{};    /**< what the parameter reads afterwards */
     std::optional<std::vector<std::string>>
         writes{}; /**< lines of the board's log; none if they are not asked for */
@@ -65,7 +66,7 @@ AssignmentsOutcome applyAssignments(Instance& instance, const ParameterList& par
 std::string refusalInWords(const Parameter& parameter, const Value& value, int code);
 
 /** "FG_WIDTH=99999 was refused: -6000, value out of range; ...". */
-std::string refusalInWords(const Assignment& assignment, int code);
+std::string refusalInWords(const AssignmentResult& result);
 
 } // namespace applet_tools
 

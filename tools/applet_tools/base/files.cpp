@@ -100,11 +100,12 @@ public:
     Replacement(const Replacement&) = delete;
     Replacement& operator=(const Replacement&) = delete;
 
-    void write(const std::string& content) {
-        if (!writeAll(m_descriptor, content) || !keepAttributes() || fsync(m_descriptor) != 0) fail(m_target);
+    void add(const std::string& content) {
+        if (!writeAll(m_descriptor, content)) fail(m_target);
     }
 
     void takePlace() {
+        if (!keepAttributes() || fsync(m_descriptor) != 0) fail(m_target);
         if (m_temporary.empty()) giveName();
         if (rename(m_temporary.c_str(), m_target.c_str()) != 0) fail(m_target);
         m_temporary.clear();
@@ -160,11 +161,16 @@ bool isSpecial(const fs::path& path) {
     return isInProc(path) || (stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode));
 }
 
-void writeInPlace(const fs::path& path, const std::string& content) {
+int openInPlace(const fs::path& path) {
     const std::optional<int> own = ownDescriptor(path);
     const int descriptor =
         own ? fcntl(*own, F_DUPFD_CLOEXEC, 0) : open(path.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC);
     if (descriptor < 0) fail(path);
+    return descriptor;
+}
+
+void writeInPlace(const fs::path& path, const std::string& content) {
+    const int descriptor = openInPlace(path);
     const bool isWritten = writeAll(descriptor, content);
     const int reason = errno;
     const bool isClosed = close(descriptor) == 0;
@@ -208,7 +214,7 @@ void writeFile(const std::string& file, const std::string& content) {
     if (isSpecial(path)) return writeInPlace(path, content);
     const SignalsHeldBack held;
     Replacement replacement(path);
-    replacement.write(content);
+    replacement.add(content);
     replacement.takePlace();
 }
 
@@ -222,6 +228,39 @@ void requireWritable(const std::string& file) {
     } else if (!ownDescriptor(path) && faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0) {
         fail(path);
     }
+}
+
+struct OutputFile::State {
+    explicit State(const fs::path& file) : path(behindLinks(file)) {
+        if (isSpecial(path))
+            descriptor = openInPlace(path);
+        else
+            replacement.emplace(path);
+    }
+    ~State() {
+        if (descriptor >= 0) close(descriptor);
+    }
+    State(const State&) = delete;
+    State& operator=(const State&) = delete;
+
+    const fs::path path;
+    std::optional<Replacement> replacement;
+    int descriptor = -1; // of what is written to and not replaced
+};
+
+OutputFile::OutputFile(const std::string& file) : m_state(std::make_unique<State>(file)) {}
+OutputFile::~OutputFile() = default;
+
+void OutputFile::add(const std::string& content) {
+    if (m_state->replacement)
+        m_state->replacement->add(content);
+    else if (!writeAll(m_state->descriptor, content))
+        fail(m_state->path);
+}
+
+void OutputFile::finish() {
+    const SignalsHeldBack held;
+    if (m_state->replacement) m_state->replacement->takePlace();
 }
 
 } // namespace applet_tools

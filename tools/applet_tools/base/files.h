@@ -2,6 +2,7 @@
 #ifndef APPLET_TOOLS_BASE_FILES_H
 #define APPLET_TOOLS_BASE_FILES_H
 
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -16,6 +17,25 @@ std::optional<std::string> textOfFile(const std::string& path);
  * replaced. A device, a pipe or a descriptor of the process is written to. Throws Failure.
  */
 void writeFile(const std::string& file, const std::string& content);
+
+/** A file that is written piece by piece, and is there as a whole or not at all, as by writeFile. */
+class OutputFile {
+public:
+    /** Throws Failure. */
+    explicit OutputFile(const std::string& file);
+    ~OutputFile();
+    OutputFile(const OutputFile&) = delete;
+    OutputFile& operator=(const OutputFile&) = delete;
+
+    /** Throws Failure. */
+    void add(const std::string& content);
+    /** Puts it in its place; without it nothing is left. Throws Failure. */
+    void finish();
+
+private:
+    struct State;
+    std::unique_ptr<State> m_state;
+};
 
 /** Throws Failure, as writeFile would, when the file cannot be written for another reason than a full disk. */
 void requireWritable(const std::string& file);

@@ -93,10 +93,12 @@ PictureFiles::PictureFiles(const std::string& pattern, const std::string& format
 
 void PictureFiles::expect(std::int64_t pictures) {
     m_pages.reset();
-    m_hasPages = pictures > 1 && !m_name.isNumbered() && m_format->encode == encodeTiff;
-    if (pictures > 1 && !m_name.isNumbered() && !m_hasPages && m_pattern != "-")
-        throw UsageError(inQuotes(toUtf8(m_pattern.c_str())) + " is one file, and " + numberText(pictures) +
-                         " pictures are wanted: put a %d into its name, or write a .tiff, which has pages");
+    m_hasPages = pictures != 1 && !m_name.isNumbered() && m_format->encode == encodeTiff;
+    if (pictures != 1 && !m_name.isNumbered() && !m_hasPages && m_pattern != "-")
+        throw UsageError(
+            inQuotes(toUtf8(m_pattern.c_str())) + " is one file, and " +
+            (pictures == 0 ? "several pictures may come" : numberText(pictures) + " pictures are wanted") +
+            ": put a %d into its name, or write a .tiff, which has pages");
 }
 
 bool PictureFiles::isRaw() const { return m_format->encode == encodeRaw; }

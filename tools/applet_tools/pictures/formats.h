@@ -77,8 +77,8 @@ public:
      *  `advice` is what to do where the name has no format. */
     PictureFiles(const std::string& pattern, const std::string& format, const std::string& advice);
 
-    /** From now on so many pictures come. A TIFF without a number in its name takes them as its pages; throws UsageError
-     *  for another one file, but not for "-", the standard output. */
+    /** From now on so many pictures come; 0: it is not known how many. A TIFF without a number in its name takes several as
+     *  its pages; throws UsageError for another one file, but not for "-", the standard output. */
     void expect(std::int64_t pictures);
 
     std::string name(std::int64_t number) const { return m_name.of(number); }

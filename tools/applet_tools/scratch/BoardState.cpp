@@ -156,8 +156,8 @@ void storeByLoad(Instance& instance, const Wanted& wanted) {
         const bool isWritten = value->is_number() && std::isfinite(value->get<double>());
         if (!isWritten || holds(instance, *parameter, *value)) continue;
         if (!state) state.emplace(stateOf(instance));
-        const auto* line = state->values().find(parameter->name);
-        if (line == nullptr) continue;
+        const auto line = state->values().find(parameter->name);
+        if (!line) continue;
         state.emplace(state->textWith(*line, parameter->name + "=" + value->dump() + ";\n"));
         isEdited = true;
     }

@@ -41,6 +41,7 @@ public:
     void begin(const std::string& line);
     void end();
 
+    bool hasSteps() const { return !m_steps.empty(); }
     /** Takes the last step back; nothing if there is none. */
     std::optional<Undone> undo();
 

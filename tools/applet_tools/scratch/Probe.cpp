@@ -1,5 +1,8 @@
 #include "applet_tools/scratch/Probe.h"
 
+#include "applet_tools/applet/ConfigurationFile.h"
+#include "applet_tools/applet/Effort.h"
+#include "applet_tools/applet/MemoryFile.h"
 #include "applet_tools/applet/hardware_values.h"
 #include "applet_tools/base/text.h"
 
@@ -70,6 +73,23 @@ std::optional<Grid> gridOf(const std::optional<Limits>& limits) {
     return Grid{limits->minimum, increment};
 }
 
+/** The parameters for which the last file that was loaded has something else than what is read: a load stores values that
+ *  no getter shows. */
+std::set<std::string, std::less<>> storedOtherwise(ScratchSession& session) {
+    std::set<std::string, std::less<>> names;
+    for (const std::string& text : session.instance().loads().texts) {
+        const ConfigurationFile file(text);
+        for (const auto& line : file.values()) {
+            const auto parameter = std::ranges::find(session.parameters().all(), line.key, &Parameter::name);
+            if (parameter == session.parameters().all().end()) continue;
+            const auto stored = valueInFile(*parameter, std::string(line.value));
+            if (!stored || readValue(session.instance(), {&*parameter}).value != *stored)
+                names.emplace(line.key);
+        }
+    }
+    return names;
+}
+
 } // namespace
 
 bool isNumber(const Value& value) {
@@ -111,6 +131,7 @@ void Probe::begin() {
     m_facts.clear();
     for (std::size_t place = 0; place < count(); ++place)
         m_facts.push_back(currentState(place));
+    m_storedOtherwise = storedOtherwise(m_session);
 }
 
 std::size_t Probe::placeOf(const Parameter& parameter) const {
@@ -149,13 +170,49 @@ bool Probe::tryChange(const Change& change, const std::function<void()>& look) {
 void Probe::restore() {
     if (m_depth > 0 || !m_isTouched) return;
     m_isTouched = false;
-    for (std::size_t place = 0; place < count(); ++place) {
+    if (isBack() || setBack()) return;
+    m_session.rewind();
+    begin();
+}
+
+bool Probe::isBack() const {
+    for (std::size_t place = 0; place < count(); ++place)
         // No text is tried, and a read of one takes long. One that moves with a number is back with it.
-        if (at(place).kind() == REGISTER_KIND_STRING || currentState(place) == m_facts[place]) continue;
-        m_session.rewind();
-        begin();
-        return;
+        if (at(place).kind() != REGISTER_KIND_STRING && currentState(place) != m_facts[place]) return false;
+    return true;
+}
+
+/** A load takes what a set would refuse. */
+void Probe::loadBack() {
+    Instance& instance = m_session.instance();
+    for (const std::string& text : instance.loads().texts) {
+        const MemoryFile file;
+        file.write(text);
+        ++effort().loads;
+        // Not a load of its own, which would replace the ones that are put back.
+        instance.applet().Fg_loadConfig(instance.fg(), file.configurationPath().c_str());
     }
+}
+
+bool Probe::setBack() {
+    loadBack();
+    constexpr int mostRounds = 3; // one value can block another
+    for (int round = 0; round < mostRounds; ++round) {
+        if (isBack()) return true;
+        bool isTaken = false;
+        for (std::size_t place = 0; place < count(); ++place) {
+            const ParameterState& was = m_facts[place];
+            if (at(place).kind() == REGISTER_KIND_STRING || was.error != FG_OK || !isNumber(was.value))
+                continue;
+            if (currentState(place).value == was.value) continue;
+            if (m_storedOtherwise.contains(at(place).name) || !at(place).effectOfWriting().empty())
+                return false;
+            isTaken |=
+                writeValue(m_session.instance(), {&at(place)}, requestFor(at(place), was.value)) == FG_OK;
+        }
+        if (!isTaken) return false;
+    }
+    return isBack();
 }
 
 std::vector<Value> Probe::otherValues(std::size_t place) const {

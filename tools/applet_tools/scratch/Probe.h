@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -82,6 +83,10 @@ public:
 private:
     /** The present state is the one of the probe. */
     void begin();
+    bool isBack() const;
+    /** Loads what was loaded, and sets what has moved to what it was; false if that does not bring back all. A fresh start takes much longer. */
+    bool setBack();
+    void loadBack();
     int write(const Target& target, const Value& value);
     std::vector<std::vector<Change>> changesFor(const std::vector<Wish>& wishes);
     /** The wishes of `asked`, by their numbers, that come true with the change. */
@@ -93,6 +98,8 @@ private:
 
     ScratchSession& m_session;
     std::vector<ParameterState> m_facts;
+    std::set<std::string, std::less<>>
+        m_storedOtherwise;    // after a load: what a set of the value read would store anew
     int m_depth = 0;          // of looks within looks
     bool m_isTouched = false; // something was written since the last way back
 };

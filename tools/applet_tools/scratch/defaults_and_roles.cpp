@@ -26,8 +26,8 @@ public:
     }
 
     const char* of(const std::string& name) {
-        const auto* line = m_state->values().find(name);
-        if (line == nullptr) return "none";
+        const auto line = m_state->values().find(name);
+        if (!line) return "none";
         m_file.write(m_state->textWith(*line, ""));
         ++effort().loads;
         const int code =
@@ -95,6 +95,25 @@ backgroundOf(LiveSession& live, const std::vector<const Parameter*>& parameters,
         known.fileRole = told.value("fileRole", "");
     }
     return defaultsAndRoles;
+}
+
+nlohmann::ordered_json changedSettings(LiveSession& live) {
+    std::vector<const Parameter*> parameters;
+    for (const Parameter& parameter : live.parameters().all())
+        if (parameter.effectOfReading().empty()) parameters.push_back(&parameter);
+    const auto known = backgroundOf(live, parameters, FileRoles::unasked);
+    nlohmann::ordered_json changed = nlohmann::ordered_json::object();
+    for (const Parameter* parameter : parameters) {
+        const Target target = wholeOf(*parameter);
+        const ReadResult reading = live.read(target);
+        if (reading.error != FG_OK || !reading.isMeasured ||
+            !known.at(parameter->name).isChanged(reading.value))
+            continue;
+        const bool isArray = elementCount(*parameter) > 0;
+        changed[parameter->name] =
+            valueAsJson({parameter}, isArray ? emptyValue({parameter}) : reading.value);
+    }
+    return changed;
 }
 
 std::string fileRoleInWords(const std::string& role) {

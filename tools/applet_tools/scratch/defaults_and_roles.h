@@ -29,6 +29,10 @@ enum class FileRoles { unasked, asked };
 std::map<std::string, DefaultAndRole>
 backgroundOf(LiveSession& live, const std::vector<const Parameter*>& parameters, FileRoles roles);
 
+/** The settings that hold something else than after a bring-up, as {NAME: VALUE}; of an array only the number of its
+ *  elements. */
+nlohmann::ordered_json changedSettings(LiveSession& live);
+
 /** "saved, and restored by a load". */
 std::string fileRoleInWords(const std::string& role);
 

@@ -38,7 +38,8 @@ void addRange(Probe& probe, const Subject& subject, const Value& wanted, Refusal
     const auto range = measuredRange(probe, subject.in(probe));
     probe.restore();
     if (!range) {
-        found.limit = "its setter refuses every value that was tried, the present one included";
+        found.limit = "as the other parameters are, its setter refuses every value that was tried, the "
+                      "present one included";
         return;
     }
     found.nearest = nearestIn(*range, wanted);
@@ -163,7 +164,7 @@ void startFrom(ScratchSession& session, const Words& assignments) {
     std::string problem;
     const auto explain = [&](const AssignmentResult& result) {
         if (result.code == FG_OK) return;
-        problem = refusalInWords(result.assignment, result.code);
+        problem = refusalInWords(result);
         session.keep();
         Probe probe(session);
         problem += suggestionFor(probe, result.assignment).words;

@@ -29,12 +29,11 @@ Grabber::Outcome Grabber::next(Ticks timeout, const std::function<bool()>& goesO
     LOOMdevice* device = m_instance.device();
     if (m_picture > 0) board.release(m_memory.get(), m_picture);
     const Ticks end = board.now(device) + timeout;
-    constexpr Ticks piece = ticksPerSecond / 20;
     std::int64_t last = VBOARD_TIMEOUT;
     while (last == VBOARD_TIMEOUT) {
         if (!goesOn()) return Outcome::interrupted;
         const Ticks now = board.now(device);
-        last = board.wait(device, m_picture + 1, std::min(piece, end - now));
+        last = board.wait(device, m_picture + 1, std::min(m_piece, end - now));
         if (last == VBOARD_TIMEOUT && board.now(device) >= end) return Outcome::timeout;
     }
     if (last < 0) throw Failure("the acquisition has ended: " + codeInWords(static_cast<int>(last)));

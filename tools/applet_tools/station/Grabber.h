@@ -22,6 +22,8 @@ public:
     Grabber& operator=(const Grabber&) = delete;
 
     enum class Outcome { arrived, timeout, interrupted };
+    /** How much time passes at most between two questions of next() whether to go on; a twentieth of a second at first. */
+    void setPiece(Ticks ticks) { m_piece = ticks; }
     /** Gives the last picture back, and lets time move to the arrival of the next one, by `timeout` at most. Asks
      *  `goesOn` now and then. Throws Failure when the acquisition has ended, or there is no room for the picture. */
     Outcome next(Ticks timeout, const std::function<bool()>& goesOn);
@@ -39,6 +41,7 @@ private:
 
     Instance& m_instance;
     std::unique_ptr<vboard_frames, FreeMemory> m_memory;
+    Ticks m_piece = ticksPerSecond / 20;
     std::int64_t m_picture = 0;
     vboard_record m_record{};
 };

@@ -13,6 +13,11 @@ std::string formatOf(const vboard_record& record) {
     return "BGR" + numberText(record.bits) + (record.bits % 8 == 0 ? "" : "p");
 }
 
+/** Of a component: "uint8", "uint16"; "uint10p" where they are packed. */
+std::string typeOf(const vboard_record& record) {
+    return "uint" + numberText(record.bits) + (record.bits % 8 == 0 ? "" : "p");
+}
+
 } // namespace
 
 nlohmann::ordered_json asJson(const vboard_record& record) {
@@ -33,11 +38,19 @@ nlohmann::ordered_json asJson(const vboard_record& record) {
             {"narrow", record.is_narrow}};
 }
 
-std::string writePicture(PictureFiles& files, const vboard_record& record) {
+std::string writePicture(PictureFiles& files, const vboard_record& record,
+                         const nlohmann::ordered_json& settings) {
     std::string file = files.write(viewOf(record), record.picture);
     std::error_code none; // a device or a pipe has no file beside it
-    if (files.isRaw() && std::filesystem::is_regular_file(file, none))
-        writeFile(file + ".json", asJson(record).dump(2) + '\n');
+    if (!files.isRaw() || !std::filesystem::is_regular_file(file, none)) return file;
+    nlohmann::ordered_json beside = asJson(record);
+    constexpr int components = 3;
+    beside["shape"] = {record.lines, record.width, components};
+    beside["type"] = typeOf(record);
+    beside["byteOrder"] = "little";
+    beside["order"] = "BGR";
+    beside["settings"] = settings;
+    writeFile(file + ".json", beside.dump(2) + '\n');
     return file;
 }
 

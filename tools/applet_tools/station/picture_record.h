@@ -13,9 +13,11 @@ namespace applet_tools {
 
 nlohmann::ordered_json asJson(const vboard_record& record);
 
-/** Writes the picture that was drawn; beside a raw file also its record, in a file with ".json" behind its name: raw bytes
- *  do not say what they are. Gives the name of the picture's file. Throws Failure. */
-std::string writePicture(PictureFiles& files, const vboard_record& record);
+/** Writes the picture that was drawn; beside a raw file also its record, in a file with ".json" behind its name, since raw
+ *  bytes do not say what they are: shape, type and order of its values, and the settings it was taken with. Gives the name
+ *  of the picture's file. Throws Failure. */
+std::string writePicture(PictureFiles& files, const vboard_record& record,
+                         const nlohmann::ordered_json& settings);
 
 } // namespace applet_tools
 

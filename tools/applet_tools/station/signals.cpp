@@ -40,6 +40,9 @@ constexpr LossKind kinds[] = {
      "camera triggers lost while a line was in transfer",
      "let the triggers come further apart (FG_LINEPERIODE, or the pulses of the line trigger), or make what "
      "each one starts shorter: a line by FG_CAMERASIMULATOR_WIDTH, a frame by FG_CAMERASIMULATOR_LINERATE"},
+    {"frames", VBOARD_STATUS_WAITS,
+     "waits of the DMA for a frame of the memory, with an image ready in the buffer",
+     "take the pictures sooner, or give the memory more frames"},
 };
 
 } // namespace

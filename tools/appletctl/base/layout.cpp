@@ -21,30 +21,32 @@ std::size_t secondColumn(std::string_view line) {
     return second == std::string_view::npos ? second : displayWidth(line.substr(0, second));
 }
 
-/** As far in as the longest word leaves room, but a little in any case. */
-std::size_t withRoomFor(std::string_view line, std::size_t indent, std::size_t width) {
+/** As far in as the longest word of the text leaves room, but a little in any case. */
+std::size_t withRoomFor(std::string_view text, std::size_t indent, std::size_t width) {
     constexpr std::size_t least = 2;
     std::size_t longest = 0;
-    for (const std::string& word : foldedLines(line.substr(line.find_first_not_of(' ')), 1))
+    for (const std::string& word : foldedLines(text, 1))
         longest = std::max(longest, displayWidth(word));
     return std::clamp(width - std::min(width, longest), std::min(least, indent), indent);
 }
 
-std::size_t hangingIndent(std::string_view line, std::size_t width) {
+/** Of what follows the first part of the line. */
+std::size_t hangingIndent(std::string_view line, std::string_view rest, std::size_t width) {
     const std::size_t second = secondColumn(line);
-    if (second != std::string_view::npos && second <= width / 2) return withRoomFor(line, second, width);
+    if (second != std::string_view::npos && second <= width / 2) return withRoomFor(rest, second, width);
     const std::size_t indent = line.find_first_not_of(' ') + 2;
-    return indent <= width / 2 ? withRoomFor(line, indent, width) : 0;
+    return indent <= width / 2 ? withRoomFor(rest, indent, width) : 0;
 }
 
 std::string wrappedLine(std::string_view line, std::size_t width) {
-    const std::size_t indent = hangingIndent(line, width);
     // The first line keeps its own beginning, so only the rest is folded in the narrower space.
     const std::string first = foldedLines(line, width).front();
     std::string text = first;
-    const std::size_t rest = line.find_first_not_of(' ', first.size());
-    if (rest == std::string_view::npos) return text;
-    for (const std::string& next : foldedLines(line.substr(rest), width - indent))
+    const std::size_t behind = line.find_first_not_of(' ', first.size());
+    if (behind == std::string_view::npos) return text;
+    const std::string_view rest = line.substr(behind);
+    const std::size_t indent = hangingIndent(line, rest, width);
+    for (const std::string& next : foldedLines(rest, width - indent))
         text += '\n' + std::string(indent, ' ') + next;
     return text;
 }

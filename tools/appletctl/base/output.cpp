@@ -88,6 +88,18 @@ Style Style::forStream(int fileDescriptor) {
 
 bool canDrawUnicode(int fileDescriptor) { return isCapableTerminal(fileDescriptor) && isUtf8Locale(); }
 
+ColourDepth colourDepth(int fileDescriptor) {
+    if (!Style::forStream(fileDescriptor).hasColour() || !isUtf8Locale()) return ColourDepth::none;
+    const auto variable = [](const char* name) {
+        const char* const text = std::getenv(name);
+        return std::string_view(text != nullptr ? text : "");
+    };
+    const std::string_view depth = variable("COLORTERM"), terminal = variable("TERM");
+    if (depth == "truecolor" || depth == "24bit" || terminal.ends_with("-direct"))
+        return ColourDepth::of24Bits;
+    return terminal.find("256color") != std::string_view::npos ? ColourDepth::of256 : ColourDepth::none;
+}
+
 std::string Style::painted(const char* attributes, const std::string& text) const {
     if (!m_colour) return text;
     return std::string("\033[") + attributes + "m" + text + "\033[0m";

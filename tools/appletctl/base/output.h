@@ -67,6 +67,7 @@ public:
     std::string heading(const std::string& text) const { return painted("1", text); }
     std::string faint(const std::string& text) const { return painted("2", text); }
     std::string alarm(const std::string& text) const { return painted("1;31", text); }
+    bool hasColour() const { return m_colour; }
 
 private:
     std::string painted(const char* attributes, const std::string& text) const;
@@ -79,6 +80,12 @@ bool isCapableTerminal(int fileDescriptor);
 
 /** True when box drawing and braille characters can be shown: on a terminal of a UTF-8 locale. */
 bool canDrawUnicode(int fileDescriptor);
+
+/** How many colours a picture on this stream can have. */
+enum class ColourDepth { none, of256, of24Bits };
+/** None where Style shows no colour, outside of a UTF-8 locale, or on a terminal that knows fewer than 256 (by TERM and
+ *  COLORTERM). */
+ColourDepth colourDepth(int fileDescriptor);
 
 /** The outcome of a command: text for the standard output, or the document instead of it; problems, one line
  *  each, for the error output. */

@@ -66,7 +66,8 @@ ExitCode LineSession::runLine(const std::string& text, const Options& options, c
     if (line.words.size() > 1 && first != "help" && !shellWordHelp(first).empty())
         return show(failureReport("usage", "'" + first + "' takes no words", exitUsage), first, options,
                     place);
-    if (first == "undo") return show(undo(), "undo", options, place);
+    if (first == "undo")
+        return show(withFailuresAsReports([&] { return undo(options); }), "undo", options, place);
     if (first != "help") return run(parseLine(line.words, options), options, text, place);
     if (line.words.size() == 1) return show(helpReport(shellHelp()), "help", options, place);
     Words words(line.words.begin() + 1, line.words.end());
@@ -105,7 +106,8 @@ ExitCode LineSession::run(const Request& request, const Options& options, const 
     return code;
 }
 
-Report LineSession::undo() {
+Report LineSession::undo(const Options& options) {
+    if (m_history.hasSteps()) requireAgreement(options, "undo");
     const std::optional<Undone> undone = m_history.undo();
     return undone ? reportOf(*undone) : failureReport("usage", "there is nothing to undo", exitUsage);
 }

@@ -30,7 +30,7 @@ public:
     std::vector<Candidate> complete(const std::string& text);
 
 private:
-    Report undo();
+    Report undo(const Options& options);
 
     Context& m_context;
     History m_history;

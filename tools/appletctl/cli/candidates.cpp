@@ -93,24 +93,47 @@ std::string nameAsTyped(const std::string& name, const std::string& begin) {
     return isShort ? name.substr(prefix.size()) : "";
 }
 
-Candidates namesOf(const ParameterList& parameters, const std::string& begin, const char* behind) {
+/** The first element, the last one and the range of all, as a `[` was typed behind the name of an array. */
+Candidates elementsOf(const ParameterList& parameters, const std::string& begin, const char* behind) {
+    const std::size_t bracket = begin.find('[');
+    const std::string name = begin.substr(0, bracket);
     Candidates found;
-    for (const Parameter& parameter : parameters.all())
-        if (const std::string name = nameAsTyped(parameter.name, begin); !name.empty())
-            found.push_back({name + behind, parameter.label()});
+    for (const Parameter& parameter : parameters.all()) {
+        const std::uint32_t count = elementCount(parameter);
+        const std::string typed = nameAsTyped(parameter.name, name);
+        if (count == 0 || typed.size() != name.size()) continue;
+        const std::string last = numberText(count - 1);
+        for (const std::string& elements : {std::string("0"), last, "0.." + last})
+            if (elements.starts_with(begin.substr(bracket + 1)))
+                found.push_back({typed + '[' + elements + ']' + behind, parameter.label()});
+    }
     return found;
 }
 
-/** Of NAME=VALUE: names, then the entries of an enumeration, or the ends of what a number accepts. */
+Candidates namesOf(const ParameterList& parameters, const std::string& begin, const char* behind) {
+    if (begin.find('[') != std::string::npos) return elementsOf(parameters, begin, behind);
+    Candidates found;
+    for (const Parameter& parameter : parameters.all())
+        if (const std::string name = nameAsTyped(parameter.name, begin); !name.empty())
+            found.push_back(
+                {name + (*behind != '\0' && elementCount(parameter) > 0 ? "[" : behind), parameter.label()});
+    return found;
+}
+
+/** Of NAME=VALUE: names, then the entries of an enumeration, by their labels if that is how the value begins, or the ends
+ *  of what a number accepts. */
 Candidates assignmentsOf(const ParameterList& parameters, const std::string& word) {
     const std::size_t equals = word.find('=');
     if (equals == std::string::npos) return namesOf(parameters, word, "=");
-    const Parameter& parameter = parameters.find(word.substr(0, equals));
+    const Parameter& parameter = *findTarget(parameters, word.substr(0, equals)).parameter;
     const std::string begin = word.substr(0, equals + 1), value = word.substr(equals + 1);
     Candidates found;
     for (const Entry& entry : entriesOf(parameter))
         if (lowerCase(entryName(entry)).starts_with(lowerCase(value)))
             found.push_back({begin + entryName(entry), entry.label});
+    for (const Entry& entry : entriesOf(parameter))
+        if (found.empty() && !value.empty() && lowerCase(entry.label).starts_with(lowerCase(value)))
+            found.push_back({begin + entry.label, entryName(entry)});
     const std::optional<Limits> limits = limitsOf(parameter);
     if (!found.empty() || !value.empty() || !limits || elementCount(parameter) != 0) return found;
     const std::string help = limitsText(parameter) + " " + parameter.unit();
@@ -185,6 +208,7 @@ Candidates comparedValues(const ParameterList& parameters, const Parameter& para
                           const std::string& value) {
     const std::string begin = parameter.name + "=";
     Candidates found = assignmentsOf(parameters, begin + value);
+    std::erase_if(found, [](const Candidate& one) { return one.text.find(' ') != std::string::npos; });
     for (Candidate& one : found)
         one.text.erase(0, begin.size());
     return found;
@@ -267,6 +291,7 @@ Candidates argumentsOf(const Command& command, int before, const std::string& wo
     const std::string_view kind = kindOf(command);
     const bool isBehindFile = kind == "FILE" && before > 0 && command.most < 0;
     Candidates files;
+    if (command.most >= 0 && before >= command.most) return files;
     if (before < command.mostFiles && *command.fileSuffix != '\0') files = filesOf(word, command.fileSuffix);
     if (isBehindFile || command.file == Command::File::readUnlessAssignment) {
         const Candidates assignments = assignmentsOf(parameters(), word);

@@ -100,13 +100,13 @@ std::string commandMissing(const CLI::App& program) {
 }
 
 /** The outcome of a command line that asks for help or cannot be understood. */
-Report endParsing(const CLI::App& program, const CLI::ParseError& error) {
+Report endParsing(const CLI::App& program, const CLI::ParseError& error, const Words& words) {
     const CLI::App& app = reached(program);
     const bool isHelp = dynamic_cast<const CLI::CallForHelp*>(&error) != nullptr;
     const std::vector<std::string> unknown = program.remaining(true);
     const bool isUnknown = isHelp && commandOf(app) == nullptr && !unknown.empty();
     if (isUnknown || (!isHelp && dynamic_cast<const CLI::CallForVersion*>(&error) == nullptr))
-        return failureReport("usage", usageError(program, app, error), exitUsage);
+        return failureReport("usage", usageError(program, app, error, words), exitUsage);
     Report report;
     report.text = isHelp ? helpText(helpPageOf(app)) : APPLETCTL_VERSION "\n";
     report.document["text"] = report.text;
@@ -149,7 +149,7 @@ Request comparison(Request request) {
         return parseCommandLine({"trace", "--help"}, request.options);
     } catch (const CLI::ParseError& error) {
         request.options.json |= std::ranges::find(words, "--json") != words.end();
-        return {request.options, nullptr, {}, endParsing(program, error), "trace diff"};
+        return {request.options, nullptr, {}, endParsing(program, error, words), "trace diff"};
     }
 }
 
@@ -201,7 +201,7 @@ Request parseCommandLine(const Words& words, const Options& options) {
         request.outcome = failureReport("usage", error.what(), exitUsage);
     } catch (const CLI::ParseError& error) {
         request.command = nullptr;
-        request.outcome = endParsing(program, error);
+        request.outcome = endParsing(program, error, words);
         if (request.outcome.exitCode == exitUsage) request.misused = reachedName(program);
         // The error does not say which options were read before it.
         request.options.json |= std::ranges::find(words, "--json") != words.end();

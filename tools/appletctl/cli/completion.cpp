@@ -41,7 +41,7 @@ _appletctl() {
         [[ $current == [\"\']* ]] || line=${line// /\\ }
         COMPREPLY+=("$line")
     done < <("${COMP_WORDS[0]}" __complete -- "${words[@]}" 2>/dev/null)
-    [[ ${#COMPREPLY[@]} -eq 1 && ${COMPREPLY[0]} == *[=/] ]] && compopt -o nospace
+    [[ ${#COMPREPLY[@]} -eq 1 && ${COMPREPLY[0]} == *[=/[] ]] && compopt -o nospace
 }
 complete -o bashdefault -o default -F _appletctl appletctl
 )"},
@@ -56,7 +56,7 @@ _appletctl() {
     done < <("${words[1]}" __complete -- "${(@)words[2,CURRENT]}" 2>/dev/null)
     if (( ${#texts} == 0 )); then
         _files
-    elif [[ ${texts[1]} == *[=/] ]]; then
+    elif [[ ${texts[1]} == *[=/[] ]]; then
         compadd -U -S '' -l -d shown -a texts
     else
         compadd -U -l -d shown -a texts

@@ -19,15 +19,15 @@
 #include <cerrno>
 #include <cstring>
 #include <exception>
+#include <functional>
 #include <iostream>
 #include <iterator>
 #include <optional>
 #include <system_error>
 
 namespace appletctl {
-namespace {
 
-template <typename CommandRun> Report withFailuresAsReports(CommandRun work) {
+Report withFailuresAsReports(const std::function<Report()>& work) {
     try {
         return work();
     } catch (const UsageError& error) {
@@ -44,6 +44,8 @@ template <typename CommandRun> Report withFailuresAsReports(CommandRun work) {
         return failureReport("internal", internalError(error), exitUnavailable);
     }
 }
+
+namespace {
 
 bool isOnSystem(const Options& options) { return options.board == BoardKind::system && !options.offline; }
 
@@ -67,7 +69,7 @@ bool setsSomething(const Request& request) {
 }
 
 /** Refuses what must not be written to the board, and asks where the user has to agree. */
-void requireAgreement(const Request& request) {
+void requireAllowed(const Request& request) {
     const Options& options = request.options;
     if (options.board == BoardKind::virtualBoard && !options.bridge.empty())
         throw UsageError(
@@ -75,20 +77,36 @@ void requireAgreement(const Request& request) {
     if (options.board == BoardKind::system && options.offline)
         throw UsageError(
             "--board system opens the board and --offline does without one: leave one of them out");
-    if (!isProtected(options) || !setsSomething(request)) return;
-    const std::string name = "'" + nameOf(request) + "'";
+    if (options.look && options.offline)
+        throw UsageError(
+            "--look opens a board to look at it and --offline does without one: leave one of them out");
+    if (options.bridge.find('/') != std::string::npos && access(options.bridge.c_str(), R_OK) != 0)
+        throw UsageError("--bridge: " + inQuotes(toUtf8(options.bridge.c_str())) +
+                         " is no library that can be opened: " + std::strerror(errno));
+    if (request.command->sets == Command::Sets::afterOwnQuestion && !options.look) return;
+    if (setsSomething(request)) requireAgreement(options, nameOf(request));
+}
+
+} // namespace
+
+void requireAgreement(const Options& options, const std::string& name) {
+    if (!isProtected(options)) return;
+    const std::string quoted = "'" + name + "'";
     if (options.look)
-        throw UsageError(name + " would write to the board, and --look only looks: leave --look out");
-    if (request.command->sets == Command::Sets::afterOwnQuestion || options.of<YesOption>().isGiven) return;
+        throw UsageError(quoted + " would write to the board, and --look only looks: leave --look out");
+    if (options.of<YesOption>().isGiven) return;
     if (isatty(STDIN_FILENO) == 0)
-        throw UsageError(name +
+        throw UsageError(quoted +
                          " writes to the board of the system, and there is no terminal to ask on: say --yes");
-    std::cerr << wrapped(name + " writes to the board of the system. Go on? [y/N]", lineWidth(STDERR_FILENO))
+    std::cerr << wrapped(quoted + " writes to the board of the system. Go on? [y/N]",
+                         lineWidth(STDERR_FILENO))
               << ' ' << std::flush;
     std::string answer;
     std::getline(std::cin, answer);
     if (answer != "y" && answer != "Y" && answer != "yes") throw Failure("nothing was set");
 }
+
+namespace {
 
 /** `isAssignmentWanted`: an assignment may be given instead of the file. */
 void requireReadable(const std::string& file, Context& context, bool isAssignmentWanted) {
@@ -184,7 +202,7 @@ private:
 };
 
 Report runCommand(const Request& request, Context& context, bool isOnlyCommand) {
-    requireAgreement(request);
+    requireAllowed(request);
     requireFiles(request, context);
     const bool isAnsweredByScratch = isProtected(request.options) && request.command->takesWithToScratch &&
                                      request.options.of<WithOption>().file.empty();

@@ -172,6 +172,8 @@ std::vector<HelpEntry> examplesOf(const CLI::App& app, const Command* command) {
 
 /** What the command does to a board that is no virtual one, besides the defaults that the start of the applet writes. */
 std::string effectOnBoard(const Command& command) {
+    if (command.kind == Command::Kind::session && command.sets == Command::Sets::always)
+        return "On a board of the system its steps set values, all after one question or with --yes.";
     if (command.kind != Command::Kind::plain)
         return "On a board of the system each of its commands does what it does alone.";
     switch (command.sets) {
@@ -361,12 +363,24 @@ Words misspelt(const std::string& word, const Words& choices) {
     return near;
 }
 
+/** The short name of the option where the words have that one. */
+std::string asTyped(const CLI::App& app, const std::string& option, const Words& words) {
+    const CLI::Option* found = app.get_option_no_throw(option);
+    if (found == nullptr) return option;
+    const auto has = [&](const std::string& name) {
+        return std::ranges::any_of(words, [&](const std::string& word) { return word.starts_with(name); });
+    };
+    for (const std::string& letter : found->get_snames())
+        if (has("-" + letter) && !has(option)) return "-" + letter;
+    return option;
+}
+
 /** What is wrong with the value of an option, in words of this program; empty for what is not known. The text is
  *  "--interval: Value 0 not in range 1 to 86400000" or the like. */
-std::string optionError(const CLI::ParseError& error) {
+std::string optionError(const CLI::App& app, const CLI::ParseError& error, const Words& words) {
     const std::string text = error.what();
     const std::size_t colon = text.find(':');
-    const std::string option = text.substr(0, colon);
+    const std::string option = asTyped(app, text.substr(0, colon), words);
     const std::string number = between(text, "Could not convert: ", " = ");
     if (!number.empty())
         return number + " takes a number, and " + inQuotedWord(text.substr(text.find(" = ") + 3)) +
@@ -394,7 +408,8 @@ std::string optionError(const CLI::ParseError& error) {
 
 } // namespace
 
-std::string usageError(const CLI::App& program, const CLI::App& app, const CLI::ParseError& error) {
+std::string usageError(const CLI::App& program, const CLI::App& app, const CLI::ParseError& error,
+                       const Words& words) {
     const std::vector<std::string> unknown = program.remaining(true);
     const std::string name = fullNameOf(app);
     if (!unknown.empty()) {
@@ -420,7 +435,7 @@ std::string usageError(const CLI::App& program, const CLI::App& app, const CLI::
                (command->argument != nullptr ? "no more words" : "no words") + ", and there is " +
                inQuotedWord(word) + seeHelp(name);
     }
-    std::string own = optionError(error);
+    std::string own = optionError(app, error, words);
     if (own.ends_with('?')) return own; // the answer is there
     return (own.empty() ? printable(error.what()) : own) + seeHelp(name);
 }

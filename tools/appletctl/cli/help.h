@@ -31,7 +31,8 @@ std::string shellWordHelp(const std::string& word);
 std::string commandSuggestion(const CommandGroup* group, const std::string& word);
 
 /** What is wrong with the words that CLI11 could not take. `app` is the command that they were for. */
-std::string usageError(const CLI::App& program, const CLI::App& app, const CLI::ParseError& error);
+std::string usageError(const CLI::App& program, const CLI::App& app, const CLI::ParseError& error,
+                       const Words& words);
 
 /** Throws UsageError when there are fewer or more words than the command takes. */
 void checkWordCount(const Command& command, const Words& words);

@@ -2,6 +2,7 @@
 
 #include "applet_tools/base/Interruption.h"
 #include "applet_tools/pictures/formats.h"
+#include "applet_tools/scratch/defaults_and_roles.h"
 #include "applet_tools/station/missing_picture.h"
 #include "applet_tools/station/picture_record.h"
 #include "applet_tools/station/waves.h"
@@ -74,6 +75,8 @@ std::string takePictures(ScenarioRunner& station, GrabWords& words, Grabber& gra
     StationState& state = station.stationState();
     state.pictures.clear();
     state.lastBytes.clear();
+    const bool isRaw = words.files && words.files->isRaw();
+    const nlohmann::ordered_json settings = isRaw ? changedSettings(station.context()) : nullptr;
     while (static_cast<std::int64_t>(state.pictures.size()) < words.pictures) {
         const std::int64_t lines = sourceLines(station.instance());
         const Ticks from = station.board().now(station.instance().device());
@@ -89,7 +92,7 @@ std::string takePictures(ScenarioRunner& station, GrabWords& words, Grabber& gra
                                  .wave = "a wave by the step 'wave'"});
         grabber.draw();
         const vboard_record& record = grabber.record();
-        if (words.files) writePicture(*words.files, record);
+        if (words.files) writePicture(*words.files, record, settings);
         state.lastBytes.assign(record.data, record.data + record.size);
         state.pictures.push_back(record);
         state.pictures.back().data = nullptr; // gone with the next picture

@@ -49,8 +49,9 @@ void add(Report& report, const AssignmentResult& result, const AssignmentAdditio
         if (additions.after) report.text += additions.after(assignment, row);
     } else {
         const std::string name = assignment.target.name();
-        std::string refusal = refusalInWords(assignment, result.code);
-        if (additions.suggestion) refusal += additions.suggestion(assignment, result.code, row);
+        std::string refusal = refusalInWords(result);
+        if (additions.suggestion && result.reason.empty())
+            refusal += additions.suggestion(assignment, result.code, row);
         if (hasWrites) report.text += forPerson(name + ", written before it was refused\n") + writes;
         row["error"]["message"] = refusal;
         report.problems.push_back(std::move(refusal));

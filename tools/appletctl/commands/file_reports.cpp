@@ -4,6 +4,8 @@
 
 #include <unistd.h>
 
+#include <algorithm>
+
 namespace appletctl {
 
 void addDifferences(Report& report, const std::vector<Side>& sides,
@@ -37,6 +39,8 @@ void addDifferences(Report& report, const std::vector<Side>& sides,
 
 void addFindings(Report& report, const std::vector<Finding>& findings) {
     report.document["findings"] = asJson(findings);
+    if (const auto left = std::ranges::count(findings, false, &Finding::isExamined); left > 0)
+        report.document["notExamined"] = left;
     for (const Finding& finding : findings) {
         if (!finding.isLoss) {
             report.text +=

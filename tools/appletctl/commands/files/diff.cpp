@@ -30,11 +30,9 @@ Report compareConfigurations(Context& context, const Words& words) {
         throw UsageError("two files are compared with each other: no assignments, and no third file; with "
                          "--live compares them with the parameters");
     if (isWithLive) requireBoard(context.options(), "diff");
-    const ConfigurationFile a = ConfigurationFile::read(first);
-    std::vector<Side> sides{{titleOf(first), "first", &a, true}};
-    std::optional<ConfigurationFile> b, now;
-    if (areTwoFiles)
-        sides.push_back({titleOf(words[1]), "second", &b.emplace(ConfigurationFile::read(words[1])), true});
+    std::vector<Side> sides{{titleOf(first), "first", nullptr, first}};
+    std::optional<ConfigurationFile> now;
+    if (areTwoFiles) sides.push_back({titleOf(words[1]), "second", nullptr, words[1]});
     Report report;
     if (isWithLive) {
         CommandRun work(context, assignments);

@@ -3,6 +3,7 @@
 #include "applet_tools/applet/MemoryFile.h"
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"
+#include "appletctl/base/layout.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/HelpPage.h"
 #include "appletctl/commands/files/documented.h"
@@ -52,7 +53,8 @@ std::string terms(const std::vector<HelpEntry>& entries) {
 std::string manualOfCommand(const Command& command, const HelpPage& page) {
     std::string text = "## " + plain(fullName(command)) + "\n\n*" + plain(page.usage) + "*\n\n" +
                        plain(page.description) + "\n\n" + terms(page.words) + terms(page.options);
-    if (!page.details.empty()) text += "```\n" + page.details + "```\n\n";
+    constexpr std::size_t literalWidth = 66; // of 80 columns, indented as the pages are
+    if (!page.details.empty()) text += "```\n" + wrapped(page.details, literalWidth) + "```\n\n";
     if (command.sets != Command::Sets::nothing) text += plain(page.effect) + "\n\n";
     return text;
 }

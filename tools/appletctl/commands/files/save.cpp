@@ -26,7 +26,7 @@ Report saveConfiguration(Context& context, const Words& words) {
     const std::vector<Difference> changes = askDifferences(scratch, sides);
     addDifferences(work.report, sides, changes);
     if (changes.empty()) work.report.text += forPerson("All of them are defaults.\n");
-    const LoadCheck check = askCheck(scratch, file);
+    const LoadCheck check = askCheck(scratch, file, saved);
     if (!check.losesNothing())
         work.refuse(shownFile(file) + " is complete, but a load does not restore all of it:");
     addFindings(work.report, check.findings);

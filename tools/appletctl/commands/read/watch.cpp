@@ -18,6 +18,7 @@
 #include <cmath>
 #include <cstdio>
 #include <deque>
+#include <functional>
 #include <limits>
 #include <optional>
 #include <type_traits>
@@ -166,7 +167,8 @@ std::string alarmText(const Round& round, const Style& style) {
     return "  " + style.alarm(text) + '\n';
 }
 
-std::string asTable(const Round& round, bool wantsRates) {
+/** Of the first so many parameters. */
+Table tableOf(const Round& round, std::size_t shown, bool wantsRates) {
     const bool unicode = canDrawUnicode(STDOUT_FILENO);
     Table table;
     Words titles{"NAME", "VALUE", "UNIT", "MINIMUM", "MAXIMUM"};
@@ -174,7 +176,8 @@ std::string asTable(const Round& round, bool wantsRates) {
     titles.emplace_back("COURSE");
     table.setTitles(std::move(titles));
     table.setDispensable({"COURSE", "MINIMUM", "MAXIMUM", "PER SECOND", "UNIT"});
-    for (const Watched& watched : round.watched) {
+    for (std::size_t i = 0; i < shown; ++i) {
+        const Watched& watched = round.watched[i];
         const Parameter& parameter = *watched.target.parameter;
         const auto cell = [&](const std::optional<Value>& value) {
             return value ? valueText(parameter, *value) : "-";
@@ -186,20 +189,37 @@ std::string asTable(const Round& round, bool wantsRates) {
         cells.push_back(sparkline(watched.course, unicode));
         table.addRow(std::move(cells));
     }
+    return table;
+}
+
+/** As many parameters as the lines have room for, and how many are left out. */
+std::string asTable(const Round& round, bool wantsRates, int lines) {
     const Style style = Style::forStream(STDOUT_FILENO);
-    return table.render(style) + alarmText(round, style) +
-           style.faint("  round " + numberText(round.number) + ", " + secondsText(round) + " s") + '\n';
+    const std::string end =
+        alarmText(round, style) +
+        style.faint("  round " + numberText(round.number) + ", " + secondsText(round) + " s") + '\n';
+    const std::size_t count = round.watched.size();
+    for (std::size_t shown = std::min(count, static_cast<std::size_t>(lines));; --shown) {
+        std::string text = tableOf(round, shown, wantsRates).render(style);
+        if (shown < count)
+            text += style.faint("  (" + numberText(count - shown) + " of " + numberText(count) +
+                                " parameters are not shown: too few lines)") +
+                    '\n';
+        text += end;
+        if (shown == 0 || std::ranges::count(text, '\n') <= lines) return text;
+    }
 }
 
 /** Draws a text over the one that it drew before. */
 class Screen {
 public:
-    /** The control sequences and as many lines as the terminal has room for. */
-    std::string redraw(const std::string& text) {
+    /** The control sequences and as many lines as the terminal has room for, of a text for that number of lines. */
+    std::string redraw(const std::function<std::string(int lines)>& textFor) {
         const std::string back = m_lines == 0 ? "" : "\033[" + numberText(m_lines) + "A\r\033[J";
+        const int most = room();
+        const std::string text = textFor(most);
         std::size_t end = 0;
-        m_lines = 0;
-        for (const int most = room(); m_lines < most && end < text.size(); ++m_lines)
+        for (m_lines = 0; m_lines < most && end < text.size(); ++m_lines)
             end = text.find('\n', end) + 1;
         // Without wrapping, so that each line takes one row.
         return back + "\033[?7l" + text.substr(0, end) + "\033[?7h";
@@ -370,8 +390,8 @@ private:
         if (m_options.quiet && !m_options.json) return "";
         if (m_form == Form::document) return asDocument(m_round, m_own.wantsRates, m_options.look);
         const std::string bell = m_round.isAlarm && isatty(STDOUT_FILENO) == 1 ? "\a" : "";
-        return bell + (m_form == Form::table ? m_screen.redraw(asTable(m_round, m_own.wantsRates))
-                                             : asLine(m_round, m_own.wantsRates));
+        if (m_form != Form::table) return bell + asLine(m_round, m_own.wantsRates);
+        return bell + m_screen.redraw([&](int lines) { return asTable(m_round, m_own.wantsRates, lines); });
     }
 
     /** A reader that has gone, or a signal, is no failure. */

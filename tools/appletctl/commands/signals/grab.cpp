@@ -4,34 +4,46 @@
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"
 #include "applet_tools/pictures/formats.h"
+#include "applet_tools/pictures/statistics.h"
+#include "applet_tools/scratch/defaults_and_roles.h"
+#include "applet_tools/station/EventLog.h"
 #include "applet_tools/station/Grabber.h"
 #include "applet_tools/station/missing_picture.h"
 #include "applet_tools/station/picture_record.h"
 #include "applet_tools/station/signals.h"
 #include "appletctl/base/Progress.h"
+#include "appletctl/base/layout.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/CommandRun.h"
 #include "appletctl/commands/signals/wave_option.h"
+#include "appletctl/draw/preview.h"
 
 #include <CLI/CLI.hpp>
 
 #include <unistd.h>
 
+#include <cmath>
 #include <optional>
 
 namespace appletctl {
 namespace {
 
 constexpr std::int64_t mostPictures = 100'000'000;
+constexpr std::int64_t mostLines = 1'000'000'000'000;
 
 struct GrabOptions {
-    std::optional<std::string> file; /**< -o; "-": the standard output */
-    std::string format;              /**< --format; empty: that of the file's name */
-    bool wantsHash = false;          /**< --hash */
-    bool isStrict = false;           /**< --strict: a loss is a failure */
-    std::string timeout = "10s";     /**< --timeout: simulated time to wait for each picture */
-    std::size_t frames = 4;          /**< --frames: of the memory */
-    std::int64_t every = 1;          /**< --every: one of so many pictures is taken */
+    std::optional<std::string> file;   /**< -o; "-": the standard output */
+    std::string format;                /**< --format; empty: that of the file's name */
+    bool wantsHash = false;            /**< --hash */
+    bool isStrict = false;             /**< --strict: a loss is a failure */
+    std::string timeout = "10s";       /**< --timeout: simulated time to wait for each picture */
+    std::size_t frames = 4;            /**< --frames: of the memory */
+    std::int64_t every = 1;            /**< --every: one of so many pictures is taken */
+    std::optional<std::int64_t> lines; /**< --lines: pictures are taken until they have so many */
+    std::optional<std::string> events; /**< --events: file of events; "-": the standard output */
+    bool wantsStatistics = false;      /**< --stats */
+    bool wantsPreview = false;         /**< --preview */
+    bool wantsLosses = false;          /**< --losses: also the kinds of which there was none */
 };
 
 void addGrabOptions(CLI::App& command, Options& options) {
@@ -57,22 +69,45 @@ void addGrabOptions(CLI::App& command, Options& options) {
                     "Take one of every K pictures: those with the numbers K, 2K, 3K, ...")
         ->type_name("K")
         ->check(CLI::Range(std::int64_t{1}, mostPictures));
+    command
+        .add_option(
+            "--lines", own.lines,
+            "Take pictures, as many as it needs, until they have N lines together; the last one is taken "
+            "whole")
+        ->type_name("N")
+        ->check(CLI::Range(std::int64_t{1}, mostLines));
+    command.add_flag(
+        "--stats", own.wantsStatistics,
+        "Show minimum, mean, maximum and the clipped share of each colour, of each picture and of all");
+    command.add_flag(
+        "--preview", own.wantsPreview,
+        "Draw each picture in the terminal: as half blocks where it has 256 colours or more, else as "
+        "characters");
+    command
+        .add_option(
+            "--events", own.events,
+            "File to write with the events of the station, a line of JSON each; - for the standard output")
+        ->type_name("FILE");
+    command.add_flag("--losses", own.wantsLosses,
+                     "Show each kind of loss and what would help, also those that did not come");
     addWaves(command, options);
 }
 
 /** The words: a number of pictures, then assignments. */
 struct Wanted {
     std::int64_t pictures = 1;
+    bool isDefault = true; /**< no number was given */
     Words assignments;
 };
 
 Wanted wantedFrom(const Words& words) {
-    Wanted wanted{1, words};
+    Wanted wanted{1, true, words};
     if (words.empty() || words.front().find('=') != std::string::npos) return wanted;
     const auto number = wholeNumber<std::int64_t>(words.front());
     if (!number || *number < 1 || *number > mostPictures)
         throw UsageError(inQuotedWord(words.front()) + " is no number of pictures: 1 to 100000000");
     wanted.pictures = *number;
+    wanted.isDefault = false;
     wanted.assignments = behindFirst(words);
     return wanted;
 }
@@ -98,17 +133,15 @@ public:
         if (m_own.file && m_file.empty()) throw UsageError("the name of the file is empty");
         if (!m_own.format.empty() && m_file.empty())
             throw UsageError("--format says how -o writes, and there is no -o");
-        if (isToOutput() && context.options().json)
-            throw UsageError(
-                "-o - writes pictures to the standard output, and --json a document: leave one out");
-        if (isToOutput() && m_own.wantsHash)
-            throw UsageError("-o - writes pictures to the standard output, and --hash digests: leave one "
-                             "out, or write files");
+        if (m_own.events && m_own.events->empty()) throw UsageError("the name of the file is empty");
+        requireOneOutput();
         if (isToOutput())
             m_files.emplace("-", m_own.format.empty() ? "raw" : m_own.format, "");
         else if (!m_file.empty())
             m_files.emplace(m_file, m_own.format, "say the format with --format");
-        if (m_files) m_files->expect(m_wanted.pictures);
+        if (m_own.lines && !m_wanted.isDefault)
+            throw UsageError("--lines takes as many pictures as it needs: leave the number of pictures out");
+        if (m_files) m_files->expect(m_own.lines ? 0 : m_wanted.pictures);
         requireStation(context.instance(), "'grab'");
     }
 
@@ -120,44 +153,111 @@ public:
         m_report->document["pictures"] = nlohmann::ordered_json::array();
         m_table.setTitles({"PICTURE", "TICK", "TIME", "WIDTH", "LINES", "FLAGS", "FILE"});
         m_table.setDispensable({"TICK", "TIME"});
+        m_statisticsTable.setTitles({"PICTURE", "COLOUR", "MINIMUM", "MEAN", "MAXIMUM", "CLIPPED"});
+        if (m_files && m_files->isRaw() && !isToOutput()) m_settings = changedSettings(m_context);
         for (const WaveRequest& wave : m_waves)
             connectWave(work.instance, wave);
         const std::vector<std::int64_t> before = lossesOf(work.instance);
+        if (m_own.events) m_events.emplace(work.instance);
+        if (m_own.events && *m_own.events != "-") m_eventFile.emplace(*m_own.events);
         grabAll(work);
         writePages();
+        finishEvents(work);
         finish(work, before);
         return std::move(work.report);
     }
 
 private:
     bool isToOutput() const { return m_file == "-"; }
+    bool areEventsToOutput() const { return m_own.events == "-"; }
+    bool isQuietOutput() const { return m_own.wantsHash || isToOutput() || areEventsToOutput(); }
+
+    /** What fills the standard output goes with nothing else that is written there. */
+    void requireOneOutput() const {
+        struct Output {
+            bool isWanted;
+            const char *option, *content;
+            bool isWhole = true; /**< it is read by a program */
+        };
+        const bool isJson = m_context.options().json;
+        const Output outputs[] = {{isToOutput(), "-o -", "pictures"},
+                                  {areEventsToOutput(), "--events -", "events"},
+                                  {isJson, "--json", "a document"},
+                                  {m_own.wantsHash && !isJson, "--hash", "digests"},
+                                  {m_own.wantsStatistics && !isJson, "--stats", "a table", false},
+                                  {m_own.wantsLosses && !isJson, "--losses", "a table", false},
+                                  {m_own.wantsPreview, "--preview", "a drawing", false}};
+        const Output* first = nullptr;
+        for (const Output& output : outputs) {
+            if (!output.isWanted) continue;
+            if (first != nullptr && first->isWhole)
+                throw UsageError(std::string(first->option) + " writes " + first->content +
+                                 " to the standard output, and " + output.option + " " + output.content +
+                                 ": leave one out");
+            first = &output;
+        }
+    }
+
+    bool isEnough(std::int64_t number) const {
+        return m_own.lines ? m_lines >= *m_own.lines : number > m_wanted.pictures * m_own.every;
+    }
+
+    std::string progress(std::int64_t number) const {
+        return m_own.lines ? numberText(m_lines) + " of " + numberText(*m_own.lines) + " lines"
+                           : numberText(number) + " of " + numberText(m_wanted.pictures * m_own.every);
+    }
 
     void grabAll(CommandRun& work) {
         Grabber grabber(work.instance, m_own.frames);
-        for (std::int64_t number = 1; number <= m_wanted.pictures * m_own.every; ++number) {
+        if (m_events) grabber.setPiece(EventLog::longestPause);
+        for (std::int64_t number = 1; !isEnough(number); ++number) {
+            m_number = number;
             const std::int64_t lines = sourceLines(work.instance);
             const Ticks from = work.instance.board().now(work.instance.device());
-            m_progress.setDetail(numberText(number) + " of " + numberText(m_wanted.pictures * m_own.every));
+            m_progress.setDetail(progress(number));
             const Grabber::Outcome outcome = grabber.next(m_timeout, [this] { return goesOn(); });
+            if (!writeEvents()) return;
             if (outcome == Grabber::Outcome::interrupted) {
-                m_report->exitCode = exitInterrupted;
+                if (!m_isOutputClosed) m_report->exitCode = exitInterrupted;
                 return;
             }
             if (outcome == Grabber::Outcome::timeout) {
-                work.refuse("picture " + numberText(number) + " did not come within " +
-                            durationText(m_timeout) + ": " +
-                            whyNoPicture(work.instance, work.parameters,
-                                         {.lines = sourceLines(work.instance) - lines,
-                                          .from = from,
-                                          .longer = "give a longer --timeout",
-                                          .wave = "a --wave"}));
+                fail(work, "picture " + numberText(number) + " did not come within " +
+                               durationText(m_timeout) + ": " +
+                               whyNoPicture(work.instance, work.parameters,
+                                            {.lines = sourceLines(work.instance) - lines,
+                                             .from = from,
+                                             .longer = "give a longer --timeout",
+                                             .wave = "a --wave"}));
                 return;
             }
             if (number % m_own.every == 0 && !take(grabber)) return;
         }
     }
 
+    /** False when the standard output takes no more. */
+    bool writeEvents() {
+        if (!m_events) return true;
+        const std::string lines = m_events->take(m_number);
+        if (m_eventFile)
+            m_eventFile->add(lines);
+        else
+            m_isOutputClosed = !writeAll(STDOUT_FILENO, lines);
+        return !m_isOutputClosed;
+    }
+
+    void finishEvents(CommandRun& work) {
+        if (!m_events) return;
+        if (m_eventFile) {
+            m_eventFile->finish();
+            m_report->document["events"] = toUtf8(m_own.events->c_str());
+        }
+        if (const std::int64_t lost = m_events->lost(); lost > 0)
+            fail(work, numberText(lost) + " events are missing: more came at a time than the board keeps");
+    }
+
     bool goesOn() {
+        if (!writeEvents()) return false;
         const auto now = Interruption::Clock::now();
         if (m_progress.interval().count() >= 0 && now - m_lastUpdate >= m_progress.interval()) {
             m_progress.update();
@@ -168,17 +268,21 @@ private:
 
     /** False when the standard output takes no more. */
     bool take(Grabber& grabber) {
-        const PictureView picture = m_files || m_own.wantsHash ? grabber.draw() : PictureView();
+        const bool isDrawn = m_files || m_own.wantsHash || m_own.wantsStatistics || m_own.wantsPreview;
+        const PictureView picture = isDrawn ? grabber.draw() : PictureView();
         const vboard_record& record = grabber.record();
+        m_lines += record.lines;
         if (isToOutput()) return writeAll(STDOUT_FILENO, m_files->encode(picture));
-        const std::string file = m_files ? writePicture(*m_files, record) : "";
+        const std::string file = m_files ? writePicture(*m_files, record, m_settings) : "";
         const std::string digest = m_own.wantsHash ? sha256Of(picture) : "";
         if (m_context.options().json) {
             auto& row = m_report->document["pictures"].emplace_back(asJson(record));
             if (!digest.empty()) row["sha256"] = digest;
             if (!file.empty()) row["file"] = toUtf8(file.c_str());
+            if (m_own.wantsStatistics) row["statistics"] = asJson(statistics(record, picture));
             return true;
         }
+        if (m_own.wantsStatistics) statistics(record, picture);
         const std::string shown = printable(toUtf8(file.c_str()));
         m_isTableFilled = true;
         if (!digest.empty())
@@ -187,7 +291,32 @@ private:
             m_table.addRow({numberText(record.picture), numberText(record.arrival),
                             durationText(record.arrival), numberText(record.width), numberText(record.lines),
                             flagsOf(record), file.empty() ? "-" : shown});
-        return true;
+        return !m_own.wantsPreview || drawPreview(picture);
+    }
+
+    /** At once: with many pictures nothing of it is kept. False when the standard output takes no more. */
+    bool drawPreview(const PictureView& picture) {
+        if (m_context.options().quiet || isPlainOutput()) return true;
+        constexpr std::size_t usualWidth = 80;
+        const std::size_t columns = outputWidth() == unlimitedWidth ? usualWidth : outputWidth();
+        return writeOut(previewOf(picture, colourDepth(STDOUT_FILENO), columns));
+    }
+
+    PictureStatistics statistics(const vboard_record& record, const PictureView& picture) {
+        const PictureStatistics its = statisticsOf(picture);
+        m_statistics.add(its);
+        addRows(numberText(record.picture), its);
+        return its;
+    }
+
+    void addRows(const std::string& name, const PictureStatistics& statistics) {
+        const auto rounded = [](double number) { return numberText(std::round(number * 100) / 100); };
+        for (std::size_t i = 0; i < statistics.colours.size(); ++i) {
+            const ColourStatistics& colour = statistics.colours[i];
+            m_statisticsTable.addRow({name, PictureStatistics::names[i], numberText(colour.minimum),
+                                      rounded(colour.mean()), numberText(colour.maximum),
+                                      rounded(100 * colour.clippedShare()) + " %"});
+        }
     }
 
     /** Also when only some of them came. */
@@ -199,28 +328,53 @@ private:
     }
 
     void finish(CommandRun& work, const std::vector<std::int64_t>& before) {
-        const std::vector<std::int64_t> after = lossesOf(work.instance);
-        if (m_own.wantsHash || isToOutput())
+        if (isQuietOutput())
             m_report->text = m_hashes; // nothing else: it is compared as a whole
         else if (m_isTableFilled)
             m_report->text += m_table.render(Style::forStream(STDOUT_FILENO));
-        m_report->isVerbatim = m_own.wantsHash || isToOutput();
+        if (m_own.lines && m_isTableFilled && !isQuietOutput())
+            m_report->text += lineOf({"lines", numberText(m_lines)}, numberText(m_lines) + " lines.");
+        m_report->isVerbatim = isQuietOutput();
+        m_report->document["lines"] = m_lines;
+        if (m_own.wantsStatistics) finishStatistics();
+        finishLosses(work, before);
+        m_report->document["tick"] = work.instance.board().now(work.instance.device());
+    }
+
+    void finishStatistics() {
+        m_report->document["statistics"] = asJson(m_statistics);
+        if (!m_isTableFilled) return;
+        addRows("all", m_statistics);
+        m_report->text += '\n' + m_statisticsTable.render(Style::forStream(STDOUT_FILENO));
+    }
+
+    void finishLosses(CommandRun& work, const std::vector<std::int64_t>& before) {
+        const std::vector<std::int64_t> after = lossesOf(work.instance);
         auto& losses = m_report->document["losses"] = nlohmann::ordered_json::object();
+        Table table;
+        table.setTitles({"LOST", "TIMES", "WHAT IT IS", "WHAT HELPS"});
         for (std::size_t i = 0; i < after.size(); ++i) {
             const LossKind& kind = lossKinds()[i];
             const std::int64_t count = after[i] - before[i];
             losses[kind.name] = count;
+            table.addRow({kind.name, numberText(count), kind.what, kind.cure});
             if (count > 0) addLoss(work, kind, count);
         }
-        m_report->document["tick"] = work.instance.board().now(work.instance.device());
+        if (m_own.wantsLosses && !m_report->isVerbatim)
+            m_report->text += '\n' + table.render(Style::forStream(STDOUT_FILENO));
     }
 
     void addLoss(CommandRun& work, const LossKind& kind, std::int64_t count) {
         const std::string words = std::string(kind.what) + ": " + numberText(count) + "; " + kind.cure;
         if (m_own.isStrict)
-            work.refuse(words);
-        else if (!m_report->isVerbatim)
+            fail(work, words);
+        else if (!m_report->isVerbatim && !m_own.wantsLosses)
             m_report->text += lineOf({"lost", kind.name, numberText(count)}, words + ".");
+    }
+
+    static void fail(CommandRun& work, const std::string& words) {
+        work.refuse(words);
+        work.report.document["error"] = {{"kind", "failure"}, {"message", join(work.report.problems, "; ")}};
     }
 
     Context& m_context;
@@ -237,6 +391,14 @@ private:
     Table m_table;
     bool m_isTableFilled = false;
     std::string m_hashes;
+    std::int64_t m_number = 0; // of the picture that is waited for
+    std::int64_t m_lines = 0;  // of the pictures that were taken
+    nlohmann::ordered_json m_settings;
+    bool m_isOutputClosed = false; // by the reader of the events
+    std::optional<EventLog> m_events;
+    std::optional<OutputFile> m_eventFile;
+    PictureStatistics m_statistics; // of all pictures
+    Table m_statisticsTable;
 };
 
 Report grabPictures(Context& context, const Words& words) {
@@ -245,8 +407,9 @@ Report grabPictures(Context& context, const Words& words) {
 }
 
 std::string grabNotes() {
-    return std::string("Waves at inputs:\n  ") + waveForms +
-           "\n  Times have a unit: ns, us, ms, s or ticks (8 ns). Speeds are quarter steps a second.\n";
+    constexpr std::size_t width = 70; // in the manual as well
+    return "Waves at inputs:\n  " + join(foldedLines(waveForms, width), "\n  ") +
+           "\n  Times have a unit: ns, us, ms, s or ticks (8 ns).\n  Speeds are quarter steps a second.\n";
 }
 
 } // namespace
@@ -259,9 +422,11 @@ const Command grabCommand = {
     .argumentHelp = "Number of pictures, 1 if not given, then assignments to carry out before",
     .examples = {{"grab -o chart.png FG_CAMERASIMULATOR_ENABLE=FG_CAMERASIMULATOR",
                   "a picture of the test pattern"},
-                 {"grab 3 -o 'img-%d.tiff' --from line.mcf", "three, with the settings of a file"},
                  {"grab --hash --from line.mcf", "a line for a test to compare"},
-                 {"grab --wave GPI_1=square:100us --from line.mcf", "with pulses at an input"}},
+                 {"grab --lines 5000 --stats -o run.tiff --from line.mcf",
+                  "until 5000 lines have come, with the settings of a file"},
+                 {"grab --preview --wave GPI_1=square:100us --from line.mcf",
+                  "drawn in the terminal, with pulses at an input"}},
     .most = -1,
     .run = grabPictures,
     .scratch = Context::Scratch::wanted,

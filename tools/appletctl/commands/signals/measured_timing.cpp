@@ -12,16 +12,18 @@
 namespace appletctl {
 namespace {
 
-/** To a thousandth of a tick: a mean has more digits than are known. */
 std::string shown(std::optional<double> value, const std::string& unit) {
-    if (!value) return "-";
-    const double rounded = std::round(*value * 1e5) / 1e5;
-    return numberText(rounded == 0 ? 0.0 : rounded) + " " + unit; // never -0
+    return value ? numberText(*value) + " " + unit : "-";
 }
 
+/** Nothing beyond the last digit that is shown of the two. */
 std::optional<double> differenceOf(const MeasuredRow& row) {
     if (!row.computed || !row.measured) return std::nullopt;
-    return *row.measured - *row.computed;
+    constexpr int shownDigits = 12;
+    const double largest = std::max(std::fabs(*row.computed), std::fabs(*row.measured));
+    if (largest == 0) return 0;
+    const double last = std::pow(10, std::floor(std::log10(largest)) - (shownDigits - 1));
+    return std::round((*row.measured - *row.computed) / last) * last + 0.0; // never -0
 }
 
 std::string tableOf(const MeasuredTiming& timing) {
@@ -88,6 +90,23 @@ Ticks shownPeriod(const MeasuredTiming& timing) {
     return ticksPerSecond / 1000;
 }
 
+/** 1, 2 or 5 times a power of ten, so that 5 to 12 of them fill the time. */
+double roundPart(double time) {
+    constexpr double most = 12;
+    const double small = std::pow(10, std::floor(std::log10(time)) - 1);
+    for (const double factor : {1, 2, 5})
+        if (time <= most * factor * small) return factor * small;
+    return 10 * small;
+}
+
+MeasuredDrawing drawingOf(const MeasuredTiming& timing, const TimeWindow& window) {
+    const double length = microseconds(window.to - window.from);
+    MeasuredDrawing drawing{{}, roundPart(length), length, microseconds(window.from)};
+    for (const MeasuredSignal& signal : timing.signals)
+        drawing.waves.push_back(waveOf(signal, timing.from + window.from, length));
+    return drawing;
+}
+
 MeasuredDrawing drawingOf(const MeasuredTiming& timing) {
     constexpr Ticks shownPeriods = 4;
     const Ticks period = shownPeriod(timing);
@@ -124,16 +143,20 @@ private:
 
 } // namespace
 
-MeasuredDrawing addMeasuredTiming(Report& report, Context& context, const std::vector<WaveRequest>& waves) {
+MeasuredDrawing addMeasuredTiming(Report& report, Context& context, const std::vector<WaveRequest>& waves,
+                                  const std::optional<TimeWindow>& window) {
     const FreshBoard fresh(context);
     const Interruption interruption;
-    const MeasuredTiming timing = measureTiming(context.instance(), context.parameters(), waves,
-                                                [&] { return !interruption.isAsked(); });
+    const MeasuredTiming timing = measureTiming(
+        context.instance(), context.parameters(), waves, [&] { return !interruption.isAsked(); }, window);
     if (timing.isInterrupted) {
         report.exitCode = exitInterrupted;
         return {};
     }
     report.document["measured"] = asJson(timing);
+    if (window)
+        report.document["measured"]["window"] = {{"from", microseconds(window->from)},
+                                                 {"to", microseconds(window->to)}};
     report.text += '\n' + tableOf(timing);
     report.text +=
         forPerson("(measured over " + durationText(timing.to - timing.from) + ": " +
@@ -141,7 +164,7 @@ MeasuredDrawing addMeasuredTiming(Report& report, Context& context, const std::v
                   numberText(timing.pictures) + (timing.pictures == 1 ? " picture)\n" : " pictures)\n"));
     for (const std::string& remark : timing.remarks)
         report.text += forPerson("(" + remark + ")\n");
-    return drawingOf(timing);
+    return window ? drawingOf(timing, *window) : drawingOf(timing);
 }
 
 } // namespace appletctl

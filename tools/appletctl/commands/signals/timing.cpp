@@ -276,6 +276,7 @@ struct TimingOptions {
     std::optional<std::string> svgFile; /**< --svg */
     std::optional<std::string> vcdFile; /**< --vcd */
     bool isMeasured = false;            /**< --measured: on the station, too */
+    std::optional<std::string> window;  /**< --window: the time that the files show */
 };
 
 void addTimingOptions(CLI::App& command, Options& options) {
@@ -284,6 +285,12 @@ void addTimingOptions(CLI::App& command, Options& options) {
     command.add_option("--vcd", own.vcdFile, "Waveforms to write, for a waveform viewer")->type_name("FILE");
     command.add_flag("--measured", own.isMeasured,
                      "Let the virtual board's station run, and show beside it what it does; files show that");
+    command
+        .add_option("--window", own.window,
+                    "Time that the files of --measured show, from when the station starts to run, such as "
+                    "10ms..12ms; "
+                    "if not given, four line periods of the beginning")
+        ->type_name("FROM..TO");
     addWaves(command, options);
 }
 
@@ -294,6 +301,10 @@ Report showTiming(Context& context, const Words& assignments) {
     const std::vector<WaveRequest> connected = wavesOf(context.options());
     if (!connected.empty() && !options.isMeasured)
         throw UsageError("--wave is for the station, which runs with --measured");
+    if (options.window && (!options.isMeasured || (!options.svgFile && !options.vcdFile)))
+        throw UsageError("--window is for the files of --measured: give --measured, and --svg or --vcd");
+    const std::optional<TimeWindow> window =
+        options.window ? std::optional(windowFrom(*options.window)) : std::nullopt;
     Report report = applyLive(context, assignments);
     if (report.exitCode != exitDone) return report;
     const Timing timing = timingOf(context.instance(), context.parameters());
@@ -308,7 +319,7 @@ Report showTiming(Context& context, const Words& assignments) {
     for (const std::string& assumption : timing.assumed)
         report.text += forPerson("(assumed: " + assumption + ")\n");
     MeasuredDrawing drawing{allWaves(timing), timing.settings.period, timing.end, 0};
-    if (options.isMeasured) drawing = addMeasuredTiming(report, context, connected);
+    if (options.isMeasured) drawing = addMeasuredTiming(report, context, connected, window);
     if (report.exitCode != exitDone) return report;
     const std::string words =
         options.isMeasured ? "measured on the virtual board's station" : subtitle(timing);
