@@ -81,6 +81,9 @@ private:
     nlohmann::json status() const;
     void wake() const;
 
+    /** Of the listening thread alone. Closed after the lock is free, so that a client that waits for the end of the station
+     *  can start the next one. */
+    std::vector<std::shared_ptr<Connection>> m_clients;
     const StationPlace m_place;
     const nlohmann::json m_description;
     const applet_tools::Descriptor m_lock;
@@ -89,8 +92,6 @@ private:
     const applet_tools::Descriptor m_ending; // for the thread that listens
     const pthread_t m_commandThread = pthread_self();
     const Clock::time_point m_start = Clock::now();
-
-    std::vector<std::shared_ptr<Connection>> m_clients; // of the listening thread alone
 
     mutable std::mutex m_mutex; // of what follows
     std::deque<Task> m_waiting;

@@ -106,6 +106,15 @@ ExitCode LineSession::run(const Request& request, const Options& options, const 
     return code;
 }
 
+ExitCode LineSession::runInPause(const Request& request) {
+    const Options outer = m_context.options();
+    setOutputMode(request.options);
+    const ExitCode code = show(execute(request, m_context), nameOf(request), request.options, "");
+    m_context.setOptions(outer);
+    setOutputMode(outer);
+    return code;
+}
+
 Report LineSession::undo(const Options& options) {
     if (m_history.hasSteps()) requireAgreement(options, "undo");
     const std::optional<Undone> undone = m_history.undo();

@@ -26,6 +26,9 @@ public:
     ExitCode run(const Request& request, const Options& options, const std::string& line,
                  const std::string& place = "");
 
+    /** The same in a pause of another request, for one that only looks: there is nothing to undo. */
+    ExitCode runInPause(const Request& request);
+
     /** The candidates for the last word of a line, of which the text up to the cursor is given. */
     std::vector<Candidate> complete(const std::string& text);
 

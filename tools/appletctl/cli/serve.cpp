@@ -9,6 +9,7 @@
 #include "appletctl/cli/execute.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/CommandRun.h"
+#include "appletctl/commands/shared_options.h"
 #include "serve/CommandSocket.h"
 
 #include <CLI/CLI.hpp>
@@ -82,29 +83,51 @@ public:
         , m_session(context)
         , m_socket(place, {{"board", boardText(m_shown)}, {"clock", clockText(m_shown)}}) {
         static_cast<BoardOptions&>(m_options) = m_shown;
+        context.setPause([this] { lookMeanwhile(); });
     }
+    ~Station() { m_context.setPause({}); }
+    Station(const Station&) = delete;
+    Station& operator=(const Station&) = delete;
 
     /** Until a client or a signal ends it. */
     void run() {
-        Interruption interruption;
-        while (!m_socket.isStopAsked() && interruption.waitReadable(m_socket.readable())) {
+        while (!m_socket.isStopAsked() && m_interruption.waitReadable(m_socket.readable())) {
             const std::optional<serve::ClientCommand> command =
                 m_socket.begin([](const serve::ClientCommand&) { return true; });
             if (!command) continue;
-            const bool isInterruptedByClient = m_socket.end(carryOut(*command));
-            if (interruption.isAsked() && !isInterruptedByClient) return;
-            interruption.rearm();
+            const bool isInterruptedByClient =
+                m_socket.end(carryOut(*command, [&] { return runFor(*command); }));
+            if (m_interruption.isAsked() && !isInterruptedByClient) return;
+            m_interruption.rearm();
         }
     }
 
 private:
-    serve::CommandEnd carryOut(const serve::ClientCommand& command) {
+    /** In a pause of the command at work: what only looks at the board, and takes no time. */
+    void lookMeanwhile() {
+        if (m_isPaused || m_interruption.isAsked() || m_context.isCopy()) return;
+        m_isPaused = true;
+        Request request;
+        const auto isQuickLook = [&](const serve::ClientCommand& command) {
+            if (command.kind != serve::ClientCommand::Kind::commandLine) return false;
+            request = parseForStation(command.words, m_options);
+            return request.command != nullptr && request.command->kind == Command::Kind::plain &&
+                   request.command->sets == Command::Sets::nothing &&
+                   request.command->file == Command::File::none && !request.command->takesLong &&
+                   !request.options.of<WithOption>().isGiven();
+        };
+        while (const std::optional<serve::ClientCommand> command = m_socket.begin(isQuickLook)) {
+            const auto look = [&] { return serve::CommandEnd{m_session.runInPause(request), false}; };
+            if (m_socket.end(carryOut(*command, look))) m_interruption.rearm();
+        }
+        m_isPaused = false;
+    }
+
+    template <typename Work>
+    serve::CommandEnd carryOut(const serve::ClientCommand& command, const Work& work) {
         try {
             const ClientTerminal terminal(command);
-            serve::CommandEnd end = runFor(command);
-            m_context.setOptions(m_shown);
-            setOutputMode(m_shown);
-            return end;
+            return work();
         } catch (const std::exception& error) { // of the terminal; those of a command are reports
             std::cerr << "appletctl: " << internalError(error) << '\n';
             return {exitUnavailable, false};
@@ -125,6 +148,8 @@ private:
     const Options m_shown; // of the station's own output
     Options m_options;     // that a client's command line begins with
     LineSession m_session;
+    Interruption m_interruption;
+    bool m_isPaused = false;
     serve::CommandSocket m_socket;
 };
 

@@ -30,7 +30,7 @@ struct Example {
 struct Command {
     enum class Kind {
         plain,
-        prefix, /**< its words are another command line */
+        prefix,  /**< its words are another command line */
         session, /**< has a command line for itself: no line of a shell or a scenario */
         local    /**< the same, and always carried out by the program itself, never by a station */
     };
@@ -68,6 +68,7 @@ struct Command {
     Kind kind = Kind::plain;
     Sets sets = Sets::nothing;
     bool showsValues = false; /**< takes --with and --from */
+    bool takesLong = false;   /**< others may look at the board meanwhile (see Context::pause) */
     bool takesWithToScratch =
         false; /**< answers --with on the scratch board too, so beside a board of the system */
     std::string (*moreHelp)() = nullptr; /**< behind its words in the help */
