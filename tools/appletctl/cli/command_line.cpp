@@ -61,6 +61,8 @@ void addGlobalOptions(CLI::App& program, Options& options) {
         .add_option("--station", options.station,
                     "Let the running station of that name carry the command out (see 'serve')")
         ->type_name("NAME")
+        ->check(
+            [](const std::string& name) { return name.empty() ? "the name of the station is empty" : ""; })
         ->envname("APPLETCTL_STATION");
     program.add_option("--applet", options.applet, "Applet library to load")
         ->type_name("FILE")

@@ -44,8 +44,8 @@ Report listStations(Context&, const Words&) {
                       command.is_null() ? "-" : printable(command.get<std::string>())});
         rows.emplace_back(status);
     }
-    report.text = rows.empty() ? forPerson("No station runs. 'appletctl serve' starts one.\n")
-                               : table.render(Style::forStream(STDOUT_FILENO));
+    report.text = rows.empty() && !isPlainOutput() ? "No station runs. 'appletctl serve' starts one.\n"
+                                                   : table.render(Style::forStream(STDOUT_FILENO));
     return report;
 }
 
@@ -83,8 +83,9 @@ Report showLog(Context&, const Words& words) {
                       numberText(entry.at("exitCode").get<int>()),
                       numberText(std::round(entry.at("seconds").get<double>() * 1e4) / 10) + " ms",
                       printable(entry.at("command").get<std::string>())});
-    report.text = log.empty() ? forPerson("The station '" + name + "' has not carried out a command yet.\n")
-                              : table.render(Style::forStream(STDOUT_FILENO));
+    report.text = log.empty() && !isPlainOutput()
+                      ? "The station '" + name + "' has not carried out a command yet.\n"
+                      : table.render(Style::forStream(STDOUT_FILENO));
     return report;
 }
 
