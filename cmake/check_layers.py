@@ -26,6 +26,7 @@ TOOLS_SCRATCH = [*TOOLS_APPLET, f"{TOOLS}scratch/**"]
 TOOLS_PICTURES = [*TOOLS_BASE, f"{TOOLS}pictures/**"]
 TOOLS_STATION = [*TOOLS_APPLET, *TOOLS_PICTURES, f"{TOOLS}station/**"]
 TOOLS_ANSWERS = [*TOOLS_SCRATCH, *TOOLS_STATION, f"{TOOLS}answers/**"]
+SERVE = [*TOOLS_BASE, "tools/serve/**"]
 TOOL = "tools/appletctl/"
 BASE = [*TOOLS_BASE, f"{TOOL}base/**"]
 DRAW = [*BASE, *TOOLS_PICTURES, f"{TOOL}draw/**"]
@@ -70,6 +71,7 @@ ROOMS = [
     (f"{TOOLS}pictures/**", TOOLS_PICTURES),
     (f"{TOOLS}station/**", TOOLS_STATION),
     (f"{TOOLS}answers/**", TOOLS_ANSWERS),
+    ("tools/serve/**", SERVE),
     (f"{PRODUCER}base/**", PRODUCER_BASE),
     (f"{PRODUCER}features/**", PRODUCER_FEATURES),
     (f"{PRODUCER}device/**", PRODUCER_DEVICE),
@@ -84,7 +86,7 @@ ROOMS = [
     (f"{TOOL}cli/**", [*HEADERS, "virtual_board/virtual_board.h", "tools/**"]),
 ]
 # What prints, in files that must not.
-SILENT = [f"{TOOLS}**", f"{PRODUCER}**"]
+SILENT = [f"{TOOLS}**", "tools/serve/**", f"{PRODUCER}**"]
 PRINTING = re.compile(r"#\s*include\s+<(?:iostream|cstdio|stdio\.h|print)>|"
                       r"\bstd::(?:cout|cerr|clog)\b|\b(?:f?printf|f?puts|putchar)\(")
 CHECKED = ["include", "src", "station", "virtual_board", "tools", "producer"]

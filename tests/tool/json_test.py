@@ -66,6 +66,10 @@ RUNS = {
     "trace": ["set FG_WIDTH=2048 FG_HEIGHT=8", "diff a.trace b.trace", "diff a.trace --color never b.trace"],
     "run": ["station.scenario"],
     "shell": [""],
+    "serve": ["../name FG_WIDTH=3"],
+    "station list": [""],
+    "station stop": ["none"],
+    "station log": ["none"],
     "completion": ["bash"],
     "help": ["", "set", "lut show"],
     "__complete": ["-- get FG_WID"],
@@ -75,7 +79,7 @@ RUNS = {
     "lut load": ["a.lut FG_PROCESSING_GAIN=2 FG_PROCESSING_OFFSET=1", "missing.lut"],
 }
 OF_THE_SHELL = ["set FG_WIDTH=2048", "undo", "undo", "set FG_CAMERASIMULATOR_WIDTH=4096", "undo", "nonsense", "get 'open"]
-NOT_IN_THE_SHELL = {"shell", "run", "apply", "completion", "help"}
+NOT_IN_THE_SHELL = {"shell", "run", "apply", "completion", "help", "serve", "station list", "station stop", "station log"}
 NOT_TRACED = {"shell", "trace", "run"}
 PRINTS_DOCUMENTS = {"xml", "completion", "report"}
 USES_SCRATCH_BOARD = {"list", "set", "reset", "limits", "why", "deps", "plan", "apply", "describe", "route", "lint", "docs",

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cstddef>
+#include <iterator>
 
 namespace applet_tools {
 namespace {
@@ -22,16 +23,22 @@ sigset_t endingSignals() {
     return set;
 }
 
-} // namespace
-
-Interruption::Interruption() {
+/** Gives what was there before in `before`, unless it is null. */
+void watchSignals(struct sigaction* before) {
     struct sigaction asking {};
     asking.sa_handler = askToEnd;
     asking.sa_flags = static_cast<int>(SA_RESETHAND); // no SA_RESTART: a write that hangs ends too
     struct sigaction ignoring {};
     ignoring.sa_handler = SIG_IGN;
-    for (std::size_t i = 0; const int signal : signals)
-        sigaction(signal, signal == SIGPIPE ? &ignoring : &asking, &m_before[i++]);
+    for (std::size_t i = 0; i < std::size(signals); ++i)
+        sigaction(signals[i], signals[i] == SIGPIPE ? &ignoring : &asking,
+                  before != nullptr ? before + i : nullptr);
+}
+
+} // namespace
+
+Interruption::Interruption() {
+    watchSignals(m_before);
     if (m_before[0].sa_handler != askToEnd) isAskedToEnd = 0;
 }
 
@@ -42,22 +49,38 @@ Interruption::~Interruption() {
 
 bool Interruption::isAsked() const { return isAskedToEnd != 0; }
 
-bool Interruption::waitUntil(Clock::time_point due) const {
+void Interruption::rearm() {
+    isAskedToEnd = 0;
+    watchSignals(nullptr);
+}
+
+bool Interruption::waitFor(int descriptor, short events, const Clock::time_point* due) const {
     const sigset_t ending = endingSignals();
     sigset_t before;
     // Let through during the wait only, so that none gets lost between the look and the wait.
     pthread_sigmask(SIG_BLOCK, &ending, &before);
     bool goesOn = !isAsked();
     while (goesOn) {
-        const auto left = std::chrono::duration_cast<std::chrono::nanoseconds>(due - Clock::now()).count();
-        if (left <= 0) break;
-        const timespec timeout{left / 1'000'000'000, left % 1'000'000'000};
-        pollfd output{STDOUT_FILENO, 0, 0}; // reports nothing but errors
-        const int result = ppoll(&output, 1, &timeout, &before);
+        timespec timeout{};
+        if (due != nullptr) {
+            const auto left =
+                std::chrono::duration_cast<std::chrono::nanoseconds>(*due - Clock::now()).count();
+            if (left <= 0) break;
+            timeout = {left / 1'000'000'000, left % 1'000'000'000};
+        }
+        pollfd watched{descriptor, events, 0};
+        const int result = ppoll(&watched, 1, due != nullptr ? &timeout : nullptr, &before);
+        if (result > 0 && events != 0) break;
         goesOn = result <= 0 && !isAsked();
     }
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
     return goesOn;
 }
+
+bool Interruption::waitUntil(Clock::time_point due) const {
+    return waitFor(STDOUT_FILENO, 0, &due); // without events it reports nothing but errors
+}
+
+bool Interruption::waitReadable(int descriptor) const { return waitFor(descriptor, POLLIN, nullptr); }
 
 } // namespace applet_tools

@@ -19,11 +19,17 @@ public:
     Interruption& operator=(const Interruption&) = delete;
 
     bool isAsked() const;
+    /** Forgets what was asked: the next signal asks again. */
+    void rearm();
+    /** Waits until the descriptor can be read. False when it is time to end. */
+    bool waitReadable(int descriptor) const;
     /** Waits until `due`. False when it is time to end: a signal came, or the reader of the output has gone.
      * */
     bool waitUntil(Clock::time_point due) const;
 
 private:
+    bool waitFor(int descriptor, short events, const Clock::time_point* due) const;
+
     struct sigaction m_before[3] = {};
 };
 

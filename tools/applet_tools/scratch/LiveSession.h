@@ -45,6 +45,7 @@ public:
      *  be changed. Not on a board of the system. */
     void enterCopy();
     void leaveCopy();
+    bool isCopy() const { return m_copy != nullptr; }
     /** False where the command wanted none; the three below may not be called then. */
     bool hasScratch() const { return m_scratch != nullptr; }
     /** The scratch board, in the state that the live applet has now. */

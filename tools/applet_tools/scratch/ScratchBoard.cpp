@@ -16,49 +16,14 @@
 #include <cerrno>
 #include <chrono>
 #include <csignal>
-#include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
+#include <optional>
 #include <utility>
-#include <vector>
 
 namespace applet_tools {
 namespace {
-
-using Bytes = std::vector<std::uint8_t>;
-
-/** Moves all bytes by `move`, which is read or write; false at the end of the other side. */
-template <typename Byte, typename Move> bool moveAll(int socket, Byte* bytes, std::size_t count, Move move) {
-    while (count > 0) {
-        const ssize_t moved = move(socket, bytes, count);
-        if (moved < 0 && errno == EINTR) continue;
-        if (moved <= 0) return false;
-        bytes += moved;
-        count -= static_cast<std::size_t>(moved);
-    }
-    return true;
-}
-
-bool send(int socket, const json& message) {
-    const auto write = [](int to, const std::uint8_t* bytes, std::size_t count) {
-        return ::send(to, bytes, count, MSG_NOSIGNAL);
-    };
-    const Bytes bytes = json::to_cbor(message);
-    const std::uint64_t size = bytes.size();
-    Bytes head(sizeof size);
-    std::memcpy(head.data(), &size, sizeof size);
-    return moveAll(socket, head.data(), head.size(), write) &&
-           moveAll(socket, bytes.data(), bytes.size(), write);
-}
-
-bool receive(int socket, json& message) {
-    std::uint64_t size = 0;
-    if (!moveAll(socket, reinterpret_cast<std::uint8_t*>(&size), sizeof size, ::read)) return false;
-    Bytes bytes(size);
-    if (!moveAll(socket, bytes.data(), bytes.size(), ::read)) return false;
-    message = json::from_cbor(bytes);
-    return true;
-}
 
 const JobRow& rowOf(std::span<const JobRow> jobs, const std::string& name) {
     for (const JobRow& row : jobs)
@@ -83,6 +48,9 @@ public:
         }
         if (m_isTouched) m_session->rewind();
         m_isTouched = true;
+        // File names of the arguments are seen from the parent's folder, which may have changed.
+        std::error_code ignored;
+        std::filesystem::current_path(message.at("folder").get<std::string>(), ignored);
         effort() = {};
         return rowOf(m_jobs, message.at("job").get<std::string>())
             .run(m_session.value(), message.at("arguments"));
@@ -96,7 +64,7 @@ private:
             const auto now = std::chrono::steady_clock::now();
             if (now - m_lastProgress < 100ms) return;
             m_lastProgress = now;
-            send(m_socket, {{"progress", numberText(done) + " of " + numberText(total)}});
+            sendMessage(m_socket, {{"progress", numberText(done) + " of " + numberText(total)}});
         };
     }
 
@@ -115,10 +83,11 @@ void serve(int socket, pid_t parent, const BoardOptions& options, std::span<cons
     std::signal(SIGINT, SIG_IGN);      // Ctrl-C is the parent's matter
     unsetenv("VBOARD_LOG_LEVEL");      // the log is that of the live board
     Server server(socket, options, jobs);
-    for (json message; receive(socket, message);) {
+    MessageReader reader(socket);
+    while (const std::optional<json> message = reader.wait()) {
         json answer;
         try {
-            answer["result"] = server.answer(message);
+            answer["result"] = server.answer(*message);
             answer["effort"] = {
                 {"sets", effort().sets}, {"loads", effort().loads}, {"bringUps", effort().bringUps}};
         } catch (const UsageError& error) {
@@ -130,7 +99,7 @@ void serve(int socket, pid_t parent, const BoardOptions& options, std::span<cons
         } catch (const std::exception& error) {
             answer = {{"failure", error.what()}};
         }
-        if (!send(socket, answer)) break;
+        if (!sendMessage(socket, answer)) break;
     }
 }
 
@@ -159,12 +128,13 @@ ScratchBoard::ScratchBoard(const BoardOptions& options, std::span<const JobRow> 
         live(sockets[1], parent, options, jobs);
     }
     close(sockets[1]);
-    m_socket = sockets[0];
+    m_socket = Descriptor(sockets[0]);
+    m_reader.emplace(sockets[0]);
     if (m_child < 0) throw Unavailable(std::string("no scratch board can be made: ") + std::strerror(errno));
 }
 
 ScratchBoard::~ScratchBoard() {
-    close(m_socket);
+    m_socket = Descriptor(); // its end is that of the child
     if (m_child > 0) waitpid(m_child, nullptr, 0);
 }
 
@@ -180,7 +150,10 @@ json ScratchBoard::startFrom(const json& state) {
 
 json ScratchBoard::ask(const std::string& job, const json& arguments) {
     const Stopwatch watch;
-    json answer = request({{"job", job}, {"arguments", arguments}});
+    std::error_code ignored;
+    json answer = request({{"job", job},
+                           {"arguments", arguments},
+                           {"folder", std::filesystem::current_path(ignored).string()}});
     const json& took = answer["effort"];
     std::string note = std::string("scratch board: asked ") + rowOf(m_jobs, job).words;
     const auto add = [&](const char* member, const char* words) {
@@ -204,33 +177,37 @@ bool isReadable(int socket, std::chrono::milliseconds limit) {
     return poll(&one, 1, static_cast<int>(limit.count())) > 0;
 }
 
-/** The final answer; what comes before it is how far the work is. */
-bool receiveAnswer(int socket, WorkObserver* observer, json& answer) {
+/** The final answer, nothing when the child has ended; what comes before it is how far the work is. */
+std::optional<json> receiveAnswer(int socket, MessageReader& reader, WorkObserver* observer) {
     using namespace std::chrono_literals;
+    const auto limit = [&] { return observer != nullptr ? observer->interval() : -1ms; };
     for (;;) {
-        const auto limit = [&] { return observer != nullptr ? observer->interval() : -1ms; };
+        std::optional<json> answer = reader.next();
+        if (answer && !answer->contains("progress")) return answer;
+        if (answer && observer != nullptr) {
+            observer->setDetail((*answer)["progress"].get<std::string>());
+            observer->update();
+        }
+        if (answer) continue;
         while (!isReadable(socket, limit()))
             if (observer != nullptr) observer->update();
-        if (!receive(socket, answer)) return false;
-        if (!answer.contains("progress")) return true;
-        if (observer == nullptr) continue;
-        observer->setDetail(answer["progress"].get<std::string>());
-        observer->update();
+        if (!reader.readArrived()) return std::nullopt;
     }
 }
 
 } // namespace
 
 json ScratchBoard::request(const json& message) {
-    json answer;
     const std::unique_ptr<WorkObserver> observer = m_observe ? m_observe() : nullptr;
-    if (!send(m_socket, message) || !receiveAnswer(m_socket, observer.get(), answer))
-        throw Failure("the scratch board has ended unexpectedly");
-    if (answer.contains("usage")) throw UsageError(answer["usage"].get<std::string>());
-    if (answer.contains("unavailable")) throw Unavailable(answer["unavailable"].get<std::string>());
-    if (answer.contains("failure"))
-        throw Failure("on the scratch board: " + answer["failure"].get<std::string>());
-    return answer;
+    std::optional<json> answer;
+    if (sendMessage(m_socket.number(), message))
+        answer = receiveAnswer(m_socket.number(), *m_reader, observer.get());
+    if (!answer) throw Failure("the scratch board has ended unexpectedly");
+    if (answer->contains("usage")) throw UsageError((*answer)["usage"].get<std::string>());
+    if (answer->contains("unavailable")) throw Unavailable((*answer)["unavailable"].get<std::string>());
+    if (answer->contains("failure"))
+        throw Failure("on the scratch board: " + (*answer)["failure"].get<std::string>());
+    return *std::move(answer);
 }
 
 } // namespace applet_tools

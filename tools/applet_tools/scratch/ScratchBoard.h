@@ -4,10 +4,12 @@
 
 #include "applet_tools/base/BoardOptions.h"
 #include "applet_tools/base/WorkObserver.h"
+#include "applet_tools/base/messages.h"
 #include "applet_tools/base/words.h"
 
 #include <nlohmann/json.hpp>
 
+#include <optional>
 #include <span>
 #include <string>
 
@@ -42,7 +44,8 @@ private:
     std::span<const JobRow> m_jobs;
     ObserveWork m_observe;
     pid_t m_child = -1;
-    int m_socket = -1;
+    Descriptor m_socket;
+    std::optional<MessageReader> m_reader;
     Words m_notes;
 };
 

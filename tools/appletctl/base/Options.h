@@ -19,6 +19,7 @@ struct Options : BoardOptions {
     std::string colour = "auto"; /**< --color: auto, always or never */
     bool quiet = false;          /**< -q: errors only */
     bool verbose = false;        /**< -v: notes on what was done to answer */
+    std::string station{};       /**< --station: the running station that is to carry it out; empty: none */
     bool trace = false;          /**< the command follows "trace" */
 
     /** The options of a command; its defaults if none were given. */

@@ -57,6 +57,13 @@ void addGlobalOptions(CLI::App& program, Options& options) {
         "Start the applet without writing to the board, and refuse what would write. Settings then "
         "read as the applet begins, measured values as the board has them");
     program.add_flag("--offline", options.offline, "Use an instance of the applet without a board");
+    program
+        .add_option("--station", options.station,
+                    "Let the running station of that name carry the command out (see 'serve')")
+        ->type_name("NAME")
+        ->check(
+            [](const std::string& name) { return name.empty() ? "the name of the station is empty" : ""; })
+        ->envname("APPLETCTL_STATION");
     program.add_option("--applet", options.applet, "Applet library to load")
         ->type_name("FILE")
         ->check(troubleOfFileName);

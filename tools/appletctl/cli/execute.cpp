@@ -6,6 +6,7 @@
 #include "applet_tools/base/text.h"
 #include "applet_tools/scratch/refusal.h"
 #include "appletctl/base/layout.h"
+#include "appletctl/cli/station/station_client.h"
 #include "appletctl/commands/assignment_report.h"
 #include "appletctl/commands/jobs.h"
 #include "appletctl/commands/shared_options.h"
@@ -238,15 +239,20 @@ Report executeOn(Context& context, const Request& request, bool isOnlyCommand) {
 
 } // namespace
 
-Request parseLine(const Words& words, const Options& options) {
-    Request request = parseCommandLine(words, options);
+namespace {
+
+/** `board` says where the board is chosen. */
+Request onSameBoard(Request request, const Options& options, const char* board, bool mayBeSession) {
     if (request.command == nullptr) return request;
     const std::string name = nameOf(request);
     std::string refusal;
     if (static_cast<const BoardOptions&>(request.options) != options)
-        refusal = "the board is chosen before: give --board, --bridge, --applet, --offline and --look to the "
-                  "first command";
-    else if (request.command->kind == Command::Kind::session)
+        refusal =
+            std::string(
+                "the board is chosen before: give --board, --bridge, --applet, --offline and --look to ") +
+            board;
+    else if (!isForLines(*request.command) &&
+             !(mayBeSession && request.command->kind == Command::Kind::session))
         refusal = "'" + name + "' does not work within another command";
     if (refusal.empty()) return request;
     request.misused = name;
@@ -255,11 +261,29 @@ Request parseLine(const Words& words, const Options& options) {
     return request;
 }
 
+} // namespace
+
+Request parseLine(const Words& words, const Options& options) {
+    return onSameBoard(parseCommandLine(words, options), options, "the first command", false);
+}
+
+Request parseForStation(const Words& words, const Options& options) {
+    return onSameBoard(parseCommandLine(words, options), options, "'serve', which has started the station",
+                       true);
+}
+
 Report execute(const Request& request, Context& context) { return executeOn(context, request, false); }
 
-Report execute(const Request& request) {
+Report execute(const Request& request, const Words& words) {
     if (request.command == nullptr) return request.outcome;
     return withFailuresAsReports([&] {
+        if (isForStation(request)) {
+            Report report;
+            report.isPrinted = true;
+            report.exitCode =
+                static_cast<ExitCode>(StationClient(request.options.station).runCommandLine(words).exitCode);
+            return report;
+        }
         Context context(request.options, scratchFor(request), {allJobs(), allCommands(), helpOf});
         return executeOn(context, request, true);
     });

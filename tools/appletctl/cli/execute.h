@@ -16,6 +16,9 @@ Report execute(const Request& request, Context& context);
  * usage where it names another one, and for commands that have lines of their own. */
 Request parseLine(const Words& words, const Options& options);
 
+/** The same for a whole command line that a client wants to be carried out on the board of a station. */
+Request parseForStation(const Words& words, const Options& options);
+
 /** Asks before something that sets values on a board of the system; throws UsageError where it must not be done, Failure
  *  where the user does not agree. `name` is that of the command. */
 void requireAgreement(const Options& options, const std::string& name);
@@ -23,8 +26,9 @@ void requireAgreement(const Options& options, const std::string& name);
 /** The report of the work; all failures are reports too. */
 Report withFailuresAsReports(const std::function<Report()>& work);
 
-/** The report of the only command of a run. */
-Report execute(const Request& request);
+/** The report of the only command of a run, whose command line is `words`. It has been printed already when a station
+ *  has carried it out. */
+Report execute(const Request& request, const Words& words);
 
 } // namespace appletctl
 

@@ -322,8 +322,7 @@ std::string shellWordHelp(const std::string& word) {
 std::string shellHelp() {
     std::string text = "Each line is a command with its words, on one board:\n\n";
     for (const Command* command : allCommands())
-        if (command->kind != Command::Kind::session && !isHidden(*command))
-            text += entry(fullName(*command), command->help);
+        if (isForLines(*command) && !isHidden(*command)) text += entry(fullName(*command), command->help);
     text += "\nOf the shell itself:\n";
     for (const ShellWord& one : shellWords)
         text += entry(one.shown, one.help);
@@ -480,7 +479,7 @@ const Command helpCommand = {
     .examples = {{"help set", "how values are set"}},
     .most = 2,
     .run = showHelp,
-    .kind = Command::Kind::session, // the shell has its own
+    .kind = Command::Kind::local, // the shell has its own
 };
 
 } // namespace appletctl

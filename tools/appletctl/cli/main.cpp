@@ -8,9 +8,10 @@ int main(int argc, char** argv) {
     using namespace appletctl;
     try {
         openStandardStreams();
-        const Request request = parseCommandLine(Words(argv + 1, argv + argc));
+        const Words words(argv + 1, argv + argc);
+        const Request request = parseCommandLine(words);
         setOutputMode(request.options);
-        return print(execute(request), nameOf(request), request.options);
+        return print(execute(request, words), nameOf(request), request.options);
     } catch (const std::exception& error) {
         // Reports of failures are made in execute(); what arrives here failed while it was parsed or printed.
         std::cerr << "appletctl: " << internalError(error) << '\n';

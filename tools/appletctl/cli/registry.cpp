@@ -9,18 +9,20 @@ extern const Command listCommand, getCommand, setCommand, resetCommand, limitsCo
     depsCommand, planCommand, applyCommand, describeCommand, infoCommand, xmlCommand, eventsCommand,
     watchCommand, routeCommand, lintCommand, timingCommand, docsCommand, reportCommand, saveCommand,
     loadCommand, checkCommand, diffCommand, traceCommand, runScenarioCommand, shellCommand, completionCommand,
-    helpCommand, completeCommand, lutShowCommand, lutPlotCommand, lutSaveCommand, lutLoadCommand, grabCommand;
+    helpCommand, completeCommand, lutShowCommand, lutPlotCommand, lutSaveCommand, lutLoadCommand, grabCommand,
+    serveCommand, stationListCommand, stationStopCommand, stationLogCommand;
 
 namespace {
 
 constexpr const Command* commands[] = {
-    &listCommand,        &getCommand,     &setCommand,        &resetCommand,   &limitsCommand,
-    &whyCommand,         &depsCommand,    &planCommand,       &applyCommand,   &describeCommand,
-    &infoCommand,        &xmlCommand,     &eventsCommand,     &watchCommand,   &routeCommand,
-    &lintCommand,        &timingCommand,  &grabCommand,       &docsCommand,    &reportCommand,
-    &saveCommand,        &loadCommand,    &checkCommand,      &diffCommand,    &traceCommand,
-    &runScenarioCommand, &shellCommand,   &completionCommand, &helpCommand,    &completeCommand,
-    &lutShowCommand,     &lutPlotCommand, &lutSaveCommand,    &lutLoadCommand,
+    &listCommand,        &getCommand,         &setCommand,        &resetCommand,   &limitsCommand,
+    &whyCommand,         &depsCommand,        &planCommand,       &applyCommand,   &describeCommand,
+    &infoCommand,        &xmlCommand,         &eventsCommand,     &watchCommand,   &routeCommand,
+    &lintCommand,        &timingCommand,      &grabCommand,       &docsCommand,    &reportCommand,
+    &saveCommand,        &loadCommand,        &checkCommand,      &diffCommand,    &traceCommand,
+    &runScenarioCommand, &shellCommand,       &completionCommand, &helpCommand,    &completeCommand,
+    &lutShowCommand,     &lutPlotCommand,     &lutSaveCommand,    &lutLoadCommand, &serveCommand,
+    &stationListCommand, &stationStopCommand, &stationLogCommand,
 };
 
 } // namespace

@@ -30,8 +30,9 @@ struct Example {
 struct Command {
     enum class Kind {
         plain,
-        prefix, /**< its words are another command line */
-        session /**< has a command line for itself: no line of a shell or a scenario */
+        prefix,  /**< its words are another command line */
+        session, /**< has a command line for itself: no line of a shell or a scenario */
+        local    /**< the same, and always carried out by the program itself, never by a station */
     };
     /** What its words do to the live board. */
     enum class Sets {
@@ -67,6 +68,7 @@ struct Command {
     Kind kind = Kind::plain;
     Sets sets = Sets::nothing;
     bool showsValues = false; /**< takes --with and --from */
+    bool takesLong = false;   /**< others may look at the board meanwhile (see Context::pause) */
     bool takesWithToScratch =
         false; /**< answers --with on the scratch board too, so beside a board of the system */
     std::string (*moreHelp)() = nullptr; /**< behind its words in the help */
@@ -76,6 +78,11 @@ struct Command {
 /** What its words are: "NAME=VALUE"; empty if it takes none. */
 inline std::string_view kindOf(const Command& command) {
     return command.argument != nullptr ? command.argument : "";
+}
+
+/** True for what a line of a shell or a scenario can be. */
+inline bool isForLines(const Command& command) {
+    return command.kind != Command::Kind::session && command.kind != Command::Kind::local;
 }
 
 /** For programs, not for people. */

@@ -10,6 +10,17 @@ Context::Context(const Options& options, Scratch scratch, const Program& program
     , m_options(options)
     , m_program(program) {}
 
+bool Context::waitUntil(const Interruption& interruption, Interruption::Clock::time_point due) const {
+    using namespace std::chrono_literals;
+    while (m_pause) {
+        const auto next = Interruption::Clock::now() + 50ms;
+        if (next >= due) break;
+        if (!interruption.waitUntil(next)) return false;
+        m_pause();
+    }
+    return interruption.waitUntil(due);
+}
+
 void requireBoard(const Options& options, const char* command) {
     if (options.offline)
         throw UsageError("'" + std::string(command) +

@@ -2,11 +2,14 @@
 #ifndef APPLETCTL_COMMANDS_CONTEXT_H
 #define APPLETCTL_COMMANDS_CONTEXT_H
 
+#include "applet_tools/base/Interruption.h"
 #include "applet_tools/scratch/LiveSession.h"
 #include "appletctl/base/Options.h"
 
+#include <functional>
 #include <span>
 #include <string>
+#include <utility>
 
 namespace appletctl {
 
@@ -30,9 +33,20 @@ public:
     /** The options of the next command. What they say of applet and board has to be what the first ones said. */
     void setOptions(const Options& options) { m_options = options; }
 
+    /** What pause() calls; nothing at first. */
+    void setPause(std::function<void()> pause) { m_pause = std::move(pause); }
+    /** To be called again and again by a command that takes long, between two accesses: on a station the commands of others
+     *  that only look are carried out meanwhile. */
+    void pause() const {
+        if (m_pause) m_pause();
+    }
+    /** Waits like Interruption::waitUntil, with pauses. */
+    bool waitUntil(const Interruption& interruption, Interruption::Clock::time_point due) const;
+
 private:
     Options m_options;
     Program m_program;
+    std::function<void()> m_pause;
 };
 
 /** Throws UsageError, naming the command, when the options ask for an instance without a board. */

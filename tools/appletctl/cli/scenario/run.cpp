@@ -102,6 +102,7 @@ Report runScenario(Context& context, const Words& words) {
     const bool isPrinted = !options.json && !options.quiet;
     bool goesOn = true;
     for (std::size_t i = 0; i < steps.size(); ++i) {
+        context.pause();
         if (!goesOn || interruption.isAsked()) {
             tests[i].group = steps[i].section;
             tests[i].name = "line " + numberText(steps[i].line) + ": " + steps[i].text;

@@ -33,7 +33,10 @@ public:
     MovingStep(const MovingStep&) = delete;
     MovingStep& operator=(const MovingStep&) = delete;
 
-    bool goesOn() const { return !m_interruption.isAsked(); }
+    bool goesOn() const {
+        m_station.context().pause();
+        return !m_interruption.isAsked();
+    }
 
 private:
     Ticks now() const { return m_runner.board().now(m_runner.instance().device()); }

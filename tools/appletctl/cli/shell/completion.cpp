@@ -105,7 +105,7 @@ const Command completionCommand = {
     .most = 1,
     .run = showCompletionScript,
     .addOptions = addShells,
-    .kind = Command::Kind::session,
+    .kind = Command::Kind::local,
 };
 
 namespace {
@@ -146,6 +146,7 @@ const Command completeCommand = {
     .fewest = 1,
     .most = -1,
     .run = completeWords,
+    .kind = Command::Kind::local,
 };
 
 } // namespace appletctl

@@ -374,7 +374,7 @@ public:
             if (m_round.isFailed)
                 return refused("round " + numberText(m_round.number) + ": " + printable(m_own.failIf));
             due = std::max(due + interval, Clock::now());
-        } while (m_round.number != m_own.count && m_interruption.waitUntil(due));
+        } while (m_round.number != m_own.count && m_context.waitUntil(m_interruption, due));
         return ended();
     }
 
@@ -441,6 +441,7 @@ const Command watchCommand = {
     .run = watchParameters,
     .addOptions = addWatchOptions,
     .showsValues = true,
+    .takesLong = true,
 };
 
 } // namespace appletctl

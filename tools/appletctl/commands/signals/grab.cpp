@@ -263,6 +263,7 @@ private:
             m_progress.update();
             m_lastUpdate = now;
         }
+        m_context.pause();
         return !m_interruption.isAsked();
     }
 
@@ -433,6 +434,7 @@ const Command grabCommand = {
     .addOptions = addGrabOptions,
     .sets = Command::Sets::assignments,
     .showsValues = true,
+    .takesLong = true,
     .moreHelp = grabNotes,
 };
 

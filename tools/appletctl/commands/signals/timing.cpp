@@ -346,6 +346,7 @@ const Command timingCommand = {
     .addOptions = addTimingOptions,
     .sets = Command::Sets::assignments,
     .showsValues = true,
+    .takesLong = true,
 };
 
 } // namespace appletctl

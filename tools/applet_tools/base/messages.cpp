@@ -1,0 +1,118 @@
+#include "applet_tools/base/messages.h"
+
+#include "applet_tools/base/errors.h"
+#include "applet_tools/base/numbers.h"
+
+#include <sys/socket.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+
+namespace applet_tools {
+namespace {
+
+using nlohmann::json;
+
+/** A message is its size in bytes, in the byte order of the machine, and then the value as CBOR. */
+using Size = std::uint64_t;
+
+constexpr std::size_t mostDescriptors = 8;
+using Control = std::array<char, CMSG_SPACE(sizeof(int) * mostDescriptors)>;
+
+/** Descriptors travel with the first byte. */
+ssize_t sendSome(int socket, const std::uint8_t* bytes, std::size_t count, std::span<const int> descriptors) {
+    iovec part{const_cast<std::uint8_t*>(bytes), count};
+    msghdr header{};
+    header.msg_iov = &part;
+    header.msg_iovlen = 1;
+    alignas(cmsghdr) Control control{};
+    if (!descriptors.empty()) {
+        header.msg_control = control.data();
+        header.msg_controllen = CMSG_SPACE(descriptors.size_bytes());
+        cmsghdr* const item = CMSG_FIRSTHDR(&header);
+        item->cmsg_level = SOL_SOCKET;
+        item->cmsg_type = SCM_RIGHTS;
+        item->cmsg_len = CMSG_LEN(descriptors.size_bytes());
+        std::memcpy(CMSG_DATA(item), descriptors.data(), descriptors.size_bytes());
+    }
+    return sendmsg(socket, &header, MSG_NOSIGNAL);
+}
+
+void takeFrom(msghdr& header, std::vector<Descriptor>& descriptors) {
+    for (cmsghdr* item = CMSG_FIRSTHDR(&header); item != nullptr; item = CMSG_NXTHDR(&header, item)) {
+        if (item->cmsg_level != SOL_SOCKET || item->cmsg_type != SCM_RIGHTS) continue;
+        const std::size_t count = (item->cmsg_len - CMSG_LEN(0)) / sizeof(int);
+        for (std::size_t i = 0; i < count; ++i) {
+            int number = -1;
+            std::memcpy(&number, CMSG_DATA(item) + i * sizeof number, sizeof number);
+            descriptors.emplace_back(number);
+        }
+    }
+}
+
+} // namespace
+
+bool sendMessage(int socket, const json& message, std::span<const int> descriptors) {
+    std::vector<std::uint8_t> bytes(sizeof(Size));
+    json::to_cbor(message, bytes);
+    const Size size = bytes.size() - sizeof(Size);
+    std::memcpy(bytes.data(), &size, sizeof size);
+    for (std::size_t sent = 0; sent < bytes.size();) {
+        const ssize_t count = sendSome(socket, bytes.data() + sent, bytes.size() - sent,
+                                       sent == 0 ? descriptors : std::span<const int>());
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) return false;
+        sent += static_cast<std::size_t>(count);
+    }
+    return true;
+}
+
+bool MessageReader::read(int flags) {
+    constexpr std::size_t most = 65536;
+    const std::size_t before = m_bytes.size();
+    m_bytes.resize(before + most);
+    iovec part{m_bytes.data() + before, most};
+    alignas(cmsghdr) Control control{};
+    msghdr header{};
+    header.msg_iov = &part;
+    header.msg_iovlen = 1;
+    header.msg_control = control.data();
+    header.msg_controllen = control.size();
+    ssize_t count = -1;
+    do
+        count = recvmsg(m_socket, &header, flags | MSG_CMSG_CLOEXEC);
+    while (count < 0 && errno == EINTR && flags == 0);
+    const int error = errno;
+    m_bytes.resize(before + static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+    if (count > 0) takeFrom(header, m_descriptors);
+    return count > 0 || (count < 0 && (error == EAGAIN || error == EINTR));
+}
+
+bool MessageReader::readArrived() { return read(MSG_DONTWAIT); }
+
+std::optional<json> MessageReader::next() {
+    Size size = 0;
+    if (m_bytes.size() < sizeof size) return std::nullopt;
+    std::memcpy(&size, m_bytes.data(), sizeof size);
+    if (size > m_mostBytes)
+        throw Failure("a message of " + numberText(size) + " bytes came, and " + numberText(m_mostBytes) +
+                      " are allowed");
+    if (m_bytes.size() - sizeof size < size) return std::nullopt;
+    const auto begin = m_bytes.begin() + sizeof size;
+    const auto end = begin + static_cast<std::ptrdiff_t>(size);
+    json message = json::from_cbor(begin, end, true, false);
+    m_bytes.erase(m_bytes.begin(), end);
+    if (message.is_discarded()) throw Failure("what came is not a message");
+    return message;
+}
+
+std::optional<json> MessageReader::wait() {
+    for (;;) {
+        if (std::optional<json> message = next()) return message;
+        if (!read(0)) return std::nullopt;
+    }
+}
+
+} // namespace applet_tools

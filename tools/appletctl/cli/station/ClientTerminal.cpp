@@ -1,0 +1,85 @@
+#include "appletctl/cli/station/ClientTerminal.h"
+
+#include "applet_tools/base/errors.h"
+
+#include <fcntl.h>
+#include <stdio_ext.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <iostream>
+
+namespace appletctl {
+namespace {
+
+constexpr int streams[] = {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO};
+constexpr std::size_t folderIndex = 3;
+
+std::string variable(const char* name) {
+    const char* const value = std::getenv(name);
+    return value != nullptr ? value : "";
+}
+
+/** Nothing of one client's streams may be left in the buffers for the next. */
+void emptyStreams() {
+    std::cout.flush();
+    std::cerr.flush();
+    std::fflush(stdout);
+    std::fflush(stderr);
+    __fpurge(stdin);
+    std::clearerr(stdin);
+    for (std::ios* stream : {static_cast<std::ios*>(&std::cin), static_cast<std::ios*>(&std::cout),
+                             static_cast<std::ios*>(&std::cerr)})
+        stream->clear();
+}
+
+void become(const serve::ClientCommand& command) {
+    emptyStreams();
+    for (const int stream : streams)
+        dup2(command.files[static_cast<std::size_t>(stream)].number(), stream);
+    if (fchdir(command.files[folderIndex].number()) != 0)
+        throw Failure(std::string("the client's folder cannot be entered: ") + std::strerror(errno));
+    for (const auto& [name, value] : command.environment)
+        setenv(name.c_str(), value.c_str(), 1);
+}
+
+/** The terminal as it is now. */
+serve::ClientCommand present() {
+    serve::ClientCommand now;
+    for (const int stream : streams)
+        now.files.emplace_back(fcntl(stream, F_DUPFD_CLOEXEC, 0));
+    now.files.emplace_back(open(".", O_PATH | O_DIRECTORY | O_CLOEXEC));
+    for (const auto& file : now.files)
+        if (!file) throw Failure(std::string("the terminal cannot be handed over: ") + std::strerror(errno));
+    for (const char* name : serve::clientVariables)
+        now.environment[name] = variable(name);
+    return now;
+}
+
+} // namespace
+
+void prepareClientTerminals() {
+    for (const char* name : serve::clientVariables)
+        setenv(name, variable(name).c_str(), 1);
+}
+
+ClientTerminal::ClientTerminal(const serve::ClientCommand& command) : m_before(present()) {
+    try {
+        become(command);
+    } catch (...) {
+        become(m_before);
+        throw;
+    }
+}
+
+ClientTerminal::~ClientTerminal() {
+    try {
+        become(m_before);
+    } catch (const std::exception&) { // a folder that has gone: files are named with whole paths from here on
+    }
+}
+
+} // namespace appletctl

@@ -1,0 +1,29 @@
+/** A client's terminal in place of the station's own. */
+#ifndef APPLETCTL_CLI_CLIENTTERMINAL_H
+#define APPLETCTL_CLI_CLIENTTERMINAL_H
+
+#include "appletctl/base/applet_tools.h"
+#include "serve/ClientMessage.h"
+
+namespace appletctl {
+
+/** Gives all variables that a client's terminal needs a place in the environment, so that they can be changed later while
+ *  other threads read theirs. */
+void prepareClientTerminals();
+
+/** While one lives, the standard streams, the working folder and the environment of this process are the client's. One
+ *  may be within another's life. Only one thread may use the streams. */
+class ClientTerminal {
+public:
+    explicit ClientTerminal(const serve::ClientCommand& command);
+    ~ClientTerminal();
+    ClientTerminal(const ClientTerminal&) = delete;
+    ClientTerminal& operator=(const ClientTerminal&) = delete;
+
+private:
+    serve::ClientCommand m_before; // what is put back
+};
+
+} // namespace appletctl
+
+#endif

@@ -1,0 +1,47 @@
+/** What a client and a station say to each other over the socket. */
+#ifndef SERVE_CLIENTMESSAGE_H
+#define SERVE_CLIENTMESSAGE_H
+
+#include "applet_tools/base/Descriptor.h"
+#include "applet_tools/base/words.h"
+
+#include <nlohmann/json.hpp>
+
+#include <array>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace serve {
+
+/** Both sides have to be of the same program: another number is refused. */
+constexpr int protocolVersion = 1;
+
+/** The standard streams of the client and its working folder, in this order. */
+constexpr std::size_t clientFiles = 4;
+
+/** The environment variables of the client that its output depends on. */
+constexpr std::array<const char*, 6> clientVariables = {"TERM",   "COLUMNS",  "NO_COLOR",
+                                                        "LC_ALL", "LC_CTYPE", "LANG"};
+
+/** A command line that a client wants to be carried out, with its terminal. */
+struct ClientCommand {
+    enum class Kind {
+        commandLine, /**< `words` are a whole command line */
+        line         /**< `line` is one of a shell, and `words` are the command line of that shell */
+    };
+    Kind kind = Kind::commandLine;
+    applet_tools::Words words;
+    std::string line;
+    std::string place; /**< precedes the problems of a line: "line 3: " */
+    std::map<std::string, std::string> environment;
+    std::vector<applet_tools::Descriptor> files; /**< on the station's side: clientFiles of them */
+};
+
+nlohmann::json asMessage(const ClientCommand& command);
+/** Without the files. Throws nlohmann::json::exception for what is not such a message. */
+ClientCommand commandFrom(const nlohmann::json& message);
+
+} // namespace serve
+
+#endif

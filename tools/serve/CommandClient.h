@@ -1,0 +1,41 @@
+/** The client's side of a station's socket. */
+#ifndef SERVE_COMMANDCLIENT_H
+#define SERVE_COMMANDCLIENT_H
+
+#include "applet_tools/base/messages.h"
+#include "serve/ClientMessage.h"
+#include "serve/CommandSocket.h"
+#include "serve/StationPlace.h"
+
+#include <string>
+
+namespace serve {
+
+/** Connected from the constructor to the destructor. Each member throws Unavailable when the station ends meanwhile, and
+ *  Failure with its words when it refuses. */
+class CommandClient {
+public:
+    /** Throws what connectTo() throws. */
+    explicit CommandClient(const StationPlace& place);
+
+    /** Lets the station carry the command out, with the standard streams, the folder and the environment of this process.
+     *  SIGINT and SIGTERM interrupt it there; a second one ends this process. */
+    CommandEnd run(ClientCommand command);
+
+    /** Asks for the "status" or the "log"; gives that member of the answer. */
+    nlohmann::json ask(const std::string& what);
+
+    /** Asks the station to stop and waits for its end. */
+    void stop();
+
+private:
+    nlohmann::json answerTo(const nlohmann::json& message, std::span<const int> descriptors);
+
+    const std::string m_name;
+    const applet_tools::Descriptor m_socket;
+    applet_tools::MessageReader m_reader;
+};
+
+} // namespace serve
+
+#endif

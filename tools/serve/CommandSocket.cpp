@@ -1,0 +1,242 @@
+#include "serve/CommandSocket.h"
+
+#include "applet_tools/base/errors.h"
+#include "applet_tools/base/text.h"
+
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/time.h>
+#include <sys/un.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+
+namespace serve {
+namespace {
+
+using applet_tools::Descriptor;
+using applet_tools::Failure;
+using nlohmann::json;
+
+constexpr std::size_t mostClients = 64;
+constexpr std::size_t mostBytes = 4U << 20U; // a command line has at most half of it
+constexpr std::size_t mostLogged = 1000;
+
+Descriptor requireLock(const StationPlace& place) {
+    makeStationFolder();
+    Descriptor lock = lockPlace(place);
+    if (lock) return lock;
+    throw Failure("a station '" + place.name +
+                  "' runs already: give another name, or end it with 'appletctl station stop " + place.name +
+                  "'");
+}
+
+/** The lock is held, so a socket that is there is one of a station that was killed. */
+Descriptor listeningSocket(const std::filesystem::path& path) {
+    Descriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    std::strncpy(address.sun_path, path.c_str(), sizeof address.sun_path - 1);
+    unlink(path.c_str());
+    constexpr int backlog = 16;
+    if (!socket || bind(socket.number(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
+        chmod(path.c_str(), S_IRUSR | S_IWUSR) != 0 || ::listen(socket.number(), backlog) != 0)
+        throw Failure("the socket " + applet_tools::inQuotes(path.native()) +
+                      " cannot be made: " + std::strerror(errno));
+    return socket;
+}
+
+Descriptor wakingDescriptor() {
+    Descriptor made(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
+    if (!made) throw Failure(std::string("no event descriptor can be made: ") + std::strerror(errno));
+    return made;
+}
+
+/** Of the process at the other end; -1 for a user who is not to be served. */
+std::int64_t clientProcess(int socket) {
+    ucred peer{};
+    socklen_t size = sizeof peer;
+    if (getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &peer, &size) != 0) return -1;
+    return peer.uid == getuid() || peer.uid == 0 ? peer.pid : -1;
+}
+
+double secondsBetween(std::chrono::system_clock::time_point from, std::chrono::system_clock::time_point to) {
+    return std::chrono::duration<double>(to - from).count();
+}
+
+} // namespace
+
+CommandSocket::Connection::Connection(Descriptor descriptor)
+    : socket(std::move(descriptor))
+    , reader(socket.number(), mostBytes)
+    , process(clientProcess(socket.number())) {
+    constexpr timeval limit{0, 200'000}; // a client that does not read its answers is given up
+    setsockopt(socket.number(), SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
+}
+
+CommandSocket::CommandSocket(const StationPlace& place, json description)
+    : m_place(place)
+    , m_description(std::move(description))
+    , m_lock(requireLock(place))
+    , m_socket(listeningSocket(place.socket))
+    , m_wake(wakingDescriptor())
+    , m_ending(wakingDescriptor())
+    , m_thread([this] { listen(); }) {}
+
+CommandSocket::~CommandSocket() {
+    eventfd_write(m_ending.number(), 1);
+    m_thread.join();
+    unlink(m_place.socket.c_str()); // the lock stays, so that nobody locks a file that is about to go
+}
+
+bool CommandSocket::isStopAsked() const {
+    const std::lock_guard guard(m_mutex);
+    return m_isStopAsked;
+}
+
+std::optional<ClientCommand> CommandSocket::begin(const std::function<bool(const ClientCommand&)>& isWanted) {
+    const std::lock_guard guard(m_mutex);
+    if (m_waiting.empty()) {
+        eventfd_t ignored = 0;
+        eventfd_read(m_wake.number(), &ignored);
+        return std::nullopt;
+    }
+    const auto found =
+        std::ranges::find_if(m_waiting, [&](const Task& task) { return isWanted(task.command); });
+    if (found == m_waiting.end()) return std::nullopt;
+    m_running.push_back(std::move(*found));
+    m_waiting.erase(found);
+    m_running.back().begin = Clock::now();
+    ++m_count;
+    return std::move(m_running.back().command);
+}
+
+bool CommandSocket::end(const CommandEnd& end) {
+    const std::lock_guard guard(m_mutex);
+    const Task task = std::move(m_running.back());
+    m_running.pop_back();
+    const Clock::time_point now = Clock::now();
+    m_log.push_back({{"time", std::chrono::duration<double>(task.begin.time_since_epoch()).count()},
+                     {"process", task.client->process},
+                     {"command", task.text},
+                     {"exitCode", end.exitCode},
+                     {"seconds", secondsBetween(task.begin, now)}});
+    if (m_log.size() > mostLogged) m_log.pop_front();
+    applet_tools::sendMessage(task.client->socket.number(), {{"exit", end.exitCode}, {"over", end.isOver}});
+    if (!m_running.empty() && m_running.back().isInterrupted) raise(SIGINT); // it was held back meanwhile
+    return task.isInterrupted;
+}
+
+void CommandSocket::wake() const { eventfd_write(m_wake.number(), 1); }
+
+void CommandSocket::listen() {
+    sigset_t all;
+    sigfillset(&all);
+    pthread_sigmask(SIG_BLOCK, &all, nullptr); // signals are for the thread of the commands
+    for (;;) {
+        std::vector<pollfd> polled = {{m_ending.number(), POLLIN, 0}, {m_socket.number(), POLLIN, 0}};
+        for (const auto& client : m_clients)
+            polled.push_back({client->socket.number(), POLLIN, 0});
+        if (poll(polled.data(), polled.size(), -1) < 0) continue;
+        if (polled[0].revents != 0) return;
+        std::vector<std::shared_ptr<Connection>> gone;
+        for (std::size_t i = 0; i < m_clients.size(); ++i)
+            if (polled[i + 2].revents != 0 && !serveClient(m_clients[i])) gone.push_back(m_clients[i]);
+        for (const auto& client : gone) {
+            interrupt(client);
+            std::erase(m_clients, client);
+        }
+        if (polled[1].revents != 0) accept();
+    }
+}
+
+void CommandSocket::accept() {
+    Descriptor socket(accept4(m_socket.number(), nullptr, nullptr, SOCK_CLOEXEC));
+    if (!socket) return;
+    auto client = std::make_shared<Connection>(std::move(socket));
+    if (client->process >= 0 && m_clients.size() < mostClients) m_clients.push_back(std::move(client));
+}
+
+bool CommandSocket::serveClient(const std::shared_ptr<Connection>& client) {
+    try {
+        const bool isOpen = client->reader.readArrived();
+        while (const std::optional<json> message = client->reader.next())
+            if (!answer(client, *message)) return false;
+        return isOpen;
+    } catch (const std::exception& error) { // what came makes no sense
+        applet_tools::sendMessage(client->socket.number(), {{"refused", error.what()}});
+        return false;
+    }
+}
+
+bool CommandSocket::answer(const std::shared_ptr<Connection>& client, const json& message) {
+    const int socket = client->socket.number();
+    if (message.at("protocol") != protocolVersion)
+        throw Failure(
+            "the station is of another version of appletctl: stop it, and start it again with this one");
+    const auto what = message.at("do").get<std::string>();
+    if (what == "command" || what == "line") {
+        enqueue(client, message);
+        return true;
+    }
+    if (what == "interrupt") {
+        interrupt(client);
+        return true;
+    }
+    if (what == "status") return applet_tools::sendMessage(socket, status());
+    if (what == "log") {
+        const std::lock_guard guard(m_mutex);
+        return applet_tools::sendMessage(socket, {{"log", m_log}});
+    }
+    if (what != "stop") throw Failure("a station does not know the request '" + what + "'");
+    {
+        const std::lock_guard guard(m_mutex);
+        m_isStopAsked = true;
+        if (!m_running.empty()) {
+            m_running.back().isInterrupted = true;
+            pthread_kill(m_commandThread, SIGINT);
+        }
+        wake();
+    }
+    return applet_tools::sendMessage(socket, {{"stopping", true}});
+}
+
+void CommandSocket::enqueue(const std::shared_ptr<Connection>& client, const json& message) {
+    ClientCommand command = commandFrom(message);
+    command.files = client->reader.takeDescriptors();
+    if (command.files.size() != clientFiles)
+        throw Failure("a command comes with its standard streams and its folder");
+    std::string text =
+        command.kind == ClientCommand::Kind::line ? command.line : applet_tools::joinWords(command.words);
+    const std::lock_guard guard(m_mutex);
+    m_waiting.push_back({client, std::move(command), std::move(text)});
+    wake();
+}
+
+void CommandSocket::interrupt(const std::shared_ptr<Connection>& client) {
+    const std::lock_guard guard(m_mutex);
+    std::erase_if(m_waiting, [&](const Task& task) { return task.client == client; });
+    for (Task& task : m_running) {
+        if (task.client != client || task.isInterrupted) continue;
+        task.isInterrupted = true;
+        if (&task == &m_running.back()) pthread_kill(m_commandThread, SIGINT);
+    }
+}
+
+json CommandSocket::status() const {
+    const std::lock_guard guard(m_mutex);
+    json status = m_description;
+    status.update({{"name", m_place.name},
+                   {"process", getpid()},
+                   {"seconds", secondsBetween(m_start, Clock::now())},
+                   {"commands", m_count},
+                   {"waiting", m_waiting.size()},
+                   {"command", m_running.empty() ? json() : json(m_running.back().text)}});
+    return {{"status", status}};
+}
+
+} // namespace serve

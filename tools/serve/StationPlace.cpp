@@ -1,0 +1,131 @@
+#include "serve/StationPlace.h"
+
+#include "applet_tools/base/errors.h"
+#include "applet_tools/base/text.h"
+
+#include <fcntl.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+
+namespace serve {
+namespace {
+
+namespace fs = std::filesystem;
+using applet_tools::Descriptor;
+using applet_tools::Failure;
+
+/** The user's runtime directory, or where there is none, one of the user's own in the folder for temporary files. */
+fs::path stationFolder() {
+    const char* const runtime = std::getenv("XDG_RUNTIME_DIR");
+    if (runtime != nullptr && *runtime == '/') return fs::path(runtime) / "appletctl";
+    return "/tmp/appletctl-" + std::to_string(getuid());
+}
+
+bool isAlphanumeric(char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0; }
+
+bool isStationName(const std::string& name) {
+    constexpr std::size_t mostCharacters = 32;
+    return !name.empty() && name.size() <= mostCharacters && isAlphanumeric(name.front()) &&
+           std::ranges::all_of(name,
+                               [](char c) { return isAlphanumeric(c) || std::strchr("-_.", c) != nullptr; });
+}
+
+sockaddr_un addressOf(const fs::path& path) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    std::strncpy(address.sun_path, path.c_str(), sizeof address.sun_path - 1);
+    return address;
+}
+
+/** For the whole file; of the open file, so that a test of it does not take it. */
+struct flock wholeFile() {
+    struct flock lock {};
+    lock.l_type = F_WRLCK;
+    lock.l_whence = SEEK_SET;
+    return lock;
+}
+
+std::string runningStations() {
+    std::vector<std::string> names;
+    for (const std::string& name : stationNames())
+        if (isRunning(placeOf(name))) names.push_back(name);
+    return names.empty() ? "no station runs" : "running: " + applet_tools::join(names, ", ");
+}
+
+} // namespace
+
+StationPlace placeOf(const std::string& name) {
+    if (!isStationName(name))
+        throw applet_tools::UsageError(
+            applet_tools::inQuotedWord(name) +
+            " is not a name of a station: 1 to 32 letters, digits, '-', '_' and '.', "
+            "beginning with a letter or a digit");
+    const fs::path folder = stationFolder();
+    StationPlace place{name, folder / (name + ".socket"), folder / (name + ".lock"),
+                       folder / (name + ".log")};
+    if (place.socket.native().size() >= sizeof sockaddr_un::sun_path)
+        throw Failure("the socket " + applet_tools::inQuotes(place.socket.native()) + " has a path of " +
+                      std::to_string(place.socket.native().size()) + " bytes, and the system takes " +
+                      std::to_string(sizeof sockaddr_un::sun_path - 1) +
+                      ": set XDG_RUNTIME_DIR to a shorter folder");
+    return place;
+}
+
+void makeStationFolder() {
+    const fs::path folder = stationFolder();
+    const std::string shown = applet_tools::inQuotes(folder.native());
+    if (mkdir(folder.c_str(), S_IRWXU) != 0 && errno != EEXIST)
+        throw Failure("the folder " + shown + " cannot be made: " + std::strerror(errno));
+    struct stat status {};
+    if (lstat(folder.c_str(), &status) != 0 || !S_ISDIR(status.st_mode) || status.st_uid != getuid())
+        throw Failure("the folder " + shown + " for the sockets of stations is not one of this user's");
+    if ((status.st_mode & (S_IRWXG | S_IRWXO)) != 0)
+        throw Failure("the folder " + shown + " is open to other users: make it private, chmod 700");
+}
+
+std::vector<std::string> stationNames() {
+    std::vector<std::string> names;
+    std::error_code error;
+    for (const fs::directory_entry& entry : fs::directory_iterator(stationFolder(), error))
+        if (entry.path().extension() == ".socket" && isStationName(entry.path().stem()))
+            names.push_back(entry.path().stem());
+    std::ranges::sort(names);
+    return names;
+}
+
+Descriptor lockPlace(const StationPlace& place) {
+    Descriptor lock(open(place.lock.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, S_IRUSR | S_IWUSR));
+    if (!lock)
+        throw Failure(applet_tools::inQuotes(place.lock.native()) +
+                      " cannot be made: " + std::strerror(errno));
+    struct flock whole = wholeFile();
+    if (fcntl(lock.number(), F_OFD_SETLK, &whole) != 0) return Descriptor();
+    return lock;
+}
+
+bool isRunning(const StationPlace& place) {
+    const Descriptor lock(open(place.lock.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW));
+    struct flock whole = wholeFile();
+    return lock && fcntl(lock.number(), F_OFD_GETLK, &whole) == 0 && whole.l_type != F_UNLCK;
+}
+
+Descriptor connectTo(const StationPlace& place) {
+    Descriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    if (!socket) throw Failure(std::string("no socket can be made: ") + std::strerror(errno));
+    const sockaddr_un address = addressOf(place.socket);
+    if (connect(socket.number(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0)
+        return socket;
+    throw applet_tools::Unavailable("there is no station '" + place.name + "' (" + runningStations() +
+                                    "): start it with 'appletctl serve " + place.name +
+                                    "', or leave --station and " + "APPLETCTL_STATION out");
+}
+
+} // namespace serve
