@@ -12,8 +12,9 @@ CATALOGUE = [*SUPPORT, "src/catalogue/**"]
 # What a source needs that implements members of the object.
 MEMBERS = ["src/entry/sdk_parameters.h", "src/entry/setter_tools.h"]
 
-TIMING = ["station/timing/**"]
-PICTURE = ["station/picture/**", "station/timing/Record.h", "station/timing/Simulator.h", "station/timing/Tick.h"]
+SCENE = ["station/scene/**", *(f"station/timing/{name}.h" for name in ("Signals", "Tick", "Wave"))]
+TIMING = ["station/timing/**", *(f"station/scene/{name}.h" for name in ("Belt", "Camera", "Exposure"))]
+PICTURE = ["station/scene/**", "station/picture/**", "station/timing/Record.h", "station/timing/Simulator.h", "station/timing/Tick.h"]
 BOARD = [*HEADERS, "station/**", "virtual_board/**"]
 HOST = [*HEADERS, "virtual_board/virtual_board.h", "tools/applet_host/**"]
 TOOLS = "tools/applet_tools/"
@@ -52,6 +53,7 @@ ROOMS = [
     ("src/trigger/events.cpp", [*CATALOGUE, "src/trigger/*.h", "src/entry/PublishedParameters.h"]),
     ("src/trigger/*.cpp", [*CATALOGUE, *MEMBERS, "src/trigger/*.h"]),
     ("src/entry/**", [*HEADERS, "src/**"]),
+    ("station/scene/**", SCENE),
     ("station/timing/**", TIMING),
     ("station/picture/**", PICTURE),
     ("station/**", ["station/**"]),

@@ -2,9 +2,7 @@
 
 #include "virtual_board.h"
 
-#include "Board.h"
-#include "BoardStation.h"
-#include "Guard.h"
+#include "StationCall.h"
 
 #include <algorithm>
 #include <memory>
@@ -13,15 +11,6 @@
 using namespace vboard;
 
 namespace {
-
-/** What the function answers to the station of a board that is there. */
-template <typename Function> int perform(LOOMdevice* board, Function function) {
-    if (board == nullptr) return VBOARD_UNKNOWN;
-    return guarded(int{VBOARD_NO_MEMORY}, [&]() -> int {
-        const StationLock lock(*board);
-        return function(board->station().station());
-    });
-}
 
 /** Connects the wave that `make` gives for the first tick to come. */
 template <typename Make>
