@@ -4,6 +4,7 @@
 #include "applet_tools/pictures/formats.h"
 #include "applet_tools/station/missing_picture.h"
 #include "applet_tools/station/picture_record.h"
+#include "applet_tools/station/station_words.h"
 #include "applet_tools/station/waves.h"
 #include "appletctl/cli/step_words.h"
 
@@ -223,6 +224,42 @@ void checkWave(const Words& words) { parseWave(words[0] + "=" + words[1]); }
 std::string connectStationWave(ScenarioRunner& station, const Step& step) {
     station.board();
     connectWave(station.instance(), parseWave(step.words[0] + "=" + step.words[1]));
+    return "";
+}
+
+void checkStation(const Words& words) { readStationFile(words[0]); }
+
+std::string setUpStationFile(ScenarioRunner& station, const Step& step) {
+    station.board();
+    setUpStation(station.instance(), station.parameters(), readStationFile(step.words[0]));
+    return "";
+}
+
+void checkCamera(const Words& words) {
+    if (words.size() > 1 || words[0] != "off") cameraFromWords(words);
+}
+
+std::string attachCamera(ScenarioRunner& station, const Step& step) {
+    const auto& board = station.board();
+    LOOMdevice* const device = station.instance().device();
+    if (step.words[0] == "off")
+        board.camera_detach(device);
+    else
+        connectCamera(board, device, cameraFromWords(step.words));
+    return "";
+}
+
+void checkBelt(const Words& words) { beltFromWords(words); }
+
+std::string startBelt(ScenarioRunner& station, const Step& step) {
+    connectBelt(station.board(), station.instance().device(), beltFromWords(step.words));
+    return "";
+}
+
+void checkScene(const Words& words) { sceneFromWords(words); }
+
+std::string putScene(ScenarioRunner& station, const Step& step) {
+    connectScene(station.board(), station.instance().device(), sceneFromWords(step.words));
     return "";
 }
 

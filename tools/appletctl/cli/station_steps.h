@@ -14,6 +14,14 @@ std::string advanceStation(ScenarioRunner& station, const Step& step);
 void checkWave(const Words& words);
 std::string connectStationWave(ScenarioRunner& station, const Step& step);
 
+void checkStation(const Words& words);
+std::string setUpStationFile(ScenarioRunner& station, const Step& step);
+void checkCamera(const Words& words);
+std::string attachCamera(ScenarioRunner& station, const Step& step);
+void checkBelt(const Words& words);
+std::string startBelt(ScenarioRunner& station, const Step& step);
+void checkScene(const Words& words);
+std::string putScene(ScenarioRunner& station, const Step& step);
 void checkAcquire(const Words& words);
 std::string acquire(ScenarioRunner& station, const Step& step);
 

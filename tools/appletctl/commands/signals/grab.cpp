@@ -58,6 +58,7 @@ void addGrabOptions(CLI::App& command, Options& options) {
         ->type_name("K")
         ->check(CLI::Range(std::int64_t{1}, mostPictures));
     addWaves(command, options);
+    addStation(command, options);
 }
 
 /** The words: a number of pictures, then assignments. */
@@ -94,6 +95,7 @@ public:
         , m_file(m_own.file.value_or(""))
         , m_wanted(wantedFrom(words))
         , m_timeout(ticksFrom(m_own.timeout))
+        , m_station(stationOf(context.options()))
         , m_waves(wavesOf(context.options())) {
         if (m_own.file && m_file.empty()) throw UsageError("the name of the file is empty");
         if (!m_own.format.empty() && m_file.empty())
@@ -110,6 +112,7 @@ public:
             m_files.emplace(m_file, m_own.format, "say the format with --format");
         if (m_files) m_files->expect(m_wanted.pictures);
         requireStation(context.instance(), "'grab'");
+        if (m_station) setUpStation(context.instance(), context.parameters(), *m_station);
     }
 
     Report run() {
@@ -228,6 +231,7 @@ private:
     const std::string m_file; /**< empty: none */
     const Wanted m_wanted;
     const Ticks m_timeout;
+    const std::optional<StationFile> m_station;
     const std::vector<WaveRequest> m_waves;
     std::optional<PictureFiles> m_files;
     const Interruption m_interruption;
@@ -261,7 +265,8 @@ const Command grabCommand = {
                   "a picture of the test pattern"},
                  {"grab 3 -o 'img-%d.tiff' --from line.mcf", "three, with the settings of a file"},
                  {"grab --hash --from line.mcf", "a line for a test to compare"},
-                 {"grab --wave GPI_1=square:100us --from line.mcf", "with pulses at an input"}},
+                 {"grab --wave GPI_1=square:100us --from line.mcf", "with pulses at an input"},
+                 {"grab --station line.json -o chart.png", "from a camera that sees a belt"}},
     .most = -1,
     .run = grabPictures,
     .scratch = Context::Scratch::wanted,
