@@ -12,8 +12,9 @@ CATALOGUE = [*SUPPORT, "src/catalogue/**"]
 # What a source needs that implements members of the object.
 MEMBERS = ["src/entry/sdk_parameters.h", "src/entry/setter_tools.h"]
 
-TIMING = ["station/timing/**"]
-PICTURE = ["station/picture/**", "station/timing/Record.h", "station/timing/Simulator.h", "station/timing/Tick.h"]
+SCENE = ["station/scene/**", *(f"station/timing/{name}.h" for name in ("Signals", "Tick", "Wave"))]
+TIMING = ["station/timing/**", *(f"station/scene/{name}.h" for name in ("Belt", "Camera", "Exposure"))]
+PICTURE = ["station/scene/**", "station/picture/**", "station/timing/Record.h", "station/timing/Simulator.h", "station/timing/Tick.h"]
 BOARD_TABLES = [*HEADERS, "virtual_board/tables/**"]
 BOARD_IMAGES = ["station/**", "virtual_board/images/**"]
 BOARD = [*BOARD_TABLES, *BOARD_IMAGES, "virtual_board/virtual_board.h", "virtual_board/board/**"]
@@ -22,7 +23,7 @@ HOST = [*HEADERS, "virtual_board/virtual_board.h", "tools/applet_host/**"]
 TOOLS = "tools/applet_tools/"
 TOOLS_BASE = [*HEADERS, f"{TOOLS}base/**"]
 TOOLS_APPLET = [*TOOLS_BASE, *HOST, f"{TOOLS}applet/**"]
-TOOLS_SCRATCH = [*TOOLS_APPLET, f"{TOOLS}scratch/**"]
+TOOLS_SCRATCH = [*TOOLS_APPLET, f"{TOOLS}station/StationFile.h", f"{TOOLS}scratch/**"]
 TOOLS_PICTURES = [*TOOLS_BASE, f"{TOOLS}pictures/**"]
 TOOLS_STATION = [*TOOLS_APPLET, *TOOLS_PICTURES, f"{TOOLS}station/**"]
 TOOLS_ANSWERS = [*TOOLS_SCRATCH, *TOOLS_STATION, f"{TOOLS}answers/**"]
@@ -56,6 +57,7 @@ ROOMS = [
     ("src/trigger/events.cpp", [*CATALOGUE, "src/trigger/*.h", "src/entry/PublishedParameters.h"]),
     ("src/trigger/*.cpp", [*CATALOGUE, *MEMBERS, "src/trigger/*.h"]),
     ("src/entry/**", [*HEADERS, "src/**"]),
+    ("station/scene/**", SCENE),
     ("station/timing/**", TIMING),
     ("station/picture/**", PICTURE),
     ("station/**", ["station/**"]),

@@ -165,9 +165,64 @@ private:
         const unsigned choice = m_input.byte();
         if (choice < 16) vboard_reset(m_board);
         if (choice >= 16 && choice < 128) vboard_dma_rate(m_board, small() * small());
+        if (choice >= 128 && choice < 250) return setUp(choice);
         if (choice < 250) return;
         const double factors[] = {0.001, 0, -1}; // slow, for the sake of the sanitizers
         m_followsClock |= vboard_clock(board(), factors[choice % 3]) == VBOARD_OK && choice % 3 == 0;
+    }
+
+    /** Camera, belt or scene, with values within and beyond their limits. */
+    void setUp(unsigned choice) {
+        LOOMdevice* const any = board();
+        if (choice % 8 == 0) return note(vboard_camera_detach(any));
+        if (choice % 3 == 0) {
+            vboard_camera camera{};
+            camera.width = static_cast<std::uint32_t>(small());
+            camera.line_rate = static_cast<std::uint32_t>(small() % 4 == 0 ? small() * small() : 0);
+            camera.exposure = static_cast<std::uint32_t>(small());
+            vboard_camera_faults faults{};
+            for (std::uint8_t& colour : faults.order)
+                colour = static_cast<std::uint8_t>(m_input.byte() % 4);
+            faults.drop_every = m_input.byte();
+            faults.short_every = m_input.byte();
+            faults.short_width = static_cast<std::uint32_t>(small());
+            faults.lost_after = small();
+            faults.lost_for = small();
+            return note(vboard_camera_attach(any, &camera, m_input.byte() % 4 != 0 ? nullptr : &faults));
+        }
+        if (choice % 3 == 1) {
+            const auto speed = [&] {
+                return static_cast<std::int32_t>(m_input.word() >> m_input.byte() % 48);
+            };
+            std::vector<vboard_speed> pieces(m_input.byte() % 4);
+            for (vboard_speed& piece : pieces)
+                piece = {tick(), speed(), speed()};
+            vboard_belt_setup belt{};
+            belt.pieces = pieces.data();
+            belt.count = pieces.size();
+            belt.encoder_a = m_input.byte() % 14;
+            belt.encoder_b = m_input.byte() % 4 != 0 ? m_input.byte() % 14 : VBOARD_NO_INPUT;
+            belt.encoder_step = static_cast<std::uint32_t>(m_input.word() >> m_input.byte() % 64);
+            belt.barrier = m_input.byte() % 2 != 0 ? m_input.byte() % 14 : VBOARD_NO_INPUT;
+            belt.barrier_ahead = static_cast<std::int64_t>(m_input.word()) >> m_input.byte() % 64;
+            return note(vboard_belt(any, &belt));
+        }
+        vboard_scene_setup scene{};
+        scene.pixel = static_cast<std::uint32_t>(small());
+        scene.noise = static_cast<std::uint32_t>(small() * 8);
+        scene.seed = m_input.byte();
+        scene.width = m_input.byte() % 8;
+        scene.height = m_input.byte() % 8;
+        const std::vector<std::uint16_t> image(std::size_t{3} * scene.width * scene.height, 0x1234);
+        scene.components = m_input.byte() % 2 != 0 ? image.data() : nullptr;
+        std::vector<vboard_object> objects(m_input.byte() % 4);
+        for (vboard_object& object : objects) {
+            object.place = static_cast<std::int64_t>(m_input.word()) >> m_input.byte() % 64;
+            object.length = static_cast<std::int64_t>(m_input.word()) >> m_input.byte() % 64;
+        }
+        scene.objects = objects.data();
+        scene.object_count = objects.size();
+        note(vboard_scene(any, &scene));
     }
 
     using Function = void (Calls::*)();

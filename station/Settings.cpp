@@ -191,7 +191,10 @@ EngineSettings readEngineSettings(const Board& values, std::uint64_t bytesPerSec
                        board.route(Parameter::analyzer1Select, Parameter::analyzer1Invert),
                        board.route(Parameter::custom0Select, Parameter::custom0Invert),
                        board.route(Parameter::custom1Select, Parameter::custom1Invert),
+                       board.route(Parameter::cameraTriggerSelect, Parameter::cameraTriggerInvert),
                        board.route(Parameter::cameraTriggerSelect, Parameter::cameraTriggerInvert)};
+    settings.routes.back().invert = !settings.routes.back().invert;
+    settings.isPulseWidth = board.isOn(Parameter::cameraPulseWidth);
     settings.areAnalyzersHeld = board.isOn(Parameter::analyzerClear);
     settings.layout = layoutOf(board);
     return settings;

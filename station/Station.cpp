@@ -3,6 +3,7 @@
 #include "station/Settings.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <utility>
 
 namespace station {
@@ -22,6 +23,7 @@ void Station::readBoard() {
     EngineSettings settings = readEngineSettings(m_board, m_dmaRate);
     settings.picture = m_picture;
     settings.tables = m_tables;
+    settings.view = m_view;
     m_engine.configure(settings);
     if (isFirst) m_engine.setEncoderCount(countOf(m_board.value(Parameter::encoderCount)));
     m_engine.cutSource(isInputOn(Raster::Point::camera) || isInputOn(Raster::Point::buffer) ||
@@ -135,6 +137,54 @@ bool Station::inject(const std::shared_ptr<const Raster>& raster) {
     return length > 0;
 }
 
+void Station::setView() {
+    m_view = std::make_shared<View>(View{m_scene, m_camera.order, std::max(m_camera.fullExposure, 1U)});
+    m_revision.reset();
+}
+
+void Station::attachCamera(const CameraSetup& camera) {
+    m_camera = camera;
+    setView();
+    m_engine.attach(camera.timing);
+}
+
+void Station::detachCamera() { m_engine.detachCamera(); }
+
+bool Station::setBelt(const BeltSetup& belt) {
+    const bool hasEncoder = belt.encoderA != inputCount || belt.encoderB != inputCount;
+    const bool areInputs = !hasEncoder || (belt.encoderA < inputCount && belt.encoderB < inputCount &&
+                                           belt.encoderA != belt.encoderB);
+    if (!areInputs || belt.barrier > inputCount) return false;
+    const auto isTooFast = [&](std::int32_t speed) {
+        constexpr std::uint64_t thousandSteps = std::uint64_t{Wave::fastestEncoder} / 1000;
+        return std::uint64_t(std::abs(std::int64_t{speed})) >
+               thousandSteps * belt.step; // nanometres are thousandths
+    };
+    for (const SpeedPiece& piece : belt.pieces)
+        if (hasEncoder && (isTooFast(piece.from) || isTooFast(piece.to))) return false;
+    m_beltSetup = belt;
+    m_belt = std::make_shared<Belt>(from(), belt.pieces);
+    m_engine.setBelt(m_belt);
+    if (hasEncoder) connect(belt.encoderA, Wave::beltEncoder(from(), belt.pieces, belt.step), belt.encoderB);
+    connectBarrier();
+    return true;
+}
+
+void Station::connectBarrier() {
+    if (m_belt == nullptr || m_beltSetup.barrier >= inputCount) return;
+    const std::vector<Edge> edges = m_belt->barrier(m_scene.objects, m_beltSetup.ahead);
+    const bool isInItAtFirst = !edges.empty() && edges.front().tick == m_belt->start();
+    connect(m_beltSetup.barrier, Wave::edges(isInItAtFirst, edges));
+}
+
+void Station::setScene(Scene scene) {
+    m_scene = std::move(scene);
+    m_scene.objects = mergedObjects(std::move(m_scene.objects));
+    m_scene.pixel = std::max(m_scene.pixel, 1U);
+    setView();
+    connectBarrier();
+}
+
 void Station::setDmaRate(std::uint64_t bytesPerSecond) {
     m_dmaRate = bytesPerSecond;
     m_revision.reset();
@@ -192,14 +242,22 @@ Losses Station::losses() {
     return {.images = m_engine.buffer().lostImages(),
             .triggers = m_engine.trigger().ignored(),
             .pulses = m_engine.exSync().lostPulses(),
-            .cameraTriggers = m_engine.simulator().lostTriggers(),
+            .cameraTriggers = m_engine.simulator().lostTriggers() + m_engine.camera().lostTriggers(),
             .waits = m_engine.buffer().waits(),
             .events = m_engine.events().dropped()};
 }
 
+CameraState Station::cameraState() const {
+    const Camera& camera = m_engine.camera();
+    if (!camera.isAttached()) return CameraState::none;
+    if (!camera.isThere()) return CameraState::linkLost;
+    return m_camera.timing.lineRate > 0 ? CameraState::freeRunning : CameraState::triggered;
+}
+
 std::uint32_t Station::cameraStatus() const {
     const Signals& signals = m_engine.signals();
-    const bool bits[] = {countOf(m_board.value(Parameter::simulatorSource)) == 1, signals.level(lineValid),
+    const bool isSimulated = countOf(m_board.value(Parameter::simulatorSource)) == 1;
+    const bool bits[] = {isSimulated || m_engine.camera().isThere(), signals.level(lineValid),
                          signals.level(frameValid), signals.level(readOutput(m_board, 0)),
                          m_engine.trigger().level()};
     std::uint32_t status = 0;
@@ -233,16 +291,31 @@ void Station::publishReady() {
                         isInputOn(static_cast<Raster::Point>(i)) && m_engine.buffer().canInsert() ? 1 : 0);
 }
 
+/** Place and value of the last pixel of the source. */
+void Station::publishLastLine() {
+    const SourceLine& line = m_engine.lastLine();
+    std::uint32_t x = std::min(line.cycles, Raster::widest / 32) * 32 - 1;
+    std::uint32_t y = line.y;
+    std::uint32_t value = patternValue(m_picture->pattern, x, line.y, line.frame);
+    if (line.isOfCamera) {
+        const Exposure& exposure = m_engine.lastExposure();
+        std::vector<std::uint16_t> components;
+        drawExposure(*m_view, exposure, components);
+        x = exposure.width - 1;
+        y = static_cast<std::uint32_t>(exposure.number - 1);
+        value = std::uint32_t{components.end()[-3]} >> (16 - m_picture->colours.linkBits);
+    }
+    m_board.publish(Parameter::cameraDebugX, x);
+    m_board.publish(Parameter::cameraDebugY, y);
+    m_board.publish(Parameter::cameraDebugValue, value);
+}
+
 /** Place and value of the last pixel that passed a debug point with its output on. */
 void Station::publishMonitors() {
     const std::uint64_t lines = m_engine.linesEnded();
     const bool isCameraOn = (debugMode(Raster::Point::camera) & 3U) == 2; // lines of the source pass it
     if (isCameraOn && lines != m_monitoredLines) {
-        const SourceLine& line = m_engine.lastLine();
-        const std::uint32_t x = std::min(line.cycles, Raster::widest / 32) * 32 - 1;
-        m_board.publish(Parameter::cameraDebugX, x);
-        m_board.publish(Parameter::cameraDebugY, line.y);
-        m_board.publish(Parameter::cameraDebugValue, patternValue(m_picture->pattern, x, line.y, line.frame));
+        publishLastLine();
     }
     m_monitoredLines = lines;
     if ((debugMode(Raster::Point::output) & 2U) == 0 || m_memory == nullptr) return;

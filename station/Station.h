@@ -13,6 +13,7 @@
 #include "station/Board.h"
 #include "station/HostMemory.h"
 #include "station/Injection.h"
+#include "station/scene/Scene.h"
 #include "station/timing/Engine.h"
 
 #include <array>
@@ -32,6 +33,27 @@ struct Losses {
     std::uint64_t cameraTriggers = 0; // while a line or frame was in transfer
     std::uint64_t waits = 0;          // of the DMA, for a place in the memory of the host
     std::uint64_t events = 0;         // that left the queue of events
+};
+
+/** A camera at the port. */
+struct CameraSetup {
+    Camera::Settings timing;
+    std::array<std::uint8_t, 3> order{0, 1, 2}; // of the colours on the link: 0 red, 1 green, 2 blue
+    std::uint32_t fullExposure = 1;             // ticks after which a pixel has the value of the scene
+};
+
+/** At the port. */
+enum class CameraState : std::uint8_t { none, triggered, freeRunning, linkLost };
+
+/** A belt, and what is driven by it. */
+struct BeltSetup {
+    std::vector<SpeedPiece> pieces; // in micrometres a second
+    // Inputs; inputCount: none.
+    std::size_t encoderA = inputCount;
+    std::size_t encoderB = inputCount;
+    std::uint32_t step = 1; // of the encoder, in nanometres
+    std::size_t barrier = inputCount;
+    std::int64_t ahead = 0; // of the camera, in nanometres
 };
 
 class Station {
@@ -59,6 +81,15 @@ public:
     bool connect(std::size_t input, const Wave& wave, std::size_t second = inputCount) {
         return m_engine.connect(input, wave, second);
     }
+    /** Attaches a camera to the port, in place of the one that was there, from the next tick on. */
+    void attachCamera(const CameraSetup& camera);
+    /** Takes the camera off. */
+    void detachCamera();
+    /** Starts a belt at place 0 at the next tick, and connects what it drives. False if there is no such input, or the
+     *  encoder would make more quarter steps a second than an encoder does. */
+    bool setBelt(const BeltSetup& belt);
+    /** What the camera sees, from the first line of the next image on, and the light barrier at once. */
+    void setScene(Scene scene);
     /** Puts an image into the path at a debug point, as one that has just come: the lines of the simulator no longer
      *  pass a point whose input is on (bit 0 of its OperationMode). At the camera YOffset, YLength and ImageHeight cut
      *  it as in free run, and no trigger is asked for. False if the input is off, no acquisition runs, or there is no
@@ -96,16 +127,20 @@ public:
     Losses losses();
     /** Lines of the source so far. */
     std::uint64_t lines() const { return m_engine.lines(); }
+    CameraState cameraState() const;
     /** Bits: 0 a source is there, 1 LVAL, 2 FVAL, 3 camera trigger, 4 input of the image trigger. */
     std::uint32_t cameraStatus() const;
     std::uint32_t fillLevel() { return m_engine.buffer().fillLevel(now()); }
 
 private:
     void readBoard();
+    void setView();
+    void connectBarrier();
     void publish();
     void publishAnalyzers();
     void publishReady();
     void publishMonitors();
+    void publishLastLine();
     void writePixels(Raster::Point point, bool isFlag, std::uint64_t value);
     std::uint32_t debugMode(Raster::Point point) const;
     bool insert(const std::shared_ptr<const Raster>& raster, std::uint32_t first, std::uint32_t lines);
@@ -120,6 +155,11 @@ private:
     std::optional<std::uint64_t> m_tableRevision;
     std::shared_ptr<const PictureSettings> m_picture;
     std::shared_ptr<const Tables> m_tables;
+    CameraSetup m_camera;
+    BeltSetup m_beltSetup;
+    std::shared_ptr<const Belt> m_belt; // null: it rests
+    Scene m_scene;
+    std::shared_ptr<const View> m_view; // null without a camera
     std::uint64_t m_dmaRate = 0;
     std::int64_t m_pictures = 0; // that the acquisition was asked for
     bool m_isHot = false;

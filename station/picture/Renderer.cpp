@@ -1,6 +1,7 @@
 #include "station/picture/Renderer.h"
 
 #include "station/picture/Packing.h"
+#include "station/scene/Scene.h"
 
 #include <algorithm>
 #include <array>
@@ -102,17 +103,22 @@ void Renderer::drawLine(const SourceLine& line, std::uint8_t* out) const {
         width, [start, factor](std::uint32_t x, std::uint32_t) { return (start + x * factor) & 0xff; }, out);
 }
 
+/** Draws components of a line on the link, with 16 bits each. */
+void Renderer::drawLink(std::uint32_t width, const std::uint16_t* components, std::uint8_t* out) const {
+    const std::uint32_t shift = 16 - m_settings->colours.linkBits;
+    drawPixels(
+        width,
+        [components, shift](std::uint32_t x, std::uint32_t component) {
+            return std::uint32_t{components[std::size_t{3} * x + component]} >> shift;
+        },
+        out);
+}
+
 void Renderer::drawRaster(const Raster& raster, std::uint32_t y, std::uint8_t* out) const {
     const ColourSettings& colours = m_settings->colours;
     const std::uint16_t* row = raster.components.data() + std::size_t{3} * raster.width * y;
     if (raster.point == Raster::Point::camera) {
-        const std::uint32_t shift = 16 - colours.linkBits;
-        drawPixels(
-            raster.width,
-            [row, shift](std::uint32_t x, std::uint32_t component) {
-                return std::uint32_t{row[std::size_t{3} * x + component]} >> shift;
-            },
-            out);
+        drawLink(raster.width, row, out);
         return;
     }
     packInto(out, colours.outBits, [&](auto packed) {
@@ -133,6 +139,7 @@ void Renderer::drawRaster(const Raster& raster, std::uint32_t y, std::uint8_t* o
 
 bool Renderer::render(const Record& record, std::span<std::uint8_t> out) {
     if (record.settings == nullptr || out.size() < record.bytes()) return false;
+    if (!record.exposures.empty() && record.view == nullptr) return false;
     if (record.layout.bytesPerLine <
         packedSize(std::uint64_t{3} * record.settings->xLength, record.settings->colours.outBits))
         return false;
@@ -144,10 +151,15 @@ bool Renderer::render(const Record& record, std::span<std::uint8_t> out) {
     std::uint32_t number = 0;
     for (const LineRun& run : record.runs) {
         for (std::uint32_t i = 0; i < run.count; ++i, ++number) {
-            if (record.raster == nullptr)
-                drawLine(run.line(i), rowAt(number));
+            const SourceLine line = run.line(i);
+            if (line.isOfCamera) {
+                const Exposure& exposure = record.exposures[line.y];
+                drawExposure(*record.view, exposure, m_link);
+                drawLink(exposure.width, m_link.data(), rowAt(number));
+            } else if (record.raster == nullptr)
+                drawLine(line, rowAt(number));
             else // an image that comes in behind the buffer is not turned over
-                drawRaster(*record.raster, run.line(i).y,
+                drawRaster(*record.raster, line.y,
                            record.raster->point == Raster::Point::camera ? rowAt(number)
                                                                          : out.data() + stride * number);
         }
@@ -158,17 +170,19 @@ bool Renderer::render(const Record& record, std::span<std::uint8_t> out) {
 std::uint32_t lastPixelOf(const Record& record) {
     if (record.runs.empty() || record.settings == nullptr || record.settings->xLength == 0) return 0;
     const bool isInserted = record.raster != nullptr && record.raster->point != Raster::Point::camera;
-    const LineRun& last = record.runs.back();
     Record line;
     line.layout = record.layout;
     line.settings = record.settings;
     line.tables = record.tables;
     line.raster = record.raster;
-    line.lines = 1;
-    if (record.settings->isMirroredY && !isInserted)
-        line.runs.push_back({record.runs.front().first, 1});
+    line.view = record.view;
+    const bool isTurned = record.settings->isMirroredY && !isInserted;
+    const LineRun& run = isTurned ? record.runs.front() : record.runs.back();
+    const SourceLine last = run.line(isTurned ? 0 : run.count - 1);
+    if (last.isOfCamera)
+        line.add(last, record.exposures[last.y]);
     else
-        line.runs.push_back({last.line(last.count - 1), 1});
+        line.add(last);
     std::vector<std::uint8_t> bytes(line.bytes() + sizeof(std::uint64_t)); // a pixel may begin within a byte
     if (!Renderer().render(line, bytes)) return 0;
     const std::uint32_t bits = record.settings->colours.outBits;

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <vector>
 
 namespace station {
 
@@ -23,12 +24,14 @@ private:
     void prepare(const Record& record);
     void drawLine(const SourceLine& line, std::uint8_t* out) const;
     void drawRaster(const Raster& raster, std::uint32_t y, std::uint8_t* out) const;
+    void drawLink(std::uint32_t width, const std::uint16_t* components, std::uint8_t* out) const;
     template <typename PixelAt>
     void drawPixels(std::uint32_t width, PixelAt pixelAt, std::uint8_t* out) const;
 
     std::shared_ptr<const PictureSettings> m_settings; // that the tables were made for
     std::shared_ptr<const Tables> m_lookup;
     std::unique_ptr<Components> m_components;
+    std::vector<std::uint16_t> m_link; // a line of a camera
 };
 
 /** The last pixel of a picture as it is in memory, from its lowest bit on: no more than 32 bits. 0 if there is none. */

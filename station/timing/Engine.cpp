@@ -11,6 +11,7 @@ void Engine::configure(const EngineSettings& settings) {
     m_settings = settings;
     m_inputs.configure(settings.inputs, m_from);
     m_simulator.configure(settings.simulator, m_from);
+    m_camera.configure(!settings.simulator.isSource, settings.isPulseWidth, m_from);
     m_encoder.configure(settings.encoder);
     m_downscaler.configure(settings.downscale, settings.phase);
     m_trigger.configure(settings.trigger, m_from);
@@ -24,7 +25,8 @@ void Engine::configure(const EngineSettings& settings) {
     if (settings.areAnalyzersHeld) clearAnalyzers();
     for (std::size_t tap = 0; tap < tapCount; ++tap)
         m_signals.route(static_cast<Tap>(tap), settings.routes[tap], m_from, false);
-    if (!settings.simulator.isSource && m_lineEnd == never && m_signals.level(frameValid))
+    if (!settings.simulator.isSource && m_lineEnd == never && m_signals.level(frameValid) &&
+        !m_isFrameOfImage)
         setFrame(false, m_from);
     m_wake = m_from;
 }
@@ -47,6 +49,7 @@ Tick Engine::nextTick() const {
     Tick tick = std::min(m_wake, m_signals.pulseEnd());
     tick = std::min(tick, std::min(m_lineEnd, m_inputs.next()));
     tick = std::min(tick, std::min(m_softwareTick, m_exsync.next()));
+    tick = std::min(tick, std::min(m_camera.next(), m_camera.nextLinkChange()));
     return std::min(tick, std::min(m_simulator.next(), m_buffer.next()));
 }
 
@@ -78,14 +81,29 @@ void Engine::runTick(Tick tick) {
     if (m_exsync.next() <= tick) m_exsync.run(tick);
     if (m_exsync.edges() != edges && m_exsync.isEnabled()) m_flash.edge(tick);
     showFlash(tick);
-    do { // a line that starts may be a camera trigger itself
-        for (; m_cameraEdges > 0; --m_cameraEdges)
-            m_simulator.trigger(tick);
-        if (m_simulator.next() <= tick) startLine(tick);
-    } while (m_cameraEdges > 0);
+    if (m_camera.nextLinkChange() <= tick && m_camera.changeLink(tick)) m_events.add(Event::linkLost, tick);
+    while (runSource(tick)) {
+    } // a line that starts may be a camera trigger itself
     if (m_buffer.next() > tick) return;
     m_buffer.run(tick);
-    if (m_buffer.isDone()) endAcquisition();
+    if (m_buffer.isDone()) endAcquisition(tick);
+}
+
+/** Gives the source its triggers, and takes the line that it starts. True if there are triggers again. */
+bool Engine::runSource(Tick tick) {
+    if (std::exchange(m_hasTriggerFallen, false)) m_camera.release(tick);
+    for (; m_cameraEdges > 0; --m_cameraEdges) {
+        m_simulator.trigger(tick);
+        m_camera.trigger(tick);
+    }
+    if (m_lineEnd != never) return false; // of another source
+    if (m_simulator.next() <= tick) {
+        startLine(m_simulator.startLine(), {}, tick);
+    } else if (m_camera.next() <= tick) {
+        const Exposure exposure = m_camera.startLine(tick);
+        startLine({.cycles = Camera::cyclesOf(exposure.width), .isOfCamera = true}, exposure, tick);
+    }
+    return m_cameraEdges > 0 || m_hasTriggerFallen;
 }
 
 bool Engine::runSoftware(Tick tick) {
@@ -129,11 +147,20 @@ void Engine::setFrame(bool isValid, Tick tick) {
     m_events.add(isValid ? Event::frameStart : Event::frameEnd, tick);
 }
 
-void Engine::startLine(Tick tick) {
-    m_lineBefore = std::exchange(m_line, m_simulator.startLine());
+/** FVAL of a camera, which has no frames. */
+void Engine::setImage(bool isInProgress, Tick tick) {
+    if (isInProgress ? !m_line.isOfCamera : !m_isFrameOfImage) return;
+    m_isFrameOfImage = isInProgress;
+    if (m_signals.level(frameValid) != isInProgress) setFrame(isInProgress, tick);
+}
+
+void Engine::startLine(const SourceLine& line, const Exposure& exposure, Tick tick) {
+    m_lineBefore = std::exchange(m_line, line);
+    m_exposureBefore = std::exchange(m_exposure, exposure);
     m_lineEnd = later(tick, m_line.cycles);
     ++m_lines;
     if (m_line.isFirst) {
+        m_isFrameOfImage = false;
         if (m_signals.level(frameValid)) setFrame(false, tick);
         setFrame(true, tick);
     }
@@ -142,10 +169,13 @@ void Engine::startLine(Tick tick) {
     m_events.add(Event::lineStart, tick);
     if (!m_exsync.isEnabled()) m_flash.edge(tick);
     const bool isTaken = m_trigger.lineStarts(tick);
-    m_isLineStored = isTaken && m_record != nullptr && m_record->add(m_line);
+    const bool isOfCamera = m_line.isOfCamera;
+    m_isLineStored = isTaken && m_record != nullptr &&
+                     (isOfCamera ? m_record->add(m_line, m_exposure) : m_record->add(m_line));
     if (m_isLineStored) {
         m_record->lastLine = tick;
-        m_record->isNarrow |= std::uint64_t{m_line.cycles} * 32 < m_record->layout.sensorWidth;
+        const std::uint64_t width = isOfCamera ? m_exposure.width : std::uint64_t{m_line.cycles} * 32;
+        m_record->isNarrow |= width < m_record->layout.sensorWidth;
     } else if (isTaken && m_record != nullptr) {
         m_trigger.cutImage();
     }
@@ -163,7 +193,7 @@ void Engine::endLine(Tick tick) {
     }
     m_isLineStored = false;
     m_trigger.lineEnds(tick);
-    const bool isFrameOver = m_line.isLast || !m_settings.simulator.isSource;
+    const bool isFrameOver = !m_isFrameOfImage && (m_line.isLast || !m_settings.simulator.isSource);
     if (isFrameOver && m_signals.level(frameValid)) setFrame(false, tick);
 }
 
@@ -181,6 +211,9 @@ void Engine::rises(Tap tap, Tick tick) {
         break;
     case Tap::cameraTrigger:
         ++m_cameraEdges;
+        break;
+    case Tap::cameraRelease:
+        m_hasTriggerFallen = true;
         break;
     }
 }
@@ -206,6 +239,7 @@ std::shared_ptr<Record> Engine::newRecord() const {
     record->layout = m_settings.layout;
     record->settings = m_settings.picture;
     record->tables = m_settings.tables;
+    record->view = m_settings.view;
     return record;
 }
 
@@ -214,6 +248,7 @@ void Engine::imageStarts(Tick tick) {
         ++m_triggers;
         m_flash.start(tick);
     }
+    setImage(true, tick);
     if (m_isSourceCut) return;
     m_record = newRecord();
     m_record->firstLine = tick;
@@ -221,27 +256,35 @@ void Engine::imageStarts(Tick tick) {
 }
 
 void Engine::imageEnds(Tick tick, bool isShort) {
+    setImage(false, tick);
     if (m_record == nullptr) return;
     m_record->isShort = isShort;
     m_record = nullptr;
     m_buffer.close(tick);
 }
 
-void Engine::endAcquisition() {
+void Engine::endAcquisition(Tick tick) {
     m_trigger.setAcquiring(false);
     m_record = nullptr;
+    setImage(false, tick);
 }
 
 void Engine::acquire(Destination* destination, std::uint64_t pictures) {
-    endAcquisition();
+    endAcquisition(m_from);
     m_triggers = 0;
     m_buffer.start(destination, pictures);
     m_trigger.setAcquiring(true);
 }
 
 void Engine::stop() {
-    endAcquisition();
+    endAcquisition(m_from);
     m_buffer.stop();
+}
+
+void Engine::detachCamera() {
+    if (!m_camera.isAttached()) return;
+    if (m_camera.isThere()) m_events.add(Event::linkLost, m_from);
+    m_camera.detach();
 }
 
 void Engine::cutSource(bool isCut) {

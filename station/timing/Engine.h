@@ -2,12 +2,13 @@
  * The timing engine: takes the edges, lines and images of the station in the order of their ticks.
  *
  * Its cost grows with the number of events, never with the time between them. Within a tick it takes in turn: ends of
- * pulses of one tick, the end of a line, the inputs, image trigger, line trigger, ExSync, camera trigger, the start of
- * a line, the DMA. So an image that starts in the tick of a line takes this line, and one that ends does not.
+ * pulses of one tick, the end of a line, the inputs, image trigger, line trigger, ExSync, the link of the camera, camera
+ * trigger, the start of a line, the DMA. So an image that starts in the tick of a line takes this line, and one that ends does not.
  */
 #ifndef STATION_TIMING_ENGINE_H
 #define STATION_TIMING_ENGINE_H
 
+#include "station/scene/Camera.h"
 #include "station/timing/Analyzer.h"
 #include "station/timing/Buffer.h"
 #include "station/timing/Encoder.h"
@@ -36,6 +37,7 @@ struct Wire {
 /** All that the engine is set to. */
 struct EngineSettings {
     Simulator::Settings simulator;
+    bool isPulseWidth = false; // the camera exposes while its trigger is high
     ExSync::Settings exsync;
     Encoder::Settings encoder;
     std::uint32_t downscale = 1;
@@ -52,6 +54,7 @@ struct EngineSettings {
     bool areAnalyzersHeld = false; // cleared, and not counting
     Layout layout;
     std::shared_ptr<const PictureSettings> picture;
+    std::shared_ptr<const View> view; // of the camera
     std::shared_ptr<const Tables> tables;
 };
 
@@ -77,6 +80,10 @@ public:
     /** A pulse of one tick on the software wire. */
     void pulseSoftware();
     void clearAnalyzers();
+    /** Attaches a camera to the port; it may get another belt at any time. */
+    void attach(const Camera::Settings& settings) { m_camera.attach(settings, m_from); }
+    void detachCamera();
+    void setBelt(std::shared_ptr<const Belt> belt) { m_camera.setBelt(std::move(belt)); }
     void setEncoderCount(std::uint32_t count) { m_encoder.setCount(count); }
 
     /** Starts an acquisition, which ends after so many pictures; 0: never. One that runs ends. */
@@ -101,11 +108,14 @@ public:
     const ImageTrigger& trigger() const { return m_trigger; }
     const ExSync& exSync() const { return m_exsync; }
     const Simulator& simulator() const { return m_simulator; }
+    const Camera& camera() const { return m_camera; }
     Buffer& buffer() { return m_buffer; }
     std::uint64_t lines() const { return m_lines; }
     /** Lines of the source whose transfer has ended, and the last of them. */
     std::uint64_t linesEnded() const { return m_lines - (m_lineEnd != never ? 1 : 0); }
     const SourceLine& lastLine() const { return m_lineEnd != never ? m_lineBefore : m_line; }
+    /** The same of the camera, if it is one of the camera. */
+    const Exposure& lastExposure() const { return m_lineEnd != never ? m_exposureBefore : m_exposure; }
 
 private:
     // TapHandler
@@ -122,10 +132,12 @@ private:
     bool runSoftware(Tick tick);
     void followWires(Tick tick);
     bool level(const Wire& wire) const;
-    void startLine(Tick tick);
+    bool runSource(Tick tick);
+    void startLine(const SourceLine& line, const Exposure& exposure, Tick tick);
     void endLine(Tick tick);
     void setFrame(bool isValid, Tick tick);
-    void endAcquisition();
+    void setImage(bool isInProgress, Tick tick);
+    void endAcquisition(Tick tick);
     void showFlash(Tick tick) { m_signals.set(flash, m_flash.level(), tick); }
 
     static constexpr std::uint32_t mostSoftwarePulses = 1U << 20;
@@ -139,6 +151,7 @@ private:
     ExSync m_exsync{m_signals};
     Flash m_flash;
     Simulator m_simulator;
+    Camera m_camera;
     ImageTrigger m_trigger{*this};
     Buffer m_buffer;
     std::array<Analyzer, 2> m_analyzers;
@@ -148,6 +161,7 @@ private:
     Tick m_from = 0;
     Tick m_wake = 0;                 // the tick after a change of the settings
     std::uint32_t m_cameraEdges = 0; // of the camera trigger that wait for the source
+    bool m_hasTriggerFallen = false;
     // The software wire: pulses to come, each a tick high and a tick low.
     std::uint32_t m_softwarePulses = 0;
     bool m_isSoftwareHigh = false;
@@ -155,6 +169,8 @@ private:
     // The line in transfer.
     SourceLine m_line;
     SourceLine m_lineBefore;
+    Exposure m_exposure;
+    Exposure m_exposureBefore;
     Tick m_lineEnd = never;
     bool m_isLineStored = false;
     std::uint64_t m_lines = 0;
@@ -162,6 +178,8 @@ private:
     std::shared_ptr<Record> m_record;
     std::uint64_t m_triggers = 0; // starts
     bool m_isSourceCut = false;
+    bool m_isFrameOfImage =
+        false; // FVAL is that of an image in progress, which a camera has in place of a frame
 };
 
 } // namespace station

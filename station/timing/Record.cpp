@@ -5,12 +5,18 @@ namespace station {
 SourceLine LineRun::line(std::uint32_t number) const {
     const std::uint64_t place = std::uint64_t{first.y} + number;
     SourceLine line = first;
+    if (first.isOfCamera) {
+        line.y += number;
+        return line;
+    }
     line.y = static_cast<std::uint32_t>(place % first.height);
     line.frame = first.frame + static_cast<std::uint32_t>(place / first.height);
     return line;
 }
 
 bool LineRun::isFollowedBy(const SourceLine& next) const {
+    if (next.isOfCamera != first.isOfCamera) return false;
+    if (next.isOfCamera) return next.y == first.y + count;
     if (next.height != first.height || next.cycles != first.cycles) return false;
     const SourceLine expected = line(count);
     return next.y == expected.y && next.frame == expected.frame;
@@ -25,6 +31,13 @@ bool Record::add(const SourceLine& line) {
     }
     ++lines;
     return true;
+}
+
+bool Record::add(const SourceLine& line, const Exposure& exposure) {
+    SourceLine placed = line;
+    placed.y = static_cast<std::uint32_t>(exposures.size());
+    exposures.push_back(exposure);
+    return add(placed);
 }
 
 } // namespace station

@@ -2,6 +2,7 @@
 #ifndef STATION_TIMING_RECORD_H
 #define STATION_TIMING_RECORD_H
 
+#include "station/scene/Exposure.h"
 #include "station/timing/Simulator.h"
 #include "station/timing/Tick.h"
 
@@ -15,6 +16,7 @@ namespace station {
 struct PictureSettings; // what a picture is made with
 struct Tables;          // the lookup tables
 struct Raster;          // pixels that were injected
+struct View;            // what the camera looks at
 
 /** Parameters of an image's way through buffer and DMA, as they were at its first line. */
 struct Layout {
@@ -55,6 +57,8 @@ struct Record {
     bool isNarrow = false; // a line of the source was narrower than what was to be stored of it
     Layout layout;
     std::vector<LineRun> runs;
+    std::vector<Exposure> exposures; // the lines of a camera; their y is the place here
+    std::shared_ptr<const View> view;
     std::shared_ptr<const PictureSettings> settings;
     std::shared_ptr<const Tables> tables;
     std::shared_ptr<const Raster> raster; // of an injected image
@@ -62,6 +66,8 @@ struct Record {
     std::uint64_t bytes() const { return layout.bytesPerLine * lines; }
     /** Adds a line; false if there is no room for another piece. */
     bool add(const SourceLine& line);
+    /** Adds a line of a camera. */
+    bool add(const SourceLine& line, const Exposure& exposure);
 };
 
 } // namespace station

@@ -47,8 +47,15 @@ struct Route {
 };
 
 /** What looks at a signal through the crossbar while time moves. */
-enum class Tap : std::uint8_t { analyzer0, analyzer1, customEvent0, customEvent1, cameraTrigger };
-inline constexpr std::size_t tapCount = 5;
+enum class Tap : std::uint8_t {
+    analyzer0,
+    analyzer1,
+    customEvent0,
+    customEvent1,
+    cameraTrigger,
+    cameraRelease
+};
+inline constexpr std::size_t tapCount = 6; // the last one rises where the camera trigger falls
 
 /** Learns of rising edges behind the crossbar. */
 class TapHandler {

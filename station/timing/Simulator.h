@@ -16,6 +16,7 @@ struct SourceLine {
     std::uint32_t cycles = 1; // ticks of its transfer, 32 pixels each
     bool isFirst = false;     // of the frame
     bool isLast = false;
+    bool isOfCamera = false; // and not of the simulator: frame and height say nothing
 };
 
 class Simulator {

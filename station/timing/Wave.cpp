@@ -7,8 +7,7 @@
 namespace station {
 namespace {
 
-constexpr std::int64_t unitsOfStep = 2 * static_cast<std::int64_t>(ticksPerSecond);
-constexpr std::int32_t largestSpeed = 10'000'000;
+constexpr std::int64_t unitsOfOne = 2 * static_cast<std::int64_t>(ticksPerSecond); // that speeds count
 constexpr Tick longestPiece = Tick{1} << 40;
 
 /** Track A is high after the first and second quarter of a period, B after the second and third. */
@@ -49,17 +48,31 @@ Wave Wave::edges(bool level, const std::vector<Edge>& edges) {
     return wave;
 }
 
-Wave Wave::encoder(Tick start, std::vector<SpeedPiece> pieces) {
+std::vector<SpeedPiece> Wave::limited(std::vector<SpeedPiece> pieces, std::int32_t fastest) {
+    for (SpeedPiece& piece : pieces) {
+        piece.ticks = std::min(piece.ticks, longestPiece);
+        piece.from = std::clamp(piece.from, -fastest, fastest);
+        piece.to = std::clamp(piece.to, -fastest, fastest);
+    }
+    std::erase_if(pieces, [](const SpeedPiece& piece) { return piece.ticks == 0; });
+    if (!pieces.empty()) pieces.push_back({0, pieces.back().to, pieces.back().to});
+    return pieces;
+}
+
+Wave Wave::encoder(Tick start, const std::vector<SpeedPiece>& pieces) {
+    return moving(start, limited(pieces, fastestEncoder), unitsOfOne);
+}
+
+Wave Wave::beltEncoder(Tick start, const std::vector<SpeedPiece>& pieces, std::uint32_t step) {
+    constexpr std::int64_t unitsOfNanometre = unitsOfOne / 1000;
+    return moving(start, limited(pieces, fastestBelt), std::max(step, 1U) * unitsOfNanometre);
+}
+
+Wave Wave::moving(Tick start, std::vector<SpeedPiece> pieces, std::int64_t unitsOfStep) {
     Wave wave;
     wave.m_kind = Kind::encoder;
     wave.m_start = std::min(start, lastTick);
-    for (SpeedPiece& piece : pieces) {
-        piece.ticks = std::min(piece.ticks, longestPiece);
-        piece.from = std::clamp(piece.from, -largestSpeed, largestSpeed);
-        piece.to = std::clamp(piece.to, -largestSpeed, largestSpeed);
-    }
-    std::erase_if(pieces, [](const SpeedPiece& piece) { return piece.ticks == 0; });
-    if (!pieces.empty()) pieces.push_back({0, pieces.back().to, pieces.back().to}); // for ever
+    wave.m_unitsOfStep = unitsOfStep;
     wave.m_pieces = std::move(pieces);
     wave.m_place = unitsOfStep / 2;
     if (wave.m_pieces.empty()) return wave;
@@ -106,7 +119,7 @@ void Wave::step() {
 void Wave::nextPiece() {
     const SpeedPiece past = m_present;
     const Place way = (Place{past.from} + past.to) * static_cast<Place>(past.ticks);
-    m_place = static_cast<std::int64_t>(m_place + way - Place{m_steps} * unitsOfStep);
+    m_place = static_cast<std::int64_t>(m_place + way - Place{m_steps} * m_unitsOfStep);
     m_steps = 0;
     m_start = later(m_start, past.ticks);
     m_present = m_pieces[m_piece++];
@@ -127,7 +140,7 @@ bool Wave::isStepDone(Tick ticks, bool isForward) const {
     const Place from = m_present.from;
     const Place ramp = m_present.to - from;
     const Place place = (m_place + 2 * from * time) * length + ramp * time * time;
-    const Place goal = (Place{m_steps} + (isForward ? 1 : 0)) * unitsOfStep * length;
+    const Place goal = (Place{m_steps} + (isForward ? 1 : 0)) * m_unitsOfStep * length;
     return isForward ? place >= goal : place <= goal;
 }
 
@@ -138,7 +151,7 @@ bool Wave::findStepWithin(Tick after, Tick end, bool isForward) {
     Tick high = end;
     if (m_present.from == m_present.to) { // at an even speed the place is known
         if (m_present.from == 0) return false;
-        const Place goal = (Place{m_steps} + (isForward ? 1 : 0)) * unitsOfStep;
+        const Place goal = (Place{m_steps} + (isForward ? 1 : 0)) * m_unitsOfStep;
         const Place way = isForward ? goal - m_place : m_place - goal;
         const auto speed =
             static_cast<std::uint64_t>(2 * std::int64_t{isForward ? m_present.from : -m_present.from});

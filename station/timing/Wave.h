@@ -10,7 +10,7 @@
 
 namespace station {
 
-/** A piece of an encoder's movement. Speeds are quarter steps a second, negative backwards, at most ten million. */
+/** A piece of a movement. Speeds are negative backwards; what they count, and how fast is the fastest, is the user's. */
 struct SpeedPiece {
     Tick ticks = 0; // at most 2^40
     std::int32_t from = 0;
@@ -28,8 +28,14 @@ public:
     /** A level and its edges. An edge that is not later than the one before takes its place. */
     static Wave edges(bool level, const std::vector<Edge>& edges);
     /** Two tracks, A and B, of an encoder that rests in the middle between two edges and moves from `start` on. After
-     *  the last piece its speed stays. */
-    static Wave encoder(Tick start, std::vector<SpeedPiece> pieces);
+     *  the last piece its speed stays. Speeds are quarter steps a second. */
+    static Wave encoder(Tick start, const std::vector<SpeedPiece>& pieces);
+    /** The same of an encoder on a belt: speeds are micrometres a second, and a quarter step is so many nanometres. */
+    static Wave beltEncoder(Tick start, const std::vector<SpeedPiece>& pieces, std::uint32_t step);
+    static constexpr std::int32_t fastestEncoder = 10'000'000; // quarter steps a second
+    static constexpr std::int32_t fastestBelt = 100'000'000;   // micrometres a second
+    /** The pieces without those of no time, within the limits, and a last one that stays for ever: its time is 0. */
+    static std::vector<SpeedPiece> limited(std::vector<SpeedPiece> pieces, std::int32_t fastest);
 
     /** Leaves out what was before `from`. An encoder moves from there on instead. */
     void begin(Tick from);
@@ -43,9 +49,10 @@ public:
 
 private:
     enum class Kind : std::uint8_t { constant, square, edges, encoder };
-    /** Quarter steps times twice the ticks of a second, times the ticks of the piece if it is a ramp: exact. */
+    /** What speeds count, times twice the ticks of a second, times the ticks of the piece if it is a ramp: exact. */
     __extension__ typedef __int128 Place;
 
+    static Wave moving(Tick start, std::vector<SpeedPiece> pieces, std::int64_t unitsOfStep);
     void nextPiece();
     void findStep(Tick after);
     bool findStepWithin(Tick after, Tick end, bool isForward);
@@ -63,10 +70,11 @@ private:
     // Encoder.
     std::vector<SpeedPiece> m_pieces; // those to come
     std::size_t m_piece = 0;
-    SpeedPiece m_present;     // 0 ticks: for ever
+    SpeedPiece m_present; // 0 ticks: for ever
+    std::int64_t m_unitsOfStep = 1;
     Tick m_start = 0;         // of the present piece; times below count from it
     Tick m_turn = 0;          // where it changes its direction, or its end
-    std::int64_t m_place = 0; // at its start, in 1 / (2 * ticksPerSecond), from the step that was done last
+    std::int64_t m_place = 0; // at its start, from the step that was done last
     std::int64_t m_steps = 0; // since its start
     bool m_isStepForward = false;
     Tick m_stride = 0; // from the step before to the next

@@ -58,6 +58,11 @@ std::string answer(Trial& run, const std::string& question) {
     if (what == "greys" && words >> picture) return listOf(run.bytes(picture), 3);
     if (what == "value" && words >> name)
         return listOf(std::vector{run.value(Values((name + "=0").c_str()).all().at(0).first)});
+    if (what == "numbers" && words >> picture) return run.numbers(picture);
+    if (what == "narrow" && words >> picture) return std::to_string(run.memory->record(picture)->isNarrow);
+    if (what == "link-losses") return std::to_string(run.board.raised(Event::linkLost));
+    if (what == "state") return std::to_string(static_cast<int>(run.station.cameraState()));
+    if (what == "status") return std::to_string(run.station.cameraStatus());
     if (what == "glitches") return std::to_string(run.board.raised(Event::glitch));
     if (what == "ignored") return std::to_string(run.station.losses().triggers);
     if (what == "lost-pulses") return std::to_string(run.station.losses().pulses);
@@ -87,6 +92,7 @@ void expectAnswers(const char* name) {
     EXPECT_GT(cases, 10);
 }
 
+TEST(StationCases, Camera) { expectAnswers("camera"); }
 TEST(StationCases, Images) { expectAnswers("images"); }
 TEST(StationCases, Inputs) { expectAnswers("inputs"); }
 TEST(StationCases, Pixels) { expectAnswers("pixels"); }

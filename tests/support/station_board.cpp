@@ -1,5 +1,6 @@
 #include "support/station_board.h"
 
+#include <cctype>
 #include <sstream>
 
 namespace station {
@@ -89,6 +90,9 @@ void Trial::act(const std::string& action) {
                 static_cast<std::uint32_t>(std::stoul(entry.substr(entry.find('=') + 1), nullptr, 16));
         return board.setTable(colour == "red" ? Colour::red : Colour::blue, entries);
     }
+    if (what == "camera") return attach(words);
+    if (what == "belt") return startBelt(words);
+    if (what == "scene") return setScene(words);
     if (what == "inject") {
         Raster raster{Raster::Point::camera, 0, 1};
         for (unsigned component = 0; words >> component;
@@ -104,6 +108,106 @@ void Trial::act(const std::string& action) {
     const Values read(values.c_str());
     for (const auto& [parameter, value] : read.all())
         write(parameter, value);
+}
+
+namespace {
+
+/** Numbers between the signs of "encoder=1/2/25000". */
+std::vector<std::int64_t> numbersOf(const std::string& text, int base = 10) {
+    std::vector<std::int64_t> numbers;
+    for (std::size_t place = text.find('=') + 1; place < text.size();) {
+        std::size_t length = 0;
+        numbers.push_back(std::stoll(text.substr(place), &length, base));
+        place += length;
+        while (place < text.size() && std::isdigit(text[place]) == 0 && text[place] != '-')
+            ++place;
+    }
+    return numbers;
+}
+
+} // namespace
+
+void Trial::attach(std::istream& words) {
+    CameraSetup camera;
+    if (!(words >> camera.timing.width)) return station.detachCamera();
+    for (std::string word; words >> word;) {
+        const std::vector<std::int64_t> numbers = numbersOf(word);
+        const auto first = static_cast<std::uint32_t>(numbers[0]);
+        const std::string what = word.substr(0, word.find('='));
+        if (what == "rate") camera.timing.lineRate = first;
+        if (what == "exposure") camera.timing.exposure = camera.fullExposure = first;
+        if (what == "full") camera.fullExposure = first;
+        if (what == "drop") camera.timing.dropEvery = first;
+        if (what == "short") camera.timing.shortEvery = first;
+        if (what == "short") camera.timing.shortWidth = static_cast<std::uint32_t>(numbers[1]);
+        if (what == "lost") camera.timing.lostAt = first;
+        if (what == "lost") camera.timing.lostFor = static_cast<Tick>(numbers[1]);
+        for (std::size_t i = 0; what == "order" && i < 3; ++i)
+            camera.order[i] = static_cast<std::uint8_t>(word[6 + i] - '0');
+    }
+    station.attachCamera(camera);
+}
+
+void Trial::startBelt(std::istream& words) {
+    BeltSetup belt;
+    for (std::string word; words >> word;) {
+        const std::vector<std::int64_t> numbers = numbersOf(word);
+        if (word.starts_with("encoder=")) {
+            belt.encoderA = static_cast<std::size_t>(numbers[0]);
+            belt.encoderB = static_cast<std::size_t>(numbers[1]);
+            belt.step = static_cast<std::uint32_t>(numbers[2]);
+        } else if (word.starts_with("barrier=")) {
+            belt.barrier = static_cast<std::size_t>(numbers[0]);
+            belt.ahead = numbers[1] * 1000;
+        } else { // FROM..TO/TICKS, SPEED/TICKS or SPEED
+            const bool isRamp = word.find("..") != word.npos;
+            const auto ticks = static_cast<Tick>(numbers.size() > (isRamp ? 2U : 1U) ? numbers.back() : 1);
+            belt.pieces.push_back({ticks, static_cast<std::int32_t>(numbers[0]),
+                                   static_cast<std::int32_t>(numbers[isRamp ? 1 : 0])});
+        }
+    }
+    EXPECT_TRUE(station.setBelt(belt));
+}
+
+void Trial::setScene(std::istream& words) {
+    Scene scene;
+    for (std::string word; words >> word;) {
+        const std::string what = word.substr(0, word.find('='));
+        if (what == "image" || what == "colour") { // WIDTHxHEIGHT:GREY.GREY..., or RED.GREEN.BLUE of a pixel
+            auto image = std::make_shared<SceneImage>(SceneImage{1, 1, {}});
+            const std::size_t colon = word.find(':');
+            if (what == "image") {
+                image->width = static_cast<std::uint32_t>(numbersOf(word)[0]);
+                image->height = static_cast<std::uint32_t>(numbersOf(word)[1]);
+            }
+            std::istringstream levels(word.substr((colon == word.npos ? word.find('=') : colon) + 1));
+            for (std::string level; std::getline(levels, level, '.');)
+                image->components.insert(image->components.end(), what == "image" ? 3 : 1,
+                                         static_cast<std::uint16_t>(std::stoul(level, nullptr, 16)));
+            scene.image = image;
+            continue;
+        }
+        const std::vector<std::int64_t> numbers = numbersOf(word);
+        if (what == "pixel") scene.pixel = static_cast<std::uint32_t>(numbers[0]);
+        if (what == "object") scene.objects.push_back({numbers[0] * 1000, numbers[1] * 1000});
+        if (what == "noise") scene.noise = static_cast<std::uint32_t>(numbers[0]);
+        if (what == "noise") scene.seed = static_cast<std::uint64_t>(numbers[1]);
+    }
+    station.setScene(scene);
+}
+
+std::string Trial::numbers(std::int64_t picture) {
+    const std::vector<int> all = bytes(picture);
+    const std::size_t pitch = all.empty() ? 1 : memory->record(picture)->layout.bytesPerLine;
+    std::string numbers;
+    for (std::size_t line = 0; line < all.size() / pitch; ++line) {
+        const auto isWhite = [&](std::size_t bar) { return all[line * pitch + 3 * (8 * bar + 4)] > 127; };
+        unsigned number = 0;
+        for (std::size_t bit = 0; bit < 20; ++bit)
+            number = 2 * number + (isWhite(2 + bit) ? 1 : 0);
+        numbers += (line > 0 ? " " : "") + (isWhite(0) && !isWhite(1) ? std::to_string(number) : "-");
+    }
+    return numbers;
 }
 
 ValueBoard::ValueBoard() {

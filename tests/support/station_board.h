@@ -8,6 +8,7 @@
 
 #include <array>
 #include <initializer_list>
+#include <istream>
 #include <map>
 #include <memory>
 #include <ostream>
@@ -115,6 +116,12 @@ public:
      *  parameters. Also "wave INPUT +TICK -TICK ...", "table red ENTRY=VALUE ...", "inject COMPONENT ...", "acquire". */
     void play(const std::string& actions);
     void act(const std::string& action);
+    /** The rest of the actions "camera WIDTH rate=R exposure=E ...", "belt SPEED encoder=A/B/STEP ..." and "scene ...". */
+    void attach(std::istream& words);
+    void startBelt(std::istream& words);
+    void setScene(std::istream& words);
+    /** What the bars of the chart say in each line of a picture; - where there are none. */
+    std::string numbers(std::int64_t picture);
 
     ValueBoard board;
     Station station{board};

@@ -221,6 +221,8 @@ std::int64_t Board::stationStatus(int what) {
         return static_cast<std::int64_t>(station.now());
     case VBOARD_STATUS_LINES:
         return static_cast<std::int64_t>(station.lines());
+    case VBOARD_STATUS_CAMERA:
+        return static_cast<std::int64_t>(station.cameraState());
     case VBOARD_STATUS_FILL_LEVEL:
         return station.fillLevel();
     case VBOARD_STATUS_LOST_IMAGES:

@@ -2,9 +2,7 @@
 
 #include "virtual_board/virtual_board.h"
 
-#include "virtual_board/board/Board.h"
-#include "virtual_board/board/BoardStation.h"
-#include "virtual_board/board/Guard.h"
+#include "virtual_board/libraries/StationCall.h"
 
 #include <algorithm>
 #include <memory>
@@ -14,15 +12,6 @@
 using namespace vboard;
 
 namespace {
-
-/** What the function answers to the station of a board that is there. */
-template <typename Function> int perform(LOOMdevice* board, Function function) {
-    if (board == nullptr) return VBOARD_UNKNOWN;
-    return guarded(int{VBOARD_NO_MEMORY}, [&]() -> int {
-        const StationLock lock(*board);
-        return function(board->station().station());
-    });
-}
 
 /** Connects the wave that `make` gives for the first tick to come. */
 template <typename Make>

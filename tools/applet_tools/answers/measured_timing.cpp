@@ -1,4 +1,5 @@
 #include "applet_tools/answers/measured_timing.h"
+#include "applet_tools/station/StationFile.h"
 
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/numbers.h"
@@ -80,7 +81,7 @@ private:
             if (const auto* encoder = std::get_if<EncoderWave>(&wave.wave)) use(encoder->second);
         }
         const bool isEncoder = is("FG_SHAFTENCODERON", FG_ON);
-        if (!m_expected.isExternal || !waves.empty()) return;
+        if (!m_expected.isExternal || !waves.empty() || stationOfEnvironment()) return;
         if (isEncoder) {
             m_timing.remarks.emplace_back("no pulse came to the line trigger: give its encoder a --wave");
             return;

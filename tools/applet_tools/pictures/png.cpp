@@ -1,8 +1,10 @@
 #include "applet_tools/base/errors.h"
 #include "applet_tools/pictures/formats.h"
+#include "applet_tools/pictures/image_file.h"
 
 #include <png.h>
 
+#include <algorithm>
 #include <csetjmp>
 #include <new>
 
@@ -86,7 +88,93 @@ bool Writer::write(const PictureView& picture) {
     return true;
 }
 
+/** The same two structures for reading. */
+class Reader {
+public:
+    explicit Reader(const std::string& bytes)
+        : m_bytes(bytes)
+        , m_png(png_create_read_struct(PNG_LIBPNG_VER_STRING, this, failed, warned))
+        , m_info(m_png != nullptr ? png_create_info_struct(m_png) : nullptr) {
+        if (m_info != nullptr) png_set_read_fn(m_png, this, take);
+    }
+    ~Reader() { png_destroy_read_struct(&m_png, &m_info, nullptr); }
+    Reader(const Reader&) = delete;
+    Reader& operator=(const Reader&) = delete;
+
+    /** False, with the reason, when the library fails. In between the image gets its size. */
+    bool readHead();
+    bool readRows();
+
+    std::uint32_t width = 0, height = 0;
+    PixelImage image;
+    std::string reason = "there is no memory left";
+
+private:
+    bool readInto(png_bytepp rows);
+
+    [[noreturn]] static void failed(png_structp png, const char* reason) {
+        static_cast<Reader*>(png_get_error_ptr(png))->reason = reason;
+        png_longjmp(png, 1);
+    }
+    static void warned(png_structp, const char*) {}
+    static void take(png_structp png, png_bytep to, std::size_t size) {
+        auto& reader = *static_cast<Reader*>(png_get_io_ptr(png));
+        if (size > reader.m_bytes.size() - reader.m_place) png_error(png, "the file ends too early");
+        std::copy_n(reader.m_bytes.data() + reader.m_place, size, reinterpret_cast<char*>(to));
+        reader.m_place += size;
+    }
+
+    const std::string& m_bytes;
+    std::size_t m_place = 0;
+    png_structp m_png;
+    png_infop m_info;
+    bool m_isWide = false;
+};
+
+bool Reader::readHead() {
+    if (m_info == nullptr || setjmp(png_jmpbuf(m_png)) != 0) return false;
+    png_read_info(m_png, m_info);
+    png_set_expand(m_png);
+    png_set_strip_alpha(m_png);
+    png_set_gray_to_rgb(m_png);
+    png_set_interlace_handling(m_png);
+    png_read_update_info(m_png, m_info);
+    width = png_get_image_width(m_png, m_info);
+    height = png_get_image_height(m_png, m_info);
+    m_isWide = png_get_bit_depth(m_png, m_info) == 16;
+    return true;
+}
+
+bool Reader::readRows() {
+    const std::size_t pitch = std::size_t{3} * width * (m_isWide ? 2 : 1);
+    std::vector<png_byte> pixels(pitch * height);
+    std::vector<png_bytep> rows(height);
+    for (std::size_t y = 0; y < height; ++y)
+        rows[y] = pixels.data() + pitch * y;
+    if (!readInto(rows.data())) return false;
+    for (std::size_t i = 0; i < image.components.size(); ++i)
+        image.components[i] = m_isWide ? static_cast<std::uint16_t>(pixels[2 * i] << 8 | pixels[2 * i + 1])
+                                       : widened(pixels[i], 8);
+    return true;
+}
+
+/** Without an object of its own: none is left behind by an error. */
+bool Reader::readInto(png_bytepp rows) {
+    if (setjmp(png_jmpbuf(m_png)) != 0) return false;
+    png_read_image(m_png, rows);
+    return true;
+}
+
 } // namespace
+
+PixelImage decodePng(const std::string& bytes) {
+    Reader reader(bytes);
+    if (reader.readHead()) {
+        reader.image.resize(reader.width, reader.height);
+        if (reader.readRows()) return std::move(reader.image);
+    }
+    throw UsageError("it is not a sound PNG file: " + reader.reason);
+}
 
 std::string encodePng(const PictureView& picture) {
     Writer writer;

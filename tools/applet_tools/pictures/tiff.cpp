@@ -1,5 +1,6 @@
 #include "applet_tools/base/errors.h"
 #include "applet_tools/pictures/formats.h"
+#include "applet_tools/pictures/image_file.h"
 
 #include <tiffio.h>
 
@@ -70,10 +71,10 @@ void writeRow(TIFF* tiff, const PictureView& picture, std::uint32_t y,
 
 using Tiff = std::unique_ptr<TIFF, void (*)(TIFF*)>;
 
-Tiff openIn(MemoryFile& file) {
+Tiff openIn(MemoryFile& file, const char* mode = "w") {
     TIFFSetWarningHandler(nullptr);
     TIFFSetErrorHandler(nullptr);
-    return {TIFFClientOpen("picture", "w", &file, readFrom, writeTo, seekIn, closeNothing, sizeOf, nullptr,
+    return {TIFFClientOpen("picture", mode, &file, readFrom, writeTo, seekIn, closeNothing, sizeOf, nullptr,
                            nullptr),
             TIFFClose};
 }
@@ -110,6 +111,60 @@ void TiffPages::add(const PictureView& picture) {
 }
 
 const std::string& TiffPages::bytes() const { return m_state->file.bytes; }
+
+namespace {
+
+/** Rows of 16 bits, of three components or of grey, as they are in the file. */
+bool readWideRows(TIFF* tiff, std::uint16_t samples, PixelImage& image) {
+    std::vector<std::uint16_t> row(static_cast<std::size_t>(TIFFScanlineSize(tiff)) / 2 + 1);
+    for (std::uint32_t y = 0; y < image.height; ++y) {
+        if (TIFFReadScanline(tiff, row.data(), y, 0) != 1) return false;
+        std::uint16_t* const out = image.row(y);
+        for (std::size_t i = 0; i < std::size_t{3} * image.width; ++i)
+            out[i] = row[samples == 1 ? i / 3 : i / 3 * samples + i % 3];
+    }
+    return true;
+}
+
+/** Everything else, with 8 bits. */
+bool readNarrowRows(TIFF* tiff, PixelImage& image) {
+    std::vector<std::uint32_t> pixels(std::size_t{image.width} * image.height);
+    const int isStopping = 1;
+    if (TIFFReadRGBAImageOriented(tiff, image.width, image.height, pixels.data(), ORIENTATION_TOPLEFT,
+                                  isStopping) != 1)
+        return false;
+    for (std::size_t i = 0; i < image.components.size(); ++i)
+        image.components[i] = widened(static_cast<std::uint8_t>(pixels[i / 3] >> (8 * (i % 3))), 8);
+    return true;
+}
+
+std::uint16_t tagOf(TIFF* tiff, std::uint32_t tag) {
+    std::uint16_t value = 0;
+    TIFFGetFieldDefaulted(tiff, tag, &value);
+    return value;
+}
+
+} // namespace
+
+PixelImage decodeTiff(const std::string& bytes) {
+    MemoryFile file{bytes, 0};
+    const Tiff tiff = openIn(file, "rm");
+    PixelImage image;
+    std::uint32_t width = 0, height = 0;
+    if (tiff == nullptr || TIFFGetField(tiff.get(), TIFFTAG_IMAGEWIDTH, &width) != 1 ||
+        TIFFGetField(tiff.get(), TIFFTAG_IMAGELENGTH, &height) != 1)
+        throw UsageError("it is not a sound TIFF file");
+    image.resize(width, height);
+    const std::uint16_t samples = tagOf(tiff.get(), TIFFTAG_SAMPLESPERPIXEL);
+    const std::uint16_t kind = tagOf(tiff.get(), TIFFTAG_PHOTOMETRIC);
+    const bool isWide = tagOf(tiff.get(), TIFFTAG_BITSPERSAMPLE) == 16 && TIFFIsTiled(tiff.get()) == 0 &&
+                        tagOf(tiff.get(), TIFFTAG_PLANARCONFIG) == PLANARCONFIG_CONTIG &&
+                        ((kind == PHOTOMETRIC_RGB && (samples == 3 || samples == 4)) ||
+                         (kind == PHOTOMETRIC_MINISBLACK && samples == 1));
+    const bool isRead = isWide ? readWideRows(tiff.get(), samples, image) : readNarrowRows(tiff.get(), image);
+    if (!isRead) throw UsageError("it is not a sound TIFF file");
+    return image;
+}
 
 std::string encodeTiff(const PictureView& picture) {
     TiffPages pages;

@@ -1,5 +1,6 @@
 #include "applet_tools/base/errors.h"
 #include "applet_tools/pictures/formats.h"
+#include "applet_tools/pictures/image_file.h"
 
 namespace applet_tools {
 namespace {
@@ -20,5 +21,6 @@ void TiffPages::add(const PictureView&) { refuse(); }
 const std::string& TiffPages::bytes() const { refuse(); }
 
 std::string encodeTiff(const PictureView&) { refuse(); }
+PixelImage decodeTiff(const std::string&) { refuse(); }
 
 } // namespace applet_tools

@@ -5,6 +5,7 @@
 #include "applet_tools/base/text.h"
 #include "applet_tools/scratch/BoardState.h"
 #include "applet_tools/scratch/ScratchSession.h"
+#include "applet_tools/station/StationFile.h"
 
 #include <algorithm>
 #include <iterator>
@@ -25,6 +26,9 @@ Instance& LiveSession::instance() {
     if (m_copy) return m_copy->instance();
     if (m_instance) return *m_instance;
     const Stopwatch watch;
+    const auto station = m_options.board == BoardKind::virtualBoard && !m_options.offline
+                             ? stationOfEnvironment()
+                             : std::nullopt;
     if (!m_host) m_host = std::make_shared<applet_host::AppletHost>(locationsFor(m_options));
     Instance& made = m_instance.emplace(
         m_options, m_host, m_publishesDesign ? DesignParameters::published : DesignParameters::asSwitched);
@@ -32,6 +36,7 @@ Instance& LiveSession::instance() {
     m_notes.push_back(std::string(m_options.offline ? "instance without a board" : kind) +
                       ": brought up in " + watch.text() + ", by " +
                       inQuotes(toUtf8(m_host->files().back().c_str())));
+    if (station && made.host()->isVirtual()) setUpStation(made, parameters(), *station);
     return made;
 }
 

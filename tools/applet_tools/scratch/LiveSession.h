@@ -34,6 +34,7 @@ public:
     explicit LiveSession(const BoardOptions& options, Scratch scratch = Scratch::none,
                          std::span<const JobRow> jobs = {}, ObserveWork observe = {});
 
+    /** A virtual board is the station that VBOARD_STATION names, if it names one. */
     Instance& instance();
     /** False before the first use, and after a restart that failed. */
     bool isUp() const { return m_instance.has_value(); }

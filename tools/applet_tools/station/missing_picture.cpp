@@ -57,9 +57,13 @@ private:
         return is("FG_TRIGGERCAMERA_SOURCE", FG_SIGNAL_CAM0_EXSYNC) ||
                is("FG_TRIGGERCAMERA_SOURCE", FG_SIGNAL_CAM0_EXSYNC2);
     }
+    bool isSimulated() const { return is("FG_CAMERASIMULATOR_ENABLE", FG_CAMERASIMULATOR); }
+    std::int64_t camera() const {
+        return m_instance.applet().Fg_getStatusEx(m_instance.fg(), VBOARD_STATUS_CAMERA, 0, 0, nullptr);
+    }
     bool isSourceTriggered() const {
-        return is("FG_CAMERASIMULATOR_ENABLE", FG_CAMERASIMULATOR) &&
-               !is("FG_CAMERASIMULATOR_TRIGGER_MODE", SIMULATION_FREE_RUN);
+        if (!isSimulated()) return camera() == VBOARD_CAMERA_TRIGGERED;
+        return !is("FG_CAMERASIMULATOR_TRIGGER_MODE", SIMULATION_FREE_RUN);
     }
 
     bool isAlwaysActive() const {
@@ -85,7 +89,14 @@ private:
     }
 
     std::string whyNoLine() const {
-        if (is("FG_CAMERASIMULATOR_ENABLE", FG_CAMPORT))
+        if (!isSimulated() && camera() == VBOARD_CAMERA_LINK_LOST)
+            return "no line came: the link to the camera is lost; attach it again";
+        if (!isSimulated() && camera() == VBOARD_CAMERA_FREE_RUNNING)
+            return "no line came: the camera is slower than that, or its exposure is longer";
+        if (!isSimulated() && camera() == VBOARD_CAMERA_TRIGGERED)
+            return "no line came: the camera waits for an edge of " + shown("FG_TRIGGERCAMERA_SOURCE") +
+                   (isSourceExSync() ? "; " + whyNoExSync() : "");
+        if (!isSimulated())
             return "no line came: the port of the virtual board has no camera; set "
                    "FG_CAMERASIMULATOR_ENABLE=FG_CAMERASIMULATOR";
         if (!isSourceTriggered())

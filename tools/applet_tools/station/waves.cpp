@@ -164,8 +164,12 @@ struct Connect {
 
 } // namespace
 
+void connectWave(const applet_host::BoardFunctions& board, LOOMdevice* device, const WaveRequest& request) {
+    std::visit(Connect{board, device, request.input}, request.wave);
+}
+
 void connectWave(Instance& instance, const WaveRequest& request) {
-    std::visit(Connect{instance.board(), instance.device(), request.input}, request.wave);
+    connectWave(instance.board(), instance.device(), request);
 }
 
 } // namespace applet_tools

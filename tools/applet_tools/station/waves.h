@@ -41,7 +41,9 @@ unsigned inputFrom(std::string_view word);
 /** Reads "INPUT=WAVE". Throws UsageError. */
 WaveRequest parseWave(std::string_view word);
 
-/** Connects it to the virtual board of the instance. */
+/** Connects it to a virtual board. */
+void connectWave(const applet_host::BoardFunctions& board, LOOMdevice* device, const WaveRequest& request);
+/** The same to that of the instance. */
 void connectWave(Instance& instance, const WaveRequest& request);
 
 } // namespace applet_tools

@@ -5,6 +5,7 @@
 #include "applet_tools/scratch/defaults_and_roles.h"
 #include "applet_tools/station/missing_picture.h"
 #include "applet_tools/station/picture_record.h"
+#include "applet_tools/station/station_words.h"
 #include "applet_tools/station/waves.h"
 #include "appletctl/cli/scenario/step_words.h"
 
@@ -34,7 +35,7 @@ public:
     MovingStep& operator=(const MovingStep&) = delete;
 
     bool goesOn() const {
-        m_station.context().pause();
+        m_runner.context().pause();
         return !m_interruption.isAsked();
     }
 
@@ -79,7 +80,7 @@ std::string takePictures(ScenarioRunner& runner, GrabWords& words, Grabber& grab
     state.pictures.clear();
     state.lastBytes.clear();
     const bool isRaw = words.files && words.files->isRaw();
-    const nlohmann::ordered_json settings = isRaw ? changedSettings(station.context()) : nullptr;
+    const nlohmann::ordered_json settings = isRaw ? changedSettings(runner.context()) : nullptr;
     while (static_cast<std::int64_t>(state.pictures.size()) < words.pictures) {
         const std::int64_t lines = sourceLines(runner.instance());
         const Ticks from = runner.board().now(runner.instance().device());
@@ -229,6 +230,42 @@ void checkWave(const Words& words) { parseWave(words[0] + "=" + words[1]); }
 std::string connectStationWave(ScenarioRunner& runner, const Step& step) {
     runner.board();
     connectWave(runner.instance(), parseWave(step.words[0] + "=" + step.words[1]));
+    return "";
+}
+
+void checkStation(const Words& words) { readStationFile(words[0]); }
+
+std::string setUpStationFile(ScenarioRunner& runner, const Step& step) {
+    runner.board();
+    setUpStation(runner.instance(), runner.parameters(), readStationFile(step.words[0]));
+    return "";
+}
+
+void checkCamera(const Words& words) {
+    if (words.size() > 1 || words[0] != "off") cameraFromWords(words);
+}
+
+std::string attachCamera(ScenarioRunner& runner, const Step& step) {
+    const auto& board = runner.board();
+    LOOMdevice* const device = runner.instance().device();
+    if (step.words[0] == "off")
+        board.camera_detach(device);
+    else
+        connectCamera(board, device, cameraFromWords(step.words));
+    return "";
+}
+
+void checkBelt(const Words& words) { beltFromWords(words); }
+
+std::string startBelt(ScenarioRunner& runner, const Step& step) {
+    connectBelt(runner.board(), runner.instance().device(), beltFromWords(step.words));
+    return "";
+}
+
+void checkScene(const Words& words) { sceneFromWords(words); }
+
+std::string putScene(ScenarioRunner& runner, const Step& step) {
+    connectScene(runner.board(), runner.instance().device(), sceneFromWords(step.words));
     return "";
 }
 

@@ -14,6 +14,14 @@ std::string advanceStation(ScenarioRunner& runner, const Step& step);
 void checkWave(const Words& words);
 std::string connectStationWave(ScenarioRunner& runner, const Step& step);
 
+void checkStation(const Words& words);
+std::string setUpStationFile(ScenarioRunner& runner, const Step& step);
+void checkCamera(const Words& words);
+std::string attachCamera(ScenarioRunner& runner, const Step& step);
+void checkBelt(const Words& words);
+std::string startBelt(ScenarioRunner& runner, const Step& step);
+void checkScene(const Words& words);
+std::string putScene(ScenarioRunner& runner, const Step& step);
 void checkAcquire(const Words& words);
 std::string acquire(ScenarioRunner& runner, const Step& step);
 

@@ -3,13 +3,14 @@
 #include "applet_tools/base/Interruption.h"
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"
-#include "appletctl/cli/station/ClientTerminal.h"
 #include "appletctl/cli/LineSession.h"
-#include "appletctl/cli/station/detached_station.h"
 #include "appletctl/cli/execute.h"
+#include "appletctl/cli/station/ClientTerminal.h"
+#include "appletctl/cli/station/detached_station.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/CommandRun.h"
 #include "appletctl/commands/shared_options.h"
+#include "appletctl/commands/signals/wave_option.h"
 #include "serve/CommandSocket.h"
 
 #include <CLI/CLI.hpp>
@@ -43,6 +44,7 @@ void addServeOptions(CLI::App& command, Options& options) {
         ->type_name("NUMBER")
         ->check(CLI::Range(slowest, fastest))
         ->needs(clock);
+    addStation(command, options);
 }
 
 /** The words: a name, then assignments. */
@@ -170,6 +172,8 @@ Report serveStation(Context& context, const Words& words) {
         return report;
     }
     context.setOptions(withWholePaths(context.options()));
+    if (const std::optional<StationFile> file = stationOf(context.options()))
+        setUpStation(context.instance(), context.parameters(), *file);
     CommandRun work(context, assignmentsOf(words));
     if (work.isRefused()) return std::move(work.report);
     const bool hasClock = work.instance.host()->isVirtual() && work.instance.device() != nullptr;

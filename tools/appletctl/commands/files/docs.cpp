@@ -40,7 +40,8 @@ constexpr const char* manualTail =
     "*~/.local/state*.\n\n"
     "# ENVIRONMENT\n\n"
     "*APPLET\\_UNDER\\_TEST*\n\tAnother applet library; *--applet* goes before it.\n\n"
-    "*NO\\_COLOR*, *TERM*\n\tNo colour when the first is set or the second is *dumb*.\n\n";
+    "*NO\\_COLOR*, *TERM*\n\tNo colour when the first is set or the second is *dumb*.\n\n"
+    "*VBOARD\\_STATION*\n\tA station file: what is around each virtual board that is opened.\n\n";
 
 /** A list of terms, each with its explanation. */
 std::string terms(const std::vector<HelpEntry>& entries) {

@@ -23,6 +23,7 @@ constexpr const char* variables[] = {
     "VEXO_ENABLE_DRA",
     "VEXO_ENABLE_DLOOMA",
     "NORVANE_FG_SDK_DIR",
+    "VBOARD_STATION",
     "LANG",
     "LC_ALL",
     "LC_NUMERIC",

@@ -91,6 +91,7 @@ void addGrabOptions(CLI::App& command, Options& options) {
     command.add_flag("--losses", own.wantsLosses,
                      "Show each kind of loss and what would help, also those that did not come");
     addWaves(command, options);
+    addStation(command, options);
 }
 
 /** The words: a number of pictures, then assignments. */
@@ -129,6 +130,7 @@ public:
         , m_file(m_own.file.value_or(""))
         , m_wanted(wantedFrom(words))
         , m_timeout(ticksFrom(m_own.timeout))
+        , m_station(stationOf(context.options()))
         , m_waves(wavesOf(context.options())) {
         if (m_own.file && m_file.empty()) throw UsageError("the name of the file is empty");
         if (!m_own.format.empty() && m_file.empty())
@@ -143,6 +145,7 @@ public:
             throw UsageError("--lines takes as many pictures as it needs: leave the number of pictures out");
         if (m_files) m_files->expect(m_own.lines ? 0 : m_wanted.pictures);
         requireStation(context.instance(), "'grab'");
+        if (m_station) setUpStation(context.instance(), context.parameters(), *m_station);
     }
 
     Report run() {
@@ -383,6 +386,7 @@ private:
     const std::string m_file; /**< empty: none */
     const Wanted m_wanted;
     const Ticks m_timeout;
+    const std::optional<StationFile> m_station;
     const std::vector<WaveRequest> m_waves;
     std::optional<PictureFiles> m_files;
     const Interruption m_interruption;
@@ -426,8 +430,7 @@ const Command grabCommand = {
                  {"grab --hash --from line.mcf", "a line for a test to compare"},
                  {"grab --lines 5000 --stats -o run.tiff --from line.mcf",
                   "until 5000 lines have come, with the settings of a file"},
-                 {"grab --preview --wave GPI_1=square:100us --from line.mcf",
-                  "drawn in the terminal, with pulses at an input"}},
+                 {"grab --preview --station-file belt.json", "drawn in the terminal, from a camera that sees a belt"}},
     .most = -1,
     .run = grabPictures,
     .scratch = Context::Scratch::wanted,

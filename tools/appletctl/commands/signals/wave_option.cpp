@@ -5,6 +5,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <optional>
 #include <set>
 
 namespace appletctl {
@@ -12,6 +13,10 @@ namespace {
 
 struct WaveOptions {
     Words waves;
+};
+
+struct StationOptions {
+    std::optional<std::string> file;
 };
 
 } // namespace
@@ -22,6 +27,18 @@ void addWaves(CLI::App& command, Options& options) {
                     "Signal at an input, such as GPI_1=square:100us; may be given more than once")
         ->type_name("INPUT=WAVE")
         ->allow_extra_args(false);
+}
+
+void addStation(CLI::App& command, Options& options) {
+    command
+        .add_option("--station-file", options.own<StationOptions>().file,
+                    "Station file to set up before: camera, belt, scene, inputs and settings")
+        ->type_name("FILE");
+}
+
+std::optional<StationFile> stationOf(const Options& options) {
+    const auto& file = options.of<StationOptions>().file;
+    return file ? std::optional(readStationFile(*file)) : std::nullopt;
 }
 
 std::vector<WaveRequest> wavesOf(const Options& options) {

@@ -1,11 +1,12 @@
-/** --wave INPUT=WAVE: what is connected to the inputs of the virtual board. */
+/** --wave INPUT=WAVE and --station-file FILE: what is connected to the virtual board. */
 #ifndef APPLETCTL_COMMANDS_SIGNALS_WAVE_OPTION_H
 #define APPLETCTL_COMMANDS_SIGNALS_WAVE_OPTION_H
 
 #include "applet_tools/base/words.h"
-#include "applet_tools/station/waves.h"
+#include "applet_tools/station/StationFile.h"
 #include "appletctl/base/Options.h"
 
+#include <optional>
 #include <vector>
 
 namespace CLI {
@@ -15,6 +16,10 @@ class App;
 namespace appletctl {
 
 void addWaves(CLI::App& command, Options& options);
+void addStation(CLI::App& command, Options& options);
+
+/** The station of --station, if it is given. Throws UsageError. */
+std::optional<StationFile> stationOf(const Options& options);
 
 /** Throws UsageError for what is no wave. */
 std::vector<WaveRequest> wavesOf(const Options& options);

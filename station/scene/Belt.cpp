@@ -1,0 +1,108 @@
+#include "station/scene/Belt.h"
+
+#include <algorithm>
+
+namespace station {
+namespace {
+
+constexpr std::int64_t unitsOfNanometre = 2 * static_cast<std::int64_t>(ticksPerSecond) / 1000;
+constexpr std::int64_t farthest = std::int64_t{1} << 62; // nanometres
+
+/** The first tick after `low`, up to `high`, for which the condition holds; it holds for `high`. */
+template <typename Condition> Tick firstTick(Tick low, Tick high, Condition holds) {
+    while (high - low > 1) {
+        const Tick middle = low + (high - low) / 2;
+        (holds(middle) ? high : low) = middle;
+    }
+    return high;
+}
+
+} // namespace
+
+std::vector<BeltObject> mergedObjects(std::vector<BeltObject> objects) {
+    std::erase_if(objects, [](const BeltObject& object) { return object.length <= 0; });
+    std::ranges::sort(objects, {}, &BeltObject::place);
+    std::vector<BeltObject> merged;
+    for (const BeltObject& object : objects) {
+        if (merged.empty() || merged.back().place + merged.back().length < object.place) {
+            merged.push_back(object);
+            continue;
+        }
+        const std::int64_t end = object.place + object.length;
+        merged.back().length = std::max(merged.back().length, end - merged.back().place);
+    }
+    return merged;
+}
+
+Belt::Belt(Tick start, const std::vector<SpeedPiece>& pieces) : m_start(start) {
+    Tick begin = 0;
+    Place place = 0;
+    for (const SpeedPiece& piece : Wave::limited(pieces, Wave::fastestBelt)) {
+        m_pieces.push_back({begin, place, piece});
+        begin += piece.ticks;
+        place += (Place{piece.from} + piece.to) * static_cast<Place>(piece.ticks);
+    }
+    if (m_pieces.empty()) m_pieces.push_back({0, 0, {}});
+}
+
+std::int64_t Belt::place(Tick tick) const {
+    const Tick time = tick > m_start ? tick - m_start : 0;
+    const auto next = std::ranges::upper_bound(m_pieces, time, {}, &Piece::begin);
+    const Piece& piece = *(next - 1);
+    const auto past = static_cast<Place>(time - piece.begin);
+    const Place length = piece.speed.ticks > 0 ? static_cast<Place>(piece.speed.ticks) : 1;
+    const Place ramp = Place{piece.speed.to} - piece.speed.from;
+    const Place place = (piece.place + 2 * Place{piece.speed.from} * past) * length + ramp * past * past;
+    const Place unit = length * unitsOfNanometre;
+    const Place rounded = place / unit - (place % unit < 0 ? 1 : 0);
+    return static_cast<std::int64_t>(std::clamp(rounded, -Place{farthest}, Place{farthest}));
+}
+
+std::vector<Belt::Stretch> Belt::stretches() const {
+    std::vector<Stretch> stretches;
+    for (const Piece& piece : m_pieces) {
+        const Tick begin = m_start + piece.begin;
+        const Tick end = piece.speed.ticks > 0 ? begin + piece.speed.ticks : lastTick;
+        const std::int64_t from = piece.speed.from;
+        const std::int64_t to = piece.speed.to;
+        Tick turn = begin;
+        if ((from < 0) != (to < 0) && from != 0 && to != 0) {
+            const auto speed = static_cast<std::uint64_t>(std::abs(from));
+            const auto change = static_cast<std::uint64_t>(std::abs(to - from));
+            turn += static_cast<Tick>(Wide{piece.speed.ticks} * speed / change);
+            stretches.push_back({begin, turn});
+        }
+        stretches.push_back({turn, end});
+    }
+    return stretches;
+}
+
+std::vector<Edge> Belt::barrier(const std::vector<BeltObject>& objects, std::int64_t ahead) const {
+    std::vector<std::int64_t> borders; // places of the belt at which the level changes, from low on
+    for (const BeltObject& object : mergedObjects(objects)) {
+        borders.push_back(object.place - ahead);
+        borders.push_back(object.place + object.length - ahead);
+    }
+    const auto passed = [&](std::int64_t place) {
+        return std::ranges::upper_bound(borders, place) - borders.begin();
+    };
+    std::vector<Edge> edges;
+    if (passed(0) % 2 != 0) edges.push_back({m_start, true});
+    for (const Stretch& stretch : stretches()) {
+        const auto first = passed(place(stretch.begin));
+        const auto last = passed(place(stretch.end));
+        for (auto border = first; border < last && edges.size() < mostEdges; ++border) {
+            const std::int64_t goal = borders[static_cast<std::size_t>(border)];
+            const auto isThere = [&](Tick tick) { return place(tick) >= goal; };
+            edges.push_back({firstTick(stretch.begin, stretch.end, isThere), border % 2 == 0});
+        }
+        for (auto border = first; border > last && edges.size() < mostEdges; --border) {
+            const std::int64_t goal = borders[static_cast<std::size_t>(border - 1)];
+            const auto isThere = [&](Tick tick) { return place(tick) < goal; };
+            edges.push_back({firstTick(stretch.begin, stretch.end, isThere), border % 2 == 0});
+        }
+    }
+    return edges;
+}
+
+} // namespace station

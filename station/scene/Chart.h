@@ -1,0 +1,23 @@
+/** A colour chart without end: rulers, the number of each line as bars, and panels of test patterns. */
+#ifndef STATION_SCENE_CHART_H
+#define STATION_SCENE_CHART_H
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace station {
+
+/** The bars at the left of each line: white, black, then the number of the line from its highest bit on, white for 1. */
+struct ChartBars {
+    static constexpr std::uint32_t width = 8; // pixels of a bar
+    static constexpr std::uint32_t first = 2; // the bar of the highest bit
+    static constexpr std::uint32_t bits = 20;
+};
+
+/** Writes red, green and blue of line y, with 16 bits each, for all pixels that there is room for. */
+void drawChartLine(std::int64_t y, std::vector<std::uint16_t>& components);
+
+} // namespace station
+
+#endif

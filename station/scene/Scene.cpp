@@ -1,0 +1,69 @@
+#include "station/scene/Scene.h"
+
+#include "station/scene/Chart.h"
+
+#include <algorithm>
+
+namespace station {
+namespace {
+
+constexpr std::uint16_t beltGrey = 16 * 257; // between the objects
+
+std::int64_t roundedDown(std::int64_t number, std::int64_t divisor) {
+    return number / divisor - (number % divisor < 0 ? 1 : 0);
+}
+
+/** A number that looks like any other one, the same for the same number. */
+std::uint64_t scattered(std::uint64_t number) {
+    number += 0x9e37'79b9'7f4a'7c15;
+    number = (number ^ (number >> 30)) * 0xbf58'476d'1ce4'e5b9;
+    number = (number ^ (number >> 27)) * 0x94d0'49bb'1331'11eb;
+    return number ^ (number >> 31);
+}
+
+/** The place of the line in the image or chart, in nanometres from where that begins. False between the objects. */
+bool findPlace(const Scene& scene, std::int64_t& place) {
+    if (scene.objects.empty()) return true;
+    const auto next = std::ranges::upper_bound(scene.objects, place, {}, &BeltObject::place);
+    if (next == scene.objects.begin()) return false;
+    place -= (next - 1)->place;
+    return place < (next - 1)->length;
+}
+
+void drawImageLine(const SceneImage& image, std::int64_t y, std::vector<std::uint16_t>& components) {
+    const auto height = static_cast<std::int64_t>(image.height);
+    const auto row = static_cast<std::size_t>((y % height + height) % height);
+    const std::size_t length = std::size_t{3} * image.width;
+    const std::uint16_t* const pixels = image.components.data() + length * row;
+    for (std::size_t i = 0; i < components.size(); i += length)
+        std::copy_n(pixels, std::min(length, components.size() - i), components.data() + i);
+}
+
+} // namespace
+
+void drawExposure(const View& view, const Exposure& line, std::vector<std::uint16_t>& components) {
+    const Scene& scene = view.scene;
+    components.assign(std::size_t{3} * line.width, beltGrey);
+    std::int64_t place = line.place;
+    if (findPlace(scene, place)) {
+        const std::int64_t y = roundedDown(place, scene.pixel);
+        if (scene.image != nullptr)
+            drawImageLine(*scene.image, y, components);
+        else
+            drawChartLine(y, components);
+    }
+    const std::uint64_t noiseOfLine = scattered(scene.seed ^ scattered(line.number));
+    for (std::size_t i = 0; i < components.size(); i += 3) {
+        const std::array<std::uint16_t, 3> pixel{components[i], components[i + 1], components[i + 2]};
+        for (std::size_t k = 0; k < 3; ++k) {
+            std::uint64_t level = std::uint64_t{pixel[view.order[k]]} * line.ticks / view.fullExposure;
+            if (scene.noise > 0) {
+                level += scattered(noiseOfLine + i + k) % (2 * std::uint64_t{scene.noise} + 1);
+                level -= std::min(level, std::uint64_t{scene.noise});
+            }
+            components[i + k] = static_cast<std::uint16_t>(std::min<std::uint64_t>(level, 0xffff));
+        }
+    }
+}
+
+} // namespace station

@@ -1,0 +1,37 @@
+#include "applet_tools/pictures/image_file.h"
+
+#include "applet_tools/base/errors.h"
+#include "applet_tools/base/files.h"
+#include "applet_tools/base/numbers.h"
+#include "applet_tools/base/text.h"
+
+#include <string_view>
+
+namespace applet_tools {
+
+void PixelImage::resize(std::uint32_t newWidth, std::uint32_t newHeight) {
+    const bool isSound = newWidth > 0 && newHeight > 0 && newWidth <= widest && newHeight <= highest &&
+                         std::size_t{newWidth} * newHeight <= mostPixels;
+    if (!isSound)
+        throw UsageError("it has " + numberText(newWidth) + " x " + numberText(newHeight) +
+                         " pixels; a scene has at most " + numberText(widest) + " x " + numberText(highest) +
+                         ", and " + numberText(mostPixels) + " in all");
+    width = newWidth;
+    height = newHeight;
+    components.resize(std::size_t{3} * width * height);
+}
+
+PixelImage readImageFile(const std::string& file) {
+    using namespace std::string_view_literals;
+    const auto bytes = textOfFile(file);
+    if (!bytes) throw UsageError("the image " + inQuotedWord(file) + " cannot be read");
+    try {
+        if (bytes->starts_with("\x89PNG\r\n"sv)) return decodePng(*bytes);
+        if (bytes->starts_with("II*\0"sv) || bytes->starts_with("MM\0*"sv)) return decodeTiff(*bytes);
+        throw UsageError("it is neither a PNG nor a TIFF file");
+    } catch (const UsageError& error) {
+        throw UsageError("the image " + inQuotedWord(file) + " cannot be taken: " + error.what());
+    }
+}
+
+} // namespace applet_tools

@@ -1,0 +1,142 @@
+#include "applet_tools/station/DocumentField.h"
+
+#include "applet_tools/base/numbers.h"
+#include "applet_tools/base/text.h"
+
+#include <algorithm>
+#include <cmath>
+#include <set>
+
+namespace applet_tools {
+namespace {
+
+using Document = nlohmann::ordered_json;
+
+constexpr int deepest = 16; // objects and arrays within each other
+
+/** "line 3, column 5" of a byte. */
+std::string placeIn(const std::string& text, std::size_t byte) {
+    const std::string before = text.substr(0, byte > 0 ? byte - 1 : 0);
+    const auto line = std::ranges::count(before, '\n') + 1;
+    const std::size_t begin = before.rfind('\n');
+    const std::size_t column = before.size() - (begin == std::string::npos ? 0 : begin + 1) + 1;
+    return "line " + numberText(line) + ", column " + numberText(column);
+}
+
+std::string shownValue(const Document& value) {
+    constexpr std::size_t most = 60;
+    if (value.is_object()) return "an object";
+    if (value.is_array()) return "a list";
+    const std::string text = value.dump(-1, ' ', false, Document::error_handler_t::replace);
+    return shortened(printable(text), most);
+}
+
+/** Refuses what the library accepts: a name that comes twice, and very deep documents. */
+class Watcher {
+public:
+    bool operator()(int depth, Document::parse_event_t event, Document& parsed) {
+        if (depth > deepest) throw UsageError("it is nested deeper than any station");
+        if (event == Document::parse_event_t::object_start) m_names.emplace_back();
+        if (event == Document::parse_event_t::object_end) m_names.pop_back();
+        if (event == Document::parse_event_t::key && !m_names.back().insert(parsed.get<std::string>()).second)
+            throw UsageError("the name " + inQuotes(parsed.get<std::string>()) +
+                             " comes twice in an object: leave one of them out");
+        return true;
+    }
+
+private:
+    std::vector<std::set<std::string>> m_names; // of the objects that are open
+};
+
+} // namespace
+
+Document parseDocument(const std::string& text) {
+    Watcher watcher;
+    try {
+        return Document::parse(text, [&](int depth, Document::parse_event_t event, Document& parsed) {
+            return watcher(depth, event, parsed);
+        });
+    } catch (const Document::parse_error& error) {
+        throw UsageError(placeIn(text, error.byte) + ": this is not JSON");
+    } catch (const Document::exception&) { // such as a number that is too large
+        throw UsageError("it has a value that cannot be read");
+    }
+}
+
+std::string DocumentField::pathOf(const std::string& member) const {
+    return m_path.empty() ? printable(member) : m_path + "." + printable(member);
+}
+
+void DocumentField::refuse(const std::string& why) const {
+    throw UsageError((m_path.empty() ? "" : m_path + ": ") + why);
+}
+
+void DocumentField::refuseAs(const std::string& expected) const {
+    refuse("found " + shownValue(*m_value) + "; expected " + expected);
+}
+
+void DocumentField::requireObject(const Words& known) const {
+    if (!isObject()) refuseAs("an object with " + join(known, ", "));
+    for (const auto& [name, value] : m_value->items()) {
+        if (std::ranges::find(known, name) != known.end()) continue;
+        throw UsageError(shortened(pathOf(name), 200) + ": there is no such field" +
+                         didYouMean(nearestWords(name, known)) + "; the fields here are " +
+                         join(known, ", "));
+    }
+}
+
+std::optional<DocumentField> DocumentField::find(const std::string& member) const {
+    const auto found = m_value->find(member);
+    if (found == m_value->end()) return std::nullopt;
+    return DocumentField(*found, pathOf(member));
+}
+
+DocumentField DocumentField::at(const std::string& member, const std::string& expected) const {
+    if (const auto found = find(member)) return *found;
+    throw UsageError(pathOf(member) + ": this field is missing; expected " + expected);
+}
+
+std::vector<DocumentField> DocumentField::elements(const std::string& expected, std::size_t fewest,
+                                                   std::size_t most) const {
+    if (!isArray() || m_value->size() < fewest) refuseAs(expected);
+    if (m_value->size() > most)
+        refuse("found " + numberText(m_value->size()) + " elements; expected at most " + numberText(most));
+    std::vector<DocumentField> elements;
+    for (std::size_t i = 0; i < m_value->size(); ++i)
+        elements.emplace_back((*m_value)[i], m_path + "[" + numberText(i) + "]");
+    return elements;
+}
+
+std::vector<std::pair<std::string, DocumentField>> DocumentField::members(const std::string& expected) const {
+    if (!isObject()) refuseAs(expected);
+    std::vector<std::pair<std::string, DocumentField>> members;
+    for (const auto& [name, value] : m_value->items())
+        members.emplace_back(name, DocumentField(value, pathOf(name)));
+    return members;
+}
+
+std::string DocumentField::text(const std::string& expected) const {
+    if (!m_value->is_string()) refuseAs(expected);
+    return m_value->get<std::string>();
+}
+
+std::int64_t DocumentField::whole(std::int64_t least, std::int64_t most, const std::string& what) const {
+    const std::string expected =
+        what + ", a whole number from " + numberText(least) + " to " + numberText(most);
+    if (!m_value->is_number()) refuseAs(expected);
+    const auto number = m_value->get<double>(); // exact up to 2^53, which all limits here are below
+    if (!(number >= static_cast<double>(least) && number <= static_cast<double>(most)) ||
+        std::floor(number) != number)
+        refuseAs(expected);
+    return static_cast<std::int64_t>(number);
+}
+
+double DocumentField::number(double least, double most, const std::string& what) const {
+    const std::string expected = what + ", a number from " + numberText(least) + " to " + numberText(most);
+    if (!m_value->is_number()) refuseAs(expected);
+    const auto number = m_value->get<double>();
+    if (!(number >= least && number <= most)) refuseAs(expected);
+    return number;
+}
+
+} // namespace applet_tools

@@ -1,0 +1,71 @@
+/** A station as a file describes it: camera, belt, scene, inputs, and the applet's settings. */
+#ifndef APPLET_TOOLS_STATION_STATIONFILE_H
+#define APPLET_TOOLS_STATION_STATIONFILE_H
+
+#include "applet_tools/applet/ParameterList.h"
+#include "applet_tools/base/words.h"
+#include "applet_tools/station/waves.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace applet_tools {
+
+struct StationCamera {
+    vboard_camera camera{};
+    vboard_camera_faults faults{.order = {0, 1, 2},
+                                .drop_every = 0,
+                                .short_every = 0,
+                                .short_width = 1,
+                                .lost_after = 0,
+                                .lost_for = 0};
+};
+
+struct StationBelt {
+    std::vector<vboard_speed> profile; /**< in micrometres a second */
+    std::optional<unsigned> encoderA, encoderB, barrier;
+    std::uint32_t encoderStep = 1; /**< nanometres of a quarter step */
+    std::int64_t barrierAhead = 0; /**< micrometres */
+};
+
+struct StationScene {
+    std::uint32_t pixel = 100'000; /**< nanometres */
+    std::string image;             /**< a PNG or TIFF file; empty: the chart */
+    std::vector<vboard_object> objects;
+    std::uint32_t noise = 0;
+    std::uint64_t seed = 0;
+};
+
+/** What is not there leaves the station as it is. */
+struct StationFile {
+    std::optional<double> clock; /**< factor of vboard_clock */
+    std::optional<StationCamera> camera;
+    std::optional<StationBelt> belt;
+    std::optional<StationScene> scene;
+    std::vector<WaveRequest> waves;
+    Words parameters; /**< "FG_WIDTH=2048", in their order */
+};
+
+/** Reads the text of a file; `folder` is where the names of files in it begin. Throws UsageError with the path of the
+ *  field that is wrong, what was found and what is expected. */
+StationFile parseStation(const std::string& text, const std::string& folder);
+/** The same from a file, whose name is in front of the message. */
+StationFile readStationFile(const std::string& file);
+
+/** Connects all but the parameters to a virtual board. Throws UsageError for an image that cannot be read. */
+void connectStation(const applet_host::BoardFunctions& board, LOOMdevice* device, const StationFile& station);
+void connectCamera(const applet_host::BoardFunctions& board, LOOMdevice* device, const StationCamera& camera);
+void connectBelt(const applet_host::BoardFunctions& board, LOOMdevice* device, const StationBelt& belt);
+void connectScene(const applet_host::BoardFunctions& board, LOOMdevice* device, const StationScene& scene);
+
+/** Connects it to the board of the instance, then sets the parameters. Throws Failure for one that is refused. */
+void setUpStation(Instance& instance, const ParameterList& parameters, const StationFile& station);
+
+/** The file that the environment variable VBOARD_STATION names; nothing if it names none. Throws UsageError. */
+std::optional<StationFile> stationOfEnvironment();
+
+} // namespace applet_tools
+
+#endif
