@@ -1,7 +1,7 @@
 #include "applet_tools/scratch/Probe.h"
 
-#include "applet_tools/applet/files/ConfigurationFile.h"
 #include "applet_tools/applet/Effort.h"
+#include "applet_tools/applet/files/ConfigurationFile.h"
 #include "applet_tools/applet/files/MemoryFile.h"
 #include "applet_tools/applet/hardware_values.h"
 #include "applet_tools/base/text.h"

@@ -3,8 +3,8 @@
 #define APPLETCTL_CLI_LINESESSION_H
 
 #include "applet_tools/scratch/History.h"
-#include "appletctl/cli/shell/candidates.h"
 #include "appletctl/cli/command_line.h"
+#include "appletctl/cli/shell/candidates.h"
 
 #include <string>
 #include <vector>
