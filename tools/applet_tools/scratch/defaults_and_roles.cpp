@@ -101,7 +101,7 @@ nlohmann::ordered_json changedSettings(LiveSession& live) {
     std::vector<const Parameter*> parameters;
     for (const Parameter& parameter : live.parameters().all())
         if (parameter.effectOfReading().empty()) parameters.push_back(&parameter);
-    const auto known = backgroundOf(live, parameters, FileRoles::unasked);
+    const auto known = defaultsAndRolesOf(live, parameters, FileRoles::unasked);
     nlohmann::ordered_json changed = nlohmann::ordered_json::object();
     for (const Parameter* parameter : parameters) {
         const Target target = wholeOf(*parameter);

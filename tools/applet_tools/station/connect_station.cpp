@@ -65,7 +65,7 @@ void setUpStation(Instance& instance, const ParameterList& parameters, const Sta
     connectStation(instance.board(), instance.device(), station);
     std::string refusal;
     const AssignmentHooks hooks{.after = [&](const AssignmentResult& result) {
-        if (result.code != FG_OK) refusal = refusalInWords(result.assignment, result.code);
+        if (result.code != FG_OK) refusal = refusalInWords(result);
     }};
     if (applyAssignments(instance, parameters, station.parameters, hooks).isRefused)
         throw Failure("parameters: " + refusal);
