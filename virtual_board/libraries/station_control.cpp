@@ -99,7 +99,7 @@ int vboard_wave_encoder(LOOMdevice* board, unsigned inputA, unsigned inputB, con
         std::vector<station::SpeedPiece> copied;
         for (std::size_t i = 0; pieces != nullptr && i < count; ++i)
             copied.push_back({pieces[i].ticks, pieces[i].from, pieces[i].to});
-        return station::Wave::encoder(from, std::move(copied));
+        return station::Wave::encoder(from, copied);
     };
     return connect(board, inputA, make, inputB);
 }

@@ -22,8 +22,8 @@ constexpr std::size_t mostDescriptors = 8;
 using Control = std::array<char, CMSG_SPACE(sizeof(int) * mostDescriptors)>;
 
 /** Descriptors travel with the first byte. */
-ssize_t sendSome(int socket, const std::uint8_t* bytes, std::size_t count, std::span<const int> descriptors) {
-    iovec part{const_cast<std::uint8_t*>(bytes), count};
+ssize_t sendSome(int socket, std::uint8_t* bytes, std::size_t count, std::span<const int> descriptors) {
+    iovec part{bytes, count};
     msghdr header{};
     header.msg_iov = &part;
     header.msg_iovlen = 1;

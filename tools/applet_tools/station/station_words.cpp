@@ -33,7 +33,7 @@ public:
     bool isEmpty() const { return m_place >= m_words.size(); }
     /** The next name, which has so many words behind it. */
     std::string name(const Words& names) {
-        const std::string word = m_words[m_place++];
+        std::string word = m_words[m_place++];
         for (const std::string& name : names)
             if (name == word) return word;
         throw UsageError(inQuotedWord(word) + " is none of " + join(names, ", ") +

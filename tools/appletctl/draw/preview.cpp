@@ -34,6 +34,7 @@ public:
             }
         }
         std::vector<Rgb> means;
+        means.reserve(sums.size());
         for (const auto& [red, green, blue, count] : sums)
             means.push_back({shown(red / count), shown(green / count), shown(blue / count)});
         return means;

@@ -15,6 +15,8 @@
 #include <csignal>
 #include <cstring>
 #include <fstream>
+#include <utility>
+#include <vector>
 
 namespace appletctl {
 namespace {
@@ -56,10 +58,11 @@ private:
     posix_spawnattr_t m_attributes{};
 };
 
-pid_t spawn(const Words& words, const std::string& log) {
+pid_t spawn(Words words, const std::string& log) {
     std::vector<char*> arguments;
-    for (const std::string& word : words)
-        arguments.push_back(const_cast<char*>(word.c_str()));
+    arguments.reserve(words.size() + 1);
+    for (std::string& word : words)
+        arguments.push_back(word.data());
     arguments.push_back(nullptr);
     FileActions actions;
     posix_spawn_file_actions_addopen(actions.get(), STDIN_FILENO, "/dev/null", O_RDONLY, 0);
@@ -93,7 +96,7 @@ pid_t startDetached(const serve::StationPlace& place) {
                       place.name + "'");
     Words words = ownCommandLine();
     std::erase(words, "--detach");
-    const pid_t process = spawn(words, place.log);
+    const pid_t process = spawn(std::move(words), place.log);
     const Interruption interruption;
     while (!answers(place, process)) {
         using namespace std::chrono_literals;
