@@ -34,7 +34,8 @@ DRAW = [*BASE, *TOOLS_PICTURES, f"{TOOL}draw/**"]
 PRODUCER = "producer/"
 PRODUCER_BASE = [*HEADERS, f"{PRODUCER}gentl.h", f"{PRODUCER}base/**"]
 PRODUCER_FEATURES = [*PRODUCER_BASE, f"{PRODUCER}features/**"]
-PRODUCER_DEVICE = [*PRODUCER_FEATURES, *HOST, f"{PRODUCER}device/**"]
+STATION_FILES = [f"{TOOLS}{name}.h" for name in ("base/errors", "base/numbers", "station/StationFile")]
+PRODUCER_DEVICE = [*PRODUCER_FEATURES, *HOST, *STATION_FILES, f"{PRODUCER}device/**"]
 PRODUCER_MODULES = [*PRODUCER_DEVICE, f"{PRODUCER}modules/**"]
 COMMANDS = [*TOOLS_ANSWERS, *DRAW, f"{TOOL}commands/*"]
 

@@ -4,7 +4,7 @@
 #include "applet_host/AppletHost.h"
 #include "applet_tools/base/errors.h"
 #include "applet_tools/station/StationFile.h"
-#include "promise.h"
+#include "invariants.h"
 
 namespace {
 

@@ -197,32 +197,36 @@ int vboard_wave_encoder(LOOMdevice* board, unsigned inputA, unsigned inputB, con
 
 /** A line-scan camera. It takes a line for each rising edge of the camera trigger, or by itself. LVAL rises when the
  *  exposure ends and lasts a tick for each 32 pixels; an edge before that is over is lost and counted. Its components have
- *  as many bits as Device1_Process0_Buffer_0_PixelFormat says. */
+ *  as many bits as Device1_Process0_Buffer_0_PixelFormat says. Values are proportional to the exposure. */
 typedef struct vboard_camera {
-    uint32_t width; /**< pixels of a line, 1 to 16384 */
-    uint32_t
-        line_rate; /**< lines a second that it takes by itself, no more than exposure and transfer allow; 0: it
-                             *   waits for the camera trigger */
-    uint32_t exposure; /**< its own exposure time in ticks. It counts in free run, and as long as the design's
-                             *   ..._CamTrigger0_CLHSTrigger_EnablePulseWidth_Value is 0; else it exposes while the
-                             *   trigger is high */
-    uint32_t
-        full_exposure; /**< ticks after which a pixel has the value of the scene: values are proportional to the
-                             *   exposure. 0: `exposure` */
+    /** Pixels of a line, 1 to 16384. */
+    uint32_t width;
+    /** Lines a second that it takes by itself, no more than exposure and transfer allow; 0: it waits for the trigger. */
+    uint32_t line_rate;
+    /** Its own exposure time in ticks. It counts in free run, and as long as the design's
+     *  ..._CamTrigger0_CLHSTrigger_EnablePulseWidth_Value is 0; else it exposes while the trigger is high. */
+    uint32_t exposure;
+    /** Ticks after which a pixel has the value of the scene; 0: `exposure`. */
+    uint32_t full_exposure;
 } vboard_camera;
 /** What is wrong with a camera. */
 typedef struct vboard_camera_faults {
-    uint8_t order[3]; /**< colours in the order of the link, each once: 0 red, 1 green, 2 blue */
-    uint32_t
-        drop_every; /**< of so many triggers the last one makes no line, and is not counted as lost; 0: all make one */
-    uint32_t short_every; /**< of so many lines the last one is short; 0: none */
-    uint32_t short_width; /**< its pixels, 1 to the width */
-    uint64_t lost_after;  /**< ticks after which the link is lost: no line comes; 0: it stays */
-    uint64_t lost_for;    /**< ticks until it is back; 0: never */
+    /** Colours in the order of the link, each once: 0 red, 1 green, 2 blue. */
+    uint8_t order[3];
+    /** Of so many triggers the last one makes no line, and is not counted as lost; 0: all make one. */
+    uint32_t drop_every;
+    /** Of so many lines the last one is short; 0: none. */
+    uint32_t short_every;
+    /** Its pixels, 1 to the width. */
+    uint32_t short_width;
+    /** Ticks after which the link is lost, and no line comes; 0: it stays. */
+    uint64_t lost_after;
+    /** Ticks until it is back; 0: never. */
+    uint64_t lost_for;
 } vboard_camera_faults;
 /** Attaches a camera to the port from the next tick on, in place of the one that was there. Null `faults`: it has none.
- *  While the simulator is the source the camera takes no line. VBOARD_UNKNOWN: a null board or camera, or a value that is
- *  not as said above; nothing has changed then. */
+ *  While the simulator is the source the camera takes no line. VBOARD_UNKNOWN: a null board or camera, or a value beyond
+ *  the limits above; nothing has changed then. */
 int vboard_camera_attach(LOOMdevice* board, const vboard_camera* camera, const vboard_camera_faults* faults);
 /** Takes the camera off, which is an event: the link is lost. Without one nothing happens. */
 int vboard_camera_detach(LOOMdevice* board);
@@ -231,15 +235,18 @@ int vboard_camera_detach(LOOMdevice* board);
 #define VBOARD_NO_INPUT 0xffffU
 /** A belt that moves what the camera sees. */
 typedef struct vboard_belt_setup {
-    const vboard_speed*
-        pieces; /**< speeds in micrometres a second here, at most a hundred million; after the last piece
-                                 *   its speed stays. They are copied */
+    /** Its movement, with speeds in micrometres a second here, at most a hundred million; after the last piece its speed
+     *  stays. The pieces are copied. */
+    const vboard_speed* pieces;
     size_t count;
-    unsigned encoder_a; /**< inputs of an encoder on it, both or none: VBOARD_NO_INPUT */
-    unsigned encoder_b;
-    uint32_t encoder_step; /**< the way of a quarter step, in nanometres */
-    unsigned barrier;      /**< input of a light barrier, high while an object is in it, or VBOARD_NO_INPUT */
-    int64_t barrier_ahead; /**< how far before the camera it is, in micrometres: negative behind it */
+    /** Inputs of an encoder on it, both or none: VBOARD_NO_INPUT. */
+    unsigned encoder_a, encoder_b;
+    /** The way of a quarter step, in nanometres. */
+    uint32_t encoder_step;
+    /** Input of a light barrier, high while an object is in it, or VBOARD_NO_INPUT. */
+    unsigned barrier;
+    /** How far before the camera it is, in micrometres; negative: after it. */
+    int64_t barrier_ahead;
 } vboard_belt_setup;
 /** Starts a belt, which is at place 0 at the next tick, in place of the one that was there, and connects encoder and
  *  barrier. The barrier has its first 65536 edges. VBOARD_UNKNOWN: a null board or setup, no such input, or the encoder
@@ -251,24 +258,25 @@ typedef struct vboard_object {
     int64_t place;
     int64_t length;
 } vboard_object;
-/** What the camera sees. Without this call it is the chart, all over the belt, with pixels of 100 micrometres. */
+/** What the camera sees. Without vboard_scene it is the chart, all over the belt, with pixels of 100 micrometres. */
 typedef struct vboard_scene_setup {
-    uint32_t pixel; /**< width and height of a pixel on the belt, in nanometres, above 0 */
-    uint32_t width,
-        height; /**< of an image that repeats in both directions, at most 16384 x 65536 and 2^24 pixels */
-    const uint16_t*
-        components; /**< its rows, red, green and blue in 16 bits each. Null: a generated chart with rulers
-                                    *   and the number of each line. They are copied */
-    const vboard_object*
-        objects; /**< each shows the image or chart from its front on, and between them the belt is dark;
-                                    *   what overlaps is one object. They are copied */
-    size_t object_count; /**< at most 65536; 0: the image is all over the belt */
-    uint32_t noise;      /**< largest deviation of a component, of 65535; it follows from `seed`, the line's
-                                    *   number and the pixel */
+    /** Width and height of a pixel on the belt, in nanometres, above 0. */
+    uint32_t pixel;
+    /** Size of an image that repeats in both directions, at most 16384 x 65536 and 2^24 pixels. */
+    uint32_t width, height;
+    /** Its rows, red, green and blue in 16 bits each, which are copied. Null: a generated chart with rulers and the number
+     *  of each line. */
+    const uint16_t* components;
+    /** Objects, which are copied. Each shows the image or chart from its front on, and between them the belt is dark; what
+     *  overlaps is one object. At most 65536; 0: the image is all over the belt. */
+    const vboard_object* objects;
+    size_t object_count;
+    /** Largest deviation of a component, of 65535. It follows from the seed, the line's number and the pixel. */
+    uint32_t noise;
     uint64_t seed;
 } vboard_scene_setup;
 /** Puts a scene on the belt. Pictures show it from the first line of the next image on, the light barrier at once.
- *  VBOARD_UNKNOWN: a null board or scene, or a value that is not as said above; nothing has changed then. */
+ *  VBOARD_UNKNOWN: a null board or scene, or a value beyond the limits above; nothing has changed then. */
 int vboard_scene(LOOMdevice* board, const vboard_scene_setup* scene);
 
 /** How many bytes the DMA moves in a second; 0: as many as the link. */

@@ -1,6 +1,7 @@
 #include "device/Station.h"
 
 #include "base/Error.h"
+#include "device/station_file.h"
 #include "vexo/type_tags.hpp"
 
 #include <algorithm>
@@ -132,6 +133,7 @@ Station::Station(Libraries libraries) : m_libraries(std::move(libraries)), m_ses
 }
 
 void Station::connectMachine() {
+    if (setUpStationFile(*this)) return;
     // There is no camera behind the board: the simulator takes its place, and follows the camera trigger.
     set("FG_CAMERASIMULATOR_ENABLE", std::int64_t{FG_CAMERASIMULATOR});
     set("FG_CAMERASIMULATOR_TRIGGER_MODE", std::int64_t{RISING_EDGE_TRIGGERS_LINE});

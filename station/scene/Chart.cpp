@@ -130,7 +130,8 @@ Colour8 zonesAt(std::int64_t x, std::int64_t y) {
     const std::int64_t down = y % (innerHeight / 2);
     const std::int64_t across = x - innerWidth / 2, below = down - innerHeight / 4;
     const std::int64_t phase = (across * across + below * below) * 255 / 300 % 510;
-    return grey(phase < 255 ? phase : 509 - phase);
+    const std::int64_t level = phase < 255 ? phase : 509 - phase;
+    return grey(level / 32 * 36); // eight steps, so that files of it stay small
 }
 
 /** Sixteen steps of grey, from the left and from the right. */

@@ -163,6 +163,60 @@ TEST_F(VirtualStation, ActsOnWritesWavesAndInjection) {
     BOARD(vboard_memory_free)(memory);
 }
 
+TEST_F(VirtualStation, RefusesACameraABeltAndASceneThatCannotBe) {
+    EXPECT_EQ(setInt("CameraSimulator_Enable_SelectSource", 0), 0);
+    const vboard_camera camera{.width = 64, .line_rate = 1000, .exposure = 10, .full_exposure = 0};
+    const vboard_camera_faults sound{{2, 1, 0}, 0, 2, 64, 0, 0};
+    vboard_camera none = camera, wide = camera;
+    none.width = 0;
+    wide.width = 16385;
+    vboard_camera_faults twice = sound, longer = sound;
+    twice.order[0] = 1;
+    longer.short_width = 65;
+    EXPECT_EQ(status(VBOARD_STATUS_CAMERA), VBOARD_CAMERA_NONE);
+    for (const auto& [one, faults] :
+         {std::pair<const vboard_camera*, const vboard_camera_faults*>{&none, &sound},
+          {&wide, &sound},
+          {&camera, &twice},
+          {&camera, &longer}})
+        EXPECT_EQ(BOARD(vboard_camera_attach)(device, one, faults), VBOARD_UNKNOWN);
+    EXPECT_EQ(BOARD(vboard_camera_attach)(device, nullptr, nullptr), VBOARD_UNKNOWN);
+    EXPECT_EQ(BOARD(vboard_camera_attach)(nullptr, &camera, nullptr), VBOARD_UNKNOWN);
+    EXPECT_EQ(status(VBOARD_STATUS_CAMERA), VBOARD_CAMERA_NONE);
+    EXPECT_EQ(BOARD(vboard_camera_attach)(device, &camera, &sound), VBOARD_OK);
+    EXPECT_EQ(status(VBOARD_STATUS_CAMERA), VBOARD_CAMERA_FREE_RUNNING);
+    BOARD(vboard_advance)(device, 125'000'000);
+    EXPECT_EQ(status(VBOARD_STATUS_LINES), 1000);
+
+    const vboard_speed speed{1, 1'000'000, 1'000'000};
+    const vboard_belt_setup belt{&speed, 1, 1, 2, 100, VBOARD_NO_INPUT, 0};
+    EXPECT_EQ(BOARD(vboard_belt)(device, &belt), VBOARD_OK);
+    const auto isTaken = [this](vboard_belt_setup setup) {
+        return BOARD(vboard_belt)(device, &setup) == VBOARD_OK;
+    };
+    EXPECT_FALSE(isTaken({&speed, 1, 1, 2, 99, VBOARD_NO_INPUT, 0})); // more than ten million steps
+    EXPECT_FALSE(isTaken({&speed, 1, 1, 1, 100, VBOARD_NO_INPUT, 0}));
+    EXPECT_FALSE(isTaken({&speed, 1, 1, VBOARD_NO_INPUT, 100, 0, 0}));
+    EXPECT_FALSE(isTaken({&speed, 1, 1, 2, 100, 12, 0}));
+    EXPECT_FALSE(isTaken({nullptr, 1, 1, 2, 100, 0, 0}));
+    EXPECT_FALSE(isTaken({&speed, 1, 1, 2, 100, 0, INT64_MIN}));
+
+    const std::uint16_t pixels[3] = {1, 2, 3};
+    const vboard_object object{-5, 10}, nothing{5, 0};
+    const auto isScene = [this](vboard_scene_setup setup) {
+        return BOARD(vboard_scene)(device, &setup) == VBOARD_OK;
+    };
+    EXPECT_TRUE(isScene({1, 1, 1, pixels, &object, 1, 65535, 0}));
+    EXPECT_FALSE(isScene({0, 1, 1, pixels, &object, 1, 0, 0}));
+    EXPECT_FALSE(isScene({1, 1, 0, pixels, &object, 1, 0, 0}));
+    EXPECT_FALSE(isScene({1, 16384, 1025, pixels, &object, 1, 0, 0}));
+    EXPECT_FALSE(isScene({1, 0, 0, nullptr, &nothing, 1, 0, 0}));
+    EXPECT_FALSE(isScene({1, 0, 0, nullptr, nullptr, 1, 0, 0}));
+    EXPECT_FALSE(isScene({1, 0, 0, nullptr, &object, 1, 65536, 0}));
+    EXPECT_EQ(BOARD(vboard_camera_detach)(device), VBOARD_OK);
+    EXPECT_EQ(status(VBOARD_STATUS_CAMERA), VBOARD_CAMERA_NONE);
+}
+
 TEST_F(VirtualStation, FollowsTheMachinesClockAndLetsOthersInWhileItWaits) {
     using Clock = std::chrono::steady_clock;
     for (const double wrong : {-1.0, 1e-9, 1e9, std::nan("")})

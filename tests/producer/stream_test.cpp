@@ -2,6 +2,7 @@
 
 #include "support/producer_session.h"
 #include "support/sanitizers.h"
+#include "support/temporary_folder.h"
 
 #include <dlfcn.h>
 #include <gtest/gtest.h>
@@ -312,6 +313,38 @@ TEST(ProducerEndurance, AClientMayLeaveWithoutClosing) {
         });
         EXPECT_EQ(status, 0);
     }
+}
+
+TEST(ProducerStation, TheMachineIsTheOneOfAFile) {
+    // The belt moves a pixel of 0.1 mm each 200 us, the period of the lines: their numbers, read from the last bar, go on.
+    const support::TemporaryFolder folder;
+    const std::string file = folder / "station.json";
+    setenv("VBOARD_CLOCK", "stepped", 1);
+    setenv("VBOARD_STATION", file.c_str(), 1);
+    support::writeFile(
+        file, R"({"station": 1, "camera": {"width": 192}, "belt": {"profile": [{"speed": "500mm/s"}]},
+        "parameters": {"FG_SENSORWIDTH": 192, "FG_WIDTH": 192, "FG_HEIGHT": 8, "FG_LINEPERIODE": 200.0,
+                       "FG_VANTAGEPOINT": "FG_VANTAGEPOINT_TOP_RIGHT"}})");
+    {
+        ProducerSession session;
+        session.queueBuffers(2);
+        session.start();
+        const BUFFER_HANDLE buffer = session.fetch();
+        ASSERT_NE(buffer, nullptr);
+        const auto* pixels =
+            reinterpret_cast<const std::uint8_t*>(session.bufferNumber(buffer, BUFFER_INFO_BASE));
+        constexpr std::size_t lastBar = 191 - 172;
+        for (std::size_t y = 1; y < 8; ++y)
+            EXPECT_EQ(pixels[3 * (192 * y + lastBar)] ^ pixels[3 * (192 * (y - 1) + lastBar)], 255) << y;
+    }
+    for (const char* wrong :
+         {R"({"station": 1, "camra": {}})", R"({"station": 1, "parameters": {"FG_WIDTH": 63}})",
+          R"({"station": 1, "parameters": {"FG_FORMAT": "FG_COL25"}})",
+          R"({"station": 1, "parameters": {"FG_WIDHT": 64}})"}) {
+        support::writeFile(file, wrong);
+        EXPECT_ANY_THROW(ProducerSession()) << wrong;
+    }
+    unsetenv("VBOARD_STATION");
 }
 
 TEST(ProducerEndurance, AClientMayUnloadWithoutClosing) {

@@ -20,7 +20,7 @@ TEST(StationScene, TheEncoderFollowsThePlaceOfTheBelt) {
     const Belt place(run.station.from(), profile);
     run.advanceTo(400'000);
     std::vector<Tick> edges;
-    for (const std::uint8_t track : {25, 26})
+    for (const std::uint8_t track : {std::uint8_t{25}, std::uint8_t{26}})
         for (const Edge& edge : run.station.trace(track, 0, 400'000).edges)
             edges.push_back(edge.tick);
     ASSERT_GT(edges.size(), 200U);

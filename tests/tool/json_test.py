@@ -182,6 +182,21 @@ class EveryCommand(unittest.TestCase):
         for command in known - {"trace"}:
             self.assertTrue((SCHEMAS / f"{schema_of(command)}.schema.json").exists(), command)
 
+    def test_station_files(self):
+        page = (SCHEMAS.parent / "station-file.md").read_text()
+        examples = re.findall(r"^```json file=.*\n((?:.*\n)*?)```$", page, flags=re.MULTILINE)
+        self.assertEqual(len(examples), 2)
+        schema = jsonschema.Draft202012Validator(json.loads((SCHEMAS / "station.schema.json").read_text()))
+        for example in map(json.loads, examples):
+            schema.validate(example)
+            for path in (["camera"], ["belt", "profile", 0], ["belt", "encoder"], []):
+                part = example
+                for key in path:
+                    part = part[key]
+                part["unknown"] = 1
+                self.assertFalse(schema.is_valid(example), path)
+                del part["unknown"]
+
     def test_as_json_and_as_plain_text(self):
         for command, words, text in FIRST_RUNS:
             with self.subTest(" ".join(words)):

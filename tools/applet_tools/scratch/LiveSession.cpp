@@ -36,7 +36,10 @@ Instance& LiveSession::instance() {
     m_notes.push_back(std::string(m_options.offline ? "instance without a board" : kind) +
                       ": brought up in " + watch.text() + ", by " +
                       inQuotes(toUtf8(m_host->files().back().c_str())));
-    if (station && made.host()->isVirtual()) setUpStation(made, parameters(), *station);
+    if (station && m_options.look) // nothing is set
+        connectStation(made.board(), made.device(), *station);
+    else if (station)
+        setUpStation(made, parameters(), *station);
     return made;
 }
 

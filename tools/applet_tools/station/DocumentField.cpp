@@ -26,7 +26,7 @@ std::string placeIn(const std::string& text, std::size_t byte) {
 std::string shownValue(const Document& value) {
     constexpr std::size_t most = 60;
     if (value.is_object()) return "an object";
-    if (value.is_array()) return "a list";
+    if (value.is_array()) return value.empty() ? "an empty list" : "a list";
     const std::string text = value.dump(-1, ' ', false, Document::error_handler_t::replace);
     return shortened(printable(text), most);
 }

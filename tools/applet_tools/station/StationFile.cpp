@@ -128,7 +128,7 @@ vboard_camera cameraOf(const DocumentField& field) {
     field.requireObject({"width", "lineRate", "exposure", "fullExposure"});
     vboard_camera camera{};
     const auto width = field.find("width");
-    camera.width = width ? static_cast<std::uint32_t>(width->whole(1, widest, "pixels")) : 2048;
+    camera.width = width ? static_cast<std::uint32_t>(width->whole(1, widest, "the pixels of a line")) : 2048;
     if (const auto rate = field.find("lineRate"))
         camera.line_rate = static_cast<std::uint32_t>(rate->whole(1, fastest, "lines a second"));
     const auto exposure = field.find("exposure");
@@ -162,7 +162,7 @@ void readFaults(const DocumentField& field, StationCamera& station) {
         faults.short_every =
             count(cut->at("every", "one of so many lines"), mostCount, "one of so many lines");
         faults.short_width =
-            count(cut->at("width", "its pixels"), station.camera.width, "pixels of the camera");
+            count(cut->at("width", "its pixels"), station.camera.width, "no more pixels than the camera has");
     }
     if (const auto lost = field.find("linkLost")) {
         lost->requireObject({"after", "for"});
@@ -182,8 +182,8 @@ void readScene(const DocumentField& field, const std::string& folder, StationSce
         if (name != "chart") scene.image = (std::filesystem::path(folder) / name).string();
     }
     if (const auto noise = field.find("noise"))
-        scene.noise =
-            static_cast<std::uint32_t>(std::round(noise->number(0, 100, "percent of white") / 100 * white));
+        scene.noise = static_cast<std::uint32_t>(
+            std::round(noise->number(0, 100, "a percentage of white") / 100 * white));
     if (const auto seed = field.find("seed"))
         scene.seed = static_cast<std::uint64_t>(seed->whole(0, largestSeed, "a seed"));
 }
@@ -239,13 +239,14 @@ StationFile parseStation(const std::string& text, const std::string& folder) {
     const DocumentField root(document, "");
     root.requireObject({"$schema", "station", "clock", "camera", "belt", "scene", "objects", "inputs",
                         "faults", "parameters"});
-    constexpr const char* versionWanted = "the version of the format, 1";
-    root.at("station", versionWanted).whole(1, 1, versionWanted);
+    constexpr const char* versionWanted = "1, the version of the format";
+    const DocumentField version = root.at("station", versionWanted);
+    if (version.number(-1e9, 1e9, versionWanted) != 1) version.refuseAs(versionWanted);
     if (const auto schema = root.find("$schema")) schema->text("the name of a schema");
     StationFile station;
     UsedInputs inputs;
     if (const auto clock = root.find("clock"))
-        station.clock = clock->number(0, 1000, "how many times as fast as the machine's, 0: in steps");
+        station.clock = clock->number(0, 1000, "the speed of the clock, 0 for steps");
     if (station.clock && *station.clock > 0 && *station.clock < 1e-3)
         root.at("clock", "").refuseAs("0, or a number from 0.001 to 1000");
     if (const auto camera = root.find("camera")) station.camera.emplace().camera = cameraOf(*camera);
@@ -269,9 +270,11 @@ StationFile readStationFile(const std::string& file) {
     const auto text = textOfFile(file);
     if (!text) throw UsageError("the station file " + inQuotedWord(file) + " cannot be read");
     try {
-        return parseStation(*text, std::filesystem::path(file).parent_path().string());
+        StationFile station = parseStation(*text, std::filesystem::path(file).parent_path().string());
+        station.name = printable(toUtf8(file.c_str()));
+        return station;
     } catch (const UsageError& error) {
-        throw UsageError(toUtf8(file.c_str()) + ": " + error.what());
+        throw UsageError(printable(toUtf8(file.c_str())) + ": " + error.what());
     }
 }
 

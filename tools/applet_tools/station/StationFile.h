@@ -40,6 +40,7 @@ struct StationScene {
 
 /** What is not there leaves the station as it is. */
 struct StationFile {
+    std::string name;            /**< of the file, for messages; empty without one */
     std::optional<double> clock; /**< factor of vboard_clock */
     std::optional<StationCamera> camera;
     std::optional<StationBelt> belt;

@@ -52,7 +52,12 @@ void connectScene(const applet_host::BoardFunctions& board, LOOMdevice* device, 
 
 void connectStation(const applet_host::BoardFunctions& board, LOOMdevice* device,
                     const StationFile& station) {
-    if (station.scene) connectScene(board, device, *station.scene); // first: its image may be none
+    try { // first: its image may be none
+        if (station.scene) connectScene(board, device, *station.scene);
+    } catch (const UsageError& error) {
+        if (station.name.empty()) throw;
+        throw UsageError(station.name + ": scene.image: " + error.what());
+    }
     if (station.camera) connectCamera(board, device, *station.camera);
     if (station.belt) connectBelt(board, device, *station.belt);
     for (const WaveRequest& wave : station.waves)
@@ -61,14 +66,19 @@ void connectStation(const applet_host::BoardFunctions& board, LOOMdevice* device
 }
 
 void setUpStation(Instance& instance, const ParameterList& parameters, const StationFile& station) {
-    parseAssignments(parameters, station.parameters); // a misspelt one changes nothing
+    const std::string place = station.name + (station.name.empty() ? "" : ": ") + "parameters: ";
+    try {
+        parseAssignments(parameters, station.parameters); // a misspelt one changes nothing
+    } catch (const UsageError& error) {
+        throw UsageError(place + error.what());
+    }
     connectStation(instance.board(), instance.device(), station);
     std::string refusal;
     const AssignmentHooks hooks{.after = [&](const AssignmentResult& result) {
         if (result.code != FG_OK) refusal = refusalInWords(result);
     }};
     if (applyAssignments(instance, parameters, station.parameters, hooks).isRefused)
-        throw Failure("parameters: " + refusal);
+        throw Failure(place + refusal);
 }
 
 } // namespace applet_tools

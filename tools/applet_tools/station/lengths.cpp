@@ -19,7 +19,7 @@ struct LengthUnit {
 constexpr LengthUnit lengthUnits[] = {{"nm", 1},   {"um", 1e3}, {"µm", 1e3},
                                       {"mm", 1e6}, {"cm", 1e7}, {"m", 1e9}};
 
-std::optional<double> lengthOf(std::string_view word) {
+std::optional<double> lengthIn(std::string_view word) {
     for (const LengthUnit& unit : lengthUnits) {
         if (!word.ends_with(unit.name)) continue;
         const auto number = floatingNumber(word.substr(0, word.size() - unit.name.size()));
@@ -33,7 +33,7 @@ std::optional<double> lengthOf(std::string_view word) {
 
 std::int64_t nanometresFrom(std::string_view word) {
     constexpr double farthest = 1e15;
-    const auto length = lengthOf(word);
+    const auto length = lengthIn(word);
     if (!length)
         throw UsageError(inQuotedWord(word) +
                          " is not a length: write a number and a unit, such as 25um, 51.2mm or 1.5m");
@@ -45,7 +45,7 @@ std::int64_t nanometresFrom(std::string_view word) {
 std::int32_t beltSpeedFrom(std::string_view word) {
     constexpr double fastest = 1e8; // micrometres a second
     const bool isSpeed = word.ends_with("/s");
-    const auto length = isSpeed ? lengthOf(word.substr(0, word.size() - 2)) : std::nullopt;
+    const auto length = isSpeed ? lengthIn(word.substr(0, word.size() - 2)) : std::nullopt;
     if (!length)
         throw UsageError(inQuotedWord(word) +
                          " is not a speed: write a number and a unit, such as 500mm/s or 1.5m/s");

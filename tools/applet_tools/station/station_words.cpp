@@ -1,4 +1,4 @@
-// A step is read by way of the document of a station file, so that both have the same limits and the same messages.
+// A step becomes the document of a station file, so that both have the same limits and the same messages.
 
 #include "applet_tools/station/station_words.h"
 
@@ -26,12 +26,12 @@ std::pair<std::string, std::string> twoParts(const std::string& word, const char
     return {word.substr(0, comma), word.substr(comma + 1)};
 }
 
-/** The words behind the first one, in groups that begin with a name. */
+/** The words after the first one, in groups that begin with a name. */
 class Groups {
 public:
     explicit Groups(const Words& words) : m_words(words) {}
     bool isEmpty() const { return m_place >= m_words.size(); }
-    /** The next name, which has so many words behind it. */
+    /** The next name, with its own words after it. */
     std::string name(const Words& names) {
         std::string word = m_words[m_place++];
         for (const std::string& name : names)
@@ -40,7 +40,7 @@ public:
                          didYouMean(nearestWords(word, names)));
     }
     std::string next(const std::string& after) {
-        if (isEmpty()) throw UsageError("a value is missing behind " + inQuotedWord(after));
+        if (isEmpty()) throw UsageError("a value is missing after " + inQuotedWord(after));
         return m_words[m_place++];
     }
 

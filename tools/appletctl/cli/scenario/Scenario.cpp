@@ -8,6 +8,7 @@
 #include "applet_tools/base/text.h"
 #include "applet_tools/base/words.h"
 #include "appletctl/cli/execute.h"
+#include "appletctl/cli/registry.h"
 #include "appletctl/cli/scenario/station_steps.h"
 #include "appletctl/cli/scenario/step_words.h"
 #include "appletctl/commands/CommandRun.h"
@@ -297,7 +298,9 @@ Request requestOf(const Words& words, Options options) {
     if (request.command != nullptr) return request;
     const std::string why =
         request.outcome.problems.empty() ? "this asks for help" : request.outcome.problems.front();
-    const std::string near = didYouMean(nearestKinds(words));
+    const bool isCommand = std::ranges::any_of(
+        allCommands(), [&](const Command* command) { return words.front() == command->name; });
+    const std::string near = isCommand ? "" : didYouMean(nearestKinds(words));
     throw UsageError(
         withSteps(near.empty() ? why : "there is no step or command " + inQuotedWord(words.front()) + near));
 }
