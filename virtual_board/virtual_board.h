@@ -8,8 +8,8 @@
  * everything that a board *does* (values, faults, access log) belongs to one board. All functions may be
  * called from any thread. Unknown names give VBOARD_UNKNOWN and change nothing.
  *
- * No C++ exception leaves a function. If memory runs out, those with a code return VBOARD_NO_MEMORY, those with
- * an object null, and vboard_now 0; vboard_advance has advanced less; the others have done nothing.
+ * No C++ exception leaves a function. If memory runs out, those with a code return VBOARD_NO_MEMORY, those
+ * with an object null, and vboard_now 0; vboard_advance has advanced less; the others have done nothing.
  */
 #ifndef VIRTUAL_BOARD_H
 #define VIRTUAL_BOARD_H

@@ -23,11 +23,11 @@ public:
     /** Restores the start values. */
     void reset();
 
-    /** Puts what a set would store into the access, for the log; returns a text. Null pointers are allowed. */
+    /** Puts what a set would store into the access, for the log; returns a text. Pointers may be null. */
     static const char* describe(Access& access, const void* value);
     /** Stores the value of a parameter; a number is taken from the access. */
     int store(const Access& access, const void* value);
-    /** Copies the value to the caller and the access; a text goes to `text`, valid until the value changes. */
+    /** Copies the value to caller and access; a text goes to `text` and is valid until the value changes. */
     int fetch(Access& access, void* value, const char*& text);
     int storeRegister(const Access& access);
     int fetchRegister(Access& access, std::uint64_t* value);

@@ -17,9 +17,9 @@ struct ImageOfFile {
     std::string trouble{}; /**< "its pixels end too early" */
 };
 
-/** The image of a PPM or PGM (binary, P6 or P5), PNG or TIFF file. Components with less than 16 bits are put into
- *  the upper bits. It must be a regular file, and no larger than a raster may be. PNG and TIFF are read by the
- *  system's libraries, which are loaded for the first such file. */
+/** The image of a PPM or PGM (binary, P6 or P5), PNG or TIFF file. Components of less than 16 bits are put in
+ *  the upper bits. It must be a regular file and not larger than a raster may be. PNG and TIFF are read by
+ *  the system's libraries, which are loaded for the first such file. */
 ImageOfFile readImage(const std::string& path, station::Raster::Point point);
 
 /** Rows of pixels as they are in a file. */
