@@ -9,7 +9,7 @@ HEADERS = ["include/vexo/**"]
 LOCKS = ["src/templates/**"]
 SUPPORT = [*HEADERS, *LOCKS, "src/support/**"]
 CATALOGUE = [*SUPPORT, "src/catalogue/**"]
-# What a source needs that implements members of the object.
+# Required by a source that implements members of the object.
 MEMBERS = ["src/entry/sdk_parameters.h", "src/entry/setter_tools.h"]
 
 SCENE = ["station/scene/**", *(f"station/timing/{name}.h" for name in ("Signals", "Tick", "Wave"))]
@@ -81,13 +81,13 @@ ROOMS = [
     (f"{PRODUCER}**", [*PRODUCER_MODULES, f"{PRODUCER}**"]),
     (f"{TOOL}base/**", BASE),
     (f"{TOOL}draw/**", DRAW),
-    # The rooms of the commands know what all of them share, and not each other.
+    # The rooms of the commands may include their common code, and not each other.
     *((f"{TOOL}commands/{room}/**", [*COMMANDS, f"{TOOL}commands/{room}/**"])
       for room in ("read", "change", "files", "signals")),
     (f"{TOOL}commands/**", COMMANDS),
     (f"{TOOL}cli/**", [*HEADERS, "virtual_board/virtual_board.h", "tools/**"]),
 ]
-# What prints, in files that must not.
+# Printing code, in files that must not print.
 SILENT = [f"{TOOLS}**", "tools/serve/**", f"{PRODUCER}**"]
 PRINTING = re.compile(r"#\s*include\s+<(?:iostream|cstdio|stdio\.h|print)>|"
                       r"\bstd::(?:cout|cerr|clog)\b|\b(?:f?printf|f?puts|putchar)\(")

@@ -189,7 +189,7 @@ def main():
     if check_only:
         print(f"{len(faults)} faults fit the sources")
         return
-    # The copy's objects are found in the cache of a build beside it: the paths are the same below both.
+    # The copy's objects are found in the cache of a neighbouring build: the paths are the same below both.
     os.environ.setdefault("CCACHE_BASEDIR", str(Path.cwd()))
     os.environ.setdefault("CCACHE_NOHASHDIR", "1")
     COPY.mkdir(parents=True, exist_ok=True)
