@@ -38,8 +38,8 @@ PRODUCER_DEVICE = [*PRODUCER_FEATURES, *HOST, f"{PRODUCER}device/**"]
 PRODUCER_MODULES = [*PRODUCER_DEVICE, f"{PRODUCER}modules/**"]
 COMMANDS = [*TOOLS_ANSWERS, *DRAW, f"{TOOL}commands/*"]
 
-# The files of a room, and what they may include. A file belongs to the first row that it matches. A star stays within a
-# folder, two stars do not.
+# The files of a room, and the files that they may include. A file belongs to the first row that it matches. One star
+# matches within a folder, two stars also match subfolders.
 ROOMS = [
     ("include/vexo/**", HEADERS),
     ("src/templates/**", LOCKS),
@@ -103,7 +103,7 @@ def matches(path, *patterns):
 
 
 def resolved(root, file, include):
-    """The included file, seen from the root; none if there is no such file of ours."""
+    """The included file, relative to the root; None if the project has no such file."""
     for folder in [file.parent, *(root / name for name in INCLUDE_ROOTS)]:
         if (folder / include).is_file():
             return (folder / include).resolve().relative_to(root).as_posix()

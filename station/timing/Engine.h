@@ -3,7 +3,7 @@
  *
  * Its cost grows with the number of events, not with time. The order within a tick: ends of one-tick pulses,
  * the end of a line, the inputs, image trigger, line trigger, ExSync, the link of the camera, camera trigger,
- * the start of a line, the DMA. Thus an image starting in the tick of a line takes it; one that ends does not.
+ * the start of a line, the DMA. So an image starting in the tick of a line takes it; one that ends does not.
  */
 #ifndef STATION_TIMING_ENGINE_H
 #define STATION_TIMING_ENGINE_H
@@ -111,7 +111,7 @@ public:
     const Camera& camera() const { return m_camera; }
     Buffer& buffer() { return m_buffer; }
     std::uint64_t lines() const { return m_lines; }
-    /** Lines of the source whose transfer has ended, and the last of them. */
+    /** Lines of the source that were transferred completely, and the last of them. */
     std::uint64_t linesEnded() const { return m_lines - (m_lineEnd != never ? 1 : 0); }
     const SourceLine& lastLine() const { return m_lineEnd != never ? m_lineBefore : m_line; }
     /** The same of the camera, if it is one of the camera. */
