@@ -9,7 +9,7 @@
 #include <sys/types.h>
 
 /**
- * Returns the lines of a file, from its first byte on, in the way of reads into a buffer of 256 bytes: a
+ * Returns the lines of a file, from its first byte on, as reads into a buffer of 256 bytes give them: a
  * line has at most 255 bytes, and the rest of a longer one is returned as further lines. Anything but a
  * regular file is empty. Reads in blocks, so that the memory needed does not grow with the file; does not
  * move the file's position. The file must stay open while the reader is used. Throws nothing.
