@@ -1,4 +1,4 @@
-// Each operation of the applet beside the least that it can cost, in one run: compare the pairs of rows.
+// Each operation of the applet beside its minimum cost, measured in the same run: compare the pairs of rows.
 
 #include "baseline.h"
 #include "baseline_work.h"
@@ -198,7 +198,7 @@ void makeRecords() {
     }
 }
 
-/** What no bring-up can do without: the ids of the design's parameters, and the tree. */
+/** The minimum of every bring-up: the ids of the design's parameters, and the tree. */
 void resolveAndMakeRecords() {
     for (int i = 0; i < 138; ++i)
         benchmark::DoNotOptimize(applet().runtimeIdByName(nullptr, "Device1_Process0_Buffer_0_XLength"));
@@ -235,7 +235,7 @@ void bring_up_slave(benchmark::State& state) {
 // ---- Loading
 
 void load(benchmark::State& state, const char* library) {
-    applet(); // the platform libraries are there
+    applet(); // loads the platform libraries
     const std::string path = libraryFolder() / library;
     for (auto _ : state) {
         void* handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
@@ -244,7 +244,7 @@ void load(benchmark::State& state, const char* library) {
     }
 }
 
-// A copy, since the applet itself is loaded already.
+// A copy, since the applet itself is already loaded.
 void load_library_baseline(benchmark::State& state) { load(state, "stub/libblock.so"); }
 void load_library(benchmark::State& state) { load(state, "stub/libapplet_copy.so"); }
 

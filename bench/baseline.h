@@ -1,5 +1,5 @@
 /**
- * The least that a routed call can cost: an error-checking mutex taken and released, a count that changes under it,
+ * The minimum cost of a routed call: an error-checking mutex locked and unlocked, a count changed under it,
  * one virtual call, one switch over ids, one indirect call for each access of the design, and the last error stored.
  */
 #ifndef BENCH_BASELINE_H
@@ -18,11 +18,11 @@ public:
     virtual ~BaselineWrapper() = default;
     virtual int set(int id, const void* value) = 0;
     virtual int get(int id, void* value) = 0;
-    /** What an enumeration asks: no lock, one load. */
+    /** The minimum of an enumeration step: no lock, one load. */
     virtual int idAt(int index) = 0;
 };
 
-/** Made in another translation unit, so that its calls stay virtual. */
+/** Defined in another translation unit, so that its calls stay virtual. */
 BaselineWrapper* makeBaselineWrapper(grabcore_setParameterWithType* runtimeSet,
                                      grabcore_getParameterWithType* runtimeGet);
 

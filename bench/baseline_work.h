@@ -1,4 +1,4 @@
-/** Work that several operations cannot do without: what they are measured against is put together of it. */
+/** Minimum work of several operations, of which the baselines are composed. */
 #ifndef BENCH_BASELINE_WORK_H
 #define BENCH_BASELINE_WORK_H
 
@@ -16,7 +16,7 @@
 
 constexpr std::size_t lutEntries = 16384;
 
-/** Three tables, of which the first is computed and the others are copies. */
+/** Three tables: the first is computed and the others are copies. */
 struct BaselineTables {
     std::array<std::uint32_t, lutEntries> red, green, blue;
 
@@ -53,7 +53,7 @@ inline std::string contentOf(const std::string& file) {
 bool writeByLine(const std::string& file, const std::vector<std::string>& lines);
 std::vector<std::string> linesOf(const std::string& text);
 
-/** A folder for files, empty at its end. */
+/** A folder for files, emptied in the destructor. */
 class BenchFolder {
 public:
     BenchFolder();

@@ -1,4 +1,4 @@
-// Configuration files beside the least that each operation can cost, in one run: compare the pairs of rows.
+// Configuration files beside the minimum cost of each operation, in one run: compare the pairs of rows.
 
 #include "baseline_work.h"
 
@@ -8,7 +8,7 @@ namespace {
 
 const StubApplet& applet() { return StubApplet::instance(); }
 
-/** A handle, and the file of its state. */
+/** A handle, and a file with its state. */
 struct Bench {
     StubHandle handle;
     BenchFolder folder;
@@ -49,7 +49,7 @@ void config_load(benchmark::State& state) {
             return state.SkipWithError("not loaded");
 }
 
-/** With so many lines of other keys in front of its own: the time grows with the lines and no faster. */
+/** With `range` lines of other keys before its own: the time must grow linearly with them. */
 void config_load_behind(benchmark::State& state) {
     Bench bench;
     std::string text = contentOf(bench.file);

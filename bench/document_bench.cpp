@@ -1,4 +1,4 @@
-// The XML document beside the least that it can cost, in one run: compare the pairs of rows.
+// The XML document beside its minimum cost, in one run: compare the pairs of rows.
 
 #include "stub_applet.h"
 
@@ -15,7 +15,7 @@ namespace {
 
 const StubApplet& applet() { return StubApplet::instance(); }
 
-/** The document of a handle, by the two calls. */
+/** The document of a handle, read with two calls. */
 std::string documentOf(Fg_Struct* fg) {
     unsigned long size = 0;
     applet().document(fg, 0, nullptr, &size);

@@ -1,5 +1,5 @@
-// What objects cost in memory: resident size of a further object, and what 200 opens and frees leave behind. The
-// allocator keeps pages as it likes, so the second is measured in bytes in use, after as many opens to warm up.
+// Memory cost of objects: resident size of a further object, and memory left over after 200 opens and frees.
+// The allocator may keep pages, so the second is measured in bytes in use, after as many opens to warm up.
 
 #include "stub_applet.h"
 

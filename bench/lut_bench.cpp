@@ -1,4 +1,4 @@
-// Lookup tables beside the least that each operation can cost, in one run: compare the pairs of rows.
+// Lookup tables beside the minimum cost of each operation, in one run: compare the pairs of rows.
 
 #include "baseline_work.h"
 
@@ -11,7 +11,7 @@ using Table = std::array<std::uint32_t, lutEntries>;
 
 const StubApplet& applet() { return StubApplet::instance(); }
 
-/** A handle of its own, and a LUT file that goes with it. */
+/** A separate handle, and its LUT file. */
 class Bench {
 public:
     Bench() { setText(FG_LUT_SAVE_FILE, file().c_str()); }
@@ -58,7 +58,7 @@ void processing_gamma_baseline(benchmark::State& state) {
 
 void processing_gamma(benchmark::State& state) { processing(state, 2.2); }
 
-// ---- Elements. The least of one element is a routed set of a number.
+// ---- Elements. The minimum for one element is a routed set of a number.
 
 void lut_element_baseline(benchmark::State& state) {
     Bench bench;

@@ -1,4 +1,4 @@
-// What a run of appletctl takes from start to end.
+// Run time of appletctl from start to end.
 //   start_up_bench
 // APPLETCTL_PROGRAM is the program's path.
 
@@ -50,7 +50,7 @@ const Words commandLines[] = {
     {"list"},
     {"set", "FG_WIDTH=2048"},
     {"plan", "FG_WIDTH=2048"},
-    // In a folder of their own, one after the other: the first one writes the file that others read.
+    // In a separate folder, one after the other: the first one writes the file that others read.
     {"save", "station.mcf", "FG_WIDTH=2048"},
     {"load", "station.mcf"},
     {"check", "station.mcf"},
@@ -63,7 +63,7 @@ const Words commandLines[] = {
     {"report", "-o", "report.txt"},
 };
 
-/** A folder that the process works in. */
+/** Changes the working directory to a folder. */
 class WorkFolder {
 public:
     WorkFolder() {

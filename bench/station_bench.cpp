@@ -1,5 +1,5 @@
-// What the station costs: a simulated second by the events in it, and a picture beside a plain loop that only looks up
-// each component of it. station_ratios has the ratios that are promised.
+// Cost of the station: a simulated second, by the events in it, and a picture beside a plain loop that only
+// looks up each component of it. station_ratios checks the guaranteed ratios.
 
 #include "station_work.h"
 
@@ -28,7 +28,7 @@ void countPixels(benchmark::State& state) {
                            benchmark::Counter::kIsRate);
 }
 
-/** The whole path: region, gain, table, shift, format. Each thread has a renderer of its own. */
+/** The whole path: region, gain, table, shift, format. Each thread has a separate renderer. */
 void render(benchmark::State& state) {
     const station::Record picture =
         pictureRecord(static_cast<std::uint32_t>(state.range(0)), state.range(1) == 1);

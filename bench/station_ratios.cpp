@@ -1,5 +1,5 @@
-// What the station may cost, each figure beside the least of the same run that it is compared with: a ratio is hardly moved
-// by what else the machine does.
+// Limits of the station's cost. Each figure is compared with a baseline of the same run: other load on the
+// machine hardly changes a ratio.
 //   station_ratios [--check]    with --check the exit code is 1 if a figure is beyond its bound
 // APPLETCTL_PROGRAM is the program's path.
 
@@ -40,7 +40,7 @@ struct Least {
     double ratio() const { return first / second; }
 };
 
-/** The least times of both, taken in turns. */
+/** The least times of both, measured alternately. */
 Least leastOf(const Work& first, const Work& second, int times = rounds) {
     Least least;
     for (int i = 0; i < times; ++i) {
@@ -50,7 +50,7 @@ Least leastOf(const Work& first, const Work& second, int times = rounds) {
     return least;
 }
 
-/** The figures so far. */
+/** The figures measured so far. */
 class Figures {
 public:
     void atMost(const std::string& what, double figure, double bound, const char* unit) {
@@ -139,14 +139,14 @@ void access(applet_host::Session& session) {
 void addAccesses(Figures& figures) {
     const applet_host::AppletHost host;
     applet_host::Session without(host), with(host);
-    host.board().advance(with.device, 1000); // from now on it has a station
+    host.board().advance(with.device, 1000); // from now on the board has a station
     const Least least = leastOf([&] { access(with); }, [&] { access(without); }, 10 * rounds);
     figures.atMost("an access while no time moves", least.ratio(), 1.1, "without station");
 }
 
 // ---- Memory
 
-/** Peak memory in KiB of a run that takes so many pictures; 0 if it fails. */
+/** Peak memory in KiB of a run that takes `pictures` pictures; 0 if it fails. */
 double peakOfGrab(const char* pictures) {
     const char* const arguments[] = {
         "appletctl", "grab", pictures, "--hash", "FG_CAMERASIMULATOR_ENABLE=1", "FG_HEIGHT=128", nullptr};

@@ -10,7 +10,7 @@ namespace {
 
 using station::Parameter;
 
-/** A board of nothing but values. */
+/** A board that only has values. */
 class Values final : public station::Board {
 public:
     void set(std::initializer_list<std::pair<Parameter, double>> values) {

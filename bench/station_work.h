@@ -11,17 +11,17 @@ struct Simulated {
     std::uint64_t lines, events;
 };
 
-/** Lets so many seconds pass, with so many lines in each, all asked for by an encoder, with both analyzers and all events.
- *  Resolution 3: each quarter step is a line; 1: one of four. */
+/** Simulates `seconds` seconds with `linesPerSecond` lines each, triggered by an encoder, with both analyzers
+ *  and all events. Resolution 3: each quarter step is a line; 1: one of four. */
 Simulated simulate(station::Tick seconds, std::int32_t linesPerSecond, double resolution);
 
 inline constexpr std::uint32_t pictureWidth = 4096;
 inline constexpr std::uint32_t pictureHeight = 512;
 
-/** Of a picture with so many bits a component: of the simulator, or of a raster with values of 16 bits. */
+/** The record of a picture with `bits` bits per component: of the simulator, or of a 16-bit raster. */
 station::Record pictureRecord(std::uint32_t bits, bool isRaster);
 
-/** The least that such a picture can cost: one look-up of each component, and the format. */
+/** The minimum cost of such a picture: one look-up of each component, and the format. */
 class LookUps {
 public:
     LookUps(std::uint32_t bits, bool isRaster);

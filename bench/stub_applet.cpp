@@ -26,7 +26,7 @@ std::filesystem::path libraryFolder() {
 
 const StubApplet& StubApplet::instance() {
     static const StubApplet applet = [] {
-        std::thread([] {}).join(); // hosts have threads, and the C library's mutexes are cheaper without any
+        std::thread([] {}).join(); // hosts have threads, and without any the C library's mutexes are cheaper
         const std::filesystem::path folder = libraryFolder();
         opened(folder / "stub/libvexo_hw.so");
         opened(folder / "stub/libtslrt.so");

@@ -10,7 +10,7 @@
 /** Folder of the build's libraries. */
 std::filesystem::path libraryFolder();
 
-/** The functions that are measured, and the runtime's two that the least possible call goes through. */
+/** The measured functions, and the two functions of the runtime that the minimum call uses. */
 struct StubApplet {
     decltype(&::Std_entry) Std_entry;
     decltype(&::Fg_setParameterWithType) set;
@@ -25,7 +25,7 @@ struct StubApplet {
     grabcore_getParameterWithType* runtimeGet;
     grabcore_getParameterIdByName* runtimeIdByName;
 
-    /** Loaded once, ends the program with a message if that fails. */
+    /** Loaded once; ends the program with a message if that fails. */
     static const StubApplet& instance();
 };
 

@@ -1,6 +1,6 @@
-# The two blocks of data that the library carries: the design image and the icon.
+# The two data blocks embedded in the library: the design image and the icon.
 #
-# APPLET_DESIGN_IMAGE names the user's own design image. Without it the build makes a file of the design's
+# APPLET_DESIGN_IMAGE names the user's own design image. Without it the build creates a file of the design's
 # size, which the virtual board accepts like any other.
 
 set(APPLET_DESIGN_IMAGE "" CACHE FILEPATH "Design image to embed instead of the one made by the build")
@@ -31,7 +31,7 @@ add_custom_command(
   DEPENDS ${EMBEDDED_SCRIPT}
   COMMENT "Drawing the icon")
 
-# embed_data(source): tells the assembler source where the two files are.
+# embed_data(source): passes the paths of the two files to the assembler source.
 function(embed_data source)
   set_source_files_properties(${source} PROPERTIES
     OBJECT_DEPENDS "${DESIGN_IMAGE_FILE};${ICON_FILE}"

@@ -29,7 +29,7 @@ if(NOT APPLET_SANITIZE)
   add_compile_options(-fstack-clash-protection)
   if(CMAKE_SYSTEM_PROCESSOR STREQUAL "x86_64")
     add_compile_options(-fcf-protection=full)
-    # Some C libraries' start files lack the mark, so that the linker would drop it, but they do not touch the stack.
+    # Some C libraries' start files lack the mark, so the linker would drop it; they do not touch the stack.
     add_link_options(-Wl,-z,shstk)
   endif()
   if(CMAKE_BUILD_TYPE MATCHES "^(Release|RelWithDebInfo|MinSizeRel)$") # needs optimization
@@ -37,7 +37,7 @@ if(NOT APPLET_SANITIZE)
   endif()
 endif()
 
-# Line numbers are all that a sanitizer's report needs; full debug information takes longer to build and to link.
+# A sanitizer's report only needs line numbers; full debug information takes longer to build and to link.
 if(APPLET_SANITIZE STREQUAL "address" OR APPLET_SANITIZE STREQUAL "thread")
   add_compile_options(-g1)
 endif()

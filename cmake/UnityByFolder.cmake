@@ -1,5 +1,5 @@
 # With CMAKE_UNITY_BUILD: each target compiles its sources folder by folder, one translation unit for each. An analysis
-# then reads the headers once for a folder. Names of a source's own must differ within a folder.
+# then reads the headers once for a folder. File-local names must differ within a folder.
 function(unity_by_folder directory)
   get_property(targets DIRECTORY ${directory} PROPERTY BUILDSYSTEM_TARGETS)
   foreach(target IN LISTS targets)

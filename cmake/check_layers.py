@@ -9,7 +9,7 @@ HEADERS = ["include/vexo/**"]
 LOCKS = ["src/templates/**"]
 SUPPORT = [*HEADERS, *LOCKS, "src/support/**"]
 CATALOGUE = [*SUPPORT, "src/catalogue/**"]
-# What a source needs that implements members of the object.
+# Required by a source that implements members of the object.
 MEMBERS = ["src/entry/sdk_parameters.h", "src/entry/setter_tools.h"]
 
 SCENE = ["station/scene/**", *(f"station/timing/{name}.h" for name in ("Signals", "Tick", "Wave"))]
@@ -39,8 +39,8 @@ PRODUCER_DEVICE = [*PRODUCER_FEATURES, *HOST, *STATION_FILES, f"{PRODUCER}device
 PRODUCER_MODULES = [*PRODUCER_DEVICE, f"{PRODUCER}modules/**"]
 COMMANDS = [*TOOLS_ANSWERS, *DRAW, f"{TOOL}commands/*"]
 
-# The files of a room, and what they may include. A file belongs to the first row that it matches. A star stays within a
-# folder, two stars do not.
+# The files of a room, and the files that they may include. A file belongs to the first row that it matches. One star
+# matches within a folder, two stars also match subfolders.
 ROOMS = [
     ("include/vexo/**", HEADERS),
     ("src/templates/**", LOCKS),
@@ -82,13 +82,13 @@ ROOMS = [
     (f"{PRODUCER}**", [*PRODUCER_MODULES, f"{PRODUCER}**"]),
     (f"{TOOL}base/**", BASE),
     (f"{TOOL}draw/**", DRAW),
-    # The rooms of the commands know what all of them share, and not each other.
+    # The rooms of the commands may include their common code, and not each other.
     *((f"{TOOL}commands/{room}/**", [*COMMANDS, f"{TOOL}commands/{room}/**"])
       for room in ("read", "change", "files", "signals")),
     (f"{TOOL}commands/**", COMMANDS),
     (f"{TOOL}cli/**", [*HEADERS, "virtual_board/virtual_board.h", "tools/**"]),
 ]
-# What prints, in files that must not.
+# Printing code, in files that must not print.
 SILENT = [f"{TOOLS}**", "tools/serve/**", f"{PRODUCER}**"]
 PRINTING = re.compile(r"#\s*include\s+<(?:iostream|cstdio|stdio\.h|print)>|"
                       r"\bstd::(?:cout|cerr|clog)\b|\b(?:f?printf|f?puts|putchar)\(")
@@ -104,7 +104,7 @@ def matches(path, *patterns):
 
 
 def resolved(root, file, include):
-    """The included file, seen from the root; none if there is no such file of ours."""
+    """The included file, relative to the root; None if the project has no such file."""
     for folder in [file.parent, *(root / name for name in INCLUDE_ROOTS)]:
         if (folder / include).is_file():
             return (folder / include).resolve().relative_to(root).as_posix()

@@ -11,7 +11,7 @@ ICON_EDGE = 32
 
 
 def design_image():
-    """A stand-in of the design's exact size: a readable first line, then bytes that no compressor can shrink."""
+    """A stand-in with the design's exact size: a readable first line, then incompressible bytes."""
     head = b"Grab_TwinLaneLineColor.tsl stand-in for the virtual board\n"
     state, body = 0x2545F491, bytearray(head)
     block = bytearray()
@@ -43,7 +43,7 @@ def icon():
     rows = b"".join(b"\0" + bytes(c for x in range(ICON_EDGE) for c in icon_pixel(x, y)) for y in range(ICON_EDGE))
     head = b"\x89PNG\r\n\x1a\n" + png_chunk(b"IHDR", struct.pack(">IIBBBBB", ICON_EDGE, ICON_EDGE, 8, 6, 0, 0, 0))
     tail = png_chunk(b"IDAT", zlib.compress(rows, 0)) + png_chunk(b"IEND", b"")
-    # The applet's icon has a fixed size; a comment fills what the picture leaves.
+    # The applet's icon has a fixed size; a comment pads the picture to it.
     comment = b"Comment\0Grab_TwinLaneLineColor applet icon"
     comment = comment.ljust(ICON_SIZE - len(head) - len(tail) - 12, b" ")
     picture = head + png_chunk(b"tEXt", comment) + tail

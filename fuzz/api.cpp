@@ -1,6 +1,6 @@
-// The input is a list of calls on two handles, each on a board of its own. A call is one byte for the
-// function, one for the handle and what else the function takes. After each the handle answers for it, and
-// the other has seen nothing.
+// The input is a list of calls on two handles, each with a separate board. A call is one byte for the
+// function, one for the handle and the arguments of the function. After each call the invariants of its
+// handle must hold, and the other handle must be unchanged.
 
 #include "applet_host/AppletHost.h"
 #include "invariants.h"
@@ -18,7 +18,7 @@ using fuzz::require;
 
 constexpr std::size_t mostCalls = 40;
 
-/** What a get gives: the result, a number or an element of a table, and a text. */
+/** The outputs of a get: the result, a number or an element of a table, and a text. */
 struct Answer {
     int result;
     std::array<std::uint64_t, 2> place{};
@@ -53,7 +53,7 @@ public:
         for (One& one : m_both)
             m_board.reset(one.device);
         m_hasDocument = false;
-        open(m_both[0], 1); // a start without defaults is the faster one
+        open(m_both[0], 1); // a start without defaults is faster
         for (std::size_t i = 0; i < mostCalls && !input.isEmpty(); ++i) {
             const auto function = functions[input.byte() % std::size(functions)];
             const std::size_t which = input.byte() % 2;
@@ -76,7 +76,7 @@ private:
     };
     using Function = void (Calls::*)(One& one, Input& input);
 
-    /** Without an object each function refuses; with one the last error is the result. */
+    /** Without an object each function must refuse; with one the last error must be the result. */
     int stored(One& one, int result) {
         const bool isOpen = one.handle.object != nullptr;
         require(m_applet.Fg_getLastErrorNumber(one.fg()) == (isOpen ? result : FG_ERR_INVALID_HANDLE),
@@ -106,7 +106,7 @@ private:
         const unsigned choice = input.byte();
         return choice < m_ids.size() ? m_ids[choice] : input.integer();
     }
-    /** Mostly one that can be opened for reading and cannot be written. */
+    /** Mostly a file that can be read but not written. */
     const char* choosePath(Input& input) {
         static constexpr const char* paths[] = {"sound.mcf", "table.lut", "folder.mcf", "none/a.mcf",
                                                 "none.mcf",  "a.mcf.bak", "",           "full.mcf"};
@@ -161,7 +161,7 @@ private:
     /** Whether a value is among the published limits or entries. */
     bool isAllowed(One& one, int id, const void* value) {
         const RegisterInfo* record = find(m_applet.Fg_getParameterInfo(one.fg(), 0), id);
-        if (record == nullptr || id == FG_YOFFSET) return true; // which takes one line more than it publishes
+        if (record == nullptr || id == FG_YOFFSET) return true; // accepts one line more than it publishes
         if (record->kind == REGISTER_KIND_UINT) return isInside<std::uint32_t>(record->value.u32, value);
         if (record->kind == REGISTER_KIND_DOUBLE) return isInside<double>(record->value.f64, value);
         if (record->kind != REGISTER_KIND_ENUM) return true;
@@ -174,7 +174,7 @@ private:
     template <typename T, typename Limits> static bool isInside(const Limits& limits, const void* value) {
         T number{};
         std::memcpy(&number, value, sizeof number);
-        // Some say nothing, and some start with nothing said. What is no number lies outside of nothing.
+        // Some limits are empty, and some are empty at first. NaN is not outside of any limits.
         return limits.minimum >= limits.maximum || !(number < limits.minimum || number > limits.maximum);
     }
     static const RegisterInfo* find(const RegisterInfo* record, int id) {
@@ -193,7 +193,7 @@ private:
         if (kindOf(one, id) == REGISTER_KIND_STRING) {
             const bool isPath = isWritten(id) || input.byte() % 2 != 0;
             const std::string text = isPath ? choosePath(input) : input.text();
-            if (id == FG_LUT_SAVE_FILE && text != "none/a.mcf") return; // a whole table takes its time
+            if (id == FG_LUT_SAVE_FILE && text != "none/a.mcf") return; // writing a whole table is slow
             result = setBytes(one, id, text.c_str(), input);
         } else if (kindOf(one, id) == REGISTER_KIND_UINT_FIELD && input.byte() % 2 != 0) {
             result = setRun(one, id, input);
@@ -246,7 +246,7 @@ private:
     void load(One& one, Input& input) { file(one, m_applet.Fg_loadConfig, input, FG_ERR_LOAD_CONFIG); }
     void file(One& one, int (*function)(Fg_Struct*, const char*), Input& input, int lastError) {
         const unsigned choice = input.byte();
-        // Its own content stays as it is.
+        // Its own state, which a load does not change.
         const char* path = function == m_applet.Fg_loadConfig && choice % 2 == 0 ? "sound.mcf"
                            : choice % 16 == 1                                    ? nullptr
                                                                                  : "state.mcf";
@@ -255,7 +255,7 @@ private:
         stored(one, result == FG_ERR_FILE_TYPE ? lastError : result);
     }
     void document(One& one, Input& input) {
-        if (std::exchange(m_hasDocument, true)) return; // each takes longer than all other calls
+        if (std::exchange(m_hasDocument, true)) return; // slower than all other calls
         unsigned long size = 0;
         if (stored(one, m_applet.Fg_getParameterInfoXML(one.fg(), 0, nullptr, &size)) != FG_OK) return;
         std::vector<char> text(size);

@@ -1,4 +1,4 @@
-/** What the fuzz targets share. */
+/** Helpers of the fuzz targets. */
 #ifndef FUZZ_INVARIANTS_H
 #define FUZZ_INVARIANTS_H
 
@@ -17,14 +17,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
 namespace fuzz {
 
-/** Ends the program, so that the input is kept, unless the invariant holds. `about` is a number to print with it. */
+/** Aborts unless the invariant holds, so that the fuzzer keeps the input. Prints `about` with it. */
 inline void require(bool holds, const char* invariant, int about = 0) {
     if (holds) return;
     std::fprintf(stderr, "broken invariant: %s (%d)\n", invariant, about);
     std::abort();
 }
 
-/** Takes values off the input; 0 where it has ended. */
+/** Takes values from the input; 0 after its end. */
 class Input {
 public:
     Input(const std::uint8_t* data, std::size_t size) : m_next(data), m_end(data + size) {}
@@ -51,7 +51,7 @@ private:
     const std::uint8_t* const m_end;
 };
 
-/** Fills a file, which stays open, once for each input. */
+/** Writes a file once for each input; the file stays open. */
 class InputFile {
 public:
     explicit InputFile(std::string path)
@@ -75,7 +75,7 @@ private:
     const int m_descriptor;
 };
 
-/** The lines of a text, as the C library hands them out into a buffer of 256 bytes. */
+/** The lines of a text, as the C library reads them into a buffer of 256 bytes. */
 inline std::vector<std::string> linesOf(const std::uint8_t* data, std::size_t size) {
     std::vector<std::string> lines;
     if (size == 0) return lines;
@@ -87,7 +87,7 @@ inline std::vector<std::string> linesOf(const std::uint8_t* data, std::size_t si
     return lines;
 }
 
-/** What the C library's tools find behind a key, in the first line that has it anywhere. */
+/** The text after a key in the first line that contains it anywhere, as the C library's functions find it. */
 inline std::optional<std::string> plainKey(const std::vector<std::string>& lines, const char* key) {
     for (std::string line : lines) {
         if (std::strstr(line.c_str(), key) == nullptr) continue;

@@ -1,8 +1,8 @@
-// The input is a configuration file that is loaded on the virtual board, while one of its accesses fails:
+// The input is a configuration file that is loaded on the virtual board while one of its accesses fails:
 //   bytes 0 and 1   number of the access, 0 for none
-//   byte 2          bit 0: all later ones fail too; bit 1: the rest is the whole file, else lines that stand
-//                   in front of a sound file's own keys, so that they win
-// Whatever comes of it, the object works on, and a sound file brings the state that it always brings.
+//   byte 2 bit 0: all later ones fail too; bit 1: the rest is the whole file, else it is lines that come
+//                   before the keys of a sound file and override them
+// Whatever the result, the object still works, and loading a sound file gives its usual state.
 
 #include "applet_host/AppletHost.h"
 #include "invariants.h"
@@ -24,7 +24,7 @@ public:
         support::writeFile("a.lut",
                            "nrOfElements=3;\n[red]\n0,1;\n1,2;\n2,3;\n[green]\n0,4;\n[blue]\n0,65536;\n");
         require(m_session.error == FG_OK, "the object comes up");
-        // Tables from the formula, five times for each load, would take most of the time.
+        // Computing tables from the formula, five times per load, would take most of the time.
         const std::uint32_t fromFile = LUT_TYPE_CUSTOM;
         require(m_applet.Fg_setParameterWithType(m_session.fg(), FG_LUT_TYPE, &fromFile, 0,
                                                  FG_PARAM_UINT32) == FG_OK,

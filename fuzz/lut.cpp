@@ -1,5 +1,5 @@
-// The input is a lookup table file. What its reader finds is what a plain reader with the C library's own
-// tools finds, and the tables come back from a file that they are written to.
+// The input is a lookup table file. The reader must find the same as a simple reader with the C library's
+// functions, and tables that are written to a file must read back the same.
 
 #include "files/Fg_LutFileParser.h"
 #include "invariants.h"
@@ -16,7 +16,7 @@ constexpr const char* sections[] = {"[red]", "[green]", "[blue]"};
 constexpr std::uint32_t largestUsualTable = 1 << 20;
 constexpr std::uint32_t smallTable = 64;
 
-/** Three tables that free what a read gave them. */
+/** Three tables that free the elements of a read. */
 template <typename Table> struct Tables {
     Table of[3]{};
 
@@ -42,7 +42,7 @@ std::uint32_t plainNumber(const char* text, std::uint32_t) {
 }
 double plainNumber(const char* text, double) { return std::atof(text); }
 
-/** All that comes in the file of at most `count` elements. */
+/** All elements of the file, up to `count`. */
 template <typename Element>
 std::vector<Element> plainElements(const Lines& lines, const char* section, std::size_t count) {
     std::vector<Element> elements;
@@ -101,7 +101,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
 
     const Lines lines = fuzz::linesOf(data, size);
     const std::uint32_t count = std::min(plainKey(lines, "nrOfElements"), largestUsualTable);
-    // Large tables take the time of many small ones and show little more.
+    // A large table takes as long as many small ones and finds little more.
     if (count > 20000 && size % 32 != 0) return 0;
 
     input.fill(data, size);
@@ -115,7 +115,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
                       "the first keys of the file");
         checkElements(table, lines, sections[i]);
     }
-    // The rest takes the most time, and shows as much with fewer inputs.
+    // The rest is slowest, and fewer inputs are enough for it.
     if (size % 8 == 0 && count <= smallTable) checkRoundTrip(tables, written.c_str());
     if (size % 8 == 1) checkKnees(input.path(), lines);
     return 0;

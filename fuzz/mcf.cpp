@@ -1,5 +1,5 @@
-// The input is a configuration file. What its parser finds is what a plain reader with the C library's own
-// tools finds, and what was found comes back from a file that it is written to.
+// The input is a configuration file. The parser must find the same as a simple reader with the C library's
+// functions, and the values found must read back the same from a file that they are written to.
 
 #include "files/Fg_ConfigFileParser.h"
 #include "invariants.h"
@@ -49,7 +49,7 @@ void checkNumber(Parser& parser, const std::string& section, const std::string& 
     fuzz::require(std::memcmp(&found, &plain, sizeof found) == 0, "a number, or the old value");
 }
 
-/** Compares all that can be asked for. True if any of the keys is there. */
+/** Compares all queries. True if the file has any of the keys. */
 bool check(Parser& parser, const Lines& lines) {
     bool isAnyThere = false;
     std::string text;
@@ -111,11 +111,11 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
 
     input.fill(data, size);
     Parser parser(&log, input.path(), true);
-    if (!check(parser, fuzz::linesOf(data, size)) || size % 8 != 0) return 0; // writing takes the most time
+    if (!check(parser, fuzz::linesOf(data, size)) || size % 8 != 0) return 0; // writing is slowest
 
     const Found found(parser, "k", "k", "k");
     for (const std::string& text : found.texts)
-        if (text.size() > 240) return 0; // a line that is cut does not come back
+        if (text.size() > 240) return 0; // a truncated line does not read back the same
     found.write(written.c_str());
     Parser again(nullptr, written.c_str(), true);
     fuzz::require(Found(again, "u64", "i64", "i32") == found, "what was written comes back");

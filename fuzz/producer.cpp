@@ -1,6 +1,6 @@
-// The input is a list of calls of the producer, 8 bytes each: the function, then what its arguments are made
-// of. Handles are taken from all that were ever handed out, so that closed ones and those of another kind
-// come as well. Whatever is called, in whatever order, answers one of the standard's codes, and nothing is
+// The input is a list of calls of the producer, 8 bytes each: the function, then the source of its arguments.
+// Handles are taken from all that were ever returned, so that closed ones and those of another type
+// are used as well. Every call, in any order, must return one of the standard's codes, and nothing may be
 // left open at the end.
 
 #include "invariants.h"
@@ -36,7 +36,7 @@ private:
     std::int32_t number() { return static_cast<std::int8_t>(byte()); }
     void* handle(unsigned which) { return which < m_handles.size() ? m_handles[which] : nullptr; }
 
-    /** Opens with a function that puts a handle at the place. */
+    /** Opens with a function that stores a handle at the place. */
     template <typename Function> GC_ERROR open(Function function) {
         void* place = nullptr;
         const GC_ERROR code = function(&place);
@@ -113,7 +113,7 @@ private:
         case 24:
             return GCReadPort(first, address, buffer, &size);
         case 25:
-            place.fill(static_cast<char>(number == '/' ? 1 : number)); // no file elsewhere is named
+            place.fill(static_cast<char>(number == '/' ? 1 : number)); // never names a file elsewhere
             return GCWritePort(first, address, buffer, &size);
         case 26: { // a number, such as 1 for a command
             std::int64_t value = number;

@@ -1,5 +1,5 @@
 // Runs a fuzz target on each file of a folder, then on mutations of them, the same ones each time. The
-// mutation at work is written to a file, where a failure leaves it.
+// current mutation is written to a file, so that it is kept after a failure.
 
 #include "invariants.h"
 
@@ -15,7 +15,7 @@ using Bytes = std::vector<char>;
 namespace fs = std::filesystem;
 
 constexpr int mutations = 2000;
-const Bytes::size_type mostBytes = 20000; // over the border of a reader's block
+const Bytes::size_type mostBytes = 20000; // beyond the block size of a reader
 
 void run(const Bytes& input) {
     LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(input.data()), input.size());
@@ -55,10 +55,10 @@ private:
         case 0: // a byte changes
             if (length > 0) input[begin] = static_cast<char>(below(256));
             return;
-        case 1: // a small piece goes
+        case 1: // a small piece is removed
             input.erase(at(begin), at(begin + std::min<std::size_t>(length, 16)));
             return;
-        case 2: { // a piece comes twice
+        case 2: { // a piece is duplicated
             const Bytes piece(at(begin), at(begin + length));
             input.insert(at(begin), piece.begin(), piece.end());
             return;

@@ -1,6 +1,6 @@
-// The input is a list of calls of the station of a board: writes, waves, waits, pictures, with right and
-// wrong arguments. A call is one byte for the function and what else it takes. No call fails, blocks or
-// writes past what it was given, and the same list on another board has the same answers.
+// The input is a list of calls of the station of a board: writes, waves, waits, pictures, with valid and
+// invalid arguments. A call is one byte for the function, then its arguments. No call may fail, block or
+// write out of bounds, and the same list on another board must give the same results.
 
 #include "invariants.h"
 #include "station/Board.h"
@@ -34,7 +34,7 @@ public:
     Calls(const Calls&) = delete;
     Calls& operator=(const Calls&) = delete;
 
-    /** All answers; nothing if they may be others the next time. */
+    /** All results; empty if they may differ in the next run. */
     std::string run() {
         for (std::size_t i = 0; i < mostCalls && !m_input.isEmpty() && vboard_now(m_board) < mostTicks; ++i)
             (this->*functions[m_input.byte() % std::size(functions)])();
@@ -75,7 +75,7 @@ private:
         note(static_cast<std::int64_t>(value == value ? std::clamp(value, -1e9, 1e9) : 7));
         note(runtime::getStatusEx(m_fg, static_cast<int>(1000 + m_input.byte() % 10), -1, 0, nullptr));
     }
-    // What is taken off the input is taken in the order of statements, that of arguments is the compiler's.
+    // The input is read in separate statements, since the order of evaluation of arguments is unspecified.
     void advance() {
         LOOMdevice* const any = board();
         const std::uint64_t ticks = small();
@@ -91,7 +91,7 @@ private:
         }
         const std::size_t count = m_input.byte() % 8;
         if (kind < 5) {
-            std::vector<vboard_edge> edges(count); // exactly so large
+            std::vector<vboard_edge> edges(count); // of exactly this size
             for (vboard_edge& edge : edges)
                 edge = {tick(), m_input.byte() % 2 != 0};
             return note(vboard_wave_edges(any, input, false, edges.data(), count));
@@ -121,7 +121,7 @@ private:
         note(runtime::acquireEx(m_fg, choice == 255, m_input.byte() % 32, 0, into));
     }
     void wait() {
-        const int seconds = -static_cast<int>(m_input.byte() % 2); // a simulated one is a long way
+        const int seconds = -static_cast<int>(m_input.byte() % 2); // waiting for a simulated second is slow
         note(runtime::getLastPicNumberBlockingEx(m_fg, m_input.byte() % 32, 0, seconds, nullptr));
         note(runtime::getLastPicNumberEx(m_fg, 0, nullptr));
     }
@@ -167,7 +167,7 @@ private:
         if (choice >= 16 && choice < 128) vboard_dma_rate(m_board, small() * small());
         if (choice >= 128 && choice < 250) return setUp(choice);
         if (choice < 250) return;
-        const double factors[] = {0.001, 0, -1}; // slow, for the sake of the sanitizers
+        const double factors[] = {0.001, 0, -1}; // slow, because of the sanitizers
         m_followsClock |= vboard_clock(board(), factors[choice % 3]) == VBOARD_OK && choice % 3 == 0;
     }
 

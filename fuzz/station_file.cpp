@@ -1,5 +1,5 @@
-// The input is a station file. It is refused with a message that can be shown, or the virtual board takes all that it
-// describes, and time passes.
+// The input is a station file. Either it is refused with a printable message, or the virtual board accepts
+// all that it describes, and time advances.
 
 #include "applet_host/AppletHost.h"
 #include "applet_tools/base/errors.h"
@@ -29,11 +29,11 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const applet_host::AppletHost host(applet_host::Locations::beside());
     auto station = stationFrom({reinterpret_cast<const char*>(data), size});
     if (!station) return 0;
-    if (station->scene) station->scene->image.clear(); // a file that only this machine has
+    if (station->scene) station->scene->image.clear(); // a file that exists on one machine only
     station->clock.reset();
     const applet_host::BoardFunctions& board = host.board();
     LOOMdevice* const device = board.open();
-    connectStation(board, device, *station); // what the reader takes the board takes
+    connectStation(board, device, *station); // the board must accept whatever the reader accepts
     require(board.advance(device, 1000) == 1000, "time passes");
     board.close(device);
     return 0;

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# What takes longer than the tests: a second compiler without a warning, and the tests under what watches
-# memory and threads.
+# Checks that take longer than the tests: a second compiler without warnings, and the tests under memory and
+# thread checkers.
 #   scripts/check.sh            all of it
 #   scripts/check.sh style      only the format of the sources, and the shell scripts
 #   scripts/check.sh clang      only the build with clang, which checks the locks
@@ -26,7 +26,7 @@ check_clang() {
     cmake --build build/clang --parallel "$(nproc)"
 }
 
-# Analyses each folder as one translation unit, which includes its sources; that is what the disabled check would report.
+# Analyses each folder as one translation unit that includes its sources; the disabled check would report that.
 check_tidy() {
     install_packages clang clang-tidy
     cmake --preset tidy --log-level=WARNING
@@ -47,8 +47,8 @@ check_threads() {
     ctest --preset tsan --parallel "$(nproc)" --tests-regex '^(class|logging)_tests\.|^endurance_tests\.(Cancelled)?Thread'
 }
 
-# All programs but the one that has a malloc of its own, in which valgrind sees nothing. A runtime that lacks functions
-# cannot free what it has given out: the leaks of these tests are intended.
+# All programs except the one that replaces malloc, which hides everything from valgrind. A runtime that lacks
+# functions cannot free its allocations: the leaks of these tests are intended.
 check_memcheck() {
     install_packages valgrind
     build release

@@ -5,7 +5,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit
 
 say() { printf '\n==> %s\n' "$*"; }
 
-# install_packages PACKAGE...: asks apt only for those that are not there.
+# install_packages PACKAGE...: calls apt only for missing ones.
 install_packages() {
     local missing=() package
     for package in "$@"; do

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# What the tests reach of src/: prints the share of lines and branches and what is left; fails below the promise.
+# Test coverage of src/: prints the share of lines and branches and the uncovered ones; fails below the minimum.
 set -euo pipefail
 source "$(dirname "$0")/common.sh"
 
@@ -9,7 +9,7 @@ build coverage
 counts=build/coverage/counts
 rm -rf "$counts"
 say "Testing"
-# The counters run code at load, which `exports` refuses, and are written at each of the thousand unloads of `Endurance`.
+# The counters run code at load, which `exports` refuses, and are written at each of 1000 unloads in `Endurance`.
 LLVM_PROFILE_FILE="$PWD/$counts/%4m.profraw" ctest --preset coverage --parallel "$(nproc)" --exclude-regex '^exports$|\.Endurance\.'
 say "Counting"
 llvm-profdata merge -sparse -o "$counts/all.profdata" "$counts"/*.profraw

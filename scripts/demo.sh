@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds everything and shows the applet at work on the virtual board.
+# Builds everything and demonstrates the applet on the virtual board.
 set -euo pipefail
 source "$(dirname "$0")/common.sh"
 
@@ -8,7 +8,7 @@ build release appletctl common-logging-dispatcher
 
 bin=build/release/bin/appletctl
 
-# show COMMAND...: prints a command line, then runs it. A refusal (status 1) is part of the show.
+# show COMMAND...: prints a command line, then runs it. A refusal (status 1) is part of the demonstration.
 show() {
     say "appletctl $*"
     local status=0
@@ -16,7 +16,7 @@ show() {
     [ "$status" -le 1 ] || exit "$status"
 }
 
-# Configuration files of the show.
+# Configuration files of the demonstration.
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 station=$folder/station.mcf

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Fuzzes what reads files, the exported functions, the simulated station and the producer. The sources in fuzz/ describe the inputs.
+# Fuzzes the file readers, the exported functions, the station and the producer. fuzz/ describes the inputs.
 #   scripts/fuzz.sh [SECONDS [TARGET...]]   mcf, lut, load, api, station and producer, or those named, each for SECONDS (60)
-# What is learned stays in build/fuzz/corpus and is built upon by the next run. A finding becomes a file in
+# The corpus stays in build/fuzz/corpus and is extended by the next run. A finding becomes a file in
 # fuzz/seeds/TARGET, which the tests replay from then on.
 set -euo pipefail
 source "$(dirname "$0")/common.sh"
@@ -15,11 +15,11 @@ build fuzz "${targets[@]/#/fuzz_}"
 
 root=$PWD work=$PWD/build/fuzz
 cp fuzz/*.dict "$work"
-# A whole load knows all keys of a saved state.
+# A whole load uses all keys of a saved state.
 { cat fuzz/mcf.dict && sed -n 's/^\([A-Za-z]\w*=\).*/"\1"/p' tests/data/saved_state.mcf; } >"$work/load.dict"
 declare -A longest=([mcf]=600 [lut]=300 [load]=8000 [api]=600 [station]=1500 [station_file]=1500 [producer]=480) # bytes
 
-# For speed: files in memory, and no trace of allocations, which a replay has.
+# For speed: files in memory, and no stack traces of allocations, which a replay has.
 [ -w /dev/shm ] && export TMPDIR=/dev/shm
 export ASAN_OPTIONS=malloc_context_size=0:quarantine_size_mb=1
 

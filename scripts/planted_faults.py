@@ -22,7 +22,7 @@ COPY = PLANTED / "source"
 LEAST_SHARE = 0.95
 SECONDS_PER_TEST = 120  # a fault may hang a test
 
-# The presets that a fault can be looked for in, and what looks for a fault that the tests named with it miss: the programs and the tests.
+# The presets to test a fault in, with the programs and tests to run if the tests named with the fault miss it.
 FALLBACK = {
     "release": (["all"], "."),
     "asan": (["class_tests", "logging_tests", "applet_tests"], r"^(class|logging|applet)_tests\."),
@@ -166,7 +166,7 @@ def prepare(run, faults, named_only):
 
 
 def outcome(fault, named_only):
-    """How the tests take the fault: what to print, and whether one of them saw it."""
+    """Runs the tests on the fault. Returns the text to print, and whether a test detected it."""
     if not build(fault.run, fault.targets):
         return "DOES NOT COMPILE", False
     if not tests_pass(fault.run, fault.tests):
@@ -189,7 +189,7 @@ def main():
     if check_only:
         print(f"{len(faults)} faults fit the sources")
         return
-    # The copy's objects are found in the cache of a build beside it: the paths are the same below both.
+    # The copy's objects are found in the cache of a neighbouring build: the paths are the same below both.
     os.environ.setdefault("CCACHE_BASEDIR", str(Path.cwd()))
     os.environ.setdefault("CCACHE_NOHASHDIR", "1")
     COPY.mkdir(parents=True, exist_ok=True)

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# All that can be checked, what fails soonest first. Takes some hours: for every night.
+# Runs all checks, those that fail soonest first. Takes some hours: for nightly runs.
 set -euo pipefail
 cd "$(dirname "$0")"
 bash test.sh

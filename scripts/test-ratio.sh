@@ -11,7 +11,7 @@ code=(src include station virtual_board tools producer bench)
 tests=(tests fuzz)
 languages='C,C++,C/C++ Header,Assembly,Python,JavaScript,HTML,CSS,Windows Module Definition' # the last is cloc's name for .def
 
-# count FOLDER: lines of code of the files below it that git knows.
+# count FOLDER: lines of code of the tracked files below it.
 count() {
     git ls-files -- "$1" | cloc --quiet --csv --list-file=- --include-lang="$languages" 2>/dev/null |
         awk -F, '$2 == "SUM" { sum = $5 } END { print sum + 0 }'

@@ -1,15 +1,15 @@
 /**
- * Control of the virtual board: a software model of the grabber and its design behind libgrabcore5.so,
- * libtslrt.so and libvexo_hw.so.
+ * Control of the virtual board: a software model of the grabber and its design, which implements
+ * libgrabcore5.so, libtslrt.so and libvexo_hw.so.
  *
- * A host opens the three libraries by absolute path, libvexo_hw.so first, and finds these functions in
+ * A host opens the three libraries by absolute path, libvexo_hw.so first, and looks these functions up in
  * libvexo_hw.so. Everything that a design *is* (which parameters, events, registers and runtime entry points
- * it has) is set for the whole process and holds for designs loaded and runtimes bound afterwards; everything
- * that a board *does* (values, faults, access log) belongs to one board. All functions may be called from any
- * thread. Unknown names answer VBOARD_UNKNOWN and change nothing.
+ * it has) is set for the whole process and applies to designs loaded and runtimes bound afterwards;
+ * everything that a board *does* (values, faults, access log) belongs to one board. All functions may be
+ * called from any thread. Unknown names give VBOARD_UNKNOWN and change nothing.
  *
- * No C++ exception leaves a function. If memory is lacking, those with a code answer VBOARD_NO_MEMORY, those that give
- * an object null, vboard_now 0, and vboard_advance has moved less; the others have done nothing.
+ * No C++ exception leaves a function. If memory runs out, those with a code return VBOARD_NO_MEMORY, those
+ * with an object null, and vboard_now 0; vboard_advance has advanced less; the others have done nothing.
  */
 #ifndef VIRTUAL_BOARD_H
 #define VIRTUAL_BOARD_H
@@ -34,37 +34,37 @@ enum {
     VBOARD_NO_MEMORY = -5
 };
 
-/** A new board with the design's start values; to be handed to Std_entry. Close it after its last handle. */
+/** Creates a board with the design's start values, for Std_entry. Close it after its last handle. */
 LOOMdevice* vboard_open(void);
-/** Releases a board; it is gone when the last handle of it is freed too. A null board does nothing. */
+/** Releases a board, which is destroyed when its last handle is freed too. A null board does nothing. */
 void vboard_close(LOOMdevice* board);
-/** Puts start values back, clears the log, forgets faults, forced answers, raised events and the function that
- *  watches accesses. What is logged stays chosen. */
+/** Restores start values, clears the log, and removes faults, forced answers, raised events and the function
+ *  that watches accesses. The selection of logged kinds is kept. */
 void vboard_reset(LOOMdevice* board);
 
-/** How many "boards", "designs", "handles" (inner ones) or "strings" (handed out by the runtime) are alive.
- *  Freeing a handle takes its strings along. */
+/** How many "boards", "designs", "handles" (inner ones) or "strings" (returned by the runtime) exist.
+ *  Freeing a handle also frees its strings. */
 int vboard_live(const char* what);
 
-/** Takes a design parameter (full name, "Device1_...") out of every design or puts it back. */
+/** Removes a design parameter (full name, "Device1_...") from every design, or restores it. */
 int vboard_lack_parameter(const char* name, bool lacking);
-/** Lets a design parameter answer to a second name in every design, which no other parameter may have. So a
- *  design can have more of a kind, say output formats, than the model. Logs give the first name. */
+/** Gives a design parameter a second name in every design, which no other parameter may have. This way a
+ *  design can have more items of a kind, such as output formats, than the model. Logs show the first name. */
 int vboard_alias_parameter(const char* alias, const char* name);
-/** Takes an event out of every design or puts it back; later events move up by one place. */
+/** Removes an event from every design, or restores it; later events move up by one position. */
 int vboard_lack_event(const char* name, bool lacking);
-/** Hides a function of libgrabcore5.so from dlsym or shows it again. */
+/** Hides a function of libgrabcore5.so from dlsym, or shows it again. */
 int vboard_hide_entry(const char* name, bool hidden);
-/** Appends `count` events "Extra0", "Extra1", ... (published) behind the design's own. */
+/** Appends `count` events "Extra0", "Extra1", ... (published) after the design's own. */
 void vboard_extra_events(int count);
-/** Makes the design loader refuse every design, or load again. */
+/** Makes the design loader refuse every design, or accept them again. */
 void vboard_refuse_design(bool refuse);
-/** Makes the runtime's init answer null with this last error; `fail` false: work again. */
+/** Makes the runtime's init return null with this last error; with `fail` false, it works again. */
 void vboard_fail_init(bool fail, int lastError);
-/** All of the above back to normal. */
+/** Undoes all of the above. */
 void vboard_restore_design(void);
 
-/** What an access was. Bits, so that they form a mask. */
+/** Kinds of access. Bits, so that they form a mask. */
 enum {
     VBOARD_SET = 1,            /**< typed set of a design parameter */
     VBOARD_GET = 2,            /**< typed get of a design parameter or of one of the runtime's own */
@@ -76,20 +76,20 @@ enum {
 
 /** Which kinds of access are logged and count for faults. At start all but RESOLVE and CALL. */
 void vboard_log_kinds(LOOMdevice* board, unsigned mask);
-/** Number of accesses logged since the last clear. After 1,000,000 the log is full: later accesses happen and
- *  count, but are not logged. */
+/** Number of accesses logged since the last clear. The log is full after 1,000,000: later accesses are
+ *  performed and counted, but not logged. */
 size_t vboard_log_size(LOOMdevice* board);
 /**
- * Writes access `index` as one line, ended, without line break, into `text` of `size` bytes:
+ * Writes access `index` as one line, null-terminated, without line break, into `text` of `size` bytes:
  *   "set Device1_Process0_Buffer_0_XLength u32 1024"      u32 i32 u64 i64 by tag, decimal
  *   "set Device1_Process0_Trigger_Trigger_ExsyncPeriod f64 200"   shortest decimal that reads back the same
  *   "get Device1_Process0_AppletProperties_AppletUid text ABC"
  *   "set Device1_Process0_LookupTable_R_LUTcontent field 0+16384"   first element + count
  *   "write Control u32 1" / "read Control u32 1"   registers, by width u32 or u64
  *   "resolve NAME = ID", "call Fg_saveConfig"
- * What has no name in the design goes by its id: "get #3050 u32 1", "set #0 u32 5 = -2070".
+ * An item without a name in the design is shown by its id: "get #3050 u32 1", "set #0 u32 5 = -2070".
  * A failed access ends in " = " and its code; a failed get has no value: "get NAME u32 = -2010".
- * Returns the length, or VBOARD_UNKNOWN for an index outside, VBOARD_TOO_SMALL.
+ * Returns the length, VBOARD_UNKNOWN if the index is out of range, or VBOARD_TOO_SMALL.
  */
 int vboard_log_line(LOOMdevice* board, size_t index, char* text, size_t size);
 void vboard_log_clear(LOOMdevice* board);
@@ -100,47 +100,47 @@ enum { VBOARD_ONCE = 0, VBOARD_FROM_THEN_ON = 1 };
 void vboard_fail_access(LOOMdevice* board, unsigned k, int code, int how);
 /** Number of accesses since vboard_fail_access was last called. */
 unsigned vboard_access_count(LOOMdevice* board);
-/** Every access of this parameter or register fails with `code`; 0: works again. */
+/** Every access of this parameter or register fails with `code`; 0 ends that. */
 int vboard_fail_name(LOOMdevice* board, const char* name, int code);
 /** Watches the accesses of a board. */
 typedef void vboard_access_function(void* context);
 /**
- * Calls `function` with `context` at the beginning of every access that is logged, in the thread that makes it;
- * null: no watcher. No lock is held meanwhile: the function may call the board, wait
- * for another thread, or never return because its thread ends there. The access has not happened then.
+ * Calls `function` with `context` at the beginning of every access that is logged, in the thread that makes
+ * it; null removes the function. No lock is held during the call: the function may call the board, wait
+ * for another thread, or never return because its thread ends there. In that case the access does not happen.
  */
 void vboard_on_access(LOOMdevice* board, vboard_access_function* function, void* context);
-/** From now on these functions of the runtime answer `value` and do nothing (Fg_FreeGrabber frees all the
- *  same): Fg_getAppletId, Fg_AcquireEx, Fg_stopAcquireEx, Fg_getStatusEx, Fg_getLastPicNumberEx,
+/** From now on these functions of the runtime return `value` and do nothing (Fg_FreeGrabber still
+ *  frees): Fg_getAppletId, Fg_AcquireEx, Fg_stopAcquireEx, Fg_getStatusEx, Fg_getLastPicNumberEx,
  *  Fg_getLastPicNumberBlockingEx, Fg_saveConfig, Fg_loadConfig, Fg_FreeGrabber. */
 int vboard_answer(LOOMdevice* board, const char* function, int64_t value);
-/** What the runtime's Fg_getLastErrorNumber answers for handles of this board. */
+/** Sets the result of the runtime's Fg_getLastErrorNumber for handles of this board. */
 void vboard_last_error(LOOMdevice* board, int code);
 
 /** Saves or loads a configuration file: Fg_saveConfig or Fg_loadConfig of an applet. */
 typedef int vboard_config_function(Fg_Struct* fg, const char* file);
-/** What the runtime's Fg_saveConfig and Fg_loadConfig call with the applet's handle `fg`; before,
- *  and with null functions, they answer -2130. They may call the board. */
+/** Sets the functions that the runtime's Fg_saveConfig and Fg_loadConfig call with the applet's handle `fg`;
+ *  before, and with null functions, they return -2130. The functions may call the board. */
 void vboard_attach_applet(LOOMdevice* board, Fg_Struct* fg, vboard_config_function* save,
                           vboard_config_function* load);
 
-/** Raises an event of the design (its own name, or one of "Extra0", ...), as the hardware would, once. */
+/** Raises an event of the design (by its own name, or "Extra0", ...) once, as the hardware would. */
 int vboard_raise_event(LOOMdevice* board, const char* name);
-/** For the first argument of Fg_getStatusEx, which otherwise gives the number of the last picture: how often the
- *  events of the mask in its second argument were raised since they were last asked for. A mask is as
- *  Fg_getEventMask gives it; the events past the 64th have none. */
+/** For the first argument of Fg_getStatusEx, which otherwise returns the number of the last picture: how
+ *  often the events of the mask in its second argument were raised since the last query. The mask is as
+ *  returned by Fg_getEventMask; the events past the 64th have none. */
 enum {
     VBOARD_STATUS_EVENTS = 1000,
-    /* States of the station, whatever the mask is. */
-    VBOARD_STATUS_TICK = 1001,                 /**< its time */
+    /* States of the station; the mask is ignored. */
+    VBOARD_STATUS_TICK = 1001,                 /**< its current time */
     VBOARD_STATUS_LINES = 1002,                /**< lines of the source so far */
-    VBOARD_STATUS_FILL_LEVEL = 1003,           /**< of the buffer in percent; the overflow flag stays */
+    VBOARD_STATUS_FILL_LEVEL = 1003,           /**< of the buffer in percent; the overflow flag is kept */
     VBOARD_STATUS_LOST_IMAGES = 1004,          /**< no room in the buffer */
     VBOARD_STATUS_IGNORED_TRIGGERS = 1005,     /**< of images, while one was in progress */
     VBOARD_STATUS_LOST_PULSES = 1006,          /**< of the line trigger, while ExSync was active */
     VBOARD_STATUS_LOST_CAMERA_TRIGGERS = 1007, /**< while a line or frame was in transfer */
-    VBOARD_STATUS_DROPPED_EVENTS = 1008,       /**< that left the queue of vboard_next_event */
-    VBOARD_STATUS_WAITS = 1009,                /**< of the DMA, as no frame of the memory was free */
+    VBOARD_STATUS_DROPPED_EVENTS = 1008,       /**< removed from the full queue of vboard_next_event */
+    VBOARD_STATUS_WAITS = 1009,                /**< of the DMA, because no frame of the memory was free */
     VBOARD_STATUS_CAMERA = 1010                /**< at the port: one of VBOARD_CAMERA_NONE and so on */
 };
 /** States of the camera port. */
@@ -154,27 +154,28 @@ enum {
 /*
  * The line-scan station of the board: signals, lines and pictures in simulated time.
  *
- * Time is a count of ticks of 8 ns from vboard_open on. At first it is stepped: it moves in vboard_advance, and in
- * Fg_getLastPicNumberBlockingEx for a picture of the station, and follows no clock. A write of a parameter acts
- * from the next tick on. A board on which none of these functions is called has no station, and costs none.
- * Inputs are numbered 0 to 7 (GPI) and 8 to 11 (front GPI).
+ * Time is a count of ticks of 8 ns since vboard_open. At first it is stepped: it advances in vboard_advance,
+ * and in Fg_getLastPicNumberBlockingEx for a picture of the station, and follows no clock. A write of a
+ * parameter takes effect from the next tick on. If none of these functions is called on a board, it has no
+ * station and no cost for one. Inputs are numbered 0 to 7 (GPI) and 8 to 11 (front GPI).
  */
 
-/** Lets time follow the machine's clock, `factor` times as fast (0.001 to 1000), or lets it be stepped again, from where it
- *  is (0). With the clock, each access of the board and each of these functions lets time catch up first, and a wait for
- *  a picture sleeps; other threads may use the board meanwhile. Time stays behind where the machine is too slow: an
- *  access does at most some hundredths of a second of work. A wait goes on by the clock that there is. VBOARD_UNKNOWN: a null
- *  board, or another factor. vboard_reset makes time stepped. */
+/** Makes time follow the wall clock, `factor` times as fast (0.001 to 1000), or makes it stepped again from
+ *  its current value (0). With the clock, each access of the board and each of these functions first advances
+ *  time, and a wait for a picture sleeps; other threads may use the board meanwhile. Time lags if the machine
+ *  is too slow: an access does at most some hundredths of a second of work. A wait follows a change of the
+ *  clock. VBOARD_UNKNOWN: a null board, or another factor. vboard_reset makes time stepped. */
 int vboard_clock(LOOMdevice* board, double factor);
-/** What vboard_advance answers while time follows the machine's clock. */
+/** Result of vboard_advance while time follows the wall clock. */
 #define VBOARD_NOT_STEPPED UINT64_MAX
 /** The time; 0 for a null board. */
 uint64_t vboard_now(LOOMdevice* board);
-/** Lets time move by `ticks` and gives the new time. It is less than asked for if very much happens (some 2^26 ticks
- *  with an edge in them): then ask for the rest. VBOARD_NOT_STEPPED: time follows the clock; nothing was done. */
+/** Advances time by `ticks` and returns the new time. It advances less if very much happens (some 2^26 ticks
+ *  with an edge in them); call it again for the rest. VBOARD_NOT_STEPPED: time follows the clock; nothing was
+ *  done. */
 uint64_t vboard_advance(LOOMdevice* board, uint64_t ticks);
 
-/** Connects a level that stays to an input, from the next tick on. VBOARD_UNKNOWN: there is no such input. */
+/** Connects a constant level to an input, from the next tick on. VBOARD_UNKNOWN: there is no such input. */
 int vboard_wave_level(LOOMdevice* board, unsigned input, bool level);
 /** Connects a square wave: it rises at the tick `rise` and every `period` ticks after it, for `high` ticks. */
 int vboard_wave_square(LOOMdevice* board, unsigned input, uint64_t rise, uint64_t period, uint64_t high);
@@ -183,15 +184,15 @@ typedef struct vboard_edge {
     uint64_t tick;
     bool level;
 } vboard_edge;
-/** Connects a level with edges, in the order of their ticks. They are copied. */
+/** Connects a level with edges, sorted by their ticks. They are copied. */
 int vboard_wave_edges(LOOMdevice* board, unsigned input, bool level, const vboard_edge* edges, size_t count);
-/** So many ticks (at most 2^40) in which the speed changes evenly. Speeds are quarter steps of an encoder a second,
- *  negative backwards, at most ten million. */
+/** A number of ticks (at most 2^40) in which the speed changes linearly. Speeds are quarter steps of an
+ *  encoder per second, negative backwards, at most ten million. */
 typedef struct vboard_speed {
     uint64_t ticks;
     int32_t from, to;
 } vboard_speed;
-/** Connects an encoder to two inputs. It moves from the next tick on; after the last piece its speed stays. */
+/** Connects an encoder to two inputs. It moves from the next tick on; the last piece's speed is kept. */
 int vboard_wave_encoder(LOOMdevice* board, unsigned inputA, unsigned inputB, const vboard_speed* pieces,
                         size_t count);
 
@@ -279,88 +280,90 @@ typedef struct vboard_scene_setup {
  *  VBOARD_UNKNOWN: a null board or scene, or a value beyond the limits above; nothing has changed then. */
 int vboard_scene(LOOMdevice* board, const vboard_scene_setup* scene);
 
-/** How many bytes the DMA moves in a second; 0: as many as the link. */
+/** Sets how many bytes the DMA transfers per second; 0: as many as the link. */
 void vboard_dma_rate(LOOMdevice* board, uint64_t bytesPerSecond);
 
 /** A memory for pictures: the `memory` argument of Fg_AcquireEx. */
 typedef struct vboard_frames vboard_frames;
 enum { VBOARD_RING = 0, VBOARD_BLOCKING = 1 };
-/** A new memory of so many frames of so many bytes. In a ring the oldest picture is overwritten; else a picture stays
- *  until it is released, and the DMA waits. Null for a null board or no frames. It keeps the board until it is freed.
- *  Fg_AcquireEx answers FG_ERR_INVALID_ARGUMENT for what is no memory of the board, and FG_ERR_BUFFER if a picture is
- *  larger than a frame. Fg_getLastPicNumberBlockingEx then takes its timeout in simulated seconds and answers
- *  VBOARD_TIMEOUT after it, and FG_ERR_NOT_AVAILABLE when the acquisition ends. */
+/** Creates a memory of `frames` frames of `bytes` bytes. In a ring the oldest picture is overwritten; else a
+ *  picture stays until it is released, and the DMA waits. Null for a null board or no frames. The memory
+ *  keeps the board alive until freed. Fg_AcquireEx returns FG_ERR_INVALID_ARGUMENT for anything but a memory
+ *  of the board, and FG_ERR_BUFFER if a picture is larger than a frame. Fg_getLastPicNumberBlockingEx then
+ *  takes its timeout in simulated seconds and returns VBOARD_TIMEOUT after it, and FG_ERR_NOT_AVAILABLE when
+ *  the acquisition ends. */
 vboard_frames* vboard_memory(LOOMdevice* board, size_t frames, uint64_t bytes, int kind);
-/** From now on the memory has so many frames, which may be none: the DMA of a blocking one waits then. Pictures that
- *  are there stay until they are overwritten or released. VBOARD_UNKNOWN for a null memory. */
+/** Changes the number of frames, which may be 0: the DMA of a blocking memory waits then. Existing pictures
+ *  stay until they are overwritten or released. VBOARD_UNKNOWN for a null memory. */
 int vboard_memory_frames(vboard_frames* memory, size_t frames);
-/** Frees a memory, which no other thread may use any more. An acquisition into it ends. Null does nothing. */
+/** Frees a memory, which no other thread may be using. An acquisition into it ends. Null does nothing. */
 void vboard_memory_free(vboard_frames* memory);
 
-/** Lets time move to the arrival of a picture, but by no more than `ticks`, and gives the number of the last one: what
- *  Fg_getLastPicNumberBlockingEx does with a timeout in seconds. VBOARD_TIMEOUT: it has not come. FG_ERR_NOT_AVAILABLE:
- *  no acquisition into a memory of the board runs that it could belong to. */
+/** Advances time to the arrival of a picture, but by at most `ticks`, and returns the number of the last one,
+ *  as Fg_getLastPicNumberBlockingEx does with a timeout in seconds. VBOARD_TIMEOUT: it has not arrived.
+ *  FG_ERR_NOT_AVAILABLE: no acquisition into a memory of the board is running that it could belong to. */
 int64_t vboard_wait(LOOMdevice* board, int64_t picture, uint64_t ticks);
 
-/** A picture and where it comes from. */
+/** A picture and its origin. */
 typedef struct vboard_record {
-    const uint8_t* data;     /**< its bytes, which are the memory's */
-    uint64_t size;           /**< of them */
+    const uint8_t* data;     /**< its bytes, owned by the memory */
+    uint64_t size;           /**< in bytes */
     int64_t picture;         /**< from 1 */
-    uint64_t lost_before;    /**< images since the picture before it that the buffer had no room for */
+    uint64_t lost_before;    /**< images since the previous picture that did not fit in the buffer */
     uint64_t trigger;        /**< number of the start that it belongs to, from 1 */
-    int64_t encoder;         /**< place of the encoder at the first line, in quarter steps */
+    int64_t encoder;         /**< position of the encoder at the first line, in quarter steps */
     uint64_t first_line;     /**< tick at which its transfer started */
-    uint64_t last_line;      /**< the same of the last line */
-    uint64_t arrival;        /**< tick at which all of it was in the memory */
+    uint64_t last_line;      /**< the same for the last line */
+    uint64_t arrival;        /**< tick at which it was complete in the memory */
     uint32_t width;          /**< pixels of a line */
     uint32_t lines;          /**< of this picture */
     uint32_t bits;           /**< of a component: 8, 10, 12, 14 or 16 */
     uint32_t bytes_per_line; /**< blue, green, red of each pixel from the lowest bit on, without a gap */
     bool is_short;           /**< fewer lines than the height of an image */
-    bool is_narrow;          /**< the source's lines were narrower than what was to be stored of them */
+    bool is_narrow;          /**< the source's lines were narrower than the width to be stored */
 } vboard_record;
-/** Fills in the record of a picture. Its bytes are made now, and other threads can use the board meanwhile; each thread
- *  makes its own. They stay until the picture is overwritten or released, an acquisition begins or the memory is freed;
- *  those that were asked for last stay also when the picture is overwritten. VBOARD_GONE: the picture is not there,
- *  VBOARD_TOO_SMALL: it has become larger than a frame. */
+/** Fills in the record of a picture. Its bytes are rendered now, while other threads can use the board; each
+ *  thread renders its own. They are valid until the picture is overwritten or released, an acquisition begins
+ *  or the memory is freed; the latest ones stay valid even if the picture is overwritten. VBOARD_GONE: the
+ *  picture does not exist, VBOARD_TOO_SMALL: it has become larger than a frame. */
 int vboard_frame(vboard_frames* memory, int64_t picture, vboard_record* record);
-/** As vboard_frame, but its bytes are made at a place of the caller, of `size` bytes, so that they need not be copied.
- *  The board is free meanwhile: other threads may access it and let time move. VBOARD_TOO_SMALL: the place has not
- *  room for it; the record, but for `data`, is filled in all the same. */
+/** As vboard_frame, but renders the bytes to the caller's memory at `place`, of `size` bytes, which saves a
+ *  copy. The board is not locked meanwhile: other threads may access it and advance time. VBOARD_TOO_SMALL:
+ *  `size` is too small; the record, except for `data`, is still filled in. */
 int vboard_frame_into(vboard_frames* memory, int64_t picture, void* place, uint64_t size,
                       vboard_record* record);
-/** Gives the frame of a picture back. VBOARD_GONE: it is not there. */
+/** Releases the frame of a picture. VBOARD_GONE: the picture does not exist. */
 int vboard_release(vboard_frames* memory, int64_t picture);
 
-/** An event that happened. The name is the design's and lives as long as the process. */
+/** An event that happened. The name is the design's and is valid until the process ends. */
 typedef struct vboard_event {
     uint64_t tick;
     const char* name;
 } vboard_event;
-/** The oldest event of the station that was not asked for here yet. VBOARD_GONE: none. The queue keeps the last 65536.
- *  Fg_getStatusEx counts events apart from it. */
+/** Takes the oldest event of the station from the queue. VBOARD_GONE: the queue is empty. It keeps the last
+ *  65536. Fg_getStatusEx counts events independently. */
 int vboard_next_event(LOOMdevice* board, vboard_event* event);
-/** The edges of a signal from the tick `from` to the tick `to`, both included. `select` is the number by which the
- *  design selects it (1 ExSync, 21 GPI 0, 33 line start, ...). Writes at most `size` edges, and into `level`, unless
- *  null, the level before them. Gives the number of edges that there are, or VBOARD_GONE if the station no longer has the
- *  first of them: it keeps the last 16384 of each signal. */
+/** The edges of a signal from the tick `from` to the tick `to`, both included. `select` is the number by
+ *  which the design selects it (1 ExSync, 21 GPI 0, 33 line start, ...). Writes at most `size` edges, and
+ *  into `level`, unless null, the level before them. Returns the number of edges in the span, or VBOARD_GONE
+ *  if the station no longer has the first of them: it keeps the last 16384 of each signal. */
 int64_t vboard_signals(LOOMdevice* board, unsigned select, uint64_t from, uint64_t to, vboard_edge* edges,
                        size_t size, bool* level);
 
 enum { VBOARD_CAMERA = 0, VBOARD_BUFFER = 1, VBOARD_OUTPUT = 2 };
-/** Puts an image into the path at a debug point with its input on: rows of red, green and blue in 16 bits each, copied.
- *  It takes an acquisition of the station. VBOARD_UNKNOWN: no such point, input off, no acquisition, no sound size (at
- *  most 16384 x 65536 and 2^24 pixels), or no room. */
+/** Injects an image at a debug point with its input on: rows of red, green and blue in 16 bits each, copied.
+ *  Needs a running acquisition of the station. VBOARD_UNKNOWN: no such point, input off, no acquisition,
+ *  invalid size (at most 16384 x 65536 and 2^24 pixels), or no room. */
 int vboard_inject(LOOMdevice* board, int point, uint32_t width, uint32_t height, const uint16_t* components);
 
-/** Why the last write of 1 to a debug point's _Insert put no image of its _DebugFile in, in words: "its pixels end too early".
- *  Empty if it did, or there was none. Gives the length, VBOARD_UNKNOWN for a null pointer, or VBOARD_TOO_SMALL. */
+/** Why the last write of 1 to a debug point's _Insert injected no image of its _DebugFile, such as "its
+ *  pixels end too early". Empty if it did, or there was no write. Returns the length, VBOARD_UNKNOWN for a
+ *  null pointer, or VBOARD_TOO_SMALL. */
 int vboard_insert_trouble(LOOMdevice* board, char* text, size_t size);
 
-/* The present value of a design parameter or register, past every check: no log, no fault, no direction. */
+/* Current value of a design parameter or register. Bypasses every check: no log, fault or direction. */
 int vboard_poke_int(LOOMdevice* board, const char* name, int64_t value);
-/** The value that a parameter changes to when it is read next. */
+/** Sets the value that a parameter changes to after its next read. */
 int vboard_poke_after_read(LOOMdevice* board, const char* name, int64_t value);
 int vboard_poke_double(LOOMdevice* board, const char* name, double value);
 int vboard_poke_text(LOOMdevice* board, const char* name, const char* value);

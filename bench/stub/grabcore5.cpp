@@ -1,5 +1,5 @@
-// A runtime that does nothing: what remains of a call's time is the applet's own. Only the texts that a start-up
-// cannot do without are there.
+// A runtime that does nothing, so that the time of a call is the applet's own. It has only the texts that a
+// start-up needs.
 
 #include "vexo/fg_api.h"
 

@@ -1,4 +1,4 @@
-// A design loader whose design has nothing.
+// A design loader with an empty design.
 
 #include "vexo/design_loader.h"
 

@@ -1,4 +1,4 @@
-/** What the applet library calls of the board access library, libvexo_hw.so (linked). */
+/** The functions of the board access library, libvexo_hw.so (linked), that the applet library calls. */
 #ifndef VEXO_BOARD_ACCESS_H
 #define VEXO_BOARD_ACCESS_H
 
@@ -11,11 +11,11 @@ extern "C" {
 /** An opened board. Opaque; it belongs to the runtime. */
 typedef struct LOOMdevice LOOMdevice;
 
-/** Reads register `reg` of the board into `*value`. 0 on success, else a negative code and `*value`
- * untouched. */
+/** Reads register `reg` of the board into `*value`. Returns 0 on success, otherwise a negative code with
+ * `*value` unchanged. */
 int VexoRegisterRead(LOOMdevice* board, int reg, uint64_t* value);
 
-/** Writes `value` to register `reg` of the board. 0 on success, else a negative code. */
+/** Writes `value` to register `reg` of the board. Returns 0 on success, otherwise a negative code. */
 int VexoRegisterWrite(LOOMdevice* board, int reg, uint64_t value);
 
 #ifdef __cplusplus

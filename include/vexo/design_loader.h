@@ -1,7 +1,7 @@
 /**
- * What the applet library calls of the design loader, libtslrt.so (linked).
+ * The functions of the design loader, libtslrt.so (linked), that the applet library calls.
  *
- * All pointers that the loader returns belong to the loader and live as long as the design is loaded.
+ * All pointers that the loader returns belong to the loader and are valid while the design is loaded.
  */
 #ifndef VEXO_DESIGN_LOADER_H
 #define VEXO_DESIGN_LOADER_H
@@ -18,11 +18,11 @@ typedef struct fpga_design fpga_design;
 
 /** An event that the design can raise. Its mask is 1 shifted by its position in the design's list. */
 typedef struct TslEvent {
-    uint32_t publication; /**< 1: the event's own name is meant for publication */
+    uint32_t publication; /**< 1: publish the event's own name */
     const char* name;     /**< the design's name of the event */
 } TslEvent;
 
-/** Loads a design out of `size` bytes at `image`. The image must stay in place while the design is loaded.
+/** Loads a design from `size` bytes at `image`. The image must stay in place while the design is loaded.
  *  Returns the design, or null. The last argument is always 1 here. */
 fpga_design* TslLoadDesignFromBuffer(const void* image, size_t size, int flags);
 
@@ -35,10 +35,10 @@ int TslUnloadTslFile(fpga_design* design);
 /** Number of hardware registers of the design. */
 int TslGetNrOfRegister(fpga_design* design);
 
-/** Name of register `index`, from 1 to the number of registers; null outside. */
+/** Name of register `index`, from 1 to the number of registers; null if out of range. */
 const char* TslGetRegisterName(fpga_design* design, int index);
 
-/** Id of the register of that name, 0 if there is none. */
+/** Id of the register with that name, or 0 if there is none. */
 int TslGetRegisterByName(fpga_design* design, const char* name);
 
 /** Width of register `reg` in bits, 1 to 64. */

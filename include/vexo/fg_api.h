@@ -1,16 +1,16 @@
 /**
  * The functions that libGrab_TwinLaneLineColor.so exports.
  *
- * They have the names of the grabber runtime's own functions; the runtime sends a caller's calls for a handle
- * of this applet to them. `fg` is the caller's handle: its first word is the object that Std_entry returned.
+ * They have the same names as the functions of the grabber runtime, which forwards the calls for a handle of
+ * this applet to them. `fg` is the caller's handle: its first word points to the object from Std_entry.
  *
  * Unless a function says otherwise:
- *  - a bad handle (`fg` null, or its first word null or no object of this library) gives FG_ERR_INVALID_HANDLE;
- *  - success, as 0, or the failure's code is also stored, and read back with Fg_getLastErrorNumber;
+ *  - an invalid handle (null, or not pointing to an object of this library) gives FG_ERR_INVALID_HANDLE;
+ *  - the result, 0 or the error code, is also stored, to be read with Fg_getLastErrorNumber;
  *  - Fg_setParameterWithType and Fg_getParameterWithType hold the object's lock for the whole call, so that
- *    accesses from several threads run one after another; no other function takes it;
- *  - lack of memory leaves it as std::bad_alloc or as one of its codes. Nothing is left behind then, and the
- *    next call works.
+ *    accesses from several threads are serialized; no other function takes it;
+ *  - if memory runs out, the function throws std::bad_alloc or returns one of its codes. Nothing is leaked
+ *    then, and later calls work.
  */
 #ifndef VEXO_FG_API_H
 #define VEXO_FG_API_H
@@ -29,13 +29,13 @@ extern "C" {
 #endif
 #pragma GCC visibility push(default)
 
-/** A grabber handle. To this library only its first word matters, a pointer to the applet's object. */
+/** A grabber handle. This library uses only its first word, a pointer to the applet's object. */
 typedef struct Fg_Struct_s Fg_Struct;
 
 /** Opaque; this applet has no shading hardware. */
 typedef struct ShadingMaster ShadingMaster;
 
-/** Says how a value is passed through the `value` pointer of a typed access. */
+/** Type of the value that the `value` pointer of a typed access points to. */
 typedef int FgParamTypes;
 enum {
     FG_PARAM_INT32 = 1,
@@ -45,7 +45,7 @@ enum {
     FG_PARAM_DOUBLE = 5,
     /** A character buffer of the caller; its size is not passed. */
     FG_PARAM_TEXT = 6,
-    /** On a get: a place for a pointer to a text that the library allocates. */
+    /** On a get: the address of a pointer that receives a text allocated by the library. */
     FG_PARAM_ALLOCATED_STRING = 22,
     /** A FieldParameterAccess record. */
     FG_PARAM_FIELD_ACCESS = 4096,
@@ -68,9 +68,9 @@ typedef struct FieldParameterDouble_s {
 /**
  * A run of elements of an array parameter.
  *
- * A get fills the caller's elements, 64-bit ones with two elements of the array each; other tags fill
- * nothing. A set takes 32-bit elements, of which only the first is tested against the parameter's limits;
- * with FG_PARAM_FIELD_INT it reaches the design alone, and a get does not show it. A null array is refused
+ * A get fills the caller's elements; a 64-bit element receives two elements of the array. Other tags fill
+ * nothing. A set takes 32-bit elements and tests only the first against the parameter's limits; with
+ * FG_PARAM_FIELD_INT it writes to the design only, and a get does not return it. A null array is refused
  * unless the count is 0.
  */
 typedef struct FieldParameterAccess {
@@ -80,7 +80,7 @@ typedef struct FieldParameterAccess {
     void* values;       /**< the caller's array of at least `count` elements */
 } FieldParameterAccess;
 
-/** An event as FG_INFO_EVENT_RECORD answers it. The texts belong to the library. */
+/** An event as returned by FG_INFO_EVENT_RECORD. The texts belong to the library. */
 typedef struct FgEventRecord {
     const char* name;
     int32_t value;
@@ -88,8 +88,8 @@ typedef struct FgEventRecord {
 } FgEventRecord;
 
 /**
- * The questions that Info answers. "Gives" is the return value; "stores" means at the caller's place; a
- * null place skips the store unless said otherwise.
+ * The queries of Info. "Gives" refers to the return value; "stores" to the memory that an argument points to.
+ * Nothing is stored through a null pointer unless said otherwise.
  */
 enum FgInfoCode {
     /* Constants that only the runtime interprets: each gives a number. */
@@ -128,7 +128,7 @@ enum FgInfoCode {
         4352, /**< gives the value of the constant named by the text `in`; it may be negative */
 
     FG_INFO_PROCESSES = 4608, /**< gives the number of processes */
-    /* Of process `arg1`; FG_ERR_INVALID_ARGUMENT for another process than 0. */
+    /* About process `arg1`; FG_ERR_INVALID_ARGUMENT for any process other than 0. */
     FG_INFO_PROCESS_4624 = 4624,
     FG_INFO_PROCESS_4640 = 4640,
     FG_INFO_PROCESS_4656 = 4656, /**< `arg2` must be 0 as well */
@@ -136,7 +136,7 @@ enum FgInfoCode {
     FG_INFO_PROCESS_4688 = 4688,
     FG_INFO_PROCESS_4704 = 4704,
 
-    /* An object without a board and a runtime; null places give FG_ERR_INVALID_ARGUMENT. */
+    /* An object without a board and a runtime; null pointers give FG_ERR_INVALID_ARGUMENT. */
     FG_INFO_CREATE_OFFLINE = 4864,  /**< creates one and stores it in `out`, for the first word of a handle */
     FG_INFO_OFFLINE_TREE = 4880,    /**< stores the root record of tree `arg1` of the object `in` in `out` */
     FG_INFO_DESTROY_OFFLINE = 4896, /**< destroys the object `in` */
@@ -161,19 +161,19 @@ enum FgInfoCode {
  * @param device  the runtime's board, kept as a handle only
  * @param error   receives 0 or the failure's code; may be null. FG_ERR_UNRESOLVED: the runtime's library or
  *                its init function is not found; FG_ERR_INIT: the design cannot be loaded (the object is then
- *                left behind), or the runtime's init failed and gives no reason; else its reason
- * @param flags   handed to the runtime. Bit 0 set leaves the hardware as it is: no default value is written
+ *                leaked), or the runtime's init failed without a reason; otherwise that reason
+ * @param flags   passed to the runtime. If bit 0 is set, the hardware is left unchanged: no default is set
  * @return the object, to be stored in the first word of the caller's handle; null on failure. Fg_FreeGrabber
  *         destroys it. Takes no lock.
  */
 void* Std_entry(LOOMdevice* device, int* error, int flags);
 
 /**
- * Answers a question about the applet. Needs no object.
+ * Answers a query about the applet. Needs no object.
  *
- * @param code  FgInfoCode documents what each question takes and gives
- * @return the answer, or 0 where the answer is stored; FG_ERR_NOT_SUPPORTED for an unknown code,
- *         FG_ERR_INVALID_ARGUMENT for bad arguments. Stores no error. Takes no lock; any thread may ask.
+ * @param code  a FgInfoCode, which documents the arguments and the result of each query
+ * @return the answer, or 0 if the answer is stored; FG_ERR_NOT_SUPPORTED for an unknown code,
+ *         FG_ERR_INVALID_ARGUMENT for bad arguments. Stores no error. Takes no lock and is thread-safe.
  */
 int32_t Info(int code, int arg1, int arg2, void* in, void* out);
 
@@ -181,11 +181,11 @@ int32_t Info(int code, int arg1, int arg2, void* in, void* out);
  * Sets a parameter.
  *
  * @param id     an id of fg_parameters.h; FG_DIRECT_REGISTER_BASE or FG_DIRECT_PARAMETER_BASE plus a number
- * @param value  the value in the parameter's own width, whatever `type` says; for array parameters the record
+ * @param value  the value in the parameter's own width, regardless of `type`; for array parameters the record
  *               that `type` names
  * @param dma    0, the only DMA channel
  * @return 0; FG_ERR_INVALID_ARGUMENT: null value, unknown id or DMA channel; FG_ERR_NOT_AVAILABLE: read-only;
- *         FG_ERR_OUT_OF_RANGE or FG_ERR_GRANULARITY: refused by the parameter; else the code of the runtime.
+ *         FG_ERR_OUT_OF_RANGE or FG_ERR_GRANULARITY: refused by the parameter; otherwise the runtime's code.
  */
 int Fg_setParameterWithType(Fg_Struct* fg, int id, const void* value, int dma, FgParamTypes type);
 
@@ -193,69 +193,69 @@ int Fg_setParameterWithType(Fg_Struct* fg, int id, const void* value, int dma, F
  * Reads a parameter.
  *
  * @param id     as for Fg_setParameterWithType
- * @param value  receives the value in the parameter's own width, whatever `type` says (texts and array
+ * @param value  receives the value in the parameter's own width, regardless of `type` (only texts and array
  *               parameters use it). With FG_PARAM_INT64 or FG_PARAM_UINT64 the 64-bit word here is cleared
- *               first, also when the call then fails. A text read with FG_PARAM_ALLOCATED_STRING belongs to the
- *               object until Fg_freeParameterStringWithType or the object's end
+ *               first, even if the call then fails. A text read with FG_PARAM_ALLOCATED_STRING belongs to the
+ *               object until Fg_freeParameterStringWithType releases it or the object is destroyed
  * @param dma    0, the only DMA channel; FG_NR_OF_PROCESSES takes any
- * @return 0; FG_ERR_INVALID_ARGUMENT: null value, unknown id or DMA channel; else the code of the runtime.
+ * @return 0; FG_ERR_INVALID_ARGUMENT: null value, unknown id or DMA channel; otherwise the runtime's code.
  */
 int Fg_getParameterWithType(Fg_Struct* fg, int id, void* value, int dma, FgParamTypes type);
 
 /**
- * Releases a text that a get with FG_PARAM_ALLOCATED_STRING handed out.
+ * Releases a text that a get with FG_PARAM_ALLOCATED_STRING returned.
  *
  * @param value  the text itself
- * @return 0; FG_ERR_INVALID_ARGUMENT: not a text of this object; FG_ERR_STRING_TAG: another tag than
- *         FG_PARAM_ALLOCATED_STRING. Stored are only the refusal of a text and the result for a design
- *         parameter. An unknown DMA channel leaves the function as a thrown `int`. May run beside a get of
+ * @return 0; FG_ERR_INVALID_ARGUMENT: not a text of this object; FG_ERR_STRING_TAG: a tag other than
+ *         FG_PARAM_ALLOCATED_STRING. Only the refusal of a text and the result for a design parameter are
+ *         stored. Throws an `int` for an unknown DMA channel. May run concurrently with a get in
  *         another thread.
  */
 int Fg_freeParameterStringWithType(Fg_Struct* fg, int id, void* value, int dma, FgParamTypes type);
 
-/** Number of parameter names, direct ones included. Nothing is stored. */
+/** Number of parameter names, including direct ones. Nothing is stored. */
 int Fg_getNrOfParameter(Fg_Struct* fg);
 
-/** Name of parameter `index`, from 0; owned by the object. Null for a bad handle or an unknown index. */
+/** Name of parameter `index`, from 0; owned by the object. Null for an invalid handle or an unknown index. */
 const char* Fg_getParameterName(Fg_Struct* fg, int index);
 
 /** Id of parameter `index`, or FG_ERR_INVALID_ARGUMENT, also for the names of direct design parameters. */
 int Fg_getParameterId(Fg_Struct* fg, int index);
 
-/** Id of the parameter of that name; case counts. FG_ERR_INVALID_ARGUMENT: null, empty or unknown name. */
+/** Id of the parameter with that name; case-sensitive. FG_ERR_INVALID_ARGUMENT if null, empty or unknown. */
 int Fg_getParameterIdByName(Fg_Struct* fg, const char* name);
 
 /**
- * Root record of parameter tree `index`; 0 is the only one. Null for another index or a bad handle, and when
- * there is no runtime behind the handle (use FG_INFO_OFFLINE_TREE then). Records belong to the object and
- * live as long as it does. Nothing is stored.
+ * Root record of parameter tree `index`; 0 is the only one. Null for another index or an invalid handle, and
+ * if the handle has no runtime (use FG_INFO_OFFLINE_TREE then). Records belong to the object and are valid
+ * until it is destroyed. Nothing is stored.
  */
 RegisterInfo* Fg_getParameterInfo(Fg_Struct* fg, int index);
 
 /**
- * Describes parameter tree `index` as an XML document for readers of GenApi 1.0, with the limits and the
- * access of the moment; values are not in it, nor are 64-bit integers, arrays and the DRA_ registers. Serves
- * an object without a runtime too. Each call builds the document, the query of its size included. A limit
- * that changes between query and copy may need another digit: be ready to ask again.
+ * Describes parameter tree `index` as an XML document for readers of GenApi 1.0, with the current limits and
+ * access. It contains no values, 64-bit integers, arrays or DRA_ registers. Also works for an object without
+ * a runtime. Every call builds the document, even one that only asks for its size. A limit that changes
+ * between the size query and the copy may need another digit, so be prepared to retry.
  *
- * @param buffer  takes the document and its terminating zero; null asks for the size only
- * @param size    bytes at `buffer`; after success the bytes that the document needs, its zero included. A
- *                failure leaves it alone
+ * @param buffer  receives the document and its terminating zero; null to query the size only
+ * @param size    in: bytes at `buffer`; out, on success: bytes that the document needs, including the zero.
+ *                Unchanged on failure
  * @return 0; FG_ERR_INVALID_ARGUMENT: `size` is null; FG_ERR_BUFFER: document and zero do not fit; nothing
  *         was copied; FG_ERR_NO_TRANSLATION: no such tree.
  */
 int Fg_getParameterInfoXML(Fg_Struct* fg, int index, char* buffer, unsigned long* size);
 
-/** Mask of the event of that name, an applet's or a design's; 0 for a bad handle or an unknown name. */
+/** Mask of the applet's or design's event with that name; 0 for an invalid handle or an unknown name. */
 uint64_t Fg_getEventMask(Fg_Struct* fg, const char* name);
 
 /** Name of the event with exactly that mask, owned by the object; null if there is none. */
 const char* Fg_getEventName(Fg_Struct* fg, uint64_t mask);
 
 /**
- * Saves the state of the parameters to a text file; its name must contain ".mcf". 0, or FG_ERR_SAVE_CONFIG for
- * another name, null, or a file that cannot be created; a getter that fails costs its own line only, and a
- * full disk is reported in the log only.
+ * Saves the state of the parameters to a text file; its name must contain ".mcf". 0, or FG_ERR_SAVE_CONFIG
+ * for another name, null, or a file that cannot be created. If a getter fails, only its own line is missing;
+ * a full disk is only reported in the log.
  *
  * Numbers are written with the decimal separator of the process locale, which is first set to "English" where
  * a locale of that name exists. Takes no lock: no other thread may use the handle's parameters meanwhile.
@@ -263,12 +263,12 @@ const char* Fg_getEventName(Fg_Struct* fg, uint64_t mask);
 int Fg_saveConfig(Fg_Struct* fg, const char* file);
 
 /**
- * Loads a file that Fg_saveConfig wrote for this applet. Locale and locks as there.
+ * Loads a file that Fg_saveConfig wrote for this applet. The same applies to locale and locks.
  *
- * 0, also if setters refused some of the values, which is not reported: read them back. FG_ERR_LOAD_CONFIG if
- * any key is missing, with all others applied, or for another applet's file or one with lines that end in a
- * carriage return, with nothing applied. FG_ERR_FILE_TYPE if there is no such file or its name does not hold
- * ".mcf"; the last error is then FG_ERR_LOAD_CONFIG.
+ * 0 even if setters refused some of the values; to detect this, read them back. FG_ERR_LOAD_CONFIG if any key
+ * is missing (all others are applied), or if the file belongs to another applet or has lines that end in a
+ * carriage return (nothing is applied). FG_ERR_FILE_TYPE if the file does not exist or its name does not
+ * contain ".mcf"; the last error is then FG_ERR_LOAD_CONFIG.
  */
 int Fg_loadConfig(Fg_Struct* fg, const char* file);
 
@@ -277,15 +277,15 @@ int Fg_getLastErrorNumber(Fg_Struct* fg);
 
 /**
  * Frees the runtime's inner grabber, then destroys the object and clears the first word of `fg`.
- * Returns the runtime's result. No other call may be under way on the handle.
+ * Returns the runtime's result. No other call may be in progress on the handle.
  */
 int Fg_FreeGrabber(Fg_Struct* fg);
 
 /*
- * Forwarded to the runtime with its inner handle. The arguments pass unchanged and mean what the runtime
- * makes of them; their names are the usual ones. The result is the runtime's; FG_ERR_NOT_AVAILABLE: the
- * runtime lacks the function or the inner handle. After a negative result the runtime's last error is stored,
- * else 0.
+ * Forwarded to the runtime with its inner handle. The arguments are passed unchanged, and only the runtime
+ * interprets them; their names are the usual ones. Returns the runtime's result; FG_ERR_NOT_AVAILABLE: the
+ * runtime lacks the function or the inner handle. Stores the runtime's last error after a negative result,
+ * otherwise 0.
  */
 int Fg_getAppletId(Fg_Struct* fg, uintptr_t arg);
 int Fg_AcquireEx(Fg_Struct* fg, int dma, intptr_t frames, int flags, void* memory);
@@ -307,7 +307,7 @@ int Shad_FreeAccess(Fg_Struct* fg, ShadingMaster* shading);
 int Shad_WriteActLine(Fg_Struct* fg, ShadingMaster* shading, int line);
 
 /*
- * The library exports mkstemps(char* pattern, int suffixLength) as well, for systems with a C library that lacks
+ * The library also exports mkstemps(char* pattern, int suffixLength), for systems where the C library lacks
  * it; <stdlib.h> declares it.
  */
 

@@ -4,7 +4,7 @@
 
 enum FgResult {
     FG_OK = 0,
-    /** A parser found no number for a key; also what Fg_AllocShading stores, as there is no shading. */
+    /** A parser found no number for a key; also stored by Fg_AllocShading, as there is no shading. */
     FG_ERR_PARSER = -1,
     /** Not available: the runtime lacks the function or the inner handle; or a write to a read-only
        parameter. */
@@ -13,7 +13,7 @@ enum FgResult {
     FG_ERR_INIT = -100,
     /** The caller's buffer is too small, or an allocation in the parameter tree failed. */
     FG_ERR_BUFFER = -500,
-    /** Invalid handle: null, or its first word leads to no live object. */
+    /** Invalid handle: null, or its first word does not point to a live object. */
     FG_ERR_INVALID_HANDLE = -2001,
     /** A library or function cannot be resolved; a source has no mapping; a direct design access failed. */
     FG_ERR_UNRESOLVED = -2031,

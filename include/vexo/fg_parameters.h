@@ -1,8 +1,8 @@
 /**
  * Parameter ids and the constants of their enumerations.
  *
- * The comment of each id has the parameter's label, its kind and its unit. Numbers are 32 bits wide unless the kind
- * says otherwise; floating point numbers have 64 bits. Times in microseconds lie on a grid of 0.008 (8 ns).
+ * The comment on each id gives the parameter's label, kind and unit. Numbers are 32 bits wide unless the kind
+ * says otherwise; floating point numbers have 64 bits. Times in µs have a resolution of 0.008 (8 ns).
  */
 #ifndef VEXO_FG_PARAMETERS_H
 #define VEXO_FG_PARAMETERS_H
@@ -192,7 +192,7 @@ enum FgParameterId {
     FG_SYSTEMMONITOR_EXTENSION_CONNECTOR_PRESENT =
         200378, /**< Extension Connector Present: enumeration, read-only */
     FG_ALTERNATIVE_BOARD_DETECTION =
-        200381, /**< Alternative Board Detection: enumeration, read-only; on where the design's word is 0 */
+        200381, /**< Alternative Board Detection: enumeration, read-only; on if the design's value is 0 */
     FG_SYSTEMMONITOR_FPGA_DNA = 200349, /**< FPGA DNA: unsigned 64 bits, read-only */
     /* Miscellaneous / Debug */
     FG_DEBUGSOURCE = 900001,     /**< Debug Source: unsigned */
@@ -212,14 +212,14 @@ enum FgParameterId {
     FG_DEBUGOUTYPOS = 900008,   /**< Debug Output YPosition: unsigned, pixel, read-only */
     FG_DEBUGOUTPIXEL = 900009,  /**< Debug Output Pixel: unsigned, pixel, read-only */
     /* Without a record in the parameter tree */
-    FG_TRANSFER_LEN = 5210,    /**< answered by the runtime */
+    FG_TRANSFER_LEN = 5210,    /**< read from the runtime */
     FG_NR_OF_PROCESSES = 3070, /**< number of processes, 1; read with any DMA channel */
-    FG_NR_OF_DMAS = 3050,      /**< answered by the runtime */
-    FG_NR_OF_CAMS = 3060,      /**< answered by the runtime */
-    FG_DMA_PORT = 3080,        /**< answered by the runtime */
-    FG_CAM_PORT = 3090,        /**< answered by the runtime */
-    FG_APC_STOP_TIMEOUT = 601, /**< answered by the runtime */
-    FG_PARAM_DESCR = 24114     /**< text: hands in the name of a parameter, reads its description */
+    FG_NR_OF_DMAS = 3050,      /**< read from the runtime */
+    FG_NR_OF_CAMS = 3060,      /**< read from the runtime */
+    FG_DMA_PORT = 3080,        /**< read from the runtime */
+    FG_CAM_PORT = 3090,        /**< read from the runtime */
+    FG_APC_STOP_TIMEOUT = 601, /**< read from the runtime */
+    FG_PARAM_DESCR = 24114     /**< text: a set takes a parameter's name, a get returns its description */
 };
 
 /** Constants of the enumerations. */

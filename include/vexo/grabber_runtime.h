@@ -1,11 +1,11 @@
 /**
- * What the applet binds by name from the grabber runtime, libgrabcore5.so.
+ * The functions of the grabber runtime, libgrabcore5.so, that the applet binds by name.
  *
  * Function types, not functions: the applet exports functions of the same names. Every entry is optional.
- * What the runtime lacks answers FG_ERR_NOT_AVAILABLE; a missing lookup by name finds nothing, a missing
- * parameter tree is null, a missing release of strings or of the handle is skipped. `fg` is the runtime's own
- * handle, the inner one. Access functions return 0 on success and a negative code on failure, and act on the
- * hardware at once.
+ * A missing one counts as returning FG_ERR_NOT_AVAILABLE; a missing lookup by name finds nothing, a missing
+ * parameter tree is null, a missing release of strings or of the handle is skipped. `fg` is the runtime's
+ * inner handle. Access functions return 0 on success and a negative code on failure, and access the hardware
+ * immediately.
  */
 #ifndef VEXO_GRABBER_RUNTIME_H
 #define VEXO_GRABBER_RUNTIME_H
@@ -16,12 +16,12 @@
 extern "C" {
 #endif
 
-/** Creates the inner handle of a board with a loaded design; null on failure. `flags` as at Std_entry. */
+/** Creates the inner handle of a board with a loaded design; null on failure. `flags` as for Std_entry. */
 typedef Fg_Struct* grabcore_InitHandleSlaveAware(const char* tslName, LOOMdevice* device, fpga_design* design,
                                                  int flags);
 /** The same for runtimes without slave processes. */
 typedef Fg_Struct* grabcore_InitHandle(const char* tslName, LOOMdevice* device, fpga_design* design);
-/** Ends the inner handle. */
+/** Frees the inner handle. */
 typedef int grabcore_FreeGrabber(Fg_Struct* fg);
 /** The runtime's last error; with null, the reason why an init failed. */
 typedef int grabcore_getLastErrorNumber(Fg_Struct* fg);

@@ -1,5 +1,5 @@
 /**
- * What the optional logging dispatcher exports.
+ * The interface of the optional logging dispatcher.
  *
  * The applet opens "<SDK directory>/lib64/libcommon-logging-dispatcher.so" and looks up the data symbol
  * `logging_dispatcher_descriptor`. Without it, logging is off.
@@ -17,16 +17,16 @@
 extern "C" {
 #endif
 
-/** Gives the handle and the threshold of the logger called `name`. Both words are zeroed before the call. */
+/** Returns handle and threshold of the logger called `name`. Both words are zeroed before the call. */
 typedef void LoggingGetLogger(const char* name, uint64_t* handle, uint32_t* level);
 
-/** Takes one line. The applet passes 0 for `a` and `b`. Called from any thread, possibly several at once. */
+/** Logs one line. The applet passes 0 for `a` and `b`. Called from any thread, possibly several at once. */
 typedef void LoggingLog(uint64_t handle, uint32_t level, const char* text, uint32_t a, uint64_t b);
 
-/** Tells the applet that the dispatcher goes away: it makes no further call. */
+/** Notifies the applet that the dispatcher is shutting down; it makes no further calls. */
 typedef void LoggingShutdownCallback(void);
 
-/** Tells the applet the new threshold of the logger with this handle. */
+/** Notifies the applet of the new threshold of the logger with this handle. */
 typedef void LoggingLevelCallback(uint64_t handle, uint32_t level);
 
 typedef struct LoggingDispatcherDescriptor {

@@ -1,9 +1,9 @@
 /**
  * The record of one parameter or group in a tree of parameter descriptions.
  *
- * The record is an interchange format: the grabber runtime reads it directly, so its layout is binding to the
+ * The record is an interchange format: the grabber runtime reads it directly, so its layout is fixed to the
  * byte (64-bit little-endian process, natural alignment). Records, strings and arrays belong to the tree that
- * made them and live as long as the object behind it; a reader must not change or release anything. `access`
+ * created them and are valid as long as its object; a reader must not change or release anything. `access`
  * and the maximum of a live record change while parameters are set, each with one atomic store.
  */
 #ifndef VEXO_REGISTER_INFO_H

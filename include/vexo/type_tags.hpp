@@ -14,7 +14,7 @@ requires((std::is_integral_v<T> || std::is_enum_v<T>)&&(sizeof(T) == 4 ||
     return std::is_signed_v<T> ? FG_PARAM_INT32 : FG_PARAM_UINT32;
 }
 
-/** The tag of a number; of char, that of a text. A type without a tag does not compile. */
+/** The tag of a number type; for char, the tag of a text. A type without a tag does not compile. */
 template <typename T> inline constexpr FgParamTypes tagOf = integerTag<T>();
 template <> inline constexpr FgParamTypes tagOf<double> = FG_PARAM_DOUBLE;
 template <> inline constexpr FgParamTypes tagOf<char> = FG_PARAM_TEXT;

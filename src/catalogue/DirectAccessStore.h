@@ -14,7 +14,7 @@ class DirectAccessStore {
 public:
     explicit DirectAccessStore(bool caseSensitive) : m_caseSensitive(caseSensitive) {}
 
-    /** Stores a property, replacing the one that is there. */
+    /** Stores a property, replacing an existing one. */
     void insert(std::string_view section, std::string_view name, std::string_view value);
     /** Names of the section's properties that are switched on, sorted. */
     std::vector<std::string> switchedOn(std::string_view section) const;

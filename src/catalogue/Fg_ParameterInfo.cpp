@@ -38,7 +38,7 @@ bool hasEntry(const RegisterInfo* info, int index) {
            index < info->value.enumeration.entryCount;
 }
 
-/** One place more than the capacity says: a full array takes one name before it grows. */
+/** One entry more than the capacity: a full array takes one name before it grows. */
 void reserveNames(std::pmr::memory_resource& memory, RegisterInfo* info, std::uint32_t capacity) {
     auto** names = makeZeroed<char*>(memory, std::size_t{capacity} + 1);
     std::copy_n(info->invalidatingNames, info->invalidatingNameCount, names);
@@ -48,7 +48,7 @@ void reserveNames(std::pmr::memory_resource& memory, RegisterInfo* info, std::ui
 
 } // namespace
 
-/** What all parameters have in common, whatever their kind. */
+/** The fields that parameters of all kinds have in common. */
 struct Fg_ParameterInfo::Leaf {
     RegisterInfo* parent;
     const char* displayName;

@@ -35,7 +35,7 @@ public:
     /** A new record of the port, not linked yet. Null for an unknown port. */
     RegisterInfo* create(int port, int kind, const char* displayName, const char* name, int id, int access,
                          int paramClass, int published, const char* unit);
-    /** Links `child` below a group; does nothing if `parent` is no group. */
+    /** Links `child` below a group; does nothing if `parent` is not a group. */
     void add(RegisterInfo* child, RegisterInfo* parent);
     /** Links a record at the end of the port's top-level chain. */
     void add(RegisterInfo* record, int port);
@@ -71,7 +71,7 @@ public:
                                 const char* value, int access, int paramClass, int published,
                                 const char* unit, int id, int port);
 
-    /* The array kinds take an increment like the scalars and drop it: the record has no place for one. */
+    /* The array kinds take an increment like the scalars and ignore it: the record has no field for it. */
     RegisterInfo* addInfoIntField(RegisterInfo* parent, const char* displayName, const char* name,
                                   int elementCount, std::int32_t minimum, std::int32_t maximum,
                                   std::int32_t increment, int access, int paramClass, int published,
@@ -95,7 +95,7 @@ public:
 
     /** Root of a port's tree; null while it is empty or if there is no such port. */
     RegisterInfo* getRegisterInfo(int port) const;
-    /** The record behind `info` in the top-level chain; the root for a null `info`. */
+    /** The record after `info` in the top-level chain; the root for a null `info`. */
     RegisterInfo* getNextRegisterInfo(RegisterInfo* info, int port) const;
 
     /* A null or empty text clears. */

@@ -44,7 +44,7 @@ private:
 
 namespace {
 
-/** Bytes that hold the document of the whole catalogue, so that it does not grow step by step. */
+/** Room for the document of the whole catalogue, so that the buffer does not grow step by step. */
 constexpr std::size_t usualLength = 102'400;
 
 std::string_view viewOf(const char* text) { return text != nullptr ? text : std::string_view(); }
@@ -86,7 +86,7 @@ bool generate(ParameterInfoGeneratorXML& generator, const RegisterInfo& info) {
         generator.infoGenerate(info, value.f64.value, value.f64.minimum, loadLive(value.f64.maximum),
                                value.f64.increment);
         return true;
-    default: // 64-bit integers and arrays stay out of the document
+    default: // 64-bit integers and arrays are not in the document
         return false;
     }
 }
@@ -170,7 +170,7 @@ void ParameterInfoBuilderXMLPrivate::addFeatureToCategory(std::string_view categ
         place = m_root.getChild(name);
         if (place == nullptr) place = &m_root.addChild(std::move(name));
     }
-    // The first filter may bring a digit to the front, which the second takes.
+    // The first filter may move a digit to the front, which the second removes.
     place->addFeature(xmlNameFilter(xmlNameFilter(feature)));
 }
 

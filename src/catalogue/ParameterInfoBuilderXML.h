@@ -10,13 +10,13 @@ class ParameterInfoBuilderXMLPrivate;
 
 class ParameterInfoBuilderXML {
 public:
-    /** Takes the name instead of the wrapper, which this room does not know. Both must outlive the builder. */
+    /** Takes the name, as this layer does not know the wrapper. Both must outlive the builder. */
     ParameterInfoBuilderXML(const Fg_ParameterInfo& info, const char* appletName, int port);
     virtual ~ParameterInfoBuilderXML();
     ParameterInfoBuilderXML(const ParameterInfoBuilderXML&) = delete;
     ParameterInfoBuilderXML& operator=(const ParameterInfoBuilderXML&) = delete;
 
-    /** The document; a builder makes one. Reads the tree without a lock. */
+    /** Builds the document; may be called once. Reads the tree without a lock. */
     std::string build();
 
 private:

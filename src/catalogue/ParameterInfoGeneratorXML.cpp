@@ -131,7 +131,7 @@ void ParameterInfoGeneratorXML::integerUpToLimits(const RegisterInfo& record, st
                                                   std::uint64_t maximum) {
     openRegister("IntReg", record, "_Reg");
     infoGenerate(record, integerLength(record));
-    // Called signed, while the limits below are written as unsigned numbers: clients know this pair.
+    // Declared signed, while the limits below are written as unsigned numbers: clients expect both.
     m_writer.put("<Sign>Signed</Sign>\n", littleEndian, "</IntReg>\n<Integer Name='",
                  xmlStringFilter(record.name), "'>\n");
     describe(record);

@@ -11,8 +11,8 @@
 #include <vector>
 
 /**
- * Writes to the stream that it was made for. No node carries a current value: the value arguments give the
- * kind, and those of arrays the number of elements.
+ * Writes to the stream given to it. No node contains a current value: the value arguments select the
+ * kind, and those of arrays give the number of elements.
  */
 class ParameterInfoGeneratorXML {
 public:

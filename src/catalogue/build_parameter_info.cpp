@@ -1,4 +1,4 @@
-// Fills the published tree: the public parameters, then whatever is offered for direct access.
+// Fills the published tree: the public parameters, then everything offered for direct access.
 
 #include "catalogue/Fg_ParameterInfo.h"
 #include "catalogue/direct_registers.h"
@@ -66,7 +66,7 @@ private:
     }
 };
 
-/** The group of each row: what the row itself makes, or what its parameter hangs below. */
+/** The group of each row: the one that the row creates, or the parent of its parameter. */
 std::vector<RegisterInfo*> addGroups(Fg_ParameterInfo& tree) {
     std::vector<RegisterInfo*> groupOfRow;
     std::vector<RegisterInfo*> path;
@@ -87,8 +87,8 @@ std::uint64_t wideMaximum(int bits) {
 }
 
 /**
- * Largest value of a register of at most 32 bits: 2 to the width, cut to 32 bits, minus 1. Two to the 32 is cut to 0,
- * as is the fraction that a negative width gives, and one less is all ones.
+ * Largest value of a register of at most 32 bits: 2 to the width, truncated to 32 bits, minus 1. 2 to the 32
+ * gives 0, as does the fraction of a negative width, so that the result is all ones.
  */
 std::uint32_t narrowMaximum(int bits) {
     const std::uint64_t power = bits >= 0 ? std::uint64_t{1} << bits : 0;
@@ -130,7 +130,7 @@ RegisterInfo* copyParameter(Fg_ParameterInfo& tree, RegisterInfo* parent, const 
     }
 }
 
-/** What one walk over the runtime's tree finds. */
+/** The result of a walk over the runtime's tree. */
 struct RuntimeTree {
     struct Leaf {
         const RegisterInfo* record;

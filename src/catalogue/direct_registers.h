@@ -9,7 +9,7 @@
 
 namespace catalogue {
 
-/** `number` moved by `offset`; what a loader or a runtime answers may be any number, so this wraps. */
+/** `number` plus `offset`. Wraps, since a loader or a runtime may return any number. */
 constexpr int movedId(int number, int offset) {
     return static_cast<int>(static_cast<unsigned>(number) + static_cast<unsigned>(offset));
 }
@@ -24,7 +24,7 @@ struct DirectRegister {
     int publicId() const { return movedId(number, FG_DIRECT_REGISTER_BASE); }
 };
 
-/** Calls `visit` with each register, the first one first. One without a name cannot be offered. */
+/** Calls `visit` with each register, in ascending order. A register without a name is skipped. */
 template <typename Visit> void forEachRegister(fpga_design* design, Visit visit) {
     const int count = TslGetNrOfRegister(design);
     for (int i = 1; i <= count; ++i)

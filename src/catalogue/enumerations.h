@@ -1,6 +1,6 @@
 /**
- * The enumerations of the parameters: what a setter accepts, what the tree publishes and what a name query of
- * the applet resolves. Rows are in the published order, which is not the order of the values.
+ * The enumerations of the parameters: accepted by the setters, published in the tree and resolved by name
+ * queries of the applet. Rows are in the published order, which is not the order of the values.
  */
 #ifndef CATALOGUE_ENUMERATIONS_H
 #define CATALOGUE_ENUMERATIONS_H
@@ -26,14 +26,14 @@ struct EnumEntry {
 
 using EnumTable = std::span<const EnumEntry>;
 
-/** True when `value`, as a 32-bit word of either sign, is in the table. */
+/** True when `value`, as a signed or unsigned 32-bit word, is in the table. */
 constexpr bool contains(EnumTable table, std::uint32_t value) {
     for (const EnumEntry& entry : table)
         if (static_cast<std::uint32_t>(entry.value) == value) return true;
     return false;
 }
 
-/** The rows of several tables, one behind the other. */
+/** The rows of several tables, concatenated. */
 template <std::size_t... sizes> consteval auto joined(const std::array<EnumEntry, sizes>&... tables) {
     std::array<EnumEntry, (sizes + ...)> all{};
     std::size_t next = 0;
@@ -233,7 +233,7 @@ inline constexpr std::array inputSignals{
 
 inline constexpr auto enumSignalSource = joined(cameraSignals, inputSignals);
 
-/** For the analyzers and the custom events, which can listen to the transfer as well. */
+/** For the analyzers and the custom events, which also accept the transfer signals. */
 inline constexpr auto enumSignalSourceExtended = joined(cameraSignals, transferSignals, inputSignals);
 
 inline constexpr std::array enumPulseMessage{

@@ -2,7 +2,7 @@
  * Changes to records of the tree while the runtime may be reading them.
  *
  * Each change is one atomic store of the field's own width, each read of such a field one atomic load. A null
- * record, which the tree gives when it could not add one, is left alone.
+ * record, which means that the tree could not add one, is ignored.
  */
 #ifndef CATALOGUE_LIVE_RECORDS_H
 #define CATALOGUE_LIVE_RECORDS_H
@@ -42,10 +42,10 @@ inline void publishMaximum(RegisterInfo* record, double maximum) {
     if (record != nullptr) storeLive(record->value.f64.maximum, maximum);
 }
 
-/** What a maximum that must stay above zero is published as. */
+/** The published form of a maximum that must stay above zero. */
 inline double aboveZero(double maximum) { return std::max(maximum, std::numeric_limits<double>::min()); }
 
-/** Publishes what `compute` gives; if it fails, the old maximum stays and no error is reported. */
+/** Publishes the result of `compute`; if it fails, the old maximum stays and no error is reported. */
 template <typename Compute> void republishMaximum(RegisterInfo* record, Compute compute) {
     quietly([&] { publishMaximum(record, compute()); });
 }

@@ -1,8 +1,8 @@
 /**
  * The published tree, one row for each group and each parameter, in reading order.
  *
- * A group's depth says where it belongs: below the last group of the depth above. A parameter belongs to the
- * group read last. In the tree itself a group's sub-groups come before its own parameters.
+ * A group belongs to the last group before it that is one level higher. A parameter belongs to the last group
+ * before it. In the tree itself a group's sub-groups come before its own parameters.
  */
 #ifndef CATALOGUE_PARAMETER_TREE_H
 #define CATALOGUE_PARAMETER_TREE_H
@@ -16,14 +16,14 @@
 
 namespace catalogue {
 
-/** What may be done with a parameter, as RegisterInfo::access says it. */
+/** The access rights of a parameter, as in RegisterInfo::access. */
 enum Access : int {
     readOnly = REGISTER_ACCESS_READ,
     betweenAcquisitions = readOnly | REGISTER_ACCESS_WRITE,
     anyTime = betweenAcquisitions | REGISTER_ACCESS_WRITE_WHILE_ACQUIRING,
 };
 
-/** Limits of a number. Some say nothing (0 to 0), and some the bring-up overwrites. */
+/** Limits of a number. Some are empty (0 to 0), and some are overwritten at bring-up. */
 template <typename T> struct Range { T minimum, maximum, increment; };
 
 using UInt = Range<std::uint32_t>;

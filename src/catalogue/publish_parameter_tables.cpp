@@ -1,5 +1,5 @@
-// What is published beside the public parameters (their names are constant): registers and design parameters
-// for direct access, and the events.
+// Publishes registers and design parameters for direct access, and the events. The names of the public
+// parameters are constant.
 
 #include "catalogue/direct_registers.h"
 #include "catalogue/runtime_tree.h"
@@ -29,7 +29,7 @@ void PublishedParameters::publishDirectNames() {
             m_directRegisterIdByName[reg.publicName()] = reg.publicId();
             m_directNameByIndex[index++] = reg.publicName();
         });
-    // The names and the indices are two passes, and each asks the runtime for the ids.
+    // Names and indices take two passes, and each looks the ids up in the runtime.
     const auto forEachDirectParameter = [this](auto visit) {
         for (const std::string& name : m_directAccessStore.switchedOn(m_directAccessSection))
             if (const int id = getParameterIdByName(name.c_str()); id != 0) visit("DLOOMA_" + name, id);

@@ -26,9 +26,9 @@ inline bool isDirectKind(const RegisterInfo& record) {
 
 /**
  * Walks the groups of a tree with an explicit stack, from `root` on: all children of a group, then its
- * sub-groups and the group behind it in the chain, the last found first.
+ * sub-groups and the next group in the chain, the last found first.
  *
- * @param visitLeaf  called with each child that is no group, and with the group that holds it
+ * @param visitLeaf  called with each child that is not a group, and with the group that holds it
  * @param visitGroup called with each group that is found, and with the group that holds it or null
  */
 template <typename VisitLeaf, typename VisitGroup>

@@ -1,4 +1,4 @@
-/** How texts, names and numbers come into the XML document. */
+/** Writing of texts, names and numbers into the XML document. */
 #ifndef CATALOGUE_XML_TEXT_H
 #define CATALOGUE_XML_TEXT_H
 
@@ -23,7 +23,7 @@ std::string xmlNameFilter(std::string_view text);
 
 /**
  * Joins texts, filtered texts and numbers, and writes them to the buffer of a stream in few calls: the document has
- * thousands. The stream's precision counts, its locale does not. Nothing is sure to be written before flush().
+ * thousands. The stream's precision applies, its locale does not. Output may be buffered until flush().
  */
 class XmlWriter {
 public:

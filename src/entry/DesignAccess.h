@@ -1,4 +1,4 @@
-/** The design's own parameters: their ids, and the one way to write and to read them. */
+/** Access to the design's own parameters: their ids, writers and readers. */
 #ifndef ENTRY_DESIGNACCESS_H
 #define ENTRY_DESIGNACCESS_H
 
@@ -9,7 +9,7 @@
 #include <cstdint>
 #include <cstring>
 
-/** The caller's place for a value, wherever that is aligned. */
+/** The caller's memory for a value, of any alignment. */
 template <typename T> class Place {
 public:
     explicit Place(void* place) : m_place(place) {}
@@ -21,15 +21,15 @@ private:
 };
 
 /**
- * One writer and one reader for each parameter of the design, by its direction: loomSet_X, loomGet_X. They throw the
- * runtime's code if `raise`. loomGetInto_X reads straight into a caller's place, which keeps what it held where there
- * is no design.
+ * A writer loomSet_X and a reader loomGet_X for each parameter of the design, as its direction allows. They
+ * throw the runtime's code if `raise`. loomGetInto_X reads directly into a caller's memory, which stays
+ * unchanged if there is no design.
  */
 class DesignAccess : public FgLoomWrapper {
 public:
     using FgLoomWrapper::FgLoomWrapper;
 
-    /** Asks the runtime for the ids, once. */
+    /** Looks the ids up in the runtime, once. */
     void resolveDesignParameterIds();
 
 protected:
@@ -83,7 +83,7 @@ private:
             value != nullptr ? getUnwrappedParameterWithType(id, value, dma, type) : FG_ERR_INVALID_ARGUMENT;
         if (result != FG_OK) accessFailed("Getting", name, id, value, result, raise);
     }
-    /** Logs what the runtime refused; a null value never reached it. Throws the code if `raise`. */
+    /** Logs a failed access; a null value never reached the runtime. Throws the code if `raise`. */
     void accessFailed(const char* verb, const char* name, std::int32_t id, const void* value, int result,
                       bool raise);
 };

@@ -60,7 +60,7 @@ void FgLoomWrapper::initHandles(LOOMdevice* device, fpga_design* design) {
 }
 
 int FgLoomWrapper::end(FgLoomWrapper* wrapper) {
-    // Asked even without an inner handle, and before the runtime's library is closed.
+    // Called even without an inner handle, and before the runtime's library is closed.
     const int result = callOr(FG_OK, wrapper->wrapperFg().Fg_FreeGrabber, wrapper->grabcoreFg());
     delete wrapper;
     return result;

@@ -18,8 +18,8 @@ class Fg_ConfigFileParser;
  * Owns the binding to the grabber runtime, the handles of board and design, the parameter tree and the last
  * error.
  *
- * The runtime's own parameter space is reached through the "unwrapped" operations. What is particular to an
- * applet is left to virtual operations; their order is that of the slots and stays. The base takes no lock.
+ * The runtime's own parameter space is accessed through the "unwrapped" operations. Applet-specific behaviour
+ * is in virtual operations; their order is the vtable layout and must not change. The base takes no lock.
  */
 class FgLoomWrapper {
 public:
@@ -28,7 +28,7 @@ public:
     FgLoomWrapper(const FgLoomWrapper&) = delete;
     FgLoomWrapper& operator=(const FgLoomWrapper&) = delete;
 
-    // ---- Operations of an applet: the derived class, or a source of their subject
+    // ---- Operations of an applet, implemented in the derived class or in the source named
 
     virtual vexo::tools::logging::Logger* logger();
     virtual int loadParameters(Fg_ConfigFileParser* parser) = 0;
@@ -73,7 +73,7 @@ public:
     /** Creates the runtime's inner handle. 0, -2031 without an init function, else the runtime's code or
      * -100. */
     int runFgInit(const char* tslName, LOOMdevice* device, fpga_design* design, int flags);
-    /** From here on the object owns the design and unloads it at its end. */
+    /** Takes ownership of the design, which is unloaded when the object is destroyed. */
     void initHandles(LOOMdevice* device, fpga_design* design);
     /** Frees the runtime's inner grabber, then destroys the object. The runtime's result. */
     static int end(FgLoomWrapper* wrapper);
@@ -130,7 +130,7 @@ public:
 
     // ---- Temporary files: entry/api/temp_files.cpp
 
-    /** Makes an empty file for a coefficient image; the caller owns the name. Null on failure. */
+    /** Creates an empty file for a coefficient image; the caller owns the name. Null on failure. */
     static char* createTempFile();
     /** Removes the file and releases the name. */
     static void deleteTempFile(char* name);
@@ -149,7 +149,7 @@ public:
     Fg_Error& fgError() { return m_private->error; }
 
 protected:
-    /** Logs the pieces as one line if the level is open; composes nothing otherwise. */
+    /** Logs the pieces as one line if the level is enabled; composes nothing otherwise. */
     template <typename... Pieces> void log(std::uint32_t level, const Pieces&... pieces);
 
     /** The logger of that name, looked up on first use and kept in `place`. */

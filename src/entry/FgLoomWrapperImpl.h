@@ -41,7 +41,7 @@ class FgLoomWrapperImpl final : public PublishedParameters,
                                 public ImageTrigger,
                                 public SignalRouting {
 public:
-    /** `offline` makes an object without board and runtime and brings it up at once. */
+    /** `offline` creates an object without board and runtime and brings it up at once. */
     FgLoomWrapperImpl(int ports, bool offline);
 
     // ---- Overrides: entry/routing.cpp, entry/identity.cpp, entry/api/bring_up.cpp, entry/configuration.cpp
@@ -68,14 +68,14 @@ public:
     static constexpr int appletVersion() { return 2; }
     static constexpr int appletRevision() { return 2; }
 
-    /** Gives a text to a caller: into the caller's buffer, or as a new string that this object owns. */
+    /** Copies a text to a caller: into the caller's buffer, or as a new string that this object owns. */
     void giveText(std::string_view text, void* value, FgParamTypes type); // entry/routing.cpp
 
     void discoverDebugInterface(); // image/debug_interface.cpp
     void applyDefaults();          // entry/api/bring_up.cpp
 
 private:
-    /** Gives each variable the start value of its parameter's row. The others have initialisers. */
+    /** Sets each variable to the start value of its parameter's row. The others have initialisers. */
     void initializeMembers(); // entry/api/bring_up.cpp
 
     // ---- Routing: entry/routing.cpp
@@ -121,7 +121,7 @@ private:
     std::uint32_t calcMaxWidthFromDram(std::uint32_t sensorHeight);
     std::uint32_t calcMaxHeightFromDram(std::uint32_t sensorWidth);
     std::uint32_t maxSensorWidthFromDram();
-    /** Refuses a value while the design cannot be read, although the limit does not need its memory's size. */
+    /** Refuses a value if the design cannot be read, even if the limit does not need its memory size. */
     void requireReadableDram();
     std::uint32_t usableWidth();
     std::uint32_t widthLimit();
@@ -232,7 +232,7 @@ private:
     std::uint32_t readCamStatusExtended();
     std::uint32_t readCamStatus() { return readCamStatusExtended() & 1; }
 
-    // ---- Setters of the parameters: set_FG_X, which throw what they refuse. A get answers from the source
+    // ---- Setters of the parameters: set_FG_X, which throw the code of a refusal. A get reads the source
     // that the parameter's row names.
 
 #define SETTABLE(parameter, kind, source, start, file) void set_##parameter(kinds::kind::Value value);
@@ -241,7 +241,7 @@ private:
 #undef SETTABLE
 #undef READ_ONLY
 
-    static constexpr char nothing = 0; // the source of parameters that have none here
+    static constexpr char nothing = 0; // the source of parameters that have no value here
 
     friend struct SdkParameterTable;
 };

@@ -1,4 +1,4 @@
-/** What the base of a wrapper owns: the binding to the runtime, the handles, the trees and the last error. */
+/** State of the wrapper base: the binding to the runtime, the handles, the trees and the last error. */
 #ifndef ENTRY_FGLOOMWRAPPERPRIVATE_H
 #define ENTRY_FGLOOMWRAPPERPRIVATE_H
 

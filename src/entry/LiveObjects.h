@@ -1,4 +1,4 @@
-/** The objects that callers may hold: distinguishes a valid handle from a stale or foreign one. */
+/** The registry of live objects: distinguishes a valid handle from a stale or foreign one. */
 #ifndef ENTRY_LIVEOBJECTS_H
 #define ENTRY_LIVEOBJECTS_H
 
@@ -9,10 +9,10 @@
 class FgLoomWrapper;
 
 /**
- * A table of addresses, read without a lock at each call and never dereferenced. Any thread.
+ * A table of addresses, read without a lock at each call and never dereferenced. Thread-safe.
  *
- * It has room for more boards than a machine takes. When it is full, validation is disabled: every address passes
- * until the objects without an entry are destroyed.
+ * It has more entries than a machine has room for boards. When it is full, validation is disabled: every
+ * address passes until the objects without an entry are destroyed.
  */
 class LiveObjects {
 public:
@@ -29,8 +29,8 @@ public:
 
 private:
     static constinit std::array<std::atomic<const FgLoomWrapper*>, 64> s_objects;
-    static constinit std::atomic<std::size_t> s_used;     // places that were ever taken
-    static constinit std::atomic<std::size_t> s_unlisted; // objects that found no place
+    static constinit std::atomic<std::size_t> s_used;     // entries ever used
+    static constinit std::atomic<std::size_t> s_unlisted; // objects without an entry
 };
 
 #endif

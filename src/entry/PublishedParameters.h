@@ -1,4 +1,4 @@
-/** What is published of the parameters: names and ids, events, the tree of descriptions. */
+/** The published part of the parameters: names and ids, events, the tree of descriptions. */
 #ifndef ENTRY_PUBLISHEDPARAMETERS_H
 #define ENTRY_PUBLISHEDPARAMETERS_H
 
@@ -12,8 +12,8 @@
 #include <unordered_map>
 
 /**
- * The public parameters, and behind them the registers and design parameters that are offered for direct access. All
- * of it is built at bring-up and constant from then on, but for single fields of the records.
+ * The public parameters, followed by the registers and design parameters that are offered for direct access.
+ * Everything is built at bring-up and constant afterwards, except for single fields of the records.
  */
 class PublishedParameters : public DesignAccess {
 public:
@@ -54,7 +54,7 @@ private:
     std::string m_directAccessSection;
     std::unordered_map<std::string, int> m_directRegisterIdByName; // "DRA_" names
     std::map<std::string, int> m_directParameterIdByName;          // "DLOOMA_" names
-    std::map<int, std::string> m_directNameByIndex;                // both, behind the public parameters
+    std::map<int, std::string> m_directNameByIndex;                // both, after the public parameters
     std::array<RegisterInfo*, publicParameters> m_registerInfos{};
     std::map<std::string, std::uint64_t, std::less<>> m_eventMaskByName;
     std::map<std::uint64_t, std::string> m_eventNameByMask;

@@ -1,10 +1,10 @@
-/** A variable's new value, until it is known whether it stays. */
+/** A tentative assignment. */
 #ifndef ENTRY_REPLACEMENT_H
 #define ENTRY_REPLACEMENT_H
 
 #include <utility>
 
-/** Stores a new value in a member and puts the old one back at the end, unless it is kept. */
+/** Stores a new value in a member; the destructor restores the old value unless keep() was called. */
 template <typename T> class Replacement {
 public:
     Replacement(T& member, T value) : m_member(member), m_old(std::exchange(member, std::move(value))) {}

@@ -1,4 +1,4 @@
-// Configuration files: the whole state of the parameters, saved and loaded. Neither takes the lock of the
+// Configuration files: saving and loading of the whole state of the parameters. Neither takes the lock of the
 // parameters.
 
 #include "entry/sdk_parameters.h"
@@ -17,7 +17,7 @@ namespace {
 constexpr int port = 0;
 constexpr std::size_t longestText = 1023;
 
-/** The name does not exist on most systems, which leaves the locale alone; it is never put back. */
+/** Most systems lack this locale, and the current one stays. If it exists, it is never switched back. */
 void chooseLocale() { std::setlocale(LC_ALL, "English"); }
 
 /** The value of one key. The parameter's type says which of the three is set. */
@@ -35,7 +35,7 @@ bool readKey(Fg_ConfigFileParser& parser, const SdkParameter& parameter, FileVal
     case FG_PARAM_DOUBLE:
         return parser.parseDoubleKeySection(port, parameter.name, &value.number) == 0;
     default: {
-        int number = 0; // signed, also for what is not
+        int number = 0; // signed, even for unsigned parameters
         const int result = parser.parseIntKeySection(port, parameter.name, &number);
         value.word = static_cast<std::uint32_t>(number);
         return result == 0;
@@ -103,7 +103,7 @@ int FgLoomWrapper::Fg_loadConfig(Fg_Struct*, const char* file) {
 
 void FgLoomWrapperImpl::saveParameters(Fg_ConfigFileParser* parser) {
     parser->writeConfigFileByPort(port);
-    // Whatever a getter throws costs its own line only; one that leaves its place alone gives 0.
+    // If a getter throws, only its own line is missing; one that stores nothing gives 0.
     for (const SdkParameter& parameter : sdkParameters)
         if (parameter.file.saved) quietly([&] { saveParameter(*parser, parameter); });
 }
@@ -119,7 +119,7 @@ void FgLoomWrapperImpl::saveParameter(Fg_ConfigFileParser& parser, const SdkPara
         return parser.writeConfigFileDoubleKey(parameter.name, std::bit_cast<double>(value));
     case FG_PARAM_INT64:
         return parser.writeConfigFileInt64Key(parameter.name, static_cast<std::int64_t>(value));
-    default: // signed, also for what is not
+    default: // signed, even for unsigned parameters
         return parser.writeConfigFileIntKey(parameter.name, static_cast<std::int32_t>(value));
     }
 }
@@ -132,7 +132,7 @@ int FgLoomWrapperImpl::loadParameters(Fg_ConfigFileParser* parser) {
         for (const SdkParameter& parameter : sdkParameters)
             if (parameter.file.required) keys.emplace_back(parameter.name);
         parser->prepareKeys(Fg_ConfigFileParser::getPortString(port), keys);
-        // First the values without any check, so that each setter sees its neighbours as the file has them.
+        // First store the values unchecked, so that each setter sees the file's values of its neighbours.
         for (const SdkParameter& parameter : sdkParameters) {
             if (!parameter.file.required) continue;
             if (readKey(*parser, parameter, value))
@@ -140,7 +140,7 @@ int FgLoomWrapperImpl::loadParameters(Fg_ConfigFileParser* parser) {
             else
                 complete = 0;
         }
-        // A value that its setter refuses does not fail the load; its variable keeps it.
+        // A value that its setter refuses does not fail the load, and stays in the variable.
         for (const SdkParameter& parameter : sdkParameters) {
             if (!parameter.file.applied || !readKey(*parser, parameter, value)) continue;
             quietly([&] { parameter.set(*this, valueOf(parameter, value), parameter.type); });

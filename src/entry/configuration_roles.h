@@ -1,4 +1,4 @@
-/** What a configuration file does with a parameter. */
+/** The role of a parameter in a configuration file. */
 #ifndef ENTRY_CONFIGURATION_ROLES_H
 #define ENTRY_CONFIGURATION_ROLES_H
 
@@ -16,7 +16,7 @@ using StoredMember = std::variant<std::monostate, std::uint32_t FgLoomWrapperImp
 struct FileRole {
     bool saved = false;
     bool required = false;     // a load without the key fails in the end
-    bool storesSource = false; // into the variable that a get answers with
+    bool storesSource = false; // into the variable that a get reads
     bool applied = false;      // then through the setter
     StoredMember member = {};
 };
@@ -24,19 +24,19 @@ struct FileRole {
 namespace file_roles {
 
 inline constexpr FileRole NotSaved{};
-/** Written for the reader of the file. */
+/** Only informs the reader of the file. */
 inline constexpr FileRole SavedOnly{.saved = true};
 /** Without effect, but the key must be there. */
 inline constexpr FileRole Ignored{.saved = true, .required = true};
 /** Takes effect through the setter of another parameter. */
 inline constexpr FileRole Stored{.saved = true, .required = true, .storesSource = true};
-/** As `Stored`, but the variable is another one: that of the value as requested. */
+/** As `Stored`, but in another variable, which holds the value as requested. */
 consteval FileRole StoredIn(StoredMember member) {
     return {.saved = true, .required = true, .member = member};
 }
 /**
- * Through the setter alone: what it sets is not a plain variable, or one that only an accepted value may
- * reach.
+ * Through the setter only: it sets something other than a plain variable, or a variable that must only hold
+ * accepted values.
  */
 inline constexpr FileRole Applied{.saved = true, .required = true, .applied = true};
 /** The setters of its neighbours see the new value as well, even one that its own setter then refuses. */

@@ -1,4 +1,4 @@
-// The binding of the design's own parameters: their ids, and the one way to write and to read them.
+// The binding of the design's own parameters: their ids, writers and readers.
 
 #include "entry/DesignAccess.h"
 #include "entry/setter_tools.h"
@@ -27,7 +27,7 @@ struct DesignParameterTable {
 };
 
 void DesignAccess::resolveDesignParameterIds() {
-    // A design that lacks a parameter still comes up: what fails is the first access to it.
+    // A design that lacks a parameter can still be brought up; only accesses to that parameter fail.
     for (const DesignParameterTable::Row& row : DesignParameterTable::rows) {
         this->*row.id = getParameterIdByName(row.name);
         if (this->*row.id < 1)

@@ -1,4 +1,4 @@
-// Who this applet is, and the names and numbers under which its parameters and events are found.
+// The applet's identity, and the lookup of its parameters and events by name and number.
 
 #include "entry/sdk_parameters.h"
 #include "support/switches.h"
@@ -45,7 +45,7 @@ int PublishedParameters::Fg_getParameterIdByName(const char* name) {
             setError(FG_OK);
             return parameter->id;
         }
-        // Direct design parameters have a name and an index but no id here: they are driven by their number.
+        // Direct design parameters have a name and an index but no id here: they are accessed by number.
         if (const auto found = m_directRegisterIdByName.find(name); found != m_directRegisterIdByName.end()) {
             setError(FG_OK);
             return found->second;
@@ -72,7 +72,7 @@ const char* FgLoomWrapperImpl::vendorName() { return "Norvane AG"; }
 
 const char* FgLoomWrapperImpl::appletName() { return "Grab_TwinLaneLineColor"; }
 
-// A version of its own: it follows neither the applet's version and revision nor its version text.
+// A separate version: it follows neither the applet's version and revision nor its version text.
 const char* FgLoomWrapperImpl::appletVersionName() { return "4.0"; }
 
 int FgLoomWrapperImpl::loadAppletId() { return 0; }

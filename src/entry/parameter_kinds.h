@@ -1,8 +1,8 @@
 /**
- * How the value of a parameter is taken from the caller and given to it.
+ * How the value of a parameter is taken from the caller and returned to it.
  *
- * A kind has the type that a setter takes, `take`, which makes it of the caller's value, and `source`, which says
- * where a get finds its answer.
+ * A kind defines the type that a setter takes, `take`, which converts the caller's value to that type, and
+ * `source`, the source of a get.
  */
 #ifndef ENTRY_PARAMETER_KINDS_H
 #define ENTRY_PARAMETER_KINDS_H
@@ -28,24 +28,24 @@ using GetFunction = void(FgLoomWrapperImpl& wrapper, const SdkParameter& paramet
                          FgParamTypes type);
 using TextFunction = std::string(FgLoomWrapperImpl& wrapper);
 
-/** What a get answers with. Most parameters are plain members, which need no call. */
+/** The source of a get. Most are plain members, which need no call. */
 using ValueSource = std::variant<std::uint32_t FgLoomWrapperImpl::*, double FgLoomWrapperImpl::*,
                                  TextFunction*, GetFunction*>;
 
-/** In the place of a start value: the start-up sequence does not set the parameter. */
+/** Instead of a start value: the start-up sequence does not set the parameter. */
 inline constexpr std::monostate NoDefault;
 
 /** The value that a parameter starts with. */
 using StartValue = std::variant<std::monostate, std::uint32_t, std::int32_t, double, const char*>;
 
-/** The start value as a set takes it: the address of a number, or the text itself. Null without one. */
+/** The start value as a set takes it: the address of a number, or the text itself. Null if there is none. */
 inline const void* valueOf(const StartValue& start) {
     if (const auto* text = std::get_if<const char*>(&start)) return *text;
     if (std::holds_alternative<std::monostate>(start)) return nullptr;
     return std::visit([](const auto& number) -> const void* { return &number; }, start);
 }
 
-/** A caller's record for elements of an array: of which type, the tag says. */
+/** A caller's record for elements of an array; the tag gives its type. */
 struct FieldRecord {
     const void* record;
     FgParamTypes type;
@@ -54,10 +54,10 @@ struct FieldRecord {
 namespace kinds {
 
 /**
- * A number in its native width, whatever the type tag says.
+ * A number in its native width, regardless of the type tag.
  *
- * The source is a variable, a function that returns the number, or one that takes the caller's `Place`, which
- * it may leave unwritten.
+ * The source is a variable, a function that returns the number, or one that takes the caller's `Place` and
+ * may leave it unwritten.
  */
 template <typename T> struct Number {
     using Value = T;
@@ -104,7 +104,7 @@ struct Text {
     }
 };
 
-/** A text of the design, which writes it into the caller's buffer itself. The source is its reader. */
+/** A text that the design writes directly into the caller's buffer. The source is its reader. */
 struct DesignText {
     using Reader = void (FgLoomWrapperImpl::*)(Place<char> out);
     static constexpr FgParamTypes type = FG_PARAM_TEXT;
@@ -116,7 +116,7 @@ struct DesignText {
     static void readText(FgLoomWrapperImpl& wrapper, Reader reader, void* value, FgParamTypes type);
 };
 
-/** An array of words: the tag says whether one element or a run of them is accessed. */
+/** An array of words; the tag selects access to one element or to a run of them. */
 struct Field {
     using Value = FieldRecord;
     static constexpr FgParamTypes type = FG_PARAM_FIELD_INT;
@@ -128,7 +128,7 @@ struct Field {
         };
     }
 
-    /** Fills the caller's record from the array. Refuses what lies outside of it. */
+    /** Fills the caller's record from the array. Refuses elements outside it. */
     static void readField(std::span<const std::uint32_t> field, void* record, FgParamTypes type);
 };
 

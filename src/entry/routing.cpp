@@ -1,4 +1,4 @@
-// Routing of a parameter access: three id spaces, the lock, and thrown codes that become results.
+// Routing of a parameter access: three id spaces, the lock, and conversion of thrown codes to results.
 
 #include "catalogue/parameter_tree.h"
 #include "entry/sdk_parameters.h"
@@ -28,7 +28,7 @@ void requireKnownDma(int dma) {
 /** Longer allocated texts are truncated. */
 constexpr std::size_t longestAllocatedText = 655360;
 
-/** The result of an access that throws its code. Other exceptions are not ours and go on. */
+/** Converts a thrown code to a result. Other exceptions propagate. */
 template <typename Access> int resultOf(Access access) {
     try {
         access();
@@ -50,7 +50,7 @@ inline void FgLoomWrapperImpl::setParameter(int id, const void* value, int dma, 
 }
 
 inline void FgLoomWrapperImpl::getParameter(int id, void* value, int dma, FgParamTypes type) {
-    // The number of processes can be asked with any DMA channel.
+    // The number of processes can be read with any DMA channel.
     if (id != FG_NR_OF_PROCESSES) requireKnownDma(dma);
     if (id == FG_PARAM_DESCR) return readDescription(value, type);
     const SdkParameter* parameter = findParameter(id);

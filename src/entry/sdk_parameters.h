@@ -1,4 +1,4 @@
-/** The table of the parameters: name, id, and the functions behind them. */
+/** The table of the parameters: name, id, setter and source. */
 #ifndef ENTRY_SDK_PARAMETERS_H
 #define ENTRY_SDK_PARAMETERS_H
 
@@ -69,7 +69,7 @@ inline constexpr PerfectIndex<sdkParameters.size()> indexById{[] {
     return ids;
 }()};
 
-/** The parameter with this id, or null. Every routed access asks. */
+/** The parameter with this id, or null. Every routed access calls it. */
 inline const SdkParameter* findParameter(int id) {
     const SdkParameter& candidate = sdkParameters[indexById.find(static_cast<std::uint32_t>(id))];
     return candidate.id == id ? &candidate : nullptr;

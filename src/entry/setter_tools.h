@@ -1,8 +1,8 @@
 /**
  * The skeleton that all setters share.
  *
- * A setter reads in straight lines: what is refused, what is stored, what is written, which limits change. A
- * refusal is a thrown `int`, the result code. Design writes that succeeded are not undone.
+ * A setter is linear: check the value, store it, write it to the design, update limits. A refusal throws the
+ * result code, an `int`. Design writes that succeeded are not undone.
  */
 #ifndef ENTRY_SETTER_TOOLS_H
 #define ENTRY_SETTER_TOOLS_H

@@ -29,7 +29,7 @@ bool isLineOf(std::string_view line, std::string_view key) {
     return line.size() > key.size() && line[key.size()] == '=' && line.starts_with(key);
 }
 
-/** Reads up to and with the section's own line. False if there is none. */
+/** Reads up to and including the section's own line. False if there is none. */
 bool skipToSection(LineReader& lines, std::string_view section) {
     std::string_view line;
     while (lines.next(line))
@@ -114,7 +114,7 @@ void Fg_ConfigFileParser::writeConfigFileUInt64Key(std::string_view key, std::ui
     writeConfigFileValue(key, Decimal(value).text());
 }
 
-// The log knows some functions by the name of a neighbour or a misspelt one. It stays so: logs are compared.
+// Some functions log the name of a neighbour or a misspelt name. The names are kept, since logs are compared.
 void Fg_ConfigFileParser::writeConfigFileInt64Key(std::string_view key, std::int64_t value) {
     func("Fg_ConfigFileParser::writeConfigFileUInt64Key");
     writeConfigFileValue(key, Decimal(value).text());
@@ -153,7 +153,7 @@ void Fg_ConfigFileParser::prepareKeys(std::string_view section, std::span<const 
     }
 }
 
-/** The first line of a key behind the section's own. Valid up to the next search. */
+/** The first line of a key after the section's own line. Valid until the next search. */
 std::optional<std::string_view> Fg_ConfigFileParser::findLine(std::string_view section,
                                                               std::string_view key) {
     if (section == m_preparedSection) {
@@ -190,7 +190,7 @@ int Fg_ConfigFileParser::parseKey(std::string_view section, std::string_view key
     }
     std::string_view value = line->substr(key.size() + 1);
     out = takeToken(value, "=;'");
-    // A line end is part of the value, unless it is all there is.
+    // A line end is part of the value, unless the value is otherwise empty.
     if (out.starts_with('\r') || out.starts_with('\n')) out.clear();
     return 0;
 }

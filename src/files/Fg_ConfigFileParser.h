@@ -18,10 +18,10 @@ class Fg_Log;
  * with lines "KEY=123;" and "KEY='text';". There is no escape: a text with a quote, an equals sign or a
  * semicolon does not survive. The decimal separator is that of the process locale.
  *
- * The reader is lenient: it takes the first line behind the section's own that begins with the key, even if
- * that is in a later section. It takes lines of at most 255 bytes; what a longer line has beyond them comes as
- * further lines. A line ends at a NUL byte. Nothing of the file is kept: each parse call reads it from its start, but
- * for the keys of prepareKeys().
+ * The reader is lenient: it takes the first line after the section's own line that begins with the key, even
+ * if that is in a later section. It reads lines of at most 255 bytes; the rest of a longer line is read as
+ * further lines. A line ends at a NUL byte. Nothing is cached: each parse call reads the file from its start,
+ * except for the keys of prepareKeys().
  *
  * A parser is used for one file and by one thread at a time; several can run in parallel. The log may be null.
  */
@@ -30,7 +30,7 @@ public:
     static constexpr int missing = -8000;
 
     /**
-     * Opens the file for reading, also for writing unless `readOnly`; reports nothing. A null path opens
+     * Opens the file for reading, and also for writing unless `readOnly`; reports no error. A null path opens
      * nothing.
      */
     Fg_ConfigFileParser(Fg_Log* log, const char* path, bool readOnly);
@@ -38,7 +38,7 @@ public:
     Fg_ConfigFileParser(const Fg_ConfigFileParser&) = delete;
     Fg_ConfigFileParser& operator=(const Fg_ConfigFileParser&) = delete;
 
-    /** Whether the path holds ".mcf", at any place. */
+    /** Whether the path contains ".mcf" anywhere. */
     bool checkFileType(const char* path) const;
     /**
      * Whether the path can be opened for reading. A FIFO, a socket or a terminal cannot; a directory is
@@ -67,22 +67,22 @@ public:
     /** "[Port A]" for port 0. */
     static std::string getPortString(int port);
 
-    /* The number at the beginning of a text; of what is none, 0, or with 64 bits nothing is stored. All give 0. */
+    /* Parse a number at the beginning of a text. Without one, store 0 (64 bits: nothing). All return 0. */
     int getIntValue(const char* text, int* value) const;
     int getUInt64Value(const char* text, std::uint64_t* value) const;
     int getInt64Value(const char* text, std::int64_t* value) const;
     int getDoubleValue(const char* text, double* value) const;
 
     /**
-     * Reads the file once for all of these keys, which hold no equals sign and must outlive the parser. Parse calls for
-     * them in this section then need no reading. So a load takes time in proportion to the file, and memory for one
-     * line of each key.
+     * Reads the file once for all of these keys, which contain no equals sign and must outlive the parser.
+     * Parse calls for them in this section then read no file. So the time of a load is linear in the size of
+     * the file, and it needs memory for one line per key.
      */
     void prepareKeys(std::string_view section, std::span<const std::string_view> keys);
 
     /*
      * Texts: 0, or `missing` with "Error" in `out`. parseKeyFromLine takes the first line in the file that
-     * holds the key at any place.
+     * contains the key anywhere.
      */
     int parseKeyFromLine(std::string_view key, std::string& out);
     int parseKey(std::string_view section, std::string_view key, std::string& out);
@@ -112,7 +112,7 @@ private:
     std::string m_line; // the last one written or found; its memory is reused
     Fg_Log* m_log;
     std::string m_preparedSection;
-    /** The line of each prepared key, or nothing where the section lacks it. */
+    /** The line of each prepared key, or nothing if the section lacks it. */
     std::unordered_map<std::string_view, std::optional<std::string>> m_preparedLines;
 };
 

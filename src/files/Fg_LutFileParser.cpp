@@ -50,7 +50,7 @@ bool takeNumber(std::string_view& text, std::uint32_t& number) {
     return length > 0 && length <= mostDigits;
 }
 
-/** A line, and what the search for elements and sections needs of it. */
+/** A line with the properties that the search for elements and sections needs. */
 class ElementLine {
 public:
     ElementLine(std::string_view text, char separator)
@@ -68,7 +68,7 @@ public:
     bool isRegular() const { return m_isRegular; }
     std::uint32_t index() const { return m_index; }
     std::uint32_t value() const { return m_value; }
-    /** Usual sections start with a bracket, which is looked for once for all of them. */
+    /** Usual sections start with a bracket, which is searched for once for all of them. */
     bool holds(std::string_view section) const {
         return (m_hasBracket || !section.starts_with('[')) && contains(m_text, section);
     }
@@ -80,7 +80,7 @@ private:
     std::uint32_t m_index = 0, m_value = 0;
 };
 
-/** Picks the elements of one table out of the lines of a file. */
+/** Collects the elements of one table from the lines of a file. */
 template <typename Element> class ElementCollector {
 public:
     ElementCollector() = default;
@@ -160,7 +160,7 @@ bool Fg_LutFileParser::setOpenFile(const char* path, bool readOnly) {
 // Writing
 
 int Fg_LutFileParser::saveLutToFile(const char* path, const LookupTable_s* table) {
-    // Two line ends more than in a file of three tables.
+    // Two more line ends than in a file of three tables.
     return save(path, "# Lut data file v1.1\n\n", std::array{Section<const LookupTable_s>{"[gray]", table}});
 }
 
@@ -280,7 +280,7 @@ int Fg_LutFileParser::load(const char* path, const std::array<Section<Table>, N>
     clear(*sections[0].table);
     if (!setOpenFile(path, true)) return -1;
 
-    // As if the tables were read one by one: a failure ends the load, and later tables keep what they brought.
+    // As if the tables were read one by one: a failure ends the load and leaves later tables unchanged.
     using Element = std::remove_pointer_t<decltype(Table::lut)>;
     std::array<ElementCollector<Element>, N> collectors;
     std::size_t begun = 0;
@@ -298,7 +298,7 @@ int Fg_LutFileParser::load(const char* path, const std::array<Section<Table>, N>
     return begun == N ? 0 : -1;
 }
 
-/** What the file's first keys say, for whichever table; without elements. */
+/** The values of the file's first keys, in any section; without elements. */
 LookupTable_s Fg_LutFileParser::readKeys() {
     const auto number = [this](std::string_view key) {
         int value = 0;

@@ -28,17 +28,17 @@ struct KneeLookupTable_s {
 /**
  * Writes and reads lookup tables as lines of text: keys ("id=0;") and elements ("17,42;") below the line of
  * their section ("[red]"). The reader is lenient: only a file that cannot be opened, or lack of memory,
- * is an error. Takes no lock and shares no state: any number of parsers run in parallel, each in one
- * thread. Throws nothing. What is opened stays open until the next file or the end of the parser.
+ * is an error. Takes no lock and shares no state: any number of parsers can run in parallel, each in one
+ * thread. Throws nothing. A file stays open until the next one is opened or the parser is destroyed.
  */
 class Fg_LutFileParser {
 public:
-    /** What a file's line can hold, ended by a zero. */
+    /** Room for a line of a file and its terminating zero. */
     using LineText = std::array<char, LineReader::longestLine + 1>;
 
-    /** True: no extension is asked for. */
+    /** Always true: any extension is accepted. */
     bool checkFileType(const char* path) const;
-    /** Whether the path can be opened for reading: no FIFO, no terminal. A directory is an empty file. */
+    /** Whether the path can be opened for reading; not a FIFO or a terminal. A directory is an empty file. */
     bool checkFileExist(const char* path) const;
     /** Creates or empties the file to write to. False, with no file open, if that fails. */
     bool setSaveFile(const char* path);
@@ -48,7 +48,7 @@ public:
     /**
      * Writes one table, in section "[gray]" or the one given, or the three tables of the sections "[red]",
      * "[green]" and "[blue]". 0, or -1 if an argument is null, a table lacks its elements, or the file cannot
-     * be opened. Write errors are not detected. The tables stay the caller's.
+     * be opened. Write errors are not detected. The caller keeps ownership of the tables.
      */
     int saveLutToFile(const char* path, const LookupTable_s* table);
     int saveLutToFile(const char* path, const LookupTable_s* red, const LookupTable_s* green,
@@ -63,13 +63,13 @@ public:
      * Reads the table of one section, or three different ones of "[red]", "[green]" and "[blue]". 0, or -1 if
      * an argument is null, the file cannot be opened, or there is no memory.
      *
-     * The elements that a table brings (null or from malloc) are freed. Afterwards `lut` is null or a new array that
-     * the caller frees with free(). A load of three tables ends with the first that fails: the tables behind that one
-     * stay as they are, which for a file that cannot be opened is the first.
+     * The elements that a table has (null or from malloc) are freed. Afterwards `lut` is null or a new array
+     * that the caller frees with free(). A load of three tables ends with the first that fails: the tables
+     * after that one stay unchanged. If the file cannot be opened, that is the first one.
      *
      * An integer table gets the first `id`, `nrOfElements`, `format` and `number` in the file, whichever
-     * section they are in, and 0 for what is missing. A count that no file of this size and no usual table
-     * has is cut. A knee table has the count that it brings. Elements that the file lacks are 0.
+     * section they are in, and 0 for a missing one. A count that is too large for the file and for any usual
+     * table is reduced. A knee table keeps its count. Elements that the file lacks are 0.
      */
     int getLutFromFile(const char* path, LookupTable_s* table, const char* section);
     int getLutFromFile(const char* path, LookupTable_s* red, LookupTable_s* green, LookupTable_s* blue);
@@ -81,31 +81,31 @@ public:
 
     /** Writes the text unchanged. */
     void writeLutFileHeader(std::string_view text);
-    /** Writes a line of key, separator, value and ";". What is beyond 256 bytes of the three is cut. */
+    /** Writes a line of key, separator, value and ";". The first three are cut to 256 bytes in total. */
     void writeLutFileValue(std::string_view key, std::string_view value, char separator);
     void writeIntKey(std::string_view key, int value, char separator);
     /** The value with 12 significant digits. */
     void writeDoubleKey(std::string_view key, double value, char separator);
     void writeIntInt(int index, int value, char separator);
-    /** The value with 12 digits behind the point. */
+    /** The value with 12 digits after the decimal point. */
     void writeIntDouble(int index, double value, char separator);
 
     /**
-     * Second token, between any of the delimiters, of the first line in the file that holds the key at any
-     * place; empty if the line has only one; "Error" if there is no such line.
+     * Second token, between any of the delimiters, of the first line in the file that contains the key
+     * anywhere; empty if the line has only one; "Error" if there is no such line.
      */
     LineText parseKeyFromLine(std::string_view key, std::string_view delimiters);
-    /** Stores that token as a number, 0 if it is none. 0, or -1 if the token is "Error". */
+    /** Stores that token as a number, or 0 if it is not a number. 0, or -1 if the token is "Error". */
     int parseIntKey(std::string_view key, int* value, std::string_view delimiters);
     int parseDoubleKey(std::string_view key, double* value, std::string_view delimiters);
     /**
-     * Reads elements, behind the first line that holds the section at any place, in ascending order: only a
-     * line that holds the next index and the separator (no digit) gives an element. Ends when all elements
-     * have been read, not at the next section; those that do not come stay as they are. 0.
+     * Reads elements after the first line that contains the section anywhere, in ascending order: only a line
+     * that contains the next index and the separator (no digit) gives an element. Ends when all elements have
+     * been read, not at the next section; missing elements stay unchanged. Returns 0.
      */
     int parseIntInt(std::span<std::uint32_t> elements, char separator, std::string_view section);
     int parseIntDouble(std::span<double> elements, char separator, std::string_view section);
-    /** The number at the beginning of the text, 0 if there is none; an integer is cut to 32 bits. 0. */
+    /** The number at the beginning of the text, 0 if there is none; an integer is truncated to 32 bits. 0. */
     static int getIntValue(const char* text, int* value);
     static int getDoubleValue(const char* text, double* value);
 

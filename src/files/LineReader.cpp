@@ -27,7 +27,7 @@ std::size_t LineReader::wholeLine() const {
     return available == longestLine ? longestLine : 0;
 }
 
-/** Reads on behind what is left of the block; false if nothing more comes. */
+/** Reads more data after the rest of the block; false at the end of the file. */
 bool LineReader::fill() {
     std::memmove(m_block, m_block + m_begin, m_end - m_begin);
     m_end -= m_begin;

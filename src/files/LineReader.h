@@ -9,10 +9,10 @@
 #include <sys/types.h>
 
 /**
- * Hands out a file's lines, from its first byte on, as reading them into a buffer of 256 bytes gives them: a
- * line has 255 bytes at most, and what a longer one has beyond them comes as further lines. Anything but a
+ * Returns the lines of a file, from its first byte on, as reads into a buffer of 256 bytes give them: a
+ * line has at most 255 bytes, and the rest of a longer one is returned as further lines. Anything but a
  * regular file is empty. Reads in blocks, so that the memory needed does not grow with the file; does not
- * move the file's position. The file stays open as long as the reader is used. Throws nothing.
+ * move the file's position. The file must stay open while the reader is used. Throws nothing.
  */
 class LineReader {
 public:
@@ -22,7 +22,7 @@ public:
 
     /**
      * The next line, with its line end if it has one; a NUL byte ends the text, and the rest of its line is
-     * lost. `line` is valid up to the next call. False at the end of the file, or where it cannot be read.
+     * dropped. `line` is valid until the next call. False at the end of the file, or if it cannot be read.
      */
     bool next(std::string_view& line);
 

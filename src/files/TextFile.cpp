@@ -35,7 +35,7 @@ public:
     }
     ~PipeSignalBlocker() {
         constexpr timespec atOnce{};
-        if (!m_wasPending) // then it is ours
+        if (!m_wasPending) // then the signal is ours
             while (sigtimedwait(&m_pipe, nullptr, &atOnce) < 0 && errno == EINTR)
                 continue;
         pthread_sigmask(SIG_SETMASK, &m_before, nullptr);
@@ -60,7 +60,7 @@ bool TextFile::open(const char* path, Mode mode) {
     m_isSeekable = lseek(m_descriptor, 0, SEEK_CUR) >= 0;
     if (m_isSeekable) return true;
     if (mode == Mode::Write)
-        fcntl(m_descriptor, F_SETFL, 0); // from here on a reader is waited for
+        fcntl(m_descriptor, F_SETFL, 0); // from here on, writes wait for a reader
     else
         close();
     return isOpen();

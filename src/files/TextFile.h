@@ -1,4 +1,4 @@
-/** The text files that a caller names: opened without waiting, written line by line. */
+/** Text files named by a caller: opened without blocking, written line by line. */
 #ifndef FILES_TEXTFILE_H
 #define FILES_TEXTFILE_H
 
@@ -9,8 +9,8 @@
 class TextFile {
 public:
     enum class Mode {
-        Read,   ///< of what exists
-        Update, ///< reading and writing of what exists
+        Read,   ///< of an existing file
+        Update, ///< reading and writing of an existing file
         Write   ///< creates the file or empties it
     };
 
@@ -20,19 +20,19 @@ public:
     ~TextFile() { close(); }
 
     /**
-     * Opens a file in place of the one open so far, which is closed. False, with no file open, for a null
-     * path, for what cannot be opened, which is also a FIFO without a reader. What cannot seek, such as a FIFO or a
-     * terminal, is only written to: for reading it counts as missing.
+     * Opens a file and closes the one open so far. False, with no file open, for a null path or a file that
+     * cannot be opened, such as a FIFO without a reader. A file that cannot seek, such as a FIFO or a
+     * terminal, can only be written to: for reading it counts as missing.
      */
     bool open(const char* path, Mode mode);
     bool isOpen() const { return m_descriptor >= 0; }
-    /** The descriptor, which stays the file's own; -1 if none is open. */
+    /** The descriptor, still owned by this object; -1 if none is open. */
     int descriptor() const { return m_descriptor; }
-    /** How many bytes there are to read: none in a directory or a device, which read as an empty file. */
+    /** Number of bytes to read: 0 for a directory or a device, which read as an empty file. */
     std::uint64_t size() const;
     /**
-     * Hands the text to the system before it returns; a slow reader of a FIFO is waited for. A failure is remembered,
-     * and nothing else comes of it: a reader that has gone sends no signal.
+     * Passes the text to the system before it returns, and waits for a slow reader of a FIFO. A failure is
+     * only remembered for finish(): a FIFO closed by its reader raises no signal.
      */
     void write(std::string_view text);
     /** Closes the file. False if a write to it has failed, which some file systems report only now. */

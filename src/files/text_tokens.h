@@ -1,4 +1,4 @@
-/** What the parsers of text files share: the tokens of a line, and integers as decimal digits. */
+/** Helpers of the parsers of text files: the tokens of a line, and integers as decimal digits. */
 #ifndef FILES_TEXT_TOKENS_H
 #define FILES_TEXT_TOKENS_H
 
@@ -18,7 +18,7 @@ inline bool contains(std::string_view line, std::string_view text) {
 }
 
 /**
- * The part before the first of the delimiters, behind any that lead; empty if there is none. Takes it off
+ * The part before the first delimiter, without leading delimiters; empty if there is none. Removes it from
  * `line`.
  */
 inline std::string_view takeToken(std::string_view& line, std::string_view delimiters) {

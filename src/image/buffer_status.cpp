@@ -1,5 +1,5 @@
 // Buffer status. The design clears its overflow flag at each read, so these two and the camera's
-// status, which is made of them, compete for it.
+// status, which includes them, compete for it.
 
 #include "entry/sdk_parameters.h"
 #include "entry/setter_tools.h"

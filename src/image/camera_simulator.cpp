@@ -1,8 +1,8 @@
 // Camera simulator: test patterns of a chosen size and speed instead of a camera.
 //
 // It emits 32 pixels in each cycle of 8 ns, so widths and line gaps are multiples of 32 pixels. In pixel
-// frequency mode a sequence of 2000 cycles holds some active ones; in the rate modes a line is stretched to a
-// sequence of cycles that gives the rate. Rates read back as what the counters produce, never as the request.
+// frequency mode a sequence of 2000 cycles has some active ones; in the rate modes a line is stretched to a
+// sequence of cycles that gives the rate. Rates read back as the counters produce them, not as requested.
 
 #include "catalogue/live_records.h"
 #include "entry/sdk_parameters.h"
@@ -56,7 +56,7 @@ void FgLoomWrapperImpl::publishPixelFrequencyLimit() {
     publishMaximum(recordAt(indexOf(FG_CAMERASIMULATOR_PIXEL_FREQUENCY)), fullPixelFrequency);
 }
 
-// ---- What reads back
+// ---- Values that read back
 
 std::uint32_t CameraSimulator::simulatorLineGap() const {
     return m_simSelectMode == FG_PIXEL_FREQUENCY ? m_simAppliedLineGap : 0;
@@ -106,7 +106,7 @@ double FgLoomWrapperImpl::simulatorFrameRate(std::uint32_t mode) {
     }
 }
 
-// Outside of pixel frequency mode there is no such number, and these two leave the caller's place unwritten.
+// Outside pixel frequency mode these numbers do not exist, and the caller's memory stays unwritten.
 void FgLoomWrapperImpl::readActive(Place<std::uint32_t> out) {
     if (m_simSelectMode != FG_PIXEL_FREQUENCY) return;
     out.store(loomGet_Process0_CameraSimulator_PixelFrequency_ActivePixel_Number<std::uint32_t>());
@@ -117,7 +117,7 @@ void FgLoomWrapperImpl::readPassive(Place<std::uint32_t> out) {
     out.store(sequence - loomGet_Process0_CameraSimulator_PixelFrequency_ActivePixel_Number<std::uint32_t>());
 }
 
-// ---- Sizes as the counters take them
+// ---- Sizes in units of the counters
 
 void FgLoomWrapperImpl::applySimulatorWidth(std::uint32_t width, std::uint32_t gap) {
     width = wholeCycles(width);
@@ -267,7 +267,7 @@ void FgLoomWrapperImpl::set_FG_CAMERASIMULATOR_SELECT_MODE(std::uint32_t value) 
         set_FG_CAMERASIMULATOR_FRAMERATE(m_simAppliedFrameRate);
         break;
     default:
-        // Always refused: pixel frequency mode reports a failure, with all of the above done.
+        // Always refused: pixel frequency mode reports a failure after all of the above is done.
         set_FG_CAMERASIMULATOR_PIXEL_FREQUENCY(m_simPixelFrequency);
     }
     stored.keep();

@@ -1,4 +1,4 @@
-/** The camera simulator: what was asked for, and what its counters got. */
+/** The camera simulator: the requested values, and those of its counters. */
 #ifndef IMAGE_CAMERA_SIMULATOR_H
 #define IMAGE_CAMERA_SIMULATOR_H
 
@@ -17,7 +17,7 @@ struct CameraSimulator {
     double m_simLineRate = 10240.0;      // Hz
     double m_simFrameRate = 10.0;        // Hz
     std::uint32_t m_simTriggerMode;
-    // What the counters got, after rounding.
+    // Values of the counters, after rounding.
     std::uint32_t m_simAppliedWidth = 1024; // pixels
     std::uint32_t m_simAppliedLineGap = 0;  // pixels
     std::uint32_t m_simAppliedFrameGap = 0; // lines

@@ -1,5 +1,5 @@
-// Debug interface: the places of the image path where images can be injected and watched, and the bring-up
-// step that reads from the design what is not known at build time.
+// Debug interface: the points of the image path where images can be injected and observed, and the bring-up
+// step that reads the properties of the design that are not known at build time.
 //
 // The design has the path of each point; the names of its parameters are composed here, and their ids
 // looked up, at each access.
@@ -52,7 +52,7 @@ int FgLoomWrapperImpl::readTextTo(char* text, const std::string& name) {
     return getUnwrappedParameterWithType(getParameterIdByName(name.c_str()), text, 0, FG_PARAM_TEXT);
 }
 
-/** A text of the design; what cannot be read is empty. */
+/** A text of the design; empty if it cannot be read. */
 std::string FgLoomWrapperImpl::readText(RuntimeTextRoom& room, const std::string& name) {
     return room.take([&](char* text) { readTextTo(text, name); });
 }
@@ -76,13 +76,13 @@ void FgLoomWrapperImpl::discoverDebugEntries(RuntimeTextRoom& room) {
             entry.type = DebugEntry::injectMonitor;
         else
             refuse(FG_ERR_UNRESOLVED);
-        // A path that cannot be read is empty: accesses of the point fail, and the next points are found.
+        // A path that cannot be read is empty: accesses to the point fail, but the next points are found.
         entry.path = readText(room, debugName("Path", number)).substr(0, longestEntryText);
     }
 }
 
 void FgLoomWrapperImpl::discoverDebugInterface() {
-    // The first failure ends the step, and what was found before stays: bring-up goes on.
+    // The first failure ends the step but not the bring-up, and earlier results are kept.
     quietly([this] {
         RuntimeTextRoom room;
         discoverDebugEntries(room);
@@ -139,8 +139,8 @@ void FgLoomWrapperImpl::updateDebugPixelRange() {
     });
 }
 
-// ---- Setters. A change of source leaves the input and the output of the old point as they are. What a get asks the
-// design for is not kept here.
+// ---- Setters. A change of source leaves the input and the output of the old point unchanged. Values that a
+// get reads from the design are not stored here.
 
 void FgLoomWrapperImpl::set_FG_DEBUGSOURCE(std::uint32_t value) {
     // Without points the limit wraps, and every value is accepted.

@@ -1,4 +1,4 @@
-/** The places where images can be injected and watched. */
+/** The points where images can be injected and observed. */
 #ifndef IMAGE_DEBUG_INTERFACE_H
 #define IMAGE_DEBUG_INTERFACE_H
 
@@ -10,7 +10,7 @@
 #include <vector>
 
 struct DebugInterface {
-    /** A place of the image path where images can be injected, and at some watched. */
+    /** A point of the image path where images can be injected and, at some points, observed. */
     struct DebugEntry {
         enum Type : std::uint32_t { inject, injectMonitor, unknown };
         Type type = unknown;
@@ -22,10 +22,10 @@ struct DebugInterface {
     std::uint32_t m_debugInsert = FG_APPLY;
     std::uint64_t m_debugWritePixel = 0;
     std::uint32_t m_debugWriteFlag = FG_ENDOFLINE;
-    std::size_t m_longestDebugFile = 0; // that the design took
+    std::size_t m_longestDebugFile = 0; // that the design accepted
     std::string m_debugSaveConfig;
 
-    /** The current one; one of unknown type if there is none. */
+    /** The current point; one of unknown type if there is none. */
     const DebugEntry& debugEntry() const;
 
     std::string debugSourceName() const { return debugEntry().name; }

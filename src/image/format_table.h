@@ -46,7 +46,7 @@ inline constexpr FormatWidth furtherFormats[] = {
     {4, 32}, {20, 32}, {8, 1}, {50, 8}, {408, 8}, {410, 10}, {412, 12}, {414, 14}, {416, 16},
 };
 
-/** Has no width there: such an input can be selected, but not shifted by hand. */
+/** Has no width there: such an input can be selected, but not shifted manually. */
 inline constexpr std::uint32_t formatWithoutShift = 1825;
 
 /** Width of a component as the custom shift counts it, in bits; nothing for an unknown code. */

@@ -1,4 +1,4 @@
-// Image selector: of every period of images, the one with a given phase is passed on.
+// Image selector: passes on one image of each period, the one with a given phase.
 
 #include "entry/sdk_parameters.h"
 #include "entry/setter_tools.h"

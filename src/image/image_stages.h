@@ -1,4 +1,4 @@
-/** The plain stages of the image path: pixel format and line order, image selector, white balance. */
+/** The simple stages of the image path: pixel format and line order, image selector, white balance. */
 #ifndef IMAGE_IMAGE_STAGES_H
 #define IMAGE_IMAGE_STAGES_H
 

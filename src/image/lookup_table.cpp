@@ -1,5 +1,5 @@
 // Lookup table and processing: three tables of 14 bits in and 16 bits out, from a formula, a file, or entry
-// by entry. A get answers from the caches; the design is never read.
+// by entry. A get reads the caches; the design is never read.
 
 #include "catalogue/live_records.h"
 #include "entry/sdk_parameters.h"
@@ -52,7 +52,7 @@ void copyElements(const LookupTable_s& table, std::span<std::uint32_t> cache) {
 // ---- The whole tables
 
 void FgLoomWrapperImpl::writeLutTables() {
-    // All three get the blue table; the other colours of a file reach the caches only.
+    // All three get the blue table; the other colours of a file are only stored in the caches.
     const FieldParameterAccess table{FG_PARAM_UINT32, 0, lutEntries, m_lutBlue.data()};
     for (const LutColor* color : {&lutRed, &lutGreen, &lutBlue})
         (this->*color->write)(&table, 0, FG_PARAM_FIELD_ACCESS, true);
@@ -188,7 +188,7 @@ void FgLoomWrapperImpl::setLutRun(const LutColor& color, const FieldParameterAcc
     FieldParameterAccess old = record;
     old.values = backup.get();
     getFieldCache(cache, &old);
-    setFieldCache(cache, &record); // records of single elements reach the design alone
+    setFieldCache(cache, &record); // records of single elements are written to the design only
     try {
         (this->*color.write)(&record, 0, FG_PARAM_FIELD_ACCESS, true);
     } catch (...) {

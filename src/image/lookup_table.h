@@ -1,4 +1,4 @@
-/** The lookup tables and the values that the formula makes them of. */
+/** The lookup tables, and the parameters of the formula that computes them. */
 #ifndef IMAGE_LOOKUP_TABLE_H
 #define IMAGE_LOOKUP_TABLE_H
 

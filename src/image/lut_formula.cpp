@@ -8,7 +8,7 @@
 
 namespace {
 
-// One step at a time over a block of entries: the processor takes several at once.
+// One step at a time over a block of entries, so that the compiler can vectorize it.
 constexpr int blockSize = 256;
 
 /** The table for one way to raise a value to the power of 1 / gamma. Whole blocks only. */
@@ -30,7 +30,7 @@ void fill(std::span<std::uint32_t> table, std::uint32_t largest, const LutFormul
         if (invert)
             for (int i = 0; i < blockSize; ++i)
                 entries[i] = largest - entries[i];
-        // Read with a sign: what overflowed is negative.
+        // Read as signed: an overflowed value is negative.
         for (int i = 0; i < blockSize; ++i)
             entries[i] = static_cast<std::uint32_t>(
                 std::clamp(static_cast<std::int32_t>(entries[i]), 0, static_cast<std::int32_t>(largest)));
@@ -44,7 +44,7 @@ void computeLutTable(std::span<std::uint32_t> table, unsigned inBits, unsigned o
     const std::span entries = table.first(std::size_t{1} << inBits);
     const std::uint32_t largest = (std::uint32_t{1} << outBits) - 1;
     const double exponent = quotient(1.0, formula.gamma);
-    if (exponent == 1.0) // what every bring-up computes; pow(y, 1) is y to the bit
+    if (exponent == 1.0) // the case at every bring-up; pow(y, 1) is exactly y
         fill(entries, largest, formula, [](double y) { return y; });
     else
         fill(entries, largest, formula, [exponent](double y) { return std::pow(y, exponent); });

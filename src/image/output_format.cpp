@@ -1,5 +1,5 @@
-// Output format: which input the multiplexer at the end of the image path passes on, and the shift in front
-// of it that brings the significant bits into place.
+// Output format: the input that the multiplexer at the end of the image path passes on, and the shift before
+// it that aligns the significant bits.
 
 #include "catalogue/live_records.h"
 #include "entry/sdk_parameters.h"

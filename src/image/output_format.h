@@ -1,4 +1,4 @@
-/** The output format, and what the design offers for it. */
+/** The output format, and the inputs that the design offers for it. */
 #ifndef IMAGE_OUTPUT_FORMAT_H
 #define IMAGE_OUTPUT_FORMAT_H
 

@@ -1,4 +1,4 @@
-// What the camera delivers: the width of the colour components and their order on the link.
+// Pixel format of the camera: the width of the colour components and their order on the link.
 
 #include "entry/sdk_parameters.h"
 #include "entry/setter_tools.h"
@@ -26,7 +26,7 @@ struct LineOrder {
     std::uint32_t red, green, blue; // component numbers
 };
 
-// The numbers are the design's own; they are not the places of the letters in the name.
+// The numbers are the design's own, not the positions of the letters in the name.
 constexpr LineOrder lineOrders[] = {
     {FG_LINEORDER_RGB, 0, 1, 2}, {FG_LINEORDER_BGR, 2, 1, 0}, {FG_LINEORDER_RBG, 0, 2, 1},
     {FG_LINEORDER_BRG, 2, 0, 1}, {FG_LINEORDER_GBR, 1, 2, 0}, {FG_LINEORDER_GRB, 1, 0, 2},

@@ -1,7 +1,7 @@
 // Sensor geometry and region of interest: which part of a sensor image is read, and from which corner.
 //
 // A right vantage point mirrors each line. A bottom one mirrors the lines of a whole frame, which must then
-// fit in the buffer's DRAM; only there do the sensor's size and the memory limit the region.
+// fit in the buffer's DRAM. The sensor's size and the memory limit the region only in a mirrored direction.
 
 #include "catalogue/live_records.h"
 #include "entry/sdk_parameters.h"
@@ -17,7 +17,7 @@ namespace {
 constexpr UInt widthLimits = limitsOf<UInt>(FG_SENSORWIDTH);   // pixels
 constexpr UInt heightLimits = limitsOf<UInt>(FG_SENSORHEIGHT); // lines
 
-/** A divisor of 0, which a configuration file can cause, is a value out of range. */
+/** A divisor of 0, which a configuration file can cause, is reported as a value out of range. */
 template <typename T> T nonZero(T divisor) {
     if (divisor == 0) refuse(FG_ERR_OUT_OF_RANGE);
     return divisor;
@@ -33,7 +33,7 @@ bool SensorGeometry::mirrorsFrames() const {
     return m_vantagePoint == FG_VANTAGEPOINT_BOTTOM_LEFT || m_vantagePoint == FG_VANTAGEPOINT_BOTTOM_RIGHT;
 }
 
-// ---- What fits in the DRAM. Arithmetic in 64 bits without sign, results cut to 32.
+// ---- DRAM capacity. Unsigned 64-bit arithmetic, results truncated to 32 bits.
 
 FgLoomWrapperImpl::Dram FgLoomWrapperImpl::readDram() {
     const auto addressWidth =
@@ -59,7 +59,7 @@ std::uint32_t FgLoomWrapperImpl::maxSensorWidthFromDram() {
     return parallelism != 0 ? width / parallelism * parallelism : width;
 }
 
-// ---- Limits. Differences are taken in 32 bits and wrap: what is then too large fails the region check.
+// ---- Limits. Differences are computed in 32 bits and wrap: too large a result fails the region check.
 
 std::uint32_t FgLoomWrapperImpl::usableWidth() {
     if (!mirrorsFrames()) return widthLimits.maximum;
@@ -68,7 +68,7 @@ std::uint32_t FgLoomWrapperImpl::usableWidth() {
 }
 
 std::uint32_t FgLoomWrapperImpl::widthLimit() {
-    const std::uint32_t usable = usableWidth(); // read from the design even where the sensor decides
+    const std::uint32_t usable = usableWidth(); // read from the design even if the sensor decides
     return (mirrorsLines() ? m_sensorWidth : usable) - m_xOffset;
 }
 

@@ -16,15 +16,15 @@ struct SensorGeometry {
     /** Which is written first when the buffer's geometry changes: the sensor's height, or the mirrors. */
     enum class WriteOrder { heightFirst, mirrorsFirst };
     /**
-     * The order that follows from the old value of the parameter that is being set, whichever that is. Only for the
-     * vantage point does the value say where images were read from before, but the order of the writes is fixed for
-     * all of them.
+     * The order that follows from the old value of the parameter being set, whichever parameter that is. Only
+     * for the vantage point does this value describe where images were read from before, but the order of the
+     * writes is fixed for all of them.
      */
     static WriteOrder orderAfter(std::uint32_t previous);
 
     bool mirrorsLines() const;  // a right vantage point
     bool mirrorsFrames() const; // a bottom vantage point
-    /** Refuse a region that does not fit. The size of the sensor counts only where the vantage point mirrors. */
+    /** Refuse a region that does not fit. The sensor's size only matters where the vantage point mirrors. */
     void checkRoiX() const;
     void checkRoiY() const;
 

@@ -1,4 +1,4 @@
-// White balance: a gain for each colour component, handed to the design unrounded.
+// White balance: a gain for each colour component, passed to the design unrounded.
 
 #include "entry/sdk_parameters.h"
 #include "entry/setter_tools.h"

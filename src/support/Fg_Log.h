@@ -6,8 +6,8 @@
 #include <cstdio>
 
 /**
- * A log of one line for each record. No file is ever opened, so that nothing is written; the parsers log
- * through it all the same. Takes no lock.
+ * A log with one line per record. No file is ever opened, so nothing is written, although the parsers log
+ * through it. Takes no lock.
  */
 class Fg_Log {
 public:

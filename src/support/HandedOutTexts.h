@@ -1,4 +1,4 @@
-/** Texts that callers got as new strings. */
+/** Texts returned to callers as new strings. */
 #ifndef SUPPORT_HANDEDOUTTEXTS_H
 #define SUPPORT_HANDEDOUTTEXTS_H
 
@@ -6,7 +6,7 @@
 #include <string_view>
 #include <unordered_set>
 
-/** Owns each text until the caller gives it back, or until its own end. Any thread. */
+/** Owns each text until the caller releases it or this object is destroyed. Thread-safe. */
 class HandedOutTexts {
 public:
     HandedOutTexts() = default;

@@ -31,10 +31,10 @@ public:
 
     /** Whether a line of this level passes. Ask before composing one. Locks only if the level passes. */
     bool isEnabled(std::uint32_t level) const;
-    /** Hands a line to the dispatcher, without a test of the level. */
+    /** Passes a line to the dispatcher without checking its level. */
     void log(std::uint32_t level, const char* text, std::uint32_t a, std::uint64_t b) const;
     void setLevel(std::uint32_t level);
-    /** Silences the logger for the calling thread or ends that. Returns whether it was enabled before. */
+    /** Enables or disables the logger for the calling thread. Returns whether it was enabled before. */
     bool setEnabled(bool enabled);
 
 private:

@@ -43,7 +43,7 @@ void Logging::LoggingPrivate::setLevel(std::uint64_t handle, std::uint32_t level
 }
 
 void Logging::LoggingPrivate::deleteLoggers() {
-    Loggers ended; // out of the map first: a level callback of another thread meets no freed logger
+    Loggers ended; // removed from the map first, so that level callbacks in other threads see no freed logger
     const ReadWriteLockGuard guard(&lock, ReadWriteLockGuard::write);
     ended.swap(loggers);
 }

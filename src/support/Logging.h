@@ -13,11 +13,11 @@ namespace vexo::tools::logging {
 /**
  * Binds the dispatcher, creates loggers and forwards their lines. Without a dispatcher logging is off.
  *
- * The map of loggers has a lock of its own, which is not held while the dispatcher is called.
+ * The map of loggers has its own lock, which is not held while the dispatcher is called.
  */
 class Logging final : public GuardedSingleton<Logging> {
 public:
-    /** Ends the binding and with it every logger. */
+    /** Releases the dispatcher and destroys all loggers. */
     ~Logging() override;
     /** Looks for the dispatcher in the SDK directory and binds it. */
     void init() override;

@@ -1,4 +1,4 @@
-/** Lookup tables made by the compiler. */
+/** Lookup tables computed at compile time. */
 #ifndef SUPPORT_PERFECTINDEX_H
 #define SUPPORT_PERFECTINDEX_H
 
@@ -35,7 +35,7 @@ constexpr std::uint32_t hashOf(std::string_view name) {
     } else {
         for (std::size_t i = 0; i + step < name.size(); i += step)
             mix(eightBytesAt(name.data() + i));
-        mix(eightBytesAt(name.data() + name.size() - step)); // may take some bytes again
+        mix(eightBytesAt(name.data() + name.size() - step)); // may overlap bytes already taken
     }
     return static_cast<std::uint32_t>(hash >> 32);
 }
@@ -44,8 +44,8 @@ constexpr std::uint32_t hashOf(std::string_view name) {
  * Finds the position of a key among `count` keys that are known at compile time: one multiplication, one
  * load.
  *
- * The compiler tries multipliers until each key has a slot of its own. A key that is none of them leads to
- * some position too, so the caller compares.
+ * The compiler tries multipliers until each key has its own slot. Any other key also leads to
+ * some position, so the caller must compare.
  */
 template <std::size_t count> class PerfectIndex {
 public:

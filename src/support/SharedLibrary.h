@@ -4,7 +4,7 @@
 
 #include <string>
 
-/** Opens a library and closes it at its end. Takes no lock. */
+/** Opens a library and closes it in the destructor. Takes no lock. */
 class SharedLibrary {
 public:
     using CloseCallback = void (*)(SharedLibrary*);
@@ -24,7 +24,7 @@ public:
     /** Why the library could not be opened; empty once it is. */
     const std::string& lastError() const { return m_lastError; }
     void setCloseCallback(CloseCallback callback) { m_closeCallback = callback; }
-    /** Gives up the ownership: the library stays open to the end of the process. */
+    /** Releases ownership: the library stays open until the process ends. */
     void leaveOpen() { m_handle = nullptr; }
 
 private:

@@ -6,7 +6,7 @@
 #include <concepts>
 #include <limits>
 
-/** `number` without its fraction; the lowest value of the type for NaN and for what is out of its range. */
+/** `number` without its fraction; the lowest value of the type for NaN and for values out of its range. */
 template <std::integral Integer> constexpr Integer truncated(double number) {
     // Both bounds are powers of two or zero, so they are exact.
     constexpr double lowest = static_cast<double>(std::numeric_limits<Integer>::lowest());
@@ -16,7 +16,7 @@ template <std::integral Integer> constexpr Integer truncated(double number) {
     return static_cast<Integer>(number);
 }
 
-/** `dividend / divisor` as the processor has it for a divisor of 0 too: infinite, or NaN for 0 / 0. */
+/** `dividend / divisor` as in IEEE 754, also for a divisor of 0: infinite, or NaN for 0 / 0. */
 inline double quotient(double dividend, double divisor) {
     if (divisor != 0) return dividend / divisor;
     if (dividend == 0 || dividend != dividend) return std::numeric_limits<double>::quiet_NaN();

@@ -1,6 +1,6 @@
 /**
- * Copies between a flat array and a caller's record of some of its elements, counted in the width that the record
- * says. A null record does nothing. No bounds are known here: the caller answers for index and count.
+ * Copies between a flat array and a caller's record of some of its elements, counted in the width that the
+ * record gives. A null record does nothing. Bounds are not checked here: the caller checks index and count.
  */
 #ifndef SUPPORT_FIELD_COPY_H
 #define SUPPORT_FIELD_COPY_H
@@ -12,7 +12,7 @@
 
 namespace field_copy {
 
-/** Width in bytes of the elements of a run; 0 for a tag that is no number. */
+/** Width in bytes of the elements of a run; 0 if the tag is not that of a number. */
 constexpr std::size_t elementWidth(FgParamTypes type) {
     switch (type) {
     case FG_PARAM_INT32:

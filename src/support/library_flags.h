@@ -14,7 +14,7 @@
 
 /** The opened library finds its own symbols first, not those of the same name in the process. */
 #ifdef RUNTIME_BIND_SANITIZED
-constexpr int deepBind = 0; // these sanitizers refuse to go on with it
+constexpr int deepBind = 0; // these sanitizers do not support it
 #undef RUNTIME_BIND_SANITIZED
 #else
 constexpr int deepBind = RTLD_DEEPBIND;

@@ -4,8 +4,8 @@
 
 #include <cxxabi.h>
 
-/** Calls `action` and drops whatever it throws. A cancelled thread goes on unwinding: what it throws has no object, so
- *  that the reference is null. */
+/** Calls `action` and drops any exception. A cancelled thread continues to unwind: its exception has no
+ *  object, so the reference is null. */
 template <typename Action> __attribute__((no_sanitize("null"))) void quietly(Action action) {
     try {
         action();

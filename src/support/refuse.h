@@ -2,7 +2,7 @@
 #ifndef SUPPORT_REFUSE_H
 #define SUPPORT_REFUSE_H
 
-/** Throws the result code. Always inlined, like the checks that call it: a throw costs by the frames that it passes. */
+/** Throws the result code. Always inlined, like the checks that call it: each frame makes a throw slower. */
 [[noreturn, gnu::always_inline]] inline void refuse(int code) { throw code; }
 
 #endif

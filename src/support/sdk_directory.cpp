@@ -26,7 +26,7 @@ bool isSdkFolder(std::string_view name) {
     });
 }
 
-/** The path in front of the run of '/' that ends at `slash`; the root stays. */
+/** The path before the run of '/' that ends at `slash`; the root is kept. */
 std::string_view before(std::string_view path, std::size_t slash) {
     const std::size_t last = path.find_last_not_of('/', slash);
     return path.substr(0, last != std::string_view::npos ? last + 1 : 1);
@@ -43,7 +43,7 @@ struct LoadDirectory {
 };
 const LoadDirectory loadDirectory;
 
-/** Copies a path, a relative one as it was meant when this library was loaded. False if there is no room. */
+/** Copies a path; a relative one is resolved against the LoadDirectory. False if there is no room. */
 bool copyAbsolute(char* buffer, std::size_t size, const char* path) {
     const bool isWhole = path[0] == '/' || path[0] == '\0' || loadDirectory.path[0] == '\0';
     const int length = isWhole ? std::snprintf(buffer, size, "%s", path)

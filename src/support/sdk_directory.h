@@ -1,4 +1,4 @@
-/** Where the SDK that this library belongs to is installed. */
+/** Location of the SDK that this library belongs to. */
 #ifndef SUPPORT_SDK_DIRECTORY_H
 #define SUPPORT_SDK_DIRECTORY_H
 
@@ -10,11 +10,11 @@
 
 /**
  * The SDK directory: the parent of the first of bin, dll, "Hardware Applets", lib or lib64 above this
- * library's file, else what NORVANE_FG_SDK_DIR says. Once found it stays. A relative path is taken from the working
- * directory of the time when this library was loaded, wherever the process goes afterwards.
+ * library's file, otherwise the value of NORVANE_FG_SDK_DIR. Once found it does not change. A relative path
+ * is resolved against the working directory at the time when this library was loaded.
  *
- * Returns a text of the library's own, or null if there is none; a later call then tries again. Takes a spin
- * lock of its own; may be called from any thread.
+ * Returns a text owned by the library, or null if there is none; a later call then tries again. Takes its own
+ * spin lock; may be called from any thread.
  */
 const char* sdkDirectory();
 
@@ -24,10 +24,10 @@ const char* sdkDirectory();
  */
 std::unique_ptr<SharedLibrary> openSdkLibrary(const char* name, const char* directory);
 
-/** The start of a file's path that is the SDK directory above it; empty if there is none. */
+/** The prefix of a file's path that is its SDK directory; empty if there is none. */
 std::string_view sdkDirectoryAbove(std::string_view path);
 
-/** Copies as much of `value`, made absolute, as fits and cuts the '/' at its end; a single '/' stays. */
+/** Makes `value` absolute, copies as much as fits and removes the '/' at its end; a single '/' stays. */
 void copyDirectory(char* buffer, std::size_t size, const char* value);
 
 #endif

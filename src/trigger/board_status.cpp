@@ -1,4 +1,4 @@
-// Status of the board and of the camera: what is not simply a word of the design.
+// Status of the board and of the camera, as far as it needs more than reading one parameter of the design.
 
 #include "entry/sdk_parameters.h"
 #include "entry/setter_tools.h"
@@ -30,6 +30,6 @@ std::uint32_t FgLoomWrapperImpl::readCamStatusExtended() {
 
 void FgLoomWrapperImpl::readAlternativeBoardDetection(Place<std::uint32_t> out) {
     const auto switchedOff = loomGet_Process0_BoardStatus_AlternativeBoardDetection<std::uint32_t>();
-    out.store(switchedOff == 0 ? FG_ON : FG_OFF); // what is refused leaves a 0 there
+    out.store(switchedOff == 0 ? FG_ON : FG_OFF); // a refused value leaves a 0 there
     if (switchedOff > 1) refuse(FG_ERR_UNRESOLVED);
 }

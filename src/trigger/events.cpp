@@ -1,4 +1,4 @@
-// The tables that lead from event names to masks and back, built once from the design's list.
+// The tables that map event names to masks and back, built once from the design's list.
 
 #include "entry/PublishedParameters.h"
 #include "trigger/internal_events.h"
@@ -27,7 +27,7 @@ bool isNamed(const TslEvent* event, const char* name) {
     return event->name != nullptr && std::strcmp(event->name, name) == 0;
 }
 
-/** Mask of the event at this place of the design's list; past the 64th it is 0. */
+/** Mask of the event at this position of the design's list; past the 64th it is 0. */
 std::uint64_t maskAt(std::ptrdiff_t place) { return place < 64 ? std::uint64_t{1} << place : 0; }
 
 } // namespace
@@ -46,7 +46,7 @@ void PublishedParameters::publishEvents() {
                 row.designName, "'");
             continue;
         }
-        // Replaces the design's name: both lead to the mask, the mask to this one.
+        // Replaces the design's name: both names map to the mask, the mask maps to this one.
         const std::uint64_t mask = maskAt(event - events.begin());
         publishEvent(row.name, mask);
         noteInternalEvent(mask, row);

@@ -1,4 +1,4 @@
-// Image trigger and flash: where a frame starts and how long it is, the software trigger, the flash output.
+// Image trigger and flash: start and length of a frame, the software trigger, the flash output.
 
 #include "catalogue/live_records.h"
 #include "entry/sdk_parameters.h"
@@ -28,7 +28,7 @@ const ImageTriggerMode& imageTriggerMode(std::uint32_t mode) {
     return *row;
 }
 
-// What the design takes a trigger from; 0 and 1 are the line trigger's sources A and B.
+// The design's number of a trigger source; 0 and 1 are the line trigger's sources A and B.
 constexpr std::uint32_t fromInput = 2;
 constexpr std::uint32_t fromSoftware = 4;
 
@@ -101,7 +101,7 @@ void FgLoomWrapperImpl::set_FG_IMGTRIGGERDEBOUNCING(double value) {
 void FgLoomWrapperImpl::set_FG_FLASH_POLARITY(std::uint32_t value) {
     requireEntry(enumPolarity, value);
     Replacement stored(m_flashPolarity, value);
-    loomSet_Process0_Trigger_Trigger_FlashPolarity(value == FG_LOW ? 1u : 0u); // the design's is inverted
+    loomSet_Process0_Trigger_Trigger_FlashPolarity(value == FG_LOW ? 1u : 0u); // inverted in the design
     stored.keep();
 }
 

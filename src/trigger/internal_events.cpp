@@ -42,7 +42,7 @@ constexpr InternalEventMetaInfo rows[] = {
 };
 // clang-format on
 
-/** One place for each mask that a list of events can give: the 64 bits, and 0 for a 65th event. */
+/** One entry for each mask that a list of events can give: the 64 bits, and 0 for a 65th event. */
 constexpr std::size_t maskCount = 65;
 
 // Constant-initialised and trivial: nothing runs at load or at exit.

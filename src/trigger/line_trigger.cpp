@@ -1,6 +1,6 @@
-// Line trigger and ExSync: how the pulse to the camera is made, and when.
+// Line trigger and ExSync: source and timing of the pulse to the camera.
 //
-// Times are microseconds, handed to the design unrounded; the design makes ticks of 8 ns of them.
+// Times are microseconds, passed to the design unrounded; the design converts them to ticks of 8 ns.
 
 #include "catalogue/live_records.h"
 #include "entry/sdk_parameters.h"
@@ -39,7 +39,7 @@ const LineTriggerMode& lineTriggerMode(std::uint32_t mode) {
     return *row;
 }
 
-/** Prescaler period of the inputs' debouncing: 3 ticks each. With the half before rounding up it is never too short. */
+/** Prescaler period of the inputs' debouncing, 3 ticks each. Adds a half, then rounds up: never too short. */
 std::uint32_t debouncePrescaler(double microseconds) {
     return truncated<std::uint32_t>(std::ceil(0.5 + (125.0 * microseconds) / 3.0));
 }

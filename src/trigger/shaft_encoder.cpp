@@ -12,7 +12,7 @@ void FgLoomWrapperImpl::set_FG_SHAFTENCODERON(std::uint32_t value) {
     requireEntry(enumOnOff, value);
     Replacement stored(m_shaftEncoderOn, value);
     const bool on = value == FG_ON;
-    // The design's mode is one for both, with 0 for off.
+    // The design has one mode for both, with 0 for off.
     loomSet_Process0_Trigger_Trigger_EncoderABMode(on ? m_shaftEncoderMode : 0u);
     stored.keep();
     // The line trigger's mode has decided whether the encoder itself can be written.
@@ -53,6 +53,6 @@ void FgLoomWrapperImpl::set_FG_SHAFTENCODER_COMPENSATION_ENABLE(std::uint32_t va
 
 void FgLoomWrapperImpl::set_FG_SHAFTENCODER_COMPENSATION_COUNT(std::uint32_t value) {
     requireRange(value, limitsOf<UInt>(FG_SHAFTENCODER_COMPENSATION_COUNT));
-    // The design counts on from here, and a get asks it: nothing is stored.
+    // The design counts on from here, and a get reads the design: nothing is stored.
     loomSet_Process0_Trigger_Trigger_EncoderCompensationCount(value);
 }

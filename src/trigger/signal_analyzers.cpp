@@ -1,5 +1,5 @@
-// Signal analyzers: periods and pulses of two routed signals. Most results are read straight from the design, by the
-// rows of the parameters.
+// Signal analyzers: periods and pulses of two routed signals. Most results are read directly from the design,
+// by the rows of the parameters.
 
 #include "entry/sdk_parameters.h"
 #include "entry/setter_tools.h"
@@ -7,7 +7,7 @@
 using namespace catalogue;
 
 std::int64_t FgLoomWrapperImpl::readPulseCountDifference() {
-    // The design counts in 33 bits with a sign.
+    // The design's counter is signed and has 33 bits.
     constexpr std::uint64_t sign = std::uint64_t{1} << 32;
     const auto counted =
         static_cast<std::uint64_t>(loomGet_Process1_Trigger_Analyzer_Difference_Status<std::int64_t>());

@@ -1,5 +1,5 @@
-// Signal routing: which internal signal each output, analyzer and event listens to, and whether inverted.
-// Each is one pair of parameters, a source and a polarity, and one pair of the design's.
+// Signal routing: which internal signal each output, analyzer and event uses, and whether it is inverted.
+// Each has a pair of parameters, a source and a polarity, and a pair of design parameters.
 
 #include "entry/sdk_parameters.h"
 #include "entry/setter_tools.h"
@@ -15,7 +15,7 @@ struct DesignSignal {
     std::uint32_t invert;
 };
 
-/** The number that the design has for a source. */
+/** The design's number of a source. */
 struct SignalSource {
     std::uint32_t source;
     DesignSignal signal; // while active high
@@ -61,7 +61,7 @@ DesignSignal resolveSignalSource(std::uint32_t source, std::uint32_t polarity) {
 
 } // namespace
 
-/** A pair of parameters: what it accepts, where it is kept, how it is written. */
+/** A pair of parameters: the accepted values, the variables, the writers. */
 struct FgLoomWrapperImpl::SignalRoute {
     EnumTable sources;
     std::uint32_t FgLoomWrapperImpl::*source;
@@ -98,7 +98,7 @@ void FgLoomWrapperImpl::applyRoute(const SignalRoute& route, std::uint32_t sourc
     const DesignSignal signal = resolveSignalSource(source, polarity);
     (this->*route.writeSelect)(signal.select);
     (this->*route.writeInvert)(signal.invert);
-    // Only now: after a failure the pair is as the design last accepted it.
+    // Stored only now: after a failure the pair is as the design last accepted it.
     this->*route.source = source;
     this->*route.polarity = polarity;
 }

@@ -12,7 +12,7 @@
 
 namespace station {
 
-/** What comes out for a component of 16 bits inside the design, before the shift. */
+/** The result for a component of 16 bits inside the design, before the shift. */
 std::uint16_t balanced(std::uint32_t inside, std::uint32_t gain, bool isTableEnabled,
                        std::span<const std::uint16_t> table);
 
@@ -21,7 +21,7 @@ public:
     /** Null tables are all 0. */
     Components(const ColourSettings& settings, const Tables* tables);
 
-    /** What the value of a component becomes in the given colour: 0 red, 1 green, 2 blue. */
+    /** The output for each value of a component in the given colour: 0 red, 1 green, 2 blue. */
     const std::uint16_t* tableOf(std::size_t colour) const { return m_tables[colour].data(); }
     /** Largest value of the link. */
     std::uint32_t mask() const { return m_mask; }

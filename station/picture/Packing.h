@@ -7,7 +7,7 @@
 
 namespace station {
 
-/** Bytes of so many components; what is left of the last byte is 0. */
+/** Number of bytes of packed components; the rest of the last byte is 0. */
 constexpr std::uint64_t packedSize(std::uint64_t components, std::uint32_t bits) {
     return (components * bits + 7) / 8;
 }
@@ -27,7 +27,7 @@ public:
         m_rest >>= 32;
         m_count -= 32;
     }
-    /** Writes what is left. */
+    /** Writes the remaining bits. */
     void finish() {
         for (std::uint32_t written = 0; written < m_count; written += 8)
             *m_out++ = static_cast<std::uint8_t>(m_rest >> written);
@@ -38,7 +38,7 @@ private:
     std::uint8_t* m_out;
     std::uint32_t m_bits;
     std::uint64_t m_rest = 0;
-    std::uint32_t m_count = 0; // bits in it
+    std::uint32_t m_count = 0; // number of valid bits
 };
 
 /** Components of 8 bits. */
@@ -67,7 +67,7 @@ private:
     std::uint8_t* m_out;
 };
 
-/** Calls `draw` with what packs components of so many bits to `out`. */
+/** Calls `draw` with an object that packs components of `bits` bits to `out`. */
 template <typename Draw> void packInto(std::uint8_t* out, std::uint32_t bits, Draw draw) {
     if (bits == 8)
         draw(ByteOut(out));

@@ -1,4 +1,4 @@
-/** What a picture is made with: parameters and tables as they were at its first line. */
+/** The settings that a picture is rendered with: parameters and tables as they were at its first line. */
 #ifndef STATION_PICTURE_PICTURE_SETTINGS_H
 #define STATION_PICTURE_PICTURE_SETTINGS_H
 
@@ -18,10 +18,10 @@ struct Pattern {
     bool operator==(const Pattern&) const = default;
 };
 
-/** What becomes of the components, in the order red, green, blue. */
+/** Processing of the components, in the order red, green, blue. */
 struct ColourSettings {
     static constexpr std::uint8_t nothing = 3;
-    std::array<std::uint8_t, 3> source{0, 1, 2}; // component of the link; nothing: a colour that is always 0
+    std::array<std::uint8_t, 3> source{0, 1, 2}; // component of the link; none: a colour that is always 0
     std::uint32_t linkBits = 8;                  // 8 to 16
     std::array<std::uint32_t, 3> gain{1024, 1024, 1024}; // in 1/1024, up to 4095
     bool isTableEnabled = false;
@@ -32,7 +32,7 @@ struct ColourSettings {
 
 struct PictureSettings {
     std::uint32_t sensorWidth = 0; // stored pixels of a line, at most 16384
-    std::uint32_t xOffset = 0;     // from the corner that is the starting point
+    std::uint32_t xOffset = 0;     // from the corner given by the vantage point
     std::uint32_t xLength = 0;     // at most 16384
     bool isMirroredX = false;
     bool isMirroredY = false;
@@ -46,13 +46,13 @@ struct Tables {
     std::array<std::array<std::uint16_t, 16384>, 3> entries{};
 };
 
-/** Pixels of three components of 16 bits: red, green, blue, or at the camera as they come on the link, from the top. */
+/** Pixels of three 16-bit components, from the top: red, green, blue, or at the camera in the link order. */
 struct Raster {
     static constexpr std::uint32_t widest = 16384;
     static constexpr std::uint32_t highest = 65536;
     static constexpr std::size_t mostPixels = std::size_t{1} << 24;
 
-    /** Where in the path of the image it comes in. */
+    /** The point of the image path where it is inserted. */
     enum class Point : std::uint8_t { camera, buffer, output };
     Point point = Point::camera;
     std::uint32_t width = 0;

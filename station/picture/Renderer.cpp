@@ -12,16 +12,16 @@ namespace {
 /** The order of the colours in memory: blue, green, red. */
 constexpr std::size_t memoryOrder[] = {2, 1, 0};
 
-/** Pixels of the output that come from places of a line, and those before them that do not. */
+/** Pixels of the output that come from positions of a line, and those before them that do not. */
 struct Span {
     std::uint32_t before = 0;
     std::uint32_t count = 0;
-    std::uint32_t first = 0; // place of the first
+    std::uint32_t first = 0; // position of the first
     std::uint32_t step = 1;  // to the next; it may wrap
 };
 
 Span spanWithin(const PictureSettings& settings, std::uint32_t width) {
-    const std::uint32_t end = std::min(width, settings.sensorWidth); // places below are there
+    const std::uint32_t end = std::min(width, settings.sensorWidth); // positions below exist
     const std::uint32_t length = settings.xLength;
     if (settings.xOffset >= settings.sensorWidth) return {.before = length};
     if (!settings.isMirroredX) {
@@ -50,13 +50,13 @@ void Renderer::prepare(const Record& record) {
     m_lookup = record.tables;
 }
 
-/** Draws a line from a function that gives a component on the link at a place of the line; beyond `width` all are 0. */
+/** Draws a line from a function that returns a component on the link at a position; 0 beyond `width`. */
 template <typename ComponentAt>
 void Renderer::drawPixels(std::uint32_t width, ComponentAt componentAt, std::uint8_t* out) const {
     const ColourSettings& colours = m_settings->colours;
     std::array<const std::uint16_t*, 3> tables{};
     std::array<std::uint32_t, 3> source{};
-    std::array<std::uint32_t, 3> mask{}; // 0: a colour that nothing on the link is
+    std::array<std::uint32_t, 3> mask{}; // 0: a colour that no component of the link has
     for (std::size_t i = 0; i < 3; ++i) {
         const std::size_t colour = memoryOrder[i];
         tables[i] = m_components->tableOf(colour);
@@ -67,7 +67,7 @@ void Renderer::drawPixels(std::uint32_t width, ComponentAt componentAt, std::uin
     const Span inside = spanWithin(*m_settings, width);
     const std::uint32_t length = m_settings->xLength;
     packInto(out, colours.outBits, [=](auto packed) {
-        // Bytes that are written may be anything for the compiler, but not these.
+        // The bytes written may alias anything for the compiler, but not these.
         const std::uint16_t* const blue = tables[0];
         const std::uint16_t* const green = tables[1];
         const std::uint16_t* const red = tables[2];
@@ -81,7 +81,7 @@ void Renderer::drawPixels(std::uint32_t width, ComponentAt componentAt, std::uin
             }
         };
         putNothing(inside.before);
-        auto row = packed; // stays in registers, as nothing refers to it
+        auto row = packed; // stays in registers, as its address is not taken
         std::uint32_t place = inside.first;
         for (std::uint32_t i = 0; i < inside.count; ++i, place += inside.step) {
             row.put(blue[componentAt(place, blueSource) & blueMask]);
@@ -158,7 +158,7 @@ bool Renderer::render(const Record& record, std::span<std::uint8_t> out) {
                 drawLink(exposure.width, m_link.data(), rowAt(number));
             } else if (record.raster == nullptr)
                 drawLine(line, rowAt(number));
-            else // an image that comes in behind the buffer is not turned over
+            else // an image inserted after the buffer is not turned over
                 drawRaster(*record.raster, line.y,
                            record.raster->point == Raster::Point::camera ? rowAt(number)
                                                                          : out.data() + stride * number);

@@ -1,4 +1,4 @@
-/** Makes the bytes of a picture from its record, and from nothing else. */
+/** Renders the bytes of a picture from its record alone. */
 #ifndef STATION_PICTURE_RENDERER_H
 #define STATION_PICTURE_RENDERER_H
 
@@ -13,10 +13,10 @@
 
 namespace station {
 
-/** One thread at a time; each thread may have its own. It keeps the tables of the last picture for the next one. */
+/** For one thread at a time; each may have its own. Keeps the tables of the last picture for the next one. */
 class Renderer {
 public:
-    /** Writes record.bytes() bytes. False, and nothing is written, if there is no room for them or the record has no
+    /** Writes record.bytes() bytes. False, and nothing is written, if `out` is too small or the record has no
      *  settings. */
     bool render(const Record& record, std::span<std::uint8_t> out);
 
@@ -28,7 +28,7 @@ private:
     template <typename PixelAt>
     void drawPixels(std::uint32_t width, PixelAt pixelAt, std::uint8_t* out) const;
 
-    std::shared_ptr<const PictureSettings> m_settings; // that the tables were made for
+    std::shared_ptr<const PictureSettings> m_settings; // that the tables were computed for
     std::shared_ptr<const Tables> m_lookup;
     std::unique_ptr<Components> m_components;
     std::vector<std::uint16_t> m_link; // a line of a camera

@@ -6,7 +6,7 @@
 namespace station {
 namespace {
 
-constexpr std::uint64_t pixelsPerTick = 32; // of an image that goes nowhere
+constexpr std::uint64_t pixelsPerTick = 32; // of an image that is not transferred
 
 } // namespace
 
@@ -90,7 +90,7 @@ bool Buffer::insert(std::shared_ptr<Record> record, Tick tick) {
     return true;
 }
 
-/** Sends the first image on its way, if it may go. */
+/** Starts the transfer of the first image, if possible. */
 bool Buffer::begin(Image& image) {
     const Layout& layout = image.record->layout;
     if (image.stored == 0 || (layout.isTurnedOver && !image.isComplete)) return false;
@@ -126,7 +126,7 @@ Tick Buffer::end(const Image& image) const {
     return ticks < Wide{never} ? later(m_free, static_cast<Tick>(ticks)) : never;
 }
 
-/** Lets the lines of the first image leave that have left until now. */
+/** Removes the lines of the first image that have left by now. */
 void Buffer::drain(Tick tick) {
     if (m_images.empty()) return;
     Image& image = m_images.front();
@@ -159,7 +159,7 @@ void Buffer::run(Tick tick) {
             image.record->lostBefore = std::exchange(m_lostOnTheWay, 0) + image.lostBefore;
             image.record->arrival = tick;
             image.record->picture = static_cast<std::int64_t>(++m_delivered);
-            m_destination->deliver(std::move(image.record)); // takes it also if memory is lacking
+            m_destination->deliver(std::move(image.record)); // accepted even if memory runs out
             if (m_delivered == m_wanted) {
                 stop();
                 return;

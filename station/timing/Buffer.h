@@ -1,4 +1,4 @@
-/** The DRAM buffer and the DMA behind it: when images leave, and which are lost. */
+/** The DRAM buffer and the DMA that empties it: when images leave, and which are lost. */
 #ifndef STATION_TIMING_BUFFER_H
 #define STATION_TIMING_BUFFER_H
 
@@ -12,7 +12,7 @@
 
 namespace station {
 
-/** Where pictures go. */
+/** The receiver of pictures. */
 class Destination {
 public:
     /** Whether there is a free place for a picture. */
@@ -25,7 +25,7 @@ protected:
 
 class Buffer {
 public:
-    /** The buffer keeps no more images than this, however small they are. */
+    /** Maximum number of images in the buffer, however small they are. */
     static constexpr std::size_t mostImages = 16384;
 
     struct Settings {
@@ -35,25 +35,25 @@ public:
 
     void configure(const Settings& settings) { m_settings = settings; }
 
-    /** The acquisition starts: nothing is stored, and images of the selector count from 0. It ends after so many
+    /** Starts the acquisition with an empty buffer; the selector counts images from 0. Ends after `pictures`
      *  pictures; 0: never. */
     void start(Destination* destination, std::uint64_t pictures);
     /** Ends the acquisition and frees everything. */
     void stop();
-    /** An image begins. */
+    /** Begins an image. */
     void open(std::shared_ptr<Record> record);
-    /** A line of it has arrived. False if it does not fit: the image is lost, and what was stored of it is freed. */
+    /** A line of it has arrived. False if it does not fit: the image is lost and its lines are freed. */
     bool store(Tick tick);
-    /** Frees what was stored of the image. */
+    /** Frees the stored lines of the image. */
     void drop();
     /** The image has all its lines. */
     void close(Tick tick);
-    /** Whether an image can be put in: none is growing, and there is a place for it. */
+    /** Whether an image can be inserted: none is being stored, and there is an entry for it. */
     bool canInsert() const { return m_destination != nullptr && !m_isOpen && m_images.size() < mostImages; }
-    /** Puts in a complete image that takes no room. False if it cannot be. */
+    /** Inserts a complete image that uses no room. False if that is not possible. */
     bool insert(std::shared_ptr<Record> record, Tick tick);
 
-    /** When the next image has left as a whole. */
+    /** When the next image has left completely. */
     Tick next() const { return m_next; }
     void run(Tick tick);
     /** A place for a picture became free. */
@@ -63,7 +63,7 @@ public:
     /** In percent, rounded down. */
     std::uint32_t fillLevel(Tick tick);
     std::uint64_t lostImages() const { return m_lostImages; }
-    /** How often the next image could have left, and had to wait as no place was free for it. */
+    /** How often the next image could have left but had to wait because no place was free. */
     std::uint64_t waits() const { return m_waits; }
     bool isDone() const { return m_destination == nullptr; }
     /** Pictures since the start. */
@@ -76,12 +76,12 @@ private:
         std::uint64_t left = 0;   // of them
         bool isComplete = false;
         Tick available = 0;           // when the first line could leave
-        std::uint64_t lostBefore = 0; // images between the one before and this
-        // Once it is on its way:
+        std::uint64_t lostBefore = 0; // images between the previous one and this one
+        // Once its transfer has begun:
         bool hasBegun = false;
-        bool hasWaited = false;      // for a place
-        bool isPassed = false;       // by the selector, and its format not silenced
-        std::uint64_t numerator = 1; // ticks for a line, over m_denominator
+        bool hasWaited = false;      // for a place in the memory
+        bool isPassed = false;       // by the selector, and its format is not silenced
+        std::uint64_t numerator = 1; // ticks per line, over m_denominator
     };
 
     bool begin(Image& image);
@@ -92,11 +92,11 @@ private:
 
     Settings m_settings;
     Destination* m_destination = nullptr;
-    std::deque<Image> m_images; // the first is on its way out
-    bool m_isOpen = false;      // the last is still growing
+    std::deque<Image> m_images; // the first is being transferred
+    bool m_isOpen = false;      // the last is still being stored
     std::uint64_t m_used = 0;   // words
     std::uint64_t m_left = 0;   // images, for the selector
-    // When the line that left last had left: m_free + m_rest / m_denominator.
+    // When the last line that left had left: m_free + m_rest / m_denominator.
     Tick m_free = 0;
     std::uint64_t m_rest = 0;
     std::uint64_t m_denominator = 1;
@@ -104,7 +104,7 @@ private:
     std::uint64_t m_lostImages = 0;
     std::uint64_t m_waits = 0;
     std::uint64_t m_lostBefore = 0;   // since the last image
-    std::uint64_t m_lostOnTheWay = 0; // before images that went nowhere
+    std::uint64_t m_lostOnTheWay = 0; // before images that were not transferred
     std::uint64_t m_delivered = 0;
     std::uint64_t m_wanted = 0;
 };

@@ -3,7 +3,7 @@
 namespace station {
 namespace {
 
-/** The place of two levels in the order 00, 10, 11, 01. */
+/** The index of two levels in the order 00, 10, 11, 01. */
 int quarter(bool a, bool b) { return b ? (a ? 2 : 3) : (a ? 1 : 0); }
 
 } // namespace
@@ -24,7 +24,7 @@ bool Encoder::step(bool a, bool b) {
     const bool isUp = quarter(a, b) == (quarter(oldA, oldB) + 1) % 4;
     const bool isForward = isUp != m_settings.isBLeading;
     m_position += isForward ? 1 : -1;
-    // A step backwards crosses the edge that rises when it is gone forwards.
+    // A backward step crosses the edge that rises in the forward direction.
     const bool rises = isForward ? (changesA ? a : b) : (changesA ? oldA : oldB);
     const bool isPulse = m_settings.resolution == 3 || (rises && (changesA || m_settings.resolution == 2));
     if (!isPulse) return false;

@@ -1,4 +1,4 @@
-/** From the line trigger's two inputs to the pulses that ask for a line. */
+/** From the two inputs of the line trigger to its line requests. */
 #ifndef STATION_TIMING_ENCODER_H
 #define STATION_TIMING_ENCODER_H
 
@@ -21,18 +21,18 @@ public:
         m_settings = settings;
         if (!settings.isCompensating) m_count = 0;
     }
-    /** The levels before time first moves. */
+    /** The levels before time first advances. */
     void preset(bool a, bool b) {
         m_a = a;
         m_b = b;
     }
-    /** The levels of both inputs after a change. True if there is a pulse. */
+    /** Call with the levels of both inputs after a change. True if there is a pulse. */
     bool step(bool a, bool b);
 
-    /** Steps backwards that were not made up for. */
+    /** Backward steps not compensated yet. */
     std::uint32_t count() const { return m_count; }
     void setCount(std::uint32_t count) { m_count = m_settings.isCompensating ? count & largestCount : 0; }
-    /** Quarter steps forward less those backwards. */
+    /** Quarter steps forward minus quarter steps backwards. */
     std::int64_t position() const { return m_position; }
 
 private:
@@ -43,24 +43,24 @@ private:
     std::int64_t m_position = 0;
 };
 
-/** Lets every n-th pulse through. */
+/** Passes every n-th pulse. */
 class Downscaler {
 public:
     void configure(std::uint32_t factor, std::uint32_t phase) {
         m_factor = factor;
         m_phase = phase;
     }
-    /** The gate opens: the next pulse that passes is the phase's. */
+    /** The gate opens: the phase selects the next pulse that passes. */
     void open() {
         m_seen = 0;
         m_isFirst = true;
     }
-    /** Counting starts anew without a gate. */
+    /** Restarts counting without a gate. */
     void restart() {
         m_seen = 0;
         m_isFirst = false;
     }
-    /** A pulse; true if it passes. */
+    /** Call for each pulse; true if it passes. */
     bool pulse() {
         if (++m_seen < (m_isFirst ? m_phase : m_factor)) return false;
         restart();

@@ -31,7 +31,7 @@ void Engine::configure(const EngineSettings& settings) {
     m_wake = m_from;
 }
 
-/** Time first moves: what is set counts as having been so for ever. */
+/** Called when time first advances: the current settings count as if they had always been so. */
 void Engine::begin() {
     m_inputs.preset();
     m_signals.preset(exsync, m_settings.exsync.isInverted);
@@ -63,7 +63,7 @@ void Engine::run(Tick target, std::uint64_t pictures, std::uint64_t events) {
             m_from = m_now + 1;
             return;
         }
-        m_now = tick; // first: a tick that an exception ends is over
+        m_now = tick; // first, so that a tick in which an exception is thrown is over
         m_from = tick + 1;
         runTick(tick);
         if (m_buffer.delivered() >= pictures) return;
@@ -83,13 +83,13 @@ void Engine::runTick(Tick tick) {
     showFlash(tick);
     if (m_camera.nextLinkChange() <= tick && m_camera.changeLink(tick)) m_events.add(Event::linkLost, tick);
     while (runSource(tick)) {
-    } // a line that starts may be a camera trigger itself
+    } // a line that starts may itself be a camera trigger
     if (m_buffer.next() > tick) return;
     m_buffer.run(tick);
     if (m_buffer.isDone()) endAcquisition(tick);
 }
 
-/** Gives the source its triggers, and takes the line that it starts. True if there are triggers again. */
+/** Passes its triggers to the source, and takes the line that starts. True if there are new triggers. */
 bool Engine::runSource(Tick tick) {
     if (std::exchange(m_hasTriggerFallen, false)) m_camera.release(tick);
     for (; m_cameraEdges > 0; --m_cameraEdges) {
@@ -147,7 +147,7 @@ void Engine::setFrame(bool isValid, Tick tick) {
     m_events.add(isValid ? Event::frameStart : Event::frameEnd, tick);
 }
 
-/** FVAL of a camera, which has no frames. */
+/** FVAL of a camera, which has no frames: high during an image. */
 void Engine::setImage(bool isInProgress, Tick tick) {
     if (isInProgress ? !m_line.isOfCamera : !m_isFrameOfImage) return;
     m_isFrameOfImage = isInProgress;

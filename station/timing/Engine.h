@@ -1,9 +1,9 @@
 /**
- * The timing engine: takes the edges, lines and images of the station in the order of their ticks.
+ * The timing engine: processes the edges, lines and images of the station in the order of their ticks.
  *
- * Its cost grows with the number of events, never with the time between them. Within a tick it takes in turn: ends of
- * pulses of one tick, the end of a line, the inputs, image trigger, line trigger, ExSync, the link of the camera, camera
- * trigger, the start of a line, the DMA. So an image that starts in the tick of a line takes this line, and one that ends does not.
+ * Its cost grows with the number of events, not with time. The order within a tick: ends of one-tick pulses,
+ * the end of a line, the inputs, image trigger, line trigger, ExSync, the link of the camera, camera trigger,
+ * the start of a line, the DMA. So an image starting in the tick of a line takes it; one that ends does not.
  */
 #ifndef STATION_TIMING_ENGINE_H
 #define STATION_TIMING_ENGINE_H
@@ -34,7 +34,7 @@ struct Wire {
     bool isInverted = false;
 };
 
-/** All that the engine is set to. */
+/** All settings of the engine. */
 struct EngineSettings {
     Simulator::Settings simulator;
     bool isPulseWidth = false; // the camera exposes while its trigger is high
@@ -64,14 +64,14 @@ public:
     Engine(const Engine&) = delete;
     Engine& operator=(const Engine&) = delete;
 
-    /** What is set now. It acts from the next tick on. */
+    /** Sets the current settings. They take effect from the next tick on. */
     void configure(const EngineSettings& settings);
-    /** Lets time move to `target`, or to the tick in which the acquisition has delivered so many pictures, or until
-     *  `events` ticks with something in them have passed, whatever comes first. */
+    /** Advances time to `target`, to the tick in which the acquisition has delivered `pictures` pictures, or
+     *  by `events` ticks with an event, whichever comes first. */
     void run(Tick target, std::uint64_t pictures, std::uint64_t events);
-    /** All until this tick has happened. */
+    /** Everything up to this tick has happened. */
     Tick now() const { return m_now; }
-    /** The first tick that has not: writes act there. */
+    /** The first tick that has not happened: writes take effect there. */
     Tick from() const { return m_from; }
     bool hasRun() const { return m_hasRun; }
 
@@ -86,18 +86,18 @@ public:
     void setBelt(std::shared_ptr<const Belt> belt) { m_camera.setBelt(std::move(belt)); }
     void setEncoderCount(std::uint32_t count) { m_encoder.setCount(count); }
 
-    /** Starts an acquisition, which ends after so many pictures; 0: never. One that runs ends. */
+    /** Starts an acquisition, which ends after `pictures` pictures; 0: never. A running one ends. */
     void acquire(Destination* destination, std::uint64_t pictures);
-    /** Ends the acquisition. What was stored of images is dropped. */
+    /** Ends the acquisition. Stored parts of images are dropped. */
     void stop();
     bool isAcquiring() const { return !m_buffer.isDone(); }
-    /** A place for a picture became free. */
+    /** A place for a picture has become free. */
     void resume() { m_buffer.resume(m_from); }
-    /** Images of the source no longer reach the buffer, or do again. */
+    /** Disconnects images of the source from the buffer, or connects them again. */
     void cutSource(bool isCut);
-    /** An image of nothing but pixels. False if it cannot be taken now. */
+    /** Inserts an image that has only pixels. False if that is not possible now. */
     bool insert(std::shared_ptr<Record> record);
-    /** A record with all that holds now, and no line. */
+    /** A record with the current settings, and no line. */
     std::shared_ptr<Record> newRecord() const;
 
     const Signals& signals() const { return m_signals; }
@@ -111,7 +111,7 @@ public:
     const Camera& camera() const { return m_camera; }
     Buffer& buffer() { return m_buffer; }
     std::uint64_t lines() const { return m_lines; }
-    /** Lines of the source whose transfer has ended, and the last of them. */
+    /** Lines of the source that were transferred completely, and the last of them. */
     std::uint64_t linesEnded() const { return m_lines - (m_lineEnd != never ? 1 : 0); }
     const SourceLine& lastLine() const { return m_lineEnd != never ? m_lineBefore : m_line; }
     /** The same of the camera, if it is one of the camera. */
@@ -160,9 +160,9 @@ private:
     Tick m_now = 0;
     Tick m_from = 0;
     Tick m_wake = 0;                 // the tick after a change of the settings
-    std::uint32_t m_cameraEdges = 0; // of the camera trigger that wait for the source
+    std::uint32_t m_cameraEdges = 0; // edges of the camera trigger that the source has not processed yet
     bool m_hasTriggerFallen = false;
-    // The software wire: pulses to come, each a tick high and a tick low.
+    // The software wire: pending pulses, each a tick high and a tick low.
     std::uint32_t m_softwarePulses = 0;
     bool m_isSoftwareHigh = false;
     Tick m_softwareTick = never;

@@ -38,7 +38,7 @@ struct Occurrence {
     Event event;
 };
 
-/** The occurrences in order. The queue keeps the last `capacity`; counts are of all. */
+/** The occurrences in order. The queue keeps the last `capacity`; the counts include all. */
 class Events {
 public:
     static constexpr std::size_t capacity = 65536;
@@ -48,18 +48,18 @@ public:
         ++m_counts[static_cast<std::size_t>(event)];
         m_ring[m_written++ % capacity] = {tick, event};
     }
-    /** The oldest that was not taken yet. */
+    /** Takes the oldest occurrence from the queue. */
     std::optional<Occurrence> take() {
         skipDropped();
         if (m_taken == m_written) return std::nullopt;
         return m_ring[m_taken++ % capacity];
     }
-    /** How many were dropped because they were not taken in time. */
+    /** How many were dropped because the queue was full. */
     std::uint64_t dropped() {
         skipDropped();
         return m_dropped;
     }
-    /** How often an event came since its count was last cleared. */
+    /** How often an event occurred since its count was last cleared. */
     std::uint64_t count(Event event) const { return m_counts[static_cast<std::size_t>(event)]; }
     void clearCount(Event event) { m_counts[static_cast<std::size_t>(event)] = 0; }
 

@@ -13,7 +13,7 @@ void ExSync::configure(const Settings& settings, Tick from) {
     else if (!wasPeriodic || !wasOpen || m_rise == never)
         m_rise = from;
     show(from);
-    if (hasOtherDelay) { // ExSync2 becomes what ExSync was then
+    if (hasOtherDelay) { // ExSync2 takes the level that ExSync had one delay ago
         m_shown = m_pastCount - std::min<std::uint64_t>(m_pastCount, delayedCapacity);
         m_isDelayedPulse = m_shown < m_pastCount && (m_past[m_shown % delayedCapacity] & 1) == 0;
         while (m_shown < m_pastCount && later(m_past[m_shown % delayedCapacity] >> 1, settings.delay) < from)

@@ -1,4 +1,4 @@
-/** The generator of ExSync, and ExSync2 as its delayed copy. */
+/** The generator of ExSync, and of ExSync2, its delayed copy. */
 #ifndef STATION_TIMING_EX_SYNC_H
 #define STATION_TIMING_EX_SYNC_H
 
@@ -27,9 +27,9 @@ public:
 
     explicit ExSync(Signals& signals) : m_signals(signals) {}
 
-    /** Times hold from the next edge on, a mode from the next tick, `from`, on. */
+    /** Times apply from the next edge on, a mode from the next tick, `from`, on. */
     void configure(const Settings& settings, Tick from);
-    /** Opens the gate for a number of pulses; 0 leaves it shut. */
+    /** Opens the gate for a number of pulses; 0 keeps it closed. */
     void openGate(Tick tick, std::uint64_t pulses);
     void closeGate();
     bool isGateOpen() const { return m_settings.isGateOpen || m_gate > 0; }
@@ -41,12 +41,12 @@ public:
     }
     bool isEnabled() const { return m_settings.isEnabled; }
 
-    /** A pulse of the line trigger. Lost if the last exposure has not ended before. */
+    /** A pulse of the line trigger. Lost if the previous exposure has not ended. */
     void trigger(Tick tick);
     Tick next() const { return std::min({m_rise, m_fall, m_delayedTick}); }
     void run(Tick tick);
 
-    /** Rising edges so far, also of an output that is not enabled. */
+    /** Rising edges so far, even if the output is not enabled. */
     std::uint64_t edges() const { return m_edges; }
     std::uint64_t lostPulses() const { return m_lostPulses; }
 
@@ -63,16 +63,16 @@ private:
 
     Signals& m_signals;
     Settings m_settings;
-    std::uint64_t m_gate = 0; // pulses that the gate still lets through
+    std::uint64_t m_gate = 0; // pulses that the gate will still pass
     bool m_isPulse = false;
     bool m_isDelayedPulse = false;
     Tick m_rise = never; // of the periodic generator
     Tick m_fall = never;
-    // The last edges, tick * 2 + level, by their number; those from m_shown on are on their way to ExSync2.
+    // The last edges, tick * 2 + level, by their number; those from m_shown on have not reached ExSync2 yet.
     std::vector<Tick> m_past = std::vector<Tick>(delayedCapacity);
     std::uint64_t m_pastCount = 0;
     std::uint64_t m_shown = 0;
-    Tick m_delayedTick = never; // when ExSync2 has the next
+    Tick m_delayedTick = never; // tick of the next edge of ExSync2
     std::uint64_t m_edges = 0;
     std::uint64_t m_lostPulses = 0;
 };

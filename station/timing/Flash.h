@@ -13,17 +13,17 @@ public:
     struct Settings {
         bool isEnabled = false;
         bool isInverted = false;
-        std::uint32_t delay = 0; // edges that pass before
+        std::uint32_t delay = 0; // edges to skip first
     };
 
     void configure(const Settings& settings) { m_settings = settings; }
-    /** An image, a trigger or a gate starts. A flash that has not fired is dropped. */
+    /** An image, a trigger or a gate starts. A pending flash is dropped. */
     void start(Tick tick) {
         m_isArmed = true;
         m_passed = 0;
         if (m_lastEdge == tick) edgeOfArmed(); // the edge of this tick came first
     }
-    /** A rising edge of ExSync, or the start of a line when there is no ExSync. */
+    /** A rising edge of ExSync, or the start of a line if there is no ExSync. */
     void edge(Tick tick) {
         m_lastEdge = tick;
         m_isActive = false;

@@ -1,4 +1,4 @@
-/** The image trigger: which lines of the source belong to which image. */
+/** The image trigger: assigns lines of the source to images. */
 #ifndef STATION_TIMING_IMAGE_TRIGGER_H
 #define STATION_TIMING_IMAGE_TRIGGER_H
 
@@ -8,10 +8,10 @@
 
 namespace station {
 
-/** Learns what the image trigger decides. */
+/** Receives the decisions of the image trigger. */
 class ImageHandler {
 public:
-    /** A trigger or gate was accepted; it asks for so many lines. */
+    /** A trigger or gate was accepted; it requests `lines` lines. */
     virtual void rangeStarts(Tick tick, std::uint64_t lines) = 0;
     /** The input's gate falls, or the acquisition ends. */
     virtual void gateFalls() = 0;
@@ -29,22 +29,22 @@ public:
     enum class Mode : std::uint8_t { freeRun, edge, gate };
     struct Settings {
         Mode mode = Mode::freeRun;
-        bool isGateOfMany = false;     // a gate spans many images
-        std::uint32_t delay = 0;       // lines left out after a trigger
-        std::uint32_t offset = 0;      // and after every start
+        bool isGateOfMany = false;     // one gate covers several images
+        std::uint32_t delay = 0;       // lines skipped after a trigger
+        std::uint32_t offset = 0;      // and after each start
         std::uint32_t length = 1;      // lines taken after a start
         std::uint32_t imageHeight = 1; // of them in one image
     };
 
     explicit ImageTrigger(ImageHandler& handler) : m_handler(handler) {}
 
-    /** Lengths hold from the next start on; another mode when the image in progress is done. */
+    /** Lengths apply from the next start on; another mode when the image in progress is complete. */
     void configure(const Settings& settings, Tick tick);
-    /** Whether an acquisition runs. Without one nothing is taken; an end drops the image in progress. */
+    /** Starts or ends an acquisition. Without one no line is taken; an end drops the image in progress. */
     void setAcquiring(bool isAcquiring);
-    /** The input before time first moves. */
+    /** The level of the input before time first advances. */
     void preset(bool level) { m_level = level; }
-    /** The input, high if active. */
+    /** The level of the input, high if active. */
     void follow(bool level, Tick tick);
 
     /** A line of the source starts; true if it is taken. */
@@ -57,7 +57,7 @@ public:
     bool isBusy() const { return m_hasRange && (m_range.mode != Mode::freeRun || m_isTaking); }
     bool isImageOpen() const { return m_imageLines > 0; }
     bool level() const { return m_level; }
-    /** Triggers and gates that came while busy. */
+    /** Triggers and gates that came while it was busy. */
     std::uint64_t ignored() const { return m_ignored; }
 
 private:
@@ -67,7 +67,7 @@ private:
 
     ImageHandler& m_handler;
     Settings m_settings;
-    Settings m_range; // as it was at the start
+    Settings m_range; // as at the start
     bool m_isAcquiring = false;
     bool m_level = false;
     bool m_hasRange = false;
@@ -75,7 +75,7 @@ private:
     bool m_isLineTaken = false;     // the line in transfer
     bool m_isImageComplete = false; // with the line in transfer
     bool m_isRangeComplete = false;
-    std::uint64_t m_skip = 0; // lines still to be left out
+    std::uint64_t m_skip = 0; // lines still to be skipped
     std::uint64_t m_take = 0; // lines still to be taken
     std::uint64_t m_imageLines = 0;
     std::uint64_t m_ignored = 0;

@@ -31,7 +31,7 @@ bool Inputs::connect(std::size_t input, const Wave& wave, Tick from, std::size_t
     Wave begun = wave;
     begun.begin(from);
     const bool isPair = wave.hasTwoTracks() && second < inputCount && second != input;
-    for (Driver& driver : m_drivers) // an encoder loses the track of an input that is taken from it
+    for (Driver& driver : m_drivers) // an encoder loses a track if its input is connected to another wave
         if (driver.second == input || (isPair && driver.second == second)) driver.second = inputCount;
     Driver& driver = m_drivers[input];
     driver = {std::move(begun), isPair ? second : inputCount, true};
@@ -79,7 +79,7 @@ bool Inputs::settle(Tick tick) {
 }
 
 bool Inputs::run(Tick tick) {
-    // A level that has stayed long enough counts, also if it changes now.
+    // A level that was stable for long enough counts, even if it changes now.
     bool hasChanged = m_nextSettled <= tick && settle(tick);
     if (m_nextWave <= tick) {
         forEachInput(m_used, [&](std::size_t input) {

@@ -1,4 +1,4 @@
-/** The twelve inputs: what is connected, debounced levels, and the image trigger's own debouncing. */
+/** The twelve inputs: connected waves, debounced levels, and the separate debouncing of the image trigger. */
 #ifndef STATION_TIMING_INPUTS_H
 #define STATION_TIMING_INPUTS_H
 
@@ -14,7 +14,7 @@
 
 namespace station {
 
-/** A level counts once it has stayed for a time, and is seen that much later. */
+/** A level counts after it was stable for a time, and is seen with that delay. */
 class Debouncer {
 public:
     bool level() const { return m_level; }
@@ -23,9 +23,9 @@ public:
         m_time = time;
         if (m_due != never) m_due = std::max(later(m_since, time), from);
     }
-    /** The level before time first moves. */
+    /** The level before time first advances. */
     void preset(bool level) { m_level = level; }
-    /** Another level comes in. True if the one before did not stay long enough to count. */
+    /** The raw level changes. True if the previous one was too short to count. */
     bool follow(bool level, Tick tick) {
         if (level != m_level) {
             m_since = tick;
@@ -34,7 +34,7 @@ public:
         }
         return std::exchange(m_due, never) != never;
     }
-    /** The level that is due at next() counts. */
+    /** The level that is due at next() takes effect. */
     void settle() {
         m_level = !m_level;
         m_due = never;
@@ -58,17 +58,17 @@ public:
     Inputs(Signals& signals, Events& events) : m_signals(signals), m_events(events) {}
 
     void configure(const Settings& settings, Tick from);
-    /** Connects a wave to an input, in place of what was there. An encoder drives `second` too; it is left out if that
-     *  is no input or the same. False if there is no such input. */
+    /** Connects a wave to an input, replacing the previous one. An encoder also drives `second`, unless that
+     *  is not an input or is the same. False if there is no such input. */
     bool connect(std::size_t input, const Wave& wave, Tick from, std::size_t second = inputCount);
-    /** The levels before time first moves count at once, as those that have stayed for ever. */
+    /** The levels before time first advances count at once, as if they had always been stable. */
     void preset();
 
     Tick next() const { return m_next; }
-    /** Takes the edges of a tick; all inputs that change in it do so together. False if no level changed that counts. */
+    /** Processes the edges of a tick, which are simultaneous. False if no debounced level changed. */
     bool run(Tick tick);
 
-    /** Debounced; outside low. */
+    /** Debounced; low for an unknown input. */
     bool level(std::size_t input) const { return input < inputCount && m_debouncers[input].level(); }
     bool imageLevel() const { return m_imageDebouncer.level(); }
     /** The debounced levels as bits. */

@@ -72,7 +72,7 @@ void Signals::route(Tap tap, Route route, Tick tick, bool silently) {
 }
 
 Trace Signals::pulses(std::uint8_t of, bool level, Tick from, Tick to) const {
-    // One tick more at the beginning: a pulse may still be high there.
+    // Start one tick earlier: a pulse may still be high at the beginning.
     Trace cause = m_history[of].trace(from > 0 ? from - 1 : 0, to, m_rest[of]);
     Trace trace{.level = false, .complete = cause.complete};
     for (const Edge& edge : cause.edges) {

@@ -1,4 +1,4 @@
-/** The internal signals of the design, the crossbar behind them, and the edges that they had. */
+/** The internal signals of the design, the crossbar that routes them, and their last edges. */
 #ifndef STATION_TIMING_SIGNALS_H
 #define STATION_TIMING_SIGNALS_H
 
@@ -11,7 +11,7 @@
 
 namespace station {
 
-/** By the number with which the design selects them. Those in between are always low. */
+/** By the number with which the design selects them. The missing numbers are always low. */
 enum Signal : std::uint8_t {
     lowSignal = 0,
     exsync = 1,
@@ -32,7 +32,7 @@ struct Edge {
     bool level; // from this tick on
 };
 
-/** What a signal did in a span of time. */
+/** The history of a signal in a span of time. */
 struct Trace {
     bool level = false;   // at the beginning
     bool complete = true; // false: the station no longer has the edges at the beginning
@@ -46,7 +46,7 @@ struct Route {
     bool operator==(const Route&) const = default;
 };
 
-/** What looks at a signal through the crossbar while time moves. */
+/** The users of signals that are routed by the crossbar while time advances. */
 enum class Tap : std::uint8_t {
     analyzer0,
     analyzer1,
@@ -55,9 +55,9 @@ enum class Tap : std::uint8_t {
     cameraTrigger,
     cameraRelease
 };
-inline constexpr std::size_t tapCount = 6; // the last one rises where the camera trigger falls
+inline constexpr std::size_t tapCount = 6; // the last one rises when the camera trigger falls
 
-/** Learns of rising edges behind the crossbar. */
+/** Receives rising edges after the crossbar. */
 class TapHandler {
 public:
     virtual void rises(Tap tap, Tick tick) = 0;
@@ -75,14 +75,14 @@ public:
         if (m_edges.empty()) m_edges.resize(capacity);
         m_edges[m_count++ % capacity] = tick << 1 | Tick{level};
     }
-    /** Edges from the tick `from` to the tick `to`, both included. `rest`: the level without any edge. */
+    /** Edges from the tick `from` to the tick `to`, both included. `rest`: the level if there is no edge. */
     Trace trace(Tick from, Tick to, bool rest) const;
 
 private:
     Edge at(std::uint64_t number) const;
 
     std::vector<Tick> m_edges; // tick * 2 + level
-    std::uint64_t m_count = 0; // of all that there were
+    std::uint64_t m_count = 0; // number of all edges so far
 };
 
 class Signals {
@@ -90,10 +90,10 @@ public:
     explicit Signals(TapHandler& handler) : m_handler(handler) {}
 
     bool level(std::uint8_t signal) const { return signal < signalCount && m_levels[signal]; }
-    /** Behind the crossbar. */
+    /** The level after the crossbar. */
     bool level(Route route) const { return level(route.select) != route.invert; }
 
-    /** A level before time first moves: no edge. */
+    /** A level before time first advances: not an edge. */
     void preset(std::uint8_t signal, bool level) { m_levels[signal] = m_rest[signal] = level; }
     void set(std::uint8_t signal, bool level, Tick tick) {
         if (m_levels[signal] == level) return;
@@ -101,7 +101,7 @@ public:
         m_history[signal].add(tick, level);
         if (m_taps[signal] != 0) notify(signal, level, tick);
     }
-    /** Makes a signal high for one tick. The edges of lineStart and its like follow from those of LVAL and FVAL. */
+    /** Makes a signal high for one tick. LVAL and FVAL determine the edges of lineStart and its like. */
     void pulse(std::uint8_t signal, Tick tick) {
         if (m_taps[signal] != 0) beginPulse(signal, tick);
     }
@@ -109,7 +109,7 @@ public:
     Tick pulseEnd() const { return m_pulseEnd; }
     void endPulses(Tick tick);
 
-    /** Lets a tap look at another signal. If its level rises by that, it is an edge, unless `silently`. */
+    /** Connects a tap to another signal. A level that rises by this counts as an edge, unless `silently`. */
     void route(Tap tap, Route route, Tick tick, bool silently);
 
     Trace trace(Route route, Tick from, Tick to) const;
@@ -122,7 +122,7 @@ private:
     TapHandler& m_handler;
     std::array<bool, signalCount> m_levels{};
     std::array<bool, signalCount> m_rest{};
-    std::array<std::uint8_t, signalCount> m_taps{}; // mask of those that look at a signal
+    std::array<std::uint8_t, signalCount> m_taps{}; // mask of the taps connected to each signal
     std::array<Route, tapCount> m_routes{};
     std::array<History, signalCount> m_history;
     std::uint64_t m_pulses = 0; // mask of the signals that are high for this tick

@@ -1,4 +1,4 @@
-/** The camera simulator of the design, as far as its lines go: when they come and which they are. */
+/** The line timing of the design's camera simulator: when lines come and which they are. */
 #ifndef STATION_TIMING_SIMULATOR_H
 #define STATION_TIMING_SIMULATOR_H
 
@@ -16,7 +16,7 @@ struct SourceLine {
     std::uint32_t cycles = 1; // ticks of its transfer, 32 pixels each
     bool isFirst = false;     // of the frame
     bool isLast = false;
-    bool isOfCamera = false; // and not of the simulator: frame and height say nothing
+    bool isOfCamera = false; // otherwise of the simulator; for a camera, frame and height are unused
 };
 
 class Simulator {
@@ -35,16 +35,16 @@ public:
         bool operator==(const Settings&) const = default;
     };
 
-    /** Other sizes and rates hold from the next line on; `from` is the next tick. */
+    /** Other sizes and rates apply from the next line on; `from` is the next tick. */
     void configure(const Settings& settings, Tick from);
-    /** A rising edge of the camera trigger. Between lines or frames it starts one, else it is lost. */
+    /** A rising edge of the camera trigger. Starts a line or frame; lost while one is in progress. */
     void trigger(Tick tick);
     /** When the next line starts. */
     Tick next() const { return m_next; }
     /** The line that starts at next(). */
     SourceLine startLine();
 
-    /** Camera triggers that came while a line or frame was on its way. */
+    /** Camera triggers that came while a line or frame was in progress. */
     std::uint64_t lostTriggers() const { return m_lostTriggers; }
 
 private:
@@ -53,7 +53,7 @@ private:
     Settings m_settings;
     FractionClock m_clock; // of the lines of a run
     Tick m_next = never;
-    Tick m_busyUntil = 0; // a trigger before is lost
+    Tick m_busyUntil = 0; // an earlier trigger is lost
     std::uint32_t m_frame = 0;
     std::uint32_t m_y = 0;
     std::uint64_t m_lostTriggers = 0;

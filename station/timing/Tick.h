@@ -15,15 +15,15 @@ __extension__ typedef unsigned __int128 Wide;
 
 inline constexpr Tick ticksPerSecond = 125'000'000;
 inline constexpr double ticksPerMicrosecond = 125.0;
-/** Later than any time: the tick of what will not happen. */
+/** Later than any time: the tick of an event that will not happen. */
 inline constexpr Tick never = std::numeric_limits<Tick>::max();
-/** Time ends here, after 2300 years. */
+/** The end of time, after 2300 years. */
 inline constexpr Tick lastTick = never / 2;
 
 /** `tick + ticks`, or never. */
 constexpr Tick later(Tick tick, Tick ticks) { return ticks < never - tick ? tick + ticks : never; }
 
-/** A time in µs as the nearest tick, halves up, within limits. What is not a number becomes the minimum. */
+/** A time in µs as the nearest tick, halves up, within limits. NaN becomes the minimum. */
 constexpr Tick ticksOf(double microseconds, Tick minimum, Tick maximum) {
     const double ticks = microseconds * ticksPerMicrosecond + 0.5;
     if (!(ticks >= static_cast<double>(minimum))) return minimum;
@@ -43,9 +43,9 @@ public:
         m_whole = m_numerator / m_denominator;
         m_part = m_numerator % m_denominator;
     }
-    /** The present multiple. */
+    /** The current multiple. */
     Tick tick() const { return m_tick; }
-    /** Goes on to the next one. */
+    /** Advances to the next multiple. */
     void step() {
         m_tick = later(m_tick, m_whole);
         m_rest += m_part;
@@ -53,7 +53,7 @@ public:
         m_rest -= m_denominator;
         m_tick = later(m_tick, 1);
     }
-    /** Goes on by `steps`. */
+    /** Advances by `steps`. */
     void skip(std::uint64_t steps) {
         const Wide sum = Wide{steps} * m_numerator + m_rest;
         const Wide ticks = sum / m_denominator;
@@ -66,8 +66,8 @@ private:
     std::uint64_t m_numerator = 1;
     std::uint64_t m_denominator = 1;
     std::uint64_t m_whole = 1; // numerator / denominator
-    std::uint64_t m_part = 0;  // and its rest
-    std::uint64_t m_rest = 0;  // of the present multiple, below the denominator
+    std::uint64_t m_part = 0;  // and its remainder
+    std::uint64_t m_rest = 0;  // of the current multiple, below the denominator
 };
 
 } // namespace station

@@ -7,7 +7,7 @@
 namespace station {
 namespace {
 
-constexpr std::int64_t unitsOfOne = 2 * static_cast<std::int64_t>(ticksPerSecond); // that speeds count
+constexpr std::int64_t unitsOfOne = 2 * static_cast<std::int64_t>(ticksPerSecond); // units of speed
 constexpr Tick longestPiece = Tick{1} << 40;
 
 /** Track A is high after the first and second quarter of a period, B after the second and third. */
@@ -90,7 +90,7 @@ void Wave::begin(Tick from) {
         return;
     }
     if (m_kind == Kind::square)
-        m_next += (from - m_next) / m_period * m_period; // a rise, at `from` or before
+        m_next += (from - m_next) / m_period * m_period; // a rise, at or before `from`
     while (m_next < from)
         step();
 }
@@ -133,7 +133,7 @@ void Wave::nextPiece() {
     }
 }
 
-/** Whether the next step in this direction is done so many ticks after the start of the piece. */
+/** Whether the next step in this direction is complete at `ticks` after the start of the piece. */
 bool Wave::isStepDone(Tick ticks, bool isForward) const {
     const Place time = static_cast<Place>(ticks);
     const Place length = m_present.ticks > 0 ? static_cast<Place>(m_present.ticks) : 1;
@@ -144,18 +144,18 @@ bool Wave::isStepDone(Tick ticks, bool isForward) const {
     return isForward ? place >= goal : place <= goal;
 }
 
-/** Looks for the next step after `after` in a stretch without a turn that ends at `end`. */
+/** Searches for the next step after `after` in a stretch without a turn that ends at `end`. */
 bool Wave::findStepWithin(Tick after, Tick end, bool isForward) {
     if (after >= end) return false;
-    Tick low = after; // not done yet, or not looked at
+    Tick low = after; // not reached yet, or not tested
     Tick high = end;
-    if (m_present.from == m_present.to) { // at an even speed the place is known
+    if (m_present.from == m_present.to) { // at a constant speed the position is known
         if (m_present.from == 0) return false;
         const Place goal = (Place{m_steps} + (isForward ? 1 : 0)) * m_unitsOfStep;
         const Place way = isForward ? goal - m_place : m_place - goal;
         const auto speed =
             static_cast<std::uint64_t>(2 * std::int64_t{isForward ? m_present.from : -m_present.from});
-        Place time = 0; // the way over the speed, rounded up
+        Place time = 0; // distance over speed, rounded up
         if (way > 0 && way <= Place{INT64_MAX})
             time = static_cast<Place>((static_cast<std::uint64_t>(way) + speed - 1) / speed);
         else if (way > 0)
@@ -164,7 +164,7 @@ bool Wave::findStepWithin(Tick after, Tick end, bool isForward) {
         high = std::max(static_cast<Tick>(time), after + 1);
     } else {
         if (!isStepDone(end, isForward)) return false;
-        // About as far as the step before, if that is not too far; then gallop, then halve.
+        // Try the length of the previous step first, if it is not too long; then gallop, then bisect.
         if (m_stride > 2 && m_stride - 2 < end - low && !isStepDone(low + m_stride - 2, isForward))
             low += m_stride - 2;
         for (Tick stride = 1; stride < end - low; stride *= 2) {

@@ -1,4 +1,4 @@
-/** What is connected to an input of the board: levels over time. */
+/** Waves for the inputs of the board: levels over time. */
 #ifndef STATION_TIMING_WAVE_H
 #define STATION_TIMING_WAVE_H
 
@@ -10,46 +10,46 @@
 
 namespace station {
 
-/** A piece of a movement. Speeds are negative backwards; what they count, and how fast is the fastest, is the user's. */
+/** A piece of a movement. Speeds are negative backwards; the user defines their unit and their limit. */
 struct SpeedPiece {
     Tick ticks = 0; // at most 2^40
     std::int32_t from = 0;
-    std::int32_t to = 0; // changes evenly
+    std::int32_t to = 0; // changes linearly
 };
 
-/** A wave for one input, or of an encoder for two. Limits are kept by clamping. */
+/** A wave for one input, or for two in the case of an encoder. Arguments are clamped to their limits. */
 class Wave {
 public:
-    /** A level that stays. */
+    /** A constant level. */
     static Wave constant(bool level);
-    /** Rises at `rise` and every `period` ticks after it, and falls `high` ticks later. Low for ever if period or high
-     *  are 0; high for ever if it does not fall within a period. */
+    /** Rises at `rise` and every `period` ticks after it, and falls `high` ticks later. Always low if one of
+     *  these two is 0; always high if it does not fall within a period. */
     static Wave square(Tick rise, Tick period, Tick high);
-    /** A level and its edges. An edge that is not later than the one before takes its place. */
+    /** A level and its edges. An edge that is not later than the previous one replaces it. */
     static Wave edges(bool level, const std::vector<Edge>& edges);
-    /** Two tracks, A and B, of an encoder that rests in the middle between two edges and moves from `start` on. After
-     *  the last piece its speed stays. Speeds are quarter steps a second. */
+    /** Two tracks, A and B, of an encoder that starts midway between two edges and moves from `start` on. It
+     *  keeps the speed of the last piece. Speeds are quarter steps per second. */
     static Wave encoder(Tick start, const std::vector<SpeedPiece>& pieces);
-    /** The same of an encoder on a belt: speeds are micrometres a second, and a quarter step is so many nanometres. */
+    /** The same on a belt: speeds are micrometres per second, and a quarter step is `step` nanometres. */
     static Wave beltEncoder(Tick start, const std::vector<SpeedPiece>& pieces, std::uint32_t step);
-    static constexpr std::int32_t fastestEncoder = 10'000'000; // quarter steps a second
-    static constexpr std::int32_t fastestBelt = 100'000'000;   // micrometres a second
-    /** The pieces without those of no time, within the limits, and a last one that stays for ever: its time is 0. */
+    static constexpr std::int32_t fastestEncoder = 10'000'000; // quarter steps per second
+    static constexpr std::int32_t fastestBelt = 100'000'000;   // micrometres per second
+    /** The pieces without empty ones, within the limits, and a last one without end: its time is 0. */
     static std::vector<SpeedPiece> limited(std::vector<SpeedPiece> pieces, std::int32_t fastest);
 
-    /** Leaves out what was before `from`. An encoder moves from there on instead. */
+    /** Skips everything before `from`. An encoder starts to move there instead. */
     void begin(Tick from);
     /** Levels of track A in bit 0, of track B in bit 1. */
     unsigned levels() const { return m_levels; }
     bool hasTwoTracks() const { return m_kind == Kind::encoder; }
     /** When the levels change next. */
     Tick next() const { return m_next; }
-    /** Takes the change at next(), if there is one. */
+    /** Performs the change at next(), if there is one. */
     void step();
 
 private:
     enum class Kind : std::uint8_t { constant, square, edges, encoder };
-    /** What speeds count, times twice the ticks of a second, times the ticks of the piece if it is a ramp: exact. */
+    /** Units of speed, times twice the ticks of a second, times the ticks of the piece if a ramp: exact. */
     __extension__ typedef __int128 Place;
 
     static Wave moving(Tick start, std::vector<SpeedPiece> pieces, std::int64_t unitsOfStep);
@@ -70,14 +70,14 @@ private:
     // Encoder.
     std::vector<SpeedPiece> m_pieces; // those to come
     std::size_t m_piece = 0;
-    SpeedPiece m_present; // 0 ticks: for ever
+    SpeedPiece m_present; // 0 ticks: without end
     std::int64_t m_unitsOfStep = 1;
-    Tick m_start = 0;         // of the present piece; times below count from it
-    Tick m_turn = 0;          // where it changes its direction, or its end
-    std::int64_t m_place = 0; // at its start, from the step that was done last
+    Tick m_start = 0;         // of the current piece; times below count from it
+    Tick m_turn = 0;          // where it reverses its direction, or its end
+    std::int64_t m_place = 0; // at its start, relative to the last step
     std::int64_t m_steps = 0; // since its start
     bool m_isStepForward = false;
-    Tick m_stride = 0; // from the step before to the next
+    Tick m_stride = 0; // from the previous step to the next
 };
 
 } // namespace station

@@ -12,7 +12,7 @@
 namespace vboard {
 namespace {
 
-/** Name of what was accessed; "#" and the id where the design has no name for it. */
+/** Name of the accessed item; "#" and the id if the design has no name for it. */
 std::string subjectOf(const Access& access) {
     const auto row = static_cast<std::size_t>(access.row);
     std::string byId = "#" + std::to_string(access.id);
@@ -47,7 +47,7 @@ std::string tagWord(int tag) {
 
 } // namespace
 
-// So much room at the start that a session seldom has to grow the log; what is not used costs no memory.
+// Enough for most sessions, so that the log seldom has to grow; unused room costs no memory.
 AccessLog::AccessLog() : m_kinds(VBOARD_SET | VBOARD_GET | VBOARD_REGISTER_WRITE | VBOARD_REGISTER_READ) {
     m_accesses.reserve(16384);
 }
@@ -58,7 +58,7 @@ void AccessLog::add(const Access& access) {
 
 void AccessLog::add(Access access, std::string text) {
     if (m_accesses.size() >= capacity) return;
-    // A line stays a line, whatever the text holds.
+    // Keeps the text on one line.
     std::replace_if(
         text.begin(), text.end(), [](char c) { return c == '\n' || c == '\r'; }, '?');
     access.content = Access::words;

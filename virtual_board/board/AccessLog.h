@@ -11,21 +11,21 @@ namespace vboard {
 
 /** One access as it is logged. */
 struct Access {
-    /** What `value` holds. */
+    /** Content of `value`. */
     enum Content : std::uint8_t { nothing, number, words, run };
 
     std::uint8_t kind = 0; // one of VBOARD_SET and so on
     Content content = nothing;
     std::int16_t row = -1; // of the parameter, register or function, by kind; -1: there is none
-    std::int32_t tag = 0;  // how the caller hands the value through
-    std::int32_t id = 0;   // as the caller gave it; of a resolve, what it answers
+    std::int32_t tag = 0;  // how the caller passes the value
+    std::int32_t id = 0;   // as the caller passed it; for a resolve, the result
     std::int32_t code = 0;
     std::uint64_t value = 0; // bits of a number; position of a text; first element and, above it, the count
 };
 
 class AccessLog {
 public:
-    /** A log that is full keeps what it has; later accesses are not logged. */
+    /** When the log is full, later accesses are not logged. */
     static constexpr std::size_t capacity = 1'000'000;
 
     AccessLog();
@@ -35,7 +35,7 @@ public:
     void setKinds(unsigned mask) { m_kinds = mask; }
 
     void add(const Access& access);
-    /** The same for an access with a text as its value. */
+    /** The same for an access that has a text as its value. */
     void add(Access access, std::string text);
     std::size_t size() const { return m_accesses.size(); }
     void clear();

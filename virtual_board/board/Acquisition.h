@@ -6,7 +6,7 @@
 
 namespace vboard {
 
-/** Pictures count from 1. The caller holds the board's mutex. */
+/** Pictures are numbered from 1. The caller holds the board's mutex. */
 class Acquisition {
 public:
     /** `pictures`: how many are to be taken; 0 or less: no limit. */
@@ -16,7 +16,7 @@ public:
 
     /** Number of the last picture. */
     std::int64_t picture() const { return m_picture; }
-    /** The same, after one more was taken. */
+    /** Takes one more picture and returns its number. */
     std::int64_t nextPicture();
     /** Takes pictures up to this one. The number of the last picture, or FG_ERR_NOT_AVAILABLE. */
     std::int64_t waitForPicture(std::int64_t picture);

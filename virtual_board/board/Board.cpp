@@ -11,7 +11,7 @@
 namespace vboard {
 namespace {
 
-/** An access of what `id` leads to in this design; its row is -1 if that is nothing. */
+/** An access to the row that `id` leads to in this design; the row is -1 if there is none. */
 Access parameterAccess(int kind, const Design& design, int id, int tag) {
     int row = rowOfId(id);
     if (row >= 0 && !design.has(row)) row = -1;
@@ -67,7 +67,7 @@ int Board::finish(Access access, int code, const char* text) {
 int Board::set(const Design& design, int id, const void* value, int dma, int tag) {
     const AccessLock lock(*this, VBOARD_SET);
     Access access = parameterAccess(VBOARD_SET, design, id, tag);
-    const char* text = Values::describe(access, value); // a failed set shows its value too
+    const char* text = Values::describe(access, value); // a failed set also logs its value
     if (const int fault = faultOf(access)) return finish(access, fault, text);
     if (access.row < 0 || value == nullptr || dma != 0) return finish(access, FG_ERR_INVALID_ARGUMENT, text);
     int code = m_values.store(access, value);
@@ -111,7 +111,7 @@ int Board::resolve(const Design& design, const char* name) {
     access.id = faultOf(access);
     if (access.id == 0 && name != nullptr) {
         const int row = design.find(name);
-        // The runtime's own parameters have no name here.
+        // The runtime's own parameters cannot be looked up by name.
         if (row >= 0 && parameterRows()[place(row)].number == 0) access.id = idOfRow(row);
     }
     finish(access, FG_OK, name != nullptr ? name : "");
@@ -151,7 +151,7 @@ BoardStation& Board::station() {
 
 void Board::followClock() noexcept {
     if (m_station == nullptr || !m_station->followsClock()) return;
-    guarded([this]() REQUIRES(m_mutex) { // without memory its time stays behind
+    guarded([this]() REQUIRES(m_mutex) { // if memory runs out, its time lags
         m_station->follow();
         publishAcquisition();
     });
@@ -210,7 +210,7 @@ std::int64_t Board::waitInStation(std::int64_t picture, std::uint64_t ticks) {
         m_mutex.sleepUnlocked(station().pauseBefore(deadline));
         followClock();
     }
-    return FG_ERR_NOT_AVAILABLE; // it has ended
+    return FG_ERR_NOT_AVAILABLE; // the acquisition has ended
 }
 
 std::int64_t Board::stationStatus(int what) {

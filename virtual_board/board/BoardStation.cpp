@@ -18,7 +18,7 @@ namespace {
 
 using Row = int;
 
-/** Rows of the parameters that the station knows, in its order. */
+/** Rows of the parameters that the station reads, in its order. */
 const std::array<Row, station::parameterCount>& rowsOfParameters() {
     static const auto rows = [] {
         std::array<Row, station::parameterCount> all{};
@@ -31,7 +31,7 @@ const std::array<Row, station::parameterCount>& rowsOfParameters() {
 
 Row rowOf(station::Parameter parameter) { return rowsOfParameters()[static_cast<std::size_t>(parameter)]; }
 
-/** With the wall clock an access does no more than some hundredths of a second of work. */
+/** With the wall clock, limits an access to some hundredths of a second of work. */
 constexpr std::uint64_t mostEventsOfAnAccess = std::uint64_t{1} << 20;
 
 constexpr station::Parameter acting[] = {
@@ -74,7 +74,7 @@ std::size_t debugPointOf(Row insert) {
 } // namespace
 
 bool BoardStation::isActing(int row) {
-    static const auto rows = [] { // each write asks
+    static const auto rows = [] { // called on each write
         std::vector<bool> all(parameterRows().size());
         for (const station::Parameter parameter : acting)
             all[static_cast<std::size_t>(rowOf(parameter))] = true;

@@ -1,4 +1,4 @@
-/** The station of a board: it reads and writes the board's values, and raises its events. */
+/** The station of a board: it reads and writes the board's values and raises its events. */
 #ifndef VIRTUAL_BOARD_BOARD_BOARDSTATION_H
 #define VIRTUAL_BOARD_BOARD_BOARDSTATION_H
 
@@ -18,33 +18,33 @@ namespace vboard {
 /** The caller holds the board's mutex. */
 class BoardStation final : station::Board {
 public:
-    /** Values and events must live as long. */
+    /** Values and events must outlive it. */
     BoardStation(Values& values, Events& events) : m_values(values), m_events(events) {}
 
     station::Station& station() { return m_station; }
 
-    /** Whether a write of this row does something by being written. */
+    /** Whether writing this row triggers an action. */
     static bool isActing(int row);
-    /** Such a row was written. FG_OK, or why the image of a debug point's file was not taken: FG_ERR_FILE_TYPE,
-     *  FG_ERR_NOT_AVAILABLE. */
+    /** Call after such a row was written. FG_OK, or why the image of a debug point's file was not injected:
+     *  FG_ERR_FILE_TYPE, FG_ERR_NOT_AVAILABLE. */
     int write(int row);
 
-    /** Time follows the machine's, so many times as fast; 0: it moves in steps. */
+    /** Makes time follow the wall clock, `factor` times as fast; 0: it is stepped. */
     void setClock(double factor);
     bool followsClock() const { return m_clock.isRunning(); }
-    /** Lets time catch up with the machine's, if it follows it. */
+    /** Advances time to the wall clock, if it follows it. */
     void follow();
-    /** Lets time move by so many ticks; the new time, or VBOARD_NOT_STEPPED. */
+    /** Advances time by `ticks`; returns the new time, or VBOARD_NOT_STEPPED. */
     std::uint64_t advance(std::uint64_t ticks);
-    /** Number of the last picture if this one is there, VBOARD_TIMEOUT from the tick `deadline` on, or
-     *  FG_ERR_NOT_AVAILABLE. In steps, time moves on to that; else there may be no answer yet. */
+    /** Number of the last picture if this one has arrived, VBOARD_TIMEOUT from the tick `deadline` on, or
+     *  FG_ERR_NOT_AVAILABLE. Stepped time advances until then; else there may be no result yet. */
     std::optional<std::int64_t> waitForPicture(std::int64_t picture, station::Tick deadline);
-    /** How long to sleep before the next question for a picture. */
+    /** How long to sleep before polling for a picture again. */
     WallClock::Duration pauseBefore(station::Tick deadline) const;
-    /** Brings the runtime's parameters up to date that show the station. */
+    /** Updates the runtime's parameters that show the state of the station. */
     void publishRuntime();
 
-    /** Why the image of a debug point's file was not taken when it was asked for last; empty if it was. */
+    /** Why the last insert of a debug point's file injected no image; empty if it did. */
     const std::string& insertTrouble() const { return m_insertTrouble; }
 
 private:
@@ -65,7 +65,7 @@ private:
     std::string m_insertTrouble;
 };
 
-/** Holds the board for a control function of the station. Its time has caught up with the machine's. */
+/** Holds the board for a control function of the station, with its time advanced to the wall clock. */
 class SCOPED_CAPABILITY StationLock {
 public:
     explicit StationLock(Board& board) ACQUIRE(board.mutex()) : m_mutex(board.mutex()) {
@@ -82,7 +82,7 @@ private:
 
 } // namespace vboard
 
-/** A memory of the host. It holds its board. */
+/** A memory of the host. It keeps its board alive. */
 struct vboard_frames {
     vboard::Board& board;
     const std::shared_ptr<station::HostMemory> memory;

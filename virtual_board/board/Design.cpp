@@ -22,7 +22,7 @@ struct Settings {
 
 std::mutex settingsMutex;
 
-/** Under settingsMutex. */
+/** Guarded by settingsMutex. */
 Settings& settings() {
     static Settings kept;
     return kept;
@@ -56,7 +56,7 @@ std::shared_ptr<const Design> Design::load() {
     const auto rows = eventRows();
     for (std::size_t i = 0; i < rows.size(); ++i)
         if (!set.lackingEvents[i]) design->m_events.push_back(rows[i]);
-    // All names before the first pointer to one of them.
+    // Create all names before taking a pointer to any of them.
     for (int i = 0; i < set.extraEvents; ++i)
         design->m_extraNames.push_back(extraEvent(i));
     for (const std::string& name : design->m_extraNames)
@@ -135,7 +135,7 @@ void restoreDesign() {
     for (auto& hidden : hiddenEntries)
         hidden = false;
     const std::lock_guard lock(settingsMutex);
-    Settings& set = settings(); // without another allocation
+    Settings& set = settings(); // without an allocation
     set.lackingParameters.assign(set.lackingParameters.size(), false);
     set.aliases.clear();
     set.lackingEvents.assign(set.lackingEvents.size(), false);

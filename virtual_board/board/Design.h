@@ -15,7 +15,7 @@
 
 namespace vboard {
 
-/** Objects of one kind that are alive in the process. */
+/** Counts the objects of each kind that exist in the process. */
 class Live {
 public:
     enum Kind { boards, designs, handles, strings, kinds };
@@ -32,16 +32,16 @@ private:
     Kind m_kind;
 };
 
-/** What a design has: the settings at the time of its load. It never changes. */
+/** The content of a design: the settings at the time of its load. It never changes. */
 class Design {
 public:
-    /** A design by the present settings; null if designs are refused. */
+    /** A design with the current settings; null if designs are refused. */
     static std::shared_ptr<const Design> load();
 
-    /** Row of the parameter that answers to a name, or -1. */
+    /** Row of the parameter with this name or alias, or -1. */
     int find(std::string_view name) const;
     bool has(int row) const { return !m_lacking[static_cast<std::size_t>(row)]; }
-    /** Null outside. */
+    /** Null if out of range. */
     const TslEvent* event(int index) const;
 
 private:
@@ -55,7 +55,7 @@ private:
 };
 
 /*
- * The settings. Those of a name answer false for an unknown one.
+ * The settings. Those with a name return false for an unknown one.
  */
 bool lackParameter(const char* name, bool lacking);
 bool aliasParameter(const char* alias, const char* name);
@@ -67,14 +67,14 @@ void refuseDesigns(bool refuse);
 void failInit(bool fail, int lastError);
 void restoreDesign();
 
-/** Whether a function of the runtime (by its place in runtimeEntries) is hidden. Takes no lock. */
+/** Whether a function of the runtime (by its index in runtimeEntries) is hidden. Takes no lock. */
 bool isEntryHidden(int entry);
-/** Whether init is to fail; if so, `lastError` receives the code. */
+/** Whether init must fail; if so, `lastError` receives the code. */
 bool isInitFailing(int& lastError);
 
 } // namespace vboard
 
-/** The loader's handle of a design. A grabber that uses the design keeps it as well. */
+/** The loader's handle of a design. A grabber that uses the design shares it. */
 struct fpga_design {
     std::shared_ptr<const vboard::Design> design;
 };

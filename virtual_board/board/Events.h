@@ -1,4 +1,4 @@
-/** The events that were raised on a board and not asked for yet. */
+/** The events that were raised on a board and not queried yet. */
 #ifndef VIRTUAL_BOARD_BOARD_EVENTS_H
 #define VIRTUAL_BOARD_BOARD_EVENTS_H
 
@@ -18,7 +18,7 @@ public:
     void raise(const char* name, std::uint64_t times = 1) {
         m_raised[name] += static_cast<std::int64_t>(times);
     }
-    /** How often the events of a mask were raised since they were last asked for. */
+    /** How often the events of a mask were raised since the last query. */
     std::int64_t take(const Design& design, std::uint64_t mask);
 
 private:

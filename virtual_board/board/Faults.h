@@ -1,4 +1,4 @@
-/** What is to go wrong on a board: accesses that fail, and answers that the runtime is made to give. */
+/** Faults injected into a board: accesses that fail, and forced answers of the runtime. */
 #ifndef VIRTUAL_BOARD_BOARD_FAULTS_H
 #define VIRTUAL_BOARD_BOARD_FAULTS_H
 
@@ -19,16 +19,16 @@ public:
     Faults() { reset(); }
     void reset();
 
-    /** The code with which an access is to fail, or 0. Only a counted access can be the k-th. */
+    /** The code with which an access must fail, or 0. Only a counted access can be the k-th. */
     int due(const Access& access, bool isCounted);
-    /** What a function of the runtime is made to answer. */
+    /** The forced answer of a function of the runtime, if any. */
     std::optional<std::int64_t> answer(int function) const;
 
-    /** Access number `k` from now on fails, and all later ones too if `fromThenOn`; 0: none does. */
+    /** Access number `k` from now on fails, and all later ones too if `fromThenOn`; 0: none fails. */
     void failAccess(unsigned k, int code, bool fromThenOn);
     /** Accesses counted since then. */
     unsigned accessCount() const { return m_accessCount; }
-    /** Every access of this parameter or register fails; code 0: works again. False for an unknown name. */
+    /** Every access of this parameter or register fails; code 0 ends that. False for an unknown name. */
     bool failName(std::string_view name, int code);
     void setAnswer(int function, std::int64_t value);
 

@@ -1,4 +1,4 @@
-/** The border to the host, which may be written in C: no exception crosses it. */
+/** The boundary to the host, which may be written in C: no exception crosses it. */
 #ifndef VIRTUAL_BOARD_BOARD_GUARD_H
 #define VIRTUAL_BOARD_BOARD_GUARD_H
 
@@ -9,12 +9,12 @@
 
 namespace vboard {
 
-/** The status for something that is looked up. */
+/** The status of a lookup. */
 inline int known(bool isKnown) { return isKnown ? VBOARD_OK : VBOARD_UNKNOWN; }
 
-/** What the function answers, or `otherwise` if an exception ends it: memory is lacking. */
+/** The result of the function, or `otherwise` if it throws because memory runs out. */
 template <typename Result, typename Function>
-Result guarded(Result otherwise, Function function) NO_THREAD_SAFETY_ANALYSIS { // that of the function counts
+Result guarded(Result otherwise, Function function) NO_THREAD_SAFETY_ANALYSIS { // the function's own apply
     try {
         return function();
     } catch (const std::exception&) {
@@ -26,7 +26,7 @@ Result guarded(Result otherwise, Function function) NO_THREAD_SAFETY_ANALYSIS { 
 template <typename Function> void guarded(Function function) NO_THREAD_SAFETY_ANALYSIS {
     try {
         function();
-    } catch (const std::exception&) { // there is no result that could say so
+    } catch (const std::exception&) { // there is no result to report it with
     }
 }
 

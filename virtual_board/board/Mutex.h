@@ -9,7 +9,7 @@
 #if defined(__clang__)
 #define THREAD_ANNOTATION(attribute) __attribute__((attribute))
 #else
-#define THREAD_ANNOTATION(attribute) // means nothing to other compilers
+#define THREAD_ANNOTATION(attribute) // empty for other compilers
 #endif
 
 #define CAPABILITY(kind) THREAD_ANNOTATION(capability(kind))
@@ -29,12 +29,12 @@ class CAPABILITY("mutex") Mutex {
 public:
     void lock() ACQUIRE() NO_THREAD_SAFETY_ANALYSIS { m_mutex.lock(); }
     void unlock() RELEASE() NO_THREAD_SAFETY_ANALYSIS { m_mutex.unlock(); }
-    /** Lets other threads in for so long. What the mutex guards may be another one afterwards. */
+    /** Unlocks the mutex for this time. The guarded data may have changed afterwards. */
     template <typename Duration>
     void sleepUnlocked(Duration duration) REQUIRES(this) NO_THREAD_SAFETY_ANALYSIS {
         struct Unlocked {
             explicit Unlocked(std::mutex& itsMutex) : mutex(itsMutex) { mutex.unlock(); }
-            ~Unlocked() { mutex.lock(); } // also when the thread ends in its sleep
+            ~Unlocked() { mutex.lock(); } // also if the thread ends while it sleeps
             Unlocked(const Unlocked&) = delete;
             Unlocked& operator=(const Unlocked&) = delete;
             std::mutex& mutex;

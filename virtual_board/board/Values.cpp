@@ -20,16 +20,16 @@ struct Run {
     std::uint32_t first, count;
     Type type;
     char* elements;
-    std::size_t stride; // from one to the next
+    std::size_t stride; // from one element to the next
 
     void* operator[](std::uint32_t i) const { return elements + i * stride; }
-    /** True where it can be copied as a whole: tables come in this way. */
+    /** True if it can be copied as a whole, as whole tables are. */
     bool hasOwnLayout() const { return type == Type::u32 && stride == elementSize; }
-    /** As the log keeps it. */
+    /** In the form that the log keeps. */
     std::uint64_t extent() const { return first | std::uint64_t{count} << 32; }
 };
 
-/** The run that a record of the tag describes; nothing if the record is no good. */
+/** The run that a record of the tag describes; nothing if the record is invalid. */
 std::optional<Run> runOf(int tag, const void* record) {
     const auto* bytes = static_cast<const char*>(record);
     if (tag == FG_PARAM_FIELD_INT) {
@@ -43,7 +43,7 @@ std::optional<Run> runOf(int tag, const void* record) {
     std::memcpy(&access, bytes, sizeof access);
     auto* elements = static_cast<char*>(access.values);
     if (elements == nullptr && access.count > 0) return std::nullopt;
-    // Records of single elements: their values come one after the other, whatever their index is.
+    // Records of single elements: their values are stored one after the other, whatever their index is.
     if (access.vtype == FG_PARAM_FIELD_INT)
         return Run{access.index, access.count, Type::u32, elements, sizeof(FieldParameterInt_s)};
     const auto type = typeOfTag(access.vtype);
@@ -54,7 +54,7 @@ std::optional<Run> runOf(int tag, const void* record) {
 
 bool isInside(std::uint32_t first, std::uint32_t count) { return std::uint64_t{first} + count <= fieldSize; }
 
-/** Numbers convert into each other; texts and arrays have to match. */
+/** Numbers convert into each other; texts and arrays must match. */
 bool isCompatible(std::optional<Type> given, Type own) {
     return given && (isNumber(own) ? isNumber(*given) : *given == own);
 }
@@ -72,7 +72,7 @@ void Values::reset() {
     for (const RegisterRow& row : registerRows())
         registers.push_back(row.start);
     std::vector<std::vector<std::uint32_t>> fields(numbers.size());
-    // All of it is there: nothing is half done.
+    // Everything is allocated: no partial reset.
     m_numbers = std::move(numbers);
     m_texts = std::move(texts);
     m_fields = std::move(fields);

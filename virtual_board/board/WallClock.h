@@ -1,4 +1,4 @@
-/** Lets the time of a station follow the machine's. */
+/** Makes the time of a station follow the wall clock. */
 #ifndef VIRTUAL_BOARD_BOARD_WALLCLOCK_H
 #define VIRTUAL_BOARD_BOARD_WALLCLOCK_H
 
@@ -14,7 +14,7 @@ public:
     using Instant = std::chrono::steady_clock::time_point;
     using Duration = std::chrono::duration<double>; // seconds
 
-    /** At `now` it is `tick`; from then on, time goes by so many times as fast as the machine's. */
+    /** At `now` the time is `tick`; from then on it advances `factor` times as fast as the wall clock. */
     void start(station::Tick tick, double factor, Instant now) {
         m_tick = tick;
         m_factor = factor;
@@ -26,7 +26,7 @@ public:
         const double ticks = Duration(now - m_start).count() * m_factor * double{station::ticksPerSecond};
         return station::later(m_tick, static_cast<station::Tick>(std::clamp(ticks, 0.0, 9e18)));
     }
-    /** How long so many ticks take. */
+    /** The duration of a number of ticks. */
     Duration durationOf(station::Tick ticks) const {
         return Duration(static_cast<double>(ticks) / (double{station::ticksPerSecond} * m_factor));
     }

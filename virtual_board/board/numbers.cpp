@@ -15,7 +15,7 @@ template <typename To, typename From> To cast(From value) {
     if constexpr (std::is_integral_v<To> && std::is_floating_point_v<From>) {
         using Limits = std::numeric_limits<To>;
         if (std::isnan(value)) return 0;
-        // The limits as doubles can lie one beyond; so "not below" decides.
+        // As doubles the limits may be one too large, so compare with "not below".
         if (value >= static_cast<From>(Limits::max())) return Limits::max();
         if (value <= static_cast<From>(Limits::min())) return Limits::min();
     }
@@ -31,7 +31,7 @@ template <typename Number> std::uint64_t packed(Number value) {
         return std::uint64_t{value};
 }
 
-/** Calls `use` with a value of the C++ type of a number. */
+/** Calls `use` with the number as a value of its C++ type. */
 template <typename Use> auto withNumber(Type type, std::uint64_t bits, Use use) {
     switch (type) {
     case Type::i32:

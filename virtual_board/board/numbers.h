@@ -18,18 +18,18 @@ int tagOf(Type type);
 constexpr bool isNumber(Type type) { return type != Type::text && type != Type::field; }
 
 /**
- * The same number as another type. Between integers the upper bits are cut, as a register does; a double
- * becomes the nearest integer towards zero that the type can hold.
+ * The same number as another type. Between integers the upper bits are dropped, as in a register; a double
+ * is truncated and clamped to the range of the type.
  */
 std::uint64_t converted(Type from, std::uint64_t bits, Type to);
 
-/** The number of that type at `source`, and the other way. No alignment is asked for. */
+/** Loads or stores a number of that type at any alignment. */
 std::uint64_t loadNumber(Type type, const void* source);
 void storeNumber(Type type, std::uint64_t bits, void* destination);
 
 /** "u32", "f64", ... */
 const char* typeWord(Type type);
-/** Decimal; of a double the shortest that reads back the same. */
+/** Decimal; for a double the shortest text that reads back the same. */
 std::string numberText(Type type, std::uint64_t bits);
 
 } // namespace vboard

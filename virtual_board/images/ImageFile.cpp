@@ -10,7 +10,7 @@
 namespace vboard {
 namespace {
 
-/** A number of the header, behind blanks and comments; 0 if there is none. */
+/** A number of the header, after blanks and comments; 0 if there is none. */
 std::uint32_t headerNumber(std::istream& file) {
     file >> std::ws;
     while (file.peek() == '#') {
@@ -22,7 +22,7 @@ std::uint32_t headerNumber(std::istream& file) {
     return file ? number : 0;
 }
 
-/** A binary PPM or PGM, behind the two bytes of its magic number. */
+/** A binary PPM or PGM, after the two bytes of its magic number. */
 ImageOfFile readPnm(std::istream& file, bool isGrey) {
     auto raster = std::make_shared<station::Raster>();
     raster->width = headerNumber(file);
@@ -72,7 +72,7 @@ ImageOfFile imageOf(PixelRows rows) {
 
 ImageOfFile readAnyImage(const std::string& path) {
     std::error_code error;
-    if (!std::filesystem::is_regular_file(path, error)) // a pipe might never answer
+    if (!std::filesystem::is_regular_file(path, error)) // a read from a pipe might block for ever
         return {.trouble = "there is no such regular file"};
     std::ifstream file(path, std::ios::binary);
     char start[4] = {};

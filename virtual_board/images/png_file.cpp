@@ -66,7 +66,7 @@ const PngLibrary& png() {
     return library;
 }
 
-/** Everything that is read lives here: the library goes back to read() after an error. */
+/** All objects used while reading are members: after an error the library jumps back to read(). */
 class PngReader {
 public:
     explicit PngReader(const std::string& path)

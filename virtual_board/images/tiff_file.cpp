@@ -12,7 +12,7 @@
 namespace vboard {
 namespace {
 
-/** Its errors come to a place of the caller's: the handlers of the process are the host's. */
+/** Errors go to a handler of each open file, as the process-wide handlers belong to the host. */
 struct TiffLibrary {
     decltype(TIFFOpenOptionsAlloc)* makeOptions;
     decltype(TIFFOpenOptionsFree)* freeOptions;
@@ -47,7 +47,7 @@ const TiffLibrary& tiffs() {
     return library;
 }
 
-/** The first reason counts; the ones behind it follow from it. */
+/** Only the first reason is kept; later ones follow from it. */
 struct FirstReason {
     char text[160] = "";
 };
@@ -68,7 +68,7 @@ OpenTiff openTiff(const std::string& path, FirstReason& reason) {
     tiffs().setError(options, noteReason, &reason);
     tiffs().setWarning(options, ignoreWarning, nullptr);
     TIFF* const tiff =
-        tiffs().open(path.c_str(), "rm", options); // m: the file is not mapped, for it may shrink
+        tiffs().open(path.c_str(), "rm", options); // m: the file is not mapped, because it may shrink
     tiffs().freeOptions(options);
     return {tiff, tiffs().close};
 }
@@ -79,7 +79,7 @@ template <typename Number> Number fieldOf(const OpenTiff& tiff, std::uint32_t ta
     return number;
 }
 
-/** Why an image is of a kind that is not read; empty if it is read. */
+/** Why this kind of image is not supported; empty if it is. */
 std::string whyNot(const OpenTiff& tiff, const PixelRows& rows) {
     const auto meaning = fieldOf<std::uint16_t>(tiff, TIFFTAG_PHOTOMETRIC);
     const bool isGrey = meaning == PHOTOMETRIC_MINISBLACK || meaning == PHOTOMETRIC_MINISWHITE;

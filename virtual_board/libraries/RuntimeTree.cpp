@@ -5,7 +5,7 @@ namespace {
 
 constexpr const char* runtimeGroup = "Runtime";
 
-/** Length of the first part of a name: up to "_", but a number belongs to the part before it. */
+/** Length of the first part of a name: up to "_", where a number belongs to the part before it. */
 std::size_t lengthOfPart(std::string_view name) {
     std::size_t end = name.find('_');
     while (end != std::string_view::npos) {
@@ -66,7 +66,7 @@ RuntimeTree::Group& RuntimeTree::groupOf(std::string_view path) {
     Group*& known = m_groupByPath[std::string(path)];
     if (known != nullptr) return *known;
     Group& group = m_groups.emplace_back();
-    known = &group; // the reference dies with the next entry of the map
+    known = &group; // the map's next insertion invalidates the reference
 
     const std::size_t start = startOfLeaf(path);
     group.record.kind = REGISTER_KIND_GROUP;

@@ -1,4 +1,4 @@
-/** The runtime's own tree of parameter descriptions, made from the table of parameters. */
+/** The runtime's own tree of parameter descriptions, built from the table of parameters. */
 #ifndef VIRTUAL_BOARD_LIBRARIES_RUNTIMETREE_H
 #define VIRTUAL_BOARD_LIBRARIES_RUNTIMETREE_H
 
@@ -17,7 +17,7 @@ namespace vboard {
 /**
  * Groups follow the parts of the names ("Device1" > "Process0" > "Buffer_0" > ...); the top-level chain ends
  * with the group of the runtime's own parameters. A leaf has the full name and the id. The values are those
- * at the time when the tree is made. Everything belongs to the tree.
+ * at the time when the tree is built. The tree owns all records.
  */
 class RuntimeTree {
 public:
@@ -25,7 +25,7 @@ public:
     RegisterInfo* root() const { return m_root; }
 
 private:
-    /** A group with its children, kept where the record points to. */
+    /** A group with its children, stored where the record points to. */
     struct Group {
         RegisterInfo record{};
         std::vector<RegisterInfo*> children;
@@ -36,7 +36,7 @@ private:
     void describe(RegisterInfo& record, std::string_view label);
     void link(RegisterInfo& record, Group& parent);
     void addLeaf(Board& board, int row) REQUIRES(board.mutex());
-    /** Kind, limits and number; a text is left out. */
+    /** Kind, limits and number; texts are not set here. */
     void describeValue(RegisterInfo& record, const ParameterRow& row, std::uint64_t value);
     void describeEntries(RegisterInfo& record, const ParameterRow& row, std::uint64_t value);
 

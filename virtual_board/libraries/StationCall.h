@@ -1,4 +1,4 @@
-/** How a control function gets at the station of a board. */
+/** Access of the control functions to the station of a board. */
 #ifndef VIRTUAL_BOARD_STATION_CALL_H
 #define VIRTUAL_BOARD_STATION_CALL_H
 
@@ -8,7 +8,7 @@
 
 namespace vboard {
 
-/** What the function answers to the station of a board that is there. */
+/** The result of the function for the station of a board; handles a null board. */
 template <typename Function> int perform(LOOMdevice* board, Function function) {
     if (board == nullptr) return VBOARD_UNKNOWN;
     return guarded(int{VBOARD_NO_MEMORY}, [&]() -> int {

@@ -1,4 +1,4 @@
-// The control functions: what a host steers the model with.
+// The control functions: how a host controls the model.
 
 #include "virtual_board/virtual_board.h"
 
@@ -17,7 +17,7 @@ using namespace vboard;
 
 namespace {
 
-/** VBOARD_OK if the function knows what it is about. */
+/** VBOARD_OK if the function returns true, which means that it knows the name. */
 template <typename Function> int knownTo(Function function) {
     return guarded(int{VBOARD_NO_MEMORY}, [&] { return known(function()); });
 }

@@ -10,7 +10,7 @@
 
 namespace {
 
-/** Type code of the designs that this board can take. */
+/** Type code of the designs that this board accepts. */
 constexpr int designType = 1880;
 
 fpga_design* load() {

@@ -1,4 +1,4 @@
-// The logging dispatcher, libcommon-logging-dispatcher.so: lines go to the standard error.
+// The logging dispatcher, libcommon-logging-dispatcher.so: writes lines to the standard error.
 
 #include "vexo/logging_dispatcher.h"
 
@@ -10,7 +10,7 @@
 
 namespace {
 
-/** Lines from this level on are printed; 7, above all levels in use, when the environment says nothing. */
+/** Lines from this level on are printed; by default 7, which is above all levels in use. */
 std::uint32_t threshold() {
     constexpr std::uint32_t nothing = 7;
     const char* text = std::getenv("VBOARD_LOG_LEVEL");
@@ -23,7 +23,7 @@ std::uint32_t threshold() {
 
 std::mutex namesMutex;
 
-/** Names of the loggers; a handle is a position, from 1. Under namesMutex. */
+/** Names of the loggers; a handle is a position, from 1. Guarded by namesMutex. */
 std::vector<std::string>& names() {
     static std::vector<std::string> kept;
     return kept;

@@ -1,4 +1,4 @@
-// The access of registers, libvexo_hw.so.
+// Access to registers, libvexo_hw.so.
 
 #include "vexo/fg_errors.h"
 #include "virtual_board/board/Board.h"

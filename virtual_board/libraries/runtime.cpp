@@ -16,7 +16,7 @@
 
 using namespace vboard;
 
-/** The runtime's handle: a board with a design on it. */
+/** The runtime's handle: a board with a loaded design. */
 struct Fg_Struct_s {
     Fg_Struct_s(Board& itsBoard, std::shared_ptr<const Design> itsDesign)
         : board(itsBoard)
@@ -75,7 +75,7 @@ Fg_Struct* initHandle(const char*, LOOMdevice* device, fpga_design* design) {
 }
 
 int freeGrabber(Fg_Struct* fg) {
-    // Freed whatever the answer is: callers do not retry.
+    // Freed whatever the result is: callers do not retry.
     const std::unique_ptr<Fg_Struct> freed(fg);
     return call(fg, entry("Fg_FreeGrabber"), nothing);
 }
@@ -97,7 +97,7 @@ int getParameterWithType(Fg_Struct* fg, int id, void* value, int dma, int type) 
         char* text = nullptr;
         std::memcpy(&text, value, sizeof text);
         const MutexLock lock(fg->board.mutex());
-        fg->texts.push_back(std::unique_ptr<char[]>(text)); // freed if there is no room for it
+        fg->texts.push_back(std::unique_ptr<char[]>(text)); // freed if this throws
         Live::add(Live::strings, 1);
     }
     return result;

@@ -1,10 +1,10 @@
 /*
  * The exported names of libgrabcore5.so.
  *
- * Each is an indirect function: dlsym asks its resolver, at every look-up, where the function is, and a
- * hidden one is nowhere, so that dlsym answers null. The library is therefore for dlopen and dlsym only;
- * nothing in it may refer to these names itself. Resolvers run while the loader is at work and stay out of
- * the sanitizers' hands.
+ * Each is an indirect function: at every look-up, dlsym calls its resolver for the address. The resolver of a
+ * hidden function returns null, and so does dlsym. The library is therefore for dlopen and dlsym only;
+ * nothing in it may refer to these names itself. Resolvers run while the loader is at work, so they are not
+ * instrumented by the sanitizers.
  */
 
 #include "virtual_board/tables/runtime_entries.h"

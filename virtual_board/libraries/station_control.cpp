@@ -13,7 +13,7 @@ using namespace vboard;
 
 namespace {
 
-/** Connects the wave that `make` gives for the first tick to come. */
+/** Connects the wave that `make` returns for the next tick. */
 template <typename Make>
 int connect(LOOMdevice* board, unsigned input, Make make, std::size_t second = station::inputCount) {
     return perform(board, [&](station::Station& station) {
@@ -47,7 +47,7 @@ int codeOf(station::HostMemory::Result result) {
 } // namespace
 
 int vboard_clock(LOOMdevice* board, double factor) {
-    const bool isSound = factor == 0 || (factor >= 1e-3 && factor <= 1e3); // not a number is neither
+    const bool isSound = factor == 0 || (factor >= 1e-3 && factor <= 1e3); // NaN is neither
     if (board == nullptr || !isSound) return VBOARD_UNKNOWN;
     return guarded(int{VBOARD_NO_MEMORY}, [&] {
         const StationLock lock(*board);
@@ -72,7 +72,7 @@ uint64_t vboard_advance(LOOMdevice* board, uint64_t ticks) {
         board->publishAcquisition();
         return after;
     });
-    return now > 0 ? now : vboard_now(board); // without memory it got as far as that
+    return now > 0 ? now : vboard_now(board); // if memory runs out, the time that it reached
 }
 
 int vboard_wave_level(LOOMdevice* board, unsigned input, bool level) {
@@ -166,7 +166,7 @@ int vboard_frame(vboard_frames* memory, int64_t picture, vboard_record* record) 
             const StationLock lock(memory->board);
             result = memory->memory->begin(picture, drawing);
         }
-        if (result == Memory::Result::ok) result = Memory::draw(drawing); // other threads go on meanwhile
+        if (result == Memory::Result::ok) result = Memory::draw(drawing); // other threads continue meanwhile
         const MutexLock lock(memory->board.mutex());
         std::span<const std::uint8_t> bytes;
         if (result == Memory::Result::ok) result = memory->memory->end(drawing, bytes);
@@ -192,7 +192,7 @@ int vboard_frame_into(vboard_frames* memory, int64_t picture, void* place, uint6
                                             static_cast<std::size_t>(found->bytes()));
         *record = recordOf(*found, bytes);
         const bool fits = bytes.size() <= size;
-        if (fits) renderer->render(*found, bytes); // other threads go on meanwhile
+        if (fits) renderer->render(*found, bytes); // other threads continue meanwhile
         const MutexLock lock(memory->board.mutex());
         memory->memory->giveBack(std::move(renderer));
         return fits ? int{VBOARD_OK} : int{VBOARD_TOO_SMALL};

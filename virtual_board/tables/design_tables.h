@@ -1,5 +1,5 @@
 /**
- * What the virtual design consists of: its parameters, registers and events, one table for each.
+ * The content of the virtual design: its parameters, registers and events, one table for each.
  *
  * The tables are the model's own; nothing here is shared with the applet library.
  */
@@ -18,10 +18,10 @@
 
 namespace vboard {
 
-/** Kind of a value, of a parameter or as a caller hands it through. */
+/** Type of a value, of a parameter or as passed by a caller. */
 enum class Type : std::uint8_t { i32, u32, i64, u64, f64, text, field };
 
-/** A row as an index; there must be one (-1 means none). */
+/** A row as an index; the row must exist (-1 means none). */
 constexpr std::size_t place(int row) { return static_cast<std::size_t>(row); }
 
 /** Elements of an array parameter. */
@@ -34,8 +34,8 @@ struct EnumEntry {
 };
 
 /**
- * One parameter. Numbers are kept as 64 bits: integers widened with their own sign, doubles as their bit
- * pattern. A row starts with one of the makers below and goes on with what is special about it.
+ * One parameter. Numbers are stored as 64 bits: integers widened with their own sign, doubles as their bit
+ * pattern. A row starts with one of the makers below, followed by its special properties.
  */
 struct ParameterRow {
     const char* name = nullptr; // full name
@@ -48,7 +48,7 @@ struct ParameterRow {
     const char* unit = "";
     std::span<const EnumEntry> entries{};
     bool clearedByReading = false;
-    int number = 0; // of the runtime's own parameters: the id that they answer to
+    int number = 0; // of the runtime's own parameters: their id
 
     constexpr ParameterRow in(const char* unitText) const {
         ParameterRow row = *this;
@@ -138,15 +138,15 @@ std::span<const ParameterRow> parameterRows();
 std::span<const RegisterRow> registerRows();
 std::span<const TslEvent> eventRows();
 
-/** Row of the parameter of that name, or -1. One hash lookup. */
+/** Row of the parameter with that name, or -1. One hash lookup. */
 int findParameter(std::string_view name);
-/** Row of the register of that name or id, or -1. */
+/** Row of the register with that name or id, or -1. */
 int findRegister(std::string_view name);
 int findRegister(int id);
 
-/** The design's parameters answer to the ids from firstParameterId on, in the order of their rows. */
+/** The ids of the design's parameters start at firstParameterId, in the order of their rows. */
 inline constexpr int firstParameterId = 10001;
-/** Row that answers to `id`, or -1. */
+/** Row with this `id`, or -1. */
 int rowOfId(int id);
 /** Id of a row. */
 int idOfRow(int row);

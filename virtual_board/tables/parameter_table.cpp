@@ -205,13 +205,13 @@ constexpr ParameterRow parameters[] = {
     u32("Device1_Process0_OutputFormat_Debug_YPosition", readOnly, 0),
     u32("Device1_Process0_OutputFormat_Debug_PixelValue", readOnly, 0).upTo(0xffff'ffff),
 
-    // A second device beside the image path.
+    // A second device besides the image path.
     u32("Device2_LinkMonitor_Enable", writable, 1).oneOf(offOn),
     u32("Device2_LinkMonitor_Lane0_ErrorCount", readOnly, 0),
     u32("Device2_LinkMonitor_Lane1_ErrorCount", readOnly, 3),
     i64("Device2_LinkMonitor_Skew", writable, -12).in("ps"),
 
-    // The runtime's own parameters. They answer to a number; no name leads to it.
+    // The runtime's own parameters. They have an id; they cannot be looked up by name.
     u32("FG_APC_STOP_TIMEOUT", readOnly, 500).in("ms").answersTo(601),
     u32("FG_CAMSTATUS_EXTENDED", readOnly, 0x07).answersTo(2050),
     u32("FG_NR_OF_DMAS", readOnly, 1).answersTo(3050),

@@ -5,7 +5,7 @@
 namespace vboard {
 namespace {
 
-// Ids are the addresses on the board; they follow no order of the list.
+// Ids are the addresses on the board; the list is not sorted by them.
 constexpr RegisterRow registers[] = {
     {"BoardId", 0x100, 32, readOnly, 0x0002'0880},
     {"Control", 0x110, 32, writable, 0},

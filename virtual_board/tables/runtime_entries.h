@@ -28,7 +28,7 @@ constexpr int findEntry(std::string_view name) {
     return -1;
 }
 
-/** The same for a name in our own sources; a wrong one does not compile. */
+/** The same for a name in this project's sources; an unknown one does not compile. */
 consteval int entry(std::string_view name) {
     const int found = findEntry(name);
     if (found < 0) throw "no function of the runtime";

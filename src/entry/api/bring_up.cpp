@@ -59,11 +59,11 @@ void* Std_entry(LOOMdevice* device, int* error, int flags) {
     result = wrapper->initializeDllFunctions(runtimeLibrary);
     if (result != FG_OK) return nullptr;
 
-    // If anything throws from here on, a design without an owner is unloaded before the object ends.
+    // If anything throws from here on, an unowned design is unloaded before the object is destroyed.
     const char* name = FgLoomWrapperImpl::tslFileName();
     std::unique_ptr<fpga_design, UnloadDesign> design(loadDesign(name));
     if (design == nullptr) {
-        // No clean-up: the object and the opened runtime are left behind, as fg_api.h says.
+        // No clean-up: the object and the opened runtime are leaked, as fg_api.h documents.
         static_cast<void>(wrapper.release());
         result = FG_ERR_INIT;
         return nullptr;
@@ -72,7 +72,7 @@ void* Std_entry(LOOMdevice* device, int* error, int flags) {
     if (result != FG_OK) return nullptr;
     wrapper->initHandles(device, design.release());
 
-    // The runtime's inner grabber exists now, and ends before the object does.
+    // The runtime's inner grabber exists now, and must be freed before the object.
     std::unique_ptr<FgLoomWrapperImpl, EndGrabber> grabber(wrapper.release());
     grabber->publishParameterTables();
     grabber->resolveDesignParameterIds();

@@ -1,4 +1,4 @@
-/** Where the design comes from. */
+/** Loading of the design. */
 #ifndef ENTRY_API_DESIGN_SOURCE_H
 #define ENTRY_API_DESIGN_SOURCE_H
 
@@ -8,8 +8,8 @@
 inline constexpr int designTypeCode = 1880;
 
 /**
- * Loads the design out of the library, or out of a file called `tslName` when the environment variable
- * __VEXO_FORCE_EXTERNAL_TSL is set, to whatever. Null if the loader refuses it.
+ * Loads the design embedded in the library, or the file `tslName` if the environment variable
+ * __VEXO_FORCE_EXTERNAL_TSL is set to any value. Null if the loader refuses it.
  */
 fpga_design* loadDesign(const char* tslName);
 

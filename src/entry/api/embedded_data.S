@@ -1,7 +1,7 @@
-/* On pages of its own and read-only, so that the image costs no memory until it is read. */
+/* Read-only and on separate pages, so that the image uses no memory until it is read. */
 
 #ifdef __CET__
-#include <cet.h> /* the mark that this object holds nothing against control flow protection */
+#include <cet.h> /* marks this object as compatible with control flow protection */
 #endif
 
         .section .rodata.design, "a", @progbits

@@ -1,4 +1,4 @@
-/** The blocks of data that the library carries. */
+/** The data blocks embedded in the library. */
 #ifndef ENTRY_API_EMBEDDED_DATA_H
 #define ENTRY_API_EMBEDDED_DATA_H
 
@@ -11,7 +11,7 @@ extern const unsigned char appletIcon[];
 extern const unsigned char appletIconEnd[];
 }
 
-/** The design image is only ever handed on whole; its pages are read by whoever looks inside. */
+/** The library itself never reads the design image: it passes on its address and size. */
 inline std::size_t designImageSize() {
     return static_cast<std::size_t>(appletDesignImageEnd - appletDesignImage);
 }

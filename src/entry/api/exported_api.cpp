@@ -1,6 +1,6 @@
-// The exported functions. Each tests its handle, then has one expression.
+// The exported functions. Each checks its handle, then evaluates one expression.
 //
-// None is noexcept and none catches anything: what an operation throws leaves through the function.
+// None is noexcept and none catches anything: exceptions of an operation propagate to the caller.
 
 #include "vexo/fg_api.h"
 
@@ -18,8 +18,8 @@ struct Fg_Struct_s {
 namespace {
 
 /**
- * Calls `operation` with the object behind a handle. A bad handle, null or with a first word that is null or
- * leads to no object of ours, answers `refused`.
+ * Calls `operation` with the object of a handle. Returns `refused` for an invalid handle: one that is null or
+ * has a first word that does not point to an object of this library.
  */
 template <typename Operation, typename Result>
 Result withWrapper(const Fg_Struct* fg, Result refused, Operation operation) {
@@ -160,7 +160,7 @@ int Fg_getLastErrorNumber(Fg_Struct* fg) {
 
 RegisterInfo* Fg_getParameterInfo(Fg_Struct* fg, int index) {
     return withWrapper(fg, static_cast<RegisterInfo*>(nullptr), [&](FgLoomWrapper& wrapper) {
-        // An object without a runtime is asked through Info instead.
+        // For an object without a runtime, the tree is queried through Info.
         return isBound(wrapper, &RuntimeFunctions::Fg_getParameterInfo) ? wrapper.Fg_getParameterInfo(index)
                                                                         : nullptr;
     });

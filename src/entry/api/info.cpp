@@ -1,4 +1,4 @@
-// The stateless query function: what a runtime can ask about this applet without an object.
+// The stateless query function: information about this applet that needs no object.
 
 #include "catalogue/enumerations.h"
 #include "entry/FgLoomWrapperImpl.h"
@@ -77,7 +77,7 @@ template <typename Rows> const auto* rowOf(const Rows& rows, int code) {
     return static_cast<decltype(&rows[0])>(nullptr);
 }
 
-/** Stores a word of the caller's; a null place skips the store. */
+/** Stores a word at the caller's address, unless that is null. */
 template <typename Word> void store(void* place, Word word) {
     // NOLINTNEXTLINE(bugprone-sizeof-expression): some words are pointers
     if (place != nullptr) std::memcpy(place, &word, sizeof word);
@@ -104,7 +104,7 @@ int createOffline(void* out) {
 }
 
 int offlineTree(int tree, void* instance, void* out) {
-    // A negative tree is no error: callers get a null root.
+    // A negative tree index is not an error: callers get a null root.
     auto* wrapper = static_cast<FgLoomWrapper*>(instance);
     if (tree > 0 || out == nullptr || !LiveObjects::has(wrapper)) return FG_ERR_INVALID_ARGUMENT;
     store(out, wrapper->Fg_getParameterInfo(tree));

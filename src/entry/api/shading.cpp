@@ -1,4 +1,4 @@
-// The shading operations. There is no shading hardware: they complete the set of names.
+// The shading operations. There is no shading hardware: they only complete the API.
 
 #include "entry/FgLoomWrapper.h"
 

@@ -22,7 +22,7 @@ constexpr std::string_view placeholder = "XXXXXX";
 constexpr int attempts = 62 * 62 * 62;
 constexpr std::uint64_t stepAfterFailure = 7777;
 
-// Names depend on the uptime and on what exists only: no random source is needed.
+// Names derive from the uptime and a counter, and existing files are skipped: no random source is needed.
 std::atomic<std::uint64_t> counter{0};
 
 std::uint64_t uptimeSeconds() {

@@ -9,7 +9,7 @@
 /** An entry that this library binds but never calls: the runtime's complete set of names. */
 using UncalledFunction = void();
 
-/** Calls a function of the runtime; answers `missing` if the runtime lacks it. */
+/** Calls a function of the runtime; returns `missing` if the runtime lacks it. */
 template <typename Result, typename... Parameters, typename... Arguments>
 Result callOr(std::type_identity_t<Result> missing, Result (*function)(Parameters...),
               Arguments... arguments) {
@@ -22,10 +22,10 @@ struct RuntimeFunctions {
 #include "entry/runtime/runtime_functions.def"
 #undef RUNTIME_FUNCTION
 
-    /** The parameter access functions answer 0 and do nothing: what an object without a runtime works on. */
+    /** Parameter access functions that return 0 and do nothing, for an object without a runtime. */
     static RuntimeFunctions inert();
 
-    /** Looks every function up in an opened library; a missing one becomes null, also over an inert one. */
+    /** Looks up every function in an opened library; a missing one becomes null, even if it was inert. */
     void bind(void* library);
 };
 

@@ -44,7 +44,7 @@ int FgLoomWrapper::runFgInit(const char* tslName, LOOMdevice* device, fpga_desig
     if (own.initHandleSlaveAware != nullptr) {
         own.grabcoreFg = own.initHandleSlaveAware(tslName, device, design, flags);
     } else {
-        used = "Fg_InitHandle"; // has no flags: they are lost
+        used = "Fg_InitHandle"; // takes no flags: they are dropped
         own.grabcoreFg = own.initHandle(tslName, device, design);
     }
     if (own.grabcoreFg == nullptr) {

@@ -7,7 +7,7 @@
 
 namespace {
 
-/** What is cleared in front of a text even if the text before was shorter. */
+/** Minimum number of bytes cleared before a text is read, even if the previous text was shorter. */
 constexpr std::size_t leastCleared = 256;
 
 } // namespace

@@ -5,30 +5,30 @@
 #include <cstddef>
 #include <string>
 
-/** What the names of the design's parameters of process 0 begin with. */
+/** Prefix of the names of the design's parameters of process 0. */
 inline constexpr char process0[] = "Device1_Process0_";
 
-/** Value of the digit at a place of a text; of what is none, and behind the end, what its code gives. */
+/** Value of the digit at an index; other characters, and the end of the text, give their code minus '0'. */
 inline int digitAt(const std::string& text, std::size_t place) {
     return (place < text.size() ? text[place] : '\0') - '0';
 }
 
-/** Room for any text of a design: a design as a whole has half as many bytes. */
+/** Room for any text of a design: the whole design has half as many bytes. */
 inline constexpr std::size_t runtimeTextRoom = 16 << 20;
 
 /**
- * Room that texts of the runtime are written to, one after the other, zeroed each time. It is reserved address space:
- * only the pages that the runtime writes to take memory, and they go with the room.
+ * A buffer that texts of the runtime are written to, one after the other, zeroed each time. It is reserved
+ * address space: only the pages that the runtime writes to use memory, and the destructor releases them.
  */
 class RuntimeTextRoom {
 public:
-    /** Room for `length` characters at least. Throws std::bad_alloc. */
+    /** Room for at least `length` characters. Throws std::bad_alloc. */
     explicit RuntimeTextRoom(std::size_t length = 0);
     ~RuntimeTextRoom();
     RuntimeTextRoom(const RuntimeTextRoom&) = delete;
     RuntimeTextRoom& operator=(const RuntimeTextRoom&) = delete;
 
-    /** The text that `read` writes to the place that it is called with. */
+    /** Returns the text that `read` writes to the address passed to it. */
     template <typename Read> std::string take(Read read) {
         clear();
         read(m_data);

@@ -14,7 +14,7 @@ namespace vexo::templates::patterns {
 /**
  * A lock that counts its holders, so that misuse ends in an assertion.
  *
- * The order of the virtual operations is that of the slots and stays.
+ * The order of the virtual operations is the vtable layout and must not change.
  */
 class CAPABILITY("mutex") GenericLock {
 public:
@@ -34,7 +34,7 @@ public:
     virtual bool tryLock(std::uint32_t timeout) TRY_ACQUIRE(true) = 0;
     virtual void unlock() RELEASE() = 0;
 
-    /** Takes the lock and counts, even where taking it failed. */
+    /** Takes the lock and counts, even if taking it failed. */
     void enter() ACQUIRE() {
         lock();
         countIn();
@@ -50,7 +50,7 @@ protected:
     // The count only shows misuse; the lock itself orders what it protects.
     void countIn() { m_count.fetch_add(1, std::memory_order_relaxed); }
     void countOut() { assertHeld(m_count.fetch_sub(1, std::memory_order_relaxed)); }
-    // For a holder while no other thread changes the count: without a locked instruction.
+    // For a holder while no other thread changes the count; avoids a locked instruction.
     void countInAlone() {
         m_count.store(m_count.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
     }
@@ -83,7 +83,7 @@ public:
           m_autoLock(autoLock) {
         if (m_autoLock) m_lock->enter();
     }
-    // Always inline: where a derived guard has released the lock, nothing of this remains.
+    // Always inlined: where a derived guard has released the lock, the compiler removes this.
     [[gnu::always_inline]] ~GenericLockGuard() override NO_THREAD_SAFETY_ANALYSIS {
         if (m_autoLock && m_active && m_lock->isLocked()) m_lock->leave();
         if (m_ownsLock) delete m_lock;

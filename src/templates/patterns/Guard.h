@@ -1,4 +1,4 @@
-/** What all scoped guards of a lock have in common. */
+/** Common base of all scoped guards of a lock. */
 #ifndef TEMPLATES_PATTERNS_GUARD_H
 #define TEMPLATES_PATTERNS_GUARD_H
 

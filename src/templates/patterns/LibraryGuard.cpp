@@ -43,7 +43,7 @@ void LibraryInitController::deinit() {
     if (--mUseCount != 0) return;
     for (void (*function)() : mInstance->mExitFunctions)
         function();
-    // Not a plain walk: the end of one singleton may be the first use of another.
+    // Not a range-based loop: the destruction of one singleton may create another.
     while (!mInstance->mSingletons.empty()) {
         GuardedSingletonBase* newest = mInstance->mSingletons.front();
         mInstance->mSingletons.pop_front();

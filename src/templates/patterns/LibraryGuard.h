@@ -1,4 +1,4 @@
-/** The span in which the library is in use, and the singletons that live in it. */
+/** The users of the library, and the singletons that exist while there are any. */
 #ifndef TEMPLATES_PATTERNS_LIBRARYGUARD_H
 #define TEMPLATES_PATTERNS_LIBRARYGUARD_H
 
@@ -8,10 +8,10 @@
 #include <cstdint>
 #include <memory>
 
-/** What the controller knows of a singleton. The order of the virtual operations stays. */
+/** The controller's view of a singleton. The order of the virtual operations must not change. */
 class GuardedSingletonBase {
 public:
-    /** The variable through which the finished singleton is found. */
+    /** The variable that points to the completed singleton. */
     using InstanceSlot = std::atomic<GuardedSingletonBase*>;
 
     GuardedSingletonBase() = default;
@@ -25,16 +25,16 @@ public:
 };
 
 /**
- * Counts the users of the library. The end of the last one destroys the singletons, the newest first; the
- * next user starts anew.
+ * Counts the users of the library. When the last one leaves, the singletons are destroyed, newest first; the
+ * next user starts afresh.
  */
 class LibraryInitController {
 public:
-    /** A user begins. */
+    /** Adds a user. */
     static void init();
-    /** A user ends. There must be one. */
+    /** Removes a user. There must be one. */
     static void deinit();
-    /** The singleton is destroyed with the last user; without any user it is not registered and stays. */
+    /** Destroys the singleton with the last user; without a user it is not registered and never destroyed. */
     static void registerLibraryObject(GuardedSingletonBase* singleton);
 
     /** When set, each step prints a line on the standard output. For use from a debugger. */
@@ -53,7 +53,7 @@ private:
     static std::uint32_t mUseCount;
 };
 
-/** A singleton that lives from its first use to the end of the library's last user. */
+/** A singleton that exists from its first use until the library's last user leaves. */
 template <typename T> class GuardedSingleton : public GuardedSingletonBase {
 public:
     /** The singleton, created on first use. From within its creation: the object being created. */
@@ -78,7 +78,7 @@ public:
 
 protected:
     GuardedSingleton() { s_creating.store(this, std::memory_order_release); }
-    /** The object from the beginning of its creation to its end, else null. Creates nothing. */
+    /** The object from the start of its creation to its destruction, else null. Creates nothing. */
     static T* current() { return static_cast<T*>(s_creating.load(std::memory_order_acquire)); }
 
 private:

@@ -13,7 +13,7 @@ namespace vexo::templates::platform {
  * A mutex that is not recursive.
  *
  * A nested enter() by the thread that holds it does not block: the mutex's error is ignored and the count
- * still rises. The leave() of the nested holder releases the mutex, that of the outer one then releases
+ * still rises. The nested leave() releases the mutex, and the outer leave() then releases
  * nothing.
  */
 class CAPABILITY("mutex") CriticalSection final : public patterns::GenericLock {
@@ -38,8 +38,8 @@ public:
     }
     void unlock() override RELEASE() NO_THREAD_SAFETY_ANALYSIS { pthread_mutex_unlock(m_mutex); }
 
-    // As in the base, with the calls bound at compile time: a routed access passes here each time. The mutex protects
-    // the count too, until a thread nests: its outer leave() then counts without holding the mutex.
+    // As in the base, with the calls bound at compile time, as every routed access runs this code. The mutex
+    // protects the count too, until a thread nests: its outer leave() then counts without holding the mutex.
     void enter() ACQUIRE() {
         lock();
         m_wasNested.load(std::memory_order_relaxed) ? countIn() : countInAlone();

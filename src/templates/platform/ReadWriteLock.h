@@ -11,7 +11,7 @@
 
 namespace vexo::templates::platform {
 
-/** A lock within one process that readers share and a writer has alone. */
+/** A lock within one process that readers share and a writer holds exclusively. */
 class CAPABILITY("mutex") ReadWriteLock {
 public:
     ReadWriteLock() {
@@ -36,8 +36,8 @@ private:
 /**
  * Holds a ReadWriteLock for a scope.
  *
- * The modes have types of their own, so that the analysis knows which lock is held; with a mode that is known
- * at run time only it does not follow.
+ * The modes have their own types, so that the analysis knows which lock is held; it cannot follow a mode that
+ * is known only at run time.
  */
 class SCOPED_CAPABILITY ReadWriteLockGuard final : public patterns::Guard<ReadWriteLock*> {
 public:
@@ -50,7 +50,7 @@ public:
         : ReadWriteLockGuard(lock, mode.value) {}
     ReadWriteLockGuard(ReadWriteLock* lock, Write mode) ACQUIRE(lock) NO_THREAD_SAFETY_ANALYSIS
         : ReadWriteLockGuard(lock, mode.value) {}
-    /** A mode that is neither read nor write takes nothing; the caller then holds the lock already. */
+    /** A mode that is neither read nor write takes nothing; the caller must then hold the lock already. */
     ReadWriteLockGuard(ReadWriteLock* lock, std::uint32_t mode) NO_THREAD_SAFETY_ANALYSIS : Guard(lock),
                                                                                             m_mode(mode) {
         if (m_mode == read) m_lock->lockRead();

@@ -35,7 +35,7 @@ public:
         pthread_mutex_lock(&m_mutex);
         m_count.fetch_add(1, std::memory_order_relaxed);
     }
-    /** Somebody must hold the mutex. */
+    /** The mutex must have a holder. */
     void unlock() RELEASE() NO_THREAD_SAFETY_ANALYSIS {
         assertThat(m_count.fetch_sub(1, std::memory_order_relaxed) > 0, "m_count > 0",
                    {"templates/platform/RecursiveMutex", 92,

@@ -18,7 +18,7 @@ using SpinOwner = std::atomic<pthread_t>;
  * Holds a spin variable for a scope.
  *
  * With an owner variable the holder may enter again: the inner guard takes and releases nothing. Waiting
- * yields the processor and has no time-out; hold it for short pieces of work only.
+ * yields the processor and has no time-out; hold it for short work only.
  */
 class SpinLockVariableGuard {
 public:

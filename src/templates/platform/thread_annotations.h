@@ -1,4 +1,4 @@
-/** Attributes for clang's thread safety analysis. They mean nothing to other compilers. */
+/** Attributes for clang's thread safety analysis; empty for other compilers. */
 #ifndef TEMPLATES_PLATFORM_THREAD_ANNOTATIONS_H
 #define TEMPLATES_PLATFORM_THREAD_ANNOTATIONS_H
 
