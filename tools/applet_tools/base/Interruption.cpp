@@ -23,7 +23,7 @@ sigset_t endingSignals() {
     return set;
 }
 
-/** Stores the previous mask in `before`, unless that is null. */
+/** Stores the previous actions in `before`, unless that is null. */
 void watchSignals(struct sigaction* before) {
     struct sigaction asking {};
     asking.sa_handler = askToEnd;

@@ -15,7 +15,7 @@ namespace applet_tools {
 
 namespace {
 
-/** Sets the parameter if its value differs, or in any case if forced; true if the set was accepted. */
+/** Sets the parameter if its value differs, or always with `inAnyCase`; true if the set was accepted. */
 bool bring(Instance& instance, const Parameter& parameter, const json& wanted, bool inAnyCase = false) {
     const Target target = wholeOf(parameter);
     return (inAnyCase || !holds(instance, parameter, wanted)) &&
@@ -38,7 +38,7 @@ json asMessage(const Value& value) {
             if constexpr (std::is_same_v<T, std::string>)
                 return asBytes(native);
             else if constexpr (std::is_same_v<T,
-                                              Elements>) // as bytes: JSON numbers take too long
+                                              Elements>) // as bytes, for speed
                 return asBytes(
                     {reinterpret_cast<const char*>(native.data()), native.size() * sizeof native[0]});
             else if constexpr (std::is_same_v<T, WholeArray>)

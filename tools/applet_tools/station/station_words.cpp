@@ -1,4 +1,4 @@
-// A step is read by way of the document of a station file, so that both have the same limits and the same messages.
+// A step is converted to a document of a station file, so that both have the same limits and messages.
 
 #include "applet_tools/station/station_words.h"
 
@@ -26,12 +26,12 @@ std::pair<std::string, std::string> twoParts(const std::string& word, const char
     return {word.substr(0, comma), word.substr(comma + 1)};
 }
 
-/** The words behind the first one, in groups that begin with a name. */
+/** The words after the first one, in groups that begin with a name. */
 class Groups {
 public:
     explicit Groups(const Words& words) : m_words(words) {}
     bool isEmpty() const { return m_place >= m_words.size(); }
-    /** The next name, which has so many words behind it. */
+    /** The next name, followed by this many words. */
     std::string name(const Words& names) {
         const std::string word = m_words[m_place++];
         for (const std::string& name : names)
@@ -54,7 +54,7 @@ StationFile stationOf(StepDocument fields) {
     return parseStation(fields.dump(-1, ' ', false, StepDocument::error_handler_t::replace), "");
 }
 
-/** "0..500/20ms" in mm/s. */
+/** Parses "0..500/20ms" in mm/s. */
 StepDocument beltPiece(const std::string& word) {
     const std::size_t slash = word.find('/');
     const std::string speeds = word.substr(0, slash);
