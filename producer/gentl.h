@@ -1,7 +1,7 @@
 /**
- * The GenTL interface, version 1.5 with the functions that 1.6 adds, as far as this producer needs it.
+ * The GenTL interface, version 1.5 with the functions of 1.6, as far as this producer needs it.
  *
- * Names and numbers are those of the standard. Every function answers a GC_ERROR and may be called from any thread.
+ * Names and numbers are those of the standard. Every function returns a GC_ERROR and is thread-safe.
  * C11 and C++20.
  */
 #ifndef PRODUCER_GENTL_H
@@ -60,7 +60,7 @@ typedef void* EVENTSRC_HANDLE;
 typedef int32_t INFO_DATATYPE;
 enum {
     INFO_DATATYPE_UNKNOWN = 0,
-    INFO_DATATYPE_STRING = 1, /**< with its zero */
+    INFO_DATATYPE_STRING = 1, /**< including the terminating null */
     INFO_DATATYPE_STRINGLIST = 2,
     INFO_DATATYPE_INT16 = 3,
     INFO_DATATYPE_UINT16 = 4,
@@ -102,7 +102,7 @@ enum {
     DEVICE_INFO_USER_DEFINED_NAME = 6,
     DEVICE_INFO_SERIAL_NUMBER = 7,
     DEVICE_INFO_VERSION = 8,
-    DEVICE_INFO_TIMESTAMP_FREQUENCY = 9 /**< uint64: ticks a second */
+    DEVICE_INFO_TIMESTAMP_FREQUENCY = 9 /**< uint64: ticks per second */
 };
 
 enum {

@@ -1,4 +1,4 @@
-/** What an info function answers. */
+/** Answers of info functions. */
 #ifndef PRODUCER_BASE_ANSWER_H
 #define PRODUCER_BASE_ANSWER_H
 
@@ -38,26 +38,26 @@ private:
     std::string m_bytes;
 };
 
-/** Where an info function puts its answer. */
+/** The output arguments of an info function. */
 struct InfoPlace {
     INFO_DATATYPE* type;
-    void* buffer; /**< null: only the size is asked for */
+    void* buffer; /**< null: the caller asks only for the size */
     std::size_t* size;
 
-    /** Throws INVALID_PARAMETER unless type and size are there. */
+    /** Throws INVALID_PARAMETER if type or size is null. */
     void check() const;
-    /** Throws BUFFER_TOO_SMALL, with the size that is needed in the text. */
+    /** Throws BUFFER_TOO_SMALL, with the required size in the text. */
     void put(const Answer& answer) const;
 };
 
-/** Copies bytes to a place of the caller by the same rules, without a type. */
+/** Copies bytes to the caller's buffer with the same rules, without a type. */
 void putBytes(std::string_view bytes, void* buffer, std::size_t* size);
-/** A text, with its zero. */
+/** A text, including the terminating null. */
 void putText(const std::string& text, char* buffer, std::size_t* size);
 
-/** Throws NOT_IMPLEMENTED: the command is none of this object's. */
+/** Throws NOT_IMPLEMENTED: this object does not have the command. */
 [[noreturn]] void refuseCommand(const char* of, std::int32_t command);
-/** Throws NOT_AVAILABLE: the command is known and has no answer now. */
+/** Throws NOT_AVAILABLE: the command is known but has no answer now. */
 [[noreturn]] void refuseForNow(const char* why);
 
 } // namespace producer

@@ -1,4 +1,4 @@
-/** A call that fails. */
+/** Failures of a call. */
 #ifndef PRODUCER_BASE_ERROR_H
 #define PRODUCER_BASE_ERROR_H
 
@@ -9,7 +9,7 @@
 
 namespace producer {
 
-/** Leaves an exported function as its code; the text is what GCGetLastError gives. */
+/** Converted to its code by each exported function; GCGetLastError returns the text. */
 class Error : public std::runtime_error {
 public:
     Error(GC_ERROR code, const std::string& text) : std::runtime_error(text), m_code(code) {}
@@ -20,7 +20,7 @@ private:
     GC_ERROR m_code;
 };
 
-/** Checks a pointer that the caller must give. */
+/** Checks a pointer that must not be null. */
 template <typename T> T& required(T* place, const char* name) {
     if (place == nullptr)
         throw Error(GC_ERR_INVALID_PARAMETER, std::string("the argument ") + name + " is null");

@@ -8,7 +8,7 @@
 namespace producer {
 namespace {
 
-/** A wait that is longer than this has no end. */
+/** A longer wait never times out. */
 constexpr std::uint64_t longestWait = std::uint64_t{1000} * 60 * 60 * 24 * 365;
 
 } // namespace

@@ -1,4 +1,4 @@
-/** The queue behind an event handle. */
+/** The queue of an event handle. */
 #ifndef PRODUCER_BASE_EVENTQUEUE_H
 #define PRODUCER_BASE_EVENTQUEUE_H
 
@@ -16,10 +16,10 @@
 namespace producer {
 
 /**
- * Events of one kind of one module, oldest first. Any thread may call any function.
+ * Events of one kind of one module, oldest first. Thread-safe.
  *
- * It begins closed and drops what it is given, unless it `keeps` the data: then it is the output queue of a stream as
- * well, and buffers wait in it while no event is registered.
+ * Closed at first: it drops data, unless it `keeps` the data. Then it is also the output queue of a stream, and
+ * buffers wait in it while no event is registered.
  */
 class EventQueue final : public Object {
 public:
@@ -31,45 +31,46 @@ public:
     std::int32_t kind() const { return m_kind; }
     /** Throws RESOURCE_IN_USE. */
     void open();
-    /** Forgets all data; who waits gets ABORT. Throws INVALID_PARAMETER if it is not open. */
+    /** Discards all data; waiting threads get ABORT. Throws INVALID_PARAMETER if it is not open. */
     void close();
     bool isOpen() const;
 
     /** Adds an event. */
     void push(std::string data);
-    /** Takes an event. A null `buffer` takes it unseen. Throws TIMEOUT, ABORT, BUFFER_TOO_SMALL (the event stays). */
+    /** Takes an event. With a null `buffer` it is discarded. Throws TIMEOUT, ABORT, BUFFER_TOO_SMALL (the
+     *  event stays). */
     void take(void* buffer, std::size_t* size, std::uint64_t milliseconds);
-    /** Lets one call of take answer ABORT: one that waits, or the next. */
+    /** Makes one call of take answer ABORT: a waiting one, or the next. */
     void kill();
-    /** Forgets all data, and gives it. */
+    /** Removes all data and returns it. */
     std::vector<std::string> flush();
-    /** Forgets all data for which the test is true. */
+    /** Removes all data for which the test is true. */
     void discard(const std::function<bool(const std::string&)>& test);
     /** Whether there is data for which the test is true. */
     bool has(const std::function<bool(const std::string&)>& test) const;
     std::size_t size() const;
 
     Answer info(std::int32_t command) const;
-    /** Takes the data of an event apart. */
+    /** Parses the data of an event. */
     Answer dataInfo(std::string_view data, std::int32_t command) const;
 
-    /** The data of an event with an identification: its number, then its bytes. */
+    /** The data of an event with an identifier: its number, then its bytes. */
     static std::string numbered(std::uint64_t id, std::string_view value);
     static std::string named(std::string_view name) { return std::string(name); }
 
 private:
-    /** Beyond this the oldest events go. */
+    /** Above this size the oldest events are dropped. */
     static constexpr std::size_t mostEvents = 65536;
 
     const std::int32_t m_kind;
-    const std::size_t m_dataSize; // the largest
+    const std::size_t m_dataSize; // the maximum
     const bool m_keeps;
     mutable std::mutex m_mutex;
     std::condition_variable m_changed;
     std::deque<std::string> m_events;
     bool m_isOpen = false;
-    std::uint64_t m_opening = 0; // number of the last one
-    std::uint64_t m_kills = 0;   // that have not been answered yet
+    std::uint64_t m_opening = 0; // number of the latest one
+    std::uint64_t m_kills = 0;   // that are not answered yet
     std::uint64_t m_fired = 0;
 };
 

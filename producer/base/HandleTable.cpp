@@ -11,7 +11,7 @@ struct Table {
     std::unordered_map<void*, std::shared_ptr<Object>> objects;
 };
 
-/** Never destroyed: other threads may still be in a call when the process ends. */
+/** Never destroyed: other threads may still be inside a call at process exit. */
 Table& table() {
     static auto* const one = new Table;
     return *one;
@@ -21,7 +21,7 @@ Table& table() {
 
 void* HandleTable::newHandle() {
     static std::atomic<std::uintptr_t> next{0x1000};
-    // A handle is a number that no object lies at. NOLINTNEXTLINE(performance-no-int-to-ptr)
+    // A handle is a number, not an address. NOLINTNEXTLINE(performance-no-int-to-ptr)
     return reinterpret_cast<void*>(next.fetch_add(0x10));
 }
 
@@ -32,7 +32,7 @@ void HandleTable::add(const std::shared_ptr<Object>& object) {
 }
 
 void HandleTable::remove(const Object& object) {
-    std::shared_ptr<Object> removed; // let go after the lock
+    std::shared_ptr<Object> removed; // released after the lock
     const std::lock_guard lock(table().mutex);
     const auto found = table().objects.find(object.m_handle);
     if (found == table().objects.end()) return;

@@ -1,4 +1,4 @@
-/** The handles that a client has. */
+/** The handles of the clients. */
 #ifndef PRODUCER_BASE_HANDLETABLE_H
 #define PRODUCER_BASE_HANDLETABLE_H
 
@@ -10,7 +10,7 @@
 
 namespace producer {
 
-/** What a handle can lead to. */
+/** Base class of objects with a handle. */
 class Object {
 public:
     Object() = default;
@@ -26,18 +26,18 @@ private:
 };
 
 /**
- * All live handles of the process. A handle is a number that is given out once and never again, so one that was
- * closed, or that never was one, is recognised and not followed. Any thread may call any function.
+ * All live handles of the process. A handle is a number that is never reused, so closed and invalid handles are
+ * detected without a memory access. Thread-safe.
  */
 class HandleTable {
 public:
-    /** A number for something that keeps its own table of handles. */
+    /** A new number for an object that has a handle table of its own. */
     static void* newHandle();
     static void add(const std::shared_ptr<Object>& object);
     /** Does nothing for an object without a handle. */
     static void remove(const Object& object);
 
-    /** The object, which then lives at least as long as the result. Throws INVALID_HANDLE. */
+    /** The object; the result keeps it alive. Throws INVALID_HANDLE. */
     template <typename T> static std::shared_ptr<T> find(void* handle, const char* what) {
         if (auto object = std::dynamic_pointer_cast<T>(lookUp(handle))) return object;
         throw Error(GC_ERR_INVALID_HANDLE,

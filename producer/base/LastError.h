@@ -8,8 +8,8 @@
 
 namespace producer {
 
-/** Remembers a failure of this thread. Allocates nothing, so that it works where memory has run out; a longer text is
- *  cut. */
+/** Stores a failure of this thread. Does not allocate, so that it works when memory is exhausted; longer
+ *  texts are truncated. */
 void rememberError(GC_ERROR code, std::string_view text) noexcept;
 GC_ERROR lastErrorCode();
 /** "No Error" before the first failure. */

@@ -11,7 +11,7 @@
 namespace producer {
 namespace {
 
-/** A thread that takes no signals: they are for the client's own threads. */
+/** Starts a thread with all signals blocked: they are for the client's own threads. */
 template <typename Function> std::thread quietThread(Function function) {
     sigset_t all, before;
     sigfillset(&all);
@@ -21,7 +21,8 @@ template <typename Function> std::thread quietThread(Function function) {
     return thread;
 }
 
-/** Does what needs memory; without it an event or a picture is lost, and the thread goes on. */
+/** Runs a function that needs memory; if there is none, an event or a picture is lost, and the thread
+ *  continues. */
 template <typename Work> void withMemory(Work work) {
     try {
         work();
@@ -89,7 +90,7 @@ void Acquisition::stop() {
     std::unique_lock lock(m_mutex);
     if (m_memory == nullptr) return;
     m_station.applet().Fg_stopAcquireEx(m_station.fg(), 0, m_memory.get(), 0);
-    m_wanted = m_delivered = 1; // no picture that is there goes anywhere
+    m_wanted = m_delivered = 1; // existing pictures are not delivered
     m_changed.wait(lock, [this] { return !m_isMaking; });
     m_memory.reset();
 }
@@ -114,7 +115,7 @@ Geometry Acquisition::geometry() {
     return {number("FG_WIDTH"), number("FG_HEIGHT"), number("FG_XOFFSET"), number("FG_YOFFSET"), &format()};
 }
 
-/** The DMA has the buffers that wait as its memory, and no others. */
+/** The DMA's memory consists of the queued buffers. */
 void Acquisition::fitMemory() {
     if (m_memory != nullptr)
         m_station.board().memory_frames(m_memory.get(), m_sink != nullptr ? m_sink->room() : 0);
@@ -160,11 +161,11 @@ bool Acquisition::deliverOne(std::unique_lock<std::mutex>& lock) {
     lock.unlock();
     const Picture picture = make(number, *place);
     lock.lock();
-    // Who has the last picture finds the acquisition at its end.
+    // A client that has the last picture finds the acquisition ended.
     withMemory([&] { sink.end(picture); });
     m_isMaking = false;
     m_changed.notify_all();
-    if (isDone()) return false; // stopped meanwhile
+    if (isDone()) return false; // stopped in the meantime
     ++m_delivered;
     fitMemory();
     m_station.board().release(m_memory.get(), number);
@@ -202,7 +203,7 @@ Picture Acquisition::make(std::int64_t number, std::span<std::uint8_t> place) {
         if (format.isSwapped) convert(format, pixels, m_made.data(), m_made.data());
         std::memcpy(place.data(), m_made.data(), picture.written);
     } else {
-        picture.written = 0; // what is unpacked needs the whole place
+        picture.written = 0; // unpacking needs the whole buffer
     }
     return picture;
 }

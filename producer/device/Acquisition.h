@@ -1,4 +1,4 @@
-/** The thread behind an open device: it lets time move, and brings pictures and events to where they go. */
+/** The thread of an open device: it advances the time, and delivers pictures and events. */
 #ifndef PRODUCER_DEVICE_ACQUISITION_H
 #define PRODUCER_DEVICE_ACQUISITION_H
 
@@ -19,7 +19,7 @@
 
 namespace producer {
 
-/** How the pictures of an acquisition lie in a buffer. */
+/** The layout of an acquisition's pictures in a buffer. */
 struct Geometry {
     std::uint32_t width = 0, height = 0; // pixels, lines of a full picture
     std::uint32_t x = 0, y = 0;          // offsets
@@ -29,7 +29,7 @@ struct Geometry {
     std::uint64_t bytes() const { return bytesPerLine() * height; }
 };
 
-/** A picture that was made. */
+/** A delivered picture. */
 struct Picture {
     std::uint64_t number = 0;
     std::uint64_t nanoseconds = 0; /**< of its first line */
@@ -41,12 +41,12 @@ struct Picture {
     Geometry geometry{};
 };
 
-/** Where pictures go. The functions are called by the thread of the acquisition. */
+/** The destination of pictures. Its functions are called by the acquisition's thread. */
 class PictureSink {
 public:
-    /** How many pictures could be taken now. */
+    /** How many pictures it could accept now. */
     virtual std::size_t room() = 0;
-    /** A place for a picture, which stays taken until `end`; none if there is no room. */
+    /** Memory for a picture, reserved until `end`; null if there is none. */
     virtual std::optional<std::span<std::uint8_t>> begin() = 0;
     virtual void end(const Picture& picture) = 0;
 
@@ -54,7 +54,7 @@ protected:
     ~PictureSink() = default;
 };
 
-/** Any thread may call any function. */
+/** Thread-safe. */
 class Acquisition {
 public:
     using EventHandler = std::function<void(const EventKind&, std::uint64_t nanoseconds)>;
@@ -65,24 +65,24 @@ public:
     Acquisition(const Acquisition&) = delete;
     Acquisition& operator=(const Acquisition&) = delete;
 
-    /** Null: pictures go nowhere, and the DMA waits. Returns when the one before is no longer used. */
+    /** Null: pictures are not delivered, and the DMA waits. Returns when the previous sink is no longer used. */
     void attach(PictureSink* sink);
-    /** There may be room where there was none. */
+    /** Call it when there may be room again. */
     void wake();
 
-    /** Starts the DMA; it ends after so many pictures, 0: never. Throws RESOURCE_IN_USE, or IO. */
+    /** Starts the DMA; it ends after this many pictures, 0: never. Throws RESOURCE_IN_USE, or IO. */
     void start(std::uint64_t pictures);
-    /** Does nothing if none runs. Returns when no picture is being made. */
+    /** Does nothing if none runs. Returns when no picture is being drawn. */
     void stop();
     bool isRunning();
 
-    /** What the parameters say now. */
+    /** The geometry from the present parameters. */
     Geometry geometry();
     void setFormat(const PixelFormat& format) { m_format = &format; }
-    /** The format; another one than the last set if the applet's output format has changed. */
+    /** The format; differs from the last one set if the applet's output format has changed. */
     const PixelFormat& format();
 
-    /** Ends the thread; nothing else is possible afterwards. */
+    /** Ends the thread; no other function may be called afterwards. */
     void finish();
 
 private:
@@ -104,15 +104,15 @@ private:
     const EventHandler m_onEvent;
     std::atomic<const PixelFormat*> m_format;
 
-    std::mutex m_mutex; // the members below
+    std::mutex m_mutex; // guards the members below
     std::condition_variable m_changed;
     PictureSink* m_sink = nullptr;
-    std::unique_ptr<vboard_frames, FreeMemory> m_memory; // of the acquisition that runs
-    Geometry m_geometry;                                 // its
+    std::unique_ptr<vboard_frames, FreeMemory> m_memory; // of the running acquisition
+    Geometry m_geometry;                                 // of the running acquisition
     std::uint64_t m_wanted = 0;                          // pictures; 0: no end
     std::uint64_t m_delivered = 0;
-    std::vector<std::uint8_t> m_made; // a picture that does not come into a buffer as it is
-    bool m_isMaking = false;          // a picture, without the mutex
+    std::vector<std::uint8_t> m_made; // a picture that must be converted before it goes to its buffer
+    bool m_isMaking = false;          // a picture is being drawn, without the mutex
     bool m_isWoken = false;
     bool m_isEnding = false;
     std::thread m_thread;

@@ -11,7 +11,7 @@ namespace {
 using namespace std::chrono_literals;
 using Ticks = std::chrono::duration<std::uint64_t, std::ratio<Station::nanosecondsPerTick, 1'000'000'000>>;
 
-constexpr auto longestStep = 50ms; // more is not caught up with
+constexpr auto longestStep = 50ms; // a longer delay is not made up for
 constexpr Ticks step = 10ms;       // of the stepped clock
 
 } // namespace

@@ -1,4 +1,4 @@
-/** How the time of a virtual station moves. */
+/** Advances the time of a virtual station. */
 #ifndef PRODUCER_DEVICE_CLOCK_H
 #define PRODUCER_DEVICE_CLOCK_H
 
@@ -9,24 +9,24 @@
 namespace producer {
 
 /**
- * The one place that lets simulated time move. One thread uses it. The board's own clock is not used: it catches up in
- * each access, and a machine that is too slow for that would spend all of its time there.
+ * The only place that advances simulated time. Used by one thread. The board's own clock is not used: it
+ * catches up in each access, and on a machine that is too slow for that this would take all of the time.
  *
- * VBOARD_CLOCK chooses: "wall" (the default) follows real time; on a machine that is too slow for it simulated time
- * falls behind. "stepped" moves only while an acquisition has a buffer to fill, as fast as it can: the same settings
- * give the same pictures then, however slow the client is.
+ * VBOARD_CLOCK chooses: "wall" (the default) follows real time; on a machine that is too slow for it,
+ * simulated time falls behind. "stepped" advances only while an acquisition has a buffer to fill, as fast as
+ * possible: the same settings then give the same pictures, however slow the client is.
  */
 class Clock {
 public:
     enum class Kind : std::uint8_t { wall, stepped };
-    /** Throws INVALID_PARAMETER for a word that is none. */
+    /** Throws INVALID_PARAMETER for an unknown value. */
     static Kind chosen();
 
     Clock(Station& station, Kind kind) : m_station(station), m_kind(kind), m_last(Time::now()) {}
 
-    /** Lets time move a step. `isWanted`: an acquisition has a buffer to fill. */
+    /** Advances the time by a step. `isWanted`: an acquisition has a buffer to fill. */
     void move(bool isWanted);
-    /** How long to wait before the next step. */
+    /** The delay before the next step. */
     std::chrono::microseconds pause(bool isAcquiring, bool isWanted) const;
 
 private:
@@ -34,7 +34,7 @@ private:
 
     Station& m_station;
     const Kind m_kind;
-    Time::time_point m_last; // real time that simulated time has reached
+    Time::time_point m_last; // real time up to which simulated time has advanced
 };
 
 } // namespace producer

@@ -1,4 +1,4 @@
-/** The applet and the virtual board that the producer works with. */
+/** The applet and the virtual board of the producer. */
 #ifndef PRODUCER_DEVICE_LIBRARIES_H
 #define PRODUCER_DEVICE_LIBRARIES_H
 
@@ -12,8 +12,9 @@ namespace producer {
 using Libraries = std::shared_ptr<const applet_host::AppletHost>;
 
 /**
- * The libraries, which stay loaded as long as somebody has them: those of the folder VEXO_LIBRARY_DIR, or those beside
- * the producer's own file. APPLET_UNDER_TEST names another applet library. Throws IO with the reason.
+ * The libraries; they stay loaded while the result is referenced. Taken from the folder VEXO_LIBRARY_DIR, or
+ * from that of the producer's own file. APPLET_UNDER_TEST names another applet library. Throws IO with the
+ * reason.
  */
 Libraries loadLibraries();
 

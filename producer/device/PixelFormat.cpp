@@ -8,14 +8,14 @@
 namespace producer {
 namespace {
 
-// 14 bits packed have no code: they are sent as words of 16.
+// There is no code for packed 14 bits: they are sent as words of 16.
 constexpr PixelFormat formats[] = {
     {"BGR8", 0x02180015, FG_COL24, 24, 24, false},   {"RGB8", 0x02180014, FG_COL24, 24, 24, true},
     {"BGR10p", 0x021E0048, FG_COL30, 30, 30, false}, {"BGR12p", 0x02240049, FG_COL36, 36, 36, false},
     {"BGR14", 0x0230004A, FG_COL42, 48, 42, false},  {"BGR16", 0x0230004B, FG_COL48, 48, 48, false},
 };
 
-/** Components of 14 bits, packed from the lowest bit on, become words. Lines end at whole bytes, as widths are
+/** Converts packed 14-bit components, from the lowest bit on, to words. Lines end at whole bytes, as widths are
  *  multiples of 4. */
 void unpack14(std::uint64_t components, const std::uint8_t* from, std::uint8_t* to) {
     std::uint32_t held = 0;

@@ -12,7 +12,7 @@
 namespace producer {
 namespace {
 
-/** Calls the function with the record's limits, as RegisterInfo holds them for its kind; without limits not at all. */
+/** Calls the function with the record's limits, in the type of its kind; not at all if there are none. */
 template <typename Function> void withNumbers(const RegisterInfo& record, Function function) {
     const RegisterInfoValue& value = record.value;
     switch (record.kind) {
@@ -87,7 +87,7 @@ GC_ERROR codeOf(int code) {
     throw Error(codeOf(code), text);
 }
 
-/** Calls the function with a zero of the type that the applet has for a number's kind. */
+/** Calls the function with a zero of the applet's type for a number's kind. */
 template <typename Function> void withNative(std::int32_t kind, Function function) {
     switch (kind) {
     case REGISTER_KIND_UINT:
@@ -134,13 +134,13 @@ Station::Station(Libraries libraries) : m_libraries(std::move(libraries)), m_ses
 
 void Station::connectMachine() {
     if (setUpStationFile(*this)) return;
-    // There is no camera behind the board: the simulator takes its place, and follows the camera trigger.
+    // Without a station file the board has no camera: the simulator replaces it, and follows the camera trigger.
     set("FG_CAMERASIMULATOR_ENABLE", std::int64_t{FG_CAMERASIMULATOR});
     set("FG_CAMERASIMULATOR_TRIGGER_MODE", std::int64_t{RISING_EDGE_TRIGGERS_LINE});
-    // A belt with parts on it. The inputs are those that the applet's triggers look at after its start.
+    // A belt with parts on it. The inputs are those of the applet's default trigger sources.
     constexpr std::uint64_t millisecond = 125'000; // ticks
     constexpr unsigned lightBarrier = 0, trackA = 1, trackB = 2;
-    constexpr std::int32_t quarterSteps = 20'000; // a second
+    constexpr std::int32_t quarterSteps = 20'000; // per second
     const vboard_speed speed{1, quarterSteps, quarterSteps};
     board().wave_encoder(device(), trackA, trackB, &speed, 1);
     board().wave_square(device(), lightBarrier, 100 * millisecond, 500 * millisecond, 250 * millisecond);
@@ -157,7 +157,7 @@ void Station::collect(const RegisterInfo& record, const std::string& path) {
 }
 
 void Station::collectEvents() {
-    constexpr std::uint64_t most = 64; // a mask has so many bits
+    constexpr std::uint64_t most = 64; // bits of a mask
     for (std::uint64_t i = 0; i < most; ++i) {
         const std::uint64_t mask = std::uint64_t{1} << i;
         const char* const name = applet().Fg_getEventName(fg(), mask);

@@ -1,4 +1,4 @@
-/** A virtual board with the applet on it: its parameters as the producer's values. */
+/** A virtual board with the applet: its parameters as values for the producer. */
 #ifndef PRODUCER_DEVICE_STATION_H
 #define PRODUCER_DEVICE_STATION_H
 
@@ -17,10 +17,10 @@ namespace producer {
 struct Parameter {
     std::string name;
     const RegisterInfo* record;
-    std::string path; /**< labels of its groups, from the outermost on, with a line feed between two */
+    std::string path; /**< labels of its groups, outermost first, separated by line feeds */
 };
 
-/** An event of the design. */
+/** A design event. */
 struct EventKind {
     std::uint64_t id; /**< position in the design's list, from 1 */
     std::uint64_t mask;
@@ -28,8 +28,8 @@ struct EventKind {
 };
 
 /**
- * Opened in the constructor, closed in the destructor. Any thread may call any function; the applet and the board have
- * locks of their own. A board that another process holds would be opened here.
+ * Opened in the constructor, closed in the destructor. Thread-safe: the applet and the board have locks of their
+ * own. A board in another process would be opened here.
  */
 class Station {
 public:
@@ -37,7 +37,7 @@ public:
     explicit Station(Libraries libraries);
 
     const std::vector<Parameter>& parameters() const { return m_parameters; }
-    /** Null if there is none of that name. */
+    /** Null if there is no parameter of that name. */
     const Parameter* find(const std::string& name) const;
 
     /** Throws IO. */
@@ -47,12 +47,13 @@ public:
     /** Throws INVALID_VALUE, ACCESS_DENIED or IO, with name, value and limits in the text. */
     void set(const Parameter& parameter, const Value& value) const;
     void set(const char* name, const Value& value) const;
-    /** As they are now; those of the kind where the applet says nothing of use. */
+    /** The present limits; those of the kind if the applet has no usable ones. */
     static Limits limits(const Parameter& parameter);
     static bool isWritable(const Parameter& parameter, bool isAcquiring);
 
     const std::vector<EventKind>& events() const { return m_events; }
-    /** Null for an event that the applet does not know. It keeps what it finds: one thread at a time calls it. */
+    /** Null for an event unknown to the applet. It caches the result, so only one thread may call it at a
+     *  time. */
     const EventKind* eventOfDesign(const char* designName);
 
     const applet_host::BoardFunctions& board() const { return m_libraries->board(); }
@@ -66,7 +67,7 @@ public:
 private:
     void collect(const RegisterInfo& record, const std::string& path);
     void collectEvents();
-    /** What is around the board: the camera and the inputs. */
+    /** Sets up the board's environment: the camera and the inputs. */
     void connectMachine();
     const Parameter& known(const char* name) const;
 
@@ -75,10 +76,10 @@ private:
     std::vector<Parameter> m_parameters;
     std::vector<EventKind> m_events;
     std::map<const char*, const EventKind*>
-        m_designEvents; // by the design's names, which stay where they are
+        m_designEvents; // by the design's names; a map, so that pointers stay valid
 };
 
-/** A text of the applet, which may be ISO 8859-1. */
+/** Converts a text of the applet, which may be ISO 8859-1. */
 std::string toUtf8(const char* text);
 
 } // namespace producer

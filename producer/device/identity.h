@@ -1,4 +1,4 @@
-/** What the producer calls itself and its modules. */
+/** Names of the producer and its modules. */
 #ifndef PRODUCER_DEVICE_IDENTITY_H
 #define PRODUCER_DEVICE_IDENTITY_H
 

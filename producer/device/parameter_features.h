@@ -1,4 +1,4 @@
-/** The applet's parameters as features, by their own names. */
+/** The applet's parameters as features with their own names. */
 #ifndef PRODUCER_DEVICE_PARAMETERFEATURES_H
 #define PRODUCER_DEVICE_PARAMETERFEATURES_H
 
@@ -10,8 +10,8 @@
 
 namespace producer {
 
-/** One for each parameter of the tree. `isAcquiring` tells whether those are locked that no acquisition may see change.
- *  The station must live as long as the features. */
+/** One for each parameter of the tree. `isAcquiring` says whether to lock those that must not change during an
+ *  acquisition. The station must outlive the features. */
 std::vector<Feature> parameterFeatures(Station& station, const std::function<bool()>& isAcquiring);
 
 } // namespace producer

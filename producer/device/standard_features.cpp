@@ -55,7 +55,7 @@ const Feature* StandardFeatures::parameter(const std::string& name) const {
 Feature* StandardFeatures::alias(const char* category, const char* name, const char* of,
                                  const char* description) {
     const Feature* its = parameter(of);
-    if (its == nullptr) return nullptr; // a design without it
+    if (its == nullptr) return nullptr; // not in this design
     Feature feature = *its;
     feature.name = name;
     feature.category = category;
@@ -217,7 +217,7 @@ void StandardFeatures::addAcquisition() {
             const std::int64_t counts[] = {0, 1, device.state.frameCount};
             device.acquisition.start(static_cast<std::uint64_t>(counts[device.state.acquisitionMode]));
         };
-    m_features.back().get = [] { return std::int64_t{0}; }; // done at once
+    m_features.back().get = [] { return std::int64_t{0}; }; // completes immediately
     add(acquisitionControl, "AcquisitionStop", Kind::command, "Stops the DMA.").set = [device](const Value&) {
         device.acquisition.stop();
     };
@@ -241,7 +241,7 @@ void StandardFeatures::addAcquisition() {
             const double grid = std::get<double>(limits.increment);
             const double minimum = std::get<double>(limits.minimum),
                          maximum = std::get<double>(limits.maximum);
-            // The ends are a rounding away from the limits of the rate.
+            // The limits of the rate, with a margin for rounding.
             const bool isNear = wanted > minimum - grid / 2 && wanted < maximum + grid / 2;
             its.set(isNear ? std::clamp(std::round(wanted / grid) * grid, minimum, maximum) : wanted);
         };

@@ -1,4 +1,4 @@
-/** What the standard feature naming convention calls the parameters of the applet, and what it adds to them. */
+/** Features of the standard feature naming convention, mapped to parameters of the applet. */
 #ifndef PRODUCER_DEVICE_STANDARDFEATURES_H
 #define PRODUCER_DEVICE_STANDARDFEATURES_H
 
@@ -15,7 +15,7 @@
 
 namespace producer {
 
-/** State of a device that is no parameter: what selectors select, and what is locked. */
+/** State of a device that is not a parameter: selections and locks. */
 struct DeviceState {
     std::atomic<bool> areParametersLocked{false};
     std::atomic<std::uint64_t> notifiedEvents{0};   /**< mask of the events that are sent to the client */
@@ -25,7 +25,7 @@ struct DeviceState {
     std::int64_t tableIndex = 0;
 };
 
-/** What the features work on. All must live as long as they. */
+/** References for the features. They must outlive the features. */
 struct Device {
     Station& station;
     Acquisition& acquisition;
@@ -33,20 +33,20 @@ struct Device {
     std::string id;
 };
 
-/** Whether parameters are locked that an acquisition may not see change. */
+/** Whether parameters that must not change during an acquisition are locked. */
 bool isAcquiring(const Device& device);
 
-/** Appends them; `parameters` are the applet's own. The features of a subject have a source of their own. */
+/** Appends the features; `parameters` are the applet's own. Each subject has a source file of its own. */
 void addStandardFeatures(const Device& device, const std::vector<Feature>& parameters,
                          std::vector<Feature>& features);
 
-/** The category of what starts pictures and lines. */
+/** The category for starting pictures and lines. */
 inline constexpr const char* acquisitionControl = "AcquisitionControl";
 
-/** The value of a feature that is an integer, or looks like one to a client. */
+/** The value of a feature that is an integer, or appears as one to a client. */
 inline std::int64_t integerOf(const Value& value) { return std::get<std::int64_t>(value); }
 
-/** Makes features by their subject. */
+/** Makes features, grouped by subject. */
 class StandardFeatures {
 public:
     StandardFeatures(const Device& device, const std::vector<Feature>& parameters,
@@ -65,15 +65,16 @@ public:
     void addEvents();
 
 private:
-    /** A new feature; the reference holds until the next one. */
+    /** A new feature; the reference is valid until the next one. */
     Feature& add(const char* category, const std::string& name, Feature::Kind kind, const char* description);
-    /** The parameter by another name. */
+    /** The parameter under another name. */
     Feature* alias(const char* category, const char* name, const char* parameter, const char* description);
     void text(const char* category, const char* name, std::string value, const char* description);
     void selector(const char* category, const char* name, std::vector<FeatureEntry> entries,
                   std::vector<std::string> selected, const char* description);
     std::int64_t selected(const char* selector) const;
-    /** Gives a feature the value, limits and lock of a parameter, which depends on a selector: names[selection]. */
+    /** Connects a feature to the value, limits and lock of a parameter that depends on a selector:
+     *  names[selection]. */
     void follow(Feature& feature, const char* selector, const std::vector<const char*>& names);
     const Feature* parameter(const std::string& name) const;
 

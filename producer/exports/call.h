@@ -1,4 +1,4 @@
-/** The one way into the producer: what each exported function does around its work. */
+/** The common wrapper of the exported functions. */
 #ifndef PRODUCER_EXPORTS_CALL_H
 #define PRODUCER_EXPORTS_CALL_H
 
@@ -15,15 +15,15 @@
 
 namespace producer {
 
-/** State of the library. The lock of the modules guards the system. */
+/** State of the library. The lock of the modules guards `system`. */
 struct Library {
     std::atomic<bool> isInitialized{false};
-    std::shared_ptr<System> system; // null unless open
+    std::shared_ptr<System> system; // null while closed
 
     static Library& the();
 };
 
-/** Does the work; what it throws becomes a code and the last error of the thread. */
+/** Runs the function; converts an exception to a code and stores it as the thread's last error. */
 template <typename Work> GC_ERROR attempt(Work work) {
     GC_ERROR code = GC_ERR_ERROR;
     try {
@@ -43,7 +43,7 @@ template <typename Work> GC_ERROR attempt(Work work) {
     return code;
 }
 
-/** The same, if the library is initialized. */
+/** The same, provided that the library is initialized. */
 template <typename Work> GC_ERROR call(Work work) {
     return attempt([&work] {
         if (!Library::the().isInitialized)
@@ -52,7 +52,7 @@ template <typename Work> GC_ERROR call(Work work) {
     });
 }
 
-/** The same, while nothing is opened or closed. */
+/** The same, while no module is opened or closed. */
 template <typename Work> GC_ERROR callAlone(Work work) {
     return call([&work] {
         const std::lock_guard lock(lockOfModules());

@@ -12,14 +12,14 @@ using namespace producer;
 
 namespace {
 
-/** At the end of the process, or when the producer is unloaded, no thread of its own may run; what else a client has
- *  left open ends with the process. */
+/** When the process ends, or the producer is unloaded, its own thread must not run; other objects that a
+ *  client has left open are freed with the process. */
 void stopThreads() {
     const std::lock_guard lock(lockOfModules());
     if (Library::the().system != nullptr) Library::the().system->stopThreads();
 }
 
-/** Registered when a board has run, so that it is called before the libraries clean up. */
+/** Registered after a board has run, so that it is called before the libraries' own cleanup. */
 void stopThreadsAtTheEnd() { [[maybe_unused]] static const int registered = std::atexit(stopThreads); }
 
 std::shared_ptr<System> systemOf(void* handle) { return HandleTable::find<System>(handle, "a system"); }
@@ -37,7 +37,7 @@ void tell(bool hasChanged, bool8_t* place) {
 } // namespace
 
 Library& Library::the() {
-    static auto* const library = new Library; // other threads may be in a call when the process ends
+    static auto* const library = new Library; // other threads may be in a call at exit
     return *library;
 }
 
@@ -65,7 +65,7 @@ GC_ERROR GCGetInfo(int32_t command, INFO_DATATYPE* type, void* buffer, size_t* s
 
 GC_ERROR GCGetLastError(GC_ERROR* code, char* text, size_t* size) {
     if (!Library::the().isInitialized) return GC_ERR_NOT_INITIALIZED;
-    // The failure of this call is not remembered: it would take the place of what is asked for.
+    // A failure of this call is not stored: it would overwrite the error that the client asks for.
     if (code == nullptr || size == nullptr) return GC_ERR_INVALID_PARAMETER;
     const std::size_t needed = std::strlen(lastErrorText()) + 1;
     const bool fits = text == nullptr || *size >= needed;

@@ -13,7 +13,7 @@ std::shared_ptr<EventQueue> eventOf(void* handle) {
     return HandleTable::find<EventQueue>(handle, "an event");
 }
 
-/** Carries entries out one after the other; `count` is how many were. */
+/** Performs the entries in order; stores in `count` how many were done. */
 template <typename Access> void forAll(PORT_REGISTER_STACK_ENTRY* entries, size_t* count, Access access) {
     size_t& done = required(count, "count");
     const size_t all = done;
@@ -67,7 +67,7 @@ GC_ERROR GCReadPort(PORT_HANDLE port, uint64_t address, void* buffer, size_t* si
 GC_ERROR GCWritePort(PORT_HANDLE port, uint64_t address, const void* buffer, size_t* size) {
     return call([=] {
         const auto module = moduleOf(port);
-        // A write only reads them. NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast)
+        // A write does not modify the data. NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast)
         module->write(address, bytesOf(const_cast<void*>(buffer), size));
     });
 }

@@ -13,7 +13,7 @@ std::shared_ptr<Stream> streamOf(void* handle) { return HandleTable::find<Stream
     throw Error(GC_ERR_NO_DATA, "a buffer has one image, and neither chunks nor parts");
 }
 
-/** What of version 1.6 is not there. */
+/** Commands of version 1.6 that are not implemented. */
 GC_ERROR notImplemented() {
     return call([] { throw Error(GC_ERR_NOT_IMPLEMENTED, "the producer has version 1.5 of the interface"); });
 }

@@ -1,4 +1,4 @@
-/** A feature of a module: what its description says, and what its registers do. */
+/** A feature of a module: its description and its access functions. */
 #ifndef PRODUCER_FEATURES_FEATURE_H
 #define PRODUCER_FEATURES_FEATURE_H
 
@@ -13,7 +13,7 @@ namespace producer {
 /** Integers, booleans and enumerations; real numbers; texts; tables. */
 using Value = std::variant<std::int64_t, double, std::string, std::vector<std::uint32_t>>;
 
-/** Limits of a number, in its own kind. */
+/** Limits of a number, in the type of its kind. */
 struct Limits {
     Value minimum, maximum, increment;
 
@@ -37,20 +37,20 @@ struct Feature {
     std::string label{};
     std::string description{};
     std::string unit{};
-    std::vector<FeatureEntry> entries{}; // of an enumeration
-    std::size_t elements = 0;            // of a table, 32 bits each
+    std::vector<FeatureEntry> entries{}; // for an enumeration
+    std::size_t elements = 0;            // for a table, 32 bits each
     std::vector<std::string> selected{}; // names of the features that it selects
-    std::uint64_t eventId = 0;           // not 0: it comes with this event, at `eventPlace` of its data
+    std::uint64_t eventId = 0;           // not 0: updated with this event, from `eventPlace` in its data
     std::uint64_t eventPlace = 0;
-    bool isStandard = true; // the name is one of the standard's
+    bool isStandard = true; // a name of the standard
 
-    /** The present value. A feature without it can only be written. */
+    /** The present value; empty for a write-only feature. */
     std::function<Value()> get{};
-    /** A feature without it can only be read. A command is carried out. */
+    /** Sets the value or executes a command; empty for a read-only feature. */
     std::function<void(const Value&)> set{};
-    /** Of a number; without it there are none beyond those of its kind. */
+    /** The limits of a number; empty if there are none beyond those of its kind. */
     std::function<Limits()> limits{};
-    /** Whether it can not be written now. */
+    /** Whether it cannot be written now. */
     std::function<bool()> isLocked{};
 };
 

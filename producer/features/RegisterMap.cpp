@@ -13,7 +13,7 @@ namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 
-/** The value in so many bytes; a longer text is cut. */
+/** The value in this many bytes; longer texts are truncated. */
 Bytes encoded(const Value& value, std::size_t size) {
     Bytes bytes(size, 0);
     const auto copy = [&](const void* from, std::size_t length) {
@@ -64,7 +64,7 @@ Bytes limitsOf(const Feature& feature) {
     return bytes;
 }
 
-/** Whether so many bytes from `place` on lie in a register. */
+/** Whether this many bytes from `place` on are in a register. */
 bool isWithin(std::uint64_t place, std::size_t length, std::size_t size) {
     return place < size && length <= size - place;
 }
@@ -151,7 +151,7 @@ void RegisterMap::writeHeld(std::uint64_t address, std::span<const std::uint8_t>
         throw Error(GC_ERR_ACCESS_DENIED, feature.name +
                                               " cannot be written now: it is locked while an acquisition "
                                               "runs or TLParamsLocked is 1, or by the applet");
-    const bool isText = feature.kind == Feature::Kind::text; // what is not written of a text is its end
+    const bool isText = feature.kind == Feature::Kind::text; // a partial write of a text ends the text
     Bytes all(size, 0);
     if (bytes.size() < size && !isText && feature.get) all = encoded(feature.get(), size);
     std::copy(bytes.begin(), bytes.end(), all.begin() + static_cast<std::ptrdiff_t>(place));

@@ -1,4 +1,4 @@
-/** The registers of a module, and the description of them that lies behind them. */
+/** The registers of a module, followed by their description. */
 #ifndef PRODUCER_FEATURES_REGISTERMAP_H
 #define PRODUCER_FEATURES_REGISTERMAP_H
 
@@ -13,7 +13,7 @@
 
 namespace producer {
 
-/** Names of a module's description. */
+/** Names in a module's description. */
 struct DescriptionNames {
     std::string model; /**< of the file and of the module, an identifier */
     std::string toolTip;
@@ -21,11 +21,11 @@ struct DescriptionNames {
 };
 
 /**
- * A byte-addressed map with a slot for each feature. A slot has the value at 0 and, at limitsPlace, minimum, maximum,
- * increment (8 bytes each) and whether the feature is locked. Nothing is kept: each read asks the feature.
+ * A byte-addressed map with a slot for each feature. A slot has the value at 0 and, at limitsPlace, minimum,
+ * maximum, increment (8 bytes each) and the lock flag. Nothing is cached: each read calls the feature.
  *
- * All numbers are 8 bytes wide and little endian, texts have textSize bytes, tables 4 bytes for each element.
- * One access is carried out at a time.
+ * All numbers are 8 bytes wide and little endian, texts have textSize bytes, tables 4 bytes per element.
+ * Accesses are serialized.
  */
 class RegisterMap {
 public:
@@ -33,15 +33,15 @@ public:
     static constexpr std::uint64_t limitsPlace = 0x1f000;
     static constexpr std::size_t limitsSize = 32;
     static constexpr std::size_t textSize = 4096;
-    /** Behind all slots. */
+    /** After all slots. */
     static constexpr std::uint64_t descriptionAddress = 0x1000'0000;
 
     RegisterMap(DescriptionNames names, std::vector<Feature> features);
 
-    /** Throw INVALID_ADDRESS where there is no register, ACCESS_DENIED, or what the feature throws. */
+    /** Throw INVALID_ADDRESS if there is no register, ACCESS_DENIED, or the feature's exception. */
     void read(std::uint64_t address, std::span<std::uint8_t> bytes);
     void write(std::uint64_t address, std::span<const std::uint8_t> bytes);
-    /** A write, after which it gives the names of the features with other limits, or another lock, than before. */
+    /** Writes, and returns the names of features with limits or locks that have changed. */
     std::vector<std::string> writeAndCompare(std::uint64_t address, std::span<const std::uint8_t> bytes);
 
     const DescriptionNames& names() const { return m_names; }
@@ -58,7 +58,7 @@ private:
     std::mutex m_mutex;
 };
 
-/** Bytes of a feature's value. */
+/** Size of a feature's value in bytes. */
 std::size_t valueSize(const Feature& feature);
 
 } // namespace producer

@@ -1,5 +1,5 @@
-// The schema has one order of elements for each kind of node; a reader may refuse a whole document for one
-// out of place.
+// The schema fixes the order of elements for each kind of node; a reader may refuse a document with a wrong
+// order.
 
 #include "features/description.h"
 
@@ -13,7 +13,7 @@
 namespace producer {
 namespace {
 
-/** Text in which nothing is markup, and nothing but printable characters of UTF-8. */
+/** Escapes markup and replaces everything but printable characters of UTF-8. */
 std::string escaped(const std::string& text) {
     std::string result;
     for (const char c : text) {
@@ -76,7 +76,7 @@ private:
 
     static std::string eventPort(std::uint64_t event) { return "Event" + hexadecimal(event) + "Port"; }
 
-    /** A category "A/B" is B, in A. */
+    /** A category "A/B" is B, within A. */
     void addCategories(const std::vector<Feature>& features) {
         std::vector<std::string> order{"Root"};
         std::map<std::string, std::vector<std::string>> members;
@@ -162,7 +162,7 @@ private:
         close("Command");
     }
 
-    /** The part that all registers have. */
+    /** The common elements of all registers. */
     void addPlace(const Feature& feature, std::uint64_t address, std::size_t length, const char* access) {
         element("Address", "0x" + hexadecimal(address));
         element("Length", std::to_string(length));
@@ -182,7 +182,7 @@ private:
         close(kind);
     }
 
-    /** A feature that is a register itself. */
+    /** A feature that is itself a register. */
     void addPlain(const Feature& feature, const char* kind, std::uint64_t address) {
         open(kind, feature.name, feature.isStandard);
         addHead(feature);

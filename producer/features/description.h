@@ -11,7 +11,7 @@ namespace producer {
 
 struct DescriptionNames;
 
-/** A document of GenApi's schema 1.1: the feature of a number is in the slot of this number (see RegisterMap). */
+/** A document of GenApi's schema 1.1. The feature with index n has slot n (see RegisterMap). */
 std::string describe(const DescriptionNames& names, const std::vector<Feature>& features);
 
 } // namespace producer

@@ -1,4 +1,4 @@
-/** The interface module: a virtual board, with the device that it has. */
+/** The interface module: a virtual board with its device. */
 #ifndef PRODUCER_MODULES_INTERFACE_H
 #define PRODUCER_MODULES_INTERFACE_H
 
@@ -13,7 +13,7 @@ namespace producer {
 class LocalDevice;
 class System;
 
-/** The caller holds the lock of the modules. */
+/** The caller must hold the lock of the modules. */
 class Interface final : public Module, public std::enable_shared_from_this<Interface> {
 public:
     Interface(std::shared_ptr<System> system, const std::string& id);
@@ -32,7 +32,7 @@ public:
     std::shared_ptr<LocalDevice> openDevice(const char* id, std::int32_t flags);
     void forget(const LocalDevice& closed);
 
-    /** Of the device, whether it is open or not. */
+    /** For the device, whether it is open or not. */
     Answer deviceInfo(std::int32_t command) const;
     void stopThreads();
     void close() override;
@@ -44,7 +44,7 @@ private:
     const std::shared_ptr<System> m_system;
     const std::string m_deviceId;
     std::atomic<bool> m_isUpdated{false};
-    std::shared_ptr<LocalDevice> m_device;                              // if open
+    std::shared_ptr<LocalDevice> m_device;                              // null while closed
     std::atomic<std::int32_t> m_status{DEVICE_ACCESS_STATUS_READWRITE}; // of the device
 };
 

@@ -13,7 +13,7 @@ constexpr const char* deviceInformation = "DeviceInformation";
 constexpr const char* streamEnumeration = "StreamEnumeration";
 constexpr std::size_t longestName = 64;
 
-/** Mask and time of an event, as the description has them. */
+/** Mask and time of an event, in the layout of the description. */
 std::string bytesOf(std::uint64_t mask, std::uint64_t nanoseconds) {
     const std::uint64_t words[] = {mask, nanoseconds};
     return {reinterpret_cast<const char*>(words), sizeof words};

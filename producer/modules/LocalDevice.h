@@ -1,4 +1,4 @@
-/** The device module, and the remote device: the station behind process 0 of a board. */
+/** The device module, and the remote device: the station of process 0 of a board. */
 #ifndef PRODUCER_MODULES_LOCALDEVICE_H
 #define PRODUCER_MODULES_LOCALDEVICE_H
 
@@ -15,14 +15,14 @@ class Interface;
 class RemoteDevice;
 class Stream;
 
-/** What the modules of an open device share. */
+/** State that the modules of an open device share. */
 struct OpenDevice {
     OpenDevice(Libraries libraries, std::string itsId, bool readOnly);
 
     const std::string id;
     const bool isReadOnly;
-    const std::shared_ptr<EventQueue> remoteEvents;  // of the design
-    const std::shared_ptr<EventQueue> invalidations; // of the remote device's features
+    const std::shared_ptr<EventQueue> remoteEvents;  // design events
+    const std::shared_ptr<EventQueue> invalidations; // for features of the remote device
     DeviceState state;
     Station station;
     Acquisition acquisition; // last: its thread uses the others
@@ -42,7 +42,7 @@ private:
     const std::shared_ptr<OpenDevice> m_device;
 };
 
-/** The caller holds the lock of the modules. */
+/** The caller must hold the lock of the modules. */
 class LocalDevice final : public Module, public std::enable_shared_from_this<LocalDevice> {
 public:
     /** Opens the station. Throws IO. */
@@ -68,7 +68,7 @@ private:
     const std::shared_ptr<OpenDevice> m_device;
     const std::shared_ptr<RemoteDevice> m_remote;
     const std::string m_streamId;
-    std::shared_ptr<Stream> m_stream; // if open
+    std::shared_ptr<Stream> m_stream; // null while closed
 };
 
 } // namespace producer

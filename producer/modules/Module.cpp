@@ -7,7 +7,7 @@
 namespace producer {
 
 std::mutex& lockOfModules() {
-    static auto* const mutex = new std::mutex; // other threads may be in a call when the process ends
+    static auto* const mutex = new std::mutex; // other threads may be in a call at exit
     return *mutex;
 }
 

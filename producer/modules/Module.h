@@ -1,4 +1,4 @@
-/** What all modules have: an identification, a port with a description, events. */
+/** The base class of all modules: an identifier, a port with a description, events. */
 #ifndef PRODUCER_MODULES_MODULE_H
 #define PRODUCER_MODULES_MODULE_H
 
@@ -20,13 +20,14 @@
 namespace producer {
 
 /**
- * A module of the interface: system, interface, device, stream, and the remote device. The functions of the port and of
- * the events may be called from any thread. `lockOfModules` guards what the modules know of each other: their open
+ * A GenTL module: system, interface, device, stream, and the remote device. The functions of the port and of
+ * the events are thread-safe. `lockOfModules` guards the relations between modules: open children and parents.
  * children and their parents.
  */
 class Module : public Object {
 public:
-    /** `type` is the module's word in the standard, `name` is in the names of its description and of its port. */
+    /** `type` is the module type in the standard, `name` is used in the names of its description and of its
+     *  port. */
     Module(const char* type, std::string name, std::string id)
         : m_type(type)
         , m_name(std::move(name))
@@ -37,22 +38,23 @@ public:
     Answer portInfo(std::int32_t command);
     std::string url();
     Answer urlInfo(std::int32_t command);
-    /** Throws what RegisterMap throws, and ACCESS_DENIED for a write to a module that was opened for reading. */
+    /** Throws the exceptions of RegisterMap, and ACCESS_DENIED for a write to a module that was opened for
+     *  reading. */
     void read(std::uint64_t address, std::span<std::uint8_t> bytes) { registers().read(address, bytes); }
     virtual void write(std::uint64_t address, std::span<const std::uint8_t> bytes) {
         registers().write(address, bytes);
     }
 
-    /** The handle of the event. Throws NOT_IMPLEMENTED for a kind that is not offered, RESOURCE_IN_USE. */
+    /** The handle of the event. Throws NOT_IMPLEMENTED for an unsupported kind, RESOURCE_IN_USE. */
     void* registerEvent(std::int32_t kind);
     void unregisterEvent(std::int32_t kind);
 
-    /** Closes the module and all below it: their handles lead nowhere any more, and who waits for an event gets ABORT.
-     *  The caller holds the lock of the modules. */
+    /** Closes the module and its children: their handles become invalid, and threads that wait for an event
+     *  get ABORT. The caller must hold the lock of the modules. */
     virtual void close();
 
 protected:
-    /** The features of the module's description. Called once, at the first access to the port. */
+    /** The features of the module's description. Called once, on the first access to the port. */
     virtual std::vector<Feature> makeFeatures() = 0;
     void offerEvent(std::shared_ptr<EventQueue> queue) { m_events[queue->kind()] = std::move(queue); }
     virtual bool canBeWritten() const { return true; }
@@ -73,13 +75,13 @@ private:
 /** Held by each call that opens or closes a module. */
 std::mutex& lockOfModules();
 
-/** A feature that can only be read. */
+/** A read-only feature. */
 Feature textFeature(const char* category, const char* name, std::string value);
 Feature textFeature(const char* category, const char* name, std::function<std::string()> get);
 Feature numberFeature(const char* category, const char* name, std::function<std::uint64_t()> get);
-/** An enumeration of one word. */
+/** An enumeration with a single entry. */
 Feature wordFeature(const char* category, const char* name, const char* word);
-/** A selector of a list of one or more entries, of which it selects the first. */
+/** A selector with one or more entries; the first one is selected. */
 Feature selectorFeature(const char* category, const char* name, std::function<std::uint64_t()> count,
                         std::vector<std::string> selected);
 

@@ -1,4 +1,4 @@
-/** The data stream module: buffers, and the pictures that come into them. */
+/** The data stream module: buffers, and the pictures written to them. */
 #ifndef PRODUCER_MODULES_STREAM_H
 #define PRODUCER_MODULES_STREAM_H
 
@@ -17,11 +17,11 @@
 namespace producer {
 
 /**
- * A buffer is announced; queued, it waits in the input pool; a picture is made in it; it waits in the output queue,
- * which is the queue of the new buffer event; fetched from there it is the client's. The functions of the buffers may
- * be called from any thread, and answer INVALID_HANDLE once the stream is closed.
+ * States of a buffer: announced; queued in the input pool; being filled; in the output queue, which is also the
+ * queue of the new buffer event; owned by the client once it is fetched. The functions of the buffers are
+ * thread-safe, and return INVALID_HANDLE once the stream is closed.
  *
- * What moves a buffer that is being filled waits until it is full, which takes milliseconds.
+ * A call that moves a buffer that is being filled waits until it is full, which takes milliseconds.
  */
 class Stream final : public Module, PictureSink {
 public:
@@ -30,13 +30,13 @@ public:
 
     LocalDevice& device() const { return *m_parent; }
 
-    /** Memory of the client's, or of its own if that is null. */
+    /** Uses the client's memory, or allocates memory if that is null. */
     void* announce(void* memory, std::size_t size, void* user);
     struct Revoked {
-        void* memory; /**< null if it was the stream's own */
+        void* memory; /**< null if the stream had allocated it */
         void* user;
     };
-    /** Throws BUSY while the buffer is queued or filled. */
+    /** Throws BUSY while the buffer is queued or being filled. */
     Revoked revoke(void* buffer);
     /** Throws RESOURCE_IN_USE if it is queued already. */
     void queue(void* buffer);
@@ -55,7 +55,7 @@ public:
 
 private:
     struct Buffer {
-        std::unique_ptr<std::uint8_t[]> own; // null for memory of the client's
+        std::unique_ptr<std::uint8_t[]> own; // null for memory of the client
         std::span<std::uint8_t> memory;
         void* user = nullptr;
         bool isInput = false;
@@ -63,7 +63,7 @@ private:
         bool isNew = false; // since it was queued
         Picture picture{};
     };
-    using Buffers = std::map<void*, Buffer>; // in the order in which they were announced
+    using Buffers = std::map<void*, Buffer>; // in the order of their announcement
     using Lock = std::unique_lock<std::mutex>;
 
     // PictureSink
@@ -85,7 +85,7 @@ private:
     const std::shared_ptr<OpenDevice> m_device;
     const std::shared_ptr<EventQueue> m_output;
 
-    std::mutex m_mutex; // the members below
+    std::mutex m_mutex; // guards the members below
     std::condition_variable m_isFull;
     bool m_isClosed = false;
     Buffers m_buffers;

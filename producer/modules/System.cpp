@@ -123,7 +123,7 @@ std::vector<Feature> System::makeFeatures() {
     Feature selector = selectorFeature(interfaceEnumeration, "InterfaceSelector", count, {"InterfaceID"});
     const auto chosen = [this, get = selector.get]() -> std::string {
         const auto index = static_cast<std::size_t>(std::get<std::int64_t>(get()));
-        return index < interfaceCount() ? m_ids[index] : ""; // none before the first update
+        return index < interfaceCount() ? m_ids[index] : ""; // empty before the first update
     };
     Feature update{
         .name = "InterfaceUpdateList", .category = interfaceEnumeration, .kind = Feature::Kind::command};

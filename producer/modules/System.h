@@ -14,13 +14,13 @@ namespace producer {
 
 class Interface;
 
-/** The caller holds the lock of the modules. */
+/** The caller must hold the lock of the modules. */
 class System final : public Module, public std::enable_shared_from_this<System> {
 public:
     System();
     ~System() override;
 
-    /** Also that of the library as a whole. */
+    /** Also used for the library as a whole. */
     static Answer info(std::int32_t command);
 
     /** The list of the last update. */

@@ -63,7 +63,7 @@ TEST_F(VirtualBoard, CallsTheObserverBeforeEachAccess) {
     static LOOMdevice* watched;
     watched = device;
     std::vector<std::size_t> sizes;
-    const auto watch = [](void* seen) { // the board is free meanwhile
+    const auto watch = [](void* seen) { // the board is not locked meanwhile
         static_cast<std::vector<std::size_t>*>(seen)->push_back(BOARD(vboard_log_size)(watched));
     };
     BOARD(vboard_on_access)(device, watch, &sizes);
@@ -117,7 +117,7 @@ TEST_F(VirtualBoard, KeepsFieldsAndHandsOutTexts) {
     EXPECT_EQ(freeText(fg, id(uid), text, 0, FG_PARAM_TEXT), FG_ERR_STRING_TAG);
     EXPECT_EQ(freeText(fg, id(uid), text, 0, FG_PARAM_ALLOCATED_STRING), 0);
     EXPECT_EQ(freeText(fg, id(uid), text, 0, FG_PARAM_ALLOCATED_STRING), FG_ERR_INVALID_ARGUMENT);
-    EXPECT_EQ(get(uid, FG_PARAM_ALLOCATED_STRING, text), 0); // goes with the handle
+    EXPECT_EQ(get(uid, FG_PARAM_ALLOCATED_STRING, text), 0); // freed with the handle
 }
 
 TEST_F(VirtualBoard, AResetEndsFaultsAndRestoresValues) {

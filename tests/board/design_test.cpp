@@ -26,7 +26,7 @@ TEST_F(VirtualBoard, ADesignKeepsTheSettingsItWasLoadedWith) {
     EXPECT_LE(id("Second name"), 0);
     fpga_design* poorer = load();
     Fg_Struct* poor = RUNTIME(InitHandle)("any.tsl", device, poorer);
-    EXPECT_EQ(LOADER(TslUnloadTslFile)(poorer), 0); // the handle keeps what it needs
+    EXPECT_EQ(LOADER(TslUnloadTslFile)(poorer), 0); // the handle keeps its data
     EXPECT_LE(RUNTIME(getParameterIdByName)(poor, width.c_str()), 0);
     EXPECT_LE(RUNTIME(getParameterIdByName)(poor, "Second name of what is not there"), 0);
     for (const char* name : {height.c_str(), "Second name"})
@@ -84,7 +84,7 @@ TEST_F(VirtualBoard, CountsRaisedEventsByMask) {
     RUNTIME(FreeGrabber)(moved);
 }
 
-/** Collects the leaves below a group and checks the links on the way. */
+/** Collects the leaves below a group and checks the links. */
 void collect(const RegisterInfo* group, std::vector<const RegisterInfo*>& leaves) {
     for (int i = 0; i < group->value.group.childCount; ++i) {
         const RegisterInfo* child = group->value.group.children[i];

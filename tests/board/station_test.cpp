@@ -37,7 +37,7 @@ TEST_F(VirtualStation, GivesPicturesThroughTheRuntime) {
     EXPECT_EQ(BOARD(vboard_wait)(device, 2, 708), VBOARD_TIMEOUT); // it arrives at tick 709
     EXPECT_EQ(BOARD(vboard_now)(device), 708U);
     EXPECT_EQ(BOARD(vboard_wait)(device, 2, 100), 2);
-    EXPECT_EQ(RUNTIME(getLastPicNumberEx)(fg, 0, memory), 2); // asking takes none
+    EXPECT_EQ(RUNTIME(getLastPicNumberEx)(fg, 0, memory), 2); // a query consumes nothing
     EXPECT_EQ(status(0), 2);
     vboard_record record{};
     ASSERT_EQ(BOARD(vboard_frame)(memory, 2, &record), VBOARD_OK);
@@ -57,7 +57,7 @@ TEST_F(VirtualStation, GivesPicturesThroughTheRuntime) {
     EXPECT_EQ(status(VBOARD_STATUS_TICK), 709);
     EXPECT_EQ(status(VBOARD_STATUS_LINES), 8);
     EXPECT_EQ(BOARD(vboard_advance)(device, 1000), 1709U);
-    EXPECT_EQ(own<std::uint32_t>(24092), 0U); // three were asked for
+    EXPECT_EQ(own<std::uint32_t>(24092), 0U); // three were requested
     EXPECT_EQ(BOARD(vboard_frame)(memory, 1, &record), VBOARD_GONE);
     EXPECT_EQ(wait(4), FG_ERR_NOT_AVAILABLE);
     EXPECT_EQ(BOARD(vboard_wait)(device, 4, 1), FG_ERR_NOT_AVAILABLE);
@@ -154,7 +154,7 @@ TEST_F(VirtualStation, ActsOnWritesWavesAndInjection) {
     EXPECT_TRUE(record.data[0] == 0x33 && record.data[1] == 0x22 && record.data[2] == 0x11 &&
                 record.data[3] == 0);
 
-    const vboard_speed speed[] = {{1000, 1'250'000, 1'250'000}}; // ten quarter steps, and on
+    const vboard_speed speed[] = {{1000, 1'250'000, 1'250'000}}; // ten quarter steps, then constant
     EXPECT_EQ(BOARD(vboard_wave_encoder)(device, 1, 2, speed, 1), VBOARD_OK);
     EXPECT_EQ(BOARD(vboard_wave_encoder)(device, 1, 1, speed, 1), VBOARD_UNKNOWN);
     const std::uint64_t now = BOARD(vboard_now)(device);
@@ -229,7 +229,7 @@ TEST_F(VirtualStation, FollowsTheMachinesClockAndLetsOthersInWhileItWaits) {
     const auto start = Clock::now();
     EXPECT_EQ(BOARD(vboard_clock)(device, 10), VBOARD_OK);
     EXPECT_EQ(BOARD(vboard_advance)(device, 1000), VBOARD_NOT_STEPPED);
-    // A wait that would last for ten seconds ends by what others do. Each may come before it or after.
+    // A wait of ten seconds is ended by other threads. Each may act before the wait begins or during it.
     const std::pair<std::function<void()>, std::int64_t> ends[] = {
         {[&] { EXPECT_EQ(setInt("Trigger_Trigger_SoftwareTrgPulse", 1), 0); }, 1},
         {[&] {
@@ -257,15 +257,15 @@ TEST_F(VirtualStation, FollowsTheMachinesClockAndLetsOthersInWhileItWaits) {
         EXPECT_EQ(RUNTIME(AcquireEx)(fg, 0, 0, 0, memory), 0);
         std::int64_t result = 0;
         std::thread waiting([&] { result = wait(1, 10); });
-        std::this_thread::sleep_for(std::chrono::milliseconds(3)); // in most cases it waits by now
+        std::this_thread::sleep_for(std::chrono::milliseconds(3)); // usually the wait has begun by now
         end();
         waiting.join();
-        // Another acquisition either ends the wait or answers it.
+        // Another acquisition either ends the wait or satisfies it.
         EXPECT_TRUE(result == answer || (answer == 1 && result == FG_ERR_NOT_AVAILABLE)) << result;
     }
     EXPECT_EQ(BOARD(vboard_advance)(device, 5), 5U); // the reset made it stepped
-    // A second goes by in a hundredth, and not faster.
-    EXPECT_EQ(RUNTIME(AcquireEx)(fg, 0, 0, 0, memory), FG_ERR_BUFFER); // as the parameters are now
+    // A second takes a hundredth of a second, and not less.
+    EXPECT_EQ(RUNTIME(AcquireEx)(fg, 0, 0, 0, memory), FG_ERR_BUFFER); // with the present parameters
     setInt("Buffer_0_XLength", 0);
     EXPECT_EQ(RUNTIME(AcquireEx)(fg, 0, 0, 0, memory), 0);
     const auto before = Clock::now();
@@ -281,7 +281,7 @@ TEST_F(VirtualStation, FollowsTheMachinesClockAndLetsOthersInWhileItWaits) {
 }
 
 TEST_F(VirtualStation, DrawsOnManyThreadsWhileTheBoardIsUsed) {
-    // 16 million pixels each, so that there is time for an access while one is drawn.
+    // 16 million pixels each, so that there is time for an access during the drawing.
     for (const char* name : {"Buffer_0_SensorWidth", "Buffer_0_XLength"})
         setInt(name, 16384);
     for (const char* name : {"ImageHeight_ImageHeight", "Trigger_Trigger_YLength"})
@@ -296,7 +296,7 @@ TEST_F(VirtualStation, DrawsOnManyThreadsWhileTheBoardIsUsed) {
         for (int picture = 1; picture <= pictures; ++picture) {
             vboard_record record{};
             EXPECT_EQ(BOARD(vboard_frame)(memory, picture, &record), VBOARD_OK);
-            bytes.push_back(record.data[3 * 63 + 1]); // beyond is no line
+            bytes.push_back(record.data[3 * 63 + 1]); // there is no line beyond this
             bytes.push_back(record.data[record.size - 3 * 16384]);
         }
         isDrawing = false;

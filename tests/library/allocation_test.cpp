@@ -1,5 +1,5 @@
-// A routed access of a number allocates nothing, a load nothing for each line; neither a load nor a place for
-// long texts takes memory that is not needed.
+// Routed access to a number does not allocate, a load allocates nothing per line, and neither a load nor a
+// buffer for long texts uses more memory than needed.
 
 #include "support/applet_fixture.h"
 #include "support/counted_malloc.h"
@@ -19,14 +19,14 @@ protected:
         board.log_kinds(m_grabber.device, 0); // the board's own log would count
         m_grabber.bringUp();
     }
-    /** Allocations of a call; the first, uncounted one settles what is made once. */
+    /** Allocations of a call; a first call outside the count makes one-time allocations. */
     template <typename Call> static long countOf(Call call) {
         call();
         const long before = allocations();
         call();
         return allocations() - before;
     }
-    /** By how many MiB the process grows during a call, at its largest. */
+    /** Peak growth of the process during a call, in MiB. */
     template <typename Call> static long growthDuring(Call call) {
         malloc_trim(0);
         std::ofstream("/proc/self/clear_refs") << 5; // the peak is the present size
@@ -34,7 +34,7 @@ protected:
         call();
         return peakInMiB() - before;
     }
-    /** The header of a file of the applet, and lines. */
+    /** A file of the applet: the header and these lines. */
     static std::string configuration(std::size_t lines, const std::string& line) {
         std::string text =
             "[Kamerasektion]\nHersteller=1;\nTyp='Grab_TwinLaneLineColor';\nAktivePort=0;\n[Port A]\n";
@@ -71,7 +71,7 @@ TEST_F(Allocation, ARoutedAccessOfANumberHasNone) {
     ASSERT_EQ(m_grabber.set(FG_VANTAGEPOINT, 3u), 0);
     EXPECT_EQ(countOf([&] { EXPECT_EQ(m_grabber.set(FG_HEIGHT, 512u), 0); }), 0);
     EXPECT_EQ(countOf([&] { m_grabber.get(FG_NR_OF_PROCESSES, &word); }), 0);
-    // A text that is handed out is one: the library's allocations are seen here.
+    // Returning a text allocates it: this shows that the library's allocations are counted.
     EXPECT_GE(countOf([&] {
                   alignas(8) char place[64] = "FG_WIDTH";
                   m_grabber.get(FG_PARAM_DESCR, place, 0, FG_PARAM_ALLOCATED_STRING);

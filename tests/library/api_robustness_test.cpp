@@ -1,5 +1,5 @@
-// Callers that err: handles that are none, ids beside the known ones with any tag and DMA channel, questions that
-// are unknown, texts that break a careless reader. Places have exactly the size that is passed.
+// Invalid calls: bad handles, unknown ids next to known ones with any tag and DMA channel, unknown
+// queries, texts that could break a parser. Buffers have exactly the size that is passed.
 
 #include "support/applet_fixture.h"
 #include "support/sanitizers.h"
@@ -17,7 +17,7 @@ namespace {
 
 using namespace support;
 
-/** A caller's place of so many bytes, which tells whether anything was written beside it. */
+/** A caller's buffer of this size that detects writes outside of it. */
 class Place {
 public:
     explicit Place(std::size_t size) : m_bytes(size + 2 * guard, filler), m_size(size) {}
@@ -52,7 +52,7 @@ constexpr int lowest = std::numeric_limits<int>::min(), highest = std::numeric_l
 
 struct Parameter {
     std::string name;
-    std::string kind; /**< as the tree has it; the runtime's own are in no tree */
+    std::string kind; /**< as in the tree; the runtime's own parameters are in no tree */
     bool isReadOnly = false;
 
     bool isWord() const { return kind == "UInt" || kind == "Enum" || kind == "Int"; }
@@ -79,12 +79,12 @@ class AnyId : private AppletLog, public ParameterTest {
 protected:
     AnyId() : AppletLog(4) {}
 
-    /** What a caller hands over for a parameter under a tag: its value as it is, in its own width. */
+    /** The caller's value of a parameter for a tag: the present value, in its own width. */
     Place valueOf(int id, int tag) {
         const Parameter* parameter = find(id);
         if (parameter == nullptr) return Place(std::string(32, '\0').data(), 32);
         if (parameter->kind == "UIntField" && tag == FG_PARAM_FIELD_ACCESS) {
-            static FieldParameterAccess run; // its padding is compared as well, and is 0 in a static record
+            static FieldParameterAccess run; // static, so that its padding is 0: it is compared as well
             run.vtype = FG_PARAM_UINT32;
             run.count = 1;
             run.values = &element;
@@ -100,7 +100,7 @@ protected:
         EXPECT_EQ(grabber.get(id, value.data()), FG_OK);
         return value;
     }
-    /** A place for it. */
+    /** A buffer for it. */
     Place placeFor(int id, int tag) {
         const Parameter* parameter = find(id);
         const std::size_t least = tag == FG_PARAM_INT64 || tag == FG_PARAM_UINT64 ? 8 : 4;
@@ -123,7 +123,8 @@ protected:
         const Parameter* parameter = find(id);
         const bool isRefused = id != FG_NR_OF_PROCESSES && (parameter == nullptr || dma != 0);
         const bool isNumber = tag >= FG_PARAM_INT32 && tag <= FG_PARAM_DOUBLE;
-        if (isRefused || parameter->kind != "Runtime" || isNumber) { // what else the runtime gives is its own
+        if (isRefused || parameter->kind != "Runtime" ||
+            isNumber) { // other results of the runtime are its own
             EXPECT_EQ(code, isRefused ? FG_ERR_INVALID_ARGUMENT : FG_OK);
         }
         EXPECT_TRUE(place.isGuarded() && (code == FG_OK || place == untouched));
@@ -152,7 +153,7 @@ protected:
             EXPECT_EQ(code, FG_ERR_NOT_AVAILABLE);
             lines = {
                 line(4, "trying to set read-only SDK parameter '" + parameter->name + "' on process 0!")};
-        } else { // some refuse the value that they have, but none is unknown
+        } else { // some refuse their present value, but none is unknown
             EXPECT_TRUE(code != FG_ERR_NOT_AVAILABLE && code != FG_ERR_INVALID_ARGUMENT) << code;
         }
         EXPECT_EQ(value, untouched);
@@ -200,7 +201,7 @@ TEST_F(AnyId, AccessesWithEveryTagAndChannel) {
 
     for (const int id : ids)
         for (const int dma : {0, -1, 1}) {
-            std::optional<int> taken; // how its own value is: the tag must not matter
+            std::optional<int> taken; // the result for its own value: the tag must not matter
             for (const int tag :
                  {1, 2, 3, 4, 5, 6, 22, 4098, 4096, 0, -1, 7, 21, 23, 4095, 4097, 4099, lowest, highest}) {
                 SCOPED_TRACE(testing::Message() << "id " << id << " DMA " << dma << " tag " << tag);
@@ -218,9 +219,9 @@ TEST_F(AnyId, AccessesWithEveryTagAndChannel) {
         }
 }
 
-// ---- Questions
+// ---- Queries
 
-/** What a question stores in the caller's places, in bytes. */
+/** The bytes that a query stores in the caller's buffers. */
 struct Stored {
     std::size_t in = 0, out = 0;
 };
@@ -241,13 +242,13 @@ std::map<int, Stored> knownQuestions() {
 
 class Questions : public AppletTest {
 protected:
-    /** Asks with and without each place. Only the reported bytes are stored. */
+    /** Calls with and without each buffer. Only the reported bytes may be stored. */
     void ask(int code, int arg1, int arg2, const Stored& stored, bool isKnown) {
         SCOPED_TRACE(testing::Message() << code << ' ' << arg1 << ' ' << arg2);
         int whole = 0;
         for (const bool hasIn : {true, false})
             for (const bool hasOut : {true, false}) {
-                // A text for the one question that reads one, and no object for those that take one.
+                // A text for the query that reads one, and no object for those that take one.
                 Place in = stored.in > 0 ? Place(stored.in) : Place("FG_HIGH", 8);
                 Place out(stored.out > 0 ? stored.out : 8);
                 const Place oldIn = in, oldOut = out;
@@ -257,7 +258,7 @@ protected:
                 const bool needsIn = code == 4352 || code == 4880 || code == 4896;
                 const bool needsOut = code == 4864 || code == 4880 || code == 5120;
                 const bool lacks = (needsIn && !hasIn) || (needsOut && !hasOut);
-                if (code != 5120 || lacks) { // the answer may be in the place already
+                if (code != 5120 || lacks) { // the answer may already be in the buffer
                     EXPECT_EQ(answer, !isKnown ? FG_ERR_NOT_SUPPORTED
                                       : lacks  ? FG_ERR_INVALID_ARGUMENT
                                                : whole);
@@ -294,7 +295,7 @@ TEST_F(Questions, KnownAndRandomCodesWithAndWithoutPlaces) {
 
 // ---- Texts
 
-/** Texts of all lengths made of what formats, ends lines, ends texts. */
+/** Texts of all lengths made of format specifiers, line ends and terminators. */
 std::vector<std::string> hardTexts() {
     std::vector<std::string> all = {"", "%s%n%d%*c", "\n\r\t\x01", "\"'=;'", "[Port A]", "\xff\xfe"};
     for (const std::size_t length : {1023u, 1024u, 4096u, 700000u})
@@ -315,7 +316,7 @@ protected:
         EXPECT_TRUE(place.isGuarded());
         return reinterpret_cast<const char*>(place.data());
     }
-    /** A text that is taken is given back as it is, into a place of its size. */
+    /** An accepted text is read back unchanged, into a buffer of its size. */
     void expectKept(int id, const std::string& value) {
         EXPECT_EQ(setText(id, value), FG_OK);
         EXPECT_EQ(bufferOf(id, value.size()), value);
@@ -338,7 +339,7 @@ TEST_F(Texts, HardTextsAreNeitherFormattedNorCutShort) {
         expectKept(FG_LUT_CUSTOM_FILE, value);
         expectKept(FG_DEBUGSAVECONFIG, value);
         expectKept(FG_DEBUGFILE, value);
-        // With all of them in it.
+        // With all of them in one text.
         const std::string state = folder / "state.mcf";
         EXPECT_EQ(applet.Fg_saveConfig(grabber.fg(), state.c_str()), FG_OK);
         EXPECT_EQ(applet.Fg_loadConfig(grabber.fg(), state.c_str()), FG_OK);

@@ -16,7 +16,7 @@ using Api = AppletTest;
 TEST_F(Api, ForwardersGiveTheRuntimesResultAndStoreItsLastError) {
     Grabber grabber(0);
     Fg_Struct* const fg = grabber.fg();
-    // An acquisition of so many pictures runs in the runtime: the arguments arrive.
+    // An acquisition of this many pictures starts in the runtime: the arguments arrive.
     const std::int64_t far = 5'000'000'000;
     EXPECT_EQ(applet.Fg_AcquireEx(fg, 0, far, 0, nullptr), 0);
     EXPECT_EQ(applet.Fg_getLastPicNumberEx(fg, 0, nullptr), 1);
@@ -34,7 +34,7 @@ TEST_F(Api, ForwardersGiveTheRuntimesResultAndStoreItsLastError) {
         EXPECT_EQ(answered(-3), std::pair(std::int64_t{-3}, -2010));
         EXPECT_EQ(answered(7), std::pair(std::int64_t{7}, 0));
         if (forwarder.wide) {
-            // The upper half counts, for the value and for its sign.
+            // The upper half matters, for the value and for its sign.
             EXPECT_EQ(answered(0x1'8000'0001), std::pair(std::int64_t{0x1'8000'0001}, 0));
             EXPECT_EQ(answered(-0x1'0000'0000), std::pair(std::int64_t{-0x1'0000'0000}, -2010));
         } else {
@@ -85,7 +85,7 @@ TEST_F(Api, TemporaryFileNames) {
         EXPECT_EQ(name, pattern);
     }
     EXPECT_EQ(applet.mkstemps(nullptr, 0), -1);
-    // The shortest pattern is the six places alone. Where no attempt succeeds, the pattern is emptied.
+    // The shortest pattern is only the six placeholders. If no attempt succeeds, the pattern is emptied.
     std::string gone = folder / "gone";
     std::filesystem::create_directory(gone);
     std::filesystem::current_path(gone);

@@ -1,4 +1,4 @@
-// From Std_entry to Fg_FreeGrabber: what is missing, what is refused, what is left behind.
+// From Std_entry to Fg_FreeGrabber: missing functions, refusals, leaks.
 
 #include "support/every_call.h"
 #include "support/sanitizers.h"
@@ -12,7 +12,7 @@ namespace {
 
 using namespace support;
 
-/** Std_entry where the design is refused: the object is not freed. */
+/** Std_entry with a refused design: the object is not freed. */
 int codeOfARefusal(const applet_host::AppletFunctions& applet, LOOMdevice* device) {
     const ExpectedLeak object;
     int error = 1;
@@ -20,7 +20,7 @@ int codeOfARefusal(const applet_host::AppletFunctions& applet, LOOMdevice* devic
     return error;
 }
 
-/** An instance without a board, for the time of `use`. */
+/** An instance without a board, for the duration of `use`. */
 template <typename Use> void withOffline(decltype(&Info) info, Use use) {
     void* instance = nullptr;
     ASSERT_EQ(info(4864, 0, 0, nullptr, &instance), 0);
@@ -30,7 +30,7 @@ template <typename Use> void withOffline(decltype(&Info) info, Use use) {
 
 class BringUp : public AppletTest {
 protected:
-    /** A bring-up that fails: the code, its line in the log, and nothing left behind. */
+    /** A failing bring-up: the code, its line in the log, and no leaks. */
     void expectFailure(int code, const std::string& line) {
         AppletLog log(4);
         const int designs = live("designs");
@@ -62,7 +62,7 @@ TEST_F(BringUp, InitThatIsMissingOrFails) {
 
 TEST_F(BringUp, InitThatFailsWithoutACodeCarriesOnWithoutInnerHandle) {
     Grabber before;
-    before.handle.object = applet.Std_entry(before.device, nullptr, 0); // the code is not asked for
+    before.handle.object = applet.Std_entry(before.device, nullptr, 0); // without a pointer for the code
     ASSERT_EQ(before.value<std::uint32_t>(FG_WIDTH), 1024u);
     EXPECT_EQ(lastDevice(), before.device);
     fpga_design* const design = lastDesign();
@@ -134,7 +134,7 @@ TEST_F(BringUp, SwitchWordsOfTheEnvironment) {
         }
 }
 
-/** What needs a process in which nothing is loaded yet. */
+/** Tests that need a process without loaded libraries. */
 class Loading : public testing::Test {
     void SetUp() override {
         if (isLoaded("libvexo_hw.so")) GTEST_SKIP() << "needs a process of its own";
@@ -186,7 +186,7 @@ TEST_F(Loading, RuntimeLibraryThatIsNotFound) {
     void* last = nullptr;
     for (const auto& file :
          {where.virtualBoard / "libvexo_hw.so", where.virtualBoard / "libtslrt.so", where.applet})
-        last = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL); // for the life of the process
+        last = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL); // stays loaded
     ASSERT_NE(last, nullptr);
     if (void* runtime = dlopen("libgrabcore5.so", RTLD_NOW)) {
         dlclose(runtime);

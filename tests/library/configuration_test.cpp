@@ -1,5 +1,5 @@
-// Configuration files through the exported functions: what a save tells, what a load does with each key, and
-// what it makes of files of something else.
+// Configuration files through the exported functions: the contents of a save, the effect of each key in a load,
+// and loads of files of another kind.
 
 #include "support/applet_fixture.h"
 #include "support/temporary_folder.h"
@@ -25,7 +25,7 @@ using testing::StartsWith;
 
 const char* const simulatorRates[] = {"FG_CAMERASIMULATOR_LINERATE", "FG_CAMERASIMULATOR_FRAMERATE"};
 
-/** The lines of a file, at first those of the file that a normal start saves. */
+/** The lines of a file; initially those saved after a normal start. */
 class File {
 public:
     explicit File(Lines lines = dataLines("saved_state.mcf")) : m_lines(std::move(lines)) {}
@@ -63,11 +63,11 @@ void replace(Sections& sections, const std::string& from, const std::string& to)
         std::ranges::replace(lines, from, to);
 }
 
-/** The setters of a load of the saved state run as those of a start do. */
+/** A load of the saved state runs the same setters as a start. */
 Sections savedStateSections() {
     Sections sections = startUpSections();
-    sections.erase(sections.begin()); // what a start asks the design about itself
-    // A rate is saved as it reads back, with a half step; what 12 digits of it give may be the step before.
+    sections.erase(sections.begin()); // the queries of a start about the design
+    // A rate is saved as it reads back, with half a step; rounding to 12 digits may give the previous step.
     const std::string step =
         " Device1_Process0_CameraSimulator_PixelFrequency_SequenceLength_ImageWidth u32 ";
     for (const std::string access : {"set", "get"})
@@ -82,8 +82,8 @@ Lines joined(const Sections& sections, const std::string& butNot = "") {
     return all;
 }
 
-/** The design as its parameters were written last, without what a file does not hold: tables, the branches
- * that a refused format has silenced, and the rates. */
+/** The design's parameters as written last, without those that a file does not hold: tables, the branches
+ * silenced by a refused format, and the rates. */
 std::string designState(const Grabber& grabber) {
     std::map<std::string, std::string> last;
     for (const std::string& line : grabber.log())
@@ -119,7 +119,7 @@ protected:
         expectCode(grabber, applet.Fg_saveConfig(grabber.fg(), path.c_str()), FG_OK, FG_OK);
         return File(fileLines(path));
     }
-    /** A save, but for the rates, which are read back from counters that other values set. */
+    /** A save without the rates, which are read back from counters that depend on other values. */
     void expectSaved(Grabber& grabber, File expected) {
         File saved = save(grabber);
         for (const char* rate : simulatorRates)
@@ -127,7 +127,7 @@ protected:
         ASSERT_EQ(saved.text(), expected.text());
     }
 
-    /** Parameters that a save tells and a load does not ask for. */
+    /** Parameters that a save writes and a load does not read. */
     const Lines savedOnly = dataLines("saved_only.txt");
     const TemporaryFolder folder;
 };
@@ -140,7 +140,7 @@ TEST_F(ConfigurationTest, StartIsSavedToTheByte) {
         expectCode(grabber, applet.Fg_saveConfig(grabber.fg(), (folder / name).c_str()), FG_OK, FG_OK);
         EXPECT_EQ(fileBytes(folder / name), expected);
     }
-    // This setter comes back to the applet through the runtime, inside its own call, and hides the result.
+    // This setter calls the applet again through the runtime, inside its own call, and ignores the result.
     expectCode(grabber, grabber.setByName("FG_DEBUGSAVECONFIG", "'" + (folder / "nested.mcf") + "'"), FG_OK,
                FG_OK);
     EXPECT_EQ(fileBytes(folder / "nested.mcf"), expected);
@@ -154,7 +154,7 @@ TEST_F(ConfigurationTest, LoadRunsTheSettersInOrder) {
         lean.without(key);
     for (const std::string& key : savedOnly)
         lean.without(key);
-    lean.set("Hersteller", "'somebody'").set("AktivePort", "7"); // only have to be there
+    lean.set("Hersteller", "'somebody'").set("AktivePort", "7"); // need only exist
     for (const File& file : {File(), lean}) {
         for (const int flags : {0, 1}) {
             Grabber grabber;
@@ -187,7 +187,7 @@ TEST_F(ConfigurationTest, EachMissingKeyIsLostAlone) {
 }
 
 TEST_F(ConfigurationTest, SavedValuesComeBack) {
-    // Values as a file has them, doubles with a point; some are refused, always or beside their neighbours.
+    // Values as in a file, doubles with a point; some are refused, always or with these neighbours.
     Grabber to(0); // has what it loaded before
     const std::vector<Lines> settable = dataRows("settable_values.txt");
     std::mt19937 random(5);
@@ -234,7 +234,7 @@ TEST_F(ConfigurationTest, AGetterThatThrowsCostsItsLineAlone) {
     Lines saved;
     for (vboard_access_function* thrower :
          {+[](void*) { throw -5; }, +[](void*) { throw std::bad_alloc(); }, +[](void*) { throw "text"; }}) {
-        board.on_access(grabber.device, thrower, nullptr); // as long as the design is asked
+        board.on_access(grabber.device, thrower, nullptr); // while the design is queried
         saved.push_back(save(grabber).text());
         board.on_access(grabber.device, nullptr, nullptr);
     }

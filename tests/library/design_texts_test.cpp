@@ -1,4 +1,4 @@
-// Texts of the design and of the runtime: of any length, and those that call back.
+// Texts of the design and of the runtime: of any length, and those with a call back into the applet.
 
 #include "support/applet_fixture.h"
 #include "support/sanitizers.h"
@@ -13,7 +13,7 @@ class DesignTexts : public ParameterTest {
 protected:
     static std::string full(const std::string& name) { return "Device1_Process0_" + name; }
 
-    /** The design's text arrives whole in the caller's own place; only an allocated one is cut. */
+    /** A design text is copied completely into the caller's buffer; only an allocated one is truncated. */
     void expectText(int id, const std::string& expected) {
         std::string place(expected.size() + 1, '?');
         EXPECT_EQ(grabber.get(id, place.data(), 0, FG_PARAM_TEXT), FG_OK);
@@ -57,7 +57,7 @@ TEST_F(DesignTexts, LongTextsAreCut) {
 
 TEST_F(DesignTexts, SavesThroughTheRuntime) {
     if (underThreadSanitizer) GTEST_SKIP() << "the nested release is an error to the sanitizer";
-    // The runtime comes back to the applet, which serves it.
+    // The runtime calls the applet, which serves the call.
     static Lines saved;
     saved.clear();
     const auto save = [](Fg_Struct* fg, const char* file) {

@@ -1,6 +1,6 @@
-// What a process still holds after thousands of rounds, and what several copies of the library share.
+// Leaks over thousands of rounds, and resources that several copies of the library share.
 //
-// The library is loaded and unloaded here, so that each test has a host of its own.
+// The library is loaded and unloaded here, so each test has a host of its own.
 
 #include "support/applet_fixture.h"
 #include "support/sanitizers.h"
@@ -26,7 +26,7 @@
 #endif
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-extern "C" std::size_t __sanitizer_get_current_allocated_bytes(); // gcc has no header of it
+extern "C" std::size_t __sanitizer_get_current_allocated_bytes(); // gcc has no header for it
 #endif
 
 namespace {
@@ -46,7 +46,7 @@ const bool underValgrind = [] {
 }();
 constexpr bool sanitized = underAddressSanitizer || underThreadSanitizer;
 
-/** What the system lends a process. */
+/** System resources of a process. */
 struct Holdings {
     std::ptrdiff_t descriptors, mappings;
     bool operator==(const Holdings&) const = default;
@@ -59,10 +59,10 @@ Holdings holdings() {
     std::ifstream maps("/proc/self/maps");
     const auto mappings = std::count(std::istreambuf_iterator<char>(maps), {}, '\n');
     return {std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator()),
-            sanitized || underValgrind ? 0 : mappings}; // these map memory of their own
+            sanitized || underValgrind ? 0 : mappings}; // they map memory of their own
 }
 
-/** Bytes that the process has allocated and not freed. What the allocator keeps for later does not count. */
+/** Bytes that the process has allocated and not freed, without the allocator's caches. */
 std::size_t allocatedBytes() {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
     return __sanitizer_get_current_allocated_bytes();
@@ -72,10 +72,10 @@ std::size_t allocatedBytes() {
 #endif
 }
 
-/** Rounds leave nothing behind: descriptors, mappings and allocated bytes are as after the first ones. */
+/** Checks that rounds leak nothing: descriptors, mappings and allocated bytes stay as after the first ones. */
 template <typename Round> void expectSteady(int rounds, Round round) {
     if (sanitized || underValgrind) rounds /= 50;
-    constexpr int settling = 40; // a whole number of the cycles that rounds go through
+    constexpr int settling = 40; // a multiple of the length of the rounds' cycles
     for (int i = 0; i < settling; ++i)
         round(i);
     const Holdings before = holdings();
@@ -90,7 +90,7 @@ template <typename Round> void expectSteady(int rounds, Round round) {
     EXPECT_LT(grown, (underAddressSanitizer ? 512 : 12) * rounds) << "bytes in " << rounds << " rounds";
 }
 
-/** One use of an object: a refusal, so that the logging is bound too, and a value. */
+/** Uses an object once: a refusal, so that the logging is bound too, and a value. */
 void use(Session& session) {
     ASSERT_EQ(session.error, FG_OK);
     const std::uint32_t value = 512;
@@ -113,7 +113,7 @@ TEST(Endurance, OpensAndFrees) {
             use(session);
             EXPECT_TRUE(isLoaded(dispatcherName));
         }
-        // The last user takes the singletons along.
+        // The last user destroys the singletons.
         EXPECT_FALSE(isLoaded(dispatcherName));
     });
     for (const char* what : {"boards", "designs", "handles", "strings"})
@@ -195,7 +195,7 @@ public:
         EXPECT_EQ(applet().Info(FG_INFO_DEVICE, 0, 0, &device, nullptr), 0);
         return device;
     }
-    /** What answers to a handle of this or of the other copy. */
+    /** The object that a handle of this or of the other copy resolves to. */
     int answer(Session& session) const {
         std::uint32_t width = 0;
         return applet().Fg_getParameterWithType(session.fg(), FG_WIDTH, &width, 0, FG_PARAM_UINT32);
@@ -240,7 +240,7 @@ TEST(Copies, DoNotAnswerForEachOther) {
 /** Leaves a handle behind and ends the process as `end` says. */
 [[noreturn]] void leaveAHandleBehind(bool unload) {
 #if defined(__SANITIZE_ADDRESS__)
-    __lsan_disable(); // the handle is not freed: that is the case under test
+    __lsan_disable(); // the test leaks the handle intentionally
 #endif
     auto* host = new AppletHost;
     use(*new Session(*host, 0));

@@ -1,5 +1,5 @@
-// A runtime that lacks functions: none, one, two or all of them. Each exported function shows what it needs,
-// and nothing else. And handles that are none.
+// A runtime without some of its functions: none, one, two or all. Each exported function must need only its own.
+// Also invalid handles.
 #include "support/every_call.h"
 #include "support/sanitizers.h"
 #include "support/temporary_folder.h"
@@ -18,7 +18,7 @@ std::int64_t resultWithout(const Call& call, const Missing& missing) {
     return call.usual;
 }
 
-/** None, each, each two, and all. */
+/** Sets of missing functions: none, each, each pair, and all. */
 std::vector<Missing> whatIsMissing() {
     const Lines entries = dataLines("runtime_entries.txt");
     std::vector<Missing> all = {{}, Missing(entries.begin(), entries.end())};
@@ -30,7 +30,7 @@ std::vector<Missing> whatIsMissing() {
 
 class EntryPoints : public AppletTest {
 protected:
-    /** Hides functions for the next bring-up. */
+    /** Hides functions from the next bring-up. */
     void hide(const Missing& missing) {
         board.restore_design();
         for (const std::string& entry : missing)
@@ -55,7 +55,7 @@ protected:
         EXPECT_EQ(grabber.free(), isFreed ? -77 : FG_OK);
         EXPECT_EQ(live("handles"), handles - isFreed);
     }
-    /** Where Std_entry has failed. */
+    /** After a failed Std_entry. */
     void expectNoObject(Grabber& grabber) {
         EXPECT_EQ(grabber.handle.object, nullptr);
         for (const Call& call : all)

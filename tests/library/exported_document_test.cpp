@@ -1,4 +1,4 @@
-// The XML document as a client gets it: whole, as data; sizes and codes; what it shows of a live tree.
+// The XML document through the API: complete, as data; sizes and codes; its contents for a live tree.
 
 #include "support/applet_fixture.h"
 #include "support/faults.h"
@@ -13,7 +13,7 @@ using testing::HasSubstr;
 
 std::string documentData() { return fileBytes(TEST_DATA_DIR "/parameter_document.xml"); }
 
-/** The document of a handle, by the two calls. */
+/** The document of a handle, read with the two calls. */
 std::string documentOf(Fg_Struct* fg) {
     const auto& applet = host().applet();
     unsigned long size = 0;
@@ -46,7 +46,7 @@ TEST_F(SlaveDocument, IsTheCatalogue) {
 class ExportedDocument : public ParameterTest {
 protected:
     int call(int index, char* buffer, unsigned long* size) {
-        grabber.set(FG_LINE_DOWNSCALE, 0u); // another stored error, which each call replaces
+        grabber.set(FG_LINE_DOWNSCALE, 0u); // a different stored error, which each call replaces
         const int result = applet.Fg_getParameterInfoXML(grabber.fg(), index, buffer, size);
         EXPECT_EQ(lastError(), result);
         return result;
@@ -57,13 +57,13 @@ TEST_F(ExportedDocument, SizesAndCodes) {
     unsigned long needed = 7;
     ASSERT_EQ(call(0, nullptr, &needed), 0);
     std::string place(needed + 8, '?');
-    for (const unsigned long capacity : {1ul, needed - 1}) { // the zero must fit
+    for (const unsigned long capacity : {1ul, needed - 1}) { // without room for the terminating null
         unsigned long size = capacity;
         EXPECT_EQ(call(0, place.data(), &size), FG_ERR_BUFFER);
         EXPECT_EQ(size, capacity);
     }
     unsigned long zero = 0;
-    for (const int index : {0, 1, -1}) // comes before the look for a tree
+    for (const int index : {0, 1, -1}) // checked before the tree
         EXPECT_EQ(call(index, place.data(), &zero), FG_ERR_BUFFER);
     for (const int index : {1, -1, 2147483647}) {
         EXPECT_EQ(call(index, place.data(), &needed), FG_ERR_NO_TRANSLATION);

@@ -1,5 +1,5 @@
-// Every access that a set or a get makes fails in turn, once or from then on, in every mode that changes what
-// is accessed: the code comes through, the value stays, and the same call without a fault ends as ever.
+// Every access of a set or a get fails in turn, once or from then on, in every mode that changes the
+// accesses: the code is returned, the value is kept, and the same call without a fault works as usual.
 
 #include "support/applet_fixture.h"
 #include "support/faults.h"
@@ -15,7 +15,7 @@ namespace {
 
 using namespace support;
 
-/** A value as it lies in memory: a number widened to 8 bytes, a text, or words of a table. */
+/** A value as bytes: a number widened to 8 bytes, a text, or words of a table. */
 using Bytes = std::string;
 
 template <typename T> Bytes bytesOf(T number) {
@@ -28,7 +28,7 @@ Bytes words(const std::vector<std::uint32_t>& elements) {
     return {reinterpret_cast<const char*>(elements.data()), elements.size() * sizeof elements[0]};
 }
 
-/** What a parameter is, and values to set: each but the first is swept as a change from the first. */
+/** A parameter and its values: the sweep changes it from the first value to each of the others. */
 struct Parameter {
     int id;
     std::string name;
@@ -68,8 +68,8 @@ const Mode modes[] = {
     {"last debug point", {{FG_DEBUGSOURCE, 2}}},
 };
 
-/** Values that a get shows once an access of the set was tried, or has succeeded, though a later one fails:
- * what has been applied reads back. */
+/** Values that a get shows once an access of the set was tried, or has succeeded, although a later one fails:
+ * applied changes read back. */
 const struct {
     int id;
     const char* access;
@@ -92,13 +92,13 @@ bool showsAlready(int id, const Lines& faultFree, std::size_t k) {
     return false;
 }
 
-/** How many of a set's accesses are its own. */
+/** The number of a set's own accesses. */
 std::size_t ownAccesses(int id, int code, const Lines& faultFree) {
-    if (code != FG_OK) return faultFree.size(); // ends with a refusal, not with a refresh
-    return id == FG_DEBUGSOURCE ? 2 : support::ownAccesses(faultFree); // asks for the number of points
+    if (code != FG_OK) return faultFree.size(); // ends with a refusal, so without a refresh
+    return id == FG_DEBUGSOURCE ? 2 : support::ownAccesses(faultFree); // also reads the number of points
 }
 
-/** What a caller learns: of debug points and of silenced branches not the design's own code. */
+/** The code that a caller gets: for debug points and for silenced branches not the design's own code. */
 int codeOf(const std::string& access) {
     const bool isHidden =
         access.find("_Debug_") != std::string::npos || access.find("_EnableTrash_") != std::string::npos;
@@ -112,7 +112,7 @@ protected:
             m_readOnly.insert(std::stoi(row[0]));
     }
 
-    /** A fresh handle in a mode, its parameters, and the tables that a file parameter leads to. */
+    /** A new handle in a mode, its parameters, and the tables that a file parameter names. */
     void enter(const Mode& mode) {
         m_grabber = std::make_unique<Grabber>();
         board.log_kinds(device(), ~0u);
@@ -122,7 +122,7 @@ protected:
                       [this](RegisterInfo& record) { m_records[record.id] = &record; });
         m_parameters.clear();
         for (const Lines& row : dataRows("parameter_index.txt")) {
-            const auto record = m_records.find(std::stoi(row[2])); // the tree leaves some out
+            const auto record = m_records.find(std::stoi(row[2])); // some are not in the tree
             const int kind = record != m_records.end() ? record->second->kind : REGISTER_KIND_UINT;
             m_parameters.push_back({std::stoi(row[2]), row[1], kind});
         }
@@ -270,8 +270,8 @@ private:
                 bytesOf(limits.maximum)};
     }
     std::vector<Bytes> valuesFor(const Parameter& p) {
-        switch (p.id) {        // what the tree does not tell
-        case FG_LUT_SAVE_FILE: // writes a long file and accesses nothing
+        switch (p.id) {        // properties that are not in the tree
+        case FG_LUT_SAVE_FILE: // writes a long file without any access
             return {};
         case FG_DIGIO_OUTPUT:
             return {bytesOf(3), bytesOf(2)};
@@ -302,7 +302,7 @@ private:
         return entries;
     }
 
-    /** Whether something accesses the runtime as nothing did before. */
+    /** Whether there is an access to the runtime that was not made before. */
     bool isNew(const Parameter& p, const Lines& accesses) {
         std::string all = p.name;
         for (const std::string& access : accesses)
@@ -319,7 +319,7 @@ private:
         }
     }
 
-    /** A digest of all that a client can read, what the tree publishes, and what the design holds. */
+    /** A digest of all readable values, the published tree, and the design. */
     std::size_t state(const Lines& accesses) {
         std::string all;
         for (const Parameter& p : m_parameters)
@@ -376,7 +376,7 @@ TEST_F(FaultSweep, EverySetInEveryMode) {
     Lines notSwept;
     for (const Parameter& p : parameters())
         if (isSettable(p) && !isSwept(p)) notSwept.push_back(p.name);
-    // Kept in the object; always refused; written to a file.
+    // Stored in the object; always refused; written to a file.
     EXPECT_EQ(notSwept, (Lines{"FG_TIMEOUT", "FG_CAMERASIMULATOR_PIXEL_FREQUENCY", "FG_LUT_SAVE_FILE"}));
     EXPECT_GE(positions(), 4894u) << "less is swept than was";
     RecordProperty("positions", std::to_string(positions()));

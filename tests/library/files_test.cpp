@@ -1,4 +1,4 @@
-// What a caller may name as a file: large files made to be slow, and paths that lead to no file, for
+// Files named by a caller: large files made to be slow to read, and paths that are not regular files, for
 // configurations and for lookup tables.
 
 #include "support/applet_fixture.h"
@@ -25,12 +25,12 @@ using namespace std::string_literals;
 namespace fs = std::filesystem;
 
 /**
- * What calls of this thread take, on a busy machine as on an idle one: seconds of work, and seconds asleep. The time
- * in which the thread could run and others did is neither.
+ * The duration of calls of this thread, independent of the machine's load: seconds of work, and seconds
+ * asleep. Time spent waiting for a processor does not count.
  */
 class Effort {
 public:
-    /** Of a call; fails if it works or sleeps longer than a second. */
+    /** The duration of a call; fails if it works or sleeps longer than a second. */
     template <typename Call> static auto of(Call call) {
         const Seconds before = now();
         const auto result = call();
@@ -44,7 +44,7 @@ public:
 private:
     static constexpr double slowdown = underAddressSanitizer || underThreadSanitizer ? 10 : 1;
     struct Seconds {
-        double wall, work, wait; // the last: for a processor
+        double wall, work, wait; // the last: waiting for a processor
     };
     static double read(clockid_t clock) {
         timespec time{};
@@ -113,7 +113,7 @@ TEST_F(FilesTest, AFifoTakesWhatItsReaderWants) {
     ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
     ASSERT_EQ(save(configuration), FG_OK);
     ASSERT_EQ(saveTables(table), FG_OK);
-    // A reader takes `most` bytes and goes.
+    // A reader that reads `most` bytes and closes.
     const auto readThrough = [&](std::size_t most, auto write) {
         const int reader = open(fifo.c_str(), O_RDONLY | O_NONBLOCK);
         std::string all;
@@ -168,7 +168,7 @@ TEST_F(FilesTest, PathsThatAreNoFile) {
         {endless, unread, FG_OK, FG_OK, FG_OK},
         {loop, noFile, unwritten, noFile, unwritten},
         {folder / "none.mcf/a.mcf", noFile, unwritten, noFile, unwritten},
-        {"vanished.mcf", noFile, unwritten, noFile, unwritten}, // below a folder that was removed
+        {"vanished.mcf", noFile, unwritten, noFile, unwritten}, // in a folder that was removed
         {folder / (std::string(5000, 'x') + ".mcf"), noFile, unwritten, noFile, unwritten},
         {"", noFile, unwritten, FG_OK, FG_OK}, // for tables: no file is named
         {otherName, noFile, unwritten, FG_OK, FG_OK},
@@ -207,7 +207,7 @@ TEST_F(FilesTest, FilesWithoutPermission) {
     ASSERT_EQ(save(path), FG_OK);
     ASSERT_EQ(chmod(path.c_str(), 0), 0);
     setAll({{FG_LUT_TYPE, 0}});
-    const bool isRoot = geteuid() == 0; // who may read anything
+    const bool isRoot = geteuid() == 0; // root may read anything
     ASSERT_EQ(isRoot ? seteuid(65534) : 0, 0);
     const int results[] = {load(path), save(path), loadTables(path), saveTables(path)};
     ASSERT_EQ(isRoot ? seteuid(0) : 0, 0);

@@ -17,7 +17,7 @@ bool isFound(std::uint64_t mask) { return mask != 0; }
 
 std::string textOf(const char* name) { return isFound(name) ? name : ""; }
 
-/** The answer of a look-up. Its success or refusal becomes the last error. */
+/** The result of a look-up. Its success or refusal becomes the last error. */
 template <typename LookUp, typename Key> auto ask(Grabber& grabber, LookUp lookUp, Key key) {
     EXPECT_EQ(grabber.set(FG_WIDTH, 3u), FG_ERR_OUT_OF_RANGE) << "an error that no look-up gives";
     const auto answer = lookUp(grabber.fg(), key);
@@ -120,8 +120,8 @@ TEST_F(Identity, RegistersAndDesignParametersFollowTheParameters) {
     }
     EXPECT_EQ(direct.size(), static_cast<std::size_t>(index - 164));
     EXPECT_EQ(applet.Fg_getNrOfParameter(grabber.fg()), index + static_cast<int>(design.size()));
-    // Design parameters: sorted by name, each with a name and an index, and without an id; the number in the
-    // record is the way to one. An array is not offered.
+    // Design parameters are sorted by name; each has a name and an index but no id, which the number in the
+    // record leads to. Arrays are not offered.
     for (const auto& [name, record] : design) {
         EXPECT_EQ(nameAt(grabber, index), name);
         EXPECT_EQ(idAt(grabber, index++), FG_ERR_INVALID_ARGUMENT) << name;
@@ -217,7 +217,7 @@ TEST_F(Identity, OnlyTheFirst65EventsAreSeen) {
     const auto extra = [&](int index) { return "Extra" + std::to_string(index - own); };
     EXPECT_EQ(maskOf(grabber, extra(63)), std::uint64_t{1} << 63);
     EXPECT_EQ(eventOf(grabber, std::uint64_t{1} << 63), extra(63));
-    // Doubling has run out of bits at the 65th: it is entered with the mask 0. The 66th is not seen at all.
+    // The mask doubles and has overflowed at the 65th event, which gets 0. The 66th is not visible at all.
     EXPECT_STREQ(applet.Fg_getEventName(grabber.fg(), 0), extra(64).c_str());
     EXPECT_EQ(applet.Fg_getEventMask(grabber.fg(), extra(64).c_str()), 0u);
     EXPECT_EQ(grabber.lastError(), 0) << "entered";

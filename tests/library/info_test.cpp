@@ -49,7 +49,7 @@ TEST_F(InfoTest, IconAndDesignImage) {
     };
     const auto icon = block(1041);
     ASSERT_EQ(icon.size(), 4676u);
-    // Signature; then the header: 32 x 32 pixels of 8 bits in each of red, green, blue and alpha; at the end
+    // The signature; the header: 32 x 32 pixels of 8 bits in each of red, green, blue and alpha; at the end
     // IEND.
     const unsigned char head[] = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1a, '\n', 0, 0, 0,  13, 'I',
                                   'H',  'D', 'R', 0,   0,    0,    32,   0,    0, 0, 32, 8,  6};
@@ -59,7 +59,7 @@ TEST_F(InfoTest, IconAndDesignImage) {
 
     const auto image = block(1042);
     ASSERT_EQ(image.size(), 7963963u);
-    EXPECT_NE(std::accumulate(image.begin(), image.end(), 0u), 0u); // all of it can be read
+    EXPECT_NE(std::accumulate(image.begin(), image.end(), 0u), 0u); // all of it is readable
     EXPECT_EQ(reinterpret_cast<std::uintptr_t>(image.data()) % 4096, 0u)
         << "costs no memory until it is read";
 }
@@ -83,7 +83,7 @@ TEST_F(InfoTest, InstanceWithoutABoard) {
     RegisterInfo* root = nullptr;
     const auto destroy = [&](void* what) { return applet.Info(4896, 0, 0, what, nullptr); };
     const auto tree = [&](int index, void* of) { return applet.Info(4880, index, 0, of, &root); };
-    board.refuse_design(true); // the tree is there all the same
+    board.refuse_design(true); // the tree exists nevertheless
     ASSERT_EQ(applet.Info(4864, 0, 0, nullptr, &instance), 0);
     EXPECT_EQ(tree(0, instance), 0);
     EXPECT_NE(root, nullptr);
@@ -112,7 +112,7 @@ TEST_F(InfoTest, InstanceWithoutABoard) {
     EXPECT_EQ(applet.Fg_getParameterInfo(handle.fg(), 0), nullptr);
     for (const Forwarder& forwarder : forwarders())
         EXPECT_EQ(forwarder.call(handle.fg()), FG_ERR_NOT_AVAILABLE) << forwarder.name;
-    // A question without an answer leaves the caller's place alone.
+    // A query without an answer does not write to the caller's buffer.
     for (const int id : {FG_APPLET_ID, FG_APPLET_BUILD_TIME, FG_DMASTATUS, FG_OVERFLOW, FG_IMGTRIGGER_IS_BUSY,
                          FG_DIGIO_INPUT, FG_SHAFTENCODER_COMPENSATION_COUNT,
                          FG_SYSTEMMONITOR_FPGA_TEMPERATURE, FG_SYSTEMMONITOR_FPGA_DNA,

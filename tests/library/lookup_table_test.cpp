@@ -1,4 +1,4 @@
-// Lookup table: records of elements; what the cache holds against what the board was sent. Files: see data/settings.
+// Lookup tables: records of elements; the cache and the data sent to the board. For files see data/settings.
 #include "support/applet_fixture.h"
 
 #include <algorithm>
@@ -85,7 +85,7 @@ TEST_F(LookupTable, ElementsAndRuns) {
         }
         setAll({{FG_LUT_TYPE, 0}}); // which does not matter
     }
-    // Only the first element is looked at; the others are stored as they come.
+    // Only the first element is checked; the others are stored unchecked.
     Table values = {1, 70000};
     EXPECT_EQ(write(FG_LUT_VALUE_GREEN, 10, 2, values.data()), 0);
     EXPECT_EQ(write(FG_LUT_VALUE_GREEN, 10, 0, &values[1]), 0); // with no element, not that either
@@ -113,7 +113,7 @@ TEST_F(LookupTable, RefusedElementsAndRuns) {
         }
         for (const auto& [first, count] :
              {std::pair{0u, size + 1}, {1u, size}, {size, 1u}, {~0u, 1u}, {1u, ~0u}, {size + 1, 0u}}) {
-            for (const int vtype : {2, 5, oneElement}) // the bounds come first
+            for (const int vtype : {2, 5, oneElement}) // the bounds are checked first
                 EXPECT_EQ(write(id, first, count, small.data(), vtype), FG_ERR_OUT_OF_RANGE) << first;
             EXPECT_EQ(read(id, first, count, small.data()), FG_ERR_INVALID_ARGUMENT) << first;
         }
@@ -148,7 +148,7 @@ TEST_F(LookupTable, WideElementsAreReadAsPairs) {
         Wide untouched(size, guard);
         for (const auto& [first, count] : {std::pair{8192u, 1u}, {8191u, 2u}, {0u, 8193u}, {size - 1, 1u}})
             EXPECT_EQ(read(FG_LUT_VALUE_RED, first, count, untouched.data(), vtype), FG_ERR_INVALID_ARGUMENT);
-        for (const int unknown : {0, 6, 22, aRun, oneElement, -1}) // what no width belongs to copies nothing
+        for (const int unknown : {0, 6, 22, aRun, oneElement, -1}) // unknown widths copy nothing
             EXPECT_EQ(read(FG_LUT_VALUE_RED, 0, 8, untouched.data(), unknown), 0);
         EXPECT_TRUE(untouched == Wide(size, guard));
     }

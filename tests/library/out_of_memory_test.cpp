@@ -1,5 +1,5 @@
-// Without memory: a call ends with std::bad_alloc or a code that says so; nothing leaks, no lock stays taken, and the
-// next call works. Each allocation of the calls below fails, alone and with all that follow.
+// Out of memory: a call ends with std::bad_alloc or an error code; nothing leaks, no lock is held, and the
+// next call works. Each allocation of the calls below fails, once or with all later ones.
 
 #include "support/counted_malloc.h"
 #include "support/every_call.h"
@@ -15,20 +15,20 @@ namespace {
 
 using namespace support;
 
-constexpr int left = 1; // for a code: the call was left by an exception
+constexpr int left = 1; // code for a call that was left by an exception
 
 const auto nothing = [](Grabber&) {};
 const auto bringUp = [](Grabber& grabber) { ASSERT_EQ(grabber.bringUp(1).error, FG_OK); };
 
-/** A call that lacks memory. */
+/** A call to test without memory. */
 struct Row {
     std::string name;
     std::function<int(Grabber&)> perform;
-    std::vector<int> codes = {};                   /**< that tell of the lack, besides the exception */
-    std::function<void(Grabber&, int)> check = {}; /**< what is there after this code */
+    std::vector<int> codes = {};                   /**< that report the failure, besides the exception */
+    std::function<void(Grabber&, int)> check = {}; /**< checks the state after this code */
     std::function<void(Grabber&)> prepare = bringUp;
     int answer = FG_OK; /**< with enough memory */
-    long stride = 1;    /**< from position to position, behind the 200th */
+    long stride = 1;    /**< between positions, after the 200th */
 };
 
 class OutOfMemory : public AppletTest {
@@ -37,7 +37,7 @@ protected:
         if (!mallocIsCounted) GTEST_SKIP() << "the sanitizer owns malloc";
     }
 
-    /** What is made once is there when the attempt is repeated; a leak comes again. */
+    /** One-time allocations exist when the attempt is repeated; a leak occurs again. */
     template <typename Attempt> static bool expectNothingHeld(Attempt attempt) {
         const auto heldNow = [] { return std::pair(liveBlocks(), held()); };
         auto before = heldNow();
@@ -49,7 +49,7 @@ protected:
         return result;
     }
 
-    /** Performs the call with a shortage, and once more without. False if it needs fewer than `k` allocations. */
+    /** Makes the call with a failure, and once more without. False if it needs fewer than `k` allocations. */
     bool attempt(const Row& row, long k, Shortage shortage) {
         Grabber grabber;
         board.log_kinds(grabber.device, 0);
@@ -72,14 +72,14 @@ protected:
         }
         EXPECT_EQ(row.perform(grabber), row.answer) << "the next call";
         if (grabber.handle.object != nullptr) {
-            grabber.set(12345, 0u); // is logged, which binds the dispatcher
+            grabber.set(12345, 0u); // logs, which binds the dispatcher
             grabber.free();
         }
         EXPECT_FALSE(isLoaded("libcommon-logging-dispatcher.so")) << "the library counts a user that is none";
         return struck;
     }
 
-    /** `least` is nine tenths of the positions there were when the sweep was written. */
+    /** `least` is nine tenths of the number of positions when the sweep was written. */
     void sweep(const std::vector<Row>& rows, int least) {
         int positions = 0;
         for (const Row& row : rows)
@@ -98,7 +98,7 @@ protected:
     }
 };
 
-/** A bring-up, after the end of what an earlier one has made. */
+/** A bring-up, after freeing an earlier handle. */
 auto broughtUp(int flags) {
     return [flags](Grabber& grabber) {
         if (grabber.handle.object != nullptr) grabber.free();
@@ -110,7 +110,7 @@ int setText(Grabber& grabber, int id, const std::string& text) {
     return host().applet().Fg_setParameterWithType(grabber.fg(), id, text.c_str(), 0, FG_PARAM_TEXT);
 }
 
-/** Asks for an allocated text and gives it back. */
+/** Reads an allocated text and frees it. */
 auto handedOut(int id) {
     return [id](Grabber& grabber) {
         alignas(char*) char place[64] = "FG_WIDTH";
@@ -123,7 +123,7 @@ auto handedOut(int id) {
     };
 }
 
-/** A set of a long text, which leaves the old one if it is left. */
+/** Sets a long text; the old one must survive an exception. */
 Row longText(const char* name, int id) {
     return {name,
             [id](Grabber& grabber) { return setText(grabber, id, std::string(300, 'x')); },
@@ -208,7 +208,7 @@ TEST_F(OutOfMemory, SavesLoadsAndDocumentsAreWholeOrFail) {
     };
     const auto save = [&](Grabber& grabber) { return applet.Fg_saveConfig(grabber.fg(), saved.c_str()); };
     const auto expectWholeLines = [&](Grabber&, int code) {
-        // A key without memory is left out; every line that is there is whole.
+        // A key without memory is left out; every written line is complete.
         if (code != FG_OK) return;
         for (const std::string& line : fileLines(saved))
             EXPECT_NE(std::ranges::find(savedLines, line), savedLines.end()) << line;
@@ -263,7 +263,7 @@ TEST_F(OutOfMemory, ControlFunctionsOfTheBoardAnswerACode) {
         board.restore_design();
         return code;
     };
-    // Of a station: what was to happen when memory was lacking may not have happened.
+    // On a station: actions that need memory may not have happened.
     const auto pictures = [&](Grabber& grabber) {
         LOOMdevice* const device = grabber.device;
         board.poke_int(device, "Device1_Process0_OutputFormat_Debug_OperationMode", 1);
@@ -271,7 +271,7 @@ TEST_F(OutOfMemory, ControlFunctionsOfTheBoardAnswerACode) {
         vboard_frames* memory = board.memory(device, 2, 3145728, VBOARD_RING);
         if (memory == nullptr) return int{VBOARD_NO_MEMORY};
         int code = FG_OK;
-        try { // the applet's own promise
+        try { // the applet's own requirement
             code = applet.Fg_AcquireEx(grabber.fg(), 0, 0, 0, memory);
         } catch (const std::bad_alloc&) {
             code = VBOARD_NO_MEMORY;

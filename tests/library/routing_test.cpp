@@ -1,4 +1,4 @@
-// Routing of a parameter access: spaces of ids, widths, refusals and their log lines, ownership of texts.
+// Routing of a parameter access: ranges of ids, widths, refusals and their log lines, ownership of texts.
 
 #include "support/applet_fixture.h"
 
@@ -20,7 +20,7 @@ protected:
     }
 
     AppletLog log{4};
-    /** The place of a get of FG_PARAM_DESCR: a name going in; a text or a pointer coming out. */
+    /** The argument of a get of FG_PARAM_DESCR: a name as input; a text or a pointer as output. */
     alignas(8) char place[1024] = "";
 };
 
@@ -47,7 +47,7 @@ TEST_F(Routing, RegistersAreReadAndWrittenInTheirWidth) {
     Grabber grabber(0);
     constexpr std::uint64_t pattern = 0x8123'4567'89ab'cdef, filler = 0xaaaa'aaaa'aaaa'aaaa;
     std::uint64_t word = filler;
-    std::set<int> kinds; // the width, negative if not writable
+    std::set<int> kinds; // the width, negative if read-only
     for (const Register& reg : registers()) {
         SCOPED_TRACE(reg.name);
         kinds.insert(reg.writable ? reg.bits : -reg.bits);
@@ -58,7 +58,7 @@ TEST_F(Routing, RegistersAreReadAndWrittenInTheirWidth) {
         EXPECT_EQ(grabber.get(anyRegister + reg.id, &word, 7, FG_PARAM_UINT32), 0);
         EXPECT_EQ(word, wide ? pattern & fits : (filler & ~std::uint64_t{0xffffffff}) | (pattern & fits));
 
-        // A short word is widened with zeros. Nothing behind it is read: the address sanitizer would tell.
+        // A short word is zero-extended. Bytes after it are not read: the address sanitizer checks that.
         const std::uint64_t sent = 0x5'0000'0001 & fits;
         grabber.clearLog();
         const int result = wide ? grabber.set(anyRegister + reg.id, sent, 7, FG_PARAM_DOUBLE)
@@ -76,7 +76,7 @@ TEST_F(Routing, RegistersAreReadAndWrittenInTheirWidth) {
         EXPECT_EQ(word, filler);
     }
     EXPECT_TRUE(std::ranges::includes(kinds, std::set{-64, -1, 1, 8, 32, 33, 64}));
-    // The upper end of the range is still a register, one that the board does not have; the base is none.
+    // The end of the range is still a register id, though the board has no such register; the base is not.
     EXPECT_LT(grabber.get(anyParameter, &word), 0);
     EXPECT_LT(grabber.set(anyParameter, word), 0);
     EXPECT_EQ(log.take(), Lines{});
@@ -86,7 +86,7 @@ TEST_F(Routing, RegistersAreReadAndWrittenInTheirWidth) {
 }
 
 TEST_F(Routing, DesignParametersAreHandedToTheRuntimeUnchanged) {
-    setVariable("VEXO_ENABLE_DRA", "on"); // leaves this range alone
+    setVariable("VEXO_ENABLE_DRA", "on"); // does not affect this range
     const std::string length = "Device1_Process0_Buffer_0_XLength";
     const std::string mirror = "Device1_Process0_Buffer_0_YMirror";
     const std::string period = "Device1_Process0_Trigger_Trigger_ExsyncPeriod";
@@ -125,7 +125,7 @@ TEST_F(Routing, DescriptionsOfAllParameters) {
         char* handedOut = nullptr;
         std::memcpy(&handedOut, place, sizeof handedOut);
         EXPECT_EQ(handedOut, text) << of;
-    } // those not freed go with the object
+    } // those not freed are released with the object
 }
 
 TEST_F(Routing, TextsBelongToTheObjectUntilFreedOnce) {
@@ -148,7 +148,7 @@ TEST_F(Routing, TextsBelongToTheObjectUntilFreedOnce) {
     EXPECT_EQ(grabber.lastError(), FG_ERR_GRANULARITY) << "neither stores anything";
     EXPECT_EQ(freeText(grabber, FG_PARAM_DESCR, first), FG_ERR_INVALID_ARGUMENT) << "twice";
 
-    // A text of the runtime goes back to it: of a design parameter, or of an id that the runtime serves. For
+    // A text of the runtime is returned to it: of a design parameter, or of an id that the runtime serves. For
     // the latter nothing is stored.
     const int uid = directId("Device1_Process0_AppletProperties_AppletUid");
     const int strings = live("strings");
@@ -163,7 +163,7 @@ TEST_F(Routing, TextsBelongToTheObjectUntilFreedOnce) {
         EXPECT_EQ(freeText(grabber, id, nullptr), FG_ERR_INVALID_ARGUMENT) << "the runtime's own refusal";
         EXPECT_EQ(grabber.lastError(), id == uid ? FG_ERR_INVALID_ARGUMENT : FG_ERR_GRANULARITY) << id;
     }
-    // Unlike set and get, the code for an unknown DMA channel leaves the function as it was thrown.
+    // Unlike set and get, the function throws the code for an unknown DMA channel to its caller.
     for (const int id : {FG_PARAM_DESCR, FG_NR_OF_DMAS})
         EXPECT_THROW(freeText(grabber, id, second, 5), int) << id;
 }

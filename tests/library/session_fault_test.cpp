@@ -1,4 +1,4 @@
-// A start, a save and a load are many calls in a row, of which one that fails ends itself alone: every access of them
+// A start, a save and a load consist of many calls, and a failing one affects only itself: every access of them
 // fails in turn, once or from then on.
 #include "support/applet_fixture.h"
 #include "support/faults.h"
@@ -27,7 +27,8 @@ protected:
                 body(k, how);
             }
     }
-    /** A call with a fault, which it survives; then another thread is served. What the board saw of the call. */
+    /** Makes a call with a fault and checks that another thread is served afterwards. Returns the board's
+     *  log. */
     template <typename Function> Lines logOfFault(std::size_t k, int how, Function call) {
         grabber.clearLog();
         board.fail_access(grabber.device, static_cast<unsigned>(k), injectedCode, how);
@@ -38,7 +39,7 @@ protected:
         m_otherThread.run([&] { EXPECT_EQ(grabber.value<std::uint32_t>(FG_NR_OF_DMAS), 1u); });
         return log;
     }
-    /** Accesses without a fault are made up to the one that fails, and by all setters but its own. */
+    /** Fault-free accesses up to the failing one; all setters but the failing one are complete. */
     void expectOthers(const Lines& log, const Lines& faultFree, Sections::const_iterator section,
                       std::size_t k, int how) {
         const auto failed = faultFree.begin() + static_cast<std::ptrdiff_t>(k) - 1;
@@ -73,7 +74,7 @@ TEST_F(SessionFaults, BringUp) {
         EXPECT_EQ(grabber.free(), FG_OK);
         board.reset(grabber.device);
         const Lines log = logOfFault(k, how, [&] { return bringUp(); });
-        // What is asked first decides what else is asked and written.
+        // The first queries decide on later queries and writes.
         if (k > sections[0].second.size()) expectOthers(log, faultFree, sections.begin(), k, how);
         EXPECT_EQ(grabber.free(), FG_OK);
         board.reset(grabber.device);

@@ -1,6 +1,6 @@
-// Settings: each file of tests/data/settings is a list of commands with what each must answer. What a set
-// answers is its code, all that reaches the design up to its last write, and every other thing that a client
-// can see move: values and published limits. SETTINGS_RENEW=1 writes the files anew from the library's
+// Settings: each file of tests/data/settings is a list of commands with the expected answers. The answer to a
+// set is its code, all design accesses up to its last write, and every other change that a client
+// can see: values and published limits. SETTINGS_RENEW=1 writes the files anew from the library's
 // answers; review the difference.
 //
 //   restart [NAME VALUE]...     a new handle on a board with its start values, but for these of the design
@@ -62,7 +62,7 @@ constexpr const char* movingMaxima[] = {"FG_SENSORWIDTH",
                                         "FG_CAMERASIMULATOR_FRAMERATE",
                                         "FG_DEBUGOUTPIXEL"};
 
-/** The name of the design's image path is left out. */
+/** Leaves out the name of the design's image path. */
 std::string designName(const std::string& name) {
     const bool isFull = name.starts_with("Device") || name.starts_with("FG_CAM");
     return isFull ? name : "Device1_Process0_" + name;
@@ -106,7 +106,7 @@ Lines wordsOf(const std::string& line) {
     return words;
 }
 
-/** What a word of the command `write` is in the file. */
+/** Expands a word of the command `write` to lines of the file. */
 std::string fileLinesOf(const std::string& word) {
     const std::size_t dots = word.find("..");
     if (dots == std::string::npos) return word + '\n';
@@ -181,7 +181,7 @@ protected:
         if (record.kind == REGISTER_KIND_UINT) return inWords(record.value.u32);
         return record.kind == REGISTER_KIND_INT ? inWords(record.value.i32) : "";
     }
-    /** All that a client can see without an effect on the board: values, limits and access by name. */
+    /** All that a client can read without side effects: values, limits and access by name. */
     using Seen = std::map<std::string, std::string>;
     Seen look() {
         board.log_kinds(grabber.device, 0);
@@ -206,7 +206,7 @@ protected:
             if (!m_isShort) answer("  " + shortened(line));
     }
 
-    /** The value that a word of a command means. */
+    /** The value for a word of a command. */
     static std::string resolved(const RegisterInfo& record, const std::string& word) {
         const auto& limits = record.value.u32;
         if (word == "most") return std::to_string(limits.maximum / limits.increment * limits.increment);
@@ -218,7 +218,7 @@ protected:
         return std::to_string(limits.maximum + static_cast<std::uint32_t>(offset));
     }
 
-    /** One set: the value, its code, the accesses, and what moved. */
+    /** One set: the value, its code, the accesses, and the changes. */
     void setOne(RegisterInfo& record, const std::string& word) {
         const std::string value = resolved(record, word);
         const Seen before = look();

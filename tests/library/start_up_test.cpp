@@ -1,5 +1,5 @@
-// What a start does with the design: it reads what there is, then writes the defaults, one setter after the
-// other, each for itself.
+// The design accesses of a start: it reads the design's properties, then writes the defaults, one setter after
+// the other, each independently.
 
 #include "support/applet_fixture.h"
 

@@ -1,5 +1,5 @@
-// Many threads on one handle, on handles of their own and on each other's texts; threads that end inside an
-// access.
+// Many threads on one handle, on handles of their own and on each other's texts; threads that are cancelled
+// during an access.
 
 #include "support/applet_fixture.h"
 #include "support/faults.h"
@@ -26,7 +26,7 @@ namespace {
 using namespace support;
 
 constexpr int threadCount = 8;
-// The counts that the sanitizers have time for.
+// Smaller counts under the sanitizers.
 constexpr int callsOfEach = underThreadSanitizer ? 1000 : underAddressSanitizer ? 5000 : 20000;
 constexpr int opensOfEach = underThreadSanitizer ? 20 : underAddressSanitizer ? 50 : 200;
 constexpr int textsOfEach = underThreadSanitizer || underAddressSanitizer ? 500 : 5000;
@@ -66,7 +66,7 @@ std::size_t at(const std::string& name) {
     return static_cast<std::size_t>(std::ranges::find(rows(), name, &Row::name) - rows().begin());
 }
 
-/** A field of the tree that may be changing. */
+/** A field of the tree that other threads may change. */
 template <typename T> T live(const T& field) {
     return std::atomic_ref<T>(const_cast<T&>(field)).load(std::memory_order_relaxed);
 }
@@ -78,7 +78,7 @@ std::string documentOf(Grabber& grabber) {
     return place.substr(0, size - 1);
 }
 
-/** A document without what sets of parameters change in it. */
+/** A document without the parts that sets change. */
 std::string frameOf(const std::string& document) {
     std::string frame;
     for (const std::string& line : linesOf(document))
@@ -87,14 +87,14 @@ std::string frameOf(const std::string& document) {
     return frame;
 }
 
-/** What getters, tree and design say at rest, a line for each. */
+/** Values, tree and design while no thread runs, one line each. */
 std::string stateOf(Grabber& grabber) {
     std::ostringstream state;
     for (const Row& row : rows())
         state << row.name << " = " << row.read(grabber) << '\n';
     forEachRecord(host().applet().Fg_getParameterInfo(grabber.fg(), 0), [&](const RegisterInfo& record) {
         state << record.name;
-        // Of this one the line trigger's mode leaves the access as another order of sets has made it.
+        // The access of this one depends on the order of sets of the line trigger's mode.
         if (record.id != FG_SHAFTENCODER_COMPENSATION_COUNT) state << ": access " << record.access;
         if (record.kind == REGISTER_KIND_UINT) state << " maximum " << record.value.u32.maximum;
         if (record.kind == REGISTER_KIND_DOUBLE) state << " maximum " << record.value.f64.maximum;
@@ -108,7 +108,7 @@ std::string stateOf(Grabber& grabber) {
     return state.str();
 }
 
-/** The calls in the order in which they reach the board. Each thread numbers its own. */
+/** The calls in the order in which they reach the board, numbered per thread. */
 class Order {
 public:
     explicit Order(Grabber& grabber) {
@@ -116,7 +116,7 @@ public:
             grabber.device, [](void* order) { static_cast<Order*>(order)->note(); }, this);
     }
     static void begin(int thread, int call) { s_call = thread * callsOfEach + call; }
-    /** How often a call was interrupted by another one's accesses. */
+    /** How often a call was interrupted by accesses of another one. */
     std::size_t interruptions() {
         std::ranges::sort(m_calls);
         return m_calls.size() - std::set<int>(m_calls.begin(), m_calls.end()).size();
@@ -159,7 +159,7 @@ TEST_F(Threads, SetAndGetOnOneHandleWhileTreeAndDocumentAreRead) {
         do {
             forEachRecord(applet.Fg_getParameterInfo(grabber.fg(), 0), [&](const RegisterInfo& record) {
                 if (live(record.access) > 7) ++wrong;
-                // Of this one it is known what it may be: the period that some thread has set.
+                // The possible values of this one are known: the period that some thread has set.
                 if (record.id == FG_LINETRIGGERDELAY && !periods.contains(live(record.value.f64.maximum)))
                     ++wrong;
             });
@@ -195,7 +195,7 @@ TEST_F(Threads, SetAndGetOnOneHandleWhileTreeAndDocumentAreRead) {
     EXPECT_GT(order.calls(), 1000u);
     EXPECT_EQ(order.interruptions(), 0u);
 
-    // At rest every value is where it belongs: setting it again moves nothing.
+    // Afterwards all values are consistent: setting one again changes nothing.
     const std::string state = stateOf(grabber);
     for (const Row& row : rows())
         grabber.set(row.id, row.read(grabber));
@@ -208,7 +208,7 @@ TEST_F(Threads, OpenAndFreeHandlesOfTheirOwn) {
         Grabber grabber(turn % 2);
         const auto timeout = static_cast<std::uint32_t>(1000 * thread + turn + 2);
         if (grabber.error != FG_OK || grabber.set(FG_TIMEOUT, timeout) != FG_OK ||
-            grabber.set(FG_CAMSTATUS, 0u) != FG_ERR_NOT_AVAILABLE || // which is logged
+            grabber.set(FG_CAMSTATUS, 0u) != FG_ERR_NOT_AVAILABLE || // logs
             grabber.value<std::uint32_t>(FG_TIMEOUT) != timeout || grabber.free() != FG_OK)
             ++wrong;
     });
@@ -227,7 +227,7 @@ TEST_F(Threads, TextsAreFreedByOtherThreads) {
         std::atomic<char*>& place = handedOver[static_cast<std::size_t>(thread) / 2];
         const int id = thread % 4 < 2 ? FG_DEBUGFILE : FG_LUT_CUSTOM_FILE;
         char* text = nullptr;
-        if (thread % 2 == 0) { // hands out, while others change what is read
+        if (thread % 2 == 0) { // reads texts while others change them
             if (grabber.get(id, &text, 0, FG_PARAM_ALLOCATED_STRING) != FG_OK) ++wrong;
             while (place != nullptr)
                 std::this_thread::yield();
@@ -285,8 +285,8 @@ private:
 class CancelledThread : public Threads {
 protected:
     /**
-     * Cancels `call` at each of its accesses in turn, always from the state that `prepare` makes; each time
-     * the same call then ends as it does undisturbed. The number of accesses.
+     * Cancels `call` at each of its accesses in turn, always from the state that `prepare` makes; after each,
+     * the same call must end as it does undisturbed. Returns the number of accesses.
      */
     template <typename Prepare, typename Call> int sweep(Grabber& grabber, Prepare prepare, Call call) {
         prepare();

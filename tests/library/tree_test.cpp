@@ -57,7 +57,7 @@ std::string kindAndLimits(const RegisterInfo& record) {
     }
 }
 
-/** Renders a tree and checks on the way what is alike in all records. */
+/** Renders a tree and checks the properties that are the same in all records. */
 class Listing {
 public:
     explicit Listing(RegisterInfo* root) {
@@ -120,7 +120,7 @@ private:
     }
 };
 
-/** The listing as the catalogue makes it, or with what the start's defaults change. */
+/** The listing as the catalogue makes it, or with the changes made by the start's defaults. */
 Lines expectedTree(bool afterStart) {
     Lines tree = dataLines("parameter_tree.txt");
     if (!afterStart) return tree;
@@ -160,7 +160,7 @@ TEST_F(TreeTest, OfflineInstance) {
     RegisterInfo* root = nullptr;
     ASSERT_EQ(applet.Info(4880, 0, 0, instance, &root), 0);
     Lines expected = expectedTree(true);
-    // No design tells its output formats, so that no format is ever set and limits the shift.
+    // Without a design there are no output formats, so no format is ever set to limit the shift.
     const auto shift = std::find_if(expected.begin(), expected.end(), [](const std::string& line) {
         return line.find("FG_CUSTOM_BIT_SHIFT_RIGHT") != std::string::npos;
     });

@@ -1,4 +1,4 @@
-// Every function of the producer with every wrong argument: the code of the standard, and nothing else.
+// Every function of the producer with every invalid argument returns the code of the standard and does nothing else.
 
 #include "support/producer_session.h"
 
@@ -15,13 +15,13 @@ using support::deviceId;
 using support::interfaceId;
 using support::streamId;
 
-/** What a function is asked with; a test makes one of them wrong. */
+/** Valid arguments of the functions; a test makes one of them invalid. */
 struct Arguments {
     void* handle = nullptr;
     BUFFER_HANDLE buffer = nullptr;
     std::int32_t command = 0;
     INFO_DATATYPE* type = nullptr;
-    void* place = nullptr; // for what is asked for
+    void* place = nullptr; // for output
     size_t* size = nullptr;
 };
 
@@ -31,7 +31,7 @@ struct Call {
     const char* name;
     Needs needs;
     std::function<GC_ERROR(const Arguments&)> call;
-    /** With a null place: success where only the size is asked for. */
+    /** With a null buffer: success if only the size is requested. */
     GC_ERROR withoutPlace = GC_ERR_INVALID_PARAMETER;
     const char* info = nullptr; // types of its answers by command, see below
 };
@@ -39,7 +39,7 @@ struct Call {
 using A = const Arguments&;
 template <typename T> T* as(void* place) { return static_cast<T*>(place); }
 
-// s text, b bool8, z size_t, p pointer, 4 int32, 5 uint32, 8 uint64; - no answer now. What follows is unknown.
+// s text, b bool8, z size_t, p pointer, 4 int32, 5 uint32, 8 uint64; - no answer now. Others are unknown.
 constexpr const char* systemInfo = "ssssssss455";
 constexpr const char* deviceInfo = "sssss4-ss8";
 
@@ -231,7 +231,7 @@ const Step steps[] = {
      [](S s, void*) { return DSGetNumFlows(s.stream, as<uint32_t>(room.data())); }},
 };
 
-/** While nothing runs, and while an acquisition does. */
+/** While idle, and during an acquisition. */
 class ProducerCalls : public testing::TestWithParam<bool> {
 protected:
     void SetUp() override {
@@ -287,7 +287,7 @@ TEST_P(ProducerCalls, WrongHandlesAreRecognised) {
             arguments.handle = wrong;
             EXPECT_EQ(make(call), GC_ERR_INVALID_HANDLE) << call.name;
         }
-        // A live one of another kind; any module is a port.
+        // A live handle of another kind; any module is a port.
         arguments.handle =
             call.needs == Needs::event || call.needs == Needs::interface ? session.tl : session.interface;
         if (call.needs == Needs::port) continue;

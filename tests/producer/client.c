@@ -1,6 +1,6 @@
 /*
- * A GenTL client in C that opens a producer as clients do, by its file, and walks all of it: lists, every module's
- * information and description, events, pictures, and the way back.
+ * A GenTL client in C that opens a producer by its file, as clients do, and uses all of it: lists, every
+ * module's information and description, events, pictures, and closing.
  *
  *   producer_client FILE
  */
@@ -32,7 +32,7 @@ static void* find(const char* name) {
 #define CALL(name) (*(__typeof__(&name))(intptr_t)find(#name))
 #define OK(call) check((call) == GC_ERR_SUCCESS, #call)
 
-/* The description of a module, which the caller frees. */
+/* The description of a module; the caller frees it. */
 static char* descriptionOf(PORT_HANDLE port, const char* module) {
     char text[1024], *place, *description;
     size_t size = sizeof text;

@@ -1,4 +1,4 @@
-// Pictures of the producer: what comes, when it is stopped, flushed, revoked, and from many threads.
+// Pictures of the producer: delivery, stop, flush, revoke, and many threads.
 
 #include "support/producer_session.h"
 #include "support/sanitizers.h"
@@ -61,7 +61,7 @@ TEST_F(ProducerStream, PicturesComeInOrderWithTheirInformation) {
         EXPECT_EQ(info(BUFFER_INFO_PAYLOADTYPE), 1U);
         EXPECT_EQ(info(BUFFER_INFO_IS_INCOMPLETE), 0U);
         EXPECT_EQ(info(BUFFER_INFO_IS_QUEUED), 0U);
-        // Lines follow one another every 200 µs.
+        // Lines are 200 µs apart.
         const std::uint64_t time = info(BUFFER_INFO_TIMESTAMP_NS);
         EXPECT_EQ(time - before, number > 1 ? 16U * 200'000 : time);
         before = time;
@@ -125,7 +125,7 @@ TEST_F(ProducerStream, ASmallBufferIsMarked) {
         EXPECT_EQ(session.bufferNumber(buffer, flag), 1U);
     EXPECT_EQ(session.bufferNumber(buffer, BUFFER_INFO_SIZE_FILLED), 64U);
     EXPECT_NE(memory[63], 0);
-    EXPECT_EQ(memory[64], 0); // nothing is written behind it
+    EXPECT_EQ(memory[64], 0); // nothing is written after it
     void* its = nullptr;
     void* user = nullptr;
     ok(DSRevokeBuffer(session.stream, buffer, &its, &user));
@@ -229,7 +229,7 @@ TEST_F(ProducerStream, EightThreadsOnOneStream) {
             std::mt19937 random(i);
             while (!ends) {
                 if (const BUFFER_HANDLE buffer = session.fetch(5)) {
-                    // It is this thread's alone now, but for the flushes of others.
+                    // Now owned by this thread alone, apart from flushes by others.
                     ++fetched;
                     const GC_ERROR code = DSQueueBuffer(session.stream, buffer);
                     if (code != GC_ERR_SUCCESS && code != GC_ERR_RESOURCE_IN_USE) ++wrong;
@@ -243,7 +243,7 @@ TEST_F(ProducerStream, EightThreadsOnOneStream) {
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
     while (fetched < 200 && std::chrono::steady_clock::now() < end)
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    // The stream is closed under them.
+    // The stream is closed during their calls.
     std::thread waiter([&] {
         EVENT_NEW_BUFFER_DATA data{};
         for (GC_ERROR code = GC_ERR_SUCCESS; code != GC_ERR_ABORT && code != GC_ERR_INVALID_HANDLE;) {
@@ -286,7 +286,7 @@ TEST(ProducerEndurance, OpenAndCloseTenThousandTimes) {
     EXPECT_LT(residentMemory(), before + 4096);
 }
 
-/** Runs a client that leaves something open, in a process of its own. */
+/** Runs a client that leaves something open in a process of its own. */
 template <typename Client> int exitCodeOf(Client client) {
     const pid_t child = fork();
     if (child == 0) client();

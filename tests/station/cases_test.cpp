@@ -1,4 +1,4 @@
-// The cases of tests/data/station, one a line. Their numbers are worked out by hand, in ticks of 8 ns.
+// The cases of tests/data/station, one per line. Their numbers are computed by hand, in ticks of 8 ns.
 //   base VALUES                                      of the parameters, for all cases below it
 //   what it is | VALUES | ACTIONS | QUESTION = ANSWER | QUESTION = ANSWER ...
 // Actions are those of Trial::play. Signals go by the number that selects them.

@@ -26,7 +26,7 @@ TEST_F(StationImage, IsBusyFromTheStartToTheLastLine) {
         advanceTo(static_cast<Tick>(tick));
         EXPECT_EQ(value(P::imageIsBusy), busy) << tick;
     }
-    board.set("ImgTriggerMode=0 YOffset=1"); // busy again from the line at 1100 on
+    board.set("ImgTriggerMode=0 YOffset=1"); // busy again from the line at 1100
     for (const auto& [tick, busy] : {std::pair{1099, 0}, {1100, 1}, {1419, 1}, {1420, 0}}) {
         advanceTo(static_cast<Tick>(tick));
         EXPECT_EQ(value(P::imageIsBusy), busy) << tick;
@@ -43,7 +43,7 @@ TEST_F(StationImage, NothingIsTakenWithoutAnAcquisition) {
     station.advance(10);
     write(input, 1);
     station.advance(340); // lines at 1500, 1600, 1700
-    station.stop();       // drops them
+    station.stop();       // discards them
     EXPECT_FALSE(station.isRunning());
     write(input, 0);
     station.advance(1000);
@@ -61,7 +61,7 @@ TEST_F(StationImage, WaitsForAPictureInSimulatedTime) {
     EXPECT_EQ(memory->record(1)->arrival, 327U);
     EXPECT_EQ(station.waitForPicture(1, 300), Station::Wait::arrived);
     EXPECT_EQ(station.now(), 327U);
-    EXPECT_EQ(station.waitForPicture(4, never), Station::Wait::notRunning); // three were asked for
+    EXPECT_EQ(station.waitForPicture(4, never), Station::Wait::notRunning); // three were requested
     EXPECT_EQ(station.waitForPicture(3, never), Station::Wait::arrived);
     EXPECT_FALSE(station.isRunning());
     EXPECT_EQ(station.now(), 1127U);
@@ -84,7 +84,7 @@ TEST_F(StationImage, ARingIsOverwrittenAndABlockingMemoryWaits) {
     EXPECT_TRUE(station.release(1));
     EXPECT_FALSE(station.release(1));
     station.advance(8);
-    EXPECT_EQ(pictures(), "none, 600-600 1, 700-700 1"); // the buffer kept it
+    EXPECT_EQ(pictures(), "none, 600-600 1, 700-700 1"); // it was still in the buffer
     EXPECT_EQ(memory->record(3)->arrival, 908U);
 }
 
@@ -101,7 +101,7 @@ TEST_F(StationImage, AFrameThatIsTooLargeIsRefused) {
     EXPECT_EQ(small->bytes(1, bytes), HostMemory::Result::ok);
     EXPECT_EQ(bytes.size(), 1536U);
     EXPECT_EQ(small->bytes(7, bytes), HostMemory::Result::gone);
-    board.set("XLength=128"); // of the next image on
+    board.set("XLength=128"); // takes effect with the next image
     station.advance(2000);
     EXPECT_EQ(small->bytes(3, bytes), HostMemory::Result::tooLarge);
 }
@@ -151,7 +151,7 @@ TEST_F(StationImage, ARecordTellsWhereAPictureComesFrom) {
     const auto record = memory->record(2);
     EXPECT_EQ(record->trigger, 2U);
     EXPECT_TRUE(record->isNarrow);
-    EXPECT_EQ(record->runs.size(), 1U); // frames that follow one another
+    EXPECT_EQ(record->runs.size(), 1U); // consecutive frames
     EXPECT_EQ(record->runs[0].line(3).frame, 1U + (record->runs[0].first.y + 3 >= 8 ? 1U : 0U));
     EXPECT_EQ(record->layout.bytesPerLine, 192U);
 }

@@ -1,4 +1,4 @@
-// The inputs and what follows from them: waves, debouncing, encoder, line trigger. Times in ticks of 8 ns.
+// The inputs and their effects: waves, debouncing, encoder, line trigger. Times in ticks of 8 ns.
 
 #include "support/station_board.h"
 
@@ -11,7 +11,7 @@ constexpr std::uint8_t input0 = firstInput;
 
 class StationInputs : public StationTest {
 protected:
-    /** Neither simulator nor ExSync of its own. Levels count after 18 ticks. */
+    /** Without the simulator and without ExSync of its own. Levels count after 18 ticks. */
     StationInputs() : StationTest("Enable_SelectSource=0 LineTriggerMode=1") {}
 };
 
@@ -82,7 +82,7 @@ TEST(StationWaves, HaveTheirEdgesWhereTheyAreAsked) {
 }
 
 TEST_F(StationInputs, StatusAndEventsAreThoseOfTheDebouncedLevels) {
-    EXPECT_TRUE(station.connect(0, Wave::constant(true))); // as for ever: no event
+    EXPECT_TRUE(station.connect(0, Wave::constant(true))); // as if constant for ever: no event
     EXPECT_FALSE(station.connect(12, Wave::constant(true)));
     station.advance(10);
     EXPECT_EQ(value(P::inputStatus), 1);
@@ -100,7 +100,7 @@ TEST_F(StationInputs, StatusAndEventsAreThoseOfTheDebouncedLevels) {
         first = station.nextEvent();
     ASSERT_TRUE(first);
     EXPECT_EQ(first->tick, 29U);
-    // A shorter time holds for a level that already waits.
+    // A shorter debouncing time applies to a level that is already waiting.
     station.connect(5, Wave::constant(true));
     station.advance(5);
     board.set("Prescale_Period=1");
@@ -145,7 +145,7 @@ TEST_F(StationInputs, PulsesOfAGateCountFromItsOpening) {
     write(P::softwarePulse, 1);
     station.advance(1500);
     EXPECT_EQ(trace(exsync, 0, 2499), "0 +1250 -1314 +1450 -1514 +1650 -1714");
-    board.set("ImgTriggerMode=0"); // always open: the phase comes once, then every second
+    board.set("ImgTriggerMode=0"); // always open: the phase occurs once, then every second pulse counts
     station.advance(700);
     EXPECT_EQ(trace(exsync, 2500, 3199), "0 +2750 -2814 +2950 -3014 +3150");
 }

@@ -1,5 +1,5 @@
-// From the components of a line to bytes in memory, and the way of an image through buffer and DMA. Numbers are worked
-// out by hand.
+// From the components of a line to bytes in memory, and an image's path through buffer and DMA. Numbers are
+// computed by hand.
 
 #include "support/station_board.h"
 
@@ -82,7 +82,7 @@ TEST(StationMonitors, ShowPlaceAndValueOfTheLastPixel) {
         };
         EXPECT_EQ(seen(P::cameraDebugX, P::cameraDebugY, P::cameraDebugValue), row.camera) << row.values;
         EXPECT_EQ(seen(P::outputDebugX, P::outputDebugY, P::outputDebugValue), row.output) << row.values;
-        // With the input on, what is put in is the last one.
+        // With the input on, the injected pixel is the last one.
         run.write(P::cameraDebugMode, row.camera[0] > 0 ? 3 : 1);
         EXPECT_TRUE(run.value(P::cameraDebugReady) == 1 && run.value(P::outputDebugReady) == 0);
         EXPECT_TRUE(run.station.inject(std::make_shared<Raster>(
@@ -153,7 +153,7 @@ TEST_F(StationPath, TheBufferFillsAtTheRateOfItsExcess) {
     board.set("OverflowOccurred_Status=0 Size_ImageWidth=400"); // slower than the DMA
     station.advance(64 * 500);
     EXPECT_EQ(value(P::overflowOccurred), 0);
-    // The picture after it tells of the loss.
+    // The next picture reports the loss.
     station.waitForPicture(48, never);
     EXPECT_EQ(memory->record(47)->lostBefore, 0U);
     EXPECT_EQ(memory->record(48)->lostBefore, 1U);
@@ -176,12 +176,12 @@ TEST_F(StationPath, WholeImagesWaitInTheBuffer) {
     station.advance(1);
     EXPECT_EQ(picture(1), "0-300 4");
     EXPECT_EQ(memory->record(1)->arrival, 304U); // 48 bytes after 302, in 1.5 ticks
-    // A frame less than its lines take: lost as a whole, and again.
+    // A frame smaller than its lines: lost as a whole, repeatedly.
     board.set("ImageHeight_ImageHeight=5 YLength=5");
     station.advance(1100);
     EXPECT_EQ(station.lastPicture(), 1);
     EXPECT_EQ(station.losses().images, 2U);
-    // Dropped images leave at 32 pixels a tick, and silenced ones too.
+    // Dropped images leave at 32 pixels per tick, as do silenced ones.
     board.set("ImageHeight_ImageHeight=4 YLength=4 PHASE_Number=1");
     station.advance(1000);
     EXPECT_EQ(station.losses().images, 3U); // one more had begun

@@ -1,4 +1,4 @@
-// Whole runs: what one part says must agree with what another says, and the same writes give the same run.
+// Whole runs: the parts of the station must agree with each other, and the same writes give the same run.
 
 #include "station/Settings.h"
 #include "support/station_board.h"
@@ -8,7 +8,7 @@
 namespace station {
 namespace {
 
-/** A run of random writes, waves and waits, as a text of all that can be seen of it. */
+/** A run of random writes, waves and waits; returns all visible state as text. */
 class RandomRun {
 public:
     explicit RandomRun(std::uint32_t seed) : m_random(seed) {}
@@ -40,7 +40,7 @@ private:
     void write() {
         auto parameter = static_cast<Parameter>(below(parameterCount));
         auto value = static_cast<double>(below(4));
-        if (below(2) == 0) { // what takes images
+        if (below(2) == 0) { // settings that let images through
             static const Values useful =
                 "YLength=20 ImageHeight_ImageHeight=9 XLength=40 ExsyncPeriod=40 XOffset=20 "
                 "Enable_SelectSource=2 LineTriggerMode=4 ImgTriggerMode=3 SoftwareTrgInput=2";
@@ -133,7 +133,7 @@ TEST(StationScenario, TheLengthOfTimeStepsDoesNotMatter) {
 }
 
 TEST(StationScenario, EncoderLinesAndPicturesAgree) {
-    // A second at 70,000 lines: the encoder's quarter steps, ExSync, lines and pictures are the same count.
+    // A second at 70,000 lines: encoder steps, ExSync pulses, lines and pictures have the same count.
     Trial run("LineTriggerMode=1 EncoderABMode=3 FreeRun_Select=0 TriggerValve_Mode=1 ExsyncExposure=2 "
               "SelectCustomSignalEvent0_SelectSignal_Select=4 Size_ImageHeight=1000 FrameGap_Number=1000 "
               "ImageHeight_ImageHeight=1000 YOffset=400 YLength=1000");

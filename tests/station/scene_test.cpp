@@ -1,4 +1,4 @@
-// Belt, encoder and scene beside each other: what no table of cases can say.
+// Belt, encoder and scene together: cases that do not fit into a table.
 
 #include "support/station_board.h"
 
@@ -6,7 +6,7 @@ namespace station {
 namespace {
 
 TEST(StationScene, TheEncoderFollowsThePlaceOfTheBelt) {
-    // Edges of the inputs as they are: forward, to rest, backward, and on. A quarter step is 7 um, the first is half of it.
+    // Edges of the inputs: forward, to rest, backward, and on. A quarter step is 7 um, the first is half of it.
     const std::vector<SpeedPiece> profile{{50'000, 0, 900'000},
                                           {30'000, 900'000, 900'000},
                                           {40'000, 900'000, -700'000},

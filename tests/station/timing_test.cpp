@@ -1,4 +1,4 @@
-// Times of signals and lines. All numbers are worked out by hand, in ticks of 8 ns.
+// Times of signals and lines. All numbers are computed by hand, in ticks of 8 ns.
 
 #include "support/station_board.h"
 
@@ -22,7 +22,7 @@ TEST_F(StationTiming, RatesComeOutOverASecond) {
     const Tick from = station.trace(lineValid, station.now() - 13000, station.now()).edges.front().tick;
     station.advance(20'000);
     const Tick first = station.trace(lineValid, station.now() - 20'000, station.now()).edges.front().tick;
-    EXPECT_EQ(first - from, 12206U); // the line that was due still came at the old rate
+    EXPECT_EQ(first - from, 12206U); // the pending line still had the old rate
     station.advance(128'000 - 20'000 + first - (ticksPerSecond + 0));
     EXPECT_EQ(station.lines(), 10241U + 1999U + 1U);
 }

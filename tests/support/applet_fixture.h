@@ -1,4 +1,4 @@
-/** What the tests through the exported functions share: the loaded libraries, boards, listings, log lines. */
+/** Shared by the tests through the exported functions: the loaded libraries, boards, listings, log lines. */
 #ifndef TESTS_SUPPORT_APPLET_FIXTURE_H
 #define TESTS_SUPPORT_APPLET_FIXTURE_H
 
@@ -30,20 +30,20 @@ template <typename Function> Function* designLoader(const char* name) {
     return reinterpret_cast<Function*>(loaderFunction(name));
 }
 
-/** Number of "boards", "designs", "handles" or "strings" that the virtual board has given out. */
+/** Number of live "boards", "designs", "handles" or "strings" of the virtual board. */
 int live(const char* what);
 
-/** Numbers of open files, and of all that `live` counts: what a call must not leave behind. */
+/** Numbers of open files, and of all that `live` counts, to detect leaks of a call. */
 std::array<long, 5> held();
 
-/** Board or design of the handle that was brought up last. */
+/** Board or design of the last handle that was brought up. */
 LOOMdevice* lastDevice();
 fpga_design* lastDesign();
 
-/** The id under which a parameter of the design is reached directly: a bring-up resolves its name. */
+/** The id for direct access to a parameter of the design: a bring-up resolves its name. */
 int directId(const std::string& name);
 
-/** A register as the design loader tells it; those of the last design. */
+/** A register as the design loader describes it; for the last design. */
 struct Register {
     std::string name;
     int id;
@@ -54,15 +54,15 @@ std::vector<Register> registers();
 
 /** The lines of a text. */
 Lines linesOf(const std::string& text);
-/** The lines of a file; none of one that cannot be read. */
+/** The lines of a file; empty if it cannot be read. */
 Lines fileLines(const std::string& path);
-/** An expected listing of tests/data: its lines, or each line cut into its words. */
+/** An expected listing of tests/data: its lines, or each line split into words. */
 Lines dataLines(const std::string& file);
 std::vector<Lines> dataRows(const std::string& file);
 
-/** Accesses, each with the name of what makes it. */
+/** Accesses, each with the name of its cause. */
 using Sections = std::vector<std::pair<std::string, Lines>>;
-/** Those of a start, as start_up_writes.txt has them: what it asks the design, then a section for each
+/** Those of a start, as listed in start_up_writes.txt: the queries of the design, then a section for each
  * setter. */
 Sections startUpSections();
 
@@ -71,7 +71,7 @@ inline Lines operator+(Lines lines, const Lines& more) {
     return lines;
 }
 
-/** Calls `visit` with each record of a chain that is no group, in the order of the tree. */
+/** Calls `visit` with each record of a chain that is not a group, in the order of the tree. */
 template <typename Visit> void forEachRecord(RegisterInfo* first, const Visit& visit) {
     for (RegisterInfo* record = first; record != nullptr; record = record->next) {
         if (record->kind != REGISTER_KIND_GROUP) {
@@ -87,7 +87,7 @@ template <typename Visit> void forEachRecord(RegisterInfo* first, const Visit& v
 class Grabber {
 public:
     Grabber();
-    /** Brings the handle up at once, with the flags of Std_entry: 1 for a slave. */
+    /** Brings the handle up immediately, with the flags of Std_entry: 1 for a slave. */
     explicit Grabber(int flags) : Grabber() { bringUp(flags); }
     ~Grabber();
     Grabber(const Grabber&) = delete;
@@ -95,7 +95,7 @@ public:
 
     /** Calls Std_entry; the code is in `error`, the object in `handle`. */
     Grabber& bringUp(int flags = 0);
-    /** Calls Fg_FreeGrabber and gives its result. */
+    /** Calls Fg_FreeGrabber and returns its result. */
     int free();
 
     template <typename T> int set(int id, T value, int dma = 0, int tag = tagOf<T>) {
@@ -106,7 +106,7 @@ public:
     int get(int id, void* value, int dma = 0, int tag = FG_PARAM_UINT32) {
         return host().applet().Fg_getParameterWithType(fg(), id, value, dma, tag);
     }
-    /** The value of a parameter that can be read. */
+    /** The value of a readable parameter. */
     template <typename T> T value(int id) {
         T out{};
         EXPECT_EQ(get(id, &out, 0, tagOf<T>), FG_OK) << "id " << id;
@@ -114,14 +114,14 @@ public:
     }
     int lastError() { return host().applet().Fg_getLastErrorNumber(fg()); }
 
-    /** What the board has seen since its log was cleared. */
+    /** The accesses logged by the board since its log was cleared. */
     Lines log() const;
     void clearLog() { host().board().log_clear(device); }
     /** Changes a number of the design. */
     void poke(const std::string& name, std::int64_t value);
-    /** Gives the memory its widths; those of start_up_writes.txt by themselves. */
+    /** Sets the widths of the memory; by default those of start_up_writes.txt. */
     Grabber& fitRam(std::int64_t address = 24, std::int64_t data = 512, std::int64_t parallelism = 32);
-    /** Makes every access of a design parameter or register fail; code 0 lets it work again. */
+    /** Makes every access of a design parameter or register fail; code 0 clears that. */
     void fail(const std::string& name, int code);
 
     Fg_Struct* fg() { return handle.fg(); }
@@ -131,8 +131,8 @@ public:
     applet_host::GrabberHandle handle;
 };
 
-/** The lines that the applet logs from `level` on, taken from the standard error. To be made before the
- * object under observation, when no other object lives. */
+/** Captures the lines that the applet logs from `level` on to the standard error. Make it before the
+ * observed object, while no other object exists. */
 class AppletLog {
 public:
     explicit AppletLog(int level);
@@ -142,7 +142,7 @@ public:
 
     /** The lines since the last call. */
     Lines take();
-    /** The line that this thread's logging of `text` gives. */
+    /** The line for `text` logged by this thread. */
     static std::string line(int level, const std::string& text);
 
 private:
@@ -150,7 +150,7 @@ private:
     int m_standardError;
 };
 
-/** Puts the virtual board's design and the environment back after each test. */
+/** Restores the virtual board's design and the environment after each test. */
 class AppletTest : public testing::Test {
 protected:
     void TearDown() override;
@@ -171,7 +171,7 @@ protected:
         clearLog();
     }
 
-    /** A new handle on the board, which has its start values but for what `prepare` does. */
+    /** A new handle on the board with its start values, as changed by `prepare`. */
     template <typename Prepare> void restart(Prepare prepare) {
         EXPECT_EQ(grabber.free(), FG_OK);
         board.reset(grabber.device);
@@ -192,7 +192,7 @@ protected:
     }
 
     template <typename T> int set(int id, T value) { return grabber.set(id, value); }
-    /** Values that are taken, in this order. */
+    /** Accepted values, in this order. */
     void setAll(std::initializer_list<std::pair<int, std::uint32_t>> values) {
         for (const auto& [id, value] : values)
             EXPECT_EQ(set(id, value), FG_OK) << id << " = " << value;
@@ -201,12 +201,12 @@ protected:
     int setText(int id, const std::string& value) {
         return applet.Fg_setParameterWithType(grabber.fg(), id, value.c_str(), 0, FG_PARAM_TEXT);
     }
-    /** A text parameter as the library hands it out. */
+    /** A text parameter as the library returns it. */
     std::string text(int id);
     int lastError() { return grabber.lastError(); }
     Lines log() { return grabber.log(); }
     void clearLog() { grabber.clearLog(); }
-    /** The log up to its last write: what a setter does before it refreshes published limits. */
+    /** The log up to its last write, that is, without the refresh of published limits. */
     Lines logToLastWrite();
     RegisterInfo* tree() { return applet.Fg_getParameterInfo(grabber.fg(), 0); }
     /** The parameter's record in the tree. */

@@ -1,4 +1,4 @@
-// APPLETCTL_PROGRAM is the program's path.
+// APPLETCTL_PROGRAM is the path of the program.
 #include "support/appletctl_program.h"
 
 #include <fcntl.h>
@@ -14,7 +14,7 @@ const Words scriptedRegisters{"VEXO_ENABLE_DRA=on", "LD_PRELOAD=" SCRIPTED_REGIS
                               "ASAN_OPTIONS=verify_asan_link_order=0"};
 
 void become(const Words& arguments, const Words& environment) {
-    unsetenv("COLUMNS"); // the tests' own terminal is not the program's
+    unsetenv("COLUMNS"); // that of the tests' own terminal
     for (const std::string& setting : environment) {
         const std::size_t equals = setting.find('=');
         if (equals == std::string::npos)

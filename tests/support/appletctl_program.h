@@ -1,4 +1,4 @@
-/** Real runs of appletctl. */
+/** Runs of the real appletctl. */
 #ifndef APPLETCTL_PROGRAM_H
 #define APPLETCTL_PROGRAM_H
 
@@ -22,30 +22,31 @@ struct Outcome {
     std::string err;
 };
 
-/** Becomes appletctl, with these settings ("NAME=VALUE", or "NAME" to take one away) in the environment. */
+/** Executes appletctl in this process, with these settings ("NAME=VALUE", or "NAME" to unset) in the
+ *  environment. */
 [[noreturn]] void become(const Words& arguments, const Words& environment);
 
-/** An environment with registers that read 5, fail, read 9 and then 2. */
+/** An environment with registers that read 5, then fail, then read 9 and 2. */
 extern const Words scriptedRegisters;
 
-/** Waits for the end of a child; a signal counts from 128 on. */
+/** Waits for the end of a child; returns 128 plus the number of a signal that ended it. */
 int exitCodeOf(pid_t child);
 
-/** All that was written to the file, which is closed. */
+/** The content of the file; closes it. */
 std::string contents(std::FILE* file);
 
-/** What the program prints that reads this file. `prepare` is called in its process, before it starts. */
+/** The output of the program with this file as input. `prepare` is called in its process, before it starts. */
 Outcome run(const Words& arguments, const Words& environment = {}, const char* input = "/dev/null",
             const std::function<void()>& prepare = {});
 
 /**
- * What the program prints on a terminal on which the lines are typed, each one behind the next prompt, and
+ * The output of the program on a terminal, with each of the lines typed after the next prompt, and
  * its exit code.
  */
 Outcome converse(const Words& arguments, const Words& environment, const std::string& prompt,
                  const Words& lines, unsigned short columns = 0);
 
-/** What the program prints on a terminal of that width; 0: one that does not tell its width. */
+/** The output of the program on a terminal of that width; 0: one that does not report its width. */
 std::string onTerminal(const Words& arguments, const Words& environment, unsigned short columns = 0);
 
 /** The document of a command with --json. */

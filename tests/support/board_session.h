@@ -1,4 +1,4 @@
-/** The virtual board's libraries as a host opens them, and sessions on it. VIRTUAL_BOARD_DIR is their folder. */
+/** Opens the virtual board's libraries as a host does. VIRTUAL_BOARD_DIR is their folder. */
 #ifndef TESTS_SUPPORT_BOARD_SESSION_H
 #define TESTS_SUPPORT_BOARD_SESSION_H
 
@@ -39,7 +39,7 @@ inline void* const runtime = library("libgrabcore5.so");
 inline const std::string width = "Device1_Process0_Buffer_0_XLength";
 inline const std::string red = "Device1_Process0_LookupTable_R_LUTcontent";
 
-/** A board with a design on it, all freed again; the settings of the process go back to normal. */
+/** A board with a design, freed in the destructor; restores the settings of the process. */
 class VirtualBoard : public testing::Test {
 protected:
     ~VirtualBoard() override {

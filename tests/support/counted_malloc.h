@@ -1,8 +1,8 @@
 /**
- * The program's own malloc family, in the place of the C library's for every library of the process: operator
- * new of the standard library ends here as well. It counts, and fails where a test wants it.
+ * The program's own malloc family replaces that of the C library for every library of the process, including operator
+ * new of the standard library. It counts allocations and fails on request.
  *
- * The address and the thread sanitizer own malloc: under them nothing is counted and nothing fails.
+ * The address and the thread sanitizer replace malloc themselves: under them nothing is counted and nothing fails.
  */
 #ifndef TESTS_SUPPORT_COUNTED_MALLOC_H
 #define TESTS_SUPPORT_COUNTED_MALLOC_H
@@ -20,7 +20,7 @@ long liveBlocks();
 
 enum class Shortage { once, fromThenOn };
 
-/** For a scope, allocation number `k` from its beginning fails (1: the first), alone or with all behind it. */
+/** In its scope, allocation number `k` fails (1: the first), alone or with all after it. */
 class ScarceMemory {
 public:
     ScarceMemory(long k, Shortage shortage);

@@ -24,7 +24,7 @@ const applet_host::AppletFunctions& api() { return host().applet(); }
 
 using Named = std::pair<const char*, std::function<std::int64_t(Fg_Struct*)>>;
 
-/** What looks something up that is there: 1, or 0 for null and for no mask. */
+/** The result of a successful look-up: 1, or 0 for null and for an empty mask. */
 const Named lookups[] = {
     {"Fg_getParameterName", [](auto* fg) { return api().Fg_getParameterName(fg, 0) != nullptr; }},
     {"Fg_getEventMask", [](auto* fg) { return api().Fg_getEventMask(fg, "FG_OVERFLOW_CAM0") != 0; }},
@@ -83,7 +83,7 @@ std::vector<Call> everyCall(const std::string& saved) {
                          auto call) -> Call& {
         return all.emplace_back(Call{function, call, usual, std::move(needs)});
     };
-    // It reads the memory first. The runtime refuses the id 0 of a name that was not resolved.
+    // It reads the memory first. The runtime refuses the id 0 of an unresolved name.
     add(set, 0, {{get, lacking}, {resolve, refused}, {set, lacking}},
         [](auto* fg) { return setOf(fg, FG_SENSORWIDTH, 512); });
     add(set, 0, {{get, unresolved}, {resolve, unresolved}, {set, unresolved}},
@@ -92,7 +92,7 @@ std::vector<Call> everyCall(const std::string& saved) {
     add(get, 0, {{get, lacking}, {resolve, refused}}, [](auto* fg) { return getOf(fg, FG_FILLLEVEL); });
     add(get, 0, {{get, lacking}}, [](auto* fg) { return getOf(fg, FG_NR_OF_DMAS); });
     add(get, 0, {}, [](auto* fg) { return getOf(fg, FG_WIDTH); });
-    // The runtime does not take back a text that it never gave; without the function nothing is to do.
+    // The runtime refuses a text that it did not allocate; without the function there is nothing to do.
     add(free, refused, {{free, 0}}, freeOfForeignText);
     add(free, FG_ERR_STRING_TAG, {}, [](auto* fg) {
         return api().Fg_freeParameterStringWithType(fg, 2000001, nullptr, 0, FG_PARAM_TEXT);

@@ -1,4 +1,5 @@
-/** The exported functions as calls: what each gives, and what it needs. One list for all tests that walk them. */
+/** All exported functions as calls, with results and required functions: one list for all tests that walk
+ *  them. */
 #ifndef TESTS_SUPPORT_EVERY_CALL_H
 #define TESTS_SUPPORT_EVERY_CALL_H
 
@@ -12,8 +13,8 @@
 
 namespace support {
 
-constexpr int answered = 5;                      // by the functions that go straight to the runtime
-constexpr int errorBefore = FG_ERR_OUT_OF_RANGE; // the last error before a call; none of them gives it
+constexpr int answered = 5;                      // by the functions that the wrapper forwards to the runtime
+constexpr int errorBefore = FG_ERR_OUT_OF_RANGE; // the last error before a call; no call returns it
 
 /** A call of an exported function; a pointer counts as 1, or 0 for null. */
 struct Call {
@@ -34,7 +35,7 @@ struct Call {
 /** All but Std_entry, Fg_FreeGrabber and Fg_getLastErrorNumber. Configurations are saved to `saved`. */
 std::vector<Call> everyCall(const std::string& saved);
 
-/** A function that goes straight to the runtime. */
+/** A function that is forwarded to the runtime. */
 struct Forwarder {
     const char* name;
     bool wide; /**< 64-bit result */

@@ -1,4 +1,4 @@
-/** What the sweeps over failing accesses share: what the log holds then, and a thread that needs the lock. */
+/** Shared by the sweeps over failing accesses: the expected log, and a thread that needs the lock. */
 #ifndef TESTS_SUPPORT_FAULTS_H
 #define TESTS_SUPPORT_FAULTS_H
 
@@ -16,10 +16,10 @@
 
 namespace support {
 
-/** The code of an access that is made to fail. */
+/** The code of an injected failure. */
 inline constexpr int injectedCode = -4711;
 
-/** Where two logs part, in words; empty for equal ones. A test's output would cut the lines. */
+/** The first difference of two logs; empty if they are equal. A test's own output would be truncated. */
 inline std::string difference(const Lines& seen, const Lines& expected) {
     const auto [s, e] = std::ranges::mismatch(seen, expected);
     if (s == seen.end() && e == expected.end()) return "";
@@ -36,21 +36,21 @@ inline std::string firstWords(const std::string& line, int count) {
     return line.substr(0, end);
 }
 
-/** A line of the log, had the access failed. */
+/** A line of the log as it is if the access fails. */
 inline std::string failedAccess(const std::string& line, int code = injectedCode) {
     const std::string end = " = " + std::to_string(code);
     if (line.starts_with("set ")) return line + end;
-    return firstWords(line, line.starts_with("get ") ? 3 : 2) + end; // without what was read
+    return firstWords(line, line.starts_with("get ") ? 3 : 2) + end; // without the value that was read
 }
 
-/** An access of a parameter that got the injected code for its id. */
+/** An access of a parameter with the injected code as its id. */
 inline std::string strayAccess(const std::string& line, int code) {
     const std::string verb = firstWords(line, 1), subject = firstWords(line, 2);
     return failedAccess(verb + " #" + std::to_string(injectedCode) + line.substr(subject.size()), code);
 }
 
-/** A fault-free log when access k fails and the call ends there. A name that is not found does not end it:
- * the access of what has no id does, which the runtime refuses, unless all fails. */
+/** A fault-free log if access k fails and the call ends there. A name that is not found does not end it:
+ * the access with the invalid id does, which the runtime refuses, unless all accesses fail. */
 inline Lines cutAt(const Lines& faultFree, std::size_t k, int how) {
     Lines lines(faultFree.begin(), faultFree.begin() + static_cast<std::ptrdiff_t>(k));
     lines.back() = failedAccess(lines.back());
@@ -64,8 +64,8 @@ inline bool isWriteOf(const std::string& access, const std::string& name) {
     return access.starts_with("set ") && access.find(name) != std::string::npos;
 }
 
-/** How many of the accesses of a set are its own; behind them only published limits are refreshed, each by
- * one read and quietly. */
+/** The number of a set's own accesses; after them only published limits are refreshed, with one
+ * read each and without error messages. */
 inline std::size_t ownAccesses(const Lines& faultFree) {
     std::size_t own = faultFree.size();
     while (own > 0 && !faultFree[own - 1].starts_with("set "))
@@ -87,7 +87,7 @@ public:
     OtherThread(const OtherThread&) = delete;
     OtherThread& operator=(const OtherThread&) = delete;
 
-    /** Lets the thread do something and waits for it; what waits for ever ends the program. */
+    /** Runs a function in the thread and waits for it; ends the program if it hangs. */
     void run(const std::function<void()>& task) {
         hand(task);
         std::unique_lock lock(m_mutex);

@@ -1,4 +1,4 @@
-// Replaces functions of the C library. Their declarations there would clash with these.
+// Replaces functions of the C library. Includes no headers with conflicting declarations.
 
 #include "support/hindered_calls.h"
 
@@ -41,7 +41,7 @@ extern "C" {
 long read(int descriptor, void* bytes, std::size_t size);
 long pread(int descriptor, void* bytes, std::size_t size, long position);
 long write(int descriptor, const void* bytes, std::size_t size);
-// What the compiler calls where it knows the room.
+// Called by the compiler if it knows the buffer's size.
 long __read_chk(int descriptor, void* bytes, std::size_t size, std::size_t room);
 long __pread_chk(int descriptor, void* bytes, std::size_t size, long position, std::size_t room);
 

@@ -1,10 +1,10 @@
-/** Reads and writes as a busy system may answer them: interrupted, or done in part. */
+/** Simulates reads and writes on a busy system: interrupted, or partial. */
 #ifndef TESTS_SUPPORT_HINDERED_CALLS_H
 #define TESTS_SUPPORT_HINDERED_CALLS_H
 
 namespace support {
 
-/** While it lives, every other read or write of the program ends with EINTR, and the rest move 7 bytes at most. */
+/** In its scope, every other read or write of the program ends with EINTR, and the rest move 7 bytes at most. */
 class HinderedCalls {
 public:
     HinderedCalls();

@@ -1,4 +1,4 @@
-/** A client of the GenTL producer, for its tests. */
+/** A test client of the GenTL producer. */
 #ifndef TESTS_SUPPORT_PRODUCER_SESSION_H
 #define TESTS_SUPPORT_PRODUCER_SESSION_H
 
@@ -14,7 +14,7 @@ constexpr const char* interfaceId = "virtual-0";
 constexpr const char* deviceId = "virtual-0-process-0";
 constexpr const char* streamId = "virtual-0-process-0-dma-0";
 
-/** The library with one handle of each kind; closes it in the destructor. Throws where a call fails. */
+/** The library with one handle of each kind; closes it in the destructor. Throws if a call fails. */
 struct ProducerSession {
     ProducerSession();
     ~ProducerSession();
@@ -29,7 +29,7 @@ struct ProducerSession {
     void queueBuffers(unsigned count);
     /** Starts stream and device. */
     void start();
-    /** The next buffer, or null after so long. */
+    /** The next buffer; null after a timeout. */
     BUFFER_HANDLE fetch(std::uint64_t milliseconds = 5000);
     std::uint64_t bufferNumber(BUFFER_HANDLE buffer, std::int32_t command);
     std::uint64_t streamNumber(std::int32_t command);
@@ -39,12 +39,12 @@ struct ProducerSession {
     DEV_HANDLE device{};
     PORT_HANDLE port{};
     DS_HANDLE stream{};
-    EVENT_HANDLE event{}; // of the stream: new buffer
+    EVENT_HANDLE event{}; // of the stream, for new buffers
     std::vector<BUFFER_HANDLE> buffers{};
     std::string description{};
 };
 
-/** Throws for a code that is not 0. */
+/** Throws if the code is not 0. */
 void ok(GC_ERROR code);
 
 } // namespace support

@@ -1,4 +1,4 @@
-// A dispatcher that keeps what it gets, and gives what the test has set.
+// A dispatcher that records its calls and returns what the test has set.
 
 #include "support/recording_dispatcher.h"
 

@@ -1,4 +1,4 @@
-/** Which sanitizers the tests are built with, and their options. */
+/** The sanitizers in this build, and their options. */
 #ifndef TESTS_SUPPORT_SANITIZERS_H
 #define TESTS_SUPPORT_SANITIZERS_H
 
@@ -23,7 +23,7 @@ inline constexpr bool underAddressSanitizer = __has_feature(address_sanitizer);
 #include <sanitizer/lsan_interface.h>
 #endif
 
-/** While it lives, allocations are no leak to report. */
+/** In its scope, allocations are not reported as leaks. */
 #ifdef __SANITIZE_ADDRESS__
 using ExpectedLeak = __lsan::ScopedDisabler;
 #else
@@ -32,8 +32,8 @@ struct ExpectedLeak {
 };
 #endif
 
-/** To be called before a thread is cancelled: the address sanitizer does not see that the frames of its stack end, and
- *  would report the cleanup code that uses the same memory. */
+/** Call before a thread is cancelled: the address sanitizer does not notice that the frames of its stack end,
+ *  and would report the cleanup code that reuses the memory. */
 inline void expectStackToUnwind() {
 #ifdef __SANITIZE_ADDRESS__
     __asan_handle_no_return();

@@ -1,4 +1,4 @@
-// Preloaded before the board's libraries: register reads answer a given row of values and one failure.
+// Preloaded before the board's libraries: register reads return a fixed sequence of values and one failure.
 
 #include "vexo/board_access.h"
 

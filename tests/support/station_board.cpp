@@ -112,7 +112,7 @@ void Trial::act(const std::string& action) {
 
 namespace {
 
-/** Numbers between the signs of "encoder=1/2/25000". */
+/** Numbers between the separators of "encoder=1/2/25000". */
 std::vector<std::int64_t> numbersOf(const std::string& text, int base = 10) {
     std::vector<std::int64_t> numbers;
     for (std::size_t place = text.find('=') + 1; place < text.size();) {

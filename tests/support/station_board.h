@@ -1,4 +1,4 @@
-/** A board of nothing but values, and a station on it, for the tests of the station. */
+/** A board that only stores values, and a station on it, for the tests of the station. */
 #ifndef TESTS_SUPPORT_STATION_BOARD_H
 #define TESTS_SUPPORT_STATION_BOARD_H
 
@@ -19,7 +19,7 @@
 namespace station {
 
 using P = Parameter;
-/** Values of parameters, as "YLength=4 ImageHeight=2": a parameter goes by the end of its name in the design. */
+/** Values of parameters, as "YLength=4 ImageHeight=2"; each name is the end of the name in the design. */
 class Values {
 public:
     Values() = default;
@@ -45,7 +45,7 @@ private:
 
 class ValueBoard final : public Board {
 public:
-    /** As the applet leaves a board after its start, but with the simulator on. */
+    /** The state that the applet's start leaves, but with the simulator on. */
     ValueBoard();
 
     void set(const Values& values) {
@@ -81,7 +81,7 @@ private:
     std::uint64_t m_tableRevision = 1;
 };
 
-/** A board with a station on it, and what tests do with it. */
+/** A board with a station, and actions for tests. */
 class Trial {
 public:
     Trial() = default;
@@ -108,9 +108,9 @@ public:
     void advanceTo(Tick tick) { station.advance(tick - station.now()); }
     /** Ticks of the first and the last line of a picture, and its lines: "0-32 2 short". */
     std::string picture(std::int64_t number) const;
-    /** All of them, "0-32 2, 64-96 2". */
+    /** All pictures, "0-32 2, 64-96 2". */
     std::string pictures();
-    /** The bytes of a picture; none if it is not there. */
+    /** The bytes of a picture; empty if there is none. */
     std::vector<int> bytes(std::int64_t number);
     /** What happens, as "150 pulse, 350 high, 600 low, 900 YLength=3, 950": at a tick a software trigger, its level or any
      *  parameters. Also "wave INPUT +TICK -TICK ...", "table red ENTRY=VALUE ...", "inject COMPONENT ...", "acquire". */
@@ -120,7 +120,7 @@ public:
     void attach(std::istream& words);
     void startBelt(std::istream& words);
     void setScene(std::istream& words);
-    /** What the bars of the chart say in each line of a picture; - where there are none. */
+    /** The values of the chart's bars in each line of a picture; - if there are none. */
     std::string numbers(std::int64_t picture);
 
     ValueBoard board;

@@ -1,4 +1,4 @@
-/** Many threads at once. */
+/** Runs many threads at once. */
 #ifndef TESTS_SUPPORT_STRESS_H
 #define TESTS_SUPPORT_STRESS_H
 
@@ -8,7 +8,7 @@
 
 namespace support {
 
-/** Calls `body` with each turn in each of the threads, which all begin at once; returns when all have ended. */
+/** Calls `body` for each turn in each thread; all begin at once. Returns when all have ended. */
 template <typename Body> void stress(int threads, int turns, Body body) {
     std::latch start(threads);
     std::vector<std::jthread> running;

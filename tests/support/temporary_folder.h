@@ -1,4 +1,4 @@
-/** A folder for the files of one test. */
+/** A temporary folder for one test. */
 #ifndef TESTS_SUPPORT_TEMPORARY_FOLDER_H
 #define TESTS_SUPPORT_TEMPORARY_FOLDER_H
 

@@ -1,4 +1,4 @@
-// What appletctl says of a state holds: undo comes back to it, lint and check agree on it, and its advice is accepted.
+// appletctl's answers on a state are consistent: undo restores it, lint and check agree, advice is accepted.
 
 #include "support/appletctl_program.h"
 #include "support/sanitizers.h"
@@ -15,9 +15,9 @@ namespace {
 
 using namespace appletctl_program;
 
-constexpr bool sanitized = underAddressSanitizer || underThreadSanitizer; // which take ten times as long
+constexpr bool sanitized = underAddressSanitizer || underThreadSanitizer; // ten times slower
 
-/** What a shell prints that reads these lines. */
+/** The output of a shell with these lines as input. */
 Outcome shell(const Words& lines, const Words& options = {}, const Words& environment = {}) {
     const support::TemporaryFolder folder;
     std::string script;
@@ -34,7 +34,7 @@ struct Parameter {
     json values; // entries, or numbers at, near and beyond the limits
 };
 
-/** All that a configuration file holds, but for measurements, and what can be set of them. */
+/** All parameters in a configuration file except measurements, and values to set. */
 std::vector<Parameter> savedParameters(const std::string& file) {
     std::vector<Parameter> parameters;
     const std::string text = support::fileBytes(file);
@@ -46,7 +46,7 @@ std::vector<Parameter> savedParameters(const std::string& file) {
             continue;
         for (const json& entry : row.value("entries", json::array()))
             parameter.values.push_back(entry["value"]);
-        // A refused mode moves the access of others: no undo can come back to such a state.
+        // A refused mode changes the access of others: undo cannot restore such a state.
         if (parameter.name == "FG_CAMERASIMULATOR_SELECT_MODE") parameter.values.erase(0);
         const bool isNumber = parameter.kind == "UInt" || parameter.kind == "Double";
         if (isNumber && row.contains("minimum")) {
@@ -134,7 +134,7 @@ TEST(AppletctlUndo, BringsBackValuesAccessAndDesignWhateverWasSet) {
     EXPECT_FALSE(contains(outcome.err, "not as before")) << outcome.err;
 }
 
-/** The keys that a command names as refused. */
+/** The keys that a command reports as refused. */
 std::set<std::string> refusedBy(const json& findings, const std::set<std::string>& kinds, const char* kind) {
     std::set<std::string> names;
     for (const json& finding : findings)
@@ -144,9 +144,9 @@ std::set<std::string> refusedBy(const json& findings, const std::set<std::string
 }
 
 /**
- * A saved file in which a third of the numbers are such as a load refuses, too small (0) or too large (1).
- * Of parameters that differ in a digit only, such as those of the outputs, only the first is edited. Each
- * refusal costs the commands a search for what would be accepted.
+ * A saved file in which a third of the numbers are refused by a load, being too small (0) or too large (1).
+ * Of parameters with names that differ only in a digit, such as those of the outputs, only the first is edited:
+ * for each refusal the commands search for accepted values.
  */
 std::string spoilt(const std::string& saved, std::size_t third) {
     std::istringstream text(saved);
@@ -187,7 +187,7 @@ TEST(AppletctlLint, AgreesWithCheckOnWhatALoadRefuses) {
     EXPECT_GT(refusals, sanitized ? 10u : 25u);
 }
 
-/** Every NAME=VALUE of an answer that is advised. */
+/** Every NAME=VALUE that an answer suggests. */
 Words advisedIn(const json& answer) {
     Words advice;
     const std::regex assignment("FG_\\w+(\\[\\d+\\])?=[^\\s,;]+");

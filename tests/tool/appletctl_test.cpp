@@ -1,4 +1,4 @@
-// What transcripts (tests/data/appletctl) cannot show: rows of all commands, readings that change, signals.
+// Cases that transcripts (tests/data/appletctl) cannot cover: all commands, changing readings, signals.
 
 #include "support/appletctl_program.h"
 
@@ -30,7 +30,7 @@ std::size_t widthOf(const std::string& line) {
         std::ranges::count_if(line, [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
 }
 
-/** True for one word behind blanks, which cannot be broken. */
+/** True for a single indented word, which cannot be broken. */
 bool isOneWord(const std::string& line) {
     const std::size_t begin = line.find_first_not_of(' ');
     return begin == std::string::npos || line.find(' ', begin) == std::string::npos;
@@ -94,8 +94,8 @@ TEST(AppletctlWatch, GoesOnAfterAFailedRead) {
     EXPECT_GE(rounds[3]["seconds"], 0.03);
 }
 
-/** Starts a watch with rounds a day apart, waits for its first line, does something to it or to the pipe
- *  that it writes to, and gives the outcome. */
+/** Starts a watch with rounds a day apart, waits for its first line, applies an action to it or to the pipe
+ *  that it writes to, and returns the outcome. */
 template <typename Action> Outcome afterFirstLine(Action action) {
     int pipeEnds[2];
     std::FILE* err = std::tmpfile();

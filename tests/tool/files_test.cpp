@@ -1,4 +1,4 @@
-// Files that appletctl reads and writes when something is in the way: no room, a signal, a file that is cut off.
+// Files that appletctl reads and writes under adverse conditions: a full disk, a signal, a truncated file.
 
 #include "support/appletctl_program.h"
 #include "support/sanitizers.h"
@@ -88,7 +88,7 @@ TEST_F(AppletctlFiles, AreWrittenAsAWholeOrNotAtAll) {
         fs::remove(folder / name);
     }
     EXPECT_EQ(namesIn(folder / ""), (std::set<std::string>{"out", "saved.mcf", "x.scenario"}));
-    // What is no file is written to, and a missing folder loses nothing.
+    // Devices and pipes are written to in place, and a missing folder loses nothing.
     const Outcome printed = run({"report", "-o", "/dev/stdout"});
     EXPECT_TRUE(printed.out.starts_with("Report of appletctl\n"));
     EXPECT_TRUE(printed.out.ends_with("\"/dev/stdout\" written\n"));

@@ -77,7 +77,7 @@ class Stations(unittest.TestCase):
                      "--json why FG_WIDTH=20000", "limits FG_WIDTH --with FG_XOFFSET=64", "plan FG_WIDTH=2048 --plain",
                      "info --json", "describe FG_VANTAGEPOINT", "--json check a.mcf", "lint FG_LINEEXPOSURE=150",
                      "trace set FG_WIDTH=2048", "grab --hash FG_CAMERASIMULATOR_ENABLE=1 FG_HEIGHT=8", "list --offline",
-                     "--color always list FG_WIDTH", "nonsense", "run a.scenario", "xml --check"]:
+                     "--color always list FG_WIDTH", "nonsense", "run a.scenario", "report FG_WIDTH=2048"]:
             with self.subTest(line):
                 self.serve("same")
                 words = line.split()
@@ -137,6 +137,8 @@ class Stations(unittest.TestCase):
             while len(hold) > 40:
                 hold.pop(0).close()
             self.assertEqual(on("line", "get", "FG_WIDTH")[1], "FG_WIDTH = 1024 pixel\n")
+        for client in hold:
+            client.close()
         self.assertEqual(status("line")["process"], process)
 
     def test_refuses_what_it_cannot_be(self):

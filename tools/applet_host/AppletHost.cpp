@@ -16,7 +16,7 @@
 namespace applet_host {
 namespace {
 
-/** One function pointer of a table: the name in the library and where the pointer goes. */
+/** A row of a binding table: the function's name in the library and where its pointer is stored. */
 struct Binding {
     const char* name;
     std::size_t offset;
@@ -44,13 +44,13 @@ constexpr Binding bridgeBindings[] = {
 constexpr const char* boardLibraries[] = {"libvexo_hw.so", "libtslrt.so", "libgrabcore5.so"};
 constexpr const char* appletLibrary = "libGrab_TwinLaneLineColor.so";
 
-/** The text of the dynamic loader's last failure. */
+/** The last error message of the dynamic loader. */
 std::string loaderError() {
     const char* text = dlerror();
     return text != nullptr ? text : "the dynamic loader gives no reason";
 }
 
-/** The folders in which the dynamic loader looks for a library, those of its cache left out. */
+/** The folders that the dynamic loader searches for libraries, except those of its cache. */
 std::vector<std::filesystem::path> searchedFolders() {
     std::vector<std::filesystem::path> folders;
     void* const program = dlopen(nullptr, RTLD_LAZY);
@@ -67,7 +67,7 @@ std::vector<std::filesystem::path> searchedFolders() {
     return folders;
 }
 
-/** A library that the dynamic loader finds by its name. */
+/** A library that the dynamic loader finds by name. */
 void* openByName(const char* name) {
     std::error_code error;
     for (const std::filesystem::path& folder : searchedFolders()) {
@@ -98,7 +98,7 @@ void* openLibrary(const std::filesystem::path& path) {
                     " cannot be loaded: " + reason);
 }
 
-/** The installation that the applet's file is part of: it looks for the dispatcher of the logging there. */
+/** The installation that contains the applet's file. The applet looks for the logging dispatcher there. */
 std::filesystem::path sdkDirectoryOf(const std::filesystem::path& applet) {
     constexpr const char* folders[] = {"bin", "dll", "Hardware Applets", "lib", "lib64"};
     std::error_code error;
@@ -111,7 +111,7 @@ std::filesystem::path sdkDirectoryOf(const std::filesystem::path& applet) {
     return directory != nullptr ? directory : "";
 }
 
-/** The applet itself opens the dispatcher when it first has something to log; a truncated one would end the process. */
+/** The applet opens the dispatcher when it first logs; a truncated file would end the process then. */
 void requireWholeDispatcher(const std::filesystem::path& applet) {
     const std::filesystem::path file = sdkDirectoryOf(applet) / "lib64" / "libcommon-logging-dispatcher.so";
     std::error_code error;
@@ -123,14 +123,14 @@ void requireWholeDispatcher(const std::filesystem::path& applet) {
                         "; install it again, or remove it to run without a log");
 }
 
-/** The file that a loaded library comes from. */
+/** The file that a library was loaded from. */
 std::filesystem::path fileOf(void* library) {
     link_map* entry = nullptr;
     if (dlinfo(library, RTLD_DI_LINKMAP, &entry) != 0) return {};
     return entry->l_name;
 }
 
-/** Binds every row's function of one library. */
+/** Binds the functions of all rows to one library. */
 template <typename Table>
 void bindAll(void* library, const std::filesystem::path& path, std::span<const Binding> bindings,
              Table& table) {
@@ -207,7 +207,7 @@ AppletHost::~AppletHost() { close(); }
 void AppletHost::close() {
     if (m_bridge != nullptr) dlclose(m_bridge);
     m_bridge = nullptr;
-    // The applet goes before the other three, as it uses them.
+    // Unload the applet first, as it uses the other three.
     for (std::size_t i = std::size(m_libraries); i-- > 0;) {
         if (m_libraries[i] != nullptr) dlclose(m_libraries[i]);
         m_libraries[i] = nullptr;

@@ -15,7 +15,7 @@
 
 namespace applet_host {
 
-/** A library or function that could not be found; the text says which, where it was looked for and why. */
+/** A library or function was not found; the text says which, where it was looked for, and why. */
 struct HostError : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
@@ -36,23 +36,23 @@ struct BoardFunctions {
 #undef BOARD_FUNCTION
 };
 
-/** What opens a board and lets it go again. */
+/** Opens and closes a board. */
 struct BoardOpener {
-    LOOMdevice* (*open)() = nullptr; /**< null when there is no board */
+    LOOMdevice* (*open)() = nullptr; /**< returns null if there is no board */
     void (*close)(LOOMdevice* board) = nullptr;
 };
 
 /** Where the libraries are. */
 struct Locations {
     std::filesystem::path applet;       /**< libGrab_TwinLaneLineColor.so */
-    std::filesystem::path virtualBoard; /**< folder of the virtual board's libraries; empty: the platform
-                                             libraries that the dynamic loader finds by their names */
-    std::filesystem::path bridge{};     /**< library that opens a board of those, by the functions
-                                             bridge_open_board and bridge_close_board of a BoardOpener's types;
-                                             empty: the board library does by itself, as the virtual one */
+    std::filesystem::path virtualBoard; /**< folder of the virtual board's libraries; if empty, the platform
+                                             libraries that the dynamic loader finds by name */
+    std::filesystem::path bridge{};     /**< library that opens a board of the system with the functions
+                                             bridge_open_board and bridge_close_board (types as in BoardOpener);
+                                             if empty, the board library opens it, as the virtual one does */
 
-    /** Beside the running program: ../lib/ and ../lib/virtual-board/ of its folder. The environment variable
-     *  APPLET_UNDER_TEST, if set, names another applet library. */
+    /** The libraries next to the running program, in ../lib/ and ../lib/virtual-board/. The environment
+     *  variable APPLET_UNDER_TEST, if set, names another applet library. */
     static Locations beside();
 };
 
@@ -67,11 +67,11 @@ public:
     AppletHost& operator=(const AppletHost&) = delete;
 
     const AppletFunctions& applet() const { return m_applet; }
-    /** Of the virtual board; all null on another one. */
+    /** Control functions of the virtual board; all null for another board. */
     const BoardFunctions& board() const { return m_board; }
     bool isVirtual() const { return m_board.open != nullptr; }
     const BoardOpener& opener() const { return m_opener; }
-    /** The files that were loaded: the platform's three in the order above, then the applet. */
+    /** The loaded files: the three platform libraries in the order above, then the applet. */
     std::vector<std::filesystem::path> files() const;
 
 private:
@@ -85,13 +85,13 @@ private:
     BoardOpener m_opener;
 };
 
-/** A caller's handle as the runtime makes it: the first word is the applet's object. */
+/** A caller's handle as the runtime makes it: its first word points to the applet's object. */
 struct GrabberHandle {
     void* object = nullptr;
     Fg_Struct* fg() { return reinterpret_cast<Fg_Struct*>(this); }
 };
 
-/** Called with the board of a session before its handle is brought up. */
+/** Called with the board of a session before the handle's bring-up. */
 using Prepare = std::function<void(LOOMdevice*)>;
 
 /** One board with one brought-up handle; freed in the destructor. `error` is Std_entry's code. */

@@ -15,7 +15,7 @@ bool readAt(std::ifstream& stream, std::uint64_t place, void* bytes, std::size_t
     return static_cast<bool>(stream.read(static_cast<char*>(bytes), static_cast<std::streamsize>(count)));
 }
 
-/** True when so many bytes from `place` on are within the file. */
+/** True when this many bytes starting at `place` are within the file. */
 bool isWithin(std::uint64_t size, std::uint64_t place, std::uint64_t count) {
     return place <= size && count <= size - place;
 }
@@ -39,8 +39,7 @@ std::string troubleWithLibrary(const std::filesystem::path& file) {
         std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0)
         return "it is no ELF file";
     if (!readAt(stream, 0, &header, sizeof header)) return truncated(size);
-    if (header.e_ident[EI_CLASS] != ELFCLASS64)
-        return ""; // the loader says what it thinks of another machine
+    if (header.e_ident[EI_CLASS] != ELFCLASS64) return ""; // the loader reports a wrong machine by itself
     if (!isWithin(size, header.e_shoff, std::uint64_t{header.e_shentsize} * header.e_shnum))
         return truncated(size);
     for (std::uint64_t i = 0; i < header.e_phnum; ++i) {

@@ -1,4 +1,4 @@
-/** Whether a file is a whole library. */
+/** Checks that a library file is complete. */
 #ifndef APPLET_HOST_LIBRARY_FILE_H
 #define APPLET_HOST_LIBRARY_FILE_H
 
@@ -8,8 +8,8 @@
 namespace applet_host {
 
 /**
- * What is wrong with a library's file as far as its size and its ELF headers show; empty if nothing is. The dynamic
- * loader maps the file as its headers say, and a process that touches what a truncated file lacks gets SIGBUS.
+ * Describes a fault in the size or the ELF headers of a library file; empty if there is none. The dynamic
+ * loader maps the file as its headers say, and access to a page that a truncated file lacks raises SIGBUS.
  */
 std::string troubleWithLibrary(const std::filesystem::path& file);
 

@@ -1,4 +1,4 @@
-/** What a client and a station say to each other over the socket. */
+/** Messages between a client and a station on the socket. */
 #ifndef SERVE_CLIENTMESSAGE_H
 #define SERVE_CLIENTMESSAGE_H
 
@@ -14,17 +14,17 @@
 
 namespace serve {
 
-/** Both sides have to be of the same program: another number is refused. */
+/** Protocol version: both sides must have the same. */
 constexpr int protocolVersion = 1;
 
 /** The standard streams of the client and its working folder, in this order. */
 constexpr std::size_t clientFiles = 4;
 
-/** The environment variables of the client that its output depends on. */
+/** The client's environment variables that its output depends on. */
 constexpr std::array<const char*, 6> clientVariables = {"TERM",   "COLUMNS",  "NO_COLOR",
                                                         "LC_ALL", "LC_CTYPE", "LANG"};
 
-/** A command line that a client wants to be carried out, with its terminal. */
+/** A command line that a client sends, with its terminal. */
 struct ClientCommand {
     enum class Kind {
         commandLine, /**< `words` are a whole command line */
@@ -35,11 +35,11 @@ struct ClientCommand {
     std::string line;
     std::string place; /**< precedes the problems of a line: "line 3: " */
     std::map<std::string, std::string> environment;
-    std::vector<applet_tools::Descriptor> files; /**< on the station's side: clientFiles of them */
+    std::vector<applet_tools::Descriptor> files; /**< for the station: clientFiles files of the client */
 };
 
 nlohmann::json asMessage(const ClientCommand& command);
-/** Without the files. Throws nlohmann::json::exception for what is not such a message. */
+/** Without the files. Throws nlohmann::json::exception for an invalid message. */
 ClientCommand commandFrom(const nlohmann::json& message);
 
 } // namespace serve

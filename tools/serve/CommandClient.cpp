@@ -55,7 +55,7 @@ json CommandClient::ask(const std::string& what) {
 void CommandClient::stop() {
     answerTo({{"protocol", protocolVersion}, {"do", "stop"}}, {});
     while (m_reader.wait()) {
-    } // the socket is closed at the station's end
+    } // the station closes the socket at its end
 }
 
 } // namespace serve

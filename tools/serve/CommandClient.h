@@ -11,18 +11,18 @@
 
 namespace serve {
 
-/** Connected from the constructor to the destructor. Each member throws Unavailable when the station ends meanwhile, and
- *  Failure with its words when it refuses. */
+/** Connected from the constructor to the destructor. Each member throws Unavailable if the station ends, and
+ *  Failure with the station's message if it refuses. */
 class CommandClient {
 public:
-    /** Throws what connectTo() throws. */
+    /** Throws the exceptions of connectTo(). */
     explicit CommandClient(const StationPlace& place);
 
-    /** Lets the station carry the command out, with the standard streams, the folder and the environment of this process.
-     *  SIGINT and SIGTERM interrupt it there; a second one ends this process. */
+    /** Has the station execute the command, with the standard streams, the folder and the environment of this
+     *  process. SIGINT and SIGTERM interrupt it there; a second one ends this process. */
     CommandEnd run(ClientCommand command);
 
-    /** Asks for the "status" or the "log"; gives that member of the answer. */
+    /** Requests the "status" or the "log"; returns that member of the answer. */
     nlohmann::json ask(const std::string& what);
 
     /** Asks the station to stop and waits for its end. */

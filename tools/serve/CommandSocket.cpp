@@ -23,7 +23,7 @@ using applet_tools::Failure;
 using nlohmann::json;
 
 constexpr std::size_t mostClients = 64;
-constexpr std::size_t mostBytes = 4U << 20U; // a command line has at most half of it
+constexpr std::size_t mostBytes = 4U << 20U; // a command line is at most half as long
 constexpr std::size_t mostLogged = 1000;
 
 Descriptor requireLock(const StationPlace& place) {
@@ -35,7 +35,7 @@ Descriptor requireLock(const StationPlace& place) {
                   "'");
 }
 
-/** The lock is held, so a socket that is there is one of a station that was killed. */
+/** Removes the socket of a station that was killed. The lock is held, so no running station uses it. */
 Descriptor listeningSocket(const std::filesystem::path& path) {
     Descriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
     sockaddr_un address{};
@@ -56,7 +56,7 @@ Descriptor wakingDescriptor() {
     return made;
 }
 
-/** Of the process at the other end; -1 for a user who is not to be served. */
+/** The process at the other end; -1 if its user is not allowed. */
 std::int64_t clientProcess(int socket) {
     ucred peer{};
     socklen_t size = sizeof peer;
@@ -74,7 +74,7 @@ CommandSocket::Connection::Connection(Descriptor descriptor)
     : socket(std::move(descriptor))
     , reader(socket.number(), mostBytes)
     , process(clientProcess(socket.number())) {
-    constexpr timeval limit{0, 200'000}; // a client that does not read its answers is given up
+    constexpr timeval limit{0, 200'000}; // a client that does not read its answers is dropped
     setsockopt(socket.number(), SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
 }
 
@@ -90,7 +90,7 @@ CommandSocket::CommandSocket(const StationPlace& place, json description)
 CommandSocket::~CommandSocket() {
     eventfd_write(m_ending.number(), 1);
     m_thread.join();
-    unlink(m_place.socket.c_str()); // the lock stays, so that nobody locks a file that is about to go
+    unlink(m_place.socket.c_str()); // keep the lock file: a process could lock a removed one
 }
 
 bool CommandSocket::isStopAsked() const {
@@ -127,7 +127,7 @@ bool CommandSocket::end(const CommandEnd& end) {
                      {"seconds", secondsBetween(task.begin, now)}});
     if (m_log.size() > mostLogged) m_log.pop_front();
     applet_tools::sendMessage(task.client->socket.number(), {{"exit", end.exitCode}, {"over", end.isOver}});
-    if (!m_running.empty() && m_running.back().isInterrupted) raise(SIGINT); // it was held back meanwhile
+    if (!m_running.empty() && m_running.back().isInterrupted) raise(SIGINT); // deliver the postponed signal
     return task.isInterrupted;
 }
 
@@ -136,7 +136,7 @@ void CommandSocket::wake() const { eventfd_write(m_wake.number(), 1); }
 void CommandSocket::listen() {
     sigset_t all;
     sigfillset(&all);
-    pthread_sigmask(SIG_BLOCK, &all, nullptr); // signals are for the thread of the commands
+    pthread_sigmask(SIG_BLOCK, &all, nullptr); // signals are for the command thread
     for (;;) {
         std::vector<pollfd> polled = {{m_ending.number(), POLLIN, 0}, {m_socket.number(), POLLIN, 0}};
         for (const auto& client : m_clients)
@@ -167,7 +167,7 @@ bool CommandSocket::serveClient(const std::shared_ptr<Connection>& client) {
         while (const std::optional<json> message = client->reader.next())
             if (!answer(client, *message)) return false;
         return isOpen;
-    } catch (const std::exception& error) { // what came makes no sense
+    } catch (const std::exception& error) { // an invalid message
         applet_tools::sendMessage(client->socket.number(), {{"refused", error.what()}});
         return false;
     }

@@ -22,7 +22,7 @@ namespace fs = std::filesystem;
 using applet_tools::Descriptor;
 using applet_tools::Failure;
 
-/** The user's runtime directory, or where there is none, one of the user's own in the folder for temporary files. */
+/** The user's runtime directory, or, if there is none, a directory of the user in the temporary folder. */
 fs::path stationFolder() {
     const char* const runtime = std::getenv("XDG_RUNTIME_DIR");
     if (runtime != nullptr && *runtime == '/') return fs::path(runtime) / "appletctl";
@@ -45,7 +45,7 @@ sockaddr_un addressOf(const fs::path& path) {
     return address;
 }
 
-/** For the whole file; of the open file, so that a test of it does not take it. */
+/** A lock on the whole file, owned by the open file description, so that testing it does not acquire it. */
 struct flock wholeFile() {
     struct flock lock {};
     lock.l_type = F_WRLCK;

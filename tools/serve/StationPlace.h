@@ -1,4 +1,4 @@
-/** Where a running station is found by its name. */
+/** The files of a running station, found by its name. */
 #ifndef SERVE_STATIONPLACE_H
 #define SERVE_STATIONPLACE_H
 
@@ -10,15 +10,15 @@
 
 namespace serve {
 
-/** The files of a station, in the folder that the user alone can read. */
+/** The files of a station, in a folder that only the user can read. */
 struct StationPlace {
     std::string name;
-    std::filesystem::path socket; /**< where it listens, mode 0600 */
-    std::filesystem::path lock;   /**< locked as long as it runs, so that a stale socket is recognised */
-    std::filesystem::path log;    /**< what it prints when it is detached */
+    std::filesystem::path socket; /**< listening socket, mode 0600 */
+    std::filesystem::path lock;   /**< locked while it runs, to detect a stale socket */
+    std::filesystem::path log;    /**< output of a detached station */
 };
 
-/** The name of a station that was given none. */
+/** The default name of a station. */
 constexpr const char* defaultStationName = "main";
 
 /** The place of the station of that name; nothing is created. Throws UsageError for a name that is not made of 1 to 32
@@ -30,18 +30,18 @@ StationPlace placeOf(const std::string& name);
  *  is open to others. */
 void makeStationFolder();
 
-/** The names that have a socket, sorted; of stations that run and of those that were killed. */
+/** The names with a socket, sorted; running stations and those that were killed. */
 std::vector<std::string> stationNames();
 
-/** Locks the place for the life of the descriptor; none when a running station holds it. Throws Failure when the lock file
- *  cannot be made. */
+/** Locks the place for the lifetime of the descriptor; none if a running station holds it. Throws Failure if
+ *  the lock file cannot be made. */
 applet_tools::Descriptor lockPlace(const StationPlace& place);
 
 /** True when a running station holds the place. */
 bool isRunning(const StationPlace& place);
 
-/** A socket that is connected to the station. Throws Unavailable when none of that name runs, saying how to start one and
- *  which do run. */
+/** A socket connected to the station. Throws Unavailable if no station of that name runs, with the running
+ *  ones and how to start one. */
 applet_tools::Descriptor connectTo(const StationPlace& place);
 
 } // namespace serve

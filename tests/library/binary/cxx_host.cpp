@@ -1,4 +1,4 @@
-// A host in C++ with exceptions and streams of its own beside the library's; also with a C++ runtime of its own.
+// A C++ host with its own exceptions and streams; also built with a C++ runtime of its own.
 #include "host_session.h"
 
 #include <exception>
@@ -12,7 +12,8 @@ static_assert(std::is_same_v<decltype(&Fg_getEventName), const char* (*)(Fg_Stru
 
 namespace {
 
-/** A handle that ends while the host's exception passes; the library throws and catches its own in between. */
+/** A handle that is freed while the host's exception unwinds; the library throws and catches exceptions
+ *  meanwhile. */
 class PassedHandle {
 public:
     explicit PassedHandle(LOOMdevice* device) : m_object(Std_entry(device, &m_error, 0)) {}

@@ -1,6 +1,6 @@
 /*
- * One session of a host that sees nothing of the project but its C headers and is linked with the libraries: brings
- * one handle up, sets, reads, is refused, frees. C11 and C++20.
+ * One session of a host that uses only the project's C headers and is linked with the libraries: brings
+ * one handle up, sets, reads, has a set refused, frees. C11 and C++20.
  */
 #ifndef TESTS_LIBRARY_BINARY_HOST_SESSION_H
 #define TESTS_LIBRARY_BINARY_HOST_SESSION_H

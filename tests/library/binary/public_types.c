@@ -1,6 +1,6 @@
 /*
- * Every type of the public headers as the argument of one function, so that the debug information of a library made
- * of it describes them all, also those that are handed over behind a void pointer or bound by name.
+ * Every type of the public headers as the argument of one function, so that the debug information of a library
+ * built from it describes all of them, including those passed as a void pointer or bound by name.
  */
 #include "vexo/board_access.h"
 #include "vexo/design_loader.h"

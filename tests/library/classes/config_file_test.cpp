@@ -1,5 +1,5 @@
-// The format of configuration files: what is written to the byte. What the lenient reader makes of any file, the fuzz
-// target mcf compares with the C library.
+// The format of configuration files, byte by byte. The fuzz target mcf compares the lenient reader with the C
+// library for arbitrary files.
 
 #include "files/Fg_ConfigFileParser.h"
 #include "files/TextFile.h"

@@ -1,4 +1,4 @@
-// Conversions of floating point numbers: defined for every input, so that no value of a caller is a fault.
+// Conversions of floating-point numbers are defined for every input.
 
 #include "support/conversions.h"
 
@@ -18,7 +18,7 @@ TYPED_TEST(Truncated, DropsTheFractionAndGivesTheLowestForWhatDoesNotFit) {
     using Limits = std::numeric_limits<TypeParam>;
     EXPECT_EQ(truncated<TypeParam>(6.9999), TypeParam{6});
     EXPECT_EQ(truncated<TypeParam>(-0.999), TypeParam{0});
-    const double beyond = std::ldexp(1.0, Limits::digits); // one more than the largest
+    const double beyond = std::ldexp(1.0, Limits::digits); // one more than the maximum
     const double nan = std::numeric_limits<double>::quiet_NaN(), infinity = -std::log(0.0);
     for (const double wild : {beyond, -4.0 * beyond, nan, -nan, infinity, -infinity, 1e308, -1e308})
         EXPECT_EQ(truncated<TypeParam>(wild), Limits::lowest()) << wild;

@@ -68,7 +68,7 @@ protected:
     RegisterInfo* record(const char* label, const char* name, int access = 3, int id = 77) {
         return tree.create(0, REGISTER_KIND_UINT, label, name, id, access, 1, 1, "");
     }
-    /** What the generator writes when it is called so. */
+    /** The generator's output for a call. */
     template <typename... Arguments>
     static std::string nodes(const RegisterInfo* record, const Arguments&... arguments) {
         std::ostringstream stream;
@@ -76,7 +76,7 @@ protected:
         ParameterInfoGeneratorXML(stream).infoGenerate(*record, arguments...);
         return stream.str();
     }
-    /** The document behind its opening tag and before its end. */
+    /** The document without its opening and closing tags. */
     std::string body() {
         const std::string document = ParameterInfoBuilderXML(tree, "<Applet>", 0).build();
         const std::string start = "ModelName=\"&lt;Applet&gt;\"", tag = ".xsd\">\n";
@@ -137,7 +137,7 @@ TEST_F(DocumentTest, WalksGroupsInOrderAndListsTheirFeatures) {
     tree.addInfoUIntField(group, "", "array", 9, 0, 1, 1, 1, 1, 1, "", 1, 0);
     tree.addInfoDoubleField(group, "", "array", 9, 0, 1, 1, 1, 1, 1, "", 1, 0);
     RegisterInfo* alone = text(group, "Alone");
-    tree.add(alone, 0); // at the top level as well, where it has no group
+    tree.add(alone, 0); // on the top level, where it has no group
     alone->previous = nullptr;
 
     const auto node = [](const std::string& name) {

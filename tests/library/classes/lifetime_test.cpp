@@ -12,7 +12,7 @@ namespace {
 
 std::string events;
 
-/** A singleton that tells of its life; `Name` makes each a type of its own. */
+/** A singleton that records its construction and destruction; `Name` makes each a distinct type. */
 template <char Name> class Probe : public GuardedSingleton<Probe<Name>> {
 public:
     Probe() {

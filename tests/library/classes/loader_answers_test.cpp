@@ -1,5 +1,5 @@
-// Answers of the design loader that the virtual one never gives: here the program's own functions stand before the
-// loader's.
+// Answers of the design loader that the virtual one never gives: the program's own functions replace those of
+// the loader.
 
 #include "entry/FgLoomWrapperImpl.h"
 
@@ -13,7 +13,7 @@
 namespace {
 
 constexpr TslEvent eventsWithoutDesign[] = {{0, "hidden"}, {1, "shown"}};
-std::optional<int> registerWidth; // the loader's own answer without a value
+std::optional<int> registerWidth; // the loader's own answer if empty
 
 template <typename Function> Function* ofTheLoader(const char* name) {
     return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
@@ -35,7 +35,7 @@ int TslGetRegisterBitRange(fpga_design* design, int reg) {
 namespace {
 
 TEST(LoaderAnswers, EventsWithoutADesign) {
-    setenv("__VEXO_FORCE_EXTERNAL_TSL", "", 1); // a file that is not there
+    setenv("__VEXO_FORCE_EXTERNAL_TSL", "", 1); // the file does not exist
     FgLoomWrapperImpl wrapper(1, true);
     unsetenv("__VEXO_FORCE_EXTERNAL_TSL");
     ASSERT_EQ(wrapper.designHandle(), nullptr);

@@ -59,7 +59,7 @@ TEST(Locks, ExcludeEachOtherUnderContention) {
     ReadWriteLock readWrite;
     SpinVariable spin{0};
     SpinOwner owner{0};
-    long counter = 0; // plain: a lock that does not exclude loses counts
+    long counter = 0; // not atomic: without exclusion counts are lost
     const std::function<void()> ways[] = {[&] {
                                               const CriticalSectionGuard guard(&section);
                                               ++counter;
@@ -98,7 +98,7 @@ TEST(CriticalSection, IsHeldForTheScopeHoweverItEnds) {
     try {
         const CriticalSectionGuard guard(&lock);
         EXPECT_TRUE(lock.isLocked());
-        EXPECT_FALSE(isFree(lock)); // at once, whatever the time-out
+        EXPECT_FALSE(isFree(lock)); // immediately, whatever the timeout
         throw std::runtime_error("refused");
     } catch (const std::runtime_error&) {
     }
@@ -106,7 +106,7 @@ TEST(CriticalSection, IsHeldForTheScopeHoweverItEnds) {
     EXPECT_TRUE(isFree(lock));
     [&lock]() NO_THREAD_SAFETY_ANALYSIS {
         const CriticalSectionGuard guard(&lock);
-        lock.leave(); // by hand: the guard leaves no second time
+        lock.leave(); // explicitly: the guard must not leave again
     }();
     EXPECT_TRUE(isFree(lock));
 }
@@ -126,7 +126,7 @@ TEST(CriticalSection, NestedEnterCountsWithoutBlocking) {
     EXPECT_FALSE(lock.isLocked());
     EXPECT_TRUE(isFree(lock));
 
-    // The outer leave does not hold the mutex: the count stays right when another thread counts at that moment.
+    // The outer leave is not under the mutex: the count stays right if another thread counts at that moment.
     support::stress(2, 1000000, [&](int, int) NO_THREAD_SAFETY_ANALYSIS {
         lock.enter();
         lock.enter();
@@ -158,7 +158,7 @@ TEST(GenericLockGuard, TakesReleasesAndDeletesByItsFlags) {
         EXPECT_TRUE(lock->isLocked());
         lock->leave();
         const GenericLockGuard left(lock.get(), false, true);
-        lock->leave(); // by hand: the guard then leaves no second time
+        lock->leave(); // explicitly: the guard must not leave again
     }();
     EXPECT_EQ(events, "lock unlock lock unlock ");
 }
@@ -181,7 +181,7 @@ TEST(ReadWriteLock, ReadersShareAndAWriterWaits) {
     inOtherThread([&lock] { const ReadWriteLockGuard guard(&lock, ReadWriteLockGuard::write); });
 }
 
-// A page that cannot be written holds the owner while the guard ends: the fault shows whether the lock is held then.
+// A read-only page stops the owner while the guard is destroyed: the fault shows whether the lock is held then.
 SpinVariable watchedSpin{0};
 void* ownersPage = nullptr;
 std::atomic<std::uint32_t> heldWhileCleared{0};

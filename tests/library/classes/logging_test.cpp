@@ -1,4 +1,4 @@
-// Binds the recording dispatcher, which the build puts into a small SDK directory of its own, TEST_SDK_DIR.
+// Binds the recording dispatcher from a small SDK directory in the build tree, TEST_SDK_DIR.
 
 #include "support/Fg_Error.h"
 #include "support/Logging.h"
@@ -59,7 +59,7 @@ TEST(SdkDirectory, IsCopiedFromTheEnvironmentWithinBounds) {
     }
 }
 
-// What a process settles once is tried in a process of its own, which gets the place of its file.
+// Settings that are fixed once per process are tested in separate processes, with the given executable path.
 
 void directoryFromTheEnvironment() {
     EXPECT_EQ(sdkDirectory(), nullptr);
@@ -109,7 +109,7 @@ void libraryThatIsNoDispatcher() {
     EXPECT_EQ(dlopen(library.c_str(), RTLD_NOW | RTLD_NOLOAD), nullptr) << "it stays open";
 }
 
-/** The dispatcher as one load of it sees it; the load itself is the library's own way. */
+/** The dispatcher as seen by one load; the load uses the library's own code. */
 struct Dispatcher {
     SharedLibrary library{dispatcherPath};
     Recording& recording = *static_cast<Recording*>(library.symbol(recordingSymbol));
@@ -176,7 +176,7 @@ void dispatcherShutsDownWhileOthersLog() {
 
 const struct {
     const char* name;
-    const char* file; /**< that the program seems to be */
+    const char* file; /**< assumed path of the executable */
     void (*run)();
 } scenarios[] = {
     {"environment", "/tmp/y.so", &directoryFromTheEnvironment},
@@ -190,8 +190,8 @@ const struct {
     {"busy shutdown", "/tmp/y.so", &dispatcherShutsDownWhileOthersLog},
 };
 
-/** Runs a scenario in a process whose file seems to lie at `file`, in the SDK folder, without the environment
- *  variable. */
+/** Runs a scenario in a process that takes `file`, in the SDK folder, for its executable, without the
+ *  environment variable. */
 int runScenario(const char* file, const char* scenario) {
     const std::string program =
         std::filesystem::read_symlink("/proc/self/exe"); // under valgrind the link is its own
@@ -236,7 +236,7 @@ protected:
         LibraryInitController::init();
     }
     void TearDown() override { end(); }
-    /** The library's last user ends. */
+    /** Ends the last use of the library. */
     void end() {
         if (std::exchange(m_inUse, false)) LibraryInitController::deinit();
     }

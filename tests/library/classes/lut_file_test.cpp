@@ -1,5 +1,5 @@
-// Lookup tables in files: what is written to the byte, and the arguments of a load. What the lenient reader
-// makes of any file, the fuzz target lut compares with the C library.
+// Lookup tables in files, byte by byte, and the arguments of a load. The fuzz target lut compares the lenient
+// reader with the C library for arbitrary files.
 
 #include "files/Fg_LutFileParser.h"
 
@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::uint32_t fromBefore = 77;
 
-/** A record as a caller passes it in, with old elements, and what a load made of it. */
+/** A record from a caller, with old elements, and its contents after a load. */
 template <typename Record> struct Table : Record {
     using Element = std::remove_pointer_t<decltype(Record::lut)>;
     explicit Table(std::uint32_t count = fromBefore) : Record{} {
@@ -71,7 +71,7 @@ TEST_F(LutFile, IsWrittenToTheByte) {
     EXPECT_EQ(shorter.elements(), std::vector{0.5});
     EXPECT_EQ(parser.saveMatrixToFile(path(), "as it stands ", matrix, 2), 0);
     EXPECT_EQ(bytes(), "as it stands nrOfElements=2;\n0,-1;\n1,2147483647;\n");
-    // Each line is there before the next is written.
+    // Each line is written before the next one.
     ASSERT_TRUE(parser.setSaveFile(path()));
     parser.writeDoubleKey("gain", 3999.9999999999995, '=');
     EXPECT_EQ(bytes(), "gain=4000;\n");

@@ -1,5 +1,5 @@
-// The tree of parameter descriptions as a class: what the applet's own tree does not have. That one is
-// compared as a whole. The address sanitizer sees whether a tree leaves something behind.
+// The class for the tree of parameter descriptions: cases that the applet's own tree does not have. That tree is
+// compared as a whole. The address sanitizer checks for leaks.
 #include "catalogue/Fg_ParameterInfo.h"
 
 #include <gtest/gtest.h>
@@ -12,7 +12,7 @@
 
 namespace {
 
-/** A text of a record, which may be none. */
+/** A text of a record, which may be null. */
 std::string textOf(const char* text) { return text != nullptr ? text : "(null)"; }
 
 class ParameterInfoTest : public testing::Test {
@@ -27,7 +27,7 @@ protected:
         const auto& of = parent->value.group;
         return {of.children, of.children + of.childCount};
     }
-    /** The value area has the fields of `expected`, and zeros elsewhere. */
+    /** Checks that the value area has the fields of `expected` and is zero elsewhere. */
     template <typename Area>
     void expectArea(const RegisterInfo* record, int kind, Area RegisterInfoValue::*area,
                     const Area& expected) {
@@ -105,7 +105,8 @@ TEST_F(ParameterInfoTest, EntriesAreReplacedInPlaceAndOnlyInsideTheEnumeration) 
 }
 
 TEST_F(ParameterInfoTest, OnlyGroupsHaveChildrenAndAChildMayMoveUp) {
-    RegisterInfo* astray = number("FG_D", number("FG_A", group)); // below a number: in no tree, still owned
+    RegisterInfo* astray =
+        number("FG_D", number("FG_A", group)); // below a number: in no tree, but still owned
     ASSERT_NE(astray, nullptr);
     EXPECT_EQ(textOf(astray->parentName), "(null)");
     RegisterInfo* inner = tree.addGroupInfo(0, group, "Inner");
@@ -113,7 +114,7 @@ TEST_F(ParameterInfoTest, OnlyGroupsHaveChildrenAndAChildMayMoveUp) {
     tree.add(astray, inner);
     while (expected.size() < 100)
         expected.push_back(number("FG_E", inner));
-    EXPECT_EQ(childrenOf(inner), expected); // though the array grew several times
+    EXPECT_EQ(childrenOf(inner), expected); // although the array grew several times
     tree.add(astray, 0);
     EXPECT_EQ(astray->depth, 0);
     EXPECT_EQ(textOf(astray->parentName), "(null)");
@@ -137,7 +138,7 @@ TEST_F(ParameterInfoTest, ClosedAndUnknownPortsTakeNothing) {
     EXPECT_TRUE(childrenOf(other).empty());
     EXPECT_NE(number("FG_A", group), nullptr); // the open port stays open
     tree.destroy(1);
-    EXPECT_EQ(tree.getRegisterInfo(1), other); // the root is left to init
+    EXPECT_EQ(tree.getRegisterInfo(1), other); // init owns the root
     tree.init(1);                              // opens it again, empty
     EXPECT_EQ(tree.getRegisterInfo(1), nullptr);
     EXPECT_NE(tree.addGroupInfo(1, nullptr, "Fresh"), nullptr);
@@ -180,14 +181,14 @@ TEST_F(ParameterInfoTest, TextsMarksAndInvalidatingNamesOfARecord) {
     tree.addInvalidatingName(record, nullptr);
     tree.addInvalidatingName(record, "");
     EXPECT_EQ(record->invalidatingNames, nullptr);
-    // A count equal to the capacity does not make it grow, a capacity below the count doubles it.
+    // The array does not grow when the count equals the capacity; with a larger count the capacity is doubled.
     std::vector<std::uint32_t> capacities;
     for (int i = 1; i <= 10; ++i) {
         tree.addInvalidatingName(record, ("N" + std::to_string(i)).c_str());
         capacities.push_back(record->invalidatingNameCapacity);
     }
     EXPECT_EQ(capacities, (std::vector<std::uint32_t>{0, 1, 2, 4, 4, 8, 8, 8, 8, 16}));
-    for (const std::uint32_t capacity : {3u, 40u}) { // a lower one is ignored
+    for (const std::uint32_t capacity : {3u, 40u}) { // a smaller one is ignored
         tree.setInvalidatingNameCapacity(record, capacity);
         EXPECT_EQ(record->invalidatingNameCapacity, std::max(16u, capacity));
     }

@@ -1,4 +1,4 @@
-// Functions of the wrapper's base and of its companions that this applet does not use.
+// Functions of the wrapper's base class and its helpers that this applet does not use.
 
 #include "entry/FgLoomWrapperImpl.h"
 #include "entry/LiveObjects.h"

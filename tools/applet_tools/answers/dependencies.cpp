@@ -14,7 +14,7 @@ namespace {
 
 using nlohmann::ordered_json;
 
-/** Of each parameter and each way to be moved the first change that was seen. */
+/** The first change seen for each parameter and each kind of movement. */
 class Effects {
 public:
     void add(const Movement& effect) {
@@ -27,7 +27,7 @@ private:
     std::vector<Movement> m_effects;
 };
 
-/** The entries of an enumeration that its setter takes. Numbers are left out, since their limits are published. */
+/** The entries of an enumeration that its setter accepts. Numbers are left out: their limits are published. */
 std::vector<Value> takenEntries(Probe& probe, std::size_t place) {
     std::vector<Value> taken;
     if (!probe.at(place).effectOfWriting().empty()) return taken;
@@ -51,7 +51,7 @@ ordered_json entriesAsJson(const Parameter& parameter, const std::vector<Value>&
     return rows;
 }
 
-/** Tries everything when it is made. */
+/** The constructor tries all values. */
 class Search {
 public:
     Search(Probe& probe, std::size_t subject) : m_probe(probe), m_subject(subject) {
@@ -75,10 +75,10 @@ public:
     bool isTried() const { return !m_probe.otherValues(m_subject).empty(); }
 
     Effects moved, movers;
-    std::vector<std::string> writes; // of the design, in the order of the first set that wrote them
+    std::vector<std::string> writes; // design parameters, in the order in which a set first wrote them
 
 private:
-    /** The elements of an array; nothing for others. */
+    /** The elements of an array; empty for other kinds. */
     Value arrayNow(std::size_t place) const {
         const Parameter& parameter = m_probe.at(place);
         if (elementCount(parameter) == 0) return {};
@@ -125,7 +125,7 @@ private:
 
     Probe& m_probe;
     std::size_t m_subject;
-    std::vector<std::vector<Value>> m_entries; // that are taken in the state of the probe
+    std::vector<std::vector<Value>> m_entries; // accepted in the state of the probe
     std::vector<Value> m_arrays;
     std::set<std::string> m_written;
 };
@@ -163,7 +163,7 @@ std::vector<Movement> movementsFrom(const json& rows) {
 } // namespace
 
 Dependencies dependenciesOf(Probe& probe, const Parameter& parameter) {
-    const std::string name = parameter.name; // the record may be gone after the trials
+    const std::string name = parameter.name; // a copy: the record may be gone after the trials
     Search search(probe, probe.placeOf(parameter));
     return {name, search.isTried(), search.moved.take(), search.movers.take(), search.writes};
 }

@@ -1,4 +1,4 @@
-/** What a parameter moves and what moves it, measured on a scratch board. */
+/** The parameters that a parameter moves and those that move it, measured on a scratch board. */
 #ifndef APPLET_TOOLS_ANSWERS_DEPENDENCIES_H
 #define APPLET_TOOLS_ANSWERS_DEPENDENCIES_H
 
@@ -12,32 +12,32 @@
 
 namespace applet_tools {
 
-/** What one change of one parameter moved of another one: the first change that was seen to do it. */
+/** A movement of one parameter by a change of another: the first change that was seen to cause it. */
 struct Movement {
-    std::string parameter; /**< the other one: that is moved, or that moves */
+    std::string parameter; /**< the other parameter: the one that is moved, or the one that moves it */
     std::string with;      /**< "FG_XOFFSET=64" */
     Move move;
 };
 
 struct Dependencies {
     std::string parameter;
-    bool isTried = false;            /**< false where no other value of it can be tried */
+    bool isTried = false;            /**< false if there is no other value of it to try */
     std::vector<Movement> moves{};   /**< what the parameter moves */
     std::vector<Movement> movedBy{}; /**< what moves the parameter */
-    Words writes{};                  /**< of the design, in the order of the first set that wrote them */
+    Words writes{};                  /**< design parameters, in the order in which a set first wrote them */
 };
 
-/** Tries the values of all parameters, in the state of the probe, to which the board is brought back. */
+/** Tries the values of all parameters in the state of the probe, and restores that state. */
 Dependencies dependenciesOf(Probe& probe, const Parameter& parameter);
 
-/** The same from the state of the live applet after these assignments. Throws UsageError for an unknown name, and what
- *  startFrom throws. */
+/** The same, starting from the live applet's state with these assignments applied. Throws UsageError for an
+ *  unknown name, and the exceptions of startFrom. */
 Dependencies askDependencies(LiveSession& live, const std::string& parameter, const Words& assignments);
 
 /** {"name", "moves": [{"parameter", "with", ...}], "movedBy", "tried", "writes"}. */
 nlohmann::ordered_json asJson(const Dependencies& dependencies);
 
-/** The job of a scratch board behind it: {"name": NAME, "with": [WORD, ...]}. */
+/** The scratch board job that implements it: {"name": NAME, "with": [WORD, ...]}. */
 json dependenciesJob(ScratchSession& session, const json& arguments);
 
 } // namespace applet_tools

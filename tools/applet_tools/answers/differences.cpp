@@ -20,7 +20,7 @@ double numberIn(const ConfigurationFile& file, const char* key) {
     return floatingNumber(file.value(key).value_or("")).value_or(0);
 }
 
-/** True for a rate that only differs by the cycle that a load of a saved rate may take it away. The frame rate follows
+/** True for two rates that differ by at most one cycle, the error of a save and load. The frame rate follows
  *  the line rate. */
 bool isNextCycle(const ParameterList& parameters, std::string_view key, const std::vector<Side>& sides) {
     constexpr const char *line = "FG_CAMERASIMULATOR_LINERATE", *frame = "FG_CAMERASIMULATOR_FRAMERATE";
@@ -77,7 +77,7 @@ std::vector<Difference> differencesOf(const std::vector<Side>& sides, const Para
 
 namespace {
 
-/** Of a file on the disk, which may be large, only what a load reads. */
+/** Reads only the lines that a load reads, as a file on disk may be large. */
 ConfigurationFile loadableFile(ScratchSession& session, FileKeys& keys, const Side& side) {
     ConfigurationFile file(textForLoad(ConfigurationFile::textOf(side.path), keys.defaults()));
     const std::string trouble = wholeFileTrouble(session, keys, file);
@@ -90,7 +90,7 @@ ConfigurationFile loadableFile(ScratchSession& session, FileKeys& keys, const Si
 json differencesJob(ScratchSession& session, const json& arguments) {
     FileKeys keys(session);
     std::vector<Side> sides;
-    std::deque<ConfigurationFile> files; // their places stay
+    std::deque<ConfigurationFile> files; // a deque, so that references stay valid
     for (const json& one : arguments.at("sides")) {
         Side& side =
             sides.emplace_back(Side{one.at("title").get<std::string>(), one.at("member").get<std::string>(),
@@ -105,7 +105,7 @@ json differencesJob(ScratchSession& session, const json& arguments) {
     for (const Difference& one : differencesOf(sides, session.parameters(), keys))
         rows.push_back({{"parameter", one.parameter},
                         {"values", one.values},
-                        {"document", one.document.dump(-1, ' ', false, replace)}, // its members have an order
+                        {"document", one.document.dump(-1, ' ', false, replace)}, // keeps the member order
                         {"isNextCycle", one.isNextCycle}});
     return rows;
 }

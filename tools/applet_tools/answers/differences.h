@@ -1,4 +1,4 @@
-/** Configurations side by side. */
+/** Compares configurations. */
 #ifndef APPLET_TOOLS_ANSWERS_DIFFERENCES_H
 #define APPLET_TOOLS_ANSWERS_DIFFERENCES_H
 
@@ -11,33 +11,33 @@
 
 namespace applet_tools {
 
-/** One of the configurations. */
+/** One of the compared configurations. */
 struct Side {
-    std::string title;             /**< for a person: the name of the file, "NOW" */
-    std::string member;            /**< of a difference in the document */
-    const ConfigurationFile* file; /**< null: the defaults */
-    std::string path{};            /**< a file to read, of which a load has to take something; else empty */
+    std::string title;             /**< shown to the user: the name of the file, "NOW" */
+    std::string member;            /**< name of its member in the document of a difference */
+    const ConfigurationFile* file; /**< null for the defaults */
+    std::string path{};            /**< a file to load, which must have an effect; else empty */
 };
 
-/** A parameter that the sides have otherwise. */
+/** A parameter with different values on the sides. */
 struct Difference {
     std::string parameter;
-    Words values;                    /**< of each side, for a person; "-" where the side has none */
+    Words values;                    /**< one per side, as text; "-" where the side has none */
     nlohmann::ordered_json document; /**< {"name", "unit", MEMBER: value or null, ...} */
-    /** A rate of the simulator that is one cycle of its clock away, as a load of a saved rate may take it there. */
+    /** True for a simulator rate that differs by one clock cycle, as after a save and load. */
     bool isNextCycle = false;
 };
 
-/** Compares what a load would read; measurements and what is saved for the reader only are left out. */
+/** Compares the values that a load reads. Leaves out measurements and values that a load ignores. */
 std::vector<Difference> differencesOf(const std::vector<Side>& sides, const ParameterList& parameters,
                                       FileKeys& keys);
 
-/** The same, asked of a scratch board, which reads the files that are given by their paths. Throws UsageError for one
- *  that cannot be read and for one of which no load takes anything. */
+/** The same on a scratch board, which reads the files given by path. Throws UsageError for a file that cannot
+ *  be read or from which a load takes nothing. */
 std::vector<Difference> askDifferences(ScratchBoard& scratch, const std::vector<Side>& sides);
 
-/** The job of a scratch board behind it: compares {"sides": [{"title", "member", "text", "path"}, ...]}; a text of null
- *  means the defaults, unless there is a path. Gives [{"parameter", "values", "document", "isNextCycle"}, ...]. */
+/** The scratch board job that implements it: compares {"sides": [{"title", "member", "text", "path"}, ...]};
+ *  a null text with no path means the defaults. Returns [{"parameter", "values", "document", "isNextCycle"}]. */
 json differencesJob(ScratchSession& session, const json& arguments);
 
 } // namespace applet_tools

@@ -1,4 +1,4 @@
-/** What a board holds after assignments, learnt from a scratch board. */
+/** Predicts the state of a board after assignments, using a scratch board. */
 #ifndef APPLET_TOOLS_ANSWERS_EXPECTATION_H
 #define APPLET_TOOLS_ANSWERS_EXPECTATION_H
 
@@ -9,19 +9,19 @@ namespace applet_tools {
 
 // The move of a JSON document checks itself. NOLINTNEXTLINE(bugprone-exception-escape)
 struct Expectation {
-    json design; /**< {NAME: NUMBER} of the numbers of the design that were written, as they are afterwards */
-    json taken;  /**< [VALUE, ...]: what each parameter read after its assignment, as a message; null where it
+    json design; /**< {NAME: NUMBER}: the final values of the design parameters that were written */
+    json taken;  /**< [VALUE, ...]: each parameter's reading after its assignment, as a message; null if it
                       cannot be read */
 };
 
-/** Carries out the assignments on the scratch board, up to the first refusal. Throws UsageError for a word that is
- *  none. */
+/** Applies the assignments to the scratch board, up to the first refusal. Throws UsageError for a word that
+ *  is not an assignment. */
 Expectation expectationOf(ScratchSession& session, const Words& assignments);
 
-/** The same from the state of the live applet. */
+/** The same, starting from the state of the live applet. */
 Expectation askExpectation(LiveSession& live, const Words& assignments);
 
-/** The job of a scratch board behind it: {"assignments": [WORD, ...]}: {"design", "taken"}. */
+/** The scratch board job that implements it: {"assignments": [WORD, ...]} gives {"design", "taken"}. */
 json expectJob(ScratchSession& session, const json& arguments);
 
 } // namespace applet_tools

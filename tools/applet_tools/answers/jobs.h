@@ -1,4 +1,4 @@
-/** What a scratch board can be asked for by every door. */
+/** The scratch board jobs that all front ends share. */
 #ifndef APPLET_TOOLS_ANSWERS_JOBS_H
 #define APPLET_TOOLS_ANSWERS_JOBS_H
 
@@ -8,7 +8,7 @@
 
 namespace applet_tools {
 
-/** The jobs behind the ask... functions of this library. A program hands them to its LiveSession, with its own. */
+/** The jobs of the ask... functions of this library. A program passes them, with its own, to LiveSession. */
 std::span<const JobRow> libraryJobs();
 
 } // namespace applet_tools

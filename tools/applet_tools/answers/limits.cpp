@@ -19,7 +19,7 @@ Value zeroLike(const Value& number) {
 }
 
 bool isOtherGrid(const MeasuredRange& range, const Limits& published) {
-    constexpr double leastIncrement = 1e-15; // a smaller one is no grid
+    constexpr double leastIncrement = 1e-15; // a smaller increment does not count as a grid
     if (range.step == 0) {
         const auto* increment = std::get_if<double>(&published.increment);
         return increment != nullptr && *increment > leastIncrement;
@@ -28,7 +28,7 @@ bool isOtherGrid(const MeasuredRange& range, const Limits& published) {
     return std::max<std::uint64_t>(step, 1) != range.step;
 }
 
-/** Asks about one parameter. */
+/** Measures the limits of one parameter. */
 class Inquiry {
 public:
     Inquiry(Probe& probe, const Subject& subject) : m_probe(probe), m_subject(subject) {}
@@ -60,7 +60,7 @@ private:
         return elements != nullptr && elements->size() == 1 ? Value(elements->front()) : value;
     }
 
-    /** Notes the code of a refusal. */
+    /** Records the code of a refusal. */
     bool isPresentValueTaken() {
         m_answer.refusal = m_probe.answer({m_subject.place, m_probe.facts(m_subject.place).value});
         return m_answer.refusal == FG_OK;

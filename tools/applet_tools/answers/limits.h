@@ -1,4 +1,4 @@
-/** What is accepted of a parameter now, and what sets each limit: asked of its setter on a scratch board. */
+/** The values that a parameter accepts now and the cause of each limit, found by trying on a scratch board. */
 #ifndef APPLET_TOOLS_ANSWERS_LIMITS_H
 #define APPLET_TOOLS_ANSWERS_LIMITS_H
 
@@ -14,53 +14,53 @@
 
 namespace applet_tools {
 
-/** What the setter answers to an entry of an enumeration. */
+/** The setter's answer to an entry of an enumeration. */
 struct EntryAnswer {
     Entry entry;
     int code = 0;
     std::vector<std::string>
-        acceptedWith{}; /**< of a refused one: changes of others with which it is accepted */
+        acceptedWith{}; /**< for a refused entry: changes of other parameters that make it accepted */
 };
 
-/** What the published record says of a number, and how a person reads it. */
+/** The published range of a number, and its text. */
 struct PublishedRange {
-    std::optional<Limits> limits; /**< none where the record has none that say anything */
+    std::optional<Limits> limits; /**< empty if the record has no usable limits */
     std::string words{};
 };
 
-/** The answer for one parameter. Its values are native ones: a record is needed to show them. */
+/** The result for one parameter. Values are native: showing them needs a record. */
 struct AcceptedValues {
     std::string parameter; /**< its name */
     std::string subject;   /**< "FG_WIDTH", "FG_LUT_VALUE_RED[7]" */
     std::optional<ElementRange>
-        elements{};     /**< of an array, which has no published grid: those that were asked */
+        elements{};     /**< the elements tested, for an array; it has no published grid */
     std::string access; /**< "rw" */
     ReadResult now{};
     bool isText = false;                /**< any text is accepted */
-    std::vector<EntryAnswer> entries{}; /**< of an enumeration */
-    int refusal = 0;                    /**< the code where nothing that was tried is accepted */
+    std::vector<EntryAnswer> entries{}; /**< for an enumeration */
+    int refusal = 0;                    /**< the refusal code if no value that was tried is accepted */
     std::optional<MeasuredRange> range{};
-    std::optional<PublishedRange> published{}; /**< where it differs from what is accepted */
-    LimitCauses ofMinimum{}, ofMaximum{};      /**< of the range */
+    std::optional<PublishedRange> published{}; /**< only if it differs from what is accepted */
+    LimitCauses ofMinimum{}, ofMaximum{};      /**< causes of the two limits */
 };
 
-/** What a target of the command line is about. The first element of an array represents all of it; several
- *  elements are asked for together, so what is accepted is accepted by each. */
+/** The element of a target to test. The first element of an array stands for the whole array; several
+ *  elements are set together, so a value is accepted if every element accepts it. */
 Subject subjectOf(const Probe& probe, const Target& target);
 
-/** Asks the setter, in the state of the probe, to which the board is brought back. */
+/** Calls the setter in the state of the probe, and restores that state. */
 AcceptedValues acceptedValues(Probe& probe, const Subject& subject);
 
-/** The answers for parameters and elements, each once, from the state of the live applet after these assignments.
- *  Throws UsageError for an unknown name, and what startFrom throws. */
+/** The results for parameters and elements, each tested once, starting from the live applet's state with
+ *  these assignments applied. Throws UsageError for an unknown name, and the exceptions of startFrom. */
 std::vector<AcceptedValues> askAcceptedValues(LiveSession& live, const Words& names,
                                               const Words& assignments);
 
-/** The job of a scratch board behind it: {"names": [WORD, ...], "with": [WORD, ...]}. */
+/** The scratch board job that implements it: {"names": [WORD, ...], "with": [WORD, ...]}. */
 json limitsJob(ScratchSession& session, const json& arguments);
 
-/** The answer as members of a document: "name", "unit", "access", the value, then "entries", or "accepted" and
- *  "error", "differs", "published", "setBy", "fixed". */
+/** The result as members of a document: "name", "unit", "access", the value, then "entries", or "accepted"
+ *  and "error", "differs", "published", "setBy", "fixed". */
 nlohmann::ordered_json asJson(const AcceptedValues& answer, const Parameter& parameter);
 
 } // namespace applet_tools

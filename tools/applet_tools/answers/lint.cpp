@@ -1,4 +1,4 @@
-// Legal but doubtful states. The rules look at a scratch board, where values may be tried.
+// Legal but doubtful states. The rules run on a scratch board, where they can try values.
 
 #include "applet_tools/answers/lint.h"
 
@@ -24,11 +24,11 @@
 namespace applet_tools {
 namespace {
 
-/** The state that is looked at, and what was found so far. */
+/** The state under examination and the findings so far. */
 class State {
 public:
-    /** `goBack` brings the session back to the state. `refused` are the parameters with a value that the load of `file`
-     *  has stored although it was refused; without a file its name is empty. */
+    /** `goBack` restores the examined state. `refused` are the parameters with values that the load of `file`
+     *  stored although their setters refuse them. The name of `file` is empty if there is none. */
     State(ScratchSession& session, std::function<void()> goBack, std::string file, Words refused)
         : m_session(session)
         , m_goBack(std::move(goBack))
@@ -37,48 +37,48 @@ public:
 
     ScratchSession& session() { return m_session; }
     const ParameterList& parameters() const { return m_session.parameters(); }
-    /** Zero or empty where it cannot be read, as after a load of a mode that there is not. */
+    /** The value; zero or empty if it cannot be read, for example in an invalid mode after a load. */
     Value value(const std::string& name) {
         const Target target = m_session.target(name);
         const ReadResult reading = readValue(m_session.instance(), target);
         return reading.error == FG_OK ? reading.value : emptyValue(target);
     }
     double number(const std::string& name) { return asDouble(value(name)); }
-    /** True if the enumeration holds one of the entries. */
+    /** True if the enumeration has one of these values. */
     bool is(const std::string& name, std::initializer_list<int> entries) {
         return std::ranges::find(entries, static_cast<int>(number(name))) != entries.end();
     }
-    /** True for a value that was changed since the bring-up. */
+    /** True for a value changed since the bring-up. */
     bool isChanged(const std::string& name) {
         const auto start = m_session.defaults().find(name);
         const ReadResult reading = readValue(m_session.instance(), m_session.target(name));
         if (start == m_session.defaults().end() || reading.error != FG_OK) return false;
         const json now = asMessage(reading.value);
         if (!now.is_number_float()) return *start != now;
-        // Rates of the simulator come back from a file as the next step of their counter.
+        // Simulator rates read from a file end up at the next step of their counter.
         constexpr double tolerance = 1e-3;
         const double before = start->get<double>();
         return std::fabs(now.get<double>() - before) > tolerance * std::fabs(before);
     }
 
-    /** True for a value that the load of the file has refused, and that reads back all the same. */
+    /** True for a value that the load's setter refused but that reads back. */
     bool isRefused(const std::string& name) const {
         return std::ranges::find(m_refused, name) != m_refused.end();
     }
 
-    /** " --from FILE": what a further command needs to look at the same state; empty without a file. */
+    /** " --from FILE", to run another command on the same state; empty without a file. */
     std::string fromFile() const { return m_file.empty() ? "" : " --from " + asShellWord(m_file); }
 
     void add(const char* rule, const Words& names, const std::string& why, const std::string& advice) {
         add(rule, names, textsOf(names), valuesOf(names), why, advice);
     }
-    /** `texts` for a person, `values` the same as objects with at least a name. */
+    /** `texts` are for display; `values` are the same as objects with at least a name. */
     void add(const char* rule, const Words& names, const Words& texts, const json& values,
              const std::string& why, const std::string& advice) {
         if (isAboutRefused(rule, names)) return;
         m_findings.push_back({rule, names, texts, values, why, advice});
     }
-    /** Advises to set the first of the names to `wanted`, or to the value nearest to it that its setter takes. */
+    /** Advises setting the first of the names to `wanted`, or to the nearest value that its setter accepts. */
     void propose(const char* rule, const Words& names, const Words& texts, const json& values,
                  const std::string& why, const Value& wanted, const std::string& orElse = "") {
         if (isAboutRefused(rule, names)) return;
@@ -89,15 +89,15 @@ public:
                  const std::string& orElse = "") {
         propose(rule, names, textsOf(names), valuesOf(names), why, wanted, orElse);
     }
-    /** True when a rule has asked for the parameter to be set again. */
+    /** True when a rule wants the parameter to be set again. */
     bool isProposed(const std::string& name) const {
         return std::ranges::find(m_proposals, name, &Proposal::name) != m_proposals.end();
     }
 
-    /** Brings the session back to the state, after a rule has tried values. */
+    /** Restores the state after a rule has tried values. */
     void goBack() { m_goBack(); }
 
-    /** To be called at the end, as it tries values. */
+    /** Runs last, since it tries values. */
     const std::vector<LintFinding>& findings() {
         for (const Proposal& proposal : m_proposals) {
             m_goBack();
@@ -115,7 +115,7 @@ private:
         std::string orElse;
     };
 
-    /** A refused value is a matter of the limits alone: what other rules say of it would hide that. */
+    /** For a refused value only the limits are reported; findings of other rules would hide them. */
     bool isAboutRefused(std::string_view rule, const Words& names) const {
         if (rule == "limits" || rule == "load") return false;
         return std::ranges::any_of(names, [this](const std::string& name) { return isRefused(name); });
@@ -184,13 +184,13 @@ void offTheGrid(State& state) {
 
 constexpr std::string_view simulatorPrefix = "FG_CAMERASIMULATOR_";
 
-/** True for a rate that the simulator's mode computes from other parameters. */
+/** True for a rate that the simulator computes from other parameters in its present mode. */
 bool isComputedRate(const Parameter& parameter) {
     return parameter.kind() == REGISTER_KIND_DOUBLE && parameter.name.starts_with(simulatorPrefix) &&
            accessWord(parameter) == "ro";
 }
 
-/** Gives the present values to their setters once more. */
+/** Sets the parameters to their present values again. */
 void refusedIfSetAgain(State& state) {
     for (const Parameter& parameter : state.parameters().all()) {
         const bool isAsked = parameter.record != nullptr && elementCount(parameter) == 0 &&
@@ -198,7 +198,7 @@ void refusedIfSetAgain(State& state) {
                              !isComputedRate(parameter) && !state.isProposed(parameter.name);
         if (!isAsked) continue;
         const ReadResult reading = readValue(state.session().instance(), {&parameter});
-        if (reading.error != FG_OK) continue; // the one that is to blame is found
+        if (reading.error != FG_OK) continue; // reported for the parameter that causes it
         const Value& value = reading.value;
         const auto* number = std::get_if<double>(&value);
         const bool isNoNumber = number != nullptr && !std::isfinite(*number);
@@ -228,7 +228,7 @@ void phaseAboveDownscale(State& state) {
                   state.value("FG_LINE_DOWNSCALE"), " or less");
 }
 
-/** The rows of the region's two directions: in which of them the sensor is not checked. */
+/** Rows for the two directions of the region, with the vantage points for which the sensor is not checked. */
 struct Direction {
     const char *offset, *size, *sensor;
     std::initializer_list<int> unchecked; // vantage points
@@ -251,7 +251,7 @@ void outsideTheSensor(State& state) {
     }
 }
 
-/** Tables that give the darkest or the brightest value for more than a few inputs. */
+/** Lookup tables that map more than a few inputs to black or white. */
 void clippedTables(State& state, const LutTables& tables) {
     Words names, texts;
     json values = json::array();
@@ -260,7 +260,7 @@ void clippedTables(State& state, const LutTables& tables) {
         std::size_t clipped = 0;
         for (const auto& range : {statistics.atStart, statistics.atEnd})
             if (range) clipped += range->count();
-        constexpr std::size_t few = 100; // one of them
+        constexpr std::size_t few = 100; // one percent is not worth a finding
         if (statistics.distinct == 1 || clipped * few < table.entries.size()) continue;
         names.emplace_back(table.parameter);
         const double percent =
@@ -391,18 +391,18 @@ void simulatorOrDebug(State& state) {
                       std::string("Set ") + name + "=FG_OFF");
 }
 
-/** What a set of the value writes; nothing if it is refused. */
+/** The writes of a set with this value; empty if it is refused. */
 std::optional<Words> writesOf(State& state, const Target& target, const Value& value) {
     takeWrites(state.session().instance());
     if (writeValue(state.session().instance(), target, value) != FG_OK) return std::nullopt;
     return takeWrites(state.session().instance());
 }
 
-/** What a set does to the board. */
+/** The effect of a set on the board. */
 enum class Effect {
     some,
     none,
-    computed, // the value does not follow a set: it is what other settings make of it
+    computed, // the value depends on other settings and ignores a set
     unknown
 };
 
@@ -422,13 +422,13 @@ Effect effectOf(State& state, const Parameter& parameter) {
 
 bool isDescriptive(int id) { return id == FG_TIMEOUT || id == FG_SENSORWIDTH || id == FG_SENSORHEIGHT; }
 
-/** Changed settings without effect: the published access says so, or the writes are the same for another
+/** Changed settings without effect: read-only according to the record, or with the same writes for another
  *  value. */
 void withoutEffect(State& state) {
     const bool isSimulating = state.is("FG_CAMERASIMULATOR_ENABLE", {FG_CAMERASIMULATOR});
     Words simulator;
     for (const Parameter& parameter : state.parameters().all()) {
-        // Text names files, the sensor's size says how the camera is, and the timeout is the runtime's.
+        // Texts are file names, the sensor size describes the camera, the timeout belongs to the runtime.
         const bool isLookedAt = parameter.record != nullptr && parameter.kind() != REGISTER_KIND_STRING &&
                                 elementCount(parameter) == 0 && parameter.effectOfReading().empty() &&
                                 parameter.effectOfWriting().empty() && !isDescriptive(parameter.id);
@@ -461,11 +461,11 @@ constexpr Rule rules[] = {
     outsideTheSensor,  unlikeTables,     customTableWithoutFile,
     untriggeredCamera, flashNowhere,     imageTrigger,
     sharedInputs,      simulatorOrDebug,
-    refusedIfSetAgain, // at the end, as they try values
+    refusedIfSetAgain, // last, since it tries values
     withoutEffect,
 };
 
-/** What a load of the file comes to; the board is not put back. */
+/** Loads the file; does not restore the board. */
 LoadOutcome tryLoad(ScratchSession& session, FileKeys& keys, const std::string& file) {
     LoadOutcome outcome = loadAndCompare(session, keys, file);
     if (outcome.code == FG_ERR_FILE_TYPE)
@@ -474,7 +474,7 @@ LoadOutcome tryLoad(ScratchSession& session, FileKeys& keys, const std::string& 
     return outcome;
 }
 
-/** The parameters with values that the load has refused and that read back all the same. */
+/** The parameters with values that the load's setters refused but that read back. */
 Words keptNames(const LoadOutcome& outcome) {
     Words names;
     for (const Finding& finding : outcome.findings)
@@ -482,7 +482,7 @@ Words keptNames(const LoadOutcome& outcome) {
     return names;
 }
 
-/** Many missing keys in one finding; false where they are few. */
+/** Reports many missing keys as one finding; returns false if there are few. */
 bool addMissing(State& state, const LoadOutcome& outcome) {
     constexpr std::size_t few = 3;
     Words names;
@@ -497,7 +497,7 @@ bool addMissing(State& state, const LoadOutcome& outcome) {
     return true;
 }
 
-/** What a finding is about that has no value of a parameter; empty for the others. */
+/** A name for a finding without a parameter value; empty for the others. */
 std::string subjectWithoutValue(const Finding& finding, const std::string& path) {
     const std::string_view kind = finding.kind;
     if (finding.key.empty()) return inQuotes(toUtf8(path.c_str()));
@@ -505,7 +505,7 @@ std::string subjectWithoutValue(const Finding& finding, const std::string& path)
     return kind == "missing" ? finding.key + " is not in the file" : "";
 }
 
-/** What the load makes of the file, where the state itself does not show it. */
+/** Findings about the load of the file that the resulting state does not show. */
 void addLosses(State& state, const LoadOutcome& outcome, const std::string& path,
                const ConfigurationFile& file) {
     const bool isMissed = addMissing(state, outcome);
@@ -535,7 +535,7 @@ void addLosses(State& state, const LoadOutcome& outcome, const std::string& path
 
 Lint lint(ScratchSession& session, const std::string& file) {
     LoadOutcome outcome;
-    const MemoryFile readByLoad; // loaded in the place of the file, which may be large
+    const MemoryFile readByLoad; // loaded instead of the file, which may be large
     const auto goBack = [&] {
         session.rewind();
         if (!file.empty()) loadConfiguration(session.instance(), readByLoad.configurationPath());

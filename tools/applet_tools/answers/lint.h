@@ -1,4 +1,4 @@
-/** States that the applet accepts and that are probably not meant. */
+/** Finds states that the applet accepts but that are probably not intended. */
 #ifndef APPLET_TOOLS_ANSWERS_LINT_H
 #define APPLET_TOOLS_ANSWERS_LINT_H
 
@@ -12,11 +12,11 @@
 
 namespace applet_tools {
 
-/** One doubtful thing. */
+/** One finding. */
 struct LintFinding {
-    std::string rule;      /**< that was broken: "grid" */
-    Words names;           /**< of the parameters that it is about */
-    Words texts;           /**< the same with their values, for a person */
+    std::string rule;      /**< the rule's name: "grid" */
+    Words names;           /**< the parameters concerned */
+    Words texts;           /**< the same with their values, for display */
     nlohmann::json values; /**< the same as objects with at least a name */
     std::string why;
     std::string advice;
@@ -26,18 +26,18 @@ struct LintFinding {
 nlohmann::json asJson(const LintFinding& finding);
 
 struct Lint {
-    int loaded = 0; /**< the code of the load */
+    int loaded = 0; /**< result code of the load */
     std::vector<LintFinding> findings{};
 };
 
-/** Looks at the state of the scratch board for an empty name, else at the one after a load of the file; tries values,
- *  and does not put the board back. Throws UsageError for a file that cannot be loaded. */
+/** Examines the state of the scratch board, or, if `name` is not empty, the state after a load of that file.
+ *  Tries values and does not restore the board. Throws UsageError for a file that cannot be loaded. */
 Lint lint(ScratchSession& session, const std::string& file);
 
-/** The same from the state of the live applet. */
+/** The same, starting from the state of the live applet. */
 Lint askLint(LiveSession& live, const std::string& file);
 
-/** The job of a scratch board behind it: {"file": NAME}: {"loaded", "findings"}. */
+/** The scratch board job that implements it: {"file": NAME} gives {"loaded", "findings"}. */
 json lintJob(ScratchSession& session, const json& arguments);
 
 } // namespace applet_tools

@@ -18,7 +18,7 @@
 namespace applet_tools {
 namespace {
 
-/** Why a load takes nothing from a file of this header; empty if the header is as it should be. */
+/** Why a load rejects a file with this header; empty if the header is valid. */
 std::string headerTrouble(const ConfigurationFile& asked, FileKeys& keys) {
     const auto type = asked.header().value("Typ");
     const auto ours = keys.defaults().header().value("Typ");
@@ -31,7 +31,7 @@ std::string headerTrouble(const ConfigurationFile& asked, FileKeys& keys) {
     return missing.empty() ? "" : "its header lacks " + join(missing, ", ");
 }
 
-/** The value that a load makes of the text, and the text where that has another sign. */
+/** The value that a load reads from the text; with the text itself if its sign differs. */
 std::string askedText(const Parameter& parameter, const std::string& text) {
     const std::string value = fileValueText(parameter, text);
     const bool isUnlike = parameter.kind() == REGISTER_KIND_UINT && text.starts_with('-') &&
@@ -39,7 +39,7 @@ std::string askedText(const Parameter& parameter, const std::string& text) {
     return isUnlike ? value + " (" + text + " in the file)" : value;
 }
 
-/** Judges the values of a file one by one, on the board where it was loaded. */
+/** Checks the values of a file one by one, on the board that has loaded it. */
 class Judge {
 public:
     Judge(ScratchSession& session, const std::string& path, const ConfigurationFile& asked,
@@ -49,7 +49,7 @@ public:
         , m_asked(asked)
         , m_state(state) {}
 
-    /** What came of a line of the file; nothing if its value holds now and the setter agrees. */
+    /** The finding for a line of the file; empty if its value is set and the setter accepts it. */
     std::optional<Finding> judge(const ConfigurationFile::Line& line) {
         const std::string key(line.key), asked(line.value);
         const Parameter& wanted = m_session.parameters().find(key);
@@ -89,12 +89,13 @@ public:
     }
 
 private:
-    /** What a save would write now. */
+    /** The text that a save would write now. */
     std::string onTrial(std::string_view key) {
         return stateOf(m_session.instance()).value(key).value_or("");
     }
 
-    /** True for a rate that the present mode computes from other parameters, whatever the file says. */
+    /** True for a rate that the present mode computes from other parameters, so that the file's value is
+     *  ignored. */
     bool isComputed(const Parameter& parameter, const ConfigurationFile::Line& line) {
         if (parameter.kind() != REGISTER_KIND_DOUBLE || accessWord(parameter) != "ro") return false;
         const MemoryFile other;
@@ -134,7 +135,7 @@ std::vector<Finding> missingKeys(const ConfigurationFile& asked, const Configura
     return findings;
 }
 
-/** "; did you mean FG_WIDTH?" for a key that no load reads; "" where nothing is near. */
+/** "; did you mean FG_WIDTH?" for an unknown key; empty if no known key is similar. */
 std::string nearestKey(const ParameterList& parameters, const std::string& key) {
     const std::size_t begin = key.find_first_not_of(" \t");
     if (begin == std::string::npos) return "";
@@ -176,7 +177,7 @@ bool FileKeys::isReadByLoad(std::string_view key) {
 
 namespace {
 
-/** What came of all lines of the file; `asked` has those that a load reads. */
+/** The findings for all lines of the file; `asked` holds the keys that a load reads. */
 std::vector<Finding> judgeLines(ScratchSession& session, FileKeys& keys, const ConfigurationFile& whole,
                                 const std::string& file, const ConfigurationFile& asked,
                                 const ConfigurationFile& state) {
@@ -207,8 +208,8 @@ std::vector<Finding> judgeLines(ScratchSession& session, FileKeys& keys, const C
 
 bool isRefusal(const Finding& finding) { return finding.kind == "refused" || finding.kind == "kept"; }
 
-/** What the board holds because of a refused value, which becomes a part of the finding, in words: the same file is loaded
- *  once more with the value from before in its place. */
+/** Describes the changes of the design that a refused value causes, and adds them to the finding. To find
+ *  them it loads the same file again with the previous value. */
 std::string reachedInWords(ScratchSession& session, const ConfigurationFile& asked,
                            const ConfigurationFile& before, const DesignSnapshot& loaded, Finding& finding) {
     const auto line = asked.values().find(finding.key), old = before.values().find(finding.key);
@@ -228,12 +229,12 @@ std::string reachedInWords(ScratchSession& session, const ConfigurationFile& ask
     return "; the board has received it: " + join(words, ", ");
 }
 
-/** What became of each refused value; empty for the other findings. */
+/** The consequence of each refused value; empty for the other findings. */
 std::vector<std::string> outcomesOf(ScratchSession& session, const ConfigurationFile& asked,
                                     const ConfigurationFile& before, const DesignSnapshot& loaded,
                                     std::vector<Finding>& findings) {
     std::vector<std::string> outcomes;
-    bool isExplained = false; // what a kept value means; it is the same for all
+    bool isExplained = false; // the meaning of a kept value is the same for all, so it is said once
     for (Finding& finding : findings) {
         session.tellProgress(outcomes.size(), findings.size());
         std::string& words = outcomes.emplace_back();
@@ -246,13 +247,13 @@ std::vector<std::string> outcomesOf(ScratchSession& session, const Configuration
     return outcomes;
 }
 
-/** A refused value of the file with its place in the findings. */
+/** A refused value of the file and the index of its finding. */
 struct RefusedValue {
     Finding* finding;
     Assignment assignment;
 };
 
-/** Those for which a cause can be looked for. */
+/** The refused values for which a cause can be looked for. */
 std::vector<RefusedValue> refusedValues(const ScratchSession& session, const ConfigurationFile& asked,
                                         std::vector<Finding>& findings) {
     std::vector<RefusedValue> refused;
@@ -267,8 +268,8 @@ std::vector<RefusedValue> refusedValues(const ScratchSession& session, const Con
     return refused;
 }
 
-/** Adds to the first refusals what sets the limit, the nearest value and the ways out, in the present state, that after
- *  the load; to the others the command that answers it. */
+/** Adds the cause of the limit, the nearest value and possible changes to the first refusals, in the state
+ *  after the load. For the others it names the command that finds them. */
 void addCauses(ScratchSession& session, const std::string& file, const ConfigurationFile& asked,
                std::vector<Finding>& findings) {
     session.keep();
@@ -294,7 +295,7 @@ void addCauses(ScratchSession& session, const std::string& file, const Configura
         refused[i].finding->message += suggestions[i].words;
 }
 
-/** Why nothing of the file was loaded; nothing if something was. */
+/** Why nothing of the file was loaded; empty if something was. */
 std::optional<Finding> wholeFileFinding(int code, const ConfigurationFile& asked, FileKeys& keys,
                                         bool areKeysMissing) {
     if (code == FG_OK) return std::nullopt;
@@ -340,7 +341,7 @@ LoadOutcome loadAndCompare(ScratchSession& session, FileKeys& keys, const std::s
     }
     std::optional<ConfigurationFile> whole(ConfigurationFile::read(file)); // may be large
     const ConfigurationFile asked(textForLoad(whole->text(), keys.defaults()));
-    const MemoryFile readByLoad; // the trials load this
+    const MemoryFile readByLoad; // used for the trials
     readByLoad.write(asked.text());
     outcome.findings = missingKeys(asked, state, keys, session.parameters());
     if (const auto trouble = wholeFileFinding(outcome.code, asked, keys, !outcome.findings.empty())) {
@@ -391,7 +392,7 @@ json checkJob(ScratchSession& session, const json& arguments) {
                             {"message", finding.message},
                             {"isLoss", finding.isLoss},
                             {"isExamined", finding.isExamined},
-                            {"reached", finding.reached.dump()}}); // as text: its members have an order
+                            {"reached", finding.reached.dump()}}); // keeps the member order
     return {{"findings", std::move(findings)}, {"code", outcome.code}, {"state", asBytes(outcome.state)}};
 }
 

@@ -16,15 +16,15 @@
 namespace applet_tools {
 namespace {
 
-/** What the settings say, times in microseconds. */
+/** Values from the settings, times in microseconds. */
 struct Expected {
     double period, exposure, delay;
     std::optional<double> linePeriod, imagePeriod;
     bool isExternal, isExSyncLow, isFlashLow;
-    bool hasEdges; // of ExSync: it falls before the next one
+    bool hasEdges; // ExSync falls before its next rising edge
 };
 
-/** Signals by their select. */
+/** Signal numbers, as the design's selects use them. */
 constexpr unsigned exSyncSelect = 1, exSync2Select = 2, flashSelect = 3, lineSelect = 4;
 
 class Measurement {
@@ -98,13 +98,13 @@ private:
     }
 
     void use(unsigned input) {
-        constexpr unsigned firstInput = 21; // its signal
+        constexpr unsigned firstInput = 21; // signal number of input 0
         m_inputs.push_back(firstInput + input);
     }
 
     void grab(const std::function<bool()>& goesOn) {
         constexpr Ticks longest = 2 * ticksPerSecond;
-        constexpr std::size_t frames = 64; // pictures of the beginning wait in them
+        constexpr std::size_t frames = 64; // memory for the first pictures
         const std::int64_t lines = sourceLines(m_instance);
         Grabber grabber(m_instance, frames);
         if (!m_window) lookAtStart();
@@ -123,7 +123,7 @@ private:
             next(grabber, m_window->to, goesOn);
     }
 
-    /** Those that are measured. */
+    /** The signals to measure. */
     void takePictures(Grabber& grabber, Ticks longest, const std::function<bool()>& goesOn) {
         constexpr int pictures = 3;
         while (m_timing.pictures < pictures && now() - m_timing.from < longest && !m_timing.isInterrupted) {
@@ -133,7 +133,7 @@ private:
         }
     }
 
-    /** Lets time go on to the next picture, to the end of the window, or so far from the start. True for a picture. */
+    /** Advances to the next picture, the end of the window, or this time from the start. True for a picture. */
     bool next(Grabber& grabber, Ticks most, const std::function<bool()>& goesOn) {
         const bool isWindowAhead = m_window && !m_isWindowSeen;
         const Ticks end = m_timing.from + (isWindowAhead ? std::min(most, m_window->to) : most);
@@ -153,7 +153,7 @@ private:
                               durationText(m_window->to) + ": make the window shorter");
     }
 
-    /** Notes the signals of the first line periods, before the board forgets their edges. */
+    /** Records the signals of the first line periods, before the board drops their edges. */
     void lookAtStart() {
         constexpr Ticks longest = ticksPerSecond / 20;
         constexpr std::ptrdiff_t periods = 5;
@@ -186,7 +186,7 @@ private:
         return courseOf(m_instance, select, m_timing.from, m_timing.to);
     }
 
-    /** A row of the mean of so many ticks each, and one of its inverse. */
+    /** Adds a row for the mean duration in ticks, and one for its inverse. */
     void add(const char* name, std::optional<double> computed, const std::vector<Ticks>& ticks,
              const char* rateName = nullptr) {
         MeasuredRow row{name, "µs", computed, {}, {}, {}};
@@ -207,7 +207,7 @@ private:
         m_timing.rows.push_back({rateName, "Hz", inverse(computed), inverse(row.measured), {}, {}});
     }
 
-    /** From each start of the first to the next one of the second. */
+    /** Times from each start in the first list to the next start in the second. */
     static std::vector<Ticks> delays(const SignalCourse& first, const SignalCourse& second,
                                      bool isActiveLow) {
         std::vector<Ticks> found;
@@ -250,7 +250,7 @@ private:
     const std::optional<TimeWindow> m_window;
     bool m_isWindowSeen = false;
     Expected m_expected{};
-    std::vector<unsigned> m_inputs; // signals of those with a wave
+    std::vector<unsigned> m_inputs; // signal numbers of the inputs with a wave
     std::vector<Ticks> m_firstLines;
     MeasuredTiming m_timing;
 };

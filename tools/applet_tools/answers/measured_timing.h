@@ -1,4 +1,4 @@
-/** Signals, lines and images of a station that runs with the present values. */
+/** Signals, lines and images of a station that runs with the present settings. */
 #ifndef APPLET_TOOLS_ANSWERS_MEASURED_TIMING_H
 #define APPLET_TOOLS_ANSWERS_MEASURED_TIMING_H
 
@@ -13,22 +13,22 @@
 
 namespace applet_tools {
 
-/** A quantity as the settings make it, and as it was; each may be unknown. */
+/** A quantity as computed from the settings and as measured; either may be unknown. */
 struct MeasuredRow {
     std::string name; /**< "ExSync period" */
     std::string unit; /**< "µs" or "Hz" */
     std::optional<double> computed, measured;
-    std::optional<double> smallest, largest; /**< of what was measured, where they differ */
+    std::optional<double> smallest, largest; /**< range of the measurements, if they vary */
 };
 
-/** What one signal did. */
+/** One measured signal. */
 struct MeasuredSignal {
     std::string name;
     bool isActiveLow;
     SignalCourse course;
 };
 
-/** A stretch of time, counted from when the station begins to run. */
+/** A time window, relative to the start of the station. */
 struct TimeWindow {
     Ticks from, to;
 };
@@ -40,15 +40,16 @@ struct MeasuredTiming {
     std::vector<MeasuredRow> rows;
     std::vector<MeasuredSignal>
         signals; /**< of the first line periods, or of the window: inputs in use, then the line trigger's */
-    Ticks from = 0, to = 0; /**< the span of time that was looked at */
+    Ticks from = 0, to = 0; /**< the examined time span */
     std::int64_t lines = 0, pictures = 0;
-    std::vector<std::string> remarks; /**< what was assumed, and what did not come */
+    std::vector<std::string> remarks; /**< assumptions, and what did not happen */
     bool isInterrupted = false;
 };
 
-/** Connects the waves, takes three pictures, within two simulated seconds, and measures what there was. With a window the
- *  station goes on to its end, if that is later; throws Failure where a signal has more edges in it than the board keeps. An external line
- *  trigger without a wave gets one of FG_LINEPERIODE / FG_LINE_DOWNSCALE. Asks `goesOn` now and then. */
+/** Connects the waves, takes three pictures within two simulated seconds, and measures. With a window, the
+ *  station runs until its end if that is later; throws Failure if a signal has more edges in it than the
+ *  board keeps. An external line trigger without a wave gets one of FG_LINEPERIODE / FG_LINE_DOWNSCALE. Polls
+ *  `goesOn`. */
 MeasuredTiming measureTiming(Instance& instance, const ParameterList& parameters,
                              const std::vector<WaveRequest>& waves, const std::function<bool()>& goesOn,
                              const std::optional<TimeWindow>& window = std::nullopt);

@@ -12,10 +12,10 @@
 namespace applet_tools {
 namespace {
 
-using Order = std::vector<std::size_t>; // places in the list of assignments
+using Order = std::vector<std::size_t>; // indices into the list of assignments
 
-/** Tries assignments one behind the other, goes back where none of the rest passes. Which have passed matters, not
- *  in which order, so no set of them is looked at twice. */
+/** Tries assignments in sequence and backtracks when none of the rest is accepted. The result depends on
+ *  which were accepted, not on their order, so each set of them is examined once. */
 class OrderSearch {
 public:
     OrderSearch(ScratchSession& session, const Words& words)
@@ -24,7 +24,7 @@ public:
         , m_isSet(words.size())
         , m_triesLeft(mostTries) {}
 
-    /** True when all pass in the order that is then `best`. */
+    /** True if all are accepted in the order that is then `best`. */
     bool search() {
         if (m_order.size() > best.size()) best = m_order;
         if (m_order.size() == m_words.size()) return true;
@@ -40,7 +40,7 @@ public:
         return false;
     }
 
-    /** Brings the board to the state after these. */
+    /** Restores the board to the state after these assignments. */
     void replay(const Order& order) {
         m_session.rewind();
         for (const std::size_t place : order)
@@ -67,7 +67,7 @@ private:
     int m_triesLeft;
 };
 
-/** What one that is left over is refused with, behind all that pass. */
+/** The refusal of a remaining assignment, tried after all that are accepted. */
 std::string whyStuck(ScratchSession& session, const std::string& word) {
     const Assignment assignment = parseAssignments(session.parameters(), {word}).front();
     const std::string asked = assignment.target.name() + "=" + printable(toUtf8(assignment.text.c_str()));

@@ -1,4 +1,4 @@
-/** An order in which assignments pass. */
+/** Finds an order in which assignments are accepted. */
 #ifndef APPLET_TOOLS_ANSWERS_ORDER_H
 #define APPLET_TOOLS_ANSWERS_ORDER_H
 
@@ -8,19 +8,20 @@
 namespace applet_tools {
 
 struct Ordering {
-    bool isComplete = false; /**< all of them pass */
-    Words words;             /**< those that pass, in their order */
-    Words problems;          /**< a sentence for each other one: why it passes in no order */
+    bool isComplete = false; /**< all of them are accepted */
+    Words words;             /**< the accepted ones, in order */
+    Words problems;          /**< for each other one a sentence on why no order helps */
 };
 
-/** Looks for one on the scratch board, from its present state; the board is not put back. Throws UsageError for a word
- *  that is no assignment. */
+/** Searches on the scratch board, from its present state; does not restore the board. Throws UsageError for a
+ *  word that is not an assignment. */
 Ordering findOrder(ScratchSession& session, const Words& assignments);
 
-/** The same from the state of the live applet. */
+/** The same, starting from the state of the live applet. */
 Ordering askOrder(LiveSession& live, const Words& assignments);
 
-/** The job of a scratch board behind it: {"assignments": [WORD, ...]}: {"isComplete", "words", "problems"}. */
+/** The scratch board job that implements it: {"assignments": [WORD, ...]}: {"isComplete", "words",
+ *  "problems"}. */
 json orderJob(ScratchSession& session, const json& arguments);
 
 } // namespace applet_tools

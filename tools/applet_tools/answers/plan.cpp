@@ -19,7 +19,7 @@ std::vector<ParameterState> factsOf(ScratchSession& session) {
     return facts;
 }
 
-/** `own` is left out. */
+/** The moves of all parameters except `own`. */
 std::vector<ParameterMove> movesOf(const ParameterList& parameters, const std::vector<ParameterState>& before,
                                    const std::vector<ParameterState>& after, const Parameter* own) {
     std::vector<ParameterMove> moves;
@@ -32,10 +32,10 @@ std::vector<ParameterMove> movesOf(const ParameterList& parameters, const std::v
     return moves;
 }
 
-/** Finds which setter writes which value of the design, by letting each write what its parameter holds. */
+/** Finds which setter writes which value of the design, by setting each parameter to its present value. */
 class WriterSearch {
 public:
-    /** Parameters of these names come first. */
+    /** The parameters with these names are tried first. */
     WriterSearch(ScratchSession& session, const std::set<std::string>& preferred) {
         session.rewind();
         for (const bool isPreferred : {true, false})
@@ -43,7 +43,7 @@ public:
                 if (preferred.contains(parameter.name) == isPreferred) findWrites(session, parameter);
     }
 
-    /** The values of the design under their writers, both in the order in which they come first. */
+    /** The design's values grouped by writer; groups and values in the order of first occurrence. */
     std::vector<Writer> grouped(const Words& names) const {
         std::vector<Writer> writers;
         std::set<std::string> seen;
@@ -71,10 +71,10 @@ private:
             m_writers.try_emplace(writtenParameter(line), parameter.name);
     }
 
-    std::map<std::string, std::string> m_writers; // of each value of the design
+    std::map<std::string, std::string> m_writers; // by value of the design
 };
 
-/** All that was written or has changed, each perhaps more than once. */
+/** All values that were written or have changed, possibly with duplicates. */
 Words touchedNames(const LoadOutcome& load) {
     Words names;
     for (const std::string& line : load.writes)

@@ -1,4 +1,4 @@
-/** What a change would do, tried on a scratch board. */
+/** Predicts the effect of a change on a scratch board. */
 #ifndef APPLET_TOOLS_ANSWERS_PLAN_H
 #define APPLET_TOOLS_ANSWERS_PLAN_H
 
@@ -12,7 +12,7 @@
 
 namespace applet_tools {
 
-/** What a client sees of a parameter becomes another thing. */
+/** A change in a client's view of a parameter. */
 struct ParameterMove {
     std::string parameter;
     Move move;
@@ -21,7 +21,7 @@ struct ParameterMove {
 /** [{"parameter", ...}, ...] with the members of each move (see ParameterState.h). */
 nlohmann::ordered_json asJson(const std::vector<ParameterMove>& moves);
 
-/** Notes what changes on a scratch board from one call to the next. */
+/** Tracks the changes on a scratch board between calls. */
 class ChangeWatch {
 public:
     explicit ChangeWatch(ScratchSession& session);
@@ -30,8 +30,8 @@ public:
         std::vector<DesignChange> design;
         std::vector<ParameterMove> moves;
     };
-    /** What has changed since the last call, or since the start. `own` is the parameter that was set, whose moves are
-     *  left out. */
+    /** The changes since the last call, or since the start. `own` is the parameter that was set; its own
+     *  moves are left out. */
     Changes take(const Parameter& own);
 
 private:
@@ -40,24 +40,23 @@ private:
     std::vector<ParameterState> m_facts;
 };
 
-/** A parameter whose setter writes these values of the design. */
+/** A parameter and the values of the design that its setter writes. */
 struct Writer {
     std::string parameter; /**< its name, or "several parameters" for what no single setter writes */
-    Words names;           /**< of the design, in the order of their first writes */
+    Words names;           /**< design parameters, in the order of their first writes */
 };
 
-/** What a load of a configuration file would do. */
+/** The effect of loading a configuration file. */
 struct FilePlan {
     LoadOutcome load;
-    std::vector<Difference>
-        differences; /**< between the state before and the one after, as "before" and "after" */
-    std::vector<ParameterMove> moves; /**< of all parameters */
+    std::vector<Difference> differences; /**< between the state before it and the one after it */
+    std::vector<ParameterMove> moves;    /**< of all parameters */
     std::vector<Writer>
-        writers; /**< of all that is written or changes; of several that write the same value one
-                                              that the load changes is preferred */
+        writers; /**< for all values that are written or change; if several parameters write the same value,
+                                              one that the load changes is preferred */
 };
 
-/** Loads the file into the scratch board, which is not put back. Throws UsageError when it cannot be read. */
+/** Loads the file into the scratch board; does not restore it. Throws UsageError if it cannot be read. */
 FilePlan planFile(ScratchSession& session, const std::string& file);
 
 } // namespace applet_tools

@@ -34,7 +34,7 @@ json routesJob(ScratchSession& session, const json& groups) {
         takeWrites(session.instance());
         for (const json& wanted : group)
             setOnScratch(session, wanted);
-        // Either parameter of a pair writes both of the design's, so the last write of each counts.
+        // Either parameter of a pair writes both of the design's, so only the last write to each counts.
         DesignWrites writes;
         for (const std::string& line : takeWrites(session.instance())) {
             const DesignWrite write = writeIn(line);

@@ -1,4 +1,4 @@
-/** What the applet writes for the present values of parameters, learnt from a scratch board. */
+/** The writes of the applet for the present values of parameters, observed on a scratch board. */
 #ifndef APPLET_TOOLS_ANSWERS_ROUTES_H
 #define APPLET_TOOLS_ANSWERS_ROUTES_H
 
@@ -11,20 +11,21 @@
 
 namespace applet_tools {
 
-/** A parameter of the design, and what the applet writes to it. */
+/** A design parameter and the value that the applet writes to it. */
 struct DesignWrite {
     std::string parameter; /**< without prefix: "Device1_..." */
     std::int64_t value;
 };
 
-/** The last write to each parameter, in the order of the first ones. */
+/** The last write to each parameter, in the order of the first writes. */
 using DesignWrites = std::vector<DesignWrite>;
 
-/** Sets the live values of each group of parameters on a scratch board and says what that writes. Throws Failure for
- *  a value that the scratch board refuses. */
+/** Sets the live values of each group of parameters on a scratch board and returns the writes. Throws Failure
+ *  for a value that the scratch board refuses. */
 std::vector<DesignWrites> askWrites(LiveSession& live, const std::vector<std::vector<Target>>& groups);
 
-/** The job of a scratch board behind it: [[{"name", "value"}, ...], ...] gives [[{"parameter", "value"}, ...], ...]. */
+/** The scratch board job that implements it: [[{"name", "value"}, ...], ...] gives [[{"parameter",
+ *  "value"}...]...]. */
 json routesJob(ScratchSession& session, const json& groups);
 
 } // namespace applet_tools

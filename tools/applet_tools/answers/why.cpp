@@ -83,7 +83,7 @@ json asMessage(const RefusalAnswer& answer) {
     const RefusalCauses& causes = answer.causes;
     json message = {{"parameter", answer.parameter},
                     {"subject", answer.subject},
-                    {"document", answer.document.dump()}, // as text: its members have an order
+                    {"document", answer.document.dump()}, // keeps the member order
                     {"code", answer.code},
                     {"refusal", answer.refusal},
                     {"isTried", causes.isTried},
@@ -158,7 +158,7 @@ json ask(LiveSession& live, const Words& words, const Words& with) {
     return live.scratch().ask("why", {{"words", words}, {"with", with}});
 }
 
-/** The changes that make a text writable once it names no file, where they are refused because of the file. */
+/** The changes that make a text writable once it names no file, if they are refused because of that file. */
 Words waysWithoutFile(LiveSession& live, const std::string& name, const std::string& file, Words with) {
     if (file.empty() || textOfFile(file)) return {};
     with.push_back(name + "=" + file);

@@ -1,5 +1,5 @@
-/** Why a parameter is read-only or refuses a value, and what would free it: single changes of others, tried on a
- *  scratch board. */
+/** Why a parameter is read-only or refuses a value, and which single changes of other parameters would help,
+ *  found by trying on a scratch board. */
 #ifndef APPLET_TOOLS_ANSWERS_WHY_H
 #define APPLET_TOOLS_ANSWERS_WHY_H
 
@@ -14,37 +14,37 @@
 
 namespace applet_tools {
 
-/** What the setter makes of an assignment. */
+/** The setter's answer to an assignment. */
 struct RefusalAnswer {
     std::string parameter; /**< its name */
     std::string subject;   /**< "FG_WIDTH=20000" */
     nlohmann::ordered_json document;
     int code = 0;
-    std::string refusal{};  /**< in words; empty if it is accepted */
-    RefusalCauses causes{}; /**< of a refusal */
-    /** Of what is accepted and read-only now: changes that make it writable. */
+    std::string refusal{};  /**< message; empty if the value is accepted */
+    RefusalCauses causes{}; /**< causes of the refusal */
+    /** For a value that is accepted but read-only now: changes that make it writable. */
     std::optional<std::vector<std::string>> writableWith{};
-    std::string missingFile{}; /**< as of AccessAnswer, once it is set */
+    std::string missingFile{}; /**< as in AccessAnswer, after the set */
 };
 
-/** Asks the setter, in the state of the probe. Records of parameters from before may be gone afterwards. */
+/** Calls the setter in the state of the probe. Existing parameter records may be invalid afterwards. */
 RefusalAnswer whyRefused(Probe& probe, const Assignment& assignment);
 
-/** Whether a parameter can be written, and what decides that. */
+/** Whether a parameter can be written, and the reason. */
 struct AccessAnswer {
     std::string parameter; /**< its name */
     std::string subject;   /**< "FG_LUT_VALUE_RED[3]" */
     std::string access;    /**< "ro", "rw", "rw+" */
     bool isWritable = false;
-    bool hasSetter = true; /**< false for what can never be set */
+    bool hasSetter = true; /**< false for a parameter that can never be set */
     ReadResult now{};
     /** Changes that make it read-only, or writable if it is read-only. */
     std::vector<std::string> changedWith{};
-    /** Its text, a file that cannot be read: as long as it cannot, those changes are refused. */
+    /** Its text, if that names an unreadable file: until it can be read, those changes are refused. */
     std::string missingFile{};
 };
 
-/** Looks at the access, in the state of the probe. Records of parameters from before may be gone afterwards. */
+/** Examines the access in the state of the probe. Existing parameter records may be invalid afterwards. */
 AccessAnswer whyReadOnly(Probe& probe, const Target& target);
 
 /** The answer as members of a document; `target` is its subject. */
@@ -52,12 +52,12 @@ nlohmann::ordered_json asJson(const AccessAnswer& answer, const Target& target);
 
 using WhyAnswer = std::variant<RefusalAnswer, AccessAnswer>;
 
-/** The answers to assignments and names of parameters, from the state of the live applet after the assignments of
- *  `with`. Where the change that makes a text writable is refused because the text names a missing file, the answer
- *  names both. Throws UsageError for an unknown word, and what startFrom throws. */
+/** The answers for assignments and parameter names, from the live applet's state with the assignments `with`
+ *  applied. If the change that makes a text writable is refused because the text names a missing file, the
+ *  answer names both. Throws UsageError for an unknown word, and the exceptions of startFrom. */
 std::vector<WhyAnswer> askWhy(LiveSession& live, const Words& words, const Words& with);
 
-/** The job of a scratch board behind it: {"words": [WORD, ...], "with": [WORD, ...]}. */
+/** The scratch board job that implements it: {"words": [WORD, ...], "with": [WORD, ...]}. */
 json whyJob(ScratchSession& session, const json& arguments);
 
 } // namespace applet_tools

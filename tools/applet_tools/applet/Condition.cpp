@@ -8,7 +8,7 @@
 namespace applet_tools {
 namespace {
 
-// The longer ones first.
+// Longer operators before their prefixes.
 constexpr Relation relations[] = {
     {"<=", std::is_lteq}, {">=", std::is_gteq}, {"==", std::is_eq},
     {"!=", std::is_neq},  {"<", std::is_lt},    {">", std::is_gt},
@@ -17,7 +17,7 @@ constexpr Relation relations[] = {
 constexpr std::string_view blanks = " \t";
 constexpr std::string_view behindName = " \t<>=!&|()";
 
-/** Goes through the text of a condition. */
+/** A reading position in the text of a condition. */
 class Reader {
 public:
     explicit Reader(const std::string& text) : m_text(text) {}
@@ -38,7 +38,7 @@ public:
         return true;
     }
 
-    /** A name, or a label: in quotes, or as it is where a parameter has it; the longest one counts. */
+    /** A name or a label. A label may be unquoted if a parameter has it; the longest match counts. */
     std::string takeName(const ParameterList& parameters) {
         skipBlanks();
         const std::size_t length = std::min(rest().find_first_of(behindName), rest().size());
@@ -87,13 +87,13 @@ private:
         return text;
     }
 
-    /** "[100]" behind a label; empty if there is none. */
+    /** "[100]" after a label; empty if there is none. */
     std::string takeElements() {
         if (!rest().starts_with('[')) return "";
         return taken(std::min(rest().find(']') + 1, rest().size()));
     }
 
-    /** Of the longest label that comes next; 0 if none does. */
+    /** Length of the longest label at the present position; 0 if there is none. */
     std::size_t labelLength(const ParameterList& parameters) const {
         const std::string text = lowerCase(rest());
         std::size_t longest = 0;
@@ -106,7 +106,7 @@ private:
         return longest;
     }
 
-    /** The length of several words with an operator behind them, which are no label; 0 for a single one. */
+    /** Length of several words before an operator that are not a label; 0 for a single word. */
     std::size_t wordsBeforeRelation() const {
         const std::size_t mark = rest().find_first_of("<>=!&|()");
         if (mark == std::string_view::npos || relationAt(rest().substr(mark)) == nullptr) return 0;
@@ -125,7 +125,7 @@ private:
     std::size_t m_place = 0;
 };
 
-/** Of values of the same kind. */
+/** Compares values of the same kind. */
 std::partial_ordering order(const Value& first, const Value& second) {
     return std::visit(
         [&](const auto& native) -> std::partial_ordering {

@@ -18,7 +18,7 @@ struct Relation {
     bool (*holds)(std::partial_ordering);
 };
 
-/** The relation that the text begins with; null if there is none. */
+/** The relation at the beginning of the text; null if there is none. */
 const Relation* relationAt(std::string_view text);
 
 /** "< <= > >= == !=". */
@@ -31,12 +31,12 @@ class Condition {
 public:
     using ReadFunction = std::function<ReadResult(const Target&)>;
 
-    /** Throws UsageError, pointing at the place, for what cannot be understood. */
+    /** Throws UsageError, with the position, for invalid text. */
     Condition(const ParameterList& parameters, const std::string& text);
 
-    /** What is compared, in the order of the text. */
+    /** The compared parameters, in the order of the text. */
     std::vector<Target> targets() const;
-    /** A comparison whose reading failed does not hold. */
+    /** A comparison is false if its reading failed. */
     bool holds(const ReadFunction& read) const;
 
 private:
@@ -47,7 +47,7 @@ private:
         const Relation* relation = nullptr;
         Value value;
     };
-    /** One comparison, or parts of which any or all have to hold. */
+    /** A comparison, or parts of which any or all must hold. */
     struct Node {
         enum class Kind { comparison, any, all } kind;
         std::vector<Node> parts;

@@ -1,4 +1,4 @@
-/** What this process has asked of applets so far: -v tells it. */
+/** Counts this process's operations on applets, for -v. */
 #ifndef APPLET_TOOLS_APPLET_EFFORT_H
 #define APPLET_TOOLS_APPLET_EFFORT_H
 
@@ -12,7 +12,7 @@ struct Effort {
     std::size_t bringUps = 0; /**< of instances */
 };
 
-/** Of the process, which has one thread. */
+/** The counters of the process. It has one thread. */
 inline Effort& effort() {
     static Effort ofProcess;
     return ofProcess;

@@ -11,7 +11,7 @@
 namespace applet_tools {
 namespace {
 
-/** Why a bring-up failed, as far as the code tells. */
+/** The likely reason for a failed bring-up, derived from the code. */
 std::string bringUpHint(int code) {
     if (code == FG_ERR_UNRESOLVED)
         return "; the runtime library libgrabcore5.so or its init function was not found by the applet";
@@ -31,7 +31,7 @@ bool isSwitchedOn(const char* variable) {
     return word == "yes" || word == "true" || word == "on" || word == "1";
 }
 
-/** Switches the design's parameters on for a scope. */
+/** Enables the publication of the design's parameters for a scope. */
 class PublishedDesign {
 public:
     PublishedDesign() {
@@ -93,7 +93,7 @@ Instance::~Instance() {
 }
 
 const RegisterInfo* Instance::parameterTree() {
-    // Fg_getParameterInfo asks for a runtime, which an offline instance has not.
+    // Fg_getParameterInfo needs a runtime, and an offline instance has none.
     RegisterInfo* root = nullptr;
     if (m_session)
         root = applet().Fg_getParameterInfo(fg(), 0);

@@ -29,11 +29,11 @@ bool matches(const std::string& lowerName, const std::string& lowerPattern) {
 }
 
 struct ReadEffect {
-    std::string_view name; // with its length: this is asked for often
+    std::string_view name; // a string_view, since this is compared often
     const char* words;
 };
 
-/** ReadResult one of these resets the design's overflow flag. */
+/** Reading one of these resets the design's overflow flag. */
 constexpr ReadEffect readEffects[] = {
     {"FG_OVERFLOW", "clears when read"},
     {"FG_FILLLEVEL", "clears FG_OVERFLOW when read"},

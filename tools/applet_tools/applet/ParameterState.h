@@ -1,4 +1,4 @@
-/** What a client sees of a parameter at a moment, and how that moves. */
+/** A client's view of a parameter at one moment, and the differences between two of them. */
 #ifndef APPLET_TOOLS_APPLET_PARAMETERSTATE_H
 #define APPLET_TOOLS_APPLET_PARAMETERSTATE_H
 
@@ -14,18 +14,18 @@
 namespace applet_tools {
 
 struct ParameterState {
-    int error = 0; /**< of the read */
-    Value value;   /**< of an array only the number of its elements */
+    int error = 0; /**< code of the read */
+    Value value;   /**< for an array only the number of its elements */
     std::uint32_t access = 0;
     std::optional<Limits> limits;
 
     bool operator==(const ParameterState&) const = default;
 };
 
-/** What a read would change is left out. */
+/** Leaves out values that a read would change. */
 ParameterState currentState(Instance& instance, const Parameter& parameter);
 
-/** One way in which facts differ, in words and as members of a document. */
+/** One difference between two states, in words and as members of a document. */
 struct Move {
     std::string what; /**< "value", "limits", "access", "accepted values" */
     std::string from, to;

@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::string_view rangeMark = "..";
 
-/** The range that the text between the brackets says; empty if it says none. */
+/** The range in the brackets; empty if the text is not a range. */
 std::optional<ElementRange> parseRange(std::string_view text, std::uint32_t count) {
     const std::size_t mark = text.find(rangeMark);
     if (mark == std::string_view::npos) {

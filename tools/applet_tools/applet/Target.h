@@ -1,4 +1,4 @@
-/** What a word of the command line names: a parameter, or elements of an array parameter. */
+/** A word of the command line that names a parameter or elements of an array parameter. */
 #ifndef APPLET_TOOLS_APPLET_TARGET_H
 #define APPLET_TOOLS_APPLET_TARGET_H
 
@@ -12,7 +12,7 @@
 
 namespace applet_tools {
 
-/** Elements of an array, the last one included. */
+/** Elements of an array, including the last one. */
 struct ElementRange {
     std::uint32_t first;
     std::uint32_t last;
@@ -35,15 +35,15 @@ std::string elementName(const Parameter& parameter, std::uint32_t index);
 /** Number of elements of an array parameter; 0 for all others. */
 std::uint32_t elementCount(const Parameter& parameter);
 
-/** Reads "NAME", "NAME[5]", "NAME[5..9]"; an end that is left out is the array's own, as in "NAME[..9]".
- *  Throws UsageError for an unknown name and for elements that the parameter has not. */
+/** Reads "NAME", "NAME[5]", "NAME[5..9]"; an omitted end is the end of the array, as in "NAME[..9]".
+ *  Throws UsageError for an unknown name and for elements outside the array. */
 Target findTarget(const ParameterList& parameters, std::string_view word);
 
-/** Reads all words before anything else is done, so that a misspelt one stops all. A word with * or ? is a pattern.
- *  Of its parameters those are left out of which a read takes something from the board. */
+/** Reads all words before anything is done, so that a typing error has no effect. A word with * or ? is a
+ *  pattern; it leaves out parameters that a read would change. */
 std::vector<Target> findTargets(const ParameterList& parameters, const std::vector<std::string>& words);
 
-/** The parameters of the named groups, without those of which a read takes something from the board. */
+/** The parameters of the named groups, without those that a read would change. */
 std::vector<Target> targetsOfGroups(const ParameterList& parameters, const std::vector<std::string>& labels);
 
 } // namespace applet_tools

@@ -26,7 +26,7 @@ void logKinds(Instance& instance, unsigned kinds) {
 
 using nlohmann::ordered_json;
 
-/** The number of a field of that type in the log. */
+/** A number field of that type in the log. */
 ordered_json numberOf(const std::string& type, const std::string& word) {
     if (type == "f64")
         if (const auto number = floatingNumber(word)) return *number;
@@ -48,7 +48,7 @@ ordered_json accessAsJson(std::string line) {
     const std::string type = takeWord();
     access["type"] = type;
     std::optional<int> error;
-    // A text may hold anything, and is not logged of a failed read.
+    // A text may contain anything, and a failed read does not log it.
     if (const std::size_t mark = line.rfind("= ");
         mark == 0 || (mark != std::string::npos && line[mark - 1] == ' ')) {
         error = wholeNumber<int>(std::string_view(line).substr(mark + 2));

@@ -1,4 +1,4 @@
-/** What reaches the design, as the virtual board logs it. */
+/** Accesses to the design, as the virtual board logs them. */
 #ifndef APPLET_TOOLS_APPLET_ACCESS_LOG_H
 #define APPLET_TOOLS_APPLET_ACCESS_LOG_H
 
@@ -11,16 +11,16 @@
 
 namespace applet_tools {
 
-/** From now on the board logs what is written to it, and nothing else. */
+/** From now on the board logs only writes to the design. */
 void logWrites(Instance& instance);
 
-/** From now on it logs all accesses to values of the design. */
+/** From now on the board logs all accesses to values of the design. */
 void logAccesses(Instance& instance);
 
-/** The log since it was last taken, one line for each access (see vboard_log_line). */
+/** Takes the log: one line for each access since the last call (see vboard_log_line). */
 std::vector<std::string> takeWrites(Instance& instance);
 
-/** Those of the lines that are writes. */
+/** The lines that are writes. */
 std::vector<std::string> writesOf(const std::vector<std::string>& accesses);
 
 /** "Device1_..." of "set Device1_... u32 5". */
@@ -30,7 +30,7 @@ std::string writtenParameter(const std::string& line);
  *  "value": 2048}; "first" and "count" of a field, "error" of an access that failed. */
 nlohmann::ordered_json accessesAsJson(const std::vector<std::string>& lines);
 
-/** The line that such an object was made of. */
+/** The log line of such an object. */
 std::string loggedLine(const nlohmann::ordered_json& access);
 
 } // namespace applet_tools

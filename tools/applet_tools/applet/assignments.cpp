@@ -14,7 +14,7 @@ std::string withUnit(const std::string& limits, const Parameter& parameter) {
     return unit.empty() ? limits : limits + " " + unit;
 }
 
-/** What the caller can learn from the live record after a refusal. */
+/** Describes the limits or entries of the live record after a refusal. */
 std::string advice(const Parameter& parameter, const Value& value, int code) {
     if (code == FG_ERR_NOT_AVAILABLE && accessWord(parameter) != "rw" && accessWord(parameter) != "rw+")
         return "; the parameter is read-only: its value is measured, or fixed by the design";
@@ -92,7 +92,7 @@ nlohmann::ordered_json asJson(const AssignmentResult& result) {
 
 namespace {
 
-/** The board knows why it took no image of a file. */
+/** The board knows why it rejected the image of a file. */
 std::string reasonOf(Instance& instance, const Parameter& parameter, int code) {
     if (code == FG_OK || parameter.name != "FG_DEBUGINSERT") return "";
     if (instance.device() == nullptr || !instance.host()->isVirtual()) return "";

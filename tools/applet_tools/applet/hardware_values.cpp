@@ -7,15 +7,15 @@ namespace applet_tools {
 namespace {
 
 enum class Counting {
-    steps,      // the design receives the exact number and rounds it unseen
-    readBack,   // the parameter reads back what the hardware took
-    lineCycles, // as readBack, and by whole cycles of one line
+    steps,      // the design rounds the number; the parameter keeps the exact one
+    readBack,   // the parameter reads back the rounded number
+    lineCycles, // like readBack, in whole cycles of a line
 };
 
 struct Rule {
     const char* parameter;
     Counting counting;
-    double step; // of `steps`
+    double step; // for `steps`
     const char* words;
 };
 
@@ -48,7 +48,7 @@ const Rule* ruleOf(const Parameter& parameter) {
     return found != std::end(rules) ? found : nullptr;
 }
 
-/** Cycles of a line that reads as this rate; a whole number for what was read. */
+/** Cycles of a line with this rate; a whole number for a rate that was read. */
 double cyclesOf(double rate) { return 1.0 / (rate * cycle) + 0.5; }
 
 bool isReading(double rate) {
@@ -70,9 +70,9 @@ std::optional<double> nearestStep(const Parameter& parameter, const Value& held)
     if (rule == nullptr || rule->counting != Counting::steps || number == nullptr || !std::isfinite(*number))
         return std::nullopt;
     const double steps = *number / rule->step;
-    constexpr double tolerance = 1e-6; // 0.112 is 14 steps, but for a rounding of the division
+    constexpr double tolerance = 1e-6; // 0.112 is 14 steps, apart from the division's rounding error
     if (std::fabs(steps - std::round(steps)) <= tolerance) return std::nullopt;
-    constexpr double decimals = 1e10; // more than the digits of any step
+    constexpr double decimals = 1e10; // more digits than any step has
     return std::round(std::round(steps) * rule->step * decimals) / decimals;
 }
 

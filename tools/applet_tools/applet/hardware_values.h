@@ -1,4 +1,4 @@
-/** What the hardware makes of a value: it counts in steps that are coarser than the parameter. */
+/** Rounding of values by the hardware, which counts in coarser steps than the parameter. */
 #ifndef APPLET_TOOLS_APPLET_HARDWARE_VALUES_H
 #define APPLET_TOOLS_APPLET_HARDWARE_VALUES_H
 
@@ -9,23 +9,23 @@
 
 namespace applet_tools {
 
-/** "the trigger counts in steps of 0.008 µs"; empty for parameters that the hardware takes as they are. */
+/** "the trigger counts in steps of 0.008 µs"; empty for parameters that the hardware does not round. */
 std::string countingOf(const Parameter& parameter);
 
-/** The value nearest to `held` that the hardware can work with; nothing where that is `held` itself, or where the
- *  parameter reads back what the hardware took. */
+/** The value that the hardware uses instead of `held`; empty if it is `held` itself, or if the parameter reads
+ *  back the rounded value. */
 std::optional<double> nearestStep(const Parameter& parameter, const Value& held);
 
-/** The value to request so that the parameter reads `reading` afterwards. Rates are rounded to whole cycles and read
- *  back with half a cycle less, so a request of the reading itself would give the next cycle. */
+/** The value to request so that the parameter then reads `reading`. Rates are rounded to whole cycles and read
+ *  back with half a cycle less, so a request for the reading itself would give the next cycle. */
 Value requestFor(const Parameter& parameter, const Value& reading);
 
-/** True when `saved` is a rate that was read, and `loaded` is at most one cycle away: a load of a saved rate comes to
- *  that. */
+/** True if `loaded` is at most one cycle away from `saved`, a rate that was read: a load of a saved rate may
+ *  differ that much. */
 bool areNeighbours(const Parameter& parameter, const Value& saved, const Value& loaded);
 
-/** " (requested 33; the simulator makes 32 pixels at a time)", or which value the hardware takes in its place; empty
- *  where it takes what was requested. */
+/** " (requested 33; the simulator makes 32 pixels at a time)", or the value that the hardware uses instead;
+ *  empty if it uses the requested one. */
 std::string requestedAndActual(const Parameter& parameter, const Value& requested, const Value& held);
 
 } // namespace applet_tools

@@ -1,4 +1,4 @@
-/** Values of the line trigger that do not fit together, although the applet holds them. */
+/** Checks for inconsistent line trigger values that the applet accepts. */
 #ifndef APPLET_TOOLS_APPLET_LINE_TIMING_H
 #define APPLET_TOOLS_APPLET_LINE_TIMING_H
 
@@ -14,20 +14,20 @@ namespace applet_tools {
 
 struct TimingTrouble {
     const char* rule;               /**< "exposure", "delay" */
-    std::vector<const char*> names; /**< the one to be set first */
+    std::vector<const char*> names; /**< the first one should be set */
     const char* why;
-    double longest;     /**< for the first one, in whole ticks of the trigger */
-    const char* orElse; /**< what else helps, behind "or less"; may be empty */
+    double longest;     /**< limit of the first one, in whole ticks of the trigger */
+    const char* orElse; /**< an alternative, shown after "or less"; may be empty */
 };
 
-/** Times in microseconds. A load stores periods that are none: with those nothing is compared. */
+/** Times in microseconds. A load may store invalid periods; they are not compared. */
 inline std::vector<TimingTrouble> timingTroubles(std::int32_t mode, double period, double exposure,
                                                  double delay) {
     std::vector<TimingTrouble> troubles;
     if (!(period > 0)) return troubles;
     constexpr double tick = 0.008, decimals = 1e10;
     const double wholeTicks =
-        std::floor(period / tick + 1e-6) * tick; // 1e-6 for the rounding of the division
+        std::floor(period / tick + 1e-6) * tick; // 1e-6 against the division's rounding error
     const double longest = std::round(wholeTicks * decimals) / decimals;
     const bool isGrabberControlled = mode == GRABBER_CONTROLLED || mode == GRABBER_CONTROLLED_GATED;
     if (isGrabberControlled && exposure > period)
@@ -38,7 +38,7 @@ inline std::vector<TimingTrouble> timingTroubles(std::int32_t mode, double perio
              "The period was lowered after the exposure was set, which does not shorten the exposure",
              longest,
              ", or a longer FG_LINEPERIODE"});
-    constexpr double endOfDelay = 1048.568; // of its counter of 17 bits
+    constexpr double endOfDelay = 1048.568; // limit of its 17-bit counter
     if (delay > endOfDelay)
         troubles.push_back({"delay",
                             {"FG_LINETRIGGERDELAY"},

@@ -28,7 +28,7 @@ constexpr KindRow kindRows[] = {
     {REGISTER_KIND_INT64_FIELD, "Int64 array"},
 };
 
-/** Calls `use` with the limits of a numeric record, a scalar's or an array's; false for all other records. */
+/** Calls `use` with the limits of a numeric record (scalar or array); false for all other records. */
 template <typename Use> bool withLimits(const Parameter& parameter, Use use) {
     if (parameter.record == nullptr) return false;
     const RegisterInfoValue& value = parameter.record->value;
@@ -60,7 +60,7 @@ template <typename Use> bool withLimits(const Parameter& parameter, Use use) {
 
 template <typename Limits> constexpr bool isArrayLimits = requires(Limits limits) { limits.elementCount; };
 
-/** Some records have no limits to publish: theirs are all zero, or the minimum is above the maximum. */
+/** Some records publish no usable limits: all are zero, or the minimum is above the maximum. */
 template <typename Limits> bool areUsable(const Limits& limits) {
     if constexpr (!isArrayLimits<Limits>)
         if (limits.minimum == limits.maximum && limits.increment == 0) return false;
@@ -73,7 +73,7 @@ template <typename Limits> std::string limitsInWords(const Limits& limits) {
     if constexpr (isArrayLimits<Limits>) {
         return range + ", " + numberText(limits.elementCount) + " elements";
     } else {
-        // A step of one whole number, none, or the smallest that a number can have says nothing.
+        // A step of 1, of 0, or of the smallest number is not worth showing.
         const bool isPlain = limits.increment == 0 || limits.increment == 1 ||
                              std::fabs(static_cast<double>(limits.increment)) < 1e-15;
         return isPlain ? range : range + " in steps of " + numberText(limits.increment);
@@ -150,7 +150,7 @@ bool isWithinLimits(const Parameter& parameter, const Value& value) {
             if (const auto* elements = std::get_if<Elements>(&value)) number = &elements->front();
         if (number == nullptr || !areUsable(limits)) return;
         within = *number >= limits.minimum && *number <= limits.maximum;
-        // Floating point is left at that: the applet decides how near to the grid is on the grid.
+        // Floating-point values are not checked for the grid: the applet decides on the tolerance.
         if constexpr (std::is_integral_v<Number> && !isArrayLimits<std::decay_t<decltype(limits)>>)
             if (within && limits.increment > 1) within = (*number - limits.minimum) % limits.increment == 0;
     });

@@ -27,7 +27,7 @@ enum class Quantity {
 struct UnitRow {
     std::string_view name; // in lower case
     Quantity quantity;
-    int exponent; // a power of ten of the quantity's base unit
+    int exponent; // power of ten relative to the quantity's base unit
 };
 
 constexpr UnitRow unitRows[] = {
@@ -70,7 +70,7 @@ const UnitRow* unitNamed(const std::string& name) {
     return found != std::end(unitRows) ? &*found : nullptr;
 }
 
-/** Where the number ends that the text begins with; a letter e counts only with digits behind it. */
+/** End of the number at the beginning of the text; a letter e counts only if digits follow it. */
 std::size_t endOfNumber(const std::string& text) {
     const auto skip = [&](std::size_t place, const char* characters) {
         return std::min(text.find_first_not_of(characters, place), text.size());
@@ -85,17 +85,17 @@ std::size_t endOfNumber(const std::string& text) {
     return end > exponent ? end : mantissa;
 }
 
-/** The number times a power of ten, as text, so that nothing is rounded. */
+/** The number times a power of ten, as text, so that it is not rounded. */
 std::string shifted(const std::string& number, int exponent) {
     if (exponent == 0) return number;
     const std::size_t mark = number.find_first_of("eE");
     const auto own = mark != std::string::npos ? wholeNumber<int>(number.substr(mark + 1)) : 0;
-    constexpr int farthest = 1000; // beyond it no double has a value
+    constexpr int farthest = 1000; // no double is larger or smaller
     if (!own || std::abs(*own) > farthest) return number;
     return number.substr(0, mark) + "e" + numberText(*own + exponent);
 }
 
-/** The other one of a period and its frequency: "10 kHz is a period of 100 µs". */
+/** Converts between a period and its frequency: "10 kHz is a period of 100 µs". */
 std::string reciprocal(const std::string& typed, double inBaseUnit, const UnitRow& from,
                        const std::string& unit, const UnitRow& to) {
     const bool isPair = (from.quantity == Quantity::time && to.quantity == Quantity::frequency) ||

@@ -32,7 +32,7 @@ int readText(Instance& instance, int id, std::string& text) {
     return FG_OK;
 }
 
-/** Hands `elements` to a typed access: one as its own record, several as a run. */
+/** Passes `elements` to a typed access: a single one as its own record, several as a run. */
 template <typename Access> int accessElements(std::uint32_t first, Elements& elements, Access access) {
     if (elements.size() == 1) {
         FieldParameterInt_s element{.value = elements.front(), .index = first};
@@ -94,7 +94,7 @@ double parseDouble(const Target& target, const std::string& text) {
                    (unit.empty() ? ")" : ", in " + unit + ")"));
 }
 
-/** "; did you mean A (1) or B (2)?"; all entries where they are few, or none is near. */
+/** "; did you mean A (1) or B (2)?"; all entries if they are few or none is similar. */
 std::string entriesNear(const Parameter& parameter, const std::string& text) {
     constexpr std::size_t few = 6;
     const std::vector<Entry> entries = entriesOf(parameter);
@@ -125,7 +125,7 @@ std::int32_t parseEntry(const Target& target, const std::string& text) {
                    entriesNear(*target.parameter, text));
 }
 
-/** "5" where all elements hold 5; else the first ones and how many there are. */
+/** "5" if all elements hold 5; else the first ones and their number. */
 std::string elementsText(const Elements& elements) {
     if (std::all_of(elements.begin(), elements.end(), [&](auto e) { return e == elements.front(); }))
         return numberText(elements.front());
@@ -190,7 +190,7 @@ Value valueOf(Instance& instance, const Target& target) {
 }
 
 std::string explanationOf(Instance& instance, const Parameter& parameter) {
-    // The query takes the name at the same place where it leaves the pointer to the text.
+    // The query reads the name from the same variable in which it returns the pointer to the text.
     std::vector<char> place(std::max(parameter.name.size() + 1, sizeof(char*)));
     std::memcpy(place.data(), parameter.name.c_str(), parameter.name.size() + 1);
     const auto& applet = instance.applet();
@@ -210,13 +210,13 @@ int writeValue(Instance& instance, const Target& target, const Value& value) {
         return instance.applet().Fg_setParameterWithType(instance.fg(), target.parameter->id, place, 0, tag);
     };
     const int code = std::visit(
-        [&](auto native) { // a copy: the record of a run has no constant pointer
+        [&](auto native) { // a copy: the record of a run has a pointer to non-const
             using T = std::decay_t<decltype(native)>;
             if constexpr (isNumber<T>) return set(&native, tagOf<T>);
             if constexpr (std::is_same_v<T, std::string>) return set(native.c_str(), FG_PARAM_TEXT);
             if constexpr (std::is_same_v<T, Elements>)
                 return accessElements(target.elements->first, native, set);
-            return static_cast<int>(FG_ERR_NOT_SUPPORTED); // a whole array: parseValue gives none
+            return static_cast<int>(FG_ERR_NOT_SUPPORTED); // for a whole array: parseValue returns none
         },
         value);
     if (code == FG_OK && !instance.loads().texts.empty())

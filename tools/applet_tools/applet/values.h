@@ -16,7 +16,7 @@
 
 namespace applet_tools {
 
-/** An array parameter as a whole: its elements are counted and not read. */
+/** An array parameter as a whole: only its size is read. */
 struct WholeArray {
     std::uint32_t count;
 
@@ -26,7 +26,7 @@ struct WholeArray {
 /** Elements of an array parameter. */
 using Elements = std::vector<std::uint32_t>;
 
-/** Texts are held in the bytes of the applet or of the command line, which may be ISO 8859-1. */
+/** Texts hold the bytes of the applet or of the command line, which may be ISO 8859-1. */
 using Value = std::variant<std::uint32_t, std::int32_t, std::uint64_t, std::int64_t, double, std::string,
                            WholeArray, Elements>;
 
@@ -34,48 +34,48 @@ struct ReadResult {
     int error = 0;
     Value value{};
     bool isMeasured =
-        true; /**< false for what a board measures where there is none: the value says nothing */
+        true; /**< false for a measured value of an instance without a board: it means nothing */
 };
 
-/** What is shown instead of such a value. */
+/** Shown instead of such a value. */
 inline constexpr const char* notMeasuredText = "- (not measured: offline there is no board)";
 
-/** A value of the native type of the target's kind: zeros, or as many as there are elements. */
+/** A value of the target's native type: zero, with as many elements as the target has. */
 Value emptyValue(const Target& target);
 
 ReadResult readValue(Instance& instance, const Target& target);
 
-/** The value. Throws Failure when the applet does not give it. */
+/** The value. Throws Failure if the read fails. */
 Value valueOf(Instance& instance, const Target& target);
 
-/** The applet's explanation of a parameter; empty if it gives none. */
+/** The applet's description of a parameter; empty if it has none. */
 std::string explanationOf(Instance& instance, const Parameter& parameter);
 
 /** Returns the applet's code. */
 int writeValue(Instance& instance, const Target& target, const Value& value);
 
 /** Reads a value that a user typed: numbers decimal or 0x..., for enumerations also the symbolic name or the
- *  label, for elements the number that all of them get. Throws UsageError for what the parameter's kind
- *  cannot hold; its limits are the applet's matter. */
+ *  label, for elements the number that all of them get. Throws UsageError if the parameter's kind cannot
+ *  hold it; limits are left to the applet. */
 Value parseValue(const Target& target, const std::string& text);
 
-/** Enumerations by symbolic name, texts in double quotes, numbers as numberText, elements by their number if all
- *  hold the same. */
+/** Enumerations as symbolic names, texts in double quotes, numbers as numberText, elements as one number if all
+ *  are equal. */
 std::string valueText(const Parameter& parameter, const Value& value);
 
-/** The same as a word that `set` takes: floating point to the last bit. */
+/** The same as a word for `set`: floating-point numbers exactly. */
 std::string exactValueText(const Parameter& parameter, const Value& value);
 
 std::string exactValueWithUnit(const Parameter& parameter, const Value& value);
 
-/** As valueText, an enumeration with its number: "RGB8 (1025)", then the unit. */
+/** Like valueText, with the number of an enumeration, "RGB8 (1025)", and the unit. */
 std::string valueWithUnit(const Parameter& parameter, const Value& value);
 
 /** Adds "value" and, for enumerations, "symbol" and "label"; for a whole array "elements", their number; for
  *  one element "index" and "value", for several "first" and "values". */
 void addValue(nlohmann::ordered_json& object, const Target& target, const Value& value);
 
-/** What addValue adds, as an object of its own. */
+/** The members of addValue as an object. */
 nlohmann::ordered_json valueAsJson(const Target& target, const Value& value);
 
 /** A number as a double; 0 for texts and arrays. */
@@ -84,11 +84,11 @@ double asDouble(const Value& number);
 /** A number; null for texts and arrays. */
 nlohmann::ordered_json numberAsJson(const Value& number);
 
-/** Adds what addValue adds, or "error" when the read failed; "value": null and "measured": false for what was not
- *  measured. */
+/** Adds the members of addValue, or "error" if the read failed; "value": null and "measured": false if there
+ *  was no measurement. */
 void addReading(nlohmann::ordered_json& object, const Target& target, const ReadResult& reading);
 
-/** Name, id, unit and what addReading adds. */
+/** Name, id, unit and the members of addReading. */
 nlohmann::ordered_json readingAsJson(const Target& target, const ReadResult& reading);
 
 } // namespace applet_tools

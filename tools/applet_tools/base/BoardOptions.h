@@ -1,4 +1,4 @@
-/** Which applet, and on which board. */
+/** Selects the applet and the board. */
 #ifndef APPLET_TOOLS_BASE_BOARDOPTIONS_H
 #define APPLET_TOOLS_BASE_BOARDOPTIONS_H
 
@@ -8,11 +8,11 @@ namespace applet_tools {
 
 enum class BoardKind { virtualBoard, system };
 
-/** How a live applet is opened. */
+/** How to open a live applet. */
 struct BoardOptions {
     BoardKind board = BoardKind::virtualBoard;
     std::string bridge;   /**< library that opens a board of the system */
-    std::string applet;   /**< library to load instead of the one beside the program; empty: that one */
+    std::string applet;   /**< library to load; empty: the one next to the program */
     bool offline = false; /**< an instance without a board */
     bool look = false;    /**< bring the applet up without writing to the board */
 

@@ -1,4 +1,4 @@
-/** An open file of the process, closed at the end of its owner. */
+/** An owned file descriptor. */
 #ifndef APPLET_TOOLS_BASE_DESCRIPTOR_H
 #define APPLET_TOOLS_BASE_DESCRIPTOR_H
 
@@ -11,7 +11,7 @@ namespace applet_tools {
 class Descriptor {
 public:
     Descriptor() = default;
-    /** Owns the number; -1 for none. */
+    /** Closes the descriptor in the destructor; -1 for none. */
     explicit Descriptor(int number) : m_number(number) {}
     Descriptor(Descriptor&& other) noexcept : m_number(std::exchange(other.m_number, -1)) {}
     Descriptor& operator=(Descriptor&& other) noexcept {

@@ -23,11 +23,11 @@ sigset_t endingSignals() {
     return set;
 }
 
-/** Gives what was there before in `before`, unless it is null. */
+/** Stores the previous actions in `before`, unless that is null. */
 void watchSignals(struct sigaction* before) {
     struct sigaction asking {};
     asking.sa_handler = askToEnd;
-    asking.sa_flags = static_cast<int>(SA_RESETHAND); // no SA_RESTART: a write that hangs ends too
+    asking.sa_flags = static_cast<int>(SA_RESETHAND); // no SA_RESTART, so that a blocked write ends too
     struct sigaction ignoring {};
     ignoring.sa_handler = SIG_IGN;
     for (std::size_t i = 0; i < std::size(signals); ++i)
@@ -57,7 +57,7 @@ void Interruption::rearm() {
 bool Interruption::waitFor(int descriptor, short events, const Clock::time_point* due) const {
     const sigset_t ending = endingSignals();
     sigset_t before;
-    // Let through during the wait only, so that none gets lost between the look and the wait.
+    // Unblocked only during the wait, so that no signal is lost between the check and the wait.
     pthread_sigmask(SIG_BLOCK, &ending, &before);
     bool goesOn = !isAsked();
     while (goesOn) {
@@ -78,7 +78,7 @@ bool Interruption::waitFor(int descriptor, short events, const Clock::time_point
 }
 
 bool Interruption::waitUntil(Clock::time_point due) const {
-    return waitFor(STDOUT_FILENO, 0, &due); // without events it reports nothing but errors
+    return waitFor(STDOUT_FILENO, 0, &due); // without requested events poll reports only errors
 }
 
 bool Interruption::waitReadable(int descriptor) const { return waitFor(descriptor, POLLIN, nullptr); }

@@ -1,4 +1,4 @@
-/** Ctrl-C while a command works step by step. */
+/** Handles Ctrl-C while a command runs. */
 #ifndef APPLET_TOOLS_BASE_INTERRUPTION_H
 #define APPLET_TOOLS_BASE_INTERRUPTION_H
 
@@ -7,8 +7,8 @@
 
 namespace applet_tools {
 
-/** While one lives, SIGINT and SIGTERM ask for an end, a second one forces it, and a dead pipe is reported by
- * the write. One within another's life asks that other one as well. */
+/** During its lifetime, SIGINT and SIGTERM request an end, a second one forces it, and a closed pipe is
+ * reported by the write. Nested instances share the request. */
 class Interruption {
 public:
     using Clock = std::chrono::steady_clock;
@@ -19,12 +19,12 @@ public:
     Interruption& operator=(const Interruption&) = delete;
 
     bool isAsked() const;
-    /** Forgets what was asked: the next signal asks again. */
+    /** Clears the request: the next signal makes a new one. */
     void rearm();
-    /** Waits until the descriptor can be read. False when it is time to end. */
+    /** Waits until the descriptor is readable. False when the command should end. */
     bool waitReadable(int descriptor) const;
-    /** Waits until `due`. False when it is time to end: a signal came, or the reader of the output has gone.
-     * */
+    /** Waits until `due`. False when the command should end: a signal arrived, or the output's reader has
+     *  closed. */
     bool waitUntil(Clock::time_point due) const;
 
 private:

@@ -1,4 +1,4 @@
-/** How long something takes. */
+/** Measures elapsed time. */
 #ifndef APPLET_TOOLS_BASE_STOPWATCH_H
 #define APPLET_TOOLS_BASE_STOPWATCH_H
 

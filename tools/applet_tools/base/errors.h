@@ -11,17 +11,17 @@
 
 namespace applet_tools {
 
-/** The caller asked for something that makes no sense; nothing was done. */
+/** An invalid request; nothing was done. */
 struct UsageError : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-/** The applet or the board could not do what was asked. */
+/** The applet or the board could not carry out the request. */
 struct Failure : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-/** The applet or a board is not to be had. */
+/** The applet or a board is not available. */
 struct Unavailable : Failure {
     using Failure::Failure;
 };
@@ -29,10 +29,10 @@ struct Unavailable : Failure {
 /** "-6000, value out of range". */
 std::string codeInWords(int code);
 
-/** True for a code of the applet, with a symbol; false for one of the runtime or the board. */
+/** True for a code of the applet, which has a symbol; false for a code of the runtime or the board. */
 bool isAppletCode(int code);
 
-/** The code that a number or a symbol such as "FG_ERR_OUT_OF_RANGE" means. */
+/** Converts a number or a symbol such as "FG_ERR_OUT_OF_RANGE" into the code. */
 std::optional<int> codeFrom(std::string_view word);
 
 /** {"code": -6000, "symbol": "FG_ERR_OUT_OF_RANGE", "meaning": "value out of range"}. */

@@ -26,10 +26,10 @@ namespace fs = std::filesystem;
     throw Failure(inQuotes(toUtf8(file.c_str())) + " cannot be written: " + reason);
 }
 
-/** With errno as the reason. */
+/** Throws with errno as the reason. */
 [[noreturn]] void fail(const std::string& file) { fail(file, std::strerror(errno)); }
 
-/** The folder of the path, which may have none. */
+/** The folder part of the path, which may be empty. */
 fs::path folderOf(const fs::path& path) {
     return path.has_parent_path() ? path.parent_path() : fs::path(".");
 }
@@ -39,7 +39,7 @@ fs::path canonicalFolderOf(const fs::path& path) {
     return fs::canonical(folderOf(path), ignored);
 }
 
-/** The links of /proc, such as those behind /dev/stdout, lead to open files, and their texts are no paths. */
+/** Links of /proc, such as the targets of /dev/stdout, refer to open files; their texts are not paths. */
 bool isInProc(const fs::path& path) { return canonicalFolderOf(path).string().starts_with("/proc/"); }
 
 /** Follows the symbolic links at the end of the path. */
@@ -51,14 +51,14 @@ fs::path behindLinks(fs::path path) {
     return path;
 }
 
-/** The number of an open file of this process, for a path such as /dev/stdout or /dev/fd/7. */
+/** The descriptor number that a path such as /dev/stdout or /dev/fd/7 names. */
 std::optional<int> ownDescriptor(const fs::path& path) {
     std::error_code error;
     if (canonicalFolderOf(path) != fs::canonical("/proc/self/fd", error) || error) return std::nullopt;
     return wholeNumber<int>(path.filename().string());
 }
 
-/** Keeps the signals that end the program waiting, so that no half-made file is left behind. */
+/** Blocks the signals that end the program, so that no partial file is left behind. */
 class SignalsHeldBack {
 public:
     SignalsHeldBack() {
@@ -76,8 +76,8 @@ private:
     sigset_t m_before{};
 };
 
-/** A new file that is to take the place of another one in the same folder. It has no name while it is written, where
- *  the file system can do that: then nothing is left of it if the program is killed meanwhile. */
+/** A new file that is to replace another one in the same folder. It has no name while it is written, if the
+ *  file system supports that: then nothing is left of it if the program is killed meanwhile. */
 class Replacement {
 public:
     explicit Replacement(fs::path target) : m_target(std::move(target)) {
@@ -110,25 +110,25 @@ public:
         if (rename(m_temporary.c_str(), m_target.c_str()) != 0) fail(m_target);
         m_temporary.clear();
         const int folder = open(folderOf(m_target).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-        if (folder < 0) return; // may be written to, but not read
+        if (folder < 0) return; // the folder may be writable but not readable
         fsync(folder);
         close(folder);
     }
 
 private:
-    static constexpr mode_t modeOfNewFile = 0666; // less the umask
+    static constexpr mode_t modeOfNewFile = 0666; // before the umask
 
     void requireWritableTarget() {
         m_isNew = stat(m_target.c_str(), &m_before) != 0;
         if (m_isNew && errno != ENOENT) fail(m_target);
         if (m_isNew && !m_target.has_filename()) fail(m_target, std::strerror(EISDIR));
-        // The folder alone decides on a rename, but a protected file is to stay.
+        // Rename only checks the folder's permissions; a read-only file must not be replaced.
         if (!m_isNew && faccessat(AT_FDCWD, m_target.c_str(), W_OK, AT_EACCESS) != 0) fail(m_target);
     }
 
     bool keepAttributes() {
         if (m_isNew) return true;
-        // Only root can give a file away; for everybody else the new file is their own.
+        // Only root can change the owner; otherwise the new file belongs to the user.
         const bool isGiven = fchown(m_descriptor, m_before.st_uid, m_before.st_gid) == 0;
         const mode_t setIds = isGiven ? 0 : S_ISUID | S_ISGID;
         return fchmod(m_descriptor, m_before.st_mode & 07777 & ~setIds) == 0;
@@ -155,7 +155,7 @@ private:
     int m_descriptor = -1;
 };
 
-/** True for what is written to and not replaced. */
+/** True if the path is written to in place instead of being replaced. */
 bool isSpecial(const fs::path& path) {
     struct stat status {};
     return isInProc(path) || (stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode));
@@ -195,7 +195,7 @@ std::optional<std::string> textOfFile(const std::string& path) {
 
 void openStandardStreams() {
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
-        // The lowest free number is the one that open() takes.
+        // open() returns the lowest free number.
         if (fcntl(stream, F_GETFD) < 0) open("/dev/null", O_RDONLY);
 }
 
@@ -245,7 +245,7 @@ struct OutputFile::State {
 
     const fs::path path;
     std::optional<Replacement> replacement;
-    int descriptor = -1; // of what is written to and not replaced
+    int descriptor = -1; // if written in place
 };
 
 OutputFile::OutputFile(const std::string& file) : m_state(std::make_unique<State>(file)) {}

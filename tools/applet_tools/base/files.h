@@ -1,4 +1,4 @@
-/** Files that are read and written as a whole. */
+/** Reads and writes whole files. */
 #ifndef APPLET_TOOLS_BASE_FILES_H
 #define APPLET_TOOLS_BASE_FILES_H
 
@@ -8,17 +8,17 @@
 
 namespace applet_tools {
 
-/** The text of a regular file; nothing where there is none that can be read. */
+/** The text of a regular file; empty if there is no readable one. */
 std::optional<std::string> textOfFile(const std::string& path);
 
 /**
- * Writes the file as a whole or not at all: the content goes to a new file in the same folder, which takes the place
- * of the old one, with its mode, once all of it is on the disk. A symbolic link stays and the file behind it is
- * replaced. A device, a pipe or a descriptor of the process is written to. Throws Failure.
+ * Writes the whole file or nothing: the content goes to a new file in the same folder, which replaces the old
+ * one and takes its mode once all of it is on disk. A symbolic link is kept and its target is replaced.
+ * A device, a pipe or a descriptor of the process is written to in place. Throws Failure.
  */
 void writeFile(const std::string& file, const std::string& content);
 
-/** A file that is written piece by piece, and is there as a whole or not at all, as by writeFile. */
+/** A file that is written in pieces and, like with writeFile, replaced as a whole or not at all. */
 class OutputFile {
 public:
     /** Throws Failure. */
@@ -29,7 +29,7 @@ public:
 
     /** Throws Failure. */
     void add(const std::string& content);
-    /** Puts it in its place; without it nothing is left. Throws Failure. */
+    /** Moves the file into place; without this call nothing remains. Throws Failure. */
     void finish();
 
 private:
@@ -37,14 +37,14 @@ private:
     std::unique_ptr<State> m_state;
 };
 
-/** Throws Failure, as writeFile would, when the file cannot be written for another reason than a full disk. */
+/** Throws Failure, like writeFile, if the file cannot be written for a reason other than a full disk. */
 void requireWritable(const std::string& file);
 
-/** Opens what is closed of the standard streams, so that no file of the program gets the number of one: standard input
- *  is at its end, and each write to the other two fails. */
+/** Opens the standard streams that are closed, so that no file of the program gets one of their numbers.
+ *  Standard input then is at its end, and each write to the other two fails. */
 void openStandardStreams();
 
-/** Writes to the descriptor until all is out. False, with errno, when that fails. */
+/** Writes all of it to the descriptor. False, with errno, if that fails. */
 bool writeAll(int descriptor, const std::string& content);
 
 } // namespace applet_tools

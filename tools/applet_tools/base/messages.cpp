@@ -15,13 +15,13 @@ namespace {
 
 using nlohmann::json;
 
-/** A message is its size in bytes, in the byte order of the machine, and then the value as CBOR. */
+/** A message is its size in bytes, in native byte order, followed by the value as CBOR. */
 using Size = std::uint64_t;
 
 constexpr std::size_t mostDescriptors = 8;
 using Control = std::array<char, CMSG_SPACE(sizeof(int) * mostDescriptors)>;
 
-/** Descriptors travel with the first byte. */
+/** Descriptors are sent with the first byte. */
 ssize_t sendSome(int socket, std::uint8_t* bytes, std::size_t count, std::span<const int> descriptors) {
     iovec part{bytes, count};
     msghdr header{};

@@ -1,4 +1,4 @@
-/** Messages between processes: JSON values over a local stream socket, with open files beside them. */
+/** Messages between processes: JSON values over a local stream socket, with optional open files. */
 #ifndef APPLET_TOOLS_BASE_MESSAGES_H
 #define APPLET_TOOLS_BASE_MESSAGES_H
 
@@ -16,26 +16,26 @@
 
 namespace applet_tools {
 
-/** Sends the message; the other side gets open files of its own for the descriptors, at most eight. A dead socket
- *  raises no signal. False when the other side is gone. */
+/** Sends the message; the receiver gets its own copies of the descriptors, at most eight. A closed socket
+ *  raises no signal. False when the receiver has closed. */
 bool sendMessage(int socket, const nlohmann::json& message, std::span<const int> descriptors = {});
 
-/** Reads messages from one socket, which it does not own. What the other side sends may be anything. */
+/** Reads messages from a socket that it does not own. The sender is not trusted. */
 class MessageReader {
 public:
-    /** A longer message than `mostBytes` is refused before memory is taken for it. */
+    /** A message longer than `mostBytes` is refused before memory is allocated for it. */
     explicit MessageReader(int socket, std::size_t mostBytes = std::numeric_limits<std::size_t>::max())
         : m_socket(socket)
         , m_mostBytes(mostBytes) {}
 
-    /** Waits for a whole message. Nothing at the end of the stream or when the socket fails. Throws Failure for what
-     *  is not a message; the stream is of no use then. */
+    /** Waits for a whole message. Empty at the end of the stream or if the socket fails. Throws Failure for an
+     *  invalid message; the stream cannot be used after that. */
     std::optional<nlohmann::json> wait();
-    /** Reads what has arrived, without waiting. False at the end of the stream or when the socket fails. */
+    /** Reads the available bytes without waiting. False at the end of the stream or if the socket fails. */
     bool readArrived();
-    /** The next message, if one has arrived as a whole. Throws as wait(). */
+    /** The next complete message, if there is one. Throws like wait(). */
     std::optional<nlohmann::json> next();
-    /** The descriptors that have come with the messages since they were last taken. */
+    /** Takes the descriptors received since the last call. */
     std::vector<Descriptor> takeDescriptors() { return std::exchange(m_descriptors, {}); }
 
 private:
@@ -43,7 +43,7 @@ private:
 
     int m_socket;
     std::size_t m_mostBytes;
-    std::vector<std::uint8_t> m_bytes; // that have arrived and were not taken
+    std::vector<std::uint8_t> m_bytes; // received bytes that are not yet consumed
     std::vector<Descriptor> m_descriptors;
 };
 

@@ -21,7 +21,7 @@ double rounded(double number) {
     return floatingNumber({text, end}).value_or(number);
 }
 
-/** One in the last digit that is shown. */
+/** One unit in the last displayed digit. */
 double lastDigit(double number) {
     return std::pow(10, std::floor(std::log10(std::fabs(number))) - (shownDigits - 1));
 }

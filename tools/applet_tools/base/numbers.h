@@ -1,4 +1,4 @@
-/** Numbers as a user types and reads them. */
+/** Parses and formats numbers for users. */
 #ifndef APPLET_TOOLS_BASE_NUMBERS_H
 #define APPLET_TOOLS_BASE_NUMBERS_H
 
@@ -13,23 +13,23 @@
 
 namespace applet_tools {
 
-/** A number as a person reads it: 12 significant digits, so that 3999.9999999999995 is 4000; without an exponent
+/** A number for display: 12 significant digits, so that 3999.9999999999995 is 4000; without an exponent
  *  from 1e-9 to 1e15. */
 std::string numberText(double number);
 template <typename Integer> std::string numberText(Integer number) { return std::to_string(number); }
 
-/** The next number that numberText shows as it is, and that is not above, or not below, this one. */
+/** The nearest number that numberText shows exactly and that is not above, or not below, this one. */
 double roundedDown(double number);
 double roundedUp(double number);
 
-/** A number in its shortest form that reads back the same, for what is typed or read by a program. */
+/** The shortest form of a number that reads back exactly, for input to a command or a program. */
 std::string exactText(double number);
 template <typename Integer> std::string exactText(Integer number) { return std::to_string(number); }
 
 /** "0x1f". */
 std::string hexText(std::uint64_t number);
 
-/** A whole number, decimal or 0x..., with or without sign, to the last character. */
+/** Parses the whole text as an integer, decimal or 0x..., with or without sign. */
 template <typename Integer> std::optional<Integer> wholeNumber(std::string_view text) {
     const bool negative = text.starts_with('-');
     if (negative || text.starts_with('+')) text.remove_prefix(1);
@@ -51,7 +51,7 @@ template <typename Integer> std::optional<Integer> wholeNumber(std::string_view 
     return static_cast<Integer>(-static_cast<std::int64_t>(magnitude - 1) - 1);
 }
 
-/** A finite number such as 19.5 or 1e-3, to the last character. */
+/** Parses the whole text as a finite number such as 19.5 or 1e-3. */
 std::optional<double> floatingNumber(std::string_view text);
 
 } // namespace applet_tools

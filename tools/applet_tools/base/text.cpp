@@ -10,7 +10,7 @@ unsigned char byteAt(std::string_view text, std::size_t i) { return static_cast<
 
 bool isContinuation(unsigned char byte) { return (byte & 0xC0) == 0x80; }
 
-/** Length of the UTF-8 sequence at `i`, or 0 where there is none (overlong forms and surrogates included). */
+/** Length of the UTF-8 sequence at `i`; 0 if it is invalid (overlong forms and surrogates included). */
 std::size_t sequenceLength(std::string_view text, std::size_t i) {
     const unsigned char first = byteAt(text, i);
     if (first < 0x80) return 1;
@@ -61,7 +61,7 @@ std::string printable(std::string_view text) {
     };
     for (std::size_t i = 0; i < text.size(); ++i) {
         const unsigned char byte = byteAt(text, i);
-        // U+0080 to U+009F are control characters as well, and some terminals obey them.
+        // U+0080 to U+009F are control characters too, and some terminals execute them.
         const bool isUpperControl =
             byte == 0xC2 && i + 1 < text.size() && (byteAt(text, i + 1) & 0xE0) == 0x80;
         if (isUpperControl) {
@@ -133,7 +133,7 @@ std::string join(const std::vector<std::string>& parts, std::string_view separat
 }
 
 std::size_t editDistance(std::string_view a, std::string_view b) {
-    // How far such unlike words are apart is of no use, and their table takes time.
+    // For such different words the exact distance is useless, and its table is expensive.
     constexpr std::size_t farthest = 64;
     const std::size_t least = std::max(a.size(), b.size()) - std::min(a.size(), b.size());
     if (least > farthest) return least;
@@ -179,7 +179,7 @@ std::vector<std::string> nearestWords(std::string_view word, const std::vector<s
 
 namespace {
 
-/** The least editDistance between the word and any part of the text. */
+/** The smallest editDistance between the word and any part of the text. */
 std::size_t distanceToPart(std::string_view word, std::string_view text) {
     std::vector<std::size_t> row(text.size() + 1); // a part may begin anywhere
     for (std::size_t i = 0; i < word.size(); ++i) {

@@ -1,4 +1,4 @@
-/** Text helpers: encodings, cases, joining. */
+/** Text helpers: encodings, case, joining. */
 #ifndef APPLET_TOOLS_BASE_TEXT_H
 #define APPLET_TOOLS_BASE_TEXT_H
 
@@ -9,41 +9,42 @@
 
 namespace applet_tools {
 
-/** The applet's texts are ISO 8859-1, those of a user usually UTF-8: valid UTF-8 stays, all else is taken for
- *  ISO 8859-1 and converted. Null gives the empty text. */
+/** Converts a text of the applet (ISO 8859-1) or a user (usually UTF-8): valid UTF-8 is kept, anything else is
+ *  converted from ISO 8859-1. Null gives the empty text. */
 std::string toUtf8(const char* text);
 
 /** The text with control characters as \xNN, so that it cannot disturb a terminal. */
 std::string printable(std::string_view text);
 
-/** The text in double quotes, printable, with its own quotes and backslashes behind a backslash. */
+/** The text in double quotes, printable, with its quotes and backslashes escaped by a backslash. */
 std::string inQuotes(std::string_view text);
 
-/** Number of characters of a UTF-8 text; the sequences that colour it take no room. */
+/** Number of characters of a UTF-8 text; colour sequences do not count. */
 std::size_t displayWidth(std::string_view text);
 
-/** The beginning of a UTF-8 text that is longer than so many bytes, with its length in brackets. */
+/** Truncates a UTF-8 text that is longer than this many bytes and appends its length in brackets. */
 std::string shortened(const std::string& text, std::size_t mostBytes);
 
-/** A word that the user has typed, printable, in single quotes; of a very long one the beginning. */
+/** A word typed by the user, printable, in single quotes; a very long one is truncated. */
 std::string inQuotedWord(std::string_view word);
 
-/** The word as a shell takes it: in double quotes where it holds a blank or another character with a meaning. */
+/** The word quoted for a shell: in double quotes if it contains a blank or a special character. */
 std::string asShellWord(std::string_view word);
 
 std::string lowerCase(std::string_view text);
 
 std::string join(const std::vector<std::string>& parts, std::string_view separator);
 
-/** Number of single characters to insert, remove or replace to make `a` into `b`; at least so many where the lengths
+/** Number of single characters to insert, remove or replace to turn `a` into `b`; a lower bound if the lengths
  *  differ much. */
 std::size_t editDistance(std::string_view a, std::string_view b);
 
-/** The candidates that a user may have meant by the word, the likeliest first, at most three. Case and the prefix
- *  "FG_" do not count; a part of a candidate is near to it. */
+/** The candidates that a user may have meant by the word, the likeliest first, at most three. Ignores case and
+ *  the prefix "FG_"; a part of a candidate counts as similar to it. */
 std::vector<std::string> nearestWords(std::string_view word, const std::vector<std::string>& candidates);
 
-/** The candidates that hold a part that is nearest to the word, at most three: a misspelt part of a name. */
+/** The candidates with the part that is most similar to the word, at most three: for a misspelt part of a
+ *  name. */
 std::vector<std::string> nearestParts(std::string_view word, const std::vector<std::string>& candidates);
 
 /** "; did you mean A or B?"; empty without names. */

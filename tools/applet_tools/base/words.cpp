@@ -7,7 +7,7 @@ namespace {
 
 constexpr const char* blanks = " \t\r\n";
 
-/** Takes one word from `place` on, which is behind it afterwards; true if it is complete. */
+/** Parses one word at `place` and advances `place` past it; true if the word is complete. */
 bool takeWord(const std::string& text, std::size_t& place, std::string& word) {
     char quote = '\0';
     for (; place < text.size(); ++place) {
@@ -16,7 +16,7 @@ bool takeWord(const std::string& text, std::size_t& place, std::string& word) {
         if (c == '\\' && quote != '\'') {
             if (place + 1 == text.size()) return false;
             const char next = text[place + 1];
-            // In double quotes a backslash is itself before all other characters.
+            // In double quotes a backslash before any other character is kept.
             if (quote == '"' && next != '"' && next != '\\') word += c;
             word += next;
             ++place;

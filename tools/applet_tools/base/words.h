@@ -1,4 +1,4 @@
-/** A line of a shell or a scenario as words. */
+/** Splits a line of a shell or a scenario into words. */
 #ifndef APPLET_TOOLS_BASE_WORDS_H
 #define APPLET_TOOLS_BASE_WORDS_H
 
@@ -10,21 +10,21 @@ namespace applet_tools {
 
 using Words = std::vector<std::string>;
 
-/** Words as sh reads them: parted by blanks, with '..', ".." and backslashes for what a blank or a quote is
- * to be part of; # at the beginning of a word starts a comment. */
+/** Words as sh reads them: separated by blanks, with '..', ".." and backslashes to quote blanks and quotes;
+ * # at the beginning of a word starts a comment. */
 struct WordLine {
     Words words;
-    std::vector<std::size_t> places; /**< where each word begins in the text */
-    std::size_t end = 0;             /**< of the last word */
-    bool isOpen = false;             /**< a quote is not closed, or the last character is a lone backslash */
+    std::vector<std::size_t> places; /**< position of each word in the text */
+    std::size_t end = 0;             /**< end of the last word */
+    bool isOpen = false;             /**< an unclosed quote, or a lone backslash at the end */
 };
 
 WordLine splitLine(const std::string& text);
 
-/** The line's text from that word on, with its quotes. */
+/** The line's text from that word on, including quotes. */
 std::string textFrom(const std::string& text, const WordLine& line, std::size_t word);
 
-/** The words as one line that reads as the same words again. */
+/** Joins the words into a line that parses to the same words. */
 std::string joinWords(const Words& words);
 
 } // namespace applet_tools

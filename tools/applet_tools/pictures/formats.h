@@ -1,4 +1,4 @@
-/** Pictures as files. */
+/** Picture file formats. */
 #ifndef APPLET_TOOLS_PICTURES_FORMATS_H
 #define APPLET_TOOLS_PICTURES_FORMATS_H
 
@@ -12,26 +12,26 @@
 
 namespace applet_tools {
 
-/** A way to write a picture. Those that need a library which the program was built without throw Unavailable. */
+/** A picture file format. Its functions throw Unavailable if the program was built without the library. */
 struct PictureFormat {
     const char* name;
-    const char* suffix;      /**< of files: ".png" */
+    const char* suffix;      /**< of file names: ".png" */
     const char* otherSuffix; /**< or null */
     std::string (*encode)(const PictureView& picture);
 };
 
 std::span<const PictureFormat> pictureFormats();
 
-/** By its name. Throws UsageError. */
+/** Finds a format by its name. Throws UsageError. */
 const PictureFormat& formatNamed(const std::string& name);
-/** By the end of the file's name. Throws UsageError with the advice. */
+/** Finds a format by the end of a file name. Throws UsageError with `advice`. */
 const PictureFormat& formatOfFile(const std::string& file, const std::string& advice);
 
-/** Red, green, blue with 8 bits, or with 16 if the picture has more; the file notes how many of them count. */
+/** Red, green, blue with 8 bits, or with 16 if the picture has more; the file records the significant bits. */
 std::string encodePng(const PictureView& picture);
 /** The same as one page with LZW compression. */
 std::string encodeTiff(const PictureView& picture);
-/** A TIFF file of several pages, in memory. */
+/** A TIFF file with several pages, in memory. */
 class TiffPages {
 public:
     TiffPages();
@@ -39,9 +39,9 @@ public:
     TiffPages(TiffPages&&) noexcept;
     TiffPages& operator=(TiffPages&&) noexcept;
 
-    /** One more page, as encodeTiff makes it. Throws Failure when a file cannot be as large. */
+    /** Adds a page, as encodeTiff makes it. Throws Failure when the file would be too large. */
     void add(const PictureView& picture);
-    /** The file with the pages so far. */
+    /** The file with all pages so far. */
     const std::string& bytes() const;
 
 private:
@@ -49,13 +49,13 @@ private:
     std::unique_ptr<State> m_state;
 };
 
-/** Red, green, blue with the largest value that the picture's bits allow (Netpbm P6). */
+/** Red, green, blue with the maximum for the picture's bits (Netpbm P6). */
 std::string encodePpm(const PictureView& picture);
 
-/** The SHA-256 of the picture's bytes as they are in memory, in hexadecimal digits. */
+/** The SHA-256 of the picture's bytes in memory, in hexadecimal. */
 std::string sha256Of(const PictureView& picture);
 
-/** A file name in which %d, or %06d, stands for the number of a picture, and %% for a percent. */
+/** A file name in which %d, or %06d, is replaced by the number of a picture, and %% by a percent sign. */
 class NumberedName {
 public:
     /** Throws UsageError for another %. */
@@ -70,23 +70,24 @@ private:
     bool m_isNumbered = false;
 };
 
-/** Where pictures are written to, and how. */
+/** Writes pictures to files. */
 class PictureFiles {
 public:
-    /** The format is that of the file's name if none is given. Throws UsageError for a name or a format that is none:
-     *  `advice` is what to do where the name has no format. */
+    /** The format follows from the file name if none is given. Throws UsageError for an invalid name or format;
+     *  `advice` is shown if the name implies no format. */
     PictureFiles(const std::string& pattern, const std::string& format, const std::string& advice);
 
-    /** From now on so many pictures come; 0: it is not known how many. A TIFF without a number in its name takes several as
-     *  its pages; throws UsageError for another one file, but not for "-", the standard output. */
+    /** Sets the number of pictures to come; 0 if unknown. A TIFF file without a number in its name takes
+     *  several as its pages; for any other single file it throws UsageError, except for "-", the standard
+     *  output. */
     void expect(std::int64_t pictures);
 
     std::string name(std::int64_t number) const { return m_name.of(number); }
     bool isRaw() const;
-    /** Writes the picture as a whole or not at all, or keeps it as a page, and gives the name of the file. Throws
+    /** Writes the whole picture or nothing, or keeps it as a page; returns the name of the file. Throws
      *  Failure. */
     std::string write(const PictureView& picture, std::int64_t number);
-    /** What is to be written of the picture: nothing for a page. */
+    /** The bytes to write for the picture; empty for a page. */
     std::string encode(const PictureView& picture);
     /** The file with all pages; empty if there is none. */
     const std::string& pages() const;

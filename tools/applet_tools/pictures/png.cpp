@@ -11,7 +11,7 @@
 namespace applet_tools {
 namespace {
 
-/** The library's two structures, and what they write to. */
+/** The library's two structures, and the destination of its output. */
 class Writer {
 public:
     Writer()
@@ -23,7 +23,7 @@ public:
     Writer(const Writer&) = delete;
     Writer& operator=(const Writer&) = delete;
 
-    /** False, with the reason, when the library fails. */
+    /** False, with the reason, if the library reports an error. */
     bool write(const PictureView& picture);
 
     std::string file;
@@ -33,7 +33,7 @@ private:
     void writeHead(const PictureView& picture);
     void writeLine(const PictureView& picture, std::uint32_t y);
 
-    // The library goes back to setjmp after an error, so no exception goes through it.
+    // The library calls longjmp on an error, so no exception may pass through it.
     [[noreturn]] static void failed(png_structp png, const char* reason) {
         static_cast<Writer*>(png_get_error_ptr(png))->reason = reason;
         png_longjmp(png, 1);
@@ -101,7 +101,7 @@ public:
     Reader(const Reader&) = delete;
     Reader& operator=(const Reader&) = delete;
 
-    /** False, with the reason, when the library fails. In between the image gets its size. */
+    /** False, with the reason, if the library reports an error. Sets the size of the image once it is known. */
     bool readHead();
     bool readRows();
 
@@ -158,7 +158,7 @@ bool Reader::readRows() {
     return true;
 }
 
-/** Without an object of its own: none is left behind by an error. */
+/** Has no local objects, as a longjmp would not destroy them. */
 bool Reader::readInto(png_bytepp rows) {
     if (setjmp(png_jmpbuf(m_png)) != 0) return false;
     png_read_image(m_png, rows);

@@ -1,4 +1,4 @@
-/** The range of the values of a picture, by colour. */
+/** Statistics of a picture's values, by colour. */
 #ifndef APPLET_TOOLS_PICTURES_STATISTICS_H
 #define APPLET_TOOLS_PICTURES_STATISTICS_H
 
@@ -11,15 +11,15 @@
 
 namespace applet_tools {
 
-/** Of the components of one colour, one picture or several. */
+/** Statistics of the components of one colour, over one or several pictures. */
 struct ColourStatistics {
     std::uint16_t minimum = 0xffff, maximum = 0;
     std::uint64_t count = 0, sum = 0;
-    std::uint64_t clipped = 0; /**< components with the largest value that their bits allow */
+    std::uint64_t clipped = 0; /**< components with the maximum for their bits */
 
     void add(const ColourStatistics& other);
     double mean() const;
-    /** From 0 to 1. */
+    /** Share of clipped components, from 0 to 1. */
     double clippedShare() const;
 };
 
@@ -32,7 +32,7 @@ struct PictureStatistics {
 
 PictureStatistics statisticsOf(const PictureView& picture);
 
-/** {"red": {"minimum", "mean", "maximum", "clipped"}, "green": ..., "blue": ...}; without a value null. */
+/** {"red": {"minimum", "mean", "maximum", "clipped"}, "green": ..., "blue": ...}; null if there is no value. */
 nlohmann::ordered_json asJson(const PictureStatistics& statistics);
 
 } // namespace applet_tools

@@ -12,7 +12,7 @@
 namespace applet_tools {
 namespace {
 
-/** A file in memory with a place to write at. */
+/** A file in memory with a write position. */
 struct MemoryFile {
     std::string bytes;
     std::size_t place = 0;
@@ -32,7 +32,7 @@ tmsize_t readFrom(thandle_t handle, void* bytes, tmsize_t size) {
 tmsize_t writeTo(thandle_t handle, void* bytes, tmsize_t size) {
     MemoryFile& file = fileOf(handle);
     const std::size_t end = file.place + static_cast<std::size_t>(size);
-    try { // no exception goes through the library
+    try { // no exception may pass through the library
         if (end > file.bytes.size()) file.bytes.resize(end);
     } catch (const std::bad_alloc&) {
         return -1;
@@ -114,7 +114,7 @@ const std::string& TiffPages::bytes() const { return m_state->file.bytes; }
 
 namespace {
 
-/** Rows of 16 bits, of three components or of grey, as they are in the file. */
+/** Reads rows of 16 bits, with three components or grey, without conversion. */
 bool readWideRows(TIFF* tiff, std::uint16_t samples, PixelImage& image) {
     std::vector<std::uint16_t> row(static_cast<std::size_t>(TIFFScanlineSize(tiff)) / 2 + 1);
     for (std::uint32_t y = 0; y < image.height; ++y) {
@@ -126,7 +126,7 @@ bool readWideRows(TIFF* tiff, std::uint16_t samples, PixelImage& image) {
     return true;
 }
 
-/** Everything else, with 8 bits. */
+/** Reads all other kinds with 8 bits. */
 bool readNarrowRows(TIFF* tiff, PixelImage& image) {
     std::vector<std::uint32_t> pixels(std::size_t{image.width} * image.height);
     const int isStopping = 1;

@@ -15,7 +15,7 @@ namespace applet_tools {
 
 namespace {
 
-/** Sets the parameter if it holds something else, or in any case; true if it took the value. */
+/** Sets the parameter if its value differs, or always with `inAnyCase`; true if the set was accepted. */
 bool bring(Instance& instance, const Parameter& parameter, const json& wanted, bool inAnyCase = false) {
     const Target target = wholeOf(parameter);
     return (inAnyCase || !holds(instance, parameter, wanted)) &&
@@ -37,7 +37,8 @@ json asMessage(const Value& value) {
             using T = std::decay_t<decltype(native)>;
             if constexpr (std::is_same_v<T, std::string>)
                 return asBytes(native);
-            else if constexpr (std::is_same_v<T, Elements>) // a number each would take most of the time
+            else if constexpr (std::is_same_v<T,
+                                              Elements>) // as bytes, for speed
                 return asBytes(
                     {reinterpret_cast<const char*>(native.data()), native.size() * sizeof native[0]});
             else if constexpr (std::is_same_v<T, WholeArray>)
@@ -50,7 +51,7 @@ json asMessage(const Value& value) {
 
 namespace {
 
-/** Takes the value of the message in the type that `value` has. */
+/** Converts the value of the message to the type of `value`. */
 void assign(Value& value, const json& message) {
     std::visit(
         [&](auto& native) {
@@ -105,9 +106,9 @@ Target wholeOf(const Parameter& parameter) {
 
 namespace {
 
-/** Arrays are long and asked for often: they are read into one place, and compared where they are. */
+/** Arrays are long and read often: they share one buffer and are compared in it. */
 bool hasBytes(Instance& instance, const Target& target, const json::binary_t& bytes) {
-    static Elements elements; // of the process, which has one thread
+    static Elements elements; // of the process; it has one thread
     elements.resize(target.elements->count());
     FieldParameterAccess run{.vtype = FG_PARAM_UINT32,
                              .index = target.elements->first,
@@ -138,7 +139,7 @@ Wanted wantedFrom(const ParameterList& parameters, const json& values) {
 }
 
 void bringAbout(Instance& instance, const Wanted& wanted) {
-    // One value can block another, so as long as one more is taken there is another round.
+    // One value can block another, so repeat as long as a round has set one more.
     constexpr int mostRounds = 8;
     bool moved = true;
     for (int round = 0; moved && round < mostRounds; ++round) {
@@ -164,7 +165,7 @@ void storeByLoad(Instance& instance, const Wanted& wanted) {
     const MemoryFile file;
     file.write(state->text());
     loadConfiguration(instance, file.configurationPath());
-    bringAbout(instance, wanted); // a load computes the tables anew
+    bringAbout(instance, wanted); // a load computes the tables again
 }
 
 json valuesOf(Instance& instance, const ParameterList& parameters) {

@@ -1,4 +1,4 @@
-/** What the design of a scratch board holds, and what of it is written anew. */
+/** A snapshot of the design's values on a scratch board, to find changes. */
 #ifndef APPLET_TOOLS_SCRATCH_DESIGNSNAPSHOT_H
 #define APPLET_TOOLS_SCRATCH_DESIGNSNAPSHOT_H
 
@@ -10,21 +10,21 @@
 
 namespace applet_tools {
 
-/** A value of the design that became another one. */
+/** A changed value of the design. */
 struct DesignChange {
     std::string parameter; /**< without prefix: "Device1_..." */
-    Value before, after;   /**< numbers; of an array how many elements it has, and how many of them changed */
+    Value before, after;   /**< numbers; for an array its size, and the number of changed elements */
 
     bool operator==(const DesignChange&) const = default;
 };
 
-/** Numbers of the design by their names; of an array its elements. */
+/** Numbers of the design by name; for an array its elements. */
 class DesignSnapshot {
 public:
     explicit DesignSnapshot(ScratchSession& session);
 
     const std::map<std::string, Value>& numbers() const { return m_numbers; }
-    /** Differences to `later`, by name, by name. */
+    /** Differences to `later`, sorted by name. */
     std::vector<DesignChange> changesTo(const DesignSnapshot& later) const;
 
 private:

@@ -12,7 +12,7 @@
 namespace applet_tools {
 namespace {
 
-/** Calls `use` for what the applet writes of the design: the rest is status. */
+/** Calls `use` for the design parameters that the applet writes; the rest is status. */
 template <typename Use> void forWrittenDesign(Instance& instance, Use use) {
     const ParameterList design(instance, ParameterList::Scope::design);
     for (const Parameter& parameter : design.all())
@@ -28,7 +28,7 @@ json writtenDesign(Instance& instance) {
     return values;
 }
 
-/** For what no setter brings back, such as an exposure above a period that was lowered afterwards. */
+/** Restores values that no setter accepts, such as an exposure above a period that was lowered afterwards. */
 void writeDesign(Instance& instance, const json& wanted) {
     forWrittenDesign(instance, [&](const Parameter& parameter) {
         const auto value = wanted.find(parameter.name);
@@ -44,7 +44,7 @@ json accessOf(const ParameterList& parameters) {
     return access;
 }
 
-/** Null for a parameter that has none at this moment: they may come and go. */
+/** Null if it has none at this moment: records may be added and removed. */
 json publishedLimitsOf(const ParameterList& parameters) {
     json limits = json::object();
     for (const Parameter& parameter : parameters.all()) {
@@ -61,7 +61,7 @@ bool allHold(Instance& instance, const Wanted& wanted) {
         wanted, [&](const auto& value) { return holds(instance, *value.first, *value.second); });
 }
 
-/** A rate that the present mode computes, for one. */
+/** True for values such as a rate that the present mode computes. */
 bool isComputedNow(const Parameter& parameter) {
     return parameter.kind() == REGISTER_KIND_DOUBLE && accessWord(parameter) == "ro";
 }
@@ -95,7 +95,7 @@ void History::begin(const std::string& line) {
     try {
         m_begin = now();
         m_begin->line = line;
-    } catch (const std::runtime_error&) { // no applet, which the command then says
+    } catch (const std::runtime_error&) { // no applet; the command reports that
         m_begin.reset();
     }
 }
@@ -119,8 +119,9 @@ Wanted History::wantedValues(const Moment& moment) {
     return wanted;
 }
 
-/** The values hold, and yet access or design differ: a refused set may have moved them before it failed, or the
- *  parameter does not read what it was set to. Modes are set again only for the access, which they move. */
+/** Used if the values are equal but access or design differ: a refused set may have changed them before it
+ *  failed, or the parameter reads back another value than it was set to. Modes are set again only to restore
+ *  access. */
 void History::rewrite(const Wanted& wanted, bool withModes) {
     Instance& instance = m_live.instance();
     for (const auto& [parameter, value] : wanted) {

@@ -1,4 +1,4 @@
-/** What a board was before each command, and the way back. */
+/** The state of a board before each command, for undo. */
 #ifndef APPLET_TOOLS_SCRATCH_HISTORY_H
 #define APPLET_TOOLS_SCRATCH_HISTORY_H
 
@@ -12,13 +12,13 @@
 
 namespace applet_tools {
 
-/** What taking a step back came to. */
+/** The result of undoing a step. */
 struct Undone {
-    /** A setting that the step had changed, as it is now. */
+    /** A setting that the step had changed, with its restored value. */
     struct Setting {
         Target target;
         ReadResult now;
-        /** A rate of the simulator that a load of a file has moved by one cycle of its clock. */
+        /** A simulator rate that a load of a file has moved by one clock cycle. */
         bool isNextCycle = false;
     };
     struct DesignNumber {
@@ -27,32 +27,32 @@ struct Undone {
 
     std::string line; /**< of the command that was undone */
     std::vector<Setting> settings;
-    std::vector<DesignNumber> design; /**< what else has moved of the design, where no setting has */
-    Words notAsBefore;                /**< names of what differs from the state before the step */
-    Words otherLimits{}; /**< parameters whose published limits differ; only their own sets compute them */
+    std::vector<DesignNumber> design; /**< other changes of the design, without a changed setting */
+    Words notAsBefore;                /**< names of values that still differ from the state before the step */
+    Words otherLimits{}; /**< parameters with different published limits; only their own sets compute them */
 };
 
 class History {
 public:
     explicit History(LiveSession& live) : m_live(live) {}
 
-    /** To be called before a command, with its line, and after it. What it has changed becomes a step that can be
+    /** Call before a command, with its line, and after it. The changes in between become a step that can be
      *  undone. */
     void begin(const std::string& line);
     void end();
 
     bool hasSteps() const { return !m_steps.empty(); }
-    /** Takes the last step back; nothing if there is none. */
+    /** Undoes the last step; empty if there is none. */
     std::optional<Undone> undo();
 
 private:
-    /** What the setters make: values, access, and what they have written to the design. Measurements are left out,
-     *  since they move by themselves. */
+    /** Results of the setters: values, access, and the design's values. Measurements are left out,
+     *  since they change by themselves. */
     struct Moment {
         json values;
-        json design;        // none where it cannot be read, as offline
+        json design;        // null if it cannot be read, as offline
         json access;        // {NAME: BITS}
-        json limits;        // {NAME: [MINIMUM, MAXIMUM, INCREMENT]}; null without
+        json limits;        // {NAME: [MINIMUM, MAXIMUM, INCREMENT]}; null without limits
         std::string line{}; // the command that followed
     };
 
@@ -66,7 +66,7 @@ private:
     LiveSession& m_live;
     std::set<std::string> m_settable; // empty until asked for
     std::optional<Moment> m_begin;
-    std::vector<Moment> m_steps; // the last one at the end
+    std::vector<Moment> m_steps; // the latest at the end
 };
 
 } // namespace applet_tools

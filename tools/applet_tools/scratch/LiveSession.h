@@ -1,4 +1,4 @@
-/** A live applet, and a scratch board beside it to try things on. */
+/** A live applet with a scratch board to try things on. */
 #ifndef APPLET_TOOLS_SCRATCH_LIVESESSION_H
 #define APPLET_TOOLS_SCRATCH_LIVESESSION_H
 
@@ -17,62 +17,62 @@ namespace applet_tools {
 
 class ScratchSession;
 
-/** The live applet and the scratch board, each made when it is first asked for. Members that bring the applet up
- *  throw what Instance throws, those that ask the scratch board what ScratchBoard throws. */
+/** The live applet and the scratch board, each made on first use. Members that bring the applet up throw the
+ *  exceptions of Instance, those that use the scratch board those of ScratchBoard. */
 class LiveSession {
 public:
-    /** A scratch board splits the process, so it has to be wanted here, before any library is loaded. */
+    /** A scratch board forks the process, so it must be requested here, before any library is loaded. */
     enum class Scratch {
         none,
-        withoutDesign, /**< does not know the answers of the live design, which shows no parameters for it */
+        withoutDesign, /**< does not know the values of the live design, which publishes no parameters for it */
         wanted
     };
     ~LiveSession();
     LiveSession(const LiveSession&) = delete;
     LiveSession& operator=(const LiveSession&) = delete;
-    /** `jobs` are what the scratch board can be asked for, `observe` is for what waits for its answers. */
+    /** `jobs` are the scratch board's jobs; `observe` makes the observer of a wait for its answers. */
     explicit LiveSession(const BoardOptions& options, Scratch scratch = Scratch::none,
                          std::span<const JobRow> jobs = {}, ObserveWork observe = {});
 
-    /** A virtual board is the station that VBOARD_STATION names, if it names one. */
+    /** On a virtual board, sets up the station file named by VBOARD_STATION, if any. */
     Instance& instance();
-    /** False before the first use, and after a restart that failed. */
+    /** False before the first use, and after a failed restart. */
     bool isUp() const { return m_instance.has_value(); }
-    /** A fresh board and a new bring-up of the applet on it, from the libraries that are loaded. Parameters from
-     *  before are gone. */
+    /** Opens a fresh board and brings the applet up on it, with the loaded libraries. Invalidates existing
+     *  parameters. */
     void restart();
     const ParameterList& parameters();
-    /** Until `leaveCopy` the applet and its parameters are a copy of the live ones on another virtual board, which may
-     *  be changed. Not on a board of the system. */
+    /** Until `leaveCopy` the applet and its parameters are a copy of the live ones on another virtual board,
+     *  which may be modified. Not for a board of the system. */
     void enterCopy();
     void leaveCopy();
     bool isCopy() const { return m_copy != nullptr; }
-    /** False where the command wanted none; the three below may not be called then. */
+    /** False if the command did not request one; the three functions below may not be called then. */
     bool hasScratch() const { return m_scratch != nullptr; }
-    /** The scratch board, in the state that the live applet has now. */
+    /** The scratch board in the present state of the live applet. */
     ScratchBoard& scratch();
-    /** The scratch board with the live design's answers, and the values after the start. */
+    /** The scratch board with the live design's values and the start values of the parameters. */
     ScratchBoard& scratchAtDefaults();
-    /** The scratch board as the virtual board starts; the live applet is not looked at. */
+    /** The scratch board in the virtual board's start state; does not read the live applet. */
     ScratchBoard& bareScratch();
-    /** Names of what a read of the live applet does not measure: offline, all that comes from a board. It asks the
-     *  scratch board at the first time, so it has to be called before the scratch board is brought to a state. */
+    /** Names of parameters that the live applet cannot measure: offline, all that come from a board. The
+     *  first call uses the scratch board, so it must come before the scratch board takes over a state. */
     const std::set<std::string>& notMeasured();
-    /** Reads from the live applet, and marks what is not measured. */
+    /** Reads from the live applet, and marks values that are not measured. */
     ReadResult read(const Target& target);
-    /** What of the scratch board's state was assumed, when it was last asked for. */
+    /** Names of the state that the last scratch board assumed. */
     const Words& assumed() const { return m_assumed; }
-    /** Measured values that were, which no other answer depends on. */
+    /** The same for measured values; no other answer depends on them. */
     const Words& assumedMeasurements() const { return m_assumedMeasurements; }
 
-    /** How the answers came about, in words, since they were last taken. */
+    /** Takes the notes on how the answers were found, since the last call. */
     Words takeNotes();
 
-    /** From now on the live virtual board logs its accesses, those for a start state left out. */
+    /** From now on the live virtual board logs its accesses, except those of a start state. */
     void startTrace();
-    /** What was logged since it was last taken. */
+    /** Takes the log since the last call. */
     Words takeAccesses();
-    /** All that was taken. */
+    /** All lines taken so far. */
     const Words& accesses() const { return m_accesses; }
 
 private:
@@ -81,15 +81,15 @@ private:
 
     BoardOptions m_options;
     bool m_publishesDesign;
-    std::unique_ptr<ScratchBoard> m_scratch; // null if not wanted
+    std::unique_ptr<ScratchBoard> m_scratch; // null if not requested
     std::shared_ptr<const applet_host::AppletHost> m_host;
     std::optional<Instance> m_instance;
     std::optional<ParameterList> m_parameters;
     Words m_assumed, m_assumedMeasurements;
-    std::optional<std::set<std::string>> m_notMeasured; // asked for when it is first needed
+    std::optional<std::set<std::string>> m_notMeasured; // set on first use
     Words m_notes;
-    std::unique_ptr<ScratchSession> m_copy; // null if not wanted
-    nlohmann::json m_copyDesign;            // the answers of the live design
+    std::unique_ptr<ScratchSession> m_copy; // null if not requested
+    nlohmann::json m_copyDesign;            // the values of the live design
     bool m_isTraced = false;
     Words m_accesses;
 };

@@ -18,7 +18,7 @@
 namespace applet_tools {
 namespace {
 
-/** Calls `use` with the native number; `otherwise` for texts and arrays. */
+/** Calls `use` with the native number, or `otherwise` for texts and arrays. */
 template <typename Result, typename Use> Result withNumber(const Value& value, Result otherwise, Use use) {
     return std::visit(
         [&](const auto& native) -> Result {
@@ -32,14 +32,14 @@ template <typename Result, typename Use> Result withNumber(const Value& value, R
 
 constexpr std::uint64_t signBit = std::uint64_t{1} << 63;
 
-/** The next number of a grid is the next step. Numbers of a floating-point grid are rounded to what a user would
- *  type. */
+/** Consecutive numbers of a grid differ by one step. Numbers of a floating-point grid are rounded to what a user
+ *  would type. */
 struct Grid {
     Value origin;
     double increment;
 
-    /** A number far outside of the grid, infinite or none has the outermost step or 0: sums and differences of steps
-     *  do not overflow. */
+    /** A number far outside the grid, infinite or NaN gets the outermost step or 0, so that sums and
+     *  differences of steps do not overflow. */
     std::int64_t stepOf(const Value& value) const {
         constexpr double outermost = 1e18;
         return withNumber<std::int64_t>(value, 0, [&](auto number) -> std::int64_t {
@@ -62,7 +62,7 @@ struct Grid {
     }
 };
 
-/** Nothing where the published steps are none to speak of. */
+/** Empty if the published steps are not usable. */
 std::optional<Grid> gridOf(const std::optional<Limits>& limits) {
     if (!limits) return std::nullopt;
     const bool isWhole = !std::holds_alternative<double>(limits->minimum);
@@ -73,8 +73,8 @@ std::optional<Grid> gridOf(const std::optional<Limits>& limits) {
     return Grid{limits->minimum, increment};
 }
 
-/** The parameters for which the last file that was loaded has something else than what is read: a load stores values that
- *  no getter shows. */
+/** The parameters with another value in the last loaded file than in a read: a load stores values that no getter
+ *  shows. */
 std::set<std::string, std::less<>> storedOtherwise(ScratchSession& session) {
     std::set<std::string, std::less<>> names;
     for (const std::string& text : session.instance().loads().texts) {
@@ -125,7 +125,7 @@ Value numberAt(std::uint64_t rank, const Value& like) {
 Probe::Probe(ScratchSession& session) : m_session(session) { begin(); }
 
 void Probe::begin() {
-    // What a probe writes is not part of a trace.
+    // The writes of a probe do not belong to a trace.
     m_session.instance().board().log_kinds(m_session.instance().device(), 0);
     m_isTouched = false;
     m_facts.clear();
@@ -144,7 +144,7 @@ ParameterState Probe::currentState(std::size_t place) const {
 
 int Probe::write(const Target& target, const Value& value) {
     const int code = writeValue(m_session.instance(), target, value);
-    if (code != FG_ERR_NOT_AVAILABLE) m_isTouched = true; // other refusals may move something
+    if (code != FG_ERR_NOT_AVAILABLE) m_isTouched = true; // other refusals may have changed something
     return code;
 }
 
@@ -177,19 +177,19 @@ void Probe::restore() {
 
 bool Probe::isBack() const {
     for (std::size_t place = 0; place < count(); ++place)
-        // No text is tried, and a read of one takes long. One that moves with a number is back with it.
+        // Texts are not tried, and reading one is slow. One that moves with a number is restored with it.
         if (at(place).kind() != REGISTER_KIND_STRING && currentState(place) != m_facts[place]) return false;
     return true;
 }
 
-/** A load takes what a set would refuse. */
+/** A load accepts values that a set would refuse. */
 void Probe::loadBack() {
     Instance& instance = m_session.instance();
     for (const std::string& text : instance.loads().texts) {
         const MemoryFile file;
         file.write(text);
         ++effort().loads;
-        // Not a load of its own, which would replace the ones that are put back.
+        // Not a load of its own, which would replace the recorded loads.
         instance.applet().Fg_loadConfig(instance.fg(), file.configurationPath().c_str());
     }
 }
@@ -258,7 +258,7 @@ std::vector<std::vector<Change>> Probe::changesFor(const std::vector<Wish>& wish
     std::vector<std::vector<Change>> changes(wishes.size());
     for (std::size_t place = 0; place < count(); ++place) {
         const bool isEnumeration = at(place).kind() == REGISTER_KIND_ENUM;
-        std::vector<std::size_t> open; // wishes for which values of this parameter are tried
+        std::vector<std::size_t> open; // indices of the wishes for which values of this parameter are tried
         for (std::size_t i = 0; i < wishes.size(); ++i)
             if (wishes[i].excluded != place) open.push_back(i);
         if (open.empty()) continue;

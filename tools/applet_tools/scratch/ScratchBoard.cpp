@@ -48,7 +48,7 @@ public:
         }
         if (m_isTouched) m_session->rewind();
         m_isTouched = true;
-        // File names of the arguments are seen from the parent's folder, which may have changed.
+        // File arguments are relative to the parent's folder, which may have changed.
         std::error_code ignored;
         std::filesystem::current_path(message.at("folder").get<std::string>(), ignored);
         effort() = {};
@@ -73,15 +73,15 @@ private:
     std::span<const JobRow> m_jobs;
     std::optional<ScratchSession> m_session;
     std::chrono::steady_clock::time_point m_lastProgress;
-    bool m_isTouched = false; // not in its start state
+    bool m_isTouched = false; // no longer in its start state
 };
 
-/** Answers messages until the parent is gone. */
+/** Answers messages until the parent has ended. */
 void serve(int socket, pid_t parent, const BoardOptions& options, std::span<const JobRow> jobs) {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
-    if (getppid() != parent) _exit(0); // it ended before the line above
-    std::signal(SIGINT, SIG_IGN);      // Ctrl-C is the parent's matter
-    unsetenv("VBOARD_LOG_LEVEL");      // the log is that of the live board
+    if (getppid() != parent) _exit(0); // the parent ended before prctl
+    std::signal(SIGINT, SIG_IGN);      // the parent handles Ctrl-C
+    unsetenv("VBOARD_LOG_LEVEL");      // logging is for the live board
     Server server(socket, options, jobs);
     MessageReader reader(socket);
     while (const std::optional<json> message = reader.wait()) {
@@ -103,11 +103,11 @@ void serve(int socket, pid_t parent, const BoardOptions& options, std::span<cons
     }
 }
 
-/** The child's whole life. An exception that left it would go on as a second parent. */
+/** The child's main function. An escaping exception would continue as a second parent. */
 [[noreturn]] void live(int socket, pid_t parent, const BoardOptions& options, std::span<const JobRow> jobs) {
     try {
         serve(socket, parent, options, jobs);
-    } catch (const std::exception&) { // no memory for a message; the parent sees the end of the child
+    } catch (const std::exception&) { // no memory for a message; the parent sees that the child ended
         _exit(EXIT_FAILURE);
     }
     _exit(EXIT_SUCCESS);
@@ -134,7 +134,7 @@ ScratchBoard::ScratchBoard(const BoardOptions& options, std::span<const JobRow> 
 }
 
 ScratchBoard::~ScratchBoard() {
-    m_socket = Descriptor(); // its end is that of the child
+    m_socket = Descriptor(); // closing it ends the child
     if (m_child > 0) waitpid(m_child, nullptr, 0);
 }
 
@@ -171,13 +171,13 @@ Words ScratchBoard::takeNotes() { return std::exchange(m_notes, {}); }
 
 namespace {
 
-/** True when there is something to read; false when time is up. */
+/** True when there is something to read; false on a timeout. */
 bool isReadable(int socket, std::chrono::milliseconds limit) {
     pollfd one{.fd = socket, .events = POLLIN, .revents = 0};
     return poll(&one, 1, static_cast<int>(limit.count())) > 0;
 }
 
-/** The final answer, nothing when the child has ended; what comes before it is how far the work is. */
+/** The final answer, empty if the child has ended; messages before it report progress. */
 std::optional<json> receiveAnswer(int socket, MessageReader& reader, WorkObserver* observer) {
     using namespace std::chrono_literals;
     const auto limit = [&] { return observer != nullptr ? observer->interval() : -1ms; };

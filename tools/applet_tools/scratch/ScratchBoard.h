@@ -1,4 +1,4 @@
-/** A virtual board in a child process, on which anything may be tried. */
+/** A virtual board in a child process, for trying out changes. */
 #ifndef APPLET_TOOLS_SCRATCH_SCRATCHBOARD_H
 #define APPLET_TOOLS_SCRATCH_SCRATCHBOARD_H
 
@@ -19,23 +19,24 @@ namespace applet_tools {
 
 struct JobRow;
 
-/** A process of its own, since the virtual board's libraries bear the names of the real ones: one process holds
- *  only the one or the other. To be made before any library is loaded. The child loads them with the first state,
- *  and ends with the object. */
+/** Uses a process of its own, since the virtual board's libraries have the names of the real ones and a
+ *  process can load only one of the two. Make it before any library is loaded. The child loads them with the
+ *  first state, and ends with the object. */
 class ScratchBoard {
 public:
-    /** The jobs are all that it can be asked for; each question that is waited for is observed. */
+    /** `jobs` are its jobs; each wait for an answer is observed. */
     ScratchBoard(const BoardOptions& options, std::span<const JobRow> jobs, ObserveWork observe);
     ~ScratchBoard();
     ScratchBoard(const ScratchBoard&) = delete;
     ScratchBoard& operator=(const ScratchBoard&) = delete;
 
-    /** The state that each job starts from (see boardStateOf). Gives what of it is assumed (see ScratchSession). */
+    /** Sets the state that each job starts from (see boardStateOf). Returns the assumed parts (see
+     *  ScratchSession). */
     nlohmann::json startFrom(const nlohmann::json& state);
-    /** Lets a job of the table find something out; gives its result. What it throws is thrown
-     *  here: UsageError, Unavailable, or Failure for everything else. */
+    /** Runs a job of the table and returns its result. Rethrows the job's exception as UsageError,
+     *  Unavailable, or Failure for everything else. */
     nlohmann::json ask(const std::string& job, const nlohmann::json& arguments);
-    /** What was asked and what it took, in words, since they were last taken. */
+    /** Takes the notes on jobs and their duration since the last call. */
     Words takeNotes();
 
 private:

@@ -9,7 +9,7 @@
 namespace applet_tools {
 namespace {
 
-/** A scratch board is a virtual one, whatever the live board is. */
+/** A scratch board is virtual, whatever the live board is. */
 BoardOptions onVirtualBoard(BoardOptions options) {
     options.board = BoardKind::virtualBoard;
     options.offline = false;
@@ -19,7 +19,7 @@ BoardOptions onVirtualBoard(BoardOptions options) {
 
 std::string publishedName(const std::string& name) { return std::string(designPrefix) + name; }
 
-/** Puts an answer of the live design on the board. */
+/** Stores a value of the live design on the board. */
 void poke(const applet_host::BoardFunctions& board, LOOMdevice* device, const std::string& name,
           const json& value) {
     if (value.is_binary()) {
@@ -100,7 +100,7 @@ void ScratchSession::setValues() {
             (hasSetter(*parameter) ? m_assumed : m_assumedMeasurements).push_back(parameter->name);
 }
 
-/** A parameter without one is measured, or fixed by the design. */
+/** A parameter without a setter is measured, or fixed by the design. */
 bool ScratchSession::hasSetter(const Parameter& parameter) {
     if (elementCount(parameter) > 0 || !parameter.effectOfWriting().empty()) return true;
     const ReadResult now = readValue(*m_instance, {&parameter});

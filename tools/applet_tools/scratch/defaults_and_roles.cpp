@@ -14,12 +14,12 @@
 namespace applet_tools {
 namespace {
 
-/** What a configuration file has to do with a parameter. There is no list of keys here: what is saved is seen
- *  in a file, and a load fails without a key that it reads. */
+/** A parameter's role in a configuration file. There is no list of keys here: saved keys are found in
+ *  a file, and a key is read if a load fails without it. */
 class RolesInFile {
 public:
     explicit RolesInFile(Instance& instance, const ParameterList& parameters) : m_instance(instance) {
-        // So that the loads need neither compute tables nor read a file of tables.
+        // So that the loads neither compute tables nor read a file of tables.
         writeValue(instance, {&parameters.find("FG_LUT_CUSTOM_FILE")}, std::string());
         writeValue(instance, {&parameters.find("FG_LUT_TYPE")}, static_cast<std::int32_t>(LUT_TYPE_CUSTOM));
         m_state.emplace(stateOf(instance));
@@ -133,7 +133,7 @@ json defaultsJob(ScratchSession& session, const json&) {
         if (found == all.end() || !found->effectOfReading().empty() || found->writesFile()) continue;
         const ReadResult reading = readValue(instance, wholeOf(*found));
         if (reading.error != FG_OK) continue;
-        // Without a setter it is no default but a measurement, or fixed.
+        // Without a setter the value is not a default: it is measured or fixed.
         if (writeValue(instance, wholeOf(*found), reading.value) == FG_ERR_NOT_AVAILABLE) continue;
         defaults.push_back({{"name", found->name}, {"value", asMessage(reading.value)}});
     }

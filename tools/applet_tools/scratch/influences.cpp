@@ -7,7 +7,7 @@
 namespace applet_tools {
 namespace {
 
-/** The codes that the setter of an enumeration answers with, entry by entry; empty for other kinds. */
+/** The setter's code for each entry of an enumeration; empty for other kinds. */
 std::vector<int> answersToEntries(Probe& probe, std::size_t place) {
     std::vector<int> codes;
     if (probe.at(place).kind() != REGISTER_KIND_ENUM) return codes;
@@ -16,7 +16,7 @@ std::vector<int> answersToEntries(Probe& probe, std::size_t place) {
     return codes;
 }
 
-/** Values that a limit or the grid should keep out. */
+/** Values that limits or grid should exclude. */
 std::vector<Value> doubtfulValues(const Probe& probe, std::size_t place) {
     const auto& limits = probe.facts(place).limits;
     if (!limits || !isNumber(probe.facts(place).value)) return {};

@@ -1,4 +1,4 @@
-/** What every parameter moves of every other one, measured on the scratch board. */
+/** The effect of every parameter on every other one, measured on the scratch board. */
 #ifndef APPLET_TOOLS_SCRATCH_INFLUENCES_H
 #define APPLET_TOOLS_SCRATCH_INFLUENCES_H
 
@@ -16,18 +16,18 @@ namespace applet_tools {
 struct Influence {
     std::string from, to;
     std::string what;          /**< "value", "limits", "access" or "accepted values" */
-    std::string with;          /**< the first change that was seen to do it: "FG_XOFFSET=64" */
+    std::string with;          /**< the first change that was seen to cause it: "FG_XOFFSET=64" */
     std::string before, after; /**< empty for accepted values */
 };
 
 struct Influences {
     std::vector<Influence> all;
-    std::map<std::string, std::set<int>> codes; /**< with which the setters refused, by parameter */
+    std::map<std::string, std::set<int>> codes; /**< codes of the setters' refusals, by parameter */
 };
 
 Influences askInfluences(LiveSession& live);
 
-/** The job of a scratch board that finds them. */
+/** The scratch board job that measures them. */
 nlohmann::json influencesJob(ScratchSession& session, const nlohmann::json& nothing);
 
 } // namespace applet_tools

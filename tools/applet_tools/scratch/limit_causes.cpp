@@ -21,7 +21,7 @@ bool isTaken(Probe& probe, const Subject& subject, const Value& number) {
     return probe.answer(subject.in(probe), value) == FG_OK;
 }
 
-/** For each parameter that sets this end of the range, the change that moves it farthest out. */
+/** For each parameter that sets this end of the range, the change that moves the end farthest out. */
 std::vector<Widening> wideningsOf(Probe& probe, const Subject& subject, const Value& behind, End end) {
     std::vector<Widening> widenings;
     for (std::size_t place = 0; place < probe.count(); ++place) {
@@ -45,7 +45,7 @@ std::vector<Widening> wideningsOf(Probe& probe, const Subject& subject, const Va
     return widenings;
 }
 
-/** The numbers of the design that a set of the accepted number reads. */
+/** The numbers of the design that the setter reads for the accepted number. */
 std::vector<DesignCause> designRead(Probe& probe, const Subject& subject, const Value& accepted) {
     Instance& instance = probe.session().instance();
     logAccesses(instance);
@@ -61,7 +61,7 @@ std::vector<DesignCause> designRead(Probe& probe, const Subject& subject, const 
     return read;
 }
 
-/** The design's numbers that set the end: with a larger one the setter takes what lies behind. */
+/** The design's numbers that set the end: with a larger one the setter accepts a number beyond it. */
 std::vector<DesignCause> designCausesOf(Probe& probe, const Subject& subject, const MeasuredRange& range,
                                         const Value& behind, End end) {
     std::vector<DesignCause> causes;

@@ -1,4 +1,4 @@
-/** What sets the ends of a parameter's range, found by trying. */
+/** The causes of the ends of a parameter's range, found by trying. */
 #ifndef APPLET_TOOLS_SCRATCH_LIMIT_CAUSES_H
 #define APPLET_TOOLS_SCRATCH_LIMIT_CAUSES_H
 
@@ -11,33 +11,33 @@
 
 namespace applet_tools {
 
-/** A parameter, or the element of an array, by its place: records do not last (see Probe). */
+/** A parameter, or an array element, by index: records may become invalid (see Probe). */
 struct Subject {
     std::size_t place;
     std::optional<ElementRange> elements = std::nullopt;
-    bool isWholeArray = false; // of which the first element is asked
+    bool isWholeArray = false; // tested with the first element
 
     Target in(const Probe& probe) const { return {&probe.at(place), elements}; }
 };
 
-/** A single change of another parameter, and the limit that there is then. */
+/** A single change of another parameter, and the resulting limit. */
 struct Widening {
-    std::string parameter; /**< that is changed */
+    std::string parameter; /**< the changed parameter */
     std::string with;      /**< "FG_XOFFSET=64" */
     Value limit;
 };
 
-/** A value of the design that the setter reads, and that moves the limit when it changes. */
+/** A value of the design that the setter reads and that moves the limit. */
 struct DesignCause {
     std::string parameter;
     std::string value;
 };
 
-/** What sets one end of a range. Without any of these the limit is a fixed one. */
+/** The causes of one end of a range. Without any the limit is fixed. */
 struct LimitCauses {
     std::vector<Widening> parameters;
     std::vector<DesignCause> design;
-    bool isEndOfType = false; /**< there are no numbers behind the limit */
+    bool isEndOfType = false; /**< the type has no numbers beyond the limit */
 };
 
 LimitCauses causesOf(Probe& probe, const Subject& subject, const MeasuredRange& range, End end);
@@ -46,7 +46,7 @@ LimitCauses causesOf(Probe& probe, const Subject& subject, const MeasuredRange& 
 std::string shortWords(const DesignCause& cause);
 /** "the memory of the board (Device1_... is 20)". */
 std::string inWords(const DesignCause& cause);
-/** Why nothing moves the limit; empty where something does. */
+/** Why nothing moves the limit; empty if something does. */
 std::string fixedInWords(const LimitCauses& causes);
 
 /** [{"limit": "maximum", "parameter", "with", "becomes"}, {"limit": "maximum", "design", "value"}, ...]. */

@@ -8,9 +8,9 @@
 namespace applet_tools {
 namespace {
 
-constexpr std::uint64_t widestStep = 64; // of a whole number's grid
+constexpr std::uint64_t widestStep = 64; // of an integer's grid
 
-/** Asks for a number; of an array all elements of the target are given it. */
+/** Tests a number; for an array it sets all elements of the target to it. */
 class Asked {
 public:
     Asked(Probe& probe, const Target& target) : m_probe(probe), m_target(target) {}
@@ -21,7 +21,7 @@ public:
                               Elements(m_target.elements->count(), std::get<std::uint32_t>(number)));
     }
     bool takes(const Value& number) { return answer(number) == FG_OK; }
-    /** A number off the grid lies between the limits all the same. */
+    /** Numbers off the grid are still between the limits. */
     bool isInside(const Value& number) {
         const int code = answer(number);
         return code == FG_OK || code == FG_ERR_GRANULARITY;
@@ -32,7 +32,7 @@ private:
     Target m_target;
 };
 
-/** The smallest or the largest number that its type can hold. */
+/** The smallest or the largest number of the type. */
 Value extremeOf(const Value& like, End end) {
     return std::visit(
         [&](const auto& native) -> Value {
@@ -45,7 +45,7 @@ Value extremeOf(const Value& like, End end) {
         like);
 }
 
-/** The last number inside on the way from `inside` to the end of the type. */
+/** The last number inside the range, searched from `inside` to the end of the type. */
 Value borderOf(Asked& asked, const Value& inside, End end) {
     Value extreme = extremeOf(inside, end);
     if (asked.isInside(extreme)) return extreme;
@@ -57,7 +57,7 @@ Value borderOf(Asked& asked, const Value& inside, End end) {
     return numberAt(in, inside);
 }
 
-/** The accepted number next to the border, seen from inside. */
+/** The accepted number nearest to the border, on its inner side. */
 Value onGrid(Asked& asked, const Value& border, End end) {
     for (std::uint64_t back = 0; back < widestStep; ++back) {
         const std::uint64_t rank = rankOf(border);
@@ -75,7 +75,7 @@ std::uint64_t stepAbove(Asked& asked, const Value& minimum) {
     return 0;
 }
 
-/** A number that the setter takes: the present one, or else a published limit. */
+/** A number that the setter accepts: the present one, or else a published limit. */
 std::optional<Value> startOf(Asked& asked, const Value& now, const std::optional<Limits>& limits) {
     if (asked.isInside(now)) return now;
     if (!limits || limits->minimum.index() != now.index()) return std::nullopt;

@@ -13,7 +13,7 @@ namespace {
 
 using nlohmann::ordered_json;
 
-/** The end of the range that the number is beyond; nothing for a number within. */
+/** The end of the range that the number exceeds; empty for a number within the range. */
 std::optional<End> exceededEnd(const MeasuredRange& range, const Value& wanted) {
     if (rankOf(wanted) > rankOf(range.maximum)) return End::maximum;
     if (rankOf(wanted) < rankOf(range.minimum)) return End::minimum;
@@ -33,7 +33,7 @@ std::string causesInWords(const Parameter& parameter, const LimitCauses& causes,
     return limit + "set by " + join(words, " and ");
 }
 
-/** What the range that the setter takes says about a refused number. */
+/** Relates a refused number to the accepted range. */
 void addRange(Probe& probe, const Subject& subject, const Value& wanted, RefusalCauses& found) {
     const auto range = measuredRange(probe, subject.in(probe));
     probe.restore();
@@ -50,7 +50,7 @@ void addRange(Probe& probe, const Subject& subject, const Value& wanted, Refusal
     found.setBy = asJson(causes, *end);
 }
 
-/** The number that the assignment asks for; nothing for texts and entries. */
+/** The number in the assignment; empty for texts and entries. */
 std::optional<Value> wantedNumber(const Assignment& assignment) {
     if (assignment.target.parameter->kind() == REGISTER_KIND_ENUM) return std::nullopt;
     if (const auto* elements = std::get_if<Elements>(&assignment.value)) return Value(elements->front());
@@ -65,7 +65,7 @@ std::vector<RefusalCauses> findCauses(Probe& probe, const std::vector<Assignment
         Value value;
         std::optional<Value> number;
     };
-    std::vector<Refused> all; // without records, which may go
+    std::vector<Refused> all; // without records, which may become invalid
     all.reserve(assignments.size());
     for (const Assignment& assignment : assignments)
         all.push_back({{probe.placeOf(probe.session().parameters().find(assignment.target.parameter->name)),
@@ -127,7 +127,7 @@ std::string inWords(const Parameter& parameter, const RefusalCauses& causes) {
 } // namespace
 
 std::vector<Suggestion> suggestionsFor(Probe& probe, const std::vector<Assignment>& assignments) {
-    Words names; // the records may be gone after the trials
+    Words names; // copied, as the records may be gone after the trials
     for (const Assignment& assignment : assignments)
         names.push_back(assignment.target.parameter->name);
     std::vector<Suggestion> suggestions;
@@ -153,7 +153,7 @@ json suggestionJob(ScratchSession& session, const json& arguments) {
 
 Suggestion askSuggestion(LiveSession& live, const Assignment& assignment, int code) {
     if (assignment.target.parameter->kind() == REGISTER_KIND_STRING) return {}; // texts depend on files
-    if (!isAppletCode(code)) return {}; // an error of the board is no matter of values
+    if (!isAppletCode(code)) return {}; // an error of the board does not depend on values
     const std::string word = assignment.target.name() + "=" + assignment.text;
     const json answer = live.scratch().ask("suggestion", {{"assignment", word}});
     return {answer["words"].get<std::string>(), ordered_json::parse(answer["row"].get<std::string>())};

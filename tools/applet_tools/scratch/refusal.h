@@ -1,4 +1,4 @@
-/** Why a value was refused and what to do about it. */
+/** Why a value was refused, and suggestions. */
 #ifndef APPLET_TOOLS_SCRATCH_REFUSAL_H
 #define APPLET_TOOLS_SCRATCH_REFUSAL_H
 
@@ -14,44 +14,45 @@
 
 namespace applet_tools {
 
-/** What was found out about a refused value. */
+/** The causes of a refusal. */
 // The move of a JSON document checks itself. NOLINTNEXTLINE(bugprone-exception-escape)
 struct RefusalCauses {
-    bool isTried = false;         /**< false for what can never be set, and for what is accepted */
+    bool isTried = false;         /**< false for parameters that can never be set, and for accepted values */
     std::string limit;            /**< "the maximum is set by FG_XOFFSET (16384 with FG_XOFFSET=0)" */
-    nlohmann::ordered_json setBy; /**< the same as rows (see limit_causes.h); null within the range */
-    std::optional<Value> nearest; /**< of a number, the accepted one */
+    nlohmann::ordered_json setBy; /**< the same as rows (see limit_causes.h); null if within the range */
+    std::optional<Value> nearest; /**< for a number, the nearest accepted one */
     std::vector<std::string> acceptedWith; /**< changes of other parameters */
 };
 
-/** Tries it on the scratch board, in the state of the probe. Records of parameters from before may be gone
- *  afterwards, those of the assignment too. */
+/** Tries the assignment on the scratch board, in the state of the probe. Existing parameter records may be
+ *  invalid afterwards, including that of the assignment. */
 RefusalCauses findCauses(Probe& probe, const Assignment& assignment);
-/** The same for several, each by itself from the state of the probe. */
+/** The same for several, each tried separately in the state of the probe. */
 std::vector<RefusalCauses> findCauses(Probe& probe, const std::vector<Assignment>& assignments);
 
-/** Adds "acceptedWith", "setBy" and "nearest" to the row; `parameter` is the one that refused. */
+/** Adds "acceptedWith", "setBy" and "nearest" to the row; `parameter` is the refused one. */
 void addCauses(nlohmann::ordered_json& row, const Parameter& parameter, const RefusalCauses& causes);
 
-/** What to do about a refusal. */
+/** A suggestion after a refusal. */
 struct Suggestion {
     std::string
         words; /**< "; the maximum is set by FG_XOFFSET (...); the nearest accepted value is 64", or empty */
-    nlohmann::ordered_json members; /**< what addCauses adds; null where nothing was tried */
+    nlohmann::ordered_json members; /**< the members of addCauses; null if nothing was tried */
 };
 
-/** Finds one on the scratch board, as findCauses does. */
+/** Finds a suggestion on the scratch board, like findCauses. */
 Suggestion suggestionFor(Probe& probe, const Assignment& assignment);
 std::vector<Suggestion> suggestionsFor(Probe& probe, const std::vector<Assignment>& assignments);
 
 /** The same for a refusal of the live applet with this code; empty for texts, and for a code of the board. */
 Suggestion askSuggestion(LiveSession& live, const Assignment& assignment, int code);
 
-/** The job of a scratch board behind it: what to do about the refused {"assignment": WORD}: {"words", "row"}. */
+/** The scratch board job that implements it: a suggestion for the refused {"assignment": WORD}: {"words",
+ *  "row"}. */
 nlohmann::json suggestionJob(ScratchSession& session, const nlohmann::json& arguments);
 
-/** Carries out the assignments on the scratch board; from then on that is the state to go back to. Throws UsageError
- *  for a word that is none and Failure, with a suggestion, for a refusal. */
+/** Applies the assignments to the scratch board and makes the result the start state. Throws UsageError
+ *  for a word that is not an assignment and Failure, with a suggestion, for a refusal. */
 void startFrom(ScratchSession& session, const Words& assignments);
 
 } // namespace applet_tools

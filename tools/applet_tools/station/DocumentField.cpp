@@ -12,9 +12,9 @@ namespace {
 
 using Document = nlohmann::ordered_json;
 
-constexpr int deepest = 16; // objects and arrays within each other
+constexpr int deepest = 16; // nesting of objects and arrays
 
-/** "line 3, column 5" of a byte. */
+/** "line 3, column 5" for a byte offset. */
 std::string placeIn(const std::string& text, std::size_t byte) {
     const std::string before = text.substr(0, byte > 0 ? byte - 1 : 0);
     const auto line = std::ranges::count(before, '\n') + 1;
@@ -31,7 +31,7 @@ std::string shownValue(const Document& value) {
     return shortened(printable(text), most);
 }
 
-/** Refuses what the library accepts: a name that comes twice, and very deep documents. */
+/** Refuses documents that the library accepts: with duplicate names, or very deep ones. */
 class Watcher {
 public:
     bool operator()(int depth, Document::parse_event_t event, Document& parsed) {
@@ -58,7 +58,7 @@ Document parseDocument(const std::string& text) {
         });
     } catch (const Document::parse_error& error) {
         throw UsageError(placeIn(text, error.byte) + ": this is not JSON");
-    } catch (const Document::exception&) { // such as a number that is too large
+    } catch (const Document::exception&) { // for example a number that is too large
         throw UsageError("it has a value that cannot be read");
     }
 }
@@ -124,7 +124,7 @@ std::int64_t DocumentField::whole(std::int64_t least, std::int64_t most, const s
     const std::string expected =
         what + ", a whole number from " + numberText(least) + " to " + numberText(most);
     if (!m_value->is_number()) refuseAs(expected);
-    const auto number = m_value->get<double>(); // exact up to 2^53, which all limits here are below
+    const auto number = m_value->get<double>(); // exact up to 2^53; all limits here are below that
     if (!(number >= static_cast<double>(least) && number <= static_cast<double>(most)) ||
         std::floor(number) != number)
         refuseAs(expected);

@@ -1,4 +1,4 @@
-/** A value of a JSON document that knows where it is, so that what is wrong with it can be said. */
+/** A value of a JSON document with its path, for error messages. */
 #ifndef APPLET_TOOLS_STATION_DOCUMENTFIELD_H
 #define APPLET_TOOLS_STATION_DOCUMENTFIELD_H
 
@@ -15,13 +15,13 @@
 
 namespace applet_tools {
 
-/** Reads a document in which no object has a name twice. Throws UsageError with line and column. */
+/** Parses a document and refuses duplicate names in an object. Throws UsageError with line and column. */
 nlohmann::ordered_json parseDocument(const std::string& text);
 
 /** All members throw UsageError: "belt.encoder.step: found 25; expected a length, such as "25um"". */
 class DocumentField {
 public:
-    /** The document must live as long. */
+    /** The document must outlive the field. */
     DocumentField(const nlohmann::ordered_json& value, std::string path)
         : m_value(&value)
         , m_path(std::move(path)) {}
@@ -30,13 +30,13 @@ public:
     bool isArray() const { return m_value->is_array(); }
     bool isObject() const { return m_value->is_object(); }
 
-    /** An object with no other members than these. */
+    /** Checks that it is an object and has only these members. */
     void requireObject(const Words& members) const;
-    /** A member of an object; nothing where it has none. */
+    /** A member of an object, if it exists. */
     std::optional<DocumentField> find(const std::string& member) const;
-    /** The same where there must be one; `expected` is what. */
+    /** A required member; `expected` describes it in the message. */
     DocumentField at(const std::string& member, const std::string& expected) const;
-    /** The elements of an array of so many at most. */
+    /** The elements of an array; it must not be longer than this. */
     std::vector<DocumentField> elements(const std::string& expected, std::size_t fewest,
                                         std::size_t most) const;
     /** The members of an object, in their order. */
@@ -45,7 +45,7 @@ public:
     std::string text(const std::string& expected) const;
     std::int64_t whole(std::int64_t least, std::int64_t most, const std::string& what) const;
     double number(double least, double most, const std::string& what) const;
-    /** A text that `read` understands; what it throws gets the path. */
+    /** A text, converted by `read`; adds the path to its exception. */
     template <typename Read> auto read(const std::string& expected, Read read) const {
         const std::string word = text(expected);
         try {
@@ -62,7 +62,7 @@ private:
     std::string pathOf(const std::string& member) const;
 
     const nlohmann::ordered_json* m_value;
-    std::string m_path; // empty: the document itself
+    std::string m_path; // empty for the document itself
 };
 
 } // namespace applet_tools

@@ -12,16 +12,16 @@ namespace applet_tools {
 
 class EventLog {
 public:
-    /** So much time may pass at most between two calls of take(), or the board's queue loses events. */
+    /** The longest time between two calls of take(); with more the board's queue loses events. */
     static constexpr Ticks longestPause = ticksPerSecond / 10'000;
 
-    /** From now on: events so far are left out. */
+    /** Begins now: earlier events are left out. */
     explicit EventLog(Instance& instance);
 
-    /** The events since the last call, one a line: {"tick", "time" in seconds, "name", "picture"}; `picture` is the number
-     *  of the one that was waited for. */
+    /** The events since the last call, one per line: {"tick", "time" in seconds, "name", "picture"};
+     *  `picture` is the number of the picture being waited for. */
     std::string take(std::int64_t picture);
-    /** How many of them the board's queue has lost. */
+    /** Number of events lost in the board's queue. */
     std::int64_t lost() const;
 
 private:

@@ -8,7 +8,7 @@
 namespace applet_tools {
 namespace {
 
-/** More than any picture has. A frame takes no memory before its picture is made. */
+/** More than any picture has. A frame uses no memory before its picture is drawn. */
 constexpr std::uint64_t frameBytes = std::uint64_t{1} << 40;
 
 } // namespace
@@ -38,7 +38,7 @@ Grabber::Outcome Grabber::next(Ticks timeout, const std::function<bool()>& goesO
     }
     if (last < 0) throw Failure("the acquisition has ended: " + codeInWords(static_cast<int>(last)));
     ++m_picture;
-    std::uint8_t noRoom = 0; // so the record is filled in, and nothing is drawn
+    std::uint8_t noRoom = 0; // fills in the record without drawing
     if (board.frame_into(m_memory.get(), m_picture, &noRoom, 0, &m_record) != VBOARD_TOO_SMALL)
         throw Failure("there is no memory left for picture " + numberText(m_picture));
     m_record.data = nullptr;

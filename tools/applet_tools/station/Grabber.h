@@ -1,4 +1,4 @@
-/** Pictures of the virtual board's station, one after the other. */
+/** Takes pictures from the virtual board's station, one by one. */
 #ifndef APPLET_TOOLS_STATION_GRABBER_H
 #define APPLET_TOOLS_STATION_GRABBER_H
 
@@ -11,26 +11,26 @@
 
 namespace applet_tools {
 
-/** An acquisition into a memory in which pictures stay until the next one is asked for, so that none is overwritten: it
- *  is started and stopped by the applet's own functions. */
+/** An acquisition into a memory that keeps a picture until the next one is requested, so that none is
+ *  overwritten. It is started and stopped by the applet's own functions. */
 class Grabber {
 public:
-    /** Starts it, with that many frames in the memory. Throws Failure when the applet refuses. */
+    /** Starts the acquisition with this many frames of memory. Throws Failure if the applet refuses. */
     Grabber(Instance& instance, std::size_t frames);
     ~Grabber();
     Grabber(const Grabber&) = delete;
     Grabber& operator=(const Grabber&) = delete;
 
     enum class Outcome { arrived, timeout, interrupted };
-    /** How much time passes at most between two questions of next() whether to go on; a twentieth of a second at first. */
+    /** The longest simulated time between two polls of `goesOn` in next(); a twentieth of a second at first. */
     void setPiece(Ticks ticks) { m_piece = ticks; }
-    /** Gives the last picture back, and lets time move to the arrival of the next one, by `timeout` at most. Asks
-     *  `goesOn` now and then. Throws Failure when the acquisition has ended, or there is no room for the picture. */
+    /** Releases the last picture, and advances to the arrival of the next one, by `timeout` at most. Polls
+     *  `goesOn`. Throws Failure when the acquisition has ended, or there is no room for the picture. */
     Outcome next(Ticks timeout, const std::function<bool()>& goesOn);
 
-    /** Of the last picture that arrived. It has no bytes before they are drawn. */
+    /** The record of the last picture. It has no bytes before they are drawn. */
     const vboard_record& record() const { return m_record; }
-    /** Makes the bytes of that picture, which are there until the next one is asked for. Throws Failure. */
+    /** Draws that picture; the bytes are valid until the next one is requested. Throws Failure. */
     PictureView draw();
 
 private:
@@ -46,7 +46,7 @@ private:
     vboard_record m_record{};
 };
 
-/** The picture of a record, without its bytes being copied. */
+/** A view of a record's picture; does not copy the bytes. */
 PictureView viewOf(const vboard_record& record);
 
 } // namespace applet_tools

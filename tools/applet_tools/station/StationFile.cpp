@@ -36,7 +36,7 @@ std::int64_t lengthOf(const DocumentField& field) {
     return field.read(lengthWanted, [](const std::string& word) { return nanometresFrom(word); });
 }
 
-/** Above 0, and at most as the board takes it. */
+/** Above 0, and within the board's limit. */
 std::uint32_t pixelSizeOf(const DocumentField& field) {
     const std::int64_t length = lengthOf(field);
     if (length < 1 || length > 0xffff'ffff) field.refuseAs("a length from 1nm to 4m");
@@ -53,7 +53,7 @@ std::int32_t beltSpeedOf(const DocumentField& field) {
 
 constexpr std::int64_t mostCount = 0xffff'ffff;
 
-/** Inputs that are in use, and the field that uses them. */
+/** Inputs in use, and the fields that use them. */
 class UsedInputs {
 public:
     unsigned take(const DocumentField& field) {
@@ -84,7 +84,7 @@ vboard_speed beltPieceOf(const DocumentField& field, bool isLast) {
     return piece;
 }
 
-/** An encoder makes no more than ten million quarter steps a second. */
+/** Limits an encoder to ten million quarter steps per second. */
 void checkEncoderSpeed(const DocumentField& step, const StationBelt& belt) {
     constexpr std::int64_t fastestEncoder = 10'000'000;
     for (const vboard_speed& piece : belt.profile) {

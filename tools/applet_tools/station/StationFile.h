@@ -1,4 +1,4 @@
-/** A station as a file describes it: camera, belt, scene, inputs, and the applet's settings. */
+/** A station described by a file: camera, belt, scene, inputs, and the applet's settings. */
 #ifndef APPLET_TOOLS_STATION_STATIONFILE_H
 #define APPLET_TOOLS_STATION_STATIONFILE_H
 
@@ -24,9 +24,9 @@ struct StationCamera {
 };
 
 struct StationBelt {
-    std::vector<vboard_speed> profile; /**< in micrometres a second */
+    std::vector<vboard_speed> profile; /**< in micrometres per second */
     std::optional<unsigned> encoderA, encoderB, barrier;
-    std::uint32_t encoderStep = 1; /**< nanometres of a quarter step */
+    std::uint32_t encoderStep = 1; /**< nanometres per quarter step */
     std::int64_t barrierAhead = 0; /**< micrometres */
 };
 
@@ -38,7 +38,7 @@ struct StationScene {
     std::uint64_t seed = 0;
 };
 
-/** What is not there leaves the station as it is. */
+/** Missing parts leave the station unchanged. */
 struct StationFile {
     std::string name;            /**< of the file, for messages; empty without one */
     std::optional<double> clock; /**< factor of vboard_clock */
@@ -46,25 +46,25 @@ struct StationFile {
     std::optional<StationBelt> belt;
     std::optional<StationScene> scene;
     std::vector<WaveRequest> waves;
-    Words parameters; /**< "FG_WIDTH=2048", in their order */
+    Words parameters; /**< "FG_WIDTH=2048", in file order */
 };
 
-/** Reads the text of a file; `folder` is where the names of files in it begin. Throws UsageError with the path of the
- *  field that is wrong, what was found and what is expected. */
+/** Parses the text of a file; relative file names in it start at `folder`. Throws UsageError with the path of
+ *  the wrong field, the value found and the expected one. */
 StationFile parseStation(const std::string& text, const std::string& folder);
-/** The same from a file, whose name is in front of the message. */
+/** Reads a file; its name precedes the message. */
 StationFile readStationFile(const std::string& file);
 
-/** Connects all but the parameters to a virtual board. Throws UsageError for an image that cannot be read. */
+/** Connects everything except the parameters to a virtual board. Throws UsageError for an unreadable image. */
 void connectStation(const applet_host::BoardFunctions& board, LOOMdevice* device, const StationFile& station);
 void connectCamera(const applet_host::BoardFunctions& board, LOOMdevice* device, const StationCamera& camera);
 void connectBelt(const applet_host::BoardFunctions& board, LOOMdevice* device, const StationBelt& belt);
 void connectScene(const applet_host::BoardFunctions& board, LOOMdevice* device, const StationScene& scene);
 
-/** Connects it to the board of the instance, then sets the parameters. Throws Failure for one that is refused. */
+/** Connects it to the board of the instance, then sets the parameters. Throws Failure for a refused one. */
 void setUpStation(Instance& instance, const ParameterList& parameters, const StationFile& station);
 
-/** The file that the environment variable VBOARD_STATION names; nothing if it names none. Throws UsageError. */
+/** The file named by the environment variable VBOARD_STATION; empty if it names none. Throws UsageError. */
 std::optional<StationFile> stationOfEnvironment();
 
 } // namespace applet_tools

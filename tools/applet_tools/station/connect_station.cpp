@@ -1,4 +1,4 @@
-// From the description of a station to the virtual board.
+// Connects the description of a station to the virtual board.
 
 #include "applet_tools/applet/assignments.h"
 #include "applet_tools/base/errors.h"
@@ -12,7 +12,7 @@
 namespace applet_tools {
 namespace {
 
-/** What the readers let through the board takes: it says no more than this where it does not. */
+/** The readers accept only what the board accepts, so a refusal is unexpected and has a short message. */
 void requireTaken(int code, const char* what) {
     if (code == VBOARD_NO_MEMORY) throw Failure(std::string("there is no memory left for the ") + what);
     if (code != VBOARD_OK) throw Failure(std::string("the virtual board did not take the ") + what);
@@ -52,7 +52,7 @@ void connectScene(const applet_host::BoardFunctions& board, LOOMdevice* device, 
 
 void connectStation(const applet_host::BoardFunctions& board, LOOMdevice* device,
                     const StationFile& station) {
-    try { // first: its image may be none
+    try { // first, since its image may be invalid
         if (station.scene) connectScene(board, device, *station.scene);
     } catch (const UsageError& error) {
         if (station.name.empty()) throw;

@@ -15,7 +15,7 @@ struct LengthUnit {
     double nanometres;
 };
 
-// Longer names before those that they end with.
+// Longer names before their suffixes.
 constexpr LengthUnit lengthUnits[] = {{"nm", 1},   {"um", 1e3}, {"µm", 1e3},
                                       {"mm", 1e6}, {"cm", 1e7}, {"m", 1e9}};
 
@@ -43,7 +43,7 @@ std::int64_t nanometresFrom(std::string_view word) {
 }
 
 std::int32_t beltSpeedFrom(std::string_view word) {
-    constexpr double fastest = 1e8; // micrometres a second
+    constexpr double fastest = 1e8; // micrometres per second
     const bool isSpeed = word.ends_with("/s");
     const auto length = isSpeed ? lengthIn(word.substr(0, word.size() - 2)) : std::nullopt;
     if (!length)

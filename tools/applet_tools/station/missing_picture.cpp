@@ -10,7 +10,7 @@
 namespace applet_tools {
 namespace {
 
-/** Looks for the reason, from the source of the lines on. */
+/** Looks for the reason, beginning at the source of the lines. */
 class Reason {
 public:
     Reason(Instance& instance, const ParameterList& parameters, const PictureWait& wait)
@@ -71,7 +71,7 @@ private:
                std::get<double>(value("FG_LINEEXPOSURE")) >= std::get<double>(value("FG_LINEPERIODE"));
     }
 
-    /** Of an input, debounced, while it was waited. */
+    /** Debounced rising edges of an input during the wait. */
     SignalCourse courseAt(const char* source) const {
         constexpr std::int32_t firstFront = TRGINSRC_FRONT_GPI_0;
         constexpr unsigned gpiSignal = 21, frontSignal = 29;
@@ -81,7 +81,7 @@ private:
         return courseOf(m_instance, select, m_wait.from, m_instance.board().now(m_instance.device()));
     }
 
-    /** "no edge came at ...", or nothing where there was one. */
+    /** "no edge came at ...", or empty if there was one. */
     std::string whyNoEdge(const char* source, const char* debounce) const {
         if (!courseAt(source).edges.empty()) return "";
         return "no edge came at " + shown(source) + ": connect " + m_wait.wave + " with pulses longer than " +
@@ -120,7 +120,7 @@ private:
                " and " + shown("FG_SHAFTENCODERON");
     }
 
-    /** Why no image began. */
+    /** The reason why no image began. */
     std::string whyNoStart() const {
         if (is("FG_IMGTRIGGERINSRC", TRGINSOFTWARE))
             return "an image starts at a software pulse while the acquisition runs, as by the steps "

@@ -1,4 +1,4 @@
-/** Why no picture comes. */
+/** Diagnoses a missing picture. */
 #ifndef APPLET_TOOLS_STATION_MISSING_PICTURE_H
 #define APPLET_TOOLS_STATION_MISSING_PICTURE_H
 
@@ -10,18 +10,18 @@
 
 namespace applet_tools {
 
-/** Lines of the station's source since the board was opened. */
+/** Number of lines from the station's source since the board was opened. */
 std::int64_t sourceLines(Instance& instance);
 
-/** How long it was waited for a picture, and how the user would wait longer. */
+/** A wait without a picture, and how the user can extend it. */
 struct PictureWait {
-    std::int64_t lines; /**< that came meanwhile */
-    Ticks from;         /**< when it began */
+    std::int64_t lines; /**< lines during the wait */
+    Ticks from;         /**< start of the wait */
     std::string longer; /**< "give a longer --timeout" */
-    std::string wave;   /**< what connects a wave: "a --wave" */
+    std::string wave;   /**< how to connect a wave: "a --wave" */
 };
 
-/** What it most likely is, and what to do: "no line came: ...". The acquisition still runs. */
+/** The most likely reason and a remedy: "no line came: ...". The acquisition must still be running. */
 std::string whyNoPicture(Instance& instance, const ParameterList& parameters, const PictureWait& wait);
 
 } // namespace applet_tools

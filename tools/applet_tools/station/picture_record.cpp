@@ -8,12 +8,12 @@
 namespace applet_tools {
 namespace {
 
-/** Blue, green, red with so many bits each; "p": packed without a gap. */
+/** Format name: blue, green, red with this many bits each; "p": packed without padding. */
 std::string formatOf(const vboard_record& record) {
     return "BGR" + numberText(record.bits) + (record.bits % 8 == 0 ? "" : "p");
 }
 
-/** Of a component: "uint8", "uint16"; "uint10p" where they are packed. */
+/** Type of a component: "uint8", "uint16"; "uint10p" if packed. */
 std::string typeOf(const vboard_record& record) {
     return "uint" + numberText(record.bits) + (record.bits % 8 == 0 ? "" : "p");
 }
@@ -41,7 +41,7 @@ nlohmann::ordered_json asJson(const vboard_record& record) {
 std::string writePicture(PictureFiles& files, const vboard_record& record,
                          const nlohmann::ordered_json& settings) {
     std::string file = files.write(viewOf(record), record.picture);
-    std::error_code none; // a device or a pipe has no file beside it
+    std::error_code none; // a device or a pipe gets no second file
     if (!files.isRaw() || !std::filesystem::is_regular_file(file, none)) return file;
     nlohmann::ordered_json beside = asJson(record);
     constexpr int components = 3;

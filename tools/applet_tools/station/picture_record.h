@@ -13,9 +13,9 @@ namespace applet_tools {
 
 nlohmann::ordered_json asJson(const vboard_record& record);
 
-/** Writes the picture that was drawn; beside a raw file also its record, in a file with ".json" behind its name, since raw
- *  bytes do not say what they are: shape, type and order of its values, and the settings it was taken with. Gives the name
- *  of the picture's file. Throws Failure. */
+/** Writes the drawn picture. A raw file does not describe its bytes, so it gets a second file with ".json"
+ *  appended to its name: shape, type and order of the values, and the settings it was taken with. Returns the
+ *  name of the picture's file. Throws Failure. */
 std::string writePicture(PictureFiles& files, const vboard_record& record,
                          const nlohmann::ordered_json& settings);
 

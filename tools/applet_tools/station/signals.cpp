@@ -96,8 +96,8 @@ std::optional<Ticks> SignalCourse::first(bool level) const {
 }
 
 SignalCourse courseOf(Instance& instance, unsigned select, Ticks from, Ticks to) {
-    constexpr std::size_t kept = 16384;    // edges, by the board
-    constexpr std::size_t most = 2 * kept; // a pulse of one tick is one of them and two here
+    constexpr std::size_t kept = 16384;    // number of edges that the board keeps
+    constexpr std::size_t most = 2 * kept; // a pulse of one tick is stored as one edge and counts as two here
     constexpr Ticks never = std::numeric_limits<Ticks>::max();
     SignalCourse course;
     course.edges.assign(most, {never, false});

@@ -1,4 +1,4 @@
-/** Signals of the virtual board's station, and what was lost on the way of an image. */
+/** Signals of the virtual board's station, and loss counters. */
 #ifndef APPLET_TOOLS_STATION_SIGNALS_H
 #define APPLET_TOOLS_STATION_SIGNALS_H
 
@@ -15,7 +15,7 @@
 
 namespace applet_tools {
 
-/** A signal, and the number by which the design selects it. */
+/** A signal and its number in the design's selects. */
 struct StationSignal {
     std::string name; /**< "ExSync", "LVAL", "GPI_0", "LineStart" */
     unsigned select;
@@ -23,48 +23,50 @@ struct StationSignal {
 
 const std::vector<StationSignal>& stationSignals();
 
-/** By its name in any case, or by that of a source such as FG_SIGNAL_CAM0_EXSYNC. Throws UsageError. */
+/** Finds a signal by its name (case does not matter) or by a source such as FG_SIGNAL_CAM0_EXSYNC. Throws
+ *  UsageError. */
 const StationSignal& signalFrom(std::string_view word);
 
-/** What a signal did. */
+/** The recorded edges of a signal. */
 struct SignalCourse {
-    bool isComplete = true; /**< false: the board has forgotten the edges at the beginning */
+    bool isComplete = true; /**< false: the board has dropped the first edges */
     bool startsHigh = false;
     std::vector<vboard_edge> edges;
 
     bool level() const { return edges.empty() ? startsHigh : edges.back().level; }
     /** From each rising edge to the next. */
     std::vector<Ticks> periods() const;
-    /** From each rising edge to the falling one behind it, as far as both are there; of low pulses the other way. */
+    /** From each rising edge to the next falling one, if both are recorded; for low pulses the other way
+     *  round. */
     std::vector<Ticks> widths(bool isActiveLow = false) const;
     std::size_t risingEdges() const;
-    /** Where the first rising edge is, or falling one. */
+    /** The first rising edge, or falling edge. */
     std::optional<Ticks> first(bool level) const;
 };
 
-/** From one tick to another, both included. */
+/** From one tick to another, both inclusive. */
 SignalCourse courseOf(Instance& instance, unsigned select, Ticks from, Ticks to);
 
-/** Rising edges a second between the first and the last one; none with fewer than two. */
+/** Rising edges per second between the first and the last one; empty with fewer than two. */
 std::optional<double> rateOf(const SignalCourse& course);
 
-/** A way to lose something. */
+/** A kind of loss. */
 struct LossKind {
     const char* name; /**< "images" */
     int status;       /**< code of Fg_getStatusEx */
     const char* what; /**< "images lost in the full buffer" */
-    const char* cure; /**< what to set */
+    const char* cure; /**< suggested settings */
 };
 
 std::span<const LossKind> lossKinds();
 
-/** How often each kind came since the board was opened, in the order of lossKinds(). */
+/** The number of losses of each kind since the board was opened, in the order of lossKinds(). */
 std::vector<std::int64_t> lossesOf(Instance& instance);
 
-/** Throws UsageError, naming what wants it, where the board is no virtual one. */
+/** Throws UsageError, if the board is not virtual; `what` needs one. */
 void requireStation(const Instance& instance, const std::string& what);
 
-/** Lets time move in pieces. False when `goesOn`, which is asked before each piece, says no. */
+/** Advances the time in steps. Polls `goesOn` before each step; false if that returns false. */
 template <typename GoesOn> bool advance(Instance& instance, Ticks ticks, const GoesOn& goesOn) {
     constexpr Ticks piece = ticksPerSecond / 20;
     const Ticks end = instance.board().now(instance.device()) + ticks;

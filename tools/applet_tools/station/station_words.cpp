@@ -54,7 +54,7 @@ StationFile stationOf(StepDocument fields) {
     return parseStation(fields.dump(-1, ' ', false, StepDocument::error_handler_t::replace), "");
 }
 
-/** "0..500/20ms" in mm/s. */
+/** Parses "0..500/20ms" in mm/s. */
 StepDocument beltPiece(const std::string& word) {
     const std::size_t slash = word.find('/');
     const std::string speeds = word.substr(0, slash);

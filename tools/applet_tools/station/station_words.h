@@ -1,4 +1,4 @@
-/** Camera, belt and scene in the words of a scenario's step. All throw UsageError. */
+/** Parses camera, belt and scene in a scenario's step. All throw UsageError. */
 #ifndef APPLET_TOOLS_STATION_STATION_WORDS_H
 #define APPLET_TOOLS_STATION_STATION_WORDS_H
 

@@ -14,7 +14,7 @@ struct TimeUnit {
     double ticks;
 };
 
-// Longer names before those that they end with.
+// Longer names before their suffixes.
 constexpr TimeUnit units[] = {{"ticks", 1}, {"ns", 0.125}, {"us", 125},
                               {"µs", 125},  {"ms", 125e3}, {"s", 125e6}};
 

@@ -1,4 +1,4 @@
-/** Spans of the station's simulated time, in ticks of 8 ns. */
+/** Durations in simulated time, in ticks of 8 ns. */
 #ifndef APPLET_TOOLS_STATION_TICKS_H
 #define APPLET_TOOLS_STATION_TICKS_H
 
@@ -12,13 +12,13 @@ using Ticks = std::uint64_t;
 
 inline constexpr Ticks ticksPerSecond = 125'000'000;
 
-/** Reads "200us", "200µs", "10ms", "1.5s", "80ns" or "25ticks": the nearest tick, at most a million seconds. Throws
- *  UsageError. */
+/** Parses "200us", "200µs", "10ms", "1.5s", "80ns" or "25ticks" and rounds to ticks, up to a million seconds.
+ *  Throws UsageError. */
 Ticks ticksFrom(std::string_view word);
 
 constexpr double microseconds(Ticks ticks) { return static_cast<double>(ticks) * 0.008; }
 
-/** "0.008 µs", "200 µs", "10.24 ms", "1.5 s": in the largest of these units of which it is at least one. */
+/** "0.008 µs", "200 µs", "10.24 ms", "1.5 s": in the largest of these units in which it is at least one. */
 std::string durationText(Ticks ticks);
 
 } // namespace applet_tools

@@ -36,7 +36,7 @@ std::int32_t speedFrom(std::string_view word) {
     return *speed;
 }
 
-/** "20000", "0..20000/50ms". The last piece needs no time. */
+/** Parses "20000", "0..20000/50ms". The last piece needs no time. */
 vboard_speed pieceFrom(std::string_view word, bool isLast) {
     const std::size_t slash = word.find('/');
     if (slash == std::string_view::npos && !isLast)
@@ -138,13 +138,13 @@ WaveRequest parseWave(std::string_view word) {
 
 namespace {
 
-/** Connects a wave of each kind. */
+/** Connects each kind of wave. */
 struct Connect {
     const applet_host::BoardFunctions& board;
     LOOMdevice* device;
     unsigned input;
 
-    /** A place behind the present tick: what is not later has happened already. */
+    /** A time after the present tick: edges at or before it are already past. */
     Ticks place(Ticks ticks) const { return board.now(device) + std::max<Ticks>(ticks, 1); }
 
     void operator()(const LevelWave& wave) const { board.wave_level(device, input, wave.level); }

@@ -20,13 +20,13 @@ namespace {
 constexpr std::string_view eraseLine = "\r\033[K";
 
 void eraseAndEnd(int signal) {
-    // Nothing can be done where the terminal does not take it.
+    // Nothing to do if the terminal does not accept it.
     [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, eraseLine.data(), eraseLine.size());
     std::signal(signal, SIG_DFL);
     std::raise(signal);
 }
 
-/** Lets Ctrl-C erase the line, where it ends the program at once; false where somebody else waits for it. */
+/** Lets Ctrl-C erase the line if it ends the program at once; false if another handler waits for it. */
 bool takeInterruption() {
     struct sigaction before {};
     if (sigaction(SIGINT, nullptr, &before) != 0 || before.sa_handler != SIG_DFL) return false;
@@ -51,7 +51,7 @@ void Progress::update() {
     if (!std::exchange(m_isShown, true)) m_endsBySignal = takeInterruption();
     std::string line = m_title + (m_detail.empty() ? "" : " " + m_detail) + ", " +
                        numberText(std::chrono::duration_cast<std::chrono::seconds>(passed).count()) + " s";
-    // The line must not reach the next row, which would not be erased.
+    // The line must not wrap, as the second row would not be erased.
     if (const std::size_t width = lineWidth(STDERR_FILENO); line.size() >= width) line.resize(width - 1);
     std::cerr << '\r' << Style::forStream(STDERR_FILENO).faint(line) << "\033[K" << std::flush;
 }

@@ -1,4 +1,4 @@
-/** What a person sees while a command takes its time. */
+/** A progress line for commands that take long. */
 #ifndef APPLETCTL_BASE_PROGRESS_H
 #define APPLETCTL_BASE_PROGRESS_H
 
@@ -10,8 +10,8 @@
 
 namespace appletctl {
 
-/** One line on the terminal that is rewritten as the work goes on, and erased at its end. It goes to the error output,
- *  only when both outputs are terminals, not with --json, --plain or -q, and not before half a second. */
+/** A line on the terminal that is rewritten as the work proceeds, and erased at the end. It goes to the error
+ *  output, only if both outputs are terminals, not with --json, --plain or -q, and not before half a second. */
 class Progress : public WorkObserver {
 public:
     explicit Progress(std::string title);
@@ -21,7 +21,7 @@ public:
 
     std::chrono::milliseconds interval() const override;
     void setDetail(std::string detail) override { m_detail = std::move(detail); }
-    /** Shows the time that has passed, and the detail. */
+    /** Shows the elapsed time and the detail. */
     void update() override;
 
 private:
@@ -30,7 +30,7 @@ private:
     std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
     bool m_isWanted;
     bool m_isShown = false;
-    bool m_endsBySignal = false; // Ctrl-C ends the program; else it is awaited elsewhere
+    bool m_endsBySignal = false; // Ctrl-C ends the program; otherwise it is handled elsewhere
 };
 
 } // namespace appletctl

@@ -43,7 +43,7 @@ std::vector<Table::Column> Table::measured() const {
     std::vector<Column> columns(most);
     for (const Line& line : m_lines) {
         if (line.isHeading()) continue;
-        // The last cell of a shorter row has the rest of the line.
+        // The last cell of a shorter row extends to the end of the line.
         const std::size_t count = line.cells.size() < most ? line.cells.size() - 1 : most;
         for (std::size_t i = 0; i < count; ++i) {
             columns[i].natural = std::max(columns[i].natural, displayWidth(line.cells[i]));
@@ -63,7 +63,7 @@ const std::vector<std::string>* Table::titles() const {
     return found == m_lines.end() ? nullptr : &found->cells;
 }
 
-/** The first cell, and below it the others with their titles; without titles one text of all cells. */
+/** The first cell, with the others and their titles below it; without titles all cells as one text. */
 std::string Table::stackedText(const Line& line, std::size_t width) const {
     const std::string indent(gap, ' ');
     if (titles() == nullptr) return wrapped(indent + join(line.cells, indent), width);
@@ -74,7 +74,7 @@ std::string Table::stackedText(const Line& line, std::size_t width) const {
     return wrapped(text, width);
 }
 
-/** Makes columns narrower until the lines are short enough; false if they cannot be. */
+/** Narrows columns until the lines fit; false if they cannot fit. */
 bool Table::fit(std::vector<Column>& columns, std::size_t width) {
     std::size_t natural = 0, least = 0;
     for (const Column& column : columns) {
@@ -95,7 +95,7 @@ bool Table::fit(std::vector<Column>& columns, std::size_t width) {
     return true;
 }
 
-/** Leaves columns out until the others fit, the least important first; false if that is not enough. */
+/** Hides columns until the others fit, the least important first; false if that is not enough. */
 bool Table::fitWithout(Layout& layout, std::size_t width) const {
     if (fit(layout.columns, width)) return true;
     if (titles() == nullptr) return false;

@@ -1,4 +1,4 @@
-/** Lines of cells in columns. */
+/** Tables of text. */
 #ifndef APPLETCTL_BASE_TABLE_H
 #define APPLETCTL_BASE_TABLE_H
 
@@ -12,20 +12,20 @@ namespace appletctl {
 
 class Style;
 
-/** Columns are as wide as their widest cell. Where the line has less room, cells fold at blanks; then the first cell
- *  moves above the others; then columns go that may go; then each cell gets a line of its own. */
+/** Columns are as wide as their widest cell. On a narrower line, cells fold at blanks; then the first cell
+ *  moves above the others; then optional columns are hidden; then each cell gets a line of its own. */
 class Table {
 public:
-    /** Names of the columns, shown above all. */
+    /** Names of the columns, shown on top. */
     void setTitles(std::vector<std::string> titles) { m_lines.push_back({Kind::titles, std::move(titles)}); }
-    /** Titles of columns that may be left out on a narrow terminal, the least important first. */
+    /** Titles of columns that may be hidden on a narrow terminal, the least important first. */
     void setDispensable(std::vector<std::string> titles) { m_dispensable = std::move(titles); }
-    /** A line between the rows. With --plain there is none. */
+    /** A line between the rows. Omitted with --plain. */
     void addHeading(std::string text) { m_lines.push_back({Kind::heading, {std::move(text)}}); }
-    /** A heading that says what the following rows are about. With --plain it is their first cell. */
+    /** A heading for the following rows. With --plain it is their first cell. */
     void addSubject(std::string name) { m_lines.push_back({Kind::subject, {std::move(name)}}); }
     void addRow(std::vector<std::string> cells) { m_lines.push_back({Kind::row, std::move(cells)}); }
-    /** For the standard output. With --plain the titles and rows as cells with tabs between them. */
+    /** The text for the standard output. With --plain titles and rows are cells separated by tabs. */
     std::string render(const Style& style) const;
 
 private:
@@ -38,19 +38,19 @@ private:
     };
     struct Column {
         std::size_t natural = 0; // width of its widest cell
-        std::size_t least = 0;   // down to which it may be folded
+        std::size_t least = 0;   // width down to which it may be folded
         std::size_t width = 0;
         bool isShown = true;
     };
 
     std::string asRecords() const;
     std::vector<Column> measured() const;
-    /** How the rows are laid out. */
+    /** The layout of the rows. */
     struct Layout {
         std::vector<Column> columns;
-        std::vector<std::string> hidden; // titles of columns that are left out
+        std::vector<std::string> hidden; // titles of hidden columns
         bool isFirstAbove = false;       // the first cell has a line of its own, above the others
-        bool isStacked = false;          // each cell has
+        bool isStacked = false;          // each cell has a line of its own
     };
     Layout layoutFor(std::size_t width) const;
     static bool fit(std::vector<Column>& columns, std::size_t width);

@@ -1,4 +1,4 @@
-/** The command line is written in the terms of the library below it. */
+/** Imports the names of the library below the command line. */
 #ifndef APPLETCTL_BASE_APPLET_TOOLS_H
 #define APPLETCTL_BASE_APPLET_TOOLS_H
 

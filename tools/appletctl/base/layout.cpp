@@ -12,7 +12,7 @@
 namespace appletctl {
 namespace {
 
-/** Where a second column begins: behind two blanks or more within the line. */
+/** Start of the second column: after two or more blanks in the line. */
 std::size_t secondColumn(std::string_view line) {
     const std::size_t first = line.find_first_not_of(' ');
     if (first == std::string_view::npos) return std::string_view::npos;
@@ -21,7 +21,7 @@ std::size_t secondColumn(std::string_view line) {
     return second == std::string_view::npos ? second : displayWidth(line.substr(0, second));
 }
 
-/** As far in as the longest word of the text leaves room, but a little in any case. */
+/** The indentation; limited by the longest word of the text, but never less than a minimum. */
 std::size_t withRoomFor(std::string_view text, std::size_t indent, std::size_t width) {
     constexpr std::size_t least = 2;
     std::size_t longest = 0;
@@ -30,7 +30,7 @@ std::size_t withRoomFor(std::string_view text, std::size_t indent, std::size_t w
     return std::clamp(width - std::min(width, longest), std::min(least, indent), indent);
 }
 
-/** Of what follows the first part of the line. */
+/** The indentation of the lines after the first. */
 std::size_t hangingIndent(std::string_view line, std::string_view rest, std::size_t width) {
     const std::size_t second = secondColumn(line);
     if (second != std::string_view::npos && second <= width / 2) return withRoomFor(rest, second, width);
@@ -39,7 +39,7 @@ std::size_t hangingIndent(std::string_view line, std::string_view rest, std::siz
 }
 
 std::string wrappedLine(std::string_view line, std::size_t width) {
-    // The first line keeps its own beginning, so only the rest is folded in the narrower space.
+    // The first line keeps its own indentation, so only the rest is folded to the narrower width.
     const std::string first = foldedLines(line, width).front();
     std::string text = first;
     const std::size_t behind = line.find_first_not_of(' ', first.size());
@@ -64,7 +64,7 @@ std::size_t lineWidth(int fileDescriptor) {
 
 std::vector<std::string> foldedLines(std::string_view text, std::size_t width) {
     std::vector<std::string> lines;
-    std::size_t begin = 0, end = 0; // of the present line
+    std::size_t begin = 0, end = 0; // of the current line
     // An indented text keeps its indentation in the first line.
     std::size_t place = std::min(text.find_first_not_of(' '), text.size());
     while (place < text.size()) {

@@ -1,4 +1,4 @@
-/** Text within the width of a terminal. */
+/** Lays out text for the width of a terminal. */
 #ifndef APPLETCTL_BASE_LAYOUT_H
 #define APPLETCTL_BASE_LAYOUT_H
 
@@ -14,14 +14,14 @@ namespace appletctl {
 
 constexpr std::size_t unlimitedWidth = std::numeric_limits<std::size_t>::max();
 
-/** Columns of a line on this stream: those of the terminal, or else what COLUMNS says, or else no limit. */
+/** Columns of a line on this stream: those of the terminal, else COLUMNS, else no limit. */
 std::size_t lineWidth(int fileDescriptor);
 
-/** The text in lines of that width at most, broken at blanks. A longer word is not broken. */
+/** Breaks the text at blanks into lines of at most that width. A longer word is not broken. */
 std::vector<std::string> foldedLines(std::string_view text, std::size_t width);
 
-/** Folds each line that is longer than the width. What follows is indented like the second column of the line, if
- *  it has one, or a little more than the line itself. */
+/** Folds each line that is longer than the width. Continuation lines are indented to the second column of the
+ *  line, if it has one, or a little more than the line itself. */
 std::string wrapped(const std::string& text, std::size_t width);
 
 } // namespace appletctl

@@ -21,11 +21,11 @@ namespace {
 struct Mode {
     bool isPlain = false;
     std::string colour = "auto";
-    bool isSilent = false;  // no progress
-    bool isForFile = false; // what is rendered now does not go to the standard output
+    bool isSilent = false;  // no progress line
+    bool isForFile = false; // the text being laid out is not for the standard output
 };
 
-/** Of the process, set once by its command line. */
+/** Settings of the process, set once by its command line. */
 Mode& mode() {
     static Mode of;
     return of;
@@ -79,7 +79,7 @@ bool isProgressWanted() {
 
 Style Style::forStream(int fileDescriptor) {
     Style style;
-    const char* const refused = std::getenv("NO_COLOR"); // set, and to something
+    const char* const refused = std::getenv("NO_COLOR"); // set and not empty
     style.m_colour = mode().colour == "auto"
                          ? isCapableTerminal(fileDescriptor) && (refused == nullptr || *refused == '\0')
                          : mode().colour == "always" && !mode().isPlain && !mode().isForFile;
@@ -133,7 +133,7 @@ std::string laidOut(const Report& report) {
 }
 
 bool writeOut(const std::string& text) {
-    static int firstError = 0; // a stream that has failed does not try again
+    static int firstError = 0; // a stream that has failed is not tried again
     if (std::cout.fail()) {
         errno = firstError;
         return false;
@@ -150,7 +150,7 @@ int print(const Report& report, const std::string& command, const Options& optio
     const bool isRead = isWritten || errno != EPIPE;
     const std::string name = Style::forStream(STDERR_FILENO).alarm("appletctl:");
     for (const std::string& problem : report.problems)
-        printProblem(name + ' ' + toUtf8(problem.c_str())); // may quote a word as it was typed
+        printProblem(name + ' ' + toUtf8(problem.c_str())); // may quote a word of the user
     for (const std::string& note : report.notes)
         if (options.verbose) printProblem("appletctl: " + note);
     if (!isWritten) {

@@ -37,7 +37,7 @@ Report reportOf(const Undone& undone) {
     return report;
 }
 
-/** What works in the shell alone. */
+/** Commands that exist only in the shell. */
 constexpr std::string_view ownWords[] = {"undo", "help", "exit", "quit"};
 
 ExitCode show(Report report, const std::string& command, const Options& options, const std::string& place) {
@@ -87,7 +87,7 @@ std::vector<Candidate> LineSession::complete(const std::string& text) {
             for (const std::string_view own : ownWords)
                 if (own.starts_with(line.words.front())) candidates.push_back({std::string(own)});
         return candidates;
-    } catch (const std::exception&) { // without an applet there is nothing to choose from
+    } catch (const std::exception&) { // without an applet there are no candidates
         return {};
     }
 }

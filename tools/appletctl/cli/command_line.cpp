@@ -10,7 +10,7 @@
 namespace appletctl {
 namespace {
 
-/** The command that groups others; made when it is first asked for. */
+/** The CLI11 command of a group; made on first use. */
 CLI::App* groupCommand(CLI::App& program, const CommandGroup* group) {
     if (group == nullptr) return &program;
     for (CLI::App* command : program.get_subcommands(nullptr))
@@ -20,13 +20,13 @@ CLI::App* groupCommand(CLI::App& program, const CommandGroup* group) {
 
 void addCommand(CLI::App& program, const Command& command, Request& request) {
     CLI::App* added = groupCommand(program, command.group)->add_subcommand(command.name, command.help);
-    const bool isOfAnother = command.kind == Command::Kind::prefix; // its words are another command line's
+    const bool isOfAnother = command.kind == Command::Kind::prefix; // its words form another command line
     if (command.argument != nullptr && !isOfAnother) {
         CLI::Option* words = added->add_option(command.argument, request.words, command.argumentHelp);
-        // Their number is checked later, with clearer words.
+        // Their number is checked later, for better messages.
         words->expected(1, CLI::detail::expected_max_vector_size);
     }
-    if (isOfAnother) added->prefix_command()->fallthrough(false); // their options too
+    if (isOfAnother) added->prefix_command()->fallthrough(false); // including their options
     if (command.showsValues) addWith(*added, request.options);
     if (command.sets != Command::Sets::nothing) addYes(*added, request.options);
     if (command.addOptions != nullptr) command.addOptions(*added, request.options);
@@ -77,13 +77,13 @@ void addGlobalOptions(CLI::App& program, Options& options) {
 
 constexpr const char* programDescription = "Shows and sets the parameters of the applet.";
 
-/** The command that was reached, down to the last word that names one. */
+/** The innermost command that the words name. */
 const CLI::App& reached(const CLI::App& app) {
     const auto below = app.get_subcommands();
     return below.empty() ? app : reached(*below.front());
 }
 
-/** "lut show", "trace"; empty where not even a group of commands was reached. */
+/** "lut show", "trace"; empty if not even a group of commands is named. */
 std::string reachedName(const CLI::App& app) {
     const auto below = app.get_subcommands();
     if (below.empty()) return "";
@@ -91,7 +91,7 @@ std::string reachedName(const CLI::App& app) {
     return below.front()->get_name() + (rest.empty() ? "" : " " + rest);
 }
 
-/** What is wrong where a group of commands, or nothing at all, was named. */
+/** The message if only a group of commands, or nothing, is named. */
 std::string commandMissing(const CLI::App& program) {
     const auto groups = program.get_subcommands();
     if (groups.empty()) return "A command is required";
@@ -101,7 +101,7 @@ std::string commandMissing(const CLI::App& program) {
     return "'" + groups.front()->get_name() + "' needs one of " + join(names, ", ");
 }
 
-/** The outcome of a command line that asks for help or cannot be understood. */
+/** The result of a command line that asks for help or is invalid. */
 Report endParsing(const CLI::App& program, const CLI::ParseError& error, const Words& words) {
     const CLI::App& app = reached(program);
     const bool isHelp = dynamic_cast<const CLI::CallForHelp*>(&error) != nullptr;
@@ -119,7 +119,7 @@ Request misuse(const Options& options, const std::string& name, const std::strin
     return {options, nullptr, {}, failureReport("usage", words, exitUsage), name};
 }
 
-/** The request of the command behind "trace"; its own options go before those that stood in front of it. */
+/** The request of the command after "trace"; its own options override those before it. */
 Request tracedRequest(const Request& trace) {
     if (trace.words.empty())
         return misuse(trace.options, "trace",
@@ -136,7 +136,7 @@ Request tracedRequest(const Request& trace) {
     return request;
 }
 
-/** The request of "trace diff": its words are files, and options of the program. */
+/** The request of "trace diff": its words are files and global options. */
 Request comparison(Request request) {
     const Words words(request.words.begin() + 1, request.words.end());
     request.words.clear();
@@ -180,8 +180,8 @@ HelpPage helpOf(const Command* command) {
 }
 
 void addCommandsTo(CLI::App& program, Request& request) {
-    program.fallthrough();            // global options may follow the command as well
-    program.require_subcommand(0, 1); // a further word of that name is the command's own
+    program.fallthrough();            // global options may also follow the command
+    program.require_subcommand(0, 1); // another word of that name is an argument of the command
     program.set_help_flag("-h,--help", "Show this help");
     program.set_version_flag("--version", APPLETCTL_VERSION, "Show the version");
     addGlobalOptions(program, request.options);
@@ -205,7 +205,7 @@ Request parseCommandLine(const Words& words, const Options& options) {
         request.command = nullptr;
         request.outcome = endParsing(program, error, words);
         if (request.outcome.exitCode == exitUsage) request.misused = reachedName(program);
-        // The error does not say which options were read before it.
+        // The exception does not say which options were read before it.
         request.options.json |= std::ranges::find(words, "--json") != words.end();
     }
     if (request.command == nullptr || request.command->kind != Command::Kind::prefix) return request;

@@ -1,4 +1,4 @@
-/** The command line: its commands and options. */
+/** Parses the command line. */
 #ifndef APPLETCTL_CLI_COMMAND_LINE_H
 #define APPLETCTL_CLI_COMMAND_LINE_H
 
@@ -12,29 +12,28 @@ class App;
 
 namespace appletctl {
 
-/** What a command line asks for. */
+/** A parsed command line. */
 struct Request {
     Options options;
-    const Command* command = nullptr; // null for help, version and wrong usage: `outcome` is all
+    const Command* command = nullptr; // null for help, version and wrong usage: only `outcome` counts
     Words words;
     Report outcome;
-    std::string
-        misused{}; // wrong usage: full name of the command or the group that it was of, as far as known
+    std::string misused{}; // for wrong usage: full name of the command or group, if known
 };
 
-/** Of the command, also of one that was used wrongly; empty when there is none. */
+/** Name of the command, also if it was used wrongly; empty if there is none. */
 std::string nameOf(const Request& request);
 
-/** The name of a command as words of a command line: {"lut", "show"}. */
+/** Splits the name of a command into words of a command line: {"lut", "show"}. */
 Words wordsOf(const Command& command);
 
-/** What is to be said of the command; null: of the program. */
+/** The help of the command; null: of the program. */
 HelpPage helpOf(const Command* command);
 
-/** Makes the program's commands and options, which write to the request. */
+/** Makes the program's commands and options; they write to the request. */
 void addCommandsTo(CLI::App& program, Request& request);
 
-/** Reads the words behind the program's name; what they do not say is as in `options`. Nothing is loaded. */
+/** Parses the words after the program's name; `options` are the defaults. Loads nothing. */
 Request parseCommandLine(const Words& words, const Options& options = {});
 
 } // namespace appletctl

@@ -38,7 +38,7 @@ Report withFailuresAsReports(const std::function<Report()>& work) {
         return failureReport("unavailable", error.what(), exitUnavailable);
     } catch (const Failure& error) {
         return failureReport("failure", error.what(), exitRefused);
-    } catch (const std::system_error& error) { // of files and folders
+    } catch (const std::system_error& error) { // from files and folders
         return failureReport("failure", error.what(), exitRefused);
     } catch (const std::exception& error) {
         return failureReport("internal", internalError(error), exitUnavailable);
@@ -49,7 +49,7 @@ namespace {
 
 bool isOnSystem(const Options& options) { return options.board == BoardKind::system && !options.offline; }
 
-/** A board that others are to find as it was left, or that the user does not want to be written to. */
+/** True for a board that is shared with others or that the user does not want to be written to. */
 bool isProtected(const Options& options) { return options.look || isOnSystem(options); }
 
 bool isAssignment(const std::string& word) { return word.find('=') != std::string::npos; }
@@ -68,7 +68,7 @@ bool setsSomething(const Request& request) {
     }
 }
 
-/** Refuses what must not be written to the board, and asks where the user has to agree. */
+/** Refuses forbidden writes to the board, and asks for the user's consent if it is required. */
 void requireAllowed(const Request& request) {
     const Options& options = request.options;
     if (options.board == BoardKind::virtualBoard && !options.bridge.empty())
@@ -108,14 +108,14 @@ void requireAgreement(const Options& options, const std::string& name) {
 
 namespace {
 
-/** `isAssignmentWanted`: an assignment may be given instead of the file. */
+/** `isAssignmentWanted`: an assignment is accepted instead of the file. */
 void requireReadable(const std::string& file, Context& context, bool isAssignmentWanted) {
     struct stat status {};
     const bool isThere = stat(file.c_str(), &status) == 0 && access(file.c_str(), R_OK) == 0;
     std::string reason = isThere ? "" : std::strerror(errno);
     if (isThere && S_ISDIR(status.st_mode))
         reason = "it is a folder";
-    else if (isThere && !S_ISREG(status.st_mode)) // a FIFO would wait for a writer
+    else if (isThere && !S_ISREG(status.st_mode)) // opening a FIFO would wait for a writer
         reason = "it is no regular file";
     if (reason.empty()) return;
     for (const Parameter& parameter : context.parameters().all())
@@ -129,7 +129,7 @@ void requireReadable(const std::string& file, Context& context, bool isAssignmen
     throw UsageError(inQuotes(toUtf8(file.c_str())) + " is no file that can be read: " + reason);
 }
 
-/** Files that the first words name have to be there before anything is done. */
+/** Checks that the files in the first words exist before anything is done. */
 void requireFiles(const Request& request, Context& context) {
     const bool mayBeAssignment = request.command->file == Command::File::readUnlessAssignment;
     const bool isFile =
@@ -142,8 +142,8 @@ void requireFiles(const Request& request, Context& context) {
         if (!isAssignment(request.words[i])) requireReadable(request.words[i], context, true);
 }
 
-/** The state that --from and --with ask for, as long as it lives: that of the live applet if this command is all that
- *  it is for, else of a copy. */
+/** Establishes the state of --from and --with during its lifetime: on the live applet if it serves only this
+ *  command, else on a copy. */
 class AskedState {
 public:
     AskedState(Context& context, const Options& options, bool isOnlyCommand) : m_context(context) {
@@ -164,7 +164,7 @@ public:
             throw;
         }
         Options rest = options;
-        rest.own<WithOption>() = {}; // done
+        rest.own<WithOption>() = {}; // already applied
         context.setOptions(rest);
     }
     ~AskedState() {
@@ -174,7 +174,7 @@ public:
     AskedState& operator=(const AskedState&) = delete;
 
 private:
-    /** Why the load of the file failed, as `check` says it. */
+    /** Why the load of the file failed, in the words of `check`. */
     std::string failedLoad(const std::string& file, int code) {
         std::vector<std::string> reasons;
         for (const Finding& finding : askCheck(m_context.bareScratch(), file).findings) {
@@ -213,14 +213,14 @@ Report runCommand(const Request& request, Context& context, bool isOnlyCommand) 
     return traceRun(context, request.command->showsWrites, command);
 }
 
-/** Offline a scratch board tells what would come from a board; and it explains why a value is refused. */
+/** Offline, a scratch board finds the values that would come from a board, and explains refusals. */
 Context::Scratch scratchFor(const Request& request) {
     if (request.command->scratch != Context::Scratch::none) return request.command->scratch;
     if (request.options.of<WithOption>().isGiven()) return Context::Scratch::wanted;
     return request.options.offline ? Context::Scratch::withoutDesign : Context::Scratch::none;
 }
 
-/** `isOnlyCommand`: the applet on its board is for this command alone. */
+/** `isOnlyCommand`: the applet on its board serves this command only. */
 Report executeOn(Context& context, const Request& request, bool isOnlyCommand) {
     if (request.command == nullptr) return request.outcome;
     const Stopwatch watch;
@@ -241,7 +241,7 @@ Report executeOn(Context& context, const Request& request, bool isOnlyCommand) {
 
 namespace {
 
-/** `board` says where the board is chosen. */
+/** `board` says how the board was chosen. */
 Request onSameBoard(Request request, const Options& options, const char* board, bool mayBeSession) {
     if (request.command == nullptr) return request;
     const std::string name = nameOf(request);

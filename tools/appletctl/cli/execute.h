@@ -1,4 +1,4 @@
-/** Carries out what a command line asks for. */
+/** Executes a parsed command line. */
 #ifndef APPLETCTL_CLI_EXECUTE_H
 #define APPLETCTL_CLI_EXECUTE_H
 
@@ -9,25 +9,25 @@
 
 namespace appletctl {
 
-/** The report of the command on the context of a run of several commands; all failures are reports too. */
+/** Runs the command in the context of several commands; failures become reports too. */
 Report execute(const Request& request, Context& context);
 
-/** What a line of a shell or a scenario asks for, which works on the board that is there already: wrong
- * usage where it names another one, and for commands that have lines of their own. */
+/** Parses a line of a shell or a scenario, which uses the existing board. The request is wrong usage if it
+ * selects another board, or for a command that needs a command line of its own. */
 Request parseLine(const Words& words, const Options& options);
 
-/** The same for a whole command line that a client wants to be carried out on the board of a station. */
+/** The same for a whole command line that a client sends to a station. */
 Request parseForStation(const Words& words, const Options& options);
 
-/** Asks before something that sets values on a board of the system; throws UsageError where it must not be done, Failure
- *  where the user does not agree. `name` is that of the command. */
+/** Asks for consent before values are set on a board of the system; throws UsageError if it is not allowed,
+ *  Failure if the user declines. `name` is the command's name. */
 void requireAgreement(const Options& options, const std::string& name);
 
-/** The report of the work; all failures are reports too. */
+/** The report of the work; failures become reports too. */
 Report withFailuresAsReports(const std::function<Report()>& work);
 
-/** The report of the only command of a run, whose command line is `words`. It has been printed already when a station
- *  has carried it out. */
+/** Runs the only command of the process; `words` is its command line. The report is already printed if a station
+ *  has executed it. */
 Report execute(const Request& request, const Words& words);
 
 } // namespace appletctl

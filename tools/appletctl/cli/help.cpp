@@ -38,17 +38,17 @@ namespace {
 constexpr const char* startWrites =
     "The start of the applet writes all defaults to it, unless --look is given.";
 
-/** A longer line is hard to read. */
+/** Longer lines are hard to read. */
 std::size_t helpWidth() {
     constexpr std::size_t usual = 80, most = 100;
     const std::size_t width = outputWidth();
     return width == unlimitedWidth ? usual : std::min(width, most);
 }
 
-/** Where the explanations of options and commands begin. */
+/** Column of the explanations of options and commands. */
 std::size_t helpColumn() { return helpWidth() < 60 ? 8 : 28; }
 
-/** The words of a text; one that is longer than the width in parts, behind each | or comma. */
+/** The words of a text; one that is longer than the width is split after each | or comma. */
 std::vector<std::string> wordsWithin(const std::string& text, std::size_t width) {
     std::vector<std::string> parts;
     std::istringstream words(text);
@@ -64,7 +64,7 @@ std::vector<std::string> wordsWithin(const std::string& text, std::size_t width)
     return parts;
 }
 
-/** The words of the text in lines; the first one starts with `begin`, the others are indented. */
+/** The text as lines; the first one starts with `begin`, the others are indented. */
 std::string hanging(const std::string& begin, const std::string& text, std::size_t indent) {
     std::string lines = begin, line;
     const std::string margin(indent, ' ');
@@ -79,7 +79,7 @@ std::string hanging(const std::string& begin, const std::string& text, std::size
     return lines + line + '\n';
 }
 
-/** Lines with their own indentation; those that are too long go on further in. */
+/** Folds lines and keeps their indentation; continuation lines are indented further. */
 std::string foldedDetails(const std::string& text) {
     std::string folded;
     std::istringstream lines(text);
@@ -94,7 +94,7 @@ std::string foldedDetails(const std::string& text) {
 }
 
 std::string entry(const std::string& name, const std::string& help) {
-    constexpr std::size_t nameIndent = 6; // of its second line
+    constexpr std::size_t nameIndent = 6; // of the second line
     std::string begin = "  " + name;
     const std::size_t width = displayWidth(begin), column = helpColumn();
     if (width + 2 > column)
@@ -153,7 +153,7 @@ constexpr Example firstSteps[] = {
     {"shell", "several commands on one board"},
 };
 
-/** Of a command its own ones, of a group the first one of each of its commands. */
+/** For a command its own examples, for a group the first one of each of its commands. */
 std::vector<HelpEntry> examplesOf(const CLI::App& app, const Command* command) {
     std::vector<HelpEntry> examples;
     const auto add = [&](const Example& example) {
@@ -170,7 +170,7 @@ std::vector<HelpEntry> examplesOf(const CLI::App& app, const Command* command) {
     return examples;
 }
 
-/** What the command does to a board that is no virtual one, besides the defaults that the start of the applet writes. */
+/** The command's effect on a real board, apart from the defaults that the start of the applet writes. */
 std::string effectOnBoard(const Command& command) {
     if (command.kind == Command::Kind::session && command.sets == Command::Sets::always)
         return "On a board of the system its steps set values, all after one question or with --yes.";
@@ -197,7 +197,7 @@ std::vector<HelpEntry> commandEntries(const CLI::App& app) {
     return entries;
 }
 
-/** The entries below their title; nothing where there are none. */
+/** The entries below their title; empty if there are none. */
 std::string section(const char* title, const std::vector<HelpEntry>& entries) {
     std::string text;
     for (const HelpEntry& one : entries)
@@ -209,7 +209,7 @@ std::string argumentName(const Command& command) { return "'" + fullName(command
 
 std::string seeHelp(const std::string& name) { return "; '" + name + " --help' shows the usage"; }
 
-/** The option of the command, or of those above it, that is nearest to the word; empty if none is. */
+/** The option of the command, or of those above it, that is most similar to the word; empty if none is. */
 std::string nearestOption(const CLI::App& app, const std::string& word) {
     constexpr std::size_t farthest = 2;
     std::string nearest;
@@ -345,7 +345,7 @@ std::string commandSuggestion(const CommandGroup* group, const std::string& word
 
 namespace {
 
-/** The text between the two; empty where they are not there. */
+/** The text between the two; empty if they do not occur. */
 std::string between(const std::string& text, const std::string& from, const std::string& to) {
     const std::size_t begin = text.find(from);
     if (begin == std::string::npos) return "";
@@ -353,7 +353,7 @@ std::string between(const std::string& text, const std::string& from, const std:
     return end == std::string::npos ? "" : text.substr(begin + from.size(), end - begin - from.size());
 }
 
-/** The choices of an option, which are short words, that differ from the word by a letter or two. */
+/** The short words among an option's choices that differ from the word by a letter or two. */
 Words misspelt(const std::string& word, const Words& choices) {
     constexpr std::size_t lettersOfOne = 4;
     const std::size_t farthest = std::max<std::size_t>(1, word.size() / lettersOfOne);
@@ -363,7 +363,7 @@ Words misspelt(const std::string& word, const Words& choices) {
     return near;
 }
 
-/** The short name of the option where the words have that one. */
+/** The short name of the option if the words use that one. */
 std::string asTyped(const CLI::App& app, const std::string& option, const Words& words) {
     const CLI::Option* found = app.get_option_no_throw(option);
     if (found == nullptr) return option;
@@ -375,7 +375,7 @@ std::string asTyped(const CLI::App& app, const std::string& option, const Words&
     return option;
 }
 
-/** What is wrong with the value of an option, in words of this program; empty for what is not known. The text is
+/** The error in an option's value, in this program's words; empty if it is unknown. The text is
  *  "--interval: Value 0 not in range 1 to 86400000" or the like. */
 std::string optionError(const CLI::App& app, const CLI::ParseError& error, const Words& words) {
     const std::string text = error.what();
@@ -418,7 +418,7 @@ std::string usageError(const CLI::App& program, const CLI::App& app, const CLI::
             const std::string option = word.substr(0, word.find('='));
             const Command* command = commandOf(app);
             if (command != nullptr &&
-                app.get_option_no_throw(option) != nullptr) // unknown in front of it only
+                app.get_option_no_throw(option) != nullptr) // only unknown before the command
                 return inQuotedWord(option) + " is an option of " + argumentName(*command) +
                        ": give it behind the command";
             const std::string nearest = nearestOption(app, option);
@@ -436,7 +436,7 @@ std::string usageError(const CLI::App& program, const CLI::App& app, const CLI::
                inQuotedWord(word) + seeHelp(name);
     }
     std::string own = optionError(app, error, words);
-    if (own.ends_with('?')) return own; // the answer is there
+    if (own.ends_with('?')) return own; // already includes a suggestion
     return (own.empty() ? printable(error.what()) : own) + seeHelp(name);
 }
 
@@ -479,7 +479,7 @@ const Command helpCommand = {
     .examples = {{"help set", "how values are set"}},
     .most = 2,
     .run = showHelp,
-    .kind = Command::Kind::local, // the shell has its own
+    .kind = Command::Kind::local, // the shell has a "help" of its own
 };
 
 } // namespace appletctl

@@ -13,7 +13,7 @@ int main(int argc, char** argv) {
         setOutputMode(request.options);
         return print(execute(request, words), nameOf(request), request.options);
     } catch (const std::exception& error) {
-        // Reports of failures are made in execute(); what arrives here failed while it was parsed or printed.
+        // execute() turns failures into reports; only failures of parsing and printing arrive here.
         std::cerr << "appletctl: " << internalError(error) << '\n';
         return exitUnavailable;
     }

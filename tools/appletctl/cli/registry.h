@@ -8,7 +8,7 @@
 
 namespace appletctl {
 
-/** In the order of the help. */
+/** In the order in which the help lists them. */
 std::span<const Command* const> allCommands();
 
 } // namespace appletctl

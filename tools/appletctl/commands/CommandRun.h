@@ -1,4 +1,4 @@
-/** What commands that take assignments share. */
+/** Shared by commands that take assignments. */
 #ifndef APPLETCTL_COMMANDS_COMMANDRUN_H
 #define APPLETCTL_COMMANDS_COMMANDRUN_H
 
@@ -10,14 +10,14 @@
 
 namespace appletctl {
 
-/** A command at work: an instance with the caller's assignments carried out, and the report so far. */
+/** A running command: an instance with the user's assignments applied, and the report so far. */
 struct CommandRun {
     CommandRun(Context& context, const Words& assignments);
 
     bool isRefused() const { return report.exitCode != exitDone; }
     /** Returns the applet's code. */
     int set(const char* name, const Value& value);
-    /** Throws Failure when the applet does not give the value. */
+    /** Throws Failure if the read fails. */
     Value get(const char* name);
     /** Adds the problem; the program exits with 1. */
     void refuse(const std::string& words);
@@ -29,10 +29,10 @@ struct CommandRun {
 
 Words behindFirst(const Words& words);
 
-/** The file that is the first word. Throws UsageError when its name is empty. */
+/** The file named by the first word. Throws UsageError if the name is empty. */
 const std::string& fileOf(const Words& words);
 
-/** The file's name in quotes, fit for a terminal. */
+/** The file's name in quotes, printable. */
 std::string shownFile(const std::string& file);
 
 } // namespace appletctl

@@ -1,4 +1,4 @@
-/** What a command works on. */
+/** The context in which a command runs. */
 #ifndef APPLETCTL_COMMANDS_CONTEXT_H
 #define APPLETCTL_COMMANDS_CONTEXT_H
 
@@ -16,27 +16,27 @@ namespace appletctl {
 struct Command;
 struct HelpPage;
 
-/** What the commands need of the parts of the program that are made of them. */
+/** Functions of higher layers that commands need. */
 struct Program {
     std::span<const JobRow> jobs{};
     std::span<const Command* const> commands{};
     HelpPage (*helpOf)(const Command* command) = nullptr; /**< null: of the program */
 };
 
-/** The session with the options of the present command. A shell keeps one for all of its commands. */
+/** The session with the options of the current command. A shell keeps one for all of its commands. */
 class Context : public LiveSession {
 public:
     explicit Context(const Options& options, Scratch scratch = Scratch::none, const Program& program = {});
 
     const Program& program() const { return m_program; }
     const Options& options() const { return m_options; }
-    /** The options of the next command. What they say of applet and board has to be what the first ones said. */
+    /** Sets the options of the next command. Applet and board must be those of the first options. */
     void setOptions(const Options& options) { m_options = options; }
 
-    /** What pause() calls; nothing at first. */
+    /** Called by pause(); empty at first. */
     void setPause(std::function<void()> pause) { m_pause = std::move(pause); }
-    /** To be called again and again by a command that takes long, between two accesses: on a station the commands of others
-     *  that only look are carried out meanwhile. */
+    /** To be called regularly by a command that takes long, between two accesses: on a station it executes
+     *  commands of other clients that only read. */
     void pause() const {
         if (m_pause) m_pause();
     }

@@ -1,4 +1,4 @@
-/** What is to be said of the program, a group of commands or a command: the help and the manual lay it out. */
+/** The contents of a help page; the help and the manual lay it out. */
 #ifndef APPLETCTL_COMMANDS_HELPPAGE_H
 #define APPLETCTL_COMMANDS_HELPPAGE_H
 
@@ -13,17 +13,17 @@ struct HelpEntry {
 
 struct HelpPage {
     std::string description;
-    std::vector<HelpEntry> examples; /**< command lines, and what they are good for */
+    std::vector<HelpEntry> examples; /**< command lines, and their purpose */
     std::string usage;               /**< "appletctl set [OPTIONS] NAME=VALUE..." */
     std::vector<HelpEntry> commands; /**< those below the program or the group */
     std::vector<HelpEntry> words;
-    std::string details; /**< lines that are laid out already */
+    std::string details; /**< lines with a fixed layout */
     std::vector<HelpEntry> options, commonOptions;
     std::string
-        effect; /**< what the command does to a board of the system, besides the start of the applet */
+        effect; /**< effect of the command on a board of the system, besides the start of the applet */
 };
 
-/** What help and manual say of all commands. */
+/** The help and manual texts of all commands. */
 extern const char* const accessWords;
 extern const char* const boardNotes;
 

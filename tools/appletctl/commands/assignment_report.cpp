@@ -10,7 +10,7 @@
 namespace appletctl {
 namespace {
 
-/** "FG_WIDTH = 2048 pixel": what the applet holds now, or what it was given where it cannot be read. */
+/** "FG_WIDTH = 2048 pixel": the present value, or the requested one if it cannot be read. */
 std::string outcomeLine(const Target& target, const Value& requested, const ReadResult& actual) {
     const Parameter& parameter = *target.parameter;
     if (isPlainOutput()) return valueLine(target, actual.error == FG_OK ? actual.value : requested);

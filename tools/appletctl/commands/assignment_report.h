@@ -1,4 +1,4 @@
-/** Assignments carried out, as a report. */
+/** Applies assignments and reports the results. */
 #ifndef APPLETCTL_COMMANDS_ASSIGNMENT_REPORT_H
 #define APPLETCTL_COMMANDS_ASSIGNMENT_REPORT_H
 
@@ -12,26 +12,26 @@
 
 namespace appletctl {
 
-/** What a command adds to the report of its assignments. All may be empty. */
+/** A command's additions to the report of its assignments. All may be empty. */
 struct AssignmentAdditions {
-    /** Gives the lines of what was written to the design since it was last asked. */
+    /** Returns the log lines of the writes to the design since the last call. */
     std::function<std::vector<std::string>()> takeWrites = {};
-    /** Of records of these lines: the parameter that was set comes first. */
+    /** Records for these lines: the parameter that was set comes first. */
     bool areWritesNamed = false;
-    /** True for an assignment that is only to be mentioned, not to be carried out. */
+    /** True for an assignment that is reported but not applied. */
     std::function<bool(const Assignment&)> isLeftOut = {};
-    /** Called behind each assignment that was taken; adds to its row and gives more text. */
+    /** Called after each accepted assignment; adds to its row and returns more text. */
     std::function<std::string(const Assignment&, nlohmann::ordered_json& row)> after = {};
-    /** What to do about a refusal: "; accepted with FG_XOFFSET=0". It is the end, so the parameters may be gone
-     *  afterwards. */
+    /** A suggestion after a refusal: "; accepted with FG_XOFFSET=0". Called last, so the parameters may be
+     *  invalid afterwards. */
     std::function<std::string(const Assignment&, int code, nlohmann::ordered_json& row)> suggestion = {};
 };
 
-/** Carries them out up to the first refusal (see applyAssignments); the report shows each of them. */
+/** Applies them up to the first refusal (see applyAssignments); the report shows each of them. */
 Report reportAssignments(Instance& instance, const ParameterList& parameters, const Words& words,
                          const AssignmentAdditions& additions = {});
 
-/** The same on the live applet; a refusal comes with a suggestion from the scratch board. */
+/** The same on the live applet, with a suggestion from the scratch board after a refusal. */
 Report applyLive(Context& context, const Words& words, AssignmentAdditions additions = {});
 
 } // namespace appletctl

@@ -1,4 +1,4 @@
-/** What is known of configuration files, as parts of a report. */
+/** Parts of reports on configuration files. */
 #ifndef APPLETCTL_COMMANDS_FILE_REPORTS_H
 #define APPLETCTL_COMMANDS_FILE_REPORTS_H
 
@@ -10,15 +10,15 @@
 
 namespace appletctl {
 
-/** How a rate of the simulator is shown that is one cycle away (see Difference): as a row like others, or behind the
- *  table in one line. */
+/** How to show a simulator rate that differs by one cycle (see Difference): as a row, or in one line after the
+ *  table. */
 enum class NextCycle { row, remark };
 
 /** Adds the table to the text and "differences" to the document. */
 void addDifferences(Report& report, const std::vector<Side>& sides,
                     const std::vector<Difference>& differences, NextCycle nextCycle = NextCycle::row);
 
-/** Adds the losses to the problems, what was rounded to the text, and all of them to the document. */
+/** Adds the losses to the problems, rounded values to the text, and all of them to the document. */
 void addFindings(Report& report, const std::vector<Finding>& findings);
 
 } // namespace appletctl

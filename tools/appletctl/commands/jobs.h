@@ -1,4 +1,4 @@
-/** What a scratch board can be asked to find out. */
+/** The scratch board jobs of the commands. */
 #ifndef APPLETCTL_COMMANDS_JOBS_H
 #define APPLETCTL_COMMANDS_JOBS_H
 
@@ -9,12 +9,12 @@
 
 namespace appletctl {
 
-/** What each gives is a report, laid out as "plain" says (see reports.h), where nothing else is said. */
+/** Unless noted otherwise, each returns a report, laid out as "plain" says (see reports.h). */
 
-/** Says what {"words": [NAME=VALUE, ...] or [FILE], "all": whether all writes of a file are shown} would do. */
+/** Reports the effect of {"words": [NAME=VALUE, ...] or [FILE], "all": whether to show all writes of a file}. */
 json planJob(ScratchSession& session, const json& arguments);
 
-/** All of them and those of the library, for the scratch boards. */
+/** All of these and those of the library, for the scratch boards. */
 std::span<const JobRow> allJobs();
 
 } // namespace appletctl

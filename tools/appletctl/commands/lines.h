@@ -1,4 +1,4 @@
-/** Lines of the output that several commands print. */
+/** Output lines that several commands share. */
 #ifndef APPLETCTL_COMMANDS_LINES_H
 #define APPLETCTL_COMMANDS_LINES_H
 
@@ -12,7 +12,7 @@ namespace appletctl {
 /** "FG_WIDTH = 1024 pixel"; with --plain the name, the value as valueText and the unit. */
 std::string valueLine(const Target& target, const Value& value);
 
-/** "1024 pixel"; "-" and the reason where there is no value. */
+/** "1024 pixel"; "-" and the reason if there is no value. */
 std::string shownReading(const Parameter& parameter, const ReadResult& reading);
 
 /** A line of the board's log; its words are the cells with --plain. */

@@ -40,7 +40,7 @@ void layOutAsAsked(const nlohmann::json& arguments) { setPlainOutput(arguments.a
 
 void addAssumed(Report& report, const Context& context, const Words& words, const Words& assignments) {
     Words assumed = context.assumed();
-    // A measurement matters only to the question about itself.
+    // An assumed measurement matters only for a question about itself.
     const std::string asked = lowerCase(join(words, " ") + " " + join(assignments, " "));
     for (const std::string& name : context.assumedMeasurements())
         if (asked.find(lowerCase(name)) != std::string::npos) assumed.push_back(name);

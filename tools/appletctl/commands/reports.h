@@ -10,20 +10,20 @@ namespace appletctl {
 nlohmann::json asMessage(const Report& report);
 Report reportOf(const nlohmann::json& message);
 
-/** Puts the second report behind the first one: its members, text, problems, notes; a failure stays one. */
+/** Appends the second report to the first: members, text, problems, notes; a failure stays a failure. */
 void append(Report& report, const Report& more);
 
 /** The report of a job on a scratch board. */
 Report askReport(ScratchBoard& scratch, const std::string& job, nlohmann::json arguments);
 
-/** What a job needs to lay its text out as the command that asks for it; to be called first of all. */
+/** Layout information for a job, so that it lays its text out for the calling command; call it first. */
 void layOutAsAsked(const nlohmann::json& arguments);
 
-/** Says what of the live state was assumed on the scratch board that answered: of measurements only those that are named
+/** Reports what the scratch board assumed of the live state: measurements only if they are named
  *  among the words or assignments of the question. */
 void addAssumed(Report& report, const Context& context, const Words& words, const Words& assignments);
 
-/** Says it: "(assumed: ...)" in the text, "assumed" in the document; nothing for nothing. */
+/** Adds "(assumed: ...)" to the text and "assumed" to the document; nothing if the list is empty. */
 void addAssumed(Report& report, const Words& assumed);
 
 } // namespace appletctl

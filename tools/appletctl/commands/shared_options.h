@@ -1,4 +1,4 @@
-/** Options that several commands have. */
+/** Options that several commands share. */
 #ifndef APPLETCTL_COMMANDS_SHARED_OPTIONS_H
 #define APPLETCTL_COMMANDS_SHARED_OPTIONS_H
 
@@ -14,7 +14,7 @@ class App;
 
 namespace appletctl {
 
-/** --with NAME=VALUE and --from FILE: the state that a command looks at, if it is not the present one. */
+/** --with NAME=VALUE and --from FILE: the state that a command examines, if not the present one. */
 struct WithOption {
     Words assignments;
     std::string file; /**< a configuration file, loaded before the assignments; empty: none */
@@ -23,13 +23,13 @@ struct WithOption {
 };
 void addWith(CLI::App& command, Options& options);
 
-/** --yes: do it without a question. */
+/** --yes: do not ask. */
 struct YesOption {
     bool isGiven = false;
 };
 void addYes(CLI::App& command, Options& options);
 
-/** A check of an option: an unset variable of a shell must not switch it off unnoticed. */
+/** Checks an option's value: an unset shell variable must not silently disable it. */
 std::string troubleOfFileName(const std::string& name);
 
 /** -o FILE. */

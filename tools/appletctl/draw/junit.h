@@ -1,4 +1,4 @@
-/** Reports of tests, as continuous integration reads them. */
+/** Test reports for continuous integration. */
 #ifndef APPLETCTL_DRAW_JUNIT_H
 #define APPLETCTL_DRAW_JUNIT_H
 

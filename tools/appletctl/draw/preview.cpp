@@ -12,7 +12,7 @@ namespace {
 
 using Rgb = std::array<std::uint32_t, 3>; // 0 to 255 each
 
-/** Means of areas of a picture, one row of areas at a time. */
+/** Averages areas of a picture, one row of areas at a time. */
 class Means {
 public:
     Means(const PictureView& picture, std::uint32_t width, std::uint32_t height)
@@ -20,7 +20,7 @@ public:
         , m_width(width)
         , m_height(height) {}
 
-    /** Of the areas whose first line this is; at the right and the lower edge they may be smaller. */
+    /** The row of areas that starts at this line; areas at the right and the lower edge may be smaller. */
     std::vector<Rgb> row(std::uint32_t first) {
         std::vector<std::array<std::uint64_t, 4>> sums((m_picture.width + m_width - 1) / m_width);
         const std::uint32_t end = first + std::min(m_height, m_picture.lines - first);
@@ -56,7 +56,7 @@ char rampOf(const Rgb& colour) {
     return ramp[luma * ramp.size() / 256];
 }
 
-/** The nearest of a terminal's 256 colours: a grey, or one of its cube of 6 x 6 x 6. */
+/** The nearest of a terminal's 256 colours: a grey, or one of the cube of 6 x 6 x 6. */
 std::uint32_t indexOf(const Rgb& colour) {
     const auto level = [](std::uint32_t value) {
         return value < 48 ? 0 : value < 115 ? 1 : (value - 35) / 40;
@@ -77,7 +77,7 @@ std::string codeOf(const char* ground, const Rgb& colour, ColourDepth colours) {
            "m";
 }
 
-/** Upper half blocks: the upper area in their colour, the lower one in that of the ground. */
+/** Upper half blocks: the upper area is the foreground colour, the lower one the background colour. */
 std::string blocksOf(const std::vector<Rgb>& upper, const std::vector<Rgb>& lower, ColourDepth colours) {
     std::string line, before;
     for (std::size_t i = 0; i < upper.size(); ++i) {

@@ -1,4 +1,4 @@
-/** The course of a value in one line of text. */
+/** A value over time in one line of text. */
 #ifndef APPLETCTL_DRAW_SPARKLINE_H
 #define APPLETCTL_DRAW_SPARKLINE_H
 
@@ -7,7 +7,7 @@
 
 namespace appletctl {
 
-/** One character for each number, from the lowest to the highest of them; as blocks, or in ASCII. */
+/** One character per number, scaled from the lowest to the highest; as blocks, or in ASCII. */
 std::string sparkline(const std::deque<double>& numbers, bool unicode);
 
 } // namespace appletctl

@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::size_t usualColumns = 60, fewestColumns = 12, mostColumns = 120;
 
-/** Columns for so many periods, beside names of this width: as many for each. */
+/** Columns for this many periods next to names of this width; the same number for each period. */
 std::size_t columnsFor(std::size_t nameWidth, std::size_t lineWidth, std::size_t periods) {
     if (lineWidth == unlimitedWidth) return usualColumns;
     constexpr std::size_t blanks = 4, lastNumber = 10; // which is written behind the last column
@@ -29,8 +29,8 @@ std::size_t columnOf(double time, double end, std::size_t columns) {
     return static_cast<std::size_t>(std::lround(time / end * static_cast<double>(columns)));
 }
 
-/** Level of each column. Pulses of one length have as many columns, two at least, and one at least is left before the
- *  next one. */
+/** Level of each column. Pulses of equal length have equally many columns, at least two, with at least one
+ *  column between pulses. */
 std::vector<bool> levelsOf(const Wave& wave, double end, std::size_t columns) {
     std::vector<bool> levels(columns, wave.isActiveLow);
     for (std::size_t i = 0; i < wave.active->size(); ++i) {
@@ -46,7 +46,7 @@ std::vector<bool> levelsOf(const Wave& wave, double end, std::size_t columns) {
     return levels;
 }
 
-/** What is drawn in the upper and the lower line of a wave. */
+/** The drawing of the upper and the lower line of a wave. */
 struct Strokes {
     const char *high[2], *low[2], *rise[2], *fall[2];
 };
@@ -69,10 +69,10 @@ std::string indented(const std::string& text, std::size_t width) {
     return "  " + text + std::string(width - std::min(width, displayWidth(text)) + 2, ' ');
 }
 
-/** Periods that begin within the drawing, besides the first. */
+/** Number of periods that begin within the drawing, besides the first. */
 int periodsIn(double end, double period) { return static_cast<int>(std::lround(end / period)); }
 
-/** The times at which the periods begin, each below its place. */
+/** The start times of the periods, each below its column. */
 std::string scaleText(double end, double period, std::size_t columns) {
     std::string scale;
     for (int number = 0; number <= periodsIn(end, period); ++number) {
@@ -155,13 +155,13 @@ std::string wavesAsSvg(const std::vector<Wave>& waves, double end, double period
         };
         bool level = wave.isActiveLow;
         for (const Pulse& pulse : *wave.active) {
-            const bool hasBegun = pulse.start <= 0 && origin > 0; // before the drawing
+            const bool hasBegun = pulse.start <= 0 && origin > 0; // before the drawing begins
             if (points.empty() && !hasBegun) add(0, level);
             if (!hasBegun) add(pulse.start, level);
             level = !wave.isActiveLow;
             add(pulse.start, level);
             add(pulse.end, level);
-            if (pulse.end >= end) break; // it stays so
+            if (pulse.end >= end) break; // it stays active
             level = wave.isActiveLow;
             add(pulse.end, level);
         }

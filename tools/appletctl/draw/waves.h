@@ -1,4 +1,4 @@
-/** Digital signals over time, in microseconds: on a terminal, as a picture, for a waveform viewer. */
+/** Draws digital signals over time, in microseconds: on a terminal, as a picture, for a waveform viewer. */
 #ifndef APPLETCTL_DRAW_WAVES_H
 #define APPLETCTL_DRAW_WAVES_H
 
@@ -15,24 +15,24 @@ struct Pulse {
 
 struct Wave {
     std::string name;
-    std::optional<std::vector<Pulse>> active; /**< in order, apart from each other; none: not known */
+    std::optional<std::vector<Pulse>> active; /**< sorted, without overlap; empty if unknown */
     bool isActiveLow;
 };
 
-/** Pulses in order, as far as they show between 0 and `end`; those that touch become one. */
+/** The visible parts of the pulses between 0 and `end`; merges those that touch. */
 std::vector<Pulse> merged(const std::vector<Pulse>& pulses, double end);
 
-/** Two lines for each wave, in line drawing characters or in ASCII, below them the times of the periods; as wide as the
- *  line allows. */
+/** Two lines per wave, in line drawing characters or in ASCII, with the times of the periods below; as wide
+ *  as the line allows. */
 std::string wavesText(const std::vector<Wave>& waves, double end, double period, bool unicode,
                       std::size_t lineWidth);
 
-/** `origin`: the time at the left end, which is added to what is written below. What is active there has
- *  begun before, if that is not 0. */
+/** `origin` is the time at the left end; it is added to the displayed times. If it is not 0, signals that are
+ *  active there have begun earlier. */
 std::string wavesAsSvg(const std::vector<Wave>& waves, double end, double period, const std::string& subtitle,
                        double origin);
 
-/** A value change dump with one wire for each wave, in nanoseconds, which begin with `origin`. */
+/** A value change dump with one wire per wave, in nanoseconds, starting at `origin`. */
 std::string wavesAsVcd(const std::vector<Wave>& waves, double end, double origin);
 
 } // namespace appletctl

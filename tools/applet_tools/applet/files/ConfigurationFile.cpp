@@ -23,14 +23,14 @@ std::string_view trimmed(std::string_view text) {
     return text.substr(0, text.find_last_not_of(unprinted) + 1);
 }
 
-/** The value of the text after the equals sign: 'text'; or number; */
+/** The value in the text after the equals sign: 'text'; or number; */
 std::string_view withoutMarks(std::string_view text) {
     const std::size_t quote = text.rfind('\'');
     if (text.starts_with('\'') && quote > 0) return text.substr(1, quote - 1);
     return trimmed(text.substr(0, text.find(';')));
 }
 
-/** The line that begins there, with its end. */
+/** The line at this position, with its line end. */
 std::string_view lineAt(std::string_view text, std::size_t begin) {
     return text.substr(begin, std::min(text.find('\n', begin), text.size() - 1) + 1 - begin);
 }
@@ -40,7 +40,7 @@ template <typename Integer> std::optional<Value> wholeInFile(const std::string& 
     return number ? std::optional<Value>(*number) : std::nullopt;
 }
 
-/** A file has unsigned numbers as signed ones. */
+/** A file stores unsigned numbers as signed ones. */
 std::optional<Value> unsignedInFile(const std::string& text) {
     const auto number = wholeNumber<std::int32_t>(text);
     return number ? static_cast<std::uint32_t>(*number) : wholeInFile<std::uint32_t>(text);
@@ -106,7 +106,7 @@ std::size_t ConfigurationFile::Section::slotOf(std::string_view key) const {
 }
 
 void ConfigurationFile::Section::grow() {
-    constexpr std::size_t fewest = 256; // a power of two, as all sizes are
+    constexpr std::size_t fewest = 256; // a power of two, as are all sizes
     m_slots.assign(std::max(fewest, m_slots.size() * 2), 0);
     for (std::uint32_t number = 1; number <= m_places.size(); ++number)
         m_slots[slotOf(keyAt(m_places[number - 1].begin))] = number;
@@ -137,7 +137,7 @@ std::string textForLoad(std::string text, const ConfigurationFile& known) {
     if (kept.find(lineAt(known.text(), 0)) == std::string::npos) return text;
     for (const auto& line : known.header())
         if (kept.find(line.key) == std::string::npos) return text;
-    constexpr std::size_t longestLine = 255; // a load takes the rest of a longer one as further lines
+    constexpr std::size_t longestLine = 255; // a load reads the rest of a longer line as further lines
     std::set<std::string_view> seen;
     for (std::size_t begin = kept.size(); begin < text.size();) {
         const std::string_view line = lineAt(text, begin);
@@ -152,7 +152,7 @@ std::string textForLoad(std::string text, const ConfigurationFile& known) {
 int loadConfiguration(Instance& instance, const std::string& path) {
     ++effort().loads;
     const int code = instance.applet().Fg_loadConfig(instance.fg(), path.c_str());
-    if (code == FG_ERR_FILE_TYPE) return code; // it was not opened
+    if (code == FG_ERR_FILE_TYPE) return code; // the file was not opened
     LoadHistory& history = instance.loads();
     if (code == FG_OK) history = {};
     constexpr std::size_t most = 16, large = 1 << 16;
@@ -172,7 +172,7 @@ ConfigurationFile stateOf(Instance& instance) {
 
 std::optional<Value> valueInFile(const Parameter& parameter, const std::string& text) {
     if (parameter.kind() == REGISTER_KIND_STRING) return text;
-    if (text.find_first_of("xX") != std::string::npos) return std::nullopt; // to a load 0x800 is 0
+    if (text.find_first_of("xX") != std::string::npos) return std::nullopt; // a load reads 0x800 as 0
     switch (parameter.kind()) {
     case REGISTER_KIND_UINT:
         return unsignedInFile(text);

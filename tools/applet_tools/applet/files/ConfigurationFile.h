@@ -1,4 +1,4 @@
-/** Configuration files (.mcf) as appletctl reads them. */
+/** Configuration files (.mcf), with the keys and values as a user sees them. */
 #ifndef APPLET_TOOLS_APPLET_FILES_CONFIGURATIONFILE_H
 #define APPLET_TOOLS_APPLET_FILES_CONFIGURATIONFILE_H
 
@@ -16,28 +16,28 @@
 
 namespace applet_tools {
 
-/** The keys and values that a person sees in a file. A load ends a text at its first = ; or ' and a number at the first
- *  character that it cannot use. So what is read here and what the applet holds after a load may differ, and
- *  that is a loss to be reported. */
+/** The keys and values of a file. A load ends a text at its first = ; or ' and a number at the first
+ *  character that does not belong to it. So these values and those that the applet holds after a load may
+ *  differ; such a difference is reported as a loss. */
 class ConfigurationFile {
 public:
-    /** The first line of a key, which is the one that counts. */
+    /** The first line of a key; a load ignores the others. */
     struct Line {
-        std::string_view key;   /**< everything before the equals sign, blanks too */
+        std::string_view key;   /**< everything before the equals sign, including blanks */
         std::string_view value; /**< without quotes and semicolon */
-        std::string_view text;  /**< of the whole line, with its end */
-        std::size_t count = 1;  /**< lines of this key */
+        std::string_view text;  /**< the whole line with its line end */
+        std::size_t count = 1;  /**< number of lines with this key */
     };
 
-    /** The keys of a section in the order of the file. It refers to the file's text. */
+    /** The keys of a section in file order. Refers to the file's text. */
     class Section {
     public:
         class Iterator;
 
         explicit Section(std::string_view text) : m_text(text) {}
-        /** Takes in the line that begins there. */
+        /** Adds the line at this position. */
         void add(std::size_t begin);
-        /** Nothing if there is no such key. */
+        /** The first line of the key, if there is one. */
         std::optional<Line> find(std::string_view key) const;
         /** The value of a key. */
         std::optional<std::string> value(std::string_view key) const;
@@ -46,22 +46,21 @@ public:
         std::size_t size() const { return m_places.size(); }
 
     private:
-        /** Of a line in the text. */
+        /** Position of a line in the text. */
         struct Place {
             std::uint64_t begin : 40;
-            std::uint64_t count : 24; // of the lines of this key; the last number means that or more
+            std::uint64_t count : 24; // lines with this key; saturates
         };
         Line line(const Place& place) const;
         std::string_view keyAt(std::size_t begin) const;
-        /** Where the key is in m_slots, or would be. */
+        /** The index of the key's slot in m_slots, or of the slot for it. */
         std::size_t slotOf(std::string_view key) const;
         void grow();
 
-        // A file may have millions of short lines: these two take less room than the lines themselves.
+        // A file may have millions of short lines: these two need less memory than the lines themselves.
         std::string_view m_text;
         std::deque<Place> m_places;
-        std::vector<std::uint32_t>
-            m_slots; // by the hash of the key the number of its place, from 1; 0 is free
+        std::vector<std::uint32_t> m_slots; // hash table of indices into m_entries, plus one; 0 is free
     };
 
     explicit ConfigurationFile(std::string text);
@@ -71,22 +70,22 @@ public:
     static std::string textOf(const std::string& path);
 
     const std::string& text() const { return *m_text; }
-    /** Above the section of the port: what the file says of itself. */
+    /** The section above that of the port: information on the file itself. */
     const Section& header() const { return m_header; }
-    /** From that section on: values of parameters. */
+    /** From the port's section on: parameter values. */
     const Section& values() const { return m_values; }
 
     std::optional<std::string> value(std::string_view key) const { return m_values.value(key); }
 
-    /** The file's text with other text in the place of one of its lines. */
+    /** The file's text with one line replaced. */
     std::string textWith(const Line& line, std::string_view replacement) const;
 
 private:
-    std::shared_ptr<const std::string> m_text; // stays in its place when the object moves
+    std::shared_ptr<const std::string> m_text; // keeps its address when the object moves
     Section m_header, m_values;
 };
 
-/** Gives the lines one by one. */
+/** Iterates over the lines. */
 class ConfigurationFile::Section::Iterator {
 public:
     using value_type = Line;
@@ -112,24 +111,24 @@ inline ConfigurationFile::Section::Iterator ConfigurationFile::Section::end() co
     return {*this, m_places.size()};
 }
 
-/** The text of a file without lines of which a load takes nothing: those of further sections and keys that are not in
- *  `known`, and of repeated keys. A load of it does the same. A text without a complete header stays as it is. */
+/** The text without lines that a load ignores: those of further sections, of keys that are not in `known`, and
+ *  repeated keys. A load of it has the same effect. A text without a complete header is not changed. */
 std::string textForLoad(std::string text, const ConfigurationFile& known);
 
-/** Makes the applet load the file, and notes it. Returns the applet's code. */
+/** Makes the applet load the file, and records the load. Returns the applet's code. */
 int loadConfiguration(Instance& instance, const std::string& path);
 
-/** What the applet would save now. Throws Failure. */
+/** The text that the applet would save now. Throws Failure. */
 ConfigurationFile stateOf(Instance& instance);
 
-/** The value of a file's text; nothing if it is none of the parameter's kind: a load knows neither
+/** The value of a file's text; empty if the text is not a value of the parameter's kind. A load knows neither
  *  symbols nor hexadecimal numbers. */
 std::optional<Value> valueInFile(const Parameter& parameter, const std::string& text);
 
 /** True when two texts of a file mean the same value. */
 bool isSameValue(const Parameter& parameter, const std::string& a, const std::string& b);
 
-/** The value with symbol and unit; a text that is no value in quotes. */
+/** The value with symbol and unit; a text that is not a value is quoted. */
 std::string fileValueText(const Parameter& parameter, const std::string& text);
 
 } // namespace applet_tools

@@ -12,7 +12,7 @@ namespace {
 
 struct ColourRow {
     const char* colour;
-    const char* section; // in a file
+    const char* section; // its name in a file
     const char* parameter;
     const char* design;
 };
@@ -39,11 +39,11 @@ std::string courseOf(const Elements& entries) {
     if (isFalling) return "falling";
     const auto rise = std::adjacent_find(entries.begin(), entries.end(), std::less<>());
     const auto fall = std::adjacent_find(entries.begin(), entries.end(), std::greater<>());
-    // The first change of direction is at the later of the two.
+    // The later of the two is the first change of direction.
     return "turns at entry " + numberText(std::max(rise, fall) - entries.begin());
 }
 
-/** The run of equal entries from `first` on, as its length, if it is at a limit of the output. */
+/** Length of the run of equal entries from `first` on, if they are at a limit of the output. */
 template <typename Iterator> std::size_t clippedLength(Iterator first, Iterator end, std::uint32_t largest) {
     if (*first != 0 && *first != largest) return 0;
     const auto length =
@@ -137,7 +137,7 @@ LutStatistics statisticsOf(const Elements& entries, std::uint32_t largest) {
     const auto atStart = static_cast<std::uint32_t>(clippedLength(entries.begin(), entries.end(), largest));
     const auto atEnd = static_cast<std::uint32_t>(clippedLength(entries.rbegin(), entries.rend(), largest));
     if (atStart > 0) statistics.atStart = {0, atStart - 1};
-    // A constant table is clipped as a whole, which the start tells.
+    // A constant table is clipped as a whole; atStart already reports that.
     if (atEnd > 0 && atEnd < size) statistics.atEnd = {size - atEnd, size - 1};
     return statistics;
 }

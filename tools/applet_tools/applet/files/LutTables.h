@@ -1,4 +1,4 @@
-/** The lookup tables of the three colours: those of the applet, those of the board, what they are like. */
+/** The lookup tables of the three colours, in the applet and on the board, and their statistics. */
 #ifndef APPLET_TOOLS_APPLET_FILES_LUTTABLES_H
 #define APPLET_TOOLS_APPLET_FILES_LUTTABLES_H
 
@@ -17,7 +17,7 @@ struct LutTable {
     const char* colour;
     const char* parameter;           /**< "FG_LUT_VALUE_RED" */
     Elements entries;                /**< the applet's cache */
-    std::optional<Elements> onBoard; /**< what the design received; none without a board */
+    std::optional<Elements> onBoard; /**< the elements that the design received; empty without a board */
 };
 
 struct LutTables {
@@ -27,16 +27,16 @@ struct LutTables {
     bool areEqual() const;
 };
 
-/** What a load takes from a lookup table file. */
+/** The result of reading a lookup table file as a load does. */
 struct LutFile {
-    std::string trouble; /**< what is missing, which the applet reads as zeros without a word: "[green] is
-                                      missing"; empty for a file that is whole */
-    std::uint32_t elements = 0; /**< of each table; the entries from there on stay as they are */
+    std::string trouble;        /**< what is missing, which the applet silently reads as zeros: "[green] is
+                                      missing"; empty for a complete file */
+    std::uint32_t elements = 0; /**< of each table; entries with a higher index keep their values */
 };
 
 LutFile lookAtLutFile(const std::string& file);
 
-/** Reads all three tables. Throws Failure when the applet does not give one. */
+/** Reads all three tables. Throws Failure if a read fails. */
 LutTables readLutTables(Instance& instance, const ParameterList& parameters);
 
 struct LutStatistics {
@@ -44,13 +44,13 @@ struct LutStatistics {
     std::uint32_t maximum = 0;
     std::size_t distinct = 0;            /**< number of different values */
     std::string course;                  /**< "rising", "constant", "turns at entry 5", ... */
-    std::optional<ElementRange> atStart; /**< more than one entry at a limit of the output, at this end */
+    std::optional<ElementRange> atStart; /**< run of entries at a limit of the output, at this end */
     std::optional<ElementRange> atEnd;
 };
 
 LutStatistics statisticsOf(const Elements& entries, std::uint32_t largest);
 
-/** How the board's table of one colour relates to the applet's: "same", "table of blue", "12 entries differ";
+/** Compares the board's table of one colour with the applet's: "same", "table of blue", "12 entries differ";
  *  empty without a board. */
 std::string boardInWords(const LutTables& tables, const LutTable& table);
 

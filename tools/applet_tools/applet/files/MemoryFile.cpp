@@ -21,8 +21,8 @@ namespace {
     throw Unavailable(std::string("a file in memory cannot be ") + what + ": " + std::strerror(errno));
 }
 
-/** A link to /proc/self/fd that is installed with the virtual board. No folder of the system has ".mcf" in its name, and
- *  making one for each run would need a writable folder and leave it behind when the program is killed. */
+/** A link to /proc/self/fd that is installed with the virtual board. No system folder has ".mcf" in its name,
+ *  and making one for each run would need a writable folder and leave it behind if the program is killed. */
 const std::string& linkToDescriptors() {
     static const std::string link = [] {
         const std::filesystem::path path = applet_host::Locations::beside().virtualBoard / "descriptors.mcf";
@@ -41,7 +41,7 @@ const std::string& linkToDescriptors() {
 
 MemoryFile::MemoryFile() : m_descriptor(memfd_create("appletctl", MFD_CLOEXEC)) {
     if (m_descriptor < 0) fail("made");
-    // The applet reports no failed write, so it is tried here whether there is room for what it writes.
+    // The applet does not report failed writes, so check beforehand that there is enough memory.
     constexpr off_t room = 1 << 16;
     if (fallocate(m_descriptor, 0, 0, room) == 0) return;
     const int reason = errno;

@@ -1,4 +1,4 @@
-/** A file in memory that the applet reads and writes by a path. */
+/** A file in memory that the applet reads and writes by path. */
 #ifndef APPLET_TOOLS_APPLET_FILES_MEMORYFILE_H
 #define APPLET_TOOLS_APPLET_FILES_MEMORYFILE_H
 
@@ -6,8 +6,8 @@
 
 namespace applet_tools {
 
-/** It takes no place in a folder and is gone with the object or the process, however that ends. Each member throws
- *  Unavailable when it fails. */
+/** It is in no folder and is removed with the object or the process, however the process ends. Each member
+ *  throws Unavailable if it fails. */
 class MemoryFile {
 public:
     MemoryFile();
@@ -16,13 +16,13 @@ public:
     MemoryFile& operator=(const MemoryFile&) = delete;
 
     int descriptor() const { return m_descriptor; }
-    /** The path, for this process only. */
+    /** The path; valid in this process only. */
     std::string path() const;
     /** The same with ".mcf" in it, which the applet requires of a configuration file. */
     std::string configurationPath() const;
 
     std::string text() const;
-    /** Replaces what is in it. */
+    /** Replaces the content. */
     void write(const std::string& text) const;
 
 private:

@@ -26,7 +26,7 @@ int codeOf(const std::string& word) {
     throw UsageError(inQuotedWord(word) + " is neither a number nor a code such as FG_ERR_OUT_OF_RANGE");
 }
 
-// ---- Steps that expect something.
+// ---- Steps that check something.
 
 void lookAtCondition(ScenarioRunner& runner, const Step& step) {
     const Condition condition(runner.parameters(), step.rest);
@@ -151,9 +151,9 @@ std::string expectExit(ScenarioRunner& runner, const Step& step) {
     return runCommand(runner, step.request, wholeFrom<int>(step.words[0]));
 }
 
-// ---- Steps that do something to the virtual board.
+// ---- Steps that act on the virtual board.
 
-/** The access 0 with the code 0 ends the failures; either alone would fail nothing. */
+/** Access 0 with code 0 clears the failures; one of them alone would have no effect. */
 void checkFailAccess(const Words& words) {
     const bool isNone = wholeFrom<unsigned>(words[0]) == 0;
     const bool isSuccess = codeOf(words[1]) == FG_OK;
@@ -173,7 +173,7 @@ std::string failAccess(ScenarioRunner& runner, const Step& step) {
 
 void checkFailName(const Words& words) { codeOf(words[1]); }
 
-/** A parameter of the design or a register, by its name or by an end that no other one has. */
+/** The parameter of the design or register with this name, or the only one with a name that ends so. */
 void lookAtDesignName(ScenarioRunner& runner, const Step& step) { runner.requireKnown(step.words[0]); }
 
 std::string failName(ScenarioRunner& runner, const Step& step) {
@@ -257,7 +257,7 @@ bool beginsWith(const Words& words, const StepKind& kind) {
            join(Words(words.begin(), words.begin() + static_cast<std::ptrdiff_t>(count)), " ") == kind.name;
 }
 
-/** The kinds of steps with names nearest to the beginning of the words; none if none is near. */
+/** The kinds of steps with names similar to the beginning of the words; empty if there are none. */
 Words nearestKinds(const Words& words) {
     std::size_t least = 2;
     Words nearest;
@@ -274,12 +274,12 @@ Words nearestKinds(const Words& words) {
     return nearest;
 }
 
-/** Adds to what is wrong where the steps are listed. */
+/** Appends a reference to the list of steps. */
 std::string withSteps(const std::string& why) {
     return why + (why.ends_with('?') ? " See" : "; see") + " 'appletctl run --help'";
 }
 
-/** The kind that the words begin with; null for a command. Throws UsageError for half of one. */
+/** The kind of the step; null for a command. Throws UsageError for an incomplete kind. */
 const StepKind* kindOf(const Words& words) {
     bool isHalf = false;
     for (const StepKind& kind : kinds) {
@@ -363,7 +363,7 @@ std::vector<Step> readScenario(const std::string& file, const Options& options) 
     const std::optional<std::string> text = textOfFile(file);
     if (!text) throw UsageError(shownFile(file) + " is no file that can be read");
     std::vector<Step> steps;
-    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF"; // of some editors
+    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF"; // some editors write one
     std::istringstream lines(text->starts_with(byteOrderMark) ? text->substr(byteOrderMark.size()) : *text);
     std::string section, content;
     for (std::size_t number = 1; std::getline(lines, content); ++number) {

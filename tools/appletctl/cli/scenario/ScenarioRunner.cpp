@@ -16,7 +16,7 @@ struct Write {
     bool isDone = true;
 };
 
-/** Reads a line of the board's log, such as "set Device1_Process0_Buffer_0_XLength u32 1024". */
+/** Parses a line of the board's log, such as "set Device1_Process0_Buffer_0_XLength u32 1024". */
 Write parseWrite(const std::string& line) {
     std::istringstream words(line);
     Write write;
@@ -38,7 +38,7 @@ ScenarioRunner::ScenarioRunner(Context& context) : m_context(context) {
 }
 
 ScenarioRunner::~ScenarioRunner() {
-    m_stationState.reset(); // an acquisition ends before its board goes
+    m_stationState.reset(); // an acquisition must end before its board is closed
     if (!m_context.isUp() || instance().device() == nullptr || !instance().host()->isVirtual()) return;
     instance().board().fail_access(instance().device(), 0, 0, VBOARD_ONCE);
     for (const std::string& name : m_failing)
@@ -104,7 +104,7 @@ std::string ScenarioRunner::designName(const std::string& name) {
 
 void ScenarioRunner::requireKnown(const std::string& name) {
     const std::string full = designName(name);
-    // No access fails because of this.
+    // This does not make any access fail.
     if (board().fail_name(instance().device(), full.c_str(), 0) != VBOARD_OK)
         refuseName(name, "parameter or register");
 }
@@ -131,7 +131,7 @@ void ScenarioRunner::removeFromDesign(const std::string& name) {
 }
 
 void ScenarioRunner::refuseName(const std::string& name, const std::string& what) {
-    // An end is a name as well, so the last part of each is a candidate.
+    // A name may be given by its end, so the last part of each is a candidate.
     std::vector<std::string> candidates = designNames();
     std::set<std::string> ends;
     for (const std::string& known : candidates)

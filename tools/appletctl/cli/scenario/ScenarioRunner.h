@@ -1,4 +1,4 @@
-/** What the steps of a scenario work on. */
+/** The context in which a scenario's steps run. */
 #ifndef APPLETCTL_CLI_SCENARIO_SCENARIORUNNER_H
 #define APPLETCTL_CLI_SCENARIO_SCENARIORUNNER_H
 
@@ -13,7 +13,7 @@
 
 namespace appletctl {
 
-/** The applet on its board, what the last step wrote, and the faults that were put in. They end with the
+/** The applet on its board, the writes of the last step, and the injected faults. They end with the
  * object. */
 class ScenarioRunner {
 public:
@@ -26,32 +26,32 @@ public:
     Instance& instance() { return m_context.instance(); }
     const ParameterList& parameters() { return m_context.parameters(); }
 
-    /** Control of the board. Throws UsageError when it is no virtual one. */
+    /** Control functions of the board. Throws UsageError if it is not virtual. */
     const applet_host::BoardFunctions& board();
 
-    /** What is known of the station; on the virtual board only. */
+    /** The state of the station; only on the virtual board. */
     StationState& stationState() { return *m_stationState; }
 
-    /** From now on the writes count. */
+    /** Begins to record writes. */
     void forgetWrites();
-    /** Looks for a write behind the one that was found before; a name may be the end of one, behind a _.
-     * True if it is there. */
+    /** Looks for a write after the last one found; a name may be given by its end, after a _.
+     * True if there is one. */
     bool findWrite(const std::string& name, const std::string& value);
-    /** The writes behind the one that was found last, as the board logs them. */
+    /** The writes after the last one found, as the board logs them. */
     std::vector<std::string> writesLeft();
 
-    /** The full name of a parameter of the design, which may be given by its end behind a _. A register's name is
-     *  left as it is. Throws UsageError for an end that several have. */
+    /** The full name of a parameter of the design; it may be given by its end after a _. A register's name is
+     *  not changed. Throws UsageError for an end that several names have. */
     std::string designName(const std::string& name);
-    /** Throws UsageError for what designName does not take, and for a name that the board does not know. */
+    /** Throws UsageError as designName does, and for a name that the board does not know. */
     void requireKnown(const std::string& name);
     /** The same, but several names may end with it. */
     void requireKnownEnd(const std::string& name);
-    /** All accesses of the parameter or register fail with the code; 0: no more. */
+    /** Makes all accesses of the parameter or register fail with the code; 0 clears that. */
     void failName(const std::string& name, int code);
-    /** Takes a parameter out of the design, and starts the applet anew on a fresh board. */
+    /** Removes a parameter from the design, and restarts the applet on a fresh board. */
     void removeFromDesign(const std::string& name);
-    /** The refusal of a name that the design does not have. */
+    /** The error for a name that the design does not have. */
     [[noreturn]] void refuseName(const std::string& name, const std::string& what);
 
 private:
@@ -61,7 +61,7 @@ private:
 
     Context& m_context;
     std::vector<std::string> m_writes;
-    std::size_t m_found = 0; // number of writes up to the one that was found last
+    std::size_t m_found = 0; // number of writes up to the last one found
     std::vector<std::string> m_failing;
     std::optional<StationState> m_stationState{std::in_place};
 };

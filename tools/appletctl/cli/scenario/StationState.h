@@ -1,4 +1,4 @@
-/** What the steps of a scenario know of the station. */
+/** The state of the station between a scenario's steps. */
 #ifndef APPLETCTL_CLI_SCENARIO_STATIONSTATE_H
 #define APPLETCTL_CLI_SCENARIO_STATIONSTATE_H
 
@@ -13,11 +13,11 @@
 namespace appletctl {
 
 struct StationState {
-    std::optional<Grabber> grabber;      /**< an acquisition that goes on from step to step */
-    Ticks from = 0, to = 0;              /**< the last step that let time move */
-    std::vector<std::int64_t> losses;    /**< in it, in the order of lossKinds() */
+    std::optional<Grabber> grabber;      /**< an acquisition that continues from step to step */
+    Ticks from = 0, to = 0;              /**< time span of the last step that advanced the time */
+    std::vector<std::int64_t> losses;    /**< during that span, in the order of lossKinds() */
     std::vector<vboard_record> pictures; /**< of the last grab, without their bytes */
-    std::vector<std::uint8_t> lastBytes; /**< of the last one of them */
+    std::vector<std::uint8_t> lastBytes; /**< of the last of them */
 };
 
 } // namespace appletctl

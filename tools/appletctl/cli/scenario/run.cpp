@@ -1,4 +1,4 @@
-// A scenario, step by step.
+// Runs a scenario step by step.
 
 #include "applet_tools/base/Interruption.h"
 #include "applet_tools/base/files.h"
@@ -25,7 +25,7 @@ namespace {
 
 using Outcome = TestCase::Outcome;
 
-/** Does the step and times it. */
+/** Runs the step and measures its time. */
 TestCase doStep(ScenarioRunner& runner, const Step& step) {
     const auto start = std::chrono::steady_clock::now();
     const std::string wrong = runStep(runner, step);
@@ -88,8 +88,8 @@ void addRunOptions(CLI::App& command, Options& options) {
 }
 
 Report runScenario(Context& context, const Words& words) {
-    Options options = context.options();     // steps bring their own
-    options.own<YesOption>().isGiven = true; // who has agreed to the run has agreed to its steps
+    Options options = context.options();     // steps have options of their own
+    options.own<YesOption>().isGiven = true; // consent to the run covers its steps
     const RunOptions own = options.of<RunOptions>();
     const std::string file = toUtf8(fileOf(words).c_str());
     const std::vector<Step> steps = readScenario(fileOf(words), options);
@@ -120,12 +120,12 @@ Report runScenario(Context& context, const Words& words) {
     }
     if (interruption.isAsked()) report.exitCode = exitInterrupted;
     addSummary(report, file, steps, tests);
-    // Here, where a reader that is gone is no signal.
+    // Written here, while a closed pipe raises no signal.
     report.isPrinted = isPrinted && (writeOut(laidOut(report)) || errno == EPIPE);
     if (own.junitFile.empty()) return report;
     try {
         writeFile(own.junitFile, junitDocument(std::filesystem::path(file).stem(), tests));
-    } catch (const Failure& failure) { // the summary is shown all the same
+    } catch (const Failure& failure) { // the summary is printed nevertheless
         report.problems.emplace_back(failure.what());
         if (report.exitCode == exitDone) report.exitCode = exitRefused;
     }

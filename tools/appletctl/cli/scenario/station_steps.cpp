@@ -16,7 +16,7 @@
 namespace appletctl {
 namespace {
 
-/** Makes the time that passes in its life the last step of the station. */
+/** Records the time that passes during its lifetime as the last step of the station. */
 class MovingStep {
 public:
     explicit MovingStep(ScenarioRunner& runner)
@@ -99,7 +99,7 @@ std::string takePictures(ScenarioRunner& runner, GrabWords& words, Grabber& grab
         if (words.files) writePicture(*words.files, record, settings);
         state.lastBytes.assign(record.data, record.data + record.size);
         state.pictures.push_back(record);
-        state.pictures.back().data = nullptr; // gone with the next picture
+        state.pictures.back().data = nullptr; // invalid once the next picture arrives
     }
     if (words.files) words.files->finish();
     return "";
@@ -114,7 +114,7 @@ PictureView lastPicture(ScenarioRunner& runner) {
     return picture;
 }
 
-/** What can be asked of a picture. */
+/** Fields of a picture for expectations. */
 struct FrameField {
     const char* name;
     std::int64_t (*of)(const vboard_record& record);
@@ -134,9 +134,9 @@ constexpr FrameField frameFields[] = {
     {"narrow", [](const vboard_record& record) { return std::int64_t{record.is_narrow}; }},
 };
 
-/** "[PICTURE] FIELD OPERATOR VALUE"; the fields "count" and "sha256" are not those of a record. */
+/** "[PICTURE] FIELD OPERATOR VALUE"; the fields "count" and "sha256" are not in a record. */
 struct FrameWords {
-    std::optional<std::size_t> picture; // of the last grab, from 1 on; none: the last one
+    std::optional<std::size_t> picture; // index in the last grab, from 1 on; empty: the last one
     std::string field, relation, value;
 };
 
@@ -154,10 +154,10 @@ std::string expectDigest(ScenarioRunner& runner, const FrameWords& words) {
     return isSame == (words.relation == "==") ? "" : "its SHA-256 is " + digest;
 }
 
-/** Measures of a signal: the values of each of its periods or pulses, or one value. */
+/** Measures of a signal: values of each period or pulse, or a single value. */
 struct SignalMeasure {
     const char* name;
-    bool isTime; // compared with a time
+    bool isTime; // its values are times
     std::vector<double> (*of)(const SignalCourse& course);
 };
 
@@ -199,7 +199,7 @@ std::string measureText(const SignalMeasure& measure, double value) {
     return measure.isTime ? durationText(static_cast<Ticks>(value)) : numberText(value);
 }
 
-/** Numbers with commas between them. */
+/** Comma-separated numbers. */
 std::vector<std::uint32_t> numbersFrom(const std::string& word, std::size_t fewest, std::size_t most) {
     std::vector<std::uint32_t> numbers;
     for (std::size_t begin = 0; begin <= word.size();) {
@@ -382,7 +382,7 @@ std::string expectPixel(ScenarioRunner& runner, const Step& step) {
         equal += found[i] == one ? 1 : 0;
         holding += relation.holds(found[i] * 1.0 <=> one * 1.0) ? 1 : 0;
     }
-    // Another pixel differs in one component at least; all else holds for each of them.
+    // A different pixel differs in at least one component; other operators must hold for each of them.
     const bool holds = relation.symbol == "!=" ? equal < found.size() : holding == found.size();
     return holds ? ""
                  : "blue, green, red of it are " + numberText(found[0]) + "," + numberText(found[1]) + "," +

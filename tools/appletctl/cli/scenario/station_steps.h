@@ -1,4 +1,4 @@
-/** Steps of a scenario that let the virtual board's station run, and say what is to come of it. */
+/** Steps of a scenario that run the virtual board's station and check the results. */
 #ifndef APPLETCTL_CLI_SCENARIO_STATION_STEPS_H
 #define APPLETCTL_CLI_SCENARIO_STATION_STEPS_H
 

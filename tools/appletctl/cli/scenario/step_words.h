@@ -1,4 +1,4 @@
-/** Words of a scenario's step as what they mean. All throw UsageError for words that mean nothing. */
+/** Parses the words of a scenario's step. All throw UsageError for invalid words. */
 #ifndef APPLETCTL_CLI_SCENARIO_STEP_WORDS_H
 #define APPLETCTL_CLI_SCENARIO_STEP_WORDS_H
 

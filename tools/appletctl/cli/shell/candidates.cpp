@@ -17,13 +17,13 @@ using Candidates = std::vector<Candidate>;
 
 bool takesValue(const CLI::Option& option) { return option.get_items_expected_max() > 0; }
 
-/** Where in a command line the words up to the last one lead. */
+/** The parser state after all words of a command line but the last. */
 struct Place {
-    const CLI::App* command;             // the one that the last word belongs to
-    const CLI::Option* option = nullptr; // the last word is its value
-    int arguments = 0;                   // of the command, before the last word
-    std::ptrdiff_t begin = 0;            // where the words behind the command begin
-    bool hasOptions = true;              // not behind a --
+    const CLI::App* command;             // the command of the last word
+    const CLI::Option* option = nullptr; // the option if the last word is its value
+    int arguments = 0;                   // number of the command's arguments before the last word
+    std::ptrdiff_t begin = 0;            // start of the words after the command
+    bool hasOptions = true;              // false after a --
 };
 
 const CLI::Option* optionOf(const CLI::App* command, const std::string& name) {
@@ -84,7 +84,7 @@ Candidates commandsOf(const CLI::App& command) {
     return found;
 }
 
-/** The name as its beginning was typed, with the prefix or without; empty if it begins otherwise. */
+/** The name completed in the form that was typed, with or without the prefix; empty if it does not match. */
 std::string nameAsTyped(const std::string& name, const std::string& begin) {
     const std::string typed = lowerCase(begin), lower = lowerCase(name);
     constexpr std::string_view prefix = "fg_";
@@ -93,7 +93,7 @@ std::string nameAsTyped(const std::string& name, const std::string& begin) {
     return isShort ? name.substr(prefix.size()) : "";
 }
 
-/** The first element, the last one and the range of all, as a `[` was typed behind the name of an array. */
+/** The first element, the last one and the range of all, after a `[` typed after the name of an array. */
 Candidates elementsOf(const ParameterList& parameters, const std::string& begin, const char* behind) {
     const std::size_t bracket = begin.find('[');
     const std::string name = begin.substr(0, bracket);
@@ -120,8 +120,8 @@ Candidates namesOf(const ParameterList& parameters, const std::string& begin, co
     return found;
 }
 
-/** Of NAME=VALUE: names, then the entries of an enumeration, by their labels if that is how the value begins, or the ends
- *  of what a number accepts. */
+/** Completes NAME=VALUE: names, then the entries of an enumeration, by label if the value begins with one, or
+ *  the ends of a number's accepted range. */
 Candidates assignmentsOf(const ParameterList& parameters, const std::string& word) {
     const std::size_t equals = word.find('=');
     if (equals == std::string::npos) return namesOf(parameters, word, "=");
@@ -152,7 +152,7 @@ Candidates groupsOf(const ParameterList& parameters, const std::string& begin) {
     return found;
 }
 
-/** Files with this end of their names, and folders, which end in a slash. */
+/** Files with this suffix, and folders, with a slash appended. */
 Candidates filesOf(const std::string& begin, std::string_view suffix) {
     const std::size_t slash = begin.rfind('/');
     const std::string folder = slash == std::string::npos ? "" : begin.substr(0, slash + 1);
@@ -171,7 +171,7 @@ Candidates filesOf(const std::string& begin, std::string_view suffix) {
     return found;
 }
 
-/** The last one of names with commas between them; `list` is "Columns: a,b,c". */
+/** Completes the last of several comma-separated names; `list` is "Columns: a,b,c". */
 Candidates columnsOf(const std::string& list, const std::string& word) {
     const std::size_t comma = word.rfind(',');
     const std::string before = comma == std::string::npos ? "" : word.substr(0, comma + 1);
@@ -182,9 +182,9 @@ Candidates columnsOf(const std::string& list, const std::string& word) {
     return found;
 }
 
-/** Behind the last && or ||, and what may go before a name there. */
+/** Position after the last && or ||, and after what may precede a name there. */
 std::size_t beginOfComparison(const std::string& condition) {
-    constexpr std::size_t length = 2; // of a joint
+    constexpr std::size_t length = 2; // of && and ||
     std::size_t behind = 0;
     for (const char* const joint : {"&&", "||"})
         if (const std::size_t place = condition.rfind(joint); place != std::string::npos)
@@ -192,7 +192,8 @@ std::size_t beginOfComparison(const std::string& condition) {
     return std::min(condition.find_first_not_of(" (", behind), condition.size());
 }
 
-/** The parameter of a name, or a label in quotes or without, with blanks around it; null if there is none. */
+/** The parameter for a name, or for a quoted or unquoted label, ignoring blanks around it; null if there is
+ *  none. */
 const Parameter* comparedParameter(const ParameterList& parameters, std::string name) {
     name.erase(0, name.find_first_not_of(" '\""));
     name.erase(name.find_last_not_of(" '\"") + 1);
@@ -203,7 +204,7 @@ const Parameter* comparedParameter(const ParameterList& parameters, std::string 
     }
 }
 
-/** What a parameter can be compared with: as a set of it takes. */
+/** The values that a parameter can be compared with, as in a set of it. */
 Candidates comparedValues(const ParameterList& parameters, const Parameter& parameter,
                           const std::string& value) {
     const std::string begin = parameter.name + "=";
@@ -214,7 +215,7 @@ Candidates comparedValues(const ParameterList& parameters, const Parameter& para
     return found;
 }
 
-/** The next part of a condition: a name, behind a name an operator, behind it a value, behind that what joins two. */
+/** The next part of a condition: a name, then an operator, then a value, then && or ||. */
 Candidates conditionParts(const ParameterList& parameters, const std::string& word) {
     constexpr const char* operatorMarks = "<>=!";
     const std::string comparison = word.substr(beginOfComparison(word));
@@ -222,7 +223,7 @@ Candidates conditionParts(const ParameterList& parameters, const std::string& wo
     const std::size_t behind = std::min(comparison.find_first_not_of(operatorMarks, mark), comparison.size());
     const std::size_t value = std::min(comparison.find_first_not_of(' ', behind), comparison.size());
     const Parameter* const parameter = comparedParameter(parameters, comparison.substr(0, mark));
-    std::string last; // what the candidates take the place of
+    std::string last; // the text that the candidates replace
     Candidates found;
     if (mark == comparison.size() && !comparison.ends_with(' ')) {
         last = comparison;
@@ -243,7 +244,7 @@ Candidates conditionParts(const ParameterList& parameters, const std::string& wo
     return found;
 }
 
-/** Of INPUT=WAVE: the inputs, then how a wave begins. */
+/** Completes INPUT=WAVE: the inputs, then the beginnings of a wave. */
 Candidates waveParts(const std::string& word) {
     const std::size_t equals = word.find('=');
     Candidates found;
@@ -257,7 +258,7 @@ Candidates waveParts(const std::string& word) {
     return matching(found, word);
 }
 
-/** What an option's value can be, by the name of its type; `before` is "--option=" where both are one word. */
+/** Completes the value of an option by its type name; `before` is "--option=" if both are one word. */
 Candidates valuesOfOption(const CLI::Option& option, const std::string& word, const std::string& before,
                           const std::function<const ParameterList&()>& parameters) {
     const std::string type = option.get_type_name();
@@ -282,10 +283,10 @@ Candidates valuesOfOption(const CLI::Option& option, const std::string& word, co
     return found;
 }
 
-/** Then the names of "get" and "watch" are groups. */
+/** True if the names of "get" and "watch" are groups. */
 bool isGroupOption(const std::string& word) { return word == "-g" || word == "--group"; }
 
-/** What the argument of a command is called tells what its words are. */
+/** The name of a command's argument determines the kind of its words. */
 Candidates argumentsOf(const Command& command, int before, const std::string& word,
                        const std::function<const ParameterList&()>& parameters) {
     const std::string_view kind = kindOf(command);
@@ -306,7 +307,7 @@ Candidates argumentsOf(const Command& command, int before, const std::string& wo
     return {};
 }
 
-/** A command, or behind a group of commands one of them. */
+/** Completes a command, or a command of a group. */
 Candidates helpTopics(const CLI::App& program, const Words& words, const Place& place,
                       const std::string& word) {
     if (place.arguments == 0) return matching(commandsOf(program), word);
@@ -314,7 +315,7 @@ Candidates helpTopics(const CLI::App& program, const Words& words, const Place& 
     return group != nullptr ? matching(commandsOf(*group), word) : Candidates{};
 }
 
-/** Behind "trace diff" there are files, of any name, and the options of all commands. */
+/** After "trace diff": files with any name, and the global options. */
 bool isTraceDiff(const Words& words, const Place& place) {
     const auto begin = words.begin() + place.begin;
     return std::distance(begin, words.end()) > 1 && *begin == "diff";

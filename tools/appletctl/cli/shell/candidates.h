@@ -1,4 +1,4 @@
-/** What a word of a command line can become. */
+/** Completion of words of a command line. */
 #ifndef APPLETCTL_CLI_SHELL_CANDIDATES_H
 #define APPLETCTL_CLI_SHELL_CANDIDATES_H
 
@@ -17,8 +17,8 @@ struct Candidate {
     std::string help{};
 };
 
-/** The candidates for the last of the words behind the program's name. None for the name of a file and for
- * what is free. `parameters` is only called when names or values of parameters are wanted. */
+/** The candidates for the last of the words after the program's name. Empty for file names and for
+ * free text. `parameters` is called only if names or values of parameters are needed. */
 std::vector<Candidate> candidatesFor(const Words& words,
                                      const std::function<const ParameterList&()>& parameters);
 

@@ -9,8 +9,8 @@
 namespace appletctl {
 namespace {
 
-/** Each script hands the words up to the cursor to "appletctl __complete --" and gets a line for each
- *  candidate, with its help behind a tab. Where there is none the shell offers files. */
+/** Each script passes the words up to the cursor to "appletctl __complete --" and gets one line per
+ *  candidate, with its help after a tab. If there are no candidates, the shell offers files. */
 struct Script {
     const char* shell;
     const char* text;
@@ -110,7 +110,7 @@ const Command completionCommand = {
 
 namespace {
 
-/** The words as they were meant: a shell hands the quote over with which the last one begins, while it is open. */
+/** Removes an open quote: a shell passes the quote at the beginning of the last word while it is not closed. */
 Words withoutOpenQuote(Words words) {
     if (words.empty() || words.back().empty()) return words;
     std::string& last = words.back();

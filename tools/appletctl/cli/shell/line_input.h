@@ -1,4 +1,4 @@
-/** Lines that a person types, with history and completion where there is a library for that. */
+/** Reads lines that a user types, with history and completion if a library for that is available. */
 #ifndef APPLETCTL_CLI_SHELL_LINE_INPUT_H
 #define APPLETCTL_CLI_SHELL_LINE_INPUT_H
 
@@ -10,19 +10,19 @@
 
 namespace appletctl {
 
-/** Of a terminal; one in a process. */
+/** Reads from a terminal; one instance per process. */
 class LineInput {
 public:
-    /** Candidates for the last word of a line, of which the text up to the cursor is given. */
+    /** Candidates for the last word of a line; the text up to the cursor is given. */
     using Complete = std::function<std::vector<Candidate>(const std::string& text)>;
 
-    /** Takes the history from a file, and writes it there in the end. */
+    /** Loads the history from a file, and saves it there at the end. */
     LineInput(std::string historyFile, Complete complete);
     ~LineInput();
     LineInput(const LineInput&) = delete;
     LineInput& operator=(const LineInput&) = delete;
 
-    /** The next line; nothing at the end of the input, or when a signal came instead of a line. */
+    /** The next line; empty at the end of the input, or if a signal arrived instead of a line. */
     std::optional<std::string> read(const std::string& prompt);
 
 private:

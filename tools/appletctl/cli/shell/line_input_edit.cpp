@@ -11,7 +11,7 @@
 namespace appletctl {
 namespace {
 
-/** The library takes plain functions, so their state is here. */
+/** Static, since the library's callbacks are plain functions. */
 LineInput::Complete completeLine;
 std::vector<Candidate> candidates;
 
@@ -42,7 +42,7 @@ LineInput::LineInput(std::string historyFile, Complete complete) : m_historyFile
 }
 
 LineInput::~LineInput() {
-    std::error_code ignored; // without its folder there is no history
+    std::error_code ignored; // without the folder there is no history
     std::filesystem::create_directories(std::filesystem::path(m_historyFile).parent_path(), ignored);
     write_history(m_historyFile.c_str());
     completeLine = nullptr;

@@ -1,4 +1,4 @@
-// Commands line by line, on one board.
+// The shell: command lines on one board.
 
 #include "applet_tools/base/Interruption.h"
 #include "applet_tools/base/numbers.h"
@@ -20,7 +20,7 @@
 namespace appletctl {
 namespace {
 
-/** Where the lines are carried out. */
+/** Executes the lines. */
 class Shell {
 public:
     virtual ~Shell() = default;
@@ -29,7 +29,7 @@ public:
     virtual bool isOver() const = 0;
 };
 
-/** In this process, on a board of its own. */
+/** Executes them in this process, on a board of its own. */
 class OwnShell : public Shell {
 public:
     explicit OwnShell(Context& context) : m_options(context.options()), m_session(context) {}
@@ -45,7 +45,7 @@ private:
     LineSession m_session;
 };
 
-/** On a station, which is shared with others: each line goes there. */
+/** Sends each line to a station, which is shared with others. */
 class StationShell : public Shell {
 public:
     explicit StationShell(const Options& options) : m_options(options), m_client(options.station) {}
@@ -55,7 +55,7 @@ public:
         m_isOver = end.isOver;
         return static_cast<ExitCode>(end.exitCode);
     }
-    /** By the tree of an applet of this process, since that of the station is the same. */
+    /** Uses the tree of an applet in this process, since it is the same as that of the station. */
     std::vector<Candidate> complete(const std::string& text) override {
         if (!m_offline) {
             Options options = m_options;
@@ -69,7 +69,7 @@ public:
 private:
     const Options m_options;
     StationClient m_client;
-    std::optional<Context> m_offline; // for the first completion
+    std::optional<Context> m_offline; // made for the first completion
     bool m_isOver = false;
 };
 
@@ -95,7 +95,7 @@ void talk(Shell& shell) {
     }
 }
 
-/** Gives the exit code of the first line that failed. */
+/** Returns the exit code of the first line that failed. */
 ExitCode follow(Shell& shell, bool goesOn) {
     ExitCode first = exitDone;
     std::string line;

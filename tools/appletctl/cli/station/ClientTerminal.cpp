@@ -23,7 +23,7 @@ std::string variable(const char* name) {
     return value != nullptr ? value : "";
 }
 
-/** Nothing of one client's streams may be left in the buffers for the next. */
+/** Flushes the buffers, so that nothing of one client's streams is left for the next. */
 void emptyStreams() {
     std::cout.flush();
     std::cerr.flush();
@@ -46,7 +46,7 @@ void become(const serve::ClientCommand& command) {
         setenv(name.c_str(), value.c_str(), 1);
 }
 
-/** The terminal as it is now. */
+/** The present streams, folder and environment. */
 serve::ClientCommand present() {
     serve::ClientCommand now;
     for (const int stream : streams)
@@ -78,7 +78,7 @@ ClientTerminal::ClientTerminal(const serve::ClientCommand& command) : m_before(p
 ClientTerminal::~ClientTerminal() {
     try {
         become(m_before);
-    } catch (const std::exception&) { // a folder that has gone: files are named with whole paths from here on
+    } catch (const std::exception&) { // the folder was removed: file names are absolute from here on
     }
 }
 

@@ -7,12 +7,12 @@
 
 namespace appletctl {
 
-/** Gives all variables that a client's terminal needs a place in the environment, so that they can be changed later while
- *  other threads read theirs. */
+/** Reserves space in the environment for all variables of a client's terminal, so that they can be changed later
+ *  while other threads read theirs. */
 void prepareClientTerminals();
 
-/** While one lives, the standard streams, the working folder and the environment of this process are the client's. One
- *  may be within another's life. Only one thread may use the streams. */
+/** In its scope, the standard streams, the working folder and the environment of this process are the client's.
+ *  Scopes may be nested. Only one thread may use the streams. */
 class ClientTerminal {
 public:
     explicit ClientTerminal(const serve::ClientCommand& command);
@@ -21,7 +21,7 @@ public:
     ClientTerminal& operator=(const ClientTerminal&) = delete;
 
 private:
-    serve::ClientCommand m_before; // what is put back
+    serve::ClientCommand m_before; // the settings to restore
 };
 
 } // namespace appletctl

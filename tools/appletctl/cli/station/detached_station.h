@@ -8,8 +8,9 @@
 
 namespace appletctl {
 
-/** Starts the command line of this process once more, without --detach, in a session of its own; what it prints goes to the
- *  log of the place. Gives its process when it answers as a station. Throws Failure with its words when it ends before. */
+/** Starts this process's command line again, without --detach and in a new session; its output goes to the
+ *  log of the place. Returns the process id once it answers as a station. Throws Failure with its output if
+ *  it ends before. */
 pid_t startDetached(const serve::StationPlace& place);
 
 } // namespace appletctl

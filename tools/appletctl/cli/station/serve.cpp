@@ -1,4 +1,4 @@
-// A station that lives on: one process holds the applet and the board for the commands of many.
+// A persistent station: one process keeps the applet and the board and executes the commands of its clients.
 
 #include "applet_tools/base/Interruption.h"
 #include "applet_tools/base/files.h"
@@ -47,7 +47,7 @@ void addServeOptions(CLI::App& command, Options& options) {
     addStation(command, options);
 }
 
-/** The words: a name, then assignments. */
+/** The arguments: a name, then assignments. */
 std::string stationNameOf(const Words& words) {
     const bool isNamed = !words.empty() && words.front().find('=') == std::string::npos;
     return isNamed ? words.front() : serve::defaultStationName;
@@ -58,7 +58,7 @@ Words assignmentsOf(const Words& words) {
     return isNamed ? behindFirst(words) : words;
 }
 
-/** The libraries are named for good, since clients have folders of their own. */
+/** Makes the paths of the libraries absolute, since clients have folders of their own. */
 Options withWholePaths(Options options) {
     for (std::string* file : {&options.applet, &options.bridge})
         if (!file->empty()) *file = std::filesystem::absolute(*file);
@@ -76,7 +76,7 @@ std::string boardText(const Options& options) {
     return options.board == BoardKind::system ? "system" : "virtual";
 }
 
-/** Takes the commands of clients one by one. */
+/** Executes the commands of clients one at a time. */
 class Station {
 public:
     Station(Context& context, const serve::StationPlace& place)
@@ -91,7 +91,7 @@ public:
     Station(const Station&) = delete;
     Station& operator=(const Station&) = delete;
 
-    /** Until a client or a signal ends it. */
+    /** Runs until a client or a signal ends it. */
     void run() {
         while (!m_socket.isStopAsked() && m_interruption.waitReadable(m_socket.readable())) {
             const std::optional<serve::ClientCommand> command =
@@ -105,7 +105,7 @@ public:
     }
 
 private:
-    /** In a pause of the command at work: what only looks at the board, and takes no time. */
+    /** Runs during a pause of the current command: executes commands that only read and are quick. */
     void lookMeanwhile() {
         if (m_isPaused || m_interruption.isAsked() || m_context.isCopy()) return;
         m_isPaused = true;
@@ -130,7 +130,7 @@ private:
         try {
             const ClientTerminal terminal(command);
             return work();
-        } catch (const std::exception& error) { // of the terminal; those of a command are reports
+        } catch (const std::exception& error) { // from the terminal; failures of commands are reports
             std::cerr << "appletctl: " << internalError(error) << '\n';
             return {exitUnavailable, false};
         }
@@ -147,8 +147,8 @@ private:
     }
 
     Context& m_context;
-    const Options m_shown; // of the station's own output
-    Options m_options;     // that a client's command line begins with
+    const Options m_shown; // for the station's own output
+    Options m_options;     // defaults for a client's command line
     LineSession m_session;
     Interruption m_interruption;
     bool m_isPaused = false;

@@ -1,4 +1,4 @@
-// The stations that run: their list, their logs, their end.
+// Lists running stations, shows their logs, stops them.
 
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/text.h"
@@ -34,7 +34,7 @@ Report listStations(Context&, const Words&) {
     table.setDispensable({"COMMANDS", "RUNS FOR", "CLOCK", "PROCESS"});
     for (const std::string& name : serve::stationNames()) {
         const serve::StationPlace place = serve::placeOf(name);
-        if (!serve::isRunning(place)) continue; // killed; the next one of that name takes its place
+        if (!serve::isRunning(place)) continue; // it was killed; the next station of that name replaces it
         const nlohmann::json status = serve::CommandClient(place).ask("status");
         const nlohmann::json& command = status.at("command");
         table.addRow({name, numberText(status.at("process").get<int>()),

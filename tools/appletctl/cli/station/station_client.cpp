@@ -6,7 +6,7 @@
 namespace appletctl {
 namespace {
 
-/** A command line of a shell with these options of its output. */
+/** The shell's command line for these output options. */
 Words shellWords(const Options& options) {
     Words words = {"shell", "--color", options.colour};
     const auto add = [&](bool isWanted, const char* word) {

@@ -1,4 +1,4 @@
-/** Command lines that a running station carries out. */
+/** Sends command lines to a running station. */
 #ifndef APPLETCTL_CLI_STATION_CLIENT_H
 #define APPLETCTL_CLI_STATION_CLIENT_H
 
@@ -12,12 +12,12 @@ namespace appletctl {
 /** True when the request is for a running station and not for this process. */
 bool isForStation(const Request& request);
 
-/** Connected to the station of that name. Throws what serve::CommandClient throws. */
+/** Connects to the station of that name. Throws the exceptions of serve::CommandClient. */
 class StationClient {
 public:
     explicit StationClient(const std::string& name);
 
-    /** Lets the station carry a whole command line out; it prints to the streams of this process. */
+    /** Has the station execute a whole command line; it prints to the streams of this process. */
     serve::CommandEnd runCommandLine(const Words& words);
     /** The same for a line of a shell with these options. */
     serve::CommandEnd runLine(const std::string& line, const Options& options, const std::string& place);

@@ -1,4 +1,4 @@
-// What is accepted now, and which parameter sets each limit: asked of the setters on the scratch board.
+// The accepted values and the parameter that sets each limit, measured on the scratch board.
 
 #include "applet_tools/answers/limits.h"
 #include "applet_tools/base/text.h"
@@ -20,7 +20,7 @@ template <typename Number> std::string rangeInWords(const Number& minimum, const
     return numberText(minimum) + " to " + numberText(maximum);
 }
 
-/** An end of a range, rounded inwards: what is shown is accepted. */
+/** An end of a range, rounded inwards, so that the displayed number is accepted. */
 std::string endInWords(const Parameter& parameter, const Value& limit, End end) {
     const auto* number = std::get_if<double>(&limit);
     if (number == nullptr) return valueText(parameter, limit);

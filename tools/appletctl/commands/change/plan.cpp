@@ -1,4 +1,4 @@
-// What a change would do, tried on the scratch board; and the change itself after a question.
+// Predicts a change on the scratch board; "apply" then makes it after asking.
 
 #include "applet_tools/answers/plan.h"
 #include "applet_tools/applet/access_log.h"
@@ -37,7 +37,7 @@ std::string changeLine(const DesignChange& change, const std::string& setBy) {
                   "    " + inWords(change));
 }
 
-/** Lines on what has changed, and the same as members. */
+/** Lines for the changes, and the same as members. */
 std::string addChanges(const std::vector<DesignChange>& changes, const Parameter& setBy, ordered_json& row) {
     row["changes"] = asJson(changes);
     if (changes.empty()) return forPerson("  nothing changes in the design\n");
@@ -47,7 +47,7 @@ std::string addChanges(const std::vector<DesignChange>& changes, const Parameter
     return text;
 }
 
-/** What others have from then on. The new values of the parameters that are shown already are left out. */
+/** The moves of other parameters. Leaves out the new values of parameters that are shown already. */
 std::string movesText(const std::vector<ParameterMove>& moves, const std::set<std::string>& shown) {
     std::string text;
     for (const auto& [parameter, move] : moves) {
@@ -83,7 +83,7 @@ Report planAssignments(ScratchSession& session, const Words& words) {
     return reportAssignments(session.instance(), session.parameters(), words, additions);
 }
 
-/** What a load writes to the design, under the parameters that write it. */
+/** The writes of a load to the design, grouped by the parameter that makes them. */
 class LoadWrites {
 public:
     explicit LoadWrites(const FilePlan& plan) : m_plan(plan) {
@@ -144,7 +144,7 @@ Report reportOf(const FilePlan& plan, const std::string& file, bool areAllWrites
     std::set<std::string> shown;
     for (const Difference& difference : plan.differences)
         shown.insert(difference.parameter);
-    if (!isLoaded) { // that nothing changes would be a calm answer to a wrong file
+    if (!isLoaded) { // "nothing changes" would be misleading for an invalid file
         addFindings(report, plan.load.findings);
         return report;
     }
@@ -158,7 +158,7 @@ Report reportOf(const FilePlan& plan, const std::string& file, bool areAllWrites
     return report;
 }
 
-/** A single word without an equals sign is the name of a file. */
+/** A single word without an equals sign is a file name. */
 bool isFile(const Words& words) { return words.size() == 1 && words.front().find('=') == std::string::npos; }
 
 /** Asks on the terminal. */
@@ -199,7 +199,7 @@ Report planChanges(Context& context, const Words& words) {
 
 bool isAssignment(const std::string& word) { return word.find('=') != std::string::npos; }
 
-/** Throws UsageError for a file beside assignments: which of them comes first would be a guess. */
+/** Throws UsageError for a file together with assignments, as their order would be ambiguous. */
 void refuseFileBesideAssignments(const Words& words) {
     const auto file = std::ranges::find_if_not(words, isAssignment);
     std::error_code error;

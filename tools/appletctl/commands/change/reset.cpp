@@ -1,4 +1,4 @@
-// Defaults: the values of a scratch board after its start, set in the order in which the applet sets them there.
+// Sets the defaults: the values of a scratch board after its start, in the applet's own start order.
 
 #include "applet_tools/applet/assignments.h"
 #include "applet_tools/applet/hardware_values.h"
@@ -20,9 +20,9 @@ struct Default {
     Target target;
     Value value;
     Value before;
-    int code = FG_OK; // of the last try
+    int code = FG_OK; // of the last attempt
 
-    /** An array as a whole by its name alone. */
+    /** An array as a whole is shown by its name alone. */
     std::string name() const {
         const bool isWhole = target.elements && target.elements->count() == elementCount(*target.parameter);
         return isWhole ? target.parameter->name : target.name();
@@ -34,7 +34,7 @@ bool isHeld(Instance& instance, const Default& wanted) {
     return reading.error == FG_OK && reading.value == wanted.value;
 }
 
-/** Of the value of a whole array the elements of the target. */
+/** Selects the elements of the target from the value of a whole array. */
 Value partOf(const Value& whole, const Target& target) {
     const auto* elements = std::get_if<Elements>(&whole);
     if (elements == nullptr || !target.elements) return whole;
@@ -42,7 +42,7 @@ Value partOf(const Value& whole, const Target& target) {
                     elements->begin() + target.elements->last + 1);
 }
 
-/** Those of the wanted ones that the applet holds otherwise; `wanted` is empty for all. */
+/** The wanted parameters with a value other than the default; `wanted` is empty for all. */
 std::vector<Default> openDefaults(Context& context, const std::vector<Target>& wanted, const json& defaults) {
     std::vector<Default> open;
     const auto add = [&](const Target& target, const json& value) {
@@ -60,7 +60,7 @@ std::vector<Default> openDefaults(Context& context, const std::vector<Target>& w
     return open;
 }
 
-/** One value can block another, so there are rounds as long as one brings something. */
+/** One value can block another, so repeat as long as a round has set one more. */
 void bringAll(Instance& instance, std::vector<Default>& open) {
     constexpr int mostRounds = 8;
     bool moved = true;
@@ -98,7 +98,7 @@ std::string whyNoDefault(const Parameter& parameter) {
     return "it is measured, or fixed by the design";
 }
 
-/** That nothing was to be done. */
+/** Reports that there was nothing to reset. */
 std::string heldText(const std::vector<Target>& wanted, const json& defaults) {
     if (wanted.size() != 1) return "All of them hold their defaults.\n";
     const Target& target = wanted.front();

@@ -22,8 +22,8 @@ namespace {
 
 using nlohmann::ordered_json;
 
-/** Reads every parameter back and tells what is otherwise than it was set. `taken` holds what each one read on the
- *  scratch board directly after its set, which is not the requested value where the hardware counts more coarsely. */
+/** Reads every parameter back and reports differences. `taken` holds each parameter's reading on the scratch
+ *  board directly after its set; it differs from the requested value if the hardware has coarser steps. */
 void verifyValues(Context& context, const Words& words, const json& taken, Report& report,
                   ordered_json& rows) {
     std::size_t place = 0;
@@ -46,7 +46,7 @@ void verifyValues(Context& context, const Words& words, const json& taken, Repor
     }
 }
 
-/** Compares the design with what the scratch board holds after the same assignments. */
+/** Compares the design with that of the scratch board after the same assignments. */
 void verifyDesign(Context& context, const json& expected, Report& report, ordered_json& rows) {
     const ParameterList design(context.instance(), ParameterList::Scope::design);
     for (const Parameter& parameter : design.all()) {
@@ -77,7 +77,7 @@ void verify(Context& context, const Words& words, const Expectation& expected, R
             std::string(context.options().offline ? ".\n" : ", and the design holds what it should.\n"));
 }
 
-/** Of a parameter that is read-only: what its value waits for. */
+/** For a read-only parameter: the changes that make its value effective. */
 std::string waitingText(const AccessAnswer& access) {
     if (access.changedWith.empty())
         return access.subject +
@@ -90,7 +90,7 @@ std::string waitingText(const AccessAnswer& access) {
            " is no file that can be opened for reading\n";
 }
 
-/** Says of what was set and is read-only in the end that it waits, and for what. */
+/** Reports parameters that were set but are read-only at the end, and what makes them effective. */
 void addWaiting(Context& context, Report& report) {
     Words names;
     for (const auto& row : report.document["assignments"]) {
@@ -103,7 +103,7 @@ void addWaiting(Context& context, Report& report) {
     auto& rows = report.document["waiting"] = ordered_json::array();
     for (const WhyAnswer& answer : askWhy(context, names, {})) {
         auto access = std::get<AccessAnswer>(answer);
-        if (access.isWritable) access.changedWith.clear(); // the scratch board is unlike
+        if (access.isWritable) access.changedWith.clear(); // the scratch board differs
         auto& row = rows.emplace_back(
             nlohmann::ordered_json{{"name", access.subject}, {"writableWith", access.changedWith}});
         if (!access.missingFile.empty()) row["missingFile"] = toUtf8(access.missingFile.c_str());
@@ -144,7 +144,7 @@ Report setParameters(Context& context, const Words& asked) {
     const auto& own = options.of<SetOptions>();
     Report report;
     Words words = asked;
-    parseAssignments(context.parameters(), words); // a misspelt one stops all
+    parseAssignments(context.parameters(), words); // a typing error stops all
     if (own.anyOrder) {
         const Ordering ordering = askOrder(context, words);
         report = reportOf(ordering);

@@ -1,5 +1,5 @@
-// Why a parameter is read-only or refuses a value, and what would free it: single changes of others, tried on the
-// scratch board.
+// Why a parameter is read-only or refuses a value, and which single changes of other parameters would help,
+// found on the scratch board.
 
 #include "applet_tools/answers/why.h"
 #include "applet_tools/base/text.h"
@@ -23,7 +23,7 @@ void addWays(Table& table, const char* title, const std::vector<std::string>& wa
     if (ways.empty()) table.addRow({title, "no change of another parameter that was tried"});
 }
 
-/** What has to come before the ways. */
+/** A precondition of the changes. */
 void addMissingFile(Table& table, const std::string& file) {
     if (!file.empty())
         table.addRow(

@@ -11,7 +11,7 @@ Report checkConfiguration(Context& context, const Words& words) {
     const std::string& file = fileOf(words);
     Report report;
     report.document["file"] = toUtf8(file.c_str());
-    // A virtual board is no other than the scratch board itself.
+    // A virtual board behaves like the scratch board itself.
     const bool isSystem = context.options().board == BoardKind::system && !context.options().offline;
     const LoadCheck check = askCheck(isSystem ? context.scratchAtDefaults() : context.bareScratch(), file);
     addFindings(report, check.findings);

@@ -13,13 +13,13 @@ namespace {
 
 using svg::attribute, svg::coordinate, svg::label, svg::line;
 
-/** Smallest and largest entry of a part of the table, and which of them comes first. */
+/** The smallest and the largest entry of a part of the table, and which of them comes first. */
 struct Part {
     std::uint32_t minimum, maximum;
     bool isRising;
 };
 
-/** Part `number` of the table cut into `count` parts; a table shorter than that repeats its entries. */
+/** Part `number` of `count` parts of the table; a shorter table repeats its entries. */
 Part partOf(const Elements& entries, std::size_t number, std::size_t count) {
     const std::size_t first = number * entries.size() / count;
     const std::size_t end = std::max(first + 1, (number + 1) * entries.size() / count);
@@ -29,7 +29,7 @@ Part partOf(const Elements& entries, std::size_t number, std::size_t count) {
     return {*minimum, *maximum, minimum <= maximum};
 }
 
-/** Black and white dots, the first row on top. */
+/** A grid of black and white dots, the first row on top. */
 class Raster {
 public:
     Raster(std::size_t width, std::size_t height) : m_width(width), m_dots(width * height) {}
@@ -56,7 +56,7 @@ Raster drawn(const Elements& entries, std::uint32_t largest, std::size_t width, 
     return raster;
 }
 
-/** How many dots one character of the terminal holds. */
+/** Dots per character of the terminal. */
 struct CellSize {
     std::size_t width, height;
 };
@@ -69,7 +69,7 @@ struct CurveSize {
 CurveSize sizeWithin(std::size_t lineWidth, std::size_t markWidth) {
     constexpr std::size_t usualColumns = 64, fewestColumns = 16, mostColumns = 128;
     constexpr std::size_t fewestRows = 6, mostRows = 24;
-    const std::size_t taken = markWidth + 4; // the indent, the marks of the axis, and the axis
+    const std::size_t taken = markWidth + 4; // indentation, axis labels and the axis
     const std::size_t columns =
         lineWidth == unlimitedWidth
             ? usualColumns
@@ -80,8 +80,8 @@ CurveSize sizeWithin(std::size_t lineWidth, std::size_t markWidth) {
 constexpr CellSize brailleCell = {2, 4};
 constexpr CellSize asciiCell = {1, 1};
 
-/** The character of two by four dots: U+2800 plus one bit for each dot, which are numbered down the columns,
- *  with the fourth row added later. */
+/** The character for two by four dots: U+2800 plus one bit for each dot; the bits go down the columns of
+ *  three dots, then along the fourth row. */
 std::string brailleCharacter(const Raster& raster, std::size_t column, std::size_t row) {
     constexpr unsigned bits[4][2] = {{0x01, 0x08}, {0x02, 0x10}, {0x04, 0x20}, {0x40, 0x80}};
     unsigned pattern = 0;
@@ -101,14 +101,14 @@ constexpr double plotLeft = 80, plotTop = 70, plotWidth = 640, plotHeight = 360;
 constexpr std::size_t ticks = 4; // parts of an axis
 constexpr std::size_t curveParts = 640;
 
-/** Wide to narrow, so that curves on top of each other are all seen. */
+/** Decreasing widths, so that overlapping curves all remain visible. */
 struct Stroke {
     const char* colour;
     double width;
 };
 constexpr Stroke strokes[] = {{"#d62728", 5}, {"#2ca02c", 3}, {"#1f77b4", 1.2}};
 
-/** Grid lines and numbers of both axes, and what they count. */
+/** Grid lines, numbers and titles of both axes. */
 std::string axes(std::size_t lastEntry, std::uint32_t largest) {
     constexpr const char* gridColour = "#dddddd";
     const double bottom = plotTop + plotHeight;
@@ -182,7 +182,7 @@ std::string curveText(const Elements& entries, std::uint32_t largest, bool brail
            padded(lastEntry, columns - 1) + '\n';
 }
 
-/** A bar where the entries are clipped, at the height that they are clipped to. */
+/** A bar along the clipped entries, at the value that they are clipped to. */
 std::string clippedBar(const LutTable& table, std::uint32_t largest, const std::optional<ElementRange>& part,
                        std::size_t number) {
     if (!part) return "";
@@ -192,13 +192,13 @@ std::string clippedBar(const LutTable& table, std::uint32_t largest, const std::
     };
     const bool isAtTop = table.entries[part->first] >= largest;
     constexpr double barHeight = 4;
-    // The bars of the colours lie outside the plot, one beside the other.
+    // The bars of the colours are outside the plot, next to each other.
     const double distance = barHeight * (static_cast<double>(number) + 0.5);
     const double y = isAtTop ? plotTop - distance - 1 : plotTop + plotHeight + distance + 1;
     return line(xOf(part->first), y, xOf(part->last), y, strokes[number].colour, barHeight);
 }
 
-/** The bars of all colours, and a line below the picture that says what they mean. */
+/** The bars of all colours, with a legend below the picture. */
 std::string clippedBars(const LutTables& tables) {
     std::string bars;
     std::vector<std::string> counts;

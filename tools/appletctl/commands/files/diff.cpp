@@ -8,7 +8,7 @@
 namespace appletctl {
 namespace {
 
-/** A word with an equals sign is an assignment; the first one is a file in any case. */
+/** A word with an equals sign is an assignment, except for the first word, which is always a file. */
 bool isSecondFile(const Words& words) { return words.size() > 1 && words[1].find('=') == std::string::npos; }
 
 std::string titleOf(const std::string& file) { return printable(toUtf8(file.c_str())); }

@@ -1,4 +1,4 @@
-// The documentation of all parameters, made from the tree: a page, and manual pages.
+// The documentation of all parameters, made from the tree: an HTML page, and manual pages.
 
 #include "applet_tools/applet/files/MemoryFile.h"
 #include "applet_tools/base/files.h"
@@ -20,7 +20,7 @@
 namespace appletctl {
 namespace {
 
-/** Text as the manual page's source takes it: none of its characters marks anything. */
+/** Escapes the text for the manual page's source. */
 std::string plain(std::string_view text) {
     std::string marked;
     for (const char c : printable(text)) {
@@ -43,7 +43,7 @@ constexpr const char* manualTail =
     "*NO\\_COLOR*, *TERM*\n\tNo colour when the first is set or the second is *dumb*.\n\n"
     "*VBOARD\\_STATION*\n\tA station file: what is around each virtual board that is opened.\n\n";
 
-/** A list of terms, each with its explanation. */
+/** A list of terms with explanations. */
 std::string terms(const std::vector<HelpEntry>& entries) {
     std::string text;
     for (const HelpEntry& entry : entries)
@@ -98,7 +98,7 @@ std::string manualOfParameters(const std::vector<Documented>& rows) {
     return text + "# SEE ALSO\n\n*appletctl*(1)\n";
 }
 
-/** Lets scdoc make a manual page of its source. */
+/** Runs scdoc to make a manual page from its source. */
 void writeManual(const std::string& file, const std::string& source) {
     const MemoryFile in, out;
     in.write(source);

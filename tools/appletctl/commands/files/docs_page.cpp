@@ -101,7 +101,7 @@ show();
 </html>
 )";
 
-/** Text with a link on each parameter's name. */
+/** Text with a link on each parameter name. */
 class Linker {
 public:
     explicit Linker(const std::vector<Documented>& rows) {
@@ -150,7 +150,7 @@ std::string article(const Documented& row, const Linker& linker) {
     return text + "</dl>\n</article>\n";
 }
 
-/** The parameters of one group, which follow one another. */
+/** The parameters of one group; they are consecutive. */
 struct Group {
     std::string id, path;
     std::vector<const Documented*> rows;
@@ -181,7 +181,7 @@ std::string contents(const std::vector<Group>& groups) {
     return text + "<li><a href=\"#codes\">Result codes</a></li>\n</ul></nav>\n";
 }
 
-/** The codes that refusals had, and how many parameters answer with each. */
+/** The codes of refusals, and the number of parameters that answer with each. */
 std::string codesTable(const std::vector<Documented>& rows) {
     std::map<int, std::size_t, std::greater<>> counts;
     for (const Documented& row : rows)

@@ -9,7 +9,7 @@
 namespace appletctl {
 namespace {
 
-/** The board may differ from the scratch board, where it fails for example. */
+/** The board may behave differently from the scratch board, for example if it fails. */
 void addSurprises(CommandRun& work, const LoadCheck& expected, int code, const ConfigurationFile& now,
                   ScratchBoard& scratch) {
     const std::vector<Side> sides{{"EXPECTED", "expected", &expected.state}, {"NOW", "now", &now}};

@@ -1,4 +1,4 @@
-// The commands around the lookup table. Assignments given with them are carried out first.
+// The commands for the lookup tables. Assignments on the command line are applied first.
 
 #include "applet_tools/applet/files/LutTables.h"
 #include "applet_tools/applet/files/MemoryFile.h"
@@ -27,7 +27,7 @@ std::string clippedText(const Elements& entries, const std::optional<ElementRang
            numberText(entries[range->first]);
 }
 
-/** Rows of text for all colours, and whether they are equal. */
+/** Rows of text for all colours, and whether the colours are equal. */
 std::string statisticsText(const LutTables& tables) {
     Table text;
     text.setTitles({"COLOUR", "MINIMUM", "MAXIMUM", "DISTINCT", "COURSE", "CLIPPED AT START",
@@ -51,7 +51,7 @@ bool isCustom(CommandRun& work) {
     return std::get<std::int32_t>(work.get("FG_LUT_TYPE")) == static_cast<std::int32_t>(LUT_TYPE_CUSTOM);
 }
 
-/** What decides on the tables, and under which type. */
+/** The settings that the tables depend on, and the type for which each has an effect. */
 struct Setting {
     const char* name;
     bool underProcessing, underCustom;
@@ -64,7 +64,7 @@ constexpr Setting settings[] = {
     {"FG_PROCESSING_INVERT", true, false},
 };
 
-/** The settings that have an effect now: "FG_LUT_ENABLE = FG_OFF, FG_LUT_TYPE = ...". */
+/** The effective settings: "FG_LUT_ENABLE = FG_OFF, FG_LUT_TYPE = ...". */
 std::string settingsText(CommandRun& work) {
     const bool custom = isCustom(work);
     std::vector<std::string> texts;
@@ -76,7 +76,7 @@ std::string settingsText(CommandRun& work) {
     return join(texts, ", ");
 }
 
-/** All settings by their names. */
+/** All settings by name. */
 nlohmann::ordered_json settingsAsJson(CommandRun& work) {
     nlohmann::ordered_json object;
     for (const Setting& setting : settings)
@@ -84,7 +84,7 @@ nlohmann::ordered_json settingsAsJson(CommandRun& work) {
     return object;
 }
 
-/** Makes the applet load its tables from a file. A file that is refused changes nothing. */
+/** Makes the applet load its tables from a file. A refused file changes nothing. */
 int load(CommandRun& work, const std::string& file) {
     // While the tables come from the formula, the name is only remembered and read when the type is set. The
     // other order would leave the type at LUT_TYPE_CUSTOM, and going back would compute the tables again.
@@ -107,8 +107,8 @@ bool haveSameEntries(const LutTables& a, const LutTables& b) {
     return true;
 }
 
-/** The text that an instance of the applet saves of these tables. The caller has another one, and its
- *  FG_LUT_SAVE_FILE stays as it is. */
+/** The file that an instance of the applet saves for these tables. Another instance than the user's, so that
+ *  FG_LUT_SAVE_FILE is not changed. */
 std::string fileTextOf(Options options, const LutTables& tables) {
     options.offline = true;
     Context other(options);
@@ -130,7 +130,7 @@ void requireEnding(const std::string& file, std::string_view ending, const char*
                      " is what is written");
 }
 
-/** What every command of the group tells in its document. */
+/** The members that are common to the documents of the group's commands. */
 void addDocument(CommandRun& work, const LutTables& tables) {
     work.report.document["settings"] = settingsAsJson(work);
     work.report.document["lut"] = statisticsAsJson(tables);

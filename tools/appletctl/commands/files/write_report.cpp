@@ -1,4 +1,4 @@
-// All that a support needs to know, in one text or document.
+// Collects the information that support needs in one text or document.
 
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"
@@ -14,7 +14,7 @@
 namespace appletctl {
 namespace {
 
-/** What the applet, the loader of libraries and the formats of numbers look at. */
+/** Environment variables that the applet, the dynamic loader and number formats depend on. */
 constexpr const char* variables[] = {
     "APPLET_UNDER_TEST",
     "LD_LIBRARY_PATH",
@@ -73,7 +73,7 @@ constexpr Section sections[] = {
     {"timing", "Timing"},
 };
 
-/** A part that fails is in the report as well, with its message. */
+/** A part that fails is included in the report, with its message. */
 Report partOf(Context& context, const Section& section) {
     try {
         return runCommandNamed(context, section.key, {});

@@ -22,7 +22,7 @@ std::string ownDocument(Instance& instance) {
     ask(nullptr, size);
     std::string document(size, '\0');
     ask(document.data(), size);
-    document.resize(size - 1); // without its zero
+    document.resize(size - 1); // without the terminating null
     return document;
 }
 

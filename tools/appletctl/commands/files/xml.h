@@ -1,4 +1,4 @@
-/** Documents that describe the parameters to a client, and what is wrong with them. */
+/** XML documents that describe the parameters to a client, and checks of them. */
 #ifndef APPLETCTL_COMMANDS_FILES_XML_H
 #define APPLETCTL_COMMANDS_FILES_XML_H
 
@@ -12,23 +12,23 @@
 
 namespace appletctl {
 
-/** An element with its content; white space between elements is left out. */
+/** An element with its content; white space between elements is dropped. */
 struct XmlElement {
     std::string tag;
     std::vector<std::pair<std::string, std::string>> attributes;
     std::string text;
     std::vector<XmlElement> children;
 
-    /** Empty where there is none. */
+    /** Empty if there is none. */
     std::string attribute(std::string_view name) const;
-    /** Text of the first child of that tag; nothing where there is none. */
+    /** Text of the first child with that tag, if there is one. */
     std::optional<std::string> child(std::string_view tag) const;
 };
 
-/** Reads elements, attributes and text; no comments, and one declaration, at the start. Throws Failure. */
+/** Parses elements, attributes and text; no comments, and one declaration, at the start. Throws Failure. */
 XmlElement readXml(std::string_view document);
 
-/** The document that the library gives. */
+/** The document that the library returns. */
 std::string ownDocument(Instance& instance);
 
 /** A document for other clients, made from the same tree. */
@@ -39,7 +39,7 @@ struct XmlFinding {
     std::string reason;
 };
 
-/** What a client will stumble over. */
+/** Problems that a client will have with the document. */
 std::vector<XmlFinding> findingsIn(const XmlElement& document, const ParameterList& parameters);
 
 } // namespace appletctl

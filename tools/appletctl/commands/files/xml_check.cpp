@@ -1,4 +1,4 @@
-// What a client stumbles over in a document of the parameters.
+// Finds problems of a parameter document for its clients.
 
 #include "applet_tools/applet/published_limits.h"
 #include "applet_tools/base/errors.h"
@@ -13,7 +13,7 @@
 namespace appletctl {
 namespace {
 
-/** Reads a document from its start to its end. */
+/** Parses a document from start to end. */
 class XmlReader {
 public:
     explicit XmlReader(std::string_view text) : m_text(text) {}
@@ -160,7 +160,7 @@ void checkEnumerations(Document& document) {
     }
 }
 
-/** Parameters that a client cannot reach. */
+/** Parameters that are not accessible to a client. */
 void checkCompleteness(Document& document) {
     for (const Parameter& parameter : document.parameters.all())
         if (parameter.record != nullptr && parameter.record->published != 0 &&
@@ -169,7 +169,7 @@ void checkCompleteness(Document& document) {
                          std::string("the parameter is not in the document: kind ") + kindName(parameter));
 }
 
-/** An element that each register, or feature, should have. */
+/** Checks an element that each register, or feature, should have. */
 struct Wanted {
     bool ofRegisters;
     const char* tag;

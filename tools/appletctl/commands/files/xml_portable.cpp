@@ -1,5 +1,5 @@
-// A document of the parameters for clients that take the standard at its word: every number as it is, in its
-// own width, nothing cached, with names, units and texts, the common parameters by their standard names too.
+// A parameter document for clients that follow the standard strictly: every number as it is, in its
+// own width, nothing cached, with names, units and texts; common parameters also have their standard names.
 
 #include "applet_tools/applet/published_limits.h"
 #include "applet_tools/base/text.h"
@@ -17,13 +17,13 @@ namespace {
 constexpr const char* portName = "DevicePort";
 constexpr const char* standardCategory = "StandardFeatures";
 
-/** A parameter under the name that the standard has for it. */
+/** A parameter and its standard name. */
 struct StandardFeature {
     const char* name;
     const char* parameter;
     const char* node =
-        nullptr; /**< that shows the parameter's number as another kind; null: of its own kind */
-    /** What the node makes of its states. */
+        nullptr; /**< node that converts the parameter's number to another kind; null: of its own kind */
+    /** Converts the parameter's value for the node. */
     struct Constant {
         const char* tag;
         const char* value;
@@ -64,14 +64,14 @@ constexpr KindRow kindRows[] = {
     {REGISTER_KIND_STRING, "StringReg", nullptr, 4096, false},
 };
 
-/** The row of a parameter; null for arrays, which one address cannot reach, and without a record. */
+/** The row of a parameter; null for arrays, which cannot be addressed as one register, and without a record. */
 const KindRow* rowOf(const Parameter& parameter) {
     if (parameter.record == nullptr) return nullptr;
     const auto row = std::ranges::find(kindRows, parameter.kind(), &KindRow::kind);
     return row != std::end(kindRows) ? row : nullptr;
 }
 
-/** Letters, digits and underscores of a text; a name begins with no digit. */
+/** Letters, digits and underscores of a text; a name does not begin with a digit. */
 std::string nodeName(const std::string& text) {
     std::string name;
     for (const char c : text)
@@ -89,11 +89,11 @@ std::string node(const std::string& tag, const std::string& name, const std::str
            content + "</" + tag + ">\n";
 }
 
-/** Where the value lives. */
+/** The address of the value. */
 std::string address(const Parameter& parameter, const KindRow& row, bool isSettable) {
     return element("Address", numberText(parameter.id)) + element("Length", numberText(row.length)) +
            element("AccessMode", isSettable ? "RW" : "RO") + element("pPort", portName) +
-           // One set moves the values and limits of others.
+           // A set may change the values and limits of other parameters.
            element("Cachable", "NoCache");
 }
 
@@ -114,14 +114,14 @@ std::string enumEntries(const Parameter& parameter) {
     return text;
 }
 
-/** Minimum, maximum and step, where the record's say something. */
+/** Minimum, maximum and step, if those of the record are usable. */
 std::string limitElements(const Parameter& parameter) {
     if (limitsText(parameter).empty()) return "";
     nlohmann::ordered_json described;
     addDescription(described, parameter);
     std::string text;
     text += element("Min", described["minimum"].dump()) + element("Max", described["maximum"].dump());
-    constexpr double smallestStep = 1e-12; // below it is a placeholder
+    constexpr double smallestStep = 1e-12; // a smaller step is a placeholder
     if (described["increment"].get<double>() > smallestStep)
         text += element("Inc", described["increment"].dump());
     return text;
@@ -184,7 +184,7 @@ private:
         return toUtf8(text);
     }
 
-    /** The category of the groups, with all those above it. */
+    /** The category of the groups, including those above it. */
     Category& categoryOf(const std::vector<std::string>& groups) {
         std::string name = "Root";
         std::string label = "Root";
@@ -214,13 +214,13 @@ private:
         return node("Category", name, content, name == "Root" ? "Standard" : "Custom");
     }
 
-    /** What a client shows of a feature. */
+    /** The elements of a feature for display. */
     std::string shown(const Parameter& parameter) {
         const std::string text = explanationOf(m_instance, parameter);
         std::string content = element("ToolTip", parameter.label());
         content += element("Description", text.empty() ? parameter.label() : text);
         content += element("DisplayName", parameter.label());
-        // What a read takes away is not for a client that reads all it shows.
+        // A client that reads all features must not read a value that a read clears.
         return content + element("Visibility", parameter.effectOfReading().empty() ? "Beginner" : "Guru");
     }
 

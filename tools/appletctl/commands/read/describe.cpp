@@ -18,7 +18,7 @@ std::string accessInWords(const Parameter& parameter) {
     return word;
 }
 
-/** All that is known of a parameter. */
+/** All properties of a parameter. */
 struct Description {
     Target target;
     ReadResult reading;
@@ -39,7 +39,7 @@ nlohmann::ordered_json asJson(const Description& described) {
     return row;
 }
 
-/** What a line says of the parameter; a line without text is left out. */
+/** The content of a line; a line without text is left out. */
 struct Line {
     const char* title;
     std::string text;

@@ -11,7 +11,7 @@
 namespace appletctl {
 namespace {
 
-/** What comes with an event of that mask; none with one that the applet only passes on. */
+/** The data of an event with that mask; none for an event that the applet only forwards. */
 std::optional<FgEventRecord> recordOf(const applet_host::AppletFunctions& applet, std::uint64_t mask) {
     constexpr int versionWithWideMask = 2;
     FgEventRecord record{};

@@ -19,7 +19,7 @@ std::string valueLines(const Target& target, const Value& value) {
     return lines;
 }
 
-/** The value as it is, one element a line. */
+/** The bare value, one element per line. */
 std::string rawLines(const Value& value) {
     return std::visit(
         [](const auto& native) {

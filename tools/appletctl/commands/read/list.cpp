@@ -16,10 +16,10 @@ namespace {
 
 constexpr std::size_t entriesWidth = 60;
 
-/** A parameter as it is listed. */
+/** A listed parameter. */
 struct Listed {
     const Parameter& parameter;
-    const std::optional<ReadResult> reading; // none of what a read would take from the board
+    const std::optional<ReadResult> reading; // empty if a read would change something on the board
     const DefaultAndRole& known;
 
     bool isChanged() const {
@@ -27,7 +27,7 @@ struct Listed {
     }
 };
 
-/** The entries' names as far as they fit, and how many there are. */
+/** As many names of entries as fit, and the number of entries. */
 std::string shortEntries(const Parameter& parameter) {
     const std::vector<Entry> entries = entriesOf(parameter);
     std::string text;
@@ -108,7 +108,7 @@ std::vector<const Parameter*> wantedParameters(Context& context, const std::stri
     return wanted;
 }
 
-/** The value; none where a read would take something from the board, unless it is asked for by its whole
+/** The value; empty if a read would change something on the board, unless the pattern is the whole
  *  name. */
 std::optional<ReadResult> readFor(Context& context, const Parameter& parameter, const std::string& asked) {
     if (!parameter.effectOfReading().empty() && lowerCase(asked) != lowerCase(parameter.name))
@@ -133,7 +133,7 @@ nlohmann::ordered_json asJson(const Listed& listed, bool wantsRole) {
     return row;
 }
 
-/** The table that is printed; under the headings of the groups unless columns are chosen. */
+/** The printed table; with the headings of the groups unless columns are chosen. */
 Table tableOf(const std::vector<Listed>& rows, const Words& chosen) {
     Words names = chosen;
     if (names.empty()) {
@@ -205,7 +205,7 @@ Report listParameters(Context& context, const Words& pattern) {
         defaultsAndRoles =
             defaultsAndRolesOf(context, wanted, wantsRole ? FileRoles::asked : FileRoles::unasked);
     } catch (const Failure& failure) {
-        // Where there is no scratch board, a list is still of use.
+        // Without a scratch board the list is still useful.
         if (own.onlyChanged || wantsRole || has(own.columns, defaultColumn)) throw;
         report.notes.push_back(std::string("the defaults are not known: ") + failure.what());
     }

@@ -1,4 +1,4 @@
-// Reads parameters over and over: a table redrawn in place on a terminal, else a line for each round.
+// Reads parameters repeatedly: a table redrawn in place on a terminal, else a line per round.
 
 #include "applet_tools/applet/Condition.h"
 #include "applet_tools/applet/values.h"
@@ -31,13 +31,13 @@ using Clock = Interruption::Clock;
 struct Watched {
     Target target;
     ReadResult reading;
-    std::optional<Value> minimum, maximum; // of numbers, over all rounds
-    std::deque<double> course;             // of numbers, the last rounds
-    std::optional<double> before;          // of numbers, in the last round that gave one
+    std::optional<Value> minimum, maximum; // of a number, over all rounds
+    std::deque<double> course;             // of a number, in the last rounds
+    std::optional<double> before;          // of a number, in the last round with a value
     std::optional<double> perSecond;       // the change since then
 };
 
-/** True for numbers of the same kind, the first below the second. */
+/** True for numbers of the same kind if the first is less than the second. */
 bool isBelow(const Value& first, const Value& second) {
     return std::visit(
         [&](const auto& number) {
@@ -97,7 +97,7 @@ std::string secondsText(const Round& round) {
     return text;
 }
 
-/** The value as it is shown, or why there is none. */
+/** The value for display, or the reason why there is none. */
 std::string shownValue(const ReadResult& reading, const std::string& value) {
     if (!reading.isMeasured) return "- (not measured)";
     return reading.error == FG_OK ? value : "(" + codeInWords(reading.error) + ")";
@@ -110,7 +110,8 @@ std::string rateText(double perSecond) {
     return text;
 }
 
-/** A record for each parameter: seconds, name, value, unit; with rates the change per second. One more for an alarm. */
+/** A record per parameter: seconds, name, value, unit; with rates the change per second. One more for an
+ *  alarm. */
 std::string asRecords(const Round& round, bool wantsRates) {
     std::string text;
     for (const Watched& watched : round.watched) {
@@ -159,7 +160,7 @@ std::string asDocument(const Round& round, bool wantsRates, bool isLook) {
     return documentText(report, "watch");
 }
 
-/** How often the alarm's condition held; it stays, since a flag may clear itself. */
+/** The number of alarms so far; it stays on screen, since a flag may clear itself. */
 std::string alarmText(const Round& round, const Style& style) {
     if (round.alarms == 0) return "";
     const std::string text = "ALARM in " + numberText(round.alarms) + " of " + numberText(round.number) +
@@ -167,7 +168,7 @@ std::string alarmText(const Round& round, const Style& style) {
     return "  " + style.alarm(text) + '\n';
 }
 
-/** Of the first so many parameters. */
+/** Of this many parameters, from the first. */
 Table tableOf(const Round& round, std::size_t shown, bool wantsRates) {
     const bool unicode = canDrawUnicode(STDOUT_FILENO);
     Table table;
@@ -192,7 +193,7 @@ Table tableOf(const Round& round, std::size_t shown, bool wantsRates) {
     return table;
 }
 
-/** As many parameters as the lines have room for, and how many are left out. */
+/** As many parameters as there are lines for, and the number left out. */
 std::string asTable(const Round& round, bool wantsRates, int lines) {
     const Style style = Style::forStream(STDOUT_FILENO);
     const std::string end =
@@ -210,10 +211,10 @@ std::string asTable(const Round& round, bool wantsRates, int lines) {
     }
 }
 
-/** Draws a text over the one that it drew before. */
+/** Redraws a text in place. */
 class Screen {
 public:
-    /** The control sequences and as many lines as the terminal has room for, of a text for that number of lines. */
+    /** The control sequences and as many lines of the text as the terminal has room for. */
     std::string redraw(const std::function<std::string(int lines)>& textFor) {
         const std::string back = m_lines == 0 ? "" : "\033[" + numberText(m_lines) + "A\r\033[J";
         const int most = room();
@@ -221,12 +222,12 @@ public:
         std::size_t end = 0;
         for (m_lines = 0; m_lines < most && end < text.size(); ++m_lines)
             end = text.find('\n', end) + 1;
-        // Without wrapping, so that each line takes one row.
+        // Without wrapping, so that each line occupies one row.
         return back + "\033[?7l" + text.substr(0, end) + "\033[?7h";
     }
 
 private:
-    /** Lines above that of the cursor. */
+    /** Lines above the cursor. */
     static int room() {
         winsize size{};
         const bool isKnown = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_row > 1;
@@ -238,8 +239,8 @@ private:
 
 enum class Form { table, text, document };
 
-/** A table that is redrawn for a person, lines of text where it cannot be, documents for a program. Behind "trace"
- *  the accesses follow as text. */
+/** A table that is redrawn for a user, lines of text where that is not possible, documents for a program. With
+ *  "trace" the accesses follow as text. */
 Form formOf(const Options& options) {
     if (options.json) return Form::document;
     if (options.trace) return Form::text;
@@ -247,10 +248,10 @@ Form formOf(const Options& options) {
     return options.plain || isatty(STDOUT_FILENO) == 1 ? Form::text : Form::document;
 }
 
-/** Conditions of which one has to hold. */
+/** Conditions, at least one of which must hold. */
 using Conditions = std::vector<Condition>;
 
-/** What is read in each round: the named ones, and those of the conditions that are not among them. */
+/** The parameters read in each round: the named ones, and those in the conditions. */
 std::vector<Watched> watchedTargets(std::vector<Target> targets, const Conditions& first,
                                     const Conditions& second) {
     for (const Conditions* conditions : {&first, &second})
@@ -276,7 +277,7 @@ bool holdsOneOf(const Conditions& conditions, const Round& round) {
                                [&](const Condition& condition) { return condition.holds(reading); });
 }
 
-/** Reads all and finds out what holds. */
+/** Reads all parameters and evaluates the conditions. */
 void readRound(Context& context, Round& round, Clock::duration sinceStart, const Conditions& failures,
                const Conditions& alarms) {
     const std::chrono::duration<double> sinceLast = sinceStart - round.exact;
@@ -304,7 +305,7 @@ struct WatchOptions {
 
 void addWatchOptions(CLI::App& command, Options& options) {
     auto& own = options.own<WatchOptions>();
-    // An unset variable of a shell must not switch the condition off.
+    // An unset shell variable must not disable the condition.
     const auto isCondition = [](const std::string& text) {
         return std::string(text.empty() ? "the condition is empty" : "");
     };
@@ -331,7 +332,7 @@ void addWatchOptions(CLI::App& command, Options& options) {
     command.add_flag("-g,--group", own.areGroups, "The names are groups: all their parameters");
 }
 
-/** A condition on what is never measured would never hold unnoticed. */
+/** A condition on a value that is never measured would silently never hold. */
 void requireMeasured(Context& context, const Conditions& conditions) {
     if (!context.options().offline) return;
     for (const Condition& condition : conditions)
@@ -349,7 +350,7 @@ public:
         , m_options(context.options())
         , m_own(m_options.of<WatchOptions>())
         , m_form(formOf(m_options))
-        // "trace" adds the accesses, so its document holds all rounds and is printed at the end.
+        // "trace" adds the accesses, so the document holds all rounds and is printed at the end.
         , m_isOneDocument(m_options.trace && m_options.json) {
         const ParameterList& parameters = context.parameters();
         if (!m_own.failIf.empty()) m_failures.emplace_back(parameters, m_own.failIf);
@@ -379,7 +380,7 @@ public:
     }
 
 private:
-    /** False, with errno, when the output does not take the round. */
+    /** False, with errno, if the output of the round fails. */
     bool show() {
         if (!m_isOneDocument) return writeOut(shown());
         m_report.document["rounds"].push_back(asJson(m_round, m_own.wantsRates));
@@ -394,7 +395,7 @@ private:
         return bell + m_screen.redraw([&](int lines) { return asTable(m_round, m_own.wantsRates, lines); });
     }
 
-    /** A reader that has gone, or a signal, is no failure. */
+    /** A closed pipe, or a signal, is not a failure. */
     Report endOfOutput() {
         if (errno == EPIPE) return std::move(m_report);
         return m_interruption.isAsked() ? ended() : refused("the output could not be written");

@@ -1,4 +1,4 @@
-// Pictures of the virtual board's station, as files or digests.
+// Takes pictures from the virtual board's station, as files or digests.
 
 #include "applet_tools/base/Interruption.h"
 #include "applet_tools/base/files.h"
@@ -35,15 +35,15 @@ struct GrabOptions {
     std::optional<std::string> file;   /**< -o; "-": the standard output */
     std::string format;                /**< --format; empty: that of the file's name */
     bool wantsHash = false;            /**< --hash */
-    bool isStrict = false;             /**< --strict: a loss is a failure */
+    bool isStrict = false;             /**< --strict: fail if something was lost */
     std::string timeout = "10s";       /**< --timeout: simulated time to wait for each picture */
-    std::size_t frames = 4;            /**< --frames: of the memory */
-    std::int64_t every = 1;            /**< --every: one of so many pictures is taken */
-    std::optional<std::int64_t> lines; /**< --lines: pictures are taken until they have so many */
+    std::size_t frames = 4;            /**< --frames: number of frames in the memory */
+    std::int64_t every = 1;            /**< --every: take every n-th picture */
+    std::optional<std::int64_t> lines; /**< --lines: take pictures until they have this many lines */
     std::optional<std::string> events; /**< --events: file of events; "-": the standard output */
     bool wantsStatistics = false;      /**< --stats */
     bool wantsPreview = false;         /**< --preview */
-    bool wantsLosses = false;          /**< --losses: also the kinds of which there was none */
+    bool wantsLosses = false;          /**< --losses: also show kinds without losses */
 };
 
 void addGrabOptions(CLI::App& command, Options& options) {
@@ -94,7 +94,7 @@ void addGrabOptions(CLI::App& command, Options& options) {
     addStation(command, options);
 }
 
-/** The words: a number of pictures, then assignments. */
+/** The arguments: a number of pictures, then assignments. */
 struct Wanted {
     std::int64_t pictures = 1;
     bool isDefault = true; /**< no number was given */
@@ -121,7 +121,7 @@ std::string flagsOf(const vboard_record& record) {
     return flags.empty() ? "-" : join(flags, ", ");
 }
 
-/** The command at work. */
+/** The running command. */
 class Grab {
 public:
     Grab(Context& context, const Words& words)
@@ -175,12 +175,12 @@ private:
     bool areEventsToOutput() const { return m_own.events == "-"; }
     bool isQuietOutput() const { return m_own.wantsHash || isToOutput() || areEventsToOutput(); }
 
-    /** What fills the standard output goes with nothing else that is written there. */
+    /** Output that uses the whole standard output excludes all other output there. */
     void requireOneOutput() const {
         struct Output {
             bool isWanted;
             const char *option, *content;
-            bool isWhole = true; /**< it is read by a program */
+            bool isWhole = true; /**< it is for a program */
         };
         const bool isJson = m_context.options().json;
         const Output outputs[] = {{isToOutput(), "-o -", "pictures"},
@@ -238,7 +238,7 @@ private:
         }
     }
 
-    /** False when the standard output takes no more. */
+    /** False if the write to the standard output fails. */
     bool writeEvents() {
         if (!m_events) return true;
         const std::string lines = m_events->take(m_number);
@@ -270,7 +270,7 @@ private:
         return !m_interruption.isAsked();
     }
 
-    /** False when the standard output takes no more. */
+    /** False if the write to the standard output fails. */
     bool take(Grabber& grabber) {
         const bool isDrawn = m_files || m_own.wantsHash || m_own.wantsStatistics || m_own.wantsPreview;
         const PictureView picture = isDrawn ? grabber.draw() : PictureView();
@@ -298,7 +298,7 @@ private:
         return !m_own.wantsPreview || drawPreview(picture);
     }
 
-    /** At once: with many pictures nothing of it is kept. False when the standard output takes no more. */
+    /** Writes immediately, so that nothing accumulates. False if the write to the standard output fails. */
     bool drawPreview(const PictureView& picture) {
         if (m_context.options().quiet || isPlainOutput()) return true;
         constexpr std::size_t usualWidth = 80;
@@ -323,7 +323,7 @@ private:
         }
     }
 
-    /** Also when only some of them came. */
+    /** Called also if only some of the pictures arrived. */
     void writePages() {
         if (m_files && isToOutput())
             writeAll(STDOUT_FILENO, m_files->pages());
@@ -333,7 +333,7 @@ private:
 
     void finish(CommandRun& work, const std::vector<std::int64_t>& before) {
         if (isQuietOutput())
-            m_report->text = m_hashes; // nothing else: it is compared as a whole
+            m_report->text = m_hashes; // nothing else, for comparisons of the whole text
         else if (m_isTableFilled)
             m_report->text += m_table.render(Style::forStream(STDOUT_FILENO));
         if (m_own.lines && m_isTableFilled && !isQuietOutput())
@@ -396,10 +396,10 @@ private:
     Table m_table;
     bool m_isTableFilled = false;
     std::string m_hashes;
-    std::int64_t m_number = 0; // of the picture that is waited for
-    std::int64_t m_lines = 0;  // of the pictures that were taken
+    std::int64_t m_number = 0; // number of the picture being waited for
+    std::int64_t m_lines = 0;  // total of the pictures that were taken
     nlohmann::ordered_json m_settings;
-    bool m_isOutputClosed = false; // by the reader of the events
+    bool m_isOutputClosed = false; // the reader of the events has closed it
     std::optional<EventLog> m_events;
     std::optional<OutputFile> m_eventFile;
     PictureStatistics m_statistics; // of all pictures
@@ -430,7 +430,8 @@ const Command grabCommand = {
                  {"grab --hash --from line.mcf", "a line for a test to compare"},
                  {"grab --lines 5000 --stats -o run.tiff --from line.mcf",
                   "until 5000 lines have come, with the settings of a file"},
-                 {"grab --preview --station-file belt.json", "drawn in the terminal, from a camera that sees a belt"}},
+                 {"grab --preview --station-file belt.json",
+                  "drawn in the terminal, from a camera that sees a belt"}},
     .most = -1,
     .run = grabPictures,
     .scratch = Context::Scratch::wanted,

@@ -16,14 +16,14 @@ std::string shown(std::optional<double> value, const std::string& unit) {
     return value ? numberText(*value) + " " + unit : "-";
 }
 
-/** Nothing beyond the last digit that is shown of the two. */
+/** The difference, or 0 if it is beyond the last displayed digit of the two. */
 std::optional<double> differenceOf(const MeasuredRow& row) {
     if (!row.computed || !row.measured) return std::nullopt;
     constexpr int shownDigits = 12;
     const double largest = std::max(std::fabs(*row.computed), std::fabs(*row.measured));
     if (largest == 0) return 0;
     const double last = std::pow(10, std::floor(std::log10(largest)) - (shownDigits - 1));
-    return std::round((*row.measured - *row.computed) / last) * last + 0.0; // never -0
+    return std::round((*row.measured - *row.computed) / last) * last + 0.0; // + 0.0 avoids -0
 }
 
 std::string tableOf(const MeasuredTiming& timing) {
@@ -78,7 +78,7 @@ Wave waveOf(const MeasuredSignal& signal, Ticks from, double end) {
     return {signal.name, merged(pulses, end), signal.isActiveLow};
 }
 
-/** The period of ExSync that comes most often; of lines where there is none. */
+/** The most frequent period of ExSync; or of lines, if there is no ExSync. */
 Ticks shownPeriod(const MeasuredTiming& timing) {
     for (const char* name : {"ExSync", "LVAL"}) {
         const auto found = std::ranges::find(timing.signals, name, &MeasuredSignal::name);
@@ -90,7 +90,7 @@ Ticks shownPeriod(const MeasuredTiming& timing) {
     return ticksPerSecond / 1000;
 }
 
-/** 1, 2 or 5 times a power of ten, so that 5 to 12 of them fill the time. */
+/** The time step: 1, 2 or 5 times a power of ten, with 5 to 12 steps in the time. */
 double roundPart(double time) {
     constexpr double most = 12;
     const double small = std::pow(10, std::floor(std::log10(time)) - 1);
@@ -112,7 +112,7 @@ MeasuredDrawing drawingOf(const MeasuredTiming& timing) {
     const Ticks period = shownPeriod(timing);
     const auto exSync = std::ranges::find(timing.signals, "ExSync", &MeasuredSignal::name);
     const Ticks first = exSync->course.first(!exSync->isActiveLow).value_or(timing.from);
-    // At a multiple of the period, so that drawings of other settings have the same grid.
+    // A multiple of the period, so that drawings of other settings have the same grid.
     const Ticks before = (first - timing.from) / period;
     const Ticks from = timing.from + (before > 0 ? before - 1 : 0) * period;
     MeasuredDrawing drawing{

@@ -1,4 +1,4 @@
-/** What "timing --measured" adds: the station's own timing beside the computed one. */
+/** The additions of "timing --measured": the station's own timing next to the computed one. */
 #ifndef APPLETCTL_COMMANDS_SIGNALS_MEASURED_TIMING_H
 #define APPLETCTL_COMMANDS_SIGNALS_MEASURED_TIMING_H
 
@@ -13,15 +13,15 @@
 
 namespace appletctl {
 
-/** What is drawn of it: the window, or some line periods, from one before the first ExSync on. */
+/** The measured signals to draw: the window, or some line periods, starting one before the first ExSync. */
 struct MeasuredDrawing {
     std::vector<Wave> waves;
     double period = 0, end = 0;
-    double origin = 0; /**< time of the station at the left end */
+    double origin = 0; /**< the station's time at the left end */
 };
 
-/** Lets a station run with the present values, on a copy of the board if that one has run before, and adds table and
- *  document. */
+/** Runs a station with the present values, on a copy of the board if its time has already advanced, and adds a
+ *  table and a document. */
 MeasuredDrawing addMeasuredTiming(Report& report, Context& context, const std::vector<WaveRequest>& waves,
                                   const std::optional<TimeWindow>& window);
 

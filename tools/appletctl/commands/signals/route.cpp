@@ -1,5 +1,5 @@
-// What each output, analyzer and event listens to, and which inputs feed the triggers and the encoder. Which
-// parameters of the design belong to a source and a polarity, and what they should hold, is asked of the applet itself:
+// The sources of each output, analyzer and event, and the inputs of the triggers and the encoder. The
+// design parameters for a source and a polarity, and their values, are found with the applet itself:
 // a scratch board gets the same values.
 
 #include "applet_tools/answers/routes.h"
@@ -55,11 +55,11 @@ std::vector<Route> routesOf(const ParameterList& parameters) {
     return routes;
 }
 
-/** Something that listens to an input, and the parameters that choose it. */
+/** A function that uses an input, and the parameters that select the input. */
 struct InputRow {
     const char* listener;
     const char* source;
-    const char* polarity; // null without one
+    const char* polarity; // null if it has none
 };
 
 constexpr InputRow inputRows[] = {
@@ -68,7 +68,7 @@ constexpr InputRow inputRows[] = {
     {"image trigger", "FG_IMGTRIGGERINSRC", "FG_IMGTRIGGERINPOLARITY"},
 };
 
-/** What the live board holds for one of them. */
+/** The live board's value of one of them. */
 DesignValue compare(Instance& instance, const ParameterList& design, const DesignWrite& write) {
     DesignValue value{write.parameter, write.value, 0};
     const Parameter& parameter = design.find(std::string(designPrefix) + value.parameter);
@@ -81,7 +81,7 @@ DesignValue compare(Instance& instance, const ParameterList& design, const Desig
     return value;
 }
 
-/** What is known of a route. */
+/** A route. */
 struct RouteState {
     std::string output, source, polarity;
     nlohmann::ordered_json sourceJson, polarityJson;
@@ -100,7 +100,7 @@ RouteState stateOf(Instance& instance, const Route& route) {
             .board = std::nullopt};
 }
 
-/** "3"; "7, not 3" where the applet writes 3. */
+/** "3"; "7, not 3" if the applet writes 3. */
 std::string heldText(const DesignValue& value) {
     const std::string held = numberText(value.held);
     return value.agrees() ? held : held + ", not " + numberText(value.expected);
@@ -131,16 +131,16 @@ nlohmann::ordered_json asJson(const RouteState& state) {
     return row;
 }
 
-/** What is known of an input. */
+/** An input. */
 struct InputState {
     const char* listener;
     std::string source, polarity;
-    nlohmann::ordered_json sourceValue, polarityValue; // the latter null where there is none
-    bool isInUse;                    // the mode lets the input count: its source is writable
-    std::vector<DesignValue> values; // none offline
+    nlohmann::ordered_json sourceValue, polarityValue; // the latter null if there is none
+    bool isInUse;                                      // the mode uses the input: its source is writable
+    std::vector<DesignValue> values;                   // none offline
 
     bool disagrees() const { return !std::ranges::all_of(values, &DesignValue::agrees); }
-    /** What selects the input comes last. */
+    /** The parameter that selects the input comes last. */
     std::string selectText() const { return values.empty() ? "-" : heldText(values.back()); }
     std::string agreesText() const { return values.empty() ? "-" : disagrees() ? "no" : "yes"; }
 };
@@ -155,7 +155,7 @@ nlohmann::ordered_json asJson(const InputState& state) {
     return row;
 }
 
-/** `expected` is what the applet writes for the source of each row; nothing offline. */
+/** `expected` is the value that the applet writes for the source of each row; empty offline. */
 std::vector<InputState> inputsOf(Context& context, const ParameterList* design,
                                  std::span<const DesignWrites> expected) {
     Instance& instance = context.instance();
@@ -185,8 +185,8 @@ std::vector<InputState> inputsOf(Context& context, const ParameterList* design,
     return inputs;
 }
 
-/** The routes as a graph from the sources to the outputs and from the inputs to what they feed: red where the board
- *  differs, dashed where the mode leaves an input unused. */
+/** The routes as a graph from sources to outputs and from inputs to their users: red if the board
+ *  differs, dashed if the mode does not use the input. */
 std::string asDot(const std::vector<InputState>& inputs, const std::vector<RouteState>& states) {
     std::string text = "digraph routes {\n  rankdir=LR;\n  node [shape=box];\n";
     for (const InputState& input : inputs) {

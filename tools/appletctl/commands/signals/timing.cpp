@@ -1,4 +1,4 @@
-// The signals of the line trigger over a few line periods, as the present values make them.
+// Draws the signals of the line trigger over a few line periods, computed from the present values.
 
 #include "applet_tools/applet/assignments.h"
 #include "applet_tools/applet/line_timing.h"
@@ -27,7 +27,7 @@ namespace {
 
 constexpr int shownPeriods = 3;
 
-/** What is read of the applet, times in microseconds. */
+/** Values read from the applet, times in microseconds. */
 struct Settings {
     double period, exposure, delay;
     double downscale;
@@ -54,10 +54,10 @@ private:
     const ParameterList& m_parameters;
 };
 
-/** A load stores what no setter would take, such as a period of 0. */
+/** A load stores values that no setter accepts, such as a period of 0. */
 void requireDrawable(const char* name, double value, double smallest) {
     constexpr double largest = 1e6;
-    if (value >= smallest && value <= largest) return; // and so no NaN
+    if (value >= smallest && value <= largest) return; // false for NaN
     throw Failure(std::string(name) + " = " + numberText(value) + " gives no timing: set it from " +
                   numberText(smallest) + " to " + numberText(largest));
 }
@@ -81,7 +81,7 @@ Settings settingsOf(Instance& instance, const ParameterList& parameters) {
     return settings;
 }
 
-/** Pulses of a length, one each period, the first at `start`, as far as they show. */
+/** Pulses of this length, one per period, the first at `start`, within the visible range. */
 std::vector<Pulse> train(double start, double period, double length, double end) {
     const double first = start - period * std::ceil((start + length) / period);
     const auto count = static_cast<int>(std::ceil((end - 1e-6 - first) / period));
@@ -113,7 +113,7 @@ std::vector<Signal> signalsOf(const Settings& settings, double end) {
             {FG_SIGNAL_CAM0_FLASH, {"Flash", flash, settings.isFlashLow}}};
 }
 
-/** An output of the board, and what comes out of it. */
+/** An output of the board and its signal. */
 struct Output {
     std::string name; // "FG_TRIGGERCAMERA"
     std::string source;
@@ -150,7 +150,7 @@ std::vector<Output> outputsOf(Instance& instance, const ParameterList& parameter
     return outputs;
 }
 
-/** All that is shown. */
+/** All displayed data. */
 struct Timing {
     Settings settings{};
     double end = 0;

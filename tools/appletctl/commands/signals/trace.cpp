@@ -18,7 +18,7 @@ namespace {
 using nlohmann::ordered_json;
 using Lines = std::vector<std::string>;
 
-/** Stands for the log of a command that does without an access. */
+/** Represents the log of a command without accesses. */
 constexpr const char* noAccess = "(no access to the design)";
 
 constexpr std::string_view accessKinds[] = {"set", "get", "write", "read"};
@@ -28,8 +28,8 @@ bool isOneOf(std::span<const std::string_view> words, std::string_view word) {
     return std::ranges::find(words, word) != words.end();
 }
 
-/** What a line of a log is. "trace set" prints what it has set between the accesses, other commands their own text
- *  above all of them. */
+/** The layout of a log line. "trace set" prints its assignments between the accesses, other commands print their
+ *  text above all accesses. */
 enum class LineKind { access, ofSet, text, none };
 
 LineKind kindOf(const std::string& line) {
@@ -43,7 +43,7 @@ LineKind kindOf(const std::string& line) {
     return isOfSet ? LineKind::ofSet : LineKind::text;
 }
 
-/** Throws UsageError for a line that "trace" does not write. */
+/** Throws UsageError for a line that "trace" would not write. */
 Lines accessesOfText(const std::string& text, const std::string& file) {
     Lines lines;
     std::istringstream stream(text);
@@ -67,7 +67,7 @@ Lines accessesOfText(const std::string& text, const std::string& file) {
 
 bool holdsNoAccess(const std::string& text) { return text.find(noAccess) != std::string::npos; }
 
-/** The accesses in a file that "trace" has written, as text or as JSON. */
+/** The accesses in a file written by "trace", as text or as JSON. */
 Lines accessesOfFile(const std::string& file) {
     const auto text = textOfFile(file);
     if (!text) throw UsageError(inQuotes(toUtf8(file.c_str())) + " is no file that can be read");
@@ -87,14 +87,14 @@ Lines accessesOfFile(const std::string& file) {
     return lines;
 }
 
-/** A line that only one side has. */
+/** A line that is only on one side. */
 struct OneSided {
     const char* side;
     std::size_t number; // in that side's log, from 1
     std::string line;
 };
 
-/** What is left of both when the longest sequence that both have is taken out. */
+/** The lines of both that are not in their longest common subsequence. */
 std::vector<OneSided> differencesOf(const Lines& a, const Lines& b) {
     std::size_t head = 0, tail = 0;
     while (head < a.size() && head < b.size() && a[head] == b[head])
@@ -142,7 +142,7 @@ Report traceRun(Context& context, bool isShownByCommand, const std::function<Rep
     for (const std::string& line : context.accesses())
         text += accessLine(line);
     if (text.empty()) text = forPerson(std::string("  ") + noAccess + '\n');
-    // What the command printed as it went is out already; the accesses, or the document, follow.
+    // Text that the command printed itself is already out; the accesses, or the document, follow.
     report.text = report.isPrinted ? text : report.text + text;
     report.isPrinted = false;
     return report;

@@ -1,4 +1,4 @@
-/** What a command does to the design of a virtual board. */
+/** Logs the accesses of a command to the design of a virtual board. */
 #ifndef APPLETCTL_COMMANDS_SIGNALS_TRACE_H
 #define APPLETCTL_COMMANDS_SIGNALS_TRACE_H
 
@@ -9,7 +9,8 @@
 
 namespace appletctl {
 
-/** The report of `run` with all accesses behind it: in the document, and in the text if it does not show them yet. */
+/** The report of `run` with all accesses appended: to the document, and to the text if it does not show them
+ *  yet. */
 Report traceRun(Context& context, bool isShownByCommand, const std::function<Report()>& run);
 
 } // namespace appletctl

@@ -1,4 +1,4 @@
-/** --wave INPUT=WAVE and --station-file FILE: what is connected to the virtual board. */
+/** --wave INPUT=WAVE and --station-file FILE: connections to the virtual board. */
 #ifndef APPLETCTL_COMMANDS_SIGNALS_WAVE_OPTION_H
 #define APPLETCTL_COMMANDS_SIGNALS_WAVE_OPTION_H
 
@@ -21,7 +21,7 @@ void addStation(CLI::App& command, Options& options);
 /** The station of --station, if it is given. Throws UsageError. */
 std::optional<StationFile> stationOf(const Options& options);
 
-/** Throws UsageError for what is no wave. */
+/** Throws UsageError for an invalid wave. */
 std::vector<WaveRequest> wavesOf(const Options& options);
 
 } // namespace appletctl
