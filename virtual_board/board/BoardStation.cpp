@@ -1,8 +1,8 @@
 #include "virtual_board/board/BoardStation.h"
 
 #include "vexo/fg_errors.h"
-#include "virtual_board/images/ImageFile.h"
 #include "virtual_board/board/numbers.h"
+#include "virtual_board/images/ImageFile.h"
 #include "virtual_board/tables/design_tables.h"
 #include "virtual_board/virtual_board.h"
 
