@@ -358,8 +358,8 @@ TEST_F(VirtualStation, InsertsTheImageOfAFile) {
     std::ofstream(path) << "P5\n1 1\n255\nx";
     EXPECT_EQ(setInt(point + "Insert", 1), FG_ERR_NOT_AVAILABLE); // no acquisition
     char words[64] = "";
-    EXPECT_EQ(BOARD(vboard_insert_trouble)(device, words, sizeof words),
-              static_cast<int>(std::strlen(words)));
+    const int length = BOARD(vboard_insert_trouble)(device, words, sizeof words);
+    EXPECT_EQ(length, static_cast<int>(std::strlen(words)));
     EXPECT_STREQ(words, "no acquisition runs that takes it");
     std::remove(path.c_str());
     EXPECT_EQ(setInt(point + "Insert", 1), FG_ERR_FILE_TYPE);

@@ -62,7 +62,7 @@ Holdings holdings() {
             sanitized || underValgrind ? 0 : mappings}; // they map memory of their own
 }
 
-/** Bytes that the process has allocated and not freed, without the allocator's caches. */
+/** Bytes that the process has allocated and not freed, and those that the allocator keeps for the thread. */
 std::size_t allocatedBytes() {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
     return __sanitizer_get_current_allocated_bytes();
@@ -79,15 +79,20 @@ template <typename Round> void expectSteady(int rounds, Round round) {
     for (int i = 0; i < settling; ++i)
         round(i);
     const Holdings before = holdings();
-    const std::size_t allocatedBefore = allocatedBytes();
-    for (int i = 0; i < rounds; ++i)
-        round(i);
-    const auto grown = static_cast<std::ptrdiff_t>(allocatedBytes() - allocatedBefore);
-    testing::Test::RecordProperty("grown", std::to_string(grown));
-    EXPECT_EQ(holdings(), before);
     // A block lost in each round is at least 16 bytes of each. The address sanitizer itself keeps 32 bytes for each
     // destructor that an unloaded library had registered; it reports lost blocks at the end of the program.
-    EXPECT_LT(grown, (underAddressSanitizer ? 512 : 12) * rounds) << "bytes in " << rounds << " rounds";
+    const std::ptrdiff_t most = std::ptrdiff_t{underAddressSanitizer ? 512 : 12} * rounds;
+    std::ptrdiff_t grown = most;
+    // Blocks that the allocator keeps for the thread may fill up in the first rounds; a lost block shows in all.
+    for (int attempt = 0; attempt < 2 && grown >= most; ++attempt) {
+        const std::size_t allocatedBefore = allocatedBytes();
+        for (int i = 0; i < rounds; ++i)
+            round(i);
+        grown = static_cast<std::ptrdiff_t>(allocatedBytes() - allocatedBefore);
+    }
+    testing::Test::RecordProperty("grown", std::to_string(grown));
+    EXPECT_EQ(holdings(), before);
+    EXPECT_LT(grown, most) << "bytes in " << rounds << " rounds";
 }
 
 /** Uses an object once: a refusal, so that the logging is bound too, and a value. */

@@ -121,7 +121,8 @@ def catches(process, number):
 def validator(name):
     """A validator of one schema, with the parts that it shares with others put into it."""
     schema = json.loads((SCHEMAS / f"{name}.schema.json").read_text().replace("common.schema.json#", "#"))
-    schema["$defs"] = json.loads((SCHEMAS / "common.schema.json").read_text())["$defs"]
+    common = json.loads((SCHEMAS / "common.schema.json").read_text())["$defs"]
+    schema["$defs"] = common | schema.get("$defs", {})
     jsonschema.Draft202012Validator.check_schema(schema)
     return jsonschema.Draft202012Validator(schema)
 
@@ -186,7 +187,7 @@ class EveryCommand(unittest.TestCase):
         page = (SCHEMAS.parent / "station-file.md").read_text()
         examples = re.findall(r"^```json file=.*\n((?:.*\n)*?)```$", page, flags=re.MULTILINE)
         self.assertEqual(len(examples), 2)
-        schema = jsonschema.Draft202012Validator(json.loads((SCHEMAS / "station.schema.json").read_text()))
+        schema = jsonschema.Draft202012Validator(json.loads((SCHEMAS / "station-file.schema.json").read_text()))
         for example in map(json.loads, examples):
             schema.validate(example)
             for path in (["camera"], ["belt", "profile", 0], ["belt", "encoder"], []):

@@ -20,7 +20,7 @@ constexpr int protocolVersion = 1;
 /** The standard streams of the client and its working folder, in this order. */
 constexpr std::size_t clientFiles = 4;
 
-/** The client's environment variables that its output depends on. */
+/** The client's environment variables that its output depends on. A message has those that are set. */
 constexpr std::array<const char*, 6> clientVariables = {"TERM",   "COLUMNS",  "NO_COLOR",
                                                         "LC_ALL", "LC_CTYPE", "LANG"};
 

@@ -36,8 +36,7 @@ json CommandClient::answerTo(const json& message, std::span<const int> descripto
 
 CommandEnd CommandClient::run(ClientCommand command) {
     for (const char* variable : clientVariables) {
-        const char* const value = std::getenv(variable);
-        command.environment[variable] = value != nullptr ? value : "";
+        if (const char* const value = std::getenv(variable)) command.environment[variable] = value;
     }
     const Descriptor folder(open(".", O_PATH | O_DIRECTORY | O_CLOEXEC));
     if (!folder)

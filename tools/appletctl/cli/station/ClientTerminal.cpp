@@ -18,11 +18,6 @@ namespace {
 constexpr int streams[] = {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO};
 constexpr std::size_t folderIndex = 3;
 
-std::string variable(const char* name) {
-    const char* const value = std::getenv(name);
-    return value != nullptr ? value : "";
-}
-
 /** Flushes the buffers, so that nothing of one client's streams is left for the next. */
 void emptyStreams() {
     std::cout.flush();
@@ -42,8 +37,13 @@ void become(const serve::ClientCommand& command) {
         dup2(command.files[static_cast<std::size_t>(stream)].number(), stream);
     if (fchdir(command.files[folderIndex].number()) != 0)
         throw Failure(std::string("the client's folder cannot be entered: ") + std::strerror(errno));
-    for (const auto& [name, value] : command.environment)
-        setenv(name.c_str(), value.c_str(), 1);
+    for (const char* name : serve::clientVariables) {
+        const auto found = command.environment.find(name);
+        if (found != command.environment.end())
+            setenv(name, found->second.c_str(), 1);
+        else
+            unsetenv(name);
+    }
 }
 
 /** The present streams, folder and environment. */
@@ -55,16 +55,11 @@ serve::ClientCommand present() {
     for (const auto& file : now.files)
         if (!file) throw Failure(std::string("the terminal cannot be handed over: ") + std::strerror(errno));
     for (const char* name : serve::clientVariables)
-        now.environment[name] = variable(name);
+        if (const char* const value = std::getenv(name)) now.environment[name] = value;
     return now;
 }
 
 } // namespace
-
-void prepareClientTerminals() {
-    for (const char* name : serve::clientVariables)
-        setenv(name, variable(name).c_str(), 1);
-}
 
 ClientTerminal::ClientTerminal(const serve::ClientCommand& command) : m_before(present()) {
     try {

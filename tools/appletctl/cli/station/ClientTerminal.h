@@ -7,12 +7,8 @@
 
 namespace appletctl {
 
-/** Reserves space in the environment for all variables of a client's terminal, so that they can be changed later
- *  while other threads read theirs. */
-void prepareClientTerminals();
-
 /** In its scope, the standard streams, the working folder and the environment of this process are the client's.
- *  Scopes may be nested. Only one thread may use the streams. */
+ *  Scopes may be nested. No other thread may use the streams or the environment. */
 class ClientTerminal {
 public:
     explicit ClientTerminal(const serve::ClientCommand& command);

@@ -178,7 +178,6 @@ Report serveStation(Context& context, const Words& words) {
     if (work.isRefused()) return std::move(work.report);
     const bool hasClock = work.instance.host()->isVirtual() && work.instance.device() != nullptr;
     if (hasClock && own.clock == "wall") work.instance.board().clock(work.instance.device(), own.factor);
-    prepareClientTerminals();
     Station station(context, place);
     report.document["process"] = getpid();
     report.isPrinted = true;

@@ -354,7 +354,7 @@ private:
 
     void finishLosses(CommandRun& work, const std::vector<std::int64_t>& before) {
         const std::vector<std::int64_t> after = lossesOf(work.instance);
-        auto& losses = m_report->document["losses"] = nlohmann::ordered_json::object();
+        auto losses = nlohmann::ordered_json::object();
         Table table;
         table.setTitles({"LOST", "TIMES", "WHAT IT IS", "WHAT HELPS"});
         for (std::size_t i = 0; i < after.size(); ++i) {
@@ -362,8 +362,10 @@ private:
             const std::int64_t count = after[i] - before[i];
             losses[kind.name] = count;
             table.addRow({kind.name, numberText(count), kind.what, kind.cure});
-            if (count > 0) addLoss(work, kind, count);
         }
+        m_report->document["losses"] = losses;
+        for (std::size_t i = 0; i < after.size(); ++i)
+            if (after[i] > before[i]) addLoss(work, lossKinds()[i], after[i] - before[i]);
         if (m_own.wantsLosses && !m_report->isVerbatim)
             m_report->text += '\n' + table.render(Style::forStream(STDOUT_FILENO));
     }
