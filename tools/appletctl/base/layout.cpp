@@ -16,8 +16,9 @@ namespace {
 std::size_t secondColumn(std::string_view line) {
     const std::size_t first = line.find_first_not_of(' ');
     if (first == std::string_view::npos) return std::string_view::npos;
-    const std::size_t gap = line.find("  ", first);
-    const std::size_t second = gap == std::string_view::npos ? gap : line.find_first_not_of(' ', gap);
+    const std::size_t blanks = line.find("  ", first);
+    const std::size_t second =
+        blanks == std::string_view::npos ? blanks : line.find_first_not_of(' ', blanks);
     return second == std::string_view::npos ? second : displayWidth(line.substr(0, second));
 }
 

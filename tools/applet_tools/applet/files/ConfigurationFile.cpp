@@ -74,7 +74,8 @@ void ConfigurationFile::Section::add(std::size_t begin) {
     std::uint32_t& number = m_slots[slotOf(keyAt(begin))];
     if (number != 0) {
         Place& first = m_places[number - 1];
-        if (++first.count == 0) --first.count;
+        constexpr std::uint64_t mostCounted = (std::uint64_t{1} << 24) - 1;
+        if (first.count < mostCounted) first.count = first.count + 1;
         return;
     }
     constexpr std::uint64_t placeBits = (std::uint64_t{1} << 40) - 1; // a terabyte
