@@ -75,7 +75,7 @@ void ConfigurationFile::Section::add(std::size_t begin) {
     if (number != 0) {
         Place& first = m_places[number - 1];
         constexpr std::uint64_t mostCounted = (std::uint64_t{1} << 24) - 1;
-        if (first.count < mostCounted) first.count = first.count + 1;
+        if (first.count < mostCounted) first.count = (first.count + 1) & mostCounted;
         return;
     }
     constexpr std::uint64_t placeBits = (std::uint64_t{1} << 40) - 1; // a terabyte
