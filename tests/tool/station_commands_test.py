@@ -73,7 +73,7 @@ class Stations(unittest.TestCase):
     def test_answers_as_without_a_station(self):
         pathlib.Path("a.scenario").write_text("set FG_WIDTH=2048\nexpect value FG_WIDTH == 2048\nset FG_WIDTH=3\n")
         pathlib.Path("a.mcf").write_text("[Parameter]\nFG_WIDTH=1022;\n")
-        for line in ["list -g roi", "--json get FG_WIDTH FG_VANTAGEPOINT", "set FG_WIDTH=1023", "get FG_WIDHT",
+        for line in ["list width", "--json get FG_WIDTH FG_VANTAGEPOINT", "set FG_WIDTH=1023", "get FG_WIDHT",
                      "--json why FG_WIDTH=20000", "limits FG_WIDTH --with FG_XOFFSET=64", "plan FG_WIDTH=2048 --plain",
                      "info --json", "describe FG_VANTAGEPOINT", "--json check a.mcf", "lint FG_LINEEXPOSURE=150",
                      "trace set FG_WIDTH=2048", "grab --hash FG_CAMERASIMULATOR_ENABLE=1 FG_HEIGHT=8", "list --offline",
@@ -104,6 +104,20 @@ class Stations(unittest.TestCase):
         self.assertEqual(status("line")["process"], process)
         exits = [entry["exitCode"] for entry in json.loads(run("--json", "station", "log", "line")[1])["commands"]]
         self.assertEqual(exits.count(130), 3)
+
+    def test_leaves_a_command_alone_that_others_interrupt(self):
+        self.serve("line")
+        watch = subprocess.Popen([APPLETCTL, "--station", "line", "--plain", "watch", "FG_WIDTH", "--interval", "300",
+                                  "--count", "4"], stdout=subprocess.PIPE, text=True)
+        wait_for(lambda: status("line")["command"] is not None)
+        self.assertEqual(on("line", "list", "FG_WIDTH")[0], 0)
+        waiting = subprocess.Popen([APPLETCTL, "--station", "line", "set", "FG_WIDTH=512"])
+        wait_for(lambda: status("line")["waiting"] == 1)
+        waiting.send_signal(signal.SIGINT)
+        self.assertEqual(waiting.wait(LONGEST), 130)
+        self.assertEqual(watch.communicate(timeout=LONGEST)[0].count("FG_WIDTH"), 4)
+        self.assertEqual(watch.returncode, 0)
+        self.assertEqual(on("line", "get", "FG_WIDTH")[1], "FG_WIDTH = 1024 pixel\n")
 
     def test_takes_the_place_of_one_that_was_killed(self):
         os.kill(self.serve("line", "FG_WIDTH=2048"), signal.SIGKILL)

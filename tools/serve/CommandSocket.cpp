@@ -219,7 +219,12 @@ void CommandSocket::enqueue(const std::shared_ptr<Connection>& client, const jso
 
 void CommandSocket::interrupt(const std::shared_ptr<Connection>& client) {
     const std::lock_guard guard(m_mutex);
-    std::erase_if(m_waiting, [&](const Task& task) { return task.client == client; });
+    constexpr int interrupted = 130;
+    std::erase_if(m_waiting, [&](const Task& task) {
+        if (task.client != client) return false;
+        applet_tools::sendMessage(client->socket.number(), {{"exit", interrupted}, {"over", false}});
+        return true;
+    });
     for (Task& task : m_running) {
         if (task.client != client || task.isInterrupted) continue;
         task.isInterrupted = true;

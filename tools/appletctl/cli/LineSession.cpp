@@ -107,11 +107,11 @@ ExitCode LineSession::run(const Request& request, const Options& options, const 
 }
 
 ExitCode LineSession::runInPause(const Request& request) {
-    const Options outer = m_context.options();
+    const std::shared_ptr<const Options> outer = m_context.shareOptions();
     setOutputMode(request.options);
     const ExitCode code = show(execute(request, m_context), nameOf(request), request.options, "");
     m_context.setOptions(outer);
-    setOutputMode(outer);
+    setOutputMode(*outer);
     return code;
 }
 

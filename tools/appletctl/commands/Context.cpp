@@ -7,7 +7,7 @@ namespace appletctl {
 
 Context::Context(const Options& options, Scratch scratch, const Program& program)
     : LiveSession(options, scratch, program.jobs, [] { return std::make_unique<Progress>("working"); })
-    , m_options(options)
+    , m_options(std::make_shared<const Options>(options))
     , m_program(program) {}
 
 bool Context::waitUntil(const Interruption& interruption, Interruption::Clock::time_point due) const {

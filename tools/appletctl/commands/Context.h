@@ -7,6 +7,7 @@
 #include "appletctl/base/Options.h"
 
 #include <functional>
+#include <memory>
 #include <span>
 #include <string>
 #include <utility>
@@ -29,9 +30,12 @@ public:
     explicit Context(const Options& options, Scratch scratch = Scratch::none, const Program& program = {});
 
     const Program& program() const { return m_program; }
-    const Options& options() const { return m_options; }
-    /** Sets the options of the next command. Applet and board must be those of the first options. */
-    void setOptions(const Options& options) { m_options = options; }
+    const Options& options() const { return *m_options; }
+    /** Sets the options of the next command. Their board and applet options must equal those of the first command. */
+    void setOptions(const Options& options) { m_options = std::make_shared<const Options>(options); }
+    /** The present options, which stay where they are as long as somebody shares them: a running command refers to its own. */
+    std::shared_ptr<const Options> shareOptions() const { return m_options; }
+    void setOptions(std::shared_ptr<const Options> options) { m_options = std::move(options); }
 
     /** Called by pause(); empty at first. */
     void setPause(std::function<void()> pause) { m_pause = std::move(pause); }
@@ -44,7 +48,7 @@ public:
     bool waitUntil(const Interruption& interruption, Interruption::Clock::time_point due) const;
 
 private:
-    Options m_options;
+    std::shared_ptr<const Options> m_options;
     Program m_program;
     std::function<void()> m_pause;
 };

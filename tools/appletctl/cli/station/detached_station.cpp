@@ -4,6 +4,7 @@
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/words.h"
+#include "appletctl/base/output.h"
 #include "serve/CommandClient.h"
 
 #include <fcntl.h>
@@ -15,6 +16,7 @@
 #include <csignal>
 #include <cstring>
 #include <fstream>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -78,6 +80,18 @@ pid_t spawn(Words words, const std::string& log) {
     return process;
 }
 
+/** Throws what the started process has printed, by its exit code. */
+[[noreturn]] void throwReason(std::string reason, int exitCode) {
+    const std::string_view prefix = "appletctl: ";
+    if (reason.starts_with(prefix)) reason.erase(0, prefix.size());
+    while (reason.ends_with('\n'))
+        reason.pop_back();
+    reason = "the station did not start: " + (reason.empty() ? "it gave no reason" : reason);
+    if (exitCode == exitUsage) throw UsageError(reason);
+    if (exitCode == exitUnavailable) throw Unavailable(reason);
+    throw Failure(reason);
+}
+
 bool answers(const serve::StationPlace& place, pid_t process) {
     try {
         return serve::CommandClient(place).ask("status").at("process") == process;
@@ -102,11 +116,10 @@ pid_t startDetached(const serve::StationPlace& place) {
         using namespace std::chrono_literals;
         const bool goesOn = interruption.waitUntil(Interruption::Clock::now() + 20ms);
         if (!goesOn) kill(process, SIGTERM);
-        if (waitpid(process, nullptr, goesOn ? WNOHANG : 0) == 0) continue;
-        std::string reason = textOfFile(place.log).value_or("");
-        while (reason.ends_with('\n'))
-            reason.pop_back();
-        throw Failure("the station did not start: " + (reason.empty() ? "it gave no reason" : reason));
+        int status = 0;
+        if (waitpid(process, &status, goesOn ? WNOHANG : 0) == 0) continue;
+        throwReason(textOfFile(place.log).value_or(""),
+                    WIFEXITED(status) ? WEXITSTATUS(status) : exitRefused);
     }
     return process;
 }

@@ -162,7 +162,7 @@ std::string usageText(const std::string& name) {
 
 Report serveStation(Context& context, const Words& words) {
     const serve::StationPlace place = serve::placeOf(stationNameOf(words));
-    const auto& own = context.options().of<ServeOptions>();
+    const ServeOptions own = context.options().of<ServeOptions>(); // which change below
     Report report;
     report.document["station"] = place.name;
     if (own.isDetached) {

@@ -410,6 +410,8 @@ private:
 
 Report grabPictures(Context& context, const Words& words) {
     requireBoard(context.options(), "grab");
+    if (context.options().look)
+        throw UsageError("'grab' starts an acquisition, and --look only looks: leave --look out");
     return Grab(context, words).run();
 }
 
