@@ -10,6 +10,7 @@
 #include <array>
 #include <cmath>
 #include <ctime>
+#include <optional>
 
 namespace appletctl {
 namespace {
@@ -26,6 +27,16 @@ std::string ageText(double seconds) {
     return numberText(std::floor(seconds / hour)) + " h";
 }
 
+/** Nothing for one that was killed, also when that happens meanwhile; the next station of that name replaces it. */
+std::optional<nlohmann::json> statusOf(const serve::StationPlace& place) {
+    if (!serve::isRunning(place)) return std::nullopt;
+    try {
+        return serve::CommandClient(place).ask("status");
+    } catch (const Unavailable&) {
+        return std::nullopt;
+    }
+}
+
 Report listStations(Context&, const Words&) {
     Report report;
     auto& rows = report.document["stations"] = nlohmann::ordered_json::array();
@@ -33,16 +44,15 @@ Report listStations(Context&, const Words&) {
     table.setTitles({"STATION", "PROCESS", "BOARD", "CLOCK", "RUNS FOR", "COMMANDS", "NOW"});
     table.setDispensable({"COMMANDS", "RUNS FOR", "CLOCK", "PROCESS"});
     for (const std::string& name : serve::stationNames()) {
-        const serve::StationPlace place = serve::placeOf(name);
-        if (!serve::isRunning(place)) continue; // it was killed; the next station of that name replaces it
-        const nlohmann::json status = serve::CommandClient(place).ask("status");
-        const nlohmann::json& command = status.at("command");
-        table.addRow({name, numberText(status.at("process").get<int>()),
-                      status.at("board").get<std::string>(), status.at("clock").get<std::string>(),
-                      ageText(status.at("seconds").get<double>()),
-                      numberText(status.at("commands").get<std::uint64_t>()),
+        const std::optional<nlohmann::json> status = statusOf(serve::placeOf(name));
+        if (!status) continue;
+        const nlohmann::json& command = status->at("command");
+        table.addRow({name, numberText(status->at("process").get<int>()),
+                      status->at("board").get<std::string>(), status->at("clock").get<std::string>(),
+                      ageText(status->at("seconds").get<double>()),
+                      numberText(status->at("commands").get<std::uint64_t>()),
                       command.is_null() ? "-" : printable(command.get<std::string>())});
-        rows.emplace_back(status);
+        rows.emplace_back(*status);
     }
     report.text = rows.empty() && !isPlainOutput() ? "No station runs. 'appletctl serve' starts one.\n"
                                                    : table.render(Style::forStream(STDOUT_FILENO));
