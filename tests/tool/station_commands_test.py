@@ -77,7 +77,7 @@ class Stations(unittest.TestCase):
                      "--json why FG_WIDTH=20000", "limits FG_WIDTH --with FG_XOFFSET=64", "plan FG_WIDTH=2048 --plain",
                      "info --json", "describe FG_VANTAGEPOINT", "--json check a.mcf", "lint FG_LINEEXPOSURE=150",
                      "trace set FG_WIDTH=2048", "grab --hash FG_CAMERASIMULATOR_ENABLE=1 FG_HEIGHT=8", "list --offline",
-                     "--color always list FG_WIDTH", "nonsense", "run a.scenario", "report FG_WIDTH=2048"]:
+                     "--color always list FG_WIDTH", "nonsense", "run a.scenario", "timing FG_LINEEXPOSURE=60"]:
             with self.subTest(line):
                 self.serve("same")
                 words = line.split()
