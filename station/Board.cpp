@@ -16,7 +16,7 @@ const char* nameOf(Parameter parameter) {
 }
 
 const char* nameOf(Event event) {
-    // Without a destructor: a thread may let time move while the process ends.
+    // Trivially destructible: a thread may still advance time during the exit of the process.
     struct Name {
         char text[96];
     };

@@ -1,4 +1,4 @@
-/** All that the station knows of the board that it belongs to. */
+/** The station's interface to its board. */
 #ifndef STATION_BOARD_H
 #define STATION_BOARD_H
 
@@ -10,7 +10,7 @@
 
 namespace station {
 
-/** A parameter of the design. */
+/** The parameters of the design that the station uses. */
 enum class Parameter : std::uint8_t {
 #define PARAMETER(name, designName) name,
 #include "station/parameters.def"
@@ -22,33 +22,33 @@ inline constexpr std::size_t parameterCount = 0
 #undef PARAMETER
     ;
 
-/** The design's names, such as "Device1_Process0_Buffer_0_XLength". */
+/** The name in the design, such as "Device1_Process0_Buffer_0_XLength". */
 const char* nameOf(Parameter parameter);
 const char* nameOf(Event event);
 
 enum class Colour : std::uint8_t { red, green, blue };
 inline constexpr std::size_t colourCount = 3;
-/** Entries of a lookup table. */
+/** Maximum number of entries of a lookup table. */
 inline constexpr std::size_t tableSize = 16384;
 
 /**
- * The values that the board holds. The station reads them when its time moves, and writes the states back when it has
- * moved. It calls no function of the board from elsewhere, and never two at a time.
+ * The values that the board holds. The station calls these functions only from the thread that is calling the station:
+ * it reads the parameters before time advances, and publishes the states afterwards.
  */
 class Board {
 public:
     virtual ~Board() = default;
-    /** A number that is another one after each change of a parameter. */
+    /** Changes with every change of a parameter. */
     virtual std::uint64_t revision() const = 0;
-    /** The same for the lookup tables. */
+    /** Changes with every change of a lookup table. */
     virtual std::uint64_t tableRevision() const = 0;
-    /** The present value of any parameter; integers as they are, signed ones with their sign. */
+    /** The current value of a parameter. Signed integers keep their sign. */
     virtual double value(Parameter parameter) const = 0;
-    /** The entries of a lookup table; those past the end are 0. */
+    /** The entries of a lookup table; missing entries are 0. */
     virtual std::span<const std::uint32_t> table(Colour colour) const = 0;
-    /** The station changes a state. */
+    /** Sets a parameter that shows a state of the station. */
     virtual void publish(Parameter parameter, double value) = 0;
-    /** An event came so many times. */
+    /** Reports that an event occurred `times` times. */
     virtual void raise(Event event, std::uint64_t times) = 0;
 };
 

@@ -25,7 +25,7 @@ HostMemory::HostMemory(std::size_t frames, std::uint64_t frameBytes, Kind kind)
 void HostMemory::remove(std::map<std::int64_t, Picture>::iterator picture) {
     const std::shared_ptr<Pixels> pixels = std::move(picture->second.pixels);
     m_pictures.erase(picture);
-    const bool isUnused = pixels.use_count() == 1; // no thread draws them, and no caller has them
+    const bool isUnused = pixels.use_count() == 1; // no thread renders them, and no caller holds them
     if (isUnused && m_spare.size() < mostSpare) m_spare.push_back(pixels->takeRoom());
 }
 
@@ -35,7 +35,7 @@ void HostMemory::deliver(std::shared_ptr<const Record> record) {
     const std::int64_t picture = record->picture;
     try {
         m_pictures[picture].record = std::move(record);
-    } catch (const std::bad_alloc&) { // as if it were overwritten
+    } catch (const std::bad_alloc&) { // the picture is lost, as if it had been overwritten
     }
 }
 

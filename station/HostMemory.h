@@ -1,4 +1,4 @@
-/** The memory of the host that pictures go to. */
+/** The host memory that receives the pictures. */
 #ifndef STATION_HOST_MEMORY_H
 #define STATION_HOST_MEMORY_H
 
@@ -16,14 +16,15 @@
 
 namespace station {
 
-/** The bytes of a picture. They are made by the first thread that asks. */
+/** The bytes of a picture, rendered once, by the first thread that asks for them. */
 class Pixels {
 public:
     explicit Pixels(std::vector<std::uint8_t> room) : m_bytes(std::move(room)) {}
-    /** Any number of threads at a time; one of them draws. */
+    /** Renders the bytes unless that is done already. Thread-safe: one thread renders, the others wait for it. */
     void draw(const Record& record, Renderer& renderer);
-    /* After that. */
+    /** The bytes; valid after draw(). */
     std::span<const std::uint8_t> bytes() const { return m_bytes; }
+    /** Takes the allocated memory, for another picture. */
     std::vector<std::uint8_t> takeRoom() { return std::move(m_bytes); }
 
 private:
@@ -33,8 +34,8 @@ private:
 };
 
 /**
- * A number of frames of one size. The bytes of a picture are made when somebody asks for them, so a picture that is
- * overwritten before costs none. The caller sees to it that one thread at a time uses it, but for draw().
+ * A fixed number of frames of equal size. The bytes of a picture are rendered on request, so a picture that is
+ * overwritten unread is never rendered. Not thread-safe, except for draw().
  */
 class HostMemory final : public Destination {
 public:
@@ -44,48 +45,48 @@ public:
     };
     enum class Result : std::uint8_t { ok, gone, tooLarge, noMemory };
 
-    /** A picture whose bytes are made. It goes where it came from: while no other thread uses the memory. */
+    /** A picture that is being rendered. Destroy it while no other thread uses the memory. */
     struct Drawing {
         std::shared_ptr<const Record> record;
         std::shared_ptr<Pixels> pixels;
         std::unique_ptr<Renderer> renderer;
     };
 
-    /** A memory of at least one frame. */
+    /** Creates a memory with at least one frame. */
     HostMemory(std::size_t frames, std::uint64_t frameBytes, Kind kind);
 
-    /** From now on there are so many; none are possible. Pictures that are there stay. */
+    /** Changes the number of frames, which may be 0. Stored pictures are kept. */
     void setFrames(std::size_t frames) { m_frames = frames; }
     std::uint64_t frameBytes() const { return m_frameBytes; }
 
     bool hasRoom() const override { return m_kind == Kind::ring || m_pictures.size() < m_frames; }
-    /** A picture for which there is no memory left is gone. */
+    /** Stores a picture. It is lost if allocation fails. */
     void deliver(std::shared_ptr<const Record> record) override;
-    /** Forgets all pictures. */
+    /** Removes all pictures. */
     void clear();
 
-    /** A renderer of a picture that was drawn before, or a new one; to be given back. */
+    /** A spare renderer, or a new one. Return it with giveBack(). */
     std::unique_ptr<Renderer> takeRenderer();
     void giveBack(std::unique_ptr<Renderer> renderer);
 
-    /** The record of a picture; null if it is not there. */
+    /** The record of a picture, or null if the picture is not in the memory. */
     std::shared_ptr<const Record> record(std::int64_t picture) const;
-    /** Makes the bytes of a picture and gives them: begin, draw, end. */
+    /** Renders a picture and returns its bytes: begin, draw and end in one call. */
     Result bytes(std::int64_t picture, std::span<const std::uint8_t>& bytes);
-    /** A picture that is larger than a frame has no bytes. */
+    /** Prepares the rendering of a picture. Returns tooLarge if it is larger than a frame. */
     Result begin(std::int64_t picture, Drawing& drawing);
-    /** Other threads may use the memory meanwhile, and draw too. */
+    /** Renders the picture. Other threads may use the memory meanwhile, and render too. */
     static Result draw(Drawing& drawing);
-    /** Gives the bytes, unless the picture has gone meanwhile. They stay until it is overwritten, released or cleared;
-     *  those that were given last stay also when it is overwritten. */
+    /** Returns the bytes, or gone if the picture was removed meanwhile. They are valid until the picture is overwritten,
+     *  released or cleared. The bytes that were returned last remain valid when their picture is overwritten. */
     Result end(Drawing& drawing, std::span<const std::uint8_t>& bytes);
-    /** Gives the frame of a picture back. False if it is not there. */
+    /** Removes a picture and frees its frame. False if the picture is not in the memory. */
     bool release(std::int64_t picture);
 
 private:
     struct Picture {
         std::shared_ptr<const Record> record;
-        std::shared_ptr<Pixels> pixels; // null until they are asked for
+        std::shared_ptr<Pixels> pixels; // null until they are requested
     };
     void remove(std::map<std::int64_t, Picture>::iterator picture);
 
@@ -95,8 +96,8 @@ private:
     std::uint64_t m_frameBytes;
     Kind m_kind;
     std::map<std::int64_t, Picture> m_pictures;
-    std::shared_ptr<Pixels> m_last; // that were given
-    // What is not used at the moment: room for bytes, and renderers with their tables.
+    std::shared_ptr<Pixels> m_last; // returned last
+    // For reuse: allocated memory for bytes, and renderers with their tables.
     std::vector<std::vector<std::uint8_t>> m_spare;
     std::vector<std::unique_ptr<Renderer>> m_renderers;
 };

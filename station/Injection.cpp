@@ -26,7 +26,8 @@ void Injection::endLine() {
 std::shared_ptr<const Raster> Injection::endFrame() {
     endLine();
     if (m_raster.height == 0) return nullptr;
-    if (std::size_t{m_raster.width} * m_raster.height > Raster::mostPixels) { // filled up past the end
+    if (std::size_t{m_raster.width} * m_raster.height >
+        Raster::mostPixels) { // the padding exceeded the limit
         --m_raster.height;
         m_raster.components.resize(std::size_t{3} * m_raster.width * m_raster.height);
     }

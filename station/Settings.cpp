@@ -8,11 +8,11 @@ namespace station {
 namespace {
 
 constexpr std::uint32_t widest = 16384;
-constexpr std::uint32_t thinnedSequence = 2000; // cycles in which so many are active
+constexpr std::uint32_t thinnedSequence = 2000; // cycles of which simulatorActivePixel are active
 constexpr std::uint32_t outBits[] = {8, 10, 12, 14, 16};
 constexpr std::uint64_t fastestDma = std::uint64_t{1} << 40;
 
-/** The values of a board in the kinds that the design has. */
+/** Reads values of a board as the types of the design. */
 class Reader {
 public:
     explicit Reader(const Board& board) : m_board(board) {}
@@ -21,7 +21,7 @@ public:
     /** A count of at least one. */
     std::uint32_t number(Parameter parameter) const { return std::max(count(parameter), 1U); }
     bool isOn(Parameter parameter) const { return count(parameter) == 1; }
-    /** What is beyond the last choice is the first. */
+    /** A choice from 0 to `last`; a larger value becomes 0. */
     std::uint8_t choice(Parameter parameter, std::uint32_t last) const {
         const std::uint32_t value = count(parameter);
         return static_cast<std::uint8_t>(value <= last ? value : 0);
@@ -33,7 +33,7 @@ public:
     Route route(Parameter select, Parameter invert) const {
         return {choice(select, signalCount - 1), isOn(invert)};
     }
-    /** An input; what is none is low. */
+    /** The number of an input; inputCount, which is always low, if there is no such input. */
     std::uint8_t input(Parameter parameter) const {
         return static_cast<std::uint8_t>(std::min(count(parameter), std::uint32_t{inputCount}));
     }
@@ -60,7 +60,7 @@ Simulator::Settings simulatorOf(const Reader& board) {
     settings.lines = board.number(Parameter::simulatorImageHeight);
     settings.activeLines = std::min(board.count(Parameter::simulatorFrameGap), settings.lines);
     if (board.isOn(Parameter::simulatorPixelClockMode)) {
-        // Half a tick less than the sequence, but never less than a line takes.
+        // Half a tick shorter than the sequence, but not shorter than a line.
         const std::uint64_t halves = std::uint64_t{2} * board.number(Parameter::simulatorSequenceLength) - 1;
         settings.periodNumerator = std::max(halves, std::uint64_t{2} * settings.cycles);
         settings.periodDenominator = 2;
@@ -119,7 +119,7 @@ ImageTrigger::Settings triggerOf(const Reader& board) {
 
 Buffer::Settings bufferOf(const Reader& board, std::uint64_t bytesPerSecond) {
     const std::uint32_t addressWidth = std::min(board.count(Parameter::ramAddressWidth), 40U);
-    const double linkRate = board.value(Parameter::linkSpeed) * 1073741824.0; // GB of 2^30
+    const double linkRate = board.value(Parameter::linkSpeed) * 1073741824.0; // GB are 2^30 bytes here
     std::uint64_t rate = 0;
     if (linkRate >= 1)
         rate = linkRate < static_cast<double>(fastestDma) ? static_cast<std::uint64_t>(linkRate) : fastestDma;
@@ -149,7 +149,7 @@ Layout layoutOf(const Reader& board) {
     return layout;
 }
 
-/** In 1/1024, halves up. */
+/** A gain in units of 1/1024, rounded half up. */
 std::uint32_t gainOf(double factor) {
     const double gain = factor * 1024 + 0.5;
     if (!(gain >= 0)) return 0;

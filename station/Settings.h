@@ -1,4 +1,4 @@
-/** From the values of the board to what engine and renderer are set to. What is out of range is clamped here. */
+/** Converts the values of the board to the settings of engine and renderer, clamped to their limits. */
 #ifndef STATION_SETTINGS_H
 #define STATION_SETTINGS_H
 
@@ -12,16 +12,18 @@
 
 namespace station {
 
-/** Lines of output, in the order of the crossbar's parameters: camera trigger, eight GPO, two front GPO. */
+/** Number of outputs. Order, as that of the crossbar's parameters: camera trigger, eight GPO, two front GPO. */
 inline constexpr std::size_t outputCount = 11;
 
-/** What a value is as a count: not a number and negative become 0, what is too large the largest. */
+/** Converts a value to an unsigned integer. NaN and negative values become 0; values that are too large, the maximum. */
 std::uint32_t countOf(double value);
 
-/** All but the tables and the picture settings, which are shared. `bytesPerSecond`: of the DMA, 0: that of the link. */
+/** Everything except tables, picture settings and view, which are shared. `bytesPerSecond` is the rate of the DMA;
+ *  0: that of the link. */
 EngineSettings readEngineSettings(const Board& board, std::uint64_t bytesPerSecond);
 PictureSettings readPictureSettings(const Board& board);
 Tables readTables(const Board& board);
+/** The signal that an output is routed to. A constant low one if there is no such output. */
 Route readOutput(const Board& board, std::size_t output);
 
 } // namespace station

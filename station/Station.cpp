@@ -158,7 +158,7 @@ bool Station::setBelt(const BeltSetup& belt) {
     const auto isTooFast = [&](std::int32_t speed) {
         constexpr std::uint64_t thousandSteps = std::uint64_t{Wave::fastestEncoder} / 1000;
         return std::uint64_t(std::abs(std::int64_t{speed})) >
-               thousandSteps * belt.step; // nanometres are thousandths
+               thousandSteps * belt.step; // speed in micrometres, step in nanometres
     };
     for (const SpeedPiece& piece : belt.pieces)
         if (hasEncoder && (isTooFast(piece.from) || isTooFast(piece.to))) return false;
@@ -291,7 +291,7 @@ void Station::publishReady() {
                         isInputOn(static_cast<Raster::Point>(i)) && m_engine.buffer().canInsert() ? 1 : 0);
 }
 
-/** Place and value of the last pixel of the source. */
+/** Publishes position and value of the last pixel of the source. */
 void Station::publishLastLine() {
     const SourceLine& line = m_engine.lastLine();
     std::uint32_t x = std::min(line.cycles, Raster::widest / 32) * 32 - 1;
@@ -310,10 +310,10 @@ void Station::publishLastLine() {
     m_board.publish(Parameter::cameraDebugValue, value);
 }
 
-/** Place and value of the last pixel that passed a debug point with its output on. */
+/** Publishes position and value of the last pixel at the debug points that have their output enabled. */
 void Station::publishMonitors() {
     const std::uint64_t lines = m_engine.linesEnded();
-    const bool isCameraOn = (debugMode(Raster::Point::camera) & 3U) == 2; // lines of the source pass it
+    const bool isCameraOn = (debugMode(Raster::Point::camera) & 3U) == 2; // output on, input off
     if (isCameraOn && lines != m_monitoredLines) {
         publishLastLine();
     }

@@ -163,8 +163,9 @@ enum {
 /** Makes time follow the wall clock, `factor` times as fast (0.001 to 1000), or makes it stepped again from
  *  its current value (0). With the clock, each access of the board and each of these functions first advances
  *  time, and a wait for a picture sleeps; other threads may use the board meanwhile. Time lags if the machine
- *  is too slow: an access does at most some hundredths of a second of work. A wait follows a change of the
- *  clock. VBOARD_UNKNOWN: a null board, or another factor. vboard_reset makes time stepped. */
+ *  is too slow: an access does at most some hundredths of a second of work, and at least as long without any
+ *  follows it. What then lags by more than a second of the clock is not made up. A wait follows a change of
+ *  the clock. VBOARD_UNKNOWN: a null board, or another factor. vboard_reset makes time stepped. */
 int vboard_clock(LOOMdevice* board, double factor);
 /** Result of vboard_advance while time follows the wall clock. */
 #define VBOARD_NOT_STEPPED UINT64_MAX

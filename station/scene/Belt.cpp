@@ -8,7 +8,7 @@ namespace {
 constexpr std::int64_t unitsOfNanometre = 2 * static_cast<std::int64_t>(ticksPerSecond) / 1000;
 constexpr std::int64_t farthest = std::int64_t{1} << 62; // nanometres
 
-/** The first tick after `low`, up to `high`, for which the condition holds; it holds for `high`. */
+/** The first tick after `low` for which the condition holds. It must hold for `high`. */
 template <typename Condition> Tick firstTick(Tick low, Tick high, Condition holds) {
     while (high - low > 1) {
         const Tick middle = low + (high - low) / 2;
@@ -78,7 +78,7 @@ std::vector<Belt::Stretch> Belt::stretches() const {
 }
 
 std::vector<Edge> Belt::barrier(const std::vector<BeltObject>& objects, std::int64_t ahead) const {
-    std::vector<std::int64_t> borders; // places of the belt at which the level changes, from low on
+    std::vector<std::int64_t> borders; // places of the belt at which the level changes, initially low
     for (const BeltObject& object : mergedObjects(objects)) {
         borders.push_back(object.place - ahead);
         borders.push_back(object.place + object.length - ahead);

@@ -1,10 +1,10 @@
-/** The belt below the camera. Its place drives the encoder, the light barrier and the scene. */
+/** The belt below the camera. Its position, called place, drives the encoder, the light barrier and the scene. */
 #ifndef STATION_SCENE_BELT_H
 #define STATION_SCENE_BELT_H
 
-#include "station/timing/Signals.h"
-#include "station/timing/Tick.h"
-#include "station/timing/Wave.h"
+#include "station/signals/Signals.h"
+#include "station/signals/Tick.h"
+#include "station/signals/Wave.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -12,27 +12,27 @@
 
 namespace station {
 
-/** Something that lies on the belt. In nanometres; the camera sees its front when the belt has moved to `place`. */
+/** An object on the belt, in nanometres. The camera sees its front when the belt is at `place`. */
 struct BeltObject {
     std::int64_t place = 0;
     std::int64_t length = 0;
 };
 
-/** Sorted, without those of no length; what overlaps or touches becomes one. */
+/** Sorts the objects, removes those without length, and merges those that overlap or touch. */
 std::vector<BeltObject> mergedObjects(std::vector<BeltObject> objects);
 
 class Belt {
 public:
-    /** Edges of the light barrier; its level stays after the last one. */
+    /** Maximum number of edges of the light barrier. Its level does not change after the last one. */
     static constexpr std::size_t mostEdges = 65536;
 
-    /** It is at place 0 at `start`. Speeds are micrometres a second; what is beyond the limits of a wave is clamped. */
+    /** A belt at place 0 at the tick `start`. Speeds are micrometres per second, clamped to the limits of a wave. */
     Belt(Tick start, const std::vector<SpeedPiece>& pieces);
 
     Tick start() const { return m_start; }
-    /** In nanometres, rounded down. */
+    /** The place in nanometres, rounded down. */
     std::int64_t place(Tick tick) const;
-    /** Levels of a light barrier, `ahead` nanometres before the camera: high while an object is in it. */
+    /** The edges of a light barrier `ahead` nanometres before the camera: high while an object is in the barrier. */
     std::vector<Edge> barrier(const std::vector<BeltObject>& objects, std::int64_t ahead) const;
 
 private:
@@ -40,10 +40,10 @@ private:
     __extension__ typedef __int128 Place;
     struct Piece {
         Tick begin;
-        Place place; // at its begin
+        Place place; // at `begin`
         SpeedPiece speed;
     };
-    /** A stretch of time in which it does not turn; both ends included. */
+    /** A span of time, both ends included, in which the belt does not reverse. */
     struct Stretch {
         Tick begin, end;
     };
@@ -51,7 +51,7 @@ private:
     std::vector<Stretch> stretches() const;
 
     Tick m_start;
-    std::vector<Piece> m_pieces; // the last has no end
+    std::vector<Piece> m_pieces; // not empty; the last one has no end
 };
 
 } // namespace station

@@ -12,7 +12,7 @@ void Camera::attach(const Settings& settings, Tick from) {
     restart(from);
 }
 
-/** Nothing is exposed. In free run the first exposure begins now. */
+/** Aborts the exposure. In free run the next one begins at once, or after the line in transfer. */
 void Camera::restart(Tick from) {
     m_isExposing = false;
     m_next = never;

@@ -1,10 +1,10 @@
-/** A line-scan camera at the port, as far as its lines go: when they come, and what each of them is. */
+/** A line-scan camera at the port: when its lines start, and the exposure of each. Pixels are made elsewhere. */
 #ifndef STATION_SCENE_CAMERA_H
 #define STATION_SCENE_CAMERA_H
 
 #include "station/scene/Belt.h"
 #include "station/scene/Exposure.h"
-#include "station/timing/Tick.h"
+#include "station/signals/Tick.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -19,42 +19,41 @@ public:
     static constexpr std::uint32_t widest = 16384;
 
     struct Settings {
-        std::uint32_t width = 2048;  // pixels of a line, from 1 to the widest
-        std::uint32_t lineRate = 0;  // lines a second that it takes by itself; 0: one for each camera trigger
-        std::uint32_t exposure = 0;  // of its own, in ticks
-        std::uint32_t dropEvery = 0; // of so many triggers it takes no notice of the last one; 0: of all
-        std::uint32_t shortEvery = 0; // of so many lines the last one is short; 0: none
-        std::uint32_t shortWidth = 1;
-        // The link is lost for a time. Counted from when the camera is attached.
-        Tick lostAt = never;
-        Tick lostFor = 0; // 0: for ever
+        std::uint32_t width = 2048;   // pixels per line, 1 to `widest`
+        std::uint32_t lineRate = 0;   // lines per second in free run; 0: one line per camera trigger
+        std::uint32_t exposure = 0;   // in ticks, unless the trigger controls the exposure
+        std::uint32_t dropEvery = 0;  // every dropEvery-th trigger is ignored; 0: none is
+        std::uint32_t shortEvery = 0; // every shortEvery-th line is short; 0: none is
+        std::uint32_t shortWidth = 1; // pixels of a short line
+        Tick lostAt = never;          // the link is lost this long after the camera was attached
+        Tick lostFor = 0;             // 0: forever
     };
 
-    /** Attaches a camera, in place of the one that was there; `from` is the next tick. */
+    /** Attaches a camera; it replaces one that is already attached. `from` is the next tick. */
     void attach(const Settings& settings, Tick from);
     void detach() { m_settings.reset(); }
     bool isAttached() const { return m_settings.has_value(); }
-    /** Attached, with a link. */
+    /** Whether a camera is attached and its link is up. */
     bool isThere() const { return isAttached() && m_isLinked; }
-    /** Whether lines of the port are taken, and whether the camera exposes while its trigger is high. */
+    /** `isSelected`: the port is the source of lines. `isPulseWidth`: the camera exposes while its trigger is high. */
     void configure(bool isSelected, bool isPulseWidth, Tick from);
-    /** What it looks at from now on; null: a belt that rests. */
+    /** Sets the belt below the camera; null: a belt at rest. */
     void setBelt(std::shared_ptr<const Belt> belt) { m_belt = std::move(belt); }
 
-    /** A rising edge of the camera trigger. While a line is exposed or on its way it is lost. */
+    /** A rising edge of the camera trigger. It is lost while a line is exposed or transferred. */
     void trigger(Tick tick);
-    /** A falling one. */
+    /** A falling edge of the camera trigger. */
     void release(Tick tick);
-    /** When the next line starts on the link: its exposure ends. */
+    /** When the next exposure ends, which starts the transfer of its line. */
     Tick next() const { return isThere() && m_isSelected ? m_next : never; }
-    /** The line that starts now. */
+    /** Starts the transfer of the next line, at the tick next(). */
     Exposure startLine(Tick tick);
-    /** When the link is lost or comes back. */
+    /** When the link is lost or restored next. */
     Tick nextLinkChange() const { return isAttached() ? m_linkChange : never; }
-    /** Takes that change. True if the link is lost by it. */
+    /** Performs that change. True if it is the loss of the link. */
     bool changeLink(Tick tick);
 
-    /** Ticks of a line on the link, which carries 32 pixels in one. */
+    /** Ticks that the transfer of a line takes: the link carries 32 pixels per tick. */
     static std::uint32_t cyclesOf(std::uint32_t width) { return (width + 31) / 32; }
     std::uint64_t lostTriggers() const { return m_lostTriggers; }
 
@@ -70,9 +69,9 @@ private:
     Tick m_linkChange = never;
     FractionClock m_clock;     // starts of exposures in free run
     Tick m_begin = 0;          // of the exposure
-    bool m_isExposing = false; // until its trigger falls
+    bool m_isExposing = false; // until the trigger falls
     Tick m_next = never;
-    Tick m_busyUntil = 0; // a trigger before is lost
+    Tick m_busyUntil = 0; // triggers before this tick are lost
     std::uint64_t m_triggers = 0;
     std::uint64_t m_lines = 0;
     std::uint64_t m_lostTriggers = 0;

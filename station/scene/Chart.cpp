@@ -1,5 +1,5 @@
-// The chart is made of whole numbers alone, so that it is the same on every machine. From left to right: the bars, the
-// ruler in y, then panels. They repeat each 512 lines, below a ruler in x; the numbers go on.
+// The chart is computed with integers only, so it is the same on every machine. From left to right: the bars, the ruler
+// in y, then the panels. The panels repeat every 512 lines, each time below a ruler in x; the line numbers continue.
 
 #include "station/scene/Chart.h"
 
@@ -27,7 +27,7 @@ constexpr std::int64_t panelWidth = 256, margin = 8;
 constexpr std::int64_t innerWidth = panelWidth - 2 * margin;          // 240
 constexpr std::int64_t innerHeight = period - panelsTop - 2 * margin; // 456
 
-// ---- Numbers, of digits of 5 x 7 dots with 2 x 2 pixels each.
+// ---- Numbers. A digit has 5 x 7 dots of 2 x 2 pixels.
 
 constexpr std::int64_t dot = 2, digitWidth = 6 * dot, digitHeight = 7 * dot;
 
@@ -38,7 +38,7 @@ constexpr std::uint8_t digits[10][7] = {
     {0x06, 0x08, 0x10, 0x1e, 0x11, 0x11, 0x0e}, {0x1f, 0x01, 0x02, 0x04, 0x08, 0x08, 0x08},
     {0x0e, 0x11, 0x11, 0x0e, 0x11, 0x11, 0x0e}, {0x0e, 0x11, 0x11, 0x0f, 0x01, 0x02, 0x0c}};
 
-/** Whether a pixel is part of a number whose upper left corner is at 0, 0. */
+/** Whether a pixel belongs to a number with its upper left corner at 0, 0. */
 bool isInNumber(std::int64_t number, std::int64_t x, std::int64_t y) {
     if (x < 0 || y < 0 || y >= digitHeight) return false;
     std::int64_t count = 1;
@@ -61,7 +61,7 @@ Colour8 barsAt(std::int64_t x, std::int64_t y) {
     return isSet ? white : black;
 }
 
-/** How long the mark of a ruler is at a place: 0 where there is none. */
+/** Length of a ruler's mark at a place; 0: no mark. */
 std::int64_t markAt(std::int64_t place) {
     return place % 100 == 0 ? 3 : place % 50 == 0 ? 2 : place % 10 == 0;
 }
@@ -79,13 +79,14 @@ Colour8 rulerInX(std::int64_t x, std::int64_t row) {
     return isInNumber(x - x % 100, x % 100 - 4, row - 22) ? ink : paper;
 }
 
-// ---- Panels. Places are those within a panel, from 0, 0 to its inner width and height.
+// ---- Panels. Coordinates are relative to the panel, below its inner width and height.
 
-/** Rings, a square, a cross and diagonals: a circle that is not round shows a wrong line rate. */
+/** Rings, a square, a cross and diagonals. Rings that are not round indicate a wrong line rate. */
 Colour8 geometryAt(std::int64_t x, std::int64_t y) {
     constexpr std::int64_t centre = innerWidth / 2;
-    const std::int64_t down = y % (innerHeight / 2);                                            // two of them
-    const std::int64_t across = 2 * (x - centre) + 1, below = 2 * (down - innerHeight / 4) + 1; // halves
+    const std::int64_t down = y % (innerHeight / 2); // two figures
+    const std::int64_t across = 2 * (x - centre) + 1,
+                       below = 2 * (down - innerHeight / 4) + 1; // in half pixels
     const std::int64_t square = across * across + below * below;
     for (const std::int64_t radius : {55, 110, 165, 220})
         if (square >= (radius - 3) * (radius - 3) && square <= (radius + 3) * (radius + 3)) return ink;
@@ -98,7 +99,7 @@ Colour8 geometryAt(std::int64_t x, std::int64_t y) {
 constexpr std::array<Colour8, 8> bars{white,          {230, 220, 30}, {30, 200, 220}, {40, 180, 50},
                                       {210, 40, 190}, {215, 35, 35},  {35, 60, 205},  black};
 
-/** Colour bars, then a ramp of each colour and of grey. */
+/** Colour bars, and below them ramps of red, green, blue and grey. */
 Colour8 coloursAt(std::int64_t x, std::int64_t y) {
     constexpr std::int64_t rampTop = innerHeight / 2, rampHeight = innerHeight / 8;
     if (y < rampTop) return bars[static_cast<std::size_t>(x * 8 / innerWidth)];
@@ -115,7 +116,7 @@ Colour8 coloursAt(std::int64_t x, std::int64_t y) {
     }
 }
 
-/** Lines of 1, 2, 3, 4, 6 and 8 pixels, upright in the upper half, lying in the lower one. */
+/** Lines 1, 2, 3, 4, 6 and 8 pixels wide: vertical in the upper half, horizontal in the lower one. */
 Colour8 resolutionAt(std::int64_t x, std::int64_t y) {
     constexpr std::array<std::int64_t, 6> widths{1, 2, 3, 4, 6, 8};
     constexpr std::int64_t half = innerHeight / 2;
@@ -125,16 +126,16 @@ Colour8 resolutionAt(std::int64_t x, std::int64_t y) {
     return place / widths[static_cast<std::size_t>(band)] % 2 == 0 ? ink : paper;
 }
 
-/** Rings that become closer and closer: where they melt together the resolution ends. */
+/** A zone plate: rings that become narrower towards the outside, until they are no longer resolved. */
 Colour8 zonesAt(std::int64_t x, std::int64_t y) {
     const std::int64_t down = y % (innerHeight / 2);
     const std::int64_t across = x - innerWidth / 2, below = down - innerHeight / 4;
     const std::int64_t phase = (across * across + below * below) * 255 / 300 % 510;
     const std::int64_t level = phase < 255 ? phase : 509 - phase;
-    return grey(level / 32 * 36); // eight steps, so that files of it stay small
+    return grey(level / 32 * 36); // eight levels, for smaller files
 }
 
-/** Sixteen steps of grey, from the left and from the right. */
+/** Sixteen grey levels, rising in the upper half and falling in the lower one. */
 Colour8 stepsAt(std::int64_t x, std::int64_t y) {
     const std::int64_t step = x * 16 / innerWidth;
     return grey(17 * (y < innerHeight / 2 ? step : 15 - step));
@@ -147,7 +148,7 @@ Colour8 squaresAt(std::int64_t x, std::int64_t y) {
     return (x / size + y % (innerHeight / 4) / size) % 2 == 0 ? paper : ink;
 }
 
-/** Patches of 24 colours: twelve hues, light and dark. */
+/** 24 colour patches: twelve hues, each light and dark. */
 Colour8 patchesAt(std::int64_t x, std::int64_t y) {
     constexpr std::int64_t across = 4, down = 6, gap = 4;
     const std::int64_t width = innerWidth / across, height = innerHeight / down;

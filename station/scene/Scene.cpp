@@ -13,7 +13,7 @@ std::int64_t roundedDown(std::int64_t number, std::int64_t divisor) {
     return number / divisor - (number % divisor < 0 ? 1 : 0);
 }
 
-/** A number that looks like any other one, the same for the same number. */
+/** A pseudorandom function of the number (SplitMix64). */
 std::uint64_t scattered(std::uint64_t number) {
     number += 0x9e37'79b9'7f4a'7c15;
     number = (number ^ (number >> 30)) * 0xbf58'476d'1ce4'e5b9;
@@ -21,7 +21,7 @@ std::uint64_t scattered(std::uint64_t number) {
     return number ^ (number >> 31);
 }
 
-/** The place of the line in the image or chart, in nanometres from where that begins. False between the objects. */
+/** Converts a place of the belt to one in the image or chart, from its beginning. False between the objects. */
 bool findPlace(const Scene& scene, std::int64_t& place) {
     if (scene.objects.empty()) return true;
     const auto next = std::ranges::upper_bound(scene.objects, place, {}, &BeltObject::place);

@@ -1,4 +1,4 @@
-/** What lies on the belt, and the pixels that a camera makes of a line of it. */
+/** The scene on the belt, and the pixels of a line that a camera takes of it. */
 #ifndef STATION_SCENE_SCENE_H
 #define STATION_SCENE_SCENE_H
 
@@ -13,7 +13,7 @@
 
 namespace station {
 
-/** Pixels of red, green and blue in 16 bits each. It repeats in both directions. */
+/** An image of red, green and blue, 16 bits each. It repeats in both directions. */
 struct SceneImage {
     static constexpr std::uint32_t widest = 16384;
     static constexpr std::uint32_t highest = 65536;
@@ -32,21 +32,20 @@ struct SceneImage {
 struct Scene {
     std::uint32_t pixel = 100'000; // width and height of a pixel on the belt, in nanometres, above 0
     std::shared_ptr<const SceneImage> image{}; // null: the chart
-    std::vector<BeltObject>
-        objects{};           // merged; each shows the image from its front on. None: it is all over the belt
-    std::uint32_t noise = 0; // largest deviation of a component of 16 bits
+    // Merged. Each shows the image, beginning at its front. Empty: the image covers the whole belt.
+    std::vector<BeltObject> objects{};
+    std::uint32_t noise = 0; // maximum deviation of a 16-bit component
     std::uint64_t seed = 0;  // of the noise
 };
 
 /** A scene as a camera sees it. */
 struct View {
     Scene scene;
-    std::array<std::uint8_t, 3> order{0, 1,
-                                      2}; // the colours of the components on the link: 0 red, 1 green, 2 blue
-    std::uint32_t fullExposure = 1;       // ticks after which a component has the value of the scene, above 0
+    std::array<std::uint8_t, 3> order{0, 1, 2}; // colours in the order of the link: 0 red, 1 green, 2 blue
+    std::uint32_t fullExposure = 1;             // ticks of exposure for the full values of the scene, above 0
 };
 
-/** The components of a line on the link, with 16 bits each: three for each of its pixels. */
+/** Renders a line as the camera sends it: three 16-bit components per pixel, in the order of the link. */
 void drawExposure(const View& view, const Exposure& line, std::vector<std::uint16_t>& components);
 
 } // namespace station

@@ -2,7 +2,7 @@
 #ifndef STATION_TIMING_ANALYZER_H
 #define STATION_TIMING_ANALYZER_H
 
-#include "station/timing/Tick.h"
+#include "station/signals/Tick.h"
 
 #include <algorithm>
 #include <cstdint>

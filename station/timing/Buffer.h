@@ -2,8 +2,8 @@
 #ifndef STATION_TIMING_BUFFER_H
 #define STATION_TIMING_BUFFER_H
 
+#include "station/signals/Tick.h"
 #include "station/timing/Record.h"
-#include "station/timing/Tick.h"
 
 #include <cstddef>
 #include <cstdint>

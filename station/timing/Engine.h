@@ -9,6 +9,7 @@
 #define STATION_TIMING_ENGINE_H
 
 #include "station/scene/Camera.h"
+#include "station/signals/Signals.h"
 #include "station/timing/Analyzer.h"
 #include "station/timing/Buffer.h"
 #include "station/timing/Encoder.h"
@@ -17,7 +18,6 @@
 #include "station/timing/Flash.h"
 #include "station/timing/ImageTrigger.h"
 #include "station/timing/Inputs.h"
-#include "station/timing/Signals.h"
 #include "station/timing/Simulator.h"
 
 #include <array>

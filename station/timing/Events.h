@@ -2,7 +2,7 @@
 #ifndef STATION_TIMING_EVENTS_H
 #define STATION_TIMING_EVENTS_H
 
-#include "station/timing/Tick.h"
+#include "station/signals/Tick.h"
 
 #include <array>
 #include <cstddef>

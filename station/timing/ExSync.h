@@ -2,8 +2,8 @@
 #ifndef STATION_TIMING_EX_SYNC_H
 #define STATION_TIMING_EX_SYNC_H
 
-#include "station/timing/Signals.h"
-#include "station/timing/Tick.h"
+#include "station/signals/Signals.h"
+#include "station/signals/Tick.h"
 
 #include <algorithm>
 #include <cstddef>

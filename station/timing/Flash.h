@@ -2,7 +2,7 @@
 #ifndef STATION_TIMING_FLASH_H
 #define STATION_TIMING_FLASH_H
 
-#include "station/timing/Tick.h"
+#include "station/signals/Tick.h"
 
 #include <cstdint>
 

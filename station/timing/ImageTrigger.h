@@ -2,7 +2,7 @@
 #ifndef STATION_TIMING_IMAGE_TRIGGER_H
 #define STATION_TIMING_IMAGE_TRIGGER_H
 
-#include "station/timing/Tick.h"
+#include "station/signals/Tick.h"
 
 #include <cstdint>
 

@@ -2,10 +2,10 @@
 #ifndef STATION_TIMING_INPUTS_H
 #define STATION_TIMING_INPUTS_H
 
+#include "station/signals/Signals.h"
+#include "station/signals/Tick.h"
+#include "station/signals/Wave.h"
 #include "station/timing/Events.h"
-#include "station/timing/Signals.h"
-#include "station/timing/Tick.h"
-#include "station/timing/Wave.h"
 
 #include <array>
 #include <cstddef>

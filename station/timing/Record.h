@@ -3,8 +3,8 @@
 #define STATION_TIMING_RECORD_H
 
 #include "station/scene/Exposure.h"
+#include "station/signals/Tick.h"
 #include "station/timing/Simulator.h"
-#include "station/timing/Tick.h"
 
 #include <cstddef>
 #include <cstdint>

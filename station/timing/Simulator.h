@@ -2,7 +2,7 @@
 #ifndef STATION_TIMING_SIMULATOR_H
 #define STATION_TIMING_SIMULATOR_H
 
-#include "station/timing/Tick.h"
+#include "station/signals/Tick.h"
 
 #include <cstdint>
 

@@ -33,6 +33,8 @@ Row rowOf(station::Parameter parameter) { return rowsOfParameters()[static_cast<
 
 /** With the wall clock, limits an access to some hundredths of a second of work. */
 constexpr std::uint64_t mostEventsOfAnAccess = std::uint64_t{1} << 20;
+/** The longest time of the wall clock that is made up after that. */
+constexpr WallClock::Duration longestLag(1);
 
 constexpr station::Parameter acting[] = {
     station::Parameter::softwarePulse,    station::Parameter::analyzerClear,
@@ -111,14 +113,21 @@ void BoardStation::setClock(double factor) {
         m_clock.start(m_station.now(), factor, std::chrono::steady_clock::now());
     else
         m_clock.stop();
+    m_restEnd = {};
 }
 
 void BoardStation::follow() {
     if (!m_clock.isRunning()) return;
-    const station::Tick tick = m_clock.tick(std::chrono::steady_clock::now());
-    if (tick <= m_station.now()) return;
+    const WallClock::Instant begin = std::chrono::steady_clock::now();
+    const station::Tick tick = m_clock.tick(begin);
+    if (tick <= m_station.now() || begin < m_restEnd) return;
     m_station.advance(tick - m_station.now(), mostEventsOfAnAccess);
     publishRuntime();
+    if (m_station.now() >= tick) return;
+    // The machine is too slow for this clock. A rest as long as the work keeps the other accesses quick.
+    const WallClock::Instant end = std::chrono::steady_clock::now();
+    m_restEnd = end + (end - begin);
+    m_clock.limitLag(m_station.now(), longestLag, end);
 }
 
 std::uint64_t BoardStation::advance(std::uint64_t ticks) {

@@ -32,7 +32,7 @@ public:
     /** Makes time follow the wall clock, `factor` times as fast; 0: it is stepped. */
     void setClock(double factor);
     bool followsClock() const { return m_clock.isRunning(); }
-    /** Advances time to the wall clock, if it follows it. */
+    /** Advances time to the wall clock, if it follows it. Time that would need too much work is not made up. */
     void follow();
     /** Advances time by `ticks`; returns the new time, or VBOARD_NOT_STEPPED. */
     std::uint64_t advance(std::uint64_t ticks);
@@ -62,6 +62,7 @@ private:
     Events& m_events;
     station::Station m_station{*this};
     WallClock m_clock;
+    WallClock::Instant m_restEnd; // after an access that did not reach the clock
     std::string m_insertTrouble;
 };
 

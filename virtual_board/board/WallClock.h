@@ -2,7 +2,7 @@
 #ifndef VIRTUAL_BOARD_BOARD_WALLCLOCK_H
 #define VIRTUAL_BOARD_BOARD_WALLCLOCK_H
 
-#include "station/timing/Tick.h"
+#include "station/signals/Tick.h"
 
 #include <algorithm>
 #include <chrono>
@@ -25,6 +25,11 @@ public:
     station::Tick tick(Instant now) const {
         const double ticks = Duration(now - m_start).count() * m_factor * double{station::ticksPerSecond};
         return station::later(m_tick, static_cast<station::Tick>(std::clamp(ticks, 0.0, 9e18)));
+    }
+    /** Limits what is to be made up: from `reached` to tick(now) it is at most as long as `longest` takes. */
+    void limitLag(station::Tick reached, Duration longest, Instant now) {
+        if (durationOf(tick(now) - reached) <= longest) return;
+        start(reached, m_factor, now - std::chrono::duration_cast<Instant::duration>(longest));
     }
     /** The duration of a number of ticks. */
     Duration durationOf(station::Tick ticks) const {

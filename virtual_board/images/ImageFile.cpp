@@ -1,5 +1,6 @@
 #include "virtual_board/images/ImageFile.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <filesystem>
@@ -18,8 +19,26 @@ std::uint32_t headerNumber(std::istream& file) {
         file >> std::ws;
     }
     std::uint32_t number = 0;
+    if (file.peek() == '-') return 0; // >> would take it for a large number
     file >> number;
     return file ? number : 0;
+}
+
+std::uint64_t bytesLeft(std::istream& file) {
+    const std::streamoff here = file.tellg();
+    file.seekg(0, std::ios::end);
+    const std::streamoff end = file.tellg();
+    file.seekg(here);
+    return static_cast<std::uint64_t>(end - here);
+}
+
+/** Puts the value in the upper bits of 16, as many as `largest` has and at least eight. Scaled, so that `largest` sets
+ *  all of these bits. */
+unsigned inUpperBits(unsigned value, std::uint32_t largest) {
+    constexpr unsigned fewest = 8;
+    const unsigned bits = std::max(fewest, static_cast<unsigned>(std::bit_width(largest)));
+    const unsigned full = (1U << bits) - 1;
+    return (value * full + largest / 2) / largest << (16 - bits);
 }
 
 /** A binary PPM or PGM, after the two bytes of its magic number. */
@@ -33,17 +52,22 @@ ImageOfFile readPnm(std::istream& file, bool isGrey) {
         return {.trouble = "its header is not that of a binary PPM or PGM file"};
     PixelRows rows{.width = raster->width, .height = raster->height, .samples = isGrey ? 1U : 3U};
     rows.bits = largest > 0xff ? 16 : 8;
-    if (!rows.makeRoom()) return {.trouble = rows.trouble};
+    if (!rows.hasSize()) return {.trouble = rows.trouble};
+    const std::string tooShort = "its pixels end too early";
+    if (bytesLeft(file) < rows.bytesOfRow() * rows.height) return {.trouble = tooShort};
+    rows.makeRoom();
     std::vector<std::uint8_t>& bytes = rows.bytes;
     file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    if (!file) return {.trouble = "its pixels end too early"};
-    const auto shift = 16 - static_cast<unsigned>(std::bit_width(largest));
+    if (!file) return {.trouble = tooShort};
     const std::size_t components = std::size_t{3} * rows.width * rows.height;
     raster->components.reserve(components);
     for (std::size_t i = 0; i < components; ++i) {
         const std::uint8_t* place = &bytes[(isGrey ? i / 3 : i) * (rows.bits / 8)];
         const unsigned value = rows.bits == 16 ? unsigned{place[0]} << 8U | place[1] : unsigned{place[0]};
-        raster->components.push_back(static_cast<std::uint16_t>(value << shift));
+        if (value > largest)
+            return {.trouble = "it has the value " + std::to_string(value) +
+                               ", and its header says at most " + std::to_string(largest)};
+        raster->components.push_back(static_cast<std::uint16_t>(inUpperBits(value, largest)));
     }
     return {.raster = std::move(raster)};
 }
@@ -90,17 +114,19 @@ ImageOfFile readAnyImage(const std::string& path) {
 
 } // namespace
 
-bool PixelRows::makeRoom() {
+bool PixelRows::hasSize() {
     station::Raster raster;
     raster.width = width;
     raster.height = height;
-    if (!raster.hasSoundSize()) {
-        trouble = "it has " + std::to_string(width) + " x " + std::to_string(height) +
-                  " pixels, and an image of a debug point has 1 x 1 to " + std::to_string(raster.widest) +
-                  " x " + std::to_string(raster.highest) + ", and at most " +
-                  std::to_string(raster.mostPixels);
-        return false;
-    }
+    if (raster.hasSoundSize()) return true;
+    trouble = "it has " + std::to_string(width) + " x " + std::to_string(height) +
+              " pixels, and an image of a debug point has 1 x 1 to " + std::to_string(raster.widest) + " x " +
+              std::to_string(raster.highest) + ", and at most " + std::to_string(raster.mostPixels);
+    return false;
+}
+
+bool PixelRows::makeRoom() {
+    if (!hasSize()) return false;
     bytes.resize(bytesOfRow() * height);
     return true;
 }

@@ -32,7 +32,9 @@ struct PixelRows {
     std::vector<std::uint8_t> bytes{};
     std::string trouble{}; /**< if not empty: why there is no image */
 
-    /** Allocates the bytes; false, with the trouble, for a size that a raster cannot have. */
+    /** False, with the trouble, for a size that a raster cannot have. */
+    bool hasSize();
+    /** The same, and allocates the bytes. */
     bool makeRoom();
     std::size_t bytesOfRow() const { return std::size_t{width} * samples * (bits / 8); }
 };

@@ -6,17 +6,28 @@
 
 namespace vboard {
 
-/** It is never unloaded. */
+/** Base of a record of the library's functions, each a member that find() initializes. It is never unloaded. */
 class LoadedLibrary {
 public:
+    /** False if the library, or one of the functions, is missing. */
+    bool isComplete() const { return m_isComplete; }
+
+protected:
+    /** Converts to a pointer to a function of any type. */
+    struct Symbol {
+        void* address;
+        template <typename Function> operator Function*() const {
+            return reinterpret_cast<Function*>(address);
+        }
+    };
+
     explicit LoadedLibrary(const char* name) : m_handle(dlopen(name, RTLD_NOW | RTLD_LOCAL)) {}
 
-    /** Looks a function up; if it is missing, the library is not complete. */
-    template <typename Function> void find(Function*& function, const char* name) {
-        function = m_handle != nullptr ? reinterpret_cast<Function*>(dlsym(m_handle, name)) : nullptr;
-        m_isComplete = m_isComplete && function != nullptr;
+    Symbol find(const char* name) {
+        void* const address = m_handle != nullptr ? dlsym(m_handle, name) : nullptr;
+        m_isComplete = m_isComplete && address != nullptr;
+        return {address};
     }
-    bool isComplete() const { return m_isComplete; }
 
 private:
     void* m_handle;

@@ -12,53 +12,29 @@
 namespace vboard {
 namespace {
 
-struct PngLibrary {
-    decltype(png_create_read_struct)* createReader;
-    decltype(png_create_info_struct)* createInfo;
-    decltype(png_destroy_read_struct)* destroy;
-    decltype(png_get_error_ptr)* errorPointer;
-    decltype(png_get_io_ptr)* readPointer;
-    decltype(png_set_read_fn)* setRead;
-    decltype(png_error)* error;
-    decltype(png_set_user_limits)* setLimits;
-    decltype(png_read_info)* readInfo;
-    decltype(png_get_image_width)* width;
-    decltype(png_get_image_height)* height;
-    decltype(png_get_bit_depth)* bits;
-    decltype(png_get_rowbytes)* bytesOfRow;
-    decltype(png_set_expand)* expand;
-    decltype(png_set_strip_alpha)* stripAlpha;
-    decltype(png_set_gray_to_rgb)* greyToRgb;
-    decltype(png_set_swap)* swap;
-    decltype(png_set_interlace_handling)* interlace;
-    decltype(png_read_update_info)* update;
-    decltype(png_read_image)* readImage;
-    bool isComplete;
+struct PngLibrary : LoadedLibrary {
+    PngLibrary() : LoadedLibrary("libpng16.so.16") {}
 
-    PngLibrary() {
-        LoadedLibrary library("libpng16.so.16");
-        library.find(createReader, "png_create_read_struct");
-        library.find(createInfo, "png_create_info_struct");
-        library.find(destroy, "png_destroy_read_struct");
-        library.find(errorPointer, "png_get_error_ptr");
-        library.find(readPointer, "png_get_io_ptr");
-        library.find(setRead, "png_set_read_fn");
-        library.find(error, "png_error");
-        library.find(setLimits, "png_set_user_limits");
-        library.find(readInfo, "png_read_info");
-        library.find(width, "png_get_image_width");
-        library.find(height, "png_get_image_height");
-        library.find(bits, "png_get_bit_depth");
-        library.find(bytesOfRow, "png_get_rowbytes");
-        library.find(expand, "png_set_expand");
-        library.find(stripAlpha, "png_set_strip_alpha");
-        library.find(greyToRgb, "png_set_gray_to_rgb");
-        library.find(swap, "png_set_swap");
-        library.find(interlace, "png_set_interlace_handling");
-        library.find(update, "png_read_update_info");
-        library.find(readImage, "png_read_image");
-        isComplete = library.isComplete();
-    }
+    decltype(png_create_read_struct)* createReader = find("png_create_read_struct");
+    decltype(png_create_info_struct)* createInfo = find("png_create_info_struct");
+    decltype(png_destroy_read_struct)* destroy = find("png_destroy_read_struct");
+    decltype(png_get_error_ptr)* errorPointer = find("png_get_error_ptr");
+    decltype(png_get_io_ptr)* readPointer = find("png_get_io_ptr");
+    decltype(png_set_read_fn)* setRead = find("png_set_read_fn");
+    decltype(png_error)* error = find("png_error");
+    decltype(png_set_user_limits)* setLimits = find("png_set_user_limits");
+    decltype(png_read_info)* readInfo = find("png_read_info");
+    decltype(png_get_image_width)* width = find("png_get_image_width");
+    decltype(png_get_image_height)* height = find("png_get_image_height");
+    decltype(png_get_bit_depth)* bits = find("png_get_bit_depth");
+    decltype(png_get_rowbytes)* bytesOfRow = find("png_get_rowbytes");
+    decltype(png_set_expand)* expand = find("png_set_expand");
+    decltype(png_set_strip_alpha)* stripAlpha = find("png_set_strip_alpha");
+    decltype(png_set_gray_to_rgb)* greyToRgb = find("png_set_gray_to_rgb");
+    decltype(png_set_swap)* swap = find("png_set_swap");
+    decltype(png_set_interlace_handling)* interlace = find("png_set_interlace_handling");
+    decltype(png_read_update_info)* update = find("png_read_update_info");
+    decltype(png_read_image)* readImage = find("png_read_image");
 };
 
 const PngLibrary& png() {
@@ -112,14 +88,15 @@ void PngReader::readRows() {
     png().setRead(m_png, this, take);
     png().setLimits(m_png, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
     png().readInfo(m_png, m_info);
-    png().expand(m_png); // palettes, bits of less than a byte, and transparency
+    m_rows.width = png().width(m_png, m_info);
+    m_rows.height = png().height(m_png, m_info);
+    if (!m_rows.hasSize()) return; // before the library allocates its rows
+    png().expand(m_png);           // palettes, bits of less than a byte, and transparency
     png().greyToRgb(m_png);
     png().stripAlpha(m_png);
     if (std::endian::native == std::endian::little) png().swap(m_png);
     png().interlace(m_png);
     png().update(m_png, m_info);
-    m_rows.width = png().width(m_png, m_info);
-    m_rows.height = png().height(m_png, m_info);
     m_rows.bits = png().bits(m_png, m_info);
     if (!m_rows.makeRoom()) return;
     if (png().bytesOfRow(m_png, m_info) != m_rows.bytesOfRow()) {
@@ -134,7 +111,7 @@ void PngReader::readRows() {
 } // namespace
 
 PixelRows readPng(const std::string& path) {
-    if (!png().isComplete)
+    if (!png().isComplete())
         return {.trouble = "it is a PNG file, and the system has no libpng16.so.16: install the package "
                            "libpng16-16, or make a PPM file of it"};
     return PngReader(path).read();

@@ -13,33 +13,19 @@ namespace vboard {
 namespace {
 
 /** Errors go to a handler of each open file, as the process-wide handlers belong to the host. */
-struct TiffLibrary {
-    decltype(TIFFOpenOptionsAlloc)* makeOptions;
-    decltype(TIFFOpenOptionsFree)* freeOptions;
-    decltype(TIFFOpenOptionsSetErrorHandlerExtR)* setError;
-    decltype(TIFFOpenOptionsSetWarningHandlerExtR)* setWarning;
-    decltype(TIFFOpenExt)* open;
-    decltype(TIFFClose)* close;
-    decltype(TIFFGetFieldDefaulted)* field;
-    decltype(TIFFIsTiled)* isTiled;
-    decltype(TIFFScanlineSize)* bytesOfRow;
-    decltype(TIFFReadScanline)* readRow;
-    bool isComplete;
+struct TiffLibrary : LoadedLibrary {
+    TiffLibrary() : LoadedLibrary("libtiff.so.6") {}
 
-    TiffLibrary() {
-        LoadedLibrary library("libtiff.so.6");
-        library.find(makeOptions, "TIFFOpenOptionsAlloc");
-        library.find(freeOptions, "TIFFOpenOptionsFree");
-        library.find(setError, "TIFFOpenOptionsSetErrorHandlerExtR");
-        library.find(setWarning, "TIFFOpenOptionsSetWarningHandlerExtR");
-        library.find(open, "TIFFOpenExt");
-        library.find(close, "TIFFClose");
-        library.find(field, "TIFFGetFieldDefaulted");
-        library.find(isTiled, "TIFFIsTiled");
-        library.find(bytesOfRow, "TIFFScanlineSize");
-        library.find(readRow, "TIFFReadScanline");
-        isComplete = library.isComplete();
-    }
+    decltype(TIFFOpenOptionsAlloc)* makeOptions = find("TIFFOpenOptionsAlloc");
+    decltype(TIFFOpenOptionsFree)* freeOptions = find("TIFFOpenOptionsFree");
+    decltype(TIFFOpenOptionsSetErrorHandlerExtR)* setError = find("TIFFOpenOptionsSetErrorHandlerExtR");
+    decltype(TIFFOpenOptionsSetWarningHandlerExtR)* setWarning = find("TIFFOpenOptionsSetWarningHandlerExtR");
+    decltype(TIFFOpenExt)* open = find("TIFFOpenExt");
+    decltype(TIFFClose)* close = find("TIFFClose");
+    decltype(TIFFGetFieldDefaulted)* field = find("TIFFGetFieldDefaulted");
+    decltype(TIFFIsTiled)* isTiled = find("TIFFIsTiled");
+    decltype(TIFFScanlineSize)* bytesOfRow = find("TIFFScanlineSize");
+    decltype(TIFFReadScanline)* readRow = find("TIFFReadScanline");
 };
 
 const TiffLibrary& tiffs() {
@@ -100,7 +86,7 @@ std::string whyNot(const OpenTiff& tiff, const PixelRows& rows) {
 } // namespace
 
 PixelRows readTiff(const std::string& path) {
-    if (!tiffs().isComplete)
+    if (!tiffs().isComplete())
         return {.trouble =
                     "it is a TIFF file, and the system has no libtiff.so.6: install the package libtiff6, or "
                     "make a PPM file of it"};

@@ -1,4 +1,4 @@
-#include "station/timing/Wave.h"
+#include "station/signals/Wave.h"
 
 #include <algorithm>
 #include <cstdint>

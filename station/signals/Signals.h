@@ -1,8 +1,8 @@
 /** The internal signals of the design, the crossbar that routes them, and their last edges. */
-#ifndef STATION_TIMING_SIGNALS_H
-#define STATION_TIMING_SIGNALS_H
+#ifndef STATION_SIGNALS_SIGNALS_H
+#define STATION_SIGNALS_SIGNALS_H
 
-#include "station/timing/Tick.h"
+#include "station/signals/Tick.h"
 
 #include <array>
 #include <cstddef>

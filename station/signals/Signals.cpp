@@ -1,4 +1,4 @@
-#include "station/timing/Signals.h"
+#include "station/signals/Signals.h"
 
 #include <algorithm>
 

@@ -1,9 +1,9 @@
 /** Waves for the inputs of the board: levels over time. */
-#ifndef STATION_TIMING_WAVE_H
-#define STATION_TIMING_WAVE_H
+#ifndef STATION_SIGNALS_WAVE_H
+#define STATION_SIGNALS_WAVE_H
 
-#include "station/timing/Signals.h"
-#include "station/timing/Tick.h"
+#include "station/signals/Signals.h"
+#include "station/signals/Tick.h"
 
 #include <cstdint>
 #include <vector>

@@ -1,6 +1,6 @@
 /** Time of the station: a count of ticks of 8 ns since the board was opened. */
-#ifndef STATION_TIMING_TICK_H
-#define STATION_TIMING_TICK_H
+#ifndef STATION_SIGNALS_TICK_H
+#define STATION_SIGNALS_TICK_H
 
 #include <algorithm>
 #include <cstdint>
