@@ -119,7 +119,7 @@ private:
     }
 
     void addWrite(const std::string& line) {
-        const std::string name = writtenParameter(line);
+        const std::string name = loggedAccess(line).parameter;
         if (m_written.insert(name).second) writes.push_back(name);
     }
 

@@ -2,7 +2,10 @@
 
 #include "applet_tools/applet/hardware_values.h"
 #include "applet_tools/base/errors.h"
+#include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"
+
+#include "vexo/fg_parameters.h"
 
 #include <algorithm>
 #include <cmath>
@@ -20,20 +23,29 @@ double numberIn(const ConfigurationFile& file, const char* key) {
     return floatingNumber(file.value(key).value_or("")).value_or(0);
 }
 
+constexpr const char *lineRate = "FG_CAMERASIMULATOR_LINERATE", *frameRate = "FG_CAMERASIMULATOR_FRAMERATE";
+
 /** True for two rates that differ by at most one cycle, the error of a save and load. The frame rate follows
  *  the line rate. */
-bool isNextCycle(const ParameterList& parameters, std::string_view key, const std::vector<Side>& sides) {
-    constexpr const char *line = "FG_CAMERASIMULATOR_LINERATE", *frame = "FG_CAMERASIMULATOR_FRAMERATE";
-    if ((key != line && key != frame) || sides.size() != 2 || sides[0].file == nullptr ||
-        sides[1].file == nullptr)
-        return false;
-    const ConfigurationFile &before = *sides[0].file, &after = *sides[1].file;
-    const double was = numberIn(before, line), is = numberIn(after, line);
-    if (!areNeighbours(parameters.find(line), was, is)) return false;
-    if (key == line) return true;
+bool isNextCycle(const ParameterList& parameters, std::string_view key, const ConfigurationFile& before,
+                 const ConfigurationFile& after) {
+    if (key != lineRate && key != frameRate) return false;
+    const double was = numberIn(before, lineRate), is = numberIn(after, lineRate);
+    if (!areNeighbours(parameters.find(lineRate), was, is)) return false;
+    if (key == lineRate) return true;
     constexpr double tolerance = 1e-10; // a file holds 12 digits
-    const double expected = numberIn(before, frame) / was * is;
-    return std::fabs(numberIn(after, frame) - expected) <= tolerance * expected;
+    const double expected = numberIn(before, frameRate) / was * is;
+    return std::fabs(numberIn(after, frameRate) - expected) <= tolerance * expected;
+}
+
+/** True for a rate that the mode of each configuration computes from other parameters; a load ignores it. */
+bool isComputed(std::string_view key, const std::vector<const ConfigurationFile*>& files) {
+    if (key != lineRate && key != frameRate) return false;
+    const int own = key == lineRate ? FG_LINERATE : FG_FRAMERATE;
+    return std::ranges::all_of(files, [&](const ConfigurationFile* file) {
+        const std::string mode = file->value("FG_CAMERASIMULATOR_SELECT_MODE").value_or("");
+        return !mode.empty() && wholeNumber<int>(mode) != own;
+    });
 }
 
 std::string cell(const Parameter& parameter, const std::optional<std::string>& text) {
@@ -54,22 +66,29 @@ nlohmann::ordered_json asJson(const Parameter& parameter, const std::optional<st
 
 std::vector<Difference> differencesOf(const std::vector<Side>& sides, const ParameterList& parameters,
                                       FileKeys& keys) {
+    std::vector<const ConfigurationFile*> files;
+    files.reserve(sides.size());
+    for (const Side& side : sides)
+        files.push_back(side.file != nullptr ? side.file : &keys.defaults());
     std::vector<Difference> differences;
     for (const auto& line : keys.defaults().values()) {
         const Parameter& parameter = parameters.find(line.key);
         std::vector<std::optional<std::string>> values;
-        values.reserve(sides.size());
-        for (const Side& side : sides)
-            values.push_back((side.file != nullptr ? *side.file : keys.defaults()).value(line.key));
+        values.reserve(files.size());
+        for (const ConfigurationFile* file : files)
+            values.push_back(file->value(line.key));
         const bool areSame = std::ranges::all_of(
             values, [&](const auto& value) { return isSame(parameter, values.front(), value); });
         if (areSame || !keys.isReadByLoad(line.key)) continue;
+        const bool isMoved =
+            files.size() == 2 && isNextCycle(parameters, line.key, *files.front(), *files.back());
+        if (!isMoved && isComputed(line.key, files)) continue;
         Difference difference{parameter.name, {}, {{"name", parameter.name}, {"unit", parameter.unit()}}};
         for (std::size_t i = 0; i < sides.size(); ++i) {
             difference.values.push_back(cell(parameter, values[i]));
             difference.document[sides[i].member] = asJson(parameter, values[i]);
         }
-        difference.isNextCycle = isNextCycle(parameters, line.key, sides);
+        difference.isNextCycle = isMoved;
         differences.push_back(std::move(difference));
     }
     return differences;
@@ -79,7 +98,7 @@ namespace {
 
 /** Reads only the lines that a load reads, as a file on disk may be large. */
 ConfigurationFile loadableFile(ScratchSession& session, FileKeys& keys, const Side& side) {
-    ConfigurationFile file(textForLoad(ConfigurationFile::textOf(side.path), keys.defaults()));
+    ConfigurationFile file(textForLoad(requiredTextOfFile(side.path), keys.defaults()));
     const std::string trouble = wholeFileTrouble(session, keys, file);
     if (!trouble.empty()) throw UsageError("no load takes the file " + inQuotes(side.title) + ": " + trouble);
     return file;

@@ -28,7 +28,8 @@ struct Difference {
     bool isNextCycle = false;
 };
 
-/** Compares the values that a load reads. Leaves out measurements and values that a load ignores. */
+/** Compares the values that a load reads. Leaves out measurements and values that a load ignores, such as a simulator
+ *  rate that the mode of all sides computes. */
 std::vector<Difference> differencesOf(const std::vector<Side>& sides, const ParameterList& parameters,
                                       FileKeys& keys);
 

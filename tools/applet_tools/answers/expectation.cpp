@@ -19,7 +19,7 @@ Expectation expectationOf(ScratchSession& session, const Words& assignments) {
     applyAssignments(session.instance(), session.parameters(), assignments, {.after = take});
     std::set<std::string> written;
     for (const std::string& line : takeWrites(session.instance()))
-        written.insert(writtenParameter(line));
+        written.insert(loggedAccess(line).parameter);
     const DesignSnapshot picture(session);
     for (const auto& [name, number] : picture.numbers())
         if (written.contains(name)) expected.design[name] = numberAsJson(number);

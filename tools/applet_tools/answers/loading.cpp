@@ -12,6 +12,9 @@
 #include "vexo/fg_errors.h"
 
 #include <algorithm>
+#include <functional>
+#include <map>
+#include <set>
 #include <string_view>
 #include <utility>
 
@@ -23,8 +26,7 @@ std::string headerTrouble(const ConfigurationFile& asked, FileKeys& keys) {
     const auto type = asked.header().value("Typ");
     const auto ours = keys.defaults().header().value("Typ");
     if (type && ours && *type != *ours)
-        return "it is a file of the applet " + inQuotes(toUtf8(type->c_str())) + ", not of " +
-               inQuotes(*ours);
+        return "it is a file of the applet " + quotedText(*type) + ", not of " + inQuotes(*ours);
     std::vector<std::string> missing;
     for (const auto& line : keys.defaults().header())
         if (!asked.header().find(line.key) && keys.isReadByLoad(line.key)) missing.emplace_back(line.key);
@@ -208,10 +210,28 @@ std::vector<Finding> judgeLines(ScratchSession& session, FileKeys& keys, const C
 
 bool isRefusal(const Finding& finding) { return finding.kind == "refused" || finding.kind == "kept"; }
 
+using KeySet = std::set<std::string, std::less<>>;
+
+/** The keys of the refused values that are accepted in the present state. */
+KeySet acceptedNow(ScratchSession& session, const ConfigurationFile& asked,
+                   const std::vector<Finding>& findings) {
+    KeySet accepted;
+    for (const Finding& finding : findings) {
+        if (!isRefusal(finding)) continue;
+        const Parameter& parameter = session.parameters().find(finding.key);
+        const auto value = valueInFile(parameter, asked.value(finding.key).value_or(""));
+        if (value && parameter.kind() != REGISTER_KIND_STRING &&
+            writeValue(session.instance(), {&parameter}, *value) == FG_OK)
+            accepted.insert(finding.key);
+    }
+    return accepted;
+}
+
 /** Describes the changes of the design that a refused value causes, and adds them to the finding. To find
  *  them it loads the same file again with the previous value. */
 std::string reachedInWords(ScratchSession& session, const ConfigurationFile& asked,
-                           const ConfigurationFile& before, const DesignSnapshot& loaded, Finding& finding) {
+                           const ConfigurationFile& before, const DesignSnapshot& loaded, Finding& finding,
+                           const std::function<void()>& lookWithout) {
     const auto line = asked.values().find(finding.key), old = before.values().find(finding.key);
     if (!line || !old || !isRefusal(finding)) return "";
     const MemoryFile other;
@@ -219,6 +239,7 @@ std::string reachedInWords(ScratchSession& session, const ConfigurationFile& ask
     session.rewind();
     loadConfiguration(session.instance(), other.configurationPath());
     const std::vector<DesignChange> reached = DesignSnapshot(session).changesTo(loaded);
+    lookWithout();
     if (reached.empty()) return "; nothing of it has reached the board";
     finding.reached = asJson(reached);
     std::vector<std::string> words;
@@ -229,11 +250,35 @@ std::string reachedInWords(ScratchSession& session, const ConfigurationFile& ask
     return "; the board has received it: " + join(words, ", ");
 }
 
-/** The consequence of each refused value; empty for the other findings. */
+/** Names the cause of each value that is refused only because of another refused one. `freed` has the values that are
+ *  accepted without that of a key. Two values that free each other are both causes. */
+void markFollowers(std::vector<Finding>& findings, const std::map<std::string, KeySet>& freed) {
+    const auto frees = [&](const std::string& cause, const std::string& key) {
+        const auto found = freed.find(cause);
+        return found != freed.end() && found->second.contains(key);
+    };
+    const auto follows = [&](const std::string& key, const std::string& cause) {
+        return frees(cause, key) && !frees(key, cause);
+    };
+    for (Finding& finding : findings) {
+        const auto cause = std::ranges::find_if(freed, [&](const auto& one) {
+            const bool isFirst = std::ranges::none_of(
+                freed, [&](const auto& other) { return follows(one.first, other.first); });
+            return isFirst && follows(finding.key, one.first);
+        });
+        if (!isRefusal(finding) || cause == freed.end()) continue;
+        finding.followsFrom = cause->first;
+        finding.message += "; that follows from the refusal of " + cause->first;
+    }
+}
+
+/** The consequence of each refused value; empty for the other findings. Names the causes of refusals that follow from
+ *  others. */
 std::vector<std::string> outcomesOf(ScratchSession& session, const ConfigurationFile& asked,
                                     const ConfigurationFile& before, const DesignSnapshot& loaded,
                                     std::vector<Finding>& findings) {
     std::vector<std::string> outcomes;
+    std::map<std::string, KeySet> freed;
     bool isExplained = false; // the meaning of a kept value is the same for all, so it is said once
     for (Finding& finding : findings) {
         session.tellProgress(outcomes.size(), findings.size());
@@ -242,8 +287,10 @@ std::vector<std::string> outcomesOf(ScratchSession& session, const Configuration
             words =
                 std::string("; it reads back nevertheless") +
                 (std::exchange(isExplained, true) ? "" : ", and setters of other parameters work with it");
-        words += reachedInWords(session, asked, before, loaded, finding);
+        words += reachedInWords(session, asked, before, loaded, finding,
+                                [&] { freed[finding.key] = acceptedNow(session, asked, findings); });
     }
+    markFollowers(findings, freed);
     return outcomes;
 }
 
@@ -258,7 +305,8 @@ std::vector<RefusedValue> refusedValues(const ScratchSession& session, const Con
                                         std::vector<Finding>& findings) {
     std::vector<RefusedValue> refused;
     for (Finding& finding : findings) {
-        if (!isRefusal(finding) || !asked.values().find(finding.key)) continue;
+        if (!isRefusal(finding) || !finding.followsFrom.empty() || !asked.values().find(finding.key))
+            continue;
         const Parameter& parameter = session.parameters().find(finding.key);
         const std::string text = asked.value(finding.key).value_or("");
         const auto value = valueInFile(parameter, text);
@@ -369,6 +417,7 @@ nlohmann::ordered_json asJson(const std::vector<Finding>& findings) {
                                       {"isLoss", finding.isLoss},
                                       {"message", finding.message}};
         if (!finding.reached.is_null()) row["reached"] = finding.reached;
+        if (!finding.followsFrom.empty()) row["followsFrom"] = finding.followsFrom;
         rows.push_back(std::move(row));
     }
     return rows;
@@ -392,6 +441,7 @@ json checkJob(ScratchSession& session, const json& arguments) {
                             {"message", finding.message},
                             {"isLoss", finding.isLoss},
                             {"isExamined", finding.isExamined},
+                            {"followsFrom", finding.followsFrom},
                             {"reached", finding.reached.dump()}}); // keeps the member order
     return {{"findings", std::move(findings)}, {"code", outcome.code}, {"state", asBytes(outcome.state)}};
 }
@@ -405,7 +455,7 @@ LoadCheck checkFrom(ScratchBoard& scratch, const json& arguments) {
         check.findings.push_back({row["kind"].get<std::string>(), row["key"].get<std::string>(),
                                   row["message"].get<std::string>(), row["isLoss"].get<bool>(),
                                   nlohmann::ordered_json::parse(row["reached"].get<std::string>()),
-                                  row["isExamined"].get<bool>()});
+                                  row["isExamined"].get<bool>(), row["followsFrom"].get<std::string>()});
     return check;
 }
 

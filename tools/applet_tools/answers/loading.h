@@ -49,6 +49,8 @@ struct Finding {
     nlohmann::ordered_json reached{}; /**< for a refused value: its effect on the design, as changes
                                            (see DesignSnapshot.h); else null */
     bool isExamined = true;           /**< false for a refused value with no search for the cause */
+    std::string followsFrom{}; /**< for a refused value that is accepted when the value of this key is not
+                                           refused */
 };
 
 /** A load as seen on the scratch board. */
@@ -69,7 +71,7 @@ std::string wholeFileTrouble(ScratchSession& session, FileKeys& keys, const Conf
 LoadOutcome loadAndCompare(ScratchSession& session, FileKeys& keys, const std::string& file,
                            const std::string& name = "");
 
-/** [{"kind", "name", "isLoss", "message", "reached"}, ...]. */
+/** [{"kind", "name", "isLoss", "message", "reached", "followsFrom"}, ...], the last two only where they apply. */
 nlohmann::ordered_json asJson(const std::vector<Finding>& findings);
 
 /** The result of a trial load. */

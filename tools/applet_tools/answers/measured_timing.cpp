@@ -62,16 +62,33 @@ private:
                      .isFlashLow = is("FG_FLASH_POLARITY", FG_LOW),
                      .hasEdges = true};
         its.hasEdges = its.isExternal || its.exposure < its.period;
-        if (is("FG_CAMERASIMULATOR_ENABLE", FG_CAMERASIMULATOR)) {
-            if (is("FG_CAMERASIMULATOR_TRIGGER_MODE", SIMULATION_FREE_RUN))
-                its.linePeriod = 1e6 / get<double>("FG_CAMERASIMULATOR_LINERATE");
-            else if (is("FG_CAMERASIMULATOR_TRIGGER_MODE", RISING_EDGE_TRIGGERS_LINE) && its.hasEdges)
-                its.linePeriod = its.period;
-        }
-        const bool isFree = is("FG_IMGTRIGGERMODE", FREE_RUN) || is("FG_IMGTRIGGERON", FG_OFF);
-        if (isFree && its.linePeriod)
-            its.imagePeriod = *its.linePeriod * (number("FG_HEIGHT") + number("FG_YOFFSET"));
+        addSource(its);
         return its;
+    }
+
+    /** The periods of the lines and the images, where the settings fix them. */
+    void addSource(Expected& its) const {
+        if (!is("FG_CAMERASIMULATOR_ENABLE", FG_CAMERASIMULATOR)) return;
+        const bool isFree = is("FG_CAMERASIMULATOR_TRIGGER_MODE", SIMULATION_FREE_RUN);
+        const bool hasFrames = isFree && is("FG_CAMERASIMULATOR_SELECT_MODE", FG_FRAMERATE);
+        if (isFree && !hasFrames)
+            its.linePeriod = 1e6 / get<double>("FG_CAMERASIMULATOR_LINERATE");
+        else if (is("FG_CAMERASIMULATOR_TRIGGER_MODE", RISING_EDGE_TRIGGERS_LINE) && isExSyncAtCamera() &&
+                 its.hasEdges)
+            its.linePeriod = its.period;
+        if (!is("FG_IMGTRIGGERMODE", FREE_RUN) && !is("FG_IMGTRIGGERON", FG_OFF)) return;
+        // One image of so many is taken, and its lines may be more or fewer than those of a frame.
+        const double lines = number("FG_IMG_SELECT_PERIOD") * (number("FG_HEIGHT") + number("FG_YOFFSET"));
+        if (hasFrames)
+            its.imagePeriod = lines / number("FG_CAMERASIMULATOR_HEIGHT") * 1e6 /
+                              get<double>("FG_CAMERASIMULATOR_FRAMERATE");
+        else if (its.linePeriod)
+            its.imagePeriod = *its.linePeriod * lines;
+    }
+
+    bool isExSyncAtCamera() const {
+        return is("FG_EXSYNCON", FG_ON) && (is("FG_TRIGGERCAMERA_SOURCE", FG_SIGNAL_CAM0_EXSYNC) ||
+                                            is("FG_TRIGGERCAMERA_SOURCE", FG_SIGNAL_CAM0_EXSYNC2));
     }
 
     void connect(const std::vector<WaveRequest>& waves) {
@@ -105,19 +122,17 @@ private:
     void grab(const std::function<bool()>& goesOn) {
         constexpr Ticks longest = 2 * ticksPerSecond;
         constexpr std::size_t frames = 64; // memory for the first pictures
-        const std::int64_t lines = sourceLines(m_instance);
+        const WaitStart start = waitStart(m_instance);
         Grabber grabber(m_instance, frames);
         if (!m_window) lookAtStart();
         takePictures(grabber, longest, goesOn);
         if (m_timing.isInterrupted) return;
-        m_timing.lines = sourceLines(m_instance) - lines;
+        m_timing.lines = sourceLines(m_instance) - start.lines;
         m_timing.to = now();
         if (m_timing.pictures == 0)
-            m_timing.remarks.push_back(whyNoPicture(m_instance, m_parameters,
-                                                    {.lines = m_timing.lines,
-                                                     .from = m_timing.from,
-                                                     .longer = "the measurement ends after 2 s",
-                                                     .wave = "a --wave"}));
+            m_timing.remarks.push_back(whyNoPicture(
+                m_instance, m_parameters,
+                {.start = start, .longer = "the measurement ends after 2 s", .wave = "a --wave"}));
         addRows();
         while (m_window && !m_isWindowSeen && !m_timing.isInterrupted)
             next(grabber, m_window->to, goesOn);

@@ -68,7 +68,7 @@ private:
         takeWrites(session.instance());
         writeValue(session.instance(), {&parameter}, now.value);
         for (const std::string& line : takeWrites(session.instance()))
-            m_writers.try_emplace(writtenParameter(line), parameter.name);
+            m_writers.try_emplace(loggedAccess(line).parameter, parameter.name);
     }
 
     std::map<std::string, std::string> m_writers; // by value of the design
@@ -78,7 +78,7 @@ private:
 Words touchedNames(const LoadOutcome& load) {
     Words names;
     for (const std::string& line : load.writes)
-        names.push_back(writtenParameter(line));
+        names.push_back(loggedAccess(line).parameter);
     std::set<std::string> changed;
     for (const DesignChange& change : load.changes)
         changed.insert(change.parameter);

@@ -2,11 +2,12 @@
 
 #include "applet_tools/applet/access_log.h"
 #include "applet_tools/base/errors.h"
+#include "applet_tools/base/numbers.h"
 
 #include "vexo/fg_errors.h"
 
 #include <algorithm>
-#include <sstream>
+#include <string_view>
 
 namespace applet_tools {
 namespace {
@@ -18,15 +19,24 @@ void setOnScratch(ScratchSession& session, const json& wanted) {
         throw Failure(target.name() + " cannot be set on a scratch board: " + codeInWords(code));
 }
 
-/** Reads "set Device1_... u32 3". */
 DesignWrite writeIn(const std::string& line) {
-    std::string kind, width;
-    DesignWrite write{{}, 0};
-    std::istringstream(line) >> kind >> write.parameter >> width >> write.value;
-    return write;
+    const LoggedAccess access = loggedAccess(line);
+    return {access.parameter, wholeNumber<std::int64_t>(access.value).value_or(0)};
 }
 
 } // namespace
+
+std::vector<SignalRoute> routesOf(const ParameterList& parameters) {
+    constexpr std::string_view suffix = "_SOURCE";
+    std::vector<SignalRoute> routes;
+    for (const Parameter& parameter : parameters.all()) {
+        if (!parameter.name.ends_with(suffix)) continue;
+        const std::string output = parameter.name.substr(0, parameter.name.size() - suffix.size());
+        const auto polarity = std::ranges::find(parameters.all(), output + "_POLARITY", &Parameter::name);
+        if (polarity != parameters.all().end()) routes.push_back({output, {&parameter}, {&*polarity}});
+    }
+    return routes;
+}
 
 json routesJob(ScratchSession& session, const json& groups) {
     json answer = json::array();

@@ -1,4 +1,5 @@
-/** The writes of the applet for the present values of parameters, observed on a scratch board. */
+/** The routes of signals, and the writes of the applet for the present values of parameters, observed on a scratch
+ *  board. */
 #ifndef APPLET_TOOLS_ANSWERS_ROUTES_H
 #define APPLET_TOOLS_ANSWERS_ROUTES_H
 
@@ -10,6 +11,16 @@
 #include <vector>
 
 namespace applet_tools {
+
+/** A pair of parameters that selects the signal of an output, an analyzer or an event. */
+struct SignalRoute {
+    std::string output; /**< "FG_TRIGGERCAMERA" of FG_TRIGGERCAMERA_SOURCE and FG_TRIGGERCAMERA_POLARITY */
+    Target source;
+    Target polarity;
+};
+
+/** In the order of the list. */
+std::vector<SignalRoute> routesOf(const ParameterList& parameters);
 
 /** A design parameter and the value that the applet writes to it. */
 struct DesignWrite {

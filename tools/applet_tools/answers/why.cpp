@@ -132,9 +132,8 @@ AccessAnswer accessFrom(const json& message) {
 
 json answerTo(Probe& probe, const std::string& word) {
     const ParameterList& parameters = probe.session().parameters();
-    const bool isAssignment = word.find('=') != std::string::npos;
-    return isAssignment ? asMessage(whyRefused(probe, parseAssignments(parameters, {word}).front()))
-                        : asMessage(whyReadOnly(probe, findTarget(parameters, word)));
+    return isAssignment(word) ? asMessage(whyRefused(probe, parseAssignments(parameters, {word}).front()))
+                              : asMessage(whyReadOnly(probe, findTarget(parameters, word)));
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/numbers.h"
 #include "applet_tools/base/text.h"
+#include "applet_tools/base/words.h"
 
 namespace applet_tools {
 namespace {
@@ -75,7 +76,7 @@ std::uint32_t elementCount(const Parameter& parameter) {
 }
 
 Target findTarget(const ParameterList& parameters, std::string_view word) {
-    if (word.find('=') != std::string_view::npos)
+    if (isAssignment(word))
         throw UsageError(inQuotedWord(word) +
                          " is an assignment, and a name is wanted; give --with before each one, as in "
                          "'--with A=1 --with B=2'");

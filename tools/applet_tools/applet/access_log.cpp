@@ -110,10 +110,12 @@ std::vector<std::string> writesOf(const std::vector<std::string>& accesses) {
     return writes;
 }
 
-std::string writtenParameter(const std::string& line) {
-    std::string access, name;
-    std::istringstream(line) >> access >> name;
-    return name;
+LoggedAccess loggedAccess(const std::string& line) {
+    LoggedAccess found;
+    std::string mark;
+    std::istringstream(line) >> found.access >> found.parameter >> found.type >> found.value >> mark;
+    found.hasFailed = mark == "=";
+    return found;
 }
 
 } // namespace applet_tools

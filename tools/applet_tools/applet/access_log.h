@@ -23,8 +23,12 @@ std::vector<std::string> takeWrites(Instance& instance);
 /** The lines that are writes. */
 std::vector<std::string> writesOf(const std::vector<std::string>& accesses);
 
-/** "Device1_..." of "set Device1_... u32 5". */
-std::string writtenParameter(const std::string& line);
+/** The words of a line of the log, such as "set Device1_... u32 5". */
+struct LoggedAccess {
+    std::string access, parameter, type, value;
+    bool hasFailed = false; /**< "= CODE" follows the value */
+};
+LoggedAccess loggedAccess(const std::string& line);
 
 /** Lines of the log as a list of objects: {"access": "set", "parameter": "Device1_...", "type": "u32",
  *  "value": 2048}; "first" and "count" of a field, "error" of an access that failed. */

@@ -20,9 +20,9 @@ std::string advice(const Parameter& parameter, const Value& value, int code) {
         return "; the parameter is read-only: its value is measured, or fixed by the design";
     const auto* text = std::get_if<std::string>(&value);
     if (text != nullptr && code == FG_ERR_FILE_TYPE)
-        return "; " + inQuotes(toUtf8(text->c_str())) + " is no file that can be opened for reading";
+        return "; " + quotedText(*text) + " is no file that can be opened for reading";
     if (text != nullptr && code == FG_ERR_SAVE_CONFIG)
-        return "; see whether the folder of " + inQuotes(toUtf8(text->c_str())) +
+        return "; see whether the folder of " + quotedText(*text) +
                " exists and the file may be read and written";
     if (text == nullptr && code == FG_ERR_FILE_TYPE)
         return "; another parameter names the file: 'appletctl list FILE' shows those that do";

@@ -1,5 +1,7 @@
 #include "applet_tools/applet/hardware_values.h"
 
+#include "applet_tools/applet/published_limits.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -91,6 +93,11 @@ bool areNeighbours(const Parameter& parameter, const Value& saved, const Value& 
         return false;
     if (!(*first > 0) || !(*second > 0) || !isReading(*first)) return false;
     return std::fabs(std::round(cyclesOf(*first)) - std::round(cyclesOf(*second))) <= 1;
+}
+
+bool isComputedRate(const Parameter& parameter) {
+    return parameter.kind() == REGISTER_KIND_DOUBLE && parameter.name.starts_with("FG_CAMERASIMULATOR_") &&
+           accessWord(parameter) == "ro";
 }
 
 std::string requestedAndActual(const Parameter& parameter, const Value& requested, const Value& held) {

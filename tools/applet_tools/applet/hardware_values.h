@@ -24,6 +24,9 @@ Value requestFor(const Parameter& parameter, const Value& reading);
  *  differ that much. */
 bool areNeighbours(const Parameter& parameter, const Value& saved, const Value& loaded);
 
+/** True for a rate that the simulator computes from other parameters in its present mode. */
+bool isComputedRate(const Parameter& parameter);
+
 /** " (requested 33; the simulator makes 32 pixels at a time)", or the value that the hardware uses instead;
  *  empty if it uses the requested one. */
 std::string requestedAndActual(const Parameter& parameter, const Value& requested, const Value& held);

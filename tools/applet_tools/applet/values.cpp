@@ -19,8 +19,6 @@
 namespace applet_tools {
 namespace {
 
-template <typename T> constexpr bool isNumber = std::is_arithmetic_v<T>;
-
 int readText(Instance& instance, int id, std::string& text) {
     const auto& applet = instance.applet();
     char* allocated = nullptr;
@@ -174,7 +172,7 @@ ReadResult readValue(Instance& instance, const Target& target) {
     std::visit(
         [&](auto& value) {
             using T = std::decay_t<decltype(value)>;
-            if constexpr (isNumber<T>) reading.error = get(&value, tagOf<T>);
+            if constexpr (std::is_arithmetic_v<T>) reading.error = get(&value, tagOf<T>);
             if constexpr (std::is_same_v<T, std::string>) reading.error = readText(instance, id, value);
             if constexpr (std::is_same_v<T, Elements>)
                 reading.error = accessElements(target.elements->first, value, get);
@@ -212,7 +210,7 @@ int writeValue(Instance& instance, const Target& target, const Value& value) {
     const int code = std::visit(
         [&](auto native) { // a copy: the record of a run has a pointer to non-const
             using T = std::decay_t<decltype(native)>;
-            if constexpr (isNumber<T>) return set(&native, tagOf<T>);
+            if constexpr (std::is_arithmetic_v<T>) return set(&native, tagOf<T>);
             if constexpr (std::is_same_v<T, std::string>) return set(native.c_str(), FG_PARAM_TEXT);
             if constexpr (std::is_same_v<T, Elements>)
                 return accessElements(target.elements->first, native, set);
@@ -259,8 +257,8 @@ std::string valueText(const Parameter& parameter, const Value& value) {
             using T = std::decay_t<decltype(native)>;
             if constexpr (std::is_same_v<T, WholeArray>) return numberText(native.count) + " elements";
             if constexpr (std::is_same_v<T, Elements>) return elementsText(native);
-            if constexpr (std::is_same_v<T, std::string>) return inQuotes(toUtf8(native.c_str()));
-            if constexpr (isNumber<T>) {
+            if constexpr (std::is_same_v<T, std::string>) return quotedText(native);
+            if constexpr (std::is_arithmetic_v<T>) {
                 for (const Entry& entry : entriesOf(parameter))
                     if (static_cast<T>(entry.value) == native) return entryName(entry);
                 return numberText(native);
@@ -334,10 +332,15 @@ nlohmann::ordered_json valueAsJson(const Target& target, const Value& value) {
     return object;
 }
 
+bool isNumber(const Value& value) {
+    return std::visit([](const auto& native) { return std::is_arithmetic_v<std::decay_t<decltype(native)>>; },
+                      value);
+}
+
 double asDouble(const Value& number) {
     return std::visit(
         [](const auto& native) {
-            if constexpr (isNumber<std::decay_t<decltype(native)>>)
+            if constexpr (std::is_arithmetic_v<std::decay_t<decltype(native)>>)
                 return static_cast<double>(native);
             else
                 return 0.0;
@@ -348,7 +351,7 @@ double asDouble(const Value& number) {
 nlohmann::ordered_json numberAsJson(const Value& number) {
     return std::visit(
         [](const auto& native) -> nlohmann::ordered_json {
-            if constexpr (isNumber<std::decay_t<decltype(native)>>)
+            if constexpr (std::is_arithmetic_v<std::decay_t<decltype(native)>>)
                 return native;
             else
                 return nullptr;

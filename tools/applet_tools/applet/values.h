@@ -78,6 +78,9 @@ void addValue(nlohmann::ordered_json& object, const Target& target, const Value&
 /** The members of addValue as an object. */
 nlohmann::ordered_json valueAsJson(const Target& target, const Value& value);
 
+/** True for numbers and entries. */
+bool isNumber(const Value& value);
+
 /** A number as a double; 0 for texts and arrays. */
 double asDouble(const Value& number);
 

@@ -54,7 +54,7 @@ void Interruption::rearm() {
     watchSignals(nullptr);
 }
 
-bool Interruption::waitFor(int descriptor, short events, const Clock::time_point* due) const {
+bool Interruption::waitFor(int descriptor, short events, std::optional<Clock::time_point> due) const {
     const sigset_t ending = endingSignals();
     sigset_t before;
     // Unblocked only during the wait, so that no signal is lost between the check and the wait.
@@ -62,14 +62,14 @@ bool Interruption::waitFor(int descriptor, short events, const Clock::time_point
     bool goesOn = !isAsked();
     while (goesOn) {
         timespec timeout{};
-        if (due != nullptr) {
+        if (due) {
             const auto left =
                 std::chrono::duration_cast<std::chrono::nanoseconds>(*due - Clock::now()).count();
             if (left <= 0) break;
             timeout = {left / 1'000'000'000, left % 1'000'000'000};
         }
         pollfd watched{descriptor, events, 0};
-        const int result = ppoll(&watched, 1, due != nullptr ? &timeout : nullptr, &before);
+        const int result = ppoll(&watched, 1, due ? &timeout : nullptr, &before);
         if (result > 0 && events != 0) break;
         goesOn = result <= 0 && !isAsked();
     }
@@ -78,9 +78,11 @@ bool Interruption::waitFor(int descriptor, short events, const Clock::time_point
 }
 
 bool Interruption::waitUntil(Clock::time_point due) const {
-    return waitFor(STDOUT_FILENO, 0, &due); // without requested events poll reports only errors
+    return waitFor(STDOUT_FILENO, 0, due); // without requested events poll reports only errors
 }
 
-bool Interruption::waitReadable(int descriptor) const { return waitFor(descriptor, POLLIN, nullptr); }
+bool Interruption::waitReadable(int descriptor, std::optional<Clock::time_point> due) const {
+    return waitFor(descriptor, POLLIN, due);
+}
 
 } // namespace applet_tools

@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <csignal>
+#include <optional>
 
 namespace applet_tools {
 
@@ -21,14 +22,14 @@ public:
     bool isAsked() const;
     /** Clears the request: the next signal makes a new one. */
     void rearm();
-    /** Waits until the descriptor is readable. False when the command should end. */
-    bool waitReadable(int descriptor) const;
+    /** Waits until the descriptor is readable, or until `due`. False when the command should end. */
+    bool waitReadable(int descriptor, std::optional<Clock::time_point> due = {}) const;
     /** Waits until `due`. False when the command should end: a signal arrived, or the output's reader has
      *  closed. */
     bool waitUntil(Clock::time_point due) const;
 
 private:
-    bool waitFor(int descriptor, short events, const Clock::time_point* due) const;
+    bool waitFor(int descriptor, short events, std::optional<Clock::time_point> due) const;
 
     struct sigaction m_before[3] = {};
 };

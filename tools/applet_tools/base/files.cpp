@@ -23,7 +23,7 @@ namespace {
 namespace fs = std::filesystem;
 
 [[noreturn]] void fail(const std::string& file, const std::string& reason) {
-    throw Failure(inQuotes(toUtf8(file.c_str())) + " cannot be written: " + reason);
+    throw Failure(shownFile(file) + " cannot be written: " + reason);
 }
 
 /** Throws with errno as the reason. */
@@ -90,8 +90,7 @@ public:
         }
         if (m_descriptor >= 0) return;
         const std::string reason = std::strerror(errno);
-        fail(m_target,
-             "no file can be made in its folder " + inQuotes(toUtf8(folder.c_str())) + ": " + reason);
+        fail(m_target, "no file can be made in its folder " + shownFile(folder) + ": " + reason);
     }
     ~Replacement() {
         close(m_descriptor);
@@ -191,6 +190,17 @@ std::optional<std::string> textOfFile(const std::string& path) {
     while (stream.read(part.data(), static_cast<std::streamsize>(part.size())) || stream.gcount() > 0)
         text.append(part.data(), static_cast<std::size_t>(stream.gcount()));
     return stream.is_open() && !stream.bad() ? std::optional(std::move(text)) : std::nullopt;
+}
+
+void refuseUnreadable(const std::string& path, const std::string& reason) {
+    throw UsageError(shownFile(path) + " is no file that can be read" +
+                     (reason.empty() ? "" : ": " + reason));
+}
+
+std::string requiredTextOfFile(const std::string& path) {
+    auto text = textOfFile(path);
+    if (!text) refuseUnreadable(path);
+    return std::move(*text);
 }
 
 void openStandardStreams() {

@@ -10,6 +10,10 @@ namespace applet_tools {
 
 /** The text of a regular file; empty if there is no readable one. */
 std::optional<std::string> textOfFile(const std::string& path);
+/** The same; throws UsageError if there is no readable file. */
+std::string requiredTextOfFile(const std::string& path);
+/** A user's file cannot be read. Throws UsageError with the reason, if there is one. */
+[[noreturn]] void refuseUnreadable(const std::string& path, const std::string& reason = "");
 
 /**
  * Writes the whole file or nothing: the content goes to a new file in the same folder, which replaces the old

@@ -1,7 +1,10 @@
 #include "applet_tools/base/text.h"
 
+#include "applet_host/latin1.h"
+
 #include <algorithm>
 #include <numeric>
+#include <utility>
 
 namespace applet_tools {
 namespace {
@@ -37,18 +40,7 @@ bool isUtf8(std::string_view text) {
 
 std::string toUtf8(const char* text) {
     const std::string_view bytes = text != nullptr ? text : "";
-    if (isUtf8(bytes)) return std::string(bytes);
-    std::string converted;
-    for (const char c : bytes) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte < 0x80) {
-            converted += c;
-        } else {
-            converted += static_cast<char>(0xC0 | (byte >> 6));
-            converted += static_cast<char>(0x80 | (byte & 0x3F));
-        }
-    }
-    return converted;
+    return isUtf8(bytes) ? std::string(bytes) : applet_host::utf8FromLatin1(bytes);
 }
 
 std::string printable(std::string_view text) {
@@ -85,6 +77,8 @@ std::string inQuotes(std::string_view text) {
     return '"' + printable(marked) + '"';
 }
 
+std::string quotedText(const std::string& text) { return inQuotes(toUtf8(text.c_str())); }
+
 std::size_t displayWidth(std::string_view text) {
     std::size_t width = 0;
     bool isInSequence = false;
@@ -113,7 +107,7 @@ std::string asShellWord(std::string_view word) {
     constexpr std::string_view plain =
         "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-./+,:@%=";
     const bool isPlain = !word.empty() && word.find_first_not_of(plain) == std::string_view::npos;
-    return isPlain ? std::string(word) : inQuotes(toUtf8(std::string(word).c_str()));
+    return isPlain ? std::string(word) : quotedText(std::string(word));
 }
 
 std::string lowerCase(std::string_view text) {
@@ -137,19 +131,21 @@ std::size_t editDistance(std::string_view a, std::string_view b) {
     constexpr std::size_t farthest = 64;
     const std::size_t least = std::max(a.size(), b.size()) - std::min(a.size(), b.size());
     if (least > farthest) return least;
-    std::vector<std::size_t> row(b.size() + 1);
+    std::vector<std::size_t> row(b.size() + 1), above, second; // the rows above it, the nearest first
     std::iota(row.begin(), row.end(), std::size_t{0});
     for (std::size_t i = 0; i < a.size(); ++i) {
-        std::size_t diagonal = row[0];
+        second = std::exchange(above, row);
         row[0] = i + 1;
         for (std::size_t k = 0; k < b.size(); ++k) {
-            const std::size_t replaced = diagonal + (a[i] == b[k] ? 0 : 1);
-            diagonal = row[k + 1];
-            row[k + 1] = std::min({replaced, row[k] + 1, row[k + 1] + 1});
+            row[k + 1] = std::min({above[k] + (a[i] == b[k] ? 0 : 1), row[k] + 1, above[k + 1] + 1});
+            if (i > 0 && k > 0 && a[i] == b[k - 1] && a[i - 1] == b[k])
+                row[k + 1] = std::min(row[k + 1], second[k - 1] + 1);
         }
     }
     return row.back();
 }
+
+std::size_t farthestTypo(std::string_view word) { return std::max<std::size_t>(1, (word.size() + 1) / 3); }
 
 std::vector<std::string> nearestWords(std::string_view word, const std::vector<std::string>& candidates) {
     constexpr std::size_t mostWords = 3, ofPart = 2;
@@ -161,13 +157,13 @@ std::vector<std::string> nearestWords(std::string_view word, const std::vector<s
         return part.size() > 2 && whole.find(part) != std::string::npos;
     };
     const std::string wanted = comparable(word);
-    const std::size_t farthest = std::max<std::size_t>(2, wanted.size() / 3);
+    const std::size_t farthest = farthestTypo(wanted);
     std::vector<std::pair<std::size_t, std::string>> near;
     for (const std::string& candidate : candidates) {
         const std::string known = comparable(candidate);
-        const std::size_t distance =
-            isPartOf(wanted, known) || isPartOf(known, wanted) ? ofPart : editDistance(wanted, known);
-        if (!known.empty() && distance <= farthest) near.emplace_back(distance, candidate);
+        const bool isPart = isPartOf(wanted, known) || isPartOf(known, wanted);
+        const std::size_t distance = isPart ? ofPart : editDistance(wanted, known);
+        if (!known.empty() && (isPart || distance <= farthest)) near.emplace_back(distance, candidate);
     }
     std::stable_sort(near.begin(), near.end(),
                      [](const auto& a, const auto& b) { return a.first < b.first; });

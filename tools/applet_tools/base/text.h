@@ -19,6 +19,12 @@ std::string printable(std::string_view text);
 /** The text in double quotes, printable, with its quotes and backslashes escaped by a backslash. */
 std::string inQuotes(std::string_view text);
 
+/** A text of the applet or a user, converted to UTF-8, in quotes like inQuotes. */
+std::string quotedText(const std::string& text);
+
+/** The same for the name of a file. */
+inline std::string shownFile(const std::string& file) { return quotedText(file); }
+
 /** Number of characters of a UTF-8 text; colour sequences do not count. */
 std::size_t displayWidth(std::string_view text);
 
@@ -35,9 +41,12 @@ std::string lowerCase(std::string_view text);
 
 std::string join(const std::vector<std::string>& parts, std::string_view separator);
 
-/** Number of single characters to insert, remove or replace to turn `a` into `b`; a lower bound if the lengths
- *  differ much. */
+/** Number of single characters to insert, remove or replace, or neighbours to swap, to turn `a` into `b`; a lower
+ *  bound if the lengths differ much. */
 std::size_t editDistance(std::string_view a, std::string_view b);
+
+/** The largest editDistance of a misspelt word: one for each three letters, at least one. */
+std::size_t farthestTypo(std::string_view word);
 
 /** The candidates that a user may have meant by the word, the likeliest first, at most three. Ignores case and
  *  the prefix "FG_"; a part of a candidate counts as similar to it. */

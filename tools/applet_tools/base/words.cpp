@@ -33,6 +33,8 @@ bool takeWord(const std::string& text, std::size_t& place, std::string& word) {
 
 } // namespace
 
+bool isAssignment(std::string_view word) { return word.find('=') != std::string_view::npos; }
+
 WordLine splitLine(const std::string& text) {
     WordLine line;
     std::size_t place = 0;

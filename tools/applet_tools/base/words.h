@@ -4,11 +4,15 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace applet_tools {
 
 using Words = std::vector<std::string>;
+
+/** True for a word of the form NAME=VALUE; any other word is a name or a file. */
+bool isAssignment(std::string_view word);
 
 /** Words as sh reads them: separated by blanks, with '..', ".." and backslashes to quote blanks and quotes;
  * # at the beginning of a word starts a comment. */

@@ -17,8 +17,28 @@ Pixel pixelAt(const PictureView& picture, std::uint32_t x, std::uint32_t y) {
             componentAt(picture, y, first)};
 }
 
+namespace {
+
+/** The lines of 8 bits, by far the most frequent ones: a byte is a component. */
+void unpackBytes(const PictureView& picture, std::uint32_t line, std::vector<std::uint16_t>& components) {
+    const std::uint8_t* const bytes =
+        picture.bytes.subspan(std::size_t{line} * picture.bytesPerLine, components.size()).data();
+    std::uint16_t* const place = components.data();
+    for (std::size_t i = 0; i < components.size(); i += 3) {
+        place[i] = bytes[i + 2];
+        place[i + 1] = bytes[i + 1];
+        place[i + 2] = bytes[i];
+    }
+}
+
+} // namespace
+
 void unpackLine(const PictureView& picture, std::uint32_t line, std::vector<std::uint16_t>& components) {
     components.resize(std::size_t{3} * picture.width);
+    if (picture.bits == 8) {
+        unpackBytes(picture, line, components);
+        return;
+    }
     for (std::uint32_t x = 0; x < picture.width; ++x) {
         const Pixel pixel = pixelAt(picture, x, line);
         std::uint16_t* const place = components.data() + std::size_t{3} * x;

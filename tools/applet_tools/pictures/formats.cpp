@@ -34,8 +34,7 @@ const PictureFormat& formatOfFile(const std::string& file, const std::string& ad
         if (name.ends_with(format.suffix) ||
             (format.otherSuffix != nullptr && name.ends_with(format.otherSuffix)))
             return format;
-    throw UsageError(inQuotes(toUtf8(file.c_str())) +
-                     " does not end with .png, .tiff, .ppm or .raw: " + advice);
+    throw UsageError(shownFile(file) + " does not end with .png, .tiff, .ppm or .raw: " + advice);
 }
 
 std::string encodePpm(const PictureView& picture) {
@@ -72,7 +71,7 @@ NumberedName::NumberedName(const std::string& pattern) {
             part = &m_behind;
         } else {
             throw UsageError(
-                inQuotes(toUtf8(pattern.c_str())) +
+                quotedText(pattern) +
                 ": one %d, or %06d, stands for the number of the picture; write %% for a percent");
         }
         i = end;
@@ -96,7 +95,7 @@ void PictureFiles::expect(std::int64_t pictures) {
     m_hasPages = pictures != 1 && !m_name.isNumbered() && m_format->encode == encodeTiff;
     if (pictures != 1 && !m_name.isNumbered() && !m_hasPages && m_pattern != "-")
         throw UsageError(
-            inQuotes(toUtf8(m_pattern.c_str())) + " is one file, and " +
+            shownFile(m_pattern) + " is one file, and " +
             (pictures == 0 ? "several pictures may come" : numberText(pictures) + " pictures are wanted") +
             ": put a %d into its name, or write a .tiff, which has pages");
 }

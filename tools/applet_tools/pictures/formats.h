@@ -31,6 +31,8 @@ const PictureFormat& formatOfFile(const std::string& file, const std::string& ad
 std::string encodePng(const PictureView& picture);
 /** The same as one page with LZW compression. */
 std::string encodeTiff(const PictureView& picture);
+/** A JPEG file of the upper 8 bits of each component, with a quality of 1 to 100. */
+std::string encodeJpeg(const PictureView& picture, int quality);
 /** A TIFF file with several pages, in memory. */
 class TiffPages {
 public:

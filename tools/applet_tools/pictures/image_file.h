@@ -1,4 +1,5 @@
-/** Reads images from files. */
+/** Reads images from files, of all kinds that the libraries convert, at full scale. The board has a reader of its
+ *  own: it depends on no library, and keeps the bits of a debug image as they are in the file. */
 #ifndef APPLET_TOOLS_PICTURES_IMAGE_FILE_H
 #define APPLET_TOOLS_PICTURES_IMAGE_FILE_H
 

@@ -12,6 +12,8 @@
 namespace applet_tools {
 namespace {
 
+constexpr std::size_t mostSteps = 50; // a step is some hundred kilobytes, and a station runs for long
+
 /** Calls `use` for the design parameters that the applet writes; the rest is status. */
 template <typename Use> void forWrittenDesign(Instance& instance, Use use) {
     const ParameterList design(instance, ParameterList::Scope::design);
@@ -107,6 +109,7 @@ void History::end() {
     const bool isChanged = after.design != m_begin->design ||
                            std::ranges::any_of(differingNames(m_begin->values, after.values), isSettable);
     if (isChanged) m_steps.push_back(std::move(*m_begin));
+    if (m_steps.size() > mostSteps) m_steps.pop_front();
     m_begin.reset();
 }
 

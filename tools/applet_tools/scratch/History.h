@@ -5,6 +5,7 @@
 #include "applet_tools/scratch/BoardState.h"
 #include "applet_tools/scratch/LiveSession.h"
 
+#include <deque>
 #include <optional>
 #include <set>
 #include <string>
@@ -37,7 +38,7 @@ public:
     explicit History(LiveSession& live) : m_live(live) {}
 
     /** Call before a command, with its line, and after it. The changes in between become a step that can be
-     *  undone. */
+     *  undone; the latest fifty are kept. */
     void begin(const std::string& line);
     void end();
 
@@ -66,7 +67,7 @@ private:
     LiveSession& m_live;
     std::set<std::string> m_settable; // empty until asked for
     std::optional<Moment> m_begin;
-    std::vector<Moment> m_steps; // the latest at the end
+    std::deque<Moment> m_steps; // the latest at the end
 };
 
 } // namespace applet_tools

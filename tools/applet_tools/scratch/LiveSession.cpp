@@ -34,8 +34,7 @@ Instance& LiveSession::instance() {
         m_options, m_host, m_publishesDesign ? DesignParameters::published : DesignParameters::asSwitched);
     const char* const kind = m_host->isVirtual() ? "virtual board" : "board of the system";
     m_notes.push_back(std::string(m_options.offline ? "instance without a board" : kind) +
-                      ": brought up in " + watch.text() + ", by " +
-                      inQuotes(toUtf8(m_host->files().back().c_str())));
+                      ": brought up in " + watch.text() + ", by " + shownFile(m_host->files().back()));
     if (station && m_options.look) // nothing is set
         connectStation(made.board(), made.device(), *station);
     else if (station)

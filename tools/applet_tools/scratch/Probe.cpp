@@ -90,11 +90,13 @@ std::set<std::string, std::less<>> storedOtherwise(ScratchSession& session) {
     return names;
 }
 
-} // namespace
+bool mayChange(const Wish& wish, const Change& change) { return wish.excluded != change.place; }
 
-bool isNumber(const Value& value) {
-    return withNumber<bool>(value, false, [](auto) { return true; });
+bool isExcludedByAll(const std::vector<Wish>& wishes, std::size_t place) {
+    return std::ranges::all_of(wishes, [&](const Wish& wish) { return wish.excluded == place; });
 }
+
+} // namespace
 
 std::uint64_t rankOf(const Value& number) {
     return withNumber<std::uint64_t>(number, 0, [](auto native) -> std::uint64_t {
@@ -142,6 +144,12 @@ ParameterState Probe::currentState(std::size_t place) const {
     return applet_tools::currentState(m_session.instance(), at(place));
 }
 
+Value Probe::valueOf(const Target& target) const { return readValue(m_session.instance(), target).value; }
+
+void Probe::putBack(const Target& target, const Value& value) {
+    writeValue(m_session.instance(), target, requestFor(*target.parameter, value));
+}
+
 int Probe::write(const Target& target, const Value& value) {
     const int code = writeValue(m_session.instance(), target, value);
     if (code != FG_ERR_NOT_AVAILABLE) m_isTouched = true; // other refusals may have changed something
@@ -149,22 +157,43 @@ int Probe::write(const Target& target, const Value& value) {
 }
 
 int Probe::answer(const Target& target, const Value& value) {
-    const Value before = readValue(m_session.instance(), target).value;
+    const Value before = valueOf(target);
     const int code = write(target, value);
-    if (code == FG_OK) writeValue(m_session.instance(), target, requestFor(*target.parameter, before));
+    if (code == FG_OK) putBack(target, before);
     return code;
+}
+
+std::vector<int> Probe::answers(std::size_t place, const std::vector<Value>& values) {
+    if (values.empty()) return {};
+    const Target target{&at(place)};
+    const auto present = std::ranges::find(values, readValue(m_session.instance(), target).value);
+    std::vector<int> codes;
+    codes.reserve(values.size());
+    for (const Value& value : values) {
+        if (present == values.end()) {
+            codes.push_back(answer(target, value));
+            continue;
+        }
+        codes.push_back(value == *present ? FG_OK : write(target, value));
+        if (codes.back() != FG_OK) write(target, *present); // a refused one may have moved others
+    }
+    if (present != values.end())
+        codes[static_cast<std::size_t>(present - values.begin())] = write(target, *present);
+    return codes;
 }
 
 bool Probe::tryChange(const Change& change, const std::function<void()>& look) {
     const Target target{&at(change.place)};
-    const Value before = readValue(m_session.instance(), target).value;
-    const int code = write(target, change.value);
-    ++m_depth;
-    if (code == FG_OK) look();
-    --m_depth;
-    if (code == FG_OK) writeValue(m_session.instance(), target, requestFor(*target.parameter, before));
-    if (readValue(m_session.instance(), target).value != before) restore();
-    return code == FG_OK;
+    const Value before = valueOf(target);
+    const bool isAccepted = write(target, change.value) == FG_OK;
+    if (isAccepted) {
+        ++m_depth;
+        look();
+        --m_depth;
+        putBack(target, before);
+    }
+    if (valueOf(target) != before) restore(); // a refused value may have been stored, too
+    return isAccepted;
 }
 
 void Probe::restore() {
@@ -285,32 +314,34 @@ std::vector<std::size_t> Probe::trueWith(const Change& change, const std::vector
     return found;
 }
 
-std::vector<Ways> Probe::pairsFor(const std::vector<Wish>& wishes) {
-    std::vector<Ways> pairs(wishes.size());
-    const auto isFreed = [&](std::size_t place) {
-        const RegisterInfo* const record = at(place).record;
-        return record != nullptr && ((record->access & ~facts(place).access) & REGISTER_ACCESS_WRITE) != 0;
-    };
-    const auto lookBehind = [&](const Change& first, std::size_t place) {
-        for (const Value& value : otherValues(place))
-            tryChange({place, value}, [&] {
-                for (std::size_t i = 0; i < wishes.size(); ++i) {
-                    const std::size_t excluded = wishes[i].excluded;
-                    if (excluded != first.place && excluded != place && wishes[i].isTrue())
-                        pairs[i].push_back({first, {place, value}});
-                }
-            });
-    };
-    const auto isExcluded = [&](std::size_t place) {
-        return std::ranges::all_of(wishes, [&](const Wish& wish) { return wish.excluded == place; });
+bool Probe::isFreed(std::size_t place) const {
+    const RegisterInfo* const record = at(place).record;
+    return record != nullptr && ((record->access & ~facts(place).access) & REGISTER_ACCESS_WRITE) != 0;
+}
+
+void Probe::addPairsAfter(const Change& first, const std::vector<Wish>& wishes, std::vector<Ways>& pairs) {
+    const auto trySecond = [&](const Change& second) {
+        tryChange(second, [&] {
+            for (std::size_t i = 0; i < wishes.size(); ++i)
+                if (mayChange(wishes[i], first) && mayChange(wishes[i], second) && wishes[i].isTrue())
+                    pairs[i].push_back({first, second});
+        });
     };
     for (std::size_t place = 0; place < count(); ++place) {
-        if (isExcluded(place) || at(place).kind() != REGISTER_KIND_ENUM) continue;
+        if (isExcludedByAll(wishes, place) || !isFreed(place)) continue;
         for (const Value& value : otherValues(place))
-            tryChange({place, value}, [&] {
-                for (std::size_t second = 0; second < count(); ++second)
-                    if (!isExcluded(second) && isFreed(second)) lookBehind({place, value}, second);
-            });
+            trySecond({place, value});
+    }
+}
+
+std::vector<Ways> Probe::pairsFor(const std::vector<Wish>& wishes) {
+    std::vector<Ways> pairs(wishes.size());
+    for (std::size_t place = 0; place < count(); ++place) {
+        if (isExcludedByAll(wishes, place) || at(place).kind() != REGISTER_KIND_ENUM) continue;
+        for (const Value& value : otherValues(place)) {
+            const Change first{place, value};
+            tryChange(first, [&] { addPairsAfter(first, wishes, pairs); });
+        }
         restore();
     }
     return pairs;

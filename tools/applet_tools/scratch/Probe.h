@@ -19,8 +19,6 @@ namespace applet_tools {
 std::uint64_t rankOf(const Value& number);
 /** The number with that rank, of the same type as `like`. */
 Value numberAt(std::uint64_t rank, const Value& like);
-/** True for numbers and entries. */
-bool isNumber(const Value& value);
 
 /** A change of one parameter. */
 struct Change {
@@ -56,6 +54,9 @@ public:
     /** The setter's answer to the value. */
     int answer(const Target& target, const Value& value);
     int answer(const Change& change) { return answer({&at(change.place)}, change.value); }
+    /** The setter's answers to several values of a parameter, the fastest way: the present one is set last, so that
+     *  none of the others needs to be taken back. */
+    std::vector<int> answers(std::size_t place, const std::vector<Value>& values);
     /** Calls `look` with this value set; false, without a call, if the setter refuses it. */
     bool tryChange(const Change& change, const std::function<void()>& look);
 
@@ -87,12 +88,20 @@ private:
     /** Repeats the loads and resets changed values; false if values still differ. A fresh start is much slower. */
     bool setBack();
     void loadBack();
+    Value valueOf(const Target& target) const;
     int write(const Target& target, const Value& value);
+    /** Sets a value that was read before. */
+    void putBack(const Target& target, const Value& value);
     std::vector<std::vector<Change>> changesFor(const std::vector<Wish>& wishes);
     /** The wishes in `asked`, by index, that the change fulfils. */
     std::vector<std::size_t> trueWith(const Change& change, const std::vector<Wish>& wishes,
                                       const std::vector<std::size_t>& asked);
+    /** True for a parameter that is writable at present, but not in the state of the probe. */
+    bool isFreed(std::size_t place) const;
+    /** For each wish: a change of an enumeration, then one of a parameter that it makes writable. */
     std::vector<Ways> pairsFor(const std::vector<Wish>& wishes);
+    /** Tries the second changes while the first one is set. */
+    void addPairsAfter(const Change& first, const std::vector<Wish>& wishes, std::vector<Ways>& pairs);
     bool holdsWith(const Change& change, const std::function<bool()>& condition);
     Value nearest(const Change& found, const std::function<bool()>& condition);
 

@@ -4,6 +4,7 @@
 #include "applet_tools/applet/access_log.h"
 #include "applet_tools/applet/files/ConfigurationFile.h"
 #include "applet_tools/applet/files/MemoryFile.h"
+#include "applet_tools/applet/hardware_values.h"
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/text.h"
 
@@ -97,6 +98,13 @@ defaultsAndRolesOf(LiveSession& live, const std::vector<const Parameter*>& param
     return defaultsAndRoles;
 }
 
+bool isChanged(LiveSession& live, const Parameter& parameter, const DefaultAndRole& known, const Value& now) {
+    if (!known.start || *known.start == now || isComputedRate(parameter)) return false;
+    const LoadHistory& loads = live.instance().loads();
+    const bool isLoaded = !loads.texts.empty() && !loads.setSince.contains(parameter.id);
+    return !isLoaded || !areNeighbours(parameter, *known.start, now);
+}
+
 nlohmann::ordered_json changedSettings(LiveSession& live) {
     std::vector<const Parameter*> parameters;
     for (const Parameter& parameter : live.parameters().all())
@@ -107,7 +115,7 @@ nlohmann::ordered_json changedSettings(LiveSession& live) {
         const Target target = wholeOf(*parameter);
         const ReadResult reading = live.read(target);
         if (reading.error != FG_OK || !reading.isMeasured ||
-            !known.at(parameter->name).isChanged(reading.value))
+            !isChanged(live, *parameter, known.at(parameter->name), reading.value))
             continue;
         const bool isArray = elementCount(*parameter) > 0;
         changed[parameter->name] =

@@ -18,9 +18,6 @@ struct DefaultAndRole {
     bool isSettable = false;    /**< false for measurements and other values for which every set is refused */
     std::string fileRole;       /**< "restored", "reader" (saved, but ignored by a load), "none"; empty if
                                      not requested */
-
-    /** True for a setting that differs from its value after a bring-up. */
-    bool isChanged(const Value& now) const { return start && *start != now; }
 };
 
 enum class FileRoles { unasked, asked };
@@ -28,6 +25,10 @@ enum class FileRoles { unasked, asked };
 /** By name. Each file role takes a load. */
 std::map<std::string, DefaultAndRole>
 defaultsAndRolesOf(LiveSession& live, const std::vector<const Parameter*>& parameters, FileRoles roles);
+
+/** True for a setting that differs from its value after a bring-up. False for a simulator rate that the present mode
+ *  computes, or that a load has moved by one of its clock cycles. */
+bool isChanged(LiveSession& live, const Parameter& parameter, const DefaultAndRole& known, const Value& now);
 
 /** The settings that differ from their value after a bring-up, as {NAME: VALUE}; for an array only its number
  *  of elements. */

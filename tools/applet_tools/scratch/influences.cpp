@@ -7,15 +7,6 @@
 namespace applet_tools {
 namespace {
 
-/** The setter's code for each entry of an enumeration; empty for other kinds. */
-std::vector<int> answersToEntries(Probe& probe, std::size_t place) {
-    std::vector<int> codes;
-    if (probe.at(place).kind() != REGISTER_KIND_ENUM) return codes;
-    for (const Entry& entry : entriesOf(probe.at(place)))
-        codes.push_back(probe.answer({place, entry.value}));
-    return codes;
-}
-
 /** Values that limits or grid should exclude. */
 std::vector<Value> doubtfulValues(const Probe& probe, std::size_t place) {
     const auto& limits = probe.facts(place).limits;
@@ -32,7 +23,8 @@ class Search {
 public:
     explicit Search(ScratchSession& session) : m_probe(session) {
         for (std::size_t place = 0; place < m_probe.count(); ++place) {
-            m_entries.push_back(answersToEntries(m_probe, place));
+            m_entries.push_back(entryValues(m_probe.at(place)));
+            m_answers.push_back(m_probe.answers(place, m_entries[place]));
             addCodes(place);
         }
         m_probe.restore();
@@ -47,8 +39,15 @@ public:
     json answer() const { return {{"influences", m_rows}, {"codes", m_codes}}; }
 
 private:
+    static std::vector<Value> entryValues(const Parameter& parameter) {
+        std::vector<Value> values;
+        for (const Entry& entry : entriesOf(parameter))
+            values.emplace_back(entry.value);
+        return values;
+    }
+
     void addCodes(std::size_t place) {
-        std::set<int> codes(m_entries[place].begin(), m_entries[place].end());
+        std::set<int> codes(m_answers[place].begin(), m_answers[place].end());
         for (const Value& value : doubtfulValues(m_probe, place))
             codes.insert(m_probe.answer({place, value}));
         codes.erase(FG_OK);
@@ -61,7 +60,7 @@ private:
             const Parameter& other = m_probe.at(place);
             for (const Move& move : movesBetween(other, m_probe.facts(place), m_probe.currentState(place)))
                 add(change, other, move);
-            if (answersToEntries(m_probe, place) != m_entries[place])
+            if (m_probe.answers(place, m_entries[place]) != m_answers[place])
                 add(change, other, {"accepted values", "", ""});
         }
     }
@@ -78,7 +77,8 @@ private:
     }
 
     Probe m_probe;
-    std::vector<std::vector<int>> m_entries; // in the state of the probe
+    std::vector<std::vector<Value>> m_entries; // of enumerations; empty for other kinds
+    std::vector<std::vector<int>> m_answers;   // in the state of the probe
     std::set<std::vector<std::string>> m_seen;
     json m_rows = json::array();
     json m_codes = json::object();

@@ -6,7 +6,6 @@
 #include "vexo/fg_errors.h"
 
 #include <algorithm>
-#include <sstream>
 
 namespace applet_tools {
 namespace {
@@ -52,10 +51,10 @@ std::vector<DesignCause> designRead(Probe& probe, const Subject& subject, const 
     isTaken(probe, subject, accepted);
     std::vector<DesignCause> read;
     for (const std::string& line : takeWrites(instance)) {
-        std::string access, parameter, type, value;
-        std::istringstream(line) >> access >> parameter >> type >> value;
-        const bool isKnown = std::ranges::find(read, parameter, &DesignCause::parameter) != read.end();
-        if (access == "get" && !parameter.starts_with('#') && !isKnown) read.push_back({parameter, value});
+        const LoggedAccess access = loggedAccess(line);
+        const bool isKnown = std::ranges::find(read, access.parameter, &DesignCause::parameter) != read.end();
+        if (access.access == "get" && !access.parameter.starts_with('#') && !isKnown)
+            read.push_back({access.parameter, access.value});
     }
     instance.board().log_kinds(instance.device(), 0);
     return read;

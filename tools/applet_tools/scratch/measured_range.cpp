@@ -118,7 +118,9 @@ Value nearestIn(const MeasuredRange& range, const Value& wanted) {
     const std::uint64_t rank = rankOf(wanted), low = rankOf(range.minimum), high = rankOf(range.maximum);
     if (rank <= low) return range.minimum;
     if (rank >= high) return range.maximum;
-    return numberAt(range.step > 1 ? low + (rank - low) / range.step * range.step : rank, wanted);
+    if (range.step <= 1) return numberAt(rank, wanted);
+    const std::uint64_t below = low + (rank - low) / range.step * range.step, above = below + range.step;
+    return numberAt(above <= high && above - rank < rank - below ? above : below, wanted);
 }
 
 std::optional<Value> nearestAccepted(Probe& probe, const Target& target, const Value& wanted) {

@@ -31,22 +31,55 @@ std::string shownValue(const Document& value) {
     return shortened(printable(text), most);
 }
 
-/** Refuses documents that the library accepts: with duplicate names, or very deep ones. */
+/** Refuses documents that the library accepts: with duplicate names, or very deep ones. Knows the place of the value
+ *  that is read. */
 class Watcher {
 public:
     bool operator()(int depth, Document::parse_event_t event, Document& parsed) {
+        using Event = Document::parse_event_t;
         if (depth > deepest) throw UsageError("it is nested deeper than any station");
-        if (event == Document::parse_event_t::object_start) m_names.emplace_back();
-        if (event == Document::parse_event_t::object_end) m_names.pop_back();
-        if (event == Document::parse_event_t::key && !m_names.back().insert(parsed.get<std::string>()).second)
-            throw UsageError("the name " + inQuotes(parsed.get<std::string>()) +
-                             " comes twice in an object: leave one of them out");
+        if (event == Event::object_start || event == Event::array_start)
+            m_open.push_back({.isArray = event == Event::array_start});
+        if (event == Event::object_end || event == Event::array_end) m_open.pop_back();
+        if (event == Event::key) enter(parsed.get<std::string>());
+        const bool isValue = event == Event::value || event == Event::object_end || event == Event::array_end;
+        if (isValue && !m_open.empty()) ++m_open.back().count;
         return true;
+    }
+    /** "objects[2].place"; empty for the document itself. */
+    std::string path() const {
+        std::string path;
+        for (const Level& level : m_open)
+            path += level.isArray ? "[" + numberText(level.count) + "]"
+                                  : (path.empty() ? "" : ".") + printable(level.name);
+        return path;
     }
 
 private:
-    std::vector<std::set<std::string>> m_names; // of the objects that are open
+    /** An object or an array that is open. */
+    struct Level {
+        bool isArray;
+        std::size_t count = 0; /**< of values before this one */
+        std::string name{};    /**< of the value in an object */
+        std::set<std::string> names{};
+    };
+
+    void enter(const std::string& name) {
+        Level& level = m_open.back();
+        level.name = name;
+        if (!level.names.insert(name).second)
+            throw UsageError("the name " + inQuotes(name) +
+                             " comes twice in an object: leave one of them out");
+    }
+
+    std::vector<Level> m_open;
 };
+
+/** The number in the library's message about one that is too large: "... '1e400'". */
+std::string numberIn(const std::string& message) {
+    const std::size_t begin = message.find('\''), end = message.rfind('\'');
+    return begin < end ? shortened(printable(message.substr(begin + 1, end - begin - 1)), 60) : "the number";
+}
 
 } // namespace
 
@@ -58,7 +91,11 @@ Document parseDocument(const std::string& text) {
         });
     } catch (const Document::parse_error& error) {
         throw UsageError(placeIn(text, error.byte) + ": this is not JSON");
-    } catch (const Document::exception&) { // for example a number that is too large
+    } catch (const Document::out_of_range& error) {
+        const std::string path = watcher.path();
+        throw UsageError(path + (path.empty() ? "" : ": ") + "found " + numberIn(error.what()) +
+                         "; expected a number that a double can hold, up to 1.79e308");
+    } catch (const Document::exception&) {
         throw UsageError("it has a value that cannot be read");
     }
 }

@@ -29,6 +29,10 @@ public:
     const std::string& path() const { return m_path; }
     bool isArray() const { return m_value->is_array(); }
     bool isObject() const { return m_value->is_object(); }
+    /** Its number; empty if it is not a number. */
+    std::optional<double> asNumber() const {
+        return m_value->is_number() ? std::optional(m_value->get<double>()) : std::nullopt;
+    }
 
     /** Checks that it is an object and has only these members. */
     void requireObject(const Words& members) const;

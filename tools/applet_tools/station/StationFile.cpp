@@ -198,6 +198,9 @@ void readObjects(const DocumentField& field, StationScene& scene) {
         const auto times = one.find("times");
         const std::int64_t count = times ? times->whole(1, most, "a number of objects") : 1;
         const std::int64_t distance = count > 1 ? micrometresOf(one.at("every", lengthWanted)) : 0;
+        if (count > 1 && std::abs(distance) < object.length)
+            one.at("every", lengthWanted)
+                .refuseAs("the length of an object or more, so that they do not overlap");
         if (count + static_cast<std::int64_t>(scene.objects.size()) > most)
             one.refuse("a scene has at most " + numberText(most) + " objects");
         constexpr double farthest = 1e12; // micrometres
@@ -241,14 +244,16 @@ StationFile parseStation(const std::string& text, const std::string& folder) {
                         "faults", "parameters"});
     constexpr const char* versionWanted = "1, the version of the format";
     const DocumentField version = root.at("station", versionWanted);
-    if (version.number(-1e9, 1e9, versionWanted) != 1) version.refuseAs(versionWanted);
+    if (version.asNumber() != 1) version.refuseAs(versionWanted);
     if (const auto schema = root.find("$schema")) schema->text("the name of a schema");
     StationFile station;
     UsedInputs inputs;
-    if (const auto clock = root.find("clock"))
-        station.clock = clock->number(0, 1000, "the speed of the clock, 0 for steps");
-    if (station.clock && *station.clock > 0 && *station.clock < 1e-3)
-        root.at("clock", "").refuseAs("0, or a number from 0.001 to 1000");
+    if (const auto clock = root.find("clock")) {
+        station.clock = clock->asNumber();
+        const double speed = station.clock.value_or(-1);
+        if (speed != 0 && !(speed >= 1e-3 && speed <= 1000))
+            clock->refuseAs("the speed of the clock, a number from 0.001 to 1000, or 0 for steps");
+    }
     if (const auto camera = root.find("camera")) station.camera.emplace().camera = cameraOf(*camera);
     if (const auto faults = root.find("faults")) {
         if (!station.camera) faults->refuse("they are those of a camera, and the field camera is missing");

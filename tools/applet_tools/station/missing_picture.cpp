@@ -16,16 +16,18 @@ public:
     Reason(Instance& instance, const ParameterList& parameters, const PictureWait& wait)
         : m_instance(instance)
         , m_parameters(parameters)
-        , m_wait(wait) {}
+        , m_wait(wait)
+        , m_lines(sourceLines(instance) - wait.start.lines)
+        , m_imageLines(m_lines + wait.start.lines - wait.linesAtPicture.value_or(wait.start.lines)) {}
 
     std::string text() const {
         if (is("FG_DEBUGINENABLE", FG_ON))
             return "the input of a debug point is on, and no line of the source passes it: set "
                    "FG_DEBUGINENABLE=FG_OFF, or insert an image while the acquisition runs";
         if (isAlwaysActive())
-            return came() + ": with " + shown("FG_LINEEXPOSURE") + " and " + shown("FG_LINEPERIODE") +
+            return came(m_lines) + ": with " + shown("FG_LINEEXPOSURE") + " and " + shown("FG_LINEPERIODE") +
                    " ExSync is active without a break and has no edge; shorten FG_LINEEXPOSURE";
-        return m_wait.lines <= 0 ? whyNoLine() : came() + ", " + whyNoImage();
+        return m_lines <= 0 ? whyNoLine() : came(m_imageLines) + ", " + whyNoImage();
     }
 
 private:
@@ -36,9 +38,9 @@ private:
         const Parameter& parameter = find(name);
         return parameter.name + " = " + valueWithUnit(parameter, valueOf(m_instance, {&parameter}));
     }
-    std::string came() const {
-        if (m_wait.lines <= 0) return "no line came";
-        return numberText(m_wait.lines) + (m_wait.lines == 1 ? " line came" : " lines came");
+    static std::string came(std::int64_t lines) {
+        if (lines <= 0) return "no line came";
+        return numberText(lines) + (lines == 1 ? " line came" : " lines came");
     }
 
     bool isExternal() const {
@@ -71,14 +73,19 @@ private:
                std::get<double>(value("FG_LINEEXPOSURE")) >= std::get<double>(value("FG_LINEPERIODE"));
     }
 
+    /** Number of an input: 0 to 7 GPI, 8 to 11 front GPI. */
+    unsigned inputAt(const char* source) const {
+        constexpr std::int32_t firstFront = TRGINSRC_FRONT_GPI_0;
+        constexpr unsigned gpiCount = 8;
+        const auto input = std::get<std::int32_t>(value(source));
+        return input < firstFront ? static_cast<unsigned>(input)
+                                  : gpiCount + static_cast<unsigned>(input - firstFront);
+    }
     /** Debounced rising edges of an input during the wait. */
     SignalCourse courseAt(const char* source) const {
-        constexpr std::int32_t firstFront = TRGINSRC_FRONT_GPI_0;
-        constexpr unsigned gpiSignal = 21, frontSignal = 29;
-        const auto input = std::get<std::int32_t>(value(source));
-        const unsigned select = input < firstFront ? gpiSignal + static_cast<unsigned>(input)
-                                                   : frontSignal + static_cast<unsigned>(input - firstFront);
-        return courseOf(m_instance, select, m_wait.from, m_instance.board().now(m_instance.device()));
+        constexpr unsigned firstInputSignal = 21;
+        const unsigned select = firstInputSignal + inputAt(source);
+        return courseOf(m_instance, select, m_wait.start.tick, m_instance.board().now(m_instance.device()));
     }
 
     /** "no edge came at ...", or empty if there was one. */
@@ -86,6 +93,19 @@ private:
         if (!courseAt(source).edges.empty()) return "";
         return "no edge came at " + shown(source) + ": connect " + m_wait.wave + " with pulses longer than " +
                shown(debounce);
+    }
+
+    /** The reason if the belt at the line trigger's input gives no steps; else empty. */
+    std::string whyNoStep() const {
+        const StationBelt* const belt = m_wait.belt;
+        if (belt == nullptr || belt->profile.empty() || belt->encoderA != inputAt("FG_LINETRIGGERINSRC"))
+            return "";
+        const std::int32_t speed = belt->profile.back().to;
+        if (speed == 0) return "the belt that moves the encoder does not run: give it a speed";
+        return speed < 0 && is("FG_SHAFTENCODERON", FG_ON)
+                   ? "the belt runs backwards, and FG_SHAFTENCODERON passes forward steps only: give it a "
+                     "speed above 0, or change FG_SHAFTENCODERLEADING"
+                   : "";
     }
 
     std::string whyNoLine() const {
@@ -113,6 +133,8 @@ private:
         if (isLineGated() && isImageTriggered())
             return "with " + mode + " it has edges only in an image, and " + whyNoStart();
         if (!isExternal()) return "with " + mode + " one comes each " + shown("FG_LINEPERIODE");
+        const std::string noStep = whyNoStep();
+        if (!noStep.empty()) return "with " + mode + " it needs a line trigger, and " + noStep;
         const std::string noEdge = whyNoEdge("FG_LINETRIGGERINSRC", "FG_LINETRIGGERDEBOUNCING");
         if (!noEdge.empty()) return "with " + mode + " it needs a line trigger, and " + noEdge;
         return "with " + mode + " it needs a line trigger, and of the edges at " +
@@ -140,24 +162,48 @@ private:
     }
 
     std::string whyNoImage() const {
+        const std::int64_t lost = lossCount(m_instance, imageLoss()) - m_wait.start.lostImages;
+        if (lost > 0)
+            return std::string("with ") + imageLoss().what + ": " + numberText(lost) + "; " +
+                   imageLoss().cure;
         if (isImageTriggered() && !is("FG_IMGTRIGGER_IS_BUSY", IS_BUSY))
             return "and no image was complete: with " + shown("FG_IMGTRIGGERMODE") + ", " + whyNoStart();
         if (isImageTriggered() && isImageGated())
             return "and the image in progress ends with its gate at " + shown("FG_IMGTRIGGERINSRC") +
                    ", or after " + shown("FG_HEIGHT") + "; " + m_wait.longer;
+        if (isOfAnotherHeight())
+            return "and the image in progress began with another height than " + shown("FG_HEIGHT") +
+                   ", which it keeps: stop the acquisition and start it again";
         return "and an image takes " + shown("FG_HEIGHT") + " and " + shown("FG_YOFFSET") + "; " +
                m_wait.longer;
+    }
+
+    /** More lines came since the last picture than two images take. */
+    bool isOfAnotherHeight() const {
+        const auto asLines = [this](const char* name) {
+            return static_cast<std::int64_t>(asDouble(value(name)));
+        };
+        return m_wait.linesAtPicture && !isImageTriggered() &&
+               m_imageLines > 2 * (asLines("FG_HEIGHT") + asLines("FG_YOFFSET"));
     }
 
     Instance& m_instance;
     const ParameterList& m_parameters;
     const PictureWait& m_wait;
+    const std::int64_t m_lines;      // during the wait
+    const std::int64_t m_imageLines; // since the last picture, if that is known
 };
 
 } // namespace
 
 std::int64_t sourceLines(Instance& instance) {
     return instance.applet().Fg_getStatusEx(instance.fg(), VBOARD_STATUS_LINES, 0, 0, nullptr);
+}
+
+WaitStart waitStart(Instance& instance) {
+    return {.tick = instance.board().now(instance.device()),
+            .lines = sourceLines(instance),
+            .lostImages = lossCount(instance, imageLoss())};
 }
 
 std::string whyNoPicture(Instance& instance, const ParameterList& parameters, const PictureWait& wait) {

@@ -3,9 +3,11 @@
 #define APPLET_TOOLS_STATION_MISSING_PICTURE_H
 
 #include "applet_tools/applet/values.h"
+#include "applet_tools/station/StationFile.h"
 #include "applet_tools/station/ticks.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace applet_tools {
@@ -13,12 +15,23 @@ namespace applet_tools {
 /** Number of lines from the station's source since the board was opened. */
 std::int64_t sourceLines(Instance& instance);
 
+/** The time of the station and its counts at the start of a wait. */
+struct WaitStart {
+    Ticks tick = 0;
+    std::int64_t lines = 0;      /**< sourceLines() */
+    std::int64_t lostImages = 0; /**< in the full buffer, since the board was opened */
+};
+/** A wait that starts now. */
+WaitStart waitStart(Instance& instance);
+
 /** A wait without a picture, and how the user can extend it. */
 struct PictureWait {
-    std::int64_t lines; /**< lines during the wait */
-    Ticks from;         /**< start of the wait */
+    WaitStart start;
     std::string longer; /**< "give a longer --timeout" */
     std::string wave;   /**< how to connect a wave: "a --wave" */
+    const StationBelt* belt = nullptr;
+    /** sourceLines() when the last picture came, if that is known: then `start` may be later. */
+    std::optional<std::int64_t> linesAtPicture{};
 };
 
 /** The most likely reason and a remedy: "no line came: ...". The acquisition must still be running. */

@@ -121,10 +121,16 @@ std::optional<double> rateOf(const SignalCourse& course) {
 
 std::span<const LossKind> lossKinds() { return kinds; }
 
+const LossKind& imageLoss() { return kinds[0]; }
+
+std::int64_t lossCount(Instance& instance, const LossKind& kind) {
+    return instance.applet().Fg_getStatusEx(instance.fg(), kind.status, 0, 0, nullptr);
+}
+
 std::vector<std::int64_t> lossesOf(Instance& instance) {
     std::vector<std::int64_t> losses;
     for (const LossKind& kind : kinds)
-        losses.push_back(instance.applet().Fg_getStatusEx(instance.fg(), kind.status, 0, 0, nullptr));
+        losses.push_back(lossCount(instance, kind));
     return losses;
 }
 

@@ -63,10 +63,8 @@ ConfigurationFile::ConfigurationFile(std::string text)
     }
 }
 
-std::string ConfigurationFile::textOf(const std::string& path) {
-    auto text = textOfFile(path);
-    if (!text) throw UsageError(inQuotes(toUtf8(path.c_str())) + " is no file that can be read");
-    return std::move(*text);
+ConfigurationFile ConfigurationFile::read(const std::string& path) {
+    return ConfigurationFile(requiredTextOfFile(path));
 }
 
 void ConfigurationFile::Section::add(std::size_t begin) {
@@ -198,7 +196,7 @@ bool isSameValue(const Parameter& parameter, const std::string& a, const std::st
 std::string fileValueText(const Parameter& parameter, const std::string& text) {
     const std::optional<Value> value = valueInFile(parameter, text);
     constexpr std::size_t mostBytes = 200;
-    return shortened(value ? valueWithUnit(parameter, *value) : inQuotes(toUtf8(text.c_str())), mostBytes);
+    return shortened(value ? valueWithUnit(parameter, *value) : quotedText(text), mostBytes);
 }
 
 } // namespace applet_tools

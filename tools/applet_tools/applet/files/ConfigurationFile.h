@@ -65,9 +65,8 @@ public:
 
     explicit ConfigurationFile(std::string text);
 
-    /** Both throw UsageError when the file cannot be read. */
-    static ConfigurationFile read(const std::string& path) { return ConfigurationFile(textOf(path)); }
-    static std::string textOf(const std::string& path);
+    /** Throws UsageError when the file cannot be read. */
+    static ConfigurationFile read(const std::string& path);
 
     const std::string& text() const { return *m_text; }
     /** The section above that of the port: information on the file itself. */

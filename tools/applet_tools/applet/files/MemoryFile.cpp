@@ -29,7 +29,7 @@ const std::string& linkToDescriptors() {
         std::error_code error;
         if (!std::filesystem::is_directory(path, error))
             throw Unavailable(
-                "the link " + inQuotes(toUtf8(path.c_str())) +
+                "the link " + shownFile(path) +
                 " to /proc/self/fd, a part of the installation, is missing or broken: install the "
                 "program with its libraries");
         return path.string();

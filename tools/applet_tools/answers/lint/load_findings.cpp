@@ -1,0 +1,69 @@
+#include "applet_tools/answers/lint/load_findings.h"
+
+#include "applet_tools/applet/hardware_values.h"
+#include "applet_tools/base/numbers.h"
+#include "applet_tools/base/text.h"
+
+#include <string_view>
+
+namespace applet_tools {
+namespace {
+
+/** Reports many missing keys as one finding; returns false if there are few. */
+bool addMissing(LintState& state, const LoadOutcome& outcome) {
+    constexpr std::size_t few = 3;
+    Words names;
+    for (const Finding& finding : outcome.findings)
+        if (finding.kind == std::string_view("missing")) names.push_back(finding.key);
+    if (names.size() <= few) return false;
+    const Words first(names.begin(), names.begin() + few);
+    state.add("load", {}, {numberText(names.size()) + " keys"}, json::array(),
+              join(first, ", ") + " and " + numberText(names.size() - few) +
+                  " more are missing: a load leaves them as they were",
+              "'appletctl check' names them all");
+    return true;
+}
+
+/** A name for a finding without a parameter value; empty for the others. */
+std::string subjectWithoutValue(const Finding& finding, const std::string& path) {
+    const std::string_view kind = finding.kind;
+    if (finding.key.empty()) return shownFile(path);
+    if (kind == "unknown") return "the key " + quotedText(finding.key);
+    return kind == "missing" ? finding.key + " is not in the file" : "";
+}
+
+} // namespace
+
+Words keptNames(const LoadOutcome& outcome) {
+    Words names;
+    for (const Finding& finding : outcome.findings)
+        if (finding.kind == "kept") names.push_back(finding.key);
+    return names;
+}
+
+void addLosses(LintState& state, const LoadOutcome& outcome, const std::string& path,
+               const ConfigurationFile& file) {
+    const bool isMissed = addMissing(state, outcome);
+    for (const Finding& finding : outcome.findings) {
+        if (isMissed && finding.kind == std::string_view("missing")) continue;
+        if (const std::string subject = subjectWithoutValue(finding, path); !subject.empty()) {
+            state.add("load", {}, {subject}, json::array(), finding.message,
+                      "'appletctl check' tells all that is lost");
+            continue;
+        }
+        if (!finding.isLoss || state.isProposed(finding.key)) continue;
+        const std::string text = file.value(finding.key).value_or("");
+        const Words names = {toUtf8(finding.key.c_str())};
+        const Words texts = {names.front() + " = " + printable(toUtf8(text.c_str())) + " in the file"};
+        const json values = {{{"name", names.front()}, {"inFile", toUtf8(text.c_str())}}};
+        const bool isRefused = std::string_view(finding.kind) == "refused";
+        const auto value = isRefused ? valueInFile(state.parameters().find(finding.key), text) : std::nullopt;
+        if (value)
+            state.propose("load", names, texts, values, finding.message, *value);
+        else
+            state.add("load", names, texts, values, finding.message,
+                      "'appletctl check' tells all that is lost");
+    }
+}
+
+} // namespace applet_tools
