@@ -13,13 +13,6 @@ namespace {
 constexpr std::size_t gap = 2;              // blanks before each cell
 constexpr std::size_t narrowestFolded = 24; // a column of text that is narrower is hard to read
 
-std::size_t longestWord(std::string_view text) {
-    std::size_t longest = 0;
-    for (const std::string& word : foldedLines(text, 1))
-        longest = std::max(longest, displayWidth(word));
-    return longest;
-}
-
 std::string withoutEndBlanks(std::string text) {
     text.erase(text.find_last_not_of(' ') + 1);
     return text;

@@ -22,13 +22,32 @@ std::size_t secondColumn(std::string_view line) {
     return second == std::string_view::npos ? second : displayWidth(line.substr(0, second));
 }
 
+/** Bytes of the first characters of a word, as many as fit. */
+std::size_t bytesWithin(std::string_view word, std::size_t width) {
+    std::size_t bytes = 0;
+    for (std::size_t end = 1; end <= word.size(); ++end) {
+        const bool isWhole = end == word.size() || (static_cast<unsigned char>(word[end]) & 0xC0) != 0x80;
+        if (!isWhole) continue;
+        if (displayWidth(word.substr(0, end)) > width) break;
+        bytes = end;
+    }
+    return std::max<std::size_t>(bytes, 1);
+}
+
+/** Bytes of the first part of a word that is longer than the width. */
+std::size_t brokenAt(std::string_view word, std::size_t width) {
+    const std::string_view head = word.substr(0, bytesWithin(word, width));
+    for (const std::string_view marks : {",|", "=/", "_.-"}) {
+        const std::size_t mark = head.find_last_of(marks);
+        if (mark != std::string_view::npos && mark + 1 >= head.size() / 3) return mark + 1;
+    }
+    return head.size();
+}
+
 /** The indentation; limited by the longest word of the text, but never less than a minimum. */
 std::size_t withRoomFor(std::string_view text, std::size_t indent, std::size_t width) {
     constexpr std::size_t least = 2;
-    std::size_t longest = 0;
-    for (const std::string& word : foldedLines(text, 1))
-        longest = std::max(longest, displayWidth(word));
-    return std::clamp(width - std::min(width, longest), std::min(least, indent), indent);
+    return std::clamp(width - std::min(width, longestWord(text)), std::min(least, indent), indent);
 }
 
 /** The indentation of the lines after the first. */
@@ -63,6 +82,15 @@ std::size_t lineWidth(int fileDescriptor) {
     return wanted && *wanted > 0 ? *wanted : unlimitedWidth;
 }
 
+std::size_t longestWord(std::string_view text) {
+    std::size_t longest = 0;
+    for (std::size_t end = 0, begin = 0; begin < text.size(); begin = end + 1) {
+        end = std::min(text.find(' ', begin), text.size());
+        longest = std::max(longest, displayWidth(text.substr(begin, end - begin)));
+    }
+    return longest;
+}
+
 std::vector<std::string> foldedLines(std::string_view text, std::size_t width) {
     std::vector<std::string> lines;
     std::size_t begin = 0, end = 0; // of the current line
@@ -76,9 +104,17 @@ std::vector<std::string> foldedLines(std::string_view text, std::size_t width) {
             begin = place;
         }
         end = wordEnd;
+        while (displayWidth(text.substr(begin, end - begin)) > width) { // a single word, maybe indented
+            const std::size_t indent = std::min(text.find_first_not_of(' ', begin), end) - begin;
+            const std::size_t room = indent < width ? width - indent : width;
+            const std::size_t part =
+                indent + brokenAt(text.substr(begin + indent, end - begin - indent), room);
+            lines.emplace_back(text.substr(begin, part));
+            begin += part;
+        }
         place = std::min(text.find_first_not_of(' ', wordEnd), text.size());
     }
-    lines.emplace_back(text.substr(begin, end - begin));
+    if (begin < end || lines.empty()) lines.emplace_back(text.substr(begin, end - begin));
     return lines;
 }
 

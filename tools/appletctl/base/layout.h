@@ -17,7 +17,11 @@ constexpr std::size_t unlimitedWidth = std::numeric_limits<std::size_t>::max();
 /** Columns of a line on this stream: those of the terminal, else COLUMNS, else no limit. */
 std::size_t lineWidth(int fileDescriptor);
 
-/** Breaks the text at blanks into lines of at most that width. A longer word is not broken. */
+/** Width of the longest word. */
+std::size_t longestWord(std::string_view text);
+
+/** Breaks the text at blanks into lines of at most that width, and a longer word after marks in it such as commas,
+ *  slashes and underscores. */
 std::vector<std::string> foldedLines(std::string_view text, std::size_t width);
 
 /** Folds each line that is longer than the width. Continuation lines are indented to the second column of the

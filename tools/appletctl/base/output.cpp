@@ -61,7 +61,7 @@ std::string lineOf(const std::vector<std::string>& cells, const std::string& tex
 }
 
 std::string writtenLine(const std::string& file) {
-    return lineOf({"written", printable(file)}, inQuotes(file) + " written");
+    return lineOf({"written", printable(toUtf8(file.c_str()))}, shownFile(file) + " written");
 }
 
 std::string forPerson(std::string text) { return mode().isPlain ? std::string() : std::move(text); }
@@ -154,7 +154,7 @@ int print(const Report& report, const std::string& command, const Options& optio
     for (const std::string& note : report.notes)
         if (options.verbose) printProblem("appletctl: " + note);
     if (!isWritten) {
-        if (isRead) std::cerr << name << " the output could not be written\n";
+        if (isRead) std::cerr << name << ' ' << unwrittenOutput << '\n';
         return exitRefused;
     }
     return report.exitCode;

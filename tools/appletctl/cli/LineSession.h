@@ -29,6 +29,18 @@ public:
     /** The same during a pause of another request, for one that only reads: there is nothing to undo. */
     ExitCode runInPause(const Request& request);
 
+    /** Does the work as a step that a later "undo" reverts; shows `line` then. Passes exceptions on. */
+    template <typename Work> void change(const std::string& line, Work work) {
+        m_history.begin(line);
+        try {
+            work();
+        } catch (...) {
+            m_history.end();
+            throw;
+        }
+        m_history.end();
+    }
+
     /** The candidates for the last word of a line; the text up to the cursor is given. */
     std::vector<Candidate> complete(const std::string& text);
 

@@ -33,7 +33,7 @@ void addCommand(CLI::App& program, const Command& command, Request& request) {
     if (isHidden(command)) added->group("");
     added->callback([&request, &command, added, isOfAnother] {
         request.command = &command;
-        checkWordCount(command, isOfAnother ? added->remaining() : request.words);
+        checkWords(command, isOfAnother ? added->remaining() : request.words);
         if (isOfAnother) request.words = added->remaining();
     });
 }
@@ -148,7 +148,10 @@ Request comparison(Request request) {
         program.parse(Words(words.rbegin(), words.rend()));
         return request;
     } catch (const CLI::CallForHelp&) {
-        return parseCommandLine({"trace", "--help"}, request.options);
+        Report report;
+        report.text = helpText(comparisonHelp(program));
+        report.document["text"] = report.text;
+        return {request.options, nullptr, {}, std::move(report), {}};
     } catch (const CLI::ParseError& error) {
         request.options.json |= std::ranges::find(words, "--json") != words.end();
         return {request.options, nullptr, {}, endParsing(program, error, words), "trace diff"};

@@ -3,6 +3,7 @@
 #include "applet_tools/answers/loading.h"
 #include "applet_tools/applet/assignments.h"
 #include "applet_tools/base/Stopwatch.h"
+#include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"
 #include "applet_tools/scratch/refusal.h"
 #include "appletctl/base/layout.h"
@@ -52,8 +53,6 @@ bool isOnSystem(const Options& options) { return options.board == BoardKind::sys
 /** True for a board that is shared with others or that the user does not want to be written to. */
 bool isProtected(const Options& options) { return options.look || isOnSystem(options); }
 
-bool isAssignment(const std::string& word) { return word.find('=') != std::string::npos; }
-
 bool setsSomething(const Request& request) {
     const bool hasFile =
         request.command->file == Command::File::read || request.command->file == Command::File::write;
@@ -81,7 +80,7 @@ void requireAllowed(const Request& request) {
         throw UsageError(
             "--look opens a board to look at it and --offline does without one: leave one of them out");
     if (options.bridge.find('/') != std::string::npos && access(options.bridge.c_str(), R_OK) != 0)
-        throw UsageError("--bridge: " + inQuotes(toUtf8(options.bridge.c_str())) +
+        throw UsageError("--bridge: " + shownFile(options.bridge) +
                          " is no library that can be opened: " + std::strerror(errno));
     if (request.command->sets == Command::Sets::afterOwnQuestion && !options.look) return;
     if (setsSomething(request)) requireAgreement(options, nameOf(request));
@@ -126,7 +125,7 @@ void requireReadable(const std::string& file, Context& context, bool isAssignmen
                                   ? " is a parameter, and a file or an assignment is wanted: say " +
                                         parameter.name + "=VALUE"
                                   : " is a parameter, and a file is wanted"));
-    throw UsageError(inQuotes(toUtf8(file.c_str())) + " is no file that can be read: " + reason);
+    refuseUnreadable(file, reason);
 }
 
 /** Checks that the files in the first words exist before anything is done. */
@@ -178,10 +177,10 @@ private:
     std::string failedLoad(const std::string& file, int code) {
         std::vector<std::string> reasons;
         for (const Finding& finding : askCheck(m_context.bareScratch(), file).findings) {
-            if (finding.kind == "file") return inQuotes(toUtf8(file.c_str())) + ": " + finding.message;
+            if (finding.kind == "file") return shownFile(file) + ": " + finding.message;
             if (finding.kind == "missing") reasons.push_back(finding.key);
         }
-        return inQuotes(toUtf8(file.c_str())) + " was not loaded as a whole: " + codeInWords(code) +
+        return shownFile(file) + " was not loaded as a whole: " + codeInWords(code) +
                (reasons.empty() ? "" : "; it lacks " + join(reasons, ", "));
     }
 
@@ -274,9 +273,27 @@ Request parseForStation(const Words& words, const Options& options) {
 
 Report execute(const Request& request, Context& context) { return executeOn(context, request, false); }
 
+namespace {
+
+/** Refuses --station with the commands that start, list or end stations: it would have no effect. The environment
+ *  variable is for all command lines, so it is ignored there. */
+void requireNoStation(const Command& command, const Words& words) {
+    const std::string name = fullName(command);
+    if (name != "serve" && !name.starts_with("station ")) return;
+    for (const std::string& word : words)
+        if (word == "--station" || word.starts_with("--station="))
+            throw UsageError("'" + name + "' is not carried out by a station: leave --station out" +
+                             (command.argument != nullptr
+                                  ? "; the name is a word, as in 'appletctl " + name + " NAME'"
+                                  : ""));
+}
+
+} // namespace
+
 Report execute(const Request& request, const Words& words) {
     if (request.command == nullptr) return request.outcome;
     return withFailuresAsReports([&] {
+        requireNoStation(*request.command, words);
         if (isForStation(request)) {
             Report report;
             report.isPrinted = true;

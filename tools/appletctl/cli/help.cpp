@@ -27,11 +27,12 @@ const ExitCodeMeaning exitCodes[5] = {
     {"130", "interrupted"},
 };
 
-const char* const boardNotes = "Without --board system, each run starts a fresh virtual board with the "
-                               "defaults, and nothing is kept for the next "
-                               "run. With --board system, the start of the applet writes all defaults to the "
-                               "board, for every command; --look "
-                               "opens the board without writing.";
+const char* const boardNotes =
+    "Without --board system and --station, each run starts a fresh virtual board with the "
+    "defaults, and nothing is kept for the next "
+    "run. With --board system, the start of the applet writes all defaults to the "
+    "board, for every command; --look "
+    "opens the board without writing.";
 
 namespace {
 
@@ -48,35 +49,15 @@ std::size_t helpWidth() {
 /** Column of the explanations of options and commands. */
 std::size_t helpColumn() { return helpWidth() < 60 ? 8 : 28; }
 
-/** The words of a text; one that is longer than the width is split after each | or comma. */
-std::vector<std::string> wordsWithin(const std::string& text, std::size_t width) {
-    std::vector<std::string> parts;
-    std::istringstream words(text);
-    for (std::string word; words >> word;) {
-        while (displayWidth(word) > width) {
-            const std::size_t mark = word.find_last_of("|,", width - 1);
-            if (mark == std::string::npos || mark + 1 == word.size()) break;
-            parts.push_back(word.substr(0, mark + 1));
-            word.erase(0, mark + 1);
-        }
-        parts.push_back(word);
-    }
-    return parts;
-}
-
 /** The text as lines; the first one starts with `begin`, the others are indented. */
 std::string hanging(const std::string& begin, const std::string& text, std::size_t indent) {
-    std::string lines = begin, line;
-    const std::string margin(indent, ' ');
+    std::vector<std::string> words;
+    std::istringstream rest(text);
+    for (std::string word; rest >> word;)
+        words.push_back(word);
     const std::size_t width = helpWidth();
-    for (const std::string& word : wordsWithin(text, width - std::min(indent, width - 1))) {
-        if (!line.empty() && indent + displayWidth(line) + 1 + displayWidth(word) > width) {
-            lines += line + '\n' + margin;
-            line.clear();
-        }
-        line += (line.empty() ? "" : " ") + word;
-    }
-    return lines + line + '\n';
+    const std::vector<std::string> lines = foldedLines(join(words, " "), width - std::min(indent, width - 1));
+    return begin + join(lines, '\n' + std::string(indent, ' ')) + '\n';
 }
 
 /** Folds lines and keeps their indentation; continuation lines are indented further. */
@@ -209,11 +190,22 @@ std::string argumentName(const Command& command) { return "'" + fullName(command
 
 std::string seeHelp(const std::string& name) { return "; '" + name + " --help' shows the usage"; }
 
+/** The largest editDistance of a misspelt word of the command line. */
+std::size_t mostTypos(std::string_view word) { return std::min<std::size_t>(2, farthestTypo(word)); }
+
+/** The error for an assignment where the command takes none; empty for another word, and if it has no --with. */
+std::string assignmentError(const Command& command, const std::string& word) {
+    const std::size_t sign = word.find('=');
+    if (!command.showsValues || sign == 0 || sign == std::string::npos) return "";
+    return argumentName(command) + " takes no assignments, and there is " + inQuotedWord(word) +
+           "; with --with before it the answer is as if it were set, and 'appletctl set' sets it";
+}
+
 /** The option of the command, or of those above it, that is most similar to the word; empty if none is. */
 std::string nearestOption(const CLI::App& app, const std::string& word) {
-    constexpr std::size_t farthest = 2;
+    constexpr std::size_t dashes = 2;
     std::string nearest;
-    std::size_t least = farthest + 1;
+    std::size_t least = mostTypos(word.substr(std::min(dashes, word.size()))) + 1;
     for (const CLI::App* one = &app; one != nullptr; one = one->get_parent())
         for (const CLI::Option* option : one->get_options())
             for (const std::string& name : option->get_lnames())
@@ -275,6 +267,16 @@ HelpPage helpPageOf(const CLI::App& app) {
     return page;
 }
 
+HelpPage comparisonHelp(const CLI::App& program) {
+    HelpPage page;
+    page.description = "Compare the accesses in two files that 'trace' has written.";
+    page.examples = {{"appletctl trace diff before.txt after.txt", "what only one of them has"}};
+    page.usage = program.get_name() + " [OPTIONS] FILE FILE";
+    page.words = {{"FILE", "Output of 'trace', as text or as JSON"}};
+    page.commonOptions = optionsOf(program, true);
+    return page;
+}
+
 std::string helpText(const HelpPage& page) {
     constexpr std::size_t exitCodeIndent = 7;
     std::string text = hanging("", page.description, 0) + '\n';
@@ -330,11 +332,14 @@ std::string shellHelp() {
 }
 
 std::string commandSuggestion(const CommandGroup* group, const std::string& word) {
-    for (const std::size_t distance : {0u, 1u, 2u})
+    for (std::size_t distance = 0; distance <= mostTypos(word); ++distance)
         for (const Command* command : allCommands()) {
             const bool isCandidate = !isHidden(*command) && (group == nullptr || command->group == group);
             if (isCandidate && editDistance(word, command->name) == distance)
                 return "; did you mean '" + fullName(*command) + "'?";
+            const bool isInOther = group == nullptr && command->group != nullptr;
+            if (isInOther && editDistance(word, command->group->name) == distance)
+                return std::string("; did you mean '") + command->group->name + "'?";
         }
     if (group == nullptr) return "; 'appletctl --help' lists the commands";
     std::vector<std::string> names;
@@ -373,6 +378,20 @@ std::string asTyped(const CLI::App& app, const std::string& option, const Words&
     for (const std::string& letter : found->get_snames())
         if (has("-" + letter) && !has(option)) return "-" + letter;
     return option;
+}
+
+/** The node that an unknown word precedes on the command line, so that it is in the place of a command; null if it
+ *  follows the command. */
+const CLI::App* nodeBehind(const CLI::App& app, const std::string& word, const Words& words) {
+    const CLI::App* found = nullptr;
+    for (const CLI::App* node = &app; node->get_parent() != nullptr; node = node->get_parent())
+        if (std::ranges::find(words, word) < std::ranges::find(words, node->get_name())) found = node;
+    return word.starts_with('-') ? nullptr : found;
+}
+
+std::string unknownCommand(const CommandGroup* group, const std::string& word) {
+    const std::string above = group != nullptr ? std::string(group->name) + " " : "";
+    return "there is no command " + inQuotedWord(above + word) + commandSuggestion(group, word);
 }
 
 /** The error in an option's value, in this program's words; empty if it is unknown. The text is
@@ -414,6 +433,8 @@ std::string usageError(const CLI::App& program, const CLI::App& app, const CLI::
     const std::string name = fullNameOf(app);
     if (!unknown.empty()) {
         const std::string& word = unknown.front();
+        if (const CLI::App* node = nodeBehind(app, word, words))
+            return unknownCommand(groupNamed(node->get_parent()->get_name()), word);
         if (word.size() > 1 && word.starts_with('-')) {
             const std::string option = word.substr(0, word.find('='));
             const Command* command = commandOf(app);
@@ -426,11 +447,8 @@ std::string usageError(const CLI::App& program, const CLI::App& app, const CLI::
                    (nearest.empty() ? seeHelp(name) : "; did you mean '" + nearest + "'?");
         }
         const Command* command = commandOf(app);
-        if (command == nullptr) {
-            const CommandGroup* group = groupNamed(app.get_name());
-            const std::string above = group != nullptr ? std::string(group->name) + " " : "";
-            return "there is no command " + inQuotedWord(above + word) + commandSuggestion(group, word);
-        }
+        if (command == nullptr) return unknownCommand(groupNamed(app.get_name()), word);
+        if (std::string own = assignmentError(*command, word); !own.empty()) return own;
         return argumentName(*command) + " takes " +
                (command->argument != nullptr ? "no more words" : "no words") + ", and there is " +
                inQuotedWord(word) + seeHelp(name);
@@ -440,7 +458,7 @@ std::string usageError(const CLI::App& program, const CLI::App& app, const CLI::
     return (own.empty() ? printable(error.what()) : own) + seeHelp(name);
 }
 
-void checkWordCount(const Command& command, const Words& words) {
+void checkWords(const Command& command, const Words& words) {
     const int count = static_cast<int>(words.size());
     const std::string help = seeHelp("appletctl " + fullName(command));
     if (count < command.fewest)
@@ -448,6 +466,9 @@ void checkWordCount(const Command& command, const Words& words) {
     if (command.most >= 0 && count > command.most)
         throw UsageError(argumentName(command) + " takes one " + command.argument + ", and there is " +
                          inQuotedWord(words[static_cast<std::size_t>(command.most)]) + " as well" + help);
+    if (kindOf(command) != "PATTERN") return;
+    for (const std::string& word : words)
+        if (const std::string error = assignmentError(command, word); !error.empty()) throw UsageError(error);
 }
 
 namespace {
@@ -458,12 +479,14 @@ Report showHelp(Context& context, const Words& words) {
     const std::string name = join(words, " ");
     for (const Command* command : context.program().commands)
         if (fullName(*command) == name) found = command;
-    const CommandGroup* group = words.size() == 1 ? groupNamed(name) : nullptr;
-    if (!words.empty() && found == nullptr && group == nullptr)
+    const bool isOtherPage = name == "trace diff" || (words.size() == 1 && groupNamed(name) != nullptr);
+    if (!words.empty() && found == nullptr && !isOtherPage)
         throw UsageError("there is no command " + inQuotedWord(name) +
                          commandSuggestion(groupNamed(words.front()), words.back()));
-    report.text = group != nullptr ? parseCommandLine({group->name, "--help"}).outcome.text
-                                   : helpText(context.program().helpOf(found));
+    Words asked = words;
+    asked.emplace_back("--help");
+    report.text =
+        isOtherPage ? parseCommandLine(asked).outcome.text : helpText(context.program().helpOf(found));
     report.document["text"] = report.text;
     return report;
 }

@@ -18,6 +18,9 @@ const Command* commandOf(const CLI::App& app);
 /** The help of the program, a group of commands or a command. */
 HelpPage helpPageOf(const CLI::App& app);
 
+/** The help of "trace diff", which is parsed by a program of its own. */
+HelpPage comparisonHelp(const CLI::App& program);
+
 /** The page that --help prints. */
 std::string helpText(const HelpPage& page);
 
@@ -35,8 +38,8 @@ std::string commandSuggestion(const CommandGroup* group, const std::string& word
 std::string usageError(const CLI::App& program, const CLI::App& app, const CLI::ParseError& error,
                        const Words& words);
 
-/** Throws UsageError when the command takes more or fewer words. */
-void checkWordCount(const Command& command, const Words& words);
+/** Throws UsageError when the command takes more or fewer words, or no assignments. */
+void checkWords(const Command& command, const Words& words);
 
 /** The possible values of an option or a word, if they form a list. */
 std::vector<std::string> choicesOf(const CLI::Option& option);

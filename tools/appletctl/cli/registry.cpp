@@ -5,24 +5,16 @@
 namespace appletctl {
 
 // Each is defined in the source of its command.
-extern const Command listCommand, getCommand, setCommand, resetCommand, limitsCommand, whyCommand,
-    depsCommand, planCommand, applyCommand, describeCommand, infoCommand, xmlCommand, eventsCommand,
-    watchCommand, routeCommand, lintCommand, timingCommand, docsCommand, reportCommand, saveCommand,
-    loadCommand, checkCommand, diffCommand, traceCommand, runScenarioCommand, shellCommand, completionCommand,
-    helpCommand, completeCommand, lutShowCommand, lutPlotCommand, lutSaveCommand, lutLoadCommand, grabCommand,
-    serveCommand, stationListCommand, stationStopCommand, stationLogCommand;
+#define COMMAND(name) extern const Command name##Command;
+#include "appletctl/cli/commands.def"
+#undef COMMAND
 
 namespace {
 
 constexpr const Command* commands[] = {
-    &listCommand,        &getCommand,         &setCommand,        &resetCommand,   &limitsCommand,
-    &whyCommand,         &depsCommand,        &planCommand,       &applyCommand,   &describeCommand,
-    &infoCommand,        &xmlCommand,         &eventsCommand,     &watchCommand,   &routeCommand,
-    &lintCommand,        &timingCommand,      &grabCommand,       &docsCommand,    &reportCommand,
-    &saveCommand,        &loadCommand,        &checkCommand,      &diffCommand,    &traceCommand,
-    &runScenarioCommand, &shellCommand,       &completionCommand, &helpCommand,    &completeCommand,
-    &lutShowCommand,     &lutPlotCommand,     &lutSaveCommand,    &lutLoadCommand, &serveCommand,
-    &stationListCommand, &stationStopCommand, &stationLogCommand,
+#define COMMAND(name) &name##Command,
+#include "appletctl/cli/commands.def"
+#undef COMMAND
 };
 
 } // namespace

@@ -1,8 +1,8 @@
 #include "appletctl/commands/CommandRun.h"
 
-#include "applet_tools/base/text.h"
 #include "applet_tools/scratch/refusal.h"
 #include "appletctl/commands/assignment_report.h"
+#include "appletctl/commands/shared_options.h"
 
 namespace appletctl {
 
@@ -25,10 +25,8 @@ void CommandRun::refuse(const std::string& words) {
 Words behindFirst(const Words& words) { return Words(words.begin() + 1, words.end()); }
 
 const std::string& fileOf(const Words& words) {
-    if (words.front().empty()) throw UsageError("the name of the file is empty");
+    requireFileName(words.front());
     return words.front();
 }
-
-std::string shownFile(const std::string& file) { return inQuotes(toUtf8(file.c_str())); }
 
 } // namespace appletctl

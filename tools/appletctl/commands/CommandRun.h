@@ -32,9 +32,6 @@ Words behindFirst(const Words& words);
 /** The file named by the first word. Throws UsageError if the name is empty. */
 const std::string& fileOf(const Words& words);
 
-/** The file's name in quotes, printable. */
-std::string shownFile(const std::string& file);
-
 } // namespace appletctl
 
 #endif

@@ -9,7 +9,7 @@
 namespace appletctl {
 
 void addDifferences(Report& report, const std::vector<Side>& sides,
-                    const std::vector<Difference>& differences, NextCycle nextCycle) {
+                    const std::vector<Difference>& differences, Sides kind) {
     auto& rows = report.document["differences"] = nlohmann::ordered_json::array();
     std::vector<std::string> titles{"NAME"};
     for (const Side& side : sides)
@@ -21,8 +21,9 @@ void addDifferences(Report& report, const std::vector<Side>& sides,
     for (const Difference& difference : differences) {
         rows.push_back(difference.document);
         const Words& values = difference.values;
-        if (nextCycle == NextCycle::remark && !isPlainOutput() && difference.isNextCycle) {
-            cycles.push_back(difference.parameter + " from " + values[0] + " to " + values[1]);
+        if (!isPlainOutput() && difference.isNextCycle) {
+            cycles.push_back(difference.parameter + (kind == Sides::inTime ? " from " : " ") + values[0] +
+                             (kind == Sides::inTime ? " to " : " and ") + values[1]);
             continue;
         }
         Words cells{difference.parameter};
@@ -31,10 +32,12 @@ void addDifferences(Report& report, const std::vector<Side>& sides,
         ++shown;
     }
     if (shown > 0 || isPlainOutput()) report.text += table.render(Style::forStream(STDOUT_FILENO));
-    if (!cycles.empty())
-        report.text += std::string(shown == 0 ? "Nothing changes but the camera simulator's rates,"
-                                              : "The camera simulator's rates move") +
-                       " by one of its clock cycles: " + join(cycles, ", ") + ".\n";
+    if (cycles.empty()) return;
+    const std::string nothing = kind == Sides::inTime ? "Nothing changes" : "Nothing differs";
+    const std::string rates = kind == Sides::inTime ? " move" : " differ";
+    report.text += (shown == 0 ? nothing + " but the camera simulator's rates,"
+                               : "The camera simulator's rates" + rates) +
+                   " by one of its clock cycles: " + join(cycles, ", ") + ".\n";
 }
 
 void addFindings(Report& report, const std::vector<Finding>& findings) {
@@ -42,7 +45,7 @@ void addFindings(Report& report, const std::vector<Finding>& findings) {
     if (const auto left = std::ranges::count(findings, false, &Finding::isExamined); left > 0)
         report.document["notExamined"] = left;
     for (const Finding& finding : findings) {
-        if (!finding.isLoss) {
+        if (!finding.isLoss || !finding.followsFrom.empty()) {
             report.text +=
                 lineOf({finding.kind, toUtf8(finding.key.c_str()), finding.message}, finding.message);
             continue;

@@ -10,15 +10,16 @@
 
 namespace appletctl {
 
-/** How to show a simulator rate that differs by one cycle (see Difference): as a row, or in one line after the
- *  table. */
-enum class NextCycle { row, remark };
+/** Whether the sides are the same configuration before and after something, or two configurations. */
+enum class Sides { inTime, apart };
 
-/** Adds the table to the text and "differences" to the document. */
+/** Adds the table to the text and "differences" to the document. Simulator rates that differ by one cycle (see
+ *  Difference) are in one line after the table, with --plain in its rows. */
 void addDifferences(Report& report, const std::vector<Side>& sides,
-                    const std::vector<Difference>& differences, NextCycle nextCycle = NextCycle::row);
+                    const std::vector<Difference>& differences, Sides kind);
 
-/** Adds the losses to the problems, rounded values to the text, and all of them to the document. */
+/** Adds the losses to the problems, rounded values and losses that follow from others to the text, and all of them to
+ *  the document. */
 void addFindings(Report& report, const std::vector<Finding>& findings);
 
 } // namespace appletctl

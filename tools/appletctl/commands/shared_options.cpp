@@ -1,11 +1,17 @@
 #include "appletctl/commands/shared_options.h"
 
+#include "applet_tools/base/errors.h"
+
 #include <CLI/CLI.hpp>
 
 namespace appletctl {
 
 std::string troubleOfFileName(const std::string& name) {
     return name.empty() ? "the name of the file is empty" : "";
+}
+
+void requireFileName(const std::optional<std::string>& name) {
+    if (name && !troubleOfFileName(*name).empty()) throw UsageError(troubleOfFileName(*name));
 }
 
 void addWith(CLI::App& command, Options& options) {

@@ -31,6 +31,8 @@ void addYes(CLI::App& command, Options& options);
 
 /** Checks an option's value: an unset shell variable must not silently disable it. */
 std::string troubleOfFileName(const std::string& name);
+/** The same for a file that need not be given. Throws UsageError. */
+void requireFileName(const std::optional<std::string>& name);
 
 /** -o FILE. */
 struct OutFileOption {

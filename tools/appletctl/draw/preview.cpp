@@ -1,6 +1,7 @@
 #include "appletctl/draw/preview.h"
 
 #include "applet_tools/base/numbers.h"
+#include "appletctl/base/layout.h"
 
 #include <algorithm>
 #include <array>
@@ -111,9 +112,10 @@ std::string previewOf(const PictureView& picture, ColourDepth colours, std::size
                              colours);
         }
     }
-    return text + "(" + numberText(picture.width) + " x " + numberText(picture.lines) + " pixels, each " +
-           (isAscii ? "character" : "half of a character") + " the mean of " + numberText(scale) + " x " +
-           numberText(height) + ")\n";
+    const std::string size = "(" + numberText(picture.width) + " x " + numberText(picture.lines) +
+                             " pixels, each " + (isAscii ? "character" : "half of a character") +
+                             " the mean of " + numberText(scale) + " x " + numberText(height) + ")\n";
+    return text + wrapped(size, columns);
 }
 
 } // namespace appletctl

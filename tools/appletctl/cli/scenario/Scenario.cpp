@@ -16,6 +16,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <optional>
 #include <sstream>
 
 namespace appletctl {
@@ -191,6 +192,14 @@ std::string raiseEvent(ScenarioRunner& runner, const Step& step) {
     throw UsageError("the design has no event " + inQuotes(step.words[0]));
 }
 
+std::optional<double> notFiniteNumber(const std::string& word) {
+    using Limits = std::numeric_limits<double>;
+    if (word == "nan") return Limits::quiet_NaN();
+    if (word == "inf") return Limits::infinity();
+    if (word == "-inf") return -Limits::infinity();
+    return std::nullopt;
+}
+
 std::string poke(ScenarioRunner& runner, const Step& step) {
     const auto& board = runner.board();
     LOOMdevice* device = runner.instance().device();
@@ -202,11 +211,13 @@ std::string poke(ScenarioRunner& runner, const Step& step) {
         result = board.poke_int(device, name, *whole);
     else if (const auto number = floatingNumber(value))
         result = board.poke_double(device, name, *number);
-    else
-        result = board.poke_text(device, name, value.c_str());
+    else if (const auto special = notFiniteNumber(value); special && runner.isFloating(full))
+        result = board.poke_double(device, name, *special);
+    if (result == VBOARD_UNKNOWN) result = board.poke_text(device, name, value.c_str());
     if (result == VBOARD_OK) return "";
-    if (result == VBOARD_UNKNOWN) runner.refuseName(step.words[0], "parameter or register");
-    throw UsageError(full + " does not take " + inQuotes(value));
+    if (result != VBOARD_UNKNOWN) throw Failure("there is no memory left for " + inQuotes(value));
+    runner.requireKnown(step.words[0]);
+    throw UsageError(inQuotes(value) + " is not a value of the type of " + full);
 }
 
 constexpr StepKind kinds[] = {
@@ -259,7 +270,7 @@ bool beginsWith(const Words& words, const StepKind& kind) {
 
 /** The kinds of steps with names similar to the beginning of the words; empty if there are none. */
 Words nearestKinds(const Words& words) {
-    std::size_t least = 2;
+    std::size_t least = std::min<std::size_t>(2, farthestTypo(words.front()));
     Words nearest;
     for (const StepKind& kind : kinds) {
         const std::size_t count = wordCount(kind);
@@ -360,11 +371,10 @@ void checkSteps(ScenarioRunner& runner, const std::string& file, const std::vect
 }
 
 std::vector<Step> readScenario(const std::string& file, const Options& options) {
-    const std::optional<std::string> text = textOfFile(file);
-    if (!text) throw UsageError(shownFile(file) + " is no file that can be read");
+    const std::string text = requiredTextOfFile(file);
     std::vector<Step> steps;
     constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF"; // some editors write one
-    std::istringstream lines(text->starts_with(byteOrderMark) ? text->substr(byteOrderMark.size()) : *text);
+    std::istringstream lines(text.starts_with(byteOrderMark) ? text.substr(byteOrderMark.size()) : text);
     std::string section, content;
     for (std::size_t number = 1; std::getline(lines, content); ++number) {
         const WordLine line = splitLine(content);

@@ -5,26 +5,11 @@
 #include "applet_tools/base/numbers.h"
 #include "applet_tools/base/text.h"
 
+#include <algorithm>
 #include <set>
-#include <sstream>
 
 namespace appletctl {
 namespace {
-
-struct Write {
-    std::string name, value;
-    bool isDone = true;
-};
-
-/** Parses a line of the board's log, such as "set Device1_Process0_Buffer_0_XLength u32 1024". */
-Write parseWrite(const std::string& line) {
-    std::istringstream words(line);
-    Write write;
-    std::string access, type, failure;
-    words >> access >> write.name >> type >> write.value >> failure;
-    write.isDone = failure != "=";
-    return write;
-}
 
 bool isSameNumber(const std::string& a, const std::string& b) {
     const auto first = floatingNumber(a), second = floatingNumber(b);
@@ -67,9 +52,9 @@ void ScenarioRunner::collectWrites() {
 bool ScenarioRunner::findWrite(const std::string& name, const std::string& value) {
     collectWrites();
     for (std::size_t i = m_found; i < m_writes.size(); ++i) {
-        const Write write = parseWrite(m_writes[i]);
-        const bool isNamed = write.name == name || write.name.ends_with("_" + name);
-        if (!isNamed || !write.isDone) continue;
+        const LoggedAccess write = loggedAccess(m_writes[i]);
+        const bool isNamed = write.parameter == name || write.parameter.ends_with("_" + name);
+        if (!isNamed || write.hasFailed) continue;
         if (write.value != value && !isSameNumber(write.value, value)) continue;
         m_found = i + 1;
         return true;
@@ -100,6 +85,13 @@ std::string ScenarioRunner::designName(const std::string& name) {
         throw UsageError("the names of " + numberText(found.size()) + " parameters of the design end with " +
                          inQuotes(name) + ", such as " + found[0] + " and " + found[1]);
     return found.empty() ? name : found.front();
+}
+
+bool ScenarioRunner::isFloating(const std::string& full) {
+    const ParameterList design(instance(), ParameterList::Scope::design);
+    return std::ranges::any_of(design.all(), [&](const Parameter& parameter) {
+        return parameter.kind() == REGISTER_KIND_DOUBLE && applet_tools::designName(parameter.name) == full;
+    });
 }
 
 void ScenarioRunner::requireKnown(const std::string& name) {

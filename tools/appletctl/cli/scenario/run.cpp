@@ -69,8 +69,8 @@ void addSummary(Report& report, const std::string& file, const std::vector<Step>
     auto& rows = report.document["steps"] = nlohmann::ordered_json::array();
     for (std::size_t i = 0; i < steps.size(); ++i)
         rows.push_back(stepAsJson(steps[i], tests[i]));
-    report.text = forPerson(numberText(tests.size()) + " steps: " + numberText(count(Outcome::passed)) +
-                            " ok, " + numberText(failed) + " failed" +
+    report.text = forPerson(numberText(tests.size()) + (tests.size() == 1 ? " step: " : " steps: ") +
+                            numberText(count(Outcome::passed)) + " ok, " + numberText(failed) + " failed" +
                             (skipped > 0 ? ", " + numberText(skipped) + " not done" : "") + '\n');
 }
 

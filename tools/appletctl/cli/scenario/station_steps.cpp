@@ -82,16 +82,14 @@ std::string takePictures(ScenarioRunner& runner, GrabWords& words, Grabber& grab
     const bool isRaw = words.files && words.files->isRaw();
     const nlohmann::ordered_json settings = isRaw ? changedSettings(runner.context()) : nullptr;
     while (static_cast<std::int64_t>(state.pictures.size()) < words.pictures) {
-        const std::int64_t lines = sourceLines(runner.instance());
-        const Ticks from = runner.board().now(runner.instance().device());
+        const WaitStart start = waitStart(runner.instance());
         const Grabber::Outcome outcome = grabber.next(words.timeout, [&] { return moving.goesOn(); });
         if (outcome == Grabber::Outcome::interrupted) return "it was interrupted";
         if (outcome == Grabber::Outcome::timeout)
             return "picture " + numberText(state.pictures.size() + 1) + " did not come within " +
                    durationText(words.timeout) + ": " +
                    whyNoPicture(runner.instance(), runner.parameters(),
-                                {.lines = sourceLines(runner.instance()) - lines,
-                                 .from = from,
+                                {.start = start,
                                  .longer = "give a longer time behind 'within'",
                                  .wave = "a wave by the step 'wave'"});
         grabber.draw();

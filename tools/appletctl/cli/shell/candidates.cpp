@@ -5,6 +5,7 @@
 #include "applet_tools/base/text.h"
 #include "applet_tools/station/signals.h"
 #include "appletctl/cli/help.h"
+#include "serve/StationPlace.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -244,6 +245,14 @@ Candidates conditionParts(const ParameterList& parameters, const std::string& wo
     return found;
 }
 
+/** The stations that run. */
+Candidates stationsOf(const std::string& word) {
+    Candidates found;
+    for (const std::string& name : serve::stationNames())
+        if (name.starts_with(word) && serve::isRunning(serve::placeOf(name))) found.push_back({name});
+    return found;
+}
+
 /** Completes INPUT=WAVE: the inputs, then the beginnings of a wave. */
 Candidates waveParts(const std::string& word) {
     const std::size_t equals = word.find('=');
@@ -265,6 +274,8 @@ Candidates valuesOfOption(const CLI::Option& option, const std::string& word, co
     Candidates found;
     if (type == "NAME=VALUE")
         found = assignmentsOf(parameters(), word);
+    else if (option.check_lname("station"))
+        found = stationsOf(word);
     else if (type == "GROUP")
         found = groupsOf(parameters(), word);
     else if (type.starts_with("COLS"))
@@ -293,6 +304,8 @@ Candidates argumentsOf(const Command& command, int before, const std::string& wo
     const bool isBehindFile = kind == "FILE" && before > 0 && command.most < 0;
     Candidates files;
     if (command.most >= 0 && before >= command.most) return files;
+    if (command.group != nullptr && std::string_view(command.group->name) == "station")
+        return stationsOf(word);
     if (before < command.mostFiles && *command.fileSuffix != '\0') files = filesOf(word, command.fileSuffix);
     if (isBehindFile || command.file == Command::File::readUnlessAssignment) {
         const Candidates assignments = assignmentsOf(parameters(), word);
@@ -300,8 +313,7 @@ Candidates argumentsOf(const Command& command, int before, const std::string& wo
         return files;
     }
     if (!files.empty()) return files;
-    const bool isAssignment = kind == "NAME[=VALUE]" && word.find('=') != std::string::npos;
-    if (isAssignment || kind.find("NAME=VALUE") != std::string_view::npos)
+    if ((kind == "NAME[=VALUE]" && isAssignment(word)) || kind.find("NAME=VALUE") != std::string_view::npos)
         return assignmentsOf(parameters(), word);
     if (kind.starts_with("NAME") || kind == "PATTERN") return namesOf(parameters(), word, "");
     return {};

@@ -32,7 +32,7 @@ std::optional<nlohmann::json> statusOf(const serve::StationPlace& place) {
     if (!serve::isRunning(place)) return std::nullopt;
     try {
         return serve::CommandClient(place).ask("status");
-    } catch (const Unavailable&) {
+    } catch (const Failure&) { // it has ended, or is starting
         return std::nullopt;
     }
 }
@@ -41,21 +41,35 @@ Report listStations(Context&, const Words&) {
     Report report;
     auto& rows = report.document["stations"] = nlohmann::ordered_json::array();
     Table table;
-    table.setTitles({"STATION", "PROCESS", "BOARD", "CLOCK", "RUNS FOR", "COMMANDS", "NOW"});
-    table.setDispensable({"COMMANDS", "RUNS FOR", "CLOCK", "PROCESS"});
+    table.setTitles({"STATION", "PROCESS", "BOARD", "CLOCK", "RUNS FOR", "COMMANDS", "PAGE", "NOW"});
+    table.setDispensable({"COMMANDS", "RUNS FOR", "CLOCK", "PROCESS", "PAGE"});
     for (const std::string& name : serve::stationNames()) {
-        const std::optional<nlohmann::json> status = statusOf(serve::placeOf(name));
+        std::optional<nlohmann::json> status = statusOf(serve::placeOf(name));
         if (!status) continue;
+        status->emplace("address", nullptr); // of an older program it has none
         const nlohmann::json& command = status->at("command");
         table.addRow({name, numberText(status->at("process").get<int>()),
                       status->at("board").get<std::string>(), status->at("clock").get<std::string>(),
                       ageText(status->at("seconds").get<double>()),
                       numberText(status->at("commands").get<std::uint64_t>()),
+                      status->at("address").is_null() ? "-" : status->at("address").get<std::string>(),
                       command.is_null() ? "-" : printable(command.get<std::string>())});
         rows.emplace_back(*status);
     }
     report.text = rows.empty() && !isPlainOutput() ? "No station runs. 'appletctl serve' starts one.\n"
                                                    : table.render(Style::forStream(STDOUT_FILENO));
+    return report;
+}
+
+Report showAddress(Context&, const Words& words) {
+    const std::string name = nameFrom(words);
+    const nlohmann::json address = serve::CommandClient(serve::placeOf(name)).ask("address");
+    if (address.is_null())
+        throw Failure("the station '" + name + "' has no page: it was started without HTTP");
+    Report report;
+    report.document["station"] = name;
+    report.document["address"] = address;
+    report.text = address.get<std::string>() + '\n';
     return report;
 }
 
@@ -101,7 +115,7 @@ Report showLog(Context&, const Words& words) {
 
 } // namespace
 
-extern const Command stationListCommand, stationStopCommand, stationLogCommand;
+extern const Command stationListCommand, stationStopCommand, stationLogCommand, stationAddressCommand;
 
 const Command stationListCommand = {
     .group = &stationGroup,
@@ -109,6 +123,18 @@ const Command stationListCommand = {
     .help = "Show the stations of this user that run",
     .examples = {{"station list", "names, boards, and the command at work"}},
     .run = listStations,
+    .kind = Command::Kind::local,
+};
+
+const Command stationAddressCommand = {
+    .group = &stationGroup,
+    .name = "address",
+    .help = "Print the address of a station's page, with the token that it needs",
+    .argument = "NAME",
+    .argumentHelp = "Name of the station, main if not given",
+    .examples = {{"station address line2", "to open in a browser"}},
+    .most = 1,
+    .run = showAddress,
     .kind = Command::Kind::local,
 };
 

@@ -1,5 +1,6 @@
 #include "appletctl/cli/station/station_client.h"
 
+#include "applet_tools/base/errors.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/shared_options.h"
 
@@ -20,6 +21,16 @@ Words shellWords(const Options& options) {
     return words;
 }
 
+serve::CommandClient clientOf(const std::string& name) {
+    const serve::StationPlace place = serve::placeOf(name);
+    try {
+        return serve::CommandClient(place);
+    } catch (const Unavailable& error) {
+        throw Unavailable(std::string(error.what()) + ": start it with 'appletctl serve " + name +
+                          "', or leave --station and APPLETCTL_STATION out");
+    }
+}
+
 } // namespace
 
 bool isForStation(const Request& request) {
@@ -27,7 +38,7 @@ bool isForStation(const Request& request) {
            request.command->kind != Command::Kind::local;
 }
 
-StationClient::StationClient(const std::string& name) : m_client(serve::placeOf(name)) {}
+StationClient::StationClient(const std::string& name) : m_client(clientOf(name)) {}
 
 serve::CommandEnd StationClient::runCommandLine(const Words& words) {
     serve::ClientCommand command;

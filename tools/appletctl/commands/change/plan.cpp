@@ -109,7 +109,7 @@ public:
         for (const auto& [writer, names] : m_plan.writers) {
             text += forPerson("  " + writer + '\n');
             for (const std::string& line : m_plan.load.writes)
-                if (std::ranges::find(names, writtenParameter(line)) != names.end())
+                if (std::ranges::find(names, loggedAccess(line).parameter) != names.end())
                     text += isPlainOutput() ? writer + '\t' + accessLine(line) : "  " + accessLine(line);
         }
         return text;
@@ -118,8 +118,9 @@ public:
     /** "241 of 248 writes repeat what the design holds". */
     std::string repeatedText() const {
         const Words& writes = m_plan.load.writes;
-        const auto repeated = std::ranges::count_if(
-            writes, [&](const std::string& line) { return !m_changes.contains(writtenParameter(line)); });
+        const auto repeated = std::ranges::count_if(writes, [&](const std::string& line) {
+            return !m_changes.contains(loggedAccess(line).parameter);
+        });
         if (repeated == 0) return "";
         return numberText(repeated) + " of " + numberText(writes.size()) +
                " writes repeat what the design holds; --all shows them\n";
@@ -134,7 +135,7 @@ Report reportOf(const FilePlan& plan, const std::string& file, bool areAllWrites
     Report report;
     report.document["file"] = toUtf8(file.c_str());
     addDifferences(report, {{"BEFORE", "before", nullptr}, {"AFTER", "after", nullptr}}, plan.differences,
-                   NextCycle::remark);
+                   Sides::inTime);
     const bool isLoaded =
         std::ranges::find(plan.load.findings, "file", &Finding::kind) == plan.load.findings.end();
     if (plan.differences.empty() && isLoaded) report.text += forPerson("Nothing would change.\n");
@@ -159,7 +160,7 @@ Report reportOf(const FilePlan& plan, const std::string& file, bool areAllWrites
 }
 
 /** A single word without an equals sign is a file name. */
-bool isFile(const Words& words) { return words.size() == 1 && words.front().find('=') == std::string::npos; }
+bool isFile(const Words& words) { return words.size() == 1 && !isAssignment(words.front()); }
 
 /** Asks on the terminal. */
 bool isAgreed() {
@@ -196,8 +197,6 @@ Report planChanges(Context& context, const Words& words) {
     addAssumed(report, context, words, {});
     return report;
 }
-
-bool isAssignment(const std::string& word) { return word.find('=') != std::string::npos; }
 
 /** Throws UsageError for a file together with assignments, as their order would be ambiguous. */
 void refuseFileBesideAssignments(const Words& words) {

@@ -116,7 +116,7 @@ Report resetParameters(Context& context, const Words& words) {
     std::vector<Target> wanted;
     std::set<std::string> seen;
     for (const std::string& word : words) {
-        if (word.find('=') != std::string::npos) {
+        if (isAssignment(word)) {
             assignments.push_back(word);
             continue;
         }

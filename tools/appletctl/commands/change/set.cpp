@@ -86,7 +86,7 @@ std::string waitingText(const AccessAnswer& access) {
     const std::string text =
         access.subject + " has no effect yet: it is read-only until " + join(access.changedWith, " or ");
     if (access.missingFile.empty()) return text + '\n';
-    return text + ", which is refused as long as " + inQuotes(toUtf8(access.missingFile.c_str())) +
+    return text + ", which is refused as long as " + shownFile(access.missingFile) +
            " is no file that can be opened for reading\n";
 }
 

@@ -27,7 +27,7 @@ void addWays(Table& table, const char* title, const std::vector<std::string>& wa
 void addMissingFile(Table& table, const std::string& file) {
     if (!file.empty())
         table.addRow(
-            {"missing", inQuotes(toUtf8(file.c_str())) +
+            {"missing", shownFile(file) +
                             " is no file that can be opened for reading; until it is one, what makes "
                             "the parameter writable is refused"});
 }

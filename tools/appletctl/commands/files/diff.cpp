@@ -5,11 +5,13 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
+
 namespace appletctl {
 namespace {
 
 /** A word with an equals sign is an assignment, except for the first word, which is always a file. */
-bool isSecondFile(const Words& words) { return words.size() > 1 && words[1].find('=') == std::string::npos; }
+bool isSecondFile(const Words& words) { return words.size() > 1 && !isAssignment(words[1]); }
 
 std::string titleOf(const std::string& file) { return printable(toUtf8(file.c_str())); }
 
@@ -41,10 +43,10 @@ Report compareConfigurations(Context& context, const Words& words) {
         sides.push_back({"NOW", "now", &now.emplace(stateOf(work.instance))});
     }
     const std::vector<Difference> differences = askDifferences(context.bareScratch(), sides);
-    addDifferences(report, sides, differences);
+    addDifferences(report, sides, differences, Sides::apart);
     if (differences.empty())
         report.text += forPerson("The values are the same.\n");
-    else
+    else if (!std::ranges::all_of(differences, &Difference::isNextCycle))
         report.exitCode = exitDifferent;
     return report;
 }

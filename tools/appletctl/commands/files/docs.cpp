@@ -36,10 +36,15 @@ constexpr const char* manualTail =
     "*\\*.mcf*\n\tConfiguration files: values of parameters in sections, as the applet saves and loads "
     "them.\n\n"
     "*\\*.lut*\n\tTables of the lookup table, by colour.\n\n"
+    "*\\*.scenario*\n\tScenarios: steps and what is expected of them, one a line.\n\n"
+    "*$XDG\\_RUNTIME\\_DIR/appletctl*\n\tSockets and logs of the running stations; without that variable "
+    "*/tmp/appletctl\\-UID*.\n\n"
     "*$XDG\\_STATE\\_HOME/appletctl/history*\n\tThe history of the shell; without that variable below "
     "*~/.local/state*.\n\n"
     "# ENVIRONMENT\n\n"
     "*APPLET\\_UNDER\\_TEST*\n\tAnother applet library; *--applet* goes before it.\n\n"
+    "*APPLETCTL\\_STATION*\n\tThe running station that carries commands out; *--station* goes before it.\n\n"
+    "*COLUMNS*\n\tThe width of a line, where the output is not a terminal.\n\n"
     "*NO\\_COLOR*, *TERM*\n\tNo colour when the first is set or the second is *dumb*.\n\n"
     "*VBOARD\\_STATION*\n\tA station file: what is around each virtual board that is opened.\n\n";
 
@@ -117,13 +122,13 @@ void writeManual(const std::string& file, const std::string& source) {
     if (WIFEXITED(status) && WEXITSTATUS(status) == 127)
         throw Unavailable("manual pages are made by scdoc, and it is not installed: apt-get install scdoc");
     if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
-        throw Failure("scdoc could not make " + inQuotes(toUtf8(file.c_str())));
+        throw Failure("scdoc could not make " + shownFile(file));
     writeFile(file, out.text());
 }
 
 void noteFile(Report& report, const std::string& file) {
     report.document["files"].push_back(toUtf8(file.c_str()));
-    report.text += writtenLine(toUtf8(file.c_str()));
+    report.text += writtenLine(file);
 }
 
 struct DocsOptions {
@@ -154,8 +159,7 @@ Report writeDocs(Context& context, const Words&) {
     if (!options.manFolder) return report;
     std::error_code error;
     std::filesystem::create_directories(*options.manFolder, error);
-    if (error)
-        throw Failure(inQuotes(toUtf8(options.manFolder->c_str())) + " cannot be made: " + error.message());
+    if (error) throw Failure(shownFile(*options.manFolder) + " cannot be made: " + error.message());
     const std::pair<const char*, std::string> manuals[] = {
         {"appletctl.1", manualOfProgram(context.program())},
         {"appletctl-parameters.7", manualOfParameters(rows)}};

@@ -18,7 +18,7 @@ void addSurprises(CommandRun& work, const LoadCheck& expected, int code, const C
     work.refuse("the board did not take the file as the scratch board did: the load answers " +
                 codeInWords(code) + (others.empty() ? "" : "; the values differ:"));
     Report unlike;
-    addDifferences(unlike, sides, others);
+    addDifferences(unlike, sides, others, Sides::apart);
     work.report.text += unlike.text;
     work.report.document["unexpected"] = unlike.document["differences"];
 }
@@ -50,7 +50,7 @@ Report loadFile(Context& context, const Words& words) {
     const ConfigurationFile now = stateOf(work.instance);
     const std::vector<Side> sides{{"BEFORE", "before", &before}, {"NOW", "now", &now}};
     const std::vector<Difference> changes = askDifferences(scratch, sides);
-    addDifferences(work.report, sides, changes, NextCycle::remark);
+    addDifferences(work.report, sides, changes, Sides::inTime);
     if (changes.empty()) work.report.text += forPerson("Nothing has changed.\n");
     addFindings(work.report, check.findings);
     addSurprises(work, check, code, now, scratch);

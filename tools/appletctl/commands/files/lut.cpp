@@ -299,7 +299,7 @@ Report plotLut(Context& context, const Words& words) {
     addDocument(work, tables);
     work.report.document["file"] = toUtf8(file.c_str());
     writeFile(file, curvesAsSvg(tables, settingsText(work)));
-    work.report.text += writtenLine(toUtf8(file.c_str()));
+    work.report.text += writtenLine(file);
     return work.report;
 }
 

@@ -24,7 +24,7 @@ Report saveConfiguration(Context& context, const Words& words) {
     ScratchBoard& scratch = context.scratchAtDefaults();
     const std::vector<Side> sides{{"DEFAULT", "default", nullptr}, {"SAVED", "saved", &saved}};
     const std::vector<Difference> changes = askDifferences(scratch, sides);
-    addDifferences(work.report, sides, changes);
+    addDifferences(work.report, sides, changes, Sides::apart);
     if (changes.empty()) work.report.text += forPerson("All of them are defaults.\n");
     const LoadCheck check = askCheck(scratch, file, saved);
     if (!check.losesNothing())

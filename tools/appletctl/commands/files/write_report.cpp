@@ -84,7 +84,7 @@ Report partOf(Context& context, const Section& section) {
 
 Report writeReport(Context& context, const Words& assignments) {
     const std::optional<std::string>& file = context.options().of<OutFileOption>().file;
-    if (file && file->empty()) throw UsageError("the name of the file is empty");
+    requireFileName(file);
     Report done = runCommandNamed(context, "set", assignments);
     if (done.exitCode != exitDone) return done;
     Report report;
@@ -109,7 +109,7 @@ Report writeReport(Context& context, const Words& assignments) {
     }
     writeFile(*file, context.options().json ? documentText(report, "report", 2) : text);
     report.document = {{"file", toUtf8(file->c_str())}};
-    report.text = writtenLine(toUtf8(file->c_str()));
+    report.text = writtenLine(*file);
     return report;
 }
 

@@ -58,7 +58,7 @@ void addXmlOptions(CLI::App& command, Options& options) {
 Report showXml(Context& context, const Words&) {
     const auto& options = context.options().of<XmlOptions>();
     const auto& outFile = context.options().of<OutFileOption>().file;
-    if (outFile && outFile->empty()) throw UsageError("the name of the file is empty");
+    requireFileName(outFile);
     if (outFile && options.isChecked)
         throw UsageError("either the document is written, with -o, or looked at, with --check");
     const std::string document =
@@ -72,10 +72,9 @@ Report showXml(Context& context, const Words&) {
         return report;
     }
     writeFile(*outFile, document);
-    const std::string file = toUtf8(outFile->c_str());
-    report.document["file"] = file;
+    report.document["file"] = toUtf8(outFile->c_str());
     report.document["bytes"] = document.size();
-    report.text = writtenLine(file);
+    report.text = writtenLine(*outFile);
     return report;
 }
 

@@ -21,10 +21,7 @@ struct Listed {
     const Parameter& parameter;
     const std::optional<ReadResult> reading; // empty if a read would change something on the board
     const DefaultAndRole& known;
-
-    bool isChanged() const {
-        return reading && reading->error == FG_OK && reading->isMeasured && known.isChanged(reading->value);
-    }
+    const bool isDifferent; // from its default
 };
 
 /** As many names of entries as fit, and the number of entries. */
@@ -126,8 +123,8 @@ nlohmann::ordered_json asJson(const Listed& listed, bool wantsRole) {
     } else {
         row["notRead"] = listed.parameter.effectOfReading();
     }
-    row["isChanged"] = listed.isChanged();
-    if (listed.isChanged() && elementCount(listed.parameter) == 0)
+    row["isChanged"] = listed.isDifferent;
+    if (listed.isDifferent && elementCount(listed.parameter) == 0)
         addValue(row["default"], target, *listed.known.start);
     if (wantsRole) row["fileRole"] = listed.known.fileRole;
     return row;
@@ -138,7 +135,7 @@ Table tableOf(const std::vector<Listed>& rows, const Words& chosen) {
     Words names = chosen;
     if (names.empty()) {
         names = {"name", "value", "unit", "access", "limits"};
-        if (std::ranges::any_of(rows, &Listed::isChanged))
+        if (std::ranges::any_of(rows, &Listed::isDifferent))
             names = {"name", "value", defaultColumn, "unit", "access", "limits"};
     }
     Table table;
@@ -154,7 +151,7 @@ Table tableOf(const std::vector<Listed>& rows, const Words& chosen) {
         group = &listed.parameter.groups;
         std::vector<std::string> cells;
         for (const std::string& name : names) {
-            const bool isBlank = chosen.empty() && name == defaultColumn && !listed.isChanged();
+            const bool isBlank = chosen.empty() && name == defaultColumn && !listed.isDifferent;
             cells.push_back(isBlank ? "" : std::ranges::find(columns, name, &Column::name)->cell(listed));
         }
         table.addRow(std::move(cells));
@@ -188,8 +185,8 @@ void addListOptions(CLI::App& command, Options& options) {
 std::string nothingListed(const ListOptions& options, const std::string& pattern) {
     if (options.onlyChanged && pattern.empty() && options.group.empty() && !options.onlyWritable)
         return "No parameter differs from its default.\n";
-    return "No parameter" + (pattern.empty() ? "" : " matches " + inQuotes(toUtf8(pattern.c_str()))) +
-           (options.group.empty() ? "" : " in a group with " + inQuotes(toUtf8(options.group.c_str()))) +
+    return "No parameter" + (pattern.empty() ? "" : " matches " + quotedText(pattern)) +
+           (options.group.empty() ? "" : " in a group with " + quotedText(options.group)) +
            (options.onlyWritable ? ", is writable" : "") +
            (options.onlyChanged ? ", and differs from its default" : "") + ".\n";
 }
@@ -211,9 +208,12 @@ Report listParameters(Context& context, const Words& pattern) {
     }
     std::vector<Listed> rows;
     for (const Parameter* parameter : wanted) {
-        const Listed listed{*parameter, readFor(context, *parameter, asked),
-                            defaultsAndRoles[parameter->name]};
-        if (!own.onlyChanged || listed.isChanged()) rows.push_back(listed);
+        const std::optional<ReadResult> reading = readFor(context, *parameter, asked);
+        const DefaultAndRole& known = defaultsAndRoles[parameter->name];
+        const bool isDifferent = reading && reading->error == FG_OK && reading->isMeasured &&
+                                 isChanged(context, *parameter, known, reading->value);
+        const Listed listed{*parameter, reading, known, isDifferent};
+        if (!own.onlyChanged || listed.isDifferent) rows.push_back(listed);
     }
     auto& documented = report.document["parameters"] = nlohmann::ordered_json::array();
     for (const Listed& listed : rows)

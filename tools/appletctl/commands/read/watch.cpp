@@ -52,17 +52,14 @@ bool isBelow(const Value& first, const Value& second) {
         first);
 }
 
-bool isNumber(const Watched& watched) {
-    const bool isArithmetic =
-        std::visit([](const auto& native) { return std::is_arithmetic_v<std::decay_t<decltype(native)>>; },
-                   watched.reading.value);
-    return isArithmetic && watched.target.parameter->kind() != REGISTER_KIND_ENUM;
+bool hasNumber(const Watched& watched) {
+    return isNumber(watched.reading.value) && watched.target.parameter->kind() != REGISTER_KIND_ENUM;
 }
 
 void read(Context& context, Watched& watched, double secondsSinceLast) {
     watched.reading = context.read(watched.target);
     watched.perSecond.reset();
-    if (watched.reading.error != FG_OK || !watched.reading.isMeasured || !isNumber(watched)) {
+    if (watched.reading.error != FG_OK || !watched.reading.isMeasured || !hasNumber(watched)) {
         watched.before.reset();
         return;
     }

@@ -15,6 +15,7 @@
 #include "appletctl/base/layout.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/CommandRun.h"
+#include "appletctl/commands/shared_options.h"
 #include "appletctl/commands/signals/wave_option.h"
 #include "appletctl/draw/preview.h"
 
@@ -22,6 +23,7 @@
 
 #include <unistd.h>
 
+#include <cerrno>
 #include <cmath>
 #include <optional>
 
@@ -103,7 +105,7 @@ struct Wanted {
 
 Wanted wantedFrom(const Words& words) {
     Wanted wanted{1, true, words};
-    if (words.empty() || words.front().find('=') != std::string::npos) return wanted;
+    if (words.empty() || isAssignment(words.front())) return wanted;
     const auto number = wholeNumber<std::int64_t>(words.front());
     if (!number || *number < 1 || *number > mostPictures)
         throw UsageError(inQuotedWord(words.front()) + " is no number of pictures: 1 to 100000000");
@@ -132,10 +134,10 @@ public:
         , m_timeout(ticksFrom(m_own.timeout))
         , m_station(stationOf(context.options()))
         , m_waves(wavesOf(context.options())) {
-        if (m_own.file && m_file.empty()) throw UsageError("the name of the file is empty");
+        requireFileName(m_own.file);
         if (!m_own.format.empty() && m_file.empty())
             throw UsageError("--format says how -o writes, and there is no -o");
-        if (m_own.events && m_own.events->empty()) throw UsageError("the name of the file is empty");
+        requireFileName(m_own.events);
         requireOneOutput();
         if (isToOutput())
             m_files.emplace("-", m_own.format.empty() ? "raw" : m_own.format, "");
@@ -167,12 +169,17 @@ public:
         writePages();
         finishEvents(work);
         finish(work, before);
+        if (m_outputError != 0 && m_outputError != EPIPE) fail(work, unwrittenOutput);
         return std::move(work.report);
     }
 
 private:
     bool isToOutput() const { return m_file == "-"; }
     bool areEventsToOutput() const { return m_own.events == "-"; }
+    /** Otherwise no row is kept. */
+    bool isTableShown() const {
+        return !m_context.options().json && !m_context.options().quiet && !isQuietOutput();
+    }
     bool isQuietOutput() const { return m_own.wantsHash || isToOutput() || areEventsToOutput(); }
 
     /** Output that uses the whole standard output excludes all other output there. */
@@ -215,38 +222,40 @@ private:
         if (m_events) grabber.setPiece(EventLog::longestPause);
         for (std::int64_t number = 1; !isEnough(number); ++number) {
             m_number = number;
-            const std::int64_t lines = sourceLines(work.instance);
-            const Ticks from = work.instance.board().now(work.instance.device());
+            const WaitStart start = waitStart(work.instance);
             m_progress.setDetail(progress(number));
             const Grabber::Outcome outcome = grabber.next(m_timeout, [this] { return goesOn(); });
             if (!writeEvents()) return;
             if (outcome == Grabber::Outcome::interrupted) {
-                if (!m_isOutputClosed) m_report->exitCode = exitInterrupted;
+                if (m_outputError == 0) m_report->exitCode = exitInterrupted;
                 return;
             }
             if (outcome == Grabber::Outcome::timeout) {
-                fail(work, "picture " + numberText(number) + " did not come within " +
-                               durationText(m_timeout) + ": " +
-                               whyNoPicture(work.instance, work.parameters,
-                                            {.lines = sourceLines(work.instance) - lines,
-                                             .from = from,
-                                             .longer = "give a longer --timeout",
-                                             .wave = "a --wave"}));
+                fail(work,
+                     "picture " + numberText(number) + " did not come within " + durationText(m_timeout) +
+                         ": " +
+                         whyNoPicture(
+                             work.instance, work.parameters,
+                             {.start = start, .longer = "give a longer --timeout", .wave = "a --wave"}));
                 return;
             }
             if (number % m_own.every == 0 && !take(grabber)) return;
         }
     }
 
+    /** Writes at once, so that nothing accumulates. False if this or an earlier write has failed. */
+    bool writeToOutput(const std::string& bytes) {
+        if (m_outputError == 0 && !writeAll(STDOUT_FILENO, bytes)) m_outputError = errno;
+        return m_outputError == 0;
+    }
+
     /** False if the write to the standard output fails. */
     bool writeEvents() {
         if (!m_events) return true;
         const std::string lines = m_events->take(m_number);
-        if (m_eventFile)
-            m_eventFile->add(lines);
-        else
-            m_isOutputClosed = !writeAll(STDOUT_FILENO, lines);
-        return !m_isOutputClosed;
+        if (!m_eventFile) return writeToOutput(lines);
+        m_eventFile->add(lines);
+        return true;
     }
 
     void finishEvents(CommandRun& work) {
@@ -276,7 +285,7 @@ private:
         const PictureView picture = isDrawn ? grabber.draw() : PictureView();
         const vboard_record& record = grabber.record();
         m_lines += record.lines;
-        if (isToOutput()) return writeAll(STDOUT_FILENO, m_files->encode(picture));
+        if (isToOutput()) return writeToOutput(m_files->encode(picture));
         const std::string file = m_files ? writePicture(*m_files, record, m_settings) : "";
         const std::string digest = m_own.wantsHash ? sha256Of(picture) : "";
         if (m_context.options().json) {
@@ -289,9 +298,9 @@ private:
         if (m_own.wantsStatistics) statistics(record, picture);
         const std::string shown = printable(toUtf8(file.c_str()));
         m_isTableFilled = true;
-        if (!digest.empty())
+        if (!digest.empty() && !m_context.options().quiet)
             m_hashes += digest + "  " + (file.empty() ? numberText(record.picture) : shown) + '\n';
-        else
+        else if (isTableShown())
             m_table.addRow({numberText(record.picture), numberText(record.arrival),
                             durationText(record.arrival), numberText(record.width), numberText(record.lines),
                             flagsOf(record), file.empty() ? "-" : shown});
@@ -309,7 +318,7 @@ private:
     PictureStatistics statistics(const vboard_record& record, const PictureView& picture) {
         const PictureStatistics its = statisticsOf(picture);
         m_statistics.add(its);
-        addRows(numberText(record.picture), its);
+        if (isTableShown()) addRows(numberText(record.picture), its);
         return its;
     }
 
@@ -326,7 +335,7 @@ private:
     /** Called also if only some of the pictures arrived. */
     void writePages() {
         if (m_files && isToOutput())
-            writeAll(STDOUT_FILENO, m_files->pages());
+            writeToOutput(m_files->pages());
         else if (m_files)
             m_files->finish();
     }
@@ -401,7 +410,7 @@ private:
     std::int64_t m_number = 0; // number of the picture being waited for
     std::int64_t m_lines = 0;  // total of the pictures that were taken
     nlohmann::ordered_json m_settings;
-    bool m_isOutputClosed = false; // the reader of the events has closed it
+    int m_outputError = 0; // errno of the write to the standard output that failed; EPIPE: nothing reads it
     std::optional<EventLog> m_events;
     std::optional<OutputFile> m_eventFile;
     PictureStatistics m_statistics; // of all pictures

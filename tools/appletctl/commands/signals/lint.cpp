@@ -24,7 +24,7 @@ std::string textOf(const LintFinding& finding) {
 }
 
 Report lintParameters(Context& context, const Words& words) {
-    const bool isFile = !words.empty() && words.front().find('=') == std::string::npos;
+    const bool isFile = !words.empty() && !isAssignment(words.front());
     if (isFile && words.size() > 1)
         throw UsageError("one file is looked at, or the parameters after assignments");
     Report report = applyLive(context, isFile ? Words{} : words);

@@ -12,19 +12,13 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <iterator>
 #include <optional>
-#include <span>
 #include <type_traits>
+#include <utility>
 
 namespace appletctl {
 namespace {
-
-/** A pair of parameters, such as FG_TRIGGERCAMERA_SOURCE and FG_TRIGGERCAMERA_POLARITY. */
-struct Route {
-    std::string output; // "FG_TRIGGERCAMERA"
-    Target source;
-    Target polarity;
-};
 
 /** A parameter of the design. */
 struct DesignValue {
@@ -43,18 +37,6 @@ struct BoardRoute {
     bool agrees() const { return select.agrees() && invert.agrees(); }
 };
 
-std::vector<Route> routesOf(const ParameterList& parameters) {
-    constexpr std::string_view suffix = "_SOURCE";
-    std::vector<Route> routes;
-    for (const Parameter& parameter : parameters.all()) {
-        if (!parameter.name.ends_with(suffix)) continue;
-        const std::string output = parameter.name.substr(0, parameter.name.size() - suffix.size());
-        const auto polarity = std::ranges::find(parameters.all(), output + "_POLARITY", &Parameter::name);
-        if (polarity != parameters.all().end()) routes.push_back({output, {&parameter}, {&*polarity}});
-    }
-    return routes;
-}
-
 /** A function that uses an input, and the parameters that select the input. */
 struct InputRow {
     const char* listener;
@@ -67,6 +49,30 @@ constexpr InputRow inputRows[] = {
     {"encoder B", "FG_SHAFTENCODERINSRC", nullptr},
     {"image trigger", "FG_IMGTRIGGERINSRC", "FG_IMGTRIGGERINPOLARITY"},
 };
+
+/** The board's design, and what the applet writes to it for the present values. */
+struct Comparison {
+    ParameterList design;
+    std::vector<DesignWrites> ofRoutes;
+    std::vector<DesignWrites> ofInputs; // for the source of each row
+};
+
+/** Empty offline: there is no board to compare with. */
+std::optional<Comparison> comparisonFor(Context& context, const std::vector<SignalRoute>& routes) {
+    if (context.options().offline) return std::nullopt;
+    std::vector<std::vector<Target>> groups;
+    groups.reserve(routes.size() + std::size(inputRows));
+    for (const SignalRoute& route : routes)
+        groups.push_back({route.source, route.polarity});
+    for (const InputRow& row : inputRows)
+        groups.push_back({Target{&context.parameters().find(row.source)}});
+    std::vector<DesignWrites> ofRoutes = askWrites(context, groups);
+    const auto firstInput = ofRoutes.end() - std::ssize(inputRows);
+    std::vector<DesignWrites> ofInputs(firstInput, ofRoutes.end());
+    ofRoutes.erase(firstInput, ofRoutes.end());
+    return Comparison{ParameterList(context.instance(), ParameterList::Scope::design), std::move(ofRoutes),
+                      std::move(ofInputs)};
+}
 
 /** The live board's value of one of them. */
 DesignValue compare(Instance& instance, const ParameterList& design, const DesignWrite& write) {
@@ -90,7 +96,7 @@ struct RouteState {
     bool disagrees() const { return board && !board->agrees(); }
 };
 
-RouteState stateOf(Instance& instance, const Route& route) {
+RouteState stateOf(Instance& instance, const SignalRoute& route) {
     const Value source = valueOf(instance, route.source), polarity = valueOf(instance, route.polarity);
     return {.output = route.output,
             .source = valueText(*route.source.parameter, source),
@@ -98,6 +104,26 @@ RouteState stateOf(Instance& instance, const Route& route) {
             .sourceJson = valueAsJson(route.source, source),
             .polarityJson = valueAsJson(route.polarity, polarity),
             .board = std::nullopt};
+}
+
+BoardRoute boardRouteOf(Instance& instance, const ParameterList& design, const std::string& output,
+                        const DesignWrites& expected) {
+    if (expected.size() != 2)
+        throw Failure(output + ": the applet wrote " + numberText(expected.size()) +
+                      " parameters of the design, not a selection and an inversion");
+    return {compare(instance, design, expected[0]), compare(instance, design, expected[1])};
+}
+
+std::vector<RouteState> statesOf(Instance& instance, const std::vector<SignalRoute>& routes,
+                                 const std::optional<Comparison>& comparison) {
+    std::vector<RouteState> states;
+    for (const SignalRoute& route : routes) {
+        RouteState& state = states.emplace_back(stateOf(instance, route));
+        if (comparison)
+            state.board = boardRouteOf(instance, comparison->design, state.output,
+                                       comparison->ofRoutes[states.size() - 1]);
+    }
+    return states;
 }
 
 /** "3"; "7, not 3" if the applet writes 3. */
@@ -155,31 +181,35 @@ nlohmann::ordered_json asJson(const InputState& state) {
     return row;
 }
 
-/** `expected` is the value that the applet writes for the source of each row; empty offline. */
-std::vector<InputState> inputsOf(Context& context, const ParameterList* design,
-                                 std::span<const DesignWrites> expected) {
-    Instance& instance = context.instance();
-    const auto addTo = [&](const char* name, std::string& text, nlohmann::ordered_json& value) {
-        if (name == nullptr) return;
-        const Target target{&context.parameters().find(name)};
-        const Value now = valueOf(instance, target);
-        text = valueText(*target.parameter, now);
-        value = valueAsJson(target, now);
-    };
+/** One side of an input. */
+struct NamedValue {
+    std::string text = "-";
+    nlohmann::ordered_json value = nullptr;
+};
+
+/** `name` is null for an input without this side. */
+NamedValue namedValue(Context& context, const char* name) {
+    if (name == nullptr) return {};
+    const Target target{&context.parameters().find(name)};
+    const Value now = valueOf(context.instance(), target);
+    return {valueText(*target.parameter, now), valueAsJson(target, now)};
+}
+
+std::vector<InputState> inputsOf(Context& context, const std::optional<Comparison>& comparison) {
     std::vector<InputState> inputs;
     for (const InputRow& row : inputRows) {
+        const NamedValue source = namedValue(context, row.source),
+                         polarity = namedValue(context, row.polarity);
         InputState state{.listener = row.listener,
-                         .source = "-",
-                         .polarity = "-",
-                         .sourceValue = nullptr,
-                         .polarityValue = nullptr,
+                         .source = source.text,
+                         .polarity = polarity.text,
+                         .sourceValue = source.value,
+                         .polarityValue = polarity.value,
                          .isInUse = accessWord(context.parameters().find(row.source)) != "ro",
                          .values = {}};
-        addTo(row.source, state.source, state.sourceValue);
-        addTo(row.polarity, state.polarity, state.polarityValue);
-        if (design != nullptr)
-            for (const DesignWrite& value : expected[inputs.size()])
-                state.values.push_back(compare(instance, *design, value));
+        if (comparison)
+            for (const DesignWrite& write : comparison->ofInputs[inputs.size()])
+                state.values.push_back(compare(context.instance(), comparison->design, write));
         inputs.push_back(std::move(state));
     }
     return inputs;
@@ -207,6 +237,15 @@ std::string asDot(const std::vector<InputState>& inputs, const std::vector<Route
     return text + "}\n";
 }
 
+Table tableOf(const std::vector<RouteState>& states) {
+    Table table;
+    table.setTitles({"OUTPUT", "SOURCE", "POLARITY", "BOARD: SELECT", "INVERT", "AGREES"});
+    table.setDispensable({"INVERT", "BOARD: SELECT"});
+    for (const RouteState& state : states)
+        table.addRow(asCells(state));
+    return table;
+}
+
 Table tableOf(const std::vector<InputState>& inputs) {
     Table table;
     table.setTitles({"FED BY AN INPUT", "SOURCE", "POLARITY", "IN USE", "BOARD: SELECT", "AGREES"});
@@ -216,67 +255,49 @@ Table tableOf(const std::vector<InputState>& inputs) {
     return table;
 }
 
+void refuse(Report& report, const std::string& subject) {
+    report.problems.push_back("the board does not hold what the applet writes for " + subject);
+    report.exitCode = exitRefused;
+}
+
+void addRoutes(const std::vector<RouteState>& states, Report& report) {
+    auto& rows = report.document["routes"] = nlohmann::ordered_json::array();
+    for (const RouteState& state : states) {
+        rows.push_back(asJson(state));
+        if (state.disagrees()) refuse(report, state.output);
+    }
+}
+
 void addInputs(const std::vector<InputState>& inputs, Report& report) {
     auto& rows = report.document["inputs"] = nlohmann::ordered_json::array();
     for (const InputState& input : inputs) {
         rows.push_back(asJson(input));
-        if (!input.disagrees()) continue;
-        report.problems.push_back(
-            std::string("the board does not hold what the applet writes for the input of the ") +
-            input.listener);
-        report.exitCode = exitRefused;
+        if (input.disagrees()) refuse(report, std::string("the input of the ") + input.listener);
     }
 }
 
+void showGraph(const std::string& graph, Report& report) {
+    report.text = graph;
+    report.isVerbatim = true;
+    report.document["dot"] = graph;
+}
+
 Report showRoutes(Context& context, const Words& assignments) {
-    Instance& instance = context.instance();
-    const ParameterList& parameters = context.parameters();
     Report report = applyLive(context, assignments);
     if (report.exitCode != exitDone) return report;
-    const std::vector<Route> routes = routesOf(parameters);
-    // Offline there is no board to compare with.
-    const bool isOnBoard = !context.options().offline;
-    std::vector<std::vector<Target>> groups;
-    groups.reserve(routes.size() + std::size(inputRows));
-    for (const Route& route : routes)
-        groups.push_back(std::vector{route.source, route.polarity});
-    for (const InputRow& row : inputRows)
-        groups.push_back(std::vector{Target{&parameters.find(row.source)}});
-    const auto expected = isOnBoard ? askWrites(context, groups) : std::vector<DesignWrites>();
-    const auto ofInputs = std::span(expected).last(isOnBoard ? std::size(inputRows) : 0);
-    std::optional<ParameterList> design;
-    if (isOnBoard) design.emplace(instance, ParameterList::Scope::design);
-
-    auto& rows = report.document["routes"] = nlohmann::ordered_json::array();
-    Table table;
-    table.setTitles({"OUTPUT", "SOURCE", "POLARITY", "BOARD: SELECT", "INVERT", "AGREES"});
-    table.setDispensable({"INVERT", "BOARD: SELECT"});
-    std::vector<RouteState> states;
-    for (std::size_t i = 0; i < routes.size(); ++i) {
-        RouteState& state = states.emplace_back(stateOf(instance, routes[i]));
-        if (isOnBoard && expected[i].size() != 2)
-            throw Failure(state.output + ": the applet wrote " + numberText(expected[i].size()) +
-                          " parameters of the design, not a selection and an inversion");
-        if (isOnBoard)
-            state.board = {compare(instance, *design, expected[i][0]),
-                           compare(instance, *design, expected[i][1])};
-        table.addRow(asCells(state));
-        rows.push_back(asJson(state));
-        if (!state.disagrees()) continue;
-        report.problems.push_back("the board does not hold what the applet writes for " + state.output);
-        report.exitCode = exitRefused;
-    }
-    const std::vector<InputState> inputs = inputsOf(context, design ? &*design : nullptr, ofInputs);
+    const std::vector<SignalRoute> routes = routesOf(context.parameters());
+    const std::optional<Comparison> comparison = comparisonFor(context, routes);
+    const std::vector<RouteState> states = statesOf(context.instance(), routes, comparison);
+    const std::vector<InputState> inputs = inputsOf(context, comparison);
+    addRoutes(states, report);
     addInputs(inputs, report);
     if (context.options().of<DotOption>().isWanted) {
-        report.text = asDot(inputs, states);
-        report.isVerbatim = true;
-        report.document["dot"] = report.text;
+        showGraph(asDot(inputs, states), report);
         return report;
     }
     const Style style = Style::forStream(STDOUT_FILENO);
-    report.text +=
-        (report.text.empty() ? "" : "\n") + table.render(style) + "\n" + tableOf(inputs).render(style);
+    report.text += (report.text.empty() ? "" : "\n") + tableOf(states).render(style) + "\n" +
+                   tableOf(inputs).render(style);
     return report;
 }
 

@@ -1,5 +1,6 @@
 // Draws the signals of the line trigger over a few line periods, computed from the present values.
 
+#include "applet_tools/answers/routes.h"
 #include "applet_tools/applet/assignments.h"
 #include "applet_tools/applet/line_timing.h"
 #include "applet_tools/applet/published_limits.h"
@@ -8,6 +9,7 @@
 #include "applet_tools/scratch/refusal.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/assignment_report.h"
+#include "appletctl/commands/shared_options.h"
 #include "appletctl/commands/signals/measured_timing.h"
 #include "appletctl/commands/signals/wave_option.h"
 #include "appletctl/draw/svg.h"
@@ -134,18 +136,17 @@ Wave waveOf(const std::string& name, std::int32_t source, bool isInverted,
 
 std::vector<Output> outputsOf(Instance& instance, const ParameterList& parameters,
                               const std::vector<Signal>& signals) {
-    constexpr std::string_view suffix = "_SOURCE";
     std::vector<Output> outputs;
-    for (const Parameter& parameter : parameters.all()) {
-        if (!parameter.name.starts_with("FG_TRIGGER") || !parameter.name.ends_with(suffix)) continue;
-        const std::string name = parameter.name.substr(0, parameter.name.size() - suffix.size());
-        const Value source = valueOf(instance, {&parameter});
+    for (const SignalRoute& route : routesOf(parameters)) {
+        if (!route.output.starts_with("FG_TRIGGER")) continue;
+        const Value source = valueOf(instance, route.source);
         const auto value = std::get<std::int32_t>(source);
-        const Value polarity = valueOf(instance, {&parameters.find(name + "_POLARITY")});
+        const Value polarity = valueOf(instance, route.polarity);
         const bool isConstant = value == GND || value == VCC;
         const bool isInverted = !isConstant && std::get<std::int32_t>(polarity) == FG_LOW;
-        outputs.push_back({name, valueText(parameter, source), valueAsJson({&parameter}, source), value,
-                           isInverted, waveOf(name, value, isInverted, signals)});
+        outputs.push_back({route.output, valueText(*route.source.parameter, source),
+                           valueAsJson(route.source, source), value, isInverted,
+                           waveOf(route.output, value, isInverted, signals)});
     }
     return outputs;
 }
@@ -269,7 +270,7 @@ void writePicture(Report& report, const std::optional<std::string>& file, const 
     if (!file) return;
     writeFile(*file, content);
     report.document[member] = toUtf8(file->c_str());
-    report.text += writtenLine(toUtf8(file->c_str()));
+    report.text += writtenLine(*file);
 }
 
 struct TimingOptions {
@@ -296,8 +297,8 @@ void addTimingOptions(CLI::App& command, Options& options) {
 
 Report showTiming(Context& context, const Words& assignments) {
     const auto& options = context.options().of<TimingOptions>();
-    for (const auto& file : {options.svgFile, options.vcdFile})
-        if (file && file->empty()) throw UsageError("the name of the file is empty");
+    requireFileName(options.svgFile);
+    requireFileName(options.vcdFile);
     const std::vector<WaveRequest> connected = wavesOf(context.options());
     if (!connected.empty() && !options.isMeasured)
         throw UsageError("--wave is for the station, which runs with --measured");

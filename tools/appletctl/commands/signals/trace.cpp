@@ -33,10 +33,9 @@ bool isOneOf(std::span<const std::string_view> words, std::string_view word) {
 enum class LineKind { access, ofSet, text, none };
 
 LineKind kindOf(const std::string& line) {
-    std::istringstream words(line);
-    std::string access, name, type;
-    words >> access >> name >> type;
-    if (isOneOf(accessKinds, access)) return isOneOf(valueTypes, type) ? LineKind::access : LineKind::none;
+    const LoggedAccess words = loggedAccess(line);
+    if (isOneOf(accessKinds, words.access))
+        return isOneOf(valueTypes, words.type) ? LineKind::access : LineKind::none;
     if (printable(toUtf8(line.c_str())) != line) return LineKind::none;
     const bool isOfSet = line.empty() || line == noAccess || line.starts_with("FG_") ||
                          line.starts_with("DRA_") || line.starts_with(designPrefix);
@@ -56,7 +55,7 @@ Lines accessesOfText(const std::string& text, const std::string& file) {
         if (kind == LineKind::none || (kind == LineKind::text && !lines.empty())) {
             constexpr std::size_t mostBytes = 100;
             std::erase(line, '\0');
-            throw UsageError(inQuotes(toUtf8(file.c_str())) + ", line " + numberText(number) + ": " +
+            throw UsageError(shownFile(file) + ", line " + numberText(number) + ": " +
                              inQuotes(shortened(toUtf8(line.c_str()), mostBytes)) +
                              " is no line of 'trace', such as 'set NAME u32 1024'");
         }
@@ -69,18 +68,16 @@ bool holdsNoAccess(const std::string& text) { return text.find(noAccess) != std:
 
 /** The accesses in a file written by "trace", as text or as JSON. */
 Lines accessesOfFile(const std::string& file) {
-    const auto text = textOfFile(file);
-    if (!text) throw UsageError(inQuotes(toUtf8(file.c_str())) + " is no file that can be read");
-    const auto document = ordered_json::parse(*text, nullptr, false);
+    const std::string text = requiredTextOfFile(file);
+    const auto document = ordered_json::parse(text, nullptr, false);
     if (!document.is_object()) {
-        Lines accesses = accessesOfText(*text, file);
-        if (!accesses.empty() || holdsNoAccess(*text)) return accesses;
-        throw UsageError(inQuotes(toUtf8(file.c_str())) +
+        Lines accesses = accessesOfText(text, file);
+        if (!accesses.empty() || holdsNoAccess(text)) return accesses;
+        throw UsageError(shownFile(file) +
                          " is no output of 'trace': it has no line such as 'set NAME u32 1024'");
     }
     if (!document.contains("accesses") || !document["accesses"].is_array())
-        throw UsageError(inQuotes(toUtf8(file.c_str())) +
-                         " is no document of 'trace': it has no \"accesses\"");
+        throw UsageError(shownFile(file) + " is no document of 'trace': it has no \"accesses\"");
     Lines lines;
     for (const auto& access : document["accesses"])
         if (access.is_object()) lines.push_back(loggedLine(access));
@@ -172,9 +169,9 @@ Report compareTraces(Context&, const Words& files) {
 extern const Command traceCommand;
 const Command traceCommand = {
     .name = "trace",
-    .help = "Show what a command does to the design; or compare two such logs: trace diff FILE FILE",
+    .help = "Show what a command does to the design, or compare two such logs",
     .argument = "COMMAND",
-    .argumentHelp = "A command with its words",
+    .argumentHelp = "A command with its words; or diff and two files",
     .examples = {{"trace set FG_WIDTH=2048", "what it writes to the design"},
                  {"trace diff before.txt after.txt", "two logs"}},
     .most = -1,
