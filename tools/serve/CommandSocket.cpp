@@ -64,6 +64,16 @@ std::int64_t clientProcess(int socket) {
     return peer.uid == getuid() || peer.uid == 0 ? peer.pid : -1;
 }
 
+/** A command line without the option that selects this station. */
+applet_tools::Words withoutStation(applet_tools::Words words) {
+    const auto end = std::ranges::find(words, "--");
+    const auto found = std::find_if(words.begin(), end, [](const std::string& word) {
+        return word == "--station" || word.starts_with("--station=");
+    });
+    if (found != end) words.erase(found, *found == "--station" && found + 1 != end ? found + 2 : found + 1);
+    return words;
+}
+
 double secondsBetween(std::chrono::system_clock::time_point from, std::chrono::system_clock::time_point to) {
     return std::chrono::duration<double>(to - from).count();
 }
@@ -120,15 +130,48 @@ bool CommandSocket::end(const CommandEnd& end) {
     const Task task = std::move(m_running.back());
     m_running.pop_back();
     const Clock::time_point now = Clock::now();
-    m_log.push_back({{"time", std::chrono::duration<double>(task.begin.time_since_epoch()).count()},
-                     {"process", task.client->process},
-                     {"command", task.text},
-                     {"exitCode", end.exitCode},
-                     {"seconds", secondsBetween(task.begin, now)}});
-    if (m_log.size() > mostLogged) m_log.pop_front();
+    appendToLog({{"time", std::chrono::duration<double>(task.begin.time_since_epoch()).count()},
+                 {"process", task.client->process},
+                 {"command", task.text},
+                 {"exitCode", end.exitCode},
+                 {"seconds", secondsBetween(task.begin, now)}});
     applet_tools::sendMessage(task.client->socket.number(), {{"exit", end.exitCode}, {"over", end.isOver}});
     if (!m_running.empty() && m_running.back().isInterrupted) raise(SIGINT); // deliver the postponed signal
     return task.isInterrupted;
+}
+
+void CommandSocket::appendToLog(json entry) {
+    m_log.push_back(std::move(entry));
+    if (m_log.size() > mostLogged) m_log.pop_front();
+}
+
+void CommandSocket::addToLog(const std::string& text, int exitCode, double seconds) {
+    const double now = std::chrono::duration<double>(Clock::now().time_since_epoch()).count();
+    const std::lock_guard guard(m_mutex);
+    ++m_count;
+    appendToLog({{"time", now - seconds},
+                 {"process", getpid()},
+                 {"command", text},
+                 {"exitCode", exitCode},
+                 {"seconds", seconds}});
+}
+
+void CommandSocket::setReady(const std::string& address, const std::string& addressWithToken) {
+    const std::lock_guard guard(m_mutex);
+    m_isReady = true;
+    if (address.empty()) return;
+    m_address = address;
+    m_addressWithToken = addressWithToken;
+}
+
+void CommandSocket::requireReady() const {
+    const std::lock_guard guard(m_mutex);
+    if (!m_isReady) throw Failure("the station '" + m_place.name + "' is starting");
+}
+
+std::string CommandSocket::runningCommand() const {
+    const std::lock_guard guard(m_mutex);
+    return m_running.empty() ? "" : m_running.back().text;
 }
 
 void CommandSocket::wake() const { eventfd_write(m_wake.number(), 1); }
@@ -187,10 +230,15 @@ bool CommandSocket::answer(const std::shared_ptr<Connection>& client, const json
         interrupt(client);
         return true;
     }
+    if (what == "status" || what == "address") requireReady();
     if (what == "status") return applet_tools::sendMessage(socket, status());
     if (what == "log") {
         const std::lock_guard guard(m_mutex);
         return applet_tools::sendMessage(socket, {{"log", m_log}});
+    }
+    if (what == "address") {
+        const std::lock_guard guard(m_mutex);
+        return applet_tools::sendMessage(socket, {{"address", m_addressWithToken}});
     }
     if (what != "stop") throw Failure("a station does not know the request '" + what + "'");
     {
@@ -210,8 +258,9 @@ void CommandSocket::enqueue(const std::shared_ptr<Connection>& client, const jso
     command.files = client->reader.takeDescriptors();
     if (command.files.size() != clientFiles)
         throw Failure("a command comes with its standard streams and its folder");
-    std::string text =
-        command.kind == ClientCommand::Kind::line ? command.line : applet_tools::joinWords(command.words);
+    std::string text = command.kind == ClientCommand::Kind::line
+                           ? command.line
+                           : applet_tools::joinWords(withoutStation(command.words));
     const std::lock_guard guard(m_mutex);
     m_waiting.push_back({client, std::move(command), std::move(text)});
     wake();
@@ -240,6 +289,7 @@ json CommandSocket::status() const {
                    {"seconds", secondsBetween(m_start, Clock::now())},
                    {"commands", m_count},
                    {"waiting", m_waiting.size()},
+                   {"address", m_address},
                    {"command", m_running.empty() ? json() : json(m_running.back().text)}});
     return {{"status", status}};
 }

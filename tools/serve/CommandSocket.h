@@ -52,6 +52,16 @@ public:
      *  SIGINT was not meant for the station. */
     bool end(const CommandEnd& end);
 
+    /** Makes the descriptor readable. For any thread. */
+    void wake() const;
+    /** The text of the running command; empty if there is none. */
+    std::string runningCommand() const;
+    /** The station is complete: from now on it answers requests for its status and its address. The address of its
+     *  page with and without the token is empty if it has none. */
+    void setReady(const std::string& address, const std::string& addressWithToken);
+    /** Adds a line for work that was done otherwise, as by HTTP. */
+    void addToLog(const std::string& text, int exitCode, double seconds);
+
 private:
     using Clock = std::chrono::system_clock;
 
@@ -80,7 +90,9 @@ private:
     void enqueue(const std::shared_ptr<Connection>& client, const nlohmann::json& message);
     void interrupt(const std::shared_ptr<Connection>& client);
     nlohmann::json status() const;
-    void wake() const;
+    /** Throws Failure before setReady(). */
+    void requireReady() const;
+    void appendToLog(nlohmann::json entry);
 
     /** For the listening thread only. Closed after the lock is released, so that a client that waits for the
      *  end of the station can start the next one. */
@@ -99,6 +111,9 @@ private:
     std::vector<Task> m_running; // nested commands at the end
     std::deque<nlohmann::json> m_log;
     std::uint64_t m_count = 0;
+    bool m_isReady = false;
+    nlohmann::json m_address;          // without the token; null without HTTP
+    nlohmann::json m_addressWithToken; // the same
     bool m_isStopAsked = false;
 
     std::thread m_thread; // last, as it uses the other members

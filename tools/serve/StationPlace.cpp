@@ -123,9 +123,7 @@ Descriptor connectTo(const StationPlace& place) {
     const sockaddr_un address = addressOf(place.socket);
     if (connect(socket.number(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0)
         return socket;
-    throw applet_tools::Unavailable("there is no station '" + place.name + "' (" + runningStations() +
-                                    "): start it with 'appletctl serve " + place.name +
-                                    "', or leave --station and " + "APPLETCTL_STATION out");
+    throw applet_tools::Unavailable("there is no station '" + place.name + "' (" + runningStations() + ")");
 }
 
 } // namespace serve

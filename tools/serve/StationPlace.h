@@ -40,8 +40,8 @@ applet_tools::Descriptor lockPlace(const StationPlace& place);
 /** True when a running station holds the place. */
 bool isRunning(const StationPlace& place);
 
-/** A socket connected to the station. Throws Unavailable if no station of that name runs, with the running
- *  ones and how to start one. */
+/** A socket connected to the station. Throws Unavailable if no station of that name runs, with the names of
+ *  the running ones. */
 applet_tools::Descriptor connectTo(const StationPlace& place);
 
 } // namespace serve

@@ -1,0 +1,225 @@
+#include "serve/http/StationHttp.h"
+
+#include "applet_tools/base/errors.h"
+#include "applet_tools/base/text.h"
+#include "serve/http/Query.h"
+#include "serve/http/file_api.h"
+#include "serve/http/page_files.h"
+#include "serve/http/parameter_api.h"
+#include "serve/http/picture_api.h"
+#include "serve/http/station_api.h"
+
+#include <malloc.h>
+#include <unistd.h>
+
+#include <array>
+#include <set>
+#include <string_view>
+
+namespace serve {
+namespace {
+
+using RouteFunction = HttpAnswer(Station&, const HttpRequest&, const std::string& name);
+
+struct Route {
+    std::string_view method, path; /**< a path that ends in "/{name}" has a last part that is passed on */
+    RouteFunction* function;
+    std::string_view query{}; /**< the names that its query may have, with spaces between them */
+};
+
+constexpr Route routes[] = {
+    {"GET", "/api/station", showStation},
+    {"GET", "/api/parameters", listParameters, "names changed"},
+    {"GET", "/api/parameters/{name}", showParameter},
+    {"PUT", "/api/parameters/{name}", setParameter},
+    {"POST", "/api/settings", setSeveral},
+    {"GET", "/api/acquisition", showAcquisition},
+    {"POST", "/api/acquisition", setAcquisition},
+    {"GET", "/api/frame", sendFrame, "after timeout picture format quality region fit"},
+    {"GET", "/api/pictures", sendRecords},
+    {"GET", "/api/pixel", sendPixel, "picture x y"},
+    {"GET", "/api/histogram", sendHistogram, "picture region"},
+    {"GET", "/api/profile", sendProfile, "picture line column width"},
+    {"GET", "/api/stream", streamEvents},
+    {"GET", "/api/timeline", showTimeline, "from to names most"},
+    {"GET", "/api/losses", showLosses},
+    {"GET", "/api/configuration", sendConfiguration},
+    {"PUT", "/api/configuration", loadConfiguration},
+    {"GET", "/api/lut/{name}", showTable, "points"},
+    {"PUT", "/api/lut/{name}", setTable},
+    {"GET", "/api/belt", showBelt},
+    {"PUT", "/api/belt", setBelt},
+    {"GET", "/api/scene", showScene},
+    {"PUT", "/api/scene", setScene},
+    {"GET", "/api/record", recordPictures, "count"},
+    {"GET", "/metrics", sendMetrics},
+};
+
+constexpr std::string_view assets = "/assets/", named = "{name}";
+
+/** The name of the file that a path asks for; empty if it asks for none. Files have no state and need no token. */
+std::string_view fileOf(std::string_view path) {
+    if (path == "/" || path == "/index.html") return "index.html";
+    if (path == "/api/openapi.json") return "openapi.json";
+    return path.starts_with(assets) ? path.substr(assets.size()) : "";
+}
+
+/** True if the path is the route's; then `name` is its last part. */
+bool isAt(const Route& route, const std::string& path, std::string& name) {
+    if (!route.path.ends_with(named)) return path == route.path;
+    const std::string_view before = route.path.substr(0, route.path.size() - named.size());
+    if (!path.starts_with(before) || path.size() == before.size()) return false;
+    name = path.substr(before.size());
+    return name.find('/') == std::string::npos;
+}
+
+/** The refusal of a method that the path does not take; none if it takes it, or is unknown. */
+std::optional<HttpAnswer> refusedMethod(const HttpRequest& request) {
+    std::string name;
+    std::string allowed;
+    for (const Route& route : routes) {
+        if (!isAt(route, request.path, name)) continue;
+        if (route.method == request.method) return std::nullopt;
+        allowed += (allowed.empty() ? "" : ", ") + std::string(route.method);
+    }
+    if (allowed.empty()) return std::nullopt;
+    HttpAnswer answer = errorAnswer({status::notAllowed, "invalid", request.path + " takes " + allowed});
+    answer.headers.emplace_back("Allow", allowed);
+    return answer;
+}
+
+HttpAnswer routed(Station& station, const HttpRequest& request) {
+    std::string name;
+    for (const Route& route : routes) {
+        if (route.method != request.method || !isAt(route, request.path, name)) continue;
+        requireNames(request, applet_tools::splitLine(std::string(route.query)).words);
+        return route.function(station, request, name);
+    }
+    std::set<std::string> known;
+    for (const Route& route : routes)
+        known.emplace(route.path);
+    throw HttpError(status::notFound, "unknown",
+                    "there is no " + applet_tools::inQuotes(applet_tools::shortened(request.path, 60)) +
+                        "; there are " + applet_tools::join({known.begin(), known.end()}, ", "));
+}
+
+/** For all answers: no other site may use them, and a page may load only what this server sends. */
+void addSafety(HttpAnswer& answer) {
+    constexpr const char* policy =
+        "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self' blob: data:; "
+        "connect-src 'self'; base-uri 'none'; form-action 'none'; frame-ancestors 'none'";
+    constexpr std::array<std::pair<const char*, const char*>, 5> headers = {
+        {{"Content-Security-Policy", policy},
+         {"X-Content-Type-Options", "nosniff"},
+         {"Referrer-Policy", "no-referrer"},
+         {"Cross-Origin-Resource-Policy", "same-origin"},
+         {"X-Frame-Options", "DENY"}}};
+    answer.headers.insert(answer.headers.end(), headers.begin(), headers.end());
+}
+
+std::vector<std::string> ownNames() {
+    std::array<char, 256> name{};
+    if (gethostname(name.data(), name.size() - 1) != 0) return {};
+    return {name.data()};
+}
+
+bool isLoopbackAddress(const std::string& address) { return address.starts_with("127.") || address == "::1"; }
+
+/** As a part of an address: an IPv6 address in brackets. The addresses of all interfaces are reached by the loopback. */
+std::string hostOf(const std::string& address) {
+    if (address == "0.0.0.0") return "127.0.0.1";
+    if (address == "::") return "[::1]";
+    return address.find(':') == std::string::npos ? address : '[' + address + ']';
+}
+
+/** Threads come and go with connections: without these bounds the heap would grow with each of them. */
+void boundHeap() {
+    constexpr int arenas = 2, mappedBytes = 256 << 10;
+    mallopt(M_ARENA_MAX, arenas);
+    mallopt(M_MMAP_THRESHOLD, mappedBytes);
+}
+
+} // namespace
+
+StationHttp::StationHttp(const StationAccess& access, const HttpPlace& place, const std::string& token)
+    : m_guard(token, !isLoopbackAddress(place.address), ownNames())
+    , m_station(access)
+    , m_host(hostOf(place.address))
+    , m_transport(openHttp(place, *this)) {
+    boundHeap();
+}
+
+StationHttp::~StationHttp() {
+    m_station.commands.close();
+    m_station.hub.close();
+    if (m_station.pictures) m_station.pictures->close();
+    m_transport.reset();
+}
+
+std::string StationHttp::address(bool withToken) const {
+    return "http://" + m_host + ':' + std::to_string(m_transport->port()) + '/' +
+           (withToken ? "?token=" + m_guard.token() : "");
+}
+
+void StationHttp::carryOut(bool isPause) { m_station.commands.carryOut(isPause); }
+
+void StationHttp::beginCommand(const std::string& text, bool acquires) {
+    m_station.commands.setCommand(text);
+    if (acquires && m_station.pictures) m_station.pictures->giveWay(text);
+}
+
+void StationHttp::endCommand(bool acquires) {
+    m_station.commands.setCommand("");
+    if (acquires && m_station.pictures) m_station.pictures->comeBack();
+    m_station.noteChanges();
+}
+
+std::optional<HttpAnswer> StationHttp::refusal(const HttpRequest& request) {
+    std::optional<HttpAnswer> refused;
+    if (!m_guard.isFromHere(request))
+        refused =
+            errorAnswer({status::forbidden,
+                         "forbidden",
+                         "the request comes from another site, or under a name that is not this machine's",
+                         {{"advice", "open the address that 'appletctl station address' prints"}}});
+    else if (findPageFile(fileOf(request.path)) == nullptr && request.path != "/favicon.ico" &&
+             !m_guard.hasToken(request))
+        refused = errorAnswer({status::unauthorised,
+                               "forbidden",
+                               "the request has no valid token",
+                               {{"advice", "open the address that 'appletctl station address' prints"}}});
+    if (refused)
+        ++m_station.refusedRequests;
+    else
+        refused = refusedMethod(request);
+    if (refused) addSafety(*refused);
+    return refused;
+}
+
+HttpAnswer StationHttp::answer(const HttpRequest& request) {
+    ++m_station.requests;
+    HttpAnswer answer;
+    try {
+        if (request.path == "/favicon.ico") return {.status = status::noContent, .type = ""};
+        const PageFile* const file = findPageFile(fileOf(request.path));
+        answer = file != nullptr && request.method == "GET" ? fileAnswer(*file, request)
+                                                            : routed(m_station, request);
+    } catch (...) {
+        answer = answerToException();
+    }
+    addSafety(answer);
+    return answer;
+}
+
+HttpAnswer StationHttp::invalid(int code) {
+    HttpAnswer answer =
+        errorAnswer({code, code == status::internal ? "internal" : "invalid",
+                     code == status::tooLarge   ? "the body of the request is larger than a megabyte"
+                     : code == status::tooLong  ? "the address of the request is too long"
+                     : code == status::internal ? "the request failed"
+                                                : "the request is not valid HTTP"});
+    addSafety(answer);
+    return answer;
+}
+
+} // namespace serve

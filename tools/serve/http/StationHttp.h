@@ -1,0 +1,50 @@
+/** The HTTP interface of a running station. */
+#ifndef SERVE_HTTP_STATIONHTTP_H
+#define SERVE_HTTP_STATIONHTTP_H
+
+#include "serve/http/Guard.h"
+#include "serve/http/HttpTransport.h"
+#include "serve/http/Station.h"
+
+#include <memory>
+#include <string>
+
+namespace serve {
+
+/**
+ * Serves from the constructor to the destructor. Its threads use the applet only by work on the command thread,
+ * which made the object and calls its members.
+ */
+class StationHttp : private HttpHandler {
+public:
+    /** Throws Unavailable if the program was built without HTTP, and Failure if it cannot listen. */
+    StationHttp(const StationAccess& access, const HttpPlace& place, const std::string& token);
+    ~StationHttp() override;
+    StationHttp(const StationHttp&) = delete;
+    StationHttp& operator=(const StationHttp&) = delete;
+
+    /** "http://127.0.0.1:8042/"; with the token as a browser needs it. */
+    std::string address(bool withToken) const;
+
+    /** Executes what waits for the command thread; in a pause of a command only what reads. */
+    void carryOut(bool isPause);
+    /** For the command thread, some times a second. */
+    void watchSource() { m_station.watchSource(); }
+    /** Around each command of another client. `acquires`: it may use the acquisition, so the viewers' one stops. */
+    void beginCommand(const std::string& text, bool acquires);
+    void endCommand(bool acquires);
+
+private:
+    std::optional<HttpAnswer> refusal(const HttpRequest& request) override;
+    HttpAnswer answer(const HttpRequest& request) override;
+    HttpAnswer invalid(int status) override;
+
+    Guard m_guard;
+    Station m_station;
+    const std::string m_host;                   // in the address
+    std::unique_ptr<HttpTransport> m_transport; // last, as it uses the other members
+};
+
+} // namespace serve
+
+#endif

@@ -1,0 +1,56 @@
+/** A client's connection, with limits on bytes and time. */
+#ifndef SERVE_HTTP_TRANSPORT_CLIENTSTREAM_H
+#define SERVE_HTTP_TRANSPORT_CLIENTSTREAM_H
+
+#include <httplib.h>
+
+#include <array>
+#include <chrono>
+#include <string_view>
+
+namespace serve {
+
+/** Reads fail once a request has taken too long or its head has too many bytes, and writes once the client has
+ *  not read for too long. Closes the socket in the destructor. */
+class ClientStream : public httplib::Stream {
+public:
+    explicit ClientStream(int socket);
+    ~ClientStream() override;
+    ClientStream(const ClientStream&) = delete;
+    ClientStream& operator=(const ClientStream&) = delete;
+
+    /** Waits for the first byte of the next request, and begins its limits. False if none comes. */
+    bool waitForRequest(std::chrono::milliseconds limit);
+    /** The head is complete, and the body may come. */
+    void beginBody();
+    /** False once the client has closed its side. */
+    bool isClientThere() const;
+    /** True if the head was longer than is read. */
+    bool isHeadTooLong() const { return m_headBytes == 0; }
+    /** Sends a last answer, and reads some of what the client still sends: with unread bytes a close would take
+     *  the answer back. */
+    void refuse(std::string_view answer);
+
+    bool is_readable() const override;
+    bool is_writable() const override;
+    ssize_t read(char* place, std::size_t size) override;
+    ssize_t write(const char* bytes, std::size_t size) override;
+    void get_remote_ip_and_port(std::string& address, int& port) const override;
+    void get_local_ip_and_port(std::string& address, int& port) const override;
+    int socket() const override { return m_socket; }
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    bool waitFor(short events, Clock::time_point due) const;
+
+    int m_socket;
+    std::array<char, 4096> m_buffer{};
+    std::size_t m_begin = 0, m_end = 0; // unread bytes of the buffer
+    std::size_t m_headBytes = 0;        // that may still come
+    Clock::time_point m_due{};
+};
+
+} // namespace serve
+
+#endif
