@@ -1,0 +1,125 @@
+// Where the pixels of a picture are on the screen.
+
+/** Scale and place of a picture in a stage. Scale: screen pixels (CSS) for each pixel of the picture. */
+export class Geometry {
+  constructor() {
+    this.isFit = true;
+    this.scale = 1;
+    this.x = 0; // place in the picture that is in the middle of the stage
+    this.y = 0;
+    this.picture = { width: 0, height: 0 };
+    this.stage = { width: 0, height: 0, ratio: 1 };
+  }
+
+  /** Takes over new sizes. Returns whether anything differs. */
+  resize(picture, stage) {
+    const isSame =
+      picture.width === this.picture.width &&
+      picture.height === this.picture.height &&
+      stage.width === this.stage.width &&
+      stage.height === this.stage.height &&
+      stage.ratio === this.stage.ratio;
+    this.picture = { width: picture.width, height: picture.height };
+    this.stage = { width: stage.width, height: stage.height, ratio: stage.ratio };
+    if (this.isFit) this.fit();
+    else this.clamp();
+    return !isSame;
+  }
+
+  /** The whole picture. Small pictures are magnified by whole numbers only. */
+  fit() {
+    this.isFit = true;
+    const { width, height, ratio } = this.stage;
+    const scale = Math.min(width / this.picture.width, height / this.picture.height) || 1;
+    this.scale = scale * ratio > 1 ? Math.floor(scale * ratio) / ratio : scale;
+    this.x = this.picture.width / 2;
+    this.y = this.picture.height / 2;
+  }
+
+  /** Changes the scale so that the place below the screen point stays below it. */
+  zoom(scale, at = { x: this.stage.width / 2, y: this.stage.height / 2 }) {
+    const before = this.toPicture(at);
+    this.isFit = false;
+    this.scale = Math.min(64, Math.max(1 / 64, scale));
+    const after = this.toPicture(at);
+    this.x += before.x - after.x;
+    this.y += before.y - after.y;
+    this.clamp();
+  }
+
+  /** Moves the picture by screen pixels. */
+  pan(dx, dy) {
+    this.isFit = false;
+    this.x -= dx / this.scale;
+    this.y -= dy / this.scale;
+    this.clamp();
+  }
+
+  clamp() {
+    const limit = (place, length, view) => {
+      const half = view / this.scale / 2;
+      return length <= 2 * half ? length / 2 : Math.min(length - half, Math.max(half, place));
+    };
+    this.x = limit(this.x, this.picture.width, this.stage.width);
+    this.y = limit(this.y, this.picture.height, this.stage.height);
+    if (this.scale * this.stage.ratio >= 1) {
+      // whole pixels of the screen, so that lines of the grid are sharp
+      const step = 1 / (this.scale * this.stage.ratio);
+      const snap = (place, view) => Math.round((place - view / this.scale / 2) / step) * step + view / this.scale / 2;
+      this.x = snap(this.x, this.stage.width);
+      this.y = snap(this.y, this.stage.height);
+    }
+  }
+
+  /** Place in the picture below a screen point; fractions count within a pixel. */
+  toPicture({ x, y }) {
+    return {
+      x: this.x + (x - this.stage.width / 2) / this.scale,
+      y: this.y + (y - this.stage.height / 2) / this.scale,
+    };
+  }
+
+  /** Screen point of a place in the picture. */
+  toScreen({ x, y }) {
+    return {
+      x: (x - this.x) * this.scale + this.stage.width / 2,
+      y: (y - this.y) * this.scale + this.stage.height / 2,
+    };
+  }
+
+  /** The pixel below a screen point, or null outside the picture. */
+  pixelAt(point) {
+    const place = this.toPicture(point);
+    const pixel = { x: Math.floor(place.x), y: Math.floor(place.y) };
+    const isInside = pixel.x >= 0 && pixel.y >= 0 && pixel.x < this.picture.width && pixel.y < this.picture.height;
+    return isInside ? pixel : null;
+  }
+
+  /** The pixel of the picture that is next to a screen point. */
+  nearestPixel(point) {
+    const place = this.toPicture(point);
+    return {
+      x: Math.min(this.picture.width - 1, Math.max(0, Math.floor(place.x))),
+      y: Math.min(this.picture.height - 1, Math.max(0, Math.floor(place.y))),
+    };
+  }
+
+  /** The part of the picture that the stage shows, in whole pixels. */
+  visible() {
+    const from = this.toPicture({ x: 0, y: 0 });
+    const to = this.toPicture({ x: this.stage.width, y: this.stage.height });
+    const x = Math.max(0, Math.floor(from.x));
+    const y = Math.max(0, Math.floor(from.y));
+    return {
+      x,
+      y,
+      w: Math.min(this.picture.width, Math.ceil(to.x)) - x,
+      h: Math.min(this.picture.height, Math.ceil(to.y)) - y,
+    };
+  }
+
+  /** Pixels of the screen itself for each pixel of the picture. */
+  magnification() {
+    return this.scale * this.stage.ratio;
+  }
+}

@@ -1,0 +1,185 @@
+// The page of a station: connects its parts.
+
+import { ApiError, getJson, keepStream, setToken, takeToken } from './api.js';
+import { startBalance } from './balance.js';
+import { askAcquisition, startBar, takeActivity } from './bar.js';
+import { startBelt } from './belt.js';
+import { byId, decimal, el, press, setText } from './dom.js';
+import { startFiles } from './files.js';
+import { startHold } from './hold.js';
+import { startKeys } from './keys.js';
+import { startLevels } from './levels.js';
+import { Live } from './live.js';
+import { startLosses } from './losses.js';
+import { startLut } from './lut.js';
+import { latest } from './pace.js';
+import { reload, takeChanges } from './parameters.js';
+import { startProbe } from './probe.js';
+import { showTrouble } from './reason.js';
+import { notice } from './refusal.js';
+import { get, on, set } from './state.js';
+import { startTabs } from './tabs.js';
+import { startTimeline } from './timeline.js';
+import { startTree } from './tree.js';
+import { View } from './view.js';
+import { Waterfall } from './waterfall.js';
+
+takeToken();
+
+let live = null;
+const view = new View(byId('view'), {
+  onMove: () => {
+    live?.refresh();
+    showScale();
+  },
+});
+const waterfall = new Waterfall(byId('view'));
+live = new Live({
+  wanted: () => (waterfall.isOn ? waterfall.wanted() : view.wanted()),
+  onFrame: (frame) => {
+    if (waterfall.isOn) waterfall.add(frame);
+    else view.show(frame);
+    setText(byId('view-note'), waterfall.isOn ? waterfall.note() : '');
+    showScale();
+  },
+  onTrouble: showTrouble,
+  onMisfit: () => view.fit(),
+});
+
+startBar(() => live.shownRate());
+
+// The station and its stream.
+
+const askStation = latest(async (signal) => {
+  try {
+    const before = get('station');
+    const station = await getJson('/api/station', {}, signal);
+    if (before && before.process !== station.process) {
+      set('frozen', false); // its pictures are gone
+      live.restart();
+    }
+    set('station', station);
+    set('admitted', true);
+    notice('token', null);
+  } catch (error) {
+    if (!(error instanceof ApiError)) throw error;
+    if (error.status === 401 || error.status === 403) askToken(error);
+  }
+});
+
+/** The station is there, or there again: nothing that the page knows is taken as true any more. */
+function renew() {
+  askStation();
+  askAcquisition();
+  reload();
+  live.refresh();
+}
+
+const losses = startLosses();
+const onMessage = {
+  parameter: ({ changes }) => takeChanges(changes),
+  limits: (message) => reload(message.names ?? message),
+  picture: ({ number }) => number < live.number && !get('frozen') && live.restart(),
+  event: losses.showEvent,
+  losses: losses.showLosses,
+  station: takeActivity,
+};
+const stream = keepStream(
+  Object.keys(onMessage),
+  (kind, message) => onMessage[kind](message),
+  (isOpen) => {
+    set('online', isOpen);
+    if (isOpen) renew();
+    else askStation(); // the answer shows whether it is the token
+  },
+);
+
+/** Without the right token nothing can be shown: asks for it. */
+function askToken(error) {
+  set('admitted', false);
+  const field = el('input', { type: 'password', id: 'token', autocomplete: 'off', 'aria-label': 'Token' });
+  const form = el(
+    'form',
+    {
+      class: 'token',
+      on: {
+        submit: (event) => {
+          event.preventDefault();
+          setToken(field.value.trim());
+          notice('token', null);
+          renew();
+          stream.retry();
+        },
+      },
+    },
+    el('p', { text: [error.message, error.advice].filter(Boolean).join('. ') }),
+    el('label', {}, 'Token ', field),
+    el('button', { type: 'submit', class: 'primary', text: 'Use it' }),
+  );
+  if (!byId('token')) notice('token', form);
+}
+
+// Tools of the image.
+
+function showScale() {
+  const magnification = view.geometry.magnification();
+  const isFit = view.geometry.isFit && !waterfall.isOn;
+  press(byId('view-fit'), isFit);
+  byId('view').classList.toggle('zoomed', !isFit && !waterfall.isOn);
+  press(byId('view-full'), Math.abs(magnification - 1) < 1e-6 && !isFit && !waterfall.isOn);
+  setText(
+    byId('view-scale'),
+    waterfall.isOn || !get('picture') ? '–' : `${decimal(magnification * 100, magnification < 0.1 ? 2 : 1)} %`,
+  );
+}
+on('picture', showScale);
+
+const leaveWaterfall = () => waterfall.isOn && setWaterfall(false);
+const zoomBy = (action) => () => {
+  leaveWaterfall();
+  action();
+};
+byId('view-fit').addEventListener(
+  'click',
+  zoomBy(() => view.fit()),
+);
+byId('view-full').addEventListener(
+  'click',
+  zoomBy(() => view.setMagnification(1)),
+);
+byId('view-in').addEventListener(
+  'click',
+  zoomBy(() => view.step(1)),
+);
+byId('view-out').addEventListener(
+  'click',
+  zoomBy(() => view.step(-1)),
+);
+byId('view-waterfall').addEventListener('click', () => setWaterfall(!waterfall.isOn));
+byId('region').addEventListener('click', () => {
+  view.isSelecting = !view.isSelecting;
+  press(byId('region'), view.isSelecting);
+  byId('view').classList.toggle('selecting', view.isSelecting);
+});
+
+function setWaterfall(isOn) {
+  waterfall.setOn(isOn);
+  view.isPaused = isOn;
+  press(byId('view-waterfall'), isOn);
+  if (isOn && get('frozen')) byId('freeze').click();
+  live.refresh();
+  view.draw();
+  showScale();
+}
+
+startHold(view, live);
+startTabs();
+startTree();
+startProbe();
+startLevels();
+startTimeline();
+startLut();
+startBalance();
+startFiles();
+startBelt();
+startKeys(view);

@@ -1,0 +1,78 @@
+// How often things are done: drawing once for each frame of the screen, requests one at a time.
+
+/**
+ * Makes a function that calls draw() with the next frame of the screen, once however often it is called before.
+ * @param {function(): void} draw
+ */
+export function oncePerFrame(draw) {
+  let isAsked = false;
+  return () => {
+    if (isAsked) return;
+    isAsked = true;
+    requestAnimationFrame(() => {
+      isAsked = false;
+      draw();
+    });
+  };
+}
+
+/**
+ * Makes a function that runs a task, never two at a time. Calls that come meanwhile are one more run afterwards.
+ * @param {function(AbortSignal): Promise<void>} task its failures are its own to show.
+ * @param {{pause?: number, abort?: boolean}} [options] pause: least time between two runs in milliseconds;
+ *   abort: a new call makes the result of the running one useless, so its request ends at once.
+ */
+export function latest(task, { pause = 0, abort = false } = {}) {
+  let running = null;
+  let isAskedAgain = false;
+  const run = async () => {
+    running = new AbortController();
+    const begin = performance.now();
+    try {
+      await task(running.signal);
+    } catch (error) {
+      if (error.name !== 'AbortError') console.error(error);
+    }
+    const took = performance.now() - begin;
+    const rest = Math.max(pause - took, pause && took); // a task that takes long is not run all the time
+    if (rest > 0) await sleep(rest);
+    running = null;
+    if (isAskedAgain) {
+      isAskedAgain = false;
+      run();
+    }
+  };
+  return () => {
+    if (!running) return void run();
+    isAskedAgain = true;
+    if (abort) running.abort();
+  };
+}
+
+/** Resolves after a time, or as soon as the signal is aborted. */
+export function sleep(milliseconds, signal) {
+  return new Promise((resolve) => {
+    const timer = setTimeout(resolve, milliseconds);
+    signal?.addEventListener(
+      'abort',
+      () => {
+        clearTimeout(timer);
+        resolve();
+      },
+      { once: true },
+    );
+  });
+}
+
+/** Resolves when the tab is shown. */
+export function shown() {
+  if (!document.hidden) return Promise.resolve();
+  return new Promise((resolve) => {
+    const look = () => {
+      if (document.hidden) return;
+      document.removeEventListener('visibilitychange', look);
+      resolve();
+    };
+    document.addEventListener('visibilitychange', look);
+  });
+}

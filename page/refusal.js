@@ -1,0 +1,134 @@
+// Errors of the station, with what they are limited by and a button for each way out.
+
+import { ApiError, setAll } from './api.js';
+import { byId, el } from './dom.js';
+
+/** Limits as one line of text, or an empty one. */
+export function limitText(limit) {
+  if (!limit || (limit.minimum === null && limit.maximum === null)) return '';
+  const step = limit.step && limit.step !== 1 ? ` in steps of ${limit.step}` : '';
+  return `${limit.minimum ?? '…'} to ${limit.maximum ?? '…'}${step}`;
+}
+
+/** The parameters that set a limit, as text. Entries are names, or objects with the name in `parameter`. */
+export function setByText(setBy) {
+  return [...new Set((setBy ?? []).map((entry) => entry.parameter ?? entry.name ?? entry))].join(', ');
+}
+
+/** Whether the station looked at the value of a request and refused it. */
+export const isRefusal = ({ status }) => status >= 400 && status < 500 && status !== 401 && status !== 403;
+
+/** Whether a request had no effect as the station was busy or did not answer, so that it can be sent again. */
+export const isUnsent = (error) => error instanceof ApiError && (error.status === 0 || error.code === 'busy');
+
+/** Makes the box of what did not reach the station; again(): the button to send it again was pressed. */
+export function unsentBox(error, { what, again, onClose }) {
+  const command = /'.+'/.exec(error.message)?.[0];
+  const reason = error.status === 0 ? 'did not answer' : `was busy${command ? ` with ${command}` : ''}`;
+  return el(
+    'div',
+    { class: 'error', role: 'alert' },
+    el('p', { class: 'message', text: `${what} is not set: the station ${reason}.` }),
+    el(
+      'div',
+      { class: 'ways' },
+      el('button', { type: 'button', class: 'way', text: 'Send again', on: { click: again } }),
+      el('button', { type: 'button', class: 'quiet', text: 'Dismiss', on: { click: onClose } }),
+    ),
+  );
+}
+
+/**
+ * Makes the box of an error.
+ * @param {Error} error
+ * @param {{setting?: {name: string, value: *}, onDone?: function(object): void, onClose: function(): void,
+ *   onError: function(Error): void}} options
+ *   setting: what was refused; onDone: a way out was taken, with the answer; onError: a way out was refused in turn.
+ */
+export function errorBox(error, { setting, onDone = () => {}, onClose, onError }) {
+  const lines = [];
+  if (error instanceof ApiError) {
+    if (error.advice && !error.message.includes(error.advice))
+      lines.push(el('p', { class: 'advice', text: error.advice }));
+    const accepted = limitText(error.limit);
+    const setBy = setByText(error.limit?.setBy);
+    if (accepted) {
+      lines.push(
+        el('p', { class: 'limit' }, 'Accepted now: ', el('b', { text: accepted }), setBy ? `, set by ${setBy}` : ''),
+      );
+    }
+  }
+  // The sentence may repeat what is shown as limit and buttons: then its first clause is enough at first.
+  const [clause, ...rest] = lines.length || error.waysOut?.length ? error.message.split('; ') : [error.message];
+  if (clause) lines.unshift(el('p', { class: 'message', text: clause }));
+  if (rest.length)
+    lines.push(
+      el('details', {}, el('summary', { text: 'All of the answer' }), el('p', { text: `${rest.join('; ')}.` })),
+    );
+  const take = (settings) => async (event) => {
+    for (const button of event.target.parentNode.children) button.disabled = true;
+    try {
+      const answer = await setAll(settings);
+      onClose();
+      onDone(answer);
+    } catch (failure) {
+      onError(failure);
+    }
+  };
+  const buttons = ways(error, setting).map(({ text, title, settings }) =>
+    el('button', { type: 'button', class: 'way', text, title, on: { click: take(settings) } }),
+  );
+  buttons.push(el('button', { type: 'button', class: 'quiet', text: 'Dismiss', on: { click: onClose } }));
+  return el('div', { class: 'error', role: 'alert' }, ...lines, el('div', { class: 'ways' }, ...buttons));
+}
+
+function ways(error, setting) {
+  const found = (error.waysOut ?? []).map((way) => {
+    const settings = way.settings ?? [];
+    const isThere = !setting || settings.some(({ name }) => name === setting.name);
+    const others = settings
+      .filter(({ name }) => name !== setting?.name)
+      .map(({ name, value }) => `${name}=${value}`)
+      .join(' ');
+    return {
+      text: setting && others ? `Set with ${others}` : way.text || describe(settings),
+      title: describe(settings),
+      settings: isThere ? settings : [...settings, setting],
+    };
+  });
+  if (setting && error.nearest !== null && error.nearest !== undefined) {
+    const settings = [{ name: setting.name, value: error.nearest }];
+    const isNearest = (way) => way.settings.length === 1 && way.settings[0].name === setting.name;
+    if (found.some(isNearest)) found.splice(found.findIndex(isNearest), 1);
+    found.unshift({ text: `Set ${error.nearest}, the nearest`, title: describe(settings), settings });
+  }
+  return found;
+}
+
+const describe = (settings) => settings.map(({ name, value }) => `${name}=${value}`).join(' ');
+
+/** Shows a message at the top of the page; a later one with the same key takes its place, null takes it away. */
+export function notice(key, content) {
+  const id = `notice-${key}`;
+  byId(id)?.remove();
+  if (content) byId('notices').append(el('div', { id, class: 'notice' }, content));
+}
+
+/** Shows an error at the top of the page until it is dismissed. */
+export function noticeError(key, error, options = {}) {
+  notice(
+    key,
+    errorBox(error, {
+      ...options,
+      onClose: () => notice(key, null),
+      onError: (next) => noticeError(key, next, options),
+    }),
+  );
+}
+
+/** Shows a sentence at the top of the page for a few seconds. */
+export function noticeDone(key, text) {
+  const line = el('p', { class: 'done', role: 'status', text });
+  notice(key, line);
+  setTimeout(() => line.isConnected && notice(key, null), 6000);
+}
