@@ -1,20 +1,22 @@
 #include "base/HandleTable.h"
 
+#include "base/NeverDestroyed.h"
+
 #include <atomic>
 #include <cstdint>
+#include <map>
 
 namespace producer {
 namespace {
 
 struct Table {
     std::mutex mutex;
-    std::unordered_map<void*, std::shared_ptr<Object>> objects;
+    std::map<void*, std::shared_ptr<Object>> objects;
 };
 
-/** Never destroyed: other threads may still be inside a call at process exit. */
 Table& table() {
-    static auto* const one = new Table;
-    return *one;
+    static NeverDestroyed<Table> one;
+    return one.value();
 }
 
 } // namespace

@@ -6,7 +6,6 @@
 
 #include <memory>
 #include <mutex>
-#include <unordered_map>
 
 namespace producer {
 

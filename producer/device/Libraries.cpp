@@ -4,10 +4,19 @@
 
 #include <dlfcn.h>
 
+#include <atomic>
 #include <cstdlib>
 #include <mutex>
 
 namespace producer {
+
+namespace {
+
+std::atomic<std::uint64_t> loads{0};
+
+} // namespace
+
+std::uint64_t timesLoaded() { return loads; }
 
 std::filesystem::path producerFile() {
     Dl_info info{};
@@ -29,6 +38,7 @@ Libraries loadLibraries() {
     try {
         Libraries libraries = std::make_shared<const applet_host::AppletHost>(where);
         loaded = libraries;
+        ++loads;
         return libraries;
     } catch (const applet_host::HostError& error) {
         throw Error(GC_ERR_IO,

@@ -4,6 +4,7 @@
 
 #include "applet_host/AppletHost.h"
 
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 
@@ -17,6 +18,9 @@ using Libraries = std::shared_ptr<const applet_host::AppletHost>;
  * reason.
  */
 Libraries loadLibraries();
+
+/** How often loadLibraries() has had to load them. */
+std::uint64_t timesLoaded();
 
 /** The producer's own file. */
 std::filesystem::path producerFile();

@@ -1,5 +1,6 @@
 #include "device/Station.h"
 
+#include "applet_host/latin1.h"
 #include "base/Error.h"
 #include "device/station_file.h"
 #include "vexo/type_tags.hpp"
@@ -106,20 +107,7 @@ template <typename Function> void withNative(std::int32_t kind, Function functio
 
 } // namespace
 
-std::string toUtf8(const char* text) {
-    const std::string_view bytes = text != nullptr ? text : "";
-    std::string converted;
-    for (const char c : bytes) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte < 0x80) {
-            converted += c;
-        } else {
-            converted += static_cast<char>(0xC0 | (byte >> 6));
-            converted += static_cast<char>(0x80 | (byte & 0x3F));
-        }
-    }
-    return converted;
-}
+std::string toUtf8(const char* text) { return applet_host::utf8FromLatin1(text != nullptr ? text : ""); }
 
 Station::Station(Libraries libraries) : m_libraries(std::move(libraries)), m_session(*m_libraries) {
     if (m_session.error != 0 || m_session.handle.object == nullptr)

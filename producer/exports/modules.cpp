@@ -1,5 +1,6 @@
 // Exported: the library, systems, interfaces, devices.
 
+#include "base/NeverDestroyed.h"
 #include "exports/call.h"
 #include "modules/Interface.h"
 #include "modules/LocalDevice.h"
@@ -7,6 +8,7 @@
 #include "modules/System.h"
 
 #include <cstdlib>
+#include <utility>
 
 using namespace producer;
 
@@ -19,8 +21,12 @@ void stopThreads() {
     if (Library::the().system != nullptr) Library::the().system->stopThreads();
 }
 
-/** Registered after a board has run, so that it is called before the libraries' own cleanup. */
-void stopThreadsAtTheEnd() { [[maybe_unused]] static const int registered = std::atexit(stopThreads); }
+/** Called when a board runs, so that the threads end before the cleanup of the libraries, which was registered before.
+ *  Libraries that are loaded again register theirs again. */
+void stopThreadsAtTheEnd() {
+    static std::uint64_t registeredFor = 0; // guarded by the lock of the modules
+    if (std::exchange(registeredFor, timesLoaded()) != timesLoaded()) std::atexit(stopThreads);
+}
 
 std::shared_ptr<System> systemOf(void* handle) { return HandleTable::find<System>(handle, "a system"); }
 std::shared_ptr<Interface> interfaceOf(void* handle) {
@@ -37,8 +43,8 @@ void tell(bool hasChanged, bool8_t* place) {
 } // namespace
 
 Library& Library::the() {
-    static auto* const library = new Library; // other threads may be in a call at exit
-    return *library;
+    static NeverDestroyed<Library> library;
+    return library.value();
 }
 
 // ---- The library

@@ -1,5 +1,6 @@
 #include "modules/Module.h"
 
+#include "base/NeverDestroyed.h"
 #include "base/hexadecimal.h"
 
 #include <algorithm>
@@ -7,8 +8,8 @@
 namespace producer {
 
 std::mutex& lockOfModules() {
-    static auto* const mutex = new std::mutex; // other threads may be in a call at exit
-    return *mutex;
+    static NeverDestroyed<std::mutex> mutex;
+    return mutex.value();
 }
 
 RegisterMap& Module::registers() {
