@@ -18,7 +18,7 @@ using board_session::width;
 const std::string period = "Device1_Process0_Trigger_Trigger_ExsyncPeriod";
 const std::string temperature = "Device1_Process0_BoardStatus_FpgaTemperature";
 
-TEST_F(VirtualBoard, NumbersGoThroughEveryTagAndIntoTheLog) {
+TEST_F(VirtualBoard, NumbersAreAccessedWithEveryTagAndLogged) {
     EXPECT_EQ(set(width, FG_PARAM_INT64, std::int64_t{2048}), 0);
     EXPECT_EQ(set(period, FG_PARAM_UINT32, 150u), 0);
     EXPECT_EQ(set(period, FG_PARAM_DOUBLE, 0.1 + 0.2), 0);
@@ -84,7 +84,7 @@ TEST_F(VirtualBoard, CallsTheObserverBeforeEachAccess) {
     EXPECT_EQ(sizes.size(), 4u);
 }
 
-TEST_F(VirtualBoard, KeepsFieldsAndHandsOutTexts) {
+TEST_F(VirtualBoard, StoresFieldsAndReturnsTexts) {
     std::uint32_t run[] = {7, 8, 9};
     const FieldParameterAccess some{FG_PARAM_UINT32, 16381, 3, run};
     EXPECT_EQ(set(red, FG_PARAM_FIELD_ACCESS, some), 0);
@@ -120,7 +120,7 @@ TEST_F(VirtualBoard, KeepsFieldsAndHandsOutTexts) {
     EXPECT_EQ(get(uid, FG_PARAM_ALLOCATED_STRING, text), 0); // freed with the handle
 }
 
-TEST_F(VirtualBoard, AResetEndsFaultsAndRestoresValues) {
+TEST_F(VirtualBoard, ResetEndsFaultsAndRestoresValues) {
     std::uint32_t value = 99;
     BOARD(vboard_fail_access)(device, 1, -7, VBOARD_FROM_THEN_ON);
     EXPECT_EQ(get(width, FG_PARAM_UINT32, value), -7);
@@ -163,7 +163,7 @@ TEST_F(VirtualBoard, RegistersHaveTheirWidthAndDirection) {
     EXPECT_EQ(LOADER(TslGetRegisterName)(design, count + 1), nullptr);
 }
 
-TEST_F(VirtualBoard, ChangesAValueWhenItIsReadAndOutlivesItsClose) {
+TEST_F(VirtualBoard, ChangesAValueAfterAReadAndStaysInUseAfterItsClose) {
     const std::string overflow = "Device1_Process0_OverflowOccurred_Status"; // reading clears it
     LOOMdevice* closed = BOARD(vboard_open)();
     Fg_Struct* last = RUNTIME(InitHandleSlaveAware)("any.tsl", closed, design, 0);

@@ -17,7 +17,7 @@ using board_session::width;
 
 const std::string height = "Device1_Process0_ImageHeight_ImageHeight";
 
-TEST_F(VirtualBoard, ADesignKeepsTheSettingsItWasLoadedWith) {
+TEST_F(VirtualBoard, DesignKeepsTheSettingsOfItsLoad) {
     const int known = id(width), other = id(height);
     EXPECT_EQ(BOARD(vboard_lack_parameter)(width.c_str(), true), VBOARD_OK);
     EXPECT_EQ(BOARD(vboard_alias_parameter)("Second name", height.c_str()), VBOARD_OK);
@@ -94,7 +94,7 @@ void collect(const RegisterInfo* group, std::vector<const RegisterInfo*>& leaves
     }
 }
 
-TEST_F(VirtualBoard, TheTreeLeadsToEveryParameter) {
+TEST_F(VirtualBoard, TreeContainsEveryParameter) {
     BOARD(vboard_poke_int)(device, width.c_str(), 640);
     EXPECT_EQ(RUNTIME(getParameterInfo)(fg, 1), nullptr);
     std::vector<const RegisterInfo*> leaves;

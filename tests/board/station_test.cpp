@@ -23,7 +23,7 @@ namespace {
 using board_session::VirtualStation;
 using board_session::width;
 
-TEST_F(VirtualStation, GivesPicturesThroughTheRuntime) {
+TEST_F(VirtualStation, DeliversPicturesThroughTheRuntime) {
     // Without a memory pictures are counted and no time passes.
     EXPECT_EQ(RUNTIME(AcquireEx)(fg, 0, 0, 0, nullptr), 0);
     EXPECT_EQ(wait(5), 5);
@@ -163,7 +163,7 @@ TEST_F(VirtualStation, ActsOnWritesWavesAndInjection) {
     BOARD(vboard_memory_free)(memory);
 }
 
-TEST_F(VirtualStation, RefusesACameraABeltAndASceneThatCannotBe) {
+TEST_F(VirtualStation, RefusesInvalidCamerasBeltsAndScenes) {
     EXPECT_EQ(setInt("CameraSimulator_Enable_SelectSource", 0), 0);
     const vboard_camera camera{.width = 64, .line_rate = 1000, .exposure = 10, .full_exposure = 0};
     const vboard_camera_faults sound{{2, 1, 0}, 0, 2, 64, 0, 0};
@@ -217,7 +217,7 @@ TEST_F(VirtualStation, RefusesACameraABeltAndASceneThatCannotBe) {
     EXPECT_EQ(status(VBOARD_STATUS_CAMERA), VBOARD_CAMERA_NONE);
 }
 
-TEST_F(VirtualStation, FollowsTheMachinesClockAndLetsOthersInWhileItWaits) {
+TEST_F(VirtualStation, FollowsTheClockAndAllowsOtherCallsDuringAWait) {
     using Clock = std::chrono::steady_clock;
     for (const double wrong : {-1.0, 1e-9, 1e9, std::nan("")})
         EXPECT_EQ(BOARD(vboard_clock)(device, wrong), VBOARD_UNKNOWN) << wrong;
@@ -280,7 +280,7 @@ TEST_F(VirtualStation, FollowsTheMachinesClockAndLetsOthersInWhileItWaits) {
     BOARD(vboard_memory_free)(memory);
 }
 
-TEST_F(VirtualStation, DrawsOnManyThreadsWhileTheBoardIsUsed) {
+TEST_F(VirtualStation, RendersOnManyThreadsWhileTheBoardIsInUse) {
     // 16 million pixels each, so that there is time for an access during the drawing.
     for (const char* name : {"Buffer_0_SensorWidth", "Buffer_0_XLength"})
         setInt(name, 16384);
@@ -337,6 +337,9 @@ TEST_F(VirtualStation, InsertsTheImageOfAFile) {
          {0x33, 0x22, 0x11, 0x66, 0x55, 0x44}},
         {"grey of 16 bits", std::string("P5\n1 1\n65535\n\x12\x34", 15), 0, {0x12, 0x12, 0x12, 0, 0, 0}},
         {"grey of 12 bits", std::string("P5\n1 1\n4095\n\x01\x23", 14), 0, {0x12, 0x12, 0x12, 0, 0, 0}},
+        {"a largest value of 100", "P6 2 1 100\n\x64\x32\x01\x64\x64\x64", 0, {3, 128, 255, 255, 255, 255}},
+        {"beyond the largest value", "P5 1 1 100\ne", FG_ERR_FILE_TYPE, {}},
+        {"negative", "P6\n-8 1\n255\n", FG_ERR_FILE_TYPE, {}},
         {"one byte is lacking", "P6\n2 1\n255\n12345", FG_ERR_FILE_TYPE, {}},
         {"other format", "P3\n1 1\n255\n1 2 3", FG_ERR_FILE_TYPE, {}},
         {"too large", "P6\n16385 1\n255\n", FG_ERR_FILE_TYPE, {}},

@@ -56,7 +56,7 @@ private:
     }
 };
 
-TEST_F(Allocation, ARoutedAccessOfANumberHasNone) {
+TEST_F(Allocation, RoutedNumberAccessDoesNotAllocate) {
     std::uint32_t word = 0;
     double number = 0;
     for (const int id : {FG_WIDTH, FG_HEIGHT, FG_VANTAGEPOINT, FG_LINETRIGGERMODE, FG_EXSYNCON, FG_TIMEOUT}) {
@@ -79,7 +79,7 @@ TEST_F(Allocation, ARoutedAccessOfANumberHasNone) {
               1);
 }
 
-TEST_F(Allocation, ALoadHasNoMoreForALongerFile) {
+TEST_F(Allocation, LoadOfALongerFileDoesNotAllocateMore) {
     const auto countOfALoad = [&](std::size_t lines, const std::string& line) {
         writeFile(m_file, configuration(lines, line));
         return countOf([&] { load(m_file); });
@@ -90,7 +90,7 @@ TEST_F(Allocation, ALoadHasNoMoreForALongerFile) {
     EXPECT_LT(growthDuring([&] { load(m_file); }), 4);
 }
 
-TEST_F(Allocation, APlaceForLongTextsTakesNoMemoryBeforeOneComes) {
+TEST_F(Allocation, BufferForLongTextsIsNotAllocatedInAdvance) {
     Grabber grabber;
     char text[64] = "?";
     const long growth = growthDuring([&] {

@@ -325,7 +325,7 @@ protected:
     const TemporaryFolder folder;
 };
 
-TEST_F(Texts, HardTextsAreNeitherFormattedNorCutShort) {
+TEST_F(Texts, SpecialTextsAreNeitherFormattedNorTruncated) {
     for (const std::string& value : hardTexts()) {
         SCOPED_TRACE(value.substr(0, 20) + ", length " + std::to_string(value.size()));
         EXPECT_EQ(applet.Fg_getParameterIdByName(grabber.fg(), value.c_str()), FG_ERR_INVALID_ARGUMENT);

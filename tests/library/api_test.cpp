@@ -13,7 +13,7 @@ using namespace support;
 
 using Api = AppletTest;
 
-TEST_F(Api, ForwardersGiveTheRuntimesResultAndStoreItsLastError) {
+TEST_F(Api, ForwardersReturnTheRuntimesResultAndStoreItsLastError) {
     Grabber grabber(0);
     Fg_Struct* const fg = grabber.fg();
     // An acquisition of this many pictures starts in the runtime: the arguments arrive.
@@ -43,7 +43,7 @@ TEST_F(Api, ForwardersGiveTheRuntimesResultAndStoreItsLastError) {
     }
 }
 
-TEST_F(Api, WidthIsTheParametersOwnButATypedGetClearsALongWordFirst) {
+TEST_F(Api, ParameterDefinesTheWidthButATypedGetClearsALongWordFirst) {
     Grabber grabber(0);
     constexpr auto ones = ~std::uint64_t{0};
     for (const int tag : {1, 2, 3, 4, 5, 4096}) {

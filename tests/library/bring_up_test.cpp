@@ -43,7 +43,7 @@ protected:
     }
 };
 
-TEST_F(BringUp, InitThatIsMissingOrFails) {
+TEST_F(BringUp, MissingOrFailingInit) {
     const auto calling = [](const std::string& function) {
         return AppletLog::line(5,
                                "error calling '" + function + "' (tslName = 'Grab_TwinLaneLineColor.tsl')");
@@ -60,7 +60,7 @@ TEST_F(BringUp, InitThatIsMissingOrFails) {
     expectFailure(FG_ERR_UNRESOLVED, unresolved);
 }
 
-TEST_F(BringUp, InitThatFailsWithoutACodeCarriesOnWithoutInnerHandle) {
+TEST_F(BringUp, InitFailureWithoutACodeContinuesWithoutInnerHandle) {
     Grabber before;
     before.handle.object = applet.Std_entry(before.device, nullptr, 0); // without a pointer for the code
     ASSERT_EQ(before.value<std::uint32_t>(FG_WIDTH), 1024u);
@@ -83,7 +83,7 @@ TEST_F(BringUp, InitThatFailsWithoutACodeCarriesOnWithoutInnerHandle) {
     EXPECT_EQ(lastDesign(), design);
 }
 
-TEST_F(BringUp, TheInnerHandleEndsBeforeTheObject) {
+TEST_F(BringUp, InnerHandleIsFreedBeforeTheObject) {
     Grabber grabber(1);
     board.log_kinds(grabber.device, VBOARD_CALL);
     grabber.clearLog();
@@ -121,7 +121,7 @@ TEST_F(BringUp, MissingDesignParametersAreNamedInOrderAndFailAtTheAccess) {
                                  "failed: result = -2070"));
 }
 
-TEST_F(BringUp, SwitchWordsOfTheEnvironment) {
+TEST_F(BringUp, EnvironmentSwitches) {
     const std::set<std::string> on = {"yes", "true", "on", "1", "TrUe"};
     for (const char* word : {"yes", "true", "on", "1", "TrUe", "no", "", "2", "y", "on ", "0"})
         for (const auto& [variable, prefix] :
@@ -141,7 +141,7 @@ class Loading : public testing::Test {
     }
 };
 
-TEST_F(Loading, RefusedDesignLeavesTheObjectAndTheOpenedRuntimeBehind) {
+TEST_F(Loading, RefusedDesignKeepsTheObjectAndTheRuntimeLoaded) {
     {
         const applet_host::AppletHost libraries;
         const auto& board = libraries.board();
@@ -181,7 +181,7 @@ TEST_F(Loading, NothingIsKnownBeforeTheFirstObject) {
     EXPECT_EQ(lastDesign(), nullptr);
 }
 
-TEST_F(Loading, RuntimeLibraryThatIsNotFound) {
+TEST_F(Loading, MissingRuntimeLibrary) {
     const auto where = applet_host::Locations::beside();
     void* last = nullptr;
     for (const auto& file :

@@ -132,7 +132,7 @@ protected:
     const TemporaryFolder folder;
 };
 
-TEST_F(ConfigurationTest, StartIsSavedToTheByte) {
+TEST_F(ConfigurationTest, StartValuesAreSavedByteForByte) {
     const std::string expected = fileBytes(std::string(TEST_DATA_DIR) + "/saved_state.mcf");
     Grabber grabber;
     start(grabber);
@@ -165,7 +165,7 @@ TEST_F(ConfigurationTest, LoadRunsTheSettersInOrder) {
     }
 }
 
-TEST_F(ConfigurationTest, EachMissingKeyIsLostAlone) {
+TEST_F(ConfigurationTest, MissingKeyAffectsOnlyItsParameter) {
     Grabber grabber;
     start(grabber);
     load(grabber, File().text());
@@ -186,7 +186,7 @@ TEST_F(ConfigurationTest, EachMissingKeyIsLostAlone) {
     EXPECT_EQ(save(grabber).value("FG_DEBUGFILE"), "'Error'");
 }
 
-TEST_F(ConfigurationTest, SavedValuesComeBack) {
+TEST_F(ConfigurationTest, SavedValuesAreRestored) {
     // Values as in a file, doubles with a point; some are refused, always or with these neighbours.
     Grabber to(0); // has what it loaded before
     const std::vector<Lines> settable = dataRows("settable_values.txt");
@@ -211,7 +211,7 @@ TEST_F(ConfigurationTest, SavedValuesComeBack) {
     }
 }
 
-TEST_F(ConfigurationTest, TextsAndDigitsAreCut) {
+TEST_F(ConfigurationTest, TextsAndDigitsAreTruncated) {
     Grabber grabber;
     start(grabber);
     const std::string text(3000, 'a');
@@ -228,7 +228,7 @@ TEST_F(ConfigurationTest, TextsAndDigitsAreCut) {
     EXPECT_EQ(grabber.value<double>(FG_SCALINGFACTOR_RED), 0.333333333333);
 }
 
-TEST_F(ConfigurationTest, AGetterThatThrowsCostsItsLineAlone) {
+TEST_F(ConfigurationTest, ThrowingGetterLosesOnlyItsLine) {
     Grabber grabber;
     start(grabber);
     Lines saved;
@@ -243,7 +243,7 @@ TEST_F(ConfigurationTest, AGetterThatThrowsCostsItsLineAlone) {
                                 Not(HasSubstr("FG_DEBUGFILE=")), Not(HasSubstr("FG_DIGIO_INPUT="))));
 }
 
-TEST_F(ConfigurationTest, FileOfSomethingElseChangesNothing) {
+TEST_F(ConfigurationTest, ForeignFileChangesNothing) {
     Grabber grabber;
     start(grabber);
     const File file = File().set("FG_TIMEOUT", "5").set("FG_WIDTH", "512");
@@ -259,7 +259,7 @@ TEST_F(ConfigurationTest, FileOfSomethingElseChangesNothing) {
     EXPECT_EQ(save(grabber).text(), File().text());
 }
 
-TEST_F(ConfigurationTest, FullDiskIsToldInTheLogOnly) {
+TEST_F(ConfigurationTest, FullDiskIsReportedOnlyInTheLog) {
     const std::string full = folder / "full.mcf";
     ASSERT_EQ(symlink("/dev/full", full.c_str()), 0);
     AppletLog log(5);

@@ -38,7 +38,7 @@ TEST_F(DesignTexts, TextsOfAnyLengthAreRead) {
     }
 }
 
-TEST_F(DesignTexts, LongTextsAreCut) {
+TEST_F(DesignTexts, LongTextsAreTruncated) {
     for (const std::size_t length : {127u, 128u, 4000u, 100000u}) {
         const std::string longText(length, 'n');
         const std::string cutName = "Device1_Process0_" + std::string(127, 'n') + "_OperationMode";
@@ -76,7 +76,7 @@ TEST_F(DesignTexts, SavesThroughTheRuntime) {
     EXPECT_EQ(saved, (Lines{"/tmp/some.mcf", ""}));
 }
 
-TEST_F(DesignTexts, TheStatusOfADmaIsA32BitWordWhateverTheTag) {
+TEST_F(DesignTexts, DmaStatusIsA32BitWordForEveryTag) {
     EXPECT_EQ(applet.Fg_AcquireEx(grabber.fg(), 0, 1, 0, nullptr), FG_OK);
     std::uint64_t word = 0xffffffff'ffffffff;
     EXPECT_EQ(grabber.get(FG_DMASTATUS, &word, 0, FG_PARAM_DOUBLE), FG_OK);

@@ -214,7 +214,7 @@ private:
     std::optional<Session> m_session;
 };
 
-TEST(Copies, DoNotAnswerForEachOther) {
+TEST(Copies, AreIndependent) {
     const TemporaryFolder folder;
     Copy first(folder / "first"), second(folder / "second");
     AppletLog log(4);
@@ -253,7 +253,7 @@ TEST(Copies, DoNotAnswerForEachOther) {
     std::exit(0);
 }
 
-TEST(EnduranceDeathTest, AHandleLeftBehindDoesNotDisturbTheEnd) {
+TEST(EnduranceDeathTest, LeakedHandleDoesNotDisturbTheExit) {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
     for (const bool unload : {false, true})
         EXPECT_EXIT(leaveAHandleBehind(unload), testing::ExitedWithCode(0), "");

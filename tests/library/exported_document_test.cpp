@@ -82,7 +82,7 @@ TEST_F(ExportedDocument, SizesAndCodes) {
     }
 }
 
-TEST_F(ExportedDocument, ShowsTheLimitsAndTheAccessOfTheMoment) {
+TEST_F(ExportedDocument, ShowsCurrentLimitsAndAccess) {
     ASSERT_EQ(set(FG_LINEPERIODE, 123.456), 0);
     ASSERT_EQ(set(FG_LINETRIGGERMODE, 1), 0);
     const std::string document = documentOf(grabber.fg());
@@ -100,7 +100,7 @@ TEST_F(ExportedDocument, InstanceWithoutABoard) {
     EXPECT_EQ(applet.Info(FG_INFO_DESTROY_OFFLINE, 0, 0, offline.object, nullptr), 0);
 }
 
-TEST_F(ExportedDocument, LeavesOutRegistersAndTakesInDesignParameters) {
+TEST_F(ExportedDocument, ExcludesRegistersAndIncludesDesignParameters) {
     setVariable("VEXO_ENABLE_DRA", "1");
     EXPECT_EQ(documentOf(Grabber(0).fg()), documentOf(grabber.fg()));
     setVariable("VEXO_ENABLE_DLOOMA", "1");

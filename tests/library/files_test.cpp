@@ -68,7 +68,7 @@ protected:
     const TemporaryFolder folder;
 };
 
-TEST_F(FilesTest, LargeFilesAreSoonRead) {
+TEST_F(FilesTest, LargeFilesAreReadQuickly) {
     constexpr std::size_t size = 100000;
     const std::string header =
         "[Kamerasektion]\nTyp='Grab_TwinLaneLineColor';\nAktivePort=0;\nHersteller=1;\n";
@@ -95,7 +95,7 @@ TEST_F(FilesTest, LargeFilesAreSoonRead) {
     EXPECT_EQ(Effort::of([&] { return load(sound); }), FG_OK);
 }
 
-TEST_F(FilesTest, NoLineIsTooFarBack) {
+TEST_F(FilesTest, FindsKeysAfterAMillionLines) {
     const std::string path = folder / "long.mcf", sound = folder / "sound.mcf";
     ASSERT_EQ(save(sound), FG_OK);
     std::string text = fileBytes(sound), repeated;
@@ -107,7 +107,7 @@ TEST_F(FilesTest, NoLineIsTooFarBack) {
     EXPECT_EQ(get<std::uint32_t>(FG_WIDTH), 512u);
 }
 
-TEST_F(FilesTest, AFifoTakesWhatItsReaderWants) {
+TEST_F(FilesTest, FifosReceiveDataUntilTheirReaderCloses) {
     const std::string fifo = folder / "fifo.mcf", configuration = folder / "state.mcf",
                       table = folder / "table";
     ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
@@ -140,7 +140,7 @@ TEST_F(FilesTest, AFifoTakesWhatItsReaderWants) {
     EXPECT_EQ(readThrough(10, [&] { return saveTables(fifo); }), fileBytes(table).substr(0, 10)); // no signal
 }
 
-TEST_F(FilesTest, PathsThatAreNoFile) {
+TEST_F(FilesTest, UnusualPaths) {
     const std::string fifo = folder / "fifo.mcf", directory = folder / "folder.mcf",
                       socketPath = folder / "socket.mcf";
     const std::string full = folder / "full.mcf", endless = folder / "zero.mcf", loop = folder / "loop.mcf";

@@ -42,7 +42,7 @@ protected:
     }
 };
 
-TEST_F(Identity, TheParametersInTheirOrder) {
+TEST_F(Identity, ParametersInOrder) {
     Grabber grabber(0);
     ASSERT_EQ(grabber.set(FG_WIDTH, 1022u), FG_ERR_GRANULARITY);
     EXPECT_EQ(applet.Fg_getNrOfParameter(grabber.fg()), 164);
@@ -195,7 +195,7 @@ TEST_F(Identity, EventsByNameAndByMask) {
     EXPECT_EQ(applet.Info(5120, 1, 0, nullptr, nullptr), FG_ERR_INVALID_ARGUMENT);
 }
 
-TEST_F(Identity, AMaskGivenAsANumberIsWidenedWithItsSign) {
+TEST_F(Identity, NumericMasksAreSignExtended) {
     Grabber grabber(1);
     std::uint64_t bit31 = std::uint64_t{1} << 31;
     const auto number = static_cast<int>(bit31);
@@ -208,7 +208,7 @@ TEST_F(Identity, AMaskGivenAsANumberIsWidenedWithItsSign) {
     EXPECT_EQ(applet.Info(5120, number, 3, &bit31, &record), 0);
 }
 
-TEST_F(Identity, OnlyTheFirst65EventsAreSeen) {
+TEST_F(Identity, OnlyTheFirst65EventsAreVisible) {
     Grabber usual(1);
     const int own = static_cast<int>(designEvents().size());
     board.extra_events(66 - own); // a list of 66
@@ -224,7 +224,7 @@ TEST_F(Identity, OnlyTheFirst65EventsAreSeen) {
     EXPECT_EQ(maskOf(grabber, extra(65)), 0u);
 }
 
-TEST_F(Identity, LackingEventsAreNamedAndTheOthersMoveUp) {
+TEST_F(Identity, MissingEventsAreLoggedAndTheOthersMoveUp) {
     const auto rows = dataRows("events.txt");
     Grabber usual(1);
     const std::uint64_t firstMask = maskOf(usual, rows[0][0]);

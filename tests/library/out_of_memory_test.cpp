@@ -135,7 +135,7 @@ Row longText(const char* name, int id) {
             }};
 }
 
-TEST_F(OutOfMemory, ObjectsComeUpOrNothingStays) {
+TEST_F(OutOfMemory, BringUpSucceedsOrLeavesNothing) {
     const auto offline = [&](Grabber&) {
         void* object = nullptr;
         const int code = applet.Info(FG_INFO_CREATE_OFFLINE, 0, 0, nullptr, &object);
@@ -166,7 +166,7 @@ TEST_F(OutOfMemory, DirectAccessAndLogLines) {
           866);
 }
 
-TEST_F(OutOfMemory, EveryExportedFunctionEndsOrLeavesAndTheNextCallWorks) {
+TEST_F(OutOfMemory, EveryExportedFunctionReturnsOrThrowsAndTheNextCallWorks) {
     const TemporaryFolder folder;
     const std::map<std::string, std::vector<int>> codes = {
         {"Fg_saveConfig", {FG_ERR_SAVE_CONFIG}}, {"Fg_loadConfig", {FG_ERR_LOAD_CONFIG, FG_ERR_FILE_TYPE}}};
@@ -188,7 +188,7 @@ TEST_F(OutOfMemory, EveryExportedFunctionEndsOrLeavesAndTheNextCallWorks) {
     sweep(rows, 2008);
 }
 
-TEST_F(OutOfMemory, SavesLoadsAndDocumentsAreWholeOrFail) {
+TEST_F(OutOfMemory, SavesLoadsAndDocumentsAreCompleteOrFail) {
     const TemporaryFolder folder;
     const std::string saved = folder / "saved.mcf", table = folder / "table.lut";
     {
@@ -236,7 +236,7 @@ TEST_F(OutOfMemory, SavesLoadsAndDocumentsAreWholeOrFail) {
           1650);
 }
 
-TEST_F(OutOfMemory, ControlFunctionsOfTheBoardAnswerACode) {
+TEST_F(OutOfMemory, BoardControlFunctionsReturnACode) {
     const std::string longName(100, 'x'), text = "Device1_Process0_AppletProperties_AppletUid";
     const auto none = [](bool isThere) { return isThere ? FG_OK : int{VBOARD_NO_MEMORY}; };
     const auto opened = [&](Grabber&) {

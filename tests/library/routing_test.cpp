@@ -85,7 +85,7 @@ TEST_F(Routing, RegistersAreReadAndWrittenInTheirWidth) {
               Lines{AppletLog::line(4, "trying to get unknown SDK parameter '1000000' on process 0!")});
 }
 
-TEST_F(Routing, DesignParametersAreHandedToTheRuntimeUnchanged) {
+TEST_F(Routing, DesignParametersArePassedToTheRuntimeUnchanged) {
     setVariable("VEXO_ENABLE_DRA", "on"); // does not affect this range
     const std::string length = "Device1_Process0_Buffer_0_XLength";
     const std::string mirror = "Device1_Process0_Buffer_0_YMirror";

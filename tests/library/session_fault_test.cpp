@@ -83,7 +83,7 @@ TEST_F(SessionFaults, BringUp) {
     });
 }
 
-TEST_F(SessionFaults, SaveLosesTheLinesOfTheGettersThatFail) {
+TEST_F(SessionFaults, SaveOmitsTheLinesOfFailingGetters) {
     ASSERT_EQ(bringUp(), FG_OK);
     const Lines whole = save();
     grabber.clearLog();
@@ -102,7 +102,7 @@ TEST_F(SessionFaults, SaveLosesTheLinesOfTheGettersThatFail) {
     });
 }
 
-TEST_F(SessionFaults, LoadGoesOnAndKeepsTheValuesOfTheFile) {
+TEST_F(SessionFaults, LoadContinuesAndKeepsTheValuesOfTheFile) {
     ASSERT_EQ(bringUp(), FG_OK);
     ASSERT_EQ(load(), FG_OK);
     grabber.clearLog();

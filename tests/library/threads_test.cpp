@@ -202,7 +202,7 @@ TEST_F(Threads, SetAndGetOnOneHandleWhileTreeAndDocumentAreRead) {
     EXPECT_EQ(stateOf(grabber), state);
 }
 
-TEST_F(Threads, OpenAndFreeHandlesOfTheirOwn) {
+TEST_F(Threads, EachOpensAndFreesItsOwnHandles) {
     std::atomic<int> wrong{0};
     stress(threadCount, opensOfEach, [&](int thread, int turn) {
         Grabber grabber(turn % 2);
@@ -307,7 +307,7 @@ private:
     OtherThread m_otherThread;
 };
 
-TEST_F(CancelledThread, LeavesTheHandleToOthers) {
+TEST_F(CancelledThread, LeavesTheHandleUsable) {
     Grabber grabber(0);
     int cancelled = 0;
     for (const Row& row : rows()) {
@@ -323,7 +323,7 @@ TEST_F(CancelledThread, LeavesTheHandleToOthers) {
     EXPECT_GT(cancelled, static_cast<int>(rows().size()));
 }
 
-TEST_F(CancelledThread, LeavesNoTextAndNoFile) {
+TEST_F(CancelledThread, LeaksNoTextAndNoFile) {
     const TemporaryFolder folder;
     const std::string file = folder / "state.mcf";
     Grabber grabber(0);
@@ -351,7 +351,7 @@ TEST_F(CancelledThread, LeavesNoTextAndNoFile) {
     EXPECT_EQ(held(), before);
 }
 
-TEST_F(CancelledThread, LeavesNothingOfABringUp) {
+TEST_F(CancelledThread, LeaksNothingDuringBringUp) {
     int access = 0;
     for (bool cancelled = true; cancelled;) {
         SCOPED_TRACE(testing::Message() << "access " << ++access);

@@ -295,7 +295,7 @@ TEST_P(ProducerCalls, WrongHandlesAreRecognised) {
     }
 }
 
-TEST_P(ProducerCalls, MissingPlacesAndSizesAreRecognised) {
+TEST_P(ProducerCalls, NullPointersAreRecognised) {
     for (const Call& call : calls) {
         if (!call.call) continue;
         arguments.handle = handleFor(call.needs);
@@ -313,7 +313,7 @@ TEST_P(ProducerCalls, MissingPlacesAndSizesAreRecognised) {
     }
 }
 
-TEST_P(ProducerCalls, EachCommandAnswersWithItsType) {
+TEST_P(ProducerCalls, EachCommandReturnsItsType) {
     const auto letterOf = [](INFO_DATATYPE answered) { return "?s???45?8?pbz???"[answered]; };
     for (const Call& call : calls) {
         if (call.info == nullptr) continue;
@@ -360,7 +360,7 @@ TEST(ProducerSteps, EachStepHasItsCode) {
 
 INSTANTIATE_TEST_SUITE_P(States, ProducerCalls, testing::Bool());
 
-TEST(ProducerSteps, TheLastErrorSaysWhatWasWrong) {
+TEST(ProducerSteps, LastErrorDescribesTheFailure) {
     support::ProducerSession session;
     EXPECT_EQ(session.set("Width", 1022), GC_ERR_INVALID_VALUE);
     GC_ERROR code = 0;

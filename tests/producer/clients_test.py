@@ -49,7 +49,7 @@ from harvesters.core import Harvester, ParameterKey, ParameterSet  # noqa: E402
 
 
 class Record(ctypes.Structure):
-    """The begin of a vboard_record."""
+    """The first fields of a vboard_record."""
     _fields_ = [("data", ctypes.c_void_p), ("size", ctypes.c_uint64), ("rest", ctypes.c_uint64 * 32)]
 
 
@@ -132,7 +132,7 @@ class Clients(unittest.TestCase):
         self.assertGreater(min(counts), 5)
         self.assertGreater(counts[3], 200)
 
-    def test_sets_and_limits_that_move(self):
+    def test_sets_and_changing_limits(self):
         nodes = self.nodes
         for name, value in {"Width": 2048, "OffsetX": 512, "ExposureTime": 50.0, "AcquisitionLineRate": 8000.0,
                             "PixelFormat": "BGR12p", "TestPattern": "GreyVerticalRamp", "GainSelector": "Blue",

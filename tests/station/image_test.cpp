@@ -33,7 +33,7 @@ TEST_F(StationImage, IsBusyFromTheStartToTheLastLine) {
     }
 }
 
-TEST_F(StationImage, NothingIsTakenWithoutAnAcquisition) {
+TEST_F(StationImage, NothingIsStoredWithoutAnAcquisition) {
     board.set("ImgTriggerMode=2 SoftwareTrgInput=1");
     station.advance(450);
     EXPECT_EQ(board.raised(Event::lineStart), 5U);
@@ -73,7 +73,7 @@ TEST_F(StationImage, WaitsForAPictureInSimulatedTime) {
     EXPECT_EQ(picture(2), "11600-11900 4");
 }
 
-TEST_F(StationImage, ARingIsOverwrittenAndABlockingMemoryWaits) {
+TEST_F(StationImage, RingIsOverwrittenAndBlockingMemoryWaits) {
     board.set("ImageHeight_ImageHeight=1 YLength=1");
     acquire(2);
     station.advance(450);
@@ -88,7 +88,7 @@ TEST_F(StationImage, ARingIsOverwrittenAndABlockingMemoryWaits) {
     EXPECT_EQ(memory->record(3)->arrival, 908U);
 }
 
-TEST_F(StationImage, AFrameThatIsTooLargeIsRefused) {
+TEST_F(StationImage, TooLargeFramesAreRefused) {
     auto small = std::make_shared<HostMemory>(2, 3 * 64 * 8 - 1, HostMemory::Kind::ring);
     EXPECT_EQ(station.transferLength(), 1536U);
     EXPECT_FALSE(station.start(small, 0));
@@ -106,7 +106,7 @@ TEST_F(StationImage, AFrameThatIsTooLargeIsRefused) {
     EXPECT_EQ(small->bytes(3, bytes), HostMemory::Result::tooLarge);
 }
 
-TEST_F(StationImage, TheSimulatorsPatternIsThatOfItsLine) {
+TEST_F(StationImage, SimulatorPatternFollowsLineAndFrame) {
     struct Case {
         Values values;
         std::int64_t picture;
@@ -139,7 +139,7 @@ TEST_F(StationImage, TheSimulatorsPatternIsThatOfItsLine) {
     }
 }
 
-TEST_F(StationImage, ARecordTellsWhereAPictureComesFrom) {
+TEST_F(StationImage, RecordDescribesTheOriginOfAPicture) {
     board.set("ImgTriggerMode=1 SensorWidth=1024"); // more than the 640 of a line
     acquire();
     station.advance(50);

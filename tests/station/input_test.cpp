@@ -28,7 +28,7 @@ std::string track(Wave wave, unsigned bit, Tick end) {
     return text;
 }
 
-TEST(StationWaves, HaveTheirEdgesWhereTheyAreAsked) {
+TEST(StationWaves, HaveTheRequestedEdges) {
     constexpr Tick ramp = 2000;
     constexpr std::int32_t step = 1'250'000; // quarter steps a second: one in 100 ticks
     const auto begun = [](Wave wave, Tick from) {
@@ -81,7 +81,7 @@ TEST(StationWaves, HaveTheirEdgesWhereTheyAreAsked) {
     }
 }
 
-TEST_F(StationInputs, StatusAndEventsAreThoseOfTheDebouncedLevels) {
+TEST_F(StationInputs, StatusAndEventsFollowTheDebouncedLevels) {
     EXPECT_TRUE(station.connect(0, Wave::constant(true))); // as if constant for ever: no event
     EXPECT_FALSE(station.connect(12, Wave::constant(true)));
     station.advance(10);
@@ -108,7 +108,7 @@ TEST_F(StationInputs, StatusAndEventsAreThoseOfTheDebouncedLevels) {
     EXPECT_EQ(trace(input0 + 5, 0, 40), "0 +35");
 }
 
-TEST_F(StationInputs, TheCompensationCountIsLiveAndWritable) {
+TEST_F(StationInputs, CompensationCountIsLiveAndWritable) {
     // A step every 100 ticks: ten forward until 1000, six back, six forward, and so on.
     constexpr std::int32_t speed = 1'250'000;
     board.set("EncoderABMode=3 ExsyncExposure=0.512 Prescale_Period=0");
@@ -135,7 +135,7 @@ TEST_F(StationInputs, TheCompensationCountIsLiveAndWritable) {
     EXPECT_EQ(other.value(P::encoderCount), 7);
 }
 
-TEST_F(StationInputs, PulsesOfAGateCountFromItsOpening) {
+TEST_F(StationInputs, PulsesAreCountedFromTheOpeningOfTheGate) {
     // Pulses every 100 ticks from 50 on. Gates from 1000 and 2000 on ask for three lines.
     board.set("LineTriggerMode=3 Prescale_Period=0 ExsyncExposure=0.512 LineTrgDownscaler=2 LineTrgPhase=3 "
               "ImgTriggerMode=1 ImgTrgInSource=4 YLength=3");

@@ -26,7 +26,7 @@ protected:
     StationPath() : StationTest(small) {}
 };
 
-TEST_F(StationPath, PixelsComeInAtTheDebugPoints) {
+TEST_F(StationPath, PixelsAreInsertedAtTheDebugPoints) {
     // Two lines of two pixels; the second line of the first image is short. Gains of a half and two.
     board.set("XLength=2 SensorWidth=2 XMirror=1 YMirror=1 RedCoefficient=0.5 BlueCoefficient=2 YLength=9");
     acquire();
@@ -55,7 +55,7 @@ TEST_F(StationPath, PixelsComeInAtTheDebugPoints) {
     EXPECT_FALSE(station.inject(std::make_shared<Raster>(Raster{Raster::Point::output, 2, 2, {1, 2, 3}})));
 }
 
-TEST(StationMonitors, ShowPlaceAndValueOfTheLastPixel) {
+TEST(StationMonitors, ShowPositionAndValueOfTheLastPixel) {
     struct Case {
         Values values;
         Bytes camera, output; // x, y, value after one image of two lines
@@ -95,7 +95,7 @@ TEST(StationMonitors, ShowPlaceAndValueOfTheLastPixel) {
     }
 }
 
-TEST_F(StationPath, TheSelectorCountsFromTheStart) {
+TEST_F(StationPath, SelectorCountsFromTheStart) {
     board.set("PERIOD_Divisor=3 PHASE_Number=1");
     acquire();
     station.advance(2000); // images of two lines every 200 ticks: 0, 200, ...
@@ -113,7 +113,7 @@ TEST_F(StationPath, TheSelectorCountsFromTheStart) {
     EXPECT_EQ(station.lastPicture(), 0);
 }
 
-TEST_F(StationPath, WhatIsWrittenHoldsFromTheNextImageOn) {
+TEST_F(StationPath, WritesTakeEffectFromTheNextImageOn) {
     acquire();
     station.advance(50); // in the first image
     board.set("XOffset=20 SensorWidth=24");
@@ -132,7 +132,7 @@ TEST_F(StationPath, WhatIsWrittenHoldsFromTheNextImageOn) {
     EXPECT_EQ(bytes(station.lastPicture()), Bytes(12, 9));
 }
 
-TEST_F(StationPath, TheBufferFillsAtTheRateOfItsExcess) {
+TEST_F(StationPath, BufferFillsAtTheExcessRate) {
     // A line takes 1024 pixels of 24 bits, 48 words of 512 bits: 96 MiB hold 32,768 lines. One comes every 64 ticks.
     // At 192 ticks for a line two of three stay: the 32,768th that stays is about the 49,152nd that comes.
     board.set("Size_ImageWidth=64 LineGap_Number=32 XLength=1024 SensorWidth=1024 "

@@ -104,12 +104,12 @@ private:
     std::shared_ptr<HostMemory> m_memory;
 };
 
-TEST(StationScenario, TheSameWritesGiveTheSameRun) {
+TEST(StationScenario, SameWritesGiveTheSameRun) {
     for (std::uint32_t seed = 1; seed <= 4; ++seed)
         EXPECT_EQ(RandomRun(seed).play(1000), RandomRun(seed).play(1000)) << seed;
 }
 
-TEST(StationScenario, TheLengthOfTimeStepsDoesNotMatter) {
+TEST(StationScenario, LengthOfTimeStepsDoesNotMatter) {
     const auto run = [](const std::vector<Tick>& steps) {
         Trial one("LineTriggerMode=1 EncoderABMode=2 FreeRun_Select=0 TriggerValve_Mode=1 ExsyncExposure=2 "
                   "Exsync2Delay=3 Analyzer1_Select_SelectSignal_Select=34");

@@ -5,7 +5,7 @@
 namespace station {
 namespace {
 
-TEST(StationScene, TheEncoderFollowsThePlaceOfTheBelt) {
+TEST(StationScene, EncoderFollowsThePlaceOfTheBelt) {
     // Edges of the inputs: forward, to rest, backward, and on. A quarter step is 7 um, the first is half of it.
     const std::vector<SpeedPiece> profile{{50'000, 0, 900'000},
                                           {30'000, 900'000, 900'000},
@@ -41,7 +41,7 @@ TEST(StationScene, TheEncoderFollowsThePlaceOfTheBelt) {
     EXPECT_FALSE(run.station.setBelt(belt));
 }
 
-TEST(StationScene, TheSameStationMakesTheSameBytes) {
+TEST(StationScene, SameStationGivesTheSameBytes) {
     const auto pictureOf = [](const char* scene, Tick pause) {
         Trial run(
             "Enable_SelectSource=0 ExsyncPeriod=8 ExsyncExposure=2 YLength=32 ImageHeight_ImageHeight=32");

@@ -7,7 +7,7 @@ namespace {
 
 using StationTiming = StationTest;
 
-TEST_F(StationTiming, RatesComeOutOverASecond) {
+TEST_F(StationTiming, RatesAreExactOverASecond) {
     station.advance(ticksPerSecond); // at 10,240.44 lines a second, and frames of 8
     EXPECT_EQ(station.lines(), 10241U);
     EXPECT_EQ(board.raised(Event::lineStart), 10241U);
@@ -27,7 +27,7 @@ TEST_F(StationTiming, RatesComeOutOverASecond) {
     EXPECT_EQ(station.lines(), 10241U + 1999U + 1U);
 }
 
-TEST_F(StationTiming, OldEdgesAreForgottenAndEventsDropped) {
+TEST_F(StationTiming, OldEdgesAndEventsAreDropped) {
     board.set("ExsyncPeriod=0.8 ExsyncExposure=0.512");
     station.advance(10'000'000); // 100,001 pulses
     EXPECT_FALSE(station.trace(exsync, 0, 100).complete);
@@ -44,7 +44,7 @@ TEST_F(StationTiming, OldEdgesAreForgottenAndEventsDropped) {
                                    board.raised(Event::frameEnd));
 }
 
-TEST_F(StationTiming, TimeEndsAndCostsNothingWhenNothingHappens) {
+TEST_F(StationTiming, IdleTimeIsSkippedUntilTheEndOfTime) {
     board.set("Enable_SelectSource=0 LineTriggerMode=1");
     EXPECT_EQ(station.advance(never), lastTick);
     EXPECT_EQ(station.advance(1), lastTick);
@@ -52,13 +52,13 @@ TEST_F(StationTiming, TimeEndsAndCostsNothingWhenNothingHappens) {
     EXPECT_EQ(station.advance(never), lastTick);
 }
 
-TEST_F(StationTiming, TheCameraStatusShowsTheSignals) {
+TEST_F(StationTiming, CameraStatusShowsTheSignals) {
     board.set("SequenceLength_ImageWidth=101 Size_ImageHeight=4 FrameGap_Number=3 LineGap_Number=20");
     station.advance(450); // a line from 402 to 422, in a frame that is not over; ExSync from 0 on
     EXPECT_EQ(station.cameraStatus(), 0b1101U);
 }
 
-TEST_F(StationTiming, AHotBoardRaisesItsAlarmOnce) {
+TEST_F(StationTiming, HotBoardRaisesTheAlarmOnce) {
     station.advance(10);
     board.set("FpgaTemperature=85.5");
     station.advance(10);
@@ -66,7 +66,7 @@ TEST_F(StationTiming, AHotBoardRaisesItsAlarmOnce) {
     EXPECT_EQ(board.raised(Event::temperatureAlarm), 1U);
 }
 
-TEST(StationNames, AreThoseOfTheDesign) {
+TEST(StationNames, MatchTheDesign) {
     EXPECT_STREQ(nameOf(Parameter::xLength), "Device1_Process0_Buffer_0_XLength");
     EXPECT_STREQ(nameOf(pinEvent(3, false)),
                  "Device1_Process1_Trigger_Inputs_InputEvents_InputEvents_NotPin3");

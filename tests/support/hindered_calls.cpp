@@ -1,5 +1,7 @@
 // Replaces functions of the C library. Includes no headers with conflicting declarations.
 
+#undef _FORTIFY_SOURCE // the checked functions are inline, and cannot be defined again
+
 #include "support/hindered_calls.h"
 
 #include <algorithm>

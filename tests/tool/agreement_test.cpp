@@ -83,7 +83,7 @@ Words between(const std::string& text, const std::string& mark) {
     return parts;
 }
 
-TEST(AppletctlUndo, BringsBackValuesAccessAndDesignWhateverWasSet) {
+TEST(AppletctlUndo, RestoresValuesAccessAndDesignAfterAnySet) {
     const support::TemporaryFolder folder;
     const std::string plain = folder / "plain.mcf", stale = folder / "stale.mcf",
                       table = folder / "table.lut";

@@ -36,7 +36,7 @@ bool isOneWord(const std::string& line) {
     return begin == std::string::npos || line.find(' ', begin) == std::string::npos;
 }
 
-TEST(AppletctlLayout, KeepsToTheWidth) {
+TEST(AppletctlLayout, KeepsWithinTheWidth) {
     const Words commands[] = {
         {"list"},
         {"list", "-f", "name,value,limits,label,group"},
@@ -64,7 +64,7 @@ TEST(AppletctlLayout, KeepsToTheWidth) {
         }
 }
 
-TEST(AppletctlWatch, GoesOnAfterAFailedRead) {
+TEST(AppletctlWatch, ContinuesAfterAFailedRead) {
     const Words arguments{"watch", "dra_fanlevel", "--interval", "10", "--count", "4"};
     Words asText = arguments;
     asText.push_back("--plain");
@@ -118,7 +118,7 @@ template <typename Action> Outcome afterFirstLine(Action action) {
     return {exitCode, line, contents(err)};
 }
 
-TEST(AppletctlWatch, EndsQuietlyOnASignalOrWithItsReader) {
+TEST(AppletctlWatch, EndsQuietlyOnASignalOrAClosedPipe) {
     const auto expectQuiet = [](const Outcome& outcome, int exitCode) {
         EXPECT_EQ(outcome.exitCode, exitCode);
         EXPECT_EQ(json::parse(outcome.out)["parameters"][0]["value"], 1024);

@@ -46,7 +46,7 @@ protected:
     const std::string saved = folder / "saved.mcf";
 };
 
-TEST_F(AppletctlFiles, InMemoryNeedMemory) {
+TEST_F(AppletctlFiles, ReportAFailedFileInMemory) {
     for (const Words& arguments :
          {Words{"diff", saved, "--live"}, Words{"plan", saved}, Words{"load", saved}, Words{"check", saved},
           Words{"xml", "--portable"}, Words{"describe", "width"}}) {
@@ -57,7 +57,7 @@ TEST_F(AppletctlFiles, InMemoryNeedMemory) {
     }
 }
 
-TEST_F(AppletctlFiles, AreWrittenAsAWholeOrNotAtAll) {
+TEST_F(AppletctlFiles, AreWrittenCompletelyOrNotAtAll) {
     support::writeFile(folder / "x.scenario", "set FG_WIDTH=512\n");
     const std::string file = folder / "out/x";
     fs::create_directory(folder / "out");
@@ -97,7 +97,7 @@ TEST_F(AppletctlFiles, AreWrittenAsAWholeOrNotAtAll) {
         contains(run({"save", folder / "no/x.mcf"}).err, "cannot be written: no file can be made in"));
 }
 
-TEST_F(AppletctlFiles, AreWholeWhileOthersWriteThem) {
+TEST_F(AppletctlFiles, AreCompleteDuringConcurrentWrites) {
     const std::string whole = support::fileBytes(saved);
     const pid_t writers[] = {fork(), fork()};
     for (const pid_t writer : writers)
@@ -114,7 +114,7 @@ TEST_F(AppletctlFiles, AreWholeWhileOthersWriteThem) {
     EXPECT_GT(looks, 10);
 }
 
-TEST_F(AppletctlFiles, AreNotLeftBehindBySignals) {
+TEST_F(AppletctlFiles, AreRemovedOnSignals) {
     fs::create_directory(folder / "tmp");
     for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGKILL})
         for (const int milliseconds : {10, 20, 40, 80, 160}) {

@@ -2,7 +2,8 @@
 
     appletctl_json_test.py APPLETCTL FOLDER_OF_SCHEMAS
 
-The commands are those that the program lists by itself: one that has no row below, or no schema, fails the test.
+The commands are those that the program lists by itself. One that has no row below is run with the examples of its help;
+one that has no schema fails the test.
 """
 
 import json
@@ -44,9 +45,7 @@ RUNS = {
     "plan": ["FG_LINETRIGGERMODE=ASYNC_TRIGGER 'FG_LUT_VALUE_RED[0..3]=7' FG_LUT_SAVE_FILE=x.lut FG_WIDTH=3", "a.mcf"],
     "apply": ["--yes FG_LINETRIGGERMODE=ASYNC_TRIGGER FG_LINEPERIODE=100", "--yes a.mcf", "--yes FG_WIDTH=3"],
     "describe": ["FG_WIDTH FG_VANTAGEPOINT", "FG_DEBUGFILE FG_LUT_VALUE_RED FG_CAMSTATUS"],
-    "info": [""],
     "xml": ["--check", "", "-o x.xml", "--portable"],
-    "events": [""],
     "watch": ["FG_WIDTH FG_VANTAGEPOINT --count 2 --interval 5",
               "FG_WIDTH --count 2 --interval 1 --fail-if 'FG_HEIGHT >= 1'"],
     "route": ["--dot FG_TRIGGERCAMERA_POLARITY=FG_LOW FG_WIDTH=2048", "", "FG_WIDTH=3"],
@@ -70,7 +69,7 @@ RUNS = {
     "station list": [""],
     "station stop": ["none"],
     "station log": ["none"],
-    "completion": ["bash"],
+    "station address": ["none"],
     "help": ["", "set", "lut show"],
     "__complete": ["-- get FG_WID"],
     "lut show": ["FG_PROCESSING_GAIN=2 FG_LUT_ENABLE=ON"],
@@ -79,7 +78,8 @@ RUNS = {
     "lut load": ["a.lut FG_PROCESSING_GAIN=2 FG_PROCESSING_OFFSET=1", "missing.lut"],
 }
 OF_THE_SHELL = ["set FG_WIDTH=2048", "undo", "undo", "set FG_CAMERASIMULATOR_WIDTH=4096", "undo", "nonsense", "get 'open"]
-NOT_IN_THE_SHELL = {"shell", "run", "apply", "completion", "help", "serve", "station list", "station stop", "station log"}
+NOT_IN_THE_SHELL = {"shell", "run", "apply", "completion", "help", "serve", "station list", "station stop", "station log",
+                    "station address"}
 NOT_TRACED = {"shell", "trace", "run"}
 PRINTS_DOCUMENTS = {"xml", "completion", "report"}
 USES_SCRATCH_BOARD = {"list", "set", "reset", "limits", "why", "deps", "plan", "apply", "describe", "route", "lint", "docs",
@@ -95,7 +95,7 @@ def run(words, text="", **settings):
 
 
 def documents(text):
-    """The documents that stand in the text, one behind the other."""
+    """The JSON documents in the text, which are concatenated."""
     found, decoder = [], json.JSONDecoder()
     text = text.strip()
     while text:
@@ -106,7 +106,7 @@ def documents(text):
 
 
 def listed(*words):
-    """The commands that the program offers behind these words."""
+    """The commands that completion offers after these words."""
     code, out, _ = run(["__complete", "--", *words, ""])
     assert code == 0, words
     return {line.split("\t")[0] for line in out.splitlines()}
@@ -136,6 +136,22 @@ def schema_of(command):
         command = command.removeprefix("trace ")
     return command.lstrip("_").replace(" ", "-") or "appletctl"
 
+
+def commands():
+    """The full names of all commands."""
+    offered = listed() | {"__complete"}
+    groups = {command.split()[0] for command in RUNS if " " in command}
+    return offered - groups | {f"{group} {name}" for group in groups for name in listed(group)}
+
+
+def examples(command):
+    """The words of the examples in the command's help."""
+    text = run([*command.split(), "--help"], env={**os.environ, "COLUMNS": "1000"})[1]
+    return re.findall(rf"(?m)^  appletctl {command} ?(.*)$", text)
+
+
+for added in sorted(commands() - set(RUNS)):
+    RUNS[added] = examples(added)
 
 # Command, words and standard input of the runs that are done in every way.
 FIRST_RUNS = [(command, shlex.split(f"{command} {runs[0]}"), "\n".join(OF_THE_SHELL) if command == "shell" else "")
@@ -175,12 +191,10 @@ class EveryCommand(unittest.TestCase):
         self.assertIsNone(CRASH.search(err), err)
         self.assertIsNone(CRASH.search(out), out[-400:])
 
-    def test_has_a_row_and_a_schema(self):
-        offered = listed() | {"__complete"}
-        groups = {command.split()[0] for command in RUNS if " " in command}
-        known = offered - groups | {f"{group} {name}" for group in groups for name in listed(group)}
-        self.assertEqual(known, set(RUNS))
-        for command in known - {"trace"}:
+    def test_has_a_run_and_a_schema(self):
+        self.assertEqual(commands(), set(RUNS))
+        self.assertTrue(all(RUNS.values()), RUNS)
+        for command in set(RUNS) - {"trace"}:
             self.assertTrue((SCHEMAS / f"{schema_of(command)}.schema.json").exists(), command)
 
     def test_station_files(self):
@@ -235,7 +249,7 @@ class EveryCommand(unittest.TestCase):
         log = run(["set", "FG_CAMSTATUS=1"], env={**os.environ, "VBOARD_LOG_LEVEL": "4"})[2]
         self.assertEqual(len(re.findall(r"(?m)^\[\d\] ", log)), 1, log[:400])
 
-    def test_with_wrong_words(self):
+    def test_wrong_arguments(self):
         for command in set(RUNS) - {"__complete"}:  # which offers nothing for them
             with self.subTest(command):
                 for line in ("FG_WIDHT FG_HIEGHT=1", "'' =", "FG_WIDTH[5] FG_LUT_VALUE_RED[9..2]=1"):
@@ -262,7 +276,7 @@ class EveryCommand(unittest.TestCase):
             self.assertEqual((code, err), (0, ""))
             self.assertTrue(out, words)
 
-    def test_with_what_is_not_to_be_had(self):
+    def test_errors_are_documents(self):
         rows = [(["info", "--applet", "/nowhere/libx.so"], 3), (["limits", "FG_WIDTH", "--applet", "/nowhere/libx.so"], 3),
                 (["get", b"\xff\xfe"], 2), (["bogus"], 2), ([], 2), (["events", "--offline"], 2), (["route", "--offline"], 0),
                 (["describe", "FG_LINETRIGGERMODE", "--offline"], 0), (["--help"], 0), (["set", "--help"], 0), (["lut"], 2), (["trace"], 2), (["trace", "lut", "shw"], 2), (["trace", "trace", "x"], 2),

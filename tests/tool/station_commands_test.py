@@ -67,6 +67,9 @@ class Stations(unittest.TestCase):
         self.assertEqual(on("line", "save", "a.mcf", cwd="below")[0], 0)
         self.assertIn("FG_WIDTH=1024", pathlib.Path("below/a.mcf").read_text())
         self.assertEqual(on("line", "check", "a.mcf", cwd="below")[0], 0)
+        self.assertEqual(run("station", "stop", "lime"), (3, "", "appletctl: there is no station 'lime' (running: line)\n"))
+        for words in (["station", "stop", ""], ["--station", "l"]):
+            self.assertEqual(run("__complete", "--", *words)[1], "line\n")
         self.assertEqual(run("get", "FG_WIDTH", env=os.environ | {"APPLETCTL_STATION": "line"})[1],
                          "FG_WIDTH = 1024 pixel\n")
 
@@ -89,7 +92,7 @@ class Stations(unittest.TestCase):
                 else:
                     self.assertEqual(alone, there)
 
-    def test_interrupts_and_lets_others_look_meanwhile(self):
+    def test_interrupts_and_allows_status_meanwhile(self):
         process = self.serve("line", "FG_CAMERASIMULATOR_ENABLE=1")
         for end, code in [(signal.SIGINT, 130), (signal.SIGTERM, 130), (signal.SIGKILL, -9)]:
             grab = subprocess.Popen([APPLETCTL, "--station", "line", "grab", "100000000", "--hash"],
@@ -105,7 +108,7 @@ class Stations(unittest.TestCase):
         exits = [entry["exitCode"] for entry in json.loads(run("--json", "station", "log", "line")[1])["commands"]]
         self.assertEqual(exits.count(130), 3)
 
-    def test_leaves_a_command_alone_that_others_interrupt(self):
+    def test_interrupt_of_a_waiting_command_affects_no_other(self):
         self.serve("line")
         watch = subprocess.Popen([APPLETCTL, "--station", "line", "--plain", "watch", "FG_WIDTH", "--interval", "1000",
                                   "--count", "20"], stdout=subprocess.PIPE, text=True)
@@ -119,7 +122,7 @@ class Stations(unittest.TestCase):
         self.assertEqual(watch.returncode, 0)
         self.assertEqual(on("line", "get", "FG_WIDTH")[1], "FG_WIDTH = 1024 pixel\n")
 
-    def test_takes_the_place_of_one_that_was_killed(self):
+    def test_replaces_a_killed_server(self):
         os.kill(self.serve("line", "FG_WIDTH=2048"), signal.SIGKILL)
         wait_for(lambda: status("line") is None)
         code, _, problems = on("line", "get", "FG_WIDTH")
@@ -134,7 +137,7 @@ class Stations(unittest.TestCase):
         self.assertEqual(run("station", "stop", "line")[0], 0)
         self.assertIsNone(status("line"))
 
-    def test_outlives_clients_that_make_no_sense(self):
+    def test_survives_invalid_requests(self):
         process = self.serve("line")
         path = str(pathlib.Path("appletctl/line.socket"))
         hold = []
@@ -155,9 +158,9 @@ class Stations(unittest.TestCase):
             client.close()
         self.assertEqual(status("line")["process"], process)
 
-    def test_refuses_what_it_cannot_be(self):
+    def test_refuses_invalid_names_and_options(self):
         for words, part in [(["serve", "../x"], "is not a name"), (["serve", "x" * 33], "is not a name"),
-                            (["--station", "", "list"], "name"), (["serve", "--factor", "2"], "--clock"),
+                            (["--station", "", "list"], "name"), (["serve", "--factor", "2", "--clock", "stepped"], "--clock"),
                             (["station", "stop", "none"], "no station 'none'")]:
             code, out, problems = run(*words)
             self.assertEqual((code in (2, 3), out), (True, ""), words)

@@ -26,7 +26,7 @@ protected:
     }
 };
 
-TEST_F(AppletctlTerminal, IsColouredUnlessToldOtherwise) {
+TEST_F(AppletctlTerminal, IsColouredUnlessDisabled) {
     const char* escape = "\033[";
     const Words show{"lut", "show"};
     EXPECT_TRUE(contains(onTerminal(show, {"TERM=xterm", "LC_ALL=C.UTF-8"}), "└─"));
@@ -39,7 +39,7 @@ TEST_F(AppletctlTerminal, IsColouredUnlessToldOtherwise) {
     }
 }
 
-TEST_F(AppletctlTerminal, GivesTheWidth) {
+TEST_F(AppletctlTerminal, LimitsTheWidth) {
     const auto widest = [](unsigned short columns) {
         std::istringstream lines(onTerminal({"timing"}, plainTerminal, columns));
         std::size_t most = 0;
@@ -70,7 +70,7 @@ TEST_F(AppletctlTerminal, ShowsProgressUntilTheEnd) {
     EXPECT_FALSE(contains(onTerminal(questions, plainTerminal, 80), "working"));
 }
 
-TEST_F(AppletctlTerminal, IsAskedBeforeAnApply) {
+TEST_F(AppletctlTerminal, PromptsBeforeAnApply) {
     const Words apply{"apply", "FG_WIDTH=2048"};
     const std::string question = "apply? [y/N]";
     const Outcome yes = converse(apply, {}, question, {"y\n"}), no = converse(apply, {}, question, {"\n"});
@@ -78,7 +78,7 @@ TEST_F(AppletctlTerminal, IsAskedBeforeAnApply) {
     EXPECT_TRUE(contains(no.out, "nothing was applied")) << no.out;
 }
 
-TEST_F(AppletctlTerminal, IsAskedBeforeABoardOfTheSystemIsWrittenTo) {
+TEST_F(AppletctlTerminal, PromptsBeforeWritesToASystemBoard) {
     const auto library = document({"info"})["boardLibrary"].get<std::string>();
     const Words environment{"LD_LIBRARY_PATH=" + library.substr(0, library.rfind('/')), "TERM=xterm",
                             "NO_COLOR=1"};
@@ -91,7 +91,7 @@ TEST_F(AppletctlTerminal, IsAskedBeforeABoardOfTheSystemIsWrittenTo) {
     EXPECT_TRUE(contains(no.out, "nothing was set")) << no.out;
 }
 
-TEST_F(AppletctlTerminal, CompletesAndRemembersTheLinesOfAShell) {
+TEST_F(AppletctlTerminal, ShellHasCompletionAndHistory) {
     const support::TemporaryFolder folder;
     const Words environment{"TERM=xterm", "NO_COLOR=1", "XDG_STATE_HOME=" + folder / "state"};
     const auto typed = [&](const Words& lines) {

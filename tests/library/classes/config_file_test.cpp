@@ -32,7 +32,7 @@ protected:
     const std::string m_path = folder / "state.mcf";
 };
 
-TEST_F(ConfigFile, HasEachLineBeforeTheNextIsWritten) {
+TEST_F(ConfigFile, WritesEachLineAtOnce) {
     Parser parser(nullptr, nullptr, false);
     fill("of an earlier, longer file\n");
     ASSERT_TRUE(parser.setSaveFile(path()));
@@ -64,7 +64,7 @@ TEST_F(ConfigFile, HasEachLineBeforeTheNextIsWritten) {
     EXPECT_EQ(fileBytes(folder / "second.mcf"), "i=1;\n");
 }
 
-TEST_F(ConfigFile, IsWholeHoweverTheSystemAnswers) {
+TEST_F(ConfigFile, IsCompleteDespiteInterruptedCalls) {
     const std::string text = std::string(5000, 'x') + '\n';
     TextFile file;
     {
@@ -84,7 +84,7 @@ TEST_F(ConfigFile, IsWholeHoweverTheSystemAnswers) {
     EXPECT_EQ(value, 2);
 }
 
-TEST_F(ConfigFile, GivesSectionsInTurnAndRefusesNoKey) {
+TEST_F(ConfigFile, FindsKeysBySectionInAnyOrder) {
     fill("[Kamerasektion]\nAktivePort=5;\n[Port A]\nk=1;\n[Port B]\nk=2;\n");
     Parser parser(nullptr, path(), true);
     std::string text;
@@ -110,7 +110,7 @@ TEST_F(ConfigFile, GivesSectionsInTurnAndRefusesNoKey) {
     EXPECT_EQ(port, 5);
 }
 
-TEST_F(ConfigFile, IsReadByParsersSideBySide) {
+TEST_F(ConfigFile, IsReadByConcurrentParsers) {
     std::atomic<int> wrong = 0;
     support::stress(2, 1, [&](int thread, int) {
         const std::string name = thread == 0 ? "first" : "second", own = folder / (name + ".mcf");
@@ -125,7 +125,7 @@ TEST_F(ConfigFile, IsReadByParsersSideBySide) {
     EXPECT_EQ(wrong, 0);
 }
 
-TEST_F(ConfigFile, IsKnownByItsNameAndByBeingReadable) {
+TEST_F(ConfigFile, IsRecognisedByNameAndReadability) {
     fill("[Port A]\nk=1;\n");
     support::writeFile(folder / "a", "[Port A]\nk=1;\n");
     const struct {

@@ -31,7 +31,7 @@ TEST(XmlText, MarkupIsReplacedEverywhere) {
     }
 }
 
-TEST(XmlText, NamesKeepWhatANodeMayBeCalled) {
+TEST(XmlText, NamesKeepOnlyValidCharacters) {
     const std::pair<const char*, const char*> rows[] = {
         {"", ""},
         {"Digital I/O", "DigitalIO"},

@@ -35,7 +35,7 @@ public:
     bool ready = false;
 };
 
-TEST(Lifetime, SingletonsEndWithTheLastUserNewestFirst) {
+TEST(Lifetime, SingletonsAreDestroyedWithTheLastUserNewestFirst) {
     events.clear();
     LibraryInitController::init();
     Probe<'A'>::instance();
@@ -55,7 +55,7 @@ TEST(Lifetime, SingletonsEndWithTheLastUserNewestFirst) {
     EXPECT_EQ(events, "+A+B~B-B~A-A+A~A-A");
 }
 
-TEST(Lifetime, AnotherSingletonMayBeFirstUsedDuringTheEnd) {
+TEST(Lifetime, AnotherSingletonMayBeCreatedDuringTheDestruction) {
     events.clear();
     LibraryInitController::init();
     Probe<'L'>::instance();
@@ -64,7 +64,7 @@ TEST(Lifetime, AnotherSingletonMayBeFirstUsedDuringTheEnd) {
     EXPECT_FALSE(Probe<'M'>::exists());
 }
 
-TEST(Lifetime, ASingletonWithoutAUserStays) {
+TEST(Lifetime, SingletonWithoutAUserIsKept) {
     events.clear();
     const Probe<'U'>* unregistered = Probe<'U'>::instance();
     LibraryInitController::init();
@@ -73,7 +73,7 @@ TEST(Lifetime, ASingletonWithoutAUserStays) {
     EXPECT_EQ(Probe<'U'>::instance(), unregistered);
 }
 
-TEST(Lifetime, ThreadsMeetOneFinishedObject) {
+TEST(Lifetime, ThreadsSeeOneFinishedObject) {
     for (int round = 0; round < 50; ++round) {
         events.clear();
         LibraryInitController::init();
@@ -104,7 +104,7 @@ TEST(Lifetime, VerboseStepsArePrinted) {
               "LibraryInitController [Destroy] - Instance: P\n");
 }
 
-TEST(LifetimeDeathTest, MisuseEndsTheProgramWithTheAssertionsText) {
+TEST(LifetimeDeathTest, MisuseAbortsWithTheTextOfTheAssertion) {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
     EXPECT_DEATH(LibraryInitController::deinit(),
                  "templates/patterns/LibraryGuard:154: static void LibraryInitController::deinit\\(\\): "

@@ -36,7 +36,7 @@ bool isFree(CriticalSection& lock) NO_THREAD_SAFETY_ANALYSIS {
     });
 }
 
-TEST(LocksDeathTest, MisuseEndsTheProgramWithTheAssertionsText) {
+TEST(LocksDeathTest, MisuseAbortsWithTheTextOfTheAssertion) {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
     const auto enter = []() NO_THREAD_SAFETY_ANALYSIS { CriticalSection().enter(); };
     const auto leave = []() NO_THREAD_SAFETY_ANALYSIS { CriticalSection().leave(); };

@@ -207,12 +207,12 @@ int runScenario(const char* file, const char* scenario) {
     return status;
 }
 
-TEST(FreshProcess, BehavesByItsPlaceAndEnvironment) {
+TEST(FreshProcess, DependsOnItsFolderAndEnvironment) {
     for (const auto& [name, file, run] : scenarios)
         EXPECT_EQ(runScenario(file, name), 0) << name;
 }
 
-TEST(SharedLibrary, TellsWhyItIsNotThereAndClosesAtItsEnd) {
+TEST(SharedLibrary, ReportsLoadErrorsAndClosesOnDestruction) {
     SharedLibrary absent("/nowhere/absent.so");
     EXPECT_NE(absent.lastError().find("absent.so"), std::string::npos);
     EXPECT_EQ(absent.symbol(recordingSymbol), nullptr);
@@ -248,7 +248,7 @@ private:
     bool m_inUse = true;
 };
 
-TEST_F(LoggingTest, LinesReachTheDispatcherFromItsThreshold) {
+TEST_F(LoggingTest, DispatcherReceivesLinesFromItsThreshold) {
     Logger* five = Logging::instance()->getLogger("five");
     EXPECT_FALSE(five->isEnabled(4));
     EXPECT_TRUE(five->isEnabled(5));
@@ -265,7 +265,7 @@ TEST_F(LoggingTest, LinesReachTheDispatcherFromItsThreshold) {
     EXPECT_EQ(recording.calls.size(), 5u); // bound and ended again
 }
 
-TEST_F(LoggingTest, TheDispatcherMovesThresholds) {
+TEST_F(LoggingTest, DispatcherChangesThresholds) {
     Logger* four = Logging::instance()->getLogger("four");
     Logger* five = Logging::instance()->getLogger("five");
     recording.level(4, 6);
@@ -275,7 +275,7 @@ TEST_F(LoggingTest, TheDispatcherMovesThresholds) {
     EXPECT_FALSE(five->isEnabled(4));
 }
 
-TEST_F(LoggingTest, ALoggerIsSilentForTheThreadThatMutedIt) {
+TEST_F(LoggingTest, LoggerIsSilentForTheThreadThatMutedIt) {
     Logger* five = Logging::instance()->getLogger("five");
     EXPECT_TRUE(five->setEnabled(true));
     EXPECT_TRUE(five->setEnabled(false));
@@ -286,7 +286,7 @@ TEST_F(LoggingTest, ALoggerIsSilentForTheThreadThatMutedIt) {
     EXPECT_TRUE(five->isEnabled(6));
 }
 
-TEST_F(LoggingTest, TheDispatcherMayCallBackWhileItIsBound) {
+TEST_F(LoggingTest, DispatcherMayCallBackWhileItIsBound) {
     Logger* early = nullptr;
     recording.onInit = [&] {
         recording.level(5, 0);
@@ -299,7 +299,7 @@ TEST_F(LoggingTest, TheDispatcherMayCallBackWhileItIsBound) {
     EXPECT_EQ(recording.calls, Calls{"init"});
 }
 
-TEST_F(LoggingTest, ADispatcherFindsItsOwnSymbolsFirst) {
+TEST_F(LoggingTest, DispatcherFindsItsOwnSymbolsFirst) {
     if (underAddressSanitizer || underThreadSanitizer) GTEST_SKIP() << "these sanitizers forbid it";
     Logging::instance();
     EXPECT_EQ(recording.ownSymbol, "dispatcher");

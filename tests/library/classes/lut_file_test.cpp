@@ -43,7 +43,7 @@ protected:
     const std::string m_path = folder / "table.any";
 };
 
-TEST_F(LutFile, IsWrittenToTheByte) {
+TEST_F(LutFile, IsWrittenByteForByte) {
     std::uint32_t elements[] = {5, 4294967295u};
     const LookupTable_s first{elements, 7, 2, 4294967294u, 0x1FF}, second{elements + 1, 1, 1, 0, 3}, none{};
     double knees[] = {0.5, -1e9 / 3};
@@ -79,7 +79,7 @@ TEST_F(LutFile, IsWrittenToTheByte) {
     EXPECT_EQ(bytes().substr(11), std::string(200, 'k') + "=" + std::string(55, 'v') + ";\n");
 }
 
-TEST_F(LutFile, HasAsManyElementsAsTheFileCouldHold) {
+TEST_F(LutFile, ElementCountIsLimitedByTheFileSize) {
     for (const auto& [count, size, expected] :
          {std::tuple{"-1", 20u, 1u << 20}, {"1073741824", 6000000u, 2000000u}}) {
         fill(std::string("nrOfElements=") + count + ";\n");
@@ -121,7 +121,7 @@ TEST_F(LutFile, FillsAnyKindOfTable) {
     EXPECT_TRUE(parser.checkFileType("of any name"));
 }
 
-TEST_F(LutFile, IsRefusedOnlyForArgumentsThatLackSomething) {
+TEST_F(LutFile, IsRefusedOnlyForMissingArguments) {
     IntTable table, other, third;
     std::uint32_t* const green = other.lut;
     EXPECT_EQ(Fg_LutFileParser().getLutFromFile(nullptr, &table, &other, &third), -1);

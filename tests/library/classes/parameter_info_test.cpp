@@ -41,7 +41,7 @@ protected:
     RegisterInfo* group = tree.addGroupInfo(0, nullptr, "Group");
 };
 
-TEST_F(ParameterInfoTest, CopiesItsTextsAndKeepsEveryKindOfArray) {
+TEST_F(ParameterInfoTest, CopiesTextsAndStoresEveryKindOfArray) {
     std::string label = "Width", name = "FG_WIDTH", unit = "pixel";
     RegisterInfo* inner = tree.addGroupInfo(0, group, "Inner", "INNER", 5);
     RegisterInfo* record =
@@ -104,7 +104,7 @@ TEST_F(ParameterInfoTest, EntriesAreReplacedInPlaceAndOnlyInsideTheEnumeration) 
         EXPECT_EQ(tree.addEnumNameValue(none, 0, "x", 1, "x"), -500);
 }
 
-TEST_F(ParameterInfoTest, OnlyGroupsHaveChildrenAndAChildMayMoveUp) {
+TEST_F(ParameterInfoTest, OnlyGroupsHaveChildrenAndChildrenMayMoveUp) {
     RegisterInfo* astray =
         number("FG_D", number("FG_A", group)); // below a number: in no tree, but still owned
     ASSERT_NE(astray, nullptr);
@@ -124,7 +124,7 @@ TEST_F(ParameterInfoTest, OnlyGroupsHaveChildrenAndAChildMayMoveUp) {
     EXPECT_EQ(tree.getNextRegisterInfo(astray, 0), nullptr);
 }
 
-TEST_F(ParameterInfoTest, ClosedAndUnknownPortsTakeNothing) {
+TEST_F(ParameterInfoTest, ClosedAndUnknownPortsAcceptNothing) {
     RegisterInfo* other = tree.addGroupInfo(1, nullptr, "Other");
     tree.finalize(1);
     for (const auto& [parent, port] : {std::pair{other, 1}, {group, 2}, {group, -1}}) {

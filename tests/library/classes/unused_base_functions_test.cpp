@@ -19,7 +19,7 @@
 
 namespace {
 
-TEST(UnusedBaseFunctions, CachesTakeAndGiveElementsOfTheRecordsWidth) {
+TEST(UnusedBaseFunctions, CachesReadAndWriteElementsOfTheRecordsWidth) {
     const auto copyOne = [](auto cache, auto record) { // the value into element 1, and element 2 out
         FgLoomWrapper::setFieldCache(cache.data(), &record);
         EXPECT_EQ(cache[1], record.value);
@@ -52,7 +52,7 @@ TEST(UnusedBaseFunctions, CachesTakeAndGiveElementsOfTheRecordsWidth) {
     EXPECT_EQ(word, 5u);
 }
 
-TEST(UnusedBaseFunctions, TemporaryFilesAreEmptyAndGoWithTheirName) {
+TEST(UnusedBaseFunctions, TemporaryFilesAreCreatedEmptyAndDeleted) {
     const int before = dup(STDERR_FILENO);
     close(before);
     char* name = FgLoomWrapper::createTempFile();
@@ -68,7 +68,7 @@ TEST(UnusedBaseFunctions, TemporaryFilesAreEmptyAndGoWithTheirName) {
     EXPECT_EQ(after, before) << "a descriptor is left open";
 }
 
-TEST(UnusedBaseFunctions, TheBaseKnowsEventsByTheirPlaceInTheDesign) {
+TEST(UnusedBaseFunctions, EventMasksFollowTheOrderOfTheDesign) {
     FgLoomWrapperImpl wrapper(1, true);
     int number = 0;
     for (; const TslEvent* event = TslGetEvent(wrapper.designHandle(), number); ++number) {
@@ -107,7 +107,7 @@ TEST(UnusedBaseFunctions, MissingFunctionsAreNamed) {
     EXPECT_EQ(value, 5u);
 }
 
-TEST(UnusedBaseFunctions, ObjectsBeyondTheListAreKnownAsWell) {
+TEST(UnusedBaseFunctions, ObjectsBeyondTheListAreFound) {
     std::vector<std::unique_ptr<FgLoomWrapperImpl>> wrappers;
     std::vector<const FgLoomWrapper*> objects;
     for (int i = 0; i < 70; ++i) { // the list has 64 places
@@ -121,7 +121,7 @@ TEST(UnusedBaseFunctions, ObjectsBeyondTheListAreKnownAsWell) {
         EXPECT_FALSE(LiveObjects::has(object));
 }
 
-TEST(UnusedBaseFunctions, TheTextLogWritesNothing) {
+TEST(UnusedBaseFunctions, TextLogWritesNothing) {
     const support::TemporaryFolder folder;
     const std::string file = folder / "x.log";
     testing::internal::CaptureStdout();
