@@ -12,22 +12,25 @@ CATALOGUE = [*SUPPORT, "src/catalogue/**"]
 # Required by a source that implements members of the object.
 MEMBERS = ["src/entry/sdk_parameters.h", "src/entry/setter_tools.h"]
 
-SCENE = ["station/scene/**", *(f"station/timing/{name}.h" for name in ("Signals", "Tick", "Wave"))]
-TIMING = ["station/timing/**", *(f"station/scene/{name}.h" for name in ("Belt", "Camera", "Exposure"))]
-PICTURE = ["station/scene/**", "station/picture/**", "station/timing/Record.h", "station/timing/Simulator.h", "station/timing/Tick.h"]
+SIGNALS = ["station/signals/**"]
+SCENE = [*SIGNALS, "station/scene/**"]
+TIMING = [*SCENE, "station/timing/**"]
+PICTURE = [*SCENE, "station/timing/Record.h", "station/timing/Simulator.h", "station/picture/**"]
 BOARD_TABLES = [*HEADERS, "virtual_board/tables/**"]
 BOARD_IMAGES = ["station/**", "virtual_board/images/**"]
 BOARD = [*BOARD_TABLES, *BOARD_IMAGES, "virtual_board/virtual_board.h", "virtual_board/board/**"]
 BOARD_LIBRARIES = [*BOARD, "virtual_board/libraries/**"]
 HOST = [*HEADERS, "virtual_board/virtual_board.h", "tools/applet_host/**"]
 TOOLS = "tools/applet_tools/"
-TOOLS_BASE = [*HEADERS, f"{TOOLS}base/**"]
+TOOLS_BASE = [*HEADERS, "tools/applet_host/latin1.h", f"{TOOLS}base/**"]
 TOOLS_APPLET = [*TOOLS_BASE, *HOST, f"{TOOLS}applet/**"]
 TOOLS_SCRATCH = [*TOOLS_APPLET, f"{TOOLS}station/StationFile.h", f"{TOOLS}scratch/**"]
 TOOLS_PICTURES = [*TOOLS_BASE, f"{TOOLS}pictures/**"]
 TOOLS_STATION = [*TOOLS_APPLET, *TOOLS_PICTURES, f"{TOOLS}station/**"]
 TOOLS_ANSWERS = [*TOOLS_SCRATCH, *TOOLS_STATION, f"{TOOLS}answers/**"]
-SERVE = [*TOOLS_BASE, "tools/serve/**"]
+SERVE = [*TOOLS_BASE, "tools/serve/*"]
+HTTP = [*TOOLS_ANSWERS, "tools/serve/http/*"]
+HTTP_TRANSPORT = [f"tools/serve/http/{name}" for name in ("HttpMessage.h", "HttpTransport.h", "transport/**")]
 TOOL = "tools/appletctl/"
 BASE = [*TOOLS_BASE, f"{TOOL}base/**"]
 DRAW = [*BASE, *TOOLS_PICTURES, f"{TOOL}draw/**"]
@@ -58,6 +61,7 @@ ROOMS = [
     ("src/trigger/events.cpp", [*CATALOGUE, "src/trigger/*.h", "src/entry/PublishedParameters.h"]),
     ("src/trigger/*.cpp", [*CATALOGUE, *MEMBERS, "src/trigger/*.h"]),
     ("src/entry/**", [*HEADERS, "src/**"]),
+    ("station/signals/**", SIGNALS),
     ("station/scene/**", SCENE),
     ("station/timing/**", TIMING),
     ("station/picture/**", PICTURE),
@@ -74,6 +78,8 @@ ROOMS = [
     (f"{TOOLS}pictures/**", TOOLS_PICTURES),
     (f"{TOOLS}station/**", TOOLS_STATION),
     (f"{TOOLS}answers/**", TOOLS_ANSWERS),
+    ("tools/serve/http/transport/**", HTTP_TRANSPORT),
+    ("tools/serve/http/**", HTTP),
     ("tools/serve/**", SERVE),
     (f"{PRODUCER}base/**", PRODUCER_BASE),
     (f"{PRODUCER}features/**", PRODUCER_FEATURES),
