@@ -37,7 +37,8 @@ class Watcher {
 public:
     bool operator()(int depth, Document::parse_event_t event, Document& parsed) {
         using Event = Document::parse_event_t;
-        if (depth > deepest) throw UsageError("it is nested deeper than any station");
+        if (depth > deepest)
+            throw UsageError("it has more than " + numberText(deepest) + " levels of objects and lists");
         if (event == Event::object_start || event == Event::array_start)
             m_open.push_back({.isArray = event == Event::array_start});
         if (event == Event::object_end || event == Event::array_end) m_open.pop_back();

@@ -2,6 +2,7 @@
 
 #include "applet_tools/base/numbers.h"
 #include "applet_tools/base/text.h"
+#include "applet_tools/station/DocumentField.h"
 
 #include <algorithm>
 #include <cmath>
@@ -111,11 +112,17 @@ void requireMembers(const Json& object, const applet_tools::Words& members, cons
 }
 
 Json bodyOf(const HttpRequest& request, const applet_tools::Words& members) {
-    Json body = Json::parse(request.body, nullptr, false);
-    if (!body.is_object())
+    if (request.body.empty())
+        throw HttpError(status::badRequest, "invalid", "the request has no body: a JSON object is expected");
+    Json body;
+    try {
+        body = applet_tools::parseDocument(request.body);
+    } catch (const applet_tools::UsageError& error) {
         throw HttpError(status::badRequest, "invalid",
-                        request.body.empty() ? "the request has no body: a JSON object is expected"
-                                             : "the body of the request is not a JSON object");
+                        std::string("the body of the request: ") + error.what());
+    }
+    if (!body.is_object())
+        throw HttpError(status::badRequest, "invalid", "the body of the request is not a JSON object");
     requireMembers(body, members, "the body");
     return body;
 }

@@ -216,6 +216,8 @@ private:
                 stream.beginBody();
                 request.headers.erase("Accept-Encoding"); // compression would cost more than the loopback
                 request.headers.erase("Range");
+                request.headers.erase(
+                    "Content-Type"); // the library reads less of a form, as curl declares it
                 request.ranges.clear();
             };
             if (!process_request(stream, false, isClosed, prepare)) {
