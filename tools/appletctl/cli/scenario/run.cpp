@@ -113,8 +113,8 @@ Report runScenario(Context& context, const Words& words) {
                                numberText(std::round(tests[i].seconds * 1e4) / 10) + " ms");
         if (isPrinted && !writeOut(stepLine(steps[i], tests[i]))) goesOn = !own.junitFile.empty(); // unread
         if (tests[i].outcome != Outcome::failed) continue;
-        report.problems.push_back(file + ":" + numberText(steps[i].line) + ": " + printable(steps[i].text) +
-                                  ": " + tests[i].message);
+        report.problems.push_back(file + ":" + numberText(steps[i].line) + ": " +
+                                  shortened(printable(steps[i].text), 200) + ": " + tests[i].message);
         report.exitCode = exitRefused;
         goesOn = goesOn && !own.failFast;
     }

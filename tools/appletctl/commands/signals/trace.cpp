@@ -4,6 +4,7 @@
 #include "applet_tools/applet/files/ConfigurationFile.h"
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"
+#include "applet_tools/station/DocumentField.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/lines.h"
 
@@ -66,22 +67,35 @@ Lines accessesOfText(const std::string& text, const std::string& file) {
 
 bool holdsNoAccess(const std::string& text) { return text.find(noAccess) != std::string::npos; }
 
+/** Throws UsageError for a document that "trace" would not write. */
+Lines accessesOfDocument(const std::string& text) {
+    const ordered_json document = applet_tools::parseDocument(text);
+    if (!document.is_object() || !document.contains("accesses") || !document["accesses"].is_array())
+        throw UsageError("this is no document of 'trace': it has no \"accesses\"");
+    Lines lines;
+    for (const auto& access : document["accesses"]) {
+        const std::string line = access.is_object() ? loggedLine(access) : "";
+        if (kindOf(line) != LineKind::access)
+            throw UsageError("this is no document of 'trace': it has an access that 'trace' would not write");
+        lines.push_back(line);
+    }
+    return lines;
+}
+
 /** The accesses in a file written by "trace", as text or as JSON. */
 Lines accessesOfFile(const std::string& file) {
     const std::string text = requiredTextOfFile(file);
-    const auto document = ordered_json::parse(text, nullptr, false);
-    if (!document.is_object()) {
-        Lines accesses = accessesOfText(text, file);
-        if (!accesses.empty() || holdsNoAccess(text)) return accesses;
-        throw UsageError(shownFile(file) +
-                         " is no output of 'trace': it has no line such as 'set NAME u32 1024'");
-    }
-    if (!document.contains("accesses") || !document["accesses"].is_array())
-        throw UsageError(shownFile(file) + " is no document of 'trace': it has no \"accesses\"");
-    Lines lines;
-    for (const auto& access : document["accesses"])
-        if (access.is_object()) lines.push_back(loggedLine(access));
-    return lines;
+    if (const std::size_t begin = text.find_first_not_of(" \t\r\n");
+        begin != std::string::npos && text[begin] == '{')
+        try {
+            return accessesOfDocument(text);
+        } catch (const UsageError& error) {
+            throw UsageError(shownFile(file) + ": " + error.what());
+        }
+    Lines accesses = accessesOfText(text, file);
+    if (!accesses.empty() || holdsNoAccess(text)) return accesses;
+    throw UsageError(shownFile(file) +
+                     " is no output of 'trace': it has no line such as 'set NAME u32 1024'");
 }
 
 /** A line that is only on one side. */
