@@ -226,7 +226,7 @@ bool Station::release(std::int64_t picture) {
 }
 
 std::uint64_t Station::transferLength() const {
-    const Layout layout = readEngineSettings(m_board, m_dmaRate).layout;
+    const Layout layout = readLayout(m_board);
     return layout.bytesPerLine * std::max(countOf(m_board.value(Parameter::imageHeight)), 1U);
 }
 
