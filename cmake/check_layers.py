@@ -29,8 +29,11 @@ TOOLS_PICTURES = [*TOOLS_BASE, f"{TOOLS}pictures/**"]
 TOOLS_STATION = [*TOOLS_APPLET, *TOOLS_PICTURES, f"{TOOLS}station/**"]
 TOOLS_ANSWERS = [*TOOLS_SCRATCH, *TOOLS_STATION, f"{TOOLS}answers/**"]
 SERVE = [*TOOLS_BASE, "tools/serve/*"]
-HTTP = [*TOOLS_ANSWERS, "tools/serve/http/*"]
-HTTP_TRANSPORT = [f"tools/serve/http/{name}" for name in ("HttpMessage.h", "HttpTransport.h", "transport/**")]
+HTTP = "tools/serve/http/"
+HTTP_TRANSPORT = [f"{HTTP}{name}" for name in ("protocol/HttpMessage.h", "protocol/HttpTransport.h", "transport/**")]
+HTTP_PROTOCOL = [*TOOLS_BASE, f"{HTTP}protocol/**"]
+HTTP_STATE = [*TOOLS_ANSWERS, *HTTP_PROTOCOL, f"{HTTP}state/**"]
+HTTP_ROUTES = [*HTTP_STATE, f"{HTTP}routes/**"]
 TOOL = "tools/appletctl/"
 BASE = [*TOOLS_BASE, f"{TOOL}base/**"]
 DRAW = [*BASE, *TOOLS_PICTURES, f"{TOOL}draw/**"]
@@ -41,6 +44,8 @@ STATION_FILES = [f"{TOOLS}{name}.h" for name in ("base/errors", "base/numbers", 
 PRODUCER_DEVICE = [*PRODUCER_FEATURES, *HOST, *STATION_FILES, f"{PRODUCER}device/**"]
 PRODUCER_MODULES = [*PRODUCER_DEVICE, f"{PRODUCER}modules/**"]
 COMMANDS = [*TOOLS_ANSWERS, *DRAW, f"{TOOL}commands/*"]
+PAGE_BASE = ["page/base/*"]
+PAGE_DRAW = [*PAGE_BASE, "page/draw/*"]
 
 # The files of a room, and the files that they may include. A file belongs to the first row that it matches. One star
 # matches within a folder, two stars also match subfolders.
@@ -78,8 +83,11 @@ ROOMS = [
     (f"{TOOLS}pictures/**", TOOLS_PICTURES),
     (f"{TOOLS}station/**", TOOLS_STATION),
     (f"{TOOLS}answers/**", TOOLS_ANSWERS),
-    ("tools/serve/http/transport/**", HTTP_TRANSPORT),
-    ("tools/serve/http/**", HTTP),
+    (f"{HTTP}transport/**", HTTP_TRANSPORT),
+    (f"{HTTP}protocol/**", HTTP_PROTOCOL),
+    (f"{HTTP}state/**", HTTP_STATE),
+    (f"{HTTP}routes/**", HTTP_ROUTES),
+    (f"{HTTP}*", [*HTTP_ROUTES, f"{HTTP}*"]),
     ("tools/serve/**", SERVE),
     (f"{PRODUCER}base/**", PRODUCER_BASE),
     (f"{PRODUCER}features/**", PRODUCER_FEATURES),
@@ -93,15 +101,21 @@ ROOMS = [
       for room in ("read", "change", "files", "signals")),
     (f"{TOOL}commands/**", COMMANDS),
     (f"{TOOL}cli/**", [*HEADERS, "virtual_board/virtual_board.h", "tools/**"]),
+    ("page/base/*", PAGE_BASE),
+    ("page/draw/*", PAGE_DRAW),
+    ("page/image/*", [*PAGE_DRAW, "page/image/*"]),
+    ("page/panels/*", [*PAGE_DRAW, "page/panels/*"]),
+    ("page/*", ["page/**"]),
 ]
 # Printing code, in files that must not print.
 SILENT = [f"{TOOLS}**", "tools/serve/**", f"{PRODUCER}**"]
 PRINTING = re.compile(r"#\s*include\s+<(?:iostream|cstdio|stdio\.h|print)>|"
                       r"\bstd::(?:cout|cerr|clog)\b|\b(?:f?printf|f?puts|putchar)\(")
-CHECKED = ["include", "src", "station", "virtual_board", "tools", "producer"]
+CHECKED = ["include", "src", "station", "virtual_board", "tools", "producer", "page"]
 INCLUDE_ROOTS = ["include", "src", "tools", "producer", "."]
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.MULTILINE)
-SUFFIXES = {".h", ".hpp", ".cpp", ".def"}
+IMPORT = re.compile(r"\b(?:from |import\()'([^']+)'")
+SUFFIXES = {".h": INCLUDE, ".hpp": INCLUDE, ".cpp": INCLUDE, ".def": INCLUDE, ".js": IMPORT}
 
 
 def matches(path, *patterns):
@@ -123,7 +137,7 @@ def violations(root, file):
     if allowed is None:
         return [f"{path} belongs to no room"]
     text = file.read_text(encoding="utf-8")
-    targets = [(include, resolved(root, file, include)) for include in INCLUDE.findall(text)]
+    targets = [(include, resolved(root, file, include)) for include in SUFFIXES[file.suffix].findall(text)]
     wrong = [f"{path} may not include {include}" for include, target in targets
              if target is None or not matches(target, *allowed)]
     if matches(path, *SILENT):

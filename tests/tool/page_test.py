@@ -19,6 +19,7 @@ import subprocess
 import sys
 import tempfile
 import unittest
+import urllib.parse
 
 PACKAGE = "playwright>=1.40,<2"
 SKIPPED = 77
@@ -157,7 +158,7 @@ class Journeys(unittest.TestCase):
         return page
 
     def from_sources(self, route):
-        name = route.request.url.split("?")[0].rsplit("/", 1)[1] or "index.html"
+        name = urllib.parse.urlsplit(route.request.url).path.removeprefix("/").removeprefix("assets/") or "index.html"
         kind = {"js": "text/javascript", "css": "text/css", "html": "text/html"}[name.rsplit(".", 1)[1]]
         policy = "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self' blob:; connect-src 'self'"
         route.fulfill(body=(pathlib.Path(os.environ["PAGE_UNDER_TEST"]) / name).read_bytes(),

@@ -16,7 +16,7 @@
 #include "serve/CommandClient.h"
 #include "serve/CommandSocket.h"
 #include "serve/http/StationHttp.h"
-#include "serve/http/page_files.h"
+#include "serve/http/routes/page_files.h"
 
 #include <CLI/CLI.hpp>
 
