@@ -27,12 +27,14 @@ TOOLS_APPLET = [*TOOLS_BASE, *HOST, f"{TOOLS}applet/**"]
 TOOLS_SCRATCH = [*TOOLS_APPLET, f"{TOOLS}station/StationFile.h", f"{TOOLS}scratch/**"]
 TOOLS_PICTURES = [*TOOLS_BASE, f"{TOOLS}pictures/**"]
 TOOLS_STATION = [*TOOLS_APPLET, *TOOLS_PICTURES, f"{TOOLS}station/**"]
-TOOLS_ANSWERS = [*TOOLS_SCRATCH, *TOOLS_STATION, f"{TOOLS}answers/**"]
+TOOLS_ANSWERS = [*TOOLS_SCRATCH, *TOOLS_STATION, f"{TOOLS}answers/*"]
+TOOLS_LINT = [*TOOLS_ANSWERS, f"{TOOLS}answers/lint/*"]
+TOOLS_ALL = [*TOOLS_LINT, f"{TOOLS}*"]
 SERVE = [*TOOLS_BASE, "tools/serve/*"]
 HTTP = "tools/serve/http/"
 HTTP_TRANSPORT = [f"{HTTP}{name}" for name in ("protocol/HttpMessage.h", "protocol/HttpTransport.h", "transport/**")]
 HTTP_PROTOCOL = [*TOOLS_BASE, f"{HTTP}protocol/**"]
-HTTP_STATE = [*TOOLS_ANSWERS, *HTTP_PROTOCOL, f"{HTTP}state/**"]
+HTTP_STATE = [*TOOLS_ALL, *HTTP_PROTOCOL, f"{HTTP}state/**"]
 HTTP_ROUTES = [*HTTP_STATE, f"{HTTP}routes/**"]
 TOOL = "tools/appletctl/"
 BASE = [*TOOLS_BASE, f"{TOOL}base/**"]
@@ -43,7 +45,9 @@ PRODUCER_FEATURES = [*PRODUCER_BASE, f"{PRODUCER}features/**"]
 STATION_FILES = [f"{TOOLS}{name}.h" for name in ("base/errors", "base/numbers", "station/StationFile")]
 PRODUCER_DEVICE = [*PRODUCER_FEATURES, *HOST, *STATION_FILES, f"{PRODUCER}device/**"]
 PRODUCER_MODULES = [*PRODUCER_DEVICE, f"{PRODUCER}modules/**"]
-COMMANDS = [*TOOLS_ANSWERS, *DRAW, f"{TOOL}commands/*"]
+COMMANDS = [*TOOLS_ALL, *DRAW, f"{TOOL}commands/*"]
+CLI = [*COMMANDS, f"{TOOL}commands/**", "tools/serve/*", f"{TOOL}cli/*"]
+SHELL = [*CLI, f"{TOOL}cli/shell/*"]
 PAGE_BASE = ["page/base/*"]
 PAGE_DRAW = [*PAGE_BASE, "page/draw/*"]
 
@@ -82,7 +86,9 @@ ROOMS = [
     (f"{TOOLS}scratch/**", TOOLS_SCRATCH),
     (f"{TOOLS}pictures/**", TOOLS_PICTURES),
     (f"{TOOLS}station/**", TOOLS_STATION),
-    (f"{TOOLS}answers/**", TOOLS_ANSWERS),
+    (f"{TOOLS}answers/lint/*", TOOLS_LINT),
+    (f"{TOOLS}answers/*", TOOLS_ANSWERS),
+    (f"{TOOLS}*", TOOLS_ALL),
     (f"{HTTP}transport/**", HTTP_TRANSPORT),
     (f"{HTTP}protocol/**", HTTP_PROTOCOL),
     (f"{HTTP}state/**", HTTP_STATE),
@@ -100,7 +106,10 @@ ROOMS = [
     *((f"{TOOL}commands/{room}/**", [*COMMANDS, f"{TOOL}commands/{room}/**"])
       for room in ("read", "change", "files", "signals")),
     (f"{TOOL}commands/**", COMMANDS),
-    (f"{TOOL}cli/**", [*HEADERS, "virtual_board/virtual_board.h", "tools/**"]),
+    (f"{TOOL}cli/*", CLI),
+    (f"{TOOL}cli/scenario/*", [*CLI, f"{TOOL}cli/scenario/*"]),
+    (f"{TOOL}cli/shell/*", SHELL),
+    (f"{TOOL}cli/station/*", [*SHELL, "tools/serve/**", f"{TOOL}cli/station/*"]),
     ("page/base/*", PAGE_BASE),
     ("page/draw/*", PAGE_DRAW),
     ("page/image/*", [*PAGE_DRAW, "page/image/*"]),

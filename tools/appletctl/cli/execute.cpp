@@ -7,7 +7,7 @@
 #include "applet_tools/base/text.h"
 #include "applet_tools/scratch/refusal.h"
 #include "appletctl/base/layout.h"
-#include "appletctl/cli/station/station_client.h"
+#include "appletctl/cli/station_client.h"
 #include "appletctl/commands/assignment_report.h"
 #include "appletctl/commands/jobs.h"
 #include "appletctl/commands/shared_options.h"

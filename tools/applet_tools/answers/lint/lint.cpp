@@ -1,6 +1,6 @@
 // Legal but doubtful states. The rules run on a scratch board, where they can try values.
 
-#include "applet_tools/answers/lint.h"
+#include "applet_tools/answers/lint/lint.h"
 
 #include "applet_tools/answers/lint/load_findings.h"
 #include "applet_tools/answers/lint/rules.h"

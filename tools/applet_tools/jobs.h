@@ -1,6 +1,6 @@
 /** The scratch board jobs that all front ends share. */
-#ifndef APPLET_TOOLS_ANSWERS_JOBS_H
-#define APPLET_TOOLS_ANSWERS_JOBS_H
+#ifndef APPLET_TOOLS_JOBS_H
+#define APPLET_TOOLS_JOBS_H
 
 #include "applet_tools/scratch/ScratchSession.h"
 

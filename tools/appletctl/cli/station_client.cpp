@@ -1,4 +1,4 @@
-#include "appletctl/cli/station/station_client.h"
+#include "appletctl/cli/station_client.h"
 
 #include "applet_tools/base/errors.h"
 #include "appletctl/commands/Command.h"

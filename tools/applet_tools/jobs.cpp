@@ -1,10 +1,10 @@
-#include "applet_tools/answers/jobs.h"
+#include "applet_tools/jobs.h"
 
 #include "applet_tools/answers/dependencies.h"
 #include "applet_tools/answers/differences.h"
 #include "applet_tools/answers/expectation.h"
 #include "applet_tools/answers/limits.h"
-#include "applet_tools/answers/lint.h"
+#include "applet_tools/answers/lint/lint.h"
 #include "applet_tools/answers/loading.h"
 #include "applet_tools/answers/order.h"
 #include "applet_tools/answers/routes.h"

@@ -1,6 +1,6 @@
 /** Runs command lines in sequence on one board, with undo. */
-#ifndef APPLETCTL_CLI_LINESESSION_H
-#define APPLETCTL_CLI_LINESESSION_H
+#ifndef APPLETCTL_CLI_SHELL_LINESESSION_H
+#define APPLETCTL_CLI_SHELL_LINESESSION_H
 
 #include "applet_tools/scratch/History.h"
 #include "appletctl/cli/command_line.h"

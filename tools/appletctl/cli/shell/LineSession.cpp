@@ -1,4 +1,4 @@
-#include "appletctl/cli/LineSession.h"
+#include "appletctl/cli/shell/LineSession.h"
 
 #include "applet_tools/base/Interruption.h"
 #include "applet_tools/base/text.h"

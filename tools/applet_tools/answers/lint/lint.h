@@ -1,6 +1,6 @@
 /** Finds states that the applet accepts but that are probably not intended. */
-#ifndef APPLET_TOOLS_ANSWERS_LINT_H
-#define APPLET_TOOLS_ANSWERS_LINT_H
+#ifndef APPLET_TOOLS_ANSWERS_LINT_LINT_H
+#define APPLET_TOOLS_ANSWERS_LINT_LINT_H
 
 #include "applet_tools/scratch/LiveSession.h"
 #include "applet_tools/scratch/ScratchSession.h"
