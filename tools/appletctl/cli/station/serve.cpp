@@ -187,8 +187,10 @@ private:
         const Words words = command.kind == serve::ClientCommand::Kind::commandLine
                                 ? command.words
                                 : splitLine(command.line).words;
-        return std::ranges::any_of(words,
-                                   [](const std::string& word) { return word == "grab" || word == "run"; });
+        const auto acquires = [&](const Command* row) {
+            return row->acquires && std::ranges::find(words, row->name) != words.end();
+        };
+        return std::ranges::any_of(allCommands(), acquires);
     }
 
     /** A command may have replaced the board. */
@@ -342,6 +344,7 @@ const Command serveCommand = {
     .kind = Command::Kind::local,
     .sets = Command::Sets::assignments,
     .showsValues = true,
+    .managesStations = true,
 };
 
 } // namespace appletctl
