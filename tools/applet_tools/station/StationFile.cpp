@@ -123,12 +123,13 @@ StationBelt beltOf(const DocumentField& field, UsedInputs& inputs) {
 }
 
 vboard_camera cameraOf(const DocumentField& field) {
-    constexpr std::int64_t widest = 16384, fastest = 10'000'000;
+    constexpr std::int64_t fastest = 10'000'000;
     constexpr Ticks usual = 2500; // 20 us
     field.requireObject({"width", "lineRate", "exposure", "fullExposure"});
     vboard_camera camera{};
     const auto width = field.find("width");
-    camera.width = width ? static_cast<std::uint32_t>(width->whole(1, widest, "the pixels of a line")) : 2048;
+    camera.width =
+        width ? static_cast<std::uint32_t>(width->whole(1, VBOARD_WIDEST, "the pixels of a line")) : 2048;
     if (const auto rate = field.find("lineRate"))
         camera.line_rate = static_cast<std::uint32_t>(rate->whole(1, fastest, "lines a second"));
     const auto exposure = field.find("exposure");

@@ -13,12 +13,11 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto longestUnwatched = 3s;
-constexpr auto shortestDistance = 1'000'000us / 30;          // between two rendered pictures
-constexpr auto longestPiece = 50ms;                          // of a wait for the board
-constexpr auto longestLook = 250ms;                          // between two requests of a viewer
-constexpr std::size_t frames = 4;                            // of the memory
-constexpr std::uint64_t frameBytes = std::uint64_t{1} << 40; // a frame uses no memory before it is rendered
-constexpr std::size_t mostKeptBytes = 32U << 20U;            // one picture is kept, however large it is
+constexpr auto shortestDistance = 1'000'000us / 30; // between two rendered pictures
+constexpr auto longestPiece = 50ms;                 // of a wait for the board
+constexpr auto longestLook = 250ms;                 // between two requests of a viewer
+constexpr std::size_t frames = 4;                   // of the memory
+constexpr std::size_t mostKeptBytes = 32U << 20U;   // one picture is kept, however large it is
 constexpr std::size_t mostKept = 32;
 
 } // namespace
@@ -117,8 +116,7 @@ void LivePictures::start() {
         const std::lock_guard guard(m_mutex);
         if (m_state.isRunning || m_ways > 0 || m_isEnding) return;
     }
-    const auto& board = m_instance.board();
-    m_memory = {board.memory(m_instance.device(), frames, frameBytes, VBOARD_RING), FreeMemory{&board}};
+    m_memory = applet_tools::frameMemory(m_instance, frames, VBOARD_RING);
     const applet_tools::WaitStart start = applet_tools::waitStart(m_instance);
     constexpr std::intptr_t withoutEnd = 0;
     const int code = m_instance.applet().Fg_AcquireEx(m_instance.fg(), 0, withoutEnd, 0, m_memory.get());

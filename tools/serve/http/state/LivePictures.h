@@ -3,6 +3,7 @@
 #define SERVE_HTTP_STATE_LIVEPICTURES_H
 
 #include "applet_tools/applet/Instance.h"
+#include "applet_tools/station/frame_memory.h"
 #include "applet_tools/station/missing_picture.h"
 #include "serve/http/state/CommandThread.h"
 #include "serve/http/state/SharedPicture.h"
@@ -71,11 +72,6 @@ public:
     State state() const;
 
 private:
-    struct FreeMemory {
-        const applet_host::BoardFunctions* board;
-        void operator()(vboard_frames* memory) const { board->memory_free(memory); }
-    };
-
     /** For the command thread. */
     void start();
     void stop();
@@ -94,8 +90,7 @@ private:
     applet_tools::Instance& m_instance;
     const double m_factor;
     std::function<void(const SharedPicture&)> m_onPicture;
-    std::unique_ptr<vboard_frames, FreeMemory>
-        m_memory; // for the command thread, and the thread while it runs
+    applet_tools::FrameMemory m_memory; // for the command thread, and the thread while it runs
 
     mutable std::mutex m_mutex; // guards the members below
     std::condition_variable m_changed;
