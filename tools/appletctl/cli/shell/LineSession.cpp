@@ -6,8 +6,6 @@
 #include "appletctl/cli/help.h"
 #include "appletctl/commands/lines.h"
 
-#include <string_view>
-
 namespace appletctl {
 namespace {
 
@@ -36,9 +34,6 @@ Report reportOf(const Undone& undone) {
     report.exitCode = exitRefused;
     return report;
 }
-
-/** Commands that exist only in the shell. */
-constexpr std::string_view ownWords[] = {"undo", "help", "exit", "quit"};
 
 ExitCode show(Report report, const std::string& command, const Options& options, const std::string& place) {
     for (std::string& problem : report.problems)
@@ -84,8 +79,8 @@ std::vector<Candidate> LineSession::complete(const std::string& text) {
     try {
         std::vector<Candidate> candidates = candidatesFor(line.words, parameters);
         if (line.words.size() == 1)
-            for (const std::string_view own : ownWords)
-                if (own.starts_with(line.words.front())) candidates.push_back({std::string(own)});
+            for (const std::string& own : shellWords())
+                if (own.starts_with(line.words.front())) candidates.push_back({own});
         return candidates;
     } catch (const std::exception&) { // without an applet there are no candidates
         return {};

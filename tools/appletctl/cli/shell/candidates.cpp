@@ -4,7 +4,8 @@
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/text.h"
 #include "applet_tools/station/signals.h"
-#include "appletctl/cli/help.h"
+#include "appletctl/cli/command_line.h"
+#include "appletctl/cli/command_tree.h"
 #include "serve/StationPlace.h"
 
 #include <algorithm>
