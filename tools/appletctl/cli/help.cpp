@@ -19,13 +19,12 @@ const ExitCodeMeaning exitCodes[5] = {
     {"1",
      "refused by the applet, a value that could not be read, something lost of a configuration file, a "
      "difference found by 'diff', a step of 'run' that failed, a condition of 'watch --fail-if' that holds, "
-     "a finding of 'lint' or 'xml --check', an output that the board holds otherwise than the applet "
-     "('route'), a picture that did not come ('grab'; with --strict any loss too), or a file that cannot be "
-     "written"},
+     "a finding of 'lint' or 'xml --check', an output that differs between board and applet ('route'), a "
+     "picture that did not arrive ('grab'; with --strict any loss too), or a file that cannot be written"},
     {"2",
      "wrong usage: unknown command, option or parameter name, a file that cannot be read, or a value that "
      "the parameter's kind cannot hold. Nothing was set"},
-    {"3", "the applet, the runtime, a library or a board is not to be had"},
+    {"3", "the applet, the runtime, a library or a board is not available"},
     {"130", "interrupted"},
 };
 
