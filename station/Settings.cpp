@@ -7,7 +7,7 @@
 namespace station {
 namespace {
 
-constexpr std::uint32_t widest = 16384;
+constexpr std::uint32_t widest = ImageSize::widest;
 constexpr std::uint32_t thinnedSequence = 2000; // cycles of which simulatorActivePixel are active
 constexpr std::uint32_t outBits[] = {8, 10, 12, 14, 16};
 constexpr std::uint64_t fastestDma = std::uint64_t{1} << 40;

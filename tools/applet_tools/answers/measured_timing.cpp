@@ -163,8 +163,7 @@ private:
         noteSignals(m_timing.from + m_window->from, m_timing.from + m_window->to);
         for (const MeasuredSignal& signal : m_timing.signals)
             if (!signal.course.isComplete)
-                throw Failure("the station keeps the last 16384 edges of a signal, and " + signal.name +
-                              " has more of them from " + durationText(m_window->from) + " to " +
+                throw Failure(incompleteText(signal.name) + " from " + durationText(m_window->from) + " to " +
                               durationText(m_window->to) + ": make the window shorter");
     }
 

@@ -2,7 +2,9 @@
 
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/text.h"
+#include "appletctl/cli/command_tree.h"
 #include "appletctl/cli/help.h"
+#include "appletctl/cli/usage_errors.h"
 #include "appletctl/commands/shared_options.h"
 
 #include <algorithm>

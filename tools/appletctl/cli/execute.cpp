@@ -7,7 +7,7 @@
 #include "applet_tools/base/text.h"
 #include "applet_tools/scratch/refusal.h"
 #include "appletctl/base/layout.h"
-#include "appletctl/cli/station/station_client.h"
+#include "appletctl/cli/station_client.h"
 #include "appletctl/commands/assignment_report.h"
 #include "appletctl/commands/jobs.h"
 #include "appletctl/commands/shared_options.h"
@@ -278,8 +278,8 @@ namespace {
 /** Refuses --station with the commands that start, list or end stations: it would have no effect. The environment
  *  variable is for all command lines, so it is ignored there. */
 void requireNoStation(const Command& command, const Words& words) {
+    if (!command.managesStations) return;
     const std::string name = fullName(command);
-    if (name != "serve" && !name.starts_with("station ")) return;
     for (const std::string& word : words)
         if (word == "--station" || word.starts_with("--station="))
             throw UsageError("'" + name + "' is not carried out by a station: leave --station out" +

@@ -152,6 +152,7 @@ const Command runScenarioCommand = {
     .kind = Command::Kind::session,
     .sets = Command::Sets::always,
     .moreHelp = scenarioSteps,
+    .acquires = true,
 };
 
 } // namespace appletctl

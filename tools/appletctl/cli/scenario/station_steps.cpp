@@ -342,9 +342,7 @@ std::string expectSignal(ScenarioRunner& runner, const Step& step) {
     const SignalMeasure& measure = measureFrom(step.words[1]);
     const double wanted = measureValue(measure, step.words[3]);
     const SignalCourse course = courseOf(runner.instance(), signal.select, state.from, state.to);
-    if (!course.isComplete)
-        return "the board keeps the last 16384 edges of a signal, and " + signal.name +
-               " had more: advance by less";
+    if (!course.isComplete) return incompleteText(signal.name) + ": advance by less";
     const std::vector<double> values = measure.of(course);
     if (values.empty())
         return signal.name + " had " + numberText(course.risingEdges()) + " rising edges in " +

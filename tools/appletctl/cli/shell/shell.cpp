@@ -2,9 +2,9 @@
 
 #include "applet_tools/base/Interruption.h"
 #include "applet_tools/base/numbers.h"
-#include "appletctl/cli/LineSession.h"
+#include "appletctl/cli/shell/LineSession.h"
 #include "appletctl/cli/shell/line_input.h"
-#include "appletctl/cli/station/station_client.h"
+#include "appletctl/cli/station_client.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/shared_options.h"
 

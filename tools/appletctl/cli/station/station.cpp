@@ -124,6 +124,7 @@ const Command stationListCommand = {
     .examples = {{"station list", "names, boards, and the command at work"}},
     .run = listStations,
     .kind = Command::Kind::local,
+    .managesStations = true,
 };
 
 const Command stationAddressCommand = {
@@ -136,6 +137,7 @@ const Command stationAddressCommand = {
     .most = 1,
     .run = showAddress,
     .kind = Command::Kind::local,
+    .managesStations = true,
 };
 
 const Command stationStopCommand = {
@@ -148,6 +150,7 @@ const Command stationStopCommand = {
     .most = 1,
     .run = stopStation,
     .kind = Command::Kind::local,
+    .managesStations = true,
 };
 
 const Command stationLogCommand = {
@@ -160,6 +163,7 @@ const Command stationLogCommand = {
     .most = 1,
     .run = showLog,
     .kind = Command::Kind::local,
+    .managesStations = true,
 };
 
 } // namespace appletctl

@@ -453,6 +453,7 @@ const Command grabCommand = {
     .showsValues = true,
     .takesLong = true,
     .moreHelp = grabNotes,
+    .acquires = true,
 };
 
 } // namespace appletctl

@@ -1,4 +1,4 @@
-#include "applet_tools/answers/lint.h"
+#include "applet_tools/answers/lint/lint.h"
 #include "applet_tools/base/text.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/CommandRun.h"

@@ -1,6 +1,6 @@
 // The HTTP server of a station, by the library cpp-httplib.
 
-#include "serve/http/HttpTransport.h"
+#include "serve/http/protocol/HttpTransport.h"
 #include "serve/http/transport/ClientStream.h"
 
 #include <pthread.h>
