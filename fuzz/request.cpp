@@ -3,8 +3,8 @@
 
 #include "applet_tools/base/text.h"
 #include "invariants.h"
-#include "serve/http/Guard.h"
-#include "serve/http/Query.h"
+#include "serve/http/protocol/Guard.h"
+#include "serve/http/protocol/Query.h"
 
 #include <functional>
 
