@@ -1,10 +1,10 @@
 #include "applet_tools/station/StationFile.h"
 
+#include "applet_tools/base/DocumentField.h"
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/numbers.h"
 #include "applet_tools/base/text.h"
-#include "applet_tools/station/DocumentField.h"
 #include "applet_tools/station/lengths.h"
 
 #include <algorithm>

@@ -2,9 +2,9 @@
 
 #include "applet_tools/applet/access_log.h"
 #include "applet_tools/applet/files/ConfigurationFile.h"
+#include "applet_tools/base/DocumentField.h"
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"
-#include "applet_tools/station/DocumentField.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/lines.h"
 
@@ -152,7 +152,11 @@ Report traceRun(Context& context, bool isShownByCommand, const std::function<Rep
     std::string text;
     for (const std::string& line : context.accesses())
         text += accessLine(line);
-    if (text.empty()) text = forPerson(std::string("  ") + noAccess + '\n');
+    if (text.empty()) {
+        text = "  ";
+        text.append(noAccess).append("\n");
+        text = forPerson(text);
+    }
     // Text that the command printed itself is already out; the accesses, or the document, follow.
     report.text = report.isPrinted ? text : report.text + text;
     report.isPrinted = false;

@@ -1,8 +1,8 @@
 #include "serve/http/protocol/Query.h"
 
+#include "applet_tools/base/DocumentField.h"
 #include "applet_tools/base/numbers.h"
 #include "applet_tools/base/text.h"
-#include "applet_tools/station/DocumentField.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "applet_tools/station/DocumentField.h"
+#include "applet_tools/base/DocumentField.h"
 
 #include "applet_tools/base/numbers.h"
 #include "applet_tools/base/text.h"

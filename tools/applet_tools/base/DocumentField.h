@@ -1,6 +1,6 @@
 /** A value of a JSON document with its path, for error messages. */
-#ifndef APPLET_TOOLS_STATION_DOCUMENTFIELD_H
-#define APPLET_TOOLS_STATION_DOCUMENTFIELD_H
+#ifndef APPLET_TOOLS_BASE_DOCUMENTFIELD_H
+#define APPLET_TOOLS_BASE_DOCUMENTFIELD_H
 
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/words.h"
