@@ -274,10 +274,11 @@ private:
 TimeWindow windowFrom(const std::string& word) {
     const std::size_t dots = word.find("..");
     if (dots == std::string::npos)
-        throw UsageError(inQuotedWord(word) + " is no window of time: write its two ends, as in 10ms..12ms");
+        throw UsageError(inQuotedWord(word) +
+                         " is not a window of time: write its two ends, as in 10ms..12ms");
     const TimeWindow window{ticksFrom(word.substr(0, dots)), ticksFrom(word.substr(dots + 2))};
     if (window.from >= window.to)
-        throw UsageError(inQuotedWord(word) + " is no window of time: its end is not after its beginning");
+        throw UsageError(inQuotedWord(word) + " is not a window of time: its end is not after its beginning");
     return window;
 }
 

@@ -113,20 +113,19 @@ std::string optionError(const CLI::App& app, const CLI::ParseError& error, const
     const std::string option = asTyped(app, text.substr(0, colon), words);
     const std::string number = between(text, "Could not convert: ", " = ");
     if (!number.empty())
-        return number + " takes a number, and " + inQuotedWord(text.substr(text.find(" = ") + 3)) +
-               " is none";
+        return number + ": " + inQuotedWord(text.substr(text.find(" = ") + 3)) + " is not a number";
     if (colon == std::string::npos) return "";
     const std::string behind = text.substr(colon + 1);
     if (behind.find(" not in {") != std::string::npos) {
         const std::string word = between(behind, " ", " not in {");
         const Words choices = choicesIn(behind);
-        return option + " takes one of " + join(choices, ", ") + ", and " + inQuotedWord(word) + " is none" +
+        return option + ": " + inQuotedWord(word) + " is not one of " + join(choices, ", ") +
                didYouMean(misspelt(word, choices));
     }
     const std::string outside = " not in range ";
     if (const std::size_t place = behind.find(outside); place != std::string::npos)
-        return option + " takes a number from " + behind.substr(place + outside.size()) + ", and " +
-               inQuotedWord(between(behind, "Value ", outside)) + " is none";
+        return option + ": " + inQuotedWord(between(behind, "Value ", outside)) + " is not a number from " +
+               behind.substr(place + outside.size());
     if (behind.find("required") != std::string::npos && behind.find("missing") != std::string::npos)
         return option + ": its value is missing";
     if (behind.find("At Most 1") != std::string::npos) return option + " takes one value, and there are more";
@@ -149,7 +148,7 @@ std::string usageError(const CLI::App& program, const CLI::App& app, const CLI::
             if (command != nullptr &&
                 app.get_option_no_throw(option) != nullptr) // only unknown before the command
                 return inQuotedWord(option) + " is an option of " + argumentName(*command) +
-                       ": give it behind the command";
+                       ": give it after the command";
             const std::string nearest = nearestOption(app, option);
             return "there is no option " + inQuotedWord(option) +
                    (nearest.empty() ? seeHelp(name) : "; did you mean '" + nearest + "'?");

@@ -137,9 +137,9 @@ Report runScenario(Context& context, const Words& words) {
 extern const Command runScenarioCommand;
 const Command runScenarioCommand = {
     .name = "run",
-    .help = "Carry out a scenario: steps, and what is expected of them",
+    .help = "Execute a scenario: steps with their expected results",
     .argument = "FILE",
-    .argumentHelp = "File of steps, one a line",
+    .argumentHelp = "File of steps, one per line",
     .examples = {{"run line.scenario", "each step with its outcome"},
                  {"run line.scenario --junit report.xml", "with a report for a build server"}},
     .file = Command::File::read,

@@ -63,7 +63,7 @@ GrabWords grabWords(Words words) {
     }
     if (!words.empty() && words.front().find_first_not_of("0123456789") == std::string::npos) {
         grab.pictures = wholeFrom<std::int64_t>(words.front());
-        if (grab.pictures < 1) throw UsageError("0 is no number of pictures");
+        if (grab.pictures < 1) throw UsageError("0 is not a number of pictures");
         words.erase(words.begin());
     }
     const char* const form = "the form is 'grab [N] [FILE] [within TIME]'";

@@ -137,7 +137,7 @@ Report runShell(Context& context, const Words&) {
 extern const Command shellCommand;
 const Command shellCommand = {
     .name = "shell",
-    .help = "Carry out commands line by line on one board, with undo",
+    .help = "Execute commands line by line on one board, with undo",
     .examples = {{"shell", "interactive; undo, help and exit work there"},
                  {"shell -k < lines.txt", "lines of a file, going on after failures"}},
     .run = runShell,

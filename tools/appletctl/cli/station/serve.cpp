@@ -330,7 +330,7 @@ const Command serveCommand = {
     .name = "serve",
     .help = "Keep the applet and its board running, for commands with --station",
     .argument = "NAME|NAME=VALUE",
-    .argumentHelp = "Name of the station, main if not given, then assignments to carry out at its start",
+    .argumentHelp = "Name of the station, main if not given, then assignments to execute at its start",
     .form = "[NAME] [NAME=VALUE...]",
     .examples = {{"serve", "a station 'main' with a virtual board, until Ctrl-C"},
                  {"serve --detach line2 --from line.mcf",

@@ -108,7 +108,7 @@ Report showLog(Context&, const Words& words) {
                       numberText(std::round(entry.at("seconds").get<double>() * 1e4) / 10) + " ms",
                       printable(entry.at("command").get<std::string>())});
     report.text = log.empty() && !isPlainOutput()
-                      ? "The station '" + name + "' has not carried out a command yet.\n"
+                      ? "The station '" + name + "' has not executed a command yet.\n"
                       : table.render(Style::forStream(STDOUT_FILENO));
     return report;
 }
@@ -120,7 +120,7 @@ extern const Command stationListCommand, stationStopCommand, stationLogCommand, 
 const Command stationListCommand = {
     .group = &stationGroup,
     .name = "list",
-    .help = "Show the stations of this user that run",
+    .help = "Show the running stations of this user",
     .examples = {{"station list", "names, boards, and the command at work"}},
     .run = listStations,
     .kind = Command::Kind::local,
@@ -143,7 +143,7 @@ const Command stationAddressCommand = {
 const Command stationStopCommand = {
     .group = &stationGroup,
     .name = "stop",
-    .help = "End a station; the command at work is interrupted",
+    .help = "End a station; a running command is interrupted",
     .argument = "NAME",
     .argumentHelp = "Name of the station, main if not given",
     .examples = {{"station stop", "the station 'main'"}},

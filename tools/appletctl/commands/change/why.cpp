@@ -28,7 +28,7 @@ void addMissingFile(Table& table, const std::string& file) {
     if (!file.empty())
         table.addRow(
             {"missing", shownFile(file) +
-                            " is no file that can be opened for reading; until it is one, what makes "
+                            " is not a file that can be opened for reading; until it is one, what makes "
                             "the parameter writable is refused"});
 }
 
@@ -96,7 +96,7 @@ Report explainParameters(Context& context, const Words& words) {
 extern const Command whyCommand;
 const Command whyCommand = {
     .name = "why",
-    .help = "Say why a parameter is read-only or refuses a value, and what would free it",
+    .help = "Show why a parameter is read-only or refuses a value, and the remedies",
     .argument = "NAME[=VALUE]",
     .argumentHelp = "Parameters or assignments",
     .examples = {{"why FG_WIDTH=20000", "why this value is refused"},

@@ -58,7 +58,7 @@ Lines accessesOfText(const std::string& text, const std::string& file) {
             std::erase(line, '\0');
             throw UsageError(shownFile(file) + ", line " + numberText(number) + ": " +
                              inQuotes(shortened(toUtf8(line.c_str()), mostBytes)) +
-                             " is no line of 'trace', such as 'set NAME u32 1024'");
+                             " is not a line of 'trace', such as 'set NAME u32 1024'");
         }
         if (kind == LineKind::access) lines.push_back(line);
     }
@@ -71,12 +71,13 @@ bool holdsNoAccess(const std::string& text) { return text.find(noAccess) != std:
 Lines accessesOfDocument(const std::string& text) {
     const ordered_json document = applet_tools::parseDocument(text);
     if (!document.is_object() || !document.contains("accesses") || !document["accesses"].is_array())
-        throw UsageError("this is no document of 'trace': it has no \"accesses\"");
+        throw UsageError("this is not a document of 'trace': it has no \"accesses\"");
     Lines lines;
     for (const auto& access : document["accesses"]) {
         const std::string line = access.is_object() ? loggedLine(access) : "";
         if (kindOf(line) != LineKind::access)
-            throw UsageError("this is no document of 'trace': it has an access that 'trace' would not write");
+            throw UsageError(
+                "this is not a document of 'trace': it has an access that 'trace' would not write");
         lines.push_back(line);
     }
     return lines;
@@ -95,7 +96,7 @@ Lines accessesOfFile(const std::string& file) {
     Lines accesses = accessesOfText(text, file);
     if (!accesses.empty() || holdsNoAccess(text)) return accesses;
     throw UsageError(shownFile(file) +
-                     " is no output of 'trace': it has no line such as 'set NAME u32 1024'");
+                     " is not output of 'trace': it has no line such as 'set NAME u32 1024'");
 }
 
 /** A line that is only on one side. */
@@ -187,7 +188,7 @@ Report compareTraces(Context&, const Words& files) {
 extern const Command traceCommand;
 const Command traceCommand = {
     .name = "trace",
-    .help = "Show what a command does to the design, or compare two such logs",
+    .help = "Show the accesses of a command to the design, or compare two such logs",
     .argument = "COMMAND",
     .argumentHelp = "A command with its words; or diff and two files",
     .examples = {{"trace set FG_WIDTH=2048", "what it writes to the design"},
