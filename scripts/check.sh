@@ -14,7 +14,7 @@ source "$(dirname "$0")/common.sh"
 check_style() {
     install_packages clang-format shellcheck
     say "Checking the format of the sources"
-    git ls-files -z '*.c' '*.cpp' '*.h' '*.hpp' '*.inc' | xargs -0 clang-format --dry-run -Werror
+    git ls-files -z '*.c' '*.cpp' '*.h' '*.hpp' | xargs -0 clang-format --dry-run -Werror
     say "Checking the shell scripts"
     git ls-files -z '*.sh' .ci/run | xargs -0 shellcheck
 }

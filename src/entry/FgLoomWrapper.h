@@ -66,7 +66,7 @@ public:
     virtual const char* appletVersionName() = 0;
     virtual int loadAppletId() = 0;
 
-    // ---- Bring-up: entry/runtime/runtime_binding.cpp
+    // ---- Bring-up: entry/runtime/runtime_binding.cpp; handles: entry/FgLoomWrapper.cpp
 
     /** Opens the runtime's library and looks its functions up. 0, or -2031 if it cannot be opened. */
     int initializeDllFunctions(const char* library);
@@ -78,8 +78,7 @@ public:
     /** Frees the runtime's inner grabber, then destroys the object. The runtime's result. */
     static int end(FgLoomWrapper* wrapper);
 
-    /* The board and the design of the last successful init of the process; a non-null argument replaces them.
-     */
+    /* The board and the design of the last successful init of the process. A non-null argument replaces them. */
     static LOOMdevice* accessDeviceHandle(LOOMdevice* device);
     static fpga_design* accessDesignHandle(fpga_design* design);
 

@@ -44,7 +44,7 @@ public:
     /** `offline` creates an object without board and runtime and brings it up at once. */
     FgLoomWrapperImpl(int ports, bool offline);
 
-    // ---- Overrides: entry/routing.cpp, entry/identity.cpp, entry/api/bring_up.cpp, entry/configuration.cpp
+    // ---- Overrides: entry/routing.cpp, entry/identity.cpp, entry/configuration.cpp
 
     vexo::tools::logging::Logger* logger() override;
     int loadParameters(Fg_ConfigFileParser* parser) override;

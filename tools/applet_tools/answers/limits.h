@@ -18,8 +18,8 @@ namespace applet_tools {
 struct EntryAnswer {
     Entry entry;
     int code = 0;
-    std::vector<std::string>
-        acceptedWith{}; /**< for a refused entry: changes of other parameters that make it accepted */
+    /** For a refused entry: changes of other parameters that make it accepted. */
+    std::vector<std::string> acceptedWith{};
 };
 
 /** The published range of a number, and its text. */
@@ -32,8 +32,8 @@ struct PublishedRange {
 struct AcceptedValues {
     std::string parameter; /**< its name */
     std::string subject;   /**< "FG_WIDTH", "FG_LUT_VALUE_RED[7]" */
-    std::optional<ElementRange>
-        elements{};     /**< the elements tested, for an array; it has no published grid */
+    /** The elements tested, for an array, which has no published grid. */
+    std::optional<ElementRange> elements{};
     std::string access; /**< "rw" */
     ReadResult now{};
     bool isText = false;                /**< any text is accepted */

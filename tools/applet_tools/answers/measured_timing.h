@@ -38,8 +38,8 @@ TimeWindow windowFrom(const std::string& word);
 
 struct MeasuredTiming {
     std::vector<MeasuredRow> rows;
-    std::vector<MeasuredSignal>
-        signals; /**< of the first line periods, or of the window: inputs in use, then the line trigger's */
+    /** Of the first line periods, or of the window: inputs in use, then the line trigger's. */
+    std::vector<MeasuredSignal> signals;
     Ticks from = 0, to = 0; /**< the examined time span */
     std::int64_t lines = 0, pictures = 0;
     std::vector<std::string> remarks; /**< assumptions, and what did not happen */

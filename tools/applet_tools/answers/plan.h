@@ -51,9 +51,9 @@ struct FilePlan {
     LoadOutcome load;
     std::vector<Difference> differences; /**< between the state before it and the one after it */
     std::vector<ParameterMove> moves;    /**< of all parameters */
-    std::vector<Writer>
-        writers; /**< for all values that are written or change; if several parameters write the same value,
-                                              one that the load changes is preferred */
+    /** For all values that are written or change. If several parameters write the same value, one that the load
+     *  changes is preferred. */
+    std::vector<Writer> writers;
 };
 
 /** Loads the file into the scratch board; does not restore it. Throws UsageError if it cannot be read. */

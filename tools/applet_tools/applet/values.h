@@ -33,8 +33,8 @@ using Value = std::variant<std::uint32_t, std::int32_t, std::uint64_t, std::int6
 struct ReadResult {
     int error = 0;
     Value value{};
-    bool isMeasured =
-        true; /**< false for a measured value of an instance without a board: it means nothing */
+    /** False for a measured value of an instance without a board: it means nothing. */
+    bool isMeasured = true;
 };
 
 /** Shown instead of such a value. */

@@ -16,7 +16,8 @@ namespace applet_tools {
 namespace {
 
 /** Sets the parameter if its value differs, or always with `inAnyCase`; true if the set was accepted. */
-bool bring(Instance& instance, const Parameter& parameter, const json& wanted, bool inAnyCase = false) {
+bool setUnlessEqual(Instance& instance, const Parameter& parameter, const json& wanted,
+                    bool inAnyCase = false) {
     const Target target = wholeOf(parameter);
     return (inAnyCase || !holds(instance, parameter, wanted)) &&
            writeValue(instance, target, requestFor(parameter, fromMessage(target, wanted))) == FG_OK;
@@ -108,7 +109,7 @@ namespace {
 
 /** Arrays are long and read often: they share one buffer and are compared in it. */
 bool hasBytes(Instance& instance, const Target& target, const json::binary_t& bytes) {
-    static Elements elements; // of the process; it has one thread
+    thread_local Elements elements;
     elements.resize(target.elements->count());
     FieldParameterAccess run{.vtype = FG_PARAM_UINT32,
                              .index = target.elements->first,
@@ -138,15 +139,13 @@ Wanted wantedFrom(const ParameterList& parameters, const json& values) {
     return wanted;
 }
 
-void bringAbout(Instance& instance, const Wanted& wanted) {
-    // One value can block another, so repeat as long as a round has set one more.
-    constexpr int mostRounds = 8;
-    bool moved = true;
-    for (int round = 0; moved && round < mostRounds; ++round) {
-        moved = false;
+void setAll(Instance& instance, const Wanted& wanted) {
+    repeatSets([&] {
+        bool isSet = false;
         for (const auto& [parameter, value] : wanted)
-            moved |= bring(instance, *parameter, *value);
-    }
+            isSet |= setUnlessEqual(instance, *parameter, *value);
+        return isSet;
+    });
 }
 
 void storeByLoad(Instance& instance, const Wanted& wanted) {
@@ -165,7 +164,7 @@ void storeByLoad(Instance& instance, const Wanted& wanted) {
     const MemoryFile file;
     file.write(state->text());
     loadConfiguration(instance, file.configurationPath());
-    bringAbout(instance, wanted); // a load computes the tables again
+    setAll(instance, wanted); // a load computes the tables again
 }
 
 json valuesOf(Instance& instance, const ParameterList& parameters) {
@@ -198,8 +197,8 @@ json loadsOf(Instance& instance) {
 
 void loadAgain(Instance& instance, const Wanted& wanted, const json& loads) {
     if (loads.at("texts").empty()) return;
-    bringAbout(instance,
-               wanted); // a set afterwards, of what the load leaves alone, would store the value anew
+    setAll(instance,
+           wanted); // a set afterwards, of what the load leaves alone, would store the value anew
     for (const json& text : loads.at("texts")) {
         const MemoryFile file;
         file.write(bytesOf(text));
@@ -209,7 +208,7 @@ void loadAgain(Instance& instance, const Wanted& wanted, const json& loads) {
     for (const auto& [parameter, value] : wanted) {
         const bool isMode = parameter->kind() == REGISTER_KIND_ENUM;
         if (!isMode && value->is_number() && setSince.contains(parameter->id))
-            bring(instance, *parameter, *value, true);
+            setUnlessEqual(instance, *parameter, *value, true);
     }
 }
 

@@ -39,8 +39,15 @@ using Wanted = std::vector<std::pair<const Parameter*, const json*>>;
 /** The values in {NAME: VALUE} that can be set without side effect. The result refers to `values`. */
 Wanted wantedFrom(const ParameterList& parameters, const json& values);
 
+/** Repeats a round of sets as long as the last one has set a value, since one value can block another. `round` returns
+ *  true if it has set one. */
+template <typename Round> void repeatSets(const Round& round, int mostRounds = 8) {
+    while (mostRounds-- > 0 && round()) {
+    }
+}
+
 /** Sets the values repeatedly until all are equal or no more are accepted. */
-void bringAbout(Instance& instance, const Wanted& wanted);
+void setAll(Instance& instance, const Wanted& wanted);
 
 /** Stores numbers that their setters refuse, such as an exposure above a period that was lowered afterwards, by
  *  a load of a configuration file, which does not check them. */

@@ -132,7 +132,7 @@ void History::rewrite(const Wanted& wanted, bool withModes) {
         if (value->is_number() && !isComputedNow(*parameter) && (withModes || !isMode))
             writeValue(instance, {parameter}, requestFor(*parameter, fromMessage({parameter}, *value)));
     }
-    bringAbout(instance, wanted);
+    setAll(instance, wanted);
 }
 
 std::optional<Undone> History::undo() {
@@ -142,7 +142,7 @@ std::optional<Undone> History::undo() {
     const Moment before = now();
     const Wanted values = wantedValues(wanted);
     Instance& instance = m_live.instance();
-    bringAbout(instance, values);
+    setAll(instance, values);
     if (!allHold(instance, values)) storeByLoad(instance, values);
     const Moment reached = now();
     const bool hasAccess = reached.access == wanted.access;

@@ -90,7 +90,7 @@ void ScratchSession::setValues() {
     const Wanted wanted = wantedFrom(*m_parameters, m_start.at("values"));
     if (const auto loads = m_start.find("loads"); loads != m_start.end())
         loadAgain(*m_instance, wanted, *loads);
-    bringAbout(*m_instance, wanted);
+    setAll(*m_instance, wanted);
     storeByLoad(*m_instance, wanted);
     m_assumed.clear();
     m_assumedMeasurements.clear();

@@ -35,8 +35,8 @@ void addCauses(nlohmann::ordered_json& row, const Parameter& parameter, const Re
 
 /** A suggestion after a refusal. */
 struct Suggestion {
-    std::string
-        words; /**< "; the maximum is set by FG_XOFFSET (...); the nearest accepted value is 64", or empty */
+    /** "; the maximum is set by FG_XOFFSET (...); the nearest accepted value is 64", or empty. */
+    std::string words;
     nlohmann::ordered_json members; /**< the members of addCauses; null if nothing was tried */
 };
 

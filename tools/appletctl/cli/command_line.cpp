@@ -48,8 +48,7 @@ void addGlobalOptions(CLI::App& program, Options& options) {
                 options.board = kind == "system" ? BoardKind::system : BoardKind::virtualBoard;
             },
             "virtual: a fresh virtual board; system: the one of the system, to which the start of the applet "
-            "writes "
-            "all defaults")
+            "writes all defaults")
         ->check(CLI::IsMember({"virtual", "system"}));
     program.add_option("--bridge", options.bridge, "Library that opens a board of the system")
         ->type_name("FILE")

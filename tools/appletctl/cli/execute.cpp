@@ -157,7 +157,7 @@ public:
         m_isCopy = !isOnlyCommand;
         if (m_isCopy) context.enterCopy();
         try {
-            bringAbout(with);
+            applyWith(with);
         } catch (...) {
             if (m_isCopy) m_context.leaveCopy();
             throw;
@@ -184,7 +184,7 @@ private:
                (reasons.empty() ? "" : "; it lacks " + join(reasons, ", "));
     }
 
-    void bringAbout(const WithOption& with) {
+    void applyWith(const WithOption& with) {
         Instance& instance = m_context.instance();
         if (!with.file.empty()) {
             const int code = loadConfiguration(instance, with.file);
@@ -235,10 +235,6 @@ Report executeOn(Context& context, const Request& request, bool isOnlyCommand) {
     report.notes.push_back("'" + nameOf(request) + "' took " + watch.text());
     return report;
 }
-
-} // namespace
-
-namespace {
 
 /** `board` says how the board was chosen. */
 Request onSameBoard(Request request, const Options& options, const char* board, bool mayBeSession) {

@@ -69,8 +69,8 @@ struct Command {
     Sets sets = Sets::nothing;
     bool showsValues = false; /**< takes --with and --from */
     bool takesLong = false;   /**< other commands may read the board meanwhile (see Context::pause) */
-    bool takesWithToScratch =
-        false; /**< answers --with on the scratch board too, so it is allowed on a board of the system */
+    /** Answers --with on the scratch board too, so it is allowed on a board of the system. */
+    bool takesWithToScratch = false;
     std::string (*moreHelp)() = nullptr; /**< shown after its words in the help */
     bool acquires = false;               /**< may start an acquisition, or replace the board */
     bool managesStations = false;        /**< starts, lists or ends stations, so none can execute it */

@@ -3,6 +3,7 @@
 #include "applet_tools/applet/assignments.h"
 #include "applet_tools/applet/hardware_values.h"
 #include "applet_tools/base/text.h"
+#include "applet_tools/scratch/BoardState.h"
 #include "applet_tools/scratch/refusal.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/assignment_report.h"
@@ -60,19 +61,17 @@ std::vector<Default> openDefaults(Context& context, const std::vector<Target>& w
     return open;
 }
 
-/** One value can block another, so repeat as long as a round has set one more. */
-void bringAll(Instance& instance, std::vector<Default>& open) {
-    constexpr int mostRounds = 8;
-    bool moved = true;
-    for (int round = 0; moved && round < mostRounds; ++round) {
-        moved = false;
+void setAll(Instance& instance, std::vector<Default>& open) {
+    applet_tools::repeatSets([&] {
+        bool isSet = false;
         for (Default& wanted : open) {
             if (isHeld(instance, wanted)) continue;
             wanted.code =
                 writeValue(instance, wanted.target, requestFor(*wanted.target.parameter, wanted.value));
-            moved |= wanted.code == FG_OK;
+            isSet |= wanted.code == FG_OK;
         }
-    }
+        return isSet;
+    });
 }
 
 void tell(Instance& instance, const Default& wanted, Report& report) {
@@ -128,7 +127,7 @@ Report resetParameters(Context& context, const Words& words) {
     report.document["reset"] = nlohmann::ordered_json::array();
     const json defaults = context.scratchAtDefaults().ask("defaults", nullptr);
     std::vector<Default> open = openDefaults(context, wanted, defaults);
-    bringAll(context.instance(), open);
+    setAll(context.instance(), open);
     for (const Default& parameter : open)
         tell(context.instance(), parameter, report);
     for (const Target& target : wanted) {
