@@ -42,8 +42,8 @@ Wanted wantedFrom(const ParameterList& parameters, const json& values);
 /** Repeats a round of sets as long as the last one has set a value, since one value can block another. `round` returns
  *  true if it has set one. */
 template <typename Round> void repeatSets(const Round& round, int mostRounds = 8) {
-    while (mostRounds-- > 0 && round()) {
-    }
+    for (bool isSet = true; isSet && mostRounds > 0; --mostRounds)
+        isSet = round();
 }
 
 /** Sets the values repeatedly until all are equal or no more are accepted. */
