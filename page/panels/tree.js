@@ -95,10 +95,10 @@ function filter() {
     const inside = groups
       .filter((other) => other === group || other.path.startsWith(`${group.path} / `))
       .flatMap((other) => other.rows);
-    const found = inside.filter((row) => !row.node.hidden).length;
-    const changed = inside.filter((row) => row.entry.isChanged).length;
-    group.node.hidden = found === 0;
-    setText(group.count, changed ? `${found}, ${changed} changed` : String(found));
+    const found = inside.filter((row) => !row.node.hidden);
+    const changed = found.filter((row) => row.entry.isChanged).length;
+    group.node.hidden = found.length === 0;
+    setText(group.count, changed ? `${found.length}, ${changed} changed` : String(found.length));
     if (isNow) group.node.open = true;
     else if (isFiltering) group.node.open = group.parent !== null || openGroups.has(group.path);
   }

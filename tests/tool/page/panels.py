@@ -85,6 +85,7 @@ class Panels(Journey):
             expect(rows).to_have_count(len(found))
             self.assertEqual([row.get_attribute("data-name") for row in rows.all()], found)
         page.fill("#search", "fg_xoffset")
+        expect(page.locator("#tree summary:visible .count").last).to_have_text("1")  # FG_WIDTH is changed, but hidden
         limits = page.locator("[data-name=FG_XOFFSET] .limits")
         expect(limits).to_have_text("0 to 14336 in steps of 4")
         self.addCleanup(self.belt.run, "set", "FG_WIDTH=2048")
