@@ -197,7 +197,8 @@ export class Row {
     if (entries) return entries.find(({ value }) => String(value) === this.editor.value).value;
     if (type === 'text') return this.editor.value;
     const text = this.editor.value.trim();
-    const number = Number(text.replace(',', '.'));
+    // A comma may be a decimal one; "1,024" may also be a thousand, so the station gets the text, and refuses it.
+    const number = /^[-+]?[1-9]\d{0,2},\d{3}$/.test(text) ? NaN : Number(text.replace(',', '.'));
     return text === '' ||
       !/^[-+.,\d]/.test(text) ||
       /^0x/i.test(text) ||

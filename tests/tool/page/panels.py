@@ -23,6 +23,12 @@ class Panels(Journey):
         expect(error).to_have_count(0)
         expect(page.locator("#p-FG_LINEEXPOSURE")).to_have_value("300")
         self.assertEqual([self.still.value(name) for name in ("FG_LINEEXPOSURE", "FG_LINEPERIODE")], [300, 300])
+        # A comma is decimal, unless it may as well separate thousands.
+        for text, value in (("10,4", "10.4"), ("1,024", "10.4")):
+            page.fill("#p-FG_LINEEXPOSURE", text)
+            page.press("#p-FG_LINEEXPOSURE", "Enter")
+            expect(page.locator("#p-FG_LINEEXPOSURE")).to_have_value(value)
+        expect(error).to_contain_text("'1,024' is not a floating point number")
 
     def test_a_draft_stays_until_it_is_sent(self):
         page = self.open(self.belt)
