@@ -36,12 +36,14 @@ class Panels(Journey):
         page.evaluate("""() => {
           const send = window.fetch;
           window.sent = [];
+          window.hold = () => { window.held = new Promise((resolve) => { window.release = resolve; }); };
           window.fetch = async (url, options) => {
             if (options.method !== 'PUT') return send(url, options);
             window.sent.push(JSON.parse(options.body).value);
-            await new Promise((resolve) => setTimeout(resolve, 400));
+            await window.held;
             return send(url, options);
           };
+          window.hold();
         }""")
         field, limits, keys = page.locator("#p-FG_HEIGHT"), page.locator("#p-FG_HEIGHT-limits"), page.keyboard
         field.focus()
@@ -51,6 +53,7 @@ class Panels(Journey):
             keys.press("Enter")
         keys.press("Control+A")
         keys.type("1", delay=15)
+        page.evaluate("window.release()")
         self.assertTrue(until(page, lambda: self.belt.value("FG_HEIGHT") == 640))
         page.click("#search")
         expect(limits).to_have_text("not sent: Enter sends it")
@@ -59,9 +62,11 @@ class Panels(Journey):
         field.press("Escape")
         expect(field).to_have_value("640")
         expect(limits).to_contain_text("1 to ")
+        page.evaluate("window.hold()")
         for _ in range(10):
             keys.press("ArrowUp")
             keys.press("Enter")
+        page.evaluate("window.release()")
         self.assertTrue(until(page, lambda: self.belt.value("FG_HEIGHT") == 650))
         expect(field).to_have_value("650")
         self.assertEqual(page.evaluate("window.sent"), [300, 640, 641, 650])
