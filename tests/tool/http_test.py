@@ -336,6 +336,27 @@ class Http(unittest.TestCase):
         self.assertEqual(run("--station", "main", "get", "FG_HEIGHT")[0], 0)
         self.assertLess(time.monotonic() - start, 8)  # not the work of more than an hour
 
+    def test_takes_the_clock_of_the_station_file(self):
+        for clock, words, kind in [(50, [], "wall"), (0, [], "stepped"), (0, ["--clock", "wall"], "wall"),
+                                   (0, ["--factor", "2"], "wall"), (50, ["--clock", "stepped"], "stepped")]:
+            with self.subTest(f"{clock} {words}"):
+                pathlib.Path("station.json").write_text(json.dumps({"station": 1, "clock": clock}))
+                client = self.serve("--station-file", "station.json", *words)
+                self.assertEqual(client.get("/api/station").json["clock"]["kind"], kind)
+
+                def moved():
+                    """Simulated seconds in a second of the machine."""
+                    begin, tick = time.monotonic(), client.get("/api/station").json["activity"]["tick"]
+                    time.sleep(0.2)
+                    ticks = client.get("/api/station").json["activity"]["tick"] - tick
+                    return ticks * 8e-9 / (time.monotonic() - begin)
+
+                if kind == "stepped":
+                    self.assertEqual(moved(), 0)
+                elif not words:
+                    wait_for(lambda: moved() > 5)
+                run("station", "stop")
+
     def test_renders_once_for_all_viewers(self):
         client = self.serve("--demo")
         address = run("station", "address")[1].strip()

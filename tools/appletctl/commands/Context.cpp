@@ -27,4 +27,10 @@ void requireBoard(const Options& options, const char* command) {
                          "' needs a board, and --offline has none: leave --offline out");
 }
 
+void requireVirtualBoard(const Options& options, const std::string& option) {
+    if (!options.offline && options.board == BoardKind::virtualBoard) return;
+    throw UsageError(option + " needs the virtual board: leave " +
+                     (options.offline ? "--offline" : "--board system") + " out");
+}
+
 } // namespace appletctl

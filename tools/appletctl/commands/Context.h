@@ -55,6 +55,8 @@ private:
 
 /** Throws UsageError, naming the command, when the options ask for an instance without a board. */
 void requireBoard(const Options& options, const char* command);
+/** Throws UsageError, naming the option, unless the options ask for a virtual board. */
+void requireVirtualBoard(const Options& options, const std::string& option);
 
 } // namespace appletctl
 

@@ -32,10 +32,10 @@ namespace appletctl {
 namespace {
 
 struct ServeOptions {
-    bool isDetached = false;    /**< --detach */
-    std::string clock = "wall"; /**< --clock */
-    double factor = 1;          /**< --factor */
-    bool isDemo = false;        /**< --demo */
+    bool isDetached = false;          /**< --detach */
+    std::optional<std::string> clock; /**< --clock */
+    std::optional<double> factor;     /**< --factor */
+    bool isDemo = false;              /**< --demo */
 };
 
 void addServeOptions(CLI::App& command, Options& options) {
@@ -44,7 +44,7 @@ void addServeOptions(CLI::App& command, Options& options) {
     command
         .add_option("--clock", own.clock,
                     "wall: the time of a virtual board follows the machine's clock; stepped: it moves only "
-                    "while a command waits for it")
+                    "while a command waits for it. As the station file says if not given, else wall")
         ->check(CLI::IsMember({"wall", "stepped"}));
     constexpr double slowest = 0.001, fastest = 1000;
     command
@@ -60,9 +60,10 @@ void addServeOptions(CLI::App& command, Options& options) {
     addHttpOptions(command, options);
 }
 
-/** The station file that is asked for, or the embedded one of --demo. */
+/** The station file that is asked for, or the embedded one of --demo. Throws UsageError. */
 std::optional<StationFile> askedStation(const Options& options) {
     if (!options.of<ServeOptions>().isDemo) return stationOf(options);
+    requireSetUpAllowed(options, "--demo");
     StationFile demo = parseStation(std::string(serve::findPageFile("demo.json")->content), ".");
     demo.name = "demo.json";
     return demo;
@@ -84,10 +85,31 @@ Options withWholePaths(Options options) {
     return options;
 }
 
-std::string clockText(const Options& options) {
+bool isVirtual(const Options& options) { return !options.offline && options.board != BoardKind::system; }
+
+/** Throws UsageError for options of the clock that have no effect. */
+void requireClock(const Options& options) {
     const auto& own = options.of<ServeOptions>();
-    if (options.offline || options.board == BoardKind::system) return "-";
-    return own.clock == "wall" && own.factor != 1 ? "wall, " + numberText(own.factor) + " times" : own.clock;
+    if (own.clock) requireVirtualBoard(options, "--clock");
+    if (own.factor) requireVirtualBoard(options, "--factor");
+    if (own.clock == "stepped" && own.factor)
+        throw UsageError(
+            "--factor " + numberText(*own.factor) +
+            ": it is the speed of a clock, and with --clock stepped time follows none; leave one of "
+            "them out");
+}
+
+/** How many times as fast as the machine's clock time passes; 0: it is stepped. The options come before the file. */
+double clockOf(const ServeOptions& own, const std::optional<StationFile>& station) {
+    if (own.factor) return *own.factor;
+    if (own.clock) return *own.clock == "wall" ? 1 : 0;
+    return station ? station->clock.value_or(1) : 1;
+}
+
+std::string clockText(const Options& options, double clock) {
+    if (!isVirtual(options)) return "-";
+    if (clock == 0) return "stepped";
+    return clock == 1 ? "wall" : "wall, " + numberText(clock) + " times";
 }
 
 std::string boardText(const Options& options) {
@@ -98,12 +120,16 @@ std::string boardText(const Options& options) {
 /** Executes the commands of clients one at a time. */
 class Station {
 public:
-    Station(Context& context, const serve::StationPlace& place, const std::optional<StationFile>& station)
+    /** `clock`: how many times as fast as the machine's clock time passes; 0: it is stepped. */
+    Station(Context& context, const serve::StationPlace& place, const std::optional<StationFile>& station,
+            double clock)
         : m_context(context)
         , m_shown(context.options())
+        , m_clock(clock)
         , m_session(context)
-        , m_socket(place, {{"board", boardText(m_shown)}, {"clock", clockText(m_shown)}}) {
+        , m_socket(place, {{"board", boardText(m_shown)}, {"clock", clockText(m_shown, clock)}}) {
         static_cast<BoardOptions&>(m_options) = m_shown;
+        setClock();
         context.setPause([this] { lookMeanwhile(); });
         if (!m_shown.of<HttpOptions>().isOff) openHttp(place.name, station);
         m_socket.setReady(m_http ? m_http->address(false) : "", address());
@@ -126,7 +152,7 @@ public:
             if (m_http) m_http->beginCommand(m_socket.runningCommand(), acquires);
             const bool isInterruptedByClient =
                 m_socket.end(carryOut(*command, [&] { return runFor(*command); }));
-            followClock();
+            setClock();
             if (m_http) m_http->endCommand(acquires);
             if (m_interruption.isAsked() && !isInterruptedByClient) return;
             m_interruption.rearm();
@@ -136,13 +162,11 @@ public:
 private:
     void openHttp(const std::string& name, const std::optional<StationFile>& station) {
         const auto& own = m_shown.of<HttpOptions>();
-        const auto& clock = m_shown.of<ServeOptions>();
         const serve::StationAccess access{
             .name = name,
             .version = APPLETCTL_VERSION,
             .board = boardText(m_shown),
-            .isWallClock = clock.clock == "wall",
-            .factor = clock.factor,
+            .clock = m_clock,
             .maySet = own.maySet,
             .station = station,
             .wake = [this] { m_socket.wake(); },
@@ -163,8 +187,8 @@ private:
         using Clock = Interruption::Clock;
         constexpr std::chrono::milliseconds period(
             100); // at most so much time is made up by the next command
-        Instance* const clocked = clockedInstance();
-        if (clocked == nullptr) return m_interruption.waitReadable(m_socket.readable());
+        Instance* const clocked = virtualInstance();
+        if (clocked == nullptr || m_clock == 0) return m_interruption.waitReadable(m_socket.readable());
         clocked->board().now(clocked->device()); // lets time pass
         if (m_http) m_http->watchSource();
         return m_interruption.waitReadable(m_socket.readable(), Clock::now() + period);
@@ -193,17 +217,16 @@ private:
         return std::ranges::any_of(allCommands(), acquires);
     }
 
-    /** A command may have replaced the board. */
-    void followClock() {
-        if (Instance* const clocked = clockedInstance())
-            clocked->board().clock(clocked->device(), m_shown.of<ServeOptions>().factor);
+    /** Also after each command, which may have replaced the board or set up a station file. */
+    void setClock() {
+        if (Instance* const clocked = virtualInstance()) clocked->board().clock(clocked->device(), m_clock);
     }
 
-    /** The instance, if its time follows the clock; else null. */
-    Instance* clockedInstance() {
-        if (!m_context.isUp() || m_shown.of<ServeOptions>().clock != "wall") return nullptr;
+    /** The instance, if its board is virtual; else null. */
+    Instance* virtualInstance() {
+        if (!m_context.isUp() || !isVirtual(m_shown)) return nullptr;
         Instance& instance = m_context.instance();
-        return instance.host()->isVirtual() && instance.device() != nullptr ? &instance : nullptr;
+        return instance.device() != nullptr ? &instance : nullptr;
     }
 
     /** Runs during a pause of the current command: executes commands that only read and are quick. */
@@ -250,7 +273,8 @@ private:
 
     Context& m_context;
     const Options m_shown; // for the station's own output
-    Options m_options;     // defaults for a client's command line
+    const double m_clock;
+    Options m_options; // defaults for a client's command line
     LineSession m_session;
     Interruption m_interruption;
     bool m_isPaused = false;
@@ -283,11 +307,8 @@ std::string pageText(const std::string& address, const Options& options) {
 Report serveStation(Context& context, const Words& words) {
     const serve::StationPlace place = serve::placeOf(stationNameOf(words));
     const ServeOptions own = context.options().of<ServeOptions>(); // which change below
-    if (own.clock == "stepped" && own.factor != 1)
-        throw UsageError(
-            "--factor " + numberText(own.factor) +
-            ": it is the speed of a clock, and with --clock stepped time follows none; leave one of "
-            "them out");
+    requireClock(context.options());
+    std::optional<StationFile> file = askedStation(context.options());
     Report report;
     report.document["station"] = place.name;
     if (own.isDetached) {
@@ -300,13 +321,13 @@ Report serveStation(Context& context, const Words& words) {
         return report;
     }
     context.setOptions(withWholePaths(context.options()));
-    const std::optional<StationFile> file = askedStation(context.options());
-    if (file) setUpStation(context.instance(), context.parameters(), *file);
+    if (file)
+        setUpStation(context.instance(), context.parameters(), *file);
+    else if (isVirtual(context.options()))
+        file = stationOfEnvironment(); // which the board has been set up with
     CommandRun work(context, assignmentsOf(words));
     if (work.isRefused()) return std::move(work.report);
-    const bool hasClock = work.instance.host()->isVirtual() && work.instance.device() != nullptr;
-    if (hasClock && own.clock == "wall") work.instance.board().clock(work.instance.device(), own.factor);
-    Station station(context, place, file);
+    Station station(context, place, file, clockOf(own, file));
     report.document["process"] = getpid();
     report.document["address"] = nullptr;
     if (!station.address().empty()) report.document["address"] = station.address();

@@ -2,6 +2,7 @@
 
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/text.h"
+#include "appletctl/commands/Context.h"
 
 #include <CLI/CLI.hpp>
 
@@ -36,9 +37,16 @@ void addStation(CLI::App& command, Options& options) {
         ->type_name("FILE");
 }
 
+void requireSetUpAllowed(const Options& options, const std::string& option) {
+    requireVirtualBoard(options, option);
+    if (options.look) throw UsageError(option + " sets parameters, and --look only looks: leave --look out");
+}
+
 std::optional<StationFile> stationOf(const Options& options) {
     const auto& file = options.of<StationOptions>().file;
-    return file ? std::optional(readStationFile(*file)) : std::nullopt;
+    if (!file) return std::nullopt;
+    requireSetUpAllowed(options, "--station-file");
+    return readStationFile(*file);
 }
 
 std::vector<WaveRequest> wavesOf(const Options& options) {

@@ -18,7 +18,10 @@ namespace appletctl {
 void addWaves(CLI::App& command, Options& options);
 void addStation(CLI::App& command, Options& options);
 
-/** The station of --station, if it is given. Throws UsageError. */
+/** Throws UsageError, naming the option, unless there is a virtual board that a station file may set up. */
+void requireSetUpAllowed(const Options& options, const std::string& option);
+
+/** The station of --station-file, if it is given. Throws UsageError. */
 std::optional<StationFile> stationOf(const Options& options);
 
 /** Throws UsageError for an invalid wave. */

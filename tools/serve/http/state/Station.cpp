@@ -23,8 +23,8 @@ Station::Station(const StationAccess& stationAccess)
     , parameters(*stationAccess.live)
     , setup(stationAccess.station.value_or(applet_tools::StationFile()))
     , ownImage(setup.scene ? setup.scene->image : "") {
-    if (access.board != "virtual" || !access.isWallClock) return;
-    pictures = std::make_unique<LivePictures>(commands, access.live->instance(), access.factor);
+    if (access.board != "virtual" || access.clock == 0) return;
+    pictures = std::make_unique<LivePictures>(commands, access.live->instance(), access.clock);
     pictures->setOnPicture([this](const SharedPicture& picture) {
         hub.publish("picture", {{"number", picture.number()}, {"tick", picture.record().arrival}});
     });

@@ -15,10 +15,10 @@ namespace serve {
 
 struct StationAccess {
     std::string name;
-    std::string version;     /**< of the program */
-    std::string board;       /**< "virtual", "system", "none" */
-    bool isWallClock = true; /**< of a virtual board; else its time is stepped */
-    double factor = 1;
+    std::string version; /**< of the program */
+    std::string board;   /**< "virtual", "system", "none" */
+    double clock =
+        1; /**< of a virtual board: how many times as fast as the machine's; 0: its time is stepped */
     bool maySet = false;                                /**< --allow-set */
     std::optional<applet_tools::StationFile> station{}; /**< camera, belt and scene at its start */
     std::function<void()> wake;                         /**< makes the command thread execute what waits */

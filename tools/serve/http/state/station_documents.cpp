@@ -77,7 +77,7 @@ Json stationAsJson(Station& station) {
     document["board"] = access.board;
     document["clock"] = Json();
     if (access.board == "virtual")
-        document["clock"] = {{"kind", access.isWallClock ? "wall" : "stepped"}, {"factor", access.factor}};
+        document["clock"] = {{"kind", access.clock == 0 ? "stepped" : "wall"}, {"factor", access.clock}};
     document["maySet"] = access.maySet;
     document["tickNs"] = 1e9 / static_cast<double>(ticksPerSecond);
     document["hasPictures"] = station.pictures != nullptr;
