@@ -1,5 +1,6 @@
 #include "appletctl/cli/usage_errors.h"
 
+#include "applet_tools/base/numbers.h"
 #include "applet_tools/base/text.h"
 #include "appletctl/base/output.h"
 #include "appletctl/cli/command_tree.h"
@@ -105,6 +106,16 @@ std::string unknownCommand(const CommandGroup* group, const std::string& word) {
     return "there is no command " + inQuotedWord(above + word) + commandSuggestion(group, word);
 }
 
+/** "0.001000 to 1000.000000" without the zeros. */
+std::string rangeText(const std::string& range) {
+    const std::string word = " to ";
+    const std::size_t place = range.find(word);
+    if (place == std::string::npos) return range;
+    const auto least = floatingNumber(range.substr(0, place)),
+               most = floatingNumber(range.substr(place + word.size()));
+    return least && most ? numberText(*least) + word + numberText(*most) : range;
+}
+
 /** The error in an option's value, in this program's words; empty if it is unknown. The text is
  *  "--interval: Value 0 not in range 1 to 86400000" or the like. */
 std::string optionError(const CLI::App& app, const CLI::ParseError& error, const Words& words) {
@@ -125,7 +136,7 @@ std::string optionError(const CLI::App& app, const CLI::ParseError& error, const
     const std::string outside = " not in range ";
     if (const std::size_t place = behind.find(outside); place != std::string::npos)
         return option + ": " + inQuotedWord(between(behind, "Value ", outside)) + " is not a number from " +
-               behind.substr(place + outside.size());
+               rangeText(behind.substr(place + outside.size()));
     if (behind.find("required") != std::string::npos && behind.find("missing") != std::string::npos)
         return option + ": its value is missing";
     if (behind.find("At Most 1") != std::string::npos) return option + " takes one value, and there are more";
