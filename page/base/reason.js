@@ -14,8 +14,8 @@ export function showTrouble(error) {
     return showReason('Not connected', 'The station does not answer. The page goes on when it is back.');
   if (isPaused) return undefined;
   if (get('frozen')) return setText(byId('view-note'), error.message);
-  const isSignal = error.status === 503 && get('station')?.hasPictures;
-  return showReason(error.code === 'busy' ? 'Busy' : isSignal ? 'No signal' : 'No picture', error.message, null, error);
+  const title = error.code === 'busy' ? 'Busy' : error.status === 503 ? 'No signal' : 'No picture';
+  return showReason(title, error.message, null, error);
 }
 
 let shownReason = '';
@@ -37,7 +37,7 @@ export function showReason(title, reason, button = null, { advice = '', waysOut 
   node.replaceChildren(
     el('h3', { text: title }),
     ...[reason, advice].filter(Boolean).map((text) => el('p', { text: sentence(text) })),
-    ...[button, maySet() ? wayButtons(reason, waysOut) : null].filter(Boolean),
+    ...[button, maySet() && waysOut.length ? wayButtons(waysOut) : null].filter(Boolean),
   );
 }
 
@@ -46,8 +46,14 @@ export function hideReason() {
   byId('no-signal').hidden = true;
 }
 
-function wayButtons(reason, waysOut) {
-  const box = errorBox(new ApiError(503, { message: '', waysOut: waysOut.length ? waysOut : namedSettings(reason) }), {
+/** Shows in a panel of measurements why it is empty; without a text, the panel itself. */
+export function explainPanel(panel, text) {
+  if (text) panel.dataset.reason = sentence(text);
+  else delete panel.dataset.reason;
+}
+
+function wayButtons(waysOut) {
+  const box = errorBox(new ApiError(503, { message: '', waysOut }), {
     onClose: () => {}, // a picture hides the box
     onDone: (answer) => takeChanges(answer?.changes),
     onError: (next) => noticeError('signal', next),
@@ -55,12 +61,4 @@ function wayButtons(reason, waysOut) {
   const buttons = box.querySelector('.ways');
   buttons.lastChild.remove(); // there is nothing to dismiss
   return buttons;
-}
-
-/** Settings that a reason asks for, as in "set FG_NAME=VALUE". */
-function namedSettings(reason) {
-  return [...reason.matchAll(/\bset (FG_\w+)=(\w+)/g)].map(([, name, value]) => ({
-    settings: [{ name, value }],
-    text: `Set ${name}=${value}`,
-  }));
 }

@@ -91,7 +91,7 @@ function ways(error, setting) {
       .map(({ name, value }) => `${name}=${value}`)
       .join(' ');
     return {
-      text: setting && others ? `Set with ${others}` : way.text || describe(settings),
+      text: `Set ${setting && others ? `with ${others}` : way.text || describe(settings)}`,
       title: describe(settings),
       settings: isThere ? settings : [...settings, setting],
     };

@@ -317,6 +317,12 @@ class Http(unittest.TestCase):
             with self.subTest(reason):
                 wait_for_reason(reason)
             put(path, good)
+        put("/api/parameters/FG_EXSYNCON", {"value": "FG_OFF"})
+        wait_for_reason("set FG_EXSYNCON=FG_ON")
+        signal = wait_for(lambda: (it := client.get("/api/acquisition").json["signal"])["state"] == "none" and it)
+        for ways in (signal["waysOut"], client.get("/api/frame?after=99999999").json["error"]["waysOut"]):
+            self.assertEqual([way["text"] for way in ways], ["FG_EXSYNCON=FG_ON"])
+        self.assertEqual(client.ask("POST", "/api/settings", {"settings": signal["waysOut"][0]["settings"]}).status, 200)
         wait_for_reason("began with another height than FG_HEIGHT = 512")
         for is_running in (False, True):
             client.ask("POST", "/api/acquisition", {"isRunning": is_running})

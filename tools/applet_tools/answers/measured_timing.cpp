@@ -130,9 +130,10 @@ private:
         m_timing.lines = sourceLines(m_instance) - start.lines;
         m_timing.to = now();
         if (m_timing.pictures == 0)
-            m_timing.remarks.push_back(whyNoPicture(
-                m_instance, m_parameters,
-                {.start = start, .longer = "the measurement ends after 2 s", .wave = "a --wave"}));
+            m_timing.remarks.push_back(
+                whyNoPicture(m_instance, m_parameters,
+                             {.start = start, .longer = "the measurement ends after 2 s", .wave = "a --wave"})
+                    .reason);
         addRows();
         while (m_window && !m_isWindowSeen && !m_timing.isInterrupted)
             next(grabber, m_window->to, goesOn);

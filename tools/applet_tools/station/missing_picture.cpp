@@ -20,22 +20,31 @@ public:
         , m_lines(sourceLines(instance) - wait.start.lines)
         , m_imageLines(m_lines + wait.start.lines - wait.linesAtPicture.value_or(wait.start.lines)) {}
 
-    std::string text() const {
+    MissingPicture find() {
+        std::string reason = text();
+        return {std::move(reason), std::move(m_remedies)};
+    }
+
+private:
+    std::string text() {
         if (is("FG_DEBUGINENABLE", FG_ON))
-            return "the input of a debug point is on, and no line of the source passes it: set "
-                   "FG_DEBUGINENABLE=FG_OFF, or insert an image while the acquisition runs";
+            return "the input of a debug point is on, and no line of the source passes it: " +
+                   remedy("FG_DEBUGINENABLE=FG_OFF") + ", or insert an image while the acquisition runs";
         if (isAlwaysActive())
             return came(m_lines) + ": with " + shown("FG_LINEEXPOSURE") + " and " + shown("FG_LINEPERIODE") +
                    " ExSync is active without a break and has no edge; shorten FG_LINEEXPOSURE";
         return m_lines <= 0 ? whyNoLine() : came(m_imageLines) + ", " + whyNoImage();
     }
 
-private:
-    const Parameter& find(const char* name) const { return m_parameters.find(name); }
-    Value value(const char* name) const { return valueOf(m_instance, {&find(name)}); }
+    /** "set FG_EXSYNCON=FG_ON". */
+    std::string remedy(const std::string& assignment) {
+        m_remedies.push_back(assignment);
+        return "set " + assignment;
+    }
+    Value value(const char* name) const { return valueOf(m_instance, {&m_parameters.find(name)}); }
     bool is(const char* name, std::int32_t entry) const { return value(name) == Value(entry); }
     std::string shown(const char* name) const {
-        const Parameter& parameter = find(name);
+        const Parameter& parameter = m_parameters.find(name);
         return parameter.name + " = " + valueWithUnit(parameter, valueOf(m_instance, {&parameter}));
     }
     static std::string came(std::int64_t lines) {
@@ -108,7 +117,7 @@ private:
                    : "";
     }
 
-    std::string whyNoLine() const {
+    std::string whyNoLine() {
         if (!isSimulated() && camera() == VBOARD_CAMERA_LINK_LOST)
             return "no line came: the link to the camera is lost; attach it again";
         if (!isSimulated() && camera() == VBOARD_CAMERA_FREE_RUNNING)
@@ -117,8 +126,8 @@ private:
             return "no line came: the camera waits for an edge of " + shown("FG_TRIGGERCAMERA_SOURCE") +
                    (isSourceExSync() ? "; " + whyNoExSync() : "");
         if (!isSimulated())
-            return "no line came: the port of the virtual board has no camera; set "
-                   "FG_CAMERASIMULATOR_ENABLE=FG_CAMERASIMULATOR";
+            return "no line came: the port of the virtual board has no camera; " +
+                   remedy("FG_CAMERASIMULATOR_ENABLE=FG_CAMERASIMULATOR");
         if (!isSourceTriggered())
             return "no line came: the camera simulator is slower than that, or no line of its frame has "
                    "begun yet";
@@ -127,8 +136,8 @@ private:
                (isSourceExSync() ? "; " + whyNoExSync() : "");
     }
 
-    std::string whyNoExSync() const {
-        if (is("FG_EXSYNCON", FG_OFF)) return shown("FG_EXSYNCON") + ": set it to FG_ON";
+    std::string whyNoExSync() {
+        if (is("FG_EXSYNCON", FG_OFF)) return shown("FG_EXSYNCON") + ": " + remedy("FG_EXSYNCON=FG_ON");
         const std::string mode = shown("FG_LINETRIGGERMODE");
         if (isLineGated() && isImageTriggered())
             return "with " + mode + " it has edges only in an image, and " + whyNoStart();
@@ -192,6 +201,7 @@ private:
     const PictureWait& m_wait;
     const std::int64_t m_lines;      // during the wait
     const std::int64_t m_imageLines; // since the last picture, if that is known
+    Words m_remedies;
 };
 
 } // namespace
@@ -206,8 +216,8 @@ WaitStart waitStart(Instance& instance) {
             .lostImages = lossCount(instance, imageLoss())};
 }
 
-std::string whyNoPicture(Instance& instance, const ParameterList& parameters, const PictureWait& wait) {
-    return Reason(instance, parameters, wait).text();
+MissingPicture whyNoPicture(Instance& instance, const ParameterList& parameters, const PictureWait& wait) {
+    return Reason(instance, parameters, wait).find();
 }
 
 } // namespace applet_tools

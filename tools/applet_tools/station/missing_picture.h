@@ -3,6 +3,7 @@
 #define APPLET_TOOLS_STATION_MISSING_PICTURE_H
 
 #include "applet_tools/applet/values.h"
+#include "applet_tools/base/words.h"
 #include "applet_tools/station/StationFile.h"
 #include "applet_tools/station/ticks.h"
 
@@ -34,8 +35,13 @@ struct PictureWait {
     std::optional<std::int64_t> linesAtPicture{};
 };
 
-/** The most likely reason and a remedy: "no line came: ...". The acquisition must still be running. */
-std::string whyNoPicture(Instance& instance, const ParameterList& parameters, const PictureWait& wait);
+struct MissingPicture {
+    std::string reason; /**< the most likely one, and what helps: "no line came: ..." */
+    Words remedies;     /**< what the reason asks to set, if anything: "FG_EXSYNCON=FG_ON" */
+};
+
+/** The acquisition must still be running. */
+MissingPicture whyNoPicture(Instance& instance, const ParameterList& parameters, const PictureWait& wait);
 
 } // namespace applet_tools
 

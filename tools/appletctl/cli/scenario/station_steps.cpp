@@ -91,7 +91,8 @@ std::string takePictures(ScenarioRunner& runner, GrabWords& words, Grabber& grab
                    whyNoPicture(runner.instance(), runner.parameters(),
                                 {.start = start,
                                  .longer = "give a longer time behind 'within'",
-                                 .wave = "a wave by the step 'wave'"});
+                                 .wave = "a wave by the step 'wave'"})
+                       .reason;
         grabber.draw();
         const vboard_record& record = grabber.record();
         if (words.files) writePicture(*words.files, record, settings);

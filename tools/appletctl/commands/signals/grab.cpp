@@ -231,12 +231,12 @@ private:
                 return;
             }
             if (outcome == Grabber::Outcome::timeout) {
-                fail(work,
-                     "picture " + numberText(number) + " did not come within " + durationText(m_timeout) +
-                         ": " +
-                         whyNoPicture(
-                             work.instance, work.parameters,
-                             {.start = start, .longer = "give a longer --timeout", .wave = "a --wave"}));
+                fail(work, "picture " + numberText(number) + " did not come within " +
+                               durationText(m_timeout) + ": " +
+                               whyNoPicture(
+                                   work.instance, work.parameters,
+                                   {.start = start, .longer = "give a longer --timeout", .wave = "a --wave"})
+                                   .reason);
                 return;
             }
             if (number % m_own.every == 0 && !take(grabber)) return;

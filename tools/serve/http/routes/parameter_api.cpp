@@ -18,20 +18,6 @@ using namespace applet_tools;
 
 constexpr std::size_t mostSettings = 200;
 
-Json settingOf(const std::string& word) {
-    const std::size_t place = word.find('=');
-    return {{"name", word.substr(0, place)}, {"value", word.substr(place + 1)}};
-}
-
-/** "FG_A=1 FG_B=2" and then the refused assignment, for one request that sets them all. */
-Json wayOut(const std::string& way, const std::string& refused) {
-    Json settings = Json::array();
-    for (const std::string& word : splitLine(way).words)
-        settings.push_back(settingOf(word));
-    settings.push_back(settingOf(refused));
-    return {{"text", way}, {"settings", std::move(settings)}};
-}
-
 /** Why an assignment was refused, and the ways out, from the scratch board. */
 HttpError refusalOf(LiveSession& live, const Assignment& assignment, const std::string& words, int code) {
     const Parameter& parameter = *assignment.target.parameter;
@@ -53,10 +39,14 @@ HttpError refusalOf(LiveSession& live, const Assignment& assignment, const std::
             const Json& value = nearest->at("value");
             members["nearest"] = value;
             const std::string text = name + "=" + valueWord(value);
-            ways.push_back({{"text", text}, {"settings", {settingOf(text)}}});
+            ways.push_back(wayOut({text}));
         }
-        for (const Json& way : suggestion.members.at("acceptedWith"))
-            ways.push_back(wayOut(way.get<std::string>(), word));
+        for (const Json& way : suggestion.members.at("acceptedWith")) {
+            Words settings = splitLine(way.get<std::string>()).words;
+            settings.push_back(word); // for one request that sets them all
+            ways.push_back(wayOut(settings));
+            ways.back()["text"] = way;
+        }
         if (suggestion.members.contains("setBy")) {
             Json names = Json::array();
             for (const Json& row : suggestion.members.at("setBy"))

@@ -48,13 +48,21 @@ PictureRegion regionOf(const Query& query, const PictureView& picture) {
                         numberText(picture.width) + " x " + numberText(picture.lines) + " pixels");
 }
 
+/** One for each remedy. */
+Json waysOutOf(const applet_tools::MissingPicture& missing) {
+    Json ways = Json::array();
+    for (const std::string& remedy : missing.remedies)
+        ways.push_back(wayOut({remedy}));
+    return ways;
+}
+
 /** The reason why none came, if they do not come. */
 HttpAnswer withoutPicture(Station& station) {
     const LivePictures::State state = station.pictures->state();
     const bool isGap = Clock::now() - state.lastPicture >= longestGap;
     if (state.isRunning && !isGap) return {.status = status::noContent, .type = ""};
-    const std::string reason = station.commands.run(Work::reads, [&] { return station.whyNoPicture(); });
-    throw HttpError(status::unavailable, "none", reason);
+    const auto missing = station.commands.run(Work::reads, [&] { return station.whyNoPicture(); });
+    throw HttpError(status::unavailable, "none", missing.reason, {{"waysOut", waysOutOf(missing)}});
 }
 
 std::uint32_t scaled(std::uint32_t size, double scale) {
@@ -206,18 +214,19 @@ HttpAnswer sendRecords(Station& station, const HttpRequest&, const std::string&)
 
 HttpAnswer showAcquisition(Station& station, const HttpRequest&, const std::string&) {
     LivePictures& pictures = station.requirePictures();
-    const std::string reason = station.commands.run(Work::reads, [&] { return station.whyNoPicture(); });
+    const auto missing = station.commands.run(Work::reads, [&] { return station.whyNoPicture(); });
     const LivePictures::State state = pictures.state();
     const bool isSignal = state.isRunning && Clock::now() - state.lastPicture < longestGap;
     const Picture latest = pictures.kept(0);
-    return jsonAnswer(
-        {{"isRunning", state.isRunning},
-         {"isPaused", state.isPaused},
-         {"picture", latest == nullptr ? Json() : Json(latest->number())},
-         {"pictures", state.pictures},
-         {"rendered", state.rendered},
-         {"rate", state.rate},
-         {"signal", {{"state", isSignal ? "ok" : "none"}, {"reason", isSignal ? Json() : Json(reason)}}}});
+    Json signal = {{"state", "ok"}, {"reason", nullptr}, {"waysOut", Json::array()}};
+    if (!isSignal) signal = {{"state", "none"}, {"reason", missing.reason}, {"waysOut", waysOutOf(missing)}};
+    return jsonAnswer({{"isRunning", state.isRunning},
+                       {"isPaused", state.isPaused},
+                       {"picture", latest == nullptr ? Json() : Json(latest->number())},
+                       {"pictures", state.pictures},
+                       {"rendered", state.rendered},
+                       {"rate", state.rate},
+                       {"signal", std::move(signal)}});
 }
 
 HttpAnswer setAcquisition(Station& station, const HttpRequest& request, const std::string& none) {

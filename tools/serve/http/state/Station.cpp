@@ -47,12 +47,12 @@ LivePictures& Station::requirePictures() const {
                     {{"advice", "start the station with --clock wall"}});
 }
 
-std::string Station::whyNoPicture() const {
+applet_tools::MissingPicture Station::whyNoPicture() const {
     const LivePictures::State state = pictures->state();
-    if (state.isPaused) return "the acquisition is paused";
+    if (state.isPaused) return {"the acquisition is paused", {}};
     if (!state.gaveWayTo.empty())
-        return "'" + state.gaveWayTo + "' takes the pictures now; they come back after it";
-    if (!state.isRunning) return "no acquisition runs";
+        return {"'" + state.gaveWayTo + "' takes the pictures now; they come back after it", {}};
+    if (!state.isRunning) return {"no acquisition runs", {}};
     const applet_tools::WaitStart atPicture =
         m_samples.empty() || !state.hasPicture ? state.start : m_atPicture;
     applet_tools::WaitStart start = atPicture;

@@ -29,8 +29,8 @@ struct Station {
     void requireVirtual() const;
     /** Throws HttpError unless clients may set. For any thread. */
     void requireSettable() const;
-    /** For the command thread: why there is no picture now; empty if they come. */
-    std::string whyNoPicture() const;
+    /** For the command thread: why there is no picture now. */
+    applet_tools::MissingPicture whyNoPicture() const;
     /** For the command thread, often: records what the source does, for whyNoPicture(). */
     void watchSource();
 

@@ -56,6 +56,15 @@ Json asJson(const Value& value) {
     return numberAsJson(value);
 }
 
+Json wayOut(const Words& assignments) {
+    Json settings = Json::array();
+    for (const std::string& word : assignments) {
+        const std::size_t place = word.find('=');
+        settings.push_back({{"name", word.substr(0, place)}, {"value", word.substr(place + 1)}});
+    }
+    return {{"text", joinWords(assignments)}, {"settings", std::move(settings)}};
+}
+
 Target ParameterDocuments::targetOf(const std::string& word) {
     try {
         return findTarget(m_live.parameters(), word);
