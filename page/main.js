@@ -13,7 +13,7 @@ import { Live } from './image/live.js';
 import { startProbe } from './image/probe.js';
 import { View } from './image/view.js';
 import { Waterfall } from './image/waterfall.js';
-import { askAcquisition, startBar, takeActivity } from './panels/bar.js';
+import { startBar, takeActivity } from './panels/bar.js';
 import { startBelt } from './panels/belt.js';
 import { startFiles } from './panels/files.js';
 import { startKeys } from './panels/keys.js';
@@ -35,7 +35,7 @@ const view = new View(byId('view'), {
 });
 const waterfall = new Waterfall(byId('view'));
 live = new Live({
-  wanted: () => (waterfall.isOn ? waterfall.wanted() : view.wanted()),
+  wanted: () => (!get('station')?.hasPictures ? null : waterfall.isOn ? waterfall.wanted() : view.wanted()),
   onFrame: (frame) => {
     if (waterfall.isOn) waterfall.add(frame);
     else view.show(frame);
@@ -70,7 +70,6 @@ const askStation = latest(async (signal) => {
 /** The station is there, or there again: nothing that the page knows is taken as true any more. */
 function renew() {
   askStation();
-  askAcquisition();
   reload();
   live.refresh();
 }
@@ -133,6 +132,9 @@ function showScale() {
   );
 }
 on('picture', showScale);
+on('station', ({ hasPictures }) => {
+  for (const button of document.querySelectorAll('#image-tools button:not(#balance)')) button.disabled = !hasPictures;
+});
 
 const leaveWaterfall = () => waterfall.isOn && setWaterfall(false);
 const zoomBy = (action) => () => {

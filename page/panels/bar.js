@@ -9,10 +9,10 @@ import { get, maySet, on, set } from '../base/state.js';
 
 const ASKED = 1000; // milliseconds between two questions for the state of the acquisition
 
-/** Asks for the state of the acquisition. */
-export const askAcquisition = latest(async (signal) => {
+/** Asks for the state of the acquisition, if the station has one. */
+const askAcquisition = latest(async (signal) => {
   try {
-    set('acquisition', await getJson('/api/acquisition', {}, signal));
+    set('acquisition', get('station')?.hasPictures ? await getJson('/api/acquisition', {}, signal) : null);
   } catch (error) {
     if (!(error instanceof ApiError)) throw error;
     set('acquisition', null);
@@ -31,6 +31,7 @@ export function startBar(shownRate) {
     setText(byId('station-name'), station.name);
     byId('station-name').title = `${station.applet} ${station.version}, ${board}`;
     document.title = `${station.name} – station`;
+    askAcquisition();
   });
   on('online acquisition activity admitted frozen station', () => showState(shownRate));
   on('picture', (picture) => setText(byId('reading-picture'), picture ? grouped(picture.number) : '–'));
@@ -39,13 +40,14 @@ export function startBar(shownRate) {
 
 function showState(shownRate) {
   const acquisition = get('acquisition');
+  const { hasPictures, noPictures } = get('station') ?? {};
   const isLost = acquisition?.signal?.state === 'none' && !get('frozen'); // nothing is asked for while it is frozen
   const [state, text] = !get('admitted')
     ? ['none', 'not admitted']
     : !get('online')
       ? ['lost', 'not reachable, trying again']
       : !acquisition
-        ? ['wait', get('station')?.hasPictures === false ? 'no pictures' : 'connecting']
+        ? ['wait', noPictures ? 'no pictures' : 'connecting']
         : acquisition.isPaused
           ? ['idle', 'stopped']
           : isLost
@@ -65,8 +67,9 @@ function showState(shownRate) {
   const activity = get('activity');
   setText(byId('reading-lines'), activity ? grouped(activity.lines) : '–');
   setText(byId('reading-rate'), lineRate());
-  setText(byId('reading-shown'), isKnown ? `${decimal(shownRate(), 1)} pictures/s` : '–');
-  if (acquisition?.isPaused) showReason('The acquisition is stopped', '', startButton());
+  setText(byId('reading-shown'), isKnown && hasPictures ? `${decimal(shownRate(), 1)} pictures/s` : '–');
+  if (noPictures) showReason('No pictures', noPictures.reason, null, noPictures);
+  else if (acquisition?.isPaused) showReason('The acquisition is stopped', '', startButton());
   else if (isLost) showReason('No signal', acquisition.signal.reason, null, acquisition.signal);
   else if (get('online') && get('picture')) hideReason();
 }

@@ -31,16 +31,19 @@ export function startFiles() {
   const record = new Recording(count, progress);
   const button = (text, id, click, kind = '') => el('button', { type: 'button', text, id, class: kind, on: { click } });
   const load = button('Load', 'configuration-load', () => loadConfiguration(chosen, result));
-  on('station', () => {
+  const savePng = button('Save as PNG', 'save-png', () => saveImage('png'));
+  const saveRaw = button('Save raw bytes', 'save-raw', () => saveImage('raw'));
+  on('station', ({ hasPictures }) => {
     load.disabled = chosen.disabled = !maySet();
+    for (const control of [savePng, saveRaw, record.button]) control.disabled = !hasPictures;
   });
   dialog.append(
     el('h2', { id: 'files-title', text: 'Files' }),
     part(
       'Picture',
       'The picture that is shown, in full size and in the format of the memory.',
-      button('Save as PNG', 'save-png', () => saveImage('png')),
-      button('Save raw bytes', 'save-raw', () => saveImage('raw')),
+      savePng,
+      saveRaw,
     ),
     part(
       'Record',

@@ -3,6 +3,7 @@
 import { ApiError, getJson } from '../base/api.js';
 import { byId, colour, COMPONENTS, counted, decimal, el, grouped, onResize, percent, setText } from '../base/dom.js';
 import { latest } from '../base/pace.js';
+import { explainPanel } from '../base/reason.js';
 import { get, on } from '../base/state.js';
 import { Plot, ticks } from '../draw/plots.js';
 
@@ -13,8 +14,15 @@ export function startLevels() {
   const panel = byId('panel-levels');
   const parts = [new Histogram(), new Profile('line', 'y', 'x'), new Profile('column', 'x', 'y')];
   panel.append(...parts.map((part) => part.figure));
-  panel.classList.add('waiting');
-  on('picture', () => panel.classList.remove('waiting'));
+  const explain = () =>
+    explainPanel(
+      panel,
+      get('picture')
+        ? ''
+        : get('station')?.noPictures?.reason ?? 'Histogram and profiles come with the first picture',
+    );
+  on('picture station', explain);
+  explain();
   for (const part of parts) {
     const update = latest((signal) => refresh(part, panel, signal), { pause: PAUSE });
     on('picture', update);

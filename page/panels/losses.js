@@ -3,6 +3,7 @@
 import { getJson } from '../base/api.js';
 import { byId, counted, duration, el, grouped, setText, shortEvent } from '../base/dom.js';
 import { oncePerFrame } from '../base/pace.js';
+import { explainPanel } from '../base/reason.js';
 import { get, on } from '../base/state.js';
 
 const events = new Map();
@@ -65,8 +66,17 @@ export function startLosses() {
     byId('no-events').hidden = events.size > 0;
     for (const [name, { count, tick }] of events) eventRow(eventRows, name, count, tick);
   });
-  const load = () => getJson('/api/losses').then(showLosses, () => {}); // away: asked again when it is back
-  on('online', () => get('online') && load());
+  const load = () => {
+    const isVirtual = get('station')?.board === 'virtual';
+    if (isVirtual) getJson('/api/losses').then(showLosses, () => {}); // away: asked again when it is back
+  };
+  on('station', ({ board }) => {
+    explainPanel(
+      byId('panel-losses'),
+      board === 'virtual' ? '' : 'Losses and events are counted by a virtual board only',
+    );
+    load();
+  });
   byId('panel-losses').addEventListener('shown', () => {
     load();
     drawEvents();

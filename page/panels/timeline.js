@@ -3,6 +3,7 @@
 import { ApiError, getJson } from '../base/api.js';
 import { byId, colour, duration, el, onResize, press, setText, sizeCanvas } from '../base/dom.js';
 import { latest, oncePerFrame } from '../base/pace.js';
+import { explainPanel } from '../base/reason.js';
 import { get, on } from '../base/state.js';
 import { LANE, makeLanes, paintLane, partOf } from '../draw/lanes.js';
 import { ticks } from '../draw/plots.js';
@@ -24,7 +25,11 @@ const ALWAYS = ['ExSync', 'Flash', 'LVAL']; // other signals have a lane once th
 /** Builds the panel, and follows the station while it is shown and not on hold. */
 export function startTimeline() {
   const timeline = new Timeline();
-  byId('panel-timeline').append(timeline.node);
+  const panel = byId('panel-timeline');
+  panel.append(timeline.node);
+  on('station', ({ board }) =>
+    explainPanel(panel, board === 'virtual' ? '' : 'Signals and events are recorded by a virtual board only'),
+  );
 }
 
 class Timeline {

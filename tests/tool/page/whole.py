@@ -26,6 +26,23 @@ class Whole(Journey):
         page.locator("#no-signal button").click()
         expect(page.locator("#state")).to_have_text("running")
 
+    def test_a_station_without_pictures_asks_for_none(self):
+        station = Station("--offline", "--allow-set")
+        self.addCleanup(station.kill)
+        page = self.open(station, state="no pictures")
+        expect(page.locator("#no-signal")).to_contain_text("Start it without --offline")
+        for tab, reason in (("levels", "no pictures"), ("timeline", "recorded by a virtual board"),
+                            ("losses", "counted by a virtual board")):
+            page.click(f"#tab-{tab}")
+            panel = page.locator(f"#panel-{tab}")
+            self.assertIn(reason, panel.evaluate("(panel) => getComputedStyle(panel, '::before').content"))
+            expect(panel.locator("> *").first).to_be_hidden()
+        for button in ("#freeze", "#compare", "#view-waterfall", "#save-image"):
+            expect(page.locator(button)).to_be_disabled()
+        page.wait_for_timeout(2000)  # as long as a request for a picture would wait
+        asked = page.evaluate("performance.getEntriesByType('resource').map(({name}) => new URL(name).pathname)")
+        self.assertFalse({"/api/frame", "/api/acquisition", "/api/losses", "/api/timeline"} & set(asked))
+
     def test_nothing_is_set_without_permission(self):
         station = Station("--demo")
         self.addCleanup(station.kill)

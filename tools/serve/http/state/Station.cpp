@@ -36,15 +36,25 @@ void Station::requireVirtual() const {
                         "this station has no virtual board, which simulates signals and pictures");
 }
 
+std::optional<HttpError> Station::pictureRefusal() const {
+    if (pictures) return std::nullopt;
+    const auto refusal = [](const char* reason, const char* advice) {
+        return HttpError(status::unavailable, "none", reason, {{"advice", advice}});
+    };
+    if (access.board == "none")
+        return refusal("this station has no board, and so no pictures", "start it without --offline");
+    if (access.board == "system")
+        return refusal(
+            "a station shows the pictures of a virtual board only; those of the machine's board go "
+            "to the program that acquires them",
+            "look at them in that program; the parameters and lookup tables are set here as usual");
+    return refusal("the time of this station is stepped: it moves only while a command waits for it",
+                   "start the station with --clock wall");
+}
+
 LivePictures& Station::requirePictures() const {
     if (pictures) return *pictures;
-    if (access.board != "virtual")
-        throw HttpError(status::unavailable, "none",
-                        "this station has no virtual board, which makes the pictures",
-                        {{"advice", "start one without --board and --offline"}});
-    throw HttpError(status::unavailable, "none",
-                    "the time of this station is stepped: it moves only while a command waits for it",
-                    {{"advice", "start the station with --clock wall"}});
+    throw *pictureRefusal();
 }
 
 applet_tools::MissingPicture Station::whyNoPicture() const {

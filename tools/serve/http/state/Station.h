@@ -14,6 +14,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -23,7 +24,9 @@ struct Station {
     explicit Station(const StationAccess& stationAccess);
 
     applet_tools::Instance& instance() const { return access.live->instance(); }
-    /** The pictures. Throws HttpError with the reason if this station has none to show. */
+    /** Why this station never shows a picture, with what to do about it; empty if it may. For any thread. */
+    std::optional<HttpError> pictureRefusal() const;
+    /** The pictures. Throws that refusal. */
     LivePictures& requirePictures() const;
     /** Throws HttpError unless the board is virtual. For any thread. */
     void requireVirtual() const;

@@ -80,7 +80,11 @@ Json stationAsJson(Station& station) {
         document["clock"] = {{"kind", access.clock == 0 ? "stepped" : "wall"}, {"factor", access.clock}};
     document["maySet"] = access.maySet;
     document["tickNs"] = 1e9 / static_cast<double>(ticksPerSecond);
-    document["hasPictures"] = station.pictures != nullptr;
+    const std::optional<HttpError> refusal = station.pictureRefusal();
+    document["hasPictures"] = !refusal;
+    document["noPictures"] = Json();
+    if (refusal)
+        document["noPictures"] = {{"reason", refusal->what()}, {"advice", refusal->members.at("advice")}};
     document["hasBelt"] = access.board == "virtual";
     document["activity"] = access.board == "virtual" ? activityOf(station) : Json();
     return document;
