@@ -229,12 +229,12 @@ void LivePictures::render(std::unique_lock<std::mutex>& lock, std::int64_t pictu
     lock.unlock();
     const auto& board = m_instance.board();
     vboard_record record{};
-    std::vector<std::uint8_t> bytes;
+    SharedPicture::Bytes bytes;
     std::uint8_t noRoom = 0; // fills in the record without rendering
     int code = board.frame_into(m_memory.get(), picture, &noRoom, 0, &record);
     if (code == VBOARD_TOO_SMALL) {
-        bytes.resize(record.size);
-        code = board.frame_into(m_memory.get(), picture, bytes.data(), bytes.size(), &record);
+        bytes = std::make_unique_for_overwrite<std::uint8_t[]>(record.size);
+        code = board.frame_into(m_memory.get(), picture, bytes.get(), record.size, &record);
     }
     Picture made;
     if (code == VBOARD_OK) made = std::make_shared<SharedPicture>(number, record, std::move(bytes));

@@ -25,12 +25,11 @@ std::string encodedView(const PictureView& view, const PictureForm& form) {
 
 } // namespace
 
-SharedPicture::SharedPicture(std::int64_t number, const vboard_record& record,
-                             std::vector<std::uint8_t> bytes)
+SharedPicture::SharedPicture(std::int64_t number, const vboard_record& record, Bytes bytes)
     : m_number(number)
     , m_record(record)
     , m_bytes(std::move(bytes)) {
-    m_record.data = m_bytes.data();
+    m_record.data = m_bytes.get();
     m_view = applet_tools::viewOf(m_record);
     m_record.data = nullptr;
 }

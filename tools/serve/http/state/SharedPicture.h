@@ -29,14 +29,17 @@ struct PictureForm {
 /** Its bytes do not change. Each form is made once, by the first thread that asks for it. */
 class SharedPicture {
 public:
-    /** `number` counts the pictures of the station; that of the record those of one acquisition. */
-    SharedPicture(std::int64_t number, const vboard_record& record, std::vector<std::uint8_t> bytes);
+    using Bytes = std::unique_ptr<std::uint8_t[]>; /**< not initialised, since all are rendered */
+
+    /** `number` counts the pictures of the station; that of the record those of one acquisition. `bytes`: as many as
+     *  the record says. */
+    SharedPicture(std::int64_t number, const vboard_record& record, Bytes bytes);
 
     std::int64_t number() const { return m_number; }
     /** Without the bytes. */
     const vboard_record& record() const { return m_record; }
     applet_tools::PictureView view() const { return m_view; }
-    std::size_t size() const { return m_bytes.size(); }
+    std::size_t size() const { return m_record.size; }
     /** Throws Unavailable for a format that the program was built without. */
     std::shared_ptr<const std::string> encoded(const PictureForm& form) const;
     /** Frees what encoded() has kept. */
@@ -49,7 +52,7 @@ private:
 
     const std::int64_t m_number;
     vboard_record m_record;
-    const std::vector<std::uint8_t> m_bytes;
+    const Bytes m_bytes;
     applet_tools::PictureView m_view;
     mutable std::mutex m_mutex;
     mutable std::vector<std::pair<PictureForm, std::shared_future<Encoded>>> m_encoded; // guarded
