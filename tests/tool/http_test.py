@@ -229,6 +229,7 @@ class Http(unittest.TestCase):
             ("GET", "/api/parameters?names=" + "x" * 8000, {}, 404),
             ("GET", "/" + "x" * 2000, {}, 414),
             ("GET", "/" + "x" * 20000, {}, 414),
+            ("GET", "/", {"X": "x" * 20000}, 431),
             ("PUT", WIDTH, {}, 403),  # it was started without --allow-set
             ("POST", "/api/settings", {}, 403),
             ("PUT", "/api/configuration", {}, 403),

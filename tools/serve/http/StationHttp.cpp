@@ -231,12 +231,15 @@ HttpAnswer StationHttp::answer(const HttpRequest& request) {
 }
 
 HttpAnswer StationHttp::invalid(int code) {
-    HttpAnswer answer =
-        errorAnswer({code, code == status::internal ? "internal" : "invalid",
-                     code == status::tooLarge   ? "the body of the request is larger than a megabyte"
-                     : code == status::tooLong  ? "the address of the request is too long"
-                     : code == status::internal ? "the request failed"
-                                                : "the request is not valid HTTP"});
+    HttpAnswer answer = errorAnswer(
+        {code, code == status::internal ? "internal" : "invalid",
+         code == status::tooLarge ? "the body of the request is larger than a megabyte"
+         : code == status::tooLong
+             ? "the address of the request is too long: 1 kilobyte is allowed, with its query 8"
+         : code == status::headTooLarge
+             ? "the head of the request, which is its address and headers, is larger than 16 kilobytes"
+         : code == status::internal ? "the request failed"
+                                    : "the request is not valid HTTP"});
     addSafety(answer);
     return answer;
 }

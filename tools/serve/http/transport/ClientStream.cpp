@@ -62,10 +62,9 @@ bool ClientStream::isClientThere() const {
     return poll(&watched, 1, 0) == 0;
 }
 
-void ClientStream::refuse(std::string_view answer) {
+void ClientStream::finish() {
     constexpr auto longest = 500ms;
     constexpr int mostPieces = 64;
-    write(answer.data(), answer.size());
     shutdown(m_socket, SHUT_WR);
     const auto due = Clock::now() + longest;
     for (int i = 0; i < mostPieces && waitFor(POLLIN, due); ++i)

@@ -27,9 +27,9 @@ public:
     bool isClientThere() const;
     /** True if the head was longer than is read. */
     bool isHeadTooLong() const { return m_headBytes == 0; }
-    /** Sends a last answer, and reads some of what the client still sends: with unread bytes a close would take
-     *  the answer back. */
-    void refuse(std::string_view answer);
+    /** Ends the answers, and reads some of what the client still sends: with unread bytes a close would take the
+     *  last answer back. */
+    void finish();
 
     bool is_readable() const override;
     bool is_writable() const override;

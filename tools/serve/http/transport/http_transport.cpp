@@ -89,7 +89,9 @@ public:
         Post(".*", withBody);
         set_error_handler([this](const httplib::Request&, httplib::Response& response) {
             const bool isOwn = response.has_header("Content-Type"); // by fill()
-            if (!isOwn) fill(response, m_handler.invalid(response.status));
+            if (isOwn) return;
+            const bool isTooLong = thisConnection().stream->isHeadTooLong();
+            fill(response, m_handler.invalid(isTooLong ? 431 : response.status));
         });
     }
 
@@ -220,11 +222,16 @@ private:
                     "Content-Type"); // the library reads less of a form, as curl declares it
                 request.ranges.clear();
             };
-            if (!process_request(stream, false, isClosed, prepare)) {
-                if (stream.isHeadTooLong()) stream.refuse(asText(m_handler.invalid(414)));
+            const bool isAnswered = process_request(stream, false, isClosed, prepare);
+            if (stream.isHeadTooLong()) {
+                if (!isAnswered) { // not even the address was read
+                    const std::string answer = asText(m_handler.invalid(414));
+                    stream.write(answer.data(), answer.size());
+                }
+                stream.finish();
                 break;
             }
-            if (isClosed || thisConnection().closesAfterThis) break;
+            if (!isAnswered || isClosed || thisConnection().closesAfterThis) break;
         }
         return true;
     }
