@@ -127,7 +127,17 @@ bool readWideRows(TIFF* tiff, std::uint16_t samples, PixelImage& image) {
 }
 
 /** Reads all other kinds with 8 bits. */
+/** The library multiplies the colours of an image with its alpha channel, unless that is said to be done. */
+void ignoreAlpha(TIFF* tiff) {
+    std::uint16_t count = 0;
+    const std::uint16_t* kinds = nullptr;
+    if (TIFFGetField(tiff, TIFFTAG_EXTRASAMPLES, &count, &kinds) != 1) return;
+    const std::vector<std::uint16_t> done(count, EXTRASAMPLE_ASSOCALPHA);
+    TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, count, done.data());
+}
+
 bool readNarrowRows(TIFF* tiff, PixelImage& image) {
+    ignoreAlpha(tiff);
     std::vector<std::uint32_t> pixels(std::size_t{image.width} * image.height);
     const int isStopping = 1;
     if (TIFFReadRGBAImageOriented(tiff, image.width, image.height, pixels.data(), ORIENTATION_TOPLEFT,
