@@ -212,11 +212,11 @@ void Station::detach(const HostMemory& memory) {
     m_memory.reset();
 }
 
-Station::Wait Station::waitForPicture(std::int64_t picture, Tick timeout) {
+Station::Wait Station::waitForPicture(std::int64_t picture, Tick timeout, std::uint64_t events) {
     if (picture <= lastPicture()) return Wait::arrived;
     if (!isRunning() || (m_pictures > 0 && picture > m_pictures)) return Wait::notRunning;
-    run(timeout, static_cast<std::uint64_t>(picture), mostEvents);
-    return picture <= lastPicture() ? Wait::arrived : Wait::timeout;
+    run(timeout, static_cast<std::uint64_t>(picture), events);
+    return picture <= lastPicture() ? Wait::arrived : Wait::notYet;
 }
 
 bool Station::release(std::int64_t picture) {

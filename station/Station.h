@@ -61,7 +61,7 @@ public:
     /** Maximum number of ticks with events that a call processes, which takes some seconds. */
     static constexpr std::uint64_t mostEvents = std::uint64_t{1} << 26;
 
-    enum class Wait : std::uint8_t { arrived, timeout, notRunning };
+    enum class Wait : std::uint8_t { arrived, notYet, notRunning };
 
     /** The board must outlive the station. */
     explicit Station(Board& board) : m_board(board) {}
@@ -112,8 +112,8 @@ public:
     bool isRunning() const { return m_engine.isAcquiring(); }
     /** Number of the last picture of the current or last acquisition, counted from 1; 0 if there is none. */
     std::int64_t lastPicture() { return static_cast<std::int64_t>(m_engine.buffer().delivered()); }
-    /** Advances time until a picture arrives, but by at most `timeout` ticks. */
-    Wait waitForPicture(std::int64_t picture, Tick timeout);
+    /** Advances time until a picture arrives, but by at most `timeout` ticks, and by `events` ticks with events. */
+    Wait waitForPicture(std::int64_t picture, Tick timeout, std::uint64_t events = mostEvents);
     /** Frees the frame of a picture in the memory of the acquisition. False if the picture is not there. */
     bool release(std::int64_t picture);
     /** Notifies the station that a frame became free by other means than release(). */

@@ -309,7 +309,8 @@ int vboard_memory_frames(vboard_frames* memory, size_t frames);
 void vboard_memory_free(vboard_frames* memory);
 
 /** Advances time to the arrival of a picture, but by at most `ticks`, and returns the number of the last one,
- *  as Fg_getLastPicNumberBlockingEx does with a timeout in seconds. VBOARD_TIMEOUT: it has not arrived.
+ *  as Fg_getLastPicNumberBlockingEx does with a timeout in seconds. VBOARD_TIMEOUT: all these ticks have passed
+ *  without it. Other threads can use the board in between; one that stops the acquisition ends the wait.
  *  FG_ERR_NOT_AVAILABLE: no acquisition into a memory of the board is running that it could belong to. */
 int64_t vboard_wait(LOOMdevice* board, int64_t picture, uint64_t ticks);
 

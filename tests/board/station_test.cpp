@@ -280,6 +280,26 @@ TEST_F(VirtualStation, FollowsTheClockAndAllowsOtherCallsDuringAWait) {
     BOARD(vboard_memory_free)(memory);
 }
 
+TEST_F(VirtualStation, LeavesTheBoardToOthersDuringALongWait) {
+    for (const char* name : {"ImgTriggerMode", "ImgTriggerEnable"})
+        EXPECT_EQ(setInt(std::string("Trigger_Trigger_") + name, 1), 0);
+    EXPECT_EQ(setInt("Trigger_Trigger_ImgTrgInSource", 4), 0);
+    vboard_frames* memory = BOARD(vboard_memory)(device, 2, 768, VBOARD_RING);
+    EXPECT_EQ(RUNTIME(AcquireEx)(fg, 0, 0, 0, memory), 0);
+    // No image is triggered in more lines than any machine simulates in a day.
+    std::int64_t result = 0;
+    std::thread waiting([&] { result = wait(1, INT32_MAX); });
+    while (BOARD(vboard_now)(device) == 0)
+        std::this_thread::yield();
+    EXPECT_EQ(RUNTIME(stopAcquireEx)(fg, 0, memory, 0), 0);
+    waiting.join();
+    EXPECT_EQ(result, FG_ERR_NOT_AVAILABLE);
+    EXPECT_EQ(setInt("CameraSimulator_Enable_SelectSource", 0), 0);
+    EXPECT_EQ(RUNTIME(AcquireEx)(fg, 0, 0, 0, memory), 0);
+    EXPECT_EQ(BOARD(vboard_wait)(device, 1, UINT64_MAX), VBOARD_TIMEOUT); // time itself ends before that
+    BOARD(vboard_memory_free)(memory);
+}
+
 TEST_F(VirtualStation, RendersOnManyThreadsWhileTheBoardIsInUse) {
     // 16 million pixels each, so that there is time for an access during the drawing.
     for (const char* name : {"Buffer_0_SensorWidth", "Buffer_0_XLength"})

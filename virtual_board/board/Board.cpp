@@ -201,7 +201,8 @@ std::int64_t Board::waitForPicture(std::int64_t picture, int seconds) {
 }
 
 std::int64_t Board::waitInStation(std::int64_t picture, std::uint64_t ticks) {
-    const station::Tick deadline = station::later(station().station().now(), ticks);
+    const station::Tick deadline =
+        std::min(station::later(station().station().now(), ticks), station::lastTick);
     const std::uint64_t acquisition = m_acquisitions;
     while (acquisition == m_acquisitions) {
         const auto result = station().waitForPicture(picture, deadline);
