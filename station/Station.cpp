@@ -243,6 +243,7 @@ Losses Station::losses() {
             .triggers = m_engine.trigger().ignored(),
             .pulses = m_engine.exSync().lostPulses(),
             .cameraTriggers = m_engine.simulator().lostTriggers() + m_engine.camera().lostTriggers(),
+            .droppedTriggers = m_engine.camera().droppedTriggers(),
             .waits = m_engine.buffer().waits(),
             .events = m_engine.events().dropped()};
 }

@@ -27,12 +27,13 @@ namespace station {
 
 /** Counts of everything that was lost or ignored since the station was created. */
 struct Losses {
-    std::uint64_t images = 0;         // images that did not fit in the buffer
-    std::uint64_t triggers = 0;       // image triggers during an image
-    std::uint64_t pulses = 0;         // pulses of the line trigger while ExSync was active
-    std::uint64_t cameraTriggers = 0; // camera triggers during the exposure or transfer of a line or frame
-    std::uint64_t waits = 0;          // waits of the DMA for a free frame in the host memory
-    std::uint64_t events = 0;         // events dropped because the queue was full
+    std::uint64_t images = 0;          // images that did not fit in the buffer
+    std::uint64_t triggers = 0;        // image triggers during an image
+    std::uint64_t pulses = 0;          // pulses of the line trigger while ExSync was active
+    std::uint64_t cameraTriggers = 0;  // camera triggers during the exposure or transfer of a line or frame
+    std::uint64_t droppedTriggers = 0; // camera triggers that the camera ignored by its own fault
+    std::uint64_t waits = 0;           // waits of the DMA for a free frame in the host memory
+    std::uint64_t events = 0;          // events dropped because the queue was full
 };
 
 /** The settings of a camera at the port. */

@@ -132,16 +132,17 @@ int vboard_raise_event(LOOMdevice* board, const char* name);
 enum {
     VBOARD_STATUS_EVENTS = 1000,
     /* States of the station; the mask is ignored. */
-    VBOARD_STATUS_TICK = 1001,                 /**< its current time */
-    VBOARD_STATUS_LINES = 1002,                /**< lines of the source so far */
-    VBOARD_STATUS_FILL_LEVEL = 1003,           /**< of the buffer in percent; the overflow flag is kept */
-    VBOARD_STATUS_LOST_IMAGES = 1004,          /**< no room in the buffer */
-    VBOARD_STATUS_IGNORED_TRIGGERS = 1005,     /**< of images, while one was in progress */
-    VBOARD_STATUS_LOST_PULSES = 1006,          /**< of the line trigger, while ExSync was active */
-    VBOARD_STATUS_LOST_CAMERA_TRIGGERS = 1007, /**< while a line or frame was in transfer */
-    VBOARD_STATUS_DROPPED_EVENTS = 1008,       /**< removed from the full queue of vboard_next_event */
-    VBOARD_STATUS_WAITS = 1009,                /**< of the DMA, because no frame of the memory was free */
-    VBOARD_STATUS_CAMERA = 1010                /**< at the port: one of VBOARD_CAMERA_NONE and so on */
+    VBOARD_STATUS_TICK = 1001,                   /**< its current time */
+    VBOARD_STATUS_LINES = 1002,                  /**< lines of the source so far */
+    VBOARD_STATUS_FILL_LEVEL = 1003,             /**< of the buffer in percent; the overflow flag is kept */
+    VBOARD_STATUS_LOST_IMAGES = 1004,            /**< no room in the buffer */
+    VBOARD_STATUS_IGNORED_TRIGGERS = 1005,       /**< of images, while one was in progress */
+    VBOARD_STATUS_LOST_PULSES = 1006,            /**< of the line trigger, while ExSync was active */
+    VBOARD_STATUS_LOST_CAMERA_TRIGGERS = 1007,   /**< while a line or frame was in transfer */
+    VBOARD_STATUS_DROPPED_EVENTS = 1008,         /**< removed from the full queue of vboard_next_event */
+    VBOARD_STATUS_WAITS = 1009,                  /**< of the DMA, because no frame of the memory was free */
+    VBOARD_STATUS_CAMERA = 1010,                 /**< at the port: one of VBOARD_CAMERA_NONE and so on */
+    VBOARD_STATUS_DROPPED_CAMERA_TRIGGERS = 1011 /**< by the fault drop_every of the camera */
 };
 /** States of the camera port. */
 enum {
@@ -223,7 +224,7 @@ typedef struct vboard_camera {
 typedef struct vboard_camera_faults {
     /** Colours in the order of the link, each once: 0 red, 1 green, 2 blue. */
     uint8_t order[3];
-    /** Of so many triggers the last one makes no line, and is not counted as lost; 0: all make one. */
+    /** Of so many triggers the last one makes no line, and is counted as dropped; 0: all make one. */
     uint32_t drop_every;
     /** Of so many lines the last one is short; 0: none. */
     uint32_t short_every;

@@ -234,6 +234,8 @@ std::int64_t Board::stationStatus(int what) {
         return static_cast<std::int64_t>(losses.pulses);
     case VBOARD_STATUS_LOST_CAMERA_TRIGGERS:
         return static_cast<std::int64_t>(losses.cameraTriggers);
+    case VBOARD_STATUS_DROPPED_CAMERA_TRIGGERS:
+        return static_cast<std::int64_t>(losses.droppedTriggers);
     case VBOARD_STATUS_WAITS:
         return static_cast<std::int64_t>(losses.waits);
     case VBOARD_STATUS_DROPPED_EVENTS:
