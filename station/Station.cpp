@@ -3,7 +3,6 @@
 #include "station/Settings.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <utility>
 
 namespace station {
@@ -135,54 +134,6 @@ bool Station::inject(const std::shared_ptr<const Raster>& raster) {
         done += lines;
     }
     return length > 0;
-}
-
-void Station::setView() {
-    m_view = std::make_shared<View>(View{m_scene, m_camera.order, std::max(m_camera.fullExposure, 1U)});
-    m_revision.reset();
-}
-
-void Station::attachCamera(const CameraSetup& camera) {
-    m_camera = camera;
-    setView();
-    m_engine.attach(camera.timing);
-}
-
-void Station::detachCamera() { m_engine.detachCamera(); }
-
-bool Station::setBelt(const BeltSetup& belt) {
-    const bool hasEncoder = belt.encoderA != inputCount || belt.encoderB != inputCount;
-    const bool areInputs = !hasEncoder || (belt.encoderA < inputCount && belt.encoderB < inputCount &&
-                                           belt.encoderA != belt.encoderB);
-    if (!areInputs || belt.barrier > inputCount) return false;
-    const auto isTooFast = [&](std::int32_t speed) {
-        constexpr std::uint64_t thousandSteps = std::uint64_t{Wave::fastestEncoder} / 1000;
-        return std::uint64_t(std::abs(std::int64_t{speed})) >
-               thousandSteps * belt.step; // speed in micrometres, step in nanometres
-    };
-    for (const SpeedPiece& piece : belt.pieces)
-        if (hasEncoder && (isTooFast(piece.from) || isTooFast(piece.to))) return false;
-    m_beltSetup = belt;
-    m_belt = std::make_shared<Belt>(from(), belt.pieces);
-    m_engine.setBelt(m_belt);
-    if (hasEncoder) connect(belt.encoderA, Wave::beltEncoder(from(), belt.pieces, belt.step), belt.encoderB);
-    connectBarrier();
-    return true;
-}
-
-void Station::connectBarrier() {
-    if (m_belt == nullptr || m_beltSetup.barrier >= inputCount) return;
-    const std::vector<Edge> edges = m_belt->barrier(m_scene.objects, m_beltSetup.ahead);
-    const bool isInItAtFirst = !edges.empty() && edges.front().tick == m_belt->start();
-    connect(m_beltSetup.barrier, Wave::edges(isInItAtFirst, edges));
-}
-
-void Station::setScene(Scene scene) {
-    m_scene = std::move(scene);
-    m_scene.objects = mergedObjects(std::move(m_scene.objects));
-    m_scene.pixel = std::max(m_scene.pixel, 1U);
-    setView();
-    connectBarrier();
 }
 
 void Station::setDmaRate(std::uint64_t bytesPerSecond) {

@@ -206,6 +206,10 @@ typedef struct vboard_speed {
 int vboard_wave_encoder(LOOMdevice* board, unsigned inputA, unsigned inputB, const vboard_speed* pieces,
                         size_t count);
 
+/** 1 if a wave is connected to the input, by one of these functions or as encoder or barrier of a belt; else 0.
+ *  VBOARD_UNKNOWN: a null board. */
+int vboard_has_wave(LOOMdevice* board, unsigned input);
+
 /** A line-scan camera. It takes a line for each rising edge of the camera trigger, or by itself. LVAL rises when the
  *  exposure ends and lasts a tick for each 32 pixels; an edge before that is over is lost and counted. Its components have
  *  as many bits as Device1_Process0_Buffer_0_PixelFormat says. Values are proportional to the exposure. */
@@ -289,6 +293,11 @@ typedef struct vboard_scene_setup {
 /** Puts a scene on the belt. Pictures show it from the first line of the next image on, the light barrier at once.
  *  VBOARD_UNKNOWN: a null board or scene, or a value beyond the limits above; nothing has changed then. */
 int vboard_scene(LOOMdevice* board, const vboard_scene_setup* scene);
+
+/** Connects to `board` what is connected to `like`: camera, belt, scene, waves of the inputs, and the rate of the DMA.
+ *  Camera, belt and waves begin anew at the next tick, so a board whose time begins then acts as the other one did. Inputs
+ *  without a wave there are left as they are. VBOARD_UNKNOWN: a null board. */
+int vboard_surround(LOOMdevice* board, LOOMdevice* like);
 
 /** Sets how many bytes the DMA transfers per second; 0: as many as the link. */
 void vboard_dma_rate(LOOMdevice* board, uint64_t bytesPerSecond);
