@@ -3,7 +3,6 @@
 #include "station/Settings.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <utility>
 
 namespace station {
@@ -137,54 +136,6 @@ bool Station::inject(const std::shared_ptr<const Raster>& raster) {
     return length > 0;
 }
 
-void Station::setView() {
-    m_view = std::make_shared<View>(View{m_scene, m_camera.order, std::max(m_camera.fullExposure, 1U)});
-    m_revision.reset();
-}
-
-void Station::attachCamera(const CameraSetup& camera) {
-    m_camera = camera;
-    setView();
-    m_engine.attach(camera.timing);
-}
-
-void Station::detachCamera() { m_engine.detachCamera(); }
-
-bool Station::setBelt(const BeltSetup& belt) {
-    const bool hasEncoder = belt.encoderA != inputCount || belt.encoderB != inputCount;
-    const bool areInputs = !hasEncoder || (belt.encoderA < inputCount && belt.encoderB < inputCount &&
-                                           belt.encoderA != belt.encoderB);
-    if (!areInputs || belt.barrier > inputCount) return false;
-    const auto isTooFast = [&](std::int32_t speed) {
-        constexpr std::uint64_t thousandSteps = std::uint64_t{Wave::fastestEncoder} / 1000;
-        return std::uint64_t(std::abs(std::int64_t{speed})) >
-               thousandSteps * belt.step; // speed in micrometres, step in nanometres
-    };
-    for (const SpeedPiece& piece : belt.pieces)
-        if (hasEncoder && (isTooFast(piece.from) || isTooFast(piece.to))) return false;
-    m_beltSetup = belt;
-    m_belt = std::make_shared<Belt>(from(), belt.pieces);
-    m_engine.setBelt(m_belt);
-    if (hasEncoder) connect(belt.encoderA, Wave::beltEncoder(from(), belt.pieces, belt.step), belt.encoderB);
-    connectBarrier();
-    return true;
-}
-
-void Station::connectBarrier() {
-    if (m_belt == nullptr || m_beltSetup.barrier >= inputCount) return;
-    const std::vector<Edge> edges = m_belt->barrier(m_scene.objects, m_beltSetup.ahead);
-    const bool isInItAtFirst = !edges.empty() && edges.front().tick == m_belt->start();
-    connect(m_beltSetup.barrier, Wave::edges(isInItAtFirst, edges));
-}
-
-void Station::setScene(Scene scene) {
-    m_scene = std::move(scene);
-    m_scene.objects = mergedObjects(std::move(m_scene.objects));
-    m_scene.pixel = std::max(m_scene.pixel, 1U);
-    setView();
-    connectBarrier();
-}
-
 void Station::setDmaRate(std::uint64_t bytesPerSecond) {
     m_dmaRate = bytesPerSecond;
     m_revision.reset();
@@ -212,11 +163,11 @@ void Station::detach(const HostMemory& memory) {
     m_memory.reset();
 }
 
-Station::Wait Station::waitForPicture(std::int64_t picture, Tick timeout) {
+Station::Wait Station::waitForPicture(std::int64_t picture, Tick timeout, std::uint64_t events) {
     if (picture <= lastPicture()) return Wait::arrived;
     if (!isRunning() || (m_pictures > 0 && picture > m_pictures)) return Wait::notRunning;
-    run(timeout, static_cast<std::uint64_t>(picture), mostEvents);
-    return picture <= lastPicture() ? Wait::arrived : Wait::timeout;
+    run(timeout, static_cast<std::uint64_t>(picture), events);
+    return picture <= lastPicture() ? Wait::arrived : Wait::notYet;
 }
 
 bool Station::release(std::int64_t picture) {
@@ -243,6 +194,7 @@ Losses Station::losses() {
             .triggers = m_engine.trigger().ignored(),
             .pulses = m_engine.exSync().lostPulses(),
             .cameraTriggers = m_engine.simulator().lostTriggers() + m_engine.camera().lostTriggers(),
+            .droppedTriggers = m_engine.camera().droppedTriggers(),
             .waits = m_engine.buffer().waits(),
             .events = m_engine.events().dropped()};
 }
@@ -264,87 +216,6 @@ std::uint32_t Station::cameraStatus() const {
     for (std::size_t bit = 0; bit < std::size(bits); ++bit)
         status |= std::uint32_t{bits[bit]} << bit;
     return status;
-}
-
-void Station::publishAnalyzers() {
-    constexpr std::uint64_t pulseMask = 0xffff'ffff;
-    constexpr std::uint64_t differenceMask = 0x1'ffff'ffff;
-    constexpr Parameter first[] = {Parameter::analyzer0Current, Parameter::analyzer1Current};
-    for (std::size_t number = 0; number < 2; ++number) {
-        const Analyzer& analyzer = m_engine.analyzer(number);
-        const auto place = static_cast<std::size_t>(first[number]);
-        const Tick periods[] = {analyzer.current(), analyzer.maximum(), analyzer.minimum()};
-        for (std::size_t i = 0; i < 3; ++i)
-            m_board.publish(static_cast<Parameter>(place + i),
-                            static_cast<double>(periods[i]) / ticksPerMicrosecond);
-        m_board.publish(static_cast<Parameter>(place + 3), static_cast<double>(analyzer.edges() & pulseMask));
-    }
-    const std::uint64_t difference = m_engine.analyzer(0).edges() - m_engine.analyzer(1).edges();
-    m_board.publish(Parameter::analyzerDifference, static_cast<double>(difference & differenceMask));
-}
-
-void Station::publishReady() {
-    constexpr Parameter states[] = {Parameter::cameraDebugReady, Parameter::bufferDebugReady,
-                                    Parameter::outputDebugReady};
-    for (std::size_t i = 0; i < std::size(states); ++i)
-        m_board.publish(states[i],
-                        isInputOn(static_cast<Raster::Point>(i)) && m_engine.buffer().canInsert() ? 1 : 0);
-}
-
-/** Publishes position and value of the last pixel of the source. */
-void Station::publishLastLine() {
-    const SourceLine& line = m_engine.lastLine();
-    std::uint32_t x = std::min(line.cycles, ImageSize::widest / 32) * 32 - 1;
-    std::uint32_t y = line.y;
-    std::uint32_t value = patternValue(m_picture->pattern, x, line.y, line.frame);
-    if (line.isOfCamera) {
-        const Exposure& exposure = m_engine.lastExposure();
-        std::vector<std::uint16_t> components;
-        drawExposure(*m_view, exposure, components);
-        x = exposure.width - 1;
-        y = static_cast<std::uint32_t>(exposure.number - 1);
-        value = std::uint32_t{components.end()[-3]} >> (16 - m_picture->colours.linkBits);
-    }
-    m_board.publish(Parameter::cameraDebugX, x);
-    m_board.publish(Parameter::cameraDebugY, y);
-    m_board.publish(Parameter::cameraDebugValue, value);
-}
-
-/** Publishes position and value of the last pixel at the debug points that have their output enabled. */
-void Station::publishMonitors() {
-    const std::uint64_t lines = m_engine.linesEnded();
-    const bool isCameraOn = (debugMode(Raster::Point::camera) & 3U) == 2; // output on, input off
-    if (isCameraOn && lines != m_monitoredLines) {
-        publishLastLine();
-    }
-    m_monitoredLines = lines;
-    if ((debugMode(Raster::Point::output) & 2U) == 0 || m_memory == nullptr) return;
-    const std::shared_ptr<const Record> last = m_memory->record(lastPicture());
-    if (last == nullptr || last == m_monitored) return;
-    m_monitored = last;
-    m_board.publish(Parameter::outputDebugX, std::max(last->settings->xLength, 1U) - 1);
-    m_board.publish(Parameter::outputDebugY, std::max(last->lines, 1U) - 1);
-    m_board.publish(Parameter::outputDebugValue, lastPixelOf(*last));
-}
-
-void Station::publish() {
-    publishAnalyzers();
-    publishMonitors();
-    publishReady();
-    m_board.publish(Parameter::inputStatus, m_engine.inputs().status());
-    m_board.publish(Parameter::imageIsBusy, m_engine.trigger().isBusy() ? 1 : 0);
-    m_board.publish(Parameter::encoderCount, m_engine.encoder().count());
-    const double level = fillLevel();
-    for (const Parameter parameter : {Parameter::fillLevel0, Parameter::fillLevel1, Parameter::fillLevel2})
-        m_board.publish(parameter, level);
-    for (std::size_t i = 0; i < eventCount; ++i) {
-        const auto event = static_cast<Event>(i);
-        const std::uint64_t times = m_engine.events().count(event);
-        if (times == 0) continue;
-        m_board.raise(event, times);
-        m_engine.events().clearCount(event);
-        if (event == Event::overflow) m_board.publish(Parameter::overflowOccurred, 1);
-    }
 }
 
 } // namespace station

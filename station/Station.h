@@ -27,12 +27,13 @@ namespace station {
 
 /** Counts of everything that was lost or ignored since the station was created. */
 struct Losses {
-    std::uint64_t images = 0;         // images that did not fit in the buffer
-    std::uint64_t triggers = 0;       // image triggers during an image
-    std::uint64_t pulses = 0;         // pulses of the line trigger while ExSync was active
-    std::uint64_t cameraTriggers = 0; // camera triggers during the exposure or transfer of a line or frame
-    std::uint64_t waits = 0;          // waits of the DMA for a free frame in the host memory
-    std::uint64_t events = 0;         // events dropped because the queue was full
+    std::uint64_t images = 0;          // images that did not fit in the buffer
+    std::uint64_t triggers = 0;        // image triggers during an image
+    std::uint64_t pulses = 0;          // pulses of the line trigger while ExSync was active
+    std::uint64_t cameraTriggers = 0;  // camera triggers during the exposure or transfer of a line or frame
+    std::uint64_t droppedTriggers = 0; // camera triggers that the camera ignored by its own fault
+    std::uint64_t waits = 0;           // waits of the DMA for a free frame in the host memory
+    std::uint64_t events = 0;          // events dropped because the queue was full
 };
 
 /** The settings of a camera at the port. */
@@ -56,12 +57,26 @@ struct BeltSetup {
     std::int64_t ahead = 0; // distance from the barrier to the camera, in nanometres
 };
 
+/** What is connected to a board: camera, belt, scene, and the waves of its inputs. */
+struct Surroundings {
+    struct Connection {
+        std::size_t input, second;
+        Wave wave;
+        Tick from; // when it was connected
+    };
+    std::optional<CameraSetup> camera;
+    std::optional<BeltSetup> belt;
+    Scene scene;
+    std::vector<Connection> waves{}; // in the order of their connection, without those of the belt
+    std::uint64_t dmaRate = 0;
+};
+
 class Station {
 public:
     /** Maximum number of ticks with events that a call processes, which takes some seconds. */
     static constexpr std::uint64_t mostEvents = std::uint64_t{1} << 26;
 
-    enum class Wait : std::uint8_t { arrived, timeout, notRunning };
+    enum class Wait : std::uint8_t { arrived, notYet, notRunning };
 
     /** The board must outlive the station. */
     explicit Station(Board& board) : m_board(board) {}
@@ -79,9 +94,9 @@ public:
 
     /** Connects a wave to an input (0 to 7 GPI, 8 to 11 front GPI) from the next tick on, and track B of an encoder to
      *  `second`. False if there is no such input. */
-    bool connect(std::size_t input, const Wave& wave, std::size_t second = inputCount) {
-        return m_engine.connect(input, wave, second);
-    }
+    bool connect(std::size_t input, const Wave& wave, std::size_t second = inputCount);
+    /** Whether an input has a wave, also one of the belt. */
+    bool hasWave(std::size_t input) const { return m_engine.inputs().hasWave(input); }
     /** Attaches a camera to the port from the next tick on. It replaces a camera that is already attached. */
     void attachCamera(const CameraSetup& camera);
     /** Detaches the camera. */
@@ -92,6 +107,11 @@ public:
     /** Sets the scene. It takes effect for the camera from the first line of the next image on, and for the light
      *  barrier from the next tick on. */
     void setScene(Scene scene);
+    /** What is connected now. */
+    Surroundings surroundings() const;
+    /** Connects surroundings of another station. Camera, belt and waves begin anew at the next tick; inputs that have no
+     *  wave there keep theirs. */
+    void surround(const Surroundings& surroundings);
     /** Inserts an image at a debug point. The input of the point must be on (bit 0 of its OperationMode); lines of the
      *  source do not pass it then. At the camera, YOffset, YLength and ImageHeight cut the image as in free run, without
      *  a trigger. False if the input is off, no acquisition runs, or the buffer has no entry left. */
@@ -112,8 +132,8 @@ public:
     bool isRunning() const { return m_engine.isAcquiring(); }
     /** Number of the last picture of the current or last acquisition, counted from 1; 0 if there is none. */
     std::int64_t lastPicture() { return static_cast<std::int64_t>(m_engine.buffer().delivered()); }
-    /** Advances time until a picture arrives, but by at most `timeout` ticks. */
-    Wait waitForPicture(std::int64_t picture, Tick timeout);
+    /** Advances time until a picture arrives, but by at most `timeout` ticks, and by `events` ticks with events. */
+    Wait waitForPicture(std::int64_t picture, Tick timeout, std::uint64_t events = mostEvents);
     /** Frees the frame of a picture in the memory of the acquisition. False if the picture is not there. */
     bool release(std::int64_t picture);
     /** Notifies the station that a frame became free by other means than release(). */
@@ -139,6 +159,7 @@ public:
 private:
     void readBoard();
     void setView();
+    void connectBelt(std::size_t input, const Wave& wave, std::size_t second = inputCount);
     void connectBarrier();
     void publish();
     void publishAnalyzers();
@@ -164,6 +185,7 @@ private:
     std::shared_ptr<const Belt> m_belt; // null: a belt at rest
     Scene m_scene;
     std::shared_ptr<const View> m_view; // null without a camera
+    std::vector<Surroundings::Connection> m_waves;
     std::uint64_t m_dmaRate = 0;
     std::int64_t m_pictures = 0; // after which the acquisition ends; 0: never
     bool m_isHot = false;

@@ -132,16 +132,17 @@ int vboard_raise_event(LOOMdevice* board, const char* name);
 enum {
     VBOARD_STATUS_EVENTS = 1000,
     /* States of the station; the mask is ignored. */
-    VBOARD_STATUS_TICK = 1001,                 /**< its current time */
-    VBOARD_STATUS_LINES = 1002,                /**< lines of the source so far */
-    VBOARD_STATUS_FILL_LEVEL = 1003,           /**< of the buffer in percent; the overflow flag is kept */
-    VBOARD_STATUS_LOST_IMAGES = 1004,          /**< no room in the buffer */
-    VBOARD_STATUS_IGNORED_TRIGGERS = 1005,     /**< of images, while one was in progress */
-    VBOARD_STATUS_LOST_PULSES = 1006,          /**< of the line trigger, while ExSync was active */
-    VBOARD_STATUS_LOST_CAMERA_TRIGGERS = 1007, /**< while a line or frame was in transfer */
-    VBOARD_STATUS_DROPPED_EVENTS = 1008,       /**< removed from the full queue of vboard_next_event */
-    VBOARD_STATUS_WAITS = 1009,                /**< of the DMA, because no frame of the memory was free */
-    VBOARD_STATUS_CAMERA = 1010                /**< at the port: one of VBOARD_CAMERA_NONE and so on */
+    VBOARD_STATUS_TICK = 1001,                   /**< its current time */
+    VBOARD_STATUS_LINES = 1002,                  /**< lines of the source so far */
+    VBOARD_STATUS_FILL_LEVEL = 1003,             /**< of the buffer in percent; the overflow flag is kept */
+    VBOARD_STATUS_LOST_IMAGES = 1004,            /**< no room in the buffer */
+    VBOARD_STATUS_IGNORED_TRIGGERS = 1005,       /**< of images, while one was in progress */
+    VBOARD_STATUS_LOST_PULSES = 1006,            /**< of the line trigger, while ExSync was active */
+    VBOARD_STATUS_LOST_CAMERA_TRIGGERS = 1007,   /**< while a line or frame was in transfer */
+    VBOARD_STATUS_DROPPED_EVENTS = 1008,         /**< removed from the full queue of vboard_next_event */
+    VBOARD_STATUS_WAITS = 1009,                  /**< of the DMA, because no frame of the memory was free */
+    VBOARD_STATUS_CAMERA = 1010,                 /**< at the port: one of VBOARD_CAMERA_NONE and so on */
+    VBOARD_STATUS_DROPPED_CAMERA_TRIGGERS = 1011 /**< by the fault drop_every of the camera */
 };
 /** States of the camera port. */
 enum {
@@ -205,6 +206,10 @@ typedef struct vboard_speed {
 int vboard_wave_encoder(LOOMdevice* board, unsigned inputA, unsigned inputB, const vboard_speed* pieces,
                         size_t count);
 
+/** 1 if a wave is connected to the input, by one of these functions or as encoder or barrier of a belt; else 0.
+ *  VBOARD_UNKNOWN: a null board. */
+int vboard_has_wave(LOOMdevice* board, unsigned input);
+
 /** A line-scan camera. It takes a line for each rising edge of the camera trigger, or by itself. LVAL rises when the
  *  exposure ends and lasts a tick for each 32 pixels; an edge before that is over is lost and counted. Its components have
  *  as many bits as Device1_Process0_Buffer_0_PixelFormat says. Values are proportional to the exposure. */
@@ -223,7 +228,7 @@ typedef struct vboard_camera {
 typedef struct vboard_camera_faults {
     /** Colours in the order of the link, each once: 0 red, 1 green, 2 blue. */
     uint8_t order[3];
-    /** Of so many triggers the last one makes no line, and is not counted as lost; 0: all make one. */
+    /** Of so many triggers the last one makes no line, and is counted as dropped; 0: all make one. */
     uint32_t drop_every;
     /** Of so many lines the last one is short; 0: none. */
     uint32_t short_every;
@@ -289,6 +294,11 @@ typedef struct vboard_scene_setup {
  *  VBOARD_UNKNOWN: a null board or scene, or a value beyond the limits above; nothing has changed then. */
 int vboard_scene(LOOMdevice* board, const vboard_scene_setup* scene);
 
+/** Connects to `board` what is connected to `like`: camera, belt, scene, waves of the inputs, and the rate of the DMA.
+ *  Camera, belt and waves begin anew at the next tick, so a board whose time begins then acts as the other one did. Inputs
+ *  without a wave there are left as they are. VBOARD_UNKNOWN: a null board. */
+int vboard_surround(LOOMdevice* board, LOOMdevice* like);
+
 /** Sets how many bytes the DMA transfers per second; 0: as many as the link. */
 void vboard_dma_rate(LOOMdevice* board, uint64_t bytesPerSecond);
 
@@ -309,7 +319,8 @@ int vboard_memory_frames(vboard_frames* memory, size_t frames);
 void vboard_memory_free(vboard_frames* memory);
 
 /** Advances time to the arrival of a picture, but by at most `ticks`, and returns the number of the last one,
- *  as Fg_getLastPicNumberBlockingEx does with a timeout in seconds. VBOARD_TIMEOUT: it has not arrived.
+ *  as Fg_getLastPicNumberBlockingEx does with a timeout in seconds. VBOARD_TIMEOUT: all these ticks have passed
+ *  without it. Other threads can use the board in between; one that stops the acquisition ends the wait.
  *  FG_ERR_NOT_AVAILABLE: no acquisition into a memory of the board is running that it could belong to. */
 int64_t vboard_wait(LOOMdevice* board, int64_t picture, uint64_t ticks);
 

@@ -39,7 +39,10 @@ void Camera::trigger(Tick tick) {
         return;
     }
     ++m_triggers;
-    if (m_settings->dropEvery > 0 && m_triggers % m_settings->dropEvery == 0) return;
+    if (m_settings->dropEvery > 0 && m_triggers % m_settings->dropEvery == 0) {
+        ++m_droppedTriggers;
+        return;
+    }
     m_begin = tick;
     if (m_isPulseWidth)
         m_isExposing = true;

@@ -55,6 +55,8 @@ public:
     /** Ticks that the transfer of a line takes: the link carries 32 pixels per tick. */
     static std::uint32_t cyclesOf(std::uint32_t width) { return (width + 31) / 32; }
     std::uint64_t lostTriggers() const { return m_lostTriggers; }
+    /** Triggers that it ignored because of Settings::dropEvery. */
+    std::uint64_t droppedTriggers() const { return m_droppedTriggers; }
 
 private:
     bool isFreeRunning() const { return m_settings->lineRate > 0; }
@@ -74,6 +76,7 @@ private:
     std::uint64_t m_triggers = 0;
     std::uint64_t m_lines = 0;
     std::uint64_t m_lostTriggers = 0;
+    std::uint64_t m_droppedTriggers = 0;
 };
 
 } // namespace station

@@ -95,6 +95,18 @@ void Wave::begin(Tick from) {
         step();
 }
 
+Wave Wave::earlier(Tick ticks) const {
+    Wave wave = *this;
+    const auto move = [ticks](Tick& tick) {
+        if (tick != never) tick -= std::min(tick, ticks);
+    };
+    move(wave.m_next);
+    move(wave.m_start);
+    for (Edge& edge : wave.m_edges)
+        move(edge.tick);
+    return wave;
+}
+
 void Wave::step() {
     if (m_next == never) return;
     switch (m_kind) {

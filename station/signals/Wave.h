@@ -39,6 +39,8 @@ public:
 
     /** Skips everything before `from`. An encoder starts to move there instead. */
     void begin(Tick from);
+    /** The same wave earlier by these ticks. It must have begun, and not before that tick. */
+    Wave earlier(Tick ticks) const;
     /** Levels of track A in bit 0, of track B in bit 1. */
     unsigned levels() const { return m_levels; }
     bool hasTwoTracks() const { return m_kind == Kind::encoder; }

@@ -46,6 +46,12 @@ bool Inputs::connect(std::size_t input, const Wave& wave, Tick from, std::size_t
     return true;
 }
 
+bool Inputs::hasWave(std::size_t input) const {
+    for (std::size_t first = 0; first < inputCount; ++first)
+        if (m_drivers[first].isConnected && (first == input || m_drivers[first].second == input)) return true;
+    return false;
+}
+
 void Inputs::preset() {
     for (std::size_t input = 0; input < inputCount; ++input) {
         m_debouncers[input] = {};

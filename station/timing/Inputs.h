@@ -61,6 +61,8 @@ public:
     /** Connects a wave to an input, replacing the previous one. An encoder also drives `second`, unless that
      *  is not an input or is the same. False if there is no such input. */
     bool connect(std::size_t input, const Wave& wave, Tick from, std::size_t second = inputCount);
+    /** Whether the input has one. */
+    bool hasWave(std::size_t input) const;
     /** The levels before time first advances count at once, as if they had always been stable. */
     void preset();
 

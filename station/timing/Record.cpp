@@ -34,6 +34,7 @@ bool Record::add(const SourceLine& line) {
 }
 
 bool Record::add(const SourceLine& line, const Exposure& exposure) {
+    if (exposures.size() == mostExposures) return false;
     SourceLine placed = line;
     placed.y = static_cast<std::uint32_t>(exposures.size());
     exposures.push_back(exposure);

@@ -42,8 +42,10 @@ struct LineRun {
 };
 
 struct Record {
-    /** Maximum number of runs: an image with more ends there. */
+    /** Maximum number of runs, and of lines of a camera: an image with more ends there. The lines are more than any
+     *  image of the applet has. */
     static constexpr std::size_t mostRuns = 4096;
+    static constexpr std::size_t mostExposures = std::size_t{1} << 21;
 
     std::int64_t picture = 0;     // from 1
     std::uint64_t lostBefore = 0; // images since the previous picture that did not fit in the buffer
@@ -66,7 +68,7 @@ struct Record {
     std::uint64_t bytes() const { return layout.bytesPerLine * lines; }
     /** Adds a line; false if there is no room for another run. */
     bool add(const SourceLine& line);
-    /** Adds a line of a camera. */
+    /** Adds a line of a camera; false also if there is no room for another exposure. */
     bool add(const SourceLine& line, const Exposure& exposure);
 };
 

@@ -217,6 +217,47 @@ TEST_F(VirtualStation, RefusesInvalidCamerasBeltsAndScenes) {
     EXPECT_EQ(status(VBOARD_STATUS_CAMERA), VBOARD_CAMERA_NONE);
 }
 
+TEST_F(VirtualStation, GivesItsSurroundingsToAnotherBoard) {
+    // Everything is connected at the tick 1000; on the other board it begins at 0.
+    EXPECT_EQ(setInt("CameraSimulator_Enable_SelectSource", 0), 0);
+    BOARD(vboard_advance)(device, 999);
+    const vboard_camera camera{.width = 64, .line_rate = 125'000, .exposure = 10, .full_exposure = 0};
+    EXPECT_EQ(BOARD(vboard_camera_attach)(device, &camera, nullptr), VBOARD_OK);
+    EXPECT_EQ(BOARD(vboard_wave_level)(device, 2, true), VBOARD_OK); // the belt takes this input
+    const vboard_speed speed{1, 1'000'000, 1'000'000};
+    const vboard_belt_setup belt{&speed, 1, 1, 2, 1000, VBOARD_NO_INPUT, 0};
+    EXPECT_EQ(BOARD(vboard_belt)(device, &belt), VBOARD_OK);
+    EXPECT_EQ(BOARD(vboard_wave_square)(device, 3, 1100, 2000, 1000), VBOARD_OK);
+    const vboard_edge edges[] = {{500, true}, {1300, false}, {UINT64_MAX, true}};
+    EXPECT_EQ(BOARD(vboard_wave_edges)(device, 4, false, edges, 3), VBOARD_OK);
+    EXPECT_EQ(BOARD(vboard_has_wave)(device, 2) - BOARD(vboard_has_wave)(device, 5), 1);
+    BOARD(vboard_advance)(device, 500'000);
+
+    LOOMdevice* other = BOARD(vboard_open)();
+    EXPECT_EQ(BOARD(vboard_surround)(other, nullptr), VBOARD_UNKNOWN);
+    EXPECT_EQ(BOARD(vboard_surround)(nullptr, device), VBOARD_UNKNOWN);
+    EXPECT_EQ(BOARD(vboard_surround)(other, device), VBOARD_OK);
+    BOARD(vboard_advance)(other, 100'000);
+    const auto edgesOf = [](LOOMdevice* board, unsigned select, std::uint64_t from) {
+        std::vector<std::uint64_t> ticks;
+        vboard_edge found[500];
+        const std::int64_t count =
+            BOARD(vboard_signals)(board, select, from + 10, from + 100'000, found, 500, nullptr);
+        for (std::int64_t i = 0; i < count; ++i)
+            ticks.push_back(found[i].tick - from);
+        return ticks;
+    };
+    for (const unsigned select : {22U, 23U, 24U, 25U}) { // encoder, square wave, edges
+        EXPECT_FALSE(edgesOf(other, select, 0).empty()) << select;
+        EXPECT_EQ(edgesOf(other, select, 0), edgesOf(device, select, 1000)) << select;
+    }
+    EXPECT_EQ(BOARD(vboard_poke_int)(other, "Device1_Process0_CameraSimulator_Enable_SelectSource", 0),
+              VBOARD_OK);
+    BOARD(vboard_advance)(other, 1000);
+    EXPECT_FALSE(edgesOf(other, 4, 99'990).empty()); // lines of the camera
+    BOARD(vboard_close)(other);
+}
+
 TEST_F(VirtualStation, FollowsTheClockAndAllowsOtherCallsDuringAWait) {
     using Clock = std::chrono::steady_clock;
     for (const double wrong : {-1.0, 1e-9, 1e9, std::nan("")})
@@ -277,6 +318,26 @@ TEST_F(VirtualStation, FollowsTheClockAndAllowsOtherCallsDuringAWait) {
     EXPECT_TRUE(now >= 125'000'000 && static_cast<double>(now) <= most + 5) << now;
     EXPECT_EQ(BOARD(vboard_clock)(device, 0), VBOARD_OK);
     EXPECT_GE(BOARD(vboard_advance)(device, 7), now + 7);
+    BOARD(vboard_memory_free)(memory);
+}
+
+TEST_F(VirtualStation, LeavesTheBoardToOthersDuringALongWait) {
+    for (const char* name : {"ImgTriggerMode", "ImgTriggerEnable"})
+        EXPECT_EQ(setInt(std::string("Trigger_Trigger_") + name, 1), 0);
+    EXPECT_EQ(setInt("Trigger_Trigger_ImgTrgInSource", 4), 0);
+    vboard_frames* memory = BOARD(vboard_memory)(device, 2, 768, VBOARD_RING);
+    EXPECT_EQ(RUNTIME(AcquireEx)(fg, 0, 0, 0, memory), 0);
+    // No image is triggered in more lines than any machine simulates in a day.
+    std::int64_t result = 0;
+    std::thread waiting([&] { result = wait(1, INT32_MAX); });
+    while (BOARD(vboard_now)(device) == 0)
+        std::this_thread::yield();
+    EXPECT_EQ(RUNTIME(stopAcquireEx)(fg, 0, memory, 0), 0);
+    waiting.join();
+    EXPECT_EQ(result, FG_ERR_NOT_AVAILABLE);
+    EXPECT_EQ(setInt("CameraSimulator_Enable_SelectSource", 0), 0);
+    EXPECT_EQ(RUNTIME(AcquireEx)(fg, 0, 0, 0, memory), 0);
+    EXPECT_EQ(BOARD(vboard_wait)(device, 1, UINT64_MAX), VBOARD_TIMEOUT); // time itself ends before that
     BOARD(vboard_memory_free)(memory);
 }
 

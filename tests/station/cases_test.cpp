@@ -66,6 +66,7 @@ std::string answer(Trial& run, const std::string& question) {
     if (what == "glitches") return std::to_string(run.board.raised(Event::glitch));
     if (what == "ignored") return std::to_string(run.station.losses().triggers);
     if (what == "lost-pulses") return std::to_string(run.station.losses().pulses);
+    if (what == "dropped-triggers") return std::to_string(run.station.losses().droppedTriggers);
     if (what == "lost-camera-triggers") return std::to_string(run.station.losses().cameraTriggers);
     return "no such question";
 }

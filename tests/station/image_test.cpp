@@ -50,10 +50,19 @@ TEST_F(StationImage, NothingIsStoredWithoutAnAcquisition) {
     EXPECT_EQ(station.lastPicture(), 0);
 }
 
+TEST(StationRecord, AnImageOfACameraEndsBeforeItsLinesFillTheMemory) {
+    Record record;
+    const SourceLine line{.isOfCamera = true};
+    for (std::size_t i = 0; i < Record::mostExposures; ++i)
+        ASSERT_TRUE(record.add(line, {.number = i + 1}));
+    EXPECT_FALSE(record.add(line, {.number = 1}));
+    EXPECT_EQ(record.lines, record.exposures.size());
+}
+
 TEST_F(StationImage, WaitsForAPictureInSimulatedTime) {
     board.set("ImageHeight_ImageHeight=4 YLength=4");
     acquire(8, HostMemory::Kind::ring, 3);
-    EXPECT_EQ(station.waitForPicture(1, 300), Station::Wait::timeout);
+    EXPECT_EQ(station.waitForPicture(1, 300), Station::Wait::notYet);
     EXPECT_EQ(station.now(), 300U);
     EXPECT_EQ(station.waitForPicture(1, 300), Station::Wait::arrived);
     // 192 bytes after the end of the line at 320, at 3,999,688,294 bytes a second: 6.0005 ticks.

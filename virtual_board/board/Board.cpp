@@ -201,7 +201,8 @@ std::int64_t Board::waitForPicture(std::int64_t picture, int seconds) {
 }
 
 std::int64_t Board::waitInStation(std::int64_t picture, std::uint64_t ticks) {
-    const station::Tick deadline = station::later(station().station().now(), ticks);
+    const station::Tick deadline =
+        std::min(station::later(station().station().now(), ticks), station::lastTick);
     const std::uint64_t acquisition = m_acquisitions;
     while (acquisition == m_acquisitions) {
         const auto result = station().waitForPicture(picture, deadline);
@@ -233,6 +234,8 @@ std::int64_t Board::stationStatus(int what) {
         return static_cast<std::int64_t>(losses.pulses);
     case VBOARD_STATUS_LOST_CAMERA_TRIGGERS:
         return static_cast<std::int64_t>(losses.cameraTriggers);
+    case VBOARD_STATUS_DROPPED_CAMERA_TRIGGERS:
+        return static_cast<std::int64_t>(losses.droppedTriggers);
     case VBOARD_STATUS_WAITS:
         return static_cast<std::int64_t>(losses.waits);
     case VBOARD_STATUS_DROPPED_EVENTS:

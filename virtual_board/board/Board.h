@@ -69,7 +69,7 @@ public:
     int stopAcquisition(int dma) REQUIRES(m_mutex);
     std::int64_t picture() REQUIRES(m_mutex);
     std::int64_t nextPicture() REQUIRES(m_mutex);
-    /** With the wall clock it sleeps while waiting, and releases the mutex. */
+    /** Releases the mutex in between: with the wall clock while it sleeps, with stepped time between two pieces. */
     std::int64_t waitForPicture(std::int64_t picture, int seconds) REQUIRES(m_mutex);
     /** The same for pictures of the station only, with a timeout in ticks. */
     std::int64_t waitInStation(std::int64_t picture, std::uint64_t ticks) REQUIRES(m_mutex);

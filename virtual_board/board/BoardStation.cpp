@@ -31,7 +31,8 @@ const std::array<Row, station::parameterCount>& rowsOfParameters() {
 
 Row rowOf(station::Parameter parameter) { return rowsOfParameters()[static_cast<std::size_t>(parameter)]; }
 
-/** With the wall clock, limits an access to some hundredths of a second of work. */
+/** Limits the work under the board's lock to some hundredths of a second: of an access with the wall clock, and of
+ *  a piece of a wait. */
 constexpr std::uint64_t mostEventsOfAnAccess = std::uint64_t{1} << 20;
 /** The longest time of the wall clock that is made up after that. */
 constexpr WallClock::Duration longestLag(1);
@@ -140,13 +141,14 @@ std::uint64_t BoardStation::advance(std::uint64_t ticks) {
 std::optional<std::int64_t> BoardStation::waitForPicture(std::int64_t picture, station::Tick deadline) {
     const station::Tick rest = deadline > m_station.now() ? deadline - m_station.now() : 0;
     const bool isStepped = !m_clock.isRunning();
-    const station::Station::Wait result = m_station.waitForPicture(picture, isStepped ? rest : 0);
+    const station::Station::Wait result =
+        m_station.waitForPicture(picture, isStepped ? rest : 0, mostEventsOfAnAccess);
     publishRuntime();
     switch (result) {
     case station::Station::Wait::arrived:
         break;
-    case station::Station::Wait::timeout:
-        if (isStepped || rest == 0) return VBOARD_TIMEOUT;
+    case station::Station::Wait::notYet:
+        if (m_station.now() >= deadline) return VBOARD_TIMEOUT;
         return std::nullopt;
     case station::Station::Wait::notRunning:
         return FG_ERR_NOT_AVAILABLE;
@@ -157,6 +159,7 @@ std::optional<std::int64_t> BoardStation::waitForPicture(std::int64_t picture, s
 WallClock::Duration BoardStation::pauseBefore(station::Tick deadline) const {
     constexpr WallClock::Duration shortest(50e-6);
     constexpr WallClock::Duration longest(2e-3);
+    if (!m_clock.isRunning()) return shortest; // lets a waiting thread take the board
     const station::Tick rest = deadline > m_station.now() ? deadline - m_station.now() : 0;
     return std::clamp(m_clock.durationOf(rest), shortest, longest);
 }

@@ -37,9 +37,9 @@ public:
     /** Advances time by `ticks`; returns the new time, or VBOARD_NOT_STEPPED. */
     std::uint64_t advance(std::uint64_t ticks);
     /** Number of the last picture if this one has arrived, VBOARD_TIMEOUT from the tick `deadline` on, or
-     *  FG_ERR_NOT_AVAILABLE. Stepped time advances until then; else there may be no result yet. */
+     *  FG_ERR_NOT_AVAILABLE. Stepped time advances towards it by a piece. Without a result yet, call again. */
     std::optional<std::int64_t> waitForPicture(std::int64_t picture, station::Tick deadline);
-    /** How long to sleep before polling for a picture again. */
+    /** How long to sleep before waiting for a picture again. */
     WallClock::Duration pauseBefore(station::Tick deadline) const;
     /** Updates the runtime's parameters that show the state of the station. */
     void publishRuntime();

@@ -161,7 +161,7 @@ int64_t getStatusEx(Fg_Struct* fg, int what, intptr_t mask, int, void*) {
     return callWide(fg, entry("Fg_getStatusEx"), [=]() REQUIRES(fg->board.mutex()) {
         if (what == VBOARD_STATUS_EVENTS)
             return fg->board.events().take(*fg->design, static_cast<std::uint64_t>(mask));
-        const bool isOfStation = what >= VBOARD_STATUS_TICK && what <= VBOARD_STATUS_CAMERA;
+        const bool isOfStation = what >= VBOARD_STATUS_TICK && what <= VBOARD_STATUS_DROPPED_CAMERA_TRIGGERS;
         return isOfStation ? fg->board.stationStatus(what) : fg->board.picture();
     });
 }

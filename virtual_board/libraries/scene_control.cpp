@@ -110,6 +110,19 @@ int vboard_belt(LOOMdevice* board, const vboard_belt_setup* belt) {
     });
 }
 
+int vboard_surround(LOOMdevice* board, LOOMdevice* like) {
+    station::Surroundings surroundings;
+    const int code = perform(like, [&](station::Station& station) {
+        surroundings = station.surroundings();
+        return int{VBOARD_OK};
+    });
+    if (code != VBOARD_OK) return code;
+    return perform(board, [&](station::Station& station) {
+        station.surround(surroundings);
+        return int{VBOARD_OK};
+    });
+}
+
 int vboard_scene(LOOMdevice* board, const vboard_scene_setup* scene) {
     if (board == nullptr || scene == nullptr || !isSound(*scene)) return VBOARD_UNKNOWN;
     return guarded(int{VBOARD_NO_MEMORY}, [&] {

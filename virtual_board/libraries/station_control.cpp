@@ -94,6 +94,10 @@ int vboard_wave_edges(LOOMdevice* board, unsigned input, bool level, const vboar
     });
 }
 
+int vboard_has_wave(LOOMdevice* board, unsigned input) {
+    return perform(board, [=](station::Station& station) { return station.hasWave(input) ? 1 : 0; });
+}
+
 int vboard_wave_encoder(LOOMdevice* board, unsigned inputA, unsigned inputB, const vboard_speed* pieces,
                         size_t count) {
     if (inputB >= station::inputCount || inputA == inputB) return VBOARD_UNKNOWN;
