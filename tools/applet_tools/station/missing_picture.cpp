@@ -30,6 +30,10 @@ private:
         if (is("FG_DEBUGINENABLE", FG_ON))
             return "the input of a debug point is on, and no line of the source passes it: " +
                    remedy("FG_DEBUGINENABLE=FG_OFF") + ", or insert an image while the acquisition runs";
+        if (!isSimulated() && camera() == VBOARD_CAMERA_LINK_LOST)
+            return came(m_imageLines) + (m_imageLines > 0 ? ", and" : ":") +
+                   " the link to the camera is lost; attach a camera without faults.linkLost, by a "
+                   "station file or by the step 'camera' of a scenario";
         if (isAlwaysActive())
             return came(m_lines) + ": with " + shown("FG_LINEEXPOSURE") + " and " + shown("FG_LINEPERIODE") +
                    " ExSync is active without a break and has no edge; shorten FG_LINEEXPOSURE";
@@ -90,18 +94,27 @@ private:
         return input < firstFront ? static_cast<unsigned>(input)
                                   : gpiCount + static_cast<unsigned>(input - firstFront);
     }
-    /** Debounced rising edges of an input during the wait. */
+    /** Debounced edges of an input during the wait. */
     SignalCourse courseAt(const char* source) const {
         constexpr unsigned firstInputSignal = 21;
         const unsigned select = firstInputSignal + inputAt(source);
-        return courseOf(m_instance, select, m_wait.start.tick, m_instance.board().now(m_instance.device()));
+        return courseSince(m_instance, select, m_wait.start.tick,
+                           m_instance.board().now(m_instance.device()));
     }
 
-    /** "no edge came at ...", or empty if there was one. */
-    std::string whyNoEdge(const char* source, const char* debounce) const {
-        if (!courseAt(source).edges.empty()) return "";
+    bool isHighActive(const char* polarity) const { return !is(polarity, HIGH_ON_ZERO_LOW); }
+    static bool hasEdgeTo(bool level, const SignalCourse& course) {
+        return !course.isComplete || course.first(level); // an incomplete course has many edges
+    }
+    std::string noEdge(const char* source, const char* debounce) const {
         return "no edge came at " + shown(source) + ": connect " + m_wait.wave + " with pulses longer than " +
                shown(debounce);
+    }
+    /** Whether the line trigger's input had an edge that can make a pulse. */
+    bool hasLineTriggerEdge() const {
+        const SignalCourse course = courseAt("FG_LINETRIGGERINSRC");
+        const bool isHigh = isHighActive("FG_LINETRIGGERINPOLARITY");
+        return hasEdgeTo(isHigh, course) || (is("FG_SHAFTENCODERON", FG_ON) && hasEdgeTo(!isHigh, course));
     }
 
     /** The reason if the belt at the line trigger's input gives no steps; else empty. */
@@ -117,11 +130,19 @@ private:
                    : "";
     }
 
+    /** "with camera triggers ...: 5; ..." if there were losses of this kind during the wait; else empty. */
+    std::string lossText(std::size_t place) const {
+        const LossKind& kind = lossKinds()[place];
+        const std::int64_t lost = lossesOf(m_instance)[place] - m_wait.start.losses[place];
+        if (lost <= 0) return "";
+        return std::string("with ") + kind.what + ": " + numberText(lost) + "; " + kind.cure;
+    }
+
     std::string whyNoLine() {
-        if (!isSimulated() && camera() == VBOARD_CAMERA_LINK_LOST)
-            return "no line came: the link to the camera is lost; attach it again";
         if (!isSimulated() && camera() == VBOARD_CAMERA_FREE_RUNNING)
             return "no line came: the camera is slower than that, or its exposure is longer";
+        for (const std::size_t kind : {droppedTriggerLoss, cameraTriggerLoss})
+            if (const std::string loss = lossText(kind); !loss.empty()) return "no line came, " + loss;
         if (!isSimulated() && camera() == VBOARD_CAMERA_TRIGGERED)
             return "no line came: the camera waits for an edge of " + shown("FG_TRIGGERCAMERA_SOURCE") +
                    (isSourceExSync() ? "; " + whyNoExSync() : "");
@@ -144,8 +165,9 @@ private:
         if (!isExternal()) return "with " + mode + " one comes each " + shown("FG_LINEPERIODE");
         const std::string noStep = whyNoStep();
         if (!noStep.empty()) return "with " + mode + " it needs a line trigger, and " + noStep;
-        const std::string noEdge = whyNoEdge("FG_LINETRIGGERINSRC", "FG_LINETRIGGERDEBOUNCING");
-        if (!noEdge.empty()) return "with " + mode + " it needs a line trigger, and " + noEdge;
+        if (!hasLineTriggerEdge())
+            return "with " + mode + " it needs a line trigger, and " +
+                   noEdge("FG_LINETRIGGERINSRC", "FG_LINETRIGGERDEBOUNCING");
         return "with " + mode + " it needs a line trigger, and of the edges at " +
                shown("FG_LINETRIGGERINSRC") + " none became one: see " + shown("FG_LINE_DOWNSCALE") +
                " and " + shown("FG_SHAFTENCODERON");
@@ -156,25 +178,33 @@ private:
         if (is("FG_IMGTRIGGERINSRC", TRGINSOFTWARE))
             return "an image starts at a software pulse while the acquisition runs, as by the steps "
                    "'acquire start', 'set FG_SENDSOFTWARETRIGGER=FG_APPLY' and 'grab' of a scenario";
-        const SignalCourse course = courseAt("FG_IMGTRIGGERINSRC");
-        const bool isActive = course.level() != is("FG_IMGTRIGGERINPOLARITY", HIGH_ON_ZERO_LOW);
-        if (isActive && (isImageGated() || course.edges.empty()))
-            return shown("FG_IMGTRIGGERINSRC") +
-                   " was active when the acquisition began: only a level that becomes active later starts an "
-                   "image, as with " +
+        const char* const source = "FG_IMGTRIGGERINSRC";
+        const char* const debounce = "FG_IMGTRIGGERDEBOUNCING";
+        const SignalCourse course = courseAt(source);
+        const bool isHigh = isHighActive("FG_IMGTRIGGERINPOLARITY");
+        if (hasEdgeTo(isHigh, course))
+            return "none of the edges at " + shown(source) +
+                   " started an image: its pulses must be longer than " + shown(debounce) +
+                   (isImageGated() ? " and than a line takes" : "");
+        if (hasPicture())
+            return "no further edge came at " + shown(source) + ": each image needs one, as with " +
+                   m_wait.wave + " of square:10ms";
+        if (course.startsHigh == isHigh)
+            return shown(source) +
+                   " was active when the wait began: only a level that becomes active later starts an image, "
+                   "as with " +
                    m_wait.wave + " of edges:1ms";
-        const std::string noEdge = whyNoEdge("FG_IMGTRIGGERINSRC", "FG_IMGTRIGGERDEBOUNCING");
-        return noEdge.empty() ? "none of the edges at " + shown("FG_IMGTRIGGERINSRC") +
-                                    " started an image: its pulses must be longer than " +
-                                    shown("FG_IMGTRIGGERDEBOUNCING")
-                              : noEdge;
+        return noEdge(source, debounce);
+    }
+
+    /** Whether this acquisition has had a picture. */
+    bool hasPicture() const {
+        constexpr int lastPicture = 0;
+        return m_instance.applet().Fg_getStatusEx(m_instance.fg(), lastPicture, 0, 0, nullptr) > 0;
     }
 
     std::string whyNoImage() const {
-        const std::int64_t lost = lossCount(m_instance, imageLoss()) - m_wait.start.lostImages;
-        if (lost > 0)
-            return std::string("with ") + imageLoss().what + ": " + numberText(lost) + "; " +
-                   imageLoss().cure;
+        if (const std::string loss = lossText(imageLoss); !loss.empty()) return loss;
         if (isImageTriggered() && !is("FG_IMGTRIGGER_IS_BUSY", IS_BUSY))
             return "and no image was complete: with " + shown("FG_IMGTRIGGERMODE") + ", " + whyNoStart();
         if (isImageTriggered() && isImageGated())
@@ -213,7 +243,7 @@ std::int64_t sourceLines(Instance& instance) {
 WaitStart waitStart(Instance& instance) {
     return {.tick = instance.board().now(instance.device()),
             .lines = sourceLines(instance),
-            .lostImages = lossCount(instance, imageLoss())};
+            .losses = lossesOf(instance)};
 }
 
 MissingPicture whyNoPicture(Instance& instance, const ParameterList& parameters, const PictureWait& wait) {
