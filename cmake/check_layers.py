@@ -40,6 +40,7 @@ PRODUCER_FEATURES = [*PRODUCER_BASE, f"{PRODUCER}features/**"]
 STATION_FILES = [f"{TOOLS}{name}.h" for name in ("base/errors", "base/numbers", "station/StationFile")]
 PRODUCER_DEVICE = [*PRODUCER_FEATURES, *HOST, *STATION_FILES, f"{PRODUCER}device/**"]
 PRODUCER_MODULES = [*PRODUCER_DEVICE, f"{PRODUCER}modules/**"]
+HOST_LIBRARY = [*TOOLS_ANSWERS, "host/**"]
 COMMANDS = [*TOOLS_ANSWERS, *DRAW, f"{TOOL}commands/*"]
 
 # The files of a room, and the files that they may include. A file belongs to the first row that it matches. One star
@@ -81,6 +82,10 @@ ROOMS = [
     ("tools/serve/http/transport/**", HTTP_TRANSPORT),
     ("tools/serve/http/**", HTTP),
     ("tools/serve/**", SERVE),
+    # Programs in C++ see only the two headers.
+    ("host/vexo.h", []),
+    ("host/vexo.hpp", ["host/vexo.h"]),
+    ("host/**", HOST_LIBRARY),
     (f"{PRODUCER}base/**", PRODUCER_BASE),
     (f"{PRODUCER}features/**", PRODUCER_FEATURES),
     (f"{PRODUCER}device/**", PRODUCER_DEVICE),
@@ -95,10 +100,10 @@ ROOMS = [
     (f"{TOOL}cli/**", [*HEADERS, "virtual_board/virtual_board.h", "tools/**"]),
 ]
 # Printing code, in files that must not print.
-SILENT = [f"{TOOLS}**", "tools/serve/**", f"{PRODUCER}**"]
+SILENT = [f"{TOOLS}**", "host/**", "tools/serve/**", f"{PRODUCER}**"]
 PRINTING = re.compile(r"#\s*include\s+<(?:iostream|cstdio|stdio\.h|print)>|"
                       r"\bstd::(?:cout|cerr|clog)\b|\b(?:f?printf|f?puts|putchar)\(")
-CHECKED = ["include", "src", "station", "virtual_board", "tools", "producer"]
+CHECKED = ["include", "src", "station", "virtual_board", "tools", "host", "producer"]
 INCLUDE_ROOTS = ["include", "src", "tools", "producer", "."]
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.MULTILINE)
 SUFFIXES = {".h", ".hpp", ".cpp", ".def"}

@@ -443,7 +443,7 @@ int vexo_release(vexo_station* station, int64_t number);
  *  picture into `pixels` with room for 3 * width * height of them. Needs no station. */
 int vexo_unpack(const vexo_picture* picture, const void* data, uint16_t* pixels);
 
-/** Writes the picture to a file, in the format of its suffix: .png, .tif, .jpg, .ppm or .raw. VEXO_ERR_FILE;
+/** Writes the picture to a file, in the format of its suffix: .png, .tiff, .ppm or .raw. VEXO_ERR_FILE;
  *  VEXO_ERR_UNAVAILABLE: built without that format. Needs no station. */
 int vexo_write_picture(const vexo_picture* picture, const void* data, const char* file);
 

@@ -108,7 +108,7 @@ namespace {
 
 /** Arrays are long and read often: they share one buffer and are compared in it. */
 bool hasBytes(Instance& instance, const Target& target, const json::binary_t& bytes) {
-    static Elements elements; // of the process; it has one thread
+    thread_local Elements elements;
     elements.resize(target.elements->count());
     FieldParameterAccess run{.vtype = FG_PARAM_UINT32,
                              .index = target.elements->first,
