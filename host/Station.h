@@ -39,6 +39,12 @@ const ParameterRow& rowOf(vexo_station& station, int id);
 /** Throws Error unless the board is virtual. */
 void requireVirtual(const vexo_station& station);
 
+/** Before the scratch board is asked: forgets the notes of the last question, which would grow without end. */
+inline applet_tools::LiveSession& asking(vexo_station& station) {
+    station.live.takeNotes();
+    return station.live;
+}
+
 /** The result of the work with the station. A null station is an error. */
 template <typename Work> int onStation(vexo_station* station, const Work& work) noexcept {
     if (station == nullptr) return failNull("the station");

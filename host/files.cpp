@@ -30,7 +30,7 @@ std::string lossesOf(vexo_station& station, const std::string& file) {
     std::string words;
     try {
         std::size_t count = 0;
-        for (const applet_tools::Finding& finding : askCheck(station.live.scratch(), file).findings)
+        for (const applet_tools::Finding& finding : askCheck(asking(station).scratch(), file).findings)
             if (finding.isLoss && ++count <= most) words += "; " + finding.message;
         if (count > most) words += "; and " + std::to_string(count - most) + " more";
     } catch (const std::exception&) {

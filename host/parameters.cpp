@@ -303,7 +303,7 @@ int vexo_set_all(vexo_station* station, const char* const* assignments, size_t c
         const bool isLast = order == VEXO_GIVEN_ORDER;
         std::optional<Error> refusal = trySetAll(own, words, isLast);
         if (refusal && !isLast) {
-            const applet_tools::Ordering found = askOrder(own.live, words);
+            const applet_tools::Ordering found = askOrder(asking(own), words);
             if (!found.isComplete)
                 throw Error(refusal->code, applet_tools::join(found.problems, "; ") + "; nothing was set",
                             refusal->members);

@@ -72,7 +72,7 @@ int vexo_ask_limits(vexo_station* station, const char* name, const char* assumed
     std::optional<vexo_range> found;
     const int code =
         answered(station, answer, [&](vexo_station& own, std::string& text, ordered_json& document) {
-            const auto answers = askAcceptedValues(own.live, {name}, with(assumed));
+            const auto answers = askAcceptedValues(asking(own), {name}, with(assumed));
             if (answers.size() != 1)
                 throw Error(VEXO_ERR_NAME, "one parameter is asked for, not those that match " +
                                                applet_tools::inQuotedWord(name));
@@ -100,7 +100,7 @@ int vexo_ask_why(vexo_station* station, const char* question, const char* assume
             else
                 rows.push_back(asJson(its, findTarget(own.live.parameters(), its.subject)));
         };
-        for (const applet_tools::WhyAnswer& its : askWhy(own.live, {question}, with(assumed)))
+        for (const applet_tools::WhyAnswer& its : askWhy(asking(own), {question}, with(assumed)))
             std::visit(add, its);
     });
 }
@@ -108,7 +108,7 @@ int vexo_ask_why(vexo_station* station, const char* question, const char* assume
 int vexo_ask_plan(vexo_station* station, const char* const* assignments, size_t count, vexo_answer** answer) {
     if (assignments == nullptr && count > 0) return failNull("the list of assignments");
     return answered(station, answer, [&](vexo_station& own, std::string& text, ordered_json& document) {
-        applet_tools::AssignmentsPlan plan = askPlan(own.live, wordsOf(assignments, count));
+        applet_tools::AssignmentsPlan plan = askPlan(asking(own), wordsOf(assignments, count));
         text = plan.words;
         document["assignments"] = std::move(plan.rows);
         if (!plan.notSet.empty()) document["notSet"] = plan.notSet;
@@ -118,7 +118,7 @@ int vexo_ask_plan(vexo_station* station, const char* const* assignments, size_t 
 int vexo_ask_check(vexo_station* station, const char* file, vexo_answer** answer) {
     if (file == nullptr) return failNull("the name of the file");
     return answered(station, answer, [&](vexo_station& own, std::string& text, ordered_json& document) {
-        const applet_tools::LoadCheck check = askCheck(own.live.scratch(), file);
+        const applet_tools::LoadCheck check = askCheck(asking(own).scratch(), file);
         document["code"] = check.code;
         document["findings"] = asJson(check.findings);
         for (const applet_tools::Finding& finding : check.findings)
@@ -130,7 +130,7 @@ int vexo_ask_check(vexo_station* station, const char* file, vexo_answer** answer
 int vexo_ask_lint(vexo_station* station, vexo_answer** answer) {
     return answered(station, answer, [&](vexo_station& own, std::string& text, ordered_json& document) {
         auto& rows = document["findings"] = ordered_json::array();
-        for (const applet_tools::LintFinding& finding : askLint(own.live, "").findings) {
+        for (const applet_tools::LintFinding& finding : askLint(asking(own), "").findings) {
             rows.push_back(ordered_json(asJson(finding)));
             text += (text.empty() ? "" : "\n") + finding.rule + ": " +
                     applet_tools::join(finding.texts, ", ") + "\n  " + finding.why + "\n  " + finding.advice;

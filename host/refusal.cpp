@@ -14,7 +14,7 @@ using applet_tools::Assignment, applet_tools::AssignmentResult;
 /** Empty if the scratch board cannot be asked: the refusal matters more. */
 applet_tools::Suggestion adviceFor(vexo_station& station, const AssignmentResult& result) {
     try {
-        return askSuggestion(station.live, result.assignment, result.code);
+        return askSuggestion(asking(station), result.assignment, result.code);
     } catch (const std::exception&) {
         return {};
     }

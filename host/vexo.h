@@ -3,11 +3,10 @@
  * needs of it. A program links libvexo.so alone; it loads the applet and the platform libraries by itself.
  *
  *     vexo_station* station = NULL;
- *     if (vexo_open(NULL, &station) != VEXO_OK)                  // a virtual board
- *         return fprintf(stderr, "%s\n", vexo_last_error()), 1;
- *     const int width = vexo_id(station, "FG_WIDTH");
- *     if (vexo_set_int(station, width, 2048) != VEXO_OK)
- *         fprintf(stderr, "%s\n", vexo_last_error());            // why, and what would be accepted
+ *     if (vexo_open(NULL, &station) != VEXO_OK)                            // a virtual board
+ *         return give_up(vexo_last_error());
+ *     if (vexo_set_int(station, vexo_id(station, "FG_WIDTH"), 2048) != VEXO_OK)
+ *         complain(vexo_last_error());                                     // why, and what would be accepted
  *     vexo_close(station);
  *
  * Results. Unless a function says otherwise it returns VEXO_OK (0) or a negative code: one of the applet's own
@@ -146,8 +145,8 @@ int vexo_open(const vexo_options* options, vexo_station** station);
 void vexo_close(vexo_station* station);
 
 /** What is open, as a JSON object: "version", "board" ("virtual", "system", "none"), "applet" {"name",
- *  "version"}, "files" (the loaded libraries), "parameters" (their number), "notes" (what was done and how long
- *  it took). Release it with vexo_free. */
+ *  "version"}, "files" (the loaded libraries), "parameters" (their number), "notes" (what the opening or
+ *  the last question did, and how long it took). Release it with vexo_free. */
 int vexo_info(vexo_station* station, char** json);
 
 /* ---- parameters ---- */
