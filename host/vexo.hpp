@@ -82,16 +82,22 @@ struct Free {
     void operator()(vexo_answer* answer) const { vexo_answer_free(answer); }
 };
 
-inline std::string taken(int result, char* text) {
+/** The text that a call gives. */
+template <typename Call> std::string textOf(const Call& call) {
+    char* text = nullptr;
+    const int result = call(&text);
     const std::unique_ptr<char, Free> owner(text);
     check(result);
-    return owner.get();
+    return text;
 }
 
-inline Answer taken(int result, vexo_answer* answer) {
+/** The answer that a call gives, and the call's result. */
+template <typename Call> std::pair<Answer, int> answerOf(const Call& call) {
+    vexo_answer* answer = nullptr;
+    const int result = call(&answer);
     const std::unique_ptr<vexo_answer, Free> owner(answer);
-    check(result);
-    return {vexo_answer_text(answer), vexo_answer_json(answer)};
+    if (answer == nullptr) check(result);
+    return {{vexo_answer_text(answer), vexo_answer_json(answer)}, result};
 }
 
 inline std::vector<const char*> pointersTo(std::span<const std::string> texts) {
@@ -187,21 +193,21 @@ public:
     }
     /** What setters accept now, and what sets the limits; `with`: assignments that are assumed to be set before. */
     Answer limits(const std::string& with = "") const {
-        vexo_answer* answer = nullptr;
         vexo_range range{};
         const std::string its = name();
-        const int code = vexo_ask_limits(m_station, its.c_str(), detail::orNull(with), &range, &answer);
-        const bool isNoNumber = code == VEXO_ERR_KIND && answer != nullptr;
-        Answer all = detail::taken(isNoNumber ? VEXO_OK : code, answer);
-        if (!isNoNumber) all.range = range;
-        return all;
+        auto [answer, code] = detail::answerOf([&](vexo_answer** place) {
+            return vexo_ask_limits(m_station, its.c_str(), detail::orNull(with), &range, place);
+        });
+        if (code == VEXO_OK) answer.range = range; // else it is no number
+        return answer;
     }
     /** Why it is read-only, or refuses a value. */
     Answer why(const std::string& value = "", const std::string& with = "") const {
-        vexo_answer* answer = nullptr;
         const std::string question = value.empty() ? name() : name() + "=" + value;
-        return detail::taken(vexo_ask_why(m_station, question.c_str(), detail::orNull(with), &answer),
-                             answer);
+        return detail::answerOf([&](vexo_answer** place) {
+                   return vexo_ask_why(m_station, question.c_str(), detail::orNull(with), place);
+               })
+            .first;
     }
     std::vector<vexo_entry> entries() const {
         std::vector<vexo_entry> all(describe().entries);
@@ -391,33 +397,33 @@ public:
     void load(const std::string& file) { check(vexo_load(handle(), file.c_str())); }
     /** The XML document of the parameters. */
     std::string document() const {
-        char* text = nullptr;
-        return detail::taken(vexo_document(handle(), &text), text);
+        return detail::textOf([&](char** place) { return vexo_document(handle(), place); });
     }
     /** What is open, as JSON. */
     std::string info() const {
-        char* text = nullptr;
-        return detail::taken(vexo_info(handle(), &text), text);
+        return detail::textOf([&](char** place) { return vexo_info(handle(), place); });
     }
 
     /** What the assignments would do; nothing is set. */
     Answer plan(std::span<const std::string> assignments) const {
-        vexo_answer* answer = nullptr;
         const auto pointers = detail::pointersTo(assignments);
-        return detail::taken(vexo_ask_plan(handle(), pointers.data(), pointers.size(), &answer), answer);
+        return detail::answerOf([&](vexo_answer** place) {
+                   return vexo_ask_plan(handle(), pointers.data(), pointers.size(), place);
+               })
+            .first;
     }
     Answer plan(std::initializer_list<std::string> assignments) const {
         return plan(std::span(assignments.begin(), assignments.size()));
     }
     /** What a load of the file would lose. */
     Answer losses(const std::string& file) const {
-        vexo_answer* answer = nullptr;
-        return detail::taken(vexo_ask_check(handle(), file.c_str(), &answer), answer);
+        return detail::answerOf(
+                   [&](vexo_answer** place) { return vexo_ask_check(handle(), file.c_str(), place); })
+            .first;
     }
     /** Which settings are accepted, but probably not intended. */
     Answer lint() const {
-        vexo_answer* answer = nullptr;
-        return detail::taken(vexo_ask_lint(handle(), &answer), answer);
+        return detail::answerOf([&](vexo_answer** place) { return vexo_ask_lint(handle(), place); }).first;
     }
 
     /** Wall clock time, `factor` times as fast; 0: stepped. */
