@@ -17,9 +17,10 @@ file(RELATIVE_PATH PREFIX_FROM_PKGCONFIG /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 configure_file(cmake/vexo.pc.in ${CMAKE_BINARY_DIR}/package/vexo.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/package/vexo.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
-install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
-install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs)
-install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR})
+set(doc_dir ${CMAKE_INSTALL_DATADIR}/doc/vexo)
+install(FILES README.md CHANGELOG.md DESTINATION ${doc_dir})
+install(DIRECTORY docs/ DESTINATION ${doc_dir}/docs)
+install(DIRECTORY examples DESTINATION ${doc_dir})
 install(DIRECTORY docs/examples/ DESTINATION ${CMAKE_INSTALL_DATADIR}/vexo/stations)
 
 # appletctl writes its own completions and manual pages.

@@ -1,7 +1,11 @@
 #include "host/Station.h"
 
 #include "applet_tools/answers/jobs.h"
+#include "applet_tools/base/text.h"
 
+#include <unistd.h>
+
+#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <new>
@@ -45,6 +49,12 @@ applet_tools::Words wordsOf(const char* const* texts, std::size_t count) {
         words.emplace_back(texts[i]);
     }
     return words;
+}
+
+void requireReadable(const char* file) {
+    if (access(file, R_OK) != 0)
+        throw Error(VEXO_ERR_FILE,
+                    applet_tools::shownFile(file) + " cannot be read: " + std::strerror(errno));
 }
 
 char* copyOf(const std::string& text) {

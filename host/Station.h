@@ -71,6 +71,9 @@ template <typename Work> int onParameter(vexo_station* station, int id, const Wo
 /** The texts of a caller's list. Throws Error for a null one. */
 applet_tools::Words wordsOf(const char* const* texts, std::size_t count);
 
+/** Throws Error if the file cannot be read. */
+void requireReadable(const char* file);
+
 /** The text in memory that the caller frees. */
 char* copyOf(const std::string& text);
 

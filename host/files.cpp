@@ -9,9 +9,6 @@
 
 #include "vexo/fg_errors.h"
 
-#include <unistd.h>
-
-#include <cerrno>
 #include <cstring>
 
 using namespace host;
@@ -77,12 +74,11 @@ int vexo_load(vexo_station* station, const char* file) {
     if (file == nullptr) return failNull("the name of the file");
     return onLocked(station, [&](vexo_station& own) {
         requireBoard(own, "load");
-        const std::string shown = applet_tools::shownFile(file);
-        if (access(file, R_OK) != 0)
-            throw Error(VEXO_ERR_FILE, shown + " cannot be read: " + std::strerror(errno));
+        requireReadable(file);
         const int code = loadConfiguration(own.instance, file);
         if (code != FG_OK)
-            throw Error(code, "the load of " + shown + " answered " + applet_tools::codeInWords(code) +
+            throw Error(code, "the load of " + applet_tools::shownFile(file) + " answered " +
+                                  applet_tools::codeInWords(code) +
                                   (own.givesAdvice ? lossesOf(own, file) : ""));
     });
 }

@@ -60,10 +60,10 @@ template <typename To, typename From> std::optional<To> converted(From value) {
 
 /** What the applet writes: a number in the parameter's own type. */
 union RawNumber {
+    std::uint64_t u64;
     std::int32_t i32;
     std::uint32_t u32;
     std::int64_t i64;
-    std::uint64_t u64;
     double f64;
 };
 
@@ -91,7 +91,7 @@ template <typename To> int getNumber(vexo_station* station, int id, To* value) n
     const ParameterRow* const row = station->table.find(id);
     if (row == nullptr) return id < 0 ? id : guarded([&]() -> int { return rowOf(*station, id).id; });
     if (!row->isNumber) return guarded([&]() -> int { throwOtherKind(*row, "a number"); });
-    RawNumber raw; // written by the applet
+    RawNumber raw{.u64 = 0}; // the applet leaves it in some states that have no value
     int code = VEXO_OK;
     try {
         code = station->get(station->fg, id, &raw, 0, row->tag);

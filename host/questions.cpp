@@ -4,6 +4,7 @@
 #include "applet_tools/answers/lint.h"
 #include "applet_tools/answers/loading.h"
 #include "applet_tools/answers/plan.h"
+#include "applet_tools/applet/assignments.h"
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/text.h"
 #include "host/Station.h"
@@ -44,8 +45,19 @@ template <typename Ask> int answered(vexo_station* station, vexo_answer** answer
     });
 }
 
-Words with(const char* assignments) {
-    return assignments != nullptr ? applet_tools::splitLine(assignments).words : Words{};
+/** Reads the words here first: the scratch board does not tell an unknown name from another mistake. */
+const Words& read(vexo_station& station, const Words& words) {
+    const applet_tools::ParameterList& parameters = station.live.parameters();
+    for (const std::string& word : words)
+        if (applet_tools::isAssignment(word))
+            parseAssignments(parameters, {word});
+        else
+            findTarget(parameters, word);
+    return words;
+}
+
+Words with(vexo_station& station, const char* assignments) {
+    return assignments != nullptr ? read(station, applet_tools::splitLine(assignments).words) : Words{};
 }
 
 /** The accepted range; empty if it is no number, or none is accepted. */
@@ -72,10 +84,7 @@ int vexo_ask_limits(vexo_station* station, const char* name, const char* assumed
     std::optional<vexo_range> found;
     const int code =
         answered(station, answer, [&](vexo_station& own, std::string& text, ordered_json& document) {
-            const auto answers = askAcceptedValues(asking(own), {name}, with(assumed));
-            if (answers.size() != 1)
-                throw Error(VEXO_ERR_NAME, "one parameter is asked for, not those that match " +
-                                               applet_tools::inQuotedWord(name));
+            const auto answers = askAcceptedValues(asking(own), read(own, {name}), with(own, assumed));
             const applet_tools::AcceptedValues& its = answers.front();
             const applet_tools::Parameter& parameter = own.live.parameters().find(its.parameter);
             text = linesOf(its.subject, rowsOf(its, parameter));
@@ -100,7 +109,8 @@ int vexo_ask_why(vexo_station* station, const char* question, const char* assume
             else
                 rows.push_back(asJson(its, findTarget(own.live.parameters(), its.subject)));
         };
-        for (const applet_tools::WhyAnswer& its : askWhy(asking(own), {question}, with(assumed)))
+        for (const applet_tools::WhyAnswer& its :
+             askWhy(asking(own), read(own, {question}), with(own, assumed)))
             std::visit(add, its);
     });
 }
@@ -108,7 +118,7 @@ int vexo_ask_why(vexo_station* station, const char* question, const char* assume
 int vexo_ask_plan(vexo_station* station, const char* const* assignments, size_t count, vexo_answer** answer) {
     if (assignments == nullptr && count > 0) return failNull("the list of assignments");
     return answered(station, answer, [&](vexo_station& own, std::string& text, ordered_json& document) {
-        applet_tools::AssignmentsPlan plan = askPlan(asking(own), wordsOf(assignments, count));
+        applet_tools::AssignmentsPlan plan = askPlan(asking(own), read(own, wordsOf(assignments, count)));
         text = plan.words;
         document["assignments"] = std::move(plan.rows);
         if (!plan.notSet.empty()) document["notSet"] = plan.notSet;
@@ -118,6 +128,7 @@ int vexo_ask_plan(vexo_station* station, const char* const* assignments, size_t 
 int vexo_ask_check(vexo_station* station, const char* file, vexo_answer** answer) {
     if (file == nullptr) return failNull("the name of the file");
     return answered(station, answer, [&](vexo_station& own, std::string& text, ordered_json& document) {
+        requireReadable(file);
         const applet_tools::LoadCheck check = askCheck(asking(own).scratch(), file);
         document["code"] = check.code;
         document["findings"] = asJson(check.findings);
