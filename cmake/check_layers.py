@@ -45,6 +45,7 @@ PRODUCER_FEATURES = [*PRODUCER_BASE, f"{PRODUCER}features/**"]
 STATION_FILES = [f"{TOOLS}{name}.h" for name in ("base/errors", "base/numbers", "station/StationFile")]
 PRODUCER_DEVICE = [*PRODUCER_FEATURES, *HOST, *STATION_FILES, f"{PRODUCER}device/**"]
 PRODUCER_MODULES = [*PRODUCER_DEVICE, f"{PRODUCER}modules/**"]
+HOST_LIBRARY = [*TOOLS_ALL, "host/**"]
 COMMANDS = [*TOOLS_ALL, *DRAW, f"{TOOL}commands/*"]
 CLI = [*COMMANDS, f"{TOOL}commands/**", "tools/serve/*", f"{TOOL}cli/*"]
 SHELL = [*CLI, f"{TOOL}cli/shell/*"]
@@ -95,6 +96,10 @@ ROOMS = [
     (f"{HTTP}routes/**", HTTP_ROUTES),
     (f"{HTTP}*", [*HTTP_ROUTES, f"{HTTP}*"]),
     ("tools/serve/**", SERVE),
+    # Programs in C++ see only the two headers.
+    ("host/vexo.h", []),
+    ("host/vexo.hpp", ["host/vexo.h"]),
+    ("host/**", HOST_LIBRARY),
     (f"{PRODUCER}base/**", PRODUCER_BASE),
     (f"{PRODUCER}features/**", PRODUCER_FEATURES),
     (f"{PRODUCER}device/**", PRODUCER_DEVICE),
@@ -117,10 +122,10 @@ ROOMS = [
     ("page/*", ["page/**"]),
 ]
 # Printing code, in files that must not print.
-SILENT = [f"{TOOLS}**", "tools/serve/**", f"{PRODUCER}**"]
+SILENT = [f"{TOOLS}**", "host/**", "tools/serve/**", f"{PRODUCER}**"]
 PRINTING = re.compile(r"#\s*include\s+<(?:iostream|cstdio|stdio\.h|print)>|"
                       r"\bstd::(?:cout|cerr|clog)\b|\b(?:f?printf|f?puts|putchar)\(")
-CHECKED = ["include", "src", "station", "virtual_board", "tools", "producer", "page"]
+CHECKED = ["include", "src", "station", "virtual_board", "tools", "host", "producer", "page"]
 INCLUDE_ROOTS = ["include", "src", "tools", "producer", "."]
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.MULTILINE)
 IMPORT = re.compile(r"\b(?:from |import\()'([^']+)'")

@@ -5,7 +5,6 @@
 #include <dlfcn.h>
 
 #include <atomic>
-#include <cstdlib>
 #include <mutex>
 
 namespace producer {
@@ -31,12 +30,8 @@ Libraries loadLibraries() {
     static std::weak_ptr<const applet_host::AppletHost> loaded;
     const std::lock_guard lock(mutex);
     if (Libraries libraries = loaded.lock()) return libraries;
-    const char* const chosen = std::getenv("VEXO_LIBRARY_DIR");
-    const std::filesystem::path folder = chosen != nullptr ? chosen : producerFile().parent_path();
-    applet_host::Locations where{folder / "libGrab_TwinLaneLineColor.so", folder / "virtual-board"};
-    if (const char* underTest = std::getenv("APPLET_UNDER_TEST")) where.applet = underTest;
     try {
-        Libraries libraries = std::make_shared<const applet_host::AppletHost>(where);
+        Libraries libraries = std::make_shared<const applet_host::AppletHost>();
         loaded = libraries;
         ++loads;
         return libraries;

@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
+#include <mutex>
 #include <span>
 #include <string>
 
@@ -146,17 +147,81 @@ void bindAll(void* library, const std::filesystem::path& path, std::span<const B
 
 } // namespace
 
-Locations Locations::beside() {
-    const std::filesystem::path prefix =
-        std::filesystem::read_symlink("/proc/self/exe").parent_path().parent_path();
-    // A build tree has lib/; an installed tree may have a folder of the machine's architecture instead.
-    std::filesystem::path libraries = prefix / "lib";
+std::filesystem::path folderOfThisCode() {
+    Dl_info info{};
+    link_map* entry = nullptr;
+    void* found = nullptr;
+    const bool isKnown =
+        dladdr1(reinterpret_cast<const void*>(&folderOfThisCode), &info, &found, RTLD_DL_LINKMAP) != 0;
+    if (isKnown) entry = static_cast<link_map*>(found);
+    // The program itself has no name in the loader's list.
+    if (entry == nullptr || entry->l_name[0] == '\0')
+        return std::filesystem::read_symlink("/proc/self/exe").parent_path();
+    return std::filesystem::absolute(entry->l_name).parent_path();
+}
+
+namespace {
+
+/** The applet's file in a folder: in a build tree beside the other libraries, installed in a folder of its own. */
+std::filesystem::path appletIn(const std::filesystem::path& folder) {
     std::error_code ignored;
-    if (!std::filesystem::exists(libraries / appletLibrary, ignored) &&
-        std::filesystem::exists(prefix / APPLET_INSTALL_LIBDIR / appletLibrary, ignored)) {
-        libraries = prefix / APPLET_INSTALL_LIBDIR;
+    std::filesystem::path own = folder / "applets" / appletLibrary;
+    return std::filesystem::exists(own, ignored) ? own : folder / appletLibrary;
+}
+
+/** The folder of the libraries as seen from this code, in a build tree or installed. */
+std::filesystem::path nearestFolder() {
+    const std::filesystem::path here = folderOfThisCode();
+    const std::filesystem::path prefix = here.parent_path();
+    std::error_code ignored;
+    for (const std::filesystem::path& folder : {here, here / "vexo", prefix / APPLET_INSTALL_LIBDIR / "vexo"})
+        if (std::filesystem::exists(appletIn(folder), ignored)) return folder;
+    return prefix / "lib";
+}
+
+struct ChosenFolder {
+    std::mutex mutex;
+    std::filesystem::path path; // empty: none was chosen
+};
+
+ChosenFolder& chosenFolder() {
+    static ChosenFolder ofProcess;
+    return ofProcess;
+}
+
+} // namespace
+
+std::filesystem::path libraryFolder() {
+    {
+        ChosenFolder& chosen = chosenFolder();
+        const std::lock_guard lock(chosen.mutex);
+        if (!chosen.path.empty()) return chosen.path;
     }
-    Locations where{libraries / appletLibrary, libraries / "virtual-board"};
+    const char* const named = std::getenv("VEXO_LIBRARY_DIR");
+    return named != nullptr ? std::filesystem::path(named) : nearestFolder();
+}
+
+bool chooseFolder(const std::filesystem::path& folder) {
+    const std::filesystem::path wanted = std::filesystem::weakly_canonical(folder);
+    ChosenFolder& chosen = chosenFolder();
+    const std::lock_guard lock(chosen.mutex);
+    if (!chosen.path.empty() && chosen.path != wanted)
+        throw HostError("this process uses the libraries of " + chosen.path.string() +
+                        ", and cannot load those of " + wanted.string() + " as well");
+    const bool isNew = chosen.path.empty();
+    chosen.path = wanted;
+    return isNew;
+}
+
+void forgetFolder() {
+    ChosenFolder& chosen = chosenFolder();
+    const std::lock_guard lock(chosen.mutex);
+    chosen.path.clear();
+}
+
+Locations Locations::beside() {
+    const std::filesystem::path folder = libraryFolder();
+    Locations where{appletIn(folder), folder / "virtual-board"};
     if (const char* underTest = std::getenv("APPLET_UNDER_TEST")) where.applet = underTest;
     return where;
 }

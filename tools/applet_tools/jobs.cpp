@@ -7,6 +7,7 @@
 #include "applet_tools/answers/lint/lint.h"
 #include "applet_tools/answers/loading.h"
 #include "applet_tools/answers/order.h"
+#include "applet_tools/answers/plan.h"
 #include "applet_tools/answers/routes.h"
 #include "applet_tools/answers/why.h"
 #include "applet_tools/scratch/defaults_and_roles.h"
@@ -29,6 +30,7 @@ constexpr JobRow jobs[] = {
     {"limits", "what the setters accept", limitsJob},
     {"lint", "what is doubtful", lintJob},
     {"order", "an order in which all assignments pass", orderJob},
+    {"planAssignments", "what the assignments would do", assignmentsPlanJob},
     {"routes", "what the applet writes for each route", routesJob},
     {"suggestion", "what would let the refused value through", suggestionJob},
     {"why", "what would free it", whyJob},

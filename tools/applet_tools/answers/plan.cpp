@@ -1,6 +1,9 @@
 #include "applet_tools/answers/plan.h"
 
 #include "applet_tools/applet/access_log.h"
+#include "applet_tools/applet/assignments.h"
+#include "applet_tools/base/text.h"
+#include "applet_tools/scratch/refusal.h"
 
 #include "vexo/fg_errors.h"
 
@@ -110,6 +113,61 @@ ChangeWatch::Changes ChangeWatch::take(const Parameter& own) {
     m_design = std::move(design);
     m_facts = std::move(facts);
     return changes;
+}
+
+namespace {
+
+void addLine(std::string& text, const std::string& line) { text += (text.empty() ? "" : "\n") + line; }
+
+void addChanges(const ChangeWatch::Changes& changes, std::string& words, nlohmann::ordered_json& row) {
+    for (const DesignChange& change : changes.design)
+        addLine(words, "  " + inWords(change));
+    for (const auto& [parameter, move] : changes.moves)
+        addLine(words, "  " + parameter + ", " + move.what + ": " + move.from + " -> " + move.to);
+    row["changes"] = asJson(changes.design);
+    row["moves"] = asJson(changes.moves);
+}
+
+} // namespace
+
+json assignmentsPlanJob(ScratchSession& session, const json& arguments) {
+    AssignmentsPlan plan;
+    ChangeWatch watch(session);
+    const auto add = [&](const AssignmentResult& result) {
+        const auto& [target, text, value] = result.assignment;
+        nlohmann::ordered_json row = asJson(result);
+        if (result.isLeftOut) {
+            addLine(plan.words, target.name() + " would write a file; it was left out");
+        } else if (result.code == FG_OK) {
+            const Value& taken = result.actual.error == FG_OK ? result.actual.value : value;
+            addLine(plan.words,
+                    target.name() + " = " + toUtf8(valueWithUnit(*target.parameter, taken).c_str()));
+            addChanges(watch.take(*target.parameter), plan.words, row);
+        } else {
+            std::string refusal = refusalInWords(result);
+            session.keep();
+            Probe probe(session);
+            const Suggestion suggestion = suggestionFor(probe, result.assignment);
+            refusal += suggestion.words;
+            if (suggestion.members.is_object()) row.update(suggestion.members);
+            row["error"]["message"] = refusal;
+            addLine(plan.words, refusal);
+        }
+        plan.rows.push_back(std::move(row));
+    };
+    const AssignmentHooks hooks{
+        .takeWrites = [&] { return takeWrites(session.instance()); },
+        .isLeftOut = [](const Assignment& assignment) { return assignment.target.parameter->writesFile(); },
+        .after = add};
+    const auto words = arguments.at("assignments").get<Words>();
+    plan.notSet = applyAssignments(session.instance(), session.parameters(), words, hooks).notSet;
+    return {{"rows", plan.rows.dump()}, {"notSet", plan.notSet}, {"words", plan.words}};
+}
+
+AssignmentsPlan askPlan(LiveSession& live, const Words& assignments) {
+    const json answer = live.scratch().ask("planAssignments", {{"assignments", assignments}});
+    return {nlohmann::ordered_json::parse(answer["rows"].get<std::string>()), answer["notSet"].get<Words>(),
+            answer["words"].get<std::string>()};
 }
 
 FilePlan planFile(ScratchSession& session, const std::string& file) {

@@ -4,6 +4,7 @@
 
 #include "applet_tools/answers/differences.h"
 #include "applet_tools/scratch/DesignSnapshot.h"
+#include "applet_tools/scratch/LiveSession.h"
 
 #include <nlohmann/json.hpp>
 
@@ -58,6 +59,22 @@ struct FilePlan {
 
 /** Loads the file into the scratch board; does not restore it. Throws UsageError if it cannot be read. */
 FilePlan planFile(ScratchSession& session, const std::string& file);
+
+/** The effect of assignments: a row for each, with the members of an AssignmentResult, "changes" and "moves"; a
+ *  refused one is the last, with "error" {..., "message"}. Then the names after it. */
+struct AssignmentsPlan {
+    nlohmann::ordered_json rows = nlohmann::ordered_json::array();
+    Words notSet{};
+    /** One or more lines for each assignment. */
+    std::string words{};
+};
+
+/** The effect on the state of the live applet. Nothing is set there, and assignments that would write a file
+ *  are left out. Throws UsageError for a word that is not an assignment. */
+AssignmentsPlan askPlan(LiveSession& live, const Words& assignments);
+
+/** The scratch board job that implements it: {"assignments": [WORD, ...]}: {"rows", "notSet", "words"}. */
+json assignmentsPlanJob(ScratchSession& session, const json& arguments);
 
 } // namespace applet_tools
 

@@ -1,4 +1,4 @@
-/** Counts this process's operations on applets, for -v. */
+/** Counts a thread's operations on applets, for -v. */
 #ifndef APPLET_TOOLS_APPLET_EFFORT_H
 #define APPLET_TOOLS_APPLET_EFFORT_H
 
@@ -12,10 +12,10 @@ struct Effort {
     std::size_t bringUps = 0; /**< of instances */
 };
 
-/** The counters of the process. It has one thread. */
+/** The counters of this thread. */
 inline Effort& effort() {
-    static Effort ofProcess;
-    return ofProcess;
+    thread_local Effort ofThread;
+    return ofThread;
 }
 
 } // namespace applet_tools

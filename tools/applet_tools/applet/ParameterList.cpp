@@ -135,12 +135,17 @@ const Parameter& ParameterList::find(std::string_view name) const {
     }
     if (found.size() == 1) return *found.front();
     const std::string shown = inQuotedWord(name);
-    if (found.empty()) throw UsageError("there is no parameter " + shown + suggestion(closestNames(wanted)));
+    if (found.empty()) {
+        std::vector<std::string> closest = closestNames(wanted);
+        const std::string words = "there is no parameter " + shown + suggestion(closest);
+        throw UnknownName(words, std::move(closest));
+    }
     std::vector<std::string> names;
     names.reserve(found.size());
     for (const Parameter* parameter : found)
         names.push_back(parameter->name);
-    throw UsageError("the name " + shown + " is ambiguous" + suggestion(names));
+    const std::string words = "the name " + shown + " is ambiguous" + suggestion(names);
+    throw UnknownName(words, std::move(names));
 }
 
 std::vector<const Parameter*> ParameterList::matching(const std::string& pattern) const {

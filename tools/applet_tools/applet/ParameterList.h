@@ -44,8 +44,8 @@ public:
 
     const std::vector<Parameter>& all() const { return m_parameters; }
 
-    /** The parameter with that name; case and the prefix "FG_" do not matter. Throws UsageError, with the
-     *  closest names, when there is none or more than one. */
+    /** The parameter with that name; case and the prefix "FG_" do not matter; a label or an id
+     *  is a name too. Throws UnknownName, with the closest names, when there is none or more than one. */
     const Parameter& find(std::string_view name) const;
 
     /** The parameters whose name matches a glob (if it holds * ? or [) or contains the text, in any case.

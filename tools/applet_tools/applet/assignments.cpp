@@ -114,6 +114,12 @@ AssignmentResult apply(Instance& instance, const Assignment& assignment, const A
 
 } // namespace
 
+AssignmentResult refusedResult(Instance& instance, const Assignment& assignment, int code) {
+    return {.assignment = assignment,
+            .code = code,
+            .reason = reasonOf(instance, *assignment.target.parameter, code)};
+}
+
 AssignmentsOutcome applyAssignments(Instance& instance, const ParameterList& parameters, const Words& words,
                                     const AssignmentHooks& hooks) {
     const std::vector<Assignment> assignments = parseAssignments(parameters, words);

@@ -61,6 +61,9 @@ struct AssignmentsOutcome {
 AssignmentsOutcome applyAssignments(Instance& instance, const ParameterList& parameters, const Words& words,
                                     const AssignmentHooks& hooks);
 
+/** The result of a set that was refused with this code. */
+AssignmentResult refusedResult(Instance& instance, const Assignment& assignment, int code);
+
 /** "-6000, value out of range; the present limits are ...": the code, and the limits or entries of the live
  *  record after the refusal. */
 std::string refusalInWords(const Parameter& parameter, const Value& value, int code);

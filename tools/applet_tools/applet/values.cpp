@@ -286,6 +286,12 @@ std::string exactValueWithUnit(const Parameter& parameter, const Value& value) {
     return exactText(*number) + (parameter.unit().empty() ? "" : " " + parameter.unit());
 }
 
+std::string shownReading(const Parameter& parameter, const ReadResult& reading) {
+    if (!reading.isMeasured) return notMeasuredText;
+    if (reading.error != FG_OK) return "- (" + codeInWords(reading.error) + ")";
+    return valueWithUnit(parameter, reading.value);
+}
+
 void addValue(nlohmann::ordered_json& object, const Target& target, const Value& value) {
     std::visit(
         [&](const auto& native) {

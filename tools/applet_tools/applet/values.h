@@ -71,6 +71,9 @@ std::string exactValueWithUnit(const Parameter& parameter, const Value& value);
 /** Like valueText, with the number of an enumeration, "RGB8 (1025)", and the unit. */
 std::string valueWithUnit(const Parameter& parameter, const Value& value);
 
+/** "1024 pixel"; "-" and the reason if there is no value. */
+std::string shownReading(const Parameter& parameter, const ReadResult& reading);
+
 /** Adds "value" and, for enumerations, "symbol" and "label"; for a whole array "elements", their number; for
  *  one element "index" and "value", for several "first" and "values". */
 void addValue(nlohmann::ordered_json& object, const Target& target, const Value& value);

@@ -8,12 +8,23 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace applet_tools {
 
 /** An invalid request; nothing was done. */
 struct UsageError : std::runtime_error {
     using std::runtime_error::runtime_error;
+};
+
+/** No parameter has the name, or more than one; nothing was done. */
+struct UnknownName : UsageError {
+    UnknownName(const std::string& words, std::vector<std::string> names)
+        : UsageError(words)
+        , nearest(std::move(names)) {}
+
+    std::vector<std::string> nearest; /**< the names that may be meant */
 };
 
 /** The applet or the board could not carry out the request. */

@@ -8,6 +8,7 @@
 #include "applet_tools/scratch/ScratchSession.h"
 
 #include <poll.h>
+#include <spawn.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
@@ -77,11 +78,9 @@ private:
 };
 
 /** Answers messages until the parent has ended. */
-void serve(int socket, pid_t parent, const BoardOptions& options, std::span<const JobRow> jobs) {
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
-    if (getppid() != parent) _exit(0); // the parent ended before prctl
-    std::signal(SIGINT, SIG_IGN);      // the parent handles Ctrl-C
-    unsetenv("VBOARD_LOG_LEVEL");      // logging is for the live board
+void serve(int socket, const BoardOptions& options, std::span<const JobRow> jobs) {
+    std::signal(SIGINT, SIG_IGN); // the parent handles Ctrl-C
+    unsetenv("VBOARD_LOG_LEVEL"); // logging is for the live board
     Server server(socket, options, jobs);
     MessageReader reader(socket);
     while (const std::optional<json> message = reader.wait()) {
@@ -103,39 +102,96 @@ void serve(int socket, pid_t parent, const BoardOptions& options, std::span<cons
     }
 }
 
-/** The child's main function. An escaping exception would continue as a second parent. */
+/** The main function of a copy. An escaping exception would continue as a second parent. */
 [[noreturn]] void live(int socket, pid_t parent, const BoardOptions& options, std::span<const JobRow> jobs) {
     try {
-        serve(socket, parent, options, jobs);
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
+        if (getppid() != parent) _exit(0); // the parent ended before prctl
+        serve(socket, options, jobs);
     } catch (const std::exception&) { // no memory for a message; the parent sees that the child ended
         _exit(EXIT_FAILURE);
     }
     _exit(EXIT_SUCCESS);
 }
 
-} // namespace
-
-ScratchBoard::ScratchBoard(const BoardOptions& options, std::span<const JobRow> jobs, ObserveWork observe)
-    : m_jobs(jobs)
-    , m_observe(std::move(observe)) {
-    int sockets[2];
-    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, sockets) != 0)
-        throw Unavailable(std::string("no scratch board can be made: ") + std::strerror(errno));
-    const pid_t parent = getpid();
-    m_child = fork();
-    if (m_child == 0) {
-        close(sockets[0]);
-        live(sockets[1], parent, options, jobs);
-    }
-    close(sockets[1]);
-    m_socket = Descriptor(sockets[0]);
-    m_reader.emplace(sockets[0]);
-    if (m_child < 0) throw Unavailable(std::string("no scratch board can be made: ") + std::strerror(errno));
+[[noreturn]] void failToStart(int error) {
+    throw Unavailable(std::string("no scratch board can be made: ") + std::strerror(error));
 }
 
-ScratchBoard::~ScratchBoard() {
+/** What posix_spawn does between fork and exec. */
+class SpawnActions {
+public:
+    SpawnActions() { posix_spawn_file_actions_init(&m_actions); }
+    ~SpawnActions() { posix_spawn_file_actions_destroy(&m_actions); }
+    SpawnActions(const SpawnActions&) = delete;
+    SpawnActions& operator=(const SpawnActions&) = delete;
+    posix_spawn_file_actions_t* get() { return &m_actions; }
+
+private:
+    posix_spawn_file_actions_t m_actions{};
+};
+
+pid_t startProgram(const BoardOptions& options, int socket) {
+    SpawnActions actions;
+    posix_spawn_file_actions_adddup2(actions.get(), socket, scratchSocket);
+    posix_spawn_file_actions_addclosefrom_np(actions.get(), scratchSocket + 1);
+    std::string name = options.scratchProgram, applet = options.applet;
+    std::string folder = applet_host::libraryFolder().string();
+    char* const arguments[] = {name.data(), folder.data(), applet.data(), nullptr};
+    pid_t child = -1;
+    const int error = posix_spawn(&child, name.c_str(), actions.get(), nullptr, arguments, environ);
+    if (error != 0)
+        throw Unavailable("no scratch board can be made: the program " + shownFile(name) +
+                          " cannot be started: " + std::strerror(error));
+    return child;
+}
+
+} // namespace
+
+int runScratchBoard(const std::string& folder, const std::string& applet, std::span<const JobRow> jobs) {
+    try {
+        if (!folder.empty()) applet_host::chooseFolder(folder);
+        BoardOptions options;
+        options.applet = applet;
+        serve(scratchSocket, options, jobs);
+    } catch (const std::exception&) { // the other side sees that the program ended
+        return EXIT_FAILURE;
+    }
+    return EXIT_SUCCESS;
+}
+
+ScratchBoard::ScratchBoard(const BoardOptions& options, std::span<const JobRow> jobs, ObserveWork observe)
+    : m_options(options)
+    , m_jobs(jobs)
+    , m_observe(std::move(observe)) {
+    if (m_options.scratchProgram.empty()) start();
+}
+
+void ScratchBoard::start() {
+    int sockets[2];
+    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, sockets) != 0) failToStart(errno);
+    m_socket = Descriptor(sockets[0]);
+    const Descriptor other(sockets[1]);
+    if (!m_options.scratchProgram.empty()) {
+        m_child = startProgram(m_options, sockets[1]);
+    } else {
+        const pid_t parent = getpid();
+        m_child = fork();
+        if (m_child == 0) {
+            close(sockets[0]);
+            live(sockets[1], parent, m_options, m_jobs);
+        }
+        if (m_child < 0) failToStart(errno);
+    }
+    m_reader.emplace(sockets[0]);
+}
+
+ScratchBoard::~ScratchBoard() { end(); }
+
+void ScratchBoard::end() {
+    m_reader.reset();
     m_socket = Descriptor(); // closing it ends the child
-    if (m_child > 0) waitpid(m_child, nullptr, 0);
+    if (m_child > 0) waitpid(std::exchange(m_child, -1), nullptr, 0);
 }
 
 json ScratchBoard::startFrom(const json& state) {
@@ -198,11 +254,15 @@ std::optional<json> receiveAnswer(int socket, MessageReader& reader, WorkObserve
 } // namespace
 
 json ScratchBoard::request(const json& message) {
+    if (!m_reader) start();
     const std::unique_ptr<WorkObserver> observer = m_observe ? m_observe() : nullptr;
     std::optional<json> answer;
     if (sendMessage(m_socket.number(), message))
         answer = receiveAnswer(m_socket.number(), *m_reader, observer.get());
-    if (!answer) throw Failure("the scratch board has ended unexpectedly");
+    if (!answer) {
+        if (!m_options.scratchProgram.empty()) end(); // the next request starts another one
+        throw Failure("the scratch board has ended unexpectedly");
+    }
     if (answer->contains("usage")) throw UsageError((*answer)["usage"].get<std::string>());
     if (answer->contains("unavailable")) throw Unavailable((*answer)["unavailable"].get<std::string>());
     if (answer->contains("failure"))

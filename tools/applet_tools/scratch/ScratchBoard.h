@@ -20,8 +20,9 @@ namespace applet_tools {
 struct JobRow;
 
 /** Uses a process of its own, since the virtual board's libraries have the names of the real ones and a
- *  process can load only one of the two. Make it before any library is loaded. The child loads them with the
- *  first state, and ends with the object. */
+ *  process can load only one of the two. A copy of this process starts at once: make it before any library is
+ *  loaded, and before there are threads. A program starts with the first request. The child loads the libraries
+ *  with the first state, and ends with the object. */
 class ScratchBoard {
 public:
     /** `jobs` are its jobs; each wait for an answer is observed. */
@@ -40,8 +41,11 @@ public:
     Words takeNotes();
 
 private:
+    void start();
+    void end();
     nlohmann::json request(const nlohmann::json& message);
 
+    BoardOptions m_options;
     std::span<const JobRow> m_jobs;
     ObserveWork m_observe;
     pid_t m_child = -1;
@@ -49,6 +53,13 @@ private:
     std::optional<MessageReader> m_reader;
     Words m_notes;
 };
+
+/** The descriptor of the socket with which a program for scratch boards starts. */
+inline constexpr int scratchSocket = 3;
+
+/** The work of a program for scratch boards. Its arguments are the folder of the libraries, and the file of the
+ *  applet's; empty ones: the default. Answers messages until the other side has closed. Returns the exit code. */
+int runScratchBoard(const std::string& folder, const std::string& applet, std::span<const JobRow> jobs);
 
 } // namespace applet_tools
 

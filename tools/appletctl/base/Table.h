@@ -63,6 +63,15 @@ private:
     std::vector<std::string> m_dispensable;
 };
 
+/** A table of rows below the subject. */
+inline Table tableOf(const std::string& subject, const std::vector<std::vector<std::string>>& rows) {
+    Table table;
+    table.addSubject(subject);
+    for (const std::vector<std::string>& cells : rows)
+        table.addRow(cells);
+    return table;
+}
+
 } // namespace appletctl
 
 #endif

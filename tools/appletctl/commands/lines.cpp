@@ -12,12 +12,6 @@ std::string valueLine(const Target& target, const Value& value) {
                   target.name() + " = " + valueWithUnit(parameter, value));
 }
 
-std::string shownReading(const Parameter& parameter, const ReadResult& reading) {
-    if (!reading.isMeasured) return notMeasuredText;
-    if (reading.error != FG_OK) return "- (" + codeInWords(reading.error) + ")";
-    return valueWithUnit(parameter, reading.value);
-}
-
 std::string accessLine(const std::string& line) {
     std::vector<std::string> cells;
     std::istringstream words(line);

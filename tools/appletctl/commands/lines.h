@@ -12,9 +12,6 @@ namespace appletctl {
 /** "FG_WIDTH = 1024 pixel"; with --plain the name, the value as valueText and the unit. */
 std::string valueLine(const Target& target, const Value& value);
 
-/** "1024 pixel"; "-" and the reason if there is no value. */
-std::string shownReading(const Parameter& parameter, const ReadResult& reading);
-
 /** A line of the board's log; its words are the cells with --plain. */
 std::string accessLine(const std::string& line);
 

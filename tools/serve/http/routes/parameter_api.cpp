@@ -4,6 +4,7 @@
 #include "applet_tools/applet/assignments.h"
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/text.h"
+#include "applet_tools/scratch/ValuesBefore.h"
 #include "applet_tools/scratch/refusal.h"
 #include "serve/http/protocol/Query.h"
 
@@ -57,27 +58,6 @@ HttpError refusalOf(LiveSession& live, const Assignment& assignment, const std::
     return {status::conflict, "refused", words + suggestion.words, std::move(members)};
 }
 
-/** Values of the targets, to be set again if a later assignment is refused. */
-class Before {
-public:
-    Before(LiveSession& live, const Words& words) : m_live(live) {
-        for (const Assignment& assignment : parseAssignments(live.parameters(), words)) {
-            if (!assignment.target.parameter->effectOfReading().empty()) continue;
-            const ReadResult reading = readValue(live.instance(), assignment.target);
-            if (reading.error == FG_OK) m_values.emplace_back(assignment.target.name(), reading.value);
-        }
-    }
-    void restore() {
-        std::ranges::reverse(m_values);
-        for (const auto& [name, value] : m_values)
-            writeValue(m_live.instance(), findTarget(m_live.parameters(), name), value);
-    }
-
-private:
-    LiveSession& m_live;
-    std::vector<std::pair<std::string, Value>> m_values;
-};
-
 /** A client of the page writes no files of this machine. */
 void refuseFiles(LiveSession& live, const Words& words) {
     for (const Assignment& assignment : parseAssignments(live.parameters(), words))
@@ -103,7 +83,7 @@ Json applyInAnyOrder(Station& station, const Words& words) {
 Json applyAll(Station& station, const Words& words) {
     LiveSession& live = *station.access.live;
     refuseFiles(live, words);
-    Before before(live, words);
+    ValuesBefore before(live, words);
     Json settings = Json::array();
     std::optional<HttpError> refusal;
     const auto after = [&](const AssignmentResult& result) {

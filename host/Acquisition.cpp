@@ -1,0 +1,127 @@
+#include "host/Acquisition.h"
+
+#include "applet_tools/base/errors.h"
+
+#include "vexo/fg_errors.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace host {
+namespace {
+
+using applet_tools::Ticks;
+
+/** More than any picture has. A frame takes no memory, as pictures are made in that of the caller. */
+constexpr std::uint64_t frameBytes = std::uint64_t{1} << 40;
+
+[[noreturn]] void throwGone(std::int64_t number) {
+    throw Error(VEXO_ERR_GONE,
+                "picture " + std::to_string(number) +
+                    " is not in the memory: it was overwritten or released, or has not come yet");
+}
+
+vexo_picture pictureOf(const vboard_record& record) {
+    return {.number = record.picture,
+            .size = record.size,
+            .width = record.width,
+            .height = record.lines,
+            .stride = record.bytes_per_line,
+            .bits = record.bits,
+            .first_line = record.first_line,
+            .last_line = record.last_line,
+            .arrival = record.arrival,
+            .lost_before = record.lost_before,
+            .trigger = record.trigger,
+            .encoder = record.encoder,
+            .is_short = record.is_short,
+            .is_narrow = record.is_narrow};
+}
+
+/** How far a wait goes at once: some hundredths of a second of the wall clock, whatever the station does. */
+class Stride {
+public:
+    Ticks ticks() const { return m_ticks; }
+    void note(std::chrono::steady_clock::duration took) {
+        using namespace std::chrono_literals;
+        if (took < 10ms) m_ticks = std::min(m_ticks * 2, applet_tools::ticksPerSecond);
+        if (took > 40ms) m_ticks = std::max(m_ticks / 2, applet_tools::ticksPerSecond / 100'000);
+    }
+
+private:
+    Ticks m_ticks = applet_tools::ticksPerSecond / 100;
+};
+
+} // namespace
+
+Acquisition::Acquisition(applet_tools::Instance& instance, std::uint32_t frames, vexo_memory kind)
+    : m_instance(instance)
+    , m_frames(frames)
+    , m_kind(kind)
+    , m_memory(instance.board().memory(instance.device(), frames, frameBytes,
+                                       kind == VEXO_RING ? VBOARD_RING : VBOARD_BLOCKING),
+               FreeMemory{&instance.board()})
+    , m_start(waitStart(instance)) {
+    if (m_memory == nullptr) throw std::bad_alloc();
+    constexpr std::intptr_t withoutEnd = 0;
+    const int code = instance.applet().Fg_AcquireEx(instance.fg(), 0, withoutEnd, 0, m_memory.get());
+    if (code != FG_OK)
+        throw Error(code, "the acquisition was not started: " + applet_tools::codeInWords(code));
+}
+
+Acquisition::~Acquisition() { stop(); }
+
+void Acquisition::stop() { m_instance.applet().Fg_stopAcquireEx(m_instance.fg(), 0, m_memory.get(), 0); }
+
+vboard_record Acquisition::recordOf(std::int64_t number) const {
+    vboard_record record{};
+    std::uint8_t noRoom = 0; // fills in the record without the bytes
+    const int code = m_instance.board().frame_into(m_memory.get(), number, &noRoom, 0, &record);
+    if (code == VBOARD_NO_MEMORY) throw std::bad_alloc();
+    if (code != VBOARD_TOO_SMALL) throwGone(number);
+    return record;
+}
+
+bool Acquisition::wait(std::int64_t number, const Deadline& deadline, vexo_picture& picture) {
+    const auto& board = m_instance.board();
+    LOOMdevice* const device = m_instance.device();
+    const std::int64_t wanted = number > 0 ? number : m_last + 1;
+    std::int64_t last = VBOARD_TIMEOUT;
+    Stride stride;
+    while (last == VBOARD_TIMEOUT) {
+        const Ticks now = board.now(device);
+        const bool isOver = deadline.isOver(now); // one more look all the same
+        const auto begin = std::chrono::steady_clock::now();
+        last = board.wait(device, wanted, isOver ? 0 : std::min(stride.ticks(), deadline.tick() - now));
+        stride.note(std::chrono::steady_clock::now() - begin);
+        if (last == VBOARD_TIMEOUT && isOver) return false;
+    }
+    if (last < 0) throw Error(VEXO_ERR_STATE, "the acquisition has ended");
+    picture = pictureOf(recordOf(wanted));
+    m_last = wanted;
+    return true;
+}
+
+void Acquisition::render(std::int64_t number, void* place, std::uint64_t size) const {
+    vboard_record record{};
+    const int code = m_instance.board().frame_into(m_memory.get(), number, place, size, &record);
+    if (code == VBOARD_NO_MEMORY) throw std::bad_alloc();
+    if (code == VBOARD_TOO_SMALL)
+        throw Error(VEXO_ERR_SPACE, "picture " + std::to_string(number) + " has " +
+                                        std::to_string(record.size) + " bytes, and there is room for " +
+                                        std::to_string(size));
+    if (code != VBOARD_OK) throwGone(number);
+}
+
+void Acquisition::release(std::int64_t number) {
+    if (m_instance.board().release(m_memory.get(), number) != VBOARD_OK) throwGone(number);
+    ++m_released;
+}
+
+bool Acquisition::isFull() const {
+    if (m_kind == VEXO_RING) return false;
+    const std::int64_t last = m_instance.applet().Fg_getLastPicNumberEx(m_instance.fg(), 0, m_memory.get());
+    return last - m_released >= m_frames;
+}
+
+} // namespace host

@@ -1,0 +1,59 @@
+/** An acquisition into a memory of the virtual board. */
+#ifndef HOST_ACQUISITION_H
+#define HOST_ACQUISITION_H
+
+#include "applet_tools/applet/Instance.h"
+#include "applet_tools/station/missing_picture.h"
+#include "host/Deadline.h"
+#include "host/vexo.h"
+
+#include <atomic>
+#include <memory>
+
+namespace host {
+
+/** All functions may be called from any thread. The memory lives as long as the object, so a thread that uses
+ *  it holds a shared pointer. */
+class Acquisition {
+public:
+    /** Throws Error if the applet refuses. */
+    Acquisition(applet_tools::Instance& instance, std::uint32_t frames, vexo_memory kind);
+    ~Acquisition();
+    Acquisition(const Acquisition&) = delete;
+    Acquisition& operator=(const Acquisition&) = delete;
+
+    /** Ends it; other threads' waits end. */
+    void stop();
+
+    /** Waits for a picture; 0: the next one. True when it is there. Throws Error. */
+    bool wait(std::int64_t number, const Deadline& deadline, vexo_picture& picture);
+    /** Throws Error. */
+    void render(std::int64_t number, void* place, std::uint64_t size) const;
+    void release(std::int64_t number);
+
+    /** True if no frame is free for another picture until one is released. */
+    bool isFull() const;
+    std::uint32_t frames() const { return m_frames; }
+    /** The station at the start, or at the last picture. */
+    applet_tools::WaitStart start() const { return m_start; }
+
+private:
+    struct FreeMemory {
+        const applet_host::BoardFunctions* board;
+        void operator()(vboard_frames* memory) const { board->memory_free(memory); }
+    };
+
+    vboard_record recordOf(std::int64_t number) const;
+
+    applet_tools::Instance& m_instance;
+    const std::uint32_t m_frames;
+    const vexo_memory m_kind;
+    std::unique_ptr<vboard_frames, FreeMemory> m_memory;
+    applet_tools::WaitStart m_start;
+    std::atomic<std::int64_t> m_last = 0;     // the picture that a wait gave last
+    std::atomic<std::int64_t> m_released = 0; // number of pictures
+};
+
+} // namespace host
+
+#endif

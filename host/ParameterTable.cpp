@@ -1,0 +1,90 @@
+#include "host/ParameterTable.h"
+
+#include "applet_tools/applet/values.h"
+
+#include "vexo/register_info.h"
+
+#include <bit>
+
+namespace host {
+namespace {
+
+vexo_kind kindOf(int kind) {
+    switch (kind) {
+    case REGISTER_KIND_INT:
+        return VEXO_INT32;
+    case REGISTER_KIND_INT64:
+        return VEXO_INT64;
+    case REGISTER_KIND_UINT64:
+        return VEXO_UINT64;
+    case REGISTER_KIND_DOUBLE:
+        return VEXO_DOUBLE;
+    case REGISTER_KIND_STRING:
+        return VEXO_TEXT;
+    case REGISTER_KIND_ENUM:
+        return VEXO_ENUM;
+    case REGISTER_KIND_UINT_FIELD:
+    case REGISTER_KIND_INT_FIELD:
+    case REGISTER_KIND_UINT64_FIELD:
+    case REGISTER_KIND_INT64_FIELD:
+    case REGISTER_KIND_DOUBLE_FIELD:
+        return VEXO_FIELD;
+    default:
+        return VEXO_UINT32;
+    }
+}
+
+FgParamTypes tagOf(vexo_kind kind) {
+    switch (kind) {
+    case VEXO_INT32:
+    case VEXO_ENUM:
+        return FG_PARAM_INT32;
+    case VEXO_INT64:
+        return FG_PARAM_INT64;
+    case VEXO_UINT64:
+        return FG_PARAM_UINT64;
+    case VEXO_DOUBLE:
+        return FG_PARAM_DOUBLE;
+    default:
+        return FG_PARAM_UINT32;
+    }
+}
+
+ParameterRow rowOf(applet_tools::Instance& instance, const applet_tools::Parameter& parameter) {
+    const vexo_kind kind = kindOf(parameter.kind());
+    return {.id = parameter.id,
+            .kind = kind,
+            .tag = tagOf(kind),
+            .isNumber = kind != VEXO_TEXT && kind != VEXO_FIELD,
+            .hasElements = parameter.kind() == REGISTER_KIND_UINT_FIELD,
+            .parameter = &parameter,
+            .label = parameter.label(),
+            .unit = parameter.unit(),
+            .description = explanationOf(instance, parameter),
+            .group = parameter.path(),
+            .readEffect = parameter.effectOfReading(),
+            .setEffect = parameter.effectOfWriting(),
+            .entries = entriesOf(parameter)};
+}
+
+} // namespace
+
+ParameterTable::ParameterTable(applet_tools::Instance& instance,
+                               const applet_tools::ParameterList& parameters) {
+    m_rows.reserve(parameters.all().size());
+    for (const applet_tools::Parameter& parameter : parameters.all())
+        m_rows.push_back(rowOf(instance, parameter));
+    const auto slots = std::bit_ceil(static_cast<std::uint32_t>(2 * m_rows.size() + 2));
+    m_mask = slots - 1;
+    m_shift = static_cast<unsigned>(std::countl_zero(m_mask));
+    m_slots.resize(slots);
+    for (const ParameterRow& row : m_rows) {
+        m_ids.emplace(row.parameter->name, row.id);
+        std::uint32_t place = slotOf(row.id);
+        while (m_slots[place].row != nullptr)
+            place = (place + 1) & m_mask;
+        m_slots[place] = {row.id, &row};
+    }
+}
+
+} // namespace host

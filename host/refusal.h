@@ -1,0 +1,19 @@
+/** Assignments, and what is said of a refused one. */
+#ifndef HOST_REFUSAL_H
+#define HOST_REFUSAL_H
+
+#include "applet_tools/applet/assignments.h"
+#include "host/Station.h"
+
+namespace host {
+
+/** The words of appletctl, with the limits, what sets them, and what would be accepted. `wantsAdvice`: also tries
+ *  values on the scratch board, if the station gives advice. */
+Error refusalOf(vexo_station& station, const applet_tools::AssignmentResult& result, bool wantsAdvice = true);
+
+/** Sets the value; throws Error if it is refused. */
+void set(vexo_station& station, const applet_tools::Assignment& assignment);
+
+} // namespace host
+
+#endif

@@ -1,0 +1,200 @@
+// Calls that cannot work: each returns a clear code, and the next call works.
+
+#include "open_station.h"
+
+#include "vexo/fg_errors.h"
+
+#include <functional>
+#include <thread>
+
+namespace {
+
+struct Calls : OpenStation {};
+
+struct BadCall {
+    const char* what;
+    int code;
+    std::function<int(vexo_station*)> call; /**< with a station, or null */
+};
+
+const char* const assignment = "FG_WIDTH=1024";
+const char* const nothing = nullptr;
+
+/** Each with a valid station; with a null station each is VEXO_ERR_ARGUMENT. */
+std::vector<BadCall> badCalls() {
+    static std::int64_t number;
+    static std::uint64_t mask;
+    static std::uint32_t element;
+    static double real;
+    static std::size_t size;
+    static vexo_answer* answer;
+    static vexo_event event;
+    static vexo_picture picture;
+    static vexo_parameter parameter;
+    static vexo_entry entry;
+    static vexo_range range;
+    static char byte;
+    const int width = 100; // FG_WIDTH
+    return {
+        {"id of null", VEXO_ERR_ARGUMENT, [](auto* s) { return vexo_id(s, nullptr); }},
+        {"id of nothing", VEXO_ERR_NAME, [](auto* s) { return vexo_id(s, ""); }},
+        {"unknown id", VEXO_ERR_NAME, [](auto* s) { return vexo_get_int(s, 77777777, &number); }},
+        {"id 0", VEXO_ERR_NAME, [](auto* s) { return vexo_get_int(s, 0, &number); }},
+        {"no place for an int", VEXO_ERR_ARGUMENT, [=](auto* s) { return vexo_get_int(s, width, nullptr); }},
+        {"no place for a uint", VEXO_ERR_ARGUMENT, [=](auto* s) { return vexo_get_uint(s, width, nullptr); }},
+        {"no place for a double", VEXO_ERR_ARGUMENT,
+         [=](auto* s) { return vexo_get_double(s, width, nullptr); }},
+        {"no size", VEXO_ERR_ARGUMENT, [=](auto* s) { return vexo_get_text(s, width, &byte, nullptr); }},
+        {"no buffer", VEXO_ERR_ARGUMENT,
+         [=](auto* s) {
+             size = 9;
+             return vexo_get_text(s, width, nullptr, &size);
+         }},
+        {"no text", VEXO_ERR_ARGUMENT, [=](auto* s) { return vexo_set_text(s, width, nullptr); }},
+        {"set of an unknown id", VEXO_ERR_NAME, [](auto* s) { return vexo_set_double(s, 77777777, 1); }},
+        {"no elements", VEXO_ERR_ARGUMENT, [=](auto* s) { return vexo_set_field(s, width, 0, 1, nullptr); }},
+        {"no field", VEXO_ERR_KIND, [=](auto* s) { return vexo_get_field(s, width, 0, 1, &element); }},
+        {"index", VEXO_ERR_NAME, [](auto* s) { return vexo_parameter_at(s, 100000, &parameter); }},
+        {"no place to describe", VEXO_ERR_ARGUMENT,
+         [=](auto* s) { return vexo_describe(s, width, nullptr); }},
+        {"entry of a number", VEXO_ERR_KIND, [=](auto* s) { return vexo_entry_at(s, width, 0, &entry); }},
+        {"range of a text", VEXO_ERR_KIND,
+         [](auto* s) { return vexo_get_range(s, vexo_id(s, "FG_LUT_CUSTOM_FILE"), &range); }},
+        {"no list", VEXO_ERR_ARGUMENT, [](auto* s) { return vexo_set_all(s, nullptr, 1, VEXO_GIVEN_ORDER); }},
+        {"null in a list", VEXO_ERR_ARGUMENT,
+         [](auto* s) { return vexo_set_all(s, &nothing, 1, VEXO_GIVEN_ORDER); }},
+        {"order", VEXO_ERR_ARGUMENT, [](auto* s) { return vexo_set_all(s, &assignment, 1, 2); }},
+        {"file", VEXO_ERR_ARGUMENT, [](auto* s) { return vexo_load(s, nullptr); }},
+        {"place of the document", VEXO_ERR_ARGUMENT, [](auto* s) { return vexo_document(s, nullptr); }},
+        {"limits of nothing", VEXO_ERR_NAME,
+         [](auto* s) { return vexo_ask_limits(s, "FG_X", nullptr, nullptr, &answer); }},
+        {"place of limits", VEXO_ERR_ARGUMENT,
+         [](auto* s) { return vexo_ask_limits(s, "FG_WIDTH", nullptr, nullptr, nullptr); }},
+        {"why of no value", VEXO_ERR_VALUE,
+         [](auto* s) { return vexo_ask_why(s, "FG_WIDTH=wide", nullptr, &answer); }},
+        {"plan of null", VEXO_ERR_ARGUMENT, [](auto* s) { return vexo_ask_plan(s, &nothing, 1, &answer); }},
+        {"check of no file", VEXO_ERR_FILE,
+         [](auto* s) { return vexo_ask_check(s, "/nonexistent.mcf", &answer); }},
+        {"clock", VEXO_ERR_ARGUMENT, [](auto* s) { return vexo_clock(s, -1); }},
+        {"advance without end", VEXO_ERR_ARGUMENT,
+         [](auto* s) { return vexo_advance(s, ~std::uint64_t{0}); }},
+        {"wave", VEXO_ERR_VALUE, [](auto* s) { return vexo_wave(s, "GPI_99=high"); }},
+        {"station file", VEXO_ERR_FILE, [](auto* s) { return vexo_set_up(s, "/nonexistent.json"); }},
+        {"station text", VEXO_ERR_VALUE,
+         [](auto* s) { return vexo_set_up_text(s, "{\"station\": 1, \"belt\": 3}", nullptr); }},
+        {"event", VEXO_ERR_NAME,
+         [](auto* s) { return vexo_event_mask(s, "FG_TRIGGER_INPUT2_RISNG", &mask); }},
+        {"event's place", VEXO_ERR_NAME,
+         [](auto* s) {
+             const char* name = nullptr;
+             return vexo_event_at(s, 1000, &name, &mask);
+         }},
+        {"negative time", VEXO_ERR_ARGUMENT,
+         [](auto* s) { return vexo_wait_event(s, 0, -1, -1, &event, nullptr); }},
+        {"no time", VEXO_ERR_ARGUMENT,
+         [](auto* s) {
+             return vexo_wait_event(s, 0, std::numeric_limits<double>::quiet_NaN(), -1, &event, nullptr);
+         }},
+        {"no frames", VEXO_ERR_ARGUMENT, [](auto* s) { return vexo_start(s, 0, VEXO_KEEP); }},
+        {"memory", VEXO_ERR_ARGUMENT, [](auto* s) { return vexo_start(s, 1, 7); }},
+        {"no acquisition", VEXO_ERR_STATE, [](auto* s) { return vexo_wait_picture(s, 0, 1, -1, &picture); }},
+        {"nothing to render", VEXO_ERR_STATE, [](auto* s) { return vexo_render(s, 1, &real, 8); }},
+        {"nothing to release", VEXO_ERR_STATE, [](auto* s) { return vexo_release(s, 1); }},
+    };
+}
+
+TEST_F(Calls, BadOnesHaveACodeAndWords) {
+    for (const BadCall& bad : badCalls()) {
+        SCOPED_TRACE(bad.what);
+        EXPECT_EQ(bad.call(its), bad.code) << vexo_last_error();
+        EXPECT_EQ(vexo_last_code(), bad.code);
+        EXPECT_FALSE(std::string(vexo_last_error()).empty());
+        EXPECT_LT(bad.call(nullptr), 0);
+        EXPECT_EQ(station.get<int>("FG_WIDTH"), 1024);
+    }
+}
+
+TEST_F(Calls, AFailedSearchIsTheResultOfTheNextCall) {
+    EXPECT_EQ(vexo_set_int(its, vexo_id(its, "FG_WITH"), 4), VEXO_ERR_NAME);
+    EXPECT_TRUE(lastErrorHas("did you mean FG_WIDTH?")) << vexo_last_error();
+    EXPECT_NE(std::string(vexo_last_details()).find("\"suggestions\":[\"FG_WIDTH\"]"), std::string::npos);
+    std::int64_t value = 0;
+    EXPECT_EQ(vexo_get_int(its, vexo_id(its, "FG_WITH"), &value), VEXO_ERR_NAME);
+}
+
+TEST_F(Calls, EachThreadHasItsOwnError) {
+    EXPECT_EQ(vexo_id(its, "FG_WITH"), VEXO_ERR_NAME);
+    std::thread([&] {
+        EXPECT_EQ(vexo_last_code(), VEXO_OK);
+        EXPECT_EQ(vexo_clock(its, 5e9), VEXO_ERR_ARGUMENT);
+    }).join();
+    EXPECT_EQ(vexo_last_code(), VEXO_ERR_NAME);
+    EXPECT_TRUE(lastErrorHas("FG_WITH"));
+}
+
+TEST_F(Calls, ThreadsMayShareAStation) {
+    std::vector<std::thread> threads;
+    for (int thread = 0; thread < 3; ++thread)
+        threads.emplace_back([&, thread] {
+            for (int i = 0; i < 300; ++i) {
+                const std::int64_t width = 4 * (1 + (i + thread) % 256);
+                ASSERT_EQ(vexo_set_int(its, id("FG_WIDTH"), width), VEXO_OK) << vexo_last_error();
+                std::int64_t read = 0;
+                ASSERT_EQ(vexo_get_int(its, id("FG_WIDTH"), &read), VEXO_OK);
+                ASSERT_TRUE(read % 4 == 0 && read >= 4 && read <= 1024) << read;
+                vexo_answer* answer = nullptr;
+                if (i % 100 == 0) {
+                    ASSERT_EQ(vexo_ask_limits(its, "FG_XOFFSET", nullptr, nullptr, &answer), VEXO_OK);
+                }
+                vexo_answer_free(answer);
+            }
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+}
+
+TEST(Opening, RefusesWhatItDoesNotKnow) {
+    vexo_station* opened = reinterpret_cast<vexo_station*>(1);
+    vexo_options options{};
+    EXPECT_EQ(vexo_open(&options, &opened), VEXO_ERR_ARGUMENT) << "no size";
+    EXPECT_EQ(opened, nullptr);
+    EXPECT_EQ(vexo_open(nullptr, nullptr), VEXO_ERR_ARGUMENT);
+    options.size = sizeof options;
+    options.board = 3;
+    EXPECT_EQ(vexo_open(&options, &opened), VEXO_ERR_ARGUMENT);
+    options.board = VEXO_VIRTUAL;
+    options.flags = 4;
+    EXPECT_EQ(vexo_open(&options, &opened), VEXO_ERR_ARGUMENT);
+    options.flags = 0;
+    options.applet = "/nonexistent/libapplet.so";
+    EXPECT_EQ(vexo_open(&options, &opened), VEXO_ERR_LIBRARY);
+    EXPECT_TRUE(lastErrorHas("libapplet.so was looked for in /nonexistent")) << vexo_last_error();
+    options.applet = nullptr;
+    options.library_dir = "/nonexistent";
+    EXPECT_EQ(vexo_open(&options, &opened), VEXO_ERR_LIBRARY);
+    options.library_dir = nullptr;
+    EXPECT_EQ(vexo_open(&options, &opened), VEXO_OK) << "a failed opening chooses no folder";
+    vexo_close(opened);
+    options.library_dir = "/nonexistent";
+    EXPECT_EQ(vexo_open(&options, &opened), VEXO_ERR_LIBRARY);
+    EXPECT_TRUE(lastErrorHas("cannot load those of /nonexistent as well")) << vexo_last_error();
+    options.library_dir = nullptr;
+    options.station = "/nonexistent.json";
+    EXPECT_EQ(vexo_open(&options, &opened), VEXO_ERR_FILE);
+    vexo_close(nullptr);
+    EXPECT_EQ(opened, nullptr);
+}
+
+TEST(Opening, OfflineThereAreParametersAndNoBoard) {
+    const vexo::Station station = vexo::Station::offline();
+    station["FG_WIDTH"] = 2048;
+    EXPECT_EQ(station.get<int>("FG_WIDTH"), 2048);
+    EXPECT_TRUE(station["FG_XOFFSET"].limits().range);
+    std::uint64_t tick = 0;
+    EXPECT_EQ(vexo_now(station.handle(), &tick), VEXO_ERR_NOT_VIRTUAL);
+    EXPECT_EQ(vexo_start(station.handle(), 1, VEXO_KEEP), VEXO_ERR_NOT_VIRTUAL);
+    EXPECT_EQ(vexo_save(station.handle(), "x.mcf"), VEXO_ERR_STATE);
+    EXPECT_NE(station.info().find("\"board\":\"none\""), std::string::npos);
+}
+
+} // namespace
