@@ -30,20 +30,24 @@ TOOLS_STATION = [*TOOLS_APPLET, *TOOLS_PICTURES, f"{TOOLS}station/**"]
 TOOLS_ANSWERS = [*TOOLS_SCRATCH, *TOOLS_STATION, f"{TOOLS}answers/*"]
 TOOLS_LINT = [*TOOLS_ANSWERS, f"{TOOLS}answers/lint/*"]
 TOOLS_ALL = [*TOOLS_LINT, f"{TOOLS}*"]
+CHANNEL = ["tools/applet_host/Parameter.h", f"{TOOLS}base/Descriptor.h", "tools/station_channel/**"]
 SERVE = [*TOOLS_BASE, "tools/serve/*"]
+SERVE_LIVE = [*TOOLS_SCRATCH, *TOOLS_STATION, *CHANNEL, "tools/serve/live/*"]
+SERVE_CHANNEL = [*SERVE_LIVE, *SERVE, "tools/serve/channel/*"]
 HTTP = "tools/serve/http/"
 HTTP_TRANSPORT = [f"{HTTP}{name}" for name in ("protocol/HttpMessage.h", "protocol/HttpTransport.h", "transport/**")]
 HTTP_PROTOCOL = [*TOOLS_BASE, f"{HTTP}protocol/**"]
-HTTP_STATE = [*TOOLS_ALL, *HTTP_PROTOCOL, f"{HTTP}state/**"]
+HTTP_STATE = [*TOOLS_ALL, *SERVE_LIVE, *HTTP_PROTOCOL, f"{HTTP}state/**"]
 HTTP_ROUTES = [*HTTP_STATE, f"{HTTP}routes/**"]
 TOOL = "tools/appletctl/"
 BASE = [*TOOLS_BASE, f"{TOOL}base/**"]
 DRAW = [*BASE, *TOOLS_PICTURES, f"{TOOL}draw/**"]
 PRODUCER = "producer/"
 PRODUCER_BASE = [*HEADERS, f"{PRODUCER}gentl.h", f"{PRODUCER}base/**"]
-PRODUCER_FEATURES = [*PRODUCER_BASE, f"{PRODUCER}features/**"]
+PRODUCER_FEATURES = [*PRODUCER_BASE, "tools/applet_host/Parameter.h", f"{PRODUCER}features/**"]
 STATION_FILES = [f"{TOOLS}{name}.h" for name in ("base/errors", "base/numbers", "station/StationFile")]
-PRODUCER_DEVICE = [*PRODUCER_FEATURES, *HOST, *STATION_FILES, f"{PRODUCER}device/**"]
+SERVED = [*CHANNEL, "tools/serve/StationPlace.h", "tools/serve/local_socket.h"]
+PRODUCER_DEVICE = [*PRODUCER_FEATURES, *HOST, *STATION_FILES, *SERVED, f"{PRODUCER}device/**"]
 PRODUCER_MODULES = [*PRODUCER_DEVICE, f"{PRODUCER}modules/**"]
 HOST_LIBRARY = [*TOOLS_ALL, "host/**"]
 COMMANDS = [*TOOLS_ALL, *DRAW, f"{TOOL}commands/*"]
@@ -90,6 +94,9 @@ ROOMS = [
     (f"{TOOLS}answers/lint/*", TOOLS_LINT),
     (f"{TOOLS}answers/*", TOOLS_ANSWERS),
     (f"{TOOLS}*", TOOLS_ALL),
+    ("tools/station_channel/**", CHANNEL),
+    ("tools/serve/live/**", SERVE_LIVE),
+    ("tools/serve/channel/**", SERVE_CHANNEL),
     (f"{HTTP}transport/**", HTTP_TRANSPORT),
     (f"{HTTP}protocol/**", HTTP_PROTOCOL),
     (f"{HTTP}state/**", HTTP_STATE),
@@ -122,7 +129,7 @@ ROOMS = [
     ("page/*", ["page/**"]),
 ]
 # Printing code, in files that must not print.
-SILENT = [f"{TOOLS}**", "host/**", "tools/serve/**", f"{PRODUCER}**"]
+SILENT = [f"{TOOLS}**", "host/**", "tools/serve/**", "tools/station_channel/**", f"{PRODUCER}**"]
 PRINTING = re.compile(r"#\s*include\s+<(?:iostream|cstdio|stdio\.h|print)>|"
                       r"\bstd::(?:cout|cerr|clog)\b|\b(?:f?printf|f?puts|putchar)\(")
 CHECKED = ["include", "src", "station", "virtual_board", "tools", "host", "producer", "page"]

@@ -49,7 +49,7 @@ void EventQueue::take(void* buffer, std::size_t* size, std::uint64_t millisecond
     std::unique_lock lock(m_mutex);
     const std::uint64_t opening = m_opening;
     const auto isClosed = [&] { return !m_isOpen || m_opening != opening; };
-    const auto isOver = [&] { return isClosed() || m_kills > 0 || !m_events.empty(); };
+    const auto isOver = [&] { return isClosed() || m_kills > 0 || !m_events.empty() || m_end; };
     if (milliseconds < longestWait) {
         m_changed.wait_for(lock, std::chrono::milliseconds(milliseconds), isOver);
     } else {
@@ -61,12 +61,19 @@ void EventQueue::take(void* buffer, std::size_t* size, std::uint64_t millisecond
         if (!m_events.empty()) m_changed.notify_one(); // for another waiter
         throw Error(GC_ERR_ABORT, "the wait was ended by EventKill");
     }
+    if (m_events.empty() && m_end) throw Error(GC_ERR_IO, *m_end);
     if (m_events.empty())
         throw Error(GC_ERR_TIMEOUT, "no event came within " + std::to_string(milliseconds) + " ms");
     const std::string& data = m_events.front();
     if (buffer != nullptr && room < data.size()) m_changed.notify_one();
     putBytes(data, buffer, &room);
     m_events.pop_front();
+}
+
+void EventQueue::end(const std::string& reason) {
+    const std::lock_guard lock(m_mutex);
+    m_end = reason;
+    m_changed.notify_all();
 }
 
 void EventQueue::kill() {
@@ -130,6 +137,14 @@ Answer EventQueue::dataInfo(std::string_view data, std::int32_t command) const {
         if (command == EVENT_DATA_ID) return Answer::pointer(buffer.BufferHandle);
         if (command == EVENT_DATA_VALUE) return Answer::pointer(buffer.pUserPointer);
         refuseForNow("a new buffer event has no number");
+    }
+    if (m_kind == EVENT_ERROR) {
+        GC_ERROR code = 0;
+        if (data.size() < sizeof code) throw Error(GC_ERR_INVALID_PARAMETER, "the data is no error event's");
+        std::memcpy(&code, data.data(), sizeof code);
+        if (command == EVENT_DATA_ID) return Answer::int32(code);
+        if (command == EVENT_DATA_VALUE) return Answer::text(data.substr(sizeof code));
+        refuseForNow("an error event has a code and a text");
     }
     if (m_kind == EVENT_FEATURE_INVALIDATE) {
         if (command != EVENT_DATA_ID) refuseForNow("the event has a feature's name and nothing else");

@@ -10,6 +10,7 @@
 #include <deque>
 #include <functional>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -37,9 +38,11 @@ public:
 
     /** Adds an event. */
     void push(std::string data);
-    /** Takes an event. With a null `buffer` it is discarded. Throws TIMEOUT, ABORT, BUFFER_TOO_SMALL (the
-     *  event stays). */
+    /** Takes an event. With a null `buffer` it is discarded. Throws TIMEOUT, ABORT, IO, BUFFER_TOO_SMALL
+     *  (the event stays). */
     void take(void* buffer, std::size_t* size, std::uint64_t milliseconds);
+    /** No more data will come: once the queue is empty, take throws IO with this reason. */
+    void end(const std::string& reason);
     /** Makes one call of take answer ABORT: a waiting one, or the next. */
     void kill();
     /** Removes all data and returns it. */
@@ -72,6 +75,7 @@ private:
     std::uint64_t m_opening = 0; // number of the latest one
     std::uint64_t m_kills = 0;   // that are not answered yet
     std::uint64_t m_fired = 0;
+    std::optional<std::string> m_end; // why no more data comes
 };
 
 } // namespace producer

@@ -1,21 +1,15 @@
-/** The thread of an open device: it advances the time, and delivers pictures and events. */
+/** Pictures of an open device. */
 #ifndef PRODUCER_DEVICE_ACQUISITION_H
 #define PRODUCER_DEVICE_ACQUISITION_H
 
-#include "device/Clock.h"
 #include "device/PixelFormat.h"
 #include "device/Station.h"
 
 #include <atomic>
-#include <condition_variable>
 #include <cstdint>
-#include <functional>
-#include <memory>
-#include <mutex>
 #include <optional>
 #include <span>
-#include <thread>
-#include <vector>
+#include <string>
 
 namespace producer {
 
@@ -41,6 +35,10 @@ struct Picture {
     Geometry geometry{};
 };
 
+/** Brings a picture of the applet into its buffer in the geometry's format, and fills in its sizes. `made`: its
+ *  bytes, which may be at the place already; null if they could not be made. */
+void put(Picture& picture, const std::uint8_t* made, std::span<std::uint8_t> place);
+
 /** The destination of pictures. Its functions are called by the acquisition's thread. */
 class PictureSink {
 public:
@@ -49,32 +47,34 @@ public:
     /** Memory for a picture, reserved until `end`; null if there is none. */
     virtual std::optional<std::span<std::uint8_t>> begin() = 0;
     virtual void end(const Picture& picture) = 0;
+    /** No more pictures will come. */
+    virtual void lose(const std::string& reason) = 0;
 
 protected:
     ~PictureSink() = default;
 };
 
-/** Thread-safe. */
+/** Delivers the pictures of a station. Thread-safe. */
 class Acquisition {
 public:
-    using EventHandler = std::function<void(const EventKind&, std::uint64_t nanoseconds)>;
-
-    Acquisition(Station& station, Clock::Kind clock, EventHandler onEvent);
-    /** Ends the thread. */
-    ~Acquisition();
+    /** Ends its thread. */
+    virtual ~Acquisition() = default;
     Acquisition(const Acquisition&) = delete;
     Acquisition& operator=(const Acquisition&) = delete;
 
-    /** Null: pictures are not delivered, and the DMA waits. Returns when the previous sink is no longer used. */
-    void attach(PictureSink* sink);
+    /** Null: pictures are not delivered. Returns when the previous sink is no longer used. */
+    virtual void attach(PictureSink* sink) = 0;
     /** Call it when there may be room again. */
-    void wake();
+    virtual void wake() = 0;
 
-    /** Starts the DMA; it ends after this many pictures, 0: never. Throws RESOURCE_IN_USE, or IO. */
-    void start(std::uint64_t pictures);
-    /** Does nothing if none runs. Returns when no picture is being drawn. */
-    void stop();
-    bool isRunning();
+    /** Starts the DMA; it ends after this many pictures, 0: never. Throws RESOURCE_IN_USE, BUSY, or IO. */
+    virtual void start(std::uint64_t pictures) = 0;
+    /** Does nothing if none runs. Returns when no picture is being written. */
+    virtual void stop() = 0;
+    virtual bool isRunning() = 0;
+
+    /** Ends the thread; no other function may be called afterwards. */
+    virtual void finish() = 0;
 
     /** The geometry from the present parameters. */
     Geometry geometry();
@@ -82,40 +82,16 @@ public:
     /** The format; differs from the last one set if the applet's output format has changed. */
     const PixelFormat& format();
 
-    /** Ends the thread; no other function may be called afterwards. */
-    void finish();
+protected:
+    /** The station must outlive the acquisition. */
+    explicit Acquisition(Station& station);
+
+    /** The last format that was set, if the applet packs it as this one; else this one, which may be null. */
+    const PixelFormat* chosenInsteadOf(const PixelFormat* own);
 
 private:
-    struct FreeMemory {
-        const Station* station;
-        void operator()(vboard_frames* memory) const { station->board().memory_free(memory); }
-    };
-
-    void run();
-    void giveEvents();
-    bool deliverOne(std::unique_lock<std::mutex>& lock);
-    Picture make(std::int64_t number, std::span<std::uint8_t> place);
-    void fitMemory();
-    bool isWanted();
-    bool isDone() const { return m_memory == nullptr || (m_wanted != 0 && m_delivered >= m_wanted); }
-
     Station& m_station;
-    Clock m_clock;
-    const EventHandler m_onEvent;
     std::atomic<const PixelFormat*> m_format;
-
-    std::mutex m_mutex; // guards the members below
-    std::condition_variable m_changed;
-    PictureSink* m_sink = nullptr;
-    std::unique_ptr<vboard_frames, FreeMemory> m_memory; // of the running acquisition
-    Geometry m_geometry;                                 // of the running acquisition
-    std::uint64_t m_wanted = 0;                          // pictures; 0: no end
-    std::uint64_t m_delivered = 0;
-    std::vector<std::uint8_t> m_made; // a picture that must be converted before it goes to its buffer
-    bool m_isMaking = false;          // a picture is being drawn, without the mutex
-    bool m_isWoken = false;
-    bool m_isEnding = false;
-    std::thread m_thread;
 };
 
 } // namespace producer

@@ -47,6 +47,12 @@ const PixelFormat* pixelFormatOfOutput(std::int64_t outputFormat) {
     return found != std::end(formats) ? found : nullptr;
 }
 
+const PixelFormat* pixelFormatOfBits(std::uint32_t bits) {
+    constexpr std::uint32_t components = 3;
+    const auto* found = std::ranges::find(formats, components * bits, &PixelFormat::appletBits);
+    return found != std::end(formats) ? found : nullptr;
+}
+
 void convert(const PixelFormat& format, std::uint64_t pixels, const std::uint8_t* made, std::uint8_t* place) {
     if (format.isSwapped) {
         for (std::uint64_t i = 0; i < pixels; ++i, place += 3)

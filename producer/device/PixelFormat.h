@@ -14,6 +14,9 @@ struct PixelFormat {
     std::uint32_t bits;        /**< per pixel in a buffer */
     std::uint32_t appletBits;  /**< per pixel as the applet packs it */
     bool isSwapped;            /**< red and blue are exchanged */
+
+    /** Of a line as the applet packs it. */
+    std::uint64_t appletBytes(std::uint64_t pixels) const { return (pixels * appletBits + 7) / 8; }
 };
 
 /** For each output format, the applet's own format comes first. */
@@ -21,6 +24,8 @@ std::span<const PixelFormat> pixelFormats();
 /** Null for an unknown code. */
 const PixelFormat* pixelFormatOf(std::int64_t code);
 const PixelFormat* pixelFormatOfOutput(std::int64_t outputFormat);
+/** `bits`: of a component as the applet packs it. */
+const PixelFormat* pixelFormatOfBits(std::uint32_t bits);
 
 /** Converts a picture of the applet to a format. `made` and `place` may be the same unless the format's bits
  *  differ from the applet's. */

@@ -1,8 +1,9 @@
 #include "device/parameter_features.h"
 
+#include "vexo/fg_api.h"
+
 #include <algorithm>
 #include <cctype>
-#include <set>
 
 namespace producer {
 namespace {
@@ -48,45 +49,30 @@ bool isServed(std::int32_t kind) {
     return std::ranges::find(served, kind) != std::end(served);
 }
 
-std::vector<FeatureEntry> entriesOf(const RegisterInfo& record) {
-    std::vector<FeatureEntry> entries;
-    std::set<std::string> names;
-    const auto& its = record.value.enumeration;
-    for (int i = 0; i < its.entryCount; ++i) {
-        const std::string label = toUtf8(its.labels[i]);
-        const bool isNamed = its.symbolicNames != nullptr && its.symbolicNames[i] != nullptr;
-        const std::string name = isNamed ? its.symbolicNames[i] : "Value" + std::to_string(its.values[i]);
-        if (names.insert(name).second) entries.push_back({name, its.values[i], label});
-    }
-    return entries;
-}
-
 } // namespace
 
 std::vector<Feature> parameterFeatures(Station& station, const std::function<bool()>& isAcquiring) {
     std::vector<Feature> features;
     for (const Parameter& parameter : station.parameters()) {
-        const RegisterInfo& record = *parameter.record;
-        if (!isServed(record.kind)) continue;
+        if (!isServed(parameter.kind)) continue;
         const bool isDebug = parameter.path.find("Debug") != std::string::npos;
         Feature feature{.name = parameter.name,
                         .category = categoryOf(parameter.path),
-                        .kind = kindOf(record.kind),
+                        .kind = kindOf(parameter.kind),
                         .visibility = isDebug ? Feature::Visibility::guru : Feature::Visibility::expert,
-                        .label = toUtf8(record.displayName),
-                        .description = toUtf8(record.description),
-                        .unit = toUtf8(record.unit),
+                        .label = parameter.label,
+                        .description = parameter.description,
+                        .unit = parameter.unit,
+                        .entries = parameter.entries,
+                        .elements = parameter.elements,
                         .isStandard = false};
         feature.get = [&station, &parameter] { return station.get(parameter); };
         feature.set = [&station, &parameter](const Value& value) { station.set(parameter, value); };
-        feature.isLocked = [&parameter, isAcquiring] {
-            return !Station::isWritable(parameter, isAcquiring());
+        feature.isLocked = [&station, &parameter, isAcquiring] {
+            return !station.state(parameter).isWritable(isAcquiring());
         };
-        if (feature.kind == Feature::Kind::enumeration) feature.entries = entriesOf(record);
-        if (feature.kind == Feature::Kind::table)
-            feature.elements = static_cast<std::size_t>(record.value.u32Field.elementCount);
         if (feature.kind == Feature::Kind::integer || feature.kind == Feature::Kind::real)
-            feature.limits = [&parameter] { return Station::limits(parameter); };
+            feature.limits = [&station, &parameter] { return station.state(parameter).limits; };
         features.push_back(std::move(feature));
     }
     return features;

@@ -3,6 +3,7 @@
 #include "device/standard_features.h"
 
 #include "base/Error.h"
+#include "vexo/fg_parameters.h"
 
 #include <algorithm>
 #include <bit>
@@ -157,11 +158,12 @@ void StandardFeatures::addEvents() {
     auto& notified = m_device.state.notifiedEvents;
     const auto bit = [&selection] { return std::uint64_t{1} << (selection - 1); };
     notification.get = [&notified, bit] { return std::int64_t{(notified & bit()) != 0}; };
-    notification.set = [&notified, bit](const Value& value) {
+    notification.set = [&notified, bit, &station = m_device.station](const Value& value) {
         if (integerOf(value) != 0)
             notified |= bit();
         else
             notified &= ~bit();
+        station.wantEvents(notified);
     };
     for (const EventKind& event : events) {
         const std::string category = std::string(eventControl) + "/Event" + shortName(event) + "Data";

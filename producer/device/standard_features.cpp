@@ -4,6 +4,7 @@
 
 #include "base/Error.h"
 #include "device/identity.h"
+#include "vexo/fg_parameters.h"
 
 #include <algorithm>
 #include <cmath>

@@ -8,6 +8,7 @@
 #include "modules/System.h"
 
 #include <cstdlib>
+#include <optional>
 #include <utility>
 
 using namespace producer;
@@ -24,7 +25,7 @@ void stopThreads() {
 /** Called when a board runs, so that the threads end before the cleanup of the libraries, which was registered before.
  *  Libraries that are loaded again register theirs again. */
 void stopThreadsAtTheEnd() {
-    static std::uint64_t registeredFor = 0; // guarded by the lock of the modules
+    static std::optional<std::uint64_t> registeredFor; // guarded by the lock of the modules
     if (std::exchange(registeredFor, timesLoaded()) != timesLoaded()) std::atexit(stopThreads);
 }
 

@@ -2,29 +2,18 @@
 #ifndef PRODUCER_FEATURES_FEATURE_H
 #define PRODUCER_FEATURES_FEATURE_H
 
+#include "applet_host/Parameter.h"
+
 #include <cstdint>
 #include <functional>
 #include <string>
-#include <variant>
 #include <vector>
 
 namespace producer {
 
-/** Integers, booleans and enumerations; real numbers; texts; tables. */
-using Value = std::variant<std::int64_t, double, std::string, std::vector<std::uint32_t>>;
-
-/** Limits of a number, in the type of its kind. */
-struct Limits {
-    Value minimum, maximum, increment;
-
-    bool operator==(const Limits&) const = default;
-};
-
-struct FeatureEntry {
-    std::string name;
-    std::int64_t value;
-    std::string label{};
-};
+using applet_host::Limits;
+using applet_host::Value;
+using FeatureEntry = applet_host::Entry;
 
 struct Feature {
     enum class Kind : std::uint8_t { integer, real, text, enumeration, boolean, command, table };

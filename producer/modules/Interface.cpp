@@ -13,24 +13,38 @@ constexpr std::uint64_t timestampFrequency = 1'000'000'000;
 
 } // namespace
 
-Interface::Interface(std::shared_ptr<System> system, const std::string& id)
+Interface::Interface(std::shared_ptr<System> system, const std::string& id, std::string station)
     : Module("TLInterface", "TLInterface", id)
     , m_system(std::move(system))
+    , m_station(std::move(station))
     , m_deviceId(id + "-process-0") {}
 
 Interface::~Interface() = default;
 
-Answer Interface::infoOf(const std::string& id, std::int32_t command) {
+Answer Interface::infoOf(const std::string& id, const std::string& station, std::int32_t command) {
     switch (command) {
     case INTERFACE_INFO_ID:
         return Answer::text(id);
     case INTERFACE_INFO_DISPLAYNAME:
-        return Answer::text("Virtual board " + id);
+        return Answer::text(station.empty() ? "Virtual board " + id : "Station " + station);
     case INTERFACE_INFO_TLTYPE:
         return Answer::text(transportType);
     default:
         refuseCommand("an interface", command);
     }
+}
+
+bool Interface::isPresent() const { return m_station.empty() || isServed(m_station); }
+
+bool Interface::updateDevices() {
+    const std::size_t count = isPresent() ? 1 : 0;
+    return m_deviceCount.exchange(count) != count;
+}
+
+std::int32_t Interface::status() const {
+    const std::int32_t status = m_status;
+    const bool isClosed = status == DEVICE_ACCESS_STATUS_READWRITE;
+    return isClosed && !isPresent() ? DEVICE_ACCESS_STATUS_NOACCESS : status;
 }
 
 const std::string& Interface::deviceId(std::uint32_t index) const {
@@ -65,9 +79,10 @@ Answer Interface::deviceInfo(std::int32_t command) const {
     case DEVICE_INFO_DISPLAYNAME:
         return Answer::text(std::string(modelName) + " on " + id());
     case DEVICE_INFO_ACCESS_STATUS:
-        return Answer::int32(m_status);
+        return Answer::int32(status());
     case DEVICE_INFO_USER_DEFINED_NAME:
-        refuseForNow("a device has no name of the user's");
+        if (m_station.empty()) refuseForNow("a device has no name of the user's");
+        return Answer::text(m_station);
     case DEVICE_INFO_VERSION:
         return Answer::text(producerVersion);
     case DEVICE_INFO_TIMESTAMP_FREQUENCY:
@@ -84,7 +99,11 @@ std::shared_ptr<LocalDevice> Interface::openDevice(const char* id, std::int32_t 
     if (m_device != nullptr)
         throw Error(GC_ERR_RESOURCE_IN_USE, "the device " + m_deviceId + " is open already");
     const bool isReadOnly = flags == DEVICE_ACCESS_READONLY;
-    m_device = LocalDevice::open(shared_from_this(), m_deviceId, isReadOnly);
+    const auto openMachine = [this](const MachineListener& listener) {
+        return m_station.empty() ? openBoard(m_system->libraries(), listener)
+                                 : openServed(m_station, listener);
+    };
+    m_device = LocalDevice::open(shared_from_this(), openMachine, m_deviceId, isReadOnly);
     m_status = isReadOnly ? DEVICE_ACCESS_STATUS_OPEN_READONLY : DEVICE_ACCESS_STATUS_OPEN_READWRITE;
     return m_device;
 }
@@ -109,12 +128,13 @@ std::vector<Feature> Interface::makeFeatures() {
     Feature update{.name = "DeviceUpdateList", .category = deviceEnumeration, .kind = Feature::Kind::command};
     update.get = [] { return std::int64_t{0}; };
     update.set = [this](const Value&) { updateDevices(); };
-    Feature status = wordFeature(deviceEnumeration, "DeviceAccessStatus", "Unknown");
-    status.entries = {{"Unknown", DEVICE_ACCESS_STATUS_UNKNOWN},
+    Feature access = wordFeature(deviceEnumeration, "DeviceAccessStatus", "Unknown");
+    access.entries = {{"Unknown", DEVICE_ACCESS_STATUS_UNKNOWN},
                       {"ReadWrite", DEVICE_ACCESS_STATUS_READWRITE},
+                      {"NoAccess", DEVICE_ACCESS_STATUS_NOACCESS},
                       {"OpenReadWrite", DEVICE_ACCESS_STATUS_OPEN_READWRITE},
                       {"OpenReadOnly", DEVICE_ACCESS_STATUS_OPEN_READONLY}};
-    status.get = [this] { return std::int64_t{m_status}; };
+    access.get = [this] { return std::int64_t{status()}; };
     return {
         textFeature(interfaceInformation, "InterfaceID", id()),
         wordFeature(interfaceInformation, "InterfaceType", transportType),
@@ -124,7 +144,7 @@ std::vector<Feature> Interface::makeFeatures() {
         textFeature(deviceEnumeration, "DeviceID", [this] { return deviceCount() > 0 ? m_deviceId : ""; }),
         textFeature(deviceEnumeration, "DeviceVendorName", vendorName),
         textFeature(deviceEnumeration, "DeviceModelName", modelName),
-        status};
+        access};
 }
 
 } // namespace producer

@@ -1,4 +1,4 @@
-/** The interface module: a virtual board with its device. */
+/** The interface module: a virtual board, or a served station, with its device. */
 #ifndef PRODUCER_MODULES_INTERFACE_H
 #define PRODUCER_MODULES_INTERFACE_H
 
@@ -16,17 +16,20 @@ class System;
 /** The caller must hold the lock of the modules. */
 class Interface final : public Module, public std::enable_shared_from_this<Interface> {
 public:
-    Interface(std::shared_ptr<System> system, const std::string& id);
+    /** `station`: name of a served one; empty for a board of this process. */
+    Interface(std::shared_ptr<System> system, const std::string& id, std::string station);
     ~Interface() override;
 
-    static Answer infoOf(const std::string& id, std::int32_t command);
-    Answer info(std::int32_t command) const { return infoOf(id(), command); }
+    static Answer infoOf(const std::string& id, const std::string& station, std::int32_t command);
+    Answer info(std::int32_t command) const { return infoOf(id(), m_station, command); }
     System& system() const { return *m_system; }
 
-    std::size_t deviceCount() const { return m_isUpdated ? 1 : 0; }
+    /** Of the last update. */
+    std::size_t deviceCount() const { return m_deviceCount; }
     /** Throws INVALID_INDEX. */
     const std::string& deviceId(std::uint32_t index) const;
-    bool updateDevices() { return !m_isUpdated.exchange(true); }
+    /** True if the list has changed. */
+    bool updateDevices();
     /** Throw INVALID_ID. */
     Answer deviceInfo(const char* id, std::int32_t command) const;
     std::shared_ptr<LocalDevice> openDevice(const char* id, std::int32_t flags);
@@ -40,12 +43,15 @@ public:
 private:
     std::vector<Feature> makeFeatures() override;
     void requireDevice(const char* id) const;
+    bool isPresent() const;
+    std::int32_t status() const;
 
     const std::shared_ptr<System> m_system;
+    const std::string m_station;
     const std::string m_deviceId;
-    std::atomic<bool> m_isUpdated{false};
+    std::atomic<std::size_t> m_deviceCount{0};
     std::shared_ptr<LocalDevice> m_device;                              // null while closed
-    std::atomic<std::int32_t> m_status{DEVICE_ACCESS_STATUS_READWRITE}; // of the device
+    std::atomic<std::int32_t> m_status{DEVICE_ACCESS_STATUS_READWRITE}; // of the device, if it is present
 };
 
 } // namespace producer

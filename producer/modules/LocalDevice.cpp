@@ -12,6 +12,7 @@ namespace {
 constexpr const char* deviceInformation = "DeviceInformation";
 constexpr const char* streamEnumeration = "StreamEnumeration";
 constexpr std::size_t longestName = 64;
+constexpr std::size_t longestReason = 256;
 
 /** Mask and time of an event, in the layout of the description. */
 std::string bytesOf(std::uint64_t mask, std::uint64_t nanoseconds) {
@@ -19,18 +20,25 @@ std::string bytesOf(std::uint64_t mask, std::uint64_t nanoseconds) {
     return {reinterpret_cast<const char*>(words), sizeof words};
 }
 
+std::string errorData(GC_ERROR code, const std::string& reason) {
+    std::string data(reinterpret_cast<const char*>(&code), sizeof code);
+    return data.append(reason.substr(0, longestReason - sizeof code));
+}
+
 } // namespace
 
-OpenDevice::OpenDevice(Libraries libraries, std::string itsId, bool readOnly)
+OpenDevice::OpenDevice(const Open& open, std::string itsId, bool readOnly)
     : id(std::move(itsId))
     , isReadOnly(readOnly)
     , remoteEvents(std::make_shared<EventQueue>(EVENT_REMOTE_DEVICE, 3 * sizeof(std::uint64_t)))
     , invalidations(std::make_shared<EventQueue>(EVENT_FEATURE_INVALIDATE, longestName))
-    , station(std::move(libraries))
-    , acquisition(station, Clock::chosen(), [this](const EventKind& event, std::uint64_t nanoseconds) {
-        if ((state.notifiedEvents & event.mask) != 0)
-            remoteEvents->push(EventQueue::numbered(event.id, bytesOf(event.mask, nanoseconds)));
-    }) {}
+    , errors(std::make_shared<EventQueue>(EVENT_ERROR, longestReason))
+    , machine(open({[this](const EventKind& event, std::uint64_t nanoseconds) {
+                        if ((state.notifiedEvents & event.mask) != 0)
+                            remoteEvents->push(
+                                EventQueue::numbered(event.id, bytesOf(event.mask, nanoseconds)));
+                    },
+                    [this](const std::string& reason) { errors->push(errorData(GC_ERR_IO, reason)); }})) {}
 
 RemoteDevice::RemoteDevice(std::shared_ptr<OpenDevice> device)
     : Module("Device", "Device", device->id)
@@ -45,18 +53,19 @@ void RemoteDevice::write(std::uint64_t address, std::span<const std::uint8_t> by
 }
 
 std::vector<Feature> RemoteDevice::makeFeatures() {
-    const Device device{m_device->station, m_device->acquisition, m_device->state, id()};
+    const Device device{m_device->station(), m_device->acquisition(), m_device->state, id()};
     const std::vector<Feature> parameters =
-        parameterFeatures(m_device->station, [device] { return isAcquiring(device); });
+        parameterFeatures(m_device->station(), [device] { return isAcquiring(device); });
     std::vector<Feature> features;
     addStandardFeatures(device, parameters, features);
     features.insert(features.end(), parameters.begin(), parameters.end());
     return features;
 }
 
-std::shared_ptr<LocalDevice> LocalDevice::open(std::shared_ptr<Interface> interface, const std::string& id,
+std::shared_ptr<LocalDevice> LocalDevice::open(std::shared_ptr<Interface> interface,
+                                               const OpenDevice::Open& open, const std::string& id,
                                                bool isReadOnly) {
-    auto device = std::make_shared<OpenDevice>(interface->system().libraries(), id, isReadOnly);
+    auto device = std::make_shared<OpenDevice>(open, id, isReadOnly);
     auto opened = std::make_shared<LocalDevice>(std::move(interface), std::move(device));
     HandleTable::add(opened);
     HandleTable::add(opened->m_remote);
@@ -71,6 +80,7 @@ LocalDevice::LocalDevice(std::shared_ptr<Interface> interface, std::shared_ptr<O
     , m_streamId(id() + "-dma-0") {
     offerEvent(m_device->remoteEvents);
     offerEvent(m_device->invalidations);
+    offerEvent(m_device->errors);
 }
 
 LocalDevice::~LocalDevice() = default;
@@ -93,8 +103,8 @@ void LocalDevice::close() {
     if (m_stream != nullptr) std::shared_ptr(m_stream)->close();
     m_remote->close();
     Module::close();
-    m_device->acquisition.stop();
-    m_device->acquisition.finish();
+    m_device->acquisition().stop();
+    m_device->acquisition().finish();
     m_interface->forget(*this);
 }
 

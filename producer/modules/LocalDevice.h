@@ -1,8 +1,8 @@
-/** The device module, and the remote device: the station of process 0 of a board. */
+/** The device module, and the remote device: the station of process 0 of a board, here or in a process that serves it. */
 #ifndef PRODUCER_MODULES_LOCALDEVICE_H
 #define PRODUCER_MODULES_LOCALDEVICE_H
 
-#include "device/Acquisition.h"
+#include "device/Machine.h"
 #include "device/standard_features.h"
 #include "modules/Module.h"
 
@@ -17,15 +17,20 @@ class Stream;
 
 /** State that the modules of an open device share. */
 struct OpenDevice {
-    OpenDevice(Libraries libraries, std::string itsId, bool readOnly);
+    using Open = std::function<Machine(const MachineListener&)>;
+
+    OpenDevice(const Open& open, std::string itsId, bool readOnly);
+
+    Station& station() const { return *machine.station; }
+    Acquisition& acquisition() const { return *machine.acquisition; }
 
     const std::string id;
     const bool isReadOnly;
     const std::shared_ptr<EventQueue> remoteEvents;  // design events
     const std::shared_ptr<EventQueue> invalidations; // for features of the remote device
+    const std::shared_ptr<EventQueue> errors;        // one: the loss of the machine
     DeviceState state;
-    Station station;
-    Acquisition acquisition; // last: its thread uses the others
+    const Machine machine; // last: its thread uses the others
 };
 
 /** The port to the parameters of the applet. */
@@ -46,7 +51,8 @@ private:
 class LocalDevice final : public Module, public std::enable_shared_from_this<LocalDevice> {
 public:
     /** Opens the station. Throws IO. */
-    static std::shared_ptr<LocalDevice> open(std::shared_ptr<Interface> interface, const std::string& id,
+    static std::shared_ptr<LocalDevice> open(std::shared_ptr<Interface> interface,
+                                             const OpenDevice::Open& open, const std::string& id,
                                              bool isReadOnly);
     LocalDevice(std::shared_ptr<Interface> interface, std::shared_ptr<OpenDevice> device);
     ~LocalDevice() override;
@@ -58,7 +64,7 @@ public:
     std::shared_ptr<Stream> openStream(const char* id);
     void forget(const Stream& closed);
 
-    void stopThread() { m_device->acquisition.finish(); }
+    void stopThread() { m_device->acquisition().finish(); }
     void close() override;
 
 private:

@@ -32,7 +32,7 @@ Stream::Stream(std::shared_ptr<LocalDevice> parent, std::shared_ptr<OpenDevice> 
     , m_device(std::move(device))
     , m_output(std::make_shared<EventQueue>(EVENT_NEW_BUFFER, sizeof(EVENT_NEW_BUFFER_DATA), true)) {
     offerEvent(m_output);
-    m_device->acquisition.attach(this);
+    m_device->acquisition().attach(this);
 }
 
 Stream::~Stream() = default;
@@ -106,7 +106,7 @@ void Stream::queue(void* handle) {
             throw Error(GC_ERR_RESOURCE_IN_USE, "the buffer is queued already");
         toInput(*m_buffers.find(handle));
     }
-    m_device->acquisition.wake();
+    m_device->acquisition().wake();
 }
 
 void Stream::flush(std::int32_t operation) {
@@ -130,7 +130,7 @@ void Stream::flush(std::int32_t operation) {
             for (Buffers::value_type& buffer : m_buffers)
                 if (!buffer.second.isInput && !isInOutput(buffer.first)) toInput(buffer);
     }
-    m_device->acquisition.wake();
+    m_device->acquisition().wake();
 }
 
 void* Stream::bufferAt(std::uint32_t index) {
@@ -151,7 +151,7 @@ void Stream::start(std::int32_t flags, std::uint64_t count) {
         m_left = count;
         m_delivered = m_lost = 0;
     }
-    m_device->acquisition.wake();
+    m_device->acquisition().wake();
 }
 
 void Stream::stop(std::int32_t flags) {
@@ -189,6 +189,8 @@ void Stream::end(const Picture& picture) {
     toOutput(filled);
 }
 
+void Stream::lose(const std::string& reason) { m_output->end(reason); }
+
 std::uint64_t Stream::number(std::int32_t command) {
     const Lock lock = lockOpen();
     switch (command) {
@@ -222,7 +224,7 @@ Answer Stream::info(std::int32_t command) {
     case STREAM_INFO_NUM_AWAIT_DELIVERY:
         return Answer::size(number(command));
     case STREAM_INFO_PAYLOAD_SIZE:
-        return Answer::size(m_device->acquisition.geometry().bytes());
+        return Answer::size(m_device->acquisition().geometry().bytes());
     case STREAM_INFO_IS_GRABBING:
         return Answer::flag(number(command) != 0);
     case STREAM_INFO_DEFINES_PAYLOADSIZE:
@@ -314,7 +316,7 @@ Answer Stream::pictureInfo(const Buffer& buffer, std::int32_t command) const {
 }
 
 void Stream::close() {
-    m_device->acquisition.attach(nullptr);
+    m_device->acquisition().attach(nullptr);
     {
         const Lock lock(m_mutex);
         m_isClosed = true;

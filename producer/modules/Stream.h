@@ -70,6 +70,7 @@ private:
     std::size_t room() override;
     std::optional<std::span<std::uint8_t>> begin() override;
     void end(const Picture& picture) override;
+    void lose(const std::string& reason) override;
 
     std::vector<Feature> makeFeatures() override;
     Lock lockOpen();

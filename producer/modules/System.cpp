@@ -1,11 +1,14 @@
 #include "modules/System.h"
 
 #include "base/Error.h"
+#include "device/Machine.h"
 #include "modules/Interface.h"
 
 #include <algorithm>
 #include <charconv>
 #include <cstdlib>
+#include <string_view>
+#include <utility>
 
 namespace producer {
 namespace {
@@ -14,6 +17,8 @@ constexpr const char* systemId = "vexo-virtual-boards";
 constexpr std::uint32_t versionMajor = 1, versionMinor = 5;
 constexpr const char* systemInformation = "SystemInformation";
 constexpr const char* interfaceEnumeration = "InterfaceEnumeration";
+
+constexpr std::string_view stationPrefix = "station-";
 
 /** VBOARD_COUNT, 1 without it. */
 std::size_t boardCount() {
@@ -30,13 +35,17 @@ std::size_t boardCount() {
     return count;
 }
 
-} // namespace
-
-System::System() : Module("TLSystem", "TLSystem", systemId) {
+std::vector<std::string> boardIds() {
+    std::vector<std::string> ids;
     const std::size_t count = boardCount();
     for (std::size_t i = 0; i < count; ++i)
-        m_ids.push_back("virtual-" + std::to_string(i));
+        ids.push_back("virtual-" + std::to_string(i));
+    return ids;
 }
+
+} // namespace
+
+System::System() : Module("TLSystem", "TLSystem", systemId), m_boards(boardIds()) {}
 
 System::~System() = default;
 
@@ -69,29 +78,50 @@ Answer System::info(std::int32_t command) {
     }
 }
 
-const std::string& System::interfaceId(std::uint32_t index) const {
-    if (index < interfaceCount()) return m_ids[index];
+std::size_t System::interfaceCount() const {
+    const std::lock_guard lock(m_listMutex);
+    return m_listed.size();
+}
+
+std::string System::interfaceId(std::uint32_t index) const {
+    const std::lock_guard lock(m_listMutex);
+    if (index < m_listed.size()) return m_listed[index];
     throw Error(GC_ERR_INVALID_INDEX, "there is no interface " + std::to_string(index) +
-                                          " in the list, which has " + std::to_string(interfaceCount()) +
+                                          " in the list, which has " + std::to_string(m_listed.size()) +
                                           " after the last update");
 }
 
-const std::string& System::known(const char* id) const {
-    const auto found = std::ranges::find(m_ids, std::string_view(&required(id, "id")));
-    if (found != m_ids.end()) return *found;
-    throw Error(GC_ERR_INVALID_ID, "there is no interface \"" + std::string(id) + "\"");
+bool System::updateInterfaces() {
+    std::vector<std::string> ids = m_boards;
+    for (const std::string& name : servedStations())
+        ids.push_back(std::string(stationPrefix) + name);
+    const std::lock_guard lock(m_listMutex);
+    return std::exchange(m_listed, ids) != ids;
+}
+
+System::Place System::known(const char* id) const {
+    const std::string its = &required(id, "id");
+    if (std::ranges::find(m_boards, its) != m_boards.end()) return {its, ""};
+    if (its.starts_with(stationPrefix)) {
+        std::string station = its.substr(stationPrefix.size());
+        const std::lock_guard lock(m_listMutex);
+        if (isServed(station) || std::ranges::find(m_listed, its) != m_listed.end())
+            return {its, std::move(station)};
+    }
+    throw Error(GC_ERR_INVALID_ID, "there is no interface \"" + its + "\"");
 }
 
 Answer System::interfaceInfo(const char* id, std::int32_t command) const {
-    return Interface::infoOf(known(id), command);
+    const Place place = known(id);
+    return Interface::infoOf(place.id, place.station, command);
 }
 
 std::shared_ptr<Interface> System::openInterface(const char* id) {
-    const std::string& its = known(id);
+    const Place its = known(id);
     for (const auto& open : m_open)
-        if (open->id() == its)
-            throw Error(GC_ERR_RESOURCE_IN_USE, "the interface " + its + " is open already");
-    auto opened = std::make_shared<Interface>(shared_from_this(), its);
+        if (open->id() == its.id)
+            throw Error(GC_ERR_RESOURCE_IN_USE, "the interface " + its.id + " is open already");
+    auto opened = std::make_shared<Interface>(shared_from_this(), its.id, its.station);
     m_open.push_back(opened);
     HandleTable::add(opened);
     return opened;
@@ -123,7 +153,8 @@ std::vector<Feature> System::makeFeatures() {
     Feature selector = selectorFeature(interfaceEnumeration, "InterfaceSelector", count, {"InterfaceID"});
     const auto chosen = [this, get = selector.get]() -> std::string {
         const auto index = static_cast<std::size_t>(std::get<std::int64_t>(get()));
-        return index < interfaceCount() ? m_ids[index] : ""; // empty before the first update
+        const std::lock_guard lock(m_listMutex);
+        return index < m_listed.size() ? m_listed[index] : ""; // empty before the first update
     };
     Feature update{
         .name = "InterfaceUpdateList", .category = interfaceEnumeration, .kind = Feature::Kind::command};

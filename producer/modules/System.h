@@ -1,12 +1,12 @@
-/** The system module: the producer itself, with a list of the boards. */
+/** The system module: the producer itself, with a list of the boards and the served stations. */
 #ifndef PRODUCER_MODULES_SYSTEM_H
 #define PRODUCER_MODULES_SYSTEM_H
 
 #include "device/Libraries.h"
 #include "modules/Module.h"
 
-#include <atomic>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -24,11 +24,11 @@ public:
     static Answer info(std::int32_t command);
 
     /** The list of the last update. */
-    std::size_t interfaceCount() const { return m_isUpdated ? m_ids.size() : 0; }
+    std::size_t interfaceCount() const;
     /** Throws INVALID_INDEX. */
-    const std::string& interfaceId(std::uint32_t index) const;
+    std::string interfaceId(std::uint32_t index) const;
     /** True if the list has changed. */
-    bool updateInterfaces() { return !m_isUpdated.exchange(true); }
+    bool updateInterfaces();
     /** Throw INVALID_ID. */
     Answer interfaceInfo(const char* id, std::int32_t command) const;
     std::shared_ptr<Interface> openInterface(const char* id);
@@ -43,10 +43,15 @@ public:
 
 private:
     std::vector<Feature> makeFeatures() override;
-    const std::string& known(const char* id) const;
+    /** What an id of an interface stands for. */
+    struct Place {
+        std::string id, station; /**< the name of a served station; empty for a board of this process */
+    };
+    Place known(const char* id) const;
 
-    std::vector<std::string> m_ids;
-    std::atomic<bool> m_isUpdated{false};
+    const std::vector<std::string> m_boards; // ids
+    mutable std::mutex m_listMutex;
+    std::vector<std::string> m_listed; // ids at the last update, guarded by it
     std::vector<std::shared_ptr<Interface>> m_open;
     Libraries m_libraries;
 };

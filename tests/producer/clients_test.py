@@ -7,17 +7,24 @@ Makes a virtual environment in the folder VENV with the packages harvesters and 
 package index is not reachable it says so and answers 77: skipped."""
 import ctypes
 import hashlib
+import json
 import os
 import pathlib
+import signal
+import struct
 import subprocess
 import sys
+import tempfile
 import threading
 import time
 import unittest
+import urllib.request
 
 PACKAGES = ["harvesters>=1.4,<2", "genicam>=1.5,<2"]
 SKIPPED = 77
 CTI = pathlib.Path(sys.argv[1]).resolve()
+APPLETCTL = pathlib.Path(sys.argv[3]).resolve() if len(sys.argv) > 3 else None
+LONGEST = 60  # seconds: only what hangs takes so long
 
 
 def run_in_environment():
@@ -35,8 +42,9 @@ def run_in_environment():
             if done.returncode != 0:
                 print(f"skipped: {what}:\n{done.stderr}")
                 sys.exit(SKIPPED)
-    # Each board of the tests is a device; time moves with the pictures that are taken.
-    environment = {**os.environ, "VBOARD_CLOCK": "stepped", "VBOARD_COUNT": "2", "PRODUCER_CLIENT": "1"}
+    # Each board of the tests is a device; time moves with the pictures that are taken. Stations of the user are none.
+    environment = {**os.environ, "VBOARD_CLOCK": "stepped", "VBOARD_COUNT": "2", "PRODUCER_CLIENT": "1",
+                   "XDG_RUNTIME_DIR": str(folder.absolute() / "without-stations")}
     os.execve(python, [str(python), __file__, *sys.argv[1:]], environment)
 
 
@@ -44,7 +52,8 @@ if "PRODUCER_CLIENT" not in os.environ:
     run_in_environment()
 
 from genicam.genapi import AccessException, EAccessMode, EVisibility, NodeMap, OutOfRangeException  # noqa: E402
-from genicam.gentl import InvalidValueException  # noqa: E402
+from genicam.gentl import (AccessDeniedException, EVENT_TYPE_LIST, EventManagerError,  # noqa: E402
+                           EventManagerRemoteDevice, InvalidValueException, IoException)
 from harvesters.core import Harvester, ParameterKey, ParameterSet  # noqa: E402
 
 
@@ -254,13 +263,157 @@ class Clients(unittest.TestCase):
         self.assertEqual([line.split()[0] for line in printed[1:]], [str(i) for i in range(1, 11)])
         self.assertIn("(512, 2048, 3)", printed[1])
 
-    @unittest.skipUnless(len(sys.argv) > 3 and os.path.exists(sys.argv[3]), "there is no appletctl")
+    @unittest.skipUnless(APPLETCTL, "there is no appletctl")
     def test_portable_document(self):
-        document = subprocess.run([sys.argv[3], "xml", "--portable"], check=True, capture_output=True, text=True).stdout
+        document = subprocess.run([APPLETCTL, "xml", "--portable"], check=True, capture_output=True, text=True).stdout
         nodes = NodeMap()
         nodes.load_xml_from_string(document)
         self.assertTrue(nodes.has_node("FG_WIDTH"))
 
 
+@unittest.skipUnless(APPLETCTL, "there is no appletctl")
+class ServedStation(unittest.TestCase):
+    """A client of a station that appletctl serves: they look at the same machine."""
+    SIMULATOR = ["FG_CAMERASIMULATOR_ENABLE=1", "FG_CAMERASIMULATOR_TRIGGER_MODE=8", "FG_WIDTH=256", "FG_HEIGHT=64"]
+
+    def setUp(self):
+        self.folder = tempfile.TemporaryDirectory(dir="/tmp")  # the path of a socket is short
+        self.addCleanup(self.folder.cleanup)
+        self.addCleanup(os.environ.update, XDG_RUNTIME_DIR=os.environ["XDG_RUNTIME_DIR"])
+        os.environ["XDG_RUNTIME_DIR"] = self.folder.name
+
+    def run_on(self, *words):
+        done = subprocess.run([APPLETCTL, "--json", *words], capture_output=True, text=True, timeout=LONGEST)
+        return json.loads(done.stdout) if done.stdout else {}
+
+    def serve(self, *words, name="line"):
+        served = self.run_on("serve", name, "--detach", *words)
+        self.addCleanup(subprocess.run, [APPLETCTL, "station", "stop", name], capture_output=True)
+        return served
+
+    def connect(self, name="line", **settings):
+        self.harvester = Harvester()
+        self.addCleanup(self.harvester.reset)
+        self.harvester.add_file(str(CTI))
+        self.harvester.update()
+        acquirer = self.harvester.create({"id_": f"station-{name}-process-0"}, **settings)
+        self.addCleanup(acquirer.destroy)
+        return acquirer
+
+    def test_sets_and_limits_are_those_of_the_command_line(self):
+        self.serve("--clock", "stepped", "--no-http", "--allow-set", *self.SIMULATOR)
+        nodes = self.connect().remote_device.node_map
+        self.assertEqual([info.id_ for info in self.harvester.device_info_list][-1], "station-line-process-0")
+        self.assertGreater(len([node for node in nodes.nodes if node.node.name.startswith("FG_")]), 150)
+        nodes.Width.value = 2048
+        value = self.run_on("--station", "line", "get", "FG_WIDTH")["parameters"][0]["value"]
+        self.assertEqual(value, 2048)
+        self.assertEqual(nodes.OffsetX.max, 16384 - 2048)
+        self.run_on("--station", "line", "set", "FG_WIDTH=1024", "FG_LUT_VALUE_RED[7]=99", "FG_DEBUGFILE=text")
+        self.assertEqual((nodes.Width.value, nodes.OffsetX.max), (1024, 16384 - 1024))
+        nodes.LUTIndex.value, nodes.OffsetX.value = 7, 512
+        self.assertEqual((nodes.LUTValue.value, nodes.FG_DEBUGFILE.value), (99, "text"))
+        with self.assertRaises(InvalidValueException) as raised:
+            nodes.FG_VANTAGEPOINT.value = "FG_VANTAGEPOINT_TOP_RIGHT"
+        self.assertIn("FG_VANTAGEPOINT = 1 was refused: -6000", str(raised.exception))
+        log = [entry["command"] for entry in self.run_on("station", "log", "line")["commands"]]
+        self.assertIn("set FG_WIDTH=2048", log)
+
+    def test_pictures_are_those_of_grab(self):
+        for name in ("line", "other"):
+            self.serve("--clock", "stepped", "--no-http", *self.SIMULATOR, name=name)
+        acquirer = self.connect()
+        acquirer.start()
+        found = pictures(acquirer, 100)
+        acquirer.stop()
+        grabbed = self.run_on("--station", "other", "grab", "100", "--hash")["pictures"]
+        self.assertEqual([(number, digest) for number, digest, _ in found],
+                         [(picture["picture"], picture["sha256"]) for picture in grabbed])
+        self.assertEqual([time_ns for _, _, time_ns in found], [8 * picture["firstLine"] for picture in grabbed])
+        nodes = acquirer.remote_device.node_map
+        with self.assertRaises(AccessDeniedException) as raised:
+            nodes.Height.value = 32
+        self.assertIn("--allow-set", str(raised.exception))
+        # A command takes the pictures meanwhile; then they come back.
+        acquirer.start()
+        self.assertEqual(len(self.run_on("--station", "line", "grab", "3")["pictures"]), 3)
+        self.assertEqual([number for number, _, _ in pictures(acquirer, 3)][0] > 100, True)
+        acquirer.stop()
+
+    def test_triggers_and_events(self):
+        self.serve("--clock", "stepped", "--no-http", "--allow-set", *self.SIMULATOR)
+        acquirer = self.connect()
+        nodes = acquirer.remote_device.node_map
+        # Without the monitor's thread: events that it delivers while this one uses a node would stop both.
+        events = next(one for one in acquirer._module_event_monitor_dict.values()
+                      if isinstance(one, EventManagerRemoteDevice))
+        nodes.TriggerMode.value, nodes.TriggerSource.value = "On", "Software"
+        acquirer.start()
+        self.assertIsNone(acquirer.try_fetch(timeout=0.2))
+        nodes.TriggerSoftware.execute()
+        self.assertEqual(len(pictures(acquirer, 1)), 1)
+        acquirer.stop()
+        nodes.TriggerMode.value = "Off"
+        nodes.EventSelector.value = "START_OF_FRAME_CAM_PORT_0"
+        number = int(nodes.EventSelector.get_int_value())
+        nodes.EventNotification.value = "On"
+        before = nodes.Timestamp.value
+        acquirer.start()
+        pictures(acquirer, 3)
+        events.update_event_data(1000 * LONGEST)
+        acquirer.stop()
+        mask, time_ns = struct.unpack("<QQ", bytes(events.optional_data)[:16])
+        self.assertEqual((int(str(events.event_id), 16), mask), (number, 1 << (number - 1)))
+        self.assertLessEqual(before, time_ns)
+        self.assertLess(time_ns, nodes.Timestamp.value)
+
+    def test_a_browser_sees_the_same_picture(self):
+        address = self.serve("--port", "0", "--factor", "0.1", *self.SIMULATOR)["address"]
+        if address is None:
+            self.skipTest("appletctl is built without HTTP")
+        acquirer = self.connect()
+        acquirer.start()
+        seen, last = {}, 0
+        end = time.monotonic() + LONGEST
+        while last not in seen:  # this client may have missed the one that the browser got
+            self.assertLess(time.monotonic(), end)
+            seen.update({number: digest for number, digest, _ in pictures(acquirer, 20)})
+            request = address.replace("?", "api/frame?") + "&format=raw&timeout=10000"
+            with urllib.request.urlopen(request, timeout=LONGEST) as answer:
+                last, content = int(answer.headers["X-Picture"]), answer.read()
+            seen.update({number: digest for number, digest, _ in pictures(acquirer, 20)})
+        acquirer.stop()
+        self.assertEqual(seen[last], hashlib.sha256(content).hexdigest())
+
+    def test_the_station_ends(self):
+        for _ in range(2):
+            process = self.serve("--clock", "stepped", "--no-http", *self.SIMULATOR)["process"]
+            acquirer = self.connect()
+            errors = EventManagerError(acquirer.device.module.register_event(EVENT_TYPE_LIST.EVENT_ERROR))
+            acquirer.start()
+            pictures(acquirer, 2)
+            os.kill(process, signal.SIGKILL)
+            errors.update_event_data(1000 * LONGEST)
+            end = time.monotonic() + LONGEST
+            with self.assertRaises(IoException) as raised:
+                while time.monotonic() < end:
+                    acquirer.remote_device.node_map.Height.value
+            self.assertIn("'line' has ended", str(raised.exception))
+            acquirer.destroy()
+            self.harvester.update()
+            self.assertEqual([info.id_ for info in self.harvester.device_info_list],
+                             [f"virtual-{i}-process-0" for i in range(2)])
+            self.harvester.reset()
+
+    def test_the_script_of_the_cookbook(self):
+        page = (pathlib.Path(__file__).parent.parent.parent / "docs" / "cookbook.md").read_text(encoding="utf-8")
+        script = page.split("```python\n")[-1].split("```")[0]
+        self.serve("--demo", "--allow-set", "--port", "0", name="line3")
+        environment = {**os.environ, "GENICAM_GENTL64_PATH": str(CTI.parent)}
+        printed = subprocess.run([sys.executable, "-c", script], env=environment, check=True, capture_output=True,
+                                 text=True, timeout=LONGEST).stdout.splitlines()
+        self.assertEqual((len(printed), printed[1].split()[0]), (11, "picture"))
+
+
 if __name__ == "__main__":
-    unittest.main(argv=[sys.argv[0]], verbosity=2)
+    unittest.main(argv=[sys.argv[0], *sys.argv[4:]], verbosity=2)

@@ -13,14 +13,19 @@ void ok(GC_ERROR code) {
     throw std::runtime_error(std::to_string(code) + ": " + text);
 }
 
-ProducerSession::ProducerSession() {
+ProducerSession::ProducerSession(const std::string& id) {
     ok(GCInitLib());
-    ok(TLOpen(&tl));
-    ok(TLOpenInterface(tl, interfaceId, &interface));
-    ok(IFOpenDevice(interface, deviceId, DEVICE_ACCESS_EXCLUSIVE, &device));
-    ok(DevGetPort(device, &port));
-    ok(DevOpenDataStream(device, streamId, &stream));
-    ok(GCRegisterEvent(stream, EVENT_NEW_BUFFER, &event));
+    try {
+        ok(TLOpen(&tl));
+        ok(TLOpenInterface(tl, id.c_str(), &interface));
+        ok(IFOpenDevice(interface, (id + "-process-0").c_str(), DEVICE_ACCESS_EXCLUSIVE, &device));
+        ok(DevGetPort(device, &port));
+        ok(DevOpenDataStream(device, (id + "-process-0-dma-0").c_str(), &stream));
+        ok(GCRegisterEvent(stream, EVENT_NEW_BUFFER, &event));
+    } catch (...) {
+        GCCloseLib();
+        throw;
+    }
 }
 
 ProducerSession::~ProducerSession() { GCCloseLib(); }

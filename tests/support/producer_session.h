@@ -16,7 +16,7 @@ constexpr const char* streamId = "virtual-0-process-0-dma-0";
 
 /** The library with one handle of each kind; closes it in the destructor. Throws if a call fails. */
 struct ProducerSession {
-    ProducerSession();
+    explicit ProducerSession(const std::string& id = interfaceId);
     ~ProducerSession();
     ProducerSession(const ProducerSession&) = delete;
     ProducerSession& operator=(const ProducerSession&) = delete;

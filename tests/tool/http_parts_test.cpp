@@ -3,8 +3,8 @@
 #include "applet_tools/pictures/region.h"
 #include "serve/http/protocol/Guard.h"
 #include "serve/http/protocol/Query.h"
-#include "serve/http/state/CommandThread.h"
 #include "serve/http/state/EventHub.h"
+#include "serve/live/CommandThread.h"
 
 #include <gtest/gtest.h>
 

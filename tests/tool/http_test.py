@@ -525,7 +525,7 @@ class Http(unittest.TestCase):
         again = self.serve("--demo", "--token-file", "token", port=str(client.port))
         self.assertEqual(again.get("/api/frame?timeout=10000").status, 200)
         for line, problem in [(["--listen", "everywhere"], "IP address"), (["--token-file", "missing"], "missing"),
-                              (["--no-http", "--allow-set"], "--no-http")]:
+                              (["--no-http", "--port", "0"], "--no-http")]:
             code, _, problems = run("serve", "other", *line)
             self.assertEqual(code, 2, problems)
             self.assertIn(problem, problems)

@@ -2,13 +2,12 @@
 
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/text.h"
+#include "serve/local_socket.h"
 
 #include <poll.h>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
-#include <sys/stat.h>
 #include <sys/time.h>
-#include <sys/un.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -35,35 +34,6 @@ Descriptor requireLock(const StationPlace& place) {
                   "'");
 }
 
-/** Removes the socket of a station that was killed. The lock is held, so no running station uses it. */
-Descriptor listeningSocket(const std::filesystem::path& path) {
-    Descriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    std::strncpy(address.sun_path, path.c_str(), sizeof address.sun_path - 1);
-    unlink(path.c_str());
-    constexpr int backlog = 16;
-    if (!socket || bind(socket.number(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
-        chmod(path.c_str(), S_IRUSR | S_IWUSR) != 0 || ::listen(socket.number(), backlog) != 0)
-        throw Failure("the socket " + applet_tools::inQuotes(path.native()) +
-                      " cannot be made: " + std::strerror(errno));
-    return socket;
-}
-
-Descriptor wakingDescriptor() {
-    Descriptor made(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
-    if (!made) throw Failure(std::string("no event descriptor can be made: ") + std::strerror(errno));
-    return made;
-}
-
-/** The process at the other end; -1 if its user is not allowed. */
-std::int64_t clientProcess(int socket) {
-    ucred peer{};
-    socklen_t size = sizeof peer;
-    if (getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &peer, &size) != 0) return -1;
-    return peer.uid == getuid() || peer.uid == 0 ? peer.pid : -1;
-}
-
 /** A command line without the option that selects this station. */
 applet_tools::Words withoutStation(applet_tools::Words words) {
     const auto end = std::ranges::find(words, "--");
@@ -83,7 +53,7 @@ double secondsBetween(std::chrono::system_clock::time_point from, std::chrono::s
 CommandSocket::Connection::Connection(Descriptor descriptor)
     : socket(std::move(descriptor))
     , reader(socket.number(), mostBytes)
-    , process(clientProcess(socket.number())) {
+    , process(allowedPeer(socket.number())) {
     constexpr timeval limit{0, 200'000}; // a client that does not read its answers is dropped
     setsockopt(socket.number(), SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
 }
@@ -92,7 +62,7 @@ CommandSocket::CommandSocket(const StationPlace& place, json description)
     : m_place(place)
     , m_description(std::move(description))
     , m_lock(requireLock(place))
-    , m_socket(listeningSocket(place.socket))
+    , m_socket(listenAt(place.socket, SOCK_STREAM))
     , m_wake(wakingDescriptor())
     , m_ending(wakingDescriptor())
     , m_thread([this] { listen(); }) {}

@@ -2,6 +2,7 @@
 
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/text.h"
+#include "serve/local_socket.h"
 
 #include <fcntl.h>
 #include <sys/socket.h>
@@ -38,13 +39,6 @@ bool isStationName(const std::string& name) {
                                [](char c) { return isAlphanumeric(c) || std::strchr("-_.", c) != nullptr; });
 }
 
-sockaddr_un addressOf(const fs::path& path) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    std::strncpy(address.sun_path, path.c_str(), sizeof address.sun_path - 1);
-    return address;
-}
-
 /** A lock on the whole file, owned by the open file description, so that testing it does not acquire it. */
 struct flock wholeFile() {
     struct flock lock {};
@@ -53,10 +47,8 @@ struct flock wholeFile() {
     return lock;
 }
 
-std::string runningStations() {
-    std::vector<std::string> names;
-    for (const std::string& name : stationNames())
-        if (isRunning(placeOf(name))) names.push_back(name);
+std::string runningNames() {
+    const std::vector<std::string> names = runningStations();
     return names.empty() ? "no station runs" : "running: " + applet_tools::join(names, ", ");
 }
 
@@ -69,11 +61,11 @@ StationPlace placeOf(const std::string& name) {
             " is not a name of a station: 1 to 32 letters, digits, '-', '_' and '.', "
             "beginning with a letter or a digit");
     const fs::path folder = stationFolder();
-    StationPlace place{name, folder / (name + ".socket"), folder / (name + ".lock"),
-                       folder / (name + ".log")};
-    if (place.socket.native().size() >= sizeof sockaddr_un::sun_path)
-        throw Failure("the socket " + applet_tools::inQuotes(place.socket.native()) + " has a path of " +
-                      std::to_string(place.socket.native().size()) + " bytes, and the system takes " +
+    StationPlace place{name, folder / (name + ".socket"), folder / (name + ".channel"),
+                       folder / (name + ".lock"), folder / (name + ".log")};
+    if (place.channel.native().size() >= sizeof sockaddr_un::sun_path)
+        throw Failure("the socket " + applet_tools::inQuotes(place.channel.native()) + " has a path of " +
+                      std::to_string(place.channel.native().size()) + " bytes, and the system takes " +
                       std::to_string(sizeof sockaddr_un::sun_path - 1) +
                       ": set XDG_RUNTIME_DIR to a shorter folder");
     return place;
@@ -101,6 +93,12 @@ std::vector<std::string> stationNames() {
     return names;
 }
 
+std::vector<std::string> runningStations() {
+    std::vector<std::string> names = stationNames();
+    std::erase_if(names, [](const std::string& name) { return !isRunning(placeOf(name)); });
+    return names;
+}
+
 Descriptor lockPlace(const StationPlace& place) {
     Descriptor lock(open(place.lock.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, S_IRUSR | S_IWUSR));
     if (!lock)
@@ -118,12 +116,8 @@ bool isRunning(const StationPlace& place) {
 }
 
 Descriptor connectTo(const StationPlace& place) {
-    Descriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
-    if (!socket) throw Failure(std::string("no socket can be made: ") + std::strerror(errno));
-    const sockaddr_un address = addressOf(place.socket);
-    if (connect(socket.number(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0)
-        return socket;
-    throw applet_tools::Unavailable("there is no station '" + place.name + "' (" + runningStations() + ")");
+    if (Descriptor socket = connectAt(place.socket, SOCK_STREAM)) return socket;
+    throw applet_tools::Unavailable("there is no station '" + place.name + "' (" + runningNames() + ")");
 }
 
 } // namespace serve

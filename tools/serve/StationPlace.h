@@ -13,9 +13,10 @@ namespace serve {
 /** The files of a station, in a folder that only the user can read. */
 struct StationPlace {
     std::string name;
-    std::filesystem::path socket; /**< listening socket, mode 0600 */
-    std::filesystem::path lock;   /**< locked while it runs, to detect a stale socket */
-    std::filesystem::path log;    /**< output of a detached station */
+    std::filesystem::path socket;  /**< listening socket for commands, mode 0600 */
+    std::filesystem::path channel; /**< listening socket of the channel (see station_channel), mode 0600 */
+    std::filesystem::path lock;    /**< locked while it runs, to detect a stale socket */
+    std::filesystem::path log;     /**< output of a detached station */
 };
 
 /** The default name of a station. */
@@ -32,6 +33,9 @@ void makeStationFolder();
 
 /** The names with a socket, sorted; running stations and those that were killed. */
 std::vector<std::string> stationNames();
+
+/** The names of running stations, sorted. */
+std::vector<std::string> runningStations();
 
 /** Locks the place for the lifetime of the descriptor; none if a running station holds it. Throws Failure if
  *  the lock file cannot be made. */

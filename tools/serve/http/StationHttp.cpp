@@ -160,37 +160,23 @@ void boundHeap() {
 
 } // namespace
 
-StationHttp::StationHttp(const StationAccess& access, const HttpPlace& place, const std::string& token)
+StationHttp::StationHttp(LiveStation& station, const HttpPlace& place, const std::string& token)
     : m_guard(token, !isLoopbackAddress(place.address), ownNames())
-    , m_station(access)
+    , m_station(station)
     , m_host(hostOf(place.address))
     , m_transport(openHttp(place, *this)) {
     boundHeap();
 }
 
 StationHttp::~StationHttp() {
-    m_station.commands.close();
+    m_station.live.close();
     m_station.hub.close();
-    if (m_station.pictures) m_station.pictures->close();
     m_transport.reset();
 }
 
 std::string StationHttp::address(bool withToken) const {
     return "http://" + m_host + ':' + std::to_string(m_transport->port()) + '/' +
            (withToken ? "?token=" + m_guard.token() : "");
-}
-
-void StationHttp::carryOut(bool isPause) { m_station.commands.carryOut(isPause); }
-
-void StationHttp::beginCommand(const std::string& text, bool acquires) {
-    m_station.commands.setCommand(text);
-    if (acquires && m_station.pictures) m_station.pictures->giveWay(text);
-}
-
-void StationHttp::endCommand(bool acquires) {
-    m_station.commands.setCommand("");
-    if (acquires && m_station.pictures) m_station.pictures->comeBack();
-    m_station.noteChanges();
 }
 
 std::optional<HttpAnswer> StationHttp::refusal(const HttpRequest& request) {

@@ -18,7 +18,7 @@ namespace serve {
 class StationHttp : private HttpHandler {
 public:
     /** Throws Unavailable if the program was built without HTTP, and Failure if it cannot listen. */
-    StationHttp(const StationAccess& access, const HttpPlace& place, const std::string& token);
+    StationHttp(LiveStation& station, const HttpPlace& place, const std::string& token);
     ~StationHttp() override;
     StationHttp(const StationHttp&) = delete;
     StationHttp& operator=(const StationHttp&) = delete;
@@ -26,13 +26,8 @@ public:
     /** "http://127.0.0.1:8042/"; with the token as a browser needs it. */
     std::string address(bool withToken) const;
 
-    /** Executes what waits for the command thread; in a pause of a command only what reads. */
-    void carryOut(bool isPause);
     /** For the command thread, some times a second. */
     void watchSource() { m_station.watchSource(); }
-    /** Around each command of another client. `acquires`: it may use the acquisition, so the viewers' one stops. */
-    void beginCommand(const std::string& text, bool acquires);
-    void endCommand(bool acquires);
 
 private:
     std::optional<HttpAnswer> refusal(const HttpRequest& request) override;

@@ -37,9 +37,8 @@ void addHttpOptions(CLI::App& command, Options& options) {
         "File with the token of the address in its first line, 16 to 128 letters, digits, - and _; a new "
         "random one "
         "if not given");
-    command
-        .add_flag("--allow-set", own.maySet, "Let the page set parameters; without it the page only shows")
-        ->excludes(off);
+    command.add_flag("--allow-set", own.maySet,
+                     "Let the page and GenICam clients set parameters; without it they only show them");
 }
 
 serve::HttpPlace httpPlace(const HttpOptions& options) {

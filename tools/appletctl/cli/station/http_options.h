@@ -28,7 +28,7 @@ struct HttpOptions {
         return address != "localhost" && address != "::1" && !address.starts_with("127.");
     }
     /** True if the user wants HTTP, and not only has not said --no-http. */
-    bool isAsked() const { return port || maySet || !tokenFile.empty() || address != "127.0.0.1"; }
+    bool isAsked() const { return port || !tokenFile.empty() || address != "127.0.0.1"; }
 };
 void addHttpOptions(CLI::App& command, Options& options);
 

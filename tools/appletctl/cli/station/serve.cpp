@@ -15,6 +15,7 @@
 #include "appletctl/commands/signals/wave_option.h"
 #include "serve/CommandClient.h"
 #include "serve/CommandSocket.h"
+#include "serve/channel/ChannelServer.h"
 #include "serve/http/StationHttp.h"
 #include "serve/http/routes/page_files.h"
 
@@ -127,11 +128,13 @@ public:
         , m_shown(context.options())
         , m_clock(clock)
         , m_session(context)
-        , m_socket(place, {{"board", boardText(m_shown)}, {"clock", clockText(m_shown, clock)}}) {
+        , m_socket(place, {{"board", boardText(m_shown)}, {"clock", clockText(m_shown, clock)}})
+        , m_live(access(place.name, station)) {
         static_cast<BoardOptions&>(m_options) = m_shown;
         setClock();
         context.setPause([this] { lookMeanwhile(); });
-        if (!m_shown.of<HttpOptions>().isOff) openHttp(place.name, station);
+        if (!m_shown.of<HttpOptions>().isOff) openHttp();
+        m_channel.emplace(place, m_live);
         m_socket.setReady(m_http ? m_http->address(false) : "", address());
     }
     ~Station() { m_context.setPause({}); }
@@ -146,35 +149,37 @@ public:
         while (!m_socket.isStopAsked() && waitForWork()) {
             const std::optional<serve::ClientCommand> command =
                 m_socket.begin([](const serve::ClientCommand&) { return true; });
-            if (m_http) m_http->carryOut(false);
+            m_live.commands.carryOut(false);
             if (!command) continue;
             const bool acquires = mayAcquire(*command);
-            if (m_http) m_http->beginCommand(m_socket.runningCommand(), acquires);
+            m_live.beginCommand(m_socket.runningCommand(), acquires);
             const bool isInterruptedByClient =
                 m_socket.end(carryOut(*command, [&] { return runFor(*command); }));
             setClock();
-            if (m_http) m_http->endCommand(acquires);
+            m_live.endCommand(acquires);
             if (m_interruption.isAsked() && !isInterruptedByClient) return;
             m_interruption.rearm();
         }
     }
 
 private:
-    void openHttp(const std::string& name, const std::optional<StationFile>& station) {
+    serve::StationAccess access(const std::string& name, const std::optional<StationFile>& station) {
+        return {.name = name,
+                .version = APPLETCTL_VERSION,
+                .board = boardText(m_shown),
+                .clock = m_clock,
+                .maySet = m_shown.of<HttpOptions>().maySet,
+                .station = station,
+                .wake = [this] { m_socket.wake(); },
+                .live = &m_context,
+                .change = [this](const std::string& text,
+                                 const std::function<void()>& work) { change(text, work); }};
+    }
+
+    void openHttp() {
         const auto& own = m_shown.of<HttpOptions>();
-        const serve::StationAccess access{
-            .name = name,
-            .version = APPLETCTL_VERSION,
-            .board = boardText(m_shown),
-            .clock = m_clock,
-            .maySet = own.maySet,
-            .station = station,
-            .wake = [this] { m_socket.wake(); },
-            .live = &m_context,
-            .change = [this](const std::string& text,
-                             const std::function<void()>& work) { change(text, work); }};
         try {
-            m_http.emplace(access, httpPlace(own), httpToken(own));
+            m_http.emplace(m_live, httpPlace(own), httpToken(own));
         } catch (const Unavailable& error) {
             if (own.isAsked()) throw;
             std::cerr << "appletctl: the station has no page: " << error.what() << '\n';
@@ -194,7 +199,7 @@ private:
         return m_interruption.waitReadable(m_socket.readable(), Clock::now() + period);
     }
 
-    /** Work of a client by HTTP. */
+    /** Work of a client that gives no command line. */
     void change(const std::string& text, const std::function<void()>& work) {
         const Stopwatch watch;
         try {
@@ -233,7 +238,7 @@ private:
     void lookMeanwhile() {
         if (m_isPaused || m_interruption.isAsked() || m_context.isCopy()) return;
         m_isPaused = true;
-        if (m_http) m_http->carryOut(true);
+        m_live.commands.carryOut(true);
         Request request;
         const auto isQuickLook = [&](const serve::ClientCommand& command) {
             if (command.kind != serve::ClientCommand::Kind::commandLine) return false;
@@ -279,7 +284,10 @@ private:
     Interruption m_interruption;
     bool m_isPaused = false;
     serve::CommandSocket m_socket;
-    std::optional<serve::StationHttp> m_http; // last: its threads use the other members
+    serve::LiveStation m_live;
+    // Last: their threads use the other members.
+    std::optional<serve::StationHttp> m_http;
+    std::optional<serve::ChannelServer> m_channel;
 };
 
 std::string usageText(const std::string& name) {

@@ -99,7 +99,7 @@ HttpAnswer showTimeline(Station& station, const HttpRequest& request, const std:
     if (signals.empty()) signals = applet_tools::stationSignals();
     Json document;
     station.commands.run(Work::reads, [&] {
-        station.takeEvents();
+        station.live.takeEvents();
         const Ticks now = station.instance().board().now(station.instance().device());
         const Ticks to = askedTo ? std::min(now, static_cast<Ticks>(*askedTo)) : now;
         const Ticks from = askedFrom ? std::min(to, static_cast<Ticks>(*askedFrom))

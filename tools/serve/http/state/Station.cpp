@@ -12,22 +12,28 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr std::size_t mostEventsOfName = 5000;    // that are kept
-constexpr std::size_t mostEventsAtOnce = 131'072; // twice the board's queue: they come while they are taken
+constexpr std::size_t mostEventsOfName = 5000; // that are kept
 
 } // namespace
 
-Station::Station(const StationAccess& stationAccess)
-    : access(stationAccess)
-    , commands(stationAccess.wake)
-    , parameters(*stationAccess.live)
-    , setup(stationAccess.station.value_or(applet_tools::StationFile()))
+Station::Station(LiveStation& liveStation)
+    : live(liveStation)
+    , access(live.access)
+    , commands(live.commands)
+    , pictures(access.clock != 0 ? live.pictures.get() : nullptr)
+    , parameters(*access.live)
+    , setup(access.station.value_or(applet_tools::StationFile()))
     , ownImage(setup.scene ? setup.scene->image : "") {
-    if (access.board != "virtual" || access.clock == 0) return;
-    pictures = std::make_unique<LivePictures>(commands, access.live->instance(), access.clock);
+    live.onChange.emplace_back([this] { noteChanges(); });
+    live.onEvents.emplace_back([this](const LiveStation::EventTicks& taken) { keepEvents(taken); });
+    if (pictures == nullptr) return;
     pictures->setOnPicture([this](const SharedPicture& picture) {
         hub.publish("picture", {{"number", picture.number()}, {"tick", picture.record().arrival}});
     });
+}
+
+Station::~Station() {
+    if (pictures != nullptr) pictures->setOnPicture({});
 }
 
 void Station::requireVirtual() const {
@@ -130,18 +136,10 @@ void Station::sample() {
     std::vector<std::int64_t> losses = applet_tools::lossesOf(instance());
     if (losses != m_losses) hub.publish("losses", lossesAsJson(losses));
     m_losses = std::move(losses);
-    takeEvents();
+    live.takeEvents();
 }
 
-void Station::takeEvents() {
-    if (!commands.command().empty()) return;
-    std::map<const char*, std::vector<std::uint64_t>> taken; // by name, which stays where it is
-    vboard_event event{};
-    const auto& board = instance().board();
-    for (std::size_t i = 0; i < mostEventsAtOnce; ++i) {
-        if (board.next_event(instance().device(), &event) != VBOARD_OK) break;
-        taken[event.name].push_back(event.tick);
-    }
+void Station::keepEvents(const LiveStation::EventTicks& taken) {
     for (const auto& [name, ticks] : taken) {
         hub.publish("event", {{"name", name}, {"tick", ticks.back()}, {"count", ticks.size()}});
         const std::lock_guard guard(m_mutex);

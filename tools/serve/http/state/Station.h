@@ -2,11 +2,9 @@
 #ifndef SERVE_HTTP_STATE_STATION_H
 #define SERVE_HTTP_STATE_STATION_H
 
-#include "serve/http/state/CommandThread.h"
 #include "serve/http/state/EventHub.h"
-#include "serve/http/state/LivePictures.h"
-#include "serve/http/state/StationAccess.h"
 #include "serve/http/state/parameter_documents.h"
+#include "serve/live/LiveStation.h"
 
 #include <atomic>
 #include <cstdint>
@@ -21,7 +19,10 @@
 namespace serve {
 
 struct Station {
-    explicit Station(const StationAccess& stationAccess);
+    explicit Station(LiveStation& liveStation);
+    ~Station();
+    Station(const Station&) = delete;
+    Station& operator=(const Station&) = delete;
 
     applet_tools::Instance& instance() const { return access.live->instance(); }
     /** Why this station never shows a picture, with what to do about it; empty if it may. For any thread. */
@@ -45,19 +46,16 @@ struct Station {
     /** For a thread of a stream: does that on the command thread, unless it was done within the period. */
     void sampleIfDue(std::chrono::milliseconds period);
 
-    const StationAccess access;
-    CommandThread commands;
+    LiveStation& live;
+    const StationAccess& access;
+    CommandThread& commands;
+    LivePictures* const pictures; // null without a board whose time follows the clock
     EventHub hub;
-    std::unique_ptr<LivePictures> pictures; // null without a board whose time follows the clock
     ParameterDocuments parameters;
     applet_tools::StationFile setup; // camera, belt and scene as they are, for the command thread
     const std::string ownImage;      // of the scene at the start; empty: none
     std::mutex recording;            // held by the request that collects a series, which needs much memory
     std::atomic<std::uint64_t> sets = 0, refusedSets = 0, requests = 0, refusedRequests = 0;
-
-    /** For the command thread: takes the events from the board's queue and informs the streams of them, unless a command
-     *  runs, which may want them for itself. */
-    void takeEvents();
 
     struct StationEvent {
         std::uint64_t tick;
@@ -72,6 +70,9 @@ struct Station {
 
 private:
     using Clock = LivePictures::Clock;
+
+    /** For the command thread: keeps the events, and informs the streams of them. */
+    void keepEvents(const LiveStation::EventTicks& taken);
 
     /** The counts of the station at a moment. */
     struct Sample {

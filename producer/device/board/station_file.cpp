@@ -1,25 +1,24 @@
-#include "device/station_file.h"
+#include "device/board/station_file.h"
 
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/numbers.h"
 #include "applet_tools/station/StationFile.h"
 #include "base/Error.h"
 
+#include <algorithm>
+
 namespace producer {
 namespace {
 
 /** A number, or the name of an entry. */
 std::optional<std::int64_t> entryFrom(const Parameter& parameter, const std::string& text) {
-    const auto& entries = parameter.record->value.enumeration;
-    for (int i = 0; i < entries.entryCount; ++i) {
-        const char* const name = entries.symbolicNames != nullptr ? entries.symbolicNames[i] : nullptr;
-        if (name != nullptr && text == name) return entries.values[i];
-    }
+    const auto found = std::ranges::find(parameter.entries, text, &applet_host::Entry::name);
+    if (found != parameter.entries.end()) return found->value;
     return applet_tools::wholeNumber<std::int64_t>(text);
 }
 
 std::optional<Value> valueFrom(const Parameter& parameter, const std::string& text) {
-    switch (parameter.record->kind) {
+    switch (parameter.kind) {
     case REGISTER_KIND_STRING:
         return text;
     case REGISTER_KIND_DOUBLE:
@@ -31,7 +30,7 @@ std::optional<Value> valueFrom(const Parameter& parameter, const std::string& te
     }
 }
 
-void assign(const Station& station, const std::string& assignment) {
+void assign(const BoardStation& station, const std::string& assignment) {
     const std::size_t sign = assignment.find('=');
     const std::string name = assignment.substr(0, sign), text = assignment.substr(sign + 1);
     const Parameter* const parameter = station.find(name);
@@ -45,7 +44,7 @@ void assign(const Station& station, const std::string& assignment) {
 
 } // namespace
 
-bool setUpStationFile(Station& station) {
+bool setUpStationFile(BoardStation& station) {
     try {
         const auto file = applet_tools::stationOfEnvironment();
         if (!file) return false;

@@ -1,9 +1,10 @@
 /** A picture that many clients look at. */
-#ifndef SERVE_HTTP_STATE_SHAREDPICTURE_H
-#define SERVE_HTTP_STATE_SHAREDPICTURE_H
+#ifndef SERVE_LIVE_SHAREDPICTURE_H
+#define SERVE_LIVE_SHAREDPICTURE_H
 
 #include "applet_tools/pictures/region.h"
 #include "applet_tools/station/Grabber.h"
+#include "station_channel/SharedMemory.h"
 
 #include <cstdint>
 #include <future>
@@ -26,20 +27,20 @@ struct PictureForm {
     bool operator==(const PictureForm&) const = default;
 };
 
-/** Its bytes do not change. Each form is made once, by the first thread that asks for it. */
+/** Its bytes do not change, and other processes can read them. Each form is made once, by the first thread that asks for
+ *  it. */
 class SharedPicture {
 public:
-    using Bytes = std::unique_ptr<std::uint8_t[]>; /**< not initialised, since all are rendered */
-
-    /** `number` counts the pictures of the station; that of the record those of one acquisition. `bytes`: as many as
-     *  the record says. */
-    SharedPicture(std::int64_t number, const vboard_record& record, Bytes bytes);
+    /** `number` counts the pictures of the station; that of the record those of one acquisition. */
+    SharedPicture(std::int64_t number, const vboard_record& record, station_channel::SharedMemory bytes);
 
     std::int64_t number() const { return m_number; }
     /** Without the bytes. */
     const vboard_record& record() const { return m_record; }
     applet_tools::PictureView view() const { return m_view; }
-    std::size_t size() const { return m_record.size; }
+    std::size_t size() const { return m_bytes.bytes().size(); }
+    /** Its sealed memory. */
+    int descriptor() const { return m_bytes.descriptor(); }
     /** Throws Unavailable for a format that the program was built without. */
     std::shared_ptr<const std::string> encoded(const PictureForm& form) const;
     /** Frees what encoded() has kept. */
@@ -52,7 +53,7 @@ private:
 
     const std::int64_t m_number;
     vboard_record m_record;
-    const Bytes m_bytes;
+    const station_channel::SharedMemory m_bytes;
     applet_tools::PictureView m_view;
     mutable std::mutex m_mutex;
     mutable std::vector<std::pair<PictureForm, std::shared_future<Encoded>>> m_encoded; // guarded

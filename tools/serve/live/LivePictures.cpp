@@ -1,4 +1,4 @@
-#include "serve/http/state/LivePictures.h"
+#include "serve/live/LivePictures.h"
 
 #include "applet_tools/base/errors.h"
 
@@ -6,6 +6,8 @@
 
 #include <algorithm>
 #include <csignal>
+#include <iterator>
+#include <new>
 
 namespace serve {
 namespace {
@@ -16,7 +18,7 @@ constexpr auto longestUnwatched = 3s;
 constexpr auto shortestDistance = 1'000'000us / 30; // between two rendered pictures
 constexpr auto longestPiece = 50ms;                 // of a wait for the board
 constexpr auto longestLook = 250ms;                 // between two requests of a viewer
-constexpr std::size_t frames = 4;                   // of the memory
+constexpr std::size_t frames = 16;                  // of the memory
 constexpr std::size_t mostKeptBytes = 32U << 20U;   // one picture is kept, however large it is
 constexpr std::size_t mostKept = 32;
 
@@ -53,7 +55,7 @@ LivePictures::Picture LivePictures::newerThan(std::int64_t after, Clock::time_po
         m_commands.run(Work::changes, [this] { start(); });
         lock.lock();
     }
-    const auto isThere = [&] { return !m_kept.empty() && m_kept.back()->number() > after; };
+    const auto isThere = [&] { return m_shown != nullptr && m_shown->number() > after; };
     if (!isThere()) {
         ++m_waiting;
         m_changed.notify_all();
@@ -61,7 +63,33 @@ LivePictures::Picture LivePictures::newerThan(std::int64_t after, Clock::time_po
         --m_waiting;
     }
     m_lastAsked = Clock::now();
-    return isThere() ? m_kept.back() : nullptr;
+    return isThere() ? m_shown : nullptr;
+}
+
+void LivePictures::setOnPicture(std::function<void(const SharedPicture&)> function) {
+    std::unique_lock lock(m_mutex);
+    m_changed.wait(lock, [this] { return !m_isDelivering; });
+    m_onPicture = std::move(function);
+}
+
+std::int64_t LivePictures::join(PictureReceiver& receiver) {
+    start();
+    const std::lock_guard guard(m_mutex);
+    if (m_receivers.empty()) m_next = m_last + 1;
+    m_receivers.push_back(&receiver);
+    resumeStarts();
+    return m_offset + m_next - 1;
+}
+
+void LivePictures::leave(PictureReceiver& receiver) {
+    std::unique_lock lock(m_mutex);
+    std::erase(m_receivers, &receiver);
+    m_changed.wait(lock, [this] { return !m_isDelivering; });
+}
+
+void LivePictures::wake() {
+    const std::lock_guard guard(m_mutex);
+    m_changed.notify_all();
 }
 
 LivePictures::Picture LivePictures::kept(std::int64_t number) const {
@@ -98,6 +126,12 @@ void LivePictures::giveWay(const std::string& reason) {
 void LivePictures::comeBack() {
     const std::lock_guard guard(m_mutex);
     if (--m_ways == 0) m_state.gaveWayTo.clear();
+    resumeStarts();
+}
+
+void LivePictures::resumeStarts() {
+    m_isStartPosted = false;
+    m_changed.notify_all();
 }
 
 void LivePictures::setPaused(bool isPaused) {
@@ -106,7 +140,7 @@ void LivePictures::setPaused(bool isPaused) {
         if (m_state.isPaused == isPaused) return;
         m_state.isPaused = isPaused;
         m_ways += isPaused ? 1 : -1;
-        m_changed.notify_all();
+        resumeStarts();
     }
     if (isPaused) stop();
 }
@@ -133,6 +167,7 @@ void LivePictures::start() {
     m_rateFrom = m_state.pictures;
     m_offset = std::max(m_state.pictures, m_kept.empty() ? 0 : m_kept.back()->number());
     m_last = 0;
+    m_next = 1;
     m_changed.notify_all();
 }
 
@@ -150,8 +185,17 @@ void LivePictures::stop() {
 }
 
 bool LivePictures::isWatched() const {
-    return m_waiting > 0 || Clock::now() - m_lastAsked < longestUnwatched;
+    return !m_receivers.empty() || m_waiting > 0 || Clock::now() - m_lastAsked < longestUnwatched;
 }
+
+bool LivePictures::isReceived() const {
+    return std::ranges::any_of(m_receivers, &PictureReceiver::wantsPicture);
+}
+
+/** A viewer that shows a picture now will ask for the next one. */
+bool LivePictures::isViewed() const { return m_waiting > 0 || Clock::now() - m_lastAsked < longestLook; }
+
+bool LivePictures::mustStart() const { return !m_receivers.empty() && m_ways == 0 && !m_isStartPosted; }
 
 void LivePictures::stopUnwatched() {
     {
@@ -162,53 +206,82 @@ void LivePictures::stopUnwatched() {
     stop();
 }
 
+void LivePictures::startForReceivers() {
+    start();
+    const std::lock_guard guard(m_mutex);
+    m_isStartPosted = false;
+}
+
 void LivePictures::work() {
     sigset_t all;
     sigfillset(&all);
     pthread_sigmask(SIG_BLOCK, &all, nullptr); // signals are for the command thread
     std::unique_lock lock(m_mutex);
     for (;;) {
-        m_changed.wait(lock, [this] { return m_isEnding || m_state.isRunning; });
+        m_changed.wait(lock, [this] { return m_isEnding || m_state.isRunning || mustStart(); });
         if (m_isEnding) return;
-        m_isWatching = true;
-        watch(lock);
-        m_isWatching = false;
-        m_changed.notify_all();
+        if (m_state.isRunning) {
+            m_isWatching = true;
+            watch(lock);
+            m_isWatching = false;
+            m_changed.notify_all();
+        } else {
+            m_isStartPosted = true;
+            lock.unlock(); // the command thread may be at work with it
+            m_commands.post(Work::changes, [this] { startForReceivers(); });
+            lock.lock();
+        }
     }
 }
 
 void LivePictures::watch(std::unique_lock<std::mutex>& lock) {
-    const auto& board = m_instance.board();
-    const auto piece = static_cast<applet_tools::Ticks>(
-        std::max(1.0, m_factor * std::chrono::duration<double>(longestPiece).count() *
-                          static_cast<double>(applet_tools::ticksPerSecond)));
-    Clock::time_point next{};
     while (m_state.isRunning && !m_isEnding) {
-        // A picture that came meanwhile is rendered at once when a viewer asks for it.
-        m_changed.wait_until(lock, next, [this] { return !m_state.isRunning || m_isEnding; });
-        const std::int64_t wanted = m_last + 1;
-        lock.unlock();
-        const std::int64_t last = board.wait(m_instance.device(), wanted, piece);
-        lock.lock();
-        if (!m_state.isRunning || m_isEnding) return;
-        if (last >= wanted) note(last);
-        const bool isNew = m_kept.empty() || m_kept.back()->number() < m_offset + m_last;
-        // A viewer that shows a picture now will ask for the next one.
-        const bool isWanted = m_waiting > 0 || Clock::now() - m_lastAsked < longestLook;
-        if (isWanted && m_last > 0 && isNew) {
-            next = Clock::now() + shortestDistance;
-            render(lock, m_last);
-        } else if (last < 0 && last != VBOARD_TIMEOUT) {
-            next = Clock::now() + longestPiece; // ended by somebody else
-        } else if (last >= wanted) {
-            next = Clock::now() + 2ms; // pictures that nobody waits for are only counted
-        }
+        if (!waitForPicture(lock)) return;
+        renderWanted(lock);
         if (m_isStopPosted || isWatched()) continue;
         m_isStopPosted = true;
         lock.unlock(); // the command thread may be at work with it
         m_commands.post(Work::changes, [this] { stopUnwatched(); });
         lock.lock();
     }
+}
+
+/** Waits for a picture, for a short time. False at the end of the acquisition. */
+bool LivePictures::waitForPicture(std::unique_lock<std::mutex>& lock) {
+    const auto isOver = [this] { return !m_state.isRunning || m_isEnding; };
+    const bool isStepped = m_factor == 0;
+    const auto isWanted = [this, isOver] { return isOver() || isReceived(); };
+    if (isStepped && !m_changed.wait_for(lock, longestPiece, isWanted)) return true;
+    m_changed.wait_until(lock, m_nextView, isWanted);
+    if (isOver()) return false;
+    const std::int64_t wanted = m_last + 1;
+    const auto piece = static_cast<applet_tools::Ticks>(
+        std::max(1.0, (isStepped ? 1 : m_factor) * std::chrono::duration<double>(longestPiece).count() *
+                          static_cast<double>(applet_tools::ticksPerSecond)));
+    lock.unlock();
+    const std::int64_t last = m_instance.board().wait(m_instance.device(), wanted, piece);
+    lock.lock();
+    if (isOver()) return false;
+    if (last >= wanted) {
+        note(last);
+        // Pictures that nobody waits for are only counted.
+        if (!isViewed()) m_changed.wait_for(lock, 2ms, isWanted);
+    } else if (last < 0 && last != VBOARD_TIMEOUT) {
+        m_changed.wait_for(lock, longestPiece, isOver); // ended by somebody else
+    }
+    return !isOver();
+}
+
+void LivePictures::renderWanted(std::unique_lock<std::mutex>& lock) {
+    const auto isOver = [this] { return !m_state.isRunning || m_isEnding; };
+    while (isReceived() && m_next <= m_last && !isOver()) {
+        m_next = std::max(m_next, m_last - static_cast<std::int64_t>(frames) + 2); // not overwritten yet
+        render(lock, m_next++);
+    }
+    const bool isNew = m_kept.empty() || m_kept.back()->number() < m_offset + m_last;
+    if (m_last == 0 || !isNew || !isViewed() || isOver() || Clock::now() < m_nextView) return;
+    m_next = m_last + 1;
+    render(lock, m_last);
 }
 
 void LivePictures::note(std::int64_t picture) {
@@ -229,20 +302,42 @@ void LivePictures::render(std::unique_lock<std::mutex>& lock, std::int64_t pictu
     lock.unlock();
     const auto& board = m_instance.board();
     vboard_record record{};
-    SharedPicture::Bytes bytes;
     std::uint8_t noRoom = 0; // fills in the record without rendering
-    int code = board.frame_into(m_memory.get(), picture, &noRoom, 0, &record);
-    if (code == VBOARD_TOO_SMALL) {
-        bytes = std::make_unique_for_overwrite<std::uint8_t[]>(record.size);
-        code = board.frame_into(m_memory.get(), picture, bytes.get(), record.size, &record);
-    }
     Picture made;
-    if (code == VBOARD_OK) made = std::make_shared<SharedPicture>(number, record, std::move(bytes));
-    if (made != nullptr && m_onPicture) m_onPicture(*made);
+    try {
+        int code = board.frame_into(m_memory.get(), picture, &noRoom, 0, &record);
+        if (code == VBOARD_TOO_SMALL) {
+            station_channel::SharedMemory memory(record.size);
+            code = board.frame_into(m_memory.get(), picture, memory.writable().data(), record.size, &record);
+            memory.seal();
+            if (code == VBOARD_OK) made = std::make_shared<SharedPicture>(number, record, std::move(memory));
+        }
+    } catch (const std::bad_alloc&) { // this picture is lost
+    }
     lock.lock();
     if (made == nullptr) return; // overwritten meanwhile
     ++m_state.rendered;
+    deliver(lock, made);
     keep(std::move(made));
+    m_changed.notify_all();
+}
+
+void LivePictures::deliver(std::unique_lock<std::mutex>& lock, const Picture& picture) {
+    std::vector<PictureReceiver*> wanting;
+    std::ranges::copy_if(m_receivers, std::back_inserter(wanting), &PictureReceiver::wantsPicture);
+    const bool isShown = Clock::now() >= m_nextView;
+    if (isShown) {
+        m_shown = picture;
+        m_nextView = Clock::now() + shortestDistance;
+        m_changed.notify_all();
+    }
+    m_isDelivering = true;
+    lock.unlock();
+    for (PictureReceiver* receiver : wanting)
+        receiver->take(*picture);
+    if (isShown && m_onPicture) m_onPicture(*picture);
+    lock.lock();
+    m_isDelivering = false;
     m_changed.notify_all();
 }
 

@@ -1,4 +1,4 @@
-#include "serve/http/state/CommandThread.h"
+#include "serve/live/CommandThread.h"
 
 #include <algorithm>
 

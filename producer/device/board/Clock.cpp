@@ -1,4 +1,4 @@
-#include "device/Clock.h"
+#include "device/board/Clock.h"
 
 #include "base/Error.h"
 

@@ -1,8 +1,8 @@
 /** Advances the time of a virtual station. */
-#ifndef PRODUCER_DEVICE_CLOCK_H
-#define PRODUCER_DEVICE_CLOCK_H
+#ifndef PRODUCER_DEVICE_BOARD_CLOCK_H
+#define PRODUCER_DEVICE_BOARD_CLOCK_H
 
-#include "device/Station.h"
+#include "device/board/BoardStation.h"
 
 #include <chrono>
 
@@ -22,7 +22,7 @@ public:
     /** Throws INVALID_PARAMETER for an unknown value. */
     static Kind chosen();
 
-    Clock(Station& station, Kind kind) : m_station(station), m_kind(kind), m_last(Time::now()) {}
+    Clock(BoardStation& station, Kind kind) : m_station(station), m_kind(kind), m_last(Time::now()) {}
 
     /** Advances the time by a step. `isWanted`: an acquisition has a buffer to fill. */
     void move(bool isWanted);
@@ -32,7 +32,7 @@ public:
 private:
     using Time = std::chrono::steady_clock;
 
-    Station& m_station;
+    BoardStation& m_station;
     const Kind m_kind;
     Time::time_point m_last; // real time up to which simulated time has advanced
 };

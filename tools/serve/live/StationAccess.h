@@ -1,11 +1,9 @@
-/** What the HTTP interface needs of a running station. */
-#ifndef SERVE_HTTP_STATE_STATIONACCESS_H
-#define SERVE_HTTP_STATE_STATIONACCESS_H
+/** What the interfaces of a running station need of it. */
+#ifndef SERVE_LIVE_STATIONACCESS_H
+#define SERVE_LIVE_STATIONACCESS_H
 
 #include "applet_tools/scratch/LiveSession.h"
 #include "applet_tools/station/StationFile.h"
-#include "serve/http/state/CommandThread.h"
-#include "serve/http/state/LivePictures.h"
 
 #include <functional>
 #include <optional>

@@ -1,4 +1,4 @@
-#include "device/station_file.h"
+#include "device/board/station_file.h"
 
 #include "base/Error.h"
 
@@ -6,7 +6,7 @@
 
 namespace producer {
 
-bool setUpStationFile(Station&) {
+bool setUpStationFile(BoardStation&) {
     const char* const file = std::getenv("VBOARD_STATION");
     if (file == nullptr || *file == '\0') return false;
     throw Error(GC_ERR_NOT_AVAILABLE,

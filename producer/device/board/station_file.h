@@ -2,13 +2,13 @@
 #ifndef PRODUCER_DEVICE_STATION_FILE_H
 #define PRODUCER_DEVICE_STATION_FILE_H
 
-#include "device/Station.h"
+#include "device/board/BoardStation.h"
 
 namespace producer {
 
 /** Sets it up; false if the variable names no file. Throws INVALID_VALUE for what is wrong in the file, and what
  *  Station::set throws. */
-bool setUpStationFile(Station& station);
+bool setUpStationFile(BoardStation& station);
 
 } // namespace producer
 

@@ -1,6 +1,6 @@
 /** Work of other threads on the command thread, the only one that uses the applet. */
-#ifndef SERVE_HTTP_STATE_COMMANDTHREAD_H
-#define SERVE_HTTP_STATE_COMMANDTHREAD_H
+#ifndef SERVE_LIVE_COMMANDTHREAD_H
+#define SERVE_LIVE_COMMANDTHREAD_H
 
 #include <chrono>
 #include <condition_variable>

@@ -1,4 +1,4 @@
-#include "serve/http/state/SharedPicture.h"
+#include "serve/live/SharedPicture.h"
 
 #include "applet_tools/pictures/formats.h"
 
@@ -25,11 +25,12 @@ std::string encodedView(const PictureView& view, const PictureForm& form) {
 
 } // namespace
 
-SharedPicture::SharedPicture(std::int64_t number, const vboard_record& record, Bytes bytes)
+SharedPicture::SharedPicture(std::int64_t number, const vboard_record& record,
+                             station_channel::SharedMemory bytes)
     : m_number(number)
     , m_record(record)
     , m_bytes(std::move(bytes)) {
-    m_record.data = m_bytes.get();
+    m_record.data = m_bytes.bytes().data();
     m_view = applet_tools::viewOf(m_record);
     m_record.data = nullptr;
 }

@@ -1,0 +1,41 @@
+/** The machines that a device can be: a board in this process, or a station that another process serves. */
+#ifndef PRODUCER_DEVICE_MACHINE_H
+#define PRODUCER_DEVICE_MACHINE_H
+
+#include "device/Acquisition.h"
+#include "device/Libraries.h"
+#include "device/Station.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace producer {
+
+/** Functions for what happens at a machine, called by its thread. */
+struct MachineListener {
+    std::function<void(const EventKind&, std::uint64_t nanoseconds)> onEvent;
+    /** The machine has ended: all accesses fail from now on. Called at most once. */
+    std::function<void(const std::string& reason)> onLoss;
+};
+
+struct Machine {
+    std::unique_ptr<Station> station;
+    std::unique_ptr<Acquisition> acquisition; // last: its thread uses the station
+};
+
+/** A board of this process with its own time (see board/Clock.h). Throws IO. */
+Machine openBoard(const Libraries& libraries, const MachineListener& listener);
+
+/** The station of that name, which `appletctl serve` holds. Throws IO. */
+Machine openServed(const std::string& name, const MachineListener& listener);
+/** The names of this user's running stations, sorted. */
+std::vector<std::string> servedStations();
+/** True if such a station runs. */
+bool isServed(const std::string& name);
+
+} // namespace producer
+
+#endif

@@ -1,0 +1,33 @@
+/** A station that another process serves. */
+#ifndef PRODUCER_DEVICE_SERVED_SERVEDSTATION_H
+#define PRODUCER_DEVICE_SERVED_SERVEDSTATION_H
+
+#include "device/Station.h"
+#include "device/served/StationLink.h"
+
+#include <string>
+
+namespace producer {
+
+/** Nothing is kept but what does not change: each access asks the station. */
+class ServedStation final : public Station {
+public:
+    /** Throws IO. */
+    explicit ServedStation(const std::string& name);
+
+    Value get(const Parameter& parameter) const override;
+    using Station::set;
+    void set(const Parameter& parameter, const Value& value) const override;
+    applet_host::ParameterState state(const Parameter& parameter) const override;
+    void wantEvents(std::uint64_t mask) override;
+    std::uint64_t nanoseconds() override;
+
+    StationLink& link() { return m_link; }
+
+private:
+    mutable StationLink m_link;
+};
+
+} // namespace producer
+
+#endif

@@ -1,0 +1,261 @@
+#include "applet_host/parameter_access.h"
+
+#include "applet_host/latin1.h"
+#include "vexo/fg_errors.h"
+#include "vexo/type_tags.hpp"
+
+#include <algorithm>
+#include <limits>
+#include <locale>
+#include <optional>
+#include <set>
+#include <sstream>
+#include <utility>
+
+namespace applet_host {
+namespace {
+
+/** Calls the function with the record's limits, in the type of its kind; not at all if there are none. */
+template <typename Function> void withNumbers(const RegisterInfo& record, Function function) {
+    const RegisterInfoValue& value = record.value;
+    switch (record.kind) {
+    case REGISTER_KIND_UINT:
+        return function(value.u32);
+    case REGISTER_KIND_INT:
+        return function(value.i32);
+    case REGISTER_KIND_UINT64:
+        return function(value.u64);
+    case REGISTER_KIND_INT64:
+        return function(value.i64);
+    case REGISTER_KIND_DOUBLE:
+        return function(value.f64);
+    default:
+        return;
+    }
+}
+
+Value inOwnKind(double value) { return value; }
+template <typename T> Value inOwnKind(T value) {
+    constexpr std::uint64_t most = std::numeric_limits<std::int64_t>::max();
+    if constexpr (std::is_same_v<T, std::uint64_t>)
+        return static_cast<std::int64_t>(std::min(value, most));
+    else
+        return static_cast<std::int64_t>(value);
+}
+
+Limits limitsOf(const RegisterInfo& record) {
+    Limits result;
+    withNumbers(record, [&](const auto& published) {
+        using Number = std::decay_t<decltype(published.minimum)>;
+        const auto live = [](const Number& place) {
+            Number value{};
+            __atomic_load(&place, &value, __ATOMIC_RELAXED); // the applet stores it with one store
+            return value;
+        };
+        const Number minimum = live(published.minimum), maximum = live(published.maximum);
+        Number increment = live(published.increment);
+        if (increment <= 0) increment = 1;
+        if (minimum < maximum) {
+            result = {inOwnKind(minimum), inOwnKind(maximum), inOwnKind(increment)};
+        } else {
+            result = {inOwnKind(std::numeric_limits<Number>::lowest()),
+                      inOwnKind(std::numeric_limits<Number>::max()), inOwnKind(Number{1})};
+        }
+    });
+    return result;
+}
+
+const char* reasonOf(int code) {
+    switch (code) {
+    case FG_ERR_OUT_OF_RANGE:
+        return "value out of range";
+    case FG_ERR_GRANULARITY:
+        return "value not on the parameter's grid";
+    case FG_ERR_NOT_AVAILABLE:
+        return "the parameter can only be read";
+    case FG_ERR_INVALID_ARGUMENT:
+        return "the parameter has another type";
+    default:
+        return "the applet or the board failed";
+    }
+}
+
+std::string codeInWords(int code) { return std::to_string(code) + ", " + reasonOf(code); }
+
+[[noreturn]] void refuse(const RegisterInfo& record, const Value& value, int code) {
+    std::string text = toUtf8(record.name) + " = " + textOf(value) + " was refused: " + codeInWords(code);
+    if (record.kind == REGISTER_KIND_ENUM) {
+        text += "; its values are";
+        const auto& entries = record.value.enumeration;
+        for (int i = 0; i < entries.entryCount; ++i)
+            text += (i > 0 ? ", " : " ") + std::to_string(entries.values[i]);
+    } else if (std::holds_alternative<std::int64_t>(value) || std::holds_alternative<double>(value)) {
+        const Limits limits = limitsOf(record);
+        text += "; the present limits are " + textOf(limits.minimum) + " to " + textOf(limits.maximum) +
+                " in steps of " + textOf(limits.increment);
+        if (const std::string unit = toUtf8(record.unit); !unit.empty()) text += ' ' + unit;
+    }
+    throw Refused(code, text);
+}
+
+/** Calls the function with a zero of the applet's type for a number's kind. */
+template <typename Function> void withNative(std::int32_t kind, Function function) {
+    switch (kind) {
+    case REGISTER_KIND_UINT:
+        return function(std::uint32_t{});
+    case REGISTER_KIND_ENUM:
+    case REGISTER_KIND_INT:
+        return function(std::int32_t{});
+    case REGISTER_KIND_UINT64:
+        return function(std::uint64_t{});
+    case REGISTER_KIND_INT64:
+        return function(std::int64_t{});
+    default:
+        return function(double{});
+    }
+}
+
+/** The access to a whole table. */
+FieldParameterAccess fieldOf(std::vector<std::uint32_t>& elements) {
+    return {FG_PARAM_UINT32, 0, static_cast<std::uint32_t>(elements.size()), elements.data()};
+}
+
+/** The number in the applet's type, if the value is one and fits. */
+template <typename Number> std::optional<Number> numberFrom(const Value& value) {
+    if constexpr (std::is_same_v<Number, double>) {
+        const auto* real = std::get_if<double>(&value);
+        return real != nullptr ? std::optional(*real) : std::nullopt;
+    } else {
+        const auto* integer = std::get_if<std::int64_t>(&value);
+        const bool fits = integer != nullptr && std::in_range<Number>(*integer);
+        return fits ? std::optional(static_cast<Number>(*integer)) : std::nullopt;
+    }
+}
+
+/** Whether the value has the type in which values of the kind are read and written. */
+bool isOfKind(const RegisterInfo& record, const Value& value) {
+    switch (record.kind) {
+    case REGISTER_KIND_STRING:
+        return std::holds_alternative<std::string>(value);
+    case REGISTER_KIND_UINT_FIELD: {
+        const auto* table = std::get_if<std::vector<std::uint32_t>>(&value);
+        return table != nullptr && std::cmp_equal(table->size(), record.value.u32Field.elementCount);
+    }
+    case REGISTER_KIND_DOUBLE:
+        return std::holds_alternative<double>(value);
+    default:
+        return std::holds_alternative<std::int64_t>(value);
+    }
+}
+
+std::vector<Entry> entriesOf(const RegisterInfo& record) {
+    std::vector<Entry> entries;
+    if (record.kind != REGISTER_KIND_ENUM) return entries;
+    std::set<std::string> names;
+    const auto& its = record.value.enumeration;
+    for (int i = 0; i < its.entryCount; ++i) {
+        const bool isNamed = its.symbolicNames != nullptr && its.symbolicNames[i] != nullptr;
+        const std::string name = isNamed ? its.symbolicNames[i] : "Value" + std::to_string(its.values[i]);
+        if (names.insert(name).second) entries.push_back({name, its.values[i], toUtf8(its.labels[i])});
+    }
+    return entries;
+}
+
+} // namespace
+
+bool ParameterState::isWritable(bool isAcquiring) const {
+    if ((access & REGISTER_ACCESS_WRITE) == 0) return false;
+    return !isAcquiring || (access & REGISTER_ACCESS_WRITE_WHILE_ACQUIRING) != 0;
+}
+
+std::string toUtf8(const char* text) { return utf8FromLatin1(text != nullptr ? text : ""); }
+
+std::string textOf(const Value& value) {
+    std::ostringstream text;
+    text.imbue(std::locale::classic());
+    text.precision(15);
+    if (const auto* integer = std::get_if<std::int64_t>(&value)) text << *integer;
+    if (const auto* real = std::get_if<double>(&value)) text << *real;
+    if (const auto* word = std::get_if<std::string>(&value)) text << '"' << *word << '"';
+    if (const auto* table = std::get_if<std::vector<std::uint32_t>>(&value))
+        text << table->size() << " elements";
+    return text.str();
+}
+
+Parameter describe(const RegisterInfo& record, const std::string& path) {
+    const bool isTable = record.kind == REGISTER_KIND_UINT_FIELD;
+    return {.name = toUtf8(record.name),
+            .path = path,
+            .label = toUtf8(record.displayName),
+            .description = toUtf8(record.description),
+            .unit = toUtf8(record.unit),
+            .kind = record.kind,
+            .elements = isTable ? static_cast<std::uint32_t>(record.value.u32Field.elementCount) : 0,
+            .entries = entriesOf(record)};
+}
+
+ParameterState stateOf(const RegisterInfo& record) {
+    return {limitsOf(record), __atomic_load_n(&record.access, __ATOMIC_RELAXED)};
+}
+
+Value readValue(const AppletFunctions& applet, Fg_Struct* fg, const RegisterInfo& record) {
+    Value value;
+    int code = FG_OK;
+    if (record.kind == REGISTER_KIND_STRING) {
+        char* text = nullptr;
+        code = applet.Fg_getParameterWithType(fg, record.id, &text, 0, FG_PARAM_ALLOCATED_STRING);
+        if (code == FG_OK) {
+            value = std::string(text);
+            applet.Fg_freeParameterStringWithType(fg, record.id, text, 0, FG_PARAM_ALLOCATED_STRING);
+        }
+    } else if (record.kind == REGISTER_KIND_UINT_FIELD) {
+        std::vector<std::uint32_t> elements(static_cast<std::size_t>(record.value.u32Field.elementCount));
+        FieldParameterAccess access = fieldOf(elements);
+        code = applet.Fg_getParameterWithType(fg, record.id, &access, 0, FG_PARAM_FIELD_ACCESS);
+        value = std::move(elements);
+    } else {
+        withNative(record.kind, [&](auto number) {
+            using Number = decltype(number);
+            code = applet.Fg_getParameterWithType(fg, record.id, &number, 0, tagOf<Number>);
+            if constexpr (std::is_same_v<Number, double>)
+                value = number;
+            else
+                value = static_cast<std::int64_t>(number);
+        });
+    }
+    if (code != FG_OK) throw Refused(code, toUtf8(record.name) + " cannot be read: " + codeInWords(code));
+    return value;
+}
+
+void writeValue(const AppletFunctions& applet, Fg_Struct* fg, const RegisterInfo& record,
+                const Value& value) {
+    if (!isOfKind(record, value)) refuse(record, value, FG_ERR_INVALID_ARGUMENT);
+    int code = FG_OK;
+    if (const auto* text = std::get_if<std::string>(&value)) {
+        code = applet.Fg_setParameterWithType(fg, record.id, text->c_str(), 0, FG_PARAM_TEXT);
+    } else if (const auto* table = std::get_if<std::vector<std::uint32_t>>(&value)) {
+        std::vector<std::uint32_t> elements = *table;
+        FieldParameterAccess access = fieldOf(elements);
+        code = applet.Fg_setParameterWithType(fg, record.id, &access, 0, FG_PARAM_FIELD_ACCESS);
+    } else {
+        withNative(record.kind, [&](auto zero) {
+            using Number = decltype(zero);
+            const std::optional<Number> number = numberFrom<Number>(value);
+            code = FG_ERR_OUT_OF_RANGE;
+            if (number) code = applet.Fg_setParameterWithType(fg, record.id, &*number, 0, tagOf<Number>);
+        });
+    }
+    if (code != FG_OK) refuse(record, value, code);
+}
+
+std::vector<EventName> eventNames(const AppletFunctions& applet, Fg_Struct* fg) {
+    std::vector<EventName> events;
+    constexpr unsigned most = 64; // bits of a mask
+    for (unsigned i = 0; i < most; ++i) {
+        const std::uint64_t mask = std::uint64_t{1} << i;
+        if (const char* name = applet.Fg_getEventName(fg, mask)) events.push_back({mask, toUtf8(name)});
+    }
+    return events;
+}
+
+} // namespace applet_host

@@ -1,0 +1,64 @@
+/** A client of a station in another process, connected by the channel. */
+#ifndef SERVE_CHANNEL_CHANNELCLIENT_H
+#define SERVE_CHANNEL_CHANNELCLIENT_H
+
+#include "serve/live/LiveStation.h"
+#include "station_channel/ChannelSocket.h"
+
+#include <atomic>
+#include <cstdint>
+#include <span>
+#include <thread>
+#include <vector>
+
+namespace serve {
+
+/**
+ * Answers its requests on a thread of its own, from the constructor to the destructor. The client is not trusted: a
+ * message that is none ends the connection. Nothing but its thread ever waits for it.
+ */
+class ChannelClient final : PictureReceiver {
+public:
+    ChannelClient(LiveStation& station, applet_tools::Descriptor socket);
+    ~ChannelClient();
+    ChannelClient(const ChannelClient&) = delete;
+    ChannelClient& operator=(const ChannelClient&) = delete;
+
+    /** The client has disconnected. */
+    bool isOver() const { return m_isOver; }
+    std::uint64_t wantedEvents() const { return m_wantedEvents; }
+    /** Sends the events, all of which it wants; they are lost if it does not read. For any thread. */
+    void give(std::span<const station_channel::Event> events);
+
+private:
+    using Answer = station_channel::Answer;
+
+    bool wantsPicture() const override;
+    void take(const SharedPicture& picture) override;
+
+    void work();
+    Answer answerTo(const station_channel::Request& request);
+    Answer carryOut(const station_channel::Hello& hello);
+    Answer carryOut(const station_channel::Describe& describe);
+    Answer carryOut(const station_channel::ReadValue& read);
+    Answer carryOut(const station_channel::ReadState& read);
+    Answer carryOut(const station_channel::WriteValue& write);
+    Answer carryOut(const station_channel::ReadTime& read);
+    Answer carryOut(const station_channel::Start& start);
+    Answer carryOut(const station_channel::Stop& stop);
+    Answer carryOut(const station_channel::Accept& accept);
+    Answer carryOut(const station_channel::WantEvents& want);
+
+    LiveStation& m_station;
+    station_channel::ChannelSocket m_socket;
+    std::atomic<bool> m_isOver{false};
+    std::atomic<std::uint64_t> m_wantedEvents{0};
+    // Pictures since Start.
+    std::atomic<std::uint64_t> m_sent{0}, m_received{0}, m_room{0};
+    bool m_hasJoined = false; // for the thread
+    std::thread m_thread;     // last, as it uses the other members
+};
+
+} // namespace serve
+
+#endif

@@ -1,0 +1,50 @@
+/** The channel of a running station, for clients in other processes such as the GenTL producer. */
+#ifndef SERVE_CHANNEL_CHANNELSERVER_H
+#define SERVE_CHANNEL_CHANNELSERVER_H
+
+#include "serve/StationPlace.h"
+#include "serve/channel/ChannelClient.h"
+
+#include <atomic>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+namespace serve {
+
+/** Listens from the constructor to the destructor, both on the command thread. Accepts only processes of the same user,
+ *  or of root. The place must be locked. */
+class ChannelServer {
+public:
+    /** Throws Failure if the socket cannot be made. */
+    ChannelServer(const StationPlace& place, LiveStation& station);
+    ~ChannelServer();
+    ChannelServer(const ChannelServer&) = delete;
+    ChannelServer& operator=(const ChannelServer&) = delete;
+
+private:
+    void listen();
+    void accept();
+    bool isFull();
+    /** The events that clients want, in any of them. */
+    std::uint64_t wantedEvents();
+    /** For the command thread. */
+    void give(const LiveStation::EventTicks& taken);
+
+    LiveStation& m_station;
+    const std::filesystem::path m_path;
+    const applet_tools::Descriptor m_socket;
+    const applet_tools::Descriptor m_ending;      // wakes the thread
+    std::map<const char*, std::uint64_t> m_masks; // of events by the design's names, for the command thread
+    std::atomic<bool> m_isAskedFor{false};        // the command thread will take events
+    std::mutex m_mutex;                           // guards the member below
+    std::vector<std::unique_ptr<ChannelClient>> m_clients;
+    std::thread m_thread; // last, as it uses the other members
+};
+
+} // namespace serve
+
+#endif
