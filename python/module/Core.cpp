@@ -10,7 +10,7 @@ const char* orNull(const std::optional<std::string>& text) { return text ? text-
 
 py::object function(const char* module, const char* name) { return py::module_::import(module).attr(name); }
 
-/** The 32-bit numbers of a buffer. Raises ValueError for another one, BufferError for one that cannot be written. */
+/** The 32-bit numbers of a buffer. Raises ValueError for another one. */
 py::buffer_info numbersOf(const py::buffer& buffer, bool written) {
     py::buffer_info info = buffer.request(written);
     if (info.ndim != 1 || info.itemsize != sizeof(std::uint32_t) ||

@@ -57,13 +57,22 @@ PyObject* getAttribute(PyObject* self, PyObject* name) {
         nullptr);
 }
 
+/** Sets an attribute of the class: a property; a function is not replaced by what was meant as a value. */
+int setOfClass(PyObject* self, PyObject* name, PyObject* value, const py::object& known) {
+    if (Py_TYPE(known.ptr())->tp_descr_set != nullptr) return PyObject_GenericSetAttr(self, name, value);
+    PyErr_Format(PyExc_AttributeError, "'%U' is a function of the station, and no parameter", name);
+    return -1;
+}
+
 int setAttribute(PyObject* self, PyObject* name, PyObject* value) {
     const Core* core = openCore(self);
-    const auto isOfClass = [&] { return _PyType_Lookup(Py_TYPE(self), name) != nullptr; };
     if (core == nullptr || value == nullptr || isPrivate(name))
         return PyObject_GenericSetAttr(self, name, value);
     if (const Row* row = rowOf(core, name)) return guarded([&] { return core->write(*row, value), 0; }, -1);
-    if (isOfClass()) return PyObject_GenericSetAttr(self, name, value);
+    auto* type = reinterpret_cast<PyObject*>(Py_TYPE(self));
+    const auto known = py::reinterpret_steal<py::object>(PyObject_GetAttr(type, name));
+    if (known) return setOfClass(self, name, value, known);
+    PyErr_Clear();
     return guarded(
         [&] {
             core->write(core->row(core->find(py::cast<std::string>(name))), value);

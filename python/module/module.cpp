@@ -182,6 +182,13 @@ void bindTime(py::class_<Core>& core) {
                  its.run([&](vexo_station* station) { return vexo_advance(station, ticks); });
              })
         .def("_events", eventsOf)
+        .def("_event_mask",
+             [](const Core& its, const std::string& name) {
+                 std::uint64_t mask = 0;
+                 its.run(
+                     [&](vexo_station* station) { return vexo_event_mask(station, name.c_str(), &mask); });
+                 return mask;
+             })
         .def("_wait_event", waitEvent);
 }
 

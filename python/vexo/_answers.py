@@ -1,8 +1,6 @@
 """Answers to questions. Nothing on the board is changed by a question."""
 from __future__ import annotations
 
-import json
-
 from ._values import Range
 
 
@@ -10,6 +8,8 @@ class Answer:
     """An answer: its text for a person, and `document`, the same as dictionaries and lists."""
 
     def __init__(self, answer: tuple[str, str]):
+        import json
+
         self.text = answer[0]
         self.document: dict = json.loads(answer[1])
 

@@ -1,8 +1,6 @@
 """Failed calls, as exceptions."""
 from __future__ import annotations
 
-import json
-
 
 class Error(Exception):
     """A failed call. Its text says what was wrong, the limit, what sets it, and what would be accepted.
@@ -96,6 +94,8 @@ _CLASSES = {
 
 def error_of(text: str) -> Error:
     """The exception for the details of a failed call (JSON)."""
+    import json
+
     details = json.loads(text)
     kind = Refused if "requested" in details else _CLASSES.get(details["symbol"], Error)
     return kind(details)

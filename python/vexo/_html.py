@@ -1,9 +1,14 @@
 """How things look in a notebook."""
 from __future__ import annotations
 
-from html import escape
-
 _POINTS = 256  # of a curve
+
+
+def escape(text: str) -> str:
+    """Text as HTML."""
+    import html
+
+    return html.escape(text)
 
 
 def table(title: str, rows: list[tuple[str, str]]) -> str:

@@ -1,7 +1,6 @@
 """Stations: an applet on a board, and all that a program needs of it."""
 from __future__ import annotations
 
-import json
 import os
 from typing import TYPE_CHECKING, Any, Iterator
 
@@ -131,6 +130,8 @@ class Station(_vexo.Core):
 
     def info(self) -> dict:
         """What is open: "version", "board", "applet", "files", "parameters", "notes"."""
+        import json
+
         return json.loads(self._info())
 
     # Questions
@@ -179,6 +180,8 @@ class Station(_vexo.Core):
     def set_up(self, station: Path | dict) -> None:
         """Sets up camera, belt, scene, inputs, clock and parameters from a station file, or from its contents."""
         if isinstance(station, dict):
+            import json
+
             self._set_up_text(json.dumps(station), None)
         else:
             self._set_up(os.fspath(station))
