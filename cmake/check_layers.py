@@ -86,6 +86,7 @@ ROOMS = [
     ("host/vexo.h", []),
     ("host/vexo.hpp", ["host/vexo.h"]),
     ("host/**", HOST_LIBRARY),
+    ("python/**", ["host/vexo.h", "python/module/*"]),
     (f"{PRODUCER}base/**", PRODUCER_BASE),
     (f"{PRODUCER}features/**", PRODUCER_FEATURES),
     (f"{PRODUCER}device/**", PRODUCER_DEVICE),
@@ -100,10 +101,10 @@ ROOMS = [
     (f"{TOOL}cli/**", [*HEADERS, "virtual_board/virtual_board.h", "tools/**"]),
 ]
 # Printing code, in files that must not print.
-SILENT = [f"{TOOLS}**", "host/**", "tools/serve/**", f"{PRODUCER}**"]
+SILENT = [f"{TOOLS}**", "host/**", "python/**", "tools/serve/**", f"{PRODUCER}**"]
 PRINTING = re.compile(r"#\s*include\s+<(?:iostream|cstdio|stdio\.h|print)>|"
                       r"\bstd::(?:cout|cerr|clog)\b|\b(?:f?printf|f?puts|putchar)\(")
-CHECKED = ["include", "src", "station", "virtual_board", "tools", "host", "producer"]
+CHECKED = ["include", "src", "station", "virtual_board", "tools", "host", "python", "producer"]
 INCLUDE_ROOTS = ["include", "src", "tools", "producer", "."]
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.MULTILINE)
 SUFFIXES = {".h", ".hpp", ".cpp", ".def"}

@@ -20,6 +20,10 @@ __all__ = ["Answer", "Entry", "Error", "Event", "FileError", "Findings", "Gone",
            "Limits", "NotNow", "Parameter", "Pictures", "Plan", "Range", "Record", "Refused", "Station",
            "TICKS_PER_SECOND", "Timeout", "UnknownName", "Why", "WrongKind"]
 
+for _name in set(__all__) & set(globals()):
+    if isinstance(globals()[_name], type):
+        globals()[_name].__module__ = __name__  # what help and errors show
+
 
 def __getattr__(name: str):
     if name == "Image":  # numpy is imported with the first picture

@@ -14,6 +14,8 @@ if TYPE_CHECKING:
 
     from ._image import Image
 
+    Path = str | os.PathLike[str]
+
 TICKS_PER_SECOND = 125_000_000
 
 _VIRTUAL, _OFFLINE, _SYSTEM = range(3)
@@ -22,11 +24,20 @@ _LOOK, _NO_ADVICE = 1, 2
 _CAMERA = """{"station": 1, "camera": {"width": 4096}, "scene": {"image": "chart"},
               "parameters": {"FG_SENSORWIDTH": 4096}}"""
 
-Path = "str | os.PathLike[str]"
+# A wheel cannot hold the link that the libraries of the virtual board come with.
+_DESCRIPTORS = os.path.join(os.path.dirname(__file__), "lib", "vexo", "virtual-board", "descriptors.mcf")
 
 
 def _text(path: Path | None) -> str | None:
     return None if path is None else os.fspath(path)
+
+
+def _link_descriptors() -> None:
+    if os.path.isdir(os.path.dirname(_DESCRIPTORS)) and not os.path.lexists(_DESCRIPTORS):
+        try:
+            os.symlink("/proc/self/fd", _DESCRIPTORS)
+        except OSError:
+            pass  # a folder of somebody else: what needs the link says so
 
 
 def _seconds(timeout: float | None) -> float:
@@ -56,6 +67,7 @@ class Station(_vexo.Core):
         look         leaves a board of the machine as it is: no start value is written
         advice       refusals name what would be accepted, found on a board to try on
         """
+        _link_descriptors()
         flags = (_LOOK if look else 0) | (0 if advice else _NO_ADVICE)
         super().__init__(board, flags, _text(library_dir), _text(applet), _text(bridge), _text(station))
         self._parameters: dict[str, Parameter] = {}

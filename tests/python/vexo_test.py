@@ -2,6 +2,7 @@
 import copy
 import gc
 import pickle
+import signal
 import threading
 import weakref
 
@@ -282,6 +283,19 @@ def test_waits_and_renders_let_other_threads_run(small):
     small.close()
     waiting.join()
     assert len(failures) == 1, "the close has ended the wait"
+
+
+def test_an_interrupt_ends_a_wait(small):
+    def interrupt():
+        while small.now == 0:
+            pass
+        signal.raise_signal(signal.SIGINT)
+
+    thread = threading.Thread(target=interrupt)
+    thread.start()
+    with pytest.raises(KeyboardInterrupt):
+        small.wait_event("FG_TRIGGER_INPUT2_RISING", timeout=1e9)
+    thread.join()
 
 
 def test_threads_share_a_station(small):
