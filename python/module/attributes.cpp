@@ -57,9 +57,9 @@ PyObject* getAttribute(PyObject* self, PyObject* name) {
         nullptr);
 }
 
-/** Sets an attribute of the class: a property; a function is not replaced by what was meant as a value. */
+/** Sets what the class has too, but does not replace a function by what was meant as a value. */
 int setOfClass(PyObject* self, PyObject* name, PyObject* value, const py::object& known) {
-    if (Py_TYPE(known.ptr())->tp_descr_set != nullptr) return PyObject_GenericSetAttr(self, name, value);
+    if (PyCallable_Check(known.ptr()) == 0) return PyObject_GenericSetAttr(self, name, value);
     PyErr_Format(PyExc_AttributeError, "'%U' is a function of the station, and no parameter", name);
     return -1;
 }

@@ -38,6 +38,9 @@ class Limits(Answer):
         accepted = its.get("accepted") or {}
         self.accepted = (Range(accepted["minimum"], accepted["maximum"], accepted.get("step", 0))
                          if "minimum" in accepted else None)
+        self.minimum: float | None
+        self.maximum: float | None
+        self.step: float | None
         self.minimum, self.maximum, self.step = self.accepted or (None, None, None)
         self.set_by: list[dict] = its.get("setBy", [])
         self.fixed: list[str] = its.get("fixed", [])

@@ -1,6 +1,7 @@
 """A parameter of a station."""
 from __future__ import annotations
 
+import builtins
 from typing import TYPE_CHECKING, Any
 
 from . import _html
@@ -75,7 +76,7 @@ class Parameter:
         """True if it can be set now."""
         return "w" in self.access
 
-    def _span(self, index: int | slice) -> range:
+    def _span(self, index: int | slice) -> builtins.range:
         if self.kind != "field":
             raise TypeError(f"{self.name} is no field")
         places = range(self.elements)[index]
