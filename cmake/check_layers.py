@@ -107,6 +107,7 @@ ROOMS = [
     ("host/vexo.h", []),
     ("host/vexo.hpp", ["host/vexo.h"]),
     ("host/**", HOST_LIBRARY),
+    ("python/**", ["host/vexo.h", "python/module/*"]),
     (f"{PRODUCER}base/**", PRODUCER_BASE),
     (f"{PRODUCER}features/**", PRODUCER_FEATURES),
     (f"{PRODUCER}device/**", PRODUCER_DEVICE),
@@ -129,10 +130,10 @@ ROOMS = [
     ("page/*", ["page/**"]),
 ]
 # Printing code, in files that must not print.
-SILENT = [f"{TOOLS}**", "host/**", "tools/serve/**", "tools/station_channel/**", f"{PRODUCER}**"]
+SILENT = [f"{TOOLS}**", "host/**", "python/**", "tools/serve/**", "tools/station_channel/**", f"{PRODUCER}**"]
 PRINTING = re.compile(r"#\s*include\s+<(?:iostream|cstdio|stdio\.h|print)>|"
                       r"\bstd::(?:cout|cerr|clog)\b|\b(?:f?printf|f?puts|putchar)\(")
-CHECKED = ["include", "src", "station", "virtual_board", "tools", "host", "producer", "page"]
+CHECKED = ["include", "src", "station", "virtual_board", "tools", "host", "python", "producer", "page"]
 INCLUDE_ROOTS = ["include", "src", "tools", "producer", "."]
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.MULTILINE)
 IMPORT = re.compile(r"\b(?:from |import\()'([^']+)'")

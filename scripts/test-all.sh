@@ -4,6 +4,7 @@ set -euo pipefail
 cd "$(dirname "$0")"
 bash test.sh
 bash check.sh
+bash python-package.sh
 bash fuzz.sh 60
 bash coverage.sh
 bash planted-faults.sh

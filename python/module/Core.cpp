@@ -1,0 +1,183 @@
+#include "python/module/Core.h"
+
+#include <algorithm>
+
+namespace python {
+
+namespace {
+
+const char* orNull(const std::optional<std::string>& text) { return text ? text->c_str() : nullptr; }
+
+py::object function(const char* module, const char* name) { return py::module_::import(module).attr(name); }
+
+/** The 32-bit numbers of a buffer. Raises ValueError for another one. */
+py::buffer_info numbersOf(const py::buffer& buffer, bool written) {
+    py::buffer_info info = buffer.request(written);
+    if (info.ndim != 1 || info.itemsize != sizeof(std::uint32_t) ||
+        (info.size > 1 && info.strides[0] != info.itemsize))
+        throw py::value_error("elements are a contiguous array of unsigned 32-bit numbers");
+    return info;
+}
+
+} // namespace
+
+void check(int result) {
+    if (result >= 0) return;
+    const py::object error = function("vexo._errors", "error_of")(vexo_last_details());
+    PyErr_SetObject(py::type::handle_of(error).ptr(), error.ptr());
+    throw py::error_already_set();
+}
+
+Core::Core(int board, std::uint32_t flags, const std::optional<std::string>& libraryDir,
+           const std::optional<std::string>& applet, const std::optional<std::string>& bridge,
+           const std::optional<std::string>& station) {
+    vexo_options options{};
+    options.size = sizeof options;
+    options.board = board;
+    options.flags = flags;
+    options.library_dir = orNull(libraryDir);
+    options.applet = orNull(applet);
+    options.bridge = orNull(bridge);
+    options.station = orNull(station);
+    vexo_station* opened = nullptr;
+    check(vexo_open(&options, &opened));
+    m_station = {opened, vexo_close};
+    readRows();
+}
+
+void Core::readRows() {
+    vexo_station* its = m_station.get();
+    const std::uint32_t count = vexo_count(its);
+    m_rows.reserve(count);
+    const py::object makeEntry = function("vexo._values", "Entry");
+    for (std::uint32_t i = 0; i < count; ++i) {
+        vexo_parameter known{};
+        check(vexo_parameter_at(its, i, &known));
+        Row row{.id = known.id,
+                .kind = known.kind,
+                .elements = known.elements,
+                .name = known.name,
+                .entries = {}};
+        for (std::uint32_t k = 0; k < known.entries; ++k) {
+            vexo_entry entry{};
+            check(vexo_entry_at(its, row.id, k, &entry));
+            row.entries[py::int_(entry.value)] = makeEntry(entry.value, entry.symbol, entry.label);
+        }
+        m_places[row.id] = m_rows.size();
+        m_names[py::str(row.name)] = m_rows.size();
+        m_rows.push_back(std::move(row));
+    }
+}
+
+const std::shared_ptr<vexo_station>& Core::station() const {
+    if (m_station == nullptr) throw py::value_error("the station is closed");
+    return m_station;
+}
+
+void Core::close() {
+    const std::shared_ptr<vexo_station> held = std::move(m_station);
+    if (held == nullptr) return;
+    const py::gil_scoped_release unlocked;
+    vexo_stop(held.get());
+}
+
+std::size_t Core::find(const std::string& name) const {
+    int id = 0;
+    run([&](vexo_station* its) { return id = vexo_id(its, name.c_str()); });
+    return m_places.at(id);
+}
+
+std::string Core::readText(const Row& row) const {
+    std::string text(256, '\0');
+    for (;;) {
+        std::size_t size = text.size();
+        const int code =
+            resultOf([&](vexo_station* its) { return vexo_get_text(its, row.id, text.data(), &size); });
+        if (code != VEXO_ERR_SPACE) check(code);
+        text.resize(code == VEXO_OK ? size - 1 : size);
+        if (code == VEXO_OK) return text;
+    }
+}
+
+py::object Core::read(const Row& row) const {
+    vexo_station* its = station().get();
+    switch (row.kind) {
+    case VEXO_DOUBLE: {
+        double value = 0;
+        check(vexo_get_double(its, row.id, &value));
+        return py::float_(value);
+    }
+    case VEXO_TEXT:
+        return py::str(readText(row));
+    case VEXO_FIELD: {
+        const py::object values = function("numpy", "empty")(row.elements, "uint32");
+        readElements(row, 0, values.cast<py::buffer>());
+        return values;
+    }
+    case VEXO_UINT64: {
+        std::uint64_t value = 0;
+        check(vexo_get_uint(its, row.id, &value));
+        return py::int_(value);
+    }
+    default: {
+        std::int64_t value = 0;
+        check(vexo_get_int(its, row.id, &value));
+        const py::int_ number(value);
+        if (row.kind != VEXO_ENUM) return number;
+        PyObject* entry = PyDict_GetItemWithError(row.entries.ptr(), number.ptr());
+        return entry != nullptr ? py::reinterpret_borrow<py::object>(entry) : py::object(number);
+    }
+    }
+}
+
+void Core::write(const Row& row, const py::handle& value) const {
+    PyObject* given = value.ptr();
+    if (PyUnicode_Check(given)) {
+        const auto text = value.cast<std::string>();
+        run([&](vexo_station* its) { return vexo_set_text(its, row.id, text.c_str()); });
+        return;
+    }
+    if (PyFloat_Check(given)) {
+        const double number = PyFloat_AS_DOUBLE(given);
+        run([&](vexo_station* its) { return vexo_set_double(its, row.id, number); });
+        return;
+    }
+    if (PyIndex_Check(given) && !PyObject_HasAttrString(given, "__len__")) {
+        const auto whole = py::reinterpret_steal<py::object>(PyNumber_Index(given));
+        if (!whole) throw py::error_already_set();
+        int overflow = 0;
+        const long long number = PyLong_AsLongLongAndOverflow(whole.ptr(), &overflow);
+        if (overflow != 0 || row.kind == VEXO_FIELD) return write(row, py::str(whole));
+        run([&](vexo_station* its) { return vexo_set_int(its, row.id, number); });
+        return;
+    }
+    if (row.kind == VEXO_FIELD) {
+        const py::object values = function("vexo._values", "elements_of")(value, row.name, row.elements);
+        return writeElements(row, 0, values.cast<py::buffer>());
+    }
+    const auto number = py::reinterpret_steal<py::object>(PyNumber_Float(given));
+    if (!number) {
+        PyErr_Clear();
+        throw py::type_error(row.name + " takes a number or a text, not " +
+                             std::string(py::str(py::type::handle_of(value).attr("__name__"))));
+    }
+    write(row, number);
+}
+
+void Core::readElements(const Row& row, std::uint32_t first, const py::buffer& values) const {
+    const py::buffer_info info = numbersOf(values, true);
+    run([&](vexo_station* its) {
+        return vexo_get_field(its, row.id, first, static_cast<std::uint32_t>(info.size),
+                              static_cast<std::uint32_t*>(info.ptr));
+    });
+}
+
+void Core::writeElements(const Row& row, std::uint32_t first, const py::buffer& values) const {
+    const py::buffer_info info = numbersOf(values, false);
+    run([&](vexo_station* its) {
+        return vexo_set_field(its, row.id, first, static_cast<std::uint32_t>(info.size),
+                              static_cast<const std::uint32_t*>(info.ptr));
+    });
+}
+
+} // namespace python

@@ -1,0 +1,254 @@
+// The module vexo._vexo: what the package vexo is made of.
+
+#include "python/module/Core.h"
+
+#include <pybind11/stl.h>
+
+namespace python {
+
+namespace {
+
+using Texts = std::vector<std::string>;
+
+std::vector<const char*> pointersTo(const Texts& texts) {
+    std::vector<const char*> pointers;
+    for (const std::string& text : texts)
+        pointers.push_back(text.c_str());
+    return pointers;
+}
+
+/** The bytes of a picture. Raises ValueError if the array is smaller or has gaps. */
+py::buffer_info bytesOf(const vexo_picture& picture, const py::buffer& buffer, bool written) {
+    py::buffer_info info = buffer.request(written);
+    const auto bytes = static_cast<std::uint64_t>(info.size * info.itemsize);
+    if (!PyBuffer_IsContiguous(info.view(), 'C') || bytes < picture.size)
+        throw py::value_error("the picture needs a contiguous array of " + std::to_string(picture.size) +
+                              " bytes; the given one has " + std::to_string(bytes));
+    return info;
+}
+
+void bindRecord(py::module_& module) {
+    py::class_<vexo_picture>(module, "Record", "How a picture was taken. Times are ticks of 8 ns.")
+        .def_readonly("number", &vexo_picture::number, "from 1, in an acquisition")
+        .def_readonly("size", &vexo_picture::size, "bytes")
+        .def_readonly("width", &vexo_picture::width, "pixels of a line")
+        .def_readonly("height", &vexo_picture::height, "lines")
+        .def_readonly("stride", &vexo_picture::stride, "bytes from line to line")
+        .def_readonly("bits", &vexo_picture::bits, "of a component: 8, 10, 12, 14 or 16")
+        .def_readonly("first_line", &vexo_picture::first_line, "tick at which the first line came")
+        .def_readonly("last_line", &vexo_picture::last_line, "tick at which the last line came")
+        .def_readonly("arrival", &vexo_picture::arrival, "tick at which the picture was complete")
+        .def_readonly("lost_before", &vexo_picture::lost_before, "images lost since the previous picture")
+        .def_readonly("trigger", &vexo_picture::trigger, "number of the start that it belongs to, from 1")
+        .def_readonly("encoder", &vexo_picture::encoder,
+                      "place of the encoder at the first line, quarter steps")
+        .def_readonly("is_short", &vexo_picture::is_short, "fewer lines than an image has")
+        .def_readonly("is_narrow", &vexo_picture::is_narrow,
+                      "the source's lines were narrower than the width");
+}
+
+py::tuple describe(const Core& core, std::size_t place) {
+    const Row& row = core.row(place);
+    vexo_parameter known{};
+    core.run([&](vexo_station* its) { return vexo_describe(its, row.id, &known); });
+    return py::make_tuple(row.id, row.kind, row.elements, row.name, known.label, known.unit,
+                          known.description, known.group, known.read_effect, known.set_effect, row.entries);
+}
+
+py::tuple rangeOf(const Core& core, std::size_t place) {
+    vexo_range range{};
+    core.run([&](vexo_station* its) { return vexo_get_range(its, core.row(place).id, &range); });
+    return py::make_tuple(range.minimum, range.maximum, range.step);
+}
+
+std::uint32_t accessOf(const Core& core, std::size_t place) {
+    std::uint32_t access = 0;
+    core.run([&](vexo_station* its) { return vexo_get_access(its, core.row(place).id, &access); });
+    return access;
+}
+
+void setAll(const Core& core, const Texts& assignments, bool anyOrder) {
+    const auto pointers = pointersTo(assignments);
+    core.run([&](vexo_station* its) {
+        return vexo_set_all(its, pointers.data(), pointers.size(),
+                            anyOrder ? VEXO_ANY_ORDER : VEXO_GIVEN_ORDER);
+    });
+}
+
+void bindParameters(py::class_<Core>& core) {
+    core.def("_names", &Core::names)
+        .def("_find", &Core::find)
+        .def("_describe", describe)
+        .def("_range", rangeOf)
+        .def("_access", accessOf)
+        .def("_read", [](const Core& its, std::size_t place) { return its.read(its.row(place)); })
+        .def("_write", [](const Core& its, std::size_t place,
+                          const py::object& value) { its.write(its.row(place), value); })
+        .def("_read_elements",
+             [](const Core& its, std::size_t place, std::uint32_t first, const py::buffer& values) {
+                 its.readElements(its.row(place), first, values);
+             })
+        .def("_write_elements",
+             [](const Core& its, std::size_t place, std::uint32_t first, const py::buffer& values) {
+                 its.writeElements(its.row(place), first, values);
+             })
+        .def("_set_all", setAll);
+}
+
+void bindFiles(py::class_<Core>& core) {
+    const auto withFile = [](auto* call) {
+        return [call](const Core& its, const std::string& file) {
+            its.run([&](vexo_station* station) { return call(station, file.c_str()); });
+        };
+    };
+    core.def("_save", withFile(vexo_save))
+        .def("_load", withFile(vexo_load))
+        .def("_set_up", withFile(vexo_set_up))
+        .def("_wave", withFile(vexo_wave))
+        .def("_set_up_text",
+             [](const Core& its, const std::string& json, const std::optional<std::string>& folder) {
+                 its.run([&](vexo_station* station) {
+                     return vexo_set_up_text(station, json.c_str(), folder ? folder->c_str() : nullptr);
+                 });
+             })
+        .def("_info", [](const Core& its) { return its.textOf(vexo_info); })
+        .def("_document", [](const Core& its) { return its.textOf(vexo_document); });
+}
+
+void bindQuestions(py::class_<Core>& core) {
+    const auto aboutName = [](auto call) {
+        return [call](const Core& its, const std::string& name, const std::string& with) {
+            return its.answerOf([&](vexo_station* station, vexo_answer** answer) {
+                return call(station, name.c_str(), with.empty() ? nullptr : with.c_str(), answer);
+            });
+        };
+    };
+    core.def("_limits",
+             aboutName([](vexo_station* station, const char* name, const char* with, vexo_answer** answer) {
+                 return vexo_ask_limits(station, name, with, nullptr, answer);
+             }))
+        .def("_why", aboutName(vexo_ask_why))
+        .def("_plan",
+             [](const Core& its, const Texts& assignments) {
+                 const auto pointers = pointersTo(assignments);
+                 return its.answerOf([&](vexo_station* station, vexo_answer** answer) {
+                     return vexo_ask_plan(station, pointers.data(), pointers.size(), answer);
+                 });
+             })
+        .def("_check",
+             [](const Core& its, const std::string& file) {
+                 return its.answerOf([&](vexo_station* station, vexo_answer** answer) {
+                     return vexo_ask_check(station, file.c_str(), answer);
+                 });
+             })
+        .def("_lint", [](const Core& its) { return its.answerOf(vexo_ask_lint); });
+}
+
+std::vector<py::tuple> eventsOf(const Core& core) {
+    std::vector<py::tuple> all;
+    const char* name = nullptr;
+    std::uint64_t mask = 0;
+    const auto isThere = [&](vexo_station* its) {
+        return vexo_event_at(its, static_cast<std::uint32_t>(all.size()), &name, &mask);
+    };
+    while (core.resultOf(isThere) == VEXO_OK)
+        all.push_back(py::make_tuple(name, mask));
+    return all;
+}
+
+py::object waitEvent(const Core& core, std::uint64_t mask, double seconds, double wall) {
+    vexo_event event{};
+    const int code = core.wait(seconds, wall, [&](vexo_station* its, double left, double wallLeft) {
+        return vexo_wait_event(its, mask, left, wallLeft, &event, nullptr);
+    });
+    if (code == VEXO_TIMEOUT) return py::none();
+    check(code);
+    return py::make_tuple(event.name, event.tick, event.mask);
+}
+
+void bindTime(py::class_<Core>& core) {
+    core.def("_clock",
+             [](const Core& its, double factor) {
+                 its.run([&](vexo_station* station) { return vexo_clock(station, factor); });
+             })
+        .def("_now",
+             [](const Core& its) {
+                 std::uint64_t tick = 0;
+                 its.run([&](vexo_station* station) { return vexo_now(station, &tick); });
+                 return tick;
+             })
+        .def("_advance",
+             [](const Core& its, std::uint64_t ticks) {
+                 its.run([&](vexo_station* station) { return vexo_advance(station, ticks); });
+             })
+        .def("_events", eventsOf)
+        .def("_event_mask",
+             [](const Core& its, const std::string& name) {
+                 std::uint64_t mask = 0;
+                 its.run(
+                     [&](vexo_station* station) { return vexo_event_mask(station, name.c_str(), &mask); });
+                 return mask;
+             })
+        .def("_wait_event", waitEvent);
+}
+
+vexo_picture waitPicture(const Core& core, std::int64_t number, double seconds, double wall) {
+    vexo_picture picture{};
+    check(core.wait(seconds, wall, [&](vexo_station* its, double left, double wallLeft) {
+        return vexo_wait_picture(its, number, left, wallLeft, &picture);
+    }));
+    return picture;
+}
+
+void bindPictures(py::module_& module, py::class_<Core>& core) {
+    core.def("_start",
+             [](const Core& its, std::uint32_t frames, bool ring) {
+                 its.run([&](vexo_station* station) {
+                     return vexo_start(station, frames, ring ? VEXO_RING : VEXO_KEEP);
+                 });
+             })
+        .def("_stop", [](const Core& its) { its.run(vexo_stop); })
+        .def("_wait_picture", waitPicture)
+        .def("_render",
+             [](const Core& its, const vexo_picture& picture, const py::buffer& place) {
+                 const py::buffer_info bytes = bytesOf(picture, place, true);
+                 its.run([&](vexo_station* station) {
+                     return vexo_render(station, picture.number, bytes.ptr, picture.size);
+                 });
+             })
+        .def("_release", [](const Core& its, std::int64_t number) {
+            its.run([&](vexo_station* station) { return vexo_release(station, number); });
+        });
+    module.def("unpack", [](const vexo_picture& picture, const py::buffer& data, const py::buffer& pixels) {
+        const py::buffer_info bytes = bytesOf(picture, data, false);
+        vexo_picture unpacked = picture;
+        unpacked.size = std::uint64_t{6} * picture.width * picture.height;
+        const py::buffer_info place = bytesOf(unpacked, pixels, true);
+        check(vexo_unpack(&picture, bytes.ptr, static_cast<std::uint16_t*>(place.ptr)));
+    });
+    module.def("write_picture",
+               [](const vexo_picture& picture, const py::buffer& data, const std::string& file) {
+                   check(vexo_write_picture(&picture, bytesOf(picture, data, false).ptr, file.c_str()));
+               });
+}
+
+} // namespace
+
+} // namespace python
+
+PYBIND11_MODULE(_vexo, module) {
+    using namespace python;
+    module.doc() = "Calls of libvexo for the package vexo";
+    module.def("version", vexo_version);
+    bindRecord(module);
+    using Text = std::optional<std::string>;
+    py::class_<Core> core(module, "Core", py::custom_type_setup(giveAttributes));
+    core.def(py::init<int, std::uint32_t, const Text&, const Text&, const Text&, const Text&>())
+        .def("close", &Core::close, "Closes the station. A second time, it does nothing.")
+        .def_property_readonly("is_open", &Core::isOpen, "False after close().");
+    bindParameters(core);
+    bindFiles(core);
+    bindQuestions(core);
+    bindTime(core);
+    bindPictures(module, core);
+}

@@ -1,0 +1,293 @@
+"""Stations: an applet on a board, and all that a program needs of it."""
+from __future__ import annotations
+
+import os
+from typing import TYPE_CHECKING, Any, Iterator
+
+from . import _html, _vexo
+from ._answers import Findings, Limits, Plan, Why
+from ._parameter import Parameter
+from ._values import Event, assignments_of
+
+if TYPE_CHECKING:
+    import numpy
+
+    from ._image import Image
+
+    Path = str | os.PathLike[str]
+
+TICKS_PER_SECOND = 125_000_000
+
+_VIRTUAL, _OFFLINE, _SYSTEM = range(3)
+_LOOK, _NO_ADVICE = 1, 2
+# A camera that delivers a line for each trigger, and a chart in front of it.
+_CAMERA = """{"station": 1, "camera": {"width": 4096}, "scene": {"image": "chart"},
+              "parameters": {"FG_SENSORWIDTH": 4096}}"""
+
+# A wheel cannot hold the link that the libraries of the virtual board come with.
+_DESCRIPTORS = os.path.join(os.path.dirname(__file__), "lib", "vexo", "virtual-board", "descriptors.mcf")
+
+
+def _text(path: Path | None) -> str | None:
+    return None if path is None else os.fspath(path)
+
+
+def _link_descriptors() -> None:
+    if os.path.isdir(os.path.dirname(_DESCRIPTORS)) and not os.path.lexists(_DESCRIPTORS):
+        try:
+            os.symlink("/proc/self/fd", _DESCRIPTORS)
+        except OSError:
+            pass  # a folder of somebody else: what needs the link says so
+
+
+def _seconds(timeout: float | None) -> float:
+    return -1.0 if timeout is None else float(timeout)
+
+
+class Station(_vexo.Core):
+    """An open station: `Station.virtual()`, `.offline()` or `.system()`; `close()` or the end of a with block closes it.
+
+    Parameters are attributes: `station.FG_WIDTH = 2048`. Case and "FG_" do not matter, and a label is a name too.
+    `station["FG_WIDTH"]` is the Parameter itself. Any number of threads may use a station; waits, pictures,
+    questions and sets release the interpreter lock.
+    """
+
+    if TYPE_CHECKING:
+        def __getattr__(self, name: str) -> Any: ...
+        def __setattr__(self, name: str, value: Any) -> None: ...
+
+    def __init__(self, board: int = _VIRTUAL, *, station: Path | None = None, library_dir: Path | None = None,
+                 applet: Path | None = None, bridge: Path | None = None, look: bool = False, advice: bool = True):
+        """Opens a board; virtual(), offline() and system() have the usual arguments.
+
+        station      station file of a virtual board; default: that of the variable VBOARD_STATION, if set
+        library_dir  folder of the libraries; default: those of this package
+        applet       file of another applet library
+        bridge       library that opens the board of the machine
+        look         leaves a board of the machine as it is: no start value is written
+        advice       refusals name what would be accepted, found on a board to try on
+        """
+        _link_descriptors()
+        flags = (_LOOK if look else 0) | (0 if advice else _NO_ADVICE)
+        super().__init__(board, flags, _text(library_dir), _text(applet), _text(bridge), _text(station))
+        self._parameters: dict[str, Parameter] = {}
+
+    @classmethod
+    def virtual(cls, station: Path | None = None, **options: Any) -> Station:
+        """A virtual board, set up from a station file. Without one it has a camera of 4096 pixels that sees a chart."""
+        opened = cls(_VIRTUAL, station=station, **options)
+        if station is None and not os.environ.get("VBOARD_STATION"):
+            opened._set_up_text(_CAMERA, None)
+        return opened
+
+    @classmethod
+    def offline(cls, **options: Any) -> Station:
+        """No board: parameters and limits, no pictures, files or measured values."""
+        return cls(_OFFLINE, **options)
+
+    @classmethod
+    def system(cls, bridge: Path | None = None, **options: Any) -> Station:
+        """The board of this machine; `bridge` is the library that opens it, if the board library does not."""
+        return cls(_SYSTEM, bridge=bridge, **options)
+
+    def __enter__(self) -> Station:
+        return self
+
+    def __exit__(self, *error: Any) -> None:
+        self.close()
+
+    # Parameters
+
+    def __getitem__(self, name: str) -> Parameter:
+        known = self._parameters.get(name)
+        if known is None or not self.is_open:
+            known = self._parameters[name] = Parameter(self, self._names().get(name, None) or self._find(name))
+        return known
+
+    def __setitem__(self, name: str, value: Any) -> None:
+        self[name].value = value
+
+    def __iter__(self) -> Iterator[Parameter]:
+        """All parameters, in the order of the tree."""
+        return (self[name] for name in self._names())
+
+    def __len__(self) -> int:
+        return len(self._names())
+
+    def __contains__(self, name: object) -> bool:
+        return name in self._names()
+
+    def __bool__(self) -> bool:
+        return self.is_open
+
+    def __dir__(self) -> list[str]:
+        return [*super().__dir__(), *self._names()]
+
+    def set(self, values: dict[str, Any] | None = None, /, *, any_order: bool = False, **named: Any) -> None:
+        """Sets all or none: `set(FG_WIDTH=2048, FG_HEIGHT=512)`. With `any_order`, an order is found in which all
+        are accepted. A dictionary also takes names such as "FG_LUT_VALUE_RED[0..255]"."""
+        self._set_all(assignments_of(values or {}, named), any_order)
+
+    def save(self, file: Path) -> None:
+        """Saves the parameters to a configuration file, whose name must contain ".mcf"."""
+        self._save(os.fspath(file))
+
+    def load(self, file: Path) -> None:
+        """Loads a configuration file; `losses(file)` says before which of its values are refused."""
+        self._load(os.fspath(file))
+
+    def document(self) -> str:
+        """The XML document (GenApi 1.0) of the parameters with their present limits."""
+        return self._document()
+
+    def info(self) -> dict:
+        """What is open: "version", "board", "applet", "files", "parameters", "notes"."""
+        import json
+
+        return json.loads(self._info())
+
+    # Questions
+
+    def limits(self, name: str, /, **given: Any) -> Limits:
+        """What a parameter accepts now and what sets its limits, with other values as given."""
+        return Limits(self._limits(name, " ".join(assignments_of({}, given))))
+
+    def why(self, name: str, value: Any = None, /, **given: Any) -> Why:
+        """Why a value is refused, or (without one) the parameter read-only, with other values as given."""
+        question = name if value is None else assignments_of({name: value}, {})[0]
+        return Why(self._why(question, " ".join(assignments_of({}, given))))
+
+    def plan(self, values: dict[str, Any] | None = None, /, **named: Any) -> Plan:
+        """What these assignments would do, in this order. Nothing is set."""
+        return Plan(self._plan(assignments_of(values or {}, named)))
+
+    def losses(self, file: Path) -> Findings:
+        """What a load of the configuration file would lose."""
+        return Findings(self._check(os.fspath(file)))
+
+    def lint(self) -> Findings:
+        """Which settings are accepted, but probably not intended."""
+        return Findings(self._lint())
+
+    # Time, signals and events of a virtual board
+
+    def clock(self, factor: float) -> None:
+        """Lets time follow the wall clock, `factor` times as fast (0.001 to 1000); 0: it moves in waits and advance()
+        only, as at first."""
+        self._clock(factor)
+
+    @property
+    def now(self) -> int:
+        """The present tick (8 ns)."""
+        return self._now()
+
+    def advance(self, seconds: float = 0.0, *, ticks: int = 0) -> None:
+        """Advances stepped time."""
+        self._advance(round(seconds * TICKS_PER_SECOND) + ticks)
+
+    def wave(self, wave: str) -> None:
+        """Connects a wave to an input: "GPI_0=high", "GPI_2=square:1ms", "GPI_0,GPI_1=encoder:20000"."""
+        self._wave(wave)
+
+    def set_up(self, station: Path | dict) -> None:
+        """Sets up camera, belt, scene, inputs, clock and parameters from a station file, or from its contents."""
+        if isinstance(station, dict):
+            import json
+
+            self._set_up_text(json.dumps(station), None)
+        else:
+            self._set_up(os.fspath(station))
+
+    @property
+    def events(self) -> dict[str, int]:
+        """The masks of all events, by name."""
+        return dict(self._events())
+
+    def wait_event(self, *names: str, timeout: float = 1.0, wall: float | None = None) -> Event | None:
+        """The oldest event that was not yet taken, of those with these names; others are dropped. No name: any event.
+        `timeout` in seconds of the station's time, `wall` of the wall clock. None: there was none in time."""
+        mask = 0
+        for name in names:
+            mask |= self._event_mask(name)
+        found = self._wait_event(mask, timeout, _seconds(wall))
+        return None if found is None else Event(*found)
+
+    # Pictures
+
+    def pictures(self, count: int | None = None, *, timeout: float = 1.0, wall: float | None = None, frames: int = 4,
+                 ring: bool = False, out: numpy.ndarray | None = None) -> Pictures:
+        """Starts an acquisition: so many pictures, or without end. It ends with the last one, with close(), or at the
+        end of a with block.
+
+        timeout   for each picture, in seconds of the station's time; then Timeout says why none came
+        wall      the same in seconds of the wall clock
+        frames    of the memory, 1 to 65536
+        ring      a full memory overwrites the oldest picture, instead of letting the acquisition wait
+        out       contiguous memory for the bytes of a picture, used for each one
+        """
+        return Pictures(self, count, timeout, wall, frames, ring, out)
+
+    def grab(self, *, timeout: float = 1.0, wall: float | None = None, out: numpy.ndarray | None = None) -> Image:
+        """One picture; the arguments are those of pictures()."""
+        with self.pictures(1, timeout=timeout, wall=wall, out=out) as pictures:
+            return next(pictures)
+
+    # Display
+
+    def __repr__(self) -> str:
+        if not self.is_open:
+            return "<vexo.Station, closed>"
+        info = self.info()
+        return f"<vexo.Station: {info['applet']['name']} {info['applet']['version']}, board: {info['board']}>"
+
+    def _repr_html_(self) -> str:
+        if not self.is_open:
+            return _html.preformatted(repr(self))
+        groups: dict[str, list[str]] = {}
+        for parameter in self:
+            groups.setdefault(parameter.group, []).append(f"{parameter.name} = {parameter._shown()}")
+        return _html.table(repr(self)[1:-1], [(group or "·", ", ".join(rows)) for group, rows in groups.items()])
+
+
+class Pictures:
+    """The pictures of a running acquisition, each made when it is reached: an iterator and a context manager."""
+
+    def __init__(self, station: Station, count: int | None, timeout: float, wall: float | None, frames: int,
+                 ring: bool, out: numpy.ndarray | None):
+        self._is_running = False
+        self._station, self._left, self._ring, self._out = station, count, ring, out
+        self._timeout, self._wall = timeout, _seconds(wall)
+        station._start(frames, ring)
+        self._is_running = True
+
+    def __iter__(self) -> Pictures:
+        return self
+
+    def __next__(self) -> Image:
+        if self._left == 0 or not self._is_running:
+            self.close()
+            raise StopIteration
+        from ._image import render
+
+        record = self._station._wait_picture(0, self._timeout, self._wall)
+        image = render(self._station, record, self._out)
+        if not self._ring:
+            self._station._release(record.number)
+        if self._left is not None:
+            self._left -= 1
+        return image
+
+    def close(self) -> None:
+        """Ends the acquisition; a second time, does nothing."""
+        if self._is_running and self._station.is_open:
+            self._is_running = False
+            self._station._stop()
+
+    def __enter__(self) -> Pictures:
+        return self
+
+    def __exit__(self, *error: Any) -> None:
+        self.close()
+
+    def __del__(self) -> None:
+        self.close()

@@ -1,0 +1,75 @@
+"""Values of parameters."""
+from __future__ import annotations
+
+from typing import TYPE_CHECKING, NamedTuple
+
+if TYPE_CHECKING:
+    import numpy
+
+
+class Entry(int):
+    """The value of an enumeration: a number with `symbol` ("FG_COL24") and `label` ("Color 24bit")."""
+
+    symbol: str
+    label: str
+
+    def __new__(cls, value: int, symbol: str = "", label: str = "") -> Entry:
+        entry = super().__new__(cls, value)
+        entry.symbol = symbol
+        entry.label = label
+        return entry
+
+    def __getnewargs__(self):
+        return int(self), self.symbol, self.label
+
+    def __repr__(self) -> str:
+        return f"{self.symbol or self.label} ({int(self)})"
+
+    def __str__(self) -> str:
+        return self.symbol or self.label or format(int(self))
+
+
+class Range(NamedTuple):
+    """A range of numbers; `step` 0 is any value in between."""
+
+    minimum: float
+    maximum: float
+    step: float
+
+
+class Event(NamedTuple):
+    """An event: `tick` counts 8 ns since the opening; `mask` is 0 for one of the board's own."""
+
+    name: str
+    tick: int
+    mask: int
+
+
+def elements_of(values, name: str, count: int) -> numpy.ndarray:
+    """`count` elements of a field, as 32-bit numbers."""
+    import numpy
+
+    given = numpy.asarray(values)
+    if given.dtype.kind not in "iu" or given.ndim != 1:
+        raise TypeError(f"{name} takes a list of whole numbers, not {given.ndim}-dimensional {given.dtype}")
+    if len(given) != count:
+        raise ValueError(f"{name}: {count} elements are set, and {len(given)} were given")
+    if len(given) and not 0 <= int(given.min()) <= int(given.max()) <= 0xFFFFFFFF:
+        raise ValueError(f"{name} takes numbers from 0 to 4294967295; given were {given.min()} to {given.max()}")
+    return numpy.ascontiguousarray(given, dtype=numpy.uint32)
+
+
+def text_of(name: str, value) -> str:
+    """A value for an assignment "NAME=VALUE"."""
+    if isinstance(value, str):
+        return value
+    if hasattr(value, "__len__"):
+        raise TypeError(f"{name}: an assignment takes a number or a text; set a field by itself")
+    if hasattr(value, "__index__"):
+        return str(int(value))
+    return repr(float(value))
+
+
+def assignments_of(given: dict, named: dict) -> list[str]:
+    """Both dictionaries as "NAME=VALUE"."""
+    return [f"{name}={text_of(name, value)}" for name, value in {**given, **named}.items()]

@@ -1,0 +1,315 @@
+"""The package vexo, on virtual and offline boards."""
+import copy
+import gc
+import pickle
+import signal
+import threading
+import weakref
+
+import numpy
+import pytest
+import vexo
+
+
+@pytest.fixture
+def station():
+    with vexo.Station.virtual() as opened:
+        yield opened
+
+
+@pytest.fixture
+def small(station):
+    station.set(FG_WIDTH=64, FG_HEIGHT=16)
+    return station
+
+
+def test_attributes_have_the_type_of_the_parameter(station):
+    station.FG_WIDTH = 2048
+    assert (station.FG_WIDTH, station.width, station["Width"].value) == (2048, 2048, 2048)
+    station.FG_LINEPERIODE = 150.4
+    assert station.FG_LINEPERIODE == 150.4
+    station.FG_FORMAT = "Color 48bit"
+    assert (station.FG_FORMAT.symbol, station.FG_FORMAT) == ("FG_COL48", 6)
+    station.FG_FORMAT = vexo.Entry(5)
+    assert copy.copy(station.FG_FORMAT).symbol == pickle.loads(pickle.dumps(station.FG_FORMAT)).symbol == "FG_COL30"
+    assert isinstance(station.FG_LUT_CUSTOM_FILE, str)
+    station.FG_WIDTH = numpy.uint16(512)
+    station.FG_LINEPERIODE = numpy.float32(160)
+    assert (station.FG_WIDTH, station.FG_LINEPERIODE) == (512, 160)
+
+
+def test_a_wrong_name_is_an_error_with_the_nearest_one(station):
+    for wrong in (lambda: station.FG_WITH, lambda: setattr(station, "FG_WITH", 1), lambda: station.set(FG_WITH=1),
+                  lambda: station["FG_WITH"]):
+        with pytest.raises(AttributeError, match="did you mean FG_WIDTH") as caught:
+            wrong()
+        assert isinstance(caught.value, KeyError) and caught.value.suggestions == ["FG_WIDTH"]
+    assert not hasattr(station, "FG_WITH") and not hasattr(station, "_repr_svg_")
+    for name in ("grab", "now"):
+        with pytest.raises(AttributeError, match=name):
+            setattr(station, name, 3)
+
+
+def test_a_refusal_says_what_is_accepted(station):
+    with pytest.raises(ValueError, match="present limits") as caught:
+        station.FG_XOFFSET = 16384
+    refused = caught.value
+    assert isinstance(refused, vexo.Refused) and refused.symbol == "FG_ERR_OUT_OF_RANGE"
+    assert (refused.name, refused.requested, refused.nearest) == ("FG_XOFFSET", 16384, refused.limit["maximum"])
+    assert [cause["parameter"] for cause in refused.set_by] == ["FG_WIDTH"]
+    assert str(pickle.loads(pickle.dumps(refused))) == str(refused)
+    assert station.FG_XOFFSET == 0
+
+
+@pytest.mark.parametrize("value, error", [(2**70, vexo.Refused), (-1, vexo.Refused), (8.5, vexo.Refused), ("x", vexo.Refused),
+                                          (None, TypeError), ([8], TypeError), (1j, TypeError)])
+def test_a_value_of_another_kind_is_refused(station, value, error):
+    with pytest.raises(error, match="FG_WIDTH"):
+        station.FG_WIDTH = value
+    assert station.FG_WIDTH == 1024
+
+
+def test_many_are_set_in_any_order_or_not_at_all(station):
+    station.FG_VANTAGEPOINT = "Bottom-Right"
+    values = {"FG_HEIGHT": 512, "FG_WIDTH": 8192, "FG_SENSORWIDTH": 8192}
+    with pytest.raises(vexo.Refused):
+        station.set(values)
+    assert (station.FG_HEIGHT, station.FG_WIDTH) == (1024, 1024)
+    station.set(values, any_order=True)
+    assert (station.FG_HEIGHT, station.FG_WIDTH, station.FG_SENSORWIDTH) == (512, 8192, 8192)
+    with pytest.raises(TypeError, match="FG_LUT_VALUE_RED"):
+        station.set(FG_LUT_VALUE_RED=[1, 2])
+
+
+def test_elements_of_a_field(station):
+    field = station["FG_LUT_VALUE_RED"]
+    field[4:8] = [9, 8, 7, 6]
+    field[-1] = 5
+    assert list(field[3:9]) == [*station.FG_LUT_VALUE_RED[3:4], 9, 8, 7, 6, *field.value[8:9]]
+    assert (field[4], field[field.elements - 1]) == (9, 5)
+    station.FG_LUT_VALUE_RED = numpy.arange(field.elements)
+    assert field[1000] == 1000
+    for wrong in ([1, 2, 3], [0, 0, 0, -1], [1, 2, 3, 2**32], [1.5] * 4):
+        with pytest.raises((ValueError, TypeError)):
+            field[4:8] = wrong
+    with pytest.raises(IndexError):
+        field[field.elements]
+    with pytest.raises(ValueError, match="step"):
+        field[0:8:2]
+    assert list(field[4:8]) == [4, 5, 6, 7]
+
+
+def test_a_parameter_describes_itself(station):
+    width, line, mode = (station[name] for name in ("FG_WIDTH", "FG_LINE_DOWNSCALE", "FG_FORMAT"))
+    assert (width.unit, width.group, width.kind, width.access) == ("pixel", "ROI", "uint32", "rw")
+    assert width.range == (4, 16384, 4) and width.description
+    assert [entry.symbol for entry in mode.entries][:2] == ["FG_COL24", "FG_COL30"]
+    assert not line.is_writable
+    assert repr(width) == "<FG_WIDTH = 1024 pixel; 4 to 16384 in steps of 4, rw>"
+    assert {"FG_WIDTH", "grab"} <= set(dir(station)) and len(list(station)) == len(station) > 100
+
+
+def test_what_a_notebook_shows(small):
+    assert "<td" in small["FG_WIDTH"]._repr_html_() and "64 pixel" in small["FG_WIDTH"]._repr_html_()
+    assert small["FG_LUT_VALUE_RED"]._repr_html_().count(",") > 200, "a curve"
+    assert "FG_WIDTH = 64 pixel" in small._repr_html_() and "virtual" in repr(small)
+    image = small.grab()
+    assert image._repr_png_().startswith(b"\x89PNG") and image[2:]._repr_png_() is None
+
+
+def test_a_side_effect_of_a_read_is_left_to_reads(station):
+    named = [parameter for parameter in station if parameter.read_effect]
+    assert named and all("not read" in repr(parameter) for parameter in named)
+
+
+def test_questions_change_nothing(station):
+    limits = station["FG_XOFFSET"].limits
+    assert limits.accepted == (0, 15360, 4) == (limits.minimum, limits.maximum, limits.step)
+    assert [cause["parameter"] for cause in limits.set_by] == ["FG_WIDTH"] and limits.fixed == ["minimum"]
+    assert station.limits("FG_XOFFSET", FG_WIDTH=2048).maximum == 14336
+    assert all(entry["accepted"] for entry in station["FG_FORMAT"].limits.entries)
+    assert station.why("FG_WIDTH", 20000).nearest == 16384
+    assert "FG_LINETRIGGERMODE=ASYNC_TRIGGER" in station["FG_LINE_DOWNSCALE"].why().accepted_with
+    assert station["FG_LINE_DOWNSCALE"].why(FG_LINETRIGGERMODE="ASYNC_TRIGGER").accepted
+    plan = station.plan(FG_WIDTH=2048, FG_XOFFSET=16384)
+    assert plan.writes and plan.changes and plan.moves and plan.refused["code"] == -6000
+    assert "16384" in plan.text and not station.lint()
+    assert (station.FG_WIDTH, station.FG_XOFFSET) == (1024, 0)
+
+
+def test_files(station, tmp_path):
+    file = tmp_path / "settings.mcf"
+    station.FG_WIDTH = 2048
+    station.save(file)
+    station.FG_WIDTH = 512
+    assert not station.losses(file)
+    station.load(file)
+    assert station.FG_WIDTH == 2048
+    file.write_text(file.read_text().replace("FG_WIDTH=2048", "FG_WIDTH=2047"))
+    assert "FG_WIDTH" in str(station.losses(file).findings)
+    with pytest.raises(vexo.FileError) as caught:
+        station.load(tmp_path / "missing.mcf")
+    assert isinstance(caught.value, OSError)
+    assert "<RegisterDescription" in station.document() and station.info()["board"] == "virtual"
+
+
+@pytest.mark.parametrize("form, dtype, bits", [("FG_COL24", "u1", 8), ("FG_COL30", "u2", 10), ("FG_COL36", "u2", 12),
+                                               ("FG_COL42", "u2", 14), ("FG_COL48", "u2", 16)])
+def test_a_picture_has_shape_and_type_of_the_format(small, tmp_path, form, dtype, bits):
+    small.set(FG_FORMAT=form, FG_SCALINGFACTOR_BLUE=0.5)
+    image = small.grab()
+    record = image.record
+    assert (image.shape, image.dtype, record.bits) == ((16, 64, 3), numpy.dtype(dtype), bits)
+    assert (record.width, record.height, record.number, image.tick) == (64, 16, 1, record.arrival)
+    assert record.first_line < record.last_line <= record.arrival and image[1:].record is image[1:].tick is None
+    image.write(tmp_path / "picture.ppm")
+    header, _, rest = (tmp_path / "picture.ppm").read_bytes().partition(b"\n")
+    size, most, data = rest.split(b"\n", 2)
+    assert (header, size, int(most)) == (b"P6", b"64 16", 2**bits - 1)
+    written = numpy.frombuffer(data, numpy.uint8 if bits == 8 else ">u2").reshape(image.shape)
+    assert (written == image.rgb).all()
+    assert image[0, 0, 0] == image[0, 0, 2] // 2 > 0 == image[0, -1].max(), "blue is halved; a white bar, a black one"
+
+
+def test_a_picture_is_rendered_where_it_is_wanted(small):
+    out = numpy.zeros(64 * 16 * 3, numpy.uint8)
+    image = small.grab(out=out)
+    assert numpy.shares_memory(image, out) and numpy.shares_memory(image.rgb, out) and out.any()
+    assert not small.grab().flags.owndata, "a view of what was rendered"
+    for wrong in (out[:-1], numpy.zeros(6144, numpy.uint8)[::2], numpy.frombuffer(bytes(3072), numpy.uint8)):
+        with pytest.raises(ValueError):
+            small.grab(out=wrong)
+
+
+def test_pictures_follow_each_other(small):
+    with small.pictures(20) as pictures:
+        images = list(pictures)
+    assert [image.record.number for image in images] == list(range(1, 21))
+    assert all(a.tick < b.tick for a, b in zip(images, images[1:])) and not any(i.record.lost_before for i in images)
+    with small.pictures() as pictures, pytest.raises(vexo.NotNow, match="runs already"):
+        next(pictures)
+        small.grab()
+    kept = small.pictures(ring=True, frames=2)
+    next(kept)
+    del kept
+    assert small.grab().record.number == 1, "an acquisition ends with its object"
+
+
+def test_a_missing_picture_has_a_reason():
+    with vexo.Station() as bare:
+        for times in ({"timeout": 0.1}, {"timeout": 1e6, "wall": 0.01}):
+            with pytest.raises(TimeoutError, match="no line came"):
+                bare.grab(**times)
+
+
+def test_time_waves_and_events(station):
+    station.advance(0.005)
+    station.advance(ticks=3)
+    assert station.now == 625_003
+    rising = "FG_TRIGGER_INPUT2_RISING"
+    assert station.events[rising]
+    station.wave("GPI_2=square:10ms,2ms")
+    events = [station.wait_event(rising) for _ in range(3)]
+    assert {event.name for event in events} == {rising}
+    assert events[2].tick - events[1].tick == vexo.TICKS_PER_SECOND // 100
+    station.wave("GPI_2=low")
+    begin = station.now
+    assert station.wait_event(rising, timeout=0.05) is None
+    assert station.now - begin == vexo.TICKS_PER_SECOND // 20
+    assert station.wait_event(rising, timeout=1e6, wall=0.01) is None
+    station.clock(1000)
+    with pytest.raises(vexo.NotNow, match="clock"):
+        station.advance(1)
+
+
+def test_a_station_file_sets_it_up(tmp_path, monkeypatch):
+    contents = '{"station": 1, "camera": {"width": 64}, "parameters": {"FG_WIDTH": 64, "FG_HEIGHT": 8}}'
+    file = tmp_path / "station.json"
+    file.write_text(contents)
+    with vexo.Station.virtual(file) as station:
+        assert station.grab().shape == (8, 64, 3)
+        station.set_up({"station": 1, "parameters": {"FG_HEIGHT": 4}})
+        assert station.FG_HEIGHT == 4
+        with pytest.raises(vexo.Refused, match="camera.width"):
+            station.set_up({"station": 1, "camera": {"width": "wide"}})
+    monkeypatch.setenv("VBOARD_STATION", str(file))
+    with vexo.Station.virtual() as station:
+        assert station.FG_HEIGHT == 8
+    with pytest.raises(vexo.FileError, match="missing.json"):
+        vexo.Station.virtual(tmp_path / "missing.json")
+
+
+def test_offline_has_limits_and_no_pictures():
+    with vexo.Station.offline() as station:
+        station.FG_WIDTH = 2048
+        assert station["FG_XOFFSET"].limits.maximum == 14336
+        with pytest.raises(vexo.NotNow):
+            station.grab()
+
+
+def test_a_closed_station_says_so():
+    station = vexo.Station.virtual()
+    width = station["FG_WIDTH"]
+    station.close()
+    station.close()
+    for use in (lambda: width.value, lambda: station["FG_HEIGHT"], station.grab, station.info):
+        with pytest.raises(ValueError, match="closed"):
+            use()
+    with pytest.raises(AttributeError):
+        station.FG_WIDTH
+    assert not station and "closed" in repr(station)
+    gone = weakref.ref(station)
+    del station, width, use
+    gc.collect()
+    assert gone() is None
+
+
+def test_waits_and_renders_let_other_threads_run(small):
+    failures = []
+
+    def wait():
+        try:
+            with small.pictures(timeout=1e9, ring=True) as pictures:
+                for _ in pictures:
+                    pass
+        except (vexo.NotNow, ValueError) as error:
+            failures.append(error)
+
+    waiting = threading.Thread(target=wait)
+    waiting.start()
+    while small.now < vexo.TICKS_PER_SECOND // 10:
+        assert small.FG_WIDTH == 64
+    small.FG_LINEPERIODE = 100
+    small.close()
+    waiting.join()
+    assert len(failures) == 1, "the close has ended the wait"
+
+
+def test_an_interrupt_ends_a_wait(small):
+    def interrupt():
+        while small.now == 0:
+            pass
+        signal.raise_signal(signal.SIGINT)
+
+    thread = threading.Thread(target=interrupt)
+    thread.start()
+    with pytest.raises(KeyboardInterrupt):
+        small.wait_event("FG_TRIGGER_INPUT2_RISING", timeout=1e9)
+    thread.join()
+
+
+def test_threads_share_a_station(small):
+    seen = []
+
+    def change(name):
+        for value in range(1, 100):
+            small[name].value = value
+            seen.append(small[name].value == value)
+
+    threads = [threading.Thread(target=change, args=(name,)) for name in ("FG_HEIGHT", "FG_LINE_DOWNSCALE")]
+    for thread in threads:
+        thread.start()
+    assert all(small.plan(FG_WIDTH=2048).writes for _ in range(3))
+    for thread in threads:
+        thread.join()
+    assert len(seen) == 198 and all(seen)
