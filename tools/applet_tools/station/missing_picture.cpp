@@ -94,7 +94,8 @@ private:
     SignalCourse courseAt(const char* source) const {
         constexpr unsigned firstInputSignal = 21;
         const unsigned select = firstInputSignal + inputAt(source);
-        return courseOf(m_instance, select, m_wait.start.tick, m_instance.board().now(m_instance.device()));
+        return courseSince(m_instance, select, m_wait.start.tick,
+                           m_instance.board().now(m_instance.device()));
     }
 
     /** "no edge came at ...", or empty if there was one. */

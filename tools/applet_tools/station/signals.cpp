@@ -110,6 +110,10 @@ SignalCourse courseOf(Instance& instance, unsigned select, Ticks from, Ticks to)
     return course;
 }
 
+SignalCourse courseSince(Instance& instance, unsigned select, Ticks since, Ticks to) {
+    return courseOf(instance, select, since > 0 ? since + 1 : 0, to);
+}
+
 std::string incompleteText(const std::string& signal) {
     return "the station keeps the last " + numberText(std::uint32_t{VBOARD_KEPT_EDGES}) +
            " edges of a signal, and " + signal + " has more of them";

@@ -47,6 +47,10 @@ struct SignalCourse {
 /** From one tick to another, both inclusive. */
 SignalCourse courseOf(Instance& instance, unsigned select, Ticks from, Ticks to);
 
+/** What has happened from the time `since` to the time `to`: without the edges at `since`, which belong to the span
+ *  before it, except for those at tick 0, which has no span before it. */
+SignalCourse courseSince(Instance& instance, unsigned select, Ticks since, Ticks to);
+
 /** Why a course is not complete: "the station keeps the last 16384 edges of a signal, and LVAL has more of them". */
 std::string incompleteText(const std::string& signal);
 

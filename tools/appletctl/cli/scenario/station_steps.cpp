@@ -342,7 +342,7 @@ std::string expectSignal(ScenarioRunner& runner, const Step& step) {
     const StationSignal& signal = signalFrom(step.words[0]);
     const SignalMeasure& measure = measureFrom(step.words[1]);
     const double wanted = measureValue(measure, step.words[3]);
-    const SignalCourse course = courseOf(runner.instance(), signal.select, state.from, state.to);
+    const SignalCourse course = courseSince(runner.instance(), signal.select, state.from, state.to);
     if (!course.isComplete) return incompleteText(signal.name) + ": advance by less";
     const std::vector<double> values = measure.of(course);
     if (values.empty())
