@@ -30,6 +30,10 @@ private:
         if (is("FG_DEBUGINENABLE", FG_ON))
             return "the input of a debug point is on, and no line of the source passes it: " +
                    remedy("FG_DEBUGINENABLE=FG_OFF") + ", or insert an image while the acquisition runs";
+        if (!isSimulated() && camera() == VBOARD_CAMERA_LINK_LOST)
+            return came(m_imageLines) + (m_imageLines > 0 ? ", and" : ":") +
+                   " the link to the camera is lost; attach a camera without faults.linkLost, by a "
+                   "station file or by the step 'camera' of a scenario";
         if (isAlwaysActive())
             return came(m_lines) + ": with " + shown("FG_LINEEXPOSURE") + " and " + shown("FG_LINEPERIODE") +
                    " ExSync is active without a break and has no edge; shorten FG_LINEEXPOSURE";
@@ -119,8 +123,6 @@ private:
     }
 
     std::string whyNoLine() {
-        if (!isSimulated() && camera() == VBOARD_CAMERA_LINK_LOST)
-            return "no line came: the link to the camera is lost; attach it again";
         if (!isSimulated() && camera() == VBOARD_CAMERA_FREE_RUNNING)
             return "no line came: the camera is slower than that, or its exposure is longer";
         if (!isSimulated() && camera() == VBOARD_CAMERA_TRIGGERED)
