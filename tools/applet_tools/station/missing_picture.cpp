@@ -94,7 +94,7 @@ private:
         return input < firstFront ? static_cast<unsigned>(input)
                                   : gpiCount + static_cast<unsigned>(input - firstFront);
     }
-    /** Debounced rising edges of an input during the wait. */
+    /** Debounced edges of an input during the wait. */
     SignalCourse courseAt(const char* source) const {
         constexpr unsigned firstInputSignal = 21;
         const unsigned select = firstInputSignal + inputAt(source);
@@ -102,11 +102,19 @@ private:
                            m_instance.board().now(m_instance.device()));
     }
 
-    /** "no edge came at ...", or empty if there was one. */
-    std::string whyNoEdge(const char* source, const char* debounce) const {
-        if (!courseAt(source).edges.empty()) return "";
+    bool isHighActive(const char* polarity) const { return !is(polarity, HIGH_ON_ZERO_LOW); }
+    static bool hasEdgeTo(bool level, const SignalCourse& course) {
+        return !course.isComplete || course.first(level); // an incomplete course has many edges
+    }
+    std::string noEdge(const char* source, const char* debounce) const {
         return "no edge came at " + shown(source) + ": connect " + m_wait.wave + " with pulses longer than " +
                shown(debounce);
+    }
+    /** Whether the line trigger's input had an edge that can make a pulse. */
+    bool hasLineTriggerEdge() const {
+        const SignalCourse course = courseAt("FG_LINETRIGGERINSRC");
+        const bool isHigh = isHighActive("FG_LINETRIGGERINPOLARITY");
+        return hasEdgeTo(isHigh, course) || (is("FG_SHAFTENCODERON", FG_ON) && hasEdgeTo(!isHigh, course));
     }
 
     /** The reason if the belt at the line trigger's input gives no steps; else empty. */
@@ -147,8 +155,9 @@ private:
         if (!isExternal()) return "with " + mode + " one comes each " + shown("FG_LINEPERIODE");
         const std::string noStep = whyNoStep();
         if (!noStep.empty()) return "with " + mode + " it needs a line trigger, and " + noStep;
-        const std::string noEdge = whyNoEdge("FG_LINETRIGGERINSRC", "FG_LINETRIGGERDEBOUNCING");
-        if (!noEdge.empty()) return "with " + mode + " it needs a line trigger, and " + noEdge;
+        if (!hasLineTriggerEdge())
+            return "with " + mode + " it needs a line trigger, and " +
+                   noEdge("FG_LINETRIGGERINSRC", "FG_LINETRIGGERDEBOUNCING");
         return "with " + mode + " it needs a line trigger, and of the edges at " +
                shown("FG_LINETRIGGERINSRC") + " none became one: see " + shown("FG_LINE_DOWNSCALE") +
                " and " + shown("FG_SHAFTENCODERON");
@@ -159,18 +168,29 @@ private:
         if (is("FG_IMGTRIGGERINSRC", TRGINSOFTWARE))
             return "an image starts at a software pulse while the acquisition runs, as by the steps "
                    "'acquire start', 'set FG_SENDSOFTWARETRIGGER=FG_APPLY' and 'grab' of a scenario";
-        const SignalCourse course = courseAt("FG_IMGTRIGGERINSRC");
-        const bool isActive = course.level() != is("FG_IMGTRIGGERINPOLARITY", HIGH_ON_ZERO_LOW);
-        if (isActive && (isImageGated() || course.edges.empty()))
-            return shown("FG_IMGTRIGGERINSRC") +
-                   " was active when the acquisition began: only a level that becomes active later starts an "
-                   "image, as with " +
+        const char* const source = "FG_IMGTRIGGERINSRC";
+        const char* const debounce = "FG_IMGTRIGGERDEBOUNCING";
+        const SignalCourse course = courseAt(source);
+        const bool isHigh = isHighActive("FG_IMGTRIGGERINPOLARITY");
+        if (hasEdgeTo(isHigh, course))
+            return "none of the edges at " + shown(source) +
+                   " started an image: its pulses must be longer than " + shown(debounce) +
+                   (isImageGated() ? " and than a line takes" : "");
+        if (hasPicture())
+            return "no further edge came at " + shown(source) + ": each image needs one, as with " +
+                   m_wait.wave + " of square:10ms";
+        if (course.startsHigh == isHigh)
+            return shown(source) +
+                   " was active when the wait began: only a level that becomes active later starts an image, "
+                   "as with " +
                    m_wait.wave + " of edges:1ms";
-        const std::string noEdge = whyNoEdge("FG_IMGTRIGGERINSRC", "FG_IMGTRIGGERDEBOUNCING");
-        return noEdge.empty() ? "none of the edges at " + shown("FG_IMGTRIGGERINSRC") +
-                                    " started an image: its pulses must be longer than " +
-                                    shown("FG_IMGTRIGGERDEBOUNCING")
-                              : noEdge;
+        return noEdge(source, debounce);
+    }
+
+    /** Whether this acquisition has had a picture. */
+    bool hasPicture() const {
+        constexpr int lastPicture = 0;
+        return m_instance.applet().Fg_getStatusEx(m_instance.fg(), lastPicture, 0, 0, nullptr) > 0;
     }
 
     std::string whyNoImage() const {
