@@ -386,7 +386,7 @@ class Http(unittest.TestCase):
         for number in pictures:
             self.assertEqual(len({own[number] for own in seen if number in own}), 1)
         self.assertLessEqual(len(pictures), client.get("/api/acquisition").json["rendered"])
-        self.assertEqual([loss["count"] for loss in client.get("/api/losses").json["losses"]], [0] * 5)
+        self.assertEqual([loss["count"] for loss in client.get("/api/losses").json["losses"]], [0] * 6)
         wait_for(lambda: not client.get("/api/acquisition").json["isRunning"])  # nobody looks
 
     def test_sets_as_the_command_line_does(self):
@@ -509,7 +509,7 @@ class Http(unittest.TestCase):
         self.assertEqual(client.get("/api/frame?timeout=10000").status, 200)
         for one in [*deaf, *many]:
             one.close()
-        self.assertEqual([loss["count"] for loss in client.get("/api/losses").json["losses"]], [0] * 5)
+        self.assertEqual([loss["count"] for loss in client.get("/api/losses").json["losses"]], [0] * 6)
         self.assertEqual(run("station", "stop")[0], 0)
 
     def test_replaces_a_killed_server(self):

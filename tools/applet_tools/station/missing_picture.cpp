@@ -130,9 +130,19 @@ private:
                    : "";
     }
 
+    /** "with camera triggers ...: 5; ..." if there were losses of this kind during the wait; else empty. */
+    std::string lossText(std::size_t place) const {
+        const LossKind& kind = lossKinds()[place];
+        const std::int64_t lost = lossesOf(m_instance)[place] - m_wait.start.losses[place];
+        if (lost <= 0) return "";
+        return std::string("with ") + kind.what + ": " + numberText(lost) + "; " + kind.cure;
+    }
+
     std::string whyNoLine() {
         if (!isSimulated() && camera() == VBOARD_CAMERA_FREE_RUNNING)
             return "no line came: the camera is slower than that, or its exposure is longer";
+        for (const std::size_t kind : {droppedTriggerLoss, cameraTriggerLoss})
+            if (const std::string loss = lossText(kind); !loss.empty()) return "no line came, " + loss;
         if (!isSimulated() && camera() == VBOARD_CAMERA_TRIGGERED)
             return "no line came: the camera waits for an edge of " + shown("FG_TRIGGERCAMERA_SOURCE") +
                    (isSourceExSync() ? "; " + whyNoExSync() : "");
@@ -194,10 +204,7 @@ private:
     }
 
     std::string whyNoImage() const {
-        const std::int64_t lost = lossCount(m_instance, imageLoss()) - m_wait.start.lostImages;
-        if (lost > 0)
-            return std::string("with ") + imageLoss().what + ": " + numberText(lost) + "; " +
-                   imageLoss().cure;
+        if (const std::string loss = lossText(imageLoss); !loss.empty()) return loss;
         if (isImageTriggered() && !is("FG_IMGTRIGGER_IS_BUSY", IS_BUSY))
             return "and no image was complete: with " + shown("FG_IMGTRIGGERMODE") + ", " + whyNoStart();
         if (isImageTriggered() && isImageGated())
@@ -236,7 +243,7 @@ std::int64_t sourceLines(Instance& instance) {
 WaitStart waitStart(Instance& instance) {
     return {.tick = instance.board().now(instance.device()),
             .lines = sourceLines(instance),
-            .lostImages = lossCount(instance, imageLoss())};
+            .losses = lossesOf(instance)};
 }
 
 MissingPicture whyNoPicture(Instance& instance, const ParameterList& parameters, const PictureWait& wait) {

@@ -10,17 +10,18 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace applet_tools {
 
 /** Number of lines from the station's source since the board was opened. */
 std::int64_t sourceLines(Instance& instance);
 
-/** The time of the station and its counts at the start of a wait. */
+/** The time of the station and its counts, since the board was opened, at the start of a wait. */
 struct WaitStart {
     Ticks tick = 0;
-    std::int64_t lines = 0;      /**< sourceLines() */
-    std::int64_t lostImages = 0; /**< in the full buffer, since the board was opened */
+    std::int64_t lines = 0;           /**< sourceLines() */
+    std::vector<std::int64_t> losses; /**< lossesOf() */
 };
 /** A wait that starts now. */
 WaitStart waitStart(Instance& instance);

@@ -41,10 +41,16 @@ constexpr LossKind kinds[] = {
      "camera triggers lost while a line was in transfer",
      "let the triggers come further apart (FG_LINEPERIODE, or the pulses of the line trigger), or make what "
      "each one starts shorter: a line by FG_CAMERASIMULATOR_WIDTH, a frame by FG_CAMERASIMULATOR_LINERATE"},
+    {"droppedtriggers", VBOARD_STATUS_DROPPED_CAMERA_TRIGGERS,
+     "camera triggers ignored by the camera because of its fault dropEvery",
+     "take faults.dropEvery out of the station file, unless the fault is wanted"},
     {"frames", VBOARD_STATUS_WAITS,
      "waits of the DMA for a frame of the memory, with an image ready in the buffer",
      "take the pictures sooner, or give the memory more frames"},
 };
+static_assert(kinds[imageLoss].status == VBOARD_STATUS_LOST_IMAGES &&
+              kinds[cameraTriggerLoss].status == VBOARD_STATUS_LOST_CAMERA_TRIGGERS &&
+              kinds[droppedTriggerLoss].status == VBOARD_STATUS_DROPPED_CAMERA_TRIGGERS);
 
 } // namespace
 
@@ -131,16 +137,10 @@ std::optional<double> rateOf(const SignalCourse& course) {
 
 std::span<const LossKind> lossKinds() { return kinds; }
 
-const LossKind& imageLoss() { return kinds[0]; }
-
-std::int64_t lossCount(Instance& instance, const LossKind& kind) {
-    return instance.applet().Fg_getStatusEx(instance.fg(), kind.status, 0, 0, nullptr);
-}
-
 std::vector<std::int64_t> lossesOf(Instance& instance) {
     std::vector<std::int64_t> losses;
     for (const LossKind& kind : kinds)
-        losses.push_back(lossCount(instance, kind));
+        losses.push_back(instance.applet().Fg_getStatusEx(instance.fg(), kind.status, 0, 0, nullptr));
     return losses;
 }
 

@@ -66,11 +66,8 @@ struct LossKind {
 };
 
 std::span<const LossKind> lossKinds();
-/** Images that the full buffer lost. */
-const LossKind& imageLoss();
-
-/** The number of losses of this kind since the board was opened. */
-std::int64_t lossCount(Instance& instance, const LossKind& kind);
+/** Places in lossKinds(). */
+inline constexpr std::size_t imageLoss = 0, cameraTriggerLoss = 3, droppedTriggerLoss = 4;
 
 /** The number of losses of each kind since the board was opened, in the order of lossKinds(). */
 std::vector<std::int64_t> lossesOf(Instance& instance);

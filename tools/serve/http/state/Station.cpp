@@ -68,7 +68,7 @@ applet_tools::MissingPicture Station::whyNoPicture() const {
     applet_tools::WaitStart start = atPicture;
     // The signals may have changed since the last picture: only the last second counts.
     if (!m_samples.empty() && m_samples.front().counts.tick > start.tick) start = m_samples.front().counts;
-    start.lostImages = atPicture.lostImages;
+    start.losses[applet_tools::imageLoss] = atPicture.losses[applet_tools::imageLoss];
     return applet_tools::whyNoPicture(instance(), access.live->parameters(),
                                       {.start = start,
                                        .longer = "wait longer",
