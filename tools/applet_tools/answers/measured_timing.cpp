@@ -98,20 +98,24 @@ private:
             if (const auto* encoder = std::get_if<EncoderWave>(&wave.wave)) use(encoder->second);
         }
         const bool isEncoder = is("FG_SHAFTENCODERON", FG_ON);
+        const unsigned input = lineTriggerInput();
         if (!m_expected.isExternal || !waves.empty() || stationOfEnvironment()) return;
+        if (m_instance.board().has_wave(m_instance.device(), input) > 0) return;
         if (isEncoder) {
             m_timing.remarks.emplace_back("no pulse came to the line trigger: give its encoder a --wave");
             return;
         }
         const double period = m_expected.period / number("FG_LINE_DOWNSCALE");
         const auto ticks = std::max<Ticks>(static_cast<Ticks>(std::round(period * 125)), 2);
+        connectWave(m_instance, {input, SquareWave{ticks, ticks / 2, ticks}});
+        use(input);
+    }
+
+    unsigned lineTriggerInput() const {
         constexpr std::int32_t firstFront = TRGINSRC_FRONT_GPI_0;
         constexpr std::int32_t frontInput = 8;
         const auto source = get<std::int32_t>("FG_LINETRIGGERINSRC");
-        const auto input =
-            static_cast<unsigned>(source < firstFront ? source : source - firstFront + frontInput);
-        connectWave(m_instance, {input, SquareWave{ticks, ticks / 2, ticks}});
-        use(input);
+        return static_cast<unsigned>(source < firstFront ? source : source - firstFront + frontInput);
     }
 
     void use(unsigned input) {

@@ -59,6 +59,8 @@ void LiveSession::enterCopy() {
     const json state = withoutTrace([&] { return boardStateOf(instance(), parameters()); });
     copy->startFrom(state);
     m_copyDesign = state["design"];
+    if (LOOMdevice* const device = instance().device())
+        instance().board().surround(copy->instance().device(), device);
     m_copy = std::move(copy);
 }
 

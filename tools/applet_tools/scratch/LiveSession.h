@@ -43,7 +43,8 @@ public:
     void restart();
     const ParameterList& parameters();
     /** Until `leaveCopy` the applet and its parameters are a copy of the live ones on another virtual board,
-     *  which may be modified. Not for a board of the system. */
+     *  which may be modified. It has the same camera, belt, scene and waves, and no time has passed on it. Not for a
+     *  board of the system. */
     void enterCopy();
     void leaveCopy();
     bool isCopy() const { return m_copy != nullptr; }
