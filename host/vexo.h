@@ -297,7 +297,7 @@ typedef struct vexo_answer vexo_answer;
 /** The answer in words, one or more lines without a final line break. Valid until vexo_answer_free; never
  *  null. */
 const char* vexo_answer_text(const vexo_answer* answer);
-/** The answer as JSON, in the form that docs/json/ describes for the command of that name. Valid as the text. */
+/** The answer as JSON: the members that docs/json/ describes for the command of that name. Valid as the text. */
 const char* vexo_answer_json(const vexo_answer* answer);
 /** Releases an answer. Null does nothing. */
 void vexo_answer_free(vexo_answer* answer);
