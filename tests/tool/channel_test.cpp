@@ -197,6 +197,7 @@ TEST_F(Channel, ClientsOfOneStationGetThePicturesThatTheyAccept) {
     first.tell(Stop());
     EXPECT_TRUE(std::holds_alternative<Started>(first.ask(Start())));
     EXPECT_EQ(second.pictures(2), (std::vector<std::uint64_t>{6, 7}));
+    EXPECT_EQ(second.pictures(500).size(), 500U); // as fast as they come
 }
 
 } // namespace

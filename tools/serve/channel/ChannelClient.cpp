@@ -72,8 +72,9 @@ void ChannelClient::take(const SharedPicture& picture) {
                          .width = record.width,
                          .lines = record.lines,
                          .bits = record.bits};
-    if (m_socket.send(encoded(ToClient{0, notice}), ChannelSocket::Wait::never, picture.descriptor()))
-        ++m_sent;
+    ++m_sent; // before the client can say that it has received it
+    if (!m_socket.send(encoded(ToClient{0, notice}), ChannelSocket::Wait::never, picture.descriptor()))
+        --m_sent;
 }
 
 void ChannelClient::work() {
