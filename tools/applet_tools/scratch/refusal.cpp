@@ -26,7 +26,7 @@ std::string causesInWords(const Parameter& parameter, const LimitCauses& causes,
     if (!fixedInWords(causes).empty()) return limit + "fixed";
     std::vector<std::string> words;
     for (const Widening& widening : causes.parameters)
-        words.push_back(widening.parameter + " (" + valueText(parameter, widening.limit) + " with " +
+        words.push_back(widening.parameter + " (" + exactValueText(parameter, widening.limit) + " with " +
                         widening.with + ")");
     for (const DesignCause& cause : causes.design)
         if (words.empty() || words.back() != shortWords(cause)) words.push_back(shortWords(cause));
@@ -113,7 +113,7 @@ std::string inWords(const Parameter& parameter, const RefusalCauses& causes) {
     std::string words;
     if (!causes.limit.empty()) words += "; " + causes.limit;
     if (causes.nearest)
-        words += "; the nearest accepted value is " + valueWithUnit(parameter, *causes.nearest);
+        words += "; the nearest accepted value is " + exactValueWithUnit(parameter, *causes.nearest);
     if (causes.acceptedWith.empty()) {
         const bool isStuck = causes.isTried && !causes.nearest;
         return words + (isStuck ? "; no change of another parameter that was tried makes it accepted" : "");

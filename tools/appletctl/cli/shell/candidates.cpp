@@ -139,8 +139,8 @@ Candidates assignmentsOf(const ParameterList& parameters, const std::string& wor
     const std::optional<Limits> limits = limitsOf(parameter);
     if (!found.empty() || !value.empty() || !limits || elementCount(parameter) != 0) return found;
     const std::string help = limitsText(parameter) + " " + parameter.unit();
-    found.push_back({begin + valueText(parameter, limits->minimum), "smallest, " + help});
-    found.push_back({begin + valueText(parameter, limits->maximum), "largest, " + help});
+    found.push_back({begin + exactValueText(parameter, limits->minimum), "smallest, " + help});
+    found.push_back({begin + exactValueText(parameter, limits->maximum), "largest, " + help});
     return found;
 }
 
