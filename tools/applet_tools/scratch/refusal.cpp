@@ -23,7 +23,10 @@ std::optional<End> exceededEnd(const MeasuredRange& range, const Value& wanted) 
 /** "the maximum is set by FG_XOFFSET (16384 with FG_XOFFSET=0) and FG_SENSORWIDTH (...)". */
 std::string causesInWords(const Parameter& parameter, const LimitCauses& causes, End end) {
     const std::string limit = std::string("the ") + nameOf(end) + " is ";
-    if (!fixedInWords(causes).empty()) return limit + "fixed";
+    if (causes.isEndOfType) return limit + "the end of the parameter's type";
+    if (isUnmoved(causes))
+        return std::string("no change that was tried ") + (end == End::maximum ? "raises" : "lowers") +
+               " the " + nameOf(end);
     std::vector<std::string> words;
     for (const Widening& widening : causes.parameters)
         words.push_back(widening.parameter + " (" + exactValueText(parameter, widening.limit) + " with " +

@@ -63,7 +63,13 @@ void addCauses(Table& table, const Parameter& parameter, const LimitCauses& caus
         table.addRow({title, "set by " + inWords(cause)});
 }
 
-void addFixed(Table& table, const std::string& minimum, const std::string& maximum) {
+void addFixed(Table& table, const LimitCauses& ofMinimum, const LimitCauses& ofMaximum) {
+    if (isUnmoved(ofMinimum) && isUnmoved(ofMaximum)) {
+        table.addRow({"both limits", neitherWidened});
+        return;
+    }
+    const std::string minimum = fixedInWords(ofMinimum, End::minimum),
+                      maximum = fixedInWords(ofMaximum, End::maximum);
     if (!minimum.empty() && minimum == maximum) {
         table.addRow({"both limits", minimum});
         return;
@@ -77,7 +83,7 @@ void addRange(Table& table, const Parameter& parameter, const AcceptedValues& an
     if (answer.published) addPublished(table, *answer.published);
     addCauses(table, parameter, answer.ofMinimum, End::minimum);
     addCauses(table, parameter, answer.ofMaximum, End::maximum);
-    addFixed(table, fixedInWords(answer.ofMinimum), fixedInWords(answer.ofMaximum));
+    addFixed(table, answer.ofMinimum, answer.ofMaximum);
 }
 
 Table tableOf(const AcceptedValues& answer, const Parameter& parameter) {
