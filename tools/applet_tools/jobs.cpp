@@ -28,6 +28,7 @@ constexpr JobRow jobs[] = {
     {"influences", "what each parameter moves", influencesJob},
     {"limits", "what the setters accept", limitsJob},
     {"lint", "what is doubtful", lintJob},
+    {"moves", "what a set moves", movesJob},
     {"order", "an order in which all assignments pass", orderJob},
     {"routes", "what the applet writes for each route", routesJob},
     {"suggestion", "what would let the refused value through", suggestionJob},

@@ -36,9 +36,12 @@ Table tableOf(const RefusalAnswer& answer, const Parameter& parameter) {
     Table table;
     table.addSubject(answer.subject);
     if (answer.code == FG_OK) {
-        table.addRow({"accepted", answer.writableWith
-                                      ? "now, but without effect as long as the parameter is read-only"
-                                      : "now"});
+        const bool isIdle = answer.writableWith && answer.moves.empty();
+        table.addRow({"accepted", isIdle ? "now, but without effect as long as the parameter is read-only"
+                                  : answer.writableWith ? "now, although the parameter is read-only"
+                                                        : "now"});
+        for (const std::string& moved : answer.moves)
+            table.addRow({"moves", moved});
         if (answer.writableWith) addWays(table, "writable with", *answer.writableWith);
         addMissingFile(table, answer.missingFile);
         return table;
@@ -55,8 +58,9 @@ std::string accessInWords(const AccessAnswer& answer) {
     if (answer.isWritable)
         return answer.access == "rw+" ? "writable, also while an acquisition runs"
                                       : "writable, but not while an acquisition runs";
-    return answer.hasSetter ? "now; a value can be set all the same, and takes effect when it is writable"
-                            : "always: it is measured, or fixed by the design";
+    return answer.hasSetter
+               ? "now; a value can be set all the same: it is stored, and 'set' says what it moves"
+               : "always: it is measured, or fixed by the design";
 }
 
 Table tableOf(const AccessAnswer& answer, const Parameter& parameter) {
