@@ -172,7 +172,7 @@ std::vector<const Parameter*> ParameterList::inGroup(const std::string& label) c
                                    [&](const std::string& group) { return lowerCase(group) == wanted; });
     };
     const auto isBelow = [&](const Parameter& parameter) {
-        return lowerCase(parameter.path()).find(wanted) != std::string::npos;
+        return !wanted.empty() && lowerCase(parameter.path()).find(wanted) != std::string::npos;
     };
     std::vector<const Parameter*> labelled, below;
     for (const Parameter& parameter : m_parameters) {

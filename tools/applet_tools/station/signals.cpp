@@ -127,6 +127,13 @@ std::optional<double> rateOf(const SignalCourse& course) {
 
 std::span<const LossKind> lossKinds() { return kinds; }
 
+Words lossNames() {
+    Words names;
+    for (const LossKind& kind : kinds)
+        names.emplace_back(kind.name);
+    return names;
+}
+
 const LossKind& imageLoss() { return kinds[0]; }
 
 std::int64_t lossCount(Instance& instance, const LossKind& kind) {

@@ -62,6 +62,10 @@ struct LossKind {
 };
 
 std::span<const LossKind> lossKinds();
+
+/** Their names: "images", "triggers", ... */
+Words lossNames();
+
 /** Images that the full buffer lost. */
 const LossKind& imageLoss();
 
