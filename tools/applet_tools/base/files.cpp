@@ -83,10 +83,10 @@ public:
     explicit Replacement(fs::path target) : m_target(std::move(target)) {
         requireWritableTarget();
         const fs::path folder = folderOf(m_target);
-        m_descriptor = open(folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, modeOfNewFile);
+        m_descriptor = open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, modeOfNewFile);
         if (m_descriptor < 0 && (errno == EOPNOTSUPP || errno == EISDIR || errno == EINVAL)) {
             m_temporary = unusedName();
-            m_descriptor = open(m_temporary.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, modeOfNewFile);
+            m_descriptor = open(m_temporary.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, modeOfNewFile);
         }
         if (m_descriptor >= 0) return;
         const std::string reason = std::strerror(errno);
@@ -102,6 +102,8 @@ public:
     void add(const std::string& content) {
         if (!writeAll(m_descriptor, content)) fail(m_target);
     }
+
+    int descriptor() const { return m_descriptor; }
 
     void takePlace() {
         if (!keepAttributes() || fsync(m_descriptor) != 0) fail(m_target);
@@ -193,8 +195,6 @@ std::optional<std::string> textOfFile(const std::string& path) {
     return stream.is_open() && !stream.bad() ? std::optional(std::move(text)) : std::nullopt;
 }
 
-void refuseUnreadable(const std::string& path, const std::string& reason) {
-    throw UsageError(shownFile(path) + " is no file that can be read" +
 std::string whyUnreadable(const std::string& path) {
     struct stat status {};
     if (stat(path.c_str(), &status) != 0 || access(path.c_str(), R_OK) != 0) return std::strerror(errno);
@@ -202,6 +202,8 @@ std::string whyUnreadable(const std::string& path) {
     return S_ISREG(status.st_mode) ? "" : "it is no regular file"; // opening a FIFO would wait for a writer
 }
 
+void refuseUnreadable(const std::string& path, const std::string& reason) {
+    throw UsageError(shownFile(path) + " is no file that can be read" +
                      (reason.empty() ? "" : ": " + reason));
 }
 
@@ -249,7 +251,7 @@ void requireWritable(const std::string& file) {
 }
 
 struct OutputFile::State {
-    explicit State(const fs::path& file) : path(behindLinks(file)) {
+    explicit State(const std::string& asked) : file(asked), path(behindLinks(asked)) {
         if (isSpecial(path))
             descriptor = openInPlace(path, file);
         else
@@ -261,9 +263,9 @@ struct OutputFile::State {
     State(const State&) = delete;
     State& operator=(const State&) = delete;
 
+    const std::string file; // as given, for messages
     const fs::path path;
     std::optional<Replacement> replacement;
-    const std::string file; // as given, for messages
     int descriptor = -1; // if written in place
 };
 

@@ -35,6 +35,8 @@ public:
 
     /** Throws Failure. */
     void add(const std::string& content);
+    /** The new file, for other ways of writing to it; empty for a file that is written to in place. */
+    std::optional<int> descriptor() const;
     /** Moves the file into place; without this call nothing remains. Throws Failure. */
     void finish();
 
