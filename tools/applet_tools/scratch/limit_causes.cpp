@@ -104,8 +104,8 @@ bool isUnmoved(const LimitCauses& causes) {
 std::string fixedInWords(const LimitCauses& causes, End end) {
     if (causes.isEndOfType) return "fixed: the parameter's type ends there";
     if (!isUnmoved(causes)) return "";
-    return std::string("no other parameter and no value of the design that was tried ") +
-           (end == End::maximum ? "raises it" : "lowers it");
+    return end == End::maximum ? "no other parameter and no value of the design that was tried raises it"
+                               : "no other parameter and no value of the design that was tried lowers it";
 }
 
 nlohmann::ordered_json asJson(const LimitCauses& causes, End end) {
