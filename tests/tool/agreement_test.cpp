@@ -6,10 +6,13 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <random>
 #include <regex>
 #include <set>
+#include <span>
 #include <sstream>
+#include <utility>
 
 namespace {
 
@@ -144,21 +147,21 @@ std::set<std::string> refusedBy(const json& findings, const std::set<std::string
 }
 
 /**
- * A saved file in which a third of the numbers are refused by a load, being too small (0) or too large (1).
+ * A saved file in which a third of the numbers, from the first, second or third one on, have another text.
  * Of parameters with names that differ only in a digit, such as those of the outputs, only the first is edited:
  * for each refusal the commands search for accepted values.
  */
-std::string spoilt(const std::string& saved, std::size_t third) {
-    std::istringstream text(saved);
+std::string spoilt(const std::string& saved, std::size_t third, const std::function<std::string()>& text) {
+    std::istringstream lines(saved);
     const std::regex numberLine("(FG_\\w+=)[-0-9.]+;"), digit("[0-9]");
     std::set<std::string> families;
     std::string edited;
-    for (std::string line; std::getline(text, line); edited += line + '\n') {
+    for (std::string line; std::getline(lines, line); edited += line + '\n') {
         std::smatch parts;
         if (!std::regex_match(line, parts, numberLine)) continue;
         const std::size_t number = families.size();
         const bool isFirst = families.insert(std::regex_replace(parts.str(1), digit, "#")).second;
-        if (isFirst && number % 3 == third) line = parts.str(1) + (third == 0 ? "-5;" : "99999;");
+        if (isFirst && number % 3 == third) line = parts.str(1) + text() + ";";
     }
     EXPECT_GT(families.size(), 60u);
     return edited;
@@ -169,10 +172,19 @@ TEST(AppletctlLint, AgreesWithCheckOnWhatALoadRefuses) {
     const std::string file = folder / "edited.mcf";
     run({"save", file});
     const std::string saved = support::fileBytes(file);
+    // A load reads a number from the beginning of any text, and whole ones in 32 bits.
+    const Words odd = {
+        "20000.5", "100.003",     "1e9",        "0.1",    "4294967295", "-0.5",
+        "-3.7",    "2147483648",  "3000000000", "99999x", "0x7d0",      "1e-3",
+        "+77777",  "-2147483649", "0099999",    "8,5",    "",           "18446744073709551615"};
+    Chance chance;
+    const auto oddText = [&] { return odd[chance.below(odd.size())]; };
+    const std::pair<std::size_t, std::function<std::string()>> rounds[] = {
+        {0, [] { return "-5"; }}, {0, oddText}, {1, [] { return "99999"; }}, {1, oddText}, {2, oddText}};
     std::size_t refusals = 0;
-    for (std::size_t third = 0; third < (sanitized ? 1 : 2); ++third) {
-        SCOPED_TRACE(third);
-        support::writeFile(file, spoilt(saved, third));
+    for (const auto& [third, text] : std::span(rounds).first(sanitized ? 2 : std::size(rounds))) {
+        support::writeFile(file, spoilt(saved, third, text));
+        SCOPED_TRACE(support::fileBytes(file));
         const json linted = document({"lint", file})["findings"];
         const auto refused = refusedBy(document({"check", file})["findings"], {"refused", "kept"}, "kind");
         std::set<std::string> named;

@@ -29,6 +29,7 @@ constexpr JobRow jobs[] = {
     {"influences", "what each parameter moves", influencesJob},
     {"limits", "what the setters accept", limitsJob},
     {"lint", "what is doubtful", lintJob},
+    {"moves", "what a set moves", movesJob},
     {"order", "an order in which all assignments pass", orderJob},
     {"planAssignments", "what the assignments would do", assignmentsPlanJob},
     {"routes", "what the applet writes for each route", routesJob},

@@ -55,7 +55,13 @@ void addCauses(Rows& rows, const Parameter& parameter, const LimitCauses& causes
         rows.push_back({title, "set by " + inWords(cause)});
 }
 
-void addFixed(Rows& rows, const std::string& minimum, const std::string& maximum) {
+void addFixed(Rows& rows, const LimitCauses& ofMinimum, const LimitCauses& ofMaximum) {
+    if (isUnmoved(ofMinimum) && isUnmoved(ofMaximum)) {
+        rows.push_back({"both limits", neitherWidened});
+        return;
+    }
+    const std::string minimum = fixedInWords(ofMinimum, End::minimum),
+                      maximum = fixedInWords(ofMaximum, End::maximum);
     if (!minimum.empty() && minimum == maximum) {
         rows.push_back({"both limits", minimum});
         return;
@@ -69,7 +75,7 @@ void addRange(Rows& rows, const Parameter& parameter, const AcceptedValues& answ
     if (answer.published) addPublished(rows, *answer.published);
     addCauses(rows, parameter, answer.ofMinimum, End::minimum);
     addCauses(rows, parameter, answer.ofMaximum, End::maximum);
-    addFixed(rows, fixedInWords(answer.ofMinimum), fixedInWords(answer.ofMaximum));
+    addFixed(rows, answer.ofMinimum, answer.ofMaximum);
 }
 
 } // namespace
@@ -116,9 +122,12 @@ void addMissingFile(Rows& rows, const std::string& file) {
 Rows rowsOf(const RefusalAnswer& answer, const Parameter& parameter) {
     Rows rows;
     if (answer.code == FG_OK) {
-        rows.push_back({"accepted", answer.writableWith
-                                        ? "now, but without effect as long as the parameter is read-only"
-                                        : "now"});
+        const bool isIdle = answer.writableWith && answer.moves.empty();
+        rows.push_back({"accepted", isIdle ? "now, but without effect as long as the parameter is read-only"
+                                    : answer.writableWith ? "now, although the parameter is read-only"
+                                                          : "now"});
+        for (const std::string& moved : answer.moves)
+            rows.push_back({"moves", moved});
         if (answer.writableWith) addWays(rows, "writable with", *answer.writableWith);
         addMissingFile(rows, answer.missingFile);
         return rows;
@@ -137,8 +146,9 @@ std::string accessInWords(const AccessAnswer& answer) {
     if (answer.isWritable)
         return answer.access == "rw+" ? "writable, also while an acquisition runs"
                                       : "writable, but not while an acquisition runs";
-    return answer.hasSetter ? "now; a value can be set all the same, and takes effect when it is writable"
-                            : "always: it is measured, or fixed by the design";
+    return answer.hasSetter
+               ? "now; a value can be set all the same: it is stored, and 'set' says what it moves"
+               : "always: it is measured, or fixed by the design";
 }
 
 } // namespace

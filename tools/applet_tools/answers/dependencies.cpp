@@ -1,6 +1,7 @@
 #include "applet_tools/answers/dependencies.h"
 
 #include "applet_tools/applet/access_log.h"
+#include "applet_tools/applet/assignments.h"
 #include "applet_tools/base/text.h"
 #include "applet_tools/scratch/refusal.h"
 
@@ -51,14 +52,40 @@ ordered_json entriesAsJson(const Parameter& parameter, const std::vector<Value>&
     return rows;
 }
 
+constexpr const char* otherElements = "other elements";
+Move elementsMove() { return {"value", "elements", otherElements}; }
+
+/** The elements of an array; empty for other kinds. */
+Value arrayNow(const Probe& probe, std::size_t place) {
+    const Parameter& parameter = probe.at(place);
+    if (elementCount(parameter) == 0) return {};
+    return readValue(probe.session().instance(), wholeOf(parameter)).value;
+}
+
+/** The elements of all arrays, by place. */
+std::vector<Value> arraysNow(const Probe& probe) {
+    std::vector<Value> arrays;
+    for (std::size_t place = 0; place < probe.count(); ++place)
+        arrays.push_back(arrayNow(probe, place));
+    return arrays;
+}
+
+/** The movements of a parameter since the probe began, with `array` as its elements then. */
+std::vector<Move> movesSince(Probe& probe, std::size_t place, const Value& array) {
+    std::vector<Move> moves = movesBetween(probe.at(place), probe.facts(place), probe.currentState(place));
+    if (arrayNow(probe, place) != array) moves.push_back(elementsMove());
+    return moves;
+}
+
 /** The constructor tries all values. */
 class Search {
 public:
-    Search(Probe& probe, std::size_t subject) : m_probe(probe), m_subject(subject) {
-        for (std::size_t place = 0; place < probe.count(); ++place) {
+    Search(Probe& probe, std::size_t subject)
+        : m_probe(probe)
+        , m_subject(subject)
+        , m_arrays(arraysNow(probe)) {
+        for (std::size_t place = 0; place < probe.count(); ++place)
             m_entries.push_back(takenEntries(probe, place));
-            m_arrays.push_back(arrayNow(place));
-        }
         probe.restore();
         for (const Value& value : probe.otherValues(subject))
             findMoved(value);
@@ -78,19 +105,10 @@ public:
     std::vector<std::string> writes; // design parameters, in the order in which a set first wrote them
 
 private:
-    /** The elements of an array; empty for other kinds. */
-    Value arrayNow(std::size_t place) const {
-        const Parameter& parameter = m_probe.at(place);
-        if (elementCount(parameter) == 0) return {};
-        return readValue(m_probe.session().instance(), wholeOf(parameter)).value;
-    }
-
     void compare(std::size_t place, Effects& effects, const std::string& name, const std::string& with) {
         const Parameter& parameter = m_probe.at(place);
-        for (const Move& move : movesBetween(parameter, m_probe.facts(place), m_probe.currentState(place)))
+        for (const Move& move : movesSince(m_probe, place, m_arrays[place]))
             effects.add({name, with, move});
-        if (arrayNow(place) != m_arrays[place])
-            effects.add({name, with, {"value", "elements", "other elements"}});
         const std::vector<Value> entries = takenEntries(m_probe, place);
         if (entries != m_entries[place])
             effects.add({name,
@@ -125,20 +143,10 @@ private:
 
     Probe& m_probe;
     std::size_t m_subject;
-    std::vector<std::vector<Value>> m_entries; // accepted in the state of the probe
-    std::vector<Value> m_arrays;
+    std::vector<Value> m_arrays;               // in the state of the probe
+    std::vector<std::vector<Value>> m_entries; // accepted in it
     std::set<std::string> m_written;
 };
-
-ordered_json asJson(const std::vector<Movement>& movements) {
-    ordered_json rows = ordered_json::array();
-    for (const auto& [parameter, with, move] : movements) {
-        ordered_json row = {{"parameter", parameter}, {"with", with}};
-        row.update(applet_tools::asJson(move));
-        rows.push_back(std::move(row));
-    }
-    return rows;
-}
 
 json asMessage(const std::vector<Movement>& movements) {
     json rows = json::array();
@@ -168,12 +176,96 @@ Dependencies dependenciesOf(Probe& probe, const Parameter& parameter) {
     return {name, search.isTried(), search.moved.take(), search.movers.take(), search.writes};
 }
 
+ordered_json asJson(const std::vector<Movement>& movements) {
+    ordered_json rows = ordered_json::array();
+    for (const auto& [parameter, with, move] : movements) {
+        ordered_json row = {{"parameter", parameter}, {"with", with}};
+        row.update(applet_tools::asJson(move));
+        rows.push_back(std::move(row));
+    }
+    return rows;
+}
+
 ordered_json asJson(const Dependencies& dependencies) {
     return {{"name", dependencies.parameter},
             {"moves", asJson(dependencies.moves)},
             {"movedBy", asJson(dependencies.movedBy)},
             {"tried", dependencies.isTried},
             {"writes", dependencies.writes}};
+}
+
+std::vector<Movement> movesOf(Probe& probe, const Change& change) {
+    const std::vector<Value> arrays = arraysNow(probe);
+    const std::string with = probe.words(change);
+    std::vector<Movement> movements;
+    probe.tryChange(change, [&] {
+        for (std::size_t place = 0; place < probe.count(); ++place)
+            if (place != change.place)
+                for (const Move& move : movesSince(probe, place, arrays[place]))
+                    movements.push_back({probe.at(place).name, with, move});
+    });
+    probe.restore();
+    return movements;
+}
+
+std::string inWords(const Movement& movement) {
+    const auto& [what, from, to, fromJson, toJson] = movement.move;
+    if (to == otherElements) return "the elements of " + movement.parameter;
+    return (what == "value" ? "" : "the " + what + " of ") + movement.parameter + " (" + from + " -> " + to +
+           ")";
+}
+
+namespace {
+
+/** The state of all parameters after the assignments. */
+struct Moment {
+    Moment(ScratchSession& session, const Words& words) {
+        session.rewind();
+        applyAssignments(session.instance(), session.parameters(), words, {});
+        const Probe probe(session);
+        for (std::size_t place = 0; place < probe.count(); ++place)
+            facts.push_back(probe.facts(place));
+        arrays = arraysNow(probe);
+    }
+    std::vector<ParameterState> facts;
+    std::vector<Value> arrays;
+};
+
+/** What the assignments to the parameter move: the difference to the state without them. */
+std::vector<Movement> movesOf(ScratchSession& session, const Words& words, const std::string& name) {
+    Words others, own;
+    for (const std::string& word : words) {
+        const Target target = parseAssignments(session.parameters(), {word}).front().target;
+        (target.parameter->name == name ? own : others).push_back(word);
+    }
+    const Moment without(session, others), with(session, words);
+    std::vector<Movement> movements;
+    for (std::size_t place = 0; place < with.facts.size(); ++place) {
+        const Parameter& parameter = session.parameters().all()[place];
+        std::vector<Move> moves = movesBetween(parameter, without.facts[place], with.facts[place]);
+        if (without.arrays[place] != with.arrays[place]) moves.push_back(elementsMove());
+        for (const Move& move : moves)
+            if (parameter.name != name) movements.push_back({parameter.name, own.back(), move});
+    }
+    return movements;
+}
+
+} // namespace
+
+json movesJob(ScratchSession& session, const json& arguments) {
+    json answer = json::object();
+    for (const auto& name : arguments.at("names").get<Words>())
+        answer[name] = asMessage(movesOf(session, arguments.at("words").get<Words>(), name));
+    return answer;
+}
+
+std::map<std::string, std::vector<Movement>> askMoves(LiveSession& live, const Words& names,
+                                                      const Words& words) {
+    std::map<std::string, std::vector<Movement>> moves;
+    const json answer = live.scratch().ask("moves", {{"names", names}, {"words", words}});
+    for (const auto& [name, rows] : answer.items())
+        moves[name] = movementsFrom(rows);
+    return moves;
 }
 
 json dependenciesJob(ScratchSession& session, const json& arguments) {

@@ -7,6 +7,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -26,6 +27,23 @@ struct Dependencies {
     std::vector<Movement> movedBy{}; /**< what moves the parameter */
     Words writes{};                  /**< design parameters, in the order in which a set first wrote them */
 };
+
+nlohmann::ordered_json asJson(const std::vector<Movement>& movements);
+
+/** "FG_CAMERASIMULATOR_LINERATE (10240 -> 51219)", "the limits of FG_WIDTH (4 to 1024 -> 4 to 960)". */
+std::string inWords(const Movement& movement);
+
+/** What a value of a number or an entry moves, apart from its own parameter. Tries it in the state of the probe, and
+ *  restores that state. */
+std::vector<Movement> movesOf(Probe& probe, const Change& change);
+
+/** The same for the parameters of these names, each with its values in the assignments `words`: the difference to
+ *  the state without them, starting from the live applet's state. */
+std::map<std::string, std::vector<Movement>> askMoves(LiveSession& live, const Words& names,
+                                                      const Words& words);
+
+/** The scratch board job that implements it: {"names": [NAME, ...], "words": [WORD, ...]}. */
+json movesJob(ScratchSession& session, const json& arguments);
 
 /** Tries the values of all parameters in the state of the probe, and restores that state. */
 Dependencies dependenciesOf(Probe& probe, const Parameter& parameter);

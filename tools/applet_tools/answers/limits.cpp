@@ -142,7 +142,7 @@ void addPublished(ordered_json& row, const AcceptedValues& answer) {
 void addCauses(ordered_json& row, const LimitCauses& causes, End end) {
     for (const auto& cause : asJson(causes, end))
         row["setBy"].push_back(cause);
-    if (!fixedInWords(causes).empty()) row["fixed"].push_back(nameOf(end));
+    if (!fixedInWords(causes, end).empty()) row["fixed"].push_back(nameOf(end));
 }
 
 } // namespace

@@ -33,11 +33,12 @@ std::string headerTrouble(const ConfigurationFile& asked, FileKeys& keys) {
     return missing.empty() ? "" : "its header lacks " + join(missing, ", ");
 }
 
-/** The value that a load reads from the text; with the text itself if its sign differs. */
+/** The value of the text; with the text itself if a load reads another value from it or changes its sign. */
 std::string askedText(const Parameter& parameter, const std::string& text) {
     const std::string value = fileValueText(parameter, text);
-    const bool isUnlike = parameter.kind() == REGISTER_KIND_UINT && text.starts_with('-') &&
-                          valueInFile(parameter, text).has_value();
+    const auto exact = valueInFile(parameter, text), read = valueOfLoad(parameter, text);
+    if (!exact && read) return value + " (read as " + valueWithUnit(parameter, *read) + ")";
+    const bool isUnlike = parameter.kind() == REGISTER_KIND_UINT && text.starts_with('-') && exact;
     return isUnlike ? value + " (" + text + " in the file)" : value;
 }
 
@@ -56,19 +57,23 @@ public:
         const std::string key(line.key), asked(line.value);
         const Parameter& wanted = m_session.parameters().find(key);
         const std::string is = m_state.value(key).value_or("");
-        const bool isKept = isSameValue(wanted, asked, is);
-        const std::string change = key + ": the file has " + askedText(wanted, asked) +
-                                   ", after the load it is " + fileValueText(wanted, is);
-        const std::optional<Value> value = valueInFile(wanted, asked);
-        if (!value && !isKept)
-            return Finding{"unreadable", key, change + ": a load reads decimal numbers with a point"};
-        if (!value && wanted.kind() == REGISTER_KIND_DOUBLE)
+        const std::optional<Value> value = valueInFile(wanted, asked), read = valueOfLoad(wanted, asked);
+        if (!value && wanted.kind() == REGISTER_KIND_DOUBLE && asked == is)
             return Finding{"unreadable", key,
-                           key + ": the file has " + askedText(wanted, asked) +
+                           key + ": the file has " + fileValueText(wanted, asked) +
                                ", which is not a number; no limit stops it, so the board receives it"};
-        if (!value || isComputed(wanted, line)) return std::nullopt;
-        const int code = writeValue(m_session.instance(), {&wanted}, *value);
-        if (code != FG_OK) return refusal(wanted, asked, *value, code, isKept ? "" : change);
+        if (!read || (!value && asked == is)) return std::nullopt;
+        const bool isComputed = isIgnored(wanted, line);
+        if (value && isComputed) return std::nullopt;
+        const bool isKept = value ? isSameValue(wanted, asked, is) : valueInFile(wanted, is) == read;
+        const std::string now = ", after the load it is " + fileValueText(wanted, is);
+        const std::string change = key + ": the file has " + askedText(wanted, asked) + now;
+        const int code = isComputed ? FG_OK : writeValue(m_session.instance(), {&wanted}, *read);
+        if (code != FG_OK) return refusal(wanted, asked, *read, code, isKept ? "" : change);
+        if (!value)
+            return Finding{"unreadable", key,
+                           key + ": the file has " + fileValueText(wanted, asked) + now + ": " +
+                               readingInWords(wanted, asked)};
         if (isKept && !nearestStep(wanted, *value)) return std::nullopt;
         if (isKept)
             return Finding{"rounded", key,
@@ -98,7 +103,7 @@ private:
 
     /** True for a rate that the present mode computes from other parameters, so that the file's value is
      *  ignored. */
-    bool isComputed(const Parameter& parameter, const ConfigurationFile::Line& line) {
+    bool isIgnored(const Parameter& parameter, const ConfigurationFile::Line& line) {
         if (parameter.kind() != REGISTER_KIND_DOUBLE || accessWord(parameter) != "ro") return false;
         const MemoryFile other;
         other.write(m_asked.textWith(line, parameter.name + "=-12345.678;\n"));
@@ -219,7 +224,7 @@ KeySet acceptedNow(ScratchSession& session, const ConfigurationFile& asked,
     for (const Finding& finding : findings) {
         if (!isRefusal(finding)) continue;
         const Parameter& parameter = session.parameters().find(finding.key);
-        const auto value = valueInFile(parameter, asked.value(finding.key).value_or(""));
+        const auto value = valueOfLoad(parameter, asked.value(finding.key).value_or(""));
         if (value && parameter.kind() != REGISTER_KIND_STRING &&
             writeValue(session.instance(), {&parameter}, *value) == FG_OK)
             accepted.insert(finding.key);
@@ -309,7 +314,7 @@ std::vector<RefusedValue> refusedValues(const ScratchSession& session, const Con
             continue;
         const Parameter& parameter = session.parameters().find(finding.key);
         const std::string text = asked.value(finding.key).value_or("");
-        const auto value = valueInFile(parameter, text);
+        const auto value = valueOfLoad(parameter, text);
         if (value && parameter.kind() != REGISTER_KIND_STRING)
             refused.push_back({&finding, {{&parameter}, text, *value}});
     }

@@ -1,5 +1,6 @@
 #include "applet_tools/answers/why.h"
 
+#include "applet_tools/answers/dependencies.h"
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"
@@ -39,6 +40,11 @@ RefusalAnswer whyRefused(Probe& probe, const Assignment& assignment) {
         if (accessWord(parameter) != "ro") return answer;
         answer.writableWith = waysToWrite(probe, place);
         answer.document["writableWith"] = *answer.writableWith;
+        if (!isNumber(assignment.value)) return answer;
+        const std::vector<Movement> moves = movesOf(probe, {place, assignment.value});
+        for (const Movement& movement : moves)
+            answer.moves.push_back(inWords(movement));
+        answer.document["moves"] = asJson(moves);
         return answer;
     }
     answer.refusal = refusalInWords(parameter, assignment.value, code);
@@ -89,7 +95,8 @@ json asMessage(const RefusalAnswer& answer) {
                     {"isTried", causes.isTried},
                     {"limit", causes.limit},
                     {"setBy", causes.setBy.dump()},
-                    {"acceptedWith", causes.acceptedWith}};
+                    {"acceptedWith", causes.acceptedWith},
+                    {"moves", answer.moves}};
     if (causes.nearest) message["nearest"] = asTypedMessage(*causes.nearest);
     if (answer.writableWith) message["writableWith"] = *answer.writableWith;
     return message;
@@ -106,6 +113,7 @@ RefusalAnswer refusalFrom(const json& message) {
                      .acceptedWith = message["acceptedWith"].get<Words>()};
     if (message.contains("nearest")) answer.causes.nearest = fromTypedMessage(message["nearest"]);
     if (message.contains("writableWith")) answer.writableWith = message["writableWith"].get<Words>();
+    answer.moves = message["moves"].get<Words>();
     return answer;
 }
 

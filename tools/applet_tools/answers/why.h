@@ -25,6 +25,7 @@ struct RefusalAnswer {
     /** For a value that is accepted but read-only now: changes that make it writable. */
     std::optional<std::vector<std::string>> writableWith{};
     std::string missingFile{}; /**< as in AccessAnswer, after the set */
+    Words moves{}; /**< what such a value moves nevertheless: "FG_CAMERASIMULATOR_LINERATE (10 -> 50)" */
 };
 
 /** Calls the setter in the state of the probe. Existing parameter records may be invalid afterwards. */

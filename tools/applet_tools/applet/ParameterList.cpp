@@ -61,6 +61,21 @@ std::string suggestion(const std::vector<std::string>& names) {
     return names.empty() ? "; 'appletctl list' shows all names" : didYouMean(names);
 }
 
+/** The names of the parameters with the label nearest to the word; empty if it is farther away, or of many. */
+std::vector<std::string> namesWithLabelNear(const std::vector<Parameter>& parameters,
+                                            const std::string& lowerWord, std::size_t farthest) {
+    constexpr std::size_t mostNames = 3;
+    std::vector<std::string> near;
+    for (const Parameter& parameter : parameters) {
+        const std::size_t distance = editDistance(lowerWord, lowerCase(parameter.label()));
+        if (distance > farthest) continue;
+        if (distance < farthest) near.clear();
+        farthest = distance;
+        near.push_back(parameter.name);
+    }
+    return near.size() <= mostNames ? near : std::vector<std::string>{};
+}
+
 } // namespace
 
 std::string Parameter::label() const { return record != nullptr ? toUtf8(record->displayName) : ""; }
@@ -177,7 +192,7 @@ std::vector<const Parameter*> ParameterList::inGroup(const std::string& label) c
                                    [&](const std::string& group) { return lowerCase(group) == wanted; });
     };
     const auto isBelow = [&](const Parameter& parameter) {
-        return lowerCase(parameter.path()).find(wanted) != std::string::npos;
+        return !wanted.empty() && lowerCase(parameter.path()).find(wanted) != std::string::npos;
     };
     std::vector<const Parameter*> labelled, below;
     for (const Parameter& parameter : m_parameters) {
@@ -190,17 +205,20 @@ std::vector<const Parameter*> ParameterList::inGroup(const std::string& label) c
 
 std::vector<std::string> ParameterList::closestNames(std::string_view name) const {
     if (name.empty()) return {};
-    std::vector<std::string> names, labelled;
-    constexpr std::size_t farthest = 2;
+    constexpr std::size_t farthestLabel = 2;
+    const std::string word = lowerCase(name);
+    std::vector<std::string> names;
+    std::size_t least = farthestLabel + 1; // distance of the nearest name
     for (const Parameter& parameter : m_parameters) {
         names.push_back(parameter.name);
-        const std::string label = lowerCase(parameter.label());
-        if (name.size() > 2 * farthest && editDistance(lowerCase(name), label) <= farthest)
-            labelled.push_back(parameter.name);
+        least = std::min(least, editDistance(withoutPrefix(word), withoutPrefix(lowerCase(parameter.name))));
     }
-    std::vector<std::string> near = nearestWords(name, names);
-    if (near.empty() && labelled.size() <= 3) near = labelled;
-    return near.empty() ? nearestParts(withoutPrefix(lowerCase(name)), names) : near;
+    if (word.size() > 2 * farthestLabel && least > 0) {
+        const auto labelled = namesWithLabelNear(m_parameters, word, least - 1);
+        if (!labelled.empty()) return labelled;
+    }
+    const std::vector<std::string> near = nearestWords(name, names);
+    return near.empty() ? nearestParts(withoutPrefix(word), names) : near;
 }
 
 } // namespace applet_tools

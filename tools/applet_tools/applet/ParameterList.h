@@ -59,7 +59,7 @@ public:
 private:
     void addTree(const RegisterInfo& record, std::vector<std::string>& groups);
     void addNamesWithoutRecord(Instance& instance);
-    /** Names similar to the word as a whole, else those with a similar label, else those with a similar part. */
+    /** Names similar to the word, or with a label that is more similar; else those with a similar part. */
     std::vector<std::string> closestNames(std::string_view name) const;
     /** "; did you mean ROI?", or a reference to the list of groups. */
     std::string suggestedGroups(const std::string& label) const;

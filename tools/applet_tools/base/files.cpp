@@ -83,10 +83,10 @@ public:
     explicit Replacement(fs::path target) : m_target(std::move(target)) {
         requireWritableTarget();
         const fs::path folder = folderOf(m_target);
-        m_descriptor = open(folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, modeOfNewFile);
+        m_descriptor = open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, modeOfNewFile);
         if (m_descriptor < 0 && (errno == EOPNOTSUPP || errno == EISDIR || errno == EINVAL)) {
             m_temporary = unusedName();
-            m_descriptor = open(m_temporary.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, modeOfNewFile);
+            m_descriptor = open(m_temporary.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, modeOfNewFile);
         }
         if (m_descriptor >= 0) return;
         const std::string reason = std::strerror(errno);
@@ -102,6 +102,8 @@ public:
     void add(const std::string& content) {
         if (!writeAll(m_descriptor, content)) fail(m_target);
     }
+
+    int descriptor() const { return m_descriptor; }
 
     void takePlace() {
         if (!keepAttributes() || fsync(m_descriptor) != 0) fail(m_target);
@@ -160,21 +162,22 @@ bool isSpecial(const fs::path& path) {
     return isInProc(path) || (stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode));
 }
 
-int openInPlace(const fs::path& path) {
+/** `file` is the name that was given, for messages. */
+int openInPlace(const fs::path& path, const std::string& file) {
     const std::optional<int> own = ownDescriptor(path);
     const int descriptor =
         own ? fcntl(*own, F_DUPFD_CLOEXEC, 0) : open(path.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC);
-    if (descriptor < 0) fail(path);
+    if (descriptor < 0) fail(file);
     return descriptor;
 }
 
-void writeInPlace(const fs::path& path, const std::string& content) {
-    const int descriptor = openInPlace(path);
+void writeInPlace(const fs::path& path, const std::string& file, const std::string& content) {
+    const int descriptor = openInPlace(path, file);
     const bool isWritten = writeAll(descriptor, content);
     const int reason = errno;
     const bool isClosed = close(descriptor) == 0;
     if (!isWritten) errno = reason;
-    if (!isWritten || !isClosed) fail(path);
+    if (!isWritten || !isClosed) fail(file);
 }
 
 } // namespace
@@ -192,6 +195,13 @@ std::optional<std::string> textOfFile(const std::string& path) {
     return stream.is_open() && !stream.bad() ? std::optional(std::move(text)) : std::nullopt;
 }
 
+std::string whyUnreadable(const std::string& path) {
+    struct stat status {};
+    if (stat(path.c_str(), &status) != 0 || access(path.c_str(), R_OK) != 0) return std::strerror(errno);
+    if (S_ISDIR(status.st_mode)) return "it is a folder";
+    return S_ISREG(status.st_mode) ? "" : "it is no regular file"; // opening a FIFO would wait for a writer
+}
+
 void refuseUnreadable(const std::string& path, const std::string& reason) {
     throw UsageError(shownFile(path) + " is not a file that can be read" +
                      (reason.empty() ? "" : ": " + reason));
@@ -199,7 +209,7 @@ void refuseUnreadable(const std::string& path, const std::string& reason) {
 
 std::string requiredTextOfFile(const std::string& path) {
     auto text = textOfFile(path);
-    if (!text) refuseUnreadable(path);
+    if (!text) refuseUnreadable(path, whyUnreadable(path));
     return std::move(*text);
 }
 
@@ -221,7 +231,7 @@ bool writeAll(int descriptor, const std::string& content) {
 
 void writeFile(const std::string& file, const std::string& content) {
     const fs::path path = behindLinks(file);
-    if (isSpecial(path)) return writeInPlace(path, content);
+    if (isSpecial(path)) return writeInPlace(path, file, content);
     const SignalsHeldBack held;
     Replacement replacement(path);
     replacement.add(content);
@@ -234,16 +244,16 @@ void requireWritable(const std::string& file) {
         const SignalsHeldBack held;
         const Replacement replacement(path);
     } else if (fs::is_directory(path)) {
-        fail(path, std::strerror(EISDIR));
+        fail(file, std::strerror(EISDIR));
     } else if (!ownDescriptor(path) && faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0) {
-        fail(path);
+        fail(file);
     }
 }
 
 struct OutputFile::State {
-    explicit State(const fs::path& file) : path(behindLinks(file)) {
+    explicit State(const std::string& asked) : file(asked), path(behindLinks(asked)) {
         if (isSpecial(path))
-            descriptor = openInPlace(path);
+            descriptor = openInPlace(path, file);
         else
             replacement.emplace(path);
     }
@@ -253,6 +263,7 @@ struct OutputFile::State {
     State(const State&) = delete;
     State& operator=(const State&) = delete;
 
+    const std::string file; // as given, for messages
     const fs::path path;
     std::optional<Replacement> replacement;
     int descriptor = -1; // if written in place
@@ -265,7 +276,11 @@ void OutputFile::add(const std::string& content) {
     if (m_state->replacement)
         m_state->replacement->add(content);
     else if (!writeAll(m_state->descriptor, content))
-        fail(m_state->path);
+        fail(m_state->file);
+}
+
+std::optional<int> OutputFile::descriptor() const {
+    return m_state->replacement ? std::optional(m_state->replacement->descriptor()) : std::nullopt;
 }
 
 void OutputFile::finish() {

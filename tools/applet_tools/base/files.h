@@ -10,7 +10,9 @@ namespace applet_tools {
 
 /** The text of a regular file; empty if there is no readable one. */
 std::optional<std::string> textOfFile(const std::string& path);
-/** The same; throws UsageError if there is no readable file. */
+/** Why the file cannot be read, in words for a person; empty if it can. */
+std::string whyUnreadable(const std::string& path);
+/** The text of a file; throws UsageError, with the reason, if there is no readable one. */
 std::string requiredTextOfFile(const std::string& path);
 /** A user's file cannot be read. Throws UsageError with the reason, if there is one. */
 [[noreturn]] void refuseUnreadable(const std::string& path, const std::string& reason = "");
@@ -33,6 +35,8 @@ public:
 
     /** Throws Failure. */
     void add(const std::string& content);
+    /** The new file, for other ways of writing to it; empty for a file that is written to in place. */
+    std::optional<int> descriptor() const;
     /** Moves the file into place; without this call nothing remains. Throws Failure. */
     void finish();
 

@@ -85,10 +85,43 @@ std::string NumberedName::of(std::int64_t number) const {
            m_behind;
 }
 
+/** Pages on their way to a file, or in memory where the file is written to in place. */
+struct PictureFiles::Pages {
+    explicit Pages(const std::string& name)
+        : file(name == "-" ? nullptr : std::make_unique<OutputFile>(name))
+        , descriptor(file ? file->descriptor() : std::nullopt)
+        , tiff(descriptor ? TiffPages(*descriptor) : TiffPages()) {}
+    ~Pages() {
+        try {
+            finish();
+        } catch (const std::exception&) { // the error that ends the work is the one to tell
+        }
+    }
+    Pages(const Pages&) = delete;
+    Pages& operator=(const Pages&) = delete;
+
+    void finish() {
+        const std::unique_ptr<OutputFile> whole = std::move(file);
+        if (!whole) return;
+        const TiffPages pages = std::move(tiff); // ends before the file
+        if (pages.count() == 0) return;
+        if (!descriptor) whole->add(pages.bytes());
+        whole->finish();
+    }
+
+    std::unique_ptr<OutputFile> file; // null for the standard output, and once it is finished
+    std::optional<int> descriptor;
+    TiffPages tiff;
+};
+
 PictureFiles::PictureFiles(const std::string& pattern, const std::string& format, const std::string& advice)
     : m_pattern(pattern)
     , m_name(pattern)
     , m_format(&(format.empty() ? formatOfFile(pattern, advice) : formatNamed(format))) {}
+
+PictureFiles::~PictureFiles() = default;
+PictureFiles::PictureFiles(PictureFiles&&) noexcept = default;
+PictureFiles& PictureFiles::operator=(PictureFiles&&) noexcept = default;
 
 void PictureFiles::expect(std::int64_t pictures) {
     m_pages.reset();
@@ -104,8 +137,8 @@ bool PictureFiles::isRaw() const { return m_format->encode == encodeRaw; }
 
 std::string PictureFiles::encode(const PictureView& picture) {
     if (!m_hasPages) return m_format->encode(picture);
-    if (!m_pages) m_pages.emplace();
-    m_pages->add(picture);
+    if (!m_pages) m_pages = std::make_unique<Pages>(name(1));
+    m_pages->tiff.add(picture);
     return "";
 }
 
@@ -118,11 +151,11 @@ std::string PictureFiles::write(const PictureView& picture, std::int64_t number)
 
 const std::string& PictureFiles::pages() const {
     static const std::string none;
-    return m_pages ? m_pages->bytes() : none;
+    return m_pages ? m_pages->tiff.bytes() : none;
 }
 
-void PictureFiles::finish() const {
-    if (m_pages) writeFile(name(1), m_pages->bytes());
+void PictureFiles::finish() {
+    if (m_pages) m_pages->finish();
 }
 
 } // namespace applet_tools

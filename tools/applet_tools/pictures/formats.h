@@ -33,17 +33,24 @@ std::string encodePng(const PictureView& picture);
 std::string encodeTiff(const PictureView& picture);
 /** A JPEG file of the upper 8 bits of each component, with a quality of 1 to 100. */
 std::string encodeJpeg(const PictureView& picture, int quality);
-/** A TIFF file with several pages, in memory. */
+/** A TIFF file with several pages. */
 class TiffPages {
 public:
+    /** In memory. Throws Failure. */
     TiffPages();
+    /** In this empty file, which is open for reading and writing and stays so; each page is in it once it is added.
+     *  Throws Failure. */
+    explicit TiffPages(int descriptor);
     ~TiffPages();
     TiffPages(TiffPages&&) noexcept;
     TiffPages& operator=(TiffPages&&) noexcept;
 
-    /** Adds a page, as encodeTiff makes it. Throws Failure when the file would be too large. */
+    /** Adds a page, as encodeTiff makes it. Throws Failure when the file would be too large or cannot be written;
+     *  the earlier pages then are the whole file, and no page can follow. */
     void add(const PictureView& picture);
-    /** The file with all pages so far. */
+    /** The number of pages so far. */
+    std::size_t count() const;
+    /** The file with all pages so far, if it is in memory; else empty. */
     const std::string& bytes() const;
 
 private:
@@ -78,6 +85,10 @@ public:
     /** The format follows from the file name if none is given. Throws UsageError for an invalid name or format;
      *  `advice` is shown if the name implies no format. */
     PictureFiles(const std::string& pattern, const std::string& format, const std::string& advice);
+    /** Finishes, whatever ends the work; an error is lost. */
+    ~PictureFiles();
+    PictureFiles(PictureFiles&&) noexcept;
+    PictureFiles& operator=(PictureFiles&&) noexcept;
 
     /** Sets the number of pictures to come; 0 if unknown. A TIFF file without a number in its name takes
      *  several as its pages; for any other single file it throws UsageError, except for "-", the standard
@@ -86,22 +97,24 @@ public:
 
     std::string name(std::int64_t number) const { return m_name.of(number); }
     bool isRaw() const;
-    /** Writes the whole picture or nothing, or keeps it as a page; returns the name of the file. Throws
-     *  Failure. */
+    /** Writes the whole picture or nothing; a page goes to a temporary file beside the file of all pages. Returns the
+     *  name of the file. Throws Failure. */
     std::string write(const PictureView& picture, std::int64_t number);
     /** The bytes to write for the picture; empty for a page. */
     std::string encode(const PictureView& picture);
-    /** The file with all pages; empty if there is none. */
+    /** The pages for the standard output; empty if there are none. */
     const std::string& pages() const;
-    /** Writes the file with all pages, if there is one. */
-    void finish() const;
+    /** Moves the file with all pages into place, if there is a page. Throws Failure. */
+    void finish();
 
 private:
+    struct Pages;
+
     std::string m_pattern;
     NumberedName m_name;
     const PictureFormat* m_format;
     bool m_hasPages = false;
-    std::optional<TiffPages> m_pages;
+    std::unique_ptr<Pages> m_pages; // null before the first page
 };
 
 } // namespace applet_tools

@@ -2,59 +2,121 @@
 #include "applet_tools/pictures/formats.h"
 #include "applet_tools/pictures/image_file.h"
 
+#include <sys/stat.h>
 #include <tiffio.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <cstdint>
 #include <cstring>
 #include <memory>
 #include <new>
+#include <utility>
 
 namespace applet_tools {
 namespace {
 
-/** A file in memory with a write position. */
-struct MemoryFile {
-    std::string bytes;
+/** The bytes of a TIFF file, with the position of the library in them. */
+class Bytes {
+public:
+    virtual ~Bytes() = default;
+    /** The number of bytes read; -1 with errno. */
+    virtual std::int64_t readAt(std::size_t place, void* bytes, std::size_t size) = 0;
+    /** False with errno. */
+    virtual bool writeAt(std::size_t place, const void* bytes, std::size_t size) = 0;
+    virtual std::size_t size() = 0;
+    /** Cuts off what is behind `size`. */
+    virtual void cut(std::size_t size) = 0;
+
     std::size_t place = 0;
 };
 
-MemoryFile& fileOf(thandle_t handle) { return *static_cast<MemoryFile*>(handle); }
+class BytesInMemory final : public Bytes {
+public:
+    explicit BytesInMemory(std::string content = "") : bytes(std::move(content)) {}
+
+    std::int64_t readAt(std::size_t from, void* out, std::size_t count) override {
+        const std::size_t left = bytes.size() - std::min(from, bytes.size());
+        std::memcpy(out, bytes.data() + std::min(from, bytes.size()), std::min(count, left));
+        return static_cast<std::int64_t>(std::min(count, left));
+    }
+    bool writeAt(std::size_t to, const void* in, std::size_t count) override {
+        try { // no exception may pass through the library
+            if (to + count > bytes.size()) bytes.resize(to + count);
+        } catch (const std::bad_alloc&) {
+            errno = ENOMEM;
+            return false;
+        }
+        std::memcpy(bytes.data() + to, in, count);
+        return true;
+    }
+    std::size_t size() override { return bytes.size(); }
+    void cut(std::size_t size) override { bytes.resize(size); }
+
+    std::string bytes;
+};
+
+class BytesOfFile final : public Bytes {
+public:
+    explicit BytesOfFile(int descriptor) : m_descriptor(descriptor) {}
+
+    std::int64_t readAt(std::size_t from, void* out, std::size_t count) override {
+        return pread(m_descriptor, out, count, static_cast<off_t>(from));
+    }
+    bool writeAt(std::size_t to, const void* in, std::size_t count) override {
+        for (std::size_t done = 0; done < count;) {
+            const ssize_t written = pwrite(m_descriptor, static_cast<const char*>(in) + done, count - done,
+                                           static_cast<off_t>(to + done));
+            if (written < 0 && errno == EINTR) continue;
+            if (written < 0) return false;
+            done += static_cast<std::size_t>(written);
+        }
+        return true;
+    }
+    std::size_t size() override {
+        struct stat status {};
+        return fstat(m_descriptor, &status) == 0 ? static_cast<std::size_t>(status.st_size) : 0;
+    }
+    void cut(std::size_t size) override {
+        if (ftruncate(m_descriptor, static_cast<off_t>(size)) != 0) return; // what is left is in no page
+    }
+
+private:
+    int m_descriptor;
+};
+
+Bytes& bytesOf(thandle_t handle) { return *static_cast<Bytes*>(handle); }
 
 tmsize_t readFrom(thandle_t handle, void* bytes, tmsize_t size) {
-    MemoryFile& file = fileOf(handle);
-    const std::size_t left = file.bytes.size() - std::min(file.place, file.bytes.size());
-    const std::size_t count = std::min(static_cast<std::size_t>(size), left);
-    std::memcpy(bytes, file.bytes.data() + file.place, count);
-    file.place += count;
+    Bytes& file = bytesOf(handle);
+    const std::int64_t count = file.readAt(file.place, bytes, static_cast<std::size_t>(size));
+    if (count > 0) file.place += static_cast<std::size_t>(count);
     return static_cast<tmsize_t>(count);
 }
 
 tmsize_t writeTo(thandle_t handle, void* bytes, tmsize_t size) {
-    MemoryFile& file = fileOf(handle);
-    const std::size_t end = file.place + static_cast<std::size_t>(size);
-    try { // no exception may pass through the library
-        if (end > file.bytes.size()) file.bytes.resize(end);
-    } catch (const std::bad_alloc&) {
-        return -1;
-    }
-    std::memcpy(file.bytes.data() + file.place, bytes, static_cast<std::size_t>(size));
-    file.place = end;
+    Bytes& file = bytesOf(handle);
+    if (!file.writeAt(file.place, bytes, static_cast<std::size_t>(size))) return -1;
+    file.place += static_cast<std::size_t>(size);
     return size;
 }
 
 toff_t seekIn(thandle_t handle, toff_t offset, int whence) {
-    MemoryFile& file = fileOf(handle);
-    const std::size_t from = whence == SEEK_SET ? 0 : whence == SEEK_CUR ? file.place : file.bytes.size();
+    Bytes& file = bytesOf(handle);
+    const std::size_t from = whence == SEEK_SET ? 0 : whence == SEEK_CUR ? file.place : file.size();
     return file.place = from + offset;
 }
 
 int closeNothing(thandle_t) { return 0; }
 
-toff_t sizeOf(thandle_t handle) { return fileOf(handle).bytes.size(); }
+toff_t sizeOf(thandle_t handle) { return bytesOf(handle).size(); }
 
+/** Throws Failure, with errno as the reason if it is set. */
 void require(bool isDone) {
-    if (!isDone)
-        throw Failure("the picture cannot be written as TIFF: it is too large, or there is no memory left");
+    if (isDone) return;
+    const std::string reason = errno != 0 ? std::strerror(errno) : "a TIFF file has 4 GiB at most";
+    throw Failure("the picture cannot be written as TIFF: " + reason);
 }
 
 void writeRow(TIFF* tiff, const PictureView& picture, std::uint32_t y,
@@ -71,7 +133,7 @@ void writeRow(TIFF* tiff, const PictureView& picture, std::uint32_t y,
 
 using Tiff = std::unique_ptr<TIFF, void (*)(TIFF*)>;
 
-Tiff openIn(MemoryFile& file, const char* mode = "w") {
+Tiff openIn(Bytes& file, const char* mode = "w") {
     TIFFSetWarningHandler(nullptr);
     TIFFSetErrorHandler(nullptr);
     return {TIFFClientOpen("picture", mode, &file, readFrom, writeTo, seekIn, closeNothing, sizeOf, nullptr,
@@ -79,38 +141,86 @@ Tiff openIn(MemoryFile& file, const char* mode = "w") {
             TIFFClose};
 }
 
+void writePage(TIFF* tiff, const PictureView& picture) {
+    TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, picture.width);
+    TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, picture.lines);
+    TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, 3);
+    TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, picture.bits > 8 ? 16 : 8);
+    TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_RGB);
+    TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
+    TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_LZW);
+    TIFFSetField(tiff, TIFFTAG_PREDICTOR, PREDICTOR_HORIZONTAL);
+    TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, TIFFDefaultStripSize(tiff, 0));
+    std::vector<std::uint16_t> line;
+    for (std::uint32_t y = 0; y < picture.lines; ++y) {
+        unpackLine(picture, y, line);
+        writeRow(tiff, picture, y, line);
+    }
+    require(TIFFWriteDirectory(tiff) == 1);
+}
+
 } // namespace
 
 struct TiffPages::State {
-    MemoryFile file;
-    Tiff tiff = openIn(file);
+    explicit State(std::unique_ptr<Bytes> store) : bytes(std::move(store)), tiff(openIn(*bytes)) {}
+
+    /** Notes the end of the file and the place of the link to the next page, in the last directory. */
+    void endPage() {
+        std::uint32_t directory = 0; // in the byte order of the machine, as the library writes
+        std::uint16_t entries = 0;
+        bytes->readAt(link, &directory, sizeof directory);
+        bytes->readAt(directory, &entries, sizeof entries);
+        constexpr std::size_t entrySize = 12;
+        link = directory + sizeof entries + entries * entrySize;
+        size = bytes->size();
+        ++count;
+    }
+
+    /** Removes what a failed page has left, so that the earlier ones are a sound file. No page can follow. */
+    void dropPage() {
+        tiff.reset();
+        bytes->cut(size);
+        constexpr std::uint32_t none = 0;
+        if (count > 0) bytes->writeAt(link, &none, sizeof none);
+    }
+
+    std::unique_ptr<Bytes> bytes;
+    Tiff tiff;
+    std::size_t link = 4; // of the first page, in the file's header
+    std::size_t size = 0;
+    std::size_t count = 0;
 };
 
-TiffPages::TiffPages() : m_state(std::make_unique<State>()) { require(m_state->tiff != nullptr); }
+TiffPages::TiffPages() : m_state(std::make_unique<State>(std::make_unique<BytesInMemory>())) {
+    require(m_state->tiff != nullptr);
+}
+TiffPages::TiffPages(int descriptor)
+    : m_state(std::make_unique<State>(std::make_unique<BytesOfFile>(descriptor))) {
+    require(m_state->tiff != nullptr);
+}
 TiffPages::~TiffPages() = default;
 TiffPages::TiffPages(TiffPages&&) noexcept = default;
 TiffPages& TiffPages::operator=(TiffPages&&) noexcept = default;
 
 void TiffPages::add(const PictureView& picture) {
-    const Tiff& tiff = m_state->tiff;
-    TIFFSetField(tiff.get(), TIFFTAG_IMAGEWIDTH, picture.width);
-    TIFFSetField(tiff.get(), TIFFTAG_IMAGELENGTH, picture.lines);
-    TIFFSetField(tiff.get(), TIFFTAG_SAMPLESPERPIXEL, 3);
-    TIFFSetField(tiff.get(), TIFFTAG_BITSPERSAMPLE, picture.bits > 8 ? 16 : 8);
-    TIFFSetField(tiff.get(), TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_RGB);
-    TIFFSetField(tiff.get(), TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
-    TIFFSetField(tiff.get(), TIFFTAG_COMPRESSION, COMPRESSION_LZW);
-    TIFFSetField(tiff.get(), TIFFTAG_PREDICTOR, PREDICTOR_HORIZONTAL);
-    TIFFSetField(tiff.get(), TIFFTAG_ROWSPERSTRIP, TIFFDefaultStripSize(tiff.get(), 0));
-    std::vector<std::uint16_t> line;
-    for (std::uint32_t y = 0; y < picture.lines; ++y) {
-        unpackLine(picture, y, line);
-        writeRow(tiff.get(), picture, y, line);
+    errno = 0;
+    require(m_state->tiff != nullptr);
+    try {
+        writePage(m_state->tiff.get(), picture);
+    } catch (...) {
+        m_state->dropPage();
+        throw;
     }
-    require(TIFFWriteDirectory(tiff.get()) == 1);
+    m_state->endPage();
 }
 
-const std::string& TiffPages::bytes() const { return m_state->file.bytes; }
+std::size_t TiffPages::count() const { return m_state->count; }
+
+const std::string& TiffPages::bytes() const {
+    static const std::string none;
+    const auto* memory = dynamic_cast<const BytesInMemory*>(m_state->bytes.get());
+    return memory != nullptr ? memory->bytes : none;
+}
 
 namespace {
 
@@ -157,7 +267,7 @@ std::uint16_t tagOf(TIFF* tiff, std::uint32_t tag) {
 } // namespace
 
 PixelImage decodeTiff(const std::string& bytes) {
-    MemoryFile file{bytes, 0};
+    BytesInMemory file(bytes);
     const Tiff tiff = openIn(file, "rm");
     PixelImage image;
     std::uint32_t width = 0, height = 0;

@@ -14,10 +14,12 @@ namespace {
 struct TiffPages::State {};
 
 TiffPages::TiffPages() { refuse(); }
+TiffPages::TiffPages(int) { refuse(); }
 TiffPages::~TiffPages() = default;
 TiffPages::TiffPages(TiffPages&&) noexcept = default;
 TiffPages& TiffPages::operator=(TiffPages&&) noexcept = default;
 void TiffPages::add(const PictureView&) { refuse(); }
+std::size_t TiffPages::count() const { refuse(); }
 const std::string& TiffPages::bytes() const { refuse(); }
 
 std::string encodeTiff(const PictureView&) { refuse(); }

@@ -82,7 +82,7 @@ std::set<std::string, std::less<>> storedOtherwise(ScratchSession& session) {
         for (const auto& line : file.values()) {
             const auto parameter = std::ranges::find(session.parameters().all(), line.key, &Parameter::name);
             if (parameter == session.parameters().all().end()) continue;
-            const auto stored = valueInFile(*parameter, std::string(line.value));
+            const auto stored = valueOfLoad(*parameter, std::string(line.value));
             if (!stored || readValue(session.instance(), {&*parameter}).value != *stored)
                 names.emplace(line.key);
         }

@@ -41,7 +41,7 @@ class Probe {
 public:
     explicit Probe(ScratchSession& session);
 
-    ScratchSession& session() { return m_session; }
+    ScratchSession& session() const { return m_session; }
     std::size_t count() const { return m_session.parameters().all().size(); }
     const Parameter& at(std::size_t place) const { return m_session.parameters().all()[place]; }
     std::size_t placeOf(const Parameter& parameter) const;

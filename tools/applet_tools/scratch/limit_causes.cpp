@@ -97,10 +97,15 @@ std::string inWords(const DesignCause& cause) {
     return shortWords(cause) + " (" + cause.parameter + " is " + cause.value + ")";
 }
 
-std::string fixedInWords(const LimitCauses& causes) {
+bool isUnmoved(const LimitCauses& causes) {
+    return !causes.isEndOfType && causes.parameters.empty() && causes.design.empty();
+}
+
+std::string fixedInWords(const LimitCauses& causes, End end) {
     if (causes.isEndOfType) return "fixed: the parameter's type ends there";
-    if (!causes.parameters.empty() || !causes.design.empty()) return "";
-    return "fixed: no other parameter and no value of the design that was tried moves it";
+    if (!isUnmoved(causes)) return "";
+    return end == End::maximum ? "no other parameter and no value of the design that was tried raises it"
+                               : "no other parameter and no value of the design that was tried lowers it";
 }
 
 nlohmann::ordered_json asJson(const LimitCauses& causes, End end) {

@@ -33,7 +33,7 @@ struct DesignCause {
     std::string value;
 };
 
-/** The causes of one end of a range. Without any the limit is fixed. */
+/** The causes of one end of a range. */
 struct LimitCauses {
     std::vector<Widening> parameters;
     std::vector<DesignCause> design;
@@ -46,8 +46,13 @@ LimitCauses causesOf(Probe& probe, const Subject& subject, const MeasuredRange& 
 std::string shortWords(const DesignCause& cause);
 /** "the memory of the board (Device1_... is 20)". */
 std::string inWords(const DesignCause& cause);
-/** Why nothing moves the limit; empty if something does. */
-std::string fixedInWords(const LimitCauses& causes);
+/** True if no change that was tried widens the range at this end. */
+bool isUnmoved(const LimitCauses& causes);
+/** Why there is no cause of this end of the range; empty if there is one. */
+std::string fixedInWords(const LimitCauses& causes, End end);
+/** The same for both ends, where no change moves either. */
+inline constexpr const char* neitherWidened =
+    "no other parameter and no value of the design that was tried widens them";
 
 /** [{"limit": "maximum", "parameter", "with", "becomes"}, {"limit": "maximum", "design", "value"}, ...]. */
 nlohmann::ordered_json asJson(const LimitCauses& causes, End end);

@@ -23,10 +23,13 @@ std::optional<End> exceededEnd(const MeasuredRange& range, const Value& wanted) 
 /** "the maximum is set by FG_XOFFSET (16384 with FG_XOFFSET=0) and FG_SENSORWIDTH (...)". */
 std::string causesInWords(const Parameter& parameter, const LimitCauses& causes, End end) {
     const std::string limit = std::string("the ") + nameOf(end) + " is ";
-    if (!fixedInWords(causes).empty()) return limit + "fixed";
+    if (causes.isEndOfType) return limit + "the end of the parameter's type";
+    if (isUnmoved(causes))
+        return std::string("no change that was tried ") + (end == End::maximum ? "raises" : "lowers") +
+               " the " + nameOf(end);
     std::vector<std::string> words;
     for (const Widening& widening : causes.parameters)
-        words.push_back(widening.parameter + " (" + valueText(parameter, widening.limit) + " with " +
+        words.push_back(widening.parameter + " (" + exactValueText(parameter, widening.limit) + " with " +
                         widening.with + ")");
     for (const DesignCause& cause : causes.design)
         if (words.empty() || words.back() != shortWords(cause)) words.push_back(shortWords(cause));
@@ -113,7 +116,7 @@ std::string inWords(const Parameter& parameter, const RefusalCauses& causes) {
     std::string words;
     if (!causes.limit.empty()) words += "; " + causes.limit;
     if (causes.nearest)
-        words += "; the nearest accepted value is " + valueWithUnit(parameter, *causes.nearest);
+        words += "; the nearest accepted value is " + exactValueWithUnit(parameter, *causes.nearest);
     if (causes.acceptedWith.empty()) {
         const bool isStuck = causes.isTried && !causes.nearest;
         return words + (isStuck ? "; no change of another parameter that was tried makes it accepted" : "");

@@ -137,6 +137,13 @@ std::optional<double> rateOf(const SignalCourse& course) {
 
 std::span<const LossKind> lossKinds() { return kinds; }
 
+Words lossNames() {
+    Words names;
+    for (const LossKind& kind : kinds)
+        names.emplace_back(kind.name);
+    return names;
+}
+
 std::vector<std::int64_t> lossesOf(Instance& instance) {
     std::vector<std::int64_t> losses;
     for (const LossKind& kind : kinds)

@@ -68,6 +68,8 @@ struct LossKind {
 std::span<const LossKind> lossKinds();
 /** Places in lossKinds(). */
 inline constexpr std::size_t imageLoss = 0, cameraTriggerLoss = 3, droppedTriggerLoss = 4;
+/** Their names: "images", "triggers", ... */
+Words lossNames();
 
 /** The number of losses of each kind since the board was opened, in the order of lossKinds(). */
 std::vector<std::int64_t> lossesOf(Instance& instance);

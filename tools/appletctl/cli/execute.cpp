@@ -13,7 +13,6 @@
 #include "appletctl/commands/shared_options.h"
 #include "appletctl/commands/signals/trace.h"
 
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -109,13 +108,7 @@ namespace {
 
 /** `isAssignmentWanted`: an assignment is accepted instead of the file. */
 void requireReadable(const std::string& file, Context& context, bool isAssignmentWanted) {
-    struct stat status {};
-    const bool isThere = stat(file.c_str(), &status) == 0 && access(file.c_str(), R_OK) == 0;
-    std::string reason = isThere ? "" : std::strerror(errno);
-    if (isThere && S_ISDIR(status.st_mode))
-        reason = "it is a folder";
-    else if (isThere && !S_ISREG(status.st_mode)) // opening a FIFO would wait for a writer
-        reason = "it is not a regular file";
+    const std::string reason = whyUnreadable(file);
     if (reason.empty()) return;
     for (const Parameter& parameter : context.parameters().all())
         if (lowerCase(parameter.name) == lowerCase(file) ||

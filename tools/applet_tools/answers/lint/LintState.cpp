@@ -104,7 +104,7 @@ std::string LintState::adviceOn(const Proposal& proposal) {
         accepted = nearestAccepted(probe, target, proposal.wanted);
     if (!accepted || probe.answer(target, *accepted) != FG_OK)
         return "'appletctl limits " + proposal.name + fromFile() + "' tells what is accepted";
-    return "Set " + proposal.name + "=" + valueText(*target.parameter, *accepted) + proposal.orElse;
+    return "Set " + proposal.name + "=" + exactValueText(*target.parameter, *accepted) + proposal.orElse;
 }
 
 } // namespace applet_tools

@@ -57,7 +57,7 @@ void addLosses(LintState& state, const LoadOutcome& outcome, const std::string& 
         const Words texts = {names.front() + " = " + printable(toUtf8(text.c_str())) + " in the file"};
         const json values = {{{"name", names.front()}, {"inFile", toUtf8(text.c_str())}}};
         const bool isRefused = std::string_view(finding.kind) == "refused";
-        const auto value = isRefused ? valueInFile(state.parameters().find(finding.key), text) : std::nullopt;
+        const auto value = isRefused ? valueOfLoad(state.parameters().find(finding.key), text) : std::nullopt;
         if (value)
             state.propose("load", names, texts, values, finding.message, *value);
         else

@@ -9,6 +9,7 @@
 #include "vexo/fg_errors.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <functional>
 #include <set>
 
@@ -177,6 +178,8 @@ std::optional<Value> valueInFile(const Parameter& parameter, const std::string& 
         return unsignedInFile(text);
     case REGISTER_KIND_ENUM: // not by its symbol
         return wholeInFile<std::int32_t>(text);
+    case REGISTER_KIND_DOUBLE: // without a unit
+        return floatingNumber(text);
     default:
         break;
     }
@@ -185,6 +188,27 @@ std::optional<Value> valueInFile(const Parameter& parameter, const std::string& 
     } catch (const UsageError&) {
         return std::nullopt;
     }
+}
+
+std::optional<Value> valueOfLoad(const Parameter& parameter, const std::string& text) {
+    return std::visit(
+        [&](const auto& native) -> std::optional<Value> {
+            using T = std::decay_t<decltype(native)>;
+            if constexpr (std::is_same_v<T, std::string>) return text;
+            if constexpr (std::is_same_v<T, double>) return std::strtod(text.c_str(), nullptr);
+            if constexpr (std::is_integral_v<T>)
+                return static_cast<T>(static_cast<std::int32_t>(std::strtol(text.c_str(), nullptr, 10)));
+            return std::nullopt;
+        },
+        emptyValue({&parameter}));
+}
+
+std::string readingInWords(const Parameter& parameter, const std::string& text) {
+    if (parameter.kind() == REGISTER_KIND_DOUBLE) return "a load reads decimal numbers with a point";
+    const std::size_t digits = text.find_first_not_of("+-");
+    const bool isWhole = digits <= 1 && text.find_first_not_of("0123456789", digits) == std::string::npos;
+    return isWhole ? "a load takes the lowest 32 bits of a number, with a sign, and this one has more"
+                   : "a load reads the whole decimal number at the beginning of a text, or 0 without one";
 }
 
 bool isSameValue(const Parameter& parameter, const std::string& a, const std::string& b) {

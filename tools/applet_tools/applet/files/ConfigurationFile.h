@@ -124,6 +124,13 @@ ConfigurationFile stateOf(Instance& instance);
  *  symbols nor hexadecimal numbers. */
 std::optional<Value> valueInFile(const Parameter& parameter, const std::string& text);
 
+/** The value that a load makes of any text: the whole decimal number at its beginning, in 32 bits with a sign, or the
+ *  decimal number with a point; zero where it begins with no number. Empty for an array. */
+std::optional<Value> valueOfLoad(const Parameter& parameter, const std::string& text);
+
+/** Why a load reads another value than the text shows, for a text without valueInFile. */
+std::string readingInWords(const Parameter& parameter, const std::string& text);
+
 /** True when two texts of a file mean the same value. */
 bool isSameValue(const Parameter& parameter, const std::string& a, const std::string& b);
 

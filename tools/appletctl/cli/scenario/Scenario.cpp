@@ -7,6 +7,7 @@
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"
 #include "applet_tools/base/words.h"
+#include "applet_tools/station/signals.h"
 #include "appletctl/cli/execute.h"
 #include "appletctl/cli/registry.h"
 #include "appletctl/cli/scenario/station_steps.h"
@@ -235,8 +236,7 @@ constexpr StepKind kinds[] = {
     {"expect signal", "SIGNAL period|width|gap|rate|pulses|level OPERATOR VALUE", 4, 4, false, checkSignal,
      lookAtBoard, expectSignal},
     {"expect pixel", "X,Y OPERATOR BLUE,GREEN,RED", 3, 3, false, checkPixel, lookAtBoard, expectPixel},
-    {"expect loss", "images|triggers|pulses|cameratriggers|droppedtriggers|frames OPERATOR NUMBER", 3, 3,
-     false, checkLoss, lookAtBoard, expectLoss},
+    {"expect loss", "LOSS OPERATOR NUMBER", 3, 3, false, checkLoss, lookAtBoard, expectLoss},
     {"advance", "TIME", 1, 1, false, checkAdvance, lookAtBoard, advanceStation},
     {"wave", "INPUT WAVE", 2, 2, false, checkWave, lookAtBoard, connectStationWave},
     {"station", "FILE", 1, 1, false, checkStation, lookAtBoard, setUpStationFile},
@@ -255,7 +255,11 @@ constexpr StepKind kinds[] = {
 };
 
 std::string usageOf(const StepKind& kind) {
-    return std::string(kind.name) + (*kind.form != '\0' ? " " : "") + kind.form;
+    std::string usage = std::string(kind.name) + (*kind.form != '\0' ? " " : "") + kind.form;
+    constexpr std::string_view anyLoss = "LOSS";
+    if (const std::size_t place = usage.find(anyLoss); place != std::string::npos)
+        usage.replace(place, anyLoss.size(), join(lossNames(), "|"));
+    return usage;
 }
 
 std::size_t wordCount(const StepKind& kind) {

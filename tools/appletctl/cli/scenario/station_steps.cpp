@@ -387,10 +387,7 @@ std::string expectPixel(ScenarioRunner& runner, const Step& step) {
 }
 
 void checkLoss(const Words& words) {
-    Words names;
-    for (const LossKind& kind : lossKinds())
-        names.emplace_back(kind.name);
-    checkOneOf(words[0], names);
+    checkOneOf(words[0], lossNames());
     relationFrom(words[1]);
     numberFrom(words[2]);
 }

@@ -139,8 +139,8 @@ Candidates assignmentsOf(const ParameterList& parameters, const std::string& wor
     const std::optional<Limits> limits = limitsOf(parameter);
     if (!found.empty() || !value.empty() || !limits || elementCount(parameter) != 0) return found;
     const std::string help = limitsText(parameter) + " " + parameter.unit();
-    found.push_back({begin + valueText(parameter, limits->minimum), "smallest, " + help});
-    found.push_back({begin + valueText(parameter, limits->maximum), "largest, " + help});
+    found.push_back({begin + exactValueText(parameter, limits->minimum), "smallest, " + help});
+    found.push_back({begin + exactValueText(parameter, limits->maximum), "largest, " + help});
     return found;
 }
 
@@ -298,7 +298,7 @@ Candidates valuesOfOption(const CLI::Option& option, const std::string& word, co
 /** True if a flag of the command makes its names those of groups. */
 bool areGroups(const CLI::App& command, const Words& words) {
     const CLI::Option* const flag = command.get_option_no_throw("-g");
-    return flag != nullptr &&
+    return flag != nullptr && !takesValue(*flag) &&
            std::ranges::any_of(words, [&](const std::string& word) { return flag->check_name(word); });
 }
 
@@ -337,6 +337,26 @@ bool isTraceDiff(const Words& words, const Place& place) {
     return std::distance(begin, words.end()) > 1 && *begin == "diff";
 }
 
+/** False for a command that "trace" cannot show: it runs elsewhere, or is no command by itself. */
+bool isTraceable(const CLI::App& app) {
+    const auto commands = app.get_subcommands(nullptr);
+    if (!commands.empty())
+        return std::ranges::any_of(commands, [](const CLI::App* one) { return isTraceable(*one); });
+    const Command* const command = commandOf(app);
+    return command != nullptr && command->kind != Command::Kind::local &&
+           command->kind != Command::Kind::prefix;
+}
+
+/** The commands that "trace" shows, and its own word "diff". */
+Candidates traceWords(const CLI::App& program) {
+    Candidates found = commandsOf(program);
+    std::erase_if(found, [&](const Candidate& one) {
+        return one.text == "diff" || !isTraceable(*subcommandOf(program, one.text));
+    });
+    found.insert(found.begin(), {"diff", "Compare the accesses in two files that 'trace' has written"});
+    return found;
+}
+
 } // namespace
 
 std::vector<Candidate> candidatesFor(const Words& words,
@@ -349,8 +369,10 @@ std::vector<Candidate> candidatesFor(const Words& words,
     const Command* command = commandOf(*place.command);
     if (command != nullptr && command->kind == Command::Kind::prefix && isTraceDiff(words, place))
         return word.starts_with('-') ? matching(optionsOf(&program), word) : Candidates{};
-    if (command != nullptr && command->kind == Command::Kind::prefix)
-        return candidatesFor(Words(words.begin() + place.begin, words.end()), parameters);
+    const bool isTrace = command != nullptr && command->kind == Command::Kind::prefix;
+    if (isTrace && std::distance(words.begin() + place.begin, words.end()) == 1 && !word.starts_with('-'))
+        return matching(traceWords(program), word);
+    if (isTrace) return candidatesFor(Words(words.begin() + place.begin, words.end()), parameters);
     if (place.option != nullptr) return valuesOfOption(*place.option, word, "", parameters);
     if (place.hasOptions && word.starts_with("--")) {
         const std::size_t equals = word.find('=');

@@ -1,3 +1,4 @@
+#include "applet_tools/answers/dependencies.h"
 #include "applet_tools/answers/expectation.h"
 #include "applet_tools/answers/order.h"
 #include "applet_tools/answers/why.h"
@@ -15,6 +16,7 @@
 #include "vexo/fg_errors.h"
 
 #include <algorithm>
+#include <map>
 #include <set>
 
 namespace appletctl {
@@ -77,37 +79,62 @@ void verify(Context& context, const Words& words, const Expectation& expected, R
             std::string(context.options().offline ? ".\n" : ", and the design holds what it should.\n"));
 }
 
-/** For a read-only parameter: the changes that make its value effective. */
-std::string waitingText(const AccessAnswer& access) {
-    if (access.changedWith.empty())
-        return access.subject +
-               " has no effect now: it is read-only, and no change of another parameter that "
-               "was tried makes it writable\n";
-    const std::string text =
-        access.subject + " has no effect yet: it is read-only until " + join(access.changedWith, " or ");
-    if (access.missingFile.empty()) return text + '\n';
-    return text + ", which is refused as long as " + shownFile(access.missingFile) +
-           " is not a file that can be opened for reading\n";
+bool isReadOnly(const Parameter& parameter) { return accessWord(parameter) == "ro"; }
+
+using MovesByName = std::map<std::string, std::vector<Movement>>;
+
+/** What the assignments to read-only parameters will move. */
+MovesByName movesOfReadOnly(Context& context, const Words& words) {
+    Words names;
+    for (const auto& [target, text, value] : parseAssignments(context.parameters(), words)) {
+        const std::string& name = target.parameter->name;
+        const bool isTried = isReadOnly(*target.parameter) && isNumber(value);
+        if (isTried && std::ranges::find(names, name) == names.end()) names.push_back(name);
+    }
+    return names.empty() ? MovesByName{} : askMoves(context, names, words);
 }
 
-/** Reports parameters that were set but are read-only at the end, and what makes them effective. */
-void addWaiting(Context& context, Report& report) {
+/** The changes that make a read-only parameter writable. */
+std::string untilWritable(const AccessAnswer& access) {
+    if (access.changedWith.empty())
+        return ", and no change of another parameter that was tried makes it writable";
+    const std::string text = " until " + join(access.changedWith, " or ");
+    if (access.missingFile.empty()) return text;
+    return text + ", which is refused as long as " + shownFile(access.missingFile) +
+           " is not a file that can be opened for reading";
+}
+
+/** For a read-only parameter: what its value has moved all the same. */
+std::string waitingText(const AccessAnswer& access, const std::vector<Movement>& moves) {
+    Words moved;
+    for (const Movement& movement : moves)
+        moved.push_back(inWords(movement));
+    const std::string effect =
+        moves.empty() ? " has no effect " + std::string(access.changedWith.empty() ? "now" : "yet")
+                      : " has moved " + join(moved, ", ") + " already";
+    return access.subject + effect + (moves.empty() ? ": it" : ", although it") + " is read-only" +
+           untilWritable(access) + '\n';
+}
+
+/** Reports parameters that were set but are read-only at the end. */
+void addWaiting(Context& context, const MovesByName& moves, Report& report) {
     Words names;
     for (const auto& row : report.document["assignments"]) {
         const auto name = row.at("name").get<std::string>();
-        const bool isReadOnly = accessWord(context.parameters().find(name)) == "ro";
-        if (isReadOnly && !row.contains("error") && std::ranges::find(names, name) == names.end())
-            names.push_back(name);
+        const bool isWaiting = isReadOnly(context.parameters().find(name)) && !row.contains("error");
+        if (isWaiting && std::ranges::find(names, name) == names.end()) names.push_back(name);
     }
     if (names.empty()) return;
     auto& rows = report.document["waiting"] = ordered_json::array();
     for (const WhyAnswer& answer : askWhy(context, names, {})) {
         auto access = std::get<AccessAnswer>(answer);
         if (access.isWritable) access.changedWith.clear(); // the scratch board differs
-        auto& row = rows.emplace_back(
-            nlohmann::ordered_json{{"name", access.subject}, {"writableWith", access.changedWith}});
+        const auto found = moves.find(access.parameter);
+        const auto moved = found != moves.end() ? found->second : std::vector<Movement>{};
+        auto& row = rows.emplace_back(nlohmann::ordered_json{
+            {"name", access.subject}, {"writableWith", access.changedWith}, {"moves", asJson(moved)}});
         if (!access.missingFile.empty()) row["missingFile"] = toUtf8(access.missingFile.c_str());
-        report.text += forPerson(waitingText(access));
+        report.text += forPerson(waitingText(access, moved));
     }
 }
 
@@ -153,10 +180,11 @@ Report setParameters(Context& context, const Words& asked) {
     }
     Expectation expected;
     if (own.verify) expected = askExpectation(context, words);
+    const MovesByName moves = movesOfReadOnly(context, words);
     AssignmentAdditions hooks;
     if (options.trace) hooks.takeWrites = [&] { return writesOf(context.takeAccesses()); };
     append(report, applyLive(context, words, hooks));
-    addWaiting(context, report);
+    addWaiting(context, moves, report);
     if (own.verify) verify(context, words, expected, report);
     return report;
 }

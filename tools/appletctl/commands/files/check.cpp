@@ -18,7 +18,7 @@ Report checkConfiguration(Context& context, const Words& words) {
     if (check.losesNothing())
         report.text +=
             forPerson("A load of " + shownFile(file) +
-                      (check.findings.empty() ? " loses nothing.\n" : " loses nothing but these digits.\n"));
+                      (check.findings.empty() ? " loses nothing.\n" : " loses nothing but this rounding.\n"));
     if (isSystem || context.options().offline) addAssumed(report, context.assumed());
     return report;
 }

@@ -83,18 +83,18 @@ constexpr Column columns[] = {
 bool has(const Words& names, std::string_view name) { return std::ranges::find(names, name) != names.end(); }
 
 struct ListOptions {
-    bool onlyChanged = false;  /**< --changed */
-    bool onlyWritable = false; /**< --writable */
-    std::string group;         /**< --group: part of the group's labels */
-    Words columns;             /**< -f */
+    bool onlyChanged = false;         /**< --changed */
+    bool onlyWritable = false;        /**< --writable */
+    std::optional<std::string> group; /**< --group: part of the group's labels */
+    Words columns;                    /**< -f */
 };
 
 std::vector<const Parameter*> wantedParameters(Context& context, const std::string& pattern) {
     const ParameterList& parameters = context.parameters();
     const auto& own = context.options().of<ListOptions>();
     std::vector<const Parameter*> wanted = parameters.matching(pattern);
-    if (!own.group.empty()) {
-        const auto inGroup = parameters.inGroup(own.group);
+    if (own.group) {
+        const auto inGroup = parameters.inGroup(*own.group);
         std::erase_if(wanted, [&](const Parameter* parameter) {
             return std::ranges::find(inGroup, parameter) == inGroup.end();
         });
@@ -174,7 +174,7 @@ void addListOptions(CLI::App& command, Options& options) {
     auto& own = options.own<ListOptions>();
     command.add_flag("--changed", own.onlyChanged, "Only what differs from the default");
     command.add_flag("--writable", own.onlyWritable, "Only what can be set now");
-    command.add_option("--group", own.group, "Only groups with this in their labels")->type_name("GROUP");
+    command.add_option("-g,--group", own.group, "Only groups with this in their labels")->type_name("GROUP");
     command.add_option("-f,--columns", own.columns, "Columns: " + join(listColumns(), ","))
         ->type_name("COLS")
         ->allow_extra_args(false)
@@ -183,10 +183,10 @@ void addListOptions(CLI::App& command, Options& options) {
 }
 
 std::string nothingListed(const ListOptions& options, const std::string& pattern) {
-    if (options.onlyChanged && pattern.empty() && options.group.empty() && !options.onlyWritable)
+    if (options.onlyChanged && pattern.empty() && !options.group && !options.onlyWritable)
         return "No parameter differs from its default.\n";
     return "No parameter" + (pattern.empty() ? "" : " matches " + quotedText(pattern)) +
-           (options.group.empty() ? "" : " in a group with " + quotedText(options.group)) +
+           (!options.group ? "" : " in a group with " + quotedText(*options.group)) +
            (options.onlyWritable ? ", is writable" : "") +
            (options.onlyChanged ? ", and differs from its default" : "") + ".\n";
 }
