@@ -37,9 +37,10 @@ if(NOT APPLET_SANITIZE)
   endif()
 endif()
 
-# A sanitizer's report only needs line numbers; full debug information takes longer to build and to link.
+# A sanitizer's report only needs line numbers; full debug information takes longer to build and to link. Without any
+# optimisation the tests of stations take many times longer.
 if(APPLET_SANITIZE STREQUAL "address" OR APPLET_SANITIZE STREQUAL "thread")
-  add_compile_options(-g1)
+  add_compile_options(-g1 -O1)
 endif()
 if(APPLET_SANITIZE STREQUAL "address")
   add_compile_options(-fsanitize=address,undefined,float-cast-overflow,float-divide-by-zero

@@ -25,12 +25,17 @@ TOOLS = "tools/applet_tools/"
 TOOLS_BASE = [*HEADERS, "tools/applet_host/latin1.h", f"{TOOLS}base/**"]
 TOOLS_APPLET = [*TOOLS_BASE, *HOST, f"{TOOLS}applet/**"]
 TOOLS_SCRATCH = [*TOOLS_APPLET, f"{TOOLS}station/StationFile.h", f"{TOOLS}scratch/**"]
-TOOLS_PICTURES = [*TOOLS_BASE, f"{TOOLS}pictures/**"]
+TOOLS_PICTURES = [*TOOLS_BASE, "virtual_board/virtual_board.h", f"{TOOLS}pictures/**"]
 TOOLS_STATION = [*TOOLS_APPLET, *TOOLS_PICTURES, f"{TOOLS}station/**"]
-TOOLS_ANSWERS = [*TOOLS_SCRATCH, *TOOLS_STATION, f"{TOOLS}answers/**"]
+TOOLS_ANSWERS = [*TOOLS_SCRATCH, *TOOLS_STATION, f"{TOOLS}answers/*"]
+TOOLS_LINT = [*TOOLS_ANSWERS, f"{TOOLS}answers/lint/*"]
+TOOLS_ALL = [*TOOLS_LINT, f"{TOOLS}*"]
 SERVE = [*TOOLS_BASE, "tools/serve/*"]
-HTTP = [*TOOLS_ANSWERS, "tools/serve/http/*"]
-HTTP_TRANSPORT = [f"tools/serve/http/{name}" for name in ("HttpMessage.h", "HttpTransport.h", "transport/**")]
+HTTP = "tools/serve/http/"
+HTTP_TRANSPORT = [f"{HTTP}{name}" for name in ("protocol/HttpMessage.h", "protocol/HttpTransport.h", "transport/**")]
+HTTP_PROTOCOL = [*TOOLS_BASE, f"{HTTP}protocol/**"]
+HTTP_STATE = [*TOOLS_ALL, *HTTP_PROTOCOL, f"{HTTP}state/**"]
+HTTP_ROUTES = [*HTTP_STATE, f"{HTTP}routes/**"]
 TOOL = "tools/appletctl/"
 BASE = [*TOOLS_BASE, f"{TOOL}base/**"]
 DRAW = [*BASE, *TOOLS_PICTURES, f"{TOOL}draw/**"]
@@ -40,8 +45,12 @@ PRODUCER_FEATURES = [*PRODUCER_BASE, f"{PRODUCER}features/**"]
 STATION_FILES = [f"{TOOLS}{name}.h" for name in ("base/errors", "base/numbers", "station/StationFile")]
 PRODUCER_DEVICE = [*PRODUCER_FEATURES, *HOST, *STATION_FILES, f"{PRODUCER}device/**"]
 PRODUCER_MODULES = [*PRODUCER_DEVICE, f"{PRODUCER}modules/**"]
-HOST_LIBRARY = [*TOOLS_ANSWERS, "host/**"]
-COMMANDS = [*TOOLS_ANSWERS, *DRAW, f"{TOOL}commands/*"]
+HOST_LIBRARY = [*TOOLS_ALL, "host/**"]
+COMMANDS = [*TOOLS_ALL, *DRAW, f"{TOOL}commands/*"]
+CLI = [*COMMANDS, f"{TOOL}commands/**", "tools/serve/*", f"{TOOL}cli/*"]
+SHELL = [*CLI, f"{TOOL}cli/shell/*"]
+PAGE_BASE = ["page/base/*"]
+PAGE_DRAW = [*PAGE_BASE, "page/draw/*"]
 
 # The files of a room, and the files that they may include. A file belongs to the first row that it matches. One star
 # matches within a folder, two stars also match subfolders.
@@ -78,9 +87,14 @@ ROOMS = [
     (f"{TOOLS}scratch/**", TOOLS_SCRATCH),
     (f"{TOOLS}pictures/**", TOOLS_PICTURES),
     (f"{TOOLS}station/**", TOOLS_STATION),
-    (f"{TOOLS}answers/**", TOOLS_ANSWERS),
-    ("tools/serve/http/transport/**", HTTP_TRANSPORT),
-    ("tools/serve/http/**", HTTP),
+    (f"{TOOLS}answers/lint/*", TOOLS_LINT),
+    (f"{TOOLS}answers/*", TOOLS_ANSWERS),
+    (f"{TOOLS}*", TOOLS_ALL),
+    (f"{HTTP}transport/**", HTTP_TRANSPORT),
+    (f"{HTTP}protocol/**", HTTP_PROTOCOL),
+    (f"{HTTP}state/**", HTTP_STATE),
+    (f"{HTTP}routes/**", HTTP_ROUTES),
+    (f"{HTTP}*", [*HTTP_ROUTES, f"{HTTP}*"]),
     ("tools/serve/**", SERVE),
     # Programs in C++ see only the two headers.
     ("host/vexo.h", []),
@@ -98,16 +112,25 @@ ROOMS = [
     *((f"{TOOL}commands/{room}/**", [*COMMANDS, f"{TOOL}commands/{room}/**"])
       for room in ("read", "change", "files", "signals")),
     (f"{TOOL}commands/**", COMMANDS),
-    (f"{TOOL}cli/**", [*HEADERS, "virtual_board/virtual_board.h", "tools/**"]),
+    (f"{TOOL}cli/*", CLI),
+    (f"{TOOL}cli/scenario/*", [*CLI, f"{TOOL}cli/scenario/*"]),
+    (f"{TOOL}cli/shell/*", SHELL),
+    (f"{TOOL}cli/station/*", [*SHELL, "tools/serve/**", f"{TOOL}cli/station/*"]),
+    ("page/base/*", PAGE_BASE),
+    ("page/draw/*", PAGE_DRAW),
+    ("page/image/*", [*PAGE_DRAW, "page/image/*"]),
+    ("page/panels/*", [*PAGE_DRAW, "page/panels/*"]),
+    ("page/*", ["page/**"]),
 ]
 # Printing code, in files that must not print.
 SILENT = [f"{TOOLS}**", "host/**", "python/**", "tools/serve/**", f"{PRODUCER}**"]
 PRINTING = re.compile(r"#\s*include\s+<(?:iostream|cstdio|stdio\.h|print)>|"
                       r"\bstd::(?:cout|cerr|clog)\b|\b(?:f?printf|f?puts|putchar)\(")
-CHECKED = ["include", "src", "station", "virtual_board", "tools", "host", "python", "producer"]
+CHECKED = ["include", "src", "station", "virtual_board", "tools", "host", "python", "producer", "page"]
 INCLUDE_ROOTS = ["include", "src", "tools", "producer", "."]
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.MULTILINE)
-SUFFIXES = {".h", ".hpp", ".cpp", ".def"}
+IMPORT = re.compile(r"\b(?:from |import\()'([^']+)'")
+SUFFIXES = {".h": INCLUDE, ".hpp": INCLUDE, ".cpp": INCLUDE, ".def": INCLUDE, ".js": IMPORT}
 
 
 def matches(path, *patterns):
@@ -129,7 +152,7 @@ def violations(root, file):
     if allowed is None:
         return [f"{path} belongs to no room"]
     text = file.read_text(encoding="utf-8")
-    targets = [(include, resolved(root, file, include)) for include in INCLUDE.findall(text)]
+    targets = [(include, resolved(root, file, include)) for include in SUFFIXES[file.suffix].findall(text)]
     wrong = [f"{path} may not include {include}" for include, target in targets
              if target is None or not matches(target, *allowed)]
     if matches(path, *SILENT):

@@ -12,8 +12,8 @@
 
 namespace host {
 
-/** All functions may be called from any thread. The memory lives as long as the object, so a thread that uses it holds a
- *  shared pointer. */
+/** All functions may be called from any thread. The memory lives as long as the object, so a thread that uses
+ *  it holds a shared pointer. */
 class Acquisition {
 public:
     /** Throws Error if the applet refuses. */

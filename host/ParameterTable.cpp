@@ -79,6 +79,7 @@ ParameterTable::ParameterTable(applet_tools::Instance& instance,
     m_shift = static_cast<unsigned>(std::countl_zero(m_mask));
     m_slots.resize(slots);
     for (const ParameterRow& row : m_rows) {
+        m_ids.emplace(row.parameter->name, row.id);
         std::uint32_t place = slotOf(row.id);
         while (m_slots[place].row != nullptr)
             place = (place + 1) & m_mask;

@@ -8,6 +8,8 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace host {
@@ -39,6 +41,12 @@ public:
         }
     }
 
+    /** 0 for an unknown name; this one is exact. */
+    int idOf(std::string_view name) const {
+        const auto found = m_ids.find(name);
+        return found != m_ids.end() ? found->second : 0;
+    }
+
 private:
     /** Of a hash table that is at most half full. */
     struct Slot {
@@ -48,6 +56,7 @@ private:
     std::uint32_t slotOf(int id) const { return (static_cast<std::uint32_t>(id) * 2654435769U) >> m_shift; }
 
     std::vector<ParameterRow> m_rows;
+    std::unordered_map<std::string_view, int> m_ids;
     std::vector<Slot> m_slots;
     std::uint32_t m_mask = 0;
     unsigned m_shift = 0;

@@ -1,7 +1,7 @@
 #include "host/Station.h"
 
-#include "applet_tools/answers/jobs.h"
 #include "applet_tools/base/text.h"
+#include "applet_tools/jobs.h"
 
 #include <unistd.h>
 

@@ -44,6 +44,22 @@ void check(const vexo_options& options) {
         throw Error(VEXO_ERR_NOT_VIRTUAL, "a station file is for a virtual board");
 }
 
+/** The library folder of the process, which a failed opening does not choose. */
+class LibraryFolder {
+public:
+    explicit LibraryFolder(const char* wanted)
+        : m_isNew(applet_host::chooseFolder(wanted != nullptr ? wanted : applet_host::libraryFolder())) {}
+    ~LibraryFolder() {
+        if (m_isNew) applet_host::forgetFolder();
+    }
+    LibraryFolder(const LibraryFolder&) = delete;
+    LibraryFolder& operator=(const LibraryFolder&) = delete;
+    void keep() { m_isNew = false; }
+
+private:
+    bool m_isNew;
+};
+
 /** Of the applet, which needs no instance. */
 std::string textOf(const vexo_station& station, FgInfoCode code) {
     const char* text = nullptr;
@@ -66,9 +82,10 @@ int vexo_open(const vexo_options* options, vexo_station** station) {
         const vexo_options& chosen = options != nullptr ? *options : standard;
         check(chosen);
         const std::lock_guard lock(opening);
-        if (chosen.library_dir != nullptr) applet_host::chooseFolder(chosen.library_dir);
+        LibraryFolder folder(chosen.library_dir);
         auto opened =
             std::make_unique<vexo_station>(boardOptionsOf(chosen), (chosen.flags & VEXO_NO_ADVICE) == 0);
+        folder.keep();
         if (chosen.station != nullptr) setUp(*opened, readStation(chosen.station));
         *station = opened.release();
         return VEXO_OK;

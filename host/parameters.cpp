@@ -191,7 +191,8 @@ std::optional<Error> trySetAll(vexo_station& station, const applet_tools::Words&
 
 int vexo_id(vexo_station* station, const char* name) {
     if (name == nullptr) return failNull("the name");
-    int id = 0;
+    int id = station != nullptr ? station->table.idOf(name) : 0;
+    if (id > 0) return id;
     const int code = onLocked(station, [&](vexo_station& own) { id = own.live.parameters().find(name).id; });
     return code == VEXO_OK ? id : code;
 }

@@ -1,7 +1,7 @@
 // Questions that the scratch board answers.
 
 #include "applet_tools/answers/answer_rows.h"
-#include "applet_tools/answers/lint.h"
+#include "applet_tools/answers/lint/lint.h"
 #include "applet_tools/answers/loading.h"
 #include "applet_tools/answers/plan.h"
 #include "applet_tools/applet/assignments.h"

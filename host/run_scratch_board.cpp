@@ -1,6 +1,6 @@
 #include "host/run_scratch_board.h"
 
-#include "applet_tools/answers/jobs.h"
+#include "applet_tools/jobs.h"
 #include "applet_tools/scratch/ScratchBoard.h"
 
 #include <cstdlib>

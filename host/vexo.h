@@ -61,10 +61,9 @@ enum vexo_code {
     VEXO_ERR_LIBRARY = -20007,     /**< a library was not found or cannot be loaded */
     VEXO_ERR_UNAVAILABLE = -20008, /**< the applet did not come up, or an optional part was not built in */
     VEXO_ERR_NOT_VIRTUAL = -20009, /**< only a virtual board has that */
-    VEXO_ERR_STATE =
-        -20010,             /**< not now: no acquisition runs, or one runs already; the time is not stepped */
-    VEXO_ERR_GONE = -20011, /**< the picture is not in the memory: overwritten, released or not yet taken */
-    VEXO_ERR_FILE = -20012, /**< a file cannot be read or written, or is not what was expected */
+    VEXO_ERR_STATE = -20010,       /**< not possible now; the words say why */
+    VEXO_ERR_GONE = -20011,   /**< the picture is not in the memory: overwritten, released, not yet taken */
+    VEXO_ERR_FILE = -20012,   /**< a file cannot be read or written, or is not what was expected */
     VEXO_ERR_MEMORY = -20013, /**< no memory is left */
     VEXO_ERR_FAILED = -20014  /**< any other failure; see the words */
 };
@@ -77,8 +76,8 @@ typedef struct vexo_station vexo_station;
 /** The version of the library, "1.1.0". Valid until the process ends. */
 const char* vexo_version(void);
 
-/** What the code means, "-6000, value out of range", for any code of this header or of the applet; never null.
- *  Valid until the next call of this function in the same thread. */
+/** What the code means, "-6000, value out of range", for any code of this header or of the applet; never
+ *  null. Valid until the next call of this function in the same thread. */
 const char* vexo_code_text(int code);
 
 /** The code of the last failed call of this thread; VEXO_OK if none has failed. A success does not clear it. */
@@ -89,12 +88,11 @@ int vexo_last_code(void);
  *  the same thread. */
 const char* vexo_last_error(void);
 
-/**
- * The same as a JSON object, never null. Always: "code", "symbol", "meaning", "words". For a refused value also
- * "name", "requested" {"value", "symbol"}, "limit" {"minimum", "maximum", "step"} (for numbers), and, if the
- * station gives advice, "nearest" {"value"}, "setBy" [{"limit", "parameter", "with", "becomes"}],
- * "acceptedWith" ["FG_XOFFSET=0", ...]. For an unknown name "suggestions" ["FG_WIDTH", ...]. Valid as the words.
- */
+/** The same as a JSON object, never null. Always: "code", "symbol", "meaning", "words". For a refused value
+ *  also "name", "requested" {"value", "symbol"}, "limit" {"minimum", "maximum", "step"} (for numbers), and,
+ *  if the station gives advice, "nearest" {"value"}, "setBy" [{"limit", "parameter", "with", "becomes"}],
+ *  "acceptedWith" ["FG_XOFFSET=0", ...]. For an unknown name "suggestions" ["FG_WIDTH", ...]. Valid as the
+ *  words. */
 const char* vexo_last_details(void);
 
 /** Releases a text that a function gave as `char*`. Null does nothing. */
@@ -105,7 +103,7 @@ void vexo_free(char* text);
 enum vexo_board {
     VEXO_VIRTUAL = 0, /**< the virtual board: signals, lines and pictures are simulated */
     VEXO_OFFLINE = 1, /**< no board: parameters and limits, no measured values, files or pictures */
-    VEXO_SYSTEM = 2 /**< a board of this machine, with the platform libraries that the dynamic loader finds */
+    VEXO_SYSTEM = 2   /**< a board of this machine; its platform libraries are on the loader's path */
 };
 
 /** Bits of vexo_options::flags. */
@@ -119,16 +117,18 @@ typedef struct vexo_options {
     uint32_t size;  /**< sizeof(vexo_options); a larger one of a newer header is VEXO_ERR_ARGUMENT */
     int32_t board;  /**< enum vexo_board */
     uint32_t flags; /**< enum vexo_flag */
-    /** Folder of the libraries: the applet in it or in its applets/, the virtual board's in virtual-board/. Null:
-     *  the environment variable VEXO_LIBRARY_DIR, or else the place relative to libvexo.so, which is
+    /** Folder of the libraries: the applet in it or in its applets/, the virtual board's in virtual-board/.
+     *  Null: the environment variable VEXO_LIBRARY_DIR, or else the place relative to libvexo.so, which is
      *  vexo/ beside an installed one and the same folder in a build tree. */
     const char* library_dir;
-    const char*
-        applet; /**< file of another applet library; null: libGrab_TwinLaneLineColor.so of that folder */
-    const char* bridge;  /**< library with bridge_open_board and bridge_close_board, for a system whose board
-                              library opens none by itself; null: none */
-    const char* station; /**< station file (JSON) for a virtual board; null: the one of the environment
-                              variable VBOARD_STATION, if set */
+    /** File of another applet library. Null: libGrab_TwinLaneLineColor.so of that folder. */
+    const char* applet;
+    /** Library with bridge_open_board and bridge_close_board, for a system whose board library opens none by
+     *  itself. Null: none. */
+    const char* bridge;
+    /** Station file (JSON) for a virtual board. Null: the one of the environment variable VBOARD_STATION, if
+     *  set. */
+    const char* station;
 } vexo_options;
 
 /**
@@ -136,7 +136,8 @@ typedef struct vexo_options {
  * @param options  null: a virtual board, all at their default places. The texts are copied
  * @param station  receives the station; null after a failure
  * @return VEXO_OK; VEXO_ERR_LIBRARY, VEXO_ERR_UNAVAILABLE; for a station file VEXO_ERR_FILE, VEXO_ERR_VALUE or
- *         the code of a refused parameter. A process can have either virtual or system boards, not both.
+ *         the code of a refused parameter. A process loads the libraries of one folder only, and has either
+ *         virtual or system boards.
  */
 int vexo_open(const vexo_options* options, vexo_station** station);
 
@@ -191,8 +192,8 @@ typedef struct vexo_parameter {
 /** The number of parameters; 0 for a null station. */
 uint32_t vexo_count(vexo_station* station);
 
-/** Parameter `index`, below vexo_count, in the order of the tree: the parameters of a group are consecutive, its own before
- *  those of its sub-groups. */
+/** Parameter `index`, below vexo_count, in the order of the tree: the parameters of a group are consecutive,
+ *  its own before those of its sub-groups. */
 int vexo_parameter_at(vexo_station* station, uint32_t index, vexo_parameter* parameter);
 
 /** The parameter with that id. */
@@ -240,8 +241,8 @@ int vexo_get_double(vexo_station* station, int id, double* value);
  */
 int vexo_get_text(vexo_station* station, int id, char* buffer, size_t* size);
 
-/** Reads `count` elements of a field from element `first` on into the caller's `values`. VEXO_ERR_ARGUMENT: beyond
- *  the field. */
+/** Reads `count` elements of a field from element `first` on into the caller's `values`. VEXO_ERR_ARGUMENT:
+ *  beyond the field. */
 int vexo_get_field(vexo_station* station, int id, uint32_t first, uint32_t count, uint32_t* values);
 
 /*
@@ -262,8 +263,7 @@ int vexo_set_field(vexo_station* station, int id, uint32_t first, uint32_t count
 /** In which order vexo_set_all sets. */
 enum vexo_order {
     VEXO_GIVEN_ORDER = 0,
-    VEXO_ANY_ORDER =
-        1 /**< an order in which all are accepted is searched on the scratch board, if the given one fails */
+    VEXO_ANY_ORDER = 1 /**< if that one fails, one in which all are accepted, found on the scratch board */
 };
 
 /**
@@ -276,16 +276,17 @@ int vexo_set_all(vexo_station* station, const char* const* assignments, size_t c
 
 /* ---- files ---- */
 
-/** Saves the parameters to a configuration file, whose name must contain ".mcf". VEXO_ERR_FILE; VEXO_ERR_STATE:
- *  offline. */
+/** Saves the parameters to a configuration file, whose name must contain ".mcf". VEXO_ERR_FILE;
+ *  VEXO_ERR_STATE: offline. */
 int vexo_save(vexo_station* station, const char* file);
 
-/** Loads a configuration file. The applet's answer: FG_OK even if setters refuse some of its values; vexo_ask_check
- *  shows in advance what would be lost. FG_ERR_LOAD_CONFIG: nothing, or not all, was loaded. VEXO_ERR_FILE: it cannot be
- *  read. */
+/** Loads a configuration file. The applet's answer: FG_OK even if setters refuse some of its values;
+ *  vexo_ask_check shows in advance what would be lost. FG_ERR_LOAD_CONFIG: nothing, or not all, was loaded.
+ *  VEXO_ERR_FILE: it cannot be read. */
 int vexo_load(vexo_station* station, const char* file);
 
-/** The XML document (GenApi 1.0) that describes the parameters with their present limits. Release it with vexo_free. */
+/** The XML document (GenApi 1.0) that describes the parameters with their present limits. Release it with
+ *  vexo_free. */
 int vexo_document(vexo_station* station, char** xml);
 
 /* ---- questions ---- */
@@ -293,7 +294,8 @@ int vexo_document(vexo_station* station, char** xml);
 /** An answer to a question. */
 typedef struct vexo_answer vexo_answer;
 
-/** The answer in words, one or more lines without a final line break. Valid until vexo_answer_free; never null. */
+/** The answer in words, one or more lines without a final line break. Valid until vexo_answer_free; never
+ *  null. */
 const char* vexo_answer_text(const vexo_answer* answer);
 /** The answer as JSON, in the form that docs/json/ describes for the command of that name. Valid as the text. */
 const char* vexo_answer_json(const vexo_answer* answer);
@@ -310,8 +312,8 @@ void vexo_answer_free(vexo_answer* answer);
 int vexo_ask_limits(vexo_station* station, const char* name, const char* with, vexo_range* range,
                     vexo_answer** answer);
 
-/** Why a value is refused ("FG_WIDTH=20000") or a parameter read-only ("FG_LINE_DOWNSCALE"), and which changes of other
- *  parameters would free it. `with` as above. */
+/** Why a value is refused ("FG_WIDTH=20000") or a parameter read-only ("FG_LINE_DOWNSCALE"), and which
+ *  changes of other parameters would free it. `with` as above. */
 int vexo_ask_why(vexo_station* station, const char* question, const char* with, vexo_answer** answer);
 
 /**
@@ -328,12 +330,12 @@ int vexo_ask_check(vexo_station* station, const char* file, vexo_answer** answer
 int vexo_ask_lint(vexo_station* station, vexo_answer** answer);
 
 /* ---- the simulated station of a virtual board: time and signals ---- */
-/* All return VEXO_ERR_NOT_VIRTUAL without a virtual board. Time is a count of ticks of 8 ns since the board was opened. */
+/* All return VEXO_ERR_NOT_VIRTUAL without a virtual board. Time is a count of ticks of 8 ns since the opening. */
 
 #define VEXO_TICKS_PER_SECOND 125000000
 
-/** Makes time follow the wall clock, `factor` times as fast (0.001 to 1000), or, with 0, stepped: it then moves only
- *  in vexo_advance and in waits, and follows no clock. At first it is stepped. */
+/** Makes time follow the wall clock, `factor` times as fast (0.001 to 1000), or, with 0, stepped: it then
+ *  moves only in vexo_advance and in waits, and follows no clock. At first it is stepped. */
 int vexo_clock(vexo_station* station, double factor);
 
 /** The present time into `tick`. */
@@ -342,12 +344,12 @@ int vexo_now(vexo_station* station, uint64_t* tick);
 /** Advances stepped time by `ticks`. VEXO_ERR_STATE: it follows the clock. */
 int vexo_advance(vexo_station* station, uint64_t ticks);
 
-/** Connects a wave to an input, from the next tick on: "GPI_0=high", "GPI_2=square:1ms", "GPI_0=edges:1ms,2ms",
- *  "GPI_0,GPI_1=encoder:20000". */
+/** Connects a wave to an input, from the next tick on: "GPI_0=high", "GPI_2=square:1ms",
+ *  "GPI_0=edges:1ms,2ms", "GPI_0,GPI_1=encoder:20000". */
 int vexo_wave(vexo_station* station, const char* wave);
 
-/** Sets up camera, belt, scene, inputs, clock and parameters from a station file. VEXO_ERR_FILE; VEXO_ERR_VALUE
- *  with the path of the wrong field; otherwise the code of a refused parameter. */
+/** Sets up camera, belt, scene, inputs, clock and parameters from a station file. VEXO_ERR_FILE;
+ *  VEXO_ERR_VALUE with the path of the wrong field; otherwise the code of a refused parameter. */
 int vexo_set_up(vexo_station* station, const char* file);
 
 /** The same from a text in memory. Relative file names in it start at `folder`; null: the working directory. */
@@ -365,8 +367,8 @@ typedef struct vexo_event {
 /** The mask of an event by its name. VEXO_ERR_NAME. */
 int vexo_event_mask(vexo_station* station, const char* name, uint64_t* mask);
 
-/** The name of event `index` (from 0, in the order of the masks) into `name`, its mask into `mask`. The name is valid until
- *  vexo_close. VEXO_ERR_NAME: there are no more. */
+/** The name of event `index` (from 0, in the order of the masks) into `name`, its mask into `mask`. The name
+ *  is valid until vexo_close. VEXO_ERR_NAME: there are no more. */
 int vexo_event_at(vexo_station* station, uint32_t index, const char** name, uint64_t* mask);
 
 /**
@@ -384,16 +386,16 @@ int vexo_wait_event(vexo_station* station, uint64_t mask, double seconds, double
 
 /** What a memory does when it is full. */
 enum vexo_memory {
-    VEXO_KEEP =
-        0, /**< a picture stays until vexo_release; the acquisition waits, and loses images when its buffer is full */
-    VEXO_RING = 1 /**< the oldest picture is overwritten */
+    VEXO_KEEP = 0, /**< a picture stays until vexo_release; the acquisition waits meanwhile */
+    VEXO_RING = 1  /**< the oldest picture is overwritten */
 };
 
-/** Starts an acquisition without end into a memory of `frames` frames (1 to 65536), which take no space of their own. One
- *  can run at a time: VEXO_ERR_STATE. */
+/** Starts an acquisition without end into a memory of `frames` frames (1 to 65536), which take no space of
+ *  their own. One can run at a time: VEXO_ERR_STATE. */
 int vexo_start(vexo_station* station, uint32_t frames, int memory);
 
-/** Ends the acquisition; waits for pictures in other threads return VEXO_ERR_STATE. Without one nothing happens. */
+/** Ends the acquisition; waits for pictures in other threads return VEXO_ERR_STATE. Without one nothing
+ *  happens. */
 int vexo_stop(vexo_station* station);
 
 /** A picture. */
@@ -438,8 +440,8 @@ int vexo_render(vexo_station* station, int64_t number, void* place, uint64_t siz
 /** Releases the frame of a picture. VEXO_ERR_GONE, VEXO_ERR_STATE. */
 int vexo_release(vexo_station* station, int64_t number);
 
-/** Red, green and blue of each pixel, each in 16 bits with the value that it has in the picture, from the bytes `data` of the
- *  picture into `pixels` with room for 3 * width * height of them. Needs no station. */
+/** Red, green and blue of each pixel, each in 16 bits with the value that it has in the picture, from the
+ *  bytes `data` of the picture into `pixels` with room for 3 * width * height of them. Needs no station. */
 int vexo_unpack(const vexo_picture* picture, const void* data, uint16_t* pixels);
 
 /** Writes the picture to a file, in the format of its suffix: .png, .tiff, .ppm or .raw. VEXO_ERR_FILE;

@@ -191,7 +191,8 @@ public:
         check(vexo_get_range(m_station, m_id, &its));
         return its;
     }
-    /** What setters accept now, and what sets the limits; `with`: assignments that are assumed to be set before. */
+    /** What setters accept now, and what sets the limits; `with`: assignments that are assumed to be set
+     *  before. */
     Answer limits(const std::string& with = "") const {
         vexo_range range{};
         const std::string its = name();
@@ -259,7 +260,8 @@ private:
     std::vector<std::uint8_t> m_bytes;
 };
 
-/** A running acquisition; it ends with the object. A range of its pictures, each of which is made when it is reached. */
+/** A running acquisition; it ends with the object. A range of its pictures, each of which is made when it is
+ *  reached. */
 class Pictures {
 public:
     class Iterator;

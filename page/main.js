@@ -1,28 +1,28 @@
 // The page of a station: connects its parts.
 
-import { ApiError, getJson, keepStream, setToken, takeToken } from './api.js';
-import { startBalance } from './balance.js';
-import { askAcquisition, startBar, takeActivity } from './bar.js';
-import { startBelt } from './belt.js';
-import { byId, decimal, el, press, setText } from './dom.js';
-import { startFiles } from './files.js';
-import { startHold } from './hold.js';
-import { startKeys } from './keys.js';
-import { startLevels } from './levels.js';
-import { Live } from './live.js';
-import { startLosses } from './losses.js';
-import { startLut } from './lut.js';
-import { latest } from './pace.js';
-import { reload, takeChanges } from './parameters.js';
-import { startProbe } from './probe.js';
-import { showTrouble } from './reason.js';
-import { notice } from './refusal.js';
-import { get, on, set } from './state.js';
-import { startTabs } from './tabs.js';
-import { startTimeline } from './timeline.js';
-import { startTree } from './tree.js';
-import { View } from './view.js';
-import { Waterfall } from './waterfall.js';
+import { ApiError, getJson, keepStream, setToken, takeToken } from './base/api.js';
+import { byId, decimal, el, press, setText } from './base/dom.js';
+import { latest } from './base/pace.js';
+import { reload, takeChanges } from './base/parameters.js';
+import { showTrouble } from './base/reason.js';
+import { notice } from './base/refusal.js';
+import { get, on, set } from './base/state.js';
+import { startBalance } from './image/balance.js';
+import { startHold } from './image/hold.js';
+import { Live } from './image/live.js';
+import { startProbe } from './image/probe.js';
+import { View } from './image/view.js';
+import { Waterfall } from './image/waterfall.js';
+import { askAcquisition, startBar, takeActivity } from './panels/bar.js';
+import { startBelt } from './panels/belt.js';
+import { startFiles } from './panels/files.js';
+import { startKeys } from './panels/keys.js';
+import { startLevels } from './panels/levels.js';
+import { startLosses } from './panels/losses.js';
+import { startLut } from './panels/lut.js';
+import { startTabs } from './panels/tabs.js';
+import { startTimeline } from './panels/timeline.js';
+import { startTree } from './panels/tree.js';
 
 takeToken();
 

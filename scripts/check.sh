@@ -32,7 +32,7 @@ check_tidy() {
     cmake --preset tidy --log-level=WARNING
     say "Analysing with clang-tidy, warnings are errors"
     run-clang-tidy -quiet -p build/tidy -j "$(nproc)" -checks=-bugprone-suspicious-include \
-        "^$PWD/build/tidy/(src|station|virtual_board|producer|tools)/.*xx$"
+        "^$PWD/build/tidy/(src|station|virtual_board|host|producer|tools)/.*xx$"
 }
 
 check_sanitizer() {

@@ -8,7 +8,7 @@ source "$(dirname "$0")/common.sh"
 
 seconds=${1:-60}
 targets=("${@:2}")
-[ ${#targets[@]} -gt 0 ] || targets=(mcf lut load api station station_file image producer)
+[ ${#targets[@]} -gt 0 ] || targets=(mcf lut load api station station_file image producer request)
 
 install_packages "${BUILD_PACKAGES[@]}" "${TEST_PACKAGES[@]}" clang
 build fuzz "${targets[@]/#/fuzz_}"
@@ -17,7 +17,7 @@ root=$PWD work=$PWD/build/fuzz
 cp fuzz/*.dict "$work"
 # A whole load uses all keys of a saved state.
 { cat fuzz/mcf.dict && sed -n 's/^\([A-Za-z]\w*=\).*/"\1"/p' tests/data/saved_state.mcf; } >"$work/load.dict"
-declare -A longest=([mcf]=600 [lut]=300 [load]=8000 [api]=600 [station]=1500 [station_file]=1500 [image]=2000 [producer]=480) # bytes
+declare -A longest=([mcf]=600 [lut]=300 [load]=8000 [api]=600 [station]=1500 [station_file]=1500 [image]=2000 [producer]=480 [request]=2000) # bytes
 
 # For speed: files in memory, and no stack traces of allocations, which a replay has.
 [ -w /dev/shm ] && export TMPDIR=/dev/shm

@@ -7,7 +7,7 @@ source "$(dirname "$0")/common.sh"
 
 install_packages cloc
 
-code=(src include station virtual_board tools host python page producer bench)
+code=(src include station virtual_board tools host python page producer bench examples)
 tests=(tests fuzz)
 languages='C,C++,C/C++ Header,Assembly,Python,JavaScript,HTML,CSS,Windows Module Definition' # the last is cloc's name for .def
 

@@ -2,6 +2,7 @@
 #ifndef STATION_BOARD_H
 #define STATION_BOARD_H
 
+#include "station/picture/PictureSettings.h"
 #include "station/timing/Events.h"
 
 #include <cstddef>
@@ -28,8 +29,6 @@ const char* nameOf(Event event);
 
 enum class Colour : std::uint8_t { red, green, blue };
 inline constexpr std::size_t colourCount = 3;
-/** Maximum number of entries of a lookup table. */
-inline constexpr std::size_t tableSize = 16384;
 
 /**
  * The values that the board holds. The station calls these functions only from the thread that is calling the station:

@@ -7,7 +7,7 @@
 namespace station {
 namespace {
 
-constexpr std::uint32_t widest = 16384;
+constexpr std::uint32_t widest = ImageSize::widest;
 constexpr std::uint32_t thinnedSequence = 2000; // cycles of which simulatorActivePixel are active
 constexpr std::uint32_t outBits[] = {8, 10, 12, 14, 16};
 constexpr std::uint64_t fastestDma = std::uint64_t{1} << 40;
@@ -131,7 +131,22 @@ std::uint32_t linkBitsOf(const Reader& board) {
     return std::clamp(board.count(Parameter::pixelFormat), 8U, 16U);
 }
 
-Layout layoutOf(const Reader& board) {
+/** A gain in units of 1/1024, rounded half up. */
+std::uint32_t gainOf(double factor) {
+    const double gain = factor * 1024 + 0.5;
+    if (!(gain >= 0)) return 0;
+    return gain < 4095 ? static_cast<std::uint32_t>(gain) : 4095;
+}
+
+} // namespace
+
+std::uint32_t countOf(double value) {
+    if (!(value >= 0)) return 0;
+    return value < 4294967295.0 ? static_cast<std::uint32_t>(value) : 0xffff'ffffU;
+}
+
+Layout readLayout(const Board& values) {
+    const Reader board(values);
     const std::uint8_t format = board.choice(Parameter::format, std::size(outBits) - 1);
     const std::uint32_t sensorWidth = std::min(board.count(Parameter::sensorWidth), widest);
     const std::uint32_t width = std::min(board.count(Parameter::xLength), widest);
@@ -147,20 +162,6 @@ Layout layoutOf(const Reader& board) {
     layout.selectPhase = board.count(Parameter::selectPhase);
     layout.isSilenced = format < 4 && board.isOn(after(Parameter::trash0, format));
     return layout;
-}
-
-/** A gain in units of 1/1024, rounded half up. */
-std::uint32_t gainOf(double factor) {
-    const double gain = factor * 1024 + 0.5;
-    if (!(gain >= 0)) return 0;
-    return gain < 4095 ? static_cast<std::uint32_t>(gain) : 4095;
-}
-
-} // namespace
-
-std::uint32_t countOf(double value) {
-    if (!(value >= 0)) return 0;
-    return value < 4294967295.0 ? static_cast<std::uint32_t>(value) : 0xffff'ffffU;
 }
 
 EngineSettings readEngineSettings(const Board& values, std::uint64_t bytesPerSecond) {
@@ -196,7 +197,7 @@ EngineSettings readEngineSettings(const Board& values, std::uint64_t bytesPerSec
     settings.routes.back().invert = !settings.routes.back().invert;
     settings.isPulseWidth = board.isOn(Parameter::cameraPulseWidth);
     settings.areAnalyzersHeld = board.isOn(Parameter::analyzerClear);
-    settings.layout = layoutOf(board);
+    settings.layout = readLayout(values);
     return settings;
 }
 

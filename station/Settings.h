@@ -21,6 +21,8 @@ std::uint32_t countOf(double value);
 /** Everything except tables, picture settings and view, which are shared. `bytesPerSecond` is the rate of the DMA;
  *  0: that of the link. */
 EngineSettings readEngineSettings(const Board& board, std::uint64_t bytesPerSecond);
+/** What a line takes in the buffer and in memory; part of the engine's settings. */
+Layout readLayout(const Board& board);
 PictureSettings readPictureSettings(const Board& board);
 Tables readTables(const Board& board);
 /** The signal that an output is routed to. A constant low one if there is no such output. */

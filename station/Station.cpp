@@ -226,7 +226,7 @@ bool Station::release(std::int64_t picture) {
 }
 
 std::uint64_t Station::transferLength() const {
-    const Layout layout = readEngineSettings(m_board, m_dmaRate).layout;
+    const Layout layout = readLayout(m_board);
     return layout.bytesPerLine * std::max(countOf(m_board.value(Parameter::imageHeight)), 1U);
 }
 
@@ -294,7 +294,7 @@ void Station::publishReady() {
 /** Publishes position and value of the last pixel of the source. */
 void Station::publishLastLine() {
     const SourceLine& line = m_engine.lastLine();
-    std::uint32_t x = std::min(line.cycles, Raster::widest / 32) * 32 - 1;
+    std::uint32_t x = std::min(line.cycles, ImageSize::widest / 32) * 32 - 1;
     std::uint32_t y = line.y;
     std::uint32_t value = patternValue(m_picture->pattern, x, line.y, line.frame);
     if (line.isOfCamera) {

@@ -123,7 +123,7 @@ public:
 
     /** Takes the oldest event from the queue. */
     std::optional<Occurrence> nextEvent() { return m_engine.events().take(); }
-    /** The history of a signal between two ticks, both included. Only its last 16384 edges are kept. */
+    /** The history of a signal between two ticks, both included. Only its last History::capacity edges are kept. */
     Trace trace(std::uint8_t select, Tick from, Tick to) const;
     /** The same for an output by its current routing: 0 camera trigger, 1 to 8 GPO, 9 and 10 front GPO. */
     Trace outputTrace(std::size_t output, Tick from, Tick to) const;

@@ -160,6 +160,14 @@ enum {
  * station and no cost for one. Inputs are numbered 0 to 7 (GPI) and 8 to 11 (front GPI).
  */
 
+/** Limits of lines and images, and the number of edges that it keeps of each signal. */
+enum {
+    VBOARD_WIDEST = 16384,        /**< pixels of a line */
+    VBOARD_HIGHEST = 65536,       /**< lines of an image */
+    VBOARD_MOST_PIXELS = 1 << 24, /**< of an image */
+    VBOARD_KEPT_EDGES = 16384
+};
+
 /** Makes time follow the wall clock, `factor` times as fast (0.001 to 1000), or makes it stepped again from
  *  its current value (0). With the clock, each access of the board and each of these functions first advances
  *  time, and a wait for a picture sleeps; other threads may use the board meanwhile. Time lags if the machine
@@ -201,7 +209,7 @@ int vboard_wave_encoder(LOOMdevice* board, unsigned inputA, unsigned inputB, con
  *  exposure ends and lasts a tick for each 32 pixels; an edge before that is over is lost and counted. Its components have
  *  as many bits as Device1_Process0_Buffer_0_PixelFormat says. Values are proportional to the exposure. */
 typedef struct vboard_camera {
-    /** Pixels of a line, 1 to 16384. */
+    /** Pixels of a line, 1 to VBOARD_WIDEST. */
     uint32_t width;
     /** Lines a second that it takes by itself, no more than exposure and transfer allow; 0: it waits for the trigger. */
     uint32_t line_rate;
@@ -264,7 +272,7 @@ typedef struct vboard_object {
 typedef struct vboard_scene_setup {
     /** Width and height of a pixel on the belt, in nanometres, above 0. */
     uint32_t pixel;
-    /** Size of an image that repeats in both directions, at most 16384 x 65536 and 2^24 pixels. */
+    /** Size of an image that repeats in both directions, at most VBOARD_WIDEST x VBOARD_HIGHEST and VBOARD_MOST_PIXELS. */
     uint32_t width, height;
     /** Its rows, red, green and blue in 16 bits each, which are copied. Null: a generated chart with rulers and the number
      *  of each line. */
@@ -347,14 +355,14 @@ int vboard_next_event(LOOMdevice* board, vboard_event* event);
 /** The edges of a signal from the tick `from` to the tick `to`, both included. `select` is the number by
  *  which the design selects it (1 ExSync, 21 GPI 0, 33 line start, ...). Writes at most `size` edges, and
  *  into `level`, unless null, the level before them. Returns the number of edges in the span, or VBOARD_GONE
- *  if the station no longer has the first of them: it keeps the last 16384 of each signal. */
+ *  if the station no longer has the first of them: it keeps the last VBOARD_KEPT_EDGES of each signal. */
 int64_t vboard_signals(LOOMdevice* board, unsigned select, uint64_t from, uint64_t to, vboard_edge* edges,
                        size_t size, bool* level);
 
 enum { VBOARD_CAMERA = 0, VBOARD_BUFFER = 1, VBOARD_OUTPUT = 2 };
 /** Injects an image at a debug point with its input on: rows of red, green and blue in 16 bits each, copied.
  *  Needs a running acquisition of the station. VBOARD_UNKNOWN: no such point, input off, no acquisition,
- *  invalid size (at most 16384 x 65536 and 2^24 pixels), or no room. */
+ *  invalid size (at most VBOARD_WIDEST x VBOARD_HIGHEST and VBOARD_MOST_PIXELS), or no room. */
 int vboard_inject(LOOMdevice* board, int point, uint32_t width, uint32_t height, const uint16_t* components);
 
 /** Why the last write of 1 to a debug point's _Insert injected no image of its _DebugFile, such as "its

@@ -18,10 +18,6 @@ struct FgLoomWrapperPrivate {
     LOOMdevice* boardHandle = nullptr;
     fpga_design* designHandle = nullptr;
     void* libraryHandle = nullptr;
-    grabcore_InitHandleSlaveAware* initHandleSlaveAware = nullptr;
-    grabcore_InitHandle* initHandle = nullptr;
-    grabcore_getParameterIdByName* getParameterIdByNameFn = [](Fg_Struct*, const char*) { return 0; };
-    grabcore_getLastErrorNumber* getLastErrorNumberFn = nullptr;
     Fg_ParameterInfo parameterInfo;
     Fg_Error error;
 };

@@ -2,6 +2,8 @@
 #ifndef STATION_PICTURE_PICTURE_SETTINGS_H
 #define STATION_PICTURE_PICTURE_SETTINGS_H
 
+#include "station/scene/ImageSize.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -31,9 +33,9 @@ struct ColourSettings {
 };
 
 struct PictureSettings {
-    std::uint32_t sensorWidth = 0; // stored pixels of a line, at most 16384
+    std::uint32_t sensorWidth = 0; // stored pixels of a line, at most ImageSize::widest
     std::uint32_t xOffset = 0;     // from the corner given by the vantage point
-    std::uint32_t xLength = 0;     // at most 16384
+    std::uint32_t xLength = 0;     // at most ImageSize::widest
     bool isMirroredX = false;
     bool isMirroredY = false;
     Pattern pattern;
@@ -41,17 +43,16 @@ struct PictureSettings {
     bool operator==(const PictureSettings&) const = default;
 };
 
+/** Maximum number of entries of a lookup table. */
+inline constexpr std::size_t tableSize = 16384;
+
 /** The low 16 bits of the entries of the lookup tables of red, green and blue. */
 struct Tables {
-    std::array<std::array<std::uint16_t, 16384>, 3> entries{};
+    std::array<std::array<std::uint16_t, tableSize>, 3> entries{};
 };
 
 /** Pixels of three 16-bit components, from the top: red, green, blue, or at the camera in the link order. */
 struct Raster {
-    static constexpr std::uint32_t widest = 16384;
-    static constexpr std::uint32_t highest = 65536;
-    static constexpr std::size_t mostPixels = std::size_t{1} << 24;
-
     /** The point of the image path where it is inserted. */
     enum class Point : std::uint8_t { camera, buffer, output };
     Point point = Point::camera;
@@ -59,11 +60,9 @@ struct Raster {
     std::uint32_t height = 0;
     std::vector<std::uint16_t> components{}; // 3 * width * height
 
-    bool hasSoundSize() const {
-        return width > 0 && height > 0 && width <= widest && height <= highest &&
-               std::size_t{width} * height <= mostPixels;
+    bool isSound() const {
+        return ImageSize::isSound(width, height) && components.size() == std::size_t{3} * width * height;
     }
-    bool isSound() const { return hasSoundSize() && components.size() == std::size_t{3} * width * height; }
 };
 
 } // namespace station

@@ -97,8 +97,8 @@ void Renderer::drawPixels(std::uint32_t width, ComponentAt componentAt, std::uin
 void Renderer::drawLine(const SourceLine& line, std::uint8_t* out) const {
     const std::uint32_t start = patternValue(m_settings->pattern, 0, line.y, line.frame);
     const std::uint32_t factor = m_settings->pattern.isXEnabled ? 1 : 0;
-    const auto width =
-        static_cast<std::uint32_t>(std::min(std::uint64_t{line.cycles} * 32, std::uint64_t{Raster::widest}));
+    const auto width = static_cast<std::uint32_t>(
+        std::min(std::uint64_t{line.cycles} * 32, std::uint64_t{ImageSize::widest}));
     drawPixels(
         width, [start, factor](std::uint32_t x, std::uint32_t) { return (start + x * factor) & 0xff; }, out);
 }

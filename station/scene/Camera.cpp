@@ -4,7 +4,7 @@ namespace station {
 
 void Camera::attach(const Settings& settings, Tick from) {
     m_settings = settings;
-    m_settings->width = std::clamp(settings.width, 1U, widest);
+    m_settings->width = std::clamp(settings.width, 1U, ImageSize::widest);
     m_settings->shortWidth = std::clamp(settings.shortWidth, 1U, m_settings->width);
     m_isLinked = true;
     m_linkChange = later(from, settings.lostAt);

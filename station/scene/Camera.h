@@ -4,6 +4,7 @@
 
 #include "station/scene/Belt.h"
 #include "station/scene/Exposure.h"
+#include "station/scene/ImageSize.h"
 #include "station/signals/Tick.h"
 
 #include <algorithm>
@@ -16,10 +17,8 @@ namespace station {
 
 class Camera {
 public:
-    static constexpr std::uint32_t widest = 16384;
-
     struct Settings {
-        std::uint32_t width = 2048;   // pixels per line, 1 to `widest`
+        std::uint32_t width = 2048;   // pixels per line, 1 to ImageSize::widest
         std::uint32_t lineRate = 0;   // lines per second in free run; 0: one line per camera trigger
         std::uint32_t exposure = 0;   // in ticks, unless the trigger controls the exposure
         std::uint32_t dropEvery = 0;  // every dropEvery-th trigger is ignored; 0: none is

@@ -171,30 +171,54 @@ Colour8 patchesAt(std::int64_t x, std::int64_t y) {
 
 using Panel = Colour8 (*)(std::int64_t x, std::int64_t y);
 constexpr Panel panels[] = {geometryAt, coloursAt, resolutionAt, patchesAt, stepsAt, zonesAt, squaresAt};
+constexpr std::int64_t panelsWidth = panelWidth * std::int64_t{std::size(panels)};
 
 Colour8 panelAt(std::int64_t x, std::int64_t row) {
     const std::int64_t within = x % panelWidth - margin, down = row - panelsTop - margin;
     if (within < 0 || within >= innerWidth || down < 0 || down >= innerHeight) return gutter;
-    return panels[static_cast<std::size_t>(x / panelWidth) % std::size(panels)](within, down);
+    return panels[static_cast<std::size_t>(x / panelWidth)](within, down);
+}
+
+/** The panels, line by line: most of the chart, and the same in each period. */
+std::vector<Colour8> drawnPanels() {
+    std::vector<Colour8> drawn;
+    drawn.reserve(panelsWidth * (period - panelsTop));
+    for (std::int64_t row = panelsTop; row < period; ++row)
+        for (std::int64_t x = 0; x < panelsWidth; ++x)
+            drawn.push_back(panelAt(x, row));
+    return drawn;
+}
+
+void put(Colour8 colour, std::uint16_t* pixel) {
+    constexpr std::uint16_t wide = 257; // 255 becomes 65535
+    pixel[0] = static_cast<std::uint16_t>(colour.red * wide);
+    pixel[1] = static_cast<std::uint16_t>(colour.green * wide);
+    pixel[2] = static_cast<std::uint16_t>(colour.blue * wide);
 }
 
 } // namespace
 
 void drawChartLine(std::int64_t y, std::vector<std::uint16_t>& components) {
+    static const std::vector<Colour8> allPanels = drawnPanels();
+    const auto width = static_cast<std::int64_t>(components.size() / 3);
     const std::int64_t row = (y % period + period) % period;
-    for (std::size_t i = 0; i + 2 < components.size(); i += 3) {
-        const auto x = static_cast<std::int64_t>(i / 3);
-        Colour8 colour = paper;
-        if (x < rulerLeft)
-            colour = barsAt(x, y);
-        else if (x < panelsLeft)
-            colour = rulerInY(x - rulerLeft, y);
-        else
-            colour = row < panelsTop ? rulerInX(x, row) : panelAt(x - panelsLeft, row);
-        constexpr std::uint16_t wide = 257; // 255 becomes 65535
-        components[i] = static_cast<std::uint16_t>(colour.red * wide);
-        components[i + 1] = static_cast<std::uint16_t>(colour.green * wide);
-        components[i + 2] = static_cast<std::uint16_t>(colour.blue * wide);
+    std::uint16_t* pixel = components.data();
+    std::int64_t x = 0;
+    for (; x < std::min(width, rulerLeft); ++x, pixel += 3)
+        put(barsAt(x, y), pixel);
+    for (; x < std::min(width, panelsLeft); ++x, pixel += 3)
+        put(rulerInY(x - rulerLeft, y), pixel);
+    if (row < panelsTop) {
+        for (; x < width; ++x, pixel += 3)
+            put(rulerInX(x, row), pixel);
+        return;
+    }
+    const Colour8* const line = allPanels.data() + panelsWidth * (row - panelsTop);
+    while (x < width) {
+        const std::int64_t count = std::min(width - x, panelsWidth);
+        for (std::int64_t i = 0; i < count; ++i, pixel += 3)
+            put(line[i], pixel);
+        x += count;
     }
 }
 

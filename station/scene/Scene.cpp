@@ -30,6 +30,28 @@ bool findPlace(const Scene& scene, std::int64_t& place) {
     return place < (next - 1)->length;
 }
 
+/** Scales components by exposure time / full exposure, rounded down. A division for each would take most of the time of a
+ *  picture, so the quotient is estimated with the reciprocal; the estimate is at most one too low. */
+class Exposing {
+public:
+    Exposing(std::uint32_t ticks, std::uint32_t full)
+        : m_full(full)
+        , m_ticks(std::min(std::uint64_t{ticks}, std::uint64_t{full} * brightest))
+        , m_ratio((m_ticks << 32) / full) {}
+
+    /** Not limited to 16 bits. */
+    std::uint64_t level(std::uint16_t component) const {
+        const std::uint64_t estimate = component * m_ratio >> 32;
+        const std::uint64_t rest = component * m_ticks - estimate * m_full;
+        return estimate + (rest >= m_full ? 1 : 0);
+    }
+
+private:
+    static constexpr std::uint64_t brightest = 0xffff; // a longer exposure makes no component brighter
+
+    std::uint64_t m_full, m_ticks, m_ratio;
+};
+
 void drawImageLine(const SceneImage& image, std::int64_t y, std::vector<std::uint16_t>& components) {
     const auto height = static_cast<std::int64_t>(image.height);
     const auto row = static_cast<std::size_t>((y % height + height) % height);
@@ -52,11 +74,12 @@ void drawExposure(const View& view, const Exposure& line, std::vector<std::uint1
         else
             drawChartLine(y, components);
     }
+    const Exposing exposing(line.ticks, view.fullExposure);
     const std::uint64_t noiseOfLine = scattered(scene.seed ^ scattered(line.number));
     for (std::size_t i = 0; i < components.size(); i += 3) {
         const std::array<std::uint16_t, 3> pixel{components[i], components[i + 1], components[i + 2]};
         for (std::size_t k = 0; k < 3; ++k) {
-            std::uint64_t level = std::uint64_t{pixel[view.order[k]]} * line.ticks / view.fullExposure;
+            std::uint64_t level = exposing.level(pixel[view.order[k]]);
             if (scene.noise > 0) {
                 level += scattered(noiseOfLine + i + k) % (2 * std::uint64_t{scene.noise} + 1);
                 level -= std::min(level, std::uint64_t{scene.noise});

@@ -13,20 +13,11 @@
 
 namespace station {
 
-/** An image of red, green and blue, 16 bits each. It repeats in both directions. */
+/** An image of red, green and blue, 16 bits each, of a sound size. It repeats in both directions. */
 struct SceneImage {
-    static constexpr std::uint32_t widest = 16384;
-    static constexpr std::uint32_t highest = 65536;
-    static constexpr std::size_t mostPixels = std::size_t{1} << 24;
-
     std::uint32_t width = 0;
     std::uint32_t height = 0;
     std::vector<std::uint16_t> components{}; // 3 * width * height
-
-    static bool isSoundSize(std::uint32_t width, std::uint32_t height) {
-        return width > 0 && height > 0 && width <= widest && height <= highest &&
-               std::size_t{width} * height <= mostPixels;
-    }
 };
 
 struct Scene {

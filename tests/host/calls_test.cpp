@@ -170,6 +170,15 @@ TEST(Opening, RefusesWhatItDoesNotKnow) {
     EXPECT_EQ(vexo_open(&options, &opened), VEXO_ERR_LIBRARY);
     EXPECT_TRUE(lastErrorHas("libapplet.so was looked for in /nonexistent")) << vexo_last_error();
     options.applet = nullptr;
+    options.library_dir = "/nonexistent";
+    EXPECT_EQ(vexo_open(&options, &opened), VEXO_ERR_LIBRARY);
+    options.library_dir = nullptr;
+    EXPECT_EQ(vexo_open(&options, &opened), VEXO_OK) << "a failed opening chooses no folder";
+    vexo_close(opened);
+    options.library_dir = "/nonexistent";
+    EXPECT_EQ(vexo_open(&options, &opened), VEXO_ERR_LIBRARY);
+    EXPECT_TRUE(lastErrorHas("cannot load those of /nonexistent as well")) << vexo_last_error();
+    options.library_dir = nullptr;
     options.station = "/nonexistent.json";
     EXPECT_EQ(vexo_open(&options, &opened), VEXO_ERR_FILE);
     vexo_close(nullptr);

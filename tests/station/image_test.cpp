@@ -37,7 +37,7 @@ TEST_F(StationImage, NothingIsStoredWithoutAnAcquisition) {
     board.set("ImgTriggerMode=2 SoftwareTrgInput=1");
     station.advance(450);
     EXPECT_EQ(board.raised(Event::lineStart), 5U);
-    acquire(); // an open gate is no start
+    acquire(); // a gate that is already open does not start an image
     station.advance(1000);
     write(input, 0);
     station.advance(10);

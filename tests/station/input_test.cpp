@@ -11,7 +11,7 @@ constexpr std::uint8_t input0 = firstInput;
 
 class StationInputs : public StationTest {
 protected:
-    /** Without the simulator and without ExSync of its own. Levels count after 18 ticks. */
+    /** The simulator and the generator of ExSync are off. Levels take effect after 18 ticks. */
     StationInputs() : StationTest("Enable_SelectSource=0 LineTriggerMode=1") {}
 };
 
@@ -50,21 +50,21 @@ TEST(StationWaves, HaveTheRequestedEdges) {
          "0 +8 -20"},
         {"edges from later on", begun(Wave::edges(true, {{5, false}, {9, true}, {30, false}}), 10), 0,
          "1 -30"},
-        // Between two edges at first: half a step to the next.
+        // It starts between two edges: half a step to the next one.
         {"encoder, A", Wave::encoder(0, {{250, step, step}}), 0, "0 +50 -250"},
         {"encoder, B", Wave::encoder(0, {{250, step, step}}), 1, "0 +150"},
         {"encoder backwards, A", Wave::encoder(0, {{250, -step, -step}}), 0, "0 +150"},
         {"encoder backwards, B", Wave::encoder(0, {{250, -step, -step}}), 1, "0 +50 -250"},
         {"encoder at rest", Wave::encoder(0, {{250, 0, 0}}), 0, "0"},
         {"encoder of nothing", Wave::encoder(0, {}), 0, "0"},
-        // 1.2 steps forward, then back over the same edges: place 1.7 at 120, 1 again at 190, 0 at 290.
+        // 1.2 steps forward, then back over the same edges: position 1.7 at 120, 1 again at 190, 0 at 290.
         {"encoder that turns, A", Wave::encoder(0, {{120, step, step}, {300, -step, -step}}), 0,
          "0 +50 -190"},
         {"encoder that turns, B", Wave::encoder(0, {{120, step, step}, {300, -step, -step}}), 1, "0 +290"},
-        // From rest evenly to 4 steps in 100 ticks within 2000 ticks: place 0.5 + t^2 / 100,000.
+        // From rest, evenly accelerated to 4 steps in 100 ticks within 2000 ticks: position 0.5 + t^2 / 100,000.
         {"encoder that speeds up, A", Wave::encoder(0, {{ramp, 0, 4 * step}}), 0, "0 +224"},
         {"encoder that speeds up, later", begun(Wave::encoder(0, {{ramp, 0, 4 * step}}), 1000), 0, "0"},
-        // 1 step in 100 ticks forwards to as much backwards: at the middle, 100, it is 0.5 + 0.5 steps ahead: an edge.
+        // From 1 step in 100 ticks forwards to the same backwards: halfway, at 100, the position is 0.5 + 0.5: an edge.
         {"encoder that swings, A", Wave::encoder(0, {{200, step, -step}, {1, 0, 0}}), 0, "0 +100 -101"},
     };
     for (const auto& row : cases)
@@ -82,13 +82,13 @@ TEST(StationWaves, HaveTheRequestedEdges) {
 }
 
 TEST_F(StationInputs, StatusAndEventsFollowTheDebouncedLevels) {
-    EXPECT_TRUE(station.connect(0, Wave::constant(true))); // as if constant for ever: no event
+    EXPECT_TRUE(station.connect(0, Wave::constant(true))); // as if it had always been constant: no event
     EXPECT_FALSE(station.connect(12, Wave::constant(true)));
     station.advance(10);
     EXPECT_EQ(value(P::inputStatus), 1);
     EXPECT_TRUE(station.connect(11, Wave::constant(true)));
     station.connect(0, Wave::constant(false));
-    station.advance(18); // from 11 on it takes until 29
+    station.advance(18); // a level from 11 on takes effect at 29
     EXPECT_EQ(value(P::inputStatus), 1);
     station.advance(1);
     EXPECT_EQ(value(P::inputStatus), 0x800);
@@ -130,13 +130,13 @@ TEST_F(StationInputs, CompensationCountIsLiveAndWritable) {
     board.set("EncoderCompensation=0");
     station.advance(1);
     EXPECT_EQ(value(P::encoderCount), 0);
-    Trial other("EncoderCompensationCount=7"); // a count from before time first moved
+    Trial other("EncoderCompensationCount=7"); // a count from before the first tick
     other.station.advance(1);
     EXPECT_EQ(other.value(P::encoderCount), 7);
 }
 
 TEST_F(StationInputs, PulsesAreCountedFromTheOpeningOfTheGate) {
-    // Pulses every 100 ticks from 50 on. Gates from 1000 and 2000 on ask for three lines.
+    // Pulses every 100 ticks from 50 on. Gates that open at 1000 and 2000 take three lines each.
     board.set("LineTriggerMode=3 Prescale_Period=0 ExsyncExposure=0.512 LineTrgDownscaler=2 LineTrgPhase=3 "
               "ImgTriggerMode=1 ImgTrgInSource=4 YLength=3");
     station.connect(1, Wave::square(50, 100, 10));
@@ -145,7 +145,7 @@ TEST_F(StationInputs, PulsesAreCountedFromTheOpeningOfTheGate) {
     write(P::softwarePulse, 1);
     station.advance(1500);
     EXPECT_EQ(trace(exsync, 0, 2499), "0 +1250 -1314 +1450 -1514 +1650 -1714");
-    board.set("ImgTriggerMode=0"); // always open: the phase occurs once, then every second pulse counts
+    board.set("ImgTriggerMode=0"); // always open: the phase applies once, then every second pulse counts
     station.advance(700);
     EXPECT_EQ(trace(exsync, 2500, 3199), "0 +2750 -2814 +2950 -3014 +3150");
 }

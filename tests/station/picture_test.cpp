@@ -8,7 +8,7 @@ namespace {
 
 using Bytes = std::vector<int>;
 
-/** A board with lines of 64 pixels, one every 100 ticks, of which the first four are what is taken. */
+/** A board with lines of 64 pixels, one every 100 ticks; the first four pixels are stored. */
 const Values small =
     "Size_ImageWidth=100 LineGap_Number=2 SequenceLength_ImageWidth=1 SensorWidth=4 XLength=4 "
     "ImageHeight_ImageHeight=2 YLength=2 FrameGap_Number=2 Size_ImageHeight=2 Frame_Divisor=1";
@@ -45,7 +45,7 @@ TEST_F(StationPath, PixelsAreInsertedAtTheDebugPoints) {
     board.set("0_Debug_OperationMode=0 OutputFormat_Debug_OperationMode=1");
     writeAll(P::outputDebugPixel, P::outputDebugFlag);
     station.advance(1000);
-    ASSERT_EQ(station.lastPicture(), 3); // and none of the simulator
+    ASSERT_EQ(station.lastPicture(), 3); // and none from the simulator
     EXPECT_EQ(bytes(1), (Bytes{0, 0, 0, 0, 1, 0, 0, 0, 0x10, 0x80, 0x30, 0x08}));
     EXPECT_EQ(bytes(2), (Bytes{0x80, 0x30, 0x08, 0, 0, 0x10, 0, 1, 0, 0, 0, 0}));
     EXPECT_EQ(bytes(3), (Bytes{0x40, 0x30, 0x10, 0, 0, 0x20, 0, 1, 0, 0, 0, 0}));
@@ -134,12 +134,12 @@ TEST_F(StationPath, WritesTakeEffectFromTheNextImageOn) {
 
 TEST_F(StationPath, BufferFillsAtTheExcessRate) {
     // A line takes 1024 pixels of 24 bits, 48 words of 512 bits: 96 MiB hold 32,768 lines. One comes every 64 ticks.
-    // At 192 ticks for a line two of three stay: the 32,768th that stays is about the 49,152nd that comes.
+    // The DMA takes 192 ticks for a line, so two of three lines stay: the 32,768th that stays is about the 49,152nd.
     board.set("Size_ImageWidth=64 LineGap_Number=32 XLength=1024 SensorWidth=1024 "
               "ImageHeight_ImageHeight=1024 YLength=1024 Size_ImageHeight=1024 FrameGap_Number=1024");
     station.setDmaRate(2'000'000'000); // 3072 bytes in 192 ticks
     acquire(2);
-    station.advance(64 * 16'384); // a third: 10,922 lines stay
+    station.advance(64 * 16'384); // 10,922 lines stay, a third of what fits
     EXPECT_EQ(value(P::fillLevel0), 33);
     EXPECT_EQ(value(P::fillLevel2), 33);
     EXPECT_EQ(value(P::overflowOccurred), 0);
@@ -184,7 +184,7 @@ TEST_F(StationPath, WholeImagesWaitInTheBuffer) {
     // Dropped images leave at 32 pixels per tick, as do silenced ones.
     board.set("ImageHeight_ImageHeight=4 YLength=4 PHASE_Number=1");
     station.advance(1000);
-    EXPECT_EQ(station.losses().images, 3U); // one more had begun
+    EXPECT_EQ(station.losses().images, 3U); // another one had begun
     EXPECT_EQ(station.lastPicture(), 1);
     for (const auto& [width, depth] :
          {std::pair{0.0, 512.0}, {63.0, 512.0}, {1e300, 0.0}, {3.0, 4294967295.0}}) {

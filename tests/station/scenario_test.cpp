@@ -40,7 +40,7 @@ private:
     void write() {
         auto parameter = static_cast<Parameter>(below(parameterCount));
         auto value = static_cast<double>(below(4));
-        if (below(2) == 0) { // settings that let images through
+        if (below(2) == 0) { // settings with which images pass
             static const Values useful =
                 "YLength=20 ImageHeight_ImageHeight=9 XLength=40 ExsyncPeriod=40 XOffset=20 "
                 "Enable_SelectSource=2 LineTriggerMode=4 ImgTriggerMode=3 SoftwareTrgInput=2";

@@ -6,7 +6,7 @@ namespace station {
 namespace {
 
 TEST(StationScene, EncoderFollowsThePlaceOfTheBelt) {
-    // Edges of the inputs: forward, to rest, backward, and on. A quarter step is 7 um, the first is half of it.
+    // Edges of the inputs: forward, standing, backward, and so on. A quarter step is 7 um, the first one half of it.
     const std::vector<SpeedPiece> profile{{50'000, 0, 900'000},
                                           {30'000, 900'000, 900'000},
                                           {40'000, 900'000, -700'000},

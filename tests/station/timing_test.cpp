@@ -17,12 +17,12 @@ TEST_F(StationTiming, RatesAreExactOverASecond) {
     EXPECT_EQ(value(P::analyzer0Pulses), 5001);                        // ExSync at 5000 a second
     EXPECT_EQ(value(P::analyzerDifference), 0x1'ffff'ffff + 1 - 5240); // 33 bits of -5240
     EXPECT_EQ(board.raised(Event::customSignal0), 5001U);
-    // 2000 multiples of a fraction of ticks: 128,000 / 1999 each.
+    // 2000 periods that are not whole ticks: 128,000 / 1999 each.
     board.set("ControlPixelClock_Mode=0 ActivePixel_Number=1000");
     const Tick from = station.trace(lineValid, station.now() - 13000, station.now()).edges.front().tick;
     station.advance(20'000);
     const Tick first = station.trace(lineValid, station.now() - 20'000, station.now()).edges.front().tick;
-    EXPECT_EQ(first - from, 12206U); // the pending line still had the old rate
+    EXPECT_EQ(first - from, 12206U); // the line in progress still had the old rate
     station.advance(128'000 - 20'000 + first - (ticksPerSecond + 0));
     EXPECT_EQ(station.lines(), 10241U + 1999U + 1U);
 }
@@ -54,7 +54,7 @@ TEST_F(StationTiming, IdleTimeIsSkippedUntilTheEndOfTime) {
 
 TEST_F(StationTiming, CameraStatusShowsTheSignals) {
     board.set("SequenceLength_ImageWidth=101 Size_ImageHeight=4 FrameGap_Number=3 LineGap_Number=20");
-    station.advance(450); // a line from 402 to 422, in a frame that is not over; ExSync from 0 on
+    station.advance(450); // a line from 402 to 422, in a frame that has not ended; ExSync from 0 on
     EXPECT_EQ(station.cameraStatus(), 0b1101U);
 }
 

@@ -1,10 +1,10 @@
 // Parts of the HTTP interface that need no station.
 
 #include "applet_tools/pictures/region.h"
-#include "serve/http/CommandThread.h"
-#include "serve/http/EventHub.h"
-#include "serve/http/Guard.h"
-#include "serve/http/Query.h"
+#include "serve/http/protocol/Guard.h"
+#include "serve/http/protocol/Query.h"
+#include "serve/http/state/CommandThread.h"
+#include "serve/http/state/EventHub.h"
 
 #include <gtest/gtest.h>
 

@@ -191,25 +191,36 @@ ChosenFolder& chosenFolder() {
 
 } // namespace
 
-void chooseFolder(const std::filesystem::path& folder) {
+std::filesystem::path libraryFolder() {
+    {
+        ChosenFolder& chosen = chosenFolder();
+        const std::lock_guard lock(chosen.mutex);
+        if (!chosen.path.empty()) return chosen.path;
+    }
+    const char* const named = std::getenv("VEXO_LIBRARY_DIR");
+    return named != nullptr ? std::filesystem::path(named) : nearestFolder();
+}
+
+bool chooseFolder(const std::filesystem::path& folder) {
     const std::filesystem::path wanted = std::filesystem::weakly_canonical(folder);
     ChosenFolder& chosen = chosenFolder();
     const std::lock_guard lock(chosen.mutex);
     if (!chosen.path.empty() && chosen.path != wanted)
         throw HostError("this process uses the libraries of " + chosen.path.string() +
                         ", and cannot load those of " + wanted.string() + " as well");
+    const bool isNew = chosen.path.empty();
     chosen.path = wanted;
+    return isNew;
+}
+
+void forgetFolder() {
+    ChosenFolder& chosen = chosenFolder();
+    const std::lock_guard lock(chosen.mutex);
+    chosen.path.clear();
 }
 
 Locations Locations::beside() {
-    std::filesystem::path folder;
-    {
-        ChosenFolder& chosen = chosenFolder();
-        const std::lock_guard lock(chosen.mutex);
-        folder = chosen.path;
-    }
-    const char* const named = std::getenv("VEXO_LIBRARY_DIR");
-    if (folder.empty()) folder = named != nullptr ? std::filesystem::path(named) : nearestFolder();
+    const std::filesystem::path folder = libraryFolder();
     Locations where{appletIn(folder), folder / "virtual-board"};
     if (const char* underTest = std::getenv("APPLET_UNDER_TEST")) where.applet = underTest;
     return where;

@@ -51,16 +51,20 @@ struct Locations {
                                              bridge_open_board and bridge_close_board (types as in BoardOpener);
                                              if empty, the board library opens it, as the virtual one does */
 
-    /** The libraries of the folder that chooseFolder() or the environment variable VEXO_LIBRARY_DIR names: the applet in it
-     *  or in its applets/, the virtual board's in its virtual-board/. Without either it is the folder of the file
-     *  that contains this code, vexo/ in it, or lib/ or the installed one beside it, whichever has an applet. The
-     *  environment variable APPLET_UNDER_TEST, if set, names another applet library. */
+    /** The libraries of libraryFolder(): the applet in it or in its applets/, the virtual board's in its virtual-board/.
+     *  The environment variable APPLET_UNDER_TEST, if set, names another applet library. */
     static Locations beside();
 };
 
-/** Lets Locations::beside() use this folder from now on. The names of the libraries are the same in all folders,
- *  and a process can load only one of each: throws HostError if another folder was chosen before. */
-void chooseFolder(const std::filesystem::path& folder);
+/** The folder that was chosen, or that the environment variable VEXO_LIBRARY_DIR names, or else the nearest one with an
+ *  applet, as seen from this code: its own, vexo/ in it, or lib/ or the installed one beside it. */
+std::filesystem::path libraryFolder();
+
+/** Makes this folder the library folder of the process. The names of the libraries are the same in all folders, and a
+ *  process can load only one of each: throws HostError if another folder was chosen before. True if none was. */
+bool chooseFolder(const std::filesystem::path& folder);
+/** Takes that back, if nothing could be loaded from there. */
+void forgetFolder();
 
 /** The folder of the program or library that contains this code. */
 std::filesystem::path folderOfThisCode();

@@ -28,7 +28,7 @@ std::string truncated(std::uint64_t size) {
 
 std::string troubleWithLibrary(const std::filesystem::path& file) {
     std::error_code error;
-    if (!std::filesystem::is_regular_file(file, error)) return "it is no regular file";
+    if (!std::filesystem::is_regular_file(file, error)) return "it is not a regular file";
     const std::uint64_t size = std::filesystem::file_size(file, error);
     if (error) return error.message();
     if (size == 0) return "the file is empty";

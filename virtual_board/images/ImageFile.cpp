@@ -115,13 +115,11 @@ ImageOfFile readAnyImage(const std::string& path) {
 } // namespace
 
 bool PixelRows::hasSize() {
-    station::Raster raster;
-    raster.width = width;
-    raster.height = height;
-    if (raster.hasSoundSize()) return true;
+    using Size = station::ImageSize;
+    if (Size::isSound(width, height)) return true;
     trouble = "it has " + std::to_string(width) + " x " + std::to_string(height) +
-              " pixels, and an image of a debug point has 1 x 1 to " + std::to_string(raster.widest) + " x " +
-              std::to_string(raster.highest) + ", and at most " + std::to_string(raster.mostPixels);
+              " pixels, and an image of a debug point has 1 x 1 to " + std::to_string(Size::widest) + " x " +
+              std::to_string(Size::highest) + ", and at most " + std::to_string(Size::mostPixels);
     return false;
 }
 

@@ -18,6 +18,9 @@ constexpr std::int64_t nanometres = 1000;                // in a micrometre
 constexpr std::int64_t farthest = std::int64_t{1} << 50; // micrometres, so that sums of places fit
 constexpr std::size_t mostObjects = 65536;
 
+static_assert(VBOARD_WIDEST == station::ImageSize::widest && VBOARD_HIGHEST == station::ImageSize::highest &&
+              VBOARD_MOST_PIXELS == station::ImageSize::mostPixels);
+
 bool isPlace(std::int64_t micrometres) { return micrometres >= -farthest && micrometres <= farthest; }
 
 bool isPermutation(const std::uint8_t* order) {
@@ -28,7 +31,7 @@ bool isPermutation(const std::uint8_t* order) {
 
 /** False if something of it is not as the header says. */
 bool read(const vboard_camera& camera, station::CameraSetup& setup) {
-    if (camera.width < 1 || camera.width > station::Camera::widest) return false;
+    if (camera.width < 1 || camera.width > station::ImageSize::widest) return false;
     setup.timing.width = camera.width;
     setup.timing.lineRate = camera.line_rate;
     setup.timing.exposure = camera.exposure;
@@ -60,8 +63,7 @@ std::shared_ptr<const station::SceneImage> imageOf(const vboard_scene_setup& sce
 
 bool isSound(const vboard_scene_setup& scene) {
     if (scene.pixel == 0 || scene.noise > 0xffff || scene.object_count > mostObjects) return false;
-    if (scene.components != nullptr && !station::SceneImage::isSoundSize(scene.width, scene.height))
-        return false;
+    if (scene.components != nullptr && !station::ImageSize::isSound(scene.width, scene.height)) return false;
     if (scene.objects == nullptr) return scene.object_count == 0;
     return std::all_of(scene.objects, scene.objects + scene.object_count, [](const vboard_object& object) {
         return isPlace(object.place) && isPlace(object.length) && object.length > 0;

@@ -13,6 +13,8 @@ using namespace vboard;
 
 namespace {
 
+static_assert(VBOARD_KEPT_EDGES == station::History::capacity);
+
 /** Connects the wave that `make` returns for the next tick. */
 template <typename Make>
 int connect(LOOMdevice* board, unsigned input, Make make, std::size_t second = station::inputCount) {
@@ -238,7 +240,7 @@ int vboard_inject(LOOMdevice* board, int point, uint32_t width, uint32_t height,
         raster->point = static_cast<station::Raster::Point>(point);
         raster->width = width;
         raster->height = height;
-        if (raster->hasSoundSize())
+        if (station::ImageSize::isSound(width, height))
             raster->components.assign(components, components + std::size_t{3} * width * height);
         return raster;
     };

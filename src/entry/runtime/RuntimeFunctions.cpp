@@ -21,6 +21,7 @@ constexpr Entry entries[] = {
 
 RuntimeFunctions RuntimeFunctions::inert() {
     RuntimeFunctions functions;
+    functions.Fg_getParameterIdByName = [](Fg_Struct*, const char*) { return 0; };
     functions.Fg_setParameter = [](Fg_Struct*, int, const void*, int) { return 0; };
     functions.Fg_setParameterWithType = [](Fg_Struct*, int, const void*, int, int) { return 0; };
     functions.Fg_getParameter = [](Fg_Struct*, int, void*, int) { return 0; };

@@ -7,14 +7,6 @@
 
 namespace levels = vexo::tools::logging::levels;
 
-namespace {
-
-template <typename Function> Function* lookUp(void* library, const char* name) {
-    return reinterpret_cast<Function*>(dlsym(library, name));
-}
-
-} // namespace
-
 int FgLoomWrapper::initializeDllFunctions(const char* library) {
     m_private->libraryHandle = dlopen(library, runtimeBindFlags);
     if (m_private->libraryHandle == nullptr) {
@@ -22,34 +14,28 @@ int FgLoomWrapper::initializeDllFunctions(const char* library) {
         return fgError().setErr(FG_ERR_UNRESOLVED);
     }
     m_private->wrapperFg.bind(m_private->libraryHandle);
-    m_private->getParameterIdByNameFn =
-        lookUp<grabcore_getParameterIdByName>(m_private->libraryHandle, "Fg_getParameterIdByName");
     return FG_OK;
 }
 
 int FgLoomWrapper::runFgInit(const char* tslName, LOOMdevice* device, fpga_design* design, int flags) {
     FgLoomWrapperPrivate& own = *m_private;
-    own.initHandleSlaveAware =
-        lookUp<grabcore_InitHandleSlaveAware>(own.libraryHandle, "Fg_InitHandleSlaveAware");
-    own.initHandle = lookUp<grabcore_InitHandle>(own.libraryHandle, "Fg_InitHandle");
-    own.getLastErrorNumberFn =
-        lookUp<grabcore_getLastErrorNumber>(own.libraryHandle, "Fg_getLastErrorNumber");
-    if (own.initHandleSlaveAware == nullptr && own.initHandle == nullptr) {
+    const RuntimeFunctions& runtime = own.wrapperFg;
+    if (runtime.Fg_InitHandleSlaveAware == nullptr && runtime.Fg_InitHandle == nullptr) {
         log(levels::bindingFailed,
             "cannot resolve function 'Fg_InitHandle' and/or 'Fg_InitHandleSlaveAware'");
         return fgError().setErr(FG_ERR_UNRESOLVED);
     }
 
     const char* used = "Fg_InitHandleSlaveAware";
-    if (own.initHandleSlaveAware != nullptr) {
-        own.grabcoreFg = own.initHandleSlaveAware(tslName, device, design, flags);
+    if (runtime.Fg_InitHandleSlaveAware != nullptr) {
+        own.grabcoreFg = runtime.Fg_InitHandleSlaveAware(tslName, device, design, flags);
     } else {
         used = "Fg_InitHandle"; // takes no flags: they are dropped
-        own.grabcoreFg = own.initHandle(tslName, device, design);
+        own.grabcoreFg = runtime.Fg_InitHandle(tslName, device, design);
     }
     if (own.grabcoreFg == nullptr) {
         log(levels::accessFailed, "error calling '", used, "' (tslName = '", tslName, "')");
-        return fgError().setErr(callOr(FG_ERR_INIT, own.getLastErrorNumberFn, nullptr));
+        return fgError().setErr(callOr(FG_ERR_INIT, runtime.Fg_getLastErrorNumber, nullptr));
     }
     accessDeviceHandle(device);
     accessDesignHandle(design);
@@ -57,7 +43,7 @@ int FgLoomWrapper::runFgInit(const char* tslName, LOOMdevice* device, fpga_desig
 }
 
 int FgLoomWrapper::getParameterIdByName(const char* name) {
-    return callOr(0, m_private->getParameterIdByNameFn, m_private->grabcoreFg, name);
+    return callOr(0, wrapperFg().Fg_getParameterIdByName, grabcoreFg(), name);
 }
 
 int FgLoomWrapper::freeUnwrappedParameterString(int id, void* value, int dma, FgParamTypes type) {

@@ -107,7 +107,7 @@ void addMissingFile(Rows& rows, const std::string& file) {
     if (!file.empty())
         rows.push_back(
             {"missing", shownFile(file) +
-                            " is no file that can be opened for reading; until it is one, what makes "
+                            " is not a file that can be opened for reading; until it is one, what makes "
                             "the parameter writable is refused"});
 }
 

@@ -65,7 +65,7 @@ public:
         if (!value && wanted.kind() == REGISTER_KIND_DOUBLE)
             return Finding{"unreadable", key,
                            key + ": the file has " + askedText(wanted, asked) +
-                               ", which is no number; no limit stops it, so the board receives it"};
+                               ", which is not a number; no limit stops it, so the board receives it"};
         if (!value || isComputed(wanted, line)) return std::nullopt;
         const int code = writeValue(m_session.instance(), {&wanted}, *value);
         if (code != FG_OK) return refusal(wanted, asked, *value, code, isKept ? "" : change);

@@ -163,8 +163,7 @@ private:
         noteSignals(m_timing.from + m_window->from, m_timing.from + m_window->to);
         for (const MeasuredSignal& signal : m_timing.signals)
             if (!signal.course.isComplete)
-                throw Failure("the station keeps the last 16384 edges of a signal, and " + signal.name +
-                              " has more of them from " + durationText(m_window->from) + " to " +
+                throw Failure(incompleteText(signal.name) + " from " + durationText(m_window->from) + " to " +
                               durationText(m_window->to) + ": make the window shorter");
     }
 
@@ -275,10 +274,11 @@ private:
 TimeWindow windowFrom(const std::string& word) {
     const std::size_t dots = word.find("..");
     if (dots == std::string::npos)
-        throw UsageError(inQuotedWord(word) + " is no window of time: write its two ends, as in 10ms..12ms");
+        throw UsageError(inQuotedWord(word) +
+                         " is not a window of time: write its two ends, as in 10ms..12ms");
     const TimeWindow window{ticksFrom(word.substr(0, dots)), ticksFrom(word.substr(dots + 2))};
     if (window.from >= window.to)
-        throw UsageError(inQuotedWord(word) + " is no window of time: its end is not after its beginning");
+        throw UsageError(inQuotedWord(word) + " is not a window of time: its end is not after its beginning");
     return window;
 }
 

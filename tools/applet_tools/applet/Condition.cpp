@@ -47,14 +47,14 @@ public:
             std::string name = isQuoteNext() ? takeQuoted() : taken(label);
             return name += takeElements();
         }
-        if (length == 0) refuse("the name of a parameter is wanted");
+        if (length == 0) refuse("expected the name of a parameter");
         return taken(std::max(length, wordsBeforeRelation()));
     }
 
     const Relation& takeRelation() {
         skipBlanks();
         const Relation* relation = relationAt(rest());
-        if (relation == nullptr) refuse("one of " + relationsInWords() + " is wanted");
+        if (relation == nullptr) refuse("expected one of " + relationsInWords());
         m_place += relation->symbol.size();
         return *relation;
     }
@@ -64,8 +64,7 @@ public:
         if (isQuoteNext()) return takeQuoted();
         const std::size_t length =
             std::min({rest().find_first_of(" \t)"), rest().find("&&"), rest().find("||"), rest().size()});
-        if (length == 0 || relationAt(rest()) != nullptr || rest().front() == '=')
-            refuse("a value is wanted");
+        if (length == 0 || relationAt(rest()) != nullptr || rest().front() == '=') refuse("expected a value");
         return taken(length);
     }
 
@@ -165,7 +164,7 @@ public:
     Node parse() {
         Node node = parseAlternatives();
         if (m_reader.isNext(")")) m_reader.refuse("this parenthesis was not opened");
-        if (!m_reader.isAtEnd()) m_reader.refuse("&& or || is wanted");
+        if (!m_reader.isAtEnd()) m_reader.refuse("expected && or ||");
         return node;
     }
 
@@ -192,7 +191,7 @@ private:
             return {.kind = Node::Kind::comparison, .parts = {}, .comparison = parseComparison()};
         if (++m_depth > deepest) m_reader.refuse("there are too many parentheses within each other");
         Node node = parseAlternatives();
-        if (!m_reader.take(")")) m_reader.refuse("&&, || or a closing parenthesis is wanted");
+        if (!m_reader.take(")")) m_reader.refuse("expected &&, || or a closing parenthesis");
         --m_depth;
         return node;
     }

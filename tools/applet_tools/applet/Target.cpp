@@ -28,7 +28,7 @@ std::optional<ElementRange> parseRange(std::string_view text, std::uint32_t coun
 ElementRange findElements(const Parameter& parameter, std::string_view text) {
     const std::string shown = parameter.name + "[" + printable(text) + "]";
     const std::uint32_t count = elementCount(parameter);
-    if (count == 0) throw UsageError(shown + ": the parameter is no array");
+    if (count == 0) throw UsageError(shown + ": the parameter is not an array");
     if (parameter.kind() != REGISTER_KIND_UINT_FIELD)
         throw UsageError(shown + ": only arrays of unsigned 32-bit numbers can be reached by element");
     const auto range = parseRange(text, count);
@@ -78,7 +78,7 @@ std::uint32_t elementCount(const Parameter& parameter) {
 Target findTarget(const ParameterList& parameters, std::string_view word) {
     if (isAssignment(word))
         throw UsageError(inQuotedWord(word) +
-                         " is an assignment, and a name is wanted; give --with before each one, as in "
+                         " is an assignment, but a name is expected; give --with before each one, as in "
                          "'--with A=1 --with B=2'");
     const std::size_t bracket = word.find('[');
     const Parameter& parameter = parameters.find(word.substr(0, bracket));

@@ -20,7 +20,7 @@ std::string advice(const Parameter& parameter, const Value& value, int code) {
         return "; the parameter is read-only: its value is measured, or fixed by the design";
     const auto* text = std::get_if<std::string>(&value);
     if (text != nullptr && code == FG_ERR_FILE_TYPE)
-        return "; " + quotedText(*text) + " is no file that can be opened for reading";
+        return "; " + quotedText(*text) + " is not a file that can be opened for reading";
     if (text != nullptr && code == FG_ERR_SAVE_CONFIG)
         return "; see whether the folder of " + quotedText(*text) +
                " exists and the file may be read and written";

@@ -193,7 +193,7 @@ std::optional<std::string> textOfFile(const std::string& path) {
 }
 
 void refuseUnreadable(const std::string& path, const std::string& reason) {
-    throw UsageError(shownFile(path) + " is no file that can be read" +
+    throw UsageError(shownFile(path) + " is not a file that can be read" +
                      (reason.empty() ? "" : ": " + reason));
 }
 

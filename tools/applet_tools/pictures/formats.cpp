@@ -25,7 +25,7 @@ const PictureFormat& formatNamed(const std::string& name) {
         if (format.name == name) return format;
         names.emplace_back(format.name);
     }
-    throw UsageError(inQuotedWord(name) + " is no format of pictures; they are " + join(names, ", "));
+    throw UsageError(inQuotedWord(name) + " is not a format of pictures; they are " + join(names, ", "));
 }
 
 const PictureFormat& formatOfFile(const std::string& file, const std::string& advice) {

@@ -5,17 +5,21 @@
 #include "applet_tools/base/numbers.h"
 #include "applet_tools/base/text.h"
 
+#include "virtual_board/virtual_board.h"
+
 #include <string_view>
 
 namespace applet_tools {
 
 void PixelImage::resize(std::uint32_t newWidth, std::uint32_t newHeight) {
-    const bool isSound = newWidth > 0 && newHeight > 0 && newWidth <= widest && newHeight <= highest &&
-                         std::size_t{newWidth} * newHeight <= mostPixels;
+    const bool isSound = newWidth > 0 && newHeight > 0 && newWidth <= VBOARD_WIDEST &&
+                         newHeight <= VBOARD_HIGHEST &&
+                         std::size_t{newWidth} * newHeight <= VBOARD_MOST_PIXELS;
     if (!isSound)
         throw UsageError("it has " + numberText(newWidth) + " x " + numberText(newHeight) +
-                         " pixels; a scene has at most " + numberText(widest) + " x " + numberText(highest) +
-                         ", and " + numberText(mostPixels) + " in all");
+                         " pixels; a scene has at most " + numberText(std::uint32_t{VBOARD_WIDEST}) + " x " +
+                         numberText(std::uint32_t{VBOARD_HIGHEST}) + ", and " +
+                         numberText(std::uint32_t{VBOARD_MOST_PIXELS}) + " in all");
     width = newWidth;
     height = newHeight;
     components.resize(std::size_t{3} * width * height);

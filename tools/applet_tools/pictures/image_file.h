@@ -13,14 +13,10 @@ namespace applet_tools {
 /** Rows of red, green and blue with 16 bits each; an 8-bit 255 becomes 65535. Grey has three equal
  *  components. */
 struct PixelImage {
-    static constexpr std::uint32_t widest = 16384;
-    static constexpr std::uint32_t highest = 65536;
-    static constexpr std::size_t mostPixels = std::size_t{1} << 24;
-
     std::uint32_t width = 0, height = 0;
     std::vector<std::uint16_t> components{};
 
-    /** Allocates the pixels. Throws UsageError for a size beyond the limits. */
+    /** Allocates the pixels. Throws UsageError for a size beyond the limits of the virtual board. */
     void resize(std::uint32_t width, std::uint32_t height);
     std::uint16_t* row(std::uint32_t y) { return components.data() + std::size_t{3} * width * y; }
 };

@@ -136,7 +136,7 @@ pid_t startProgram(const BoardOptions& options, int socket) {
     posix_spawn_file_actions_adddup2(actions.get(), socket, scratchSocket);
     posix_spawn_file_actions_addclosefrom_np(actions.get(), scratchSocket + 1);
     std::string name = options.scratchProgram, applet = options.applet;
-    std::string folder = applet_host::Locations::beside().virtualBoard.parent_path().string();
+    std::string folder = applet_host::libraryFolder().string();
     char* const arguments[] = {name.data(), folder.data(), applet.data(), nullptr};
     pid_t child = -1;
     const int error = posix_spawn(&child, name.c_str(), actions.get(), nullptr, arguments, environ);

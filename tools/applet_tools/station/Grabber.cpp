@@ -6,17 +6,10 @@
 #include <algorithm>
 
 namespace applet_tools {
-namespace {
-
-/** More than any picture has. A frame uses no memory before its picture is drawn. */
-constexpr std::uint64_t frameBytes = std::uint64_t{1} << 40;
-
-} // namespace
 
 Grabber::Grabber(Instance& instance, std::size_t frames)
     : m_instance(instance)
-    , m_memory(instance.board().memory(instance.device(), frames, frameBytes, VBOARD_BLOCKING),
-               FreeMemory{&instance.board()}) {
+    , m_memory(frameMemory(instance, frames, VBOARD_BLOCKING)) {
     constexpr std::intptr_t withoutEnd = 0;
     const int code = instance.applet().Fg_AcquireEx(instance.fg(), 0, withoutEnd, 0, m_memory.get());
     if (code != FG_OK) throw Failure("the acquisition was not started: " + codeInWords(code));

@@ -4,10 +4,10 @@
 
 #include "applet_tools/applet/Instance.h"
 #include "applet_tools/pictures/PictureView.h"
+#include "applet_tools/station/frame_memory.h"
 #include "applet_tools/station/ticks.h"
 
 #include <functional>
-#include <memory>
 
 namespace applet_tools {
 
@@ -34,13 +34,8 @@ public:
     PictureView draw();
 
 private:
-    struct FreeMemory {
-        const applet_host::BoardFunctions* board;
-        void operator()(vboard_frames* memory) const { board->memory_free(memory); }
-    };
-
     Instance& m_instance;
-    std::unique_ptr<vboard_frames, FreeMemory> m_memory;
+    FrameMemory m_memory;
     Ticks m_piece = ticksPerSecond / 20;
     std::int64_t m_picture = 0;
     vboard_record m_record{};

@@ -1,10 +1,10 @@
 #include "applet_tools/station/StationFile.h"
 
+#include "applet_tools/base/DocumentField.h"
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/numbers.h"
 #include "applet_tools/base/text.h"
-#include "applet_tools/station/DocumentField.h"
 #include "applet_tools/station/lengths.h"
 
 #include <algorithm>
@@ -61,7 +61,7 @@ public:
     }
     unsigned take(const DocumentField& field, unsigned input) {
         const auto [place, isNew] = m_users.emplace(input, field.path());
-        if (!isNew) field.refuse("the input is in use by " + place->second + " already");
+        if (!isNew) field.refuse("the input is already used by " + place->second);
         return input;
     }
 
@@ -123,12 +123,13 @@ StationBelt beltOf(const DocumentField& field, UsedInputs& inputs) {
 }
 
 vboard_camera cameraOf(const DocumentField& field) {
-    constexpr std::int64_t widest = 16384, fastest = 10'000'000;
+    constexpr std::int64_t fastest = 10'000'000;
     constexpr Ticks usual = 2500; // 20 us
     field.requireObject({"width", "lineRate", "exposure", "fullExposure"});
     vboard_camera camera{};
     const auto width = field.find("width");
-    camera.width = width ? static_cast<std::uint32_t>(width->whole(1, widest, "the pixels of a line")) : 2048;
+    camera.width =
+        width ? static_cast<std::uint32_t>(width->whole(1, VBOARD_WIDEST, "the pixels of a line")) : 2048;
     if (const auto rate = field.find("lineRate"))
         camera.line_rate = static_cast<std::uint32_t>(rate->whole(1, fastest, "lines a second"));
     const auto exposure = field.find("exposure");
@@ -151,18 +152,18 @@ void readOrder(const DocumentField& field, vboard_camera_faults& faults) {
 void readFaults(const DocumentField& field, StationCamera& station) {
     field.requireObject({"order", "dropEvery", "short", "linkLost"});
     vboard_camera_faults& faults = station.faults;
+    constexpr const char* shortDistance = "the distance of short lines";
     const auto count = [](const DocumentField& one, std::int64_t most, const char* what) {
         return static_cast<std::uint32_t>(one.whole(1, most, what));
     };
     if (const auto order = field.find("order")) readOrder(*order, faults);
     if (const auto drop = field.find("dropEvery"))
-        faults.drop_every = count(*drop, mostCount, "one of so many triggers");
+        faults.drop_every = count(*drop, mostCount, "the distance of dropped triggers");
     if (const auto cut = field.find("short")) {
         cut->requireObject({"every", "width"});
-        faults.short_every =
-            count(cut->at("every", "one of so many lines"), mostCount, "one of so many lines");
-        faults.short_width =
-            count(cut->at("width", "its pixels"), station.camera.width, "no more pixels than the camera has");
+        faults.short_every = count(cut->at("every", shortDistance), mostCount, shortDistance);
+        faults.short_width = count(cut->at("width", "the pixels of a short line"), station.camera.width,
+                                   "no more pixels than the camera has");
     }
     if (const auto lost = field.find("linkLost")) {
         lost->requireObject({"after", "for"});
@@ -227,7 +228,7 @@ void readParameters(const nlohmann::ordered_json& values, const DocumentField& f
     for (const auto& [name, value] : field.members("an object with values of parameters")) {
         const nlohmann::ordered_json& found = values[name];
         if (!found.is_string() && !found.is_number()) value.refuseAs("a number or a text");
-        if (name.find('=') != std::string::npos) value.refuse("a name has no equals sign");
+        if (name.find('=') != std::string::npos) value.refuse("a name cannot have an equals sign");
         parameters.push_back(name + "=" + (found.is_string() ? found.get<std::string>() : found.dump()));
     }
 }
@@ -236,7 +237,7 @@ void readParameters(const nlohmann::ordered_json& values, const DocumentField& f
 
 StationFile parseStation(const std::string& text, const std::string& folder) {
     if (text.size() > largestStationFile)
-        throw UsageError("it has " + numberText(text.size()) + " bytes; a station has at most " +
+        throw UsageError("the file has " + numberText(text.size()) + " bytes; the limit is " +
                          numberText(largestStationFile));
     const nlohmann::ordered_json document = parseDocument(text);
     const DocumentField root(document, "");
@@ -256,7 +257,7 @@ StationFile parseStation(const std::string& text, const std::string& folder) {
     }
     if (const auto camera = root.find("camera")) station.camera.emplace().camera = cameraOf(*camera);
     if (const auto faults = root.find("faults")) {
-        if (!station.camera) faults->refuse("they are those of a camera, and the field camera is missing");
+        if (!station.camera) faults->refuse("only a camera has faults, and the field camera is missing");
         readFaults(*faults, *station.camera);
     }
     if (const auto belt = root.find("belt")) station.belt = beltOf(*belt, inputs);

@@ -1,6 +1,7 @@
 #include "applet_tools/station/signals.h"
 
 #include "applet_tools/base/errors.h"
+#include "applet_tools/base/numbers.h"
 #include "applet_tools/base/text.h"
 
 #include <algorithm>
@@ -96,8 +97,8 @@ std::optional<Ticks> SignalCourse::first(bool level) const {
 }
 
 SignalCourse courseOf(Instance& instance, unsigned select, Ticks from, Ticks to) {
-    constexpr std::size_t kept = 16384;    // number of edges that the board keeps
-    constexpr std::size_t most = 2 * kept; // a pulse of one tick is stored as one edge and counts as two here
+    constexpr std::size_t most =
+        2 * VBOARD_KEPT_EDGES; // a pulse of one tick is stored as one edge and counts as two here
     constexpr Ticks never = std::numeric_limits<Ticks>::max();
     SignalCourse course;
     course.edges.assign(most, {never, false});
@@ -107,6 +108,11 @@ SignalCourse courseOf(Instance& instance, unsigned select, Ticks from, Ticks to)
     const auto end = std::ranges::find(course.edges, never, &vboard_edge::tick);
     course.edges.erase(end, course.edges.end());
     return course;
+}
+
+std::string incompleteText(const std::string& signal) {
+    return "the station keeps the last " + numberText(std::uint32_t{VBOARD_KEPT_EDGES}) +
+           " edges of a signal, and " + signal + " has more of them";
 }
 
 std::optional<double> rateOf(const SignalCourse& course) {

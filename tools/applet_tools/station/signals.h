@@ -47,6 +47,9 @@ struct SignalCourse {
 /** From one tick to another, both inclusive. */
 SignalCourse courseOf(Instance& instance, unsigned select, Ticks from, Ticks to);
 
+/** Why a course is not complete: "the station keeps the last 16384 edges of a signal, and LVAL has more of them". */
+std::string incompleteText(const std::string& signal);
+
 /** Rising edges per second between the first and the last one; empty with fewer than two. */
 std::optional<double> rateOf(const SignalCourse& course);
 

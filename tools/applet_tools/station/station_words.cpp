@@ -36,7 +36,7 @@ public:
         std::string word = m_words[m_place++];
         for (const std::string& name : names)
             if (name == word) return word;
-        throw UsageError(inQuotedWord(word) + " is none of " + join(names, ", ") +
+        throw UsageError(inQuotedWord(word) + " is not one of " + join(names, ", ") +
                          didYouMean(nearestWords(word, names)));
     }
     std::string next(const std::string& after) {

@@ -32,7 +32,7 @@ Ticks ticksFrom(std::string_view word) {
         return static_cast<Ticks>(ticks);
     }
     throw UsageError(inQuotedWord(word) +
-                     " is no time: write a number and a unit, such as 80ns, 200us, 10ms, 1.5s "
+                     " is not a time: write a number and a unit, such as 80ns, 200us, 10ms, 1.5s "
                      "or 25ticks");
 }
 

@@ -32,7 +32,7 @@ std::int32_t speedFrom(std::string_view word) {
     const auto speed = wholeNumber<std::int32_t>(word);
     if (!speed || *speed > fastest || *speed < -fastest)
         throw UsageError(inQuotedWord(word) +
-                         " is no speed: an encoder makes -10000000 to 10000000 quarter steps a second");
+                         " is not a speed: an encoder makes -10000000 to 10000000 quarter steps a second");
     return *speed;
 }
 
@@ -40,14 +40,14 @@ std::int32_t speedFrom(std::string_view word) {
 vboard_speed pieceFrom(std::string_view word, bool isLast) {
     const std::size_t slash = word.find('/');
     if (slash == std::string_view::npos && !isLast)
-        throw UsageError(inQuotedWord(word) + " lacks its time, such as " + std::string(word) +
-                         "/50ms: only the last speed stays");
+        throw UsageError(inQuotedWord(word) + " needs a time, as in " + std::string(word) +
+                         "/50ms: only the last speed can go without");
     const std::string_view speeds = word.substr(0, slash);
     const std::size_t dots = speeds.find("..");
     const std::int32_t from = speedFrom(speeds.substr(0, dots));
     const std::int32_t to = dots == std::string_view::npos ? from : speedFrom(speeds.substr(dots + 2));
     if (slash == std::string_view::npos && from != to)
-        throw UsageError(inQuotedWord(word) + " lacks the time in which the speed changes, such as " +
+        throw UsageError(inQuotedWord(word) + " needs the time in which the speed changes, as in " +
                          std::string(word) + "/50ms");
     constexpr Ticks longest = Ticks{1} << 40;
     const Ticks ticks = slash == std::string_view::npos ? 1 : ticksFrom(word.substr(slash + 1));
@@ -68,11 +68,12 @@ SquareWave squareFrom(std::string_view text) {
     if (words.size() > 3) throw UsageError("a square wave has at most a period, a high time and a start");
     SquareWave wave{ticksFrom(words[0]), 0, 0};
     if (wave.period < 2)
-        throw UsageError(inQuotedWord(words[0]) + " is too short a period: it has 16 ns or more");
+        throw UsageError(inQuotedWord(words[0]) + " is too short for a period: the minimum is 16 ns");
     wave.high = words.size() > 1 ? ticksFrom(words[1]) : wave.period / 2;
     if (wave.high == 0 || wave.high >= wave.period)
-        throw UsageError("a high time of " + durationText(wave.high) + " is no part of a period of " +
-                         durationText(wave.period) + ": for a level say high or low");
+        throw UsageError("a high time of " + durationText(wave.high) +
+                         " does not fit: it must be above 0 and below the period of " +
+                         durationText(wave.period) + "; high or low gives a constant level");
     wave.start = words.size() > 2 ? ticksFrom(words[2]) : wave.period - wave.high;
     return wave;
 }
@@ -82,7 +83,7 @@ EdgesWave edgesFrom(std::string_view text) {
     for (const std::string_view word : partsOf(text, ',')) {
         const Ticks place = ticksFrom(word);
         if (!wave.places.empty() && place <= wave.places.back())
-            throw UsageError("the edge at " + std::string(word) + " is not behind the one before it");
+            throw UsageError("the edge at " + std::string(word) + " is not later than the one before it");
         wave.places.push_back(place);
     }
     return wave;
@@ -100,13 +101,13 @@ unsigned inputFrom(std::string_view word) {
     const unsigned count = isNumber ? inputCount : isFront ? inputCount - frontInput : frontInput;
     if (number && *number < count) return first + *number;
     throw UsageError(inQuotedWord(word) +
-                     " is no input: they are GPI_0 to GPI_7 and FRONT_GPI_0 to FRONT_GPI_3");
+                     " is not an input: they are GPI_0 to GPI_7 and FRONT_GPI_0 to FRONT_GPI_3");
 }
 
 WaveRequest parseWave(std::string_view word) {
     const std::size_t equals = word.find('=');
     if (equals == std::string_view::npos)
-        throw UsageError(inQuotedWord(word) + " is no wave; the forms are " + waveForms);
+        throw UsageError(inQuotedWord(word) + " is not a wave; the forms are " + waveForms);
     const auto inputs = partsOf(word.substr(0, equals), ',');
     const std::string_view wave = word.substr(equals + 1);
     const std::size_t colon = wave.find(':');
@@ -116,8 +117,7 @@ WaveRequest parseWave(std::string_view word) {
     const unsigned input = inputFrom(inputs[0]);
     const bool isEncoder = kind == "encoder";
     if (rest.empty() && (isEncoder || kind == "square" || kind == "edges"))
-        throw UsageError(inQuotedWord(word) + " says no more than the kind of its wave; the forms are " +
-                         waveForms);
+        throw UsageError(inQuotedWord(word) + " gives only the kind of the wave; the forms are " + waveForms);
     if (inputs.size() != (isEncoder ? 2 : 1))
         throw UsageError(inQuotedWord(word) +
                          (isEncoder ? ": an encoder has two inputs, as in GPI_0,GPI_1=encoder:20000"
@@ -125,13 +125,13 @@ WaveRequest parseWave(std::string_view word) {
     if (isEncoder) {
         const unsigned second = inputFrom(inputs[1]);
         if (second == input)
-            throw UsageError(inQuotedWord(word) + ": the tracks of an encoder have an input each");
+            throw UsageError(inQuotedWord(word) + ": the two tracks of an encoder need different inputs");
         return {input, encoderFrom(rest, second)};
     }
     if (kind == "square") return {input, squareFrom(rest)};
     if (kind == "edges") return {input, edgesFrom(rest)};
     if (wave == "high" || wave == "low") return {input, LevelWave{wave == "high"}};
-    throw UsageError(inQuotedWord(wave) + " is no wave" +
+    throw UsageError(inQuotedWord(wave) + " is not a wave" +
                      didYouMean(nearestWords(kind, {"high", "low", "square", "edges", "encoder"})) +
                      "; the forms are " + waveForms);
 }

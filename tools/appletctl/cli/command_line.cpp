@@ -2,7 +2,9 @@
 
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/text.h"
+#include "appletctl/cli/command_tree.h"
 #include "appletctl/cli/help.h"
+#include "appletctl/cli/usage_errors.h"
 #include "appletctl/commands/shared_options.h"
 
 #include <algorithm>
@@ -59,7 +61,7 @@ void addGlobalOptions(CLI::App& program, Options& options) {
     program.add_flag("--offline", options.offline, "Use an instance of the applet without a board");
     program
         .add_option("--station", options.station,
-                    "Let the running station of that name carry the command out (see 'serve')")
+                    "Let the running station of that name execute the command (see 'serve')")
         ->type_name("NAME")
         ->check(
             [](const std::string& name) { return name.empty() ? "the name of the station is empty" : ""; })
@@ -72,7 +74,7 @@ void addGlobalOptions(CLI::App& program, Options& options) {
     program.add_option("--color", options.colour, "Colour: auto, always or never")
         ->check(CLI::IsMember({"auto", "always", "never"}));
     program.add_flag("-q,--quiet", options.quiet, "Print nothing but errors");
-    program.add_flag("-v,--verbose", options.verbose, "Say on the error output how the answer came about");
+    program.add_flag("-v,--verbose", options.verbose, "Show on the error output how the answer was found");
 }
 
 constexpr const char* programDescription = "Shows and sets the parameters of the applet.";

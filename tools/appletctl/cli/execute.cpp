@@ -7,7 +7,7 @@
 #include "applet_tools/base/text.h"
 #include "applet_tools/scratch/refusal.h"
 #include "appletctl/base/layout.h"
-#include "appletctl/cli/station/station_client.h"
+#include "appletctl/cli/station_client.h"
 #include "appletctl/commands/assignment_report.h"
 #include "appletctl/commands/jobs.h"
 #include "appletctl/commands/shared_options.h"
@@ -81,7 +81,7 @@ void requireAllowed(const Request& request) {
             "--look opens a board to look at it and --offline does without one: leave one of them out");
     if (options.bridge.find('/') != std::string::npos && access(options.bridge.c_str(), R_OK) != 0)
         throw UsageError("--bridge: " + shownFile(options.bridge) +
-                         " is no library that can be opened: " + std::strerror(errno));
+                         " is not a library that can be opened: " + std::strerror(errno));
     if (request.command->sets == Command::Sets::afterOwnQuestion && !options.look) return;
     if (setsSomething(request)) requireAgreement(options, nameOf(request));
 }
@@ -95,8 +95,8 @@ void requireAgreement(const Options& options, const std::string& name) {
         throw UsageError(quoted + " would write to the board, and --look only looks: leave --look out");
     if (options.of<YesOption>().isGiven) return;
     if (isatty(STDIN_FILENO) == 0)
-        throw UsageError(quoted +
-                         " writes to the board of the system, and there is no terminal to ask on: say --yes");
+        throw UsageError(
+            quoted + " writes to the board of the system, and there is no terminal to ask on: give --yes");
     std::cerr << wrapped(quoted + " writes to the board of the system. Go on? [y/N]",
                          lineWidth(STDERR_FILENO))
               << ' ' << std::flush;
@@ -115,16 +115,16 @@ void requireReadable(const std::string& file, Context& context, bool isAssignmen
     if (isThere && S_ISDIR(status.st_mode))
         reason = "it is a folder";
     else if (isThere && !S_ISREG(status.st_mode)) // opening a FIFO would wait for a writer
-        reason = "it is no regular file";
+        reason = "it is not a regular file";
     if (reason.empty()) return;
     for (const Parameter& parameter : context.parameters().all())
         if (lowerCase(parameter.name) == lowerCase(file) ||
             lowerCase(parameter.name) == "fg_" + lowerCase(file))
             throw UsageError(inQuotedWord(file) +
                              (isAssignmentWanted
-                                  ? " is a parameter, and a file or an assignment is wanted: say " +
+                                  ? " is a parameter, but a file or an assignment is expected, such as " +
                                         parameter.name + "=VALUE"
-                                  : " is a parameter, and a file is wanted"));
+                                  : " is a parameter, but a file is expected"));
     refuseUnreadable(file, reason);
 }
 
@@ -278,11 +278,11 @@ namespace {
 /** Refuses --station with the commands that start, list or end stations: it would have no effect. The environment
  *  variable is for all command lines, so it is ignored there. */
 void requireNoStation(const Command& command, const Words& words) {
+    if (!command.managesStations) return;
     const std::string name = fullName(command);
-    if (name != "serve" && !name.starts_with("station ")) return;
     for (const std::string& word : words)
         if (word == "--station" || word.starts_with("--station="))
-            throw UsageError("'" + name + "' is not carried out by a station: leave --station out" +
+            throw UsageError("'" + name + "' is not executed by a station: leave --station out" +
                              (command.argument != nullptr
                                   ? "; the name is a word, as in 'appletctl " + name + " NAME'"
                                   : ""));

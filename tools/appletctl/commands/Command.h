@@ -72,6 +72,8 @@ struct Command {
     bool takesWithToScratch =
         false; /**< answers --with on the scratch board too, so it is allowed on a board of the system */
     std::string (*moreHelp)() = nullptr; /**< shown after its words in the help */
+    bool acquires = false;               /**< may start an acquisition, or replace the board */
+    bool managesStations = false;        /**< starts, lists or ends stations, so none can execute it */
     bool showsWrites = false;            /**< the text already has the writes, so "trace" does not add them */
 };
 

@@ -1,6 +1,6 @@
 #include "appletctl/commands/jobs.h"
 
-#include "applet_tools/answers/jobs.h"
+#include "applet_tools/jobs.h"
 
 #include <iterator>
 #include <vector>

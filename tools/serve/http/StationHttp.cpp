@@ -2,12 +2,12 @@
 
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/text.h"
-#include "serve/http/Query.h"
-#include "serve/http/file_api.h"
-#include "serve/http/page_files.h"
-#include "serve/http/parameter_api.h"
-#include "serve/http/picture_api.h"
-#include "serve/http/station_api.h"
+#include "serve/http/protocol/Query.h"
+#include "serve/http/routes/file_api.h"
+#include "serve/http/routes/page_files.h"
+#include "serve/http/routes/parameter_api.h"
+#include "serve/http/routes/picture_api.h"
+#include "serve/http/routes/station_api.h"
 
 #include <malloc.h>
 #include <unistd.h>
@@ -130,6 +130,25 @@ std::string hostOf(const std::string& address) {
     if (address == "0.0.0.0") return "127.0.0.1";
     if (address == "::") return "[::1]";
     return address.find(':') == std::string::npos ? address : '[' + address + ']';
+}
+
+/** The answer to the exception that is being handled. */
+HttpAnswer answerToException() {
+    try {
+        throw;
+    } catch (const HttpError& error) {
+        return errorAnswer(error);
+    } catch (const Busy& error) {
+        return errorAnswer({status::unavailable, "busy", error.what()});
+    } catch (const applet_tools::UsageError& error) {
+        return errorAnswer({status::badRequest, "invalid", error.what()});
+    } catch (const applet_tools::Unavailable& error) {
+        return errorAnswer({status::unavailable, "none", error.what()});
+    } catch (const applet_tools::Failure& error) {
+        return errorAnswer({status::conflict, "refused", error.what()});
+    } catch (const std::exception& error) {
+        return errorAnswer({status::internal, "internal", error.what()});
+    }
 }
 
 /** Threads come and go with connections: without these bounds the heap would grow with each of them. */

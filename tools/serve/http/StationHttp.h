@@ -2,9 +2,9 @@
 #ifndef SERVE_HTTP_STATIONHTTP_H
 #define SERVE_HTTP_STATIONHTTP_H
 
-#include "serve/http/Guard.h"
-#include "serve/http/HttpTransport.h"
-#include "serve/http/Station.h"
+#include "serve/http/protocol/Guard.h"
+#include "serve/http/protocol/HttpTransport.h"
+#include "serve/http/state/Station.h"
 
 #include <memory>
 #include <string>

@@ -2,7 +2,7 @@
 #ifndef APPLET_TOOLS_ANSWERS_LINT_LINTSTATE_H
 #define APPLET_TOOLS_ANSWERS_LINT_LINTSTATE_H
 
-#include "applet_tools/answers/lint.h"
+#include "applet_tools/answers/lint/lint.h"
 
 #include <functional>
 #include <initializer_list>

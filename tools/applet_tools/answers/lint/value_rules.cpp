@@ -76,7 +76,7 @@ void refusedIfSetAgain(LintState& state) {
         const int code = writeValue(state.session().instance(), {&parameter}, requestFor(parameter, value));
         if (isNoNumber)
             state.propose("limits", {parameter.name},
-                          "The value is no number. No limit stops it, so the board receives it",
+                          "The value is not a number. No limit stops it, so the board receives it",
                           fromMessage({&parameter}, state.session().defaults().at(parameter.name)));
         else if (state.isRefused(parameter.name) && code != FG_OK)
             state.propose("limits", {parameter.name},

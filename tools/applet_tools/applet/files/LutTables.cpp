@@ -81,7 +81,7 @@ std::size_t elementsIn(const std::vector<std::string_view>& lines) {
 
 LutFile lookAtLutFile(const std::string& file) {
     const auto text = textOfFile(file);
-    if (!text) return {"it is no regular file"};
+    if (!text) return {"it is not a regular file"};
     constexpr std::string_view countKey = "nrOfElements=";
     std::map<std::string_view, std::vector<std::string_view>> sections;
     std::vector<std::string_view>* section = nullptr;
@@ -97,7 +97,7 @@ LutFile lookAtLutFile(const std::string& file) {
             if (line.find(row.section) != std::string_view::npos) section = &sections[row.section];
         if (section != nullptr) section->push_back(line);
     }
-    if (!wanted) return {"it has no line nrOfElements=NUMBER;, so it is no lookup table file"};
+    if (!wanted) return {"it has no line nrOfElements=NUMBER;, so it is not a lookup table file"};
     for (const ColourRow& row : colourRows) {
         const auto found = sections.find(row.section);
         if (found == sections.end()) return {std::string("the section ") + row.section + " is missing"};

@@ -355,8 +355,8 @@ namespace {
 
 [[noreturn]] void refuseLine(const std::string& file, std::size_t number, const std::string& text,
                              const UsageError& error) {
-    throw UsageError(toUtf8(file.c_str()) + ":" + numberText(number) + ": " + printable(text) + ": " +
-                     error.what());
+    throw UsageError(toUtf8(file.c_str()) + ":" + numberText(number) + ": " +
+                     shortened(printable(text), 200) + ": " + error.what());
 }
 
 } // namespace

@@ -113,8 +113,8 @@ Report runScenario(Context& context, const Words& words) {
                                numberText(std::round(tests[i].seconds * 1e4) / 10) + " ms");
         if (isPrinted && !writeOut(stepLine(steps[i], tests[i]))) goesOn = !own.junitFile.empty(); // unread
         if (tests[i].outcome != Outcome::failed) continue;
-        report.problems.push_back(file + ":" + numberText(steps[i].line) + ": " + printable(steps[i].text) +
-                                  ": " + tests[i].message);
+        report.problems.push_back(file + ":" + numberText(steps[i].line) + ": " +
+                                  shortened(printable(steps[i].text), 200) + ": " + tests[i].message);
         report.exitCode = exitRefused;
         goesOn = goesOn && !own.failFast;
     }
@@ -137,9 +137,9 @@ Report runScenario(Context& context, const Words& words) {
 extern const Command runScenarioCommand;
 const Command runScenarioCommand = {
     .name = "run",
-    .help = "Carry out a scenario: steps, and what is expected of them",
+    .help = "Execute a scenario: steps with their expected results",
     .argument = "FILE",
-    .argumentHelp = "File of steps, one a line",
+    .argumentHelp = "File of steps, one per line",
     .examples = {{"run line.scenario", "each step with its outcome"},
                  {"run line.scenario --junit report.xml", "with a report for a build server"}},
     .file = Command::File::read,
@@ -152,6 +152,7 @@ const Command runScenarioCommand = {
     .kind = Command::Kind::session,
     .sets = Command::Sets::always,
     .moreHelp = scenarioSteps,
+    .acquires = true,
 };
 
 } // namespace appletctl

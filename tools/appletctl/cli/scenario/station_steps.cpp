@@ -63,7 +63,7 @@ GrabWords grabWords(Words words) {
     }
     if (!words.empty() && words.front().find_first_not_of("0123456789") == std::string::npos) {
         grab.pictures = wholeFrom<std::int64_t>(words.front());
-        if (grab.pictures < 1) throw UsageError("0 is no number of pictures");
+        if (grab.pictures < 1) throw UsageError("0 is not a number of pictures");
         words.erase(words.begin());
     }
     const char* const form = "the form is 'grab [N] [FILE] [within TIME]'";
@@ -342,9 +342,7 @@ std::string expectSignal(ScenarioRunner& runner, const Step& step) {
     const SignalMeasure& measure = measureFrom(step.words[1]);
     const double wanted = measureValue(measure, step.words[3]);
     const SignalCourse course = courseOf(runner.instance(), signal.select, state.from, state.to);
-    if (!course.isComplete)
-        return "the board keeps the last 16384 edges of a signal, and " + signal.name +
-               " had more: advance by less";
+    if (!course.isComplete) return incompleteText(signal.name) + ": advance by less";
     const std::vector<double> values = measure.of(course);
     if (values.empty())
         return signal.name + " had " + numberText(course.risingEdges()) + " rising edges in " +

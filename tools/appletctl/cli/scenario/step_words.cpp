@@ -7,17 +7,17 @@ namespace appletctl {
 const Relation& relationFrom(const std::string& word) {
     const Relation* relation = relationAt(word);
     if (relation != nullptr && relation->symbol == word) return *relation;
-    throw UsageError(inQuotedWord(word) + " is none of " + relationsInWords());
+    throw UsageError(inQuotedWord(word) + " is not one of " + relationsInWords());
 }
 
 double numberFrom(const std::string& word) {
     if (const auto number = floatingNumber(word)) return *number;
-    throw UsageError(inQuotedWord(word) + " is no number");
+    throw UsageError(inQuotedWord(word) + " is not a number");
 }
 
 void checkOneOf(const std::string& word, const Words& possible) {
     if (std::ranges::find(possible, word) == possible.end())
-        throw UsageError(inQuotedWord(word) + " is none of " + join(possible, ", ") +
+        throw UsageError(inQuotedWord(word) + " is not one of " + join(possible, ", ") +
                          didYouMean(nearestWords(word, possible)));
 }
 

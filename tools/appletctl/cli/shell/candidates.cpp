@@ -4,7 +4,8 @@
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/text.h"
 #include "applet_tools/station/signals.h"
-#include "appletctl/cli/help.h"
+#include "appletctl/cli/command_line.h"
+#include "appletctl/cli/command_tree.h"
 #include "serve/StationPlace.h"
 
 #include <algorithm>
@@ -294,8 +295,12 @@ Candidates valuesOfOption(const CLI::Option& option, const std::string& word, co
     return found;
 }
 
-/** True if the names of "get" and "watch" are groups. */
-bool isGroupOption(const std::string& word) { return word == "-g" || word == "--group"; }
+/** True if a flag of the command makes its names those of groups. */
+bool areGroups(const CLI::App& command, const Words& words) {
+    const CLI::Option* const flag = command.get_option_no_throw("-g");
+    return flag != nullptr &&
+           std::ranges::any_of(words, [&](const std::string& word) { return flag->check_name(word); });
+}
 
 /** The name of a command's argument determines the kind of its words. */
 Candidates argumentsOf(const Command& command, int before, const std::string& word,
@@ -304,8 +309,7 @@ Candidates argumentsOf(const Command& command, int before, const std::string& wo
     const bool isBehindFile = kind == "FILE" && before > 0 && command.most < 0;
     Candidates files;
     if (command.most >= 0 && before >= command.most) return files;
-    if (command.group != nullptr && std::string_view(command.group->name) == "station")
-        return stationsOf(word);
+    if (command.managesStations && kind == "NAME") return stationsOf(word);
     if (before < command.mostFiles && *command.fileSuffix != '\0') files = filesOf(word, command.fileSuffix);
     if (isBehindFile || command.file == Command::File::readUnlessAssignment) {
         const Candidates assignments = assignmentsOf(parameters(), word);
@@ -365,10 +369,8 @@ std::vector<Candidate> candidatesFor(const Words& words,
             argument != nullptr)
             if (Candidates listed = valuesOfOption(*argument, word, "", parameters); !listed.empty())
                 return listed;
-    const std::string_view name = command->name;
-    if ((name == "get" || name == "watch") && std::ranges::any_of(words, isGroupOption))
-        return groupsOf(parameters(), word);
-    if (name == "help") return helpTopics(program, words, place, word);
+    if (areGroups(*place.command, words)) return groupsOf(parameters(), word);
+    if (kindOf(*command) == "COMMAND") return helpTopics(program, words, place, word);
     return argumentsOf(*command, place.arguments, word, parameters);
 }
 

@@ -98,7 +98,7 @@ const Command completionCommand = {
     .name = "completion",
     .help = "Print the script that completes words of appletctl in a shell",
     .argument = "SHELL",
-    .argumentHelp = "The shell that is to complete",
+    .argumentHelp = "The shell that the script is for",
     .examples = {{"completion bash", "to be read by: source <(appletctl completion bash)"},
                  {"completion fish", "to be read by: appletctl completion fish | source"}},
     .fewest = 1,
@@ -140,9 +140,9 @@ Report completeWords(Context& context, const Words& words) {
 extern const Command completeCommand;
 const Command completeCommand = {
     .name = "__complete",
-    .help = "Print what the last word can become, for the scripts of 'completion'",
+    .help = "Print the candidates for the last word, for the scripts of 'completion'",
     .argument = "WORD",
-    .argumentHelp = "Words of a command line, behind --",
+    .argumentHelp = "Words of a command line, after --",
     .fewest = 1,
     .most = -1,
     .run = completeWords,

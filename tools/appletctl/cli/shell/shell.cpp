@@ -2,9 +2,9 @@
 
 #include "applet_tools/base/Interruption.h"
 #include "applet_tools/base/numbers.h"
-#include "appletctl/cli/LineSession.h"
+#include "appletctl/cli/shell/LineSession.h"
 #include "appletctl/cli/shell/line_input.h"
-#include "appletctl/cli/station/station_client.h"
+#include "appletctl/cli/station_client.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/shared_options.h"
 
@@ -137,7 +137,7 @@ Report runShell(Context& context, const Words&) {
 extern const Command shellCommand;
 const Command shellCommand = {
     .name = "shell",
-    .help = "Carry out commands line by line on one board, with undo",
+    .help = "Execute commands line by line on one board, with undo",
     .examples = {{"shell", "interactive; undo, help and exit work there"},
                  {"shell -k < lines.txt", "lines of a file, going on after failures"}},
     .run = runShell,

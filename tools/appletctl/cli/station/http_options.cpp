@@ -2,7 +2,7 @@
 
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/text.h"
-#include "serve/http/Guard.h"
+#include "serve/http/protocol/Guard.h"
 
 #include <CLI/CLI.hpp>
 

@@ -3,7 +3,7 @@
 #define APPLETCTL_CLI_HTTP_OPTIONS_H
 
 #include "appletctl/base/Options.h"
-#include "serve/http/HttpTransport.h"
+#include "serve/http/protocol/HttpTransport.h"
 
 #include <optional>
 #include <string>

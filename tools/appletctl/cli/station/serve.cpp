@@ -4,8 +4,8 @@
 #include "applet_tools/base/Stopwatch.h"
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"
-#include "appletctl/cli/LineSession.h"
 #include "appletctl/cli/execute.h"
+#include "appletctl/cli/shell/LineSession.h"
 #include "appletctl/cli/station/ClientTerminal.h"
 #include "appletctl/cli/station/detached_station.h"
 #include "appletctl/cli/station/http_options.h"
@@ -16,7 +16,7 @@
 #include "serve/CommandClient.h"
 #include "serve/CommandSocket.h"
 #include "serve/http/StationHttp.h"
-#include "serve/http/page_files.h"
+#include "serve/http/routes/page_files.h"
 
 #include <CLI/CLI.hpp>
 
@@ -187,8 +187,10 @@ private:
         const Words words = command.kind == serve::ClientCommand::Kind::commandLine
                                 ? command.words
                                 : splitLine(command.line).words;
-        return std::ranges::any_of(words,
-                                   [](const std::string& word) { return word == "grab" || word == "run"; });
+        const auto acquires = [&](const Command* row) {
+            return row->acquires && std::ranges::find(words, row->name) != words.end();
+        };
+        return std::ranges::any_of(allCommands(), acquires);
     }
 
     /** A command may have replaced the board. */
@@ -328,7 +330,7 @@ const Command serveCommand = {
     .name = "serve",
     .help = "Keep the applet and its board running, for commands with --station",
     .argument = "NAME|NAME=VALUE",
-    .argumentHelp = "Name of the station, main if not given, then assignments to carry out at its start",
+    .argumentHelp = "Name of the station, main if not given, then assignments to execute at its start",
     .form = "[NAME] [NAME=VALUE...]",
     .examples = {{"serve", "a station 'main' with a virtual board, until Ctrl-C"},
                  {"serve --detach line2 --from line.mcf",
@@ -342,6 +344,7 @@ const Command serveCommand = {
     .kind = Command::Kind::local,
     .sets = Command::Sets::assignments,
     .showsValues = true,
+    .managesStations = true,
 };
 
 } // namespace appletctl

@@ -108,7 +108,7 @@ Report showLog(Context&, const Words& words) {
                       numberText(std::round(entry.at("seconds").get<double>() * 1e4) / 10) + " ms",
                       printable(entry.at("command").get<std::string>())});
     report.text = log.empty() && !isPlainOutput()
-                      ? "The station '" + name + "' has not carried out a command yet.\n"
+                      ? "The station '" + name + "' has not executed a command yet.\n"
                       : table.render(Style::forStream(STDOUT_FILENO));
     return report;
 }
@@ -120,10 +120,11 @@ extern const Command stationListCommand, stationStopCommand, stationLogCommand, 
 const Command stationListCommand = {
     .group = &stationGroup,
     .name = "list",
-    .help = "Show the stations of this user that run",
+    .help = "Show the running stations of this user",
     .examples = {{"station list", "names, boards, and the command at work"}},
     .run = listStations,
     .kind = Command::Kind::local,
+    .managesStations = true,
 };
 
 const Command stationAddressCommand = {
@@ -136,18 +137,20 @@ const Command stationAddressCommand = {
     .most = 1,
     .run = showAddress,
     .kind = Command::Kind::local,
+    .managesStations = true,
 };
 
 const Command stationStopCommand = {
     .group = &stationGroup,
     .name = "stop",
-    .help = "End a station; the command at work is interrupted",
+    .help = "End a station; a running command is interrupted",
     .argument = "NAME",
     .argumentHelp = "Name of the station, main if not given",
     .examples = {{"station stop", "the station 'main'"}},
     .most = 1,
     .run = stopStation,
     .kind = Command::Kind::local,
+    .managesStations = true,
 };
 
 const Command stationLogCommand = {
@@ -160,6 +163,7 @@ const Command stationLogCommand = {
     .most = 1,
     .run = showLog,
     .kind = Command::Kind::local,
+    .managesStations = true,
 };
 
 } // namespace appletctl

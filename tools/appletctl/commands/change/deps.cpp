@@ -76,7 +76,7 @@ Report showDependencies(Context& context, const Words& name) {
 extern const Command depsCommand;
 const Command depsCommand = {
     .name = "deps",
-    .help = "Show what a parameter moves and what moves it",
+    .help = "Show which parameters depend on a parameter, and on which it depends",
     .argument = "NAME",
     .argumentHelp = "Parameter",
     .examples = {{"deps FG_WIDTH", "what it moves and what moves it"},

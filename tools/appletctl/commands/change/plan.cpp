@@ -222,7 +222,7 @@ Report planWords(Context& context, const Words& words) {
 extern const Command planCommand;
 const Command planCommand = {
     .name = "plan",
-    .help = "Show what assignments, or a load of a file, would do, without doing it",
+    .help = "Show the effect of assignments, or of a load of a file, without doing it",
     .argument = "NAME=VALUE|FILE",
     .argumentHelp = "As for the command set; or a configuration file",
     .form = "NAME=VALUE...|FILE",
@@ -245,7 +245,7 @@ Report applyChanges(Context& context, const Words& words) {
     const bool isAsked = !options.of<YesOption>().isGiven;
     if (isAsked && isatty(STDIN_FILENO) == 0)
         throw UsageError(
-            "'apply' asks before it does anything, and there is no terminal to ask on: say --yes");
+            "'apply' asks before it does anything, and there is no terminal to ask on: give --yes");
     Report plan = planChanges(context, words);
     if (plan.exitCode != exitDone) {
         plan.problems.push_back("nothing was applied");
@@ -269,7 +269,7 @@ Report applyChanges(Context& context, const Words& words) {
 extern const Command applyCommand;
 const Command applyCommand = {
     .name = "apply",
-    .help = "Show what they would do, and do it after a question",
+    .help = "Show the same as 'plan', and do it after a question",
     .argument = "NAME=VALUE|FILE",
     .argumentHelp = "As for the command plan",
     .form = "NAME=VALUE...|FILE",

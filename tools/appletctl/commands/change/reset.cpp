@@ -150,7 +150,7 @@ const Command resetCommand = {
     .name = "reset",
     .help = "Set parameters to their defaults",
     .argument = "NAME",
-    .argumentHelp = "Parameters or elements, all without names; then assignments to carry out before",
+    .argumentHelp = "Parameters or elements, all without names; then assignments to execute first",
     .examples = {{"reset FG_WIDTH", "one parameter"},
                  {"reset 'FG_LUT_VALUE_RED[0..15]'", "elements of one"},
                  {"reset", "all of them"}},

@@ -87,7 +87,7 @@ std::string waitingText(const AccessAnswer& access) {
         access.subject + " has no effect yet: it is read-only until " + join(access.changedWith, " or ");
     if (access.missingFile.empty()) return text + '\n';
     return text + ", which is refused as long as " + shownFile(access.missingFile) +
-           " is no file that can be opened for reading\n";
+           " is not a file that can be opened for reading\n";
 }
 
 /** Reports parameters that were set but are read-only at the end, and what makes them effective. */

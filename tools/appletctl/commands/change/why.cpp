@@ -43,7 +43,7 @@ Report explainParameters(Context& context, const Words& words) {
 extern const Command whyCommand;
 const Command whyCommand = {
     .name = "why",
-    .help = "Say why a parameter is read-only or refuses a value, and what would free it",
+    .help = "Show why a parameter is read-only or refuses a value, and the remedies",
     .argument = "NAME[=VALUE]",
     .argumentHelp = "Parameters or assignments",
     .examples = {{"why FG_WIDTH=20000", "why this value is refused"},

@@ -28,7 +28,7 @@ Report checkConfiguration(Context& context, const Words& words) {
 extern const Command checkCommand;
 const Command checkCommand = {
     .name = "check",
-    .help = "Say what a load of a configuration file would lose",
+    .help = "Show what a load of a configuration file would lose",
     .argument = "FILE",
     .argumentHelp = "File to read",
     .examples = {{"check line.mcf", "without loading it"}},

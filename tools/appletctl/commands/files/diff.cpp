@@ -58,7 +58,7 @@ const Command diffCommand = {
     .name = "diff",
     .help = "Compare a configuration file with another one, or with the parameters",
     .argument = "FILE",
-    .argumentHelp = "File, then another one or assignments to carry out before",
+    .argumentHelp = "File, then another one or assignments to execute first",
     .form = "FILE [FILE] [NAME=VALUE...]",
     .examples = {{"diff line.mcf", "with the present parameters"}, {"diff old.mcf new.mcf", "two files"}},
     .file = Command::File::read,

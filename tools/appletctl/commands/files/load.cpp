@@ -63,9 +63,9 @@ Report loadFile(Context& context, const Words& words) {
 extern const Command loadCommand;
 const Command loadCommand = {
     .name = "load",
-    .help = "Load a configuration file and say what was lost of it",
+    .help = "Load a configuration file, and show what was lost",
     .argument = "FILE",
-    .argumentHelp = "File to read, then assignments to carry out before",
+    .argumentHelp = "File to read, then assignments to execute first",
     .form = "FILE [NAME=VALUE...]",
     .examples = {{"load line.mcf", "and say what was lost"},
                  {"load --strict line.mcf", "only if nothing would be lost"}},

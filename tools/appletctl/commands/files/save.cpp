@@ -40,7 +40,7 @@ const Command saveCommand = {
     .name = "save",
     .help = "Save the parameters to a configuration file",
     .argument = "FILE",
-    .argumentHelp = "File to write, .mcf, then assignments to carry out before",
+    .argumentHelp = "File to write, .mcf, then assignments to execute first",
     .form = "FILE [NAME=VALUE...]",
     .examples = {{"save line.mcf FG_WIDTH=2048", "a file with this width"},
                  {"save all.mcf", "the present values"}},

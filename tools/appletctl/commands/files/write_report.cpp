@@ -118,9 +118,9 @@ Report writeReport(Context& context, const Words& assignments) {
 extern const Command reportCommand;
 const Command reportCommand = {
     .name = "report",
-    .help = "Write all that a support needs into one file",
+    .help = "Write everything that support needs into one file",
     .argument = "NAME=VALUE",
-    .argumentHelp = "Assignments to carry out before",
+    .argumentHelp = "Assignments to execute first",
     .examples = {{"report -o report.txt", "for a question to the support"}},
     .most = -1,
     .run = writeReport,

@@ -95,7 +95,7 @@ Report describeParameters(Context& context, const Words& names) {
 extern const Command describeCommand;
 const Command describeCommand = {
     .name = "describe",
-    .help = "Show all that is known of parameters",
+    .help = "Show all properties of parameters",
     .argument = "NAME",
     .argumentHelp = "Parameters",
     .examples = {{"describe FG_LINETRIGGERMODE", "all that is known of it"}},

@@ -49,7 +49,7 @@ Report listEvents(Context& context, const Words&) {
 extern const Command eventsCommand;
 const Command eventsCommand = {
     .name = "events",
-    .help = "Show the events of the design: names, masks, what comes with them",
+    .help = "Show the events of the design: names, masks and data",
     .examples = {{"events", "names and masks"}},
     .run = listEvents,
     .showsValues = true,

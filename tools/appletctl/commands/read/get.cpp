@@ -81,7 +81,7 @@ const Command getCommand = {
     .name = "get",
     .help = "Read parameters",
     .argument = "NAME",
-    .argumentHelp = "Parameters, in any case, with or without FG_",
+    .argumentHelp = "Parameters, in upper or lower case, with or without FG_",
     .examples = {{"get width FG_HEIGHT", "two values"},
                  {"get -g roi", "a whole group"},
                  {"get --raw 'lut_value_red[0..3]'", "bare numbers of elements"}},

@@ -83,7 +83,7 @@ Report showInfo(Context& context, const Words&) {
 extern const Command infoCommand;
 const Command infoCommand = {
     .name = "info",
-    .help = "Show what the applet says of itself",
+    .help = "Show the identity of the applet, and the libraries in use",
     .examples = {{"info", "libraries, board and applet"},
                  {"--board system --look info", "of the board of the system, without writing to it"}},
     .run = showInfo,

@@ -428,7 +428,7 @@ Report watchParameters(Context& context, const Words& names) { return Watch(cont
 extern const Command watchCommand;
 const Command watchCommand = {
     .name = "watch",
-    .help = "Read parameters over and over; ends on Ctrl-C",
+    .help = "Read parameters repeatedly, until Ctrl-C",
     .argument = "NAME",
     .argumentHelp = "Parameters",
     .examples = {{"watch FG_FILLLEVEL FG_OVERFLOW", "every second, until Ctrl-C"},

@@ -108,7 +108,7 @@ Wanted wantedFrom(const Words& words) {
     if (words.empty() || isAssignment(words.front())) return wanted;
     const auto number = wholeNumber<std::int64_t>(words.front());
     if (!number || *number < 1 || *number > mostPictures)
-        throw UsageError(inQuotedWord(words.front()) + " is no number of pictures: 1 to 100000000");
+        throw UsageError(inQuotedWord(words.front()) + " is not a number of pictures: 1 to 100000000");
     wanted.pictures = *number;
     wanted.isDefault = false;
     wanted.assignments = behindFirst(words);
@@ -437,7 +437,7 @@ const Command grabCommand = {
     .name = "grab",
     .help = "Take pictures from the station that the virtual board simulates",
     .argument = "N|NAME=VALUE",
-    .argumentHelp = "Number of pictures, 1 if not given, then assignments to carry out before",
+    .argumentHelp = "Number of pictures, 1 if not given, then assignments to execute first",
     .examples = {{"grab -o chart.png FG_CAMERASIMULATOR_ENABLE=FG_CAMERASIMULATOR",
                   "a picture of the test pattern"},
                  {"grab --hash --from line.mcf", "a line for a test to compare"},
@@ -453,6 +453,7 @@ const Command grabCommand = {
     .showsValues = true,
     .takesLong = true,
     .moreHelp = grabNotes,
+    .acquires = true,
 };
 
 } // namespace appletctl

@@ -1,4 +1,4 @@
-#include "applet_tools/answers/lint.h"
+#include "applet_tools/answers/lint/lint.h"
 #include "applet_tools/base/text.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/CommandRun.h"
@@ -50,9 +50,9 @@ Report lintParameters(Context& context, const Words& words) {
 extern const Command lintCommand;
 const Command lintCommand = {
     .name = "lint",
-    .help = "Say what is legal but doubtful",
+    .help = "Find settings that are legal but doubtful",
     .argument = "FILE",
-    .argumentHelp = "File to look at, or assignments to carry out before",
+    .argumentHelp = "File to examine, or assignments to execute first",
     .form = "[FILE|NAME=VALUE...]",
     .examples = {{"lint line.mcf", "of a configuration file"},
                  {"lint FG_LUT_ENABLE=ON FG_PROCESSING_GAIN=4", "of a state"}},

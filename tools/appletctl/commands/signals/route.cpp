@@ -306,9 +306,9 @@ Report showRoutes(Context& context, const Words& assignments) {
 extern const Command routeCommand;
 const Command routeCommand = {
     .name = "route",
-    .help = "Show what each output, analyzer and event listens to, and what the board holds",
+    .help = "Show the source of each output, analyzer and event, and the board's setting",
     .argument = "NAME=VALUE",
-    .argumentHelp = "Assignments to carry out before",
+    .argumentHelp = "Assignments to execute first",
     .examples = {{"route", "which signal each output carries"},
                  {"route --dot", "as a graph, for the program dot"}},
     .most = -1,

@@ -337,7 +337,7 @@ const Command timingCommand = {
     .name = "timing",
     .help = "Show the signals over three line periods, and which output carries them",
     .argument = "NAME=VALUE",
-    .argumentHelp = "Assignments to carry out before",
+    .argumentHelp = "Assignments to execute first",
     .examples = {{"timing FG_LINEPERIODE=50", "signals of three line periods"},
                  {"timing --svg lines.svg", "as a picture"},
                  {"timing --measured --from line.mcf", "beside what the virtual board's station does"}},

@@ -2,6 +2,7 @@
 
 #include "applet_tools/applet/access_log.h"
 #include "applet_tools/applet/files/ConfigurationFile.h"
+#include "applet_tools/base/DocumentField.h"
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"
 #include "appletctl/commands/Command.h"
@@ -57,7 +58,7 @@ Lines accessesOfText(const std::string& text, const std::string& file) {
             std::erase(line, '\0');
             throw UsageError(shownFile(file) + ", line " + numberText(number) + ": " +
                              inQuotes(shortened(toUtf8(line.c_str()), mostBytes)) +
-                             " is no line of 'trace', such as 'set NAME u32 1024'");
+                             " is not a line of 'trace', such as 'set NAME u32 1024'");
         }
         if (kind == LineKind::access) lines.push_back(line);
     }
@@ -66,22 +67,36 @@ Lines accessesOfText(const std::string& text, const std::string& file) {
 
 bool holdsNoAccess(const std::string& text) { return text.find(noAccess) != std::string::npos; }
 
+/** Throws UsageError for a document that "trace" would not write. */
+Lines accessesOfDocument(const std::string& text) {
+    const ordered_json document = applet_tools::parseDocument(text);
+    if (!document.is_object() || !document.contains("accesses") || !document["accesses"].is_array())
+        throw UsageError("this is not a document of 'trace': it has no \"accesses\"");
+    Lines lines;
+    for (const auto& access : document["accesses"]) {
+        const std::string line = access.is_object() ? loggedLine(access) : "";
+        if (kindOf(line) != LineKind::access)
+            throw UsageError(
+                "this is not a document of 'trace': it has an access that 'trace' would not write");
+        lines.push_back(line);
+    }
+    return lines;
+}
+
 /** The accesses in a file written by "trace", as text or as JSON. */
 Lines accessesOfFile(const std::string& file) {
     const std::string text = requiredTextOfFile(file);
-    const auto document = ordered_json::parse(text, nullptr, false);
-    if (!document.is_object()) {
-        Lines accesses = accessesOfText(text, file);
-        if (!accesses.empty() || holdsNoAccess(text)) return accesses;
-        throw UsageError(shownFile(file) +
-                         " is no output of 'trace': it has no line such as 'set NAME u32 1024'");
-    }
-    if (!document.contains("accesses") || !document["accesses"].is_array())
-        throw UsageError(shownFile(file) + " is no document of 'trace': it has no \"accesses\"");
-    Lines lines;
-    for (const auto& access : document["accesses"])
-        if (access.is_object()) lines.push_back(loggedLine(access));
-    return lines;
+    if (const std::size_t begin = text.find_first_not_of(" \t\r\n");
+        begin != std::string::npos && text[begin] == '{')
+        try {
+            return accessesOfDocument(text);
+        } catch (const UsageError& error) {
+            throw UsageError(shownFile(file) + ": " + error.what());
+        }
+    Lines accesses = accessesOfText(text, file);
+    if (!accesses.empty() || holdsNoAccess(text)) return accesses;
+    throw UsageError(shownFile(file) +
+                     " is not output of 'trace': it has no line such as 'set NAME u32 1024'");
 }
 
 /** A line that is only on one side. */
@@ -138,7 +153,11 @@ Report traceRun(Context& context, bool isShownByCommand, const std::function<Rep
     std::string text;
     for (const std::string& line : context.accesses())
         text += accessLine(line);
-    if (text.empty()) text = forPerson(std::string("  ") + noAccess + '\n');
+    if (text.empty()) {
+        text = "  ";
+        text.append(noAccess).append("\n");
+        text = forPerson(text);
+    }
     // Text that the command printed itself is already out; the accesses, or the document, follow.
     report.text = report.isPrinted ? text : report.text + text;
     report.isPrinted = false;
@@ -169,7 +188,7 @@ Report compareTraces(Context&, const Words& files) {
 extern const Command traceCommand;
 const Command traceCommand = {
     .name = "trace",
-    .help = "Show what a command does to the design, or compare two such logs",
+    .help = "Show the accesses of a command to the design, or compare two such logs",
     .argument = "COMMAND",
     .argumentHelp = "A command with its words; or diff and two files",
     .examples = {{"trace set FG_WIDTH=2048", "what it writes to the design"},

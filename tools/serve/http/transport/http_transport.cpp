@@ -1,6 +1,6 @@
 // The HTTP server of a station, by the library cpp-httplib.
 
-#include "serve/http/HttpTransport.h"
+#include "serve/http/protocol/HttpTransport.h"
 #include "serve/http/transport/ClientStream.h"
 
 #include <pthread.h>
@@ -216,6 +216,8 @@ private:
                 stream.beginBody();
                 request.headers.erase("Accept-Encoding"); // compression would cost more than the loopback
                 request.headers.erase("Range");
+                request.headers.erase(
+                    "Content-Type"); // the library reads less of a form, as curl declares it
                 request.ranges.clear();
             };
             if (!process_request(stream, false, isClosed, prepare)) {

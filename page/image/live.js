@@ -1,0 +1,119 @@
+// The pictures of the station, one request at a time.
+
+import { ApiError, request } from '../base/api.js';
+import { shown, sleep } from '../base/pace.js';
+import { get, set } from '../base/state.js';
+
+/**
+ * A picture as it came.
+ * @typedef {{number: number, tick: number, width: number, height: number, format: string,
+ *   bitmap: ImageBitmap, region: {x: number, y: number, w: number, h: number}}} Frame
+ *   width and height are those of the whole picture, region is the part of it that the bitmap shows.
+ */
+
+/**
+ * Fetches a part of a picture.
+ * @param {object} query of /api/frame
+ * @param {AbortSignal} [signal]
+ * @returns {Promise<Frame|null>} null if no newer picture came in time
+ */
+export async function fetchFrame(query, signal) {
+  const response = await request('GET', '/api/frame', { query, signal });
+  if (response.status === 204) return null;
+  const header = (name) => response.headers.get(name);
+  const bitmap = await createImageBitmap(await response.blob());
+  const width = Number(header('X-Width'));
+  const height = Number(header('X-Height'));
+  const [x, y, w, h] = query.region ? query.region.split(',').map(Number) : [0, 0, width, height];
+  return {
+    number: Number(header('X-Picture')),
+    tick: Number(header('X-Tick')),
+    width,
+    height,
+    format: header('X-Format') ?? '',
+    bitmap,
+    region: { x, y, w: Math.min(w, width - x), h: Math.min(h, height - y) },
+  };
+}
+
+/** Follows the station picture by picture, holds while frozen or hidden, and waits while there is no signal. */
+export class Live {
+  /**
+   * @param {{wanted: function(): object|null, onFrame: function(Frame): void,
+   *   onTrouble: function(ApiError|null): void, onMisfit: function(): void}} options
+   *   wanted: part and size of the next picture as query of /api/frame, null while there is no room for one;
+   *   onTrouble: why no picture comes, null when one has come;
+   *   onMisfit: the picture has no such part.
+   */
+  constructor(options) {
+    this.options = options;
+    this.number = 0;
+    this.isStale = false;
+    this.controller = new AbortController();
+    this.rates = [];
+    this.run();
+  }
+
+  /** Another part or size is wanted: the request on its way ends, and the same picture is fetched anew. */
+  refresh() {
+    this.isStale = true;
+    this.controller.abort();
+  }
+
+  /** The station counts its pictures anew. */
+  restart() {
+    this.number = 0;
+    this.refresh();
+  }
+
+  /** Pictures a second that were shown lately. */
+  shownRate() {
+    const now = performance.now();
+    this.rates = this.rates.filter((time) => now - time < 2000);
+    return this.rates.length / 2;
+  }
+
+  async run() {
+    for (;;) {
+      await shown();
+      this.controller = new AbortController();
+      const signal = this.controller.signal;
+      const wanted = this.options.wanted();
+      if (!wanted || (get('frozen') && !this.isStale)) {
+        await sleep(wanted ? 60_000 : 100, signal);
+        continue;
+      }
+      const which =
+        get('frozen') && this.number
+          ? { picture: this.number }
+          : { after: this.isStale ? Math.max(0, this.number - 1) : this.number, timeout: 2000 };
+      this.isStale = false;
+      try {
+        const frame = await fetchFrame({ ...which, ...wanted }, signal);
+        if (frame) this.show(frame);
+        await new Promise(requestAnimationFrame);
+      } catch (error) {
+        if (error.name === 'AbortError') continue;
+        if (error.status === 400 && wanted.region) {
+          // the picture has become smaller than the part
+          this.options.onMisfit();
+          continue;
+        }
+        if (!(error instanceof ApiError)) console.error(error);
+        this.options.onTrouble(
+          error instanceof ApiError ? error : new ApiError(0, { message: 'The picture cannot be decoded' }),
+        );
+        await sleep(error.status === 503 ? 400 : error.status === 401 ? 4000 : 1000, signal);
+      }
+    }
+  }
+
+  show(frame) {
+    if (frame.number !== this.number) this.rates.push(performance.now());
+    this.number = frame.number;
+    this.options.onTrouble(null);
+    this.options.onFrame(frame);
+    const { number, tick, width, height, format } = frame;
+    set('picture', { number, tick, width, height, format });
+  }
+}

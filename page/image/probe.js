@@ -1,0 +1,70 @@
+// The values of one pixel, asked from the station: never read from the picture on the screen.
+
+import { ApiError, getJson } from '../base/api.js';
+import { byId, COMPONENTS, grouped, setText } from '../base/dom.js';
+import { latest } from '../base/pace.js';
+import { get, on } from '../base/state.js';
+
+let shown = null; // the answer that is shown
+
+/** Shows the pixel of the cursor below the image, and again for each new picture while it is held. */
+export function startProbe() {
+  const ask = latest(showPixel, { pause: 60, abort: false });
+  on('cursor', showPlace);
+  on('cursor picture', ask);
+  on('region picture', showRegion);
+}
+
+/** The place is shown at once; the values of another pixel do not stay beside it. */
+function showPlace(cursor) {
+  setText(byId('probe-place'), cursor ? `x ${cursor.x}  y ${cursor.y}` : 'no pixel selected');
+  if (!cursor || cursor.x !== shown?.x || cursor.y !== shown?.y) clearValues('');
+}
+
+async function showPixel(signal) {
+  const cursor = get('cursor');
+  const picture = get('picture');
+  if (!cursor || !picture) return undefined;
+  if (cursor.x >= picture.width || cursor.y >= picture.height)
+    return clearValues(`outside the picture of ${picture.width} × ${picture.height} pixels`);
+  const query = { x: cursor.x, y: cursor.y, picture: picture.number };
+  try {
+    const pixel = await getJson('/api/pixel', query, signal).catch((error) => newest(error, query, signal));
+    const now = get('cursor');
+    if (now && now.x === pixel.x && now.y === pixel.y) show(pixel);
+  } catch (error) {
+    if (!(error instanceof ApiError)) throw error;
+    clearValues(error.code === 'none' ? `picture ${grouped(picture.number)} is no longer kept` : error.message);
+  }
+  return undefined;
+}
+
+/** A live picture may be gone before its pixel was asked for: then the newest one serves, and its number is shown. */
+function newest(error, { x, y }, signal) {
+  if (error.code !== 'none' || get('frozen')) throw error;
+  return getJson('/api/pixel', { x, y }, signal);
+}
+
+function show(pixel) {
+  shown = pixel;
+  const largest = 2 ** pixel.bits - 1;
+  const values = COMPONENTS.map(({ short }, i) => `${short} ${pixel.components[i]}`).join('  ');
+  setText(byId('probe-values'), values);
+  setText(byId('probe-format'), `of ${largest} (${pixel.bits} bit) in picture ${grouped(pixel.picture)}`);
+  const levels = pixel.components.map((value) => Math.round((value * 255) / largest));
+  const swatch = byId('probe-swatch');
+  swatch.style.backgroundColor = `rgb(${levels.join(' ')})`;
+  swatch.classList.toggle('filled', true);
+}
+
+function clearValues(reason) {
+  shown = null;
+  setText(byId('probe-values'), '');
+  setText(byId('probe-format'), reason);
+  byId('probe-swatch').classList.toggle('filled', false);
+}
+
+function showRegion() {
+  const region = get('region');
+  setText(byId('probe-region'), region ? `region ${region.x}, ${region.y}, ${region.w} × ${region.h}` : '');
+}

@@ -1,0 +1,104 @@
+// The bar at the top: the state of the station, its readings, and the acquisition.
+
+import { ApiError, getJson, sendJson } from '../base/api.js';
+import { byId, decimal, el, grouped, setText } from '../base/dom.js';
+import { latest } from '../base/pace.js';
+import { hideReason, showReason } from '../base/reason.js';
+import { notice, noticeError } from '../base/refusal.js';
+import { get, maySet, on, set } from '../base/state.js';
+
+const ASKED = 1000; // milliseconds between two questions for the state of the acquisition
+
+/** Asks for the state of the acquisition. */
+export const askAcquisition = latest(async (signal) => {
+  try {
+    set('acquisition', await getJson('/api/acquisition', {}, signal));
+  } catch (error) {
+    if (!(error instanceof ApiError)) throw error;
+    set('acquisition', null);
+  }
+});
+
+/**
+ * Keeps the bar up to date.
+ * @param {function(): number} shownRate pictures a second that the page shows
+ */
+export function startBar(shownRate) {
+  setInterval(() => !document.hidden && get('online') && askAcquisition(), ASKED);
+  on('station', (station) => {
+    const board =
+      { virtual: 'virtual board', system: 'board of the machine', none: 'no board' }[station.board] ?? station.board;
+    setText(byId('station-name'), station.name);
+    byId('station-name').title = `${station.applet} ${station.version}, ${board}`;
+    document.title = `${station.name} – station`;
+  });
+  on('online acquisition activity admitted frozen station', () => showState(shownRate));
+  on('picture', (picture) => setText(byId('reading-picture'), picture ? grouped(picture.number) : '–'));
+  byId('run').addEventListener('click', () => run(get('acquisition').isPaused));
+}
+
+function showState(shownRate) {
+  const acquisition = get('acquisition');
+  const isLost = acquisition?.signal?.state === 'none' && !get('frozen'); // nothing is asked for while it is frozen
+  const [state, text] = !get('admitted')
+    ? ['none', 'not admitted']
+    : !get('online')
+      ? ['lost', 'not reachable, trying again']
+      : !acquisition
+        ? ['wait', get('station')?.hasPictures === false ? 'no pictures' : 'connecting']
+        : acquisition.isPaused
+          ? ['idle', 'stopped']
+          : isLost
+            ? ['none', 'no signal']
+            : get('frozen')
+              ? ['idle', 'running, picture frozen']
+              : ['ok', 'running'];
+  byId('state').dataset.state = state;
+  setText(byId('state'), text);
+  document.body.classList.toggle('offline', state === 'lost');
+  const button = byId('run');
+  button.disabled = !acquisition || !maySet() || !get('online');
+  setText(button, acquisition?.isPaused ? 'Start' : 'Stop');
+  const isKnown = get('online') && get('admitted');
+  document.body.classList.toggle('stale', !isKnown);
+  if (!isKnown) activities.length = 0;
+  const activity = get('activity');
+  setText(byId('reading-lines'), activity ? grouped(activity.lines) : '–');
+  setText(byId('reading-rate'), lineRate());
+  setText(byId('reading-shown'), isKnown ? `${decimal(shownRate(), 1)} pictures/s` : '–');
+  if (acquisition?.isPaused) showReason('The acquisition is stopped', '', startButton());
+  else if (isLost) showReason('No signal', acquisition.signal.reason, null, acquisition.signal);
+  else if (get('online') && get('picture')) hideReason();
+}
+
+const activities = []; // of the last seconds
+
+/** Takes what the stream says of time, lines and pictures. */
+export function takeActivity(activity) {
+  if (activity.tick < activities.at(-1)?.tick) activities.length = 0; // another process
+  activities.push(activity);
+  if (activities.length > 8) activities.shift();
+  set('activity', activity);
+}
+
+/** Lines of the source in a second of the station's time. */
+function lineRate() {
+  const from = activities[0];
+  const to = activities.at(-1);
+  if (!from || to.tick === from.tick) return '–';
+  const rate = (to.lines - from.lines) / ((to.tick - from.tick) * (get('station')?.tickNs ?? 8) * 1e-9);
+  return rate >= 1000 ? `${decimal(rate / 1000, 2)} kHz` : `${decimal(rate, 0)} Hz`;
+}
+
+async function run(isRunning) {
+  try {
+    await sendJson('POST', '/api/acquisition', { isRunning });
+    notice('run', null);
+  } catch (error) {
+    noticeError('run', error, { onDone: askAcquisition });
+  }
+  askAcquisition();
+}
+
+const startButton = () =>
+  maySet() ? el('button', { type: 'button', class: 'primary', text: 'Start', on: { click: () => run(true) } }) : null;

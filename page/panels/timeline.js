@@ -1,0 +1,297 @@
+// Signals, images and events on one axis of time.
+
+import { ApiError, getJson } from '../base/api.js';
+import { byId, colour, duration, el, onResize, press, setText, sizeCanvas } from '../base/dom.js';
+import { latest, oncePerFrame } from '../base/pace.js';
+import { get, on } from '../base/state.js';
+import { LANE, makeLanes, paintLane, partOf } from '../draw/lanes.js';
+import { ticks } from '../draw/plots.js';
+
+const WINDOWS = [
+  ['1 ms', 1e-3],
+  ['10 ms', 1e-2],
+  ['100 ms', 0.1],
+  ['1 s', 1],
+];
+const AXIS = 20;
+const SHORTEST = 100; // ticks
+const PAUSE = 250;
+const LAG = 0.3; // seconds of the machine: events and images come to the server's list that much later
+const EDGES = 2000; // of a signal; the server leaves out older ones
+const MOST_EDGES = 32768;
+const ALWAYS = ['ExSync', 'Flash', 'LVAL']; // other signals have a lane once they had an edge
+
+/** Builds the panel, and follows the station while it is shown and not on hold. */
+export function startTimeline() {
+  const timeline = new Timeline();
+  byId('panel-timeline').append(timeline.node);
+}
+
+class Timeline {
+  constructor() {
+    this.span = 1e-2;
+    this.isHeld = false;
+    this.range = null; // [from, to] in ticks, while on hold
+    this.kept = null; // the answer that was held: the station's own record goes on
+    this.mark = null; // tick
+    this.seen = new Set(ALWAYS);
+    this.seenEvents = new Set();
+    this.pointer = null;
+    this.canvas = el('canvas', { id: 'timeline-canvas', tabindex: 0, role: 'img', 'aria-label': 'Timeline' });
+    this.names = el('ul', { class: 'lanes', id: 'timeline-lanes' });
+    this.note = el('span', { class: 'muted', id: 'timeline-note' });
+    this.spans = WINDOWS.map(([text, seconds]) =>
+      el('button', {
+        type: 'button',
+        text,
+        'aria-pressed': String(seconds === this.span),
+        on: { click: () => this.setSpan(seconds) },
+      }),
+    );
+    this.hold = el('button', {
+      type: 'button',
+      text: 'Hold',
+      'aria-pressed': 'false',
+      id: 'timeline-hold',
+      on: { click: () => this.setHeld(!this.isHeld) },
+    });
+    this.node = el(
+      'div',
+      { class: 'timeline' },
+      el(
+        'div',
+        { class: 'tools' },
+        el('div', { class: 'joined', role: 'group', 'aria-label': 'Window' }, ...this.spans),
+        this.hold,
+        this.note,
+      ),
+      el('div', { class: 'chart' }, this.names, this.canvas),
+    );
+    this.draw = oncePerFrame(() => this.paint());
+    this.read = latest((signal) => this.load(signal), { pause: PAUSE });
+    this.readNow = latest((signal) => this.load(signal), { abort: true });
+    byId('panel-timeline').addEventListener('shown', () => this.read());
+    on('activity', () => !this.isHeld && this.read());
+    onResize(this.canvas, this.draw);
+    this.listen();
+  }
+
+  setSpan(seconds) {
+    this.span = seconds;
+    if (this.range) {
+      const middle = (this.range[0] + this.range[1]) / 2;
+      const half = (seconds * 1e9) / this.answer.tickNs / 2;
+      this.range = [Math.max(0, middle - half), middle + half];
+    }
+    this.spans.forEach((button, i) => press(button, WINDOWS[i][1] === seconds));
+    this.readNow();
+  }
+
+  setHeld(isHeld) {
+    if (isHeld && !this.answer) return;
+    this.isHeld = isHeld;
+    press(this.hold, isHeld);
+    this.range = isHeld ? [this.answer.from, this.answer.to] : null;
+    this.kept = isHeld ? this.answer : null;
+    if (isHeld) this.keepMore();
+    else this.mark = null;
+    this.readNow();
+  }
+
+  /** Reads the held window with all edges that the station still has, for a look into it. */
+  async keepMore() {
+    const { kept } = this;
+    const count = ({ signals }) => signals.reduce((sum, { edges }) => sum + edges.length, 0);
+    const more = await getJson('/api/timeline', { from: kept.from, to: kept.to, most: MOST_EDGES }).catch(() => null);
+    if (more && this.kept === kept && count(more) > count(kept)) this.kept = more;
+  }
+
+  async load(signal) {
+    if (byId('panel-timeline').hidden || document.hidden) return undefined;
+    const now = get('activity')?.tick;
+    if (now === undefined) return undefined;
+    const { range, kept } = this;
+    if (range && kept && range[0] >= kept.from && range[1] <= kept.to) return this.show(partOf(kept, ...range));
+    const { tickNs = 8, clock } = get('station') ?? {};
+    const end = now - (LAG * (clock?.factor ?? 1) * 1e9) / tickNs;
+    const [from, to] = range ?? [end - (this.span * 1e9) / tickNs, end];
+    try {
+      const answer = await getJson(
+        '/api/timeline',
+        { from: Math.max(0, Math.round(from)), to: Math.max(0, Math.round(to)), most: EDGES },
+        signal,
+      );
+      if (range === this.range) this.show(answer); // else the window has moved meanwhile
+    } catch (error) {
+      if (!(error instanceof ApiError)) throw error;
+      setText(this.note, error.message);
+    }
+    return undefined;
+  }
+
+  show(answer) {
+    this.answer = answer;
+    this.lanes = makeLanes(answer, this.seen, this.seenEvents);
+    this.showNames();
+    this.draw();
+  }
+
+  seconds(count) {
+    return count * this.answer.tickNs * 1e-9;
+  }
+
+  showNames() {
+    this.names.replaceChildren(
+      ...this.lanes.map(({ name, text, title, kind }) =>
+        el(
+          'li',
+          { title: title || name, 'data-kind': kind },
+          el('span', { class: 'lane', text: name }),
+          el('span', { class: 'number', text }),
+        ),
+      ),
+    );
+    this.canvas.style.height = `${this.lanes.length * LANE + AXIS}px`;
+    const { from, to } = this.answer;
+    this.caption();
+    this.canvas.setAttribute(
+      'aria-label',
+      `Timeline of ${duration(this.seconds(to - from))}: ` +
+        this.lanes.map(({ name, text }) => `${name} ${text}`).join('; '),
+    );
+  }
+
+  caption() {
+    const { from, to, areEventsCut } = this.answer;
+    const signals = this.lanes.some(({ isCut }) => isCut) ? '; ≈ are estimates, older edges are left out' : '';
+    const events = areEventsCut ? '; older events are left out' : '';
+    const marked =
+      this.mark !== null && this.pointer !== null
+        ? `; from the mark ${duration(this.seconds(this.pointer - this.mark))}`
+        : '';
+    setText(
+      this.note,
+      `${duration(this.seconds(to - from))} from ${duration(this.seconds(from))}${marked}${signals}${events}`,
+    );
+  }
+
+  x(tick) {
+    const { from, to } = this.answer;
+    return ((tick - from) / (to - from)) * this.width;
+  }
+
+  tickAt(x) {
+    const { from, to } = this.answer;
+    return from + (x / this.width) * (to - from);
+  }
+
+  paint() {
+    if (!this.answer || !this.canvas.clientWidth) return;
+    const { context, width, height } = sizeCanvas(this.canvas);
+    this.width = width;
+    context.clearRect(0, 0, width, height);
+    context.font = '11px system-ui, sans-serif';
+    this.paintAxis(context, height);
+    const scale = { width, x: (tick) => this.x(tick) };
+    this.lanes.forEach((lane, i) => paintLane(context, lane, i * LANE, scale));
+    if (this.mark !== null) this.paintMark(context, this.mark, height);
+    if (this.pointer !== null) this.paintMark(context, this.pointer, height);
+  }
+
+  paintAxis(context, height) {
+    const { from, to } = this.answer;
+    context.strokeStyle = colour('grid');
+    context.fillStyle = colour('muted');
+    context.textBaseline = 'bottom';
+    context.beginPath();
+    for (const at of ticks(0, this.seconds(to - from), this.width / 90)) {
+      const x = Math.round((at / this.seconds(to - from)) * this.width) + 0.5;
+      context.moveTo(x, 0);
+      context.lineTo(x, height - AXIS + 4);
+      const text = at ? duration(at) : '0';
+      context.fillText(text, Math.min(this.width - context.measureText(text).width, x + 3), height - 2);
+    }
+    this.lanes.forEach((_, i) => {
+      context.moveTo(0, (i + 1) * LANE - 0.5);
+      context.lineTo(this.width, (i + 1) * LANE - 0.5);
+    });
+    context.stroke();
+  }
+
+  paintMark(context, tick, height) {
+    context.fillStyle = colour('accent');
+    context.fillRect(Math.round(this.x(tick)), 0, 1, height - AXIS);
+  }
+
+  listen() {
+    let drag = null;
+    this.canvas.addEventListener('pointerdown', (event) => {
+      if (!this.answer) return;
+      this.canvas.setPointerCapture(event.pointerId);
+      drag = { x: event.offsetX, isMoved: false };
+    });
+    this.canvas.addEventListener('pointermove', (event) => {
+      if (!this.answer) return;
+      if (drag && Math.abs(event.offsetX - drag.x) > 3) {
+        drag.isMoved = true;
+        this.shift(this.tickAt(drag.x) - this.tickAt(event.offsetX));
+        drag.x = event.offsetX;
+      }
+      this.pointer = this.isHeld ? this.tickAt(event.offsetX) : null;
+      this.caption();
+      this.draw();
+    });
+    this.canvas.addEventListener('pointerup', (event) => {
+      if (drag && !drag.isMoved) {
+        if (!this.isHeld) this.setHeld(true);
+        this.mark = this.tickAt(event.offsetX);
+      }
+      drag = null;
+      this.draw();
+    });
+    this.canvas.addEventListener('pointerleave', () => {
+      this.pointer = null;
+      this.draw();
+    });
+    this.canvas.addEventListener(
+      'wheel',
+      (event) => {
+        event.preventDefault();
+        this.zoom(Math.exp(Math.max(-60, Math.min(60, event.deltaY)) / 150), event.offsetX);
+      },
+      { passive: false },
+    );
+    this.canvas.addEventListener('keydown', (event) => {
+      const span = this.answer ? this.answer.to - this.answer.from : 0;
+      const action = {
+        ArrowLeft: () => this.shift(-span / 8),
+        ArrowRight: () => this.shift(span / 8),
+        '+': () => this.zoom(0.5, this.width / 2),
+        '-': () => this.zoom(2, this.width / 2),
+      }[event.key];
+      if (!action || !span) return;
+      event.preventDefault();
+      event.stopPropagation();
+      action();
+    });
+  }
+
+  shift(count) {
+    if (!this.isHeld) this.setHeld(true);
+    this.range = this.range.map((tick) => tick + count);
+    Object.assign(this.answer, { from: this.range[0], to: this.range[1] });
+    this.draw();
+    this.readNow();
+  }
+
+  zoom(factor, x) {
+    if (!this.answer) return;
+    if (!this.isHeld) this.setHeld(true);
+    const at = this.tickAt(x);
+    const [from, to] = this.range;
+    const next = [at - (at - from) * factor, at + (to - at) * factor];
+    if (next[1] - next[0] < SHORTEST) return;
+    this.range = [Math.max(0, next[0]), next[1]];
+    this.readNow();
+  }
+}

@@ -1,0 +1,26 @@
+/** The messages about wrong command lines. */
+#ifndef APPLETCTL_CLI_USAGE_ERRORS_H
+#define APPLETCTL_CLI_USAGE_ERRORS_H
+
+#include "appletctl/commands/Command.h"
+
+#include <CLI/CLI.hpp>
+
+#include <string>
+
+namespace appletctl {
+
+/** "; did you mean 'set'?" for a misspelt command of the group, or of the program (null); else a reference to
+ *  the list. */
+std::string commandSuggestion(const CommandGroup* group, const std::string& word);
+
+/** The error in words that CLI11 rejected. `app` is the command that they belong to. */
+std::string usageError(const CLI::App& program, const CLI::App& app, const CLI::ParseError& error,
+                       const Words& words);
+
+/** Throws UsageError when the command takes more or fewer words, or no assignments. */
+void checkWords(const Command& command, const Words& words);
+
+} // namespace appletctl
+
+#endif

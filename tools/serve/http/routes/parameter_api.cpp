@@ -1,0 +1,209 @@
+#include "serve/http/routes/parameter_api.h"
+
+#include "applet_tools/answers/order.h"
+#include "applet_tools/applet/assignments.h"
+#include "applet_tools/base/errors.h"
+#include "applet_tools/base/text.h"
+#include "applet_tools/scratch/ValuesBefore.h"
+#include "applet_tools/scratch/refusal.h"
+#include "serve/http/protocol/Query.h"
+
+#include "vexo/fg_errors.h"
+
+#include <algorithm>
+
+namespace serve {
+namespace {
+
+using namespace applet_tools;
+
+constexpr std::size_t mostSettings = 200;
+
+Json settingOf(const std::string& word) {
+    const std::size_t place = word.find('=');
+    return {{"name", word.substr(0, place)}, {"value", word.substr(place + 1)}};
+}
+
+/** "FG_A=1 FG_B=2" and then the refused assignment, for one request that sets them all. */
+Json wayOut(const std::string& way, const std::string& refused) {
+    Json settings = Json::array();
+    for (const std::string& word : splitLine(way).words)
+        settings.push_back(settingOf(word));
+    settings.push_back(settingOf(refused));
+    return {{"text", way}, {"settings", std::move(settings)}};
+}
+
+/** Why an assignment was refused, and the ways out, from the scratch board. */
+HttpError refusalOf(LiveSession& live, const Assignment& assignment, const std::string& words, int code) {
+    const Parameter& parameter = *assignment.target.parameter;
+    const std::string word = assignment.target.name() + "=" + assignment.text;
+    const std::string name = assignment.target.name();
+    Json members;
+    members["name"] = name;
+    members["result"] = codeAsJson(code);
+    if (const auto limits = limitsOf(parameter))
+        members["limit"] = {{"minimum", numberAsJson(limits->minimum)},
+                            {"maximum", numberAsJson(limits->maximum)},
+                            {"step", numberAsJson(limits->increment)}};
+    const Suggestion suggestion = askSuggestion(live, assignment, code);
+    members["advice"] = suggestion.words.starts_with("; ") ? suggestion.words.substr(2) : suggestion.words;
+    members["waysOut"] = Json::array();
+    if (suggestion.members.is_object()) {
+        Json& ways = members["waysOut"];
+        if (const auto nearest = suggestion.members.find("nearest"); nearest != suggestion.members.end()) {
+            const Json& value = nearest->at("value");
+            members["nearest"] = value;
+            const std::string text = name + "=" + valueWord(value);
+            ways.push_back({{"text", text}, {"settings", {settingOf(text)}}});
+        }
+        for (const Json& way : suggestion.members.at("acceptedWith"))
+            ways.push_back(wayOut(way.get<std::string>(), word));
+        if (suggestion.members.contains("setBy")) {
+            Json names = Json::array();
+            for (const Json& row : suggestion.members.at("setBy"))
+                if (row.contains("parameter")) names.push_back(row.at("parameter"));
+            members["limit"]["setBy"] = std::move(names);
+        }
+    }
+    return {status::conflict, "refused", words + suggestion.words, std::move(members)};
+}
+
+/** A client of the page writes no files of this machine. */
+void refuseFiles(LiveSession& live, const Words& words) {
+    for (const Assignment& assignment : parseAssignments(live.parameters(), words))
+        if (assignment.target.parameter->writesFile())
+            throw HttpError(status::forbidden, "forbidden",
+                            "a set of " + assignment.target.name() +
+                                " writes a file on the station's machine: use 'appletctl set' there");
+}
+
+/** Applies them in another order if this one is refused. */
+Json applyInAnyOrder(Station& station, const Words& words) {
+    try {
+        return applyAll(station, words);
+    } catch (const HttpError&) {
+        const Ordering ordering = askOrder(*station.access.live, words);
+        if (!ordering.isComplete) throw;
+        return applyAll(station, ordering.words);
+    }
+}
+
+} // namespace
+
+Json applyAll(Station& station, const Words& words) {
+    LiveSession& live = *station.access.live;
+    refuseFiles(live, words);
+    ValuesBefore before(live, words);
+    Json settings = Json::array();
+    std::optional<HttpError> refusal;
+    const auto after = [&](const AssignmentResult& result) {
+        if (result.code != FG_OK) {
+            const std::string text = refusalInWords(result);
+            // The suggestion may change the records, so the values are restored by name.
+            refusal.emplace(refusalOf(live, result.assignment, text, result.code));
+            return;
+        }
+        const Parameter& parameter = *result.assignment.target.parameter;
+        const bool isRead = result.actual.error == FG_OK;
+        settings.push_back(
+            {{"name", result.assignment.target.name()},
+             {"requested", asJson(result.assignment.value)},
+             {"actual", isRead ? asJson(result.actual.value) : Json()},
+             {"shown",
+              isRead ? Json(toUtf8(valueWithUnit(parameter, result.actual.value).c_str())) : Json()}});
+    };
+    applyAssignments(live.instance(), live.parameters(), words, {.after = after});
+    if (!refusal) return settings;
+    if (words.size() > 1) before.restore();
+    throw HttpError(*refusal);
+}
+
+Json carryOutChange(Station& station, const std::string& text, const std::function<Json()>& work) {
+    station.requireSettable();
+    ++station.sets;
+    try {
+        return station.commands.run(Work::changes, [&] {
+            Json answer;
+            const std::vector<ParameterState> before = station.parameters.states();
+            station.access.change(text, [&] { answer = work(); });
+            answer["changes"] = station.parameters.changesSince(before, false).values;
+            station.noteChanges();
+            return answer;
+        });
+    } catch (const Busy&) {
+        throw;
+    } catch (...) {
+        ++station.refusedSets;
+        throw;
+    }
+}
+
+HttpAnswer listParameters(Station& station, const HttpRequest& request, const std::string&) {
+    const Query query(request);
+    const Words names = query.list("names");
+    const bool onlyChanged = query.flag("changed");
+    return jsonAnswer(station.commands.run(Work::reads, [&] {
+        std::vector<Target> targets;
+        for (const std::string& name : names)
+            targets.push_back(station.parameters.targetOf(name));
+        if (names.empty())
+            for (const Parameter& parameter : station.access.live->parameters().all())
+                targets.push_back({&parameter});
+        Json rows = Json::array();
+        for (const Target& target : targets)
+            if (!onlyChanged || station.parameters.isChanged(target))
+                rows.push_back(station.parameters.documentOf(target));
+        return Json{{"parameters", std::move(rows)}};
+    }));
+}
+
+HttpAnswer showParameter(Station& station, const HttpRequest&, const std::string& name) {
+    return jsonAnswer(station.commands.run(
+        Work::reads, [&] { return station.parameters.documentOf(station.parameters.targetOf(name)); }));
+}
+
+HttpAnswer setParameter(Station& station, const HttpRequest& request, const std::string& name) {
+    station.requireSettable();
+    const Json body = bodyOf(request, {"value"});
+    if (!body.contains("value"))
+        throw HttpError(status::badRequest, "invalid",
+                        R"(the body has no member "value": {"value": 2048} is expected)");
+    const std::string word = name + "=" + valueWord(body.at("value"));
+    return jsonAnswer(carryOutChange(station, "set " + asShellWord(word), [&] {
+        static_cast<void>(station.parameters.targetOf(name)); // an unknown name is not an invalid value
+        Json answer = applyAll(station, {word}).at(0);
+        return answer;
+    }));
+}
+
+HttpAnswer setSeveral(Station& station, const HttpRequest& request, const std::string&) {
+    station.requireSettable();
+    const Json body = bodyOf(request, {"settings", "anyOrder"});
+    Words words;
+    if (body.contains("settings") && body.at("settings").is_array())
+        for (const Json& setting : body.at("settings")) {
+            const bool isSetting = setting.is_object() && setting.contains("name") &&
+                                   setting.at("name").is_string() && setting.contains("value");
+            if (!isSetting)
+                throw HttpError(status::badRequest, "invalid",
+                                R"(a setting is {"name": "FG_WIDTH", "value": 2048})");
+            requireMembers(setting, {"name", "value"}, "a setting");
+            words.push_back(setting.at("name").get<std::string>() + "=" + valueWord(setting.at("value")));
+        }
+    if (words.empty() || words.size() > mostSettings)
+        throw HttpError(
+            status::badRequest, "invalid",
+            R"(the body has no settings, or too many: {"settings": [{"name": "FG_WIDTH", "value": 2048}]})"
+            " with 1 to " +
+                std::to_string(mostSettings) + " of them is expected");
+    const Json anyOrder = body.value("anyOrder", Json(false));
+    if (!anyOrder.is_boolean())
+        throw HttpError(status::badRequest, "invalid",
+                        "anyOrder is " + shortened(anyOrder.dump(), 40) + ": true or false is expected");
+    return jsonAnswer(carryOutChange(station, "set " + joinWords(words), [&] {
+        return Json{{"settings",
+                     anyOrder == Json(true) ? applyInAnyOrder(station, words) : applyAll(station, words)}};
+    }));
+}
+
+} // namespace serve

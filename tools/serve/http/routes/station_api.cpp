@@ -1,0 +1,150 @@
+#include "serve/http/routes/station_api.h"
+
+#include "applet_tools/station/signals.h"
+#include "serve/http/protocol/Query.h"
+#include "serve/http/state/station_documents.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace serve {
+namespace {
+
+using namespace std::chrono_literals;
+using applet_tools::SignalCourse;
+using applet_tools::StationSignal;
+using applet_tools::Ticks;
+
+constexpr std::size_t mostStreams = 64;
+constexpr auto samplePeriod = 250ms;
+constexpr auto keepAlivePeriod = 15s;
+
+/** Pulses of one tick have one edge in the record. */
+bool isPulse(const StationSignal& signal) {
+    constexpr unsigned firstPulse = 33, lastPulse = 36;
+    return signal.select >= firstPulse && signal.select <= lastPulse;
+}
+
+Json signalAsJson(Station& station, const StationSignal& signal, Ticks from, Ticks to, std::size_t most) {
+    const SignalCourse course = courseOf(station.instance(), signal.select, from, to);
+    const bool isCut = !course.isComplete || course.edges.size() > most;
+    const auto first = course.edges.size() > most ? course.edges.end() - static_cast<std::ptrdiff_t>(most)
+                                                  : course.edges.begin();
+    Json edges = Json::array();
+    for (auto edge = first; edge != course.edges.end(); ++edge)
+        edges.push_back({edge->tick, edge->level ? 1 : 0});
+    const bool isHigh = first == course.edges.begin() ? course.startsHigh : !first->level;
+    return {{"name", signal.name},
+            {"kind", isPulse(signal) ? "pulse" : "level"},
+            {"startsHigh", isHigh},
+            {"edges", std::move(edges)},
+            {"isCut", isCut}};
+}
+
+/** A client's place in the messages. */
+struct StreamPlace {
+    std::uint64_t next;
+    EventHub::Listener listener;
+    EventHub::Clock::time_point lastSent = EventHub::Clock::now();
+    bool isFirst = true;
+
+    explicit StreamPlace(EventHub& hub) : next(hub.end()), listener(hub) {}
+};
+
+/** One step of a stream. */
+bool sendMessages(Station& station, StreamPlace& place, const HttpSend& send) {
+    const auto now = EventHub::Clock::now();
+    if (place.isFirst) {
+        place.isFirst = false;
+        if (!send("retry: 1000\n\n")) return false;
+    }
+    station.sampleIfDue(samplePeriod);
+    const auto messages = station.hub.wait(place.next, now + samplePeriod);
+    for (const auto& message : messages)
+        if (!send(*message)) return false;
+    if (!messages.empty()) place.lastSent = now;
+    if (now - place.lastSent >= keepAlivePeriod) {
+        place.lastSent = now;
+        if (!send(": \n\n")) return false;
+    }
+    return send("") && !station.hub.isClosed();
+}
+
+} // namespace
+
+HttpAnswer showStation(Station& station, const HttpRequest&, const std::string&) {
+    return jsonAnswer(station.commands.run(Work::reads, [&] { return stationAsJson(station); }));
+}
+
+HttpAnswer showLosses(Station& station, const HttpRequest&, const std::string&) {
+    station.requireVirtual();
+    return jsonAnswer(station.commands.run(
+        Work::reads, [&] { return lossesAsJson(applet_tools::lossesOf(station.instance())); }));
+}
+
+HttpAnswer showTimeline(Station& station, const HttpRequest& request, const std::string&) {
+    constexpr std::int64_t usualEdges = 4000, mostEdges = 32768;
+    constexpr std::int64_t anyTick = std::numeric_limits<std::int64_t>::max();
+    station.requireVirtual();
+    const Query query(request);
+    const auto askedFrom = query.number("from", 0, anyTick), askedTo = query.number("to", 0, anyTick);
+    if (askedFrom && askedTo && *askedFrom > *askedTo)
+        throw HttpError(status::badRequest, "invalid",
+                        "from=" + query.text("from") + " is after to=" + query.text("to") +
+                            ": a span ends where it begins, or later");
+    const auto most = static_cast<std::size_t>(query.number("most", 1, mostEdges).value_or(usualEdges));
+    std::vector<StationSignal> signals;
+    for (const std::string& name : query.list("names"))
+        signals.push_back(applet_tools::signalFrom(name));
+    if (signals.empty()) signals = applet_tools::stationSignals();
+    Json document;
+    station.commands.run(Work::reads, [&] {
+        station.takeEvents();
+        const Ticks now = station.instance().board().now(station.instance().device());
+        const Ticks to = askedTo ? std::min(now, static_cast<Ticks>(*askedTo)) : now;
+        const Ticks from = askedFrom ? std::min(to, static_cast<Ticks>(*askedFrom))
+                                     : to - std::min(to, applet_tools::ticksPerSecond);
+        document["from"] = from;
+        document["to"] = to;
+        document["now"] = now;
+        document["tickNs"] = 1e9 / static_cast<double>(applet_tools::ticksPerSecond);
+        for (const StationSignal& signal : signals)
+            document["signals"].push_back(signalAsJson(station, signal, from, to, most));
+    });
+    const Ticks from = document["from"], to = document["to"];
+    document["images"] = Json::array();
+    if (station.pictures)
+        for (const LivePictures::Picture& picture : station.pictures->allKept())
+            if (const auto& record = picture->record(); record.first_line <= to && record.last_line >= from)
+                document["images"].push_back({{"number", picture->number()},
+                                              {"from", record.first_line},
+                                              {"to", record.last_line},
+                                              {"arrival", record.arrival}});
+    document["events"] = Json::array();
+    const Station::EventSpan span = station.eventsBetween(from, to, most);
+    document["areEventsCut"] = span.isCut;
+    for (const Station::StationEvent& event : span.events)
+        document["events"].push_back({{"tick", event.tick}, {"name", event.name}});
+    return jsonAnswer(document);
+}
+
+HttpAnswer streamEvents(Station& station, const HttpRequest&, const std::string&) {
+    if (station.hub.listeners() >= mostStreams)
+        throw HttpError(status::unavailable, "busy",
+                        "there are " + std::to_string(mostStreams) +
+                            " streams already, and no more are served");
+    const auto place = std::make_shared<StreamPlace>(station.hub);
+    return {
+        .type = "text/event-stream",
+        .headers = {{"Cache-Control", "no-store"}},
+        .stream = [&station, place](const HttpSend& send) { return sendMessages(station, *place, send); }};
+}
+
+HttpAnswer sendMetrics(Station& station, const HttpRequest&, const std::string&) {
+    return {.type = "text/plain; version=0.0.4; charset=utf-8",
+            .body = std::make_shared<const std::string>(
+                station.commands.run(Work::reads, [&] { return metricsOf(station); })),
+            .headers = {{"Cache-Control", "no-store"}}};
+}
+
+} // namespace serve

@@ -1,0 +1,57 @@
+/** Messages of a station for all clients that listen. */
+#ifndef SERVE_HTTP_STATE_EVENTHUB_H
+#define SERVE_HTTP_STATE_EVENTHUB_H
+
+#include "serve/http/protocol/HttpError.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace serve {
+
+/** Keeps the latest messages. A listener that is slower misses the older ones, and slows nobody. */
+class EventHub {
+public:
+    using Clock = std::chrono::steady_clock;
+    using Message = std::shared_ptr<const std::string>; /**< as it is sent: a server-sent event */
+
+    void publish(const std::string& name, const Json& data);
+    /** The place of the next message. */
+    std::uint64_t end() const;
+    /** The messages from `place` on, which moves behind them; waits for one until `due`. */
+    std::vector<Message> wait(std::uint64_t& place, Clock::time_point due);
+    /** Ends all waits. */
+    void close();
+    bool isClosed() const;
+
+    /** Counts a listener while it exists. */
+    class Listener {
+    public:
+        explicit Listener(EventHub& hub);
+        ~Listener();
+        Listener(const Listener&) = delete;
+        Listener& operator=(const Listener&) = delete;
+
+    private:
+        EventHub& m_hub;
+    };
+    std::size_t listeners() const;
+
+private:
+    mutable std::mutex m_mutex; // guards the members below
+    std::condition_variable m_changed;
+    std::deque<Message> m_messages;
+    std::uint64_t m_end = 0; // place after the last message
+    std::size_t m_listeners = 0;
+    bool m_isClosed = false;
+};
+
+} // namespace serve
+
+#endif

@@ -1,0 +1,162 @@
+#include "serve/http/state/Station.h"
+
+#include "applet_tools/station/missing_picture.h"
+#include "applet_tools/station/signals.h"
+#include "serve/http/state/station_documents.h"
+
+#include <algorithm>
+#include <map>
+
+namespace serve {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr std::size_t mostEventsOfName = 5000;    // that are kept
+constexpr std::size_t mostEventsAtOnce = 131'072; // twice the board's queue: they come while they are taken
+
+} // namespace
+
+Station::Station(const StationAccess& stationAccess)
+    : access(stationAccess)
+    , commands(stationAccess.wake)
+    , parameters(*stationAccess.live)
+    , setup(stationAccess.station.value_or(applet_tools::StationFile()))
+    , ownImage(setup.scene ? setup.scene->image : "") {
+    if (access.board != "virtual" || !access.isWallClock) return;
+    pictures = std::make_unique<LivePictures>(commands, access.live->instance(), access.factor);
+    pictures->setOnPicture([this](const SharedPicture& picture) {
+        hub.publish("picture", {{"number", picture.number()}, {"tick", picture.record().arrival}});
+    });
+}
+
+void Station::requireVirtual() const {
+    if (access.board != "virtual")
+        throw HttpError(status::notFound, "none",
+                        "this station has no virtual board, which simulates signals and pictures");
+}
+
+LivePictures& Station::requirePictures() const {
+    if (pictures) return *pictures;
+    if (access.board != "virtual")
+        throw HttpError(status::unavailable, "none",
+                        "this station has no virtual board, which makes the pictures",
+                        {{"advice", "start one without --board and --offline"}});
+    throw HttpError(status::unavailable, "none",
+                    "the time of this station is stepped: it moves only while a command waits for it",
+                    {{"advice", "start the station with --clock wall"}});
+}
+
+std::string Station::whyNoPicture() const {
+    const LivePictures::State state = pictures->state();
+    if (state.isPaused) return "the acquisition is paused";
+    if (!state.gaveWayTo.empty())
+        return "'" + state.gaveWayTo + "' takes the pictures now; they come back after it";
+    if (!state.isRunning) return "no acquisition runs";
+    const applet_tools::WaitStart atPicture =
+        m_samples.empty() || !state.hasPicture ? state.start : m_atPicture;
+    applet_tools::WaitStart start = atPicture;
+    // The signals may have changed since the last picture: only the last second counts.
+    if (!m_samples.empty() && m_samples.front().counts.tick > start.tick) start = m_samples.front().counts;
+    start.lostImages = atPicture.lostImages;
+    return applet_tools::whyNoPicture(instance(), access.live->parameters(),
+                                      {.start = start,
+                                       .longer = "wait longer",
+                                       .wave = "a wave",
+                                       .belt = setup.belt ? &*setup.belt : nullptr,
+                                       .linesAtPicture = atPicture.lines});
+}
+
+void Station::watchSource() {
+    constexpr auto distance = 100ms, longest = 1000ms;
+    if (!pictures) return;
+    const LivePictures::State state = pictures->state();
+    if (!state.isRunning) return m_samples.clear();
+    const Clock::time_point now = Clock::now();
+    if (!m_samples.empty() && now - m_samples.back().time < distance) return;
+    m_samples.push_back({now, applet_tools::waitStart(instance())});
+    while (m_samples.size() > 1 && now - m_samples[1].time >= longest)
+        m_samples.pop_front();
+    if (m_samples.size() > 1 && state.pictures == m_sampledPictures) return;
+    m_sampledPictures = state.pictures;
+    m_atPicture = m_samples.back().counts;
+}
+
+void Station::noteChanges() {
+    if (hub.listeners() == 0) {
+        m_states.clear();
+        return;
+    }
+    if (m_states.empty()) {
+        m_states = parameters.states();
+        return;
+    }
+    ParameterDocuments::Changes changes = parameters.changesSince(m_states, true);
+    if (!changes.values.empty()) hub.publish("parameter", {{"changes", changes.values}});
+    if (!changes.limits.empty()) hub.publish("limits", {{"names", changes.limits}});
+    m_states = std::move(changes.now);
+}
+
+void Station::requireSettable() const {
+    if (!access.maySet)
+        throw HttpError(status::forbidden, "forbidden",
+                        "this station is only shown: it takes settings when it is started with --allow-set");
+}
+
+void Station::sampleIfDue(std::chrono::milliseconds period) {
+    const std::unique_lock lock(m_sampling, std::try_to_lock);
+    if (!lock || EventHub::Clock::now() - m_sampled < period) return;
+    m_sampled = EventHub::Clock::now();
+    try {
+        commands.run(Work::reads, [this] { sample(); });
+    } catch (const std::exception&) { // the station is busy, or ends: the next one is soon
+    }
+}
+
+void Station::sample() {
+    noteChanges();
+    if (access.board != "virtual") return;
+    hub.publish("station", activityOf(*this));
+    std::vector<std::int64_t> losses = applet_tools::lossesOf(instance());
+    if (losses != m_losses) hub.publish("losses", lossesAsJson(losses));
+    m_losses = std::move(losses);
+    takeEvents();
+}
+
+void Station::takeEvents() {
+    if (!commands.command().empty()) return;
+    std::map<const char*, std::vector<std::uint64_t>> taken; // by name, which stays where it is
+    vboard_event event{};
+    const auto& board = instance().board();
+    for (std::size_t i = 0; i < mostEventsAtOnce; ++i) {
+        if (board.next_event(instance().device(), &event) != VBOARD_OK) break;
+        taken[event.name].push_back(event.tick);
+    }
+    for (const auto& [name, ticks] : taken) {
+        hub.publish("event", {{"name", name}, {"tick", ticks.back()}, {"count", ticks.size()}});
+        const std::lock_guard guard(m_mutex);
+        auto& kept = m_events[name];
+        kept.insert(kept.end(), ticks.begin(), ticks.end());
+        if (kept.size() > mostEventsOfName)
+            kept.erase(kept.begin(), kept.end() - static_cast<std::ptrdiff_t>(mostEventsOfName));
+    }
+}
+
+Station::EventSpan Station::eventsBetween(std::uint64_t from, std::uint64_t to, std::size_t most) const {
+    const std::lock_guard guard(m_mutex);
+    EventSpan span;
+    for (const auto& [name, ticks] : m_events) {
+        const auto first = std::ranges::lower_bound(ticks, from);
+        for (auto tick = first; tick != ticks.end() && *tick <= to; ++tick)
+            span.events.push_back({*tick, name});
+        span.isCut = span.isCut || (ticks.size() == mostEventsOfName && ticks.front() > from);
+    }
+    std::ranges::stable_sort(span.events, {}, &StationEvent::tick);
+    if (span.events.size() > most) {
+        span.events.erase(span.events.begin(), span.events.end() - static_cast<std::ptrdiff_t>(most));
+        span.isCut = true;
+    }
+    return span;
+}
+
+} // namespace serve

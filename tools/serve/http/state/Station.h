@@ -1,0 +1,92 @@
+/** The state of the HTTP interface, which its routes share. */
+#ifndef SERVE_HTTP_STATE_STATION_H
+#define SERVE_HTTP_STATE_STATION_H
+
+#include "serve/http/state/CommandThread.h"
+#include "serve/http/state/EventHub.h"
+#include "serve/http/state/LivePictures.h"
+#include "serve/http/state/StationAccess.h"
+#include "serve/http/state/parameter_documents.h"
+
+#include <atomic>
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace serve {
+
+struct Station {
+    explicit Station(const StationAccess& stationAccess);
+
+    applet_tools::Instance& instance() const { return access.live->instance(); }
+    /** The pictures. Throws HttpError with the reason if this station has none to show. */
+    LivePictures& requirePictures() const;
+    /** Throws HttpError unless the board is virtual. For any thread. */
+    void requireVirtual() const;
+    /** Throws HttpError unless clients may set. For any thread. */
+    void requireSettable() const;
+    /** For the command thread: why there is no picture now; empty if they come. */
+    std::string whyNoPicture() const;
+    /** For the command thread, often: records what the source does, for whyNoPicture(). */
+    void watchSource();
+
+    /** For the command thread: informs the streams of changed parameters. */
+    void noteChanges();
+    /** For the command thread: informs the streams of what has happened since the last call. */
+    void sample();
+
+    /** For a thread of a stream: does that on the command thread, unless it was done within the period. */
+    void sampleIfDue(std::chrono::milliseconds period);
+
+    const StationAccess access;
+    CommandThread commands;
+    EventHub hub;
+    std::unique_ptr<LivePictures> pictures; // null without a board whose time follows the clock
+    ParameterDocuments parameters;
+    applet_tools::StationFile setup; // camera, belt and scene as they are, for the command thread
+    const std::string ownImage;      // of the scene at the start; empty: none
+    std::mutex recording;            // held by the request that collects a series, which needs much memory
+    std::atomic<std::uint64_t> sets = 0, refusedSets = 0, requests = 0, refusedRequests = 0;
+
+    /** For the command thread: takes the events from the board's queue and informs the streams of them, unless a command
+     *  runs, which may want them for itself. */
+    void takeEvents();
+
+    struct StationEvent {
+        std::uint64_t tick;
+        std::string name;
+    };
+    struct EventSpan {
+        std::vector<StationEvent> events; /**< in the order of time */
+        bool isCut = false;               /**< the first ones are missing */
+    };
+    /** Of the events that were taken, the latest ones between two ticks, at most so many. */
+    EventSpan eventsBetween(std::uint64_t from, std::uint64_t to, std::size_t most) const;
+
+private:
+    using Clock = LivePictures::Clock;
+
+    /** The counts of the station at a moment. */
+    struct Sample {
+        Clock::time_point time;
+        applet_tools::WaitStart counts;
+    };
+
+    std::deque<Sample> m_samples;        // of the acquisition's last second, for the command thread
+    std::int64_t m_sampledPictures = 0;  // the number of pictures at the last sample
+    applet_tools::WaitStart m_atPicture; // the counts when that number was seen first
+    std::vector<applet_tools::ParameterState> m_states; // that the streams know; empty without a stream
+    std::vector<std::int64_t> m_losses;
+    std::mutex m_sampling; // held by the thread that samples
+    EventHub::Clock::time_point m_sampled{};
+    mutable std::mutex m_mutex;                                // guards the member below
+    std::map<std::string, std::deque<std::uint64_t>> m_events; // the latest ticks of each name
+};
+
+} // namespace serve
+
+#endif

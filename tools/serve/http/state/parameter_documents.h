@@ -1,0 +1,56 @@
+/** Parameters of a station as JSON. For the command thread. */
+#ifndef SERVE_HTTP_STATE_PARAMETER_DOCUMENTS_H
+#define SERVE_HTTP_STATE_PARAMETER_DOCUMENTS_H
+
+#include "applet_tools/applet/ParameterState.h"
+#include "applet_tools/scratch/LiveSession.h"
+#include "applet_tools/scratch/defaults_and_roles.h"
+#include "serve/http/protocol/HttpError.h"
+
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace serve {
+
+class ParameterDocuments {
+public:
+    explicit ParameterDocuments(applet_tools::LiveSession& live) : m_live(live) {}
+
+    /** The target that a word names, such as "FG_WIDTH" or "FG_LUT_VALUE_RED[0..9]". Throws HttpError with the
+     *  closest names. */
+    applet_tools::Target targetOf(const std::string& word);
+
+    /** All that a client shows of a parameter. */
+    Json documentOf(const applet_tools::Target& target);
+    /** Whether a setting differs from its value after a start. */
+    bool isChanged(const applet_tools::Target& target);
+
+    /** The states of all parameters, in the order of the list. */
+    std::vector<applet_tools::ParameterState> states();
+    struct Changes {
+        Json values = Json::array();       /**< [{"name", "before", "after", "shown"}, ...] */
+        std::vector<std::string> limits{}; /**< names of parameters with other limits, entries or access */
+        std::vector<applet_tools::ParameterState> now{};
+    };
+    /** The differences from the present states, which are returned too. Without `withMeasured` those of values that the board measures, and
+     *  which change by themselves, are left out. */
+    Changes changesSince(const std::vector<applet_tools::ParameterState>& before, bool withMeasured);
+
+private:
+    bool isMeasured(const std::string& name);
+    const applet_tools::DefaultAndRole& knownOf(const applet_tools::Parameter& parameter);
+
+    applet_tools::LiveSession& m_live;
+    std::map<std::string, applet_tools::DefaultAndRole> m_known; // made on first use
+    std::optional<std::set<std::string>> m_measured;             // the same
+};
+
+/** A value as JSON: a number, a text, or an array of numbers; null for an array as a whole. */
+Json asJson(const applet_tools::Value& value);
+
+} // namespace serve
+
+#endif

@@ -1,0 +1,27 @@
+/** The state of a station as JSON and as metrics. For the command thread. */
+#ifndef SERVE_HTTP_STATE_STATION_DOCUMENTS_H
+#define SERVE_HTTP_STATE_STATION_DOCUMENTS_H
+
+#include "serve/http/protocol/HttpError.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace serve {
+
+struct Station;
+
+/** What does not change: name, board, clock, version. */
+Json stationAsJson(Station& station);
+/** What moves: time, lines, pictures, rate, fill level, the running command. */
+Json activityOf(Station& station);
+/** {"losses": [{"name", "count", "message", "advice"}, ...]} for the counts of applet_tools::lossesOf. */
+Json lossesAsJson(const std::vector<std::int64_t>& losses);
+
+/** In the text format that Prometheus reads. */
+std::string metricsOf(Station& station);
+
+} // namespace serve
+
+#endif
