@@ -347,13 +347,6 @@ class ServedStation(unittest.TestCase):
         # Without the monitor's thread: events that it delivers while this one uses a node would stop both.
         events = next(one for one in acquirer._module_event_monitor_dict.values()
                       if isinstance(one, EventManagerRemoteDevice))
-        nodes.TriggerMode.value, nodes.TriggerSource.value = "On", "Software"
-        acquirer.start()
-        self.assertIsNone(acquirer.try_fetch(timeout=0.2))
-        nodes.TriggerSoftware.execute()
-        self.assertEqual(len(pictures(acquirer, 1)), 1)
-        acquirer.stop()
-        nodes.TriggerMode.value = "Off"
         nodes.EventSelector.value = "START_OF_FRAME_CAM_PORT_0"
         number = int(nodes.EventSelector.get_int_value())
         nodes.EventNotification.value = "On"
@@ -366,6 +359,12 @@ class ServedStation(unittest.TestCase):
         self.assertEqual((int(str(events.event_id), 16), mask), (number, 1 << (number - 1)))
         self.assertLessEqual(before, time_ns)
         self.assertLess(time_ns, nodes.Timestamp.value)
+        nodes.TriggerMode.value, nodes.TriggerSource.value = "On", "Software"
+        acquirer.start()
+        self.assertIsNone(acquirer.try_fetch(timeout=0.2))
+        nodes.TriggerSoftware.execute()
+        self.assertEqual(len(pictures(acquirer, 1)), 1)
+        acquirer.stop()
 
     def test_a_browser_sees_the_same_picture(self):
         address = self.serve("--port", "0", "--factor", "0.1", *self.SIMULATOR)["address"]
