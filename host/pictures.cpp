@@ -31,7 +31,7 @@ std::string whyNone(vexo_station& station, const Acquisition& acquisition) {
     const std::lock_guard lock(station.mutex);
     const applet_tools::PictureWait wait{
         .start = acquisition.start(), .longer = "wait longer", .wave = "a wave (vexo_wave)"};
-    return whyNoPicture(station.instance, station.live.parameters(), wait);
+    return whyNoPicture(station.instance, station.live.parameters(), wait).reason;
 }
 
 /** The caller's bytes. Throws Error for a description that cannot be of a picture. */

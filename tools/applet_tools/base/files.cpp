@@ -199,7 +199,8 @@ std::string whyUnreadable(const std::string& path) {
     struct stat status {};
     if (stat(path.c_str(), &status) != 0 || access(path.c_str(), R_OK) != 0) return std::strerror(errno);
     if (S_ISDIR(status.st_mode)) return "it is a folder";
-    return S_ISREG(status.st_mode) ? "" : "it is not a regular file"; // opening a FIFO would wait for a writer
+    return S_ISREG(status.st_mode) ? ""
+                                   : "it is not a regular file"; // opening a FIFO would wait for a writer
 }
 
 void refuseUnreadable(const std::string& path, const std::string& reason) {
