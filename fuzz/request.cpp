@@ -79,7 +79,7 @@ void readBody(const HttpRequest& request) {
         const serve::Json body = serve::bodyOf(request, {"value", "settings", "points"});
         for (const auto& [name, value] : body.items())
             readOrRefuse(
-                [&value = value] { require(valueWord(value).size() < 100'000, "a value is a word"); });
+                [&value = value] { require(serve::valueWord(value).size() < 100'000, "a value is a word"); });
     });
 }
 
