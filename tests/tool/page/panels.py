@@ -200,10 +200,15 @@ class Panels(Journey):
 
     def wait_for_table(self, page, act):
         """Until the tables that the act writes are read again."""
-        with page.expect_response(lambda answer: "/api/lut/blue" in answer.url and answer.request.method == "PUT"):
+        written = []
+
+        def is_read_after_write(answer):
+            if "/api/lut/blue" in answer.url and answer.request.method == "PUT":
+                written.append(answer)
+            return bool(written) and "/api/lut/blue?" in answer.url
+
+        with page.expect_response(is_read_after_write):
             act()
-        with page.expect_response(lambda answer: "/api/lut/blue?" in answer.url):
-            pass
 
     def test_files_and_belt(self):
         page = self.open(self.belt)
