@@ -150,10 +150,10 @@ std::string nearestKey(const ParameterList& parameters, const std::string& key) 
     try {
         return didYouMean({parameters.find(word).name}) +
                " A load takes it in capitals and without blanks only";
-    } catch (const UsageError& error) {
-        const std::string words = error.what();
-        const std::size_t nearest = words.find("; did you mean ");
-        return nearest != std::string::npos ? words.substr(nearest) : "";
+    } catch (const UnknownName& error) {
+        return didYouMean(error.nearest);
+    } catch (const UsageError&) { // several have that label
+        return "";
     }
 }
 
