@@ -63,7 +63,7 @@ public:
         if constexpr (std::is_arithmetic_v<T> || std::is_enum_v<T>)
             append(&value, sizeof value);
         else
-            forMembers(value, [this](const auto& member) { put(member); });
+            forMembers(value, [this](const auto& member) { this->put(member); });
     }
     void put(const std::string& text) { putArray(text.data(), text.size()); }
     void put(const std::vector<std::uint32_t>& table) { putArray(table.data(), table.size()); }
@@ -74,7 +74,7 @@ public:
     }
     template <typename... T> void put(const std::variant<T...>& value) {
         put(static_cast<std::uint8_t>(value.index()));
-        std::visit([this](const auto& alternative) { put(alternative); }, value);
+        std::visit([this](const auto& alternative) { this->put(alternative); }, value);
     }
 
 private:
@@ -100,7 +100,7 @@ public:
         if constexpr (std::is_arithmetic_v<T> || std::is_enum_v<T>)
             take(&value, sizeof value);
         else
-            forMembers(value, [this](auto& member) { get(member); });
+            forMembers(value, [this](auto& member) { this->get(member); });
     }
     void get(std::string& text) {
         text.resize(count(1));

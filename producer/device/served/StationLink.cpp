@@ -120,7 +120,7 @@ template <typename Function> void StationLink::withListener(Function function) {
 
 void StationLink::handle(Packet packet) {
     ToClient message = answerFrom(packet.bytes);
-    if (const auto* picture = std::get_if<Picture>(&message.answer)) {
+    if (const auto* picture = std::get_if<station_channel::Picture>(&message.answer)) {
         if (picture->width > mostPixels || picture->lines > mostLines)
             throw Malformed("a picture is too large");
         const SharedMemory memory(std::move(packet.descriptor), picture->size);

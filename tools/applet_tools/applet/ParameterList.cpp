@@ -214,7 +214,7 @@ std::vector<std::string> ParameterList::closestNames(std::string_view name) cons
         least = std::min(least, editDistance(withoutPrefix(word), withoutPrefix(lowerCase(parameter.name))));
     }
     if (word.size() > 2 * farthestLabel && least > 0) {
-        const auto labelled = namesWithLabelNear(m_parameters, word, least - 1);
+        auto labelled = namesWithLabelNear(m_parameters, word, least - 1);
         if (!labelled.empty()) return labelled;
     }
     const std::vector<std::string> near = nearestWords(name, names);

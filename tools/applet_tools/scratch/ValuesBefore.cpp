@@ -4,8 +4,6 @@
 
 #include "vexo/fg_errors.h"
 
-#include <ranges>
-
 namespace applet_tools {
 
 ValuesBefore::ValuesBefore(LiveSession& live, const Words& assignments) : m_live(live) {
@@ -17,8 +15,8 @@ ValuesBefore::ValuesBefore(LiveSession& live, const Words& assignments) : m_live
 }
 
 void ValuesBefore::restore() {
-    for (const auto& [name, value] : m_values | std::views::reverse)
-        writeValue(m_live.instance(), findTarget(m_live.parameters(), name), value);
+    for (auto before = m_values.rbegin(); before != m_values.rend(); ++before)
+        writeValue(m_live.instance(), findTarget(m_live.parameters(), before->first), before->second);
 }
 
 } // namespace applet_tools

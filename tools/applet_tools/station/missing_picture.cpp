@@ -204,7 +204,7 @@ private:
     }
 
     std::string whyNoImage() const {
-        if (const std::string loss = lossText(imageLoss); !loss.empty()) return loss;
+        if (std::string loss = lossText(imageLoss); !loss.empty()) return loss;
         if (isImageTriggered() && !is("FG_IMGTRIGGER_IS_BUSY", IS_BUSY))
             return "and no image was complete: with " + shown("FG_IMGTRIGGERMODE") + ", " + whyNoStart();
         if (isImageTriggered() && isImageGated())

@@ -104,7 +104,8 @@ std::optional<Ticks> SignalCourse::first(bool level) const {
 
 SignalCourse courseOf(Instance& instance, unsigned select, Ticks from, Ticks to) {
     constexpr std::size_t most =
-        2 * VBOARD_KEPT_EDGES; // a pulse of one tick is stored as one edge and counts as two here
+        std::size_t{2} *
+        VBOARD_KEPT_EDGES; // a pulse of one tick is stored as one edge and counts as two here
     constexpr Ticks never = std::numeric_limits<Ticks>::max();
     SignalCourse course;
     course.edges.assign(most, {never, false});

@@ -98,7 +98,7 @@ MovesByName movesOfReadOnly(Context& context, const Words& words) {
 std::string untilWritable(const AccessAnswer& access) {
     if (access.changedWith.empty())
         return ", and no change of another parameter that was tried makes it writable";
-    const std::string text = " until " + join(access.changedWith, " or ");
+    std::string text = " until " + join(access.changedWith, " or ");
     if (access.missingFile.empty()) return text;
     return text + ", which is refused as long as " + shownFile(access.missingFile) +
            " is not a file that can be opened for reading";
