@@ -71,6 +71,13 @@ def until(page, holds):
     return False
 
 
+def box_of(page, locator):
+    """The box of an element. There is none while the page draws it again."""
+    boxes = []
+    assert until(page, lambda: boxes.append(locator.bounding_box()) or boxes[-1] is not None), "it is not shown"
+    return boxes[-1]
+
+
 def number(text):
     """The first number of a text; groups of digits have narrow spaces between them."""
     return float(re.search(r"-?\d+(\.\d+)?", text.replace("\u202f", ""))[0])

@@ -5,7 +5,7 @@ import subprocess
 
 from playwright.sync_api import expect
 
-from page.journey import APPLETCTL, Journey, number, until
+from page.journey import APPLETCTL, Journey, box_of, number, until
 
 
 class Panels(Journey):
@@ -142,7 +142,7 @@ class Panels(Journey):
         page.click("#lut-enable")
         expect(page.locator("#lut-state")).to_contain_text("The table is in use")
         page.get_by_role("button", name="Green", exact=True).click()
-        box = handles.nth(4).bounding_box()
+        box = box_of(page, handles.nth(4))
         page.mouse.move(box["x"] + 5, box["y"] + 5)
         page.mouse.down()
         with page.expect_response(lambda answer: "/api/lut/green" in answer.url and answer.request.method == "PUT"):
@@ -187,7 +187,7 @@ class Panels(Journey):
             rises = [b - a for a, b in zip(entries[:2048], now)]
             self.assertTrue(all(0 <= b - a <= 4 for a, b in zip(rises, rises[1:])))
         # Sideways, only between the neighbours.
-        at, other = handles.nth(5).bounding_box(), handles.nth(6).bounding_box()
+        at, other = (box_of(page, handles.nth(place)) for place in (5, 6))
         page.mouse.move(at["x"] + 6, at["y"] + 6)
         page.mouse.down()
         page.mouse.move((at["x"] + other["x"]) / 2, at["y"] + 40, steps=3)
