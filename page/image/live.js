@@ -90,7 +90,7 @@ export class Live {
       this.isStale = false;
       try {
         const frame = await fetchFrame({ ...which, ...wanted }, signal);
-        if (frame) this.show(frame);
+        if (frame && !signal.aborted) this.show(frame); // one that was decoded meanwhile would replace a frozen picture
         await new Promise(requestAnimationFrame);
       } catch (error) {
         if (error.name === 'AbortError') continue;

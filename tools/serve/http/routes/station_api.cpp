@@ -99,8 +99,9 @@ HttpAnswer showTimeline(Station& station, const HttpRequest& request, const std:
     if (signals.empty()) signals = applet_tools::stationSignals();
     Json document;
     station.commands.run(Work::reads, [&] {
-        station.live.takeEvents();
+        // Events are taken after the time is read, so that there are all of them up to it.
         const Ticks now = station.instance().board().now(station.instance().device());
+        station.live.takeEvents();
         const Ticks to = askedTo ? std::min(now, static_cast<Ticks>(*askedTo)) : now;
         const Ticks from = askedFrom ? std::min(to, static_cast<Ticks>(*askedFrom))
                                      : to - std::min(to, applet_tools::ticksPerSecond);
