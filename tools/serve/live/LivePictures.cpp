@@ -328,7 +328,7 @@ void LivePictures::deliver(std::unique_lock<std::mutex>& lock, const Picture& pi
     const bool isShown = Clock::now() >= m_nextView;
     if (isShown) {
         m_shown = picture;
-        m_nextView = Clock::now() + shortestDistance;
+        m_nextView = std::max(m_nextView + shortestDistance, Clock::now()); // the time of rendering is within it
         m_changed.notify_all();
     }
     m_isDelivering = true;
