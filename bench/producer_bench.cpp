@@ -1,5 +1,6 @@
-// Cost of a picture of the producer, 2048 x 1024 in BGR8, from the queued buffer to its event, beside the board alone in the same
-// run: the simulation of its lines, and the renderer. Then the delay of events behind the clock.
+// Cost of a picture of the producer, 2048 x 1024 in BGR8, beside the board alone in the same run: the simulation of its lines, and
+// the renderer. First from a queued buffer to its event, which has two changes of thread; then of a row of pictures with
+// several buffers, as clients take them. Last the delay of events behind the clock.
 //   producer_bench [INTERFACE]    such as station-main, for a station that appletctl serves with --clock stepped --allow-set
 
 #include "applet_host/AppletHost.h"
@@ -23,6 +24,7 @@ using support::ProducerSession;
 constexpr std::uint32_t width = 2048, height = 1024;
 constexpr std::size_t pictureBytes = std::size_t{3} * width * height;
 constexpr int rounds = 60;
+constexpr int rowBuffers = 4, rowPictures = 16;
 constexpr std::uint64_t second = 125'000'000; // ticks
 
 double milliseconds() {
@@ -93,31 +95,54 @@ BUFFER_HANDLE announced(ProducerSession& session, std::vector<std::uint8_t>& mem
     return buffer;
 }
 
+/** A row of pictures. All buffers are queued before, and none is after it. */
+void takeRow(ProducerSession& session, const std::vector<BUFFER_HANDLE>& buffers) {
+    for (const BUFFER_HANDLE buffer : buffers)
+        ok(DSQueueBuffer(session.stream, buffer));
+    for (int i = 0; i < rowPictures; ++i) {
+        const BUFFER_HANDLE buffer = session.fetch();
+        if (buffer == nullptr) throw std::runtime_error("no picture came");
+        if (i < rowPictures - rowBuffers) ok(DSQueueBuffer(session.stream, buffer));
+    }
+}
+
+void print(const char* what, Times& times) {
+    std::printf("%-44s least %7.3f ms, median %7.3f ms\n", what, times.least(), times.median());
+}
+
+void printRatio(const char* what, Times& times, Times& base) {
+    std::printf("%-44s least %7.3f    , median %7.3f\n", what, times.least() / base.least(),
+                times.median() / base.median());
+}
+
 void comparePictures(const std::string& id) {
     setenv("VBOARD_CLOCK", "stepped", 1);
     ProducerSession session(id);
     ok(session.set("Width", width));
     ok(session.set("Height", height));
-    std::vector<std::uint8_t> memory(pictureBytes);
-    const BUFFER_HANDLE buffer = announced(session, memory);
+    std::vector<std::vector<std::uint8_t>> memory(rowBuffers, std::vector<std::uint8_t>(pictureBytes));
+    std::vector<BUFFER_HANDLE> buffers;
+    for (auto& place : memory)
+        buffers.push_back(announced(session, place));
     session.start();
     Board board;
-    Times producer, whole, rendering;
+    Times single, row, whole, rendering;
     for (int i = 0; i < rounds; ++i) {
-        const double start = milliseconds();
-        ok(DSQueueBuffer(session.stream, buffer));
+        double start = milliseconds();
+        ok(DSQueueBuffer(session.stream, buffers[0]));
         if (session.fetch() == nullptr) throw std::runtime_error("no picture came");
-        producer.add(milliseconds() - start);
+        single.add(milliseconds() - start);
         board.measure(whole, rendering);
+        start = milliseconds();
+        takeRow(session, buffers);
+        row.add((milliseconds() - start) / rowPictures);
     }
-    std::printf("%-44s least %7.3f ms, median %7.3f ms\n", "picture of the producer, to its event",
-                producer.least(), producer.median());
-    std::printf("%-44s least %7.3f ms, median %7.3f ms\n", "picture of the board, simulated and rendered",
-                whole.least(), whole.median());
-    std::printf("%-44s least %7.3f ms, median %7.3f ms\n", "of which the renderer", rendering.least(),
-                rendering.median());
-    std::printf("%-44s least %7.3f    , median %7.3f\n", "producer / board", producer.least() / whole.least(),
-                producer.median() / whole.median());
+    print("picture of the producer, to its event", single);
+    print("picture of the producer, in a row", row);
+    print("picture of the board, simulated and rendered", whole);
+    print("of which the renderer", rendering);
+    printRatio("producer, to its event / board", single, whole);
+    printRatio("producer, in a row / board", row, whole);
 }
 
 /** Small pictures come at fixed times of the station; how much later than the earliest one is each event? */

@@ -363,6 +363,8 @@ typedef struct vboard_event {
 /** Takes the oldest event of the station from the queue. VBOARD_GONE: the queue is empty. It keeps the last
  *  65536. Fg_getStatusEx counts events independently. */
 int vboard_next_event(LOOMdevice* board, vboard_event* event);
+/** Takes the oldest events from the queue, at most `size`. Returns their number: 0 if the queue is empty. */
+int vboard_next_events(LOOMdevice* board, vboard_event* events, size_t size);
 /** The edges of a signal from the tick `from` to the tick `to`, both included. `select` is the number by
  *  which the design selects it (1 ExSync, 21 GPI 0, 33 line start, ...). Writes at most `size` edges, and
  *  into `level`, unless null, the level before them. Returns the number of edges in the span, or VBOARD_GONE

@@ -217,11 +217,20 @@ int vboard_release(vboard_frames* memory, int64_t picture) {
 
 int vboard_next_event(LOOMdevice* board, vboard_event* event) {
     if (event == nullptr) return VBOARD_UNKNOWN;
+    const int taken = vboard_next_events(board, event, 1);
+    return taken == 1 ? VBOARD_OK : taken == 0 ? VBOARD_GONE : taken;
+}
+
+int vboard_next_events(LOOMdevice* board, vboard_event* events, size_t size) {
+    if (events == nullptr) return VBOARD_UNKNOWN;
     return perform(board, [=](station::Station& station) {
-        const auto next = station.nextEvent();
-        if (!next) return int{VBOARD_GONE};
-        *event = {next->tick, station::nameOf(next->event)};
-        return int{VBOARD_OK};
+        int taken = 0;
+        while (std::cmp_less(taken, size)) {
+            const auto next = station.nextEvent();
+            if (!next) break;
+            events[taken++] = {next->tick, station::nameOf(next->event)};
+        }
+        return taken;
     });
 }
 

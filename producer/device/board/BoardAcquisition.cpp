@@ -1,5 +1,6 @@
 #include "device/board/BoardAcquisition.h"
 
+#include "applet_host/events.h"
 #include "base/Error.h"
 #include "device/thread.h"
 
@@ -89,7 +90,7 @@ void BoardAcquisition::run() {
     while (!m_isEnding) {
         m_isWoken = false;
         fitMemory();
-        const bool wanted = isWanted();
+        const std::int64_t wanted = isWanted() ? static_cast<std::int64_t>(m_delivered) + 1 : 0;
         lock.unlock();
         m_clock.move(wanted);
         giveEvents();
@@ -103,12 +104,12 @@ void BoardAcquisition::run() {
 }
 
 void BoardAcquisition::giveEvents() {
-    vboard_event event{};
-    while (m_station.board().next_event(m_station.device(), &event) == VBOARD_OK)
+    applet_host::takeEvents(m_station.board(), m_station.device(), [this](const vboard_event& event) {
         withMemory([&] {
             if (const EventKind* kind = m_station.eventOfDesign(event.name))
                 m_onEvent(*kind, event.tick * Station::nanosecondsPerTick);
         });
+    });
 }
 
 bool BoardAcquisition::deliverOne(std::unique_lock<std::mutex>& lock) {

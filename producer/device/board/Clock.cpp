@@ -25,17 +25,17 @@ Clock::Kind Clock::chosen() {
                                               "\": let it be wall or stepped");
 }
 
-void Clock::move(bool isWanted) {
-    Ticks ticks = step;
-    if (m_kind == Kind::wall) {
-        const Time::time_point now = Time::now();
-        if (now - m_last > longestStep) m_last = now - longestStep;
-        ticks = std::chrono::duration_cast<Ticks>(now - m_last);
-        m_last += ticks;
-    } else if (!isWanted) {
+void Clock::move(std::int64_t wanted) {
+    const auto& board = m_station.board();
+    if (m_kind == Kind::stepped) {
+        if (wanted > 0) board.wait(m_station.device(), wanted, Ticks(step).count());
         return;
     }
-    m_station.board().advance(m_station.device(), ticks.count());
+    const Time::time_point now = Time::now();
+    if (now - m_last > longestStep) m_last = now - longestStep;
+    const auto ticks = std::chrono::duration_cast<Ticks>(now - m_last);
+    m_last += ticks;
+    board.advance(m_station.device(), ticks.count());
 }
 
 std::chrono::microseconds Clock::pause(bool isAcquiring, bool isWanted) const {

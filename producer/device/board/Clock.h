@@ -5,6 +5,7 @@
 #include "device/board/BoardStation.h"
 
 #include <chrono>
+#include <cstdint>
 
 namespace producer {
 
@@ -24,8 +25,9 @@ public:
 
     Clock(BoardStation& station, Kind kind) : m_station(station), m_kind(kind), m_last(Time::now()) {}
 
-    /** Advances the time by a step. `isWanted`: an acquisition has a buffer to fill. */
-    void move(bool isWanted);
+    /** Advances the time by a step. `wanted`: the picture that an acquisition has a buffer for, 0 if it has none. The
+     *  stepped clock stops at the arrival of that picture. */
+    void move(std::int64_t wanted);
     /** The delay before the next step. */
     std::chrono::microseconds pause(bool isAcquiring, bool isWanted) const;
 

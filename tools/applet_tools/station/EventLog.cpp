@@ -1,5 +1,7 @@
 #include "applet_tools/station/EventLog.h"
 
+#include "applet_host/events.h"
+
 #include <nlohmann/json.hpp>
 
 namespace applet_tools {
@@ -11,13 +13,12 @@ EventLog::EventLog(Instance& instance) : m_instance(instance), m_droppedBefore(0
 
 std::string EventLog::take(std::int64_t picture) {
     std::string lines;
-    vboard_event event{};
-    while (m_instance.board().next_event(m_instance.device(), &event) == VBOARD_OK) {
+    applet_host::takeEvents(m_instance.board(), m_instance.device(), [&](const vboard_event& event) {
         const double seconds = static_cast<double>(event.tick) / static_cast<double>(ticksPerSecond);
         const nlohmann::ordered_json line = {
             {"tick", event.tick}, {"time", seconds}, {"name", event.name}, {"picture", picture}};
         lines += line.dump() + '\n';
-    }
+    });
     return lines;
 }
 

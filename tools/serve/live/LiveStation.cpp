@@ -1,11 +1,8 @@
 #include "serve/live/LiveStation.h"
 
+#include "applet_host/events.h"
+
 namespace serve {
-namespace {
-
-constexpr std::size_t mostEventsAtOnce = 131'072; // twice the board's queue: they come while they are taken
-
-} // namespace
 
 LiveStation::LiveStation(const StationAccess& stationAccess)
     : access(stationAccess)
@@ -31,12 +28,8 @@ void LiveStation::noteChanges() const {
 void LiveStation::takeEvents() const {
     if (!isVirtual() || !commands.command().empty()) return;
     EventTicks taken;
-    vboard_event event{};
-    const auto& board = instance().board();
-    for (std::size_t i = 0; i < mostEventsAtOnce; ++i) {
-        if (board.next_event(instance().device(), &event) != VBOARD_OK) break;
-        taken[event.name].push_back(event.tick);
-    }
+    applet_host::takeEvents(instance().board(), instance().device(),
+                            [&](const vboard_event& event) { taken[event.name].push_back(event.tick); });
     for (const auto& give : onEvents)
         give(taken);
 }
