@@ -534,4 +534,4 @@ class Http(unittest.TestCase):
         self.assertEqual(run("station", "stop", "open")[0], 0)
 
 
-unittest.main(argv=sys.argv[:1], warnings="ignore")
+unittest.main(argv=[sys.argv[0], *sys.argv[2:]], warnings="ignore")

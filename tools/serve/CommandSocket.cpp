@@ -25,15 +25,6 @@ constexpr std::size_t mostClients = 64;
 constexpr std::size_t mostBytes = 4U << 20U; // a command line is at most half as long
 constexpr std::size_t mostLogged = 1000;
 
-Descriptor requireLock(const StationPlace& place) {
-    makeStationFolder();
-    Descriptor lock = lockPlace(place);
-    if (lock) return lock;
-    throw Failure("a station '" + place.name +
-                  "' runs already: give another name, or end it with 'appletctl station stop " + place.name +
-                  "'");
-}
-
 /** A command line without the option that selects this station. */
 applet_tools::Words withoutStation(applet_tools::Words words) {
     const auto end = std::ranges::find(words, "--");
@@ -61,7 +52,7 @@ CommandSocket::Connection::Connection(Descriptor descriptor)
 CommandSocket::CommandSocket(const StationPlace& place, json description)
     : m_place(place)
     , m_description(std::move(description))
-    , m_lock(requireLock(place))
+    , m_lock(lockPlace(place))
     , m_socket(listenAt(place.socket, SOCK_STREAM))
     , m_wake(wakingDescriptor())
     , m_ending(wakingDescriptor())

@@ -13,8 +13,10 @@
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
+#include <thread>
 
 namespace serve {
 namespace {
@@ -100,12 +102,21 @@ std::vector<std::string> runningStations() {
 }
 
 Descriptor lockPlace(const StationPlace& place) {
+    constexpr std::chrono::seconds longestEnd(5);
+    makeStationFolder();
     Descriptor lock(open(place.lock.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, S_IRUSR | S_IWUSR));
     if (!lock)
         throw Failure(applet_tools::inQuotes(place.lock.native()) +
                       " cannot be made: " + std::strerror(errno));
+    const auto due = std::chrono::steady_clock::now() + longestEnd;
     struct flock whole = wholeFile();
-    if (fcntl(lock.number(), F_OFD_SETLK, &whole) != 0) return Descriptor();
+    while (fcntl(lock.number(), F_OFD_SETLK, &whole) != 0) {
+        if (std::chrono::steady_clock::now() >= due || connectAt(place.socket, SOCK_STREAM))
+            throw Failure("a station '" + place.name +
+                          "' runs already: give another name, or end it with 'appletctl station stop " +
+                          place.name + "'");
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
     return lock;
 }
 

@@ -37,8 +37,8 @@ std::vector<std::string> stationNames();
 /** The names of running stations, sorted. */
 std::vector<std::string> runningStations();
 
-/** Locks the place for the lifetime of the descriptor; none if a running station holds it. Throws Failure if
- *  the lock file cannot be made. */
+/** Makes the folder and locks the place for the lifetime of the descriptor. A station that was killed keeps its lock
+ *  until its memory is freed; this is waited for. Throws Failure if one runs, or the lock file cannot be made. */
 applet_tools::Descriptor lockPlace(const StationPlace& place);
 
 /** True when a running station holds the place. */

@@ -31,21 +31,29 @@ void unpackBytes(const PictureView& picture, std::uint32_t line, std::vector<std
     }
 }
 
+/** The lines of packed components, from their lowest bit on. */
+void unpackBits(const PictureView& picture, std::uint32_t line, std::vector<std::uint16_t>& components) {
+    auto byte = picture.bytes.subspan(std::size_t{line} * picture.bytesPerLine, picture.bytesPerLine).begin();
+    const std::uint32_t mask = (1U << picture.bits) - 1;
+    std::uint32_t held = 0, count = 0; // bits that were read and not used
+    for (std::size_t pixel = 0; pixel < components.size(); pixel += 3)
+        for (std::size_t colour = 3; colour-- > 0;) { // blue comes first
+            for (; count < picture.bits; count += 8)
+                held |= std::uint32_t{*byte++} << count;
+            components[pixel + colour] = static_cast<std::uint16_t>(held & mask);
+            held >>= picture.bits;
+            count -= picture.bits;
+        }
+}
+
 } // namespace
 
 void unpackLine(const PictureView& picture, std::uint32_t line, std::vector<std::uint16_t>& components) {
     components.resize(std::size_t{3} * picture.width);
-    if (picture.bits == 8) {
+    if (picture.bits == 8)
         unpackBytes(picture, line, components);
-        return;
-    }
-    for (std::uint32_t x = 0; x < picture.width; ++x) {
-        const Pixel pixel = pixelAt(picture, x, line);
-        std::uint16_t* const place = components.data() + std::size_t{3} * x;
-        place[0] = pixel.red;
-        place[1] = pixel.green;
-        place[2] = pixel.blue;
-    }
+    else
+        unpackBits(picture, line, components);
 }
 
 } // namespace applet_tools

@@ -29,7 +29,8 @@ public:
 
     /** False if the library reports an error, with the reason. */
     bool write(const PictureView& picture, int quality) {
-        m_row.resize(std::size_t{3} * picture.width);
+        const bool isReady = picture.bits == 8; // the library takes its lines as they are
+        m_row.resize(isReady ? 0 : std::size_t{3} * picture.width);
         m_line.reserve(m_row.size());
         if (setjmp(m_place) != 0) return false;
         jpeg_create_compress(&m_jpeg);
@@ -37,12 +38,12 @@ public:
         m_jpeg.image_width = picture.width;
         m_jpeg.image_height = picture.lines;
         m_jpeg.input_components = 3;
-        m_jpeg.in_color_space = JCS_RGB;
+        m_jpeg.in_color_space = isReady ? JCS_EXT_BGR : JCS_RGB;
         jpeg_set_defaults(&m_jpeg);
         jpeg_set_quality(&m_jpeg, quality, TRUE);
         jpeg_start_compress(&m_jpeg, TRUE);
         for (std::uint32_t y = 0; y < picture.lines; ++y)
-            writeLine(picture, y);
+            writeLine(isReady ? bytesOf(picture, y) : convertedLine(picture, y));
         jpeg_finish_compress(&m_jpeg);
         return true;
     }
@@ -60,12 +61,20 @@ private:
         std::longjmp(static_cast<JpegWriter*>(jpeg->client_data)->m_place, 1);
     }
 
-    void writeLine(const PictureView& picture, std::uint32_t y) {
+    void writeLine(const JSAMPLE* line) {
+        auto* row = const_cast<JSAMPROW>(line); // the library only reads it
+        jpeg_write_scanlines(&m_jpeg, &row, 1);
+    }
+
+    static const JSAMPLE* bytesOf(const PictureView& picture, std::uint32_t y) {
+        return picture.bytes.subspan(std::size_t{y} * picture.bytesPerLine, picture.bytesPerLine).data();
+    }
+
+    const JSAMPLE* convertedLine(const PictureView& picture, std::uint32_t y) {
         unpackLine(picture, y, m_line);
         for (std::size_t i = 0; i < m_row.size(); ++i)
             m_row[i] = static_cast<JSAMPLE>(m_line[i] >> (picture.bits - 8));
-        JSAMPROW row = m_row.data();
-        jpeg_write_scanlines(&m_jpeg, &row, 1);
+        return m_row.data();
     }
 
     jpeg_compress_struct m_jpeg{};

@@ -103,11 +103,7 @@ bool answers(const serve::StationPlace& place, pid_t process) {
 } // namespace
 
 pid_t startDetached(const serve::StationPlace& place) {
-    serve::makeStationFolder();
-    if (serve::isRunning(place))
-        throw Failure("a station '" + place.name +
-                      "' runs already: give another name, or end it with 'appletctl station stop " +
-                      place.name + "'");
+    serve::lockPlace(place); // throws if it runs; its log must not be lost
     Words words = ownCommandLine();
     std::erase(words, "--detach");
     const pid_t process = spawn(std::move(words), place.log);
