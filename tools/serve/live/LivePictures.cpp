@@ -49,7 +49,7 @@ void LivePictures::close() {
 LivePictures::Picture LivePictures::newerThan(std::int64_t after, Clock::time_point due) {
     std::unique_lock lock(m_mutex);
     m_lastAsked = Clock::now();
-    const bool mustStart = !m_state.isRunning && m_ways == 0 && !m_isEnding;
+    const bool mustStart = !m_state.isRunning && m_suspensions == 0 && !m_isEnding;
     if (mustStart) {
         lock.unlock();
         m_commands.run(Work::changes, [this] { start(); });
@@ -59,7 +59,7 @@ LivePictures::Picture LivePictures::newerThan(std::int64_t after, Clock::time_po
     if (!isThere()) {
         ++m_waiting;
         m_changed.notify_all();
-        m_changed.wait_until(lock, due, [&] { return isThere() || m_isEnding || m_ways > 0; });
+        m_changed.wait_until(lock, due, [&] { return isThere() || m_isEnding || m_suspensions > 0; });
         --m_waiting;
     }
     m_lastAsked = Clock::now();
@@ -77,7 +77,7 @@ std::int64_t LivePictures::join(PictureReceiver& receiver) {
     const std::lock_guard guard(m_mutex);
     if (m_receivers.empty()) m_next = m_last + 1;
     m_receivers.push_back(&receiver);
-    resumeStarts();
+    retryStart();
     return m_offset + m_next - 1;
 }
 
@@ -113,23 +113,23 @@ LivePictures::State LivePictures::state() const {
     return state;
 }
 
-void LivePictures::giveWay(const std::string& reason) {
+void LivePictures::suspend(const std::string& reason) {
     {
         const std::lock_guard guard(m_mutex);
-        ++m_ways;
-        m_state.gaveWayTo = reason;
+        ++m_suspensions;
+        m_state.suspendedBy = reason;
         m_changed.notify_all();
     }
     stop();
 }
 
-void LivePictures::comeBack() {
+void LivePictures::resume() {
     const std::lock_guard guard(m_mutex);
-    if (--m_ways == 0) m_state.gaveWayTo.clear();
-    resumeStarts();
+    if (--m_suspensions == 0) m_state.suspendedBy.clear();
+    retryStart();
 }
 
-void LivePictures::resumeStarts() {
+void LivePictures::retryStart() {
     m_isStartPosted = false;
     m_changed.notify_all();
 }
@@ -139,8 +139,8 @@ void LivePictures::setPaused(bool isPaused) {
         const std::lock_guard guard(m_mutex);
         if (m_state.isPaused == isPaused) return;
         m_state.isPaused = isPaused;
-        m_ways += isPaused ? 1 : -1;
-        resumeStarts();
+        m_suspensions += isPaused ? 1 : -1;
+        retryStart();
     }
     if (isPaused) stop();
 }
@@ -148,7 +148,7 @@ void LivePictures::setPaused(bool isPaused) {
 void LivePictures::start() {
     {
         const std::lock_guard guard(m_mutex);
-        if (m_state.isRunning || m_ways > 0 || m_isEnding) return;
+        if (m_state.isRunning || m_suspensions > 0 || m_isEnding) return;
     }
     m_memory = applet_tools::frameMemory(m_instance, frames, VBOARD_RING);
     const applet_tools::WaitStart start = applet_tools::waitStart(m_instance);
@@ -195,7 +195,9 @@ bool LivePictures::isReceived() const {
 /** A viewer that shows a picture now will ask for the next one. */
 bool LivePictures::isViewed() const { return m_waiting > 0 || Clock::now() - m_lastAsked < longestLook; }
 
-bool LivePictures::mustStart() const { return !m_receivers.empty() && m_ways == 0 && !m_isStartPosted; }
+bool LivePictures::mustStart() const {
+    return !m_receivers.empty() && m_suspensions == 0 && !m_isStartPosted;
+}
 
 void LivePictures::stopUnwatched() {
     {
@@ -328,7 +330,8 @@ void LivePictures::deliver(std::unique_lock<std::mutex>& lock, const Picture& pi
     const bool isShown = Clock::now() >= m_nextView;
     if (isShown) {
         m_shown = picture;
-        m_nextView = std::max(m_nextView + shortestDistance, Clock::now()); // the time of rendering is within it
+        m_nextView =
+            std::max(m_nextView + shortestDistance, Clock::now()); // the time of rendering is within it
         m_changed.notify_all();
     }
     m_isDelivering = true;

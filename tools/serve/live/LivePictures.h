@@ -68,9 +68,9 @@ public:
     Picture kept(std::int64_t number) const;
     std::vector<Picture> allKept() const;
 
-    /** For the command thread: stops the acquisition until comeBack(), before another one. Nested calls count. */
-    void giveWay(const std::string& reason);
-    void comeBack();
+    /** For the command thread: stops the acquisition until resume(), before another one. Nested calls count. */
+    void suspend(const std::string& reason);
+    void resume();
     /** For the command thread: no acquisition runs for viewers while it is paused. */
     void setPaused(bool isPaused);
     /** Ends all waits for pictures. */
@@ -79,7 +79,7 @@ public:
     struct State {
         bool isRunning = false;
         bool isPaused = false;
-        std::string gaveWayTo{};   /**< the command with an acquisition of its own; empty: none */
+        std::string suspendedBy{}; /**< the command with an acquisition of its own; empty: none */
         std::int64_t pictures = 0; /**< of the viewers' acquisitions */
         std::int64_t rendered = 0;
         std::size_t keptBytes = 0;
@@ -102,7 +102,7 @@ private:
     bool isReceived() const;
     bool isViewed() const;
     bool mustStart() const;
-    void resumeStarts();
+    void retryStart();
     /** The thread. */
     void work();
     void watch(std::unique_lock<std::mutex>& lock);
@@ -121,7 +121,7 @@ private:
     mutable std::mutex m_mutex; // guards the members below
     std::condition_variable m_changed;
     State m_state;
-    int m_ways = 0;            // given and not taken back
+    int m_suspensions = 0;     // given and not taken back
     bool m_isWatching = false; // the thread uses the memory
     bool m_isStopPosted = false;
     bool m_isStartPosted = false; // for receivers; stays if it fails, until there is a reason to try again

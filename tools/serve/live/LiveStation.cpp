@@ -11,12 +11,12 @@ LiveStation::LiveStation(const StationAccess& stationAccess)
 
 void LiveStation::beginCommand(const std::string& text, bool acquires) {
     commands.setCommand(text);
-    if (acquires && pictures) pictures->giveWay(text);
+    if (acquires && pictures) pictures->suspend(text);
 }
 
 void LiveStation::endCommand(bool acquires) {
     commands.setCommand("");
-    if (acquires && pictures) pictures->comeBack();
+    if (acquires && pictures) pictures->resume();
     noteChanges();
 }
 

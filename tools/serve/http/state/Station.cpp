@@ -66,8 +66,8 @@ LivePictures& Station::requirePictures() const {
 applet_tools::MissingPicture Station::whyNoPicture() const {
     const LivePictures::State state = pictures->state();
     if (state.isPaused) return {"the acquisition is paused", {}};
-    if (!state.gaveWayTo.empty())
-        return {"'" + state.gaveWayTo + "' takes the pictures now; they come back after it", {}};
+    if (!state.suspendedBy.empty())
+        return {"'" + state.suspendedBy + "' takes the pictures now; they come back after it", {}};
     if (!state.isRunning) return {"no acquisition runs", {}};
     const applet_tools::WaitStart atPicture =
         m_samples.empty() || !state.hasPicture ? state.start : m_atPicture;
