@@ -6,7 +6,6 @@ import { Field } from '../base/field.js';
 import { errorBox, isUnsent, noticeDone, unsentBox } from '../base/refusal.js';
 import { get, maySet, on } from '../base/state.js';
 
-const PERCENT = 655.35; // of white, in the values that the station counts noise in
 const FASTEST = 3000; // mm/s, of the slider; the field takes more
 
 /** Builds the panel; its tab is there only if the station has a belt. */
@@ -28,14 +27,14 @@ export function startBelt() {
     'aria-label': 'Speed',
   });
   const scene = el('select', { id: 'belt-scene', 'aria-label': 'Scene' });
-  const place = (id, label, step, unit, key, text, scale = 1) => {
+  const place = (id, label, step, unit, key, text) => {
     const properties = { type: 'number', min: '0', step, class: 'number', id, 'aria-label': `${label}, ${unit}` };
     return new Field(el('input', properties), (value, again) =>
-      send('/api/scene', { [key]: value * scale }, `${text} ${value} ${unit}.`, again),
+      send('/api/scene', { [key]: value }, `${text} ${value} ${unit}.`, again),
     );
   };
   const pixel = place('belt-pixel', 'Size of a pixel', '10', 'µm', 'pixel', 'A pixel of the scene has');
-  const noise = place('belt-noise', 'Noise', '1', '%', 'noise', 'The noise is at most', PERCENT);
+  const noise = place('belt-noise', 'Noise', '1', '%', 'noise', 'The noise is at most');
   const line = (label, unit, ...controls) =>
     el(
       'label',
@@ -102,7 +101,7 @@ export function startBelt() {
     );
     scene.value = present.kind;
     pixel.show(present.pixel);
-    noise.show(decimal(present.noise / PERCENT, 2));
+    noise.show(decimal(present.noise, 2));
   };
   const field = new Field(speed, move);
   slider.addEventListener('input', () => {

@@ -59,7 +59,7 @@ class Editor {
       value: '1',
       min: '0.1',
       max: '10',
-      step: '0.05',
+      step: 'any',
       class: 'place',
       id: 'lut-gamma',
     });
@@ -72,13 +72,16 @@ class Editor {
         on: { click: (event) => this.choose(which, event.target) },
       }),
     );
-    const tool = (text, make, id) =>
-      el('button', { type: 'button', text, id, on: { click: () => this.change(() => polyline(make(), this.size)) } });
+    const tool = (text, make, id) => el('button', { type: 'button', text, id, on: { click: () => this.apply(make()) } });
     this.tools = [
       tool('Straight line', () => this.straight(0, LARGEST), 'lut-straight'),
       tool('Inverted', () => this.straight(LARGEST, 0), 'lut-inverted'),
       tool('Gamma', () => this.gammaPoints(), 'lut-apply-gamma'),
     ];
+    this.hint = el('p', {
+      class: 'muted',
+      text: 'Drag a handle, or focus it and use the arrow keys. A double click adds one, Delete takes it away.',
+    });
     this.node = el(
       'div',
       { class: 'lut' },
@@ -91,10 +94,7 @@ class Editor {
         this.state,
         this.enable,
         this.trouble,
-        el('p', {
-          class: 'muted',
-          text: 'Drag a handle, or focus it and use the arrow keys. A double click adds one, Delete takes it away.',
-        }),
+        this.hint,
       ),
       this.canvas,
     );
@@ -135,6 +135,7 @@ class Editor {
   /** Offers only what this page may do. */
   permit() {
     this.enable.hidden = this.isOn !== false || !maySet();
+    this.hint.hidden = !maySet();
     for (const control of [...this.tools, this.gamma, this.enable]) control.disabled = !maySet();
     this.draw();
   }
@@ -154,12 +155,25 @@ class Editor {
     return [0, this.size - 1].map((index, i) => [index, i ? last : first]);
   }
 
+  /** None, with the reason, if no gamma is entered. */
   gammaPoints() {
-    const gamma = Math.min(10, Math.max(0.1, Number(this.gamma.value) || 1));
+    const { value, min, max } = this.gamma;
+    if (value === '' || !this.gamma.checkValidity()) {
+      const found = value === '' ? 'what is entered is no number' : `${value} is entered`;
+      const error = new Error(`The table is not changed: a gamma from ${min} to ${max} is expected, and ${found}`);
+      this.trouble.replaceChildren(errorBox(error, { onClose: () => this.trouble.replaceChildren() }));
+      return null;
+    }
+    const gamma = Number(value);
     return Array.from({ length: 65 }, (_, i) => [
       Math.round((i / 64) * (this.size - 1)),
       Math.round((i / 64) ** (1 / gamma) * LARGEST),
     ]);
+  }
+
+  /** Makes curves through these points, if there are any, of the chosen tables. */
+  apply(points) {
+    if (points) this.change(() => polyline(points, this.size));
   }
 
   /** Changes the chosen tables here, and then on the station. */

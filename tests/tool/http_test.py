@@ -4,6 +4,8 @@
 """
 
 import concurrent.futures
+import contextlib
+import gzip
 import http.client
 import json
 import os
@@ -149,6 +151,7 @@ REQUESTS = [
     ("PUT", "/api/scene", {"kind": None}, 400),
     ("GET", "/metrics", None, 200),
     ("GET", "/api/nothing", None, 404),
+    ("GET", "/api/frame?format=raw&format=png", None, 400),
     ("DELETE", WIDTH, None, 405),
 ]
 
@@ -168,10 +171,13 @@ class Http(unittest.TestCase):
         self.process = json.loads(run("--json", "station", "list")[1])["stations"][0]["process"]
         return Client(run("station", "address")[1].strip())
 
-    def memory(self):
-        """Resident megabytes of the station, without the pictures that it keeps."""
+    def memory(self, kind="VmRSS"):
+        """Resident megabytes of the station."""
         status = pathlib.Path(f"/proc/{self.process}/status").read_text()
-        return int(re.search(r"VmRSS:\s+(\d+)", status)[1]) / 1024
+        return int(re.search(kind + r":\s+(\d+)", status)[1]) / 1024
+
+    def peak(self):
+        return self.memory("VmHWM")
 
     def test_answers_match_the_description(self):
         client = self.serve("--demo", "--allow-set")
@@ -491,6 +497,19 @@ class Http(unittest.TestCase):
             with self.subTest(request), client.raw(f"{request} HTTP/1.1\r\n{good}{length}\r\n".encode()) as asked:
                 self.assertEqual(asked.recv(12)[-3:], status)
                 self.assertLess(time.monotonic() - start, 4)
+        # A body in chunks has the limit of a body; one that is packed is not unpacked, nor read.
+        chunks = (b"10000\r\n" + b" " * 0x10000 + b"\r\n") * 320 + b"0\r\n\r\n"
+        packed = gzip.compress(b" " * 50_000_000)
+        before = self.peak()
+        for path, coding, body, status in [
+                (WIDTH, "Transfer-Encoding: chunked", chunks, b"413"), ("/api/x", "Transfer-Encoding: chunked", chunks, b"404"),
+                (WIDTH, f"Content-Encoding: gzip\r\nContent-Length: {len(packed)}", packed, b"415")]:
+            with self.subTest(path=path, coding=coding), client.raw(
+                    f"PUT {path} HTTP/1.1\r\n{good}{coding}\r\n\r\n".encode()) as asked:
+                with contextlib.suppress(OSError):  # it is refused before all is sent
+                    asked.sendall(body)
+                self.assertEqual(asked.recv(12)[-3:], status)
+        self.assertLess(self.peak() - before, 16)
         # Clients that ask for much and never read.
         deaf = [client.raw(f"GET /api/frame?after=0&format=raw HTTP/1.1\r\n{good}\r\n".encode() * 20) for _ in range(5)]
         deaf += [client.raw(f"GET /api/stream HTTP/1.1\r\n{good}\r\n".encode()) for _ in range(5)]

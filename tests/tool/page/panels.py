@@ -222,11 +222,11 @@ class Panels(Journey):
         page.press("#belt-speed", "Enter")
         expect(page.locator(".belt .hint")).to_be_hidden()
         expect(page.locator("#reading-rate")).to_have_text(re.compile(r"^(4\.99|5|5\.01) kHz$"))
-        for percent, noise in (("10", 6554), ("0", 0)):
+        for percent in ("10", "0"):
             page.fill("#belt-noise", percent)
             with page.expect_response(lambda answer: answer.request.method == "PUT") as put:
                 page.press("#belt-noise", "Enter")
-            self.assertEqual(put.value.json()["noise"], noise)
+            self.assertAlmostEqual(put.value.json()["noise"], float(percent), delta=0.01)
             expect(page.locator("#belt-noise")).to_have_value(percent)
         page.click("#files-open")
         for button, name, begin in (("#configuration-save", "page.mcf", b""), ("#record", "page.tiff", b"II*")):

@@ -173,7 +173,6 @@ void readFaults(const DocumentField& field, StationCamera& station) {
 }
 
 void readScene(const DocumentField& field, const std::string& folder, StationScene& scene) {
-    constexpr double white = 65535;
     constexpr std::int64_t largestSeed = std::int64_t{1} << 53;
     field.requireObject({"image", "pixel", "noise", "seed"});
     if (const auto pixel = field.find("pixel")) scene.pixel = pixelSizeOf(*pixel);
@@ -184,7 +183,7 @@ void readScene(const DocumentField& field, const std::string& folder, StationSce
     }
     if (const auto noise = field.find("noise"))
         scene.noise = static_cast<std::uint32_t>(
-            std::round(noise->number(0, 100, "a percentage of white") / 100 * white));
+            std::round(noise->number(0, 100, "a percentage of white") / 100 * whiteLevel));
     if (const auto seed = field.find("seed"))
         scene.seed = static_cast<std::uint64_t>(seed->whole(0, largestSeed, "a seed"));
 }

@@ -30,6 +30,8 @@ struct StationBelt {
     std::int64_t barrierAhead = 0; /**< micrometres */
 };
 
+constexpr double whiteLevel = 65535; /**< of a scene */
+
 struct StationScene {
     std::uint32_t pixel = 100'000; /**< nanometres */
     std::string image;             /**< a PNG or TIFF file; empty: the chart */

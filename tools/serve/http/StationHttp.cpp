@@ -73,34 +73,36 @@ bool isAt(const Route& route, const std::string& path, std::string& name) {
     return name.find('/') == std::string::npos;
 }
 
-/** The refusal of a method that the path does not take; none if it takes it, or is unknown. */
-std::optional<HttpAnswer> refusedMethod(const HttpRequest& request) {
-    std::string name;
-    std::string allowed;
-    for (const Route& route : routes) {
-        if (!isAt(route, request.path, name)) continue;
-        if (route.method == request.method) return std::nullopt;
-        allowed += (allowed.empty() ? "" : ", ") + std::string(route.method);
-    }
-    if (allowed.empty()) return std::nullopt;
-    HttpAnswer answer = errorAnswer({status::notAllowed, "invalid", request.path + " takes " + allowed});
-    answer.headers.emplace_back("Allow", allowed);
-    return answer;
+struct Destination {
+    const Route* route;
+    std::string name; /**< the last part of the path, if it is passed on */
+};
+
+/** The methods that a path takes, with commas between them. */
+std::string methodsAt(const std::string& path) {
+    std::string name, methods;
+    for (const Route& route : routes)
+        if (isAt(route, path, name)) methods += (methods.empty() ? "" : ", ") + std::string(route.method);
+    return methods;
 }
 
-HttpAnswer routed(Station& station, const HttpRequest& request) {
+/** Throws HttpError for a path that there is not, and for a method that the path does not take. */
+Destination destinationOf(const HttpRequest& request) {
     std::string name;
-    for (const Route& route : routes) {
-        if (route.method != request.method || !isAt(route, request.path, name)) continue;
-        requireNames(request, applet_tools::splitLine(std::string(route.query)).words);
-        return route.function(station, request, name);
-    }
+    for (const Route& route : routes)
+        if (route.method == request.method && isAt(route, request.path, name)) return {&route, name};
+    if (const std::string methods = methodsAt(request.path); !methods.empty())
+        throw HttpError(status::notAllowed, "invalid", request.path + " takes " + methods);
     std::set<std::string> known;
     for (const Route& route : routes)
         known.emplace(route.path);
     throw HttpError(status::notFound, "unknown",
                     "there is no " + applet_tools::inQuotes(applet_tools::shortened(request.path, 60)) +
                         "; there are " + applet_tools::join({known.begin(), known.end()}, ", "));
+}
+
+bool isForFile(const HttpRequest& request) {
+    return request.path == "/favicon.ico" || findPageFile(fileOf(request.path)) != nullptr;
 }
 
 /** For all answers: no other site may use them, and a page may load only what this server sends. */
@@ -187,8 +189,7 @@ std::optional<HttpAnswer> StationHttp::refusal(const HttpRequest& request) {
                          "forbidden",
                          "the request comes from another site, or under a name that is not this machine's",
                          {{"advice", "open the address that 'appletctl station address' prints"}}});
-    else if (findPageFile(fileOf(request.path)) == nullptr && request.path != "/favicon.ico" &&
-             !m_guard.hasToken(request))
+    else if (!isForFile(request) && !m_guard.hasToken(request))
         refused = errorAnswer({status::unauthorised,
                                "forbidden",
                                "the request has no valid token",
@@ -196,9 +197,31 @@ std::optional<HttpAnswer> StationHttp::refusal(const HttpRequest& request) {
     if (refused)
         ++m_station.refusedRequests;
     else
-        refused = refusedMethod(request);
+        refused = refusalOfRequest(request);
     if (refused) addSafety(*refused);
     return refused;
+}
+
+/** What can be said before the body is read. */
+std::optional<HttpAnswer> StationHttp::refusalOfRequest(const HttpRequest& request) {
+    try {
+        if (!request.encoding.empty())
+            throw HttpError(status::unknownEncoding, "invalid",
+                            "the body is encoded as " +
+                                applet_tools::inQuotes(applet_tools::shortened(request.encoding, 40)) +
+                                ": send it as it is");
+        if (isForFile(request) && request.method == "GET") return std::nullopt;
+        const Destination destination = destinationOf(request);
+        requireNames(request, applet_tools::splitLine(std::string(destination.route->query)).words);
+        if (request.method != "GET") m_station.requireSettable();
+        return std::nullopt;
+    } catch (...) {
+        ++m_station.requests;
+        HttpAnswer refused = answerToException();
+        if (refused.status == status::notAllowed)
+            refused.headers.emplace_back("Allow", methodsAt(request.path));
+        return refused;
+    }
 }
 
 HttpAnswer StationHttp::answer(const HttpRequest& request) {
@@ -206,9 +229,12 @@ HttpAnswer StationHttp::answer(const HttpRequest& request) {
     HttpAnswer answer;
     try {
         if (request.path == "/favicon.ico") return {.status = status::noContent, .type = ""};
-        const PageFile* const file = findPageFile(fileOf(request.path));
-        answer = file != nullptr && request.method == "GET" ? fileAnswer(*file, request)
-                                                            : routed(m_station, request);
+        if (const PageFile* const file = findPageFile(fileOf(request.path))) {
+            answer = fileAnswer(*file, request);
+        } else {
+            const Destination destination = destinationOf(request);
+            answer = destination.route->function(m_station, request, destination.name);
+        }
     } catch (...) {
         answer = answerToException();
     }

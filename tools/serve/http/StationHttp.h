@@ -32,6 +32,7 @@ public:
 private:
     std::optional<HttpAnswer> refusal(const HttpRequest& request) override;
     HttpAnswer answer(const HttpRequest& request) override;
+    std::optional<HttpAnswer> refusalOfRequest(const HttpRequest& request);
     HttpAnswer invalid(int status) override;
 
     Guard m_guard;

@@ -52,6 +52,7 @@ serve::HttpPlace httpPlace(const HttpOptions& options) {
 
 std::string httpToken(const HttpOptions& options) {
     if (options.tokenFile.empty()) return serve::randomToken();
+    errno = 0;
     std::ifstream file(options.tokenFile);
     std::string token;
     if (!file || !std::getline(file, token))

@@ -17,7 +17,7 @@ using Json = nlohmann::ordered_json;
 namespace status {
 constexpr int noContent = 204, notModified = 304, badRequest = 400, unauthorised = 401, forbidden = 403,
               notFound = 404, notAllowed = 405, conflict = 409, tooLarge = 413, tooLong = 414,
-              headTooLarge = 431, internal = 500, unavailable = 503;
+              unknownEncoding = 415, headTooLarge = 431, internal = 500, unavailable = 503;
 } // namespace status
 
 /** Thrown by a route: the answer is {"error": {"code", "message", ...}}. */

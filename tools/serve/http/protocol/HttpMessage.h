@@ -17,8 +17,10 @@ struct HttpRequest {
     std::string method;                       /**< "GET" also for a HEAD */
     std::string path;                         /**< decoded, without the query */
     std::map<std::string, std::string> query; /**< decoded; the first value of each name */
+    std::string repeatedName;                 /**< of the query; empty: each name is there once */
     std::string host, origin, authorization;  /**< the headers of these names; empty if missing */
     std::string knownTag;                     /**< If-None-Match */
+    std::string encoding;                     /**< Content-Encoding */
     std::string body;
 };
 

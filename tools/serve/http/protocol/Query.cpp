@@ -94,6 +94,10 @@ std::optional<std::array<std::uint32_t, 4>> Query::rectangle(const std::string& 
 }
 
 void requireNames(const HttpRequest& request, const applet_tools::Words& known) {
+    if (!request.repeatedName.empty())
+        throw HttpError(status::badRequest, "invalid",
+                        "the query of " + request.path + " has " + shownName(request.repeatedName) +
+                            " more than once");
     for (const auto& [name, value] : request.query) {
         if (name == "token" || std::ranges::find(known, name) != known.end()) continue;
         throw HttpError(

@@ -109,7 +109,7 @@ Json sceneAsJson(const Station& station) {
     return {{"kind", scene.image.empty() ? "chart" : "image"},
             {"kinds", std::move(kinds)},
             {"pixel", scene.pixel / 1000.0},
-            {"noise", scene.noise},
+            {"noise", scene.noise * 100 / whiteLevel},
             {"objects", scene.objects.size()}};
 }
 
@@ -175,7 +175,6 @@ HttpAnswer showTable(Station& station, const HttpRequest& request, const std::st
 }
 
 HttpAnswer setTable(Station& station, const HttpRequest& request, const std::string& colour) {
-    station.requireSettable();
     const Json body = bodyOf(request, {"points"});
     return jsonAnswer(carryOutChange(station, "lut " + colour + " (by HTTP)", [&] {
         const Table table = tableOf(station, colour);
@@ -198,7 +197,6 @@ HttpAnswer showBelt(Station& station, const HttpRequest&, const std::string&) {
 HttpAnswer setBelt(Station& station, const HttpRequest& request, const std::string&) {
     constexpr double fastest = 10'000, micrometres = 1000;
     station.requireVirtual();
-    station.requireSettable();
     const auto speed = numberFrom(bodyOf(request, {"speed"}), "speed", -fastest, fastest, "mm/s");
     if (!speed) throw HttpError(status::badRequest, "invalid", R"({"speed": 500} in mm/s is expected)");
     return jsonAnswer(station.commands.run(Work::changes, [&] {
@@ -217,12 +215,11 @@ HttpAnswer showScene(Station& station, const HttpRequest&, const std::string&) {
 }
 
 HttpAnswer setScene(Station& station, const HttpRequest& request, const std::string&) {
-    constexpr double smallest = 1, largest = 100'000, nanometres = 1000, mostNoise = 65535;
+    constexpr double smallest = 1, largest = 100'000, nanometres = 1000;
     station.requireVirtual();
-    station.requireSettable();
     const Json body = bodyOf(request, {"kind", "pixel", "noise"});
     const auto pixel = numberFrom(body, "pixel", smallest, largest, "um");
-    const auto noise = numberFrom(body, "noise", 0, mostNoise, "of 65535");
+    const auto noise = numberFrom(body, "noise", 0, 100, "percent of white");
     const Json kind = body.value("kind", Json());
     if (body.contains("kind") && !kind.is_string())
         throw HttpError(status::badRequest, "invalid",
@@ -236,7 +233,7 @@ HttpAnswer setScene(Station& station, const HttpRequest& request, const std::str
                                 " is expected");
         if (!kind.is_null()) scene.image = kind == "image" ? station.ownImage : "";
         if (pixel) scene.pixel = static_cast<std::uint32_t>(std::lround(*pixel * nanometres));
-        if (noise) scene.noise = static_cast<std::uint32_t>(std::lround(*noise));
+        if (noise) scene.noise = static_cast<std::uint32_t>(std::lround(*noise / 100 * whiteLevel));
         connectScene(station.instance().board(), station.instance().device(), scene);
         station.setup.scene = scene;
         return sceneAsJson(station);

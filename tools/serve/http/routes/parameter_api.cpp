@@ -109,7 +109,6 @@ Json applyAll(Station& station, const Words& words) {
 }
 
 Json carryOutChange(Station& station, const std::string& text, const std::function<Json()>& work) {
-    station.requireSettable();
     ++station.sets;
     try {
         return station.commands.run(Work::changes, [&] {
@@ -153,7 +152,6 @@ HttpAnswer showParameter(Station& station, const HttpRequest&, const std::string
 }
 
 HttpAnswer setParameter(Station& station, const HttpRequest& request, const std::string& name) {
-    station.requireSettable();
     const Json body = bodyOf(request, {"value"});
     if (!body.contains("value"))
         throw HttpError(status::badRequest, "invalid",
@@ -167,7 +165,6 @@ HttpAnswer setParameter(Station& station, const HttpRequest& request, const std:
 }
 
 HttpAnswer setSeveral(Station& station, const HttpRequest& request, const std::string&) {
-    station.requireSettable();
     const Json body = bodyOf(request, {"settings", "anyOrder"});
     Words words;
     if (body.contains("settings") && body.at("settings").is_array())

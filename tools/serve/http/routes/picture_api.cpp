@@ -230,7 +230,6 @@ HttpAnswer showAcquisition(Station& station, const HttpRequest&, const std::stri
 }
 
 HttpAnswer setAcquisition(Station& station, const HttpRequest& request, const std::string& none) {
-    station.requireSettable();
     const Json body = bodyOf(request, {"isRunning"});
     if (!body.contains("isRunning") || !body.at("isRunning").is_boolean())
         throw HttpError(status::badRequest, "invalid",

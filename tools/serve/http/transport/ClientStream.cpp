@@ -9,7 +9,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <limits>
+#include <utility>
 
 namespace serve {
 namespace {
@@ -46,14 +46,19 @@ bool ClientStream::waitFor(short events, Clock::time_point due) const {
     }
 }
 
-bool ClientStream::waitForRequest(std::chrono::milliseconds limit) {
-    if (m_begin == m_end && !waitFor(POLLIN, Clock::now() + limit)) return false;
+bool ClientStream::waitForRequest() {
+    const auto longest = std::exchange(m_isFirst, false) ? longestRequest : longestIdle;
+    if (m_begin == m_end && !waitFor(POLLIN, Clock::now() + longest)) return false;
     m_due = Clock::now() + longestRequest;
-    m_headBytes = mostHeadBytes;
+    m_bytesLeft = mostHeadBytes;
+    m_isBody = false;
     return true;
 }
 
-void ClientStream::beginBody() { m_headBytes = std::numeric_limits<std::size_t>::max(); }
+void ClientStream::beginBody(std::size_t most) {
+    m_bytesLeft = most + 1; // with none left it was longer
+    m_isBody = true;
+}
 
 bool ClientStream::is_readable() const { return m_begin < m_end || waitFor(POLLIN, m_due); }
 
@@ -79,7 +84,7 @@ bool ClientStream::is_writable() const {
 }
 
 ssize_t ClientStream::read(char* place, std::size_t size) {
-    if (m_headBytes == 0) return -1;
+    if (m_bytesLeft == 0) return -1;
     if (m_begin == m_end) {
         if (!waitFor(POLLIN, m_due)) return -1;
         const ssize_t got = recv(m_socket, m_buffer.data(), m_buffer.size(), MSG_DONTWAIT);
@@ -87,10 +92,10 @@ ssize_t ClientStream::read(char* place, std::size_t size) {
         m_begin = 0;
         m_end = static_cast<std::size_t>(got);
     }
-    const std::size_t taken = std::min({size, m_end - m_begin, m_headBytes});
+    const std::size_t taken = std::min({size, m_end - m_begin, m_bytesLeft});
     std::memcpy(place, m_buffer.data() + m_begin, taken);
     m_begin += taken;
-    m_headBytes -= taken;
+    m_bytesLeft -= taken;
     return static_cast<ssize_t>(taken);
 }
 

@@ -14,19 +14,23 @@ namespace serve {
  *  not read for too long. Closes the socket in the destructor. */
 class ClientStream : public httplib::Stream {
 public:
+    static constexpr std::chrono::seconds longestIdle{30}; /**< between two requests */
+
     explicit ClientStream(int socket);
     ~ClientStream() override;
     ClientStream(const ClientStream&) = delete;
     ClientStream& operator=(const ClientStream&) = delete;
 
-    /** Waits for the first byte of the next request, and begins its limits. False if none comes. */
-    bool waitForRequest(std::chrono::milliseconds limit);
-    /** The head is complete, and the body may come. */
-    void beginBody();
+    /** Waits for the first byte of the next request, and begins its limits. False if none comes. The first request must come
+     *  at once; later ones may take a while. */
+    bool waitForRequest();
+    /** The head is complete, and a body of so many bytes may come. */
+    void beginBody(std::size_t most);
     /** False once the client has closed its side. */
     bool isClientThere() const;
-    /** True if the head was longer than is read. */
-    bool isHeadTooLong() const { return m_headBytes == 0; }
+    /** True if the head, or the body, was longer than is read. */
+    bool isHeadTooLong() const { return m_bytesLeft == 0 && !m_isBody; }
+    bool isBodyTooLong() const { return m_bytesLeft == 0 && m_isBody; }
     /** Ends the answers, and reads some of what the client still sends: with unread bytes a close would take the
      *  last answer back. */
     void finish();
@@ -47,7 +51,9 @@ private:
     int m_socket;
     std::array<char, 4096> m_buffer{};
     std::size_t m_begin = 0, m_end = 0; // unread bytes of the buffer
-    std::size_t m_headBytes = 0;        // that may still come
+    std::size_t m_bytesLeft = 0;        // of the head, or of the body, that may still come
+    bool m_isBody = false;
+    bool m_isFirst = true; // no request has come yet
     Clock::time_point m_due{};
 };
 

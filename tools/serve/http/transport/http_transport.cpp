@@ -22,7 +22,7 @@ using namespace std::chrono_literals;
 
 constexpr std::size_t mostConnections = 256;
 constexpr std::size_t mostBodyBytes = 1U << 20U;
-constexpr auto longestIdle = 30s; // between two requests on a connection
+constexpr std::size_t mostFramingBytes = 64U << 10U; // of a body that comes in chunks
 constexpr std::size_t longestPath = 1024;
 
 /** A thread for each connection, up to a limit: above it, the connection is refused on the listening thread. */
@@ -77,7 +77,8 @@ public:
             setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
         });
         set_payload_max_length(mostBodyBytes);
-        set_keep_alive_timeout(longestIdle.count()); // these two are only announced to the client
+        set_keep_alive_timeout(
+            ClientStream::longestIdle.count()); // these two are only announced to the client
         set_keep_alive_max_count(1'000'000);
         new_task_queue = [this] { return new ConnectionThreads([this] { m_isRefused = true; }); };
         set_pre_routing_handler(
@@ -90,8 +91,10 @@ public:
         set_error_handler([this](const httplib::Request&, httplib::Response& response) {
             const bool isOwn = response.has_header("Content-Type"); // by fill()
             if (isOwn) return;
-            const bool isTooLong = thisConnection().stream->isHeadTooLong();
-            fill(response, m_handler.invalid(isTooLong ? 431 : response.status));
+            const ClientStream& stream = *thisConnection().stream;
+            fill(response, m_handler.invalid(stream.isHeadTooLong()   ? 431
+                                             : stream.isBodyTooLong() ? 413
+                                                                      : response.status));
         });
     }
 
@@ -127,7 +130,7 @@ private:
         const bool takesBody = request.method == "PUT" || request.method == "POST";
         if (!refusal && takesBody && isBodySent) return HandlerResponse::Unhandled;
         fill(response, refusal ? *refusal : answerTo(asked));
-        if (refusal || isBodySent) { // what follows may be a body
+        if (isBodySent) { // and is not read
             response.set_header("Connection", "close");
             thisConnection().closesAfterThis = true;
         }
@@ -151,11 +154,12 @@ private:
         if (const std::size_t begin = request.target.find('?'); begin != std::string::npos)
             httplib::detail::parse_query_text(request.target.substr(begin + 1), query);
         for (const auto& [name, value] : query)
-            asked.query.emplace(name, value);
+            if (!asked.query.emplace(name, value).second) asked.repeatedName = name;
         asked.host = request.get_header_value("Host");
         asked.origin = request.get_header_value("Origin");
         asked.authorization = request.get_header_value("Authorization");
         asked.knownTag = request.get_header_value("If-None-Match");
+        asked.encoding = request.get_header_value("Content-Encoding");
         asked.body = request.body;
         return asked;
     }
@@ -212,10 +216,10 @@ private:
         ClientStream stream(socket);
         const Registration registration(*this, socket);
         thisConnection() = {&stream, false};
-        while (!registration.isEnding() && stream.waitForRequest(longestIdle)) {
+        while (!registration.isEnding() && stream.waitForRequest()) {
             bool isClosed = false;
             const auto prepare = [&stream](httplib::Request& request) {
-                stream.beginBody();
+                stream.beginBody(mostBodyBytes + mostFramingBytes);
                 request.headers.erase("Accept-Encoding"); // compression would cost more than the loopback
                 request.headers.erase("Range");
                 request.headers.erase(
@@ -223,7 +227,7 @@ private:
                 request.ranges.clear();
             };
             const bool isAnswered = process_request(stream, false, isClosed, prepare);
-            if (stream.isHeadTooLong()) {
+            if (stream.isHeadTooLong() || stream.isBodyTooLong()) {
                 if (!isAnswered) { // not even the address was read
                     const std::string answer = asText(m_handler.invalid(414));
                     stream.write(answer.data(), answer.size());
@@ -313,7 +317,7 @@ serveOpenHttpTransport(const serve::HttpPlace& place, serve::HttpHandler& handle
     for (;;) {
         auto server = std::make_unique<serve::Server>(handler);
         if (server->open(tried)) return new serve::Transport(std::move(server));
-        problem = "the station cannot listen on " + tried.address + ", port " + std::to_string(tried.port) +
+        problem = "the station cannot listen on " + tried.address + ", port " + std::to_string(place.port) +
                   ": " + std::strerror(errno);
         if (!tried.isFallbackAllowed || tried.port == 0) return nullptr;
         tried.port = 0;
