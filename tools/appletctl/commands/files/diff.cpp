@@ -37,10 +37,10 @@ Report compareConfigurations(Context& context, const Words& words) {
     if (areTwoFiles) sides.push_back({titleOf(words[1]), "second", nullptr, words[1]});
     Report report;
     if (isWithLive) {
-        CommandRun work(context, assignments);
-        report = work.report;
-        if (work.isRefused()) return report;
-        sides.push_back({"NOW", "now", &now.emplace(stateOf(work.instance))});
+        CommandRun run(context, assignments);
+        report = run.report;
+        if (run.isRefused()) return report;
+        sides.push_back({"NOW", "now", &now.emplace(stateOf(run.instance))});
     }
     const std::vector<Difference> differences = askDifferences(context.bareScratch(), sides);
     addDifferences(report, sides, differences, Sides::apart);

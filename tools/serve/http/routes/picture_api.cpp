@@ -1,10 +1,10 @@
 #include "serve/http/routes/picture_api.h"
 
+#include "applet_tools/applet/ticks.h"
 #include "applet_tools/base/numbers.h"
 #include "applet_tools/base/text.h"
 #include "applet_tools/pictures/region.h"
 #include "applet_tools/station/picture_record.h"
-#include "applet_tools/station/ticks.h"
 #include "serve/http/protocol/Query.h"
 #include "serve/http/state/station_documents.h"
 

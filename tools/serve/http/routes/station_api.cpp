@@ -19,12 +19,6 @@ constexpr std::size_t mostStreams = 64;
 constexpr auto samplePeriod = 250ms;
 constexpr auto keepAlivePeriod = 15s;
 
-/** Pulses of one tick have one edge in the record. */
-bool isPulse(const StationSignal& signal) {
-    constexpr unsigned firstPulse = 33, lastPulse = 36;
-    return signal.select >= firstPulse && signal.select <= lastPulse;
-}
-
 Json signalAsJson(Station& station, const StationSignal& signal, Ticks from, Ticks to, std::size_t most) {
     const SignalCourse course = courseOf(station.instance(), signal.select, from, to);
     const bool isCut = !course.isComplete || course.edges.size() > most;
@@ -35,7 +29,7 @@ Json signalAsJson(Station& station, const StationSignal& signal, Ticks from, Tic
         edges.push_back({edge->tick, edge->level ? 1 : 0});
     const bool isHigh = first == course.edges.begin() ? course.startsHigh : !first->level;
     return {{"name", signal.name},
-            {"kind", isPulse(signal) ? "pulse" : "level"},
+            {"kind", signal.isPulse() ? "pulse" : "level"},
             {"startsHigh", isHigh},
             {"edges", std::move(edges)},
             {"isCut", isCut}};
