@@ -156,10 +156,11 @@ HttpAnswer loadConfiguration(Station& station, const HttpRequest& request, const
 }
 
 HttpAnswer showTable(Station& station, const HttpRequest& request, const std::string& colour) {
-    constexpr std::int64_t usual = 257, most = 16384;
-    const auto count = static_cast<std::uint32_t>(Query(request).number("points", 2, most).value_or(usual));
+    constexpr std::int64_t usual = 257;
+    const Query query(request);
     return jsonAnswer(station.commands.run(Work::reads, [&] {
         const Table table = tableOf(station, colour);
+        const auto count = static_cast<std::uint32_t>(query.number("points", 2, table.size).value_or(usual));
         const auto elements = std::get<Elements>(valueOf(station.instance(), table.target));
         Json points = Json::array();
         const std::uint32_t steps = std::min(count, table.size) - 1;
