@@ -29,7 +29,7 @@ Report compareConfigurations(Context& context, const Words& words) {
     const bool isWithLive = !areTwoFiles || context.options().of<DiffOptions>().live;
     const Words assignments(words.begin() + (areTwoFiles ? 2 : 1), words.end());
     if (!isWithLive && !assignments.empty())
-        throw UsageError("two files are compared with each other: no assignments, and no third file; with "
+        throw UsageError("a comparison of two files takes no assignments and no third file; with "
                          "--live compares them with the parameters");
     if (isWithLive) requireBoard(context.options(), "diff");
     std::vector<Side> sides{{titleOf(first), "first", nullptr, first}};
