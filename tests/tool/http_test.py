@@ -397,6 +397,8 @@ class Http(unittest.TestCase):
         self.assertEqual(refused.status, 409)
         error = refused.json["error"]
         self.assertIn(run("--station", "main", "set", words)[2].split("appletctl: ")[1].strip(), error["message"])
+        self.assertEqual("; ".join(error["clauses"]), error["message"])
+        self.assertIn("the nearest accepted value is 14336 pixel", error["clauses"])
         self.assertEqual(error["limit"]["maximum"], 14336)
         self.assertGreaterEqual(len(error["waysOut"]), 2)
         for way in error["waysOut"]:

@@ -345,7 +345,7 @@ void addCauses(ScratchSession& session, const std::string& file, const Configura
     Probe probe(session);
     const std::vector<Suggestion> suggestions = suggestionsFor(probe, assignments);
     for (std::size_t i = 0; i < suggestions.size(); ++i)
-        refused[i].finding->message += suggestions[i].words;
+        refused[i].finding->message += suggestions[i].words();
 }
 
 /** Why nothing of the file was loaded; empty if something was. */

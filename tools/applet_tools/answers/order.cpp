@@ -74,7 +74,7 @@ std::string whyStuck(ScratchSession& session, const std::string& word) {
     Probe probe(session);
     const int code = probe.answer(assignment.target, assignment.value);
     const std::string refusal = refusalInWords(*assignment.target.parameter, assignment.value, code);
-    return asked + " passes in no order: " + refusal + suggestionFor(probe, assignment).words;
+    return asked + " passes in no order: " + refusal + suggestionFor(probe, assignment).words();
 }
 
 } // namespace

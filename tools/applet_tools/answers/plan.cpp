@@ -148,7 +148,7 @@ json assignmentsPlanJob(ScratchSession& session, const json& arguments) {
             session.keep();
             Probe probe(session);
             const Suggestion suggestion = suggestionFor(probe, result.assignment);
-            refusal += suggestion.words;
+            refusal += suggestion.words();
             if (suggestion.members.is_object()) row.update(suggestion.members);
             row["error"]["message"] = refusal;
             addLine(plan.words, refusal);

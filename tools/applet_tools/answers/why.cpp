@@ -95,7 +95,7 @@ json asMessage(const RefusalAnswer& answer) {
                     {"isTried", causes.isTried},
                     {"limit", causes.limit},
                     {"setBy", causes.setBy.dump()},
-                    {"acceptedWith", causes.acceptedWith},
+                    {"ways", causes.ways},
                     {"moves", answer.moves}};
     if (causes.nearest) message["nearest"] = asTypedMessage(*causes.nearest);
     if (answer.writableWith) message["writableWith"] = *answer.writableWith;
@@ -110,7 +110,7 @@ RefusalAnswer refusalFrom(const json& message) {
                      .limit = message["limit"].get<std::string>(),
                      .setBy = nlohmann::ordered_json::parse(message["setBy"].get<std::string>()),
                      .nearest = std::nullopt,
-                     .acceptedWith = message["acceptedWith"].get<Words>()};
+                     .ways = message["ways"].get<std::vector<Words>>()};
     if (message.contains("nearest")) answer.causes.nearest = fromTypedMessage(message["nearest"]);
     if (message.contains("writableWith")) answer.writableWith = message["writableWith"].get<Words>();
     answer.moves = message["moves"].get<Words>();

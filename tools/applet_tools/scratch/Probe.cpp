@@ -124,6 +124,13 @@ Value numberAt(std::uint64_t rank, const Value& like) {
     });
 }
 
+Words waysInWords(const std::vector<Words>& ways) {
+    Words lines;
+    for (const Words& way : ways)
+        lines.push_back(join(way, " "));
+    return lines;
+}
+
 Probe::Probe(ScratchSession& session) : m_session(session) { begin(); }
 
 void Probe::begin() {
@@ -366,16 +373,14 @@ std::vector<Ways> Probe::waysTo(const std::vector<Wish>& wishes) {
     return ways;
 }
 
-std::vector<std::string> Probe::words(const Ways& ways) const {
-    std::vector<std::string> texts;
+std::vector<Words> Probe::assignments(const Ways& ways) const {
+    std::vector<Words> lists;
     for (const std::vector<Change>& way : ways) {
-        std::vector<std::string> steps;
-        steps.reserve(way.size());
+        Words& list = lists.emplace_back();
         for (const Change& change : way)
-            steps.push_back(words(change));
-        texts.push_back(join(steps, " "));
+            list.push_back(words(change));
     }
-    return texts;
+    return lists;
 }
 
 std::string Probe::words(const Change& change) const {

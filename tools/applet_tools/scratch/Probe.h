@@ -3,6 +3,7 @@
 #define APPLET_TOOLS_SCRATCH_PROBE_H
 
 #include "applet_tools/applet/ParameterState.h"
+#include "applet_tools/base/words.h"
 #include "applet_tools/scratch/ScratchSession.h"
 
 #include <cstddef>
@@ -28,6 +29,9 @@ struct Change {
 
 /** Each element is a way: a sequence of changes. */
 using Ways = std::vector<std::vector<Change>>;
+
+/** "FG_LINETRIGGERMODE=ASYNC_TRIGGER FG_SHAFTENCODERON=FG_ON" for the assignments of each way. */
+Words waysInWords(const std::vector<Words>& ways);
 
 /** A condition, and the index of a parameter that must not be changed to meet it. */
 struct Wish {
@@ -78,8 +82,10 @@ public:
 
     /** "FG_XOFFSET=64", a word for `set`. */
     std::string words(const Change& change) const;
-    /** "FG_LINETRIGGERMODE=ASYNC_TRIGGER FG_SHAFTENCODERON=FG_ON" for each way. */
-    std::vector<std::string> words(const Ways& ways) const;
+    /** {"FG_LINETRIGGERMODE=ASYNC_TRIGGER", "FG_SHAFTENCODERON=FG_ON"} for each way. */
+    std::vector<Words> assignments(const Ways& ways) const;
+    /** The same as lines. */
+    Words words(const Ways& ways) const { return waysInWords(assignments(ways)); }
 
 private:
     /** Makes the present state the state of the probe. */

@@ -78,7 +78,7 @@ Report planAssignments(ScratchSession& session, const Words& words) {
         Probe probe(session);
         const Suggestion suggestion = suggestionFor(probe, assignment);
         row.update(suggestion.members);
-        return suggestion.words;
+        return suggestion.words();
     };
     return reportAssignments(session.instance(), session.parameters(), words, additions);
 }

@@ -20,42 +20,41 @@ using namespace applet_tools;
 constexpr std::size_t mostSettings = 200;
 
 /** Why an assignment was refused, and the ways out, from the scratch board. */
-HttpError refusalOf(LiveSession& live, const Assignment& assignment, const std::string& words, int code) {
+HttpError refusalOf(LiveSession& live, const AssignmentResult& result) {
+    const Assignment& assignment = result.assignment;
     const Parameter& parameter = *assignment.target.parameter;
-    const std::string word = assignment.target.name() + "=" + assignment.text;
     const std::string name = assignment.target.name();
+    Words clauses = refusalClauses(result);
     Json members;
     members["name"] = name;
-    members["result"] = codeAsJson(code);
+    members["result"] = codeAsJson(result.code);
     if (const auto limits = limitsOf(parameter))
         members["limit"] = {{"minimum", numberAsJson(limits->minimum)},
                             {"maximum", numberAsJson(limits->maximum)},
                             {"step", numberAsJson(limits->increment)}};
-    const Suggestion suggestion = askSuggestion(live, assignment, code);
-    members["advice"] = suggestion.words.starts_with("; ") ? suggestion.words.substr(2) : suggestion.words;
-    members["waysOut"] = Json::array();
-    if (suggestion.members.is_object()) {
-        Json& ways = members["waysOut"];
-        if (const auto nearest = suggestion.members.find("nearest"); nearest != suggestion.members.end()) {
-            const Json& value = nearest->at("value");
-            members["nearest"] = value;
-            const std::string text = name + "=" + valueWord(value);
-            ways.push_back(wayOut({text}));
-        }
-        for (const Json& way : suggestion.members.at("acceptedWith")) {
-            Words settings = splitLine(way.get<std::string>()).words;
-            settings.push_back(word); // for one request that sets them all
-            ways.push_back(wayOut(settings));
-            ways.back()["text"] = way;
-        }
-        if (suggestion.members.contains("setBy")) {
-            Json names = Json::array();
-            for (const Json& row : suggestion.members.at("setBy"))
-                if (row.contains("parameter")) names.push_back(row.at("parameter"));
-            members["limit"]["setBy"] = std::move(names);
-        }
+    const Suggestion suggestion = askSuggestion(live, assignment, result.code);
+    members["advice"] = join(suggestion.clauses, "; ");
+    clauses.insert(clauses.end(), suggestion.clauses.begin(), suggestion.clauses.end());
+    members["clauses"] = clauses;
+    Json ways = Json::array();
+    if (const auto nearest = suggestion.members.find("nearest"); nearest != suggestion.members.end()) {
+        const Json& value = nearest->at("value");
+        members["nearest"] = value;
+        ways.push_back(remedyOf({name + "=" + valueWord(value)}));
     }
-    return {status::conflict, "refused", words + suggestion.words, std::move(members)};
+    for (Words way : suggestion.ways) {
+        const std::string text = join(way, " ");
+        way.push_back(name + "=" + assignment.text); // for one request that sets them all
+        ways.push_back(remedyOf(way));
+        ways.back()["text"] = text;
+    }
+    members["waysOut"] = std::move(ways);
+    if (const auto setBy = suggestion.members.find("setBy"); setBy != suggestion.members.end()) {
+        Json& names = members["limit"]["setBy"] = Json::array();
+        for (const Json& row : *setBy)
+            if (row.contains("parameter")) names.push_back(row.at("parameter"));
+    }
+    return {status::conflict, "refused", join(clauses, "; "), std::move(members)};
 }
 
 /** A client of the page writes no files of this machine. */
@@ -88,9 +87,8 @@ Json applyAll(Station& station, const Words& words) {
     std::optional<HttpError> refusal;
     const auto after = [&](const AssignmentResult& result) {
         if (result.code != FG_OK) {
-            const std::string text = refusalInWords(result);
             // The suggestion may change the records, so the values are restored by name.
-            refusal.emplace(refusalOf(live, result.assignment, text, result.code));
+            refusal.emplace(refusalOf(live, result));
             return;
         }
         const Parameter& parameter = *result.assignment.target.parameter;

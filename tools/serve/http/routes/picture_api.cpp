@@ -52,7 +52,7 @@ PictureRegion regionOf(const Query& query, const PictureView& picture) {
 Json waysOutOf(const applet_tools::MissingPicture& missing) {
     Json ways = Json::array();
     for (const std::string& remedy : missing.remedies)
-        ways.push_back(wayOut({remedy}));
+        ways.push_back(remedyOf({remedy}));
     return ways;
 }
 

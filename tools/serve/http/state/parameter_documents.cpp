@@ -56,7 +56,7 @@ Json asJson(const Value& value) {
     return numberAsJson(value);
 }
 
-Json wayOut(const Words& assignments) {
+Json remedyOf(const Words& assignments) {
     Json settings = Json::array();
     for (const std::string& word : assignments) {
         const std::size_t place = word.find('=');
