@@ -19,7 +19,7 @@
 namespace serve {
 namespace {
 
-using RouteFunction = HttpAnswer(Station&, const HttpRequest&, const std::string& name);
+using RouteFunction = HttpAnswer(SharedStation&, const HttpRequest&, const std::string& name);
 
 struct Route {
     std::string_view method, path; /**< a path that ends in "/{name}" has a last part that is passed on */
@@ -88,7 +88,7 @@ std::optional<HttpAnswer> refusedMethod(const HttpRequest& request) {
     return answer;
 }
 
-HttpAnswer routed(Station& station, const HttpRequest& request) {
+HttpAnswer routed(SharedStation& station, const HttpRequest& request) {
     std::string name;
     for (const Route& route : routes) {
         if (route.method != request.method || !isAt(route, request.path, name)) continue;

@@ -67,7 +67,7 @@ void refuseFiles(LiveSession& live, const Words& words) {
 }
 
 /** Applies them in another order if this one is refused. */
-Json applyInAnyOrder(Station& station, const Words& words) {
+Json applyInAnyOrder(SharedStation& station, const Words& words) {
     try {
         return applyAll(station, words);
     } catch (const HttpError&) {
@@ -79,7 +79,7 @@ Json applyInAnyOrder(Station& station, const Words& words) {
 
 } // namespace
 
-Json applyAll(Station& station, const Words& words) {
+Json applyAll(SharedStation& station, const Words& words) {
     LiveSession& live = *station.access.live;
     refuseFiles(live, words);
     ValuesBefore before(live, words);
@@ -106,7 +106,7 @@ Json applyAll(Station& station, const Words& words) {
     throw HttpError(*refusal);
 }
 
-Json carryOutChange(Station& station, const std::string& text, const std::function<Json()>& work) {
+Json runChange(SharedStation& station, const std::string& text, const std::function<Json()>& work) {
     station.requireSettable();
     ++station.sets;
     try {
@@ -126,7 +126,7 @@ Json carryOutChange(Station& station, const std::string& text, const std::functi
     }
 }
 
-HttpAnswer listParameters(Station& station, const HttpRequest& request, const std::string&) {
+HttpAnswer listParameters(SharedStation& station, const HttpRequest& request, const std::string&) {
     const Query query(request);
     const Words names = query.list("names");
     const bool onlyChanged = query.flag("changed");
@@ -145,26 +145,26 @@ HttpAnswer listParameters(Station& station, const HttpRequest& request, const st
     }));
 }
 
-HttpAnswer showParameter(Station& station, const HttpRequest&, const std::string& name) {
+HttpAnswer showParameter(SharedStation& station, const HttpRequest&, const std::string& name) {
     return jsonAnswer(station.commands.run(
         Work::reads, [&] { return station.parameters.documentOf(station.parameters.targetOf(name)); }));
 }
 
-HttpAnswer setParameter(Station& station, const HttpRequest& request, const std::string& name) {
+HttpAnswer setParameter(SharedStation& station, const HttpRequest& request, const std::string& name) {
     station.requireSettable();
     const Json body = bodyOf(request, {"value"});
     if (!body.contains("value"))
         throw HttpError(status::badRequest, "invalid",
                         R"(the body has no member "value": {"value": 2048} is expected)");
     const std::string word = name + "=" + valueWord(body.at("value"));
-    return jsonAnswer(carryOutChange(station, "set " + asShellWord(word), [&] {
+    return jsonAnswer(runChange(station, "set " + asShellWord(word), [&] {
         static_cast<void>(station.parameters.targetOf(name)); // an unknown name is not an invalid value
         Json answer = applyAll(station, {word}).at(0);
         return answer;
     }));
 }
 
-HttpAnswer setSeveral(Station& station, const HttpRequest& request, const std::string&) {
+HttpAnswer setSeveral(SharedStation& station, const HttpRequest& request, const std::string&) {
     station.requireSettable();
     const Json body = bodyOf(request, {"settings", "anyOrder"});
     Words words;
@@ -188,7 +188,7 @@ HttpAnswer setSeveral(Station& station, const HttpRequest& request, const std::s
     if (!anyOrder.is_boolean())
         throw HttpError(status::badRequest, "invalid",
                         "anyOrder is " + shortened(anyOrder.dump(), 40) + ": true or false is expected");
-    return jsonAnswer(carryOutChange(station, "set " + joinWords(words), [&] {
+    return jsonAnswer(runChange(station, "set " + joinWords(words), [&] {
         return Json{{"settings",
                      anyOrder == Json(true) ? applyInAnyOrder(station, words) : applyAll(station, words)}};
     }));
