@@ -72,7 +72,7 @@ std::vector<Value> arraysNow(const Probe& probe) {
 
 /** The movements of a parameter since the probe began, with `array` as its elements then. */
 std::vector<Move> movesSince(Probe& probe, std::size_t place, const Value& array) {
-    std::vector<Move> moves = movesBetween(probe.at(place), probe.facts(place), probe.currentState(place));
+    std::vector<Move> moves = movesBetween(probe.at(place), probe.state(place), probe.currentState(place));
     if (arrayNow(probe, place) != array) moves.push_back(elementsMove());
     return moves;
 }
@@ -223,11 +223,10 @@ struct Moment {
         session.rewind();
         applyAssignments(session.instance(), session.parameters(), words, {});
         const Probe probe(session);
-        for (std::size_t place = 0; place < probe.count(); ++place)
-            facts.push_back(probe.facts(place));
+        states = probe.states();
         arrays = arraysNow(probe);
     }
-    std::vector<ParameterState> facts;
+    std::vector<ParameterState> states;
     std::vector<Value> arrays;
 };
 
@@ -240,9 +239,9 @@ std::vector<Movement> movesOf(ScratchSession& session, const Words& words, const
     }
     const Moment without(session, others), with(session, words);
     std::vector<Movement> movements;
-    for (std::size_t place = 0; place < with.facts.size(); ++place) {
+    for (std::size_t place = 0; place < with.states.size(); ++place) {
         const Parameter& parameter = session.parameters().all()[place];
-        std::vector<Move> moves = movesBetween(parameter, without.facts[place], with.facts[place]);
+        std::vector<Move> moves = movesBetween(parameter, without.states[place], with.states[place]);
         if (without.arrays[place] != with.arrays[place]) moves.push_back(elementsMove());
         for (const Move& move : moves)
             if (parameter.name != name) movements.push_back({parameter.name, own.back(), move});

@@ -35,12 +35,12 @@ public:
 
     AcceptedValues answer() {
         const Target target = m_subject.in(m_probe);
-        const ParameterState& facts = m_probe.facts(m_subject.place);
+        const ParameterState& state = m_probe.state(m_subject.place);
         m_answer = {.parameter = parameter().name,
                     .subject = m_subject.isWholeArray ? parameter().name : target.name(),
                     .elements = m_subject.elements,
                     .access = accessWord(parameter())};
-        m_answer.now = {.error = facts.error, .value = facts.value};
+        m_answer.now = {.error = state.error, .value = state.value};
         if (m_subject.elements && !m_subject.isWholeArray) m_answer.now.value = elementNow(target);
         if (parameter().kind() == REGISTER_KIND_ENUM)
             askEntries();
@@ -62,7 +62,7 @@ private:
 
     /** Records the code of a refusal. */
     bool isPresentValueTaken() {
-        m_answer.refusal = m_probe.answer({m_subject.place, m_probe.facts(m_subject.place).value});
+        m_answer.refusal = m_probe.answer({m_subject.place, m_probe.state(m_subject.place).value});
         return m_answer.refusal == FG_OK;
     }
 

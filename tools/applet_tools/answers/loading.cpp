@@ -382,8 +382,7 @@ LoadOutcome loadAndCompare(ScratchSession& session, FileKeys& keys, const std::s
     outcome.writes = takeWrites(session.instance());
     const DesignSnapshot loaded(session);
     outcome.changes = picture.changesTo(loaded);
-    for (const Parameter& parameter : session.parameters().all())
-        outcome.facts.push_back(currentState(session.instance(), parameter));
+    outcome.states = statesOf(session.instance(), session.parameters());
     const ConfigurationFile state = stateOf(session.instance());
     outcome.state = state.text();
     if (outcome.code == FG_ERR_FILE_TYPE) {

@@ -60,7 +60,7 @@ struct LoadOutcome {
     std::vector<Finding> findings;
     std::vector<std::string> writes;     /**< writes to the design, in order */
     std::vector<DesignChange> changes{}; /**< in the design */
-    std::vector<ParameterState> facts{}; /**< states of all parameters */
+    std::vector<ParameterState> states{}; /**< states of all parameters */
 };
 
 /** Why a load takes nothing from the file; empty if it takes something. */

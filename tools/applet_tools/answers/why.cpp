@@ -56,18 +56,18 @@ RefusalAnswer whyRefused(Probe& probe, const Assignment& assignment) {
 
 AccessAnswer whyReadOnly(Probe& probe, const Target& target) {
     const std::size_t place = probe.placeOf(*target.parameter);
-    const ParameterState facts = probe.facts(place);
+    const ParameterState state = probe.state(place);
     AccessAnswer answer{.parameter = target.parameter->name,
                         .subject = target.name(),
                         .access = accessWord(*target.parameter),
-                        .isWritable = isWritable(facts.access)};
+                        .isWritable = isWritable(state.access)};
     answer.now = target.elements ? readValue(probe.session().instance(), target)
-                                 : ReadResult{.error = facts.error, .value = facts.value};
+                                 : ReadResult{.error = state.error, .value = state.value};
     if (answer.isWritable) {
         answer.changedWith = waysToLock(probe, place);
         return answer;
     }
-    const int code = elementCount(probe.at(place)) > 0 ? FG_OK : probe.answer({place, facts.value});
+    const int code = elementCount(probe.at(place)) > 0 ? FG_OK : probe.answer({place, state.value});
     answer.hasSetter = code != FG_ERR_NOT_AVAILABLE;
     if (answer.hasSetter) answer.changedWith = waysToWrite(probe, place);
     return answer;

@@ -51,7 +51,8 @@ public:
     std::size_t placeOf(const Parameter& parameter) const;
 
     /** In the state of the probe. */
-    const ParameterState& facts(std::size_t place) const { return m_facts[place]; }
+    const std::vector<ParameterState>& states() const { return m_states; }
+    const ParameterState& state(std::size_t place) const { return m_states[place]; }
     /** At present, including changes being tried. */
     ParameterState currentState(std::size_t place) const;
 
@@ -112,7 +113,7 @@ private:
     Value nearest(const Change& found, const std::function<bool()>& condition);
 
     ScratchSession& m_session;
-    std::vector<ParameterState> m_facts;
+    std::vector<ParameterState> m_states;
     std::set<std::string, std::less<>>
         m_storedOtherwise;    // after a load: parameters with a stored value that differs from their reading
     int m_depth = 0;          // nesting of looks
