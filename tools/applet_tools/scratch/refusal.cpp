@@ -3,6 +3,7 @@
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/text.h"
 #include "applet_tools/scratch/limit_causes.h"
+#include "applet_tools/scratch/message_rows.h"
 
 #include "vexo/fg_errors.h"
 
@@ -154,21 +155,21 @@ Suggestion suggestionFor(Probe& probe, const Assignment& assignment) {
     return suggestionsFor(probe, std::vector{assignment}).front();
 }
 
+template <> struct MessageRows<Suggestion> {
+    static constexpr auto rows = std::tuple(&Suggestion::clauses, &Suggestion::ways, &Suggestion::members);
+};
+
 json suggestionJob(ScratchSession& session, const json& arguments) {
     Probe probe(session);
     const auto word = arguments.at("assignment").get<std::string>();
-    const Suggestion suggestion =
-        suggestionFor(probe, parseAssignments(session.parameters(), {word}).front());
-    return {{"clauses", suggestion.clauses}, {"ways", suggestion.ways}, {"row", suggestion.members.dump()}};
+    return toMessage(suggestionFor(probe, parseAssignments(session.parameters(), {word}).front()));
 }
 
 Suggestion askSuggestion(LiveSession& live, const Assignment& assignment, int code) {
     if (assignment.target.parameter->kind() == REGISTER_KIND_STRING) return {}; // texts depend on files
     if (!isAppletCode(code)) return {}; // an error of the board does not depend on values
     const std::string word = assignment.target.name() + "=" + assignment.text;
-    const json answer = live.scratch().ask("suggestion", {{"assignment", word}});
-    return {answer["clauses"].get<Words>(), answer["ways"].get<std::vector<Words>>(),
-            ordered_json::parse(answer["row"].get<std::string>())};
+    return recordFrom<Suggestion>(live.scratch().ask("suggestion", {{"assignment", word}}));
 }
 
 void startFrom(ScratchSession& session, const Words& assignments) {
