@@ -2,7 +2,7 @@
 #ifndef APPLET_TOOLS_ANSWERS_DIFFERENCES_H
 #define APPLET_TOOLS_ANSWERS_DIFFERENCES_H
 
-#include "applet_tools/answers/loading.h"
+#include "applet_tools/answers/loading/loading.h"
 
 #include <nlohmann/json.hpp>
 

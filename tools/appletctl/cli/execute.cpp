@@ -1,6 +1,6 @@
 #include "appletctl/cli/execute.h"
 
-#include "applet_tools/answers/loading.h"
+#include "applet_tools/answers/loading/loading.h"
 #include "applet_tools/applet/assignments.h"
 #include "applet_tools/base/Stopwatch.h"
 #include "applet_tools/base/files.h"
@@ -170,8 +170,8 @@ private:
     std::string failedLoad(const std::string& file, int code) {
         std::vector<std::string> reasons;
         for (const Finding& finding : askCheck(m_context.bareScratch(), file).findings) {
-            if (finding.kind == "file") return shownFile(file) + ": " + finding.message;
-            if (finding.kind == "missing") reasons.push_back(finding.key);
+            if (finding.kind == FindingKind::file) return shownFile(file) + ": " + finding.message;
+            if (finding.kind == FindingKind::missing) reasons.push_back(finding.key);
         }
         return shownFile(file) + " was not loaded as a whole: " + codeInWords(code) +
                (reasons.empty() ? "" : "; it lacks " + join(reasons, ", "));

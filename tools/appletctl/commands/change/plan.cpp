@@ -137,7 +137,7 @@ Report reportOf(const FilePlan& plan, const std::string& file, bool areAllWrites
     addDifferences(report, {{"BEFORE", "before", nullptr}, {"AFTER", "after", nullptr}}, plan.differences,
                    Sides::inTime);
     const bool isLoaded =
-        std::ranges::find(plan.load.findings, "file", &Finding::kind) == plan.load.findings.end();
+        std::ranges::find(plan.load.findings, FindingKind::file, &Finding::kind) == plan.load.findings.end();
     if (plan.differences.empty() && isLoaded) report.text += forPerson("Nothing would change.\n");
     report.document["writes"] = accessesAsJson(plan.load.writes);
     report.document["changes"] = asJson(plan.load.changes);

@@ -1,6 +1,6 @@
 #include "serve/http/routes/file_api.h"
 
-#include "applet_tools/answers/loading.h"
+#include "applet_tools/answers/loading/loading.h"
 #include "applet_tools/applet/files/ConfigurationFile.h"
 #include "applet_tools/applet/published_limits.h"
 #include "applet_tools/base/errors.h"
@@ -144,7 +144,7 @@ HttpAnswer loadConfiguration(SharedStation& station, const HttpRequest& request,
         const LoadCheck check = askCheck(live.scratch(), "the file", written);
         Json findings = applet_tools::asJson(check.findings);
         const bool isNothing = std::ranges::any_of(
-            check.findings, [](const Finding& finding) { return finding.kind == "file"; });
+            check.findings, [](const Finding& finding) { return finding.kind == FindingKind::file; });
         if (isNothing)
             throw HttpError(status::conflict, "refused", check.findings.front().message,
                             {{"findings", std::move(findings)}});
