@@ -10,6 +10,7 @@
 #include "vexo/fg_errors.h"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 namespace applet_tools {
@@ -28,9 +29,9 @@ std::string whyNothing(int code, const ConfigurationFile& asked, FileKeys& keys,
     return !trouble.empty() || areKeysMissing ? trouble : carriageReturns;
 }
 
-/** The findings for the keys of the file. `whole` may be large, and is freed at the end. */
-std::vector<Finding> findingsFor(ScratchSession& session, FileKeys& keys, int code, ConfigurationFile whole,
-                                 const LoadedFile& file) {
+/** The findings for the keys of the file. */
+std::vector<Finding> findingsFor(ScratchSession& session, FileKeys& keys, int code,
+                                 const ConfigurationFile& whole, const LoadedFile& file) {
     std::vector<Finding> findings = missingKeys(file, keys, session.parameters());
     const std::string nothing = whyNothing(code, file.asked, keys, !findings.empty());
     if (!nothing.empty()) return {nothingLoaded(code, nothing)};
@@ -45,20 +46,21 @@ struct BoardAtLoad {
     const DesignSnapshot& loaded;
 };
 
-/** What of the file the load has lost. */
+/** What the load has lost of the file. */
 std::vector<Finding> examine(ScratchSession& session, FileKeys& keys, const std::string& path,
                              const std::string& shownName, const LoadOutcome& outcome,
                              const BoardAtLoad& board) {
     if (outcome.code == FG_ERR_FILE_TYPE)
         return {nothingLoaded(outcome.code, "the file must exist, and .mcf must be part of its name")};
-    ConfigurationFile whole = ConfigurationFile::read(path);
-    const ConfigurationFile asked(textForLoad(whole.text(), keys.defaults()));
+    std::optional<ConfigurationFile> whole(ConfigurationFile::read(path)); // may be large
+    const ConfigurationFile asked(textForLoad(whole->text(), keys.defaults()));
     const ConfigurationFile state(outcome.state);
     const MemoryFile readByLoad; // used for the trials
     readByLoad.write(asked.text());
     const std::string trialPath = readByLoad.configurationPath();
     std::vector<Finding> findings =
-        findingsFor(session, keys, outcome.code, std::move(whole), {trialPath, asked, state});
+        findingsFor(session, keys, outcome.code, *whole, {trialPath, asked, state});
+    whole.reset();
     if (std::ranges::none_of(findings, &Finding::isRefusal)) return findings;
     const std::vector<std::string> outcomes =
         outcomesOf(session, asked, board.before, board.loaded, findings);
