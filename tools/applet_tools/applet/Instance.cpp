@@ -56,7 +56,7 @@ private:
 applet_host::Locations locationsFor(const BoardOptions& options) {
     applet_host::Locations where = applet_host::Locations::beside();
     if (!options.applet.empty()) where.applet = options.applet;
-    if (options.board == BoardKind::system && !options.offline) where.virtualBoard.clear();
+    if (options.isOnSystem()) where.virtualBoard.clear();
     where.bridge = options.bridge;
     return where;
 }

@@ -47,10 +47,8 @@ Report withFailuresAsReports(const std::function<Report()>& work) {
 
 namespace {
 
-bool isOnSystem(const Options& options) { return options.board == BoardKind::system && !options.offline; }
-
 /** True for a board that is shared with others or that the user does not want to be written to. */
-bool isProtected(const Options& options) { return options.look || isOnSystem(options); }
+bool isProtected(const Options& options) { return options.look || options.isOnSystem(); }
 
 bool setsSomething(const Request& request) {
     const bool hasFile =

@@ -16,7 +16,7 @@ namespace appletctl {
 namespace {
 
 std::string clockText(const Options& options, double clock) {
-    if (!isVirtual(options)) return "-";
+    if (!options.isVirtual()) return "-";
     if (clock == 0) return "stepped";
     return clock == 1 ? "wall" : "wall, " + numberText(clock) + " times";
 }
@@ -38,8 +38,6 @@ bool mayAcquire(const serve::ClientCommand& command) {
 }
 
 } // namespace
-
-bool isVirtual(const Options& options) { return !options.offline && options.board != BoardKind::system; }
 
 CommandServer::CommandServer(Context& context, const serve::StationPlace& place,
                              const std::optional<StationFile>& file, double clock)
@@ -127,7 +125,7 @@ void CommandServer::setClock() {
 
 /** The instance, if its board is virtual; else null. */
 Instance* CommandServer::virtualInstance() {
-    if (!m_context.isUp() || !isVirtual(m_shown)) return nullptr;
+    if (!m_context.isUp() || !m_shown.isVirtual()) return nullptr;
     Instance& instance = m_context.instance();
     return instance.device() != nullptr ? &instance : nullptr;
 }

@@ -14,8 +14,6 @@
 
 namespace appletctl {
 
-bool isVirtual(const Options& options);
-
 /** Executes the commands of clients one at a time, and the work of the station's other interfaces between them. */
 class CommandServer {
 public:

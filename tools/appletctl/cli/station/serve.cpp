@@ -158,7 +158,7 @@ Report announce(const Context& context, const serve::StationPlace& place, const 
 std::optional<StationFile> setUpBoard(Context& context, std::optional<StationFile> file) {
     if (file)
         setUpStation(context.instance(), context.parameters(), *file);
-    else if (isVirtual(context.options()))
+    else if (context.options().isVirtual())
         file = stationOfEnvironment(); // the board has set itself up with it
     return file;
 }
