@@ -222,7 +222,7 @@ Report planWords(Context& context, const Words& words) {
 extern const Command planCommand;
 const Command planCommand = {
     .name = "plan",
-    .help = "Show the effect of assignments, or of a load of a file, without doing it",
+    .help = "Show the effect of assignments, or of a load of a file, without making it",
     .argument = "NAME=VALUE|FILE",
     .argumentHelp = "As for the command set; or a configuration file",
     .form = "NAME=VALUE...|FILE",
@@ -269,7 +269,7 @@ Report applyChanges(Context& context, const Words& words) {
 extern const Command applyCommand;
 const Command applyCommand = {
     .name = "apply",
-    .help = "Show the same as 'plan', and do it after a question",
+    .help = "Show the same as 'plan', then ask and do it",
     .argument = "NAME=VALUE|FILE",
     .argumentHelp = "As for the command plan",
     .form = "NAME=VALUE...|FILE",

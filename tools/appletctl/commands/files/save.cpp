@@ -11,7 +11,7 @@ Report saveConfiguration(Context& context, const Words& words) {
     requireBoard(context.options(), "save");
     const std::string& file = fileOf(words);
     if (file.find(".mcf") == std::string::npos)
-        throw UsageError(shownFile(file) + " has no .mcf in its name, and no load takes such a file");
+        throw UsageError(shownFile(file) + " has no .mcf in its name, and a load refuses such a file");
     CommandRun run(context, behindFirst(words));
     if (run.isRefused()) return run.report;
     run.report.document["file"] = toUtf8(file.c_str());

@@ -72,10 +72,8 @@ void addGrabOptions(CLI::App& command, Options& options) {
         ->type_name("K")
         ->check(CLI::Range(std::int64_t{1}, mostPictures));
     command
-        .add_option(
-            "--lines", own.lines,
-            "Take pictures, as many as it needs, until they have N lines together; the last one is taken "
-            "whole")
+        .add_option("--lines", own.lines,
+                    "Take as many pictures as give N lines together; the last one is taken whole")
         ->type_name("N")
         ->check(CLI::Range(std::int64_t{1}, mostLines));
     command.add_flag(
@@ -91,7 +89,7 @@ void addGrabOptions(CLI::App& command, Options& options) {
             "File to write with the events of the station, a line of JSON each; - for the standard output")
         ->type_name("FILE");
     command.add_flag("--losses", own.wantsLosses,
-                     "Show each kind of loss and what would help, also those that did not come");
+                     "Show each kind of loss and what would help, also those that did not occur");
     addWaves(command, options);
     addStation(command, options);
 }
