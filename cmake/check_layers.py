@@ -27,10 +27,12 @@ TOOLS_APPLET = [*TOOLS_BASE, *HOST, f"{TOOLS}applet/**"]
 TOOLS_SCRATCH = [*TOOLS_APPLET, f"{TOOLS}station/StationFile.h", f"{TOOLS}scratch/**"]
 TOOLS_PICTURES = [*TOOLS_BASE, "virtual_board/virtual_board.h", f"{TOOLS}pictures/**"]
 TOOLS_STATION = [*TOOLS_APPLET, *TOOLS_PICTURES, f"{TOOLS}station/**"]
-TOOLS_ANSWERS = [*TOOLS_SCRATCH, *TOOLS_STATION, f"{TOOLS}answers/*"]
+TOOLS_LOADING = [*TOOLS_SCRATCH, f"{TOOLS}answers/loading/*"]
+TOOLS_ANSWERS = [*TOOLS_LOADING, *TOOLS_STATION, f"{TOOLS}answers/*"]
 TOOLS_LINT = [*TOOLS_ANSWERS, f"{TOOLS}answers/lint/*"]
 TOOLS_ALL = [*TOOLS_LINT, f"{TOOLS}*"]
-CHANNEL = ["tools/applet_host/Parameter.h", f"{TOOLS}base/Descriptor.h", "tools/station_channel/**"]
+SOCKET_FILES = [f"{TOOLS}base/{name}.h" for name in ("Descriptor", "socket_descriptors")]
+CHANNEL = ["tools/applet_host/Parameter.h", *SOCKET_FILES, "tools/station_channel/**"]
 SERVE = [*TOOLS_BASE, "tools/serve/*"]
 SERVE_LIVE = [*TOOLS_SCRATCH, *TOOLS_STATION, *CHANNEL, "tools/serve/live/*"]
 SERVE_CHANNEL = [*SERVE_LIVE, *SERVE, "tools/serve/channel/*"]
@@ -91,6 +93,7 @@ ROOMS = [
     (f"{TOOLS}scratch/**", TOOLS_SCRATCH),
     (f"{TOOLS}pictures/**", TOOLS_PICTURES),
     (f"{TOOLS}station/**", TOOLS_STATION),
+    (f"{TOOLS}answers/loading/*", TOOLS_LOADING),
     (f"{TOOLS}answers/lint/*", TOOLS_LINT),
     (f"{TOOLS}answers/*", TOOLS_ANSWERS),
     (f"{TOOLS}*", TOOLS_ALL),

@@ -2,8 +2,8 @@
 #ifndef HOST_DEADLINE_H
 #define HOST_DEADLINE_H
 
+#include "applet_tools/applet/ticks.h"
 #include "applet_tools/base/numbers.h"
-#include "applet_tools/station/ticks.h"
 #include "host/LastError.h"
 
 #include <chrono>

@@ -1,7 +1,7 @@
 // Configuration files and the XML document.
 
 #include "applet_tools/base/files.h"
-#include "applet_tools/answers/loading.h"
+#include "applet_tools/answers/loading/loading.h"
 #include "applet_tools/applet/files/ConfigurationFile.h"
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/text.h"

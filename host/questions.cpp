@@ -2,7 +2,7 @@
 
 #include "applet_tools/answers/answer_rows.h"
 #include "applet_tools/answers/lint/lint.h"
-#include "applet_tools/answers/loading.h"
+#include "applet_tools/answers/loading/loading.h"
 #include "applet_tools/answers/plan.h"
 #include "applet_tools/applet/assignments.h"
 #include "applet_tools/base/errors.h"

@@ -34,7 +34,7 @@ Error refusalOf(vexo_station& station, const AssignmentResult& result, bool want
     std::string words = refusalInWords(result);
     if (wantsAdvice && station.givesAdvice && result.reason.empty()) {
         const applet_tools::Suggestion advice = adviceFor(station, result);
-        words += advice.words;
+        words += advice.words();
         if (advice.members.is_object()) members.update(advice.members);
     }
     return {result.code, words, std::move(members)};

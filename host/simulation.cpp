@@ -1,10 +1,10 @@
 // The simulated station: time, waves, station files, events.
 
 #include "applet_tools/applet/assignments.h"
+#include "applet_tools/applet/ticks.h"
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"
-#include "applet_tools/station/ticks.h"
 #include "applet_tools/station/waves.h"
 #include "host/Deadline.h"
 #include "host/Station.h"

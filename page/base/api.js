@@ -6,13 +6,15 @@ const TOKEN = 'station-token';
 export class ApiError extends Error {
   /**
    * @param {number} status HTTP status, 0 without an answer
-   * @param {{code?: string, message?: string, advice?: string, limit?: object, nearest?: *, waysOut?: object[]}} fields
+   * @param {{code?: string, message?: string, clauses?: string[], advice?: string, limit?: object, nearest?: *,
+   *   waysOut?: object[]}} fields
    */
   constructor(status, fields) {
     super(fields.message || `the station answered with HTTP status ${status}`);
     this.name = 'ApiError';
     this.status = status;
     this.code = fields.code || '';
+    this.clauses = fields.clauses || [this.message];
     this.advice = fields.advice || '';
     this.limit = fields.limit || null;
     this.nearest = fields.nearest ?? null;

@@ -58,8 +58,9 @@ export function errorBox(error, { setting, onDone = () => {}, onClose, onError }
       );
     }
   }
-  // The sentence may repeat what is shown as limit and buttons: then its first clause is enough at first.
-  const [clause, ...rest] = lines.length || error.waysOut?.length ? error.message.split('; ') : [error.message];
+  // The limit and the buttons may repeat the later clauses: then the first one is enough at first.
+  const isRepeated = lines.length || error.waysOut?.length;
+  const [clause, ...rest] = (isRepeated && error.clauses) || [error.message];
   if (clause) lines.unshift(el('p', { class: 'message', text: clause }));
   if (rest.length)
     lines.push(

@@ -9,7 +9,6 @@ import { maySet, on } from '../base/state.js';
 import { bend, curveScale, drawGrid, drawProposal, drawTables, LARGEST, pointsOf, polyline } from '../draw/curve.js';
 
 const HANDLES = 9;
-const ENTRIES = 16384; // of a table
 
 /** Builds the panel, and reads the table whenever it is shown or a parameter of it changes. */
 export function startLut() {
@@ -27,9 +26,11 @@ export function startLut() {
   new ResizeObserver(() => editor.draw()).observe(editor.canvas);
 }
 
-/** All entries of a table of the station. */
-async function readTable(i, signal) {
-  const { points } = await getJson(`/api/lut/${COMPONENTS[i].key}`, { points: ENTRIES }, signal);
+/** All entries of a table of the station; size: their number as far as it is known, else 0. */
+async function readTable(i, size, signal) {
+  const ask = (points) => getJson(`/api/lut/${COMPONENTS[i].key}`, { points: points || undefined }, signal);
+  const answer = await ask(size);
+  const { points } = answer.points.length === answer.size ? answer : await ask(answer.size);
   return points.map(([, value]) => value);
 }
 
@@ -40,7 +41,6 @@ class Editor {
     this.unsent = new Map(); // changes that the station does not have yet, by table: functions from a table to the next
     this.isSending = false;
     this.changes = 0;
-    this.size = ENTRIES;
     this.chosen = new Set([0, 1, 2]);
     this.points = []; // of the handles: entry and value
     this.drag = null; // the handle that moves, with the tables as they will be
@@ -108,14 +108,18 @@ class Editor {
     this.canvas.addEventListener('dblclick', (event) => this.add(event));
   }
 
+  /** The number of entries of a table; 0 before the first read. */
+  get size() {
+    return this.tables[0]?.length ?? 0;
+  }
+
   async read(signal) {
     if (this.unsent.size || this.isSending) return; // read afterwards
     const { changes } = this;
     try {
-      const tables = await Promise.all(COMPONENTS.map((_, i) => readTable(i, signal)));
+      const tables = await Promise.all(COMPONENTS.map((_, i) => readTable(i, this.size, signal)));
       if (this.changes !== changes || this.drag) return;
       this.tables = tables;
-      this.size = tables[0].length;
       if (!this.places.length)
         this.places = Array.from({ length: HANDLES }, (_, i) => Math.floor((i * (this.size - 1)) / (HANDLES - 1)));
       this.describe();

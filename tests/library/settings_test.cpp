@@ -311,85 +311,122 @@ protected:
         ASSERT_EQ(code, VBOARD_OK) << name;
     }
 
-    void run(const Lines& words) {
-        const std::string& command = words.at(0);
-        const std::string name = words.size() > 1 ? words[1] : "";
-        if (command == "quiet") {
-            m_isQuiet = name == "on";
-        } else if (command == "short") {
-            m_isShort = name == "on";
-        } else if (command == "restore") {
-            board.restore_design();
-        } else if (command == "lack") {
-            ASSERT_EQ(board.lack_parameter(designName(name).c_str(), true), VBOARD_OK) << name;
-        } else if (command == "alias") {
-            ASSERT_EQ(board.alias_parameter(designName(name).c_str(), designName(words.at(2)).c_str()),
-                      VBOARD_OK);
-        } else if (command == "restart" && name == "failing") {
-            restart([&] { grabber.fail(designName(words.at(2)), std::stoi(words.at(3))); });
-            m_records = records();
-        } else if (command == "restart") {
-            restart([&] {
+    void restartWith(const Lines& words) {
+        restart([&] {
+            if (words.size() > 1 && words[1] == "failing")
+                grabber.fail(designName(words.at(2)), std::stoi(words.at(3)));
+            else
                 for (std::size_t i = 1; i + 1 < words.size(); i += 2)
                     pokeOne(words[i], words[i + 1]);
-            });
-            m_records = records();
-        } else if (command == "poke") {
-            pokeOne(name, words.at(2));
-        } else if (command == "then") {
-            ASSERT_EQ(
-                board.poke_after_read(grabber.device, designName(name).c_str(), std::stoll(words.at(2))),
-                VBOARD_OK);
-        } else if (command == "fail" && std::isdigit(name.at(0)) != 0) {
-            m_failing = {std::stoi(name), std::stoi(words.at(2))};
-        } else if (command == "fail") {
-            grabber.fail(designName(name), std::stoi(words.at(2)));
-        } else if (command == "mark") {
-            for (const char* moving : movingMaxima) {
-                RegisterInfo& record = *recordOf(moving);
-                if (record.kind == REGISTER_KIND_DOUBLE)
-                    record.value.f64.maximum = mark;
-                else
-                    record.value.u32.maximum = mark;
-            }
-        } else if (command == "set") {
-            for (std::size_t i = 2; i < words.size(); ++i)
-                setOne(*recordOf(name), words[i]);
-        } else if (command == "same") {
-            RegisterInfo& record = *recordOf(name);
-            setOne(record, read(record));
-        } else if (command == "file") {
-            loadWith(name, words.at(2));
-        } else if (command == "saved") {
-            ASSERT_EQ(applet.Fg_saveConfig(grabber.fg(), "state.mcf"), FG_OK);
-            for (const std::string& line : fileLines("state.mcf"))
-                if (std::ranges::count(words, line.substr(0, line.find('='))) != 0) answer(line);
-        } else if (command == "write") {
-            std::string text;
-            for (std::size_t i = 2; i < words.size(); ++i)
-                text += fileLinesOf(words[i]);
-            writeFile(name, text);
-        } else if (command == "take") {
-            std::string taken = "taken:";
-            for (std::size_t i = 2; i < words.size(); ++i)
-                if (write(*recordOf(name), words[i]) == FG_OK) taken += ' ' + words[i];
-            answer(taken);
-        } else if (command == "limits") {
-            answer(limits(*recordOf(name)));
-        } else if (command == "range") {
-            setRange(*recordOf(name), std::stoll(words.at(2)), std::stoll(words.at(3)));
-        } else if (command == "get") {
-            for (std::size_t i = 1; i < words.size(); ++i) {
-                clearLog();
-                const std::string value = read(*recordOf(words[i]));
-                answer(value);
-                answerAccesses(log());
-            }
-        } else if (command == "table") {
-            showTable(*recordOf(name), words.at(2));
-        } else {
-            FAIL() << "unknown command " << command;
+        });
+        m_records = records();
+    }
+
+    void markMaxima() {
+        for (const char* moving : movingMaxima) {
+            RegisterInfo& record = *recordOf(moving);
+            if (record.kind == REGISTER_KIND_DOUBLE)
+                record.value.f64.maximum = mark;
+            else
+                record.value.u32.maximum = mark;
         }
+    }
+
+    void showSaved(const Lines& keys) {
+        ASSERT_EQ(applet.Fg_saveConfig(grabber.fg(), "state.mcf"), FG_OK);
+        for (const std::string& line : fileLines("state.mcf"))
+            if (std::ranges::count(keys, line.substr(0, line.find('='))) != 0) answer(line);
+    }
+
+    void getOne(const std::string& name) {
+        clearLog();
+        const std::string value = read(*recordOf(name));
+        answer(value);
+        answerAccesses(log());
+    }
+
+    /** The words of a line, the command first. */
+    using Run = void (*)(Settings& its, const Lines& words);
+
+    static const std::map<std::string, Run>& commands() {
+        static const std::map<std::string, Run> rows = {
+            {"quiet", [](Settings& its, const Lines& words) { its.m_isQuiet = words.at(1) == "on"; }},
+            {"short", [](Settings& its, const Lines& words) { its.m_isShort = words.at(1) == "on"; }},
+            {"restore", [](Settings& its, const Lines&) { its.board.restore_design(); }},
+            {"lack",
+             [](Settings& its, const Lines& words) {
+                 ASSERT_EQ(its.board.lack_parameter(designName(words.at(1)).c_str(), true), VBOARD_OK);
+             }},
+            {"alias",
+             [](Settings& its, const Lines& words) {
+                 ASSERT_EQ(its.board.alias_parameter(designName(words.at(1)).c_str(),
+                                                     designName(words.at(2)).c_str()),
+                           VBOARD_OK);
+             }},
+            {"restart", [](Settings& its, const Lines& words) { its.restartWith(words); }},
+            {"poke", [](Settings& its, const Lines& words) { its.pokeOne(words.at(1), words.at(2)); }},
+            {"then",
+             [](Settings& its, const Lines& words) {
+                 ASSERT_EQ(its.board.poke_after_read(its.grabber.device, designName(words.at(1)).c_str(),
+                                                     std::stoll(words.at(2))),
+                           VBOARD_OK);
+             }},
+            {"fail",
+             [](Settings& its, const Lines& words) {
+                 const int code = std::stoi(words.at(2));
+                 if (std::isdigit(words.at(1).at(0)) != 0)
+                     its.m_failing = {std::stoi(words.at(1)), code};
+                 else
+                     its.grabber.fail(designName(words.at(1)), code);
+             }},
+            {"mark", [](Settings& its, const Lines&) { its.markMaxima(); }},
+            {"set",
+             [](Settings& its, const Lines& words) {
+                 for (std::size_t i = 2; i < words.size(); ++i)
+                     its.setOne(*its.recordOf(words.at(1)), words[i]);
+             }},
+            {"same",
+             [](Settings& its, const Lines& words) {
+                 RegisterInfo& record = *its.recordOf(words.at(1));
+                 its.setOne(record, its.read(record));
+             }},
+            {"file", [](Settings& its, const Lines& words) { its.loadWith(words.at(1), words.at(2)); }},
+            {"saved", [](Settings& its, const Lines& words) { its.showSaved(words); }},
+            {"write",
+             [](Settings&, const Lines& words) {
+                 std::string text;
+                 for (std::size_t i = 2; i < words.size(); ++i)
+                     text += fileLinesOf(words[i]);
+                 writeFile(words.at(1), text);
+             }},
+            {"take",
+             [](Settings& its, const Lines& words) {
+                 std::string taken = "taken:";
+                 for (std::size_t i = 2; i < words.size(); ++i)
+                     if (its.write(*its.recordOf(words.at(1)), words[i]) == FG_OK) taken += ' ' + words[i];
+                 its.answer(taken);
+             }},
+            {"limits",
+             [](Settings& its, const Lines& words) { its.answer(limits(*its.recordOf(words.at(1)))); }},
+            {"range",
+             [](Settings& its, const Lines& words) {
+                 its.setRange(*its.recordOf(words.at(1)), std::stoll(words.at(2)), std::stoll(words.at(3)));
+             }},
+            {"get",
+             [](Settings& its, const Lines& words) {
+                 for (std::size_t i = 1; i < words.size(); ++i)
+                     its.getOne(words[i]);
+             }},
+            {"table", [](Settings& its,
+                         const Lines& words) { its.showTable(*its.recordOf(words.at(1)), words.at(2)); }},
+        };
+        return rows;
+    }
+
+    void run(const Lines& words) {
+        const auto command = commands().find(words.at(0));
+        ASSERT_NE(command, commands().end()) << "unknown command " << words.at(0);
+        command->second(*this, words);
     }
 
     const std::filesystem::path m_before = std::filesystem::current_path();

@@ -324,6 +324,16 @@ class Http(unittest.TestCase):
             with self.subTest(reason):
                 wait_for_reason(reason)
             put(path, good)
+        # Steps forward give no line until those backwards are made up for.
+        put(belt, {"speed": -10000})
+        wait_for_reason("runs backwards")
+        put(belt, {"speed": 100})
+        wait_for_reason("the encoder went backwards")
+        way = client.get("/api/frame?after=99999999").json["error"]["waysOut"][0]
+        self.assertEqual(way["text"], "FG_SHAFTENCODER_COMPENSATION_COUNT=0")
+        self.assertEqual(client.ask("POST", "/api/settings", {"settings": way["settings"]}).status, 200)
+        put(belt, {"speed": 1000})
+        self.assertEqual(client.get("/api/frame?timeout=10000").status, 200)
         put("/api/parameters/FG_EXSYNCON", {"value": "FG_OFF"})
         wait_for_reason("set FG_EXSYNCON=FG_ON")
         signal = wait_for(lambda: (it := client.get("/api/acquisition").json["signal"])["state"] == "none" and it)
@@ -403,6 +413,8 @@ class Http(unittest.TestCase):
         self.assertEqual(refused.status, 409)
         error = refused.json["error"]
         self.assertIn(run("--station", "main", "set", words)[2].split("appletctl: ")[1].strip(), error["message"])
+        self.assertEqual("; ".join(error["clauses"]), error["message"])
+        self.assertIn("the nearest accepted value is 14336 pixel", error["clauses"])
         self.assertEqual(error["limit"]["maximum"], 14336)
         self.assertGreaterEqual(len(error["waysOut"]), 2)
         for way in error["waysOut"]:

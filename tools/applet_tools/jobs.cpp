@@ -5,7 +5,7 @@
 #include "applet_tools/answers/expectation.h"
 #include "applet_tools/answers/limits.h"
 #include "applet_tools/answers/lint/lint.h"
-#include "applet_tools/answers/loading.h"
+#include "applet_tools/answers/loading/loading.h"
 #include "applet_tools/answers/order.h"
 #include "applet_tools/answers/plan.h"
 #include "applet_tools/answers/routes.h"

@@ -218,7 +218,7 @@ void CommandSocket::enqueue(const std::shared_ptr<Connection>& client, const jso
     ClientCommand command = commandFrom(message);
     command.files = client->reader.takeDescriptors();
     if (command.files.size() != clientFiles)
-        throw Failure("a command comes with its standard streams and its folder");
+        throw Failure("a command needs its standard streams and its folder");
     std::string text = command.kind == ClientCommand::Kind::line
                            ? command.line
                            : applet_tools::joinWords(withoutStation(command.words));

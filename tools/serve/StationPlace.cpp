@@ -77,7 +77,7 @@ void makeStationFolder() {
     const fs::path folder = stationFolder();
     const std::string shown = applet_tools::inQuotes(folder.native());
     if (mkdir(folder.c_str(), S_IRWXU) != 0 && errno != EEXIST)
-        throw Failure("the folder " + shown + " cannot be made: " + std::strerror(errno));
+        throw Failure("the folder " + shown + " cannot be created: " + std::strerror(errno));
     struct stat status {};
     if (lstat(folder.c_str(), &status) != 0 || !S_ISDIR(status.st_mode) || status.st_uid != getuid())
         throw Failure("the folder " + shown + " for the sockets of stations is not one of this user's");

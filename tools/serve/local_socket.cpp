@@ -35,13 +35,13 @@ Descriptor listenAt(const std::filesystem::path& path, int type) {
     if (!socket || bind(socket.number(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
         chmod(path.c_str(), S_IRUSR | S_IWUSR) != 0 || listen(socket.number(), backlog) != 0)
         throw Failure("the socket " + applet_tools::inQuotes(path.native()) +
-                      " cannot be made: " + std::strerror(errno));
+                      " cannot be created: " + std::strerror(errno));
     return socket;
 }
 
 Descriptor connectAt(const std::filesystem::path& path, int type) {
     Descriptor socket(::socket(AF_UNIX, type | SOCK_CLOEXEC, 0));
-    if (!socket) throw Failure(std::string("no socket can be made: ") + std::strerror(errno));
+    if (!socket) throw Failure(std::string("no socket can be created: ") + std::strerror(errno));
     const sockaddr_un address = addressOf(path);
     const bool isConnected =
         connect(socket.number(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
@@ -57,7 +57,7 @@ std::int64_t allowedPeer(int socket) {
 
 Descriptor wakingDescriptor() {
     Descriptor made(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
-    if (!made) throw Failure(std::string("no event descriptor can be made: ") + std::strerror(errno));
+    if (!made) throw Failure(std::string("no event descriptor can be created: ") + std::strerror(errno));
     return made;
 }
 

@@ -135,7 +135,7 @@ Rows rowsOf(const RefusalAnswer& answer, const Parameter& parameter) {
     rows.push_back({"refused", answer.refusal});
     const RefusalCauses& causes = answer.causes;
     if (!causes.limit.empty()) rows.push_back({"limit", causes.limit});
-    if (causes.isTried) addWays(rows, "accepted with", causes.acceptedWith);
+    if (causes.isTried) addWays(rows, "accepted with", waysInWords(causes.ways));
     if (causes.nearest) rows.push_back({"nearest", exactValueWithUnit(parameter, *causes.nearest)});
     return rows;
 }

@@ -3,6 +3,7 @@
 #include "applet_tools/applet/access_log.h"
 #include "applet_tools/applet/assignments.h"
 #include "applet_tools/base/text.h"
+#include "applet_tools/scratch/message_rows.h"
 #include "applet_tools/scratch/refusal.h"
 
 #include "vexo/fg_errors.h"
@@ -72,7 +73,7 @@ std::vector<Value> arraysNow(const Probe& probe) {
 
 /** The movements of a parameter since the probe began, with `array` as its elements then. */
 std::vector<Move> movesSince(Probe& probe, std::size_t place, const Value& array) {
-    std::vector<Move> moves = movesBetween(probe.at(place), probe.facts(place), probe.currentState(place));
+    std::vector<Move> moves = movesBetween(probe.at(place), probe.state(place), probe.currentState(place));
     if (arrayNow(probe, place) != array) moves.push_back(elementsMove());
     return moves;
 }
@@ -148,27 +149,20 @@ private:
     std::set<std::string> m_written;
 };
 
-json asMessage(const std::vector<Movement>& movements) {
-    json rows = json::array();
-    for (const auto& [parameter, with, move] : movements)
-        rows.push_back(
-            {parameter, with, move.what, move.from, move.to, move.fromJson.dump(), move.toJson.dump()});
-    return rows;
-}
-
-std::vector<Movement> movementsFrom(const json& rows) {
-    std::vector<Movement> movements;
-    for (const json& row : rows) {
-        const auto cells = row.get<Words>();
-        movements.push_back(
-            {cells[0],
-             cells[1],
-             {cells[2], cells[3], cells[4], ordered_json::parse(cells[5]), ordered_json::parse(cells[6])}});
-    }
-    return movements;
-}
-
 } // namespace
+
+template <> struct MessageRows<Move> {
+    static constexpr auto rows =
+        std::tuple(&Move::what, &Move::from, &Move::to, &Move::fromJson, &Move::toJson);
+};
+template <> struct MessageRows<Movement> {
+    static constexpr auto rows = std::tuple(&Movement::parameter, &Movement::with, &Movement::move);
+};
+template <> struct MessageRows<Dependencies> {
+    using Record = Dependencies;
+    static constexpr auto rows =
+        std::tuple(&Record::parameter, &Record::isTried, &Record::moves, &Record::movedBy, &Record::writes);
+};
 
 Dependencies dependenciesOf(Probe& probe, const Parameter& parameter) {
     const std::string name = parameter.name; // a copy: the record may be gone after the trials
@@ -223,11 +217,10 @@ struct Moment {
         session.rewind();
         applyAssignments(session.instance(), session.parameters(), words, {});
         const Probe probe(session);
-        for (std::size_t place = 0; place < probe.count(); ++place)
-            facts.push_back(probe.facts(place));
+        states = probe.states();
         arrays = arraysNow(probe);
     }
-    std::vector<ParameterState> facts;
+    std::vector<ParameterState> states;
     std::vector<Value> arrays;
 };
 
@@ -240,9 +233,9 @@ std::vector<Movement> movesOf(ScratchSession& session, const Words& words, const
     }
     const Moment without(session, others), with(session, words);
     std::vector<Movement> movements;
-    for (std::size_t place = 0; place < with.facts.size(); ++place) {
+    for (std::size_t place = 0; place < with.states.size(); ++place) {
         const Parameter& parameter = session.parameters().all()[place];
-        std::vector<Move> moves = movesBetween(parameter, without.facts[place], with.facts[place]);
+        std::vector<Move> moves = movesBetween(parameter, without.states[place], with.states[place]);
         if (without.arrays[place] != with.arrays[place]) moves.push_back(elementsMove());
         for (const Move& move : moves)
             if (parameter.name != name) movements.push_back({parameter.name, own.back(), move});
@@ -255,7 +248,7 @@ std::vector<Movement> movesOf(ScratchSession& session, const Words& words, const
 json movesJob(ScratchSession& session, const json& arguments) {
     json answer = json::object();
     for (const auto& name : arguments.at("names").get<Words>())
-        answer[name] = asMessage(movesOf(session, arguments.at("words").get<Words>(), name));
+        answer[name] = toMessage(movesOf(session, arguments.at("words").get<Words>(), name));
     return answer;
 }
 
@@ -264,26 +257,19 @@ std::map<std::string, std::vector<Movement>> askMoves(LiveSession& live, const W
     std::map<std::string, std::vector<Movement>> moves;
     const json answer = live.scratch().ask("moves", {{"names", names}, {"words", words}});
     for (const auto& [name, rows] : answer.items())
-        moves[name] = movementsFrom(rows);
+        moves[name] = recordFrom<std::vector<Movement>>(rows);
     return moves;
 }
 
 json dependenciesJob(ScratchSession& session, const json& arguments) {
     startFrom(session, arguments.at("with").get<Words>());
     Probe probe(session);
-    const Dependencies found = dependenciesOf(
-        probe, *findTarget(session.parameters(), arguments.at("name").get<std::string>()).parameter);
-    return {{"parameter", found.parameter},
-            {"isTried", found.isTried},
-            {"moves", asMessage(found.moves)},
-            {"movedBy", asMessage(found.movedBy)},
-            {"writes", found.writes}};
+    const Target target = findTarget(session.parameters(), arguments.at("name").get<std::string>());
+    return toMessage(dependenciesOf(probe, *target.parameter));
 }
 
 Dependencies askDependencies(LiveSession& live, const std::string& parameter, const Words& assignments) {
-    const json answer = live.scratch().ask("deps", {{"name", parameter}, {"with", assignments}});
-    return {answer["parameter"].get<std::string>(), answer["isTried"].get<bool>(),
-            movementsFrom(answer["moves"]), movementsFrom(answer["movedBy"]), answer["writes"].get<Words>()};
+    return recordFrom<Dependencies>(live.scratch().ask("deps", {{"name", parameter}, {"with", assignments}}));
 }
 
 } // namespace applet_tools

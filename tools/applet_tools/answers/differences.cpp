@@ -4,6 +4,7 @@
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"
+#include "applet_tools/scratch/message_rows.h"
 
 #include "vexo/fg_parameters.h"
 
@@ -106,6 +107,12 @@ ConfigurationFile loadableFile(ScratchSession& session, FileKeys& keys, const Si
 
 } // namespace
 
+template <> struct MessageRows<Difference> {
+    using Record = Difference;
+    static constexpr auto rows =
+        std::tuple(&Record::parameter, &Record::values, &Record::document, &Record::isNextCycle);
+};
+
 json differencesJob(ScratchSession& session, const json& arguments) {
     FileKeys keys(session);
     std::vector<Side> sides;
@@ -119,14 +126,7 @@ json differencesJob(ScratchSession& session, const json& arguments) {
         else if (const json& text = one.at("text"); !text.is_null())
             side.file = &files.emplace_back(bytesOf(text));
     }
-    json rows = json::array();
-    constexpr auto replace = json::error_handler_t::replace;
-    for (const Difference& one : differencesOf(sides, session.parameters(), keys))
-        rows.push_back({{"parameter", one.parameter},
-                        {"values", one.values},
-                        {"document", one.document.dump(-1, ' ', false, replace)}, // keeps the member order
-                        {"isNextCycle", one.isNextCycle}});
-    return rows;
+    return toMessage(differencesOf(sides, session.parameters(), keys));
 }
 
 std::vector<Difference> askDifferences(ScratchBoard& scratch, const std::vector<Side>& sides) {
@@ -137,12 +137,7 @@ std::vector<Difference> askDifferences(ScratchBoard& scratch, const std::vector<
         arguments["sides"].push_back(
             {{"title", side.title}, {"member", side.member}, {"text", std::move(text)}, {"path", side.path}});
     }
-    std::vector<Difference> differences;
-    for (const json& row : scratch.ask("differences", arguments))
-        differences.push_back({row["parameter"].get<std::string>(), row["values"].get<Words>(),
-                               nlohmann::ordered_json::parse(row["document"].get<std::string>()),
-                               row["isNextCycle"].get<bool>()});
-    return differences;
+    return recordFrom<std::vector<Difference>>(scratch.ask("differences", arguments));
 }
 
 } // namespace applet_tools

@@ -2,7 +2,7 @@
 #ifndef APPLET_TOOLS_ANSWERS_DIFFERENCES_H
 #define APPLET_TOOLS_ANSWERS_DIFFERENCES_H
 
-#include "applet_tools/answers/loading.h"
+#include "applet_tools/answers/loading/loading.h"
 
 #include <nlohmann/json.hpp>
 
@@ -38,7 +38,7 @@ std::vector<Difference> differencesOf(const std::vector<Side>& sides, const Para
 std::vector<Difference> askDifferences(ScratchBoard& scratch, const std::vector<Side>& sides);
 
 /** The scratch board job that implements it: compares {"sides": [{"title", "member", "text", "path"}, ...]};
- *  a null text with no path means the defaults. Returns [{"parameter", "values", "document", "isNextCycle"}]. */
+ *  a null text with no path means the defaults. Returns Differences. */
 json differencesJob(ScratchSession& session, const json& arguments);
 
 } // namespace applet_tools

@@ -1,6 +1,7 @@
 #include "applet_tools/answers/limits.h"
 
 #include "applet_tools/base/errors.h"
+#include "applet_tools/scratch/message_rows.h"
 #include "applet_tools/scratch/refusal.h"
 
 #include "vexo/fg_errors.h"
@@ -35,12 +36,12 @@ public:
 
     AcceptedValues answer() {
         const Target target = m_subject.in(m_probe);
-        const ParameterState& facts = m_probe.facts(m_subject.place);
+        const ParameterState& state = m_probe.state(m_subject.place);
         m_answer = {.parameter = parameter().name,
                     .subject = m_subject.isWholeArray ? parameter().name : target.name(),
                     .elements = m_subject.elements,
                     .access = accessWord(parameter())};
-        m_answer.now = {.error = facts.error, .value = facts.value};
+        m_answer.now = {.error = state.error, .value = state.value};
         if (m_subject.elements && !m_subject.isWholeArray) m_answer.now.value = elementNow(target);
         if (parameter().kind() == REGISTER_KIND_ENUM)
             askEntries();
@@ -62,7 +63,7 @@ private:
 
     /** Records the code of a refusal. */
     bool isPresentValueTaken() {
-        m_answer.refusal = m_probe.answer({m_subject.place, m_probe.facts(m_subject.place).value});
+        m_answer.refusal = m_probe.answer({m_subject.place, m_probe.state(m_subject.place).value});
         return m_answer.refusal == FG_OK;
     }
 
@@ -176,111 +177,43 @@ ordered_json asJson(const AcceptedValues& answer, const Parameter& parameter) {
     return row;
 }
 
-namespace {
-
-json asMessage(const LimitCauses& causes) {
-    json parameters = json::array(), design = json::array();
-    for (const auto& [parameter, with, limit] : causes.parameters)
-        parameters.push_back({{"parameter", parameter}, {"with", with}, {"limit", asTypedMessage(limit)}});
-    for (const auto& [parameter, value] : causes.design)
-        design.push_back({{"parameter", parameter}, {"value", value}});
-    return {{"parameters", parameters}, {"design", design}, {"isEndOfType", causes.isEndOfType}};
-}
-
-LimitCauses causesFrom(const json& message) {
-    LimitCauses causes;
-    for (const json& row : message["parameters"])
-        causes.parameters.push_back({row["parameter"].get<std::string>(), row["with"].get<std::string>(),
-                                     fromTypedMessage(row["limit"])});
-    for (const json& row : message["design"])
-        causes.design.push_back({row["parameter"].get<std::string>(), row["value"].get<std::string>()});
-    causes.isEndOfType = message["isEndOfType"].get<bool>();
-    return causes;
-}
-
-json asMessage(const MeasuredRange& range) {
-    return {{"minimum", asTypedMessage(range.minimum)},
-            {"maximum", asTypedMessage(range.maximum)},
-            {"step", range.step}};
-}
-
-MeasuredRange rangeFrom(const json& message) {
-    return {fromTypedMessage(message["minimum"]), fromTypedMessage(message["maximum"]),
-            message["step"].get<std::uint64_t>()};
-}
-
-json asMessage(const PublishedRange& published) {
-    json message = {{"words", published.words}};
-    if (const auto& limits = published.limits)
-        message["limits"] = {asTypedMessage(limits->minimum), asTypedMessage(limits->maximum),
-                             asTypedMessage(limits->increment)};
-    return message;
-}
-
-PublishedRange publishedFrom(const json& message) {
-    PublishedRange published{std::nullopt, message["words"].get<std::string>()};
-    if (const auto limits = message.find("limits"); limits != message.end())
-        published.limits = Limits{fromTypedMessage((*limits)[0]), fromTypedMessage((*limits)[1]),
-                                  fromTypedMessage((*limits)[2])};
-    return published;
-}
-
-json asMessage(const std::vector<EntryAnswer>& entries) {
-    json rows = json::array();
-    for (const auto& [entry, code, acceptedWith] : entries)
-        rows.push_back({{"value", entry.value},
-                        {"symbol", entry.symbol},
-                        {"label", entry.label},
-                        {"code", code},
-                        {"acceptedWith", acceptedWith}});
-    return rows;
-}
-
-std::vector<EntryAnswer> entriesFrom(const json& rows) {
-    std::vector<EntryAnswer> entries;
-    for (const json& row : rows)
-        entries.push_back({{row["value"].get<std::int32_t>(), row["symbol"].get<std::string>(),
-                            row["label"].get<std::string>()},
-                           row["code"].get<int>(),
-                           row["acceptedWith"].get<Words>()});
-    return entries;
-}
-
-json asMessage(const AcceptedValues& answer) {
-    json message = {{"parameter", answer.parameter},
-                    {"subject", answer.subject},
-                    {"access", answer.access},
-                    {"error", answer.now.error},
-                    {"now", asTypedMessage(answer.now.value)},
-                    {"isText", answer.isText},
-                    {"entries", asMessage(answer.entries)},
-                    {"refusal", answer.refusal},
-                    {"ofMinimum", asMessage(answer.ofMinimum)},
-                    {"ofMaximum", asMessage(answer.ofMaximum)}};
-    if (answer.elements) message["elements"] = {answer.elements->first, answer.elements->last};
-    if (answer.range) message["range"] = asMessage(*answer.range);
-    if (answer.published) message["published"] = asMessage(*answer.published);
-    return message;
-}
-
-AcceptedValues answerFrom(const json& message) {
-    AcceptedValues answer{.parameter = message["parameter"].get<std::string>(),
-                          .subject = message["subject"].get<std::string>(),
-                          .access = message["access"].get<std::string>()};
-    answer.now = {.error = message["error"].get<int>(), .value = fromTypedMessage(message["now"])};
-    answer.isText = message["isText"].get<bool>();
-    answer.entries = entriesFrom(message["entries"]);
-    answer.refusal = message["refusal"].get<int>();
-    answer.ofMinimum = causesFrom(message["ofMinimum"]);
-    answer.ofMaximum = causesFrom(message["ofMaximum"]);
-    if (const auto elements = message.find("elements"); elements != message.end())
-        answer.elements = {(*elements)[0].get<std::uint32_t>(), (*elements)[1].get<std::uint32_t>()};
-    if (message.contains("range")) answer.range = rangeFrom(message["range"]);
-    if (message.contains("published")) answer.published = publishedFrom(message["published"]);
-    return answer;
-}
-
-} // namespace
+template <> struct MessageRows<Widening> {
+    static constexpr auto rows = std::tuple(&Widening::parameter, &Widening::with, &Widening::limit);
+};
+template <> struct MessageRows<DesignCause> {
+    static constexpr auto rows = std::tuple(&DesignCause::parameter, &DesignCause::value);
+};
+template <> struct MessageRows<LimitCauses> {
+    static constexpr auto rows =
+        std::tuple(&LimitCauses::parameters, &LimitCauses::design, &LimitCauses::isEndOfType);
+};
+template <> struct MessageRows<MeasuredRange> {
+    static constexpr auto rows =
+        std::tuple(&MeasuredRange::minimum, &MeasuredRange::maximum, &MeasuredRange::step);
+};
+template <> struct MessageRows<Limits> {
+    static constexpr auto rows = std::tuple(&Limits::minimum, &Limits::maximum, &Limits::increment);
+};
+template <> struct MessageRows<PublishedRange> {
+    static constexpr auto rows = std::tuple(&PublishedRange::limits, &PublishedRange::words);
+};
+template <> struct MessageRows<Entry> {
+    static constexpr auto rows = std::tuple(&Entry::value, &Entry::symbol, &Entry::label);
+};
+template <> struct MessageRows<EntryAnswer> {
+    static constexpr auto rows =
+        std::tuple(&EntryAnswer::entry, &EntryAnswer::code, &EntryAnswer::acceptedWith);
+};
+template <> struct MessageRows<ElementRange> {
+    static constexpr auto rows = std::tuple(&ElementRange::first, &ElementRange::last);
+};
+template <> struct MessageRows<AcceptedValues> {
+    using Record = AcceptedValues;
+    static constexpr auto rows =
+        std::tuple(&Record::parameter, &Record::subject, &Record::elements, &Record::access, &Record::now,
+                   &Record::isText, &Record::entries, &Record::refusal, &Record::range, &Record::published,
+                   &Record::ofMinimum, &Record::ofMaximum);
+};
 
 json limitsJob(ScratchSession& session, const json& arguments) {
     startFrom(session, arguments.at("with").get<Words>());
@@ -292,7 +225,7 @@ json limitsJob(ScratchSession& session, const json& arguments) {
     json answers = json::array();
     for (const Subject& subject : subjects) {
         session.tellProgress(answers.size(), subjects.size());
-        answers.push_back(asMessage(acceptedValues(probe, subject)));
+        answers.push_back(toMessage(acceptedValues(probe, subject)));
     }
     return answers;
 }
@@ -302,7 +235,7 @@ std::vector<AcceptedValues> askAcceptedValues(LiveSession& live, const Words& na
     const std::set<std::string>& notMeasured = live.notMeasured();
     std::vector<AcceptedValues> answers;
     for (const json& message : live.scratch().ask("limits", {{"names", names}, {"with", assignments}})) {
-        AcceptedValues& answer = answers.emplace_back(answerFrom(message));
+        AcceptedValues& answer = answers.emplace_back(recordFrom<AcceptedValues>(message));
         answer.now.isMeasured = !notMeasured.contains(answer.parameter);
     }
     return answers;

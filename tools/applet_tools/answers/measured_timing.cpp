@@ -1,10 +1,12 @@
 #include "applet_tools/answers/measured_timing.h"
-#include "applet_tools/station/StationFile.h"
 
+#include "applet_tools/applet/ParameterReader.h"
+#include "applet_tools/applet/line_trigger.h"
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/numbers.h"
 #include "applet_tools/base/text.h"
 #include "applet_tools/station/Grabber.h"
+#include "applet_tools/station/StationFile.h"
 #include "applet_tools/station/missing_picture.h"
 
 #include "vexo/fg_parameters.h"
@@ -24,14 +26,12 @@ struct Expected {
     bool hasEdges; // ExSync falls before its next rising edge
 };
 
-/** Signal numbers, as the design's selects use them. */
-constexpr unsigned exSyncSelect = 1, exSync2Select = 2, flashSelect = 3, lineSelect = 4;
-
 class Measurement {
 public:
     Measurement(Instance& instance, const ParameterList& parameters, const std::optional<TimeWindow>& window)
         : m_instance(instance)
         , m_parameters(parameters)
+        , m_settings(instance, parameters)
         , m_window(window) {}
 
     MeasuredTiming run(const std::vector<WaveRequest>& waves, const std::function<bool()>& goesOn) {
@@ -43,21 +43,17 @@ public:
     }
 
 private:
-    template <typename T> T get(const char* name) const {
-        return std::get<T>(valueOf(m_instance, {&m_parameters.find(name)}));
-    }
-    double number(const char* name) const { return get<std::uint32_t>(name) * 1.0; }
-    bool is(const char* name, std::int32_t entry) const { return get<std::int32_t>(name) == entry; }
+    double number(const char* name) const { return m_settings.number(name); }
+    bool is(const char* name, std::int32_t entry) const { return m_settings.is(name, entry); }
     Ticks now() const { return m_instance.board().now(m_instance.device()); }
 
     Expected expected() const {
-        const auto mode = get<std::int32_t>("FG_LINETRIGGERMODE");
-        Expected its{.period = get<double>("FG_LINEPERIODE"),
-                     .exposure = get<double>("FG_LINEEXPOSURE"),
-                     .delay = get<double>("FG_LINETRIGGERDELAY"),
+        Expected its{.period = number("FG_LINEPERIODE"),
+                     .exposure = number("FG_LINEEXPOSURE"),
+                     .delay = number("FG_LINETRIGGERDELAY"),
                      .linePeriod = {},
                      .imagePeriod = {},
-                     .isExternal = mode == ASYNC_TRIGGER || mode == ASYNC_GATED,
+                     .isExternal = isExternal(m_settings.get<std::int32_t>("FG_LINETRIGGERMODE")),
                      .isExSyncLow = is("FG_EXSYNCPOLARITY", FG_LOW),
                      .isFlashLow = is("FG_FLASH_POLARITY", FG_LOW),
                      .hasEdges = true};
@@ -72,7 +68,7 @@ private:
         const bool isFree = is("FG_CAMERASIMULATOR_TRIGGER_MODE", SIMULATION_FREE_RUN);
         const bool hasFrames = isFree && is("FG_CAMERASIMULATOR_SELECT_MODE", FG_FRAMERATE);
         if (isFree && !hasFrames)
-            its.linePeriod = 1e6 / get<double>("FG_CAMERASIMULATOR_LINERATE");
+            its.linePeriod = 1e6 / number("FG_CAMERASIMULATOR_LINERATE");
         else if (is("FG_CAMERASIMULATOR_TRIGGER_MODE", RISING_EDGE_TRIGGERS_LINE) && isExSyncAtCamera() &&
                  its.hasEdges)
             its.linePeriod = its.period;
@@ -80,15 +76,14 @@ private:
         // One image of so many is taken, and its lines may be more or fewer than those of a frame.
         const double lines = number("FG_IMG_SELECT_PERIOD") * (number("FG_HEIGHT") + number("FG_YOFFSET"));
         if (hasFrames)
-            its.imagePeriod = lines / number("FG_CAMERASIMULATOR_HEIGHT") * 1e6 /
-                              get<double>("FG_CAMERASIMULATOR_FRAMERATE");
+            its.imagePeriod =
+                lines / number("FG_CAMERASIMULATOR_HEIGHT") * 1e6 / number("FG_CAMERASIMULATOR_FRAMERATE");
         else if (its.linePeriod)
             its.imagePeriod = *its.linePeriod * lines;
     }
 
     bool isExSyncAtCamera() const {
-        return is("FG_EXSYNCON", FG_ON) && (is("FG_TRIGGERCAMERA_SOURCE", FG_SIGNAL_CAM0_EXSYNC) ||
-                                            is("FG_TRIGGERCAMERA_SOURCE", FG_SIGNAL_CAM0_EXSYNC2));
+        return is("FG_EXSYNCON", FG_ON) && isExSync(m_settings.get<std::int32_t>("FG_TRIGGERCAMERA_SOURCE"));
     }
 
     void connect(const std::vector<WaveRequest>& waves) {
@@ -98,7 +93,7 @@ private:
             if (const auto* encoder = std::get_if<EncoderWave>(&wave.wave)) use(encoder->second);
         }
         const bool isEncoder = is("FG_SHAFTENCODERON", FG_ON);
-        const unsigned input = lineTriggerInput();
+        const unsigned input = inputOf(m_settings.get<std::int32_t>("FG_LINETRIGGERINSRC"));
         if (!m_expected.isExternal || !waves.empty() || stationOfEnvironment()) return;
         if (m_instance.board().has_wave(m_instance.device(), input) > 0) return;
         if (isEncoder) {
@@ -106,22 +101,12 @@ private:
             return;
         }
         const double period = m_expected.period / number("FG_LINE_DOWNSCALE");
-        const auto ticks = std::max<Ticks>(static_cast<Ticks>(std::round(period * 125)), 2);
+        const auto ticks = std::max<Ticks>(static_cast<Ticks>(std::round(period * ticksPerMicrosecond)), 2);
         connectWave(m_instance, {input, SquareWave{ticks, ticks / 2, ticks}});
         use(input);
     }
 
-    unsigned lineTriggerInput() const {
-        constexpr std::int32_t firstFront = TRGINSRC_FRONT_GPI_0;
-        constexpr std::int32_t frontInput = 8;
-        const auto source = get<std::int32_t>("FG_LINETRIGGERINSRC");
-        return static_cast<unsigned>(source < firstFront ? source : source - firstFront + frontInput);
-    }
-
-    void use(unsigned input) {
-        constexpr unsigned firstInput = 21; // signal number of input 0
-        m_inputs.push_back(firstInput + input);
-    }
+    void use(unsigned input) { m_inputs.push_back(design_signal::firstInput + input); }
 
     void grab(const std::function<bool()>& goesOn) {
         constexpr Ticks longest = 2 * ticksPerSecond;
@@ -179,12 +164,13 @@ private:
         const auto isActive = [this](const vboard_edge& edge) {
             return edge.level != m_expected.isExSyncLow;
         };
-        const Ticks piece = std::clamp<Ticks>(static_cast<Ticks>(m_expected.period * 125), 64, longest);
+        const Ticks piece =
+            std::clamp<Ticks>(static_cast<Ticks>(m_expected.period * ticksPerMicrosecond), 64, longest);
         do {
             m_instance.board().advance(m_instance.device(), piece);
             m_timing.to = now();
         } while (m_timing.to - m_timing.from < longest &&
-                 std::ranges::count_if(course(exSyncSelect).edges, isActive) < periods);
+                 std::ranges::count_if(course(design_signal::exSync).edges, isActive) < periods);
         noteSignals(m_timing.from, m_timing.to);
     }
 
@@ -195,10 +181,10 @@ private:
         for (const StationSignal& signal : stationSignals())
             if (std::ranges::find(m_inputs, signal.select) != m_inputs.end())
                 note(signal.name, false, signal.select);
-        note("ExSync", m_expected.isExSyncLow, exSyncSelect);
-        note("ExSync2", m_expected.isExSyncLow, exSync2Select);
-        note("Flash", m_expected.isFlashLow, flashSelect);
-        note("LVAL", false, lineSelect);
+        note("ExSync", m_expected.isExSyncLow, design_signal::exSync);
+        note("ExSync2", m_expected.isExSyncLow, design_signal::exSync2);
+        note("Flash", m_expected.isFlashLow, design_signal::flash);
+        note("LVAL", false, design_signal::lval);
     }
 
     SignalCourse course(unsigned select) const {
@@ -242,8 +228,8 @@ private:
     }
 
     void addRows() {
-        const SignalCourse exSync = course(exSyncSelect), exSync2 = course(exSync2Select);
-        const SignalCourse flash = course(flashSelect), lines = course(lineSelect);
+        const SignalCourse exSync = course(design_signal::exSync), exSync2 = course(design_signal::exSync2);
+        const SignalCourse flash = course(design_signal::flash), lines = course(design_signal::lval);
         const bool isOn = is("FG_EXSYNCON", FG_ON) && m_expected.hasEdges;
         if (is("FG_EXSYNCON", FG_ON) && !m_expected.hasEdges)
             m_timing.remarks.push_back(
@@ -266,6 +252,7 @@ private:
 
     Instance& m_instance;
     const ParameterList& m_parameters;
+    const ParameterReader m_settings;
     const std::optional<TimeWindow> m_window;
     bool m_isWindowSeen = false;
     Expected m_expected{};

@@ -2,6 +2,7 @@
 
 #include "applet_tools/applet/assignments.h"
 #include "applet_tools/base/text.h"
+#include "applet_tools/scratch/message_rows.h"
 #include "applet_tools/scratch/refusal.h"
 
 #include "vexo/fg_errors.h"
@@ -74,7 +75,7 @@ std::string whyStuck(ScratchSession& session, const std::string& word) {
     Probe probe(session);
     const int code = probe.answer(assignment.target, assignment.value);
     const std::string refusal = refusalInWords(*assignment.target.parameter, assignment.value, code);
-    return asked + " passes in no order: " + refusal + suggestionFor(probe, assignment).words;
+    return asked + " passes in no order: " + refusal + suggestionFor(probe, assignment).words();
 }
 
 } // namespace
@@ -93,14 +94,16 @@ Ordering findOrder(ScratchSession& session, const Words& assignments) {
     return ordering;
 }
 
+template <> struct MessageRows<Ordering> {
+    static constexpr auto rows = std::tuple(&Ordering::isComplete, &Ordering::words, &Ordering::problems);
+};
+
 json orderJob(ScratchSession& session, const json& arguments) {
-    const Ordering ordering = findOrder(session, arguments.at("assignments").get<Words>());
-    return {{"isComplete", ordering.isComplete}, {"words", ordering.words}, {"problems", ordering.problems}};
+    return toMessage(findOrder(session, arguments.at("assignments").get<Words>()));
 }
 
 Ordering askOrder(LiveSession& live, const Words& assignments) {
-    const json answer = live.scratch().ask("order", {{"assignments", assignments}});
-    return {answer["isComplete"].get<bool>(), answer["words"].get<Words>(), answer["problems"].get<Words>()};
+    return recordFrom<Ordering>(live.scratch().ask("order", {{"assignments", assignments}}));
 }
 
 } // namespace applet_tools

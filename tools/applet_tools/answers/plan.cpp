@@ -15,13 +15,6 @@
 namespace applet_tools {
 namespace {
 
-std::vector<ParameterState> factsOf(ScratchSession& session) {
-    std::vector<ParameterState> facts;
-    for (const Parameter& parameter : session.parameters().all())
-        facts.push_back(currentState(session.instance(), parameter));
-    return facts;
-}
-
 /** The moves of all parameters except `own`. */
 std::vector<ParameterMove> movesOf(const ParameterList& parameters, const std::vector<ParameterState>& before,
                                    const std::vector<ParameterState>& after, const Parameter* own) {
@@ -104,14 +97,14 @@ nlohmann::ordered_json asJson(const std::vector<ParameterMove>& moves) {
 ChangeWatch::ChangeWatch(ScratchSession& session)
     : m_session(session)
     , m_design(session)
-    , m_facts(factsOf(session)) {}
+    , m_states(statesOf(session.instance(), session.parameters())) {}
 
 ChangeWatch::Changes ChangeWatch::take(const Parameter& own) {
     DesignSnapshot design(m_session);
-    std::vector<ParameterState> facts = factsOf(m_session);
-    Changes changes{m_design.changesTo(design), movesOf(m_session.parameters(), m_facts, facts, &own)};
+    std::vector<ParameterState> states = statesOf(m_session.instance(), m_session.parameters());
+    Changes changes{m_design.changesTo(design), movesOf(m_session.parameters(), m_states, states, &own)};
     m_design = std::move(design);
-    m_facts = std::move(facts);
+    m_states = std::move(states);
     return changes;
 }
 
@@ -148,7 +141,7 @@ json assignmentsPlanJob(ScratchSession& session, const json& arguments) {
             session.keep();
             Probe probe(session);
             const Suggestion suggestion = suggestionFor(probe, result.assignment);
-            refusal += suggestion.words;
+            refusal += suggestion.words();
             if (suggestion.members.is_object()) row.update(suggestion.members);
             row["error"]["message"] = refusal;
             addLine(plan.words, refusal);
@@ -172,13 +165,13 @@ AssignmentsPlan askPlan(LiveSession& live, const Words& assignments) {
 
 FilePlan planFile(ScratchSession& session, const std::string& file) {
     FileKeys keys(session);
-    const std::vector<ParameterState> facts = factsOf(session);
+    const std::vector<ParameterState> states = statesOf(session.instance(), session.parameters());
     const ConfigurationFile before = stateOf(session.instance());
     FilePlan plan{loadAndCompare(session, keys, file), {}, {}, {}};
     const ConfigurationFile after(plan.load.state);
     plan.differences = differencesOf({{"BEFORE", "before", &before}, {"AFTER", "after", &after}},
                                      session.parameters(), keys);
-    plan.moves = movesOf(session.parameters(), facts, plan.load.facts, nullptr);
+    plan.moves = movesOf(session.parameters(), states, plan.load.states, nullptr);
     std::set<std::string> changed;
     for (const Difference& difference : plan.differences)
         changed.insert(difference.parameter);

@@ -38,7 +38,7 @@ public:
 private:
     ScratchSession& m_session;
     DesignSnapshot m_design;
-    std::vector<ParameterState> m_facts;
+    std::vector<ParameterState> m_states;
 };
 
 /** A parameter and the values of the design that its setter writes. */

@@ -3,6 +3,7 @@
 #include "applet_tools/applet/access_log.h"
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/numbers.h"
+#include "applet_tools/scratch/message_rows.h"
 
 #include "vexo/fg_errors.h"
 
@@ -38,6 +39,10 @@ std::vector<SignalRoute> routesOf(const ParameterList& parameters) {
     return routes;
 }
 
+template <> struct MessageRows<DesignWrite> {
+    static constexpr auto rows = std::tuple(&DesignWrite::parameter, &DesignWrite::value);
+};
+
 json routesJob(ScratchSession& session, const json& groups) {
     json answer = json::array();
     for (const json& group : groups) {
@@ -54,9 +59,7 @@ json routesJob(ScratchSession& session, const json& groups) {
             else
                 writes.push_back(write);
         }
-        json& rows = answer.emplace_back(json::array());
-        for (const DesignWrite& write : writes)
-            rows.push_back({{"parameter", write.parameter}, {"value", write.value}});
+        answer.push_back(toMessage(writes));
     }
     return answer;
 }
@@ -69,13 +72,7 @@ std::vector<DesignWrites> askWrites(LiveSession& live, const std::vector<std::ve
             values.push_back(
                 {{"name", target.parameter->name}, {"value", asMessage(valueOf(live.instance(), target))}});
     }
-    std::vector<DesignWrites> writes;
-    for (const json& rows : live.bareScratch().ask("routes", wanted)) {
-        DesignWrites& ofGroup = writes.emplace_back();
-        for (const json& row : rows)
-            ofGroup.push_back({row["parameter"].get<std::string>(), row["value"].get<std::int64_t>()});
-    }
-    return writes;
+    return recordFrom<std::vector<DesignWrites>>(live.bareScratch().ask("routes", wanted));
 }
 
 } // namespace applet_tools

@@ -35,8 +35,8 @@ using DesignWrites = std::vector<DesignWrite>;
  *  for a value that the scratch board refuses. */
 std::vector<DesignWrites> askWrites(LiveSession& live, const std::vector<std::vector<Target>>& groups);
 
-/** The scratch board job that implements it: [[{"name", "value"}, ...], ...] gives [[{"parameter",
- *  "value"}...]...]. */
+/** The scratch board job that implements it: [[{"name", "value"}, ...], ...] gives the DesignWrites of
+ *  each group. */
 json routesJob(ScratchSession& session, const json& groups);
 
 } // namespace applet_tools

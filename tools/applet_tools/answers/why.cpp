@@ -4,6 +4,7 @@
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"
+#include "applet_tools/scratch/message_rows.h"
 
 #include "vexo/fg_errors.h"
 
@@ -56,18 +57,18 @@ RefusalAnswer whyRefused(Probe& probe, const Assignment& assignment) {
 
 AccessAnswer whyReadOnly(Probe& probe, const Target& target) {
     const std::size_t place = probe.placeOf(*target.parameter);
-    const ParameterState facts = probe.facts(place);
+    const ParameterState state = probe.state(place);
     AccessAnswer answer{.parameter = target.parameter->name,
                         .subject = target.name(),
                         .access = accessWord(*target.parameter),
-                        .isWritable = isWritable(facts.access)};
+                        .isWritable = isWritable(state.access)};
     answer.now = target.elements ? readValue(probe.session().instance(), target)
-                                 : ReadResult{.error = facts.error, .value = facts.value};
+                                 : ReadResult{.error = state.error, .value = state.value};
     if (answer.isWritable) {
         answer.changedWith = waysToLock(probe, place);
         return answer;
     }
-    const int code = elementCount(probe.at(place)) > 0 ? FG_OK : probe.answer({place, facts.value});
+    const int code = elementCount(probe.at(place)) > 0 ? FG_OK : probe.answer({place, state.value});
     answer.hasSetter = code != FG_ERR_NOT_AVAILABLE;
     if (answer.hasSetter) answer.changedWith = waysToWrite(probe, place);
     return answer;
@@ -83,65 +84,30 @@ nlohmann::ordered_json asJson(const AccessAnswer& answer, const Target& target) 
     return document;
 }
 
+template <> struct MessageRows<RefusalCauses> {
+    using Record = RefusalCauses;
+    static constexpr auto rows =
+        std::tuple(&Record::isTried, &Record::limit, &Record::setBy, &Record::nearest, &Record::ways);
+};
+template <> struct MessageRows<RefusalAnswer> {
+    using Record = RefusalAnswer;
+    static constexpr auto rows =
+        std::tuple(&Record::parameter, &Record::subject, &Record::document, &Record::code, &Record::refusal,
+                   &Record::causes, &Record::writableWith, &Record::moves);
+};
+template <> struct MessageRows<AccessAnswer> {
+    using Record = AccessAnswer;
+    static constexpr auto rows =
+        std::tuple(&Record::parameter, &Record::subject, &Record::access, &Record::isWritable,
+                   &Record::hasSetter, &Record::now, &Record::changedWith);
+};
+
 namespace {
-
-json asMessage(const RefusalAnswer& answer) {
-    const RefusalCauses& causes = answer.causes;
-    json message = {{"parameter", answer.parameter},
-                    {"subject", answer.subject},
-                    {"document", answer.document.dump()}, // keeps the member order
-                    {"code", answer.code},
-                    {"refusal", answer.refusal},
-                    {"isTried", causes.isTried},
-                    {"limit", causes.limit},
-                    {"setBy", causes.setBy.dump()},
-                    {"acceptedWith", causes.acceptedWith},
-                    {"moves", answer.moves}};
-    if (causes.nearest) message["nearest"] = asTypedMessage(*causes.nearest);
-    if (answer.writableWith) message["writableWith"] = *answer.writableWith;
-    return message;
-}
-
-RefusalAnswer refusalFrom(const json& message) {
-    RefusalAnswer answer{message["parameter"].get<std::string>(), message["subject"].get<std::string>(),
-                         nlohmann::ordered_json::parse(message["document"].get<std::string>()),
-                         message["code"].get<int>(), message["refusal"].get<std::string>()};
-    answer.causes = {.isTried = message["isTried"].get<bool>(),
-                     .limit = message["limit"].get<std::string>(),
-                     .setBy = nlohmann::ordered_json::parse(message["setBy"].get<std::string>()),
-                     .nearest = std::nullopt,
-                     .acceptedWith = message["acceptedWith"].get<Words>()};
-    if (message.contains("nearest")) answer.causes.nearest = fromTypedMessage(message["nearest"]);
-    if (message.contains("writableWith")) answer.writableWith = message["writableWith"].get<Words>();
-    answer.moves = message["moves"].get<Words>();
-    return answer;
-}
-
-json asMessage(const AccessAnswer& answer) {
-    return {{"parameter", answer.parameter},
-            {"subject", answer.subject},
-            {"access", answer.access},
-            {"isWritable", answer.isWritable},
-            {"hasSetter", answer.hasSetter},
-            {"error", answer.now.error},
-            {"now", asTypedMessage(answer.now.value)},
-            {"changedWith", answer.changedWith}};
-}
-
-AccessAnswer accessFrom(const json& message) {
-    return {.parameter = message["parameter"].get<std::string>(),
-            .subject = message["subject"].get<std::string>(),
-            .access = message["access"].get<std::string>(),
-            .isWritable = message["isWritable"].get<bool>(),
-            .hasSetter = message["hasSetter"].get<bool>(),
-            .now = {.error = message["error"].get<int>(), .value = fromTypedMessage(message["now"])},
-            .changedWith = message["changedWith"].get<Words>()};
-}
 
 json answerTo(Probe& probe, const std::string& word) {
     const ParameterList& parameters = probe.session().parameters();
-    return isAssignment(word) ? asMessage(whyRefused(probe, parseAssignments(parameters, {word}).front()))
-                              : asMessage(whyReadOnly(probe, findTarget(parameters, word)));
+    return isAssignment(word) ? toMessage(whyRefused(probe, parseAssignments(parameters, {word}).front()))
+                              : toMessage(whyReadOnly(probe, findTarget(parameters, word)));
 }
 
 } // namespace
@@ -169,9 +135,9 @@ json ask(LiveSession& live, const Words& words, const Words& with) {
 Words waysWithoutFile(LiveSession& live, const std::string& name, const std::string& file, Words with) {
     if (file.empty() || textOfFile(file)) return {};
     with.push_back(name + "=" + file);
-    if (!accessFrom(ask(live, {name}, with).front()).changedWith.empty()) return {};
+    if (!recordFrom<AccessAnswer>(ask(live, {name}, with).front()).changedWith.empty()) return {};
     with.back() = name + "=";
-    return accessFrom(ask(live, {name}, with).front()).changedWith;
+    return recordFrom<AccessAnswer>(ask(live, {name}, with).front()).changedWith;
 }
 
 RefusalAnswer withMissingFile(LiveSession& live, RefusalAnswer answer, const Words& with) {
@@ -200,13 +166,14 @@ AccessAnswer withMissingFile(LiveSession& live, AccessAnswer answer, const Words
 
 std::vector<WhyAnswer> askWhy(LiveSession& live, const Words& words, const Words& with) {
     const std::set<std::string>& notMeasured = live.notMeasured();
+    const json messages = ask(live, words, with);
     std::vector<WhyAnswer> answers;
-    for (const json& message : ask(live, words, with)) {
-        if (message.contains("code")) {
-            answers.emplace_back(withMissingFile(live, refusalFrom(message), with));
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        if (isAssignment(words[i])) {
+            answers.emplace_back(withMissingFile(live, recordFrom<RefusalAnswer>(messages.at(i)), with));
             continue;
         }
-        AccessAnswer answer = withMissingFile(live, accessFrom(message), with);
+        AccessAnswer answer = withMissingFile(live, recordFrom<AccessAnswer>(messages.at(i)), with);
         answer.now.isMeasured = !notMeasured.contains(answer.parameter);
         answers.emplace_back(std::move(answer));
     }

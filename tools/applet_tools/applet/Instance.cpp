@@ -56,7 +56,7 @@ private:
 applet_host::Locations locationsFor(const BoardOptions& options) {
     applet_host::Locations where = applet_host::Locations::beside();
     if (!options.applet.empty()) where.applet = options.applet;
-    if (options.board == BoardKind::system && !options.offline) where.virtualBoard.clear();
+    if (options.isOnSystem()) where.virtualBoard.clear();
     where.bridge = options.bridge;
     return where;
 }
@@ -70,7 +70,7 @@ Instance::Instance(const BoardOptions& options, std::shared_ptr<const applet_hos
     ++effort().bringUps;
     if (options.offline) {
         const int code = applet().Info(FG_INFO_CREATE_OFFLINE, 0, 0, nullptr, &m_offline.object);
-        if (code != FG_OK) throw Unavailable("no offline instance could be made: " + codeInWords(code));
+        if (code != FG_OK) throw Unavailable("no offline instance could be created: " + codeInWords(code));
         return;
     }
     std::optional<PublishedDesign> published;

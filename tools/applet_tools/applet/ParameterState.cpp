@@ -17,28 +17,35 @@ nlohmann::ordered_json limitsAsJson(const std::optional<Limits>& limits) {
     return {{"minimum", numberAsJson(limits->minimum)}, {"maximum", numberAsJson(limits->maximum)}};
 }
 
-nlohmann::ordered_json valueOrError(const Parameter& parameter, const ParameterState& facts) {
-    if (facts.error == FG_OK) return valueAsJson({&parameter}, facts.value);
-    return {{"error", codeAsJson(facts.error)}};
+nlohmann::ordered_json valueOrError(const Parameter& parameter, const ParameterState& state) {
+    if (state.error == FG_OK) return valueAsJson({&parameter}, state.value);
+    return {{"error", codeAsJson(state.error)}};
 }
 
-std::string valueInWords(const Parameter& parameter, const ParameterState& facts) {
-    return facts.error == FG_OK ? valueText(parameter, facts.value) : codeInWords(facts.error);
+std::string valueInWords(const Parameter& parameter, const ParameterState& state) {
+    return state.error == FG_OK ? valueText(parameter, state.value) : codeInWords(state.error);
 }
 
 } // namespace
 
 ParameterState currentState(Instance& instance, const Parameter& parameter) {
-    ParameterState facts;
+    ParameterState state;
     if (parameter.effectOfReading().empty()) {
         ReadResult reading = readValue(instance, {&parameter});
-        facts.error = reading.error;
-        facts.value = std::move(reading.value);
+        state.error = reading.error;
+        state.value = std::move(reading.value);
     }
-    if (parameter.record == nullptr) return facts;
-    facts.access = parameter.record->access;
-    facts.limits = limitsOf(parameter);
-    return facts;
+    if (parameter.record == nullptr) return state;
+    state.access = parameter.record->access;
+    state.limits = limitsOf(parameter);
+    return state;
+}
+
+std::vector<ParameterState> statesOf(Instance& instance, const ParameterList& parameters) {
+    std::vector<ParameterState> states;
+    for (const Parameter& parameter : parameters.all())
+        states.push_back(currentState(instance, parameter));
+    return states;
 }
 
 std::vector<Move> movesBetween(const Parameter& parameter, const ParameterState& before,

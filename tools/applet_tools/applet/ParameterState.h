@@ -2,6 +2,7 @@
 #ifndef APPLET_TOOLS_APPLET_PARAMETERSTATE_H
 #define APPLET_TOOLS_APPLET_PARAMETERSTATE_H
 
+#include "applet_tools/applet/ParameterList.h"
 #include "applet_tools/applet/published_limits.h"
 
 #include <nlohmann/json.hpp>
@@ -24,6 +25,9 @@ struct ParameterState {
 
 /** Leaves out values that a read would change. */
 ParameterState currentState(Instance& instance, const Parameter& parameter);
+
+/** The states of all parameters, in the order of the list. */
+std::vector<ParameterState> statesOf(Instance& instance, const ParameterList& parameters);
 
 /** One difference between two states, in words and as members of a document. */
 struct Move {

@@ -97,8 +97,8 @@ std::vector<Target> findTargets(const ParameterList& parameters, const std::vect
         const std::size_t before = targets.size();
         addReadable(parameters.matching(word), targets);
         if (targets.size() == before)
-            throw UsageError("a read takes something from the board of all that match " + inQuotedWord(word) +
-                             ": give their full names to read them");
+            throw UsageError("a read of any parameter that matches " + inQuotedWord(word) +
+                             " takes something from the board: give full names to read them");
     }
     return targets;
 }

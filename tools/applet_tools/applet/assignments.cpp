@@ -14,27 +14,27 @@ std::string withUnit(const std::string& limits, const Parameter& parameter) {
     return unit.empty() ? limits : limits + " " + unit;
 }
 
-/** Describes the limits or entries of the live record after a refusal. */
+/** Describes the limits or entries of the live record after a refusal; empty if they do not matter. */
 std::string advice(const Parameter& parameter, const Value& value, int code) {
     if (code == FG_ERR_NOT_AVAILABLE && accessWord(parameter) != "rw" && accessWord(parameter) != "rw+")
-        return "; the parameter is read-only: its value is measured, or fixed by the design";
+        return "the parameter is read-only: its value is measured, or fixed by the design";
     const auto* text = std::get_if<std::string>(&value);
     if (text != nullptr && code == FG_ERR_FILE_TYPE)
-        return "; " + quotedText(*text) + " is not a file that can be opened for reading";
+        return quotedText(*text) + " is not a file that can be opened for reading";
     if (text != nullptr && code == FG_ERR_SAVE_CONFIG)
-        return "; see whether the folder of " + quotedText(*text) +
+        return "see whether the folder of " + quotedText(*text) +
                " exists and the file may be read and written";
     if (text == nullptr && code == FG_ERR_FILE_TYPE)
-        return "; another parameter names the file: 'appletctl list FILE' shows those that do";
+        return "another parameter names the file: 'appletctl list FILE' shows those that do";
     if (code != FG_ERR_OUT_OF_RANGE && code != FG_ERR_GRANULARITY) return "";
     const bool isWithin = isWithinLimits(parameter, value);
     const std::string entries = entriesText(parameter);
     const std::string limits = withUnit(limitsText(parameter), parameter);
     if (isWithin)
-        return entries.empty() ? "; it keeps to the published limits, " + limits
-                               : "; it is an entry that is not accepted now";
-    if (!entries.empty()) return "; the entries are " + entries;
-    return limitsText(parameter).empty() ? "" : "; the present limits are " + limits;
+        return entries.empty() ? "it keeps to the published limits, " + limits
+                               : "it is an entry that is not accepted now";
+    if (!entries.empty()) return "the entries are " + entries;
+    return limitsText(parameter).empty() ? "" : "the present limits are " + limits;
 }
 
 } // namespace
@@ -59,18 +59,23 @@ nlohmann::ordered_json requestedAsJson(const Assignment& assignment) {
 }
 
 std::string refusalInWords(const Parameter& parameter, const Value& value, int code) {
-    return codeInWords(code) + advice(parameter, value, code);
+    const std::string reason = advice(parameter, value, code);
+    return codeInWords(code) + (reason.empty() ? "" : "; " + reason);
 }
 
-std::string refusalInWords(const AssignmentResult& result) {
+Words refusalClauses(const AssignmentResult& result) {
     constexpr std::size_t mostBytes = 200;
-    const Assignment& assignment = result.assignment;
-    const std::string asked = printable(toUtf8(assignment.text.c_str()));
-    return assignment.target.name() + "=" + shortened(asked, mostBytes) + " was refused: " +
-           (result.reason.empty()
-                ? refusalInWords(*assignment.target.parameter, assignment.value, result.code)
-                : codeInWords(result.code) + "; " + result.reason);
+    const auto& [target, text, value] = result.assignment;
+    const std::string asked = printable(toUtf8(text.c_str()));
+    Words clauses = {target.name() + "=" + shortened(asked, mostBytes) +
+                     " was refused: " + codeInWords(result.code)};
+    std::string reason =
+        result.reason.empty() ? advice(*target.parameter, value, result.code) : result.reason;
+    if (!reason.empty()) clauses.push_back(std::move(reason));
+    return clauses;
 }
+
+std::string refusalInWords(const AssignmentResult& result) { return join(refusalClauses(result), "; "); }
 
 nlohmann::ordered_json asJson(const AssignmentResult& result) {
     const auto& [target, text, value] = result.assignment;

@@ -68,7 +68,9 @@ AssignmentResult refusedResult(Instance& instance, const Assignment& assignment,
  *  record after the refusal. */
 std::string refusalInWords(const Parameter& parameter, const Value& value, int code);
 
-/** "FG_WIDTH=99999 was refused: -6000, value out of range; ...". */
+/** {"FG_WIDTH=99999 was refused: -6000, value out of range", "the present limits are ..."}. */
+Words refusalClauses(const AssignmentResult& result);
+/** The clauses as one sentence. */
 std::string refusalInWords(const AssignmentResult& result);
 
 } // namespace applet_tools

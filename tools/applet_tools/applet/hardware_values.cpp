@@ -1,6 +1,7 @@
 #include "applet_tools/applet/hardware_values.h"
 
 #include "applet_tools/applet/published_limits.h"
+#include "applet_tools/applet/ticks.h"
 
 #include <algorithm>
 #include <cmath>
@@ -21,8 +22,8 @@ struct Rule {
     const char* words;
 };
 
-constexpr double tick = 0.008; // µs
-constexpr double cycle = 8e-9; // s, of the camera simulator
+constexpr double tick = microsecondsPerTick;
+constexpr double cycle = 1.0 / ticksPerSecond; // s, of the camera simulator
 constexpr const char* triggerWords = "the trigger counts in steps of 0.008 µs";
 constexpr const char* gainWords = "gains have steps of 1/1024";
 constexpr const char* pixelWords = "the simulator makes 32 pixels at a time";

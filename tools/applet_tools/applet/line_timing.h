@@ -2,7 +2,8 @@
 #ifndef APPLET_TOOLS_APPLET_LINE_TIMING_H
 #define APPLET_TOOLS_APPLET_LINE_TIMING_H
 
-#include "vexo/fg_parameters.h"
+#include "applet_tools/applet/line_trigger.h"
+#include "applet_tools/applet/ticks.h"
 
 #include <algorithm>
 #include <cmath>
@@ -25,12 +26,11 @@ inline std::vector<TimingTrouble> timingTroubles(std::int32_t mode, double perio
                                                  double delay) {
     std::vector<TimingTrouble> troubles;
     if (!(period > 0)) return troubles;
-    constexpr double tick = 0.008, decimals = 1e10;
+    constexpr double tick = microsecondsPerTick, decimals = 1e10;
     const double wholeTicks =
         std::floor(period / tick + 1e-6) * tick; // 1e-6 against the division's rounding error
     const double longest = std::round(wholeTicks * decimals) / decimals;
-    const bool isGrabberControlled = mode == GRABBER_CONTROLLED || mode == GRABBER_CONTROLLED_GATED;
-    if (isGrabberControlled && exposure > period)
+    if (isGrabberControlled(mode) && exposure > period)
         troubles.push_back(
             {"exposure",
              {"FG_LINEEXPOSURE", "FG_LINEPERIODE"},

@@ -18,6 +18,8 @@ struct BoardOptions {
     /** Program that runs the scratch board (see runScratchBoard); empty: a copy of this process. */
     std::string scratchProgram{};
 
+    bool isVirtual() const { return board == BoardKind::virtualBoard && !offline; }
+    bool isOnSystem() const { return board == BoardKind::system && !offline; }
     bool operator==(const BoardOptions&) const = default;
 };
 

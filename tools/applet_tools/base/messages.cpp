@@ -2,11 +2,11 @@
 
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/numbers.h"
+#include "applet_tools/base/socket_descriptors.h"
 
 #include <sys/socket.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstring>
 
@@ -18,38 +18,15 @@ using nlohmann::json;
 /** A message is its size in bytes, in native byte order, followed by the value as CBOR. */
 using Size = std::uint64_t;
 
-constexpr std::size_t mostDescriptors = 8;
-using Control = std::array<char, CMSG_SPACE(sizeof(int) * mostDescriptors)>;
-
 /** Descriptors are sent with the first byte. */
 ssize_t sendSome(int socket, std::uint8_t* bytes, std::size_t count, std::span<const int> descriptors) {
     iovec part{bytes, count};
     msghdr header{};
     header.msg_iov = &part;
     header.msg_iovlen = 1;
-    alignas(cmsghdr) Control control{};
-    if (!descriptors.empty()) {
-        header.msg_control = control.data();
-        header.msg_controllen = CMSG_SPACE(descriptors.size_bytes());
-        cmsghdr* const item = CMSG_FIRSTHDR(&header);
-        item->cmsg_level = SOL_SOCKET;
-        item->cmsg_type = SCM_RIGHTS;
-        item->cmsg_len = CMSG_LEN(descriptors.size_bytes());
-        std::memcpy(CMSG_DATA(item), descriptors.data(), descriptors.size_bytes());
-    }
+    SocketDescriptors sent;
+    sent.send(header, descriptors);
     return sendmsg(socket, &header, MSG_NOSIGNAL);
-}
-
-void takeFrom(msghdr& header, std::vector<Descriptor>& descriptors) {
-    for (cmsghdr* item = CMSG_FIRSTHDR(&header); item != nullptr; item = CMSG_NXTHDR(&header, item)) {
-        if (item->cmsg_level != SOL_SOCKET || item->cmsg_type != SCM_RIGHTS) continue;
-        const std::size_t count = (item->cmsg_len - CMSG_LEN(0)) / sizeof(int);
-        for (std::size_t i = 0; i < count; ++i) {
-            int number = -1;
-            std::memcpy(&number, CMSG_DATA(item) + i * sizeof number, sizeof number);
-            descriptors.emplace_back(number);
-        }
-    }
 }
 
 } // namespace
@@ -74,19 +51,20 @@ bool MessageReader::read(int flags) {
     const std::size_t before = m_bytes.size();
     m_bytes.resize(before + most);
     iovec part{m_bytes.data() + before, most};
-    alignas(cmsghdr) Control control{};
     msghdr header{};
     header.msg_iov = &part;
     header.msg_iovlen = 1;
-    header.msg_control = control.data();
-    header.msg_controllen = control.size();
+    SocketDescriptors descriptors;
+    descriptors.expect(header);
     ssize_t count = -1;
     do
         count = recvmsg(m_socket, &header, flags | MSG_CMSG_CLOEXEC);
     while (count < 0 && errno == EINTR && flags == 0);
     const int error = errno;
     m_bytes.resize(before + static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
-    if (count > 0) takeFrom(header, m_descriptors);
+    if (count > 0)
+        for (Descriptor& descriptor : SocketDescriptors::takenFrom(header))
+            m_descriptors.push_back(std::move(descriptor));
     return count > 0 || (count < 0 && (error == EAGAIN || error == EINTR));
 }
 
@@ -97,14 +75,14 @@ std::optional<json> MessageReader::next() {
     if (m_bytes.size() < sizeof size) return std::nullopt;
     std::memcpy(&size, m_bytes.data(), sizeof size);
     if (size > m_mostBytes)
-        throw Failure("a message of " + numberText(size) + " bytes came, and " + numberText(m_mostBytes) +
-                      " are allowed");
+        throw Failure("a message of " + numberText(size) + " bytes was received; at most " +
+                      numberText(m_mostBytes) + " are allowed");
     if (m_bytes.size() - sizeof size < size) return std::nullopt;
     const auto begin = m_bytes.begin() + sizeof size;
     const auto end = begin + static_cast<std::ptrdiff_t>(size);
     json message = json::from_cbor(begin, end, true, false);
     m_bytes.erase(m_bytes.begin(), end);
-    if (message.is_discarded()) throw Failure("what came is not a message");
+    if (message.is_discarded()) throw Failure("the received bytes are not a message");
     return message;
 }
 

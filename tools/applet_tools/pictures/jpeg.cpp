@@ -91,7 +91,7 @@ private:
 std::string encodeJpeg(const PictureView& picture, int quality) {
     JpegWriter writer;
     if (!writer.write(picture, quality))
-        throw Failure("the picture cannot be made a JPEG: " + writer.reason());
+        throw Failure("the picture cannot be written as JPEG: " + writer.reason());
     return writer.file();
 }
 

@@ -26,9 +26,7 @@ Instance& LiveSession::instance() {
     if (m_copy) return m_copy->instance();
     if (m_instance) return *m_instance;
     const Stopwatch watch;
-    const auto station = m_options.board == BoardKind::virtualBoard && !m_options.offline
-                             ? stationOfEnvironment()
-                             : std::nullopt;
+    const auto station = m_options.isVirtual() ? stationOfEnvironment() : std::nullopt;
     if (!m_host) m_host = std::make_shared<applet_host::AppletHost>(locationsFor(m_options));
     Instance& made = m_instance.emplace(
         m_options, m_host, m_publishesDesign ? DesignParameters::published : DesignParameters::asSwitched);

@@ -124,15 +124,20 @@ Value numberAt(std::uint64_t rank, const Value& like) {
     });
 }
 
+Words waysInWords(const std::vector<Words>& ways) {
+    Words lines;
+    for (const Words& way : ways)
+        lines.push_back(join(way, " "));
+    return lines;
+}
+
 Probe::Probe(ScratchSession& session) : m_session(session) { begin(); }
 
 void Probe::begin() {
     // The writes of a probe do not belong to a trace.
     m_session.instance().board().log_kinds(m_session.instance().device(), 0);
     m_isTouched = false;
-    m_facts.clear();
-    for (std::size_t place = 0; place < count(); ++place)
-        m_facts.push_back(currentState(place));
+    m_states = statesOf(m_session.instance(), m_session.parameters());
     m_storedOtherwise = storedOtherwise(m_session);
 }
 
@@ -207,7 +212,7 @@ void Probe::restore() {
 bool Probe::isBack() const {
     for (std::size_t place = 0; place < count(); ++place)
         // Texts are not tried, and reading one is slow. One that moves with a number is restored with it.
-        if (at(place).kind() != REGISTER_KIND_STRING && currentState(place) != m_facts[place]) return false;
+        if (at(place).kind() != REGISTER_KIND_STRING && currentState(place) != m_states[place]) return false;
     return true;
 }
 
@@ -230,7 +235,7 @@ bool Probe::setBack() {
         if (isBack()) return true;
         bool isTaken = false;
         for (std::size_t place = 0; place < count(); ++place) {
-            const ParameterState& was = m_facts[place];
+            const ParameterState& was = m_states[place];
             if (at(place).kind() == REGISTER_KIND_STRING || was.error != FG_OK || !isNumber(was.value))
                 continue;
             if (currentState(place).value == was.value) continue;
@@ -246,7 +251,7 @@ bool Probe::setBack() {
 
 std::vector<Value> Probe::otherValues(std::size_t place) const {
     std::vector<Value> values;
-    const ParameterState& now = facts(place);
+    const ParameterState& now = state(place);
     if (at(place).record == nullptr || now.error != FG_OK || !isNumber(now.value)) return values;
     const auto add = [&](const Value& value) {
         if (value != now.value && std::ranges::find(values, value) == values.end()) values.push_back(value);
@@ -272,9 +277,9 @@ bool Probe::holdsWith(const Change& change, const std::function<bool()>& conditi
 }
 
 Value Probe::nearest(const Change& found, const std::function<bool()>& condition) {
-    const auto grid = gridOf(facts(found.place).limits);
+    const auto grid = gridOf(state(found.place).limits);
     if (!grid) return found.value;
-    std::int64_t refused = grid->stepOf(facts(found.place).value), held = grid->stepOf(found.value);
+    std::int64_t refused = grid->stepOf(state(found.place).value), held = grid->stepOf(found.value);
     while (std::abs(held - refused) > 1) {
         const std::int64_t middle = refused + (held - refused) / 2;
         (holdsWith({found.place, grid->at(middle)}, condition) ? held : refused) = middle;
@@ -316,7 +321,7 @@ std::vector<std::size_t> Probe::trueWith(const Change& change, const std::vector
 
 bool Probe::isFreed(std::size_t place) const {
     const RegisterInfo* const record = at(place).record;
-    return record != nullptr && ((record->access & ~facts(place).access) & REGISTER_ACCESS_WRITE) != 0;
+    return record != nullptr && ((record->access & ~state(place).access) & REGISTER_ACCESS_WRITE) != 0;
 }
 
 void Probe::addPairsAfter(const Change& first, const std::vector<Wish>& wishes, std::vector<Ways>& pairs) {
@@ -366,16 +371,14 @@ std::vector<Ways> Probe::waysTo(const std::vector<Wish>& wishes) {
     return ways;
 }
 
-std::vector<std::string> Probe::words(const Ways& ways) const {
-    std::vector<std::string> texts;
+std::vector<Words> Probe::assignments(const Ways& ways) const {
+    std::vector<Words> lists;
     for (const std::vector<Change>& way : ways) {
-        std::vector<std::string> steps;
-        steps.reserve(way.size());
+        Words& list = lists.emplace_back();
         for (const Change& change : way)
-            steps.push_back(words(change));
-        texts.push_back(join(steps, " "));
+            list.push_back(words(change));
     }
-    return texts;
+    return lists;
 }
 
 std::string Probe::words(const Change& change) const {

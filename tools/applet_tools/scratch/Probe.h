@@ -3,6 +3,7 @@
 #define APPLET_TOOLS_SCRATCH_PROBE_H
 
 #include "applet_tools/applet/ParameterState.h"
+#include "applet_tools/base/words.h"
 #include "applet_tools/scratch/ScratchSession.h"
 
 #include <cstddef>
@@ -29,6 +30,9 @@ struct Change {
 /** Each element is a way: a sequence of changes. */
 using Ways = std::vector<std::vector<Change>>;
 
+/** "FG_LINETRIGGERMODE=ASYNC_TRIGGER FG_SHAFTENCODERON=FG_ON" for the assignments of each way. */
+Words waysInWords(const std::vector<Words>& ways);
+
 /** A condition, and the index of a parameter that must not be changed to meet it. */
 struct Wish {
     std::size_t excluded;
@@ -47,7 +51,8 @@ public:
     std::size_t placeOf(const Parameter& parameter) const;
 
     /** In the state of the probe. */
-    const ParameterState& facts(std::size_t place) const { return m_facts[place]; }
+    const std::vector<ParameterState>& states() const { return m_states; }
+    const ParameterState& state(std::size_t place) const { return m_states[place]; }
     /** At present, including changes being tried. */
     ParameterState currentState(std::size_t place) const;
 
@@ -78,8 +83,10 @@ public:
 
     /** "FG_XOFFSET=64", a word for `set`. */
     std::string words(const Change& change) const;
-    /** "FG_LINETRIGGERMODE=ASYNC_TRIGGER FG_SHAFTENCODERON=FG_ON" for each way. */
-    std::vector<std::string> words(const Ways& ways) const;
+    /** {"FG_LINETRIGGERMODE=ASYNC_TRIGGER", "FG_SHAFTENCODERON=FG_ON"} for each way. */
+    std::vector<Words> assignments(const Ways& ways) const;
+    /** The same as lines. */
+    Words words(const Ways& ways) const { return waysInWords(assignments(ways)); }
 
 private:
     /** Makes the present state the state of the probe. */
@@ -106,7 +113,7 @@ private:
     Value nearest(const Change& found, const std::function<bool()>& condition);
 
     ScratchSession& m_session;
-    std::vector<ParameterState> m_facts;
+    std::vector<ParameterState> m_states;
     std::set<std::string, std::less<>>
         m_storedOtherwise;    // after a load: parameters with a stored value that differs from their reading
     int m_depth = 0;          // nesting of looks

@@ -115,7 +115,7 @@ void serve(int socket, const BoardOptions& options, std::span<const JobRow> jobs
 }
 
 [[noreturn]] void failToStart(int error) {
-    throw Unavailable(std::string("no scratch board can be made: ") + std::strerror(error));
+    throw Unavailable(std::string("no scratch board can be created: ") + std::strerror(error));
 }
 
 /** What posix_spawn does between fork and exec. */
@@ -141,7 +141,7 @@ pid_t startProgram(const BoardOptions& options, int socket) {
     pid_t child = -1;
     const int error = posix_spawn(&child, name.c_str(), actions.get(), nullptr, arguments, environ);
     if (error != 0)
-        throw Unavailable("no scratch board can be made: the program " + shownFile(name) +
+        throw Unavailable("no scratch board can be created: the program " + shownFile(name) +
                           " cannot be started: " + std::strerror(error));
     return child;
 }

@@ -9,8 +9,8 @@ namespace {
 
 /** Values that limits or grid should exclude. */
 std::vector<Value> doubtfulValues(const Probe& probe, std::size_t place) {
-    const auto& limits = probe.facts(place).limits;
-    if (!limits || !isNumber(probe.facts(place).value)) return {};
+    const auto& limits = probe.state(place).limits;
+    if (!limits || !isNumber(probe.state(place).value)) return {};
     std::vector<Value> values{numberAt(rankOf(limits->minimum) + 1, limits->minimum)};
     const std::uint64_t low = rankOf(limits->minimum), high = rankOf(limits->maximum);
     if (const Value below = numberAt(low - 1, limits->minimum); rankOf(below) < low) values.push_back(below);
@@ -58,7 +58,7 @@ private:
         for (std::size_t place = 0; place < m_probe.count(); ++place) {
             if (place == change.place) continue;
             const Parameter& other = m_probe.at(place);
-            for (const Move& move : movesBetween(other, m_probe.facts(place), m_probe.currentState(place)))
+            for (const Move& move : movesBetween(other, m_probe.state(place), m_probe.currentState(place)))
                 add(change, other, move);
             if (m_probe.answers(place, m_entries[place]) != m_answers[place])
                 add(change, other, {"accepted values", "", ""});

@@ -3,6 +3,7 @@
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/text.h"
 #include "applet_tools/scratch/limit_causes.h"
+#include "applet_tools/scratch/message_rows.h"
 
 #include "vexo/fg_errors.h"
 
@@ -91,7 +92,7 @@ std::vector<RefusalCauses> findCauses(Probe& probe, const std::vector<Assignment
     const std::vector<Ways> ways = probe.waysTo(wishes);
     for (std::size_t i = 0, next = 0; i < all.size(); ++i) {
         if (!causes[i].isTried) continue;
-        causes[i].acceptedWith = probe.words(ways[next++]);
+        causes[i].ways = probe.assignments(ways[next++]);
         if (all[i].number) addRange(probe, all[i].subject, *all[i].number, causes[i]);
         if (all.size() > 1) probe.restore();
     }
@@ -103,31 +104,38 @@ RefusalCauses findCauses(Probe& probe, const Assignment& assignment) {
 }
 
 void addCauses(ordered_json& row, const Parameter& parameter, const RefusalCauses& causes) {
-    row["acceptedWith"] = causes.acceptedWith;
+    row["acceptedWith"] = waysInWords(causes.ways);
     if (!causes.setBy.is_null()) row["setBy"] = causes.setBy;
     if (causes.nearest) addValue(row["nearest"], {&parameter}, *causes.nearest);
 }
 
 namespace {
 
-/** "; the maximum is set by ...; the nearest accepted value is 64; accepted with ...". */
-std::string inWords(const Parameter& parameter, const RefusalCauses& causes) {
+/** {"the maximum is set by ...", "the nearest accepted value is 64", "accepted with ..."}. */
+Words clausesOf(const Parameter& parameter, const RefusalCauses& causes) {
     constexpr std::size_t shown = 3;
-    std::string words;
-    if (!causes.limit.empty()) words += "; " + causes.limit;
+    Words clauses;
+    if (!causes.limit.empty()) clauses.push_back(causes.limit);
     if (causes.nearest)
-        words += "; the nearest accepted value is " + exactValueWithUnit(parameter, *causes.nearest);
-    if (causes.acceptedWith.empty()) {
-        const bool isStuck = causes.isTried && !causes.nearest;
-        return words + (isStuck ? "; no change of another parameter that was tried makes it accepted" : "");
-    }
-    Words ways = causes.acceptedWith;
+        clauses.push_back("the nearest accepted value is " + exactValueWithUnit(parameter, *causes.nearest));
+    Words ways = waysInWords(causes.ways);
     const bool areMore = ways.size() > shown;
     if (areMore) ways.resize(shown);
-    return words + "; accepted with " + join(ways, " or ") + (areMore ? " or others" : "");
+    if (!ways.empty())
+        clauses.push_back("accepted with " + join(ways, " or ") + (areMore ? " or others" : ""));
+    else if (causes.isTried && !causes.nearest)
+        clauses.emplace_back("no change of another parameter that was tried makes it accepted");
+    return clauses;
 }
 
 } // namespace
+
+std::string Suggestion::words() const {
+    std::string words;
+    for (const std::string& clause : clauses)
+        words += "; " + clause;
+    return words;
+}
 
 std::vector<Suggestion> suggestionsFor(Probe& probe, const std::vector<Assignment>& assignments) {
     Words names; // copied, as the records may be gone after the trials
@@ -136,7 +144,8 @@ std::vector<Suggestion> suggestionsFor(Probe& probe, const std::vector<Assignmen
     std::vector<Suggestion> suggestions;
     for (const RefusalCauses& causes : findCauses(probe, assignments)) {
         const Parameter& parameter = probe.session().parameters().find(names[suggestions.size()]);
-        Suggestion& suggestion = suggestions.emplace_back(Suggestion{inWords(parameter, causes), {}});
+        Suggestion& suggestion =
+            suggestions.emplace_back(Suggestion{clausesOf(parameter, causes), causes.ways, {}});
         addCauses(suggestion.members, parameter, causes);
     }
     return suggestions;
@@ -146,20 +155,21 @@ Suggestion suggestionFor(Probe& probe, const Assignment& assignment) {
     return suggestionsFor(probe, std::vector{assignment}).front();
 }
 
+template <> struct MessageRows<Suggestion> {
+    static constexpr auto rows = std::tuple(&Suggestion::clauses, &Suggestion::ways, &Suggestion::members);
+};
+
 json suggestionJob(ScratchSession& session, const json& arguments) {
     Probe probe(session);
     const auto word = arguments.at("assignment").get<std::string>();
-    const Suggestion suggestion =
-        suggestionFor(probe, parseAssignments(session.parameters(), {word}).front());
-    return {{"words", suggestion.words}, {"row", suggestion.members.dump()}};
+    return toMessage(suggestionFor(probe, parseAssignments(session.parameters(), {word}).front()));
 }
 
 Suggestion askSuggestion(LiveSession& live, const Assignment& assignment, int code) {
     if (assignment.target.parameter->kind() == REGISTER_KIND_STRING) return {}; // texts depend on files
     if (!isAppletCode(code)) return {}; // an error of the board does not depend on values
     const std::string word = assignment.target.name() + "=" + assignment.text;
-    const json answer = live.scratch().ask("suggestion", {{"assignment", word}});
-    return {answer["words"].get<std::string>(), ordered_json::parse(answer["row"].get<std::string>())};
+    return recordFrom<Suggestion>(live.scratch().ask("suggestion", {{"assignment", word}}));
 }
 
 void startFrom(ScratchSession& session, const Words& assignments) {
@@ -170,7 +180,7 @@ void startFrom(ScratchSession& session, const Words& assignments) {
         problem = refusalInWords(result);
         session.keep();
         Probe probe(session);
-        problem += suggestionFor(probe, result.assignment).words;
+        problem += suggestionFor(probe, result.assignment).words();
     };
     const AssignmentsOutcome outcome =
         applyAssignments(session.instance(), session.parameters(), assignments, {.after = explain});

@@ -21,7 +21,7 @@ struct RefusalCauses {
     std::string limit;            /**< "the maximum is set by FG_XOFFSET (16384 with FG_XOFFSET=0)" */
     nlohmann::ordered_json setBy; /**< the same as rows (see limit_causes.h); null if within the range */
     std::optional<Value> nearest; /**< for a number, the nearest accepted one */
-    std::vector<std::string> acceptedWith; /**< changes of other parameters */
+    std::vector<Words> ways;      /**< assignments of other parameters with which it is accepted */
 };
 
 /** Tries the assignment on the scratch board, in the state of the probe. Existing parameter records may be
@@ -34,10 +34,14 @@ std::vector<RefusalCauses> findCauses(Probe& probe, const std::vector<Assignment
 void addCauses(nlohmann::ordered_json& row, const Parameter& parameter, const RefusalCauses& causes);
 
 /** A suggestion after a refusal. */
+// The move of a JSON document checks itself. NOLINTNEXTLINE(bugprone-exception-escape)
 struct Suggestion {
-    /** "; the maximum is set by FG_XOFFSET (...); the nearest accepted value is 64", or empty. */
-    std::string words;
+    Words clauses; /**< {"the maximum is set by FG_XOFFSET (...)", "the nearest accepted value is 64"} */
+    std::vector<Words> ways;        /**< as in RefusalCauses */
     nlohmann::ordered_json members; /**< the members of addCauses; null if nothing was tried */
+
+    /** The clauses behind a refusal: "; the maximum is set by ...; the nearest accepted value is 64". */
+    std::string words() const;
 };
 
 /** Finds a suggestion on the scratch board, like findCauses. */
@@ -47,8 +51,7 @@ std::vector<Suggestion> suggestionsFor(Probe& probe, const std::vector<Assignmen
 /** The same for a refusal of the live applet with this code; empty for texts, and for a code of the board. */
 Suggestion askSuggestion(LiveSession& live, const Assignment& assignment, int code);
 
-/** The scratch board job that implements it: a suggestion for the refused {"assignment": WORD}: {"words",
- *  "row"}. */
+/** The scratch board job that implements it: the Suggestion for the refused {"assignment": WORD}. */
 nlohmann::json suggestionJob(ScratchSession& session, const nlohmann::json& arguments);
 
 /** Applies the assignments to the scratch board and makes the result the start state. Throws UsageError

@@ -1,5 +1,7 @@
 #include "applet_tools/station/missing_picture.h"
 
+#include "applet_tools/applet/ParameterReader.h"
+#include "applet_tools/applet/line_trigger.h"
 #include "applet_tools/base/numbers.h"
 #include "applet_tools/station/signals.h"
 
@@ -15,7 +17,7 @@ class Reason {
 public:
     Reason(Instance& instance, const ParameterList& parameters, const PictureWait& wait)
         : m_instance(instance)
-        , m_parameters(parameters)
+        , m_settings(instance, parameters)
         , m_wait(wait)
         , m_lines(sourceLines(instance) - wait.start.lines)
         , m_imageLines(m_lines + wait.start.lines - wait.linesAtPicture.value_or(wait.start.lines)) {}
@@ -45,33 +47,22 @@ private:
         m_remedies.push_back(assignment);
         return "set " + assignment;
     }
-    Value value(const char* name) const { return valueOf(m_instance, {&m_parameters.find(name)}); }
-    bool is(const char* name, std::int32_t entry) const { return value(name) == Value(entry); }
-    std::string shown(const char* name) const {
-        const Parameter& parameter = m_parameters.find(name);
-        return parameter.name + " = " + valueWithUnit(parameter, valueOf(m_instance, {&parameter}));
-    }
+    bool is(const char* name, std::int32_t entry) const { return m_settings.is(name, entry); }
+    std::int32_t entry(const char* name) const { return m_settings.get<std::int32_t>(name); }
+    std::string shown(const char* name) const { return m_settings.shown(name); }
     static std::string came(std::int64_t lines) {
         if (lines <= 0) return "no line came";
         return numberText(lines) + (lines == 1 ? " line came" : " lines came");
     }
 
-    bool isExternal() const {
-        return is("FG_LINETRIGGERMODE", ASYNC_TRIGGER) || is("FG_LINETRIGGERMODE", ASYNC_GATED);
-    }
-    bool isLineGated() const {
-        return is("FG_LINETRIGGERMODE", GRABBER_CONTROLLED_GATED) || is("FG_LINETRIGGERMODE", ASYNC_GATED);
-    }
+    std::int32_t lineTriggerMode() const { return entry("FG_LINETRIGGERMODE"); }
     bool isImageTriggered() const {
         return !is("FG_IMGTRIGGERMODE", FREE_RUN) && is("FG_IMGTRIGGERON", FG_ON);
     }
     bool isImageGated() const {
-        return is("FG_IMGTRIGGERMODE", ASYNC_GATED) || is("FG_IMGTRIGGERMODE", ASYNC_GATED_MULTIFRAME);
+        return m_settings.is("FG_IMGTRIGGERMODE", {ASYNC_GATED, ASYNC_GATED_MULTIFRAME});
     }
-    bool isSourceExSync() const {
-        return is("FG_TRIGGERCAMERA_SOURCE", FG_SIGNAL_CAM0_EXSYNC) ||
-               is("FG_TRIGGERCAMERA_SOURCE", FG_SIGNAL_CAM0_EXSYNC2);
-    }
+    bool isSourceExSync() const { return isExSync(entry("FG_TRIGGERCAMERA_SOURCE")); }
     bool isSimulated() const { return is("FG_CAMERASIMULATOR_ENABLE", FG_CAMERASIMULATOR); }
     std::int64_t camera() const {
         return m_instance.applet().Fg_getStatusEx(m_instance.fg(), VBOARD_STATUS_CAMERA, 0, 0, nullptr);
@@ -82,23 +73,14 @@ private:
     }
 
     bool isAlwaysActive() const {
-        return isSourceTriggered() && isSourceExSync() && is("FG_EXSYNCON", FG_ON) && !isExternal() &&
-               std::get<double>(value("FG_LINEEXPOSURE")) >= std::get<double>(value("FG_LINEPERIODE"));
+        return isSourceTriggered() && isSourceExSync() && is("FG_EXSYNCON", FG_ON) &&
+               !isExternal(lineTriggerMode()) &&
+               m_settings.number("FG_LINEEXPOSURE") >= m_settings.number("FG_LINEPERIODE");
     }
 
-    /** Number of an input: 0 to 7 GPI, 8 to 11 front GPI. */
-    unsigned inputAt(const char* source) const {
-        constexpr std::int32_t firstFront = TRGINSRC_FRONT_GPI_0;
-        constexpr unsigned gpiCount = 8;
-        const auto input = std::get<std::int32_t>(value(source));
-        return input < firstFront ? static_cast<unsigned>(input)
-                                  : gpiCount + static_cast<unsigned>(input - firstFront);
-    }
     /** Debounced edges of an input during the wait. */
     SignalCourse courseAt(const char* source) const {
-        constexpr unsigned firstInputSignal = 21;
-        const unsigned select = firstInputSignal + inputAt(source);
-        return courseSince(m_instance, select, m_wait.start.tick,
+        return courseSince(m_instance, design_signal::firstInput + inputOf(entry(source)), m_wait.start.tick,
                            m_instance.board().now(m_instance.device()));
     }
 
@@ -120,7 +102,8 @@ private:
     /** The reason if the belt at the line trigger's input gives no steps; else empty. */
     std::string whyNoStep() const {
         const StationBelt* const belt = m_wait.belt;
-        if (belt == nullptr || belt->profile.empty() || belt->encoderA != inputAt("FG_LINETRIGGERINSRC"))
+        if (belt == nullptr || belt->profile.empty() ||
+            belt->encoderA != inputOf(entry("FG_LINETRIGGERINSRC")))
             return "";
         const std::int32_t speed = belt->profile.back().to;
         if (speed == 0) return "the belt that moves the encoder does not run: give it a speed";
@@ -128,6 +111,16 @@ private:
                    ? "the belt runs backwards, and FG_SHAFTENCODERON passes forward steps only: give it a "
                      "speed above 0, or change FG_SHAFTENCODERLEADING"
                    : "";
+    }
+
+    /** The reason if the encoder swallows forward steps after backward ones; else empty. */
+    std::string whyNoForwardStep() {
+        const char* const count = "FG_SHAFTENCODER_COMPENSATION_COUNT";
+        if (!is("FG_SHAFTENCODERON", FG_ON) || !is("FG_SHAFTENCODER_COMPENSATION_ENABLE", FG_ON) ||
+            m_settings.number(count) == 0)
+            return "";
+        return "the encoder went backwards, so as many forward steps give none: " + shown(count) +
+               "; wait for them, or " + remedy(std::string(count) + "=0");
     }
 
     /** "with camera triggers ...: 5; ..." if there were losses of this kind during the wait; else empty. */
@@ -160,14 +153,17 @@ private:
     std::string whyNoExSync() {
         if (is("FG_EXSYNCON", FG_OFF)) return shown("FG_EXSYNCON") + ": " + remedy("FG_EXSYNCON=FG_ON");
         const std::string mode = shown("FG_LINETRIGGERMODE");
-        if (isLineGated() && isImageTriggered())
+        if (isGated(lineTriggerMode()) && isImageTriggered())
             return "with " + mode + " it has edges only in an image, and " + whyNoStart();
-        if (!isExternal()) return "with " + mode + " one comes each " + shown("FG_LINEPERIODE");
+        if (!isExternal(lineTriggerMode()))
+            return "with " + mode + " one comes each " + shown("FG_LINEPERIODE");
         const std::string noStep = whyNoStep();
         if (!noStep.empty()) return "with " + mode + " it needs a line trigger, and " + noStep;
         if (!hasLineTriggerEdge())
             return "with " + mode + " it needs a line trigger, and " +
                    noEdge("FG_LINETRIGGERINSRC", "FG_LINETRIGGERDEBOUNCING");
+        const std::string noForwardStep = whyNoForwardStep();
+        if (!noForwardStep.empty()) return "with " + mode + " it needs a line trigger, and " + noForwardStep;
         return "with " + mode + " it needs a line trigger, and of the edges at " +
                shown("FG_LINETRIGGERINSRC") + " none became one: see " + shown("FG_LINE_DOWNSCALE") +
                " and " + shown("FG_SHAFTENCODERON");
@@ -220,14 +216,14 @@ private:
     /** More lines came since the last picture than two images take. */
     bool isOfAnotherHeight() const {
         const auto asLines = [this](const char* name) {
-            return static_cast<std::int64_t>(asDouble(value(name)));
+            return static_cast<std::int64_t>(m_settings.number(name));
         };
         return m_wait.linesAtPicture && !isImageTriggered() &&
                m_imageLines > 2 * (asLines("FG_HEIGHT") + asLines("FG_YOFFSET"));
     }
 
     Instance& m_instance;
-    const ParameterList& m_parameters;
+    const ParameterReader m_settings;
     const PictureWait& m_wait;
     const std::int64_t m_lines;      // during the wait
     const std::int64_t m_imageLines; // since the last picture, if that is known

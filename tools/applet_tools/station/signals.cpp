@@ -11,13 +11,16 @@ namespace applet_tools {
 namespace {
 
 std::vector<StationSignal> allSignals() {
+    using namespace design_signal;
     std::vector<StationSignal> signals = {
-        {"ExSync", 1}, {"ExSync2", 2}, {"Flash", 3}, {"LVAL", 4}, {"FVAL", 5}};
-    for (unsigned i = 0; i < 8; ++i)
-        signals.push_back({"GPI_" + std::to_string(i), 21 + i});
-    for (unsigned i = 0; i < 4; ++i)
-        signals.push_back({"FRONT_GPI_" + std::to_string(i), 29 + i});
-    signals.insert(signals.end(), {{"LineStart", 33}, {"LineEnd", 34}, {"FrameStart", 35}, {"FrameEnd", 36}});
+        {"ExSync", exSync}, {"ExSync2", exSync2}, {"Flash", flash}, {"LVAL", lval}, {"FVAL", fval}};
+    for (unsigned i = 0; i < gpiCount; ++i)
+        signals.push_back({"GPI_" + std::to_string(i), firstInput + i});
+    for (unsigned i = 0; i < frontGpiCount; ++i)
+        signals.push_back({"FRONT_GPI_" + std::to_string(i), firstInput + gpiCount + i});
+    signals.insert(
+        signals.end(),
+        {{"LineStart", lineStart}, {"LineEnd", lineEnd}, {"FrameStart", frameStart}, {"FrameEnd", frameEnd}});
     return signals;
 }
 

@@ -3,10 +3,13 @@
 #define APPLET_TOOLS_STATION_SIGNALS_H
 
 #include "applet_tools/applet/Instance.h"
+#include "applet_tools/applet/ticks.h"
 #include "applet_tools/base/words.h"
-#include "applet_tools/station/ticks.h"
+
+#include "vexo/fg_parameters.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <optional>
 #include <span>
 #include <string>
@@ -15,10 +18,28 @@
 
 namespace applet_tools {
 
+/** Numbers of signals in the design's selects. */
+namespace design_signal {
+inline constexpr unsigned exSync = 1, exSync2 = 2, flash = 3, lval = 4, fval = 5, firstInput = 21,
+                          lineStart = 33, lineEnd = 34, frameStart = 35, frameEnd = 36;
+} // namespace design_signal
+
+/** Inputs have numbers: first the GPI, then the front GPI. */
+inline constexpr unsigned gpiCount = 8, frontGpiCount = 4, inputCount = gpiCount + frontGpiCount;
+
+/** The number of the input that is an entry of FG_LINETRIGGERINSRC, FG_IMGTRIGGERINSRC, ... */
+constexpr unsigned inputOf(std::int32_t source) {
+    return static_cast<unsigned>(
+        source < TRGINSRC_FRONT_GPI_0 ? source : source - TRGINSRC_FRONT_GPI_0 + std::int32_t{gpiCount});
+}
+
 /** A signal and its number in the design's selects. */
 struct StationSignal {
     std::string name; /**< "ExSync", "LVAL", "GPI_0", "LineStart" */
     unsigned select;
+
+    /** Pulses of one tick: each has one edge in the record. */
+    bool isPulse() const { return select >= design_signal::lineStart && select <= design_signal::frameEnd; }
 };
 
 const std::vector<StationSignal>& stationSignals();

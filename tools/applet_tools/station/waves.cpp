@@ -3,6 +3,7 @@
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/numbers.h"
 #include "applet_tools/base/text.h"
+#include "applet_tools/station/signals.h"
 
 #include <algorithm>
 
@@ -13,8 +14,6 @@ const char* const waveForms =
     "INPUT_A,INPUT_B=encoder:SPEED[..SPEED][/TIME][,...]";
 
 namespace {
-
-constexpr unsigned inputCount = 12, frontInput = 8;
 
 std::vector<std::string_view> partsOf(std::string_view text, char mark) {
     std::vector<std::string_view> parts;
@@ -97,8 +96,8 @@ unsigned inputFrom(std::string_view word) {
     const bool isFront = name.starts_with("front_gpi_");
     const bool isNumber = !isFront && !name.starts_with("gpi_");
     const auto number = wholeNumber<unsigned>(name.substr(isNumber ? 0 : isFront ? 10 : 4));
-    const unsigned first = isFront ? frontInput : 0;
-    const unsigned count = isNumber ? inputCount : isFront ? inputCount - frontInput : frontInput;
+    const unsigned first = isFront ? gpiCount : 0;
+    const unsigned count = isNumber ? inputCount : isFront ? frontGpiCount : gpiCount;
     if (number && *number < count) return first + *number;
     throw UsageError(inQuotedWord(word) +
                      " is not an input: they are GPI_0 to GPI_7 and FRONT_GPI_0 to FRONT_GPI_3");

@@ -1,6 +1,6 @@
 #include "appletctl/cli/execute.h"
 
-#include "applet_tools/answers/loading.h"
+#include "applet_tools/answers/loading/loading.h"
 #include "applet_tools/applet/assignments.h"
 #include "applet_tools/base/Stopwatch.h"
 #include "applet_tools/base/files.h"
@@ -47,10 +47,8 @@ Report withFailuresAsReports(const std::function<Report()>& work) {
 
 namespace {
 
-bool isOnSystem(const Options& options) { return options.board == BoardKind::system && !options.offline; }
-
 /** True for a board that is shared with others or that the user does not want to be written to. */
-bool isProtected(const Options& options) { return options.look || isOnSystem(options); }
+bool isProtected(const Options& options) { return options.look || options.isOnSystem(); }
 
 bool setsSomething(const Request& request) {
     const bool hasFile =
@@ -170,8 +168,8 @@ private:
     std::string failedLoad(const std::string& file, int code) {
         std::vector<std::string> reasons;
         for (const Finding& finding : askCheck(m_context.bareScratch(), file).findings) {
-            if (finding.kind == "file") return shownFile(file) + ": " + finding.message;
-            if (finding.kind == "missing") reasons.push_back(finding.key);
+            if (finding.kind == FindingKind::file) return shownFile(file) + ": " + finding.message;
+            if (finding.kind == FindingKind::missing) reasons.push_back(finding.key);
         }
         return shownFile(file) + " was not loaded as a whole: " + codeInWords(code) +
                (reasons.empty() ? "" : "; it lacks " + join(reasons, ", "));

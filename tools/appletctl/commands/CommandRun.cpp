@@ -9,13 +9,12 @@ namespace appletctl {
 CommandRun::CommandRun(Context& context, const Words& assignments)
     : instance(context.instance())
     , parameters(context.parameters())
+    , settings(instance, parameters)
     , report(applyLive(context, assignments)) {}
 
 int CommandRun::set(const char* name, const Value& value) {
     return writeValue(instance, {&parameters.find(name)}, value);
 }
-
-Value CommandRun::get(const char* name) { return valueOf(instance, {&parameters.find(name)}); }
 
 void CommandRun::refuse(const std::string& words) {
     report.problems.push_back(words);

@@ -2,6 +2,7 @@
 #ifndef APPLETCTL_COMMANDS_COMMANDRUN_H
 #define APPLETCTL_COMMANDS_COMMANDRUN_H
 
+#include "applet_tools/applet/ParameterReader.h"
 #include "applet_tools/applet/assignments.h"
 #include "appletctl/base/output.h"
 #include "appletctl/commands/Context.h"
@@ -17,13 +18,12 @@ struct CommandRun {
     bool isRefused() const { return report.exitCode != exitDone; }
     /** Returns the applet's code. */
     int set(const char* name, const Value& value);
-    /** Throws Failure if the read fails. */
-    Value get(const char* name);
     /** Adds the problem; the program exits with 1. */
     void refuse(const std::string& words);
 
     Instance& instance;
     const ParameterList& parameters;
+    const ParameterReader settings;
     Report report;
 };
 

@@ -28,7 +28,7 @@ void requireBoard(const Options& options, const char* command) {
 }
 
 void requireVirtualBoard(const Options& options, const std::string& option) {
-    if (!options.offline && options.board == BoardKind::virtualBoard) return;
+    if (options.isVirtual()) return;
     throw UsageError(option + " needs the virtual board: leave " +
                      (options.offline ? "--offline" : "--board system") + " out");
 }

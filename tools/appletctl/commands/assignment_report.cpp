@@ -82,7 +82,7 @@ Report applyLive(Context& context, const Words& words, AssignmentAdditions addit
     additions.suggestion = [&](const Assignment& assignment, int code, nlohmann::ordered_json& row) {
         const Suggestion suggestion = askSuggestion(context, assignment, code);
         if (suggestion.members.is_object()) row.update(suggestion.members);
-        return suggestion.words;
+        return suggestion.words();
     };
     return reportAssignments(context.instance(), context.parameters(), words, additions);
 }

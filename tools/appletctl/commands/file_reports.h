@@ -3,7 +3,7 @@
 #define APPLETCTL_COMMANDS_FILE_REPORTS_H
 
 #include "applet_tools/answers/differences.h"
-#include "applet_tools/answers/loading.h"
+#include "applet_tools/answers/loading/loading.h"
 #include "appletctl/base/output.h"
 
 #include <vector>

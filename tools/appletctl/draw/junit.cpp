@@ -2,7 +2,7 @@
 
 #include "applet_tools/base/numbers.h"
 #include "applet_tools/base/text.h"
-#include "appletctl/draw/svg.h"
+#include "appletctl/draw/xml.h"
 
 #include <algorithm>
 
@@ -10,7 +10,7 @@ namespace appletctl {
 namespace {
 
 std::string attribute(const char* name, const std::string& value) {
-    return svg::attribute(name, svg::escaped(toUtf8(value.c_str())));
+    return xml::attribute(name, xml::escaped(toUtf8(value.c_str())));
 }
 
 std::string caseElement(const TestCase& test, const std::string& suite) {

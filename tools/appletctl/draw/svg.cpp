@@ -1,35 +1,16 @@
 #include "appletctl/draw/svg.h"
 
 #include "applet_tools/base/numbers.h"
-#include "applet_tools/base/text.h"
 #include "appletctl/base/layout.h"
+#include "appletctl/draw/xml.h"
 
 #include <cmath>
 
 namespace appletctl::svg {
 
-std::string escaped(std::string_view text) {
-    std::string escaped;
-    for (const char c : printable(text)) {
-        if (c == '&')
-            escaped += "&amp;";
-        else if (c == '<')
-            escaped += "&lt;";
-        else if (c == '>')
-            escaped += "&gt;";
-        else if (c == '"')
-            escaped += "&quot;";
-        else
-            escaped += c;
-    }
-    return escaped;
-}
+using xml::attribute, xml::escaped;
 
 std::string coordinate(double value) { return numberText(std::round(value * 10) / 10); }
-
-std::string attribute(const char* name, const std::string& value) {
-    return std::string(" ") + name + "=\"" + value + "\"";
-}
 
 std::string line(double x1, double y1, double x2, double y2, const std::string& stroke, double width) {
     return "<line" + attribute("x1", coordinate(x1)) + attribute("y1", coordinate(y1)) +

@@ -5,18 +5,11 @@
 #include "appletctl/base/applet_tools.h"
 
 #include <string>
-#include <string_view>
 
 namespace appletctl::svg {
 
-/** Text between tags or in an attribute, control characters as \xNN. */
-std::string escaped(std::string_view text);
-
 /** A coordinate with one decimal. */
 std::string coordinate(double value);
-
-/** " NAME="VALUE"" */
-std::string attribute(const char* name, const std::string& value);
 
 std::string line(double x1, double y1, double x2, double y2, const std::string& stroke, double width);
 

@@ -4,6 +4,7 @@
 #include "applet_tools/base/text.h"
 #include "appletctl/base/layout.h"
 #include "appletctl/draw/svg.h"
+#include "appletctl/draw/xml.h"
 
 #include <algorithm>
 #include <cmath>
@@ -145,7 +146,7 @@ std::string wavesAsSvg(const std::vector<Wave>& waves, double end, double period
         const auto yOf = [&](bool level) { return level ? low - swing : low; };
         content += svg::label(left - 12, low - swing / 2 + 4, "end", wave.name);
         if (!wave.active) {
-            content += svg::label(left + 8, low, "start", "not known", svg::attribute("fill", "#999999"));
+            content += svg::label(left + 8, low, "start", "not known", xml::attribute("fill", "#999999"));
             continue;
         }
         std::string points;
@@ -167,8 +168,8 @@ std::string wavesAsSvg(const std::vector<Wave>& waves, double end, double period
         }
         if (points.empty()) add(0, level);
         add(end, level);
-        content += "<polyline" + svg::attribute("fill", "none") + svg::attribute("stroke", "#1f77b4") +
-                   svg::attribute("stroke-width", "1.5") + svg::attribute("points", points) + "/>\n";
+        content += "<polyline" + xml::attribute("fill", "none") + xml::attribute("stroke", "#1f77b4") +
+                   xml::attribute("stroke-width", "1.5") + xml::attribute("points", points) + "/>\n";
     }
     return svg::document(left + width + 40, bottom + 40, 20, "Timing", subtitle, content);
 }

@@ -104,7 +104,7 @@ void ChannelClient::work() {
 
 Answer ChannelClient::answerTo(const Request& request) {
     try {
-        return std::visit([this](const auto& one) { return carryOut(one); }, request);
+        return std::visit([this](const auto& one) { return execute(one); }, request);
     } catch (const applet_host::Refused& error) {
         return Refusal{Reason::refused, error.code(), error.what()};
     } catch (const Busy& error) {
@@ -116,13 +116,13 @@ Answer ChannelClient::answerTo(const Request& request) {
     }
 }
 
-Answer ChannelClient::carryOut(const Hello& hello) {
+Answer ChannelClient::execute(const Hello& hello) {
     if (hello.version == protocolVersion) return Done();
     return Refusal{Reason::invalid, 0,
                    "the station is of another version: start it again with the appletctl of this producer"};
 }
 
-Answer ChannelClient::carryOut(const Describe& describe) {
+Answer ChannelClient::execute(const Describe& describe) {
     return m_station.commands.run(Work::reads, [&] {
         Description answer;
         std::size_t size = 0;
@@ -138,7 +138,7 @@ Answer ChannelClient::carryOut(const Describe& describe) {
     });
 }
 
-Answer ChannelClient::carryOut(const ReadValue& read) {
+Answer ChannelClient::execute(const ReadValue& read) {
     return m_station.commands.run(Work::reads, [&] {
         auto& instance = m_station.instance();
         const Parameter& parameter = parameterOf(*m_station.access.live, read.name);
@@ -146,13 +146,13 @@ Answer ChannelClient::carryOut(const ReadValue& read) {
     });
 }
 
-Answer ChannelClient::carryOut(const ReadState& read) {
+Answer ChannelClient::execute(const ReadState& read) {
     return m_station.commands.run(Work::reads, [&] {
         return applet_host::stateOf(*parameterOf(*m_station.access.live, read.name).record);
     });
 }
 
-Answer ChannelClient::carryOut(const WriteValue& write) {
+Answer ChannelClient::execute(const WriteValue& write) {
     const std::string refused = write.name + " = " + applet_host::textOf(write.value) + " was refused: ";
     if (!m_station.access.maySet)
         return Refusal{Reason::denied, 0,
@@ -171,7 +171,7 @@ Answer ChannelClient::carryOut(const WriteValue& write) {
     return Done();
 }
 
-Answer ChannelClient::carryOut(const ReadTime&) {
+Answer ChannelClient::execute(const ReadTime&) {
     if (!m_station.isVirtual())
         throw applet_tools::Failure("this station has no virtual board, which has a time");
     return m_station.commands.run(Work::reads, [&] {
@@ -180,10 +180,10 @@ Answer ChannelClient::carryOut(const ReadTime&) {
     });
 }
 
-Answer ChannelClient::carryOut(const Start&) {
+Answer ChannelClient::execute(const Start&) {
     if (!m_station.pictures)
         throw applet_tools::Failure("this station has no virtual board, which makes the pictures");
-    carryOut(Stop());
+    execute(Stop());
     m_sent = m_received = m_room = 0;
     const std::int64_t last =
         m_station.commands.run(Work::changes, [this] { return m_station.pictures->join(*this); });
@@ -191,20 +191,20 @@ Answer ChannelClient::carryOut(const Start&) {
     return Started{static_cast<std::uint64_t>(last)};
 }
 
-Answer ChannelClient::carryOut(const Stop&) {
+Answer ChannelClient::execute(const Stop&) {
     if (m_hasJoined) m_station.pictures->leave(*this);
     m_hasJoined = false;
     return Done();
 }
 
-Answer ChannelClient::carryOut(const Accept& accept) {
+Answer ChannelClient::execute(const Accept& accept) {
     m_received = std::min<std::uint64_t>(accept.received, m_sent);
     m_room = accept.room;
     if (m_hasJoined) m_station.pictures->wake();
     return Done();
 }
 
-Answer ChannelClient::carryOut(const WantEvents& want) {
+Answer ChannelClient::execute(const WantEvents& want) {
     m_station.commands.run(Work::reads, [&] {
         m_station.takeEvents(); // those that happened before
         m_wantedEvents = want.mask;

@@ -38,16 +38,16 @@ private:
 
     void work();
     Answer answerTo(const station_channel::Request& request);
-    Answer carryOut(const station_channel::Hello& hello);
-    Answer carryOut(const station_channel::Describe& describe);
-    Answer carryOut(const station_channel::ReadValue& read);
-    Answer carryOut(const station_channel::ReadState& read);
-    Answer carryOut(const station_channel::WriteValue& write);
-    Answer carryOut(const station_channel::ReadTime& read);
-    Answer carryOut(const station_channel::Start& start);
-    Answer carryOut(const station_channel::Stop& stop);
-    Answer carryOut(const station_channel::Accept& accept);
-    Answer carryOut(const station_channel::WantEvents& want);
+    Answer execute(const station_channel::Hello& hello);
+    Answer execute(const station_channel::Describe& describe);
+    Answer execute(const station_channel::ReadValue& read);
+    Answer execute(const station_channel::ReadState& read);
+    Answer execute(const station_channel::WriteValue& write);
+    Answer execute(const station_channel::ReadTime& read);
+    Answer execute(const station_channel::Start& start);
+    Answer execute(const station_channel::Stop& stop);
+    Answer execute(const station_channel::Accept& accept);
+    Answer execute(const station_channel::WantEvents& want);
 
     LiveStation& m_station;
     station_channel::ChannelSocket m_socket;

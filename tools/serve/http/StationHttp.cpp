@@ -19,7 +19,7 @@
 namespace serve {
 namespace {
 
-using RouteFunction = HttpAnswer(Station&, const HttpRequest&, const std::string& name);
+using RouteFunction = HttpAnswer(SharedStation&, const HttpRequest&, const std::string& name);
 
 struct Route {
     std::string_view method, path; /**< a path that ends in "/{name}" has a last part that is passed on */

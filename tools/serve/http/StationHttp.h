@@ -4,7 +4,7 @@
 
 #include "serve/http/protocol/Guard.h"
 #include "serve/http/protocol/HttpTransport.h"
-#include "serve/http/state/Station.h"
+#include "serve/http/state/SharedStation.h"
 
 #include <memory>
 #include <string>
@@ -36,7 +36,7 @@ private:
     HttpAnswer invalid(int status) override;
 
     Guard m_guard;
-    Station m_station;
+    SharedStation m_station;
     const std::string m_host;                   // in the address
     std::unique_ptr<HttpTransport> m_transport; // last, as it uses the other members
 };

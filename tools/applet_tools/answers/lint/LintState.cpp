@@ -103,7 +103,7 @@ std::string LintState::adviceOn(const Proposal& proposal) {
     if (probe.answer(target, proposal.wanted) != FG_OK)
         accepted = nearestAccepted(probe, target, proposal.wanted);
     if (!accepted || probe.answer(target, *accepted) != FG_OK)
-        return "'appletctl limits " + proposal.name + fromFile() + "' tells what is accepted";
+        return "'appletctl limits " + proposal.name + fromFile() + "' shows what is accepted";
     return "Set " + proposal.name + "=" + exactValueText(*target.parameter, *accepted) + proposal.orElse;
 }
 

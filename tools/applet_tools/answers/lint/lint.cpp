@@ -8,6 +8,7 @@
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"
+#include "applet_tools/scratch/message_rows.h"
 
 #include "vexo/fg_errors.h"
 
@@ -66,24 +67,21 @@ json asJson(const LintFinding& finding) {
             {"advice", finding.advice}};
 }
 
+template <> struct MessageRows<LintFinding> {
+    using Record = LintFinding;
+    static constexpr auto rows = std::tuple(&Record::rule, &Record::names, &Record::texts, &Record::values,
+                                            &Record::why, &Record::advice);
+};
+template <> struct MessageRows<Lint> {
+    static constexpr auto rows = std::tuple(&Lint::loaded, &Lint::findings);
+};
+
 json lintJob(ScratchSession& session, const json& arguments) {
-    const Lint found = lint(session, arguments.value("file", ""));
-    json findings = json::array();
-    for (const LintFinding& finding : found.findings) {
-        findings.push_back(asJson(finding));
-        findings.back()["texts"] = finding.texts;
-    }
-    return {{"loaded", found.loaded}, {"findings", findings}};
+    return toMessage(lint(session, arguments.value("file", "")));
 }
 
 Lint askLint(LiveSession& live, const std::string& file) {
-    const json answer = live.scratch().ask("lint", {{"file", file}});
-    Lint found{answer["loaded"].get<int>()};
-    for (const json& row : answer["findings"])
-        found.findings.push_back({row["rule"].get<std::string>(), row["names"].get<Words>(),
-                                  row["texts"].get<Words>(), row["values"], row["why"].get<std::string>(),
-                                  row["advice"].get<std::string>()});
-    return found;
+    return recordFrom<Lint>(live.scratch().ask("lint", {{"file", file}}));
 }
 
 } // namespace applet_tools

@@ -37,7 +37,7 @@ Lint lint(ScratchSession& session, const std::string& file);
 /** The same, starting from the state of the live applet. */
 Lint askLint(LiveSession& live, const std::string& file);
 
-/** The scratch board job that implements it: {"file": NAME} gives {"loaded", "findings"}. */
+/** The scratch board job that implements it: {"file": NAME} gives a Lint. */
 json lintJob(ScratchSession& session, const json& arguments);
 
 } // namespace applet_tools

@@ -4,8 +4,6 @@
 #include "applet_tools/base/numbers.h"
 #include "applet_tools/base/text.h"
 
-#include <string_view>
-
 namespace applet_tools {
 namespace {
 
@@ -14,7 +12,7 @@ bool addMissing(LintState& state, const LoadOutcome& outcome) {
     constexpr std::size_t few = 3;
     Words names;
     for (const Finding& finding : outcome.findings)
-        if (finding.kind == std::string_view("missing")) names.push_back(finding.key);
+        if (finding.kind == FindingKind::missing) names.push_back(finding.key);
     if (names.size() <= few) return false;
     const Words first(names.begin(), names.begin() + few);
     state.add("load", {}, {numberText(names.size()) + " keys"}, json::array(),
@@ -26,10 +24,9 @@ bool addMissing(LintState& state, const LoadOutcome& outcome) {
 
 /** A name for a finding without a parameter value; empty for the others. */
 std::string subjectWithoutValue(const Finding& finding, const std::string& path) {
-    const std::string_view kind = finding.kind;
     if (finding.key.empty()) return shownFile(path);
-    if (kind == "unknown") return "the key " + quotedText(finding.key);
-    return kind == "missing" ? finding.key + " is not in the file" : "";
+    if (finding.kind == FindingKind::unknown) return "the key " + quotedText(finding.key);
+    return finding.kind == FindingKind::missing ? finding.key + " is not in the file" : "";
 }
 
 } // namespace
@@ -37,7 +34,7 @@ std::string subjectWithoutValue(const Finding& finding, const std::string& path)
 Words keptNames(const LoadOutcome& outcome) {
     Words names;
     for (const Finding& finding : outcome.findings)
-        if (finding.kind == "kept") names.push_back(finding.key);
+        if (finding.kind == FindingKind::kept) names.push_back(finding.key);
     return names;
 }
 
@@ -45,10 +42,10 @@ void addLosses(LintState& state, const LoadOutcome& outcome, const std::string& 
                const ConfigurationFile& file) {
     const bool isMissed = addMissing(state, outcome);
     for (const Finding& finding : outcome.findings) {
-        if (isMissed && finding.kind == std::string_view("missing")) continue;
+        if (isMissed && finding.kind == FindingKind::missing) continue;
         if (const std::string subject = subjectWithoutValue(finding, path); !subject.empty()) {
             state.add("load", {}, {subject}, json::array(), finding.message,
-                      "'appletctl check' tells all that is lost");
+                      "'appletctl check' lists all that is lost");
             continue;
         }
         if (!finding.isLoss || state.isProposed(finding.key)) continue;
@@ -56,13 +53,13 @@ void addLosses(LintState& state, const LoadOutcome& outcome, const std::string& 
         const Words names = {toUtf8(finding.key.c_str())};
         const Words texts = {names.front() + " = " + printable(toUtf8(text.c_str())) + " in the file"};
         const json values = {{{"name", names.front()}, {"inFile", toUtf8(text.c_str())}}};
-        const bool isRefused = std::string_view(finding.kind) == "refused";
+        const bool isRefused = finding.kind == FindingKind::refused;
         const auto value = isRefused ? valueOfLoad(state.parameters().find(finding.key), text) : std::nullopt;
         if (value)
             state.propose("load", names, texts, values, finding.message, *value);
         else
             state.add("load", names, texts, values, finding.message,
-                      "'appletctl check' tells all that is lost");
+                      "'appletctl check' lists all that is lost");
     }
 }
 

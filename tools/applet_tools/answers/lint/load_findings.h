@@ -3,7 +3,7 @@
 #define APPLET_TOOLS_ANSWERS_LINT_LOAD_FINDINGS_H
 
 #include "applet_tools/answers/lint/LintState.h"
-#include "applet_tools/answers/loading.h"
+#include "applet_tools/answers/loading/loading.h"
 
 #include <string>
 

@@ -2,6 +2,7 @@
 
 #include "applet_tools/answers/routes.h"
 #include "applet_tools/applet/line_timing.h"
+#include "applet_tools/applet/line_trigger.h"
 
 #include "vexo/fg_parameters.h"
 
@@ -11,8 +12,8 @@
 namespace applet_tools::lint_rules {
 namespace {
 
-bool isGrabberControlled(LintState& state) {
-    return state.is("FG_LINETRIGGERMODE", {GRABBER_CONTROLLED, GRABBER_CONTROLLED_GATED});
+std::int32_t entry(LintState& state, const char* name) {
+    return static_cast<std::int32_t>(state.number(name));
 }
 
 bool isImageTriggered(LintState& state) { return !state.is("FG_IMGTRIGGERMODE", {FREE_RUN}); }
@@ -20,10 +21,9 @@ bool isImageTriggered(LintState& state) { return !state.is("FG_IMGTRIGGERMODE", 
 } // namespace
 
 void unfitTiming(LintState& state) {
-    const auto mode = static_cast<std::int32_t>(state.number("FG_LINETRIGGERMODE"));
     for (const TimingTrouble& trouble :
-         timingTroubles(mode, state.number("FG_LINEPERIODE"), state.number("FG_LINEEXPOSURE"),
-                        state.number("FG_LINETRIGGERDELAY")))
+         timingTroubles(entry(state, "FG_LINETRIGGERMODE"), state.number("FG_LINEPERIODE"),
+                        state.number("FG_LINEEXPOSURE"), state.number("FG_LINETRIGGERDELAY")))
         state.propose(trouble.rule, {trouble.names.begin(), trouble.names.end()}, trouble.why,
                       trouble.longest, std::string(" or less") + trouble.orElse);
 }
@@ -40,8 +40,7 @@ void untriggeredCamera(LintState& state) {
         state.add("camera-trigger", {"FG_TRIGGERCAMERA_SOURCE"},
                   "The camera's trigger is a constant level: it exposes no line by itself",
                   "Set FG_TRIGGERCAMERA_SOURCE=FG_SIGNAL_CAM0_EXSYNC, unless the camera runs freely");
-    if (state.is("FG_TRIGGERCAMERA_SOURCE", {FG_SIGNAL_CAM0_EXSYNC, FG_SIGNAL_CAM0_EXSYNC2}) &&
-        state.is("FG_EXSYNCON", {FG_OFF}))
+    if (isExSync(entry(state, "FG_TRIGGERCAMERA_SOURCE")) && state.is("FG_EXSYNCON", {FG_OFF}))
         state.add("camera-trigger", {"FG_EXSYNCON", "FG_TRIGGERCAMERA_SOURCE"},
                   "The camera is triggered by ExSync, and ExSync is off",
                   "Set FG_EXSYNCON=FG_ON, unless the camera runs freely");
@@ -77,7 +76,7 @@ void imageTrigger(LintState& state) {
 }
 
 void sharedInputs(LintState& state) {
-    if (isGrabberControlled(state)) return;
+    if (isGrabberControlled(entry(state, "FG_LINETRIGGERMODE"))) return;
     if (state.is("FG_SHAFTENCODERON", {FG_ON}) &&
         state.number("FG_LINETRIGGERINSRC") == state.number("FG_SHAFTENCODERINSRC"))
         state.add("shared-input", {"FG_LINETRIGGERINSRC", "FG_SHAFTENCODERINSRC"},

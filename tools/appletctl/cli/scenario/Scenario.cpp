@@ -302,7 +302,7 @@ const StepKind* kindOf(const Words& words) {
         isHalf |= std::string_view(kind.name).starts_with(words.front() + " ");
     }
     if (!isHalf) return nullptr;
-    throw UsageError(withSteps("the words behind " + inQuotedWord(words.front()) + " are not known" +
+    throw UsageError(withSteps("the words after " + inQuotedWord(words.front()) + " are unknown" +
                                didYouMean(nearestKinds(words))));
 }
 
@@ -349,7 +349,7 @@ Step parseStep(const std::string& text, const WordLine& line, const Options& opt
 
 std::string scenarioSteps() {
     std::string text =
-        "Steps, one a line, # begins a comment:\n  COMMAND with its words, which has to succeed\n";
+        "Steps, one per line; # begins a comment:\n  COMMAND with its words, which must succeed\n";
     for (const StepKind& kind : kinds)
         text += "  " + usageOf(kind) + '\n';
     return text;

@@ -107,7 +107,7 @@ std::string takePictures(ScenarioRunner& runner, GrabWords& words, Grabber& grab
 /** The last picture of the last grab. */
 PictureView lastPicture(ScenarioRunner& runner) {
     const StationState& state = runner.stationState();
-    if (state.pictures.empty()) throw UsageError("there is no picture: a 'grab' comes before");
+    if (state.pictures.empty()) throw UsageError("there is no picture yet: take one with 'grab' first");
     PictureView picture = viewOf(state.pictures.back());
     picture.bytes = state.lastBytes;
     return picture;

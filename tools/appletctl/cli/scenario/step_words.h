@@ -19,7 +19,7 @@ double numberFrom(const std::string& word);
 
 template <typename Integer> Integer wholeFrom(const std::string& word) {
     if (const auto number = wholeNumber<Integer>(word)) return *number;
-    throw UsageError(inQuotedWord(word) + " is not a whole number that is possible here");
+    throw UsageError(inQuotedWord(word) + " is not a whole number in the range of this value");
 }
 
 void checkOneOf(const std::string& word, const Words& possible);

@@ -36,7 +36,7 @@ void become(const serve::ClientCommand& command) {
     for (const int stream : streams)
         dup2(command.files[static_cast<std::size_t>(stream)].number(), stream);
     if (fchdir(command.files[folderIndex].number()) != 0)
-        throw Failure(std::string("the client's folder cannot be entered: ") + std::strerror(errno));
+        throw Failure(std::string("the client's working folder cannot be opened: ") + std::strerror(errno));
     for (const char* name : serve::clientVariables) {
         const auto found = command.environment.find(name);
         if (found != command.environment.end())

@@ -1,12 +1,8 @@
 // A persistent station: one process keeps the applet and the board and executes the commands of its clients.
 
-#include "applet_tools/base/Interruption.h"
-#include "applet_tools/base/Stopwatch.h"
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"
-#include "appletctl/cli/execute.h"
-#include "appletctl/cli/shell/LineSession.h"
-#include "appletctl/cli/station/ClientTerminal.h"
+#include "appletctl/cli/station/CommandServer.h"
 #include "appletctl/cli/station/detached_station.h"
 #include "appletctl/cli/station/http_options.h"
 #include "appletctl/commands/Command.h"
@@ -14,19 +10,14 @@
 #include "appletctl/commands/shared_options.h"
 #include "appletctl/commands/signals/wave_option.h"
 #include "serve/CommandClient.h"
-#include "serve/CommandSocket.h"
-#include "serve/channel/ChannelServer.h"
-#include "serve/http/StationHttp.h"
 #include "serve/http/routes/page_files.h"
 
 #include <CLI/CLI.hpp>
 
 #include <unistd.h>
 
-#include <algorithm>
 #include <array>
 #include <filesystem>
-#include <iostream>
 #include <optional>
 
 namespace appletctl {
@@ -86,8 +77,6 @@ Options withWholePaths(Options options) {
     return options;
 }
 
-bool isVirtual(const Options& options) { return !options.offline && options.board != BoardKind::system; }
-
 /** Throws UsageError for options of the clock that have no effect. */
 void requireClock(const Options& options) {
     const auto& own = options.of<ServeOptions>();
@@ -106,189 +95,6 @@ double clockOf(const ServeOptions& own, const std::optional<StationFile>& statio
     if (own.clock) return *own.clock == "wall" ? 1 : 0;
     return station ? station->clock.value_or(1) : 1;
 }
-
-std::string clockText(const Options& options, double clock) {
-    if (!isVirtual(options)) return "-";
-    if (clock == 0) return "stepped";
-    return clock == 1 ? "wall" : "wall, " + numberText(clock) + " times";
-}
-
-std::string boardText(const Options& options) {
-    if (options.offline) return "none";
-    return options.board == BoardKind::system ? "system" : "virtual";
-}
-
-/** Executes the commands of clients one at a time. */
-class Station {
-public:
-    /** `clock`: how many times as fast as the machine's clock time passes; 0: it is stepped. */
-    Station(Context& context, const serve::StationPlace& place, const std::optional<StationFile>& station,
-            double clock)
-        : m_context(context)
-        , m_shown(context.options())
-        , m_clock(clock)
-        , m_session(context)
-        , m_socket(place, {{"board", boardText(m_shown)}, {"clock", clockText(m_shown, clock)}})
-        , m_live(access(place.name, station)) {
-        static_cast<BoardOptions&>(m_options) = m_shown;
-        setClock();
-        context.setPause([this] { lookMeanwhile(); });
-        if (!m_shown.of<HttpOptions>().isOff) openHttp();
-        m_channel.emplace(place, m_live);
-        m_socket.setReady(m_http ? m_http->address(false) : "", address());
-    }
-    ~Station() { m_context.setPause({}); }
-    Station(const Station&) = delete;
-    Station& operator=(const Station&) = delete;
-
-    /** The address of the page with its token; empty without HTTP. */
-    std::string address() const { return m_http ? m_http->address(true) : ""; }
-
-    /** Runs until a client or a signal ends it. */
-    void run() {
-        while (!m_socket.isStopAsked() && waitForWork()) {
-            const std::optional<serve::ClientCommand> command =
-                m_socket.begin([](const serve::ClientCommand&) { return true; });
-            m_live.commands.carryOut(false);
-            if (!command) continue;
-            const bool acquires = mayAcquire(*command);
-            m_live.beginCommand(m_socket.runningCommand(), acquires);
-            const bool isInterruptedByClient =
-                m_socket.end(carryOut(*command, [&] { return runFor(*command); }));
-            setClock();
-            m_live.endCommand(acquires);
-            if (m_interruption.isAsked() && !isInterruptedByClient) return;
-            m_interruption.rearm();
-        }
-    }
-
-private:
-    serve::StationAccess access(const std::string& name, const std::optional<StationFile>& station) {
-        return {.name = name,
-                .version = APPLETCTL_VERSION,
-                .board = boardText(m_shown),
-                .clock = m_clock,
-                .maySet = m_shown.of<HttpOptions>().maySet,
-                .station = station,
-                .wake = [this] { m_socket.wake(); },
-                .live = &m_context,
-                .change = [this](const std::string& text,
-                                 const std::function<void()>& work) { change(text, work); }};
-    }
-
-    void openHttp() {
-        const auto& own = m_shown.of<HttpOptions>();
-        try {
-            m_http.emplace(m_live, httpPlace(own), httpToken(own));
-        } catch (const Unavailable& error) {
-            if (own.isAsked()) throw;
-            std::cerr << "appletctl: the station has no page: " << error.what() << '\n';
-        }
-    }
-
-    /** Waits for something to do, or for the next moment at which time should pass. False when the station should
-     *  end. */
-    bool waitForWork() {
-        using Clock = Interruption::Clock;
-        constexpr std::chrono::milliseconds period(
-            100); // at most so much time is made up by the next command
-        Instance* const clocked = virtualInstance();
-        if (clocked == nullptr || m_clock == 0) return m_interruption.waitReadable(m_socket.readable());
-        clocked->board().now(clocked->device()); // lets time pass
-        if (m_http) m_http->watchSource();
-        return m_interruption.waitReadable(m_socket.readable(), Clock::now() + period);
-    }
-
-    /** Work of a client that gives no command line. */
-    void change(const std::string& text, const std::function<void()>& work) {
-        const Stopwatch watch;
-        try {
-            m_session.change(text, work);
-        } catch (...) {
-            m_socket.addToLog(text, exitRefused, watch.milliseconds() / 1000);
-            throw;
-        }
-        m_socket.addToLog(text, exitDone, watch.milliseconds() / 1000);
-    }
-
-    /** True for a command that may start an acquisition, or replace the board. */
-    static bool mayAcquire(const serve::ClientCommand& command) {
-        const Words words = command.kind == serve::ClientCommand::Kind::commandLine
-                                ? command.words
-                                : splitLine(command.line).words;
-        const auto acquires = [&](const Command* row) {
-            return row->acquires && std::ranges::find(words, row->name) != words.end();
-        };
-        return std::ranges::any_of(allCommands(), acquires);
-    }
-
-    /** Also after each command, which may have replaced the board or set up a station file. */
-    void setClock() {
-        if (Instance* const clocked = virtualInstance()) clocked->board().clock(clocked->device(), m_clock);
-    }
-
-    /** The instance, if its board is virtual; else null. */
-    Instance* virtualInstance() {
-        if (!m_context.isUp() || !isVirtual(m_shown)) return nullptr;
-        Instance& instance = m_context.instance();
-        return instance.device() != nullptr ? &instance : nullptr;
-    }
-
-    /** Runs during a pause of the current command: executes commands that only read and are quick. */
-    void lookMeanwhile() {
-        if (m_isPaused || m_interruption.isAsked() || m_context.isCopy()) return;
-        m_isPaused = true;
-        m_live.commands.carryOut(true);
-        Request request;
-        const auto isQuickLook = [&](const serve::ClientCommand& command) {
-            if (command.kind != serve::ClientCommand::Kind::commandLine) return false;
-            request = parseForStation(command.words, m_options);
-            return request.command != nullptr && request.command->kind == Command::Kind::plain &&
-                   request.command->sets == Command::Sets::nothing &&
-                   request.command->file == Command::File::none && !request.command->takesLong &&
-                   !request.options.of<WithOption>().isGiven();
-        };
-        while (const std::optional<serve::ClientCommand> command = m_socket.begin(isQuickLook)) {
-            const auto look = [&] { return serve::CommandEnd{m_session.runInPause(request), false}; };
-            if (m_socket.end(carryOut(*command, look))) m_interruption.rearm();
-        }
-        m_isPaused = false;
-    }
-
-    template <typename Work>
-    serve::CommandEnd carryOut(const serve::ClientCommand& command, const Work& work) {
-        try {
-            const ClientTerminal terminal(command);
-            return work();
-        } catch (const std::exception& error) { // from the terminal; failures of commands are reports
-            std::cerr << "appletctl: " << internalError(error) << '\n';
-            return {exitUnavailable, false};
-        }
-    }
-
-    serve::CommandEnd runFor(const serve::ClientCommand& command) {
-        if (command.kind == serve::ClientCommand::Kind::commandLine) {
-            const Request request = parseForStation(command.words, m_options);
-            return {m_session.run(request, m_options, joinWords(command.words)), false};
-        }
-        const Options options = parseCommandLine(command.words, m_options).options;
-        const ExitCode code = m_session.runLine(command.line, options, command.place);
-        return {code, m_session.isOver()};
-    }
-
-    Context& m_context;
-    const Options m_shown; // for the station's own output
-    const double m_clock;
-    Options m_options; // defaults for a client's command line
-    LineSession m_session;
-    Interruption m_interruption;
-    bool m_isPaused = false;
-    serve::CommandSocket m_socket;
-    serve::LiveStation m_live;
-    // Last: their threads use the other members.
-    std::optional<serve::StationHttp> m_http;
-    std::optional<serve::ChannelServer> m_channel;
-};
 
 std::string usageText(const std::string& name) {
     return "Use it with 'appletctl --station " + name + " COMMAND', or set APPLETCTL_STATION=" + name +
@@ -312,43 +118,64 @@ std::string pageText(const std::string& address, const Options& options) {
            forPerson(remoteNote(address, options.of<HttpOptions>()));
 }
 
+/** The names of the station and of its page. */
+std::string readyText(const Options& options, const std::string& name, const std::string& address,
+                      const char* howLong) {
+    return lineOf({"station", name}, "The station '" + name + "' runs" + howLong + ".") +
+           (address.empty() ? "" : pageText(address, options)) + forPerson(usageText(name) + ".\n");
+}
+
+/** Starts a process that keeps the station, and reports it when it is ready. */
+Report serveDetached(const Context& context, const serve::StationPlace& place) {
+    Report report;
+    report.document["station"] = place.name;
+    report.document["process"] = startDetached(place);
+    const nlohmann::json address = serve::CommandClient(place).ask("address");
+    report.document["address"] = address;
+    report.text =
+        readyText(context.options(), place.name, address.is_null() ? "" : address.get<std::string>(), "");
+    return report;
+}
+
+/** Prints the report at once, since the command ends with the station. */
+Report announce(const Context& context, const serve::StationPlace& place, const std::string& address) {
+    const Options& options = context.options();
+    Report report;
+    report.document["station"] = place.name;
+    report.document["process"] = getpid();
+    report.document["address"] = nullptr;
+    if (!address.empty()) report.document["address"] = address;
+    report.isPrinted = true;
+    report.text = readyText(options, place.name, address, " until Ctrl-C");
+    if (options.json)
+        writeOut(documentText(report, "serve", 2));
+    else if (!options.quiet)
+        writeOut(laidOut(report));
+    return report;
+}
+
+/** Sets up the camera and the scene of the file, if one is asked for. The result is what the board has. */
+std::optional<StationFile> setUpBoard(Context& context, std::optional<StationFile> file) {
+    if (file)
+        setUpStation(context.instance(), context.parameters(), *file);
+    else if (context.options().isVirtual())
+        file = stationOfEnvironment(); // the board has set itself up with it
+    return file;
+}
+
 Report serveStation(Context& context, const Words& words) {
     const serve::StationPlace place = serve::placeOf(stationNameOf(words));
     const ServeOptions own = context.options().of<ServeOptions>(); // which change below
     requireClock(context.options());
     std::optional<StationFile> file = askedStation(context.options());
-    Report report;
-    report.document["station"] = place.name;
-    if (own.isDetached) {
-        report.document["process"] = startDetached(place);
-        const nlohmann::json address = serve::CommandClient(place).ask("address");
-        report.document["address"] = address;
-        report.text = lineOf({"station", place.name}, "The station '" + place.name + "' runs.") +
-                      (address.is_null() ? "" : pageText(address.get<std::string>(), context.options())) +
-                      forPerson(usageText(place.name) + ".\n");
-        return report;
-    }
+    if (own.isDetached) return serveDetached(context, place);
     context.setOptions(withWholePaths(context.options()));
-    if (file)
-        setUpStation(context.instance(), context.parameters(), *file);
-    else if (isVirtual(context.options()))
-        file = stationOfEnvironment(); // which the board has been set up with
-    CommandRun work(context, assignmentsOf(words));
-    if (work.isRefused()) return std::move(work.report);
-    Station station(context, place, file, clockOf(own, file));
-    report.document["process"] = getpid();
-    report.document["address"] = nullptr;
-    if (!station.address().empty()) report.document["address"] = station.address();
-    report.isPrinted = true;
-    report.text = lineOf({"station", place.name}, "The station '" + place.name + "' runs until Ctrl-C.") +
-                  (station.address().empty() ? "" : pageText(station.address(), context.options())) +
-                  forPerson(usageText(place.name) + ".\n");
-    const Options& options = context.options();
-    if (options.json)
-        writeOut(documentText(report, "serve", 2));
-    else if (!options.quiet)
-        writeOut(laidOut(report));
-    station.run();
+    file = setUpBoard(context, std::move(file));
+    CommandRun run(context, assignmentsOf(words));
+    if (run.isRefused()) return std::move(run.report);
+    CommandServer server(context, place, file, clockOf(own, file));
+    Report report = announce(context, place, server.address());
+    server.run();
     return report;
 }
 

@@ -78,7 +78,7 @@ Report planAssignments(ScratchSession& session, const Words& words) {
         Probe probe(session);
         const Suggestion suggestion = suggestionFor(probe, assignment);
         row.update(suggestion.members);
-        return suggestion.words;
+        return suggestion.words();
     };
     return reportAssignments(session.instance(), session.parameters(), words, additions);
 }
@@ -137,7 +137,7 @@ Report reportOf(const FilePlan& plan, const std::string& file, bool areAllWrites
     addDifferences(report, {{"BEFORE", "before", nullptr}, {"AFTER", "after", nullptr}}, plan.differences,
                    Sides::inTime);
     const bool isLoaded =
-        std::ranges::find(plan.load.findings, "file", &Finding::kind) == plan.load.findings.end();
+        std::ranges::find(plan.load.findings, FindingKind::file, &Finding::kind) == plan.load.findings.end();
     if (plan.differences.empty() && isLoaded) report.text += forPerson("Nothing would change.\n");
     report.document["writes"] = accessesAsJson(plan.load.writes);
     report.document["changes"] = asJson(plan.load.changes);
@@ -222,7 +222,7 @@ Report planWords(Context& context, const Words& words) {
 extern const Command planCommand;
 const Command planCommand = {
     .name = "plan",
-    .help = "Show the effect of assignments, or of a load of a file, without doing it",
+    .help = "Show the effect of assignments, or of a load of a file, without making it",
     .argument = "NAME=VALUE|FILE",
     .argumentHelp = "As for the command set; or a configuration file",
     .form = "NAME=VALUE...|FILE",
@@ -269,7 +269,7 @@ Report applyChanges(Context& context, const Words& words) {
 extern const Command applyCommand;
 const Command applyCommand = {
     .name = "apply",
-    .help = "Show the same as 'plan', and do it after a question",
+    .help = "Show the same as 'plan', then ask and do it",
     .argument = "NAME=VALUE|FILE",
     .argumentHelp = "As for the command plan",
     .form = "NAME=VALUE...|FILE",

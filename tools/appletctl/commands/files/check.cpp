@@ -12,14 +12,14 @@ Report checkConfiguration(Context& context, const Words& words) {
     Report report;
     report.document["file"] = toUtf8(file.c_str());
     // A virtual board behaves like the scratch board itself.
-    const bool isSystem = context.options().board == BoardKind::system && !context.options().offline;
-    const LoadCheck check = askCheck(isSystem ? context.scratchAtDefaults() : context.bareScratch(), file);
+    const bool isOnSystem = context.options().isOnSystem();
+    const LoadCheck check = askCheck(isOnSystem ? context.scratchAtDefaults() : context.bareScratch(), file);
     addFindings(report, check.findings);
     if (check.losesNothing())
         report.text +=
             forPerson("A load of " + shownFile(file) +
                       (check.findings.empty() ? " loses nothing.\n" : " loses nothing but this rounding.\n"));
-    if (isSystem || context.options().offline) addAssumed(report, context.assumed());
+    if (isOnSystem || context.options().offline) addAssumed(report, context.assumed());
     return report;
 }
 

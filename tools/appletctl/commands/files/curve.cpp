@@ -4,6 +4,7 @@
 #include "applet_tools/base/text.h"
 #include "appletctl/base/layout.h"
 #include "appletctl/draw/svg.h"
+#include "appletctl/draw/xml.h"
 
 #include <algorithm>
 #include <cmath>
@@ -11,7 +12,7 @@
 namespace appletctl {
 namespace {
 
-using svg::attribute, svg::coordinate, svg::label, svg::line;
+using svg::coordinate, svg::label, svg::line, xml::attribute;
 
 /** The smallest and the largest entry of a part of the table, and which of them comes first. */
 struct Part {

@@ -29,7 +29,7 @@ Report compareConfigurations(Context& context, const Words& words) {
     const bool isWithLive = !areTwoFiles || context.options().of<DiffOptions>().live;
     const Words assignments(words.begin() + (areTwoFiles ? 2 : 1), words.end());
     if (!isWithLive && !assignments.empty())
-        throw UsageError("two files are compared with each other: no assignments, and no third file; with "
+        throw UsageError("a comparison of two files takes no assignments and no third file; with "
                          "--live compares them with the parameters");
     if (isWithLive) requireBoard(context.options(), "diff");
     std::vector<Side> sides{{titleOf(first), "first", nullptr, first}};
@@ -37,10 +37,10 @@ Report compareConfigurations(Context& context, const Words& words) {
     if (areTwoFiles) sides.push_back({titleOf(words[1]), "second", nullptr, words[1]});
     Report report;
     if (isWithLive) {
-        CommandRun work(context, assignments);
-        report = work.report;
-        if (work.isRefused()) return report;
-        sides.push_back({"NOW", "now", &now.emplace(stateOf(work.instance))});
+        CommandRun run(context, assignments);
+        report = run.report;
+        if (run.isRefused()) return report;
+        sides.push_back({"NOW", "now", &now.emplace(stateOf(run.instance))});
     }
     const std::vector<Difference> differences = askDifferences(context.bareScratch(), sides);
     addDifferences(report, sides, differences, Sides::apart);

@@ -145,7 +145,7 @@ void addDocsOptions(CLI::App& command, Options& options) {
 Report writeDocs(Context& context, const Words&) {
     const auto& options = context.options().of<DocsOptions>();
     if (!options.htmlFile && !options.manFolder)
-        throw UsageError("say what is to be written: --html FILE or --man DIR");
+        throw UsageError("give --html FILE or --man DIR: what to write");
     if ((options.htmlFile && options.htmlFile->empty()) || (options.manFolder && options.manFolder->empty()))
         throw UsageError("the name is empty");
     const std::vector<Documented> rows = documentedParameters(context);
@@ -159,7 +159,7 @@ Report writeDocs(Context& context, const Words&) {
     if (!options.manFolder) return report;
     std::error_code error;
     std::filesystem::create_directories(*options.manFolder, error);
-    if (error) throw Failure(shownFile(*options.manFolder) + " cannot be made: " + error.message());
+    if (error) throw Failure(shownFile(*options.manFolder) + " cannot be created: " + error.message());
     const std::pair<const char*, std::string> manuals[] = {
         {"appletctl.1", manualOfProgram(context.program())},
         {"appletctl-parameters.7", manualOfParameters(rows)}};

@@ -3,7 +3,7 @@
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/numbers.h"
 #include "appletctl/commands/files/documented.h"
-#include "appletctl/draw/svg.h"
+#include "appletctl/draw/xml.h"
 
 #include <cctype>
 #include <functional>
@@ -133,10 +133,10 @@ private:
 };
 
 std::string article(const Documented& row, const Linker& linker) {
-    const std::string own = row.parameter->name, name = svg::escaped(own);
-    const auto linked = [&](const std::string& text) { return linker.linked(svg::escaped(text), own); };
-    std::string text = "<article" + svg::attribute("id", name) + ">\n<h3><a href=\"#" + name + "\">" + name +
-                       "</a> <small>" + svg::escaped(row.parameter->label()) + "</small></h3>\n";
+    const std::string own = row.parameter->name, name = xml::escaped(own);
+    const auto linked = [&](const std::string& text) { return linker.linked(xml::escaped(text), own); };
+    std::string text = "<article" + xml::attribute("id", name) + ">\n<h3><a href=\"#" + name + "\">" + name +
+                       "</a> <small>" + xml::escaped(row.parameter->label()) + "</small></h3>\n";
     if (!row.explanation.empty()) text += "<p>" + linked(row.explanation) + "</p>\n";
     text += "<dl>\n";
     const char* title = "";
@@ -144,7 +144,7 @@ std::string article(const Documented& row, const Linker& linker) {
         const bool isSame = std::string_view(title) == line.title;
         title = line.title;
         text += std::string("<dt>") + (isSame ? "" : title) + "</dt><dd" +
-                (line.isAboutOthers ? "" : svg::attribute("class", "own")) + ">" + linked(line.text) +
+                (line.isAboutOthers ? "" : xml::attribute("class", "own")) + ">" + linked(line.text) +
                 "</dd>\n";
     }
     return text + "</dl>\n</article>\n";
@@ -170,10 +170,10 @@ std::vector<Group> groupsOf(const std::vector<Documented>& rows) {
 std::string contents(const std::vector<Group>& groups) {
     std::string text = "<nav aria-label=\"Contents\"><ul>\n";
     for (const Group& group : groups) {
-        text += "<li><details><summary><a href=\"#" + group.id + "\">" + svg::escaped(group.path) +
+        text += "<li><details><summary><a href=\"#" + group.id + "\">" + xml::escaped(group.path) +
                 "</a></summary><ul>\n";
         for (const Documented* row : group.rows) {
-            const std::string name = svg::escaped(row->parameter->name);
+            const std::string name = xml::escaped(row->parameter->name);
             text += "<li><a href=\"#" + name + "\">" + name + "</a></li>\n";
         }
         text += "</ul></details></li>\n";
@@ -193,8 +193,8 @@ std::string codesTable(const std::vector<Documented>& rows) {
         "<tr><th>code</th><th>symbol</th><th>meaning</th><th>parameters</th></tr>\n";
     for (const auto& [code, count] : counts) {
         const nlohmann::ordered_json words = codeAsJson(code);
-        text += "<tr><td>" + numberText(code) + "</td><td>" + svg::escaped(words.value("symbol", "")) +
-                "</td><td>" + svg::escaped(words.value("meaning", "")) + "</td><td>" + numberText(count) +
+        text += "<tr><td>" + numberText(code) + "</td><td>" + xml::escaped(words.value("symbol", "")) +
+                "</td><td>" + xml::escaped(words.value("meaning", "")) + "</td><td>" + numberText(count) +
                 "</td></tr>\n";
     }
     return text + "</table>\n</section>\n";
@@ -208,7 +208,7 @@ std::string documentationPage(const std::vector<Documented>& rows) {
     std::string text = pageHead + contents(groups) + "<main>\n";
     for (const Group& group : groups) {
         text +=
-            "<section class=\"group\" id=\"" + group.id + "\">\n<h2>" + svg::escaped(group.path) + "</h2>\n";
+            "<section class=\"group\" id=\"" + group.id + "\">\n<h2>" + xml::escaped(group.path) + "</h2>\n";
         for (const Documented* row : group.rows)
             text += article(*row, linker);
         text += "</section>\n";

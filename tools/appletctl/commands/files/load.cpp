@@ -10,17 +10,17 @@ namespace appletctl {
 namespace {
 
 /** The board may behave differently from the scratch board, for example if it fails. */
-void addSurprises(CommandRun& work, const LoadCheck& expected, int code, const ConfigurationFile& now,
+void addSurprises(CommandRun& run, const LoadCheck& expected, int code, const ConfigurationFile& now,
                   ScratchBoard& scratch) {
     const std::vector<Side> sides{{"EXPECTED", "expected", &expected.state}, {"NOW", "now", &now}};
     const std::vector<Difference> others = askDifferences(scratch, sides);
     if (code == expected.code && others.empty()) return;
-    work.refuse("the board did not take the file as the scratch board did: the load answers " +
-                codeInWords(code) + (others.empty() ? "" : "; the values differ:"));
+    run.refuse("the board did not take the file as the scratch board did: the load answers " +
+               codeInWords(code) + (others.empty() ? "" : "; the values differ:"));
     Report unlike;
     addDifferences(unlike, sides, others, Sides::apart);
-    work.report.text += unlike.text;
-    work.report.document["unexpected"] = unlike.document["differences"];
+    run.report.text += unlike.text;
+    run.report.document["unexpected"] = unlike.document["differences"];
 }
 
 struct LoadOptions {
@@ -35,27 +35,27 @@ void addStrict(CLI::App& command, Options& options) {
 Report loadFile(Context& context, const Words& words) {
     requireBoard(context.options(), "load");
     const std::string& file = fileOf(words);
-    CommandRun work(context, behindFirst(words));
-    if (work.isRefused()) return work.report;
-    work.report.document["file"] = toUtf8(file.c_str());
+    CommandRun run(context, behindFirst(words));
+    if (run.isRefused()) return run.report;
+    run.report.document["file"] = toUtf8(file.c_str());
     ScratchBoard& scratch = context.scratch();
     const LoadCheck check = askCheck(scratch, file);
     if (context.options().of<LoadOptions>().strict && !check.losesNothing()) {
-        addFindings(work.report, check.findings);
-        work.refuse("--strict: nothing was loaded");
-        return work.report;
+        addFindings(run.report, check.findings);
+        run.refuse("--strict: nothing was loaded");
+        return run.report;
     }
-    const ConfigurationFile before = stateOf(work.instance);
-    const int code = loadConfiguration(work.instance, file);
-    const ConfigurationFile now = stateOf(work.instance);
+    const ConfigurationFile before = stateOf(run.instance);
+    const int code = loadConfiguration(run.instance, file);
+    const ConfigurationFile now = stateOf(run.instance);
     const std::vector<Side> sides{{"BEFORE", "before", &before}, {"NOW", "now", &now}};
     const std::vector<Difference> changes = askDifferences(scratch, sides);
-    addDifferences(work.report, sides, changes, Sides::inTime);
-    if (changes.empty()) work.report.text += forPerson("Nothing has changed.\n");
-    addFindings(work.report, check.findings);
-    addSurprises(work, check, code, now, scratch);
-    addAssumed(work.report, context.assumed());
-    return work.report;
+    addDifferences(run.report, sides, changes, Sides::inTime);
+    if (changes.empty()) run.report.text += forPerson("Nothing has changed.\n");
+    addFindings(run.report, check.findings);
+    addSurprises(run, check, code, now, scratch);
+    addAssumed(run.report, context.assumed());
+    return run.report;
 }
 
 } // namespace

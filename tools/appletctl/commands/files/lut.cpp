@@ -45,11 +45,9 @@ std::string statisticsText(const LutTables& tables) {
            forPerson(tables.areEqual() ? "The three colours are equal.\n" : "The three colours differ.\n");
 }
 
-LutTables tablesOf(CommandRun& work) { return readLutTables(work.instance, work.parameters); }
+LutTables tablesOf(CommandRun& run) { return readLutTables(run.instance, run.parameters); }
 
-bool isCustom(CommandRun& work) {
-    return std::get<std::int32_t>(work.get("FG_LUT_TYPE")) == static_cast<std::int32_t>(LUT_TYPE_CUSTOM);
-}
+bool isCustom(CommandRun& run) { return run.settings.is("FG_LUT_TYPE", LUT_TYPE_CUSTOM); }
 
 /** The settings that the tables depend on, and the type for which each has an effect. */
 struct Setting {
@@ -65,40 +63,41 @@ constexpr Setting settings[] = {
 };
 
 /** The effective settings: "FG_LUT_ENABLE = FG_OFF, FG_LUT_TYPE = ...". */
-std::string settingsText(CommandRun& work) {
-    const bool custom = isCustom(work);
+std::string settingsText(CommandRun& run) {
+    const bool custom = isCustom(run);
     std::vector<std::string> texts;
     for (const Setting& setting : settings) {
         if (!(custom ? setting.underCustom : setting.underProcessing)) continue;
         texts.push_back(std::string(setting.name) + " = " +
-                        valueText(work.parameters.find(setting.name), work.get(setting.name)));
+                        valueText(run.parameters.find(setting.name), run.settings.value(setting.name)));
     }
     return join(texts, ", ");
 }
 
 /** All settings by name. */
-nlohmann::ordered_json settingsAsJson(CommandRun& work) {
+nlohmann::ordered_json settingsAsJson(CommandRun& run) {
     nlohmann::ordered_json object;
     for (const Setting& setting : settings)
-        object[setting.name] = valueAsJson({&work.parameters.find(setting.name)}, work.get(setting.name));
+        object[setting.name] =
+            valueAsJson({&run.parameters.find(setting.name)}, run.settings.value(setting.name));
     return object;
 }
 
 /** Makes the applet load its tables from a file. A refused file changes nothing. */
-int load(CommandRun& work, const std::string& file) {
+int load(CommandRun& run, const std::string& file) {
     // While the tables come from the formula, the name is only remembered and read when the type is set. The
     // other order would leave the type at LUT_TYPE_CUSTOM, and going back would compute the tables again.
-    const bool wasCustom = isCustom(work);
-    const Value before = work.get("FG_LUT_CUSTOM_FILE");
-    const int refusal = work.set("FG_LUT_CUSTOM_FILE", file);
+    const bool wasCustom = isCustom(run);
+    const Value before = run.settings.value("FG_LUT_CUSTOM_FILE");
+    const int refusal = run.set("FG_LUT_CUSTOM_FILE", file);
     if (refusal != FG_OK || wasCustom) return refusal;
-    const int result = work.set("FG_LUT_TYPE", static_cast<std::int32_t>(LUT_TYPE_CUSTOM));
-    if (result != FG_OK) work.set("FG_LUT_CUSTOM_FILE", before);
+    const int result = run.set("FG_LUT_TYPE", static_cast<std::int32_t>(LUT_TYPE_CUSTOM));
+    if (result != FG_OK) run.set("FG_LUT_CUSTOM_FILE", before);
     return result;
 }
 
-std::string refusedFile(CommandRun& work, const std::string& parameter, const std::string& file, int code) {
-    return refusalInWords(work.parameters.find(parameter), file, code);
+std::string refusedFile(CommandRun& run, const std::string& parameter, const std::string& file, int code) {
+    return refusalInWords(run.parameters.find(parameter), file, code);
 }
 
 bool haveSameEntries(const LutTables& a, const LutTables& b) {
@@ -131,9 +130,9 @@ void requireEnding(const std::string& file, std::string_view ending, const char*
 }
 
 /** The members that are common to the documents of the group's commands. */
-void addDocument(CommandRun& work, const LutTables& tables) {
-    work.report.document["settings"] = settingsAsJson(work);
-    work.report.document["lut"] = statisticsAsJson(tables);
+void addDocument(CommandRun& run, const LutTables& tables) {
+    run.report.document["settings"] = settingsAsJson(run);
+    run.report.document["lut"] = statisticsAsJson(tables);
 }
 
 void addCurves(Report& report, const LutTables& tables, const std::string& colour) {
@@ -159,18 +158,18 @@ void addLutChannel(CLI::App& command, Options& options) {
 }
 
 Report showLut(Context& context, const Words& assignments) {
-    CommandRun work(context, assignments);
-    if (work.isRefused()) return work.report;
-    const LutTables tables = tablesOf(work);
-    addDocument(work, tables);
-    work.report.text += forPerson(settingsText(work) + "\n");
-    if (std::get<std::int32_t>(work.get("FG_LUT_ENABLE")) == FG_OFF)
-        work.report.text +=
+    CommandRun run(context, assignments);
+    if (run.isRefused()) return run.report;
+    const LutTables tables = tablesOf(run);
+    addDocument(run, tables);
+    run.report.text += forPerson(settingsText(run) + "\n");
+    if (run.settings.is("FG_LUT_ENABLE", FG_OFF))
+        run.report.text +=
             forPerson("The lookup table is off: images pass unchanged, so nothing is clipped in them. With "
                       "FG_LUT_ENABLE=FG_ON it does this:\n");
-    work.report.text += forPerson("\n") + statisticsText(tables);
-    if (!isPlainOutput()) addCurves(work.report, tables, context.options().of<LutShowOptions>().channel);
-    return work.report;
+    run.report.text += forPerson("\n") + statisticsText(tables);
+    if (!isPlainOutput()) addCurves(run.report, tables, context.options().of<LutShowOptions>().channel);
+    return run.report;
 }
 
 } // namespace
@@ -197,16 +196,16 @@ namespace {
 Report saveLut(Context& context, const Words& words) {
     const std::string& file = fileOf(words);
     requireEnding(file, ".lut", "a lookup table");
-    CommandRun work(context, behindFirst(words));
-    if (work.isRefused()) return work.report;
-    const LutTables tables = tablesOf(work);
-    addDocument(work, tables);
-    work.report.document["file"] = toUtf8(file.c_str());
+    CommandRun run(context, behindFirst(words));
+    if (run.isRefused()) return run.report;
+    const LutTables tables = tablesOf(run);
+    addDocument(run, tables);
+    run.report.document["file"] = toUtf8(file.c_str());
     writeFile(file, fileTextOf(context.options(), tables));
-    work.report.text += lineOf({"written", toUtf8(file.c_str())},
-                               shownFile(file) + ": three tables of " +
-                                   numberText(tables.colours.front().entries.size()) + " entries written");
-    return work.report;
+    run.report.text += lineOf({"written", toUtf8(file.c_str())},
+                              shownFile(file) + ": three tables of " +
+                                  numberText(tables.colours.front().entries.size()) + " entries written");
+    return run.report;
 }
 
 } // namespace
@@ -236,35 +235,35 @@ Report loadLut(Context& context, const Words& words) {
     const std::string& file = fileOf(words);
     const LutFile content = lookAtLutFile(file);
     if (!content.trouble.empty()) throw Failure(shownFile(file) + " was not loaded: " + content.trouble);
-    CommandRun work(context, behindFirst(words));
-    if (work.isRefused()) return work.report;
-    const LutTables before = tablesOf(work);
-    const int code = load(work, file);
-    const LutTables tables = tablesOf(work);
+    CommandRun run(context, behindFirst(words));
+    if (run.isRefused()) return run.report;
+    const LutTables before = tablesOf(run);
+    const int code = load(run, file);
+    const LutTables tables = tablesOf(run);
     const bool isChanged = !haveSameEntries(before, tables);
-    addDocument(work, tables);
-    work.report.document["file"] = toUtf8(file.c_str());
-    work.report.document["changed"] = isChanged;
+    addDocument(run, tables);
+    run.report.document["file"] = toUtf8(file.c_str());
+    run.report.document["changed"] = isChanged;
     const std::size_t size = tables.colours.front().entries.size();
     const std::size_t kept = size - std::min<std::size_t>(content.elements, size);
-    work.report.document["kept"] = code == FG_OK ? kept : size;
+    run.report.document["kept"] = code == FG_OK ? kept : size;
     if (code != FG_OK) {
-        work.refuse(shownFile(file) + " was not loaded, " +
-                    (isChanged ? "but the applet's tables have changed: " : "and nothing was changed: ") +
-                    refusedFile(work, "FG_LUT_CUSTOM_FILE", file, code));
-        return work.report;
+        run.refuse(shownFile(file) + " was not loaded, " +
+                   (isChanged ? "but the applet's tables have changed: " : "and nothing was changed: ") +
+                   refusedFile(run, "FG_LUT_CUSTOM_FILE", file, code));
+        return run.report;
     }
-    work.report.text +=
+    run.report.text +=
         forPerson(shownFile(file) +
                   (isChanged ? " was loaded.\n"
                              : " was loaded and changed no entry" +
                                    std::string(kept < size ? ": it holds the same tables.\n" : ".\n")));
     if (kept > 0)
-        work.report.text += forPerson("It has " + numberText(content.elements) + " of " + numberText(size) +
-                                      " entries of each table: the others keep their values.\n");
-    work.report.text +=
-        forPerson(settingsText(work) + "\n\n") + statisticsText(tables) + forPerson(blueOnTheBoard);
-    return work.report;
+        run.report.text += forPerson("It has " + numberText(content.elements) + " of " + numberText(size) +
+                                     " entries of each table: the others keep their values.\n");
+    run.report.text +=
+        forPerson(settingsText(run) + "\n\n") + statisticsText(tables) + forPerson(blueOnTheBoard);
+    return run.report;
 }
 
 } // namespace
@@ -293,14 +292,14 @@ namespace {
 Report plotLut(Context& context, const Words& words) {
     const std::string& file = fileOf(words);
     requireEnding(file, ".svg", "an SVG picture");
-    CommandRun work(context, behindFirst(words));
-    if (work.isRefused()) return work.report;
-    const LutTables tables = tablesOf(work);
-    addDocument(work, tables);
-    work.report.document["file"] = toUtf8(file.c_str());
-    writeFile(file, curvesAsSvg(tables, settingsText(work)));
-    work.report.text += writtenLine(file);
-    return work.report;
+    CommandRun run(context, behindFirst(words));
+    if (run.isRefused()) return run.report;
+    const LutTables tables = tablesOf(run);
+    addDocument(run, tables);
+    run.report.document["file"] = toUtf8(file.c_str());
+    writeFile(file, curvesAsSvg(tables, settingsText(run)));
+    run.report.text += writtenLine(file);
+    return run.report;
 }
 
 } // namespace

@@ -11,26 +11,25 @@ Report saveConfiguration(Context& context, const Words& words) {
     requireBoard(context.options(), "save");
     const std::string& file = fileOf(words);
     if (file.find(".mcf") == std::string::npos)
-        throw UsageError(shownFile(file) + " has no .mcf in its name, and no load takes such a file");
-    CommandRun work(context, behindFirst(words));
-    if (work.isRefused()) return work.report;
-    work.report.document["file"] = toUtf8(file.c_str());
-    const ConfigurationFile saved = stateOf(work.instance);
+        throw UsageError(shownFile(file) + " has no .mcf in its name, and a load refuses such a file");
+    CommandRun run(context, behindFirst(words));
+    if (run.isRefused()) return run.report;
+    run.report.document["file"] = toUtf8(file.c_str());
+    const ConfigurationFile saved = stateOf(run.instance);
     writeFile(file, saved.text());
-    work.report.text +=
-        lineOf({"written", printable(toUtf8(file.c_str()))},
-               shownFile(file) + ": " + numberText(saved.values().size()) + " values written");
-    work.report.document["values"] = saved.values().size();
+    run.report.text += lineOf({"written", printable(toUtf8(file.c_str()))},
+                              shownFile(file) + ": " + numberText(saved.values().size()) + " values written");
+    run.report.document["values"] = saved.values().size();
     ScratchBoard& scratch = context.scratchAtDefaults();
     const std::vector<Side> sides{{"DEFAULT", "default", nullptr}, {"SAVED", "saved", &saved}};
     const std::vector<Difference> changes = askDifferences(scratch, sides);
-    addDifferences(work.report, sides, changes, Sides::apart);
-    if (changes.empty()) work.report.text += forPerson("All of them are defaults.\n");
+    addDifferences(run.report, sides, changes, Sides::apart);
+    if (changes.empty()) run.report.text += forPerson("All of them are defaults.\n");
     const LoadCheck check = askCheck(scratch, file, saved);
     if (!check.losesNothing())
-        work.refuse(shownFile(file) + " is complete, but a load does not restore all of it:");
-    addFindings(work.report, check.findings);
-    return work.report;
+        run.refuse(shownFile(file) + " is complete, but a load does not restore all of it:");
+    addFindings(run.report, check.findings);
+    return run.report;
 }
 
 } // namespace

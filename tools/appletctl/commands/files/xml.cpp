@@ -60,7 +60,7 @@ Report showXml(Context& context, const Words&) {
     const auto& outFile = context.options().of<OutFileOption>().file;
     requireFileName(outFile);
     if (outFile && options.isChecked)
-        throw UsageError("either the document is written, with -o, or looked at, with --check");
+        throw UsageError("give either -o, to write the document, or --check, to examine it");
     const std::string document =
         options.isPortable ? portableDocument(context) : ownDocument(context.instance());
     if (options.isChecked) return checkedDocument(context, document);

@@ -5,7 +5,7 @@
 #include "applet_tools/base/text.h"
 #include "applet_tools/scratch/defaults_and_roles.h"
 #include "appletctl/commands/files/xml.h"
-#include "appletctl/draw/svg.h"
+#include "appletctl/draw/xml.h"
 
 #include <algorithm>
 #include <cctype>
@@ -80,12 +80,12 @@ std::string nodeName(const std::string& text) {
 }
 
 std::string element(const char* tag, const std::string& text) {
-    return std::string("  <") + tag + ">" + svg::escaped(text) + "</" + tag + ">\n";
+    return std::string("  <") + tag + ">" + xml::escaped(text) + "</" + tag + ">\n";
 }
 
 std::string node(const std::string& tag, const std::string& name, const std::string& content,
                  const char* nameSpace = "Custom") {
-    return "<" + tag + svg::attribute("Name", name) + svg::attribute("NameSpace", nameSpace) + ">\n" +
+    return "<" + tag + xml::attribute("Name", name) + xml::attribute("NameSpace", nameSpace) + ">\n" +
            content + "</" + tag + ">\n";
 }
 
@@ -108,8 +108,8 @@ std::string registerNode(const Parameter& parameter, const KindRow& row, bool is
 std::string enumEntries(const Parameter& parameter) {
     std::string text;
     for (const Entry& entry : entriesOf(parameter))
-        text += "  <EnumEntry" + svg::attribute("Name", nodeName(entryName(entry))) +
-                svg::attribute("NameSpace", "Custom") + ">\n  " + element("DisplayName", entry.label) + "  " +
+        text += "  <EnumEntry" + xml::attribute("Name", nodeName(entryName(entry))) +
+                xml::attribute("NameSpace", "Custom") + ">\n  " + element("DisplayName", entry.label) + "  " +
                 element("Value", numberText(entry.value)) + "  </EnumEntry>\n";
     return text;
 }
@@ -144,7 +144,7 @@ public:
         for (const auto& [name, label, features] : m_categories)
             text += categoryNode(name, label, features);
         text += m_nodes;
-        text += "<Port" + svg::attribute("Name", portName) + svg::attribute("NameSpace", "Custom") + "/>\n";
+        text += "<Port" + xml::attribute("Name", portName) + xml::attribute("NameSpace", "Custom") + "/>\n";
         return text + "</RegisterDescription>\n";
     }
 
@@ -174,7 +174,7 @@ private:
             {"xsi:schemaLocation", "http://www.genicam.org/GenApi/Version_1_1 GenApiSchema_Version_1_1.xsd"},
         };
         for (const auto& [name, value] : attributes)
-            text += "\n   " + svg::attribute(name, svg::escaped(value));
+            text += "\n   " + xml::attribute(name, xml::escaped(value));
         return text + ">\n";
     }
 

@@ -72,10 +72,8 @@ void addGrabOptions(CLI::App& command, Options& options) {
         ->type_name("K")
         ->check(CLI::Range(std::int64_t{1}, mostPictures));
     command
-        .add_option(
-            "--lines", own.lines,
-            "Take pictures, as many as it needs, until they have N lines together; the last one is taken "
-            "whole")
+        .add_option("--lines", own.lines,
+                    "Take as many pictures as give N lines together; the last one is taken whole")
         ->type_name("N")
         ->check(CLI::Range(std::int64_t{1}, mostLines));
     command.add_flag(
@@ -91,7 +89,7 @@ void addGrabOptions(CLI::App& command, Options& options) {
             "File to write with the events of the station, a line of JSON each; - for the standard output")
         ->type_name("FILE");
     command.add_flag("--losses", own.wantsLosses,
-                     "Show each kind of loss and what would help, also those that did not come");
+                     "Show each kind of loss and what would help, also those that did not occur");
     addWaves(command, options);
     addStation(command, options);
 }
@@ -151,26 +149,26 @@ public:
     }
 
     Report run() {
-        CommandRun work(m_context, m_wanted.assignments);
-        if (work.isRefused()) return std::move(work.report);
+        CommandRun run(m_context, m_wanted.assignments);
+        if (run.isRefused()) return std::move(run.report);
         if (m_files && !isToOutput()) requireWritable(m_files->name(1));
-        m_report = &work.report;
+        m_report = &run.report;
         m_report->document["pictures"] = nlohmann::ordered_json::array();
         m_table.setTitles({"PICTURE", "TICK", "TIME", "WIDTH", "LINES", "FLAGS", "FILE"});
         m_table.setDispensable({"TICK", "TIME"});
         m_statisticsTable.setTitles({"PICTURE", "COLOUR", "MINIMUM", "MEAN", "MAXIMUM", "CLIPPED"});
         if (m_files && m_files->isRaw() && !isToOutput()) m_settings = changedSettings(m_context);
         for (const WaveRequest& wave : m_waves)
-            connectWave(work.instance, wave);
-        const std::vector<std::int64_t> before = lossesOf(work.instance);
-        if (m_own.events) m_events.emplace(work.instance);
+            connectWave(run.instance, wave);
+        const std::vector<std::int64_t> before = lossesOf(run.instance);
+        if (m_own.events) m_events.emplace(run.instance);
         if (m_own.events && *m_own.events != "-") m_eventFile.emplace(*m_own.events);
-        grabAll(work);
+        grabAll(run);
         writePages();
-        finishEvents(work);
-        finish(work, before);
-        if (m_outputError != 0 && m_outputError != EPIPE) fail(work, unwrittenOutput);
-        return std::move(work.report);
+        finishEvents(run);
+        finish(run, before);
+        if (m_outputError != 0 && m_outputError != EPIPE) fail(run, unwrittenOutput);
+        return std::move(run.report);
     }
 
 private:
@@ -217,12 +215,12 @@ private:
                            : numberText(number) + " of " + numberText(m_wanted.pictures * m_own.every);
     }
 
-    void grabAll(CommandRun& work) {
-        Grabber grabber(work.instance, m_own.frames);
+    void grabAll(CommandRun& run) {
+        Grabber grabber(run.instance, m_own.frames);
         if (m_events) grabber.setPiece(EventLog::longestPause);
         for (std::int64_t number = 1; !isEnough(number); ++number) {
             m_number = number;
-            const WaitStart start = waitStart(work.instance);
+            const WaitStart start = waitStart(run.instance);
             m_progress.setDetail(progress(number));
             const Grabber::Outcome outcome = grabber.next(m_timeout, [this] { return goesOn(); });
             if (!writeEvents()) return;
@@ -231,12 +229,12 @@ private:
                 return;
             }
             if (outcome == Grabber::Outcome::timeout) {
-                fail(work, "picture " + numberText(number) + " did not come within " +
-                               durationText(m_timeout) + ": " +
-                               whyNoPicture(
-                                   work.instance, work.parameters,
-                                   {.start = start, .longer = "give a longer --timeout", .wave = "a --wave"})
-                                   .reason);
+                fail(run, "picture " + numberText(number) + " did not come within " +
+                              durationText(m_timeout) + ": " +
+                              whyNoPicture(
+                                  run.instance, run.parameters,
+                                  {.start = start, .longer = "give a longer --timeout", .wave = "a --wave"})
+                                  .reason);
                 return;
             }
             if (number % m_own.every == 0 && !take(grabber)) return;
@@ -258,14 +256,14 @@ private:
         return true;
     }
 
-    void finishEvents(CommandRun& work) {
+    void finishEvents(CommandRun& run) {
         if (!m_events) return;
         if (m_eventFile) {
             m_eventFile->finish();
             m_report->document["events"] = toUtf8(m_own.events->c_str());
         }
         if (const std::int64_t lost = m_events->lost(); lost > 0)
-            fail(work, numberText(lost) + " events are missing: more came at a time than the board keeps");
+            fail(run, numberText(lost) + " events are missing: more came at a time than the board keeps");
     }
 
     bool goesOn() {
@@ -340,7 +338,7 @@ private:
             m_files->finish();
     }
 
-    void finish(CommandRun& work, const std::vector<std::int64_t>& before) {
+    void finish(CommandRun& run, const std::vector<std::int64_t>& before) {
         if (isQuietOutput())
             m_report->text = m_hashes; // nothing else, for comparisons of the whole text
         else if (m_isTableFilled)
@@ -350,8 +348,8 @@ private:
         m_report->isVerbatim = isQuietOutput();
         m_report->document["lines"] = m_lines;
         if (m_own.wantsStatistics) finishStatistics();
-        finishLosses(work, before);
-        m_report->document["tick"] = work.instance.board().now(work.instance.device());
+        finishLosses(run, before);
+        m_report->document["tick"] = run.instance.board().now(run.instance.device());
     }
 
     void finishStatistics() {
@@ -361,8 +359,8 @@ private:
         m_report->text += '\n' + m_statisticsTable.render(Style::forStream(STDOUT_FILENO));
     }
 
-    void finishLosses(CommandRun& work, const std::vector<std::int64_t>& before) {
-        const std::vector<std::int64_t> after = lossesOf(work.instance);
+    void finishLosses(CommandRun& run, const std::vector<std::int64_t>& before) {
+        const std::vector<std::int64_t> after = lossesOf(run.instance);
         auto losses = nlohmann::ordered_json::object();
         Table table;
         table.setTitles({"LOST", "TIMES", "WHAT IT IS", "WHAT HELPS"});
@@ -374,22 +372,22 @@ private:
         }
         m_report->document["losses"] = losses;
         for (std::size_t i = 0; i < after.size(); ++i)
-            if (after[i] > before[i]) addLoss(work, lossKinds()[i], after[i] - before[i]);
+            if (after[i] > before[i]) addLoss(run, lossKinds()[i], after[i] - before[i]);
         if (m_own.wantsLosses && !m_report->isVerbatim)
             m_report->text += '\n' + table.render(Style::forStream(STDOUT_FILENO));
     }
 
-    void addLoss(CommandRun& work, const LossKind& kind, std::int64_t count) {
+    void addLoss(CommandRun& run, const LossKind& kind, std::int64_t count) {
         const std::string words = std::string(kind.what) + ": " + numberText(count) + "; " + kind.cure;
         if (m_own.isStrict)
-            fail(work, words);
+            fail(run, words);
         else if (!m_report->isVerbatim && !m_own.wantsLosses)
             m_report->text += lineOf({"lost", kind.name, numberText(count)}, words + ".");
     }
 
-    static void fail(CommandRun& work, const std::string& words) {
-        work.refuse(words);
-        work.report.document["error"] = {{"kind", "failure"}, {"message", join(work.report.problems, "; ")}};
+    static void fail(CommandRun& run, const std::string& words) {
+        run.refuse(words);
+        run.report.document["error"] = {{"kind", "failure"}, {"message", join(run.report.problems, "; ")}};
     }
 
     Context& m_context;

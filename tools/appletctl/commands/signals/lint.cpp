@@ -25,8 +25,7 @@ std::string textOf(const LintFinding& finding) {
 
 Report lintParameters(Context& context, const Words& words) {
     const bool isFile = !words.empty() && !isAssignment(words.front());
-    if (isFile && words.size() > 1)
-        throw UsageError("one file is looked at, or the parameters after assignments");
+    if (isFile && words.size() > 1) throw UsageError("give one file to examine, or assignments");
     Report report = applyLive(context, isFile ? Words{} : words);
     if (report.exitCode != exitDone) return report;
     const Lint found = askLint(context, isFile ? fileOf(words) : "");

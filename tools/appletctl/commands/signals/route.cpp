@@ -87,7 +87,7 @@ DesignValue compare(Instance& instance, const ParameterList& design, const Desig
     return value;
 }
 
-/** A route. */
+/** A route with its present values, as text and for documents. */
 struct RouteState {
     std::string output, source, polarity;
     nlohmann::ordered_json sourceJson, polarityJson;

@@ -1,8 +1,10 @@
 // Draws the signals of the line trigger over a few line periods, computed from the present values.
 
 #include "applet_tools/answers/routes.h"
+#include "applet_tools/applet/ParameterReader.h"
 #include "applet_tools/applet/assignments.h"
 #include "applet_tools/applet/line_timing.h"
+#include "applet_tools/applet/line_trigger.h"
 #include "applet_tools/applet/published_limits.h"
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"
@@ -36,24 +38,6 @@ struct Settings {
     double flashDelay; // lines
     std::int32_t mode;
     bool isExSyncOn, isFlashOn, isExSyncLow, isFlashLow;
-
-    bool isAsync() const { return mode == ASYNC_TRIGGER || mode == ASYNC_GATED; }
-};
-
-class Reader {
-public:
-    Reader(Instance& instance, const ParameterList& parameters)
-        : m_instance(instance)
-        , m_parameters(parameters) {}
-
-    template <typename T> T get(const char* name) const {
-        return std::get<T>(valueOf(m_instance, {&m_parameters.find(name)}));
-    }
-    bool is(const char* name, std::int32_t entry) const { return get<std::int32_t>(name) == entry; }
-
-private:
-    Instance& m_instance;
-    const ParameterList& m_parameters;
 };
 
 /** A load stores values that no setter accepts, such as a period of 0. */
@@ -65,12 +49,12 @@ void requireDrawable(const char* name, double value, double smallest) {
 }
 
 Settings settingsOf(Instance& instance, const ParameterList& parameters) {
-    const Reader reader(instance, parameters);
-    const Settings settings = {.period = reader.get<double>("FG_LINEPERIODE"),
-                               .exposure = reader.get<double>("FG_LINEEXPOSURE"),
-                               .delay = reader.get<double>("FG_LINETRIGGERDELAY"),
-                               .downscale = reader.get<std::uint32_t>("FG_LINE_DOWNSCALE") * 1.0,
-                               .flashDelay = reader.get<std::uint32_t>("FG_STROBEPULSEDELAY") * 1.0,
+    const ParameterReader reader(instance, parameters);
+    const Settings settings = {.period = reader.number("FG_LINEPERIODE"),
+                               .exposure = reader.number("FG_LINEEXPOSURE"),
+                               .delay = reader.number("FG_LINETRIGGERDELAY"),
+                               .downscale = reader.number("FG_LINE_DOWNSCALE"),
+                               .flashDelay = reader.number("FG_STROBEPULSEDELAY"),
                                .mode = reader.get<std::int32_t>("FG_LINETRIGGERMODE"),
                                .isExSyncOn = reader.is("FG_EXSYNCON", FG_ON),
                                .isFlashOn = reader.is("FG_FLASHON", FG_ON),
@@ -172,7 +156,7 @@ Timing timingOf(Instance& instance, const ParameterList& parameters) {
         timing.warnings.emplace_back(std::string(trouble.rule) + ": " + trouble.why);
     timing.signals = signalsOf(settings, timing.end);
     timing.outputs = outputsOf(instance, parameters, timing.signals);
-    if (settings.isAsync()) {
+    if (isExternal(settings.mode)) {
         const double period = settings.period / settings.downscale;
         timing.shown.push_back({"Line input", train(0, period, period / 2, timing.end), false});
         timing.assumed.push_back(

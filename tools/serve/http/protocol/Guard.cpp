@@ -25,7 +25,7 @@ bool isLoopback(std::string_view name) {
 std::string randomToken() {
     std::array<unsigned char, 16> bytes{};
     if (getrandom(bytes.data(), bytes.size(), 0) != static_cast<ssize_t>(bytes.size()))
-        throw applet_tools::Failure(std::string("no random token can be made: ") + std::strerror(errno));
+        throw applet_tools::Failure(std::string("no random token can be created: ") + std::strerror(errno));
     constexpr std::string_view digits = "0123456789abcdef";
     std::string token;
     for (const unsigned char byte : bytes)

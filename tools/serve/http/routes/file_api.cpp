@@ -1,6 +1,6 @@
 #include "serve/http/routes/file_api.h"
 
-#include "applet_tools/answers/loading.h"
+#include "applet_tools/answers/loading/loading.h"
 #include "applet_tools/applet/files/ConfigurationFile.h"
 #include "applet_tools/applet/published_limits.h"
 #include "applet_tools/base/errors.h"
@@ -34,7 +34,7 @@ struct Table {
     double largest;
 };
 
-Table tableOf(Station& station, const std::string& colour) {
+Table tableOf(SharedStation& station, const std::string& colour) {
     if (colour != "red" && colour != "green" && colour != "blue")
         throw HttpError(status::notFound, "unknown",
                         "there is no lookup table " + inQuotes(colour) + "; there are red, green, blue");
@@ -94,7 +94,7 @@ Elements curveOf(const std::vector<CurvePoint>& points, std::uint32_t size) {
     return elements;
 }
 
-Json beltAsJson(const Station& station) {
+Json beltAsJson(const SharedStation& station) {
     const auto& belt = station.setup.belt;
     const bool isKnown = belt && !belt->profile.empty();
     return {{"isKnown", belt.has_value()},
@@ -102,7 +102,7 @@ Json beltAsJson(const Station& station) {
             {"hasEncoder", belt && belt->encoderA.has_value()}};
 }
 
-Json sceneAsJson(const Station& station) {
+Json sceneAsJson(const SharedStation& station) {
     const StationScene scene = station.setup.scene.value_or(StationScene());
     Json kinds = {"chart"};
     if (!station.ownImage.empty()) kinds.push_back("image");
@@ -127,24 +127,24 @@ std::optional<double> numberFrom(const Json& body, const char* name, double leas
 
 } // namespace
 
-HttpAnswer sendConfiguration(Station& station, const HttpRequest&, const std::string&) {
+HttpAnswer sendConfiguration(SharedStation& station, const HttpRequest&, const std::string&) {
     if (station.access.board == "none")
         throw HttpError(status::notFound, "none", "without a board there is nothing to save");
     std::string text = station.commands.run(Work::reads, [&] { return stateOf(station.instance()).text(); });
     return attachment(std::move(text), "text/plain", station.access.name + ".mcf");
 }
 
-HttpAnswer loadConfiguration(Station& station, const HttpRequest& request, const std::string&) {
+HttpAnswer loadConfiguration(SharedStation& station, const HttpRequest& request, const std::string&) {
     if (request.body.empty())
         throw HttpError(status::badRequest, "invalid",
                         "the request has no body: the text of a configuration file is expected");
-    return jsonAnswer(carryOutChange(station, "load (by HTTP)", [&] {
+    return jsonAnswer(runChange(station, "load (by HTTP)", [&] {
         auto& live = *station.access.live;
         const ConfigurationFile written(request.body);
         const LoadCheck check = askCheck(live.scratch(), "the file", written);
         Json findings = applet_tools::asJson(check.findings);
         const bool isNothing = std::ranges::any_of(
-            check.findings, [](const Finding& finding) { return finding.kind == "file"; });
+            check.findings, [](const Finding& finding) { return finding.kind == FindingKind::file; });
         if (isNothing)
             throw HttpError(status::conflict, "refused", check.findings.front().message,
                             {{"findings", std::move(findings)}});
@@ -155,11 +155,12 @@ HttpAnswer loadConfiguration(Station& station, const HttpRequest& request, const
     }));
 }
 
-HttpAnswer showTable(Station& station, const HttpRequest& request, const std::string& colour) {
-    constexpr std::int64_t usual = 257, most = 16384;
-    const auto count = static_cast<std::uint32_t>(Query(request).number("points", 2, most).value_or(usual));
+HttpAnswer showTable(SharedStation& station, const HttpRequest& request, const std::string& colour) {
+    constexpr std::int64_t usual = 257;
+    const Query query(request);
     return jsonAnswer(station.commands.run(Work::reads, [&] {
         const Table table = tableOf(station, colour);
+        const auto count = static_cast<std::uint32_t>(query.number("points", 2, table.size).value_or(usual));
         const auto elements = std::get<Elements>(valueOf(station.instance(), table.target));
         Json points = Json::array();
         const std::uint32_t steps = std::min(count, table.size) - 1;
@@ -174,9 +175,9 @@ HttpAnswer showTable(Station& station, const HttpRequest& request, const std::st
     }));
 }
 
-HttpAnswer setTable(Station& station, const HttpRequest& request, const std::string& colour) {
+HttpAnswer setTable(SharedStation& station, const HttpRequest& request, const std::string& colour) {
     const Json body = bodyOf(request, {"points"});
-    return jsonAnswer(carryOutChange(station, "lut " + colour + " (by HTTP)", [&] {
+    return jsonAnswer(runChange(station, "lut " + colour + " (by HTTP)", [&] {
         const Table table = tableOf(station, colour);
         const Elements elements = curveOf(pointsFrom(body, table), table.size);
         // The first element alone: its refusal has the ways out.
@@ -189,12 +190,12 @@ HttpAnswer setTable(Station& station, const HttpRequest& request, const std::str
     }));
 }
 
-HttpAnswer showBelt(Station& station, const HttpRequest&, const std::string&) {
+HttpAnswer showBelt(SharedStation& station, const HttpRequest&, const std::string&) {
     station.requireVirtual();
     return jsonAnswer(station.commands.run(Work::reads, [&] { return beltAsJson(station); }));
 }
 
-HttpAnswer setBelt(Station& station, const HttpRequest& request, const std::string&) {
+HttpAnswer setBelt(SharedStation& station, const HttpRequest& request, const std::string&) {
     constexpr double fastest = 10'000, micrometres = 1000;
     station.requireVirtual();
     const auto speed = numberFrom(bodyOf(request, {"speed"}), "speed", -fastest, fastest, "mm/s");
@@ -209,12 +210,12 @@ HttpAnswer setBelt(Station& station, const HttpRequest& request, const std::stri
     }));
 }
 
-HttpAnswer showScene(Station& station, const HttpRequest&, const std::string&) {
+HttpAnswer showScene(SharedStation& station, const HttpRequest&, const std::string&) {
     station.requireVirtual();
     return jsonAnswer(station.commands.run(Work::reads, [&] { return sceneAsJson(station); }));
 }
 
-HttpAnswer setScene(Station& station, const HttpRequest& request, const std::string&) {
+HttpAnswer setScene(SharedStation& station, const HttpRequest& request, const std::string&) {
     constexpr double smallest = 1, largest = 100'000, nanometres = 1000;
     station.requireVirtual();
     const Json body = bodyOf(request, {"kind", "pixel", "noise"});
@@ -240,7 +241,7 @@ HttpAnswer setScene(Station& station, const HttpRequest& request, const std::str
     }));
 }
 
-HttpAnswer recordPictures(Station& station, const HttpRequest& request, const std::string&) {
+HttpAnswer recordPictures(SharedStation& station, const HttpRequest& request, const std::string&) {
     constexpr std::int64_t mostPictures = 64;
     constexpr std::size_t mostBytes = 256U << 20U;
     constexpr auto longest = 30s;

@@ -2,19 +2,19 @@
 #ifndef SERVE_HTTP_ROUTES_FILE_API_H
 #define SERVE_HTTP_ROUTES_FILE_API_H
 
-#include "serve/http/state/Station.h"
+#include "serve/http/state/SharedStation.h"
 
 namespace serve {
 
-HttpAnswer sendConfiguration(Station& station, const HttpRequest& request, const std::string& none);
-HttpAnswer loadConfiguration(Station& station, const HttpRequest& request, const std::string& none);
-HttpAnswer showTable(Station& station, const HttpRequest& request, const std::string& colour);
-HttpAnswer setTable(Station& station, const HttpRequest& request, const std::string& colour);
-HttpAnswer showBelt(Station& station, const HttpRequest& request, const std::string& none);
-HttpAnswer setBelt(Station& station, const HttpRequest& request, const std::string& none);
-HttpAnswer showScene(Station& station, const HttpRequest& request, const std::string& none);
-HttpAnswer setScene(Station& station, const HttpRequest& request, const std::string& none);
-HttpAnswer recordPictures(Station& station, const HttpRequest& request, const std::string& none);
+HttpAnswer sendConfiguration(SharedStation& station, const HttpRequest& request, const std::string& none);
+HttpAnswer loadConfiguration(SharedStation& station, const HttpRequest& request, const std::string& none);
+HttpAnswer showTable(SharedStation& station, const HttpRequest& request, const std::string& colour);
+HttpAnswer setTable(SharedStation& station, const HttpRequest& request, const std::string& colour);
+HttpAnswer showBelt(SharedStation& station, const HttpRequest& request, const std::string& none);
+HttpAnswer setBelt(SharedStation& station, const HttpRequest& request, const std::string& none);
+HttpAnswer showScene(SharedStation& station, const HttpRequest& request, const std::string& none);
+HttpAnswer setScene(SharedStation& station, const HttpRequest& request, const std::string& none);
+HttpAnswer recordPictures(SharedStation& station, const HttpRequest& request, const std::string& none);
 
 } // namespace serve
 

@@ -20,42 +20,41 @@ using namespace applet_tools;
 constexpr std::size_t mostSettings = 200;
 
 /** Why an assignment was refused, and the ways out, from the scratch board. */
-HttpError refusalOf(LiveSession& live, const Assignment& assignment, const std::string& words, int code) {
+HttpError refusalOf(LiveSession& live, const AssignmentResult& result) {
+    const Assignment& assignment = result.assignment;
     const Parameter& parameter = *assignment.target.parameter;
-    const std::string word = assignment.target.name() + "=" + assignment.text;
     const std::string name = assignment.target.name();
+    Words clauses = refusalClauses(result);
     Json members;
     members["name"] = name;
-    members["result"] = codeAsJson(code);
+    members["result"] = codeAsJson(result.code);
     if (const auto limits = limitsOf(parameter))
         members["limit"] = {{"minimum", numberAsJson(limits->minimum)},
                             {"maximum", numberAsJson(limits->maximum)},
                             {"step", numberAsJson(limits->increment)}};
-    const Suggestion suggestion = askSuggestion(live, assignment, code);
-    members["advice"] = suggestion.words.starts_with("; ") ? suggestion.words.substr(2) : suggestion.words;
-    members["waysOut"] = Json::array();
-    if (suggestion.members.is_object()) {
-        Json& ways = members["waysOut"];
-        if (const auto nearest = suggestion.members.find("nearest"); nearest != suggestion.members.end()) {
-            const Json& value = nearest->at("value");
-            members["nearest"] = value;
-            const std::string text = name + "=" + valueWord(value);
-            ways.push_back(wayOut({text}));
-        }
-        for (const Json& way : suggestion.members.at("acceptedWith")) {
-            Words settings = splitLine(way.get<std::string>()).words;
-            settings.push_back(word); // for one request that sets them all
-            ways.push_back(wayOut(settings));
-            ways.back()["text"] = way;
-        }
-        if (suggestion.members.contains("setBy")) {
-            Json names = Json::array();
-            for (const Json& row : suggestion.members.at("setBy"))
-                if (row.contains("parameter")) names.push_back(row.at("parameter"));
-            members["limit"]["setBy"] = std::move(names);
-        }
+    const Suggestion suggestion = askSuggestion(live, assignment, result.code);
+    members["advice"] = join(suggestion.clauses, "; ");
+    clauses.insert(clauses.end(), suggestion.clauses.begin(), suggestion.clauses.end());
+    members["clauses"] = clauses;
+    Json ways = Json::array();
+    if (const auto nearest = suggestion.members.find("nearest"); nearest != suggestion.members.end()) {
+        const Json& value = nearest->at("value");
+        members["nearest"] = value;
+        ways.push_back(remedyOf({name + "=" + valueWord(value)}));
     }
-    return {status::conflict, "refused", words + suggestion.words, std::move(members)};
+    for (Words way : suggestion.ways) {
+        const std::string text = join(way, " ");
+        way.push_back(name + "=" + assignment.text); // for one request that sets them all
+        ways.push_back(remedyOf(way));
+        ways.back()["text"] = text;
+    }
+    members["waysOut"] = std::move(ways);
+    if (const auto setBy = suggestion.members.find("setBy"); setBy != suggestion.members.end()) {
+        Json& names = members["limit"]["setBy"] = Json::array();
+        for (const Json& row : *setBy)
+            if (row.contains("parameter")) names.push_back(row.at("parameter"));
+    }
+    return {status::conflict, "refused", join(clauses, "; "), std::move(members)};
 }
 
 /** A client of the page writes no files of this machine. */
@@ -68,7 +67,7 @@ void refuseFiles(LiveSession& live, const Words& words) {
 }
 
 /** Applies them in another order if this one is refused. */
-Json applyInAnyOrder(Station& station, const Words& words) {
+Json applyInAnyOrder(SharedStation& station, const Words& words) {
     try {
         return applyAll(station, words);
     } catch (const HttpError&) {
@@ -80,7 +79,7 @@ Json applyInAnyOrder(Station& station, const Words& words) {
 
 } // namespace
 
-Json applyAll(Station& station, const Words& words) {
+Json applyAll(SharedStation& station, const Words& words) {
     LiveSession& live = *station.access.live;
     refuseFiles(live, words);
     ValuesBefore before(live, words);
@@ -88,9 +87,8 @@ Json applyAll(Station& station, const Words& words) {
     std::optional<HttpError> refusal;
     const auto after = [&](const AssignmentResult& result) {
         if (result.code != FG_OK) {
-            const std::string text = refusalInWords(result);
             // The suggestion may change the records, so the values are restored by name.
-            refusal.emplace(refusalOf(live, result.assignment, text, result.code));
+            refusal.emplace(refusalOf(live, result));
             return;
         }
         const Parameter& parameter = *result.assignment.target.parameter;
@@ -108,7 +106,7 @@ Json applyAll(Station& station, const Words& words) {
     throw HttpError(*refusal);
 }
 
-Json carryOutChange(Station& station, const std::string& text, const std::function<Json()>& work) {
+Json runChange(SharedStation& station, const std::string& text, const std::function<Json()>& work) {
     ++station.sets;
     try {
         return station.commands.run(Work::changes, [&] {
@@ -127,7 +125,7 @@ Json carryOutChange(Station& station, const std::string& text, const std::functi
     }
 }
 
-HttpAnswer listParameters(Station& station, const HttpRequest& request, const std::string&) {
+HttpAnswer listParameters(SharedStation& station, const HttpRequest& request, const std::string&) {
     const Query query(request);
     const Words names = query.list("names");
     const bool onlyChanged = query.flag("changed");
@@ -146,25 +144,25 @@ HttpAnswer listParameters(Station& station, const HttpRequest& request, const st
     }));
 }
 
-HttpAnswer showParameter(Station& station, const HttpRequest&, const std::string& name) {
+HttpAnswer showParameter(SharedStation& station, const HttpRequest&, const std::string& name) {
     return jsonAnswer(station.commands.run(
         Work::reads, [&] { return station.parameters.documentOf(station.parameters.targetOf(name)); }));
 }
 
-HttpAnswer setParameter(Station& station, const HttpRequest& request, const std::string& name) {
+HttpAnswer setParameter(SharedStation& station, const HttpRequest& request, const std::string& name) {
     const Json body = bodyOf(request, {"value"});
     if (!body.contains("value"))
         throw HttpError(status::badRequest, "invalid",
                         R"(the body has no member "value": {"value": 2048} is expected)");
     const std::string word = name + "=" + valueWord(body.at("value"));
-    return jsonAnswer(carryOutChange(station, "set " + asShellWord(word), [&] {
+    return jsonAnswer(runChange(station, "set " + asShellWord(word), [&] {
         static_cast<void>(station.parameters.targetOf(name)); // an unknown name is not an invalid value
         Json answer = applyAll(station, {word}).at(0);
         return answer;
     }));
 }
 
-HttpAnswer setSeveral(Station& station, const HttpRequest& request, const std::string&) {
+HttpAnswer setSeveral(SharedStation& station, const HttpRequest& request, const std::string&) {
     const Json body = bodyOf(request, {"settings", "anyOrder"});
     Words words;
     if (body.contains("settings") && body.at("settings").is_array())
@@ -187,7 +185,7 @@ HttpAnswer setSeveral(Station& station, const HttpRequest& request, const std::s
     if (!anyOrder.is_boolean())
         throw HttpError(status::badRequest, "invalid",
                         "anyOrder is " + shortened(anyOrder.dump(), 40) + ": true or false is expected");
-    return jsonAnswer(carryOutChange(station, "set " + joinWords(words), [&] {
+    return jsonAnswer(runChange(station, "set " + joinWords(words), [&] {
         return Json{{"settings",
                      anyOrder == Json(true) ? applyInAnyOrder(station, words) : applyAll(station, words)}};
     }));

@@ -2,22 +2,22 @@
 #ifndef SERVE_HTTP_ROUTES_PARAMETER_API_H
 #define SERVE_HTTP_ROUTES_PARAMETER_API_H
 
-#include "serve/http/state/Station.h"
+#include "serve/http/state/SharedStation.h"
 
 namespace serve {
 
-HttpAnswer listParameters(Station& station, const HttpRequest& request, const std::string& none);
-HttpAnswer showParameter(Station& station, const HttpRequest& request, const std::string& name);
-HttpAnswer setParameter(Station& station, const HttpRequest& request, const std::string& name);
-HttpAnswer setSeveral(Station& station, const HttpRequest& request, const std::string& none);
+HttpAnswer listParameters(SharedStation& station, const HttpRequest& request, const std::string& none);
+HttpAnswer showParameter(SharedStation& station, const HttpRequest& request, const std::string& name);
+HttpAnswer setParameter(SharedStation& station, const HttpRequest& request, const std::string& name);
+HttpAnswer setSeveral(SharedStation& station, const HttpRequest& request, const std::string& none);
 
 /** For the command thread: applies all assignments or none; returns [{"name", "requested", "actual", "shown"}, ...].
  *  Throws HttpError for a refusal, with the ways out. */
-Json applyAll(Station& station, const applet_tools::Words& words);
+Json applyAll(SharedStation& station, const applet_tools::Words& words);
 
 /** Executes a change on the command thread, as a step that can be undone; returns {"changes", ...} with the members
  *  that `work` returns, and informs the streams. Throws HttpError unless the station may be set. */
-Json carryOutChange(Station& station, const std::string& text, const std::function<Json()>& work);
+Json runChange(SharedStation& station, const std::string& text, const std::function<Json()>& work);
 
 } // namespace serve
 

@@ -1,10 +1,10 @@
 #include "serve/http/routes/picture_api.h"
 
+#include "applet_tools/applet/ticks.h"
 #include "applet_tools/base/numbers.h"
 #include "applet_tools/base/text.h"
 #include "applet_tools/pictures/region.h"
 #include "applet_tools/station/picture_record.h"
-#include "applet_tools/station/ticks.h"
 #include "serve/http/protocol/Query.h"
 #include "serve/http/state/station_documents.h"
 
@@ -26,7 +26,7 @@ constexpr std::int64_t anyNumber = std::numeric_limits<std::int64_t>::max();
 constexpr std::int64_t longestTimeout = 10'000; // milliseconds
 constexpr auto longestGap = 1900ms; // without a picture, until the reason is sent: within the usual timeout
 
-Picture requireKept(Station& station, std::int64_t number) {
+Picture requireKept(SharedStation& station, std::int64_t number) {
     if (Picture picture = station.requirePictures().kept(number)) return picture;
     throw HttpError(status::notFound, "none",
                     number == 0
@@ -34,7 +34,7 @@ Picture requireKept(Station& station, std::int64_t number) {
                         : "picture " + numberText(number) + " is no longer kept, or has not come yet");
 }
 
-Picture askedPicture(Station& station, const Query& query) {
+Picture askedPicture(SharedStation& station, const Query& query) {
     return requireKept(station, query.number("picture", 1, anyNumber).value_or(0));
 }
 
@@ -52,12 +52,12 @@ PictureRegion regionOf(const Query& query, const PictureView& picture) {
 Json waysOutOf(const applet_tools::MissingPicture& missing) {
     Json ways = Json::array();
     for (const std::string& remedy : missing.remedies)
-        ways.push_back(wayOut({remedy}));
+        ways.push_back(remedyOf({remedy}));
     return ways;
 }
 
 /** The reason why none came, if they do not come. */
-HttpAnswer withoutPicture(Station& station) {
+HttpAnswer withoutPicture(SharedStation& station) {
     const LivePictures::State state = station.pictures->state();
     const bool isGap = Clock::now() - state.lastPicture >= longestGap;
     if (state.isRunning && !isGap) return {.status = status::noContent, .type = ""};
@@ -114,7 +114,7 @@ PictureForm formOf(const HttpRequest& request, const PictureView& picture) {
     return form;
 }
 
-HttpAnswer sendFrame(Station& station, const HttpRequest& request, const std::string&) {
+HttpAnswer sendFrame(SharedStation& station, const HttpRequest& request, const std::string&) {
     const Query query(request);
     LivePictures& pictures = station.requirePictures();
     const std::chrono::milliseconds timeout(query.number("timeout", 0, longestTimeout).value_or(2000));
@@ -132,7 +132,7 @@ HttpAnswer sendFrame(Station& station, const HttpRequest& request, const std::st
     return frameAnswer(picture, formOf(request, picture->view()));
 }
 
-HttpAnswer sendPixel(Station& station, const HttpRequest& request, const std::string&) {
+HttpAnswer sendPixel(SharedStation& station, const HttpRequest& request, const std::string&) {
     const Query query(request);
     const Picture picture = askedPicture(station, query);
     const PictureView view = picture->view();
@@ -155,7 +155,7 @@ HttpAnswer sendPixel(Station& station, const HttpRequest& request, const std::st
                        {"components", {pixel.red, pixel.green, pixel.blue}}});
 }
 
-HttpAnswer sendHistogram(Station& station, const HttpRequest& request, const std::string&) {
+HttpAnswer sendHistogram(SharedStation& station, const HttpRequest& request, const std::string&) {
     const Query query(request);
     const Picture picture = askedPicture(station, query);
     const PictureRegion region = regionOf(query, picture->view());
@@ -179,7 +179,7 @@ HttpAnswer sendHistogram(Station& station, const HttpRequest& request, const std
                        {"isEstimate", false}});
 }
 
-HttpAnswer sendProfile(Station& station, const HttpRequest& request, const std::string&) {
+HttpAnswer sendProfile(SharedStation& station, const HttpRequest& request, const std::string&) {
     const Query query(request);
     const Picture picture = askedPicture(station, query);
     const PictureView view = picture->view();
@@ -202,7 +202,7 @@ HttpAnswer sendProfile(Station& station, const HttpRequest& request, const std::
                        {"values", profile}});
 }
 
-HttpAnswer sendRecords(Station& station, const HttpRequest&, const std::string&) {
+HttpAnswer sendRecords(SharedStation& station, const HttpRequest&, const std::string&) {
     Json rows = Json::array();
     for (const Picture& picture : station.requirePictures().allKept()) {
         Json row = applet_tools::asJson(picture->record());
@@ -212,7 +212,7 @@ HttpAnswer sendRecords(Station& station, const HttpRequest&, const std::string&)
     return jsonAnswer({{"pictures", std::move(rows)}});
 }
 
-HttpAnswer showAcquisition(Station& station, const HttpRequest&, const std::string&) {
+HttpAnswer showAcquisition(SharedStation& station, const HttpRequest&, const std::string&) {
     LivePictures& pictures = station.requirePictures();
     const auto missing = station.commands.run(Work::reads, [&] { return station.whyNoPicture(); });
     const LivePictures::State state = pictures.state();
@@ -229,7 +229,7 @@ HttpAnswer showAcquisition(Station& station, const HttpRequest&, const std::stri
                        {"signal", std::move(signal)}});
 }
 
-HttpAnswer setAcquisition(Station& station, const HttpRequest& request, const std::string& none) {
+HttpAnswer setAcquisition(SharedStation& station, const HttpRequest& request, const std::string& none) {
     const Json body = bodyOf(request, {"isRunning"});
     if (!body.contains("isRunning") || !body.at("isRunning").is_boolean())
         throw HttpError(status::badRequest, "invalid",

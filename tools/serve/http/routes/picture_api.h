@@ -2,17 +2,17 @@
 #ifndef SERVE_HTTP_ROUTES_PICTURE_API_H
 #define SERVE_HTTP_ROUTES_PICTURE_API_H
 
-#include "serve/http/state/Station.h"
+#include "serve/http/state/SharedStation.h"
 
 namespace serve {
 
-HttpAnswer sendFrame(Station& station, const HttpRequest& request, const std::string& none);
-HttpAnswer sendPixel(Station& station, const HttpRequest& request, const std::string& none);
-HttpAnswer sendHistogram(Station& station, const HttpRequest& request, const std::string& none);
-HttpAnswer sendProfile(Station& station, const HttpRequest& request, const std::string& none);
-HttpAnswer sendRecords(Station& station, const HttpRequest& request, const std::string& none);
-HttpAnswer showAcquisition(Station& station, const HttpRequest& request, const std::string& none);
-HttpAnswer setAcquisition(Station& station, const HttpRequest& request, const std::string& none);
+HttpAnswer sendFrame(SharedStation& station, const HttpRequest& request, const std::string& none);
+HttpAnswer sendPixel(SharedStation& station, const HttpRequest& request, const std::string& none);
+HttpAnswer sendHistogram(SharedStation& station, const HttpRequest& request, const std::string& none);
+HttpAnswer sendProfile(SharedStation& station, const HttpRequest& request, const std::string& none);
+HttpAnswer sendRecords(SharedStation& station, const HttpRequest& request, const std::string& none);
+HttpAnswer showAcquisition(SharedStation& station, const HttpRequest& request, const std::string& none);
+HttpAnswer setAcquisition(SharedStation& station, const HttpRequest& request, const std::string& none);
 
 /** The form that the query asks for. Throws HttpError for a region that is not within the picture. */
 PictureForm formOf(const HttpRequest& request, const applet_tools::PictureView& picture);

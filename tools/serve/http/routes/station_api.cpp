@@ -19,13 +19,8 @@ constexpr std::size_t mostStreams = 64;
 constexpr auto samplePeriod = 250ms;
 constexpr auto keepAlivePeriod = 15s;
 
-/** Pulses of one tick have one edge in the record. */
-bool isPulse(const StationSignal& signal) {
-    constexpr unsigned firstPulse = 33, lastPulse = 36;
-    return signal.select >= firstPulse && signal.select <= lastPulse;
-}
-
-Json signalAsJson(Station& station, const StationSignal& signal, Ticks from, Ticks to, std::size_t most) {
+Json signalAsJson(SharedStation& station, const StationSignal& signal, Ticks from, Ticks to,
+                  std::size_t most) {
     const SignalCourse course = courseOf(station.instance(), signal.select, from, to);
     const bool isCut = !course.isComplete || course.edges.size() > most;
     const auto first = course.edges.size() > most ? course.edges.end() - static_cast<std::ptrdiff_t>(most)
@@ -35,7 +30,7 @@ Json signalAsJson(Station& station, const StationSignal& signal, Ticks from, Tic
         edges.push_back({edge->tick, edge->level ? 1 : 0});
     const bool isHigh = first == course.edges.begin() ? course.startsHigh : !first->level;
     return {{"name", signal.name},
-            {"kind", isPulse(signal) ? "pulse" : "level"},
+            {"kind", signal.isPulse() ? "pulse" : "level"},
             {"startsHigh", isHigh},
             {"edges", std::move(edges)},
             {"isCut", isCut}};
@@ -52,7 +47,7 @@ struct StreamPlace {
 };
 
 /** One step of a stream. */
-bool sendMessages(Station& station, StreamPlace& place, const HttpSend& send) {
+bool sendMessages(SharedStation& station, StreamPlace& place, const HttpSend& send) {
     const auto now = EventHub::Clock::now();
     if (place.isFirst) {
         place.isFirst = false;
@@ -72,17 +67,17 @@ bool sendMessages(Station& station, StreamPlace& place, const HttpSend& send) {
 
 } // namespace
 
-HttpAnswer showStation(Station& station, const HttpRequest&, const std::string&) {
+HttpAnswer showStation(SharedStation& station, const HttpRequest&, const std::string&) {
     return jsonAnswer(station.commands.run(Work::reads, [&] { return stationAsJson(station); }));
 }
 
-HttpAnswer showLosses(Station& station, const HttpRequest&, const std::string&) {
+HttpAnswer showLosses(SharedStation& station, const HttpRequest&, const std::string&) {
     station.requireVirtual();
     return jsonAnswer(station.commands.run(
         Work::reads, [&] { return lossesAsJson(applet_tools::lossesOf(station.instance())); }));
 }
 
-HttpAnswer showTimeline(Station& station, const HttpRequest& request, const std::string&) {
+HttpAnswer showTimeline(SharedStation& station, const HttpRequest& request, const std::string&) {
     constexpr std::int64_t usualEdges = 4000, mostEdges = 32768;
     constexpr std::int64_t anyTick = std::numeric_limits<std::int64_t>::max();
     station.requireVirtual();
@@ -122,14 +117,14 @@ HttpAnswer showTimeline(Station& station, const HttpRequest& request, const std:
                                               {"to", record.last_line},
                                               {"arrival", record.arrival}});
     document["events"] = Json::array();
-    const Station::EventSpan span = station.eventsBetween(from, to, most);
+    const SharedStation::EventSpan span = station.eventsBetween(from, to, most);
     document["areEventsCut"] = span.isCut;
-    for (const Station::StationEvent& event : span.events)
+    for (const SharedStation::StationEvent& event : span.events)
         document["events"].push_back({{"tick", event.tick}, {"name", event.name}});
     return jsonAnswer(document);
 }
 
-HttpAnswer streamEvents(Station& station, const HttpRequest&, const std::string&) {
+HttpAnswer streamEvents(SharedStation& station, const HttpRequest&, const std::string&) {
     if (station.hub.listeners() >= mostStreams)
         throw HttpError(status::unavailable, "busy",
                         "there are " + std::to_string(mostStreams) +
@@ -141,7 +136,7 @@ HttpAnswer streamEvents(Station& station, const HttpRequest&, const std::string&
         .stream = [&station, place](const HttpSend& send) { return sendMessages(station, *place, send); }};
 }
 
-HttpAnswer sendMetrics(Station& station, const HttpRequest&, const std::string&) {
+HttpAnswer sendMetrics(SharedStation& station, const HttpRequest&, const std::string&) {
     return {.type = "text/plain; version=0.0.4; charset=utf-8",
             .body = std::make_shared<const std::string>(
                 station.commands.run(Work::reads, [&] { return metricsOf(station); })),

@@ -2,15 +2,15 @@
 #ifndef SERVE_HTTP_ROUTES_STATION_API_H
 #define SERVE_HTTP_ROUTES_STATION_API_H
 
-#include "serve/http/state/Station.h"
+#include "serve/http/state/SharedStation.h"
 
 namespace serve {
 
-HttpAnswer showStation(Station& station, const HttpRequest& request, const std::string& none);
-HttpAnswer showLosses(Station& station, const HttpRequest& request, const std::string& none);
-HttpAnswer showTimeline(Station& station, const HttpRequest& request, const std::string& none);
-HttpAnswer streamEvents(Station& station, const HttpRequest& request, const std::string& none);
-HttpAnswer sendMetrics(Station& station, const HttpRequest& request, const std::string& none);
+HttpAnswer showStation(SharedStation& station, const HttpRequest& request, const std::string& none);
+HttpAnswer showLosses(SharedStation& station, const HttpRequest& request, const std::string& none);
+HttpAnswer showTimeline(SharedStation& station, const HttpRequest& request, const std::string& none);
+HttpAnswer streamEvents(SharedStation& station, const HttpRequest& request, const std::string& none);
+HttpAnswer sendMetrics(SharedStation& station, const HttpRequest& request, const std::string& none);
 
 } // namespace serve
 

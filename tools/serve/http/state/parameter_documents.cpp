@@ -56,7 +56,7 @@ Json asJson(const Value& value) {
     return numberAsJson(value);
 }
 
-Json wayOut(const Words& assignments) {
+Json remedyOf(const Words& assignments) {
     Json settings = Json::array();
     for (const std::string& word : assignments) {
         const std::size_t place = word.find('=');
@@ -120,10 +120,7 @@ Json ParameterDocuments::documentOf(const Target& target) {
 }
 
 std::vector<ParameterState> ParameterDocuments::states() {
-    std::vector<ParameterState> states;
-    for (const Parameter& parameter : m_live.parameters().all())
-        states.push_back(currentState(m_live.instance(), parameter));
-    return states;
+    return statesOf(m_live.instance(), m_live.parameters());
 }
 
 bool ParameterDocuments::isMeasured(const std::string& name) {

@@ -51,7 +51,7 @@ private:
 /** A value as JSON: a number, a text, or an array of numbers; null for an array as a whole. */
 Json asJson(const applet_tools::Value& value);
 /** Settings that help, as a request for /api/settings with their text: {"text": "FG_A=1", "settings": [...]}. */
-Json wayOut(const applet_tools::Words& assignments);
+Json remedyOf(const applet_tools::Words& assignments);
 
 } // namespace serve
 

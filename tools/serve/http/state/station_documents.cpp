@@ -4,7 +4,7 @@
 #include "applet_tools/base/text.h"
 #include "applet_tools/station/missing_picture.h"
 #include "applet_tools/station/signals.h"
-#include "serve/http/state/Station.h"
+#include "serve/http/state/SharedStation.h"
 
 #include <unistd.h>
 
@@ -13,7 +13,7 @@ namespace {
 
 using namespace applet_tools;
 
-std::int64_t statusOf(Station& station, int status) {
+std::int64_t statusOf(SharedStation& station, int status) {
     return station.instance().applet().Fg_getStatusEx(station.instance().fg(), status, 0, 0, nullptr);
 }
 
@@ -39,7 +39,7 @@ private:
 
 constexpr const char *counter = "counter", *gauge = "gauge";
 
-void addBoard(Station& station, Metrics& metrics) {
+void addBoard(SharedStation& station, Metrics& metrics) {
     Instance& instance = station.instance();
     const auto& board = instance.board();
     metrics.one("appletctl_simulated_seconds_total", counter, "Simulated time since the board was opened",
@@ -65,7 +65,7 @@ void addBoard(Station& station, Metrics& metrics) {
 
 } // namespace
 
-Json stationAsJson(Station& station) {
+Json stationAsJson(SharedStation& station) {
     const StationAccess& access = station.access;
     const char* applet = nullptr;
     station.instance().applet().Info(FG_INFO_NAME, 0, 0, nullptr, &applet);
@@ -90,7 +90,7 @@ Json stationAsJson(Station& station) {
     return document;
 }
 
-Json activityOf(Station& station) {
+Json activityOf(SharedStation& station) {
     Json document;
     document["tick"] = station.instance().board().now(station.instance().device());
     document["lines"] = sourceLines(station.instance());
@@ -113,7 +113,7 @@ Json lossesAsJson(const std::vector<std::int64_t>& losses) {
     return {{"losses", std::move(rows)}};
 }
 
-std::string metricsOf(Station& station) {
+std::string metricsOf(SharedStation& station) {
     Metrics metrics;
     metrics.add("appletctl_station_info", gauge, "Always 1; the labels describe the station");
     metrics.value(1, "station=\"" + station.access.name + "\",board=\"" + station.access.board + '"');

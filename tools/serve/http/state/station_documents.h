@@ -10,17 +10,17 @@
 
 namespace serve {
 
-struct Station;
+struct SharedStation;
 
 /** What does not change: name, board, clock, version. */
-Json stationAsJson(Station& station);
+Json stationAsJson(SharedStation& station);
 /** What moves: time, lines, pictures, rate, fill level, the running command. */
-Json activityOf(Station& station);
+Json activityOf(SharedStation& station);
 /** {"losses": [{"name", "count", "message", "advice"}, ...]} for the counts of applet_tools::lossesOf. */
 Json lossesAsJson(const std::vector<std::int64_t>& losses);
 
 /** In the text format that Prometheus reads. */
-std::string metricsOf(Station& station);
+std::string metricsOf(SharedStation& station);
 
 } // namespace serve
 

@@ -1,6 +1,6 @@
 /** Durations in simulated time, in ticks of 8 ns. */
-#ifndef APPLET_TOOLS_STATION_TICKS_H
-#define APPLET_TOOLS_STATION_TICKS_H
+#ifndef APPLET_TOOLS_APPLET_TICKS_H
+#define APPLET_TOOLS_APPLET_TICKS_H
 
 #include <cstdint>
 #include <string>
@@ -11,12 +11,14 @@ namespace applet_tools {
 using Ticks = std::uint64_t;
 
 inline constexpr Ticks ticksPerSecond = 125'000'000;
+inline constexpr double ticksPerMicrosecond = ticksPerSecond / 1e6;
+inline constexpr double microsecondsPerTick = 1 / ticksPerMicrosecond;
 
 /** Parses "200us", "200µs", "10ms", "1.5s", "80ns" or "25ticks" and rounds to ticks, up to a million seconds.
  *  Throws UsageError. */
 Ticks ticksFrom(std::string_view word);
 
-constexpr double microseconds(Ticks ticks) { return static_cast<double>(ticks) * 0.008; }
+constexpr double microseconds(Ticks ticks) { return static_cast<double>(ticks) * microsecondsPerTick; }
 
 /** "0.008 µs", "200 µs", "10.24 ms", "1.5 s": in the largest of these units in which it is at least one. */
 std::string durationText(Ticks ticks);

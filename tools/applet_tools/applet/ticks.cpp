@@ -1,4 +1,4 @@
-#include "applet_tools/station/ticks.h"
+#include "applet_tools/applet/ticks.h"
 
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/numbers.h"
@@ -15,8 +15,12 @@ struct TimeUnit {
 };
 
 // Longer names before their suffixes.
-constexpr TimeUnit units[] = {{"ticks", 1}, {"ns", 0.125}, {"us", 125},
-                              {"µs", 125},  {"ms", 125e3}, {"s", 125e6}};
+constexpr TimeUnit units[] = {{"ticks", 1},
+                              {"ns", ticksPerMicrosecond / 1e3},
+                              {"us", ticksPerMicrosecond},
+                              {"µs", ticksPerMicrosecond},
+                              {"ms", ticksPerMicrosecond * 1e3},
+                              {"s", ticksPerSecond}};
 
 } // namespace
 

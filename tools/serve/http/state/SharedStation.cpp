@@ -1,4 +1,4 @@
-#include "serve/http/state/Station.h"
+#include "serve/http/state/SharedStation.h"
 
 #include "applet_tools/station/missing_picture.h"
 #include "applet_tools/station/signals.h"
@@ -16,7 +16,7 @@ constexpr std::size_t mostEventsOfName = 5000; // that are kept
 
 } // namespace
 
-Station::Station(LiveStation& liveStation)
+SharedStation::SharedStation(LiveStation& liveStation)
     : live(liveStation)
     , access(live.access)
     , commands(live.commands)
@@ -32,17 +32,17 @@ Station::Station(LiveStation& liveStation)
     });
 }
 
-Station::~Station() {
+SharedStation::~SharedStation() {
     if (pictures != nullptr) pictures->setOnPicture({});
 }
 
-void Station::requireVirtual() const {
+void SharedStation::requireVirtual() const {
     if (access.board != "virtual")
         throw HttpError(status::notFound, "none",
                         "this station has no virtual board, which simulates signals and pictures");
 }
 
-std::optional<HttpError> Station::pictureRefusal() const {
+std::optional<HttpError> SharedStation::pictureRefusal() const {
     if (pictures) return std::nullopt;
     const auto refusal = [](const char* reason, const char* advice) {
         return HttpError(status::unavailable, "none", reason, {{"advice", advice}});
@@ -58,12 +58,12 @@ std::optional<HttpError> Station::pictureRefusal() const {
                    "start the station with --clock wall");
 }
 
-LivePictures& Station::requirePictures() const {
+LivePictures& SharedStation::requirePictures() const {
     if (pictures) return *pictures;
     throw *pictureRefusal();
 }
 
-applet_tools::MissingPicture Station::whyNoPicture() const {
+applet_tools::MissingPicture SharedStation::whyNoPicture() const {
     const LivePictures::State state = pictures->state();
     if (state.isPaused) return {"the acquisition is paused", {}};
     if (!state.suspendedBy.empty())
@@ -83,7 +83,7 @@ applet_tools::MissingPicture Station::whyNoPicture() const {
                                        .linesAtPicture = atPicture.lines});
 }
 
-void Station::watchSource() {
+void SharedStation::watchSource() {
     constexpr auto distance = 100ms, longest = 1000ms;
     if (!pictures) return;
     const LivePictures::State state = pictures->state();
@@ -98,7 +98,7 @@ void Station::watchSource() {
     m_atPicture = m_samples.back().counts;
 }
 
-void Station::noteChanges() {
+void SharedStation::noteChanges() {
     if (hub.listeners() == 0) {
         m_states.clear();
         return;
@@ -113,13 +113,13 @@ void Station::noteChanges() {
     m_states = std::move(changes.now);
 }
 
-void Station::requireSettable() const {
+void SharedStation::requireSettable() const {
     if (!access.maySet)
         throw HttpError(status::forbidden, "forbidden",
                         "this station is only shown: it takes settings when it is started with --allow-set");
 }
 
-void Station::sampleIfDue(std::chrono::milliseconds period) {
+void SharedStation::sampleIfDue(std::chrono::milliseconds period) {
     const std::unique_lock lock(m_sampling, std::try_to_lock);
     if (!lock || EventHub::Clock::now() - m_sampled < period) return;
     m_sampled = EventHub::Clock::now();
@@ -129,7 +129,7 @@ void Station::sampleIfDue(std::chrono::milliseconds period) {
     }
 }
 
-void Station::sample() {
+void SharedStation::sample() {
     noteChanges();
     if (access.board != "virtual") return;
     hub.publish("station", activityOf(*this));
@@ -139,7 +139,7 @@ void Station::sample() {
     live.takeEvents();
 }
 
-void Station::keepEvents(const LiveStation::EventTicks& taken) {
+void SharedStation::keepEvents(const LiveStation::EventTicks& taken) {
     for (const auto& [name, ticks] : taken) {
         hub.publish("event", {{"name", name}, {"tick", ticks.back()}, {"count", ticks.size()}});
         const std::lock_guard guard(m_mutex);
@@ -150,7 +150,8 @@ void Station::keepEvents(const LiveStation::EventTicks& taken) {
     }
 }
 
-Station::EventSpan Station::eventsBetween(std::uint64_t from, std::uint64_t to, std::size_t most) const {
+SharedStation::EventSpan SharedStation::eventsBetween(std::uint64_t from, std::uint64_t to,
+                                                      std::size_t most) const {
     const std::lock_guard guard(m_mutex);
     EventSpan span;
     for (const auto& [name, ticks] : m_events) {

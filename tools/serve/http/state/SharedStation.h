@@ -1,6 +1,6 @@
 /** The state of the HTTP interface, which its routes share. */
-#ifndef SERVE_HTTP_STATE_STATION_H
-#define SERVE_HTTP_STATE_STATION_H
+#ifndef SERVE_HTTP_STATE_SHAREDSTATION_H
+#define SERVE_HTTP_STATE_SHAREDSTATION_H
 
 #include "serve/http/state/EventHub.h"
 #include "serve/http/state/parameter_documents.h"
@@ -18,11 +18,11 @@
 
 namespace serve {
 
-struct Station {
-    explicit Station(LiveStation& liveStation);
-    ~Station();
-    Station(const Station&) = delete;
-    Station& operator=(const Station&) = delete;
+struct SharedStation {
+    explicit SharedStation(LiveStation& liveStation);
+    ~SharedStation();
+    SharedStation(const SharedStation&) = delete;
+    SharedStation& operator=(const SharedStation&) = delete;
 
     applet_tools::Instance& instance() const { return access.live->instance(); }
     /** Why this station never shows a picture, with what to do about it; empty if it may. For any thread. */
