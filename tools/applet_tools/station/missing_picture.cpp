@@ -120,7 +120,7 @@ private:
             m_settings.number(count) == 0)
             return "";
         return "the encoder went backwards, so as many forward steps give none: " + shown(count) +
-               "; wait for them, or " + remedy(std::string(count) + "=0");
+               "; wait for them, or " + remedy("FG_SHAFTENCODER_COMPENSATION_COUNT=0");
     }
 
     /** "with camera triggers ...: 5; ..." if there were losses of this kind during the wait; else empty. */
