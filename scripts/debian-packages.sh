@@ -13,6 +13,8 @@ rm -rf "$folder"
 mkdir -p "$folder/vexo"
 git ls-files -z --cached --others --exclude-standard | tar -c --null -T - | tar -x -C "$folder/vexo"
 cd "$folder/vexo"
+# With it a compiler cache compiles relative paths, which the debug information shows.
+unset CCACHE_BASEDIR
 # Without network, if this user may take it away.
 network=()
 unshare --net true 2>/dev/null && network=(unshare --net)
