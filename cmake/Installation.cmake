@@ -21,6 +21,7 @@ set(doc_dir ${CMAKE_INSTALL_DATADIR}/doc/vexo)
 install(FILES README.md CHANGELOG.md DESTINATION ${doc_dir})
 install(DIRECTORY docs/ DESTINATION ${doc_dir}/docs)
 install(DIRECTORY examples DESTINATION ${doc_dir})
+install(FILES page/icon.svg DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps RENAME appletctl.svg)
 install(DIRECTORY docs/examples/ DESTINATION ${CMAKE_INSTALL_DATADIR}/vexo/stations)
 
 # appletctl writes its own completions and manual pages.

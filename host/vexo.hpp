@@ -56,9 +56,13 @@ inline int check(int result) {
     return result;
 }
 
-/** A number that a parameter can be read and set as, or a text. */
+/** A number that a parameter can be set as. */
 template <typename T>
 concept Number = std::is_arithmetic_v<T> || std::is_enum_v<T>;
+
+/** What a parameter can be read as. */
+template <typename T>
+concept Value = Number<T> || std::same_as<T, std::string>;
 
 /** What setters accept, or another answer: words for a person, and a JSON document. */
 struct Answer {
@@ -127,8 +131,10 @@ public:
     std::string name() const { return describe().name; }
 
     /** The value as a number, or as std::string. Throws Error if it does not fit in the type. */
-    template <Number T> T get() const {
-        if constexpr (std::same_as<T, bool>) {
+    template <Value T> T get() const {
+        if constexpr (std::same_as<T, std::string>) {
+            return text();
+        } else if constexpr (std::same_as<T, bool>) {
             return get<std::uint64_t>() != 0;
         } else if constexpr (std::is_enum_v<T>) {
             return static_cast<T>(get<std::underlying_type_t<T>>());
@@ -145,16 +151,6 @@ public:
             check(vexo_get_int(m_station, m_id, &value));
             return fitting<T>(value);
         }
-    }
-    template <std::same_as<std::string> T> T get() const {
-        std::string text(64, '\0');
-        std::size_t size = text.size();
-        while (vexo_get_text(m_station, m_id, text.data(), &size) != VEXO_OK) {
-            if (vexo_last_code() != VEXO_ERR_SPACE) throw Error();
-            text.resize(size);
-        }
-        text.resize(size - 1);
-        return text;
     }
     /** Elements of a field. */
     std::vector<std::uint32_t> elements(std::uint32_t first, std::uint32_t count) const {
@@ -218,6 +214,16 @@ public:
     }
 
 private:
+    std::string text() const {
+        std::string words(64, '\0');
+        std::size_t size = words.size();
+        while (vexo_get_text(m_station, m_id, words.data(), &size) != VEXO_OK) {
+            if (vexo_last_code() != VEXO_ERR_SPACE) throw Error();
+            words.resize(size);
+        }
+        words.resize(size - 1);
+        return words;
+    }
     friend class Station;
 
     Parameter(vexo_station* station, int id) : m_station(station), m_id(id) {}

@@ -40,4 +40,5 @@ BUILD_PACKAGES=(g++ make cmake python3 libcli11-dev nlohmann-json3-dev libedit-d
     libpng-dev libtiff-dev libjpeg-dev libcpp-httplib-dev pybind11-dev python3-dev)
 # shellcheck disable=SC2034
 TEST_PACKAGES=(abigail-tools binutils chromium curl libgtest-dev libgmock-dev libbenchmark-dev
-    pkg-config python3-jsonschema python3-lark python3-numpy python3-pytest python3-venv scdoc)
+    pkg-config python3-ipykernel python3-jsonschema python3-lark python3-nbclient python3-numpy python3-pytest
+    python3-venv scdoc)

@@ -10,7 +10,7 @@ folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 python3 -m venv "$folder"
 say "Fetching the tools"
-if ! "$folder/bin/pip" install --quiet 'scikit-build-core>=0.10' 'pybind11>=2.10' numpy pytest; then
+if ! "$folder/bin/pip" install --quiet 'scikit-build-core>=0.10' 'pybind11>=2.10' numpy pytest nbclient ipykernel; then
     say "SKIPPED: pip cannot fetch packages here, so the package was not built"
     exit 0
 fi

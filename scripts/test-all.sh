@@ -5,6 +5,8 @@ cd "$(dirname "$0")"
 bash test.sh
 bash check.sh
 bash python-package.sh
+bash docs-site.sh
+bash check-packages.sh
 bash fuzz.sh 60
 bash coverage.sh
 bash planted-faults.sh

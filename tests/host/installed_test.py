@@ -79,6 +79,17 @@ def build_examples(tree):
     assert cpp.startswith(b"P6\n640 480\n65535\n"), cpp[:20]
 
 
+def run_python(tree):
+    package = tree.prefix / "lib/python3/dist-packages"
+    if not package.exists():
+        print("the Python package was not built: its example is not run")
+        return
+    tree.environment["PYTHONPATH"] = str(package)
+    shown = tree.run("/usr/bin/python3", tree.prefix / "share/doc/vexo/examples/picture.py", "py.png", "FG_FORMAT=FG_COL48")
+    assert "640 x 480 pixels of Color 48bit" in shown, shown
+    assert (tree.folder / "py.png").read_bytes().startswith(b"\x89PNG"), "py.png is no picture"
+
+
 def build_with_pkg_config(tree):
     if not shutil.which("pkg-config"):
         print("pkg-config is missing: vexo.pc is not checked")
@@ -94,7 +105,7 @@ def build_with_pkg_config(tree):
 def main():
     cmake, build, folder, libdir = sys.argv[1:]
     tree = Tree(cmake, build, pathlib.Path(folder), libdir)
-    for check in (check_files, check_tool, build_examples, build_with_pkg_config):
+    for check in (check_files, check_tool, build_examples, run_python, build_with_pkg_config):
         check(tree)
     shutil.rmtree(folder)
 

@@ -230,6 +230,7 @@ class Http(unittest.TestCase):
             ("GET", "/api/station", {"Host": "192.168.1.1"}, 403),
             ("GET", "/api/station", {"Host": "localhost:9000", "Origin": "http://localhost:9000"}, 200),  # a tunnel
             ("GET", "/", {"Authorization": None}, 200),
+            ("GET", "/assets/icon.svg", {"Authorization": None}, 200),
             ("GET", "/assets/../../etc/passwd", {"Authorization": None}, 401),
             ("GET", "/assets/%2e%2e/index.html", {}, 404),
             ("GET", "/api/parameters?names=" + "x" * 8000, {}, 404),

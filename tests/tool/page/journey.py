@@ -116,7 +116,7 @@ class Journey(unittest.TestCase):
 
     def from_sources(self, route):
         name = urllib.parse.urlsplit(route.request.url).path.removeprefix("/").removeprefix("assets/") or "index.html"
-        kind = {"js": "text/javascript", "css": "text/css", "html": "text/html"}[name.rsplit(".", 1)[1]]
+        kind = {"js": "text/javascript", "css": "text/css", "html": "text/html", "svg": "image/svg+xml"}[name.rsplit(".", 1)[1]]
         policy = "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self' blob:; connect-src 'self'"
         route.fulfill(body=(pathlib.Path(os.environ["PAGE_UNDER_TEST"]) / name).read_bytes(),
                       headers={"Content-Type": kind, "Content-Security-Policy": policy})
