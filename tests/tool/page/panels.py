@@ -159,6 +159,12 @@ class Panels(Journey):
             page.keyboard.press("Shift+ArrowDown")
         expect(handle).not_to_have_attribute("aria-valuenow", str(value))
         self.assertEqual(self.still.value(f"FG_LUT_VALUE_GREEN[{entry}]"), value - 4096)
+        for gamma in ("50", ""):
+            page.fill("#lut-gamma", gamma)
+            page.click("#lut-apply-gamma")
+            expect(page.locator(".lut .error")).to_contain_text("a gamma from 0.1 to 10 is expected")
+            page.locator(".lut .error button").click()
+        self.assertEqual(self.still.value(f"FG_LUT_VALUE_GREEN[{entry}]"), value - 4096)
 
     def test_a_handle_changes_the_entries_beside_it(self):
         page = self.open(self.still)
