@@ -62,7 +62,8 @@ private:
     }
 
     void writeLine(const JSAMPLE* line) {
-        auto* row = const_cast<JSAMPROW>(line); // the library only reads it
+        // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): the library only reads it
+        auto* row = const_cast<JSAMPROW>(line);
         jpeg_write_scanlines(&m_jpeg, &row, 1);
     }
 
