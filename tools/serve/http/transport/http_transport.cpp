@@ -235,6 +235,7 @@ private:
                 stream.finish();
                 break;
             }
+            if (thisConnection().closesAfterThis) stream.finish();
             if (!isAnswered || isClosed || thisConnection().closesAfterThis) break;
         }
         return true;
