@@ -313,8 +313,18 @@ class Http(unittest.TestCase):
         def put(path, body):
             self.assertEqual(client.ask("PUT", path, body).status, 200)
 
-        # Lines came before each of these.
         source, height, belt = "/api/parameters/FG_LINETRIGGERINSRC", "/api/parameters/FG_HEIGHT", "/api/belt"
+        self.assertEqual(client.get("/api/frame?timeout=10000").status, 200)
+        # Steps forward give no line until those backwards are made up for.
+        put(belt, {"speed": -10000})
+        wait_for_reason("runs backwards")
+        put(belt, {"speed": 100})
+        wait_for_reason("the encoder went backwards")
+        way = client.get("/api/frame?after=99999999").json["error"]["waysOut"][0]
+        self.assertEqual(way["text"], "FG_SHAFTENCODER_COMPENSATION_COUNT=0")
+        self.assertEqual(client.ask("POST", "/api/settings", {"settings": way["settings"]}).status, 200)
+        put(belt, {"speed": 1000})
+        # Lines came before each of these.
         for path, bad, good, reason in [
                 (source, {"value": "TRGINSRC_GPI_7"}, {"value": "TRGINSRC_GPI_2"}, "no edge came at FG_LINETRIGGERINSRC"),
                 (belt, {"speed": 0}, {"speed": 1000}, "does not run"),
@@ -325,16 +335,6 @@ class Http(unittest.TestCase):
             with self.subTest(reason):
                 wait_for_reason(reason)
             put(path, good)
-        # Steps forward give no line until those backwards are made up for.
-        put(belt, {"speed": -10000})
-        wait_for_reason("runs backwards")
-        put(belt, {"speed": 100})
-        wait_for_reason("the encoder went backwards")
-        way = client.get("/api/frame?after=99999999").json["error"]["waysOut"][0]
-        self.assertEqual(way["text"], "FG_SHAFTENCODER_COMPENSATION_COUNT=0")
-        self.assertEqual(client.ask("POST", "/api/settings", {"settings": way["settings"]}).status, 200)
-        put(belt, {"speed": 1000})
-        self.assertEqual(client.get("/api/frame?timeout=10000").status, 200)
         put("/api/parameters/FG_EXSYNCON", {"value": "FG_OFF"})
         wait_for_reason("set FG_EXSYNCON=FG_ON")
         signal = wait_for(lambda: (it := client.get("/api/acquisition").json["signal"])["state"] == "none" and it)
