@@ -7,6 +7,9 @@
 #include "modules/Stream.h"
 #include "modules/System.h"
 
+#include <unistd.h>
+
+#include <atomic>
 #include <cstdlib>
 #include <optional>
 #include <utility>
@@ -15,9 +18,13 @@ using namespace producer;
 
 namespace {
 
+/** The process that runs the threads: a child that it forks has none of them, and shares its sockets. */
+std::atomic<pid_t> processOfThreads = 0;
+
 /** When the process ends, or the producer is unloaded, its own thread must not run; other objects that a
  *  client has left open are freed with the process. */
 void stopThreads() {
+    if (getpid() != processOfThreads) return;
     const std::lock_guard lock(lockOfModules());
     if (Library::the().system != nullptr) Library::the().system->stopThreads();
 }
@@ -26,6 +33,7 @@ void stopThreads() {
  *  Libraries that are loaded again register theirs again. */
 void stopThreadsAtTheEnd() {
     static std::optional<std::uint64_t> registeredFor; // guarded by the lock of the modules
+    processOfThreads = getpid();
     if (std::exchange(registeredFor, timesLoaded()) != timesLoaded()) std::atexit(stopThreads);
 }
 

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cmath>
 #include <cstring>
 
 namespace producer {
@@ -155,7 +156,11 @@ void RegisterMap::writeHeld(std::uint64_t address, std::span<const std::uint8_t>
     Bytes all(size, 0);
     if (bytes.size() < size && !isText && feature.get) all = encoded(feature.get(), size);
     std::copy(bytes.begin(), bytes.end(), all.begin() + static_cast<std::ptrdiff_t>(place));
-    feature.set(decoded(feature.kind, all));
+    const Value value = decoded(feature.kind, all);
+    // It passes every comparison with a limit.
+    if (const auto* real = std::get_if<double>(&value); real != nullptr && std::isnan(*real))
+        throw Error(GC_ERR_INVALID_VALUE, feature.name + " = nan was refused: a number is expected");
+    feature.set(value);
 }
 
 } // namespace producer

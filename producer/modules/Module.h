@@ -21,8 +21,8 @@ namespace producer {
 
 /**
  * A GenTL module: system, interface, device, stream, and the remote device. The functions of the port and of
- * the events are thread-safe. `lockOfModules` guards the relations between modules: open children and parents.
- * children and their parents.
+ * the events are thread-safe. `lockOfModules` guards the relations between modules: open children and
+ * their parents.
  */
 class Module : public Object {
 public:

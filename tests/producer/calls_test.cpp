@@ -222,6 +222,8 @@ const Step steps[] = {
     {"out of range", GC_ERR_INVALID_VALUE, [](S s, void*) { return s.set("FG_WIDTH", 16388); }},
     {"wider than the parameter", GC_ERR_INVALID_VALUE,
      [](S s, void*) { return s.set("FG_WIDTH", (std::int64_t{1} << 32) + 1024); }},
+    {"not a number", GC_ERR_INVALID_VALUE,
+     [](S s, void*) { return s.set("ExposureTime", 0x7ff8000000000000); }},
     {"no such entry", GC_ERR_INVALID_VALUE, [](S s, void*) { return s.set("PixelFormat", 5); }},
     {"lock", GC_ERR_SUCCESS, [](S s, void*) { return s.set("TLParamsLocked", 1); }},
     {"locked", GC_ERR_ACCESS_DENIED, [](S s, void*) { return s.set("Width", 512); }},

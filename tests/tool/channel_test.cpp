@@ -14,7 +14,9 @@
 #include <chrono>
 #include <filesystem>
 #include <iterator>
+#include <memory>
 #include <thread>
+#include <vector>
 
 namespace {
 
@@ -185,6 +187,22 @@ TEST_F(Channel, ClientsThatVanishOrDoNotReadAreNotNoticed) {
     const auto numbers = good.pictures(5);
     EXPECT_TRUE(std::ranges::is_sorted(numbers) && numbers.size() == 5);
     EXPECT_EQ(run({"--station", "line", "get", "FG_WIDTH"}).exitCode, 0);
+}
+
+TEST_F(Channel, OneClientMoreThanAStationServesIsToldSo) {
+    serve({"--clock", "stepped"});
+    constexpr int most = 16;
+    std::vector<std::unique_ptr<Client>> clients;
+    for (int i = 0; i < most; ++i)
+        clients.push_back(std::make_unique<Client>());
+    Client late(false);
+    const Answer answer = late.ask(Hello());
+    const auto* const refusal = std::get_if<Refusal>(&answer);
+    ASSERT_NE(refusal, nullptr);
+    EXPECT_EQ(refusal->reason, Reason::busy);
+    EXPECT_NE(refusal->text.find("16 clients"), std::string::npos) << refusal->text;
+    clients.pop_back();
+    EXPECT_TRUE(std::holds_alternative<Time>(Client().ask(ReadTime())));
 }
 
 TEST_F(Channel, ClientsOfOneStationGetThePicturesThatTheyAccept) {

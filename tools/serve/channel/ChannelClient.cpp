@@ -6,6 +6,7 @@
 #include <pthread.h>
 
 #include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <iterator>
 
@@ -16,6 +17,7 @@ using namespace station_channel;
 using applet_tools::Parameter;
 
 constexpr int longestGreeting = 5000; // milliseconds until the first message
+constexpr std::chrono::seconds longestWaitForPlace(4);
 /** Pictures that were sent and not received yet: so many a client can hold that does not read. */
 constexpr std::uint64_t mostOnTheWay = 4;
 /** Bytes of descriptions in a message, behind which no more are added. */
@@ -40,8 +42,10 @@ std::string pathOf(const Parameter& parameter) {
 
 } // namespace
 
-ChannelClient::ChannelClient(LiveStation& station, applet_tools::Descriptor socket)
+ChannelClient::ChannelClient(LiveStation& station, std::counting_semaphore<>& places,
+                             applet_tools::Descriptor socket)
     : m_station(station)
+    , m_places(places)
     , m_socket(std::move(socket))
     , m_thread([this] { work(); }) {}
 
@@ -98,6 +102,7 @@ void ChannelClient::work() {
     } catch (const std::exception&) { // a message that is none, or no memory: the connection ends
     }
     if (m_hasJoined) m_station.pictures->leave(*this);
+    if (m_hasPlace) m_places.release();
     m_isOver = true;
     m_socket.close();
 }
@@ -117,9 +122,15 @@ Answer ChannelClient::answerTo(const Request& request) {
 }
 
 Answer ChannelClient::execute(const Hello& hello) {
-    if (hello.version == protocolVersion) return Done();
-    return Refusal{Reason::invalid, 0,
-                   "the station is of another version: start it again with the appletctl of this producer"};
+    if (hello.version != protocolVersion)
+        return Refusal{
+            Reason::invalid, 0,
+            "the station is of another version: start it again with the appletctl of this producer"};
+    m_hasPlace = m_hasPlace || m_places.try_acquire_for(longestWaitForPlace);
+    if (m_hasPlace) return Done();
+    return Refusal{Reason::busy, 0,
+                   "the station serves " + std::to_string(mostClients) +
+                       " clients already, which is its limit: close one of them"};
 }
 
 Answer ChannelClient::execute(const Describe& describe) {

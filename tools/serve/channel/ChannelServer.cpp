@@ -14,8 +14,8 @@
 namespace serve {
 namespace {
 
-constexpr std::size_t mostClients = 16;
-constexpr int shortPeriod = 10, longPeriod = 500; // milliseconds
+constexpr std::size_t mostConnections = 2 * ChannelClient::mostClients; // some wait for a place
+constexpr int shortPeriod = 10, longPeriod = 500;                       // milliseconds
 
 } // namespace
 
@@ -65,12 +65,12 @@ void ChannelServer::accept() {
     applet_tools::Descriptor socket(accept4(m_socket.number(), nullptr, nullptr, SOCK_CLOEXEC));
     if (!socket || allowedPeer(socket.number()) < 0) return;
     const std::lock_guard guard(m_mutex);
-    m_clients.push_back(std::make_unique<ChannelClient>(m_station, std::move(socket)));
+    m_clients.push_back(std::make_unique<ChannelClient>(m_station, m_places, std::move(socket)));
 }
 
 bool ChannelServer::isFull() {
     const std::lock_guard guard(m_mutex);
-    return m_clients.size() >= mostClients;
+    return m_clients.size() >= mostConnections;
 }
 
 std::uint64_t ChannelServer::wantedEvents() {

@@ -10,6 +10,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <semaphore>
 #include <thread>
 #include <vector>
 
@@ -40,7 +41,8 @@ private:
     const applet_tools::Descriptor m_ending;      // wakes the thread
     std::map<const char*, std::uint64_t> m_masks; // of events by the design's names, for the command thread
     std::atomic<bool> m_isAskedFor{false};        // the command thread will take events
-    std::mutex m_mutex;                           // guards the member below
+    std::counting_semaphore<> m_places{ChannelClient::mostClients};
+    std::mutex m_mutex; // guards the member below
     std::vector<std::unique_ptr<ChannelClient>> m_clients;
     std::thread m_thread; // last, as it uses the other members
 };
