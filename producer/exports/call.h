@@ -52,7 +52,7 @@ template <typename Work> GC_ERROR call(Work work) {
     });
 }
 
-/** The same, while no module is opened or closed. */
+/** The same, while the relations between modules do not change. */
 template <typename Work> GC_ERROR callAlone(Work work) {
     return call([&work] {
         const std::lock_guard lock(lockOfModules());

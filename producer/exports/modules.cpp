@@ -21,18 +21,30 @@ namespace {
 /** The process that runs the threads: a child that it forks has none of them, and shares its sockets. */
 std::atomic<pid_t> processOfThreads = 0;
 
+std::shared_ptr<System> openSystem() {
+    const std::lock_guard lock(lockOfModules());
+    return Library::the().system;
+}
+
+/** Closes the system and frees its place for another one. */
+void closeSystem(const std::shared_ptr<System>& system) {
+    system->close();
+    const std::lock_guard lock(lockOfModules());
+    if (Library::the().system == system) Library::the().system.reset();
+}
+
 /** When the process ends, or the producer is unloaded, its own thread must not run; other objects that a
  *  client has left open are freed with the process. */
 void stopThreads() {
     if (getpid() != processOfThreads) return;
-    const std::lock_guard lock(lockOfModules());
-    if (Library::the().system != nullptr) Library::the().system->stopThreads();
+    if (const auto system = openSystem()) system->stopThreads();
 }
 
 /** Called when a board runs, so that the threads end before the cleanup of the libraries, which was registered before.
  *  Libraries that are loaded again register theirs again. */
 void stopThreadsAtTheEnd() {
     static std::optional<std::uint64_t> registeredFor; // guarded by the lock of the modules
+    const std::lock_guard lock(lockOfModules());
     processOfThreads = getpid();
     if (std::exchange(registeredFor, timesLoaded()) != timesLoaded()) std::atexit(stopThreads);
 }
@@ -66,11 +78,9 @@ GC_ERROR GCInitLib() {
 }
 
 GC_ERROR GCCloseLib() {
-    return callAlone([] {
-        Library& library = Library::the();
-        if (library.system != nullptr) library.system->close();
-        library.system.reset();
-        library.isInitialized = false;
+    return call([] {
+        if (const auto system = openSystem()) closeSystem(system);
+        Library::the().isInitialized = false;
     });
 }
 
@@ -104,10 +114,7 @@ GC_ERROR TLOpen(TL_HANDLE* tl) {
 }
 
 GC_ERROR TLClose(TL_HANDLE tl) {
-    return callAlone([=] {
-        systemOf(tl)->close();
-        Library::the().system.reset();
-    });
+    return call([=] { closeSystem(systemOf(tl)); });
 }
 
 GC_ERROR TLGetInfo(TL_HANDLE tl, int32_t command, INFO_DATATYPE* type, void* buffer, size_t* size) {
@@ -148,7 +155,7 @@ GC_ERROR TLUpdateInterfaceList(TL_HANDLE tl, bool8_t* changed, uint64_t) {
 // ---- Interfaces
 
 GC_ERROR IFClose(IF_HANDLE interface) {
-    return callAlone([=] { interfaceOf(interface)->close(); });
+    return call([=] { interfaceOf(interface)->close(); });
 }
 
 GC_ERROR IFGetInfo(IF_HANDLE interface, int32_t command, INFO_DATATYPE* type, void* buffer, size_t* size) {
@@ -178,7 +185,7 @@ GC_ERROR IFGetDeviceInfo(IF_HANDLE interface, const char* id, int32_t command, I
 }
 
 GC_ERROR IFOpenDevice(IF_HANDLE interface, const char* id, int32_t flags, DEV_HANDLE* device) {
-    return callAlone([=] {
+    return call([=] {
         const auto its = interfaceOf(interface);
         void*& handle = required(device, "device");
         handle = its->openDevice(id, flags)->handle();
@@ -232,7 +239,10 @@ GC_ERROR DevGetInfo(DEV_HANDLE device, int32_t command, INFO_DATATYPE* type, voi
 }
 
 GC_ERROR DevClose(DEV_HANDLE device) {
-    return callAlone([=] { deviceOf(device)->close(); });
+    return call([=] {
+        const auto its = deviceOf(device);
+        its->interface().closeDevice(*its);
+    });
 }
 
 GC_ERROR DevGetParentIF(DEV_HANDLE device, IF_HANDLE* interface) {

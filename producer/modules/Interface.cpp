@@ -4,6 +4,8 @@
 #include "modules/LocalDevice.h"
 #include "modules/System.h"
 
+#include <utility>
+
 namespace producer {
 namespace {
 
@@ -93,6 +95,8 @@ Answer Interface::deviceInfo(std::int32_t command) const {
 }
 
 std::shared_ptr<LocalDevice> Interface::openDevice(const char* id, std::int32_t flags) {
+    const std::lock_guard lock(m_deviceMutex);
+    if (m_isClosed) throw Error(GC_ERR_INVALID_HANDLE, "the interface was closed");
     requireDevice(id);
     if (flags < DEVICE_ACCESS_READONLY || flags > DEVICE_ACCESS_EXCLUSIVE)
         throw Error(GC_ERR_INVALID_PARAMETER, "a device can be opened with the flags 2, 3 or 4");
@@ -100,26 +104,37 @@ std::shared_ptr<LocalDevice> Interface::openDevice(const char* id, std::int32_t 
         throw Error(GC_ERR_RESOURCE_IN_USE, "the device " + m_deviceId + " is open already");
     const bool isReadOnly = flags == DEVICE_ACCESS_READONLY;
     const auto openMachine = [this](const MachineListener& listener) {
-        return m_station.empty() ? openBoard(m_system->libraries(), listener)
-                                 : openServed(m_station, listener);
+        if (!m_station.empty()) return openServed(m_station, listener);
+        const std::lock_guard modules(lockOfModules());
+        return openBoard(m_system->libraries(), listener);
     };
     m_device = LocalDevice::open(shared_from_this(), openMachine, m_deviceId, isReadOnly);
     m_status = isReadOnly ? DEVICE_ACCESS_STATUS_OPEN_READONLY : DEVICE_ACCESS_STATUS_OPEN_READWRITE;
     return m_device;
 }
 
-void Interface::forget(const LocalDevice& closed) {
-    if (m_device.get() != &closed) return;
+void Interface::endDevice() {
+    m_device->close();
     m_device.reset();
     m_status = DEVICE_ACCESS_STATUS_READWRITE;
 }
 
+void Interface::closeDevice(const LocalDevice& device) {
+    const std::lock_guard lock(m_deviceMutex);
+    if (m_device.get() != &device) throw Error(GC_ERR_INVALID_HANDLE, "the device was closed");
+    endDevice();
+}
+
 void Interface::stopThreads() {
+    const std::lock_guard lock(m_deviceMutex);
     if (m_device != nullptr) m_device->stopThread();
 }
 
 void Interface::close() {
-    if (m_device != nullptr) std::shared_ptr(m_device)->close();
+    const std::lock_guard lock(m_deviceMutex);
+    if (std::exchange(m_isClosed, true)) return;
+    if (m_device != nullptr) endDevice();
+    const std::lock_guard modules(lockOfModules());
     Module::close();
     m_system->forget(*this);
 }

@@ -55,7 +55,7 @@ void RemoteDevice::write(std::uint64_t address, std::span<const std::uint8_t> by
 std::vector<Feature> RemoteDevice::makeFeatures() {
     const Device device{m_device->station(), m_device->acquisition(), m_device->state, id()};
     const std::vector<Feature> parameters =
-        parameterFeatures(m_device->station(), [device] { return isAcquiring(device); });
+        parameterFeatures(m_device->station(), [device] { return acquisitionLock(device); });
     std::vector<Feature> features;
     addStandardFeatures(device, parameters, features);
     features.insert(features.end(), parameters.begin(), parameters.end());
@@ -100,12 +100,14 @@ void LocalDevice::forget(const Stream& closed) {
 }
 
 void LocalDevice::close() {
-    if (m_stream != nullptr) std::shared_ptr(m_stream)->close();
-    m_remote->close();
-    Module::close();
+    {
+        const std::lock_guard lock(lockOfModules());
+        if (m_stream != nullptr) std::shared_ptr(m_stream)->close();
+        m_remote->close();
+        Module::close();
+    }
     m_device->acquisition().stop();
     m_device->acquisition().finish();
-    m_interface->forget(*this);
 }
 
 std::vector<Feature> LocalDevice::makeFeatures() {

@@ -47,10 +47,10 @@ private:
     const std::shared_ptr<OpenDevice> m_device;
 };
 
-/** The caller must hold the lock of the modules. */
+/** The caller must hold the lock of the modules, unless the function says otherwise. */
 class LocalDevice final : public Module, public std::enable_shared_from_this<LocalDevice> {
 public:
-    /** Opens the station. Throws IO. */
+    /** Opens the station; without the lock of the modules. Throws IO. */
     static std::shared_ptr<LocalDevice> open(std::shared_ptr<Interface> interface,
                                              const OpenDevice::Open& open, const std::string& id,
                                              bool isReadOnly);
@@ -63,6 +63,8 @@ public:
     /** Throws INVALID_ID, RESOURCE_IN_USE. */
     std::shared_ptr<Stream> openStream(const char* id);
     void forget(const Stream& closed);
+
+    // Without the lock of the modules: they may wait for another process.
 
     void stopThread() { m_device->acquisition().finish(); }
     void close() override;

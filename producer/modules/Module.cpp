@@ -145,10 +145,11 @@ Feature selectorFeature(const char* category, const char* name, std::function<st
     Feature feature{.name = name, .category = category, .selected = std::move(selected)};
     feature.limits = [last] { return Limits{std::int64_t{0}, last(), std::int64_t{1}}; };
     feature.get = [chosen, last] { return std::min(*chosen, last()); }; // the list may have become shorter
-    feature.set = [chosen, last](const Value& value) {
+    feature.set = [chosen, last, name](const Value& value) {
         const std::int64_t wanted = std::get<std::int64_t>(value);
         if (wanted < 0 || wanted > last())
-            throw Error(GC_ERR_INVALID_VALUE, "the selector can be 0 to " + std::to_string(last()));
+            throw Error(GC_ERR_INVALID_VALUE, std::string(name) + " = " + std::to_string(wanted) +
+                                                  " was refused: it can be 0 to " + std::to_string(last()));
         *chosen = wanted;
     };
     return feature;

@@ -50,7 +50,7 @@ public:
     void unregisterEvent(std::int32_t kind);
 
     /** Closes the module and its children: their handles become invalid, and threads that wait for an event
-     *  get ABORT. The caller must hold the lock of the modules. */
+     *  get ABORT. A module without a function of its own wants the lock of the modules held. */
     virtual void close();
 
 protected:
@@ -72,7 +72,7 @@ private:
     std::map<std::int32_t, std::shared_ptr<EventQueue>> m_events; // filled by the constructors
 };
 
-/** Held by each call that opens or closes a module. */
+/** Held while the relations between modules change, never while another process is waited for. */
 std::mutex& lockOfModules();
 
 /** A read-only feature. */

@@ -137,13 +137,21 @@ const Libraries& System::libraries() {
 }
 
 void System::stopThreads() {
-    for (const auto& open : m_open)
+    std::unique_lock lock(lockOfModules());
+    const std::vector<std::shared_ptr<Interface>> all = m_open;
+    lock.unlock();
+    for (const auto& open : all)
         open->stopThreads();
 }
 
 void System::close() {
-    while (!m_open.empty())
-        std::shared_ptr(m_open.back())->close();
+    std::unique_lock lock(lockOfModules());
+    while (!m_open.empty()) {
+        const std::shared_ptr<Interface> last = m_open.back();
+        lock.unlock();
+        last->close();
+        lock.lock();
+    }
     Module::close();
     m_libraries.reset();
 }

@@ -14,7 +14,7 @@ namespace producer {
 
 class Interface;
 
-/** The caller must hold the lock of the modules. */
+/** The caller must hold the lock of the modules, unless the function says otherwise. */
 class System final : public Module, public std::enable_shared_from_this<System> {
 public:
     System();
@@ -36,9 +36,10 @@ public:
 
     /** The libraries stay loaded until the system is closed. */
     const Libraries& libraries();
-    /** Ends the threads of all open devices. */
+    /** Ends the threads of all open devices. Takes the locks itself. */
     void stopThreads();
 
+    /** Takes the locks itself. */
     void close() override;
 
 private:

@@ -15,6 +15,7 @@
 
 #include <cstring>
 #include <functional>
+#include <future>
 #include <map>
 #include <thread>
 
@@ -206,6 +207,32 @@ TEST_F(ServedStation, FalsePicturesHarmNobody) {
         EXPECT_EQ(session.streamNumber(STREAM_INFO_NUM_UNDERRUN), 2U)
             << row.what; // one between 7 and 9, one lost before
     }
+}
+
+TEST_F(ServedStation, OneThatDoesNotAnswerBlocksNoOtherDevice) {
+    std::promise<void> isAsked, mayAnswer;
+    const FakeStation station([&](FakeStation&, const ToStation& to) {
+        if (is<Describe>(to)) {
+            isAsked.set_value();
+            mayAnswer.get_future().wait();
+        }
+        return false;
+    });
+    ProducerSession session;
+    IF_HANDLE interface {};
+    DEV_HANDLE device{};
+    ok(TLOpenInterface(session.tl, "station-fake", &interface));
+    std::thread opening([&] {
+        EXPECT_EQ(IFOpenDevice(interface, "station-fake-process-0", DEVICE_ACCESS_CONTROL, &device),
+                  GC_ERR_SUCCESS); // had it to wait for the calls below, it would time out
+    });
+    isAsked.get_future().wait();
+    ok(DevClose(session.device));
+    ok(IFOpenDevice(session.interface, support::deviceId, DEVICE_ACCESS_CONTROL, &session.device));
+    ok(TLUpdateInterfaceList(session.tl, nullptr, 0));
+    mayAnswer.set_value();
+    opening.join();
+    ok(DevClose(device));
 }
 
 TEST_F(ServedStation, ItsEndEndsAllWaits) {

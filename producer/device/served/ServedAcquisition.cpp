@@ -39,8 +39,8 @@ void ServedAcquisition::accept() {
     std::uint64_t room = m_sink != nullptr ? m_sink->room() : 0;
     if (m_wanted != 0) room = std::min(room, m_wanted - m_delivered);
     if (m_told.received == m_received && m_told.room == room) return;
-    m_told = {m_received, room};
-    m_station.link().tell(m_told);
+    const station_channel::Accept told{m_received, room};
+    if (m_station.link().tell(told)) m_told = told;
 }
 
 void ServedAcquisition::start(std::uint64_t pictures) {

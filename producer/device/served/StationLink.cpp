@@ -57,8 +57,8 @@ std::optional<std::string> StationLink::listen(LinkListener* listener) {
     return m_loss;
 }
 
-void StationLink::tell(Request request) {
-    m_socket.send(encoded(ToStation{0, std::move(request)}), ChannelSocket::Wait::forRoom);
+bool StationLink::tell(Request request) {
+    return m_socket.send(encoded(ToStation{0, std::move(request)}), ChannelSocket::Wait::forRoom);
 }
 
 Answer StationLink::answerTo(Request request) {
@@ -68,8 +68,10 @@ Answer StationLink::answerTo(Request request) {
     if (++m_number == 0) ++m_number;
     const Bytes message = encoded(ToStation{m_number, std::move(request)});
     lock.unlock();
-    m_socket.send(message, ChannelSocket::Wait::forRoom);
+    const bool isSent = m_socket.send(message, ChannelSocket::Wait::forRoom);
     lock.lock();
+    if (!isSent && !m_loss)
+        throw Error(GC_ERR_IO, "the station '" + m_name + "' does not read what it is sent");
     m_changed.wait_for(lock, longestAnswer, [this] { return m_answer || m_loss; });
     if (m_answer) return *std::exchange(m_answer, std::nullopt);
     throw Error(GC_ERR_IO, m_loss ? *m_loss

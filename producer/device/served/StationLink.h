@@ -44,8 +44,8 @@ public:
         if (const T* its = std::get_if<T>(&answer)) return *its;
         refuse(answer);
     }
-    /** Sends without an answer; nothing happens if the link is lost. */
-    void tell(station_channel::Request request);
+    /** Sends without an answer. False if it was not sent: the link is lost, or the station does not read. */
+    bool tell(station_channel::Request request);
 
     /** From now on this one is called; null: none. Returns when the one before is not used any more: why the link is
      *  lost, if it is. */
