@@ -51,7 +51,8 @@ bool isServed(std::int32_t kind) {
 
 } // namespace
 
-std::vector<Feature> parameterFeatures(Station& station, const std::function<bool()>& isAcquiring) {
+std::vector<Feature> parameterFeatures(Station& station,
+                                       const std::function<std::string()>& acquisitionLock) {
     std::vector<Feature> features;
     for (const Parameter& parameter : station.parameters()) {
         if (!isServed(parameter.kind)) continue;
@@ -68,8 +69,12 @@ std::vector<Feature> parameterFeatures(Station& station, const std::function<boo
                         .isStandard = false};
         feature.get = [&station, &parameter] { return station.get(parameter); };
         feature.set = [&station, &parameter](const Value& value) { station.set(parameter, value); };
-        feature.isLocked = [&station, &parameter, isAcquiring] {
-            return !station.state(parameter).isWritable(isAcquiring());
+        feature.lockReason = [&station, &parameter, acquisitionLock]() -> std::string {
+            const applet_host::ParameterState state = station.state(parameter);
+            if (!state.isWritable(false))
+                return "the applet makes it read-only now; 'appletctl why " + parameter.name +
+                       "' shows which settings do";
+            return state.isWritable(true) ? "" : acquisitionLock();
         };
         if (feature.kind == Feature::Kind::integer || feature.kind == Feature::Kind::real)
             feature.limits = [&station, &parameter] { return station.state(parameter).limits; };

@@ -10,9 +10,9 @@
 
 namespace producer {
 
-/** One for each parameter of the tree. `isAcquiring` says whether to lock those that must not change during an
- *  acquisition. The station must outlive the features. */
-std::vector<Feature> parameterFeatures(Station& station, const std::function<bool()>& isAcquiring);
+/** One for each parameter of the tree. `acquisitionLock`: why those that must not change during an acquisition are
+ *  locked; empty if they are not. The station must outlive the features. */
+std::vector<Feature> parameterFeatures(Station& station, const std::function<std::string()>& acquisitionLock);
 
 } // namespace producer
 

@@ -106,7 +106,7 @@ void StandardFeatures::addColours() {
         Feature& feature = add(tableControl, "LUTEnable", Kind::boolean, "Whether the tables are used.");
         feature.get = enable->get;
         feature.set = enable->set;
-        feature.isLocked = enable->isLocked;
+        feature.lockReason = enable->lockReason;
     }
     Feature& all = add(tableControl, "LUTValueAll", Kind::table, "All entries of the table, 32 bits each.");
     follow(all, "LUTSelector", {"FG_LUT_VALUE_RED", "FG_LUT_VALUE_GREEN", "FG_LUT_VALUE_BLUE"});
@@ -114,28 +114,20 @@ void StandardFeatures::addColours() {
     std::int64_t& index = m_device.state.tableIndex;
     const auto last = static_cast<std::int64_t>(table.elements) - 1;
     Feature& place = add(tableControl, "LUTIndex", Kind::integer, "The entry that LUTValue is.");
-    place.limits = [last] { return Limits{std::int64_t{0}, last, std::int64_t{1}}; };
     place.get = [&index] { return index; };
-    place.set = [&index, last](const Value& value) {
-        if (integerOf(value) < 0 || integerOf(value) > last)
-            throw Error(GC_ERR_INVALID_VALUE, "LUTIndex can be 0 to " + std::to_string(last));
-        index = integerOf(value);
-    };
+    setWithin(place, 0, last, [&index](std::int64_t entry) { index = entry; });
     place.selected = {"LUTValue"};
     Feature& entry = add(tableControl, "LUTValue", Kind::integer, "An entry of the table.");
-    entry.limits = [] { return Limits{std::int64_t{0}, std::int64_t{65535}, std::int64_t{1}}; };
-    entry.isLocked = table.isLocked;
+    entry.lockReason = table.lockReason;
     entry.get = [its = table.get, &index] {
         return std::int64_t{std::get<std::vector<std::uint32_t>>(its()).at(static_cast<std::size_t>(index))};
     };
-    entry.set = [table, &index](const Value& value) {
-        if (integerOf(value) < 0 || integerOf(value) > 65535)
-            throw Error(GC_ERR_INVALID_VALUE, "LUTValue can be 0 to 65535");
+    setWithin(entry, 0, UINT16_MAX, [table, &index](std::int64_t its) {
         Value entries = table.get();
         std::get<std::vector<std::uint32_t>>(entries).at(static_cast<std::size_t>(index)) =
-            static_cast<std::uint32_t>(integerOf(value));
+            static_cast<std::uint32_t>(its);
         table.set(entries);
-    };
+    });
 }
 
 void StandardFeatures::addEvents() {

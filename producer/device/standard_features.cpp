@@ -25,8 +25,22 @@ constexpr std::int64_t rolling = 8;
 
 } // namespace
 
-bool isAcquiring(const Device& device) {
-    return device.state.areParametersLocked || device.acquisition.isRunning();
+std::string acquisitionLock(const Device& device) {
+    if (device.state.areParametersLocked) return "TLParamsLocked is 1";
+    return device.acquisition.isRunning() ? "an acquisition runs; stop it first" : "";
+}
+
+void setWithin(Feature& feature, std::int64_t minimum, std::int64_t maximum,
+               std::function<void(std::int64_t)> set) {
+    feature.limits = [minimum, maximum] { return Limits{minimum, maximum, std::int64_t{1}}; };
+    feature.set = [=, name = feature.name](const Value& value) {
+        const std::int64_t number = integerOf(value);
+        if (number < minimum || number > maximum)
+            throw Error(GC_ERR_INVALID_VALUE, name + " = " + std::to_string(number) +
+                                                  " was refused: it can be " + std::to_string(minimum) +
+                                                  " to " + std::to_string(maximum));
+        set(number);
+    };
 }
 
 void addStandardFeatures(const Device& device, const std::vector<Feature>& parameters,
@@ -81,13 +95,7 @@ void StandardFeatures::selector(const char* category, const char* name, std::vec
     feature.entries = std::move(entries);
     feature.selected = std::move(selected);
     feature.get = [&state] { return state; };
-    feature.set = [&state, name, all = feature.entries](const Value& value) {
-        const auto found = std::ranges::find(all, integerOf(value), &FeatureEntry::value);
-        if (found == all.end())
-            throw Error(GC_ERR_INVALID_VALUE,
-                        std::string(name) + " has no value " + std::to_string(integerOf(value)));
-        state = found->value;
-    };
+    feature.set = [&state](const Value& value) { state = integerOf(value); };
 }
 
 std::int64_t StandardFeatures::selected(const char* selector) const {
@@ -102,7 +110,7 @@ void StandardFeatures::follow(Feature& feature, const char* selector, const std:
     const auto its = [all, &state]() -> const Feature& { return all.at(static_cast<std::size_t>(state)); };
     feature.get = [its] { return its().get(); };
     feature.set = [its](const Value& value) { its().set(value); };
-    feature.isLocked = [its] { return its().isLocked(); };
+    feature.lockReason = [its] { return its().lockReason(); };
     if (!all.empty() && all.front().limits) feature.limits = [its] { return its().limits(); };
     if (!all.empty()) feature.elements = all.front().elements;
 }
@@ -145,12 +153,11 @@ void StandardFeatures::addImageFormat() {
         format.entries.push_back({one.name, one.code});
     format.get = [device] { return std::int64_t{device.acquisition.format().code}; };
     format.set = [device](const Value& value) {
-        const PixelFormat* chosen = pixelFormatOf(integerOf(value));
-        if (chosen == nullptr) throw Error(GC_ERR_INVALID_VALUE, "PixelFormat has no such value");
-        device.station.set("FG_FORMAT", std::int64_t{chosen->outputFormat});
-        device.acquisition.setFormat(*chosen);
+        const PixelFormat& chosen = *pixelFormatOf(integerOf(value));
+        device.station.set("FG_FORMAT", std::int64_t{chosen.outputFormat});
+        device.acquisition.setFormat(chosen);
     };
-    format.isLocked = [device] { return isAcquiring(device); };
+    format.lockReason = [device] { return acquisitionLock(device); };
 
     if (const Feature* vantage = parameter("FG_VANTAGEPOINT")) {
         for (const auto& [name, bit] :
@@ -162,7 +169,7 @@ void StandardFeatures::addImageFormat() {
                 const std::int64_t now = integerOf(its.get());
                 its.set(integerOf(value) != 0 ? now | mask : now & ~mask);
             };
-            reverse.isLocked = vantage->isLocked;
+            reverse.lockReason = vantage->lockReason;
         }
     }
 
@@ -196,22 +203,13 @@ void StandardFeatures::addAcquisition() {
         add(acquisitionControl, "AcquisitionMode", Kind::enumeration, "When an acquisition ends.");
     mode.entries = {{"Continuous", continuous}, {"SingleFrame", singleFrame}, {"MultiFrame", multiFrame}};
     mode.get = [device] { return device.state.acquisitionMode; };
-    mode.set = [device](const Value& value) {
-        if (integerOf(value) < continuous || integerOf(value) > multiFrame)
-            throw Error(GC_ERR_INVALID_VALUE, "AcquisitionMode has no such value");
-        device.state.acquisitionMode = integerOf(value);
-    };
-    mode.isLocked = [device] { return isAcquiring(device); };
+    mode.set = [device](const Value& value) { device.state.acquisitionMode = integerOf(value); };
+    mode.lockReason = [device] { return acquisitionLock(device); };
 
     Feature& count =
         add(acquisitionControl, "AcquisitionFrameCount", Kind::integer, "Pictures in the mode MultiFrame.");
-    count.limits = [] { return Limits{std::int64_t{1}, std::int64_t{INT32_MAX}, std::int64_t{1}}; };
     count.get = [device] { return device.state.frameCount; };
-    count.set = [device](const Value& value) {
-        if (integerOf(value) < 1 || integerOf(value) > INT32_MAX)
-            throw Error(GC_ERR_INVALID_VALUE, "AcquisitionFrameCount can be 1 to 2147483647");
-        device.state.frameCount = integerOf(value);
-    };
+    setWithin(count, 1, INT32_MAX, [device](std::int64_t pictures) { device.state.frameCount = pictures; });
 
     add(acquisitionControl, "AcquisitionStart", Kind::command, "Starts the DMA.").set =
         [device](const Value&) {
@@ -246,7 +244,7 @@ void StandardFeatures::addAcquisition() {
             const bool isNear = wanted > minimum - grid / 2 && wanted < maximum + grid / 2;
             its.set(isNear ? std::clamp(std::round(wanted / grid) * grid, minimum, maximum) : wanted);
         };
-        rate.isLocked = period->isLocked;
+        rate.lockReason = period->lockReason;
     }
 }
 
@@ -258,13 +256,8 @@ void StandardFeatures::addTransport() {
     Feature& locked = add(transportControl, "TLParamsLocked", Kind::integer,
                           "1: parameters are locked that may not change while an acquisition runs.");
     locked.visibility = Feature::Visibility::invisible;
-    locked.limits = [] { return Limits{std::int64_t{0}, std::int64_t{1}, std::int64_t{1}}; };
     locked.get = [device] { return std::int64_t{device.state.areParametersLocked}; };
-    locked.set = [device](const Value& value) {
-        if (integerOf(value) < 0 || integerOf(value) > 1)
-            throw Error(GC_ERR_INVALID_VALUE, "TLParamsLocked can be 0 or 1");
-        device.state.areParametersLocked = integerOf(value) == 1;
-    };
+    setWithin(locked, 0, 1, [device](std::int64_t are) { device.state.areParametersLocked = are == 1; });
 }
 
 } // namespace producer

@@ -33,8 +33,8 @@ struct Device {
     std::string id;
 };
 
-/** Whether parameters that must not change during an acquisition are locked. */
-bool isAcquiring(const Device& device);
+/** Why parameters that must not change during an acquisition are locked; empty if they are not. */
+std::string acquisitionLock(const Device& device);
 
 /** Appends the features; `parameters` are the applet's own. Each subject has a source file of its own. */
 void addStandardFeatures(const Device& device, const std::vector<Feature>& parameters,
@@ -45,6 +45,10 @@ inline constexpr const char* acquisitionControl = "AcquisitionControl";
 
 /** The value of a feature that is an integer, or appears as one to a client. */
 inline std::int64_t integerOf(const Value& value) { return std::get<std::int64_t>(value); }
+
+/** Gives an integer that is not a parameter its limits. `set` is called with values within them only. */
+void setWithin(Feature& feature, std::int64_t minimum, std::int64_t maximum,
+               std::function<void(std::int64_t)> set);
 
 /** Makes features, grouped by subject. */
 class StandardFeatures {

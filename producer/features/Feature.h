@@ -39,8 +39,8 @@ struct Feature {
     std::function<void(const Value&)> set{};
     /** The limits of a number; empty if there are none beyond those of its kind. */
     std::function<Limits()> limits{};
-    /** Whether it cannot be written now. */
-    std::function<bool()> isLocked{};
+    /** Why it cannot be written now; an empty text if it can. No function if it always can. */
+    std::function<std::string()> lockReason{};
 };
 
 } // namespace producer

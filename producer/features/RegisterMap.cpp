@@ -60,7 +60,7 @@ Bytes limitsOf(const Feature& feature) {
         const Bytes one = encoded(*value, 8);
         bytes.insert(bytes.end(), one.begin(), one.end());
     }
-    const Bytes locked = encoded(std::int64_t{feature.isLocked && feature.isLocked()}, 8);
+    const Bytes locked = encoded(std::int64_t{feature.lockReason && !feature.lockReason().empty()}, 8);
     bytes.insert(bytes.end(), locked.begin(), locked.end());
     return bytes;
 }
@@ -74,6 +74,31 @@ bool isWithin(std::uint64_t place, std::size_t length, std::size_t size) {
     throw Error(GC_ERR_INVALID_ADDRESS, "there is no register of " + std::to_string(length) + " bytes at 0x" +
                                             hexadecimal(address) +
                                             "; the description names those that there are");
+}
+
+/** "0 (Off), 1 (On)" */
+std::string listOf(const std::vector<FeatureEntry>& entries) {
+    std::string list;
+    for (const FeatureEntry& entry : entries)
+        list += (list.empty() ? "" : ", ") + std::to_string(entry.value) + " (" + entry.name + ")";
+    return list;
+}
+
+/** Throws INVALID_VALUE for a value that no feature of that kind can have. The applet itself checks its parameters. */
+void requireValid(const Feature& feature, const Value& value) {
+    const auto refuse = [&](const std::string& text, const std::string& wanted) {
+        throw Error(GC_ERR_INVALID_VALUE, feature.name + " = " + text + " was refused: it can be " + wanted);
+    };
+    // A comparison with a limit does not detect it.
+    if (const auto* real = std::get_if<double>(&value); real != nullptr && std::isnan(*real))
+        refuse("nan", "a number");
+    const auto* const integer = std::get_if<std::int64_t>(&value);
+    if (integer == nullptr || !feature.isStandard) return;
+    if (feature.kind == Feature::Kind::boolean && *integer != 0 && *integer != 1)
+        refuse(std::to_string(*integer), "0 or 1");
+    if (feature.kind == Feature::Kind::enumeration &&
+        std::ranges::find(feature.entries, *integer, &FeatureEntry::value) == feature.entries.end())
+        refuse(std::to_string(*integer), listOf(feature.entries));
 }
 
 } // namespace
@@ -148,18 +173,14 @@ void RegisterMap::writeHeld(std::uint64_t address, std::span<const std::uint8_t>
     const std::size_t size = valueSize(feature);
     if (!isWithin(place, bytes.size(), size)) refuseAddress(address, bytes.size());
     if (!feature.set) throw Error(GC_ERR_ACCESS_DENIED, feature.name + " can only be read");
-    if (feature.isLocked && feature.isLocked())
-        throw Error(GC_ERR_ACCESS_DENIED, feature.name +
-                                              " cannot be written now: it is locked while an acquisition "
-                                              "runs or TLParamsLocked is 1, or by the applet");
+    if (const std::string reason = feature.lockReason ? feature.lockReason() : ""; !reason.empty())
+        throw Error(GC_ERR_ACCESS_DENIED, feature.name + " cannot be written now: " + reason);
     const bool isText = feature.kind == Feature::Kind::text; // a partial write of a text ends the text
     Bytes all(size, 0);
     if (bytes.size() < size && !isText && feature.get) all = encoded(feature.get(), size);
     std::copy(bytes.begin(), bytes.end(), all.begin() + static_cast<std::ptrdiff_t>(place));
     const Value value = decoded(feature.kind, all);
-    // It passes every comparison with a limit.
-    if (const auto* real = std::get_if<double>(&value); real != nullptr && std::isnan(*real))
-        throw Error(GC_ERR_INVALID_VALUE, feature.name + " = nan was refused: a number is expected");
+    requireValid(feature, value);
     feature.set(value);
 }
 

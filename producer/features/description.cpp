@@ -111,7 +111,7 @@ private:
         optional("Description", feature.description);
         optional("DisplayName", feature.label);
         element("Visibility", visibilities[static_cast<std::size_t>(feature.visibility)]);
-        if (feature.isLocked) element("pIsLocked", feature.name + "_Locked");
+        if (feature.lockReason) element("pIsLocked", feature.name + "_Locked");
         if (!feature.set) element("ImposedAccessMode", "RO");
     }
 
@@ -207,7 +207,7 @@ private:
             addRegister(feature, "_Max", limits + 8, "RO", isReal);
             if (!isReal) addRegister(feature, "_Inc", limits + 16, "RO", false);
         }
-        if (feature.isLocked) addRegister(feature, "_Locked", limits + 24, "RO", false);
+        if (feature.lockReason) addRegister(feature, "_Locked", limits + 24, "RO", false);
     }
 
     void add(const Feature& feature, std::uint64_t slot) {

@@ -225,6 +225,11 @@ const Step steps[] = {
     {"not a number", GC_ERR_INVALID_VALUE,
      [](S s, void*) { return s.set("ExposureTime", 0x7ff8000000000000); }},
     {"no such entry", GC_ERR_INVALID_VALUE, [](S s, void*) { return s.set("PixelFormat", 5); }},
+    {"an entry of 65 bits", GC_ERR_INVALID_VALUE,
+     [](S s, void*) { return s.set("TriggerMode", (std::int64_t{1} << 62) + 1); }},
+    {"no such boolean", GC_ERR_INVALID_VALUE, [](S s, void*) { return s.set("ReverseX", -1); }},
+    {"no such pattern", GC_ERR_INVALID_VALUE, [](S s, void*) { return s.set("TestPattern", 17); }},
+    {"no such notification", GC_ERR_INVALID_VALUE, [](S s, void*) { return s.set("EventNotification", 2); }},
     {"lock", GC_ERR_SUCCESS, [](S s, void*) { return s.set("TLParamsLocked", 1); }},
     {"locked", GC_ERR_ACCESS_DENIED, [](S s, void*) { return s.set("Width", 512); }},
     {"no stacked entries", GC_ERR_INVALID_PARAMETER,
@@ -363,19 +368,40 @@ TEST(ProducerSteps, EachStepHasItsCode) {
 INSTANTIATE_TEST_SUITE_P(States, ProducerCalls, testing::Bool());
 
 TEST(ProducerSteps, LastErrorDescribesTheFailure) {
+    struct Row {
+        const char* feature;
+        std::int64_t value;
+        GC_ERROR code;
+        const char* text;
+    };
+    const Row rows[] = {
+        {"Width", 1022, GC_ERR_INVALID_VALUE,
+         "FG_WIDTH = 1022 was refused: -7080, value not on the parameter's grid; the present limits are "
+         "4 to 16384 in steps of 4 pixel"},
+        {"TriggerMode", 77, GC_ERR_INVALID_VALUE, "TriggerMode = 77 was refused: it can be 0 (Off), 1 (On)"},
+        {"AcquisitionFrameCount", 0, GC_ERR_INVALID_VALUE,
+         "AcquisitionFrameCount = 0 was refused: it can be 1 to 2147483647"},
+        {"TriggerSource", 1, GC_ERR_ACCESS_DENIED,
+         "TriggerSource cannot be written now: the applet makes it read-only now; 'appletctl why "
+         "FG_IMGTRIGGERINSRC' shows which settings do"},
+        {"TLParamsLocked", 1, GC_ERR_SUCCESS, nullptr},
+        {"Width", 512, GC_ERR_ACCESS_DENIED, "Width cannot be written now: TLParamsLocked is 1"},
+    };
     support::ProducerSession session;
-    EXPECT_EQ(session.set("Width", 1022), GC_ERR_INVALID_VALUE);
     GC_ERROR code = 0;
     char text[1024];
-    size_t length = sizeof text;
-    EXPECT_EQ(GCGetLastError(&code, text, &length), GC_ERR_SUCCESS);
-    EXPECT_EQ(code, GC_ERR_INVALID_VALUE);
-    EXPECT_STREQ(
-        text, "FG_WIDTH = 1022 was refused: -7080, value not on the parameter's grid; the present limits are "
-              "4 to 16384 in steps of 4 pixel");
+    size_t length = 0;
+    for (const Row& row : rows) {
+        EXPECT_EQ(session.set(row.feature, row.value), row.code) << row.feature;
+        if (row.text == nullptr) continue;
+        length = sizeof text;
+        EXPECT_EQ(GCGetLastError(&code, text, &length), GC_ERR_SUCCESS);
+        EXPECT_EQ(code, row.code);
+        EXPECT_STREQ(text, row.text);
+    }
     length = 3;
     EXPECT_EQ(GCGetLastError(&code, text, &length), GC_ERR_BUFFER_TOO_SMALL);
-    EXPECT_EQ(code, GC_ERR_INVALID_VALUE);
+    EXPECT_EQ(code, GC_ERR_ACCESS_DENIED);
 }
 
 } // namespace
