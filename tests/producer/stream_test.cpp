@@ -314,6 +314,19 @@ TEST(ProducerEndurance, ClientMayExitWithoutClosing) {
     }
 }
 
+TEST(ProducerEndurance, ForkedChildLeavesTheParentAlone) {
+    EXPECT_EQ(exitCodeOf([] {
+                  alarm(60); // a child that waits for a thread of its parent would wait for ever
+                  ProducerSession session;
+                  session.queueBuffers(4);
+                  session.start();
+                  for (int i = 0; i < 10; ++i)
+                      if (exitCodeOf([] { std::exit(0); }) != 0) std::_Exit(1);
+                  std::_Exit(session.fetch() != nullptr ? 0 : 2);
+              }),
+              0);
+}
+
 TEST(ProducerStation, UsesTheStationFile) {
     // The belt moves a pixel of 0.1 mm each 200 us, the period of the lines: their numbers, read from the last bar, go on.
     const support::TemporaryFolder folder;
@@ -343,6 +356,8 @@ TEST(ProducerStation, UsesTheStationFile) {
         support::writeFile(file, wrong);
         EXPECT_ANY_THROW(ProducerSession()) << wrong;
     }
+    setenv("VBOARD_STATION", "", 1);
+    EXPECT_ANY_THROW(ProducerSession()) << "no name";
     unsetenv("VBOARD_STATION");
 }
 

@@ -285,8 +285,10 @@ StationFile readStationFile(const std::string& file) {
 
 std::optional<StationFile> stationOfEnvironment() {
     const char* const file = std::getenv("VBOARD_STATION");
-    if (file == nullptr || *file == '\0') return std::nullopt;
+    if (file == nullptr) return std::nullopt;
     try {
+        if (*file == '\0')
+            throw UsageError("the name of the station file is empty: unset the variable to have none");
         return readStationFile(file);
     } catch (const UsageError& error) {
         throw UsageError("VBOARD_STATION: " + std::string(error.what()));
