@@ -3,6 +3,7 @@
 // are used as well. Every call, in any order, must return one of the standard's codes, and nothing may be
 // left open at the end.
 
+#include "applet_host/AppletHost.h"
 #include "invariants.h"
 #include "producer/gentl.h"
 #include "support/temporary_folder.h"
@@ -153,6 +154,7 @@ private:
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const applet_host::AppletHost loaded; // libFuzzer counts in libraries, which must not be unloaded
     static const support::TemporaryFolder folder;
     static const int clock = setenv("VBOARD_CLOCK", "stepped", 1);
     require(clock == 0, "the clock is chosen");
