@@ -23,14 +23,6 @@ std::string placeIn(const std::string& text, std::size_t byte) {
     return "line " + numberText(line) + ", column " + numberText(column);
 }
 
-std::string shownValue(const Document& value) {
-    constexpr std::size_t most = 60;
-    if (value.is_object()) return "an object";
-    if (value.is_array()) return value.empty() ? "an empty list" : "a list";
-    const std::string text = value.dump(-1, ' ', false, Document::error_handler_t::replace);
-    return shortened(printable(text), most);
-}
-
 /** Refuses documents that the library accepts: with duplicate names, or very deep ones. Knows the place of the value
  *  that is read. */
 class Watcher {
@@ -83,6 +75,14 @@ std::string numberIn(const std::string& message) {
 }
 
 } // namespace
+
+std::string shownValue(const Document& value) {
+    constexpr std::size_t most = 60;
+    if (value.is_object()) return "an object";
+    if (value.is_array()) return value.empty() ? "an empty list" : "a list";
+    const std::string text = value.dump(-1, ' ', false, Document::error_handler_t::replace);
+    return shortened(printable(text), most);
+}
 
 Document parseDocument(const std::string& text) {
     Watcher watcher;

@@ -18,6 +18,9 @@ namespace applet_tools {
 /** Parses a document and refuses duplicate names in an object. Throws UsageError with line and column. */
 nlohmann::ordered_json parseDocument(const std::string& text);
 
+/** A short form of a value for a message, without control characters: `an object`, `a list`, `25`, `"text"`. */
+std::string shownValue(const nlohmann::ordered_json& value);
+
 /** All members throw UsageError: "belt.encoder.step: found 25; expected a length, such as "25um"". */
 class DocumentField {
 public:

@@ -140,10 +140,8 @@ std::string valueWord(const Json& value) {
             return std::to_string(static_cast<std::int64_t>(number));
     }
     if (value.is_number()) return value.dump();
-    constexpr auto replace = Json::error_handler_t::replace;
     throw HttpError(status::badRequest, "invalid",
-                    "a value is a number or a text, and not " +
-                        applet_tools::shortened(value.dump(-1, ' ', false, replace), 60));
+                    "a value is a number or a text, and not " + applet_tools::shownValue(value));
 }
 
 } // namespace serve
