@@ -143,7 +143,7 @@ def tests_pass(run, regex):
 
 def failed_tests():
     log = (PLANTED / "tests.log").read_text(encoding="utf-8", errors="replace")
-    return " ".join(re.findall(r"^\s*\d+ - (\S+) \(", log, re.MULTILINE)) or "no test: see build/planted/tests.log"
+    return " ".join(re.findall(r"^\s*\d+ - (\S+) .*\(", log, re.MULTILINE)) or "no test: see build/planted/tests.log"
 
 
 def prepare(run, faults, named_only):

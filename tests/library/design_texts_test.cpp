@@ -36,6 +36,10 @@ TEST_F(DesignTexts, TextsOfAnyLengthAreRead) {
             expectText(FG_DEBUGFILE, value);
         }
     }
+    // Longer than the room for a text that was not set here.
+    const std::string value(34u << 20, 'a');
+    ASSERT_EQ(setText(FG_DEBUGFILE, value), FG_OK);
+    expectText(FG_DEBUGFILE, value);
 }
 
 TEST_F(DesignTexts, LongTextsAreTruncated) {

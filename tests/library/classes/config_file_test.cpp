@@ -14,6 +14,7 @@
 #include <fcntl.h>
 #include <functional>
 #include <string>
+#include <unistd.h>
 #include <utility>
 
 namespace {
@@ -82,6 +83,15 @@ TEST_F(ConfigFile, IsCompleteDespiteInterruptedCalls) {
     int value = 0;
     EXPECT_EQ(parser.parseIntKeySection(0, "last", &value), 0);
     EXPECT_EQ(value, 2);
+}
+
+TEST_F(ConfigFile, ReportsAFailedClose) {
+    // Some file systems report a failed write only then.
+    TextFile file;
+    ASSERT_TRUE(file.open(path(), TextFile::Mode::Write));
+    file.write("x");
+    ASSERT_EQ(close(file.descriptor()), 0);
+    EXPECT_FALSE(file.finish());
 }
 
 TEST_F(ConfigFile, FindsKeysBySectionInAnyOrder) {
