@@ -6,7 +6,7 @@ nlohmann::json asMessage(const ClientCommand& command) {
     return {
         {"protocol", protocolVersion}, {"do", command.kind == ClientCommand::Kind::line ? "line" : "command"},
         {"words", command.words},      {"line", command.line},
-        {"place", command.place},      {"environment", command.environment}};
+        {"prefix", command.prefix},    {"environment", command.environment}};
 }
 
 ClientCommand commandFrom(const nlohmann::json& message) {
@@ -14,7 +14,7 @@ ClientCommand commandFrom(const nlohmann::json& message) {
     if (message.at("do").get<std::string>() == "line") command.kind = ClientCommand::Kind::line;
     message.at("words").get_to(command.words);
     message.at("line").get_to(command.line);
-    message.at("place").get_to(command.place);
+    message.at("prefix").get_to(command.prefix);
     message.at("environment").get_to(command.environment);
     return command;
 }

@@ -33,7 +33,7 @@ struct ClientCommand {
     Kind kind = Kind::commandLine;
     applet_tools::Words words;
     std::string line;
-    std::string place; /**< precedes the problems of a line: "line 3: " */
+    std::string prefix; /**< precedes the problems of a line: "line 3: " */
     std::map<std::string, std::string> environment;
     std::vector<applet_tools::Descriptor> files; /**< for the station: clientFiles files of the client */
 };

@@ -30,11 +30,11 @@ private:
 };
 
 /** The entries of an enumeration that its setter accepts. Numbers are left out: their limits are published. */
-std::vector<Value> takenEntries(Probe& probe, std::size_t place) {
+std::vector<Value> takenEntries(Probe& probe, std::size_t index) {
     std::vector<Value> taken;
-    if (!probe.at(place).effectOfWriting().empty()) return taken;
-    for (const Entry& entry : entriesOf(probe.at(place)))
-        if (probe.answer({place, entry.value}) == FG_OK) taken.emplace_back(entry.value);
+    if (!probe.at(index).effectOfWriting().empty()) return taken;
+    for (const Entry& entry : entriesOf(probe.at(index)))
+        if (probe.answer({index, entry.value}) == FG_OK) taken.emplace_back(entry.value);
     return taken;
 }
 
@@ -57,24 +57,24 @@ constexpr const char* otherElements = "other elements";
 Move elementsMove() { return {"value", "elements", otherElements}; }
 
 /** The elements of an array; empty for other kinds. */
-Value arrayNow(const Probe& probe, std::size_t place) {
-    const Parameter& parameter = probe.at(place);
+Value arrayNow(const Probe& probe, std::size_t index) {
+    const Parameter& parameter = probe.at(index);
     if (elementCount(parameter) == 0) return {};
     return readValue(probe.session().instance(), wholeOf(parameter)).value;
 }
 
-/** The elements of all arrays, by place. */
+/** The elements of all arrays, by index. */
 std::vector<Value> arraysNow(const Probe& probe) {
     std::vector<Value> arrays;
-    for (std::size_t place = 0; place < probe.count(); ++place)
-        arrays.push_back(arrayNow(probe, place));
+    for (std::size_t index = 0; index < probe.count(); ++index)
+        arrays.push_back(arrayNow(probe, index));
     return arrays;
 }
 
 /** The movements of a parameter since the probe began, with `array` as its elements then. */
-std::vector<Move> movesSince(Probe& probe, std::size_t place, const Value& array) {
-    std::vector<Move> moves = movesBetween(probe.at(place), probe.state(place), probe.currentState(place));
-    if (arrayNow(probe, place) != array) moves.push_back(elementsMove());
+std::vector<Move> movesSince(Probe& probe, std::size_t index, const Value& array) {
+    std::vector<Move> moves = movesBetween(probe.at(index), probe.state(index), probe.currentState(index));
+    if (arrayNow(probe, index) != array) moves.push_back(elementsMove());
     return moves;
 }
 
@@ -85,17 +85,17 @@ public:
         : m_probe(probe)
         , m_subject(subject)
         , m_arrays(arraysNow(probe)) {
-        for (std::size_t place = 0; place < probe.count(); ++place)
-            m_entries.push_back(takenEntries(probe, place));
+        for (std::size_t index = 0; index < probe.count(); ++index)
+            m_entries.push_back(takenEntries(probe, index));
         probe.restore();
         for (const Value& value : probe.otherValues(subject))
             findMoved(value);
         probe.restore();
-        for (std::size_t place = 0; place < probe.count(); ++place) {
-            probe.session().tellProgress(place, probe.count());
-            if (place == subject) continue;
-            for (const Value& value : probe.otherValues(place))
-                findMovers({place, value});
+        for (std::size_t index = 0; index < probe.count(); ++index) {
+            probe.session().tellProgress(index, probe.count());
+            if (index == subject) continue;
+            for (const Value& value : probe.otherValues(index))
+                findMovers({index, value});
             probe.restore();
         }
     }
@@ -106,16 +106,16 @@ public:
     std::vector<std::string> writes; // design parameters, in the order in which a set first wrote them
 
 private:
-    void compare(std::size_t place, Effects& effects, const std::string& name, const std::string& with) {
-        const Parameter& parameter = m_probe.at(place);
-        for (const Move& move : movesSince(m_probe, place, m_arrays[place]))
+    void compare(std::size_t index, Effects& effects, const std::string& name, const std::string& with) {
+        const Parameter& parameter = m_probe.at(index);
+        for (const Move& move : movesSince(m_probe, index, m_arrays[index]))
             effects.add({name, with, move});
-        const std::vector<Value> entries = takenEntries(m_probe, place);
-        if (entries != m_entries[place])
+        const std::vector<Value> entries = takenEntries(m_probe, index);
+        if (entries != m_entries[index])
             effects.add({name,
                          with,
-                         {"accepted values", entriesInWords(parameter, m_entries[place]),
-                          entriesInWords(parameter, entries), entriesAsJson(parameter, m_entries[place]),
+                         {"accepted values", entriesInWords(parameter, m_entries[index]),
+                          entriesInWords(parameter, entries), entriesAsJson(parameter, m_entries[index]),
                           entriesAsJson(parameter, entries)}});
     }
 
@@ -127,13 +127,13 @@ private:
             for (const std::string& line : takeWrites(instance))
                 addWrite(line);
             instance.board().log_kinds(instance.device(), 0);
-            for (std::size_t place = 0; place < m_probe.count(); ++place)
-                if (place != m_subject) compare(place, moved, m_probe.at(place).name, with);
+            for (std::size_t index = 0; index < m_probe.count(); ++index)
+                if (index != m_subject) compare(index, moved, m_probe.at(index).name, with);
         });
     }
 
     void findMovers(const Change& change) {
-        const std::string with = m_probe.words(change), name = m_probe.at(change.place).name;
+        const std::string with = m_probe.words(change), name = m_probe.at(change.index).name;
         m_probe.tryChange(change, [&] { compare(m_subject, movers, name, with); });
     }
 
@@ -166,7 +166,7 @@ template <> struct MessageRows<Dependencies> {
 
 Dependencies dependenciesOf(Probe& probe, const Parameter& parameter) {
     const std::string name = parameter.name; // a copy: the record may be gone after the trials
-    Search search(probe, probe.placeOf(parameter));
+    Search search(probe, probe.indexOf(parameter));
     return {name, search.isTried(), search.moved.take(), search.movers.take(), search.writes};
 }
 
@@ -193,10 +193,10 @@ std::vector<Movement> movesOf(Probe& probe, const Change& change) {
     const std::string with = probe.words(change);
     std::vector<Movement> movements;
     probe.tryChange(change, [&] {
-        for (std::size_t place = 0; place < probe.count(); ++place)
-            if (place != change.place)
-                for (const Move& move : movesSince(probe, place, arrays[place]))
-                    movements.push_back({probe.at(place).name, with, move});
+        for (std::size_t index = 0; index < probe.count(); ++index)
+            if (index != change.index)
+                for (const Move& move : movesSince(probe, index, arrays[index]))
+                    movements.push_back({probe.at(index).name, with, move});
     });
     probe.restore();
     return movements;
@@ -233,10 +233,10 @@ std::vector<Movement> movesOf(ScratchSession& session, const Words& words, const
     }
     const Moment without(session, others), with(session, words);
     std::vector<Movement> movements;
-    for (std::size_t place = 0; place < with.states.size(); ++place) {
-        const Parameter& parameter = session.parameters().all()[place];
-        std::vector<Move> moves = movesBetween(parameter, without.states[place], with.states[place]);
-        if (without.arrays[place] != with.arrays[place]) moves.push_back(elementsMove());
+    for (std::size_t index = 0; index < with.states.size(); ++index) {
+        const Parameter& parameter = session.parameters().all()[index];
+        std::vector<Move> moves = movesBetween(parameter, without.states[index], with.states[index]);
+        if (without.arrays[index] != with.arrays[index]) moves.push_back(elementsMove());
         for (const Move& move : moves)
             if (parameter.name != name) movements.push_back({parameter.name, own.back(), move});
     }

@@ -36,7 +36,7 @@ public:
 
     AcceptedValues answer() {
         const Target target = m_subject.in(m_probe);
-        const ParameterState& state = m_probe.state(m_subject.place);
+        const ParameterState& state = m_probe.state(m_subject.index);
         m_answer = {.parameter = parameter().name,
                     .subject = m_subject.isWholeArray ? parameter().name : target.name(),
                     .elements = m_subject.elements,
@@ -53,7 +53,7 @@ public:
     }
 
 private:
-    const Parameter& parameter() const { return m_probe.at(m_subject.place); }
+    const Parameter& parameter() const { return m_probe.at(m_subject.index); }
 
     Value elementNow(const Target& target) {
         const Value value = readValue(m_probe.session().instance(), target).value;
@@ -63,17 +63,17 @@ private:
 
     /** Records the code of a refusal. */
     bool isPresentValueTaken() {
-        m_answer.refusal = m_probe.answer({m_subject.place, m_probe.state(m_subject.place).value});
+        m_answer.refusal = m_probe.answer({m_subject.index, m_probe.state(m_subject.index).value});
         return m_answer.refusal == FG_OK;
     }
 
     void askEntries() {
         for (const Entry& entry : entriesOf(parameter())) {
-            const Change change{m_subject.place, entry.value};
+            const Change change{m_subject.index, entry.value};
             EntryAnswer answer{.entry = entry, .code = m_probe.answer(change)};
             if (answer.code != FG_OK)
                 answer.acceptedWith = m_probe.words(
-                    m_probe.waysTo({m_subject.place, [&] { return m_probe.answer(change) == FG_OK; }}));
+                    m_probe.waysTo({m_subject.index, [&] { return m_probe.answer(change) == FG_OK; }}));
             m_answer.entries.push_back(std::move(answer));
         }
         m_probe.restore();
@@ -151,7 +151,7 @@ void addCauses(ordered_json& row, const LimitCauses& causes, End end) {
 Subject subjectOf(const Probe& probe, const Target& target) {
     const std::uint32_t count = elementCount(*target.parameter);
     const bool isWholeArray = count > 0 && !target.elements;
-    return {probe.placeOf(*target.parameter),
+    return {probe.indexOf(*target.parameter),
             isWholeArray ? std::optional(ElementRange{0, 0}) : target.elements, isWholeArray};
 }
 

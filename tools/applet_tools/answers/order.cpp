@@ -44,8 +44,8 @@ public:
     /** Restores the board to the state after these assignments. */
     void replay(const Order& order) {
         m_session.rewind();
-        for (const std::size_t place : order)
-            passes(place);
+        for (const std::size_t index : order)
+            passes(index);
     }
 
     Order best;
@@ -53,9 +53,9 @@ public:
 private:
     static constexpr int mostTries = 2000;
 
-    bool passes(std::size_t place) {
+    bool passes(std::size_t index) {
         --m_triesLeft;
-        const Assignment assignment = parseAssignments(m_session.parameters(), {m_words[place]}).front();
+        const Assignment assignment = parseAssignments(m_session.parameters(), {m_words[index]}).front();
         return assignment.target.parameter->writesFile() ||
                writeValue(m_session.instance(), assignment.target, assignment.value) == FG_OK;
     }
@@ -83,14 +83,14 @@ std::string whyStuck(ScratchSession& session, const std::string& word) {
 Ordering findOrder(ScratchSession& session, const Words& assignments) {
     OrderSearch search(session, assignments);
     Ordering ordering{search.search(), {}, {}};
-    for (const std::size_t place : search.best)
-        ordering.words.push_back(assignments[place]);
+    for (const std::size_t index : search.best)
+        ordering.words.push_back(assignments[index]);
     if (ordering.isComplete) return ordering;
     search.replay(search.best);
     session.keep();
-    for (std::size_t place = 0; place < assignments.size(); ++place)
-        if (std::ranges::find(search.best, place) == search.best.end())
-            ordering.problems.push_back(whyStuck(session, assignments[place]));
+    for (std::size_t index = 0; index < assignments.size(); ++index)
+        if (std::ranges::find(search.best, index) == search.best.end())
+            ordering.problems.push_back(whyStuck(session, assignments[index]));
     return ordering;
 }
 

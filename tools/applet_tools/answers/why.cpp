@@ -13,14 +13,14 @@ namespace {
 
 bool isWritable(std::uint32_t access) { return (access & REGISTER_ACCESS_WRITE) != 0; }
 
-std::vector<std::string> waysToWrite(Probe& probe, std::size_t place) {
-    return probe.words(probe.waysTo({place, [&] { return isWritable(probe.currentState(place).access); }}));
+std::vector<std::string> waysToWrite(Probe& probe, std::size_t index) {
+    return probe.words(probe.waysTo({index, [&] { return isWritable(probe.currentState(index).access); }}));
 }
 
-std::vector<std::string> waysToLock(Probe& probe, std::size_t place) {
+std::vector<std::string> waysToLock(Probe& probe, std::size_t index) {
     std::vector<std::string> ways;
     for (const Change& change :
-         probe.changesFor({place, [&] { return !isWritable(probe.currentState(place).access); }}))
+         probe.changesFor({index, [&] { return !isWritable(probe.currentState(index).access); }}))
         ways.push_back(probe.words(change));
     return ways;
 }
@@ -29,7 +29,7 @@ std::vector<std::string> waysToLock(Probe& probe, std::size_t place) {
 
 RefusalAnswer whyRefused(Probe& probe, const Assignment& assignment) {
     const Parameter& parameter = *assignment.target.parameter;
-    const std::size_t place = probe.placeOf(parameter);
+    const std::size_t index = probe.indexOf(parameter);
     const std::string name = assignment.target.name();
     const int code = probe.answer(assignment.target, assignment.value);
     RefusalAnswer answer{
@@ -39,10 +39,10 @@ RefusalAnswer whyRefused(Probe& probe, const Assignment& assignment) {
         code};
     if (code == FG_OK) {
         if (accessWord(parameter) != "ro") return answer;
-        answer.writableWith = waysToWrite(probe, place);
+        answer.writableWith = waysToWrite(probe, index);
         answer.document["writableWith"] = *answer.writableWith;
         if (!isNumber(assignment.value)) return answer;
-        const std::vector<Movement> moves = movesOf(probe, {place, assignment.value});
+        const std::vector<Movement> moves = movesOf(probe, {index, assignment.value});
         for (const Movement& movement : moves)
             answer.moves.push_back(inWords(movement));
         answer.document["moves"] = asJson(moves);
@@ -51,13 +51,13 @@ RefusalAnswer whyRefused(Probe& probe, const Assignment& assignment) {
     answer.refusal = refusalInWords(parameter, assignment.value, code);
     answer.document["error"] = codeAsJson(code);
     answer.causes = findCauses(probe, assignment);
-    addCauses(answer.document, probe.at(place), answer.causes);
+    addCauses(answer.document, probe.at(index), answer.causes);
     return answer;
 }
 
 AccessAnswer whyReadOnly(Probe& probe, const Target& target) {
-    const std::size_t place = probe.placeOf(*target.parameter);
-    const ParameterState state = probe.state(place);
+    const std::size_t index = probe.indexOf(*target.parameter);
+    const ParameterState state = probe.state(index);
     AccessAnswer answer{.parameter = target.parameter->name,
                         .subject = target.name(),
                         .access = accessWord(*target.parameter),
@@ -65,12 +65,12 @@ AccessAnswer whyReadOnly(Probe& probe, const Target& target) {
     answer.now = target.elements ? readValue(probe.session().instance(), target)
                                  : ReadResult{.error = state.error, .value = state.value};
     if (answer.isWritable) {
-        answer.changedWith = waysToLock(probe, place);
+        answer.changedWith = waysToLock(probe, index);
         return answer;
     }
-    const int code = elementCount(probe.at(place)) > 0 ? FG_OK : probe.answer({place, state.value});
+    const int code = elementCount(probe.at(index)) > 0 ? FG_OK : probe.answer({index, state.value});
     answer.hasSetter = code != FG_ERR_NOT_AVAILABLE;
-    if (answer.hasSetter) answer.changedWith = waysToWrite(probe, place);
+    if (answer.hasSetter) answer.changedWith = waysToWrite(probe, index);
     return answer;
 }
 

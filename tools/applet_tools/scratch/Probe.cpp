@@ -90,10 +90,10 @@ std::set<std::string, std::less<>> storedOtherwise(ScratchSession& session) {
     return names;
 }
 
-bool mayChange(const Wish& wish, const Change& change) { return wish.excluded != change.place; }
+bool mayChange(const Wish& wish, const Change& change) { return wish.excluded != change.index; }
 
-bool isExcludedByAll(const std::vector<Wish>& wishes, std::size_t place) {
-    return std::ranges::all_of(wishes, [&](const Wish& wish) { return wish.excluded == place; });
+bool isExcludedByAll(const std::vector<Wish>& wishes, std::size_t index) {
+    return std::ranges::all_of(wishes, [&](const Wish& wish) { return wish.excluded == index; });
 }
 
 } // namespace
@@ -141,12 +141,12 @@ void Probe::begin() {
     m_storedOtherwise = storedOtherwise(m_session);
 }
 
-std::size_t Probe::placeOf(const Parameter& parameter) const {
+std::size_t Probe::indexOf(const Parameter& parameter) const {
     return static_cast<std::size_t>(&parameter - m_session.parameters().all().data());
 }
 
-ParameterState Probe::currentState(std::size_t place) const {
-    return applet_tools::currentState(m_session.instance(), at(place));
+ParameterState Probe::currentState(std::size_t index) const {
+    return applet_tools::currentState(m_session.instance(), at(index));
 }
 
 Value Probe::valueOf(const Target& target) const { return readValue(m_session.instance(), target).value; }
@@ -168,9 +168,9 @@ int Probe::answer(const Target& target, const Value& value) {
     return code;
 }
 
-std::vector<int> Probe::answers(std::size_t place, const std::vector<Value>& values) {
+std::vector<int> Probe::answers(std::size_t index, const std::vector<Value>& values) {
     if (values.empty()) return {};
-    const Target target{&at(place)};
+    const Target target{&at(index)};
     const auto present = std::ranges::find(values, readValue(m_session.instance(), target).value);
     std::vector<int> codes;
     codes.reserve(values.size());
@@ -188,7 +188,7 @@ std::vector<int> Probe::answers(std::size_t place, const std::vector<Value>& val
 }
 
 bool Probe::tryChange(const Change& change, const std::function<void()>& look) {
-    const Target target{&at(change.place)};
+    const Target target{&at(change.index)};
     const Value before = valueOf(target);
     const bool isAccepted = write(target, change.value) == FG_OK;
     if (isAccepted) {
@@ -210,9 +210,9 @@ void Probe::restore() {
 }
 
 bool Probe::isBack() const {
-    for (std::size_t place = 0; place < count(); ++place)
+    for (std::size_t index = 0; index < count(); ++index)
         // Texts are not tried, and reading one is slow. One that moves with a number is restored with it.
-        if (at(place).kind() != REGISTER_KIND_STRING && currentState(place) != m_states[place]) return false;
+        if (at(index).kind() != REGISTER_KIND_STRING && currentState(index) != m_states[index]) return false;
     return true;
 }
 
@@ -234,29 +234,29 @@ bool Probe::setBack() {
     for (int round = 0; round < mostRounds; ++round) {
         if (isBack()) return true;
         bool isTaken = false;
-        for (std::size_t place = 0; place < count(); ++place) {
-            const ParameterState& was = m_states[place];
-            if (at(place).kind() == REGISTER_KIND_STRING || was.error != FG_OK || !isNumber(was.value))
+        for (std::size_t index = 0; index < count(); ++index) {
+            const ParameterState& was = m_states[index];
+            if (at(index).kind() == REGISTER_KIND_STRING || was.error != FG_OK || !isNumber(was.value))
                 continue;
-            if (currentState(place).value == was.value) continue;
-            if (m_storedOtherwise.contains(at(place).name) || !at(place).effectOfWriting().empty())
+            if (currentState(index).value == was.value) continue;
+            if (m_storedOtherwise.contains(at(index).name) || !at(index).effectOfWriting().empty())
                 return false;
             isTaken |=
-                writeValue(m_session.instance(), {&at(place)}, requestFor(at(place), was.value)) == FG_OK;
+                writeValue(m_session.instance(), {&at(index)}, requestFor(at(index), was.value)) == FG_OK;
         }
         if (!isTaken) return false;
     }
     return isBack();
 }
 
-std::vector<Value> Probe::otherValues(std::size_t place) const {
+std::vector<Value> Probe::otherValues(std::size_t index) const {
     std::vector<Value> values;
-    const ParameterState& now = state(place);
-    if (at(place).record == nullptr || now.error != FG_OK || !isNumber(now.value)) return values;
+    const ParameterState& now = state(index);
+    if (at(index).record == nullptr || now.error != FG_OK || !isNumber(now.value)) return values;
     const auto add = [&](const Value& value) {
         if (value != now.value && std::ranges::find(values, value) == values.end()) values.push_back(value);
     };
-    for (const Entry& entry : entriesOf(at(place)))
+    for (const Entry& entry : entriesOf(at(index)))
         if (const auto* held = std::get_if<std::int32_t>(&now.value); held == nullptr || *held != entry.value)
             values.emplace_back(entry.value);
     if (!now.limits || now.limits->minimum.index() != now.value.index()) return values;
@@ -277,29 +277,29 @@ bool Probe::holdsWith(const Change& change, const std::function<bool()>& conditi
 }
 
 Value Probe::nearest(const Change& found, const std::function<bool()>& condition) {
-    const auto grid = gridOf(state(found.place).limits);
+    const auto grid = gridOf(state(found.index).limits);
     if (!grid) return found.value;
-    std::int64_t refused = grid->stepOf(state(found.place).value), held = grid->stepOf(found.value);
+    std::int64_t refused = grid->stepOf(state(found.index).value), held = grid->stepOf(found.value);
     while (std::abs(held - refused) > 1) {
         const std::int64_t middle = refused + (held - refused) / 2;
-        (holdsWith({found.place, grid->at(middle)}, condition) ? held : refused) = middle;
+        (holdsWith({found.index, grid->at(middle)}, condition) ? held : refused) = middle;
     }
     const Value value = grid->at(held);
-    return holdsWith({found.place, value}, condition) ? value : found.value;
+    return holdsWith({found.index, value}, condition) ? value : found.value;
 }
 
 std::vector<std::vector<Change>> Probe::changesFor(const std::vector<Wish>& wishes) {
     std::vector<std::vector<Change>> changes(wishes.size());
-    for (std::size_t place = 0; place < count(); ++place) {
-        const bool isEnumeration = at(place).kind() == REGISTER_KIND_ENUM;
+    for (std::size_t index = 0; index < count(); ++index) {
+        const bool isEnumeration = at(index).kind() == REGISTER_KIND_ENUM;
         std::vector<std::size_t> open; // indices of the wishes for which values of this parameter are tried
         for (std::size_t i = 0; i < wishes.size(); ++i)
-            if (wishes[i].excluded != place) open.push_back(i);
+            if (wishes[i].excluded != index) open.push_back(i);
         if (open.empty()) continue;
-        for (const Value& value : otherValues(place)) {
-            for (const std::size_t i : trueWith({place, value}, wishes, open)) {
+        for (const Value& value : otherValues(index)) {
+            for (const std::size_t i : trueWith({index, value}, wishes, open)) {
                 changes[i].push_back(
-                    {place, isEnumeration ? value : nearest({place, value}, wishes[i].isTrue)});
+                    {index, isEnumeration ? value : nearest({index, value}, wishes[i].isTrue)});
                 if (!isEnumeration) std::erase(open, i);
             }
             if (open.empty()) break;
@@ -319,9 +319,9 @@ std::vector<std::size_t> Probe::trueWith(const Change& change, const std::vector
     return found;
 }
 
-bool Probe::isFreed(std::size_t place) const {
-    const RegisterInfo* const record = at(place).record;
-    return record != nullptr && ((record->access & ~state(place).access) & REGISTER_ACCESS_WRITE) != 0;
+bool Probe::isFreed(std::size_t index) const {
+    const RegisterInfo* const record = at(index).record;
+    return record != nullptr && ((record->access & ~state(index).access) & REGISTER_ACCESS_WRITE) != 0;
 }
 
 void Probe::addPairsAfter(const Change& first, const std::vector<Wish>& wishes, std::vector<Ways>& pairs) {
@@ -332,19 +332,19 @@ void Probe::addPairsAfter(const Change& first, const std::vector<Wish>& wishes, 
                     pairs[i].push_back({first, second});
         });
     };
-    for (std::size_t place = 0; place < count(); ++place) {
-        if (isExcludedByAll(wishes, place) || !isFreed(place)) continue;
-        for (const Value& value : otherValues(place))
-            trySecond({place, value});
+    for (std::size_t index = 0; index < count(); ++index) {
+        if (isExcludedByAll(wishes, index) || !isFreed(index)) continue;
+        for (const Value& value : otherValues(index))
+            trySecond({index, value});
     }
 }
 
 std::vector<Ways> Probe::pairsFor(const std::vector<Wish>& wishes) {
     std::vector<Ways> pairs(wishes.size());
-    for (std::size_t place = 0; place < count(); ++place) {
-        if (isExcludedByAll(wishes, place) || at(place).kind() != REGISTER_KIND_ENUM) continue;
-        for (const Value& value : otherValues(place)) {
-            const Change first{place, value};
+    for (std::size_t index = 0; index < count(); ++index) {
+        if (isExcludedByAll(wishes, index) || at(index).kind() != REGISTER_KIND_ENUM) continue;
+        for (const Value& value : otherValues(index)) {
+            const Change first{index, value};
             tryChange(first, [&] { addPairsAfter(first, wishes, pairs); });
         }
         restore();
@@ -382,7 +382,7 @@ std::vector<Words> Probe::assignments(const Ways& ways) const {
 }
 
 std::string Probe::words(const Change& change) const {
-    return at(change.place).name + "=" + exactValueText(at(change.place), change.value);
+    return at(change.index).name + "=" + exactValueText(at(change.index), change.value);
 }
 
 } // namespace applet_tools

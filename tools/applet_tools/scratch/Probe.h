@@ -23,7 +23,7 @@ Value numberAt(std::uint64_t rank, const Value& like);
 
 /** A change of one parameter. */
 struct Change {
-    std::size_t place;
+    std::size_t index;
     Value value;
 };
 
@@ -47,27 +47,27 @@ public:
 
     ScratchSession& session() const { return m_session; }
     std::size_t count() const { return m_session.parameters().all().size(); }
-    const Parameter& at(std::size_t place) const { return m_session.parameters().all()[place]; }
-    std::size_t placeOf(const Parameter& parameter) const;
+    const Parameter& at(std::size_t index) const { return m_session.parameters().all()[index]; }
+    std::size_t indexOf(const Parameter& parameter) const;
 
     /** In the state of the probe. */
     const std::vector<ParameterState>& states() const { return m_states; }
-    const ParameterState& state(std::size_t place) const { return m_states[place]; }
+    const ParameterState& state(std::size_t index) const { return m_states[index]; }
     /** At present, including changes being tried. */
-    ParameterState currentState(std::size_t place) const;
+    ParameterState currentState(std::size_t index) const;
 
     /** The setter's answer to the value. */
     int answer(const Target& target, const Value& value);
-    int answer(const Change& change) { return answer({&at(change.place)}, change.value); }
+    int answer(const Change& change) { return answer({&at(change.index)}, change.value); }
     /** The setter's answers to several values of a parameter, the fastest way: the present one is set last, so that
      *  none of the others needs to be taken back. */
-    std::vector<int> answers(std::size_t place, const std::vector<Value>& values);
+    std::vector<int> answers(std::size_t index, const std::vector<Value>& values);
     /** Calls `look` with this value set; false, without a call, if the setter refuses it. */
     bool tryChange(const Change& change, const std::function<void()>& look);
 
     /** A few other values of a parameter: all entries; the limits of a number and values near the present one;
      *  none for texts and arrays. */
-    std::vector<Value> otherValues(std::size_t place) const;
+    std::vector<Value> otherValues(std::size_t index) const;
     /** Restores the state of the probe. Call it after trying all values of a parameter: setting the old value
      *  restores the parameter itself, but maybe not what it had moved. Does nothing inside a look. */
     void restore();
@@ -104,7 +104,7 @@ private:
     std::vector<std::size_t> trueWith(const Change& change, const std::vector<Wish>& wishes,
                                       const std::vector<std::size_t>& asked);
     /** True for a parameter that is writable at present, but not in the state of the probe. */
-    bool isFreed(std::size_t place) const;
+    bool isFreed(std::size_t index) const;
     /** For each wish: a change of an enumeration, then one of a parameter that it makes writable. */
     std::vector<Ways> pairsFor(const std::vector<Wish>& wishes);
     /** Tries the second changes while the first one is set. */

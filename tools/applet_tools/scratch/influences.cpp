@@ -8,9 +8,9 @@ namespace applet_tools {
 namespace {
 
 /** Values that limits or grid should exclude. */
-std::vector<Value> doubtfulValues(const Probe& probe, std::size_t place) {
-    const auto& limits = probe.state(place).limits;
-    if (!limits || !isNumber(probe.state(place).value)) return {};
+std::vector<Value> doubtfulValues(const Probe& probe, std::size_t index) {
+    const auto& limits = probe.state(index).limits;
+    if (!limits || !isNumber(probe.state(index).value)) return {};
     std::vector<Value> values{numberAt(rankOf(limits->minimum) + 1, limits->minimum)};
     const std::uint64_t low = rankOf(limits->minimum), high = rankOf(limits->maximum);
     if (const Value below = numberAt(low - 1, limits->minimum); rankOf(below) < low) values.push_back(below);
@@ -22,16 +22,16 @@ std::vector<Value> doubtfulValues(const Probe& probe, std::size_t place) {
 class Search {
 public:
     explicit Search(ScratchSession& session) : m_probe(session) {
-        for (std::size_t place = 0; place < m_probe.count(); ++place) {
-            m_entries.push_back(entryValues(m_probe.at(place)));
-            m_answers.push_back(m_probe.answers(place, m_entries[place]));
-            addCodes(place);
+        for (std::size_t index = 0; index < m_probe.count(); ++index) {
+            m_entries.push_back(entryValues(m_probe.at(index)));
+            m_answers.push_back(m_probe.answers(index, m_entries[index]));
+            addCodes(index);
         }
         m_probe.restore();
-        for (std::size_t place = 0; place < m_probe.count(); ++place) {
-            session.tellProgress(place, m_probe.count());
-            for (const Value& value : m_probe.otherValues(place))
-                m_probe.tryChange({place, value}, [&] { compareOthers({place, value}); });
+        for (std::size_t index = 0; index < m_probe.count(); ++index) {
+            session.tellProgress(index, m_probe.count());
+            for (const Value& value : m_probe.otherValues(index))
+                m_probe.tryChange({index, value}, [&] { compareOthers({index, value}); });
             m_probe.restore();
         }
     }
@@ -46,27 +46,27 @@ private:
         return values;
     }
 
-    void addCodes(std::size_t place) {
-        std::set<int> codes(m_answers[place].begin(), m_answers[place].end());
-        for (const Value& value : doubtfulValues(m_probe, place))
-            codes.insert(m_probe.answer({place, value}));
+    void addCodes(std::size_t index) {
+        std::set<int> codes(m_answers[index].begin(), m_answers[index].end());
+        for (const Value& value : doubtfulValues(m_probe, index))
+            codes.insert(m_probe.answer({index, value}));
         codes.erase(FG_OK);
-        m_codes[m_probe.at(place).name] = codes;
+        m_codes[m_probe.at(index).name] = codes;
     }
 
     void compareOthers(const Change& change) {
-        for (std::size_t place = 0; place < m_probe.count(); ++place) {
-            if (place == change.place) continue;
-            const Parameter& other = m_probe.at(place);
-            for (const Move& move : movesBetween(other, m_probe.state(place), m_probe.currentState(place)))
+        for (std::size_t index = 0; index < m_probe.count(); ++index) {
+            if (index == change.index) continue;
+            const Parameter& other = m_probe.at(index);
+            for (const Move& move : movesBetween(other, m_probe.state(index), m_probe.currentState(index)))
                 add(change, other, move);
-            if (m_probe.answers(place, m_entries[place]) != m_answers[place])
+            if (m_probe.answers(index, m_entries[index]) != m_answers[index])
                 add(change, other, {"accepted values", "", ""});
         }
     }
 
     void add(const Change& change, const Parameter& other, const Move& move) {
-        const std::string& from = m_probe.at(change.place).name;
+        const std::string& from = m_probe.at(change.index).name;
         if (!m_seen.insert({from, other.name, move.what}).second) return;
         m_rows.push_back({{"from", from},
                           {"to", other.name},

@@ -23,23 +23,23 @@ bool isTaken(Probe& probe, const Subject& subject, const Value& number) {
 /** For each parameter that sets this end of the range, the change that moves the end farthest out. */
 std::vector<Widening> wideningsOf(Probe& probe, const Subject& subject, const Value& behind, End end) {
     std::vector<Widening> widenings;
-    for (std::size_t place = 0; place < probe.count(); ++place) {
-        if (place == subject.place) continue;
+    for (std::size_t index = 0; index < probe.count(); ++index) {
+        if (index == subject.index) continue;
         struct Widest {
             Change change;
             Value limit;
         };
         std::optional<Widest> best;
-        for (const Value& value : probe.otherValues(place)) {
-            probe.tryChange({place, value}, [&] {
+        for (const Value& value : probe.otherValues(index)) {
+            probe.tryChange({index, value}, [&] {
                 if (!isTaken(probe, subject, behind)) return;
                 const auto wider = measuredRange(probe, subject.in(probe));
                 if (wider && (!best || isWider(endOf(*wider, end), best->limit, end)))
-                    best = Widest{{place, value}, endOf(*wider, end)};
+                    best = Widest{{index, value}, endOf(*wider, end)};
             });
         }
         probe.restore();
-        if (best) widenings.push_back({probe.at(place).name, probe.words(best->change), best->limit});
+        if (best) widenings.push_back({probe.at(index).name, probe.words(best->change), best->limit});
     }
     return widenings;
 }

@@ -13,11 +13,11 @@ namespace applet_tools {
 
 /** A parameter, or an array element, by index: records may become invalid (see Probe). */
 struct Subject {
-    std::size_t place;
+    std::size_t index;
     std::optional<ElementRange> elements = std::nullopt;
     bool isWholeArray = false; // tested with the first element
 
-    Target in(const Probe& probe) const { return {&probe.at(place), elements}; }
+    Target in(const Probe& probe) const { return {&probe.at(index), elements}; }
 };
 
 /** A single change of another parameter, and the resulting limit. */

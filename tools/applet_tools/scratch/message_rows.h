@@ -44,10 +44,10 @@ template <HasMessageRows T> struct MessageOf<T> {
     }
     static T to(const json& message) {
         T record{};
-        std::size_t place = 0;
+        std::size_t index = 0;
         const auto take = [&](auto member) {
             using Member = std::remove_reference_t<decltype(record.*member)>;
-            record.*member = recordFrom<Member>(message.at(place++));
+            record.*member = recordFrom<Member>(message.at(index++));
         };
         std::apply([&](auto... members) { (take(members), ...); }, MessageRows<T>::rows);
         return record;

@@ -50,7 +50,7 @@ void addRange(Probe& probe, const Subject& subject, const Value& wanted, Refusal
     const auto end = exceededEnd(*range, wanted);
     if (!end) return;
     const LimitCauses causes = causesOf(probe, subject, *range, *end);
-    found.limit = causesInWords(probe.at(subject.place), causes, *end);
+    found.limit = causesInWords(probe.at(subject.index), causes, *end);
     found.setBy = asJson(causes, *end);
 }
 
@@ -72,7 +72,7 @@ std::vector<RefusalCauses> findCauses(Probe& probe, const std::vector<Assignment
     std::vector<Refused> all; // without records, which may become invalid
     all.reserve(assignments.size());
     for (const Assignment& assignment : assignments)
-        all.push_back({{probe.placeOf(probe.session().parameters().find(assignment.target.parameter->name)),
+        all.push_back({{probe.indexOf(probe.session().parameters().find(assignment.target.parameter->name)),
                         assignment.target.elements},
                        assignment.value,
                        wantedNumber(assignment)});
@@ -84,7 +84,7 @@ std::vector<RefusalCauses> findCauses(Probe& probe, const std::vector<Assignment
         if (code == FG_OK) causes[i].limit = "a scratch board with the same values accepts it";
         causes[i].isTried = code != FG_OK && code != FG_ERR_NOT_AVAILABLE;
         if (causes[i].isTried)
-            wishes.push_back({subject.place, [&probe, &one = all[i]] {
+            wishes.push_back({subject.index, [&probe, &one = all[i]] {
                                   return probe.answer(one.subject.in(probe), one.value) == FG_OK;
                               }});
         if (all.size() > 1) probe.restore();

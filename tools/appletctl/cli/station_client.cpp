@@ -47,12 +47,12 @@ serve::CommandEnd StationClient::runCommandLine(const Words& words) {
 }
 
 serve::CommandEnd StationClient::runLine(const std::string& line, const Options& options,
-                                         const std::string& place) {
+                                         const std::string& prefix) {
     serve::ClientCommand command;
     command.kind = serve::ClientCommand::Kind::line;
     command.words = shellWords(options);
     command.line = line;
-    command.place = place;
+    command.prefix = prefix;
     return m_client.run(std::move(command));
 }
 

@@ -20,7 +20,7 @@ public:
     /** Has the station execute a whole command line; it prints to the streams of this process. */
     serve::CommandEnd runCommandLine(const Words& words);
     /** The same for a line of a shell with these options. */
-    serve::CommandEnd runLine(const std::string& line, const Options& options, const std::string& place);
+    serve::CommandEnd runLine(const std::string& line, const Options& options, const std::string& prefix);
 
 private:
     serve::CommandClient m_client;

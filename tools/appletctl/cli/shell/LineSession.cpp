@@ -35,9 +35,9 @@ Report reportOf(const Undone& undone) {
     return report;
 }
 
-ExitCode show(Report report, const std::string& command, const Options& options, const std::string& place) {
+ExitCode show(Report report, const std::string& command, const Options& options, const std::string& prefix) {
     for (std::string& problem : report.problems)
-        problem.insert(0, place);
+        problem.insert(0, prefix);
     return static_cast<ExitCode>(print(report, command, options));
 }
 
@@ -50,26 +50,26 @@ Report helpReport(const std::string& text) {
 
 } // namespace
 
-ExitCode LineSession::runLine(const std::string& text, const Options& options, const std::string& place) {
+ExitCode LineSession::runLine(const std::string& text, const Options& options, const std::string& prefix) {
     const WordLine line = splitLine(text);
     if (line.words.empty()) return exitDone;
     const std::string& first = line.words.front();
     m_isOver = line.words.size() == 1 && (first == "exit" || first == "quit");
     if (m_isOver) return exitDone;
     if (line.isOpen)
-        return show(failureReport("usage", "a quote is not closed", exitUsage), "", options, place);
+        return show(failureReport("usage", "a quote is not closed", exitUsage), "", options, prefix);
     if (line.words.size() > 1 && first != "help" && !shellWordHelp(first).empty())
         return show(failureReport("usage", "'" + first + "' takes no words", exitUsage), first, options,
-                    place);
+                    prefix);
     if (first == "undo")
-        return show(withFailuresAsReports([&] { return undo(options); }), "undo", options, place);
-    if (first != "help") return run(parseLine(line.words, options), options, text, place);
-    if (line.words.size() == 1) return show(helpReport(shellHelp()), "help", options, place);
+        return show(withFailuresAsReports([&] { return undo(options); }), "undo", options, prefix);
+    if (first != "help") return run(parseLine(line.words, options), options, text, prefix);
+    if (line.words.size() == 1) return show(helpReport(shellHelp()), "help", options, prefix);
     Words words(line.words.begin() + 1, line.words.end());
     const std::string own = words.size() == 1 ? shellWordHelp(words.front()) : "";
-    if (!own.empty()) return show(helpReport(own), "help", options, place);
+    if (!own.empty()) return show(helpReport(own), "help", options, prefix);
     words.emplace_back("--help");
-    return run(parseLine(words, options), options, "", place);
+    return run(parseLine(words, options), options, "", prefix);
 }
 
 std::vector<Candidate> LineSession::complete(const std::string& text) {
@@ -88,13 +88,13 @@ std::vector<Candidate> LineSession::complete(const std::string& text) {
 }
 
 ExitCode LineSession::run(const Request& request, const Options& options, const std::string& line,
-                          const std::string& place) {
+                          const std::string& prefix) {
     const Interruption interruption;
     setOutputMode(request.options);
     if (request.command != nullptr) m_history.begin(line);
     Report report = execute(request, m_context);
     if (interruption.isAsked()) report.exitCode = exitInterrupted;
-    const ExitCode code = show(std::move(report), nameOf(request), request.options, place);
+    const ExitCode code = show(std::move(report), nameOf(request), request.options, prefix);
     m_context.setOptions(options);
     setOutputMode(options);
     m_history.end();

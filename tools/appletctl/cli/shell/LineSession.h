@@ -15,16 +15,16 @@ class LineSession {
 public:
     explicit LineSession(Context& context) : m_context(context), m_history(context) {}
 
-    /** Runs a line of a shell and prints its report; `options` are those of the shell, and `place` precedes its
+    /** Runs a line of a shell and prints its report; `options` are those of the shell, and `prefix` precedes its
      *  problems. */
-    ExitCode runLine(const std::string& text, const Options& options, const std::string& place);
+    ExitCode runLine(const std::string& text, const Options& options, const std::string& prefix);
     /** True if the last line has ended the shell. */
     bool isOver() const { return m_isOver; }
 
     /** Runs a request and prints its report. A later "undo" reverts its changes and shows `line`.
      *  Restores `options` afterwards. */
     ExitCode run(const Request& request, const Options& options, const std::string& line,
-                 const std::string& place = "");
+                 const std::string& prefix = "");
 
     /** The same during a pause of another request, for one that only reads: there is nothing to undo. */
     ExitCode runInPause(const Request& request);

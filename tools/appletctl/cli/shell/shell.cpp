@@ -24,7 +24,7 @@ namespace {
 class Shell {
 public:
     virtual ~Shell() = default;
-    virtual ExitCode runLine(const std::string& text, const std::string& place) = 0;
+    virtual ExitCode runLine(const std::string& text, const std::string& prefix) = 0;
     virtual std::vector<Candidate> complete(const std::string& text) = 0;
     virtual bool isOver() const = 0;
 };
@@ -34,8 +34,8 @@ class OwnShell : public Shell {
 public:
     explicit OwnShell(Context& context) : m_options(context.options()), m_session(context) {}
 
-    ExitCode runLine(const std::string& text, const std::string& place) override {
-        return m_session.runLine(text, m_options, place);
+    ExitCode runLine(const std::string& text, const std::string& prefix) override {
+        return m_session.runLine(text, m_options, prefix);
     }
     std::vector<Candidate> complete(const std::string& text) override { return m_session.complete(text); }
     bool isOver() const override { return m_session.isOver(); }
@@ -50,8 +50,8 @@ class StationShell : public Shell {
 public:
     explicit StationShell(const Options& options) : m_options(options), m_client(options.station) {}
 
-    ExitCode runLine(const std::string& text, const std::string& place) override {
-        const serve::CommandEnd end = m_client.runLine(text, m_options, place);
+    ExitCode runLine(const std::string& text, const std::string& prefix) override {
+        const serve::CommandEnd end = m_client.runLine(text, m_options, prefix);
         m_isOver = end.isOver;
         return static_cast<ExitCode>(end.exitCode);
     }

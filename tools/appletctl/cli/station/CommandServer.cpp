@@ -170,7 +170,7 @@ serve::CommandEnd CommandServer::run(const serve::ClientCommand& command) {
         return {m_session.run(request, m_options, joinWords(command.words)), false};
     }
     const Options options = parseCommandLine(command.words, m_options).options;
-    const ExitCode code = m_session.runLine(command.line, options, command.place);
+    const ExitCode code = m_session.runLine(command.line, options, command.prefix);
     return {code, m_session.isOver()};
 }
 
