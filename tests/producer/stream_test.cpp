@@ -118,8 +118,9 @@ TEST_F(ProducerStream, SmallBuffersAreMarked) {
     BUFFER_HANDLE buffer{};
     std::uint8_t memory[100] = {};
     ok(DSAnnounceBuffer(session.stream, memory, 64, &session, &buffer));
-    ok(DSQueueBuffer(session.stream, buffer));
     session.start();
+    EXPECT_EQ(session.set("AcquisitionStart", 1), GC_ERR_RESOURCE_IN_USE); // it runs already
+    ok(DSQueueBuffer(session.stream, buffer));
     EXPECT_EQ(session.fetch(), buffer);
     for (const std::int32_t flag : {BUFFER_INFO_IS_INCOMPLETE, BUFFER_INFO_DATA_LARGER_THAN_BUFFER})
         EXPECT_EQ(session.bufferNumber(buffer, flag), 1U);
