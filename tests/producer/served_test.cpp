@@ -174,6 +174,7 @@ TEST_F(ServedStation, FalsePicturesHarmNobody) {
         {"memory that is too small", with([](Picture& its) { its.size = 1U << 30U; }), sealed, GC_ERR_IO},
         {"more pixels than anybody has", with([](Picture& its) { its.width = ~0U; }), sealed, GC_ERR_IO},
         {"an unknown format", with([](Picture& its) { its.bits = 9; }), sealed, GC_ERR_TIMEOUT},
+        {"fewer bytes than pixels", with([](Picture& its) { its.size = 12; }), sealed, GC_ERR_SUCCESS},
         {"more pixels than bytes", with([](Picture& its) { its.lines = 3; }), sealed, GC_ERR_SUCCESS},
         {"fewer lines", with([](Picture& its) { its.lines = 1; }), sealed, GC_ERR_SUCCESS},
         {"more bytes than pixels", with([](Picture& its) { its.size = 20, its.width = 3; }), sealed,
