@@ -26,7 +26,10 @@ vexo_station::vexo_station(const applet_tools::BoardOptions& options, bool wants
     , get(instance.applet().Fg_getParameterWithType)
     , fg(instance.fg())
     , givesAdvice(wantsAdvice)
-    , board(boardOf(options, instance)) {}
+    , board(boardOf(options, instance)) {
+    // Nobody reads the log, which would grow to its limit.
+    if (board == "virtual") instance.board().log_kinds(instance.device(), 0);
+}
 
 namespace host {
 
