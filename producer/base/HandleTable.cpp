@@ -14,10 +14,12 @@ struct Table {
     std::map<void*, std::shared_ptr<Object>> objects;
 };
 
-Table& table() {
+NeverDestroyed<Table>& storedTable() {
     static NeverDestroyed<Table> one;
-    return one.value();
+    return one;
 }
+
+Table& table() { return storedTable().value(); }
 
 } // namespace
 
@@ -41,6 +43,8 @@ void HandleTable::remove(const Object& object) {
     removed = std::move(found->second);
     table().objects.erase(found);
 }
+
+void HandleTable::forget() { storedTable().forget(); }
 
 std::shared_ptr<Object> HandleTable::lookUp(void* handle) {
     const std::lock_guard lock(table().mutex);

@@ -35,6 +35,8 @@ public:
     static void add(const std::shared_ptr<Object>& object);
     /** Does nothing for an object without a handle. */
     static void remove(const Object& object);
+    /** All handles become invalid; no object is destroyed. For a forked child, which must have no other thread. */
+    static void forget();
 
     /** The object; the result keeps it alive. Throws INVALID_HANDLE. */
     template <typename T> static std::shared_ptr<T> find(void* handle, const char* what) {

@@ -2,6 +2,8 @@
 #ifndef PRODUCER_BASE_NEVERDESTROYED_H
 #define PRODUCER_BASE_NEVERDESTROYED_H
 
+#include <new>
+
 namespace producer {
 
 /** Its value is never destroyed. It is part of the library's memory, so an unloaded library leaves nothing. */
@@ -13,6 +15,8 @@ public:
     NeverDestroyed& operator=(const NeverDestroyed&) = delete;
 
     T& value() { return m_value; }
+    /** Begins anew, without destroying the value: in a forked child, which has none of the threads that use it. */
+    void forget() { new (&m_value) T(); }
 
 private:
     union {

@@ -72,8 +72,8 @@ std::vector<Feature> parameterFeatures(Station& station,
         feature.lockReason = [&station, &parameter, acquisitionLock]() -> std::string {
             const applet_host::ParameterState state = station.state(parameter);
             if (!state.isWritable(false))
-                return "the applet makes it read-only now; 'appletctl why " + parameter.name +
-                       "' shows which settings do";
+                return "the applet makes it read-only; 'appletctl why " + parameter.name +
+                       "' shows whether a setting changes that";
             return state.isWritable(true) ? "" : acquisitionLock();
         };
         if (feature.kind == Feature::Kind::integer || feature.kind == Feature::Kind::real)

@@ -2,8 +2,12 @@
 #ifndef PRODUCER_DEVICE_THREAD_H
 #define PRODUCER_DEVICE_THREAD_H
 
+#include "base/Error.h"
+
 #include <csignal>
 #include <new>
+#include <string>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -11,14 +15,30 @@
 
 namespace producer {
 
-/** Starts a thread with all signals blocked: they are for the client's own threads. */
+/** Blocks all signals of the calling thread. */
+class SignalBlocker {
+public:
+    SignalBlocker() {
+        sigset_t all;
+        sigfillset(&all);
+        pthread_sigmask(SIG_SETMASK, &all, &m_before);
+    }
+    ~SignalBlocker() { pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
+    SignalBlocker(const SignalBlocker&) = delete;
+    SignalBlocker& operator=(const SignalBlocker&) = delete;
+
+private:
+    sigset_t m_before{};
+};
+
+/** Starts a thread with all signals blocked: they are for the client's own threads. Throws RESOURCE_EXHAUSTED. */
 template <typename Function> std::thread quietThread(Function function) {
-    sigset_t all, before;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &before);
-    std::thread thread(std::move(function));
-    pthread_sigmask(SIG_SETMASK, &before, nullptr);
-    return thread;
+    const SignalBlocker blocker;
+    try {
+        return std::thread(std::move(function));
+    } catch (const std::system_error& error) {
+        throw Error(GC_ERR_RESOURCE_EXHAUSTED, std::string("no thread can be started: ") + error.what());
+    }
 }
 
 /** Runs a function that needs memory; if there is none, an event or a picture is lost, and the thread

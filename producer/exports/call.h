@@ -21,6 +21,8 @@ struct Library {
     std::shared_ptr<System> system; // null while closed
 
     static Library& the();
+    /** Begins anew in a forked child: the threads and sockets of what is open belong to the parent. */
+    static void forget();
 };
 
 /** Runs the function; converts an exception to a code and stores it as the thread's last error. */

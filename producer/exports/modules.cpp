@@ -7,10 +7,10 @@
 #include "modules/Stream.h"
 #include "modules/System.h"
 
-#include <unistd.h>
+#include <pthread.h>
 
-#include <atomic>
 #include <cstdlib>
+#include <new>
 #include <optional>
 #include <utility>
 
@@ -18,8 +18,10 @@ using namespace producer;
 
 namespace {
 
-/** The process that runs the threads: a child that it forks has none of them, and shares its sockets. */
-std::atomic<pid_t> processOfThreads = 0;
+NeverDestroyed<Library>& storedLibrary() {
+    static NeverDestroyed<Library> library;
+    return library;
+}
 
 std::shared_ptr<System> openSystem() {
     const std::lock_guard lock(lockOfModules());
@@ -36,7 +38,6 @@ void closeSystem(const std::shared_ptr<System>& system) {
 /** When the process ends, or the producer is unloaded, its own thread must not run; other objects that a
  *  client has left open are freed with the process. */
 void stopThreads() {
-    if (getpid() != processOfThreads) return;
     if (const auto system = openSystem()) system->stopThreads();
 }
 
@@ -45,7 +46,6 @@ void stopThreads() {
 void stopThreadsAtTheEnd() {
     static std::optional<std::uint64_t> registeredFor; // guarded by the lock of the modules
     const std::lock_guard lock(lockOfModules());
-    processOfThreads = getpid();
     if (std::exchange(registeredFor, timesLoaded()) != timesLoaded()) std::atexit(stopThreads);
 }
 
@@ -63,15 +63,20 @@ void tell(bool hasChanged, bool8_t* place) {
 
 } // namespace
 
-Library& Library::the() {
-    static NeverDestroyed<Library> library;
-    return library.value();
+Library& Library::the() { return storedLibrary().value(); }
+
+void Library::forget() {
+    forgetLockOfModules();
+    HandleTable::forget();
+    storedLibrary().forget();
 }
 
 // ---- The library
 
 GC_ERROR GCInitLib() {
     return attempt([] {
+        static const int watched = pthread_atfork(nullptr, nullptr, Library::forget);
+        if (watched != 0) throw std::bad_alloc();
         if (Library::the().isInitialized.exchange(true))
             throw Error(GC_ERR_RESOURCE_IN_USE, "the library is initialized already");
     });

@@ -104,7 +104,7 @@ GC_ERROR DSGetBufferPartInfo(DS_HANDLE stream, BUFFER_HANDLE buffer, uint32_t, i
 }
 
 GC_ERROR DSClose(DS_HANDLE stream) {
-    return callAlone([=] { streamOf(stream)->close(); });
+    return call([=] { streamOf(stream)->close(); });
 }
 
 GC_ERROR DSGetParentDev(DS_HANDLE stream, DEV_HANDLE* device) {

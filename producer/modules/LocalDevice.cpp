@@ -100,12 +100,15 @@ void LocalDevice::forget(const Stream& closed) {
 }
 
 void LocalDevice::close() {
-    {
-        const std::lock_guard lock(lockOfModules());
-        if (m_stream != nullptr) std::shared_ptr(m_stream)->close();
-        m_remote->close();
-        Module::close();
+    std::unique_lock lock(lockOfModules());
+    while (const std::shared_ptr<Stream> stream = m_stream) {
+        lock.unlock();
+        stream->close();
+        lock.lock();
     }
+    m_remote->close();
+    Module::close();
+    lock.unlock();
     m_device->acquisition().stop();
     m_device->acquisition().finish();
 }

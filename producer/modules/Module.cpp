@@ -7,10 +7,18 @@
 
 namespace producer {
 
-std::mutex& lockOfModules() {
+namespace {
+
+NeverDestroyed<std::mutex>& storedLock() {
     static NeverDestroyed<std::mutex> mutex;
-    return mutex.value();
+    return mutex;
 }
+
+} // namespace
+
+std::mutex& lockOfModules() { return storedLock().value(); }
+
+void forgetLockOfModules() { storedLock().forget(); }
 
 RegisterMap& Module::registers() {
     std::call_once(m_hasRegisters, [this] {

@@ -74,6 +74,8 @@ private:
 
 /** Held while the relations between modules change, never while another process is waited for. */
 std::mutex& lockOfModules();
+/** Unlocks it in a forked child, the parent's threads of which may have held it. */
+void forgetLockOfModules();
 
 /** A read-only feature. */
 Feature textFeature(const char* category, const char* name, std::string value);

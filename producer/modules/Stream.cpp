@@ -71,6 +71,9 @@ void* Stream::announce(void* memory, std::size_t size, void* user) {
     if (memory == nullptr) buffer.own = std::make_unique_for_overwrite<std::uint8_t[]>(size);
     buffer.memory = {memory == nullptr ? buffer.own.get() : static_cast<std::uint8_t*>(memory), size};
     const Lock lock = lockOpen();
+    const auto isSame = [&](const auto& other) { return other.second.memory.data() == buffer.memory.data(); };
+    if (std::ranges::any_of(m_buffers, isSame))
+        throw Error(GC_ERR_RESOURCE_IN_USE, "the memory is announced to this stream already");
     void* const handle = HandleTable::newHandle();
     m_buffers.emplace(handle, std::move(buffer));
     return handle;
@@ -319,13 +322,14 @@ void Stream::close() {
     m_device->acquisition().attach(nullptr);
     {
         const Lock lock(m_mutex);
-        m_isClosed = true;
+        if (std::exchange(m_isClosed, true)) return;
         m_isStarted = false;
         m_input.clear();
         m_buffers.clear();
         m_isFull.notify_all();
     }
     m_output->flush();
+    const std::lock_guard lock(lockOfModules());
     Module::close();
     m_parent->forget(*this);
 }

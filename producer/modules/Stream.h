@@ -51,6 +51,7 @@ public:
     void stop(std::int32_t flags);
     Answer info(std::int32_t command);
 
+    /** Waits until no picture is being written. Takes the lock of the modules itself; does nothing the second time. */
     void close() override;
 
 private:

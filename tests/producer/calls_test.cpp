@@ -382,8 +382,8 @@ TEST(ProducerSteps, LastErrorDescribesTheFailure) {
         {"AcquisitionFrameCount", 0, GC_ERR_INVALID_VALUE,
          "AcquisitionFrameCount = 0 was refused: it can be 1 to 2147483647"},
         {"TriggerSource", 1, GC_ERR_ACCESS_DENIED,
-         "TriggerSource cannot be written now: the applet makes it read-only now; 'appletctl why "
-         "FG_IMGTRIGGERINSRC' shows which settings do"},
+         "TriggerSource cannot be written now: the applet makes it read-only; 'appletctl why "
+         "FG_IMGTRIGGERINSRC' shows whether a setting changes that"},
         {"TLParamsLocked", 1, GC_ERR_SUCCESS, nullptr},
         {"Width", 512, GC_ERR_ACCESS_DENIED, "Width cannot be written now: TLParamsLocked is 1"},
     };

@@ -94,6 +94,14 @@ std::string codeInWords(int code) { return std::to_string(code) + ", " + reasonO
         text += "; the present limits are " + textOf(limits.minimum) + " to " + textOf(limits.maximum) +
                 " in steps of " + textOf(limits.increment);
         if (const std::string unit = toUtf8(record.unit); !unit.empty()) text += ' ' + unit;
+    } else if (const auto* table = std::get_if<std::vector<std::uint32_t>>(&value)) {
+        const std::uint32_t minimum = record.value.u32Field.minimum, maximum = record.value.u32Field.maximum;
+        const auto outside = std::ranges::find_if(
+            *table, [&](std::uint32_t element) { return element < minimum || element > maximum; });
+        if (outside != table->end())
+            text += "; element " + std::to_string(outside - table->begin()) + " is " +
+                    std::to_string(*outside) + ", its limits are " + std::to_string(minimum) + " to " +
+                    std::to_string(maximum);
     }
     throw Refused(code, text);
 }

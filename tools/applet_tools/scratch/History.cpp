@@ -135,6 +135,18 @@ void History::rewrite(const Wanted& wanted, bool withModes) {
     setAll(instance, wanted);
 }
 
+/** The setters compute the access of other parameters, so it may depend on which mode was set last: sets one after
+ *  the other again, until the access is as before. */
+void History::restoreAccess(const Wanted& wanted, const json& access) {
+    Instance& instance = m_live.instance();
+    for (const auto& [parameter, value] : wanted) {
+        if (accessOf(m_live.parameters()) == access) return;
+        if (parameter->kind() != REGISTER_KIND_ENUM) continue;
+        writeValue(instance, {parameter}, fromMessage({parameter}, *value));
+        setAll(instance, wanted);
+    }
+}
+
 std::optional<Undone> History::undo() {
     if (m_steps.empty()) return std::nullopt;
     const Moment wanted = std::move(m_steps.back());
@@ -147,6 +159,7 @@ std::optional<Undone> History::undo() {
     const Moment reached = now();
     const bool hasAccess = reached.access == wanted.access;
     if (!hasAccess || reached.design != wanted.design) rewrite(values, !hasAccess);
+    if (!hasAccess) restoreAccess(values, wanted.access);
     writeDesign(instance, wanted.design);
     return undoneOf(before, wanted);
 }
