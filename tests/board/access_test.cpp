@@ -118,6 +118,9 @@ TEST_F(VirtualBoard, StoresFieldsAndReturnsTexts) {
     EXPECT_EQ(freeText(fg, id(uid), text, 0, FG_PARAM_ALLOCATED_STRING), 0);
     EXPECT_EQ(freeText(fg, id(uid), text, 0, FG_PARAM_ALLOCATED_STRING), FG_ERR_INVALID_ARGUMENT);
     EXPECT_EQ(get(uid, FG_PARAM_ALLOCATED_STRING, text), 0); // freed with the handle
+    BOARD(vboard_poke_text)(device, uid.c_str(), "A\rB\nC");
+    EXPECT_EQ(get(uid, FG_PARAM_TEXT, buffer), 0);
+    EXPECT_EQ(log().back(), "get " + uid + " text A?B?C");
 }
 
 TEST_F(VirtualBoard, ResetEndsFaultsAndRestoresValues) {
@@ -129,6 +132,8 @@ TEST_F(VirtualBoard, ResetEndsFaultsAndRestoresValues) {
     EXPECT_EQ(BOARD(vboard_access_count)(device), 2u);
     char tight[8];
     EXPECT_EQ(BOARD(vboard_log_line)(device, 0, tight, sizeof tight), VBOARD_TOO_SMALL);
+    std::string line = log()[0]; // without room for its end
+    EXPECT_EQ(BOARD(vboard_log_line)(device, 0, line.data(), line.size()), VBOARD_TOO_SMALL);
     EXPECT_EQ(BOARD(vboard_log_line)(device, 2, tight, sizeof tight), VBOARD_UNKNOWN);
     EXPECT_EQ(BOARD(vboard_fail_name)(device, "Nothing", -8), VBOARD_UNKNOWN);
     EXPECT_EQ(BOARD(vboard_hide_entry)("Fg_Nothing", true), VBOARD_UNKNOWN);

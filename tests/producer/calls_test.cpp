@@ -213,6 +213,8 @@ const Step steps[] = {
      [](S s, void*) { return GCReadPort(s.port, s.address("Width_Value") + 4, room.data(), &sized(8)); }},
     {"half a register", GC_ERR_SUCCESS,
      [](S s, void*) { return GCReadPort(s.port, s.address("Width_Value") + 4, room.data(), &sized(4)); }},
+    {"write the zeros of a number", GC_ERR_SUCCESS,
+     [](S s, void*) { return GCWritePort(s.port, s.address("Width_Value") + 4, "\0\0\0", &sized(4)); }},
     {"write a limit", GC_ERR_INVALID_ADDRESS,
      [](S s, void*) { return GCWritePort(s.port, s.address("Width_Max"), room.data(), &sized(8)); }},
     {"write a description", GC_ERR_ACCESS_DENIED,

@@ -110,6 +110,7 @@ TEST_F(ProducerStream, FormatsChangeTheData) {
             reinterpret_cast<const std::uint8_t*>(session.bufferNumber(buffer, BUFFER_INFO_BASE));
         EXPECT_EQ(std::memcmp(pixels, row.first, row.bytes / 64), 0) << std::hex << row.format;
         EXPECT_EQ(session.streamNumber(STREAM_INFO_IS_GRABBING), 0U);
+        EXPECT_EQ(session.streamNumber(STREAM_INFO_NUM_DELIVERED), 1U); // of this acquisition
         ok(DSStopAcquisition(session.stream, 1));
     }
 }

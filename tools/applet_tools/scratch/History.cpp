@@ -135,16 +135,26 @@ void History::rewrite(const Wanted& wanted, bool withModes) {
     setAll(instance, wanted);
 }
 
-/** The setters compute the access of other parameters, so it may depend on which mode was set last: sets one after
- *  the other again, until the access is as before. */
-void History::restoreAccess(const Wanted& wanted, const json& access) {
+/** The access of a parameter may depend on the order in which two modes were set, and on their values meanwhile. So
+ *  each mode that the step had changed is set again while another one has its value of after the step. */
+void History::restoreAccess(const Wanted& wanted, const Moment& before, const json& access) {
     Instance& instance = m_live.instance();
-    for (const auto& [parameter, value] : wanted) {
-        if (accessOf(m_live.parameters()) == access) return;
-        if (parameter->kind() != REGISTER_KIND_ENUM) continue;
-        writeValue(instance, {parameter}, fromMessage({parameter}, *value));
-        setAll(instance, wanted);
-    }
+    Wanted changed = wanted;
+    std::erase_if(changed, [&](const auto& one) {
+        return one.first->kind() != REGISTER_KIND_ENUM ||
+               before.values.value(one.first->name, json()) == *one.second;
+    });
+    const auto write = [&](const Parameter& parameter, const json& value) {
+        writeValue(instance, {&parameter}, fromMessage({&parameter}, value));
+    };
+    for (const auto& [first, value] : changed)
+        for (const auto& [other, otherValue] : changed) {
+            if (accessOf(m_live.parameters()) == access) return;
+            if (other == first) continue;
+            write(*other, before.values.at(other->name));
+            write(*first, *value);
+            setAll(instance, wanted);
+        }
 }
 
 std::optional<Undone> History::undo() {
@@ -159,7 +169,7 @@ std::optional<Undone> History::undo() {
     const Moment reached = now();
     const bool hasAccess = reached.access == wanted.access;
     if (!hasAccess || reached.design != wanted.design) rewrite(values, !hasAccess);
-    if (!hasAccess) restoreAccess(values, wanted.access);
+    if (!hasAccess) restoreAccess(values, before, wanted.access);
     writeDesign(instance, wanted.design);
     return undoneOf(before, wanted);
 }

@@ -126,10 +126,15 @@ void requireFiles(const Request& request, Context& context) {
         request.command->file == Command::File::read ||
         (mayBeAssignment && request.words.size() == 1 && !isAssignment(request.words.front()));
     if (!isFile) return;
-    if (!request.words.front().empty()) requireReadable(request.words.front(), context, mayBeAssignment);
+    const bool isConfiguration = std::string_view(request.command->fileSuffix) == ".mcf";
+    const auto require = [&](const std::string& file, bool isAssignmentWanted) {
+        requireReadable(file, context, isAssignmentWanted);
+        if (isConfiguration) requireConfigurationName(file);
+    };
+    if (!request.words.front().empty()) require(request.words.front(), mayBeAssignment);
     const auto most = static_cast<std::size_t>(request.command->mostFiles);
     for (std::size_t i = 1; i < std::min(most, request.words.size()); ++i)
-        if (!isAssignment(request.words[i])) requireReadable(request.words[i], context, true);
+        if (!isAssignment(request.words[i])) require(request.words[i], true);
 }
 
 /** Establishes the state of --from and --with during its lifetime: on the live applet if it serves only this
@@ -144,6 +149,7 @@ public:
         if (!with.file.empty()) {
             requireBoard(options, "--from");
             requireReadable(with.file, context, false);
+            requireConfigurationName(with.file);
         }
         m_isCopy = !isOnlyCommand;
         if (m_isCopy) context.enterCopy();

@@ -21,6 +21,14 @@ bool Context::waitUntil(const Interruption& interruption, Interruption::Clock::t
     return interruption.waitUntil(due);
 }
 
+void requireMeasured(Context& context, const Condition& condition) {
+    if (!context.options().offline) return;
+    for (const Target& target : condition.targets())
+        if (!context.read(target).isMeasured)
+            throw UsageError("the condition asks for " + target.name() +
+                             ", which is not measured: offline there is no board");
+}
+
 void requireBoard(const Options& options, const char* command) {
     if (options.offline)
         throw UsageError("'" + std::string(command) +

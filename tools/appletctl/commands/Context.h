@@ -2,6 +2,7 @@
 #ifndef APPLETCTL_COMMANDS_CONTEXT_H
 #define APPLETCTL_COMMANDS_CONTEXT_H
 
+#include "applet_tools/applet/Condition.h"
 #include "applet_tools/base/Interruption.h"
 #include "applet_tools/scratch/LiveSession.h"
 #include "appletctl/base/Options.h"
@@ -55,6 +56,9 @@ private:
 
 /** Throws UsageError, naming the command, when the options ask for an instance without a board. */
 void requireBoard(const Options& options, const char* command);
+/** Throws UsageError if the condition asks for a value that is never measured, as offline: it would not be true or
+ *  false. */
+void requireMeasured(Context& context, const Condition& condition);
 /** Throws UsageError, naming the option, unless the options ask for a virtual board. */
 void requireVirtualBoard(const Options& options, const std::string& option);
 

@@ -134,9 +134,15 @@ private:
                            it.change() + (why.empty() ? ", as close as the setter comes to it" : ": " + why),
                            false};
         }
-        if (it.parameter.kind() == REGISTER_KIND_STRING && it.asked.starts_with(it.is))
+        if (it.parameter.kind() == REGISTER_KIND_STRING && it.asked.starts_with(it.is)) {
+            const bool isAtSign =
+                std::string_view("=;'").find(it.asked[it.is.size()]) != std::string_view::npos;
             return Finding{FindingKind::cut, it.name(),
-                           it.change() + ": a load ends a text at its first = ; or '"};
+                           it.change() + (isAtSign
+                                              ? ": a load ends a text at its first = ; or '"
+                                              : ": a load reads 255 bytes of a line, so this text can have " +
+                                                    numberText(it.is.size()))};
+        }
         return Finding{FindingKind::unapplied, it.name(),
                        it.change() + ": a load does not apply it, so set " + it.name() + "=" +
                            exactValueText(it.parameter, *it.value) + " afterwards"};

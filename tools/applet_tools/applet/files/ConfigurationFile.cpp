@@ -149,6 +149,12 @@ std::string textForLoad(std::string text, const ConfigurationFile& known) {
     return kept;
 }
 
+void requireConfigurationName(const std::string& path) {
+    if (path.find(".mcf") == std::string::npos)
+        throw UsageError(shownFile(path) +
+                         " has no .mcf in its name, so a load refuses it: give it such a name");
+}
+
 int loadConfiguration(Instance& instance, const std::string& path) {
     ++effort().loads;
     const int code = instance.applet().Fg_loadConfig(instance.fg(), path.c_str());

@@ -114,6 +114,9 @@ inline ConfigurationFile::Section::Iterator ConfigurationFile::Section::end() co
  *  repeated keys. A load of it has the same effect. A text without a complete header is not changed. */
 std::string textForLoad(std::string text, const ConfigurationFile& known);
 
+/** Throws UsageError if a load would refuse a file of that name. */
+void requireConfigurationName(const std::string& path);
+
 /** Makes the applet load the file, and records the load. Returns the applet's code. */
 int loadConfiguration(Instance& instance, const std::string& path);
 

@@ -31,7 +31,7 @@ int codeOf(const std::string& word) {
 // ---- Steps that check something.
 
 void lookAtCondition(ScenarioRunner& runner, const Step& step) {
-    const Condition condition(runner.parameters(), step.rest);
+    requireMeasured(runner.context(), Condition(runner.parameters(), step.rest));
 }
 
 std::string expectValue(ScenarioRunner& runner, const Step& step) {

@@ -51,7 +51,7 @@ Report loadFile(Context& context, const Words& words) {
     const std::vector<Side> sides{{"BEFORE", "before", &before}, {"NOW", "now", &now}};
     const std::vector<Difference> changes = askDifferences(scratch, sides);
     addDifferences(run.report, sides, changes, Sides::inTime);
-    if (changes.empty()) run.report.text += forPerson("Nothing has changed.\n");
+    if (changes.empty() && code == FG_OK) run.report.text += forPerson("Nothing has changed.\n");
     addFindings(run.report, check.findings);
     addSurprises(run, check, code, now, scratch);
     addAssumed(run.report, context.assumed());

@@ -10,8 +10,7 @@ namespace {
 Report saveConfiguration(Context& context, const Words& words) {
     requireBoard(context.options(), "save");
     const std::string& file = fileOf(words);
-    if (file.find(".mcf") == std::string::npos)
-        throw UsageError(shownFile(file) + " has no .mcf in its name, and a load refuses such a file");
+    requireConfigurationName(file);
     CommandRun run(context, behindFirst(words));
     if (run.isRefused()) return run.report;
     run.report.document["file"] = toUtf8(file.c_str());

@@ -329,16 +329,6 @@ void addWatchOptions(CLI::App& command, Options& options) {
     command.add_flag("-g,--group", own.areGroups, "The names are groups: all their parameters");
 }
 
-/** A condition on a value that is never measured would silently never hold. */
-void requireMeasured(Context& context, const Conditions& conditions) {
-    if (!context.options().offline) return;
-    for (const Condition& condition : conditions)
-        for (const Target& target : condition.targets())
-            if (!context.read(target).isMeasured)
-                throw UsageError("the condition asks for " + target.name() +
-                                 ", which is not measured: offline there is no board");
-}
-
 /** Reads the parameters until a condition, a number of rounds or a signal ends it. */
 class Watch {
 public:
@@ -353,8 +343,9 @@ public:
         if (!m_own.failIf.empty()) m_failures.emplace_back(parameters, m_own.failIf);
         if (!m_own.alarmIf.empty()) m_alarms.emplace_back(parameters, m_own.alarmIf);
         if (m_own.isAlarmedByLostLines) m_alarms.emplace_back(parameters, "FG_OVERFLOW != 0");
-        requireMeasured(context, m_failures);
-        requireMeasured(context, m_alarms);
+        for (const Conditions* conditions : {&m_failures, &m_alarms})
+            for (const Condition& condition : *conditions)
+                requireMeasured(context, condition);
         const std::vector<Target> named =
             m_own.areGroups ? targetsOfGroups(parameters, names) : findTargets(parameters, names);
         m_round.watched = watchedTargets(named, m_failures, m_alarms);
