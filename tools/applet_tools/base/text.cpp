@@ -151,7 +151,9 @@ std::vector<std::string> nearestWords(std::string_view word, const std::vector<s
     constexpr std::size_t mostWords = 3, ofPart = 2;
     const auto comparable = [](std::string_view text) {
         std::string lower = lowerCase(text);
-        return lower.starts_with("fg_") ? lower.substr(3) : lower;
+        if (lower.starts_with("fg_")) lower.erase(0, 3);
+        std::erase_if(lower, [](char c) { return c == '_' || c == ' ' || c == '-'; });
+        return lower;
     };
     const auto isPartOf = [](const std::string& part, const std::string& whole) {
         return part.size() > 2 && whole.find(part) != std::string::npos;
@@ -162,7 +164,8 @@ std::vector<std::string> nearestWords(std::string_view word, const std::vector<s
     for (const std::string& candidate : candidates) {
         const std::string known = comparable(candidate);
         const bool isPart = isPartOf(wanted, known) || isPartOf(known, wanted);
-        const std::size_t distance = isPart ? ofPart : editDistance(wanted, known);
+        const std::size_t ofWhole = editDistance(wanted, known);
+        const std::size_t distance = isPart ? std::min(ofPart, ofWhole) : ofWhole;
         if (!known.empty() && (isPart || distance <= farthest)) near.emplace_back(distance, candidate);
     }
     std::stable_sort(near.begin(), near.end(),

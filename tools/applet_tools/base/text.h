@@ -48,8 +48,8 @@ std::size_t editDistance(std::string_view a, std::string_view b);
 /** The largest editDistance of a misspelt word: one for each three letters, at least one. */
 std::size_t farthestTypo(std::string_view word);
 
-/** The candidates that a user may have meant by the word, the likeliest first, at most three. Ignores case and
- *  the prefix "FG_"; a part of a candidate counts as similar to it. */
+/** The candidates that a user may have meant by the word, the likeliest first, at most three. Ignores case,
+ *  the prefix "FG_" and what separates words ("_", "-", blanks); a part of a candidate counts as similar to it. */
 std::vector<std::string> nearestWords(std::string_view word, const std::vector<std::string>& candidates);
 
 /** The candidates with the part that is most similar to the word, at most three: for a misspelt part of a
