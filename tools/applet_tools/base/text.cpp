@@ -126,6 +126,13 @@ std::string join(const std::vector<std::string>& parts, std::string_view separat
     return joined;
 }
 
+std::string enumerated(std::vector<std::string> parts) {
+    if (parts.size() < 2) return join(parts, "");
+    const std::string last = std::move(parts.back());
+    parts.pop_back();
+    return join(parts, ", ") + " and " + last;
+}
+
 std::size_t editDistance(std::string_view a, std::string_view b) {
     // For such different words the exact distance is useless, and its table is expensive.
     constexpr std::size_t farthest = 64;

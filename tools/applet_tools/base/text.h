@@ -41,6 +41,9 @@ std::string lowerCase(std::string_view text);
 
 std::string join(const std::vector<std::string>& parts, std::string_view separator);
 
+/** "a", "a and b", "a, b and c". */
+std::string enumerated(std::vector<std::string> parts);
+
 /** Number of single characters to insert, remove or replace, or neighbours to swap, to turn `a` into `b`; a lower
  *  bound if the lengths differ much. */
 std::size_t editDistance(std::string_view a, std::string_view b);
