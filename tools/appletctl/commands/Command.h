@@ -75,6 +75,10 @@ struct Command {
     bool acquires = false;               /**< may start an acquisition, or replace the board */
     bool managesStations = false;        /**< starts, lists or ends stations, so none can execute it */
     bool showsWrites = false;            /**< the text already has the writes, so "trace" does not add them */
+    /** Refuses a board that is not virtual, before the applet starts on it. */
+    bool isForVirtualBoard = false;
+    /** The uses that open no live board, as the help names them: "for two files"; empty: all; null: none. */
+    const char* withoutBoard = nullptr;
 };
 
 /** The name of its words: "NAME=VALUE"; empty if it takes none. */
