@@ -213,7 +213,8 @@ HelpPage helpPageOf(const CLI::App& app) {
     if (command->moreHelp != nullptr) page.details = command->moreHelp();
     if (isHidden(*command)) return page;
     page.effect = effectOnBoard(*command);
-    page.startsOnSystem = !opensNoBoard(*command) && !command->isForVirtualBoard;
+    page.startsOnSystem = !opensNoBoard(*command) && !command->isForVirtualBoard &&
+                          command->kind != Command::Kind::ofShell; // the shell has started it
     return page;
 }
 
@@ -252,42 +253,15 @@ std::string helpText(const HelpPage& page) {
            hanging("", "'" + name + " COMMAND --help' shows examples and options of a command.", 0);
 }
 
-namespace {
-
-struct ShellWord {
-    Words words;
-    const char *shown, *help;
-};
-
-const ShellWord wordsOfShell[] = {
-    {{"undo"}, "undo", "Take back what the last command that changed something has changed"},
-    {{"help"}, "help [COMMAND]", "This list, or examples and options of a command"},
-    {{"exit", "quit"}, "exit, quit", "End the shell; so does the end of the input"},
-};
-
-} // namespace
-
-Words shellWords() {
-    Words words;
-    for (const ShellWord& one : wordsOfShell)
-        words.insert(words.end(), one.words.begin(), one.words.end());
-    return words;
-}
-
-std::string shellWordHelp(const std::string& word) {
-    for (const ShellWord& one : wordsOfShell)
-        if (std::ranges::find(one.words, word) != one.words.end()) return entry(one.shown, one.help);
-    return "";
-}
-
 std::string shellHelp() {
-    std::string text = "Each line is a command with its words, on one board:\n\n";
-    for (const Command* command : allCommands())
-        if (isForLines(*command) && !isHidden(*command)) text += entry(fullName(*command), command->help);
-    text += "\nOf the shell itself:\n";
-    for (const ShellWord& one : wordsOfShell)
-        text += entry(one.shown, one.help);
-    return text + '\n' + hanging("", accessWords, 0);
+    std::string commands, own;
+    for (const Command* command : shellCommands()) {
+        const bool isOfShell = command->kind == Command::Kind::ofShell;
+        if (isForLines(*command) && !isHidden(*command))
+            (isOfShell ? own : commands) += entry(fullName(*command), command->help);
+    }
+    return "Each line is a command with its words, on one board:\n\n" + commands +
+           "\nOf the shell itself:\n" + own + '\n' + hanging("", accessWords, 0);
 }
 
 namespace {
