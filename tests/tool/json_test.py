@@ -84,6 +84,7 @@ NOT_TRACED = {"shell", "trace", "run"}
 PRINTS_DOCUMENTS = {"xml", "completion", "report"}
 USES_SCRATCH_BOARD = {"list", "set", "reset", "limits", "why", "deps", "plan", "apply", "describe", "route", "lint", "docs",
                       "report", "save", "load", "check", "diff", "shell"}
+NO_NOTES_ON_THE_BOARD = {"run", "serve", "trace", "__complete"}
 # What a person must not see: texts of libraries and of uncaught exceptions.
 CRASH = re.compile(r"terminate called|internal error|json\.exception|what\(\)|std::|basic_string|ended unexpectedly|core dumped")
 
@@ -244,6 +245,19 @@ class EveryCommand(unittest.TestCase):
         for number in re.findall(r"(?<![\w.])\d+\.\d+", text):
             self.assertLessEqual(len(number.replace(".", "").lstrip("0")), 12, number)
         self.assertNotRegex(text, r"\de\+0\d\b")
+
+    def test_help_says_what_opens_the_board_of_the_system(self):
+        folder = pathlib.Path(documents(run(["info", "--json"])[1])[0]["boardLibrary"]).parent
+        for command, words, text in FIRST_RUNS:
+            if command in NO_NOTES_ON_THE_BOARD:
+                continue
+            with self.subTest(" ".join(words)):
+                page = run([*command.split(), "--help"], env={**os.environ, "COLUMNS": "1000"})[1]
+                yes = ["--yes"] if "--yes" in page else []
+                code, out, err = run(["-v", "--board", "system", *words, *yes], text,
+                                     env={**os.environ, "LD_LIBRARY_PATH": str(folder)})
+                self.check_no_crash(code, out, err)
+                self.assertEqual("brought up in" in err, "It opens no board." not in page, page[-400:] + err)
 
     def test_the_log_is_that_of_the_live_board(self):
         log = run(["set", "FG_CAMSTATUS=1"], env={**os.environ, "VBOARD_LOG_LEVEL": "4"})[2]

@@ -126,6 +126,13 @@ std::string join(const std::vector<std::string>& parts, std::string_view separat
     return joined;
 }
 
+std::string enumerated(std::vector<std::string> parts) {
+    if (parts.size() < 2) return join(parts, "");
+    const std::string last = std::move(parts.back());
+    parts.pop_back();
+    return join(parts, ", ") + " and " + last;
+}
+
 std::size_t editDistance(std::string_view a, std::string_view b) {
     // For such different words the exact distance is useless, and its table is expensive.
     constexpr std::size_t farthest = 64;
@@ -151,7 +158,9 @@ std::vector<std::string> nearestWords(std::string_view word, const std::vector<s
     constexpr std::size_t mostWords = 3, ofPart = 2;
     const auto comparable = [](std::string_view text) {
         std::string lower = lowerCase(text);
-        return lower.starts_with("fg_") ? lower.substr(3) : lower;
+        if (lower.starts_with("fg_")) lower.erase(0, 3);
+        std::erase_if(lower, [](char c) { return c == '_' || c == ' ' || c == '-'; });
+        return lower;
     };
     const auto isPartOf = [](const std::string& part, const std::string& whole) {
         return part.size() > 2 && whole.find(part) != std::string::npos;
@@ -162,7 +171,8 @@ std::vector<std::string> nearestWords(std::string_view word, const std::vector<s
     for (const std::string& candidate : candidates) {
         const std::string known = comparable(candidate);
         const bool isPart = isPartOf(wanted, known) || isPartOf(known, wanted);
-        const std::size_t distance = isPart ? ofPart : editDistance(wanted, known);
+        const std::size_t ofWhole = editDistance(wanted, known);
+        const std::size_t distance = isPart ? std::min(ofPart, ofWhole) : ofWhole;
         if (!known.empty() && (isPart || distance <= farthest)) near.emplace_back(distance, candidate);
     }
     std::stable_sort(near.begin(), near.end(),

@@ -41,6 +41,9 @@ std::string lowerCase(std::string_view text);
 
 std::string join(const std::vector<std::string>& parts, std::string_view separator);
 
+/** "a", "a and b", "a, b and c". */
+std::string enumerated(std::vector<std::string> parts);
+
 /** Number of single characters to insert, remove or replace, or neighbours to swap, to turn `a` into `b`; a lower
  *  bound if the lengths differ much. */
 std::size_t editDistance(std::string_view a, std::string_view b);
@@ -48,8 +51,8 @@ std::size_t editDistance(std::string_view a, std::string_view b);
 /** The largest editDistance of a misspelt word: one for each three letters, at least one. */
 std::size_t farthestTypo(std::string_view word);
 
-/** The candidates that a user may have meant by the word, the likeliest first, at most three. Ignores case and
- *  the prefix "FG_"; a part of a candidate counts as similar to it. */
+/** The candidates that a user may have meant by the word, the likeliest first, at most three. Ignores case,
+ *  the prefix "FG_" and what separates words ("_", "-", blanks); a part of a candidate counts as similar to it. */
 std::vector<std::string> nearestWords(std::string_view word, const std::vector<std::string>& candidates);
 
 /** The candidates with the part that is most similar to the word, at most three: for a misspelt part of a

@@ -22,12 +22,17 @@ LiveSession::LiveSession(const BoardOptions& options, Scratch scratch, std::span
 
 LiveSession::~LiveSession() = default;
 
+const applet_host::AppletHost& LiveSession::host() {
+    if (!m_host) m_host = std::make_shared<applet_host::AppletHost>(locationsFor(m_options));
+    return *m_host;
+}
+
 Instance& LiveSession::instance() {
     if (m_copy) return m_copy->instance();
     if (m_instance) return *m_instance;
     const Stopwatch watch;
     const auto station = m_options.isVirtual() ? stationOfEnvironment() : std::nullopt;
-    if (!m_host) m_host = std::make_shared<applet_host::AppletHost>(locationsFor(m_options));
+    host();
     Instance& made = m_instance.emplace(
         m_options, m_host, m_publishesDesign ? DesignParameters::published : DesignParameters::asSwitched);
     const char* const kind = m_host->isVirtual() ? "virtual board" : "board of the system";

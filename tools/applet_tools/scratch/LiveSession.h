@@ -34,6 +34,8 @@ public:
     explicit LiveSession(const BoardOptions& options, Scratch scratch = Scratch::none,
                          std::span<const JobRow> jobs = {}, ObserveWork observe = {});
 
+    /** The libraries; loading them opens no board. */
+    const applet_host::AppletHost& host();
     /** On a virtual board, sets up the station file named by VBOARD_STATION, if any. */
     Instance& instance();
     /** False before the first use, and after a failed restart. */

@@ -155,8 +155,9 @@ std::vector<std::int64_t> lossesOf(Instance& instance) {
     return losses;
 }
 
-void requireStation(const Instance& instance, const std::string& what) {
-    if (instance.device() != nullptr && instance.host()->isVirtual()) return;
+void requireStation(const BoardOptions& options, const applet_host::AppletHost& host,
+                    const std::string& what) {
+    if (!options.offline && host.isVirtual()) return;
     throw UsageError(
         what + " needs the virtual board, which is a simulated station: leave --board and --offline out");
 }

@@ -95,8 +95,9 @@ Words lossNames();
 /** The number of losses of each kind since the board was opened, in the order of lossKinds(). */
 std::vector<std::int64_t> lossesOf(Instance& instance);
 
-/** Throws UsageError, if the board is not virtual; `what` needs one. */
-void requireStation(const Instance& instance, const std::string& what);
+/** Throws UsageError if the options and the libraries do not open a virtual board; `what` needs one. */
+void requireStation(const BoardOptions& options, const applet_host::AppletHost& host,
+                    const std::string& what);
 
 /** Advances the time in steps. Polls `goesOn` before each step; false if that returns false. */
 template <typename GoesOn> bool advance(Instance& instance, Ticks ticks, const GoesOn& goesOn) {

@@ -21,7 +21,8 @@ CLI::App* groupCommand(CLI::App& program, const CommandGroup* group) {
 }
 
 void addCommand(CLI::App& program, const Command& command, Request& request) {
-    CLI::App* added = groupCommand(program, command.group)->add_subcommand(command.name, command.help);
+    CLI::App* const above = groupCommand(program, command.group);
+    CLI::App* const added = above->add_subcommand(std::make_shared<CommandNode>(command, *above));
     const bool isOfAnother = command.kind == Command::Kind::prefix; // its words form another command line
     if (command.argument != nullptr && !isOfAnother) {
         CLI::Option* words = added->add_option(command.argument, request.words, command.argumentHelp);
@@ -183,20 +184,21 @@ HelpPage helpOf(const Command* command) {
     return helpPageOf(*app);
 }
 
-void addCommandsTo(CLI::App& program, Request& request) {
+void addCommandsTo(CLI::App& program, Request& request, std::span<const Command* const> commands) {
     program.fallthrough();            // global options may also follow the command
     program.require_subcommand(0, 1); // another word of that name is an argument of the command
     program.set_help_flag("-h,--help", "Show this help");
     program.set_version_flag("--version", APPLETCTL_VERSION, "Show the version");
     addGlobalOptions(program, request.options);
-    for (const Command* command : allCommands())
+    for (const Command* command : commands)
         addCommand(program, *command, request);
 }
 
-Request parseCommandLine(const Words& words, const Options& options) {
+Request parseCommandLine(const Words& words, const Options& options,
+                         std::span<const Command* const> commands) {
     Request request{.options = options, .command = nullptr, .words = {}, .outcome = {}};
     CLI::App program(programDescription, "appletctl");
-    addCommandsTo(program, request);
+    addCommandsTo(program, request, commands);
     try {
         program.parse(Words(words.rbegin(), words.rend()));
         if (request.command == nullptr)

@@ -31,10 +31,12 @@ Words wordsOf(const Command& command);
 HelpPage helpOf(const Command* command);
 
 /** Makes the program's commands and options; they write to the request. */
-void addCommandsTo(CLI::App& program, Request& request);
+void addCommandsTo(CLI::App& program, Request& request,
+                   std::span<const Command* const> commands = allCommands());
 
 /** Parses the words after the program's name; `options` are the defaults. Loads nothing. */
-Request parseCommandLine(const Words& words, const Options& options = {});
+Request parseCommandLine(const Words& words, const Options& options = {},
+                         std::span<const Command* const> commands = allCommands());
 
 } // namespace appletctl
 

@@ -7,6 +7,7 @@
 namespace appletctl {
 
 std::string fullNameOf(const CLI::App& app) {
+    if (const Command* command = commandOf(app)) return calledName(*command);
     const CLI::App* parent = app.get_parent();
     return parent == nullptr ? app.get_name() : fullNameOf(*parent) + " " + app.get_name();
 }
@@ -18,12 +19,8 @@ const CommandGroup* groupNamed(const std::string& name) {
 }
 
 const Command* commandOf(const CLI::App& app) {
-    const CLI::App* parent = app.get_parent();
-    if (parent == nullptr) return nullptr;
-    const CommandGroup* group = parent->get_parent() != nullptr ? groupNamed(parent->get_name()) : nullptr;
-    for (const Command* command : allCommands())
-        if (command->group == group && app.get_name() == command->name) return command;
-    return nullptr;
+    const auto* const node = dynamic_cast<const CommandNode*>(&app);
+    return node == nullptr ? nullptr : &node->row;
 }
 
 Words choicesIn(const std::string& text) {

@@ -45,6 +45,14 @@ Report withFailuresAsReports(const std::function<Report()>& work) {
     }
 }
 
+Report withNotes(Context& context, const std::string& name, const std::function<Report()>& work) {
+    const Stopwatch watch;
+    Report report = withFailuresAsReports(work);
+    std::ranges::move(context.takeNotes(), std::back_inserter(report.notes));
+    report.notes.push_back("'" + name + "' took " + watch.text());
+    return report;
+}
+
 namespace {
 
 /** True for a board that is shared with others or that the user does not want to be written to. */
@@ -219,17 +227,15 @@ Context::Scratch scratchFor(const Request& request) {
 /** `isOnlyCommand`: the applet on its board serves this command only. */
 Report executeOn(Context& context, const Request& request, bool isOnlyCommand) {
     if (request.command == nullptr) return request.outcome;
-    const Stopwatch watch;
     context.setOptions(request.options);
-    Report report = withFailuresAsReports([&] { return runCommand(request, context, isOnlyCommand); });
+    Report report =
+        withNotes(context, nameOf(request), [&] { return runCommand(request, context, isOnlyCommand); });
     if (request.options.look && request.command->showsValues) {
         report.document["look"] = true;
         if (!report.text.empty() && !report.isVerbatim)
             report.text +=
                 forPerson("With --look, settings are those of a starting applet, not the board's.\n");
     }
-    std::ranges::move(context.takeNotes(), std::back_inserter(report.notes));
-    report.notes.push_back("'" + nameOf(request) + "' took " + watch.text());
     return report;
 }
 
@@ -257,6 +263,11 @@ Request onSameBoard(Request request, const Options& options, const char* board, 
 
 Request parseLine(const Words& words, const Options& options) {
     return onSameBoard(parseCommandLine(words, options), options, "the first command", false);
+}
+
+Request parseShellLine(const Words& words, const Options& options) {
+    return onSameBoard(parseCommandLine(words, options, shellCommands()), options, "the first command",
+                       false);
 }
 
 Request parseForStation(const Words& words, const Options& options) {

@@ -16,6 +16,9 @@ Report execute(const Request& request, Context& context);
  * selects another board, or for a command that needs a command line of its own. */
 Request parseLine(const Words& words, const Options& options);
 
+/** The same for a line of a shell, which may be a word of the shell itself. */
+Request parseShellLine(const Words& words, const Options& options);
+
 /** The same for a whole command line that a client sends to a station. */
 Request parseForStation(const Words& words, const Options& options);
 
@@ -25,6 +28,9 @@ void requireAgreement(const Options& options, const std::string& name);
 
 /** The report of the work; failures become reports too. */
 Report withFailuresAsReports(const std::function<Report()>& work);
+
+/** The same with notes: how the answer was found, and the time that the command of that name took. */
+Report withNotes(Context& context, const std::string& name, const std::function<Report()>& work);
 
 /** Runs the only command of the process; `words` is its command line. The report is already printed if a station
  *  has executed it. */

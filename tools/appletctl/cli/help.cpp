@@ -32,13 +32,13 @@ const char* const boardNotes =
     "Without --board system and --station, each run starts a fresh virtual board with the "
     "defaults, and nothing is kept for the next "
     "run. With --board system, the start of the applet writes all defaults to the "
-    "board, for every command; --look "
-    "opens the board without writing.";
+    "board, also for a command that only reads; --look "
+    "opens the board without writing. The help of each command says what it does to the board.";
 
 namespace {
 
 constexpr const char* startWrites =
-    "The start of the applet writes all defaults to it, unless --look is given.";
+    "The start of the applet writes all defaults to the board, unless --look is given.";
 
 /** Longer lines are hard to read. */
 std::size_t helpWidth() {
@@ -147,24 +147,36 @@ std::vector<HelpEntry> examplesOf(const CLI::App& app, const Command* command) {
     return examples;
 }
 
-/** The command's effect on a real board, apart from the defaults that the start of the applet writes. */
-std::string effectOnBoard(const Command& command) {
+bool opensNoBoard(const Command& command) {
+    return command.withoutBoard != nullptr && *command.withoutBoard == '\0';
+}
+
+/** What the command sets on a real board. */
+std::string settingsOnBoard(const Command& command) {
     if (command.kind == Command::Kind::session && command.sets == Command::Sets::always)
-        return "On a board of the system its steps set values, all after one question or with --yes.";
-    if (command.kind != Command::Kind::plain)
-        return "On a board of the system each of its commands does what it does alone.";
+        return "its steps set values, all after one question or with --yes";
+    const bool hasCommands = command.kind == Command::Kind::local;
+    const std::string alone =
+        hasCommands ? "each of its commands does what it does alone" : "the command itself only reads";
     switch (command.sets) {
     case Command::Sets::nothing:
-        return "On a board of the system the command itself only reads.";
+        return alone;
     case Command::Sets::assignments:
-        return "On a board of the system the command itself only reads, but assignments among its words are "
-               "set, after a question or with --yes.";
+        return alone + "; assignments among its words are set, after a question or with --yes";
     case Command::Sets::always:
-        return "On a board of the system it sets values, after a question or with --yes.";
     case Command::Sets::afterOwnQuestion:
-        return "It sets values, after a question or with --yes.";
+        return "it sets values, after a question or with --yes";
     }
     return "";
+}
+
+/** The command's effect on a real board, apart from the defaults that the start of the applet writes. */
+std::string effectOnBoard(const Command& command) {
+    if (command.isForVirtualBoard) return "It refuses a board that is not virtual, and writes nothing to it.";
+    if (opensNoBoard(command)) return "It opens no board.";
+    const std::string effect = "On a board of the system " + settingsOnBoard(command) + ".";
+    if (command.withoutBoard == nullptr) return effect;
+    return effect + " It opens none " + command.withoutBoard + ".";
 }
 
 std::vector<HelpEntry> commandEntries(const CLI::App& app) {
@@ -199,7 +211,10 @@ HelpPage helpPageOf(const CLI::App& app) {
     }
     if (command->argument != nullptr) page.words = {{command->argument, command->argumentHelp}};
     if (command->moreHelp != nullptr) page.details = command->moreHelp();
-    if (!isHidden(*command)) page.effect = effectOnBoard(*command);
+    if (isHidden(*command)) return page;
+    page.effect = effectOnBoard(*command);
+    page.startsOnSystem = !opensNoBoard(*command) && !command->isForVirtualBoard &&
+                          command->kind != Command::Kind::ofShell; // the shell has started it
     return page;
 }
 
@@ -210,6 +225,7 @@ HelpPage comparisonHelp(const CLI::App& program) {
     page.usage = program.get_name() + " [OPTIONS] FILE FILE";
     page.words = {{"FILE", "Output of 'trace', as text or as JSON"}};
     page.commonOptions = optionsOf(program, true);
+    page.effect = "It opens no board.";
     return page;
 }
 
@@ -224,7 +240,8 @@ std::string helpText(const HelpPage& page) {
             section("Words:\n", page.words);
     if (!page.details.empty()) text += foldedDetails(page.details) + '\n';
     text += section("Options:\n", page.options) + section("Options of all commands:\n", page.commonOptions);
-    if (!page.effect.empty()) text += hanging("", page.effect + ' ' + startWrites, 0);
+    if (!page.effect.empty())
+        text += hanging("", page.effect + (page.startsOnSystem ? std::string(" ") + startWrites : ""), 0);
     if (page.commands.empty()) return text;
     const std::string name = page.usage.substr(0, page.usage.find(" ["));
     text += hanging("", boardNotes, 0) + hanging("", accessWords, 0) + "\nExit codes:\n";
@@ -236,42 +253,15 @@ std::string helpText(const HelpPage& page) {
            hanging("", "'" + name + " COMMAND --help' shows examples and options of a command.", 0);
 }
 
-namespace {
-
-struct ShellWord {
-    Words words;
-    const char *shown, *help;
-};
-
-const ShellWord wordsOfShell[] = {
-    {{"undo"}, "undo", "Take back what the last command that changed something has changed"},
-    {{"help"}, "help [COMMAND]", "This list, or examples and options of a command"},
-    {{"exit", "quit"}, "exit, quit", "End the shell; so does the end of the input"},
-};
-
-} // namespace
-
-Words shellWords() {
-    Words words;
-    for (const ShellWord& one : wordsOfShell)
-        words.insert(words.end(), one.words.begin(), one.words.end());
-    return words;
-}
-
-std::string shellWordHelp(const std::string& word) {
-    for (const ShellWord& one : wordsOfShell)
-        if (std::ranges::find(one.words, word) != one.words.end()) return entry(one.shown, one.help);
-    return "";
-}
-
 std::string shellHelp() {
-    std::string text = "Each line is a command with its words, on one board:\n\n";
-    for (const Command* command : allCommands())
-        if (isForLines(*command) && !isHidden(*command)) text += entry(fullName(*command), command->help);
-    text += "\nOf the shell itself:\n";
-    for (const ShellWord& one : wordsOfShell)
-        text += entry(one.shown, one.help);
-    return text + '\n' + hanging("", accessWords, 0);
+    std::string commands, own;
+    for (const Command* command : shellCommands()) {
+        const bool isOfShell = command->kind == Command::Kind::ofShell;
+        if (isForLines(*command) && !isHidden(*command))
+            (isOfShell ? own : commands) += entry(fullName(*command), command->help);
+    }
+    return "Each line is a command with its words, on one board:\n\n" + commands +
+           "\nOf the shell itself:\n" + own + '\n' + hanging("", accessWords, 0);
 }
 
 namespace {
@@ -306,6 +296,7 @@ const Command helpCommand = {
     .most = 2,
     .run = showHelp,
     .kind = Command::Kind::local, // the shell has a "help" of its own
+    .withoutBoard = "",
 };
 
 } // namespace appletctl

@@ -23,12 +23,6 @@ std::string helpText(const HelpPage& page);
 /** The same for a line of the shell: without the program's name and without options that do not work there. */
 std::string shellHelp();
 
-/** The words that exist only in the shell: "undo", "help" and so on. */
-Words shellWords();
-
-/** The explanation of a word that exists only in the shell, such as "undo"; empty for other words. */
-std::string shellWordHelp(const std::string& word);
-
 } // namespace appletctl
 
 #endif

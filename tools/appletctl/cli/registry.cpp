@@ -2,12 +2,17 @@
 
 #include "appletctl/commands/Command.h"
 
+#include <algorithm>
+#include <iterator>
+#include <vector>
+
 namespace appletctl {
 
 // Each is defined in the source of its command.
 #define COMMAND(name) extern const Command name##Command;
 #include "appletctl/cli/commands.def"
 #undef COMMAND
+extern const Command undoCommand, shellHelpCommand, exitCommand, quitCommand;
 
 namespace {
 
@@ -20,5 +25,19 @@ constexpr const Command* commands[] = {
 } // namespace
 
 std::span<const Command* const> allCommands() { return commands; }
+
+std::span<const Command* const> shellCommands() {
+    static const std::vector<const Command*> known = [] {
+        const std::vector<const Command*> own = {&undoCommand, &shellHelpCommand, &exitCommand, &quitCommand};
+        std::vector<const Command*> all;
+        std::ranges::remove_copy_if(commands, std::back_inserter(all), [&](const Command* command) {
+            return std::ranges::find(own, fullName(*command),
+                                     [](const Command* word) { return fullName(*word); }) != own.end();
+        });
+        all.insert(all.end(), own.begin(), own.end());
+        return all;
+    }();
+    return known;
+}
 
 } // namespace appletctl

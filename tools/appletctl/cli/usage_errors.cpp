@@ -178,7 +178,7 @@ std::string usageError(const CLI::App& program, const CLI::App& app, const CLI::
 
 void checkWords(const Command& command, const Words& words) {
     const int count = static_cast<int>(words.size());
-    const std::string help = seeHelp("appletctl " + fullName(command));
+    const std::string help = seeHelp(calledName(command));
     if (count < command.fewest)
         throw UsageError(argumentName(command) + ": " + command.argument + " is missing" + help);
     if (command.most >= 0 && count > command.most)

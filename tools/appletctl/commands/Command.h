@@ -32,7 +32,8 @@ struct Command {
         plain,
         prefix,  /**< its words are another command line */
         session, /**< needs a command line of its own: not allowed in a shell or a scenario */
-        local    /**< the same, and always executed by the program itself, never by a station */
+        local,   /**< the same, and always executed by the program itself, never by a station */
+        ofShell  /**< a word of the shell itself, which the shell executes: only there */
     };
     /** The effect of its words on the live board. */
     enum class Sets {
@@ -61,8 +62,8 @@ struct Command {
     const char* fileSuffix = ""; /**< of the files that its words name: ".mcf" */
     int mostFiles = 1;           /**< maximum number of leading words that are files */
     int fewest = 0, most = 0;    /**< number of words; most -1: unlimited */
-    /** Throws UsageError and the failures. */
-    Report (*run)(Context&, const Words&);
+    /** Throws UsageError and the failures. Null for a word of the shell itself. */
+    Report (*run)(Context&, const Words&) = nullptr;
     Context::Scratch scratch = Context::Scratch::none;
     void (*addOptions)(CLI::App& command, Options& options) = nullptr; /**< adds the command's own options */
     Kind kind = Kind::plain;
@@ -75,6 +76,10 @@ struct Command {
     bool acquires = false;               /**< may start an acquisition, or replace the board */
     bool managesStations = false;        /**< starts, lists or ends stations, so none can execute it */
     bool showsWrites = false;            /**< the text already has the writes, so "trace" does not add them */
+    /** Refuses a board that is not virtual, before the applet starts on it. */
+    bool isForVirtualBoard = false;
+    /** The uses that open no live board, as the help names them: "for two files"; empty: all; null: none. */
+    const char* withoutBoard = nullptr;
 };
 
 /** The name of its words: "NAME=VALUE"; empty if it takes none. */
@@ -93,6 +98,11 @@ inline bool isHidden(const Command& command) { return std::string_view(command.n
 /** "lut show". */
 inline std::string fullName(const Command& command) {
     return (command.group != nullptr ? std::string(command.group->name) + " " : "") + command.name;
+}
+
+/** How it is called: "appletctl lut show", "undo". */
+inline std::string calledName(const Command& command) {
+    return (command.kind == Command::Kind::ofShell ? "" : "appletctl ") + fullName(command);
 }
 
 /** Runs the command with that full name and default options. */

@@ -19,8 +19,8 @@ struct HelpPage {
     std::vector<HelpEntry> words;
     std::string details; /**< lines with a fixed layout */
     std::vector<HelpEntry> options, commonOptions;
-    std::string
-        effect; /**< effect of the command on a board of the system, besides the start of the applet */
+    std::string effect; /**< of the command on a board of the system, besides the start of the applet */
+    bool startsOnSystem = false; /**< that start, with its writes, is among the effects */
 };
 
 /** The help and manual texts of all commands. */

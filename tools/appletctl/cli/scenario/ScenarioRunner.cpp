@@ -123,11 +123,15 @@ void ScenarioRunner::removeFromDesign(const std::string& name) {
 }
 
 void ScenarioRunner::refuseName(const std::string& name, const std::string& what) {
-    // A name may be given by its end, so the last part of each is a candidate.
+    // A name may be given by its end, so the end of each with as many parts is a candidate.
     std::vector<std::string> candidates = designNames();
     std::set<std::string> ends;
-    for (const std::string& known : candidates)
-        ends.insert(known.substr(known.rfind('_') + 1));
+    for (const std::string& known : candidates) {
+        std::size_t begin = known.size();
+        for (auto parts = std::ranges::count(name, '_') + 1; parts > 0 && begin != std::string::npos; --parts)
+            begin = begin == 0 ? std::string::npos : known.rfind('_', begin - 1);
+        if (begin != std::string::npos) ends.insert(known.substr(begin + 1));
+    }
     candidates.insert(candidates.begin(), ends.begin(), ends.end());
     throw UsageError("the design has no " + what + " " + inQuotes(name) +
                      didYouMean(nearestWords(name, candidates)));

@@ -41,35 +41,38 @@ ExitCode show(Report report, const std::string& command, const Options& options,
     return static_cast<ExitCode>(print(report, command, options));
 }
 
-Report helpReport(const std::string& text) {
-    Report report;
-    report.text = text;
-    report.document["text"] = report.text;
-    return report;
+/** The list of the shell's commands, or the help of one of them. */
+Report help(const Request& request) {
+    if (request.words.empty()) {
+        Report report;
+        report.text = shellHelp();
+        report.document["text"] = report.text;
+        return report;
+    }
+    Words asked = request.words;
+    asked.emplace_back("--help");
+    return parseShellLine(asked, request.options).outcome;
 }
 
 } // namespace
 
 ExitCode LineSession::runLine(const std::string& text, const Options& options, const std::string& prefix) {
+    m_isOver = false; // a session of a station has several shells
     const WordLine line = splitLine(text);
     if (line.words.empty()) return exitDone;
-    const std::string& first = line.words.front();
-    m_isOver = line.words.size() == 1 && (first == "exit" || first == "quit");
-    if (m_isOver) return exitDone;
     if (line.isOpen)
         return show(failureReport("usage", "a quote is not closed", exitUsage), "", options, prefix);
-    if (line.words.size() > 1 && first != "help" && !shellWordHelp(first).empty())
-        return show(failureReport("usage", "'" + first + "' takes no words", exitUsage), first, options,
-                    prefix);
-    if (first == "undo")
-        return show(withFailuresAsReports([&] { return undo(options); }), "undo", options, prefix);
-    if (first != "help") return run(parseLine(line.words, options), options, text, prefix);
-    if (line.words.size() == 1) return show(helpReport(shellHelp()), "help", options, prefix);
-    Words words(line.words.begin() + 1, line.words.end());
-    const std::string own = words.size() == 1 ? shellWordHelp(words.front()) : "";
-    if (!own.empty()) return show(helpReport(own), "help", options, prefix);
-    words.emplace_back("--help");
-    return run(parseLine(words, options), options, "", prefix);
+    return run(parseShellLine(line.words, options), options, text, prefix);
+}
+
+Report LineSession::executeWord(const Request& request) {
+    const std::string_view word = request.command->name;
+    if (word == "help") return help(request);
+    if (word == "undo") return undo(request.options);
+    m_isOver = true;
+    Report nothing;
+    nothing.isPrinted = true;
+    return nothing;
 }
 
 std::vector<Candidate> LineSession::complete(const std::string& text) {
@@ -77,11 +80,7 @@ std::vector<Candidate> LineSession::complete(const std::string& text) {
     if (line.words.empty() || line.end != text.size()) line.words.emplace_back();
     const auto parameters = [this]() -> const ParameterList& { return m_context.parameters(); };
     try {
-        std::vector<Candidate> candidates = candidatesFor(line.words, parameters);
-        if (line.words.size() == 1)
-            for (const std::string& own : shellWords())
-                if (own.starts_with(line.words.front())) candidates.push_back({own});
-        return candidates;
+        return candidatesFor(line.words, parameters, shellCommands());
     } catch (const std::exception&) { // without an applet there are no candidates
         return {};
     }
@@ -91,8 +90,10 @@ ExitCode LineSession::run(const Request& request, const Options& options, const 
                           const std::string& prefix) {
     const Interruption interruption;
     setOutputMode(request.options);
-    if (request.command != nullptr) m_history.begin(line);
-    Report report = execute(request, m_context);
+    const bool isOfShell = request.command != nullptr && request.command->kind == Command::Kind::ofShell;
+    if (request.command != nullptr && !isOfShell) m_history.begin(line);
+    Report report = isOfShell ? withNotes(m_context, nameOf(request), [&] { return executeWord(request); })
+                              : execute(request, m_context);
     if (interruption.isAsked()) report.exitCode = exitInterrupted;
     const ExitCode code = show(std::move(report), nameOf(request), request.options, prefix);
     m_context.setOptions(options);

@@ -45,6 +45,8 @@ public:
     std::vector<Candidate> complete(const std::string& text);
 
 private:
+    /** What a word of the shell itself does. */
+    Report executeWord(const Request& request);
     Report undo(const Options& options);
 
     Context& m_context;

@@ -360,10 +360,11 @@ Candidates traceWords(const CLI::App& program) {
 } // namespace
 
 std::vector<Candidate> candidatesFor(const Words& words,
-                                     const std::function<const ParameterList&()>& parameters) {
+                                     const std::function<const ParameterList&()>& parameters,
+                                     std::span<const Command* const> commands) {
     Request request;
     CLI::App program("", "appletctl");
-    addCommandsTo(program, request);
+    addCommandsTo(program, request, commands);
     const std::string word = words.empty() ? "" : words.back();
     const Place place = placeOf(program, words);
     const Command* command = commandOf(*place.command);

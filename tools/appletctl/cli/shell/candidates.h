@@ -5,6 +5,7 @@
 #include "applet_tools/applet/ParameterList.h"
 #include "applet_tools/base/words.h"
 #include "appletctl/base/applet_tools.h"
+#include "appletctl/cli/registry.h"
 
 #include <functional>
 #include <string>
@@ -17,10 +18,11 @@ struct Candidate {
     std::string help{};
 };
 
-/** The candidates for the last of the words after the program's name. Empty for file names and for
+/** The candidates for the last word of a command line with one of the commands. Empty for file names and for
  * free text. `parameters` is called only if names or values of parameters are needed. */
 std::vector<Candidate> candidatesFor(const Words& words,
-                                     const std::function<const ParameterList&()>& parameters);
+                                     const std::function<const ParameterList&()>& parameters,
+                                     std::span<const Command* const> commands = allCommands());
 
 } // namespace appletctl
 

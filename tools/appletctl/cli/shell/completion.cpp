@@ -106,6 +106,7 @@ const Command completionCommand = {
     .run = showCompletionScript,
     .addOptions = addShells,
     .kind = Command::Kind::local,
+    .withoutBoard = "",
 };
 
 namespace {
@@ -147,6 +148,7 @@ const Command completeCommand = {
     .most = -1,
     .run = completeWords,
     .kind = Command::Kind::local,
+    .withoutBoard = "",
 };
 
 } // namespace appletctl

@@ -125,6 +125,7 @@ const Command stationListCommand = {
     .run = listStations,
     .kind = Command::Kind::local,
     .managesStations = true,
+    .withoutBoard = "",
 };
 
 const Command stationAddressCommand = {
@@ -138,6 +139,7 @@ const Command stationAddressCommand = {
     .run = showAddress,
     .kind = Command::Kind::local,
     .managesStations = true,
+    .withoutBoard = "",
 };
 
 const Command stationStopCommand = {
@@ -151,6 +153,7 @@ const Command stationStopCommand = {
     .run = stopStation,
     .kind = Command::Kind::local,
     .managesStations = true,
+    .withoutBoard = "",
 };
 
 const Command stationLogCommand = {
@@ -164,6 +167,7 @@ const Command stationLogCommand = {
     .run = showLog,
     .kind = Command::Kind::local,
     .managesStations = true,
+    .withoutBoard = "",
 };
 
 } // namespace appletctl

@@ -71,6 +71,7 @@ const Command diffCommand = {
     .addOptions = addLive,
     .sets = Command::Sets::assignments,
     .showsValues = true,
+    .withoutBoard = "for two files without --live",
 };
 
 } // namespace appletctl

@@ -61,8 +61,7 @@ std::string manualOfCommand(const Command& command, const HelpPage& page) {
                        plain(page.description) + "\n\n" + terms(page.words) + terms(page.options);
     constexpr std::size_t literalWidth = 66; // of 80 columns, indented as the pages are
     if (!page.details.empty()) text += "```\n" + wrapped(page.details, literalWidth) + "```\n\n";
-    if (command.sets != Command::Sets::nothing) text += plain(page.effect) + "\n\n";
-    return text;
+    return text + plain(page.effect) + "\n\n";
 }
 
 std::string manualOfProgram(const Program& program) {

@@ -85,9 +85,10 @@ const Command infoCommand = {
     .name = "info",
     .help = "Show the identity of the applet, and the libraries in use",
     .examples = {{"info", "libraries, board and applet"},
-                 {"--board system --look info", "of the board of the system, without writing to it"}},
+                 {"--board system info", "with the libraries of the system"}},
     .run = showInfo,
     .showsValues = true,
+    .withoutBoard = "",
 };
 
 } // namespace appletctl

@@ -183,12 +183,12 @@ void addListOptions(CLI::App& command, Options& options) {
 }
 
 std::string nothingListed(const ListOptions& options, const std::string& pattern) {
-    if (options.onlyChanged && pattern.empty() && !options.group && !options.onlyWritable)
-        return "No parameter differs from its default.\n";
-    return "No parameter" + (pattern.empty() ? "" : " matches " + quotedText(pattern)) +
-           (!options.group ? "" : " in a group with " + quotedText(*options.group)) +
-           (options.onlyWritable ? ", is writable" : "") +
-           (options.onlyChanged ? ", and differs from its default" : "") + ".\n";
+    Words wanted;
+    if (!pattern.empty()) wanted.push_back("matches " + quotedText(pattern));
+    if (options.group) wanted.push_back("is in a group with " + quotedText(*options.group));
+    if (options.onlyWritable) wanted.emplace_back("is writable");
+    if (options.onlyChanged) wanted.emplace_back("differs from its default");
+    return "No parameter " + enumerated(wanted) + ".\n";
 }
 
 Report listParameters(Context& context, const Words& pattern) {

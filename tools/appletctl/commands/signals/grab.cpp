@@ -144,7 +144,7 @@ public:
         if (m_own.lines && !m_wanted.isDefault)
             throw UsageError("--lines takes as many pictures as it needs: leave the number of pictures out");
         if (m_files) m_files->expect(m_own.lines ? 0 : m_wanted.pictures);
-        requireStation(context.instance(), "'grab'");
+        requireStation(context.options(), context.host(), "'grab'");
         if (m_station) setUpStation(context.instance(), context.parameters(), *m_station);
     }
 
@@ -452,6 +452,7 @@ const Command grabCommand = {
     .takesLong = true,
     .moreHelp = grabNotes,
     .acquires = true,
+    .isForVirtualBoard = true,
 };
 
 } // namespace appletctl

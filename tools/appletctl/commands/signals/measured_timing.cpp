@@ -126,7 +126,7 @@ MeasuredDrawing drawingOf(const MeasuredTiming& timing) {
 class FreshBoard {
 public:
     explicit FreshBoard(Context& context) : m_context(context) {
-        requireStation(context.instance(), "'timing --measured'");
+        requireStation(context.options(), context.host(), "'timing --measured'");
         m_isCopy = context.instance().board().now(context.instance().device()) > 0;
         if (m_isCopy) context.enterCopy();
     }

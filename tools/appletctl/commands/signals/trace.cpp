@@ -141,7 +141,7 @@ std::vector<OneSided> differencesOf(const Lines& a, const Lines& b) {
 
 Report traceRun(Context& context, bool isShownByCommand, const std::function<Report()>& run) {
     requireBoard(context.options(), "trace");
-    if (!context.instance().host()->isVirtual())
+    if (!context.host().isVirtual())
         throw UsageError(
             "'trace' needs the virtual board, which logs what reaches it: leave --board out; 'plan' "
             "shows what a change would write to the board of the system");
@@ -196,6 +196,7 @@ const Command traceCommand = {
     .most = -1,
     .run = compareTraces,
     .kind = Command::Kind::prefix,
+    .isForVirtualBoard = true,
 };
 
 } // namespace appletctl
