@@ -40,6 +40,9 @@ export function startHold(view, live) {
     byId('frozen').hidden = !isFrozen;
     setText(byId('frozen'), `frozen at picture ${grouped(get('picture').number)}`);
   });
+  on('picture', (picture) => {
+    byId('freeze').disabled = byId('compare').disabled = !picture; // a click would be lost
+  });
   on('picture frozen', () =>
     setText(byId('compare-right'), `${get('frozen') ? 'frozen' : 'live'} ${grouped(get('picture')?.number ?? 0)}`),
   );
