@@ -16,6 +16,8 @@
 
 using namespace producer;
 
+extern "C" __attribute__((visibility("hidden"))) void* __dso_handle; // of this library, by the compiler
+
 namespace {
 
 NeverDestroyed<Library>& storedLibrary() {
@@ -46,7 +48,9 @@ void stopThreads() {
 void stopThreadsAtTheEnd() {
     static std::optional<std::uint64_t> registeredFor; // guarded by the lock of the modules
     const std::lock_guard lock(lockOfModules());
-    if (std::exchange(registeredFor, timesLoaded()) != timesLoaded()) std::atexit(stopThreads);
+    // As std::atexit, but the thread sanitizer, too, then calls it when the producer is unloaded.
+    if (std::exchange(registeredFor, timesLoaded()) != timesLoaded())
+        abi::__cxa_atexit([](void*) { stopThreads(); }, nullptr, &__dso_handle);
 }
 
 std::shared_ptr<System> systemOf(void* handle) { return HandleTable::find<System>(handle, "a system"); }

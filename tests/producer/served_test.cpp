@@ -18,6 +18,7 @@
 #include <functional>
 #include <future>
 #include <map>
+#include <mutex>
 #include <thread>
 
 namespace {
@@ -40,7 +41,10 @@ public:
         , m_thread([this] { work(); }) {}
     ~FakeStation() {
         shutdown(m_listening.number(), SHUT_RDWR);
-        if (m_socket) m_socket->close();
+        {
+            const std::lock_guard lock(m_connecting);
+            if (m_socket) m_socket->close();
+        }
         m_thread.join();
     }
     FakeStation(const FakeStation&) = delete;
@@ -58,7 +62,10 @@ private:
         poll(&polled, 1, -1);
         applet_tools::Descriptor socket(accept(m_listening.number(), nullptr, nullptr));
         if (!socket) return; // the test has ended
-        m_socket.emplace(std::move(socket));
+        {
+            const std::lock_guard lock(m_connecting);
+            m_socket.emplace(std::move(socket));
+        }
         while (const auto packet = m_socket->receive()) {
             const ToStation request = requestFrom(packet->bytes);
             if (!m_special(*this, request)) answerTruly(request);
@@ -84,6 +91,7 @@ private:
 
     const Special m_special;
     const applet_tools::Descriptor m_listening;
+    std::mutex m_connecting; // for the destructor; otherwise the socket is the thread's
     std::optional<ChannelSocket> m_socket;
     std::thread m_thread;
 };
