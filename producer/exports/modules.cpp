@@ -16,7 +16,8 @@
 
 using namespace producer;
 
-extern "C" __attribute__((visibility("hidden"))) void* __dso_handle; // of this library, by the compiler
+// Of this library, by the compiler. NOLINTNEXTLINE(bugprone-reserved-identifier)
+extern "C" __attribute__((visibility("hidden"))) void* __dso_handle;
 
 namespace {
 
