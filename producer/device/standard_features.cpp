@@ -31,7 +31,7 @@ std::string acquisitionLock(const Device& device) {
 }
 
 void setWithin(Feature& feature, std::int64_t minimum, std::int64_t maximum,
-               std::function<void(std::int64_t)> set) {
+               const std::function<void(std::int64_t)>& set) {
     feature.limits = [minimum, maximum] { return Limits{minimum, maximum, std::int64_t{1}}; };
     feature.set = [=, name = feature.name](const Value& value) {
         const std::int64_t number = integerOf(value);

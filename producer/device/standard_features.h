@@ -48,7 +48,7 @@ inline std::int64_t integerOf(const Value& value) { return std::get<std::int64_t
 
 /** Gives an integer that is not a parameter its limits. `set` is called with values within them only. */
 void setWithin(Feature& feature, std::int64_t minimum, std::int64_t maximum,
-               std::function<void(std::int64_t)> set);
+               const std::function<void(std::int64_t)>& set);
 
 /** Makes features, grouped by subject. */
 class StandardFeatures {

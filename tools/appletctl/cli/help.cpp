@@ -156,7 +156,7 @@ std::string settingsOnBoard(const Command& command) {
     if (command.kind == Command::Kind::session && command.sets == Command::Sets::always)
         return "its steps set values, all after one question or with --yes";
     const bool hasCommands = command.kind == Command::Kind::local;
-    const std::string alone =
+    std::string alone =
         hasCommands ? "each of its commands does what it does alone" : "the command itself only reads";
     switch (command.sets) {
     case Command::Sets::nothing:
@@ -174,7 +174,7 @@ std::string settingsOnBoard(const Command& command) {
 std::string effectOnBoard(const Command& command) {
     if (command.isForVirtualBoard) return "It refuses a board that is not virtual, and writes nothing to it.";
     if (opensNoBoard(command)) return "It opens no board.";
-    const std::string effect = "On a board of the system " + settingsOnBoard(command) + ".";
+    std::string effect = "On a board of the system " + settingsOnBoard(command) + ".";
     if (command.withoutBoard == nullptr) return effect;
     return effect + " It opens none " + command.withoutBoard + ".";
 }
