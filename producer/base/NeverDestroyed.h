@@ -2,8 +2,6 @@
 #ifndef PRODUCER_BASE_NEVERDESTROYED_H
 #define PRODUCER_BASE_NEVERDESTROYED_H
 
-#include <new>
-
 namespace producer {
 
 /** Its value is never destroyed. It is part of the library's memory, so an unloaded library leaves nothing. */
@@ -14,14 +12,20 @@ public:
     NeverDestroyed(const NeverDestroyed&) = delete;
     NeverDestroyed& operator=(const NeverDestroyed&) = delete;
 
-    T& value() { return m_value; }
+    T& value() { return m_inChild != nullptr ? m_inChild->value : m_value; }
     /** Begins anew, without destroying the value: in a forked child, which has none of the threads that use it. */
-    void forget() { new (&m_value) T(); }
+    void forget() { m_inChild = new InChild{T(), m_inChild}; }
 
 private:
+    struct InChild {
+        T value;
+        InChild* ofParent; // keeps it from being reported as a leak
+    };
+
     union {
         T m_value;
     };
+    InChild* m_inChild = nullptr;
 };
 
 } // namespace producer
