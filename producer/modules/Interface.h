@@ -58,7 +58,7 @@ private:
     const std::string m_deviceId;
     std::atomic<std::size_t> m_deviceCount{0};
     std::mutex m_deviceMutex; // held while the device is opened or closed; before the lock of the modules
-    bool m_isClosed = false;  // guarded by it, as the next
+    bool m_isClosed = false;  // guarded by m_deviceMutex, like m_device
     std::shared_ptr<LocalDevice> m_device;                              // null while closed
     std::atomic<std::int32_t> m_status{DEVICE_ACCESS_STATUS_READWRITE}; // of the device, if it is present
 };

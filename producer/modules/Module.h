@@ -50,7 +50,7 @@ public:
     void unregisterEvent(std::int32_t kind);
 
     /** Closes the module and its children: their handles become invalid, and threads that wait for an event
-     *  get ABORT. A module without a function of its own wants the lock of the modules held. */
+     *  get ABORT. Overrides take the locks themselves; otherwise the caller must hold the lock of the modules. */
     virtual void close();
 
 protected:
@@ -74,7 +74,7 @@ private:
 
 /** Held while the relations between modules change, never while another process is waited for. */
 std::mutex& lockOfModules();
-/** Unlocks it in a forked child, the parent's threads of which may have held it. */
+/** Unlocks it in a forked child: a thread of the parent may have held it. */
 void forgetLockOfModules();
 
 /** A read-only feature. */

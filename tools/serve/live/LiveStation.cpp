@@ -27,8 +27,8 @@ void LiveStation::noteChanges() const {
 
 void LiveStation::takeEvents() const {
     if (!isVirtual() || !commands.command().empty()) return;
-    instance().board().log_clear(
-        instance().device()); // the log of commands only; else it would grow for days
+    // Commands alone read the log, which would otherwise grow to its limit.
+    instance().board().log_clear(instance().device());
     EventTicks taken;
     applet_host::takeEvents(instance().board(), instance().device(),
                             [&](const vboard_event& event) { taken[event.name].push_back(event.tick); });
