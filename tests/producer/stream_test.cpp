@@ -287,10 +287,13 @@ TEST(ProducerEndurance, OpenAndCloseTenThousandTimes) {
     EXPECT_LT(allocatedBytes(), before + 90 * 100 * 12) << "fewer bytes than a block each time";
 }
 
-/** Runs a client that leaves something open in a process of its own. */
+/** Runs a client that leaves something open in a process of its own. One that waits for ever is ended. */
 template <typename Client> int exitCodeOf(Client client) {
     const pid_t child = fork();
-    if (child == 0) client();
+    if (child == 0) {
+        alarm(60);
+        client();
+    }
     int status = 0;
     waitpid(child, &status, 0);
     return status;
@@ -316,8 +319,8 @@ TEST(ProducerEndurance, ClientMayExitWithoutClosing) {
 }
 
 TEST(ProducerEndurance, ForkedChildLeavesTheParentAlone) {
+    if (underAddressSanitizer) GTEST_SKIP() << "its allocator's locks stay locked when another thread forks";
     EXPECT_EQ(exitCodeOf([] {
-                  alarm(60); // a child that waits for a thread of its parent would wait for ever
                   ProducerSession session;
                   session.queueBuffers(4);
                   session.start();
