@@ -77,7 +77,8 @@ RUNS = {
     "lut save": ["l.lut FG_PROCESSING_GAIN=2 FG_PROCESSING_OFFSET=1"],
     "lut load": ["a.lut FG_PROCESSING_GAIN=2 FG_PROCESSING_OFFSET=1", "missing.lut"],
 }
-OF_THE_SHELL = ["set FG_WIDTH=2048", "undo", "undo", "set FG_CAMERASIMULATOR_WIDTH=4096", "undo", "nonsense", "get 'open"]
+OF_THE_SHELL = ["set FG_WIDTH=2048", "undo", "undo", "set FG_CAMERASIMULATOR_WIDTH=4096", "undo", "nonsense", "get 'open",
+                "help undo", "exit"]
 NOT_IN_THE_SHELL = {"shell", "run", "apply", "completion", "help", "serve", "station list", "station stop", "station log",
                     "station address"}
 NOT_TRACED = {"shell", "trace", "run"}

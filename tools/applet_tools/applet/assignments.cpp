@@ -87,10 +87,14 @@ nlohmann::ordered_json asJson(const AssignmentResult& result) {
         return row;
     }
     if (result.writes) row["writes"] = accessesAsJson(*result.writes);
-    if (result.actual.error == FG_OK) addValue(row, target, result.actual.value);
-    if (result.code != FG_OK)
+    const ReadResult& actual = result.actual;
+    if (!actual.isMeasured || actual.error == FG_OK) addReading(row, target, actual);
+    if (result.code != FG_OK) {
         row["error"] = codeAsJson(result.code);
-    else if (const auto taken = nearestStep(*target.parameter, result.actual.value))
+        return row;
+    }
+    if (!actual.isMeasured) return row;
+    if (const auto taken = nearestStep(*target.parameter, result.actual.value))
         row["actual"] = *taken;
     return row;
 }
@@ -113,7 +117,7 @@ AssignmentResult apply(Instance& instance, const Assignment& assignment, const A
     result.code = writeValue(instance, assignment.target, assignment.value);
     result.reason = reasonOf(instance, *assignment.target.parameter, result.code);
     if (hooks.takeWrites) result.writes = hooks.takeWrites();
-    result.actual = readValue(instance, assignment.target);
+    result.actual = hooks.read ? hooks.read(assignment.target) : readValue(instance, assignment.target);
     return result;
 }
 

@@ -42,6 +42,8 @@ nlohmann::ordered_json asJson(const AssignmentResult& result);
 
 /** Callbacks; each may be empty. */
 struct AssignmentHooks {
+    /** Reads the value after the set; if empty, readValue does. */
+    std::function<ReadResult(const Target&)> read = {};
     /** Returns the log lines of the writes to the design since the last call. */
     std::function<std::vector<std::string>()> takeWrites = {};
     /** True for an assignment that is reported but not applied. */

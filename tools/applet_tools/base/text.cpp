@@ -90,12 +90,30 @@ std::size_t displayWidth(std::string_view text) {
     return width;
 }
 
-std::string shortened(const std::string& text, std::size_t mostBytes) {
-    if (text.size() <= mostBytes) return text;
-    std::size_t end = mostBytes;
-    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xc0) == 0x80) // within a character
+namespace {
+
+/** The whole characters in this many bytes. */
+std::string beginningOf(const std::string& text, std::size_t mostBytes) {
+    std::size_t end = std::min(mostBytes, text.size());
+    while (end > 0 && end < text.size() && isContinuation(static_cast<unsigned char>(text[end])))
         --end;
-    return text.substr(0, end) + "... (" + std::to_string(text.size()) + " bytes)";
+    return text.substr(0, end);
+}
+
+std::string lengthBehind(const std::string& text) {
+    return "... (" + std::to_string(text.size()) + " bytes)";
+}
+
+} // namespace
+
+std::string shortened(const std::string& text, std::size_t mostBytes) {
+    return text.size() <= mostBytes ? text : beginningOf(text, mostBytes) + lengthBehind(text);
+}
+
+std::string quotedBeginning(const std::string& text, std::size_t mostBytes) {
+    const std::string shown = toUtf8(text.c_str());
+    if (shown.size() <= mostBytes) return inQuotes(shown);
+    return inQuotes(beginningOf(shown, mostBytes)) + lengthBehind(text);
 }
 
 std::string inQuotedWord(std::string_view word) {

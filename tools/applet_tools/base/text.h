@@ -31,6 +31,9 @@ std::size_t displayWidth(std::string_view text);
 /** Truncates a UTF-8 text that is longer than this many bytes and appends its length in brackets. */
 std::string shortened(const std::string& text, std::size_t mostBytes);
 
+/** A text like that of quotedText; of a long one only this many bytes, and its length behind the quotes. */
+std::string quotedBeginning(const std::string& text, std::size_t mostBytes);
+
 /** A word typed by the user, printable, in single quotes; a very long one is truncated. */
 std::string inQuotedWord(std::string_view word);
 

@@ -104,13 +104,14 @@ std::string commandMissing(const CLI::App& program) {
 }
 
 /** The result of a command line that asks for help or is invalid. */
-Report endParsing(const CLI::App& program, const CLI::ParseError& error, const Words& words) {
+Report endParsing(const CLI::App& program, const CLI::ParseError& error, const Words& words,
+                  std::span<const Command* const> commands = allCommands()) {
     const CLI::App& app = reached(program);
     const bool isHelp = dynamic_cast<const CLI::CallForHelp*>(&error) != nullptr;
     const std::vector<std::string> unknown = program.remaining(true);
     const bool isUnknown = isHelp && commandOf(app) == nullptr && !unknown.empty();
     if (isUnknown || (!isHelp && dynamic_cast<const CLI::CallForVersion*>(&error) == nullptr))
-        return failureReport("usage", usageError(program, app, error, words), exitUsage);
+        return failureReport("usage", usageError(program, app, error, words, commands), exitUsage);
     Report report;
     report.text = isHelp ? helpText(helpPageOf(app)) : APPLETCTL_VERSION "\n";
     report.document["text"] = report.text;
@@ -209,7 +210,7 @@ Request parseCommandLine(const Words& words, const Options& options,
         request.outcome = failureReport("usage", error.what(), exitUsage);
     } catch (const CLI::ParseError& error) {
         request.command = nullptr;
-        request.outcome = endParsing(program, error, words);
+        request.outcome = endParsing(program, error, words, commands);
         if (request.outcome.exitCode == exitUsage) request.misused = reachedName(program);
         // The exception does not say which options were read before it.
         request.options.json |= std::ranges::find(words, "--json") != words.end();

@@ -195,9 +195,8 @@ private:
             const int code = loadConfiguration(instance, with.file);
             if (code < 0) throw Failure("--from: " + failedLoad(with.file, code));
         }
-        const Report done = m_context.hasScratch()
-                                ? applyLive(m_context, with.assignments)
-                                : reportAssignments(instance, m_context.parameters(), with.assignments);
+        const Report done = m_context.hasScratch() ? applyLive(m_context, with.assignments)
+                                                   : reportAssignments(m_context, with.assignments);
         if (done.exitCode != exitDone) throw Failure("--with: " + join(done.problems, "; "));
     }
 

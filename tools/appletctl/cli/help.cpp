@@ -274,8 +274,9 @@ Report showHelp(Context& context, const Words& words) {
         if (fullName(*command) == name) found = command;
     const bool isOtherPage = name == "trace diff" || (words.size() == 1 && groupNamed(name) != nullptr);
     if (!words.empty() && found == nullptr && !isOtherPage)
-        throw UsageError("there is no command " + inQuotedWord(name) +
-                         commandSuggestion(groupNamed(words.front()), words.back()));
+        throw UsageError(
+            "there is no command " + inQuotedWord(name) +
+            commandSuggestion(context.program().commands, groupNamed(words.front()), words.back()));
     Words asked = words;
     asked.emplace_back("--help");
     report.text =

@@ -41,11 +41,24 @@ std::string nearestOption(const CLI::App& app, const std::string& word) {
     return nearest;
 }
 
+bool isOfShell(const Command* command) { return command->kind == Command::Kind::ofShell; }
+
+/** Where the commands are listed, or that the word is one of the shell. */
+std::string listReference(std::span<const Command* const> commands, const std::string& word) {
+    if (std::ranges::any_of(commands, isOfShell)) return "; 'help' lists the commands";
+    for (const Command* command : shellCommands())
+        if (isOfShell(command) && editDistance(word, command->name) <= mostTypos(word))
+            return std::string("; '") + command->name +
+                   "' is a word of the shell: 'appletctl shell' starts one";
+    return "; 'appletctl --help' lists the commands";
+}
+
 } // namespace
 
-std::string commandSuggestion(const CommandGroup* group, const std::string& word) {
+std::string commandSuggestion(std::span<const Command* const> commands, const CommandGroup* group,
+                              const std::string& word) {
     for (std::size_t distance = 0; distance <= mostTypos(word); ++distance)
-        for (const Command* command : allCommands()) {
+        for (const Command* command : commands) {
             const bool isCandidate = !isHidden(*command) && (group == nullptr || command->group == group);
             if (isCandidate && editDistance(word, command->name) == distance)
                 return "; did you mean '" + fullName(*command) + "'?";
@@ -53,9 +66,9 @@ std::string commandSuggestion(const CommandGroup* group, const std::string& word
             if (isInOther && editDistance(word, command->group->name) == distance)
                 return std::string("; did you mean '") + command->group->name + "'?";
         }
-    if (group == nullptr) return "; 'appletctl --help' lists the commands";
+    if (group == nullptr) return listReference(commands, word);
     std::vector<std::string> names;
-    for (const Command* command : allCommands())
+    for (const Command* command : commands)
         if (command->group == group) names.emplace_back(command->name);
     return "; there are " + join(names, ", ");
 }
@@ -101,9 +114,10 @@ const CLI::App* nodeBehind(const CLI::App& app, const std::string& word, const W
     return word.starts_with('-') ? nullptr : found;
 }
 
-std::string unknownCommand(const CommandGroup* group, const std::string& word) {
+std::string unknownCommand(std::span<const Command* const> commands, const CommandGroup* group,
+                           const std::string& word) {
     const std::string above = group != nullptr ? std::string(group->name) + " " : "";
-    return "there is no command " + inQuotedWord(above + word) + commandSuggestion(group, word);
+    return "there is no command " + inQuotedWord(above + word) + commandSuggestion(commands, group, word);
 }
 
 /** "0.001000 to 1000.000000" without the zeros. */
@@ -146,13 +160,13 @@ std::string optionError(const CLI::App& app, const CLI::ParseError& error, const
 } // namespace
 
 std::string usageError(const CLI::App& program, const CLI::App& app, const CLI::ParseError& error,
-                       const Words& words) {
+                       const Words& words, std::span<const Command* const> commands) {
     const std::vector<std::string> unknown = program.remaining(true);
     const std::string name = fullNameOf(app);
     if (!unknown.empty()) {
         const std::string& word = unknown.front();
         if (const CLI::App* node = nodeBehind(app, word, words))
-            return unknownCommand(groupNamed(node->get_parent()->get_name()), word);
+            return unknownCommand(commands, groupNamed(node->get_parent()->get_name()), word);
         if (word.size() > 1 && word.starts_with('-')) {
             const std::string option = word.substr(0, word.find('='));
             const Command* command = commandOf(app);
@@ -165,7 +179,7 @@ std::string usageError(const CLI::App& program, const CLI::App& app, const CLI::
                    (nearest.empty() ? seeHelp(name) : "; did you mean '" + nearest + "'?");
         }
         const Command* command = commandOf(app);
-        if (command == nullptr) return unknownCommand(groupNamed(app.get_name()), word);
+        if (command == nullptr) return unknownCommand(commands, groupNamed(app.get_name()), word);
         if (std::string own = assignmentError(*command, word); !own.empty()) return own;
         return argumentName(*command) + " takes " +
                (command->argument != nullptr ? "no more words" : "no words") + ", and there is " +

@@ -6,17 +6,19 @@
 
 #include <CLI/CLI.hpp>
 
+#include <span>
 #include <string>
 
 namespace appletctl {
 
-/** "; did you mean 'set'?" for a misspelt command of the group, or of the program (null); else a reference to
- *  the list. */
-std::string commandSuggestion(const CommandGroup* group, const std::string& word);
+/** "; did you mean 'set'?" for a misspelt command of the group, or of all (null); else a reference to the list. */
+std::string commandSuggestion(std::span<const Command* const> commands, const CommandGroup* group,
+                              const std::string& word);
 
-/** The error in words that CLI11 rejected. `app` is the command that they belong to. */
+/** The error in words that CLI11 rejected. `app` is the command that they belong to, of the program with these
+ *  commands. */
 std::string usageError(const CLI::App& program, const CLI::App& app, const CLI::ParseError& error,
-                       const Words& words);
+                       const Words& words, std::span<const Command* const> commands);
 
 /** Throws UsageError when the command takes more or fewer words, or no assignments. */
 void checkWords(const Command& command, const Words& words);

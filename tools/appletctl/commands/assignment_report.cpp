@@ -13,6 +13,10 @@ namespace {
 /** "FG_WIDTH = 2048 pixel": the present value, or the requested one if it cannot be read. */
 std::string outcomeLine(const Target& target, const Value& requested, const ReadResult& actual) {
     const Parameter& parameter = *target.parameter;
+    if (!actual.isMeasured)
+        return lineOf({target.name(), "-", parameter.unit()},
+                      target.name() + " was set to " + valueWithUnit(parameter, requested) +
+                          "; its value is not measured: offline there is no board");
     if (isPlainOutput()) return valueLine(target, actual.error == FG_OK ? actual.value : requested);
     if (actual.error != FG_OK) {
         return target.name() + " = " + valueWithUnit(parameter, requested) +
@@ -67,6 +71,7 @@ Report reportAssignments(Instance& instance, const ParameterList& parameters, co
     Report report;
     report.document["assignments"] = nlohmann::ordered_json::array();
     const AssignmentHooks hooks{
+        .read = additions.read,
         .takeWrites = additions.takeWrites,
         .isLeftOut = additions.isLeftOut,
         .after = [&](const AssignmentResult& result) { add(report, result, additions); },
@@ -78,13 +83,18 @@ Report reportAssignments(Instance& instance, const ParameterList& parameters, co
     return report;
 }
 
+Report reportAssignments(Context& context, const Words& words, AssignmentAdditions additions) {
+    additions.read = [&](const Target& target) { return context.read(target); };
+    return reportAssignments(context.instance(), context.parameters(), words, additions);
+}
+
 Report applyLive(Context& context, const Words& words, AssignmentAdditions additions) {
     additions.suggestion = [&](const Assignment& assignment, int code, nlohmann::ordered_json& row) {
         const Suggestion suggestion = askSuggestion(context, assignment, code);
         if (suggestion.members.is_object()) row.update(suggestion.members);
         return suggestion.words();
     };
-    return reportAssignments(context.instance(), context.parameters(), words, additions);
+    return reportAssignments(context, words, std::move(additions));
 }
 
 } // namespace appletctl

@@ -14,6 +14,8 @@ namespace appletctl {
 
 /** A command's additions to the report of its assignments. All may be empty. */
 struct AssignmentAdditions {
+    /** Reads the value after the set; if empty, readValue does. */
+    std::function<ReadResult(const Target&)> read = {};
     /** Returns the log lines of the writes to the design since the last call. */
     std::function<std::vector<std::string>()> takeWrites = {};
     /** Records for these lines: the parameter that was set comes first. */
@@ -31,7 +33,10 @@ struct AssignmentAdditions {
 Report reportAssignments(Instance& instance, const ParameterList& parameters, const Words& words,
                          const AssignmentAdditions& additions = {});
 
-/** The same on the live applet, with a suggestion from the scratch board after a refusal. */
+/** The same on the live applet, where offline some values are not measured. */
+Report reportAssignments(Context& context, const Words& words, AssignmentAdditions additions = {});
+
+/** The same, with a suggestion from the scratch board after a refusal. */
 Report applyLive(Context& context, const Words& words, AssignmentAdditions additions = {});
 
 } // namespace appletctl

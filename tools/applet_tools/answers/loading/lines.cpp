@@ -1,5 +1,6 @@
 #include "applet_tools/answers/loading/lines.h"
 
+#include "applet_tools/answers/loading/long_lines.h"
 #include "applet_tools/applet/assignments.h"
 #include "applet_tools/applet/files/MemoryFile.h"
 #include "applet_tools/applet/hardware_values.h"
@@ -35,6 +36,11 @@ struct ValueLine {
     bool isKept() const {
         return value ? isSameValue(parameter, asked, is) : valueInFile(parameter, is) == read;
     }
+    bool isCutAtSign() const {
+        return parameter.kind() == REGISTER_KIND_STRING && asked.starts_with(is) &&
+               asked.size() > is.size() &&
+               std::string_view("=;'").find(asked[is.size()]) != std::string_view::npos;
+    }
     /** The value in the file; with its text if a load reads another value from it or changes its sign. */
     std::string askedText() const {
         const std::string shown = fileValueText(parameter, asked);
@@ -58,6 +64,7 @@ public:
         const ValueLine it = lookAt(line);
         if (it.isNumberUnlimited()) return unlimited(it);
         if (it.isUnread()) return std::nullopt;
+        if (auto cut = cutByLength(it)) return cut;
         const bool isComputed = isIgnored(it);
         if (isComputed && it.value) return std::nullopt;
         const int code = isComputed ? FG_OK : writeValue(m_session.instance(), {&it.parameter}, *it.read);
@@ -94,6 +101,28 @@ private:
         const bool isUnmoved = onTrial(it.line.key) == before;
         loadConfiguration(m_session.instance(), m_file.path);
         return isUnmoved;
+    }
+
+    /** For a value that changes because a load reads only the beginning of a long line as one line. */
+    std::optional<Finding> cutByLength(const ValueLine& it) const {
+        if (it.isKept() || it.isCutAtSign()) return std::nullopt;
+        if (isLong(it.line))
+            return Finding{FindingKind::cut, it.name(), it.name() + ": " + lengthInWords(it)};
+        const std::string other = keyWithRestFor(m_file.asked, it.name());
+        if (other.empty()) return std::nullopt;
+        return Finding{FindingKind::cut, it.name(),
+                       it.change() + ": the line of " + printable(toUtf8(other.c_str())) +
+                           " is too long for a load, which reads its end as a line of " + it.name()};
+    }
+
+    static std::string lengthInWords(const ValueLine& it) {
+        const std::string most = numberText(ConfigurationFile::longestLine);
+        if (it.parameter.kind() != REGISTER_KIND_STRING)
+            return "a load reads " + most + " bytes of a line, and this one has " +
+                   numberText(it.line.text.size()) + it.now();
+        return "the file has a text of " + numberText(it.asked.size()) +
+               " bytes, after the load it has the first " + numberText(it.is.size()) + ": a load reads " +
+               most + " bytes of a line";
     }
 
     static Finding unlimited(const ValueLine& it) {
@@ -134,15 +163,9 @@ private:
                            it.change() + (why.empty() ? ", as close as the setter comes to it" : ": " + why),
                            false};
         }
-        if (it.parameter.kind() == REGISTER_KIND_STRING && it.asked.starts_with(it.is)) {
-            const bool isAtSign =
-                std::string_view("=;'").find(it.asked[it.is.size()]) != std::string_view::npos;
+        if (it.isCutAtSign())
             return Finding{FindingKind::cut, it.name(),
-                           it.change() + (isAtSign
-                                              ? ": a load ends a text at its first = ; or '"
-                                              : ": a load reads 255 bytes of a line, so this text can have " +
-                                                    numberText(it.is.size()))};
-        }
+                           it.change() + ": a load ends a text at its first = ; or '"};
         return Finding{FindingKind::unapplied, it.name(),
                        it.change() + ": a load does not apply it, so set " + it.name() + "=" +
                            exactValueText(it.parameter, *it.value) + " afterwards"};

@@ -26,8 +26,10 @@ std::string_view trimmed(std::string_view text) {
 
 /** The value in the text after the equals sign: 'text'; or number; */
 std::string_view withoutMarks(std::string_view text) {
-    const std::size_t quote = text.rfind('\'');
-    if (text.starts_with('\'') && quote > 0) return text.substr(1, quote - 1);
+    if (text.starts_with('\'')) {
+        const std::size_t quote = text.rfind('\'');
+        return text.substr(1, (quote > 0 ? quote : text.find_last_not_of(';') + 1) - 1);
+    }
     return trimmed(text.substr(0, text.find(';')));
 }
 
@@ -137,14 +139,13 @@ std::string textForLoad(std::string text, const ConfigurationFile& known) {
     if (kept.find(lineAt(known.text(), 0)) == std::string::npos) return text;
     for (const auto& line : known.header())
         if (kept.find(line.key) == std::string::npos) return text;
-    constexpr std::size_t longestLine = 255; // a load reads the rest of a longer line as further lines
     std::set<std::string_view> seen;
     for (std::size_t begin = kept.size(); begin < text.size();) {
         const std::string_view line = lineAt(text, begin);
         begin += line.size();
         const std::string_view key = line.substr(0, line.find('='));
         const bool isRead = key.size() < line.size() && known.values().find(key) && seen.insert(key).second;
-        if (isRead || line.size() > longestLine) kept.append(line);
+        if (isRead || line.size() > ConfigurationFile::longestLine) kept.append(line);
     }
     return kept;
 }
@@ -225,8 +226,9 @@ bool isSameValue(const Parameter& parameter, const std::string& a, const std::st
 
 std::string fileValueText(const Parameter& parameter, const std::string& text) {
     const std::optional<Value> value = valueInFile(parameter, text);
+    if (value && parameter.kind() != REGISTER_KIND_STRING) return valueWithUnit(parameter, *value);
     constexpr std::size_t mostBytes = 200;
-    return shortened(value ? valueWithUnit(parameter, *value) : quotedText(text), mostBytes);
+    return quotedBeginning(text, mostBytes);
 }
 
 } // namespace applet_tools

@@ -21,6 +21,9 @@ namespace applet_tools {
  *  differ; such a difference is reported as a loss. */
 class ConfigurationFile {
 public:
+    /** A load reads the rest of a line with more bytes as further lines. */
+    static constexpr std::size_t longestLine = 255;
+
     /** The first line of a key; a load ignores the others. */
     struct Line {
         std::string_view key;   /**< everything before the equals sign, including blanks */

@@ -81,7 +81,7 @@ void lookAtAssignment(ScenarioRunner& runner, const Step& step) {
 
 std::string expectCode(ScenarioRunner& runner, const Step& step) {
     runner.forgetWrites();
-    const Report report = reportAssignments(runner.instance(), runner.parameters(), {step.words[1]});
+    const Report report = reportAssignments(runner.context(), {step.words[1]});
     const auto& assignment = report.document["assignments"][0];
     const int code = assignment.contains("error") ? assignment["error"]["code"].get<int>() : int{FG_OK};
     if (code == codeOf(step.words[0])) return "";
@@ -250,7 +250,7 @@ constexpr StepKind kinds[] = {
     {"fail access", "K CODE [once|always]", 2, 3, false, checkFailAccess, lookAtBoard, failAccess},
     {"fail name", "DESIGN_PARAMETER CODE", 2, 2, false, checkFailName, lookAtDesignName, failName},
     {"lack", "DESIGN_PARAMETER", 1, 1, false, nullptr, lookAtDesignName, removeParameter},
-    {"raise", "EVENT", 1, 1, false, nullptr, lookAtBoard, raiseEvent},
+    {"raise", "EVENT", 1, 1, false, nullptr, lookAtEvent, raiseEvent},
     {"poke", "DESIGN_PARAMETER VALUE", 2, 2, false, nullptr, lookAtDesignName, poke},
 };
 

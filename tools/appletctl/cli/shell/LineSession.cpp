@@ -70,9 +70,7 @@ Report LineSession::executeWord(const Request& request) {
     if (word == "help") return help(request);
     if (word == "undo") return undo(request.options);
     m_isOver = true;
-    Report nothing;
-    nothing.isPrinted = true;
-    return nothing;
+    return {};
 }
 
 std::vector<Candidate> LineSession::complete(const std::string& text) {

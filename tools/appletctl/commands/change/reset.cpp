@@ -47,7 +47,8 @@ Value partOf(const Value& whole, const Target& target) {
 std::vector<Default> openDefaults(Context& context, const std::vector<Target>& wanted, const json& defaults) {
     std::vector<Default> open;
     const auto add = [&](const Target& target, const json& value) {
-        const ReadResult now = readValue(context.instance(), target);
+        const ReadResult now = context.read(target);
+        if (!now.isMeasured) return;
         const Value start = partOf(fromMessage(wholeOf(*target.parameter), value), target);
         if (now.error == FG_OK && now.value != start) open.push_back({target, start, now.value});
     };
@@ -132,9 +133,11 @@ Report resetParameters(Context& context, const Words& words) {
         tell(context.instance(), parameter, report);
     for (const Target& target : wanted) {
         const Parameter& parameter = *target.parameter;
-        if (std::ranges::any_of(defaults, [&](const json& row) { return row.at("name") == parameter.name; }))
-            continue;
-        report.problems.push_back(target.name() + " has no default: " + whyNoDefault(parameter));
+        const bool isKnown =
+            std::ranges::any_of(defaults, [&](const json& row) { return row.at("name") == parameter.name; });
+        if (isKnown && context.read(target).isMeasured) continue;
+        report.problems.push_back(target.name() + (isKnown ? " is not measured: offline there is no board"
+                                                           : " has no default: " + whyNoDefault(parameter)));
         report.exitCode = exitRefused;
     }
     if (open.empty() && report.exitCode == exitDone) report.text += forPerson(heldText(wanted, defaults));

@@ -4,8 +4,30 @@
 #include "appletctl/commands/CommandRun.h"
 #include "appletctl/commands/file_reports.h"
 
+#include "vexo/fg_errors.h"
+
+#include <algorithm>
+#include <iterator>
+
 namespace appletctl {
 namespace {
+
+/** Texts that are longer than a save writes. */
+std::vector<Finding> shortenedTexts(Instance& instance, const ParameterList& parameters,
+                                    const ConfigurationFile& saved) {
+    std::vector<Finding> findings;
+    for (const auto& line : saved.values()) {
+        const Parameter& parameter = parameters.find(std::string(line.key));
+        if (parameter.kind() != REGISTER_KIND_STRING) continue;
+        const ReadResult reading = readValue(instance, {&parameter});
+        const auto* text = std::get_if<std::string>(&reading.value);
+        if (reading.error != FG_OK || text == nullptr || text->size() <= line.value.size()) continue;
+        findings.push_back({FindingKind::cut, parameter.name,
+                            parameter.name + ": its text has " + numberText(text->size()) +
+                                " bytes, and a save writes the first " + numberText(line.value.size())});
+    }
+    return findings;
+}
 
 Report saveConfiguration(Context& context, const Words& words) {
     requireBoard(context.options(), "save");
@@ -24,10 +46,14 @@ Report saveConfiguration(Context& context, const Words& words) {
     const std::vector<Difference> changes = askDifferences(scratch, sides);
     addDifferences(run.report, sides, changes, Sides::apart);
     if (changes.empty()) run.report.text += forPerson("All of them are defaults.\n");
+    std::vector<Finding> findings = shortenedTexts(run.instance, run.parameters, saved);
+    const bool isComplete = findings.empty();
     const LoadCheck check = askCheck(scratch, file, saved);
-    if (!check.losesNothing())
-        run.refuse(shownFile(file) + " is complete, but a load does not restore all of it:");
-    addFindings(run.report, check.findings);
+    std::ranges::copy(check.findings, std::back_inserter(findings));
+    if (!isComplete || !check.losesNothing())
+        run.refuse(shownFile(file) + (isComplete ? " is complete" : " was written") +
+                   ", but a load does not restore all of it:");
+    addFindings(run.report, findings);
     return run.report;
 }
 
