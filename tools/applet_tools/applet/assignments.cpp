@@ -94,8 +94,7 @@ nlohmann::ordered_json asJson(const AssignmentResult& result) {
         return row;
     }
     if (!actual.isMeasured) return row;
-    if (const auto taken = nearestStep(*target.parameter, result.actual.value))
-        row["actual"] = *taken;
+    if (const auto taken = nearestStep(*target.parameter, result.actual.value)) row["actual"] = *taken;
     return row;
 }
 
