@@ -22,7 +22,7 @@ BOARD = [*BOARD_TABLES, *BOARD_IMAGES, "virtual_board/virtual_board.h", "virtual
 BOARD_LIBRARIES = [*BOARD, "virtual_board/libraries/**"]
 HOST = [*HEADERS, "virtual_board/virtual_board.h", "tools/applet_host/**"]
 TOOLS = "tools/applet_tools/"
-TOOLS_BASE = [*HEADERS, "tools/applet_host/latin1.h", f"{TOOLS}base/**"]
+TOOLS_BASE = [*HEADERS, "tools/applet_host/latin1.h", "tools/applet_host/codes.h", f"{TOOLS}base/**"]
 TOOLS_APPLET = [*TOOLS_BASE, *HOST, f"{TOOLS}applet/**"]
 TOOLS_SCRATCH = [*TOOLS_APPLET, f"{TOOLS}station/StationFile.h", f"{TOOLS}scratch/**"]
 TOOLS_PICTURES = [*TOOLS_BASE, "virtual_board/virtual_board.h", f"{TOOLS}pictures/**"]
@@ -47,7 +47,8 @@ DRAW = [*BASE, *TOOLS_PICTURES, f"{TOOL}draw/**"]
 PRODUCER = "producer/"
 PRODUCER_BASE = [*HEADERS, f"{PRODUCER}gentl.h", f"{PRODUCER}base/**"]
 PRODUCER_FEATURES = [*PRODUCER_BASE, "tools/applet_host/Parameter.h", f"{PRODUCER}features/**"]
-STATION_FILES = [f"{TOOLS}{name}.h" for name in ("base/errors", "base/numbers", "station/StationFile")]
+STATION_FILES = [f"{TOOLS}{name}.h"
+                 for name in ("applet/Instance", "applet/ParameterList", "base/errors", "station/StationFile")]
 SERVED = [*CHANNEL, "tools/serve/StationPlace.h", "tools/serve/local_socket.h"]
 PRODUCER_DEVICE = [*PRODUCER_FEATURES, *HOST, *STATION_FILES, *SERVED, f"{PRODUCER}device/**"]
 PRODUCER_MODULES = [*PRODUCER_DEVICE, f"{PRODUCER}modules/**"]
@@ -133,14 +134,15 @@ ROOMS = [
     ("page/*", ["page/**"]),
 ]
 # Printing code, in files that must not print.
-SILENT = [f"{TOOLS}**", "host/**", "python/**", "tools/serve/**", "tools/station_channel/**", f"{PRODUCER}**"]
+SILENT = [f"{TOOLS}**", "host/**.h", "host/**.hpp", "host/**.cpp", "python/**", "tools/serve/**",
+          "tools/station_channel/**", f"{PRODUCER}**"]
 PRINTING = re.compile(r"#\s*include\s+<(?:iostream|cstdio|stdio\.h|print)>|"
                       r"\bstd::(?:cout|cerr|clog)\b|\b(?:f?printf|f?puts|putchar)\(")
 CHECKED = ["include", "src", "station", "virtual_board", "tools", "host", "python", "producer", "page"]
 INCLUDE_ROOTS = ["include", "src", "tools", "producer", "."]
-INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.MULTILINE)
-IMPORT = re.compile(r"\b(?:from |import\()'([^']+)'")
-SUFFIXES = {".h": INCLUDE, ".hpp": INCLUDE, ".cpp": INCLUDE, ".def": INCLUDE, ".js": IMPORT}
+INCLUDE = re.compile(r'^\s*#\s*include\s+(["<][^">]+)[">]', re.MULTILINE)
+IMPORT = re.compile(r"\b(?:from |import\()('[^']+)'")
+SUFFIXES = {".h": INCLUDE, ".hpp": INCLUDE, ".c": INCLUDE, ".cpp": INCLUDE, ".def": INCLUDE, ".js": IMPORT}
 
 
 def matches(path, *patterns):
@@ -162,9 +164,10 @@ def violations(root, file):
     if allowed is None:
         return [f"{path} belongs to no room"]
     text = file.read_text(encoding="utf-8")
-    targets = [(include, resolved(root, file, include)) for include in SUFFIXES[file.suffix].findall(text)]
-    wrong = [f"{path} may not include {include}" for include, target in targets
-             if target is None or not matches(target, *allowed)]
+    includes = SUFFIXES[file.suffix].findall(text)
+    targets = [(include, resolved(root, file, include[1:])) for include in includes]
+    wrong = [f"{path} may not include {include[1:]}" for include, target in targets
+             if not (target is None and include[0] == "<" or target is not None and matches(target, *allowed))]
     if matches(path, *SILENT):
         wrong += [f"{path} may not print: {found}" for found in PRINTING.findall(text)]
     return wrong

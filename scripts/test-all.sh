@@ -2,6 +2,7 @@
 # Runs all checks, those that fail soonest first. Takes some hours: for nightly runs.
 set -euo pipefail
 cd "$(dirname "$0")"
+bash test-ratio.sh 0.34
 bash test.sh
 bash check.sh
 bash python-package.sh

@@ -346,8 +346,8 @@ TEST(ProducerStation, UsesTheStationFile) {
     setenv("VBOARD_STATION", file.c_str(), 1);
     support::writeFile(
         file, R"({"station": 1, "camera": {"width": 192}, "belt": {"profile": [{"speed": "500mm/s"}]},
-        "parameters": {"FG_SENSORWIDTH": 192, "FG_WIDTH": 192, "FG_HEIGHT": 8, "FG_LINEPERIODE": 200.0,
-                       "FG_VANTAGEPOINT": "FG_VANTAGEPOINT_TOP_RIGHT"}})");
+        "parameters": {"FG_SENSORWIDTH": 192, "width": 192, "FG_HEIGHT": 8, "FG_LINEPERIODE": "0.2ms",
+                       "FG_LUT_VALUE_RED[0..3]": 7, "FG_VANTAGEPOINT": "Top-Right"}})");
     {
         ProducerSession session;
         session.queueBuffers(2);

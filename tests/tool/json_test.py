@@ -1,6 +1,6 @@
 """Runs every command of appletctl in every way in which it can be run, and holds its documents against the schemas.
 
-    appletctl_json_test.py APPLETCTL FOLDER_OF_SCHEMAS
+    json_test.py APPLETCTL FOLDER_OF_SCHEMAS
 
 The commands are those that the program lists by itself. One that has no row below is run with the examples of its help;
 one that has no schema fails the test.

@@ -1,5 +1,6 @@
 #include "applet_host/parameter_access.h"
 
+#include "applet_host/codes.h"
 #include "applet_host/latin1.h"
 #include "vexo/fg_errors.h"
 #include "vexo/type_tags.hpp"
@@ -64,23 +65,6 @@ Limits limitsOf(const RegisterInfo& record) {
     });
     return result;
 }
-
-const char* reasonOf(int code) {
-    switch (code) {
-    case FG_ERR_OUT_OF_RANGE:
-        return "value out of range";
-    case FG_ERR_GRANULARITY:
-        return "value not on the parameter's grid";
-    case FG_ERR_NOT_AVAILABLE:
-        return "the parameter can only be read";
-    case FG_ERR_INVALID_ARGUMENT:
-        return "the parameter has another type";
-    default:
-        return "the applet or the board failed";
-    }
-}
-
-std::string codeInWords(int code) { return std::to_string(code) + ", " + reasonOf(code); }
 
 [[noreturn]] void refuse(const RegisterInfo& record, const Value& value, int code) {
     std::string text = toUtf8(record.name) + " = " + textOf(value) + " was refused: " + codeInWords(code);

@@ -2,13 +2,13 @@
 #ifndef PRODUCER_DEVICE_STATION_FILE_H
 #define PRODUCER_DEVICE_STATION_FILE_H
 
-#include "device/board/BoardStation.h"
+#include "device/Libraries.h"
 
 namespace producer {
 
-/** Sets it up; false if the variable names no file. Throws INVALID_VALUE for what is wrong in the file, and what
- *  Station::set throws. */
-bool setUpStationFile(BoardStation& station);
+/** Sets it up; false if the variable names no file. Throws INVALID_VALUE for what is wrong in the file, and IO for a
+ *  parameter that the applet refuses. */
+bool setUpStationFile(const Libraries& libraries, applet_host::Session& session);
 
 } // namespace producer
 

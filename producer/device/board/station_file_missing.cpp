@@ -6,7 +6,7 @@
 
 namespace producer {
 
-bool setUpStationFile(BoardStation&) {
+bool setUpStationFile(const Libraries&, applet_host::Session&) {
     const char* const file = std::getenv("VBOARD_STATION");
     if (file == nullptr || *file == '\0') return false;
     throw Error(GC_ERR_NOT_AVAILABLE,

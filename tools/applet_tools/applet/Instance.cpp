@@ -81,12 +81,16 @@ Instance::Instance(const BoardOptions& options, std::shared_ptr<const applet_hos
     // This flag leaves out the pass that writes the defaults.
     constexpr int joinsRunningBoard = 1;
     m_session =
-        std::make_unique<applet_host::Session>(*m_host, options.look ? joinsRunningBoard : 0, prepare);
+        std::make_shared<applet_host::Session>(*m_host, options.look ? joinsRunningBoard : 0, prepare);
     if (m_session->handle.object == nullptr) {
         throw Unavailable("the applet did not come up on the board: " + codeInWords(m_session->error) +
                           bringUpHint(m_session->error));
     }
 }
+
+Instance::Instance(std::shared_ptr<const applet_host::AppletHost> host, applet_host::Session& session)
+    : m_host(std::move(host))
+    , m_session(std::shared_ptr<void>(), &session) {} // not owned
 
 Instance::~Instance() {
     if (m_offline.object != nullptr) applet().Info(FG_INFO_DESTROY_OFFLINE, 0, 0, m_offline.object, nullptr);

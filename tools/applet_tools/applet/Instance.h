@@ -35,6 +35,8 @@ public:
     Instance(const BoardOptions& options, std::shared_ptr<const applet_host::AppletHost> host,
              DesignParameters design = DesignParameters::asSwitched,
              const applet_host::Prepare& prepare = {});
+    /** For an applet that is up on a board. The session must outlive the instance. */
+    Instance(std::shared_ptr<const applet_host::AppletHost> host, applet_host::Session& session);
     ~Instance();
     Instance(const Instance&) = delete;
     Instance& operator=(const Instance&) = delete;
@@ -56,7 +58,7 @@ private:
     bool m_isDesignHidden = false;
     LoadHistory m_loads;
     std::shared_ptr<const applet_host::AppletHost> m_host;
-    std::unique_ptr<applet_host::Session> m_session; // null offline
+    std::shared_ptr<applet_host::Session> m_session; // null offline
     applet_host::GrabberHandle m_offline;
 };
 

@@ -2,6 +2,8 @@
 #ifndef APPLET_TOOLS_BASE_ERRORS_H
 #define APPLET_TOOLS_BASE_ERRORS_H
 
+#include "applet_host/codes.h"
+
 #include <nlohmann/json.hpp>
 
 #include <optional>
@@ -37,8 +39,7 @@ struct Unavailable : Failure {
     using Failure::Failure;
 };
 
-/** "-6000, value out of range". */
-std::string codeInWords(int code);
+using applet_host::codeInWords;
 
 /** True for a code of the applet, which has a symbol; false for a code of the runtime or the board. */
 bool isAppletCode(int code);
