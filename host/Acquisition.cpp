@@ -12,9 +12,6 @@ namespace {
 
 using applet_tools::Ticks;
 
-/** More than any picture has. A frame takes no memory, as pictures are made in that of the caller. */
-constexpr std::uint64_t frameBytes = std::uint64_t{1} << 40;
-
 [[noreturn]] void throwGone(std::int64_t number) {
     throw Error(VEXO_ERR_GONE,
                 "picture " + std::to_string(number) +
@@ -38,7 +35,7 @@ vexo_picture pictureOf(const vboard_record& record) {
             .is_narrow = record.is_narrow};
 }
 
-/** How far a wait goes at once: some hundredths of a second of the wall clock, whatever the station does. */
+/** The step of a wait, adapted to take 10 to 40 ms of real time. */
 class Stride {
 public:
     Ticks ticks() const { return m_ticks; }
@@ -58,9 +55,7 @@ Acquisition::Acquisition(applet_tools::Instance& instance, std::uint32_t frames,
     : m_instance(instance)
     , m_frames(frames)
     , m_kind(kind)
-    , m_memory(instance.board().memory(instance.device(), frames, frameBytes,
-                                       kind == VEXO_RING ? VBOARD_RING : VBOARD_BLOCKING),
-               FreeMemory{&instance.board()})
+    , m_memory(frameMemory(instance, frames, kind == VEXO_RING ? VBOARD_RING : VBOARD_BLOCKING))
     , m_start(waitStart(instance)) {
     if (m_memory == nullptr) throw std::bad_alloc();
     constexpr std::intptr_t withoutEnd = 0;

@@ -3,6 +3,7 @@
 #define HOST_ACQUISITION_H
 
 #include "applet_tools/applet/Instance.h"
+#include "applet_tools/station/frame_memory.h"
 #include "applet_tools/station/missing_picture.h"
 #include "host/Deadline.h"
 #include "host/vexo.h"
@@ -38,17 +39,12 @@ public:
     applet_tools::WaitStart start() const { return m_start; }
 
 private:
-    struct FreeMemory {
-        const applet_host::BoardFunctions* board;
-        void operator()(vboard_frames* memory) const { board->memory_free(memory); }
-    };
-
     vboard_record recordOf(std::int64_t number) const;
 
     applet_tools::Instance& m_instance;
     const std::uint32_t m_frames;
     const vexo_memory m_kind;
-    std::unique_ptr<vboard_frames, FreeMemory> m_memory;
+    applet_tools::FrameMemory m_memory;
     applet_tools::WaitStart m_start;
     std::atomic<std::int64_t> m_last = 0;     // the picture that a wait gave last
     std::atomic<std::int64_t> m_released = 0; // number of pictures

@@ -32,7 +32,7 @@ struct CodeRow {
 
 constexpr CodeRow codeRows[] = {
     {VEXO_OK, "VEXO_OK", "done"},
-    {VEXO_TIMEOUT, "VEXO_TIMEOUT", "the time is over, and nothing came"},
+    {VEXO_TIMEOUT, "VEXO_TIMEOUT", "timed out"},
     {VEXO_ERR_ARGUMENT, "VEXO_ERR_ARGUMENT", "a null pointer, or an argument beyond its limits"},
     {VEXO_ERR_NAME, "VEXO_ERR_NAME", "no such name, id or index"},
     {VEXO_ERR_VALUE, "VEXO_ERR_VALUE", "no such value, or it does not fit in the type"},

@@ -146,6 +146,6 @@ int vexo_ask_lint(vexo_station* station, vexo_answer** answer) {
             text += (text.empty() ? "" : "\n") + finding.rule + ": " +
                     applet_tools::join(finding.texts, ", ") + "\n  " + finding.why + "\n  " + finding.advice;
         }
-        if (text.empty()) text = "nothing doubtful";
+        if (text.empty()) text = "nothing suspicious";
     });
 }

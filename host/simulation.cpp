@@ -24,6 +24,8 @@ namespace {
 
 using applet_tools::Ticks;
 
+static_assert(VEXO_TICKS_PER_SECOND == applet_tools::ticksPerSecond);
+
 /** Work with the virtual board, which has locks of its own. */
 template <typename Work> int onBoard(vexo_station* station, const Work& work) noexcept {
     return onStation(station, [&](vexo_station& own) {
@@ -60,6 +62,8 @@ void passTime(vexo_station& station, Ticks now, Ticks end) {
 }
 
 } // namespace
+
+static_assert(VEXO_TICKS_PER_SECOND == applet_tools::ticksPerSecond);
 
 namespace host {
 

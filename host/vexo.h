@@ -52,7 +52,7 @@ extern "C" {
 /** Codes of this library. All are below those of the applet. */
 enum vexo_code {
     VEXO_OK = 0,
-    VEXO_TIMEOUT = -20001,         /**< the time is over, and nothing came */
+    VEXO_TIMEOUT = -20001,         /**< timed out */
     VEXO_ERR_ARGUMENT = -20002,    /**< a null pointer, or an argument beyond its limits */
     VEXO_ERR_NAME = -20003,        /**< no parameter, event, input or entry has that name, id or index */
     VEXO_ERR_VALUE = -20004,       /**< the text is no such value, or the number does not fit in the type */

@@ -67,7 +67,7 @@ const askStation = latest(async (signal) => {
   }
 });
 
-/** The station is there, or there again: nothing that the page knows is taken as true any more. */
+/** The station is connected or reconnected: discards all cached state. */
 function renew() {
   askStation();
   reload();

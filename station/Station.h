@@ -109,7 +109,7 @@ public:
     void setScene(Scene scene);
     /** What is connected now. */
     Surroundings surroundings() const;
-    /** Connects surroundings of another station. Camera, belt and waves begin anew at the next tick; inputs that have no
+    /** Connects surroundings of another station. Camera, belt and waves begin again at the next tick; inputs that have no
      *  wave there keep theirs. */
     void surround(const Surroundings& surroundings);
     /** Inserts an image at a debug point. The input of the point must be on (bit 0 of its OperationMode); lines of the

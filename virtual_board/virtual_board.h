@@ -161,12 +161,16 @@ enum {
  * station and no cost for one. Inputs are numbered 0 to 7 (GPI) and 8 to 11 (front GPI).
  */
 
-/** Limits of lines and images, and the number of edges that it keeps of each signal. */
+/** Limits of lines, images and encoders, and the number of edges that it keeps of each signal. */
 enum {
     VBOARD_WIDEST = 16384,        /**< pixels of a line */
     VBOARD_HIGHEST = 65536,       /**< lines of an image */
     VBOARD_MOST_PIXELS = 1 << 24, /**< of an image */
-    VBOARD_KEPT_EDGES = 16384
+    VBOARD_KEPT_EDGES = 16384,
+    VBOARD_FASTEST_ENCODER = 10000000, /**< quarter steps per second, in either direction */
+    VBOARD_GPIS = 8,
+    VBOARD_INPUTS = 12, /**< the GPI, then the front GPI */
+    VBOARD_TICKS_PER_SECOND = 125000000
 };
 
 /** Makes time follow the wall clock, `factor` times as fast (0.001 to 1000), or makes it stepped again from
@@ -295,7 +299,7 @@ typedef struct vboard_scene_setup {
 int vboard_scene(LOOMdevice* board, const vboard_scene_setup* scene);
 
 /** Connects to `board` what is connected to `like`: camera, belt, scene, waves of the inputs, and the rate of the DMA.
- *  Camera, belt and waves begin anew at the next tick, so a board whose time begins then acts as the other one did. Inputs
+ *  Camera, belt and waves begin again at the next tick, so a board whose time begins then acts as the other one did. Inputs
  *  without a wave there are left as they are. VBOARD_UNKNOWN: a null board. */
 int vboard_surround(LOOMdevice* board, LOOMdevice* like);
 

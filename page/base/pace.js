@@ -17,7 +17,7 @@ export function oncePerFrame(draw) {
 }
 
 /**
- * Makes a function that runs a task, never two at a time. Calls that come meanwhile are one more run afterwards.
+ * Makes a function that runs a task, never two at a time. Calls during a run are coalesced into one more run.
  * @param {function(AbortSignal): Promise<void>} task its failures are its own to show.
  * @param {{pause?: number, abort?: boolean}} [options] pause: least time between two runs in milliseconds;
  *   abort: a new call makes the result of the running one useless, so its request ends at once.

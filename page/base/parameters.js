@@ -14,7 +14,7 @@ export const parameter = (name) => known.get(name);
 /** All parameters in the order of the station. */
 export const parameters = () => [...known.values()];
 
-/** Calls the listener with the parameters that were read anew, and with true if they are all there are. */
+/** Calls the listener with the parameters that were read again, and with true if they are all there are. */
 export const onParameters = (listener) => listeners.push(listener);
 
 const load = latest(
@@ -39,14 +39,14 @@ const load = latest(
   { pause: 150 },
 );
 
-/** Reads parameters anew: those with these names, or all. */
+/** Reads parameters again: those with these names, or all. */
 export function reload(names) {
   if (names) names.forEach((name) => stale.add(name));
   else isAllStale = true;
   load();
 }
 
-/** Takes over the changes of an answer or a message, and reads their parameters anew. */
+/** Takes over the changes of an answer or a message, and reads their parameters again. */
 export function takeChanges(changes) {
   const names = (changes ?? []).map((change) => change.name).filter((name) => known.has(name));
   if (names.length) reload(names);

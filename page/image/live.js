@@ -54,13 +54,13 @@ export class Live {
     this.run();
   }
 
-  /** Another part or size is wanted: the request on its way ends, and the same picture is fetched anew. */
+  /** Another part or size is wanted: the request on its way ends, and the same picture is fetched again. */
   refresh() {
     this.isStale = true;
     this.controller.abort();
   }
 
-  /** The station counts its pictures anew. */
+  /** The station counts its pictures again. */
   restart() {
     this.number = 0;
     this.refresh();

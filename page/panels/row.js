@@ -83,7 +83,7 @@ export class Row {
     if (!this.more.hidden) this.fillMore();
   }
 
-  /** The editor is made anew if this differs. */
+  /** The editor is made again if this differs. */
   kind() {
     const { type, entries } = this.entry;
     return `${type} ${isWritable(this.entry) && maySet()} ${entries?.map(({ name }) => name).join() ?? ''}`;
@@ -182,7 +182,7 @@ export class Row {
     }
     if (!isChanged || editor.tagName === 'BUTTON') return;
     this.node.classList.remove('flash');
-    void this.node.offsetWidth; // starts the animation anew
+    void this.node.offsetWidth; // starts the animation again
     this.node.classList.add('flash');
   }
 

@@ -13,7 +13,7 @@ public:
     NeverDestroyed& operator=(const NeverDestroyed&) = delete;
 
     T& value() { return m_inChild != nullptr ? m_inChild->value : m_value; }
-    /** Begins anew, without destroying the value: in a forked child, which has none of the threads that use it. */
+    /** Begins again, without destroying the value: in a forked child, which has none of the threads that use it. */
     void forget() { m_inChild = new InChild{T(), m_inChild}; }
 
 private:

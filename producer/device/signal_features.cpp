@@ -19,13 +19,12 @@ constexpr const char* analogControl = "AnalogControl";
 constexpr const char* tableControl = "LUTControl";
 constexpr const char* eventControl = "EventControl";
 
-constexpr std::int64_t inputCount = 12; // 0 to 7 GPI, 8 to 11 front GPI
-
 /** The inputs, with the numbers of the applet's trigger sources. */
 std::vector<FeatureEntry> sources(bool hasSoftware) {
     std::vector<FeatureEntry> entries;
-    for (std::int64_t line = 0; line < inputCount; ++line)
-        entries.push_back({"Line" + std::to_string(line), line < 8 ? line : line - 8 + TRGINSRC_FRONT_GPI_0});
+    for (std::int64_t line = 0; line < VBOARD_INPUTS; ++line)
+        entries.push_back({"Line" + std::to_string(line),
+                           line < VBOARD_GPIS ? line : line - VBOARD_GPIS + TRGINSRC_FRONT_GPI_0});
     if (hasSoftware) entries.push_back({"Software", TRGINSOFTWARE});
     return entries;
 }

@@ -21,7 +21,7 @@ struct Library {
     std::shared_ptr<System> system; // null while closed
 
     static Library& the();
-    /** Begins anew in a forked child: the threads and sockets of what is open belong to the parent. */
+    /** Begins again in a forked child: the threads and sockets of what is open belong to the parent. */
     static void forget();
 };
 

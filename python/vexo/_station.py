@@ -16,7 +16,7 @@ if TYPE_CHECKING:
 
     Path = str | os.PathLike[str]
 
-TICKS_PER_SECOND = 125_000_000
+TICKS_PER_SECOND: int = _vexo.TICKS_PER_SECOND
 
 _VIRTUAL, _OFFLINE, _SYSTEM = range(3)
 _LOOK, _NO_ADVICE = 1, 2

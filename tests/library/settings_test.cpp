@@ -1,6 +1,6 @@
 // Settings: each file of tests/data/settings is a list of commands with the expected answers. The answer to a
 // set is its code, all design accesses up to its last write, and every other change that a client
-// can see: values and published limits. SETTINGS_RENEW=1 writes the files anew from the library's
+// can see: values and published limits. SETTINGS_RENEW=1 writes the files again from the library's
 // answers; review the difference.
 //
 //   restart [NAME VALUE]...     a new handle on a board with its start values, but for these of the design

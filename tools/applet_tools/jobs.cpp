@@ -28,7 +28,7 @@ constexpr JobRow jobs[] = {
     {"fromBoard", "which values the board measures", fromBoardJob},
     {"influences", "what each parameter moves", influencesJob},
     {"limits", "what the setters accept", limitsJob},
-    {"lint", "what is doubtful", lintJob},
+    {"lint", "suspicious settings", lintJob},
     {"moves", "what a set moves", movesJob},
     {"order", "an order in which all assignments pass", orderJob},
     {"planAssignments", "what the assignments would do", assignmentsPlanJob},

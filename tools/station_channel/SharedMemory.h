@@ -1,4 +1,4 @@
-/** Memory that processes share: one writes it, then nobody any more. */
+/** Memory that processes share: written once, then sealed read-only. */
 #ifndef STATION_CHANNEL_SHAREDMEMORY_H
 #define STATION_CHANNEL_SHAREDMEMORY_H
 

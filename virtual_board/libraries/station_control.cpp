@@ -14,6 +14,9 @@ using namespace vboard;
 namespace {
 
 static_assert(VBOARD_KEPT_EDGES == station::History::capacity);
+static_assert(VBOARD_FASTEST_ENCODER == station::Wave::fastestEncoder);
+static_assert(VBOARD_INPUTS == station::inputCount);
+static_assert(VBOARD_TICKS_PER_SECOND == station::ticksPerSecond);
 
 /** Connects the wave that `make` returns for the next tick. */
 template <typename Make>

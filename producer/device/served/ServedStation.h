@@ -9,7 +9,7 @@
 
 namespace producer {
 
-/** Nothing is kept but what does not change: each access asks the station. */
+/** Only constant data is cached: each access asks the station. */
 class ServedStation final : public Station {
 public:
     /** Throws IO. */

@@ -28,7 +28,7 @@ protected:
     ~LinkListener() = default;
 };
 
-/** Thread-safe. A thread receives; the station is not trusted, and what is no message ends the link. */
+/** Thread-safe. A thread receives; the station is not trusted: an invalid message ends the link. */
 class StationLink {
 public:
     /** Throws IO if there is no such station, or one of another version. */
@@ -47,8 +47,8 @@ public:
     /** Sends without an answer. False if it was not sent: the link is lost, or the station does not read. */
     bool tell(station_channel::Request request);
 
-    /** From now on this one is called; null: none. Returns when the one before is not used any more: why the link is
-     *  lost, if it is. */
+    /** Sets the listener, which may be null. Returns after the last call of the previous one; the result says why the
+     *  link is lost, and is empty if it is not. */
     std::optional<std::string> listen(LinkListener* listener);
     /** Ends the link and its thread. */
     void finish();

@@ -124,7 +124,7 @@ private:
         const std::string with = m_probe.words({m_subject, value});
         logWrites(instance);
         m_probe.tryChange({m_subject, value}, [&] {
-            for (const std::string& line : takeWrites(instance))
+            for (const std::string& line : takeAccessLog(instance))
                 addWrite(line);
             instance.board().log_kinds(instance.device(), 0);
             for (std::size_t index = 0; index < m_probe.count(); ++index)

@@ -18,7 +18,7 @@ Expectation expectationOf(ScratchSession& session, const Words& assignments) {
     };
     applyAssignments(session.instance(), session.parameters(), assignments, {.after = take});
     std::set<std::string> written;
-    for (const std::string& line : takeWrites(session.instance()))
+    for (const std::string& line : takeAccessLog(session.instance()))
         written.insert(loggedAccess(line).parameter);
     const DesignSnapshot picture(session);
     for (const auto& [name, number] : picture.numbers())

@@ -61,9 +61,9 @@ private:
             return;
         const ReadResult now = readValue(session.instance(), {&parameter});
         if (now.error != FG_OK) return;
-        takeWrites(session.instance());
+        takeAccessLog(session.instance());
         writeValue(session.instance(), {&parameter}, now.value);
-        for (const std::string& line : takeWrites(session.instance()))
+        for (const std::string& line : takeAccessLog(session.instance()))
             m_writers.try_emplace(loggedAccess(line).parameter, parameter.name);
     }
 
@@ -149,7 +149,7 @@ json assignmentsPlanJob(ScratchSession& session, const json& arguments) {
         plan.rows.push_back(std::move(row));
     };
     const AssignmentHooks hooks{
-        .takeWrites = [&] { return takeWrites(session.instance()); },
+        .takeWrites = [&] { return takeAccessLog(session.instance()); },
         .isLeftOut = [](const Assignment& assignment) { return assignment.target.parameter->writesFile(); },
         .after = add};
     const auto words = arguments.at("assignments").get<Words>();

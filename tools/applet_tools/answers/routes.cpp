@@ -46,12 +46,12 @@ template <> struct MessageRows<DesignWrite> {
 json routesJob(ScratchSession& session, const json& groups) {
     json answer = json::array();
     for (const json& group : groups) {
-        takeWrites(session.instance());
+        takeAccessLog(session.instance());
         for (const json& wanted : group)
             setOnScratch(session, wanted);
         // Either parameter of a pair writes both of the design's, so only the last write to each counts.
         DesignWrites writes;
-        for (const std::string& line : takeWrites(session.instance())) {
+        for (const std::string& line : takeAccessLog(session.instance())) {
             const DesignWrite write = writeIn(line);
             const auto known = std::ranges::find(writes, write.parameter, &DesignWrite::parameter);
             if (known != writes.end())

@@ -94,7 +94,7 @@ void logAccesses(Instance& instance) {
     logKinds(instance, VBOARD_SET | VBOARD_GET | VBOARD_REGISTER_WRITE | VBOARD_REGISTER_READ);
 }
 
-std::vector<std::string> takeWrites(Instance& instance) {
+std::vector<std::string> takeAccessLog(Instance& instance) {
     std::vector<std::string> lines;
     const std::size_t count = instance.board().log_size(instance.device());
     for (std::size_t i = 0; i < count; ++i)

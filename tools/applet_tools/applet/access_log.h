@@ -18,7 +18,7 @@ void logWrites(Instance& instance);
 void logAccesses(Instance& instance);
 
 /** Takes the log: one line for each access since the last call (see vboard_log_line). */
-std::vector<std::string> takeWrites(Instance& instance);
+std::vector<std::string> takeAccessLog(Instance& instance);
 
 /** The lines that are writes. */
 std::vector<std::string> writesOf(const std::vector<std::string>& accesses);

@@ -2,6 +2,8 @@
 #ifndef APPLET_TOOLS_APPLET_TICKS_H
 #define APPLET_TOOLS_APPLET_TICKS_H
 
+#include "virtual_board/virtual_board.h"
+
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -10,7 +12,7 @@ namespace applet_tools {
 
 using Ticks = std::uint64_t;
 
-inline constexpr Ticks ticksPerSecond = 125'000'000;
+inline constexpr Ticks ticksPerSecond = VBOARD_TICKS_PER_SECOND;
 inline constexpr double ticksPerMicrosecond = ticksPerSecond / 1e6;
 inline constexpr double microsecondsPerTick = 1 / ticksPerMicrosecond;
 

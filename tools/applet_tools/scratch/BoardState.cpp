@@ -198,7 +198,7 @@ json loadsOf(Instance& instance) {
 void loadAgain(Instance& instance, const Wanted& wanted, const json& loads) {
     if (loads.at("texts").empty()) return;
     setAll(instance,
-           wanted); // a set afterwards, of what the load leaves alone, would store the value anew
+           wanted); // a set afterwards, of what the load leaves alone, would store the value again
     for (const json& text : loads.at("texts")) {
         const MemoryFile file;
         file.write(bytesOf(text));

@@ -117,7 +117,7 @@ void LiveSession::startTrace() {
 }
 
 Words LiveSession::takeAccesses() {
-    Words lines = takeWrites(instance());
+    Words lines = takeAccessLog(instance());
     m_accesses.insert(m_accesses.end(), lines.begin(), lines.end());
     return lines;
 }

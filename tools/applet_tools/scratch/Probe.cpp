@@ -96,6 +96,18 @@ bool isExcludedByAll(const std::vector<Wish>& wishes, std::size_t index) {
     return std::ranges::all_of(wishes, [&](const Wish& wish) { return wish.excluded == index; });
 }
 
+/** Counts a look while it lasts. */
+class Nesting {
+public:
+    explicit Nesting(int& depth) : m_depth(depth) { ++m_depth; }
+    ~Nesting() { --m_depth; }
+    Nesting(const Nesting&) = delete;
+    Nesting& operator=(const Nesting&) = delete;
+
+private:
+    int& m_depth;
+};
+
 } // namespace
 
 std::uint64_t rankOf(const Value& number) {
@@ -192,11 +204,10 @@ bool Probe::tryChange(const Change& change, const std::function<void()>& look) {
     const Value before = valueOf(target);
     const bool isAccepted = write(target, change.value) == FG_OK;
     if (isAccepted) {
-        ++m_depth;
+        const Nesting nesting(m_depth);
         look();
-        --m_depth;
-        putBack(target, before);
     }
+    if (isAccepted) putBack(target, before);
     if (valueOf(target) != before) restore(); // a refused value may have been stored, too
     return isAccepted;
 }

@@ -56,7 +56,7 @@ json fromBoardJob(ScratchSession& session, const json&) {
     json names = json::array();
     for (const Parameter& parameter : session.parameters().all()) {
         readValue(instance, {&parameter});
-        if (!takeWrites(instance).empty()) names.push_back(parameter.name);
+        if (!takeAccessLog(instance).empty()) names.push_back(parameter.name);
     }
     return names;
 }

@@ -8,7 +8,7 @@ namespace applet_tools {
 namespace {
 
 /** Values that limits or grid should exclude. */
-std::vector<Value> doubtfulValues(const Probe& probe, std::size_t index) {
+std::vector<Value> valuesBeyond(const Probe& probe, std::size_t index) {
     const auto& limits = probe.state(index).limits;
     if (!limits || !isNumber(probe.state(index).value)) return {};
     std::vector<Value> values{numberAt(rankOf(limits->minimum) + 1, limits->minimum)};
@@ -48,7 +48,7 @@ private:
 
     void addCodes(std::size_t index) {
         std::set<int> codes(m_answers[index].begin(), m_answers[index].end());
-        for (const Value& value : doubtfulValues(m_probe, index))
+        for (const Value& value : valuesBeyond(m_probe, index))
             codes.insert(m_probe.answer({index, value}));
         codes.erase(FG_OK);
         m_codes[m_probe.at(index).name] = codes;

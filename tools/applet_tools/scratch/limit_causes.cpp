@@ -50,7 +50,7 @@ std::vector<DesignCause> designRead(Probe& probe, const Subject& subject, const 
     logAccesses(instance);
     isTaken(probe, subject, accepted);
     std::vector<DesignCause> read;
-    for (const std::string& line : takeWrites(instance)) {
+    for (const std::string& line : takeAccessLog(instance)) {
         const LoggedAccess access = loggedAccess(line);
         const bool isKnown = std::ranges::find(read, access.parameter, &DesignCause::parameter) != read.end();
         if (access.access == "get" && !access.parameter.starts_with('#') && !isKnown)

@@ -42,8 +42,9 @@ void addRange(Probe& probe, const Subject& subject, const Value& wanted, Refusal
     const auto range = measuredRange(probe, subject.in(probe));
     probe.restore();
     if (!range) {
-        found.limit = "as the other parameters are, its setter refuses every value that was tried, the "
-                      "present one included";
+        found.limit =
+            "with the other parameters as they are, its setter refuses every value that was tried, the "
+            "present one too";
         return;
     }
     found.nearest = nearestIn(*range, wanted);

@@ -84,17 +84,15 @@ vboard_speed beltPieceOf(const DocumentField& field, bool isLast) {
     return piece;
 }
 
-/** Limits an encoder to ten million quarter steps per second. */
 void checkEncoderSpeed(const DocumentField& step, const StationBelt& belt) {
-    constexpr std::int64_t fastestEncoder = 10'000'000;
+    constexpr std::int64_t fastestEncoder = VBOARD_FASTEST_ENCODER;
     for (const vboard_speed& piece : belt.profile) {
         const std::int64_t fastest =
             std::max(std::abs(std::int64_t{piece.from}), std::abs(std::int64_t{piece.to}));
         if (fastest * 1000 > fastestEncoder * belt.encoderStep)
-            step.refuseAs(
-                "at least " + numberText((fastest * 1000 + fastestEncoder - 1) / fastestEncoder) +
-                "nm, with which the encoder makes no more than 10000000 quarter steps a second at " +
-                numberText(fastest) + "um/s");
+            step.refuseAs("at least " + numberText((fastest * 1000 + fastestEncoder - 1) / fastestEncoder) +
+                          "nm, with which the encoder makes no more than " + numberText(fastestEncoder) +
+                          " quarter steps a second at " + numberText(fastest) + "um/s");
     }
 }
 

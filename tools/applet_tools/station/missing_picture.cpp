@@ -119,7 +119,7 @@ private:
         if (!is("FG_SHAFTENCODERON", FG_ON) || !is("FG_SHAFTENCODER_COMPENSATION_ENABLE", FG_ON) ||
             m_settings.number(count) == 0)
             return "";
-        return "the encoder went backwards, so as many forward steps give none: " + shown(count) +
+        return "the encoder went backwards, so the same number of forward steps gives none: " + shown(count) +
                "; wait for them, or " + remedy("FG_SHAFTENCODER_COMPENSATION_COUNT=0");
     }
 
@@ -133,7 +133,7 @@ private:
 
     std::string whyNoLine() {
         if (!isSimulated() && camera() == VBOARD_CAMERA_FREE_RUNNING)
-            return "no line came: the camera is slower than that, or its exposure is longer";
+            return "no line came: its line period or its exposure is longer than the wait";
         for (const std::size_t kind : {droppedTriggerLoss, cameraTriggerLoss})
             if (const std::string loss = lossText(kind); !loss.empty()) return "no line came, " + loss;
         if (!isSimulated() && camera() == VBOARD_CAMERA_TRIGGERED)

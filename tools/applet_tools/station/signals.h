@@ -25,7 +25,8 @@ inline constexpr unsigned exSync = 1, exSync2 = 2, flash = 3, lval = 4, fval = 5
 } // namespace design_signal
 
 /** Inputs have numbers: first the GPI, then the front GPI. */
-inline constexpr unsigned gpiCount = 8, frontGpiCount = 4, inputCount = gpiCount + frontGpiCount;
+inline constexpr unsigned gpiCount = VBOARD_GPIS, inputCount = VBOARD_INPUTS,
+                          frontGpiCount = inputCount - gpiCount;
 
 /** The number of the input that is an entry of FG_LINETRIGGERINSRC, FG_IMGTRIGGERINSRC, ... */
 constexpr unsigned inputOf(std::int32_t source) {

@@ -27,11 +27,11 @@ std::vector<std::string_view> partsOf(std::string_view text, char mark) {
 }
 
 std::int32_t speedFrom(std::string_view word) {
-    constexpr std::int32_t fastest = 10'000'000;
+    constexpr std::int32_t fastest = VBOARD_FASTEST_ENCODER;
     const auto speed = wholeNumber<std::int32_t>(word);
     if (!speed || *speed > fastest || *speed < -fastest)
-        throw UsageError(inQuotedWord(word) +
-                         " is not a speed: an encoder makes -10000000 to 10000000 quarter steps a second");
+        throw UsageError(inQuotedWord(word) + " is not a speed: an encoder makes " + numberText(-fastest) +
+                         " to " + numberText(fastest) + " quarter steps a second");
     return *speed;
 }
 

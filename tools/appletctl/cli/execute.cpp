@@ -244,10 +244,9 @@ Request onSameBoard(Request request, const Options& options, const char* board, 
     const std::string name = nameOf(request);
     std::string refusal;
     if (static_cast<const BoardOptions&>(request.options) != options)
-        refusal =
-            std::string(
-                "the board is chosen before: give --board, --bridge, --applet, --offline and --look to ") +
-            board;
+        refusal = std::string("the board cannot be changed here: give --board, --bridge, --applet, --offline "
+                              "and --look to ") +
+                  board;
     else if (!isForLines(*request.command) &&
              !(mayBeSession && request.command->kind == Command::Kind::session))
         refusal = "'" + name + "' does not work within another command";

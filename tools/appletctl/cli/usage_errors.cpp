@@ -9,14 +9,14 @@
 #include <algorithm>
 
 namespace appletctl {
+
+std::size_t mostTypos(std::string_view word) { return std::min<std::size_t>(2, farthestTypo(word)); }
+
 namespace {
 
 std::string argumentName(const Command& command) { return "'" + fullName(command) + "'"; }
 
 std::string seeHelp(const std::string& name) { return "; '" + name + " --help' shows the usage"; }
-
-/** The largest editDistance of a misspelt word of the command line. */
-std::size_t mostTypos(std::string_view word) { return std::min<std::size_t>(2, farthestTypo(word)); }
 
 /** The error for an assignment where the command takes none; empty for another word, and if it has no --with. */
 std::string assignmentError(const Command& command, const std::string& word) {

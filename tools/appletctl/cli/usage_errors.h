@@ -11,6 +11,9 @@
 
 namespace appletctl {
 
+/** The largest editDistance of a misspelt word of the command line. */
+std::size_t mostTypos(std::string_view word);
+
 /** "; did you mean 'set'?" for a misspelt command of the group, or of all (null); else a reference to the list. */
 std::string commandSuggestion(std::span<const Command* const> commands, const CommandGroup* group,
                               const std::string& word);

@@ -74,12 +74,11 @@ void unlikeTables(LintState& state) {
                               {"minimum", statistics.minimum},
                               {"maximum", statistics.maximum}});
         }
-        state.add(
-            "tables", names, texts, values,
-            "The tables of the three colours are unlike. Whenever the applet writes whole tables by itself, "
-            "from a file or by the formula, the board receives blue's for all three",
-            "Set the elements of each colour after the file was loaded, or use one table for all; "
-            "'appletctl lut show' compares with the board");
+        state.add("tables", names, texts, values,
+                  "The tables of the three colours differ. When the applet writes whole tables by itself, "
+                  "from a file or by the formula, the board receives blue's for all three",
+                  "Set the elements of each colour after the file was loaded, or use one table for all; "
+                  "'appletctl lut show' compares with the board");
     }
     if (!state.is("FG_LUT_ENABLE", {FG_ON})) return;
     clippedTables(state, tables);

@@ -1,4 +1,4 @@
-// Legal but doubtful states. The rules run on a scratch board, where they can try values.
+// Valid but suspicious settings. The rules run on a scratch board, where they can try values.
 
 #include "applet_tools/answers/lint/lint.h"
 

@@ -18,9 +18,9 @@ namespace {
 
 /** The writes of a set with this value; empty if it is refused. */
 std::optional<Words> writesOf(LintState& state, const Target& target, const Value& value) {
-    takeWrites(state.session().instance());
+    takeAccessLog(state.session().instance());
     if (writeValue(state.session().instance(), target, value) != FG_OK) return std::nullopt;
-    return takeWrites(state.session().instance());
+    return takeAccessLog(state.session().instance());
 }
 
 /** The effect of a set on the board. */

@@ -91,10 +91,10 @@ LoadOutcome loadAndCompare(ScratchSession& session, FileKeys& keys, const std::s
     Instance& instance = session.instance();
     const ConfigurationFile before = stateOf(instance);
     const DesignSnapshot unloaded(session);
-    takeWrites(instance);
+    takeAccessLog(instance);
     LoadOutcome outcome;
     outcome.code = loadConfiguration(instance, file);
-    outcome.writes = takeWrites(instance);
+    outcome.writes = takeAccessLog(instance);
     const DesignSnapshot loaded(session);
     outcome.changes = unloaded.changesTo(loaded);
     outcome.states = statesOf(instance, session.parameters());

@@ -12,6 +12,7 @@
 #include "appletctl/cli/registry.h"
 #include "appletctl/cli/scenario/station_steps.h"
 #include "appletctl/cli/scenario/step_words.h"
+#include "appletctl/cli/usage_errors.h"
 #include "appletctl/commands/CommandRun.h"
 #include "appletctl/commands/assignment_report.h"
 
@@ -274,7 +275,7 @@ bool beginsWith(const Words& words, const StepKind& kind) {
 
 /** The kinds of steps with names similar to the beginning of the words; empty if there are none. */
 Words nearestKinds(const Words& words) {
-    std::size_t least = std::min<std::size_t>(2, farthestTypo(words.front()));
+    std::size_t least = mostTypos(words.front());
     Words nearest;
     for (const StepKind& kind : kinds) {
         const std::size_t count = wordCount(kind);

@@ -40,12 +40,12 @@ const applet_host::BoardFunctions& ScenarioRunner::board() {
 void ScenarioRunner::forgetWrites() {
     m_writes.clear();
     m_found = 0;
-    if (instance().device() != nullptr && instance().host()->isVirtual()) takeWrites(instance());
+    if (instance().device() != nullptr && instance().host()->isVirtual()) takeAccessLog(instance());
 }
 
 void ScenarioRunner::collectWrites() {
     board();
-    for (std::string& line : takeWrites(instance()))
+    for (std::string& line : takeAccessLog(instance()))
         m_writes.push_back(std::move(line));
 }
 

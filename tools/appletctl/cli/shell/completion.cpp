@@ -96,11 +96,11 @@ Report showCompletionScript(Context&, const Words& shell) {
 extern const Command completionCommand;
 const Command completionCommand = {
     .name = "completion",
-    .help = "Print the script that completes words of appletctl in a shell",
+    .help = "Print a shell completion script",
     .argument = "SHELL",
     .argumentHelp = "The shell that the script is for",
-    .examples = {{"completion bash", "to be read by: source <(appletctl completion bash)"},
-                 {"completion fish", "to be read by: appletctl completion fish | source"}},
+    .examples = {{"completion bash", "load it with: source <(appletctl completion bash)"},
+                 {"completion fish", "load it with: appletctl completion fish | source"}},
     .fewest = 1,
     .most = 1,
     .run = showCompletionScript,

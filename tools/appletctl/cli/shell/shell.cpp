@@ -139,7 +139,7 @@ const Command shellCommand = {
     .name = "shell",
     .help = "Execute commands line by line on one board, with undo",
     .examples = {{"shell", "interactive; undo, help and exit work there"},
-                 {"shell -k < lines.txt", "lines of a file, going on after failures"}},
+                 {"shell -k < lines.txt", "run the lines of a file; continue after failures"}},
     .run = runShell,
     .scratch = Context::Scratch::wanted,
     .addOptions = addShellOptions,

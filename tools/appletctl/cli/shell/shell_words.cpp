@@ -8,7 +8,7 @@ extern const Command undoCommand, shellHelpCommand, exitCommand, quitCommand;
 
 const Command undoCommand = {
     .name = "undo",
-    .help = "Take back what the last command that changed something has changed",
+    .help = "Undo the last command that changed something",
     .kind = Command::Kind::ofShell,
     .sets = Command::Sets::always,
 };

@@ -61,7 +61,7 @@ std::string movesText(const std::vector<ParameterMove>& moves, const std::set<st
 Report planAssignments(ScratchSession& session, const Words& words) {
     ChangeWatch watch(session);
     AssignmentAdditions additions;
-    additions.takeWrites = [&] { return takeWrites(session.instance()); };
+    additions.takeWrites = [&] { return takeAccessLog(session.instance()); };
     additions.areWritesNamed = true;
     additions.isLeftOut = [](const Assignment& assignment) {
         return assignment.target.parameter->writesFile();

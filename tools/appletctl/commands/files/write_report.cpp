@@ -67,7 +67,7 @@ struct Section {
 
 constexpr Section sections[] = {
     {"info", "The applet and its libraries"},
-    {"lint", "What is doubtful"},
+    {"lint", "Suspicious settings"},
     {"list", "Parameters, with what differs from the default"},
     {"route", "Routes"},
     {"timing", "Timing"},

@@ -52,7 +52,7 @@ void addXmlOptions(CLI::App& command, Options& options) {
     addOutFile(command, options);
     auto& own = options.own<XmlOptions>();
     command.add_flag("--portable", own.isPortable, "A document for other clients, made from the same tree");
-    command.add_flag("--check", own.isChecked, "What a client stumbles over in the document");
+    command.add_flag("--check", own.isChecked, "Report problems that clients have with the document");
 }
 
 Report showXml(Context& context, const Words&) {
@@ -86,7 +86,7 @@ const Command xmlCommand = {
     .help = "Show the XML document that describes the parameters",
     .examples = {{"xml -o parameters.xml", "the document of the applet"},
                  {"xml --portable -o camera.xml", "one that other clients can read"},
-                 {"xml --check", "what a client stumbles over"}},
+                 {"xml --check", "problems that clients have with it"}},
     .run = showXml,
     .scratch = Context::Scratch::withoutDesign,
     .addOptions = addXmlOptions,

@@ -386,7 +386,7 @@ private:
     /** A closed pipe, or a signal, is not a failure. */
     Report endOfOutput() {
         if (errno == EPIPE) return std::move(m_report);
-        return m_interruption.isAsked() ? ended() : refused("the output could not be written");
+        return m_interruption.isAsked() ? ended() : refused(unwrittenOutput);
     }
 
     Report refused(const std::string& problem) {

@@ -55,7 +55,7 @@ void addGrabOptions(CLI::App& command, Options& options) {
                     "File to write, .png, .tiff, .ppm or .raw; %d or %06d in its name is the number of the "
                     "picture; - for the standard output, raw if --format does not say otherwise")
         ->type_name("FILE");
-    command.add_option("--format", own.format, "Format of the file, whatever its name is")
+    command.add_option("--format", own.format, "Format of the file, regardless of its name")
         ->check(CLI::IsMember({"png", "tiff", "ppm", "raw"}));
     command.add_flag("--hash", own.wantsHash,
                      "Print the SHA-256 of each picture's bytes instead of its record");

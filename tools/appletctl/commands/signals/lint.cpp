@@ -34,7 +34,7 @@ Report lintParameters(Context& context, const Words& words) {
         rows.push_back(ordered_json(asJson(finding)));
         report.text += textOf(finding);
     }
-    if (found.findings.empty()) report.text += forPerson("Nothing doubtful.\n");
+    if (found.findings.empty()) report.text += forPerson("Nothing suspicious.\n");
     if (isFile) report.document["file"] = toUtf8(words.front().c_str());
     if (found.loaded != FG_OK)
         report.problems.push_back("the load answered " + codeInWords(found.loaded) +
@@ -49,7 +49,7 @@ Report lintParameters(Context& context, const Words& words) {
 extern const Command lintCommand;
 const Command lintCommand = {
     .name = "lint",
-    .help = "Find settings that are legal but doubtful",
+    .help = "Find settings that are valid but suspicious",
     .argument = "FILE",
     .argumentHelp = "File to examine, or assignments to execute first",
     .form = "[FILE|NAME=VALUE...]",

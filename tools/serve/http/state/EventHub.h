@@ -15,7 +15,7 @@
 
 namespace serve {
 
-/** Keeps the latest messages. A listener that is slower misses the older ones, and slows nobody. */
+/** Keeps the latest messages. A slow listener misses the older ones and does not block others. */
 class EventHub {
 public:
     using Clock = std::chrono::steady_clock;
