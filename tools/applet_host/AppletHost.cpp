@@ -198,7 +198,10 @@ std::filesystem::path libraryFolder() {
         if (!chosen.path.empty()) return chosen.path;
     }
     const char* const named = std::getenv("VEXO_LIBRARY_DIR");
-    return named != nullptr ? std::filesystem::path(named) : nearestFolder();
+    if (named == nullptr) return nearestFolder();
+    if (*named == '\0')
+        throw HostError("VEXO_LIBRARY_DIR is empty: it names the folder of the libraries, or is unset");
+    return named;
 }
 
 bool chooseFolder(const std::filesystem::path& folder) {

@@ -23,6 +23,8 @@ Expectation expectationOf(ScratchSession& session, const Words& assignments) {
     const DesignSnapshot picture(session);
     for (const auto& [name, number] : picture.numbers())
         if (written.contains(name)) expected.design[name] = numberAsJson(number);
+    for (const auto& [name, elements] : picture.arrays())
+        if (written.contains(name)) expected.design[name] = elements;
     return expected;
 }
 

@@ -46,8 +46,8 @@ std::string toUtf8(const char* text) {
 std::string printable(std::string_view text) {
     constexpr char digits[] = "0123456789abcdef";
     std::string shown;
-    const auto escape = [&](unsigned char byte) {
-        shown += "\\x";
+    const auto escape = [&](const char* prefix, unsigned char byte) {
+        shown += prefix;
         shown += digits[byte >> 4];
         shown += digits[byte & 0x0F];
     };
@@ -57,10 +57,9 @@ std::string printable(std::string_view text) {
         const bool isUpperControl =
             byte == 0xC2 && i + 1 < text.size() && (byteAt(text, i + 1) & 0xE0) == 0x80;
         if (isUpperControl) {
-            escape(byte);
-            escape(byteAt(text, ++i));
+            escape("\\u00", byteAt(text, ++i));
         } else if (byte < 0x20 || byte == 0x7F) {
-            escape(byte);
+            escape("\\x", byte);
         } else {
             shown += text[i];
         }
@@ -118,7 +117,7 @@ std::string quotedBeginning(const std::string& text, std::size_t mostBytes) {
 
 std::string inQuotedWord(std::string_view word) {
     constexpr std::size_t mostBytes = 100;
-    return "'" + shortened(printable(word), mostBytes) + "'";
+    return "'" + shortened(printable(toUtf8(std::string(word).c_str())), mostBytes) + "'";
 }
 
 std::string asShellWord(std::string_view word) {

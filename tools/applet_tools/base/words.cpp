@@ -14,7 +14,10 @@ bool takeWord(const std::string& text, std::size_t& place, std::string& word) {
         const char c = text[place];
         if (quote == '\0' && std::string_view(blanks).find(c) != std::string_view::npos) break;
         if (c == '\\' && quote != '\'') {
-            if (place + 1 == text.size()) return false;
+            if (place + 1 == text.size()) {
+                place = text.size();
+                return false;
+            }
             const char next = text[place + 1];
             // In double quotes a backslash before any other character is kept.
             if (quote == '"' && next != '"' && next != '\\') word += c;

@@ -23,6 +23,9 @@ struct WordLine {
     bool isOpen = false;             /**< an unclosed quote, or a lone backslash at the end */
 };
 
+/** The message about an open line. */
+inline constexpr const char* unfinishedLine = "a quote is not closed, or a backslash ends the line";
+
 WordLine splitLine(const std::string& text);
 
 /** The line's text from that word on, including quotes. */

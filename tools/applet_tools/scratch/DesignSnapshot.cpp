@@ -1,18 +1,13 @@
 #include "applet_tools/scratch/DesignSnapshot.h"
 
+#include "applet_tools/applet/files/LutTables.h"
+
 #include <algorithm>
 #include <cmath>
 #include <type_traits>
 
 namespace applet_tools {
 namespace {
-
-std::uint32_t longestArray(const ParameterList& parameters) {
-    std::uint32_t longest = 0;
-    for (const Parameter& parameter : parameters.all())
-        longest = std::max(longest, elementCount(parameter));
-    return longest;
-}
 
 std::string inWords(const Value& held, const char* elements) {
     return std::visit(
@@ -30,7 +25,6 @@ std::string inWords(const Value& held, const char* elements) {
 DesignSnapshot::DesignSnapshot(ScratchSession& session) {
     const auto& board = session.instance().board();
     LOOMdevice* const device = session.instance().device();
-    const std::uint32_t longest = longestArray(session.parameters());
     for (const std::string& name : session.designNames()) {
         double number = 0;
         std::int64_t whole = 0;
@@ -38,11 +32,9 @@ DesignSnapshot::DesignSnapshot(ScratchSession& session) {
             m_numbers[name] = number;
         } else if (board.peek_int(device, name.c_str(), &whole) == VBOARD_OK) {
             m_numbers[name] = whole;
-        } else if (std::vector<std::uint32_t> elements(longest);
-                   board.peek_field(device, name.c_str(), 0, longest, elements.data()) == VBOARD_OK) {
-            m_arrays[name] = std::move(elements);
         }
     }
+    m_arrays = designTables(session.instance(), session.parameters());
 }
 
 std::vector<DesignChange> DesignSnapshot::changesTo(const DesignSnapshot& later) const {
@@ -54,9 +46,7 @@ std::vector<DesignChange> DesignSnapshot::changesTo(const DesignSnapshot& later)
     for (const auto& [name, before] : m_arrays) {
         const auto after = later.m_arrays.find(name);
         if (after == later.m_arrays.end() || after->second == before) continue;
-        std::size_t count = 0;
-        for (std::size_t i = 0; i < before.size(); ++i)
-            count += before[i] != after->second[i] ? 1 : 0;
+        const std::size_t count = differences(before, after->second);
         changes.push_back({name, WholeArray{static_cast<std::uint32_t>(before.size())},
                            WholeArray{static_cast<std::uint32_t>(count)}});
     }

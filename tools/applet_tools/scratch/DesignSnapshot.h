@@ -24,12 +24,13 @@ public:
     explicit DesignSnapshot(ScratchSession& session);
 
     const std::map<std::string, Value>& numbers() const { return m_numbers; }
+    const std::map<std::string, Elements>& arrays() const { return m_arrays; }
     /** Differences to `later`, sorted by name. */
     std::vector<DesignChange> changesTo(const DesignSnapshot& later) const;
 
 private:
     std::map<std::string, Value> m_numbers;
-    std::map<std::string, std::vector<std::uint32_t>> m_arrays;
+    std::map<std::string, Elements> m_arrays;
 };
 
 /** "Device1_Process0_Buffer_0_XLength: 1024 -> 2048"; of an array "16384 elements -> 256 others". */

@@ -1,5 +1,6 @@
 #include "applet_tools/scratch/History.h"
 
+#include "applet_tools/applet/files/LutTables.h"
 #include "applet_tools/applet/hardware_values.h"
 #include "applet_tools/applet/published_limits.h"
 #include "applet_tools/base/text.h"
@@ -7,6 +8,9 @@
 #include "vexo/fg_errors.h"
 
 #include <algorithm>
+#include <functional>
+#include <iterator>
+#include <string_view>
 #include <utility>
 
 namespace applet_tools {
@@ -19,6 +23,17 @@ template <typename Use> void forWrittenDesign(Instance& instance, Use use) {
     const ParameterList design(instance, ParameterList::Scope::design);
     for (const Parameter& parameter : design.all())
         if (accessWord(parameter) != "ro" && parameter.effectOfReading().empty()) use(parameter);
+}
+
+/** Digests of the design's arrays, which can be compared and not restored, since they are not published. */
+json digestsOf(const std::map<std::string, Elements>& tables) {
+    json digests = json::object();
+    for (const auto& [name, elements] : tables) {
+        const std::string_view bytes(reinterpret_cast<const char*>(elements.data()),
+                                     elements.size() * sizeof elements.front());
+        digests[std::string(designPrefix) + name] = {{"digest", std::hash<std::string_view>()(bytes)}};
+    }
+    return digests;
 }
 
 json writtenDesign(Instance& instance) {
@@ -90,6 +105,7 @@ History::Moment History::now() {
     Instance& instance = m_live.instance();
     Moment moment{valuesOf(instance, m_live.parameters()), writtenDesign(instance),
                   accessOf(m_live.parameters()), publishedLimitsOf(m_live.parameters())};
+    moment.design.update(digestsOf(designTables(instance, m_live.parameters())));
     return moment;
 }
 
@@ -106,8 +122,12 @@ void History::end() {
     if (!m_begin || !m_live.isUp()) return;
     const Moment after = now();
     const auto isSettable = [&](const std::string& name) { return settable().contains(name); };
-    const bool isChanged = after.design != m_begin->design ||
-                           std::ranges::any_of(differingNames(m_begin->values, after.values), isSettable);
+    const Words differing = differingNames(m_begin->values, after.values);
+    std::ranges::copy_if(differing, std::back_inserter(m_begin->filesWritten), [&](const std::string& name) {
+        return m_live.parameters().find(name).writesFile();
+    });
+    const bool isChanged = after.design != m_begin->design || !m_begin->filesWritten.empty() ||
+                           std::ranges::any_of(differing, isSettable);
     if (isChanged) m_steps.push_back(std::move(*m_begin));
     if (m_steps.size() > mostSteps) m_steps.pop_front();
     m_begin.reset();
@@ -199,6 +219,7 @@ Undone History::undoneOf(const Moment& before, const Moment& wanted) {
     Words& others = undone.notAsBefore;
     for (const std::string& name : differingNames(wanted.values, reached.values))
         if (settable().contains(name)) others.push_back(name);
+    std::ranges::copy(wanted.filesWritten, std::back_inserter(others)); // a set would write the file again
     for (const std::string& name : differingNames(wanted.access, reached.access))
         others.push_back("the access of " + name);
     for (const std::string& name : differingNames(wanted.design, reached.design))

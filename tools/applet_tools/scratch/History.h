@@ -51,10 +51,11 @@ private:
      *  since they change by themselves. */
     struct Moment {
         json values;
-        json design;        // null if it cannot be read, as offline
-        json access;        // {NAME: BITS}
-        json limits;        // {NAME: [MINIMUM, MAXIMUM, INCREMENT]}; null without limits
-        std::string line{}; // the command that followed
+        json design;          // null if it cannot be read, as offline
+        json access;          // {NAME: BITS}
+        json limits;          // {NAME: [MINIMUM, MAXIMUM, INCREMENT]}; null without limits
+        std::string line{};   // the command that followed
+        Words filesWritten{}; // names of parameters that it set, which write a file
     };
 
     Moment now();

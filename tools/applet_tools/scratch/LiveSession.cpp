@@ -122,6 +122,14 @@ Words LiveSession::takeAccesses() {
     return lines;
 }
 
+Words LiveSession::stopTrace() {
+    m_isTraced = false;
+    if (!isUp()) return std::exchange(m_accesses, {});
+    takeAccesses();
+    instance().board().log_kinds(instance().device(), 0);
+    return std::exchange(m_accesses, {});
+}
+
 ScratchBoard& LiveSession::scratchFrom(const json& state) {
     const json answer = m_scratch->startFrom(state);
     m_assumed = answer["assumed"].get<Words>();

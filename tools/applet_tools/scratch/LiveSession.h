@@ -71,12 +71,12 @@ public:
     /** Takes the notes on how the answers were found, since the last call. */
     Words takeNotes();
 
-    /** From now on the live virtual board logs its accesses, except those of a start state. */
+    /** Until `stopTrace` the live virtual board logs its accesses, except those of a start state. */
     void startTrace();
-    /** Takes the log since the last call. */
+    /** The accesses since the last call, or since the start. */
     Words takeAccesses();
-    /** All lines taken so far. */
-    const Words& accesses() const { return m_accesses; }
+    /** Ends the log; returns all accesses since the start. */
+    Words stopTrace();
 
 private:
     nlohmann::json withoutTrace(const std::function<nlohmann::json()>& read);
@@ -95,6 +95,22 @@ private:
     nlohmann::json m_copyDesign;            // the values of the live design
     bool m_isTraced = false;
     Words m_accesses;
+};
+
+/** A copy of the live applet during its life, if wanted. */
+class CopyInUse {
+public:
+    CopyInUse(LiveSession& live, bool isWanted) : m_live(isWanted ? &live : nullptr) {
+        if (isWanted) live.enterCopy();
+    }
+    ~CopyInUse() {
+        if (m_live != nullptr) m_live->leaveCopy();
+    }
+    CopyInUse(const CopyInUse&) = delete;
+    CopyInUse& operator=(const CopyInUse&) = delete;
+
+private:
+    LiveSession* m_live;
 };
 
 } // namespace applet_tools

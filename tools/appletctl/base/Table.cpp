@@ -160,10 +160,8 @@ std::string Table::render(const Style& style) const {
             text += (layout.isStacked ? stackedText(line, width) : rowText(line, layout)) + '\n';
         }
     }
-    if (layout.isStacked || layout.hidden.empty()) return text;
-    const std::string hidden = "(too narrow for: " + join(layout.hidden, ", ") + ")";
-    for (const std::string& line : foldedLines(hidden, width - std::min(width - 1, gap)))
-        text += style.faint(std::string(gap, ' ') + line) + '\n';
+    if (!layout.isStacked && !layout.hidden.empty())
+        text += style.faint("  (too narrow for: " + join(layout.hidden, ", ") + ")") + '\n';
     return text;
 }
 

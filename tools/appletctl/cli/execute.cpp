@@ -159,23 +159,12 @@ public:
             requireReadable(with.file, context, false);
             requireConfigurationName(with.file);
         }
-        m_isCopy = !isOnlyCommand;
-        if (m_isCopy) context.enterCopy();
-        try {
-            applyWith(with);
-        } catch (...) {
-            if (m_isCopy) m_context.leaveCopy();
-            throw;
-        }
+        m_copy.emplace(context, !isOnlyCommand);
+        applyWith(with);
         Options rest = options;
         rest.own<WithOption>() = {}; // already applied
         context.setOptions(rest);
     }
-    ~AskedState() {
-        if (m_isCopy) m_context.leaveCopy();
-    }
-    AskedState(const AskedState&) = delete;
-    AskedState& operator=(const AskedState&) = delete;
 
 private:
     /** Why the load of the file failed, in the words of `check`. */
@@ -201,7 +190,7 @@ private:
     }
 
     Context& m_context;
-    bool m_isCopy = false;
+    std::optional<CopyInUse> m_copy;
 };
 
 Report runCommand(const Request& request, Context& context, bool isOnlyCommand) {

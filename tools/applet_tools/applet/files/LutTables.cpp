@@ -51,13 +51,6 @@ template <typename Iterator> std::size_t clippedLength(Iterator first, Iterator 
     return length > 1 ? static_cast<std::size_t>(length) : 0;
 }
 
-std::size_t differences(const Elements& a, const Elements& b) {
-    std::size_t count = 0;
-    for (std::size_t i = 0; i < a.size(); ++i)
-        count += a[i] != b[i] ? 1 : 0;
-    return count;
-}
-
 nlohmann::ordered_json clippedAsJson(const Elements& entries, const std::optional<ElementRange>& range) {
     if (!range) return nullptr;
     return {{"first", range->first}, {"last", range->last}, {"value", entries[range->first]}};
@@ -78,6 +71,13 @@ std::size_t elementsIn(const std::vector<std::string_view>& lines) {
 }
 
 } // namespace
+
+std::size_t differences(const Elements& a, const Elements& b) {
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < a.size(); ++i)
+        count += a[i] != b[i] ? 1 : 0;
+    return count;
+}
 
 LutFile lookAtLutFile(const std::string& file) {
     const auto text = textOfFile(file);
@@ -111,6 +111,17 @@ LutFile lookAtLutFile(const std::string& file) {
 bool LutTables::areEqual() const {
     return std::all_of(colours.begin(), colours.end(),
                        [&](const LutTable& table) { return table.entries == colours.front().entries; });
+}
+
+std::map<std::string, Elements> designTables(Instance& instance, const ParameterList& parameters) {
+    std::map<std::string, Elements> tables;
+    for (const ColourRow& row : colourRows) {
+        const auto parameter = std::ranges::find(parameters.all(), row.parameter, &Parameter::name);
+        if (parameter == parameters.all().end()) continue;
+        if (auto table = tableOnBoard(instance, row.design, elementCount(*parameter)))
+            tables[row.design] = std::move(*table);
+    }
+    return tables;
 }
 
 LutTables readLutTables(Instance& instance, const ParameterList& parameters) {

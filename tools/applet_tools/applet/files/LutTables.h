@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -35,6 +36,12 @@ struct LutFile {
 };
 
 LutFile lookAtLutFile(const std::string& file);
+
+/** The arrays of the design by name: the tables that the board has received. Empty without a virtual board. */
+std::map<std::string, Elements> designTables(Instance& instance, const ParameterList& parameters);
+
+/** Number of elements that differ in two arrays of one length. */
+std::size_t differences(const Elements& a, const Elements& b);
 
 /** Reads all three tables. Throws Failure if a read fails. */
 LutTables readLutTables(Instance& instance, const ParameterList& parameters);

@@ -322,7 +322,7 @@ Request requestOf(const Words& words, Options options) {
 }
 
 Step parseStep(const std::string& text, const WordLine& line, const Options& options) {
-    if (line.isOpen) throw UsageError("a quote is not closed");
+    if (line.isOpen) throw UsageError(unfinishedLine);
     Step step{.line = 0,
               .section = {},
               .text = textFrom(text, line, 0),

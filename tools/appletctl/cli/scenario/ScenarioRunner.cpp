@@ -40,7 +40,7 @@ const applet_host::BoardFunctions& ScenarioRunner::board() {
 void ScenarioRunner::forgetWrites() {
     m_writes.clear();
     m_found = 0;
-    if (instance().device() != nullptr && instance().host()->isVirtual()) takeAccessLog(instance());
+    if (instance().device() != nullptr && instance().host()->isVirtual()) logWrites(instance());
 }
 
 void ScenarioRunner::collectWrites() {

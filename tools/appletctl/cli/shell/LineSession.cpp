@@ -60,8 +60,7 @@ ExitCode LineSession::runLine(const std::string& text, const Options& options, c
     m_isOver = false; // a session of a station has several shells
     const WordLine line = splitLine(text);
     if (line.words.empty()) return exitDone;
-    if (line.isOpen)
-        return show(failureReport("usage", "a quote is not closed", exitUsage), "", options, prefix);
+    if (line.isOpen) return show(failureReport("usage", unfinishedLine, exitUsage), "", options, prefix);
     return run(parseShellLine(line.words, options), options, text, prefix);
 }
 

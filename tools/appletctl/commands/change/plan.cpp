@@ -242,6 +242,7 @@ namespace {
 
 Report applyChanges(Context& context, const Words& words) {
     const Options& options = context.options();
+    if (isFile(words)) requireBoard(options, "apply FILE");
     const bool isAsked = !options.of<YesOption>().isGiven;
     if (isAsked && isatty(STDIN_FILENO) == 0)
         throw UsageError(

@@ -4,6 +4,7 @@
 #include "applet_tools/answers/why.h"
 #include "applet_tools/applet/access_log.h"
 #include "applet_tools/applet/assignments.h"
+#include "applet_tools/applet/files/LutTables.h"
 #include "applet_tools/applet/hardware_values.h"
 #include "applet_tools/base/text.h"
 #include "applet_tools/scratch/refusal.h"
@@ -24,17 +25,28 @@ namespace {
 
 using nlohmann::ordered_json;
 
+/** True if one of the later assignments sets the same parameter, or one of the same elements. */
+bool isSetLater(const std::vector<Assignment>& assignments, std::size_t index) {
+    const Target& own = assignments[index].target;
+    return std::any_of(assignments.begin() + static_cast<std::ptrdiff_t>(index) + 1, assignments.end(),
+                       [&](const Assignment& later) {
+                           if (later.target.parameter != own.parameter) return false;
+                           const auto &a = own.elements, &b = later.target.elements;
+                           return !a || !b || (a->first <= b->last && b->first <= a->last);
+                       });
+}
+
 /** Reads every parameter back and reports differences. `taken` holds each parameter's reading on the scratch
  *  board directly after its set; it differs from the requested value if the hardware has coarser steps. */
 void verifyValues(Context& context, const Words& words, const json& taken, Report& report,
                   ordered_json& rows) {
-    std::size_t place = 0;
-    for (const Assignment& assignment : parseAssignments(context.parameters(), words)) {
+    const std::vector<Assignment> assignments = parseAssignments(context.parameters(), words);
+    for (std::size_t i = 0; i < assignments.size(); ++i) {
+        const Assignment& assignment = assignments[i];
         const Target& target = assignment.target;
         const ReadResult reading = context.read(target);
-        const json expected = place < taken.size() ? taken[place] : json();
-        ++place;
-        if (!reading.isMeasured) continue;
+        const json expected = i < taken.size() ? taken[i] : json();
+        if (!reading.isMeasured || isSetLater(assignments, i)) continue;
         if (reading.error == FG_OK && reading.value == assignment.value) continue;
         const bool isRounded = !countingOf(*target.parameter).empty() && !expected.is_null();
         if (reading.error == FG_OK && isRounded && reading.value == fromMessage(target, expected)) continue;
@@ -69,10 +81,28 @@ void verifyDesign(Context& context, const json& expected, Report& report, ordere
     }
 }
 
+/** The same for the arrays of the design, which are not published. */
+void verifyTables(Context& context, const json& expected, Report& report, ordered_json& rows) {
+    for (const auto& [name, held] : designTables(context.instance(), context.parameters())) {
+        const auto wanted = expected.find(name);
+        if (wanted == expected.end()) continue;
+        const std::size_t changed = differences(held, wanted->get<Elements>());
+        if (changed == 0) continue;
+        report.problems.push_back("the design holds " + numberText(changed) + " other elements in " + name);
+        rows.push_back({{"name", name},
+                        {"expected", {{"elements", held.size()}}},
+                        {"held", {{"elements", held.size()}}},
+                        {"changed", changed}});
+    }
+}
+
 void verify(Context& context, const Words& words, const Expectation& expected, Report& report) {
     auto& rows = report.document["unverified"] = ordered_json::array();
     verifyValues(context, words, expected.taken, report, rows);
-    if (!context.options().offline) verifyDesign(context, expected.design, report, rows);
+    if (!context.options().offline) {
+        verifyDesign(context, expected.design, report, rows);
+        verifyTables(context, expected.design, report, rows);
+    }
     if (!rows.empty()) report.exitCode = exitRefused;
     if (rows.empty() && report.exitCode == exitDone)
         report.text +=

@@ -28,10 +28,17 @@ std::string ownDocument(Instance& instance) {
 
 namespace {
 
+/** A session publishes the design's parameters for its undo; a copy does not. */
+std::string publicDocument(Context& context) {
+    const bool isHidden = context.instance().isDesignHidden() && context.host().isVirtual();
+    const CopyInUse copy(context, isHidden && !context.isCopy());
+    return ownDocument(context.instance());
+}
+
 Report checkedDocument(Context& context, const std::string& document) {
     Report report;
     Table table;
-    table.setTitles({"NODE", "WHAT A CLIENT STUMBLES OVER"});
+    table.setTitles({"NODE", "PROBLEM"});
     auto& rows = report.document["findings"] = nlohmann::ordered_json::array();
     for (const XmlFinding& finding : findingsIn(readXml(document), context.parameters())) {
         table.addRow({finding.node, finding.reason});
@@ -61,8 +68,7 @@ Report showXml(Context& context, const Words&) {
     requireFileName(outFile);
     if (outFile && options.isChecked)
         throw UsageError("give either -o, to write the document, or --check, to examine it");
-    const std::string document =
-        options.isPortable ? portableDocument(context) : ownDocument(context.instance());
+    const std::string document = options.isPortable ? portableDocument(context) : publicDocument(context);
     if (options.isChecked) return checkedDocument(context, document);
     Report report;
     if (!outFile) {

@@ -4,6 +4,7 @@
 #include "applet_tools/applet/values.h"
 #include "applet_tools/base/Interruption.h"
 #include "applet_tools/base/text.h"
+#include "appletctl/base/layout.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/draw/sparkline.h"
 
@@ -203,7 +204,7 @@ std::string asTable(const Round& round, bool wantsRates, int lines) {
             text += style.faint("  (" + numberText(count - shown) + " of " + numberText(count) +
                                 " parameters are not shown: too few lines)") +
                     '\n';
-        text += end;
+        text = wrapped(text + end, outputWidth());
         if (shown == 0 || std::ranges::count(text, '\n') <= lines) return text;
     }
 }

@@ -122,30 +122,16 @@ MeasuredDrawing drawingOf(const MeasuredTiming& timing) {
     return drawing;
 }
 
-/** A board on which no time has passed: the live one, or a copy of it. */
-class FreshBoard {
-public:
-    explicit FreshBoard(Context& context) : m_context(context) {
-        requireStation(context.options(), context.host(), "'timing --measured'");
-        m_isCopy = context.instance().board().now(context.instance().device()) > 0;
-        if (m_isCopy) context.enterCopy();
-    }
-    ~FreshBoard() {
-        if (m_isCopy) m_context.leaveCopy();
-    }
-    FreshBoard(const FreshBoard&) = delete;
-    FreshBoard& operator=(const FreshBoard&) = delete;
-
-private:
-    Context& m_context;
-    bool m_isCopy;
-};
+bool hasTimePassed(Context& context) {
+    return context.instance().board().now(context.instance().device()) > 0;
+}
 
 } // namespace
 
 MeasuredDrawing addMeasuredTiming(Report& report, Context& context, const std::vector<WaveRequest>& waves,
                                   const std::optional<TimeWindow>& window) {
-    const FreshBoard fresh(context);
+    requireStation(context.options(), context.host(), "'timing --measured'");
+    const CopyInUse fresh(context, hasTimePassed(context)); // no time has passed on a copy
     const Interruption interruption;
     const MeasuredTiming timing = measureTiming(
         context.instance(), context.parameters(), waves, [&] { return !interruption.isAsked(); }, window);

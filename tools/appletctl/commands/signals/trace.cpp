@@ -137,6 +137,21 @@ std::vector<OneSided> differencesOf(const Lines& a, const Lines& b) {
     return differences;
 }
 
+/** Traces during its life, also if the command throws: a shell goes on with the same board. */
+class Trace {
+public:
+    explicit Trace(Context& context) : m_context(context) { context.startTrace(); }
+    ~Trace() { stop(); }
+    Trace(const Trace&) = delete;
+    Trace& operator=(const Trace&) = delete;
+
+    Words stop() { return std::exchange(m_isRunning, false) ? m_context.stopTrace() : Words(); }
+
+private:
+    Context& m_context;
+    bool m_isRunning = true;
+};
+
 } // namespace
 
 Report traceRun(Context& context, bool isShownByCommand, const std::function<Report()>& run) {
@@ -145,13 +160,13 @@ Report traceRun(Context& context, bool isShownByCommand, const std::function<Rep
         throw UsageError(
             "'trace' needs the virtual board, which logs what reaches it: leave --board out; 'plan' "
             "shows what a change would write to the board of the system");
-    context.startTrace();
+    Trace trace(context);
     Report report = run();
-    context.takeAccesses();
-    report.document["accesses"] = accessesAsJson(context.accesses());
-    if (isShownByCommand && !context.accesses().empty()) return report;
+    const Words accesses = trace.stop();
+    report.document["accesses"] = accessesAsJson(accesses);
+    if (isShownByCommand && !accesses.empty()) return report;
     std::string text;
-    for (const std::string& line : context.accesses())
+    for (const std::string& line : accesses)
         text += accessLine(line);
     if (text.empty()) {
         text = "  ";
