@@ -22,7 +22,7 @@ void put(Picture& picture, const std::uint8_t* made, std::span<std::uint8_t> pla
     if (!picture.isCut && picture.size < end) std::memset(place.data() + picture.size, 0, end - picture.size);
 }
 
-Acquisition::Acquisition(Station& station)
+Acquisition::Acquisition(DeviceStation& station)
     : m_station(station)
     , m_format(pixelFormatOfOutput(station.integer("FG_FORMAT"))) {}
 

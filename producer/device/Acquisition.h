@@ -2,8 +2,8 @@
 #ifndef PRODUCER_DEVICE_ACQUISITION_H
 #define PRODUCER_DEVICE_ACQUISITION_H
 
+#include "device/DeviceStation.h"
 #include "device/PixelFormat.h"
-#include "device/Station.h"
 
 #include <atomic>
 #include <cstdint>
@@ -84,13 +84,13 @@ public:
 
 protected:
     /** The station must outlive the acquisition. */
-    explicit Acquisition(Station& station);
+    explicit Acquisition(DeviceStation& station);
 
     /** The last format that was set, if the applet packs it as this one; else this one, which may be null. */
     const PixelFormat* chosenInsteadOf(const PixelFormat* own);
 
 private:
-    Station& m_station;
+    DeviceStation& m_station;
     std::atomic<const PixelFormat*> m_format;
 };
 

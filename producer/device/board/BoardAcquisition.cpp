@@ -107,7 +107,7 @@ void BoardAcquisition::giveEvents() {
     applet_host::takeEvents(m_station.board(), m_station.device(), [this](const vboard_event& event) {
         withMemory([&] {
             if (const EventKind* kind = m_station.eventOfDesign(event.name))
-                m_onEvent(*kind, event.tick * Station::nanosecondsPerTick);
+                m_onEvent(*kind, event.tick * DeviceStation::nanosecondsPerTick);
         });
     });
 }
@@ -151,7 +151,7 @@ Picture BoardAcquisition::make(std::int64_t number, std::span<std::uint8_t> plac
             made = m_made.data();
         });
     }
-    picture.nanoseconds = record.first_line * Station::nanosecondsPerTick;
+    picture.nanoseconds = record.first_line * DeviceStation::nanosecondsPerTick;
     picture.lostBefore = record.lost_before;
     picture.lines = record.lines;
     put(picture, result == VBOARD_OK ? made : nullptr, place);

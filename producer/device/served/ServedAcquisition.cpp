@@ -98,7 +98,7 @@ void ServedAcquisition::show(const station_channel::Picture& picture,
     m_isWriting = true;
     const std::uint64_t missed = picture.number > m_last ? picture.number - m_last - 1 : 0;
     producer::Picture made{.number = picture.number,
-                           .nanoseconds = picture.firstLine * Station::nanosecondsPerTick,
+                           .nanoseconds = picture.firstLine * DeviceStation::nanosecondsPerTick,
                            .lostBefore = picture.lostBefore + missed,
                            .lines = picture.lines,
                            .geometry = geometry};
@@ -120,7 +120,7 @@ void ServedAcquisition::show(const station_channel::Picture& picture,
 
 void ServedAcquisition::happen(const station_channel::Event& event) {
     if (const EventKind* kind = m_station.eventOf(event.mask))
-        m_listener.onEvent(*kind, event.tick * Station::nanosecondsPerTick);
+        m_listener.onEvent(*kind, event.tick * DeviceStation::nanosecondsPerTick);
 }
 
 void ServedAcquisition::lose(const std::string& reason) {

@@ -2,7 +2,7 @@
 
 #include "applet_tools/base/errors.h"
 #include "base/Error.h"
-#include "device/Station.h"
+#include "device/DeviceStation.h"
 #include "device/thread.h"
 #include "serve/StationPlace.h"
 #include "serve/local_socket.h"
