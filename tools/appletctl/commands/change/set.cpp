@@ -28,12 +28,12 @@ using nlohmann::ordered_json;
  *  board directly after its set; it differs from the requested value if the hardware has coarser steps. */
 void verifyValues(Context& context, const Words& words, const json& taken, Report& report,
                   ordered_json& rows) {
-    std::size_t place = 0;
+    std::size_t index = 0;
     for (const Assignment& assignment : parseAssignments(context.parameters(), words)) {
         const Target& target = assignment.target;
         const ReadResult reading = context.read(target);
-        const json expected = place < taken.size() ? taken[place] : json();
-        ++place;
+        const json expected = index < taken.size() ? taken[index] : json();
+        ++index;
         if (!reading.isMeasured) continue;
         if (reading.error == FG_OK && reading.value == assignment.value) continue;
         const bool isRounded = !countingOf(*target.parameter).empty() && !expected.is_null();
