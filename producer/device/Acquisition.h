@@ -36,8 +36,8 @@ struct Picture {
 };
 
 /** Brings a picture of the applet into its buffer in the geometry's format, and fills in its sizes. `made`: its
- *  bytes, which may be at the place already; null if they could not be made. */
-void put(Picture& picture, const std::uint8_t* made, std::span<std::uint8_t> place);
+ *  bytes, which may be at the destination already; null if they could not be made. */
+void put(Picture& picture, const std::uint8_t* made, std::span<std::uint8_t> destination);
 
 /** The destination of pictures. Its functions are called by the acquisition's thread. */
 class PictureSink {

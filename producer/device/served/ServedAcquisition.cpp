@@ -92,8 +92,8 @@ void ServedAcquisition::show(const station_channel::Picture& picture,
     ++m_received;
     const Geometry geometry = geometryOf(picture);
     const bool isExpected = m_isRunning && m_sink != nullptr && geometry.format != nullptr;
-    const auto place = isExpected ? m_sink->begin() : std::nullopt;
-    if (!place) return accept(); // the buffer was taken back
+    const auto destination = isExpected ? m_sink->begin() : std::nullopt;
+    if (!destination) return accept(); // the buffer was taken back
     PictureSink& sink = *m_sink;
     m_isWriting = true;
     const std::uint64_t missed = picture.number > m_last ? picture.number - m_last - 1 : 0;
@@ -105,7 +105,7 @@ void ServedAcquisition::show(const station_channel::Picture& picture,
     m_last = picture.number;
     lock.unlock();
     const bool isWhole = geometry.format->appletBytes(picture.width) * picture.lines <= picture.size;
-    put(made, isWhole ? memory.bytes().data() : nullptr, *place);
+    put(made, isWhole ? memory.bytes().data() : nullptr, *destination);
     lock.lock();
     sink.end(made);
     m_isWriting = false;
