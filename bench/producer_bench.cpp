@@ -122,8 +122,8 @@ void comparePictures(const std::string& id) {
     ok(session.set("Height", height));
     std::vector<std::vector<std::uint8_t>> memory(rowBuffers, std::vector<std::uint8_t>(pictureBytes));
     std::vector<BUFFER_HANDLE> buffers;
-    for (auto& place : memory)
-        buffers.push_back(announced(session, place));
+    for (auto& bytes : memory)
+        buffers.push_back(announced(session, bytes));
     session.start();
     Board board;
     Times single, row, whole, rendering;

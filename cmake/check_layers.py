@@ -49,7 +49,7 @@ PRODUCER_BASE = [*HEADERS, f"{PRODUCER}gentl.h", f"{PRODUCER}base/**"]
 PRODUCER_FEATURES = [*PRODUCER_BASE, "tools/applet_host/Parameter.h", f"{PRODUCER}features/**"]
 STATION_FILES = [f"{TOOLS}{name}.h"
                  for name in ("applet/Instance", "applet/ParameterList", "base/errors", "station/StationFile")]
-SERVED = [*CHANNEL, "tools/serve/StationPlace.h", "tools/serve/local_socket.h"]
+SERVED = [*CHANNEL, "tools/serve/StationLocation.h", "tools/serve/local_socket.h"]
 PRODUCER_DEVICE = [*PRODUCER_FEATURES, *HOST, *STATION_FILES, *SERVED, f"{PRODUCER}device/**"]
 PRODUCER_MODULES = [*PRODUCER_DEVICE, f"{PRODUCER}modules/**"]
 HOST_LIBRARY = [*TOOLS_ALL, "host/**"]

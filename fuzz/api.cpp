@@ -21,7 +21,7 @@ constexpr std::size_t mostCalls = 40;
 /** The outputs of a get: the result, a number or an element of a table, and a text. */
 struct Answer {
     int result;
-    std::array<std::uint64_t, 2> place{};
+    std::array<std::uint64_t, 2> value{};
     std::string text;
     bool operator==(const Answer&) const = default;
 };
@@ -123,12 +123,12 @@ private:
     Answer get(One& one, int id) {
         Answer answer{};
         answer.result =
-            m_applet.Fg_getParameterWithType(one.fg(), id, answer.place.data(), 0, FG_PARAM_ALLOCATED_STRING);
+            m_applet.Fg_getParameterWithType(one.fg(), id, answer.value.data(), 0, FG_PARAM_ALLOCATED_STRING);
         stored(one, answer.result);
         if (answer.result != FG_OK || kindOf(one, id) != REGISTER_KIND_STRING) return answer;
-        char* text = reinterpret_cast<char*>(answer.place[0]);
+        char* text = reinterpret_cast<char*>(answer.value[0]);
         answer.text = text;
-        answer.place = {};
+        answer.value = {};
         require(m_applet.Fg_freeParameterStringWithType(one.fg(), id, text, 0, FG_PARAM_ALLOCATED_STRING) ==
                     FG_OK,
                 "a text is taken back");

@@ -68,18 +68,18 @@ private:
         std::vector<int> results;
         for (int i = 0; i < m_applet.Fg_getNrOfParameter(m_session.fg()); ++i) {
             const int id = m_applet.Fg_getParameterId(m_session.fg(), i);
-            std::uint64_t place[2] =
+            std::uint64_t value[2] =
                 {}; // a number, an element of a table, or a text, which the object keeps track of
-            results.push_back(get(id, place, FG_PARAM_ALLOCATED_STRING));
+            results.push_back(get(id, value, FG_PARAM_ALLOCATED_STRING));
             require(m_applet.Fg_getLastErrorNumber(m_session.fg()) == results.back(),
                     "the last error is the result");
-            m_applet.Fg_freeParameterStringWithType(m_session.fg(), id, reinterpret_cast<void*>(place[0]), 0,
+            m_applet.Fg_freeParameterStringWithType(m_session.fg(), id, reinterpret_cast<void*>(value[0]), 0,
                                                     FG_PARAM_ALLOCATED_STRING);
         }
         return results;
     }
-    int get(int id, void* place, FgParamTypes type) {
-        return m_applet.Fg_getParameterWithType(m_session.fg(), id, place, 0, type);
+    int get(int id, void* destination, FgParamTypes type) {
+        return m_applet.Fg_getParameterWithType(m_session.fg(), id, destination, 0, type);
     }
     void requireFreeLock() {
         const auto other = std::async(std::launch::async, [this] {

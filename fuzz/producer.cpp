@@ -37,19 +37,19 @@ private:
     std::int32_t number() { return static_cast<std::int8_t>(byte()); }
     void* handle(unsigned which) { return which < m_handles.size() ? m_handles[which] : nullptr; }
 
-    /** Opens with a function that stores a handle at the place. */
+    /** Opens with a function that stores a handle at the given address. */
     template <typename Function> GC_ERROR open(Function function) {
-        void* place = nullptr;
-        const GC_ERROR code = function(&place);
-        require((code == GC_ERR_SUCCESS) == (place != nullptr), "a handle with success", code);
-        if (place != nullptr && m_handles.size() < 255) m_handles.push_back(place);
+        void* opened = nullptr;
+        const GC_ERROR code = function(&opened);
+        require((code == GC_ERR_SUCCESS) == (opened != nullptr), "a handle with success", code);
+        if (opened != nullptr && m_handles.size() < 255) m_handles.push_back(opened);
         return code;
     }
 
     GC_ERROR call(unsigned function) {
         static constexpr const char* ids[] = {"virtual-0", "virtual-0-process-0", "virtual-0-process-0-dma-0",
                                               "", nullptr};
-        static constexpr std::uint64_t places[] = {0, 0x1f000, 0x1000'0000, 4};
+        static constexpr std::uint64_t offsets[] = {0, 0x1f000, 0x1000'0000, 4};
         size_t size = byte() * std::size_t{2};
         const unsigned flags = byte();
         void* const first = handle(byte());
@@ -57,9 +57,9 @@ private:
         const char* const id = ids[byte() % std::size(ids)];
         const std::int32_t number = static_cast<std::int8_t>(byte());
         const std::uint64_t address =
-            (byte() + flags / 16 % 2 * std::uint64_t{256}) * 0x20000 + places[flags % 4];
-        std::array<char, 600> place{};
-        void* const buffer = flags / 4 % 4 == 3 ? nullptr : place.data();
+            (byte() + flags / 16 % 2 * std::uint64_t{256}) * 0x20000 + offsets[flags % 4];
+        std::array<char, 600> memory{};
+        void* const buffer = flags / 4 % 4 == 3 ? nullptr : memory.data();
         INFO_DATATYPE type = 0;
         std::uint32_t count = 0;
         switch (function) {
@@ -110,11 +110,11 @@ private:
         case 22:
             return EventGetInfo(first, number, &type, buffer, &size);
         case 23:
-            return EventGetDataInfo(first, place.data(), size, number, &type, nullptr, &size);
+            return EventGetDataInfo(first, memory.data(), size, number, &type, nullptr, &size);
         case 24:
             return GCReadPort(first, address, buffer, &size);
         case 25:
-            place.fill(static_cast<char>(number == '/' ? 1 : number)); // never names a file elsewhere
+            memory.fill(static_cast<char>(number == '/' ? 1 : number)); // never names a file elsewhere
             return GCWritePort(first, address, buffer, &size);
         case 26: { // a number, such as 1 for a command
             std::int64_t value = number;

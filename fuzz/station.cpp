@@ -106,12 +106,12 @@ private:
         note(vboard_wave_encoder(any, input, m_input.byte() % 14, pieces.data(), count));
     }
     void takeMemory() {
-        vboard_frames*& place = m_memories[m_input.byte() % m_memories.size()];
-        vboard_memory_free(place);
+        vboard_frames*& slot = m_memories[m_input.byte() % m_memories.size()];
+        vboard_memory_free(slot);
         LOOMdevice* const any = board();
         const std::uint64_t frames = small(), bytes = small();
-        place = vboard_memory(any, frames, bytes * small(), static_cast<int>(frames % 3));
-        note(place != nullptr);
+        slot = vboard_memory(any, frames, bytes * small(), static_cast<int>(frames % 3));
+        note(slot != nullptr);
     }
     void acquire() {
         const unsigned choice = m_input.byte();

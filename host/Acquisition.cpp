@@ -97,9 +97,9 @@ bool Acquisition::wait(std::int64_t number, const Deadline& deadline, vexo_pictu
     return true;
 }
 
-void Acquisition::render(std::int64_t number, void* place, std::uint64_t size) const {
+void Acquisition::render(std::int64_t number, void* destination, std::uint64_t size) const {
     vboard_record record{};
-    const int code = m_instance.board().frame_into(m_memory.get(), number, place, size, &record);
+    const int code = m_instance.board().frame_into(m_memory.get(), number, destination, size, &record);
     if (code == VBOARD_NO_MEMORY) throw std::bad_alloc();
     if (code == VBOARD_TOO_SMALL)
         throw Error(VEXO_ERR_SPACE, "picture " + std::to_string(number) + " has " +

@@ -29,7 +29,7 @@ public:
     /** Waits for a picture; 0: the next one. True when it is there. Throws Error. */
     bool wait(std::int64_t number, const Deadline& deadline, vexo_picture& picture);
     /** Throws Error. */
-    void render(std::int64_t number, void* place, std::uint64_t size) const;
+    void render(std::int64_t number, void* destination, std::uint64_t size) const;
     void release(std::int64_t number);
 
     /** True if no frame is free for another picture until one is released. */

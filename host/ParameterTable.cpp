@@ -80,10 +80,10 @@ ParameterTable::ParameterTable(applet_tools::Instance& instance,
     m_slots.resize(slots);
     for (const ParameterRow& row : m_rows) {
         m_ids.emplace(row.parameter->name, row.id);
-        std::uint32_t place = slotOf(row.id);
-        while (m_slots[place].row != nullptr)
-            place = (place + 1) & m_mask;
-        m_slots[place] = {row.id, &row};
+        std::uint32_t index = slotOf(row.id);
+        while (m_slots[index].row != nullptr)
+            index = (index + 1) & m_mask;
+        m_slots[index] = {row.id, &row};
     }
 }
 

@@ -34,8 +34,8 @@ public:
     const std::vector<ParameterRow>& rows() const { return m_rows; }
     /** Null for an unknown id. */
     const ParameterRow* find(int id) const {
-        for (std::uint32_t place = slotOf(id);; place = (place + 1) & m_mask) {
-            const Slot& slot = m_slots[place];
+        for (std::uint32_t index = slotOf(id);; index = (index + 1) & m_mask) {
+            const Slot& slot = m_slots[index];
             if (slot.id == id) return slot.row;
             if (slot.row == nullptr) return nullptr;
         }

@@ -84,6 +84,6 @@ int vexo_load(vexo_station* station, const char* file) {
 }
 
 int vexo_document(vexo_station* station, char** xml) {
-    if (xml == nullptr) return failNull("the place for the document");
+    if (xml == nullptr) return failNull("the pointer for the document");
     return onLocked(station, [&](vexo_station& own) { *xml = copyOf(documentOf(own)); });
 }

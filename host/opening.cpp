@@ -74,7 +74,7 @@ const char* vexo_version() { return VEXO_VERSION; }
 void vexo_free(char* text) { std::free(text); }
 
 int vexo_open(const vexo_options* options, vexo_station** station) {
-    if (station == nullptr) return failNull("the place for the station");
+    if (station == nullptr) return failNull("the pointer for the station");
     *station = nullptr;
     return guarded([&] {
         vexo_options standard{};
@@ -98,7 +98,7 @@ void vexo_close(vexo_station* station) {
 }
 
 int vexo_info(vexo_station* station, char** json) {
-    if (json == nullptr) return failNull("the place for the document");
+    if (json == nullptr) return failNull("the pointer for the document");
     return onLocked(station, [&](vexo_station& own) {
         nlohmann::ordered_json document = {
             {"version", VEXO_VERSION},

@@ -87,7 +87,7 @@ template <typename To, typename From> int give(const ParameterRow& row, From num
 /** The short way for reads of numbers: no lock, no allocation. */
 template <typename To> int getNumber(vexo_station* station, int id, To* value) noexcept {
     if (station == nullptr || value == nullptr)
-        return failNull(station == nullptr ? "the station" : "the place for the value");
+        return failNull(station == nullptr ? "the station" : "the pointer for the value");
     const ParameterRow* const row = station->table.find(id);
     if (row == nullptr) return id < 0 ? id : guarded([&]() -> int { return rowOf(*station, id).id; });
     if (!row->isNumber) return guarded([&]() -> int { throwOtherKind(*row, "a number"); });
@@ -202,7 +202,7 @@ uint32_t vexo_count(vexo_station* station) {
 }
 
 int vexo_parameter_at(vexo_station* station, uint32_t index, vexo_parameter* parameter) {
-    if (parameter == nullptr) return failNull("the place for the parameter");
+    if (parameter == nullptr) return failNull("the pointer for the parameter");
     return onLocked(station, [&](vexo_station& own) {
         const std::vector<ParameterRow>& rows = own.table.rows();
         if (index >= rows.size())
@@ -213,13 +213,13 @@ int vexo_parameter_at(vexo_station* station, uint32_t index, vexo_parameter* par
 }
 
 int vexo_describe(vexo_station* station, int id, vexo_parameter* parameter) {
-    if (parameter == nullptr) return failNull("the place for the parameter");
+    if (parameter == nullptr) return failNull("the pointer for the parameter");
     return onParameter(station, id,
                        [&](vexo_station&, const ParameterRow& row) { describe(row, *parameter); });
 }
 
 int vexo_entry_at(vexo_station* station, int id, uint32_t index, vexo_entry* entry) {
-    if (entry == nullptr) return failNull("the place for the entry");
+    if (entry == nullptr) return failNull("the pointer for the entry");
     return onParameter(station, id, [&](vexo_station&, const ParameterRow& row) {
         if (row.kind != VEXO_ENUM) throwOtherKind(row, "an entry");
         if (index >= row.entries.size())
@@ -231,7 +231,7 @@ int vexo_entry_at(vexo_station* station, int id, uint32_t index, vexo_entry* ent
 }
 
 int vexo_get_range(vexo_station* station, int id, vexo_range* range) {
-    if (range == nullptr) return failNull("the place for the range");
+    if (range == nullptr) return failNull("the pointer for the range");
     return onParameter(station, id, [&](vexo_station&, const ParameterRow& row) {
         const auto limits = limitsOf(*row.parameter);
         if (!limits) throwOtherKind(row, "a number with limits");
@@ -242,7 +242,7 @@ int vexo_get_range(vexo_station* station, int id, vexo_range* range) {
 }
 
 int vexo_get_access(vexo_station* station, int id, uint32_t* access) {
-    if (access == nullptr) return failNull("the place for the access");
+    if (access == nullptr) return failNull("the pointer for the access");
     return onParameter(station, id, [&](vexo_station&, const ParameterRow& row) {
         *access = row.parameter->record != nullptr ? row.parameter->record->access : 0;
     });
@@ -266,7 +266,7 @@ int vexo_get_text(vexo_station* station, int id, char* buffer, size_t* size) {
 }
 
 int vexo_get_field(vexo_station* station, int id, uint32_t first, uint32_t count, uint32_t* values) {
-    if (values == nullptr) return failNull("the place for the elements");
+    if (values == nullptr) return failNull("the pointer for the elements");
     return onParameter(station, id, [&](vexo_station& own, const ParameterRow& row) {
         static_cast<void>(elementsOf(row, first, count));
         FieldParameterAccess run{.vtype = FG_PARAM_UINT32, .index = first, .count = count, .values = values};

@@ -84,7 +84,7 @@ int vexo_stop(vexo_station* station) {
 
 int vexo_wait_picture(vexo_station* station, int64_t number, double seconds, double wall,
                       vexo_picture* picture) {
-    if (picture == nullptr) return failNull("the place for the picture");
+    if (picture == nullptr) return failNull("the pointer for the picture");
     return onStation(station, [&](vexo_station& own) {
         requireVirtual(own);
         if (number < 0)
@@ -97,9 +97,9 @@ int vexo_wait_picture(vexo_station* station, int64_t number, double seconds, dou
     });
 }
 
-int vexo_render(vexo_station* station, int64_t number, void* place, uint64_t size) {
-    if (place == nullptr) return failNull("the place for the bytes");
-    return onStation(station, [&](vexo_station& own) { runningOf(own)->render(number, place, size); });
+int vexo_render(vexo_station* station, int64_t number, void* destination, uint64_t size) {
+    if (destination == nullptr) return failNull("the pointer for the bytes");
+    return onStation(station, [&](vexo_station& own) { runningOf(own)->render(number, destination, size); });
 }
 
 int vexo_release(vexo_station* station, int64_t number) {
@@ -108,7 +108,7 @@ int vexo_release(vexo_station* station, int64_t number) {
 
 int vexo_unpack(const vexo_picture* picture, const void* data, uint16_t* pixels) {
     if (picture == nullptr || data == nullptr || pixels == nullptr)
-        return failNull("the picture, its bytes or the place for the pixels");
+        return failNull("the picture, its bytes or the pointer for the pixels");
     return guarded([&] {
         const applet_tools::PictureView view = viewOf(*picture, data);
         std::vector<std::uint16_t> line;

@@ -35,7 +35,7 @@ std::string linesOf(const std::string& subject, const applet_tools::Rows& rows) 
 
 /** Answers a question with a text and a document. */
 template <typename Ask> int answered(vexo_station* station, vexo_answer** answer, const Ask& ask) noexcept {
-    if (answer == nullptr) return failNull("the place for the answer");
+    if (answer == nullptr) return failNull("the pointer for the answer");
     return onLocked(station, [&](vexo_station& own) {
         auto made = std::make_unique<vexo_answer>();
         ordered_json document = ordered_json::object();

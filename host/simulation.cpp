@@ -100,7 +100,7 @@ int vexo_clock(vexo_station* station, double factor) {
 }
 
 int vexo_now(vexo_station* station, uint64_t* tick) {
-    if (tick == nullptr) return failNull("the place for the time");
+    if (tick == nullptr) return failNull("the pointer for the time");
     return onBoard(station, [&](vexo_station&, const applet_host::BoardFunctions& board, LOOMdevice* device) {
         *tick = board.now(device);
     });
@@ -143,7 +143,7 @@ int vexo_set_up_text(vexo_station* station, const char* json, const char* folder
 
 int vexo_event_mask(vexo_station* station, const char* name, uint64_t* mask) {
     if (name == nullptr) return failNull("the name");
-    if (mask == nullptr) return failNull("the place for the mask");
+    if (mask == nullptr) return failNull("the pointer for the mask");
     return onStation(station, [&](vexo_station& own) {
         const std::uint64_t found = own.instance.applet().Fg_getEventMask(own.fg, name);
         if (found == 0) {
@@ -162,7 +162,7 @@ int vexo_event_mask(vexo_station* station, const char* name, uint64_t* mask) {
 }
 
 int vexo_event_at(vexo_station* station, uint32_t index, const char** name, uint64_t* mask) {
-    if (name == nullptr || mask == nullptr) return failNull("the place for the name or the mask");
+    if (name == nullptr || mask == nullptr) return failNull("the pointer for the name or the mask");
     return onStation(station, [&](vexo_station& own) {
         std::uint32_t left = index;
         for (int bit = 0; bit < 64; ++bit) {
@@ -178,7 +178,7 @@ int vexo_event_at(vexo_station* station, uint32_t index, const char** name, uint
 
 int vexo_wait_event(vexo_station* station, uint64_t mask, double seconds, double wall, vexo_event* event,
                     uint64_t* lost) {
-    if (event == nullptr) return failNull("the place for the event");
+    if (event == nullptr) return failNull("the pointer for the event");
     return onBoard(station, [&](vexo_station& own, const applet_host::BoardFunctions& board,
                                 LOOMdevice* device) {
         const Deadline deadline(board.now(device), seconds, wall);

@@ -118,7 +118,7 @@ typedef struct vexo_options {
     int32_t board;  /**< enum vexo_board */
     uint32_t flags; /**< enum vexo_flag */
     /** Folder of the libraries: the applet in it or in its applets/, the virtual board's in virtual-board/.
-     *  Null: the environment variable VEXO_LIBRARY_DIR, or else the place relative to libvexo.so, which is
+     *  Null: the environment variable VEXO_LIBRARY_DIR, or else the folder relative to libvexo.so, which is
      *  vexo/ beside an installed one and the same folder in a build tree. */
     const char* library_dir;
     /** File of another applet library. Null: libGrab_TwinLaneLineColor.so of that folder. */
@@ -133,7 +133,7 @@ typedef struct vexo_options {
 
 /**
  * Loads the libraries (the platform's first, by absolute path, then the applet) and brings the applet up.
- * @param options  null: a virtual board, all at their default places. The texts are copied
+ * @param options  null: a virtual board, all at their default locations. The texts are copied
  * @param station  receives the station; null after a failure
  * @return VEXO_OK; VEXO_ERR_LIBRARY, VEXO_ERR_UNAVAILABLE; for a station file VEXO_ERR_FILE, VEXO_ERR_VALUE or
  *         the code of a refused parameter. A process loads the libraries of one folder only, and has either
@@ -411,7 +411,7 @@ typedef struct vexo_picture {
     uint64_t arrival;     /**< tick at which the picture was complete */
     uint64_t lost_before; /**< images since the previous picture that did not fit in the buffer */
     uint64_t trigger;     /**< number of the start that it belongs to, from 1 */
-    int64_t encoder;      /**< place of the encoder at the first line, in quarter steps */
+    int64_t encoder;      /**< position of the encoder at the first line, in quarter steps */
     bool is_short;        /**< fewer lines than an image has */
     bool is_narrow;       /**< the source's lines were narrower than the width */
 } vexo_picture;
@@ -430,12 +430,13 @@ int vexo_wait_picture(vexo_station* station, int64_t number, double seconds, dou
 
 /**
  * Makes the bytes of a picture, directly in the caller's memory; threads may do so at the same time.
- * @param place  receives the lines one after the other. A line has blue, green, red of each pixel from its lowest
- *               bit on, without a gap: with 8 bits that is a byte each, with 16 bits two bytes, else packed bits
- * @param size   bytes at `place`; vexo_picture::size are needed, VEXO_ERR_SPACE
+ * @param destination  receives the lines one after the other. A line has blue, green, red of each pixel from its
+ *                     lowest bit on, without a gap: with 8 bits that is a byte each, with 16 bits two bytes, else
+ *                     packed bits
+ * @param size         bytes at `destination`; vexo_picture::size are needed, VEXO_ERR_SPACE
  * @return VEXO_OK; VEXO_ERR_GONE, VEXO_ERR_STATE
  */
-int vexo_render(vexo_station* station, int64_t number, void* place, uint64_t size);
+int vexo_render(vexo_station* station, int64_t number, void* destination, uint64_t size);
 
 /** Releases the frame of a picture. VEXO_ERR_GONE, VEXO_ERR_STATE. */
 int vexo_release(vexo_station* station, int64_t number);

@@ -192,8 +192,8 @@ public:
     Answer limits(const std::string& with = "") const {
         vexo_range range{};
         const std::string its = name();
-        auto [answer, code] = detail::answerOf([&](vexo_answer** place) {
-            return vexo_ask_limits(m_station, its.c_str(), detail::orNull(with), &range, place);
+        auto [answer, code] = detail::answerOf([&](vexo_answer** out) {
+            return vexo_ask_limits(m_station, its.c_str(), detail::orNull(with), &range, out);
         });
         if (code == VEXO_OK) answer.range = range; // else it is no number
         return answer;
@@ -201,8 +201,8 @@ public:
     /** Why it is read-only, or refuses a value. */
     Answer why(const std::string& value = "", const std::string& with = "") const {
         const std::string question = value.empty() ? name() : name() + "=" + value;
-        return detail::answerOf([&](vexo_answer** place) {
-                   return vexo_ask_why(m_station, question.c_str(), detail::orNull(with), place);
+        return detail::answerOf([&](vexo_answer** out) {
+                   return vexo_ask_why(m_station, question.c_str(), detail::orNull(with), out);
                })
             .first;
     }
@@ -405,18 +405,18 @@ public:
     void load(const std::string& file) { check(vexo_load(handle(), file.c_str())); }
     /** The XML document of the parameters. */
     std::string document() const {
-        return detail::textOf([&](char** place) { return vexo_document(handle(), place); });
+        return detail::textOf([&](char** out) { return vexo_document(handle(), out); });
     }
     /** What is open, as JSON. */
     std::string info() const {
-        return detail::textOf([&](char** place) { return vexo_info(handle(), place); });
+        return detail::textOf([&](char** out) { return vexo_info(handle(), out); });
     }
 
     /** What the assignments would do; nothing is set. */
     Answer plan(std::span<const std::string> assignments) const {
         const auto pointers = detail::pointersTo(assignments);
-        return detail::answerOf([&](vexo_answer** place) {
-                   return vexo_ask_plan(handle(), pointers.data(), pointers.size(), place);
+        return detail::answerOf([&](vexo_answer** out) {
+                   return vexo_ask_plan(handle(), pointers.data(), pointers.size(), out);
                })
             .first;
     }
@@ -426,12 +426,12 @@ public:
     /** What a load of the file would lose. */
     Answer losses(const std::string& file) const {
         return detail::answerOf(
-                   [&](vexo_answer** place) { return vexo_ask_check(handle(), file.c_str(), place); })
+                   [&](vexo_answer** out) { return vexo_ask_check(handle(), file.c_str(), out); })
             .first;
     }
     /** Which settings are accepted, but probably not intended. */
     Answer lint() const {
-        return detail::answerOf([&](vexo_answer** place) { return vexo_ask_lint(handle(), place); }).first;
+        return detail::answerOf([&](vexo_answer** out) { return vexo_ask_lint(handle(), out); }).first;
     }
 
     /** Wall clock time, `factor` times as fast; 0: stepped. */

@@ -304,12 +304,12 @@ GC_ERROR DSStopAcquisition(DS_HANDLE stream, int32_t flags);
 GC_ERROR DSGetInfo(DS_HANDLE stream, int32_t command, INFO_DATATYPE* type, void* buffer, size_t* size);
 GC_ERROR DSGetBufferID(DS_HANDLE stream, uint32_t index, BUFFER_HANDLE* buffer);
 GC_ERROR DSGetBufferInfo(DS_HANDLE stream, BUFFER_HANDLE buffer, int32_t command, INFO_DATATYPE* type,
-                         void* place, size_t* size);
+                         void* destination, size_t* size);
 GC_ERROR DSGetBufferChunkData(DS_HANDLE stream, BUFFER_HANDLE buffer, SINGLE_CHUNK_DATA* chunks,
                               size_t* count);
 GC_ERROR DSGetNumBufferParts(DS_HANDLE stream, BUFFER_HANDLE buffer, uint32_t* count);
 GC_ERROR DSGetBufferPartInfo(DS_HANDLE stream, BUFFER_HANDLE buffer, uint32_t part, int32_t command,
-                             INFO_DATATYPE* type, void* place, size_t* size);
+                             INFO_DATATYPE* type, void* destination, size_t* size);
 GC_ERROR DSClose(DS_HANDLE stream);
 GC_ERROR DSGetParentDev(DS_HANDLE stream, DEV_HANDLE* device);
 
@@ -335,7 +335,7 @@ GC_ERROR EventFlush(EVENT_HANDLE event);
 GC_ERROR EventKill(EVENT_HANDLE event);
 
 /* Of version 1.6; this producer answers GC_ERR_NOT_IMPLEMENTED. */
-GC_ERROR DSAnnounceCompositeBuffer(DS_HANDLE stream, size_t segments, void** places, size_t* sizes,
+GC_ERROR DSAnnounceCompositeBuffer(DS_HANDLE stream, size_t segments, void** addresses, size_t* sizes,
                                    void* user, BUFFER_HANDLE* buffer);
 GC_ERROR DSGetBufferInfoStacked(DS_HANDLE stream, BUFFER_HANDLE buffer, void* infos, size_t count);
 GC_ERROR DSGetBufferPartInfoStacked(DS_HANDLE stream, BUFFER_HANDLE buffer, void* infos, size_t count);
@@ -344,7 +344,7 @@ GC_ERROR DSGetFlowInfo(DS_HANDLE stream, uint32_t flow, int32_t command, INFO_DA
                        size_t* size);
 GC_ERROR DSGetNumBufferSegments(DS_HANDLE stream, BUFFER_HANDLE buffer, uint32_t* count);
 GC_ERROR DSGetBufferSegmentInfo(DS_HANDLE stream, BUFFER_HANDLE buffer, uint32_t segment, int32_t command,
-                                INFO_DATATYPE* type, void* place, size_t* size);
+                                INFO_DATATYPE* type, void* destination, size_t* size);
 
 #pragma GCC visibility pop
 #ifdef __cplusplus

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Checks the Debian packages: two builds in different places have the same bytes, lintian finds nothing, and in a fresh
+# Checks the Debian packages: two builds in different folders have the same bytes, lintian finds nothing, and in a fresh
 # Debian 12 tree they install, work and leave nothing behind. The tree is fetched by apt.
 set -euo pipefail
 source "$(dirname "$0")/common.sh"
@@ -9,7 +9,7 @@ again=$PWD/build/packages-again/in/another/folder
 
 compare_builds() {
     scripts/debian-packages.sh "$packages"
-    # Other conditions of a build: place, time zone, language, rights of new files, no compiler cache.
+    # Other conditions of a build: folder, time zone, language, rights of new files, no compiler cache.
     (umask 027 && TZ=Asia/Tokyo LC_ALL=C.UTF-8 CCACHE_DISABLE=1 scripts/debian-packages.sh "$again")
     say "Comparing the two builds"
     local file different=0

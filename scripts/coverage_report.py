@@ -13,7 +13,7 @@ from collections import defaultdict
 
 
 def read(stream):
-    """By kind, file and place: whether it was reached. A branch's place is its line and one of its outcomes."""
+    """By kind, file and location: whether it was reached. A branch's location is its line and one of its outcomes."""
     reached = {"lines": defaultdict(dict), "branches": defaultdict(dict)}
     file = None
     for row in stream:
@@ -22,17 +22,17 @@ def read(stream):
         if key == "SF":
             file = rest
         elif key == "DA":
-            place = int(words[0])
-            reached["lines"][file][place] = reached["lines"][file].get(place, False) or words[1] != "0"
+            location = int(words[0])
+            reached["lines"][file][location] = reached["lines"][file].get(location, False) or words[1] != "0"
         elif key == "BRDA":
-            place = (int(words[0]), words[1], words[2])
+            location = (int(words[0]), words[1], words[2])
             hit = words[3] not in ("0", "-")
-            reached["branches"][file][place] = reached["branches"][file].get(place, False) or hit
+            reached["branches"][file][location] = reached["branches"][file].get(location, False) or hit
     return reached
 
 
-def numbers_of(places):
-    lines = sorted({place if isinstance(place, int) else place[0] for place in places})
+def numbers_of(locations):
+    lines = sorted({location if isinstance(location, int) else location[0] for location in locations})
     return " ".join(map(str, lines))
 
 
@@ -41,7 +41,7 @@ def main():
     reached = read(sys.stdin)
     for file in sorted(reached["lines"]):
         for kind, files in reached.items():
-            left = [place for place, hit in files[file].items() if not hit]
+            left = [location for location, hit in files[file].items() if not hit]
             if left:
                 print(f"{os.path.relpath(file, folder)}: {kind} not reached: {numbers_of(left)}")
     with open(summary, encoding="utf-8") as file:

@@ -54,19 +54,19 @@ class Fault:
         before = [text for sign, text in self.lines if sign in " -"]
         lines = source.split("\n")
         stripped = [line.strip() for line in lines]
-        places = [i for i in range(len(lines)) if stripped[i:i + len(before)] == before]
-        if len(places) != 1:
-            raise TableError(f"{self.full_name}: {len(places)} places in {self.file} have the lines\n    "
+        matches = [i for i in range(len(lines)) if stripped[i:i + len(before)] == before]
+        if len(matches) != 1:
+            raise TableError(f"{self.full_name}: {len(matches)} places in {self.file} have the lines\n    "
                              + "\n    ".join(before))
-        after, place = [], places[0]
+        after, index = [], matches[0]
         for sign, text in self.lines:
             if sign == "+":
                 after.append(text)
                 continue
             if sign == " ":
-                after.append(lines[place])
-            place += 1
-        return "\n".join(lines[:places[0]] + after + lines[place:])
+                after.append(lines[index])
+            index += 1
+        return "\n".join(lines[:matches[0]] + after + lines[index:])
 
 
 def read_table(path):

@@ -1,6 +1,6 @@
 """Fails if a link between the pages of a site has no target: check_links.py SITE
 
-Looks at each page, picture, script and style sheet that a page or a style sheet refers to, and at each place within a page. Addresses of other
+Looks at each page, picture, script and style sheet that a page or a style sheet refers to, and at each anchor within a page. Addresses of other
 sites are not opened.
 """
 import html.parser
@@ -13,13 +13,13 @@ import urllib.parse
 class Page(html.parser.HTMLParser):
     def __init__(self, file):
         super().__init__()
-        self.places, self.links = set(), []
+        self.anchors, self.links = set(), []
         self.feed(file.read_text(encoding="utf-8"))
 
     def handle_starttag(self, tag, attributes):
         for name, value in attributes:
             if name == "id" or (tag, name) == ("a", "name"):
-                self.places.add(value)
+                self.anchors.add(value)
             elif name in ("href", "src") and value is not None:
                 self.links.append((self.getpos()[0], value))
 
@@ -39,8 +39,8 @@ def is_dead(site, pages, file, link):
     target = (file.parent / path).resolve() if path else file
     if not target.is_file() or not target.is_relative_to(site):
         return True
-    place = urllib.parse.unquote(parts.fragment)
-    return bool(place) and target in pages and place not in pages[target].places
+    anchor = urllib.parse.unquote(parts.fragment)
+    return bool(anchor) and target in pages and anchor not in pages[target].anchors
 
 
 def main():

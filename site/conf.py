@@ -44,11 +44,11 @@ html_favicon = "../page/icon.svg"
 def as_restructured_text(app, what, name, obj, options, lines):
     """Docstrings are plain text: `names` in single quotes, and tables and examples by their columns."""
     paragraphs = "\n".join(lines).strip().split("\n\n")
-    for place, text in enumerate(paragraphs):
+    for index, text in enumerate(paragraphs):
         if re.search(r"^    |\w  +\w", text, re.MULTILINE):
-            paragraphs[place] = "::\n\n" + textwrap.indent(text, "    ")
+            paragraphs[index] = "::\n\n" + textwrap.indent(text, "    ")
         else:
-            paragraphs[place] = re.sub(r"`([^`]*)`|([_*\\])", lambda found: f"``{found[1]}``" if found[1] else f"\\{found[2]}",
+            paragraphs[index] = re.sub(r"`([^`]*)`|([_*\\])", lambda found: f"``{found[1]}``" if found[1] else f"\\{found[2]}",
                                        text)
     lines[:] = "\n\n".join([*paragraphs, ""]).split("\n")
 

@@ -64,18 +64,18 @@ void HostMemory::giveBack(std::unique_ptr<Renderer> renderer) {
 HostMemory::Result HostMemory::begin(std::int64_t picture, Drawing& drawing) {
     const auto found = m_pictures.find(picture);
     if (found == m_pictures.end()) return Result::gone;
-    Picture& place = found->second;
-    if (place.record->bytes() > m_frameBytes) return Result::tooLarge;
-    if (place.pixels == nullptr) {
+    Picture& entry = found->second;
+    if (entry.record->bytes() > m_frameBytes) return Result::tooLarge;
+    if (entry.pixels == nullptr) {
         std::vector<std::uint8_t> room;
         if (!m_spare.empty()) {
             room = std::move(m_spare.back());
             m_spare.pop_back();
         }
-        place.pixels = std::make_shared<Pixels>(std::move(room));
+        entry.pixels = std::make_shared<Pixels>(std::move(room));
     }
-    drawing.record = place.record;
-    drawing.pixels = place.pixels;
+    drawing.record = entry.record;
+    drawing.pixels = entry.pixels;
     drawing.renderer = takeRenderer();
     return Result::ok;
 }

@@ -42,8 +42,8 @@ private:
     const Board& m_board;
 };
 
-Parameter after(Parameter first, std::size_t places) {
-    return static_cast<Parameter>(static_cast<std::size_t>(first) + places);
+Parameter after(Parameter first, std::size_t offset) {
+    return static_cast<Parameter>(static_cast<std::size_t>(first) + offset);
 }
 
 bool isFreeRun(const Reader& board) {

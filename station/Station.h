@@ -101,8 +101,8 @@ public:
     void attachCamera(const CameraSetup& camera);
     /** Detaches the camera. */
     void detachCamera();
-    /** Starts a belt at place 0 at the next tick, and connects its encoder and light barrier. False if there is no such
-     *  input, or if a speed exceeds the maximum of quarter steps per second. */
+    /** Starts a belt at position 0 at the next tick, and connects its encoder and light barrier. False if there is no
+     *  such input, or if a speed exceeds the maximum of quarter steps per second. */
     bool setBelt(const BeltSetup& belt);
     /** Sets the scene. It takes effect for the camera from the first line of the next image on, and for the light
      *  barrier from the next tick on. */

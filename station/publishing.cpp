@@ -13,12 +13,12 @@ void Station::publishAnalyzers() {
     constexpr Parameter first[] = {Parameter::analyzer0Current, Parameter::analyzer1Current};
     for (std::size_t number = 0; number < 2; ++number) {
         const Analyzer& analyzer = m_engine.analyzer(number);
-        const auto place = static_cast<std::size_t>(first[number]);
+        const auto index = static_cast<std::size_t>(first[number]);
         const Tick periods[] = {analyzer.current(), analyzer.maximum(), analyzer.minimum()};
         for (std::size_t i = 0; i < 3; ++i)
-            m_board.publish(static_cast<Parameter>(place + i),
+            m_board.publish(static_cast<Parameter>(index + i),
                             static_cast<double>(periods[i]) / ticksPerMicrosecond);
-        m_board.publish(static_cast<Parameter>(place + 3), static_cast<double>(analyzer.edges() & pulseMask));
+        m_board.publish(static_cast<Parameter>(index + 3), static_cast<double>(analyzer.edges() & pulseMask));
     }
     const std::uint64_t difference = m_engine.analyzer(0).edges() - m_engine.analyzer(1).edges();
     m_board.publish(Parameter::analyzerDifference, static_cast<double>(difference & differenceMask));

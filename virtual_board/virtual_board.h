@@ -267,7 +267,7 @@ typedef struct vboard_belt_setup {
     /** How far before the camera it is, in micrometres; negative: after it. */
     int64_t barrier_ahead;
 } vboard_belt_setup;
-/** Starts a belt, which is at place 0 at the next tick, in place of the one that was there, and connects encoder and
+/** Starts a belt, which is at position 0 at the next tick, in place of the one that was there, and connects encoder and
  *  barrier. The barrier has its first 65536 edges. VBOARD_UNKNOWN: a null board or setup, no such input, or the encoder
  *  would make more than ten million quarter steps a second; nothing has changed then. */
 int vboard_belt(LOOMdevice* board, const vboard_belt_setup* belt);
@@ -351,10 +351,10 @@ typedef struct vboard_record {
  *  or the memory is freed; the latest ones stay valid even if the picture is overwritten. VBOARD_GONE: the
  *  picture does not exist, VBOARD_TOO_SMALL: it has become larger than a frame. */
 int vboard_frame(vboard_frames* memory, int64_t picture, vboard_record* record);
-/** As vboard_frame, but renders the bytes to the caller's memory at `place`, of `size` bytes, which saves a
+/** As vboard_frame, but renders the bytes to the caller's memory at `destination`, of `size` bytes, which saves a
  *  copy. The board is not locked meanwhile: other threads may access it and advance time. VBOARD_TOO_SMALL:
  *  `size` is too small; the record, except for `data`, is still filled in. */
-int vboard_frame_into(vboard_frames* memory, int64_t picture, void* place, uint64_t size,
+int vboard_frame_into(vboard_frames* memory, int64_t picture, void* destination, uint64_t size,
                       vboard_record* record);
 /** Releases the frame of a picture. VBOARD_GONE: the picture does not exist. */
 int vboard_release(vboard_frames* memory, int64_t picture);

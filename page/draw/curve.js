@@ -7,7 +7,7 @@ export const LARGEST = 65535;
 const AREA = { left: 46, top: 8, right: 10, bottom: 20 };
 const PARTS = [0, 0.25, 0.5, 0.75, 1];
 
-/** Places of entries and values on the drawing, and back; size: the number of entries. */
+/** Positions of entries and values on the drawing, and back; size: the number of entries. */
 export function curveScale(canvas, size) {
   const width = canvas.clientWidth;
   const height = canvas.clientHeight;

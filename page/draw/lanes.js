@@ -80,7 +80,7 @@ function periodTexts({ edges, isCut }, tick) {
  * @param {CanvasRenderingContext2D} context
  * @param {object} lane
  * @param {number} top
- * @param {{width: number, x: function(number): number}} scale place of a tick
+ * @param {{width: number, x: function(number): number}} scale position of a tick
  */
 export function paintLane(context, lane, top, scale) {
   const paint = { image: paintImages, level: paintLevel }[lane.kind] ?? paintPulses;
@@ -104,7 +104,7 @@ function paintLevel(context, { edges, startsHigh }, top, scale) {
     level = edges[i][1];
     context.lineTo(x, level ? high : low);
     if (next - scale.x(edges[i][0]) >= 2) continue;
-    level = edges[++i][1]; // and back at the same place
+    level = edges[++i][1]; // and back at the same position
     context.lineTo(x, level ? high : low);
   }
   context.lineTo(scale.width, level ? high : low);

@@ -36,7 +36,7 @@ export class Plot {
     context.lineJoin = 'round';
   }
 
-  /** Place of a value on the canvas. */
+  /** Position of a value on the canvas. */
   x(value) {
     const [from, to] = this.xRange;
     return this.area.left + ((value - from) / (to - from)) * (this.area.right - this.area.left);

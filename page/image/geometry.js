@@ -1,11 +1,11 @@
 // Where the pixels of a picture are on the screen.
 
-/** Scale and place of a picture in a stage. Scale: screen pixels (CSS) for each pixel of the picture. */
+/** Scale and position of a picture in a stage. Scale: screen pixels (CSS) for each pixel of the picture. */
 export class Geometry {
   constructor() {
     this.isFit = true;
     this.scale = 1;
-    this.x = 0; // place in the picture that is in the middle of the stage
+    this.x = 0; // position in the picture that is in the middle of the stage
     this.y = 0;
     this.picture = { width: 0, height: 0 };
     this.stage = { width: 0, height: 0, ratio: 1 };
@@ -36,7 +36,7 @@ export class Geometry {
     this.y = this.picture.height / 2;
   }
 
-  /** Changes the scale so that the place below the screen point stays below it. */
+  /** Changes the scale so that the position below the screen point stays below it. */
   zoom(scale, at = { x: this.stage.width / 2, y: this.stage.height / 2 }) {
     const before = this.toPicture(at);
     this.isFit = false;
@@ -56,22 +56,23 @@ export class Geometry {
   }
 
   clamp() {
-    const limit = (place, length, view) => {
+    const limit = (centre, length, view) => {
       const half = view / this.scale / 2;
-      return length <= 2 * half ? length / 2 : Math.min(length - half, Math.max(half, place));
+      return length <= 2 * half ? length / 2 : Math.min(length - half, Math.max(half, centre));
     };
     this.x = limit(this.x, this.picture.width, this.stage.width);
     this.y = limit(this.y, this.picture.height, this.stage.height);
     if (this.scale * this.stage.ratio >= 1) {
       // whole pixels of the screen, so that lines of the grid are sharp
       const step = 1 / (this.scale * this.stage.ratio);
-      const snap = (place, view) => Math.round((place - view / this.scale / 2) / step) * step + view / this.scale / 2;
+      const snap = (centre, view) =>
+        Math.round((centre - view / this.scale / 2) / step) * step + view / this.scale / 2;
       this.x = snap(this.x, this.stage.width);
       this.y = snap(this.y, this.stage.height);
     }
   }
 
-  /** Place in the picture below a screen point; fractions count within a pixel. */
+  /** Position in the picture below a screen point; fractions count within a pixel. */
   toPicture({ x, y }) {
     return {
       x: this.x + (x - this.stage.width / 2) / this.scale,
@@ -79,7 +80,7 @@ export class Geometry {
     };
   }
 
-  /** Screen point of a place in the picture. */
+  /** Screen point of a position in the picture. */
   toScreen({ x, y }) {
     return {
       x: (x - this.x) * this.scale + this.stage.width / 2,
@@ -89,18 +90,18 @@ export class Geometry {
 
   /** The pixel below a screen point, or null outside the picture. */
   pixelAt(point) {
-    const place = this.toPicture(point);
-    const pixel = { x: Math.floor(place.x), y: Math.floor(place.y) };
+    const position = this.toPicture(point);
+    const pixel = { x: Math.floor(position.x), y: Math.floor(position.y) };
     const isInside = pixel.x >= 0 && pixel.y >= 0 && pixel.x < this.picture.width && pixel.y < this.picture.height;
     return isInside ? pixel : null;
   }
 
   /** The pixel of the picture that is next to a screen point. */
   nearestPixel(point) {
-    const place = this.toPicture(point);
+    const position = this.toPicture(point);
     return {
-      x: Math.min(this.picture.width - 1, Math.max(0, Math.floor(place.x))),
-      y: Math.min(this.picture.height - 1, Math.max(0, Math.floor(place.y))),
+      x: Math.min(this.picture.width - 1, Math.max(0, Math.floor(position.x))),
+      y: Math.min(this.picture.height - 1, Math.max(0, Math.floor(position.y))),
     };
   }
 

@@ -10,14 +10,14 @@ let shown = null; // the answer that is shown
 /** Shows the pixel of the cursor below the image, and again for each new picture while it is held. */
 export function startProbe() {
   const ask = latest(showPixel, { pause: 60, abort: false });
-  on('cursor', showPlace);
+  on('cursor', showPosition);
   on('cursor picture', ask);
   on('region picture', showRegion);
 }
 
-/** The place is shown at once; the values of another pixel do not stay beside it. */
-function showPlace(cursor) {
-  setText(byId('probe-place'), cursor ? `x ${cursor.x}  y ${cursor.y}` : 'no pixel selected');
+/** The position is shown at once; the values of another pixel do not stay beside it. */
+function showPosition(cursor) {
+  setText(byId('probe-position'), cursor ? `x ${cursor.x}  y ${cursor.y}` : 'no pixel selected');
   if (!cursor || cursor.x !== shown?.x || cursor.y !== shown?.y) clearValues('');
 }
 

@@ -27,14 +27,14 @@ export function startBelt() {
     'aria-label': 'Speed',
   });
   const scene = el('select', { id: 'belt-scene', 'aria-label': 'Scene' });
-  const place = (id, label, step, unit, key, text) => {
+  const numberField = (id, label, step, unit, key, text) => {
     const properties = { type: 'number', min: '0', step, class: 'number', id, 'aria-label': `${label}, ${unit}` };
     return new Field(el('input', properties), (value, again) =>
       send('/api/scene', { [key]: value }, `${text} ${value} ${unit}.`, again),
     );
   };
-  const pixel = place('belt-pixel', 'Size of a pixel', '10', 'µm', 'pixel', 'A pixel of the scene has');
-  const noise = place('belt-noise', 'Noise', '1', '%', 'noise', 'The noise is at most');
+  const pixel = numberField('belt-pixel', 'Size of a pixel', '10', 'µm', 'pixel', 'A pixel of the scene has');
+  const noise = numberField('belt-noise', 'Noise', '1', '%', 'noise', 'The noise is at most');
   const line = (label, unit, ...controls) =>
     el(
       'label',

@@ -16,7 +16,7 @@ export function startFiles() {
     min: '1',
     max: '64',
     value: '10',
-    class: 'place',
+    class: 'short',
     id: 'record-count',
     'aria-label': 'Number of pictures',
   });

@@ -151,7 +151,7 @@ class Profile {
     this.input = el('input', {
       type: 'number',
       min: 0,
-      class: 'place',
+      class: 'short',
       'aria-label': `${name} of the profile`,
       id: `${kind}-number`,
       on: {

@@ -37,7 +37,7 @@ async function readTable(i, size, signal) {
 class Editor {
   constructor() {
     this.tables = []; // of red, green and blue: all entries
-    this.places = []; // entries of the handles
+    this.indices = []; // entries of the handles
     this.unsent = new Map(); // changes that the station does not have yet, by table: functions from a table to the next
     this.isSending = false;
     this.changes = 0;
@@ -60,7 +60,7 @@ class Editor {
       min: '0.1',
       max: '10',
       step: 'any',
-      class: 'place',
+      class: 'short',
       id: 'lut-gamma',
     });
     const choices = [['All', [0, 1, 2]], ...COMPONENTS.map(({ name }, i) => [name, [i]])];
@@ -120,8 +120,8 @@ class Editor {
       const tables = await Promise.all(COMPONENTS.map((_, i) => readTable(i, this.size, signal)));
       if (this.changes !== changes || this.drag) return;
       this.tables = tables;
-      if (!this.places.length)
-        this.places = Array.from({ length: HANDLES }, (_, i) => Math.floor((i * (this.size - 1)) / (HANDLES - 1)));
+      if (!this.indices.length)
+        this.indices = Array.from({ length: HANDLES }, (_, i) => Math.floor((i * (this.size - 1)) / (HANDLES - 1)));
       this.describe();
     } catch (error) {
       if (!(error instanceof ApiError)) throw error;
@@ -252,7 +252,7 @@ class Editor {
     this.canvas.setAttribute('viewBox', `0 0 ${at.width} ${at.height}`);
     const focused = [...this.canvas.querySelectorAll('circle')].indexOf(document.activeElement);
     const table = this.first(this.drag?.tables);
-    if (!this.drag) this.points = this.places.map((place) => [place, table[place]]);
+    if (!this.drag) this.points = this.indices.map((index) => [index, table[index]]);
     const handles = maySet() ? this.points.map((point, i) => this.handle(point, i, at)) : [];
     this.canvas.replaceChildren(
       ...drawGrid(at),
@@ -287,7 +287,7 @@ class Editor {
     });
   }
 
-  place(event) {
+  pointAt(event) {
     const box = this.canvas.getBoundingClientRect();
     const at = curveScale(this.canvas, this.size);
     const clamp = (number, largest) => Math.min(largest, Math.max(0, number));
@@ -300,7 +300,7 @@ class Editor {
   move(event) {
     if (!this.drag) return;
     const { i } = this.drag;
-    const [index, value] = this.place(event);
+    const [index, value] = this.pointAt(event);
     const to = this.between(i, index);
     const bending = this.bending(i, to, value);
     this.drag.tables = this.tables.map((table, k) => (this.chosen.has(k) ? bend(table, bending) : table));
@@ -311,45 +311,45 @@ class Editor {
 
   /** How a table bends if a handle moves. */
   bending(i, to, value) {
-    const from = this.places[i];
-    const [begin, end] = [this.places[i - 1] ?? from, this.places[i + 1] ?? from];
+    const from = this.indices[i];
+    const [begin, end] = [this.indices[i - 1] ?? from, this.indices[i + 1] ?? from];
     return { begin, end, from, to, rise: value - this.first()[from] };
   }
 
   /** Outer handles keep their entry, inner ones stay between their neighbours. */
   between(i, index) {
-    if (i === 0 || i === this.places.length - 1) return this.places[i];
-    return Math.min(this.places[i + 1] - 1, Math.max(this.places[i - 1] + 1, index));
+    if (i === 0 || i === this.indices.length - 1) return this.indices[i];
+    return Math.min(this.indices[i + 1] - 1, Math.max(this.indices[i - 1] + 1, index));
   }
 
   drop() {
     const drag = this.drag;
     this.drag = null;
     if (!drag?.bending) return void (drag && this.read());
-    this.places[drag.i] = drag.bending.to;
+    this.indices[drag.i] = drag.bending.to;
     this.change((table) => bend(table, drag.bending));
     return undefined;
   }
 
   add(event) {
     if (!maySet() || !this.tables.length || event.target.matches('circle')) return;
-    const [index, value] = this.place(event);
-    if (this.places.includes(index)) return;
-    this.places = [...this.places, index].sort((a, b) => a - b);
-    const bending = this.bending(this.places.indexOf(index), index, value);
+    const [index, value] = this.pointAt(event);
+    if (this.indices.includes(index)) return;
+    this.indices = [...this.indices, index].sort((a, b) => a - b);
+    const bending = this.bending(this.indices.indexOf(index), index, value);
     this.change((table) => bend(table, bending));
   }
 
   key(event, i) {
     const step = event.shiftKey ? 4096 : 256;
     const change = { ArrowUp: step, ArrowDown: -step }[event.key];
-    if (event.key === 'Delete' && i > 0 && i < this.places.length - 1) {
-      this.places.splice(i, 1);
+    if (event.key === 'Delete' && i > 0 && i < this.indices.length - 1) {
+      this.indices.splice(i, 1);
       this.draw();
     } else if (change) {
-      const place = this.places[i];
-      const value = Math.min(LARGEST, Math.max(0, this.first()[place] + change));
-      const bending = this.bending(i, place, value);
+      const index = this.indices[i];
+      const value = Math.min(LARGEST, Math.max(0, this.first()[index] + change));
+      const bending = this.bending(i, index, value);
       this.change((table) => bend(table, bending));
     } else {
       return;

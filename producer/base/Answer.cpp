@@ -10,12 +10,12 @@ Answer Answer::text(std::string_view text) {
     return {INFO_DATATYPE_STRING, std::move(bytes)};
 }
 
-void InfoPlace::check() const {
+void InfoOutput::check() const {
     required(size, "size");
     required(type, "type");
 }
 
-void InfoPlace::put(const Answer& answer) const {
+void InfoOutput::put(const Answer& answer) const {
     check();
     putBytes(answer.raw(), buffer, size);
     *type = answer.type();

@@ -39,7 +39,7 @@ private:
 };
 
 /** The output arguments of an info function. */
-struct InfoPlace {
+struct InfoOutput {
     INFO_DATATYPE* type;
     void* buffer; /**< null: the caller asks only for the size */
     std::size_t* size;

@@ -21,10 +21,10 @@ private:
 };
 
 /** Checks a pointer that must not be null. */
-template <typename T> T& required(T* place, const char* name) {
-    if (place == nullptr)
+template <typename T> T& required(T* pointer, const char* name) {
+    if (pointer == nullptr)
         throw Error(GC_ERR_INVALID_PARAMETER, std::string("the argument ") + name + " is null");
-    return *place;
+    return *pointer;
 }
 
 } // namespace producer

@@ -7,22 +7,24 @@
 
 namespace producer {
 
-void put(Picture& picture, const std::uint8_t* made, std::span<std::uint8_t> place) {
+void put(Picture& picture, const std::uint8_t* made, std::span<std::uint8_t> destination) {
     const PixelFormat& format = *picture.geometry.format;
     const bool isAsMade = format.bits == format.appletBits;
     picture.size = picture.geometry.bytesPerLine() * picture.lines;
-    picture.isCut = made == nullptr || picture.size > place.size();
+    picture.isCut = made == nullptr || picture.size > destination.size();
     picture.written = picture.size;
     // Unpacking needs the whole buffer.
-    if (picture.isCut) picture.written = made != nullptr && isAsMade ? place.size() : 0;
-    if (picture.written > 0 && isAsMade && made != place.data())
-        std::memcpy(place.data(), made, picture.written);
-    convert(format, picture.written * 8 / format.bits, isAsMade ? place.data() : made, place.data());
-    const std::uint64_t end = std::min<std::uint64_t>(picture.geometry.bytes(), place.size());
-    if (!picture.isCut && picture.size < end) std::memset(place.data() + picture.size, 0, end - picture.size);
+    if (picture.isCut) picture.written = made != nullptr && isAsMade ? destination.size() : 0;
+    if (picture.written > 0 && isAsMade && made != destination.data())
+        std::memcpy(destination.data(), made, picture.written);
+    convert(format, picture.written * 8 / format.bits, isAsMade ? destination.data() : made,
+            destination.data());
+    const std::uint64_t end = std::min<std::uint64_t>(picture.geometry.bytes(), destination.size());
+    if (!picture.isCut && picture.size < end)
+        std::memset(destination.data() + picture.size, 0, end - picture.size);
 }
 
-Acquisition::Acquisition(Station& station)
+Acquisition::Acquisition(DeviceStation& station)
     : m_station(station)
     , m_format(pixelFormatOfOutput(station.integer("FG_FORMAT"))) {}
 

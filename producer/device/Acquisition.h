@@ -2,8 +2,8 @@
 #ifndef PRODUCER_DEVICE_ACQUISITION_H
 #define PRODUCER_DEVICE_ACQUISITION_H
 
+#include "device/DeviceStation.h"
 #include "device/PixelFormat.h"
-#include "device/Station.h"
 
 #include <atomic>
 #include <cstdint>
@@ -36,8 +36,8 @@ struct Picture {
 };
 
 /** Brings a picture of the applet into its buffer in the geometry's format, and fills in its sizes. `made`: its
- *  bytes, which may be at the place already; null if they could not be made. */
-void put(Picture& picture, const std::uint8_t* made, std::span<std::uint8_t> place);
+ *  bytes, which may be at the destination already; null if they could not be made. */
+void put(Picture& picture, const std::uint8_t* made, std::span<std::uint8_t> destination);
 
 /** The destination of pictures. Its functions are called by the acquisition's thread. */
 class PictureSink {
@@ -84,13 +84,13 @@ public:
 
 protected:
     /** The station must outlive the acquisition. */
-    explicit Acquisition(Station& station);
+    explicit Acquisition(DeviceStation& station);
 
     /** The last format that was set, if the applet packs it as this one; else this one, which may be null. */
     const PixelFormat* chosenInsteadOf(const PixelFormat* own);
 
 private:
-    Station& m_station;
+    DeviceStation& m_station;
     std::atomic<const PixelFormat*> m_format;
 };
 

@@ -3,8 +3,8 @@
 #define PRODUCER_DEVICE_MACHINE_H
 
 #include "device/Acquisition.h"
+#include "device/DeviceStation.h"
 #include "device/Libraries.h"
-#include "device/Station.h"
 
 #include <cstdint>
 #include <functional>
@@ -22,7 +22,7 @@ struct MachineListener {
 };
 
 struct Machine {
-    std::unique_ptr<Station> station;
+    std::unique_ptr<DeviceStation> station;
     std::unique_ptr<Acquisition> acquisition; // last: its thread uses the station
 };
 

@@ -53,12 +53,13 @@ const PixelFormat* pixelFormatOfBits(std::uint32_t bits) {
     return found != std::end(formats) ? found : nullptr;
 }
 
-void convert(const PixelFormat& format, std::uint64_t pixels, const std::uint8_t* made, std::uint8_t* place) {
+void convert(const PixelFormat& format, std::uint64_t pixels, const std::uint8_t* made,
+             std::uint8_t* destination) {
     if (format.isSwapped) {
-        for (std::uint64_t i = 0; i < pixels; ++i, place += 3)
-            std::swap(place[0], place[2]);
+        for (std::uint64_t i = 0; i < pixels; ++i, destination += 3)
+            std::swap(destination[0], destination[2]);
     } else if (format.bits != format.appletBits) {
-        unpack14(3 * pixels, made, place);
+        unpack14(3 * pixels, made, destination);
     }
 }
 

@@ -27,9 +27,10 @@ const PixelFormat* pixelFormatOfOutput(std::int64_t outputFormat);
 /** `bits`: of a component as the applet packs it. */
 const PixelFormat* pixelFormatOfBits(std::uint32_t bits);
 
-/** Converts a picture of the applet to a format. `made` and `place` may be the same unless the format's bits
+/** Converts a picture of the applet to a format. `made` and `destination` may be the same unless the format's bits
  *  differ from the applet's. */
-void convert(const PixelFormat& format, std::uint64_t pixels, const std::uint8_t* made, std::uint8_t* place);
+void convert(const PixelFormat& format, std::uint64_t pixels, const std::uint8_t* made,
+             std::uint8_t* destination);
 
 } // namespace producer
 

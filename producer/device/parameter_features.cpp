@@ -51,7 +51,7 @@ bool isServed(std::int32_t kind) {
 
 } // namespace
 
-std::vector<Feature> parameterFeatures(Station& station,
+std::vector<Feature> parameterFeatures(DeviceStation& station,
                                        const std::function<std::string()>& acquisitionLock) {
     std::vector<Feature> features;
     for (const Parameter& parameter : station.parameters()) {

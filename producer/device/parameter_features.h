@@ -2,7 +2,7 @@
 #ifndef PRODUCER_DEVICE_PARAMETERFEATURES_H
 #define PRODUCER_DEVICE_PARAMETERFEATURES_H
 
-#include "device/Station.h"
+#include "device/DeviceStation.h"
 #include "features/Feature.h"
 
 #include <functional>
@@ -12,7 +12,8 @@ namespace producer {
 
 /** One for each parameter of the tree. `acquisitionLock`: why those that must not change during an acquisition are
  *  locked; empty if they are not. The station must outlive the features. */
-std::vector<Feature> parameterFeatures(Station& station, const std::function<std::string()>& acquisitionLock);
+std::vector<Feature> parameterFeatures(DeviceStation& station,
+                                       const std::function<std::string()>& acquisitionLock);
 
 } // namespace producer
 

@@ -4,6 +4,7 @@
 
 #include "base/Error.h"
 #include "vexo/fg_parameters.h"
+#include "virtual_board/virtual_board.h"
 
 #include <algorithm>
 #include <bit>
@@ -82,7 +83,7 @@ void StandardFeatures::addTriggers() {
 
 void StandardFeatures::addInputs() {
     std::vector<FeatureEntry> lines;
-    for (std::int64_t line = 0; line < inputCount; ++line)
+    for (std::int64_t line = 0; line < VBOARD_INPUTS; ++line)
         lines.push_back({"Line" + std::to_string(line), line});
     selector(inputControl, "LineSelector", lines, {"LineStatus"},
              "An input: 0 to 7 are GPI 0 to 7, then the front ones.");
@@ -112,10 +113,10 @@ void StandardFeatures::addColours() {
     const Feature table = all;
     std::int64_t& index = m_device.state.tableIndex;
     const auto last = static_cast<std::int64_t>(table.elements) - 1;
-    Feature& place = add(tableControl, "LUTIndex", Kind::integer, "The entry that LUTValue is.");
-    place.get = [&index] { return index; };
-    setWithin(place, 0, last, [&index](std::int64_t entry) { index = entry; });
-    place.selected = {"LUTValue"};
+    Feature& indexFeature = add(tableControl, "LUTIndex", Kind::integer, "The entry that LUTValue is.");
+    indexFeature.get = [&index] { return index; };
+    setWithin(indexFeature, 0, last, [&index](std::int64_t entry) { index = entry; });
+    indexFeature.selected = {"LUTValue"};
     Feature& entry = add(tableControl, "LUTValue", Kind::integer, "An entry of the table.");
     entry.lockReason = table.lockReason;
     entry.get = [its = table.get, &index] {
@@ -158,12 +159,12 @@ void StandardFeatures::addEvents() {
     };
     for (const EventKind& event : events) {
         const std::string category = std::string(eventControl) + "/Event" + shortName(event) + "Data";
-        const auto addPart = [&](const char* suffix, std::uint64_t place, const char* description) {
+        const auto addPart = [&](const char* suffix, std::uint64_t offset, const char* description) {
             Feature& part =
                 add(category.c_str(), "Event" + shortName(event) + suffix, Kind::integer, description);
             part.isStandard = false;
             part.eventId = event.id;
-            part.eventPlace = place;
+            part.eventOffset = offset;
             part.get = [] { return std::int64_t{0}; };
         };
         addPart("", 0, "Mask of the event.");

@@ -3,7 +3,7 @@
 #define PRODUCER_DEVICE_STANDARDFEATURES_H
 
 #include "device/Acquisition.h"
-#include "device/Station.h"
+#include "device/DeviceStation.h"
 #include "features/Feature.h"
 
 #include <atomic>
@@ -27,7 +27,7 @@ struct DeviceState {
 
 /** References for the features. They must outlive the features. */
 struct Device {
-    Station& station;
+    DeviceStation& station;
     Acquisition& acquisition;
     DeviceState& state;
     std::string id;

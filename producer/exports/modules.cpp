@@ -31,7 +31,7 @@ std::shared_ptr<System> openSystem() {
     return Library::the().system;
 }
 
-/** Closes the system and frees its place for another one. */
+/** Closes the system so that another one can be opened. */
 void closeSystem(const std::shared_ptr<System>& system) {
     system->close();
     const std::lock_guard lock(lockOfModules());
@@ -62,8 +62,8 @@ std::shared_ptr<LocalDevice> deviceOf(void* handle) {
     return HandleTable::find<LocalDevice>(handle, "a device");
 }
 
-void tell(bool hasChanged, bool8_t* place) {
-    if (place != nullptr) *place = static_cast<bool8_t>(hasChanged);
+void tell(bool hasChanged, bool8_t* destination) {
+    if (destination != nullptr) *destination = static_cast<bool8_t>(hasChanged);
 }
 
 } // namespace
@@ -95,7 +95,7 @@ GC_ERROR GCCloseLib() {
 }
 
 GC_ERROR GCGetInfo(int32_t command, INFO_DATATYPE* type, void* buffer, size_t* size) {
-    return call([=] { InfoPlace{type, buffer, size}.put(System::info(command)); });
+    return call([=] { InfoOutput{type, buffer, size}.put(System::info(command)); });
 }
 
 GC_ERROR GCGetLastError(GC_ERROR* code, char* text, size_t* size) {
@@ -130,7 +130,7 @@ GC_ERROR TLClose(TL_HANDLE tl) {
 GC_ERROR TLGetInfo(TL_HANDLE tl, int32_t command, INFO_DATATYPE* type, void* buffer, size_t* size) {
     return call([=] {
         systemOf(tl);
-        InfoPlace{type, buffer, size}.put(System::info(command));
+        InfoOutput{type, buffer, size}.put(System::info(command));
     });
 }
 
@@ -147,7 +147,7 @@ GC_ERROR TLGetInterfaceID(TL_HANDLE tl, uint32_t index, char* id, size_t* size) 
 
 GC_ERROR TLGetInterfaceInfo(TL_HANDLE tl, const char* id, int32_t command, INFO_DATATYPE* type, void* buffer,
                             size_t* size) {
-    return callAlone([=] { InfoPlace{type, buffer, size}.put(systemOf(tl)->interfaceInfo(id, command)); });
+    return callAlone([=] { InfoOutput{type, buffer, size}.put(systemOf(tl)->interfaceInfo(id, command)); });
 }
 
 GC_ERROR TLOpenInterface(TL_HANDLE tl, const char* id, IF_HANDLE* interface) {
@@ -169,7 +169,7 @@ GC_ERROR IFClose(IF_HANDLE interface) {
 }
 
 GC_ERROR IFGetInfo(IF_HANDLE interface, int32_t command, INFO_DATATYPE* type, void* buffer, size_t* size) {
-    return call([=] { InfoPlace{type, buffer, size}.put(interfaceOf(interface)->info(command)); });
+    return call([=] { InfoOutput{type, buffer, size}.put(interfaceOf(interface)->info(command)); });
 }
 
 GC_ERROR IFGetNumDevices(IF_HANDLE interface, uint32_t* count) {
@@ -190,7 +190,7 @@ GC_ERROR IFUpdateDeviceList(IF_HANDLE interface, bool8_t* changed, uint64_t) {
 GC_ERROR IFGetDeviceInfo(IF_HANDLE interface, const char* id, int32_t command, INFO_DATATYPE* type,
                          void* buffer, size_t* size) {
     return callAlone([=] {
-        InfoPlace{type, buffer, size}.put(interfaceOf(interface)->deviceInfo(id, command));
+        InfoOutput{type, buffer, size}.put(interfaceOf(interface)->deviceInfo(id, command));
     });
 }
 
@@ -244,7 +244,7 @@ GC_ERROR DevOpenDataStream(DEV_HANDLE device, const char* id, DS_HANDLE* stream)
 
 GC_ERROR DevGetInfo(DEV_HANDLE device, int32_t command, INFO_DATATYPE* type, void* buffer, size_t* size) {
     return callAlone([=] {
-        InfoPlace{type, buffer, size}.put(deviceOf(device)->interface().deviceInfo(command));
+        InfoOutput{type, buffer, size}.put(deviceOf(device)->interface().deviceInfo(command));
     });
 }
 

@@ -49,12 +49,12 @@ GC_ERROR GCGetPortURLInfo(PORT_HANDLE port, uint32_t index, int32_t command, INF
     return call([=] {
         const auto module = moduleOf(port);
         if (index != 0) throw Error(GC_ERR_INVALID_INDEX, "a port has one URL, of number 0");
-        InfoPlace{type, buffer, size}.put(module->urlInfo(command));
+        InfoOutput{type, buffer, size}.put(module->urlInfo(command));
     });
 }
 
 GC_ERROR GCGetPortInfo(PORT_HANDLE port, int32_t command, INFO_DATATYPE* type, void* buffer, size_t* size) {
-    return call([=] { InfoPlace{type, buffer, size}.put(moduleOf(port)->portInfo(command)); });
+    return call([=] { InfoOutput{type, buffer, size}.put(moduleOf(port)->portInfo(command)); });
 }
 
 GC_ERROR GCReadPort(PORT_HANDLE port, uint64_t address, void* buffer, size_t* size) {
@@ -113,12 +113,12 @@ GC_ERROR EventGetDataInfo(EVENT_HANDLE event, const void* data, size_t dataSize,
     return call([=] {
         const auto queue = eventOf(event);
         const auto& first = required(static_cast<const char*>(data), "data");
-        InfoPlace{type, buffer, size}.put(queue->dataInfo({&first, dataSize}, command));
+        InfoOutput{type, buffer, size}.put(queue->dataInfo({&first, dataSize}, command));
     });
 }
 
 GC_ERROR EventGetInfo(EVENT_HANDLE event, int32_t command, INFO_DATATYPE* type, void* buffer, size_t* size) {
-    return call([=] { InfoPlace{type, buffer, size}.put(eventOf(event)->info(command)); });
+    return call([=] { InfoOutput{type, buffer, size}.put(eventOf(event)->info(command)); });
 }
 
 GC_ERROR EventFlush(EVENT_HANDLE event) {

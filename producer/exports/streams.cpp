@@ -62,7 +62,7 @@ GC_ERROR DSStopAcquisition(DS_HANDLE stream, int32_t flags) {
 }
 
 GC_ERROR DSGetInfo(DS_HANDLE stream, int32_t command, INFO_DATATYPE* type, void* buffer, size_t* size) {
-    return call([=] { InfoPlace{type, buffer, size}.put(streamOf(stream)->info(command)); });
+    return call([=] { InfoOutput{type, buffer, size}.put(streamOf(stream)->info(command)); });
 }
 
 GC_ERROR DSGetBufferID(DS_HANDLE stream, uint32_t index, BUFFER_HANDLE* buffer) {
@@ -74,8 +74,10 @@ GC_ERROR DSGetBufferID(DS_HANDLE stream, uint32_t index, BUFFER_HANDLE* buffer) 
 }
 
 GC_ERROR DSGetBufferInfo(DS_HANDLE stream, BUFFER_HANDLE buffer, int32_t command, INFO_DATATYPE* type,
-                         void* place, size_t* size) {
-    return call([=] { InfoPlace{type, place, size}.put(streamOf(stream)->bufferInfo(buffer, command)); });
+                         void* destination, size_t* size) {
+    return call([=] {
+        InfoOutput{type, destination, size}.put(streamOf(stream)->bufferInfo(buffer, command));
+    });
 }
 
 GC_ERROR DSGetBufferChunkData(DS_HANDLE stream, BUFFER_HANDLE buffer, SINGLE_CHUNK_DATA*, size_t* count) {
@@ -98,7 +100,7 @@ GC_ERROR DSGetBufferPartInfo(DS_HANDLE stream, BUFFER_HANDLE buffer, uint32_t, i
                              void*, size_t* size) {
     return call([=] {
         streamOf(stream)->requireBuffer(buffer);
-        InfoPlace{type, nullptr, size}.check();
+        InfoOutput{type, nullptr, size}.check();
         refuseParts();
     });
 }

@@ -29,8 +29,8 @@ struct Feature {
     std::vector<FeatureEntry> entries{}; // for an enumeration
     std::size_t elements = 0;            // for a table, 32 bits each
     std::vector<std::string> selected{}; // names of the features that it selects
-    std::uint64_t eventId = 0;           // not 0: updated with this event, from `eventPlace` in its data
-    std::uint64_t eventPlace = 0;
+    std::uint64_t eventId = 0;           // not 0: updated with this event, from `eventOffset` in its data
+    std::uint64_t eventOffset = 0;
     bool isStandard = true; // a name of the standard
 
     /** The present value; empty for a write-only feature. */

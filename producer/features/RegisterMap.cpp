@@ -65,9 +65,9 @@ Bytes limitsOf(const Feature& feature) {
     return bytes;
 }
 
-/** Whether this many bytes from `place` on are in a register. */
-bool isWithin(std::uint64_t place, std::size_t length, std::size_t size) {
-    return place < size && length <= size - place;
+/** Whether this many bytes from `offset` on are in a register. */
+bool isWithin(std::uint64_t offset, std::size_t length, std::size_t size) {
+    return offset < size && length <= size - offset;
 }
 
 [[noreturn]] void refuseAddress(std::uint64_t address, std::size_t length) {
@@ -122,24 +122,25 @@ const Feature& RegisterMap::featureAt(std::uint64_t address) const {
 
 void RegisterMap::read(std::uint64_t address, std::span<std::uint8_t> bytes) {
     if (address >= descriptionAddress) {
-        const std::uint64_t place = address - descriptionAddress;
-        if (!isWithin(place, bytes.size(), m_description.size())) refuseAddress(address, bytes.size());
-        std::memcpy(bytes.data(), m_description.data() + place, bytes.size());
+        const std::uint64_t offset = address - descriptionAddress;
+        if (!isWithin(offset, bytes.size(), m_description.size())) refuseAddress(address, bytes.size());
+        std::memcpy(bytes.data(), m_description.data() + offset, bytes.size());
         return;
     }
     const std::lock_guard lock(m_mutex);
     const Feature& feature = featureAt(address);
-    const std::uint64_t place = address % slotSize;
-    if (isWithin(place, bytes.size(), valueSize(feature))) {
+    const std::uint64_t offset = address % slotSize;
+    if (isWithin(offset, bytes.size(), valueSize(feature))) {
         if (!feature.get) throw Error(GC_ERR_ACCESS_DENIED, feature.name + " can only be written");
         const Bytes all = encoded(feature.get(), valueSize(feature));
-        std::copy_n(all.begin() + static_cast<std::ptrdiff_t>(place), bytes.size(), bytes.begin());
+        std::copy_n(all.begin() + static_cast<std::ptrdiff_t>(offset), bytes.size(), bytes.begin());
         return;
     }
-    if (place < limitsPlace || !isWithin(place - limitsPlace, bytes.size(), limitsSize))
+    if (offset < limitsOffset || !isWithin(offset - limitsOffset, bytes.size(), limitsSize))
         refuseAddress(address, bytes.size());
     const Bytes all = limitsOf(feature);
-    std::copy_n(all.begin() + static_cast<std::ptrdiff_t>(place - limitsPlace), bytes.size(), bytes.begin());
+    std::copy_n(all.begin() + static_cast<std::ptrdiff_t>(offset - limitsOffset), bytes.size(),
+                bytes.begin());
 }
 
 void RegisterMap::write(std::uint64_t address, std::span<const std::uint8_t> bytes) {
@@ -169,16 +170,16 @@ std::vector<std::string> RegisterMap::writeAndCompare(std::uint64_t address,
 void RegisterMap::writeHeld(std::uint64_t address, std::span<const std::uint8_t> bytes) {
     if (address >= descriptionAddress) throw Error(GC_ERR_ACCESS_DENIED, "a description can only be read");
     const Feature& feature = featureAt(address);
-    const std::uint64_t place = address % slotSize;
+    const std::uint64_t offset = address % slotSize;
     const std::size_t size = valueSize(feature);
-    if (!isWithin(place, bytes.size(), size)) refuseAddress(address, bytes.size());
+    if (!isWithin(offset, bytes.size(), size)) refuseAddress(address, bytes.size());
     if (!feature.set) throw Error(GC_ERR_ACCESS_DENIED, feature.name + " can only be read");
     if (const std::string reason = feature.lockReason ? feature.lockReason() : ""; !reason.empty())
         throw Error(GC_ERR_ACCESS_DENIED, feature.name + " cannot be written now: " + reason);
     const bool isText = feature.kind == Feature::Kind::text; // a partial write of a text ends the text
     Bytes all(size, 0);
     if (bytes.size() < size && !isText && feature.get) all = encoded(feature.get(), size);
-    std::copy(bytes.begin(), bytes.end(), all.begin() + static_cast<std::ptrdiff_t>(place));
+    std::copy(bytes.begin(), bytes.end(), all.begin() + static_cast<std::ptrdiff_t>(offset));
     const Value value = decoded(feature.kind, all);
     requireValid(feature, value);
     feature.set(value);

@@ -21,7 +21,7 @@ struct DescriptionNames {
 };
 
 /**
- * A byte-addressed map with a slot for each feature. A slot has the value at 0 and, at limitsPlace, minimum,
+ * A byte-addressed map with a slot for each feature. A slot has the value at 0 and, at limitsOffset, minimum,
  * maximum, increment (8 bytes each) and the lock flag. Nothing is cached: each read calls the feature.
  *
  * All numbers are 8 bytes wide and little endian, texts have textSize bytes, tables 4 bytes per element.
@@ -30,7 +30,7 @@ struct DescriptionNames {
 class RegisterMap {
 public:
     static constexpr std::uint64_t slotSize = 0x20000;
-    static constexpr std::uint64_t limitsPlace = 0x1f000;
+    static constexpr std::uint64_t limitsOffset = 0x1f000;
     static constexpr std::size_t limitsSize = 32;
     static constexpr std::size_t textSize = 4096;
     /** After all slots. */

@@ -163,7 +163,8 @@ private:
     }
 
     /** The common elements of all registers. */
-    void addPlace(const Feature& feature, std::uint64_t address, std::size_t length, const char* access) {
+    void addRegisterElements(const Feature& feature, std::uint64_t address, std::size_t length,
+                             const char* access) {
         element("Address", "0x" + hexadecimal(address));
         element("Length", std::to_string(length));
         element("AccessMode", access);
@@ -176,7 +177,7 @@ private:
         const char* const kind = isReal ? "FloatReg" : "IntReg";
         open(kind, feature.name + suffix);
         element("Visibility", "Invisible");
-        addPlace(feature, address, 8, access);
+        addRegisterElements(feature, address, 8, access);
         if (!isReal) element("Sign", "Signed");
         element("Endianess", "LittleEndian");
         close(kind);
@@ -186,7 +187,7 @@ private:
     void addPlain(const Feature& feature, const char* kind, std::uint64_t address) {
         open(kind, feature.name, feature.isStandard);
         addHead(feature);
-        addPlace(feature, address, valueSize(feature), accessOf(feature));
+        addRegisterElements(feature, address, valueSize(feature), accessOf(feature));
         close(kind);
     }
 
@@ -198,9 +199,9 @@ private:
     void addRegisters(const Feature& feature, std::uint64_t slot) {
         const bool isReal = feature.kind == Feature::Kind::real;
         const bool hasValue = feature.kind != Feature::Kind::text && feature.kind != Feature::Kind::table;
-        const std::uint64_t limits = slot + RegisterMap::limitsPlace;
+        const std::uint64_t limits = slot + RegisterMap::limitsOffset;
         if (hasValue)
-            addRegister(feature, "_Value", feature.eventId != 0 ? feature.eventPlace : slot,
+            addRegister(feature, "_Value", feature.eventId != 0 ? feature.eventOffset : slot,
                         accessOf(feature), isReal);
         if (feature.limits) {
             addRegister(feature, "_Min", limits, "RO", isReal);

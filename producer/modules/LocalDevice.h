@@ -21,7 +21,7 @@ struct OpenDevice {
 
     OpenDevice(const Open& open, std::string itsId, bool readOnly);
 
-    Station& station() const { return *machine.station; }
+    DeviceStation& station() const { return *machine.station; }
     Acquisition& acquisition() const { return *machine.acquisition; }
 
     const std::string id;

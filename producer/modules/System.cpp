@@ -99,7 +99,7 @@ bool System::updateInterfaces() {
     return std::exchange(m_listed, ids) != ids;
 }
 
-System::Place System::known(const char* id) const {
+System::Target System::known(const char* id) const {
     const std::string its = &required(id, "id");
     if (std::ranges::find(m_boards, its) != m_boards.end()) return {its, ""};
     if (its.starts_with(stationPrefix)) {
@@ -112,12 +112,12 @@ System::Place System::known(const char* id) const {
 }
 
 Answer System::interfaceInfo(const char* id, std::int32_t command) const {
-    const Place place = known(id);
-    return Interface::infoOf(place.id, place.station, command);
+    const Target target = known(id);
+    return Interface::infoOf(target.id, target.station, command);
 }
 
 std::shared_ptr<Interface> System::openInterface(const char* id) {
-    const Place its = known(id);
+    const Target its = known(id);
     for (const auto& open : m_open)
         if (open->id() == its.id)
             throw Error(GC_ERR_RESOURCE_IN_USE, "the interface " + its.id + " is open already");

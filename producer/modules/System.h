@@ -45,10 +45,10 @@ public:
 private:
     std::vector<Feature> makeFeatures() override;
     /** What an id of an interface stands for. */
-    struct Place {
+    struct Target {
         std::string id, station; /**< the name of a served station; empty for a board of this process */
     };
-    Place known(const char* id) const;
+    Target known(const char* id) const;
 
     const std::vector<std::string> m_boards; // ids
     mutable std::mutex m_listMutex;

@@ -63,7 +63,7 @@ void Core::readRows() {
             check(vexo_entry_at(its, row.id, k, &entry));
             row.entries[py::int_(entry.value)] = makeEntry(entry.value, entry.symbol, entry.label);
         }
-        m_places[row.id] = m_rows.size();
+        m_indices[row.id] = m_rows.size();
         m_names[py::str(row.name)] = m_rows.size();
         m_rows.push_back(std::move(row));
     }
@@ -84,7 +84,7 @@ void Core::close() {
 std::size_t Core::find(const std::string& name) const {
     int id = 0;
     run([&](vexo_station* its) { return id = vexo_id(its, name.c_str()); });
-    return m_places.at(id);
+    return m_indices.at(id);
 }
 
 std::string Core::readText(const Row& row) const {

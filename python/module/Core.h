@@ -45,10 +45,10 @@ public:
     void close();
     bool isOpen() const { return m_station != nullptr; }
 
-    /** The names of all parameters, each with its place in the table of rows. */
+    /** The names of all parameters, each with its index in the table of rows. */
     const py::dict& names() const { return m_names; }
-    const Row& row(std::size_t place) const { return m_rows[place]; }
-    /** The place of the row for any name that vexo_id knows. */
+    const Row& row(std::size_t index) const { return m_rows[index]; }
+    /** The index of the row for any name that vexo_id knows. */
     std::size_t find(const std::string& name) const;
 
     py::object read(const Row& row) const;
@@ -113,7 +113,7 @@ private:
 
     std::shared_ptr<vexo_station> m_station;
     std::vector<Row> m_rows;
-    std::unordered_map<int, std::size_t> m_places; // of rows, by id
+    std::unordered_map<int, std::size_t> m_indices; // of rows, by id
     py::dict m_names;
 };
 

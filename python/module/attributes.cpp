@@ -9,17 +9,17 @@ namespace {
 
 /** Null before the station is open, and after it was closed. */
 Core* openCore(PyObject* self) {
-    auto place = reinterpret_cast<py::detail::instance*>(self)->get_value_and_holder();
-    if (!place.holder_constructed()) return nullptr;
-    Core* core = place.value_ptr<Core>();
+    auto holder = reinterpret_cast<py::detail::instance*>(self)->get_value_and_holder();
+    if (!holder.holder_constructed()) return nullptr;
+    Core* core = holder.value_ptr<Core>();
     return core->isOpen() ? core : nullptr;
 }
 
 /** The row of a parameter's own name; null if it is none. */
 const Row* rowOf(const Core* core, PyObject* name) {
     if (core == nullptr) return nullptr;
-    PyObject* place = PyDict_GetItemWithError(core->names().ptr(), name);
-    return place != nullptr ? &core->row(PyLong_AsSize_t(place)) : nullptr;
+    PyObject* index = PyDict_GetItemWithError(core->names().ptr(), name);
+    return index != nullptr ? &core->row(PyLong_AsSize_t(index)) : nullptr;
 }
 
 bool isPrivate(PyObject* name) {
@@ -51,8 +51,8 @@ PyObject* getAttribute(PyObject* self, PyObject* name) {
     PyErr_Clear();
     return guarded(
         [&] {
-            const std::size_t place = core->find(py::cast<std::string>(name));
-            return core->read(core->row(place)).release().ptr();
+            const std::size_t index = core->find(py::cast<std::string>(name));
+            return core->read(core->row(index)).release().ptr();
         },
         nullptr);
 }

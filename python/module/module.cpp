@@ -41,29 +41,29 @@ void bindRecord(py::module_& module) {
         .def_readonly("lost_before", &vexo_picture::lost_before, "images lost since the previous picture")
         .def_readonly("trigger", &vexo_picture::trigger, "number of the start that it belongs to, from 1")
         .def_readonly("encoder", &vexo_picture::encoder,
-                      "place of the encoder at the first line, quarter steps")
+                      "position of the encoder at the first line, quarter steps")
         .def_readonly("is_short", &vexo_picture::is_short, "fewer lines than an image has")
         .def_readonly("is_narrow", &vexo_picture::is_narrow,
                       "the source's lines were narrower than the width");
 }
 
-py::tuple describe(const Core& core, std::size_t place) {
-    const Row& row = core.row(place);
+py::tuple describe(const Core& core, std::size_t index) {
+    const Row& row = core.row(index);
     vexo_parameter known{};
     core.run([&](vexo_station* its) { return vexo_describe(its, row.id, &known); });
     return py::make_tuple(row.id, row.kind, row.elements, row.name, known.label, known.unit,
                           known.description, known.group, known.read_effect, known.set_effect, row.entries);
 }
 
-py::tuple rangeOf(const Core& core, std::size_t place) {
+py::tuple rangeOf(const Core& core, std::size_t index) {
     vexo_range range{};
-    core.run([&](vexo_station* its) { return vexo_get_range(its, core.row(place).id, &range); });
+    core.run([&](vexo_station* its) { return vexo_get_range(its, core.row(index).id, &range); });
     return py::make_tuple(range.minimum, range.maximum, range.step);
 }
 
-std::uint32_t accessOf(const Core& core, std::size_t place) {
+std::uint32_t accessOf(const Core& core, std::size_t index) {
     std::uint32_t access = 0;
-    core.run([&](vexo_station* its) { return vexo_get_access(its, core.row(place).id, &access); });
+    core.run([&](vexo_station* its) { return vexo_get_access(its, core.row(index).id, &access); });
     return access;
 }
 
@@ -81,16 +81,16 @@ void bindParameters(py::class_<Core>& core) {
         .def("_describe", describe)
         .def("_range", rangeOf)
         .def("_access", accessOf)
-        .def("_read", [](const Core& its, std::size_t place) { return its.read(its.row(place)); })
-        .def("_write", [](const Core& its, std::size_t place,
-                          const py::object& value) { its.write(its.row(place), value); })
+        .def("_read", [](const Core& its, std::size_t index) { return its.read(its.row(index)); })
+        .def("_write", [](const Core& its, std::size_t index,
+                          const py::object& value) { its.write(its.row(index), value); })
         .def("_read_elements",
-             [](const Core& its, std::size_t place, std::uint32_t first, const py::buffer& values) {
-                 its.readElements(its.row(place), first, values);
+             [](const Core& its, std::size_t index, std::uint32_t first, const py::buffer& values) {
+                 its.readElements(its.row(index), first, values);
              })
         .def("_write_elements",
-             [](const Core& its, std::size_t place, std::uint32_t first, const py::buffer& values) {
-                 its.writeElements(its.row(place), first, values);
+             [](const Core& its, std::size_t index, std::uint32_t first, const py::buffer& values) {
+                 its.writeElements(its.row(index), first, values);
              })
         .def("_set_all", setAll);
 }
@@ -210,8 +210,8 @@ void bindPictures(py::module_& module, py::class_<Core>& core) {
         .def("_stop", [](const Core& its) { its.run(vexo_stop); })
         .def("_wait_picture", waitPicture)
         .def("_render",
-             [](const Core& its, const vexo_picture& picture, const py::buffer& place) {
-                 const py::buffer_info bytes = bytesOf(picture, place, true);
+             [](const Core& its, const vexo_picture& picture, const py::buffer& destination) {
+                 const py::buffer_info bytes = bytesOf(picture, destination, true);
                  its.run([&](vexo_station* station) {
                      return vexo_render(station, picture.number, bytes.ptr, picture.size);
                  });
@@ -223,8 +223,8 @@ void bindPictures(py::module_& module, py::class_<Core>& core) {
         const py::buffer_info bytes = bytesOf(picture, data, false);
         vexo_picture unpacked = picture;
         unpacked.size = std::uint64_t{6} * picture.width * picture.height;
-        const py::buffer_info place = bytesOf(unpacked, pixels, true);
-        check(vexo_unpack(&picture, bytes.ptr, static_cast<std::uint16_t*>(place.ptr)));
+        const py::buffer_info destination = bytesOf(unpacked, pixels, true);
+        check(vexo_unpack(&picture, bytes.ptr, static_cast<std::uint16_t*>(destination.ptr)));
     });
     module.def("write_picture",
                [](const vexo_picture& picture, const py::buffer& data, const std::string& file) {

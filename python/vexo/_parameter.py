@@ -30,21 +30,21 @@ class Parameter:
     read_effect, set_effect   side effects, such as "clears when read"
     """
 
-    def __init__(self, station: Station, place: int):
-        self._station, self._place = station, place
+    def __init__(self, station: Station, index: int):
+        self._station, self._index = station, index
         (self.id, kind, self.elements, self.name, self.label, self.unit, self.description, self.group,
-         self.read_effect, self.set_effect, entries) = station._describe(place)
+         self.read_effect, self.set_effect, entries) = station._describe(index)
         self.kind: str = _KINDS[kind]
         self.entries: tuple[Entry, ...] = tuple(entries.values())
 
     @property
     def value(self) -> Any:
         """A number, Entry, text, or array of a field. An assignment sets it; Refused says what is accepted."""
-        return self._station._read(self._place)
+        return self._station._read(self._index)
 
     @value.setter
     def value(self, value: Any) -> None:
-        self._station._write(self._place, value)
+        self._station._write(self._index, value)
 
     @property
     def is_number(self) -> bool:
@@ -54,7 +54,7 @@ class Parameter:
     @property
     def range(self) -> Range:
         """The published range; what setters accept may be less: `limits`."""
-        return Range(*self._station._range(self._place))
+        return Range(*self._station._range(self._index))
 
     @property
     def limits(self) -> Limits:
@@ -68,7 +68,7 @@ class Parameter:
     @property
     def access(self) -> str:
         """Now: "ro", "rw", "rw+" (also while acquiring), "wo", "wo+" or "-"."""
-        bits = self._station._access(self._place)
+        bits = self._station._access(self._index)
         return ["-", "ro", "wo", "rw"][bits & 3] + ("+" if bits & 4 else "")
 
     @property
@@ -79,12 +79,12 @@ class Parameter:
     def _span(self, index: int | slice) -> builtins.range:
         if self.kind != "field":
             raise TypeError(f"{self.name} is no field")
-        places = range(self.elements)[index]
-        if isinstance(places, int):
-            return range(places, places + 1)
-        if places.step != 1:
-            raise ValueError(f"{self.name}: elements are read and set one after the other; the step is {places.step}")
-        return places
+        indices = range(self.elements)[index]
+        if isinstance(indices, int):
+            return range(indices, indices + 1)
+        if indices.step != 1:
+            raise ValueError(f"{self.name}: elements are read and set one after the other; the step is {indices.step}")
+        return indices
 
     def __getitem__(self, index: int | slice) -> int | numpy.ndarray:
         """Elements of a field."""
@@ -93,7 +93,7 @@ class Parameter:
         span = self._span(index)
         values = numpy.empty(len(span), numpy.uint32)
         if len(span):
-            self._station._read_elements(self._place, span.start, values)
+            self._station._read_elements(self._index, span.start, values)
         return values if isinstance(index, slice) else int(values[0])
 
     def __setitem__(self, index: int | slice, value: Any) -> None:
@@ -101,7 +101,7 @@ class Parameter:
         values = [value] * len(span) if hasattr(value, "__index__") and not hasattr(value, "__len__") else value
         elements = elements_of(values, self.name, len(span))
         if len(span):
-            self._station._write_elements(self._place, span.start, elements)
+            self._station._write_elements(self._index, span.start, elements)
 
     __iter__ = None  # a field is iterated by its value
 

@@ -78,14 +78,14 @@ Fg_ParameterInfo::Port* Fg_ParameterInfo::findOpen(int port) const {
 
 void Fg_ParameterInfo::init(int port) {
     destroy(port);
-    Port* place = find(port);
-    if (place == nullptr) return;
-    place->root = nullptr;
-    place->finalized = false;
+    Port* found = find(port);
+    if (found == nullptr) return;
+    found->root = nullptr;
+    found->finalized = false;
 }
 
 void Fg_ParameterInfo::destroy(int port) {
-    if (Port* place = find(port)) place->memory.release();
+    if (Port* found = find(port)) found->memory.release();
 }
 
 std::pmr::memory_resource& Fg_ParameterInfo::memoryOf(const RegisterInfo& record) const {
@@ -93,14 +93,14 @@ std::pmr::memory_resource& Fg_ParameterInfo::memoryOf(const RegisterInfo& record
 }
 
 void Fg_ParameterInfo::finalize(int port) {
-    if (Port* place = find(port)) place->finalized = true;
+    if (Port* found = find(port)) found->finalized = true;
 }
 
 RegisterInfo* Fg_ParameterInfo::create(int port, int kind, const char* displayName, const char* name, int id,
                                        int access, int paramClass, int published, const char* unit) {
-    Port* place = find(port);
-    if (place == nullptr) return nullptr;
-    std::pmr::memory_resource& memory = place->memory;
+    Port* found = find(port);
+    if (found == nullptr) return nullptr;
+    std::pmr::memory_resource& memory = found->memory;
     auto* record = makeZeroed<RegisterInfo>(memory);
     record->structSize = REGISTER_INFO_SIZE;
     record->version = REGISTER_INFO_VERSION;
@@ -133,15 +133,15 @@ void Fg_ParameterInfo::add(RegisterInfo* child, RegisterInfo* parent) {
 }
 
 void Fg_ParameterInfo::add(RegisterInfo* record, int port) {
-    Port* place = find(port);
-    if (record == nullptr || place == nullptr) return;
+    Port* found = find(port);
+    if (record == nullptr || found == nullptr) return;
     record->depth = 0;
     record->parentName = nullptr;
-    if (place->root == nullptr) {
-        place->root = record;
+    if (found->root == nullptr) {
+        found->root = record;
         return;
     }
-    RegisterInfo* last = place->root;
+    RegisterInfo* last = found->root;
     while (last->next != nullptr)
         last = last->next;
     last->next = record;
@@ -322,14 +322,14 @@ RegisterInfo* Fg_ParameterInfo::addInfoDoubleField(RegisterInfo* parent, const c
 }
 
 RegisterInfo* Fg_ParameterInfo::getRegisterInfo(int port) const {
-    const Port* place = find(port);
-    return place != nullptr ? place->root : nullptr;
+    const Port* found = find(port);
+    return found != nullptr ? found->root : nullptr;
 }
 
 RegisterInfo* Fg_ParameterInfo::getNextRegisterInfo(RegisterInfo* info, int port) const {
-    const Port* place = find(port);
-    if (place == nullptr) return nullptr;
-    return info != nullptr ? info->next : place->root;
+    const Port* found = find(port);
+    if (found == nullptr) return nullptr;
+    return info != nullptr ? info->next : found->root;
 }
 
 void Fg_ParameterInfo::setDescription(RegisterInfo* info, const char* text) {

@@ -163,15 +163,15 @@ void ParameterInfoBuilderXMLPrivate::buildParamDescr(std::ostream& stream, const
 
 void ParameterInfoBuilderXMLPrivate::addFeatureToCategory(std::string_view category,
                                                           std::string_view feature) {
-    Category* place = &m_root;
+    Category* node = &m_root;
     if (!category.empty()) {
         // The categories are flat: groups of equal names are one.
         std::string name = xmlNameFilter(category);
-        place = m_root.getChild(name);
-        if (place == nullptr) place = &m_root.addChild(std::move(name));
+        node = m_root.getChild(name);
+        if (node == nullptr) node = &m_root.addChild(std::move(name));
     }
     // The first filter may move a digit to the front, which the second removes.
-    place->addFeature(xmlNameFilter(xmlNameFilter(feature)));
+    node->addFeature(xmlNameFilter(xmlNameFilter(feature)));
 }
 
 void ParameterInfoBuilderXMLPrivate::buildCategories(std::ostream& stream) { writeCategory(stream, m_root); }

@@ -10,14 +10,14 @@
 #include <cstring>
 
 /** The caller's memory for a value, of any alignment. */
-template <typename T> class Place {
+template <typename T> class Destination {
 public:
-    explicit Place(void* place) : m_place(place) {}
-    void* address() const { return m_place; }
-    void store(T number) const { std::memcpy(m_place, &number, sizeof number); }
+    explicit Destination(void* address) : m_address(address) {}
+    void* address() const { return m_address; }
+    void store(T number) const { std::memcpy(m_address, &number, sizeof number); }
 
 private:
-    void* m_place;
+    void* m_address;
 };
 
 /**
@@ -49,7 +49,7 @@ protected:
         loomGet_##parameter(&value, 0, tagOf<T>, true);                                                      \
         return value;                                                                                        \
     }                                                                                                        \
-    template <typename T> void loomGetInto_##parameter(Place<T> out) {                                       \
+    template <typename T> void loomGetInto_##parameter(Destination<T> out) {                                 \
         loomGet_##parameter(out.address(), 0, tagOf<T>, true);                                               \
     }
 #define DESIGN_WRITTEN(parameter)                                                                            \

@@ -39,11 +39,11 @@ FgLoomWrapper::~FgLoomWrapper() {
     LibraryInitController::deinit();
 }
 
-Logger* FgLoomWrapper::lazyLogger(std::atomic<Logger*>& place, const char* name) {
-    Logger* known = place.load(std::memory_order_acquire);
+Logger* FgLoomWrapper::lazyLogger(std::atomic<Logger*>& cache, const char* name) {
+    Logger* known = cache.load(std::memory_order_acquire);
     if (known == nullptr) {
         known = Logging::instance()->getLogger(name);
-        place.store(known, std::memory_order_release);
+        cache.store(known, std::memory_order_release);
     }
     return known;
 }

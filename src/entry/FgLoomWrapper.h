@@ -151,8 +151,8 @@ protected:
     /** Logs the pieces as one line if the level is enabled; composes nothing otherwise. */
     template <typename... Pieces> void log(std::uint32_t level, const Pieces&... pieces);
 
-    /** The logger of that name, looked up on first use and kept in `place`. */
-    static vexo::tools::logging::Logger* lazyLogger(std::atomic<vexo::tools::logging::Logger*>& place,
+    /** The logger of that name, looked up on first use and kept in `cache`. */
+    static vexo::tools::logging::Logger* lazyLogger(std::atomic<vexo::tools::logging::Logger*>& cache,
                                                     const char* name);
 
 private:

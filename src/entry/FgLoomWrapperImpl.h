@@ -154,8 +154,8 @@ private:
     double currentPixelFrequency() { return simulatorPixelFrequency(m_simSelectMode); }
     double currentLineRate() { return simulatorLineRate(m_simSelectMode); }
     double currentFrameRate() { return simulatorFrameRate(m_simSelectMode); }
-    void readActive(Place<std::uint32_t> out);
-    void readPassive(Place<std::uint32_t> out);
+    void readActive(Destination<std::uint32_t> out);
+    void readPassive(Destination<std::uint32_t> out);
     void applySimulatorWidth(std::uint32_t width, std::uint32_t gap);
     void applySimulatorHeight(std::uint32_t height, std::uint32_t gap);
     std::uint32_t simulatorWidthLimit();
@@ -226,9 +226,9 @@ private:
     std::uint32_t versionNumber() { return appletVersion(); }
     std::uint32_t revisionNumber() { return appletRevision(); }
     std::string designFileName() { return tslFileName(); }
-    void readAlternativeBoardDetection(Place<std::uint32_t> out);
+    void readAlternativeBoardDetection(Destination<std::uint32_t> out);
     void readRuntimeWord(int id, void* word);
-    void readDmaStatus(Place<std::uint32_t> out);
+    void readDmaStatus(Destination<std::uint32_t> out);
     std::uint32_t readCamStatusExtended();
     std::uint32_t readCamStatus() { return readCamStatusExtended() & 1; }
 

@@ -17,9 +17,9 @@ void LiveObjects::add(const FgLoomWrapper* object) {
 }
 
 void LiveObjects::remove(const FgLoomWrapper* object) {
-    for (std::atomic<const FgLoomWrapper*>& place : s_objects) {
+    for (std::atomic<const FgLoomWrapper*>& slot : s_objects) {
         const FgLoomWrapper* mine = object;
-        if (place.compare_exchange_strong(mine, nullptr, std::memory_order_acq_rel)) return;
+        if (slot.compare_exchange_strong(mine, nullptr, std::memory_order_acq_rel)) return;
     }
     --s_unlisted;
 }

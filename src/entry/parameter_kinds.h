@@ -56,7 +56,7 @@ namespace kinds {
 /**
  * A number in its native width, regardless of the type tag.
  *
- * The source is a variable, a function that returns the number, or one that takes the caller's `Place` and
+ * The source is a variable, a function that returns the number, or one that takes the caller's `Destination` and
  * may leave it unwritten.
  */
 template <typename T> struct Number {
@@ -79,11 +79,11 @@ template <typename T> struct Number {
 private:
     template <auto member>
     static void read(FgLoomWrapperImpl& wrapper, const SdkParameter&, void* value, int, FgParamTypes) {
-        const Place<T> place(value);
-        if constexpr (std::is_invocable_v<decltype(member), FgLoomWrapperImpl&, Place<T>>)
-            std::invoke(member, wrapper, place);
+        const Destination<T> destination(value);
+        if constexpr (std::is_invocable_v<decltype(member), FgLoomWrapperImpl&, Destination<T>>)
+            std::invoke(member, wrapper, destination);
         else
-            place.store(T{std::invoke(member, wrapper)});
+            destination.store(T{std::invoke(member, wrapper)});
     }
 };
 
@@ -106,7 +106,7 @@ struct Text {
 
 /** A text that the design writes directly into the caller's buffer. The source is its reader. */
 struct DesignText {
-    using Reader = void (FgLoomWrapperImpl::*)(Place<char> out);
+    using Reader = void (FgLoomWrapperImpl::*)(Destination<char> out);
     static constexpr FgParamTypes type = FG_PARAM_TEXT;
     template <auto reader> static consteval ValueSource source() {
         return [](FgLoomWrapperImpl& wrapper, const SdkParameter&, void* value, int, FgParamTypes type) {

@@ -34,8 +34,8 @@ void kinds::Runtime::readRuntime(FgLoomWrapperImpl& wrapper, const SdkParameter&
 }
 
 void kinds::DesignText::readText(FgLoomWrapperImpl& wrapper, Reader reader, void* value, FgParamTypes tag) {
-    if (tag != FG_PARAM_ALLOCATED_STRING) return (wrapper.*reader)(Place<char>(value));
-    const auto read = [&](char* text) { (wrapper.*reader)(Place<char>(text)); };
+    if (tag != FG_PARAM_ALLOCATED_STRING) return (wrapper.*reader)(Destination<char>(value));
+    const auto read = [&](char* text) { (wrapper.*reader)(Destination<char>(text)); };
     wrapper.giveText(RuntimeTextRoom().take(read), value, tag);
 }
 

@@ -81,9 +81,9 @@ const SdkParameter* findParameter(std::string_view name);
 inline void FgLoomWrapperImpl::read(const SdkParameter& parameter, void* value, int dma, FgParamTypes type) {
     const ValueSource& source = parameter.source;
     if (const auto* word = std::get_if<std::uint32_t FgLoomWrapperImpl::*>(&source))
-        return Place<std::uint32_t>(value).store(this->**word);
+        return Destination<std::uint32_t>(value).store(this->**word);
     if (const auto* number = std::get_if<double FgLoomWrapperImpl::*>(&source))
-        return Place<double>(value).store(this->**number);
+        return Destination<double>(value).store(this->**number);
     if (const auto* text = std::get_if<TextFunction*>(&source)) return giveText((*text)(*this), value, type);
     (*std::get_if<GetFunction*>(&source))(*this, parameter, value, dma, type);
 }

@@ -107,12 +107,12 @@ double FgLoomWrapperImpl::simulatorFrameRate(std::uint32_t mode) {
 }
 
 // Outside pixel frequency mode these numbers do not exist, and the caller's memory stays unwritten.
-void FgLoomWrapperImpl::readActive(Place<std::uint32_t> out) {
+void FgLoomWrapperImpl::readActive(Destination<std::uint32_t> out) {
     if (m_simSelectMode != FG_PIXEL_FREQUENCY) return;
     out.store(loomGet_Process0_CameraSimulator_PixelFrequency_ActivePixel_Number<std::uint32_t>());
 }
 
-void FgLoomWrapperImpl::readPassive(Place<std::uint32_t> out) {
+void FgLoomWrapperImpl::readPassive(Destination<std::uint32_t> out) {
     if (m_simSelectMode != FG_PIXEL_FREQUENCY) return;
     out.store(sequence - loomGet_Process0_CameraSimulator_PixelFrequency_ActivePixel_Number<std::uint32_t>());
 }

@@ -63,8 +63,8 @@ void FgLoomWrapperImpl::applyDynamicShift(std::uint32_t customShift, std::uint32
         break;
     case FG_CUSTOM_BIT_SHIFT_MODE: {
         shift = customShift + maximum - bits;
-        const auto places = static_cast<std::int32_t>(shift);
-        if (places < 0 || places >= m_formatMaxBits) refuse(FG_ERR_OUT_OF_RANGE);
+        const auto signedShift = static_cast<std::int32_t>(shift);
+        if (signedShift < 0 || signedShift >= m_formatMaxBits) refuse(FG_ERR_OUT_OF_RANGE);
         break;
     }
     default:

@@ -10,7 +10,7 @@ void FgLoomWrapperImpl::readRuntimeWord(int id, void* word) {
     if (result != FG_OK) refuse(result);
 }
 
-void FgLoomWrapperImpl::readDmaStatus(Place<std::uint32_t> out) {
+void FgLoomWrapperImpl::readDmaStatus(Destination<std::uint32_t> out) {
     readRuntimeWord(FG_DMASTATUS, out.address());
 }
 
@@ -28,7 +28,7 @@ std::uint32_t FgLoomWrapperImpl::readCamStatusExtended() {
     return (word & ~(1u << overflowBit)) | overflow << overflowBit;
 }
 
-void FgLoomWrapperImpl::readAlternativeBoardDetection(Place<std::uint32_t> out) {
+void FgLoomWrapperImpl::readAlternativeBoardDetection(Destination<std::uint32_t> out) {
     const auto switchedOff = loomGet_Process0_BoardStatus_AlternativeBoardDetection<std::uint32_t>();
     out.store(switchedOff == 0 ? FG_ON : FG_OFF); // a refused value leaves a 0 there
     if (switchedOff > 1) refuse(FG_ERR_UNRESOLVED);

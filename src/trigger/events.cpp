@@ -28,7 +28,7 @@ bool isNamed(const TslEvent* event, const char* name) {
 }
 
 /** Mask of the event at this position of the design's list; past the 64th it is 0. */
-std::uint64_t maskAt(std::ptrdiff_t place) { return place < 64 ? std::uint64_t{1} << place : 0; }
+std::uint64_t maskAt(std::ptrdiff_t position) { return position < 64 ? std::uint64_t{1} << position : 0; }
 
 } // namespace
 

@@ -48,7 +48,7 @@ constexpr std::size_t maskCount = 65;
 // Constant-initialised and trivial: nothing runs at load or at exit.
 constinit std::atomic<const InternalEventMetaInfo*> s_internalEventMetaInfo[maskCount]{};
 
-std::size_t placeOf(std::uint64_t mask) { return static_cast<std::size_t>(std::countr_zero(mask)); }
+std::size_t bitOf(std::uint64_t mask) { return static_cast<std::size_t>(std::countr_zero(mask)); }
 
 bool canBeNoted(std::uint64_t mask) { return mask == 0 || std::has_single_bit(mask); }
 
@@ -59,10 +59,9 @@ constinit const std::span<const InternalEventMetaInfo> internalEvents{rows};
 void noteInternalEvent(std::uint64_t mask, const InternalEventMetaInfo& event) {
     if (!canBeNoted(mask)) return;
     const InternalEventMetaInfo* none = nullptr;
-    s_internalEventMetaInfo[placeOf(mask)].compare_exchange_strong(none, &event, std::memory_order_acq_rel);
+    s_internalEventMetaInfo[bitOf(mask)].compare_exchange_strong(none, &event, std::memory_order_acq_rel);
 }
 
 const InternalEventMetaInfo* findInternalEvent(std::uint64_t mask) {
-    return canBeNoted(mask) ? s_internalEventMetaInfo[placeOf(mask)].load(std::memory_order_acquire)
-                            : nullptr;
+    return canBeNoted(mask) ? s_internalEventMetaInfo[bitOf(mask)].load(std::memory_order_acquire) : nullptr;
 }

@@ -82,11 +82,11 @@ void Renderer::drawPixels(std::uint32_t width, ComponentAt componentAt, std::uin
         };
         putNothing(inside.before);
         auto row = packed; // stays in registers, as its address is not taken
-        std::uint32_t place = inside.first;
-        for (std::uint32_t i = 0; i < inside.count; ++i, place += inside.step) {
-            row.put(blue[componentAt(place, blueSource) & blueMask]);
-            row.put(green[componentAt(place, greenSource) & greenMask]);
-            row.put(red[componentAt(place, redSource) & redMask]);
+        std::uint32_t position = inside.first;
+        for (std::uint32_t i = 0; i < inside.count; ++i, position += inside.step) {
+            row.put(blue[componentAt(position, blueSource) & blueMask]);
+            row.put(green[componentAt(position, greenSource) & greenMask]);
+            row.put(red[componentAt(position, redSource) & redMask]);
         }
         packed = row;
         putNothing(length - inside.before - inside.count);

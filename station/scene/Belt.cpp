@@ -21,41 +21,42 @@ template <typename Condition> Tick firstTick(Tick low, Tick high, Condition hold
 
 std::vector<BeltObject> mergedObjects(std::vector<BeltObject> objects) {
     std::erase_if(objects, [](const BeltObject& object) { return object.length <= 0; });
-    std::ranges::sort(objects, {}, &BeltObject::place);
+    std::ranges::sort(objects, {}, &BeltObject::position);
     std::vector<BeltObject> merged;
     for (const BeltObject& object : objects) {
-        if (merged.empty() || merged.back().place + merged.back().length < object.place) {
+        if (merged.empty() || merged.back().position + merged.back().length < object.position) {
             merged.push_back(object);
             continue;
         }
-        const std::int64_t end = object.place + object.length;
-        merged.back().length = std::max(merged.back().length, end - merged.back().place);
+        const std::int64_t end = object.position + object.length;
+        merged.back().length = std::max(merged.back().length, end - merged.back().position);
     }
     return merged;
 }
 
 Belt::Belt(Tick start, const std::vector<SpeedPiece>& pieces) : m_start(start) {
     Tick begin = 0;
-    Place place = 0;
+    SignedWide position = 0;
     for (const SpeedPiece& piece : Wave::limited(pieces, Wave::fastestBelt)) {
-        m_pieces.push_back({begin, place, piece});
+        m_pieces.push_back({begin, position, piece});
         begin += piece.ticks;
-        place += (Place{piece.from} + piece.to) * static_cast<Place>(piece.ticks);
+        position += (SignedWide{piece.from} + piece.to) * static_cast<SignedWide>(piece.ticks);
     }
     if (m_pieces.empty()) m_pieces.push_back({0, 0, {}});
 }
 
-std::int64_t Belt::place(Tick tick) const {
+std::int64_t Belt::position(Tick tick) const {
     const Tick time = tick > m_start ? tick - m_start : 0;
     const auto next = std::ranges::upper_bound(m_pieces, time, {}, &Piece::begin);
     const Piece& piece = *(next - 1);
-    const auto past = static_cast<Place>(time - piece.begin);
-    const Place length = piece.speed.ticks > 0 ? static_cast<Place>(piece.speed.ticks) : 1;
-    const Place ramp = Place{piece.speed.to} - piece.speed.from;
-    const Place place = (piece.place + 2 * Place{piece.speed.from} * past) * length + ramp * past * past;
-    const Place unit = length * unitsOfNanometre;
-    const Place rounded = place / unit - (place % unit < 0 ? 1 : 0);
-    return static_cast<std::int64_t>(std::clamp(rounded, -Place{farthest}, Place{farthest}));
+    const auto past = static_cast<SignedWide>(time - piece.begin);
+    const SignedWide length = piece.speed.ticks > 0 ? static_cast<SignedWide>(piece.speed.ticks) : 1;
+    const SignedWide ramp = SignedWide{piece.speed.to} - piece.speed.from;
+    const SignedWide position =
+        (piece.position + 2 * SignedWide{piece.speed.from} * past) * length + ramp * past * past;
+    const SignedWide unit = length * unitsOfNanometre;
+    const SignedWide rounded = position / unit - (position % unit < 0 ? 1 : 0);
+    return static_cast<std::int64_t>(std::clamp(rounded, -SignedWide{farthest}, SignedWide{farthest}));
 }
 
 std::vector<Belt::Stretch> Belt::stretches() const {
@@ -78,27 +79,27 @@ std::vector<Belt::Stretch> Belt::stretches() const {
 }
 
 std::vector<Edge> Belt::barrier(const std::vector<BeltObject>& objects, std::int64_t ahead) const {
-    std::vector<std::int64_t> borders; // places of the belt at which the level changes, initially low
+    std::vector<std::int64_t> borders; // positions of the belt at which the level changes, initially low
     for (const BeltObject& object : mergedObjects(objects)) {
-        borders.push_back(object.place - ahead);
-        borders.push_back(object.place + object.length - ahead);
+        borders.push_back(object.position - ahead);
+        borders.push_back(object.position + object.length - ahead);
     }
-    const auto passed = [&](std::int64_t place) {
-        return std::ranges::upper_bound(borders, place) - borders.begin();
+    const auto passed = [&](std::int64_t position) {
+        return std::ranges::upper_bound(borders, position) - borders.begin();
     };
     std::vector<Edge> edges;
     if (passed(0) % 2 != 0) edges.push_back({m_start, true});
     for (const Stretch& stretch : stretches()) {
-        const auto first = passed(place(stretch.begin));
-        const auto last = passed(place(stretch.end));
+        const auto first = passed(position(stretch.begin));
+        const auto last = passed(position(stretch.end));
         for (auto border = first; border < last && edges.size() < mostEdges; ++border) {
             const std::int64_t goal = borders[static_cast<std::size_t>(border)];
-            const auto isThere = [&](Tick tick) { return place(tick) >= goal; };
+            const auto isThere = [&](Tick tick) { return position(tick) >= goal; };
             edges.push_back({firstTick(stretch.begin, stretch.end, isThere), border % 2 == 0});
         }
         for (auto border = first; border > last && edges.size() < mostEdges; --border) {
             const std::int64_t goal = borders[static_cast<std::size_t>(border - 1)];
-            const auto isThere = [&](Tick tick) { return place(tick) < goal; };
+            const auto isThere = [&](Tick tick) { return position(tick) < goal; };
             edges.push_back({firstTick(stretch.begin, stretch.end, isThere), border % 2 == 0});
         }
     }

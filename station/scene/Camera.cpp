@@ -58,7 +58,7 @@ Exposure Camera::startLine(Tick tick) {
     ++m_lines;
     const bool isShort = m_settings->shortEvery > 0 && m_lines % m_settings->shortEvery == 0;
     constexpr Tick longest = 0xffff'ffff;
-    const Exposure line{.place = m_belt != nullptr ? m_belt->place(m_begin) : 0,
+    const Exposure line{.position = m_belt != nullptr ? m_belt->position(m_begin) : 0,
                         .number = m_lines,
                         .ticks = static_cast<std::uint32_t>(std::min(tick - m_begin, longest)),
                         .width = isShort ? m_settings->shortWidth : m_settings->width};

@@ -44,9 +44,9 @@ bool isInNumber(std::int64_t number, std::int64_t x, std::int64_t y) {
     std::int64_t count = 1;
     for (std::int64_t rest = number; rest >= 10; rest /= 10)
         ++count;
-    const std::int64_t place = x / digitWidth;
-    if (place >= count) return false;
-    for (std::int64_t i = place + 1; i < count; ++i)
+    const std::int64_t index = x / digitWidth;
+    if (index >= count) return false;
+    for (std::int64_t i = index + 1; i < count; ++i)
         number /= 10;
     const std::int64_t column = x % digitWidth / dot;
     return column < 5 && (digits[number % 10][y / dot] >> (4 - column) & 1) != 0;
@@ -61,16 +61,16 @@ Colour8 barsAt(std::int64_t x, std::int64_t y) {
     return isSet ? white : black;
 }
 
-/** Length of a ruler's mark at a place; 0: no mark. */
-std::int64_t markAt(std::int64_t place) {
-    return place % 100 == 0 ? 3 : place % 50 == 0 ? 2 : place % 10 == 0;
+/** Length of a ruler's mark at a position; 0: no mark. */
+std::int64_t markAt(std::int64_t position) {
+    return position % 100 == 0 ? 3 : position % 50 == 0 ? 2 : position % 10 == 0;
 }
 
 Colour8 rulerInY(std::int64_t x, std::int64_t y) {
     constexpr std::int64_t most = 10'000; // four digits
-    const std::int64_t place = (y % most + most) % most;
-    if (x < 8 * markAt(place)) return ink;
-    return isInNumber(place - place % 100, x - 28, place % 100 - 4) ? ink : paper;
+    const std::int64_t position = (y % most + most) % most;
+    if (x < 8 * markAt(position)) return ink;
+    return isInNumber(position - position % 100, x - 28, position % 100 - 4) ? ink : paper;
 }
 
 Colour8 rulerInX(std::int64_t x, std::int64_t row) {
@@ -122,8 +122,8 @@ Colour8 resolutionAt(std::int64_t x, std::int64_t y) {
     constexpr std::int64_t half = innerHeight / 2;
     const bool isUpright = y < half;
     const std::int64_t band = isUpright ? y * 6 / half : x * 6 / innerWidth;
-    const std::int64_t place = isUpright ? x : y - half;
-    return place / widths[static_cast<std::size_t>(band)] % 2 == 0 ? ink : paper;
+    const std::int64_t coordinate = isUpright ? x : y - half;
+    return coordinate / widths[static_cast<std::size_t>(band)] % 2 == 0 ? ink : paper;
 }
 
 /** A zone plate: rings that become narrower towards the outside, until they are no longer resolved. */

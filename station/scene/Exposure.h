@@ -9,10 +9,10 @@
 namespace station {
 
 struct Exposure {
-    std::int64_t place = 0;   // place of the belt at the start of the exposure, in nanometres
-    std::uint64_t number = 0; // number of the line since the camera was attached, from 1
-    std::uint32_t ticks = 0;  // exposure time
-    std::uint32_t width = 0;  // pixels
+    std::int64_t position = 0; // position of the belt at the start of the exposure, in nanometres
+    std::uint64_t number = 0;  // number of the line since the camera was attached, from 1
+    std::uint32_t ticks = 0;   // exposure time
+    std::uint32_t width = 0;   // pixels
 };
 
 } // namespace station

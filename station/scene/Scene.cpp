@@ -21,13 +21,13 @@ std::uint64_t scattered(std::uint64_t number) {
     return number ^ (number >> 31);
 }
 
-/** Converts a place of the belt to one in the image or chart, from its beginning. False between the objects. */
-bool findPlace(const Scene& scene, std::int64_t& place) {
+/** Converts a position of the belt to one in the image or chart, from its beginning. False between the objects. */
+bool findPosition(const Scene& scene, std::int64_t& position) {
     if (scene.objects.empty()) return true;
-    const auto next = std::ranges::upper_bound(scene.objects, place, {}, &BeltObject::place);
+    const auto next = std::ranges::upper_bound(scene.objects, position, {}, &BeltObject::position);
     if (next == scene.objects.begin()) return false;
-    place -= (next - 1)->place;
-    return place < (next - 1)->length;
+    position -= (next - 1)->position;
+    return position < (next - 1)->length;
 }
 
 /** Scales components by exposure time / full exposure, rounded down. A division for each would take most of the time of a
@@ -66,9 +66,9 @@ void drawImageLine(const SceneImage& image, std::int64_t y, std::vector<std::uin
 void drawExposure(const View& view, const Exposure& line, std::vector<std::uint16_t>& components) {
     const Scene& scene = view.scene;
     components.assign(std::size_t{3} * line.width, beltGrey);
-    std::int64_t place = line.place;
-    if (findPlace(scene, place)) {
-        const std::int64_t y = roundedDown(place, scene.pixel);
+    std::int64_t position = line.position;
+    if (findPosition(scene, position)) {
+        const std::int64_t y = roundedDown(position, scene.pixel);
         if (scene.image != nullptr)
             drawImageLine(*scene.image, y, components);
         else

@@ -5,7 +5,7 @@
 namespace station {
 namespace {
 
-constexpr std::size_t place(Tap tap) { return static_cast<std::size_t>(tap); }
+constexpr std::size_t indexOf(Tap tap) { return static_cast<std::size_t>(tap); }
 
 } // namespace
 
@@ -61,10 +61,10 @@ void Signals::endPulses(Tick tick) {
 }
 
 void Signals::route(Tap tap, Route route, Tick tick, bool silently) {
-    Route& present = m_routes[place(tap)];
+    Route& present = m_routes[indexOf(tap)];
     if (route.select >= signalCount) route.select = lowSignal;
     const bool before = level(present);
-    const auto mask = static_cast<std::uint8_t>(1U << place(tap));
+    const auto mask = static_cast<std::uint8_t>(1U << indexOf(tap));
     m_taps[present.select] = static_cast<std::uint8_t>(m_taps[present.select] & ~mask);
     m_taps[route.select] = static_cast<std::uint8_t>(m_taps[route.select] | mask);
     present = route;

@@ -74,7 +74,7 @@ Wave Wave::moving(Tick start, std::vector<SpeedPiece> pieces, std::int64_t units
     wave.m_start = std::min(start, lastTick);
     wave.m_unitsOfStep = unitsOfStep;
     wave.m_pieces = std::move(pieces);
-    wave.m_place = unitsOfStep / 2;
+    wave.m_position = unitsOfStep / 2;
     if (wave.m_pieces.empty()) return wave;
     wave.nextPiece();
     wave.findStep(0);
@@ -130,8 +130,8 @@ void Wave::step() {
 
 void Wave::nextPiece() {
     const SpeedPiece past = m_present;
-    const Place way = (Place{past.from} + past.to) * static_cast<Place>(past.ticks);
-    m_place = static_cast<std::int64_t>(m_place + way - Place{m_steps} * m_unitsOfStep);
+    const SignedWide way = (SignedWide{past.from} + past.to) * static_cast<SignedWide>(past.ticks);
+    m_position = static_cast<std::int64_t>(m_position + way - SignedWide{m_steps} * m_unitsOfStep);
     m_steps = 0;
     m_start = later(m_start, past.ticks);
     m_present = m_pieces[m_piece++];
@@ -147,13 +147,13 @@ void Wave::nextPiece() {
 
 /** Whether the next step in this direction is complete at `ticks` after the start of the piece. */
 bool Wave::isStepDone(Tick ticks, bool isForward) const {
-    const Place time = static_cast<Place>(ticks);
-    const Place length = m_present.ticks > 0 ? static_cast<Place>(m_present.ticks) : 1;
-    const Place from = m_present.from;
-    const Place ramp = m_present.to - from;
-    const Place place = (m_place + 2 * from * time) * length + ramp * time * time;
-    const Place goal = (Place{m_steps} + (isForward ? 1 : 0)) * m_unitsOfStep * length;
-    return isForward ? place >= goal : place <= goal;
+    const SignedWide time = static_cast<SignedWide>(ticks);
+    const SignedWide length = m_present.ticks > 0 ? static_cast<SignedWide>(m_present.ticks) : 1;
+    const SignedWide from = m_present.from;
+    const SignedWide ramp = m_present.to - from;
+    const SignedWide position = (m_position + 2 * from * time) * length + ramp * time * time;
+    const SignedWide goal = (SignedWide{m_steps} + (isForward ? 1 : 0)) * m_unitsOfStep * length;
+    return isForward ? position >= goal : position <= goal;
 }
 
 /** Searches for the next step after `after` in a stretch without a turn that ends at `end`. */
@@ -163,16 +163,16 @@ bool Wave::findStepWithin(Tick after, Tick end, bool isForward) {
     Tick high = end;
     if (m_present.from == m_present.to) { // at a constant speed the position is known
         if (m_present.from == 0) return false;
-        const Place goal = (Place{m_steps} + (isForward ? 1 : 0)) * m_unitsOfStep;
-        const Place way = isForward ? goal - m_place : m_place - goal;
+        const SignedWide goal = (SignedWide{m_steps} + (isForward ? 1 : 0)) * m_unitsOfStep;
+        const SignedWide way = isForward ? goal - m_position : m_position - goal;
         const auto speed =
             static_cast<std::uint64_t>(2 * std::int64_t{isForward ? m_present.from : -m_present.from});
-        Place time = 0; // distance over speed, rounded up
-        if (way > 0 && way <= Place{INT64_MAX})
-            time = static_cast<Place>((static_cast<std::uint64_t>(way) + speed - 1) / speed);
+        SignedWide time = 0; // distance over speed, rounded up
+        if (way > 0 && way <= SignedWide{INT64_MAX})
+            time = static_cast<SignedWide>((static_cast<std::uint64_t>(way) + speed - 1) / speed);
         else if (way > 0)
-            time = (way + static_cast<Place>(speed) - 1) / static_cast<Place>(speed);
-        if (time > static_cast<Place>(end)) return false;
+            time = (way + static_cast<SignedWide>(speed) - 1) / static_cast<SignedWide>(speed);
+        if (time > static_cast<SignedWide>(end)) return false;
         high = std::max(static_cast<Tick>(time), after + 1);
     } else {
         if (!isStepDone(end, isForward)) return false;

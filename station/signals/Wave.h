@@ -51,8 +51,9 @@ public:
 
 private:
     enum class Kind : std::uint8_t { constant, square, edges, encoder };
-    /** Units of speed, times twice the ticks of a second, times the ticks of the piece if a ramp: exact. */
-    __extension__ typedef __int128 Place;
+    /** For positions in units of speed, times twice the ticks of a second, times the ticks of the piece if a ramp:
+     *  exact. */
+    __extension__ typedef __int128 SignedWide;
 
     static Wave moving(Tick start, std::vector<SpeedPiece> pieces, std::int64_t unitsOfStep);
     void nextPiece();
@@ -74,10 +75,10 @@ private:
     std::size_t m_piece = 0;
     SpeedPiece m_present; // 0 ticks: without end
     std::int64_t m_unitsOfStep = 1;
-    Tick m_start = 0;         // of the current piece; times below count from it
-    Tick m_turn = 0;          // where it reverses its direction, or its end
-    std::int64_t m_place = 0; // at its start, relative to the last step
-    std::int64_t m_steps = 0; // since its start
+    Tick m_start = 0;            // of the current piece; times below count from it
+    Tick m_turn = 0;             // where it reverses its direction, or its end
+    std::int64_t m_position = 0; // at its start, relative to the last step
+    std::int64_t m_steps = 0;    // since its start
     bool m_isStepForward = false;
     Tick m_stride = 0; // from the previous step to the next
 };

@@ -15,7 +15,7 @@ namespace station {
 /** The receiver of pictures. */
 class Destination {
 public:
-    /** Whether there is a free place for a picture. */
+    /** Whether there is a free slot for a picture. */
     virtual bool hasRoom() const = 0;
     virtual void deliver(std::shared_ptr<const Record> record) = 0;
 
@@ -56,14 +56,14 @@ public:
     /** When the next image has left completely. */
     Tick next() const { return m_next; }
     void run(Tick tick);
-    /** A place for a picture became free. */
+    /** A slot for a picture became free. */
     void resume(Tick tick);
 
     bool isOpen() const { return m_isOpen; }
     /** In percent, rounded down. */
     std::uint32_t fillLevel(Tick tick);
     std::uint64_t lostImages() const { return m_lostImages; }
-    /** How often the next image could have left but had to wait because no place was free. */
+    /** How often the next image could have left but had to wait because no slot was free. */
     std::uint64_t waits() const { return m_waits; }
     bool isDone() const { return m_destination == nullptr; }
     /** Pictures since the start. */
@@ -79,7 +79,7 @@ private:
         std::uint64_t lostBefore = 0; // images between the previous one and this one
         // Once its transfer has begun:
         bool hasBegun = false;
-        bool hasWaited = false;      // for a place in the memory
+        bool hasWaited = false;      // for a slot in the memory
         bool isPassed = false;       // by the selector, and its format is not silenced
         std::uint64_t numerator = 1; // ticks per line, over m_denominator
     };

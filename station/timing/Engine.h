@@ -91,7 +91,7 @@ public:
     /** Ends the acquisition. Stored parts of images are dropped. */
     void stop();
     bool isAcquiring() const { return !m_buffer.isDone(); }
-    /** A place for a picture has become free. */
+    /** A slot for a picture has become free. */
     void resume() { m_buffer.resume(m_from); }
     /** Disconnects images of the source from the buffer, or connects them again. */
     void cutSource(bool isCut);

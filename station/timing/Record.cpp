@@ -3,14 +3,14 @@
 namespace station {
 
 SourceLine LineRun::line(std::uint32_t number) const {
-    const std::uint64_t place = std::uint64_t{first.y} + number;
+    const std::uint64_t row = std::uint64_t{first.y} + number;
     SourceLine line = first;
     if (first.isOfCamera) {
         line.y += number;
         return line;
     }
-    line.y = static_cast<std::uint32_t>(place % first.height);
-    line.frame = first.frame + static_cast<std::uint32_t>(place / first.height);
+    line.y = static_cast<std::uint32_t>(row % first.height);
+    line.frame = first.frame + static_cast<std::uint32_t>(row / first.height);
     return line;
 }
 

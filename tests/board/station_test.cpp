@@ -47,13 +47,14 @@ TEST_F(VirtualStation, DeliversPicturesThroughTheRuntime) {
     // The default pattern: x, without y. The end of line 700 and 6.0005 ticks for 192 bytes.
     EXPECT_TRUE(record.data[0] == 0 && record.data[3 * 63] == 63 && record.data[192 + 2] == 0);
     EXPECT_EQ(record.arrival, 709U);
-    std::vector<std::uint8_t> place(768);
+    std::vector<std::uint8_t> destination(768);
     vboard_record apart{};
-    EXPECT_EQ(BOARD(vboard_frame_into)(memory, 2, place.data(), 767, &apart), VBOARD_TOO_SMALL);
+    EXPECT_EQ(BOARD(vboard_frame_into)(memory, 2, destination.data(), 767, &apart), VBOARD_TOO_SMALL);
     EXPECT_EQ(apart.size, 768U);
-    EXPECT_EQ(BOARD(vboard_frame_into)(memory, 2, place.data(), 768, &apart), VBOARD_OK);
-    EXPECT_TRUE(std::equal(place.begin(), place.end(), record.data) && apart.data == place.data());
-    EXPECT_EQ(BOARD(vboard_frame_into)(memory, 3, place.data(), 768, &apart), VBOARD_GONE);
+    EXPECT_EQ(BOARD(vboard_frame_into)(memory, 2, destination.data(), 768, &apart), VBOARD_OK);
+    EXPECT_TRUE(std::equal(destination.begin(), destination.end(), record.data) &&
+                apart.data == destination.data());
+    EXPECT_EQ(BOARD(vboard_frame_into)(memory, 3, destination.data(), 768, &apart), VBOARD_GONE);
     EXPECT_EQ(status(VBOARD_STATUS_TICK), 709);
     EXPECT_EQ(status(VBOARD_STATUS_LINES), 8);
     EXPECT_EQ(BOARD(vboard_advance)(device, 1000), 1709U);

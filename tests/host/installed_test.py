@@ -1,4 +1,4 @@
-"""An installed tree, moved to another place: its programs, packages and examples.
+"""An installed tree, moved to another folder: its programs, packages and examples.
 
 usage: installed_test.py CMAKE BUILD FOLDER LIBDIR
 """

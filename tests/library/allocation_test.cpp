@@ -73,8 +73,8 @@ TEST_F(Allocation, RoutedNumberAccessDoesNotAllocate) {
     EXPECT_EQ(countOf([&] { m_grabber.get(FG_NR_OF_PROCESSES, &word); }), 0);
     // Returning a text allocates it: this shows that the library's allocations are counted.
     EXPECT_GE(countOf([&] {
-                  alignas(8) char place[64] = "FG_WIDTH";
-                  m_grabber.get(FG_PARAM_DESCR, place, 0, FG_PARAM_ALLOCATED_STRING);
+                  alignas(8) char buffer[64] = "FG_WIDTH";
+                  m_grabber.get(FG_PARAM_DESCR, buffer, 0, FG_PARAM_ALLOCATED_STRING);
               }),
               1);
 }

@@ -18,11 +18,15 @@ namespace {
 using namespace support;
 
 /** A caller's buffer of this size that detects writes outside of it. */
-class Place {
+class GuardedBuffer {
 public:
-    explicit Place(std::size_t size) : m_bytes(size + 2 * guard, filler), m_size(size) {}
-    Place(const void* value, std::size_t size) : Place(size) { std::memcpy(data(), value, size); }
-    template <typename T> static Place of(const T& value) { return Place(&value, sizeof value); }
+    explicit GuardedBuffer(std::size_t size) : m_bytes(size + 2 * guard, filler), m_size(size) {}
+    GuardedBuffer(const void* value, std::size_t size) : GuardedBuffer(size) {
+        std::memcpy(data(), value, size);
+    }
+    template <typename T> static GuardedBuffer of(const T& value) {
+        return GuardedBuffer(&value, sizeof value);
+    }
 
     unsigned char* data() { return m_bytes.data() + guard; }
     template <typename T> T as() {
@@ -30,7 +34,7 @@ public:
         std::memcpy(&value, data(), sizeof value);
         return value;
     }
-    bool operator==(const Place&) const = default;
+    bool operator==(const GuardedBuffer&) const = default;
     bool isGuarded() const {
         return std::ranges::all_of(m_bytes, [&, i = std::size_t{0}](unsigned char byte) mutable {
             const bool isInside = i >= guard && i < guard + m_size;
@@ -80,45 +84,45 @@ protected:
     AnyId() : AppletLog(4) {}
 
     /** The caller's value of a parameter for a tag: the present value, in its own width. */
-    Place valueOf(int id, int tag) {
+    GuardedBuffer valueOf(int id, int tag) {
         const Parameter* parameter = find(id);
-        if (parameter == nullptr) return Place(std::string(32, '\0').data(), 32);
+        if (parameter == nullptr) return GuardedBuffer(std::string(32, '\0').data(), 32);
         if (parameter->kind == "UIntField" && tag == FG_PARAM_FIELD_ACCESS) {
             static FieldParameterAccess run; // static, so that its padding is 0: it is compared as well
             run.vtype = FG_PARAM_UINT32;
             run.count = 1;
             run.values = &element;
-            return Place::of(run);
+            return GuardedBuffer::of(run);
         }
-        if (parameter->kind == "UIntField") return Place::of(FieldParameterInt_s{element, 0});
-        if (parameter->kind == "Description") return Place("-\0\0\0\0\0\0", 8);
+        if (parameter->kind == "UIntField") return GuardedBuffer::of(FieldParameterInt_s{element, 0});
+        if (parameter->kind == "Description") return GuardedBuffer("-\0\0\0\0\0\0", 8);
         if (parameter->isText()) {
             const std::string value = text(id);
             return {value.c_str(), value.size() + 1};
         }
-        Place value(parameter->isWord() ? 4 : 8);
+        GuardedBuffer value(parameter->isWord() ? 4 : 8);
         EXPECT_EQ(grabber.get(id, value.data()), FG_OK);
         return value;
     }
     /** A buffer for it. */
-    Place placeFor(int id, int tag) {
+    GuardedBuffer bufferFor(int id, int tag) {
         const Parameter* parameter = find(id);
         const std::size_t least = tag == FG_PARAM_INT64 || tag == FG_PARAM_UINT64 ? 8 : 4;
-        if (parameter == nullptr) return Place(least);
+        if (parameter == nullptr) return GuardedBuffer(least);
         if (parameter->kind == "UIntField" || parameter->kind == "Description") return valueOf(id, tag);
         if (parameter->isText() && tag != FG_PARAM_ALLOCATED_STRING)
-            return Place(std::max(text(id).size() + 1, least));
-        return Place(parameter->isWord() ? least : 8);
+            return GuardedBuffer(std::max(text(id).size() + 1, least));
+        return GuardedBuffer(parameter->isWord() ? least : 8);
     }
     void expectTold(int code, const Lines& lines) {
         EXPECT_EQ(lastError(), code);
         EXPECT_EQ(take(), lines);
     }
     void get(int id, int tag, int dma) {
-        Place place = placeFor(id, tag), untouched = place;
+        GuardedBuffer buffer = bufferFor(id, tag), untouched = buffer;
         if (tag == FG_PARAM_INT64 || tag == FG_PARAM_UINT64) std::memset(untouched.data(), 0, 8);
         clearLog();
-        const int code = grabber.get(id, place.data(), dma, tag);
+        const int code = grabber.get(id, buffer.data(), dma, tag);
 
         const Parameter* parameter = find(id);
         const bool isRefused = id != FG_NR_OF_PROCESSES && (parameter == nullptr || dma != 0);
@@ -127,18 +131,18 @@ protected:
             isNumber) { // other results of the runtime are its own
             EXPECT_EQ(code, isRefused ? FG_ERR_INVALID_ARGUMENT : FG_OK);
         }
-        EXPECT_TRUE(place.isGuarded() && (code == FG_OK || place == untouched));
+        EXPECT_TRUE(buffer.isGuarded() && (code == FG_OK || buffer == untouched));
         EXPECT_TRUE(!isRefused || id > FG_DIRECT_PARAMETER_BASE || log().empty());
         const bool isLogged = parameter == nullptr && dma == 0 && id <= FG_DIRECT_PARAMETER_BASE;
         expectTold(code, isLogged ? unknown("get", id) : Lines{});
         if (code == FG_OK && tag == FG_PARAM_ALLOCATED_STRING && parameter->isText()) {
-            EXPECT_EQ(applet.Fg_freeParameterStringWithType(grabber.fg(), id, place.as<char*>(), 0, tag),
+            EXPECT_EQ(applet.Fg_freeParameterStringWithType(grabber.fg(), id, buffer.as<char*>(), 0, tag),
                       FG_OK);
         }
     }
     int set(int id, int tag, int dma) {
-        Place value = valueOf(id, tag);
-        const Place untouched = value;
+        GuardedBuffer value = valueOf(id, tag);
+        const GuardedBuffer untouched = value;
         clearLog();
         const int code = applet.Fg_setParameterWithType(grabber.fg(), id, value.data(), dma, tag);
 
@@ -161,8 +165,8 @@ protected:
         return code;
     }
     void freeText(int id, int tag, int dma) {
-        Place notOurs(8);
-        const Place untouched = notOurs;
+        GuardedBuffer notOurs(8);
+        const GuardedBuffer untouched = notOurs;
         int code = FG_OK;
         bool isThrown = false;
         try {
@@ -249,9 +253,9 @@ protected:
         for (const bool hasIn : {true, false})
             for (const bool hasOut : {true, false}) {
                 // A text for the query that reads one, and no object for those that take one.
-                Place in = stored.in > 0 ? Place(stored.in) : Place("FG_HIGH", 8);
-                Place out(stored.out > 0 ? stored.out : 8);
-                const Place oldIn = in, oldOut = out;
+                GuardedBuffer in = stored.in > 0 ? GuardedBuffer(stored.in) : GuardedBuffer("FG_HIGH", 8);
+                GuardedBuffer out(stored.out > 0 ? stored.out : 8);
+                const GuardedBuffer oldIn = in, oldOut = out;
                 const int answer =
                     applet.Info(code, arg1, arg2, hasIn ? in.data() : nullptr, hasOut ? out.data() : nullptr);
                 if (hasIn && hasOut) whole = answer;
@@ -274,7 +278,7 @@ protected:
     }
 };
 
-TEST_F(Questions, KnownAndRandomCodesWithAndWithoutPlaces) {
+TEST_F(Questions, KnownAndRandomCodesWithAndWithoutBuffers) {
     const Grabber grabber(1); // so that events are known
     const auto known = knownQuestions();
     ASSERT_EQ(known.size(), 40u);
@@ -311,10 +315,10 @@ std::vector<std::string> hardTexts() {
 class Texts : public ParameterTest {
 protected:
     std::string bufferOf(int id, std::size_t size) {
-        Place place(size + 1);
-        EXPECT_EQ(grabber.get(id, place.data(), 0, FG_PARAM_TEXT), FG_OK);
-        EXPECT_TRUE(place.isGuarded());
-        return reinterpret_cast<const char*>(place.data());
+        GuardedBuffer buffer(size + 1);
+        EXPECT_EQ(grabber.get(id, buffer.data(), 0, FG_PARAM_TEXT), FG_OK);
+        EXPECT_TRUE(buffer.isGuarded());
+        return reinterpret_cast<const char*>(buffer.data());
     }
     /** An accepted text is read back unchanged, into a buffer of its size. */
     void expectKept(int id, const std::string& value) {
@@ -330,7 +334,7 @@ TEST_F(Texts, SpecialTextsAreNeitherFormattedNorTruncated) {
         SCOPED_TRACE(value.substr(0, 20) + ", length " + std::to_string(value.size()));
         EXPECT_EQ(applet.Fg_getParameterIdByName(grabber.fg(), value.c_str()), FG_ERR_INVALID_ARGUMENT);
         EXPECT_EQ(applet.Fg_getEventMask(grabber.fg(), value.c_str()), 0u);
-        Place name(value.c_str(), std::max<std::size_t>(value.size() + 1, 2)); // the answer is "-"
+        GuardedBuffer name(value.c_str(), std::max<std::size_t>(value.size() + 1, 2)); // the answer is "-"
         EXPECT_EQ(applet.Info(FG_INFO_ENUM_VALUE, 0, 0, name.data(), nullptr), FG_ERR_INVALID_ARGUMENT);
         EXPECT_EQ(grabber.get(FG_PARAM_DESCR, name.data(), 0, FG_PARAM_TEXT), FG_OK);
         EXPECT_STREQ(reinterpret_cast<const char*>(name.data()), "-");

@@ -73,7 +73,7 @@ TEST_F(Api, TemporaryFileNames) {
         close(file);
         EXPECT_EQ(std::filesystem::status(name).permissions(), std::filesystem::perms(0600));
         name.replace(wanted.size() - 11, 6, "XXXXXX");
-        EXPECT_EQ(name, wanted) << "only the six places are filled in";
+        EXPECT_EQ(name, wanted) << "only the six characters are filled in";
     }
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder / ""), {}), 2);
 

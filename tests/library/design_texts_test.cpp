@@ -15,9 +15,9 @@ protected:
 
     /** A design text is copied completely into the caller's buffer; only an allocated one is truncated. */
     void expectText(int id, const std::string& expected) {
-        std::string place(expected.size() + 1, '?');
-        EXPECT_EQ(grabber.get(id, place.data(), 0, FG_PARAM_TEXT), FG_OK);
-        EXPECT_TRUE(place == expected + '\0') << expected.size();
+        std::string buffer(expected.size() + 1, '?');
+        EXPECT_EQ(grabber.get(id, buffer.data(), 0, FG_PARAM_TEXT), FG_OK);
+        EXPECT_TRUE(buffer == expected + '\0') << expected.size();
         EXPECT_TRUE(text(id) == expected.substr(0, longestAllocated)) << expected.size();
     }
 };

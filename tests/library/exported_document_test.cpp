@@ -56,29 +56,29 @@ protected:
 TEST_F(ExportedDocument, SizesAndCodes) {
     unsigned long needed = 7;
     ASSERT_EQ(call(0, nullptr, &needed), 0);
-    std::string place(needed + 8, '?');
+    std::string buffer(needed + 8, '?');
     for (const unsigned long capacity : {1ul, needed - 1}) { // without room for the terminating null
         unsigned long size = capacity;
-        EXPECT_EQ(call(0, place.data(), &size), FG_ERR_BUFFER);
+        EXPECT_EQ(call(0, buffer.data(), &size), FG_ERR_BUFFER);
         EXPECT_EQ(size, capacity);
     }
     unsigned long zero = 0;
     for (const int index : {0, 1, -1}) // checked before the tree
-        EXPECT_EQ(call(index, place.data(), &zero), FG_ERR_BUFFER);
+        EXPECT_EQ(call(index, buffer.data(), &zero), FG_ERR_BUFFER);
     for (const int index : {1, -1, 2147483647}) {
-        EXPECT_EQ(call(index, place.data(), &needed), FG_ERR_NO_TRANSLATION);
+        EXPECT_EQ(call(index, buffer.data(), &needed), FG_ERR_NO_TRANSLATION);
         EXPECT_EQ(call(index, nullptr, &zero), FG_ERR_NO_TRANSLATION);
     }
-    EXPECT_EQ(call(0, place.data(), nullptr), FG_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(call(0, buffer.data(), nullptr), FG_ERR_INVALID_ARGUMENT);
     EXPECT_EQ(call(0, nullptr, nullptr), FG_ERR_INVALID_ARGUMENT);
-    EXPECT_EQ(place, std::string(place.size(), '?')) << "a failure writes nothing";
+    EXPECT_EQ(buffer, std::string(buffer.size(), '?')) << "a failure writes nothing";
 
     for (const unsigned long capacity : {needed, needed + 5}) {
         unsigned long size = capacity;
-        EXPECT_EQ(call(0, place.data(), &size), 0);
+        EXPECT_EQ(call(0, buffer.data(), &size), 0);
         EXPECT_EQ(size, needed);
-        EXPECT_EQ(place.find('\0'), needed - 1);
-        EXPECT_EQ(place.substr(needed), std::string(8, '?'));
+        EXPECT_EQ(buffer.find('\0'), needed - 1);
+        EXPECT_EQ(buffer.substr(needed), std::string(8, '?'));
     }
 }
 

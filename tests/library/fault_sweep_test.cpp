@@ -191,12 +191,12 @@ protected:
             m_grabber->clearLog();
             board.fail_access(device(), static_cast<unsigned>(k), injectedCode, how);
             const int code = codeOf(faultFree[k - 1]);
-            std::uint64_t place = guard;
+            std::uint64_t value = guard;
             EXPECT_EQ(
-                m_grabber->get(p.id, &place, 0, p.isText() ? FG_PARAM_ALLOCATED_STRING : FG_PARAM_INT32),
+                m_grabber->get(p.id, &value, 0, p.isText() ? FG_PARAM_ALLOCATED_STRING : FG_PARAM_INT32),
                 code);
             EXPECT_EQ(m_grabber->lastError(), code);
-            EXPECT_EQ(place, guard);
+            EXPECT_EQ(value, guard);
             EXPECT_EQ(m_grabber->log(), cutAt(faultFree, k, how));
             board.fail_access(device(), 0, 0, VBOARD_ONCE);
             Bytes again;
@@ -250,12 +250,12 @@ private:
             readTable(p);
             return words(m_table);
         }
-        std::uint64_t place = 0;
-        EXPECT_EQ(m_grabber->get(p.id, &place, 0, p.isText() ? FG_PARAM_ALLOCATED_STRING : FG_PARAM_INT32),
+        std::uint64_t value = 0;
+        EXPECT_EQ(m_grabber->get(p.id, &value, 0, p.isText() ? FG_PARAM_ALLOCATED_STRING : FG_PARAM_INT32),
                   FG_OK)
             << p.name;
-        if (!p.isText()) return bytesOf(place);
-        auto* handedOut = std::bit_cast<char*>(place);
+        if (!p.isText()) return bytesOf(value);
+        auto* handedOut = std::bit_cast<char*>(value);
         Bytes text = handedOut;
         EXPECT_EQ(applet.Fg_freeParameterStringWithType(fg(), p.id, handedOut, 0, FG_PARAM_ALLOCATED_STRING),
                   FG_OK);

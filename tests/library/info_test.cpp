@@ -118,9 +118,9 @@ TEST_F(InfoTest, InstanceWithoutABoard) {
                          FG_SYSTEMMONITOR_FPGA_TEMPERATURE, FG_SYSTEMMONITOR_FPGA_DNA,
                          FG_SYSTEMMONITOR_CURRENT_LINK_WIDTH, FG_SYSTEMMONITOR_EXTENSION_CONNECTOR_PRESENT,
                          FG_SIGNAL_ANALYZER_0_PERIOD_MIN, FG_SIGNAL_ANALYZER_1_PULSE_COUNT}) {
-        char place[] = "untouched";
-        EXPECT_EQ(applet.Fg_getParameterWithType(handle.fg(), id, place, 0, FG_PARAM_TEXT), 0) << id;
-        EXPECT_STREQ(place, "untouched") << id;
+        char buffer[] = "untouched";
+        EXPECT_EQ(applet.Fg_getParameterWithType(handle.fg(), id, buffer, 0, FG_PARAM_TEXT), 0) << id;
+        EXPECT_STREQ(buffer, "untouched") << id;
     }
     EXPECT_EQ(destroy(instance), 0);
     EXPECT_EQ(live("designs"), designs);

@@ -113,11 +113,11 @@ int setText(Grabber& grabber, int id, const std::string& text) {
 /** Reads an allocated text and frees it. */
 auto handedOut(int id) {
     return [id](Grabber& grabber) {
-        alignas(char*) char place[64] = "FG_WIDTH";
-        const int code = grabber.get(id, place, 0, FG_PARAM_ALLOCATED_STRING);
+        alignas(char*) char buffer[64] = "FG_WIDTH";
+        const int code = grabber.get(id, buffer, 0, FG_PARAM_ALLOCATED_STRING);
         if (code != FG_OK) return code;
         char* text = nullptr;
-        std::memcpy(&text, place, sizeof text);
+        std::memcpy(&text, buffer, sizeof text);
         return host().applet().Fg_freeParameterStringWithType(grabber.fg(), id, text, 0,
                                                               FG_PARAM_ALLOCATED_STRING);
     };

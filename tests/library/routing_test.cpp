@@ -21,7 +21,7 @@ protected:
 
     AppletLog log{4};
     /** The argument of a get of FG_PARAM_DESCR: a name as input; a text or a pointer as output. */
-    alignas(8) char place[1024] = "";
+    alignas(8) char buffer[1024] = "";
 };
 
 TEST_F(Routing, IdsServedByTheRuntime) {
@@ -118,12 +118,12 @@ TEST_F(Routing, DescriptionsOfAllParameters) {
         rows.push_back(std::string(unknown) + "\t-");
     for (const std::string& row : rows) {
         const std::string of = row.substr(0, row.find('\t')), text = row.substr(row.find('\t') + 1);
-        EXPECT_EQ(grabber.get(FG_PARAM_DESCR, std::strcpy(place, of.c_str()), 0, FG_PARAM_TEXT), 0);
-        EXPECT_EQ(place, text) << of;
-        std::strcpy(place, of.c_str());
-        EXPECT_EQ(grabber.get(FG_PARAM_DESCR, place, 0, FG_PARAM_ALLOCATED_STRING), 0);
+        EXPECT_EQ(grabber.get(FG_PARAM_DESCR, std::strcpy(buffer, of.c_str()), 0, FG_PARAM_TEXT), 0);
+        EXPECT_EQ(buffer, text) << of;
+        std::strcpy(buffer, of.c_str());
+        EXPECT_EQ(grabber.get(FG_PARAM_DESCR, buffer, 0, FG_PARAM_ALLOCATED_STRING), 0);
         char* handedOut = nullptr;
-        std::memcpy(&handedOut, place, sizeof handedOut);
+        std::memcpy(&handedOut, buffer, sizeof handedOut);
         EXPECT_EQ(handedOut, text) << of;
     } // those not freed are released with the object
 }
@@ -131,9 +131,9 @@ TEST_F(Routing, DescriptionsOfAllParameters) {
 TEST_F(Routing, TextsBelongToTheObjectUntilFreedOnce) {
     Grabber grabber(0), other(0);
     const auto description = [&] {
-        char* text = std::strcpy(place, "FG_WIDTH");
+        char* text = std::strcpy(buffer, "FG_WIDTH");
         EXPECT_EQ(grabber.get(FG_PARAM_DESCR, text, 0, FG_PARAM_ALLOCATED_STRING), 0);
-        std::memcpy(&text, place, sizeof text);
+        std::memcpy(&text, buffer, sizeof text);
         return text;
     };
     char *const first = description(), *const second = description();

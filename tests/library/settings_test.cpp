@@ -152,9 +152,9 @@ protected:
     /** The value as text, or the code of the failure. */
     std::string read(const RegisterInfo& record) {
         if (record.kind == REGISTER_KIND_STRING) {
-            std::array<char, 8192> place{};
-            const int code = grabber.get(record.id, place.data(), 0, FG_PARAM_TEXT);
-            return code == FG_OK ? "'" + std::string(place.data()) + "'" : std::to_string(code);
+            std::array<char, 8192> buffer{};
+            const int code = grabber.get(record.id, buffer.data(), 0, FG_PARAM_TEXT);
+            return code == FG_OK ? "'" + std::string(buffer.data()) + "'" : std::to_string(code);
         }
         return withNumber(record, [&](auto value) {
             const int code = grabber.get(record.id, &value, 0, tagOf<decltype(value)>);

@@ -72,10 +72,10 @@ template <typename T> T live(const T& field) {
 }
 
 std::string documentOf(Grabber& grabber) {
-    std::string place(200000, '\0');
-    unsigned long size = place.size();
-    EXPECT_EQ(host().applet().Fg_getParameterInfoXML(grabber.fg(), 0, place.data(), &size), FG_OK);
-    return place.substr(0, size - 1);
+    std::string buffer(200000, '\0');
+    unsigned long size = buffer.size();
+    EXPECT_EQ(host().applet().Fg_getParameterInfoXML(grabber.fg(), 0, buffer.data(), &size), FG_OK);
+    return buffer.substr(0, size - 1);
 }
 
 /** A document without the parts that sets change. */
@@ -221,22 +221,22 @@ TEST_F(Threads, EachOpensAndFreesItsOwnHandles) {
 TEST_F(Threads, TextsAreFreedByOtherThreads) {
     Grabber grabber(0);
     const std::set<std::string> files = {"", "short", std::string(3000, 'x')};
-    std::array<std::atomic<char*>, threadCount / 2> handedOver{}; // one place for each pair of threads
+    std::array<std::atomic<char*>, threadCount / 2> handedOver{}; // one slot for each pair of threads
     std::atomic<int> wrong{0};
     stress(threadCount, textsOfEach, [&](int thread, int turn) {
-        std::atomic<char*>& place = handedOver[static_cast<std::size_t>(thread) / 2];
+        std::atomic<char*>& slot = handedOver[static_cast<std::size_t>(thread) / 2];
         const int id = thread % 4 < 2 ? FG_DEBUGFILE : FG_LUT_CUSTOM_FILE;
         char* text = nullptr;
         if (thread % 2 == 0) { // reads texts while others change them
             if (grabber.get(id, &text, 0, FG_PARAM_ALLOCATED_STRING) != FG_OK) ++wrong;
-            while (place != nullptr)
+            while (slot != nullptr)
                 std::this_thread::yield();
-            place = text;
+            slot = text;
             const auto file = std::next(files.begin(), turn % 3);
             applet.Fg_setParameterWithType(grabber.fg(), id, file->c_str(), 0, FG_PARAM_TEXT);
             return;
         }
-        while ((text = place.exchange(nullptr)) == nullptr)
+        while ((text = slot.exchange(nullptr)) == nullptr)
             std::this_thread::yield();
         if (!files.contains(text)) ++wrong;
         if (applet.Fg_freeParameterStringWithType(grabber.fg(), id, text, 0, FG_PARAM_ALLOCATED_STRING) !=

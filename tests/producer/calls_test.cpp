@@ -21,7 +21,7 @@ struct Arguments {
     BUFFER_HANDLE buffer = nullptr;
     std::int32_t command = 0;
     INFO_DATATYPE* type = nullptr;
-    void* place = nullptr; // for output
+    void* output = nullptr;
     size_t* size = nullptr;
 };
 
@@ -32,12 +32,12 @@ struct Call {
     Needs needs;
     std::function<GC_ERROR(const Arguments&)> call;
     /** With a null buffer: success if only the size is requested. */
-    GC_ERROR withoutPlace = GC_ERR_INVALID_PARAMETER;
+    GC_ERROR withoutOutput = GC_ERR_INVALID_PARAMETER;
     const char* info = nullptr; // types of its answers by command, see below
 };
 
 using A = const Arguments&;
-template <typename T> T* as(void* place) { return static_cast<T*>(place); }
+template <typename T> T* as(void* pointer) { return static_cast<T*>(pointer); }
 
 // s text, b bool8, z size_t, p pointer, 4 int32, 5 uint32, 8 uint64; - no answer now. Others are unknown.
 constexpr const char* systemInfo = "ssssssss455";
@@ -45,66 +45,67 @@ constexpr const char* deviceInfo = "sssss4-ss8";
 
 const Call calls[] = {
     {"GCCloseLib", Needs::nothing, nullptr},
-    {"GCGetInfo", Needs::nothing, [](A a) { return GCGetInfo(a.command, a.type, a.place, a.size); }, 0,
+    {"GCGetInfo", Needs::nothing, [](A a) { return GCGetInfo(a.command, a.type, a.output, a.size); }, 0,
      systemInfo},
     {"GCGetLastError", Needs::nothing,
-     [](A a) { return GCGetLastError(as<GC_ERROR>(a.place), nullptr, a.size); }},
+     [](A a) { return GCGetLastError(as<GC_ERROR>(a.output), nullptr, a.size); }},
     {"TLOpen", Needs::nothing, nullptr},
-    {"TLGetInfo", Needs::system, [](A a) { return TLGetInfo(a.handle, a.command, a.type, a.place, a.size); },
+    {"TLGetInfo", Needs::system, [](A a) { return TLGetInfo(a.handle, a.command, a.type, a.output, a.size); },
      0, systemInfo},
     {"TLGetNumInterfaces", Needs::system,
-     [](A a) { return TLGetNumInterfaces(a.handle, as<uint32_t>(a.place)); }},
+     [](A a) { return TLGetNumInterfaces(a.handle, as<uint32_t>(a.output)); }},
     {"TLGetInterfaceID", Needs::system,
-     [](A a) { return TLGetInterfaceID(a.handle, 0, as<char>(a.place), a.size); }, 0},
+     [](A a) { return TLGetInterfaceID(a.handle, 0, as<char>(a.output), a.size); }, 0},
     {"TLGetInterfaceInfo", Needs::system,
-     [](A a) { return TLGetInterfaceInfo(a.handle, interfaceId, a.command, a.type, a.place, a.size); }, 0,
+     [](A a) { return TLGetInterfaceInfo(a.handle, interfaceId, a.command, a.type, a.output, a.size); }, 0,
      "sss"},
     {"TLUpdateInterfaceList", Needs::system,
-     [](A a) { return TLUpdateInterfaceList(a.handle, as<bool8_t>(a.place), 0); }, 0},
+     [](A a) { return TLUpdateInterfaceList(a.handle, as<bool8_t>(a.output), 0); }, 0},
     {"IFGetInfo", Needs::interface,
-     [](A a) { return IFGetInfo(a.handle, a.command, a.type, a.place, a.size); }, 0, "sss"},
+     [](A a) { return IFGetInfo(a.handle, a.command, a.type, a.output, a.size); }, 0, "sss"},
     {"IFGetNumDevices", Needs::interface,
-     [](A a) { return IFGetNumDevices(a.handle, as<uint32_t>(a.place)); }},
+     [](A a) { return IFGetNumDevices(a.handle, as<uint32_t>(a.output)); }},
     {"IFGetDeviceID", Needs::interface,
-     [](A a) { return IFGetDeviceID(a.handle, 0, as<char>(a.place), a.size); }, 0},
+     [](A a) { return IFGetDeviceID(a.handle, 0, as<char>(a.output), a.size); }, 0},
     {"IFUpdateDeviceList", Needs::interface,
-     [](A a) { return IFUpdateDeviceList(a.handle, as<bool8_t>(a.place), 0); }, 0},
+     [](A a) { return IFUpdateDeviceList(a.handle, as<bool8_t>(a.output), 0); }, 0},
     {"IFGetDeviceInfo", Needs::interface,
-     [](A a) { return IFGetDeviceInfo(a.handle, deviceId, a.command, a.type, a.place, a.size); }, 0,
+     [](A a) { return IFGetDeviceInfo(a.handle, deviceId, a.command, a.type, a.output, a.size); }, 0,
      deviceInfo},
-    {"IFGetParentTL", Needs::interface, [](A a) { return IFGetParentTL(a.handle, as<void*>(a.place)); }},
-    {"DevGetPort", Needs::device, [](A a) { return DevGetPort(a.handle, as<void*>(a.place)); }},
+    {"IFGetParentTL", Needs::interface, [](A a) { return IFGetParentTL(a.handle, as<void*>(a.output)); }},
+    {"DevGetPort", Needs::device, [](A a) { return DevGetPort(a.handle, as<void*>(a.output)); }},
     {"DevGetNumDataStreams", Needs::device,
-     [](A a) { return DevGetNumDataStreams(a.handle, as<uint32_t>(a.place)); }},
+     [](A a) { return DevGetNumDataStreams(a.handle, as<uint32_t>(a.output)); }},
     {"DevGetDataStreamID", Needs::device,
-     [](A a) { return DevGetDataStreamID(a.handle, 0, as<char>(a.place), a.size); }, 0},
+     [](A a) { return DevGetDataStreamID(a.handle, 0, as<char>(a.output), a.size); }, 0},
     {"DevGetInfo", Needs::device,
-     [](A a) { return DevGetInfo(a.handle, a.command, a.type, a.place, a.size); }, 0, deviceInfo},
-    {"DevGetParentIF", Needs::device, [](A a) { return DevGetParentIF(a.handle, as<void*>(a.place)); }},
+     [](A a) { return DevGetInfo(a.handle, a.command, a.type, a.output, a.size); }, 0, deviceInfo},
+    {"DevGetParentIF", Needs::device, [](A a) { return DevGetParentIF(a.handle, as<void*>(a.output)); }},
     {"DSAnnounceBuffer", Needs::stream,
-     [](A a) { return DSAnnounceBuffer(a.handle, a.place, 16, nullptr, as<void*>(a.place)); }},
+     [](A a) { return DSAnnounceBuffer(a.handle, a.output, 16, nullptr, as<void*>(a.output)); }},
     {"DSAllocAndAnnounceBuffer", Needs::stream,
-     [](A a) { return DSAllocAndAnnounceBuffer(a.handle, 16, nullptr, as<void*>(a.place)); }},
+     [](A a) { return DSAllocAndAnnounceBuffer(a.handle, 16, nullptr, as<void*>(a.output)); }},
     {"DSFlushQueue", Needs::stream, [](A a) { return DSFlushQueue(a.handle, ACQ_QUEUE_OUTPUT_DISCARD); }, 0},
-    {"DSGetInfo", Needs::stream, [](A a) { return DSGetInfo(a.handle, a.command, a.type, a.place, a.size); },
+    {"DSGetInfo", Needs::stream, [](A a) { return DSGetInfo(a.handle, a.command, a.type, a.output, a.size); },
      0, "s88zzz8zbbszzz"},
-    {"DSGetBufferID", Needs::stream, [](A a) { return DSGetBufferID(a.handle, 0, as<void*>(a.place)); }},
+    {"DSGetBufferID", Needs::stream, [](A a) { return DSGetBufferID(a.handle, 0, as<void*>(a.output)); }},
     {"DSGetBufferInfo", Needs::stream,
-     [](A a) { return DSGetBufferInfo(a.handle, a.buffer, a.command, a.type, a.place, a.size); }, 0,
+     [](A a) { return DSGetBufferInfo(a.handle, a.buffer, a.command, a.type, a.output, a.size); }, 0,
      "pzp-bbbbs--------b-z---------bbb"},
-    {"DSGetParentDev", Needs::stream, [](A a) { return DSGetParentDev(a.handle, as<void*>(a.place)); }},
-    {"GCGetNumPortURLs", Needs::port, [](A a) { return GCGetNumPortURLs(a.handle, as<uint32_t>(a.place)); }},
-    {"GCGetPortURL", Needs::port, [](A a) { return GCGetPortURL(a.handle, as<char>(a.place), a.size); }, 0},
+    {"DSGetParentDev", Needs::stream, [](A a) { return DSGetParentDev(a.handle, as<void*>(a.output)); }},
+    {"GCGetNumPortURLs", Needs::port, [](A a) { return GCGetNumPortURLs(a.handle, as<uint32_t>(a.output)); }},
+    {"GCGetPortURL", Needs::port, [](A a) { return GCGetPortURL(a.handle, as<char>(a.output), a.size); }, 0},
     {"GCGetPortURLInfo", Needs::port,
-     [](A a) { return GCGetPortURLInfo(a.handle, 0, a.command, a.type, a.place, a.size); }, 0, "s44444-884s"},
+     [](A a) { return GCGetPortURLInfo(a.handle, 0, a.command, a.type, a.output, a.size); }, 0,
+     "s44444-884s"},
     {"GCGetPortInfo", Needs::port,
-     [](A a) { return GCGetPortInfo(a.handle, a.command, a.type, a.place, a.size); }, 0, "sssssbbbbbbss"},
+     [](A a) { return GCGetPortInfo(a.handle, a.command, a.type, a.output, a.size); }, 0, "sssssbbbbbbss"},
     {"EventGetInfo", Needs::event,
-     [](A a) { return EventGetInfo(a.handle, a.command, a.type, a.place, a.size); }, 0, "4z8zz"},
+     [](A a) { return EventGetInfo(a.handle, a.command, a.type, a.output, a.size); }, 0, "4z8zz"},
     {"EventGetDataInfo", Needs::event,
      [](A a) {
          const EVENT_NEW_BUFFER_DATA data{a.buffer, nullptr};
-         return EventGetDataInfo(a.handle, &data, sizeof data, a.command, a.type, a.place, a.size);
+         return EventGetDataInfo(a.handle, &data, sizeof data, a.command, a.type, a.output, a.size);
      },
      0, "pp-"},
     {"EventFlush", Needs::event, [](A a) { return EventFlush(a.handle); }, 0},
@@ -197,7 +198,7 @@ const Step steps[] = {
      [](S s, void*) { return DSFlushQueue(s.stream, ACQ_QUEUE_INPUT_TO_OUTPUT); }},
     {"queue one in the output", GC_ERR_RESOURCE_IN_USE,
      [](S s, void* b) { return DSQueueBuffer(s.stream, b); }},
-    {"small place", GC_ERR_BUFFER_TOO_SMALL,
+    {"small buffer", GC_ERR_BUFFER_TOO_SMALL,
      [](S s, void*) { return EventGetData(s.event, room.data(), &sized(8), 0); }},
     {"unseen", GC_ERR_SUCCESS, [](S s, void*) { return EventGetData(s.event, nullptr, &sized(0), 0); }},
     {"revoke", GC_ERR_SUCCESS, [](S s, void* b) { return DSRevokeBuffer(s.stream, b, nullptr, nullptr); }},
@@ -249,7 +250,7 @@ protected:
         support::ok(IFUpdateDeviceList(session.interface, nullptr, 0));
         support::ok(DSAllocAndAnnounceBuffer(session.stream, 16, nullptr, &arguments.buffer));
         arguments.type = &type;
-        arguments.place = place.data();
+        arguments.output = output.data();
         arguments.size = &size;
     }
     void* handleFor(Needs needs) {
@@ -258,24 +259,24 @@ protected:
         return handles[static_cast<size_t>(needs)];
     }
     GC_ERROR make(const Call& call) {
-        size = place.size();
+        size = output.size();
         return call.call(arguments);
     }
 
     support::ProducerSession session;
     Arguments arguments;
     INFO_DATATYPE type = 0;
-    alignas(std::max_align_t) std::array<char, 1024> place{};
+    alignas(std::max_align_t) std::array<char, 1024> output{};
     size_t size = 0;
 };
 
 TEST(ProducerState, NothingWorksBeforeTheStart) {
     INFO_DATATYPE type = 0;
-    char place[64];
-    size_t length = sizeof place;
+    char output[64];
+    size_t length = sizeof output;
     for (const Call& call : calls) {
         if (!call.call) continue;
-        EXPECT_EQ(call.call({nullptr, nullptr, 0, &type, place, &length}), GC_ERR_NOT_INITIALIZED)
+        EXPECT_EQ(call.call({nullptr, nullptr, 0, &type, output, &length}), GC_ERR_NOT_INITIALIZED)
             << call.name;
     }
     EXPECT_EQ(GCCloseLib(), GC_ERR_NOT_INITIALIZED);
@@ -291,7 +292,7 @@ TEST_P(ProducerCalls, WrongHandlesAreRecognised) {
     int onTheStack = 0;
     for (const Call& call : calls) {
         if (call.needs == Needs::nothing) continue;
-        void* const wrongs[] = {nullptr, closed, &onTheStack, place.data() + 1};
+        void* const wrongs[] = {nullptr, closed, &onTheStack, output.data() + 1};
         for (void* wrong : wrongs) {
             arguments.handle = wrong;
             EXPECT_EQ(make(call), GC_ERR_INVALID_HANDLE) << call.name;
@@ -309,9 +310,9 @@ TEST_P(ProducerCalls, NullPointersAreRecognised) {
         if (!call.call) continue;
         arguments.handle = handleFor(call.needs);
         EXPECT_EQ(make(call), GC_ERR_SUCCESS) << call.name;
-        arguments.place = nullptr;
-        EXPECT_EQ(make(call), call.withoutPlace) << call.name;
-        arguments.place = place.data();
+        arguments.output = nullptr;
+        EXPECT_EQ(make(call), call.withoutOutput) << call.name;
+        arguments.output = output.data();
         if (call.info == nullptr) continue;
         arguments.size = nullptr;
         EXPECT_EQ(make(call), GC_ERR_INVALID_PARAMETER) << call.name;
@@ -335,10 +336,10 @@ TEST_P(ProducerCalls, EachCommandReturnsItsType) {
             found += code == GC_ERR_NOT_AVAILABLE ? '-' : code == GC_ERR_SUCCESS ? letterOf(type) : '!';
             if (code != GC_ERR_SUCCESS) continue;
             const size_t whole = size;
-            arguments.place = nullptr;
+            arguments.output = nullptr;
             EXPECT_TRUE(make(call) == GC_ERR_SUCCESS && size == whole)
                 << call.name << ' ' << arguments.command;
-            arguments.place = place.data();
+            arguments.output = output.data();
             size = whole - 1;
             EXPECT_EQ(call.call(arguments), GC_ERR_BUFFER_TOO_SMALL) << call.name << ' ' << arguments.command;
         }

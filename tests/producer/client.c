@@ -34,7 +34,7 @@ static void* find(const char* name) {
 
 /* The description of a module; the caller frees it. */
 static char* descriptionOf(PORT_HANDLE port, const char* module) {
-    char text[1024], *place, *description;
+    char text[1024], *part, *description;
     size_t size = sizeof text;
     INFO_DATATYPE type = 0;
     uint32_t count = 0;
@@ -45,24 +45,24 @@ static char* descriptionOf(PORT_HANDLE port, const char* module) {
     size = sizeof text;
     OK(CALL(GCGetPortURLInfo)(port, 0, URL_INFO_URL, &type, text, &size));
     check(strncmp(text, "local:///", 9) == 0, "a local URL");
-    place = strchr(text, ';');
+    part = strchr(text, ';');
     size_t length = 0;
     uint64_t address = 0;
-    check(place != NULL, "a place in the URL");
-    if (place == NULL) exit(1);
-    address = strtoull(place + 1, &place, 16);
-    length = strtoull(place + 1, &place, 16);
-    check(strcmp(place, "?SchemaVersion=1.1.0") == 0, "the version of the schema");
+    check(part != NULL, "a part of the URL");
+    if (part == NULL) exit(1);
+    address = strtoull(part + 1, &part, 16);
+    length = strtoull(part + 1, &part, 16);
+    check(strcmp(part, "?SchemaVersion=1.1.0") == 0, "the version of the schema");
     description = calloc(length + 1, 1);
     size = length;
     OK(CALL(GCReadPort)(port, address, description, &size));
     check(size == length && strncmp(description, "<?xml", 5) == 0, "a description");
     size = sizeof text;
     OK(CALL(GCGetPortInfo)(port, PORT_INFO_PORTNAME, &type, text, &size));
-    place = malloc(strlen(text) + 16);
-    sprintf(place, "<Port Name=\"%s\"", text);
-    check(strstr(description, place) != NULL, "the port's node");
-    free(place);
+    part = malloc(strlen(text) + 16);
+    sprintf(part, "<Port Name=\"%s\"", text);
+    check(strstr(description, part) != NULL, "the port's node");
+    free(part);
     return description;
 }
 
@@ -70,10 +70,10 @@ static char* descriptionOf(PORT_HANDLE port, const char* module) {
 static uint64_t addressOf(const char* description, const char* feature) {
     char node[128];
     sprintf(node, "Name=\"%s_Value\"", feature);
-    const char* place = strstr(description, node);
-    place = place != NULL ? strstr(place, "<Address>") : NULL;
-    check(place != NULL, feature);
-    return place != NULL ? strtoull(place + 9, NULL, 16) : 0;
+    const char* found = strstr(description, node);
+    found = found != NULL ? strstr(found, "<Address>") : NULL;
+    check(found != NULL, feature);
+    return found != NULL ? strtoull(found + 9, NULL, 16) : 0;
 }
 
 static int64_t get(PORT_HANDLE port, const char* description, const char* feature) {

@@ -3,7 +3,7 @@
 #include "support/producer_session.h"
 #include "support/temporary_folder.h"
 
-#include "serve/StationPlace.h"
+#include "serve/StationLocation.h"
 #include "serve/local_socket.h"
 #include "station_channel/ChannelSocket.h"
 #include "station_channel/SharedMemory.h"
@@ -37,7 +37,7 @@ public:
 
     explicit FakeStation(Special special)
         : m_special(std::move(special))
-        , m_listening(serve::listenAt(serve::placeOf(name).channel, SOCK_SEQPACKET))
+        , m_listening(serve::listenAt(serve::locationOf(name).channel, SOCK_SEQPACKET))
         , m_thread([this] { work(); }) {}
     ~FakeStation() {
         shutdown(m_listening.number(), SHUT_RDWR);
@@ -102,8 +102,8 @@ protected:
     ServedStation() {
         setenv("XDG_RUNTIME_DIR", (m_folder / "").c_str(), 1);
         serve::makeStationFolder();
-        m_lock = serve::lockPlace(serve::placeOf(name));
-        support::writeFile(serve::placeOf(name).socket, "");
+        m_lock = serve::lockStation(serve::locationOf(name));
+        support::writeFile(serve::locationOf(name).socket, "");
     }
     ~ServedStation() override { unsetenv("XDG_RUNTIME_DIR"); }
 

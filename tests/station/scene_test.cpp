@@ -5,7 +5,7 @@
 namespace station {
 namespace {
 
-TEST(StationScene, EncoderFollowsThePlaceOfTheBelt) {
+TEST(StationScene, EncoderFollowsThePositionOfTheBelt) {
     // Edges of the inputs: forward, standing, backward, and so on. A quarter step is 7 um, the first one half of it.
     const std::vector<SpeedPiece> profile{{50'000, 0, 900'000},
                                           {30'000, 900'000, 900'000},
@@ -17,7 +17,7 @@ TEST(StationScene, EncoderFollowsThePlaceOfTheBelt) {
     run.advanceTo(1000);
     BeltSetup belt{.pieces = profile, .encoderA = 4, .encoderB = 5, .step = step};
     ASSERT_TRUE(run.station.setBelt(belt));
-    const Belt place(run.station.from(), profile);
+    const Belt reference(run.station.from(), profile);
     run.advanceTo(400'000);
     std::vector<Tick> edges;
     for (const std::uint8_t track : {std::uint8_t{25}, std::uint8_t{26}})
@@ -25,7 +25,7 @@ TEST(StationScene, EncoderFollowsThePlaceOfTheBelt) {
             edges.push_back(edge.tick);
     ASSERT_GT(edges.size(), 200U);
     const auto stepAt = [&](Tick tick) {
-        const std::int64_t half = place.place(tick) + step / 2;
+        const std::int64_t half = reference.position(tick) + step / 2;
         return half >= 0 ? half / step : -((step - 1 - half) / step);
     };
     std::size_t crossings = 0;

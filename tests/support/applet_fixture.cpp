@@ -179,7 +179,7 @@ AppletLog::AppletLog(int level) : m_file(-1), m_standardError(dup(STDERR_FILENO)
     setenv("VBOARD_LOG_LEVEL", std::to_string(level).c_str(), 1);
     char path[] = "/tmp/applet-log-XXXXXX";
     m_file = mkstemp(path);
-    if (m_file < 0 || m_standardError < 0) throw std::runtime_error("no place for log lines");
+    if (m_file < 0 || m_standardError < 0) throw std::runtime_error("no file for log lines");
     unlink(path);
     dup2(m_file, STDERR_FILENO);
 }

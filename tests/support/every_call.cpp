@@ -65,7 +65,7 @@ int sizeOfDocument(Fg_Struct* fg) {
     return api().Fg_getParameterInfoXML(fg, 0, nullptr, &size);
 }
 
-int fileWithoutPlaces() {
+int fileWithoutPlaceholder() {
     char pattern[] = "abc";
     return api().mkstemps(pattern, 0);
 }
@@ -128,7 +128,7 @@ std::vector<Call> everyCall(const std::string& saved) {
         added.badHandle = usual;
     };
     addWithoutHandle("Info", 1880, [] { return api().Info(2176, 0, 0, nullptr, nullptr); });
-    addWithoutHandle("mkstemps", -1, fileWithoutPlaces);
+    addWithoutHandle("mkstemps", -1, fileWithoutPlaceholder);
     return all;
 }
 

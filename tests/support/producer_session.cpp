@@ -33,13 +33,13 @@ ProducerSession::~ProducerSession() { GCCloseLib(); }
 std::uint64_t ProducerSession::address(const std::string& node) {
     if (description.empty()) {
         INFO_DATATYPE type = 0;
-        std::uint64_t place = 0, length = 0;
-        size_t size = sizeof place;
-        ok(GCGetPortURLInfo(port, 0, URL_INFO_FILE_REGISTER_ADDRESS, &type, &place, &size));
+        std::uint64_t address = 0, length = 0;
+        size_t size = sizeof address;
+        ok(GCGetPortURLInfo(port, 0, URL_INFO_FILE_REGISTER_ADDRESS, &type, &address, &size));
         ok(GCGetPortURLInfo(port, 0, URL_INFO_FILE_SIZE, &type, &length, &size));
         description.resize(length);
         size = length;
-        ok(GCReadPort(port, place, description.data(), &size));
+        ok(GCReadPort(port, address, description.data(), &size));
     }
     const size_t start = description.find(" Name=\"" + node + "\"");
     const size_t found = description.find("<Address>0x", start);

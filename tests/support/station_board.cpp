@@ -115,12 +115,12 @@ namespace {
 /** Numbers between the separators of "encoder=1/2/25000". */
 std::vector<std::int64_t> numbersOf(const std::string& text, int base = 10) {
     std::vector<std::int64_t> numbers;
-    for (std::size_t place = text.find('=') + 1; place < text.size();) {
+    for (std::size_t position = text.find('=') + 1; position < text.size();) {
         std::size_t length = 0;
-        numbers.push_back(std::stoll(text.substr(place), &length, base));
-        place += length;
-        while (place < text.size() && std::isdigit(text[place]) == 0 && text[place] != '-')
-            ++place;
+        numbers.push_back(std::stoll(text.substr(position), &length, base));
+        position += length;
+        while (position < text.size() && std::isdigit(text[position]) == 0 && text[position] != '-')
+            ++position;
     }
     return numbers;
 }

@@ -1,6 +1,6 @@
 // Clients of a station's channel that send garbage, vanish or do not read: the station and its other clients do not notice.
 
-#include "serve/StationPlace.h"
+#include "serve/StationLocation.h"
 #include "serve/local_socket.h"
 #include "station_channel/ChannelSocket.h"
 #include "station_channel/SharedMemory.h"
@@ -29,7 +29,7 @@ constexpr int patience = 60'000; // milliseconds: only what hangs takes so long
 /** A client that says what a test wants it to say. */
 struct Client {
     explicit Client(bool greets = true)
-        : socket(serve::connectAt(serve::placeOf("line").channel, SOCK_SEQPACKET)) {
+        : socket(serve::connectAt(serve::locationOf("line").channel, SOCK_SEQPACKET)) {
         EXPECT_TRUE(!greets || std::holds_alternative<Done>(ask(Hello())));
     }
 

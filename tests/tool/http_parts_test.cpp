@@ -117,13 +117,13 @@ TEST(CommandThread, ExecutesOnlyReadsDuringPauses) {
 TEST(EventHub, SlowListenersMissTheOldestEvents) {
     serve::EventHub hub;
     const serve::EventHub::Listener listener(hub);
-    std::uint64_t place = hub.end();
+    std::uint64_t position = hub.end();
     for (int i = 0; i < 5000; ++i)
         hub.publish("count", i);
-    const auto messages = hub.wait(place, {});
+    const auto messages = hub.wait(position, {});
     ASSERT_LT(messages.size(), 5000U);
     EXPECT_EQ(*messages.back(), "event: count\ndata: 4999\n\n");
-    EXPECT_TRUE(hub.wait(place, {}).empty());
+    EXPECT_TRUE(hub.wait(position, {}).empty());
 }
 
 } // namespace

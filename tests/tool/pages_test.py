@@ -97,12 +97,12 @@ def content_of(picture):
         content = file.read()
     if not picture.endswith(".png"):
         return content
-    chunks, place = {}, 8
-    while place < len(content):
-        size = int.from_bytes(content[place:place + 4], "big")
-        kind = content[place + 4:place + 8]
-        chunks[kind] = chunks.get(kind, b"") + content[place + 8:place + 8 + size]
-        place += size + 12
+    chunks, offset = {}, 8
+    while offset < len(content):
+        size = int.from_bytes(content[offset:offset + 4], "big")
+        kind = content[offset + 4:offset + 8]
+        chunks[kind] = chunks.get(kind, b"") + content[offset + 8:offset + 8 + size]
+        offset += size + 12
     chunks[b"IDAT"] = zlib.decompress(chunks[b"IDAT"])
     return chunks
 

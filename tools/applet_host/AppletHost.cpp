@@ -57,8 +57,8 @@ std::vector<std::filesystem::path> searchedFolders() {
     void* const program = dlopen(nullptr, RTLD_LAZY);
     Dl_serinfo size{};
     if (dlinfo(program, RTLD_DI_SERINFOSIZE, &size) == 0) {
-        std::vector<std::max_align_t> place(size.dls_size / sizeof(std::max_align_t) + 1);
-        auto* const info = reinterpret_cast<Dl_serinfo*>(place.data());
+        std::vector<std::max_align_t> buffer(size.dls_size / sizeof(std::max_align_t) + 1);
+        auto* const info = reinterpret_cast<Dl_serinfo*>(buffer.data());
         *info = size;
         if (dlinfo(program, RTLD_DI_SERINFO, info) == 0)
             for (unsigned i = 0; i < info->dls_cnt; ++i)

@@ -10,14 +10,14 @@
 namespace applet_host {
 namespace {
 
-bool readAt(std::ifstream& stream, std::uint64_t place, void* bytes, std::size_t count) {
-    stream.seekg(static_cast<std::streamoff>(place));
+bool readAt(std::ifstream& stream, std::uint64_t offset, void* bytes, std::size_t count) {
+    stream.seekg(static_cast<std::streamoff>(offset));
     return static_cast<bool>(stream.read(static_cast<char*>(bytes), static_cast<std::streamsize>(count)));
 }
 
-/** True when this many bytes starting at `place` are within the file. */
-bool isWithin(std::uint64_t size, std::uint64_t place, std::uint64_t count) {
-    return place <= size && count <= size - place;
+/** True when this many bytes starting at `offset` are within the file. */
+bool isWithin(std::uint64_t size, std::uint64_t offset, std::uint64_t count) {
+    return offset <= size && count <= size - offset;
 }
 
 std::string truncated(std::uint64_t size) {

@@ -48,9 +48,9 @@ Limits limitsOf(const RegisterInfo& record) {
     Limits result;
     withNumbers(record, [&](const auto& published) {
         using Number = std::decay_t<decltype(published.minimum)>;
-        const auto live = [](const Number& place) {
+        const auto live = [](const Number& number) {
             Number value{};
-            __atomic_load(&place, &value, __ATOMIC_RELAXED); // the applet stores it with one store
+            __atomic_load(&number, &value, __ATOMIC_RELAXED); // the applet stores it with one store
             return value;
         };
         const Number minimum = live(published.minimum), maximum = live(published.maximum);

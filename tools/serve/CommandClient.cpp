@@ -15,9 +15,9 @@ namespace serve {
 using applet_tools::Descriptor;
 using nlohmann::json;
 
-CommandClient::CommandClient(const StationPlace& place)
-    : m_name(place.name)
-    , m_socket(connectTo(place))
+CommandClient::CommandClient(const StationLocation& location)
+    : m_name(location.name)
+    , m_socket(connectTo(location))
     , m_reader(m_socket.number()) {}
 
 json CommandClient::answerTo(const json& message, std::span<const int> descriptors) {

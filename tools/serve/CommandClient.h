@@ -5,7 +5,7 @@
 #include "applet_tools/base/messages.h"
 #include "serve/ClientMessage.h"
 #include "serve/CommandSocket.h"
-#include "serve/StationPlace.h"
+#include "serve/StationLocation.h"
 
 #include <string>
 
@@ -16,7 +16,7 @@ namespace serve {
 class CommandClient {
 public:
     /** Throws the exceptions of connectTo(). */
-    explicit CommandClient(const StationPlace& place);
+    explicit CommandClient(const StationLocation& location);
 
     /** Has the station execute the command, with the standard streams, the folder and the environment of this
      *  process. SIGINT and SIGTERM interrupt it there; a second one ends this process. */

@@ -49,11 +49,11 @@ CommandSocket::Connection::Connection(Descriptor descriptor)
     setsockopt(socket.number(), SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
 }
 
-CommandSocket::CommandSocket(const StationPlace& place, json description)
-    : m_place(place)
+CommandSocket::CommandSocket(const StationLocation& location, json description)
+    : m_location(location)
     , m_description(std::move(description))
-    , m_lock(lockPlace(place))
-    , m_socket(listenAt(place.socket, SOCK_STREAM))
+    , m_lock(lockStation(location))
+    , m_socket(listenAt(location.socket, SOCK_STREAM))
     , m_wake(wakingDescriptor())
     , m_ending(wakingDescriptor())
     , m_thread([this] { listen(); }) {}
@@ -61,7 +61,7 @@ CommandSocket::CommandSocket(const StationPlace& place, json description)
 CommandSocket::~CommandSocket() {
     eventfd_write(m_ending.number(), 1);
     m_thread.join();
-    unlink(m_place.socket.c_str()); // keep the lock file: a process could lock a removed one
+    unlink(m_location.socket.c_str()); // keep the lock file: a process could lock a removed one
 }
 
 bool CommandSocket::isStopAsked() const {
@@ -127,7 +127,7 @@ void CommandSocket::setReady(const std::string& address, const std::string& addr
 
 void CommandSocket::requireReady() const {
     const std::lock_guard guard(m_mutex);
-    if (!m_isReady) throw Failure("the station '" + m_place.name + "' is starting");
+    if (!m_isReady) throw Failure("the station '" + m_location.name + "' is starting");
 }
 
 std::string CommandSocket::runningCommand() const {
@@ -245,7 +245,7 @@ void CommandSocket::interrupt(const std::shared_ptr<Connection>& client) {
 json CommandSocket::status() const {
     const std::lock_guard guard(m_mutex);
     json status = m_description;
-    status.update({{"name", m_place.name},
+    status.update({{"name", m_location.name},
                    {"process", getpid()},
                    {"seconds", secondsBetween(m_start, Clock::now())},
                    {"commands", m_count},

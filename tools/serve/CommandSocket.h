@@ -4,7 +4,7 @@
 
 #include "applet_tools/base/messages.h"
 #include "serve/ClientMessage.h"
-#include "serve/StationPlace.h"
+#include "serve/StationLocation.h"
 
 #include <chrono>
 #include <cstdint>
@@ -36,7 +36,7 @@ class CommandSocket {
 public:
     /** `description` is added to each status. Throws Failure if a station of that name is running or the
      *  socket cannot be made. */
-    CommandSocket(const StationPlace& place, nlohmann::json description);
+    CommandSocket(const StationLocation& location, nlohmann::json description);
     ~CommandSocket();
     CommandSocket(const CommandSocket&) = delete;
     CommandSocket& operator=(const CommandSocket&) = delete;
@@ -97,7 +97,7 @@ private:
     /** For the listening thread only. Closed after the lock is released, so that a client that waits for the
      *  end of the station can start the next one. */
     std::vector<std::shared_ptr<Connection>> m_clients;
-    const StationPlace m_place;
+    const StationLocation m_location;
     const nlohmann::json m_description;
     const applet_tools::Descriptor m_lock;
     const applet_tools::Descriptor m_socket;

@@ -20,7 +20,7 @@ constexpr int socketBytes = 4 * static_cast<int>(mostBytes);
 
 } // namespace
 
-ChannelSocket::ChannelSocket(Descriptor socket) : m_socket(std::move(socket)), m_place(mostBytes) {
+ChannelSocket::ChannelSocket(Descriptor socket) : m_socket(std::move(socket)), m_buffer(mostBytes) {
     setsockopt(m_socket.number(), SOL_SOCKET, SO_SNDTIMEO, &longestSend, sizeof longestSend);
     setsockopt(m_socket.number(), SOL_SOCKET, SO_SNDBUF, &socketBytes, sizeof socketBytes);
 }
@@ -42,7 +42,7 @@ bool ChannelSocket::send(std::span<const std::uint8_t> bytes, Wait wait, int des
 }
 
 std::optional<Packet> ChannelSocket::receive() {
-    iovec part{m_place.data(), m_place.size()};
+    iovec part{m_buffer.data(), m_buffer.size()};
     msghdr header{};
     header.msg_iov = &part;
     header.msg_iovlen = 1;
@@ -58,7 +58,7 @@ std::optional<Packet> ChannelSocket::receive() {
     if (!descriptors.empty()) packet.descriptor = std::move(descriptors.front()); // the others are closed
     if ((header.msg_flags & MSG_TRUNC) != 0)
         throw Malformed("the received message is longer than " + std::to_string(mostBytes) + " bytes");
-    packet.bytes.assign(m_place.begin(), m_place.begin() + count);
+    packet.bytes.assign(m_buffer.begin(), m_buffer.begin() + count);
     return packet;
 }
 

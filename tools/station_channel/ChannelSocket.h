@@ -38,7 +38,7 @@ public:
 
 private:
     const Descriptor m_socket;
-    Bytes m_place; // for receive()
+    Bytes m_buffer; // for receive()
 };
 
 } // namespace station_channel

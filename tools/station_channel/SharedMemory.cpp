@@ -45,9 +45,9 @@ SharedMemory::SharedMemory(SharedMemory&& other) noexcept
 void SharedMemory::map(int protection, int flags) {
     if (m_size == 0) return;
     // All pages at once: page after page, as they are used, takes longer.
-    void* const place = mmap(nullptr, m_size, protection, flags | MAP_POPULATE, m_descriptor.number(), 0);
-    if (place == MAP_FAILED) throw std::bad_alloc();
-    m_data = static_cast<std::uint8_t*>(place);
+    void* const address = mmap(nullptr, m_size, protection, flags | MAP_POPULATE, m_descriptor.number(), 0);
+    if (address == MAP_FAILED) throw std::bad_alloc();
+    m_data = static_cast<std::uint8_t*>(address);
 }
 
 void SharedMemory::unmap() {

@@ -15,14 +15,14 @@ namespace {
 Access parameterAccess(int kind, const Design& design, int id, int tag) {
     int row = rowOfId(id);
     if (row >= 0 && !design.has(row)) row = -1;
-    if (tag == 0 && row >= 0) tag = tagOf(parameterRows()[place(row)].type);
+    if (tag == 0 && row >= 0) tag = tagOf(parameterRows()[indexOf(row)].type);
     return {
         .kind = static_cast<std::uint8_t>(kind), .row = static_cast<std::int16_t>(row), .tag = tag, .id = id};
 }
 
 Access registerAccess(int kind, int id) {
     const int row = findRegister(id);
-    const bool isWide = row < 0 || registerRows()[place(row)].bits > 32;
+    const bool isWide = row < 0 || registerRows()[indexOf(row)].bits > 32;
     return {.kind = static_cast<std::uint8_t>(kind),
             .row = static_cast<std::int16_t>(row),
             .tag = isWide ? FG_PARAM_UINT64 : FG_PARAM_UINT32,
@@ -112,7 +112,7 @@ int Board::resolve(const Design& design, const char* name) {
     if (access.id == 0 && name != nullptr) {
         const int row = design.find(name);
         // The runtime's own parameters cannot be looked up by name.
-        if (row >= 0 && parameterRows()[place(row)].number == 0) access.id = idOfRow(row);
+        if (row >= 0 && parameterRows()[indexOf(row)].number == 0) access.id = idOfRow(row);
     }
     finish(access, FG_OK, name != nullptr ? name : "");
     return access.id;

@@ -22,13 +22,13 @@ int Faults::due(const Access& access, bool isCounted) {
         if (isKthAccess()) return m_failingCode;
     }
     if (access.row < 0) return 0;
-    if ((access.kind & (VBOARD_SET | VBOARD_GET)) != 0) return m_parameters[place(access.row)];
+    if ((access.kind & (VBOARD_SET | VBOARD_GET)) != 0) return m_parameters[indexOf(access.row)];
     if ((access.kind & (VBOARD_REGISTER_WRITE | VBOARD_REGISTER_READ)) != 0)
-        return m_registers[place(access.row)];
+        return m_registers[indexOf(access.row)];
     return 0;
 }
 
-std::optional<std::int64_t> Faults::answer(int function) const { return m_answers[place(function)]; }
+std::optional<std::int64_t> Faults::answer(int function) const { return m_answers[indexOf(function)]; }
 
 void Faults::failAccess(unsigned k, int code, bool fromThenOn) {
     m_accessCount = 0;
@@ -39,16 +39,16 @@ void Faults::failAccess(unsigned k, int code, bool fromThenOn) {
 
 bool Faults::failName(std::string_view name, int code) {
     if (const int row = findParameter(name); row >= 0) {
-        m_parameters[place(row)] = code;
+        m_parameters[indexOf(row)] = code;
         return true;
     }
     if (const int row = findRegister(name); row >= 0) {
-        m_registers[place(row)] = code;
+        m_registers[indexOf(row)] = code;
         return true;
     }
     return false;
 }
 
-void Faults::setAnswer(int function, std::int64_t value) { m_answers[place(function)] = value; }
+void Faults::setAnswer(int function, std::int64_t value) { m_answers[indexOf(function)] = value; }
 
 } // namespace vboard

@@ -97,21 +97,21 @@ const char* Values::describe(Access& access, const void* value) {
 }
 
 int Values::store(const Access& access, const void* value) {
-    const ParameterRow& row = parameterRows()[place(access.row)];
+    const ParameterRow& row = parameterRows()[indexOf(access.row)];
     const auto type = typeOfTag(access.tag);
     if (!row.writable) return FG_ERR_NOT_AVAILABLE;
     if (!isCompatible(type, row.type)) return FG_ERR_INVALID_ARGUMENT;
     if (row.type == Type::field) return storeField(access, value);
     ++m_revision;
     if (row.type == Type::text)
-        m_texts[place(access.row)] = static_cast<const char*>(value);
+        m_texts[indexOf(access.row)] = static_cast<const char*>(value);
     else
-        m_numbers[place(access.row)] = converted(*type, access.value, row.type);
+        m_numbers[indexOf(access.row)] = converted(*type, access.value, row.type);
     return FG_OK;
 }
 
 int Values::fetch(Access& access, void* value, const char*& text) {
-    const std::size_t at = place(access.row);
+    const std::size_t at = indexOf(access.row);
     const ParameterRow& row = parameterRows()[at];
     const bool isHandedOut = access.tag == FG_PARAM_ALLOCATED_STRING;
     const auto type = isHandedOut ? Type::text : typeOfTag(access.tag);
@@ -142,7 +142,7 @@ int Values::storeField(const Access& access, const void* value) {
     const auto run = runOf(access.tag, value);
     if (!run || !isInside(run->first, run->count)) return FG_ERR_INVALID_ARGUMENT;
     ++m_tableRevision;
-    auto& elements = fieldOf(place(access.row));
+    auto& elements = fieldOf(indexOf(access.row));
     if (run->hasOwnLayout()) {
         if (run->count > 0) std::memcpy(&elements[run->first], run->elements, run->count * elementSize);
         return FG_OK;
@@ -158,7 +158,7 @@ int Values::fetchField(Access& access, void* value) const {
     if (!run || !isInside(run->first, run->count)) return FG_ERR_INVALID_ARGUMENT;
     access.content = Access::run;
     access.value = run->extent();
-    const auto& elements = m_fields[place(access.row)];
+    const auto& elements = m_fields[indexOf(access.row)];
     if (run->hasOwnLayout() && !elements.empty()) {
         if (run->count > 0) std::memcpy(run->elements, &elements[run->first], run->count * elementSize);
         return FG_OK;
@@ -171,34 +171,34 @@ int Values::fetchField(Access& access, void* value) const {
 }
 
 int Values::storeRegister(const Access& access) {
-    const RegisterRow& row = registerRows()[place(access.row)];
+    const RegisterRow& row = registerRows()[indexOf(access.row)];
     if (!row.writable) return FG_ERR_NOT_AVAILABLE;
-    m_registers[place(access.row)] = access.value & widthMask(row.bits);
+    m_registers[indexOf(access.row)] = access.value & widthMask(row.bits);
     return FG_OK;
 }
 
 int Values::fetchRegister(Access& access, std::uint64_t* value) {
     access.content = Access::number;
-    access.value = *value = m_registers[place(access.row)];
+    access.value = *value = m_registers[indexOf(access.row)];
     return FG_OK;
 }
 
-std::uint64_t Values::number(int row) const { return m_numbers[place(row)]; }
+std::uint64_t Values::number(int row) const { return m_numbers[indexOf(row)]; }
 
-const std::string& Values::text(int row) const { return m_texts[place(row)]; }
+const std::string& Values::text(int row) const { return m_texts[indexOf(row)]; }
 
-const std::vector<std::uint32_t>& Values::field(int row) const { return m_fields[place(row)]; }
+const std::vector<std::uint32_t>& Values::field(int row) const { return m_fields[indexOf(row)]; }
 
-void Values::setNumber(int row, std::uint64_t number) { m_numbers[place(row)] = number; }
+void Values::setNumber(int row, std::uint64_t number) { m_numbers[indexOf(row)] = number; }
 
 std::uint64_t* Values::findNumber(std::string_view name, Type& type) {
     if (const int row = findParameter(name); row >= 0) {
-        type = parameterRows()[place(row)].type;
-        return isNumber(type) ? &m_numbers[place(row)] : nullptr;
+        type = parameterRows()[indexOf(row)].type;
+        return isNumber(type) ? &m_numbers[indexOf(row)] : nullptr;
     }
     type = Type::u64;
     const int row = findRegister(name);
-    return row >= 0 ? &m_registers[place(row)] : nullptr;
+    return row >= 0 ? &m_registers[indexOf(row)] : nullptr;
 }
 
 bool Values::poke(std::string_view name, Type type, std::uint64_t bits) {
@@ -207,7 +207,7 @@ bool Values::poke(std::string_view name, Type type, std::uint64_t bits) {
     if (number == nullptr) return false;
     ++m_revision;
     *number = converted(type, bits, own);
-    if (const int row = findRegister(name); row >= 0) *number &= widthMask(registerRows()[place(row)].bits);
+    if (const int row = findRegister(name); row >= 0) *number &= widthMask(registerRows()[indexOf(row)].bits);
     return true;
 }
 
@@ -221,23 +221,23 @@ bool Values::peek(std::string_view name, Type type, std::uint64_t& bits) {
 
 bool Values::pokeAfterRead(std::string_view name, std::uint64_t number) {
     const int row = findParameter(name);
-    if (row < 0 || !isNumber(parameterRows()[place(row)].type)) return false;
-    m_afterRead[place(row)] = converted(Type::i64, number, parameterRows()[place(row)].type);
+    if (row < 0 || !isNumber(parameterRows()[indexOf(row)].type)) return false;
+    m_afterRead[indexOf(row)] = converted(Type::i64, number, parameterRows()[indexOf(row)].type);
     return true;
 }
 
 bool Values::pokeText(std::string_view name, const char* text) {
     const int row = findParameter(name);
-    if (row < 0 || parameterRows()[place(row)].type != Type::text) return false;
-    m_texts[place(row)] = text;
+    if (row < 0 || parameterRows()[indexOf(row)].type != Type::text) return false;
+    m_texts[indexOf(row)] = text;
     return true;
 }
 
 bool Values::peekField(std::string_view name, std::uint32_t first, std::uint32_t count,
                        std::uint32_t* values) {
     const int row = findParameter(name);
-    if (row < 0 || parameterRows()[place(row)].type != Type::field || !isInside(first, count)) return false;
-    std::copy_n(fieldOf(place(row)).begin() + first, count, values);
+    if (row < 0 || parameterRows()[indexOf(row)].type != Type::field || !isInside(first, count)) return false;
+    std::copy_n(fieldOf(indexOf(row)).begin() + first, count, values);
     return true;
 }
 

@@ -62,8 +62,9 @@ ImageOfFile readPnm(std::istream& file, bool isGrey) {
     const std::size_t components = std::size_t{3} * rows.width * rows.height;
     raster->components.reserve(components);
     for (std::size_t i = 0; i < components; ++i) {
-        const std::uint8_t* place = &bytes[(isGrey ? i / 3 : i) * (rows.bits / 8)];
-        const unsigned value = rows.bits == 16 ? unsigned{place[0]} << 8U | place[1] : unsigned{place[0]};
+        const std::uint8_t* component = &bytes[(isGrey ? i / 3 : i) * (rows.bits / 8)];
+        const unsigned value =
+            rows.bits == 16 ? unsigned{component[0]} << 8U | component[1] : unsigned{component[0]};
         if (value > largest)
             return {.trouble = "it has the value " + std::to_string(value) +
                                ", and its header says at most " + std::to_string(largest)};
@@ -82,12 +83,12 @@ ImageOfFile imageOf(PixelRows rows) {
     raster->components.reserve(3 * pixels);
     for (std::size_t i = 0; i < 3 * pixels; ++i) {
         const std::size_t sample = rows.samples < 3 ? 0 : i % 3;
-        const std::uint8_t* place = &rows.bytes[i / 3 * ofPixel + sample * (rows.bits / 8)];
+        const std::uint8_t* component = &rows.bytes[i / 3 * ofPixel + sample * (rows.bits / 8)];
         std::uint16_t value = 0;
         if (rows.bits == 16)
-            value = std::bit_cast<std::uint16_t>(std::array{place[0], place[1]});
+            value = std::bit_cast<std::uint16_t>(std::array{component[0], component[1]});
         else
-            value = static_cast<std::uint16_t>((rows.isInverted ? 0xff - place[0] : place[0]) << 8);
+            value = static_cast<std::uint16_t>((rows.isInverted ? 0xff - component[0] : component[0]) << 8);
         if (rows.bits == 16 && rows.isInverted) value = static_cast<std::uint16_t>(~value);
         raster->components.push_back(value);
     }

@@ -81,7 +81,7 @@ private:
     png_infop m_info;
     std::jmp_buf m_back{};
     PixelRows m_rows;
-    std::vector<png_bytep> m_places;
+    std::vector<png_bytep> m_rowPointers;
 };
 
 void PngReader::readRows() {
@@ -104,8 +104,8 @@ void PngReader::readRows() {
         return;
     }
     for (std::uint32_t y = 0; y < m_rows.height; ++y)
-        m_places.push_back(m_rows.bytes.data() + y * m_rows.bytesOfRow());
-    png().readImage(m_png, m_places.data());
+        m_rowPointers.push_back(m_rows.bytes.data() + y * m_rows.bytesOfRow());
+    png().readImage(m_png, m_rowPointers.data());
 }
 
 } // namespace

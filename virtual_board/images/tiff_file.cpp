@@ -38,8 +38,8 @@ struct FirstReason {
     char text[160] = "";
 };
 
-int noteReason(TIFF*, void* place, const char*, const char* format, va_list arguments) {
-    auto& reason = *static_cast<FirstReason*>(place);
+int noteReason(TIFF*, void* context, const char*, const char* format, va_list arguments) {
+    auto& reason = *static_cast<FirstReason*>(context);
     if (reason.text[0] == '\0') std::vsnprintf(reason.text, sizeof reason.text, format, arguments);
     return 1;
 }

@@ -15,13 +15,13 @@ using namespace vboard;
 namespace {
 
 constexpr std::int64_t nanometres = 1000;                // in a micrometre
-constexpr std::int64_t farthest = std::int64_t{1} << 50; // micrometres, so that sums of places fit
+constexpr std::int64_t farthest = std::int64_t{1} << 50; // micrometres, so that sums of positions fit
 constexpr std::size_t mostObjects = 65536;
 
 static_assert(VBOARD_WIDEST == station::ImageSize::widest && VBOARD_HIGHEST == station::ImageSize::highest &&
               VBOARD_MOST_PIXELS == station::ImageSize::mostPixels);
 
-bool isPlace(std::int64_t micrometres) { return micrometres >= -farthest && micrometres <= farthest; }
+bool isDistance(std::int64_t micrometres) { return micrometres >= -farthest && micrometres <= farthest; }
 
 bool isPermutation(const std::uint8_t* order) {
     std::array<std::uint8_t, 3> sorted{order[0], order[1], order[2]};
@@ -66,7 +66,7 @@ bool isSound(const vboard_scene_setup& scene) {
     if (scene.components != nullptr && !station::ImageSize::isSound(scene.width, scene.height)) return false;
     if (scene.objects == nullptr) return scene.object_count == 0;
     return std::all_of(scene.objects, scene.objects + scene.object_count, [](const vboard_object& object) {
-        return isPlace(object.place) && isPlace(object.length) && object.length > 0;
+        return isDistance(object.place) && isDistance(object.length) && object.length > 0;
     });
 }
 
@@ -90,7 +90,7 @@ int vboard_camera_detach(LOOMdevice* board) {
 }
 
 int vboard_belt(LOOMdevice* board, const vboard_belt_setup* belt) {
-    if (belt == nullptr || !isPlace(belt->barrier_ahead) || (belt->pieces == nullptr && belt->count > 0))
+    if (belt == nullptr || !isDistance(belt->barrier_ahead) || (belt->pieces == nullptr && belt->count > 0))
         return VBOARD_UNKNOWN;
     const auto isInput = [](unsigned input) {
         return input < station::inputCount || input == VBOARD_NO_INPUT;

@@ -185,9 +185,9 @@ int vboard_frame(vboard_frames* memory, int64_t picture, vboard_record* record) 
     });
 }
 
-int vboard_frame_into(vboard_frames* memory, int64_t picture, void* place, uint64_t size,
+int vboard_frame_into(vboard_frames* memory, int64_t picture, void* destination, uint64_t size,
                       vboard_record* record) {
-    if (memory == nullptr || place == nullptr || record == nullptr) return VBOARD_UNKNOWN;
+    if (memory == nullptr || destination == nullptr || record == nullptr) return VBOARD_UNKNOWN;
     return guarded(int{VBOARD_NO_MEMORY}, [&] {
         std::shared_ptr<const station::Record> found;
         std::unique_ptr<station::Renderer> renderer;
@@ -197,7 +197,7 @@ int vboard_frame_into(vboard_frames* memory, int64_t picture, void* place, uint6
             if (found == nullptr) return int{VBOARD_GONE};
             renderer = memory->memory->takeRenderer();
         }
-        const std::span<std::uint8_t> bytes(static_cast<std::uint8_t*>(place),
+        const std::span<std::uint8_t> bytes(static_cast<std::uint8_t*>(destination),
                                             static_cast<std::size_t>(found->bytes()));
         *record = recordOf(*found, bytes);
         const bool fits = bytes.size() <= size;

@@ -22,7 +22,7 @@ namespace vboard {
 enum class Type : std::uint8_t { i32, u32, i64, u64, f64, text, field };
 
 /** A row as an index; the row must exist (-1 means none). */
-constexpr std::size_t place(int row) { return static_cast<std::size_t>(row); }
+constexpr std::size_t indexOf(int row) { return static_cast<std::size_t>(row); }
 
 /** Elements of an array parameter. */
 inline constexpr std::uint32_t fieldSize = 16384;

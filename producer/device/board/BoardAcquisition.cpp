@@ -107,7 +107,7 @@ void BoardAcquisition::giveEvents() {
     applet_host::takeEvents(m_station.board(), m_station.device(), [this](const vboard_event& event) {
         withMemory([&] {
             if (const EventKind* kind = m_station.eventOfDesign(event.name))
-                m_onEvent(*kind, event.tick * Station::nanosecondsPerTick);
+                m_onEvent(*kind, event.tick * DeviceStation::nanosecondsPerTick);
         });
     });
 }
@@ -118,11 +118,11 @@ bool BoardAcquisition::deliverOne(std::unique_lock<std::mutex>& lock) {
     const auto number = static_cast<std::int64_t>(m_delivered) + 1;
     if (number > last) return false;
     PictureSink& sink = *m_sink;
-    const auto place = sink.begin();
-    if (!place) return false;
+    const auto destination = sink.begin();
+    if (!destination) return false;
     m_isMaking = true;
     lock.unlock();
-    const Picture picture = make(number, *place);
+    const Picture picture = make(number, *destination);
     lock.lock();
     // A client that has the last picture finds the acquisition ended.
     withMemory([&] { sink.end(picture); });
@@ -135,15 +135,15 @@ bool BoardAcquisition::deliverOne(std::unique_lock<std::mutex>& lock) {
     return true;
 }
 
-Picture BoardAcquisition::make(std::int64_t number, std::span<std::uint8_t> place) {
+Picture BoardAcquisition::make(std::int64_t number, std::span<std::uint8_t> destination) {
     Picture picture{.number = static_cast<std::uint64_t>(number), .geometry = m_geometry};
     const PixelFormat& format = *m_geometry.format;
     vboard_record record{};
     const auto makeIn = [&](std::span<std::uint8_t> room) {
         return m_station.board().frame_into(m_memory.get(), number, room.data(), room.size(), &record);
     };
-    const std::uint8_t* made = place.data();
-    int result = format.bits == format.appletBits ? makeIn(place) : VBOARD_TOO_SMALL;
+    const std::uint8_t* made = destination.data();
+    int result = format.bits == format.appletBits ? makeIn(destination) : VBOARD_TOO_SMALL;
     if (result == VBOARD_TOO_SMALL) {
         withMemory([&] {
             if (m_made.size() < m_geometry.bytes()) m_made.resize(m_geometry.bytes());
@@ -151,10 +151,10 @@ Picture BoardAcquisition::make(std::int64_t number, std::span<std::uint8_t> plac
             made = m_made.data();
         });
     }
-    picture.nanoseconds = record.first_line * Station::nanosecondsPerTick;
+    picture.nanoseconds = record.first_line * DeviceStation::nanosecondsPerTick;
     picture.lostBefore = record.lost_before;
     picture.lines = record.lines;
-    put(picture, result == VBOARD_OK ? made : nullptr, place);
+    put(picture, result == VBOARD_OK ? made : nullptr, destination);
     return picture;
 }
 

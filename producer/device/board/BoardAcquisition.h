@@ -41,7 +41,7 @@ private:
     void run();
     void giveEvents();
     bool deliverOne(std::unique_lock<std::mutex>& lock);
-    Picture make(std::int64_t number, std::span<std::uint8_t> place);
+    Picture make(std::int64_t number, std::span<std::uint8_t> destination);
     void fitMemory();
     bool isWanted();
     bool isDone() const { return m_memory == nullptr || (m_wanted != 0 && m_delivered >= m_wanted); }

@@ -2,8 +2,8 @@
 #ifndef PRODUCER_DEVICE_BOARD_BOARDSTATION_H
 #define PRODUCER_DEVICE_BOARD_BOARDSTATION_H
 
+#include "device/DeviceStation.h"
 #include "device/Libraries.h"
-#include "device/Station.h"
 
 #include <map>
 #include <string>
@@ -12,13 +12,13 @@
 namespace producer {
 
 /** The applet and the board have locks of their own. */
-class BoardStation final : public Station {
+class BoardStation final : public DeviceStation {
 public:
     /** Throws IO if the libraries are missing or the applet does not come up. */
     explicit BoardStation(Libraries libraries);
 
     Value get(const Parameter& parameter) const override;
-    using Station::set;
+    using DeviceStation::set;
     void set(const Parameter& parameter, const Value& value) const override;
     applet_host::ParameterState state(const Parameter& parameter) const override;
     void wantEvents(std::uint64_t) override {} // it gives all

@@ -9,7 +9,8 @@ namespace producer {
 namespace {
 
 using namespace std::chrono_literals;
-using Ticks = std::chrono::duration<std::uint64_t, std::ratio<Station::nanosecondsPerTick, 1'000'000'000>>;
+using Ticks =
+    std::chrono::duration<std::uint64_t, std::ratio<DeviceStation::nanosecondsPerTick, 1'000'000'000>>;
 
 constexpr auto longestStep = 50ms; // a longer delay is not made up for
 constexpr Ticks step = 10ms;       // of the stepped clock

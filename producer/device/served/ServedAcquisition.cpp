@@ -92,20 +92,20 @@ void ServedAcquisition::show(const station_channel::Picture& picture,
     ++m_received;
     const Geometry geometry = geometryOf(picture);
     const bool isExpected = m_isRunning && m_sink != nullptr && geometry.format != nullptr;
-    const auto place = isExpected ? m_sink->begin() : std::nullopt;
-    if (!place) return accept(); // the buffer was taken back
+    const auto destination = isExpected ? m_sink->begin() : std::nullopt;
+    if (!destination) return accept(); // the buffer was taken back
     PictureSink& sink = *m_sink;
     m_isWriting = true;
     const std::uint64_t missed = picture.number > m_last ? picture.number - m_last - 1 : 0;
     producer::Picture made{.number = picture.number,
-                           .nanoseconds = picture.firstLine * Station::nanosecondsPerTick,
+                           .nanoseconds = picture.firstLine * DeviceStation::nanosecondsPerTick,
                            .lostBefore = picture.lostBefore + missed,
                            .lines = picture.lines,
                            .geometry = geometry};
     m_last = picture.number;
     lock.unlock();
     const bool isWhole = geometry.format->appletBytes(picture.width) * picture.lines <= picture.size;
-    put(made, isWhole ? memory.bytes().data() : nullptr, *place);
+    put(made, isWhole ? memory.bytes().data() : nullptr, *destination);
     lock.lock();
     sink.end(made);
     m_isWriting = false;
@@ -120,7 +120,7 @@ void ServedAcquisition::show(const station_channel::Picture& picture,
 
 void ServedAcquisition::happen(const station_channel::Event& event) {
     if (const EventKind* kind = m_station.eventOf(event.mask))
-        m_listener.onEvent(*kind, event.tick * Station::nanosecondsPerTick);
+        m_listener.onEvent(*kind, event.tick * DeviceStation::nanosecondsPerTick);
 }
 
 void ServedAcquisition::lose(const std::string& reason) {

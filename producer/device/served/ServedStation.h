@@ -2,7 +2,7 @@
 #ifndef PRODUCER_DEVICE_SERVED_SERVEDSTATION_H
 #define PRODUCER_DEVICE_SERVED_SERVEDSTATION_H
 
-#include "device/Station.h"
+#include "device/DeviceStation.h"
 #include "device/served/StationLink.h"
 
 #include <string>
@@ -10,13 +10,13 @@
 namespace producer {
 
 /** Only constant data is cached: each access asks the station. */
-class ServedStation final : public Station {
+class ServedStation final : public DeviceStation {
 public:
     /** Throws IO. */
     explicit ServedStation(const std::string& name);
 
     Value get(const Parameter& parameter) const override;
-    using Station::set;
+    using DeviceStation::set;
     void set(const Parameter& parameter, const Value& value) const override;
     applet_host::ParameterState state(const Parameter& parameter) const override;
     void wantEvents(std::uint64_t mask) override;

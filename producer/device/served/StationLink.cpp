@@ -2,9 +2,9 @@
 
 #include "applet_tools/base/errors.h"
 #include "base/Error.h"
-#include "device/Station.h"
+#include "device/DeviceStation.h"
 #include "device/thread.h"
-#include "serve/StationPlace.h"
+#include "serve/StationLocation.h"
 #include "serve/local_socket.h"
 
 #include <sys/socket.h>
@@ -22,7 +22,8 @@ constexpr std::chrono::seconds longestAnswer(10); // the station itself gives up
 Descriptor connected(const std::string& name) {
     std::string reason = "no station of that name runs: start it with 'appletctl serve " + name + "'";
     try {
-        if (Descriptor socket = serve::connectAt(serve::placeOf(name).channel, SOCK_SEQPACKET)) return socket;
+        if (Descriptor socket = serve::connectAt(serve::locationOf(name).channel, SOCK_SEQPACKET))
+            return socket;
     } catch (const std::exception& error) { // not a name of a station, or no descriptors left
         reason = error.what();
     }

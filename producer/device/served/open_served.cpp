@@ -2,7 +2,7 @@
 #include "device/Machine.h"
 #include "device/served/ServedAcquisition.h"
 #include "device/served/ServedStation.h"
-#include "serve/StationPlace.h"
+#include "serve/StationLocation.h"
 
 #include <algorithm>
 

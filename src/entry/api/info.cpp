@@ -78,9 +78,9 @@ template <typename Rows> const auto* rowOf(const Rows& rows, int code) {
 }
 
 /** Stores a word at the caller's address, unless that is null. */
-template <typename Word> void store(void* place, Word word) {
+template <typename Word> void store(void* destination, Word word) {
     // NOLINTNEXTLINE(bugprone-sizeof-expression): some words are pointers
-    if (place != nullptr) std::memcpy(place, &word, sizeof word);
+    if (destination != nullptr) std::memcpy(destination, &word, sizeof word);
 }
 
 int giveBlock(const unsigned char* block, std::size_t size, void* in, void* out) {

@@ -30,9 +30,9 @@ std::uint64_t uptimeSeconds() {
     return sysinfo(&info) == 0 ? static_cast<std::uint64_t>(info.uptime) : 0;
 }
 
-void fillIn(char* place, std::uint64_t value) {
+void fillIn(char* characters, std::uint64_t value) {
     for (std::size_t i = 0; i < placeholder.size(); ++i, value /= alphabet.size())
-        place[i] = alphabet[value % alphabet.size()];
+        characters[i] = alphabet[value % alphabet.size()];
 }
 
 } // namespace
@@ -42,12 +42,12 @@ int exportedMkstemps(char* pattern, int suffixLength) {
     const std::size_t length = std::strlen(pattern);
     const auto suffix = static_cast<std::size_t>(suffixLength);
     if (suffix + placeholder.size() - 1 >= length) return -1;
-    char* place = pattern + length - suffix - placeholder.size();
-    if (std::string_view(place, placeholder.size()) != placeholder) return -1;
+    char* characters = pattern + length - suffix - placeholder.size();
+    if (std::string_view(characters, placeholder.size()) != placeholder) return -1;
 
     std::uint64_t value = counter += uptimeSeconds();
     for (int attempt = 0; attempt < attempts; ++attempt) {
-        fillIn(place, value);
+        fillIn(characters, value);
         const int descriptor = open(pattern, O_RDWR | O_CREAT | O_EXCL, 0600);
         if (descriptor >= 0) return descriptor;
         value = counter += stepAfterFailure;

@@ -9,8 +9,8 @@
 inline constexpr char process0[] = "Device1_Process0_";
 
 /** Value of the digit at an index; other characters, and the end of the text, give their code minus '0'. */
-inline int digitAt(const std::string& text, std::size_t place) {
-    return (place < text.size() ? text[place] : '\0') - '0';
+inline int digitAt(const std::string& text, std::size_t index) {
+    return (index < text.size() ? text[index] : '\0') - '0';
 }
 
 /** Room for any text of a design: the whole design has half as many bytes. */

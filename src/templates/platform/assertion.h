@@ -8,17 +8,17 @@ extern "C" [[noreturn]] void __assert_fail(const char* expression, const char* f
 
 namespace vexo::templates::platform {
 
-/** A place named in an assertion's message. The names and lines are a fixed part of the messages. */
-struct AssertedPlace {
+/** A source location named in an assertion's message. The names and lines are a fixed part of the messages. */
+struct SourceLocation {
     const char* file;
     unsigned int line;
     const char* function;
 };
 
 /** Ends the program with the usual assertion message unless `holds`. */
-inline void assertThat(bool holds, const char* expression, const AssertedPlace& place) {
+inline void assertThat(bool holds, const char* expression, const SourceLocation& location) {
     if (!holds) [[unlikely]]
-        __assert_fail(expression, place.file, place.line, place.function);
+        __assert_fail(expression, location.file, location.line, location.function);
 }
 
 } // namespace vexo::templates::platform

@@ -87,7 +87,7 @@ protected:
     }
 };
 
-TEST_F(DocumentTest, PlaceAndAccessOfARegister) {
+TEST_F(DocumentTest, AddressAndAccessOfARegister) {
     const char* const modes[] = {"", "RO", "WO", "RW", "", "RO", "WO", "RW"};
     for (int access = 0; access < 8; ++access)
         EXPECT_EQ(nodes(record("", "", access), 12),

@@ -110,7 +110,7 @@ TEST(UnusedBaseFunctions, MissingFunctionsAreNamed) {
 TEST(UnusedBaseFunctions, ObjectsBeyondTheListAreFound) {
     std::vector<std::unique_ptr<FgLoomWrapperImpl>> wrappers;
     std::vector<const FgLoomWrapper*> objects;
-    for (int i = 0; i < 70; ++i) { // the list has 64 places
+    for (int i = 0; i < 70; ++i) { // the list has 64 slots
         wrappers.push_back(std::make_unique<FgLoomWrapperImpl>(1, true));
         objects.push_back(wrappers.back().get());
     }

@@ -33,16 +33,16 @@ class Image(Journey):
         page.keyboard.press("Escape")
         page.mouse.click(box["x"] + box["width"] / 2, box["y"] + box["height"] / 2)
         page.focus("#view")
-        place = page.locator("#probe-place")
-        expect(place).to_have_text(re.compile(r"x \d+  y \d+"))
+        position = page.locator("#probe-position")
+        expect(position).to_have_text(re.compile(r"x \d+  y \d+"))
         while True:
-            at_x, at_y = map(int, re.findall(r"\d+", place.inner_text()))
+            at_x, at_y = map(int, re.findall(r"\d+", position.inner_text()))
             key = "ArrowRight" if at_x < x else "ArrowLeft" if at_x > x else "ArrowDown" if at_y < y else "ArrowUp"
             distance = abs(at_x - x) or abs(at_y - y)
             if not distance:
                 break
             page.keyboard.press(("Shift+" if distance >= 16 else "") + key)
-            expect(place).not_to_have_text(f"x {at_x}  y {at_y}")
+            expect(position).not_to_have_text(f"x {at_x}  y {at_y}")
         expect(page.locator("#probe-values")).to_have_text(re.compile(r"R \d+"))
         return [int(value) for value in re.findall(r"\d+", page.inner_text("#probe-values"))]
 
@@ -77,12 +77,12 @@ class Image(Journey):
             shown = self.lines(page, magnification)
             self.assertEqual(steps(shown), {1})
             # The probe reads the last bit of the same line.
-            place = page.locator("#probe-place")
+            position = page.locator("#probe-position")
             offsets = set()
             for row in (40, 40 + magnification, 240):
                 page.mouse.click(box["x"] + 172 * magnification, box["y"] + row)
-                expect(place).to_have_text(re.compile(r"x 172  y \d+"))
-                offsets.add(shown[row] - int(place.inner_text().split("y")[1]))
+                expect(position).to_have_text(re.compile(r"x 172  y \d+"))
+                offsets.add(shown[row] - int(position.inner_text().split("y")[1]))
                 expect(page.locator("#probe-values")).to_have_text(re.compile("R 255" if shown[row] % 2 else "R 0 "))
                 page.keyboard.press("Escape")
             self.assertEqual(len(offsets), 1)

@@ -193,7 +193,7 @@ class Panels(Journey):
             rises = [b - a for a, b in zip(entries[:2048], now)]
             self.assertTrue(all(0 <= b - a <= 4 for a, b in zip(rises, rises[1:])))
         # Sideways, only between the neighbours.
-        at, other = (box_of(page, handles.nth(place)) for place in (5, 6))
+        at, other = (box_of(page, handles.nth(index)) for index in (5, 6))
         page.mouse.move(at["x"] + 6, at["y"] + 6)
         page.mouse.down()
         page.mouse.move((at["x"] + other["x"]) / 2, at["y"] + 40, steps=3)
@@ -244,7 +244,7 @@ class Panels(Journey):
             if button == "#configuration-save":
                 text = data.decode()
         pages, at = 0, int.from_bytes(data[4:8], "little")
-        while at:  # each directory ends with the place of the next one
+        while at:  # each directory ends with the offset of the next one
             pages, end = pages + 1, at + 2 + 12 * int.from_bytes(data[at:at + 2], "little")
             at = int.from_bytes(data[end:end + 4], "little")
         self.assertEqual(pages, 3)

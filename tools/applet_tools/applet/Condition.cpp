@@ -24,7 +24,7 @@ public:
 
     bool isAtEnd() {
         skipBlanks();
-        return m_place == m_text.size();
+        return m_position == m_text.size();
     }
 
     bool isNext(std::string_view mark) {
@@ -34,7 +34,7 @@ public:
 
     bool take(std::string_view mark) {
         if (!isNext(mark)) return false;
-        m_place += mark.size();
+        m_position += mark.size();
         return true;
     }
 
@@ -55,7 +55,7 @@ public:
         skipBlanks();
         const Relation* relation = relationAt(rest());
         if (relation == nullptr) refuse("expected one of " + relationsInWords());
-        m_place += relation->symbol.size();
+        m_position += relation->symbol.size();
         return *relation;
     }
 
@@ -70,19 +70,19 @@ public:
 
     [[noreturn]] void refuse(const std::string& wanted) const {
         const std::string there = rest().empty() ? "at its end" : "at " + inQuotedWord(rest());
-        throw UsageError(inQuotedWord(m_text) + ", " + there + " (character " + numberText(m_place + 1) +
+        throw UsageError(inQuotedWord(m_text) + ", " + there + " (character " + numberText(m_position + 1) +
                          "): " + wanted);
     }
 
 private:
-    std::string_view rest() const { return std::string_view(m_text).substr(m_place); }
+    std::string_view rest() const { return std::string_view(m_text).substr(m_position); }
     bool isQuoteNext() const { return rest().starts_with('"') || rest().starts_with('\''); }
 
     std::string takeQuoted() {
-        const std::size_t end = m_text.find(rest().front(), m_place + 1);
+        const std::size_t end = m_text.find(rest().front(), m_position + 1);
         if (end == std::string::npos) refuse("the quote is not closed");
-        std::string text = m_text.substr(m_place + 1, end - m_place - 1);
-        m_place = end + 1;
+        std::string text = m_text.substr(m_position + 1, end - m_position - 1);
+        m_position = end + 1;
         return text;
     }
 
@@ -114,14 +114,14 @@ private:
 
     static bool isBehindLabel(char c) { return c == '[' || behindName.find(c) != std::string_view::npos; }
 
-    void skipBlanks() { m_place = std::min(m_text.find_first_not_of(blanks, m_place), m_text.size()); }
+    void skipBlanks() { m_position = std::min(m_text.find_first_not_of(blanks, m_position), m_text.size()); }
     std::string taken(std::size_t length) {
-        m_place += length;
-        return m_text.substr(m_place - length, length);
+        m_position += length;
+        return m_text.substr(m_position - length, length);
     }
 
     const std::string& m_text;
-    std::size_t m_place = 0;
+    std::size_t m_position = 0;
 };
 
 /** Compares values of the same kind. */

@@ -72,8 +72,8 @@ const UnitRow* unitNamed(const std::string& name) {
 
 /** End of the number at the beginning of the text; a letter e counts only if digits follow it. */
 std::size_t endOfNumber(const std::string& text) {
-    const auto skip = [&](std::size_t place, const char* characters) {
-        return std::min(text.find_first_not_of(characters, place), text.size());
+    const auto skip = [&](std::size_t position, const char* characters) {
+        return std::min(text.find_first_not_of(characters, position), text.size());
     };
     constexpr const char* digits = "0123456789";
     const std::size_t start = skip(0, "+-");

@@ -166,8 +166,8 @@ Value emptyValue(const Target& target) {
 ReadResult readValue(Instance& instance, const Target& target) {
     ReadResult reading{.value = emptyValue(target)};
     const int id = target.parameter->id;
-    const auto get = [&](void* place, FgParamTypes tag) {
-        return instance.applet().Fg_getParameterWithType(instance.fg(), id, place, 0, tag);
+    const auto get = [&](void* destination, FgParamTypes tag) {
+        return instance.applet().Fg_getParameterWithType(instance.fg(), id, destination, 0, tag);
     };
     std::visit(
         [&](auto& value) {
@@ -189,14 +189,14 @@ Value valueOf(Instance& instance, const Target& target) {
 
 std::string explanationOf(Instance& instance, const Parameter& parameter) {
     // The query reads the name from the same variable in which it returns the pointer to the text.
-    std::vector<char> place(std::max(parameter.name.size() + 1, sizeof(char*)));
-    std::memcpy(place.data(), parameter.name.c_str(), parameter.name.size() + 1);
+    std::vector<char> buffer(std::max(parameter.name.size() + 1, sizeof(char*)));
+    std::memcpy(buffer.data(), parameter.name.c_str(), parameter.name.size() + 1);
     const auto& applet = instance.applet();
-    if (applet.Fg_getParameterWithType(instance.fg(), FG_PARAM_DESCR, place.data(), 0,
+    if (applet.Fg_getParameterWithType(instance.fg(), FG_PARAM_DESCR, buffer.data(), 0,
                                        FG_PARAM_ALLOCATED_STRING) != FG_OK)
         return "";
     char* text = nullptr;
-    std::memcpy(&text, place.data(), sizeof text);
+    std::memcpy(&text, buffer.data(), sizeof text);
     const std::string explained = toUtf8(text);
     applet.Fg_freeParameterStringWithType(instance.fg(), FG_PARAM_DESCR, text, 0, FG_PARAM_ALLOCATED_STRING);
     return explained == "-" ? "" : explained;
@@ -204,8 +204,8 @@ std::string explanationOf(Instance& instance, const Parameter& parameter) {
 
 int writeValue(Instance& instance, const Target& target, const Value& value) {
     ++effort().sets;
-    const auto set = [&](const void* place, FgParamTypes tag) {
-        return instance.applet().Fg_setParameterWithType(instance.fg(), target.parameter->id, place, 0, tag);
+    const auto set = [&](const void* source, FgParamTypes tag) {
+        return instance.applet().Fg_setParameterWithType(instance.fg(), target.parameter->id, source, 0, tag);
     };
     const int code = std::visit(
         [&](auto native) { // a copy: the record of a run has a pointer to non-const

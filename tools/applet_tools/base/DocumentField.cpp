@@ -15,7 +15,7 @@ using Document = nlohmann::ordered_json;
 constexpr int deepest = 16; // nesting of objects and arrays
 
 /** "line 3, column 5" for a byte offset. */
-std::string placeIn(const std::string& text, std::size_t byte) {
+std::string positionIn(const std::string& text, std::size_t byte) {
     const std::string before = text.substr(0, byte > 0 ? byte - 1 : 0);
     const auto line = std::ranges::count(before, '\n') + 1;
     const std::size_t begin = before.rfind('\n');
@@ -23,7 +23,7 @@ std::string placeIn(const std::string& text, std::size_t byte) {
     return "line " + numberText(line) + ", column " + numberText(column);
 }
 
-/** Refuses documents that the library accepts: with duplicate names, or very deep ones. Knows the place of the value
+/** Refuses documents that the library accepts: with duplicate names, or very deep ones. Knows the path of the value
  *  that is read. */
 class Watcher {
 public:
@@ -91,7 +91,7 @@ Document parseDocument(const std::string& text) {
             return watcher(depth, event, parsed);
         });
     } catch (const Document::parse_error& error) {
-        throw UsageError(placeIn(text, error.byte) + ": this is not JSON");
+        throw UsageError(positionIn(text, error.byte) + ": this is not JSON");
     } catch (const Document::out_of_range& error) {
         const std::string path = watcher.path();
         throw UsageError(path + (path.empty() ? "" : ": ") + "found " + numberIn(error.what()) +

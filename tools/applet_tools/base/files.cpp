@@ -105,7 +105,7 @@ public:
 
     int descriptor() const { return m_descriptor; }
 
-    void takePlace() {
+    void commit() {
         if (!keepAttributes() || fsync(m_descriptor) != 0) fail(m_target);
         if (m_temporary.empty()) giveName();
         if (rename(m_temporary.c_str(), m_target.c_str()) != 0) fail(m_target);
@@ -236,7 +236,7 @@ void writeFile(const std::string& file, const std::string& content) {
     const SignalsHeldBack held;
     Replacement replacement(path);
     replacement.add(content);
-    replacement.takePlace();
+    replacement.commit();
 }
 
 void requireWritable(const std::string& file) {
@@ -286,7 +286,7 @@ std::optional<int> OutputFile::descriptor() const {
 
 void OutputFile::finish() {
     const SignalsHeldBack held;
-    if (m_state->replacement) m_state->replacement->takePlace();
+    if (m_state->replacement) m_state->replacement->commit();
 }
 
 } // namespace applet_tools

@@ -7,22 +7,22 @@ namespace {
 
 constexpr const char* blanks = " \t\r\n";
 
-/** Parses one word at `place` and advances `place` past it; true if the word is complete. */
-bool takeWord(const std::string& text, std::size_t& place, std::string& word) {
+/** Parses one word at `position` and advances `position` past it; true if the word is complete. */
+bool takeWord(const std::string& text, std::size_t& position, std::string& word) {
     char quote = '\0';
-    for (; place < text.size(); ++place) {
-        const char c = text[place];
+    for (; position < text.size(); ++position) {
+        const char c = text[position];
         if (quote == '\0' && std::string_view(blanks).find(c) != std::string_view::npos) break;
         if (c == '\\' && quote != '\'') {
-            if (place + 1 == text.size()) {
-                place = text.size();
+            if (position + 1 == text.size()) {
+                position = text.size();
                 return false;
             }
-            const char next = text[place + 1];
+            const char next = text[position + 1];
             // In double quotes a backslash before any other character is kept.
             if (quote == '"' && next != '"' && next != '\\') word += c;
             word += next;
-            ++place;
+            ++position;
         } else if (quote == c) {
             quote = '\0';
         } else if (quote == '\0' && (c == '\'' || c == '"')) {
@@ -40,20 +40,20 @@ bool isAssignment(std::string_view word) { return word.find('=') != std::string_
 
 WordLine splitLine(const std::string& text) {
     WordLine line;
-    std::size_t place = 0;
+    std::size_t position = 0;
     for (;;) {
-        place = text.find_first_not_of(blanks, place);
-        if (place == std::string::npos || text[place] == '#') return line;
-        line.places.push_back(place);
+        position = text.find_first_not_of(blanks, position);
+        if (position == std::string::npos || text[position] == '#') return line;
+        line.positions.push_back(position);
         line.words.emplace_back();
-        line.isOpen = !takeWord(text, place, line.words.back());
-        line.end = place;
+        line.isOpen = !takeWord(text, position, line.words.back());
+        line.end = position;
     }
 }
 
 std::string textFrom(const std::string& text, const WordLine& line, std::size_t word) {
-    if (word >= line.places.size()) return "";
-    return text.substr(line.places[word], line.end - line.places[word]);
+    if (word >= line.positions.size()) return "";
+    return text.substr(line.positions[word], line.end - line.positions[word]);
 }
 
 std::string joinWords(const Words& words) {

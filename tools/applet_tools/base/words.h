@@ -18,9 +18,9 @@ bool isAssignment(std::string_view word);
  * # at the beginning of a word starts a comment. */
 struct WordLine {
     Words words;
-    std::vector<std::size_t> places; /**< position of each word in the text */
-    std::size_t end = 0;             /**< end of the last word */
-    bool isOpen = false;             /**< an unclosed quote, or a lone backslash at the end */
+    std::vector<std::size_t> positions; /**< position of each word in the text */
+    std::size_t end = 0;                /**< end of the last word */
+    bool isOpen = false;                /**< an unclosed quote, or a lone backslash at the end */
 };
 
 /** The message about an open line. */

@@ -23,11 +23,11 @@ namespace {
 void unpackBytes(const PictureView& picture, std::uint32_t line, std::vector<std::uint16_t>& components) {
     const std::uint8_t* const bytes =
         picture.bytes.subspan(std::size_t{line} * picture.bytesPerLine, components.size()).data();
-    std::uint16_t* const place = components.data();
+    std::uint16_t* const out = components.data();
     for (std::size_t i = 0; i < components.size(); i += 3) {
-        place[i] = bytes[i + 2];
-        place[i + 1] = bytes[i + 1];
-        place[i + 2] = bytes[i];
+        out[i] = bytes[i + 2];
+        out[i + 1] = bytes[i + 1];
+        out[i + 2] = bytes[i];
     }
 }
 

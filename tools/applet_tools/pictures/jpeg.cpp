@@ -32,7 +32,7 @@ public:
         const bool isReady = picture.bits == 8; // the library takes its lines as they are
         m_row.resize(isReady ? 0 : std::size_t{3} * picture.width);
         m_line.reserve(m_row.size());
-        if (setjmp(m_place) != 0) return false;
+        if (setjmp(m_errorReturn) != 0) return false;
         jpeg_create_compress(&m_jpeg);
         jpeg_mem_dest(&m_jpeg, &m_bytes, &m_size);
         m_jpeg.image_width = picture.width;
@@ -58,7 +58,7 @@ public:
 private:
     // The library must not return from an error, and no exception may pass through it.
     [[noreturn]] static void failed(j_common_ptr jpeg) {
-        std::longjmp(static_cast<JpegWriter*>(jpeg->client_data)->m_place, 1);
+        std::longjmp(static_cast<JpegWriter*>(jpeg->client_data)->m_errorReturn, 1);
     }
 
     void writeLine(const JSAMPLE* line) {
@@ -80,7 +80,7 @@ private:
 
     jpeg_compress_struct m_jpeg{};
     jpeg_error_mgr m_errors{};
-    std::jmp_buf m_place{};
+    std::jmp_buf m_errorReturn{};
     unsigned char* m_bytes = nullptr;
     unsigned long m_size = 0; // NOLINT(google-runtime-int): of the library
     std::vector<std::uint16_t> m_line;

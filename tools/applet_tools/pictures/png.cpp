@@ -119,13 +119,13 @@ private:
     static void warned(png_structp, const char*) {}
     static void take(png_structp png, png_bytep to, std::size_t size) {
         auto& reader = *static_cast<Reader*>(png_get_io_ptr(png));
-        if (size > reader.m_bytes.size() - reader.m_place) png_error(png, "the file ends too early");
-        std::copy_n(reader.m_bytes.data() + reader.m_place, size, reinterpret_cast<char*>(to));
-        reader.m_place += size;
+        if (size > reader.m_bytes.size() - reader.m_position) png_error(png, "the file ends too early");
+        std::copy_n(reader.m_bytes.data() + reader.m_position, size, reinterpret_cast<char*>(to));
+        reader.m_position += size;
     }
 
     const std::string& m_bytes;
-    std::size_t m_place = 0;
+    std::size_t m_position = 0;
     png_structp m_png;
     png_infop m_info;
     bool m_isWide = false;

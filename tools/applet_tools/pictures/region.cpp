@@ -15,7 +15,7 @@ template <typename Use> void forLines(const PictureView& picture, const PictureR
     }
 }
 
-/** The first place of a box: `index` of `count` boxes over `size` places. */
+/** The first position of a box: `index` of `count` boxes over `size` positions. */
 std::uint32_t boxStart(std::uint32_t index, std::uint32_t count, std::uint32_t size) {
     return static_cast<std::uint32_t>(std::uint64_t{index} * size / count);
 }
@@ -48,7 +48,7 @@ public:
     void take(std::uint32_t bits, std::vector<std::uint8_t>& bytes) {
         const std::size_t begin = bytes.size();
         bytes.resize(begin + m_sums.size() * (bits > 8 ? 2 : 1));
-        std::uint8_t* place = bytes.data() + begin;
+        std::uint8_t* out = bytes.data() + begin;
         for (std::size_t box = 0; box + 1 < m_starts.size(); ++box) {
             const std::uint64_t count = std::uint64_t{m_starts[box + 1] - m_starts[box]} * m_lines;
             for (std::size_t colour = 3; colour-- > 0;) { // blue comes first
@@ -57,8 +57,8 @@ public:
                 const auto mean =
                     static_cast<std::uint16_t>(static_cast<double>(sum) / static_cast<double>(count));
                 const std::uint16_t value = bits > 8 ? widened(mean, bits) : mean;
-                *place++ = static_cast<std::uint8_t>(value & 0xff);
-                if (bits > 8) *place++ = static_cast<std::uint8_t>(value >> 8);
+                *out++ = static_cast<std::uint8_t>(value & 0xff);
+                if (bits > 8) *out++ = static_cast<std::uint8_t>(value >> 8);
             }
         }
         m_lines = 0;

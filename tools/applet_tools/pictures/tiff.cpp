@@ -22,14 +22,14 @@ class Bytes {
 public:
     virtual ~Bytes() = default;
     /** The number of bytes read; -1 with errno. */
-    virtual std::int64_t readAt(std::size_t place, void* bytes, std::size_t size) = 0;
+    virtual std::int64_t readAt(std::size_t offset, void* bytes, std::size_t size) = 0;
     /** False with errno. */
-    virtual bool writeAt(std::size_t place, const void* bytes, std::size_t size) = 0;
+    virtual bool writeAt(std::size_t offset, const void* bytes, std::size_t size) = 0;
     virtual std::size_t size() = 0;
     /** Cuts off what is behind `size`. */
     virtual void cut(std::size_t size) = 0;
 
-    std::size_t place = 0;
+    std::size_t position = 0;
 };
 
 class BytesInMemory final : public Bytes {
@@ -90,22 +90,22 @@ Bytes& bytesOf(thandle_t handle) { return *static_cast<Bytes*>(handle); }
 
 tmsize_t readFrom(thandle_t handle, void* bytes, tmsize_t size) {
     Bytes& file = bytesOf(handle);
-    const std::int64_t count = file.readAt(file.place, bytes, static_cast<std::size_t>(size));
-    if (count > 0) file.place += static_cast<std::size_t>(count);
+    const std::int64_t count = file.readAt(file.position, bytes, static_cast<std::size_t>(size));
+    if (count > 0) file.position += static_cast<std::size_t>(count);
     return static_cast<tmsize_t>(count);
 }
 
 tmsize_t writeTo(thandle_t handle, void* bytes, tmsize_t size) {
     Bytes& file = bytesOf(handle);
-    if (!file.writeAt(file.place, bytes, static_cast<std::size_t>(size))) return -1;
-    file.place += static_cast<std::size_t>(size);
+    if (!file.writeAt(file.position, bytes, static_cast<std::size_t>(size))) return -1;
+    file.position += static_cast<std::size_t>(size);
     return size;
 }
 
 toff_t seekIn(thandle_t handle, toff_t offset, int whence) {
     Bytes& file = bytesOf(handle);
-    const std::size_t from = whence == SEEK_SET ? 0 : whence == SEEK_CUR ? file.place : file.size();
-    return file.place = from + offset;
+    const std::size_t from = whence == SEEK_SET ? 0 : whence == SEEK_CUR ? file.position : file.size();
+    return file.position = from + offset;
 }
 
 int closeNothing(thandle_t) { return 0; }
@@ -164,7 +164,7 @@ void writePage(TIFF* tiff, const PictureView& picture) {
 struct TiffPages::State {
     explicit State(std::unique_ptr<Bytes> store) : bytes(std::move(store)), tiff(openIn(*bytes)) {}
 
-    /** Notes the end of the file and the place of the link to the next page, in the last directory. */
+    /** Notes the end of the file and the offset of the link to the next page, in the last directory. */
     void endPage() {
         std::uint32_t directory = 0; // in the byte order of the machine, as the library writes
         std::uint16_t entries = 0;

@@ -60,8 +60,8 @@ public:
         return take(field, field.read(inputWanted, [](const std::string& word) { return inputFrom(word); }));
     }
     unsigned take(const DocumentField& field, unsigned input) {
-        const auto [place, isNew] = m_users.emplace(input, field.path());
-        if (!isNew) field.refuse("the input is already used by " + place->second);
+        const auto [user, isNew] = m_users.emplace(input, field.path());
+        if (!isNew) field.refuse("the input is already used by " + user->second);
         return input;
     }
 

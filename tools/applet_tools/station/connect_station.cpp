@@ -66,12 +66,12 @@ void connectStation(const applet_host::BoardFunctions& board, LOOMdevice* device
 }
 
 void setUpStation(Instance& instance, const ParameterList& parameters, const StationFile& station) {
-    const std::string place = station.name + (station.name.empty() ? "" : ": ") + "parameters.";
+    const std::string prefix = station.name + (station.name.empty() ? "" : ": ") + "parameters.";
     for (const std::string& word : station.parameters) // a misspelt one changes nothing
         try {
             parseAssignments(parameters, {word});
         } catch (const UsageError& error) {
-            throw UsageError(place + printable(word.substr(0, word.find('='))) + ": " + error.what());
+            throw UsageError(prefix + printable(word.substr(0, word.find('='))) + ": " + error.what());
         }
     connectStation(instance.board(), instance.device(), station);
     std::string refusal;
@@ -79,7 +79,7 @@ void setUpStation(Instance& instance, const ParameterList& parameters, const Sta
         if (result.code != FG_OK) refusal = result.assignment.target.name() + ": " + refusalInWords(result);
     }};
     if (applyAssignments(instance, parameters, station.parameters, hooks).isRefused)
-        throw Failure(place + refusal);
+        throw Failure(prefix + refusal);
 }
 
 } // namespace applet_tools

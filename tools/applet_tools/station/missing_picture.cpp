@@ -124,9 +124,9 @@ private:
     }
 
     /** "with camera triggers ...: 5; ..." if there were losses of this kind during the wait; else empty. */
-    std::string lossText(std::size_t place) const {
-        const LossKind& kind = lossKinds()[place];
-        const std::int64_t lost = lossesOf(m_instance)[place] - m_wait.start.losses[place];
+    std::string lossText(std::size_t index) const {
+        const LossKind& kind = lossKinds()[index];
+        const std::int64_t lost = lossesOf(m_instance)[index] - m_wait.start.losses[index];
         if (lost <= 0) return "";
         return std::string("with ") + kind.what + ": " + numberText(lost) + "; " + kind.cure;
     }

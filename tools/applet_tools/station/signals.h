@@ -88,7 +88,7 @@ struct LossKind {
 };
 
 std::span<const LossKind> lossKinds();
-/** Places in lossKinds(). */
+/** Indices in lossKinds(). */
 inline constexpr std::size_t imageLoss = 0, cameraTriggerLoss = 3, droppedTriggerLoss = 4;
 /** Their names: "images", "triggers", ... */
 Words lossNames();

@@ -30,10 +30,10 @@ std::pair<std::string, std::string> twoParts(const std::string& word, const char
 class Groups {
 public:
     explicit Groups(const Words& words) : m_words(words) {}
-    bool isEmpty() const { return m_place >= m_words.size(); }
+    bool isEmpty() const { return m_index >= m_words.size(); }
     /** The next name, with its own words after it. */
     std::string name(const Words& names) {
-        std::string word = m_words[m_place++];
+        std::string word = m_words[m_index++];
         for (const std::string& name : names)
             if (name == word) return word;
         throw UsageError(inQuotedWord(word) + " is not one of " + join(names, ", ") +
@@ -41,12 +41,12 @@ public:
     }
     std::string next(const std::string& after) {
         if (isEmpty()) throw UsageError("a value is missing after " + inQuotedWord(after));
-        return m_words[m_place++];
+        return m_words[m_index++];
     }
 
 private:
     const Words& m_words;
-    std::size_t m_place = 1;
+    std::size_t m_index = 1;
 };
 
 StationFile stationOf(StepDocument fields) {
@@ -116,8 +116,8 @@ StationScene sceneFromWords(const Words& words) {
             fields["scene"]["pixel"] = value;
             continue;
         }
-        const auto [place, length] = twoParts(value, "PLACE,LENGTH");
-        fields["objects"].push_back({{"place", place}, {"length", length}});
+        const auto [position, length] = twoParts(value, "PLACE,LENGTH");
+        fields["objects"].push_back({{"place", position}, {"length", length}});
     }
     return *stationOf(fields).scene;
 }

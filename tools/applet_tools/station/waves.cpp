@@ -17,11 +17,11 @@ namespace {
 
 std::vector<std::string_view> partsOf(std::string_view text, char mark) {
     std::vector<std::string_view> parts;
-    for (std::size_t place = 0; place != std::string_view::npos;) {
-        text.remove_prefix(place);
-        place = text.find(mark);
-        parts.push_back(text.substr(0, place));
-        if (place != std::string_view::npos) ++place;
+    for (std::size_t position = 0; position != std::string_view::npos;) {
+        text.remove_prefix(position);
+        position = text.find(mark);
+        parts.push_back(text.substr(0, position));
+        if (position != std::string_view::npos) ++position;
     }
     return parts;
 }
@@ -80,10 +80,10 @@ SquareWave squareFrom(std::string_view text) {
 EdgesWave edgesFrom(std::string_view text) {
     EdgesWave wave;
     for (const std::string_view word : partsOf(text, ',')) {
-        const Ticks place = ticksFrom(word);
-        if (!wave.places.empty() && place <= wave.places.back())
+        const Ticks time = ticksFrom(word);
+        if (!wave.times.empty() && time <= wave.times.back())
             throw UsageError("the edge at " + std::string(word) + " is not later than the one before it");
-        wave.places.push_back(place);
+        wave.times.push_back(time);
     }
     return wave;
 }
@@ -144,16 +144,16 @@ struct Connect {
     unsigned input;
 
     /** A time after the present tick: edges at or before it are already past. */
-    Ticks place(Ticks ticks) const { return board.now(device) + std::max<Ticks>(ticks, 1); }
+    Ticks tickAfter(Ticks ticks) const { return board.now(device) + std::max<Ticks>(ticks, 1); }
 
     void operator()(const LevelWave& wave) const { board.wave_level(device, input, wave.level); }
     void operator()(const SquareWave& wave) const {
-        board.wave_square(device, input, place(wave.start), wave.period, wave.high);
+        board.wave_square(device, input, tickAfter(wave.start), wave.period, wave.high);
     }
     void operator()(const EdgesWave& wave) const {
         std::vector<vboard_edge> edges;
-        for (const Ticks ticks : wave.places)
-            edges.push_back({place(ticks), edges.size() % 2 == 0});
+        for (const Ticks ticks : wave.times)
+            edges.push_back({tickAfter(ticks), edges.size() % 2 == 0});
         board.wave_edges(device, input, false, edges.data(), edges.size());
     }
     void operator()(const EncoderWave& wave) const {

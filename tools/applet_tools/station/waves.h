@@ -19,7 +19,7 @@ struct SquareWave {
     Ticks period, high, start; /**< first rises after `start`, then once per period */
 };
 struct EdgesWave {
-    std::vector<Ticks> places; /**< edges: low before the first, then high, low, ... */
+    std::vector<Ticks> times; /**< edges: low before the first, then high, low, ... */
 };
 struct EncoderWave {
     unsigned second; /**< input of track B */

@@ -31,9 +31,9 @@ struct Options : BoardOptions {
 
     /** Storage for the options of a command; its address is stable for the lifetime of this object. */
     template <typename Own> Own& own() {
-        std::any& place = m_own[typeid(Own)];
-        if (!place.has_value()) place = Own{};
-        return std::any_cast<Own&>(place);
+        std::any& slot = m_own[typeid(Own)];
+        if (!slot.has_value()) slot = Own{};
+        return std::any_cast<Own&>(slot);
     }
 
 private:

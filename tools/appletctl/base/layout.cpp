@@ -95,13 +95,13 @@ std::vector<std::string> foldedLines(std::string_view text, std::size_t width) {
     std::vector<std::string> lines;
     std::size_t begin = 0, end = 0; // of the current line
     // An indented text keeps its indentation in the first line.
-    std::size_t place = std::min(text.find_first_not_of(' '), text.size());
-    while (place < text.size()) {
-        const std::size_t wordEnd = std::min(text.find(' ', place), text.size());
+    std::size_t wordBegin = std::min(text.find_first_not_of(' '), text.size());
+    while (wordBegin < text.size()) {
+        const std::size_t wordEnd = std::min(text.find(' ', wordBegin), text.size());
         const bool isFirstWord = end == begin;
         if (!isFirstWord && displayWidth(text.substr(begin, wordEnd - begin)) > width) {
             lines.emplace_back(text.substr(begin, end - begin));
-            begin = place;
+            begin = wordBegin;
         }
         end = wordEnd;
         while (displayWidth(text.substr(begin, end - begin)) > width) { // a single word, maybe indented
@@ -112,7 +112,7 @@ std::vector<std::string> foldedLines(std::string_view text, std::size_t width) {
             lines.emplace_back(text.substr(begin, part));
             begin += part;
         }
-        place = std::min(text.find_first_not_of(' ', wordEnd), text.size());
+        wordBegin = std::min(text.find_first_not_of(' ', wordEnd), text.size());
     }
     if (begin < end || lines.empty()) lines.emplace_back(text.substr(begin, end - begin));
     return lines;

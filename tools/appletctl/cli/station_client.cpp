@@ -22,9 +22,9 @@ Words shellWords(const Options& options) {
 }
 
 serve::CommandClient clientOf(const std::string& name) {
-    const serve::StationPlace place = serve::placeOf(name);
+    const serve::StationLocation location = serve::locationOf(name);
     try {
-        return serve::CommandClient(place);
+        return serve::CommandClient(location);
     } catch (const Unavailable& error) {
         throw Unavailable(std::string(error.what()) + ": start it with 'appletctl serve " + name +
                           "', or leave --station and APPLETCTL_STATION out");

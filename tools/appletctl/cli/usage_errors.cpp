@@ -105,7 +105,7 @@ std::string asTyped(const CLI::App& app, const std::string& option, const Words&
     return option;
 }
 
-/** The node that an unknown word precedes on the command line, so that it is in the place of a command; null if it
+/** The node that an unknown word precedes on the command line, so that it is in the position of a command; null if it
  *  follows the command. */
 const CLI::App* nodeBehind(const CLI::App& app, const std::string& word, const Words& words) {
     const CLI::App* found = nullptr;
@@ -123,10 +123,10 @@ std::string unknownCommand(std::span<const Command* const> commands, const Comma
 /** "0.001000 to 1000.000000" without the zeros. */
 std::string rangeText(const std::string& range) {
     const std::string word = " to ";
-    const std::size_t place = range.find(word);
-    if (place == std::string::npos) return range;
-    const auto least = floatingNumber(range.substr(0, place)),
-               most = floatingNumber(range.substr(place + word.size()));
+    const std::size_t position = range.find(word);
+    if (position == std::string::npos) return range;
+    const auto least = floatingNumber(range.substr(0, position)),
+               most = floatingNumber(range.substr(position + word.size()));
     return least && most ? numberText(*least) + word + numberText(*most) : range;
 }
 
@@ -148,9 +148,9 @@ std::string optionError(const CLI::App& app, const CLI::ParseError& error, const
                didYouMean(misspelt(word, choices));
     }
     const std::string outside = " not in range ";
-    if (const std::size_t place = behind.find(outside); place != std::string::npos)
+    if (const std::size_t position = behind.find(outside); position != std::string::npos)
         return option + ": " + inQuotedWord(between(behind, "Value ", outside)) + " is not a number from " +
-               rangeText(behind.substr(place + outside.size()));
+               rangeText(behind.substr(position + outside.size()));
     if (behind.find("required") != std::string::npos && behind.find("missing") != std::string::npos)
         return option + ": its value is missing";
     if (behind.find("At Most 1") != std::string::npos) return option + " takes one value, and there are more";

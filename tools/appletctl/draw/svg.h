@@ -13,7 +13,7 @@ std::string coordinate(double value);
 
 std::string line(double x1, double y1, double x2, double y2, const std::string& stroke, double width);
 
-/** A text at a place; `anchor` is start, middle or end. */
+/** A text at a position; `anchor` is start, middle or end. */
 std::string label(double x, double y, const char* anchor, const std::string& text,
                   const std::string& more = "");
 

@@ -17,7 +17,7 @@ using namespace station_channel;
 using applet_tools::Parameter;
 
 constexpr int longestGreeting = 5000; // milliseconds until the first message
-constexpr std::chrono::seconds longestWaitForPlace(4);
+constexpr std::chrono::seconds longestWaitForSlot(4);
 /** Pictures that were sent and not received yet: so many a client can hold that does not read. */
 constexpr std::uint64_t mostOnTheWay = 4;
 /** Bytes of descriptions in a message, behind which no more are added. */
@@ -42,10 +42,10 @@ std::string pathOf(const Parameter& parameter) {
 
 } // namespace
 
-ChannelClient::ChannelClient(LiveStation& station, std::counting_semaphore<>& places,
+ChannelClient::ChannelClient(LiveStation& station, std::counting_semaphore<>& slots,
                              applet_tools::Descriptor socket)
     : m_station(station)
-    , m_places(places)
+    , m_slots(slots)
     , m_socket(std::move(socket))
     , m_thread([this] { work(); }) {}
 
@@ -102,7 +102,7 @@ void ChannelClient::work() {
     } catch (const std::exception&) { // a message that is none, or no memory: the connection ends
     }
     if (m_hasJoined) m_station.pictures->leave(*this);
-    if (m_hasPlace) m_places.release();
+    if (m_hasSlot) m_slots.release();
     m_isOver = true;
     m_socket.close();
 }
@@ -126,8 +126,8 @@ Answer ChannelClient::execute(const Hello& hello) {
         return Refusal{
             Reason::invalid, 0,
             "the station is of another version: start it again with the appletctl of this producer"};
-    m_hasPlace = m_hasPlace || m_places.try_acquire_for(longestWaitForPlace);
-    if (m_hasPlace) return Done();
+    m_hasSlot = m_hasSlot || m_slots.try_acquire_for(longestWaitForSlot);
+    if (m_hasSlot) return Done();
     return Refusal{Reason::busy, 0,
                    "the station serves " + std::to_string(mostClients) +
                        " clients already, which is its limit: close one of them"};

@@ -22,8 +22,8 @@ class ChannelClient final : PictureReceiver {
 public:
     static constexpr std::ptrdiff_t mostClients = 16; /**< that a station serves at a time */
 
-    /** `places`: of clients that are served; one that finds none for some seconds is refused. */
-    ChannelClient(LiveStation& station, std::counting_semaphore<>& places, applet_tools::Descriptor socket);
+    /** `slots`: of clients that are served; one that finds none for some seconds is refused. */
+    ChannelClient(LiveStation& station, std::counting_semaphore<>& slots, applet_tools::Descriptor socket);
     ~ChannelClient();
     ChannelClient(const ChannelClient&) = delete;
     ChannelClient& operator=(const ChannelClient&) = delete;
@@ -54,14 +54,14 @@ private:
     Answer execute(const station_channel::WantEvents& want);
 
     LiveStation& m_station;
-    std::counting_semaphore<>& m_places;
+    std::counting_semaphore<>& m_slots;
     station_channel::ChannelSocket m_socket;
     std::atomic<bool> m_isOver{false};
     std::atomic<std::uint64_t> m_wantedEvents{0};
     // Pictures since Start.
     std::atomic<std::uint64_t> m_sent{0}, m_received{0}, m_room{0};
-    bool m_hasPlace = false, m_hasJoined = false; // for the thread
-    std::thread m_thread;                         // last, as it uses the other members
+    bool m_hasSlot = false, m_hasJoined = false; // for the thread
+    std::thread m_thread;                        // last, as it uses the other members
 };
 
 } // namespace serve

@@ -14,14 +14,14 @@
 namespace serve {
 namespace {
 
-constexpr std::size_t mostConnections = 2 * ChannelClient::mostClients; // some wait for a place
+constexpr std::size_t mostConnections = 2 * ChannelClient::mostClients; // some wait for a slot
 constexpr int shortPeriod = 10, longPeriod = 500;                       // milliseconds
 
 } // namespace
 
-ChannelServer::ChannelServer(const StationPlace& place, LiveStation& station)
+ChannelServer::ChannelServer(const StationLocation& location, LiveStation& station)
     : m_station(station)
-    , m_path(place.channel)
+    , m_path(location.channel)
     , m_socket(listenAt(m_path, SOCK_SEQPACKET))
     , m_ending(wakingDescriptor()) {
     m_station.onEvents.emplace_back([this](const LiveStation::EventTicks& taken) { give(taken); });
@@ -65,7 +65,7 @@ void ChannelServer::accept() {
     applet_tools::Descriptor socket(accept4(m_socket.number(), nullptr, nullptr, SOCK_CLOEXEC));
     if (!socket || allowedPeer(socket.number()) < 0) return;
     const std::lock_guard guard(m_mutex);
-    m_clients.push_back(std::make_unique<ChannelClient>(m_station, m_places, std::move(socket)));
+    m_clients.push_back(std::make_unique<ChannelClient>(m_station, m_slots, std::move(socket)));
 }
 
 bool ChannelServer::isFull() {

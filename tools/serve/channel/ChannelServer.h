@@ -2,7 +2,7 @@
 #ifndef SERVE_CHANNEL_CHANNELSERVER_H
 #define SERVE_CHANNEL_CHANNELSERVER_H
 
-#include "serve/StationPlace.h"
+#include "serve/StationLocation.h"
 #include "serve/channel/ChannelClient.h"
 
 #include <atomic>
@@ -17,11 +17,11 @@
 namespace serve {
 
 /** Listens from the constructor to the destructor, both on the command thread. Accepts only processes of the same user,
- *  or of root. The place must be locked. */
+ *  or of root. The location must be locked. */
 class ChannelServer {
 public:
     /** Throws Failure if the socket cannot be made. */
-    ChannelServer(const StationPlace& place, LiveStation& station);
+    ChannelServer(const StationLocation& location, LiveStation& station);
     ~ChannelServer();
     ChannelServer(const ChannelServer&) = delete;
     ChannelServer& operator=(const ChannelServer&) = delete;
@@ -41,7 +41,7 @@ private:
     const applet_tools::Descriptor m_ending;      // wakes the thread
     std::map<const char*, std::uint64_t> m_masks; // of events by the design's names, for the command thread
     std::atomic<bool> m_isAskedFor{false};        // the command thread will take events
-    std::counting_semaphore<> m_places{ChannelClient::mostClients};
+    std::counting_semaphore<> m_slots{ChannelClient::mostClients};
     std::mutex m_mutex; // guards the member below
     std::vector<std::unique_ptr<ChannelClient>> m_clients;
     std::thread m_thread; // last, as it uses the other members

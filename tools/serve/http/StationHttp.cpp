@@ -162,11 +162,11 @@ void boundHeap() {
 
 } // namespace
 
-StationHttp::StationHttp(LiveStation& station, const HttpPlace& place, const std::string& token)
-    : m_guard(token, !isLoopbackAddress(place.address), ownNames())
+StationHttp::StationHttp(LiveStation& station, const HttpEndpoint& endpoint, const std::string& token)
+    : m_guard(token, !isLoopbackAddress(endpoint.address), ownNames())
     , m_station(station)
-    , m_host(hostOf(place.address))
-    , m_transport(openHttp(place, *this)) {
+    , m_host(hostOf(endpoint.address))
+    , m_transport(openHttp(endpoint, *this)) {
     boundHeap();
 }
 

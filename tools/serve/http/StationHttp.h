@@ -18,7 +18,7 @@ namespace serve {
 class StationHttp : private HttpHandler {
 public:
     /** Throws Unavailable if the program was built without HTTP, and Failure if it cannot listen. */
-    StationHttp(LiveStation& station, const HttpPlace& place, const std::string& token);
+    StationHttp(LiveStation& station, const HttpEndpoint& endpoint, const std::string& token);
     ~StationHttp() override;
     StationHttp(const StationHttp&) = delete;
     StationHttp& operator=(const StationHttp&) = delete;

@@ -71,38 +71,38 @@ ConfigurationFile ConfigurationFile::read(const std::string& path) {
 }
 
 void ConfigurationFile::Section::add(std::size_t begin) {
-    if (m_places.size() * 2 >= m_slots.size()) grow();
+    if (m_entries.size() * 2 >= m_slots.size()) grow();
     std::uint32_t& number = m_slots[slotOf(keyAt(begin))];
     if (number != 0) {
-        Place& first = m_places[number - 1];
+        Entry& first = m_entries[number - 1];
         constexpr std::uint64_t mostCounted = (std::uint64_t{1} << 24) - 1;
         if (first.count < mostCounted) first.count = (first.count + 1) & mostCounted;
         return;
     }
-    constexpr std::uint64_t placeBits = (std::uint64_t{1} << 40) - 1; // a terabyte
-    m_places.push_back({begin & placeBits, 1});
-    number = static_cast<std::uint32_t>(m_places.size());
+    constexpr std::uint64_t positionBits = (std::uint64_t{1} << 40) - 1; // a terabyte
+    m_entries.push_back({begin & positionBits, 1});
+    number = static_cast<std::uint32_t>(m_entries.size());
 }
 
 std::string_view ConfigurationFile::Section::keyAt(std::size_t begin) const {
     return m_text.substr(begin, m_text.find('=', begin) - begin);
 }
 
-ConfigurationFile::Line ConfigurationFile::Section::line(const Place& place) const {
-    const std::string_view line = lineAt(m_text, place.begin);
+ConfigurationFile::Line ConfigurationFile::Section::line(const Entry& entry) const {
+    const std::string_view line = lineAt(m_text, entry.begin);
     const std::string_view content = line.substr(0, line.size() - (line.ends_with('\n') ? 1 : 0));
     const std::size_t equals = content.find('=');
-    return {content.substr(0, equals), withoutMarks(trimmed(content.substr(equals + 1))), line, place.count};
+    return {content.substr(0, equals), withoutMarks(trimmed(content.substr(equals + 1))), line, entry.count};
 }
 
 std::size_t ConfigurationFile::Section::slotOf(std::string_view key) const {
     const std::size_t mask = m_slots.size() - 1;
     std::size_t slot = std::hash<std::string_view>()(key) & mask;
-    const auto isOther = [&](const Place& place) {
-        const std::string_view line = m_text.substr(place.begin, key.size() + 1);
+    const auto isOther = [&](const Entry& entry) {
+        const std::string_view line = m_text.substr(entry.begin, key.size() + 1);
         return !line.ends_with('=') || !line.starts_with(key);
     };
-    while (m_slots[slot] != 0 && isOther(m_places[m_slots[slot] - 1]))
+    while (m_slots[slot] != 0 && isOther(m_entries[m_slots[slot] - 1]))
         slot = (slot + 1) & mask;
     return slot;
 }
@@ -110,14 +110,14 @@ std::size_t ConfigurationFile::Section::slotOf(std::string_view key) const {
 void ConfigurationFile::Section::grow() {
     constexpr std::size_t fewest = 256; // a power of two, as are all sizes
     m_slots.assign(std::max(fewest, m_slots.size() * 2), 0);
-    for (std::uint32_t number = 1; number <= m_places.size(); ++number)
-        m_slots[slotOf(keyAt(m_places[number - 1].begin))] = number;
+    for (std::uint32_t number = 1; number <= m_entries.size(); ++number)
+        m_slots[slotOf(keyAt(m_entries[number - 1].begin))] = number;
 }
 
 std::optional<ConfigurationFile::Line> ConfigurationFile::Section::find(std::string_view key) const {
     if (m_slots.empty()) return std::nullopt;
     const std::uint32_t number = m_slots[slotOf(key)];
-    return number != 0 ? std::optional(line(m_places[number - 1])) : std::nullopt;
+    return number != 0 ? std::optional(line(m_entries[number - 1])) : std::nullopt;
 }
 
 std::optional<std::string> ConfigurationFile::Section::value(std::string_view key) const {

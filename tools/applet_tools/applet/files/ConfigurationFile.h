@@ -46,15 +46,15 @@ public:
         std::optional<std::string> value(std::string_view key) const;
         Iterator begin() const;
         Iterator end() const;
-        std::size_t size() const { return m_places.size(); }
+        std::size_t size() const { return m_entries.size(); }
 
     private:
         /** Position of a line in the text. */
-        struct Place {
+        struct Entry {
             std::uint64_t begin : 40;
             std::uint64_t count : 24; // lines with this key; saturates
         };
-        Line line(const Place& place) const;
+        Line line(const Entry& entry) const;
         std::string_view keyAt(std::size_t begin) const;
         /** The index of the key's slot in m_slots, or of the slot for it. */
         std::size_t slotOf(std::string_view key) const;
@@ -62,7 +62,7 @@ public:
 
         // A file may have millions of short lines: these two need less memory than the lines themselves.
         std::string_view m_text;
-        std::deque<Place> m_places;
+        std::deque<Entry> m_entries;
         std::vector<std::uint32_t> m_slots; // hash table of indices into m_entries, plus one; 0 is free
     };
 
@@ -95,7 +95,7 @@ public:
 
     Iterator() = default;
     Iterator(const Section& section, std::size_t number) : m_section(&section), m_number(number) {}
-    Line operator*() const { return m_section->line(m_section->m_places[m_number]); }
+    Line operator*() const { return m_section->line(m_section->m_entries[m_number]); }
     Iterator& operator++() {
         ++m_number;
         return *this;
@@ -110,7 +110,7 @@ private:
 
 inline ConfigurationFile::Section::Iterator ConfigurationFile::Section::begin() const { return {*this, 0}; }
 inline ConfigurationFile::Section::Iterator ConfigurationFile::Section::end() const {
-    return {*this, m_places.size()};
+    return {*this, m_entries.size()};
 }
 
 /** The text without lines that a load ignores: those of further sections, of keys that are not in `known`, and

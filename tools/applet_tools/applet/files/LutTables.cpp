@@ -61,9 +61,9 @@ std::size_t elementsIn(const std::vector<std::string_view>& lines) {
     std::size_t count = 0;
     for (const std::string_view line : lines) {
         const std::string index = numberText(count) + ",";
-        const std::size_t place = line.find(index);
-        if (place == std::string_view::npos) continue;
-        const std::string_view value = line.substr(place + index.size());
+        const std::size_t position = line.find(index);
+        if (position == std::string_view::npos) continue;
+        const std::string_view value = line.substr(position + index.size());
         if (!wholeNumber<std::int32_t>(value.substr(0, value.find(';')))) break;
         ++count;
     }

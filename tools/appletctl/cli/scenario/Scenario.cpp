@@ -258,8 +258,8 @@ constexpr StepKind kinds[] = {
 std::string usageOf(const StepKind& kind) {
     std::string usage = std::string(kind.name) + (*kind.form != '\0' ? " " : "") + kind.form;
     constexpr std::string_view anyLoss = "LOSS";
-    if (const std::size_t place = usage.find(anyLoss); place != std::string::npos)
-        usage.replace(place, anyLoss.size(), join(lossNames(), "|"));
+    if (const std::size_t position = usage.find(anyLoss); position != std::string::npos)
+        usage.replace(position, anyLoss.size(), join(lossNames(), "|"));
     return usage;
 }
 

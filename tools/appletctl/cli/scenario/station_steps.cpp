@@ -317,16 +317,16 @@ std::string expectFrame(ScenarioRunner& runner, const Step& step) {
                    ? ""
                    : "the last grab took " + numberText(pictures.size());
     lastPicture(runner);
-    const std::size_t place = words.picture.value_or(pictures.size());
-    if (place > pictures.size())
+    const std::size_t number = words.picture.value_or(pictures.size());
+    if (number > pictures.size())
         return "the last grab took " + numberText(pictures.size()) +
                (pictures.size() == 1 ? " picture" : " pictures");
     const auto field =
         std::ranges::find_if(frameFields, [&](const FrameField& one) { return one.name == words.field; });
-    const std::int64_t value = field->of(pictures[place - 1]);
+    const std::int64_t value = field->of(pictures[number - 1]);
     return holds(value)
                ? ""
-               : "picture " + numberText(place) + " of the grab: " + words.field + " = " + numberText(value);
+               : "picture " + numberText(number) + " of the grab: " + words.field + " = " + numberText(value);
 }
 
 void checkSignal(const Words& words) {
@@ -366,10 +366,10 @@ void checkPixel(const Words& words) {
 
 std::string expectPixel(ScenarioRunner& runner, const Step& step) {
     const PictureView picture = lastPicture(runner);
-    const auto place = numbersFrom(step.words[0], 2, 2);
-    if (place[0] >= picture.width || place[1] >= picture.lines)
+    const auto position = numbersFrom(step.words[0], 2, 2);
+    if (position[0] >= picture.width || position[1] >= picture.lines)
         return "the picture has " + numberText(picture.width) + " x " + numberText(picture.lines) + " pixels";
-    const Pixel pixel = pixelAt(picture, place[0], place[1]);
+    const Pixel pixel = pixelAt(picture, position[0], position[1]);
     const std::array<std::uint32_t, 3> found{pixel.blue, pixel.green, pixel.red};
     const auto wanted = numbersFrom(step.words[2], 1, 3);
     const Relation& relation = relationFrom(step.words[1]);

@@ -6,7 +6,7 @@
 #include "applet_tools/station/signals.h"
 #include "appletctl/cli/command_line.h"
 #include "appletctl/cli/command_tree.h"
-#include "serve/StationPlace.h"
+#include "serve/StationLocation.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -20,7 +20,7 @@ using Candidates = std::vector<Candidate>;
 bool takesValue(const CLI::Option& option) { return option.get_items_expected_max() > 0; }
 
 /** The parser state after all words of a command line but the last. */
-struct Place {
+struct ParserState {
     const CLI::App* command;             // the command of the last word
     const CLI::Option* option = nullptr; // the option if the last word is its value
     int arguments = 0;                   // number of the command's arguments before the last word
@@ -40,26 +40,26 @@ const CLI::App* subcommandOf(const CLI::App& command, const std::string& name) {
     return nullptr;
 }
 
-Place placeOf(const CLI::App& program, const Words& words) {
-    Place place{.command = &program};
+ParserState parserStateOf(const CLI::App& program, const Words& words) {
+    ParserState state{.command = &program};
     for (std::size_t i = 0; i + 1 < words.size(); ++i) {
         const std::string& word = words[i];
-        if (place.option != nullptr) {
-            place.option = nullptr;
-        } else if (place.hasOptions && word == "--") {
-            place.hasOptions = false;
-        } else if (place.hasOptions && word.starts_with('-') && word.size() > 1) {
-            const CLI::Option* option = optionOf(place.command, word);
-            if (option != nullptr && takesValue(*option)) place.option = option;
+        if (state.option != nullptr) {
+            state.option = nullptr;
+        } else if (state.hasOptions && word == "--") {
+            state.hasOptions = false;
+        } else if (state.hasOptions && word.starts_with('-') && word.size() > 1) {
+            const CLI::Option* option = optionOf(state.command, word);
+            if (option != nullptr && takesValue(*option)) state.option = option;
         } else if (const CLI::App* command =
-                       place.arguments == 0 ? subcommandOf(*place.command, word) : nullptr) {
-            place.command = command;
-            place.begin = static_cast<std::ptrdiff_t>(i) + 1;
+                       state.arguments == 0 ? subcommandOf(*state.command, word) : nullptr) {
+            state.command = command;
+            state.begin = static_cast<std::ptrdiff_t>(i) + 1;
         } else {
-            ++place.arguments;
+            ++state.arguments;
         }
     }
-    return place;
+    return state;
 }
 
 Candidates matching(const Candidates& all, const std::string& begin) {
@@ -189,8 +189,8 @@ std::size_t beginOfComparison(const std::string& condition) {
     constexpr std::size_t length = 2; // of && and ||
     std::size_t behind = 0;
     for (const char* const joint : {"&&", "||"})
-        if (const std::size_t place = condition.rfind(joint); place != std::string::npos)
-            behind = std::max(behind, place + length);
+        if (const std::size_t position = condition.rfind(joint); position != std::string::npos)
+            behind = std::max(behind, position + length);
     return std::min(condition.find_first_not_of(" (", behind), condition.size());
 }
 
@@ -250,7 +250,7 @@ Candidates conditionParts(const ParameterList& parameters, const std::string& wo
 Candidates stationsOf(const std::string& word) {
     Candidates found;
     for (const std::string& name : serve::stationNames())
-        if (name.starts_with(word) && serve::isRunning(serve::placeOf(name))) found.push_back({name});
+        if (name.starts_with(word) && serve::isRunning(serve::locationOf(name))) found.push_back({name});
     return found;
 }
 
@@ -324,16 +324,16 @@ Candidates argumentsOf(const Command& command, int before, const std::string& wo
 }
 
 /** Completes a command, or a command of a group. */
-Candidates helpTopics(const CLI::App& program, const Words& words, const Place& place,
+Candidates helpTopics(const CLI::App& program, const Words& words, const ParserState& state,
                       const std::string& word) {
-    if (place.arguments == 0) return matching(commandsOf(program), word);
-    const CLI::App* group = place.arguments == 1 ? subcommandOf(program, words[words.size() - 2]) : nullptr;
+    if (state.arguments == 0) return matching(commandsOf(program), word);
+    const CLI::App* group = state.arguments == 1 ? subcommandOf(program, words[words.size() - 2]) : nullptr;
     return group != nullptr ? matching(commandsOf(*group), word) : Candidates{};
 }
 
 /** After "trace diff": files with any name, and the global options. */
-bool isTraceDiff(const Words& words, const Place& place) {
-    const auto begin = words.begin() + place.begin;
+bool isTraceDiff(const Words& words, const ParserState& state) {
+    const auto begin = words.begin() + state.begin;
     return std::distance(begin, words.end()) > 1 && *begin == "diff";
 }
 
@@ -366,35 +366,35 @@ std::vector<Candidate> candidatesFor(const Words& words,
     CLI::App program("", "appletctl");
     addCommandsTo(program, request, commands);
     const std::string word = words.empty() ? "" : words.back();
-    const Place place = placeOf(program, words);
-    const Command* command = commandOf(*place.command);
-    if (command != nullptr && command->kind == Command::Kind::prefix && isTraceDiff(words, place))
+    const ParserState state = parserStateOf(program, words);
+    const Command* command = commandOf(*state.command);
+    if (command != nullptr && command->kind == Command::Kind::prefix && isTraceDiff(words, state))
         return word.starts_with('-') ? matching(optionsOf(&program), word) : Candidates{};
     const bool isTrace = command != nullptr && command->kind == Command::Kind::prefix;
-    if (isTrace && std::distance(words.begin() + place.begin, words.end()) == 1 && !word.starts_with('-'))
+    if (isTrace && std::distance(words.begin() + state.begin, words.end()) == 1 && !word.starts_with('-'))
         return matching(traceWords(program), word);
-    if (isTrace) return candidatesFor(Words(words.begin() + place.begin, words.end()), parameters);
-    if (place.option != nullptr) return valuesOfOption(*place.option, word, "", parameters);
-    if (place.hasOptions && word.starts_with("--")) {
+    if (isTrace) return candidatesFor(Words(words.begin() + state.begin, words.end()), parameters);
+    if (state.option != nullptr) return valuesOfOption(*state.option, word, "", parameters);
+    if (state.hasOptions && word.starts_with("--")) {
         const std::size_t equals = word.find('=');
-        if (equals == std::string::npos) return matching(optionsOf(place.command), word);
-        const CLI::Option* option = optionOf(place.command, word.substr(0, equals));
+        if (equals == std::string::npos) return matching(optionsOf(state.command), word);
+        const CLI::Option* option = optionOf(state.command, word.substr(0, equals));
         return option == nullptr
                    ? Candidates{}
                    : valuesOfOption(*option, word.substr(equals + 1), word.substr(0, equals + 1), parameters);
     }
-    if (place.hasOptions && word == "-") return optionsOf(place.command);
-    if (!place.command->get_subcommands(nullptr).empty() && place.arguments == 0)
-        return matching(commandsOf(*place.command), word);
+    if (state.hasOptions && word == "-") return optionsOf(state.command);
+    if (!state.command->get_subcommands(nullptr).empty() && state.arguments == 0)
+        return matching(commandsOf(*state.command), word);
     if (command == nullptr) return {};
     if (command->argument != nullptr)
-        if (const CLI::Option* argument = place.command->get_option_no_throw(command->argument);
+        if (const CLI::Option* argument = state.command->get_option_no_throw(command->argument);
             argument != nullptr)
             if (Candidates listed = valuesOfOption(*argument, word, "", parameters); !listed.empty())
                 return listed;
-    if (areGroups(*place.command, words)) return groupsOf(parameters(), word);
-    if (kindOf(*command) == "COMMAND") return helpTopics(program, words, place, word);
-    return argumentsOf(*command, place.arguments, word, parameters);
+    if (areGroups(*state.command, words)) return groupsOf(parameters(), word);
+    if (kindOf(*command) == "COMMAND") return helpTopics(program, words, state, word);
+    return argumentsOf(*command, state.arguments, word, parameters);
 }
 
 } // namespace appletctl

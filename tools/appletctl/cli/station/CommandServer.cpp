@@ -39,19 +39,19 @@ bool mayAcquire(const serve::ClientCommand& command) {
 
 } // namespace
 
-CommandServer::CommandServer(Context& context, const serve::StationPlace& place,
+CommandServer::CommandServer(Context& context, const serve::StationLocation& location,
                              const std::optional<StationFile>& file, double clock)
     : m_context(context)
     , m_shown(context.options())
     , m_clock(clock)
     , m_session(context)
-    , m_socket(place, {{"board", boardText(m_shown)}, {"clock", clockText(m_shown, clock)}})
-    , m_live(access(place.name, file)) {
+    , m_socket(location, {{"board", boardText(m_shown)}, {"clock", clockText(m_shown, clock)}})
+    , m_live(access(location.name, file)) {
     static_cast<BoardOptions&>(m_options) = m_shown;
     setClock();
     context.setPause([this] { lookMeanwhile(); });
     if (!m_shown.of<HttpOptions>().isOff) openHttp();
-    m_channel.emplace(place, m_live);
+    m_channel.emplace(location, m_live);
     m_socket.setReady(m_http ? m_http->address(false) : "", address());
 }
 
@@ -87,7 +87,7 @@ serve::StationAccess CommandServer::access(const std::string& name, const std::o
 void CommandServer::openHttp() {
     const auto& own = m_shown.of<HttpOptions>();
     try {
-        m_http.emplace(m_live, httpPlace(own), httpToken(own));
+        m_http.emplace(m_live, httpEndpoint(own), httpToken(own));
     } catch (const Unavailable& error) {
         if (own.isAsked()) throw;
         std::cerr << "appletctl: the station has no page: " << error.what() << '\n';

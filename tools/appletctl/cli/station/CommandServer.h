@@ -19,8 +19,8 @@ class CommandServer {
 public:
     /** `clock`: how many times as fast as the machine's clock time passes; 0: it is stepped. Throws as
      *  CommandSocket and StationHttp do. */
-    CommandServer(Context& context, const serve::StationPlace& place, const std::optional<StationFile>& file,
-                  double clock);
+    CommandServer(Context& context, const serve::StationLocation& location,
+                  const std::optional<StationFile>& file, double clock);
     ~CommandServer() { m_context.setPause({}); }
     CommandServer(const CommandServer&) = delete;
     CommandServer& operator=(const CommandServer&) = delete;

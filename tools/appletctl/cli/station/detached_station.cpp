@@ -92,9 +92,9 @@ pid_t spawn(Words words, const std::string& log) {
     throw Failure(reason);
 }
 
-bool answers(const serve::StationPlace& place, pid_t process) {
+bool answers(const serve::StationLocation& location, pid_t process) {
     try {
-        return serve::CommandClient(place).ask("status").at("process") == process;
+        return serve::CommandClient(location).ask("status").at("process") == process;
     } catch (const Failure&) { // not yet
         return false;
     }
@@ -102,19 +102,19 @@ bool answers(const serve::StationPlace& place, pid_t process) {
 
 } // namespace
 
-pid_t startDetached(const serve::StationPlace& place) {
-    serve::lockPlace(place); // throws if it runs; its log must not be lost
+pid_t startDetached(const serve::StationLocation& location) {
+    serve::lockStation(location); // throws if it runs; its log must not be lost
     Words words = ownCommandLine();
     std::erase(words, "--detach");
-    const pid_t process = spawn(std::move(words), place.log);
+    const pid_t process = spawn(std::move(words), location.log);
     const Interruption interruption;
-    while (!answers(place, process)) {
+    while (!answers(location, process)) {
         using namespace std::chrono_literals;
         const bool goesOn = interruption.waitUntil(Interruption::Clock::now() + 20ms);
         if (!goesOn) kill(process, SIGTERM);
         int status = 0;
         if (waitpid(process, &status, goesOn ? WNOHANG : 0) == 0) continue;
-        throwReason(textOfFile(place.log).value_or(""),
+        throwReason(textOfFile(location.log).value_or(""),
                     WIFEXITED(status) ? WEXITSTATUS(status) : exitRefused);
     }
     return process;

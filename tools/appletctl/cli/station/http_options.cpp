@@ -41,7 +41,7 @@ void addHttpOptions(CLI::App& command, Options& options) {
                      "Let the page and GenICam clients set parameters; without it they only show them");
 }
 
-serve::HttpPlace httpPlace(const HttpOptions& options) {
+serve::HttpEndpoint httpEndpoint(const HttpOptions& options) {
     std::string address = options.address;
     if (address == "localhost") address = "127.0.0.1";
     if (!serve::isAddress(address) && !serve::isAddress('[' + address + ']'))

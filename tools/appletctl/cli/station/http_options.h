@@ -32,7 +32,7 @@ struct HttpOptions {
 };
 void addHttpOptions(CLI::App& command, Options& options);
 
-serve::HttpPlace httpPlace(const HttpOptions& options);
+serve::HttpEndpoint httpEndpoint(const HttpOptions& options);
 /** The first line of the file, or a random token. Throws UsageError for an unfit one. */
 std::string httpToken(const HttpOptions& options);
 

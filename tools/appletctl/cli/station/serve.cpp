@@ -126,27 +126,27 @@ std::string readyText(const Options& options, const std::string& name, const std
 }
 
 /** Starts a process that keeps the station, and reports it when it is ready. */
-Report serveDetached(const Context& context, const serve::StationPlace& place) {
+Report serveDetached(const Context& context, const serve::StationLocation& location) {
     Report report;
-    report.document["station"] = place.name;
-    report.document["process"] = startDetached(place);
-    const nlohmann::json address = serve::CommandClient(place).ask("address");
+    report.document["station"] = location.name;
+    report.document["process"] = startDetached(location);
+    const nlohmann::json address = serve::CommandClient(location).ask("address");
     report.document["address"] = address;
     report.text =
-        readyText(context.options(), place.name, address.is_null() ? "" : address.get<std::string>(), "");
+        readyText(context.options(), location.name, address.is_null() ? "" : address.get<std::string>(), "");
     return report;
 }
 
 /** Prints the report at once, since the command ends with the station. */
-Report announce(const Context& context, const serve::StationPlace& place, const std::string& address) {
+Report announce(const Context& context, const serve::StationLocation& location, const std::string& address) {
     const Options& options = context.options();
     Report report;
-    report.document["station"] = place.name;
+    report.document["station"] = location.name;
     report.document["process"] = getpid();
     report.document["address"] = nullptr;
     if (!address.empty()) report.document["address"] = address;
     report.isPrinted = true;
-    report.text = readyText(options, place.name, address, " until Ctrl-C");
+    report.text = readyText(options, location.name, address, " until Ctrl-C");
     if (options.json)
         writeOut(documentText(report, "serve", 2));
     else if (!options.quiet)
@@ -164,17 +164,17 @@ std::optional<StationFile> setUpBoard(Context& context, std::optional<StationFil
 }
 
 Report serveStation(Context& context, const Words& words) {
-    const serve::StationPlace place = serve::placeOf(stationNameOf(words));
+    const serve::StationLocation location = serve::locationOf(stationNameOf(words));
     const ServeOptions own = context.options().of<ServeOptions>(); // which change below
     requireClock(context.options());
     std::optional<StationFile> file = askedStation(context.options());
-    if (own.isDetached) return serveDetached(context, place);
+    if (own.isDetached) return serveDetached(context, location);
     context.setOptions(withWholePaths(context.options()));
     file = setUpBoard(context, std::move(file));
     CommandRun run(context, assignmentsOf(words));
     if (run.isRefused()) return std::move(run.report);
-    CommandServer server(context, place, file, clockOf(own, file));
-    Report report = announce(context, place, server.address());
+    CommandServer server(context, location, file, clockOf(own, file));
+    Report report = announce(context, location, server.address());
     server.run();
     return report;
 }

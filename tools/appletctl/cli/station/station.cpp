@@ -28,10 +28,10 @@ std::string ageText(double seconds) {
 }
 
 /** Nothing for one that was killed, also when that happens meanwhile; the next station of that name replaces it. */
-std::optional<nlohmann::json> statusOf(const serve::StationPlace& place) {
-    if (!serve::isRunning(place)) return std::nullopt;
+std::optional<nlohmann::json> statusOf(const serve::StationLocation& location) {
+    if (!serve::isRunning(location)) return std::nullopt;
     try {
-        return serve::CommandClient(place).ask("status");
+        return serve::CommandClient(location).ask("status");
     } catch (const Failure&) { // it has ended, or is starting
         return std::nullopt;
     }
@@ -44,7 +44,7 @@ Report listStations(Context&, const Words&) {
     table.setTitles({"STATION", "PROCESS", "BOARD", "CLOCK", "RUNS FOR", "COMMANDS", "PAGE", "NOW"});
     table.setDispensable({"COMMANDS", "RUNS FOR", "CLOCK", "PROCESS", "PAGE"});
     for (const std::string& name : serve::stationNames()) {
-        std::optional<nlohmann::json> status = statusOf(serve::placeOf(name));
+        std::optional<nlohmann::json> status = statusOf(serve::locationOf(name));
         if (!status) continue;
         status->emplace("address", nullptr); // of an older program it has none
         const nlohmann::json& command = status->at("command");
@@ -63,7 +63,7 @@ Report listStations(Context&, const Words&) {
 
 Report showAddress(Context&, const Words& words) {
     const std::string name = nameFrom(words);
-    const nlohmann::json address = serve::CommandClient(serve::placeOf(name)).ask("address");
+    const nlohmann::json address = serve::CommandClient(serve::locationOf(name)).ask("address");
     if (address.is_null())
         throw Failure("the station '" + name + "' has no page: it was started without HTTP");
     Report report;
@@ -75,8 +75,8 @@ Report showAddress(Context&, const Words& words) {
 
 Report stopStation(Context&, const Words& words) {
     const std::string name = nameFrom(words);
-    const serve::StationPlace place = serve::placeOf(name);
-    serve::CommandClient(place).stop();
+    const serve::StationLocation location = serve::locationOf(name);
+    serve::CommandClient(location).stop();
     Report report;
     report.document["station"] = name;
     report.text = lineOf({"stopped", name}, "The station '" + name + "' has ended.");
@@ -94,7 +94,7 @@ std::string timeText(double secondsSinceEpoch) {
 
 Report showLog(Context&, const Words& words) {
     const std::string name = nameFrom(words);
-    const nlohmann::json log = serve::CommandClient(serve::placeOf(name)).ask("log");
+    const nlohmann::json log = serve::CommandClient(serve::locationOf(name)).ask("log");
     Report report;
     report.document["station"] = name;
     report.document["commands"] = log;

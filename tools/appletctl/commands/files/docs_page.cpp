@@ -111,14 +111,14 @@ public:
 
     std::string linked(const std::string& text, const std::string& own) const {
         std::string result;
-        for (std::size_t place = 0; place < text.size();) {
-            std::size_t end = place;
+        for (std::size_t position = 0; position < text.size();) {
+            std::size_t end = position;
             while (end < text.size() && isOfName(text[end]))
                 ++end;
-            if (end == place) ++end;
-            const std::string part = text.substr(place, end - place);
+            if (end == position) ++end;
+            const std::string part = text.substr(position, end - position);
             result += m_names.contains(part) && part != own ? linkTo(part) : part;
-            place = end;
+            position = end;
         }
         return result;
     }

@@ -14,8 +14,8 @@
 namespace appletctl {
 
 std::string ownDocument(Instance& instance) {
-    const auto ask = [&](char* place, unsigned long& size) {
-        const int code = instance.applet().Fg_getParameterInfoXML(instance.fg(), 0, place, &size);
+    const auto ask = [&](char* buffer, unsigned long& size) {
+        const int code = instance.applet().Fg_getParameterInfoXML(instance.fg(), 0, buffer, &size);
         if (code != FG_OK) throw Failure("the applet gives no XML document: " + codeInWords(code));
     };
     unsigned long size = 0;

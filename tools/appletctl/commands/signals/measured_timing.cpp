@@ -65,11 +65,11 @@ Wave waveOf(const MeasuredSignal& signal, Ticks from, double end) {
     const bool startsActive = signal.course.startsHigh != signal.isActiveLow;
     std::optional<double> start = startsActive ? std::optional(0.0) : std::nullopt;
     for (const vboard_edge& edge : signal.course.edges) {
-        const double place = microseconds(edge.tick) - microseconds(from);
+        const double time = microseconds(edge.tick) - microseconds(from);
         if (edge.level != signal.isActiveLow) {
-            start = place;
+            start = time;
         } else if (start) {
-            pulses.push_back({*start, place});
+            pulses.push_back({*start, time});
             start.reset();
         }
     }

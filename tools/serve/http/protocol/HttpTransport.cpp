@@ -6,7 +6,7 @@
 
 namespace serve {
 
-std::unique_ptr<HttpTransport> openHttp(const HttpPlace& place, HttpHandler& handler) {
+std::unique_ptr<HttpTransport> openHttp(const HttpEndpoint& endpoint, HttpHandler& handler) {
     // Stays loaded: threads of the library may still be at their ends when the transport is destroyed.
     void* const library = dlopen("libappletctl_http.so", RTLD_NOW | RTLD_LOCAL);
     const char* const trouble = library == nullptr ? dlerror() : nullptr;
@@ -18,7 +18,7 @@ std::unique_ptr<HttpTransport> openHttp(const HttpPlace& place, HttpHandler& han
                 "say --no-http") +
             (trouble != nullptr ? std::string("; ") + trouble : ""));
     std::string problem;
-    HttpTransport* const made = reinterpret_cast<HttpTransportFunction*>(symbol)(place, handler, problem);
+    HttpTransport* const made = reinterpret_cast<HttpTransportFunction*>(symbol)(endpoint, handler, problem);
     if (made == nullptr) throw applet_tools::Failure(problem);
     return std::unique_ptr<HttpTransport>(made);
 }

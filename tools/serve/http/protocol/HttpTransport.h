@@ -10,7 +10,7 @@
 
 namespace serve {
 
-struct HttpPlace {
+struct HttpEndpoint {
     std::string address = "127.0.0.1"; /**< to listen on */
     int port = 0;                      /**< 0: any */
     bool isFallbackAllowed = false;    /**< any other port if that one is in use */
@@ -25,11 +25,11 @@ public:
 
 /** Throws Unavailable if the program was built without HTTP, and Failure if the address or port cannot be
  *  used. `handler` must live longer than the result. */
-std::unique_ptr<HttpTransport> openHttp(const HttpPlace& place, HttpHandler& handler);
+std::unique_ptr<HttpTransport> openHttp(const HttpEndpoint& endpoint, HttpHandler& handler);
 
 /** The library exports a function of this name and type. Returns null, with the reason, if it fails. */
 constexpr const char* httpTransportFunction = "serveOpenHttpTransport";
-using HttpTransportFunction = HttpTransport*(const HttpPlace& place, HttpHandler& handler,
+using HttpTransportFunction = HttpTransport*(const HttpEndpoint& endpoint, HttpHandler& handler,
                                              std::string& problem);
 
 } // namespace serve

@@ -139,7 +139,7 @@ HttpAnswer sendPixel(SharedStation& station, const HttpRequest& request, const s
     const auto x = query.number("x", 0, anyNumber), y = query.number("y", 0, anyNumber);
     if (!x || !y)
         throw HttpError(status::badRequest, "invalid",
-                        "the place of the pixel is missing: x=NUMBER&y=NUMBER");
+                        "the position of the pixel is missing: x=NUMBER&y=NUMBER");
     if (*x >= view.width || *y >= view.lines)
         throw HttpError(status::badRequest, "invalid",
                         "the pixel x=" + numberText(*x) + ", y=" + numberText(*y) +
@@ -189,9 +189,9 @@ HttpAnswer sendProfile(SharedStation& station, const HttpRequest& request, const
         throw HttpError(status::badRequest, "invalid",
                         "a profile is along a line or a column: line=NUMBER or column=NUMBER");
     const std::uint32_t size = line ? view.lines : view.width;
-    const auto place = static_cast<std::uint32_t>(line.value_or(column.value_or(0)));
+    const auto position = static_cast<std::uint32_t>(line.value_or(column.value_or(0)));
     const auto width = static_cast<std::uint32_t>(query.number("width", 1, size).value_or(1));
-    const std::uint32_t first = std::min(place - std::min(place, width / 2), size - width);
+    const std::uint32_t first = std::min(position - std::min(position, width / 2), size - width);
     const applet_tools::PictureProfile profile = line ? columnMeans(view, {0, first, view.width, width})
                                                       : lineMeans(view, {first, 0, width, view.lines});
     return jsonAnswer({{"picture", picture->number()},

@@ -36,30 +36,30 @@ Json signalAsJson(SharedStation& station, const StationSignal& signal, Ticks fro
             {"isCut", isCut}};
 }
 
-/** A client's place in the messages. */
-struct StreamPlace {
+/** The state of a client's stream. */
+struct StreamState {
     std::uint64_t next;
     EventHub::Listener listener;
     EventHub::Clock::time_point lastSent = EventHub::Clock::now();
     bool isFirst = true;
 
-    explicit StreamPlace(EventHub& hub) : next(hub.end()), listener(hub) {}
+    explicit StreamState(EventHub& hub) : next(hub.end()), listener(hub) {}
 };
 
 /** One step of a stream. */
-bool sendMessages(SharedStation& station, StreamPlace& place, const HttpSend& send) {
+bool sendMessages(SharedStation& station, StreamState& state, const HttpSend& send) {
     const auto now = EventHub::Clock::now();
-    if (place.isFirst) {
-        place.isFirst = false;
+    if (state.isFirst) {
+        state.isFirst = false;
         if (!send("retry: 1000\n\n")) return false;
     }
     station.sampleIfDue(samplePeriod);
-    const auto messages = station.hub.wait(place.next, now + samplePeriod);
+    const auto messages = station.hub.wait(state.next, now + samplePeriod);
     for (const auto& message : messages)
         if (!send(*message)) return false;
-    if (!messages.empty()) place.lastSent = now;
-    if (now - place.lastSent >= keepAlivePeriod) {
-        place.lastSent = now;
+    if (!messages.empty()) state.lastSent = now;
+    if (now - state.lastSent >= keepAlivePeriod) {
+        state.lastSent = now;
         if (!send(": \n\n")) return false;
     }
     return send("") && !station.hub.isClosed();
@@ -129,11 +129,11 @@ HttpAnswer streamEvents(SharedStation& station, const HttpRequest&, const std::s
         throw HttpError(status::unavailable, "busy",
                         "there are " + std::to_string(mostStreams) +
                             " streams already, and no more are served");
-    const auto place = std::make_shared<StreamPlace>(station.hub);
+    const auto state = std::make_shared<StreamState>(station.hub);
     return {
         .type = "text/event-stream",
         .headers = {{"Cache-Control", "no-store"}},
-        .stream = [&station, place](const HttpSend& send) { return sendMessages(station, *place, send); }};
+        .stream = [&station, state](const HttpSend& send) { return sendMessages(station, *state, send); }};
 }
 
 HttpAnswer sendMetrics(SharedStation& station, const HttpRequest&, const std::string&) {

@@ -41,12 +41,12 @@ std::uint64_t EventHub::end() const {
     return m_end;
 }
 
-std::vector<EventHub::Message> EventHub::wait(std::uint64_t& place, Clock::time_point due) {
+std::vector<EventHub::Message> EventHub::wait(std::uint64_t& position, Clock::time_point due) {
     std::unique_lock lock(m_mutex);
-    m_changed.wait_until(lock, due, [&] { return m_end > place || m_isClosed; });
+    m_changed.wait_until(lock, due, [&] { return m_end > position || m_isClosed; });
     const std::uint64_t first = m_end - m_messages.size();
-    const std::uint64_t from = std::clamp(place, first, m_end);
-    place = m_end;
+    const std::uint64_t from = std::clamp(position, first, m_end);
+    position = m_end;
     return {m_messages.end() - static_cast<std::ptrdiff_t>(m_end - from), m_messages.end()};
 }
 

@@ -22,10 +22,10 @@ public:
     using Message = std::shared_ptr<const std::string>; /**< as it is sent: a server-sent event */
 
     void publish(const std::string& name, const Json& data);
-    /** The place of the next message. */
+    /** The position of the next message. */
     std::uint64_t end() const;
-    /** The messages from `place` on, which moves behind them; waits for one until `due`. */
-    std::vector<Message> wait(std::uint64_t& place, Clock::time_point due);
+    /** The messages from `position` on, which moves behind them; waits for one until `due`. */
+    std::vector<Message> wait(std::uint64_t& position, Clock::time_point due);
     /** Ends all waits. */
     void close();
     bool isClosed() const;
@@ -47,7 +47,7 @@ private:
     mutable std::mutex m_mutex; // guards the members below
     std::condition_variable m_changed;
     std::deque<Message> m_messages;
-    std::uint64_t m_end = 0; // place after the last message
+    std::uint64_t m_end = 0; // position after the last message
     std::size_t m_listeners = 0;
     bool m_isClosed = false;
 };

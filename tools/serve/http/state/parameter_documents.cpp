@@ -59,8 +59,8 @@ Json asJson(const Value& value) {
 Json remedyOf(const Words& assignments) {
     Json settings = Json::array();
     for (const std::string& word : assignments) {
-        const std::size_t place = word.find('=');
-        settings.push_back({{"name", word.substr(0, place)}, {"value", word.substr(place + 1)}});
+        const std::size_t equals = word.find('=');
+        settings.push_back({{"name", word.substr(0, equals)}, {"value", word.substr(equals + 1)}});
     }
     return {{"text", joinWords(assignments)}, {"settings", std::move(settings)}};
 }

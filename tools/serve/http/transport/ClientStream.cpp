@@ -83,7 +83,7 @@ bool ClientStream::is_writable() const {
            (watched.revents & (POLLERR | POLLHUP)) == 0;
 }
 
-ssize_t ClientStream::read(char* place, std::size_t size) {
+ssize_t ClientStream::read(char* destination, std::size_t size) {
     if (m_bytesLeft == 0) return -1;
     if (m_begin == m_end) {
         if (!waitFor(POLLIN, m_due)) return -1;
@@ -93,7 +93,7 @@ ssize_t ClientStream::read(char* place, std::size_t size) {
         m_end = static_cast<std::size_t>(got);
     }
     const std::size_t taken = std::min({size, m_end - m_begin, m_bytesLeft});
-    std::memcpy(place, m_buffer.data() + m_begin, taken);
+    std::memcpy(destination, m_buffer.data() + m_begin, taken);
     m_begin += taken;
     m_bytesLeft -= taken;
     return static_cast<ssize_t>(taken);

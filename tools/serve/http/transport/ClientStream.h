@@ -37,7 +37,7 @@ public:
 
     bool is_readable() const override;
     bool is_writable() const override;
-    ssize_t read(char* place, std::size_t size) override;
+    ssize_t read(char* destination, std::size_t size) override;
     ssize_t write(const char* bytes, std::size_t size) override;
     void get_remote_ip_and_port(std::string& address, int& port) const override;
     void get_local_ip_and_port(std::string& address, int& port) const override;

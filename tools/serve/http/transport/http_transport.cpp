@@ -98,8 +98,8 @@ public:
         });
     }
 
-    bool open(const HttpPlace& place) {
-        if (!bind_to_port(place.address, place.port)) return false;
+    bool open(const HttpEndpoint& endpoint) {
+        if (!bind_to_port(endpoint.address, endpoint.port)) return false;
         constexpr int backlog = 256;
         ::listen(svr_sock_, backlog);
         sockaddr_storage address{};
@@ -313,13 +313,14 @@ private:
 } // namespace serve
 
 extern "C" __attribute__((visibility("default"))) serve::HttpTransport*
-serveOpenHttpTransport(const serve::HttpPlace& place, serve::HttpHandler& handler, std::string& problem) {
-    serve::HttpPlace tried = place;
+serveOpenHttpTransport(const serve::HttpEndpoint& endpoint, serve::HttpHandler& handler,
+                       std::string& problem) {
+    serve::HttpEndpoint tried = endpoint;
     for (;;) {
         auto server = std::make_unique<serve::Server>(handler);
         if (server->open(tried)) return new serve::Transport(std::move(server));
-        problem = "the station cannot listen on " + tried.address + ", port " + std::to_string(place.port) +
-                  ": " + std::strerror(errno);
+        problem = "the station cannot listen on " + tried.address + ", port " +
+                  std::to_string(endpoint.port) + ": " + std::strerror(errno);
         if (!tried.isFallbackAllowed || tried.port == 0) return nullptr;
         tried.port = 0;
     }

@@ -1,6 +1,6 @@
 /** A station: its parameters as values for the producer. */
-#ifndef PRODUCER_DEVICE_STATION_H
-#define PRODUCER_DEVICE_STATION_H
+#ifndef PRODUCER_DEVICE_DEVICESTATION_H
+#define PRODUCER_DEVICE_DEVICESTATION_H
 
 #include "base/Error.h"
 #include "features/Feature.h"
@@ -14,7 +14,7 @@ namespace producer {
 
 /** A parameter of the applet's tree. */
 struct Parameter : applet_host::Parameter {
-    std::size_t index; /**< in Station::parameters() */
+    std::size_t index; /**< in DeviceStation::parameters() */
 };
 
 /** A design event. */
@@ -25,11 +25,11 @@ struct EventKind {
 };
 
 /** Opened by its constructor, closed by its destructor. Thread-safe. */
-class Station {
+class DeviceStation {
 public:
-    virtual ~Station() = default;
-    Station(const Station&) = delete;
-    Station& operator=(const Station&) = delete;
+    virtual ~DeviceStation() = default;
+    DeviceStation(const DeviceStation&) = delete;
+    DeviceStation& operator=(const DeviceStation&) = delete;
 
     const std::vector<Parameter>& parameters() const { return m_parameters; }
     /** Null if there is no parameter of that name. */
@@ -56,7 +56,7 @@ public:
     static constexpr std::uint64_t nanosecondsPerTick = 8;
 
 protected:
-    Station() = default;
+    DeviceStation() = default;
     void addParameter(applet_host::Parameter parameter);
     void addEvents(const std::vector<applet_host::EventName>& names);
 

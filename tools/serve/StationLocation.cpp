@@ -1,4 +1,4 @@
-#include "serve/StationPlace.h"
+#include "serve/StationLocation.h"
 
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/text.h"
@@ -56,21 +56,21 @@ std::string runningNames() {
 
 } // namespace
 
-StationPlace placeOf(const std::string& name) {
+StationLocation locationOf(const std::string& name) {
     if (!isStationName(name))
         throw applet_tools::UsageError(
             applet_tools::inQuotedWord(name) +
             " is not a name of a station: 1 to 32 letters, digits, '-', '_' and '.', "
             "beginning with a letter or a digit");
     const fs::path folder = stationFolder();
-    StationPlace place{name, folder / (name + ".socket"), folder / (name + ".channel"),
-                       folder / (name + ".lock"), folder / (name + ".log")};
-    if (place.channel.native().size() >= sizeof sockaddr_un::sun_path)
-        throw Failure("the socket " + applet_tools::inQuotes(place.channel.native()) + " has a path of " +
-                      std::to_string(place.channel.native().size()) + " bytes, and the system takes " +
+    StationLocation location{name, folder / (name + ".socket"), folder / (name + ".channel"),
+                             folder / (name + ".lock"), folder / (name + ".log")};
+    if (location.channel.native().size() >= sizeof sockaddr_un::sun_path)
+        throw Failure("the socket " + applet_tools::inQuotes(location.channel.native()) + " has a path of " +
+                      std::to_string(location.channel.native().size()) + " bytes, and the system takes " +
                       std::to_string(sizeof sockaddr_un::sun_path - 1) +
                       ": set XDG_RUNTIME_DIR to a shorter folder");
-    return place;
+    return location;
 }
 
 void makeStationFolder() {
@@ -97,38 +97,39 @@ std::vector<std::string> stationNames() {
 
 std::vector<std::string> runningStations() {
     std::vector<std::string> names = stationNames();
-    std::erase_if(names, [](const std::string& name) { return !isRunning(placeOf(name)); });
+    std::erase_if(names, [](const std::string& name) { return !isRunning(locationOf(name)); });
     return names;
 }
 
-Descriptor lockPlace(const StationPlace& place) {
+Descriptor lockStation(const StationLocation& location) {
     constexpr std::chrono::seconds longestEnd(5);
     makeStationFolder();
-    Descriptor lock(open(place.lock.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, S_IRUSR | S_IWUSR));
+    Descriptor lock(
+        open(location.lock.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, S_IRUSR | S_IWUSR));
     if (!lock)
-        throw Failure(applet_tools::inQuotes(place.lock.native()) +
+        throw Failure(applet_tools::inQuotes(location.lock.native()) +
                       " cannot be made: " + std::strerror(errno));
     const auto due = std::chrono::steady_clock::now() + longestEnd;
     struct flock whole = wholeFile();
     while (fcntl(lock.number(), F_OFD_SETLK, &whole) != 0) {
-        if (std::chrono::steady_clock::now() >= due || connectAt(place.socket, SOCK_STREAM))
-            throw Failure("a station '" + place.name +
+        if (std::chrono::steady_clock::now() >= due || connectAt(location.socket, SOCK_STREAM))
+            throw Failure("a station '" + location.name +
                           "' runs already: give another name, or end it with 'appletctl station stop " +
-                          place.name + "'");
+                          location.name + "'");
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
     return lock;
 }
 
-bool isRunning(const StationPlace& place) {
-    const Descriptor lock(open(place.lock.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW));
+bool isRunning(const StationLocation& location) {
+    const Descriptor lock(open(location.lock.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW));
     struct flock whole = wholeFile();
     return lock && fcntl(lock.number(), F_OFD_GETLK, &whole) == 0 && whole.l_type != F_UNLCK;
 }
 
-Descriptor connectTo(const StationPlace& place) {
-    if (Descriptor socket = connectAt(place.socket, SOCK_STREAM)) return socket;
-    throw applet_tools::Unavailable("there is no station '" + place.name + "' (" + runningNames() + ")");
+Descriptor connectTo(const StationLocation& location) {
+    if (Descriptor socket = connectAt(location.socket, SOCK_STREAM)) return socket;
+    throw applet_tools::Unavailable("there is no station '" + location.name + "' (" + runningNames() + ")");
 }
 
 } // namespace serve
