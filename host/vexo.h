@@ -137,7 +137,7 @@ typedef struct vexo_options {
  * @param station  receives the station; null after a failure
  * @return VEXO_OK; VEXO_ERR_LIBRARY, VEXO_ERR_UNAVAILABLE; for a station file VEXO_ERR_FILE, VEXO_ERR_VALUE or
  *         the code of a refused parameter. A process loads the libraries of one folder only, and has either
- *         virtual or system boards.
+ *         virtual (or no) boards or those of the system: the others are VEXO_ERR_LIBRARY while one is open.
  */
 int vexo_open(const vexo_options* options, vexo_station** station);
 

@@ -4,6 +4,12 @@
 
 #include "vexo/fg_errors.h"
 
+#include <nlohmann/json.hpp>
+
+#include <dlfcn.h>
+
+#include <filesystem>
+#include <fstream>
 #include <functional>
 #include <thread>
 
@@ -185,6 +191,33 @@ TEST(Opening, RefusesWhatItDoesNotKnow) {
     EXPECT_EQ(vexo_open(&options, &opened), VEXO_ERR_FILE);
     vexo_close(nullptr);
     EXPECT_EQ(opened, nullptr);
+}
+
+TEST(Opening, AProcessHasOneKindOfBoard) {
+    vexo_options options{};
+    options.size = sizeof options;
+    options.board = VEXO_SYSTEM;
+    vexo_station* opened = nullptr;
+    {
+        const vexo::Station virtualBoard = vexo::Station::virtualBoard();
+        EXPECT_EQ(vexo_open(&options, &opened), VEXO_ERR_LIBRARY) << "not the board that is loaded";
+        EXPECT_TRUE(lastErrorHas("virtual-board/libvexo_hw.so, and a board of the system cannot"))
+            << vexo_last_error();
+    }
+    // A library of the same name, as a board of the system has it.
+    const std::string here = vexo::Station::offline().info();
+    const std::filesystem::path file = nlohmann::json::parse(here).at("files").at(0).get<std::string>();
+    const std::filesystem::path other = std::filesystem::path(testing::TempDir()) / file.filename();
+    std::filesystem::copy_file(file, other, std::filesystem::copy_options::overwrite_existing);
+    void* const loaded = dlopen(other.c_str(), RTLD_NOW | RTLD_LOCAL);
+    ASSERT_NE(loaded, nullptr) << dlerror();
+    options.board = VEXO_VIRTUAL;
+    EXPECT_EQ(vexo_open(&options, &opened), VEXO_ERR_LIBRARY);
+    EXPECT_TRUE(lastErrorHas(other.string())) << vexo_last_error();
+    dlclose(loaded);
+    std::filesystem::remove(other);
+    EXPECT_EQ(vexo_open(&options, &opened), VEXO_OK) << vexo_last_error();
+    vexo_close(opened);
 }
 
 TEST(Opening, OfflineThereAreParametersAndNoBoard) {

@@ -51,6 +51,35 @@ std::string loaderError() {
     return text != nullptr ? text : "the dynamic loader gives no reason";
 }
 
+/** The file that a library was loaded from. */
+std::filesystem::path fileOf(void* library) {
+    link_map* entry = nullptr;
+    if (dlinfo(library, RTLD_DI_LINKMAP, &entry) != 0) return {};
+    return entry->l_name;
+}
+
+/** The file of the library of that name that the process has loaded; empty if it has none. */
+std::filesystem::path loadedFile(const char* name) {
+    void* const library = dlopen(name, RTLD_LAZY | RTLD_NOLOAD);
+    if (library == nullptr) return {};
+    std::filesystem::path file = fileOf(library);
+    dlclose(library);
+    return file;
+}
+
+bool isSameFile(const std::filesystem::path& one, const std::filesystem::path& other) {
+    std::error_code ignored;
+    return std::filesystem::equivalent(one, other, ignored);
+}
+
+/** The names of the libraries are the same for all boards, and the applet takes those that were loaded first. */
+[[noreturn]] void throwOtherBoard(const std::filesystem::path& loaded, const char* what) {
+    throw HostError(
+        "this process uses " + loaded.string() + ", and " + what +
+        " cannot be opened beside it: a process has either virtual boards or those of the system; "
+        "close the other one before, or use another process");
+}
+
 /** The folders that the dynamic loader searches for libraries, except those of its cache. */
 std::vector<std::filesystem::path> searchedFolders() {
     std::vector<std::filesystem::path> folders;
@@ -68,16 +97,26 @@ std::vector<std::filesystem::path> searchedFolders() {
     return folders;
 }
 
+/** The virtual board's own library; not a virtual board on the path of the dynamic loader. */
+bool isOfVirtualBoard(const std::filesystem::path& file) {
+    return isSameFile(file, Locations::beside().virtualBoard / file.filename());
+}
+
 /** A library that the dynamic loader finds by name. */
 void* openByName(const char* name) {
+    std::filesystem::path found;
     std::error_code error;
     for (const std::filesystem::path& folder : searchedFolders()) {
         if (!std::filesystem::exists(folder / name, error)) continue;
-        const std::string trouble = troubleWithLibrary(folder / name);
+        found = folder / name;
+        const std::string trouble = troubleWithLibrary(found);
         if (!trouble.empty())
-            throw HostError("the library " + (folder / name).string() + " cannot be loaded: " + trouble);
+            throw HostError("the library " + found.string() + " cannot be loaded: " + trouble);
         break;
     }
+    const std::filesystem::path loaded = loadedFile(name);
+    if (!loaded.empty() && isOfVirtualBoard(loaded) && !isSameFile(loaded, found))
+        throwOtherBoard(loaded, "a board of the system");
     if (void* library = dlopen(name, RTLD_NOW | RTLD_LOCAL)) return library;
     throw HostError(std::string("the library ") + name +
                     " is not on the path of the dynamic loader: " + loaderError());
@@ -97,6 +136,15 @@ void* openLibrary(const std::filesystem::path& path) {
     }
     throw HostError("the library " + file.filename().string() + " in " + file.parent_path().string() +
                     " cannot be loaded: " + reason);
+}
+
+/** A library of the virtual board. */
+void* openVirtual(const std::filesystem::path& path) {
+    const std::filesystem::path loaded = loadedFile(path.filename().c_str());
+    std::error_code error;
+    if (!loaded.empty() && std::filesystem::exists(path, error) && !isSameFile(loaded, path))
+        throwOtherBoard(loaded, "a virtual board");
+    return openLibrary(path);
 }
 
 /** The installation that contains the applet's file. The applet looks for the logging dispatcher there. */
@@ -122,13 +170,6 @@ void requireWholeDispatcher(const std::filesystem::path& applet) {
         throw HostError("the library " + file.string() +
                         ", which the applet logs through, cannot be loaded: " + trouble +
                         "; install it again, or remove it to run without a log");
-}
-
-/** The file that a library was loaded from. */
-std::filesystem::path fileOf(void* library) {
-    link_map* entry = nullptr;
-    if (dlinfo(library, RTLD_DI_LINKMAP, &entry) != 0) return {};
-    return entry->l_name;
 }
 
 /** Binds the functions of all rows to one library. */
@@ -237,7 +278,7 @@ AppletHost::AppletHost(const Locations& where) {
     try {
         void** next = m_libraries;
         for (const char* name : boardLibraries)
-            *next++ = where.virtualBoard.empty() ? openByName(name) : openLibrary(where.virtualBoard / name);
+            *next++ = where.virtualBoard.empty() ? openByName(name) : openVirtual(where.virtualBoard / name);
         *next = openLibrary(where.applet);
         requireWholeDispatcher(where.applet);
         bindBoard(where);

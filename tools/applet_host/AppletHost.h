@@ -71,7 +71,7 @@ std::filesystem::path folderOfThisCode();
 
 /** The loaded libraries. They stay loaded for the life of the object. Opens the platform's libraries first,
  * libvexo_hw.so, libtslrt.so, libgrabcore5.so, the virtual board's by absolute path, then the applet. Throws
- * HostError. */
+ * HostError, also if the process has loaded libraries of these names from elsewhere. */
 class AppletHost {
 public:
     explicit AppletHost(const Locations& where = Locations::beside());
