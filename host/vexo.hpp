@@ -118,9 +118,12 @@ inline const char* orNull(const std::string& text) { return text.empty() ? nullp
 
 class Station;
 
-/** A parameter of an open station, which must outlive it. */
+/** A parameter of an open station, which must outlive it. An assignment sets its value, also one from another
+ *  parameter; it never makes the object stand for another parameter. */
 class Parameter {
 public:
+    Parameter(const Parameter&) = default;
+
     int id() const noexcept { return m_id; }
 
     vexo_parameter describe() const {
@@ -178,6 +181,32 @@ public:
     }
     template <typename T> const Parameter& operator=(const T& value) const {
         set(value);
+        return *this;
+    }
+
+    /** Reads the other parameter and sets this one to its value, which may be of another kind of number. Both are
+     *  fields of the same length, or neither is. */
+    const Parameter& operator=(const Parameter& other) const {
+        const vexo_parameter source = other.describe();
+        switch (source.kind) {
+        case VEXO_FIELD:
+            if (const std::uint32_t its = describe().elements; its != 0 && its != source.elements)
+                throw std::length_error(name() + " has " + std::to_string(its) + " elements, and " +
+                                        source.name + " has " + std::to_string(source.elements));
+            setElements(0, other.elements(0, source.elements));
+            break;
+        case VEXO_TEXT:
+            set(other.get<std::string>());
+            break;
+        case VEXO_DOUBLE:
+            set(other.get<double>());
+            break;
+        case VEXO_UINT64:
+            set(other.get<std::uint64_t>());
+            break;
+        default:
+            set(other.get<std::int64_t>());
+        }
         return *this;
     }
 

@@ -177,4 +177,29 @@ TEST_F(Parameters, AFileKeepsAndRestoresThem) {
     EXPECT_NE(station.document().find("<RegisterDescription"), std::string::npos);
 }
 
+TEST_F(Parameters, AnAssignmentOfAParameterSetsItsValue) {
+    station.set({"FG_WIDTH=2048", "FG_HEIGHT=100", "FG_LINEPERIODE=150.4"});
+    station["FG_HEIGHT"] = station["FG_WIDTH"];
+    EXPECT_EQ(station.get<int>("FG_HEIGHT"), 2048);
+    vexo::Parameter height = station["FG_HEIGHT"];
+    const vexo::Parameter width = station["FG_WIDTH"];
+    width = 512;
+    height = width;
+    EXPECT_EQ(station.get<int>("FG_HEIGHT"), 512);
+    width = 1024;
+    height = std::move(width);
+    EXPECT_EQ(height.name() + "=" + height.get<std::string>(), "FG_HEIGHT=1024");
+    const vexo::Station other = vexo::Station::offline();
+    other["FG_LINEPERIODE"] = station["FG_LINEPERIODE"];
+    EXPECT_EQ(other.get<double>("FG_LINEPERIODE"), 150.4);
+    EXPECT_THROW(height = station["FG_LINEPERIODE"], vexo::Error) << "no whole number";
+
+    const vexo::Parameter red = station["FG_LUT_VALUE_RED"], blue = station["FG_LUT_VALUE_BLUE"];
+    const std::uint32_t elements[] = {7, 8, 9};
+    red.setElements(4, elements);
+    blue = red;
+    EXPECT_EQ(blue.elements(0, red.describe().elements), red.elements(0, red.describe().elements));
+    EXPECT_THROW(height = red, vexo::Error);
+}
+
 } // namespace
