@@ -68,33 +68,58 @@ Acquisition::~Acquisition() { stop(); }
 
 void Acquisition::stop() { m_instance.applet().Fg_stopAcquireEx(m_instance.fg(), 0, m_memory.get(), 0); }
 
-vboard_record Acquisition::recordOf(std::int64_t number) const {
+std::optional<vboard_record> Acquisition::recordOf(std::int64_t number) const {
     vboard_record record{};
     std::uint8_t noRoom = 0; // fills in the record without the bytes
     const int code = m_instance.board().frame_into(m_memory.get(), number, &noRoom, 0, &record);
     if (code == VBOARD_NO_MEMORY) throw std::bad_alloc();
-    if (code != VBOARD_TOO_SMALL) throwGone(number);
+    if (code != VBOARD_TOO_SMALL) return std::nullopt;
     return record;
 }
 
-bool Acquisition::wait(std::int64_t number, const Deadline& deadline, vexo_picture& picture) {
+std::optional<std::int64_t> Acquisition::waitFor(std::int64_t number, const Deadline& deadline) {
     const auto& board = m_instance.board();
     LOOMdevice* const device = m_instance.device();
-    const std::int64_t wanted = number > 0 ? number : m_last + 1;
     std::int64_t last = VBOARD_TIMEOUT;
     Stride stride;
     while (last == VBOARD_TIMEOUT) {
         const Ticks now = board.now(device);
         const bool isOver = deadline.isOver(now); // one more look all the same
         const auto begin = std::chrono::steady_clock::now();
-        last = board.wait(device, wanted, isOver ? 0 : std::min(stride.ticks(), deadline.tick() - now));
+        last = board.wait(device, number, isOver ? 0 : std::min(stride.ticks(), deadline.tick() - now));
         stride.note(std::chrono::steady_clock::now() - begin);
-        if (last == VBOARD_TIMEOUT && isOver) return false;
+        if (last == VBOARD_TIMEOUT && isOver) return std::nullopt;
     }
     if (last < 0) throw Error(VEXO_ERR_STATE, "the acquisition has ended");
-    picture = pictureOf(recordOf(wanted));
-    m_last = wanted;
+    return last;
+}
+
+bool Acquisition::wait(std::int64_t number, const Deadline& deadline, vexo_picture& picture) {
+    if (number == 0) return waitForNext(deadline, picture);
+    if (!waitFor(number, deadline)) return false;
+    const auto record = recordOf(number);
+    if (!record) throwGone(number);
+    picture = pictureOf(*record);
+    for (std::int64_t before = m_last; before < number && !m_last.compare_exchange_weak(before, number);) {
+    }
     return true;
+}
+
+// A number is taken when its picture is there, and by one thread; the others go on to the next one.
+bool Acquisition::waitForNext(const Deadline& deadline, vexo_picture& picture) {
+    for (;;) {
+        std::int64_t before = m_last;
+        const auto last = waitFor(before + 1, deadline);
+        if (!last) return false;
+        if (const auto record = recordOf(before + 1)) {
+            if (!m_last.compare_exchange_strong(before, before + 1)) continue;
+            picture = pictureOf(*record);
+            return true;
+        }
+        // It was overwritten, as were all that no longer fit in a ring, or released.
+        const std::int64_t gone = m_kind == VEXO_RING ? std::max(before + 1, *last - m_frames) : before + 1;
+        m_last.compare_exchange_strong(before, gone);
+    }
 }
 
 void Acquisition::render(std::int64_t number, void* destination, std::uint64_t size) const {

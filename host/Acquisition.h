@@ -10,6 +10,7 @@
 
 #include <atomic>
 #include <memory>
+#include <optional>
 
 namespace host {
 
@@ -26,7 +27,8 @@ public:
     /** Ends it; other threads' waits end. */
     void stop();
 
-    /** Waits for a picture; 0: the next one. True when it is there. Throws Error. */
+    /** Waits for a picture; 0: the oldest one that is there and that no wait has given. Each thread gets another
+     *  one. True when it is there. Throws Error. */
     bool wait(std::int64_t number, const Deadline& deadline, vexo_picture& picture);
     /** Throws Error. */
     void render(std::int64_t number, void* destination, std::uint64_t size) const;
@@ -39,14 +41,18 @@ public:
     applet_tools::WaitStart start() const { return m_start; }
 
 private:
-    vboard_record recordOf(std::int64_t number) const;
+    /** Waits for the number, which need not be there any more. Returns the last number; empty after the time-out. */
+    std::optional<std::int64_t> waitFor(std::int64_t number, const Deadline& deadline);
+    bool waitForNext(const Deadline& deadline, vexo_picture& picture);
+    /** Empty if the picture is not in the memory. */
+    std::optional<vboard_record> recordOf(std::int64_t number) const;
 
     applet_tools::Instance& m_instance;
     const std::uint32_t m_frames;
     const vexo_memory m_kind;
     applet_tools::FrameMemory m_memory;
     applet_tools::WaitStart m_start;
-    std::atomic<std::int64_t> m_last = 0;     // the picture that a wait gave last
+    std::atomic<std::int64_t> m_last = 0;     // the highest number that a wait gave; never goes back
     std::atomic<std::int64_t> m_released = 0; // number of pictures
 };
 

@@ -418,12 +418,14 @@ typedef struct vexo_picture {
 
 /**
  * Waits for a picture. Stepped time advances to its arrival at most; otherwise the thread sleeps.
- * @param number   the picture; 0: the one after the last that this function gave
+ * @param number   the picture; 0: the one after the highest that this function gave, or, if that was overwritten or
+ *                 released, the next that is in the memory. Threads that wait so get different pictures, and a wait
+ *                 that fails takes none
  * @param seconds  time-out in the station's time
  * @param wall     time-out in seconds of the wall clock; negative: none
  * @param picture  receives its description; no bytes are made yet
  * @return VEXO_OK; VEXO_TIMEOUT, with the most likely reason in the words; VEXO_ERR_STATE: no acquisition runs;
- *         VEXO_ERR_GONE: already overwritten or released
+ *         VEXO_ERR_GONE: the picture of that number was overwritten or released
  */
 int vexo_wait_picture(vexo_station* station, int64_t number, double seconds, double wall,
                       vexo_picture* picture);

@@ -6,8 +6,10 @@
 #include "vexo/fg_errors.h"
 
 #include <algorithm>
+#include <atomic>
 #include <filesystem>
 #include <fstream>
+#include <mutex>
 #include <thread>
 
 namespace {
@@ -113,6 +115,78 @@ TEST_F(Simulation, AMemoryKeepsPicturesOrOverwritesTheOldest) {
     EXPECT_EQ(picture.number, 5);
     EXPECT_EQ(vexo_render(its, 1, bytes.data(), bytes.size()), VEXO_ERR_GONE);
     EXPECT_EQ(vexo_wait_picture(its, 1, 1, -1, &picture), VEXO_ERR_GONE);
+}
+
+struct Sharing {
+    const char* what;
+    vexo_memory memory;
+    double clock;
+};
+
+TEST_F(Simulation, ThreadsThatWaitForTheNextPictureShareThem) {
+    constexpr std::size_t most = 400;
+    simulatorOn();
+    for (const Sharing& row :
+         {Sharing{"keep, stepped", VEXO_KEEP, 0}, Sharing{"ring, stepped", VEXO_RING, 0},
+          Sharing{"keep, wall clock", VEXO_KEEP, 20}, Sharing{"ring, wall clock", VEXO_RING, 20}}) {
+        SCOPED_TRACE(row.what);
+        station.clock(row.clock);
+        ASSERT_EQ(vexo_start(its, row.memory == VEXO_KEEP ? 4 : 1000, row.memory), VEXO_OK)
+            << vexo_last_error();
+        std::mutex adding;
+        std::vector<std::int64_t> given;
+        std::atomic<std::size_t> count = 0;
+        std::vector<std::thread> threads;
+        for (int thread = 0; thread < 4; ++thread)
+            threads.emplace_back([&] {
+                vexo_picture picture{};
+                for (std::int64_t before = 0; count++ < most; before = picture.number) {
+                    while (vexo_wait_picture(its, 0, 1e-5, -1, &picture) == VEXO_TIMEOUT) {
+                    } // takes none
+                    ASSERT_GT(picture.number, before);
+                    const std::lock_guard lock(adding);
+                    given.push_back(picture.number);
+                    if (row.memory == VEXO_KEEP) {
+                        ASSERT_EQ(vexo_release(its, picture.number), VEXO_OK) << vexo_last_error();
+                    }
+                }
+            });
+        for (std::thread& thread : threads)
+            thread.join();
+        std::ranges::sort(given);
+        EXPECT_EQ(std::ranges::adjacent_find(given), given.end()) << "given twice";
+        EXPECT_EQ(given.size(), most);
+        const bool mayOverwrite = row.memory == VEXO_RING && row.clock > 0;
+        if (!mayOverwrite) {
+            EXPECT_EQ(given.back(), most) << "none is lost";
+        }
+        EXPECT_EQ(vexo_stop(its), VEXO_OK);
+    }
+}
+
+TEST_F(Simulation, AWaitForTheNextPictureLeavesOutWhatIsGone) {
+    simulatorOn();
+    vexo_picture picture{};
+    ASSERT_EQ(vexo_start(its, 2, VEXO_RING), VEXO_OK);
+    ASSERT_EQ(vexo_wait_picture(its, 5, 1, -1, &picture), VEXO_OK);
+    ASSERT_EQ(vexo_wait_picture(its, 4, 1, -1, &picture), VEXO_OK);
+    ASSERT_EQ(vexo_wait_picture(its, 0, 1, -1, &picture), VEXO_OK);
+    EXPECT_EQ(picture.number, 6) << "numbers do not go back";
+    const std::uint64_t period = picture.arrival - picture.first_line;
+    station.advance(6 * period);
+    ASSERT_EQ(vexo_wait_picture(its, 0, 1, -1, &picture), VEXO_OK) << vexo_last_error();
+    EXPECT_GT(picture.number, 7) << "the oldest in the memory";
+    const std::int64_t oldest = picture.number;
+    ASSERT_EQ(vexo_wait_picture(its, 0, 1, -1, &picture), VEXO_OK);
+    EXPECT_EQ(picture.number, oldest + 1);
+    ASSERT_EQ(vexo_stop(its), VEXO_OK);
+
+    ASSERT_EQ(vexo_start(its, 4, VEXO_KEEP), VEXO_OK);
+    ASSERT_EQ(vexo_wait_picture(its, 0, 1, -1, &picture), VEXO_OK);
+    station.advance(6 * period);
+    ASSERT_EQ(vexo_release(its, 2), VEXO_OK) << vexo_last_error();
+    ASSERT_EQ(vexo_wait_picture(its, 0, 1, -1, &picture), VEXO_OK);
+    EXPECT_EQ(picture.number, 3) << "2 was released";
 }
 
 TEST_F(Simulation, ARangeOfPicturesLosesNone) {
