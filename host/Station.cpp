@@ -26,6 +26,7 @@ vexo_station::vexo_station(const applet_tools::BoardOptions& options, bool wants
     , get(instance.applet().Fg_getParameterWithType)
     , fg(instance.fg())
     , givesAdvice(wantsAdvice)
+    , onlyLooks(options.look && !options.offline)
     , board(boardOf(options, instance)) {
     // Nobody reads the log, which would grow to its limit.
     if (board == "virtual") instance.board().log_kinds(instance.device(), 0);
@@ -42,6 +43,13 @@ void requireVirtual(const vexo_station& station) {
     if (station.board != "virtual")
         throw Error(VEXO_ERR_NOT_VIRTUAL,
                     "this station has no virtual board, which simulates time, signals and pictures");
+}
+
+void requireWritable(const vexo_station& station, const char* what) {
+    if (station.onlyLooks)
+        throw Error(VEXO_ERR_STATE, std::string(what) +
+                                        " would write to the board, and this station only looks: "
+                                        "open it without VEXO_LOOK");
 }
 
 applet_tools::Words wordsOf(const char* const* texts, std::size_t count) {

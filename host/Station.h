@@ -25,6 +25,7 @@ struct vexo_station {
     const Get get; /**< of the applet */
     Fg_Struct* const fg;
     const bool givesAdvice;
+    const bool onlyLooks;    /**< nothing is written to the board */
     const std::string board; /**< "virtual", "system", "none" */
 
     std::mutex acquiring; /**< guards the member below */
@@ -38,6 +39,9 @@ const ParameterRow& rowOf(vexo_station& station, int id);
 
 /** Throws Error unless the board is virtual. */
 void requireVirtual(const vexo_station& station);
+
+/** Throws Error if the station only looks; `what` is what would write to the board. */
+void requireWritable(const vexo_station& station, const char* what);
 
 /** Before the scratch board is asked: forgets the notes of the last question, which would grow without end. */
 inline applet_tools::LiveSession& asking(vexo_station& station) {

@@ -74,6 +74,7 @@ int vexo_load(vexo_station* station, const char* file) {
     if (file == nullptr) return failNull("the name of the file");
     return onLocked(station, [&](vexo_station& own) {
         requireBoard(own, "load");
+        requireWritable(own, "a load");
         requireReadable(file);
         const int code = loadConfiguration(own.instance, file);
         if (code != FG_OK)

@@ -301,6 +301,7 @@ int vexo_set_all(vexo_station* station, const char* const* assignments, size_t c
         return fail(VEXO_ERR_ARGUMENT, "the order is neither VEXO_GIVEN_ORDER nor VEXO_ANY_ORDER");
     return onLocked(station, [&](vexo_station& own) {
         const applet_tools::Words words = wordsOf(assignments, count);
+        requireWritable(own, "a set of parameters");
         const bool isLast = order == VEXO_GIVEN_ORDER;
         std::optional<Error> refusal = trySetAll(own, words, isLast);
         if (refusal && !isLast) {

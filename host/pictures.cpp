@@ -58,6 +58,7 @@ applet_tools::PictureView viewOf(const vexo_picture& picture, const void* data) 
 int vexo_start(vexo_station* station, uint32_t frames, int memory) {
     return onLocked(station, [&](vexo_station& own) {
         requireVirtual(own);
+        requireWritable(own, "an acquisition");
         if (frames == 0 || frames > mostFrames)
             throw Error(VEXO_ERR_ARGUMENT, "the memory has 1 to " + std::to_string(mostFrames) + " frames; " +
                                                std::to_string(frames) + " were asked for");

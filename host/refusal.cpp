@@ -41,6 +41,7 @@ Error refusalOf(vexo_station& station, const AssignmentResult& result, bool want
 }
 
 void set(vexo_station& station, const Assignment& assignment) {
+    requireWritable(station, ("a set of " + assignment.target.name()).c_str());
     const int code = writeValue(station.instance, assignment.target, assignment.value);
     if (code != FG_OK) throw refusalOf(station, refusedResult(station.instance, assignment, code));
 }

@@ -81,7 +81,7 @@ applet_tools::StationFile readStation(const std::string& file) {
 }
 
 void setUp(vexo_station& station, const applet_tools::StationFile& file) {
-    requireVirtual(station);
+    if (!file.parameters.empty()) requireWritable(station, "a station file with parameters");
     const applet_tools::ParameterList& parameters = station.live.parameters();
     parseAssignments(parameters, file.parameters); // a misspelt one changes nothing
     connectStation(station.instance.board(), station.instance.device(), file);

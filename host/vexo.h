@@ -108,7 +108,8 @@ enum vexo_board {
 
 /** Bits of vexo_options::flags. */
 enum vexo_flag {
-    VEXO_LOOK = 1,     /**< the board is left as it is: no start value is written */
+    VEXO_LOOK = 1,     /**< the board is left as it is: no start value is written, and sets, loads and
+                            acquisitions are VEXO_ERR_STATE. Values are those of a starting applet */
     VEXO_NO_ADVICE = 2 /**< refusals are explained without the scratch board, which makes them faster */
 };
 

@@ -232,4 +232,30 @@ TEST(Opening, OfflineThereAreParametersAndNoBoard) {
     EXPECT_NE(station.info().find("\"board\":\"none\""), std::string::npos);
 }
 
+TEST(Opening, AStationThatOnlyLooksWritesNothing) {
+    vexo_options options{};
+    options.flags = VEXO_LOOK;
+    vexo::Station station(options);
+    vexo_station* const its = station.handle();
+    const int width = vexo_id(its, "FG_WIDTH");
+    const auto before = station.get<int>("FG_WIDTH");
+    const std::string file = testing::TempDir() + "look.mcf";
+    station.save(file);
+    const std::uint32_t element = 1;
+    const int codes[] = {
+        vexo_set_int(its, width, 512),
+        vexo_set_text(its, width, "512"),
+        vexo_set_field(its, vexo_id(its, "FG_LUT_VALUE_RED"), 0, 1, &element),
+        vexo_set_all(its, &assignment, 1, VEXO_ANY_ORDER),
+        vexo_load(its, file.c_str()),
+        vexo_start(its, 1, VEXO_KEEP),
+        vexo_set_up_text(its, R"({"station": 1, "parameters": {"FG_WIDTH": 512}})", nullptr)};
+    for (const int code : codes)
+        EXPECT_EQ(code, VEXO_ERR_STATE);
+    EXPECT_TRUE(lastErrorHas("VEXO_LOOK")) << vexo_last_error();
+    EXPECT_EQ(station.get<int>("FG_WIDTH"), before);
+    EXPECT_TRUE(station["FG_XOFFSET"].limits("FG_WIDTH=512").range) << "the scratch board may";
+    std::filesystem::remove(file);
+}
+
 } // namespace
