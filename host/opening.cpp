@@ -8,6 +8,7 @@
 #include "host/set_up.h"
 
 #include <cstdlib>
+#include <optional>
 
 using namespace host;
 
@@ -81,12 +82,14 @@ int vexo_open(const vexo_options* options, vexo_station** station) {
         standard.size = sizeof standard;
         const vexo_options& chosen = options != nullptr ? *options : standard;
         check(chosen);
+        std::optional<applet_tools::StationFile> file;
+        if (chosen.station != nullptr) file = readStation(chosen.station);
         const std::lock_guard lock(opening);
         LibraryFolder folder(chosen.library_dir);
         auto opened =
             std::make_unique<vexo_station>(boardOptionsOf(chosen), (chosen.flags & VEXO_NO_ADVICE) == 0);
+        if (file) setUp(*opened, *file);
         folder.keep();
-        if (chosen.station != nullptr) setUp(*opened, readStation(chosen.station));
         *station = opened.release();
         return VEXO_OK;
     });

@@ -74,10 +74,14 @@ applet_tools::StationFile readStation(const std::string& file) {
     } catch (const applet_tools::UsageError& error) {
         throw Error(VEXO_ERR_FILE, error.what());
     }
-    applet_tools::StationFile station =
-        applet_tools::parseStation(text, std::filesystem::path(file).parent_path().string());
-    station.name = file;
-    return station;
+    try {
+        applet_tools::StationFile station =
+            applet_tools::parseStation(text, std::filesystem::path(file).parent_path().string());
+        station.name = file;
+        return station;
+    } catch (const applet_tools::UsageError& error) {
+        throw applet_tools::UsageError(applet_tools::shownFile(file) + ": " + error.what());
+    }
 }
 
 void setUp(vexo_station& station, const applet_tools::StationFile& file) {

@@ -189,6 +189,12 @@ TEST(Opening, RefusesWhatItDoesNotKnow) {
     options.library_dir = nullptr;
     options.station = "/nonexistent.json";
     EXPECT_EQ(vexo_open(&options, &opened), VEXO_ERR_FILE);
+    const std::string file = testing::TempDir() + "wrong_station.json";
+    std::ofstream(file) << "no JSON";
+    options.station = file.c_str();
+    EXPECT_EQ(vexo_open(&options, &opened), VEXO_ERR_VALUE);
+    EXPECT_TRUE(lastErrorHas("wrong_station.json")) << vexo_last_error();
+    std::filesystem::remove(file);
     vexo_close(nullptr);
     EXPECT_EQ(opened, nullptr);
 }
