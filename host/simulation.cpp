@@ -135,12 +135,16 @@ int vexo_wave(vexo_station* station, const char* wave) {
 
 int vexo_set_up(vexo_station* station, const char* file) {
     if (file == nullptr) return failNull("the name of the file");
-    return onLocked(station, [&](vexo_station& own) { setUp(own, readStation(file)); });
+    return onLocked(station, [&](vexo_station& own) {
+        requireVirtual(own);
+        setUp(own, readStation(file));
+    });
 }
 
 int vexo_set_up_text(vexo_station* station, const char* json, const char* folder) {
     if (json == nullptr) return failNull("the text");
     return onLocked(station, [&](vexo_station& own) {
+        requireVirtual(own);
         setUp(own, applet_tools::parseStation(json, folder != nullptr ? folder : ""));
     });
 }

@@ -235,6 +235,8 @@ TEST(Opening, OfflineThereAreParametersAndNoBoard) {
     EXPECT_EQ(vexo_now(station.handle(), &tick), VEXO_ERR_NOT_VIRTUAL);
     EXPECT_EQ(vexo_start(station.handle(), 1, VEXO_KEEP), VEXO_ERR_NOT_VIRTUAL);
     EXPECT_EQ(vexo_save(station.handle(), "x.mcf"), VEXO_ERR_STATE);
+    EXPECT_EQ(vexo_set_up(station.handle(), "/nonexistent.json"), VEXO_ERR_NOT_VIRTUAL);
+    EXPECT_EQ(vexo_set_up_text(station.handle(), "{", nullptr), VEXO_ERR_NOT_VIRTUAL);
     EXPECT_NE(station.info().find("\"board\":\"none\""), std::string::npos);
 }
 
