@@ -92,6 +92,8 @@ int recordFailure() noexcept {
         return record(VEXO_ERR_NAME, error.what(), {{"suggestions", error.nearest}});
     } catch (const applet_tools::UsageError& error) {
         return record(VEXO_ERR_VALUE, error.what(), nullptr);
+    } catch (const applet_tools::AssumptionRefused& error) {
+        return record(error.code, error.what(), error.members);
     } catch (const applet_tools::Unavailable& error) {
         return record(VEXO_ERR_UNAVAILABLE, error.what(), nullptr);
     } catch (const applet_host::HostError& error) {

@@ -23,14 +23,7 @@ applet_tools::Suggestion adviceFor(vexo_station& station, const AssignmentResult
 } // namespace
 
 Error refusalOf(vexo_station& station, const AssignmentResult& result, bool wantsAdvice) {
-    const Assignment& assignment = result.assignment;
-    nlohmann::ordered_json members = {{"name", assignment.target.name()},
-                                      {"requested", requestedAsJson(assignment)}};
-    if (const auto limits = limitsOf(*assignment.target.parameter)) {
-        auto& limit = members["limit"];
-        limit = {{"minimum", numberAsJson(limits->minimum)}, {"maximum", numberAsJson(limits->maximum)}};
-        if (!assignment.target.elements) limit["step"] = numberAsJson(limits->increment);
-    }
+    nlohmann::ordered_json members = refusalAsJson(result.assignment);
     std::string words = refusalInWords(result);
     if (wantsAdvice && station.givesAdvice && result.reason.empty()) {
         const applet_tools::Suggestion advice = adviceFor(station, result);

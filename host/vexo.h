@@ -306,7 +306,9 @@ void vexo_answer_free(vexo_answer* answer);
 /**
  * What setters accept now, and what sets each limit.
  * @param name   a parameter, or elements of a field ("FG_LUT_VALUE_RED[7]")
- * @param with   "NAME=VALUE" texts, separated by blanks, which are assumed to be set before; null: none
+ * @param with   "NAME=VALUE" texts, separated by blanks, which are assumed to be set before; null: none. They are
+ *               quoted as in a shell: "FG_FORMAT='Color 48bit' FG_WIDTH=512". If one of them is refused, that is
+ *               the result, with the same words and details as of a set
  * @param range  receives the accepted range of a number; null: not wanted. Of anything else VEXO_ERR_KIND, with
  *               the answer given all the same
  */

@@ -50,6 +50,14 @@ TEST_F(Questions, ARefusalNamesLimitCauseAndNearest) {
     EXPECT_EQ(details["nearest"]["value"], 14336);
     EXPECT_EQ(details["setBy"][0]["parameter"], "FG_WIDTH");
     EXPECT_EQ(station.get<int>("FG_XOFFSET"), 64);
+    vexo_answer* answer = nullptr;
+    EXPECT_EQ(vexo_ask_limits(its, "FG_HEIGHT", "FG_WIDTH=512 FG_XOFFSET=20000", nullptr, &answer),
+              FG_ERR_OUT_OF_RANGE);
+    const json assumed = json::parse(vexo_last_details());
+    EXPECT_EQ(assumed["requested"]["value"], 20000) << "an assumption is refused as a set is";
+    EXPECT_EQ(assumed["limit"]["maximum"], 15872);
+    EXPECT_EQ(assumed["nearest"]["value"], 15872);
+    EXPECT_TRUE(station["FG_XOFFSET"].limits("FG_FORMAT='Color 48bit'").range);
     const json why = json::parse(station["FG_XOFFSET"].why("14338").json);
     EXPECT_EQ(why["answers"][0]["nearest"]["value"], 14336);
 }

@@ -58,6 +58,17 @@ nlohmann::ordered_json requestedAsJson(const Assignment& assignment) {
     return valueAsJson(assignment.target, assignment.value);
 }
 
+nlohmann::ordered_json refusalAsJson(const Assignment& assignment) {
+    nlohmann::ordered_json members = {{"name", assignment.target.name()},
+                                      {"requested", requestedAsJson(assignment)}};
+    if (const auto limits = limitsOf(*assignment.target.parameter)) {
+        auto& limit = members["limit"];
+        limit = {{"minimum", numberAsJson(limits->minimum)}, {"maximum", numberAsJson(limits->maximum)}};
+        if (!assignment.target.elements) limit["step"] = numberAsJson(limits->increment);
+    }
+    return members;
+}
+
 std::string refusalInWords(const Parameter& parameter, const Value& value, int code) {
     const std::string reason = advice(parameter, value, code);
     return codeInWords(code) + (reason.empty() ? "" : "; " + reason);

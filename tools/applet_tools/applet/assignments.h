@@ -63,6 +63,9 @@ struct AssignmentsOutcome {
 AssignmentsOutcome applyAssignments(Instance& instance, const ParameterList& parameters, const Words& words,
                                     const AssignmentHooks& hooks);
 
+/** What was refused, for a document: "name", "requested", and for numbers "limit" {"minimum", "maximum", "step"}. */
+nlohmann::ordered_json refusalAsJson(const Assignment& assignment);
+
 /** The result of a set that was refused with this code. */
 AssignmentResult refusedResult(Instance& instance, const Assignment& assignment, int code);
 

@@ -34,6 +34,19 @@ struct Failure : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+/** The applet refused a value that was assumed to be set. */
+// The move of a JSON document checks itself. NOLINTNEXTLINE(bugprone-exception-escape)
+struct AssumptionRefused : Failure {
+    AssumptionRefused(const std::string& words, int number, nlohmann::ordered_json more)
+        : Failure(words)
+        , code(number)
+        , members(std::move(more)) {}
+
+    int code;
+    nlohmann::ordered_json
+        members; /**< of a document: name, requested value, limits, what would be accepted */
+};
+
 /** The applet or a board is not available. */
 struct Unavailable : Failure {
     using Failure::Failure;

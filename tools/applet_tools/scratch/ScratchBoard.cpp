@@ -95,6 +95,8 @@ void serve(int socket, const BoardOptions& options, std::span<const JobRow> jobs
             answer = {{"unavailable", error.what()}};
         } catch (const applet_host::HostError& error) {
             answer = {{"unavailable", error.what()}};
+        } catch (const AssumptionRefused& error) {
+            answer = {{"failure", error.what()}, {"code", error.code}, {"members", error.members}};
         } catch (const std::exception& error) {
             answer = {{"failure", error.what()}};
         }
@@ -265,8 +267,12 @@ json ScratchBoard::request(const json& message) {
     }
     if (answer->contains("usage")) throw UsageError((*answer)["usage"].get<std::string>());
     if (answer->contains("unavailable")) throw Unavailable((*answer)["unavailable"].get<std::string>());
-    if (answer->contains("failure"))
-        throw Failure("on the scratch board: " + (*answer)["failure"].get<std::string>());
+    if (answer->contains("failure")) {
+        const std::string words = "on the scratch board: " + (*answer)["failure"].get<std::string>();
+        if (answer->contains("code"))
+            throw AssumptionRefused(words, (*answer)["code"].get<int>(), (*answer)["members"]);
+        throw Failure(words);
+    }
     return *std::move(answer);
 }
 

@@ -176,17 +176,23 @@ Suggestion askSuggestion(LiveSession& live, const Assignment& assignment, int co
 void startFrom(ScratchSession& session, const Words& assignments) {
     if (assignments.empty()) return;
     std::string problem;
+    int code = FG_OK;
+    ordered_json members;
     const auto explain = [&](const AssignmentResult& result) {
         if (result.code == FG_OK) return;
+        code = result.code;
         problem = refusalInWords(result);
+        members = refusalAsJson(result.assignment);
         session.keep();
         Probe probe(session);
-        problem += suggestionFor(probe, result.assignment).words();
+        const Suggestion suggestion = suggestionFor(probe, result.assignment);
+        problem += suggestion.words();
+        if (suggestion.members.is_object()) members.update(suggestion.members);
     };
     const AssignmentsOutcome outcome =
         applyAssignments(session.instance(), session.parameters(), assignments, {.after = explain});
     if (!outcome.notSet.empty()) problem += "; not set after that: " + join(outcome.notSet, ", ");
-    if (outcome.isRefused) throw Failure(problem);
+    if (outcome.isRefused) throw AssumptionRefused(problem, code, std::move(members));
     session.keep();
 }
 

@@ -55,7 +55,7 @@ Suggestion askSuggestion(LiveSession& live, const Assignment& assignment, int co
 nlohmann::json suggestionJob(ScratchSession& session, const nlohmann::json& arguments);
 
 /** Applies the assignments to the scratch board and makes the result the start state. Throws UsageError
- *  for a word that is not an assignment and Failure, with a suggestion, for a refusal. */
+ *  for a word that is not an assignment and AssumptionRefused, with a suggestion, for a refusal. */
 void startFrom(ScratchSession& session, const Words& assignments);
 
 } // namespace applet_tools
