@@ -18,8 +18,7 @@ constexpr std::uint32_t mostFrames = 65536;
 /** The running acquisition. Throws Error. */
 std::shared_ptr<Acquisition> runningOf(vexo_station& station) {
     const std::lock_guard lock(station.acquiring);
-    if (station.acquisition == nullptr)
-        throw Error(VEXO_ERR_STATE, "no acquisition runs: vexo_start starts one");
+    if (station.acquisition == nullptr) throw Error(VEXO_ERR_STATE, "no acquisition runs: start one before");
     return station.acquisition;
 }
 
@@ -27,10 +26,10 @@ std::shared_ptr<Acquisition> runningOf(vexo_station& station) {
 std::string whyNone(vexo_station& station, const Acquisition& acquisition) {
     if (acquisition.isFull())
         return "all " + std::to_string(acquisition.frames()) +
-               " frames of the memory hold pictures: release some with vexo_release";
+               " frames of the memory hold pictures: release some of them";
     const std::lock_guard lock(station.mutex);
     const applet_tools::PictureWait wait{
-        .start = acquisition.start(), .longer = "wait longer", .wave = "a wave (vexo_wave)"};
+        .start = acquisition.start(), .longer = "wait longer", .wave = "a wave"};
     return whyNoPicture(station.instance, station.live.parameters(), wait).reason;
 }
 
@@ -66,7 +65,7 @@ int vexo_start(vexo_station* station, uint32_t frames, int memory) {
             throw Error(VEXO_ERR_ARGUMENT, "the kind of the memory is neither VEXO_KEEP nor VEXO_RING");
         const std::lock_guard lock(own.acquiring);
         if (own.acquisition != nullptr)
-            throw Error(VEXO_ERR_STATE, "an acquisition runs already: vexo_stop ends it");
+            throw Error(VEXO_ERR_STATE, "an acquisition runs already: stop it before another one starts");
         own.acquisition =
             std::make_shared<Acquisition>(own.instance, frames, static_cast<vexo_memory>(memory));
     });

@@ -120,7 +120,7 @@ int vexo_advance(vexo_station* station, uint64_t ticks) {
             if (now == VBOARD_NOT_STEPPED)
                 throw Error(VEXO_ERR_STATE,
                             "the time of this station follows the clock, and cannot be advanced; "
-                            "vexo_clock with 0 makes it stepped");
+                            "a clock with the factor 0 makes it stepped");
         }
     });
 }
