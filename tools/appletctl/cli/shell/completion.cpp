@@ -62,7 +62,12 @@ _appletctl() {
         compadd -U -l -d shown -a texts
     fi
 }
-compdef _appletctl appletctl
+# From a folder of fpath, this file is the function itself at its first call.
+if [[ $funcstack[1] == _appletctl ]]; then
+    _appletctl "$@"
+else
+    compdef _appletctl appletctl
+fi
 )"},
     {"fish", R"(# fish completion of appletctl: appletctl completion fish | source
 function __appletctl_complete
