@@ -1,12 +1,19 @@
 #include "python/module/Core.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 
 namespace python {
 
 namespace {
 
-const char* orNull(const std::optional<std::string>& text) { return text ? text->c_str() : nullptr; }
+[[noreturn]] void throwError(const py::object& error) {
+    PyErr_SetObject(py::type::handle_of(error).ptr(), error.ptr());
+    throw py::error_already_set();
+}
+
+const char* orNull(const std::optional<std::string>& text) { return text ? textFor(*text) : nullptr; }
 
 py::object function(const char* module, const char* name) { return py::module_::import(module).attr(name); }
 
@@ -23,9 +30,47 @@ py::buffer_info numbersOf(const py::buffer& buffer, bool written) {
 
 void check(int result) {
     if (result >= 0) return;
-    const py::object error = function("vexo._errors", "error_of")(vexo_last_details());
-    PyErr_SetObject(py::type::handle_of(error).ptr(), error.ptr());
-    throw py::error_already_set();
+    throwError(function("vexo._errors", "error_of")(vexo_last_details()));
+}
+
+void throwClosed() { throwError(function("vexo._errors", "closed")()); }
+
+void throwInvalid(const std::string& words) { throwError(function("vexo._errors", "invalid")(words)); }
+
+const char* textFor(const std::string& text) {
+    if (text.find('\0') != std::string::npos) throwInvalid("a text has a NUL character, where it would end");
+    return text.c_str();
+}
+
+// An interpreter that ends stops the threads that want its lock: by an exception, which a destructor cannot let pass.
+// Such a thread waits here for the end of the process.
+Unlocked::~Unlocked() {
+    try {
+        PyEval_RestoreThread(m_state);
+    } catch (...) {
+        for (;;)
+            pause();
+    }
+}
+
+Core* constructedCore(PyObject* object) {
+    auto holder = reinterpret_cast<py::detail::instance*>(object)->get_value_and_holder();
+    return holder.holder_constructed() ? holder.value_ptr<Core>() : nullptr;
+}
+
+void advance(const Core& core, std::uint64_t ticks) {
+    using namespace std::chrono_literals;
+    std::uint64_t piece = VEXO_TICKS_PER_SECOND / 100;
+    do {
+        const std::uint64_t step = std::min(piece, ticks);
+        const auto begin = std::chrono::steady_clock::now();
+        core.run([&](vexo_station* its) { return vexo_advance(its, step); });
+        const auto took = std::chrono::steady_clock::now() - begin;
+        if (took < 20ms) piece *= 2;
+        if (took > 100ms) piece = std::max<std::uint64_t>(1, piece / 2);
+        ticks -= step;
+        if (PyErr_CheckSignals() != 0) throw py::error_already_set();
+    } while (ticks > 0);
 }
 
 Core::Core(int board, std::uint32_t flags, const std::optional<std::string>& libraryDir,
@@ -70,20 +115,21 @@ void Core::readRows() {
 }
 
 const std::shared_ptr<vexo_station>& Core::station() const {
-    if (m_station == nullptr) throw py::value_error("the station is closed");
+    if (m_station == nullptr) throwClosed();
     return m_station;
 }
 
 void Core::close() {
     const std::shared_ptr<vexo_station> held = std::move(m_station);
     if (held == nullptr) return;
-    const py::gil_scoped_release unlocked;
+    const Unlocked unlocked;
     vexo_stop(held.get());
 }
 
 std::size_t Core::find(const std::string& name) const {
     int id = 0;
-    run([&](vexo_station* its) { return id = vexo_id(its, name.c_str()); });
+    const char* const words = textFor(name);
+    run([&](vexo_station* its) { return id = vexo_id(its, words); });
     return m_indices.at(id);
 }
 
@@ -134,7 +180,8 @@ void Core::write(const Row& row, const py::handle& value) const {
     PyObject* given = value.ptr();
     if (PyUnicode_Check(given)) {
         const auto text = value.cast<std::string>();
-        run([&](vexo_station* its) { return vexo_set_text(its, row.id, text.c_str()); });
+        const char* const words = textFor(text);
+        run([&](vexo_station* its) { return vexo_set_text(its, row.id, words); });
         return;
     }
     if (PyFloat_Check(given)) {

@@ -21,6 +21,26 @@ namespace py = pybind11;
 /** Raises the exception of vexo._errors for the last failed call of this thread, if the result is negative. */
 void check(int result);
 
+/** Raises Closed. */
+[[noreturn]] void throwClosed();
+/** Raises InvalidArgument. */
+[[noreturn]] void throwInvalid(const std::string& words);
+
+/** The text for a C function. Raises InvalidArgument if it has a NUL, where that function would end it. */
+const char* textFor(const std::string& text);
+
+/** The interpreter lock is released for a scope. */
+class Unlocked {
+public:
+    Unlocked() : m_state(PyEval_SaveThread()) {}
+    ~Unlocked();
+    Unlocked(const Unlocked&) = delete;
+    Unlocked& operator=(const Unlocked&) = delete;
+
+private:
+    PyThreadState* const m_state;
+};
+
 /** A parameter, with what does not change while the station is open. */
 struct Row {
     int id = 0;
@@ -61,7 +81,7 @@ public:
     /** The same, and the result. */
     template <typename Call> int resultOf(const Call& call) const {
         const std::shared_ptr<vexo_station> held = station();
-        const py::gil_scoped_release unlocked;
+        const Unlocked unlocked;
         return call(held.get());
     }
     /** The text that a call gives. */
@@ -106,7 +126,7 @@ public:
     }
 
 private:
-    /** Raises ValueError if the station is closed. */
+    /** Raises Closed if the station is closed. */
     const std::shared_ptr<vexo_station>& station() const;
     std::string readText(const Row& row) const;
     void readRows();
@@ -117,9 +137,24 @@ private:
     py::dict m_names;
 };
 
+/** Advances stepped time in pieces, between which a signal such as Ctrl-C ends it. */
+void advance(const Core& core, std::uint64_t ticks);
+
+/** Null if the constructor has not run, or has failed. */
+Core* constructedCore(PyObject* object);
+
 /** Lets `station.NAME` read and set parameters. */
 void giveAttributes(PyHeapTypeObject* type);
 
 } // namespace python
+
+/** Functions of a station whose constructor has not run raise Closed; pybind11 would give them raw memory. */
+template <> struct pybind11::detail::type_caster<python::Core> : type_caster_base<python::Core> {
+    bool load(handle source, bool convert) {
+        if (isinstance<python::Core>(source) && python::constructedCore(source.ptr()) == nullptr)
+            python::throwClosed();
+        return type_caster_base<python::Core>::load(source, convert);
+    }
+};
 
 #endif

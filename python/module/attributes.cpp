@@ -9,10 +9,14 @@ namespace {
 
 /** Null before the station is open, and after it was closed. */
 Core* openCore(PyObject* self) {
-    auto holder = reinterpret_cast<py::detail::instance*>(self)->get_value_and_holder();
-    if (!holder.holder_constructed()) return nullptr;
-    Core* core = holder.value_ptr<Core>();
-    return core->isOpen() ? core : nullptr;
+    Core* core = constructedCore(self);
+    return core != nullptr && core->isOpen() ? core : nullptr;
+}
+
+/** True after a station was closed: then its parameters have no values. */
+bool isClosed(PyObject* self) {
+    const Core* core = constructedCore(self);
+    return core != nullptr && !core->isOpen();
 }
 
 /** The row of a parameter's own name; null if it is none. */
@@ -45,12 +49,13 @@ PyObject* getAttribute(PyObject* self, PyObject* name) {
     if (const Row* row = rowOf(core, name))
         return guarded([&] { return core->read(*row).release().ptr(); }, nullptr);
     PyObject* found = PyObject_GenericGetAttr(self, name);
-    if (found != nullptr || core == nullptr || isPrivate(name) ||
-        PyErr_ExceptionMatches(PyExc_AttributeError) == 0)
+    if (found != nullptr || isPrivate(name) || PyErr_ExceptionMatches(PyExc_AttributeError) == 0)
         return found;
+    if (core == nullptr && !isClosed(self)) return nullptr;
     PyErr_Clear();
     return guarded(
         [&] {
+            if (core == nullptr) throwClosed();
             const std::size_t index = core->find(py::cast<std::string>(name));
             return core->read(core->row(index)).release().ptr();
         },
@@ -66,8 +71,8 @@ int setOfClass(PyObject* self, PyObject* name, PyObject* value, const py::object
 
 int setAttribute(PyObject* self, PyObject* name, PyObject* value) {
     const Core* core = openCore(self);
-    if (core == nullptr || value == nullptr || isPrivate(name))
-        return PyObject_GenericSetAttr(self, name, value);
+    const bool isUnopened = core == nullptr && !isClosed(self);
+    if (isUnopened || value == nullptr || isPrivate(name)) return PyObject_GenericSetAttr(self, name, value);
     if (const Row* row = rowOf(core, name)) return guarded([&] { return core->write(*row, value), 0; }, -1);
     auto* type = reinterpret_cast<PyObject*>(Py_TYPE(self));
     const auto known = py::reinterpret_steal<py::object>(PyObject_GetAttr(type, name));
@@ -75,6 +80,7 @@ int setAttribute(PyObject* self, PyObject* name, PyObject* value) {
     PyErr_Clear();
     return guarded(
         [&] {
+            if (core == nullptr) throwClosed();
             core->write(core->row(core->find(py::cast<std::string>(name))), value);
             return 0;
         },

@@ -13,7 +13,7 @@ using Texts = std::vector<std::string>;
 std::vector<const char*> pointersTo(const Texts& texts) {
     std::vector<const char*> pointers;
     for (const std::string& text : texts)
-        pointers.push_back(text.c_str());
+        pointers.push_back(textFor(text));
     return pointers;
 }
 
@@ -98,7 +98,8 @@ void bindParameters(py::class_<Core>& core) {
 void bindFiles(py::class_<Core>& core) {
     const auto withFile = [](auto* call) {
         return [call](const Core& its, const std::string& file) {
-            its.run([&](vexo_station* station) { return call(station, file.c_str()); });
+            const char* const words = textFor(file);
+            its.run([&](vexo_station* station) { return call(station, words); });
         };
     };
     core.def("_save", withFile(vexo_save))
@@ -107,9 +108,9 @@ void bindFiles(py::class_<Core>& core) {
         .def("_wave", withFile(vexo_wave))
         .def("_set_up_text",
              [](const Core& its, const std::string& json, const std::optional<std::string>& folder) {
-                 its.run([&](vexo_station* station) {
-                     return vexo_set_up_text(station, json.c_str(), folder ? folder->c_str() : nullptr);
-                 });
+                 const char* const words = textFor(json);
+                 const char* const start = folder ? textFor(*folder) : nullptr;
+                 its.run([&](vexo_station* station) { return vexo_set_up_text(station, words, start); });
              })
         .def("_info", [](const Core& its) { return its.textOf(vexo_info); })
         .def("_document", [](const Core& its) { return its.textOf(vexo_document); });
@@ -118,8 +119,10 @@ void bindFiles(py::class_<Core>& core) {
 void bindQuestions(py::class_<Core>& core) {
     const auto aboutName = [](auto call) {
         return [call](const Core& its, const std::string& name, const std::string& with) {
+            const char* const asked = textFor(name);
+            const char* const assumed = with.empty() ? nullptr : textFor(with);
             return its.answerOf([&](vexo_station* station, vexo_answer** answer) {
-                return call(station, name.c_str(), with.empty() ? nullptr : with.c_str(), answer);
+                return call(station, asked, assumed, answer);
             });
         };
     };
@@ -137,8 +140,9 @@ void bindQuestions(py::class_<Core>& core) {
              })
         .def("_check",
              [](const Core& its, const std::string& file) {
+                 const char* const words = textFor(file);
                  return its.answerOf([&](vexo_station* station, vexo_answer** answer) {
-                     return vexo_ask_check(station, file.c_str(), answer);
+                     return vexo_ask_check(station, words, answer);
                  });
              })
         .def("_lint", [](const Core& its) { return its.answerOf(vexo_ask_lint); });
@@ -177,16 +181,13 @@ void bindTime(py::class_<Core>& core) {
                  its.run([&](vexo_station* station) { return vexo_now(station, &tick); });
                  return tick;
              })
-        .def("_advance",
-             [](const Core& its, std::uint64_t ticks) {
-                 its.run([&](vexo_station* station) { return vexo_advance(station, ticks); });
-             })
+        .def("_advance", advance)
         .def("_events", eventsOf)
         .def("_event_mask",
              [](const Core& its, const std::string& name) {
                  std::uint64_t mask = 0;
-                 its.run(
-                     [&](vexo_station* station) { return vexo_event_mask(station, name.c_str(), &mask); });
+                 const char* const words = textFor(name);
+                 its.run([&](vexo_station* station) { return vexo_event_mask(station, words, &mask); });
                  return mask;
              })
         .def("_wait_event", waitEvent);
@@ -228,7 +229,7 @@ void bindPictures(py::module_& module, py::class_<Core>& core) {
     });
     module.def("write_picture",
                [](const vexo_picture& picture, const py::buffer& data, const std::string& file) {
-                   check(vexo_write_picture(&picture, bytesOf(picture, data, false).ptr, file.c_str()));
+                   check(vexo_write_picture(&picture, bytesOf(picture, data, false).ptr, textFor(file)));
                });
 }
 
@@ -245,8 +246,19 @@ PYBIND11_MODULE(_vexo, module) {
     using Text = std::optional<std::string>;
     py::class_<Core> core(module, "Core", py::custom_type_setup(giveAttributes));
     core.def(py::init<int, std::uint32_t, const Text&, const Text&, const Text&, const Text&>())
-        .def("close", &Core::close, "Closes the station. A second time, it does nothing.")
-        .def_property_readonly("is_open", &Core::isOpen, "False after close().");
+        .def(
+            "close",
+            [](const py::handle& self) {
+                if (Core* its = constructedCore(self.ptr())) its->close();
+            },
+            "Closes the station. A second time, it does nothing.")
+        .def_property_readonly(
+            "is_open",
+            [](const py::handle& self) {
+                const Core* its = constructedCore(self.ptr());
+                return its != nullptr && its->isOpen();
+            },
+            "False after close().");
     bindParameters(core);
     bindFiles(core);
     bindQuestions(core);

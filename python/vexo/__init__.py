@@ -8,7 +8,7 @@
 Times are in seconds; a tick is 8 ns of the station's time.
 """
 from ._answers import Answer, Findings, Limits, Plan, Why
-from ._errors import (Error, FileError, Gone, InvalidArgument, NotNow, Refused, Timeout, UnknownName,
+from ._errors import (Closed, Error, FileError, Gone, InvalidArgument, NotNow, Refused, Timeout, UnknownName,
                       WrongKind)
 from ._parameter import Parameter
 from ._station import TICKS_PER_SECOND, Pictures, Station
@@ -16,7 +16,7 @@ from ._values import Entry, Event, Range
 from ._vexo import Record, version
 
 __version__ = version()
-__all__ = ["Answer", "Entry", "Error", "Event", "FileError", "Findings", "Gone", "Image", "InvalidArgument",
+__all__ = ["Answer", "Closed", "Entry", "Error", "Event", "FileError", "Findings", "Gone", "Image", "InvalidArgument",
            "Limits", "NotNow", "Parameter", "Pictures", "Plan", "Range", "Record", "Refused", "Station",
            "TICKS_PER_SECOND", "Timeout", "UnknownName", "Why", "WrongKind"]
 

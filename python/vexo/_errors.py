@@ -71,6 +71,10 @@ class NotNow(Error, RuntimeError):
     """Not in this state, or not on this board; the text says why."""
 
 
+class Closed(NotNow, ValueError):
+    """The station was closed, or never opened."""
+
+
 class Gone(Error, LookupError):
     """The picture is no longer in the memory."""
 
@@ -99,3 +103,15 @@ def error_of(text: str) -> Error:
     details = json.loads(text)
     kind = Refused if "requested" in details else _CLASSES.get(details["symbol"], Error)
     return kind(details)
+
+
+def invalid(words: str) -> InvalidArgument:
+    """The exception for an argument that libvexo does not get to see."""
+    return InvalidArgument({"code": -20002, "symbol": "VEXO_ERR_ARGUMENT",
+                            "meaning": "an argument beyond its limits", "words": words})
+
+
+def closed() -> Closed:
+    """The exception for a use of a closed station."""
+    return Closed({"code": -20010, "symbol": "VEXO_ERR_STATE", "meaning": "not possible now",
+                   "words": "the station is closed"})

@@ -30,6 +30,9 @@ class Parameter:
     read_effect, set_effect   side effects, such as "clears when read"
     """
 
+    __slots__ = ("_station", "_index", "id", "kind", "elements", "name", "label", "unit", "description", "group",
+                 "read_effect", "set_effect", "entries")
+
     def __init__(self, station: Station, index: int):
         self._station, self._index = station, index
         (self.id, kind, self.elements, self.name, self.label, self.unit, self.description, self.group,

@@ -6,8 +6,9 @@ from typing import TYPE_CHECKING, Any, Iterator
 
 from . import _html, _vexo
 from ._answers import Findings, Limits, Plan, Why
+from ._errors import UnknownName, closed, invalid
 from ._parameter import Parameter
-from ._values import Event, assignments_of
+from ._values import Event, assignments_of, assumed, number, text, whole
 
 if TYPE_CHECKING:
     import numpy
@@ -17,6 +18,8 @@ if TYPE_CHECKING:
     Path = str | os.PathLike[str]
 
 TICKS_PER_SECOND: int = _vexo.TICKS_PER_SECOND
+
+_LATEST = 2**62  # tick; the time has no end before
 
 _VIRTUAL, _OFFLINE, _SYSTEM = range(3)
 _LOOK, _NO_ADVICE = 1, 2
@@ -40,8 +43,8 @@ def _link_descriptors() -> None:
             pass  # a folder of somebody else: what needs the link says so
 
 
-def _seconds(timeout: float | None) -> float:
-    return -1.0 if timeout is None else float(timeout)
+def _wall(seconds: float | None) -> float:
+    return -1.0 if seconds is None else number("wall", seconds)
 
 
 class Station(_vexo.Core):
@@ -64,10 +67,11 @@ class Station(_vexo.Core):
         library_dir  folder of the libraries; default: those of this package
         applet       file of another applet library
         bridge       library that opens the board of the machine
-        look         leaves a board of the machine as it is: no start value is written
+        look         leaves the board as it is: no start value is written, sets, loads and pictures are NotNow
         advice       refusals name what would be accepted, found on a board to try on
         """
         _link_descriptors()
+        whole("board", board, _VIRTUAL, _SYSTEM)
         flags = (_LOOK if look else 0) | (0 if advice else _NO_ADVICE)
         super().__init__(board, flags, _text(library_dir), _text(applet), _text(bridge), _text(station))
         self._parameters: dict[str, Parameter] = {}
@@ -99,10 +103,16 @@ class Station(_vexo.Core):
     # Parameters
 
     def __getitem__(self, name: str) -> Parameter:
+        if not self.is_open:
+            raise closed()
         known = self._parameters.get(name)
-        if known is None or not self.is_open:
-            known = self._parameters[name] = Parameter(self, self._names().get(name, None) or self._find(name))
+        if known is None:
+            known = self._parameters[name] = Parameter(self, self._index(name))
         return known
+
+    def _index(self, name: str) -> int:
+        index = self._names().get(text("the name of a parameter", name))
+        return self._find(name) if index is None else index
 
     def __setitem__(self, name: str, value: Any) -> None:
         self[name].value = value
@@ -115,7 +125,11 @@ class Station(_vexo.Core):
         return len(self._names())
 
     def __contains__(self, name: object) -> bool:
-        return name in self._names()
+        """True for every name that `station[name]` accepts."""
+        try:
+            return isinstance(name, str) and self._index(name) >= 0
+        except UnknownName:
+            return False
 
     def __bool__(self) -> bool:
         return self.is_open
@@ -150,12 +164,13 @@ class Station(_vexo.Core):
 
     def limits(self, name: str, /, **given: Any) -> Limits:
         """What a parameter accepts now and what sets its limits, with other values as given."""
-        return Limits(self._limits(name, " ".join(assignments_of({}, given))))
+        return Limits(self._limits(text("name", name), assumed(given)))
 
     def why(self, name: str, value: Any = None, /, **given: Any) -> Why:
         """Why a value is refused, or (without one) the parameter read-only, with other values as given."""
+        text("name", name)
         question = name if value is None else assignments_of({name: value}, {})[0]
-        return Why(self._why(question, " ".join(assignments_of({}, given))))
+        return Why(self._why(question, assumed(given)))
 
     def plan(self, values: dict[str, Any] | None = None, /, **named: Any) -> Plan:
         """What these assignments would do, in this order. Nothing is set."""
@@ -174,7 +189,7 @@ class Station(_vexo.Core):
     def clock(self, factor: float) -> None:
         """Lets time follow the wall clock, `factor` times as fast (0.001 to 1000); 0: it moves in waits and advance()
         only, as at first."""
-        self._clock(factor)
+        self._clock(number("factor", factor))
 
     @property
     def now(self) -> int:
@@ -182,12 +197,16 @@ class Station(_vexo.Core):
         return self._now()
 
     def advance(self, seconds: float = 0.0, *, ticks: int = 0) -> None:
-        """Advances stepped time."""
-        self._advance(round(seconds * TICKS_PER_SECOND) + ticks)
+        """Advances stepped time; Ctrl-C ends it at the tick that is reached."""
+        whole("ticks", ticks, 0, _LATEST)
+        wanted = number("seconds", seconds) * TICKS_PER_SECOND
+        if not 0 <= wanted <= _LATEST:
+            raise invalid(f"seconds is {seconds}; 0 to {_LATEST / TICKS_PER_SECOND:.0f} is accepted")
+        self._advance(round(wanted) + ticks)
 
     def wave(self, wave: str) -> None:
         """Connects a wave to an input: "GPI_0=high", "GPI_2=square:1ms", "GPI_0,GPI_1=encoder:20000"."""
-        self._wave(wave)
+        self._wave(text("wave", wave))
 
     def set_up(self, station: Path | dict) -> None:
         """Sets up camera, belt, scene, inputs, clock and parameters from a station file, or from its contents."""
@@ -208,8 +227,8 @@ class Station(_vexo.Core):
         `timeout` in seconds of the station's time, `wall` of the wall clock. None: there was none in time."""
         mask = 0
         for name in names:
-            mask |= self._event_mask(name)
-        found = self._wait_event(mask, timeout, _seconds(wall))
+            mask |= self._event_mask(text("the name of an event", name))
+        found = self._wait_event(mask, number("timeout", timeout), _wall(wall))
         return None if found is None else Event(*found)
 
     # Pictures

@@ -3,6 +3,8 @@ from __future__ import annotations
 
 from typing import TYPE_CHECKING, NamedTuple
 
+from ._errors import invalid
+
 if TYPE_CHECKING:
     import numpy
 
@@ -59,6 +61,32 @@ def elements_of(values, name: str, count: int) -> numpy.ndarray:
     return numpy.ascontiguousarray(given, dtype=numpy.uint32)
 
 
+def number(name: str, value) -> float:
+    """An argument that is a number."""
+    try:
+        if not isinstance(value, str):
+            return float(value)
+    except (TypeError, ValueError):
+        pass
+    raise TypeError(f"{name} is a number, not {value!r}")
+
+
+def whole(name: str, value, least: int, most: int) -> int:
+    """An argument that is a whole number within limits."""
+    if not hasattr(value, "__index__"):
+        raise TypeError(f"{name} is a whole number, not {value!r}")
+    if not least <= int(value) <= most:
+        raise invalid(f"{name} is {value}; {least} to {most} is accepted")
+    return int(value)
+
+
+def text(name: str, value) -> str:
+    """An argument that is a text."""
+    if not isinstance(value, str):
+        raise TypeError(f"{name} is a text, not {value!r}")
+    return value
+
+
 def text_of(name: str, value) -> str:
     """A value for an assignment "NAME=VALUE"."""
     if isinstance(value, str):
@@ -67,9 +95,19 @@ def text_of(name: str, value) -> str:
         raise TypeError(f"{name}: an assignment takes a number or a text; set a field by itself")
     if hasattr(value, "__index__"):
         return str(int(value))
-    return repr(float(value))
+    try:
+        return repr(float(value))
+    except (TypeError, ValueError):
+        raise TypeError(f"{name} takes a number or a text, not {type(value).__name__}") from None
 
 
 def assignments_of(given: dict, named: dict) -> list[str]:
     """Both dictionaries as "NAME=VALUE"."""
     return [f"{name}={text_of(name, value)}" for name, value in {**given, **named}.items()]
+
+
+def assumed(given: dict) -> str:
+    """Values that a question assumes, as one line: each is a word, whatever is in it."""
+    import shlex
+
+    return shlex.join(assignments_of({}, given))

@@ -44,6 +44,9 @@ def test_a_wrong_name_is_an_error_with_the_nearest_one(station):
         with pytest.raises(AttributeError, match="did you mean FG_WIDTH") as caught:
             wrong()
         assert isinstance(caught.value, KeyError) and caught.value.suggestions == ["FG_WIDTH"]
+    assert "width" in station and "FG_WITH" not in station and 5 not in station
+    with pytest.raises(AttributeError, match="limit"):
+        station["FG_WIDTH"].limit = 5
     assert not hasattr(station, "FG_WITH") and not hasattr(station, "_repr_svg_")
     for name in ("grab", "now"):
         with pytest.raises(AttributeError, match=name):
@@ -66,6 +69,25 @@ def test_a_refusal_says_what_is_accepted(station):
 def test_a_value_of_another_kind_is_refused(station, value, error):
     with pytest.raises(error, match="FG_WIDTH"):
         station.FG_WIDTH = value
+    assert station.FG_WIDTH == 1024
+
+
+WRONG_CALLS = [
+    (lambda s: s.advance(-1), "seconds is -1"), (lambda s: s.advance(ticks=1.5), "ticks is a whole number"),
+    (lambda s: s.clock(None), "factor is a number"), (lambda s: s[5], "name of a parameter is a text"),
+    (lambda s: s.wait_event(timeout=None), "timeout is a number"), (lambda s: s.wait_event(5), "name of an event"),
+    (lambda s: s.pictures(count=-1), "count is -1"), (lambda s: s.pictures(count=1.5), "count is a whole number"),
+    (lambda s: s.pictures(frames=0), "frames is 0"), (lambda s: s.grab(timeout="3"), "timeout is a number"),
+    (lambda s: s.set(FG_WIDTH=None), "FG_WIDTH takes a number or a text"), (lambda s: s.limits(5), "name is a text"),
+    (lambda s: s.wave(None), "wave is a text"), (lambda s: setattr(s, "FG_WIDTH", "512\0"), "NUL"),
+    (lambda s: s.set({"FG_WIDTH": "512\0"}), "NUL"), (lambda s: s.save("a\0.mcf"), "NUL"),
+    (lambda s: vexo.Station(7), "board is 7")]
+
+
+def test_a_wrong_argument_is_named(station):
+    for call, words in WRONG_CALLS:
+        with pytest.raises((vexo.InvalidArgument, TypeError), match=words):
+            call(station)
     assert station.FG_WIDTH == 1024
 
 
@@ -127,6 +149,13 @@ def test_questions_change_nothing(station):
     assert limits.accepted == (0, 15360, 4) == (limits.minimum, limits.maximum, limits.step)
     assert [cause["parameter"] for cause in limits.set_by] == ["FG_WIDTH"] and limits.fixed == ["minimum"]
     assert station.limits("FG_XOFFSET", FG_WIDTH=2048).maximum == 14336
+    assert station.limits("FG_XOFFSET", FG_FORMAT="Color 48bit", FG_WIDTH=512).maximum == 15872
+    assert station["FG_XOFFSET"].why(20000, FG_FORMAT="Color 48bit").nearest == 15360
+    with pytest.raises(vexo.Refused, match="512 FG_HEIGHT=3"):
+        station.limits("FG_XOFFSET", FG_WIDTH="512 FG_HEIGHT=3")
+    with pytest.raises(vexo.Refused, match="FG_WIDTH=20000") as caught:
+        station.limits("FG_XOFFSET", FG_WIDTH=20000)
+    assert (caught.value.name, caught.value.nearest, caught.value.limit["maximum"]) == ("FG_WIDTH", 16384, 16384)
     assert all(entry["accepted"] for entry in station["FG_FORMAT"].limits.entries)
     assert station.why("FG_WIDTH", 20000).nearest == 16384
     assert "FG_LINETRIGGERMODE=ASYNC_TRIGGER" in station["FG_LINE_DOWNSCALE"].why().accepted_with
@@ -252,12 +281,14 @@ def test_a_closed_station_says_so():
     width = station["FG_WIDTH"]
     station.close()
     station.close()
-    for use in (lambda: width.value, lambda: station["FG_HEIGHT"], station.grab, station.info):
-        with pytest.raises(ValueError, match="closed"):
+    for use in (lambda: width.value, lambda: station["FG_HEIGHT"], station.grab, station.info, lambda: station.FG_WIDTH,
+                lambda: station.width, lambda: station.now, lambda: setattr(station, "FG_WIDTH", 4),
+                lambda: setattr(station, "FG_WITH", 4), lambda: station.limits("FG_WIDTH")):
+        with pytest.raises(vexo.Closed, match="closed") as caught:
             use()
-    with pytest.raises(AttributeError):
-        station.FG_WIDTH
-    assert not station and "closed" in repr(station)
+        assert isinstance(caught.value, (vexo.NotNow, ValueError)) and caught.value.symbol == "VEXO_ERR_STATE"
+    del caught
+    assert "FG_WITH" not in vars(station) and not station and "closed" in repr(station)
     gone = weakref.ref(station)
     del station, width, use
     gc.collect()
@@ -285,7 +316,8 @@ def test_waits_and_renders_let_other_threads_run(small):
     assert len(failures) == 1, "the close has ended the wait"
 
 
-def test_an_interrupt_ends_a_wait(small):
+@pytest.mark.parametrize("wait", [lambda s: s.wait_event("FG_TRIGGER_INPUT2_RISING", timeout=1e9), lambda s: s.advance(1e9)])
+def test_an_interrupt_ends_a_wait(small, wait):
     def interrupt():
         while small.now == 0:
             pass
@@ -294,8 +326,11 @@ def test_an_interrupt_ends_a_wait(small):
     thread = threading.Thread(target=interrupt)
     thread.start()
     with pytest.raises(KeyboardInterrupt):
-        small.wait_event("FG_TRIGGER_INPUT2_RISING", timeout=1e9)
+        wait(small)
     thread.join()
+    reached = small.now
+    small.advance(ticks=5)
+    assert small.now == reached + 5
 
 
 def test_threads_share_a_station(small):
