@@ -4,6 +4,8 @@
 
 #include <pybind11/stl.h>
 
+#include <algorithm>
+
 namespace python {
 
 namespace {
@@ -73,6 +75,24 @@ void setAll(const Core& core, const Texts& assignments, bool anyOrder) {
         return vexo_set_all(its, pointers.data(), pointers.size(),
                             anyOrder ? VEXO_ANY_ORDER : VEXO_GIVEN_ORDER);
     });
+}
+
+/** The opposite of vexo_unpack, for blue, green and red in this order. Raises InvalidArgument for a component that has
+ *  more bits than the picture. */
+void pack(const vexo_picture& picture, const std::uint16_t* component, std::uint8_t* line) {
+    for (std::uint32_t y = 0; y < picture.height; ++y, line += picture.stride) {
+        std::fill_n(line, picture.stride, std::uint8_t{0});
+        std::uint64_t place = 0; // in bits
+        for (std::uint32_t i = 0; i < 3 * picture.width; ++i, ++component, place += picture.bits) {
+            if (*component >> picture.bits != 0)
+                throwInvalid("a component of the picture is " + std::to_string(*component) + ", and its " +
+                             std::to_string(picture.bits) + " bits end at " +
+                             std::to_string((1U << picture.bits) - 1));
+            std::uint32_t left = std::uint32_t{*component} << place % 8;
+            for (std::uint8_t* byte = line + place / 8; left != 0; left >>= 8)
+                *byte++ |= static_cast<std::uint8_t>(left);
+        }
+    }
 }
 
 void bindParameters(py::class_<Core>& core) {
@@ -226,6 +246,14 @@ void bindPictures(py::module_& module, py::class_<Core>& core) {
         unpacked.size = std::uint64_t{6} * picture.width * picture.height;
         const py::buffer_info destination = bytesOf(unpacked, pixels, true);
         check(vexo_unpack(&picture, bytes.ptr, static_cast<std::uint16_t*>(destination.ptr)));
+    });
+    module.def("pack", [](const vexo_picture& picture, const py::buffer& pixels, const py::buffer& data) {
+        vexo_picture unpacked = picture;
+        unpacked.size = std::uint64_t{6} * picture.width * picture.height;
+        const py::buffer_info components = bytesOf(unpacked, pixels, false);
+        const py::buffer_info bytes = bytesOf(picture, data, true);
+        pack(picture, static_cast<const std::uint16_t*>(components.ptr),
+             static_cast<std::uint8_t*>(bytes.ptr));
     });
     module.def("write_picture",
                [](const vexo_picture& picture, const py::buffer& data, const std::string& file) {

@@ -15,7 +15,8 @@ if TYPE_CHECKING:
 
 class Image(numpy.ndarray):
     """A picture: lines × pixels × (blue, green, red), uint8 with 8 bits per component, else uint16 with the value of
-    the component. With 8 and 16 bits it is the memory that the renderer wrote.
+    the component. With 8 and 16 bits it is the memory that the renderer wrote. A changed picture is written and shown
+    as it is now.
 
     record   Record: number, size, times, losses; None for a part of a picture
     tick     at which the picture was complete, in 8 ns; None for a part
@@ -27,6 +28,9 @@ class Image(numpy.ndarray):
     def __array_finalize__(self, origin) -> None:
         self.record = None
 
+    def __array_wrap__(self, array, context=None, return_scalar=False):
+        return array[()] if array.ndim == 0 else numpy.ndarray.__array_wrap__(self, array, context)
+
     @property
     def tick(self) -> int | None:
         return None if self.record is None else self.record.arrival
@@ -37,10 +41,15 @@ class Image(numpy.ndarray):
         return self.view(numpy.ndarray)[..., ::-1]
 
     def write(self, file: str | os.PathLike) -> None:
-        """Writes the picture in the format of the suffix: .png, .tiff, .jpg, .ppm or .raw."""
+        """Writes the picture in the format of the suffix: .png, .tiff, .ppm or .raw. InvalidArgument for a component
+        that was changed to more than its bits hold."""
         if self.record is None:
             raise ValueError("this is a part of a picture, and only a whole one can be written")
-        _vexo.write_picture(self.record, self._bytes, os.fspath(file))
+        data = self._bytes
+        if self.record.bits not in (8, 16):  # the array is a copy of the packed bits
+            data = numpy.empty(self.record.size, numpy.uint8)
+            _vexo.pack(self.record, numpy.ascontiguousarray(self), data)
+        _vexo.write_picture(self.record, data, os.fspath(file))
 
     def _repr_png_(self) -> bytes | None:
         if self.record is None:

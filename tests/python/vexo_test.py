@@ -191,12 +191,22 @@ def test_a_picture_has_shape_and_type_of_the_format(small, tmp_path, form, dtype
     assert (image.shape, image.dtype, record.bits) == ((16, 64, 3), numpy.dtype(dtype), bits)
     assert (record.width, record.height, record.number, image.tick) == (64, 16, 1, record.arrival)
     assert record.first_line < record.last_line <= record.arrival and image[1:].record is image[1:].tick is None
-    image.write(tmp_path / "picture.ppm")
-    header, _, rest = (tmp_path / "picture.ppm").read_bytes().partition(b"\n")
-    size, most, data = rest.split(b"\n", 2)
-    assert (header, size, int(most)) == (b"P6", b"64 16", 2**bits - 1)
-    written = numpy.frombuffer(data, numpy.uint8 if bits == 8 else ">u2").reshape(image.shape)
-    assert (written == image.rgb).all()
+    before = image.copy()
+    for change in (0, 1, 2**bits - 1):
+        image[5, 3:60, 1] = change or image[5, 3:60, 1]
+        image.write(tmp_path / "picture.ppm")
+        header, _, rest = (tmp_path / "picture.ppm").read_bytes().partition(b"\n")
+        size, most, data = rest.split(b"\n", 2)
+        assert (header, size, int(most)) == (b"P6", b"64 16", 2**bits - 1)
+        written = numpy.frombuffer(data, numpy.uint8 if bits == 8 else ">u2").reshape(image.shape)
+        assert (written == image.rgb).all()
+    assert (image != before).any() and type(image.max()) is image.dtype.type and image.mean() > 0
+    if bits not in (8, 16):
+        image[15, 63, 2] = 2**bits
+        for show in (image._repr_png_, lambda: image.write(tmp_path / "picture.ppm")):
+            with pytest.raises(vexo.InvalidArgument, match=f"{2**bits}, and its {bits} bits"):
+                show()
+    image = before
     assert image[0, 0, 0] == image[0, 0, 2] // 2 > 0 == image[0, -1].max(), "blue is halved; a white bar, a black one"
 
 
