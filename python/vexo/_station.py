@@ -2,6 +2,7 @@
 from __future__ import annotations
 
 import os
+import threading
 from typing import TYPE_CHECKING, Any, Iterator
 
 from . import _html, _vexo
@@ -269,31 +270,52 @@ class Station(_vexo.Core):
 
 
 class Pictures:
-    """The pictures of a running acquisition, each made when it is reached: an iterator and a context manager."""
+    """The pictures of a running acquisition, each made when it is reached: an iterator and a context manager. Several
+    threads may iterate over it, and share its pictures."""
 
     def __init__(self, station: Station, count: int | None, timeout: float, wall: float | None, frames: int,
                  ring: bool, out: numpy.ndarray | None):
         self._is_running = False
-        self._station, self._left, self._ring, self._out = station, count, ring, out
-        self._timeout, self._wall = timeout, _seconds(wall)
-        station._start(frames, ring)
+        self._left = None if count is None else whole("count", count, 0, 2**63)
+        self._station, self._ring, self._out = station, bool(ring), out
+        self._timeout, self._wall = number("timeout", timeout), _wall(wall)
+        self._lock = threading.Lock()  # guards _left and _taking
+        self._taking = 0  # pictures that threads are taking
+        station._start(whole("frames", frames, 1, 65536), self._ring)
         self._is_running = True
 
     def __iter__(self) -> Pictures:
         return self
 
     def __next__(self) -> Image:
-        if self._left == 0 or not self._is_running:
+        with self._lock:
+            is_over = self._left == 0 or not self._is_running
+            is_last = is_over and self._taking == 0
+            if not is_over:
+                self._taking += 1
+                if self._left is not None:
+                    self._left -= 1
+        if is_last:
             self.close()
+        if is_over:
             raise StopIteration
+        image = None
+        try:
+            image = self._take()
+        finally:
+            with self._lock:
+                self._taking -= 1
+                if image is None and self._left is not None:
+                    self._left += 1
+        return image
+
+    def _take(self) -> Image:
         from ._image import render
 
         record = self._station._wait_picture(0, self._timeout, self._wall)
         image = render(self._station, record, self._out)
         if not self._ring:
             self._station._release(record.number)
-        if self._left is not None:
-            self._left -= 1
         return image
 
     def close(self) -> None:

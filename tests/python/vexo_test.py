@@ -3,6 +3,8 @@ import copy
 import gc
 import pickle
 import signal
+import subprocess
+import sys
 import threading
 import weakref
 
@@ -303,6 +305,70 @@ def test_a_closed_station_says_so():
     del station, width, use
     gc.collect()
     assert gone() is None
+
+
+def test_a_station_that_was_never_opened_is_closed():
+    class ClosesFirst(vexo.Station):
+        def __init__(self):
+            self.close()
+            super().__init__(advice=False)
+
+    with ClosesFirst() as station:
+        assert station.FG_WIDTH == 1024
+    station = vexo.Station.__new__(vexo.Station)
+    assert not station and "closed" in repr(station)
+    for use in (station.grab, lambda: station["FG_WIDTH"], lambda: len(station), super(vexo.Station, station)._info):
+        with pytest.raises(vexo.Closed):
+            use()
+
+
+@pytest.mark.parametrize("ring", [False, True])
+def test_threads_share_pictures(small, ring):
+    taken, lock = [], threading.Lock()
+
+    def take(pictures):
+        for image in pictures:
+            with lock:
+                taken.append((image.record.number, image.shape))
+
+    with small.pictures(60, ring=ring, frames=1000) as pictures:
+        threads = [threading.Thread(target=take, args=(pictures,)) for _ in range(3)]
+        for thread in threads:
+            thread.start()
+        for thread in threads:
+            thread.join()
+    assert sorted(taken) == [(number, (16, 64, 3)) for number in range(1, 61)]
+
+
+BUSY = ["while True: s.wait_event('FG_TRIGGER_INPUT2_RISING', timeout=0.01)", "while True: s.FG_WIDTH = 64",
+        "[image for image in s.pictures(ring=True)]", "while True: s.FG_WIDTH", "while True: s['FG_WIDTH'].limits"]
+
+
+@pytest.mark.parametrize("work", BUSY)
+def test_a_daemon_thread_does_not_disturb_the_end(work):
+    program = f"""
+import threading, vexo
+s = vexo.Station.virtual()
+s.set(FG_WIDTH=64, FG_HEIGHT=16)
+running = threading.Event()
+def run():
+    running.set()
+    {work}
+threading.Thread(target=run, daemon=True).start()
+running.wait()
+while s.now < 1000: s.advance(ticks=1000)
+"""
+    for _ in range(3):
+        done = subprocess.run([sys.executable, "-c", program], capture_output=True, text=True)
+        assert (done.returncode, done.stderr) == (0, "")
+
+
+def test_another_interpreter_is_refused():
+    interpreters = pytest.importorskip("_xxsubinterpreters")
+    for before in ("", "import vexo"):
+        program = f"import _xxsubinterpreters as i\n{before}\ni.run_string(i.create(), 'import vexo')"
+        done = subprocess.run([sys.executable, "-c", program], capture_output=True, text=True)
+        assert interpreters and done.returncode == 1 and "main interpreter" in done.stderr, done
 
 
 def test_waits_and_renders_let_other_threads_run(small):
