@@ -79,6 +79,14 @@ def build_examples(tree):
     assert cpp.startswith(b"P6\n640 480\n65535\n"), cpp[:20]
 
 
+def run_from_a_link(tree):
+    links = tree.folder / "links"
+    links.mkdir()
+    (links / "libvexo.so.1").symlink_to(tree.libraries / "libvexo.so.1")
+    shown = tree.run("env", f"LD_LIBRARY_PATH={links}", tree.folder / "examples/limits_c")
+    assert "set by FG_WIDTH" in shown, shown
+
+
 def run_python(tree):
     package = tree.prefix / "lib/python3/dist-packages"
     if not package.exists():
@@ -105,7 +113,7 @@ def build_with_pkg_config(tree):
 def main():
     cmake, build, folder, libdir = sys.argv[1:]
     tree = Tree(cmake, build, pathlib.Path(folder), libdir)
-    for check in (check_files, check_tool, build_examples, run_python, build_with_pkg_config):
+    for check in (check_files, check_tool, build_examples, run_from_a_link, run_python, build_with_pkg_config):
         check(tree)
     shutil.rmtree(folder)
 

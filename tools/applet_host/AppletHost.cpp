@@ -122,13 +122,19 @@ void* openByName(const char* name) {
                     " is not on the path of the dynamic loader: " + loaderError());
 }
 
-void* openLibrary(const std::filesystem::path& path) {
+/** The absolute path of a library that is there. */
+std::filesystem::path existing(const std::filesystem::path& path) {
     std::error_code error;
-    const std::filesystem::path file = std::filesystem::absolute(path, error);
+    std::filesystem::path file = std::filesystem::absolute(path, error);
     if (error || !std::filesystem::exists(file, error)) {
         throw HostError("the library " + file.filename().string() + " was looked for in " +
                         file.parent_path().string() + ", and there is none");
     }
+    return file;
+}
+
+void* openLibrary(const std::filesystem::path& path) {
+    const std::filesystem::path file = existing(path);
     std::string reason = troubleWithLibrary(file);
     if (reason.empty()) {
         if (void* library = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL)) return library;
@@ -198,7 +204,10 @@ std::filesystem::path folderOfThisCode() {
     // The program itself has no name in the loader's list.
     if (entry == nullptr || entry->l_name[0] == '\0')
         return std::filesystem::read_symlink("/proc/self/exe").parent_path();
-    return std::filesystem::absolute(entry->l_name).parent_path();
+    // The library may be a link from another folder.
+    std::error_code error;
+    const std::filesystem::path file = std::filesystem::canonical(entry->l_name, error);
+    return (error ? std::filesystem::absolute(entry->l_name) : file).parent_path();
 }
 
 namespace {
@@ -275,6 +284,7 @@ AppletHost::AppletHost(const Locations& where) {
         throw HostError(
             "the environment variable APPLET_UNDER_TEST is empty: let it name the applet's library, or "
             "unset it");
+    existing(where.applet); // without it, the folder of the others is a wrong one, too
     try {
         void** next = m_libraries;
         for (const char* name : boardLibraries)
