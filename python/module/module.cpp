@@ -82,14 +82,14 @@ void setAll(const Core& core, const Texts& assignments, bool anyOrder) {
 void pack(const vexo_picture& picture, const std::uint16_t* component, std::uint8_t* line) {
     for (std::uint32_t y = 0; y < picture.height; ++y, line += picture.stride) {
         std::fill_n(line, picture.stride, std::uint8_t{0});
-        std::uint64_t place = 0; // in bits
-        for (std::uint32_t i = 0; i < 3 * picture.width; ++i, ++component, place += picture.bits) {
+        std::uint64_t bit = 0; // of the line
+        for (std::uint32_t i = 0; i < 3 * picture.width; ++i, ++component, bit += picture.bits) {
             if (*component >> picture.bits != 0)
                 throwInvalid("a component of the picture is " + std::to_string(*component) + ", and its " +
                              std::to_string(picture.bits) + " bits end at " +
                              std::to_string((1U << picture.bits) - 1));
-            std::uint32_t left = std::uint32_t{*component} << place % 8;
-            for (std::uint8_t* byte = line + place / 8; left != 0; left >>= 8)
+            std::uint32_t left = std::uint32_t{*component} << bit % 8;
+            for (std::uint8_t* byte = line + bit / 8; left != 0; left >>= 8)
                 *byte++ |= static_cast<std::uint8_t>(left);
         }
     }
