@@ -16,7 +16,7 @@ extern const Command undoCommand, shellHelpCommand, exitCommand, quitCommand;
 
 namespace {
 
-constexpr const Command* commands[] = {
+constexpr const Command* rows[] = {
 #define COMMAND(name) &name##Command,
 #include "appletctl/cli/commands.def"
 #undef COMMAND
@@ -24,13 +24,13 @@ constexpr const Command* commands[] = {
 
 } // namespace
 
-std::span<const Command* const> allCommands() { return commands; }
+std::span<const Command* const> allCommands() { return rows; }
 
 std::span<const Command* const> shellCommands() {
     static const std::vector<const Command*> known = [] {
         const std::vector<const Command*> own = {&undoCommand, &shellHelpCommand, &exitCommand, &quitCommand};
         std::vector<const Command*> all;
-        std::ranges::remove_copy_if(commands, std::back_inserter(all), [&](const Command* command) {
+        std::ranges::remove_copy_if(rows, std::back_inserter(all), [&](const Command* command) {
             return std::ranges::find(own, fullName(*command),
                                      [](const Command* word) { return fullName(*word); }) != own.end();
         });
