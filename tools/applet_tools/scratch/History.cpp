@@ -8,6 +8,7 @@
 #include "vexo/fg_errors.h"
 
 #include <algorithm>
+#include <cmath>
 #include <functional>
 #include <iterator>
 #include <string_view>
@@ -83,10 +84,19 @@ bool isComputedNow(const Parameter& parameter) {
     return parameter.kind() == REGISTER_KIND_DOUBLE && accessWord(parameter) == "ro";
 }
 
+/** Undefined numbers, which a load may store, are the same value here. */
+bool areSame(const json& a, const json& b) {
+    const auto isUndefined = [](const json& value) {
+        return value.is_number_float() && std::isnan(value.get<double>());
+    };
+    return a == b || (isUndefined(a) && isUndefined(b));
+}
+
 Words differingNames(const json& a, const json& b) {
     Words names;
     for (const auto& [name, value] : a.items())
-        if (const auto other = b.find(name); other != b.end() && *other != value) names.push_back(name);
+        if (const auto other = b.find(name); other != b.end() && !areSame(*other, value))
+            names.push_back(name);
     return names;
 }
 
@@ -126,8 +136,8 @@ void History::end() {
     std::ranges::copy_if(differing, std::back_inserter(m_begin->filesWritten), [&](const std::string& name) {
         return m_live.parameters().find(name).writesFile();
     });
-    const bool isChanged = after.design != m_begin->design || !m_begin->filesWritten.empty() ||
-                           std::ranges::any_of(differing, isSettable);
+    const bool isChanged = !differingNames(m_begin->design, after.design).empty() ||
+                           !m_begin->filesWritten.empty() || std::ranges::any_of(differing, isSettable);
     if (isChanged) m_steps.push_back(std::move(*m_begin));
     if (m_steps.size() > mostSteps) m_steps.pop_front();
     m_begin.reset();
@@ -188,7 +198,7 @@ std::optional<Undone> History::undo() {
     if (!allHold(instance, values)) storeByLoad(instance, values);
     const Moment reached = now();
     const bool hasAccess = reached.access == wanted.access;
-    if (!hasAccess || reached.design != wanted.design) rewrite(values, !hasAccess);
+    if (!hasAccess || !differingNames(wanted.design, reached.design).empty()) rewrite(values, !hasAccess);
     if (!hasAccess) restoreAccess(values, before, wanted.access);
     writeDesign(instance, wanted.design);
     return undoneOf(before, wanted);

@@ -75,6 +75,7 @@ public:
     void startTrace();
     /** The accesses since the last call, or since the start. */
     Words takeAccesses();
+    bool isTraced() const { return m_isTraced; }
     /** Ends the log; returns all accesses since the start. */
     Words stopTrace();
 

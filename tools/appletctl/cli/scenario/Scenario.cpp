@@ -1,6 +1,7 @@
 #include "appletctl/cli/scenario/Scenario.h"
 
 #include "applet_tools/applet/Condition.h"
+#include "applet_tools/applet/access_log.h"
 #include "applet_tools/applet/assignments.h"
 #include "applet_tools/applet/files/ConfigurationFile.h"
 #include "applet_tools/applet/published_limits.h"
@@ -142,9 +143,14 @@ std::string expectEvent(ScenarioRunner& runner, const Step& step) {
 
 void checkExit(const Words& words) { wholeFrom<int>(words[0]); }
 
-std::string runCommand(ScenarioRunner& runner, const Request& request, int expected) {
+std::string runCommand(ScenarioRunner& runner, Request request, int expected) {
     runner.forgetWrites();
+    if (runner.context().isTraced()) request.options.trace = false; // the trace of the run has its accesses
     const Report report = execute(request, runner.context());
+    std::vector<std::string> traced;
+    for (const auto& access : report.document.value("accesses", nlohmann::ordered_json::array()))
+        traced.push_back(loggedLine(access));
+    runner.addWrites(traced);
     if (report.exitCode == expected) return "";
     const std::string code = "it ended with " + numberText(static_cast<int>(report.exitCode));
     return report.problems.empty() ? code : code + ": " + join(report.problems, "; ");

@@ -18,9 +18,7 @@ bool isSameNumber(const std::string& a, const std::string& b) {
 
 } // namespace
 
-ScenarioRunner::ScenarioRunner(Context& context) : m_context(context) {
-    if (instance().device() != nullptr && instance().host()->isVirtual()) logWrites(instance());
-}
+ScenarioRunner::ScenarioRunner(Context& context) : m_context(context) { startLog(); }
 
 ScenarioRunner::~ScenarioRunner() {
     m_stationState.reset(); // an acquisition must end before its board is closed
@@ -40,12 +38,24 @@ const applet_host::BoardFunctions& ScenarioRunner::board() {
 void ScenarioRunner::forgetWrites() {
     m_writes.clear();
     m_found = 0;
-    if (instance().device() != nullptr && instance().host()->isVirtual()) logWrites(instance());
+    startLog();
+}
+
+/** A trace of the whole run has the log, and gives its lines. */
+void ScenarioRunner::startLog() {
+    if (m_context.isTraced())
+        m_context.takeAccesses();
+    else if (instance().device() != nullptr && instance().host()->isVirtual())
+        logWrites(instance());
 }
 
 void ScenarioRunner::collectWrites() {
     board();
-    for (std::string& line : takeAccessLog(instance()))
+    addWrites(m_context.isTraced() ? m_context.takeAccesses() : takeAccessLog(instance()));
+}
+
+void ScenarioRunner::addWrites(const std::vector<std::string>& accesses) {
+    for (std::string& line : writesOf(accesses))
         m_writes.push_back(std::move(line));
 }
 
@@ -119,7 +129,7 @@ void ScenarioRunner::removeFromDesign(const std::string& name) {
     if (board().lack_parameter(designName(name).c_str(), true) != VBOARD_OK) refuseName(name, "parameter");
     m_stationState.emplace();
     m_context.restart();
-    logWrites(instance());
+    startLog();
 }
 
 void ScenarioRunner::refuseName(const std::string& name, const std::string& what) {

@@ -37,6 +37,8 @@ public:
     /** Looks for a write after the last one found; a name may be given by its end, after a _.
      * True if there is one. */
     bool findWrite(const std::string& name, const std::string& value);
+    /** Adds the writes among the accesses of a step that was traced, whose trace has taken them from the log. */
+    void addWrites(const std::vector<std::string>& accesses);
     /** The writes after the last one found, as the board logs them. */
     std::vector<std::string> writesLeft();
 
@@ -57,6 +59,7 @@ public:
     [[noreturn]] void refuseName(const std::string& name, const std::string& what);
 
 private:
+    void startLog();
     void collectWrites();
     /** All parameters of the design. */
     std::vector<std::string> designNames();
