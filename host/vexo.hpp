@@ -187,6 +187,7 @@ public:
     /** Reads the other parameter and sets this one to its value, which may be of another kind of number. Both are
      *  fields of the same length, or neither is. */
     const Parameter& operator=(const Parameter& other) const {
+        if (this == &other) return *this;
         const vexo_parameter source = other.describe();
         switch (source.kind) {
         case VEXO_FIELD:
