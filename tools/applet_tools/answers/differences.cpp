@@ -1,6 +1,6 @@
 #include "applet_tools/answers/differences.h"
 
-#include "applet_tools/applet/hardware_values.h"
+#include "applet_tools/answers/loading/rates.h"
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"
@@ -9,7 +9,6 @@
 #include "vexo/fg_parameters.h"
 
 #include <algorithm>
-#include <cmath>
 #include <deque>
 
 namespace applet_tools {
@@ -20,24 +19,7 @@ bool isSame(const Parameter& parameter, const std::optional<std::string>& a,
     return a && b ? isSameValue(parameter, *a, *b) : a.has_value() == b.has_value();
 }
 
-double numberIn(const ConfigurationFile& file, const char* key) {
-    return floatingNumber(file.value(key).value_or("")).value_or(0);
-}
-
 constexpr const char *lineRate = "FG_CAMERASIMULATOR_LINERATE", *frameRate = "FG_CAMERASIMULATOR_FRAMERATE";
-
-/** True for two rates that differ by at most one cycle, the error of a save and load. The frame rate follows
- *  the line rate. */
-bool isNextCycle(const ParameterList& parameters, std::string_view key, const ConfigurationFile& before,
-                 const ConfigurationFile& after) {
-    if (key != lineRate && key != frameRate) return false;
-    const double was = numberIn(before, lineRate), is = numberIn(after, lineRate);
-    if (!areNeighbours(parameters.find(lineRate), was, is)) return false;
-    if (key == lineRate) return true;
-    constexpr double tolerance = 1e-10; // a file holds 12 digits
-    const double expected = numberIn(before, frameRate) / was * is;
-    return std::fabs(numberIn(after, frameRate) - expected) <= tolerance * expected;
-}
 
 /** True for a rate that the mode of each configuration computes from other parameters; a load ignores it. */
 bool isComputed(std::string_view key, const std::vector<const ConfigurationFile*>& files) {
@@ -50,7 +32,7 @@ bool isComputed(std::string_view key, const std::vector<const ConfigurationFile*
 }
 
 std::string cell(const Parameter& parameter, const std::optional<std::string>& text) {
-    return text ? printable(fileValueText(parameter, *text)) : "-";
+    return text ? printable(fileValueWithReading(parameter, *text)) : "-";
 }
 
 nlohmann::ordered_json asJson(const Parameter& parameter, const std::optional<std::string>& text) {
@@ -99,7 +81,7 @@ namespace {
 
 /** Reads only the lines that a load reads, as a file on disk may be large. */
 ConfigurationFile loadableFile(ScratchSession& session, FileKeys& keys, const Side& side) {
-    ConfigurationFile file(textForLoad(requiredTextOfFile(side.path), keys.defaults()));
+    ConfigurationFile file(textForLoad(linesOfLoad(requiredTextOfFile(side.path)), keys.defaults()));
     const std::string trouble = wholeFileTrouble(session, keys, file);
     if (!trouble.empty()) throw UsageError("no load takes the file " + inQuotes(side.title) + ": " + trouble);
     return file;

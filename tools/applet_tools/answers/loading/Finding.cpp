@@ -8,8 +8,8 @@ namespace applet_tools {
 namespace {
 
 /** In the order of the enumeration. */
-constexpr const char* kindNames[] = {"file",    "missing", "unknown", "repeated",  "unreadable",
-                                     "refused", "kept",    "cut",     "unapplied", "rounded"};
+constexpr const char* kindNames[] = {"file", "missing", "unknown",   "repeated", "unreadable", "refused",
+                                     "kept", "cut",     "unapplied", "rounded",  "computed"};
 
 } // namespace
 

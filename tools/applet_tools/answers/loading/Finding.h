@@ -21,6 +21,7 @@ enum class FindingKind {
     cut,        /**< the text was truncated */
     unapplied,  /**< the setter accepts the value, but a load does not pass it on */
     rounded,    /**< to a value that the hardware can use */
+    computed,   /**< the present mode computes another value, and a load ignores that of the file */
 };
 
 /** "file", "missing", ... */

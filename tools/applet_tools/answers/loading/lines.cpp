@@ -1,6 +1,7 @@
 #include "applet_tools/answers/loading/lines.h"
 
 #include "applet_tools/answers/loading/long_lines.h"
+#include "applet_tools/answers/loading/rates.h"
 #include "applet_tools/applet/assignments.h"
 #include "applet_tools/applet/files/MemoryFile.h"
 #include "applet_tools/applet/hardware_values.h"
@@ -18,6 +19,14 @@
 
 namespace applet_tools {
 namespace {
+
+/** Why a load finds the key in the rest of a long line; empty if it does not. */
+std::string restInWords(const ConfigurationFile& asked, const std::string& key) {
+    const std::string other = keyWithRestFor(asked, key);
+    if (other.empty()) return "";
+    return "the line of " + printable(other) + " is too long for a load, which reads its end as a line of " +
+           key;
+}
 
 /** A line with a parameter's value, before and after the load. */
 struct ValueLine {
@@ -43,8 +52,7 @@ struct ValueLine {
     }
     /** The value in the file; with its text if a load reads another value from it or changes its sign. */
     std::string askedText() const {
-        const std::string shown = fileValueText(parameter, asked);
-        if (!value && read) return shown + " (read as " + valueWithUnit(parameter, *read) + ")";
+        const std::string shown = fileValueWithReading(parameter, asked);
         const bool isUnlike = parameter.kind() == REGISTER_KIND_UINT && asked.starts_with('-') && value;
         return isUnlike ? shown + " (" + asked + " in the file)" : shown;
     }
@@ -66,7 +74,7 @@ public:
         if (it.isUnread()) return std::nullopt;
         if (auto cut = cutByLength(it)) return cut;
         const bool isComputed = isIgnored(it);
-        if (isComputed && it.value) return std::nullopt;
+        if (isComputed && it.value) return computed(it);
         const int code = isComputed ? FG_OK : writeValue(m_session.instance(), {&it.parameter}, *it.read);
         if (code != FG_OK) return refusal(it, code);
         if (!it.value) return unreadable(it);
@@ -108,11 +116,9 @@ private:
         if (it.isKept() || it.isCutAtSign()) return std::nullopt;
         if (isLong(it.line))
             return Finding{FindingKind::cut, it.name(), it.name() + ": " + lengthInWords(it)};
-        const std::string other = keyWithRestFor(m_file.asked, it.name());
-        if (other.empty()) return std::nullopt;
-        return Finding{FindingKind::cut, it.name(),
-                       it.change() + ": the line of " + printable(toUtf8(other.c_str())) +
-                           " is too long for a load, which reads its end as a line of " + it.name()};
+        const std::string rest = restInWords(m_file.asked, it.name());
+        if (rest.empty()) return std::nullopt;
+        return Finding{FindingKind::cut, it.name(), it.change() + ": " + rest};
     }
 
     static std::string lengthInWords(const ValueLine& it) {
@@ -123,6 +129,15 @@ private:
         return "the file has a text of " + numberText(it.asked.size()) +
                " bytes, after the load it has the first " + numberText(it.is.size()) + ": a load reads " +
                most + " bytes of a line";
+    }
+
+    /** For a rate that the present mode computes. */
+    std::optional<Finding> computed(const ValueLine& it) const {
+        if (it.isKept() || isNextCycle(m_session.parameters(), it.name(), m_file.asked, m_file.state))
+            return std::nullopt;
+        return Finding{FindingKind::computed, it.name(),
+                       it.change() + ": it follows from other parameters in this mode, so a load ignores it",
+                       false};
     }
 
     static Finding unlimited(const ValueLine& it) {
@@ -228,10 +243,13 @@ std::vector<Finding> missingKeys(const LoadedFile& file, FileKeys& keys, const P
     std::vector<Finding> findings;
     for (const auto& line : keys.defaults().values()) {
         if (file.asked.values().find(line.key) || !keys.isReadByLoad(line.key)) continue;
-        const std::string key(line.key), is = file.state.value(key).value_or("");
-        findings.push_back(
-            {FindingKind::missing, key,
-             key + " is missing: it stays as it was, " + fileValueText(parameters.find(key), is)});
+        const std::string key(line.key);
+        const std::string is = fileValueText(parameters.find(key), file.state.value(key).value_or(""));
+        const std::string rest = restInWords(file.asked, key);
+        if (rest.empty())
+            findings.push_back({FindingKind::missing, key, key + " is missing: it stays as it was, " + is});
+        else
+            findings.push_back({FindingKind::cut, key, key + ": after the load it is " + is + ": " + rest});
     }
     return findings;
 }

@@ -150,6 +150,20 @@ std::string textForLoad(std::string text, const ConfigurationFile& known) {
     return kept;
 }
 
+std::string linesOfLoad(std::string text) {
+    std::string lines;
+    std::size_t copied = 0;
+    for (std::size_t begin = 0; begin < text.size();) {
+        const std::size_t length = lineAt(text, begin).size();
+        const bool isLong = length > ConfigurationFile::longestLine;
+        begin += isLong ? ConfigurationFile::longestLine : length;
+        if (!isLong) continue;
+        lines.append(text, copied, begin - copied).append(1, '\n');
+        copied = begin;
+    }
+    return copied == 0 ? std::move(text) : std::move(lines.append(text, copied));
+}
+
 void requireConfigurationName(const std::string& path) {
     if (path.find(".mcf") == std::string::npos)
         throw UsageError(shownFile(path) +
@@ -229,6 +243,12 @@ std::string fileValueText(const Parameter& parameter, const std::string& text) {
     if (value && parameter.kind() != REGISTER_KIND_STRING) return valueWithUnit(parameter, *value);
     constexpr std::size_t mostBytes = 200;
     return quotedBeginning(text, mostBytes);
+}
+
+std::string fileValueWithReading(const Parameter& parameter, const std::string& text) {
+    const auto read = valueInFile(parameter, text) ? std::nullopt : valueOfLoad(parameter, text);
+    return fileValueText(parameter, text) +
+           (read ? " (read as " + valueWithUnit(parameter, *read) + ")" : "");
 }
 
 } // namespace applet_tools

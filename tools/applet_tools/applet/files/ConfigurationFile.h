@@ -117,6 +117,9 @@ inline ConfigurationFile::Section::Iterator ConfigurationFile::Section::end() co
  *  repeated keys. A load of it has the same effect. A text without a complete header is not changed. */
 std::string textForLoad(std::string text, const ConfigurationFile& known);
 
+/** The text with each line that is too long for a load broken into the lines that a load reads. */
+std::string linesOfLoad(std::string text);
+
 /** Throws UsageError if a load would refuse a file of that name. */
 void requireConfigurationName(const std::string& path);
 
@@ -142,6 +145,9 @@ bool isSameValue(const Parameter& parameter, const std::string& a, const std::st
 
 /** The value with symbol and unit; a text that is not a value is quoted. */
 std::string fileValueText(const Parameter& parameter, const std::string& text);
+
+/** The same, with the number that a load reads from a text that is not a value: '"0x800" (read as 0 pixel)'. */
+std::string fileValueWithReading(const Parameter& parameter, const std::string& text);
 
 } // namespace applet_tools
 

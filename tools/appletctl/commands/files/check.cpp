@@ -16,9 +16,8 @@ Report checkConfiguration(Context& context, const Words& words) {
     const LoadCheck check = askCheck(isOnSystem ? context.scratchAtDefaults() : context.bareScratch(), file);
     addFindings(report, check.findings);
     if (check.losesNothing())
-        report.text +=
-            forPerson("A load of " + shownFile(file) +
-                      (check.findings.empty() ? " loses nothing.\n" : " loses nothing but this rounding.\n"));
+        report.text += forPerson("A load of " + shownFile(file) +
+                                 (check.findings.empty() ? " loses nothing.\n" : " loses nothing else.\n"));
     if (isOnSystem || context.options().offline) addAssumed(report, context.assumed());
     return report;
 }

@@ -13,7 +13,7 @@ namespace {
 /** A word with an equals sign is an assignment, except for the first word, which is always a file. */
 bool isSecondFile(const Words& words) { return words.size() > 1 && !isAssignment(words[1]); }
 
-std::string titleOf(const std::string& file) { return printable(toUtf8(file.c_str())); }
+std::string titleOf(const std::string& file) { return printable(file); }
 
 struct DiffOptions {
     bool live = false; /**< --live: with the parameters as well */

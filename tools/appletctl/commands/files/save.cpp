@@ -38,7 +38,7 @@ Report saveConfiguration(Context& context, const Words& words) {
     run.report.document["file"] = toUtf8(file.c_str());
     const ConfigurationFile saved = stateOf(run.instance);
     writeFile(file, saved.text());
-    run.report.text += lineOf({"written", printable(toUtf8(file.c_str()))},
+    run.report.text += lineOf({"written", printable(file)},
                               shownFile(file) + ": " + numberText(saved.values().size()) + " values written");
     run.report.document["values"] = saved.values().size();
     ScratchBoard& scratch = context.scratchAtDefaults();
