@@ -224,6 +224,17 @@ struct Moment {
     std::vector<Value> arrays;
 };
 
+/** The assignments before the first one that is refused. */
+Words acceptedOf(ScratchSession& session, const Words& words) {
+    session.rewind();
+    Words accepted;
+    const AssignmentHooks hooks{.after = [&](const AssignmentResult& result) {
+        if (result.code == FG_OK) accepted.push_back(words[accepted.size()]);
+    }};
+    applyAssignments(session.instance(), session.parameters(), words, hooks);
+    return accepted;
+}
+
 /** What the assignments to the parameter move: the difference to the state without them. */
 std::vector<Movement> movesOf(ScratchSession& session, const Words& words, const std::string& name) {
     Words others, own;
@@ -231,6 +242,7 @@ std::vector<Movement> movesOf(ScratchSession& session, const Words& words, const
         const Target target = parseAssignments(session.parameters(), {word}).front().target;
         (target.parameter->name == name ? own : others).push_back(word);
     }
+    if (own.empty()) return {};
     const Moment without(session, others), with(session, words);
     std::vector<Movement> movements;
     for (std::size_t index = 0; index < with.states.size(); ++index) {
@@ -246,9 +258,10 @@ std::vector<Movement> movesOf(ScratchSession& session, const Words& words, const
 } // namespace
 
 json movesJob(ScratchSession& session, const json& arguments) {
+    const Words words = acceptedOf(session, arguments.at("words").get<Words>());
     json answer = json::object();
     for (const auto& name : arguments.at("names").get<Words>())
-        answer[name] = toMessage(movesOf(session, arguments.at("words").get<Words>(), name));
+        answer[name] = toMessage(movesOf(session, words, name));
     return answer;
 }
 
