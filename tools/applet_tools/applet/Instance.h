@@ -22,7 +22,7 @@ enum class DesignParameters { asSwitched, published };
  *  getter shows them, so the files are a part of its state. */
 struct LoadHistory {
     std::vector<std::string> texts; /**< the last complete load, and the failed ones after it */
-    std::set<int> setSince;         /**< ids of the parameters that were set afterwards */
+    std::set<int> setSince;         /**< ids of the parameters that were set afterwards, or offline */
 };
 
 /** An applet object with a handle for the exported functions. Throws HostError when a library is not

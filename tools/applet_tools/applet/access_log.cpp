@@ -16,7 +16,7 @@ std::string logLine(Instance& instance, std::size_t index) {
            VBOARD_TOO_SMALL)
         line.resize(line.size() * 2);
     line.resize(length < 0 ? 0 : static_cast<std::size_t>(length));
-    return printable(toUtf8(line.c_str()));
+    return printable(line);
 }
 
 void logKinds(Instance& instance, unsigned kinds) {

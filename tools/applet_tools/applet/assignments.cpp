@@ -77,7 +77,7 @@ std::string refusalInWords(const Parameter& parameter, const Value& value, int c
 Words refusalClauses(const AssignmentResult& result) {
     constexpr std::size_t mostBytes = 200;
     const auto& [target, text, value] = result.assignment;
-    const std::string asked = printable(toUtf8(text.c_str()));
+    const std::string asked = printable(text);
     Words clauses = {target.name() + "=" + shortened(asked, mostBytes) +
                      " was refused: " + codeInWords(result.code)};
     std::string reason =

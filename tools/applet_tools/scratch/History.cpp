@@ -123,7 +123,9 @@ void History::begin(const std::string& line) {
     try {
         m_begin = now();
         m_begin->line = line;
-    } catch (const std::runtime_error&) { // no applet; the command reports that
+        if (m_live.instance().device() == nullptr)
+            m_live.instance().loads() = {}; // offline, for its own sets
+    } catch (const std::runtime_error&) {   // no applet; the command reports that
         m_begin.reset();
     }
 }
@@ -133,11 +135,16 @@ void History::end() {
     const Moment after = now();
     const auto isSettable = [&](const std::string& name) { return settable().contains(name); };
     const Words differing = differingNames(m_begin->values, after.values);
-    std::ranges::copy_if(differing, std::back_inserter(m_begin->filesWritten), [&](const std::string& name) {
+    Words& notRestored = m_begin->notRestored;
+    std::ranges::copy_if(differing, std::back_inserter(notRestored), [&](const std::string& name) {
         return m_live.parameters().find(name).writesFile();
     });
-    const bool isChanged = !differingNames(m_begin->design, after.design).empty() ||
-                           !m_begin->filesWritten.empty() || std::ranges::any_of(differing, isSettable);
+    const std::set<int>& set = m_live.instance().loads().setSince;
+    std::ranges::copy_if(m_live.notMeasured(), std::back_inserter(notRestored), [&](const std::string& name) {
+        return set.contains(m_live.parameters().find(name).id);
+    });
+    const bool isChanged = !differingNames(m_begin->design, after.design).empty() || !notRestored.empty() ||
+                           std::ranges::any_of(differing, isSettable);
     if (isChanged) m_steps.push_back(std::move(*m_begin));
     if (m_steps.size() > mostSteps) m_steps.pop_front();
     m_begin.reset();
@@ -229,7 +236,7 @@ Undone History::undoneOf(const Moment& before, const Moment& wanted) {
     Words& others = undone.notAsBefore;
     for (const std::string& name : differingNames(wanted.values, reached.values))
         if (settable().contains(name)) others.push_back(name);
-    std::ranges::copy(wanted.filesWritten, std::back_inserter(others)); // a set would write the file again
+    std::ranges::copy(wanted.notRestored, std::back_inserter(others)); // a set would write the file again
     for (const std::string& name : differingNames(wanted.access, reached.access))
         others.push_back("the access of " + name);
     for (const std::string& name : differingNames(wanted.design, reached.design))

@@ -51,11 +51,12 @@ private:
      *  since they change by themselves. */
     struct Moment {
         json values;
-        json design;          // null if it cannot be read, as offline
-        json access;          // {NAME: BITS}
-        json limits;          // {NAME: [MINIMUM, MAXIMUM, INCREMENT]}; null without limits
-        std::string line{};   // the command that followed
-        Words filesWritten{}; // names of parameters that it set, which write a file
+        json design;         // null if it cannot be read, as offline
+        json access;         // {NAME: BITS}
+        json limits;         // {NAME: [MINIMUM, MAXIMUM, INCREMENT]}; null without limits
+        std::string line{};  // the command that followed
+        Words notRestored{}; // names of parameters that it set: those that write a file, and offline
+                             // those that only a board measures
     };
 
     Moment now();

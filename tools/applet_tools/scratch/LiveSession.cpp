@@ -72,6 +72,7 @@ void LiveSession::leaveCopy() { m_copy.reset(); }
 ScratchBoard& LiveSession::scratch() {
     json state = withoutTrace([&] { return boardStateOf(instance(), parameters()); });
     if (m_copy) state["design"] = m_copyDesign; // a copy does not publish it
+    state["notMeasured"] = notMeasured();
     return scratchFrom(state);
 }
 

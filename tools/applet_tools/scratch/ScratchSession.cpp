@@ -1,9 +1,11 @@
 #include "applet_tools/scratch/ScratchSession.h"
 
 #include "applet_tools/applet/access_log.h"
+#include "applet_tools/applet/hardware_values.h"
 
 #include "vexo/fg_errors.h"
 
+#include <set>
 #include <utility>
 
 namespace applet_tools {
@@ -70,6 +72,7 @@ void ScratchSession::rewind() {
 void ScratchSession::keep() {
     m_start["values"] = valuesOf(*m_instance, *m_parameters);
     m_start["loads"] = loadsOf(*m_instance);
+    m_start.erase("notMeasured");
 }
 
 const json& ScratchSession::defaults() {
@@ -87,7 +90,10 @@ void ScratchSession::prepareBoard(LOOMdevice* device) {
 }
 
 void ScratchSession::setValues() {
-    const Wanted wanted = wantedFrom(*m_parameters, m_start.at("values"));
+    const Wanted live = wantedFrom(*m_parameters, m_start.at("values"));
+    Wanted wanted = live;
+    const auto notMeasured = m_start.value("notMeasured", std::set<std::string>());
+    std::erase_if(wanted, [&](const auto& value) { return notMeasured.contains(value.first->name); });
     if (const auto loads = m_start.find("loads"); loads != m_start.end())
         loadAgain(*m_instance, wanted, *loads);
     setAll(*m_instance, wanted);
@@ -95,7 +101,7 @@ void ScratchSession::setValues() {
     m_assumed.clear();
     m_assumedMeasurements.clear();
     if (m_start.at("design").is_null()) m_assumed.emplace_back("design");
-    for (const auto& [parameter, value] : wanted)
+    for (const auto& [parameter, value] : live)
         if (!holds(*m_instance, *parameter, *value))
             (hasSetter(*parameter) ? m_assumed : m_assumedMeasurements).push_back(parameter->name);
 }
@@ -104,7 +110,7 @@ void ScratchSession::setValues() {
 bool ScratchSession::hasSetter(const Parameter& parameter) {
     if (elementCount(parameter) > 0 || !parameter.effectOfWriting().empty()) return true;
     const ReadResult now = readValue(*m_instance, {&parameter});
-    return writeValue(*m_instance, {&parameter}, now.value) != FG_ERR_NOT_AVAILABLE;
+    return writeValue(*m_instance, {&parameter}, requestFor(parameter, now.value)) != FG_ERR_NOT_AVAILABLE;
 }
 
 } // namespace applet_tools

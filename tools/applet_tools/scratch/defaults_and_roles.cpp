@@ -125,7 +125,7 @@ nlohmann::ordered_json changedSettings(LiveSession& live) {
 }
 
 std::string fileRoleInWords(const std::string& role) {
-    if (role == "restored") return "saved, and restored by a load";
+    if (role == "restored") return "saved, and read by a load";
     if (role == "reader") return "saved for the reader of the file: a load leaves it aside";
     return role.empty() ? "" : "not saved";
 }

@@ -34,7 +34,7 @@ bool isChanged(LiveSession& live, const Parameter& parameter, const DefaultAndRo
  *  of elements. */
 nlohmann::ordered_json changedSettings(LiveSession& live);
 
-/** "saved, and restored by a load". */
+/** "saved, and read by a load". */
 std::string fileRoleInWords(const std::string& role);
 
 /** Job: {"names": [NAME, ...], "roles": whether file roles are wanted} gives
