@@ -62,9 +62,9 @@ Outcome run(const Words& arguments, const Words& environment, const char* input,
 }
 
 Outcome converse(const Words& arguments, const Words& environment, const std::string& prompt,
-                 const Words& lines, unsigned short columns) {
+                 const Words& lines, unsigned short columns, unsigned short rows) {
     int terminal = -1;
-    const winsize size{.ws_row = 0, .ws_col = columns, .ws_xpixel = 0, .ws_ypixel = 0};
+    const winsize size{.ws_row = rows, .ws_col = columns, .ws_xpixel = 0, .ws_ypixel = 0};
     const pid_t child = forkpty(&terminal, nullptr, nullptr, &size);
     if (child == 0) become(arguments, environment);
     std::string text;
@@ -82,8 +82,9 @@ Outcome converse(const Words& arguments, const Words& environment, const std::st
     return {exitCodeOf(child), text, ""};
 }
 
-std::string onTerminal(const Words& arguments, const Words& environment, unsigned short columns) {
-    return converse(arguments, environment, "", {}, columns).out;
+std::string onTerminal(const Words& arguments, const Words& environment, unsigned short columns,
+                       unsigned short rows) {
+    return converse(arguments, environment, "", {}, columns, rows).out;
 }
 
 json document(Words arguments, const Words& environment) {

@@ -44,10 +44,11 @@ Outcome run(const Words& arguments, const Words& environment = {}, const char* i
  * its exit code.
  */
 Outcome converse(const Words& arguments, const Words& environment, const std::string& prompt,
-                 const Words& lines, unsigned short columns = 0);
+                 const Words& lines, unsigned short columns = 0, unsigned short rows = 0);
 
-/** The output of the program on a terminal of that width; 0: one that does not report its width. */
-std::string onTerminal(const Words& arguments, const Words& environment, unsigned short columns = 0);
+/** The output of the program on a terminal of that size; 0: one that does not report it. */
+std::string onTerminal(const Words& arguments, const Words& environment, unsigned short columns = 0,
+                       unsigned short rows = 0);
 
 /** The document of a command with --json. */
 json document(Words arguments, const Words& environment = {});

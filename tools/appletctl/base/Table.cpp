@@ -145,7 +145,7 @@ std::string Table::rowText(const Line& line, const Layout& layout) const {
     return text;
 }
 
-std::string Table::render(const Style& style) const {
+std::string Table::render(const Style& style, Detail detail) const {
     if (isPlainOutput()) return asRecords();
     const std::size_t width = outputWidth();
     const Layout layout = layoutFor(width);
@@ -155,12 +155,13 @@ std::string Table::render(const Style& style) const {
             if (&line != &m_lines.front()) text += '\n';
             text += style.heading(line.cells.front()) + '\n';
         } else if (line.kind == Kind::titles) {
-            if (!layout.isStacked) text += style.faint(rowText(line, layout)) + '\n';
+            if (!layout.isStacked && detail != Detail::rowsOnly)
+                text += style.faint(rowText(line, layout)) + '\n';
         } else {
             text += (layout.isStacked ? stackedText(line, width) : rowText(line, layout)) + '\n';
         }
     }
-    if (!layout.isStacked && !layout.hidden.empty())
+    if (detail == Detail::titlesAndHidden && !layout.isStacked && !layout.hidden.empty())
         text += style.faint("  (too narrow for: " + join(layout.hidden, ", ") + ")") + '\n';
     return text;
 }

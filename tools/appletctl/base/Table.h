@@ -25,8 +25,12 @@ public:
     /** A heading for the following rows. With --plain it is their first cell. */
     void addSubject(std::string name) { m_lines.push_back({Kind::subject, {std::move(name)}}); }
     void addRow(std::vector<std::string> cells) { m_lines.push_back({Kind::row, std::move(cells)}); }
-    /** The text for the standard output. With --plain titles and rows are cells separated by tabs. */
-    std::string render(const Style& style) const;
+    /** What render shows beside the rows. */
+    enum class Detail { rowsOnly, titles, titlesAndHidden };
+
+    /** The text for the standard output, by default with the titles and a line that names the hidden columns.
+     *  With --plain titles and rows are cells separated by tabs. */
+    std::string render(const Style& style, Detail detail = Detail::titlesAndHidden) const;
 
 private:
     enum class Kind { titles, heading, subject, row };

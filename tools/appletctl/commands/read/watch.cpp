@@ -33,7 +33,7 @@ struct Watched {
     Target target;
     ReadResult reading;
     std::optional<Value> minimum, maximum; // of a number, over all rounds
-    std::deque<double> course;             // of a number, in the last rounds
+    std::deque<double> latest;             // of a number, in the last rounds
     std::optional<double> before;          // of a number, in the last round with a value
     std::optional<double> perSecond;       // the change since then
 };
@@ -72,8 +72,8 @@ void read(Context& context, Watched& watched, double secondsSinceLast) {
     if (!watched.minimum || isBelow(value, *watched.minimum)) watched.minimum = value;
     if (!watched.maximum || isBelow(*watched.maximum, value)) watched.maximum = value;
     constexpr std::size_t shownRounds = 32;
-    if (std::isfinite(now)) watched.course.push_back(now);
-    if (watched.course.size() > shownRounds) watched.course.pop_front();
+    if (std::isfinite(now)) watched.latest.push_back(now);
+    if (watched.latest.size() > shownRounds) watched.latest.pop_front();
 }
 
 struct Round {
@@ -185,28 +185,48 @@ Table tableOf(const Round& round, std::size_t shown, bool wantsRates) {
         Words cells{watched.target.name(), shownValue(reading, valueText(parameter, reading.value)),
                     parameter.unit(), cell(watched.minimum), cell(watched.maximum)};
         if (wantsRates) cells.push_back(watched.perSecond ? rateText(*watched.perSecond) : "-");
-        cells.push_back(sparkline(watched.course, unicode));
+        cells.push_back(sparkline(watched.latest, unicode));
         table.addRow(std::move(cells));
     }
     return table;
 }
 
-/** As many parameters as there are lines for, and the number left out. */
-std::string asTable(const Round& round, bool wantsRates, int lines) {
+/** How much of a round is shown. */
+struct Extent {
+    std::size_t shown; // parameters, from the first
+    Table::Detail detail;
+    bool hasEnd; // the number of those not shown, the alarm and the number of the round
+};
+
+std::string textOf(const Round& round, bool wantsRates, const Extent& extent) {
     const Style style = Style::forStream(STDOUT_FILENO);
-    const std::string end =
-        alarmText(round, style) +
-        style.faint("  round " + numberText(round.number) + ", " + secondsText(round) + " s") + '\n';
     const std::size_t count = round.watched.size();
-    for (std::size_t shown = std::min(count, static_cast<std::size_t>(lines));; --shown) {
-        std::string text = tableOf(round, shown, wantsRates).render(style);
-        if (shown < count)
-            text += style.faint("  (" + numberText(count - shown) + " of " + numberText(count) +
-                                " parameters are not shown: too few lines)") +
-                    '\n';
-        text = wrapped(text + end, outputWidth());
-        if (shown == 0 || std::ranges::count(text, '\n') <= lines) return text;
+    std::string text = tableOf(round, extent.shown, wantsRates).render(style, extent.detail);
+    if (!extent.hasEnd) return wrapped(text, outputWidth());
+    if (extent.shown < count)
+        text += style.faint("  (" + numberText(count - extent.shown) + " of " + numberText(count) +
+                            " parameters are not shown: too few lines)") +
+                '\n';
+    text += alarmText(round, style) +
+            style.faint("  round " + numberText(round.number) + ", " + secondsText(round) + " s") + '\n';
+    return wrapped(text, outputWidth());
+}
+
+/** With few lines the values matter most: all else is left out first. */
+std::string asTable(const Round& round, bool wantsRates, int lines) {
+    using enum Table::Detail;
+    const std::size_t count = round.watched.size();
+    std::vector<Extent> extents{{count, titlesAndHidden, true}};
+    for (std::size_t shown = std::min(count, static_cast<std::size_t>(lines)); shown > 0; --shown)
+        extents.push_back({shown, titles, true});
+    extents.push_back({1, titles, false});
+    extents.push_back({1, rowsOnly, false});
+    std::string text;
+    for (const Extent& extent : extents) {
+        text = textOf(round, wantsRates, extent);
+        if (std::ranges::count(text, '\n') <= lines) break;
     }
+    return text;
 }
 
 /** Redraws a text in place. */
