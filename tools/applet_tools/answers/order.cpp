@@ -71,7 +71,7 @@ private:
 /** The refusal of a remaining assignment, tried after all that are accepted. */
 std::string whyStuck(ScratchSession& session, const std::string& word) {
     const Assignment assignment = parseAssignments(session.parameters(), {word}).front();
-    const std::string asked = assignment.target.name() + "=" + printable(toUtf8(assignment.text.c_str()));
+    const std::string asked = assignment.target.name() + "=" + printable(assignment.text);
     Probe probe(session);
     const int code = probe.answer(assignment.target, assignment.value);
     const std::string refusal = refusalInWords(*assignment.target.parameter, assignment.value, code);

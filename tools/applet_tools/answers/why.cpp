@@ -34,7 +34,7 @@ RefusalAnswer whyRefused(Probe& probe, const Assignment& assignment) {
     const int code = probe.answer(assignment.target, assignment.value);
     RefusalAnswer answer{
         parameter.name,
-        name + "=" + printable(toUtf8(assignment.text.c_str())),
+        name + "=" + printable(assignment.text),
         {{"name", name}, {"requested", requestedAsJson(assignment)}, {"accepted", code == FG_OK}},
         code};
     if (code == FG_OK) {

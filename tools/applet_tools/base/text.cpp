@@ -43,8 +43,9 @@ std::string toUtf8(const char* text) {
     return isUtf8(bytes) ? std::string(bytes) : applet_host::utf8FromLatin1(bytes);
 }
 
-std::string printable(std::string_view text) {
+std::string printable(std::string_view given) {
     constexpr char digits[] = "0123456789abcdef";
+    const std::string text = isUtf8(given) ? std::string(given) : applet_host::utf8FromLatin1(given);
     std::string shown;
     const auto escape = [&](const char* prefix, unsigned char byte) {
         shown += prefix;
@@ -117,7 +118,7 @@ std::string quotedBeginning(const std::string& text, std::size_t mostBytes) {
 
 std::string inQuotedWord(std::string_view word) {
     constexpr std::size_t mostBytes = 100;
-    return "'" + shortened(printable(toUtf8(std::string(word).c_str())), mostBytes) + "'";
+    return "'" + shortened(printable(word), mostBytes) + "'";
 }
 
 std::string asShellWord(std::string_view word) {

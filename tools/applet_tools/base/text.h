@@ -13,7 +13,8 @@ namespace applet_tools {
  *  converted from ISO 8859-1. Null gives the empty text. */
 std::string toUtf8(const char* text);
 
-/** The UTF-8 text with control characters as \xNN or \u00NN, so that it cannot disturb a terminal. */
+/** The text in UTF-8, converted from ISO 8859-1 if need be, with control characters as \xNN or \u00NN, so that it
+ *  cannot disturb a terminal. */
 std::string printable(std::string_view text);
 
 /** The text in double quotes, printable, with its quotes and backslashes escaped by a backslash. */

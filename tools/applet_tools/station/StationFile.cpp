@@ -274,10 +274,10 @@ StationFile readStationFile(const std::string& file) {
     if (!text) throw UsageError("the station file " + inQuotedWord(file) + " cannot be read");
     try {
         StationFile station = parseStation(*text, std::filesystem::path(file).parent_path().string());
-        station.name = printable(toUtf8(file.c_str()));
+        station.name = printable(file);
         return station;
     } catch (const UsageError& error) {
-        throw UsageError(printable(toUtf8(file.c_str())) + ": " + error.what());
+        throw UsageError(printable(file) + ": " + error.what());
     }
 }
 

@@ -61,7 +61,7 @@ std::string lineOf(const std::vector<std::string>& cells, const std::string& tex
 }
 
 std::string writtenLine(const std::string& file) {
-    return lineOf({"written", printable(toUtf8(file.c_str()))}, shownFile(file) + " written");
+    return lineOf({"written", printable(file)}, shownFile(file) + " written");
 }
 
 std::string forPerson(std::string text) { return mode().isPlain ? std::string() : std::move(text); }

@@ -28,7 +28,7 @@ std::string outcomeLine(const Target& target, const Value& requested, const Read
 
 std::string leftOutLine(const Assignment& assignment) {
     const std::string name = assignment.target.name();
-    const std::string asked = printable(toUtf8(assignment.text.c_str()));
+    const std::string asked = printable(assignment.text);
     return lineOf({"leftOut", name, asked}, name + "=" + asked + " would write a file; it was left out");
 }
 

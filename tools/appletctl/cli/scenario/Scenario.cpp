@@ -331,7 +331,7 @@ Step parseStep(const std::string& text, const WordLine& line, const Options& opt
     if (line.isOpen) throw UsageError(unfinishedLine);
     Step step{.line = 0,
               .section = {},
-              .text = textFrom(text, line, 0),
+              .text = toUtf8(textFrom(text, line, 0).c_str()),
               .kind = kindOf(line.words),
               .words = {},
               .rest = {},
@@ -394,7 +394,7 @@ std::vector<Step> readScenario(const std::string& file, const Options& options) 
             Step step = parseStep(content, line, options);
             step.line = number;
             if (step.kind != nullptr && step.kind->run == nullptr) {
-                section = step.words.front();
+                section = toUtf8(step.words.front().c_str());
                 continue;
             }
             step.section = section;

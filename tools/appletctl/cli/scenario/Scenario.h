@@ -15,7 +15,7 @@ struct StepKind;
 struct Step {
     std::size_t line;     /**< in the file, from 1 on */
     std::string section;  /**< the last title before it; empty before the first one */
-    std::string text;     /**< as in the file, without the comment */
+    std::string text;     /**< as in the file, in UTF-8 and without the comment */
     const StepKind* kind; /**< null for a command */
     Words words;          /**< after the words that name the kind */
     std::string rest;     /**< the same, with their quotes */

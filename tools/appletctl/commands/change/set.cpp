@@ -176,8 +176,8 @@ Report reportOf(const Ordering& ordering) {
     if (ordering.isComplete) {
         Words cells{"order"};
         for (const std::string& word : ordering.words)
-            cells.push_back(printable(toUtf8(word.c_str())));
-        report.text = lineOf(cells, "order: " + printable(toUtf8(join(ordering.words, " ").c_str())));
+            cells.push_back(printable(word));
+        report.text = lineOf(cells, "order: " + printable(join(ordering.words, " ")));
         return report;
     }
     report.problems = ordering.problems;

@@ -294,7 +294,7 @@ private:
             return true;
         }
         if (m_own.wantsStatistics) statistics(record, picture);
-        const std::string shown = printable(toUtf8(file.c_str()));
+        const std::string shown = printable(file);
         m_isTableFilled = true;
         if (!digest.empty() && !m_context.options().quiet)
             m_hashes += digest + "  " + (file.empty() ? numberText(record.picture) : shown) + '\n';

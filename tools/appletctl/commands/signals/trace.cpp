@@ -37,7 +37,7 @@ LineKind kindOf(const std::string& line) {
     const LoggedAccess words = loggedAccess(line);
     if (isOneOf(accessKinds, words.access))
         return isOneOf(valueTypes, words.type) ? LineKind::access : LineKind::none;
-    if (printable(toUtf8(line.c_str())) != line) return LineKind::none;
+    if (printable(line) != line) return LineKind::none;
     const bool isOfSet = line.empty() || line == noAccess || line.starts_with("FG_") ||
                          line.starts_with("DRA_") || line.starts_with(designPrefix);
     return isOfSet ? LineKind::ofSet : LineKind::text;
