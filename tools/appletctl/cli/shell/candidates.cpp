@@ -187,11 +187,11 @@ Candidates columnsOf(const std::string& list, const std::string& word) {
 /** Position after the last && or ||, and after what may precede a name there. */
 std::size_t beginOfComparison(const std::string& condition) {
     constexpr std::size_t length = 2; // of && and ||
-    std::size_t behind = 0;
+    std::size_t afterJoint = 0;
     for (const char* const joint : {"&&", "||"})
         if (const std::size_t position = condition.rfind(joint); position != std::string::npos)
-            behind = std::max(behind, position + length);
-    return std::min(condition.find_first_not_of(" (", behind), condition.size());
+            afterJoint = std::max(afterJoint, position + length);
+    return std::min(condition.find_first_not_of(" (", afterJoint), condition.size());
 }
 
 /** The parameter for a name, or for a quoted or unquoted label, ignoring blanks around it; null if there is
@@ -217,33 +217,45 @@ Candidates comparedValues(const ParameterList& parameters, const Parameter& para
     return found;
 }
 
-/** The next part of a condition: a name, then an operator, then a value, then && or ||. */
-Candidates conditionParts(const ParameterList& parameters, const std::string& word) {
+/** Candidates for the end of a text, which they replace from a position on. */
+struct EndCandidates {
+    std::size_t begin;
+    Candidates candidates;
+};
+
+/** The next part of a comparison: a name, then an operator, then a value, then && or ||. */
+EndCandidates comparisonParts(const ParameterList& parameters, const std::string& comparison) {
     constexpr const char* operatorMarks = "<>=!";
-    const std::string comparison = word.substr(beginOfComparison(word));
-    const std::size_t mark = std::min(comparison.find_first_of(operatorMarks), comparison.size());
-    const std::size_t behind = std::min(comparison.find_first_not_of(operatorMarks, mark), comparison.size());
-    const std::size_t value = std::min(comparison.find_first_not_of(' ', behind), comparison.size());
-    const Parameter* const parameter = comparedParameter(parameters, comparison.substr(0, mark));
-    std::string last; // the text that the candidates replace
-    Candidates found;
-    if (mark == comparison.size() && !comparison.ends_with(' ')) {
-        last = comparison;
-        found = namesOf(parameters, last, "");
-    } else if (const bool isLongest = behind - mark == 2; behind == comparison.size() && !isLongest) {
-        last = comparison.substr(mark);
-        if (parameter != nullptr) found = matching({{"=="}, {"!="}, {"<"}, {"<="}, {">"}, {">="}}, last);
-    } else if (comparison.find_first_of(" )", value) == std::string::npos) {
-        last = comparison.substr(value);
-        if (parameter != nullptr) found = comparedValues(parameters, *parameter, last);
-    } else {
-        last = comparison.substr(comparison.find_last_of(" )") + 1);
-        found = matching({{"&&"}, {"||"}}, last);
+    constexpr std::size_t longestOperator = 2;
+    const std::size_t end = comparison.size();
+    const std::size_t sign = std::min(comparison.find_first_of(operatorMarks), end);
+    if (sign == end && !comparison.ends_with(' ')) return {0, namesOf(parameters, comparison, "")};
+
+    const Parameter* const parameter = comparedParameter(parameters, comparison.substr(0, sign));
+    const std::size_t signEnd = std::min(comparison.find_first_not_of(operatorMarks, sign), end);
+    if (signEnd == end && end - sign < longestOperator) {
+        if (parameter == nullptr) return {sign, {}};
+        return {sign, matching({{"=="}, {"!="}, {"<"}, {"<="}, {">"}, {">="}}, comparison.substr(sign))};
     }
-    const std::string before = word.substr(0, word.size() - last.size());
-    for (Candidate& one : found)
+
+    const std::size_t value = std::min(comparison.find_first_not_of(' ', signEnd), end);
+    if (comparison.find_first_of(" )", value) == std::string::npos) {
+        if (parameter == nullptr) return {value, {}};
+        return {value, comparedValues(parameters, *parameter, comparison.substr(value))};
+    }
+
+    const std::size_t joint = comparison.find_last_of(" )") + 1;
+    return {joint, matching({{"&&"}, {"||"}}, comparison.substr(joint))};
+}
+
+/** Completes the last comparison of a condition. */
+Candidates conditionParts(const ParameterList& parameters, const std::string& condition) {
+    const std::size_t begin = beginOfComparison(condition);
+    EndCandidates found = comparisonParts(parameters, condition.substr(begin));
+    const std::string before = condition.substr(0, begin + found.begin);
+    for (Candidate& one : found.candidates)
         one.text.insert(0, before);
-    return found;
+    return found.candidates;
 }
 
 /** The stations that run. */
