@@ -62,7 +62,6 @@ void addGrabOptions(CLI::App& command, Options& options) {
     command.add_flag("--strict", own.isStrict, "End with exit code 1 if anything was lost");
     command.add_option("--timeout", own.timeout, "Simulated time to wait for each picture, 10s if not given")
         ->type_name("TIME");
-    constexpr std::size_t mostFrames = 65536;
     command.add_option("--frames", own.frames, "Frames of the memory that pictures go to, 4 if not given")
         ->type_name("N")
         ->check(CLI::Range(std::size_t{1}, mostFrames));
