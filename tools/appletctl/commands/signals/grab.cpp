@@ -367,7 +367,7 @@ private:
             const LossKind& kind = lossKinds()[i];
             const std::int64_t count = after[i] - before[i];
             losses[kind.name] = count;
-            table.addRow({kind.name, numberText(count), kind.what, kind.cure});
+            table.addRow({kind.name, numberText(count), kind.what, kind.advice});
         }
         m_report->document["losses"] = losses;
         for (std::size_t i = 0; i < after.size(); ++i)
@@ -377,7 +377,7 @@ private:
     }
 
     void addLoss(CommandRun& run, const LossKind& kind, std::int64_t count) {
-        const std::string words = std::string(kind.what) + ": " + numberText(count) + "; " + kind.cure;
+        const std::string words = std::string(kind.what) + ": " + numberText(count) + "; " + kind.advice;
         if (m_own.isStrict)
             fail(run, words);
         else if (!m_report->isVerbatim && !m_own.wantsLosses)
