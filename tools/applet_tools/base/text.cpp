@@ -99,20 +99,18 @@ std::string beginningOf(const std::string& text, std::size_t mostBytes) {
     return text.substr(0, end);
 }
 
-std::string lengthBehind(const std::string& text) {
-    return "... (" + std::to_string(text.size()) + " bytes)";
-}
+std::string wholeLength(const std::string& text) { return "... (" + std::to_string(text.size()) + " bytes)"; }
 
 } // namespace
 
 std::string shortened(const std::string& text, std::size_t mostBytes) {
-    return text.size() <= mostBytes ? text : beginningOf(text, mostBytes) + lengthBehind(text);
+    return text.size() <= mostBytes ? text : beginningOf(text, mostBytes) + wholeLength(text);
 }
 
 std::string quotedBeginning(const std::string& text, std::size_t mostBytes) {
     const std::string shown = toUtf8(text.c_str());
     if (shown.size() <= mostBytes) return inQuotes(shown);
-    return inQuotes(beginningOf(shown, mostBytes)) + lengthBehind(text);
+    return inQuotes(beginningOf(shown, mostBytes)) + wholeLength(text);
 }
 
 std::string inQuotedWord(std::string_view word) {

@@ -96,7 +96,7 @@ std::string nameAsTyped(const std::string& name, const std::string& begin) {
 }
 
 /** The first element, the last one and the range of all, after a `[` typed after the name of an array. */
-Candidates elementsOf(const ParameterList& parameters, const std::string& begin, const char* behind) {
+Candidates elementsOf(const ParameterList& parameters, const std::string& begin, const char* suffix) {
     const std::size_t bracket = begin.find('[');
     const std::string name = begin.substr(0, bracket);
     Candidates found;
@@ -107,18 +107,18 @@ Candidates elementsOf(const ParameterList& parameters, const std::string& begin,
         const std::string last = numberText(count - 1);
         for (const std::string& elements : {std::string("0"), last, "0.." + last})
             if (elements.starts_with(begin.substr(bracket + 1)))
-                found.push_back({typed + '[' + elements + ']' + behind, parameter.label()});
+                found.push_back({typed + '[' + elements + ']' + suffix, parameter.label()});
     }
     return found;
 }
 
-Candidates namesOf(const ParameterList& parameters, const std::string& begin, const char* behind) {
-    if (begin.find('[') != std::string::npos) return elementsOf(parameters, begin, behind);
+Candidates namesOf(const ParameterList& parameters, const std::string& begin, const char* suffix) {
+    if (begin.find('[') != std::string::npos) return elementsOf(parameters, begin, suffix);
     Candidates found;
     for (const Parameter& parameter : parameters.all())
         if (const std::string name = nameAsTyped(parameter.name, begin); !name.empty())
             found.push_back(
-                {name + (*behind != '\0' && elementCount(parameter) > 0 ? "[" : behind), parameter.label()});
+                {name + (*suffix != '\0' && elementCount(parameter) > 0 ? "[" : suffix), parameter.label()});
     return found;
 }
 
@@ -318,12 +318,12 @@ bool areGroups(const CLI::App& command, const Words& words) {
 Candidates argumentsOf(const Command& command, int before, const std::string& word,
                        const std::function<const ParameterList&()>& parameters) {
     const std::string_view kind = kindOf(command);
-    const bool isBehindFile = kind == "FILE" && before > 0 && command.most < 0;
+    const bool isAfterFile = kind == "FILE" && before > 0 && command.most < 0;
     Candidates files;
     if (command.most >= 0 && before >= command.most) return files;
     if (command.managesStations && kind == "NAME") return stationsOf(word);
     if (before < command.mostFiles && *command.fileSuffix != '\0') files = filesOf(word, command.fileSuffix);
-    if (isBehindFile || command.file == Command::File::readUnlessAssignment) {
+    if (isAfterFile || command.file == Command::File::readUnlessAssignment) {
         const Candidates assignments = assignmentsOf(parameters(), word);
         files.insert(files.end(), assignments.begin(), assignments.end());
         return files;
