@@ -215,12 +215,18 @@ std::size_t distanceToPart(std::string_view word, std::string_view text) {
     return *std::ranges::min_element(row);
 }
 
+/** Like farthestTypo, but stricter, since a word is easily similar to some part of a text; 0 for a short word. */
+std::size_t farthestTypoOfPart(std::string_view word) {
+    constexpr std::size_t most = 2, lettersOfOne = 4;
+    return std::min(most, word.size() / lettersOfOne);
+}
+
 } // namespace
 
 std::vector<std::string> nearestParts(std::string_view word, const std::vector<std::string>& candidates) {
-    constexpr std::size_t farthest = 2, mostWords = 3, lettersOfOne = 4;
+    constexpr std::size_t mostWords = 3;
     const std::string wanted = lowerCase(word);
-    std::size_t least = std::min(farthest, wanted.size() / lettersOfOne);
+    std::size_t least = farthestTypoOfPart(wanted);
     if (least == 0) return {};
     std::vector<std::string> near;
     for (const std::string& candidate : candidates) {
