@@ -13,8 +13,6 @@ using namespace host;
 
 namespace {
 
-constexpr std::uint32_t mostFrames = 65536;
-
 /** The running acquisition. Throws Error. */
 std::shared_ptr<Acquisition> runningOf(vexo_station& station) {
     const std::lock_guard lock(station.acquiring);
@@ -58,9 +56,9 @@ int vexo_start(vexo_station* station, uint32_t frames, int memory) {
     return onLocked(station, [&](vexo_station& own) {
         requireVirtual(own);
         requireWritable(own, "an acquisition");
-        if (frames == 0 || frames > mostFrames)
-            throw Error(VEXO_ERR_ARGUMENT, "the memory has 1 to " + std::to_string(mostFrames) + " frames; " +
-                                               std::to_string(frames) + " were asked for");
+        if (frames == 0 || frames > applet_tools::mostFrames)
+            throw Error(VEXO_ERR_ARGUMENT, "the memory has 1 to " + std::to_string(applet_tools::mostFrames) +
+                                               " frames; " + std::to_string(frames) + " were asked for");
         if (memory != VEXO_KEEP && memory != VEXO_RING)
             throw Error(VEXO_ERR_ARGUMENT, "the kind of the memory is neither VEXO_KEEP nor VEXO_RING");
         const std::lock_guard lock(own.acquiring);

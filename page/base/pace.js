@@ -23,24 +23,26 @@ export function oncePerFrame(draw) {
  *   abort: a new call makes the result of the running one useless, so its request ends at once.
  */
 export function latest(task, { pause = 0, abort = false } = {}) {
-  let running = null;
+  let running = null; // ends the present run; null if none is
   let isAskedAgain = false;
-  const run = async () => {
-    running = new AbortController();
+  const runOnce = async () => {
     const begin = performance.now();
     try {
       await task(running.signal);
     } catch (error) {
       if (error.name !== 'AbortError') console.error(error);
     }
+    if (!pause) return;
     const took = performance.now() - begin;
-    const rest = Math.max(pause - took, pause && took); // a task that takes long is not run all the time
-    if (rest > 0) await sleep(rest);
-    running = null;
-    if (isAskedAgain) {
+    await sleep(Math.max(pause - took, took)); // a slow task runs at most half of the time
+  };
+  const run = async () => {
+    do {
       isAskedAgain = false;
-      run();
-    }
+      running = new AbortController();
+      await runOnce();
+    } while (isAskedAgain);
+    running = null;
   };
   return () => {
     if (!running) return void run();

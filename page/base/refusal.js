@@ -46,28 +46,12 @@ export function unsentBox(error, { what, again, onClose }) {
  *   setting: what was refused; onDone: a way out was taken, with the answer; onError: a way out was refused in turn.
  */
 export function errorBox(error, { setting, onDone = () => {}, onClose, onError }) {
-  const lines = [];
-  if (error instanceof ApiError) {
-    if (error.advice && !error.message.includes(error.advice))
-      lines.push(el('p', { class: 'advice', text: error.advice }));
-    const accepted = limitText(error.limit);
-    const setBy = setByText(error.limit?.setBy);
-    if (accepted) {
-      lines.push(
-        el('p', { class: 'limit' }, 'Accepted now: ', el('b', { text: accepted }), setBy ? `, set by ${setBy}` : ''),
-      );
-    }
-  }
-  // The limit and the buttons may repeat the later clauses: then the first one is enough at first.
-  const isRepeated = lines.length || error.waysOut?.length;
-  const [clause, ...rest] = (isRepeated && error.clauses) || [error.message];
-  if (clause) lines.unshift(el('p', { class: 'message', text: clause }));
-  if (rest.length)
-    lines.push(
-      el('details', {}, el('summary', { text: 'All of the answer' }), el('p', { text: `${rest.join('; ')}.` })),
-    );
-  const take = (settings) => async (event) => {
-    for (const button of event.target.parentNode.children) button.disabled = true;
+  const limits = limitLines(error);
+  // The limit and the buttons may repeat the later clauses of the message: then the first one is enough at first.
+  const isRepeated = limits.length > 0 || error.waysOut?.length > 0;
+  const clauses = (isRepeated && error.clauses) || [error.message];
+  const take = async (settings, buttons) => {
+    for (const button of buttons) button.disabled = true;
     try {
       const answer = await setAll(settings);
       onClose();
@@ -76,34 +60,74 @@ export function errorBox(error, { setting, onDone = () => {}, onClose, onError }
       onError(failure);
     }
   };
-  const buttons = ways(error, setting).map(({ text, title, settings }) =>
-    el('button', { type: 'button', class: 'way', text, title, on: { click: take(settings) } }),
+  return el(
+    'div',
+    { class: 'error', role: 'alert' },
+    ...messageLines(clauses, limits),
+    el(
+      'div',
+      { class: 'ways' },
+      ...waysOf(error, setting).map(({ text, title, settings }) =>
+        el('button', {
+          type: 'button',
+          class: 'way',
+          text,
+          title,
+          on: { click: ({ target }) => take(settings, target.parentNode.children) },
+        }),
+      ),
+      el('button', { type: 'button', class: 'quiet', text: 'Dismiss', on: { click: onClose } }),
+    ),
   );
-  buttons.push(el('button', { type: 'button', class: 'quiet', text: 'Dismiss', on: { click: onClose } }));
-  return el('div', { class: 'error', role: 'alert' }, ...lines, el('div', { class: 'ways' }, ...buttons));
 }
 
-function ways(error, setting) {
-  const found = (error.waysOut ?? []).map((way) => {
-    const settings = way.settings ?? [];
-    const isThere = !setting || settings.some(({ name }) => name === setting.name);
-    const others = settings
-      .filter(({ name }) => name !== setting?.name)
-      .map(({ name, value }) => `${name}=${value}`)
-      .join(' ');
-    return {
-      text: `Set ${setting && others ? `with ${others}` : way.text || describe(settings)}`,
-      title: describe(settings),
-      settings: isThere ? settings : [...settings, setting],
-    };
-  });
-  if (setting && error.nearest !== null && error.nearest !== undefined) {
-    const settings = [{ name: setting.name, value: error.nearest }];
-    const isNearest = (way) => way.settings.length === 1 && way.settings[0].name === setting.name;
-    if (found.some(isNearest)) found.splice(found.findIndex(isNearest), 1);
-    found.unshift({ text: `Set ${error.nearest}, the nearest`, title: describe(settings), settings });
-  }
-  return found;
+/** What the station advises and accepts, as lines of the box. */
+function limitLines(error) {
+  if (!(error instanceof ApiError)) return [];
+  const lines = [];
+  if (error.advice && !error.message.includes(error.advice))
+    lines.push(el('p', { class: 'advice', text: error.advice }));
+  const accepted = limitText(error.limit);
+  if (!accepted) return lines;
+  const setBy = setByText(error.limit.setBy);
+  lines.push(
+    el('p', { class: 'limit' }, 'Accepted now: ', el('b', { text: accepted }), setBy ? `, set by ${setBy}` : ''),
+  );
+  return lines;
+}
+
+/** The first clause of the message, then the limits, then the other clauses folded. */
+function messageLines([first, ...rest], limits) {
+  const lines = [...limits];
+  if (first) lines.unshift(el('p', { class: 'message', text: first }));
+  if (rest.length)
+    lines.push(
+      el('details', {}, el('summary', { text: 'All of the answer' }), el('p', { text: `${rest.join('; ')}.` })),
+    );
+  return lines;
+}
+
+/** The buttons that can set what was refused: the nearest value first, then the ways out of the answer. */
+function waysOf(error, setting) {
+  const ways = (error.waysOut ?? []).map((way) => wayOut(way, setting));
+  if (!setting || error.nearest === null || error.nearest === undefined) return ways;
+  const settings = [{ name: setting.name, value: error.nearest }];
+  const nearest = { text: `Set ${error.nearest}, the nearest`, title: describe(settings), settings };
+  // One of the ways out may be the nearest value too.
+  const same = ways.findIndex((way) => way.settings.length === 1 && way.settings[0].name === setting.name);
+  return [nearest, ...ways.filter((way, i) => i !== same)];
+}
+
+/** A way out of the answer, with the refused setting if it only prepares for that. */
+function wayOut({ text, settings = [] }, setting) {
+  const isOther = ({ name }) => name !== setting?.name;
+  const others = describe(settings.filter(isOther));
+  const isComplete = !setting || !settings.every(isOther);
+  return {
+    text: `Set ${setting && others ? `with ${others}` : text || describe(settings)}`,
+    title: describe(settings),
+    settings: isComplete ? settings : [...settings, setting],
+  };
 }
 
 const describe = (settings) => settings.map(({ name, value }) => `${name}=${value}`).join(' ');

@@ -41,16 +41,18 @@ export function drawGrid(at) {
   });
 }
 
-/** The courses of the three tables, each given by all of its entries. */
+/** The curves of the three tables, each given by all of its entries. */
 export function drawTables(at, tables) {
-  return tables.map((table, i) => svg('path', { class: `course ${COMPONENTS[i].colour}`, d: course(at, table) }));
+  return tables.map((table, i) =>
+    svg('path', { class: `curve-line ${COMPONENTS[i].colour}`, d: curvePath(at, table) }),
+  );
 }
 
-/** The course that the station is asked for next. */
-export const drawProposal = (at, table) => svg('path', { class: 'course proposed', d: course(at, table) });
+/** The curve that the station is asked for next. */
+export const drawProposal = (at, table) => svg('path', { class: 'curve-line proposed', d: curvePath(at, table) });
 
 /** Entries that share a column of the drawing are a line from the smallest to the largest, so that none is missing. */
-function course(at, table) {
+function curvePath(at, table) {
   const parts = [];
   const add = (x, value) => parts.push(`${x.toFixed(1)} ${at.y(value).toFixed(1)}`);
   const perColumn = Math.max(1, table.length / Math.max(1, at.right - at.x(0)));

@@ -87,7 +87,7 @@ export function paintLane(context, lane, top, scale) {
   paint(context, lane, top, scale);
 }
 
-/** A signal as its course. Pulses that are too narrow to show their width are a line each. */
+/** A signal as its waveform. Pulses that are too narrow to show their width are a line each. */
 function paintLevel(context, { edges, startsHigh }, top, scale) {
   const high = top + 5.5;
   const low = top + LANE - 4.5;

@@ -133,6 +133,14 @@ void StandardFeatures::addDevice() {
 }
 
 void StandardFeatures::addImageFormat() {
+    addSize();
+    addPixelFormat();
+    addMirror("ReverseX", 1);
+    addMirror("ReverseY", 2);
+    addTestPattern();
+}
+
+void StandardFeatures::addSize() {
     alias(imageFormat, "SensorWidth", "FG_SENSORWIDTH", "Pixels of a line of the sensor.");
     alias(imageFormat, "SensorHeight", "FG_SENSORHEIGHT", "Lines of the sensor.");
     alias(imageFormat, "Width", "FG_WIDTH", "Pixels of a line of a picture.");
@@ -145,7 +153,9 @@ void StandardFeatures::addImageFormat() {
             add(imageFormat, name, Kind::integer, "The largest value now.").get = [limits = its->limits] {
                 return limits().maximum;
             };
+}
 
+void StandardFeatures::addPixelFormat() {
     const Device device = m_device;
     Feature& format =
         add(imageFormat, "PixelFormat", Kind::enumeration, "Format of the pixels of a picture.");
@@ -158,21 +168,21 @@ void StandardFeatures::addImageFormat() {
         device.acquisition.setFormat(chosen);
     };
     format.lockReason = [device] { return acquisitionLock(device); };
+}
 
-    if (const Feature* vantage = parameter("FG_VANTAGEPOINT")) {
-        for (const auto& [name, bit] :
-             {std::pair{"ReverseX", std::int64_t{1}}, std::pair{"ReverseY", std::int64_t{2}}}) {
-            Feature& reverse = add(imageFormat, name, Kind::boolean, "Mirrors the picture.");
-            const std::int64_t mask = bit;
-            reverse.get = [its = vantage->get, mask] { return std::int64_t{(integerOf(its()) & mask) != 0}; };
-            reverse.set = [its = *vantage, mask](const Value& value) {
-                const std::int64_t now = integerOf(its.get());
-                its.set(integerOf(value) != 0 ? now | mask : now & ~mask);
-            };
-            reverse.lockReason = vantage->lockReason;
-        }
-    }
+void StandardFeatures::addMirror(const char* name, std::int64_t bit) {
+    const Feature* vantage = parameter("FG_VANTAGEPOINT");
+    if (vantage == nullptr) return; // not in this design
+    Feature& mirror = add(imageFormat, name, Kind::boolean, "Mirrors the picture.");
+    mirror.get = [get = vantage->get, bit] { return std::int64_t{(integerOf(get()) & bit) != 0}; };
+    mirror.set = [its = *vantage, bit](const Value& value) {
+        const std::int64_t now = integerOf(its.get());
+        its.set(integerOf(value) != 0 ? now | bit : now & ~bit);
+    };
+    mirror.lockReason = vantage->lockReason;
+}
 
+void StandardFeatures::addTestPattern() {
     Feature& pattern = add(imageFormat, "TestPattern", Kind::enumeration,
                            "Pattern of the simulator; Off: lines come from the camera port.");
     pattern.entries = {{"Off", 0},

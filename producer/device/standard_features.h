@@ -71,6 +71,11 @@ public:
 private:
     /** A new feature; the reference is valid until the next one. */
     Feature& add(const char* category, const std::string& name, Feature::Kind kind, const char* description);
+    void addSize();
+    void addPixelFormat();
+    /** A flag that is this bit of the vantage point. */
+    void addMirror(const char* name, std::int64_t bit);
+    void addTestPattern();
     /** The parameter under another name. */
     Feature* alias(const char* category, const char* name, const char* parameter, const char* description);
     void text(const char* category, const char* name, std::string value, const char* description);

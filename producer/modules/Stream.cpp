@@ -112,26 +112,48 @@ void Stream::queue(void* handle) {
     m_device->acquisition().wake();
 }
 
-void Stream::flush(std::int32_t operation) {
-    if (operation < ACQ_QUEUE_INPUT_TO_OUTPUT || operation > ACQ_QUEUE_ALL_DISCARD)
+std::deque<Stream::Buffers::value_type*> Stream::takeInput() {
+    for (Buffers::value_type* buffer : m_input)
+        buffer->second.isInput = false;
+    return std::exchange(m_input, {});
+}
+
+void Stream::unqueuedToInput() {
+    for (Buffers::value_type& buffer : m_buffers)
+        if (!buffer.second.isInput && !isInOutput(buffer.first)) toInput(buffer);
+}
+
+void Stream::flushQueues(std::int32_t operation) {
+    switch (operation) {
+    case ACQ_QUEUE_INPUT_TO_OUTPUT:
+        for (const Buffers::value_type* buffer : takeInput())
+            toOutput(*buffer);
+        break;
+    case ACQ_QUEUE_OUTPUT_DISCARD:
+        m_output->flush();
+        break;
+    case ACQ_QUEUE_ALL_TO_INPUT: // in the order of their announcement
+        m_output->flush();
+        takeInput();
+        unqueuedToInput();
+        break;
+    case ACQ_QUEUE_UNQUEUED_TO_INPUT:
+        unqueuedToInput();
+        break;
+    case ACQ_QUEUE_ALL_DISCARD:
+        m_output->flush();
+        takeInput();
+        break;
+    default:
         throw Error(GC_ERR_INVALID_PARAMETER, "there is no flush of number " + std::to_string(operation));
+    }
+}
+
+void Stream::flush(std::int32_t operation) {
     {
         Lock lock = lockOpen();
         waitForFilled(lock);
-        const bool takesOutput =
-            operation != ACQ_QUEUE_INPUT_TO_OUTPUT && operation != ACQ_QUEUE_UNQUEUED_TO_INPUT;
-        if (takesOutput) m_output->flush();
-        if (operation == ACQ_QUEUE_INPUT_TO_OUTPUT || operation == ACQ_QUEUE_ALL_DISCARD ||
-            operation == ACQ_QUEUE_ALL_TO_INPUT) {
-            for (Buffers::value_type* buffer : m_input) {
-                buffer->second.isInput = false;
-                if (operation == ACQ_QUEUE_INPUT_TO_OUTPUT) toOutput(*buffer);
-            }
-            m_input.clear();
-        }
-        if (operation == ACQ_QUEUE_ALL_TO_INPUT || operation == ACQ_QUEUE_UNQUEUED_TO_INPUT)
-            for (Buffers::value_type& buffer : m_buffers)
-                if (!buffer.second.isInput && !isInOutput(buffer.first)) toInput(buffer);
+        flushQueues(operation);
     }
     m_device->acquisition().wake();
 }

@@ -80,6 +80,10 @@ private:
     void waitForFilled(Lock& lock);
     void toInput(Buffers::value_type& buffer);
     void toOutput(const Buffers::value_type& buffer);
+    /** Empties the input queue; its buffers are then in no queue. */
+    std::deque<Buffers::value_type*> takeInput();
+    void unqueuedToInput();
+    void flushQueues(std::int32_t operation);
     std::uint64_t number(std::int32_t command);
     Answer pictureInfo(const Buffer& buffer, std::int32_t command) const;
 

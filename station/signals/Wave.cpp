@@ -156,44 +156,55 @@ bool Wave::isStepDone(Tick ticks, bool isForward) const {
     return isForward ? position >= goal : position <= goal;
 }
 
+/** When the next step is complete, at most `end`; never if later. */
+Tick Wave::stepAtConstantSpeed(Tick end, bool isForward) const {
+    if (m_present.from == 0) return never;
+    const SignedWide goal = (SignedWide{m_steps} + (isForward ? 1 : 0)) * m_unitsOfStep;
+    const SignedWide way = isForward ? goal - m_position : m_position - goal;
+    if (way <= 0) return 0;
+    const auto speed =
+        static_cast<std::uint64_t>(2 * std::int64_t{isForward ? m_present.from : -m_present.from});
+    // Distance over speed, rounded up. A division of 64 bits is much faster than one of 128.
+    const SignedWide time =
+        way <= SignedWide{INT64_MAX}
+            ? static_cast<SignedWide>((static_cast<std::uint64_t>(way) + speed - 1) / speed)
+            : (way + static_cast<SignedWide>(speed) - 1) / static_cast<SignedWide>(speed);
+    return time > static_cast<SignedWide>(end) ? never : static_cast<Tick>(time);
+}
+
+/** The same while the speed changes, by a search that begins at `after`. */
+Tick Wave::stepOnRamp(Tick after, Tick end, bool isForward) const {
+    if (!isStepDone(end, isForward)) return never;
+    Tick low = after; // not reached yet, or not tested
+    Tick high = end;  // reached
+    // Speeds change little from step to step, so first try nearly the length of the previous one.
+    if (m_stride > 2 && m_stride - 2 < end - low && !isStepDone(low + m_stride - 2, isForward))
+        low += m_stride - 2;
+    // Then gallop: double the stride until the step is done.
+    for (Tick stride = 1; stride < end - low; stride *= 2) {
+        if (isStepDone(low + stride, isForward)) {
+            high = low + stride;
+            break;
+        }
+        low += stride;
+    }
+    while (high - low > 1) { // then bisect
+        const Tick middle = low + (high - low) / 2;
+        (isStepDone(middle, isForward) ? high : low) = middle;
+    }
+    return high;
+}
+
 /** Searches for the next step after `after` in a stretch without a turn that ends at `end`. */
 bool Wave::findStepWithin(Tick after, Tick end, bool isForward) {
     if (after >= end) return false;
-    Tick low = after; // not reached yet, or not tested
-    Tick high = end;
-    if (m_present.from == m_present.to) { // at a constant speed the position is known
-        if (m_present.from == 0) return false;
-        const SignedWide goal = (SignedWide{m_steps} + (isForward ? 1 : 0)) * m_unitsOfStep;
-        const SignedWide way = isForward ? goal - m_position : m_position - goal;
-        const auto speed =
-            static_cast<std::uint64_t>(2 * std::int64_t{isForward ? m_present.from : -m_present.from});
-        SignedWide time = 0; // distance over speed, rounded up
-        if (way > 0 && way <= SignedWide{INT64_MAX})
-            time = static_cast<SignedWide>((static_cast<std::uint64_t>(way) + speed - 1) / speed);
-        else if (way > 0)
-            time = (way + static_cast<SignedWide>(speed) - 1) / static_cast<SignedWide>(speed);
-        if (time > static_cast<SignedWide>(end)) return false;
-        high = std::max(static_cast<Tick>(time), after + 1);
-    } else {
-        if (!isStepDone(end, isForward)) return false;
-        // Try the length of the previous step first, if it is not too long; then gallop, then bisect.
-        if (m_stride > 2 && m_stride - 2 < end - low && !isStepDone(low + m_stride - 2, isForward))
-            low += m_stride - 2;
-        for (Tick stride = 1; stride < end - low; stride *= 2) {
-            if (isStepDone(low + stride, isForward)) {
-                high = low + stride;
-                break;
-            }
-            low += stride;
-        }
-        while (high - low > 1) {
-            const Tick middle = low + (high - low) / 2;
-            (isStepDone(middle, isForward) ? high : low) = middle;
-        }
-    }
+    const bool isConstant = m_present.from == m_present.to;
+    const Tick found = isConstant ? stepAtConstantSpeed(end, isForward) : stepOnRamp(after, end, isForward);
+    if (found == never) return false;
+    const Tick step = std::max(found, after + 1);
     m_isStepForward = isForward;
-    m_stride = high - after;
-    m_next = later(m_start, high);
+    m_stride = step - after;
+    m_next = later(m_start, step);
     return true;
 }
 

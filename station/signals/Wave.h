@@ -59,6 +59,8 @@ private:
     void nextPiece();
     void findStep(Tick after);
     bool findStepWithin(Tick after, Tick end, bool isForward);
+    Tick stepAtConstantSpeed(Tick end, bool isForward) const;
+    Tick stepOnRamp(Tick after, Tick end, bool isForward) const;
     bool isStepDone(Tick ticks, bool isForward) const;
 
     Kind m_kind = Kind::constant;

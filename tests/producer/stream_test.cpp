@@ -79,6 +79,26 @@ TEST_F(ProducerStream, PicturesArriveInOrderWithTheirInformation) {
     ok(session.set("Width", 128));
 }
 
+TEST_F(ProducerStream, FlushMovesBuffersBetweenTheQueues) {
+    session.queueBuffers(3);
+    constexpr struct {
+        std::int32_t operation;
+        std::uint64_t queued, awaiting; // afterwards
+    } steps[] = {{ACQ_QUEUE_INPUT_TO_OUTPUT, 0, 3},
+                 {ACQ_QUEUE_OUTPUT_DISCARD, 0, 0},
+                 {ACQ_QUEUE_UNQUEUED_TO_INPUT, 3, 0},
+                 {ACQ_QUEUE_OUTPUT_DISCARD, 3, 0},
+                 {ACQ_QUEUE_INPUT_TO_OUTPUT, 0, 3},
+                 {ACQ_QUEUE_UNQUEUED_TO_INPUT, 0, 3}, // those in the output are queued
+                 {ACQ_QUEUE_ALL_TO_INPUT, 3, 0},
+                 {ACQ_QUEUE_ALL_DISCARD, 0, 0}};
+    for (const auto& step : steps) {
+        ok(DSFlushQueue(session.stream, step.operation));
+        EXPECT_EQ(session.streamNumber(STREAM_INFO_NUM_QUEUED), step.queued) << step.operation;
+        EXPECT_EQ(session.streamNumber(STREAM_INFO_NUM_AWAIT_DELIVERY), step.awaiting) << step.operation;
+    }
+}
+
 TEST_F(ProducerStream, FormatsChangeTheData) {
     struct Row {
         std::int64_t format;

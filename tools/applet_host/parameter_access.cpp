@@ -2,6 +2,7 @@
 
 #include "applet_host/codes.h"
 #include "applet_host/latin1.h"
+#include "applet_host/record_limits.h"
 #include "vexo/fg_errors.h"
 #include "vexo/type_tags.hpp"
 
@@ -16,25 +17,6 @@
 namespace applet_host {
 namespace {
 
-/** Calls the function with the record's limits, in the type of its kind; not at all if there are none. */
-template <typename Function> void withNumbers(const RegisterInfo& record, Function function) {
-    const RegisterInfoValue& value = record.value;
-    switch (record.kind) {
-    case REGISTER_KIND_UINT:
-        return function(value.u32);
-    case REGISTER_KIND_INT:
-        return function(value.i32);
-    case REGISTER_KIND_UINT64:
-        return function(value.u64);
-    case REGISTER_KIND_INT64:
-        return function(value.i64);
-    case REGISTER_KIND_DOUBLE:
-        return function(value.f64);
-    default:
-        return;
-    }
-}
-
 Value inOwnKind(double value) { return value; }
 template <typename T> Value inOwnKind(T value) {
     constexpr std::uint64_t most = std::numeric_limits<std::int64_t>::max();
@@ -44,24 +26,29 @@ template <typename T> Value inOwnKind(T value) {
         return static_cast<std::int64_t>(value);
 }
 
+/** A limit of a record that the applet may change meanwhile, with one store. */
+template <typename Number> Number present(const Number& limit) {
+    Number number{};
+    __atomic_load(&limit, &number, __ATOMIC_RELAXED);
+    return number;
+}
+
+/** The limits of a number; those of its type if the record has no usable ones. */
+template <typename Published> Limits scalarLimits(const Published& published) {
+    using Number = std::decay_t<decltype(published.minimum)>;
+    const Number minimum = present(published.minimum), maximum = present(published.maximum);
+    if (minimum < maximum) {
+        const Number increment = present(published.increment);
+        return {inOwnKind(minimum), inOwnKind(maximum), inOwnKind(increment > 0 ? increment : Number{1})};
+    }
+    return {inOwnKind(std::numeric_limits<Number>::lowest()), inOwnKind(std::numeric_limits<Number>::max()),
+            inOwnKind(Number{1})};
+}
+
 Limits limitsOf(const RegisterInfo& record) {
     Limits result;
-    withNumbers(record, [&](const auto& published) {
-        using Number = std::decay_t<decltype(published.minimum)>;
-        const auto live = [](const Number& number) {
-            Number value{};
-            __atomic_load(&number, &value, __ATOMIC_RELAXED); // the applet stores it with one store
-            return value;
-        };
-        const Number minimum = live(published.minimum), maximum = live(published.maximum);
-        Number increment = live(published.increment);
-        if (increment <= 0) increment = 1;
-        if (minimum < maximum) {
-            result = {inOwnKind(minimum), inOwnKind(maximum), inOwnKind(increment)};
-        } else {
-            result = {inOwnKind(std::numeric_limits<Number>::lowest()),
-                      inOwnKind(std::numeric_limits<Number>::max()), inOwnKind(Number{1})};
-        }
+    withLimits(record, [&](const auto& published) {
+        if constexpr (!isArrayLimits<decltype(published)>) result = scalarLimits(published);
     });
     return result;
 }

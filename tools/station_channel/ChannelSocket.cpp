@@ -6,14 +6,10 @@
 #include <sys/socket.h>
 #include <sys/time.h>
 
-#include <cerrno>
 #include <utility>
-#include <vector>
 
 namespace station_channel {
 namespace {
-
-using applet_tools::SocketDescriptors;
 
 constexpr timeval longestSend{5, 0};
 constexpr int socketBytes = 4 * static_cast<int>(mostBytes);
@@ -26,39 +22,20 @@ ChannelSocket::ChannelSocket(Descriptor socket) : m_socket(std::move(socket)), m
 }
 
 bool ChannelSocket::send(std::span<const std::uint8_t> bytes, Wait wait, int descriptor) const {
-    // sendmsg only reads. NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast)
-    iovec part{const_cast<std::uint8_t*>(bytes.data()), bytes.size()};
-    msghdr header{};
-    header.msg_iov = &part;
-    header.msg_iovlen = 1;
-    SocketDescriptors descriptors;
-    if (descriptor >= 0) descriptors.send(header, {&descriptor, 1});
-    const int flags = MSG_NOSIGNAL | (wait == Wait::never ? MSG_DONTWAIT : 0);
-    ssize_t sent = -1;
-    do
-        sent = sendmsg(m_socket.number(), &header, flags);
-    while (sent < 0 && errno == EINTR);
-    return sent >= 0;
+    const std::span<const int> descriptors(&descriptor, descriptor >= 0 ? 1 : 0);
+    return applet_tools::sendWith(m_socket.number(), bytes, descriptors,
+                                  wait == Wait::never ? MSG_DONTWAIT : 0) >= 0;
 }
 
 std::optional<Packet> ChannelSocket::receive() {
-    iovec part{m_buffer.data(), m_buffer.size()};
-    msghdr header{};
-    header.msg_iov = &part;
-    header.msg_iovlen = 1;
-    SocketDescriptors expected;
-    expected.expect(header);
-    ssize_t count = -1;
-    do
-        count = recvmsg(m_socket.number(), &header, MSG_CMSG_CLOEXEC);
-    while (count < 0 && errno == EINTR);
-    if (count <= 0) return std::nullopt;
-    std::vector<Descriptor> descriptors = SocketDescriptors::takenFrom(header);
-    Packet packet;
-    if (!descriptors.empty()) packet.descriptor = std::move(descriptors.front()); // the others are closed
-    if ((header.msg_flags & MSG_TRUNC) != 0)
+    applet_tools::Received received = applet_tools::receiveWith(m_socket.number(), m_buffer, 0);
+    if (received.count <= 0) return std::nullopt;
+    if (received.isCut)
         throw Malformed("the received message is longer than " + std::to_string(mostBytes) + " bytes");
-    packet.bytes.assign(m_buffer.begin(), m_buffer.begin() + count);
+    Packet packet;
+    packet.bytes.assign(m_buffer.begin(), m_buffer.begin() + received.count);
+    if (!received.descriptors.empty())
+        packet.descriptor = std::move(received.descriptors.front()); // the others are closed
     return packet;
 }
 

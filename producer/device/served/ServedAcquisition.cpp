@@ -86,34 +86,43 @@ Geometry ServedAcquisition::geometryOf(const station_channel::Picture& picture) 
     return its;
 }
 
+Picture ServedAcquisition::described(const station_channel::Picture& picture, const Geometry& geometry) {
+    const std::uint64_t missed = picture.number > m_last ? picture.number - m_last - 1 : 0;
+    m_last = picture.number;
+    return {.number = picture.number,
+            .nanoseconds = picture.firstLine * DeviceStation::nanosecondsPerTick,
+            .lostBefore = picture.lostBefore + missed,
+            .lines = picture.lines,
+            .geometry = geometry};
+}
+
+void ServedAcquisition::countDelivered() {
+    ++m_delivered;
+    if (m_wanted == 0 || m_delivered < m_wanted) return;
+    m_isRunning = false;
+    m_station.link().tell(station_channel::Stop());
+}
+
 void ServedAcquisition::show(const station_channel::Picture& picture,
                              const station_channel::SharedMemory& memory) {
     Lock lock(m_mutex);
     ++m_received;
     const Geometry geometry = geometryOf(picture);
     const bool isExpected = m_isRunning && m_sink != nullptr && geometry.format != nullptr;
-    const auto destination = isExpected ? m_sink->begin() : std::nullopt;
-    if (!destination) return accept(); // the buffer was taken back
-    PictureSink& sink = *m_sink;
-    m_isWriting = true;
-    const std::uint64_t missed = picture.number > m_last ? picture.number - m_last - 1 : 0;
-    producer::Picture made{.number = picture.number,
-                           .nanoseconds = picture.firstLine * DeviceStation::nanosecondsPerTick,
-                           .lostBefore = picture.lostBefore + missed,
-                           .lines = picture.lines,
-                           .geometry = geometry};
-    m_last = picture.number;
-    lock.unlock();
+    const auto buffer = isExpected ? m_sink->begin() : std::nullopt;
+    if (!buffer) return accept(); // it was taken back
+
+    PictureSink& sink = *m_sink; // stays while m_isWriting is set
+    producer::Picture made = described(picture, geometry);
     const bool isWhole = geometry.format->appletBytes(picture.width) * picture.lines <= picture.size;
-    put(made, isWhole ? memory.bytes().data() : nullptr, *destination);
+    m_isWriting = true;
+    lock.unlock(); // a copy takes long
+    put(made, isWhole ? memory.bytes().data() : nullptr, *buffer);
     lock.lock();
-    sink.end(made);
     m_isWriting = false;
-    ++m_delivered;
-    if (m_wanted != 0 && m_delivered == m_wanted) {
-        m_isRunning = false;
-        m_station.link().tell(station_channel::Stop());
-    }
+
+    sink.end(made);
+    countDelivered();
     accept();
     m_changed.notify_all();
 }

@@ -42,6 +42,10 @@ private:
     void accept();
     /** With the lock. */
     Geometry geometryOf(const station_channel::Picture& picture);
+    /** With the lock: the picture as the sink expects it, the last one from now on. */
+    Picture described(const station_channel::Picture& picture, const Geometry& geometry);
+    /** With the lock: ends the acquisition with the last of the wanted pictures. */
+    void countDelivered();
 
     ServedStation& m_station;
     const MachineListener m_listener;

@@ -175,7 +175,7 @@ class Panels(Journey):
         page.fill("#lut-gamma", "2.2")
         self.wait_for_table(page, lambda: page.click("#lut-apply-gamma"))
         # An entry that leaves the line is seen wherever it is.
-        highest = """() => Math.min(...document.querySelector('.course.green').getAttribute('d').match(/ [0-9.]+/g)
+        highest = """() => Math.min(...document.querySelector('.curve-line.green').getAttribute('d').match(/ [0-9.]+/g)
           .filter((_, i, all) => i < all.length / 2).map(Number))"""
         top = page.evaluate(highest)
         self.still.run("set", "FG_LUT_VALUE_GREEN[5000]=65535")

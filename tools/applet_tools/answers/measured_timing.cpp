@@ -152,7 +152,7 @@ private:
         m_isWindowSeen = true;
         noteSignals(m_timing.from + m_window->from, m_timing.from + m_window->to);
         for (const MeasuredSignal& signal : m_timing.signals)
-            if (!signal.course.isComplete)
+            if (!signal.waveform.isComplete)
                 throw Failure(incompleteText(signal.name) + " from " + durationText(m_window->from) + " to " +
                               durationText(m_window->to) + ": make the window shorter");
     }
@@ -170,13 +170,13 @@ private:
             m_instance.board().advance(m_instance.device(), piece);
             m_timing.to = now();
         } while (m_timing.to - m_timing.from < longest &&
-                 std::ranges::count_if(course(design_signal::exSync).edges, isActive) < periods);
+                 std::ranges::count_if(waveform(design_signal::exSync).edges, isActive) < periods);
         noteSignals(m_timing.from, m_timing.to);
     }
 
     void noteSignals(Ticks from, Ticks to) {
         const auto note = [&](const std::string& name, bool isActiveLow, unsigned select) {
-            m_timing.signals.push_back({name, isActiveLow, courseOf(m_instance, select, from, to)});
+            m_timing.signals.push_back({name, isActiveLow, waveformOf(m_instance, select, from, to)});
         };
         for (const StationSignal& signal : stationSignals())
             if (std::ranges::find(m_inputs, signal.select) != m_inputs.end())
@@ -187,8 +187,8 @@ private:
         note("LVAL", false, design_signal::lval);
     }
 
-    SignalCourse course(unsigned select) const {
-        return courseOf(m_instance, select, m_timing.from, m_timing.to);
+    Waveform waveform(unsigned select) const {
+        return waveformOf(m_instance, select, m_timing.from, m_timing.to);
     }
 
     /** Adds a row for the mean duration in ticks, and one for its inverse. */
@@ -213,8 +213,7 @@ private:
     }
 
     /** Times from each start in the first list to the next start in the second. */
-    static std::vector<Ticks> delays(const SignalCourse& first, const SignalCourse& second,
-                                     bool isActiveLow) {
+    static std::vector<Ticks> delays(const Waveform& first, const Waveform& second, bool isActiveLow) {
         std::vector<Ticks> found;
         auto next = second.edges.begin();
         for (const vboard_edge& edge : first.edges) {
@@ -228,8 +227,8 @@ private:
     }
 
     void addRows() {
-        const SignalCourse exSync = course(design_signal::exSync), exSync2 = course(design_signal::exSync2);
-        const SignalCourse flash = course(design_signal::flash), lines = course(design_signal::lval);
+        const Waveform exSync = waveform(design_signal::exSync), exSync2 = waveform(design_signal::exSync2);
+        const Waveform flash = waveform(design_signal::flash), lines = waveform(design_signal::lval);
         const bool isOn = is("FG_EXSYNCON", FG_ON) && m_expected.hasEdges;
         if (is("FG_EXSYNCON", FG_ON) && !m_expected.hasEdges)
             m_timing.remarks.push_back(

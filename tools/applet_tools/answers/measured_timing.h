@@ -25,7 +25,7 @@ struct MeasuredRow {
 struct MeasuredSignal {
     std::string name;
     bool isActiveLow;
-    SignalCourse course;
+    Waveform waveform;
 };
 
 /** A time window, relative to the start of the station. */

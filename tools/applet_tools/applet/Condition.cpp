@@ -15,7 +15,7 @@ constexpr Relation relations[] = {
 };
 
 constexpr std::string_view blanks = " \t";
-constexpr std::string_view behindName = " \t<>=!&|()";
+constexpr std::string_view endsOfName = " \t<>=!&|()";
 
 /** A reading position in the text of a condition. */
 class Reader {
@@ -41,7 +41,7 @@ public:
     /** A name or a label. A label may be unquoted if a parameter has it; the longest match counts. */
     std::string takeName(const ParameterList& parameters) {
         skipBlanks();
-        const std::size_t length = std::min(rest().find_first_of(behindName), rest().size());
+        const std::size_t length = std::min(rest().find_first_of(endsOfName), rest().size());
         const std::size_t label = isQuoteNext() ? 0 : labelLength(parameters);
         if (isQuoteNext() || label > length) {
             std::string name = isQuoteNext() ? takeQuoted() : taken(label);
@@ -99,7 +99,7 @@ private:
         for (const Parameter& parameter : parameters.all()) {
             const std::string label = lowerCase(parameter.label());
             const bool isNext =
-                text.starts_with(label) && (label.size() == text.size() || isBehindLabel(text[label.size()]));
+                text.starts_with(label) && (label.size() == text.size() || endsLabel(text[label.size()]));
             if (isNext) longest = std::max(longest, label.size());
         }
         return longest;
@@ -112,7 +112,7 @@ private:
         return rest().find_last_not_of(blanks, mark - 1) + 1;
     }
 
-    static bool isBehindLabel(char c) { return c == '[' || behindName.find(c) != std::string_view::npos; }
+    static bool endsLabel(char c) { return c == '[' || endsOfName.find(c) != std::string_view::npos; }
 
     void skipBlanks() { m_position = std::min(m_text.find_first_not_of(blanks, m_position), m_text.size()); }
     std::string taken(std::size_t length) {

@@ -1,5 +1,6 @@
 #include "applet_tools/applet/published_limits.h"
 
+#include "applet_host/record_limits.h"
 #include "applet_tools/base/text.h"
 
 #include <cmath>
@@ -7,6 +8,8 @@
 
 namespace applet_tools {
 namespace {
+
+using applet_host::isArrayLimits;
 
 struct KindRow {
     int kind;
@@ -28,37 +31,10 @@ constexpr KindRow kindRows[] = {
     {REGISTER_KIND_INT64_FIELD, "Int64 array"},
 };
 
-/** Calls `use` with the limits of a numeric record (scalar or array); false for all other records. */
-template <typename Use> bool withLimits(const Parameter& parameter, Use use) {
-    if (parameter.record == nullptr) return false;
-    const RegisterInfoValue& value = parameter.record->value;
-    switch (parameter.record->kind) {
-    case REGISTER_KIND_UINT:
-        return use(value.u32), true;
-    case REGISTER_KIND_INT:
-        return use(value.i32), true;
-    case REGISTER_KIND_UINT64:
-        return use(value.u64), true;
-    case REGISTER_KIND_INT64:
-        return use(value.i64), true;
-    case REGISTER_KIND_DOUBLE:
-        return use(value.f64), true;
-    case REGISTER_KIND_UINT_FIELD:
-        return use(value.u32Field), true;
-    case REGISTER_KIND_INT_FIELD:
-        return use(value.i32Field), true;
-    case REGISTER_KIND_UINT64_FIELD:
-        return use(value.u64Field), true;
-    case REGISTER_KIND_INT64_FIELD:
-        return use(value.i64Field), true;
-    case REGISTER_KIND_DOUBLE_FIELD:
-        return use(value.f64Field), true;
-    default:
-        return false;
-    }
+/** Calls `use` with the limits of a numeric parameter, scalar or array; not at all for all others. */
+template <typename Use> void withLimits(const Parameter& parameter, Use use) {
+    if (parameter.record != nullptr) applet_host::withLimits(*parameter.record, use);
 }
-
-template <typename Limits> constexpr bool isArrayLimits = requires(Limits limits) { limits.elementCount; };
 
 /** Some records publish no usable limits: all are zero, or the minimum is above the maximum. */
 template <typename Limits> bool areUsable(const Limits& limits) {

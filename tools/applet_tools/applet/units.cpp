@@ -111,9 +111,9 @@ std::string reciprocal(const std::string& typed, double inBaseUnit, const UnitRo
 
 std::optional<NumberWithUnit> convertUnit(const std::string& text, const std::string& unit) {
     const std::size_t end = endOfNumber(text);
-    const std::size_t behind = text.find_first_not_of(' ', end);
-    if (end == 0 || behind == std::string::npos) return std::nullopt;
-    const std::string number = text.substr(0, end), typed = text.substr(behind);
+    const std::size_t unitBegin = text.find_first_not_of(' ', end);
+    if (end == 0 || unitBegin == std::string::npos) return std::nullopt;
+    const std::string number = text.substr(0, end), typed = text.substr(unitBegin);
     if (lowerCase(typed) == lowerCase(unit)) return NumberWithUnit{number, ""};
     const UnitRow* from = unitNamed(typed);
     if (from == nullptr) return std::nullopt;

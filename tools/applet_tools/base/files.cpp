@@ -43,7 +43,7 @@ fs::path canonicalFolderOf(const fs::path& path) {
 bool isInProc(const fs::path& path) { return canonicalFolderOf(path).string().starts_with("/proc/"); }
 
 /** Follows the symbolic links at the end of the path. */
-fs::path behindLinks(fs::path path) {
+fs::path withoutLinks(fs::path path) {
     constexpr int mostLinks = 40;
     std::error_code error;
     for (int i = 0; i < mostLinks && fs::is_symlink(path, error) && !isInProc(path); ++i)
@@ -231,7 +231,7 @@ bool writeAll(int descriptor, const std::string& content) {
 }
 
 void writeFile(const std::string& file, const std::string& content) {
-    const fs::path path = behindLinks(file);
+    const fs::path path = withoutLinks(file);
     if (isSpecial(path)) return writeInPlace(path, file, content);
     const SignalsHeldBack held;
     Replacement replacement(path);
@@ -240,7 +240,7 @@ void writeFile(const std::string& file, const std::string& content) {
 }
 
 void requireWritable(const std::string& file) {
-    const fs::path path = behindLinks(file);
+    const fs::path path = withoutLinks(file);
     if (!isSpecial(path)) {
         const SignalsHeldBack held;
         const Replacement replacement(path);
@@ -252,7 +252,7 @@ void requireWritable(const std::string& file) {
 }
 
 struct OutputFile::State {
-    explicit State(const std::string& asked) : file(asked), path(behindLinks(asked)) {
+    explicit State(const std::string& asked) : file(asked), path(withoutLinks(asked)) {
         if (isSpecial(path))
             descriptor = openInPlace(path, file);
         else

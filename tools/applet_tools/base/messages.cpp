@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <iterator>
 
 namespace applet_tools {
 namespace {
@@ -18,17 +19,6 @@ using nlohmann::json;
 /** A message is its size in bytes, in native byte order, followed by the value as CBOR. */
 using Size = std::uint64_t;
 
-/** Descriptors are sent with the first byte. */
-ssize_t sendSome(int socket, std::uint8_t* bytes, std::size_t count, std::span<const int> descriptors) {
-    iovec part{bytes, count};
-    msghdr header{};
-    header.msg_iov = &part;
-    header.msg_iovlen = 1;
-    SocketDescriptors sent;
-    sent.send(header, descriptors);
-    return sendmsg(socket, &header, MSG_NOSIGNAL);
-}
-
 } // namespace
 
 bool sendMessage(int socket, const json& message, std::span<const int> descriptors) {
@@ -36,12 +26,10 @@ bool sendMessage(int socket, const json& message, std::span<const int> descripto
     json::to_cbor(message, bytes);
     const Size size = bytes.size() - sizeof(Size);
     std::memcpy(bytes.data(), &size, sizeof size);
-    for (std::size_t sent = 0; sent < bytes.size();) {
-        const ssize_t count = sendSome(socket, bytes.data() + sent, bytes.size() - sent,
-                                       sent == 0 ? descriptors : std::span<const int>());
-        if (count < 0 && errno == EINTR) continue;
+    for (std::span<const std::uint8_t> rest = bytes; !rest.empty(); descriptors = {}) {
+        const ssize_t count = sendWith(socket, rest, descriptors, 0);
         if (count <= 0) return false;
-        sent += static_cast<std::size_t>(count);
+        rest = rest.subspan(static_cast<std::size_t>(count));
     }
     return true;
 }
@@ -50,22 +38,11 @@ bool MessageReader::read(int flags) {
     constexpr std::size_t most = 65536;
     const std::size_t before = m_bytes.size();
     m_bytes.resize(before + most);
-    iovec part{m_bytes.data() + before, most};
-    msghdr header{};
-    header.msg_iov = &part;
-    header.msg_iovlen = 1;
-    SocketDescriptors descriptors;
-    descriptors.expect(header);
-    ssize_t count = -1;
-    do
-        count = recvmsg(m_socket, &header, flags | MSG_CMSG_CLOEXEC);
-    while (count < 0 && errno == EINTR && flags == 0);
-    const int error = errno;
-    m_bytes.resize(before + static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
-    if (count > 0)
-        for (Descriptor& descriptor : SocketDescriptors::takenFrom(header))
-            m_descriptors.push_back(std::move(descriptor));
-    return count > 0 || (count < 0 && (error == EAGAIN || error == EINTR));
+    Received received = receiveWith(m_socket, std::span(m_bytes).subspan(before), flags);
+    const bool isNothingYet = received.count < 0 && errno == EAGAIN;
+    m_bytes.resize(before + static_cast<std::size_t>(std::max<ssize_t>(received.count, 0)));
+    std::ranges::move(received.descriptors, std::back_inserter(m_descriptors));
+    return received.count > 0 || isNothingYet;
 }
 
 bool MessageReader::readArrived() { return read(MSG_DONTWAIT); }

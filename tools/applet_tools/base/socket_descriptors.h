@@ -1,4 +1,4 @@
-/** Open files that are sent with a message of a local socket. */
+/** Bytes of a local socket with the open files that are sent with them. */
 #ifndef APPLET_TOOLS_BASE_SOCKET_DESCRIPTORS_H
 #define APPLET_TOOLS_BASE_SOCKET_DESCRIPTORS_H
 
@@ -7,7 +7,9 @@
 #include <sys/socket.h>
 
 #include <array>
+#include <cerrno>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <span>
 #include <vector>
@@ -56,6 +58,45 @@ public:
 private:
     alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof(int) * most)> m_control{};
 };
+
+/** What sendmsg returns, after an interruption tried again; the descriptors, which may be none, go with the first byte. */
+inline ssize_t sendWith(int socket, std::span<const std::uint8_t> bytes, std::span<const int> descriptors,
+                        int flags) {
+    // sendmsg only reads. NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast)
+    iovec part{const_cast<std::uint8_t*>(bytes.data()), bytes.size()};
+    msghdr header{};
+    header.msg_iov = &part;
+    header.msg_iovlen = 1;
+    SocketDescriptors sent;
+    sent.send(header, descriptors);
+    ssize_t count = -1;
+    do
+        count = sendmsg(socket, &header, flags | MSG_NOSIGNAL);
+    while (count < 0 && errno == EINTR);
+    return count;
+}
+
+struct Received {
+    ssize_t count; /**< what recvmsg returns, with its errno */
+    bool isCut;    /**< the rest of the message did not fit */
+    std::vector<Descriptor> descriptors;
+};
+
+/** Receives into the buffer, after an interruption again. */
+inline Received receiveWith(int socket, std::span<std::uint8_t> buffer, int flags) {
+    iovec part{buffer.data(), buffer.size()};
+    msghdr header{};
+    header.msg_iov = &part;
+    header.msg_iovlen = 1;
+    SocketDescriptors expected;
+    expected.expect(header);
+    ssize_t count = -1;
+    do
+        count = recvmsg(socket, &header, flags | MSG_CMSG_CLOEXEC);
+    while (count < 0 && errno == EINTR);
+    if (count <= 0) return {count, false, {}};
+    return {count, (header.msg_flags & MSG_TRUNC) != 0, SocketDescriptors::takenFrom(header)};
+}
 
 } // namespace applet_tools
 

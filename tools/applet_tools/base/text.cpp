@@ -100,20 +100,18 @@ std::string beginningOf(const std::string& text, std::size_t mostBytes) {
     return text.substr(0, end);
 }
 
-std::string lengthBehind(const std::string& text) {
-    return "... (" + std::to_string(text.size()) + " bytes)";
-}
+std::string wholeLength(const std::string& text) { return "... (" + std::to_string(text.size()) + " bytes)"; }
 
 } // namespace
 
 std::string shortened(const std::string& text, std::size_t mostBytes) {
-    return text.size() <= mostBytes ? text : beginningOf(text, mostBytes) + lengthBehind(text);
+    return text.size() <= mostBytes ? text : beginningOf(text, mostBytes) + wholeLength(text);
 }
 
 std::string quotedBeginning(const std::string& text, std::size_t mostBytes) {
     const std::string shown = toUtf8(text.c_str());
     if (shown.size() <= mostBytes) return inQuotes(shown);
-    return inQuotes(beginningOf(shown, mostBytes)) + lengthBehind(text);
+    return inQuotes(beginningOf(shown, mostBytes)) + wholeLength(text);
 }
 
 std::string inQuotedWord(std::string_view word) {
@@ -218,12 +216,18 @@ std::size_t distanceToPart(std::string_view word, std::string_view text) {
     return *std::ranges::min_element(row);
 }
 
+/** Like farthestTypo, but stricter, since a word is easily similar to some part of a text; 0 for a short word. */
+std::size_t farthestTypoOfPart(std::string_view word) {
+    constexpr std::size_t most = 2, lettersOfOne = 4;
+    return std::min(most, word.size() / lettersOfOne);
+}
+
 } // namespace
 
 std::vector<std::string> nearestParts(std::string_view word, const std::vector<std::string>& candidates) {
-    constexpr std::size_t farthest = 2, mostWords = 3, lettersOfOne = 4;
+    constexpr std::size_t mostWords = 3;
     const std::string wanted = lowerCase(word);
-    std::size_t least = std::min(farthest, wanted.size() / lettersOfOne);
+    std::size_t least = farthestTypoOfPart(wanted);
     if (least == 0) return {};
     std::vector<std::string> near;
     for (const std::string& candidate : candidates) {

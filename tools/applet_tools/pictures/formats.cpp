@@ -68,7 +68,7 @@ NumberedName::NumberedName(const std::string& pattern) {
                    (width.empty() || width.front() == '0')) {
             m_isNumbered = true;
             m_digits = width.empty() ? 0 : wholeNumber<std::size_t>(width).value_or(0);
-            part = &m_behind;
+            part = &m_after;
         } else {
             throw UsageError(
                 quotedText(pattern) +
@@ -82,7 +82,7 @@ std::string NumberedName::of(std::int64_t number) const {
     if (!m_isNumbered) return m_before;
     const std::string digits = numberText(number);
     return m_before + std::string(m_digits > digits.size() ? m_digits - digits.size() : 0, '0') + digits +
-           m_behind;
+           m_after;
 }
 
 /** Pages on their way to a file, or in memory where the file is written to in place. */

@@ -74,7 +74,7 @@ public:
     std::string of(std::int64_t number) const;
 
 private:
-    std::string m_before, m_behind;
+    std::string m_before, m_after;
     std::size_t m_digits = 0;
     bool m_isNumbered = false;
 };

@@ -26,7 +26,7 @@ public:
     /** False with errno. */
     virtual bool writeAt(std::size_t offset, const void* bytes, std::size_t size) = 0;
     virtual std::size_t size() = 0;
-    /** Cuts off what is behind `size`. */
+    /** Cuts off what comes after `size`. */
     virtual void cut(std::size_t size) = 0;
 
     std::size_t position = 0;

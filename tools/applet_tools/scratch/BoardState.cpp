@@ -195,21 +195,33 @@ json loadsOf(Instance& instance) {
     return {{"texts", texts}, {"setSince", instance.loads().setSince}};
 }
 
-void loadAgain(Instance& instance, const Wanted& wanted, const json& loads) {
-    if (loads.at("texts").empty()) return;
-    setAll(instance,
-           wanted); // a set afterwards, of what the load leaves alone, would store the value again
-    for (const json& text : loads.at("texts")) {
+namespace {
+
+void loadTexts(Instance& instance, const json& texts) {
+    for (const json& text : texts) {
         const MemoryFile file;
         file.write(bytesOf(text));
         loadConfiguration(instance, file.configurationPath());
     }
-    const auto setSince = loads.at("setSince").get<std::set<int>>();
+}
+
+/** Sets the numbers with these ids to their values. A mode that reads the same is the same. */
+void setNumbersAgain(Instance& instance, const Wanted& wanted, const std::set<int>& ids) {
     for (const auto& [parameter, value] : wanted) {
-        const bool isMode = parameter->kind() == REGISTER_KIND_ENUM;
-        if (!isMode && value->is_number() && setSince.contains(parameter->id))
-            setUnlessEqual(instance, *parameter, *value, true);
+        const bool isNumber = parameter->kind() != REGISTER_KIND_ENUM && value->is_number();
+        if (isNumber && ids.contains(parameter->id)) setUnlessEqual(instance, *parameter, *value, true);
     }
+}
+
+} // namespace
+
+void loadAgain(Instance& instance, const Wanted& wanted, const json& loads) {
+    const json& texts = loads.at("texts");
+    if (texts.empty()) return;
+    // Before the loads: a set after them would store again the value of a parameter that they leave alone.
+    setAll(instance, wanted);
+    loadTexts(instance, texts);
+    setNumbersAgain(instance, wanted, loads.at("setSince").get<std::set<int>>());
 }
 
 } // namespace applet_tools

@@ -21,7 +21,7 @@ bool isTaken(Probe& probe, const Subject& subject, const Value& number) {
 }
 
 /** For each parameter that sets this end of the range, the change that moves the end farthest out. */
-std::vector<Widening> wideningsOf(Probe& probe, const Subject& subject, const Value& behind, End end) {
+std::vector<Widening> wideningsOf(Probe& probe, const Subject& subject, const Value& beyond, End end) {
     std::vector<Widening> widenings;
     for (std::size_t index = 0; index < probe.count(); ++index) {
         if (index == subject.index) continue;
@@ -32,7 +32,7 @@ std::vector<Widening> wideningsOf(Probe& probe, const Subject& subject, const Va
         std::optional<Widest> best;
         for (const Value& value : probe.otherValues(index)) {
             probe.tryChange({index, value}, [&] {
-                if (!isTaken(probe, subject, behind)) return;
+                if (!isTaken(probe, subject, beyond)) return;
                 const auto wider = measuredRange(probe, subject.in(probe));
                 if (wider && (!best || isWider(endOf(*wider, end), best->limit, end)))
                     best = Widest{{index, value}, endOf(*wider, end)};
@@ -62,7 +62,7 @@ std::vector<DesignCause> designRead(Probe& probe, const Subject& subject, const 
 
 /** The design's numbers that set the end: with a larger one the setter accepts a number beyond it. */
 std::vector<DesignCause> designCausesOf(Probe& probe, const Subject& subject, const MeasuredRange& range,
-                                        const Value& behind, End end) {
+                                        const Value& beyond, End end) {
     std::vector<DesignCause> causes;
     for (const DesignCause& read : designRead(probe, subject, endOf(range, end))) {
         const auto held = wholeNumber<std::int64_t>(read.value);
@@ -72,7 +72,7 @@ std::vector<DesignCause> designCausesOf(Probe& probe, const Subject& subject, co
             return instance.board().poke_int(instance.device(), read.parameter.c_str(), value) == VBOARD_OK;
         };
         if (!put(*held + 1)) continue;
-        if (isTaken(probe, subject, behind)) causes.push_back(read);
+        if (isTaken(probe, subject, beyond)) causes.push_back(read);
         put(*held);
         probe.restore();
     }
@@ -82,10 +82,10 @@ std::vector<DesignCause> designCausesOf(Probe& probe, const Subject& subject, co
 } // namespace
 
 LimitCauses causesOf(Probe& probe, const Subject& subject, const MeasuredRange& range, End end) {
-    const auto behind = firstBehind(range, end);
-    if (!behind) return {.parameters = {}, .design = {}, .isEndOfType = true};
-    return {.parameters = wideningsOf(probe, subject, *behind, end),
-            .design = designCausesOf(probe, subject, range, *behind, end)};
+    const auto beyond = firstBeyond(range, end);
+    if (!beyond) return {.parameters = {}, .design = {}, .isEndOfType = true};
+    return {.parameters = wideningsOf(probe, subject, *beyond, end),
+            .design = designCausesOf(probe, subject, range, *beyond, end)};
 }
 
 std::string shortWords(const DesignCause& cause) {

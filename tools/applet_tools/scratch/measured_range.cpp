@@ -104,7 +104,7 @@ const Value& endOf(const MeasuredRange& range, End end) {
     return end == End::maximum ? range.maximum : range.minimum;
 }
 
-std::optional<Value> firstBehind(const MeasuredRange& range, End end) {
+std::optional<Value> firstBeyond(const MeasuredRange& range, End end) {
     const Value& last = endOf(range, end);
     const std::uint64_t step = std::max<std::uint64_t>(range.step, 1);
     const std::uint64_t rank = rankOf(last), extreme = rankOf(extremeOf(last, end));

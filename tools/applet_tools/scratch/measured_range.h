@@ -27,7 +27,7 @@ enum class End { minimum, maximum };
 
 const Value& endOf(const MeasuredRange& range, End end);
 /** The first number beyond the end; empty if the type has none. */
-std::optional<Value> firstBehind(const MeasuredRange& range, End end);
+std::optional<Value> firstBeyond(const MeasuredRange& range, End end);
 
 } // namespace applet_tools
 

@@ -4,6 +4,7 @@
 
 #include "applet_tools/applet/Instance.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 
@@ -13,6 +14,9 @@ struct FreeFrames {
     const applet_host::BoardFunctions* board;
     void operator()(vboard_frames* memory) const { board->memory_free(memory); }
 };
+
+/** What a caller may ask for. */
+inline constexpr std::size_t mostFrames = 65536;
 
 /** Must be freed before its Instance ends. */
 using FrameMemory = std::unique_ptr<vboard_frames, FreeFrames>;

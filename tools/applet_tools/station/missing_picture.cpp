@@ -79,14 +79,14 @@ private:
     }
 
     /** Debounced edges of an input during the wait. */
-    SignalCourse courseAt(const char* source) const {
-        return courseSince(m_instance, design_signal::firstInput + inputOf(entry(source)), m_wait.start.tick,
-                           m_instance.board().now(m_instance.device()));
+    Waveform waveformAt(const char* source) const {
+        return waveformSince(m_instance, design_signal::firstInput + inputOf(entry(source)),
+                             m_wait.start.tick, m_instance.board().now(m_instance.device()));
     }
 
     bool isHighActive(const char* polarity) const { return !is(polarity, HIGH_ON_ZERO_LOW); }
-    static bool hasEdgeTo(bool level, const SignalCourse& course) {
-        return !course.isComplete || course.first(level); // an incomplete course has many edges
+    static bool hasEdgeTo(bool level, const Waveform& waveform) {
+        return !waveform.isComplete || waveform.first(level); // an incomplete waveform has many edges
     }
     std::string noEdge(const char* source, const char* debounce) const {
         return "no edge came at " + shown(source) + ": connect " + m_wait.wave + " with pulses longer than " +
@@ -94,9 +94,10 @@ private:
     }
     /** Whether the line trigger's input had an edge that can make a pulse. */
     bool hasLineTriggerEdge() const {
-        const SignalCourse course = courseAt("FG_LINETRIGGERINSRC");
+        const Waveform waveform = waveformAt("FG_LINETRIGGERINSRC");
         const bool isHigh = isHighActive("FG_LINETRIGGERINPOLARITY");
-        return hasEdgeTo(isHigh, course) || (is("FG_SHAFTENCODERON", FG_ON) && hasEdgeTo(!isHigh, course));
+        return hasEdgeTo(isHigh, waveform) ||
+               (is("FG_SHAFTENCODERON", FG_ON) && hasEdgeTo(!isHigh, waveform));
     }
 
     /** The reason if the belt at the line trigger's input gives no steps; else empty. */
@@ -128,7 +129,7 @@ private:
         const LossKind& kind = lossKinds()[index];
         const std::int64_t lost = lossesOf(m_instance)[index] - m_wait.start.losses[index];
         if (lost <= 0) return "";
-        return std::string("with ") + kind.what + ": " + numberText(lost) + "; " + kind.cure;
+        return std::string("with ") + kind.what + ": " + numberText(lost) + "; " + kind.advice;
     }
 
     std::string whyNoLine() {
@@ -176,16 +177,16 @@ private:
                    "'acquire start', 'set FG_SENDSOFTWARETRIGGER=FG_APPLY' and 'grab' of a scenario";
         const char* const source = "FG_IMGTRIGGERINSRC";
         const char* const debounce = "FG_IMGTRIGGERDEBOUNCING";
-        const SignalCourse course = courseAt(source);
+        const Waveform waveform = waveformAt(source);
         const bool isHigh = isHighActive("FG_IMGTRIGGERINPOLARITY");
-        if (hasEdgeTo(isHigh, course))
+        if (hasEdgeTo(isHigh, waveform))
             return "none of the edges at " + shown(source) +
                    " started an image: its pulses must be longer than " + shown(debounce) +
                    (isImageGated() ? " and than a line takes" : "");
         if (hasPicture())
             return "no further edge came at " + shown(source) + ": each image needs one, as with " +
                    m_wait.wave + " of square:10ms";
-        if (course.startsHigh == isHigh)
+        if (waveform.startsHigh == isHigh)
             return shown(source) +
                    " was active when the wait began: only a level that becomes active later starts an image, "
                    "as with " +

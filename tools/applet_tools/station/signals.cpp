@@ -73,7 +73,7 @@ const StationSignal& signalFrom(std::string_view word) {
                      "; they are " + join(names, ", "));
 }
 
-std::vector<Ticks> SignalCourse::periods() const {
+std::vector<Ticks> Waveform::periods() const {
     std::vector<Ticks> found;
     std::optional<Ticks> last;
     for (const vboard_edge& edge : edges) {
@@ -84,7 +84,7 @@ std::vector<Ticks> SignalCourse::periods() const {
     return found;
 }
 
-std::vector<Ticks> SignalCourse::widths(bool isActiveLow) const {
+std::vector<Ticks> Waveform::widths(bool isActiveLow) const {
     std::vector<Ticks> found;
     std::optional<Ticks> start;
     for (const vboard_edge& edge : edges) {
@@ -96,32 +96,32 @@ std::vector<Ticks> SignalCourse::widths(bool isActiveLow) const {
     return found;
 }
 
-std::size_t SignalCourse::risingEdges() const {
+std::size_t Waveform::risingEdges() const {
     return static_cast<std::size_t>(std::ranges::count(edges, true, &vboard_edge::level));
 }
 
-std::optional<Ticks> SignalCourse::first(bool level) const {
+std::optional<Ticks> Waveform::first(bool level) const {
     const auto found = std::ranges::find(edges, level, &vboard_edge::level);
     return found == edges.end() ? std::nullopt : std::optional<Ticks>(found->tick);
 }
 
-SignalCourse courseOf(Instance& instance, unsigned select, Ticks from, Ticks to) {
+Waveform waveformOf(Instance& instance, unsigned select, Ticks from, Ticks to) {
     constexpr std::size_t most =
         std::size_t{2} *
         VBOARD_KEPT_EDGES; // a pulse of one tick is stored as one edge and counts as two here
     constexpr Ticks never = std::numeric_limits<Ticks>::max();
-    SignalCourse course;
-    course.edges.assign(most, {never, false});
+    Waveform waveform;
+    waveform.edges.assign(most, {never, false});
     const std::int64_t count = instance.board().signals(instance.device(), select, from, to,
-                                                        course.edges.data(), most, &course.startsHigh);
-    course.isComplete = count >= 0;
-    const auto end = std::ranges::find(course.edges, never, &vboard_edge::tick);
-    course.edges.erase(end, course.edges.end());
-    return course;
+                                                        waveform.edges.data(), most, &waveform.startsHigh);
+    waveform.isComplete = count >= 0;
+    const auto end = std::ranges::find(waveform.edges, never, &vboard_edge::tick);
+    waveform.edges.erase(end, waveform.edges.end());
+    return waveform;
 }
 
-SignalCourse courseSince(Instance& instance, unsigned select, Ticks since, Ticks to) {
-    return courseOf(instance, select, since > 0 ? since + 1 : 0, to);
+Waveform waveformSince(Instance& instance, unsigned select, Ticks since, Ticks to) {
+    return waveformOf(instance, select, since > 0 ? since + 1 : 0, to);
 }
 
 std::string incompleteText(const std::string& signal) {
@@ -129,8 +129,8 @@ std::string incompleteText(const std::string& signal) {
            " edges of a signal, and " + signal + " has more of them";
 }
 
-std::optional<double> rateOf(const SignalCourse& course) {
-    const std::vector<Ticks> periods = course.periods();
+std::optional<double> rateOf(const Waveform& waveform) {
+    const std::vector<Ticks> periods = waveform.periods();
     if (periods.empty()) return std::nullopt;
     Ticks sum = 0;
     for (const Ticks period : periods)

@@ -50,7 +50,7 @@ const std::vector<StationSignal>& stationSignals();
 const StationSignal& signalFrom(std::string_view word);
 
 /** The recorded edges of a signal. */
-struct SignalCourse {
+struct Waveform {
     bool isComplete = true; /**< false: the board has dropped the first edges */
     bool startsHigh = false;
     std::vector<vboard_edge> edges;
@@ -67,24 +67,24 @@ struct SignalCourse {
 };
 
 /** From one tick to another, both inclusive. */
-SignalCourse courseOf(Instance& instance, unsigned select, Ticks from, Ticks to);
+Waveform waveformOf(Instance& instance, unsigned select, Ticks from, Ticks to);
 
 /** What has happened from the time `since` to the time `to`: without the edges at `since`, which belong to the span
  *  before it, except for those at tick 0, which has no span before it. */
-SignalCourse courseSince(Instance& instance, unsigned select, Ticks since, Ticks to);
+Waveform waveformSince(Instance& instance, unsigned select, Ticks since, Ticks to);
 
-/** Why a course is not complete: "the station keeps the last 16384 edges of a signal, and LVAL has more of them". */
+/** Why a waveform is not complete: "the station keeps the last 16384 edges of a signal, and LVAL has more of them". */
 std::string incompleteText(const std::string& signal);
 
 /** Rising edges per second between the first and the last one; empty with fewer than two. */
-std::optional<double> rateOf(const SignalCourse& course);
+std::optional<double> rateOf(const Waveform& waveform);
 
 /** A kind of loss. */
 struct LossKind {
-    const char* name; /**< "images" */
-    int status;       /**< code of Fg_getStatusEx */
-    const char* what; /**< "images lost in the full buffer" */
-    const char* cure; /**< suggested settings */
+    const char* name;   /**< "images" */
+    int status;         /**< code of Fg_getStatusEx */
+    const char* what;   /**< "images lost in the full buffer" */
+    const char* advice; /**< suggested settings */
 };
 
 std::span<const LossKind> lossKinds();

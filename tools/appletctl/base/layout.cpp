@@ -62,9 +62,9 @@ std::string wrappedLine(std::string_view line, std::size_t width) {
     // The first line keeps its own indentation, so only the rest is folded to the narrower width.
     const std::string first = foldedLines(line, width).front();
     std::string text = first;
-    const std::size_t behind = line.find_first_not_of(' ', first.size());
-    if (behind == std::string_view::npos) return text;
-    const std::string_view rest = line.substr(behind);
+    const std::size_t restBegin = line.find_first_not_of(' ', first.size());
+    if (restBegin == std::string_view::npos) return text;
+    const std::string_view rest = line.substr(restBegin);
     const std::size_t indent = hangingIndent(line, rest, width);
     for (const std::string& next : foldedLines(rest, width - indent))
         text += '\n' + std::string(indent, ' ') + next;

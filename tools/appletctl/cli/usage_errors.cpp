@@ -75,21 +75,11 @@ std::string commandSuggestion(std::span<const Command* const> commands, const Co
 
 namespace {
 
-/** The text between the two; empty if they do not occur. */
-std::string between(const std::string& text, const std::string& from, const std::string& to) {
-    const std::size_t begin = text.find(from);
-    if (begin == std::string::npos) return "";
-    const std::size_t end = text.find(to, begin + from.size());
-    return end == std::string::npos ? "" : text.substr(begin + from.size(), end - begin - from.size());
-}
-
-/** The short words among an option's choices that differ from the word by a letter or two. */
+/** The words among an option's choices that may have been meant. */
 Words misspelt(const std::string& word, const Words& choices) {
-    constexpr std::size_t lettersOfOne = 4;
-    const std::size_t farthest = std::max<std::size_t>(1, word.size() / lettersOfOne);
     Words near;
     for (const std::string& choice : choices)
-        if (!word.empty() && editDistance(word, choice) <= farthest) near.push_back(choice);
+        if (!word.empty() && editDistance(word, choice) <= mostTypos(word)) near.push_back(choice);
     return near;
 }
 
@@ -107,7 +97,7 @@ std::string asTyped(const CLI::App& app, const std::string& option, const Words&
 
 /** The node that an unknown word precedes on the command line, so that it is in the position of a command; null if it
  *  follows the command. */
-const CLI::App* nodeBehind(const CLI::App& app, const std::string& word, const Words& words) {
+const CLI::App* nodeAfter(const CLI::App& app, const std::string& word, const Words& words) {
     const CLI::App* found = nullptr;
     for (const CLI::App* node = &app; node->get_parent() != nullptr; node = node->get_parent())
         if (std::ranges::find(words, word) < std::ranges::find(words, node->get_name())) found = node;
@@ -120,41 +110,84 @@ std::string unknownCommand(std::span<const Command* const> commands, const Comma
     return "there is no command " + inQuotedWord(above + word) + commandSuggestion(commands, group, word);
 }
 
-/** "0.001000 to 1000.000000" without the zeros. */
-std::string rangeText(const std::string& range) {
-    const std::string word = " to ";
-    const std::size_t position = range.find(word);
-    if (position == std::string::npos) return range;
-    const auto least = floatingNumber(range.substr(0, position)),
-               most = floatingNumber(range.substr(position + word.size()));
-    return least && most ? numberText(*least) + word + numberText(*most) : range;
+/** A number as CLI11 writes the limits of a range, "0.001000", without the zeros. */
+std::string limitText(const std::string& limit) {
+    const auto number = floatingNumber(limit);
+    return number ? numberText(*number) : limit;
 }
 
-/** The error in an option's value, in this program's words; empty if it is unknown. The text is
- *  "--interval: Value 0 not in range 1 to 86400000" or the like. */
-std::string optionError(const CLI::App& app, const CLI::ParseError& error, const Words& words) {
-    const std::string text = error.what();
-    const std::size_t colon = text.find(':');
-    const std::string option = asTyped(app, text.substr(0, colon), words);
-    const std::string number = between(text, "Could not convert: ", " = ");
-    if (!number.empty())
-        return number + ": " + inQuotedWord(text.substr(text.find(" = ") + 3)) + " is not a number";
-    if (colon == std::string::npos) return "";
-    const std::string behind = text.substr(colon + 1);
-    if (behind.find(" not in {") != std::string::npos) {
-        const std::string word = between(behind, " ", " not in {");
-        const Words choices = choicesIn(behind);
-        return option + ": " + inQuotedWord(word) + " is not one of " + join(choices, ", ") +
-               didYouMean(misspelt(word, choices));
+/** The texts at the asterisks of a pattern that the text matches, each as short as possible; empty if it does not. */
+Words matched(const std::string& text, std::string_view pattern) {
+    Words found;
+    std::size_t position = 0;
+    while (!pattern.empty()) {
+        const bool isAny = pattern.front() == '*';
+        if (isAny) pattern.remove_prefix(1);
+        const std::string_view fixed = pattern.substr(0, pattern.find('*'));
+        pattern.remove_prefix(fixed.size());
+        const std::size_t end = isAny && fixed.empty() ? text.size() : text.find(fixed, position);
+        if (end == std::string::npos || (!isAny && end != position)) return {};
+        if (isAny) found.push_back(text.substr(position, end - position));
+        position = end + fixed.size();
     }
-    const std::string outside = " not in range ";
-    if (const std::size_t position = behind.find(outside); position != std::string::npos)
-        return option + ": " + inQuotedWord(between(behind, "Value ", outside)) + " is not a number from " +
-               rangeText(behind.substr(position + outside.size()));
-    if (behind.find("required") != std::string::npos && behind.find("missing") != std::string::npos)
-        return option + ": its value is missing";
-    if (behind.find("At Most 1") != std::string::npos) return option + " takes one value, and there are more";
-    return "";
+    return found;
+}
+
+/** A message of CLI11 about the value of an option, and this program's. */
+struct ValueMessage {
+    const char* pattern; /**< the first asterisk is the option */
+    std::string (*inOwnWords)(const Words& parts);
+};
+
+// CLI11 tells the option, the refused value and what is accepted only within its messages.
+constexpr ValueMessage valueMessages[] = {
+    {"Could not convert: * = *",
+     [](const Words& parts) { return ": " + inQuotedWord(parts[1]) + " is not a number"; }},
+    {"*: Value * not in range * to *",
+     [](const Words& parts) {
+         return ": " + inQuotedWord(parts[1]) + " is not a number from " + limitText(parts[2]) + " to " +
+                limitText(parts[3]);
+     }},
+    {"*: * not in {*",
+     [](const Words& parts) {
+         const Words choices = choicesIn("{" + parts[2]);
+         return ": " + inQuotedWord(parts[1]) + " is not one of " + join(choices, ", ") +
+                didYouMean(misspelt(parts[1], choices));
+     }},
+    {"*: * required * missing", [](const Words&) { return std::string(": its value is missing"); }},
+    {"*: At Most 1 *", [](const Words&) { return std::string(" takes one value, and there are more"); }},
+};
+
+/** The error in an option's value, in this program's words; CLI11's message if it is none of these. */
+std::string valueError(const CLI::App& app, const CLI::ParseError& error, const Words& words) {
+    for (const ValueMessage& message : valueMessages)
+        if (const Words parts = matched(error.what(), message.pattern); !parts.empty())
+            return asTyped(app, parts.front(), words) + message.inOwnWords(parts);
+    return printable(error.what());
+}
+
+std::string unknownOption(const CLI::App& app, const std::string& option) {
+    const Command* command = commandOf(app);
+    if (command != nullptr && app.get_option_no_throw(option) != nullptr) // only unknown before the command
+        return inQuotedWord(option) + " is an option of " + argumentName(*command) +
+               ": give it after the command";
+    const std::string nearest = nearestOption(app, option);
+    return "there is no option " + inQuotedWord(option) +
+           (nearest.empty() ? seeHelp(fullNameOf(app)) : "; did you mean '" + nearest + "'?");
+}
+
+/** The error for a word that nothing on the command line takes. */
+std::string unknownWord(const CLI::App& app, const std::string& word, const Words& words,
+                        std::span<const Command* const> commands) {
+    if (const CLI::App* node = nodeAfter(app, word, words))
+        return unknownCommand(commands, groupNamed(node->get_parent()->get_name()), word);
+    if (word.size() > 1 && word.starts_with('-')) return unknownOption(app, word.substr(0, word.find('=')));
+    const Command* command = commandOf(app);
+    if (command == nullptr) return unknownCommand(commands, groupNamed(app.get_name()), word);
+    if (std::string error = assignmentError(*command, word); !error.empty()) return error;
+    return argumentName(*command) + " takes " +
+           (command->argument != nullptr ? "no more words" : "no words") + ", and there is " +
+           inQuotedWord(word) + seeHelp(fullNameOf(app));
 }
 
 } // namespace
@@ -162,32 +195,10 @@ std::string optionError(const CLI::App& app, const CLI::ParseError& error, const
 std::string usageError(const CLI::App& program, const CLI::App& app, const CLI::ParseError& error,
                        const Words& words, std::span<const Command* const> commands) {
     const std::vector<std::string> unknown = program.remaining(true);
-    const std::string name = fullNameOf(app);
-    if (!unknown.empty()) {
-        const std::string& word = unknown.front();
-        if (const CLI::App* node = nodeBehind(app, word, words))
-            return unknownCommand(commands, groupNamed(node->get_parent()->get_name()), word);
-        if (word.size() > 1 && word.starts_with('-')) {
-            const std::string option = word.substr(0, word.find('='));
-            const Command* command = commandOf(app);
-            if (command != nullptr &&
-                app.get_option_no_throw(option) != nullptr) // only unknown before the command
-                return inQuotedWord(option) + " is an option of " + argumentName(*command) +
-                       ": give it after the command";
-            const std::string nearest = nearestOption(app, option);
-            return "there is no option " + inQuotedWord(option) +
-                   (nearest.empty() ? seeHelp(name) : "; did you mean '" + nearest + "'?");
-        }
-        const Command* command = commandOf(app);
-        if (command == nullptr) return unknownCommand(commands, groupNamed(app.get_name()), word);
-        if (std::string own = assignmentError(*command, word); !own.empty()) return own;
-        return argumentName(*command) + " takes " +
-               (command->argument != nullptr ? "no more words" : "no words") + ", and there is " +
-               inQuotedWord(word) + seeHelp(name);
-    }
-    std::string own = optionError(app, error, words);
-    if (own.ends_with('?')) return own; // already includes a suggestion
-    return (own.empty() ? printable(error.what()) : own) + seeHelp(name);
+    if (!unknown.empty()) return unknownWord(app, unknown.front(), words, commands);
+    const std::string text = valueError(app, error, words);
+    const bool hasSuggestion = text.ends_with('?');
+    return hasSuggestion ? text : text + seeHelp(fullNameOf(app));
 }
 
 void checkWords(const Command& command, const Words& words) {

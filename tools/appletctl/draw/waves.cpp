@@ -19,7 +19,7 @@ constexpr std::size_t usualColumns = 60, fewestColumns = 12, mostColumns = 120;
 /** Columns for this many periods next to names of this width; the same number for each period. */
 std::size_t columnsFor(std::size_t nameWidth, std::size_t lineWidth, std::size_t periods) {
     if (lineWidth == unlimitedWidth) return usualColumns;
-    constexpr std::size_t blanks = 4, lastNumber = 10; // which is written behind the last column
+    constexpr std::size_t blanks = 4, lastNumber = 10; // which is written after the last column
     const std::size_t taken = nameWidth + blanks + lastNumber;
     const std::size_t columns =
         std::clamp(lineWidth - std::min(lineWidth, taken), fewestColumns, mostColumns);

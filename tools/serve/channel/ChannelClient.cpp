@@ -20,7 +20,7 @@ constexpr int longestGreeting = 5000; // milliseconds until the first message
 constexpr std::chrono::seconds longestWaitForSlot(4);
 /** Pictures that were sent and not received yet: so many a client can hold that does not read. */
 constexpr std::uint64_t mostOnTheWay = 4;
-/** Bytes of descriptions in a message, behind which no more are added. */
+/** Bytes of descriptions in a message after which no more are added. */
 constexpr std::size_t mostDescribed = mostBytes / 2;
 constexpr std::size_t mostEventsInMessage = 1000;
 

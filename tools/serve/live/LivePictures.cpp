@@ -248,34 +248,42 @@ void LivePictures::watch(std::unique_lock<std::mutex>& lock) {
     }
 }
 
+bool LivePictures::isOver() const { return !m_state.isRunning || m_isEnding; }
+
+std::int64_t LivePictures::waitOnBoard(std::unique_lock<std::mutex>& lock, std::int64_t picture) {
+    const double speed = m_factor == 0 ? 1 : m_factor;
+    const double ticks = speed * std::chrono::duration<double>(longestPiece).count() *
+                         static_cast<double>(applet_tools::ticksPerSecond);
+    lock.unlock();
+    const std::int64_t last = m_instance.board().wait(m_instance.device(), picture,
+                                                      static_cast<applet_tools::Ticks>(std::max(1.0, ticks)));
+    lock.lock();
+    return last;
+}
+
 /** Waits for a picture, for a short time. False at the end of the acquisition. */
 bool LivePictures::waitForPicture(std::unique_lock<std::mutex>& lock) {
-    const auto isOver = [this] { return !m_state.isRunning || m_isEnding; };
+    const auto isPressing = [this] { return isOver() || isReceived(); };
+    // A wait advances stepped time, and that is only for receivers.
     const bool isStepped = m_factor == 0;
-    const auto isWanted = [this, isOver] { return isOver() || isReceived(); };
-    if (isStepped && !m_changed.wait_for(lock, longestPiece, isWanted)) return true;
-    m_changed.wait_until(lock, m_nextView, isWanted);
+    if (isStepped && !m_changed.wait_for(lock, longestPiece, isPressing)) return true;
+    m_changed.wait_until(lock, m_nextView, isPressing);
     if (isOver()) return false;
-    const std::int64_t wanted = m_last + 1;
-    const auto piece = static_cast<applet_tools::Ticks>(
-        std::max(1.0, (isStepped ? 1 : m_factor) * std::chrono::duration<double>(longestPiece).count() *
-                          static_cast<double>(applet_tools::ticksPerSecond)));
-    lock.unlock();
-    const std::int64_t last = m_instance.board().wait(m_instance.device(), wanted, piece);
-    lock.lock();
+
+    const std::int64_t next = m_last + 1;
+    const std::int64_t last = waitOnBoard(lock, next);
     if (isOver()) return false;
-    if (last >= wanted) {
+    const bool isEndedByOthers = last < 0 && last != VBOARD_TIMEOUT;
+    if (isEndedByOthers) m_changed.wait_for(lock, longestPiece, [this] { return isOver(); });
+    if (last >= next) {
         note(last);
         // Pictures that nobody waits for are only counted.
-        if (!isViewed()) m_changed.wait_for(lock, 2ms, isWanted);
-    } else if (last < 0 && last != VBOARD_TIMEOUT) {
-        m_changed.wait_for(lock, longestPiece, isOver); // ended by somebody else
+        if (!isViewed()) m_changed.wait_for(lock, 2ms, isPressing);
     }
     return !isOver();
 }
 
 void LivePictures::renderWanted(std::unique_lock<std::mutex>& lock) {
-    const auto isOver = [this] { return !m_state.isRunning || m_isEnding; };
     while (isReceived() && m_next <= m_last && !isOver()) {
         m_next = std::max(m_next, m_last - static_cast<std::int64_t>(frames) + 2); // not overwritten yet
         render(lock, m_next++);

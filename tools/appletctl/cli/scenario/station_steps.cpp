@@ -90,7 +90,7 @@ std::string takePictures(ScenarioRunner& runner, GrabWords& words, Grabber& grab
                    durationText(words.timeout) + ": " +
                    whyNoPicture(runner.instance(), runner.parameters(),
                                 {.start = start,
-                                 .longer = "give a longer time behind 'within'",
+                                 .longer = "give a longer time after 'within'",
                                  .wave = "a wave by the step 'wave'"})
                        .reason;
         grabber.draw();
@@ -157,27 +157,27 @@ std::string expectDigest(ScenarioRunner& runner, const FrameWords& words) {
 struct SignalMeasure {
     const char* name;
     bool isTime; // its values are times
-    std::vector<double> (*of)(const SignalCourse& course);
+    std::vector<double> (*of)(const Waveform& waveform);
 };
 
 std::vector<double> asNumbers(const std::vector<Ticks>& ticks) { return {ticks.begin(), ticks.end()}; }
 
-std::vector<double> rate(const SignalCourse& course) {
-    const auto found = rateOf(course);
+std::vector<double> rate(const Waveform& waveform) {
+    const auto found = rateOf(waveform);
     return found ? std::vector<double>{*found} : std::vector<double>{};
 }
 
 constexpr SignalMeasure measures[] = {
-    {"period", true, [](const SignalCourse& course) { return asNumbers(course.periods()); }},
-    {"width", true, [](const SignalCourse& course) { return asNumbers(course.widths()); }},
-    {"gap", true, [](const SignalCourse& course) { return asNumbers(course.widths(true)); }},
+    {"period", true, [](const Waveform& waveform) { return asNumbers(waveform.periods()); }},
+    {"width", true, [](const Waveform& waveform) { return asNumbers(waveform.widths()); }},
+    {"gap", true, [](const Waveform& waveform) { return asNumbers(waveform.widths(true)); }},
     {"rate", false, rate},
     {"pulses", false,
-     [](const SignalCourse& course) {
-         return std::vector<double>{1.0 * static_cast<double>(course.risingEdges())};
+     [](const Waveform& waveform) {
+         return std::vector<double>{1.0 * static_cast<double>(waveform.risingEdges())};
      }},
     {"level", false,
-     [](const SignalCourse& course) { return std::vector<double>{course.level() ? 1.0 : 0.0}; }},
+     [](const Waveform& waveform) { return std::vector<double>{waveform.level() ? 1.0 : 0.0}; }},
 };
 
 const SignalMeasure& measureFrom(const std::string& word) {
@@ -342,11 +342,11 @@ std::string expectSignal(ScenarioRunner& runner, const Step& step) {
     const StationSignal& signal = signalFrom(step.words[0]);
     const SignalMeasure& measure = measureFrom(step.words[1]);
     const double wanted = measureValue(measure, step.words[3]);
-    const SignalCourse course = courseSince(runner.instance(), signal.select, state.from, state.to);
-    if (!course.isComplete) return incompleteText(signal.name) + ": advance by less";
-    const std::vector<double> values = measure.of(course);
+    const Waveform waveform = waveformSince(runner.instance(), signal.select, state.from, state.to);
+    if (!waveform.isComplete) return incompleteText(signal.name) + ": advance by less";
+    const std::vector<double> values = measure.of(waveform);
     if (values.empty())
-        return signal.name + " had " + numberText(course.risingEdges()) + " rising edges in " +
+        return signal.name + " had " + numberText(waveform.risingEdges()) + " rising edges in " +
                durationText(state.to - state.from) + ", too few for a " + measure.name;
     const auto wrong = std::ranges::find_if(
         values, [&](double value) { return !relationFrom(step.words[2]).holds(value <=> wanted); });
@@ -402,7 +402,7 @@ std::string expectLoss(ScenarioRunner& runner, const Step& step) {
         if (relationFrom(step.words[1]).holds(static_cast<double>(count) <=> numberFrom(step.words[2])))
             return "";
         return std::string(kind.what) + ": " + numberText(count) +
-               (count > 0 ? std::string("; ") + kind.cure : "");
+               (count > 0 ? std::string("; ") + kind.advice : "");
     }
     return "";
 }

@@ -96,7 +96,7 @@ std::string nameAsTyped(const std::string& name, const std::string& begin) {
 }
 
 /** The first element, the last one and the range of all, after a `[` typed after the name of an array. */
-Candidates elementsOf(const ParameterList& parameters, const std::string& begin, const char* behind) {
+Candidates elementsOf(const ParameterList& parameters, const std::string& begin, const char* suffix) {
     const std::size_t bracket = begin.find('[');
     const std::string name = begin.substr(0, bracket);
     Candidates found;
@@ -107,18 +107,18 @@ Candidates elementsOf(const ParameterList& parameters, const std::string& begin,
         const std::string last = numberText(count - 1);
         for (const std::string& elements : {std::string("0"), last, "0.." + last})
             if (elements.starts_with(begin.substr(bracket + 1)))
-                found.push_back({typed + '[' + elements + ']' + behind, parameter.label()});
+                found.push_back({typed + '[' + elements + ']' + suffix, parameter.label()});
     }
     return found;
 }
 
-Candidates namesOf(const ParameterList& parameters, const std::string& begin, const char* behind) {
-    if (begin.find('[') != std::string::npos) return elementsOf(parameters, begin, behind);
+Candidates namesOf(const ParameterList& parameters, const std::string& begin, const char* suffix) {
+    if (begin.find('[') != std::string::npos) return elementsOf(parameters, begin, suffix);
     Candidates found;
     for (const Parameter& parameter : parameters.all())
         if (const std::string name = nameAsTyped(parameter.name, begin); !name.empty())
             found.push_back(
-                {name + (*behind != '\0' && elementCount(parameter) > 0 ? "[" : behind), parameter.label()});
+                {name + (*suffix != '\0' && elementCount(parameter) > 0 ? "[" : suffix), parameter.label()});
     return found;
 }
 
@@ -187,11 +187,11 @@ Candidates columnsOf(const std::string& list, const std::string& word) {
 /** Position after the last && or ||, and after what may precede a name there. */
 std::size_t beginOfComparison(const std::string& condition) {
     constexpr std::size_t length = 2; // of && and ||
-    std::size_t behind = 0;
+    std::size_t afterJoint = 0;
     for (const char* const joint : {"&&", "||"})
         if (const std::size_t position = condition.rfind(joint); position != std::string::npos)
-            behind = std::max(behind, position + length);
-    return std::min(condition.find_first_not_of(" (", behind), condition.size());
+            afterJoint = std::max(afterJoint, position + length);
+    return std::min(condition.find_first_not_of(" (", afterJoint), condition.size());
 }
 
 /** The parameter for a name, or for a quoted or unquoted label, ignoring blanks around it; null if there is
@@ -217,33 +217,45 @@ Candidates comparedValues(const ParameterList& parameters, const Parameter& para
     return found;
 }
 
-/** The next part of a condition: a name, then an operator, then a value, then && or ||. */
-Candidates conditionParts(const ParameterList& parameters, const std::string& word) {
+/** Candidates for the end of a text, which they replace from a position on. */
+struct EndCandidates {
+    std::size_t begin;
+    Candidates candidates;
+};
+
+/** The next part of a comparison: a name, then an operator, then a value, then && or ||. */
+EndCandidates comparisonParts(const ParameterList& parameters, const std::string& comparison) {
     constexpr const char* operatorMarks = "<>=!";
-    const std::string comparison = word.substr(beginOfComparison(word));
-    const std::size_t mark = std::min(comparison.find_first_of(operatorMarks), comparison.size());
-    const std::size_t behind = std::min(comparison.find_first_not_of(operatorMarks, mark), comparison.size());
-    const std::size_t value = std::min(comparison.find_first_not_of(' ', behind), comparison.size());
-    const Parameter* const parameter = comparedParameter(parameters, comparison.substr(0, mark));
-    std::string last; // the text that the candidates replace
-    Candidates found;
-    if (mark == comparison.size() && !comparison.ends_with(' ')) {
-        last = comparison;
-        found = namesOf(parameters, last, "");
-    } else if (const bool isLongest = behind - mark == 2; behind == comparison.size() && !isLongest) {
-        last = comparison.substr(mark);
-        if (parameter != nullptr) found = matching({{"=="}, {"!="}, {"<"}, {"<="}, {">"}, {">="}}, last);
-    } else if (comparison.find_first_of(" )", value) == std::string::npos) {
-        last = comparison.substr(value);
-        if (parameter != nullptr) found = comparedValues(parameters, *parameter, last);
-    } else {
-        last = comparison.substr(comparison.find_last_of(" )") + 1);
-        found = matching({{"&&"}, {"||"}}, last);
+    constexpr std::size_t longestOperator = 2;
+    const std::size_t end = comparison.size();
+    const std::size_t sign = std::min(comparison.find_first_of(operatorMarks), end);
+    if (sign == end && !comparison.ends_with(' ')) return {0, namesOf(parameters, comparison, "")};
+
+    const Parameter* const parameter = comparedParameter(parameters, comparison.substr(0, sign));
+    const std::size_t signEnd = std::min(comparison.find_first_not_of(operatorMarks, sign), end);
+    if (signEnd == end && end - sign < longestOperator) {
+        if (parameter == nullptr) return {sign, {}};
+        return {sign, matching({{"=="}, {"!="}, {"<"}, {"<="}, {">"}, {">="}}, comparison.substr(sign))};
     }
-    const std::string before = word.substr(0, word.size() - last.size());
-    for (Candidate& one : found)
+
+    const std::size_t value = std::min(comparison.find_first_not_of(' ', signEnd), end);
+    if (comparison.find_first_of(" )", value) == std::string::npos) {
+        if (parameter == nullptr) return {value, {}};
+        return {value, comparedValues(parameters, *parameter, comparison.substr(value))};
+    }
+
+    const std::size_t joint = comparison.find_last_of(" )") + 1;
+    return {joint, matching({{"&&"}, {"||"}}, comparison.substr(joint))};
+}
+
+/** Completes the last comparison of a condition. */
+Candidates conditionParts(const ParameterList& parameters, const std::string& condition) {
+    const std::size_t begin = beginOfComparison(condition);
+    EndCandidates found = comparisonParts(parameters, condition.substr(begin));
+    const std::string before = condition.substr(0, begin + found.begin);
+    for (Candidate& one : found.candidates)
         one.text.insert(0, before);
-    return found;
+    return found.candidates;
 }
 
 /** The stations that run. */
@@ -306,12 +318,12 @@ bool areGroups(const CLI::App& command, const Words& words) {
 Candidates argumentsOf(const Command& command, int before, const std::string& word,
                        const std::function<const ParameterList&()>& parameters) {
     const std::string_view kind = kindOf(command);
-    const bool isBehindFile = kind == "FILE" && before > 0 && command.most < 0;
+    const bool isAfterFile = kind == "FILE" && before > 0 && command.most < 0;
     Candidates files;
     if (command.most >= 0 && before >= command.most) return files;
     if (command.managesStations && kind == "NAME") return stationsOf(word);
     if (before < command.mostFiles && *command.fileSuffix != '\0') files = filesOf(word, command.fileSuffix);
-    if (isBehindFile || command.file == Command::File::readUnlessAssignment) {
+    if (isAfterFile || command.file == Command::File::readUnlessAssignment) {
         const Candidates assignments = assignmentsOf(parameters(), word);
         files.insert(files.end(), assignments.begin(), assignments.end());
         return files;

@@ -46,7 +46,7 @@ _appletctl() {
 complete -o bashdefault -o default -F _appletctl appletctl
 )"},
     {"zsh", R"(#compdef appletctl
-# zsh completion of appletctl: source <(appletctl completion zsh), behind compinit
+# zsh completion of appletctl: source <(appletctl completion zsh), after compinit
 _appletctl() {
     local -a texts shown
     local line

@@ -62,7 +62,6 @@ void addGrabOptions(CLI::App& command, Options& options) {
     command.add_flag("--strict", own.isStrict, "End with exit code 1 if anything was lost");
     command.add_option("--timeout", own.timeout, "Simulated time to wait for each picture, 10s if not given")
         ->type_name("TIME");
-    constexpr std::size_t mostFrames = 65536;
     command.add_option("--frames", own.frames, "Frames of the memory that pictures go to, 4 if not given")
         ->type_name("N")
         ->check(CLI::Range(std::size_t{1}, mostFrames));
@@ -368,7 +367,7 @@ private:
             const LossKind& kind = lossKinds()[i];
             const std::int64_t count = after[i] - before[i];
             losses[kind.name] = count;
-            table.addRow({kind.name, numberText(count), kind.what, kind.cure});
+            table.addRow({kind.name, numberText(count), kind.what, kind.advice});
         }
         m_report->document["losses"] = losses;
         for (std::size_t i = 0; i < after.size(); ++i)
@@ -378,7 +377,7 @@ private:
     }
 
     void addLoss(CommandRun& run, const LossKind& kind, std::int64_t count) {
-        const std::string words = std::string(kind.what) + ": " + numberText(count) + "; " + kind.cure;
+        const std::string words = std::string(kind.what) + ": " + numberText(count) + "; " + kind.advice;
         if (m_own.isStrict)
             fail(run, words);
         else if (!m_report->isVerbatim && !m_own.wantsLosses)

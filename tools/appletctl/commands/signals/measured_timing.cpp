@@ -62,9 +62,9 @@ nlohmann::ordered_json asJson(const MeasuredTiming& timing) {
 
 Wave waveOf(const MeasuredSignal& signal, Ticks from, double end) {
     std::vector<Pulse> pulses;
-    const bool startsActive = signal.course.startsHigh != signal.isActiveLow;
+    const bool startsActive = signal.waveform.startsHigh != signal.isActiveLow;
     std::optional<double> start = startsActive ? std::optional(0.0) : std::nullopt;
-    for (const vboard_edge& edge : signal.course.edges) {
+    for (const vboard_edge& edge : signal.waveform.edges) {
         const double time = microseconds(edge.tick) - microseconds(from);
         if (edge.level != signal.isActiveLow) {
             start = time;
@@ -82,7 +82,7 @@ Wave waveOf(const MeasuredSignal& signal, Ticks from, double end) {
 Ticks shownPeriod(const MeasuredTiming& timing) {
     for (const char* name : {"ExSync", "LVAL"}) {
         const auto found = std::ranges::find(timing.signals, name, &MeasuredSignal::name);
-        std::vector<Ticks> periods = found->course.periods();
+        std::vector<Ticks> periods = found->waveform.periods();
         if (periods.empty()) continue;
         std::ranges::nth_element(periods, periods.begin() + static_cast<std::ptrdiff_t>(periods.size() / 2));
         return periods[periods.size() / 2];
@@ -111,7 +111,7 @@ MeasuredDrawing drawingOf(const MeasuredTiming& timing) {
     constexpr Ticks shownPeriods = 4;
     const Ticks period = shownPeriod(timing);
     const auto exSync = std::ranges::find(timing.signals, "ExSync", &MeasuredSignal::name);
-    const Ticks first = exSync->course.first(!exSync->isActiveLow).value_or(timing.from);
+    const Ticks first = exSync->waveform.first(!exSync->isActiveLow).value_or(timing.from);
     // A multiple of the period, so that drawings of other settings have the same grid.
     const Ticks before = (first - timing.from) / period;
     const Ticks from = timing.from + (before > 0 ? before - 1 : 0) * period;

@@ -11,9 +11,9 @@ namespace serve {
 namespace {
 
 using namespace std::chrono_literals;
-using applet_tools::SignalCourse;
 using applet_tools::StationSignal;
 using applet_tools::Ticks;
+using applet_tools::Waveform;
 
 constexpr std::size_t mostStreams = 64;
 constexpr auto samplePeriod = 250ms;
@@ -21,14 +21,14 @@ constexpr auto keepAlivePeriod = 15s;
 
 Json signalAsJson(SharedStation& station, const StationSignal& signal, Ticks from, Ticks to,
                   std::size_t most) {
-    const SignalCourse course = courseOf(station.instance(), signal.select, from, to);
-    const bool isCut = !course.isComplete || course.edges.size() > most;
-    const auto first = course.edges.size() > most ? course.edges.end() - static_cast<std::ptrdiff_t>(most)
-                                                  : course.edges.begin();
+    const Waveform waveform = waveformOf(station.instance(), signal.select, from, to);
+    const bool isCut = !waveform.isComplete || waveform.edges.size() > most;
+    const auto first = waveform.edges.size() > most ? waveform.edges.end() - static_cast<std::ptrdiff_t>(most)
+                                                    : waveform.edges.begin();
     Json edges = Json::array();
-    for (auto edge = first; edge != course.edges.end(); ++edge)
+    for (auto edge = first; edge != waveform.edges.end(); ++edge)
         edges.push_back({edge->tick, edge->level ? 1 : 0});
-    const bool isHigh = first == course.edges.begin() ? course.startsHigh : !first->level;
+    const bool isHigh = first == waveform.edges.begin() ? waveform.startsHigh : !first->level;
     return {{"name", signal.name},
             {"kind", signal.isPulse() ? "pulse" : "level"},
             {"startsHigh", isHigh},

@@ -108,7 +108,7 @@ Json lossesAsJson(const std::vector<std::int64_t>& losses) {
     for (std::size_t i = 0; i < losses.size(); ++i) {
         const LossKind& kind = lossKinds()[i];
         rows.push_back(
-            {{"name", kind.name}, {"count", losses[i]}, {"message", kind.what}, {"advice", kind.cure}});
+            {{"name", kind.name}, {"count", losses[i]}, {"message", kind.what}, {"advice", kind.advice}});
     }
     return {{"losses", std::move(rows)}};
 }
