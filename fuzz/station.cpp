@@ -98,7 +98,7 @@ private:
         }
         const auto speed = [&] {
             const auto bits = static_cast<std::int32_t>(m_input.word());
-            return bits >> m_input.byte() % 32;
+            return bits >> (8 + m_input.byte() % 24); // mostly within the limits
         };
         std::vector<vboard_speed> pieces(count);
         for (vboard_speed& piece : pieces)

@@ -62,7 +62,8 @@ bool Station::setBelt(const BeltSetup& belt) {
     const bool hasEncoder = belt.encoderA != inputCount || belt.encoderB != inputCount;
     const bool areInputs = !hasEncoder || (belt.encoderA < inputCount && belt.encoderB < inputCount &&
                                            belt.encoderA != belt.encoderB);
-    if (!areInputs || belt.barrier > inputCount) return false;
+    if (!areInputs || belt.barrier > inputCount || !Wave::areWithin(belt.pieces, Wave::fastestBelt))
+        return false;
     const auto isTooFast = [&](std::int32_t speed) {
         constexpr std::uint64_t thousandSteps = std::uint64_t{Wave::fastestEncoder} / 1000;
         return std::uint64_t(std::abs(std::int64_t{speed})) >

@@ -198,7 +198,8 @@ typedef struct vboard_edge {
     uint64_t tick;
     bool level;
 } vboard_edge;
-/** Connects a level with edges, sorted by their ticks. They are copied. */
+/** Connects a level with edges, sorted by their ticks. They are copied. VBOARD_UNKNOWN: a null array with a
+ *  count, or no such input. */
 int vboard_wave_edges(LOOMdevice* board, unsigned input, bool level, const vboard_edge* edges, size_t count);
 /** A number of ticks (at most 2^40) in which the speed changes linearly. Speeds are quarter steps of an
  *  encoder per second, negative backwards, at most ten million. */
@@ -206,7 +207,9 @@ typedef struct vboard_speed {
     uint64_t ticks;
     int32_t from, to;
 } vboard_speed;
-/** Connects an encoder to two inputs. It moves from the next tick on; the last piece's speed is kept. */
+/** Connects an encoder to two inputs. It moves from the next tick on; the speed at the end of the last piece, which may
+ *  have 0 ticks, is kept. The pieces are copied. VBOARD_UNKNOWN: a null array with a count, a speed or a number of
+ *  ticks above the maximum, or not two different inputs; nothing has changed then. */
 int vboard_wave_encoder(LOOMdevice* board, unsigned inputA, unsigned inputB, const vboard_speed* pieces,
                         size_t count);
 
@@ -268,8 +271,9 @@ typedef struct vboard_belt_setup {
     int64_t barrier_ahead;
 } vboard_belt_setup;
 /** Starts a belt, which is at position 0 at the next tick, in place of the one that was there, and connects encoder and
- *  barrier. The barrier has its first 65536 edges. VBOARD_UNKNOWN: a null board or setup, no such input, or the encoder
- *  would make more than ten million quarter steps a second; nothing has changed then. */
+ *  barrier. The barrier has its first 65536 edges. VBOARD_UNKNOWN: a null board or setup, no such input, a speed or a
+ *  number of ticks above the maximum, or the encoder would make more than ten million quarter steps a second; nothing has
+ *  changed then. */
 int vboard_belt(LOOMdevice* board, const vboard_belt_setup* belt);
 
 /** Something on the belt, in micrometres. The camera sees its front when the belt has moved to `place`. */

@@ -48,24 +48,28 @@ Wave Wave::edges(bool level, const std::vector<Edge>& edges) {
     return wave;
 }
 
-std::vector<SpeedPiece> Wave::limited(std::vector<SpeedPiece> pieces, std::int32_t fastest) {
-    for (SpeedPiece& piece : pieces) {
-        piece.ticks = std::min(piece.ticks, longestPiece);
-        piece.from = std::clamp(piece.from, -fastest, fastest);
-        piece.to = std::clamp(piece.to, -fastest, fastest);
-    }
+bool Wave::areWithin(const std::vector<SpeedPiece>& pieces, std::int32_t fastest) {
+    return std::ranges::all_of(pieces, [&](const SpeedPiece& piece) {
+        return piece.ticks <= longestPiece && std::max(piece.from, piece.to) <= fastest &&
+               std::min(piece.from, piece.to) >= -fastest;
+    });
+}
+
+std::vector<SpeedPiece> Wave::endless(std::vector<SpeedPiece> pieces) {
+    if (pieces.empty()) return pieces;
+    const std::int32_t last = pieces.back().to;
     std::erase_if(pieces, [](const SpeedPiece& piece) { return piece.ticks == 0; });
-    if (!pieces.empty()) pieces.push_back({0, pieces.back().to, pieces.back().to});
+    pieces.push_back({0, last, last});
     return pieces;
 }
 
 Wave Wave::encoder(Tick start, const std::vector<SpeedPiece>& pieces) {
-    return moving(start, limited(pieces, fastestEncoder), unitsOfOne);
+    return moving(start, endless(pieces), unitsOfOne);
 }
 
 Wave Wave::beltEncoder(Tick start, const std::vector<SpeedPiece>& pieces, std::uint32_t step) {
     constexpr std::int64_t unitsOfNanometre = unitsOfOne / 1000;
-    return moving(start, limited(pieces, fastestBelt), std::max(step, 1U) * unitsOfNanometre);
+    return moving(start, endless(pieces), std::max(step, 1U) * unitsOfNanometre);
 }
 
 Wave Wave::moving(Tick start, std::vector<SpeedPiece> pieces, std::int64_t unitsOfStep) {

@@ -34,8 +34,10 @@ public:
     static Wave beltEncoder(Tick start, const std::vector<SpeedPiece>& pieces, std::uint32_t step);
     static constexpr std::int32_t fastestEncoder = 10'000'000; // quarter steps per second
     static constexpr std::int32_t fastestBelt = 100'000'000;   // micrometres per second
-    /** The pieces without empty ones, within the limits, and a last one without end: its time is 0. */
-    static std::vector<SpeedPiece> limited(std::vector<SpeedPiece> pieces, std::int32_t fastest);
+    /** True if no speed is above `fastest`, in either direction, and no piece too long. */
+    static bool areWithin(const std::vector<SpeedPiece>& pieces, std::int32_t fastest);
+    /** The pieces without empty ones, and then the speed of the last one without end: its time is 0. */
+    static std::vector<SpeedPiece> endless(std::vector<SpeedPiece> pieces);
 
     /** Skips everything before `from`. An encoder starts to move there instead. */
     void begin(Tick from);

@@ -158,9 +158,25 @@ TEST_F(VirtualStation, ActsOnWritesWavesAndInjection) {
     const vboard_speed speed[] = {{1000, 1'250'000, 1'250'000}}; // ten quarter steps, then constant
     EXPECT_EQ(BOARD(vboard_wave_encoder)(device, 1, 2, speed, 1), VBOARD_OK);
     EXPECT_EQ(BOARD(vboard_wave_encoder)(device, 1, 1, speed, 1), VBOARD_UNKNOWN);
-    const std::uint64_t now = BOARD(vboard_now)(device);
-    BOARD(vboard_advance)(device, 1000);
-    EXPECT_EQ(BOARD(vboard_signals)(device, 22, now, now + 1000, nullptr, 0, nullptr), 5);
+    const auto edgesIn = [&](std::uint64_t ticks) {
+        const std::uint64_t now = BOARD(vboard_now)(device);
+        BOARD(vboard_advance)(device, ticks);
+        return BOARD(vboard_signals)(device, 22, now, now + ticks, nullptr, 0, nullptr);
+    };
+    EXPECT_EQ(edgesIn(1000), 5);
+    const vboard_speed fast[] = {{1, 10'000'001, 0}}, back[] = {{1, 0, INT32_MIN}},
+                       slow[] = {{(1ULL << 40) + 1, 0, 0}};
+    for (const vboard_speed* pieces : {fast, back, slow, static_cast<const vboard_speed*>(nullptr)})
+        EXPECT_EQ(BOARD(vboard_wave_encoder)(device, 1, 2, pieces, 1), VBOARD_UNKNOWN);
+    EXPECT_EQ(BOARD(vboard_wave_edges)(device, 1, false, nullptr, 1), VBOARD_UNKNOWN);
+    EXPECT_EQ(edgesIn(1000), 5) << "a refused wave changes nothing";
+    const vboard_speed always[] = {{0, 1'250'000, 1'250'000}}; // a last piece without time
+    EXPECT_EQ(BOARD(vboard_wave_encoder)(device, 1, 2, always, 1), VBOARD_OK);
+    EXPECT_EQ(edgesIn(1000), 5);
+    const vboard_speed stopping[] = {{1000, 1'250'000, 1'250'000}, {0, 0, 0}};
+    EXPECT_EQ(BOARD(vboard_wave_encoder)(device, 1, 2, stopping, 2), VBOARD_OK);
+    EXPECT_GT(edgesIn(1100), 0);
+    EXPECT_EQ(edgesIn(3000), 0) << "the last piece stops it, although it has no time";
     BOARD(vboard_memory_free)(memory);
 }
 
@@ -200,6 +216,8 @@ TEST_F(VirtualStation, RefusesInvalidCamerasBeltsAndScenes) {
     EXPECT_FALSE(isTaken({&speed, 1, 1, VBOARD_NO_INPUT, 100, 0, 0}));
     EXPECT_FALSE(isTaken({&speed, 1, 1, 2, 100, 12, 0}));
     EXPECT_FALSE(isTaken({nullptr, 1, 1, 2, 100, 0, 0}));
+    const vboard_speed fast{1, 100'000'001, 0};
+    EXPECT_FALSE(isTaken({&fast, 1, VBOARD_NO_INPUT, VBOARD_NO_INPUT, 0, VBOARD_NO_INPUT, 0}));
     EXPECT_FALSE(isTaken({&speed, 1, 1, 2, 100, 0, INT64_MIN}));
 
     const std::uint16_t pixels[3] = {1, 2, 3};

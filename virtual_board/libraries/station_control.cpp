@@ -18,12 +18,9 @@ static_assert(VBOARD_FASTEST_ENCODER == station::Wave::fastestEncoder);
 static_assert(VBOARD_INPUTS == station::inputCount);
 static_assert(VBOARD_TICKS_PER_SECOND == station::ticksPerSecond);
 
-/** Connects the wave that `make` returns for the next tick. */
-template <typename Make>
-int connect(LOOMdevice* board, unsigned input, Make make, std::size_t second = station::inputCount) {
-    return perform(board, [&](station::Station& station) {
-        return known(station.connect(input, make(station.from()), second));
-    });
+/** Connects the wave that `make` returns. */
+template <typename Make> int connect(LOOMdevice* board, unsigned input, Make make) {
+    return perform(board, [&](station::Station& station) { return known(station.connect(input, make())); });
 }
 
 vboard_record recordOf(const station::Record& record, std::span<const std::uint8_t> bytes) {
@@ -81,17 +78,18 @@ uint64_t vboard_advance(LOOMdevice* board, uint64_t ticks) {
 }
 
 int vboard_wave_level(LOOMdevice* board, unsigned input, bool level) {
-    return connect(board, input, [=](station::Tick) { return station::Wave::constant(level); });
+    return connect(board, input, [=] { return station::Wave::constant(level); });
 }
 
 int vboard_wave_square(LOOMdevice* board, unsigned input, uint64_t rise, uint64_t period, uint64_t high) {
-    return connect(board, input, [=](station::Tick) { return station::Wave::square(rise, period, high); });
+    return connect(board, input, [=] { return station::Wave::square(rise, period, high); });
 }
 
 int vboard_wave_edges(LOOMdevice* board, unsigned input, bool level, const vboard_edge* edges, size_t count) {
-    return connect(board, input, [=](station::Tick) {
+    if (edges == nullptr && count > 0) return VBOARD_UNKNOWN;
+    return connect(board, input, [=] {
         std::vector<station::Edge> copied;
-        for (std::size_t i = 0; edges != nullptr && i < count; ++i)
+        for (std::size_t i = 0; i < count; ++i)
             copied.push_back({edges[i].tick, edges[i].level});
         return station::Wave::edges(level, copied);
     });
@@ -104,13 +102,14 @@ int vboard_has_wave(LOOMdevice* board, unsigned input) {
 int vboard_wave_encoder(LOOMdevice* board, unsigned inputA, unsigned inputB, const vboard_speed* pieces,
                         size_t count) {
     if (inputB >= station::inputCount || inputA == inputB) return VBOARD_UNKNOWN;
-    const auto make = [=](station::Tick from) {
+    if (pieces == nullptr && count > 0) return VBOARD_UNKNOWN;
+    return perform(board, [&](station::Station& station) {
         std::vector<station::SpeedPiece> copied;
-        for (std::size_t i = 0; pieces != nullptr && i < count; ++i)
+        for (std::size_t i = 0; i < count; ++i)
             copied.push_back({pieces[i].ticks, pieces[i].from, pieces[i].to});
-        return station::Wave::encoder(from, copied);
-    };
-    return connect(board, inputA, make, inputB);
+        if (!station::Wave::areWithin(copied, station::Wave::fastestEncoder)) return int{VBOARD_UNKNOWN};
+        return known(station.connect(inputA, station::Wave::encoder(station.from(), copied), inputB));
+    });
 }
 
 void vboard_dma_rate(LOOMdevice* board, uint64_t bytesPerSecond) {
