@@ -9,11 +9,13 @@
 #include "vexo/fg_parameters.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <vector>
 
 namespace applet_tools {
@@ -100,13 +102,18 @@ std::vector<std::int64_t> lossesOf(Instance& instance);
 void requireStation(const BoardOptions& options, const applet_host::AppletHost& host,
                     const std::string& what);
 
-/** Advances the time in steps. Polls `goesOn` before each step; false if that returns false. */
+/** Advances the time in steps, or waits for it where it follows the clock. Polls `goesOn` before each step; false if
+ *  that returns false. */
 template <typename GoesOn> bool advance(Instance& instance, Ticks ticks, const GoesOn& goesOn) {
     constexpr Ticks piece = ticksPerSecond / 20;
+    constexpr std::chrono::milliseconds wait(1);
     const Ticks end = instance.board().now(instance.device()) + ticks;
     for (Ticks now = end - ticks; now < end;) {
         if (!goesOn(now)) return false;
         now = instance.board().advance(instance.device(), std::min(piece, end - now));
+        if (now != VBOARD_NOT_STEPPED) continue;
+        std::this_thread::sleep_for(wait);
+        now = instance.board().now(instance.device());
     }
     return true;
 }

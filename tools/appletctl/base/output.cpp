@@ -155,7 +155,7 @@ int print(const Report& report, const std::string& command, const Options& optio
         if (options.verbose) printProblem("appletctl: " + note);
     if (!isWritten) {
         if (isRead) std::cerr << name << ' ' << unwrittenOutput << '\n';
-        return exitRefused;
+        return isRead ? exitRefused : exitUnread;
     }
     return report.exitCode;
 }

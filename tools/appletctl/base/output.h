@@ -21,7 +21,8 @@ enum ExitCode {
     exitDifferent = 1, /**< result of "diff" */
     exitUsage = 2,
     exitUnavailable = 3, /**< applet, runtime, loader or board not available */
-    exitInterrupted = 130
+    exitInterrupted = 130,
+    exitUnread = 141 // as a shell shows for a program that SIGPIPE has ended
 };
 
 /** Sets the user's choices for all output of the process: --color, --plain, -q, --json. */

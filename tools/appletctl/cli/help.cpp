@@ -14,7 +14,7 @@ namespace appletctl {
 const char* const accessWords =
     "Access: ro read-only, rw writable, rw+ writable while an acquisition runs as well.";
 
-const ExitCodeMeaning exitCodes[5] = {
+const ExitCodeMeaning exitCodes[6] = {
     {"0", "done"},
     {"1",
      "refused by the applet, a value that could not be read, something lost of a configuration file, a "
@@ -26,6 +26,7 @@ const ExitCodeMeaning exitCodes[5] = {
      "the parameter's kind cannot hold. Nothing was set"},
     {"3", "the applet, the runtime, a library or a board is not available"},
     {"130", "interrupted"},
+    {"141", "the reader of the output has closed it; 'watch' and 'run' keep their own code"},
 };
 
 const char* const boardNotes =

@@ -31,7 +31,7 @@ struct ExitCodeMeaning {
     const char* code;
     const char* meaning;
 };
-extern const ExitCodeMeaning exitCodes[5];
+extern const ExitCodeMeaning exitCodes[6];
 
 } // namespace appletctl
 

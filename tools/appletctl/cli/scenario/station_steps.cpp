@@ -113,6 +113,15 @@ PictureView lastPicture(ScenarioRunner& runner) {
     return picture;
 }
 
+/** The state after the last step in which time passed. */
+const StationState& stateAfterTime(ScenarioRunner& runner) {
+    runner.board();
+    const StationState& state = runner.stationState();
+    if (state.losses.empty())
+        throw UsageError("no step has advanced the time yet: use 'advance' or 'grab' first");
+    return state;
+}
+
 /** Fields of a picture for expectations. */
 struct FrameField {
     const char* name;
@@ -337,8 +346,7 @@ void checkSignal(const Words& words) {
 }
 
 std::string expectSignal(ScenarioRunner& runner, const Step& step) {
-    runner.board();
-    const StationState& state = runner.stationState();
+    const StationState& state = stateAfterTime(runner);
     const StationSignal& signal = signalFrom(step.words[0]);
     const SignalMeasure& measure = measureFrom(step.words[1]);
     const double wanted = measureValue(measure, step.words[3]);
@@ -393,12 +401,11 @@ void checkLoss(const Words& words) {
 }
 
 std::string expectLoss(ScenarioRunner& runner, const Step& step) {
-    runner.board();
-    const auto& losses = runner.stationState().losses;
+    const auto& losses = stateAfterTime(runner).losses;
     for (std::size_t i = 0; i < lossKinds().size(); ++i) {
         const LossKind& kind = lossKinds()[i];
         if (kind.name != step.words[0]) continue;
-        const std::int64_t count = i < losses.size() ? losses[i] : 0;
+        const std::int64_t count = losses[i];
         if (relationFrom(step.words[1]).holds(static_cast<double>(count) <=> numberFrom(step.words[2])))
             return "";
         return std::string(kind.what) + ": " + numberText(count) +

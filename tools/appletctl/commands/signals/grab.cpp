@@ -166,7 +166,10 @@ public:
         writePages();
         finishEvents(run);
         finish(run, before);
-        if (m_outputError != 0 && m_outputError != EPIPE) fail(run, unwrittenOutput);
+        if (m_outputError == EPIPE)
+            run.report.exitCode = exitUnread;
+        else if (m_outputError != 0)
+            fail(run, unwrittenOutput);
         return std::move(run.report);
     }
 
