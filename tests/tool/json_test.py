@@ -314,7 +314,7 @@ class EveryCommand(unittest.TestCase):
                                       stderr=subprocess.PIPE) as closed:
                     os.close(writer)
                     _, err = closed.communicate(text.encode(), timeout=LONGEST)
-                self.check_no_crash(closed.returncode, "", err.decode(), (0, 1, 2, 3, -signal.SIGPIPE))
+                self.check_no_crash(closed.returncode, "", err.decode(), (0, 1, 2, 3, -signal.SIGPIPE, 128 + signal.SIGPIPE))
                 with subprocess.Popen([APPLETCTL, *words, "--json"], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
                                       stderr=subprocess.PIPE) as interrupted:
                     try:
