@@ -118,7 +118,7 @@ TEST_F(AppletctlTerminal, IsRedrawnByAWatch) {
     EXPECT_TRUE(contains(onTerminal({"watch", "-g", "Digital I/O", "--count", "1"}, plainTerminal),
                          " parameters are not shown: too few lines)"));
     const unsigned short columns = 20;
-    for (const unsigned short rows : {2, 3, 5})
+    for (const unsigned short rows : std::initializer_list<unsigned short>{2, 3, 5})
         EXPECT_TRUE(contains(onTerminal({"watch", "width", "--count", "1"}, plainTerminal, columns, rows),
                              "  FG_WIDTH  1024\r\n"))
             << rows << " lines: the value goes before all else";
