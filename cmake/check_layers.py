@@ -63,12 +63,10 @@ PAGE_DRAW = [*PAGE_BASE, "page/draw/*"]
 # matches within a folder, two stars also match subfolders.
 ROOMS = [
     ("include/vexo/**", HEADERS),
+    ("src/templates/platform/*", ["src/templates/platform/*"]),
     ("src/templates/**", LOCKS),
     ("src/support/**", SUPPORT),
     ("src/files/**", [*SUPPORT, "src/files/**"]),
-    # The published names and trees of the object, with the records that they are made of.
-    ("src/catalogue/build_parameter_info.cpp", [*CATALOGUE, *MEMBERS]),
-    ("src/catalogue/publish_parameter_tables.cpp", [*CATALOGUE, "src/entry/PublishedParameters.h"]),
     ("src/catalogue/**", CATALOGUE),
     # State and pure limits of a subject.
     ("src/image/*.h", [*CATALOGUE, "src/image/*.h"]),
@@ -77,6 +75,7 @@ ROOMS = [
     ("src/image/*.cpp", [*CATALOGUE, *MEMBERS, "src/image/*.h", "src/files/*.h"]),
     ("src/trigger/events.cpp", [*CATALOGUE, "src/trigger/*.h", "src/entry/PublishedParameters.h"]),
     ("src/trigger/*.cpp", [*CATALOGUE, *MEMBERS, "src/trigger/*.h"]),
+    ("src/entry/runtime/*", [*HEADERS, "src/entry/runtime/*"]),
     ("src/entry/**", [*HEADERS, "src/**"]),
     ("station/signals/**", SIGNALS),
     ("station/scene/**", SCENE),

@@ -66,7 +66,7 @@ public:
     virtual const char* appletVersionName() = 0;
     virtual int loadAppletId() = 0;
 
-    // ---- Bring-up: entry/runtime/runtime_binding.cpp; handles: entry/FgLoomWrapper.cpp
+    // ---- Bring-up: entry/runtime_binding.cpp; handles: entry/FgLoomWrapper.cpp
 
     /** Opens the runtime's library and looks its functions up. 0, or -2031 if it cannot be opened. */
     int initializeDllFunctions(const char* library);
@@ -82,7 +82,7 @@ public:
     static LOOMdevice* accessDeviceHandle(LOOMdevice* device);
     static fpga_design* accessDesignHandle(fpga_design* design);
 
-    // ---- The runtime's own parameters: entry/runtime/runtime_binding.cpp
+    // ---- The runtime's own parameters: entry/runtime_binding.cpp
 
     /** The runtime's id of a design parameter; 0 or less if there is none. */
     int getParameterIdByName(const char* name);

@@ -33,8 +33,8 @@ public:
 
     // ---- Bring-up
 
-    void publishParameterTables();      // catalogue/publish_parameter_tables.cpp
-    void buildParameterInfo() override; // catalogue/build_parameter_info.cpp
+    void publishParameterTables();      // entry/publish_parameter_tables.cpp
+    void buildParameterInfo() override; // entry/build_parameter_info.cpp
 
 protected:
     /** The live record of a parameter; null where the tree has none. */

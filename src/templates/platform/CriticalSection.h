@@ -2,7 +2,7 @@
 #ifndef TEMPLATES_PLATFORM_CRITICALSECTION_H
 #define TEMPLATES_PLATFORM_CRITICALSECTION_H
 
-#include "templates/patterns/GenericLock.h"
+#include "templates/platform/GenericLock.h"
 
 #include <atomic>
 #include <pthread.h>

@@ -2,7 +2,7 @@
 #ifndef TEMPLATES_PLATFORM_RECURSIVEMUTEX_H
 #define TEMPLATES_PLATFORM_RECURSIVEMUTEX_H
 
-#include "templates/patterns/Guard.h"
+#include "templates/platform/Guard.h"
 #include "templates/platform/assertion.h"
 #include "templates/platform/thread_annotations.h"
 

@@ -1,6 +1,6 @@
 /** Common base of all scoped guards of a lock. */
-#ifndef TEMPLATES_PATTERNS_GUARD_H
-#define TEMPLATES_PATTERNS_GUARD_H
+#ifndef TEMPLATES_PLATFORM_GUARD_H
+#define TEMPLATES_PLATFORM_GUARD_H
 
 namespace vexo::templates::patterns {
 

@@ -1,8 +1,8 @@
 /** The abstract lock and its guard. */
-#ifndef TEMPLATES_PATTERNS_GENERICLOCK_H
-#define TEMPLATES_PATTERNS_GENERICLOCK_H
+#ifndef TEMPLATES_PLATFORM_GENERICLOCK_H
+#define TEMPLATES_PLATFORM_GENERICLOCK_H
 
-#include "templates/patterns/Guard.h"
+#include "templates/platform/Guard.h"
 #include "templates/platform/assertion.h"
 #include "templates/platform/thread_annotations.h"
 
