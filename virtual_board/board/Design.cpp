@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <mutex>
 
 namespace vboard {
@@ -29,7 +30,6 @@ Settings& settings() {
 }
 
 std::array<std::atomic<bool>, std::size(runtimeEntries)> hiddenEntries;
-std::array<std::atomic<int>, Live::kinds> liveCounts;
 
 std::string extraEvent(int number) { return "Extra" + std::to_string(number); }
 
@@ -41,9 +41,6 @@ int findEvent(std::string_view name) {
 }
 
 } // namespace
-
-void Live::add(Kind kind, int number) { liveCounts[kind] += number; }
-int Live::count(Kind kind) { return liveCounts[kind]; }
 
 std::shared_ptr<const Design> Design::load() {
     const std::lock_guard lock(settingsMutex);

@@ -1,12 +1,12 @@
-/** A loaded design, and the process-wide settings that the next one is made from. */
+/** A loaded design, and the process-wide settings that the next one, and the runtime bound to it, are made from. */
 #ifndef VIRTUAL_BOARD_BOARD_DESIGN_H
 #define VIRTUAL_BOARD_BOARD_DESIGN_H
 
+#include "virtual_board/board/Live.h"
+
 #include "vexo/design_loader.h"
 
-#include <atomic>
 #include <cstddef>
-#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -14,23 +14,6 @@
 #include <vector>
 
 namespace vboard {
-
-/** Counts the objects of each kind that exist in the process. */
-class Live {
-public:
-    enum Kind { boards, designs, handles, strings, kinds };
-
-    explicit Live(Kind kind) : m_kind(kind) { add(kind, 1); }
-    ~Live() { add(m_kind, -1); }
-    Live(const Live&) = delete;
-    Live& operator=(const Live&) = delete;
-
-    static void add(Kind kind, int number);
-    static int count(Kind kind);
-
-private:
-    Kind m_kind;
-};
 
 /** The content of a design: the settings at the time of its load. It never changes. */
 class Design {
