@@ -183,10 +183,9 @@ Value readValue(const AppletFunctions& applet, Fg_Struct* fg, const RegisterInfo
     if (record.kind == REGISTER_KIND_STRING) {
         char* text = nullptr;
         code = applet.Fg_getParameterWithType(fg, record.id, &text, 0, FG_PARAM_ALLOCATED_STRING);
-        if (code == FG_OK) {
-            value = std::string(text);
+        value = std::string(code == FG_OK && text != nullptr ? text : "");
+        if (code == FG_OK && text != nullptr)
             applet.Fg_freeParameterStringWithType(fg, record.id, text, 0, FG_PARAM_ALLOCATED_STRING);
-        }
     } else if (record.kind == REGISTER_KIND_UINT_FIELD) {
         std::vector<std::uint32_t> elements(static_cast<std::size_t>(record.value.u32Field.elementCount));
         FieldParameterAccess access = fieldOf(elements);

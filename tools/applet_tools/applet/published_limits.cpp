@@ -82,8 +82,9 @@ std::vector<Entry> entriesOf(const Parameter& parameter) {
     if (parameter.kind() != REGISTER_KIND_ENUM) return entries;
     const auto& enumeration = parameter.record->value.enumeration;
     for (int i = 0; i < enumeration.entryCount; ++i) {
-        entries.push_back(
-            {enumeration.values[i], toUtf8(enumeration.symbolicNames[i]), toUtf8(enumeration.labels[i])});
+        const char* const symbol =
+            enumeration.symbolicNames != nullptr ? enumeration.symbolicNames[i] : nullptr;
+        entries.push_back({enumeration.values[i], toUtf8(symbol), toUtf8(enumeration.labels[i])});
     }
     return entries;
 }
