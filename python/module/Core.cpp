@@ -53,9 +53,9 @@ Unlocked::~Unlocked() {
     }
 }
 
-Core* constructedCore(PyObject* object) {
+void* constructed(PyObject* object) {
     auto holder = reinterpret_cast<py::detail::instance*>(object)->get_value_and_holder();
-    return holder.holder_constructed() ? holder.value_ptr<Core>() : nullptr;
+    return holder.holder_constructed() ? holder.value_ptr<void>() : nullptr;
 }
 
 void advance(const Core& core, std::uint64_t ticks) {
@@ -126,6 +126,13 @@ void Core::close() {
     vexo_stop(held.get());
 }
 
+const Row& Core::row(std::size_t index) const {
+    if (index >= m_rows.size())
+        throw py::index_error("there is no parameter " + std::to_string(index) + " of " +
+                              std::to_string(m_rows.size()));
+    return m_rows[index];
+}
+
 std::size_t Core::find(const std::string& name) const {
     int id = 0;
     const char* const words = textFor(name);
@@ -158,6 +165,7 @@ py::object Core::read(const Row& row) const {
     case VEXO_FIELD: {
         const py::object values = function("numpy", "empty")(row.elements, "uint32");
         readElements(row, 0, values.cast<py::buffer>());
+        values.attr("setflags")(false); // a change of it would not reach the station
         return values;
     }
     case VEXO_UINT64: {

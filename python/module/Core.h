@@ -67,7 +67,8 @@ public:
 
     /** The names of all parameters, each with its index in the table of rows. */
     const py::dict& names() const { return m_names; }
-    const Row& row(std::size_t index) const { return m_rows[index]; }
+    /** Raises IndexError. */
+    const Row& row(std::size_t index) const;
     /** The index of the row for any name that vexo_id knows. */
     std::size_t find(const std::string& name) const;
 
@@ -140,8 +141,9 @@ private:
 /** Advances stepped time in pieces, between which a signal such as Ctrl-C ends it. */
 void advance(const Core& core, std::uint64_t ticks);
 
-/** Null if the constructor has not run, or has failed. */
-Core* constructedCore(PyObject* object);
+/** The object of a class of this module; null if its constructor has not run, or has failed. */
+void* constructed(PyObject* object);
+inline Core* constructedCore(PyObject* object) { return static_cast<Core*>(constructed(object)); }
 
 /** Lets `station.NAME` read and set parameters. */
 void giveAttributes(PyHeapTypeObject* type);
@@ -154,6 +156,15 @@ template <> struct pybind11::detail::type_caster<python::Core> : type_caster_bas
         if (isinstance<python::Core>(source) && python::constructedCore(source.ptr()) == nullptr)
             python::throwClosed();
         return type_caster_base<python::Core>::load(source, convert);
+    }
+};
+
+/** The same for a Record, which raises TypeError. */
+template <> struct pybind11::detail::type_caster<vexo_picture> : type_caster_base<vexo_picture> {
+    bool load(handle source, bool convert) {
+        if (isinstance<vexo_picture>(source) && python::constructed(source.ptr()) == nullptr)
+            throw type_error("a Record comes with a picture, and this one is empty");
+        return type_caster_base<vexo_picture>::load(source, convert);
     }
 };
 

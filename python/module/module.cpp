@@ -5,6 +5,9 @@
 #include <pybind11/stl.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <tuple>
+#include <type_traits>
 
 namespace python {
 
@@ -19,9 +22,11 @@ std::vector<const char*> pointersTo(const Texts& texts) {
     return pointers;
 }
 
-/** The bytes of a picture. Raises ValueError if the array is smaller or has gaps. */
+/** The bytes of a picture. Raises ValueError if the array is smaller or has gaps, TypeError if it has objects. */
 py::buffer_info bytesOf(const vexo_picture& picture, const py::buffer& buffer, bool written) {
     py::buffer_info info = buffer.request(written);
+    if (info.format.find('O') != std::string::npos)
+        throw py::type_error("the picture needs an array of numbers; the given one has objects");
     const auto bytes = static_cast<std::uint64_t>(info.size * info.itemsize);
     if (!PyBuffer_IsContiguous(info.view(), 'C') || bytes < picture.size)
         throw py::value_error("the picture needs a contiguous array of " + std::to_string(picture.size) +
@@ -29,24 +34,68 @@ py::buffer_info bytesOf(const vexo_picture& picture, const py::buffer& buffer, b
     return info;
 }
 
+/** A field of vexo_picture. */
+template <typename Member> struct RecordField {
+    const char* name;
+    Member vexo_picture::*member;
+    const char* about;
+};
+
+constexpr std::tuple recordFields{
+    RecordField{"number", &vexo_picture::number, "from 1, in an acquisition"},
+    RecordField{"size", &vexo_picture::size, "bytes"},
+    RecordField{"width", &vexo_picture::width, "pixels of a line"},
+    RecordField{"height", &vexo_picture::height, "lines"},
+    RecordField{"stride", &vexo_picture::stride, "bytes from line to line"},
+    RecordField{"bits", &vexo_picture::bits, "of a component: 8, 10, 12, 14 or 16"},
+    RecordField{"first_line", &vexo_picture::first_line, "tick at which the first line came"},
+    RecordField{"last_line", &vexo_picture::last_line, "tick at which the last line came"},
+    RecordField{"arrival", &vexo_picture::arrival, "tick at which the picture was complete"},
+    RecordField{"lost_before", &vexo_picture::lost_before, "images lost since the previous picture"},
+    RecordField{"trigger", &vexo_picture::trigger, "number of the start that it belongs to, from 1"},
+    RecordField{"encoder", &vexo_picture::encoder,
+                "position of the encoder at the first line, quarter steps"},
+    RecordField{"is_short", &vexo_picture::is_short, "fewer lines than an image has"},
+    RecordField{"is_narrow", &vexo_picture::is_narrow, "the source's lines were narrower than the width"},
+};
+
+/** "Record(number=1, size=3072, ...)". */
+std::string shownRecord(const vexo_picture& picture) {
+    std::string text;
+    const auto add = [&](const auto& field) {
+        text += std::string(text.empty() ? "" : ", ") + field.name + "=" +
+                std::string(py::str(py::cast(picture.*field.member)));
+    };
+    std::apply([&](const auto&... fields) { (add(fields), ...); }, recordFields);
+    return "Record(" + text + ")";
+}
+
+/** The fields in their order, to be pickled. */
+py::tuple stateOf(const vexo_picture& picture) {
+    return std::apply([&](const auto&... fields) { return py::make_tuple(picture.*fields.member...); },
+                      recordFields);
+}
+
+vexo_picture pictureFrom(const py::tuple& state) {
+    if (state.size() != std::tuple_size_v<decltype(recordFields)>)
+        throwInvalid("this is not the state of a Record");
+    vexo_picture picture{};
+    std::size_t index = 0;
+    const auto take = [&](const auto& field) {
+        picture.*field.member = state[index++].cast<std::decay_t<decltype(picture.*field.member)>>();
+    };
+    std::apply([&](const auto&... fields) { (take(fields), ...); }, recordFields);
+    return picture;
+}
+
 void bindRecord(py::module_& module) {
-    py::class_<vexo_picture>(module, "Record", "How a picture was taken. Times are ticks of 8 ns.")
-        .def_readonly("number", &vexo_picture::number, "from 1, in an acquisition")
-        .def_readonly("size", &vexo_picture::size, "bytes")
-        .def_readonly("width", &vexo_picture::width, "pixels of a line")
-        .def_readonly("height", &vexo_picture::height, "lines")
-        .def_readonly("stride", &vexo_picture::stride, "bytes from line to line")
-        .def_readonly("bits", &vexo_picture::bits, "of a component: 8, 10, 12, 14 or 16")
-        .def_readonly("first_line", &vexo_picture::first_line, "tick at which the first line came")
-        .def_readonly("last_line", &vexo_picture::last_line, "tick at which the last line came")
-        .def_readonly("arrival", &vexo_picture::arrival, "tick at which the picture was complete")
-        .def_readonly("lost_before", &vexo_picture::lost_before, "images lost since the previous picture")
-        .def_readonly("trigger", &vexo_picture::trigger, "number of the start that it belongs to, from 1")
-        .def_readonly("encoder", &vexo_picture::encoder,
-                      "position of the encoder at the first line, quarter steps")
-        .def_readonly("is_short", &vexo_picture::is_short, "fewer lines than an image has")
-        .def_readonly("is_narrow", &vexo_picture::is_narrow,
-                      "the source's lines were narrower than the width");
+    py::class_<vexo_picture> record(module, "Record", "How a picture was taken. Times are ticks of 8 ns.");
+    std::apply(
+        [&](const auto&... fields) { (record.def_readonly(fields.name, fields.member, fields.about), ...); },
+        recordFields);
+    record.def("__repr__", shownRecord)
+        .def(py::pickle([](const vexo_picture& picture) { return stateOf(picture); },
+                        [](const py::tuple& state) { return pictureFrom(state); }));
 }
 
 py::tuple describe(const Core& core, std::size_t index) {

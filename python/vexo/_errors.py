@@ -47,7 +47,7 @@ class Refused(Error, ValueError):
 
 
 class UnknownName(Error, AttributeError, KeyError):
-    """No parameter, event or entry has that name; `suggestions` has the nearest names."""
+    """No parameter or event has that name; `suggestions` has the nearest names."""
 
     def __init__(self, details: dict):
         super().__init__(details)

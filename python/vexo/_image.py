@@ -40,16 +40,37 @@ class Image(numpy.ndarray):
         """The same memory as a plain array of red, green, blue."""
         return self.view(numpy.ndarray)[..., ::-1]
 
+    def _written(self) -> numpy.ndarray:
+        """The bytes of the picture, as it is now."""
+        if self.record is None:
+            raise ValueError("this is a part of a picture, and only a whole one can be written")
+        if self.record.bits in (8, 16):
+            return self._bytes
+        data = numpy.empty(self.record.size, numpy.uint8)  # the array is a copy of the packed bits
+        _vexo.pack(self.record, numpy.ascontiguousarray(self), data)
+        return data
+
     def write(self, file: str | os.PathLike) -> None:
         """Writes the picture in the format of the suffix: .png, .tiff, .ppm or .raw. InvalidArgument for a component
         that was changed to more than its bits hold."""
+        _vexo.write_picture(self.record, self._written(), os.fsencode(file))
+
+    def copy(self, order: str = "C") -> Image:
+        """A copy in memory of its own. That of a whole picture has its record."""
         if self.record is None:
-            raise ValueError("this is a part of a picture, and only a whole one can be written")
-        data = self._bytes
-        if self.record.bits not in (8, 16):  # the array is a copy of the packed bits
-            data = numpy.empty(self.record.size, numpy.uint8)
-            _vexo.pack(self.record, numpy.ascontiguousarray(self), data)
-        _vexo.write_picture(self.record, data, os.fspath(file))
+            return super().copy(order)
+        return image_of(self.record, self._written().copy())
+
+    def __copy__(self) -> Image:
+        return self.copy()
+
+    def __deepcopy__(self, memo: dict) -> Image:
+        return self.copy()
+
+    def __reduce__(self):
+        if self.record is None:
+            return numpy.array(self).__reduce__()
+        return image_of, (self.record, self._written())
 
     def _repr_png_(self) -> bytes | None:
         if self.record is None:
@@ -61,19 +82,25 @@ class Image(numpy.ndarray):
                 return written.read()
 
 
-def render(station: Station, record: _vexo.Record, out: numpy.ndarray | None) -> Image:
-    """The picture, in the memory of `out` if it is given."""
-    data = numpy.empty(record.size, numpy.uint8) if out is None else out
-    station._render(record, data)
-    flat = data.reshape(-1).view(numpy.uint8)[: record.size]
+def image_of(record: _vexo.Record, data: numpy.ndarray) -> Image:
+    """The picture that these bytes hold."""
     shape = (record.height, record.width, 3)
     if record.bits in (8, 16):
         dtype = numpy.dtype(f"u{record.bits // 8}")
-        image = numpy.ndarray.__new__(Image, shape, dtype, flat, 0, (record.stride, 3 * dtype.itemsize, dtype.itemsize))
+        image = numpy.ndarray.__new__(Image, shape, dtype, data, 0, (record.stride, 3 * dtype.itemsize, dtype.itemsize))
     else:
         pixels = numpy.empty(shape, numpy.uint16)
-        _vexo.unpack(record, flat, pixels)
+        _vexo.unpack(record, data, pixels)
         image = pixels[..., ::-1].view(Image)
     image.record = record
-    image._bytes = flat
+    image._bytes = data
     return image
+
+
+def render(station: Station, record: _vexo.Record, out: numpy.ndarray | None) -> Image:
+    """The picture, in the memory of `out` if it is given."""
+    if out is not None and not isinstance(out, numpy.ndarray):
+        raise TypeError(f"out is a numpy array, not {type(out).__name__}")
+    data = numpy.empty(record.size, numpy.uint8) if out is None else out
+    station._render(record, data)
+    return image_of(record, data.reshape(-1).view(numpy.uint8)[: record.size])

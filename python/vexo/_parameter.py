@@ -6,6 +6,7 @@ from typing import TYPE_CHECKING, Any
 
 from . import _html
 from ._answers import Limits, Why
+from ._errors import Error, WrongKind
 from ._values import Entry, Range, elements_of
 
 if TYPE_CHECKING:
@@ -51,12 +52,12 @@ class Parameter:
 
     @property
     def is_number(self) -> bool:
-        """True if it has a range."""
+        """True if it is a number; a range is published for most of them."""
         return self.kind not in ("text", "enumeration")
 
     @property
     def range(self) -> Range:
-        """The published range; what setters accept may be less: `limits`."""
+        """The published range; what setters accept may be less: `limits`. WrongKind where there is none."""
         return Range(*self._station._range(self._index))
 
     @property
@@ -109,8 +110,6 @@ class Parameter:
     __iter__ = None  # a field is iterated by its value
 
     def _shown(self) -> str:
-        from ._errors import Error
-
         if self.read_effect:
             return f"not read, since a read {self.read_effect}"
         try:
@@ -121,14 +120,21 @@ class Parameter:
     def _range_shown(self) -> str:
         if not self.is_number:
             return ", ".join(map(str, self.entries))
-        low, high, step = self.range
+        try:
+            low, high, step = self.range
+        except WrongKind:
+            return ""
         return f"{low:.12g} to {high:.12g}" + (f" in steps of {step:.12g}" if step else "")
 
     def __repr__(self) -> str:
+        if not self._station.is_open:
+            return f"<{self.name} of a closed station>"
         about = ", ".join(filter(None, (self._range_shown(), self.access)))
         return f"<{self.name} = {self._shown()}; {about}>"
 
     def _repr_html_(self) -> str:
+        if not self._station.is_open:
+            return _html.preformatted(repr(self))
         rows = [("value", self._shown()), ("range" if self.is_number else "entries", self._range_shown()),
                 ("access", self.access), ("group", self.group), ("", self.description)]
         curve = _html.curve(self.value) if self.kind == "field" and not self.read_effect else ""

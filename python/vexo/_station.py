@@ -7,7 +7,7 @@ from typing import TYPE_CHECKING, Any, Iterator
 
 from . import _html, _vexo
 from ._answers import Findings, Limits, Plan, Why
-from ._errors import UnknownName, closed, invalid
+from ._errors import Timeout, UnknownName, closed, invalid
 from ._parameter import Parameter
 from ._values import Event, assignments_of, assumed, number, text, whole
 
@@ -32,8 +32,12 @@ _CAMERA = """{"station": 1, "camera": {"width": 4096}, "scene": {"image": "chart
 _DESCRIPTORS = os.path.join(os.path.dirname(__file__), "lib", "vexo", "virtual-board", "descriptors.mcf")
 
 
-def _text(path: Path | None) -> str | None:
-    return None if path is None else os.fspath(path)
+def _path(path: Path) -> bytes:
+    return os.fsencode(path)  # a name of a file may be any bytes
+
+
+def _optional(path: Path | None) -> bytes | None:
+    return None if path is None else _path(path)
 
 
 def _link_descriptors() -> None:
@@ -74,7 +78,7 @@ class Station(_vexo.Core):
         _link_descriptors()
         whole("board", board, _VIRTUAL, _SYSTEM)
         flags = (_LOOK if look else 0) | (0 if advice else _NO_ADVICE)
-        super().__init__(board, flags, _text(library_dir), _text(applet), _text(bridge), _text(station))
+        super().__init__(board, flags, *map(_optional, (library_dir, applet, bridge, station)))
         self._parameters: dict[str, Parameter] = {}
 
     @classmethod
@@ -141,15 +145,17 @@ class Station(_vexo.Core):
     def set(self, values: dict[str, Any] | None = None, /, *, any_order: bool = False, **named: Any) -> None:
         """Sets all or none: `set(FG_WIDTH=2048, FG_HEIGHT=512)`. With `any_order`, an order is found in which all
         are accepted. A dictionary also takes names such as "FG_LUT_VALUE_RED[0..255]"."""
+        if not isinstance(any_order, bool):
+            raise TypeError(f"any_order is True or False, not {any_order!r}")
         self._set_all(assignments_of(values or {}, named), any_order)
 
     def save(self, file: Path) -> None:
         """Saves the parameters to a configuration file, whose name must contain ".mcf"."""
-        self._save(os.fspath(file))
+        self._save(_path(file))
 
     def load(self, file: Path) -> None:
         """Loads a configuration file; `losses(file)` says before which of its values are refused."""
-        self._load(os.fspath(file))
+        self._load(_path(file))
 
     def document(self) -> str:
         """The XML document (GenApi 1.0) of the parameters with their present limits."""
@@ -179,7 +185,7 @@ class Station(_vexo.Core):
 
     def losses(self, file: Path) -> Findings:
         """What a load of the configuration file would lose."""
-        return Findings(self._check(os.fspath(file)))
+        return Findings(self._check(_path(file)))
 
     def lint(self) -> Findings:
         """Which settings are accepted, but probably not intended."""
@@ -216,7 +222,7 @@ class Station(_vexo.Core):
 
             self._set_up_text(json.dumps(station), None)
         else:
-            self._set_up(os.fspath(station))
+            self._set_up(_path(station))
 
     @property
     def events(self) -> dict[str, int]:
@@ -236,16 +242,20 @@ class Station(_vexo.Core):
 
     def pictures(self, count: int | None = None, *, timeout: float = 1.0, wall: float | None = None, frames: int = 4,
                  ring: bool = False, out: numpy.ndarray | None = None) -> Pictures:
-        """Starts an acquisition: so many pictures, or without end. It ends with the last one, with close(), or at the
-        end of a with block.
+        """Starts an acquisition: so many pictures, or without end. It ends with the last one, with close() or stop(),
+        or at the end of a with block; after a Timeout it goes on.
 
         timeout   for each picture, in seconds of the station's time; then Timeout says why none came
         wall      the same in seconds of the wall clock
         frames    of the memory, 1 to 65536
         ring      a full memory overwrites the oldest picture, instead of letting the acquisition wait
-        out       contiguous memory for the bytes of a picture, used for each one
+        out       contiguous array for the bytes of a picture, used for each one
         """
         return Pictures(self, count, timeout, wall, frames, ring, out)
+
+    def stop(self) -> None:
+        """Ends the acquisition that runs; without one, does nothing."""
+        self._stop()
 
     def grab(self, *, timeout: float = 1.0, wall: float | None = None, out: numpy.ndarray | None = None) -> Image:
         """One picture; the arguments are those of pictures()."""
@@ -271,7 +281,7 @@ class Station(_vexo.Core):
 
 class Pictures:
     """The pictures of a running acquisition, each made when it is reached: an iterator and a context manager. Several
-    threads may iterate over it, and share its pictures."""
+    threads may iterate over it, and share its pictures: one waits for the next, while the others make theirs."""
 
     def __init__(self, station: Station, count: int | None, timeout: float, wall: float | None, frames: int,
                  ring: bool, out: numpy.ndarray | None):
@@ -281,7 +291,9 @@ class Pictures:
         self._timeout, self._wall = number("timeout", timeout), _wall(wall)
         self._lock = threading.Lock()  # guards _left and _taking
         self._taking = 0  # pictures that threads are taking
-        station._start(whole("frames", frames, 1, 65536), self._ring)
+        self._waiting = threading.Lock()  # of the thread that waits for the next picture
+        self._free = threading.Semaphore(whole("frames", frames, 1, 65536))  # frames without a picture being made
+        station._start(frames, self._ring)
         self._is_running = True
 
     def __iter__(self) -> Pictures:
@@ -289,34 +301,47 @@ class Pictures:
 
     def __next__(self) -> Image:
         with self._lock:
-            is_over = self._left == 0 or not self._is_running
-            is_last = is_over and self._taking == 0
-            if not is_over:
-                self._taking += 1
-                if self._left is not None:
-                    self._left -= 1
-        if is_last:
-            self.close()
-        if is_over:
-            raise StopIteration
+            if self._left == 0 or not self._is_running:
+                raise StopIteration
+            self._taking += 1
+            if self._left is not None:
+                self._left -= 1
         image = None
         try:
-            image = self._take()
+            with self._free:
+                image = self._take()
+        except Timeout:
+            raise
+        except BaseException:  # such as Ctrl-C
+            self.close()
+            raise
         finally:
-            with self._lock:
-                self._taking -= 1
-                if image is None and self._left is not None:
-                    self._left += 1
+            self._finish(image is not None)
+        if image is None:
+            raise StopIteration
         return image
 
-    def _take(self) -> Image:
+    def _take(self) -> Image | None:
+        """The next picture; None if the acquisition has ended."""
         from ._image import render
 
-        record = self._station._wait_picture(0, self._timeout, self._wall)
+        with self._waiting:
+            if not self._is_running:
+                return None
+            record = self._station._wait_picture(0, self._timeout, self._wall)
         image = render(self._station, record, self._out)
         if not self._ring:
             self._station._release(record.number)
         return image
+
+    def _finish(self, is_taken: bool) -> None:
+        with self._lock:
+            self._taking -= 1
+            if not is_taken and self._left is not None:
+                self._left += 1
+            is_last = self._left == 0 and self._taking == 0
+        if is_last:
+            self.close()
 
     def close(self) -> None:
         """Ends the acquisition; a second time, does nothing."""

@@ -133,6 +133,14 @@ def test_a_parameter_describes_itself(station):
     assert {"FG_WIDTH", "grab"} <= set(dir(station)) and len(list(station)) == len(station) > 100
 
 
+def test_every_parameter_can_be_shown(small):
+    shown = [repr(parameter) + parameter._repr_html_() for parameter in small]
+    assert len(shown) == len(small)
+    width = small["FG_WIDTH"]
+    small.close()
+    assert "closed" in repr(width) and "closed" in width._repr_html_()
+
+
 def test_what_a_notebook_shows(small):
     assert "<td" in small["FG_WIDTH"]._repr_html_() and "64 pixel" in small["FG_WIDTH"]._repr_html_()
     assert small["FG_LUT_VALUE_RED"]._repr_html_().count(",") > 200, "a curve"
@@ -322,8 +330,8 @@ def test_a_station_that_was_never_opened_is_closed():
             use()
 
 
-@pytest.mark.parametrize("ring", [False, True])
-def test_threads_share_pictures(small, ring):
+@pytest.mark.parametrize("ring, frames", [(False, 1000), (True, 1000), (False, 1)])
+def test_threads_share_pictures(small, ring, frames):
     taken, lock = [], threading.Lock()
 
     def take(pictures):
@@ -331,13 +339,74 @@ def test_threads_share_pictures(small, ring):
             with lock:
                 taken.append((image.record.number, image.shape))
 
-    with small.pictures(60, ring=ring, frames=1000) as pictures:
+    with small.pictures(60, ring=ring, frames=frames) as pictures:
         threads = [threading.Thread(target=take, args=(pictures,)) for _ in range(3)]
         for thread in threads:
             thread.start()
         for thread in threads:
             thread.join()
     assert sorted(taken) == [(number, (16, 64, 3)) for number in range(1, 61)]
+
+
+def test_each_thread_waits_its_own_time_for_a_picture(small):
+    small.FG_HEIGHT = 512  # a picture takes 102 ms, so the second one of two comes after 204
+    taken = []
+    with small.pictures(6, timeout=0.15) as pictures:
+        threads = [threading.Thread(target=lambda: taken.extend(pictures)) for _ in range(3)]
+        for thread in threads:
+            thread.start()
+        for thread in threads:
+            thread.join()
+    assert sorted(image.record.number for image in taken) == [1, 2, 3, 4, 5, 6]
+
+
+def test_an_acquisition_ends_with_its_last_picture_and_can_be_stopped(small):
+    pictures = small.pictures(1)
+    next(pictures)
+    small.grab()
+    small.FG_HEIGHT = 4096
+    running = small.pictures(timeout=0.001)
+    with pytest.raises(vexo.Timeout):
+        next(running)
+    with pytest.raises(vexo.NotNow, match="stop"):
+        small.grab()
+    small.stop()
+    small.stop()
+    assert small.grab().record.number == 1
+
+
+def test_copies_of_a_picture_are_pictures(small, tmp_path):
+    for form in ("FG_COL24", "FG_COL36"):
+        small.FG_FORMAT = form
+        image = small.grab()
+        image[0, 0] = 3
+        for again in (image.copy(), copy.copy(image), copy.deepcopy(image), pickle.loads(pickle.dumps(image))):
+            assert numpy.array_equal(again, image) and not numpy.shares_memory(again, image)
+            assert (again.tick, repr(again.record)) == (image.tick, repr(image.record))
+            again.write(tmp_path / "copy.raw")
+            image.write(tmp_path / "image.raw")
+            assert (tmp_path / "copy.raw").read_bytes() == (tmp_path / "image.raw").read_bytes()
+    part = image[2:4]
+    assert part.copy().record is None and pickle.loads(pickle.dumps(part)).tolist() == part.tolist()
+    assert repr(image.record).startswith("Record(number=1, size=")
+
+
+def test_what_is_not_a_picture_or_parameter_is_refused(small):
+    for out, error in (([None] * 500, TypeError), (bytearray(5000), TypeError), (numpy.array([None] * 500), TypeError),
+                       (numpy.empty(8, numpy.uint8), ValueError)):
+        with pytest.raises(error, match="out|array"):
+            small.grab(out=out)
+        small.stop()
+    with pytest.raises(TypeError, match="empty"):
+        vexo.Record.__new__(vexo.Record).number
+    with pytest.raises(IndexError, match="99999"):
+        vexo.Parameter(small, 99999)
+    with pytest.raises(TypeError, match="any_order"):
+        small.set({}, any_order="no")
+    with pytest.raises(ValueError, match="read-only"):
+        small.FG_LUT_VALUE_RED[4] = 7
+    with pytest.raises(vexo.FileError):
+        small.save("nowhere/\udcff.mcf")
 
 
 BUSY = ["while True: s.wait_event('FG_TRIGGER_INPUT2_RISING', timeout=0.01)", "while True: s.FG_WIDTH = 64",
