@@ -43,7 +43,7 @@ MemoryFile::MemoryFile() : m_descriptor(memfd_create("appletctl", MFD_CLOEXEC)) 
     if (m_descriptor < 0) fail("made");
     // The applet does not report failed writes, so check beforehand that there is enough memory.
     constexpr off_t room = 1 << 16;
-    if (fallocate(m_descriptor, 0, 0, room) == 0) return;
+    if (fallocate(m_descriptor, FALLOC_FL_KEEP_SIZE, 0, room) == 0) return;
     const int reason = errno;
     close(m_descriptor);
     errno = reason;
