@@ -6,9 +6,13 @@
 
 #include <unistd.h>
 
+#include <condition_variable>
 #include <csignal>
 #include <iostream>
+#include <mutex>
+#include <stop_token>
 #include <string_view>
+#include <thread>
 #include <utility>
 
 namespace appletctl {
@@ -54,6 +58,20 @@ void Progress::update() {
     // The line must not wrap, as the second row would not be erased.
     if (const std::size_t width = lineWidth(STDERR_FILENO); line.size() >= width) line.resize(width - 1);
     std::cerr << '\r' << Style::forStream(STDERR_FILENO).faint(line) << "\033[K" << std::flush;
+}
+
+void withProgress(const std::string& title, const std::function<void()>& work) {
+    Progress progress(title);
+    const auto interval = progress.interval();
+    if (interval < 0ms) return work();
+    const std::jthread updates([&](const std::stop_token& end) {
+        std::mutex mutex;
+        std::unique_lock lock(mutex);
+        std::condition_variable_any isOver;
+        while (!isOver.wait_for(lock, end, interval, [&] { return end.stop_requested(); }))
+            progress.update();
+    });
+    work();
 }
 
 } // namespace appletctl

@@ -6,6 +6,7 @@
 #include "appletctl/base/applet_tools.h"
 
 #include <chrono>
+#include <functional>
 #include <string>
 
 namespace appletctl {
@@ -32,6 +33,9 @@ private:
     bool m_isShown = false;
     bool m_endsBySignal = false; // Ctrl-C ends the program; otherwise it is handled elsewhere
 };
+
+/** Does work that gives no sign of its own, and shows meanwhile that it goes on. */
+void withProgress(const std::string& title, const std::function<void()>& work);
 
 } // namespace appletctl
 

@@ -6,12 +6,15 @@
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"
 #include "applet_tools/scratch/refusal.h"
+#include "appletctl/base/Progress.h"
 #include "appletctl/base/layout.h"
 #include "appletctl/cli/station_client.h"
 #include "appletctl/commands/assignment_report.h"
 #include "appletctl/commands/jobs.h"
 #include "appletctl/commands/shared_options.h"
 #include "appletctl/commands/signals/trace.h"
+
+#include "vexo/fg_errors.h"
 
 #include <unistd.h>
 
@@ -181,7 +184,9 @@ private:
     void applyWith(const WithOption& with) {
         Instance& instance = m_context.instance();
         if (!with.file.empty()) {
-            const int code = loadConfiguration(instance, with.file);
+            int code = FG_OK;
+            withProgress("loading " + shownFile(with.file),
+                         [&] { code = loadConfiguration(instance, with.file); });
             if (code < 0) throw Failure("--from: " + failedLoad(with.file, code));
         }
         const Report done = m_context.hasScratch() ? applyLive(m_context, with.assignments)

@@ -134,9 +134,10 @@ constexpr Example firstSteps[] = {
 /** For a command its own examples, for a group the first one of each of its commands. */
 std::vector<HelpEntry> examplesOf(const CLI::App& app, const Command* command) {
     std::vector<HelpEntry> examples;
+    const bool isOfShell = command != nullptr && command->kind == Command::Kind::ofShell;
+    const std::string program = isOfShell ? "" : "appletctl ";
     const auto add = [&](const Example& example) {
-        if (example.line != nullptr)
-            examples.push_back({"appletctl " + std::string(example.line), example.help});
+        if (example.line != nullptr) examples.push_back({program + example.line, example.help});
     };
     if (command != nullptr)
         std::ranges::for_each(command->examples, add);

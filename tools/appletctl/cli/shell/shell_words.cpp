@@ -9,6 +9,7 @@ extern const Command undoCommand, shellHelpCommand, exitCommand, quitCommand;
 const Command undoCommand = {
     .name = "undo",
     .help = "Undo the last command that changed something",
+    .examples = {{"undo", "then once more for the command before it"}},
     .kind = Command::Kind::ofShell,
     .sets = Command::Sets::always,
 };
@@ -18,6 +19,7 @@ const Command shellHelpCommand = {
     .help = "This list, or examples and options of a command",
     .argument = "COMMAND",
     .argumentHelp = "The command; without it, all are listed",
+    .examples = {{"help", "all commands"}, {"help set", "one of them"}},
     .most = 2,
     .kind = Command::Kind::ofShell,
     .withoutBoard = "",
@@ -26,6 +28,7 @@ const Command shellHelpCommand = {
 const Command exitCommand = {
     .name = "exit",
     .help = "End the shell; so does the end of the input",
+    .examples = {{"exit", "the same as Ctrl-D"}},
     .kind = Command::Kind::ofShell,
     .withoutBoard = "",
 };
@@ -33,6 +36,7 @@ const Command exitCommand = {
 const Command quitCommand = {
     .name = "quit",
     .help = "The same as exit",
+    .examples = {{"quit", "the same as Ctrl-D"}},
     .kind = Command::Kind::ofShell,
     .withoutBoard = "",
 };
