@@ -1,13 +1,11 @@
 #include "serve/channel/ChannelClient.h"
 
 #include "applet_host/parameter_access.h"
+#include "applet_tools/base/block_signals.h"
 #include "applet_tools/base/errors.h"
-
-#include <pthread.h>
 
 #include <algorithm>
 #include <chrono>
-#include <csignal>
 #include <iterator>
 
 namespace serve {
@@ -82,9 +80,7 @@ void ChannelClient::take(const SharedPicture& picture) {
 }
 
 void ChannelClient::work() {
-    sigset_t all;
-    sigfillset(&all);
-    pthread_sigmask(SIG_BLOCK, &all, nullptr); // signals are for the command thread
+    applet_tools::blockSignals();
     try {
         bool isFirst = true;
         while (isFirst ? m_socket.waitReadable(longestGreeting) : true) {

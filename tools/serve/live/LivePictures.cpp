@@ -1,11 +1,9 @@
 #include "serve/live/LivePictures.h"
 
+#include "applet_tools/base/block_signals.h"
 #include "applet_tools/base/errors.h"
 
-#include <pthread.h>
-
 #include <algorithm>
-#include <csignal>
 #include <iterator>
 #include <new>
 
@@ -215,9 +213,7 @@ void LivePictures::startForReceivers() {
 }
 
 void LivePictures::work() {
-    sigset_t all;
-    sigfillset(&all);
-    pthread_sigmask(SIG_BLOCK, &all, nullptr); // signals are for the command thread
+    applet_tools::blockSignals();
     std::unique_lock lock(m_mutex);
     for (;;) {
         m_changed.wait(lock, [this] { return m_isEnding || m_state.isRunning || mustStart(); });
