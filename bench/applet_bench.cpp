@@ -16,8 +16,6 @@
 
 namespace {
 
-const StubApplet& applet() { return StubApplet::instance(); }
-
 StubHandle& sharedHandle() {
     static StubHandle handle;
     return handle;

@@ -24,6 +24,7 @@ struct BaselineTables {
     void compute(double offset, double gain) {
         for (std::size_t i = 0; i < lutEntries; ++i) {
             const double y = (static_cast<double>(i) / (lutEntries - 1) + offset) * gain;
+            // The cheapest rounding. NOLINTNEXTLINE(bugprone-incorrect-roundings)
             const auto entry = static_cast<std::int32_t>(0.5 + y * 65535);
             red[i] = static_cast<std::uint32_t>(entry < 0 ? 0 : entry > 65535 ? 65535 : entry);
         }

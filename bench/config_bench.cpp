@@ -6,33 +6,31 @@
 
 namespace {
 
-const StubApplet& applet() { return StubApplet::instance(); }
-
 /** A handle, and a file with its state. */
-struct Bench {
+struct FileBench {
     StubHandle handle;
     BenchFolder folder;
     std::string file = folder.file("state.mcf");
 
-    Bench() { applet().save(handle.fg(), file.c_str()); }
+    FileBench() { applet().save(handle.fg(), file.c_str()); }
 };
 
 void config_save_baseline(benchmark::State& state) {
-    const Bench bench;
+    const FileBench bench;
     const std::vector<std::string> lines = linesOf(contentOf(bench.file));
     for (auto _ : state)
         if (!writeByLine(bench.file, lines)) return state.SkipWithError("write");
 }
 
 void config_save(benchmark::State& state) {
-    Bench bench;
+    FileBench bench;
     for (auto _ : state)
         benchmark::DoNotOptimize(applet().save(bench.handle.fg(), bench.file.c_str()));
 }
 
 void config_load_baseline(benchmark::State& state) {
     constexpr int writes = 208; // and three of tables
-    const Bench bench;
+    const FileBench bench;
     const auto tables = std::make_unique<BaselineTables>();
     volatile double offset = 0.0, gain = 1.0;
     for (auto _ : state) {
@@ -43,7 +41,7 @@ void config_load_baseline(benchmark::State& state) {
 }
 
 void config_load(benchmark::State& state) {
-    Bench bench;
+    FileBench bench;
     for (auto _ : state)
         if (applet().load(bench.handle.fg(), bench.file.c_str()) != FG_OK)
             return state.SkipWithError("not loaded");
@@ -51,7 +49,7 @@ void config_load(benchmark::State& state) {
 
 /** With `range` lines of other keys before its own: the time must grow linearly with them. */
 void config_load_behind(benchmark::State& state) {
-    Bench bench;
+    FileBench bench;
     std::string text = contentOf(bench.file);
     std::string others;
     for (std::int64_t i = 0; i < state.range(0); ++i)

@@ -13,8 +13,6 @@
 
 namespace {
 
-const StubApplet& applet() { return StubApplet::instance(); }
-
 /** The document of a handle, read with two calls. */
 std::string documentOf(Fg_Struct* fg) {
     unsigned long size = 0;
@@ -25,7 +23,7 @@ std::string documentOf(Fg_Struct* fg) {
     return text;
 }
 
-std::vector<std::string_view> linesOf(std::string_view text) {
+std::vector<std::string_view> viewsOfLines(std::string_view text) {
     std::vector<std::string_view> lines;
     while (!text.empty()) {
         lines.push_back(text.substr(0, text.find('\n') + 1));
@@ -45,7 +43,7 @@ std::string appended(const std::vector<std::string_view>& lines) {
 void document_size_baseline(benchmark::State& state) {
     StubHandle handle;
     const std::string text = documentOf(handle.fg());
-    const std::vector<std::string_view> lines = linesOf(text);
+    const std::vector<std::string_view> lines = viewsOfLines(text);
     for (auto _ : state)
         benchmark::DoNotOptimize(appended(lines).size());
 }
@@ -61,7 +59,7 @@ void document_size(benchmark::State& state) {
 void document_copy_baseline(benchmark::State& state) {
     StubHandle handle;
     const std::string text = documentOf(handle.fg());
-    const std::vector<std::string_view> lines = linesOf(text);
+    const std::vector<std::string_view> lines = viewsOfLines(text);
     std::vector<char> buffer(text.size() + 1);
     for (auto _ : state) {
         const std::string copy = appended(lines);

@@ -9,12 +9,10 @@ namespace {
 
 using Table = std::array<std::uint32_t, lutEntries>;
 
-const StubApplet& applet() { return StubApplet::instance(); }
-
 /** A separate handle, and its LUT file. */
-class Bench {
+class TableBench {
 public:
-    Bench() { setText(FG_LUT_SAVE_FILE, file().c_str()); }
+    TableBench() { setText(FG_LUT_SAVE_FILE, file().c_str()); }
 
     std::string file() const { return m_folder.file("tables.lut"); }
     template <typename T> int set(int id, T value, int tag) {
@@ -40,7 +38,7 @@ void processing_linear_baseline(benchmark::State& state) {
 }
 
 void processing(benchmark::State& state, double gamma) {
-    Bench bench;
+    TableBench bench;
     bench.set(FG_PROCESSING_GAMMA, gamma, FG_PARAM_DOUBLE);
     for (auto _ : state)
         benchmark::DoNotOptimize(bench.set(FG_PROCESSING_GAIN, 1.0, FG_PARAM_DOUBLE));
@@ -61,13 +59,13 @@ void processing_gamma(benchmark::State& state) { processing(state, 2.2); }
 // ---- Elements. The minimum for one element is a routed set of a number.
 
 void lut_element_baseline(benchmark::State& state) {
-    Bench bench;
+    TableBench bench;
     for (auto _ : state)
         benchmark::DoNotOptimize(bench.set(FG_IMG_SELECT, std::uint32_t{0}, FG_PARAM_UINT32));
 }
 
 void lut_element(benchmark::State& state) {
-    Bench bench;
+    TableBench bench;
     const FieldParameterInt_s record{7, 100};
     for (auto _ : state)
         benchmark::DoNotOptimize(bench.setRecord(FG_LUT_VALUE_RED, &record, FG_PARAM_FIELD_INT));
@@ -85,7 +83,7 @@ void lut_run_baseline(benchmark::State& state) {
 }
 
 void lut_run(benchmark::State& state) {
-    Bench bench;
+    TableBench bench;
     const auto source = std::make_unique<Table>();
     const FieldParameterAccess record{FG_PARAM_UINT32, 0, lutEntries, source->data()};
     for (auto _ : state)
@@ -95,21 +93,21 @@ void lut_run(benchmark::State& state) {
 // ---- Files
 
 void lut_save_baseline(benchmark::State& state) {
-    Bench bench;
+    TableBench bench;
     const std::vector<std::string> lines = linesOf(contentOf(bench.file()));
     for (auto _ : state)
         if (!writeByLine(bench.file(), lines)) return state.SkipWithError("write");
 }
 
 void lut_save(benchmark::State& state) {
-    Bench bench;
+    TableBench bench;
     const std::string file = bench.file();
     for (auto _ : state)
         benchmark::DoNotOptimize(bench.setText(FG_LUT_SAVE_FILE, file.c_str()));
 }
 
 void lut_load_baseline(benchmark::State& state) {
-    Bench bench;
+    TableBench bench;
     const std::string text = contentOf(bench.file());
     for (auto _ : state) {
         std::uint32_t number = 0;
@@ -122,7 +120,7 @@ void lut_load_baseline(benchmark::State& state) {
 }
 
 void lut_load(benchmark::State& state) {
-    Bench bench;
+    TableBench bench;
     bench.set(FG_LUT_TYPE, std::uint32_t{LUT_TYPE_CUSTOM}, FG_PARAM_UINT32);
     const std::string file = bench.file();
     for (auto _ : state)

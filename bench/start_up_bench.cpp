@@ -18,10 +18,11 @@ namespace {
 using Words = std::vector<std::string>;
 
 /** Runs the program with its output thrown away; its exit code. */
-int run(const Words& arguments) {
-    std::vector<char*> argv{const_cast<char*>("appletctl")};
-    for (const std::string& argument : arguments)
-        argv.push_back(const_cast<char*>(argument.c_str()));
+int run(Words arguments) {
+    std::string program = "appletctl";
+    std::vector<char*> argv{program.data()};
+    for (std::string& argument : arguments)
+        argv.push_back(argument.data());
     argv.push_back(nullptr);
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);

@@ -175,8 +175,10 @@ double peakOfGrab(const char* pictures, const char* file = nullptr) {
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
     pid_t child = -1;
-    const int error = posix_spawn(&child, APPLETCTL_PROGRAM, &actions, nullptr,
-                                  const_cast<char* const*>(arguments), environ);
+    const int error =
+        posix_spawn(&child, APPLETCTL_PROGRAM, &actions, nullptr,
+                    // The texts stay as they are. NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast)
+                    const_cast<char* const*>(arguments), environ);
     posix_spawn_file_actions_destroy(&actions);
     int status = -1;
     rusage usage{};

@@ -29,6 +29,8 @@ struct StubApplet {
     static const StubApplet& instance();
 };
 
+inline const StubApplet& applet() { return StubApplet::instance(); }
+
 /** A brought-up handle. */
 class StubHandle {
 public:

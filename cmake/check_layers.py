@@ -37,7 +37,8 @@ SERVE = [*TOOLS_BASE, "tools/serve/*"]
 SERVE_LIVE = [*TOOLS_SCRATCH, *TOOLS_STATION, *CHANNEL, "tools/serve/live/*"]
 SERVE_CHANNEL = [*SERVE_LIVE, *SERVE, "tools/serve/channel/*"]
 HTTP = "tools/serve/http/"
-HTTP_TRANSPORT = [f"{HTTP}{name}" for name in ("protocol/HttpMessage.h", "protocol/HttpTransport.h", "transport/**")]
+HTTP_TRANSPORT = [f"{TOOLS}base/block_signals.h",
+                  *(f"{HTTP}{name}" for name in ("protocol/HttpMessage.h", "protocol/HttpTransport.h", "transport/**"))]
 HTTP_PROTOCOL = [*TOOLS_BASE, f"{HTTP}protocol/**"]
 HTTP_STATE = [*TOOLS_ALL, *SERVE_LIVE, *HTTP_PROTOCOL, f"{HTTP}state/**"]
 HTTP_ROUTES = [*HTTP_STATE, f"{HTTP}routes/**"]

@@ -1,9 +1,5 @@
 #include "host/Acquisition.h"
 
-#include "applet_tools/base/errors.h"
-
-#include "vexo/fg_errors.h"
-
 #include <algorithm>
 #include <cstring>
 
@@ -57,16 +53,12 @@ Acquisition::Acquisition(applet_tools::Instance& instance, std::uint32_t frames,
     , m_kind(kind)
     , m_memory(frameMemory(instance, frames, kind == VEXO_RING ? VBOARD_RING : VBOARD_BLOCKING))
     , m_start(waitStart(instance)) {
-    if (m_memory == nullptr) throw std::bad_alloc();
-    constexpr std::intptr_t withoutEnd = 0;
-    const int code = instance.applet().Fg_AcquireEx(instance.fg(), 0, withoutEnd, 0, m_memory.get());
-    if (code != FG_OK)
-        throw Error(code, "the acquisition was not started: " + applet_tools::codeInWords(code));
+    startAcquisition(instance, m_memory);
 }
 
 Acquisition::~Acquisition() { stop(); }
 
-void Acquisition::stop() { m_instance.applet().Fg_stopAcquireEx(m_instance.fg(), 0, m_memory.get(), 0); }
+void Acquisition::stop() { stopAcquisition(m_instance, m_memory); }
 
 std::optional<vboard_record> Acquisition::recordOf(std::int64_t number) const {
     vboard_record record{};
@@ -84,7 +76,7 @@ std::optional<std::int64_t> Acquisition::waitFor(std::int64_t number, const Dead
     Stride stride;
     while (last == VBOARD_TIMEOUT) {
         const Ticks now = board.now(device);
-        const bool isOver = deadline.isOver(now); // one more look all the same
+        const bool isOver = deadline.isOver(now); // it still looks once more
         const auto begin = std::chrono::steady_clock::now();
         last = board.wait(device, number, isOver ? 0 : std::min(stride.ticks(), deadline.tick() - now));
         stride.note(std::chrono::steady_clock::now() - begin);

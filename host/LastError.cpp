@@ -2,6 +2,7 @@
 
 #include "applet_host/AppletHost.h"
 #include "applet_tools/base/errors.h"
+#include "applet_tools/station/frame_memory.h"
 
 #include <algorithm>
 #include <new>
@@ -94,6 +95,8 @@ int recordFailure() noexcept {
         return record(VEXO_ERR_VALUE, error.what(), nullptr);
     } catch (const applet_tools::AssumptionRefused& error) {
         return record(error.code, error.what(), error.members);
+    } catch (const applet_tools::AcquisitionRefused& error) {
+        return record(error.code, error.what(), nullptr);
     } catch (const applet_tools::Unavailable& error) {
         return record(VEXO_ERR_UNAVAILABLE, error.what(), nullptr);
     } catch (const applet_host::HostError& error) {

@@ -85,11 +85,11 @@ int vexo_ask_limits(vexo_station* station, const char* name, const char* assumed
     const int code =
         answered(station, answer, [&](vexo_station& own, std::string& text, ordered_json& document) {
             const auto answers = askAcceptedValues(asking(own), read(own, {name}), with(own, assumed));
-            const applet_tools::AcceptedValues& its = answers.front();
-            const applet_tools::Parameter& parameter = own.live.parameters().find(its.parameter);
-            text = linesOf(its.subject, rowsOf(its, parameter));
-            document["parameters"] = {asJson(its, parameter)};
-            found = rangeOf(its);
+            const applet_tools::AcceptedValues& accepted = answers.front();
+            const applet_tools::Parameter& parameter = own.live.parameters().find(accepted.parameter);
+            text = linesOf(accepted.subject, rowsOf(accepted, parameter));
+            document["parameters"] = {asJson(accepted, parameter)};
+            found = rangeOf(accepted);
         });
     if (code != VEXO_OK || range == nullptr) return code;
     if (!found) return fail(VEXO_ERR_KIND, std::string(name) + " accepts no range of numbers");
@@ -101,17 +101,17 @@ int vexo_ask_why(vexo_station* station, const char* question, const char* assume
     if (question == nullptr) return failNull("the question");
     return answered(station, answer, [&](vexo_station& own, std::string& text, ordered_json& document) {
         auto& rows = document["answers"] = ordered_json::array();
-        const auto add = [&](const auto& its) {
-            const applet_tools::Parameter& parameter = own.live.parameters().find(its.parameter);
-            text += (text.empty() ? "" : "\n") + linesOf(its.subject, rowsOf(its, parameter));
-            if constexpr (requires { its.document; })
-                rows.push_back(its.document);
+        const auto add = [&](const auto& reason) {
+            const applet_tools::Parameter& parameter = own.live.parameters().find(reason.parameter);
+            text += (text.empty() ? "" : "\n") + linesOf(reason.subject, rowsOf(reason, parameter));
+            if constexpr (requires { reason.document; })
+                rows.push_back(reason.document);
             else
-                rows.push_back(asJson(its, findTarget(own.live.parameters(), its.subject)));
+                rows.push_back(asJson(reason, findTarget(own.live.parameters(), reason.subject)));
         };
-        for (const applet_tools::WhyAnswer& its :
+        for (const applet_tools::WhyAnswer& reason :
              askWhy(asking(own), read(own, {question}), with(own, assumed)))
-            std::visit(add, its);
+            std::visit(add, reason);
     });
 }
 

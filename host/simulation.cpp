@@ -43,10 +43,10 @@ const char* nameOf(vexo_station& station, std::uint64_t mask) {
 bool takeEvent(vexo_station& station, std::uint64_t mask, vexo_event& event) {
     vboard_event taken{};
     while (station.instance.board().next_event(station.instance.device(), &taken) == VBOARD_OK) {
-        const std::uint64_t its = station.instance.applet().Fg_getEventMask(station.fg, taken.name);
-        if (mask != 0 && (its & mask) == 0) continue;
-        const char* const name = nameOf(station, its);
-        event = {.tick = taken.tick, .mask = its, .name = name != nullptr ? name : taken.name};
+        const std::uint64_t eventMask = station.instance.applet().Fg_getEventMask(station.fg, taken.name);
+        if (mask != 0 && (eventMask & mask) == 0) continue;
+        const char* const name = nameOf(station, eventMask);
+        event = {.tick = taken.tick, .mask = eventMask, .name = name != nullptr ? name : taken.name};
         return true;
     }
     return false;

@@ -29,7 +29,7 @@ html_theme = "furo"
 html_use_index = False
 html_domain_indices = False
 
-# The theme as built by Debian lacks the rule that lets a page follow the browser's choice of dark: its own colours, told again.
+# The theme as built by Debian lacks the rule that lets a page follow the browser's choice of dark: its own colours, repeated here.
 STYLES = pathlib.Path(furo.__file__).parent / "theme/furo/static/styles/furo.css"
 dark = re.search(r'body\[data-theme="dark"\] \{(.*?)\}', STYLES.read_text(encoding="utf-8"), re.DOTALL)[1]
 html_theme_options = {"dark_css_variables": dict(re.findall(r"--([\w-]+): ([^;]+);", dark))}

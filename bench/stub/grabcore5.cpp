@@ -45,9 +45,11 @@ ENTRY int Fg_getParameterIdByName(Fg_Struct*, const char* name) {
 ENTRY int Fg_setParameterWithType(Fg_Struct*, int, const void*, int, FgParamTypes) { return 0; }
 
 ENTRY int Fg_getParameterWithType(Fg_Struct*, int id, void* value, int, FgParamTypes type) {
-    if (type == FG_PARAM_TEXT)
-        std::strcpy(static_cast<char*>(value), id >= firstText ? texts[id - firstText].value : "");
-    else
+    if (type == FG_PARAM_TEXT) {
+        const char* const text = id >= firstText ? texts[id - firstText].value : "";
+        std::memcpy(value, text, std::strlen(text) + 1);
+    } else {
         *static_cast<std::uint32_t*>(value) = 16;
+    }
     return 0;
 }

@@ -67,7 +67,7 @@ export function errorBox(error, { setting, onDone = () => {}, onClose, onError }
     el(
       'div',
       { class: 'ways' },
-      ...waysOf(error, setting).map(({ text, title, settings }) =>
+      ...fixesFor(error, setting).map(({ text, title, settings }) =>
         el('button', {
           type: 'button',
           class: 'way',
@@ -108,8 +108,8 @@ function messageLines([first, ...rest], limits) {
 }
 
 /** The buttons that can set what was refused: the nearest value first, then the ways out of the answer. */
-function waysOf(error, setting) {
-  const ways = (error.waysOut ?? []).map((way) => wayOut(way, setting));
+function fixesFor(error, setting) {
+  const ways = (error.waysOut ?? []).map((way) => fixFrom(way, setting));
   if (!setting || error.nearest === null || error.nearest === undefined) return ways;
   const settings = [{ name: setting.name, value: error.nearest }];
   const nearest = { text: `Set ${error.nearest}, the nearest`, title: describe(settings), settings };
@@ -119,7 +119,7 @@ function waysOf(error, setting) {
 }
 
 /** A way out of the answer, with the refused setting if it only prepares for that. */
-function wayOut({ text, settings = [] }, setting) {
+function fixFrom({ text, settings = [] }, setting) {
   const isOther = ({ name }) => name !== setting?.name;
   const others = describe(settings.filter(isOther));
   const isComplete = !setting || !settings.every(isOther);

@@ -48,7 +48,7 @@ export function startHold(view, live) {
   );
 }
 
-/** The whole picture, as the station does not keep it; if it is gone already, the newest one. */
+/** Fetches the whole picture, because the station will not keep it; if it is gone already, the newest one. */
 function fetchReference({ number, width, height }) {
   const size =
     width * height <= EXACT ? { format: 'png' } : { format: 'jpeg', quality: 95, fit: `${LONGEST}x${LONGEST}` };

@@ -219,7 +219,7 @@ export class Row {
     this.submit();
   }
 
-  /** Takes the draft back, and what waits to be sent. */
+  /** Discards the draft and what waits to be sent. */
   drop() {
     this.draft = null;
     this.next = null;

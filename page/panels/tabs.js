@@ -20,14 +20,14 @@ export function startTabs() {
       chosen.focus();
     });
   }
-  document.addEventListener('visibilitychange', () => !document.hidden && tell(tabs().find(isChosen)));
+  document.addEventListener('visibilitychange', () => !document.hidden && announce(tabs().find(isChosen)));
   const last = byId(sessionStorage.getItem(CHOSEN) ?? '');
   setTimeout(() => choose(last && !last.hidden ? last : tabs()[0]));
 }
 
 const isChosen = (tab) => tab.getAttribute('aria-selected') === 'true';
 const panelOf = (tab) => byId(tab.getAttribute('aria-controls'));
-const tell = (tab) => panelOf(tab).dispatchEvent(new Event('shown'));
+const announce = (tab) => panelOf(tab).dispatchEvent(new Event('shown'));
 
 function choose(chosen) {
   for (const tab of tabs()) {
@@ -37,5 +37,5 @@ function choose(chosen) {
     panelOf(tab).hidden = !isNow;
   }
   sessionStorage.setItem(CHOSEN, chosen.id);
-  tell(chosen);
+  announce(chosen);
 }

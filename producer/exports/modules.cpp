@@ -62,8 +62,8 @@ std::shared_ptr<LocalDevice> deviceOf(void* handle) {
     return HandleTable::find<LocalDevice>(handle, "a device");
 }
 
-void tell(bool hasChanged, bool8_t* destination) {
-    if (destination != nullptr) *destination = static_cast<bool8_t>(hasChanged);
+void putFlag(bool flag, bool8_t* destination) {
+    if (destination != nullptr) *destination = static_cast<bool8_t>(flag);
 }
 
 } // namespace
@@ -159,7 +159,7 @@ GC_ERROR TLOpenInterface(TL_HANDLE tl, const char* id, IF_HANDLE* interface) {
 }
 
 GC_ERROR TLUpdateInterfaceList(TL_HANDLE tl, bool8_t* changed, uint64_t) {
-    return callAlone([=] { tell(systemOf(tl)->updateInterfaces(), changed); });
+    return callAlone([=] { putFlag(systemOf(tl)->updateInterfaces(), changed); });
 }
 
 // ---- Interfaces
@@ -174,8 +174,8 @@ GC_ERROR IFGetInfo(IF_HANDLE interface, int32_t command, INFO_DATATYPE* type, vo
 
 GC_ERROR IFGetNumDevices(IF_HANDLE interface, uint32_t* count) {
     return callAlone([=] {
-        const auto its = interfaceOf(interface);
-        required(count, "count") = static_cast<uint32_t>(its->deviceCount());
+        const auto interfaceModule = interfaceOf(interface);
+        required(count, "count") = static_cast<uint32_t>(interfaceModule->deviceCount());
     });
 }
 
@@ -184,7 +184,7 @@ GC_ERROR IFGetDeviceID(IF_HANDLE interface, uint32_t index, char* id, size_t* si
 }
 
 GC_ERROR IFUpdateDeviceList(IF_HANDLE interface, bool8_t* changed, uint64_t) {
-    return callAlone([=] { tell(interfaceOf(interface)->updateDevices(), changed); });
+    return callAlone([=] { putFlag(interfaceOf(interface)->updateDevices(), changed); });
 }
 
 GC_ERROR IFGetDeviceInfo(IF_HANDLE interface, const char* id, int32_t command, INFO_DATATYPE* type,
@@ -196,17 +196,17 @@ GC_ERROR IFGetDeviceInfo(IF_HANDLE interface, const char* id, int32_t command, I
 
 GC_ERROR IFOpenDevice(IF_HANDLE interface, const char* id, int32_t flags, DEV_HANDLE* device) {
     return call([=] {
-        const auto its = interfaceOf(interface);
+        const auto interfaceModule = interfaceOf(interface);
         void*& handle = required(device, "device");
-        handle = its->openDevice(id, flags)->handle();
+        handle = interfaceModule->openDevice(id, flags)->handle();
         stopThreadsAtTheEnd();
     });
 }
 
 GC_ERROR IFGetParentTL(IF_HANDLE interface, TL_HANDLE* tl) {
     return callAlone([=] {
-        const auto its = interfaceOf(interface);
-        required(tl, "tl") = its->system().handle();
+        const auto interfaceModule = interfaceOf(interface);
+        required(tl, "tl") = interfaceModule->system().handle();
     });
 }
 
@@ -214,8 +214,8 @@ GC_ERROR IFGetParentTL(IF_HANDLE interface, TL_HANDLE* tl) {
 
 GC_ERROR DevGetPort(DEV_HANDLE device, PORT_HANDLE* remote) {
     return callAlone([=] {
-        const auto its = deviceOf(device);
-        required(remote, "remote") = its->remote().handle();
+        const auto deviceModule = deviceOf(device);
+        required(remote, "remote") = deviceModule->remote().handle();
     });
 }
 
@@ -228,17 +228,17 @@ GC_ERROR DevGetNumDataStreams(DEV_HANDLE device, uint32_t* count) {
 
 GC_ERROR DevGetDataStreamID(DEV_HANDLE device, uint32_t index, char* id, size_t* size) {
     return callAlone([=] {
-        const auto its = deviceOf(device);
+        const auto deviceModule = deviceOf(device);
         if (index != 0) throw Error(GC_ERR_INVALID_INDEX, "a device has one stream, of number 0");
-        putText(its->streamId(), id, size);
+        putText(deviceModule->streamId(), id, size);
     });
 }
 
 GC_ERROR DevOpenDataStream(DEV_HANDLE device, const char* id, DS_HANDLE* stream) {
     return callAlone([=] {
-        const auto its = deviceOf(device);
+        const auto deviceModule = deviceOf(device);
         void*& handle = required(stream, "stream");
-        handle = its->openStream(id)->handle();
+        handle = deviceModule->openStream(id)->handle();
     });
 }
 
@@ -250,14 +250,14 @@ GC_ERROR DevGetInfo(DEV_HANDLE device, int32_t command, INFO_DATATYPE* type, voi
 
 GC_ERROR DevClose(DEV_HANDLE device) {
     return call([=] {
-        const auto its = deviceOf(device);
-        its->interface().closeDevice(*its);
+        const auto deviceModule = deviceOf(device);
+        deviceModule->interface().closeDevice(*deviceModule);
     });
 }
 
 GC_ERROR DevGetParentIF(DEV_HANDLE device, IF_HANDLE* interface) {
     return callAlone([=] {
-        const auto its = deviceOf(device);
-        required(interface, "interface") = its->interface().handle();
+        const auto deviceModule = deviceOf(device);
+        required(interface, "interface") = deviceModule->interface().handle();
     });
 }

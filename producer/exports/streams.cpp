@@ -22,18 +22,18 @@ GC_ERROR notImplemented() {
 
 GC_ERROR DSAnnounceBuffer(DS_HANDLE stream, void* memory, size_t size, void* user, BUFFER_HANDLE* buffer) {
     return call([=] {
-        const auto its = streamOf(stream);
+        const auto streamModule = streamOf(stream);
         required(static_cast<char*>(memory), "memory");
         void*& handle = required(buffer, "buffer");
-        handle = its->announce(memory, size, user);
+        handle = streamModule->announce(memory, size, user);
     });
 }
 
 GC_ERROR DSAllocAndAnnounceBuffer(DS_HANDLE stream, size_t size, void* user, BUFFER_HANDLE* buffer) {
     return call([=] {
-        const auto its = streamOf(stream);
+        const auto streamModule = streamOf(stream);
         void*& handle = required(buffer, "buffer");
-        handle = its->announce(nullptr, size, user);
+        handle = streamModule->announce(nullptr, size, user);
     });
 }
 
@@ -67,9 +67,9 @@ GC_ERROR DSGetInfo(DS_HANDLE stream, int32_t command, INFO_DATATYPE* type, void*
 
 GC_ERROR DSGetBufferID(DS_HANDLE stream, uint32_t index, BUFFER_HANDLE* buffer) {
     return call([=] {
-        const auto its = streamOf(stream);
+        const auto streamModule = streamOf(stream);
         void*& handle = required(buffer, "buffer");
-        handle = its->bufferAt(index);
+        handle = streamModule->bufferAt(index);
     });
 }
 
@@ -111,8 +111,8 @@ GC_ERROR DSClose(DS_HANDLE stream) {
 
 GC_ERROR DSGetParentDev(DS_HANDLE stream, DEV_HANDLE* device) {
     return callAlone([=] {
-        const auto its = streamOf(stream);
-        required(device, "device") = its->device().handle();
+        const auto streamModule = streamOf(stream);
+        required(device, "device") = streamModule->device().handle();
     });
 }
 

@@ -100,15 +100,15 @@ bool System::updateInterfaces() {
 }
 
 System::Target System::known(const char* id) const {
-    const std::string its = &required(id, "id");
-    if (std::ranges::find(m_boards, its) != m_boards.end()) return {its, ""};
-    if (its.starts_with(stationPrefix)) {
-        std::string station = its.substr(stationPrefix.size());
+    const std::string wanted = &required(id, "id");
+    if (std::ranges::find(m_boards, wanted) != m_boards.end()) return {wanted, ""};
+    if (wanted.starts_with(stationPrefix)) {
+        std::string station = wanted.substr(stationPrefix.size());
         const std::lock_guard lock(m_listMutex);
-        if (isServed(station) || std::ranges::find(m_listed, its) != m_listed.end())
-            return {its, std::move(station)};
+        if (isServed(station) || std::ranges::find(m_listed, wanted) != m_listed.end())
+            return {wanted, std::move(station)};
     }
-    throw Error(GC_ERR_INVALID_ID, "there is no interface \"" + its + "\"");
+    throw Error(GC_ERR_INVALID_ID, "there is no interface \"" + wanted + "\"");
 }
 
 Answer System::interfaceInfo(const char* id, std::int32_t command) const {
@@ -117,11 +117,11 @@ Answer System::interfaceInfo(const char* id, std::int32_t command) const {
 }
 
 std::shared_ptr<Interface> System::openInterface(const char* id) {
-    const Target its = known(id);
+    const Target target = known(id);
     for (const auto& open : m_open)
-        if (open->id() == its.id)
-            throw Error(GC_ERR_RESOURCE_IN_USE, "the interface " + its.id + " is open already");
-    auto opened = std::make_shared<Interface>(shared_from_this(), its.id, its.station);
+        if (open->id() == target.id)
+            throw Error(GC_ERR_RESOURCE_IN_USE, "the interface " + target.id + " is open already");
+    auto opened = std::make_shared<Interface>(shared_from_this(), target.id, target.station);
     m_open.push_back(opened);
     HandleTable::add(opened);
     return opened;

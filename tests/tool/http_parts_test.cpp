@@ -101,14 +101,14 @@ TEST(CommandThread, ExecutesOnlyReadsDuringPauses) {
     std::thread reader([&] { read = commands.run(serve::Work::reads, [] { return 7; }); });
     while (woken < 2)
         std::this_thread::sleep_for(1ms);
-    commands.carryOut(true);
+    commands.runPending(true);
     reader.join();
     EXPECT_EQ(read, 7);
     setter.join();
     EXPECT_NE(busy.find("'grab 1000'"), std::string::npos) << busy;
     bool isDone = false;
     commands.post(serve::Work::changes, [&] { isDone = true; });
-    commands.carryOut(false);
+    commands.runPending(false);
     EXPECT_TRUE(isDone); // and the one that gave up is gone
     commands.close();
     EXPECT_THROW(commands.run(serve::Work::reads, [] {}), serve::Busy);

@@ -1,5 +1,6 @@
 #include "serve/CommandSocket.h"
 
+#include "applet_tools/base/block_signals.h"
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/text.h"
 #include "serve/local_socket.h"
@@ -138,9 +139,7 @@ std::string CommandSocket::runningCommand() const {
 void CommandSocket::wake() const { eventfd_write(m_wake.number(), 1); }
 
 void CommandSocket::listen() {
-    sigset_t all;
-    sigfillset(&all);
-    pthread_sigmask(SIG_BLOCK, &all, nullptr); // signals are for the command thread
+    applet_tools::blockSignals();
     for (;;) {
         std::vector<pollfd> polled = {{m_ending.number(), POLLIN, 0}, {m_socket.number(), POLLIN, 0}};
         for (const auto& client : m_clients)

@@ -42,14 +42,14 @@ void BoardAcquisition::wake() {
 void BoardAcquisition::start(std::uint64_t pictures) {
     std::unique_lock lock(m_mutex);
     if (!isDone()) throw Error(GC_ERR_RESOURCE_IN_USE, "the acquisition runs already");
-    const Geometry its = geometry();
+    const Geometry atStart = geometry();
     FreeMemory free{&m_station};
     std::unique_ptr<vboard_frames, FreeMemory> memory(
         m_station.board().memory(m_station.device(), 1, std::numeric_limits<std::uint64_t>::max(),
                                  VBOARD_BLOCKING),
         free);
     m_memory = std::move(memory);
-    m_geometry = its;
+    m_geometry = atStart;
     m_wanted = pictures;
     m_delivered = 0;
     fitMemory();

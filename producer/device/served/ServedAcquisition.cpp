@@ -38,24 +38,24 @@ void ServedAcquisition::accept() {
     if (!m_isRunning) return;
     std::uint64_t room = m_sink != nullptr ? m_sink->room() : 0;
     if (m_wanted != 0) room = std::min(room, m_wanted - m_delivered);
-    if (m_told.received == m_received && m_told.room == room) return;
-    const station_channel::Accept told{m_received, room};
-    if (m_station.link().tell(told)) m_told = told;
+    if (m_accepted.received == m_received && m_accepted.room == room) return;
+    const station_channel::Accept message{m_received, room};
+    if (m_station.link().send(message)) m_accepted = message;
 }
 
 void ServedAcquisition::start(std::uint64_t pictures) {
     const std::lock_guard starting(m_starting);
     if (isRunning()) throw Error(GC_ERR_RESOURCE_IN_USE, "the acquisition runs already");
-    const Geometry its = geometry();
+    const Geometry atStart = geometry();
     const auto started = m_station.link().ask<station_channel::Started>(station_channel::Start());
     const Lock lock(m_mutex);
     if (m_loss) throw Error(GC_ERR_IO, *m_loss);
     m_isRunning = true;
-    m_geometry = its;
+    m_geometry = atStart;
     m_wanted = pictures;
     m_delivered = m_received = 0;
     m_last = started.picture;
-    m_told = {};
+    m_accepted = {};
     accept();
 }
 
@@ -79,11 +79,11 @@ bool ServedAcquisition::isRunning() {
 
 Geometry ServedAcquisition::geometryOf(const station_channel::Picture& picture) {
     // Others may have changed the parameters since the start.
-    Geometry its = m_geometry;
-    its.width = picture.width;
-    its.height = std::max(its.height, picture.lines);
-    its.format = chosenInsteadOf(pixelFormatOfBits(picture.bits));
-    return its;
+    Geometry geometry = m_geometry;
+    geometry.width = picture.width;
+    geometry.height = std::max(geometry.height, picture.lines);
+    geometry.format = chosenInsteadOf(pixelFormatOfBits(picture.bits));
+    return geometry;
 }
 
 Picture ServedAcquisition::described(const station_channel::Picture& picture, const Geometry& geometry) {
@@ -100,7 +100,7 @@ void ServedAcquisition::countDelivered() {
     ++m_delivered;
     if (m_wanted == 0 || m_delivered < m_wanted) return;
     m_isRunning = false;
-    m_station.link().tell(station_channel::Stop());
+    m_station.link().send(station_channel::Stop());
 }
 
 void ServedAcquisition::show(const station_channel::Picture& picture,

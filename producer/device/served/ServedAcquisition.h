@@ -60,7 +60,7 @@ private:
     std::uint64_t m_wanted = 0; // pictures; 0: no end
     std::uint64_t m_delivered = 0, m_received = 0;
     std::uint64_t m_last = 0; // number of the last delivered picture, or of the last one before the start
-    station_channel::Accept m_told; // what the station was told
+    station_channel::Accept m_accepted; // the last one that was sent
     std::optional<std::string> m_loss;
 };
 

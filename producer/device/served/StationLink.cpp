@@ -58,7 +58,7 @@ std::optional<std::string> StationLink::listen(LinkListener* listener) {
     return m_loss;
 }
 
-bool StationLink::tell(Request request) {
+bool StationLink::send(Request request) {
     return m_socket.send(encoded(ToStation{0, std::move(request)}), ChannelSocket::Wait::forRoom);
 }
 

@@ -41,11 +41,11 @@ public:
      *  answer. */
     template <typename T> T ask(station_channel::Request request) {
         const station_channel::Answer answer = answerTo(std::move(request));
-        if (const T* its = std::get_if<T>(&answer)) return *its;
+        if (const T* expected = std::get_if<T>(&answer)) return *expected;
         refuse(answer);
     }
     /** Sends without an answer. False if it was not sent: the link is lost, or the station does not read. */
-    bool tell(station_channel::Request request);
+    bool send(station_channel::Request request);
 
     /** Sets the listener, which may be null. Returns after the last call of the previous one; the result says why the
      *  link is lost, and is empty if it is not. */

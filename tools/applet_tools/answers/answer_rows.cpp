@@ -146,9 +146,8 @@ std::string accessInWords(const AccessAnswer& answer) {
     if (answer.isWritable)
         return answer.access == "rw+" ? "writable, also while an acquisition runs"
                                       : "writable, but not while an acquisition runs";
-    return answer.hasSetter
-               ? "now; a value can be set all the same: it is stored, and 'set' says what it moves"
-               : "always: it is measured, or fixed by the design";
+    return answer.hasSetter ? "now; a value can still be set: it is stored, and 'set' says what it moves"
+                            : "always: it is measured, or fixed by the design";
 }
 
 } // namespace

@@ -10,12 +10,10 @@ namespace applet_tools {
 Grabber::Grabber(Instance& instance, std::size_t frames)
     : m_instance(instance)
     , m_memory(frameMemory(instance, frames, VBOARD_BLOCKING)) {
-    constexpr std::intptr_t withoutEnd = 0;
-    const int code = instance.applet().Fg_AcquireEx(instance.fg(), 0, withoutEnd, 0, m_memory.get());
-    if (code != FG_OK) throw Failure("the acquisition was not started: " + codeInWords(code));
+    startAcquisition(instance, m_memory);
 }
 
-Grabber::~Grabber() { m_instance.applet().Fg_stopAcquireEx(m_instance.fg(), 0, m_memory.get(), 0); }
+Grabber::~Grabber() { stopAcquisition(m_instance, m_memory); }
 
 Grabber::Outcome Grabber::next(Ticks timeout, const std::function<bool()>& goesOn) {
     const auto& board = m_instance.board();

@@ -1,11 +1,11 @@
-/** Memory for the pictures of the virtual board's station. */
+/** Memory for the pictures of the virtual board's station, and acquisitions into it. */
 #ifndef APPLET_TOOLS_STATION_FRAME_MEMORY_H
 #define APPLET_TOOLS_STATION_FRAME_MEMORY_H
 
 #include "applet_tools/applet/Instance.h"
+#include "applet_tools/base/errors.h"
 
 #include <cstddef>
-#include <cstdint>
 #include <memory>
 
 namespace applet_tools {
@@ -23,11 +23,21 @@ using FrameMemory = std::unique_ptr<vboard_frames, FreeFrames>;
 
 /** Memory with this many frames for pictures of any size; a frame uses no memory before its picture is drawn. `kind`:
  *  VBOARD_RING or VBOARD_BLOCKING. Null for no frames. */
-inline FrameMemory frameMemory(Instance& instance, std::size_t frames, int kind) {
-    constexpr std::uint64_t frameBytes = std::uint64_t{1} << 40; // more than any picture has
-    const applet_host::BoardFunctions& board = instance.board();
-    return {board.memory(instance.device(), frames, frameBytes, kind), FreeFrames{&board}};
-}
+FrameMemory frameMemory(Instance& instance, std::size_t frames, int kind);
+
+/** The applet refused to start an acquisition. */
+struct AcquisitionRefused : Failure {
+    explicit AcquisitionRefused(int number)
+        : Failure("the acquisition was not started: " + codeInWords(number))
+        , code(number) {}
+
+    int code;
+};
+
+/** Starts an acquisition without end. Throws AcquisitionRefused, and std::bad_alloc if there is no memory. */
+void startAcquisition(Instance& instance, const FrameMemory& memory);
+/** Stops it; waits for its pictures end. */
+void stopAcquisition(Instance& instance, const FrameMemory& memory);
 
 } // namespace applet_tools
 

@@ -7,7 +7,7 @@
 #include "applet_tools/base/text.h"
 #include "applet_tools/scratch/refusal.h"
 #include "appletctl/base/Progress.h"
-#include "appletctl/base/layout.h"
+#include "appletctl/base/confirm.h"
 #include "appletctl/cli/station_client.h"
 #include "appletctl/commands/assignment_report.h"
 #include "appletctl/commands/jobs.h"
@@ -23,7 +23,6 @@
 #include <cstring>
 #include <exception>
 #include <functional>
-#include <iostream>
 #include <iterator>
 #include <optional>
 #include <system_error>
@@ -105,12 +104,7 @@ void requireAgreement(const Options& options, const std::string& name) {
     if (isatty(STDIN_FILENO) == 0)
         throw UsageError(
             quoted + " writes to the board of the system, and there is no terminal to ask on: give --yes");
-    std::cerr << wrapped(quoted + " writes to the board of the system. Go on? [y/N]",
-                         lineWidth(STDERR_FILENO))
-              << ' ' << std::flush;
-    std::string answer;
-    std::getline(std::cin, answer);
-    if (answer != "y" && answer != "Y" && answer != "yes") throw Failure("nothing was set");
+    if (!isConfirmed(quoted + " writes to the board of the system. Go on?")) throw Failure("nothing was set");
 }
 
 namespace {

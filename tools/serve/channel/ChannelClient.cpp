@@ -1,13 +1,11 @@
 #include "serve/channel/ChannelClient.h"
 
 #include "applet_host/parameter_access.h"
+#include "applet_tools/base/block_signals.h"
 #include "applet_tools/base/errors.h"
-
-#include <pthread.h>
 
 #include <algorithm>
 #include <chrono>
-#include <csignal>
 #include <iterator>
 
 namespace serve {
@@ -18,7 +16,7 @@ using applet_tools::Parameter;
 
 constexpr int longestGreeting = 5000; // milliseconds until the first message
 constexpr std::chrono::seconds longestWaitForSlot(4);
-/** Pictures that were sent and not received yet: so many a client can hold that does not read. */
+/** Limit of pictures that were sent and not received yet; a client that does not read holds no more. */
 constexpr std::uint64_t mostOnTheWay = 4;
 /** Bytes of descriptions in a message after which no more are added. */
 constexpr std::size_t mostDescribed = mostBytes / 2;
@@ -82,9 +80,7 @@ void ChannelClient::take(const SharedPicture& picture) {
 }
 
 void ChannelClient::work() {
-    sigset_t all;
-    sigfillset(&all);
-    pthread_sigmask(SIG_BLOCK, &all, nullptr); // signals are for the command thread
+    applet_tools::blockSignals();
     try {
         bool isFirst = true;
         while (isFirst ? m_socket.waitReadable(longestGreeting) : true) {
@@ -99,7 +95,7 @@ void ChannelClient::work() {
             if (isFirst && std::holds_alternative<Refusal>(answer)) break;
             isFirst = false;
         }
-    } catch (const std::exception&) { // a message that is none, or no memory: the connection ends
+    } catch (const std::exception&) { // an invalid message, or no memory: the connection ends
     }
     if (m_hasJoined) m_station.pictures->leave(*this);
     if (m_hasSlot) m_slots.release();

@@ -15,14 +15,14 @@
 namespace serve {
 
 /**
- * Answers its requests on a thread of its own, from the constructor to the destructor. The client is not trusted: a
- * message that is none ends the connection. Nothing but its thread ever waits for it.
+ * Answers its requests on a thread of its own, from the constructor to the destructor. The client is not trusted: an
+ * invalid message ends the connection. Nothing but its thread ever waits for it.
  */
 class ChannelClient final : PictureReceiver {
 public:
     static constexpr std::ptrdiff_t mostClients = 16; /**< that a station serves at a time */
 
-    /** `slots`: of clients that are served; one that finds none for some seconds is refused. */
+    /** `slots`: one for each client that is served; a client that gets none within some seconds is refused. */
     ChannelClient(LiveStation& station, std::counting_semaphore<>& slots, applet_tools::Descriptor socket);
     ~ChannelClient();
     ChannelClient(const ChannelClient&) = delete;

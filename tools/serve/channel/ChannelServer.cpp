@@ -1,15 +1,14 @@
 #include "serve/channel/ChannelServer.h"
 
+#include "applet_tools/base/block_signals.h"
 #include "serve/local_socket.h"
 
 #include <poll.h>
-#include <pthread.h>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <csignal>
 
 namespace serve {
 namespace {
@@ -36,9 +35,7 @@ ChannelServer::~ChannelServer() {
 }
 
 void ChannelServer::listen() {
-    sigset_t all;
-    sigfillset(&all);
-    pthread_sigmask(SIG_BLOCK, &all, nullptr); // signals are for the command thread
+    applet_tools::blockSignals();
     for (;;) {
         const bool wantsEvents = wantedEvents() != 0, full = isFull(); // then clients wait until one leaves
         pollfd polled[] = {{m_ending.number(), POLLIN, 0}, {m_socket.number(), short(full ? 0 : POLLIN), 0}};

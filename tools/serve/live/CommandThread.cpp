@@ -53,7 +53,7 @@ std::shared_ptr<CommandThread::Job> CommandThread::takeJob(bool isPause) {
     return job;
 }
 
-void CommandThread::carryOut(bool isPause) {
+void CommandThread::runPending(bool isPause) {
     constexpr int mostInPause = 8; // so that requests do not stop the command
     for (int count = 0; !isPause || count < mostInPause; ++count) {
         const std::shared_ptr<Job> job = takeJob(isPause);

@@ -26,7 +26,7 @@ enum class Work { reads, changes };
 
 class CommandThread {
 public:
-    /** `wake` makes the command thread call carryOut(), and may be called by any thread. */
+    /** `wake` makes the command thread call runPending(), and may be called by any thread. */
     explicit CommandThread(std::function<void()> wake) : m_wake(std::move(wake)) {}
 
     /** Executes the work on the command thread; returns its result, or throws its exception. Throws Busy if it was
@@ -45,7 +45,7 @@ public:
     void post(Work kind, std::function<void()> function);
 
     /** For the command thread: executes what waits. `isPause`: only what reads. */
-    void carryOut(bool isPause);
+    void runPending(bool isPause);
     /** For the command thread: the command that it begins, or empty at its end; for the messages of Busy. */
     void setCommand(const std::string& text);
     /** That command. */

@@ -1,11 +1,8 @@
 #include "serve/live/LivePictures.h"
 
-#include "applet_tools/base/errors.h"
-
-#include <pthread.h>
+#include "applet_tools/base/block_signals.h"
 
 #include <algorithm>
-#include <csignal>
 #include <iterator>
 #include <new>
 
@@ -150,14 +147,10 @@ void LivePictures::start() {
         const std::lock_guard guard(m_mutex);
         if (m_state.isRunning || m_suspensions > 0 || m_isEnding) return;
     }
-    m_memory = applet_tools::frameMemory(m_instance, frames, VBOARD_RING);
+    applet_tools::FrameMemory memory = applet_tools::frameMemory(m_instance, frames, VBOARD_RING);
     const applet_tools::WaitStart start = applet_tools::waitStart(m_instance);
-    constexpr std::intptr_t withoutEnd = 0;
-    const int code = m_instance.applet().Fg_AcquireEx(m_instance.fg(), 0, withoutEnd, 0, m_memory.get());
-    if (code != FG_OK) {
-        m_memory.reset();
-        throw applet_tools::Failure("the acquisition was not started: " + applet_tools::codeInWords(code));
-    }
+    applet_tools::startAcquisition(m_instance, memory);
+    m_memory = std::move(memory);
     const std::lock_guard guard(m_mutex);
     m_state.isRunning = true;
     m_state.start = start;
@@ -178,7 +171,7 @@ void LivePictures::stop() {
         m_state.isRunning = false;
         m_state.rate = 0;
     }
-    m_instance.applet().Fg_stopAcquireEx(m_instance.fg(), 0, m_memory.get(), 0); // ends the thread's wait
+    applet_tools::stopAcquisition(m_instance, m_memory); // ends the thread's wait
     std::unique_lock lock(m_mutex);
     m_changed.wait(lock, [this] { return !m_isWatching; });
     m_memory.reset();
@@ -215,9 +208,7 @@ void LivePictures::startForReceivers() {
 }
 
 void LivePictures::work() {
-    sigset_t all;
-    sigfillset(&all);
-    pthread_sigmask(SIG_BLOCK, &all, nullptr); // signals are for the command thread
+    applet_tools::blockSignals();
     std::unique_lock lock(m_mutex);
     for (;;) {
         m_changed.wait(lock, [this] { return m_isEnding || m_state.isRunning || mustStart(); });

@@ -22,7 +22,7 @@ struct LiveStation {
     applet_tools::Instance& instance() const { return access.live->instance(); }
     bool isVirtual() const { return access.board == "virtual"; }
 
-    /** Around each command of a client. `acquires`: it may use the acquisition, so that of the pictures stops. */
+    /** Around each command of a client. `acquires`: it may start an acquisition, so the one for pictures stops. */
     void beginCommand(const std::string& text, bool acquires);
     void endCommand(bool acquires);
     /** Parameters may have changed. */

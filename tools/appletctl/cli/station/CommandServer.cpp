@@ -59,7 +59,7 @@ void CommandServer::run() {
     while (!m_socket.isStopAsked() && waitForWork()) {
         const std::optional<serve::ClientCommand> command =
             m_socket.begin([](const serve::ClientCommand&) { return true; });
-        m_live.commands.carryOut(false);
+        m_live.commands.runPending(false);
         if (!command) continue;
         const bool acquires = mayAcquire(*command);
         m_live.beginCommand(m_socket.runningCommand(), acquires);
@@ -134,7 +134,7 @@ Instance* CommandServer::virtualInstance() {
 void CommandServer::lookMeanwhile() {
     if (m_isPaused || m_interruption.isAsked() || m_context.isCopy()) return;
     m_isPaused = true;
-    m_live.commands.carryOut(true);
+    m_live.commands.runPending(true);
     Request request;
     const auto isWanted = [&](const serve::ClientCommand& command) { return isQuickLook(command, request); };
     const auto look = [&] { return serve::CommandEnd{m_session.runInPause(request), false}; };

@@ -5,6 +5,7 @@
 #include "applet_tools/applet/assignments.h"
 #include "applet_tools/base/text.h"
 #include "applet_tools/scratch/refusal.h"
+#include "appletctl/base/confirm.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/CommandRun.h"
 #include "appletctl/commands/assignment_report.h"
@@ -22,7 +23,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <iostream>
 #include <map>
 #include <set>
 #include <system_error>
@@ -162,14 +162,6 @@ Report reportOf(const FilePlan& plan, const std::string& file, bool areAllWrites
 /** A single word without an equals sign is a file name. */
 bool isFile(const Words& words) { return words.size() == 1 && !isAssignment(words.front()); }
 
-/** Asks on the terminal. */
-bool isAgreed() {
-    std::cerr << "apply? [y/N] " << std::flush;
-    std::string answer;
-    std::getline(std::cin, answer);
-    return answer == "y" || answer == "Y" || answer == "yes";
-}
-
 } // namespace
 
 json planJob(ScratchSession& session, const json& arguments) {
@@ -254,7 +246,7 @@ Report applyChanges(Context& context, const Words& words) {
     }
     if (!options.json && !options.quiet) writeOut(laidOut(plan));
     plan.text.clear();
-    if (isAsked && !isAgreed()) {
+    if (isAsked && !isConfirmed("apply?")) {
         plan.problems.push_back("nothing was applied");
         plan.exitCode = exitRefused;
         return plan;

@@ -75,7 +75,7 @@ void setAll(Instance& instance, std::vector<Default>& open) {
     });
 }
 
-void tell(Instance& instance, const Default& wanted, Report& report) {
+void addOutcome(Instance& instance, const Default& wanted, Report& report) {
     const Parameter& parameter = *wanted.target.parameter;
     const std::string from = valueText(parameter, wanted.before), to = valueWithUnit(parameter, wanted.value);
     nlohmann::ordered_json row = {{"name", parameter.name},
@@ -130,7 +130,7 @@ Report resetParameters(Context& context, const Words& words) {
     std::vector<Default> open = openDefaults(context, wanted, defaults);
     setAll(context.instance(), open);
     for (const Default& parameter : open)
-        tell(context.instance(), parameter, report);
+        addOutcome(context.instance(), parameter, report);
     for (const Target& target : wanted) {
         const Parameter& parameter = *target.parameter;
         const bool isKnown =

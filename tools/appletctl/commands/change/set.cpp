@@ -136,7 +136,7 @@ std::string untilWritable(const AccessAnswer& access) {
            " is not a file that can be opened for reading";
 }
 
-/** For a read-only parameter: what its value has moved all the same. */
+/** For a read-only parameter: what a set has changed nevertheless. */
 std::string waitingText(const AccessAnswer& access, const std::vector<Movement>& moves) {
     Words moved;
     for (const Movement& movement : moves)

@@ -1,15 +1,14 @@
 // The HTTP server of a station, by the library cpp-httplib.
 
+#include "applet_tools/base/block_signals.h"
 #include "serve/http/protocol/HttpTransport.h"
 #include "serve/http/transport/ClientStream.h"
 
-#include <pthread.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <atomic>
 #include <condition_variable>
-#include <csignal>
 #include <cstring>
 #include <mutex>
 #include <set>
@@ -285,9 +284,7 @@ public:
     explicit Transport(std::unique_ptr<Server> server)
         : m_server(std::move(server))
         , m_thread([this] {
-            sigset_t all;
-            sigfillset(&all);
-            pthread_sigmask(SIG_BLOCK, &all, nullptr); // signals are for the command thread
+            applet_tools::blockSignals();
             m_server->listen_after_bind();
             m_isOver = true;
         }) {}
