@@ -32,7 +32,7 @@ check_tidy() {
     cmake --preset tidy --log-level=WARNING
     say "Analysing with clang-tidy, warnings are errors"
     local tidy=(run-clang-tidy -quiet -p build/tidy -j "$(nproc)") checks=-bugprone-suspicious-include
-    "${tidy[@]}" -checks=$checks "^$PWD/build/tidy/(src|station|virtual_board|host|producer|tools)/.*xx$"
+    "${tidy[@]}" -checks=$checks "^$PWD/build/tidy/(src|station|virtual_board|host|producer|python|tools)/.*xx$"
     # The variable of a benchmark's loop is never read.
     "${tidy[@]}" -checks=$checks,-clang-analyzer-deadcode.DeadStores "^$PWD/build/tidy/bench/.*xx$"
 }

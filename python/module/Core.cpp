@@ -163,7 +163,7 @@ py::object Core::read(const Row& row) const {
     case VEXO_TEXT:
         return py::str(readText(row));
     case VEXO_FIELD: {
-        const py::object values = function("numpy", "empty")(row.elements, "uint32");
+        py::object values = function("numpy", "empty")(row.elements, "uint32");
         readElements(row, 0, values.cast<py::buffer>());
         values.attr("setflags")(false); // a change of it would not reach the station
         return values;
@@ -176,7 +176,7 @@ py::object Core::read(const Row& row) const {
     default: {
         std::int64_t value = 0;
         check(vexo_get_int(its, row.id, &value));
-        const py::int_ number(value);
+        py::int_ number(value);
         if (row.kind != VEXO_ENUM) return number;
         PyObject* entry = PyDict_GetItemWithError(row.entries.ptr(), number.ptr());
         return entry != nullptr ? py::reinterpret_borrow<py::object>(entry) : py::object(number);

@@ -36,6 +36,10 @@ py::buffer_info bytesOf(const vexo_picture& picture, const py::buffer& buffer, b
 
 /** A field of vexo_picture. */
 template <typename Member> struct RecordField {
+    constexpr RecordField(const char* called, Member vexo_picture::*of, const char* words)
+        : name(called)
+        , member(of)
+        , about(words) {}
     const char* name;
     Member vexo_picture::*member;
     const char* about;
