@@ -41,13 +41,13 @@ applet_tools::RefusalCauses causesOf(vexo_station& station, const applet_tools::
     using applet_tools::End;
     applet_tools::RefusalCauses found;
     try {
-        const auto its = askAcceptedValues(asking(station), {parameter.name}, {}).front();
-        if (!its.range || std::isnan(number)) return found;
-        found.nearest = nearestTo(number, *its.range);
-        const bool isAbove = number > asDouble(its.range->maximum);
-        if (!isAbove && number >= asDouble(its.range->minimum)) return found;
+        const auto accepted = askAcceptedValues(asking(station), {parameter.name}, {}).front();
+        if (!accepted.range || std::isnan(number)) return found;
+        found.nearest = nearestTo(number, *accepted.range);
+        const bool isAbove = number > asDouble(accepted.range->maximum);
+        if (!isAbove && number >= asDouble(accepted.range->minimum)) return found;
         const End end = isAbove ? End::maximum : End::minimum;
-        const applet_tools::LimitCauses& causes = isAbove ? its.ofMaximum : its.ofMinimum;
+        const applet_tools::LimitCauses& causes = isAbove ? accepted.ofMaximum : accepted.ofMinimum;
         found.limit = causesInWords(parameter, causes, end);
         found.setBy = asJson(causes, end);
     } catch (const std::exception&) { // the refusal matters more
