@@ -18,7 +18,7 @@ configure_file(cmake/vexo.pc.in ${CMAKE_BINARY_DIR}/package/vexo.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/package/vexo.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
 set(doc_dir ${CMAKE_INSTALL_DATADIR}/doc/vexo)
-install(FILES README.md CHANGELOG.md DESTINATION ${doc_dir})
+install(FILES README.md CHANGELOG.md CONTRIBUTING.md DESTINATION ${doc_dir})
 install(DIRECTORY docs/ DESTINATION ${doc_dir}/docs)
 install(DIRECTORY examples DESTINATION ${doc_dir})
 install(FILES page/icon.svg DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps RENAME appletctl.svg)

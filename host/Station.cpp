@@ -26,7 +26,7 @@ vexo_station::vexo_station(const applet_tools::BoardOptions& options, bool wants
     , get(instance.applet().Fg_getParameterWithType)
     , fg(instance.fg())
     , givesAdvice(wantsAdvice)
-    , onlyLooks(options.look && !options.offline)
+    , onlyLooks(options.look)
     , board(boardOf(options, instance)) {
     // Nobody reads the log, which would grow to its limit.
     if (board == "virtual") instance.board().log_kinds(instance.device(), 0);
@@ -47,9 +47,8 @@ void requireVirtual(const vexo_station& station) {
 
 void requireWritable(const vexo_station& station, const char* what) {
     if (station.onlyLooks)
-        throw Error(VEXO_ERR_STATE, std::string(what) +
-                                        " would write to the board, and this station only looks: "
-                                        "open it without VEXO_LOOK");
+        throw Error(VEXO_ERR_STATE, std::string(what) + " is not possible: this station only looks; "
+                                                        "open it without VEXO_LOOK");
 }
 
 applet_tools::Words wordsOf(const char* const* texts, std::size_t count) {

@@ -21,6 +21,7 @@ applet_tools::BoardOptions boardOptionsOf(const vexo_options& options) {
     if (options.board == VEXO_SYSTEM) board.board = applet_tools::BoardKind::system;
     board.offline = options.board == VEXO_OFFLINE;
     board.look = (options.flags & VEXO_LOOK) != 0;
+    board.takesStationOfEnvironment = false; // see SetUp
     if (options.applet != nullptr) board.applet = options.applet;
     if (options.bridge != nullptr) board.bridge = options.bridge;
     const std::filesystem::path here = applet_host::folderOfThisCode();
@@ -44,6 +45,30 @@ void check(const vexo_options& options) {
     if (options.station != nullptr && options.board != VEXO_VIRTUAL)
         throw Error(VEXO_ERR_NOT_VIRTUAL, "a station file is for a virtual board");
 }
+
+/** The station file of the options, or else of the environment; it is read before a board is opened. */
+class SetUp {
+public:
+    explicit SetUp(const vexo_options& options) {
+        if (options.board != VEXO_VIRTUAL) return;
+        const char* const variable = "VBOARD_STATION";
+        const char* const named = options.station == nullptr ? std::getenv(variable) : nullptr;
+        if (named != nullptr) m_subject = variable;
+        if (const char* const name = named != nullptr ? named : options.station)
+            m_file = about(m_subject, [&] { return readStation(name); });
+    }
+
+    void apply(vexo_station& station) {
+        if (!m_file) return;
+        const bool isForAll = !m_subject.empty(); // also for stations that only look
+        if (isForAll && station.onlyLooks) m_file->parameters.clear();
+        about(m_subject, [&] { setUp(station, *m_file); });
+    }
+
+private:
+    std::string m_subject; // of a failure's words: the variable, if it names the file
+    std::optional<applet_tools::StationFile> m_file;
+};
 
 /** The library folder of the process, which a failed opening does not choose. */
 class LibraryFolder {
@@ -82,13 +107,12 @@ int vexo_open(const vexo_options* options, vexo_station** station) {
         standard.size = sizeof standard;
         const vexo_options& chosen = options != nullptr ? *options : standard;
         check(chosen);
-        std::optional<applet_tools::StationFile> file;
-        if (chosen.station != nullptr) file = readStation(chosen.station);
         const std::lock_guard lock(opening);
+        SetUp stationFile(chosen); // reads the environment, which an opening changes
         LibraryFolder folder(chosen.library_dir);
         auto opened =
             std::make_unique<vexo_station>(boardOptionsOf(chosen), (chosen.flags & VEXO_NO_ADVICE) == 0);
-        if (file) setUp(*opened, *file);
+        stationFile.apply(*opened);
         folder.keep();
         *station = opened.release();
         return VEXO_OK;

@@ -118,15 +118,17 @@ template <typename From> int setNumber(vexo_station* station, int id, From numbe
     return onParameter(station, id, [&](vexo_station& own, const ParameterRow& row) {
         if (!row.isNumber) throwOtherKind(row, "a number");
         const Target target{row.parameter};
+        const std::string text = applet_tools::exactText(number);
         const auto native = [&](const auto& empty) -> Value {
             using T = std::decay_t<decltype(empty)>;
             if constexpr (std::is_arithmetic_v<T>) {
                 if (const auto fitting = converted<T>(number)) return *fitting;
-                throwNoFit(row, applet_tools::exactText(number));
+                requireWritable(own, ("a set of " + row.parameter->name).c_str());
+                throw noFitRefusal(own, {target, text, number});
             }
             throwOtherKind(row, "a number");
         };
-        set(own, {target, applet_tools::exactText(number), std::visit(native, emptyValue(target))});
+        set(own, {target, text, std::visit(native, emptyValue(target))});
     });
 }
 
@@ -142,6 +144,19 @@ std::string textOf(vexo_station& station, const ParameterRow& row) {
     for (const std::uint32_t element : *elements)
         text += (text.empty() ? "" : ",") + std::to_string(element);
     return text;
+}
+
+/** The assignment of a text. Throws UsageError for one that is no value, and Error for a number that does not fit. */
+Assignment assignmentOf(vexo_station& station, const Target& target, const std::string& text) {
+    try {
+        return {target, text, parseValue(target, text)};
+    } catch (const applet_tools::UsageError&) {
+        const bool isNumber =
+            target.parameter->kind() != REGISTER_KIND_ENUM && applet_tools::isNumber(emptyValue(target));
+        const auto number = isNumber ? applet_tools::floatingNumber(text) : std::nullopt;
+        if (!number) throw;
+        throw noFitRefusal(station, {target, text, *number});
+    }
 }
 
 /** The elements of a field; throws Error if it has none, or not these. */
@@ -266,7 +281,7 @@ int vexo_get_text(vexo_station* station, int id, char* buffer, size_t* size) {
 }
 
 int vexo_get_field(vexo_station* station, int id, uint32_t first, uint32_t count, uint32_t* values) {
-    if (values == nullptr) return failNull("the pointer for the elements");
+    if (values == nullptr && count > 0) return failNull("the pointer for the elements");
     return onParameter(station, id, [&](vexo_station& own, const ParameterRow& row) {
         static_cast<void>(elementsOf(row, first, count));
         FieldParameterAccess run{.vtype = FG_PARAM_UINT32, .index = first, .count = count, .values = values};
@@ -283,12 +298,13 @@ int vexo_set_text(vexo_station* station, int id, const char* text) {
     if (text == nullptr) return failNull("the text");
     return onParameter(station, id, [&](vexo_station& own, const ParameterRow& row) {
         const Target target = row.hasElements ? applet_tools::wholeOf(*row.parameter) : Target{row.parameter};
-        set(own, {target, text, parseValue(target, text)});
+        requireWritable(own, ("a set of " + row.parameter->name).c_str());
+        set(own, assignmentOf(own, target, text));
     });
 }
 
 int vexo_set_field(vexo_station* station, int id, uint32_t first, uint32_t count, const uint32_t* values) {
-    if (values == nullptr) return failNull("the elements");
+    if (values == nullptr && count > 0) return failNull("the elements");
     return onParameter(station, id, [&](vexo_station& own, const ParameterRow& row) {
         const Target target = elementsOf(row, first, count);
         set(own, {target, std::to_string(*values), Elements(values, values + count)});
@@ -302,6 +318,10 @@ int vexo_set_all(vexo_station* station, const char* const* assignments, size_t c
     return onLocked(station, [&](vexo_station& own) {
         const applet_tools::Words words = wordsOf(assignments, count);
         requireWritable(own, "a set of parameters");
+        for (const std::string& word : words)
+            if (const std::size_t equals = word.find('='); equals != std::string::npos && equals > 0)
+                assignmentOf(own, findTarget(own.live.parameters(), word.substr(0, equals)),
+                             word.substr(equals + 1));
         const bool isLast = order == VEXO_GIVEN_ORDER;
         std::optional<Error> refusal = trySetAll(own, words, isLast);
         if (refusal && !isLast) {

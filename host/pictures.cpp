@@ -123,8 +123,7 @@ int vexo_write_picture(const vexo_picture* picture, const void* data, const char
         return failNull("the picture, its bytes or the name of the file");
     return guarded([&] {
         const applet_tools::PictureView view = viewOf(*picture, data);
-        const applet_tools::PictureFormat& format =
-            applet_tools::formatOfFile(file, "end its name in .png, .tif, .ppm or .raw");
+        const applet_tools::PictureFormat& format = applet_tools::formatOfFile(file, "");
         const std::string content = format.encode(view);
         try {
             applet_tools::writeFile(file, content);

@@ -57,7 +57,12 @@ const Words& read(vexo_station& station, const Words& words) {
 }
 
 Words with(vexo_station& station, const char* assignments) {
-    return assignments != nullptr ? read(station, applet_tools::splitLine(assignments).words) : Words{};
+    if (assignments == nullptr) return {};
+    const applet_tools::WordLine line = applet_tools::splitLine(assignments);
+    if (line.isOpen)
+        throw applet_tools::UsageError(applet_tools::inQuotedWord(assignments) + ": " +
+                                       applet_tools::unfinishedLine);
+    return read(station, line.words);
 }
 
 /** The accepted range; empty if it is no number, or none is accepted. */
@@ -81,6 +86,13 @@ void vexo_answer_free(vexo_answer* answer) { delete answer; }
 int vexo_ask_limits(vexo_station* station, const char* name, const char* assumed, vexo_range* range,
                     vexo_answer** answer) {
     if (name == nullptr) return failNull("the name");
+    if (applet_tools::isAssignment(name))
+        return guarded([&]() -> int {
+            throw Error(VEXO_ERR_VALUE,
+                        applet_tools::inQuotedWord(name) +
+                            " is an assignment, but a name is expected; what is assumed to be "
+                            "set is an argument of its own");
+        });
     std::optional<vexo_range> found;
     const int code =
         answered(station, answer, [&](vexo_station& own, std::string& text, ordered_json& document) {

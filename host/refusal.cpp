@@ -1,10 +1,13 @@
 #include "host/refusal.h"
 
+#include "applet_tools/answers/limits.h"
 #include "applet_tools/applet/published_limits.h"
 #include "applet_tools/base/errors.h"
 #include "applet_tools/scratch/refusal.h"
 
 #include "vexo/fg_errors.h"
+
+#include <cmath>
 
 namespace host {
 namespace {
@@ -20,6 +23,38 @@ applet_tools::Suggestion adviceFor(vexo_station& station, const AssignmentResult
     }
 }
 
+/** The accepted number nearest to one that may be beyond the type. */
+applet_tools::Value nearestTo(double number, const applet_tools::MeasuredRange& range) {
+    if (number <= asDouble(range.minimum)) return range.minimum;
+    if (number >= asDouble(range.maximum)) return range.maximum;
+    const auto rounded = [&](const auto& like) -> applet_tools::Value {
+        using T = std::decay_t<decltype(like)>;
+        if constexpr (std::is_arithmetic_v<T>) return static_cast<T>(std::round(number));
+        return like;
+    };
+    return nearestIn(range, std::visit(rounded, range.minimum));
+}
+
+/** What sets the limit that the number exceeds, and the nearest accepted one. */
+applet_tools::RefusalCauses causesOf(vexo_station& station, const applet_tools::Parameter& parameter,
+                                     double number) {
+    using applet_tools::End;
+    applet_tools::RefusalCauses found;
+    try {
+        const auto accepted = askAcceptedValues(asking(station), {parameter.name}, {}).front();
+        if (!accepted.range || std::isnan(number)) return found;
+        found.nearest = nearestTo(number, *accepted.range);
+        const bool isAbove = number > asDouble(accepted.range->maximum);
+        if (!isAbove && number >= asDouble(accepted.range->minimum)) return found;
+        const End end = isAbove ? End::maximum : End::minimum;
+        const applet_tools::LimitCauses& causes = isAbove ? accepted.ofMaximum : accepted.ofMinimum;
+        found.limit = causesInWords(parameter, causes, end);
+        found.setBy = asJson(causes, end);
+    } catch (const std::exception&) { // the refusal matters more
+    }
+    return found;
+}
+
 } // namespace
 
 Error refusalOf(vexo_station& station, const AssignmentResult& result, bool wantsAdvice) {
@@ -31,6 +66,27 @@ Error refusalOf(vexo_station& station, const AssignmentResult& result, bool want
         if (advice.members.is_object()) members.update(advice.members);
     }
     return {result.code, words, std::move(members)};
+}
+
+Error noFitRefusal(vexo_station& station, const Assignment& assignment) {
+    const applet_tools::Parameter& parameter = *assignment.target.parameter;
+    nlohmann::ordered_json members = refusalAsJson(assignment);
+    const std::string entries = entriesText(parameter), limits = limitsText(parameter),
+                      unit = parameter.unit();
+    std::string words = parameter.name + "=" + assignment.text +
+                        " was refused: the number does not fit in the type of the value";
+    if (!entries.empty())
+        words += "; the entries are " + entries;
+    else if (!limits.empty())
+        words += "; the present limits are " + limits + (unit.empty() ? "" : " " + unit);
+    if (station.givesAdvice && entries.empty()) {
+        const applet_tools::RefusalCauses causes = causesOf(station, parameter, asDouble(assignment.value));
+        if (!causes.limit.empty()) words += "; " + causes.limit;
+        if (causes.nearest)
+            words += "; the nearest accepted value is " + exactValueWithUnit(parameter, *causes.nearest);
+        addCauses(members, parameter, causes);
+    }
+    return {VEXO_ERR_VALUE, words, std::move(members)};
 }
 
 void set(vexo_station& station, const Assignment& assignment) {

@@ -11,6 +11,9 @@ namespace host {
  *  values on the scratch board, if the station gives advice. */
 Error refusalOf(vexo_station& station, const applet_tools::AssignmentResult& result, bool wantsAdvice = true);
 
+/** The same for a number that the parameter's type does not have: the assignment's value is of another type. */
+Error noFitRefusal(vexo_station& station, const applet_tools::Assignment& assignment);
+
 /** Sets the value; throws Error if it is refused. */
 void set(vexo_station& station, const applet_tools::Assignment& assignment);
 

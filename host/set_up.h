@@ -2,6 +2,7 @@
 #ifndef HOST_SET_UP_H
 #define HOST_SET_UP_H
 
+#include "applet_tools/base/errors.h"
 #include "applet_tools/station/StationFile.h"
 #include "host/Station.h"
 
@@ -9,10 +10,24 @@
 
 namespace host {
 
+/** The result of the work; the words of its failure start with the subject, if it is not empty. */
+template <typename Work> auto about(const std::string& subject, const Work& work) {
+    if (subject.empty()) return work();
+    try {
+        return work();
+    } catch (const Error& error) {
+        throw Error(error.code, subject + ": " + error.what(), error.members);
+    } catch (const applet_tools::UnknownName& error) {
+        throw applet_tools::UnknownName(subject + ": " + error.what(), error.nearest);
+    } catch (const applet_tools::UsageError& error) {
+        throw applet_tools::UsageError(subject + ": " + error.what());
+    }
+}
+
 /** Throws Error if the file cannot be read or has a wrong field. */
 applet_tools::StationFile readStation(const std::string& file);
 
-/** Connects the virtual board and sets the parameters. Throws Error. */
+/** Connects the virtual board and sets the parameters. Throws Error, with the name of the file. */
 void setUp(vexo_station& station, const applet_tools::StationFile& file);
 
 } // namespace host

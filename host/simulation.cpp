@@ -74,23 +74,23 @@ applet_tools::StationFile readStation(const std::string& file) {
     } catch (const applet_tools::UsageError& error) {
         throw Error(VEXO_ERR_FILE, error.what());
     }
-    try {
+    return about(applet_tools::shownFile(file), [&] {
         applet_tools::StationFile station =
             applet_tools::parseStation(text, std::filesystem::path(file).parent_path().string());
         station.name = file;
         return station;
-    } catch (const applet_tools::UsageError& error) {
-        throw applet_tools::UsageError(applet_tools::shownFile(file) + ": " + error.what());
-    }
+    });
 }
 
 void setUp(vexo_station& station, const applet_tools::StationFile& file) {
     if (!file.parameters.empty()) requireWritable(station, "a station file with parameters");
-    const applet_tools::ParameterList& parameters = station.live.parameters();
-    parseAssignments(parameters, file.parameters); // a misspelt one changes nothing
-    connectStation(station.instance.board(), station.instance.device(), file);
-    for (const applet_tools::Assignment& assignment : parseAssignments(parameters, file.parameters))
-        set(station, assignment);
+    about(file.name.empty() ? "" : applet_tools::shownFile(file.name), [&] {
+        const applet_tools::ParameterList& parameters = station.live.parameters();
+        parseAssignments(parameters, file.parameters); // a misspelt one changes nothing
+        connectStation(station.instance.board(), station.instance.device(), file);
+        for (const applet_tools::Assignment& assignment : parseAssignments(parameters, file.parameters))
+            set(station, assignment);
+    });
 }
 
 } // namespace host

@@ -109,7 +109,9 @@ enum vexo_board {
 /** Bits of vexo_options::flags. */
 enum vexo_flag {
     VEXO_LOOK = 1,     /**< the board is left as it is: no start value is written, and sets, loads and
-                            acquisitions are VEXO_ERR_STATE. Values are those of a starting applet */
+                            acquisitions are VEXO_ERR_STATE, also offline. Values are those of a starting
+                            applet. Of the station file of VBOARD_STATION the parameters are left out; one
+                            that `station` names must have none */
     VEXO_NO_ADVICE = 2 /**< refusals are explained without the scratch board, which makes them faster */
 };
 
@@ -127,8 +129,8 @@ typedef struct vexo_options {
     /** Library with bridge_open_board and bridge_close_board, for a system whose board library opens none by
      *  itself. Null: none. */
     const char* bridge;
-    /** Station file (JSON) for a virtual board. Null: the one of the environment variable VBOARD_STATION, if
-     *  set. */
+    /** Station file (JSON) for a virtual board; the environment variable VBOARD_STATION is ignored then. Null: the
+     *  one that this variable names, if set. */
     const char* station;
 } vexo_options;
 
@@ -136,9 +138,9 @@ typedef struct vexo_options {
  * Loads the libraries (the platform's first, by absolute path, then the applet) and brings the applet up.
  * @param options  null: a virtual board, all at their default locations. The texts are copied
  * @param station  receives the station; null after a failure
- * @return VEXO_OK; VEXO_ERR_LIBRARY, VEXO_ERR_UNAVAILABLE; for a station file VEXO_ERR_FILE, VEXO_ERR_VALUE or
- *         the code of a refused parameter. A process loads the libraries of one folder only, and has either
- *         virtual (or no) boards or those of the system: the others are VEXO_ERR_LIBRARY while one is open.
+ * @return VEXO_OK; VEXO_ERR_LIBRARY, VEXO_ERR_UNAVAILABLE; for a station file the results of vexo_set_up. A
+ *         process loads the libraries of one folder only, and has either virtual (or no) boards or those of
+ *         the system: the others are VEXO_ERR_LIBRARY while one is open.
  */
 int vexo_open(const vexo_options* options, vexo_station** station);
 
@@ -171,7 +173,8 @@ enum vexo_kind {
     VEXO_FIELD = 8 /**< an array of unsigned 32-bit numbers */
 };
 
-/** Bits of vexo_parameter::access and of vexo_access. */
+/** Bits of vexo_parameter::access and of vexo_get_access. Without the last one the applet declares that the
+ *  parameter should not be changed while an acquisition runs; its setter does not check that. */
 enum vexo_access_bits { VEXO_READ = 1, VEXO_WRITE = 2, VEXO_WRITE_WHILE_ACQUIRING = 4 };
 
 /** A parameter. The texts are valid until vexo_close. */
@@ -243,13 +246,13 @@ int vexo_get_double(vexo_station* station, int id, double* value);
 int vexo_get_text(vexo_station* station, int id, char* buffer, size_t* size);
 
 /** Reads `count` elements of a field from element `first` on into the caller's `values`. VEXO_ERR_ARGUMENT:
- *  beyond the field. */
+ *  none, or beyond the field. */
 int vexo_get_field(vexo_station* station, int id, uint32_t first, uint32_t count, uint32_t* values);
 
 /*
- * Sets. VEXO_ERR_VALUE: the number does not fit in the parameter's own type, VEXO_ERR_KIND: it has no number;
- * otherwise the applet's answer: FG_ERR_OUT_OF_RANGE, FG_ERR_GRANULARITY, FG_ERR_NOT_AVAILABLE (read-only) or
- * a code of the board.
+ * Sets. VEXO_ERR_VALUE: the number does not fit in the parameter's own type (the details are those of a refused
+ * value), VEXO_ERR_KIND: it has no number; otherwise the applet's answer: FG_ERR_OUT_OF_RANGE,
+ * FG_ERR_GRANULARITY, FG_ERR_NOT_AVAILABLE (read-only) or a code of the board.
  */
 int vexo_set_int(vexo_station* station, int id, int64_t value);
 int vexo_set_uint(vexo_station* station, int id, uint64_t value);
@@ -348,11 +351,13 @@ int vexo_now(vexo_station* station, uint64_t* tick);
 int vexo_advance(vexo_station* station, uint64_t ticks);
 
 /** Connects a wave to an input, from the next tick on: "GPI_0=high", "GPI_2=square:1ms",
- *  "GPI_0=edges:1ms,2ms", "GPI_0,GPI_1=encoder:20000". */
+ *  "GPI_0=edges:1ms,2ms", "GPI_0,GPI_1=encoder:20000". VEXO_ERR_NAME: there is no such input; VEXO_ERR_VALUE:
+ *  no such wave. */
 int vexo_wave(vexo_station* station, const char* wave);
 
 /** Sets up camera, belt, scene, inputs, clock and parameters from a station file. VEXO_ERR_FILE;
- *  VEXO_ERR_VALUE with the path of the wrong field; otherwise the code of a refused parameter. */
+ *  VEXO_ERR_VALUE with the path of the wrong field; VEXO_ERR_NAME: there is no such parameter; otherwise the code
+ *  of a refused one. */
 int vexo_set_up(vexo_station* station, const char* file);
 
 /** The same from a text in memory. Relative file names in it start at `folder`; null: the working directory. */
@@ -450,8 +455,9 @@ int vexo_release(vexo_station* station, int64_t number);
  *  bytes `data` of the picture into `pixels` with room for 3 * width * height of them. Needs no station. */
 int vexo_unpack(const vexo_picture* picture, const void* data, uint16_t* pixels);
 
-/** Writes the picture to a file, in the format of its suffix: .png, .tiff, .ppm or .raw. VEXO_ERR_FILE;
- *  VEXO_ERR_UNAVAILABLE: built without that format. Needs no station. */
+/** Writes the picture to a file, in the format of its suffix: .png, .tiff (.tif), .ppm or .raw.
+ *  VEXO_ERR_VALUE: it has another suffix; VEXO_ERR_FILE; VEXO_ERR_UNAVAILABLE: built without that format. Needs
+ *  no station. */
 int vexo_write_picture(const vexo_picture* picture, const void* data, const char* file);
 
 #pragma GCC visibility pop

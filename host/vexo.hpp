@@ -296,7 +296,7 @@ private:
     std::vector<std::uint8_t> m_bytes;
 };
 
-/** A running acquisition; it ends with the object. A range of its pictures, each of which is made when it is
+/** A running acquisition; it ends with the object. One thread uses it at a time. A range of its pictures, each of which is made when it is
  *  reached. */
 class Pictures {
 public:
@@ -318,7 +318,11 @@ public:
         , m_left(other.m_left)
         , m_timeout(other.m_timeout)
         , m_memory(other.m_memory) {}
-    Pictures& operator=(Pictures&&) = delete;
+    /** Ends its own acquisition. */
+    Pictures& operator=(Pictures&& other) noexcept {
+        Pictures(std::move(other)).swap(*this);
+        return *this;
+    }
 
     /** Waits for the next picture and makes it. */
     Picture next() {
@@ -334,38 +338,45 @@ public:
     static std::default_sentinel_t end() { return std::default_sentinel; }
 
 private:
+    void swap(Pictures& other) noexcept {
+        std::swap(m_station, other.m_station);
+        std::swap(m_left, other.m_left);
+        std::swap(m_timeout, other.m_timeout);
+        std::swap(m_memory, other.m_memory);
+    }
+
     vexo_station* m_station;
     std::uint64_t m_left;
     Timeout m_timeout;
     vexo_memory m_memory;
 };
 
-/** Goes over the pictures once. */
+/** Goes over the pictures once. A picture is waited for when it is looked at or passed. */
 class Pictures::Iterator {
 public:
     using value_type = Picture;
     using difference_type = std::ptrdiff_t;
 
-    explicit Iterator(Pictures& pictures) : m_pictures(&pictures) { advance(); }
-    const Picture& operator*() const { return *m_picture; }
-    const Picture* operator->() const { return &*m_picture; }
+    explicit Iterator(Pictures& pictures) : m_pictures(&pictures) {}
+    const Picture& operator*() const { return taken(); }
+    const Picture* operator->() const { return &taken(); }
     Iterator& operator++() {
-        advance();
+        taken();
+        m_picture.reset();
         return *this;
     }
-    void operator++(int) { advance(); }
-    bool operator==(std::default_sentinel_t) const noexcept { return !m_picture; }
+    void operator++(int) { ++*this; }
+    bool operator==(std::default_sentinel_t) const noexcept { return !m_picture && m_pictures->m_left == 0; }
 
 private:
-    void advance() {
-        m_picture.reset();
-        if (m_pictures->m_left == 0) return;
+    const Picture& taken() const {
+        if (m_picture) return *m_picture;
         --m_pictures->m_left;
-        m_picture.emplace(m_pictures->next());
+        return m_picture.emplace(m_pictures->next());
     }
 
     Pictures* m_pictures;
-    std::optional<Picture> m_picture;
+    mutable std::optional<Picture> m_picture;
 };
 
 inline Pictures::Iterator Pictures::begin() { return Iterator(*this); }

@@ -78,6 +78,10 @@ std::vector<BadCall> badCalls() {
          [](auto* s) { return vexo_ask_limits(s, "FG_X", nullptr, nullptr, &answer); }},
         {"no pointer for limits", VEXO_ERR_ARGUMENT,
          [](auto* s) { return vexo_ask_limits(s, "FG_WIDTH", nullptr, nullptr, nullptr); }},
+        {"limits of an assignment", VEXO_ERR_VALUE,
+         [](auto* s) { return vexo_ask_limits(s, "FG_WIDTH=4", nullptr, nullptr, &answer); }},
+        {"open quote", VEXO_ERR_VALUE,
+         [](auto* s) { return vexo_ask_limits(s, "FG_WIDTH", "FG_HEIGHT='5", nullptr, &answer); }},
         {"why of no value", VEXO_ERR_VALUE,
          [](auto* s) { return vexo_ask_why(s, "FG_WIDTH=wide", nullptr, &answer); }},
         {"plan of null", VEXO_ERR_ARGUMENT, [](auto* s) { return vexo_ask_plan(s, &nothing, 1, &answer); }},
@@ -86,7 +90,8 @@ std::vector<BadCall> badCalls() {
         {"clock", VEXO_ERR_ARGUMENT, [](auto* s) { return vexo_clock(s, -1); }},
         {"advance without end", VEXO_ERR_ARGUMENT,
          [](auto* s) { return vexo_advance(s, ~std::uint64_t{0}); }},
-        {"wave", VEXO_ERR_VALUE, [](auto* s) { return vexo_wave(s, "GPI_99=high"); }},
+        {"input of a wave", VEXO_ERR_NAME, [](auto* s) { return vexo_wave(s, "GPI_99=high"); }},
+        {"wave", VEXO_ERR_VALUE, [](auto* s) { return vexo_wave(s, "GPI_0=hihg"); }},
         {"station file", VEXO_ERR_FILE, [](auto* s) { return vexo_set_up(s, "/nonexistent.json"); }},
         {"station text", VEXO_ERR_VALUE,
          [](auto* s) { return vexo_set_up_text(s, "{\"station\": 1, \"belt\": 3}", nullptr); }},
@@ -241,29 +246,81 @@ TEST(Opening, OfflineThereAreParametersAndNoBoard) {
 }
 
 TEST(Opening, AStationThatOnlyLooksWritesNothing) {
-    vexo_options options{};
-    options.flags = VEXO_LOOK;
-    vexo::Station station(options);
-    vexo_station* const its = station.handle();
-    const int width = vexo_id(its, "FG_WIDTH");
-    const auto before = station.get<int>("FG_WIDTH");
-    const std::string file = testing::TempDir() + "look.mcf";
-    station.save(file);
-    const std::uint32_t element = 1;
-    const int codes[] = {
-        vexo_set_int(its, width, 512),
-        vexo_set_text(its, width, "512"),
-        vexo_set_field(its, vexo_id(its, "FG_LUT_VALUE_RED"), 0, 1, &element),
-        vexo_set_all(its, &assignment, 1, VEXO_ANY_ORDER),
-        vexo_load(its, file.c_str()),
-        vexo_start(its, 1, VEXO_KEEP),
-        vexo_set_up_text(its, R"({"station": 1, "parameters": {"FG_WIDTH": 512}})", nullptr)};
-    for (const int code : codes)
-        EXPECT_EQ(code, VEXO_ERR_STATE);
-    EXPECT_TRUE(lastErrorHas("VEXO_LOOK")) << vexo_last_error();
-    EXPECT_EQ(station.get<int>("FG_WIDTH"), before);
-    EXPECT_TRUE(station["FG_XOFFSET"].limits("FG_WIDTH=512").range) << "the scratch board may";
-    std::filesystem::remove(file);
+    for (const vexo_board board : {VEXO_VIRTUAL, VEXO_OFFLINE}) {
+        SCOPED_TRACE(board);
+        vexo_options options{};
+        options.board = board;
+        options.flags = VEXO_LOOK;
+        vexo::Station station(options);
+        vexo_station* const its = station.handle();
+        const int width = vexo_id(its, "FG_WIDTH");
+        const auto before = station.get<int>("FG_WIDTH");
+        const std::string file = testing::TempDir() + "look.mcf";
+        std::vector<int> codes;
+        const std::uint32_t element = 1;
+        codes.push_back(vexo_set_int(its, width, 512));
+        codes.push_back(vexo_set_int(its, width, -1));
+        codes.push_back(vexo_set_text(its, width, "512"));
+        codes.push_back(vexo_set_field(its, vexo_id(its, "FG_LUT_VALUE_RED"), 0, 1, &element));
+        codes.push_back(vexo_set_all(its, &assignment, 1, VEXO_ANY_ORDER));
+        if (board == VEXO_VIRTUAL) {
+            station.save(file);
+            codes.push_back(vexo_start(its, 1, VEXO_KEEP));
+            codes.push_back(
+                vexo_set_up_text(its, R"({"station": 1, "parameters": {"FG_WIDTH": 512}})", nullptr));
+        }
+        codes.push_back(vexo_load(its, file.c_str()));
+        EXPECT_EQ(codes, std::vector<int>(codes.size(), VEXO_ERR_STATE));
+        EXPECT_TRUE(board == VEXO_OFFLINE || lastErrorHas("VEXO_LOOK")) << vexo_last_error();
+        EXPECT_EQ(station.get<int>("FG_WIDTH"), before);
+        EXPECT_TRUE(station["FG_XOFFSET"].limits("FG_WIDTH=512").range) << "the scratch board may";
+        std::filesystem::remove(file);
+    }
+}
+
+/** The environment variable that names a station file. */
+struct StationVariable {
+    explicit StationVariable(const std::string& file) { setenv("VBOARD_STATION", file.c_str(), 1); }
+    ~StationVariable() { unsetenv("VBOARD_STATION"); }
+};
+
+/** A station file, and the code of an opening with it. */
+struct StationCase {
+    const char* content; // null: there is no file
+    int code;
+    const char* words;
+};
+
+TEST(Opening, TakesTheStationFileOfTheOptionsOrElseOfTheEnvironment) {
+    const std::string variable = testing::TempDir() + "of_variable.json",
+                      option = testing::TempDir() + "of_option.json";
+    std::ofstream(option) << R"({"station": 1, "parameters": {"FG_WIDTH": 512}})";
+    for (const StationCase& row :
+         {StationCase{R"({"station": 1, "parameters": {"FG_HEIGHT": 64}})", VEXO_OK, ""},
+          StationCase{nullptr, VEXO_ERR_FILE, "VBOARD_STATION: "},
+          StationCase{R"({"station": 1, "camera": 5})", VEXO_ERR_VALUE, R"(of_variable.json": camera)"},
+          StationCase{R"({"station": 1, "parameters": {"FG_WIHT": 5}})", VEXO_ERR_NAME, "FG_WIDTH"},
+          StationCase{R"({"station": 1, "parameters": {"FG_WIDTH": 5}})", FG_ERR_GRANULARITY,
+                      "the nearest accepted value is 4"}}) {
+        SCOPED_TRACE(row.words);
+        std::filesystem::remove(variable);
+        if (row.content != nullptr) std::ofstream(variable) << row.content;
+        const StationVariable set(variable);
+        vexo_options options{};
+        options.size = sizeof options;
+        vexo_station* opened = nullptr;
+        EXPECT_EQ(vexo_open(&options, &opened), row.code);
+        EXPECT_TRUE(row.code == VEXO_OK || lastErrorHas(row.words)) << vexo_last_error();
+        vexo_close(opened);
+        if (row.code == VEXO_OK) {
+            EXPECT_EQ(vexo::Station::virtualBoard().get<int>("FG_HEIGHT"), 64);
+        }
+        const vexo::Station station = vexo::Station::virtualBoard(option);
+        EXPECT_EQ(station.get<int>("FG_WIDTH"), 512);
+        EXPECT_EQ(station.get<int>("FG_HEIGHT"), 1024) << "not that of the variable";
+    }
+    std::filesystem::remove(variable);
+    std::filesystem::remove(option);
 }
 
 } // namespace

@@ -4,6 +4,7 @@ usage: installed_test.py CMAKE BUILD FOLDER LIBDIR
 """
 import os
 import pathlib
+import re
 import shutil
 import subprocess
 import sys
@@ -54,6 +55,14 @@ def check_files(tree):
     paths += [tree.private / "applets/libGrab_TwinLaneLineColor.so", tree.private / "virtual-board/libgrabcore5.so"]
     missing = [str(path) for path in paths if not path.exists() or path.stat().st_size == 0]
     assert not missing, f"missing or empty: {missing}"
+
+
+def check_links(tree):
+    """Each relative link of the installed pages has its file."""
+    links = [(page, target) for page in (tree.prefix / "share/doc/vexo").rglob("*.md")
+             for target in re.findall(r"\]\(([^)#:]+)[)#]", page.read_text())]
+    dead = [f"{page}: {target}" for page, target in links if not (page.parent / target).exists()]
+    assert len(links) > 20 and not dead, dead
 
 
 def check_tool(tree):
@@ -113,7 +122,7 @@ def build_with_pkg_config(tree):
 def main():
     cmake, build, folder, libdir = sys.argv[1:]
     tree = Tree(cmake, build, pathlib.Path(folder), libdir)
-    for check in (check_files, check_tool, build_examples, run_from_a_link, run_python, build_with_pkg_config):
+    for check in (check_files, check_links, check_tool, build_examples, run_from_a_link, run_python, build_with_pkg_config):
         check(tree)
     shutil.rmtree(folder)
 

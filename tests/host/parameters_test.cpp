@@ -6,7 +6,10 @@
 #include "vexo/fg_errors.h"
 #include "vexo/fg_parameters.h"
 
+#include <nlohmann/json.hpp>
+
 #include <cstring>
+#include <functional>
 #include <limits>
 
 namespace {
@@ -112,6 +115,40 @@ TEST_F(Parameters, NumbersThatDoNotFitAreRefusedAndChangeNothing) {
     EXPECT_THROW(station.get<std::int8_t>("FG_WIDTH"), std::out_of_range);
 }
 
+struct UnfitNumber {
+    const char* name;
+    double number;
+    const char* nearest;
+    const char* setBy; // "" for none
+};
+
+TEST_F(Parameters, ARefusalOfANumberThatDoesNotFitSaysWhatIsAccepted) {
+    station.set({"FG_XOFFSET=64"});
+    for (const UnfitNumber& row : {UnfitNumber{"FG_WIDTH", -1, R"({"value":4})", "minimum"},
+                                   UnfitNumber{"FG_WIDTH", 4294967296.0, R"({"value":16320})", "FG_XOFFSET"},
+                                   UnfitNumber{"FG_WIDTH", 2046.5, R"({"value":2048})", ""},
+                                   UnfitNumber{"FG_XOFFSET", -4, R"({"value":0})", "minimum"}}) {
+        SCOPED_TRACE(row.name + std::to_string(row.number));
+        EXPECT_EQ(vexo_set_double(its, id(row.name), row.number), VEXO_ERR_VALUE);
+        const auto details = nlohmann::json::parse(vexo_last_details());
+        EXPECT_EQ(details.value("nearest", nlohmann::json()).dump(), row.nearest) << details;
+        EXPECT_EQ(details.at("requested").at("value"), row.number);
+        EXPECT_EQ(details.at("limit").at("step"), 4);
+        EXPECT_TRUE(lastErrorHas("the present limits are ") && lastErrorHas(row.setBy)) << vexo_last_error();
+    }
+    const char* const pair[] = {"FG_HEIGHT=8", "FG_WIDTH=-1"};
+    const std::function<int()> sets[] = {[&] { return vexo_set_int(its, id("FG_WIDTH"), -1); },
+                                         [&] { return vexo_set_text(its, id("FG_WIDTH"), "-1"); },
+                                         [&] { return vexo_set_all(its, pair, 2, VEXO_GIVEN_ORDER); }};
+    for (const auto& set : sets) {
+        EXPECT_EQ(set(), VEXO_ERR_VALUE);
+        EXPECT_EQ(nlohmann::json::parse(vexo_last_details()).at("nearest").at("value"), 4);
+    }
+    EXPECT_EQ(station.get<int>("FG_HEIGHT"), 1024);
+    EXPECT_EQ(vexo_set_int(its, id("FG_VANTAGEPOINT"), std::int64_t{1} << 40), VEXO_ERR_VALUE);
+    EXPECT_TRUE(lastErrorHas("the entries are FG_VANTAGEPOINT_TOP_LEFT")) << vexo_last_error();
+}
+
 TEST_F(Parameters, ATextNeedsItsSpace) {
     char text[64] = "untouched";
     std::size_t size = 4;
@@ -135,6 +172,8 @@ TEST_F(Parameters, FieldsAreReadAndSetByElement) {
     EXPECT_EQ(vexo_get_field(its, table.id(), last, 2, &untouched), VEXO_ERR_ARGUMENT);
     EXPECT_EQ(vexo_get_field(its, table.id(), 0xffffffffU, 2, &untouched), VEXO_ERR_ARGUMENT);
     EXPECT_EQ(vexo_set_field(its, table.id(), 0, 0, &untouched), VEXO_ERR_ARGUMENT);
+    EXPECT_THROW(table.elements(0, 0), vexo::Error);
+    EXPECT_TRUE(lastErrorHas("0 from element 0")) << vexo_last_error();
     EXPECT_EQ(vexo_set_field(its, id("FG_WIDTH"), 0, 1, &untouched), VEXO_ERR_KIND);
     EXPECT_EQ(untouched, 5U);
 }

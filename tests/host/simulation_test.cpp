@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <fstream>
 #include <mutex>
+#include <ranges>
 #include <thread>
 
 namespace {
@@ -200,6 +201,22 @@ TEST_F(Simulation, ARangeOfPicturesLosesNone) {
     EXPECT_EQ(station.grab().info().number, 1) << "the range has ended its acquisition";
 }
 
+TEST_F(Simulation, ARangeOfPicturesIsAView) {
+    simulatorOn();
+    vexo::Pictures pictures = station.pictures();
+    std::int64_t count = 0;
+    for (const vexo::Picture& picture : pictures | std::views::take(2))
+        EXPECT_EQ(picture.info().number, ++count);
+    EXPECT_EQ(pictures.next().info().number, count + 1) << "none is taken that is not looked at";
+    vexo::Pictures others = std::move(pictures);
+    pictures = std::move(others);
+    EXPECT_EQ(pictures.next().info().number, count + 2);
+    pictures = vexo::Pictures(std::move(pictures));
+    for (const vexo::Picture& picture : std::move(pictures) | std::views::take(1))
+        EXPECT_EQ(picture.info().number, count + 3);
+    EXPECT_EQ(station.grab().info().number, 1) << "the acquisition has ended";
+}
+
 TEST_F(Simulation, AMissingPictureHasAReason) {
     ASSERT_EQ(vexo_start(its, 1, VEXO_KEEP), VEXO_OK);
     vexo_picture picture{};
@@ -252,6 +269,7 @@ TEST_F(Simulation, APictureThatIsNoneIsNotRead) {
         EXPECT_EQ(vexo_unpack(&wrong, bytes, pixels), VEXO_ERR_ARGUMENT);
     }
     EXPECT_EQ(vexo_write_picture(&picture, bytes, "picture.unknown"), VEXO_ERR_VALUE);
+    EXPECT_STREQ(vexo_last_error(), "\"picture.unknown\" does not end with .png, .tiff, .ppm or .raw");
     EXPECT_EQ(vexo_write_picture(&picture, bytes, "/nonexistent/picture.ppm"), VEXO_ERR_FILE);
 }
 

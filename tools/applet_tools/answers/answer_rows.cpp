@@ -145,7 +145,8 @@ namespace {
 std::string accessInWords(const AccessAnswer& answer) {
     if (answer.isWritable)
         return answer.access == "rw+" ? "writable, also while an acquisition runs"
-                                      : "writable, but not while an acquisition runs";
+                                      : "writable; declared as not to be changed while an acquisition "
+                                        "runs, which the applet does not check";
     return answer.hasSetter ? "now; a value can still be set: it is stored, and 'set' says what it moves"
                             : "always: it is measured, or fixed by the design";
 }

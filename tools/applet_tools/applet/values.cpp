@@ -313,9 +313,10 @@ void addValue(nlohmann::ordered_json& object, const Target& target, const Value&
             }
         },
         value);
-    if (target.parameter->kind() != REGISTER_KIND_ENUM) return;
+    const auto* const number = std::get_if<std::int32_t>(&value); // others are no entry
+    if (target.parameter->kind() != REGISTER_KIND_ENUM || number == nullptr) return;
     for (const Entry& entry : entriesOf(*target.parameter)) {
-        if (entry.value != std::get<std::int32_t>(value)) continue;
+        if (entry.value != *number) continue;
         object["symbol"] = entry.symbol;
         object["label"] = entry.label;
         return;

@@ -15,6 +15,8 @@ struct BoardOptions {
     std::string applet;   /**< library to load; empty: the one next to the program */
     bool offline = false; /**< an instance without a board */
     bool look = false;    /**< bring the applet up without writing to the board */
+    /** Sets a virtual board up from the station file that the environment variable VBOARD_STATION names. */
+    bool takesStationOfEnvironment = true;
     /** Program that runs the scratch board (see runScratchBoard); empty: a copy of this process. */
     std::string scratchProgram{};
 

@@ -34,7 +34,8 @@ const PictureFormat& formatOfFile(const std::string& file, const std::string& ad
         if (name.ends_with(format.suffix) ||
             (format.otherSuffix != nullptr && name.ends_with(format.otherSuffix)))
             return format;
-    throw UsageError(shownFile(file) + " does not end with .png, .tiff, .ppm or .raw: " + advice);
+    throw UsageError(shownFile(file) + " does not end with .png, .tiff, .ppm or .raw" +
+                     (advice.empty() ? "" : ": " + advice));
 }
 
 std::string encodePpm(const PictureView& picture) {

@@ -24,7 +24,7 @@ std::span<const PictureFormat> pictureFormats();
 
 /** Finds a format by its name. Throws UsageError. */
 const PictureFormat& formatNamed(const std::string& name);
-/** Finds a format by the end of a file name. Throws UsageError with `advice`. */
+/** Finds a format by the end of a file name. Throws UsageError with `advice`, if it is not empty. */
 const PictureFormat& formatOfFile(const std::string& file, const std::string& advice);
 
 /** Red, green, blue with 8 bits, or with 16 if the picture has more; the file records the significant bits. */

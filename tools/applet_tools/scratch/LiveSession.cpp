@@ -31,7 +31,8 @@ Instance& LiveSession::instance() {
     if (m_copy) return m_copy->instance();
     if (m_instance) return *m_instance;
     const Stopwatch watch;
-    const auto station = m_options.isVirtual() ? stationOfEnvironment() : std::nullopt;
+    const bool takesStation = m_options.isVirtual() && m_options.takesStationOfEnvironment;
+    const auto station = takesStation ? stationOfEnvironment() : std::nullopt;
     host();
     Instance& made = m_instance.emplace(
         m_options, m_host, m_publishesDesign ? DesignParameters::published : DesignParameters::asSwitched);

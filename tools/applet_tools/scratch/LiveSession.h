@@ -36,7 +36,7 @@ public:
 
     /** The libraries; loading them opens no board. */
     const applet_host::AppletHost& host();
-    /** On a virtual board, sets up the station file named by VBOARD_STATION, if any. */
+    /** On a virtual board, sets up the station file named by VBOARD_STATION, if any and if the options say so. */
     Instance& instance();
     /** False before the first use, and after a failed restart. */
     bool isUp() const { return m_instance.has_value(); }

@@ -2,7 +2,6 @@
 
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/text.h"
-#include "applet_tools/scratch/limit_causes.h"
 #include "applet_tools/scratch/message_rows.h"
 
 #include "vexo/fg_errors.h"
@@ -19,22 +18,6 @@ std::optional<End> exceededEnd(const MeasuredRange& range, const Value& wanted) 
     if (rankOf(wanted) > rankOf(range.maximum)) return End::maximum;
     if (rankOf(wanted) < rankOf(range.minimum)) return End::minimum;
     return std::nullopt;
-}
-
-/** "the maximum is set by FG_XOFFSET (16384 with FG_XOFFSET=0) and FG_SENSORWIDTH (...)". */
-std::string causesInWords(const Parameter& parameter, const LimitCauses& causes, End end) {
-    const std::string limit = std::string("the ") + nameOf(end) + " is ";
-    if (causes.isEndOfType) return limit + "the end of the parameter's type";
-    if (isUnmoved(causes))
-        return std::string("no change that was tried ") + (end == End::maximum ? "raises" : "lowers") +
-               " the " + nameOf(end);
-    std::vector<std::string> words;
-    for (const Widening& widening : causes.parameters)
-        words.push_back(widening.parameter + " (" + exactValueText(parameter, widening.limit) + " with " +
-                        widening.with + ")");
-    for (const DesignCause& cause : causes.design)
-        if (words.empty() || words.back() != shortWords(cause)) words.push_back(shortWords(cause));
-    return limit + "set by " + join(words, " and ");
 }
 
 /** Relates a refused number to the accepted range. */
@@ -63,6 +46,21 @@ std::optional<Value> wantedNumber(const Assignment& assignment) {
 }
 
 } // namespace
+
+std::string causesInWords(const Parameter& parameter, const LimitCauses& causes, End end) {
+    const std::string limit = std::string("the ") + nameOf(end) + " is ";
+    if (causes.isEndOfType) return limit + "the end of the parameter's type";
+    if (isUnmoved(causes))
+        return std::string("no change that was tried ") + (end == End::maximum ? "raises" : "lowers") +
+               " the " + nameOf(end);
+    std::vector<std::string> words;
+    for (const Widening& widening : causes.parameters)
+        words.push_back(widening.parameter + " (" + exactValueText(parameter, widening.limit) + " with " +
+                        widening.with + ")");
+    for (const DesignCause& cause : causes.design)
+        if (words.empty() || words.back() != shortWords(cause)) words.push_back(shortWords(cause));
+    return limit + "set by " + join(words, " and ");
+}
 
 std::vector<RefusalCauses> findCauses(Probe& probe, const std::vector<Assignment>& assignments) {
     struct Refused {

@@ -5,6 +5,7 @@
 #include "applet_tools/applet/assignments.h"
 #include "applet_tools/scratch/LiveSession.h"
 #include "applet_tools/scratch/Probe.h"
+#include "applet_tools/scratch/limit_causes.h"
 
 #include <nlohmann/json.hpp>
 
@@ -29,6 +30,9 @@ struct RefusalCauses {
 RefusalCauses findCauses(Probe& probe, const Assignment& assignment);
 /** The same for several, each tried separately in the state of the probe. */
 std::vector<RefusalCauses> findCauses(Probe& probe, const std::vector<Assignment>& assignments);
+
+/** "the maximum is set by FG_XOFFSET (16384 with FG_XOFFSET=0) and FG_SENSORWIDTH (...)". */
+std::string causesInWords(const Parameter& parameter, const LimitCauses& causes, End end);
 
 /** Adds "acceptedWith", "setBy" and "nearest" to the row; `parameter` is the refused one. */
 void addCauses(nlohmann::ordered_json& row, const Parameter& parameter, const RefusalCauses& causes);

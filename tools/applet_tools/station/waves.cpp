@@ -99,8 +99,12 @@ unsigned inputFrom(std::string_view word) {
     const unsigned first = isFront ? gpiCount : 0;
     const unsigned count = isNumber ? inputCount : isFront ? frontGpiCount : gpiCount;
     if (number && *number < count) return first + *number;
-    throw UsageError(inQuotedWord(word) +
-                     " is not an input: they are GPI_0 to GPI_7 and FRONT_GPI_0 to FRONT_GPI_3");
+    Words names;
+    for (const StationSignal& signal : stationSignals())
+        if (signal.name.find("GPI_") != std::string::npos) names.push_back(signal.name);
+    throw UnknownName(inQuotedWord(word) +
+                          " is not an input: they are GPI_0 to GPI_7 and FRONT_GPI_0 to FRONT_GPI_3",
+                      nearestWords(word, names));
 }
 
 WaveRequest parseWave(std::string_view word) {

@@ -129,13 +129,15 @@ Candidates assignmentsOf(const ParameterList& parameters, const std::string& wor
     if (equals == std::string::npos) return namesOf(parameters, word, "=");
     const Parameter& parameter = *findTarget(parameters, word.substr(0, equals)).parameter;
     const std::string begin = word.substr(0, equals + 1), value = word.substr(equals + 1);
-    Candidates found;
-    for (const Entry& entry : entriesOf(parameter))
-        if (lowerCase(entryName(entry)).starts_with(lowerCase(value)))
-            found.push_back({begin + entryName(entry), entry.label});
-    for (const Entry& entry : entriesOf(parameter))
-        if (found.empty() && !value.empty() && lowerCase(entry.label).starts_with(lowerCase(value)))
-            found.push_back({begin + entry.label, entryName(entry)});
+    const auto isBegun = [begun = lowerCase(value)](const std::string& name) {
+        return lowerCase(name).starts_with(begun);
+    };
+    Candidates found, labels;
+    for (const Entry& entry : entriesOf(parameter)) {
+        if (isBegun(entryName(entry))) found.push_back({begin + entryName(entry), entry.label});
+        if (isBegun(entry.label)) labels.push_back({begin + entry.label, entryName(entry)});
+    }
+    if (found.empty()) found = std::move(labels);
     const std::optional<Limits> limits = limitsOf(parameter);
     if (!found.empty() || !value.empty() || !limits || elementCount(parameter) != 0) return found;
     const std::string help = limitsText(parameter) + " " + parameter.unit();

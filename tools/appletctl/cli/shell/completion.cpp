@@ -33,12 +33,13 @@ _appletctl() {
     local current=${words[-1]} known=
     # What is in quotes is not parted.
     [[ $current != [\"\']* && $current == *=* && $COMP_WORDBREAKS == *=* ]] && known=${current%=*}=
+    local typed=${current#"$known"}
     COMPREPLY=()
     local line
     while IFS= read -r line; do
         line=${line%%$'\t'*}
         line=${line#"$known"}
-        [[ $current == [\"\']* ]] || line=${line// /\\ }
+        [[ $typed == [\"\']* ]] || line=${line// /\\ }
         COMPREPLY+=("$line")
     done < <("${COMP_WORDS[0]}" __complete -- "${words[@]}" 2>/dev/null)
     [[ ${#COMPREPLY[@]} -eq 1 && ${COMPREPLY[0]} == *[=/[] ]] && compopt -o nospace
@@ -116,12 +117,21 @@ const Command completionCommand = {
 
 namespace {
 
-/** Removes an open quote: a shell passes the quote at the beginning of the last word while it is not closed. */
-Words withoutOpenQuote(Words words) {
+/** Removes the quotes of the last word, which a shell passes as it was typed: an open quote at its beginning or
+ *  after an equals sign, and backslashes before blanks. */
+Words withoutQuotes(Words words) {
     if (words.empty() || words.back().empty()) return words;
     std::string& last = words.back();
-    const bool isQuoted = last.front() == '"' || last.front() == '\'';
-    if (isQuoted && last.find(last.front(), 1) == std::string::npos) last.erase(0, 1);
+    const auto isMark = [](char c) { return c == '"' || c == '\''; };
+    std::size_t quote = 0;
+    while (quote < last.size() && !(isMark(last[quote]) && (quote == 0 || last[quote - 1] == '=')))
+        ++quote;
+    if (quote < last.size() && last.find(last[quote], quote + 1) == std::string::npos) {
+        last.erase(quote, 1);
+        return words;
+    }
+    for (std::size_t at = last.find("\\ "); at != std::string::npos; at = last.find("\\ ", at))
+        last.erase(at++, 1);
     return words;
 }
 
@@ -133,7 +143,7 @@ Report completeWords(Context& context, const Words& words) {
     report.isVerbatim = true;
     auto& rows = report.document["candidates"] = nlohmann::ordered_json::array();
     for (const Candidate& candidate : candidatesFor(
-             withoutOpenQuote(words), [&]() -> const ParameterList& { return offline.parameters(); })) {
+             withoutQuotes(words), [&]() -> const ParameterList& { return offline.parameters(); })) {
         const std::string help = printable(candidate.help);
         report.text += candidate.text + (help.empty() ? "" : '\t' + help) + '\n';
         rows.push_back({{"text", candidate.text}, {"help", help}});

@@ -59,7 +59,7 @@ std::string terms(const std::vector<HelpEntry>& entries) {
 std::string manualOfCommand(const Command& command, const HelpPage& page) {
     std::string text = "## " + plain(fullName(command)) + "\n\n*" + plain(page.usage) + "*\n\n" +
                        plain(page.description) + "\n\n" + terms(page.words) + terms(page.options);
-    constexpr std::size_t literalWidth = 66; // of 80 columns, indented as the pages are
+    constexpr std::size_t literalWidth = 46; // of 60 columns, indented as the pages are
     if (!page.details.empty()) text += "```\n" + wrapped(page.details, literalWidth) + "```\n\n";
     return text + plain(page.effect) + "\n\n";
 }
