@@ -15,7 +15,6 @@ using namespace catalogue;
 
 namespace {
 
-constexpr int port = 0;
 constexpr int published = 1;
 
 /** Adds one parameter below a group; one overload for each kind. */

@@ -14,7 +14,6 @@ namespace levels = vexo::tools::logging::levels;
 
 namespace {
 
-constexpr int port = 0;
 constexpr std::size_t longestText = 1023;
 
 /** Most systems lack this locale, and the current one stays. If it exists, it is never switched back. */

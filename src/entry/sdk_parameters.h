@@ -12,6 +12,9 @@
 #include <span>
 #include <string_view>
 
+/** The camera port that trees and configuration files name: the applet has one. */
+inline constexpr int port = 0;
+
 struct SdkParameter {
     const char* name;
     int id;
