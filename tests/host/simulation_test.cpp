@@ -211,9 +211,11 @@ TEST_F(Simulation, ARangeOfPicturesIsAView) {
     vexo::Pictures others = std::move(pictures);
     pictures = std::move(others);
     EXPECT_EQ(pictures.next().info().number, count + 2);
-    pictures = vexo::Pictures(std::move(pictures));
-    for (const vexo::Picture& picture : std::move(pictures) | std::views::take(1))
-        EXPECT_EQ(picture.info().number, count + 3);
+    {
+        vexo::Pictures last = std::move(pictures);
+        for (const vexo::Picture& picture : last | std::views::take(1))
+            EXPECT_EQ(picture.info().number, count + 3);
+    }
     EXPECT_EQ(station.grab().info().number, 1) << "the acquisition has ended";
 }
 
