@@ -201,6 +201,7 @@ TEST_F(Simulation, ARangeOfPicturesLosesNone) {
     EXPECT_EQ(station.grab().info().number, 1) << "the range has ended its acquisition";
 }
 
+#if !defined(__clang__) || __clang_major__ >= 16 // older ones do not take the views of libstdc++
 TEST_F(Simulation, ARangeOfPicturesIsAView) {
     simulatorOn();
     vexo::Pictures pictures = station.pictures();
@@ -218,6 +219,7 @@ TEST_F(Simulation, ARangeOfPicturesIsAView) {
     }
     EXPECT_EQ(station.grab().info().number, 1) << "the acquisition has ended";
 }
+#endif
 
 TEST_F(Simulation, AMissingPictureHasAReason) {
     ASSERT_EQ(vexo_start(its, 1, VEXO_KEEP), VEXO_OK);
