@@ -37,7 +37,7 @@ std::vector<BeltObject> mergedObjects(std::vector<BeltObject> objects) {
 Belt::Belt(Tick start, const std::vector<SpeedPiece>& pieces) : m_start(start) {
     Tick begin = 0;
     SignedWide position = 0;
-    for (const SpeedPiece& piece : Wave::endless(pieces)) {
+    for (const SpeedPiece& piece : Wave::endless(pieces, Wave::fastestBelt)) {
         m_pieces.push_back({begin, position, piece});
         begin += piece.ticks;
         position += (SignedWide{piece.from} + piece.to) * static_cast<SignedWide>(piece.ticks);

@@ -55,8 +55,13 @@ bool Wave::areWithin(const std::vector<SpeedPiece>& pieces, std::int32_t fastest
     });
 }
 
-std::vector<SpeedPiece> Wave::endless(std::vector<SpeedPiece> pieces) {
+std::vector<SpeedPiece> Wave::endless(std::vector<SpeedPiece> pieces, std::int32_t fastest) {
     if (pieces.empty()) return pieces;
+    for (SpeedPiece& piece : pieces) {
+        piece.ticks = std::min(piece.ticks, longestPiece);
+        piece.from = std::clamp(piece.from, -fastest, fastest);
+        piece.to = std::clamp(piece.to, -fastest, fastest);
+    }
     const std::int32_t last = pieces.back().to;
     std::erase_if(pieces, [](const SpeedPiece& piece) { return piece.ticks == 0; });
     pieces.push_back({0, last, last});
@@ -64,12 +69,12 @@ std::vector<SpeedPiece> Wave::endless(std::vector<SpeedPiece> pieces) {
 }
 
 Wave Wave::encoder(Tick start, const std::vector<SpeedPiece>& pieces) {
-    return moving(start, endless(pieces), unitsOfOne);
+    return moving(start, endless(pieces, fastestEncoder), unitsOfOne);
 }
 
 Wave Wave::beltEncoder(Tick start, const std::vector<SpeedPiece>& pieces, std::uint32_t step) {
     constexpr std::int64_t unitsOfNanometre = unitsOfOne / 1000;
-    return moving(start, endless(pieces), std::max(step, 1U) * unitsOfNanometre);
+    return moving(start, endless(pieces, fastestBelt), std::max(step, 1U) * unitsOfNanometre);
 }
 
 Wave Wave::moving(Tick start, std::vector<SpeedPiece> pieces, std::int64_t unitsOfStep) {

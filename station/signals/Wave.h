@@ -36,8 +36,8 @@ public:
     static constexpr std::int32_t fastestBelt = 100'000'000;   // micrometres per second
     /** True if no speed is above `fastest`, in either direction, and no piece too long. */
     static bool areWithin(const std::vector<SpeedPiece>& pieces, std::int32_t fastest);
-    /** The pieces without empty ones, and then the speed of the last one without end: its time is 0. */
-    static std::vector<SpeedPiece> endless(std::vector<SpeedPiece> pieces);
+    /** The pieces without empty ones, within the limits, and then the speed of the last one without end: its time is 0. */
+    static std::vector<SpeedPiece> endless(std::vector<SpeedPiece> pieces, std::int32_t fastest);
 
     /** Skips everything before `from`. An encoder starts to move there instead. */
     void begin(Tick from);
