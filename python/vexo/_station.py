@@ -301,11 +301,16 @@ class Pictures:
 
     def __next__(self) -> Image:
         with self._lock:
-            if self._left == 0 or not self._is_running:
-                raise StopIteration
-            self._taking += 1
-            if self._left is not None:
-                self._left -= 1
+            is_over = self._left == 0 or not self._is_running
+            is_last = is_over and self._taking == 0
+            if not is_over:
+                self._taking += 1
+                if self._left is not None:
+                    self._left -= 1
+        if is_last:
+            self.close()
+        if is_over:
+            raise StopIteration
         image = None
         try:
             with self._free:

@@ -364,6 +364,9 @@ def test_an_acquisition_ends_with_its_last_picture_and_can_be_stopped(small):
     pictures = small.pictures(1)
     next(pictures)
     small.grab()
+    none = small.pictures(0)
+    assert list(none) == []
+    small.grab()
     small.FG_HEIGHT = 4096
     running = small.pictures(timeout=0.001)
     with pytest.raises(vexo.Timeout):
