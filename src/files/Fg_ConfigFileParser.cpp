@@ -37,6 +37,13 @@ bool skipToSection(LineReader& lines, std::string_view section) {
     return false;
 }
 
+/** A copy that is valid as long as the memory. */
+std::string_view copyIn(std::pmr::memory_resource& memory, std::string_view text) {
+    char* const copy = static_cast<char*>(memory.allocate(text.size(), alignof(char)));
+    std::memcpy(copy, text.data(), text.size());
+    return {copy, text.size()};
+}
+
 } // namespace
 
 Fg_ConfigFileParser::Fg_ConfigFileParser(Fg_Log* log, const char* path, bool readOnly) : m_log(log) {
@@ -134,7 +141,6 @@ std::string Fg_ConfigFileParser::getPortString(int port) {
 }
 
 void Fg_ConfigFileParser::prepareKeys(std::string_view section, std::span<const std::string_view> keys) {
-    m_preparedLines.clear();
     m_preparedLines.reserve(keys.size());
     m_preparedSection = section;
     for (const std::string_view key : keys)
@@ -148,7 +154,7 @@ void Fg_ConfigFileParser::prepareKeys(std::string_view section, std::span<const 
         if (equals == std::string_view::npos) continue;
         const auto prepared = m_preparedLines.find(line.substr(0, equals));
         if (prepared == m_preparedLines.end() || prepared->second) continue;
-        prepared->second = line;
+        prepared->second = copyIn(m_preparedMemory, line);
         --wanted;
     }
 }

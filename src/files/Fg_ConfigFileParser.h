@@ -5,6 +5,7 @@
 #include "files/TextFile.h"
 
 #include <cstdint>
+#include <memory_resource>
 #include <optional>
 #include <span>
 #include <string>
@@ -74,7 +75,8 @@ public:
     int getDoubleValue(const char* text, double* value) const;
 
     /**
-     * Reads the file once for all of these keys, which contain no equals sign and must outlive the parser.
+     * Reads the file once for all of these keys, which contain no equals sign and must outlive the parser. Called
+     * at most once.
      * Parse calls for them in this section then read no file. So the time of a load is linear in the size of
      * the file, and it needs memory for one line per key.
      */
@@ -112,8 +114,10 @@ private:
     std::string m_line; // the last one written or found; its memory is reused
     Fg_Log* m_log;
     std::string m_preparedSection;
+    std::pmr::monotonic_buffer_resource m_preparedMemory; // of the next, and of its lines
     /** The line of each prepared key, or nothing if the section lacks it. */
-    std::unordered_map<std::string_view, std::optional<std::string>> m_preparedLines;
+    std::pmr::unordered_map<std::string_view, std::optional<std::string_view>> m_preparedLines{
+        &m_preparedMemory};
 };
 
 #endif
