@@ -176,11 +176,34 @@ std::vector<const Parameter*> ParameterList::matching(const std::string& pattern
     return found;
 }
 
+namespace {
+
+/** The names in a label such as "Line Trigger / ExSync". */
+std::vector<std::string> partsOf(const std::string& label) {
+    constexpr std::string_view separator = " / ";
+    std::vector<std::string> parts;
+    std::size_t begin = 0, end = 0;
+    while ((end = label.find(separator, begin)) != std::string::npos) {
+        parts.push_back(label.substr(begin, end - begin));
+        begin = end + separator.size();
+    }
+    parts.push_back(label.substr(begin));
+    return parts;
+}
+
+} // namespace
+
 std::string ParameterList::suggestedGroups(const std::string& label) const {
     std::vector<std::string> groups;
+    const auto add = [&](const std::string& group) {
+        if (std::ranges::find(groups, group) == groups.end()) groups.push_back(group);
+    };
     for (const Parameter& parameter : m_parameters)
-        for (const std::string& group : parameter.groups)
-            if (std::ranges::find(groups, group) == groups.end()) groups.push_back(group);
+        for (const std::string& group : parameter.groups) {
+            add(group);
+            for (const std::string& part : partsOf(group))
+                add(part);
+        }
     const std::string near = label.empty() ? "" : didYouMean(nearestWords(label, groups));
     return near.empty() ? "; 'appletctl list' shows the groups" : near;
 }
