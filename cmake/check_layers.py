@@ -22,12 +22,13 @@ BOARD = [*BOARD_TABLES, *BOARD_IMAGES, "virtual_board/virtual_board.h", "virtual
 BOARD_LIBRARIES = [*BOARD, "virtual_board/libraries/**"]
 HOST = [*HEADERS, "virtual_board/virtual_board.h", "tools/applet_host/**"]
 TOOLS = "tools/applet_tools/"
-TOOLS_BASE = [*HEADERS, "tools/applet_host/latin1.h", "tools/applet_host/codes.h", f"{TOOLS}base/**"]
+TOOLS_BASE = [*HEADERS, "tools/applet_host/text_encoding.h", "tools/applet_host/codes.h", f"{TOOLS}base/**"]
 TOOLS_APPLET = [*TOOLS_BASE, *HOST, f"{TOOLS}applet/**"]
-TOOLS_SCRATCH = [*TOOLS_APPLET, f"{TOOLS}station/StationFile.h", f"{TOOLS}scratch/**"]
+TOOLS_SCRATCH = [*TOOLS_APPLET, f"{TOOLS}station/StationFile.h", f"{TOOLS}scratch/*"]
+TOOLS_PROBE = [*TOOLS_SCRATCH, f"{TOOLS}scratch/probe/*"]
 TOOLS_PICTURES = [*TOOLS_BASE, "virtual_board/virtual_board.h", f"{TOOLS}pictures/**"]
 TOOLS_STATION = [*TOOLS_APPLET, *TOOLS_PICTURES, f"{TOOLS}station/**"]
-TOOLS_LOADING = [*TOOLS_SCRATCH, f"{TOOLS}answers/loading/*"]
+TOOLS_LOADING = [*TOOLS_PROBE, f"{TOOLS}answers/loading/*"]
 TOOLS_ANSWERS = [*TOOLS_LOADING, *TOOLS_STATION, f"{TOOLS}answers/*"]
 TOOLS_LINT = [*TOOLS_ANSWERS, f"{TOOLS}answers/lint/*"]
 TOOLS_ALL = [*TOOLS_LINT, f"{TOOLS}*"]
@@ -47,7 +48,8 @@ BASE = [*TOOLS_BASE, f"{TOOL}base/**"]
 DRAW = [*BASE, *TOOLS_PICTURES, f"{TOOL}draw/**"]
 PRODUCER = "producer/"
 PRODUCER_BASE = [*HEADERS, f"{PRODUCER}gentl.h", f"{PRODUCER}base/**"]
-PRODUCER_FEATURES = [*PRODUCER_BASE, "tools/applet_host/Parameter.h", f"{PRODUCER}features/**"]
+PRODUCER_FEATURES = [*PRODUCER_BASE, "tools/applet_host/Parameter.h", "tools/applet_host/text_encoding.h",
+                     f"{PRODUCER}features/**"]
 STATION_FILES = [f"{TOOLS}{name}.h"
                  for name in ("applet/Instance", "applet/ParameterList", "base/errors", "station/StationFile")]
 SERVED = [*CHANNEL, "tools/serve/StationLocation.h", "tools/serve/local_socket.h"]
@@ -91,7 +93,8 @@ ROOMS = [
     ("tools/applet_host/**", HOST),
     (f"{TOOLS}base/**", TOOLS_BASE),
     (f"{TOOLS}applet/**", TOOLS_APPLET),
-    (f"{TOOLS}scratch/**", TOOLS_SCRATCH),
+    (f"{TOOLS}scratch/*", TOOLS_SCRATCH),
+    (f"{TOOLS}scratch/probe/*", TOOLS_PROBE),
     (f"{TOOLS}pictures/**", TOOLS_PICTURES),
     (f"{TOOLS}station/**", TOOLS_STATION),
     (f"{TOOLS}answers/loading/*", TOOLS_LOADING),

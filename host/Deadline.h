@@ -2,7 +2,7 @@
 #ifndef HOST_DEADLINE_H
 #define HOST_DEADLINE_H
 
-#include "applet_tools/applet/ticks.h"
+#include "applet_tools/applet/timing/ticks.h"
 #include "applet_tools/base/numbers.h"
 #include "host/LastError.h"
 

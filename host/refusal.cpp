@@ -3,7 +3,7 @@
 #include "applet_tools/answers/limits.h"
 #include "applet_tools/applet/published_limits.h"
 #include "applet_tools/base/errors.h"
-#include "applet_tools/scratch/refusal.h"
+#include "applet_tools/scratch/probe/refusal.h"
 
 #include "vexo/fg_errors.h"
 

@@ -1,7 +1,7 @@
 // The simulated station: time, waves, station files, events.
 
 #include "applet_tools/applet/assignments.h"
-#include "applet_tools/applet/ticks.h"
+#include "applet_tools/applet/timing/ticks.h"
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"

@@ -3,9 +3,11 @@
 
 #include "features/description.h"
 
+#include "applet_host/text_encoding.h"
 #include "base/hexadecimal.h"
 #include "features/RegisterMap.h"
 
+#include <algorithm>
 #include <array>
 #include <map>
 #include <set>
@@ -13,22 +15,11 @@
 namespace producer {
 namespace {
 
-/** Escapes markup and replaces everything but printable characters of UTF-8. */
-std::string escaped(const std::string& text) {
-    std::string result;
-    for (const char c : text) {
-        if (c == '<')
-            result += "&lt;";
-        else if (c == '>')
-            result += "&gt;";
-        else if (c == '&')
-            result += "&amp;";
-        else if (c == '"')
-            result += "&quot;";
-        else
-            result += static_cast<unsigned char>(c) < ' ' ? ' ' : c;
-    }
-    return result;
+/** As text of the document, which must not have control characters. */
+std::string escaped(std::string text) {
+    std::ranges::replace_if(
+        text, [](char c) { return static_cast<unsigned char>(c) < ' '; }, ' ');
+    return applet_host::escapedMarkup(text);
 }
 
 class Document {

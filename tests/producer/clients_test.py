@@ -158,6 +158,8 @@ class Clients(unittest.TestCase):
             with self.assertRaises(refusal, msg=name) as raised:
                 getattr(nodes, name).value = value
         self.assertIn("FG_VANTAGEPOINT = 1 was refused: -6000", str(raised.exception))
+        nodes.OffsetX.value, nodes.Width.value = 0, 16384
+        self.assertEqual((nodes.OffsetX.min, nodes.OffsetX.max), (0, 0))  # no other value is left
 
     def test_pictures_are_those_of_the_station(self):
         for settings in ({"FG_WIDTH": 256, "FG_HEIGHT": 64, "FG_FORMAT": 2},

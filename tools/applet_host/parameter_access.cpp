@@ -1,8 +1,9 @@
 #include "applet_host/parameter_access.h"
 
 #include "applet_host/codes.h"
-#include "applet_host/latin1.h"
-#include "applet_host/record_limits.h"
+#include "applet_host/record.h"
+#include "applet_host/text_encoding.h"
+#include "applet_host/typed_access.h"
 #include "vexo/fg_errors.h"
 #include "vexo/type_tags.hpp"
 
@@ -36,11 +37,13 @@ template <typename Number> Number present(const Number& limit) {
 /** The limits of a number; those of its type if the record has no usable ones. */
 template <typename Published> Limits scalarLimits(const Published& published) {
     using Number = std::decay_t<decltype(published.minimum)>;
-    const Number minimum = present(published.minimum), maximum = present(published.maximum);
-    if (minimum < maximum) {
-        const Number increment = present(published.increment);
-        return {inOwnKind(minimum), inOwnKind(maximum), inOwnKind(increment > 0 ? increment : Number{1})};
-    }
+    Published limits{};
+    limits.minimum = present(published.minimum);
+    limits.maximum = present(published.maximum);
+    limits.increment = present(published.increment);
+    if (areUsable(limits))
+        return {inOwnKind(limits.minimum), inOwnKind(limits.maximum),
+                inOwnKind(limits.increment > 0 ? limits.increment : Number{1})};
     return {inOwnKind(std::numeric_limits<Number>::lowest()), inOwnKind(std::numeric_limits<Number>::max()),
             inOwnKind(Number{1})};
 }
@@ -57,9 +60,11 @@ Limits limitsOf(const RegisterInfo& record) {
     std::string text = toUtf8(record.name) + " = " + textOf(value) + " was refused: " + codeInWords(code);
     if (record.kind == REGISTER_KIND_ENUM) {
         text += "; its values are";
-        const auto& entries = record.value.enumeration;
-        for (int i = 0; i < entries.entryCount; ++i)
-            text += (i > 0 ? ", " : " ") + std::to_string(entries.values[i]);
+        std::string separator = " ";
+        for (const EnumEntry& entry : entriesOf(record)) {
+            text += separator + std::to_string(entry.value);
+            separator = ", ";
+        }
     } else if (std::holds_alternative<std::int64_t>(value) || std::holds_alternative<double>(value)) {
         const Limits limits = limitsOf(record);
         text += "; the present limits are " + textOf(limits.minimum) + " to " + textOf(limits.maximum) +
@@ -75,28 +80,6 @@ Limits limitsOf(const RegisterInfo& record) {
                     std::to_string(maximum);
     }
     throw Refused(code, text);
-}
-
-/** Calls the function with a zero of the applet's type for a number's kind. */
-template <typename Function> void withNative(std::int32_t kind, Function function) {
-    switch (kind) {
-    case REGISTER_KIND_UINT:
-        return function(std::uint32_t{});
-    case REGISTER_KIND_ENUM:
-    case REGISTER_KIND_INT:
-        return function(std::int32_t{});
-    case REGISTER_KIND_UINT64:
-        return function(std::uint64_t{});
-    case REGISTER_KIND_INT64:
-        return function(std::int64_t{});
-    default:
-        return function(double{});
-    }
-}
-
-/** The access to a whole table. */
-FieldParameterAccess fieldOf(std::vector<std::uint32_t>& elements) {
-    return {FG_PARAM_UINT32, 0, static_cast<std::uint32_t>(elements.size()), elements.data()};
 }
 
 /** The number in the applet's type, if the value is one and fits. */
@@ -118,7 +101,7 @@ bool isOfKind(const RegisterInfo& record, const Value& value) {
         return std::holds_alternative<std::string>(value);
     case REGISTER_KIND_UINT_FIELD: {
         const auto* table = std::get_if<std::vector<std::uint32_t>>(&value);
-        return table != nullptr && std::cmp_equal(table->size(), record.value.u32Field.elementCount);
+        return table != nullptr && table->size() == elementCount(record);
     }
     case REGISTER_KIND_DOUBLE:
         return std::holds_alternative<double>(value);
@@ -127,15 +110,14 @@ bool isOfKind(const RegisterInfo& record, const Value& value) {
     }
 }
 
-std::vector<Entry> entriesOf(const RegisterInfo& record) {
+/** The entries, each with a name of its own: an entry without symbol is called by its number, and of entries with
+ *  the same symbol the first remains. */
+std::vector<Entry> namedEntries(const RegisterInfo& record) {
     std::vector<Entry> entries;
-    if (record.kind != REGISTER_KIND_ENUM) return entries;
     std::set<std::string> names;
-    const auto& its = record.value.enumeration;
-    for (int i = 0; i < its.entryCount; ++i) {
-        const bool isNamed = its.symbolicNames != nullptr && its.symbolicNames[i] != nullptr;
-        const std::string name = isNamed ? its.symbolicNames[i] : "Value" + std::to_string(its.values[i]);
-        if (names.insert(name).second) entries.push_back({name, its.values[i], toUtf8(its.labels[i])});
+    for (const EnumEntry& entry : entriesOf(record)) {
+        const std::string name = entry.symbol.empty() ? "Value" + std::to_string(entry.value) : entry.symbol;
+        if (names.insert(name).second) entries.push_back({name, entry.value, entry.label});
     }
     return entries;
 }
@@ -146,8 +128,6 @@ bool ParameterState::isWritable(bool isAcquiring) const {
     if ((access & REGISTER_ACCESS_WRITE) == 0) return false;
     return !isAcquiring || (access & REGISTER_ACCESS_WRITE_WHILE_ACQUIRING) != 0;
 }
-
-std::string toUtf8(const char* text) { return utf8FromLatin1(text != nullptr ? text : ""); }
 
 std::string textOf(const Value& value) {
     std::ostringstream text;
@@ -162,15 +142,14 @@ std::string textOf(const Value& value) {
 }
 
 Parameter describe(const RegisterInfo& record, const std::string& path) {
-    const bool isTable = record.kind == REGISTER_KIND_UINT_FIELD;
     return {.name = toUtf8(record.name),
             .path = path,
             .label = toUtf8(record.displayName),
             .description = toUtf8(record.description),
             .unit = toUtf8(record.unit),
             .kind = record.kind,
-            .elements = isTable ? static_cast<std::uint32_t>(record.value.u32Field.elementCount) : 0,
-            .entries = entriesOf(record)};
+            .elements = elementCount(record),
+            .entries = namedEntries(record)};
 }
 
 ParameterState stateOf(const RegisterInfo& record) {
@@ -181,18 +160,16 @@ Value readValue(const AppletFunctions& applet, Fg_Struct* fg, const RegisterInfo
     Value value;
     int code = FG_OK;
     if (record.kind == REGISTER_KIND_STRING) {
-        char* text = nullptr;
-        code = applet.Fg_getParameterWithType(fg, record.id, &text, 0, FG_PARAM_ALLOCATED_STRING);
-        value = std::string(code == FG_OK && text != nullptr ? text : "");
-        if (code == FG_OK && text != nullptr)
-            applet.Fg_freeParameterStringWithType(fg, record.id, text, 0, FG_PARAM_ALLOCATED_STRING);
+        std::string text;
+        code = readText(applet, fg, record.id, text);
+        value = std::move(text);
     } else if (record.kind == REGISTER_KIND_UINT_FIELD) {
-        std::vector<std::uint32_t> elements(static_cast<std::size_t>(record.value.u32Field.elementCount));
-        FieldParameterAccess access = fieldOf(elements);
+        std::vector<std::uint32_t> elements(elementCount(record));
+        FieldParameterAccess access = accessTo(0, elements);
         code = applet.Fg_getParameterWithType(fg, record.id, &access, 0, FG_PARAM_FIELD_ACCESS);
         value = std::move(elements);
     } else {
-        withNative(record.kind, [&](auto number) {
+        withNumberOf(record.kind, [&](auto number) {
             using Number = decltype(number);
             code = applet.Fg_getParameterWithType(fg, record.id, &number, 0, tagOf<Number>);
             if constexpr (std::is_same_v<Number, double>)
@@ -213,10 +190,10 @@ void writeValue(const AppletFunctions& applet, Fg_Struct* fg, const RegisterInfo
         code = applet.Fg_setParameterWithType(fg, record.id, text->c_str(), 0, FG_PARAM_TEXT);
     } else if (const auto* table = std::get_if<std::vector<std::uint32_t>>(&value)) {
         std::vector<std::uint32_t> elements = *table;
-        FieldParameterAccess access = fieldOf(elements);
+        FieldParameterAccess access = accessTo(0, elements);
         code = applet.Fg_setParameterWithType(fg, record.id, &access, 0, FG_PARAM_FIELD_ACCESS);
     } else {
-        withNative(record.kind, [&](auto zero) {
+        withNumberOf(record.kind, [&](auto zero) {
             using Number = decltype(zero);
             const std::optional<Number> number = numberFrom<Number>(value);
             code = FG_ERR_OUT_OF_RANGE;

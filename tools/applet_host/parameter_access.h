@@ -23,8 +23,6 @@ private:
     int m_code;
 };
 
-/** Converts a text of the applet, which may be null, to UTF-8. */
-std::string toUtf8(const char* text);
 /** For messages. */
 std::string textOf(const Value& value);
 

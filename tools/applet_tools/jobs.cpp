@@ -11,8 +11,8 @@
 #include "applet_tools/answers/routes.h"
 #include "applet_tools/answers/why.h"
 #include "applet_tools/scratch/defaults_and_roles.h"
-#include "applet_tools/scratch/influences.h"
-#include "applet_tools/scratch/refusal.h"
+#include "applet_tools/scratch/probe/influences.h"
+#include "applet_tools/scratch/probe/refusal.h"
 
 namespace applet_tools {
 namespace {

@@ -3,7 +3,7 @@
 #define APPLET_TOOLS_ANSWERS_DEPENDENCIES_H
 
 #include "applet_tools/scratch/LiveSession.h"
-#include "applet_tools/scratch/Probe.h"
+#include "applet_tools/scratch/probe/Probe.h"
 
 #include <nlohmann/json.hpp>
 

@@ -2,7 +2,7 @@
 
 #include "applet_tools/base/errors.h"
 #include "applet_tools/scratch/message_rows.h"
-#include "applet_tools/scratch/refusal.h"
+#include "applet_tools/scratch/probe/refusal.h"
 
 #include "vexo/fg_errors.h"
 

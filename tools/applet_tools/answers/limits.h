@@ -3,7 +3,7 @@
 #define APPLET_TOOLS_ANSWERS_LIMITS_H
 
 #include "applet_tools/scratch/LiveSession.h"
-#include "applet_tools/scratch/limit_causes.h"
+#include "applet_tools/scratch/probe/limit_causes.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,7 +1,7 @@
 #include "applet_tools/answers/measured_timing.h"
 
 #include "applet_tools/applet/ParameterReader.h"
-#include "applet_tools/applet/line_trigger.h"
+#include "applet_tools/applet/timing/line_trigger.h"
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/numbers.h"
 #include "applet_tools/base/text.h"

@@ -3,7 +3,7 @@
 #include "applet_tools/applet/assignments.h"
 #include "applet_tools/base/text.h"
 #include "applet_tools/scratch/message_rows.h"
-#include "applet_tools/scratch/refusal.h"
+#include "applet_tools/scratch/probe/refusal.h"
 
 #include "vexo/fg_errors.h"
 

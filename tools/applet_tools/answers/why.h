@@ -3,7 +3,7 @@
 #ifndef APPLET_TOOLS_ANSWERS_WHY_H
 #define APPLET_TOOLS_ANSWERS_WHY_H
 
-#include "applet_tools/scratch/refusal.h"
+#include "applet_tools/scratch/probe/refusal.h"
 
 #include <nlohmann/json.hpp>
 

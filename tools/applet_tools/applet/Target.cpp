@@ -1,5 +1,6 @@
 #include "applet_tools/applet/Target.h"
 
+#include "applet_host/record.h"
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/numbers.h"
 #include "applet_tools/base/text.h"
@@ -61,18 +62,7 @@ std::string elementName(const Parameter& parameter, std::uint32_t index) {
 }
 
 std::uint32_t elementCount(const Parameter& parameter) {
-    const auto counted = [](std::int32_t count) { return count > 0 ? static_cast<std::uint32_t>(count) : 0; };
-    switch (parameter.kind()) {
-    case REGISTER_KIND_UINT_FIELD:
-    case REGISTER_KIND_INT_FIELD:
-        return counted(parameter.record->value.u32Field.elementCount);
-    case REGISTER_KIND_UINT64_FIELD:
-    case REGISTER_KIND_INT64_FIELD:
-    case REGISTER_KIND_DOUBLE_FIELD:
-        return counted(parameter.record->value.u64Field.elementCount);
-    default:
-        return 0;
-    }
+    return parameter.record != nullptr ? applet_host::elementCount(*parameter.record) : 0;
 }
 
 Target findTarget(const ParameterList& parameters, std::string_view word) {

@@ -1,7 +1,7 @@
 #include "applet_tools/applet/hardware_values.h"
 
 #include "applet_tools/applet/published_limits.h"
-#include "applet_tools/applet/ticks.h"
+#include "applet_tools/applet/timing/ticks.h"
 
 #include <algorithm>
 #include <cmath>

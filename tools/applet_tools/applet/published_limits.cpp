@@ -1,6 +1,6 @@
 #include "applet_tools/applet/published_limits.h"
 
-#include "applet_host/record_limits.h"
+#include "applet_host/record.h"
 #include "applet_tools/base/text.h"
 
 #include <cmath>
@@ -9,6 +9,7 @@
 namespace applet_tools {
 namespace {
 
+using applet_host::areUsable;
 using applet_host::isArrayLimits;
 
 struct KindRow {
@@ -34,13 +35,6 @@ constexpr KindRow kindRows[] = {
 /** Calls `use` with the limits of a numeric parameter, scalar or array; not at all for all others. */
 template <typename Use> void withLimits(const Parameter& parameter, Use use) {
     if (parameter.record != nullptr) applet_host::withLimits(*parameter.record, use);
-}
-
-/** Some records publish no usable limits: all are zero, or the minimum is above the maximum. */
-template <typename Limits> bool areUsable(const Limits& limits) {
-    if constexpr (!isArrayLimits<Limits>)
-        if (limits.minimum == limits.maximum && limits.increment == 0) return false;
-    return limits.minimum <= limits.maximum;
 }
 
 template <typename Limits> std::string limitsInWords(const Limits& limits) {
@@ -78,15 +72,7 @@ std::string accessWord(std::uint32_t access) {
 }
 
 std::vector<Entry> entriesOf(const Parameter& parameter) {
-    std::vector<Entry> entries;
-    if (parameter.kind() != REGISTER_KIND_ENUM) return entries;
-    const auto& enumeration = parameter.record->value.enumeration;
-    for (int i = 0; i < enumeration.entryCount; ++i) {
-        const char* const symbol =
-            enumeration.symbolicNames != nullptr ? enumeration.symbolicNames[i] : nullptr;
-        entries.push_back({enumeration.values[i], toUtf8(symbol), toUtf8(enumeration.labels[i])});
-    }
-    return entries;
+    return parameter.record != nullptr ? applet_host::entriesOf(*parameter.record) : std::vector<Entry>();
 }
 
 const std::string& entryName(const Entry& entry) { return entry.symbol.empty() ? entry.label : entry.symbol; }

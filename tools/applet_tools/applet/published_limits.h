@@ -2,6 +2,7 @@
 #ifndef APPLET_TOOLS_APPLET_PUBLISHED_LIMITS_H
 #define APPLET_TOOLS_APPLET_PUBLISHED_LIMITS_H
 
+#include "applet_host/record.h"
 #include "applet_tools/applet/ParameterList.h"
 #include "applet_tools/applet/values.h"
 
@@ -22,11 +23,7 @@ std::string accessWord(const Parameter& parameter);
 /** The same for a record's access bits. */
 std::string accessWord(std::uint32_t access);
 
-struct Entry {
-    std::int32_t value;
-    std::string symbol;
-    std::string label;
-};
+using Entry = applet_host::EnumEntry;
 
 /** The entries of an enumeration, in the published order; empty for other kinds. */
 std::vector<Entry> entriesOf(const Parameter& parameter);

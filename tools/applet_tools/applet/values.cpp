@@ -1,5 +1,6 @@
 #include "applet_tools/applet/values.h"
 
+#include "applet_host/typed_access.h"
 #include "applet_tools/applet/Effort.h"
 #include "applet_tools/applet/published_limits.h"
 #include "applet_tools/applet/units.h"
@@ -19,17 +20,6 @@
 namespace applet_tools {
 namespace {
 
-int readText(Instance& instance, int id, std::string& text) {
-    const auto& applet = instance.applet();
-    char* allocated = nullptr;
-    const int error =
-        applet.Fg_getParameterWithType(instance.fg(), id, &allocated, 0, FG_PARAM_ALLOCATED_STRING);
-    if (error != FG_OK || allocated == nullptr) return error;
-    text = allocated;
-    applet.Fg_freeParameterStringWithType(instance.fg(), id, allocated, 0, FG_PARAM_ALLOCATED_STRING);
-    return FG_OK;
-}
-
 /** Passes `elements` to a typed access: a single one as its own record, several as a run. */
 template <typename Access> int accessElements(std::uint32_t first, Elements& elements, Access access) {
     if (elements.size() == 1) {
@@ -38,10 +28,7 @@ template <typename Access> int accessElements(std::uint32_t first, Elements& ele
         elements.front() = element.value;
         return error;
     }
-    FieldParameterAccess run{.vtype = FG_PARAM_UINT32,
-                             .index = first,
-                             .count = static_cast<std::uint32_t>(elements.size()),
-                             .values = elements.data()};
+    FieldParameterAccess run = applet_host::accessTo(first, elements);
     return access(&run, FG_PARAM_FIELD_ACCESS);
 }
 
@@ -140,27 +127,12 @@ std::string elementsText(const Elements& elements) {
 Value emptyValue(const Target& target) {
     if (target.elements) return Elements(target.elements->count());
     const Parameter& parameter = *target.parameter;
-    switch (parameter.kind()) {
-    case REGISTER_KIND_ENUM:
-    case REGISTER_KIND_INT:
-        return std::int32_t{};
-    case REGISTER_KIND_UINT64:
-        return std::uint64_t{};
-    case REGISTER_KIND_INT64:
-        return std::int64_t{};
-    case REGISTER_KIND_DOUBLE:
-        return double{};
-    case REGISTER_KIND_STRING:
-        return std::string{};
-    case REGISTER_KIND_UINT_FIELD:
-    case REGISTER_KIND_INT_FIELD:
-    case REGISTER_KIND_UINT64_FIELD:
-    case REGISTER_KIND_INT64_FIELD:
-    case REGISTER_KIND_DOUBLE_FIELD:
+    if (parameter.kind() == REGISTER_KIND_STRING) return std::string{};
+    if (parameter.record != nullptr && applet_host::isArray(*parameter.record))
         return WholeArray{elementCount(parameter)};
-    default:
-        return std::uint32_t{};
-    }
+    Value zero;
+    applet_host::withNumberOf(parameter.kind(), [&](auto number) { zero = number; });
+    return zero;
 }
 
 ReadResult readValue(Instance& instance, const Target& target) {
@@ -173,7 +145,8 @@ ReadResult readValue(Instance& instance, const Target& target) {
         [&](auto& value) {
             using T = std::decay_t<decltype(value)>;
             if constexpr (std::is_arithmetic_v<T>) reading.error = get(&value, tagOf<T>);
-            if constexpr (std::is_same_v<T, std::string>) reading.error = readText(instance, id, value);
+            if constexpr (std::is_same_v<T, std::string>)
+                reading.error = applet_host::readText(instance.applet(), instance.fg(), id, value);
             if constexpr (std::is_same_v<T, Elements>)
                 reading.error = accessElements(target.elements->first, value, get);
         },

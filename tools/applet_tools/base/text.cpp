@@ -1,51 +1,22 @@
 #include "applet_tools/base/text.h"
 
-#include "applet_host/latin1.h"
-
 #include <algorithm>
 #include <numeric>
 #include <utility>
 
 namespace applet_tools {
+
+using applet_host::isContinuation;
+
 namespace {
 
 unsigned char byteAt(std::string_view text, std::size_t i) { return static_cast<unsigned char>(text[i]); }
 
-bool isContinuation(unsigned char byte) { return (byte & 0xC0) == 0x80; }
-
-/** Length of the UTF-8 sequence at `i`; 0 if it is invalid (overlong forms and surrogates included). */
-std::size_t sequenceLength(std::string_view text, std::size_t i) {
-    const unsigned char first = byteAt(text, i);
-    if (first < 0x80) return 1;
-    const std::size_t length = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
-    if (first < 0xC2 || first > 0xF4 || i + length > text.size()) return 0;
-    for (std::size_t k = 1; k < length; ++k)
-        if (!isContinuation(byteAt(text, i + k))) return 0;
-    const unsigned char second = byteAt(text, i + 1);
-    if ((first == 0xE0 && second < 0xA0) || (first == 0xED && second > 0x9F)) return 0;
-    if ((first == 0xF0 && second < 0x90) || (first == 0xF4 && second > 0x8F)) return 0;
-    return length;
-}
-
-bool isUtf8(std::string_view text) {
-    for (std::size_t i = 0; i < text.size();) {
-        const std::size_t length = sequenceLength(text, i);
-        if (length == 0) return false;
-        i += length;
-    }
-    return true;
-}
-
 } // namespace
-
-std::string toUtf8(const char* text) {
-    const std::string_view bytes = text != nullptr ? text : "";
-    return isUtf8(bytes) ? std::string(bytes) : applet_host::utf8FromLatin1(bytes);
-}
 
 std::string printable(std::string_view given) {
     constexpr char digits[] = "0123456789abcdef";
-    const std::string text = isUtf8(given) ? std::string(given) : applet_host::utf8FromLatin1(given);
+    const std::string text = toUtf8(given);
     std::string shown;
     const auto escape = [&](const char* prefix, unsigned char byte) {
         shown += prefix;
@@ -84,7 +55,7 @@ std::size_t displayWidth(std::string_view text) {
     bool isInSequence = false;
     for (const char c : text) {
         if (c == '\033') isInSequence = true;
-        if (!isInSequence && !isContinuation(static_cast<unsigned char>(c))) ++width;
+        if (!isInSequence && !isContinuation(c)) ++width;
         if (c == 'm') isInSequence = false;
     }
     return width;
@@ -95,7 +66,7 @@ namespace {
 /** The whole characters in this many bytes. */
 std::string beginningOf(const std::string& text, std::size_t mostBytes) {
     std::size_t end = std::min(mostBytes, text.size());
-    while (end > 0 && end < text.size() && isContinuation(static_cast<unsigned char>(text[end])))
+    while (end > 0 && end < text.size() && isContinuation(text[end]))
         --end;
     return text.substr(0, end);
 }

@@ -2,6 +2,8 @@
 #ifndef APPLET_TOOLS_BASE_TEXT_H
 #define APPLET_TOOLS_BASE_TEXT_H
 
+#include "applet_host/text_encoding.h"
+
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -9,9 +11,8 @@
 
 namespace applet_tools {
 
-/** Converts a text of the applet (ISO 8859-1) or a user (usually UTF-8): valid UTF-8 is kept, anything else is
- *  converted from ISO 8859-1. Null gives the empty text. */
-std::string toUtf8(const char* text);
+/** For texts of the applet and of users. */
+using applet_host::toUtf8;
 
 /** The text in UTF-8, converted from ISO 8859-1 if need be, with control characters as \xNN or \u00NN, so that it
  *  cannot disturb a terminal. */

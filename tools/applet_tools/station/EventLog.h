@@ -3,7 +3,7 @@
 #define APPLET_TOOLS_STATION_EVENTLOG_H
 
 #include "applet_tools/applet/Instance.h"
-#include "applet_tools/applet/ticks.h"
+#include "applet_tools/applet/timing/ticks.h"
 
 #include <cstdint>
 #include <string>

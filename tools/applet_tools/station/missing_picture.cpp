@@ -1,7 +1,7 @@
 #include "applet_tools/station/missing_picture.h"
 
 #include "applet_tools/applet/ParameterReader.h"
-#include "applet_tools/applet/line_trigger.h"
+#include "applet_tools/applet/timing/line_trigger.h"
 #include "applet_tools/base/numbers.h"
 #include "applet_tools/station/signals.h"
 

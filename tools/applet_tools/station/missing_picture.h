@@ -2,7 +2,7 @@
 #ifndef APPLET_TOOLS_STATION_MISSING_PICTURE_H
 #define APPLET_TOOLS_STATION_MISSING_PICTURE_H
 
-#include "applet_tools/applet/ticks.h"
+#include "applet_tools/applet/timing/ticks.h"
 #include "applet_tools/applet/values.h"
 #include "applet_tools/base/words.h"
 #include "applet_tools/station/StationFile.h"

@@ -5,7 +5,7 @@
 #include "applet_tools/base/Stopwatch.h"
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"
-#include "applet_tools/scratch/refusal.h"
+#include "applet_tools/scratch/probe/refusal.h"
 #include "appletctl/base/Progress.h"
 #include "appletctl/base/confirm.h"
 #include "appletctl/cli/station_client.h"

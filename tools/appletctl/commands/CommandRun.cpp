@@ -1,6 +1,6 @@
 #include "appletctl/commands/CommandRun.h"
 
-#include "applet_tools/scratch/refusal.h"
+#include "applet_tools/scratch/probe/refusal.h"
 #include "appletctl/commands/assignment_report.h"
 #include "appletctl/commands/shared_options.h"
 

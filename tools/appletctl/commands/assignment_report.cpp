@@ -2,7 +2,7 @@
 
 #include "applet_tools/applet/hardware_values.h"
 #include "applet_tools/base/text.h"
-#include "applet_tools/scratch/refusal.h"
+#include "applet_tools/scratch/probe/refusal.h"
 #include "appletctl/commands/lines.h"
 
 #include <utility>

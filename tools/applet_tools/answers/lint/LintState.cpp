@@ -1,7 +1,7 @@
 #include "applet_tools/answers/lint/LintState.h"
 
 #include "applet_tools/base/text.h"
-#include "applet_tools/scratch/measured_range.h"
+#include "applet_tools/scratch/probe/measured_range.h"
 
 #include "vexo/fg_errors.h"
 

@@ -1,8 +1,8 @@
 #include "applet_tools/answers/lint/rules.h"
 
 #include "applet_tools/answers/routes.h"
-#include "applet_tools/applet/line_timing.h"
-#include "applet_tools/applet/line_trigger.h"
+#include "applet_tools/applet/timing/line_timing.h"
+#include "applet_tools/applet/timing/line_trigger.h"
 
 #include "vexo/fg_parameters.h"
 

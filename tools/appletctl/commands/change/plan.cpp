@@ -4,7 +4,7 @@
 #include "applet_tools/applet/access_log.h"
 #include "applet_tools/applet/assignments.h"
 #include "applet_tools/base/text.h"
-#include "applet_tools/scratch/refusal.h"
+#include "applet_tools/scratch/probe/refusal.h"
 #include "appletctl/base/confirm.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/CommandRun.h"

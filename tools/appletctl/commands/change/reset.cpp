@@ -4,7 +4,7 @@
 #include "applet_tools/applet/hardware_values.h"
 #include "applet_tools/base/text.h"
 #include "applet_tools/scratch/BoardState.h"
-#include "applet_tools/scratch/refusal.h"
+#include "applet_tools/scratch/probe/refusal.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/assignment_report.h"
 #include "appletctl/commands/reports.h"

@@ -7,7 +7,7 @@
 #include "applet_tools/applet/files/LutTables.h"
 #include "applet_tools/applet/hardware_values.h"
 #include "applet_tools/base/text.h"
-#include "applet_tools/scratch/refusal.h"
+#include "applet_tools/scratch/probe/refusal.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/assignment_report.h"
 #include "appletctl/commands/reports.h"

@@ -4,7 +4,7 @@
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/text.h"
 #include "applet_tools/scratch/defaults_and_roles.h"
-#include "applet_tools/scratch/influences.h"
+#include "applet_tools/scratch/probe/influences.h"
 
 #include <algorithm>
 

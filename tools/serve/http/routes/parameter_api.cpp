@@ -5,7 +5,7 @@
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/text.h"
 #include "applet_tools/scratch/ValuesBefore.h"
-#include "applet_tools/scratch/refusal.h"
+#include "applet_tools/scratch/probe/refusal.h"
 #include "serve/http/protocol/Query.h"
 
 #include "vexo/fg_errors.h"

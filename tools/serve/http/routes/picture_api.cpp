@@ -1,6 +1,6 @@
 #include "serve/http/routes/picture_api.h"
 
-#include "applet_tools/applet/ticks.h"
+#include "applet_tools/applet/timing/ticks.h"
 #include "applet_tools/base/numbers.h"
 #include "applet_tools/base/text.h"
 #include "applet_tools/pictures/region.h"

@@ -1,6 +1,6 @@
 /** The effect of every parameter on every other one, measured on the scratch board. */
-#ifndef APPLET_TOOLS_SCRATCH_INFLUENCES_H
-#define APPLET_TOOLS_SCRATCH_INFLUENCES_H
+#ifndef APPLET_TOOLS_SCRATCH_PROBE_INFLUENCES_H
+#define APPLET_TOOLS_SCRATCH_PROBE_INFLUENCES_H
 
 #include "applet_tools/applet/ParameterState.h"
 #include "applet_tools/scratch/LiveSession.h"

@@ -1,9 +1,9 @@
 /** Checks for inconsistent line trigger values that the applet accepts. */
-#ifndef APPLET_TOOLS_APPLET_LINE_TIMING_H
-#define APPLET_TOOLS_APPLET_LINE_TIMING_H
+#ifndef APPLET_TOOLS_APPLET_TIMING_LINE_TIMING_H
+#define APPLET_TOOLS_APPLET_TIMING_LINE_TIMING_H
 
-#include "applet_tools/applet/line_trigger.h"
-#include "applet_tools/applet/ticks.h"
+#include "applet_tools/applet/timing/line_trigger.h"
+#include "applet_tools/applet/timing/ticks.h"
 
 #include <algorithm>
 #include <cmath>

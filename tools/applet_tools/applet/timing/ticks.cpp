@@ -1,4 +1,4 @@
-#include "applet_tools/applet/ticks.h"
+#include "applet_tools/applet/timing/ticks.h"
 
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/numbers.h"

@@ -1,11 +1,11 @@
 /** Why a value was refused, and suggestions. */
-#ifndef APPLET_TOOLS_SCRATCH_REFUSAL_H
-#define APPLET_TOOLS_SCRATCH_REFUSAL_H
+#ifndef APPLET_TOOLS_SCRATCH_PROBE_REFUSAL_H
+#define APPLET_TOOLS_SCRATCH_PROBE_REFUSAL_H
 
 #include "applet_tools/applet/assignments.h"
 #include "applet_tools/scratch/LiveSession.h"
-#include "applet_tools/scratch/Probe.h"
-#include "applet_tools/scratch/limit_causes.h"
+#include "applet_tools/scratch/probe/Probe.h"
+#include "applet_tools/scratch/probe/limit_causes.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,6 +1,6 @@
 /** Durations in simulated time, in ticks of 8 ns. */
-#ifndef APPLET_TOOLS_APPLET_TICKS_H
-#define APPLET_TOOLS_APPLET_TICKS_H
+#ifndef APPLET_TOOLS_APPLET_TIMING_TICKS_H
+#define APPLET_TOOLS_APPLET_TIMING_TICKS_H
 
 #include "virtual_board/virtual_board.h"
 

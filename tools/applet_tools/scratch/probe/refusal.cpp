@@ -1,4 +1,4 @@
-#include "applet_tools/scratch/refusal.h"
+#include "applet_tools/scratch/probe/refusal.h"
 
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/text.h"

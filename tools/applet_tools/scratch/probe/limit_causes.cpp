@@ -1,4 +1,4 @@
-#include "applet_tools/scratch/limit_causes.h"
+#include "applet_tools/scratch/probe/limit_causes.h"
 
 #include "applet_tools/applet/access_log.h"
 #include "applet_tools/base/numbers.h"

@@ -1,6 +1,6 @@
-#include "applet_tools/scratch/influences.h"
+#include "applet_tools/scratch/probe/influences.h"
 
-#include "applet_tools/scratch/Probe.h"
+#include "applet_tools/scratch/probe/Probe.h"
 
 #include "vexo/fg_errors.h"
 

@@ -1,4 +1,4 @@
-#include "applet_tools/scratch/measured_range.h"
+#include "applet_tools/scratch/probe/measured_range.h"
 
 #include "vexo/fg_errors.h"
 

@@ -1,6 +1,6 @@
 /** Tries values on a scratch board and restores the state. */
-#ifndef APPLET_TOOLS_SCRATCH_PROBE_H
-#define APPLET_TOOLS_SCRATCH_PROBE_H
+#ifndef APPLET_TOOLS_SCRATCH_PROBE_PROBE_H
+#define APPLET_TOOLS_SCRATCH_PROBE_PROBE_H
 
 #include "applet_tools/applet/ParameterState.h"
 #include "applet_tools/base/words.h"

@@ -1,4 +1,4 @@
-#include "applet_tools/scratch/Probe.h"
+#include "applet_tools/scratch/probe/Probe.h"
 
 #include "applet_tools/applet/Effort.h"
 #include "applet_tools/applet/files/ConfigurationFile.h"

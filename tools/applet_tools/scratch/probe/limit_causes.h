@@ -1,8 +1,8 @@
 /** The causes of the ends of a parameter's range, found by trying. */
-#ifndef APPLET_TOOLS_SCRATCH_LIMIT_CAUSES_H
-#define APPLET_TOOLS_SCRATCH_LIMIT_CAUSES_H
+#ifndef APPLET_TOOLS_SCRATCH_PROBE_LIMIT_CAUSES_H
+#define APPLET_TOOLS_SCRATCH_PROBE_LIMIT_CAUSES_H
 
-#include "applet_tools/scratch/measured_range.h"
+#include "applet_tools/scratch/probe/measured_range.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,8 +1,8 @@
 /** The range that a setter accepts now, found by trying. */
-#ifndef APPLET_TOOLS_SCRATCH_MEASURED_RANGE_H
-#define APPLET_TOOLS_SCRATCH_MEASURED_RANGE_H
+#ifndef APPLET_TOOLS_SCRATCH_PROBE_MEASURED_RANGE_H
+#define APPLET_TOOLS_SCRATCH_PROBE_MEASURED_RANGE_H
 
-#include "applet_tools/scratch/Probe.h"
+#include "applet_tools/scratch/probe/Probe.h"
 
 #include <optional>
 
