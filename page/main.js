@@ -1,7 +1,8 @@
 // The page of a station: connects its parts.
 
 import { ApiError, getJson, keepStream, setToken, takeToken } from './base/api.js';
-import { byId, decimal, el, press, setText } from './base/dom.js';
+import { byId, el, press, setText } from './base/dom.js';
+import { decimal } from './base/numbers.js';
 import { latest } from './base/pace.js';
 import { reload, takeChanges } from './base/parameters.js';
 import { showTrouble } from './base/reason.js';
@@ -136,27 +137,18 @@ on('station', ({ hasPictures }) => {
   for (const button of document.querySelectorAll('#image-tools button:not(#balance)')) button.disabled = !hasPictures;
 });
 
-const leaveWaterfall = () => waterfall.isOn && setWaterfall(false);
-const zoomBy = (action) => () => {
-  leaveWaterfall();
-  action();
+const ZOOMS = {
+  'view-fit': () => view.fit(),
+  'view-full': () => view.setMagnification(1),
+  'view-in': () => view.step(1),
+  'view-out': () => view.step(-1),
 };
-byId('view-fit').addEventListener(
-  'click',
-  zoomBy(() => view.fit()),
-);
-byId('view-full').addEventListener(
-  'click',
-  zoomBy(() => view.setMagnification(1)),
-);
-byId('view-in').addEventListener(
-  'click',
-  zoomBy(() => view.step(1)),
-);
-byId('view-out').addEventListener(
-  'click',
-  zoomBy(() => view.step(-1)),
-);
+for (const [id, zoom] of Object.entries(ZOOMS)) {
+  byId(id).addEventListener('click', () => {
+    if (waterfall.isOn) setWaterfall(false);
+    zoom();
+  });
+}
 byId('view-waterfall').addEventListener('click', () => setWaterfall(!waterfall.isOn));
 byId('region').addEventListener('click', () => {
   view.isSelecting = !view.isSelecting;

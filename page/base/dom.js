@@ -1,4 +1,4 @@
-// Small helpers around the document. Text from the server only ever becomes text nodes.
+// Small helpers around the document and its texts. Text from the server only ever becomes text nodes.
 
 /**
  * Makes an element.
@@ -30,6 +30,10 @@ function fill(node, properties, children) {
   return node;
 }
 
+/** Makes a button; the properties are those of el(). */
+export const button = (text, onClick, properties = {}) =>
+  el('button', { type: 'button', text, ...properties, on: { click: onClick } });
+
 /** The element with this id, which the page always has. */
 export const byId = (id) => document.getElementById(id);
 
@@ -41,39 +45,11 @@ export function setText(node, text) {
 /** Presses or releases a toggle button. */
 export const press = (button, isPressed) => button.setAttribute('aria-pressed', String(isPressed));
 
-/** A whole number with narrow spaces between groups of three digits. */
-export function grouped(number) {
-  return String(Math.round(number)).replace(/\B(?=(\d{3})+$)/g, '\u202f');
-}
-
-/** A count with its noun, which has an s unless there is one. */
-export const counted = (count, noun) => `${grouped(count)} ${noun}${count === 1 ? '' : 's'}`;
-
 /** A message of the station as a sentence; the text of a command stays as it is. */
 export const sentence = (text) => text.replace(/^[a-z]/, (letter) => letter.toUpperCase());
 
-/** A number with at most so many digits after the point, without trailing zeros. */
-export function decimal(number, digits = 3) {
-  return Number.isFinite(number) ? String(Number(number.toFixed(digits))) : '–';
-}
-
-/** A time in seconds with a fitting unit. */
-export function duration(seconds) {
-  const size = Math.abs(seconds);
-  if (size >= 1) return `${decimal(seconds, 3)} s`;
-  if (size >= 1e-3) return `${decimal(seconds * 1e3, 3)} ms`;
-  if (size >= 1e-6) return `${decimal(seconds * 1e6, 3)} µs`;
-  return `${decimal(seconds * 1e9, 0)} ns`;
-}
-
 /** An event's name without the part that all names of the design begin with. */
 export const shortEvent = (name) => (name.startsWith('Device') ? name.slice(name.lastIndexOf('_') + 1) : name);
-
-/** A share in percent; small shares that are not 0 do not read as 0. */
-export function percent(share) {
-  if (share === 0) return '0 %';
-  return share < 0.0001 ? '< 0.01 %' : `${(share * 100).toFixed(share < 0.1 ? 2 : 1)} %`;
-}
 
 /** A colour of the style sheet as it is in the present theme. */
 export const colour = (name) => getComputedStyle(document.documentElement).getPropertyValue(`--${name}`).trim();

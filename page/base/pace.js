@@ -1,7 +1,7 @@
 // How often things are done: drawing once for each frame of the screen, requests one at a time.
 
 /**
- * Makes a function that calls draw() with the next frame of the screen, once however often it is called before.
+ * Makes a function that calls draw() with the next frame of the screen, and only once if it is called several times before.
  * @param {function(): void} draw
  */
 export function oncePerFrame(draw) {

@@ -1,7 +1,7 @@
 // Errors of the station, with what they are limited by and a button for each way out.
 
 import { ApiError, setAll } from './api.js';
-import { byId, el } from './dom.js';
+import { button, byId, el } from './dom.js';
 
 /** Limits as one line of text, or an empty one. */
 export function limitText(limit) {
@@ -32,8 +32,8 @@ export function unsentBox(error, { what, again, onClose }) {
     el(
       'div',
       { class: 'ways' },
-      el('button', { type: 'button', class: 'way', text: 'Send again', on: { click: again } }),
-      el('button', { type: 'button', class: 'quiet', text: 'Dismiss', on: { click: onClose } }),
+      button('Send again', again, { class: 'way' }),
+      button('Dismiss', onClose, { class: 'quiet' }),
     ),
   );
 }
@@ -50,8 +50,23 @@ export function errorBox(error, { setting, onDone = () => {}, onClose, onError }
   // The limit and the buttons may repeat the later clauses of the message: then the first one is enough at first.
   const isRepeated = limits.length > 0 || error.waysOut?.length > 0;
   const clauses = (isRepeated && error.clauses) || [error.message];
-  const take = async (settings, buttons) => {
-    for (const button of buttons) button.disabled = true;
+  return el(
+    'div',
+    { class: 'error', role: 'alert' },
+    ...messageLines(clauses, limits),
+    el(
+      'div',
+      { class: 'ways' },
+      ...fixesFor(error, setting).map((fix) => fixButton(fix, { onDone, onClose, onError })),
+      button('Dismiss', onClose, { class: 'quiet' }),
+    ),
+  );
+}
+
+/** The button that takes a way out; meanwhile it and the buttons beside it take no click. */
+function fixButton({ text, title, settings }, { onDone, onClose, onError }) {
+  const take = async ({ target }) => {
+    for (const each of target.parentNode.children) each.disabled = true;
     try {
       const answer = await setAll(settings);
       onClose();
@@ -60,26 +75,15 @@ export function errorBox(error, { setting, onDone = () => {}, onClose, onError }
       onError(failure);
     }
   };
-  return el(
-    'div',
-    { class: 'error', role: 'alert' },
-    ...messageLines(clauses, limits),
-    el(
-      'div',
-      { class: 'ways' },
-      ...fixesFor(error, setting).map(({ text, title, settings }) =>
-        el('button', {
-          type: 'button',
-          class: 'way',
-          text,
-          title,
-          on: { click: ({ target }) => take(settings, target.parentNode.children) },
-        }),
-      ),
-      el('button', { type: 'button', class: 'quiet', text: 'Dismiss', on: { click: onClose } }),
-    ),
-  );
+  return button(text, take, { class: 'way', title });
 }
+
+/**
+ * Makes the box of a request that failed: the one to send it again if it had no effect, else the box of the error.
+ * @param {Error} error
+ * @param {object} options those of unsentBox() and of errorBox()
+ */
+export const failureBox = (error, options) => (isUnsent(error) ? unsentBox(error, options) : errorBox(error, options));
 
 /** What the station advises and accepts, as lines of the box. */
 function limitLines(error) {

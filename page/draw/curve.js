@@ -1,6 +1,7 @@
 // Curves of the lookup table, and their drawing.
 
 import { COMPONENTS, svg } from '../base/dom.js';
+import { clamp } from '../base/numbers.js';
 
 /** Largest value of an entry. */
 export const LARGEST = 65535;
@@ -91,7 +92,7 @@ export function bend(table, { begin, end, from, to, rise }) {
     const source = isBefore ? begin + share * (from - begin) : end - share * (end - from);
     const low = Math.floor(source);
     const value = table[low] + ((table[low + 1] ?? table[low]) - table[low]) * (source - low);
-    bent[k] = Math.min(LARGEST, Math.max(0, Math.round(value + rise * share)));
+    bent[k] = clamp(Math.round(value + rise * share), 0, LARGEST);
   }
   return bent;
 }

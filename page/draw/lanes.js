@@ -1,6 +1,7 @@
 // The lanes of the timeline: their texts, and how they are drawn.
 
-import { colour, duration, grouped, shortEvent } from '../base/dom.js';
+import { colour, shortEvent } from '../base/dom.js';
+import { duration, grouped } from '../base/numbers.js';
 
 /** Height of a lane in CSS pixels. */
 export const LANE = 24;

@@ -1,6 +1,7 @@
 // Axes and curves on a canvas.
 
 import { colour, sizeCanvas } from '../base/dom.js';
+import { clamp } from '../base/numbers.js';
 
 const FONT = '11px system-ui, sans-serif';
 
@@ -63,7 +64,7 @@ export class Plot {
       context.lineTo(x, area.bottom);
       const text = xText(value);
       const half = context.measureText(text).width / 2;
-      context.fillText(text, Math.min(this.width - half, Math.max(half, x)), area.bottom + 4);
+      context.fillText(text, clamp(x, half, this.width - half), area.bottom + 4);
     }
     context.textAlign = 'right';
     context.textBaseline = 'middle';
@@ -123,6 +124,17 @@ export class Plot {
     context.lineTo(this.x(values.length), this.area.bottom);
     context.fill();
     context.restore();
+  }
+
+  /** Calls draw(); what it draws outside of the axes is not shown. */
+  clipped(draw) {
+    const { left, top, right, bottom } = this.area;
+    this.context.save();
+    this.context.beginPath();
+    this.context.rect(left, top, right - left, bottom - top);
+    this.context.clip();
+    draw();
+    this.context.restore();
   }
 
   /** A vertical mark at a value. */

@@ -1,21 +1,27 @@
 // White balance: factors that make a region of the picture grey.
 
 import { getJson, setAll } from '../base/api.js';
-import { byId, COMPONENTS, counted, decimal, el, grouped, percent } from '../base/dom.js';
+import { button, byId, COMPONENTS, el } from '../base/dom.js';
+import { counted, decimal, grouped, percent } from '../base/numbers.js';
 import { parameter, takeChanges } from '../base/parameters.js';
+import { regionQuery } from '../base/picture.js';
 import { errorBox, noticeDone, noticeError } from '../base/refusal.js';
 import { get, maySet, on } from '../base/state.js';
+import { componentRow, numberCell, tableHead } from '../base/table.js';
 
 const FACTORS = ['FG_SCALINGFACTOR_RED', 'FG_SCALINGFACTOR_GREEN', 'FG_SCALINGFACTOR_BLUE'];
 const CLIPPED = 0.001; // share from which means are no longer those of the scene
 
+const BLACK = 'One colour is black in this region, so no factor makes it grey. Select a bright, grey region.';
+const CURVED = 'The lookup table is on and acts after the factors, so they are an estimate. Repeat it to come closer.';
+
 /** Connects the button. It needs a region. */
 export function startBalance() {
-  const button = byId('balance');
+  const opener = byId('balance');
   on('region station', () => {
-    button.disabled = !get('region') || !maySet();
+    opener.disabled = !get('region') || !maySet();
   });
-  button.addEventListener('click', () => propose().catch((error) => noticeError('balance', error)));
+  opener.addEventListener('click', () => propose().catch((error) => noticeError('balance', error)));
 }
 
 /**
@@ -31,91 +37,72 @@ function balanced(means, factors, limits) {
   return raw.map((factor) => Math.min(limits?.maximum ?? Infinity, Math.round(factor / step) * step));
 }
 
+/** Opens the dialog with new factors, or with the reason why there are none. */
 async function propose() {
-  const { x, y, w, h } = get('region');
-  const answer = await getJson('/api/histogram', {
-    region: `${x},${y},${w},${h}`,
+  const levels = await regionLevels();
+  const present = FACTORS.map((name) => parameter(name)?.value ?? 1);
+  if (isBlack(levels, present)) return openDialog(levels, [warning(BLACK)]);
+  const proposed = balanced(levels.mean, present, parameter(FACTORS[0])?.limits);
+  const trouble = el('div');
+  const apply = button('Set the factors', () => write(proposed, trouble), { class: 'primary' });
+  return openDialog(
+    levels,
+    [factorTable(levels.mean, present, proposed), ...doubts(levels).map(warning), trouble],
+    [apply],
+  );
+}
+
+/** The histogram of the region, with its means. */
+const regionLevels = () =>
+  getJson('/api/histogram', {
+    region: regionQuery(get('region')),
     picture: get('frozen') ? get('picture').number : undefined,
   });
-  const present = FACTORS.map((name) => parameter(name)?.value ?? 1);
+
+/** Whether no factor can make the means equal. */
+const isBlack = ({ mean }, factors) => mean.some((value) => value <= 0) || factors.some((factor) => factor <= 0);
+
+/** Why the means are not exactly those of the scene: one text or none. */
+function doubts({ clippedHigh, clippedLow }) {
+  const share = Math.max(...clippedHigh, ...clippedLow);
+  if (share > CLIPPED)
+    return [
+      `Up to ${percent(share)} of a colour is clipped, so the factors are an estimate. Less exposure gives better ones.`,
+    ];
+  return parameter('FG_LUT_ENABLE')?.value === 1 ? [CURVED] : [];
+}
+
+/**
+ * Shows the dialog.
+ * @param {{count: number, picture: number, isEstimate: boolean}} levels
+ * @param {Node[]} content
+ * @param {HTMLElement[]} [ways] buttons before the one that closes it
+ */
+function openDialog({ count, picture, isEstimate }, content, ways = []) {
   const dialog = byId('balance-dialog');
-  const close = el('button', { type: 'button', class: 'quiet', text: 'Cancel', on: { click: () => dialog.close() } });
-  const title = el('h2', { id: 'balance-title', text: 'White balance' });
-  const about = el('p', {
-    class: 'muted',
-    text: `${counted(answer.count, 'pixel')} of picture ${grouped(answer.picture)}${answer.isEstimate ? ', an estimate' : ''}`,
-  });
-  const doubts = doubt(answer, present);
-  if (doubts.isHopeless) {
-    dialog.replaceChildren(
-      title,
-      about,
-      el('p', { class: 'warning', text: doubts.text }),
-      el('div', { class: 'ways' }, close),
-    );
-    dialog.showModal();
-    return;
-  }
-  const proposed = balanced(answer.mean, present, parameter(FACTORS[0])?.limits);
-  const rows = COMPONENTS.map((component, i) =>
-    el(
-      'tr',
-      {},
-      el('th', { scope: 'row', class: component.colour, text: component.name }),
-      ...[decimal(answer.mean[i], 1), decimal(present[i], 4), decimal(proposed[i], 4)].map((text) =>
-        el('td', { class: 'number', text }),
-      ),
-    ),
-  );
-  const trouble = el('div');
-  const apply = el('button', {
-    type: 'button',
-    class: 'primary',
-    text: 'Set the factors',
-    on: { click: () => write(proposed, trouble) },
-  });
+  const about = `${counted(count, 'pixel')} of picture ${grouped(picture)}${isEstimate ? ', an estimate' : ''}`;
+  const cancel = button('Cancel', () => dialog.close(), { class: 'quiet' });
   dialog.replaceChildren(
-    title,
-    about,
-    el(
-      'table',
-      { class: 'figures' },
-      el(
-        'thead',
-        {},
-        el('tr', {}, ...['', 'Mean', 'Factor now', 'New factor'].map((text) => el('th', { scope: 'col', text }))),
-      ),
-      el('tbody', {}, ...rows),
-    ),
-    doubts.text ? el('p', { class: 'warning', text: doubts.text }) : '',
-    trouble,
-    el('div', { class: 'ways' }, apply, close),
+    el('h2', { id: 'balance-title', text: 'White balance' }),
+    el('p', { class: 'muted', text: about }),
+    ...content,
+    el('div', { class: 'ways' }, ...ways, cancel),
   );
   dialog.showModal();
 }
 
-/** Reasons not to trust the means. */
-function doubt({ mean, clippedHigh, clippedLow }, factors) {
-  if (mean.some((value) => value <= 0) || factors.some((factor) => factor <= 0)) {
-    return {
-      isHopeless: true,
-      text: 'One colour is black in this region, so no factor makes it grey. Select a bright, grey region.',
-    };
-  }
-  const share = Math.max(...clippedHigh, ...clippedLow);
-  if (share > CLIPPED) {
-    return {
-      text: `Up to ${percent(share)} of a colour is clipped, so the factors are an estimate. Less exposure gives better ones.`,
-    };
-  }
-  const isCurved = parameter('FG_LUT_ENABLE')?.value === 1;
-  return {
-    text: isCurved
-      ? 'The lookup table is on and acts after the factors, so they are an estimate. Repeat it to come closer.'
-      : '',
-  };
+const warning = (text) => el('p', { class: 'warning', text });
+
+/** A row for each colour, with its mean and both factors. */
+function factorTable(means, present, proposed) {
+  const rows = COMPONENTS.map((component, i) => {
+    const texts = [decimal(means[i], 1), decimal(present[i], 4), decimal(proposed[i], 4)];
+    return componentRow(component, ...texts.map(numberCell));
+  });
+  return el('table', { class: 'figures' }, tableHead('', 'Mean', 'Factor now', 'New factor'), el('tbody', {}, ...rows));
 }
 
+/** Sets the factors, and closes the dialog or shows there why they are not set. */
 async function write(factors, trouble) {
   const dialog = byId('balance-dialog');
   const done = (answer) => {

@@ -1,5 +1,7 @@
 // Where the pixels of a picture are on the screen.
 
+import { clamp } from '../base/numbers.js';
+
 /** Scale and position of a picture in a stage. Scale: screen pixels (CSS) for each pixel of the picture. */
 export class Geometry {
   constructor() {
@@ -40,7 +42,7 @@ export class Geometry {
   zoom(scale, at = { x: this.stage.width / 2, y: this.stage.height / 2 }) {
     const before = this.toPicture(at);
     this.isFit = false;
-    this.scale = Math.min(64, Math.max(1 / 64, scale));
+    this.scale = clamp(scale, 1 / 64, 64);
     const after = this.toPicture(at);
     this.x += before.x - after.x;
     this.y += before.y - after.y;
@@ -58,15 +60,14 @@ export class Geometry {
   clamp() {
     const limit = (centre, length, view) => {
       const half = view / this.scale / 2;
-      return length <= 2 * half ? length / 2 : Math.min(length - half, Math.max(half, centre));
+      return length <= 2 * half ? length / 2 : clamp(centre, half, length - half);
     };
     this.x = limit(this.x, this.picture.width, this.stage.width);
     this.y = limit(this.y, this.picture.height, this.stage.height);
     if (this.scale * this.stage.ratio >= 1) {
       // whole pixels of the screen, so that lines of the grid are sharp
       const step = 1 / (this.scale * this.stage.ratio);
-      const snap = (centre, view) =>
-        Math.round((centre - view / this.scale / 2) / step) * step + view / this.scale / 2;
+      const snap = (centre, view) => Math.round((centre - view / this.scale / 2) / step) * step + view / this.scale / 2;
       this.x = snap(this.x, this.stage.width);
       this.y = snap(this.y, this.stage.height);
     }
@@ -100,8 +101,8 @@ export class Geometry {
   nearestPixel(point) {
     const position = this.toPicture(point);
     return {
-      x: Math.min(this.picture.width - 1, Math.max(0, Math.floor(position.x))),
-      y: Math.min(this.picture.height - 1, Math.max(0, Math.floor(position.y))),
+      x: clamp(Math.floor(position.x), 0, this.picture.width - 1),
+      y: clamp(Math.floor(position.y), 0, this.picture.height - 1),
     };
   }
 

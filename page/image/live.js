@@ -77,35 +77,42 @@ export class Live {
     for (;;) {
       await shown();
       this.controller = new AbortController();
-      const signal = this.controller.signal;
+      const { signal } = this.controller;
       const wanted = this.options.wanted();
-      if (!wanted || (get('frozen') && !this.isStale)) {
-        await sleep(wanted ? 60_000 : 100, signal);
-        continue;
-      }
-      const which =
-        get('frozen') && this.number
-          ? { picture: this.number }
-          : { after: this.isStale ? Math.max(0, this.number - 1) : this.number, timeout: 2000 };
-      this.isStale = false;
-      try {
-        const frame = await fetchFrame({ ...which, ...wanted }, signal);
-        if (frame && !signal.aborted) this.show(frame); // one that was decoded meanwhile would replace a frozen picture
-        await new Promise(requestAnimationFrame);
-      } catch (error) {
-        if (error.name === 'AbortError') continue;
-        if (error.status === 400 && wanted.region) {
-          // the picture has become smaller than the part
-          this.options.onMisfit();
-          continue;
-        }
-        if (!(error instanceof ApiError)) console.error(error);
-        this.options.onTrouble(
-          error instanceof ApiError ? error : new ApiError(0, { message: 'The picture cannot be decoded' }),
-        );
-        await sleep(error.status === 503 ? 400 : error.status === 401 ? 4000 : 1000, signal);
-      }
+      if (!wanted) await sleep(100, signal);
+      else if (get('frozen') && !this.isStale) await sleep(60_000, signal);
+      else await this.next(wanted, signal);
     }
+  }
+
+  /** Fetches and shows the next picture, or shows why there is none. */
+  async next(wanted, signal) {
+    const which = this.which();
+    this.isStale = false;
+    try {
+      const frame = await fetchFrame({ ...which, ...wanted }, signal);
+      if (frame && !signal.aborted) this.show(frame); // one that was decoded meanwhile would replace a frozen picture
+      await new Promise(requestAnimationFrame);
+    } catch (error) {
+      if (error.name === 'AbortError') return;
+      const isMisfit = error.status === 400 && wanted.region; // the picture has become smaller than the part
+      if (isMisfit) this.options.onMisfit();
+      else await this.pauseAfter(error, signal);
+    }
+  }
+
+  /** The picture to fetch: the one that is frozen, the shown one again if it is stale, or a newer one. */
+  which() {
+    if (get('frozen') && this.number) return { picture: this.number };
+    return { after: this.isStale ? Math.max(0, this.number - 1) : this.number, timeout: 2000 };
+  }
+
+  async pauseAfter(error, signal) {
+    if (!(error instanceof ApiError)) console.error(error);
+    this.options.onTrouble(
+      error instanceof ApiError ? error : new ApiError(0, { message: 'The picture cannot be decoded' }),
+    );
+    await sleep({ 503: 400, 401: 4000 }[error.status] ?? 1000, signal);
   }
 
   show(frame) {

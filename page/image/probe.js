@@ -1,8 +1,10 @@
 // The values of one pixel, asked from the station: never read from the picture on the screen.
 
 import { ApiError, getJson } from '../base/api.js';
-import { byId, COMPONENTS, grouped, setText } from '../base/dom.js';
+import { byId, COMPONENTS, setText } from '../base/dom.js';
+import { grouped } from '../base/numbers.js';
 import { latest } from '../base/pace.js';
+import { askOrNewest } from '../base/picture.js';
 import { get, on } from '../base/state.js';
 
 let shown = null; // the answer that is shown
@@ -27,9 +29,9 @@ async function showPixel(signal) {
   if (!cursor || !picture) return undefined;
   if (cursor.x >= picture.width || cursor.y >= picture.height)
     return clearValues(`outside the picture of ${picture.width} × ${picture.height} pixels`);
-  const query = { x: cursor.x, y: cursor.y, picture: picture.number };
+  const ask = (number) => getJson('/api/pixel', { x: cursor.x, y: cursor.y, picture: number }, signal);
   try {
-    const pixel = await getJson('/api/pixel', query, signal).catch((error) => newest(error, query, signal));
+    const pixel = await askOrNewest(ask, picture.number); // the number of its picture is shown
     const now = get('cursor');
     if (now && now.x === pixel.x && now.y === pixel.y) show(pixel);
   } catch (error) {
@@ -37,12 +39,6 @@ async function showPixel(signal) {
     clearValues(error.code === 'none' ? `picture ${grouped(picture.number)} is no longer kept` : error.message);
   }
   return undefined;
-}
-
-/** A live picture may be gone before its pixel was asked for: then the newest one serves, and its number is shown. */
-function newest(error, { x, y }, signal) {
-  if (error.code !== 'none' || get('frozen')) throw error;
-  return getJson('/api/pixel', { x, y }, signal);
 }
 
 function show(pixel) {

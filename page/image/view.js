@@ -1,14 +1,20 @@
 // The canvas with the picture: drawing, zoom and pan, probe cross, region.
 
 import { colour, sizeCanvas } from '../base/dom.js';
+import { clamp } from '../base/numbers.js';
 import { oncePerFrame } from '../base/pace.js';
+import { regionBetween, regionQuery } from '../base/picture.js';
 import { noticeDone } from '../base/refusal.js';
 import { get, on, set } from '../base/state.js';
+import { onWheel } from '../base/wheel.js';
 import { Geometry } from './geometry.js';
 
 const GRID_FROM = 8; // screen pixels for each pixel of the picture
+const NUDGE = 3; // CSS pixels that a click may move
 
-/** The picture has another size: what is left of the region stays, and a change of it is said. */
+const pointOf = (event) => ({ x: event.offsetX, y: event.offsetY });
+
+/** Cuts the region to a picture of another size, and tells about it if the region has changed. */
 function cutRegion({ width, height }) {
   const region = get('region');
   if (!region) return;
@@ -37,6 +43,7 @@ export class View {
     this.divider = 0.5;
     this.isSelecting = false;
     this.isPaused = false; // the canvas is used for something else
+    this.drag = null; // {from, last, isMoved, isRegion} while the pointer is down; points of the canvas
     this.draw = oncePerFrame(() => this.paint());
     this.listen();
     on('cursor region', this.draw);
@@ -54,14 +61,11 @@ export class View {
     const isExact = this.geometry.picture.width > 0 && magnification >= 1; // single pixels can be seen
     const kind = isExact ? { format: 'png' } : { format: 'jpeg', quality: 88 };
     if (this.geometry.isFit || !this.geometry.picture.width) return { fit: `${width}x${height}`, ...kind };
-    const { x, y, w, h } = this.geometry.visible();
-    const region = `${x},${y},${w},${h}`;
+    const visible = this.geometry.visible();
+    const region = regionQuery(visible);
     if (isExact) return { region, ...kind };
-    return {
-      region,
-      ...kind,
-      fit: `${Math.max(1, Math.round(w * magnification))}x${Math.max(1, Math.round(h * magnification))}`,
-    };
+    const [fitWidth, fitHeight] = [visible.w, visible.h].map((size) => Math.max(1, Math.round(size * magnification)));
+    return { region, ...kind, fit: `${fitWidth}x${fitHeight}` };
   }
 
   /** Shows a frame. */
@@ -205,48 +209,56 @@ export class View {
   }
 
   listen() {
-    const point = (event) => ({ x: event.offsetX, y: event.offsetY });
-    let drag = null;
-    this.canvas.addEventListener('pointerdown', (event) => {
-      if (event.button !== 0 || !this.part || this.isPaused) return;
-      this.canvas.setPointerCapture(event.pointerId);
-      drag = { from: point(event), last: point(event), isMoved: false, isRegion: this.isSelecting || event.shiftKey };
-    });
-    this.canvas.addEventListener('pointermove', (event) => {
-      const at = point(event);
-      if (!drag) return this.hover(at);
-      drag.isMoved ||= Math.hypot(at.x - drag.from.x, at.y - drag.from.y) > 3;
-      if (!drag.isMoved) return undefined;
-      if (drag.isRegion) this.select(drag.from, at);
-      else if (!this.geometry.isFit) {
-        this.geometry.pan(at.x - drag.last.x, at.y - drag.last.y);
-        this.moved();
-      }
-      drag.last = at;
-      return undefined;
-    });
-    this.canvas.addEventListener('pointerup', (event) => {
-      if (drag && !drag.isMoved) this.pin(this.geometry.pixelAt(point(event)));
-      drag = null;
-    });
+    this.canvas.addEventListener('pointerdown', (event) => this.begin(event));
+    this.canvas.addEventListener('pointermove', (event) => this.move(pointOf(event)));
+    this.canvas.addEventListener('pointerup', (event) => this.release(pointOf(event)));
     this.canvas.addEventListener('pointercancel', () => {
-      drag = null;
+      this.drag = null;
     });
     this.canvas.addEventListener('pointerleave', () => !get('cursor')?.isPinned && set('cursor', null));
-    this.canvas.addEventListener(
-      'wheel',
-      (event) => {
-        if (!this.part || this.isPaused) return;
-        event.preventDefault();
-        const factor = Math.exp(-Math.max(-60, Math.min(60, event.deltaY)) / 150);
-        this.setMagnification(this.geometry.magnification() * factor, point(event));
-      },
-      { passive: false },
+    onWheel(
+      this.canvas,
+      (factor, event) => this.setMagnification(this.geometry.magnification() / factor, pointOf(event)),
+      () => this.isActive(),
     );
   }
 
+  /** Whether the pointer has a picture to work on. */
+  isActive() {
+    return Boolean(this.part) && !this.isPaused;
+  }
+
+  begin(event) {
+    if (event.button !== 0 || !this.isActive()) return;
+    this.canvas.setPointerCapture(event.pointerId);
+    const at = pointOf(event);
+    this.drag = { from: at, last: at, isMoved: false, isRegion: this.isSelecting || event.shiftKey };
+  }
+
+  move(at) {
+    if (!this.drag) return void this.hover(at);
+    const { from, last, isRegion } = this.drag;
+    this.drag.isMoved ||= Math.hypot(at.x - from.x, at.y - from.y) > NUDGE;
+    if (!this.drag.isMoved) return;
+    this.drag.last = at;
+    if (isRegion) this.select(from, at);
+    else this.pan(at.x - last.x, at.y - last.y);
+  }
+
+  pan(dx, dy) {
+    if (this.geometry.isFit) return;
+    this.geometry.pan(dx, dy);
+    this.moved();
+  }
+
+  /** A click, which is no drag, holds the probe. */
+  release(at) {
+    if (this.drag && !this.drag.isMoved) this.pin(this.geometry.pixelAt(at));
+    this.drag = null;
+  }
+
   hover(at) {
-    if (get('cursor')?.isPinned || !this.part || this.isPaused) return;
+    if (get('cursor')?.isPinned || !this.isActive()) return;
     set('cursor', this.geometry.pixelAt(at));
   }
 
@@ -258,14 +270,7 @@ export class View {
   }
 
   select(from, to) {
-    const a = this.geometry.nearestPixel(from);
-    const b = this.geometry.nearestPixel(to);
-    set('region', {
-      x: Math.min(a.x, b.x),
-      y: Math.min(a.y, b.y),
-      w: Math.abs(a.x - b.x) + 1,
-      h: Math.abs(a.y - b.y) + 1,
-    });
+    set('region', regionBetween(this.geometry.nearestPixel(from), this.geometry.nearestPixel(to)));
   }
 
   /** Moves the probe by pixels and keeps it in sight. Without a probe it starts in the middle. */
@@ -273,8 +278,7 @@ export class View {
     const { width, height } = this.geometry.picture;
     if (!width) return;
     const at = get('cursor') ?? { x: Math.floor(this.geometry.x), y: Math.floor(this.geometry.y) };
-    const clamp = (value, length) => Math.min(length - 1, Math.max(0, value));
-    const pixel = { x: clamp(at.x + dx, width), y: clamp(at.y + dy, height), isPinned: true };
+    const pixel = { x: clamp(at.x + dx, 0, width - 1), y: clamp(at.y + dy, 0, height - 1), isPinned: true };
     set('cursor', pixel);
     const { x, y, w, h } = this.geometry.visible();
     if (pixel.x >= x && pixel.y >= y && pixel.x < x + w && pixel.y < y + h) return;

@@ -1,6 +1,7 @@
 // The lines of all pictures as one band that moves up, as the belt does.
 
-import { colour, counted, grouped, sizeCanvas } from '../base/dom.js';
+import { colour, sizeCanvas } from '../base/dom.js';
+import { clamp, counted, grouped } from '../base/numbers.js';
 import { oncePerFrame } from '../base/pace.js';
 
 const MARK = 2; // height of the line over the first one of a picture
@@ -48,7 +49,7 @@ export class Waterfall {
     if (next) {
       this.pace ??= 100;
       const interval = this.pending.length > 1 ? this.pending[1].at - next.at : this.pace;
-      this.pace = Math.min(1000, Math.max(16, interval));
+      this.pace = clamp(interval, 16, 1000);
       this.move(Math.ceil((next.bitmap.height * 17) / this.pace));
       if (this.pending.length) this.step();
     }

@@ -1,7 +1,8 @@
 // The bar at the top: the state of the station, its readings, and the acquisition.
 
 import { ApiError, getJson, sendJson } from '../base/api.js';
-import { byId, decimal, el, grouped, setText } from '../base/dom.js';
+import { button, byId, setText } from '../base/dom.js';
+import { decimal, grouped } from '../base/numbers.js';
 import { latest } from '../base/pace.js';
 import { hideReason, showReason } from '../base/reason.js';
 import { notice, noticeError } from '../base/refusal.js';
@@ -39,38 +40,57 @@ export function startBar(shownRate) {
 }
 
 function showState(shownRate) {
+  showWord();
+  showRun();
+  showReadings(shownRate);
+  showReasonOfState();
+}
+
+/** Whether the station has no signal. Nothing is asked for while the picture is frozen. */
+const isLost = () => get('acquisition')?.signal?.state === 'none' && !get('frozen');
+
+/** The state as its kind, which gives the colour, and a word. */
+function stateAndWord() {
   const acquisition = get('acquisition');
-  const { hasPictures, noPictures } = get('station') ?? {};
-  const isLost = acquisition?.signal?.state === 'none' && !get('frozen'); // nothing is asked for while it is frozen
-  const [state, text] = !get('admitted')
-    ? ['none', 'not admitted']
-    : !get('online')
-      ? ['lost', 'not reachable, trying again']
-      : !acquisition
-        ? ['wait', noPictures ? 'no pictures' : 'connecting']
-        : acquisition.isPaused
-          ? ['idle', 'stopped']
-          : isLost
-            ? ['none', 'no signal']
-            : get('frozen')
-              ? ['idle', 'running, picture frozen']
-              : ['ok', 'running'];
+  if (!get('admitted')) return ['none', 'not admitted'];
+  if (!get('online')) return ['lost', 'not reachable, trying again'];
+  if (!acquisition) return ['wait', get('station')?.noPictures ? 'no pictures' : 'connecting'];
+  if (acquisition.isPaused) return ['idle', 'stopped'];
+  if (isLost()) return ['none', 'no signal'];
+  return get('frozen') ? ['idle', 'running, picture frozen'] : ['ok', 'running'];
+}
+
+function showWord() {
+  const [state, word] = stateAndWord();
   byId('state').dataset.state = state;
-  setText(byId('state'), text);
+  setText(byId('state'), word);
   document.body.classList.toggle('offline', state === 'lost');
-  const button = byId('run');
-  button.disabled = !acquisition || !maySet() || !get('online');
-  setText(button, acquisition?.isPaused ? 'Start' : 'Stop');
+}
+
+function showRun() {
+  const acquisition = get('acquisition');
+  byId('run').disabled = !acquisition || !maySet() || !get('online');
+  setText(byId('run'), acquisition?.isPaused ? 'Start' : 'Stop');
+}
+
+function showReadings(shownRate) {
   const isKnown = get('online') && get('admitted');
   document.body.classList.toggle('stale', !isKnown);
   if (!isKnown) activities.length = 0;
   const activity = get('activity');
+  const hasPictures = get('station')?.hasPictures;
   setText(byId('reading-lines'), activity ? grouped(activity.lines) : '–');
   setText(byId('reading-rate'), lineRate());
   setText(byId('reading-shown'), isKnown && hasPictures ? `${decimal(shownRate(), 1)} pictures/s` : '–');
+}
+
+/** Shows on the stage why no picture comes. */
+function showReasonOfState() {
+  const acquisition = get('acquisition');
+  const noPictures = get('station')?.noPictures;
   if (noPictures) showReason('No pictures', noPictures.reason, null, noPictures);
   else if (acquisition?.isPaused) showReason('The acquisition is stopped', '', startButton());
-  else if (isLost) showReason('No signal', acquisition.signal.reason, null, acquisition.signal);
+  else if (isLost()) showReason('No signal', acquisition.signal.reason, null, acquisition.signal);
   else if (get('online') && get('picture')) hideReason();
 }
 
@@ -103,5 +123,4 @@ async function run(isRunning) {
   askAcquisition();
 }
 
-const startButton = () =>
-  maySet() ? el('button', { type: 'button', class: 'primary', text: 'Start', on: { click: () => run(true) } }) : null;
+const startButton = () => (maySet() ? button('Start', () => run(true), { class: 'primary' }) : null);

@@ -1,115 +1,168 @@
 // The belt and the scene of a virtual station.
 
 import { ApiError, getJson, sendJson } from '../base/api.js';
-import { byId, decimal, el } from '../base/dom.js';
+import { button, byId, el } from '../base/dom.js';
 import { Field } from '../base/field.js';
-import { errorBox, isUnsent, noticeDone, unsentBox } from '../base/refusal.js';
+import { decimal } from '../base/numbers.js';
+import { failureBox, isUnsent, noticeDone } from '../base/refusal.js';
 import { get, maySet, on } from '../base/state.js';
 
 const FASTEST = 3000; // mm/s, of the slider; the field takes more
 
 /** Builds the panel; its tab is there only if the station has a belt. */
 export function startBelt() {
-  const trouble = el('div');
-  const speed = el('input', {
-    type: 'number',
-    step: '10',
-    class: 'number',
-    id: 'belt-speed',
-    'aria-label': 'Speed in mm/s',
-  });
-  const slider = el('input', {
-    type: 'range',
-    min: String(-FASTEST),
-    max: String(FASTEST),
-    step: '10',
-    id: 'belt-slider',
-    'aria-label': 'Speed',
-  });
-  const scene = el('select', { id: 'belt-scene', 'aria-label': 'Scene' });
-  const numberField = (id, label, step, unit, key, text) => {
-    const properties = { type: 'number', min: '0', step, class: 'number', id, 'aria-label': `${label}, ${unit}` };
-    return new Field(el('input', properties), (value, again) =>
-      send('/api/scene', { [key]: value }, `${text} ${value} ${unit}.`, again),
-    );
-  };
-  const pixel = numberField('belt-pixel', 'Size of a pixel', '10', 'µm', 'pixel', 'A pixel of the scene has');
-  const noise = numberField('belt-noise', 'Noise', '1', '%', 'noise', 'The noise is at most');
-  const line = (label, unit, ...controls) =>
-    el(
-      'label',
-      { class: 'field' },
-      el('span', { text: label }),
-      ...controls,
-      el('span', { class: 'unit', text: unit }),
-    );
-  const stop = el('button', { type: 'button', text: 'Stop', id: 'belt-stop', on: { click: () => move(0) } });
-  const about = el('p', {
-    class: 'muted',
-    text: 'Encoder, light barrier and scene follow the belt. A negative speed runs backwards.',
-  });
-  byId('panel-belt').append(
-    el(
+  const belt = new Belt();
+  const panel = byId('panel-belt');
+  panel.append(belt.node);
+  on('station', () => get('station')?.hasBelt && belt.load());
+  panel.addEventListener('shown', () => belt.load());
+}
+
+/** A control with its label before it and its unit after it. */
+const labelled = (label, unit, control) =>
+  el('label', { class: 'field' }, el('span', { text: label }), control, el('span', { class: 'unit', text: unit }));
+
+class Belt {
+  constructor() {
+    this.speed = this.speedField();
+    this.slider = this.speedSlider();
+    this.stop = button('Stop', () => this.move(0), { id: 'belt-stop' });
+    this.scene = this.sceneChoice();
+    this.pixel = this.sceneField('pixel', {
+      label: 'Size of a pixel',
+      step: '10',
+      unit: 'µm',
+      text: 'A pixel of the scene has',
+    });
+    this.noise = this.sceneField('noise', { label: 'Noise', step: '1', unit: '%', text: 'The noise is at most' });
+    this.trouble = el('div');
+    this.node = this.arrange();
+  }
+
+  speedField() {
+    const input = el('input', {
+      type: 'number',
+      step: '10',
+      class: 'number',
+      id: 'belt-speed',
+      'aria-label': 'Speed in mm/s',
+    });
+    return new Field(input, (speed, again) => this.move(speed, again));
+  }
+
+  /** The slider shows in the field what it will send when it is let go. */
+  speedSlider() {
+    const slider = el('input', {
+      type: 'range',
+      min: String(-FASTEST),
+      max: String(FASTEST),
+      step: '10',
+      id: 'belt-slider',
+      'aria-label': 'Speed',
+    });
+    slider.addEventListener('input', () => {
+      this.speed.mark(false);
+      this.speed.input.value = slider.value;
+    });
+    slider.addEventListener('change', () => this.move(Number(slider.value)));
+    return slider;
+  }
+
+  sceneChoice() {
+    const choice = el('select', { id: 'belt-scene', 'aria-label': 'Scene' });
+    choice.addEventListener('change', () => this.setScene('kind', choice.value, `The scene is ${choice.value}.`));
+    return choice;
+  }
+
+  /** A number field for a property of the scene. text: what a notice says before the number. */
+  sceneField(property, { label, step, unit, text }) {
+    const input = el('input', {
+      type: 'number',
+      min: '0',
+      step,
+      class: 'number',
+      id: `belt-${property}`,
+      'aria-label': `${label}, ${unit}`,
+    });
+    return new Field(input, (value, again) => this.setScene(property, value, `${text} ${value} ${unit}.`, again));
+  }
+
+  arrange() {
+    return el(
       'div',
       { class: 'belt' },
-      el('div', { class: 'pair' }, line('Speed', 'mm/s', speed), stop),
-      slider,
-      line('Scene', '', scene),
-      line('Pixel', 'µm', pixel.input),
-      line('Noise', '% of white', noise.input),
+      el('div', { class: 'pair' }, labelled('Speed', 'mm/s', this.speed.input), this.stop),
+      this.slider,
+      labelled('Scene', '', this.scene),
+      labelled('Pixel', 'µm', this.pixel.input),
+      labelled('Noise', '% of white', this.noise.input),
       el('p', { class: 'hint warning', text: 'Not sent: Enter in the field sends it.' }),
-      about,
-      trouble,
-    ),
-  );
-
-  const show = (error, again) => {
-    if (!(error instanceof ApiError)) throw error;
-    const onClose = () => trouble.replaceChildren();
-    trouble.replaceChildren(
-      isUnsent(error)
-        ? unsentBox(error, { what: 'The value', again, onClose })
-        : errorBox(error, { onClose, onDone: load, onError: (next) => show(next, again) }),
+      el('p', {
+        class: 'muted',
+        text: 'Encoder, light barrier and scene follow the belt. A negative speed runs backwards.',
+      }),
+      this.trouble,
     );
-  };
-  const send = async (path, json, text, again = () => send(path, json, text)) => {
-    trouble.replaceChildren();
+  }
+
+  move(speed, again) {
+    return this.send('/api/belt', { speed }, `The belt moves at ${speed} mm/s.`, again);
+  }
+
+  setScene(property, value, text, again) {
+    return this.send('/api/scene', { [property]: value }, text, again);
+  }
+
+  /** Sends a setting, and returns the error that it shows, or null. again(): sends what is entered then. */
+  async send(path, json, text, again = () => this.send(path, json, text)) {
+    this.trouble.replaceChildren();
     let failure = null;
     try {
       await sendJson('PUT', path, json);
       noticeDone('belt', text);
     } catch (error) {
       failure = error;
-      show(error, again);
+      this.showTrouble(error, again);
     }
-    if (!failure || !isUnsent(failure)) await load();
+    if (!failure || !isUnsent(failure)) await this.load();
     return failure;
-  };
-  const move = (value, again) => send('/api/belt', { speed: value }, `The belt moves at ${value} mm/s.`, again);
-  const load = async () => {
-    const [belt, present] = await Promise.all(
-      ['/api/belt', '/api/scene'].map((path) => getJson(path).catch(() => null)),
+  }
+
+  showTrouble(error, again) {
+    if (!(error instanceof ApiError)) throw error;
+    this.trouble.replaceChildren(
+      failureBox(error, {
+        what: 'The value',
+        again,
+        onClose: () => this.trouble.replaceChildren(),
+        onDone: () => this.load(),
+        onError: (next) => this.showTrouble(next, again),
+      }),
     );
-    byId('tab-belt').hidden = !belt && !present;
-    for (const control of [speed, slider, stop]) control.disabled = !belt || !maySet();
-    for (const control of [scene, pixel.input, noise.input]) control.disabled = !present || !maySet();
-    if (belt) field.show(belt.speed);
-    if (belt) slider.value = belt.speed;
-    if (!present) return;
-    scene.replaceChildren(
-      ...[...new Set([present.kind, ...present.kinds])].map((kind) => el('option', { value: kind, text: kind })),
-    );
-    scene.value = present.kind;
-    pixel.show(present.pixel);
-    noise.show(decimal(present.noise, 2));
-  };
-  const field = new Field(speed, move);
-  slider.addEventListener('input', () => {
-    field.mark(false);
-    speed.value = slider.value;
-  });
-  slider.addEventListener('change', () => move(Number(slider.value)));
-  scene.addEventListener('change', () => send('/api/scene', { kind: scene.value }, `The scene is ${scene.value}.`));
-  on('station', () => get('station')?.hasBelt && load());
-  byId('panel-belt').addEventListener('shown', load);
+  }
+
+  /** Reads belt and scene, and shows those that the station has. */
+  async load() {
+    const [belt, scene] = await Promise.all(['/api/belt', '/api/scene'].map((path) => getJson(path).catch(() => null)));
+    byId('tab-belt').hidden = !belt && !scene;
+    this.showBelt(belt);
+    this.showScene(scene);
+  }
+
+  showBelt(belt) {
+    for (const control of [this.speed.input, this.slider, this.stop]) control.disabled = !belt || !maySet();
+    if (!belt) return;
+    this.speed.show(belt.speed);
+    this.slider.value = belt.speed;
+  }
+
+  showScene(scene) {
+    for (const control of [this.scene, this.pixel.input, this.noise.input]) control.disabled = !scene || !maySet();
+    if (!scene) return;
+    const kinds = new Set([scene.kind, ...scene.kinds]);
+    this.scene.replaceChildren(...[...kinds].map((kind) => el('option', { value: kind, text: kind })));
+    this.scene.value = scene.kind;
+    this.pixel.show(scene.pixel);
+    this.noise.show(decimal(scene.noise, 2));
+  }
 }

@@ -1,7 +1,8 @@
 // Pictures and configurations as files.
 
 import { ApiError, request } from '../base/api.js';
-import { byId, counted, decimal, el, grouped, setText } from '../base/dom.js';
+import { button, byId, el, setText } from '../base/dom.js';
+import { counted, decimal, grouped } from '../base/numbers.js';
 import { parameter, reload } from '../base/parameters.js';
 import { noticeDone, noticeError } from '../base/refusal.js';
 import { get, maySet, on } from '../base/state.js';
@@ -11,59 +12,56 @@ export function startFiles() {
   const dialog = byId('files');
   byId('files-open').addEventListener('click', () => dialog.showModal());
   byId('save-image').addEventListener('click', () => saveImage('png'));
-  const count = el('input', {
-    type: 'number',
-    min: '1',
-    max: '64',
-    value: '10',
-    class: 'short',
-    id: 'record-count',
-    'aria-label': 'Number of pictures',
-  });
-  const progress = el('p', { class: 'muted', id: 'record-progress', role: 'status' });
-  const chosen = el('input', {
+  dialog.append(
+    el('h2', { id: 'files-title', text: 'Files' }),
+    picturePart(),
+    recordPart(),
+    part(
+      'Save the configuration',
+      'All settings as a configuration file.',
+      button('Save', saveConfiguration, { id: 'configuration-save' }),
+    ),
+    loadPart(),
+    el(
+      'div',
+      { class: 'ways' },
+      button('Close', () => dialog.close(), { id: 'files-close', class: 'quiet' }),
+    ),
+  );
+}
+
+function picturePart() {
+  const png = button('Save as PNG', () => saveImage('png'), { id: 'save-png' });
+  const raw = button('Save raw bytes', () => saveImage('raw'), { id: 'save-raw' });
+  enableWithPictures(png, raw);
+  return part('Picture', 'The picture that is shown, in full size and in the format of the memory.', png, raw);
+}
+
+function recordPart() {
+  const { count, button: record, progress } = new Recording();
+  enableWithPictures(record);
+  return part(
+    'Record',
+    'The next pictures as they come, up to 64, as the pages of a TIFF file.',
+    count,
+    record,
+    progress,
+  );
+}
+
+function loadPart() {
+  const file = el('input', {
     type: 'file',
     id: 'configuration-file',
     accept: '.mcf,text/plain',
     'aria-label': 'Configuration file',
   });
   const result = el('div', { id: 'configuration-result', role: 'status' });
-  const record = new Recording(count, progress);
-  const button = (text, id, click, kind = '') => el('button', { type: 'button', text, id, class: kind, on: { click } });
-  const load = button('Load', 'configuration-load', () => loadConfiguration(chosen, result));
-  const savePng = button('Save as PNG', 'save-png', () => saveImage('png'));
-  const saveRaw = button('Save raw bytes', 'save-raw', () => saveImage('raw'));
-  on('station', ({ hasPictures }) => {
-    load.disabled = chosen.disabled = !maySet();
-    for (const control of [savePng, saveRaw, record.button]) control.disabled = !hasPictures;
+  const load = button('Load', () => loadConfiguration(file, result), { id: 'configuration-load' });
+  on('station', () => {
+    load.disabled = file.disabled = !maySet();
   });
-  dialog.append(
-    el('h2', { id: 'files-title', text: 'Files' }),
-    part(
-      'Picture',
-      'The picture that is shown, in full size and in the format of the memory.',
-      savePng,
-      saveRaw,
-    ),
-    part(
-      'Record',
-      'The next pictures as they come, up to 64, as the pages of a TIFF file.',
-      count,
-      record.button,
-      progress,
-    ),
-    part(
-      'Save the configuration',
-      'All settings as a configuration file.',
-      button('Save', 'configuration-save', saveConfiguration),
-    ),
-    part('Load a configuration', 'The settings of a file, each as if it was set here.', chosen, load, result),
-    el(
-      'div',
-      { class: 'ways' },
-      button('Close', 'files-close', () => dialog.close(), 'quiet'),
-    ),
-  );
+  return part('Load a configuration', 'The settings of a file, each as if it was set here.', file, load, result);
 }
 
 function part(title, text, ...controls) {
@@ -74,6 +72,12 @@ function part(title, text, ...controls) {
     el('p', { class: 'muted', text }),
     el('div', { class: 'controls' }, ...controls),
   );
+}
+
+function enableWithPictures(...controls) {
+  on('station', ({ hasPictures }) => {
+    for (const control of controls) control.disabled = !hasPictures;
+  });
 }
 
 /** Hands bytes to the user as a file. */
@@ -117,44 +121,51 @@ async function saveConfiguration() {
   }
 }
 
-async function loadConfiguration(input, result) {
-  const file = input.files[0];
+async function loadConfiguration({ files: [file] }, result) {
   if (!file) return setText(result, 'Choose a file first.');
   try {
     const response = await request('PUT', '/api/configuration', { text: await file.text() });
-    const { result: code, changes, findings } = await response.json();
-    const settings = changes.filter(({ name }) => parameter(name)?.isSetting);
-    const losses = findings.filter(({ isLoss }) => isLoss);
-    result.replaceChildren(
-      el('p', {
-        class: code || losses.length ? 'warning' : 'done',
-        text: `${file.name}: ${counted(settings.length, 'setting')} changed, ${losses.length} of the file lost.`,
-      }),
-      el(
-        'ul',
-        {},
-        ...[code, ...findings].filter(Boolean).map(({ message, meaning }) => el('li', { text: message ?? meaning })),
-      ),
-    );
+    result.replaceChildren(...loadedLines(file.name, await response.json()));
   } catch (error) {
     if (!(error instanceof ApiError)) throw error;
-    result.replaceChildren(
-      el('p', { class: 'warning', role: 'alert', text: [error.message, error.advice].filter(Boolean).join(' ') }),
-    );
+    result.replaceChildren(el('p', { class: 'warning', role: 'alert', text: messageWithAdvice(error) }));
   }
   reload();
   return undefined;
 }
 
+/** What the station made of a file: the numbers of settings, and a list of its findings. */
+function loadedLines(name, { result: code, changes, findings }) {
+  const settings = changes.filter((change) => parameter(change.name)?.isSetting);
+  const losses = findings.filter(({ isLoss }) => isLoss);
+  const listed = [code, ...findings].filter(Boolean);
+  return [
+    el('p', {
+      class: code || losses.length ? 'warning' : 'done',
+      text: `${name}: ${counted(settings.length, 'setting')} changed, ${losses.length} of the file lost.`,
+    }),
+    el('ul', {}, ...listed.map(({ message, meaning }) => el('li', { text: message ?? meaning }))),
+  ];
+}
+
+const messageWithAdvice = ({ message, advice }) => [message, advice].filter(Boolean).join(' ');
+
 /** The next N pictures; while they come, the button ends it. */
 class Recording {
-  constructor(count, progress) {
-    Object.assign(this, { count, progress, controller: null });
-    this.button = el('button', {
-      type: 'button',
+  constructor() {
+    this.controller = null; // of the request while pictures come
+    this.count = el('input', {
+      type: 'number',
+      min: '1',
+      max: '64',
+      value: '10',
+      class: 'short',
+      id: 'record-count',
+      'aria-label': 'Number of pictures',
+    });
+    this.progress = el('p', { class: 'muted', id: 'record-progress', role: 'status' });
+    this.button = button('Record', () => (this.controller ? this.controller.abort() : this.run()), {
       id: 'record',
-      text: 'Record',
-      on: { click: () => (this.controller ? this.controller.abort() : this.run()) },
     });
   }
 
@@ -163,23 +174,19 @@ class Recording {
     setText(this.button, 'Stop');
     setText(this.progress, 'waiting for pictures');
     try {
-      const response = await request('GET', '/api/record', {
-        query: { count: this.count.value },
-        signal: this.controller.signal,
-      });
-      const blob = await this.receive(response);
-      download(blob, nameOf(response, `${station()}.tiff`));
-      setText(this.progress, `${counted(Number(this.count.value), 'picture')}, ${decimal(blob.size / 1e6, 1)} MB`);
+      await this.record(this.controller.signal);
     } catch (error) {
-      setText(
-        this.progress,
-        error.name === 'AbortError'
-          ? 'stopped, nothing is saved'
-          : [error.message, error.advice].filter(Boolean).join(' '),
-      );
+      setText(this.progress, error.name === 'AbortError' ? 'stopped, nothing is saved' : messageWithAdvice(error));
     }
     this.controller = null;
     setText(this.button, 'Record');
+  }
+
+  async record(signal) {
+    const response = await request('GET', '/api/record', { query: { count: this.count.value }, signal });
+    const blob = await this.receive(response);
+    download(blob, nameOf(response, `${station()}.tiff`));
+    setText(this.progress, `${counted(Number(this.count.value), 'picture')}, ${decimal(blob.size / 1e6, 1)} MB`);
   }
 
   async receive(response) {

@@ -1,6 +1,7 @@
 // Keys of the page.
 
-import { byId, el } from '../base/dom.js';
+import { button, byId, el } from '../base/dom.js';
+import { regionBetween } from '../base/picture.js';
 import { get, set } from '../base/state.js';
 
 const BUTTONS = {
@@ -37,7 +38,7 @@ const HELP = [
 /** Connects the keys and builds their dialog. */
 export function startKeys(view) {
   const dialog = byId('keys');
-  const close = el('button', { type: 'button', class: 'quiet', text: 'Close', on: { click: () => dialog.close() } });
+  const close = button('Close', () => dialog.close(), { class: 'quiet' });
   dialog.append(
     el('h2', { id: 'keys-title', text: 'Keys' }),
     el(
@@ -70,10 +71,10 @@ function pageKey(event) {
   }
   // Space and Enter belong to the control that has the focus.
   if (event.key === ' ' && target.matches('button, summary, a')) return;
-  const button = byId(BUTTONS[event.key] ?? '');
-  if (!button || button.disabled) return;
+  const chosen = byId(BUTTONS[event.key] ?? '');
+  if (!chosen || chosen.disabled) return;
   event.preventDefault();
-  button.click();
+  chosen.click();
 }
 
 let corner = null;
@@ -83,11 +84,11 @@ function imageKey(event, view) {
   const step = { ArrowLeft: [-size, 0], ArrowRight: [size, 0], ArrowUp: [0, -size], ArrowDown: [0, size] }[event.key];
   if (step) {
     view.moveProbe(...step);
-    if (corner) selectTo(get('cursor'));
+    if (corner) set('region', regionBetween(corner, get('cursor')));
   } else if (event.key === 'Enter') {
     if (!get('cursor')) view.moveProbe(0, 0);
     corner = corner || !view.isSelecting ? null : { ...get('cursor') };
-    if (corner) selectTo(corner);
+    if (corner) set('region', regionBetween(corner, corner));
     else if (view.isSelecting) byId('region').click();
   } else if (event.key === 'Escape') {
     corner = null;
@@ -98,13 +99,4 @@ function imageKey(event, view) {
   }
   event.preventDefault();
   event.stopPropagation();
-}
-
-function selectTo({ x, y }) {
-  set('region', {
-    x: Math.min(x, corner.x),
-    y: Math.min(y, corner.y),
-    w: Math.abs(x - corner.x) + 1,
-    h: Math.abs(y - corner.y) + 1,
-  });
 }

@@ -1,10 +1,13 @@
 // Histogram of the picture or a region of it, and the values along a line and a column.
 
 import { ApiError, getJson } from '../base/api.js';
-import { byId, colour, COMPONENTS, counted, decimal, el, grouped, onResize, percent, setText } from '../base/dom.js';
+import { byId, colour, COMPONENTS, el, onResize, setText } from '../base/dom.js';
+import { clamp, counted, decimal, grouped, percent } from '../base/numbers.js';
 import { latest } from '../base/pace.js';
+import { askOrNewest, regionQuery } from '../base/picture.js';
 import { explainPanel } from '../base/reason.js';
 import { get, on } from '../base/state.js';
+import { componentRow, numberCell, tableHead } from '../base/table.js';
 import { Plot, ticks } from '../draw/plots.js';
 
 const PAUSE = 200;
@@ -19,7 +22,7 @@ export function startLevels() {
       panel,
       get('picture')
         ? ''
-        : get('station')?.noPictures?.reason ?? 'Histogram and profiles come with the first picture',
+        : (get('station')?.noPictures?.reason ?? 'Histogram and profiles come with the first picture'),
     );
   on('picture station', explain);
   explain();
@@ -37,19 +40,17 @@ async function refresh(part, panel, signal) {
   const picture = get('picture');
   if (!picture || panel.hidden || document.hidden) return;
   try {
-    // A live picture may be gone meanwhile; the answer says which one was counted.
     const ask = (number) => getJson(part.path, { ...part.query(picture), picture: number }, signal);
-    part.show(
-      await ask(picture.number).catch((error) => {
-        if (error.code !== 'none' || get('frozen')) throw error;
-        return ask(undefined);
-      }),
-    );
+    part.show(await askOrNewest(ask, picture.number)); // the answer says which one was counted
   } catch (error) {
     if (!(error instanceof ApiError)) throw error;
     setText(part.note, error.code === 'none' ? 'this picture is no longer kept' : error.message);
   }
 }
+
+/** A share of clipped pixels, with their number. */
+const shareCell = (share, count) =>
+  el('td', { class: share > 0.01 ? 'number high' : 'number', text: percent(share), title: counted(count, 'pixel') });
 
 class Histogram {
   constructor() {
@@ -58,14 +59,14 @@ class Histogram {
     this.note = el('span', { class: 'muted', id: 'histogram-note' });
     this.log = el('input', { type: 'checkbox', id: 'histogram-log', on: { change: () => this.draw() } });
     this.body = el('tbody');
-    const heads = ['', 'Mean', 'At 0', 'At most'].map((text) => el('th', { scope: 'col', text }));
-    this.most = heads[3];
+    const head = tableHead('', 'Mean', 'At 0', 'At most');
+    this.most = head.querySelector('th:last-child');
     this.figure = el(
       'figure',
       { class: 'histogram' },
       el('figcaption', {}, el('b', { text: 'Histogram' }), this.note, el('label', { class: 'check' }, this.log, 'Log')),
       this.canvas,
-      el('table', { class: 'figures', id: 'histogram-table' }, el('thead', {}, el('tr', {}, ...heads)), this.body),
+      el('table', { class: 'figures', id: 'histogram-table' }, head, this.body),
     );
   }
 
@@ -77,7 +78,7 @@ class Histogram {
 
   query() {
     const region = get('region');
-    return { region: region ? `${region.x},${region.y},${region.w},${region.h}` : undefined };
+    return { region: region ? regionQuery(region) : undefined };
   }
 
   show(answer) {
@@ -85,25 +86,16 @@ class Histogram {
     const what = get('region') ? 'region, ' : '';
     const kind = answer.isEstimate ? 'estimate, ' : '';
     setText(this.note, `${kind}${what}${counted(answer.count, 'pixel')} of picture ${grouped(answer.picture)}`);
-    const largest = 2 ** answer.bits - 1;
-    setText(this.most, `At ${largest}`);
+    setText(this.most, `At ${2 ** answer.bits - 1}`);
     this.body.replaceChildren(
-      ...COMPONENTS.map((component, i) => {
-        const share = (part, count) =>
-          el('td', {
-            class: part > 0.01 ? 'number high' : 'number',
-            text: percent(part),
-            title: counted(count, 'pixel'),
-          });
-        return el(
-          'tr',
-          {},
-          el('th', { scope: 'row', class: component.colour, text: component.name }),
-          el('td', { class: 'number', text: decimal(answer.mean[i], 1) }),
-          share(answer.clippedLow[i], answer.low[i]),
-          share(answer.clippedHigh[i], answer.high[i]),
-        );
-      }),
+      ...COMPONENTS.map((component, i) =>
+        componentRow(
+          component,
+          numberCell(decimal(answer.mean[i], 1)),
+          shareCell(answer.clippedLow[i], answer.low[i]),
+          shareCell(answer.clippedHigh[i], answer.high[i]),
+        ),
+      ),
     );
     const text = COMPONENTS.map((component, i) => `${component.name} mean ${decimal(answer.mean[i], 1)}`).join(', ');
     this.canvas.setAttribute('aria-label', `Histogram of ${counted(answer.count, 'pixel')}: ${text}`);
@@ -124,20 +116,12 @@ class Histogram {
       yTicks: [],
       xText: (bin) => String(Math.min(largest, Math.round((bin / count) * step))),
     });
-    plot.context.save();
-    plot.context.beginPath();
-    plot.context.rect(
-      plot.area.left,
-      plot.area.top,
-      plot.area.right - plot.area.left,
-      plot.area.bottom - plot.area.top,
+    plot.clipped(() =>
+      bins.forEach((list, i) => {
+        plot.fill(list, colour(COMPONENTS[i].colour), 0.14);
+        plot.curve(list, colour(COMPONENTS[i].colour), { offset: 0.5 });
+      }),
     );
-    plot.context.clip();
-    bins.forEach((list, i) => {
-      plot.fill(list, colour(COMPONENTS[i].colour), 0.14);
-      plot.curve(list, colour(COMPONENTS[i].colour), { offset: 0.5 });
-    });
-    plot.context.restore();
   }
 }
 
@@ -148,19 +132,8 @@ class Profile {
     const name = kind === 'line' ? 'Line' : 'Column';
     this.canvas = el('canvas', { role: 'img', 'aria-label': `Values along a ${kind}` });
     this.note = el('span', { class: 'muted', id: `${kind}-note` });
-    this.input = el('input', {
-      type: 'number',
-      min: 0,
-      class: 'short',
-      'aria-label': `${name} of the profile`,
-      id: `${kind}-number`,
-      on: {
-        change: () => {
-          this.own = Number(this.input.value);
-          this.onChange();
-        },
-      },
-    });
+    this.own = null; // number that was entered, or of the pixel that the probe is held at
+    this.input = this.numberField(name);
     this.figure = el(
       'figure',
       {},
@@ -173,7 +146,22 @@ class Profile {
       ),
       this.canvas,
     );
-    this.own = null;
+  }
+
+  numberField(name) {
+    return el('input', {
+      type: 'number',
+      min: 0,
+      class: 'short',
+      'aria-label': `${name} of the profile`,
+      id: `${this.kind}-number`,
+      on: {
+        change: ({ target }) => {
+          this.own = Number(target.value);
+          this.onChange();
+        },
+      },
+    });
   }
 
   isNeeded() {
@@ -186,7 +174,7 @@ class Profile {
 
   query(picture) {
     const length = this.kind === 'line' ? picture.height : picture.width;
-    const number = Math.min(length - 1, Math.max(0, this.own ?? Math.floor(length / 2)));
+    const number = clamp(this.own ?? Math.floor(length / 2), 0, length - 1);
     this.input.max = length - 1;
     if (document.activeElement !== this.input) this.input.value = number;
     return { [this.kind]: number };

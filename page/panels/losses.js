@@ -1,108 +1,117 @@
 // Losses with their remedies, and the events that came.
 
 import { getJson } from '../base/api.js';
-import { byId, counted, duration, el, grouped, setText, shortEvent } from '../base/dom.js';
+import { byId, el, setText, shortEvent } from '../base/dom.js';
+import { counted, duration, grouped } from '../base/numbers.js';
 import { oncePerFrame } from '../base/pace.js';
 import { explainPanel } from '../base/reason.js';
 import { get, on } from '../base/state.js';
-
-const events = new Map();
+import { numberCell, tableHead } from '../base/table.js';
 
 /** Builds the panel. Returns the functions that take the messages of the stream. */
 export function startLosses() {
-  const losses = el('tbody');
-  const eventRows = el('tbody');
-  const head = (...texts) => el('thead', {}, el('tr', {}, ...texts.map((text) => el('th', { scope: 'col', text }))));
-  byId('panel-losses').append(
-    el(
-      'div',
-      { class: 'two' },
-      el(
-        'div',
-        {},
-        el(
-          'table',
-          { class: 'figures', id: 'losses-table' },
-          el('caption', { text: 'Losses since the start' }),
-          head('Kind', 'Count', 'Meaning and remedy'),
-          losses,
-        ),
-      ),
-      el(
-        'div',
-        {},
-        el(
-          'table',
-          { class: 'figures', id: 'events-table' },
-          el('caption', { text: 'Events since the page was opened' }),
-          head('Event', 'Count', 'Last at'),
-          eventRows,
-        ),
-        el('p', { class: 'muted', id: 'no-events', text: 'No event has come yet.' }),
-      ),
-    ),
-  );
-
-  const showLosses = (answer) => {
-    const list = answer.losses ?? [];
-    losses.replaceChildren(
-      ...list.map(({ name, count, message, advice }) =>
-        el(
-          'tr',
-          { class: count ? 'lossy' : '' },
-          el('th', { scope: 'row', text: name }),
-          el('td', { class: 'number', text: grouped(count) }),
-          el('td', {}, message, count ? el('p', { class: 'advice', text: advice }) : null),
-        ),
-      ),
-    );
-    const kinds = list.filter(({ count }) => count > 0).length;
-    byId('loss-count').hidden = kinds === 0;
-    setText(byId('loss-count'), String(kinds));
-    byId('loss-count').setAttribute('aria-label', `${counted(kinds, 'kind')} of loss`);
-  };
-  const drawEvents = oncePerFrame(() => {
-    if (byId('panel-losses').hidden) return;
-    byId('no-events').hidden = events.size > 0;
-    for (const [name, { count, tick }] of events) eventRow(eventRows, name, count, tick);
-  });
+  const panel = byId('panel-losses');
+  const losses = new LossTable();
+  const events = new EventTable();
+  panel.append(el('div', { class: 'two' }, losses.node, events.node));
+  const isCounted = () => get('station')?.board === 'virtual';
   const load = () => {
-    const isVirtual = get('station')?.board === 'virtual';
-    if (isVirtual) getJson('/api/losses').then(showLosses, () => {}); // away: asked again when it is back
+    if (isCounted()) getJson('/api/losses').then(showLosses, () => {}); // away: asked again when it is back
   };
-  on('station', ({ board }) => {
-    explainPanel(
-      byId('panel-losses'),
-      board === 'virtual' ? '' : 'Losses and events are counted by a virtual board only',
-    );
+  const showLosses = (answer) => losses.show(answer.losses ?? []);
+  on('station', () => {
+    explainPanel(panel, isCounted() ? '' : 'Losses and events are counted by a virtual board only');
     load();
   });
-  byId('panel-losses').addEventListener('shown', () => {
+  panel.addEventListener('shown', () => {
     load();
-    drawEvents();
+    events.draw();
   });
-  return {
-    showLosses,
-    showEvent({ name, count, tick }) {
-      // count: since the message before
-      events.set(name, { count: (events.get(name)?.count ?? 0) + count, tick });
-      drawEvents();
-    },
-  };
+  return { showLosses, showEvent: (message) => events.add(message) };
 }
 
-function eventRow(body, name, count, tick) {
-  let row = [...body.rows].find((candidate) => candidate.dataset.name === name);
-  if (!row) {
-    row = el(
-      'tr',
-      { 'data-name': name },
-      el('th', { scope: 'row', text: shortEvent(name), title: name }),
-      el('td', { class: 'number' }),
-      el('td', { class: 'number' }),
+class LossTable {
+  constructor() {
+    this.body = el('tbody');
+    this.node = el(
+      'div',
+      {},
+      el(
+        'table',
+        { class: 'figures', id: 'losses-table' },
+        el('caption', { text: 'Losses since the start' }),
+        tableHead('Kind', 'Count', 'Meaning and remedy'),
+        this.body,
+      ),
     );
-    body.append(row);
   }
-  setText(row.cells[1], grouped(count));
-  setText(row.cells[2], duration(tick * (get('station')?.tickNs ?? 8) * 1e-9));
+
+  show(losses) {
+    this.body.replaceChildren(...losses.map(lossRow));
+    showLossCount(losses.filter(({ count }) => count > 0).length);
+  }
+}
+
+const lossRow = ({ name, count, message, advice }) =>
+  el(
+    'tr',
+    { class: count ? 'lossy' : '' },
+    el('th', { scope: 'row', text: name }),
+    numberCell(grouped(count)),
+    el('td', {}, message, count ? el('p', { class: 'advice', text: advice }) : null),
+  );
+
+/** The number of kinds of loss, on the tab of the panel. */
+function showLossCount(kinds) {
+  const badge = byId('loss-count');
+  badge.hidden = kinds === 0;
+  setText(badge, String(kinds));
+  badge.setAttribute('aria-label', `${counted(kinds, 'kind')} of loss`);
+}
+
+class EventTable {
+  constructor() {
+    this.events = new Map(); // count and tick of the last one, by name
+    this.body = el('tbody');
+    this.none = el('p', { class: 'muted', id: 'no-events', text: 'No event has come yet.' });
+    this.node = el(
+      'div',
+      {},
+      el(
+        'table',
+        { class: 'figures', id: 'events-table' },
+        el('caption', { text: 'Events since the page was opened' }),
+        tableHead('Event', 'Count', 'Last at'),
+        this.body,
+      ),
+      this.none,
+    );
+    this.draw = oncePerFrame(() => this.fill());
+  }
+
+  /** Takes a message. Its count is of the events since the message before. */
+  add({ name, count, tick }) {
+    const before = this.events.get(name)?.count ?? 0;
+    this.events.set(name, { count: before + count, tick });
+    this.draw();
+  }
+
+  fill() {
+    if (byId('panel-losses').hidden) return;
+    this.none.hidden = this.events.size > 0;
+    for (const [name, { count, tick }] of this.events) {
+      const [, countCell, timeCell] = this.rowOf(name).cells;
+      setText(countCell, grouped(count));
+      setText(timeCell, duration(tick * (get('station')?.tickNs ?? 8) * 1e-9));
+    }
+  }
+
+  rowOf(name) {
+    const known = [...this.body.rows].find((row) => row.dataset.name === name);
+    if (known) return known;
+    const title = el('th', { scope: 'row', text: shortEvent(name), title: name });
+    const row = el('tr', { 'data-name': name }, title, numberCell(''), numberCell(''));
+    this.body.append(row);
+    return row;
+  }
 }

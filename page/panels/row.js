@@ -5,21 +5,13 @@
 // one is sent after the answer.
 
 import { getJson, setAll, setParameter } from '../base/api.js';
-import { el, setText } from '../base/dom.js';
+import { button, el, setText } from '../base/dom.js';
 import { takeChanges } from '../base/parameters.js';
-import { errorBox, isRefusal, isUnsent, limitText, setByText, unsentBox } from '../base/refusal.js';
+import { failureBox, isRefusal, isUnsent, limitText, setByText } from '../base/refusal.js';
 import { maySet } from '../base/state.js';
+import { editorKind, fillEditor, isAction, isWritable, makeEditor, presentText, valueOf } from './editor.js';
 
-const isWritable = (entry) => entry.access === 'readwrite' || entry.access === 'write';
-
-/** Value as the text of an editor. Numbers that a script cannot hold exactly are shown as the station wrote them. */
-function editText(entry) {
-  if (entry.value === null || entry.value === undefined)
-    return entry.readEffect ? 'not read' : entry.type === 'text' ? '' : '–';
-  if (typeof entry.value === 'number' && Number.isInteger(entry.value) && !Number.isSafeInteger(entry.value))
-    return entry.shown;
-  return String(entry.value);
-}
+const isGiven = (value) => value !== null && value !== undefined;
 
 /** The row of a parameter in the list. */
 export class Row {
@@ -29,12 +21,10 @@ export class Row {
     this.sent = null; // the one on its way: {value, text}
     this.next = null; // the one to send after it
     this.id = `p-${entry.name}`;
-    this.title = el('button', {
-      type: 'button',
+    this.title = button('', () => this.toggle(), {
       class: 'title',
       'aria-expanded': 'false',
       'aria-controls': `${this.id}-more`,
-      on: { click: () => this.toggle() },
     });
     this.value = el('div', { class: 'value' });
     this.limits = el('span', { class: 'limits', id: `${this.id}-limits` });
@@ -73,24 +63,11 @@ export class Row {
     this.entry = entry;
     setText(this.title, entry.label || entry.name);
     this.node.classList.toggle('changed', Boolean(entry.isChanged));
-    const kind = this.kind();
-    if (kind !== this.shownKind) {
-      this.shownKind = kind;
-      this.value.replaceChildren(...this.makeEditor());
-    }
-    this.fillEditor(entry.type !== 'array' && String(before.value) !== String(entry.value));
+    if (this.kind !== editorKind(entry)) this.renewEditor();
+    this.fillEditor();
+    if (entry.type !== 'array' && String(before.value) !== String(entry.value)) this.flash();
     this.mark();
     if (!this.more.hidden) this.fillMore();
-  }
-
-  /** The editor is made again if this differs. */
-  kind() {
-    const { type, entries } = this.entry;
-    return `${type} ${isWritable(this.entry) && maySet()} ${entries?.map(({ name }) => name).join() ?? ''}`;
-  }
-
-  isAction() {
-    return this.entry.entries?.length === 1 && isWritable(this.entry);
   }
 
   limitsText() {
@@ -98,17 +75,17 @@ export class Row {
     const reading = access === 'read' ? 'read only' : '';
     if (entries) {
       const now = entries.find((entry) => entry.value === value);
-      return [now && !this.isAction() ? `${now.name} = ${now.value}` : '', reading].filter(Boolean).join(', ');
+      return [now && !isAction(this.entry) ? `${now.name} = ${now.value}` : '', reading].filter(Boolean).join(', ');
     }
     return reading || limitText(limits);
   }
 
-  /** Shows the limits, or after the editor was left that its draft is not sent. */
+  /** Shows the limits, or that the draft is not sent if the field has lost the focus. */
   mark() {
     const { entry } = this;
-    const isUnsent = this.draft !== null && !this.sent;
-    const isLeft = isUnsent && document.activeElement !== this.editor && this.editor.tagName === 'INPUT';
-    this.node.classList.toggle('unsent', isUnsent);
+    const isWaiting = this.draft !== null && !this.sent;
+    const isLeft = isWaiting && document.activeElement !== this.editor && this.editor.tagName === 'INPUT';
+    this.node.classList.toggle('unsent', isWaiting);
     setText(this.limits, isLeft ? 'not sent: Enter sends it' : this.limitsText());
     const { minimum, maximum } = entry.limits ?? {};
     // A limit may have moved past a value that stays as it is.
@@ -116,101 +93,43 @@ export class Row {
     this.limits.classList.toggle('warning', isLeft || isPassed);
   }
 
-  makeEditor() {
+  renewEditor() {
     const { entry } = this;
+    this.kind = editorKind(entry);
     const name = `${entry.label || entry.name}${entry.unit ? `, ${entry.unit}` : ''}`;
-    const common = { 'aria-label': name, 'aria-describedby': `${this.id}-limits`, id: this.id };
-    const unit = entry.unit ? [el('span', { class: 'unit', text: entry.unit })] : [];
-    if (entry.type === 'array') {
-      this.editor = el('output', { ...common, class: 'number' });
-      return [this.editor];
-    }
-    if (!isWritable(entry) || !maySet()) {
-      this.editor = el('output', { ...common, class: entry.entries ? '' : 'number', 'data-locked': isWritable(entry) });
-      return [this.editor, ...unit];
-    }
-    if (this.isAction()) {
-      this.editor = el('button', {
-        ...common,
-        type: 'button',
-        text: entry.entries[0].label || 'Apply',
-        on: { click: () => this.send({ value: entry.entries[0].value, text: '' }) },
-      });
-      return [this.editor];
-    }
-    if (entry.entries) {
-      const options = entry.entries.map(({ value, label, name: symbol }) =>
-        el('option', { value: String(value), text: label || symbol, title: symbol }),
-      );
-      this.editor = el('select', { ...common, on: { change: () => this.choose() } }, ...options);
-      return [this.editor];
-    }
-    const isNumber = entry.type !== 'text';
-    this.editor = el('input', {
-      ...common,
-      type: 'text',
-      spellcheck: 'false',
-      autocomplete: 'off',
-      class: isNumber ? 'number' : '',
-      inputmode: isNumber ? 'decimal' : 'text',
-      on: {
+    const attributes = { 'aria-label': name, 'aria-describedby': `${this.id}-limits`, id: this.id };
+    const nodes = makeEditor(entry, attributes, {
+      onApply: (value) => this.send({ value, text: '' }),
+      onChoose: () => this.choose(),
+      field: {
         input: () => this.edit(this.editor.value),
         focus: () => this.mark(),
         blur: () => this.mark(),
-        keydown: (event) => this.key(event, isNumber),
+        keydown: (event) => this.key(event),
       },
     });
-    return [this.editor, ...unit];
+    [this.editor] = nodes;
+    this.value.replaceChildren(...nodes);
   }
 
-  fillEditor(isChanged) {
-    const { editor, entry } = this;
-    if (this.draft === this.present() && !this.sent) this.draft = null;
-    if (editor.tagName === 'INPUT' || editor.tagName === 'SELECT') {
-      const text = this.draft ?? this.present();
-      if (editor.value !== text) editor.value = text;
-    } else if (editor.tagName === 'OUTPUT') {
-      const now = entry.entries?.find(({ value }) => value === entry.value);
-      setText(
-        editor,
-        now
-          ? now.label || now.name
-          : entry.type === 'array'
-            ? entry.shown || `${entry.elements} elements`
-            : editText(entry),
-      );
-    }
-    if (!isChanged || editor.tagName === 'BUTTON') return;
+  /** Shows the draft, or the value of the station if there is none. */
+  fillEditor() {
+    const present = presentText(this.entry);
+    if (this.draft === present && !this.sent) this.draft = null;
+    fillEditor(this.editor, this.entry, this.draft ?? present);
+  }
+
+  /** Draws the eye to a value that has changed. */
+  flash() {
+    if (this.editor.tagName === 'BUTTON') return;
     this.node.classList.remove('flash');
     void this.node.offsetWidth; // starts the animation again
     this.node.classList.add('flash');
   }
 
-  /** The value of the station as the editor shows it. */
-  present() {
-    return this.entry.entries ? String(this.entry.value) : editText(this.entry);
-  }
-
-  /** The value that the editor shows. */
-  typed() {
-    const { type, entries } = this.entry;
-    if (entries) return entries.find(({ value }) => String(value) === this.editor.value).value;
-    if (type === 'text') return this.editor.value;
-    const text = this.editor.value.trim();
-    // A comma may be a decimal one; "1,024" may also be a thousand, so the station gets the text, and refuses it.
-    const number = /^[-+]?[1-9]\d{0,2},\d{3}$/.test(text) ? NaN : Number(text.replace(',', '.'));
-    return text === '' ||
-      !/^[-+.,\d]/.test(text) ||
-      /^0x/i.test(text) ||
-      !Number.isFinite(number) ||
-      (Number.isInteger(number) && !Number.isSafeInteger(number))
-      ? text
-      : number;
-  }
-
   /** Takes what was typed as draft. */
   edit(text) {
-    this.draft = text === this.present() && !this.sent ? null : text;
+    this.draft = text === presentText(this.entry) && !this.sent ? null : text;
     this.mark();
   }
 
@@ -224,19 +143,24 @@ export class Row {
     this.draft = null;
     this.next = null;
     if (this.isUnsentShown) this.trouble.replaceChildren();
-    this.editor.value = this.present();
+    this.editor.value = presentText(this.entry);
     this.mark();
   }
 
-  key(event, isNumber) {
+  key(event) {
     if (event.key === 'Enter') this.submit();
     if (event.key === 'Escape' && this.draft !== null) {
       this.drop();
       event.stopPropagation();
     }
     const direction = { ArrowUp: 1, ArrowDown: -1 }[event.key];
+    if (direction && this.entry.type !== 'text') this.step(event, direction);
+  }
+
+  /** Takes the number in the field some steps up or down. */
+  step(event, direction) {
     const number = Number(this.editor.value);
-    if (!direction || !isNumber || !Number.isFinite(number)) return;
+    if (!Number.isFinite(number)) return;
     event.preventDefault();
     const step = (this.entry.limits?.step || 1) * (event.shiftKey ? 10 : 1);
     this.editor.value = String(Number((number + direction * step).toPrecision(12)));
@@ -246,7 +170,7 @@ export class Row {
   /** Sends the draft, after the answer to the value on its way. */
   async submit() {
     if (this.draft === null) return;
-    const draft = { value: this.typed(), text: this.draft };
+    const draft = { value: valueOf(this.entry, this.editor.value), text: this.draft };
     this.next = draft.text === this.sent?.text ? null : draft;
     if (this.sent) return;
     while (this.next) await this.send(this.next);
@@ -273,24 +197,22 @@ export class Row {
     if (error) this.refuse(error, setting.value, () => (setting.text ? this.submit() : this.send(setting)));
   }
 
+  /** Shows why a value is not set. again(): sends it once more. */
   refuse(error, value, again) {
+    this.isUnsentShown = isUnsent(error);
+    const { name } = this.entry;
     const close = () => {
       this.trouble.replaceChildren();
       this.editor.focus?.();
     };
-    const setting = { name: this.entry.name, value };
-    this.isUnsentShown = isUnsent(error);
-    const repeat = () => {
-      close();
-      again();
-    };
-    if (this.isUnsentShown)
-      return this.trouble.replaceChildren(
-        unsentBox(error, { what: `${setting.name}=${value}`, again: repeat, onClose: close }),
-      );
-    return this.trouble.replaceChildren(
-      errorBox(error, {
-        setting,
+    this.trouble.replaceChildren(
+      failureBox(error, {
+        what: `${name}=${value}`,
+        again: () => {
+          close();
+          again();
+        },
+        setting: { name, value },
         onDone: (answer) => {
           takeChanges(answer?.changes);
           this.editor.focus?.();
@@ -301,6 +223,7 @@ export class Row {
     );
   }
 
+  /** Opens or closes what is said about the parameter. */
   toggle() {
     this.more.hidden = !this.more.hidden;
     this.title.setAttribute('aria-expanded', String(!this.more.hidden));
@@ -317,30 +240,30 @@ export class Row {
 
   fillMore() {
     const entry = { ...this.details, ...this.entry };
-    const setBy = setByText(this.details?.setBy ?? this.details?.limits?.setBy ?? this.details?.limit?.setBy);
-    const facts = [
-      ['Accepted now', isWritable(entry) ? limitText(entry.limits) : ''],
-      ['Set by', setBy],
-      ['Default', entry.default === null || entry.default === undefined ? '' : this.named(entry.default)],
-      ['Group', entry.path?.join(' / ')],
-    ].filter(([, text]) => text);
-    const canReset =
-      isWritable(entry) && maySet() && entry.isChanged && entry.default !== null && entry.default !== undefined;
+    const remarks = [entry.readEffect && `Not read here, as reading it ${entry.readEffect}.`, entry.readError];
+    const canReset = isWritable(entry) && maySet() && entry.isChanged && isGiven(entry.default);
     this.more.replaceChildren(
       el('p', { text: entry.description || 'There is no description.' }),
-      ...[entry.readEffect && `Not read here, as reading it ${entry.readEffect}.`, entry.readError]
-        .filter(Boolean)
-        .map((text) => el('p', { class: 'muted', text })),
-      el('dl', {}, ...facts.flatMap(([term, text]) => [el('dt', { text: term }), el('dd', { text })])),
-      ...(canReset
-        ? [el('button', { type: 'button', text: 'Set to default', on: { click: () => this.setDefault() } })]
-        : []),
+      ...remarks.filter(Boolean).map((text) => el('p', { class: 'muted', text })),
+      el('dl', {}, ...this.facts(entry).flatMap(([term, text]) => [el('dt', { text: term }), el('dd', { text })])),
+      ...(canReset ? [button('Set to default', () => this.setDefault())] : []),
     );
+  }
+
+  /** What is known of the parameter: terms with their texts. */
+  facts(entry) {
+    const { details } = this;
+    return [
+      ['Accepted now', isWritable(entry) ? limitText(entry.limits) : ''],
+      ['Set by', setByText(details?.setBy ?? details?.limits?.setBy ?? details?.limit?.setBy)],
+      ['Default', isGiven(entry.default) ? this.named(entry.default) : ''],
+      ['Group', entry.path?.join(' / ')],
+    ].filter(([, text]) => text);
   }
 
   named(value) {
     const entry = this.entry.entries?.find((candidate) => candidate.value === value);
-    return entry ? `${entry.label || entry.name}` : `${value}${this.entry.unit ? ` ${this.entry.unit}` : ''}`;
+    return entry ? entry.label || entry.name : `${value}${this.entry.unit ? ` ${this.entry.unit}` : ''}`;
   }
 
   setDefault() {

@@ -1,10 +1,12 @@
 // Signals, images and events on one axis of time.
 
 import { ApiError, getJson } from '../base/api.js';
-import { byId, colour, duration, el, onResize, press, setText, sizeCanvas } from '../base/dom.js';
+import { button, byId, colour, el, onResize, press, setText, sizeCanvas } from '../base/dom.js';
+import { duration } from '../base/numbers.js';
 import { latest, oncePerFrame } from '../base/pace.js';
 import { explainPanel } from '../base/reason.js';
 import { get, on } from '../base/state.js';
+import { onWheel } from '../base/wheel.js';
 import { LANE, makeLanes, paintLane, partOf } from '../draw/lanes.js';
 import { ticks } from '../draw/plots.js';
 
@@ -16,7 +18,8 @@ const WINDOWS = [
 ];
 const AXIS = 20;
 const SHORTEST = 100; // ticks
-const PAUSE = 250;
+const PAUSE = 250; // milliseconds
+const NUDGE = 3; // CSS pixels that a click may move
 const LAG = 0.3; // seconds of the machine: events and images come to the server's list that much later
 const EDGES = 2000; // of a signal; the server leaves out older ones
 const MOST_EDGES = 32768;
@@ -41,25 +44,24 @@ class Timeline {
     this.mark = null; // tick
     this.seen = new Set(ALWAYS);
     this.seenEvents = new Set();
-    this.pointer = null;
+    this.pointer = null; // tick
+    this.drag = null; // {x, isMoved} while the pointer is down
+    this.makeControls();
+    this.draw = oncePerFrame(() => this.paint());
+    this.read = latest((signal) => this.load(signal), { pause: PAUSE });
+    this.readNow = latest((signal) => this.load(signal), { abort: true });
+    this.follow();
+    this.listen();
+  }
+
+  makeControls() {
     this.canvas = el('canvas', { id: 'timeline-canvas', tabindex: 0, role: 'img', 'aria-label': 'Timeline' });
     this.names = el('ul', { class: 'lanes', id: 'timeline-lanes' });
     this.note = el('span', { class: 'muted', id: 'timeline-note' });
     this.spans = WINDOWS.map(([text, seconds]) =>
-      el('button', {
-        type: 'button',
-        text,
-        'aria-pressed': String(seconds === this.span),
-        on: { click: () => this.setSpan(seconds) },
-      }),
+      button(text, () => this.setSpan(seconds), { 'aria-pressed': String(seconds === this.span) }),
     );
-    this.hold = el('button', {
-      type: 'button',
-      text: 'Hold',
-      'aria-pressed': 'false',
-      id: 'timeline-hold',
-      on: { click: () => this.setHeld(!this.isHeld) },
-    });
+    this.hold = button('Hold', () => this.setHeld(!this.isHeld), { 'aria-pressed': 'false', id: 'timeline-hold' });
     this.node = el(
       'div',
       { class: 'timeline' },
@@ -72,13 +74,22 @@ class Timeline {
       ),
       el('div', { class: 'chart' }, this.names, this.canvas),
     );
-    this.draw = oncePerFrame(() => this.paint());
-    this.read = latest((signal) => this.load(signal), { pause: PAUSE });
-    this.readNow = latest((signal) => this.load(signal), { abort: true });
+  }
+
+  /** Reads whenever the panel is shown, and with the station unless it is on hold. */
+  follow() {
     byId('panel-timeline').addEventListener('shown', () => this.read());
     on('activity', () => !this.isHeld && this.read());
     onResize(this.canvas, this.draw);
-    this.listen();
+  }
+
+  listen() {
+    this.canvas.addEventListener('pointerdown', (event) => this.begin(event));
+    this.canvas.addEventListener('pointermove', (event) => this.move(event));
+    this.canvas.addEventListener('pointerup', (event) => this.release(event));
+    this.canvas.addEventListener('pointerleave', () => this.leave());
+    this.canvas.addEventListener('keydown', (event) => this.key(event));
+    onWheel(this.canvas, (factor, event) => this.zoom(factor, event.offsetX));
   }
 
   setSpan(seconds) {
@@ -88,7 +99,7 @@ class Timeline {
       const half = (seconds * 1e9) / this.answer.tickNs / 2;
       this.range = [Math.max(0, middle - half), middle + half];
     }
-    this.spans.forEach((button, i) => press(button, WINDOWS[i][1] === seconds));
+    this.spans.forEach((choice, i) => press(choice, WINDOWS[i][1] === seconds));
     this.readNow();
   }
 
@@ -103,7 +114,7 @@ class Timeline {
     this.readNow();
   }
 
-  /** Reads the held window with all edges that the station still has, for a look into it. */
+  /** Reads the held window with all edges that the station still has, so that zooming in shows them. */
   async keepMore() {
     const { kept } = this;
     const count = ({ signals }) => signals.reduce((sum, { edges }) => sum + edges.length, 0);
@@ -112,26 +123,25 @@ class Timeline {
   }
 
   async load(signal) {
-    if (byId('panel-timeline').hidden || document.hidden) return undefined;
-    const now = get('activity')?.tick;
-    if (now === undefined) return undefined;
+    if (byId('panel-timeline').hidden || document.hidden || !get('activity')) return undefined;
     const { range, kept } = this;
     if (range && kept && range[0] >= kept.from && range[1] <= kept.to) return this.show(partOf(kept, ...range));
-    const { tickNs = 8, clock } = get('station') ?? {};
-    const end = now - (LAG * (clock?.factor ?? 1) * 1e9) / tickNs;
-    const [from, to] = range ?? [end - (this.span * 1e9) / tickNs, end];
+    const [from, to] = (range ?? this.newestRange()).map((tick) => Math.max(0, Math.round(tick)));
     try {
-      const answer = await getJson(
-        '/api/timeline',
-        { from: Math.max(0, Math.round(from)), to: Math.max(0, Math.round(to)), most: EDGES },
-        signal,
-      );
+      const answer = await getJson('/api/timeline', { from, to, most: EDGES }, signal);
       if (range === this.range) this.show(answer); // else the window has moved meanwhile
     } catch (error) {
       if (!(error instanceof ApiError)) throw error;
       setText(this.note, error.message);
     }
     return undefined;
+  }
+
+  /** The window that ends with what the station has listed already. */
+  newestRange() {
+    const { tickNs = 8, clock } = get('station') ?? {};
+    const end = get('activity').tick - (LAG * (clock?.factor ?? 1) * 1e9) / tickNs;
+    return [end - (this.span * 1e9) / tickNs, end];
   }
 
   show(answer) {
@@ -228,57 +238,53 @@ class Timeline {
     context.fillRect(Math.round(this.x(tick)), 0, 1, height - AXIS);
   }
 
-  listen() {
-    let drag = null;
-    this.canvas.addEventListener('pointerdown', (event) => {
-      if (!this.answer) return;
-      this.canvas.setPointerCapture(event.pointerId);
-      drag = { x: event.offsetX, isMoved: false };
-    });
-    this.canvas.addEventListener('pointermove', (event) => {
-      if (!this.answer) return;
-      if (drag && Math.abs(event.offsetX - drag.x) > 3) {
-        drag.isMoved = true;
-        this.shift(this.tickAt(drag.x) - this.tickAt(event.offsetX));
-        drag.x = event.offsetX;
-      }
-      this.pointer = this.isHeld ? this.tickAt(event.offsetX) : null;
-      this.caption();
-      this.draw();
-    });
-    this.canvas.addEventListener('pointerup', (event) => {
-      if (drag && !drag.isMoved) {
-        if (!this.isHeld) this.setHeld(true);
-        this.mark = this.tickAt(event.offsetX);
-      }
-      drag = null;
-      this.draw();
-    });
-    this.canvas.addEventListener('pointerleave', () => {
-      this.pointer = null;
-      this.draw();
-    });
-    this.canvas.addEventListener(
-      'wheel',
-      (event) => {
-        event.preventDefault();
-        this.zoom(Math.exp(Math.max(-60, Math.min(60, event.deltaY)) / 150), event.offsetX);
-      },
-      { passive: false },
-    );
-    this.canvas.addEventListener('keydown', (event) => {
-      const span = this.answer ? this.answer.to - this.answer.from : 0;
-      const action = {
-        ArrowLeft: () => this.shift(-span / 8),
-        ArrowRight: () => this.shift(span / 8),
-        '+': () => this.zoom(0.5, this.width / 2),
-        '-': () => this.zoom(2, this.width / 2),
-      }[event.key];
-      if (!action || !span) return;
-      event.preventDefault();
-      event.stopPropagation();
-      action();
-    });
+  begin(event) {
+    if (!this.answer) return;
+    this.canvas.setPointerCapture(event.pointerId);
+    this.drag = { x: event.offsetX, isMoved: false };
+  }
+
+  move(event) {
+    if (!this.answer) return;
+    if (this.drag && Math.abs(event.offsetX - this.drag.x) > NUDGE) this.dragTo(event.offsetX);
+    this.pointer = this.isHeld ? this.tickAt(event.offsetX) : null;
+    this.caption();
+    this.draw();
+  }
+
+  dragTo(x) {
+    this.drag.isMoved = true;
+    this.shift(this.tickAt(this.drag.x) - this.tickAt(x));
+    this.drag.x = x;
+  }
+
+  /** A click, which is no drag, holds the timeline and marks a time. */
+  release(event) {
+    if (this.drag && !this.drag.isMoved) {
+      if (!this.isHeld) this.setHeld(true);
+      this.mark = this.tickAt(event.offsetX);
+    }
+    this.drag = null;
+    this.draw();
+  }
+
+  leave() {
+    this.pointer = null;
+    this.draw();
+  }
+
+  key(event) {
+    const span = this.answer ? this.answer.to - this.answer.from : 0;
+    const action = {
+      ArrowLeft: () => this.shift(-span / 8),
+      ArrowRight: () => this.shift(span / 8),
+      '+': () => this.zoom(0.5, this.width / 2),
+      '-': () => this.zoom(2, this.width / 2),
+    }[event.key];
+    if (!action || !span) return;
+    event.preventDefault();
+    event.stopPropagation();
+    action();
   }
 
   shift(count) {

@@ -81,30 +81,17 @@ function groupOf(path, tree) {
   return group;
 }
 
+/** Shows the rows that are searched for, and the groups that have some. */
 function filter() {
   const words = byId('search').value.toLowerCase().split(/\s+/).filter(Boolean);
   const changedOnly = byId('changed-only').checked;
   const isNow = words.length > 0 || changedOnly;
-  let shown = 0;
-  for (const row of rows.values()) {
-    const isShown = row.matches(words) && (!changedOnly || row.entry.isChanged);
-    row.node.hidden = !isShown;
-    shown += isShown;
-  }
-  for (const group of [...groups].reverse()) {
-    const inside = groups
-      .filter((other) => other === group || other.path.startsWith(`${group.path} / `))
-      .flatMap((other) => other.rows);
-    const found = inside.filter((row) => !row.node.hidden);
-    const changed = found.filter((row) => row.entry.isChanged).length;
-    group.node.hidden = found.length === 0;
-    setText(group.count, changed ? `${found.length}, ${changed} changed` : String(found.length));
-    if (isNow) group.node.open = true;
-    else if (isFiltering) group.node.open = group.parent !== null || openGroups.has(group.path);
-  }
+  for (const row of rows.values()) row.node.hidden = !row.matches(words) || (changedOnly && !row.entry.isChanged);
+  for (const group of [...groups].reverse()) showGroup(group, isNow);
+  const shown = [...rows.values()].filter(({ node }) => !node.hidden).length;
   setText(byId('parameter-count'), isNow ? `${shown} of ${rows.size}` : String(rows.size || ''));
   byId('tree').classList.toggle('empty', rows.size > 0 && shown === 0);
-  // The groups tell that they were opened only later.
+  // The groups send their toggle events later.
   if (isNow) isFiltering = true;
   else
     requestAnimationFrame(() =>
@@ -112,6 +99,19 @@ function filter() {
         isFiltering = false;
       }),
     );
+}
+
+/** Shows a group with its numbers of rows; isNow: rows are searched for. */
+function showGroup(group, isNow) {
+  const inside = groups
+    .filter((other) => other === group || other.path.startsWith(`${group.path} / `))
+    .flatMap((other) => other.rows);
+  const found = inside.filter((row) => !row.node.hidden);
+  const changed = found.filter((row) => row.entry.isChanged).length;
+  group.node.hidden = found.length === 0;
+  setText(group.count, changed ? `${found.length}, ${changed} changed` : String(found.length));
+  if (isNow) group.node.open = true;
+  else if (isFiltering) group.node.open = group.parent !== null || openGroups.has(group.path);
 }
 
 /** Reads the values that only the station changes, of the rows that can be seen. */
