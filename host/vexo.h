@@ -312,8 +312,8 @@ void vexo_answer_free(vexo_answer* answer);
  * @param with   "NAME=VALUE" texts, separated by blanks, which are assumed to be set before; null: none. They are
  *               quoted as in a shell: "FG_FORMAT='Color 48bit' FG_WIDTH=512". If one of them is refused, that is
  *               the result, with the same words and details as of a set
- * @param range  receives the accepted range of a number; null: not wanted. Of anything else VEXO_ERR_KIND, with
- *               the answer given all the same
+ * @param range  receives the accepted range of a number; null: not wanted. For any other kind of parameter the
+ *               result is VEXO_ERR_KIND, and the answer is given nevertheless
  */
 int vexo_ask_limits(vexo_station* station, const char* name, const char* with, vexo_range* range,
                     vexo_answer** answer);
