@@ -4,7 +4,7 @@
 
 #include "applet_tools/applet/ParameterReader.h"
 #include "applet_tools/applet/assignments.h"
-#include "appletctl/base/output.h"
+#include "appletctl/base/Report.h"
 #include "appletctl/commands/Context.h"
 
 #include <string>
