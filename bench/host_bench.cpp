@@ -31,10 +31,10 @@ void get_exported(benchmark::State& state) {
 }
 
 void get_vexo(benchmark::State& state) {
-    vexo_station* const its = station().handle();
+    vexo_station* const handle = station().handle();
     std::int64_t value = 0;
     for (auto _ : state)
-        benchmark::DoNotOptimize(vexo_get_int(its, FG_WIDTH, &value));
+        benchmark::DoNotOptimize(vexo_get_int(handle, FG_WIDTH, &value));
 }
 
 void set_exported(benchmark::State& state) {
@@ -45,10 +45,10 @@ void set_exported(benchmark::State& state) {
 }
 
 void set_vexo(benchmark::State& state) {
-    vexo_station* const its = station().handle();
+    vexo_station* const handle = station().handle();
     std::int64_t value = 1024;
     for (auto _ : state)
-        benchmark::DoNotOptimize(vexo_set_int(its, FG_WIDTH, value ^= 1024 ^ 2048));
+        benchmark::DoNotOptimize(vexo_set_int(handle, FG_WIDTH, value ^= 1024 ^ 2048));
 }
 
 /** For the pictures of both: the pages of two blocks may differ in speed. */
@@ -73,15 +73,15 @@ void render_board(benchmark::State& state) {
 }
 
 void render_vexo(benchmark::State& state) {
-    vexo_station* const its = station().handle();
+    vexo_station* const handle = station().handle();
     station().set("FG_CAMERASIMULATOR_ENABLE", FG_CAMERASIMULATOR);
     vexo_picture picture{};
-    vexo_start(its, 1, VEXO_KEEP);
-    vexo_wait_picture(its, 1, 1, -1, &picture);
+    vexo_start(handle, 1, VEXO_KEEP);
+    vexo_wait_picture(handle, 1, 1, -1, &picture);
     std::vector<std::uint8_t>& bytes = pictureBytes();
     for (auto _ : state)
-        benchmark::DoNotOptimize(vexo_render(its, 1, bytes.data(), bytes.size()));
-    vexo_stop(its);
+        benchmark::DoNotOptimize(vexo_render(handle, 1, bytes.data(), bytes.size()));
+    vexo_stop(handle);
 }
 
 BENCHMARK(get_exported);

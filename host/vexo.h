@@ -221,7 +221,7 @@ typedef struct vexo_range {
 } vexo_range;
 
 /** The range that the applet publishes now; it moves with other parameters. What setters accept may be less:
- *  see vexo_ask_limits. Takes no time worth counting. VEXO_ERR_KIND: no number. */
+ *  see vexo_ask_limits. Takes negligible time. VEXO_ERR_KIND: no number. */
 int vexo_get_range(vexo_station* station, int id, vexo_range* range);
 
 /** The present access bits into `access`. */
@@ -234,7 +234,7 @@ int vexo_get_access(vexo_station* station, int id, uint32_t* access);
  */
 int vexo_get_int(vexo_station* station, int id, int64_t* value);
 int vexo_get_uint(vexo_station* station, int id, uint64_t* value);
-/** A number that is not whole has no other read; whole ones may be read as double too. */
+/** The only read for a number with a fraction; whole numbers can be read as double too. */
 int vexo_get_double(vexo_station* station, int id, double* value);
 
 /**
@@ -246,7 +246,7 @@ int vexo_get_double(vexo_station* station, int id, double* value);
 int vexo_get_text(vexo_station* station, int id, char* buffer, size_t* size);
 
 /** Reads `count` elements of a field from element `first` on into the caller's `values`. VEXO_ERR_ARGUMENT:
- *  none, or beyond the field. */
+ *  `count` is 0, or the elements are not all in the field. */
 int vexo_get_field(vexo_station* station, int id, uint32_t first, uint32_t count, uint32_t* values);
 
 /*
@@ -256,7 +256,7 @@ int vexo_get_field(vexo_station* station, int id, uint32_t first, uint32_t count
  */
 int vexo_set_int(vexo_station* station, int id, int64_t value);
 int vexo_set_uint(vexo_station* station, int id, uint64_t value);
-/** A parameter with a whole number takes a double without a fraction only. */
+/** For a parameter with whole numbers, the double must have no fraction. */
 int vexo_set_double(vexo_station* station, int id, double value);
 /** Sets a parameter of any kind: a text as it is, an enumeration by symbol, label or number, a number in
  *  decimal or as 0x...; all elements of a field to one number. VEXO_ERR_VALUE: it is none of these. */
@@ -312,8 +312,8 @@ void vexo_answer_free(vexo_answer* answer);
  * @param with   "NAME=VALUE" texts, separated by blanks, which are assumed to be set before; null: none. They are
  *               quoted as in a shell: "FG_FORMAT='Color 48bit' FG_WIDTH=512". If one of them is refused, that is
  *               the result, with the same words and details as of a set
- * @param range  receives the accepted range of a number; null: not wanted. Of anything else VEXO_ERR_KIND, with
- *               the answer given all the same
+ * @param range  receives the accepted range of a number; null: not wanted. For any other kind of parameter the
+ *               result is VEXO_ERR_KIND, and the answer is given nevertheless
  */
 int vexo_ask_limits(vexo_station* station, const char* name, const char* with, vexo_range* range,
                     vexo_answer** answer);
@@ -427,8 +427,8 @@ typedef struct vexo_picture {
 /**
  * Waits for a picture. Stepped time advances to its arrival at most; otherwise the thread sleeps.
  * @param number   the picture; 0: the one after the highest that this function gave, or, if that was overwritten or
- *                 released, the next that is in the memory. Threads that wait so get different pictures, and a wait
- *                 that fails takes none
+ *                 released, the next that is in the memory. Threads that wait with 0 get different pictures, and
+ *                 a wait that fails takes none
  * @param seconds  time-out in the station's time
  * @param wall     time-out in seconds of the wall clock; negative: none
  * @param picture  receives its description; no bytes are made yet

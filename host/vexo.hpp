@@ -127,9 +127,9 @@ public:
     int id() const noexcept { return m_id; }
 
     vexo_parameter describe() const {
-        vexo_parameter its{};
-        check(vexo_describe(m_station, m_id, &its));
-        return its;
+        vexo_parameter description{};
+        check(vexo_describe(m_station, m_id, &description));
+        return description;
     }
     std::string name() const { return describe().name; }
 
@@ -191,8 +191,8 @@ public:
         const vexo_parameter source = other.describe();
         switch (source.kind) {
         case VEXO_FIELD:
-            if (const std::uint32_t its = describe().elements; its != 0 && its != source.elements)
-                throw std::length_error(name() + " has " + std::to_string(its) + " elements, and " +
+            if (const std::uint32_t length = describe().elements; length != 0 && length != source.elements)
+                throw std::length_error(name() + " has " + std::to_string(length) + " elements, and " +
                                         source.name + " has " + std::to_string(source.elements));
             setElements(0, other.elements(0, source.elements));
             break;
@@ -213,17 +213,17 @@ public:
 
     /** The range that is published now. */
     vexo_range range() const {
-        vexo_range its{};
-        check(vexo_get_range(m_station, m_id, &its));
-        return its;
+        vexo_range published{};
+        check(vexo_get_range(m_station, m_id, &published));
+        return published;
     }
     /** What setters accept now, and what sets the limits; `with`: assignments that are assumed to be set
      *  before. */
     Answer limits(const std::string& with = "") const {
         vexo_range range{};
-        const std::string its = name();
+        const std::string parameter = name();
         auto [answer, code] = detail::answerOf([&](vexo_answer** out) {
-            return vexo_ask_limits(m_station, its.c_str(), detail::orNull(with), &range, out);
+            return vexo_ask_limits(m_station, parameter.c_str(), detail::orNull(with), &range, out);
         });
         if (code == VEXO_OK) answer.range = range; // else it is no number
         return answer;
@@ -326,12 +326,12 @@ public:
 
     /** Waits for the next picture and makes it. */
     Picture next() {
-        vexo_picture its{};
-        check(vexo_wait_picture(m_station, 0, m_timeout.seconds, m_timeout.wall, &its));
-        std::vector<std::uint8_t> bytes(its.size);
-        check(vexo_render(m_station, its.number, bytes.data(), bytes.size()));
-        if (m_memory == VEXO_KEEP) check(vexo_release(m_station, its.number));
-        return {its, std::move(bytes)};
+        vexo_picture record{};
+        check(vexo_wait_picture(m_station, 0, m_timeout.seconds, m_timeout.wall, &record));
+        std::vector<std::uint8_t> bytes(record.size);
+        check(vexo_render(m_station, record.number, bytes.data(), bytes.size()));
+        if (m_memory == VEXO_KEEP) check(vexo_release(m_station, record.number));
+        return {record, std::move(bytes)};
     }
 
     Iterator begin();
@@ -434,10 +434,10 @@ public:
     /** All parameters in the order of the tree. */
     std::vector<Parameter> parameters() const {
         std::vector<Parameter> all;
-        vexo_parameter its{};
+        vexo_parameter description{};
         for (std::uint32_t i = 0; i < vexo_count(handle()); ++i) {
-            check(vexo_parameter_at(handle(), i, &its));
-            all.push_back(Parameter(handle(), its.id));
+            check(vexo_parameter_at(handle(), i, &description));
+            all.push_back(Parameter(handle(), description.id));
         }
         return all;
     }

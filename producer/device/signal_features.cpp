@@ -44,12 +44,12 @@ void StandardFeatures::addTriggers() {
     mode.entries = {{"Off", 0}, {"On", 1}};
     // Every mode but the free one waits for an edge.
     const std::int64_t& selection = m_device.state.selected.at(which);
-    mode.get = [its = mode.get, &selection] {
-        return std::int64_t{integerOf(its()) != (selection == 0 ? FREE_RUN : GRABBER_CONTROLLED)};
+    mode.get = [get = mode.get, &selection] {
+        return std::int64_t{integerOf(get()) != (selection == 0 ? FREE_RUN : GRABBER_CONTROLLED)};
     };
-    mode.set = [its = mode.set, &selection](const Value& value) {
+    mode.set = [set = mode.set, &selection](const Value& value) {
         const std::int64_t off = selection == 0 ? FREE_RUN : GRABBER_CONTROLLED;
-        its(integerOf(value) == 0 ? off : std::int64_t{ASYNC_TRIGGER});
+        set(integerOf(value) == 0 ? off : std::int64_t{ASYNC_TRIGGER});
     };
 
     Feature& source =
@@ -119,13 +119,13 @@ void StandardFeatures::addColours() {
     indexFeature.selected = {"LUTValue"};
     Feature& entry = add(tableControl, "LUTValue", Kind::integer, "An entry of the table.");
     entry.lockReason = table.lockReason;
-    entry.get = [its = table.get, &index] {
-        return std::int64_t{std::get<std::vector<std::uint32_t>>(its()).at(static_cast<std::size_t>(index))};
+    entry.get = [get = table.get, &index] {
+        return std::int64_t{std::get<std::vector<std::uint32_t>>(get()).at(static_cast<std::size_t>(index))};
     };
-    setWithin(entry, 0, UINT16_MAX, [table, &index](std::int64_t its) {
+    setWithin(entry, 0, UINT16_MAX, [table, &index](std::int64_t value) {
         Value entries = table.get();
         std::get<std::vector<std::uint32_t>>(entries).at(static_cast<std::size_t>(index)) =
-            static_cast<std::uint32_t>(its);
+            static_cast<std::uint32_t>(value);
         table.set(entries);
     });
 }

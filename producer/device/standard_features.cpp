@@ -23,6 +23,17 @@ enum AcquisitionMode : std::uint8_t { continuous, singleFrame, multiFrame };
 /** A test pattern: the simulator's, from this value on one that rolls; 0: the camera port. */
 constexpr std::int64_t rolling = 8;
 
+constexpr double micro = 1e6;
+
+/** The nearest period on the grid of its limits. A limit that was given as a rate may be missed by half a step; a
+ *  period further outside stays as it is. */
+double periodOnGrid(double wanted, const Limits& limits) {
+    const double grid = std::get<double>(limits.increment);
+    const double minimum = std::get<double>(limits.minimum), maximum = std::get<double>(limits.maximum);
+    const bool isNear = wanted > minimum - grid / 2 && wanted < maximum + grid / 2;
+    return isNear ? std::clamp(std::round(wanted / grid) * grid, minimum, maximum) : wanted;
+}
+
 } // namespace
 
 std::string acquisitionLock(const Device& device) {
@@ -69,9 +80,9 @@ const Feature* StandardFeatures::parameter(const std::string& name) const {
 
 Feature* StandardFeatures::alias(const char* category, const char* name, const char* of,
                                  const char* description) {
-    const Feature* its = parameter(of);
-    if (its == nullptr) return nullptr; // not in this design
-    Feature feature = *its;
+    const Feature* original = parameter(of);
+    if (original == nullptr) return nullptr; // not in this design
+    Feature feature = *original;
     feature.name = name;
     feature.category = category;
     feature.label = "";
@@ -105,13 +116,15 @@ std::int64_t StandardFeatures::selected(const char* selector) const {
 void StandardFeatures::follow(Feature& feature, const char* selector, const std::vector<const char*>& names) {
     std::vector<Feature> all;
     for (const char* name : names)
-        if (const Feature* its = parameter(name)) all.push_back(*its);
+        if (const Feature* one = parameter(name)) all.push_back(*one);
     const std::int64_t& state = m_device.state.selected.at(selector);
-    const auto its = [all, &state]() -> const Feature& { return all.at(static_cast<std::size_t>(state)); };
-    feature.get = [its] { return its().get(); };
-    feature.set = [its](const Value& value) { its().set(value); };
-    feature.lockReason = [its] { return its().lockReason(); };
-    if (!all.empty() && all.front().limits) feature.limits = [its] { return its().limits(); };
+    const auto followed = [all, &state]() -> const Feature& {
+        return all.at(static_cast<std::size_t>(state));
+    };
+    feature.get = [followed] { return followed().get(); };
+    feature.set = [followed](const Value& value) { followed().set(value); };
+    feature.lockReason = [followed] { return followed().lockReason(); };
+    if (!all.empty() && all.front().limits) feature.limits = [followed] { return followed().limits(); };
     if (!all.empty()) feature.elements = all.front().elements;
 }
 
@@ -149,8 +162,8 @@ void StandardFeatures::addSize() {
           "Pixels of the sensor's line that are left out before the first.");
     alias(imageFormat, "OffsetY", "FG_YOFFSET", "Lines that are left out before the first.");
     for (const auto& [name, of] : {std::pair{"WidthMax", "FG_WIDTH"}, std::pair{"HeightMax", "FG_HEIGHT"}})
-        if (const Feature* its = parameter(of))
-            add(imageFormat, name, Kind::integer, "The largest value now.").get = [limits = its->limits] {
+        if (const Feature* size = parameter(of))
+            add(imageFormat, name, Kind::integer, "The largest value now.").get = [limits = size->limits] {
                 return limits().maximum;
             };
 }
@@ -175,9 +188,9 @@ void StandardFeatures::addMirror(const char* name, std::int64_t bit) {
     if (vantage == nullptr) return; // not in this design
     Feature& mirror = add(imageFormat, name, Kind::boolean, "Mirrors the picture.");
     mirror.get = [get = vantage->get, bit] { return std::int64_t{(integerOf(get()) & bit) != 0}; };
-    mirror.set = [its = *vantage, bit](const Value& value) {
-        const std::int64_t now = integerOf(its.get());
-        its.set(integerOf(value) != 0 ? now | bit : now & ~bit);
+    mirror.set = [get = vantage->get, set = vantage->set, bit](const Value& value) {
+        const std::int64_t now = integerOf(get());
+        set(integerOf(value) != 0 ? now | bit : now & ~bit);
     };
     mirror.lockReason = vantage->lockReason;
 }
@@ -208,6 +221,13 @@ void StandardFeatures::addTestPattern() {
 }
 
 void StandardFeatures::addAcquisition() {
+    addAcquisitionMode();
+    addAcquisitionCommands();
+    alias(acquisitionControl, "ExposureTime", "FG_LINEEXPOSURE", "Exposure of a line.");
+    if (const Feature* period = parameter("FG_LINEPERIODE")) addLineRate(*period);
+}
+
+void StandardFeatures::addAcquisitionMode() {
     const Device device = m_device;
     Feature& mode =
         add(acquisitionControl, "AcquisitionMode", Kind::enumeration, "When an acquisition ends.");
@@ -220,42 +240,36 @@ void StandardFeatures::addAcquisition() {
         add(acquisitionControl, "AcquisitionFrameCount", Kind::integer, "Pictures in the mode MultiFrame.");
     count.get = [device] { return device.state.frameCount; };
     setWithin(count, 1, INT32_MAX, [device](std::int64_t pictures) { device.state.frameCount = pictures; });
+}
 
-    add(acquisitionControl, "AcquisitionStart", Kind::command, "Starts the DMA.").set =
-        [device](const Value&) {
-            const std::int64_t counts[] = {0, 1, device.state.frameCount};
-            device.acquisition.start(static_cast<std::uint64_t>(counts[device.state.acquisitionMode]));
-        };
-    m_features.back().get = [] { return std::int64_t{0}; }; // completes immediately
-    add(acquisitionControl, "AcquisitionStop", Kind::command, "Stops the DMA.").set = [device](const Value&) {
-        device.acquisition.stop();
+void StandardFeatures::addAcquisitionCommands() {
+    const Device device = m_device;
+    const auto completesAtOnce = [] { return std::int64_t{0}; };
+    Feature& start = add(acquisitionControl, "AcquisitionStart", Kind::command, "Starts the DMA.");
+    start.get = completesAtOnce;
+    start.set = [device](const Value&) {
+        const std::int64_t counts[] = {0, 1, device.state.frameCount};
+        device.acquisition.start(static_cast<std::uint64_t>(counts[device.state.acquisitionMode]));
     };
-    m_features.back().get = [] { return std::int64_t{0}; };
+    Feature& stop = add(acquisitionControl, "AcquisitionStop", Kind::command, "Stops the DMA.");
+    stop.get = completesAtOnce;
+    stop.set = [device](const Value&) { device.acquisition.stop(); };
+}
 
-    alias(acquisitionControl, "ExposureTime", "FG_LINEEXPOSURE", "Exposure of a line.");
-    if (const Feature* period = parameter("FG_LINEPERIODE")) {
-        constexpr double micro = 1e6;
-        Feature& rate = add(acquisitionControl, "AcquisitionLineRate", Kind::real,
-                            "Lines a second: 1000000 / FG_LINEPERIODE.");
-        rate.unit = "Hz";
-        rate.get = [its = period->get] { return micro / std::get<double>(its()); };
-        rate.limits = [its = period->limits] {
-            const Limits limits = its();
-            return Limits{micro / std::get<double>(limits.maximum), micro / std::get<double>(limits.minimum),
-                          0.0};
-        };
-        rate.set = [its = *period](const Value& value) {
-            const Limits limits = its.limits();
-            const double wanted = micro / std::get<double>(value);
-            const double grid = std::get<double>(limits.increment);
-            const double minimum = std::get<double>(limits.minimum),
-                         maximum = std::get<double>(limits.maximum);
-            // The limits of the rate, with a margin for rounding.
-            const bool isNear = wanted > minimum - grid / 2 && wanted < maximum + grid / 2;
-            its.set(isNear ? std::clamp(std::round(wanted / grid) * grid, minimum, maximum) : wanted);
-        };
-        rate.lockReason = period->lockReason;
-    }
+void StandardFeatures::addLineRate(const Feature& period) {
+    Feature& rate = add(acquisitionControl, "AcquisitionLineRate", Kind::real,
+                        "Lines a second: 1000000 / FG_LINEPERIODE.");
+    rate.unit = "Hz";
+    rate.get = [get = period.get] { return micro / std::get<double>(get()); };
+    rate.limits = [limitsOfPeriod = period.limits] {
+        const Limits limits = limitsOfPeriod();
+        return Limits{micro / std::get<double>(limits.maximum), micro / std::get<double>(limits.minimum),
+                      0.0};
+    };
+    rate.set = [limits = period.limits, set = period.set](const Value& value) {
+        set(periodOnGrid(micro / std::get<double>(value), limits()));
+    };
+    rate.lockReason = period.lockReason;
 }
 
 void StandardFeatures::addTransport() {

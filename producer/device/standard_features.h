@@ -76,6 +76,10 @@ private:
     /** A flag that is this bit of the vantage point. */
     void addMirror(const char* name, std::int64_t bit);
     void addTestPattern();
+    void addAcquisitionMode();
+    void addAcquisitionCommands();
+    /** The reciprocal of the line period. */
+    void addLineRate(const Feature& period);
     /** The parameter under another name. */
     Feature* alias(const char* category, const char* name, const char* parameter, const char* description);
     void text(const char* category, const char* name, std::string value, const char* description);

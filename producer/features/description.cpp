@@ -72,9 +72,9 @@ private:
         std::vector<std::string> order{"Root"};
         std::map<std::string, std::vector<std::string>> members;
         const auto enter = [&](const std::string& category, const std::string& member) {
-            auto& its = members[category];
-            if (its.empty() && category != "Root") order.push_back(category);
-            its.push_back(member);
+            auto& inCategory = members[category];
+            if (inCategory.empty() && category != "Root") order.push_back(category);
+            inCategory.push_back(member);
         };
         std::set<std::string> known;
         for (const Feature& feature : features) {

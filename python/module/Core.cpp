@@ -64,7 +64,7 @@ void advance(const Core& core, std::uint64_t ticks) {
     do {
         const std::uint64_t step = std::min(piece, ticks);
         const auto begin = std::chrono::steady_clock::now();
-        core.run([&](vexo_station* its) { return vexo_advance(its, step); });
+        core.run([&](vexo_station* handle) { return vexo_advance(handle, step); });
         const auto took = std::chrono::steady_clock::now() - begin;
         if (took < 20ms) piece *= 2;
         if (took > 100ms) piece = std::max<std::uint64_t>(1, piece / 2);
@@ -91,13 +91,13 @@ Core::Core(int board, std::uint32_t flags, const std::optional<std::string>& lib
 }
 
 void Core::readRows() {
-    vexo_station* its = m_station.get();
-    const std::uint32_t count = vexo_count(its);
+    vexo_station* handle = m_station.get();
+    const std::uint32_t count = vexo_count(handle);
     m_rows.reserve(count);
     const py::object makeEntry = function("vexo._values", "Entry");
     for (std::uint32_t i = 0; i < count; ++i) {
         vexo_parameter known{};
-        check(vexo_parameter_at(its, i, &known));
+        check(vexo_parameter_at(handle, i, &known));
         Row row{.id = known.id,
                 .kind = known.kind,
                 .elements = known.elements,
@@ -105,7 +105,7 @@ void Core::readRows() {
                 .entries = {}};
         for (std::uint32_t k = 0; k < known.entries; ++k) {
             vexo_entry entry{};
-            check(vexo_entry_at(its, row.id, k, &entry));
+            check(vexo_entry_at(handle, row.id, k, &entry));
             row.entries[py::int_(entry.value)] = makeEntry(entry.value, entry.symbol, entry.label);
         }
         m_indices[row.id] = m_rows.size();
@@ -136,7 +136,7 @@ const Row& Core::row(std::size_t index) const {
 std::size_t Core::find(const std::string& name) const {
     int id = 0;
     const char* const words = textFor(name);
-    run([&](vexo_station* its) { return id = vexo_id(its, words); });
+    run([&](vexo_station* handle) { return id = vexo_id(handle, words); });
     return m_indices.at(id);
 }
 
@@ -145,7 +145,7 @@ std::string Core::readText(const Row& row) const {
     for (;;) {
         std::size_t size = text.size();
         const int code =
-            resultOf([&](vexo_station* its) { return vexo_get_text(its, row.id, text.data(), &size); });
+            resultOf([&](vexo_station* handle) { return vexo_get_text(handle, row.id, text.data(), &size); });
         if (code != VEXO_ERR_SPACE) check(code);
         text.resize(code == VEXO_OK ? size - 1 : size);
         if (code == VEXO_OK) return text;
@@ -153,11 +153,11 @@ std::string Core::readText(const Row& row) const {
 }
 
 py::object Core::read(const Row& row) const {
-    vexo_station* its = station().get();
+    vexo_station* handle = station().get();
     switch (row.kind) {
     case VEXO_DOUBLE: {
         double value = 0;
-        check(vexo_get_double(its, row.id, &value));
+        check(vexo_get_double(handle, row.id, &value));
         return py::float_(value);
     }
     case VEXO_TEXT:
@@ -170,12 +170,12 @@ py::object Core::read(const Row& row) const {
     }
     case VEXO_UINT64: {
         std::uint64_t value = 0;
-        check(vexo_get_uint(its, row.id, &value));
+        check(vexo_get_uint(handle, row.id, &value));
         return py::int_(value);
     }
     default: {
         std::int64_t value = 0;
-        check(vexo_get_int(its, row.id, &value));
+        check(vexo_get_int(handle, row.id, &value));
         py::int_ number(value);
         if (row.kind != VEXO_ENUM) return number;
         PyObject* entry = PyDict_GetItemWithError(row.entries.ptr(), number.ptr());
@@ -189,12 +189,12 @@ void Core::write(const Row& row, const py::handle& value) const {
     if (PyUnicode_Check(given)) {
         const auto text = value.cast<std::string>();
         const char* const words = textFor(text);
-        run([&](vexo_station* its) { return vexo_set_text(its, row.id, words); });
+        run([&](vexo_station* handle) { return vexo_set_text(handle, row.id, words); });
         return;
     }
     if (PyFloat_Check(given)) {
         const double number = PyFloat_AS_DOUBLE(given);
-        run([&](vexo_station* its) { return vexo_set_double(its, row.id, number); });
+        run([&](vexo_station* handle) { return vexo_set_double(handle, row.id, number); });
         return;
     }
     if (PyIndex_Check(given) && !PyObject_HasAttrString(given, "__len__")) {
@@ -203,7 +203,7 @@ void Core::write(const Row& row, const py::handle& value) const {
         int overflow = 0;
         const long long number = PyLong_AsLongLongAndOverflow(whole.ptr(), &overflow);
         if (overflow != 0 || row.kind == VEXO_FIELD) return write(row, py::str(whole));
-        run([&](vexo_station* its) { return vexo_set_int(its, row.id, number); });
+        run([&](vexo_station* handle) { return vexo_set_int(handle, row.id, number); });
         return;
     }
     if (row.kind == VEXO_FIELD) {
@@ -221,16 +221,16 @@ void Core::write(const Row& row, const py::handle& value) const {
 
 void Core::readElements(const Row& row, std::uint32_t first, const py::buffer& values) const {
     const py::buffer_info info = numbersOf(values, true);
-    run([&](vexo_station* its) {
-        return vexo_get_field(its, row.id, first, static_cast<std::uint32_t>(info.size),
+    run([&](vexo_station* handle) {
+        return vexo_get_field(handle, row.id, first, static_cast<std::uint32_t>(info.size),
                               static_cast<std::uint32_t*>(info.ptr));
     });
 }
 
 void Core::writeElements(const Row& row, std::uint32_t first, const py::buffer& values) const {
     const py::buffer_info info = numbersOf(values, false);
-    run([&](vexo_station* its) {
-        return vexo_set_field(its, row.id, first, static_cast<std::uint32_t>(info.size),
+    run([&](vexo_station* handle) {
+        return vexo_set_field(handle, row.id, first, static_cast<std::uint32_t>(info.size),
                               static_cast<const std::uint32_t*>(info.ptr));
     });
 }

@@ -88,14 +88,14 @@ public:
     /** The text that a call gives. */
     template <typename Call> std::string textOf(const Call& call) const {
         char* text = nullptr;
-        run([&](vexo_station* its) { return call(its, &text); });
+        run([&](vexo_station* handle) { return call(handle, &text); });
         const std::unique_ptr<char, decltype(&vexo_free)> owner(text, vexo_free);
         return text;
     }
     /** The words and the JSON of the answer that a call gives. */
     template <typename Call> py::tuple answerOf(const Call& call) const {
         vexo_answer* answer = nullptr;
-        const int result = resultOf([&](vexo_station* its) { return call(its, &answer); });
+        const int result = resultOf([&](vexo_station* handle) { return call(handle, &answer); });
         const std::unique_ptr<vexo_answer, decltype(&vexo_answer_free)> owner(answer, vexo_answer_free);
         if (answer == nullptr) check(result);
         return py::make_tuple(vexo_answer_text(answer), vexo_answer_json(answer));
@@ -109,15 +109,15 @@ public:
         constexpr double slice = 0.1; // seconds
         const auto begin = std::chrono::steady_clock::now();
         std::uint64_t tick = 0;
-        run([&](vexo_station* its) { return vexo_now(its, &tick); });
+        run([&](vexo_station* handle) { return vexo_now(handle, &tick); });
         const double end = static_cast<double>(tick) + seconds * VEXO_TICKS_PER_SECOND;
         for (;;) {
             const std::chrono::duration<double> gone = std::chrono::steady_clock::now() - begin;
             const double wallLeft = wall < 0 ? slice : std::max(0.0, wall - gone.count());
             const double left = (end - static_cast<double>(tick)) / VEXO_TICKS_PER_SECOND;
-            const int code = resultOf([&](vexo_station* its) {
-                const int result = call(its, left, std::min(slice, wallLeft));
-                if (result == VEXO_TIMEOUT) vexo_now(its, &tick);
+            const int code = resultOf([&](vexo_station* handle) {
+                const int result = call(handle, left, std::min(slice, wallLeft));
+                if (result == VEXO_TIMEOUT) vexo_now(handle, &tick);
                 return result;
             });
             const bool isOver = static_cast<double>(tick) >= end || (wall >= 0 && wallLeft <= slice);

@@ -105,27 +105,27 @@ void bindRecord(py::module_& module) {
 py::tuple describe(const Core& core, std::size_t index) {
     const Row& row = core.row(index);
     vexo_parameter known{};
-    core.run([&](vexo_station* its) { return vexo_describe(its, row.id, &known); });
+    core.run([&](vexo_station* station) { return vexo_describe(station, row.id, &known); });
     return py::make_tuple(row.id, row.kind, row.elements, row.name, known.label, known.unit,
                           known.description, known.group, known.read_effect, known.set_effect, row.entries);
 }
 
 py::tuple rangeOf(const Core& core, std::size_t index) {
     vexo_range range{};
-    core.run([&](vexo_station* its) { return vexo_get_range(its, core.row(index).id, &range); });
+    core.run([&](vexo_station* station) { return vexo_get_range(station, core.row(index).id, &range); });
     return py::make_tuple(range.minimum, range.maximum, range.step);
 }
 
 std::uint32_t accessOf(const Core& core, std::size_t index) {
     std::uint32_t access = 0;
-    core.run([&](vexo_station* its) { return vexo_get_access(its, core.row(index).id, &access); });
+    core.run([&](vexo_station* station) { return vexo_get_access(station, core.row(index).id, &access); });
     return access;
 }
 
 void setAll(const Core& core, const Texts& assignments, bool anyOrder) {
     const auto pointers = pointersTo(assignments);
-    core.run([&](vexo_station* its) {
-        return vexo_set_all(its, pointers.data(), pointers.size(),
+    core.run([&](vexo_station* station) {
+        return vexo_set_all(station, pointers.data(), pointers.size(),
                             anyOrder ? VEXO_ANY_ORDER : VEXO_GIVEN_ORDER);
     });
 }
@@ -154,25 +154,25 @@ void bindParameters(py::class_<Core>& core) {
         .def("_describe", describe)
         .def("_range", rangeOf)
         .def("_access", accessOf)
-        .def("_read", [](const Core& its, std::size_t index) { return its.read(its.row(index)); })
-        .def("_write", [](const Core& its, std::size_t index,
-                          const py::object& value) { its.write(its.row(index), value); })
+        .def("_read", [](const Core& self, std::size_t index) { return self.read(self.row(index)); })
+        .def("_write", [](const Core& self, std::size_t index,
+                          const py::object& value) { self.write(self.row(index), value); })
         .def("_read_elements",
-             [](const Core& its, std::size_t index, std::uint32_t first, const py::buffer& values) {
-                 its.readElements(its.row(index), first, values);
+             [](const Core& self, std::size_t index, std::uint32_t first, const py::buffer& values) {
+                 self.readElements(self.row(index), first, values);
              })
         .def("_write_elements",
-             [](const Core& its, std::size_t index, std::uint32_t first, const py::buffer& values) {
-                 its.writeElements(its.row(index), first, values);
+             [](const Core& self, std::size_t index, std::uint32_t first, const py::buffer& values) {
+                 self.writeElements(self.row(index), first, values);
              })
         .def("_set_all", setAll);
 }
 
 void bindFiles(py::class_<Core>& core) {
     const auto withFile = [](auto* call) {
-        return [call](const Core& its, const std::string& file) {
+        return [call](const Core& self, const std::string& file) {
             const char* const words = textFor(file);
-            its.run([&](vexo_station* station) { return call(station, words); });
+            self.run([&](vexo_station* station) { return call(station, words); });
         };
     };
     core.def("_save", withFile(vexo_save))
@@ -180,21 +180,21 @@ void bindFiles(py::class_<Core>& core) {
         .def("_set_up", withFile(vexo_set_up))
         .def("_wave", withFile(vexo_wave))
         .def("_set_up_text",
-             [](const Core& its, const std::string& json, const std::optional<std::string>& folder) {
+             [](const Core& self, const std::string& json, const std::optional<std::string>& folder) {
                  const char* const words = textFor(json);
                  const char* const start = folder ? textFor(*folder) : nullptr;
-                 its.run([&](vexo_station* station) { return vexo_set_up_text(station, words, start); });
+                 self.run([&](vexo_station* station) { return vexo_set_up_text(station, words, start); });
              })
-        .def("_info", [](const Core& its) { return its.textOf(vexo_info); })
-        .def("_document", [](const Core& its) { return its.textOf(vexo_document); });
+        .def("_info", [](const Core& self) { return self.textOf(vexo_info); })
+        .def("_document", [](const Core& self) { return self.textOf(vexo_document); });
 }
 
 void bindQuestions(py::class_<Core>& core) {
     const auto aboutName = [](auto call) {
-        return [call](const Core& its, const std::string& name, const std::string& with) {
+        return [call](const Core& self, const std::string& name, const std::string& with) {
             const char* const asked = textFor(name);
             const char* const assumed = with.empty() ? nullptr : textFor(with);
-            return its.answerOf([&](vexo_station* station, vexo_answer** answer) {
+            return self.answerOf([&](vexo_station* station, vexo_answer** answer) {
                 return call(station, asked, assumed, answer);
             });
         };
@@ -205,28 +205,28 @@ void bindQuestions(py::class_<Core>& core) {
              }))
         .def("_why", aboutName(vexo_ask_why))
         .def("_plan",
-             [](const Core& its, const Texts& assignments) {
+             [](const Core& self, const Texts& assignments) {
                  const auto pointers = pointersTo(assignments);
-                 return its.answerOf([&](vexo_station* station, vexo_answer** answer) {
+                 return self.answerOf([&](vexo_station* station, vexo_answer** answer) {
                      return vexo_ask_plan(station, pointers.data(), pointers.size(), answer);
                  });
              })
         .def("_check",
-             [](const Core& its, const std::string& file) {
+             [](const Core& self, const std::string& file) {
                  const char* const words = textFor(file);
-                 return its.answerOf([&](vexo_station* station, vexo_answer** answer) {
+                 return self.answerOf([&](vexo_station* station, vexo_answer** answer) {
                      return vexo_ask_check(station, words, answer);
                  });
              })
-        .def("_lint", [](const Core& its) { return its.answerOf(vexo_ask_lint); });
+        .def("_lint", [](const Core& self) { return self.answerOf(vexo_ask_lint); });
 }
 
 std::vector<py::tuple> eventsOf(const Core& core) {
     std::vector<py::tuple> all;
     const char* name = nullptr;
     std::uint64_t mask = 0;
-    const auto isThere = [&](vexo_station* its) {
-        return vexo_event_at(its, static_cast<std::uint32_t>(all.size()), &name, &mask);
+    const auto isThere = [&](vexo_station* station) {
+        return vexo_event_at(station, static_cast<std::uint32_t>(all.size()), &name, &mask);
     };
     while (core.resultOf(isThere) == VEXO_OK)
         all.push_back(py::make_tuple(name, mask));
@@ -235,8 +235,8 @@ std::vector<py::tuple> eventsOf(const Core& core) {
 
 py::object waitEvent(const Core& core, std::uint64_t mask, double seconds, double wall) {
     vexo_event event{};
-    const int code = core.wait(seconds, wall, [&](vexo_station* its, double left, double wallLeft) {
-        return vexo_wait_event(its, mask, left, wallLeft, &event, nullptr);
+    const int code = core.wait(seconds, wall, [&](vexo_station* station, double left, double wallLeft) {
+        return vexo_wait_event(station, mask, left, wallLeft, &event, nullptr);
     });
     if (code == VEXO_TIMEOUT) return py::none();
     check(code);
@@ -245,22 +245,22 @@ py::object waitEvent(const Core& core, std::uint64_t mask, double seconds, doubl
 
 void bindTime(py::class_<Core>& core) {
     core.def("_clock",
-             [](const Core& its, double factor) {
-                 its.run([&](vexo_station* station) { return vexo_clock(station, factor); });
+             [](const Core& self, double factor) {
+                 self.run([&](vexo_station* station) { return vexo_clock(station, factor); });
              })
         .def("_now",
-             [](const Core& its) {
+             [](const Core& self) {
                  std::uint64_t tick = 0;
-                 its.run([&](vexo_station* station) { return vexo_now(station, &tick); });
+                 self.run([&](vexo_station* station) { return vexo_now(station, &tick); });
                  return tick;
              })
         .def("_advance", advance)
         .def("_events", eventsOf)
         .def("_event_mask",
-             [](const Core& its, const std::string& name) {
+             [](const Core& self, const std::string& name) {
                  std::uint64_t mask = 0;
                  const char* const words = textFor(name);
-                 its.run([&](vexo_station* station) { return vexo_event_mask(station, words, &mask); });
+                 self.run([&](vexo_station* station) { return vexo_event_mask(station, words, &mask); });
                  return mask;
              })
         .def("_wait_event", waitEvent);
@@ -268,30 +268,30 @@ void bindTime(py::class_<Core>& core) {
 
 vexo_picture waitPicture(const Core& core, std::int64_t number, double seconds, double wall) {
     vexo_picture picture{};
-    check(core.wait(seconds, wall, [&](vexo_station* its, double left, double wallLeft) {
-        return vexo_wait_picture(its, number, left, wallLeft, &picture);
+    check(core.wait(seconds, wall, [&](vexo_station* station, double left, double wallLeft) {
+        return vexo_wait_picture(station, number, left, wallLeft, &picture);
     }));
     return picture;
 }
 
 void bindPictures(py::module_& module, py::class_<Core>& core) {
     core.def("_start",
-             [](const Core& its, std::uint32_t frames, bool ring) {
-                 its.run([&](vexo_station* station) {
+             [](const Core& self, std::uint32_t frames, bool ring) {
+                 self.run([&](vexo_station* station) {
                      return vexo_start(station, frames, ring ? VEXO_RING : VEXO_KEEP);
                  });
              })
-        .def("_stop", [](const Core& its) { its.run(vexo_stop); })
+        .def("_stop", [](const Core& self) { self.run(vexo_stop); })
         .def("_wait_picture", waitPicture)
         .def("_render",
-             [](const Core& its, const vexo_picture& picture, const py::buffer& destination) {
+             [](const Core& self, const vexo_picture& picture, const py::buffer& destination) {
                  const py::buffer_info bytes = bytesOf(picture, destination, true);
-                 its.run([&](vexo_station* station) {
+                 self.run([&](vexo_station* station) {
                      return vexo_render(station, picture.number, bytes.ptr, picture.size);
                  });
              })
-        .def("_release", [](const Core& its, std::int64_t number) {
-            its.run([&](vexo_station* station) { return vexo_release(station, number); });
+        .def("_release", [](const Core& self, std::int64_t number) {
+            self.run([&](vexo_station* station) { return vexo_release(station, number); });
         });
     module.def("unpack", [](const vexo_picture& picture, const py::buffer& data, const py::buffer& pixels) {
         const py::buffer_info bytes = bytesOf(picture, data, false);
@@ -330,14 +330,14 @@ PYBIND11_MODULE(_vexo, module) {
         .def(
             "close",
             [](const py::handle& self) {
-                if (Core* its = constructedCore(self.ptr())) its->close();
+                if (Core* station = constructedCore(self.ptr())) station->close();
             },
             "Closes the station. A second time, it does nothing.")
         .def_property_readonly(
             "is_open",
             [](const py::handle& self) {
-                const Core* its = constructedCore(self.ptr());
-                return its != nullptr && its->isOpen();
+                const Core* station = constructedCore(self.ptr());
+                return station != nullptr && station->isOpen();
             },
             "False after close().");
     bindParameters(core);

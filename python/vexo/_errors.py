@@ -52,7 +52,7 @@ class UnknownName(Error, AttributeError, KeyError):
     def __init__(self, details: dict):
         super().__init__(details)
         self.suggestions: list[str] = details.get("suggestions", [])
-        self.name, self.obj = "", None  # the words have suggestions: the interpreter shall not add its own
+        self.name, self.obj = "", None  # keeps the interpreter from adding suggestions: the words have some
 
 
 class Timeout(Error, TimeoutError):

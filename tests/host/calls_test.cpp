@@ -119,7 +119,7 @@ std::vector<BadCall> badCalls() {
 TEST_F(Calls, BadOnesHaveACodeAndWords) {
     for (const BadCall& bad : badCalls()) {
         SCOPED_TRACE(bad.what);
-        EXPECT_EQ(bad.call(its), bad.code) << vexo_last_error();
+        EXPECT_EQ(bad.call(handle), bad.code) << vexo_last_error();
         EXPECT_EQ(vexo_last_code(), bad.code);
         EXPECT_FALSE(std::string(vexo_last_error()).empty());
         EXPECT_LT(bad.call(nullptr), 0);
@@ -128,18 +128,18 @@ TEST_F(Calls, BadOnesHaveACodeAndWords) {
 }
 
 TEST_F(Calls, AFailedSearchIsTheResultOfTheNextCall) {
-    EXPECT_EQ(vexo_set_int(its, vexo_id(its, "FG_WITH"), 4), VEXO_ERR_NAME);
+    EXPECT_EQ(vexo_set_int(handle, vexo_id(handle, "FG_WITH"), 4), VEXO_ERR_NAME);
     EXPECT_TRUE(lastErrorHas("did you mean FG_WIDTH?")) << vexo_last_error();
     EXPECT_NE(std::string(vexo_last_details()).find("\"suggestions\":[\"FG_WIDTH\"]"), std::string::npos);
     std::int64_t value = 0;
-    EXPECT_EQ(vexo_get_int(its, vexo_id(its, "FG_WITH"), &value), VEXO_ERR_NAME);
+    EXPECT_EQ(vexo_get_int(handle, vexo_id(handle, "FG_WITH"), &value), VEXO_ERR_NAME);
 }
 
 TEST_F(Calls, EachThreadHasItsOwnError) {
-    EXPECT_EQ(vexo_id(its, "FG_WITH"), VEXO_ERR_NAME);
+    EXPECT_EQ(vexo_id(handle, "FG_WITH"), VEXO_ERR_NAME);
     std::thread([&] {
         EXPECT_EQ(vexo_last_code(), VEXO_OK);
-        EXPECT_EQ(vexo_clock(its, 5e9), VEXO_ERR_ARGUMENT);
+        EXPECT_EQ(vexo_clock(handle, 5e9), VEXO_ERR_ARGUMENT);
     }).join();
     EXPECT_EQ(vexo_last_code(), VEXO_ERR_NAME);
     EXPECT_TRUE(lastErrorHas("FG_WITH"));
@@ -151,13 +151,13 @@ TEST_F(Calls, ThreadsMayShareAStation) {
         threads.emplace_back([&, thread] {
             for (int i = 0; i < 300; ++i) {
                 const std::int64_t width = 4 * (1 + (i + thread) % 256);
-                ASSERT_EQ(vexo_set_int(its, id("FG_WIDTH"), width), VEXO_OK) << vexo_last_error();
+                ASSERT_EQ(vexo_set_int(handle, id("FG_WIDTH"), width), VEXO_OK) << vexo_last_error();
                 std::int64_t read = 0;
-                ASSERT_EQ(vexo_get_int(its, id("FG_WIDTH"), &read), VEXO_OK);
+                ASSERT_EQ(vexo_get_int(handle, id("FG_WIDTH"), &read), VEXO_OK);
                 ASSERT_TRUE(read % 4 == 0 && read >= 4 && read <= 1024) << read;
                 vexo_answer* answer = nullptr;
                 if (i % 100 == 0) {
-                    ASSERT_EQ(vexo_ask_limits(its, "FG_XOFFSET", nullptr, nullptr, &answer), VEXO_OK);
+                    ASSERT_EQ(vexo_ask_limits(handle, "FG_XOFFSET", nullptr, nullptr, &answer), VEXO_OK);
                 }
                 vexo_answer_free(answer);
             }
@@ -252,24 +252,24 @@ TEST(Opening, AStationThatOnlyLooksWritesNothing) {
         options.board = board;
         options.flags = VEXO_LOOK;
         vexo::Station station(options);
-        vexo_station* const its = station.handle();
-        const int width = vexo_id(its, "FG_WIDTH");
+        vexo_station* const handle = station.handle();
+        const int width = vexo_id(handle, "FG_WIDTH");
         const auto before = station.get<int>("FG_WIDTH");
         const std::string file = testing::TempDir() + "look.mcf";
         std::vector<int> codes;
         const std::uint32_t element = 1;
-        codes.push_back(vexo_set_int(its, width, 512));
-        codes.push_back(vexo_set_int(its, width, -1));
-        codes.push_back(vexo_set_text(its, width, "512"));
-        codes.push_back(vexo_set_field(its, vexo_id(its, "FG_LUT_VALUE_RED"), 0, 1, &element));
-        codes.push_back(vexo_set_all(its, &assignment, 1, VEXO_ANY_ORDER));
+        codes.push_back(vexo_set_int(handle, width, 512));
+        codes.push_back(vexo_set_int(handle, width, -1));
+        codes.push_back(vexo_set_text(handle, width, "512"));
+        codes.push_back(vexo_set_field(handle, vexo_id(handle, "FG_LUT_VALUE_RED"), 0, 1, &element));
+        codes.push_back(vexo_set_all(handle, &assignment, 1, VEXO_ANY_ORDER));
         if (board == VEXO_VIRTUAL) {
             station.save(file);
-            codes.push_back(vexo_start(its, 1, VEXO_KEEP));
+            codes.push_back(vexo_start(handle, 1, VEXO_KEEP));
             codes.push_back(
-                vexo_set_up_text(its, R"({"station": 1, "parameters": {"FG_WIDTH": 512}})", nullptr));
+                vexo_set_up_text(handle, R"({"station": 1, "parameters": {"FG_WIDTH": 512}})", nullptr));
         }
-        codes.push_back(vexo_load(its, file.c_str()));
+        codes.push_back(vexo_load(handle, file.c_str()));
         EXPECT_EQ(codes, std::vector<int>(codes.size(), VEXO_ERR_STATE));
         EXPECT_TRUE(board == VEXO_OFFLINE || lastErrorHas("VEXO_LOOK")) << vexo_last_error();
         EXPECT_EQ(station.get<int>("FG_WIDTH"), before);

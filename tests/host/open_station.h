@@ -11,9 +11,9 @@
 /** The station whose functions are called. */
 struct OpenStation : testing::Test {
     vexo::Station station = vexo::Station::virtualBoard();
-    vexo_station* its = station.handle();
+    vexo_station* handle = station.handle();
 
-    int id(const char* name) const { return vexo_id(its, name); }
+    int id(const char* name) const { return vexo_id(handle, name); }
 };
 
 inline bool lastErrorHas(const std::string& words) {

@@ -21,12 +21,12 @@ TEST_F(Parameters, AreThoseOfTheExportedFunctions) {
     applet_host::Session session(host);
     const auto& applet = host.applet();
     int numbers = 0;
-    for (std::uint32_t i = 0; i < vexo_count(its); ++i) {
+    for (std::uint32_t i = 0; i < vexo_count(handle); ++i) {
         vexo_parameter known{};
-        ASSERT_EQ(vexo_parameter_at(its, i, &known), VEXO_OK);
+        ASSERT_EQ(vexo_parameter_at(handle, i, &known), VEXO_OK);
         SCOPED_TRACE(known.name);
         EXPECT_EQ(known.id, applet.Fg_getParameterIdByName(session.fg(), known.name));
-        EXPECT_EQ(vexo_id(its, known.name), known.id);
+        EXPECT_EQ(vexo_id(handle, known.name), known.id);
         if (known.kind == VEXO_TEXT || known.kind == VEXO_FIELD || *known.read_effect != '\0') continue;
         union {
             std::uint32_t u32;
@@ -37,7 +37,7 @@ TEST_F(Parameters, AreThoseOfTheExportedFunctions) {
         } expected{};
         const int code = applet.Fg_getParameterWithType(session.fg(), known.id, &expected, 0, known.kind % 6);
         double value = -1;
-        ASSERT_EQ(vexo_get_double(its, known.id, &value), code);
+        ASSERT_EQ(vexo_get_double(handle, known.id, &value), code);
         if (code != FG_OK) continue;
         ++numbers;
         switch (known.kind) {
@@ -83,7 +83,7 @@ TEST_F(Parameters, EnumerationsHaveNames) {
             EXPECT_EQ(vantage.get<int>(), entry.value) << text;
             EXPECT_EQ(vantage.get<std::string>(), entry.symbol);
         }
-    EXPECT_EQ(vexo_set_text(its, vantage.id(), "Bottom-Rihgt"), VEXO_ERR_VALUE);
+    EXPECT_EQ(vexo_set_text(handle, vantage.id(), "Bottom-Rihgt"), VEXO_ERR_VALUE);
     EXPECT_TRUE(lastErrorHas("did you mean FG_VANTAGEPOINT_BOTTOM_RIGHT")) << vexo_last_error();
 }
 
@@ -95,22 +95,22 @@ TEST_F(Parameters, NumbersThatDoNotFitAreRefusedAndChangeNothing) {
     ASSERT_GT(file, 0);
     ASSERT_GT(table, 0);
     const std::string before = station["FG_WIDTH"].get<std::string>();
-    EXPECT_EQ(vexo_set_int(its, width, -4), VEXO_ERR_VALUE);
-    EXPECT_EQ(vexo_set_int(its, width, std::int64_t{1} << 32), VEXO_ERR_VALUE);
-    EXPECT_EQ(vexo_set_uint(its, width, std::numeric_limits<std::uint64_t>::max()), VEXO_ERR_VALUE);
-    EXPECT_EQ(vexo_set_double(its, width, 2048.5), VEXO_ERR_VALUE);
-    EXPECT_EQ(vexo_set_double(its, width, std::numeric_limits<double>::quiet_NaN()), VEXO_ERR_VALUE);
-    EXPECT_EQ(vexo_set_double(its, width, 1e300), VEXO_ERR_VALUE);
-    EXPECT_EQ(vexo_set_text(its, width, "wide"), VEXO_ERR_VALUE);
-    EXPECT_EQ(vexo_set_int(its, file, 1), VEXO_ERR_KIND);
-    EXPECT_EQ(vexo_set_int(its, table, 1), VEXO_ERR_KIND);
+    EXPECT_EQ(vexo_set_int(handle, width, -4), VEXO_ERR_VALUE);
+    EXPECT_EQ(vexo_set_int(handle, width, std::int64_t{1} << 32), VEXO_ERR_VALUE);
+    EXPECT_EQ(vexo_set_uint(handle, width, std::numeric_limits<std::uint64_t>::max()), VEXO_ERR_VALUE);
+    EXPECT_EQ(vexo_set_double(handle, width, 2048.5), VEXO_ERR_VALUE);
+    EXPECT_EQ(vexo_set_double(handle, width, std::numeric_limits<double>::quiet_NaN()), VEXO_ERR_VALUE);
+    EXPECT_EQ(vexo_set_double(handle, width, 1e300), VEXO_ERR_VALUE);
+    EXPECT_EQ(vexo_set_text(handle, width, "wide"), VEXO_ERR_VALUE);
+    EXPECT_EQ(vexo_set_int(handle, file, 1), VEXO_ERR_KIND);
+    EXPECT_EQ(vexo_set_int(handle, table, 1), VEXO_ERR_KIND);
     EXPECT_EQ(station["FG_WIDTH"].get<std::string>(), before);
-    EXPECT_EQ(vexo_set_double(its, width, 2048), VEXO_OK);
-    EXPECT_EQ(vexo_set_double(its, period, 100.5), VEXO_OK);
+    EXPECT_EQ(vexo_set_double(handle, width, 2048), VEXO_OK);
+    EXPECT_EQ(vexo_set_double(handle, period, 100.5), VEXO_OK);
     std::int64_t whole = -1;
-    EXPECT_EQ(vexo_get_int(its, period, &whole), VEXO_ERR_VALUE) << "a fraction is not cut off";
-    EXPECT_EQ(vexo_get_int(its, file, &whole), VEXO_ERR_KIND);
-    EXPECT_EQ(vexo_get_int(its, table, &whole), VEXO_ERR_KIND);
+    EXPECT_EQ(vexo_get_int(handle, period, &whole), VEXO_ERR_VALUE) << "a fraction is not cut off";
+    EXPECT_EQ(vexo_get_int(handle, file, &whole), VEXO_ERR_KIND);
+    EXPECT_EQ(vexo_get_int(handle, table, &whole), VEXO_ERR_KIND);
     EXPECT_EQ(whole, -1);
     EXPECT_THROW(station.get<std::int8_t>("FG_WIDTH"), std::out_of_range);
 }
@@ -129,7 +129,7 @@ TEST_F(Parameters, ARefusalOfANumberThatDoesNotFitSaysWhatIsAccepted) {
                                    UnfitNumber{"FG_WIDTH", 2046.5, R"({"value":2048})", ""},
                                    UnfitNumber{"FG_XOFFSET", -4, R"({"value":0})", "minimum"}}) {
         SCOPED_TRACE(row.name + std::to_string(row.number));
-        EXPECT_EQ(vexo_set_double(its, id(row.name), row.number), VEXO_ERR_VALUE);
+        EXPECT_EQ(vexo_set_double(handle, id(row.name), row.number), VEXO_ERR_VALUE);
         const auto details = nlohmann::json::parse(vexo_last_details());
         EXPECT_EQ(details.value("nearest", nlohmann::json()).dump(), row.nearest) << details;
         EXPECT_EQ(details.at("requested").at("value"), row.number);
@@ -137,27 +137,27 @@ TEST_F(Parameters, ARefusalOfANumberThatDoesNotFitSaysWhatIsAccepted) {
         EXPECT_TRUE(lastErrorHas("the present limits are ") && lastErrorHas(row.setBy)) << vexo_last_error();
     }
     const char* const pair[] = {"FG_HEIGHT=8", "FG_WIDTH=-1"};
-    const std::function<int()> sets[] = {[&] { return vexo_set_int(its, id("FG_WIDTH"), -1); },
-                                         [&] { return vexo_set_text(its, id("FG_WIDTH"), "-1"); },
-                                         [&] { return vexo_set_all(its, pair, 2, VEXO_GIVEN_ORDER); }};
+    const std::function<int()> sets[] = {[&] { return vexo_set_int(handle, id("FG_WIDTH"), -1); },
+                                         [&] { return vexo_set_text(handle, id("FG_WIDTH"), "-1"); },
+                                         [&] { return vexo_set_all(handle, pair, 2, VEXO_GIVEN_ORDER); }};
     for (const auto& set : sets) {
         EXPECT_EQ(set(), VEXO_ERR_VALUE);
         EXPECT_EQ(nlohmann::json::parse(vexo_last_details()).at("nearest").at("value"), 4);
     }
     EXPECT_EQ(station.get<int>("FG_HEIGHT"), 1024);
-    EXPECT_EQ(vexo_set_int(its, id("FG_VANTAGEPOINT"), std::int64_t{1} << 40), VEXO_ERR_VALUE);
+    EXPECT_EQ(vexo_set_int(handle, id("FG_VANTAGEPOINT"), std::int64_t{1} << 40), VEXO_ERR_VALUE);
     EXPECT_TRUE(lastErrorHas("the entries are FG_VANTAGEPOINT_TOP_LEFT")) << vexo_last_error();
 }
 
 TEST_F(Parameters, ATextNeedsItsSpace) {
     char text[64] = "untouched";
     std::size_t size = 4;
-    EXPECT_EQ(vexo_get_text(its, id("FG_VANTAGEPOINT"), text, &size), VEXO_ERR_SPACE);
+    EXPECT_EQ(vexo_get_text(handle, id("FG_VANTAGEPOINT"), text, &size), VEXO_ERR_SPACE);
     EXPECT_EQ(size, std::strlen("FG_VANTAGEPOINT_TOP_LEFT") + 1);
     EXPECT_STREQ(text, "untouched");
     size = 0;
-    EXPECT_EQ(vexo_get_text(its, id("FG_VANTAGEPOINT"), nullptr, &size), VEXO_ERR_SPACE);
-    EXPECT_EQ(vexo_get_text(its, id("FG_VANTAGEPOINT"), text, &size), VEXO_OK);
+    EXPECT_EQ(vexo_get_text(handle, id("FG_VANTAGEPOINT"), nullptr, &size), VEXO_ERR_SPACE);
+    EXPECT_EQ(vexo_get_text(handle, id("FG_VANTAGEPOINT"), text, &size), VEXO_OK);
     EXPECT_STREQ(text, "FG_VANTAGEPOINT_TOP_LEFT");
 }
 
@@ -169,12 +169,12 @@ TEST_F(Parameters, FieldsAreReadAndSetByElement) {
     EXPECT_EQ(table.elements(last - 3, 4).back(), 9U);
     EXPECT_EQ(table.elements(last - 2, 1).front(), 7U);
     std::uint32_t untouched = 5;
-    EXPECT_EQ(vexo_get_field(its, table.id(), last, 2, &untouched), VEXO_ERR_ARGUMENT);
-    EXPECT_EQ(vexo_get_field(its, table.id(), 0xffffffffU, 2, &untouched), VEXO_ERR_ARGUMENT);
-    EXPECT_EQ(vexo_set_field(its, table.id(), 0, 0, &untouched), VEXO_ERR_ARGUMENT);
+    EXPECT_EQ(vexo_get_field(handle, table.id(), last, 2, &untouched), VEXO_ERR_ARGUMENT);
+    EXPECT_EQ(vexo_get_field(handle, table.id(), 0xffffffffU, 2, &untouched), VEXO_ERR_ARGUMENT);
+    EXPECT_EQ(vexo_set_field(handle, table.id(), 0, 0, &untouched), VEXO_ERR_ARGUMENT);
     EXPECT_THROW(table.elements(0, 0), vexo::Error);
     EXPECT_TRUE(lastErrorHas("0 from element 0")) << vexo_last_error();
-    EXPECT_EQ(vexo_set_field(its, id("FG_WIDTH"), 0, 1, &untouched), VEXO_ERR_KIND);
+    EXPECT_EQ(vexo_set_field(handle, id("FG_WIDTH"), 0, 1, &untouched), VEXO_ERR_KIND);
     EXPECT_EQ(untouched, 5U);
 }
 
@@ -209,9 +209,9 @@ TEST_F(Parameters, AFileKeepsAndRestoresThem) {
     EXPECT_EQ(station.get<int>("FG_WIDTH"), 1024) << "a question changes nothing";
     station.load(file);
     EXPECT_EQ(station.get<int>("FG_WIDTH"), 512);
-    EXPECT_EQ(vexo_load(its, "/nonexistent.mcf"), VEXO_ERR_FILE);
-    EXPECT_EQ(vexo_save(its, "/nonexistent/x.mcf"), VEXO_ERR_FILE);
-    EXPECT_EQ(vexo_save(its, "no_such_suffix"), VEXO_ERR_ARGUMENT);
+    EXPECT_EQ(vexo_load(handle, "/nonexistent.mcf"), VEXO_ERR_FILE);
+    EXPECT_EQ(vexo_save(handle, "/nonexistent/x.mcf"), VEXO_ERR_FILE);
+    EXPECT_EQ(vexo_save(handle, "no_such_suffix"), VEXO_ERR_ARGUMENT);
     std::remove(file.c_str());
     EXPECT_NE(station.document().find("<RegisterDescription"), std::string::npos);
 }

@@ -26,8 +26,8 @@ TEST_F(Questions, LimitsAreWhatSettersAccept) {
         ASSERT_TRUE(range);
         const double now = parameter.get<double>();
         for (const double accepted : {range->minimum, range->maximum})
-            EXPECT_EQ(vexo_set_double(its, parameter.id(), accepted), VEXO_OK) << accepted;
-        EXPECT_LT(vexo_set_double(its, parameter.id(), range->maximum + std::max(range->step, 1.0)), 0);
+            EXPECT_EQ(vexo_set_double(handle, parameter.id(), accepted), VEXO_OK) << accepted;
+        EXPECT_LT(vexo_set_double(handle, parameter.id(), range->maximum + std::max(range->step, 1.0)), 0);
         parameter = now;
     }
     const vexo::Answer answer = station["FG_XOFFSET"].limits("FG_XOFFSET=0 FG_WIDTH=8192");
@@ -38,7 +38,7 @@ TEST_F(Questions, LimitsAreWhatSettersAccept) {
 }
 
 TEST_F(Questions, ARefusalNamesLimitCauseAndNearest) {
-    EXPECT_EQ(vexo_set_int(its, id("FG_XOFFSET"), 14338), FG_ERR_OUT_OF_RANGE);
+    EXPECT_EQ(vexo_set_int(handle, id("FG_XOFFSET"), 14338), FG_ERR_OUT_OF_RANGE);
     EXPECT_STREQ(
         vexo_last_error(),
         "FG_XOFFSET=14338 was refused: -6000, value out of range; the present limits are 0 to 14336 in "
@@ -51,7 +51,7 @@ TEST_F(Questions, ARefusalNamesLimitCauseAndNearest) {
     EXPECT_EQ(details["setBy"][0]["parameter"], "FG_WIDTH");
     EXPECT_EQ(station.get<int>("FG_XOFFSET"), 64);
     vexo_answer* answer = nullptr;
-    EXPECT_EQ(vexo_ask_limits(its, "FG_HEIGHT", "FG_WIDTH=512 FG_XOFFSET=20000", nullptr, &answer),
+    EXPECT_EQ(vexo_ask_limits(handle, "FG_HEIGHT", "FG_WIDTH=512 FG_XOFFSET=20000", nullptr, &answer),
               FG_ERR_OUT_OF_RANGE);
     const json assumed = json::parse(vexo_last_details());
     EXPECT_EQ(assumed["requested"]["value"], 20000) << "an assumption is refused as a set is";

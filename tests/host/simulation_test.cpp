@@ -31,7 +31,7 @@ TEST_F(Simulation, TimeIsSteppedOrFollowsTheClock) {
     const std::uint64_t tick = station.now();
     while (station.now() < tick + 10 * millisecond)
         std::this_thread::yield();
-    EXPECT_EQ(vexo_advance(its, 1), VEXO_ERR_STATE);
+    EXPECT_EQ(vexo_advance(handle, 1), VEXO_ERR_STATE);
     station.clock(0);
     const std::uint64_t stopped = station.now();
     EXPECT_EQ(station.now(), stopped);
@@ -94,28 +94,28 @@ TEST_F(Simulation, PicturesAreThoseOfTheBoard) {
 TEST_F(Simulation, AMemoryKeepsPicturesOrOverwritesTheOldest) {
     simulatorOn();
     vexo_picture picture{};
-    ASSERT_EQ(vexo_start(its, 2, VEXO_KEEP), VEXO_OK);
-    EXPECT_EQ(vexo_start(its, 2, VEXO_KEEP), VEXO_ERR_STATE);
-    ASSERT_EQ(vexo_wait_picture(its, 0, 1, -1, &picture), VEXO_OK);
-    ASSERT_EQ(vexo_wait_picture(its, 0, 1, -1, &picture), VEXO_OK);
+    ASSERT_EQ(vexo_start(handle, 2, VEXO_KEEP), VEXO_OK);
+    EXPECT_EQ(vexo_start(handle, 2, VEXO_KEEP), VEXO_ERR_STATE);
+    ASSERT_EQ(vexo_wait_picture(handle, 0, 1, -1, &picture), VEXO_OK);
+    ASSERT_EQ(vexo_wait_picture(handle, 0, 1, -1, &picture), VEXO_OK);
     EXPECT_EQ(picture.number, 2);
-    EXPECT_EQ(vexo_wait_picture(its, 0, 0.1, -1, &picture), VEXO_TIMEOUT);
+    EXPECT_EQ(vexo_wait_picture(handle, 0, 0.1, -1, &picture), VEXO_TIMEOUT);
     EXPECT_TRUE(lastErrorHas("release some")) << vexo_last_error();
     std::vector<std::uint8_t> bytes(picture.size);
-    EXPECT_EQ(vexo_render(its, 1, bytes.data(), bytes.size() - 1), VEXO_ERR_SPACE);
-    EXPECT_EQ(vexo_render(its, 1, bytes.data(), bytes.size()), VEXO_OK);
-    EXPECT_EQ(vexo_release(its, 1), VEXO_OK);
-    EXPECT_EQ(vexo_release(its, 1), VEXO_ERR_GONE);
-    EXPECT_EQ(vexo_wait_picture(its, 0, 1, -1, &picture), VEXO_OK);
+    EXPECT_EQ(vexo_render(handle, 1, bytes.data(), bytes.size() - 1), VEXO_ERR_SPACE);
+    EXPECT_EQ(vexo_render(handle, 1, bytes.data(), bytes.size()), VEXO_OK);
+    EXPECT_EQ(vexo_release(handle, 1), VEXO_OK);
+    EXPECT_EQ(vexo_release(handle, 1), VEXO_ERR_GONE);
+    EXPECT_EQ(vexo_wait_picture(handle, 0, 1, -1, &picture), VEXO_OK);
     EXPECT_EQ(picture.number, 3);
-    ASSERT_EQ(vexo_stop(its), VEXO_OK);
-    EXPECT_EQ(vexo_stop(its), VEXO_OK);
+    ASSERT_EQ(vexo_stop(handle), VEXO_OK);
+    EXPECT_EQ(vexo_stop(handle), VEXO_OK);
 
-    ASSERT_EQ(vexo_start(its, 2, VEXO_RING), VEXO_OK);
-    ASSERT_EQ(vexo_wait_picture(its, 5, 1, -1, &picture), VEXO_OK);
+    ASSERT_EQ(vexo_start(handle, 2, VEXO_RING), VEXO_OK);
+    ASSERT_EQ(vexo_wait_picture(handle, 5, 1, -1, &picture), VEXO_OK);
     EXPECT_EQ(picture.number, 5);
-    EXPECT_EQ(vexo_render(its, 1, bytes.data(), bytes.size()), VEXO_ERR_GONE);
-    EXPECT_EQ(vexo_wait_picture(its, 1, 1, -1, &picture), VEXO_ERR_GONE);
+    EXPECT_EQ(vexo_render(handle, 1, bytes.data(), bytes.size()), VEXO_ERR_GONE);
+    EXPECT_EQ(vexo_wait_picture(handle, 1, 1, -1, &picture), VEXO_ERR_GONE);
 }
 
 struct Sharing {
@@ -132,7 +132,7 @@ TEST_F(Simulation, ThreadsThatWaitForTheNextPictureShareThem) {
           Sharing{"keep, wall clock", VEXO_KEEP, 20}, Sharing{"ring, wall clock", VEXO_RING, 20}}) {
         SCOPED_TRACE(row.what);
         station.clock(row.clock);
-        ASSERT_EQ(vexo_start(its, row.memory == VEXO_KEEP ? 4 : 1000, row.memory), VEXO_OK)
+        ASSERT_EQ(vexo_start(handle, row.memory == VEXO_KEEP ? 4 : 1000, row.memory), VEXO_OK)
             << vexo_last_error();
         std::mutex adding;
         std::vector<std::int64_t> given;
@@ -142,13 +142,13 @@ TEST_F(Simulation, ThreadsThatWaitForTheNextPictureShareThem) {
             threads.emplace_back([&] {
                 vexo_picture picture{};
                 for (std::int64_t before = 0; count++ < most; before = picture.number) {
-                    while (vexo_wait_picture(its, 0, 1e-5, -1, &picture) == VEXO_TIMEOUT) {
+                    while (vexo_wait_picture(handle, 0, 1e-5, -1, &picture) == VEXO_TIMEOUT) {
                     } // takes none
                     ASSERT_GT(picture.number, before);
                     const std::lock_guard lock(adding);
                     given.push_back(picture.number);
                     if (row.memory == VEXO_KEEP) {
-                        ASSERT_EQ(vexo_release(its, picture.number), VEXO_OK) << vexo_last_error();
+                        ASSERT_EQ(vexo_release(handle, picture.number), VEXO_OK) << vexo_last_error();
                     }
                 }
             });
@@ -161,32 +161,32 @@ TEST_F(Simulation, ThreadsThatWaitForTheNextPictureShareThem) {
         if (!mayOverwrite) {
             EXPECT_EQ(given.back(), most) << "none is lost";
         }
-        EXPECT_EQ(vexo_stop(its), VEXO_OK);
+        EXPECT_EQ(vexo_stop(handle), VEXO_OK);
     }
 }
 
 TEST_F(Simulation, AWaitForTheNextPictureLeavesOutWhatIsGone) {
     simulatorOn();
     vexo_picture picture{};
-    ASSERT_EQ(vexo_start(its, 2, VEXO_RING), VEXO_OK);
-    ASSERT_EQ(vexo_wait_picture(its, 5, 1, -1, &picture), VEXO_OK);
-    ASSERT_EQ(vexo_wait_picture(its, 4, 1, -1, &picture), VEXO_OK);
-    ASSERT_EQ(vexo_wait_picture(its, 0, 1, -1, &picture), VEXO_OK);
+    ASSERT_EQ(vexo_start(handle, 2, VEXO_RING), VEXO_OK);
+    ASSERT_EQ(vexo_wait_picture(handle, 5, 1, -1, &picture), VEXO_OK);
+    ASSERT_EQ(vexo_wait_picture(handle, 4, 1, -1, &picture), VEXO_OK);
+    ASSERT_EQ(vexo_wait_picture(handle, 0, 1, -1, &picture), VEXO_OK);
     EXPECT_EQ(picture.number, 6) << "numbers do not go back";
     const std::uint64_t period = picture.arrival - picture.first_line;
     station.advance(6 * period);
-    ASSERT_EQ(vexo_wait_picture(its, 0, 1, -1, &picture), VEXO_OK) << vexo_last_error();
+    ASSERT_EQ(vexo_wait_picture(handle, 0, 1, -1, &picture), VEXO_OK) << vexo_last_error();
     EXPECT_GT(picture.number, 7) << "the oldest in the memory";
     const std::int64_t oldest = picture.number;
-    ASSERT_EQ(vexo_wait_picture(its, 0, 1, -1, &picture), VEXO_OK);
+    ASSERT_EQ(vexo_wait_picture(handle, 0, 1, -1, &picture), VEXO_OK);
     EXPECT_EQ(picture.number, oldest + 1);
-    ASSERT_EQ(vexo_stop(its), VEXO_OK);
+    ASSERT_EQ(vexo_stop(handle), VEXO_OK);
 
-    ASSERT_EQ(vexo_start(its, 4, VEXO_KEEP), VEXO_OK);
-    ASSERT_EQ(vexo_wait_picture(its, 0, 1, -1, &picture), VEXO_OK);
+    ASSERT_EQ(vexo_start(handle, 4, VEXO_KEEP), VEXO_OK);
+    ASSERT_EQ(vexo_wait_picture(handle, 0, 1, -1, &picture), VEXO_OK);
     station.advance(6 * period);
-    ASSERT_EQ(vexo_release(its, 2), VEXO_OK) << vexo_last_error();
-    ASSERT_EQ(vexo_wait_picture(its, 0, 1, -1, &picture), VEXO_OK);
+    ASSERT_EQ(vexo_release(handle, 2), VEXO_OK) << vexo_last_error();
+    ASSERT_EQ(vexo_wait_picture(handle, 0, 1, -1, &picture), VEXO_OK);
     EXPECT_EQ(picture.number, 3) << "2 was released";
 }
 
@@ -222,22 +222,22 @@ TEST_F(Simulation, ARangeOfPicturesIsAView) {
 #endif
 
 TEST_F(Simulation, AMissingPictureHasAReason) {
-    ASSERT_EQ(vexo_start(its, 1, VEXO_KEEP), VEXO_OK);
+    ASSERT_EQ(vexo_start(handle, 1, VEXO_KEEP), VEXO_OK);
     vexo_picture picture{};
-    EXPECT_EQ(vexo_wait_picture(its, 0, 0.1, -1, &picture), VEXO_TIMEOUT);
+    EXPECT_EQ(vexo_wait_picture(handle, 0, 0.1, -1, &picture), VEXO_TIMEOUT);
     EXPECT_TRUE(lastErrorHas("no line came")) << vexo_last_error();
-    EXPECT_EQ(vexo_wait_picture(its, 0, 1e6, 0.01, &picture), VEXO_TIMEOUT);
+    EXPECT_EQ(vexo_wait_picture(handle, 0, 1e6, 0.01, &picture), VEXO_TIMEOUT);
 }
 
 TEST_F(Simulation, AStopEndsTheWaitOfAnotherThread) {
-    ASSERT_EQ(vexo_start(its, 1, VEXO_KEEP), VEXO_OK);
+    ASSERT_EQ(vexo_start(handle, 1, VEXO_KEEP), VEXO_OK);
     std::thread waiting([&] {
         vexo_picture picture{};
-        EXPECT_EQ(vexo_wait_picture(its, 0, 1e9, -1, &picture), VEXO_ERR_STATE);
+        EXPECT_EQ(vexo_wait_picture(handle, 0, 1e9, -1, &picture), VEXO_ERR_STATE);
     });
     while (station.now() == 0) // the wait advances the time
         std::this_thread::yield();
-    EXPECT_EQ(vexo_stop(its), VEXO_OK);
+    EXPECT_EQ(vexo_stop(handle), VEXO_OK);
     waiting.join();
 }
 
@@ -246,13 +246,13 @@ TEST_F(Simulation, AStationFileSetsItUp) {
     const auto write = [&](const std::string& text) { std::ofstream(file) << text; };
     write(
         R"({"station": 1, "camera": {"width": 64, "lineRate": 10000}, "parameters": {"FG_WIDTH": 64, "FG_HEIGHT": 8}})");
-    EXPECT_EQ(vexo_set_up(its, file.c_str()), VEXO_OK) << vexo_last_error();
+    EXPECT_EQ(vexo_set_up(handle, file.c_str()), VEXO_OK) << vexo_last_error();
     EXPECT_EQ(station.grab().width(), 64U);
     write(R"({"station": 1, "camera": {"width": "wide"}})");
-    EXPECT_EQ(vexo_set_up(its, file.c_str()), VEXO_ERR_VALUE);
+    EXPECT_EQ(vexo_set_up(handle, file.c_str()), VEXO_ERR_VALUE);
     EXPECT_TRUE(lastErrorHas("camera.width")) << vexo_last_error();
     write(R"({"station": 1, "parameters": {"FG_WIDTH": 99999}})");
-    EXPECT_EQ(vexo_set_up(its, file.c_str()), FG_ERR_OUT_OF_RANGE);
+    EXPECT_EQ(vexo_set_up(handle, file.c_str()), FG_ERR_OUT_OF_RANGE);
     std::filesystem::remove(file);
 }
 

@@ -346,52 +346,57 @@ protected:
     }
 
     /** The words of a line, the command first. */
-    using Run = void (*)(Settings& its, const Lines& words);
+    using Run = void (*)(Settings& settings, const Lines& words);
 
     static const std::map<std::string, Run>& commands() {
         static const std::map<std::string, Run> rows = {
-            {"quiet", [](Settings& its, const Lines& words) { its.m_isQuiet = words.at(1) == "on"; }},
-            {"short", [](Settings& its, const Lines& words) { its.m_isShort = words.at(1) == "on"; }},
-            {"restore", [](Settings& its, const Lines&) { its.board.restore_design(); }},
+            {"quiet",
+             [](Settings& settings, const Lines& words) { settings.m_isQuiet = words.at(1) == "on"; }},
+            {"short",
+             [](Settings& settings, const Lines& words) { settings.m_isShort = words.at(1) == "on"; }},
+            {"restore", [](Settings& settings, const Lines&) { settings.board.restore_design(); }},
             {"lack",
-             [](Settings& its, const Lines& words) {
-                 ASSERT_EQ(its.board.lack_parameter(designName(words.at(1)).c_str(), true), VBOARD_OK);
+             [](Settings& settings, const Lines& words) {
+                 ASSERT_EQ(settings.board.lack_parameter(designName(words.at(1)).c_str(), true), VBOARD_OK);
              }},
             {"alias",
-             [](Settings& its, const Lines& words) {
-                 ASSERT_EQ(its.board.alias_parameter(designName(words.at(1)).c_str(),
-                                                     designName(words.at(2)).c_str()),
+             [](Settings& settings, const Lines& words) {
+                 ASSERT_EQ(settings.board.alias_parameter(designName(words.at(1)).c_str(),
+                                                          designName(words.at(2)).c_str()),
                            VBOARD_OK);
              }},
-            {"restart", [](Settings& its, const Lines& words) { its.restartWith(words); }},
-            {"poke", [](Settings& its, const Lines& words) { its.pokeOne(words.at(1), words.at(2)); }},
+            {"restart", [](Settings& settings, const Lines& words) { settings.restartWith(words); }},
+            {"poke",
+             [](Settings& settings, const Lines& words) { settings.pokeOne(words.at(1), words.at(2)); }},
             {"then",
-             [](Settings& its, const Lines& words) {
-                 ASSERT_EQ(its.board.poke_after_read(its.grabber.device, designName(words.at(1)).c_str(),
-                                                     std::stoll(words.at(2))),
+             [](Settings& settings, const Lines& words) {
+                 ASSERT_EQ(settings.board.poke_after_read(settings.grabber.device,
+                                                          designName(words.at(1)).c_str(),
+                                                          std::stoll(words.at(2))),
                            VBOARD_OK);
              }},
             {"fail",
-             [](Settings& its, const Lines& words) {
+             [](Settings& settings, const Lines& words) {
                  const int code = std::stoi(words.at(2));
                  if (std::isdigit(words.at(1).at(0)) != 0)
-                     its.m_failing = {std::stoi(words.at(1)), code};
+                     settings.m_failing = {std::stoi(words.at(1)), code};
                  else
-                     its.grabber.fail(designName(words.at(1)), code);
+                     settings.grabber.fail(designName(words.at(1)), code);
              }},
-            {"mark", [](Settings& its, const Lines&) { its.markMaxima(); }},
+            {"mark", [](Settings& settings, const Lines&) { settings.markMaxima(); }},
             {"set",
-             [](Settings& its, const Lines& words) {
+             [](Settings& settings, const Lines& words) {
                  for (std::size_t i = 2; i < words.size(); ++i)
-                     its.setOne(*its.recordOf(words.at(1)), words[i]);
+                     settings.setOne(*settings.recordOf(words.at(1)), words[i]);
              }},
             {"same",
-             [](Settings& its, const Lines& words) {
-                 RegisterInfo& record = *its.recordOf(words.at(1));
-                 its.setOne(record, its.read(record));
+             [](Settings& settings, const Lines& words) {
+                 RegisterInfo& record = *settings.recordOf(words.at(1));
+                 settings.setOne(record, settings.read(record));
              }},
-            {"file", [](Settings& its, const Lines& words) { its.loadWith(words.at(1), words.at(2)); }},
-            {"saved", [](Settings& its, const Lines& words) { its.showSaved(words); }},
+            {"file",
+             [](Settings& settings, const Lines& words) { settings.loadWith(words.at(1), words.at(2)); }},
+            {"saved", [](Settings& settings, const Lines& words) { settings.showSaved(words); }},
             {"write",
              [](Settings&, const Lines& words) {
                  std::string text;
@@ -400,25 +405,29 @@ protected:
                  writeFile(words.at(1), text);
              }},
             {"take",
-             [](Settings& its, const Lines& words) {
+             [](Settings& settings, const Lines& words) {
                  std::string taken = "taken:";
                  for (std::size_t i = 2; i < words.size(); ++i)
-                     if (its.write(*its.recordOf(words.at(1)), words[i]) == FG_OK) taken += ' ' + words[i];
-                 its.answer(taken);
+                     if (settings.write(*settings.recordOf(words.at(1)), words[i]) == FG_OK)
+                         taken += ' ' + words[i];
+                 settings.answer(taken);
              }},
-            {"limits",
-             [](Settings& its, const Lines& words) { its.answer(limits(*its.recordOf(words.at(1)))); }},
+            {"limits", [](Settings& settings,
+                          const Lines& words) { settings.answer(limits(*settings.recordOf(words.at(1)))); }},
             {"range",
-             [](Settings& its, const Lines& words) {
-                 its.setRange(*its.recordOf(words.at(1)), std::stoll(words.at(2)), std::stoll(words.at(3)));
+             [](Settings& settings, const Lines& words) {
+                 settings.setRange(*settings.recordOf(words.at(1)), std::stoll(words.at(2)),
+                                   std::stoll(words.at(3)));
              }},
             {"get",
-             [](Settings& its, const Lines& words) {
+             [](Settings& settings, const Lines& words) {
                  for (std::size_t i = 1; i < words.size(); ++i)
-                     its.getOne(words[i]);
+                     settings.getOne(words[i]);
              }},
-            {"table", [](Settings& its,
-                         const Lines& words) { its.showTable(*its.recordOf(words.at(1)), words.at(2)); }},
+            {"table",
+             [](Settings& settings, const Lines& words) {
+                 settings.showTable(*settings.recordOf(words.at(1)), words.at(2));
+             }},
         };
         return rows;
     }

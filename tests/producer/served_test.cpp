@@ -179,22 +179,25 @@ TEST_F(ServedStation, FalsePicturesHarmNobody) {
         {"a good one", good, sealed, GC_ERR_SUCCESS},
         {"no memory", good, nothing, GC_ERR_IO},
         {"memory that may still change", good, unsealed, GC_ERR_IO},
-        {"memory that is too small", with([](Picture& its) { its.size = 1U << 30U; }), sealed, GC_ERR_IO},
-        {"more pixels than anybody has", with([](Picture& its) { its.width = ~0U; }), sealed, GC_ERR_IO},
-        {"an unknown format", with([](Picture& its) { its.bits = 9; }), sealed, GC_ERR_TIMEOUT},
-        {"fewer bytes than pixels", with([](Picture& its) { its.size = 12; }), sealed, GC_ERR_SUCCESS},
-        {"more pixels than bytes", with([](Picture& its) { its.lines = 3; }), sealed, GC_ERR_SUCCESS},
-        {"fewer lines", with([](Picture& its) { its.lines = 1; }), sealed, GC_ERR_SUCCESS},
-        {"more bytes than pixels", with([](Picture& its) { its.size = 20, its.width = 3; }), sealed,
+        {"memory that is too small", with([](Picture& picture) { picture.size = 1U << 30U; }), sealed,
+         GC_ERR_IO},
+        {"more pixels than anybody has", with([](Picture& picture) { picture.width = ~0U; }), sealed,
+         GC_ERR_IO},
+        {"an unknown format", with([](Picture& picture) { picture.bits = 9; }), sealed, GC_ERR_TIMEOUT},
+        {"fewer bytes than pixels", with([](Picture& picture) { picture.size = 12; }), sealed,
          GC_ERR_SUCCESS},
+        {"more pixels than bytes", with([](Picture& picture) { picture.lines = 3; }), sealed, GC_ERR_SUCCESS},
+        {"fewer lines", with([](Picture& picture) { picture.lines = 1; }), sealed, GC_ERR_SUCCESS},
+        {"more bytes than pixels", with([](Picture& picture) { picture.size = 20, picture.width = 3; }),
+         sealed, GC_ERR_SUCCESS},
     };
     for (const Row& row : rows) {
         const Memory memory(size, row.given == sealed);
-        const FakeStation station([&](FakeStation& its, const ToStation& to) {
+        const FakeStation station([&](FakeStation& self, const ToStation& to) {
             const auto* accept = std::get_if<Accept>(&to.request);
             if (accept != nullptr && accept->room == 1 && accept->received == 0)
-                its.send(encoded(ToClient{0, row.picture}),
-                         row.given == nothing ? -1 : memory.shared.descriptor());
+                self.send(encoded(ToClient{0, row.picture}),
+                          row.given == nothing ? -1 : memory.shared.descriptor());
             return accept != nullptr;
         });
         ProducerSession session("station-fake");
@@ -252,10 +255,10 @@ TEST_F(ServedStation, OneThatDoesNotAnswerBlocksNoOtherDevice) {
 }
 
 TEST_F(ServedStation, ItsEndEndsAllWaits) {
-    const FakeStation station([](FakeStation& its, const ToStation& to) {
+    const FakeStation station([](FakeStation& self, const ToStation& to) {
         const auto* read = std::get_if<ReadValue>(&to.request);
         const bool isLast = read != nullptr && read->name == "FG_YOFFSET";
-        if (isLast) its.end();
+        if (isLast) self.end();
         return isLast;
     });
     ProducerSession session("station-fake");

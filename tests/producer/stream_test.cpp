@@ -150,10 +150,10 @@ TEST_F(ProducerStream, SmallBuffersAreMarked) {
     EXPECT_EQ(session.bufferNumber(buffer, BUFFER_INFO_SIZE_FILLED), 64U);
     EXPECT_NE(memory[63], 0);
     EXPECT_EQ(memory[64], 0); // nothing is written after it
-    void* its = nullptr;
+    void* revoked = nullptr;
     void* user = nullptr;
-    ok(DSRevokeBuffer(session.stream, buffer, &its, &user));
-    EXPECT_TRUE(its == memory && user == &session);
+    ok(DSRevokeBuffer(session.stream, buffer, &revoked, &user));
+    EXPECT_TRUE(revoked == memory && user == &session);
 }
 
 TEST_F(ProducerInRealTime, WithoutBuffersTheDmaWaitsAndTheBoardLosesImages) {

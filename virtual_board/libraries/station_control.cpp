@@ -124,9 +124,9 @@ vboard_frames* vboard_memory(LOOMdevice* board, size_t frames, uint64_t bytes, i
     if (board == nullptr || frames == 0) return none;
     return guarded(none, [&] {
         using Kind = station::HostMemory::Kind;
-        const Kind its = kind == VBOARD_BLOCKING ? Kind::blocking : Kind::ring;
+        const Kind memoryKind = kind == VBOARD_BLOCKING ? Kind::blocking : Kind::ring;
         std::unique_ptr<vboard_frames> memory(
-            new vboard_frames{*board, std::make_shared<station::HostMemory>(frames, bytes, its)});
+            new vboard_frames{*board, std::make_shared<station::HostMemory>(frames, bytes, memoryKind)});
         const MutexLock lock(board->mutex());
         board->addMemory(*memory);
         board->hold();

@@ -92,7 +92,7 @@ public:
             findMoved(value);
         probe.restore();
         for (std::size_t index = 0; index < probe.count(); ++index) {
-            probe.session().tellProgress(index, probe.count());
+            probe.session().reportProgress(index, probe.count());
             if (index == subject) continue;
             for (const Value& value : probe.otherValues(index))
                 findMovers({index, value});

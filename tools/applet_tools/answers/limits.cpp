@@ -224,7 +224,7 @@ json limitsJob(ScratchSession& session, const json& arguments) {
         if (seen.insert(target.name()).second) subjects.push_back(subjectOf(probe, target));
     json answers = json::array();
     for (const Subject& subject : subjects) {
-        session.tellProgress(answers.size(), subjects.size());
+        session.reportProgress(answers.size(), subjects.size());
         answers.push_back(toMessage(acceptedValues(probe, subject)));
     }
     return answers;

@@ -48,38 +48,38 @@ private:
     Ticks now() const { return m_instance.board().now(m_instance.device()); }
 
     Expected expected() const {
-        Expected its{.period = number("FG_LINEPERIODE"),
-                     .exposure = number("FG_LINEEXPOSURE"),
-                     .delay = number("FG_LINETRIGGERDELAY"),
-                     .linePeriod = {},
-                     .imagePeriod = {},
-                     .isExternal = isExternal(m_settings.get<std::int32_t>("FG_LINETRIGGERMODE")),
-                     .isExSyncLow = is("FG_EXSYNCPOLARITY", FG_LOW),
-                     .isFlashLow = is("FG_FLASH_POLARITY", FG_LOW),
-                     .hasEdges = true};
-        its.hasEdges = its.isExternal || its.exposure < its.period;
-        addSource(its);
-        return its;
+        Expected expected{.period = number("FG_LINEPERIODE"),
+                          .exposure = number("FG_LINEEXPOSURE"),
+                          .delay = number("FG_LINETRIGGERDELAY"),
+                          .linePeriod = {},
+                          .imagePeriod = {},
+                          .isExternal = isExternal(m_settings.get<std::int32_t>("FG_LINETRIGGERMODE")),
+                          .isExSyncLow = is("FG_EXSYNCPOLARITY", FG_LOW),
+                          .isFlashLow = is("FG_FLASH_POLARITY", FG_LOW),
+                          .hasEdges = true};
+        expected.hasEdges = expected.isExternal || expected.exposure < expected.period;
+        addSource(expected);
+        return expected;
     }
 
     /** The periods of the lines and the images, where the settings fix them. */
-    void addSource(Expected& its) const {
+    void addSource(Expected& expected) const {
         if (!is("FG_CAMERASIMULATOR_ENABLE", FG_CAMERASIMULATOR)) return;
         const bool isFree = is("FG_CAMERASIMULATOR_TRIGGER_MODE", SIMULATION_FREE_RUN);
         const bool hasFrames = isFree && is("FG_CAMERASIMULATOR_SELECT_MODE", FG_FRAMERATE);
         if (isFree && !hasFrames)
-            its.linePeriod = 1e6 / number("FG_CAMERASIMULATOR_LINERATE");
+            expected.linePeriod = 1e6 / number("FG_CAMERASIMULATOR_LINERATE");
         else if (is("FG_CAMERASIMULATOR_TRIGGER_MODE", RISING_EDGE_TRIGGERS_LINE) && isExSyncAtCamera() &&
-                 its.hasEdges)
-            its.linePeriod = its.period;
+                 expected.hasEdges)
+            expected.linePeriod = expected.period;
         if (!is("FG_IMGTRIGGERMODE", FREE_RUN) && !is("FG_IMGTRIGGERON", FG_OFF)) return;
         // One image of so many is taken, and its lines may be more or fewer than those of a frame.
         const double lines = number("FG_IMG_SELECT_PERIOD") * (number("FG_HEIGHT") + number("FG_YOFFSET"));
         if (hasFrames)
-            its.imagePeriod =
+            expected.imagePeriod =
                 lines / number("FG_CAMERASIMULATOR_HEIGHT") * 1e6 / number("FG_CAMERASIMULATOR_FRAMERATE");
-        else if (its.linePeriod)
-            its.imagePeriod = *its.linePeriod * lines;
+        else if (expected.linePeriod)
+            expected.imagePeriod = *expected.linePeriod * lines;
     }
 
     bool isExSyncAtCamera() const {

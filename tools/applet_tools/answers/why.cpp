@@ -118,7 +118,7 @@ json whyJob(ScratchSession& session, const json& arguments) {
     const auto words = arguments.at("words").get<Words>();
     json answers = json::array();
     for (const std::string& word : words) {
-        session.tellProgress(answers.size(), words.size());
+        session.reportProgress(answers.size(), words.size());
         answers.push_back(answerTo(probe, word));
         probe.restore();
     }

@@ -38,7 +38,7 @@ public:
     const std::vector<std::string>& designNames();
     const BoardOptions& options() const { return m_options; }
     /** Reports the progress of the job. */
-    void tellProgress(std::size_t done, std::size_t total) const {
+    void reportProgress(std::size_t done, std::size_t total) const {
         if (onProgress) onProgress(done, total);
     }
     std::function<void(std::size_t done, std::size_t total)> onProgress;

@@ -72,7 +72,7 @@ json defaultsAndRolesJob(ScratchSession& session, const json& arguments) {
     if (!arguments.at("roles").get<bool>()) return defaultsAndRoles;
     RolesInFile roles(session.instance(), session.parameters());
     for (std::size_t done = 0; const std::string& name : names) {
-        session.tellProgress(done++, names.size());
+        session.reportProgress(done++, names.size());
         defaultsAndRoles[name]["fileRole"] = roles.of(name);
     }
     return defaultsAndRoles;

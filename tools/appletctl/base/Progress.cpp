@@ -2,7 +2,7 @@
 
 #include "applet_tools/base/numbers.h"
 #include "appletctl/base/layout.h"
-#include "appletctl/base/output.h"
+#include "appletctl/base/terminal.h"
 
 #include <unistd.h>
 

@@ -2,7 +2,8 @@
 
 #include "applet_tools/base/text.h"
 #include "appletctl/base/layout.h"
-#include "appletctl/base/output.h"
+#include "appletctl/base/output_mode.h"
+#include "appletctl/base/terminal.h"
 
 #include <algorithm>
 #include <numeric>

@@ -2,6 +2,7 @@
 #ifndef APPLETCTL_CLI_COMMAND_LINE_H
 #define APPLETCTL_CLI_COMMAND_LINE_H
 
+#include "appletctl/base/Report.h"
 #include "appletctl/cli/registry.h"
 
 #include <string>

@@ -1,8 +1,9 @@
 #include "appletctl/cli/help.h"
 
+#include "applet_tools/base/errors.h"
 #include "applet_tools/base/text.h"
 #include "appletctl/base/layout.h"
-#include "appletctl/base/output.h"
+#include "appletctl/base/terminal.h"
 #include "appletctl/cli/command_tree.h"
 #include "appletctl/cli/usage_errors.h"
 

@@ -1,5 +1,7 @@
 /** appletctl: shows and sets the parameters of the applet. */
 #include "applet_tools/base/files.h"
+#include "appletctl/base/output_mode.h"
+#include "appletctl/base/print.h"
 #include "appletctl/cli/execute.h"
 
 #include <iostream>

@@ -1,8 +1,8 @@
 #include "appletctl/cli/usage_errors.h"
 
+#include "applet_tools/base/errors.h"
 #include "applet_tools/base/numbers.h"
 #include "applet_tools/base/text.h"
-#include "appletctl/base/output.h"
 #include "appletctl/cli/command_tree.h"
 #include "appletctl/cli/registry.h"
 

@@ -3,7 +3,7 @@
 #ifndef APPLETCTL_COMMANDS_COMMAND_H
 #define APPLETCTL_COMMANDS_COMMAND_H
 
-#include "appletctl/base/output.h"
+#include "appletctl/base/Report.h"
 #include "appletctl/commands/Context.h"
 
 #include <string>

@@ -1,5 +1,6 @@
 #include "appletctl/commands/CommandRun.h"
 
+#include "applet_tools/base/text.h"
 #include "applet_tools/scratch/probe/refusal.h"
 #include "appletctl/commands/assignment_report.h"
 #include "appletctl/commands/shared_options.h"
@@ -19,6 +20,11 @@ int CommandRun::set(const char* name, const Value& value) {
 void CommandRun::refuse(const std::string& words) {
     report.problems.push_back(words);
     report.exitCode = exitRefused;
+}
+
+void CommandRun::fail(const std::string& words) {
+    refuse(words);
+    report.document["error"] = {{"kind", "failure"}, {"message", join(report.problems, "; ")}};
 }
 
 Words behindFirst(const Words& words) { return Words(words.begin() + 1, words.end()); }

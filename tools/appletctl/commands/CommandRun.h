@@ -4,7 +4,7 @@
 
 #include "applet_tools/applet/ParameterReader.h"
 #include "applet_tools/applet/assignments.h"
-#include "appletctl/base/output.h"
+#include "appletctl/base/Report.h"
 #include "appletctl/commands/Context.h"
 
 #include <string>
@@ -20,6 +20,8 @@ struct CommandRun {
     int set(const char* name, const Value& value);
     /** Adds the problem; the program exits with 1. */
     void refuse(const std::string& words);
+    /** The same for work that is already partly done: the document has the problems too, as its error. */
+    void fail(const std::string& words);
 
     Instance& instance;
     const ParameterList& parameters;

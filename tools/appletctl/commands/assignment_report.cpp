@@ -1,8 +1,11 @@
 #include "appletctl/commands/assignment_report.h"
 
 #include "applet_tools/applet/hardware_values.h"
+#include "applet_tools/base/errors.h"
 #include "applet_tools/base/text.h"
 #include "applet_tools/scratch/probe/refusal.h"
+#include "appletctl/base/output_mode.h"
+#include "appletctl/base/report_text.h"
 #include "appletctl/commands/lines.h"
 
 #include <utility>

@@ -3,7 +3,7 @@
 #define APPLETCTL_COMMANDS_ASSIGNMENT_REPORT_H
 
 #include "applet_tools/applet/assignments.h"
-#include "appletctl/base/output.h"
+#include "appletctl/base/Report.h"
 #include "appletctl/commands/Context.h"
 
 #include <functional>

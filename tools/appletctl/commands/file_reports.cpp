@@ -1,6 +1,10 @@
 #include "appletctl/commands/file_reports.h"
 
 #include "applet_tools/base/text.h"
+#include "appletctl/base/Table.h"
+#include "appletctl/base/output_mode.h"
+#include "appletctl/base/report_text.h"
+#include "appletctl/base/terminal.h"
 
 #include <unistd.h>
 

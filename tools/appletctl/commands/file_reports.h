@@ -4,7 +4,7 @@
 
 #include "applet_tools/answers/differences.h"
 #include "applet_tools/answers/loading/loading.h"
-#include "appletctl/base/output.h"
+#include "appletctl/base/Report.h"
 
 #include <vector>
 

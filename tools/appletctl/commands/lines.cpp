@@ -1,6 +1,6 @@
 #include "appletctl/commands/lines.h"
 
-#include "appletctl/base/output.h"
+#include "appletctl/base/report_text.h"
 
 #include <sstream>
 

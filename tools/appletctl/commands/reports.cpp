@@ -1,6 +1,8 @@
 #include "appletctl/commands/reports.h"
 
 #include "applet_tools/base/text.h"
+#include "appletctl/base/output_mode.h"
+#include "appletctl/base/report_text.h"
 
 #include <algorithm>
 

@@ -2,7 +2,7 @@
 #ifndef APPLETCTL_COMMANDS_REPORTS_H
 #define APPLETCTL_COMMANDS_REPORTS_H
 
-#include "appletctl/base/output.h"
+#include "appletctl/base/Report.h"
 #include "appletctl/commands/Context.h"
 
 namespace appletctl {

@@ -3,7 +3,8 @@
 #define APPLETCTL_DRAW_PREVIEW_H
 
 #include "applet_tools/pictures/PictureView.h"
-#include "appletctl/base/output.h"
+#include "appletctl/base/applet_tools.h"
+#include "appletctl/base/terminal.h"
 
 #include <cstddef>
 #include <string>

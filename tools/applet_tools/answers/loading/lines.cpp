@@ -261,7 +261,7 @@ std::vector<Finding> examineLines(ScratchSession& session, FileKeys& keys, const
     std::size_t unknown = 0, done = 0;
     ValueCheck check(session, file);
     for (const auto& line : whole.values()) {
-        session.tellProgress(done++, whole.values().size());
+        session.reportProgress(done++, whole.values().size());
         if (!keys.defaults().values().find(line.key)) {
             if (++unknown <= mostUnknown) findings.push_back(unknownKey(session.parameters(), line.key));
             continue;

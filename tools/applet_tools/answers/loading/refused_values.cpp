@@ -110,7 +110,7 @@ std::vector<std::string> outcomesOf(ScratchSession& session, const Configuration
     std::map<std::string, KeySet> freed;
     bool isExplained = false; // the meaning of a kept value is the same for all, so it is said once
     for (Finding& finding : findings) {
-        session.tellProgress(outcomes.size(), findings.size());
+        session.reportProgress(outcomes.size(), findings.size());
         std::string& words = outcomes.emplace_back();
         if (finding.kind == FindingKind::kept)
             words =

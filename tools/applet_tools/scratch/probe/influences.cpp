@@ -29,7 +29,7 @@ public:
         }
         m_probe.restore();
         for (std::size_t index = 0; index < m_probe.count(); ++index) {
-            session.tellProgress(index, m_probe.count());
+            session.reportProgress(index, m_probe.count());
             for (const Value& value : m_probe.otherValues(index))
                 m_probe.tryChange({index, value}, [&] { compareOthers({index, value}); });
             m_probe.restore();

@@ -5,6 +5,7 @@
 #include "applet_tools/applet/assignments.h"
 #include "applet_tools/applet/files/ConfigurationFile.h"
 #include "applet_tools/applet/published_limits.h"
+#include "applet_tools/base/errors.h"
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"
 #include "applet_tools/base/words.h"

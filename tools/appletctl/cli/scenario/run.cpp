@@ -4,6 +4,10 @@
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"
 #include "appletctl/base/layout.h"
+#include "appletctl/base/output_mode.h"
+#include "appletctl/base/print.h"
+#include "appletctl/base/report_text.h"
+#include "appletctl/base/terminal.h"
 #include "appletctl/cli/scenario/Scenario.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/CommandRun.h"
@@ -25,13 +29,19 @@ namespace {
 
 using Outcome = TestCase::Outcome;
 
+std::string nameOf(const Step& step) { return "line " + numberText(step.line) + ": " + step.text; }
+
+TestCase notDone(const Step& step) {
+    return {.group = step.section, .name = nameOf(step), .outcome = Outcome::skipped, .message = ""};
+}
+
 /** Runs the step and measures its time. */
 TestCase doStep(ScenarioRunner& runner, const Step& step) {
     const auto start = std::chrono::steady_clock::now();
     const std::string wrong = runStep(runner, step);
     const std::chrono::duration<double> passed = std::chrono::steady_clock::now() - start;
     return {.group = step.section,
-            .name = "line " + numberText(step.line) + ": " + step.text,
+            .name = nameOf(step),
             .outcome = wrong.empty() ? Outcome::passed : Outcome::failed,
             .message = wrong,
             .seconds = passed.count()};
@@ -87,50 +97,78 @@ void addRunOptions(CLI::App& command, Options& options) {
     command.add_flag("--fail-fast", own.failFast, "End with the first step that fails");
 }
 
-Report runScenario(Context& context, const Words& words) {
-    Options options = context.options();     // steps have options of their own
-    options.own<YesOption>().isGiven = true; // consent to the run covers its steps
-    const RunOptions own = options.of<RunOptions>();
-    const std::string file = toUtf8(fileOf(words).c_str());
-    const std::vector<Step> steps = readScenario(fileOf(words), options);
-    if (!own.junitFile.empty()) requireWritable(own.junitFile);
-    const Interruption interruption;
-    ScenarioRunner runner(context);
-    checkSteps(runner, fileOf(words), steps);
-    std::vector<TestCase> tests(steps.size());
-    Report report;
-    const bool isPrinted = !options.json && !options.quiet;
-    bool goesOn = true;
-    for (std::size_t i = 0; i < steps.size(); ++i) {
-        context.pause();
-        if (!goesOn || interruption.isAsked()) {
-            tests[i].group = steps[i].section;
-            tests[i].name = "line " + numberText(steps[i].line) + ": " + steps[i].text;
-            continue;
+/** A scenario, from its file to the report. */
+class ScenarioRun {
+public:
+    /** Reads and checks all steps. Throws UsageError and Failure. */
+    ScenarioRun(Context& context, const Words& words)
+        : m_context(context)
+        , m_options(optionsOfSteps(context))
+        , m_own(m_options.of<RunOptions>())
+        , m_isPrinted(!m_options.json && !m_options.quiet)
+        , m_file(toUtf8(fileOf(words).c_str()))
+        , m_steps(readScenario(fileOf(words), m_options))
+        , m_runner(context) {
+        if (!m_own.junitFile.empty()) requireWritable(m_own.junitFile);
+        checkSteps(m_runner, fileOf(words), m_steps);
+    }
+
+    Report run() {
+        for (const Step& step : m_steps) {
+            m_context.pause();
+            m_tests.push_back(m_goesOn && !m_interruption.isAsked() ? doStep(m_runner, step) : notDone(step));
+            if (m_tests.back().outcome != Outcome::skipped) addResult(step, m_tests.back());
         }
-        tests[i] = doStep(runner, steps[i]);
-        report.notes.push_back("line " + numberText(steps[i].line) + ": " +
-                               numberText(std::round(tests[i].seconds * 1e4) / 10) + " ms");
-        if (isPrinted && !writeOut(stepLine(steps[i], tests[i]))) goesOn = !own.junitFile.empty(); // unread
-        if (tests[i].outcome != Outcome::failed) continue;
-        report.problems.push_back(file + ":" + numberText(steps[i].line) + ": " +
-                                  shortened(printable(steps[i].text), 200) + ": " + tests[i].message);
-        report.exitCode = exitRefused;
-        goesOn = goesOn && !own.failFast;
+        if (m_interruption.isAsked()) m_report.exitCode = exitInterrupted;
+        addSummary(m_report, m_file, m_steps, m_tests);
+        // Written here, while a closed pipe raises no signal.
+        m_report.isPrinted = m_isPrinted && (writeOut(laidOut(m_report)) || errno == EPIPE);
+        if (!m_own.junitFile.empty()) writeJunit();
+        return std::move(m_report);
     }
-    if (interruption.isAsked()) report.exitCode = exitInterrupted;
-    addSummary(report, file, steps, tests);
-    // Written here, while a closed pipe raises no signal.
-    report.isPrinted = isPrinted && (writeOut(laidOut(report)) || errno == EPIPE);
-    if (own.junitFile.empty()) return report;
-    try {
-        writeFile(own.junitFile, junitDocument(std::filesystem::path(file).stem(), tests));
-    } catch (const Failure& failure) { // the summary is printed nevertheless
-        report.problems.emplace_back(failure.what());
-        if (report.exitCode == exitDone) report.exitCode = exitRefused;
+
+private:
+    static Options optionsOfSteps(const Context& context) {
+        Options options = context.options();     // steps have options of their own
+        options.own<YesOption>().isGiven = true; // consent to the run covers its steps
+        return options;
     }
-    return report;
-}
+
+    /** Shows the result of a step that was done, and decides whether more follow. */
+    void addResult(const Step& step, const TestCase& test) {
+        m_report.notes.push_back("line " + numberText(step.line) + ": " +
+                                 numberText(std::round(test.seconds * 1e4) / 10) + " ms");
+        if (m_isPrinted && !writeOut(stepLine(step, test))) m_goesOn = !m_own.junitFile.empty(); // unread
+        if (test.outcome != Outcome::failed) return;
+        m_report.problems.push_back(m_file + ":" + numberText(step.line) + ": " +
+                                    shortened(printable(step.text), 200) + ": " + test.message);
+        m_report.exitCode = exitRefused;
+        m_goesOn = m_goesOn && !m_own.failFast;
+    }
+
+    void writeJunit() {
+        try {
+            writeFile(m_own.junitFile, junitDocument(std::filesystem::path(m_file).stem(), m_tests));
+        } catch (const Failure& failure) { // the summary is printed nevertheless
+            m_report.problems.emplace_back(failure.what());
+            if (m_report.exitCode == exitDone) m_report.exitCode = exitRefused;
+        }
+    }
+
+    Context& m_context;
+    const Options m_options;
+    const RunOptions m_own;
+    const bool m_isPrinted;
+    const std::string m_file;
+    const std::vector<Step> m_steps;
+    const Interruption m_interruption;
+    ScenarioRunner m_runner;
+    std::vector<TestCase> m_tests;
+    Report m_report;
+    bool m_goesOn = true;
+};
+
+Report runScenario(Context& context, const Words& words) { return ScenarioRun(context, words).run(); }
 
 } // namespace
 

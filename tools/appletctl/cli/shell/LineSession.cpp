@@ -2,6 +2,9 @@
 
 #include "applet_tools/base/Interruption.h"
 #include "applet_tools/base/text.h"
+#include "appletctl/base/output_mode.h"
+#include "appletctl/base/print.h"
+#include "appletctl/base/report_text.h"
 #include "appletctl/cli/execute.h"
 #include "appletctl/cli/help.h"
 #include "appletctl/commands/lines.h"

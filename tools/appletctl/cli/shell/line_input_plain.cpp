@@ -1,6 +1,5 @@
+#include "appletctl/base/print.h"
 #include "appletctl/cli/shell/line_input.h"
-
-#include "appletctl/base/output.h"
 
 #include <iostream>
 #include <utility>

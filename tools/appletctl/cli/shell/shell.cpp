@@ -2,6 +2,7 @@
 
 #include "applet_tools/base/Interruption.h"
 #include "applet_tools/base/numbers.h"
+#include "appletctl/base/print.h"
 #include "appletctl/cli/shell/LineSession.h"
 #include "appletctl/cli/shell/line_input.h"
 #include "appletctl/cli/station_client.h"

@@ -4,7 +4,7 @@
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/words.h"
-#include "appletctl/base/output.h"
+#include "appletctl/base/Report.h"
 #include "serve/CommandClient.h"
 
 #include <fcntl.h>

@@ -2,6 +2,8 @@
 
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"
+#include "appletctl/base/print.h"
+#include "appletctl/base/report_text.h"
 #include "appletctl/cli/station/CommandServer.h"
 #include "appletctl/cli/station/detached_station.h"
 #include "appletctl/cli/station/http_options.h"

@@ -2,6 +2,10 @@
 
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/text.h"
+#include "appletctl/base/Table.h"
+#include "appletctl/base/output_mode.h"
+#include "appletctl/base/report_text.h"
+#include "appletctl/base/terminal.h"
 #include "appletctl/commands/Command.h"
 #include "serve/CommandClient.h"
 

@@ -1,5 +1,8 @@
 #include "applet_tools/answers/dependencies.h"
 #include "applet_tools/base/text.h"
+#include "appletctl/base/Table.h"
+#include "appletctl/base/report_text.h"
+#include "appletctl/base/terminal.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/reports.h"
 #include "appletctl/commands/shared_options.h"

@@ -2,9 +2,11 @@
 
 #include "applet_tools/applet/assignments.h"
 #include "applet_tools/applet/hardware_values.h"
+#include "applet_tools/base/errors.h"
 #include "applet_tools/base/text.h"
 #include "applet_tools/scratch/BoardState.h"
 #include "applet_tools/scratch/probe/refusal.h"
+#include "appletctl/base/report_text.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/assignment_report.h"
 #include "appletctl/commands/reports.h"

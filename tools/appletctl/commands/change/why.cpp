@@ -4,6 +4,8 @@
 #include "applet_tools/answers/why.h"
 #include "applet_tools/answers/answer_rows.h"
 #include "applet_tools/base/text.h"
+#include "appletctl/base/Table.h"
+#include "appletctl/base/terminal.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/lines.h"
 #include "appletctl/commands/reports.h"

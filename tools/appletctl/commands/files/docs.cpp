@@ -1,9 +1,11 @@
 // The documentation of all parameters, made from the tree: an HTML page, and manual pages.
 
 #include "applet_tools/applet/files/MemoryFile.h"
+#include "applet_tools/base/errors.h"
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"
 #include "appletctl/base/layout.h"
+#include "appletctl/base/report_text.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/HelpPage.h"
 #include "appletctl/commands/files/documented.h"

@@ -2,8 +2,13 @@
 
 #include "applet_tools/applet/files/LutTables.h"
 #include "applet_tools/applet/files/MemoryFile.h"
+#include "applet_tools/base/errors.h"
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"
+#include "appletctl/base/Table.h"
+#include "appletctl/base/output_mode.h"
+#include "appletctl/base/report_text.h"
+#include "appletctl/base/terminal.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/CommandRun.h"
 #include "appletctl/commands/files/curve.h"

@@ -1,5 +1,6 @@
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"
+#include "appletctl/base/report_text.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/CommandRun.h"
 #include "appletctl/commands/file_reports.h"

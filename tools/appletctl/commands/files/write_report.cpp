@@ -1,7 +1,10 @@
 // Collects the information that support needs in one text or document.
 
+#include "applet_tools/base/errors.h"
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"
+#include "appletctl/base/output_mode.h"
+#include "appletctl/base/report_text.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/shared_options.h"
 

@@ -1,7 +1,12 @@
 #include "appletctl/commands/files/xml.h"
 
+#include "applet_tools/base/errors.h"
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"
+#include "appletctl/base/Table.h"
+#include "appletctl/base/output_mode.h"
+#include "appletctl/base/report_text.h"
+#include "appletctl/base/terminal.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/shared_options.h"
 

@@ -2,6 +2,8 @@
 #include "applet_tools/applet/values.h"
 #include "applet_tools/base/text.h"
 #include "applet_tools/scratch/defaults_and_roles.h"
+#include "appletctl/base/Table.h"
+#include "appletctl/base/terminal.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/lines.h"
 

@@ -1,6 +1,8 @@
 #include "applet_tools/applet/Instance.h"
 #include "applet_tools/base/numbers.h"
 #include "applet_tools/base/text.h"
+#include "appletctl/base/Table.h"
+#include "appletctl/base/terminal.h"
 #include "appletctl/commands/Command.h"
 
 #include <unistd.h>

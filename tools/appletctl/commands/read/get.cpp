@@ -1,4 +1,6 @@
+#include "applet_tools/base/errors.h"
 #include "applet_tools/scratch/BoardState.h"
+#include "appletctl/base/report_text.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/lines.h"
 

@@ -1,7 +1,11 @@
 #include "applet_tools/applet/published_limits.h"
+#include "applet_tools/base/errors.h"
 #include "applet_tools/base/text.h"
 #include "applet_tools/scratch/BoardState.h"
 #include "applet_tools/scratch/defaults_and_roles.h"
+#include "appletctl/base/Table.h"
+#include "appletctl/base/output_mode.h"
+#include "appletctl/base/terminal.h"
 #include "appletctl/commands/Command.h"
 
 #include <CLI/CLI.hpp>

@@ -1,5 +1,8 @@
 #include "applet_tools/answers/lint/lint.h"
+#include "applet_tools/base/errors.h"
 #include "applet_tools/base/text.h"
+#include "appletctl/base/output_mode.h"
+#include "appletctl/base/report_text.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/CommandRun.h"
 #include "appletctl/commands/assignment_report.h"

@@ -3,6 +3,9 @@
 #include "applet_tools/answers/measured_timing.h"
 #include "applet_tools/base/Interruption.h"
 #include "applet_tools/base/text.h"
+#include "appletctl/base/Table.h"
+#include "appletctl/base/report_text.h"
+#include "appletctl/base/terminal.h"
 
 #include <unistd.h>
 

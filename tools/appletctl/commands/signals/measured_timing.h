@@ -4,7 +4,7 @@
 
 #include "applet_tools/answers/measured_timing.h"
 #include "applet_tools/station/waves.h"
-#include "appletctl/base/output.h"
+#include "appletctl/base/Report.h"
 #include "appletctl/commands/Context.h"
 #include "appletctl/draw/waves.h"
 

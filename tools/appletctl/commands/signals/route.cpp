@@ -3,8 +3,11 @@
 // a scratch board gets the same values.
 
 #include "applet_tools/answers/routes.h"
+#include "applet_tools/base/errors.h"
 #include "applet_tools/base/text.h"
 #include "applet_tools/scratch/probe/refusal.h"
+#include "appletctl/base/Table.h"
+#include "appletctl/base/terminal.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/assignment_report.h"
 #include "appletctl/commands/shared_options.h"

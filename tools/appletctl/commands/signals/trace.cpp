@@ -5,6 +5,7 @@
 #include "applet_tools/base/DocumentField.h"
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"
+#include "appletctl/base/report_text.h"
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/lines.h"
 

@@ -2,7 +2,7 @@
 #ifndef APPLETCTL_COMMANDS_SIGNALS_TRACE_H
 #define APPLETCTL_COMMANDS_SIGNALS_TRACE_H
 
-#include "appletctl/base/output.h"
+#include "appletctl/base/Report.h"
 #include "appletctl/commands/Context.h"
 
 #include <functional>

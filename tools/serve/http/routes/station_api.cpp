@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <optional>
 
 namespace serve {
 namespace {
@@ -19,9 +20,46 @@ constexpr std::size_t mostStreams = 64;
 constexpr auto samplePeriod = 250ms;
 constexpr auto keepAlivePeriod = 15s;
 
-Json signalAsJson(SharedStation& station, const StationSignal& signal, Ticks from, Ticks to,
+/** What the query of a timeline asks for. */
+struct TimelineRequest {
+    std::optional<std::int64_t> from, to;
+    std::vector<StationSignal> signals;
+    std::size_t most; /**< edges of a signal, and events */
+};
+
+TimelineRequest timelineRequestFrom(const Query& query) {
+    constexpr std::int64_t usualEdges = 4000, mostEdges = 32768;
+    constexpr std::int64_t anyTick = std::numeric_limits<std::int64_t>::max();
+    TimelineRequest asked{.from = query.number("from", 0, anyTick),
+                          .to = query.number("to", 0, anyTick),
+                          .signals = {},
+                          .most = 0};
+    if (asked.from && asked.to && *asked.from > *asked.to)
+        throw HttpError(status::badRequest, "invalid",
+                        "from=" + query.text("from") + " is after to=" + query.text("to") +
+                            ": a span ends where it begins, or later");
+    asked.most = static_cast<std::size_t>(query.number("most", 1, mostEdges).value_or(usualEdges));
+    for (const std::string& name : query.list("names"))
+        asked.signals.push_back(applet_tools::signalFrom(name));
+    if (asked.signals.empty()) asked.signals = applet_tools::stationSignals();
+    return asked;
+}
+
+struct TickSpan {
+    Ticks from = 0, to = 0;
+};
+
+/** The part of the span that has passed; the last second where no start is asked for. */
+TickSpan spanOf(const TimelineRequest& asked, Ticks now) {
+    const Ticks to = asked.to ? std::min(now, static_cast<Ticks>(*asked.to)) : now;
+    const Ticks from = asked.from ? std::min(to, static_cast<Ticks>(*asked.from))
+                                  : to - std::min(to, applet_tools::ticksPerSecond);
+    return {from, to};
+}
+
+Json signalAsJson(SharedStation& station, const StationSignal& signal, const TickSpan& span,
                   std::size_t most) {
-    const Waveform waveform = waveformOf(station.instance(), signal.select, from, to);
+    const Waveform waveform = waveformOf(station.instance(), signal.select, span.from, span.to);
     const bool isCut = !waveform.isComplete || waveform.edges.size() > most;
     const auto first = waveform.edges.size() > most ? waveform.edges.end() - static_cast<std::ptrdiff_t>(most)
                                                     : waveform.edges.begin();
@@ -34,6 +72,28 @@ Json signalAsJson(SharedStation& station, const StationSignal& signal, Ticks fro
             {"startsHigh", isHigh},
             {"edges", std::move(edges)},
             {"isCut", isCut}};
+}
+
+/** The kept pictures whose lines came within the span, in part at least. */
+Json imagesAsJson(const SharedStation& station, const TickSpan& span) {
+    Json images = Json::array();
+    if (!station.pictures) return images;
+    for (const LivePictures::Picture& picture : station.pictures->allKept()) {
+        const auto& record = picture->record();
+        if (record.first_line > span.to || record.last_line < span.from) continue;
+        images.push_back({{"number", picture->number()},
+                          {"from", record.first_line},
+                          {"to", record.last_line},
+                          {"arrival", record.arrival}});
+    }
+    return images;
+}
+
+void addEvents(Json& document, const SharedStation::EventSpan& span) {
+    Json& events = document["events"] = Json::array();
+    for (const SharedStation::StationEvent& event : span.events)
+        events.push_back({{"tick", event.tick}, {"name", event.name}});
+    document["areEventsCut"] = span.isCut;
 }
 
 /** The state of a client's stream. */
@@ -78,49 +138,24 @@ HttpAnswer showLosses(SharedStation& station, const HttpRequest&, const std::str
 }
 
 HttpAnswer showTimeline(SharedStation& station, const HttpRequest& request, const std::string&) {
-    constexpr std::int64_t usualEdges = 4000, mostEdges = 32768;
-    constexpr std::int64_t anyTick = std::numeric_limits<std::int64_t>::max();
     station.requireVirtual();
-    const Query query(request);
-    const auto askedFrom = query.number("from", 0, anyTick), askedTo = query.number("to", 0, anyTick);
-    if (askedFrom && askedTo && *askedFrom > *askedTo)
-        throw HttpError(status::badRequest, "invalid",
-                        "from=" + query.text("from") + " is after to=" + query.text("to") +
-                            ": a span ends where it begins, or later");
-    const auto most = static_cast<std::size_t>(query.number("most", 1, mostEdges).value_or(usualEdges));
-    std::vector<StationSignal> signals;
-    for (const std::string& name : query.list("names"))
-        signals.push_back(applet_tools::signalFrom(name));
-    if (signals.empty()) signals = applet_tools::stationSignals();
+    const TimelineRequest asked = timelineRequestFrom(Query(request));
     Json document;
+    TickSpan span;
     station.commands.run(Work::reads, [&] {
         // Events are taken after the time is read, so that there are all of them up to it.
         const Ticks now = station.instance().board().now(station.instance().device());
         station.live.takeEvents();
-        const Ticks to = askedTo ? std::min(now, static_cast<Ticks>(*askedTo)) : now;
-        const Ticks from = askedFrom ? std::min(to, static_cast<Ticks>(*askedFrom))
-                                     : to - std::min(to, applet_tools::ticksPerSecond);
-        document["from"] = from;
-        document["to"] = to;
+        span = spanOf(asked, now);
+        document["from"] = span.from;
+        document["to"] = span.to;
         document["now"] = now;
         document["tickNs"] = 1e9 / static_cast<double>(applet_tools::ticksPerSecond);
-        for (const StationSignal& signal : signals)
-            document["signals"].push_back(signalAsJson(station, signal, from, to, most));
+        for (const StationSignal& signal : asked.signals)
+            document["signals"].push_back(signalAsJson(station, signal, span, asked.most));
     });
-    const Ticks from = document["from"], to = document["to"];
-    document["images"] = Json::array();
-    if (station.pictures)
-        for (const LivePictures::Picture& picture : station.pictures->allKept())
-            if (const auto& record = picture->record(); record.first_line <= to && record.last_line >= from)
-                document["images"].push_back({{"number", picture->number()},
-                                              {"from", record.first_line},
-                                              {"to", record.last_line},
-                                              {"arrival", record.arrival}});
-    document["events"] = Json::array();
-    const SharedStation::EventSpan span = station.eventsBetween(from, to, most);
-    document["areEventsCut"] = span.isCut;
-    for (const SharedStation::StationEvent& event : span.events)
-        document["events"].push_back({{"tick", event.tick}, {"name", event.name}});
+    document["images"] = imagesAsJson(station, span);
+    addEvents(document, station.eventsBetween(span.from, span.to, asked.most));
     return jsonAnswer(document);
 }
 
