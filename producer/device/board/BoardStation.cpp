@@ -1,6 +1,7 @@
 #include "device/board/BoardStation.h"
 
 #include "applet_host/parameter_access.h"
+#include "applet_host/text_encoding.h"
 #include "device/board/station_file.h"
 
 #include <utility>

@@ -4,6 +4,7 @@
 #include "applet_tools/applet/ParameterReader.h"
 #include "applet_tools/applet/assignments.h"
 #include "applet_tools/applet/published_limits.h"
+#include "applet_tools/applet/timing/line_timing.h"
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"
