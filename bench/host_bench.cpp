@@ -51,6 +51,9 @@ void set_vexo(benchmark::State& state) {
         benchmark::DoNotOptimize(vexo_set_int(handle, FG_WIDTH, value ^= 1024 ^ 2048));
 }
 
+/** The settings of the pictures of both; the sets above leave one of two widths. */
+constexpr std::uint32_t pictureSource = FG_CAMERASIMULATOR, pictureWidth = 1024;
+
 /** For the pictures of both: the pages of two blocks may differ in speed. */
 std::vector<std::uint8_t>& pictureBytes() {
     static std::vector<std::uint8_t> bytes(1 << 26);
@@ -59,9 +62,11 @@ std::vector<std::uint8_t>& pictureBytes() {
 
 void render_board(benchmark::State& state) {
     const auto& host = session().host;
-    const std::uint32_t simulator = FG_CAMERASIMULATOR;
-    host.applet().Fg_setParameterWithType(session().fg(), FG_CAMERASIMULATOR_ENABLE, &simulator, 0,
-                                          FG_PARAM_UINT32);
+    const auto set = [&](int id, std::uint32_t value) {
+        host.applet().Fg_setParameterWithType(session().fg(), id, &value, 0, FG_PARAM_UINT32);
+    };
+    set(FG_CAMERASIMULATOR_ENABLE, pictureSource);
+    set(FG_WIDTH, pictureWidth);
     vboard_frames* const memory = host.board().memory(session().device, 1, 1 << 26, VBOARD_BLOCKING);
     host.applet().Fg_AcquireEx(session().fg(), 0, 0, 0, memory);
     host.board().wait(session().device, 1, VEXO_TICKS_PER_SECOND);
@@ -74,7 +79,8 @@ void render_board(benchmark::State& state) {
 
 void render_vexo(benchmark::State& state) {
     vexo_station* const handle = station().handle();
-    station().set("FG_CAMERASIMULATOR_ENABLE", FG_CAMERASIMULATOR);
+    station().set("FG_CAMERASIMULATOR_ENABLE", pictureSource);
+    station().set("FG_WIDTH", pictureWidth);
     vexo_picture picture{};
     vexo_start(handle, 1, VEXO_KEEP);
     vexo_wait_picture(handle, 1, 1, -1, &picture);
