@@ -1,6 +1,7 @@
 // The simulated station: time, waves, station files, events.
 
 #include "applet_tools/applet/assignments.h"
+#include "applet_tools/applet/events.h"
 #include "applet_tools/applet/timing/ticks.h"
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/files.h"
@@ -152,35 +153,17 @@ int vexo_set_up_text(vexo_station* station, const char* json, const char* folder
 int vexo_event_mask(vexo_station* station, const char* name, uint64_t* mask) {
     if (name == nullptr) return failNull("the name");
     if (mask == nullptr) return failNull("the pointer for the mask");
-    return onStation(station, [&](vexo_station& own) {
-        const std::uint64_t found = own.instance.applet().Fg_getEventMask(own.fg, name);
-        if (found == 0) {
-            applet_tools::Words names;
-            for (int bit = 0; bit < 64; ++bit)
-                if (const char* const published = nameOf(own, std::uint64_t{1} << bit))
-                    names.emplace_back(published);
-            const applet_tools::Words near = applet_tools::nearestWords(name, names);
-            throw Error(VEXO_ERR_NAME,
-                        "there is no event " + applet_tools::inQuotedWord(name) +
-                            applet_tools::didYouMean(near),
-                        {{"suggestions", near}});
-        }
-        *mask = found;
-    });
+    return onStation(station,
+                     [&](vexo_station& own) { *mask = applet_tools::eventMask(own.instance, name); });
 }
 
 int vexo_event_at(vexo_station* station, uint32_t index, const char** name, uint64_t* mask) {
     if (name == nullptr || mask == nullptr) return failNull("the pointer for the name or the mask");
     return onStation(station, [&](vexo_station& own) {
-        std::uint32_t left = index;
-        for (int bit = 0; bit < 64; ++bit) {
-            const char* const found = nameOf(own, std::uint64_t{1} << bit);
-            if (found == nullptr || left-- > 0) continue;
-            *name = found;
-            *mask = std::uint64_t{1} << bit;
-            return;
-        }
-        throw Error(VEXO_ERR_NAME, "there is no event " + std::to_string(index));
+        const auto events = applet_tools::eventsOf(own.instance);
+        if (index >= events.size()) throw Error(VEXO_ERR_NAME, "there is no event " + std::to_string(index));
+        *mask = events[index].mask;
+        *name = nameOf(own, *mask);
     });
 }
 

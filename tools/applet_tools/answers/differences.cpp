@@ -1,6 +1,6 @@
 #include "applet_tools/answers/differences.h"
 
-#include "applet_tools/answers/loading/rates.h"
+#include "applet_tools/applet/timing/simulator_rates.h"
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"
@@ -19,12 +19,10 @@ bool isSame(const Parameter& parameter, const std::optional<std::string>& a,
     return a && b ? isSameValue(parameter, *a, *b) : a.has_value() == b.has_value();
 }
 
-constexpr const char *lineRate = "FG_CAMERASIMULATOR_LINERATE", *frameRate = "FG_CAMERASIMULATOR_FRAMERATE";
-
 /** True for a rate that the mode of each configuration computes from other parameters; a load ignores it. */
 bool isComputed(std::string_view key, const std::vector<const ConfigurationFile*>& files) {
-    if (key != lineRate && key != frameRate) return false;
-    const int own = key == lineRate ? FG_LINERATE : FG_FRAMERATE;
+    if (!SimulatorRates::isOne(key)) return false;
+    const int own = key == SimulatorRates::lineName ? FG_LINERATE : FG_FRAMERATE;
     return std::ranges::all_of(files, [&](const ConfigurationFile* file) {
         const std::string mode = file->value("FG_CAMERASIMULATOR_SELECT_MODE").value_or("");
         return !mode.empty() && wholeNumber<int>(mode) != own;
@@ -63,8 +61,8 @@ std::vector<Difference> differencesOf(const std::vector<Side>& sides, const Para
         const bool areSame = std::ranges::all_of(
             values, [&](const auto& value) { return isSame(parameter, values.front(), value); });
         if (areSame || !keys.isReadByLoad(line.key)) continue;
-        const bool isMoved =
-            files.size() == 2 && isNextCycle(parameters, line.key, *files.front(), *files.back());
+        const bool isMoved = files.size() == 2 && isNextCycle(parameters, line.key, ratesIn(*files.front()),
+                                                              ratesIn(*files.back()));
         if (!isMoved && isComputed(line.key, files)) continue;
         Difference difference{parameter.name, {}, {{"name", parameter.name}, {"unit", parameter.unit()}}};
         for (std::size_t i = 0; i < sides.size(); ++i) {

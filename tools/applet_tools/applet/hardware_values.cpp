@@ -96,9 +96,12 @@ bool areNeighbours(const Parameter& parameter, const Value& saved, const Value& 
     return std::fabs(std::round(cyclesOf(*first)) - std::round(cyclesOf(*second))) <= 1;
 }
 
+bool isComputedNow(const Parameter& parameter) {
+    return parameter.kind() == REGISTER_KIND_DOUBLE && accessWord(parameter) == "ro";
+}
+
 bool isComputedRate(const Parameter& parameter) {
-    return parameter.kind() == REGISTER_KIND_DOUBLE && parameter.name.starts_with("FG_CAMERASIMULATOR_") &&
-           accessWord(parameter) == "ro";
+    return isComputedNow(parameter) && parameter.name.starts_with("FG_CAMERASIMULATOR_");
 }
 
 std::string requestedAndActual(const Parameter& parameter, const Value& requested, const Value& held) {

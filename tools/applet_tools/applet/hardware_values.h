@@ -24,7 +24,10 @@ Value requestFor(const Parameter& parameter, const Value& reading);
  *  differ that much. */
 bool areNeighbours(const Parameter& parameter, const Value& saved, const Value& loaded);
 
-/** True for a rate that the simulator computes from other parameters in its present mode. */
+/** True for a floating-point number that cannot be set now: the present mode computes it, or the board measures it. */
+bool isComputedNow(const Parameter& parameter);
+
+/** True for a number that the simulator computes from other parameters in its present mode. */
 bool isComputedRate(const Parameter& parameter);
 
 /** " (requested 33; the simulator makes 32 pixels at a time)", or the value that the hardware uses instead;

@@ -3,6 +3,7 @@
 #include "applet_tools/applet/files/LutTables.h"
 #include "applet_tools/applet/hardware_values.h"
 #include "applet_tools/applet/published_limits.h"
+#include "applet_tools/applet/timing/simulator_rates.h"
 #include "applet_tools/base/text.h"
 
 #include "vexo/fg_errors.h"
@@ -79,9 +80,12 @@ bool allHold(Instance& instance, const Wanted& wanted) {
         wanted, [&](const auto& value) { return holds(instance, *value.first, *value.second); });
 }
 
-/** True for values such as a rate that the present mode computes. */
-bool isComputedNow(const Parameter& parameter) {
-    return parameter.kind() == REGISTER_KIND_DOUBLE && accessWord(parameter) == "ro";
+SimulatorRates ratesOf(const json& values) {
+    const auto rate = [&](const char* name) {
+        const auto value = values.find(name);
+        return value != values.end() && value->is_number() ? value->get<double>() : 0;
+    };
+    return {rate(SimulatorRates::lineName), rate(SimulatorRates::frameName)};
 }
 
 /** Undefined numbers, which a load may store, are the same value here. */
@@ -211,22 +215,15 @@ std::optional<Undone> History::undo() {
     return undoneOf(before, wanted);
 }
 
-bool History::isNextCycle(const std::string& name, const Moment& before, const Moment& wanted) {
-    constexpr const char *line = "FG_CAMERASIMULATOR_LINERATE", *frame = "FG_CAMERASIMULATOR_FRAMERATE";
-    if (name != line && name != frame) return false;
-    const Target target{&m_live.parameters().find(line)};
-    return areNeighbours(*target.parameter, fromMessage(target, before.values.at(line)),
-                         fromMessage(target, wanted.values.at(line)));
-}
-
 Undone History::undoneOf(const Moment& before, const Moment& wanted) {
     Undone undone{wanted.line, {}, {}, {}};
     const Moment reached = now();
     for (const std::string& name : differingNames(before.values, wanted.values)) {
         if (!settable().contains(name)) continue;
         const Target target = {&m_live.parameters().find(name)};
-        undone.settings.push_back(
-            {target, readValue(m_live.instance(), target), isNextCycle(name, before, wanted)});
+        const bool isMoved =
+            isNextCycle(m_live.parameters(), name, ratesOf(before.values), ratesOf(wanted.values));
+        undone.settings.push_back({target, readValue(m_live.instance(), target), isMoved});
     }
     if (undone.settings.empty())
         for (const std::string& name : differingNames(before.design, reached.design))

@@ -64,7 +64,6 @@ private:
     Wanted wantedValues(const Moment& moment);
     void rewrite(const Wanted& wanted, bool withModes);
     void restoreAccess(const Wanted& wanted, const Moment& before, const json& access);
-    bool isNextCycle(const std::string& name, const Moment& before, const Moment& wanted);
     Undone undoneOf(const Moment& before, const Moment& wanted);
 
     LiveSession& m_live;

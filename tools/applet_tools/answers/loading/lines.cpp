@@ -1,11 +1,11 @@
 #include "applet_tools/answers/loading/lines.h"
 
 #include "applet_tools/answers/loading/long_lines.h"
-#include "applet_tools/answers/loading/rates.h"
 #include "applet_tools/applet/assignments.h"
 #include "applet_tools/applet/files/MemoryFile.h"
 #include "applet_tools/applet/hardware_values.h"
 #include "applet_tools/applet/published_limits.h"
+#include "applet_tools/applet/timing/simulator_rates.h"
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/numbers.h"
 #include "applet_tools/base/text.h"
@@ -101,7 +101,7 @@ private:
     /** True for a rate that the present mode computes from other parameters, so that the file's value is
      *  ignored. */
     bool isIgnored(const ValueLine& it) {
-        if (it.parameter.kind() != REGISTER_KIND_DOUBLE || accessWord(it.parameter) != "ro") return false;
+        if (!isComputedNow(it.parameter)) return false;
         const MemoryFile other;
         other.write(m_file.asked.textWith(it.line, it.name() + "=-12345.678;\n"));
         const std::string before = onTrial(it.line.key);
@@ -133,7 +133,8 @@ private:
 
     /** For a rate that the present mode computes. */
     std::optional<Finding> computed(const ValueLine& it) const {
-        if (it.isKept() || isNextCycle(m_session.parameters(), it.name(), m_file.asked, m_file.state))
+        if (it.isKept() ||
+            isNextCycle(m_session.parameters(), it.name(), ratesIn(m_file.asked), ratesIn(m_file.state)))
             return std::nullopt;
         return Finding{FindingKind::computed, it.name(),
                        it.change() + ": it follows from other parameters in this mode, so a load ignores it",

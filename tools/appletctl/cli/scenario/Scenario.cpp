@@ -3,6 +3,7 @@
 #include "applet_tools/applet/Condition.h"
 #include "applet_tools/applet/access_log.h"
 #include "applet_tools/applet/assignments.h"
+#include "applet_tools/applet/events.h"
 #include "applet_tools/applet/files/ConfigurationFile.h"
 #include "applet_tools/applet/published_limits.h"
 #include "applet_tools/base/errors.h"
@@ -98,12 +99,12 @@ void lookAtBoard(ScenarioRunner& runner, const Step&) { runner.board(); }
 std::string expectWrite(ScenarioRunner& runner, const Step& step) {
     if (runner.findWrite(step.words[0], step.words[1])) return "";
     const Words left = runner.writesLeft();
-    return left.empty() ? "nothing was written" : "what was written is: " + join(left, ", ");
+    return left.empty() ? "nothing was written" : "the writes were: " + join(left, ", ");
 }
 
 std::string expectNoWrite(ScenarioRunner& runner, const Step&) {
     const Words left = runner.writesLeft();
-    return left.empty() ? "" : "there was: " + join(left, ", ");
+    return left.empty() ? "" : "the writes were: " + join(left, ", ");
 }
 
 void checkEvent(const Words& words) {
@@ -111,30 +112,15 @@ void checkEvent(const Words& words) {
     numberFrom(words[2]);
 }
 
-Words eventNames(Instance& instance) {
-    Words names;
-    for (int bit = 0; bit < std::numeric_limits<std::uint64_t>::digits; ++bit)
-        if (const char* name = instance.applet().Fg_getEventName(instance.fg(), std::uint64_t{1} << bit))
-            names.push_back(toUtf8(name));
-    return names;
-}
-
-std::uint64_t eventMask(ScenarioRunner& runner, const std::string& name) {
+std::uint64_t maskOf(ScenarioRunner& runner, const std::string& name) {
     runner.board();
-    Instance& instance = runner.instance();
-    const std::uint64_t mask = instance.applet().Fg_getEventMask(instance.fg(), name.c_str());
-    if (mask != 0) return mask;
-    const Words names = eventNames(instance);
-    Words near = nearestWords(name, names);
-    if (near.empty()) near = nearestParts(name, names);
-    throw UsageError("there is no event " + inQuotedWord(name) +
-                     (near.empty() ? "; 'appletctl events' shows them" : didYouMean(near)));
+    return eventMask(runner.instance(), name);
 }
 
-void lookAtEvent(ScenarioRunner& runner, const Step& step) { eventMask(runner, step.words[0]); }
+void lookAtEvent(ScenarioRunner& runner, const Step& step) { maskOf(runner, step.words[0]); }
 
 std::string expectEvent(ScenarioRunner& runner, const Step& step) {
-    const std::uint64_t mask = eventMask(runner, step.words[0]);
+    const std::uint64_t mask = maskOf(runner, step.words[0]);
     const std::int64_t count = runner.instance().applet().Fg_getStatusEx(
         runner.instance().fg(), VBOARD_STATUS_EVENTS, static_cast<std::intptr_t>(mask), 0, nullptr);
     const bool holds =

@@ -1,4 +1,4 @@
-#include "applet_tools/applet/Instance.h"
+#include "applet_tools/applet/events.h"
 #include "applet_tools/base/numbers.h"
 #include "applet_tools/base/text.h"
 #include "appletctl/base/Table.h"
@@ -7,7 +7,6 @@
 
 #include <unistd.h>
 
-#include <limits>
 #include <optional>
 
 namespace appletctl {
@@ -29,11 +28,7 @@ Report listEvents(Context& context, const Words&) {
     auto& events = report.document["events"] = nlohmann::ordered_json::array();
     Table table;
     table.setTitles({"NAME", "MASK", "DATA", "VALUE"});
-    for (int bit = 0; bit < std::numeric_limits<std::uint64_t>::digits; ++bit) {
-        const std::uint64_t mask = std::uint64_t{1} << bit;
-        const char* const published = instance.applet().Fg_getEventName(instance.fg(), mask);
-        if (published == nullptr) continue;
-        const std::string name = toUtf8(published);
+    for (const auto& [mask, name] : eventsOf(instance)) {
         const std::optional<FgEventRecord> record = recordOf(instance.applet(), mask);
         const std::string dataName = record ? toUtf8(record->name) : "-";
         table.addRow(
