@@ -20,7 +20,7 @@ TABLES = Path("tests/planted_faults")
 PLANTED = Path("build/planted")
 COPY = PLANTED / "source"
 LEAST_SHARE = 0.95
-SECONDS_PER_TEST = 120  # a fault may hang a test
+SECONDS_PER_TEST = 300  # a fault may hang a test
 
 # The presets to test a fault in, with the programs and tests to run if the tests named with the fault miss it.
 FALLBACK = {
@@ -83,7 +83,7 @@ def read_table(path):
             *targets, tests = values["tests"].split() or [""]
             faults.append(Fault(path.stem, rest.strip(), values["file"], values["run"], targets, tests))
         elif line and word != "#":
-            raise TableError(f"{path}:{number}: '{line}' is no line of a table")
+            raise TableError(f"{path}:{number}: '{line}' is not a line of a table")
     return faults
 
 
