@@ -11,11 +11,12 @@ SUPPORT = [*HEADERS, *LOCKS, "src/support/**"]
 CATALOGUE = [*SUPPORT, "src/catalogue/**"]
 # Required by a source that implements members of the object.
 MEMBERS = ["src/entry/sdk_parameters.h", "src/entry/setter_tools.h"]
+ENTRY = [*CATALOGUE, *(f"src/{room}/*.h" for room in ("image", "trigger", "files")), "src/entry/*", "src/entry/runtime/*"]
 
 SIGNALS = ["station/signals/**"]
 SCENE = [*SIGNALS, "station/scene/**"]
 TIMING = [*SCENE, "station/timing/**"]
-PICTURE = [*SCENE, "station/timing/Record.h", "station/timing/Simulator.h", "station/picture/**"]
+PICTURE = [*SCENE, "station/timing/Record.h", "station/picture/**"]
 BOARD_TABLES = [*HEADERS, "virtual_board/tables/**"]
 BOARD_IMAGES = ["station/**", "virtual_board/images/**"]
 BOARD = [*BOARD_TABLES, *BOARD_IMAGES, "virtual_board/virtual_board.h", "virtual_board/board/**"]
@@ -79,7 +80,8 @@ ROOMS = [
     ("src/trigger/events.cpp", [*CATALOGUE, "src/trigger/*.h", "src/entry/PublishedParameters.h"]),
     ("src/trigger/*.cpp", [*CATALOGUE, *MEMBERS, "src/trigger/*.h"]),
     ("src/entry/runtime/*", [*HEADERS, "src/entry/runtime/*"]),
-    ("src/entry/**", [*HEADERS, "src/**"]),
+    ("src/entry/api/*", [*HEADERS, "src/**.h"]),
+    ("src/entry/*", ENTRY),
     ("station/signals/**", SIGNALS),
     ("station/scene/**", SCENE),
     ("station/timing/**", TIMING),
