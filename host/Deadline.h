@@ -14,7 +14,7 @@ namespace host {
 /** In the station's time, and optionally in that of the wall clock. */
 class Deadline {
 public:
-    /** Throws Error for a time that is no number, or negative. */
+    /** Throws Error for a time that is not a number, or negative. */
     Deadline(applet_tools::Ticks now, double seconds, double wall) {
         constexpr double longest = 1e9; // seconds
         if (!(seconds >= 0) || !(wall == wall))

@@ -1,8 +1,10 @@
 #include "host/ParameterTable.h"
 
+#include "applet_host/record.h"
 #include "applet_tools/applet/values.h"
 
 #include "vexo/register_info.h"
+#include "vexo/type_tags.hpp"
 
 #include <bit>
 
@@ -34,27 +36,18 @@ vexo_kind kindOf(int kind) {
     }
 }
 
-FgParamTypes tagOf(vexo_kind kind) {
-    switch (kind) {
-    case VEXO_INT32:
-    case VEXO_ENUM:
-        return FG_PARAM_INT32;
-    case VEXO_INT64:
-        return FG_PARAM_INT64;
-    case VEXO_UINT64:
-        return FG_PARAM_UINT64;
-    case VEXO_DOUBLE:
-        return FG_PARAM_DOUBLE;
-    default:
-        return FG_PARAM_UINT32;
-    }
+/** The tag of a typed access to a number of the kind. */
+FgParamTypes tagFor(int kind) {
+    FgParamTypes tag{};
+    applet_host::withNumberOf(kind, [&](auto number) { tag = tagOf<decltype(number)>; });
+    return tag;
 }
 
 ParameterRow rowOf(applet_tools::Instance& instance, const applet_tools::Parameter& parameter) {
     const vexo_kind kind = kindOf(parameter.kind());
     return {.id = parameter.id,
             .kind = kind,
-            .tag = tagOf(kind),
+            .tag = tagFor(parameter.kind()),
             .isNumber = kind != VEXO_TEXT && kind != VEXO_FIELD,
             .hasElements = parameter.kind() == REGISTER_KIND_UINT_FIELD,
             .parameter = &parameter,

@@ -137,7 +137,7 @@ template <typename From> int setNumber(vexo_station* station, int id, From numbe
 std::string textOf(vexo_station& station, const ParameterRow& row) {
     const Target target = row.hasElements ? applet_tools::wholeOf(*row.parameter) : Target{row.parameter};
     const Value value = valueOf(station.instance, target);
-    if (const auto* text = std::get_if<std::string>(&value)) return applet_tools::toUtf8(text->c_str());
+    if (const auto* text = std::get_if<std::string>(&value)) return applet_tools::toUtf8(*text);
     const auto* elements = std::get_if<Elements>(&value);
     if (elements == nullptr) return exactValueText(*row.parameter, value);
     std::string text;
@@ -146,7 +146,7 @@ std::string textOf(vexo_station& station, const ParameterRow& row) {
     return text;
 }
 
-/** The assignment of a text. Throws UsageError for one that is no value, and Error for a number that does not fit. */
+/** The assignment of a text. Throws UsageError for a text that is not a value, and Error for a number that does not fit. */
 Assignment assignmentOf(vexo_station& station, const Target& target, const std::string& text) {
     try {
         return {target, text, parseValue(target, text)};

@@ -65,7 +65,7 @@ Words with(vexo_station& station, const char* assignments) {
     return read(station, line.words);
 }
 
-/** The accepted range; empty if it is no number, or none is accepted. */
+/** The accepted range; empty if it is not a number, or no number is accepted. */
 std::optional<vexo_range> rangeOf(const applet_tools::AcceptedValues& answer) {
     if (!answer.range) return std::nullopt;
     return vexo_range{.minimum = asDouble(answer.range->minimum),

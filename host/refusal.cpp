@@ -71,15 +71,10 @@ Error refusalOf(vexo_station& station, const AssignmentResult& result, bool want
 Error noFitRefusal(vexo_station& station, const Assignment& assignment) {
     const applet_tools::Parameter& parameter = *assignment.target.parameter;
     nlohmann::ordered_json members = refusalAsJson(assignment);
-    const std::string entries = entriesText(parameter), limits = limitsText(parameter),
-                      unit = parameter.unit();
     std::string words = parameter.name + "=" + assignment.text +
                         " was refused: the number does not fit in the type of the value";
-    if (!entries.empty())
-        words += "; the entries are " + entries;
-    else if (!limits.empty())
-        words += "; the present limits are " + limits + (unit.empty() ? "" : " " + unit);
-    if (station.givesAdvice && entries.empty()) {
+    if (const std::string accepted = acceptedText(parameter); !accepted.empty()) words += "; " + accepted;
+    if (station.givesAdvice && entriesOf(parameter).empty()) {
         const applet_tools::RefusalCauses causes = causesOf(station, parameter, asDouble(assignment.value));
         if (!causes.limit.empty()) words += "; " + causes.limit;
         if (causes.nearest)

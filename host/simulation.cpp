@@ -6,6 +6,7 @@
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"
+#include "applet_tools/station/EventLog.h"
 #include "applet_tools/station/waves.h"
 #include "host/Deadline.h"
 #include "host/Station.h"
@@ -56,9 +57,9 @@ bool takeEvent(vexo_station& station, std::uint64_t mask, vexo_event& event) {
 /** Lets a little time pass, but not beyond `end`: events must be taken before their queue is full. */
 void passTime(vexo_station& station, Ticks now, Ticks end) {
     using namespace std::chrono_literals;
-    constexpr Ticks piece = applet_tools::ticksPerSecond / 10'000;
     const auto& board = station.instance.board();
-    if (board.advance(station.instance.device(), std::min(piece, end - now)) == VBOARD_NOT_STEPPED)
+    if (board.advance(station.instance.device(), std::min(applet_tools::EventLog::longestPause, end - now)) ==
+        VBOARD_NOT_STEPPED)
         std::this_thread::sleep_for(200us);
 }
 

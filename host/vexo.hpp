@@ -225,7 +225,7 @@ public:
         auto [answer, code] = detail::answerOf([&](vexo_answer** out) {
             return vexo_ask_limits(m_station, parameter.c_str(), detail::orNull(with), &range, out);
         });
-        if (code == VEXO_OK) answer.range = range; // else it is no number
+        if (code == VEXO_OK) answer.range = range; // otherwise it is not a number
         return answer;
     }
     /** Why it is read-only, or refuses a value. */

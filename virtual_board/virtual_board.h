@@ -235,9 +235,9 @@ typedef struct vboard_camera {
 typedef struct vboard_camera_faults {
     /** Colours in the order of the link, each once: 0 red, 1 green, 2 blue. */
     uint8_t order[3];
-    /** Of so many triggers the last one makes no line, and is counted as dropped; 0: all make one. */
+    /** Every this many triggers, one makes no line and is counted as dropped; 0: all make a line. */
     uint32_t drop_every;
-    /** Of so many lines the last one is short; 0: none. */
+    /** Every this many lines, one is short; 0: none. */
     uint32_t short_every;
     /** Its pixels, 1 to the width. */
     uint32_t short_width;

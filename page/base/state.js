@@ -31,5 +31,8 @@ export function on(names, listener) {
   }
 }
 
+/** Seconds of one tick of the station. */
+export const tickSeconds = () => (values.station?.tickNs ?? 8) * 1e-9;
+
 /** Whether this page may change settings of the station. */
 export const maySet = () => Boolean(values.station?.maySet);

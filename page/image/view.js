@@ -251,7 +251,7 @@ export class View {
     this.moved();
   }
 
-  /** A click, which is no drag, holds the probe. */
+  /** A click without a drag holds the probe. */
   release(at) {
     if (this.drag && !this.drag.isMoved) this.pin(this.geometry.pixelAt(at));
     this.drag = null;

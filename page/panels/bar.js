@@ -6,7 +6,7 @@ import { decimal, grouped } from '../base/numbers.js';
 import { latest } from '../base/pace.js';
 import { hideReason, showReason } from '../base/reason.js';
 import { notice, noticeError } from '../base/refusal.js';
-import { get, maySet, on, set } from '../base/state.js';
+import { get, maySet, on, set, tickSeconds } from '../base/state.js';
 
 const ASKED = 1000; // milliseconds between two questions for the state of the acquisition
 
@@ -109,7 +109,7 @@ function lineRate() {
   const from = activities[0];
   const to = activities.at(-1);
   if (!from || to.tick === from.tick) return '–';
-  const rate = (to.lines - from.lines) / ((to.tick - from.tick) * (get('station')?.tickNs ?? 8) * 1e-9);
+  const rate = (to.lines - from.lines) / ((to.tick - from.tick) * tickSeconds());
   return rate >= 1000 ? `${decimal(rate / 1000, 2)} kHz` : `${decimal(rate, 0)} Hz`;
 }
 

@@ -25,7 +25,7 @@ function valueText({ type, value, shown, readEffect }) {
   return Number.isInteger(value) && !Number.isSafeInteger(value) ? shown : String(value);
 }
 
-/** The value that the text of an editor stands for; what is no number is left to the station to refuse. */
+/** The value of an editor's text. The station refuses a text that is not a number. */
 export function valueOf({ type, entries }, text) {
   if (entries) return entries.find(({ value }) => String(value) === text).value;
   return type === 'text' ? text : numberOrText(text.trim());

@@ -5,7 +5,7 @@ import { byId, el, setText, shortEvent } from '../base/dom.js';
 import { counted, duration, grouped } from '../base/numbers.js';
 import { oncePerFrame } from '../base/pace.js';
 import { explainPanel } from '../base/reason.js';
-import { get, on } from '../base/state.js';
+import { get, on, tickSeconds } from '../base/state.js';
 import { numberCell, tableHead } from '../base/table.js';
 
 /** Builds the panel. Returns the functions that take the messages of the stream. */
@@ -102,7 +102,7 @@ class EventTable {
     for (const [name, { count, tick }] of this.events) {
       const [, countCell, timeCell] = this.rowOf(name).cells;
       setText(countCell, grouped(count));
-      setText(timeCell, duration(tick * (get('station')?.tickNs ?? 8) * 1e-9));
+      setText(timeCell, duration(tick * tickSeconds()));
     }
   }
 

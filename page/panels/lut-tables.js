@@ -79,14 +79,14 @@ export class LutTables {
     }
   }
 
-  /** Gives up what is not sent. */
+  /** Drops the changes that are not sent. */
   discard() {
     this.unsent.clear();
   }
 
-  /** Takes changes back that were given up. */
+  /** Restores dropped changes. */
   restore(unsent) {
     for (const [i, changes] of unsent) this.unsent.set(i, changes);
-    this.changes += 1; // what is read meanwhile is older
+    this.changes += 1; // values that are read meanwhile are older
   }
 }

@@ -131,7 +131,7 @@ class Editor {
   applyGamma() {
     const { value, min, max } = this.gamma;
     if (value === '' || !this.gamma.checkValidity()) {
-      const found = value === '' ? 'what is entered is no number' : `${value} is entered`;
+      const found = value === '' ? 'the entry is not a number' : `${value} is entered`;
       const error = new Error(`The table is not changed: a gamma from ${min} to ${max} is expected, and ${found}`);
       this.trouble.replaceChildren(errorBox(error, { onClose: () => this.trouble.replaceChildren() }));
       return;

@@ -5,7 +5,7 @@ import { button, byId, colour, el, onResize, press, setText, sizeCanvas } from '
 import { duration } from '../base/numbers.js';
 import { latest, oncePerFrame } from '../base/pace.js';
 import { explainPanel } from '../base/reason.js';
-import { get, on } from '../base/state.js';
+import { get, on, tickSeconds } from '../base/state.js';
 import { onWheel } from '../base/wheel.js';
 import { LANE, makeLanes, paintLane, partOf } from '../draw/lanes.js';
 import { ticks } from '../draw/plots.js';
@@ -139,9 +139,9 @@ class Timeline {
 
   /** The window that ends with what the station has listed already. */
   newestRange() {
-    const { tickNs = 8, clock } = get('station') ?? {};
-    const end = get('activity').tick - (LAG * (clock?.factor ?? 1) * 1e9) / tickNs;
-    return [end - (this.span * 1e9) / tickNs, end];
+    const factor = get('station')?.clock?.factor ?? 1;
+    const end = get('activity').tick - (LAG * factor) / tickSeconds();
+    return [end - this.span / tickSeconds(), end];
   }
 
   show(answer) {
@@ -258,7 +258,7 @@ class Timeline {
     this.drag.x = x;
   }
 
-  /** A click, which is no drag, holds the timeline and marks a time. */
+  /** A click without a drag holds the timeline and marks a time. */
   release(event) {
     if (this.drag && !this.drag.isMoved) {
       if (!this.isHeld) this.setHeld(true);

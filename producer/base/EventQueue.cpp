@@ -132,7 +132,7 @@ Answer EventQueue::dataInfo(std::string_view data, std::int32_t command) const {
     if (m_kind == EVENT_NEW_BUFFER) {
         EVENT_NEW_BUFFER_DATA buffer{};
         if (data.size() != sizeof buffer)
-            throw Error(GC_ERR_INVALID_PARAMETER, "the data is no new buffer event's");
+            throw Error(GC_ERR_INVALID_PARAMETER, "the data is not that of a new buffer event");
         std::memcpy(&buffer, data.data(), sizeof buffer);
         if (command == EVENT_DATA_ID) return Answer::pointer(buffer.BufferHandle);
         if (command == EVENT_DATA_VALUE) return Answer::pointer(buffer.pUserPointer);
@@ -140,7 +140,8 @@ Answer EventQueue::dataInfo(std::string_view data, std::int32_t command) const {
     }
     if (m_kind == EVENT_ERROR) {
         GC_ERROR code = 0;
-        if (data.size() < sizeof code) throw Error(GC_ERR_INVALID_PARAMETER, "the data is no error event's");
+        if (data.size() < sizeof code)
+            throw Error(GC_ERR_INVALID_PARAMETER, "the data is not that of an error event");
         std::memcpy(&code, data.data(), sizeof code);
         if (command == EVENT_DATA_ID) return Answer::int32(code);
         if (command == EVENT_DATA_VALUE) return Answer::text(data.substr(sizeof code));
@@ -151,7 +152,8 @@ Answer EventQueue::dataInfo(std::string_view data, std::int32_t command) const {
         return Answer::text(data.substr(0, data.find('\0')));
     }
     std::uint64_t id = 0;
-    if (data.size() < sizeof id) throw Error(GC_ERR_INVALID_PARAMETER, "the data is no event's of this kind");
+    if (data.size() < sizeof id)
+        throw Error(GC_ERR_INVALID_PARAMETER, "the data is not that of an event of this kind");
     std::memcpy(&id, data.data(), sizeof id);
     if (command == EVENT_DATA_NUMID) return Answer::uint64(id);
     if (command == EVENT_DATA_VALUE) return Answer::bytes(data.substr(sizeof id));

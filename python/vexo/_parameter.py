@@ -82,7 +82,7 @@ class Parameter:
 
     def _span(self, index: int | slice) -> builtins.range:
         if self.kind != "field":
-            raise TypeError(f"{self.name} is no field")
+            raise TypeError(f"{self.name} is not a field")
         indices = range(self.elements)[index]
         if isinstance(indices, int):
             return range(indices, indices + 1)

@@ -104,7 +104,7 @@ def run_python(tree):
     tree.environment["PYTHONPATH"] = str(package)
     shown = tree.run("/usr/bin/python3", tree.prefix / "share/doc/vexo/examples/picture.py", "py.png", "FG_FORMAT=FG_COL48")
     assert "640 x 480 pixels of Color 48bit" in shown, shown
-    assert (tree.folder / "py.png").read_bytes().startswith(b"\x89PNG"), "py.png is no picture"
+    assert (tree.folder / "py.png").read_bytes().startswith(b"\x89PNG"), "py.png is not a picture"
 
 
 def build_with_pkg_config(tree):

@@ -93,7 +93,7 @@ TEST_F(Routing, DesignParametersArePassedToTheRuntimeUnchanged) {
     const int lengthId = directId(length), periodId = directId(period);
     Grabber grabber(1);
     grabber.clearLog();
-    EXPECT_EQ(grabber.set(lengthId, 77u), 0); // no logic of the library: 77 is no multiple of 4
+    EXPECT_EQ(grabber.set(lengthId, 77u), 0); // no logic of the library: 77 is not a multiple of 4
     EXPECT_EQ(grabber.value<std::uint32_t>(lengthId), 77u);
     EXPECT_EQ(grabber.set(directId(mirror), std::int32_t{1}), 0);
     EXPECT_EQ(grabber.set(periodId, 123.5), 0);

@@ -95,7 +95,7 @@ class Station:
 
 
 def pictures(acquirer, count, timeout=20):
-    """Numbers, hashes and times of so many pictures."""
+    """Numbers, hashes and times of this many pictures."""
     found = []
     for _ in range(count):
         with acquirer.fetch(timeout=timeout) as buffer:

@@ -121,7 +121,7 @@ TEST_F(ServedStation, OneThatCannotBeUnderstoodIsNotOpened) {
     };
     const Row rows[] = {
         {"has ended", [](auto& station, const auto&) { return station.end(), true; }},
-        {"what is not understood",
+        {"a message that cannot be read",
          [](auto& station, const auto&) {
              return station.send({1, 2, 3}), true;
          }},

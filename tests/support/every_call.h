@@ -23,7 +23,7 @@ struct Call {
     std::int64_t usual;
     /** Functions of the runtime, each with the result where it is missing; the first missing one decides. */
     std::vector<std::pair<std::string, std::int64_t>> needs{};
-    /** The last error; of most calls it is the result, or 0 where that is no failure. */
+    /** The last error; of most calls it is the result, or 0 where that is not a failure. */
     std::optional<int> stored{};
     std::int64_t badHandle = FG_ERR_INVALID_HANDLE;
 

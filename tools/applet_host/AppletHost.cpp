@@ -306,9 +306,10 @@ void AppletHost::bindBoard(const Locations& where) {
         return;
     }
     if (where.bridge.empty()) {
-        throw HostError("the library " + fileOf(m_libraries[0]).string() +
-                        " opens no board by itself: name a library that opens one of it (--bridge FILE, with "
-                        "the functions bridge_open_board and bridge_close_board)");
+        throw HostError(
+            "the library " + fileOf(m_libraries[0]).string() +
+            " opens no board by itself: name a library that opens one for it (--bridge FILE, with "
+            "the functions bridge_open_board and bridge_close_board)");
     }
     m_bridge = openLibrary(where.bridge);
     bindAll(m_bridge, where.bridge, bridgeBindings, m_opener);

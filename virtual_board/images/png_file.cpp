@@ -66,7 +66,7 @@ private:
 
     [[noreturn]] static void failed(png_structp reader, png_const_charp reason) {
         auto* self = static_cast<PngReader*>(png().errorPointer(reader));
-        self->m_rows.trouble = std::string("it is no sound PNG file: ") + reason;
+        self->m_rows.trouble = std::string("it is not a sound PNG file: ") + reason;
         std::longjmp(self->m_back, 1);
     }
     static void ignored(png_structp, png_const_charp) {}

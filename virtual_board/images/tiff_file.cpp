@@ -92,7 +92,7 @@ PixelRows readTiff(const std::string& path) {
                     "make a PPM file of it"};
     FirstReason reason;
     const OpenTiff tiff = openTiff(path, reason);
-    if (tiff == nullptr) return {.trouble = std::string("it is no sound TIFF file: ") + reason.text};
+    if (tiff == nullptr) return {.trouble = std::string("it is not a sound TIFF file: ") + reason.text};
     PixelRows rows{.width = fieldOf<std::uint32_t>(tiff, TIFFTAG_IMAGEWIDTH),
                    .height = fieldOf<std::uint32_t>(tiff, TIFFTAG_IMAGELENGTH),
                    .samples = fieldOf<std::uint16_t>(tiff, TIFFTAG_SAMPLESPERPIXEL),
@@ -106,7 +106,7 @@ PixelRows readTiff(const std::string& path) {
     }
     for (std::uint32_t y = 0; y < rows.height; ++y) {
         if (tiffs().readRow(tiff.get(), rows.bytes.data() + y * rows.bytesOfRow(), y, 0) == 1) continue;
-        rows.trouble = std::string("it is no sound TIFF file: ") + reason.text;
+        rows.trouble = std::string("it is not a sound TIFF file: ") + reason.text;
         break;
     }
     return rows;

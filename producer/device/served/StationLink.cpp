@@ -104,7 +104,7 @@ void StationLink::work() {
     } catch (const std::bad_alloc&) {
         reason = "there is not enough memory for what the station '" + m_name + "' sends";
     } catch (const Malformed& error) {
-        reason = "the station '" + m_name + "' sends what is not understood: " + error.what();
+        reason = "the station '" + m_name + "' sends a message that cannot be read: " + error.what();
     }
     m_socket.close();
     lose(reason);

@@ -131,7 +131,7 @@ TEST_F(DocumentTest, WalksGroupsInOrderAndListsTheirFeatures) {
     text(tree.addGroupInfo(0, nullptr, "Direct Register Access"), "DRA_A");
     text(tree.addGroupInfo(0, nullptr, "I O"), "D"); // the same category as I/O
     tree.addGroupInfo(0, nullptr, "Empty");
-    // Arrays and 64-bit integers have no nodes and are no features.
+    // Arrays and 64-bit integers have no nodes and are not features.
     tree.addInfoUInt64(group, "", "wide", 0, 1, 1, 1, 1, 1, "", 1, 0);
     tree.addInfoInt64(group, "", "wide", 0, 1, 1, 1, 1, 1, "", 1, 0);
     tree.addInfoUIntField(group, "", "array", 9, 0, 1, 1, 1, 1, 1, "", 1, 0);

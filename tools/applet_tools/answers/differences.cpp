@@ -39,7 +39,7 @@ nlohmann::ordered_json asJson(const Parameter& parameter, const std::optional<st
     if (const auto value = valueInFile(parameter, *text))
         addValue(object, {&parameter}, *value);
     else
-        object["value"] = toUtf8(text->c_str());
+        object["value"] = toUtf8(*text);
     return object;
 }
 

@@ -73,7 +73,7 @@ private:
                  expected.hasEdges)
             expected.linePeriod = expected.period;
         if (!is("FG_IMGTRIGGERMODE", FREE_RUN) && !is("FG_IMGTRIGGERON", FG_OFF)) return;
-        // One image of so many is taken, and its lines may be more or fewer than those of a frame.
+        // One image in every N is taken, and its lines may be more or fewer than those of a frame.
         const double lines = number("FG_IMG_SELECT_PERIOD") * (number("FG_HEIGHT") + number("FG_YOFFSET"));
         if (hasFrames)
             expected.imagePeriod =

@@ -133,8 +133,7 @@ json assignmentsPlanJob(ScratchSession& session, const json& arguments) {
             addLine(plan.words, target.name() + " would write a file; it was left out");
         } else if (result.code == FG_OK) {
             const Value& taken = result.actual.error == FG_OK ? result.actual.value : value;
-            addLine(plan.words,
-                    target.name() + " = " + toUtf8(valueWithUnit(*target.parameter, taken).c_str()));
+            addLine(plan.words, target.name() + " = " + toUtf8(valueWithUnit(*target.parameter, taken)));
             addChanges(watch.take(*target.parameter), plan.words, row);
         } else {
             std::string refusal = refusalInWords(result);

@@ -80,7 +80,7 @@ nlohmann::ordered_json asJson(const AccessAnswer& answer, const Target& target) 
     if (answer.now.error == FG_OK) addReading(document, target, answer.now);
     if (!answer.isWritable) document["hasSetter"] = answer.hasSetter;
     if (answer.hasSetter) document[answer.isWritable ? "readOnlyWith" : "writableWith"] = answer.changedWith;
-    if (!answer.missingFile.empty()) document["missingFile"] = toUtf8(answer.missingFile.c_str());
+    if (!answer.missingFile.empty()) document["missingFile"] = toUtf8(answer.missingFile);
     return document;
 }
 
@@ -149,7 +149,7 @@ RefusalAnswer withMissingFile(LiveSession& live, RefusalAnswer answer, const Wor
     answer.writableWith = ways;
     answer.missingFile = file;
     answer.document["writableWith"] = ways;
-    answer.document["missingFile"] = toUtf8(file.c_str());
+    answer.document["missingFile"] = toUtf8(file);
     return answer;
 }
 

@@ -9,11 +9,6 @@
 namespace applet_tools {
 namespace {
 
-std::string withUnit(const std::string& limits, const Parameter& parameter) {
-    const std::string unit = parameter.unit();
-    return unit.empty() ? limits : limits + " " + unit;
-}
-
 /** Describes the limits or entries of the live record after a refusal; empty if they do not matter. */
 std::string advice(const Parameter& parameter, const Value& value, int code) {
     if (code == FG_ERR_NOT_AVAILABLE && accessWord(parameter) != "rw" && accessWord(parameter) != "rw+")
@@ -27,14 +22,9 @@ std::string advice(const Parameter& parameter, const Value& value, int code) {
     if (text == nullptr && code == FG_ERR_FILE_TYPE)
         return "another parameter names the file: 'appletctl list FILE' shows those that do";
     if (code != FG_ERR_OUT_OF_RANGE && code != FG_ERR_GRANULARITY) return "";
-    const bool isWithin = isWithinLimits(parameter, value);
-    const std::string entries = entriesText(parameter);
-    const std::string limits = withUnit(limitsText(parameter), parameter);
-    if (isWithin)
-        return entries.empty() ? "it keeps to the published limits, " + limits
-                               : "it is an entry that is not accepted now";
-    if (!entries.empty()) return "the entries are " + entries;
-    return limitsText(parameter).empty() ? "" : "the present limits are " + limits;
+    if (!isWithinLimits(parameter, value)) return acceptedText(parameter);
+    if (parameter.kind() == REGISTER_KIND_ENUM) return "it is an entry that is not accepted now";
+    return "it keeps to the published limits, " + limitsWithUnit(parameter);
 }
 
 } // namespace

@@ -95,11 +95,23 @@ std::string limitsText(const Parameter& parameter) {
     return text;
 }
 
+std::string limitsWithUnit(const Parameter& parameter) {
+    const std::string limits = limitsText(parameter), unit = parameter.unit();
+    return limits.empty() || unit.empty() ? limits : limits + " " + unit;
+}
+
 std::string entriesText(const Parameter& parameter) {
     std::vector<std::string> texts;
     for (const Entry& entry : entriesOf(parameter))
         texts.push_back(entryName(entry) + " (" + numberText(entry.value) + ")");
     return join(texts, ", ");
+}
+
+std::string acceptedText(const Parameter& parameter) {
+    if (const std::string entries = entriesText(parameter); !entries.empty())
+        return "the entries are " + entries;
+    const std::string limits = limitsWithUnit(parameter);
+    return limits.empty() ? "" : "the present limits are " + limits;
 }
 
 bool isWithinLimits(const Parameter& parameter, const Value& value) {

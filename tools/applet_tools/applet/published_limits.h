@@ -44,8 +44,15 @@ std::optional<Limits> limitsOf(const Parameter& parameter);
 /** "4 to 16384 in steps of 4"; "0 to 65535, 16384 elements"; empty if the record has no usable limits. */
 std::string limitsText(const Parameter& parameter);
 
+/** The same with the unit. */
+std::string limitsWithUnit(const Parameter& parameter);
+
 /** "RGB8 (1025), RGB10 (1026)"; empty for other kinds. */
 std::string entriesText(const Parameter& parameter);
+
+/** "the entries are RGB8 (1025), RGB10 (1026)", "the present limits are 4 to 16384 in steps of 4 pixel"; empty if the
+ *  record has neither. */
+std::string acceptedText(const Parameter& parameter);
 
 /** True when the record has limits, or entries, and the value is within them. For elements the first is
  *  checked, as a set gives all of them the same value. */

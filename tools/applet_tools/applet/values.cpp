@@ -280,13 +280,13 @@ void addValue(nlohmann::ordered_json& object, const Target& target, const Value&
                 else
                     object["values"] = native;
             } else if constexpr (std::is_same_v<T, std::string>) {
-                object["value"] = toUtf8(native.c_str());
+                object["value"] = toUtf8(native);
             } else {
                 object["value"] = native;
             }
         },
         value);
-    const auto* const number = std::get_if<std::int32_t>(&value); // others are no entry
+    const auto* const number = std::get_if<std::int32_t>(&value); // other values are not entries
     if (target.parameter->kind() != REGISTER_KIND_ENUM || number == nullptr) return;
     for (const Entry& entry : entriesOf(*target.parameter)) {
         if (entry.value != *number) continue;

@@ -48,7 +48,7 @@ std::string inQuotes(std::string_view text) {
     return '"' + printable(marked) + '"';
 }
 
-std::string quotedText(const std::string& text) { return inQuotes(toUtf8(text.c_str())); }
+std::string quotedText(const std::string& text) { return inQuotes(toUtf8(text)); }
 
 std::size_t displayWidth(std::string_view text) {
     std::size_t width = 0;
@@ -80,7 +80,7 @@ std::string shortened(const std::string& text, std::size_t mostBytes) {
 }
 
 std::string quotedBeginning(const std::string& text, std::size_t mostBytes) {
-    const std::string shown = toUtf8(text.c_str());
+    const std::string shown = toUtf8(text);
     if (shown.size() <= mostBytes) return inQuotes(shown);
     return inQuotes(beginningOf(shown, mostBytes)) + wholeLength(text);
 }

@@ -39,7 +39,7 @@ int print(const Report& report, const std::string& command, const Options& optio
     const bool isRead = isWritten || errno != EPIPE;
     const std::string name = Style::forStream(STDERR_FILENO).alarm("appletctl:");
     for (const std::string& problem : report.problems)
-        printProblem(name + ' ' + toUtf8(problem.c_str())); // may quote a word of the user
+        printProblem(name + ' ' + toUtf8(problem)); // may quote a word of the user
     for (const std::string& note : report.notes)
         if (options.verbose) printProblem("appletctl: " + note);
     if (!isWritten) {

@@ -51,7 +51,7 @@ void addFindings(Report& report, const std::vector<Finding>& findings) {
     for (const Finding& finding : findings) {
         if (!finding.isLoss || !finding.followsFrom.empty()) {
             report.text +=
-                lineOf({nameOf(finding.kind), toUtf8(finding.key.c_str()), finding.message}, finding.message);
+                lineOf({nameOf(finding.kind), toUtf8(finding.key), finding.message}, finding.message);
             continue;
         }
         report.problems.push_back(finding.message);

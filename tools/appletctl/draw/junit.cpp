@@ -10,7 +10,7 @@ namespace appletctl {
 namespace {
 
 std::string attribute(const char* name, const std::string& value) {
-    return xml::attribute(name, xml::escaped(toUtf8(value.c_str())));
+    return xml::attribute(name, xml::escaped(toUtf8(value)));
 }
 
 std::string caseElement(const TestCase& test, const std::string& suite) {

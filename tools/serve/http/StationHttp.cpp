@@ -86,7 +86,7 @@ std::string methodsAt(const std::string& path) {
     return methods;
 }
 
-/** Throws HttpError for a path that there is not, and for a method that the path does not take. */
+/** Throws HttpError for an unknown path, and for a method that the path does not support. */
 Destination destinationOf(const HttpRequest& request) {
     std::string name;
     for (const Route& route : routes)

@@ -50,9 +50,9 @@ void addLosses(LintState& state, const LoadOutcome& outcome, const std::string& 
         }
         if (!finding.isLoss || state.isProposed(finding.key)) continue;
         const std::string text = file.value(finding.key).value_or("");
-        const Words names = {toUtf8(finding.key.c_str())};
+        const Words names = {toUtf8(finding.key)};
         const Words texts = {names.front() + " = " + printable(text) + " in the file"};
-        const json values = {{{"name", names.front()}, {"inFile", toUtf8(text.c_str())}}};
+        const json values = {{{"name", names.front()}, {"inFile", toUtf8(text)}}};
         const bool isRefused = finding.kind == FindingKind::refused;
         const auto value = isRefused ? valueOfLoad(state.parameters().find(finding.key), text) : std::nullopt;
         if (value)

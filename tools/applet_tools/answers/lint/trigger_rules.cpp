@@ -71,7 +71,7 @@ void imageTrigger(LintState& state) {
     const double height = state.number("FG_HEIGHT");
     if (state.is("FG_IMGTRIGGERMODE", {ASYNC_TRIGGER_MULTIFRAME}) && std::fmod(lines, height) != 0)
         state.add("trigger-height", {"FG_IMGTRIGGER_ASYNC_HEIGHT", "FG_HEIGHT"},
-                  "The lines of one trigger are no whole number of images: the last one stays incomplete",
+                  "The lines of one trigger are not a whole number of images: the last one stays incomplete",
                   "Set FG_IMGTRIGGER_ASYNC_HEIGHT to a multiple of FG_HEIGHT");
 }
 

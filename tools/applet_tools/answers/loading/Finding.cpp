@@ -19,7 +19,7 @@ nlohmann::ordered_json asJson(const std::vector<Finding>& findings) {
     auto rows = nlohmann::ordered_json::array();
     for (const Finding& finding : findings) {
         nlohmann::ordered_json row = {{"kind", nameOf(finding.kind)},
-                                      {"name", toUtf8(finding.key.c_str())},
+                                      {"name", toUtf8(finding.key)},
                                       {"isLoss", finding.isLoss},
                                       {"message", finding.message}};
         if (!finding.reached.is_null()) row["reached"] = finding.reached;

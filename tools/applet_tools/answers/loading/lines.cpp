@@ -208,7 +208,7 @@ std::string nearestKey(const ParameterList& parameters, const std::string& key) 
 
 Finding unknownKey(const ParameterList& parameters, std::string_view key) {
     constexpr std::size_t mostBytes = 100;
-    const std::string name = shortened(toUtf8(std::string(key).c_str()), mostBytes);
+    const std::string name = shortened(toUtf8(key), mostBytes);
     const std::string shown =
         name.find_first_of(" \t") != std::string::npos ? inQuotes(name) : printable(name);
     const bool isParameter =

@@ -29,10 +29,10 @@ Ticks ticksFrom(std::string_view word) {
         if (!word.ends_with(unit.name)) continue;
         const auto number = floatingNumber(word.substr(0, word.size() - unit.name.size()));
         if (!number) break;
-        constexpr double longest = 1e6; // seconds
+        constexpr Ticks longest = 1'000'000; // seconds
         const double ticks = std::round(*number * unit.ticks);
-        if (ticks < 0 || ticks > longest * static_cast<double>(ticksPerSecond))
-            throw UsageError(inQuotedWord(word) + " is outside of 0 to 1000000s");
+        if (ticks < 0 || ticks > static_cast<double>(longest * ticksPerSecond))
+            throw UsageError(inQuotedWord(word) + " is outside of 0 to " + numberText(longest) + "s");
         return static_cast<Ticks>(ticks);
     }
     throw UsageError(inQuotedWord(word) +

@@ -318,7 +318,7 @@ Step parseStep(const std::string& text, const WordLine& line, const Options& opt
     if (line.isOpen) throw UsageError(unfinishedLine);
     Step step{.line = 0,
               .section = {},
-              .text = toUtf8(textFrom(text, line, 0).c_str()),
+              .text = toUtf8(textFrom(text, line, 0)),
               .kind = kindOf(line.words),
               .words = {},
               .rest = {},
@@ -353,8 +353,8 @@ namespace {
 
 [[noreturn]] void refuseLine(const std::string& file, std::size_t number, const std::string& text,
                              const UsageError& error) {
-    throw UsageError(toUtf8(file.c_str()) + ":" + numberText(number) + ": " +
-                     shortened(printable(text), 200) + ": " + error.what());
+    throw UsageError(toUtf8(file) + ":" + numberText(number) + ": " + shortened(printable(text), 200) + ": " +
+                     error.what());
 }
 
 } // namespace
@@ -381,7 +381,7 @@ std::vector<Step> readScenario(const std::string& file, const Options& options) 
             Step step = parseStep(content, line, options);
             step.line = number;
             if (step.kind != nullptr && step.kind->run == nullptr) {
-                section = toUtf8(step.words.front().c_str());
+                section = toUtf8(step.words.front());
                 continue;
             }
             step.section = section;

@@ -106,7 +106,7 @@ public:
         , m_options(optionsOfSteps(context))
         , m_own(m_options.of<RunOptions>())
         , m_isPrinted(!m_options.json && !m_options.quiet)
-        , m_file(toUtf8(fileOf(words).c_str()))
+        , m_file(toUtf8(fileOf(words)))
         , m_steps(readScenario(fileOf(words), m_options))
         , m_runner(context) {
         if (!m_own.junitFile.empty()) requireWritable(m_own.junitFile);

@@ -14,7 +14,7 @@ namespace {
 
 Report reportOf(const Undone& undone) {
     Report report;
-    const std::string line = toUtf8(undone.line.c_str());
+    const std::string line = toUtf8(undone.line);
     report.document["undone"] = line;
     report.text = forPerson("Undone: " + printable(line) + "\n");
     auto& rows = report.document["parameters"] = nlohmann::ordered_json::array();

@@ -351,7 +351,7 @@ bool isTraceDiff(const Words& words, const ParserState& state) {
     return std::distance(begin, words.end()) > 1 && *begin == "diff";
 }
 
-/** False for a command that "trace" cannot show: it runs elsewhere, or is no command by itself. */
+/** False for a command that "trace" cannot show: it runs elsewhere, or is not a command by itself. */
 bool isTraceable(const CLI::App& app) {
     const auto commands = app.get_subcommands(nullptr);
     if (!commands.empty())

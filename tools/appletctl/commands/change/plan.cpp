@@ -137,7 +137,7 @@ private:
 
 Report reportOf(const FilePlan& plan, const std::string& file, bool areAllWrites) {
     Report report;
-    report.document["file"] = toUtf8(file.c_str());
+    report.document["file"] = toUtf8(file);
     addDifferences(report, {{"BEFORE", "before", nullptr}, {"AFTER", "after", nullptr}}, plan.differences,
                    Sides::inTime);
     const bool isLoaded =

@@ -167,7 +167,7 @@ void addWaiting(Context& context, const MovesByName& moves, Report& report) {
         const auto moved = found != moves.end() ? found->second : std::vector<Movement>{};
         auto& row = rows.emplace_back(nlohmann::ordered_json{
             {"name", access.subject}, {"writableWith", access.changedWith}, {"moves", asJson(moved)}});
-        if (!access.missingFile.empty()) row["missingFile"] = toUtf8(access.missingFile.c_str());
+        if (!access.missingFile.empty()) row["missingFile"] = toUtf8(access.missingFile);
         report.text += forPerson(waitingText(access, moved));
     }
 }

@@ -11,7 +11,7 @@ namespace {
 Report checkConfiguration(Context& context, const Words& words) {
     const std::string& file = fileOf(words);
     Report report;
-    report.document["file"] = toUtf8(file.c_str());
+    report.document["file"] = toUtf8(file);
     // A virtual board behaves like the scratch board itself.
     const bool isOnSystem = context.options().isOnSystem();
     const LoadCheck check = askCheck(isOnSystem ? context.scratchAtDefaults() : context.bareScratch(), file);

@@ -128,7 +128,7 @@ void writeManual(const std::string& file, const std::string& source) {
 }
 
 void noteFile(Report& report, const std::string& file) {
-    report.document["files"].push_back(toUtf8(file.c_str()));
+    report.document["files"].push_back(toUtf8(file));
     report.text += writtenLine(file);
 }
 

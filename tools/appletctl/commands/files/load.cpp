@@ -39,7 +39,7 @@ Report loadFile(Context& context, const Words& words) {
     const std::string& file = fileOf(words);
     CommandRun run(context, behindFirst(words));
     if (run.isRefused()) return run.report;
-    run.report.document["file"] = toUtf8(file.c_str());
+    run.report.document["file"] = toUtf8(file);
     ScratchBoard& scratch = context.scratch();
     const LoadCheck check = askCheck(scratch, file);
     if (context.options().of<LoadOptions>().strict && !check.losesNothing()) {

@@ -205,9 +205,9 @@ Report saveLut(Context& context, const Words& words) {
     if (run.isRefused()) return run.report;
     const LutTables tables = tablesOf(run);
     addDocument(run, tables);
-    run.report.document["file"] = toUtf8(file.c_str());
+    run.report.document["file"] = toUtf8(file);
     writeFile(file, fileTextOf(context.options(), tables));
-    run.report.text += lineOf({"written", toUtf8(file.c_str())},
+    run.report.text += lineOf({"written", toUtf8(file)},
                               shownFile(file) + ": three tables of " +
                                   numberText(tables.colours.front().entries.size()) + " entries written");
     return run.report;
@@ -247,7 +247,7 @@ Report loadLut(Context& context, const Words& words) {
     const LutTables tables = tablesOf(run);
     const bool isChanged = !haveSameEntries(before, tables);
     addDocument(run, tables);
-    run.report.document["file"] = toUtf8(file.c_str());
+    run.report.document["file"] = toUtf8(file);
     run.report.document["changed"] = isChanged;
     const std::size_t size = tables.colours.front().entries.size();
     const std::size_t kept = size - std::min<std::size_t>(content.elements, size);
@@ -301,7 +301,7 @@ Report plotLut(Context& context, const Words& words) {
     if (run.isRefused()) return run.report;
     const LutTables tables = tablesOf(run);
     addDocument(run, tables);
-    run.report.document["file"] = toUtf8(file.c_str());
+    run.report.document["file"] = toUtf8(file);
     writeFile(file, curvesAsSvg(tables, settingsText(run)));
     run.report.text += writtenLine(file);
     return run.report;

@@ -36,7 +36,7 @@ Report saveConfiguration(Context& context, const Words& words) {
     requireConfigurationName(file);
     CommandRun run(context, behindFirst(words));
     if (run.isRefused()) return run.report;
-    run.report.document["file"] = toUtf8(file.c_str());
+    run.report.document["file"] = toUtf8(file);
     const ConfigurationFile saved = stateOf(run.instance);
     writeFile(file, saved.text());
     run.report.text += lineOf({"written", printable(file)},

@@ -111,7 +111,7 @@ Report writeReport(Context& context, const Words& assignments) {
         return report;
     }
     writeFile(*file, context.options().json ? documentText(report, "report", 2) : text);
-    report.document = {{"file", toUtf8(file->c_str())}};
+    report.document = {{"file", toUtf8(*file)}};
     report.text = writtenLine(*file);
     return report;
 }

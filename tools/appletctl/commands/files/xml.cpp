@@ -79,11 +79,11 @@ Report showXml(Context& context, const Words&) {
     if (!outFile) {
         report.text = document;
         report.isVerbatim = true;
-        report.document["document"] = toUtf8(document.c_str());
+        report.document["document"] = toUtf8(document);
         return report;
     }
     writeFile(*outFile, document);
-    report.document["file"] = toUtf8(outFile->c_str());
+    report.document["file"] = toUtf8(*outFile);
     report.document["bytes"] = document.size();
     report.text = writtenLine(*outFile);
     return report;

@@ -206,7 +206,7 @@ void checkHeader(Document& document) {
     for (const char* attribute : {"ProductGuid", "VersionGuid"})
         if (const std::string value = document.root.attribute(attribute); !isGuid(value))
             document.addForAll(std::string(attribute) + " is '" + value +
-                               "', which is no GUID: a client that validates the document refuses it");
+                               "', which is not a GUID: a client that validates the document refuses it");
 }
 
 } // namespace

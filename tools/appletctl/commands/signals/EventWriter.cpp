@@ -22,7 +22,7 @@ bool EventWriter::write(std::int64_t picture) {
 void EventWriter::finish(CommandRun& run) {
     if (m_file) {
         m_file->finish();
-        run.report.document["events"] = toUtf8(m_fileName.c_str());
+        run.report.document["events"] = toUtf8(m_fileName);
     }
     if (const std::int64_t lost = m_events.lost(); lost > 0)
         run.fail(numberText(lost) + " events are missing: more came at a time than the board keeps");

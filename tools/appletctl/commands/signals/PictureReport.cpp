@@ -41,7 +41,7 @@ void PictureReport::add(const TakenPicture& picture) {
 void PictureReport::addToDocument(const TakenPicture& picture) {
     auto& row = m_report.document["pictures"].emplace_back(asJson(picture.record));
     if (!picture.digest.empty()) row["sha256"] = picture.digest;
-    if (!picture.file.empty()) row["file"] = toUtf8(picture.file.c_str());
+    if (!picture.file.empty()) row["file"] = toUtf8(picture.file);
     if (picture.statistics) row["statistics"] = asJson(*picture.statistics);
 }
 

@@ -99,7 +99,8 @@ GrabArguments::GrabArguments(const Words& words) : assignments(words) {
     if (words.empty() || isAssignment(words.front())) return;
     const auto number = wholeNumber<std::int64_t>(words.front());
     if (!number || *number < 1 || *number > mostPictures)
-        throw UsageError(inQuotedWord(words.front()) + " is not a number of pictures: 1 to 100000000");
+        throw UsageError(inQuotedWord(words.front()) + " is not a number of pictures: 1 to " +
+                         numberText(mostPictures));
     pictures = *number;
     isDefault = false;
     assignments = behindFirst(words);

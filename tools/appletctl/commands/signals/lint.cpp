@@ -38,7 +38,7 @@ Report lintParameters(Context& context, const Words& words) {
         report.text += textOf(finding);
     }
     if (found.findings.empty()) report.text += forPerson("Nothing suspicious.\n");
-    if (isFile) report.document["file"] = toUtf8(words.front().c_str());
+    if (isFile) report.document["file"] = toUtf8(words.front());
     if (found.loaded != FG_OK)
         report.problems.push_back("the load answered " + codeInWords(found.loaded) +
                                   ": 'appletctl check' tells why");

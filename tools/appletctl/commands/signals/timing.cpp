@@ -256,7 +256,7 @@ void writePicture(Report& report, const std::optional<std::string>& file, const 
                   const std::string& content) {
     if (!file) return;
     writeFile(*file, content);
-    report.document[member] = toUtf8(file->c_str());
+    report.document[member] = toUtf8(*file);
     report.text += writtenLine(*file);
 }
 

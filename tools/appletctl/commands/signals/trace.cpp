@@ -58,7 +58,7 @@ Lines accessesOfText(const std::string& text, const std::string& file) {
             constexpr std::size_t mostBytes = 100;
             std::erase(line, '\0');
             throw UsageError(shownFile(file) + ", line " + numberText(number) + ": " +
-                             inQuotes(shortened(toUtf8(line.c_str()), mostBytes)) +
+                             inQuotes(shortened(toUtf8(line), mostBytes)) +
                              " is not a line of 'trace', such as 'set NAME u32 1024'");
         }
         if (kind == LineKind::access) lines.push_back(line);

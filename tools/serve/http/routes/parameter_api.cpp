@@ -97,8 +97,7 @@ Json applyAll(SharedStation& station, const Words& words) {
             {{"name", result.assignment.target.name()},
              {"requested", asJson(result.assignment.value)},
              {"actual", isRead ? asJson(result.actual.value) : Json()},
-             {"shown",
-              isRead ? Json(toUtf8(valueWithUnit(parameter, result.actual.value).c_str())) : Json()}});
+             {"shown", isRead ? Json(toUtf8(valueWithUnit(parameter, result.actual.value))) : Json()}});
     };
     applyAssignments(live.instance(), live.parameters(), words, {.after = after});
     if (!refusal) return settings;

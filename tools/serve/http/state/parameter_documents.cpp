@@ -51,7 +51,7 @@ Json entriesJson(const Parameter& parameter) {
 } // namespace
 
 Json asJson(const Value& value) {
-    if (const auto* text = std::get_if<std::string>(&value)) return toUtf8(text->c_str());
+    if (const auto* text = std::get_if<std::string>(&value)) return toUtf8(*text);
     if (const auto* elements = std::get_if<Elements>(&value)) return *elements;
     return numberAsJson(value);
 }
@@ -105,7 +105,7 @@ Json ParameterDocuments::documentOf(const Target& target) {
     const ReadResult reading = effect.empty() ? m_live.read(target) : ReadResult();
     const bool hasValue = effect.empty() && reading.error == FG_OK && reading.isMeasured;
     document["value"] = hasValue ? serve::asJson(reading.value) : Json();
-    document["shown"] = hasValue ? Json(toUtf8(valueWithUnit(parameter, reading.value).c_str())) : Json();
+    document["shown"] = hasValue ? Json(toUtf8(valueWithUnit(parameter, reading.value))) : Json();
     if (!effect.empty()) document["readEffect"] = effect;
     if (reading.error != FG_OK) document["readError"] = codeInWords(reading.error);
     if (!parameter.effectOfWriting().empty()) document["writeEffect"] = parameter.effectOfWriting();
@@ -141,7 +141,7 @@ ParameterDocuments::Changes ParameterDocuments::changesSince(const std::vector<P
             changes.values.push_back({{"name", parameter.name},
                                       {"before", serve::asJson(before[i].value)},
                                       {"after", serve::asJson(now[i].value)},
-                                      {"shown", toUtf8(valueWithUnit(parameter, now[i].value).c_str())}});
+                                      {"shown", toUtf8(valueWithUnit(parameter, now[i].value))}});
         if (now[i].limits != before[i].limits || now[i].access != before[i].access)
             changes.limits.push_back(parameter.name);
     }

@@ -24,7 +24,7 @@ public:
     /** Waits for the first byte of the next request, and begins its limits. False if none comes. The first request must come
      *  at once; later ones may take a while. */
     bool waitForRequest();
-    /** The head is complete, and a body of so many bytes may come. */
+    /** The head is complete, and a body of this many bytes may follow. */
     void beginBody(std::size_t most);
     /** False once the client has closed its side. */
     bool isClientThere() const;
