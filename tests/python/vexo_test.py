@@ -2,6 +2,7 @@
 import copy
 import gc
 import pickle
+import re
 import signal
 import subprocess
 import sys
@@ -69,9 +70,16 @@ def test_a_refusal_says_what_is_accepted(station):
 @pytest.mark.parametrize("value, error", [(2**70, vexo.Refused), (-1, vexo.Refused), (8.5, vexo.Refused), ("x", vexo.Refused),
                                           (None, TypeError), ([8], TypeError), (1j, TypeError)])
 def test_a_value_of_another_kind_is_refused(station, value, error):
-    with pytest.raises(error, match="FG_WIDTH"):
+    with pytest.raises(error, match="FG_WIDTH") as caught:
         station.FG_WIDTH = value
+    assert not isinstance(value, int) or str(value) in str(caught.value)
     assert station.FG_WIDTH == 1024
+
+
+@pytest.mark.parametrize("length", [0, 3, 255, 256, 1000])
+def test_a_text_is_read_as_it_was_set(station, length):
+    station.FG_DEBUGFILE = "x" * length
+    assert station.FG_DEBUGFILE == "x" * length
 
 
 WRONG_CALLS = [
@@ -186,6 +194,10 @@ def test_files(station, tmp_path):
     assert station.FG_WIDTH == 2048
     file.write_text(file.read_text().replace("FG_WIDTH=2048", "FG_WIDTH=2047"))
     assert "FG_WIDTH" in str(station.losses(file).findings)
+    file.write_text(re.sub("(FRAMERATE=).*", r"\g<1>7;", re.sub("FG_HEIGHT=.*\n", "", file.read_text())))
+    with pytest.raises(vexo.Error, match="FG_HEIGHT is missing") as caught:
+        station.load(file)
+    assert "FRAMERATE" not in str(caught.value)  # a rate that is computed is not lost
     with pytest.raises(vexo.FileError) as caught:
         station.load(tmp_path / "missing.mcf")
     assert isinstance(caught.value, OSError)

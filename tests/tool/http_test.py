@@ -251,6 +251,7 @@ class Http(unittest.TestCase):
                 self.assertEqual(answer.status, status, answer.body[:300])
                 self.assertIn("default-src 'none'", answer.headers["Content-Security-Policy"])
                 self.assertEqual(answer.headers["X-Content-Type-Options"], "nosniff")
+        self.assertEqual(client.ask("DELETE", WIDTH).headers["Allow"], "GET, PUT")
         tag = client.get("/").headers["ETag"]
         self.assertEqual(client.ask("GET", "/", If_None_Match=tag).status, 304)
         self.assertNotIn(client.token, run("station", "list", "--json")[1])
