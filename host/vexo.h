@@ -52,11 +52,10 @@ extern "C" {
 /** Codes of this library. All are below those of the applet. */
 enum vexo_code {
     VEXO_OK = 0,
-    VEXO_TIMEOUT = -20001,      /**< timed out */
-    VEXO_ERR_ARGUMENT = -20002, /**< a null pointer, or an argument beyond its limits */
-    VEXO_ERR_NAME = -20003,     /**< no parameter, event, input or entry has that name, id or index */
-    VEXO_ERR_VALUE =
-        -20004, /**< the text is not a value of the kind, or the number does not fit in the type */
+    VEXO_TIMEOUT = -20001,         /**< timed out */
+    VEXO_ERR_ARGUMENT = -20002,    /**< a null pointer, or an argument beyond its limits */
+    VEXO_ERR_NAME = -20003,        /**< no parameter, event, input or entry has that name, id or index */
+    VEXO_ERR_VALUE = -20004,       /**< not a value of the kind, or a number that does not fit in the type */
     VEXO_ERR_KIND = -20005,        /**< the parameter has another kind of value than the function */
     VEXO_ERR_SPACE = -20006,       /**< the caller's memory is too small; the size that is needed is given */
     VEXO_ERR_LIBRARY = -20007,     /**< a library was not found or cannot be loaded */
