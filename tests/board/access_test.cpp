@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstdint>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -32,11 +33,15 @@ TEST_F(VirtualBoard, NumbersAreAccessedWithEveryTagAndLogged) {
     std::int64_t skew = 0;
     EXPECT_EQ(get("Device2_LinkMonitor_Skew", FG_PARAM_INT64, skew), 0);
     EXPECT_EQ(skew, INT64_MIN);
+    EXPECT_EQ(set("Device2_LinkMonitor_Skew", FG_PARAM_DOUBLE, std::numeric_limits<double>::quiet_NaN()), 0);
+    EXPECT_EQ(get("Device2_LinkMonitor_Skew", FG_PARAM_INT64, skew), 0);
+    EXPECT_EQ(skew, 0);
     EXPECT_EQ(log(),
               (Lines{"set " + width + " i64 2048", "set " + period + " u32 150",
                      "set " + period + " f64 0.30000000000000004", "set Device2_LinkMonitor_Skew f64 -1e+300",
                      "get " + width + " u32 2048", "get " + width + " f64 2048",
-                     "get Device2_LinkMonitor_Skew i64 -9223372036854775808"}));
+                     "get Device2_LinkMonitor_Skew i64 -9223372036854775808", "set Device2_LinkMonitor_Skew f64 nan",
+                     "get Device2_LinkMonitor_Skew i64 0"}));
 }
 
 TEST_F(VirtualBoard, RefusesWrongIdsTypesAndHandles) {
