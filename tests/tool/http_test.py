@@ -507,10 +507,15 @@ class Http(unittest.TestCase):
         # Without a length there is no body; a wrong method is refused before its body.
         for request, length, status in [("POST /api/acquisition", "", b"400"), ("PATCH /api/belt", "", b"405"),
                                         (f"POST {WIDTH}", "", b"405"), (f"POST {WIDTH}", "Content-Length: 9\r\n", b"405")]:
-            start = time.monotonic()
-            with self.subTest(request), client.raw(f"{request} HTTP/1.1\r\n{good}{length}\r\n".encode()) as asked:
-                self.assertEqual(asked.recv(12)[-3:], status)
-                self.assertLess(time.monotonic() - start, 4)
+            def answered():
+                """Seconds until the answer: more than five if the station waits for a body."""
+                start = time.monotonic()
+                with client.raw(f"{request} HTTP/1.1\r\n{good}{length}\r\n".encode()) as asked:
+                    self.assertEqual(asked.recv(12)[-3:], status)
+                return time.monotonic() - start
+
+            with self.subTest(request):
+                self.assertTrue(any(answered() < 4 for _ in range(5)))  # a busy machine may be late now and then
         # A body in chunks has the limit of a body; one that is packed is not unpacked, nor read.
         chunks = (b"10000\r\n" + b" " * 0x10000 + b"\r\n") * 320 + b"0\r\n\r\n"
         packed = gzip.compress(b" " * 50_000_000)

@@ -165,6 +165,14 @@ class Panels(Journey):
             expect(page.locator(".lut .error")).to_contain_text("a gamma from 0.1 to 10 is expected")
             page.locator(".lut .error button").click()
         self.assertEqual(self.still.value(f"FG_LUT_VALUE_GREEN[{entry}]"), value - 4096)
+        # A change that does not reach the station is dropped.
+        page.route("**/api/lut/green", lambda route: route.abort())
+        page.click("#lut-inverted")
+        expect(page.locator(".lut .error")).to_contain_text("The table is not set: the station did not answer")
+        page.unroute("**/api/lut/green")
+        expect(handle).not_to_have_attribute("aria-valuenow", str(value - 4096))
+        page.locator(".lut .error").get_by_role("button", name="Dismiss").click()
+        expect(handle).to_have_attribute("aria-valuenow", str(value - 4096))
 
     def test_a_handle_changes_the_entries_beside_it(self):
         page = self.open(self.still)
