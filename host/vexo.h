@@ -1,6 +1,7 @@
 /**
- * The host library libvexo.so: a station is an applet that is brought up on a board, and all that a program
- * needs of it. A program links libvexo.so alone; it loads the applet and the platform libraries by itself.
+ * The host library libvexo.so opens stations. A station is an applet that has been brought up on a board, with
+ * its parameters, files, events and pictures. A program links libvexo.so alone; the library loads the applet
+ * and the platform libraries.
  *
  *     vexo_station* station = NULL;
  *     if (vexo_open(NULL, &station) != VEXO_OK)                            // a virtual board
@@ -10,32 +11,32 @@
  *     vexo_close(station);
  *
  * Results. Unless a function says otherwise it returns VEXO_OK (0) or a negative code: one of the applet's own
- * (FG_ERR_..., vexo/fg_errors.h), or a VEXO_ERR_... of this header for what the applet does not see. After a
- * failure, vexo_last_error() explains it in words and vexo_last_details() as a JSON document, for the thread
- * that called. A failed call leaves the caller's memory as it was, except where a function says otherwise, and
+ * (FG_ERR_..., vexo/fg_errors.h), or a VEXO_ERR_... of this header for errors outside the applet. After a
+ * failure, vexo_last_error() gives its message and vexo_last_details() a JSON document, for the calling
+ * thread. A failed call leaves the caller's memory as it was, except where a function says otherwise, and
  * changes nothing on the board. Null pointers and arguments beyond their limits are VEXO_ERR_ARGUMENT. No
  * C++ exception leaves a function.
  *
  * Parameters are named by their id. vexo_id gives the id for a name, and an id stays the same as long as the
  * station is open. A negative id is the code of a failed vexo_id: every function returns it as its own result,
- * and the words of vexo_id remain the last error. So the result of vexo_id may be passed on unchecked:
+ * and the message of vexo_id remains the last error. So the result of vexo_id may be passed on unchecked:
  *
  *     code = vexo_set_int(station, vexo_id(station, "FG_WITH"), 2048);   // "... did you mean FG_WIDTH?"
  *
- * Texts are UTF-8. A `const char*` that a function gives belongs to the library; the function says how long it
- * is valid. A `char*` belongs to the caller, who releases it with vexo_free.
+ * Texts are UTF-8. A returned `const char*` belongs to the library; the function's description says how long it
+ * is valid. A returned `char*` belongs to the caller, who releases it with vexo_free.
  *
  * Threads. Any number of threads may use one station, and each may use several. Reads of numbers take no lock
  * but the applet's own. All other accesses to parameters, files, questions and the set-up of the simulation
  * hold the station's lock for the call, so a question (which takes some hundredths of a second) delays them,
  * but no read of a number. A read of a number while another thread is in vexo_load may see the value from
  * before or after it. Waits, renders and the clock take no lock of the station. vexo_close must be the last
- * call. Opening and closing are serialized for the process; vexo_open changes the environment of the process
- * for a moment (setenv), so no other thread may read or change the environment meanwhile.
+ * call. Opening and closing are serialized for the process. vexo_open calls setenv; do not access the
+ * environment from other threads during the call.
  *
- * A question (vexo_ask_..., and the advice in the words of a refusal) tries values on a scratch board, which is
- * a process of its own: the program vexo-scratch, started with the first question of a station. The host's
- * board is not touched.
+ * A question (vexo_ask_..., and the advice in the message of a refusal) tries values on a scratch board in a
+ * separate process, vexo-scratch, which is started with the first question of a station. The station's own
+ * board is not accessed.
  */
 #ifndef VEXO_VEXO_H
 #define VEXO_VEXO_H
@@ -61,11 +62,11 @@ enum vexo_code {
     VEXO_ERR_LIBRARY = -20007,     /**< a library was not found or cannot be loaded */
     VEXO_ERR_UNAVAILABLE = -20008, /**< the applet did not come up, or an optional part was not built in */
     VEXO_ERR_NOT_VIRTUAL = -20009, /**< only a virtual board has that */
-    VEXO_ERR_STATE = -20010,       /**< not possible now; the words say why */
+    VEXO_ERR_STATE = -20010,       /**< not possible now; the message says why */
     VEXO_ERR_GONE = -20011,   /**< the picture is not in the memory: overwritten, released, not yet taken */
     VEXO_ERR_FILE = -20012,   /**< a file cannot be read or written, or is not what was expected */
     VEXO_ERR_MEMORY = -20013, /**< no memory is left */
-    VEXO_ERR_FAILED = -20014  /**< any other failure; see the words */
+    VEXO_ERR_FAILED = -20014  /**< any other failure; see the message */
 };
 
 /** An open station. */
@@ -73,29 +74,30 @@ typedef struct vexo_station vexo_station;
 
 /* ---- library ---- */
 
-/** The version of the library, "1.1.0". Valid until the process ends. */
+/** Returns the version of the library, "1.1.0". Valid until the process ends. */
 const char* vexo_version(void);
 
-/** What the code means, "-6000, value out of range", for any code of this header or of the applet; never
- *  null. Valid until the next call of this function in the same thread. */
+/** Describes a code of this header or of the applet: "-6000, value out of range". Never null. Valid until the
+ *  next call of this function in the same thread. */
 const char* vexo_code_text(int code);
 
-/** The code of the last failed call of this thread; VEXO_OK if none has failed. A success does not clear it. */
+/** Returns the code of the last failed call of this thread; VEXO_OK if none has failed. A success does not
+ *  clear it. */
 int vexo_last_code(void);
 
-/** The words for vexo_last_code(), without a line break at the end, never null. They name what was asked, the
- *  limit, what sets it, the nearest accepted value, or the nearest names. Valid until the next failed call of
- *  the same thread. */
+/** Returns the message for vexo_last_code(), without a line break at the end; never null. It names the request,
+ *  the limit, what sets it, the nearest accepted value, or the nearest names. Valid until the next failed call
+ *  of the same thread. */
 const char* vexo_last_error(void);
 
-/** The same as a JSON object, never null. Always: "code", "symbol", "meaning", "words". For a refused value
- *  also "name", "requested" {"value", "symbol"}, "limit" {"minimum", "maximum", "step"} (for numbers), and,
- *  if the station gives advice, "nearest" {"value"}, "setBy" [{"limit", "parameter", "with", "becomes"}],
- *  "acceptedWith" ["FG_XOFFSET=0", ...]. For an unknown name "suggestions" ["FG_WIDTH", ...]. Valid as the
- *  words. */
+/** Returns the details as a JSON object, never null. Members: "code", "symbol", "meaning" and "words" (the
+ *  message). For a refused value also "name", "requested" {"value", "symbol"}, "limit" {"minimum", "maximum",
+ *  "step"} (for numbers), and, if the station gives advice, "nearest" {"value"}, "setBy" [{"limit",
+ *  "parameter", "with", "becomes"}], "acceptedWith" ["FG_XOFFSET=0", ...]. For an unknown name "suggestions"
+ *  ["FG_WIDTH", ...]. Valid as long as the message. */
 const char* vexo_last_details(void);
 
-/** Releases a text that a function gave as `char*`. Null does nothing. */
+/** Releases a text that a function returned as `char*`. Does nothing for null. */
 void vexo_free(char* text);
 
 /* ---- opening ---- */
@@ -108,14 +110,14 @@ enum vexo_board {
 
 /** Bits of vexo_options::flags. */
 enum vexo_flag {
-    VEXO_LOOK = 1,     /**< the board is left as it is: no start value is written, and sets, loads and
-                            acquisitions are VEXO_ERR_STATE, also offline. Values are those of a starting
-                            applet. Of the station file of VBOARD_STATION the parameters are left out; one
+    VEXO_LOOK = 1,     /**< read-only: no start value is written to the board, and sets, loads and
+                            acquisitions are VEXO_ERR_STATE, also offline. Values are the applet's initial
+                            ones. Parameters in the station file of VBOARD_STATION are ignored; a file
                             that `station` names must have none */
     VEXO_NO_ADVICE = 2 /**< refusals are explained without the scratch board, which makes them faster */
 };
 
-/** How to open a station. Set `size`, and let all other members be zero unless you need them. */
+/** Options of vexo_open. Set `size`, and leave all other members zero unless you need them. */
 typedef struct vexo_options {
     uint32_t size;  /**< sizeof(vexo_options); a larger one of a newer header is VEXO_ERR_ARGUMENT */
     int32_t board;  /**< enum vexo_board */
@@ -126,8 +128,8 @@ typedef struct vexo_options {
     const char* library_dir;
     /** File of another applet library. Null: libGrab_TwinLaneLineColor.so of that folder. */
     const char* applet;
-    /** Library with bridge_open_board and bridge_close_board, for a system whose board library opens none by
-     *  itself. Null: none. */
+    /** Library with bridge_open_board and bridge_close_board, for a system whose board library does not open
+     *  boards. Null: none. */
     const char* bridge;
     /** Station file (JSON) for a virtual board; the environment variable VBOARD_STATION is ignored then. Null: the
      *  one that this variable names, if set. */
@@ -135,7 +137,8 @@ typedef struct vexo_options {
 } vexo_options;
 
 /**
- * Loads the libraries (the platform's first, by absolute path, then the applet) and brings the applet up.
+ * Opens a station: loads the libraries (the platform's first, by absolute path, then the applet) and brings the
+ * applet up.
  * @param options  null: a virtual board, all at their default locations. The texts are copied
  * @param station  receives the station; null after a failure
  * @return VEXO_OK; VEXO_ERR_LIBRARY, VEXO_ERR_UNAVAILABLE; for a station file the results of vexo_set_up. A
@@ -144,11 +147,11 @@ typedef struct vexo_options {
  */
 int vexo_open(const vexo_options* options, vexo_station** station);
 
-/** Ends an acquisition, frees the applet and closes the board. No other thread may be using the station. Null
- *  does nothing. */
+/** Ends an acquisition, frees the applet and closes the board. No other thread may be using the station. Does
+ *  nothing for null. */
 void vexo_close(vexo_station* station);
 
-/** What is open, as a JSON object: "version", "board" ("virtual", "system", "none"), "applet" {"name",
+/** Describes the station as a JSON object: "version", "board" ("virtual", "system", "none"), "applet" {"name",
  *  "version"}, "files" (the loaded libraries), "parameters" (their number), "notes" (what the opening or
  *  the last question did, and how long it took). Release it with vexo_free. */
 int vexo_info(vexo_station* station, char** json);
@@ -156,8 +159,9 @@ int vexo_info(vexo_station* station, char** json);
 /* ---- parameters ---- */
 
 /**
- * The id of a parameter. Case and the prefix "FG_" do not matter, and a label such as "Width" is a name too.
- * @return the id, above 0; VEXO_ERR_NAME: there is none, or more than one; the words have the nearest names
+ * Returns the id of a parameter. Case and the prefix "FG_" do not matter, and a label such as "Width" is a name
+ * too.
+ * @return the id, above 0; VEXO_ERR_NAME: there is none, or more than one; the message has the nearest names
  */
 int vexo_id(vexo_station* station, const char* name);
 
@@ -185,7 +189,7 @@ typedef struct vexo_parameter {
     uint32_t elements;       /**< of a field; else 0 */
     uint32_t entries;        /**< of an enumeration; else 0 */
     const char* name;        /**< "FG_WIDTH" */
-    const char* label;       /**< "Width"; may be empty, as the following ones */
+    const char* label;       /**< "Width"; this and the following ones may be empty */
     const char* unit;        /**< "pixel" */
     const char* description; /**< one or more sentences */
     const char* group;       /**< labels from the top of the tree down, "Digital I/O / GPO" */
@@ -193,14 +197,14 @@ typedef struct vexo_parameter {
     const char* set_effect;  /**< a side effect of a set, "writes a file" */
 } vexo_parameter;
 
-/** The number of parameters; 0 for a null station. */
+/** Returns the number of parameters; 0 for a null station. */
 uint32_t vexo_count(vexo_station* station);
 
-/** Parameter `index`, below vexo_count, in the order of the tree: the parameters of a group are consecutive,
- *  its own before those of its sub-groups. */
+/** Describes parameter `index`, below vexo_count, in the order of the tree: the parameters of a group are
+ *  consecutive, its own before those of its sub-groups. */
 int vexo_parameter_at(vexo_station* station, uint32_t index, vexo_parameter* parameter);
 
-/** The parameter with that id. */
+/** Describes the parameter with this id. */
 int vexo_describe(vexo_station* station, int id, vexo_parameter* parameter);
 
 /** An entry of an enumeration. The texts are valid until vexo_close. */
@@ -210,7 +214,7 @@ typedef struct vexo_entry {
     const char* label;
 } vexo_entry;
 
-/** Entry `index` of an enumeration, in the published order. VEXO_ERR_NAME: there is no such entry;
+/** Describes entry `index` of an enumeration, in the published order. VEXO_ERR_NAME: there is no such entry;
  *  VEXO_ERR_KIND: no enumeration. */
 int vexo_entry_at(vexo_station* station, int id, uint32_t index, vexo_entry* entry);
 
@@ -220,11 +224,11 @@ typedef struct vexo_range {
     double step; /**< 0: any value between them */
 } vexo_range;
 
-/** The range that the applet publishes now; it moves with other parameters. What setters accept may be less:
- *  see vexo_ask_limits. Takes negligible time. VEXO_ERR_KIND: no number. */
+/** Reads the range that the applet publishes now; it depends on other parameters. Setters may accept less: see
+ *  vexo_ask_limits. Takes negligible time. VEXO_ERR_KIND: no number. */
 int vexo_get_range(vexo_station* station, int id, vexo_range* range);
 
-/** The present access bits into `access`. */
+/** Writes the present access bits to `access`. */
 int vexo_get_access(vexo_station* station, int id, uint32_t* access);
 
 /*
@@ -238,8 +242,8 @@ int vexo_get_uint(vexo_station* station, int id, uint64_t* value);
 int vexo_get_double(vexo_station* station, int id, double* value);
 
 /**
- * Any value as text: a text as it is, an enumeration by its symbol, a number so that vexo_set_text gives the
- * same value again; a field by all its elements, with commas.
+ * Reads any value as text: a text unchanged, an enumeration by its symbol, a number so that vexo_set_text gives
+ * the same value again, a field as its elements with commas between them.
  * @param buffer  receives the text and its final zero; may be null if *size is 0
  * @param size    in: bytes at `buffer`; out: bytes of the text with its zero, also with VEXO_ERR_SPACE
  */
@@ -258,20 +262,20 @@ int vexo_set_int(vexo_station* station, int id, int64_t value);
 int vexo_set_uint(vexo_station* station, int id, uint64_t value);
 /** For a parameter with whole numbers, the double must have no fraction. */
 int vexo_set_double(vexo_station* station, int id, double value);
-/** Sets a parameter of any kind: a text as it is, an enumeration by symbol, label or number, a number in
+/** Sets a parameter of any kind: a text unchanged, an enumeration by symbol, label or number, a number in
  *  decimal or as 0x...; all elements of a field to one number. VEXO_ERR_VALUE: it is none of these. */
 int vexo_set_text(vexo_station* station, int id, const char* text);
 /** Sets `count` elements of a field from element `first` on. */
 int vexo_set_field(vexo_station* station, int id, uint32_t first, uint32_t count, const uint32_t* values);
 
-/** In which order vexo_set_all sets. */
+/** Order in which vexo_set_all sets. */
 enum vexo_order {
     VEXO_GIVEN_ORDER = 0,
-    VEXO_ANY_ORDER = 1 /**< if that one fails, one in which all are accepted, found on the scratch board */
+    VEXO_ANY_ORDER = 1 /**< if the given order fails: one in which all are accepted, found on the scratch board */
 };
 
 /**
- * Sets many parameters, all or none: after a refusal those that were set get their old values again.
+ * Sets many parameters, all or none: after a refusal, those already set get their old values again.
  * @param assignments  `count` texts "NAME=VALUE" (also "FG_LUT_VALUE_RED[0..255]=5"), values as for vexo_set_text.
  *                     All are read before the first one is set
  * @return VEXO_OK; VEXO_ERR_NAME, VEXO_ERR_VALUE; otherwise the applet's answer to the refused one
@@ -284,12 +288,12 @@ int vexo_set_all(vexo_station* station, const char* const* assignments, size_t c
  *  VEXO_ERR_STATE: offline. */
 int vexo_save(vexo_station* station, const char* file);
 
-/** Loads a configuration file. The applet's answer: FG_OK even if setters refuse some of its values;
+/** Loads a configuration file. Returns the applet's code: FG_OK even if setters refuse some of its values;
  *  vexo_ask_check shows in advance what would be lost. FG_ERR_LOAD_CONFIG: nothing, or not all, was loaded.
  *  VEXO_ERR_FILE: it cannot be read. */
 int vexo_load(vexo_station* station, const char* file);
 
-/** The XML document (GenApi 1.0) that describes the parameters with their present limits. Release it with
+/** Makes the XML document (GenApi 1.0) that describes the parameters with their present limits. Release it with
  *  vexo_free. */
 int vexo_document(vexo_station* station, char** xml);
 
@@ -298,41 +302,42 @@ int vexo_document(vexo_station* station, char** xml);
 /** An answer to a question. */
 typedef struct vexo_answer vexo_answer;
 
-/** The answer in words, one or more lines without a final line break. Valid until vexo_answer_free; never
- *  null. */
+/** Returns the answer as text, one or more lines without a final line break. Valid until vexo_answer_free;
+ *  never null. */
 const char* vexo_answer_text(const vexo_answer* answer);
-/** The answer as JSON: the members that docs/json/ describes for the command of that name. Valid as the text. */
+/** Returns the answer as JSON: the members that docs/json/ describes for the command of that name. Valid as long
+ *  as the text. */
 const char* vexo_answer_json(const vexo_answer* answer);
-/** Releases an answer. Null does nothing. */
+/** Releases an answer. Does nothing for null. */
 void vexo_answer_free(vexo_answer* answer);
 
 /**
- * What setters accept now, and what sets each limit.
+ * Finds what setters accept now, and what sets each limit.
  * @param name   a parameter, or elements of a field ("FG_LUT_VALUE_RED[7]")
  * @param with   "NAME=VALUE" texts, separated by blanks, which are assumed to be set before; null: none. They are
  *               quoted as in a shell: "FG_FORMAT='Color 48bit' FG_WIDTH=512". If one of them is refused, that is
- *               the result, with the same words and details as of a set
+ *               the result, with the same message and details as from a set
  * @param range  receives the accepted range of a number; null: not wanted. For any other kind of parameter the
  *               result is VEXO_ERR_KIND, and the answer is given nevertheless
  */
 int vexo_ask_limits(vexo_station* station, const char* name, const char* with, vexo_range* range,
                     vexo_answer** answer);
 
-/** Why a value is refused ("FG_WIDTH=20000") or a parameter read-only ("FG_LINE_DOWNSCALE"), and which
- *  changes of other parameters would free it. `with` as above. */
+/** Finds why a value is refused ("FG_WIDTH=20000") or a parameter is read-only ("FG_LINE_DOWNSCALE"), and which
+ *  changes of other parameters would allow it. `with` as above. */
 int vexo_ask_why(vexo_station* station, const char* question, const char* with, vexo_answer** answer);
 
 /**
- * What assignments would do, in the given order; nothing is set. JSON: {"assignments": [{"name", "requested",
+ * Finds the effects of assignments in the given order; nothing is set. JSON: {"assignments": [{"name", "requested",
  * "value", "writes", "changes", "moves", "error"}], "notSet"}; a refused one has "error" and is the last.
  * @param assignments  `count` texts as for vexo_set_all
  */
 int vexo_ask_plan(vexo_station* station, const char* const* assignments, size_t count, vexo_answer** answer);
 
-/** What a load of the configuration file would lose. JSON: {"code", "findings"}. */
+/** Finds what a load of the configuration file would lose. JSON: {"code", "findings"}. */
 int vexo_ask_check(vexo_station* station, const char* file, vexo_answer** answer);
 
-/** Which settings are accepted, but probably not intended. JSON: {"findings"}. */
+/** Finds settings that are accepted, but probably not intended. JSON: {"findings"}. */
 int vexo_ask_lint(vexo_station* station, vexo_answer** answer);
 
 /* ---- the simulated station of a virtual board: time and signals ---- */
@@ -341,10 +346,10 @@ int vexo_ask_lint(vexo_station* station, vexo_answer** answer);
 #define VEXO_TICKS_PER_SECOND 125000000
 
 /** Makes time follow the wall clock, `factor` times as fast (0.001 to 1000), or, with 0, stepped: it then
- *  moves only in vexo_advance and in waits, and follows no clock. At first it is stepped. */
+ *  advances only in vexo_advance and in waits. At first it is stepped. */
 int vexo_clock(vexo_station* station, double factor);
 
-/** The present time into `tick`. */
+/** Writes the present time to `tick`. */
 int vexo_now(vexo_station* station, uint64_t* tick);
 
 /** Advances stepped time by `ticks`. VEXO_ERR_STATE: it follows the clock. */
@@ -360,7 +365,8 @@ int vexo_wave(vexo_station* station, const char* wave);
  *  of a refused one. */
 int vexo_set_up(vexo_station* station, const char* file);
 
-/** The same from a text in memory. Relative file names in it start at `folder`; null: the working directory. */
+/** As vexo_set_up, with the contents of the file in memory. Relative file names start at `folder`; null: the
+ *  working directory. */
 int vexo_set_up_text(vexo_station* station, const char* json, const char* folder);
 
 /* ---- events ---- */
@@ -368,19 +374,19 @@ int vexo_set_up_text(vexo_station* station, const char* json, const char* folder
 /** An event. The name is valid until vexo_close. */
 typedef struct vexo_event {
     uint64_t tick;
-    uint64_t mask;    /**< as of vexo_event_mask; 0 for one without a mask */
-    const char* name; /**< of the applet's event, or else that of the design */
+    uint64_t mask;    /**< as vexo_event_mask gives it; 0 if the event has none */
+    const char* name; /**< the applet's name, or else that of the design */
 } vexo_event;
 
-/** The mask of an event by its name. VEXO_ERR_NAME. */
+/** Writes the mask of the event `name` to `mask`. VEXO_ERR_NAME: there is no such event. */
 int vexo_event_mask(vexo_station* station, const char* name, uint64_t* mask);
 
-/** The name of event `index` (from 0, in the order of the masks) into `name`, its mask into `mask`. The name
- *  is valid until vexo_close. VEXO_ERR_NAME: there are no more. */
+/** Writes name and mask of event `index` (from 0, in the order of the masks). The name is valid until
+ *  vexo_close. VEXO_ERR_NAME: there are no more. */
 int vexo_event_at(vexo_station* station, uint32_t index, const char** name, uint64_t* mask);
 
 /**
- * Waits for the oldest event that was not yet taken. Stepped time advances meanwhile; otherwise the thread sleeps.
+ * Takes the oldest event, or waits for one. Stepped time advances during the wait; otherwise the thread sleeps.
  * @param mask     events that are wanted; the others are dropped. 0: all
  * @param seconds  time-out in the station's time; 0: only an event that has already happened
  * @param wall     time-out in seconds of the wall clock; negative: none
@@ -392,18 +398,18 @@ int vexo_wait_event(vexo_station* station, uint64_t mask, double seconds, double
 
 /* ---- pictures ---- */
 
-/** What a memory does when it is full. */
+/** Behaviour of a memory that is full. */
 enum vexo_memory {
-    VEXO_KEEP = 0, /**< a picture stays until vexo_release; the acquisition waits meanwhile */
+    VEXO_KEEP = 0, /**< pictures stay until vexo_release; the acquisition waits for a free frame */
     VEXO_RING = 1  /**< the oldest picture is overwritten */
 };
 
-/** Starts an acquisition without end into a memory of `frames` frames (1 to 65536), which take no space of
- *  their own. One can run at a time: VEXO_ERR_STATE. */
+/** Starts a continuous acquisition into a memory of `frames` frames (1 to 65536), for which no pixels are
+ *  allocated. VEXO_ERR_STATE: an acquisition is running. */
 int vexo_start(vexo_station* station, uint32_t frames, int memory);
 
-/** Ends the acquisition; waits for pictures in other threads return VEXO_ERR_STATE. Without one nothing
- *  happens. */
+/** Ends the acquisition; waits for pictures in other threads return VEXO_ERR_STATE. Does nothing if none is
+ *  running. */
 int vexo_stop(vexo_station* station);
 
 /** A picture. */
@@ -415,7 +421,7 @@ typedef struct vexo_picture {
     uint32_t stride;      /**< bytes from line to line */
     uint32_t bits;        /**< of a component: 8, 10, 12, 14 or 16 */
     uint64_t first_line;  /**< tick at which the transfer of the first line started */
-    uint64_t last_line;   /**< and of the last one */
+    uint64_t last_line;   /**< tick at which the transfer of the last line started */
     uint64_t arrival;     /**< tick at which the picture was complete */
     uint64_t lost_before; /**< images since the previous picture that did not fit in the buffer */
     uint64_t trigger;     /**< number of the start that it belongs to, from 1 */
@@ -427,19 +433,19 @@ typedef struct vexo_picture {
 /**
  * Waits for a picture. Stepped time advances to its arrival at most; otherwise the thread sleeps.
  * @param number   the picture; 0: the one after the highest that this function gave, or, if that was overwritten or
- *                 released, the next that is in the memory. Threads that wait with 0 get different pictures, and
- *                 a wait that fails takes none
+ *                 released, the next one in the memory. Threads that wait with 0 get different pictures; a wait
+ *                 that fails takes none
  * @param seconds  time-out in the station's time
  * @param wall     time-out in seconds of the wall clock; negative: none
- * @param picture  receives its description; no bytes are made yet
- * @return VEXO_OK; VEXO_TIMEOUT, with the most likely reason in the words; VEXO_ERR_STATE: no acquisition runs;
+ * @param picture  receives its description; nothing is rendered yet
+ * @return VEXO_OK; VEXO_TIMEOUT, with the most likely reason in the message; VEXO_ERR_STATE: no acquisition runs;
  *         VEXO_ERR_GONE: the picture of that number was overwritten or released
  */
 int vexo_wait_picture(vexo_station* station, int64_t number, double seconds, double wall,
                       vexo_picture* picture);
 
 /**
- * Makes the bytes of a picture, directly in the caller's memory; threads may do so at the same time.
+ * Renders the bytes of a picture directly to the caller's memory. Threads may render at the same time.
  * @param destination  receives the lines one after the other. A line has blue, green, red of each pixel from its
  *                     lowest bit on, without a gap: with 8 bits that is a byte each, with 16 bits two bytes, else
  *                     packed bits
@@ -451,8 +457,8 @@ int vexo_render(vexo_station* station, int64_t number, void* destination, uint64
 /** Releases the frame of a picture. VEXO_ERR_GONE, VEXO_ERR_STATE. */
 int vexo_release(vexo_station* station, int64_t number);
 
-/** Red, green and blue of each pixel, each in 16 bits with the value that it has in the picture, from the
- *  bytes `data` of the picture into `pixels` with room for 3 * width * height of them. Needs no station. */
+/** Unpacks the bytes `data` of a picture to `pixels`, 3 * width * height numbers: red, green and blue of each
+ *  pixel, 16 bits each, with the values of the picture. Needs no station. */
 int vexo_unpack(const vexo_picture* picture, const void* data, uint16_t* pixels);
 
 /** Writes the picture to a file, in the format of its suffix: .png, .tiff (.tif), .ppm or .raw.

@@ -135,7 +135,7 @@ enum {
     VBOARD_STATUS_TICK = 1001,                   /**< its current time */
     VBOARD_STATUS_LINES = 1002,                  /**< lines of the source so far */
     VBOARD_STATUS_FILL_LEVEL = 1003,             /**< of the buffer in percent; the overflow flag is kept */
-    VBOARD_STATUS_LOST_IMAGES = 1004,            /**< no room in the buffer */
+    VBOARD_STATUS_LOST_IMAGES = 1004,            /**< the buffer was full */
     VBOARD_STATUS_IGNORED_TRIGGERS = 1005,       /**< of images, while one was in progress */
     VBOARD_STATUS_LOST_PULSES = 1006,            /**< of the line trigger, while ExSync was active */
     VBOARD_STATUS_LOST_CAMERA_TRIGGERS = 1007,   /**< while a line or frame was in transfer */
@@ -148,7 +148,7 @@ enum {
 enum {
     VBOARD_CAMERA_NONE = 0,
     VBOARD_CAMERA_TRIGGERED = 1,    /**< a line for each edge of the camera trigger */
-    VBOARD_CAMERA_FREE_RUNNING = 2, /**< lines by itself */
+    VBOARD_CAMERA_FREE_RUNNING = 2, /**< lines at the camera's own rate */
     VBOARD_CAMERA_LINK_LOST = 3
 };
 
@@ -175,17 +175,17 @@ enum {
 
 /** Makes time follow the wall clock, `factor` times as fast (0.001 to 1000), or makes it stepped again from
  *  its current value (0). With the clock, each access of the board and each of these functions first advances
- *  time, and a wait for a picture sleeps; other threads may use the board meanwhile. Time lags if the machine
- *  is too slow: an access does at most some hundredths of a second of work, and at least as long without any
- *  follows it. What then lags by more than a second of the clock is not made up. A wait follows a change of
- *  the clock. VBOARD_UNKNOWN: a null board, or another factor. vboard_reset makes time stepped. */
+ *  time, and a wait for a picture sleeps; other threads may use the board during the wait. Time lags if the
+ *  machine is too slow: an access does at most some hundredths of a second of work, followed by at least as
+ *  long a pause. A lag beyond one second of the clock is not made up. A running wait adapts to a change of the
+ *  clock. VBOARD_UNKNOWN: a null board, or another factor. vboard_reset makes time stepped. */
 int vboard_clock(LOOMdevice* board, double factor);
 /** Result of vboard_advance while time follows the wall clock. */
 #define VBOARD_NOT_STEPPED UINT64_MAX
 /** The time; 0 for a null board. */
 uint64_t vboard_now(LOOMdevice* board);
-/** Advances time by `ticks` and returns the new time. It advances less if very much happens (some 2^26 ticks
- *  with an edge in them); call it again for the rest. VBOARD_NOT_STEPPED: time follows the clock; nothing was
+/** Advances time by `ticks` and returns the new time. A call processes at most some 2^26 ticks with an edge and
+ *  then returns early; call it again for the rest. VBOARD_NOT_STEPPED: time follows the clock; nothing was
  *  done. */
 uint64_t vboard_advance(LOOMdevice* board, uint64_t ticks);
 
@@ -217,71 +217,70 @@ int vboard_wave_encoder(LOOMdevice* board, unsigned inputA, unsigned inputB, con
  *  VBOARD_UNKNOWN: a null board. */
 int vboard_has_wave(LOOMdevice* board, unsigned input);
 
-/** A line-scan camera. It takes a line for each rising edge of the camera trigger, or by itself. LVAL rises when the
- *  exposure ends and lasts a tick for each 32 pixels; an edge before that is over is lost and counted. Its components have
- *  as many bits as Device1_Process0_Buffer_0_PixelFormat says. Values are proportional to the exposure. */
+/** A line-scan camera. It takes a line for each rising edge of the camera trigger, or runs freely. LVAL rises when the
+ *  exposure ends and lasts one tick per 32 pixels; a trigger edge before its end is lost and counted. The number of bits
+ *  per component is that of Device1_Process0_Buffer_0_PixelFormat. Values are proportional to the exposure. */
 typedef struct vboard_camera {
     /** Pixels of a line, 1 to VBOARD_WIDEST. */
     uint32_t width;
-    /** Lines a second that it takes by itself, no more than exposure and transfer allow; 0: it waits for the trigger. */
+    /** Line rate in free run, in lines per second, limited by exposure and transfer time; 0: triggered. */
     uint32_t line_rate;
-    /** Its own exposure time in ticks. It counts in free run, and as long as the design's
-     *  ..._CamTrigger0_CLHSTrigger_EnablePulseWidth_Value is 0; else it exposes while the trigger is high. */
+    /** Exposure time in ticks, used in free run and while the design's
+     *  ..._CamTrigger0_CLHSTrigger_EnablePulseWidth_Value is 0; otherwise the camera exposes while the trigger is high. */
     uint32_t exposure;
-    /** Ticks after which a pixel has the value of the scene; 0: `exposure`. */
+    /** Exposure in ticks at which a pixel has the value of the scene; 0: `exposure`. */
     uint32_t full_exposure;
 } vboard_camera;
-/** What is wrong with a camera. */
+/** Faults of a camera. */
 typedef struct vboard_camera_faults {
     /** Colours in the order of the link, each once: 0 red, 1 green, 2 blue. */
     uint8_t order[3];
-    /** Every this many triggers, one makes no line and is counted as dropped; 0: all make a line. */
+    /** One of every `drop_every` triggers is ignored and counted as dropped; 0: none. */
     uint32_t drop_every;
-    /** Every this many lines, one is short; 0: none. */
+    /** One of every `short_every` lines is short; 0: none. */
     uint32_t short_every;
-    /** Its pixels, 1 to the width. */
+    /** Pixels of a short line, 1 to the width. */
     uint32_t short_width;
-    /** Ticks after which the link is lost, and no line comes; 0: it stays. */
+    /** Ticks until the link is lost; then there are no lines. 0: never. */
     uint64_t lost_after;
-    /** Ticks until it is back; 0: never. */
+    /** Ticks from the loss until the link is restored; 0: never. */
     uint64_t lost_for;
 } vboard_camera_faults;
-/** Attaches a camera to the port from the next tick on, in place of the one that was there. Null `faults`: it has none.
- *  While the simulator is the source the camera takes no line. VBOARD_UNKNOWN: a null board or camera, or a value beyond
- *  the limits above; nothing has changed then. */
+/** Attaches a camera to the port from the next tick on, in place of a previous one. Null `faults`: none. While the
+ *  simulator is the source, the camera takes no lines. VBOARD_UNKNOWN: a null board or camera, or a value beyond the
+ *  limits above; nothing has changed then. */
 int vboard_camera_attach(LOOMdevice* board, const vboard_camera* camera, const vboard_camera_faults* faults);
-/** Takes the camera off, which is an event: the link is lost. Without one nothing happens. */
+/** Detaches the camera and raises the link-lost event. Does nothing without a camera. */
 int vboard_camera_detach(LOOMdevice* board);
 
 /** For an input that is not used. */
 #define VBOARD_NO_INPUT 0xffffU
-/** A belt that moves what the camera sees. */
+/** A belt that moves the scene past the camera. */
 typedef struct vboard_belt_setup {
-    /** Its movement, with speeds in micrometres a second here, at most a hundred million; after the last piece its speed
-     *  stays. The pieces are copied. */
+    /** Movement. Speeds are in micrometres per second here, at most a hundred million; the speed at the end of the last
+     *  piece is kept. The pieces are copied. */
     const vboard_speed* pieces;
     size_t count;
-    /** Inputs of an encoder on it, both or none: VBOARD_NO_INPUT. */
+    /** Inputs of the belt's encoder; no encoder: both VBOARD_NO_INPUT. */
     unsigned encoder_a, encoder_b;
-    /** The way of a quarter step, in nanometres. */
+    /** Distance per quarter step, in nanometres. */
     uint32_t encoder_step;
     /** Input of a light barrier, high while an object is in it, or VBOARD_NO_INPUT. */
     unsigned barrier;
-    /** How far before the camera it is, in micrometres; negative: after it. */
+    /** Distance of the barrier before the camera, in micrometres; negative: behind the camera. */
     int64_t barrier_ahead;
 } vboard_belt_setup;
-/** Starts a belt, which is at position 0 at the next tick, in place of the one that was there, and connects encoder and
- *  barrier. The barrier has its first 65536 edges. VBOARD_UNKNOWN: a null board or setup, no such input, a speed or a
- *  number of ticks above the maximum, or the encoder would make more than ten million quarter steps a second; nothing has
- *  changed then. */
+/** Starts a belt in place of a previous one, and connects encoder and barrier. Its position is 0 at the next tick. The
+ *  barrier signals its first 65536 edges only. VBOARD_UNKNOWN: a null board or setup, no such input, a speed or a number of
+ *  ticks above the maximum, or more than ten million quarter steps of the encoder per second; nothing has changed then. */
 int vboard_belt(LOOMdevice* board, const vboard_belt_setup* belt);
 
-/** Something on the belt, in micrometres. The camera sees its front when the belt has moved to `place`. */
+/** An object on the belt; lengths in micrometres. Its front is at the camera when the belt has moved to `place`. */
 typedef struct vboard_object {
     int64_t place;
     int64_t length;
 } vboard_object;
-/** What the camera sees. Without vboard_scene it is the chart, all over the belt, with pixels of 100 micrometres. */
+/** A scene for the camera. The default is the chart, repeated along the belt, with pixels of 100 micrometres. */
 typedef struct vboard_scene_setup {
     /** Width and height of a pixel on the belt, in nanometres, above 0. */
     uint32_t pixel;
@@ -290,24 +289,24 @@ typedef struct vboard_scene_setup {
     /** Its rows, red, green and blue in 16 bits each, which are copied. Null: a generated chart with rulers and the number
      *  of each line. */
     const uint16_t* components;
-    /** Objects, which are copied. Each shows the image or chart from its front on, and between them the belt is dark; what
-     *  overlaps is one object. At most 65536; 0: the image is all over the belt. */
+    /** Objects, which are copied. Each shows the image or chart from its front on; the belt between them is dark.
+     *  Overlapping objects form one. At most 65536; 0: the image covers the whole belt. */
     const vboard_object* objects;
     size_t object_count;
-    /** Largest deviation of a component, of 65535. It follows from the seed, the line's number and the pixel. */
+    /** Largest deviation of a component; full scale is 65535. Seed, line number and pixel determine the deviation. */
     uint32_t noise;
     uint64_t seed;
 } vboard_scene_setup;
-/** Puts a scene on the belt. Pictures show it from the first line of the next image on, the light barrier at once.
+/** Puts a scene on the belt. It applies to the light barrier at once, to pictures from the next image on.
  *  VBOARD_UNKNOWN: a null board or scene, or a value beyond the limits above; nothing has changed then. */
 int vboard_scene(LOOMdevice* board, const vboard_scene_setup* scene);
 
-/** Connects to `board` what is connected to `like`: camera, belt, scene, waves of the inputs, and the rate of the DMA.
- *  Camera, belt and waves begin again at the next tick, so a board whose time begins then acts as the other one did. Inputs
- *  without a wave there are left as they are. VBOARD_UNKNOWN: a null board. */
+/** Copies the surroundings of `like` to `board`: camera, belt, scene, waves of the inputs, and the rate of the DMA.
+ *  Camera, belt and waves restart at the next tick, so a new board behaves as `like` did from its start. Inputs without a
+ *  wave on `like` are not changed. VBOARD_UNKNOWN: a null board. */
 int vboard_surround(LOOMdevice* board, LOOMdevice* like);
 
-/** Sets how many bytes the DMA transfers per second; 0: as many as the link. */
+/** Sets the rate of the DMA in bytes per second; 0: the rate of the link. */
 void vboard_dma_rate(LOOMdevice* board, uint64_t bytesPerSecond);
 
 /** A memory for pictures: the `memory` argument of Fg_AcquireEx. */
@@ -327,9 +326,9 @@ int vboard_memory_frames(vboard_frames* memory, size_t frames);
 void vboard_memory_free(vboard_frames* memory);
 
 /** Advances time to the arrival of a picture, but by at most `ticks`, and returns the number of the last one,
- *  as Fg_getLastPicNumberBlockingEx does with a timeout in seconds. VBOARD_TIMEOUT: all these ticks have passed
- *  without it. Other threads can use the board in between; one that stops the acquisition ends the wait.
- *  FG_ERR_NOT_AVAILABLE: no acquisition into a memory of the board is running that it could belong to. */
+ *  as Fg_getLastPicNumberBlockingEx does with a timeout in seconds. VBOARD_TIMEOUT: the picture has not arrived
+ *  within `ticks`. Other threads can use the board during the wait; stopping the acquisition ends it.
+ *  FG_ERR_NOT_AVAILABLE: no acquisition that can take the picture into a memory of the board is running. */
 int64_t vboard_wait(LOOMdevice* board, int64_t picture, uint64_t ticks);
 
 /** A picture and its origin. */
@@ -350,13 +349,13 @@ typedef struct vboard_record {
     bool is_short;           /**< fewer lines than the height of an image */
     bool is_narrow;          /**< the source's lines were narrower than the width to be stored */
 } vboard_record;
-/** Fills in the record of a picture. Its bytes are rendered now, while other threads can use the board; each
- *  thread renders its own. They are valid until the picture is overwritten or released, an acquisition begins
+/** Fills in the record of a picture and renders its bytes. Other threads can use the board and render at the
+ *  same time. The bytes are valid until the picture is overwritten or released, an acquisition begins
  *  or the memory is freed; the latest ones stay valid even if the picture is overwritten. VBOARD_GONE: the
  *  picture does not exist, VBOARD_TOO_SMALL: it has become larger than a frame. */
 int vboard_frame(vboard_frames* memory, int64_t picture, vboard_record* record);
 /** As vboard_frame, but renders the bytes to the caller's memory at `destination`, of `size` bytes, which saves a
- *  copy. The board is not locked meanwhile: other threads may access it and advance time. VBOARD_TOO_SMALL:
+ *  copy. The board is not locked during this: other threads may access it and advance time. VBOARD_TOO_SMALL:
  *  `size` is too small; the record, except for `data`, is still filled in. */
 int vboard_frame_into(vboard_frames* memory, int64_t picture, void* destination, uint64_t size,
                       vboard_record* record);
@@ -383,7 +382,7 @@ int64_t vboard_signals(LOOMdevice* board, unsigned select, uint64_t from, uint64
 enum { VBOARD_CAMERA = 0, VBOARD_BUFFER = 1, VBOARD_OUTPUT = 2 };
 /** Injects an image at a debug point with its input on: rows of red, green and blue in 16 bits each, copied.
  *  Needs a running acquisition of the station. VBOARD_UNKNOWN: no such point, input off, no acquisition,
- *  invalid size (at most VBOARD_WIDEST x VBOARD_HIGHEST and VBOARD_MOST_PIXELS), or no room. */
+ *  invalid size (at most VBOARD_WIDEST x VBOARD_HIGHEST and VBOARD_MOST_PIXELS), or no space in the buffer. */
 int vboard_inject(LOOMdevice* board, int point, uint32_t width, uint32_t height, const uint16_t* components);
 
 /** Why the last write of 1 to a debug point's _Insert injected no image of its _DebugFile, such as "its
