@@ -11,7 +11,7 @@ using applet_tools::Ticks;
 [[noreturn]] void throwGone(std::int64_t number) {
     throw Error(VEXO_ERR_GONE,
                 "picture " + std::to_string(number) +
-                    " is not in the memory: it was overwritten or released, or has not come yet");
+                    " is not in the memory: it was overwritten or released, or has not arrived yet");
 }
 
 vexo_picture pictureOf(const vboard_record& record) {
@@ -62,7 +62,7 @@ void Acquisition::stop() { stopAcquisition(m_instance, m_memory); }
 
 std::optional<vboard_record> Acquisition::recordOf(std::int64_t number) const {
     vboard_record record{};
-    std::uint8_t noRoom = 0; // fills in the record without the bytes
+    std::uint8_t noRoom = 0; // the record is filled in, but nothing is rendered
     const int code = m_instance.board().frame_into(m_memory.get(), number, &noRoom, 0, &record);
     if (code == VBOARD_NO_MEMORY) throw std::bad_alloc();
     if (code != VBOARD_TOO_SMALL) return std::nullopt;
@@ -76,7 +76,7 @@ std::optional<std::int64_t> Acquisition::waitFor(std::int64_t number, const Dead
     Stride stride;
     while (last == VBOARD_TIMEOUT) {
         const Ticks now = board.now(device);
-        const bool isOver = deadline.isOver(now); // it still looks once more
+        const bool isOver = deadline.isOver(now); // checks once more, without waiting
         const auto begin = std::chrono::steady_clock::now();
         last = board.wait(device, number, isOver ? 0 : std::min(stride.ticks(), deadline.tick() - now));
         stride.note(std::chrono::steady_clock::now() - begin);
@@ -97,7 +97,7 @@ bool Acquisition::wait(std::int64_t number, const Deadline& deadline, vexo_pictu
     return true;
 }
 
-// A number is taken when its picture is there, and by one thread; the others go on to the next one.
+// One thread takes a number, when its picture has arrived; the others continue with the next number.
 bool Acquisition::waitForNext(const Deadline& deadline, vexo_picture& picture) {
     for (;;) {
         std::int64_t before = m_last;
@@ -108,7 +108,7 @@ bool Acquisition::waitForNext(const Deadline& deadline, vexo_picture& picture) {
             picture = pictureOf(*record);
             return true;
         }
-        // It was overwritten, as were all that no longer fit in a ring, or released.
+        // The picture was released, or overwritten with all others that no longer fit in the ring.
         const std::int64_t gone = m_kind == VEXO_RING ? std::max(before + 1, *last - m_frames) : before + 1;
         m_last.compare_exchange_strong(before, gone);
     }
@@ -120,7 +120,7 @@ void Acquisition::render(std::int64_t number, void* destination, std::uint64_t s
     if (code == VBOARD_NO_MEMORY) throw std::bad_alloc();
     if (code == VBOARD_TOO_SMALL)
         throw Error(VEXO_ERR_SPACE, "picture " + std::to_string(number) + " has " +
-                                        std::to_string(record.size) + " bytes, and there is room for " +
+                                        std::to_string(record.size) + " bytes, and the memory has " +
                                         std::to_string(size));
     if (code != VBOARD_OK) throwGone(number);
 }

@@ -14,8 +14,7 @@
 
 namespace host {
 
-/** All functions may be called from any thread. The memory lives as long as the object, so a thread that uses
- *  it holds a shared pointer. */
+/** Thread-safe. The memory lives as long as the object, so a thread that uses it holds a shared pointer. */
 class Acquisition {
 public:
     /** Throws Error if the applet refuses. */
@@ -24,11 +23,11 @@ public:
     Acquisition(const Acquisition&) = delete;
     Acquisition& operator=(const Acquisition&) = delete;
 
-    /** Ends it; other threads' waits end. */
+    /** Ends the acquisition and the waits of other threads. */
     void stop();
 
-    /** Waits for a picture; 0: the oldest one that is there and that no wait has given. Each thread gets another
-     *  one. True when it is there. Throws Error. */
+    /** Waits for a picture; 0: the oldest one in the memory that no wait has returned. Each thread gets a different
+     *  picture. Returns false after the time-out. Throws Error. */
     bool wait(std::int64_t number, const Deadline& deadline, vexo_picture& picture);
     /** Throws Error. */
     void render(std::int64_t number, void* destination, std::uint64_t size) const;
@@ -37,11 +36,12 @@ public:
     /** True if no frame is free for another picture until one is released. */
     bool isFull() const;
     std::uint32_t frames() const { return m_frames; }
-    /** The station at the start, or at the last picture. */
+    /** The state of the station at the start. */
     applet_tools::WaitStart start() const { return m_start; }
 
 private:
-    /** Waits for the number, which need not be there any more. Returns the last number; empty after the time-out. */
+    /** Waits until the picture has arrived; it may be overwritten already. Returns the last number; empty after the
+     *  time-out. */
     std::optional<std::int64_t> waitFor(std::int64_t number, const Deadline& deadline);
     bool waitForNext(const Deadline& deadline, vexo_picture& picture);
     /** Empty if the picture is not in the memory. */
@@ -52,8 +52,8 @@ private:
     const vexo_memory m_kind;
     applet_tools::FrameMemory m_memory;
     applet_tools::WaitStart m_start;
-    std::atomic<std::int64_t> m_last = 0;     // the highest number that a wait gave; never goes back
-    std::atomic<std::int64_t> m_released = 0; // number of pictures
+    std::atomic<std::int64_t> m_last = 0;     // the highest number that a wait returned; never decreases
+    std::atomic<std::int64_t> m_released = 0; // number of released pictures
 };
 
 } // namespace host

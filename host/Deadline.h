@@ -11,7 +11,7 @@
 
 namespace host {
 
-/** In the station's time, and optionally in that of the wall clock. */
+/** A time-out in the station's time, and optionally in wall clock time. */
 class Deadline {
 public:
     /** Throws Error for a time that is not a number, or negative. */

@@ -14,7 +14,7 @@ using nlohmann::ordered_json;
 
 struct LastError {
     int code = VEXO_OK;
-    bool hasWords = true; // false: there was no memory for them
+    bool hasWords = true; // false: there was no memory for the message
     std::string words = "no call has failed";
     std::string details = "{}";
     std::string codeText;

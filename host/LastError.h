@@ -1,4 +1,4 @@
-/** Failures of the exported functions: codes, words and details, for each thread. */
+/** Failures of the exported functions: codes, messages and details, for each thread. */
 #ifndef HOST_LASTERROR_H
 #define HOST_LASTERROR_H
 
@@ -12,7 +12,7 @@
 
 namespace host {
 
-/** A failure with its code. */
+/** A failure with its code and message. */
 // The move of a JSON document checks itself. NOLINTNEXTLINE(bugprone-exception-escape)
 struct Error : std::runtime_error {
     Error(int number, const std::string& words, nlohmann::ordered_json more = nullptr)
@@ -33,7 +33,7 @@ int fail(int code, const std::string& words) noexcept;
 /** Records that a pointer is null; `what` names the argument. Returns VEXO_ERR_ARGUMENT. */
 int failNull(const char* what) noexcept;
 
-/** The result of the work, or the code of its exception. */
+/** Returns the result of the work, or the code of its exception. */
 template <typename Work> int guarded(const Work& work) noexcept {
     try {
         return work();

@@ -36,7 +36,7 @@ vexo_kind kindOf(int kind) {
     }
 }
 
-/** The tag of a typed access to a number of the kind. */
+/** The type tag for accesses to a number of the kind. */
 FgParamTypes tagFor(int kind) {
     FgParamTypes tag{};
     applet_host::withNumberOf(kind, [&](auto number) { tag = tagOf<decltype(number)>; });

@@ -1,4 +1,4 @@
-/** The parameters of a station as its callers see them. */
+/** The parameters of a station, as vexo.h describes them. */
 #ifndef HOST_PARAMETERTABLE_H
 #define HOST_PARAMETERTABLE_H
 
@@ -18,9 +18,9 @@ namespace host {
 struct ParameterRow {
     int id = 0;
     vexo_kind kind = VEXO_UINT32;
-    FgParamTypes tag = 0;     /**< of a number, for the applet */
+    FgParamTypes tag = 0;     /**< type tag of a number, for the applet */
     bool isNumber = false;    /**< one number, or an entry */
-    bool hasElements = false; /**< that can be read and set */
+    bool hasElements = false; /**< its elements can be read and set */
     const applet_tools::Parameter* parameter = nullptr;
     std::string label, unit, description, group, readEffect, setEffect;
     std::vector<applet_tools::Entry> entries;
@@ -41,14 +41,14 @@ public:
         }
     }
 
-    /** 0 for an unknown name; this one is exact. */
+    /** Returns the id for an exact name; 0 for an unknown one. */
     int idOf(std::string_view name) const {
         const auto found = m_ids.find(name);
         return found != m_ids.end() ? found->second : 0;
     }
 
 private:
-    /** Of a hash table that is at most half full. */
+    /** A slot of a hash table that is at most half full. */
     struct Slot {
         int id = 0;
         const ParameterRow* row = nullptr; // null: free

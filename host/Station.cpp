@@ -28,7 +28,7 @@ vexo_station::vexo_station(const applet_tools::BoardOptions& options, bool wants
     , givesAdvice(wantsAdvice)
     , onlyLooks(options.look)
     , board(boardOf(options, instance)) {
-    // Nobody reads the log, which would grow to its limit.
+    // The log is not used here and would grow to its limit.
     if (board == "virtual") instance.board().log_kinds(instance.device(), 0);
 }
 
@@ -42,12 +42,12 @@ const ParameterRow& rowOf(vexo_station& station, int id) {
 void requireVirtual(const vexo_station& station) {
     if (station.board != "virtual")
         throw Error(VEXO_ERR_NOT_VIRTUAL,
-                    "this station has no virtual board, which simulates time, signals and pictures");
+                    "this station has no virtual board; only a virtual board has time, signals and pictures");
 }
 
 void requireWritable(const vexo_station& station, const char* what) {
     if (station.onlyLooks)
-        throw Error(VEXO_ERR_STATE, std::string(what) + " is not possible: this station only looks; "
+        throw Error(VEXO_ERR_STATE, std::string(what) + " is not possible: this station is read-only; "
                                                         "open it without VEXO_LOOK");
 }
 

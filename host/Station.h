@@ -12,7 +12,7 @@
 #include <mutex>
 #include <string>
 
-/** Texts and records that are given to callers stay until the station is closed. */
+/** Texts and records that callers get are valid until the station is closed. */
 struct vexo_station {
     vexo_station(const applet_tools::BoardOptions& options, bool wantsAdvice);
 
@@ -25,7 +25,7 @@ struct vexo_station {
     const Get get; /**< of the applet */
     Fg_Struct* const fg;
     const bool givesAdvice;
-    const bool onlyLooks;    /**< nothing is written to the board */
+    const bool onlyLooks;    /**< read-only: nothing is written to the board */
     const std::string board; /**< "virtual", "system", "none" */
 
     std::mutex acquiring; /**< guards the member below */
@@ -40,16 +40,16 @@ const ParameterRow& rowOf(vexo_station& station, int id);
 /** Throws Error unless the board is virtual. */
 void requireVirtual(const vexo_station& station);
 
-/** Throws Error if the station only looks; `what` is what would write to the board. */
+/** Throws Error if the station is read-only; `what` names the operation that would write to the board. */
 void requireWritable(const vexo_station& station, const char* what);
 
-/** Before the scratch board is asked: forgets the notes of the last question, which would grow without end. */
+/** Returns the session for a question. Discards the notes of the previous one, which would accumulate otherwise. */
 inline applet_tools::LiveSession& asking(vexo_station& station) {
     station.live.takeNotes();
     return station.live;
 }
 
-/** The result of the work with the station. A null station is an error. */
+/** Executes the work with the station and returns its code. A null station is an error. */
 template <typename Work> int onStation(vexo_station* station, const Work& work) noexcept {
     if (station == nullptr) return failNull("the station");
     return guarded([&] {
@@ -72,13 +72,13 @@ template <typename Work> int onParameter(vexo_station* station, int id, const Wo
     return onLocked(station, [&](vexo_station& own) { work(own, rowOf(own, id)); });
 }
 
-/** The texts of a caller's list. Throws Error for a null one. */
+/** Copies the texts of a caller's list. Throws Error for a null text. */
 applet_tools::Words wordsOf(const char* const* texts, std::size_t count);
 
 /** Throws Error if the file cannot be read. */
 void requireReadable(const char* file);
 
-/** The text in memory that the caller frees. */
+/** Copies the text to memory that the caller frees. */
 char* copyOf(const std::string& text);
 
 } // namespace host

@@ -21,7 +21,7 @@ void requireBoard(const vexo_station& station, const char* what) {
                     std::string("a station without a board cannot ") + what + " a configuration file");
 }
 
-/** What a load loses, for the words of a failed one; empty if the scratch board cannot be asked. */
+/** The losses of a load, for the error message of a failed load; empty if the scratch board cannot be asked. */
 std::string lossesOf(vexo_station& station, const std::string& file) {
     constexpr std::size_t most = 3;
     std::string words;

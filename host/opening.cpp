@@ -14,7 +14,7 @@ using namespace host;
 
 namespace {
 
-std::mutex opening; // of stations of the process
+std::mutex opening; // held while a station of the process is opened or closed
 
 applet_tools::BoardOptions boardOptionsOf(const vexo_options& options) {
     applet_tools::BoardOptions board;
@@ -46,7 +46,7 @@ void check(const vexo_options& options) {
         throw Error(VEXO_ERR_NOT_VIRTUAL, "a station file is for a virtual board");
 }
 
-/** The station file of the options, or else of the environment; it is read before a board is opened. */
+/** The station file of the options, or else of the environment. It is read before a board is opened. */
 class SetUp {
 public:
     explicit SetUp(const vexo_options& options) {
@@ -60,17 +60,17 @@ public:
 
     void apply(vexo_station& station) {
         if (!m_file) return;
-        const bool isForAll = !m_subject.empty(); // also for stations that only look
+        const bool isForAll = !m_subject.empty(); // also for read-only stations
         if (isForAll && station.onlyLooks) m_file->parameters.clear();
         about(m_subject, [&] { setUp(station, *m_file); });
     }
 
 private:
-    std::string m_subject; // of a failure's words: the variable, if it names the file
+    std::string m_subject; // prefix of error messages: the variable's name if it supplied the file
     std::optional<applet_tools::StationFile> m_file;
 };
 
-/** The library folder of the process, which a failed opening does not choose. */
+/** Chooses the library folder of the process; after a failed opening the choice is undone. */
 class LibraryFolder {
 public:
     explicit LibraryFolder(const char* wanted)
@@ -86,7 +86,7 @@ private:
     bool m_isNew;
 };
 
-/** Of the applet, which needs no instance. */
+/** Returns an information text of the applet; needs no instance. */
 std::string textOf(const vexo_station& station, FgInfoCode code) {
     const char* text = nullptr;
     station.instance.applet().Info(code, 0, 0, nullptr, &text);
@@ -108,7 +108,7 @@ int vexo_open(const vexo_options* options, vexo_station** station) {
         const vexo_options& chosen = options != nullptr ? *options : standard;
         check(chosen);
         const std::lock_guard lock(opening);
-        SetUp stationFile(chosen); // reads the environment, which an opening changes
+        SetUp stationFile(chosen); // reads the environment before the opening changes it
         LibraryFolder folder(chosen.library_dir);
         auto opened =
             std::make_unique<vexo_station>(boardOptionsOf(chosen), (chosen.flags & VEXO_NO_ADVICE) == 0);

@@ -58,7 +58,7 @@ template <typename To, typename From> std::optional<To> converted(From value) {
     }
 }
 
-/** What the applet writes: a number in the parameter's own type. */
+/** A number in the parameter's own type, as the applet writes it. */
 union RawNumber {
     std::uint64_t u64;
     std::int32_t i32;
@@ -84,14 +84,14 @@ template <typename To, typename From> int give(const ParameterRow& row, From num
     }
 }
 
-/** The short way for reads of numbers: no lock, no allocation. */
+/** Fast path for reads of numbers: no lock, no allocation. */
 template <typename To> int getNumber(vexo_station* station, int id, To* value) noexcept {
     if (station == nullptr || value == nullptr)
         return failNull(station == nullptr ? "the station" : "the pointer for the value");
     const ParameterRow* const row = station->table.find(id);
     if (row == nullptr) return id < 0 ? id : guarded([&]() -> int { return rowOf(*station, id).id; });
     if (!row->isNumber) return guarded([&]() -> int { throwOtherKind(*row, "a number"); });
-    RawNumber raw{.u64 = 0}; // the applet leaves it in some states that have no value
+    RawNumber raw{.u64 = 0}; // the applet writes nothing in some states that have no value
     int code = VEXO_OK;
     try {
         code = station->get(station->fg, id, &raw, 0, row->tag);
@@ -146,7 +146,7 @@ std::string textOf(vexo_station& station, const ParameterRow& row) {
     return text;
 }
 
-/** The assignment of a text. Throws UsageError for a text that is not a value, and Error for a number that does not fit. */
+/** Parses the text as a value. Throws UsageError for a text that is not a value, and Error for a number that does not fit. */
 Assignment assignmentOf(vexo_station& station, const Target& target, const std::string& text) {
     try {
         return {target, text, parseValue(target, text)};
@@ -159,7 +159,7 @@ Assignment assignmentOf(vexo_station& station, const Target& target, const std::
     }
 }
 
-/** The elements of a field; throws Error if it has none, or not these. */
+/** Returns the range of elements. Throws Error for a parameter without elements, and for elements outside the field. */
 Target elementsOf(const ParameterRow& row, std::uint32_t first, std::uint32_t count) {
     if (!row.hasElements) throwOtherKind(row, "an array of unsigned 32-bit numbers");
     const std::uint32_t all = elementCount(*row.parameter);
@@ -190,7 +190,7 @@ void describe(const ParameterRow& row, vexo_parameter& parameter) {
 
 /* Many at once. */
 
-/** Sets all of them; if one is refused, gives the others their old values and returns the refusal. */
+/** Sets all of them. If one is refused, restores the others and returns the refusal. */
 std::optional<Error> trySetAll(vexo_station& station, const applet_tools::Words& words, bool wantsAdvice) {
     applet_tools::ValuesBefore before(station.live, words);
     std::optional<Error> refusal;

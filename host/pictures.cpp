@@ -31,7 +31,7 @@ std::string whyNone(vexo_station& station, const Acquisition& acquisition) {
     return whyNoPicture(station.instance, station.live.parameters(), wait).reason;
 }
 
-/** The caller's bytes. Throws Error for a description that cannot be of a picture. */
+/** A view of the caller's bytes. Throws Error if the description is not that of a picture. */
 applet_tools::PictureView viewOf(const vexo_picture& picture, const void* data) {
     const std::uint64_t lineBits = std::uint64_t{3} * picture.width * picture.bits;
     const bool isWhole = picture.bits >= 8 && picture.bits <= 16 && picture.width > 0 && picture.height > 0 &&
@@ -91,7 +91,7 @@ int vexo_wait_picture(vexo_station* station, int64_t number, double seconds, dou
         const std::shared_ptr<Acquisition> running = runningOf(own);
         const Deadline deadline(own.instance.board().now(own.instance.device()), seconds, wall);
         if (!running->wait(number, deadline, *picture))
-            throw Error(VEXO_TIMEOUT, "no picture came: " + whyNone(own, *running));
+            throw Error(VEXO_TIMEOUT, "no picture arrived: " + whyNone(own, *running));
     });
 }
 

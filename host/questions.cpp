@@ -45,7 +45,7 @@ template <typename Ask> int answered(vexo_station* station, vexo_answer** answer
     });
 }
 
-/** Reads the words here first: the scratch board does not tell an unknown name from another mistake. */
+/** Checks the names before the scratch board is asked, which does not distinguish an unknown name from other errors. */
 const Words& read(vexo_station& station, const Words& words) {
     const applet_tools::ParameterList& parameters = station.live.parameters();
     for (const std::string& word : words)

@@ -14,7 +14,7 @@ namespace {
 
 using applet_tools::Assignment, applet_tools::AssignmentResult;
 
-/** Empty if the scratch board cannot be asked: the refusal matters more. */
+/** Empty if the scratch board cannot be asked: the refusal is reported without advice then. */
 applet_tools::Suggestion adviceFor(vexo_station& station, const AssignmentResult& result) {
     try {
         return askSuggestion(asking(station), result.assignment, result.code);
@@ -23,7 +23,7 @@ applet_tools::Suggestion adviceFor(vexo_station& station, const AssignmentResult
     }
 }
 
-/** The accepted number nearest to one that may be beyond the type. */
+/** The accepted number nearest to `number`, which may be outside the range of the type. */
 applet_tools::Value nearestTo(double number, const applet_tools::MeasuredRange& range) {
     if (number <= asDouble(range.minimum)) return range.minimum;
     if (number >= asDouble(range.maximum)) return range.maximum;
@@ -50,7 +50,7 @@ applet_tools::RefusalCauses causesOf(vexo_station& station, const applet_tools::
         const applet_tools::LimitCauses& causes = isAbove ? accepted.ofMaximum : accepted.ofMinimum;
         found.limit = causesInWords(parameter, causes, end);
         found.setBy = asJson(causes, end);
-    } catch (const std::exception&) { // the refusal matters more
+    } catch (const std::exception&) { // the refusal is reported without causes
     }
     return found;
 }

@@ -1,4 +1,4 @@
-/** Assignments, and what is said of a refused one. */
+/** Assignments, and error messages for refused ones. */
 #ifndef HOST_REFUSAL_H
 #define HOST_REFUSAL_H
 
@@ -7,11 +7,11 @@
 
 namespace host {
 
-/** The words of appletctl, with the limits, what sets them, and what would be accepted. `wantsAdvice`: also tries
- *  values on the scratch board, if the station gives advice. */
+/** Returns the error with appletctl's message: the limits, what sets them, and what would be accepted.
+ *  `wantsAdvice`: also tries values on the scratch board, if the station gives advice. */
 Error refusalOf(vexo_station& station, const applet_tools::AssignmentResult& result, bool wantsAdvice = true);
 
-/** The same for a number that the parameter's type does not have: the assignment's value is of another type. */
+/** The same for a number outside the range of the parameter's type; the assignment's value has another type. */
 Error noFitRefusal(vexo_station& station, const applet_tools::Assignment& assignment);
 
 /** Sets the value; throws Error if it is refused. */

@@ -1,4 +1,4 @@
-/** Between libvexo.so and its program vexo-scratch; no interface for hosts. */
+/** Internal interface between libvexo.so and its program vexo-scratch; not for hosts. */
 #ifndef HOST_RUN_SCRATCH_BOARD_H
 #define HOST_RUN_SCRATCH_BOARD_H
 

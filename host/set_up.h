@@ -10,7 +10,7 @@
 
 namespace host {
 
-/** The result of the work; the words of its failure start with the subject, if it is not empty. */
+/** Returns the result of the work; the message of a failure starts with the subject, if it is not empty. */
 template <typename Work> auto about(const std::string& subject, const Work& work) {
     if (subject.empty()) return work();
     try {

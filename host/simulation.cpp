@@ -28,7 +28,7 @@ using applet_tools::Ticks;
 
 static_assert(VEXO_TICKS_PER_SECOND == applet_tools::ticksPerSecond);
 
-/** Work with the virtual board, which has locks of its own. */
+/** Executes the work with the virtual board, without the station's lock: the board has its own. */
 template <typename Work> int onBoard(vexo_station* station, const Work& work) noexcept {
     return onStation(station, [&](vexo_station& own) {
         requireVirtual(own);
@@ -36,7 +36,7 @@ template <typename Work> int onBoard(vexo_station* station, const Work& work) no
     });
 }
 
-/** The name that callers know an event by. Null for an event without a mask. */
+/** The applet's name of an event. Null for an event without a mask. */
 const char* nameOf(vexo_station& station, std::uint64_t mask) {
     return mask != 0 ? station.instance.applet().Fg_getEventName(station.fg, mask) : nullptr;
 }
@@ -54,7 +54,7 @@ bool takeEvent(vexo_station& station, std::uint64_t mask, vexo_event& event) {
     return false;
 }
 
-/** Lets a little time pass, but not beyond `end`: events must be taken before their queue is full. */
+/** Advances time by a short step, at most to `end`, so that events are taken before their queue is full. */
 void passTime(vexo_station& station, Ticks now, Ticks end) {
     using namespace std::chrono_literals;
     const auto& board = station.instance.board();
@@ -121,8 +121,8 @@ int vexo_advance(vexo_station* station, uint64_t ticks) {
             now = board.advance(device, start + ticks - now);
             if (now == VBOARD_NOT_STEPPED)
                 throw Error(VEXO_ERR_STATE,
-                            "the time of this station follows the clock, and cannot be advanced; "
-                            "a clock with the factor 0 makes it stepped");
+                            "the time of this station follows the clock and cannot be advanced; "
+                            "vexo_clock with the factor 0 makes it stepped");
         }
     });
 }
@@ -176,7 +176,7 @@ int vexo_wait_event(vexo_station* station, uint64_t mask, double seconds, double
         const Deadline deadline(board.now(device), seconds, wall);
         for (bool isTaken = takeEvent(own, mask, *event); !isTaken; isTaken = takeEvent(own, mask, *event)) {
             const Ticks now = board.now(device);
-            if (deadline.isOver(now)) throw Error(VEXO_TIMEOUT, "no such event came in the time");
+            if (deadline.isOver(now)) throw Error(VEXO_TIMEOUT, "no such event happened within the time-out");
             passTime(own, now, deadline.tick());
         }
         if (lost != nullptr)

@@ -63,7 +63,7 @@ enum vexo_code {
     VEXO_ERR_UNAVAILABLE = -20008, /**< the applet did not come up, or an optional part was not built in */
     VEXO_ERR_NOT_VIRTUAL = -20009, /**< only a virtual board has that */
     VEXO_ERR_STATE = -20010,       /**< not possible now; the message says why */
-    VEXO_ERR_GONE = -20011,   /**< the picture is not in the memory: overwritten, released, not yet taken */
+    VEXO_ERR_GONE = -20011,   /**< the picture is not in the memory: overwritten, released, not yet arrived */
     VEXO_ERR_FILE = -20012,   /**< a file cannot be read or written, or is not what was expected */
     VEXO_ERR_MEMORY = -20013, /**< no memory is left */
     VEXO_ERR_FAILED = -20014  /**< any other failure; see the message */
@@ -271,7 +271,8 @@ int vexo_set_field(vexo_station* station, int id, uint32_t first, uint32_t count
 /** Order in which vexo_set_all sets. */
 enum vexo_order {
     VEXO_GIVEN_ORDER = 0,
-    VEXO_ANY_ORDER = 1 /**< if the given order fails: one in which all are accepted, found on the scratch board */
+    VEXO_ANY_ORDER =
+        1 /**< if the given order fails: one in which all are accepted, found on the scratch board */
 };
 
 /**

@@ -1,6 +1,6 @@
 /**
- * The host library for C++20, header-only over vexo.h: stations that close themselves, exceptions with code and
- * words, values by name.
+ * The host library for C++20, header-only over vexo.h: stations that are closed by their destructor, exceptions
+ * with code and message, values by name.
  *
  *     vexo::Station station = vexo::Station::virtualBoard();
  *     station["FG_WIDTH"] = 2048;
@@ -8,8 +8,8 @@
  *     const auto [minimum, maximum, step] = station["FG_XOFFSET"].range();
  *     for (const vexo::Picture& picture : station.pictures(10)) ...
  *
- * Every function throws vexo::Error for a negative result of the C function that it calls; vexo.h says which those
- * are, and what threads may do.
+ * Every function throws vexo::Error for a negative result of the C function that it calls; vexo.h describes the
+ * results, and what threads may do.
  */
 #ifndef VEXO_VEXO_HPP
 #define VEXO_VEXO_HPP
@@ -32,7 +32,7 @@
 
 namespace vexo {
 
-/** A failed call: its code, words and details (JSON), as vexo.h describes them. */
+/** A failed call: its code, message and details (JSON), as vexo.h describes them. */
 class Error : public std::runtime_error {
 public:
     /** The last error of this thread. */
@@ -56,15 +56,15 @@ inline int check(int result) {
     return result;
 }
 
-/** A number that a parameter can be set as. */
+/** A type of number that a parameter can be set to. */
 template <typename T>
 concept Number = std::is_arithmetic_v<T> || std::is_enum_v<T>;
 
-/** What a parameter can be read as. */
+/** A type that a parameter can be read as. */
 template <typename T>
 concept Value = Number<T> || std::same_as<T, std::string>;
 
-/** What setters accept, or another answer: words for a person, and a JSON document. */
+/** The answer to a question, as text and as a JSON document. */
 struct Answer {
     std::string text, json;
     std::optional<vexo_range> range{}; /**< for limits of a number */
@@ -86,7 +86,7 @@ struct Free {
     void operator()(vexo_answer* answer) const { vexo_answer_free(answer); }
 };
 
-/** The text that a call gives. */
+/** Returns the text that a call gives. */
 template <typename Call> std::string textOf(const Call& call) {
     char* text = nullptr;
     const int result = call(&text);
@@ -95,7 +95,7 @@ template <typename Call> std::string textOf(const Call& call) {
     return text;
 }
 
-/** The answer that a call gives, and the call's result. */
+/** Returns the answer that a call gives, and the call's result. */
 template <typename Call> std::pair<Answer, int> answerOf(const Call& call) {
     vexo_answer* answer = nullptr;
     const int result = call(&answer);
@@ -118,8 +118,8 @@ inline const char* orNull(const std::string& text) { return text.empty() ? nullp
 
 class Station;
 
-/** A parameter of an open station, which must outlive it. An assignment sets its value, also one from another
- *  parameter; it never makes the object stand for another parameter. */
+/** A parameter of an open station, which must outlive it. An assignment sets the value, also an assignment of
+ *  another Parameter; it never rebinds the object. */
 class Parameter {
 public:
     Parameter(const Parameter&) = default;
@@ -184,8 +184,8 @@ public:
         return *this;
     }
 
-    /** Reads the other parameter and sets this one to its value, which may be of another kind of number. Both are
-     *  fields of the same length, or neither is. */
+    /** Sets this parameter to the value of the other one, which may be of another kind of number. Either both are
+     *  fields of the same length, or neither is a field. */
     const Parameter& operator=(const Parameter& other) const {
         if (this == &other) return *this;
         const vexo_parameter source = other.describe();
@@ -211,13 +211,13 @@ public:
         return *this;
     }
 
-    /** The range that is published now. */
+    /** Reads the range that is published now. */
     vexo_range range() const {
         vexo_range published{};
         check(vexo_get_range(m_station, m_id, &published));
         return published;
     }
-    /** What setters accept now, and what sets the limits; `with`: assignments that are assumed to be set
+    /** Finds what setters accept now, and what sets the limits; `with`: assignments that are assumed to be set
      *  before. */
     Answer limits(const std::string& with = "") const {
         vexo_range range{};
@@ -228,7 +228,7 @@ public:
         if (code == VEXO_OK) answer.range = range; // otherwise it is not a number
         return answer;
     }
-    /** Why it is read-only, or refuses a value. */
+    /** Finds why the parameter is read-only, or refuses a value. */
     Answer why(const std::string& value = "", const std::string& with = "") const {
         const std::string question = value.empty() ? name() : name() + "=" + value;
         return detail::answerOf([&](vexo_answer** out) {
@@ -286,7 +286,7 @@ public:
         check(vexo_unpack(&m_picture, m_bytes.data(), components.data()));
         return components;
     }
-    /** In the format of the name's suffix. */
+    /** Writes the picture to a file, in the format of its suffix. */
     void write(const std::string& file) const {
         check(vexo_write_picture(&m_picture, m_bytes.data(), file.c_str()));
     }
@@ -296,8 +296,8 @@ private:
     std::vector<std::uint8_t> m_bytes;
 };
 
-/** A running acquisition; it ends with the object. One thread uses it at a time. A range of its pictures, each of which is made when it is
- *  reached. */
+/** A running acquisition, which ends with the object, as a range of its pictures. Each picture is rendered when the
+ *  iteration reaches it. Only one thread at a time may use it. */
 class Pictures {
 public:
     class Iterator;
@@ -318,13 +318,13 @@ public:
         , m_left(other.m_left)
         , m_timeout(other.m_timeout)
         , m_memory(other.m_memory) {}
-    /** Ends its own acquisition. */
+    /** Ends the acquisition of this object, and takes over the other one. */
     Pictures& operator=(Pictures&& other) noexcept {
         Pictures(std::move(other)).swap(*this);
         return *this;
     }
 
-    /** Waits for the next picture and makes it. */
+    /** Waits for the next picture and renders it. */
     Picture next() {
         vexo_picture record{};
         check(vexo_wait_picture(m_station, 0, m_timeout.seconds, m_timeout.wall, &record));
@@ -351,7 +351,7 @@ private:
     vexo_memory m_memory;
 };
 
-/** Goes over the pictures once. A picture is waited for when it is looked at or passed. */
+/** An input iterator over the pictures. Dereferencing or incrementing waits for the picture. */
 class Pictures::Iterator {
 public:
     using value_type = Picture;
@@ -384,14 +384,14 @@ inline Pictures::Iterator Pictures::begin() { return Iterator(*this); }
 /** An open station; it is closed with the object. */
 class Station {
 public:
-    /** With these options; their `size` is filled in. */
+    /** Opens a station with these options; their `size` is filled in. */
     explicit Station(vexo_options options) {
         options.size = sizeof options;
         vexo_station* opened = nullptr;
         check(vexo_open(&options, &opened));
         m_station.reset(opened);
     }
-    /** A virtual board, set up from a station file if one is named. */
+    /** Opens a virtual board, set up from a station file if one is named. */
     static Station virtualBoard(const std::string& stationFile = "") {
         vexo_options options{};
         options.station = detail::orNull(stationFile);
@@ -402,7 +402,7 @@ public:
         options.board = VEXO_OFFLINE;
         return Station(options);
     }
-    /** The board of this machine; `bridge` opens it, if the board library does not. */
+    /** Opens the board of this machine; `bridge` is the library that opens it, if the board library does not. */
     static Station systemBoard(const std::string& bridge = "") {
         vexo_options options{};
         options.board = VEXO_SYSTEM;
@@ -410,7 +410,7 @@ public:
         return Station(options);
     }
 
-    /** For functions of vexo.h. */
+    /** The handle for functions of vexo.h. */
     vexo_station* handle() const noexcept { return m_station.get(); }
 
     Parameter operator[](const std::string& name) const {
@@ -423,7 +423,7 @@ public:
     }
     template <typename T> T get(const std::string& name) const { return (*this)[name].template get<T>(); }
     template <typename T> void set(const std::string& name, const T& value) { (*this)[name].set(value); }
-    /** All or none: "FG_WIDTH=2048". */
+    /** Sets all parameters or none: "FG_WIDTH=2048". */
     void set(std::span<const std::string> assignments, vexo_order order = VEXO_GIVEN_ORDER) {
         const auto pointers = detail::pointersTo(assignments);
         check(vexo_set_all(handle(), pointers.data(), pointers.size(), order));
@@ -448,12 +448,12 @@ public:
     std::string document() const {
         return detail::textOf([&](char** out) { return vexo_document(handle(), out); });
     }
-    /** What is open, as JSON. */
+    /** Describes the station, as JSON. */
     std::string info() const {
         return detail::textOf([&](char** out) { return vexo_info(handle(), out); });
     }
 
-    /** What the assignments would do; nothing is set. */
+    /** Finds the effects of the assignments; nothing is set. */
     Answer plan(std::span<const std::string> assignments) const {
         const auto pointers = detail::pointersTo(assignments);
         return detail::answerOf([&](vexo_answer** out) {
@@ -464,18 +464,18 @@ public:
     Answer plan(std::initializer_list<std::string> assignments) const {
         return plan(std::span(assignments.begin(), assignments.size()));
     }
-    /** What a load of the file would lose. */
+    /** Finds what a load of the file would lose. */
     Answer losses(const std::string& file) const {
         return detail::answerOf(
                    [&](vexo_answer** out) { return vexo_ask_check(handle(), file.c_str(), out); })
             .first;
     }
-    /** Which settings are accepted, but probably not intended. */
+    /** Finds settings that are accepted, but probably not intended. */
     Answer lint() const {
         return detail::answerOf([&](vexo_answer** out) { return vexo_ask_lint(handle(), out); }).first;
     }
 
-    /** Wall clock time, `factor` times as fast; 0: stepped. */
+    /** Makes time follow the wall clock, `factor` times as fast; 0: makes it stepped. */
     void clock(double factor) { check(vexo_clock(handle(), factor)); }
     std::uint64_t now() const {
         std::uint64_t tick = 0;
@@ -491,7 +491,7 @@ public:
         check(vexo_event_mask(handle(), name.c_str(), &mask));
         return mask;
     }
-    /** The next event of the mask (0: any); empty after the time-out. */
+    /** Waits for the next event of the mask (0: any); empty after the time-out. */
     std::optional<vexo_event> waitEvent(std::uint64_t mask = 0, Timeout timeout = {}) {
         vexo_event event{};
         const int code = vexo_wait_event(handle(), mask, timeout.seconds, timeout.wall, &event, nullptr);
@@ -500,12 +500,12 @@ public:
         return event;
     }
 
-    /** Starts an acquisition: so many pictures, one after the other. */
+    /** Starts an acquisition of `count` pictures. */
     Pictures pictures(std::uint64_t count = std::numeric_limits<std::uint64_t>::max(), Timeout timeout = {},
                       std::uint32_t frames = 4, vexo_memory memory = VEXO_KEEP) {
         return {handle(), count, timeout, frames, memory};
     }
-    /** One picture. */
+    /** Takes one picture. */
     Picture grab(Timeout timeout = {}) { return pictures(1, timeout).next(); }
 
 private:
