@@ -31,23 +31,23 @@ struct Picture {
     std::uint32_t lines = 0;
     std::uint64_t size = 0;    /**< bytes of these lines */
     std::uint64_t written = 0; /**< bytes of them in the buffer */
-    bool isCut = false;        /**< it did not fit */
+    bool isCut = false;        /**< it did not fit into the buffer */
     Geometry geometry{};
 };
 
-/** Brings a picture of the applet into its buffer in the geometry's format, and fills in its sizes. `made`: its
- *  bytes, which may be at the destination already; null if they could not be made. */
+/** Converts a picture of the applet to the geometry's format in its buffer, and fills in its sizes. `made`: the
+ *  rendered bytes, which may be at the destination already; null if they could not be rendered. */
 void put(Picture& picture, const std::uint8_t* made, std::span<std::uint8_t> destination);
 
 /** The destination of pictures. Its functions are called by the acquisition's thread. */
 class PictureSink {
 public:
-    /** How many pictures it could accept now. */
+    /** Returns the number of pictures that it can accept now. */
     virtual std::size_t room() = 0;
-    /** Memory for a picture, reserved until `end`; null if there is none. */
+    /** Reserves memory for a picture until `end`; empty if there is none. */
     virtual std::optional<std::span<std::uint8_t>> begin() = 0;
     virtual void end(const Picture& picture) = 0;
-    /** No more pictures will come. */
+    /** Called when no more pictures will arrive. */
     virtual void lose(const std::string& reason) = 0;
 
 protected:
@@ -57,36 +57,36 @@ protected:
 /** Delivers the pictures of a station. Thread-safe. */
 class Acquisition {
 public:
-    /** Ends its thread. */
+    /** Ends the thread. */
     virtual ~Acquisition() = default;
     Acquisition(const Acquisition&) = delete;
     Acquisition& operator=(const Acquisition&) = delete;
 
-    /** Null: pictures are not delivered. Returns when the previous sink is no longer used. */
+    /** Sets the sink; null: pictures are not delivered. Returns when the previous sink is no longer used. */
     virtual void attach(PictureSink* sink) = 0;
-    /** Call it when there may be room again. */
+    /** Call this when the sink may accept pictures again. */
     virtual void wake() = 0;
 
     /** Starts the DMA; it ends after this many pictures, 0: never. Throws RESOURCE_IN_USE, BUSY, or IO. */
     virtual void start(std::uint64_t pictures) = 0;
-    /** Does nothing if none runs. Returns when no picture is being written. */
+    /** Stops the DMA; does nothing if it is not running. Returns when no picture is being written. */
     virtual void stop() = 0;
     virtual bool isRunning() = 0;
 
     /** Ends the thread; no other function may be called afterwards. */
     virtual void finish() = 0;
 
-    /** The geometry from the present parameters. */
+    /** Computes the geometry from the present parameters. */
     Geometry geometry();
     void setFormat(const PixelFormat& format) { m_format = &format; }
-    /** The format; differs from the last one set if the applet's output format has changed. */
+    /** Returns the format; it differs from the last one set if the applet's output format has changed. */
     const PixelFormat& format();
 
 protected:
     /** The station must outlive the acquisition. */
     explicit Acquisition(DeviceStation& station);
 
-    /** The last format that was set, if the applet packs it as this one; else this one, which may be null. */
+    /** Returns the last format that was set if the applet packs it as `own`; else `own`, which may be null. */
     const PixelFormat* chosenInsteadOf(const PixelFormat* own);
 
 private:

@@ -1,4 +1,4 @@
-/** A station: its parameters as values for the producer. */
+/** An open station: its parameters, events and time. */
 #ifndef PRODUCER_DEVICE_DEVICESTATION_H
 #define PRODUCER_DEVICE_DEVICESTATION_H
 
@@ -24,7 +24,7 @@ struct EventKind {
     std::string name;
 };
 
-/** Opened by its constructor, closed by its destructor. Thread-safe. */
+/** The constructor opens the station, the destructor closes it. Thread-safe. */
 class DeviceStation {
 public:
     virtual ~DeviceStation() = default;
@@ -48,7 +48,7 @@ public:
     const std::vector<EventKind>& events() const { return m_events; }
     /** Null if there is no event with that mask. */
     const EventKind* eventOf(std::uint64_t mask) const;
-    /** Asks for the events of the mask; others need not be given. Throws IO. */
+    /** Requests the events of the mask; others may be omitted. Throws IO. */
     virtual void wantEvents(std::uint64_t mask) = 0;
 
     /** Simulated time in nanoseconds. Throws IO. */
@@ -67,7 +67,7 @@ private:
     std::vector<EventKind> m_events;
 };
 
-/** The error for a refusal of the applet with this code, FG_ERR_... */
+/** Returns the error for a refusal of the applet with this code, FG_ERR_... */
 Error refusal(int code, const std::string& text);
 
 } // namespace producer

@@ -1,4 +1,4 @@
-/** The applet and the virtual board of the producer. */
+/** Loading of the applet and the virtual board. */
 #ifndef PRODUCER_DEVICE_LIBRARIES_H
 #define PRODUCER_DEVICE_LIBRARIES_H
 
@@ -13,16 +13,16 @@ namespace producer {
 using Libraries = std::shared_ptr<const applet_host::AppletHost>;
 
 /**
- * The libraries; they stay loaded while the result is referenced. Taken from the folder VEXO_LIBRARY_DIR, or
- * from that of the producer's own file. APPLET_UNDER_TEST names another applet library. Throws IO with the
+ * Loads the libraries from the folder VEXO_LIBRARY_DIR, or else from the folder of the producer's own file. They
+ * stay loaded while the result is referenced. APPLET_UNDER_TEST names another applet library. Throws IO with the
  * reason.
  */
 Libraries loadLibraries();
 
-/** How often loadLibraries() has had to load them. */
+/** Returns how often loadLibraries() has loaded them. */
 std::uint64_t timesLoaded();
 
-/** The producer's own file. */
+/** Returns the path of the producer's own file. */
 std::filesystem::path producerFile();
 
 } // namespace producer

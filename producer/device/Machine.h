@@ -1,4 +1,4 @@
-/** The machines that a device can be: a board in this process, or a station that another process serves. */
+/** The two kinds of device: a board in this process, or a station that another process serves. */
 #ifndef PRODUCER_DEVICE_MACHINE_H
 #define PRODUCER_DEVICE_MACHINE_H
 
@@ -14,7 +14,7 @@
 
 namespace producer {
 
-/** Functions for what happens at a machine, called by its thread. */
+/** Callbacks of a machine, called by its thread. */
 struct MachineListener {
     std::function<void(const EventKind&, std::uint64_t nanoseconds)> onEvent;
     /** The machine has ended: all accesses fail from now on. Called at most once. */
@@ -26,14 +26,14 @@ struct Machine {
     std::unique_ptr<Acquisition> acquisition; // last: its thread uses the station
 };
 
-/** A board of this process with its own time (see board/Clock.h). Throws IO. */
+/** Opens a board in this process with its own time (see board/Clock.h). Throws IO. */
 Machine openBoard(const Libraries& libraries, const MachineListener& listener);
 
-/** The station of that name, which `appletctl serve` holds. Throws IO. */
+/** Opens the station of this name, which `appletctl serve` runs. Throws IO. */
 Machine openServed(const std::string& name, const MachineListener& listener);
-/** The names of this user's running stations, sorted. */
+/** Returns the names of this user's running stations, sorted. */
 std::vector<std::string> servedStations();
-/** True if such a station runs. */
+/** True if a station of this name is running. */
 bool isServed(const std::string& name);
 
 } // namespace producer

@@ -8,7 +8,7 @@
 namespace producer {
 namespace {
 
-// There is no code for packed 14 bits: they are sent as words of 16.
+// The naming convention has no code for packed 14 bits: components are sent as 16-bit words.
 constexpr PixelFormat formats[] = {
     {"BGR8", 0x02180015, FG_COL24, 24, 24, false},   {"RGB8", 0x02180014, FG_COL24, 24, 24, true},
     {"BGR10p", 0x021E0048, FG_COL30, 30, 30, false}, {"BGR12p", 0x02240049, FG_COL36, 36, 36, false},

@@ -8,7 +8,7 @@
 namespace producer {
 namespace {
 
-/** The letters and digits of a label. */
+/** Returns the letters and digits of a label. */
 std::string identifierOf(const std::string& label) {
     std::string name;
     for (const char c : label)

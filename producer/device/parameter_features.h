@@ -10,8 +10,8 @@
 
 namespace producer {
 
-/** One for each parameter of the tree. `acquisitionLock`: why those that must not change during an acquisition are
- *  locked; empty if they are not. The station must outlive the features. */
+/** Creates a feature for each parameter of the tree. `acquisitionLock`: returns why parameters that must not change
+ *  during an acquisition are locked; empty if they are not. The station must outlive the features. */
 std::vector<Feature> parameterFeatures(DeviceStation& station,
                                        const std::function<std::string()>& acquisitionLock);
 

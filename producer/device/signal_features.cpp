@@ -42,7 +42,7 @@ void StandardFeatures::addTriggers() {
                         "Off: pictures follow one another, lines come at the rate; On: an edge starts each.");
     follow(mode, which, {"FG_IMGTRIGGERMODE", "FG_LINETRIGGERMODE"});
     mode.entries = {{"Off", 0}, {"On", 1}};
-    // Every mode but the free one waits for an edge.
+    // Every mode except free run waits for an edge.
     const std::int64_t& selection = m_device.state.selected.at(which);
     mode.get = [get = mode.get, &selection] {
         return std::int64_t{integerOf(get()) != (selection == 0 ? FREE_RUN : GRABBER_CONTROLLED)};

@@ -20,13 +20,13 @@ constexpr const char* transportControl = "TransportLayerControl";
 
 enum AcquisitionMode : std::uint8_t { continuous, singleFrame, multiFrame };
 
-/** A test pattern: the simulator's, from this value on one that rolls; 0: the camera port. */
+/** Test patterns: those of the simulator; from this value on they roll; 0: the camera port. */
 constexpr std::int64_t rolling = 8;
 
 constexpr double micro = 1e6;
 
-/** The nearest period on the grid of its limits. A limit that was given as a rate may be missed by half a step; a
- *  period further outside stays as it is. */
+/** Returns the nearest period on the grid of its limits. A period that exceeds a limit by up to half a step, as one
+ *  computed from a rate may, becomes the limit; one further outside is not changed. */
 double periodOnGrid(double wanted, const Limits& limits) {
     const double grid = std::get<double>(limits.increment);
     const double minimum = std::get<double>(limits.minimum), maximum = std::get<double>(limits.maximum);

@@ -19,13 +19,13 @@ namespace producer {
 struct DeviceState {
     std::atomic<bool> areParametersLocked{false};
     std::atomic<std::uint64_t> notifiedEvents{0};   /**< mask of the events that are sent to the client */
-    std::map<std::string, std::int64_t> selected{}; /**< by the selector's name */
+    std::map<std::string, std::int64_t> selected{}; /**< selections by the selector's name */
     std::int64_t acquisitionMode = 0;
     std::int64_t frameCount = 1;
     std::int64_t tableIndex = 0;
 };
 
-/** References for the features. They must outlive the features. */
+/** Objects that the features refer to. They must outlive the features. */
 struct Device {
     DeviceStation& station;
     Acquisition& acquisition;
@@ -33,24 +33,24 @@ struct Device {
     std::string id;
 };
 
-/** Why parameters that must not change during an acquisition are locked; empty if they are not. */
+/** Returns why parameters that must not change during an acquisition are locked; empty if they are not. */
 std::string acquisitionLock(const Device& device);
 
-/** Appends the features; `parameters` are the applet's own. Each subject has a source file of its own. */
+/** Appends the standard features; `parameters` are the applet's own. */
 void addStandardFeatures(const Device& device, const std::vector<Feature>& parameters,
                          std::vector<Feature>& features);
 
-/** The category for starting pictures and lines. */
+/** The category of the triggers of pictures and lines. */
 inline constexpr const char* acquisitionControl = "AcquisitionControl";
 
-/** The value of a feature that is an integer, or appears as one to a client. */
+/** Returns the value of a feature that is an integer, or appears as one to a client. */
 inline std::int64_t integerOf(const Value& value) { return std::get<std::int64_t>(value); }
 
-/** Gives an integer that is not a parameter its limits. `set` is called with values within them only. */
+/** Sets the limits of an integer that is not a parameter. `set` is called only with values within them. */
 void setWithin(Feature& feature, std::int64_t minimum, std::int64_t maximum,
                const std::function<void(std::int64_t)>& set);
 
-/** Makes features, grouped by subject. */
+/** Creates features, grouped by subject. */
 class StandardFeatures {
 public:
     StandardFeatures(const Device& device, const std::vector<Feature>& parameters,
@@ -69,18 +69,18 @@ public:
     void addEvents();
 
 private:
-    /** A new feature; the reference is valid until the next one. */
+    /** Adds a feature; the reference is valid until the next call. */
     Feature& add(const char* category, const std::string& name, Feature::Kind kind, const char* description);
     void addSize();
     void addPixelFormat();
-    /** A flag that is this bit of the vantage point. */
+    /** Adds a flag for this bit of the vantage point. */
     void addMirror(const char* name, std::int64_t bit);
     void addTestPattern();
     void addAcquisitionMode();
     void addAcquisitionCommands();
-    /** The reciprocal of the line period. */
+    /** Adds the line rate, the reciprocal of the line period. */
     void addLineRate(const Feature& period);
-    /** The parameter under another name. */
+    /** Adds the parameter under another name; null if the design does not have it. */
     Feature* alias(const char* category, const char* name, const char* parameter, const char* description);
     void text(const char* category, const char* name, std::string value, const char* description);
     void selector(const char* category, const char* name, std::vector<FeatureEntry> entries,

@@ -31,7 +31,7 @@ private:
     sigset_t m_before{};
 };
 
-/** Starts a thread with all signals blocked: they are for the client's own threads. Throws RESOURCE_EXHAUSTED. */
+/** Starts a thread with all signals blocked, so that the client's own threads receive them. Throws RESOURCE_EXHAUSTED. */
 template <typename Function> std::thread quietThread(Function function) {
     const SignalBlocker blocker;
     try {
@@ -41,7 +41,7 @@ template <typename Function> std::thread quietThread(Function function) {
     }
 }
 
-/** Runs a function that needs memory; if there is none, an event or a picture is lost, and the thread
+/** Runs a function that allocates memory. If the allocation fails, an event or a picture is lost, and the thread
  *  continues. */
 template <typename Work> void withMemory(Work work) {
     try {

@@ -57,7 +57,7 @@ void BoardAcquisition::start(std::uint64_t pictures) {
                                                      0, m_memory.get());
     if (code != FG_OK) {
         m_memory.reset();
-        throw Error(GC_ERR_IO, "the DMA does not start: " + std::to_string(code));
+        throw Error(GC_ERR_IO, "the DMA cannot be started: " + std::to_string(code));
     }
     m_isWoken = true;
     m_changed.notify_all();
@@ -98,7 +98,7 @@ void BoardAcquisition::run() {
         while (!m_isEnding && deliverOne(lock)) {
         }
         const auto pause = m_clock.pause(!isDone(), isWanted());
-        // Even a wait that is over at once sleeps for some 50 microseconds.
+        // Even a wait without a delay sleeps for some 50 microseconds.
         if (pause.count() > 0) m_changed.wait_for(lock, pause, [this] { return m_isEnding || m_isWoken; });
     }
 }
@@ -124,7 +124,7 @@ bool BoardAcquisition::deliverOne(std::unique_lock<std::mutex>& lock) {
     lock.unlock();
     const Picture picture = make(number, *destination);
     lock.lock();
-    // A client that has the last picture finds the acquisition ended.
+    // The mutex is held, so that a client that has the last picture finds the acquisition ended.
     withMemory([&] { sink.end(picture); });
     m_isMaking = false;
     m_changed.notify_all();

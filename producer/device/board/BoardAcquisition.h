@@ -17,7 +17,7 @@
 
 namespace producer {
 
-/** The queued buffers are the memory of the DMA: without any it waits. */
+/** The queued buffers are the memory of the DMA, which waits while there are none. */
 class BoardAcquisition final : public Acquisition {
 public:
     using EventHandler = std::function<void(const EventKind&, std::uint64_t nanoseconds)>;
@@ -57,8 +57,8 @@ private:
     Geometry m_geometry;                                 // of the running acquisition
     std::uint64_t m_wanted = 0;                          // pictures; 0: no end
     std::uint64_t m_delivered = 0;
-    std::vector<std::uint8_t> m_made; // a picture that must be converted before it goes to its buffer
-    bool m_isMaking = false;          // a picture is being drawn, without the mutex
+    std::vector<std::uint8_t> m_made; // a rendered picture that must be converted to its buffer
+    bool m_isMaking = false;          // a picture is being rendered, without the mutex
     bool m_isWoken = false;
     bool m_isEnding = false;
     std::thread m_thread;

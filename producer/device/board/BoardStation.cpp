@@ -21,7 +21,7 @@ BoardStation::BoardStation(Libraries libraries) : m_libraries(std::move(librarie
 
 void BoardStation::connectMachine() {
     if (setUpStationFile(m_libraries, m_session)) return;
-    // Without a station file the board has no camera: the simulator replaces it, and follows the camera trigger.
+    // Without a station file the board has no camera. The simulator replaces it and follows the camera trigger.
     set("FG_CAMERASIMULATOR_ENABLE", std::int64_t{FG_CAMERASIMULATOR});
     set("FG_CAMERASIMULATOR_TRIGGER_MODE", std::int64_t{RISING_EDGE_TRIGGERS_LINE});
     // A belt with parts on it. The inputs are those of the applet's default trigger sources.

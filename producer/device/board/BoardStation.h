@@ -11,7 +11,7 @@
 
 namespace producer {
 
-/** The applet and the board have locks of their own. */
+/** Needs no lock: the applet and the board have their own. */
 class BoardStation final : public DeviceStation {
 public:
     /** Throws IO if the libraries are missing or the applet does not come up. */
@@ -21,11 +21,11 @@ public:
     using DeviceStation::set;
     void set(const Parameter& parameter, const Value& value) const override;
     applet_host::ParameterState state(const Parameter& parameter) const override;
-    void wantEvents(std::uint64_t) override {} // it gives all
+    void wantEvents(std::uint64_t) override {} // all events are delivered
     std::uint64_t nanoseconds() override { return board().now(device()) * nanosecondsPerTick; }
 
-    /** Null for an event unknown to the applet. It caches the result, so only one thread may call it at a
-     *  time. */
+    /** Returns null for an event unknown to the applet. Caches the result, so only one thread at a time may call
+     *  it. */
     const EventKind* eventOfDesign(const char* designName);
 
     const applet_host::BoardFunctions& board() const { return m_libraries->board(); }

@@ -23,7 +23,7 @@ Clock::Kind Clock::chosen() {
     if (word == "wall") return Kind::wall;
     if (word == "stepped") return Kind::stepped;
     throw Error(GC_ERR_INVALID_PARAMETER, "the environment variable VBOARD_CLOCK is \"" + std::string(word) +
-                                              "\": let it be wall or stepped");
+                                              "\": wall or stepped is expected");
 }
 
 void Clock::move(std::int64_t wanted) {

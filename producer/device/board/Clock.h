@@ -10,8 +10,8 @@
 namespace producer {
 
 /**
- * The only place that advances simulated time. Used by one thread. The board's own clock is not used: it
- * catches up in each access, and on a machine that is too slow for that this would take all of the time.
+ * Only this class advances simulated time, in one thread. The board's own clock is not used: it catches up in
+ * each access, which would take all of the time on a machine that is too slow.
  *
  * VBOARD_CLOCK chooses: "wall" (the default) follows real time; on a machine that is too slow for it,
  * simulated time falls behind. "stepped" advances only while an acquisition has a buffer to fill, as fast as

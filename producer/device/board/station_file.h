@@ -1,4 +1,4 @@
-/** The machine around a board, as the file says that the environment variable VBOARD_STATION names. */
+/** Sets up a board from the station file named by VBOARD_STATION. */
 #ifndef PRODUCER_DEVICE_STATION_FILE_H
 #define PRODUCER_DEVICE_STATION_FILE_H
 
@@ -6,8 +6,8 @@
 
 namespace producer {
 
-/** Sets it up; false if the variable names no file. Throws INVALID_VALUE for what is wrong in the file, and IO for a
- *  parameter that the applet refuses. */
+/** Sets up the board; returns false if the variable names no file. Throws INVALID_VALUE for an error in the file, and
+ *  IO for a parameter that the applet refuses. */
 bool setUpStationFile(const Libraries& libraries, applet_host::Session& session);
 
 } // namespace producer

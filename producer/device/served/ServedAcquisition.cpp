@@ -110,13 +110,13 @@ void ServedAcquisition::show(const station_channel::Picture& picture,
     const Geometry geometry = geometryOf(picture);
     const bool isExpected = m_isRunning && m_sink != nullptr && geometry.format != nullptr;
     const auto buffer = isExpected ? m_sink->begin() : std::nullopt;
-    if (!buffer) return accept(); // it was taken back
+    if (!buffer) return accept(); // not wanted, or no buffer is left
 
     PictureSink& sink = *m_sink; // stays while m_isWriting is set
     producer::Picture made = described(picture, geometry);
     const bool isWhole = geometry.format->appletBytes(picture.width) * picture.lines <= picture.size;
     m_isWriting = true;
-    lock.unlock(); // a copy takes long
+    lock.unlock(); // copying takes long
     put(made, isWhole ? memory.bytes().data() : nullptr, *buffer);
     lock.lock();
     m_isWriting = false;

@@ -15,8 +15,9 @@
 namespace producer {
 
 /**
- * The station's own pictures, with its numbers. It sends those for which there are buffers; it does not wait for this client,
- * so those that come meanwhile are lost for it. The thread of the link copies each into its buffer.
+ * Delivers the station's own pictures, with its numbers. The station sends a picture only if a buffer is queued, and
+ * does not wait for this client: the client misses pictures that arrive while it has no buffer. The thread of the link
+ * copies each picture into its buffer.
  */
 class ServedAcquisition final : public Acquisition, LinkListener {
 public:
@@ -38,13 +39,13 @@ private:
     void happen(const station_channel::Event& event) override;
     void lose(const std::string& reason) override;
 
-    /** With the lock: tells the station for how many pictures there are buffers. */
+    /** With the lock: sends the number of available buffers to the station. */
     void accept();
     /** With the lock. */
     Geometry geometryOf(const station_channel::Picture& picture);
-    /** With the lock: the picture as the sink expects it, the last one from now on. */
+    /** With the lock: describes the picture for the sink, and makes it the last one. */
     Picture described(const station_channel::Picture& picture, const Geometry& geometry);
-    /** With the lock: ends the acquisition with the last of the wanted pictures. */
+    /** With the lock: counts a picture; ends the acquisition after the last wanted one. */
     void countDelivered();
 
     ServedStation& m_station;

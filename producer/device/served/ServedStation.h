@@ -9,7 +9,7 @@
 
 namespace producer {
 
-/** Only constant data is cached: each access asks the station. */
+/** Caches constant data only; each access is a request to the station. */
 class ServedStation final : public DeviceStation {
 public:
     /** Throws IO. */

@@ -71,8 +71,7 @@ Answer StationLink::answerTo(Request request) {
     lock.unlock();
     const bool isSent = m_socket.send(message, ChannelSocket::Wait::forRoom);
     lock.lock();
-    if (!isSent && !m_loss)
-        throw Error(GC_ERR_IO, "the station '" + m_name + "' does not read what it is sent");
+    if (!isSent && !m_loss) throw Error(GC_ERR_IO, "the station '" + m_name + "' does not read its messages");
     m_changed.wait_for(lock, longestAnswer, [this] { return m_answer || m_loss; });
     if (m_answer) return *std::exchange(m_answer, std::nullopt);
     throw Error(GC_ERR_IO, m_loss ? *m_loss
@@ -83,7 +82,7 @@ Answer StationLink::answerTo(Request request) {
 void StationLink::refuse(const Answer& answer) const {
     const auto* const refused = std::get_if<Refusal>(&answer);
     if (refused == nullptr)
-        throw Error(GC_ERR_IO, "the station '" + m_name + "' gave an answer to another question");
+        throw Error(GC_ERR_IO, "the station '" + m_name + "' sent the wrong kind of answer");
     switch (refused->reason) {
     case Reason::refused:
         throw refusal(refused->code, refused->text);
@@ -102,7 +101,7 @@ void StationLink::work() {
         while (std::optional<Packet> packet = m_socket.receive())
             handle(std::move(*packet));
     } catch (const std::bad_alloc&) {
-        reason = "there is not enough memory for what the station '" + m_name + "' sends";
+        reason = "there is not enough memory for the messages of the station '" + m_name + "'";
     } catch (const Malformed& error) {
         reason = "the station '" + m_name + "' sends a message that cannot be read: " + error.what();
     }
@@ -135,7 +134,7 @@ void StationLink::handle(Packet packet) {
         });
     } else {
         const std::lock_guard lock(m_mutex);
-        if (message.number != m_number) return; // it came too late
+        if (message.number != m_number) return; // too late: nobody waits for this answer any more
         m_answer = std::move(message.answer);
         m_changed.notify_all();
     }

@@ -15,7 +15,7 @@
 
 namespace producer {
 
-/** Called by the thread of the link, which must not ask for anything. */
+/** Called by the thread of the link, which must not send requests. */
 class LinkListener {
 public:
     virtual void show(const station_channel::Picture& picture,
@@ -28,7 +28,7 @@ protected:
     ~LinkListener() = default;
 };
 
-/** Thread-safe. A thread receives; the station is not trusted: an invalid message ends the link. */
+/** Thread-safe. A thread receives messages. The station is not trusted: an invalid message ends the link. */
 class StationLink {
 public:
     /** Throws IO if there is no such station, or one of another version. */
@@ -37,18 +37,19 @@ public:
     StationLink(const StationLink&) = delete;
     StationLink& operator=(const StationLink&) = delete;
 
-    /** The answer, which is a T. Throws the error for a refusal, and IO if the link is lost or the station does not
-     *  answer. */
+    /** Sends a request and returns its answer, a T. Throws the error for a refusal, and IO if the link is lost or the
+     *  station does not answer. */
     template <typename T> T ask(station_channel::Request request) {
         const station_channel::Answer answer = answerTo(std::move(request));
         if (const T* expected = std::get_if<T>(&answer)) return *expected;
         refuse(answer);
     }
-    /** Sends without an answer. False if it was not sent: the link is lost, or the station does not read. */
+    /** Sends a request that has no answer. Returns false if it was not sent: the link is lost, or the station does not
+     *  read. */
     bool send(station_channel::Request request);
 
-    /** Sets the listener, which may be null. Returns after the last call of the previous one; the result says why the
-     *  link is lost, and is empty if it is not. */
+    /** Sets the listener, which may be null. Returns after the last call of the previous one. The result is the reason
+     *  why the link is lost, empty if it is not. */
     std::optional<std::string> listen(LinkListener* listener);
     /** Ends the link and its thread. */
     void finish();
