@@ -28,7 +28,7 @@ public:
      *  `goesOn`. Throws Failure when the acquisition has ended, or there is no room for the picture. */
     Outcome next(Ticks timeout, const std::function<bool()>& goesOn);
 
-    /** The record of the last picture. It has no bytes before they are drawn. */
+    /** The record of the last picture. It has no bytes before they are rendered. */
     const vboard_record& record() const { return m_record; }
     /** Draws that picture; the bytes are valid until the next one is requested. Throws Failure. */
     PictureView draw();

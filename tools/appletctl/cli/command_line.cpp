@@ -56,8 +56,8 @@ void addGlobalOptions(CLI::App& program, Options& options) {
         ->check(troubleOfFileName);
     program.add_flag(
         "--look", options.look,
-        "Start the applet without writing to the board, and refuse what would write. Settings then "
-        "read as the applet begins, measured values as the board has them");
+        "Start the applet without writing to the board, and refuse what would write. Settings show "
+        "the applet's initial values, measured values those of the board");
     program.add_flag("--offline", options.offline, "Use an instance of the applet without a board");
     program
         .add_option("--station", options.station,

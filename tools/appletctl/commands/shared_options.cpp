@@ -25,7 +25,7 @@ void addWith(CLI::App& command, Options& options) {
 }
 
 void addYes(CLI::App& command, Options& options) {
-    command.add_flag("--yes", options.own<YesOption>().isGiven, "Do it without a question");
+    command.add_flag("--yes", options.own<YesOption>().isGiven, "Do not ask for confirmation");
 }
 
 void addOutFile(CLI::App& command, Options& options) {

@@ -359,11 +359,13 @@ std::string expectSignal(ScenarioRunner& runner, const Step& step) {
     const auto wrong = std::ranges::find_if(
         values, [&](double value) { return !relationFrom(step.words[2]).holds(value <=> wanted); });
     if (wrong == values.end()) return "";
-    const std::string which = values.size() > 1 ? " number " + numberText(wrong - values.begin() + 1) +
-                                                      " of " + numberText(values.size())
-                                                : "";
-    return "the " + std::string(measure.name) + which + " of " + signal.name + " is " +
-           measureText(measure, *wrong);
+    if (measure.name == std::string_view("pulses"))
+        return signal.name + " has " + measureText(measure, *wrong) + (*wrong == 1 ? " pulse" : " pulses");
+    const std::string which = values.size() == 1
+                                  ? std::string("the ") + measure.name
+                                  : measure.name + (" " + numberText(wrong - values.begin() + 1)) + " of " +
+                                        numberText(values.size());
+    return which + " of " + signal.name + " is " + measureText(measure, *wrong);
 }
 
 void checkPixel(const Words& words) {
@@ -390,8 +392,8 @@ std::string expectPixel(ScenarioRunner& runner, const Step& step) {
     // A different pixel differs in at least one component; other operators must hold for each of them.
     const bool holds = relation.symbol == "!=" ? equal < found.size() : holding == found.size();
     return holds ? ""
-                 : "blue, green, red of it are " + numberText(found[0]) + "," + numberText(found[1]) + "," +
-                       numberText(found[2]);
+                 : "blue, green and red of the pixel are " + numberText(found[0]) + "," +
+                       numberText(found[1]) + "," + numberText(found[2]);
 }
 
 void checkLoss(const Words& words) {

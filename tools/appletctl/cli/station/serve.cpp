@@ -106,7 +106,7 @@ std::string usageText(const std::string& name) {
 /** For a person: how other machines reach the page, if it listens for them. */
 std::string remoteNote(const std::string& address, const HttpOptions& options) {
     if (!options.isRemote()) return "";
-    std::string text = "What is sent can be read on the way, its token too: it is not encrypted.\n";
+    std::string text = "The connection is not encrypted; others can read the token.\n";
     if (!options.isAnyAddress()) return text;
     const std::string port = address.substr(address.find(':', address.find("://") + 3));
     std::array<char, 256> name{};

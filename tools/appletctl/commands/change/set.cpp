@@ -196,7 +196,7 @@ struct SetOptions {
 
 void addSetOptions(CLI::App& command, Options& options) {
     auto& own = options.own<SetOptions>();
-    command.add_flag("--any-order", own.anyOrder, "Find an order in which all pass, and set in it");
+    command.add_flag("--any-order", own.anyOrder, "Find an order in which all are accepted");
     command.add_flag("--verify", own.verify, "Read back, from the design as well");
 }
 

@@ -73,8 +73,7 @@ void addGrabOptions(CLI::App& command, Options& options) {
         ->type_name("K")
         ->check(CLI::Range(std::int64_t{1}, mostPictures));
     command
-        .add_option("--lines", own.lines,
-                    "Take as many pictures as give N lines together; the last one is taken whole")
+        .add_option("--lines", own.lines, "Take pictures until N lines are reached; the last one is complete")
         ->type_name("N")
         ->check(CLI::Range(std::int64_t{1}, mostLines));
     command.add_flag(
@@ -113,7 +112,7 @@ GrabRequest::GrabRequest(const Options& options, const Words& words)
     , station(stationOf(options))
     , waves(wavesOf(options)) {
     requireFileName(own.file);
-    if (!own.format.empty() && !own.file) throw UsageError("--format says how -o writes, and there is no -o");
+    if (!own.format.empty() && !own.file) throw UsageError("--format requires -o");
     requireFileName(own.events);
     requireOneOutput(own, options.json);
     files = filesFor(own);
