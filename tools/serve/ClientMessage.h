@@ -20,7 +20,7 @@ constexpr int protocolVersion = 1;
 /** The standard streams of the client and its working folder, in this order. */
 constexpr std::size_t clientFiles = 4;
 
-/** The client's environment variables that its output depends on. A message has those that are set. */
+/** Environment variables of the client that affect its output. A message contains those that are set. */
 constexpr std::array<const char*, 6> clientVariables = {"TERM",   "COLUMNS",  "NO_COLOR",
                                                         "LC_ALL", "LC_CTYPE", "LANG"};
 
@@ -35,11 +35,12 @@ struct ClientCommand {
     std::string line;
     std::string prefix; /**< precedes the problems of a line: "line 3: " */
     std::map<std::string, std::string> environment;
-    std::vector<applet_tools::Descriptor> files; /**< for the station: clientFiles files of the client */
+    std::vector<applet_tools::Descriptor>
+        files; /**< at the station: the client's files, clientFiles of them */
 };
 
 nlohmann::json asMessage(const ClientCommand& command);
-/** Without the files. Throws nlohmann::json::exception for an invalid message. */
+/** Parses a message; sets no files. Throws nlohmann::json::exception for an invalid message. */
 ClientCommand commandFrom(const nlohmann::json& message);
 
 } // namespace serve

@@ -18,8 +18,8 @@ public:
     /** Throws the exceptions of connectTo(). */
     explicit CommandClient(const StationLocation& location);
 
-    /** Has the station execute the command, with the standard streams, the folder and the environment of this
-     *  process. SIGINT and SIGTERM interrupt it there; a second one ends this process. */
+    /** Executes the command on the station, with the standard streams, the folder and the environment of this
+     *  process. SIGINT and SIGTERM interrupt the command; a second signal ends this process. */
     CommandEnd run(ClientCommand command);
 
     /** Requests the "status" or the "log"; returns that member of the answer. */

@@ -46,7 +46,7 @@ CommandSocket::Connection::Connection(Descriptor descriptor)
     : socket(std::move(descriptor))
     , reader(socket.number(), mostBytes)
     , process(allowedPeer(socket.number())) {
-    constexpr timeval limit{0, 200'000}; // a client that does not read its answers is dropped
+    constexpr timeval limit{0, 200'000}; // a client that does not read its answers is disconnected
     setsockopt(socket.number(), SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
 }
 
@@ -62,7 +62,7 @@ CommandSocket::CommandSocket(const StationLocation& location, json description)
 CommandSocket::~CommandSocket() {
     eventfd_write(m_ending.number(), 1);
     m_thread.join();
-    unlink(m_location.socket.c_str()); // keep the lock file: a process could lock a removed one
+    unlink(m_location.socket.c_str()); // the lock file is kept: another process might lock a removed one
 }
 
 bool CommandSocket::isStopAsked() const {

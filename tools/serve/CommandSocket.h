@@ -28,7 +28,7 @@ struct CommandEnd {
 
 /**
  * Listens from the constructor to the destructor, on a thread of its own. That thread also answers requests
- * for the status and the log and requests to stop. Commands wait for the thread that made the object: it
+ * for the status and the log and requests to stop. Commands wait for the thread that created the object, which
  * takes them with begin(), one at a time, and answers them with end(). Accepts only processes of the same
  * user, or of root.
  */
@@ -45,21 +45,21 @@ public:
     int readable() const { return m_wake.number(); }
     bool isStopAsked() const;
 
-    /** The command that has waited longest and for which `isWanted` is true; none if there is none. Until its
-     *  end, an interrupt request of its client, or a disconnect of the client, sends SIGINT to this thread. */
+    /** Returns the command that has waited longest of those for which `isWanted` is true; empty if there is none.
+     *  Until its end, an interrupt request or a disconnect of its client sends SIGINT to this thread. */
     std::optional<ClientCommand> begin(const std::function<bool(const ClientCommand&)>& isWanted);
-    /** Answers the last command from begin() that has not ended. True if its client has interrupted it, so that
-     *  SIGINT was not meant for the station. */
+    /** Answers the last command from begin() that has not ended. Returns true if its client has interrupted it: then
+     *  SIGINT was for the command and not for the station. */
     bool end(const CommandEnd& end);
 
-    /** Makes the descriptor readable. For any thread. */
+    /** Makes the descriptor readable. Any thread may call it. */
     void wake() const;
     /** The text of the running command; empty if there is none. */
     std::string runningCommand() const;
-    /** The station is complete: from now on it answers requests for its status and its address. The address of its
-     *  page with and without the token is empty if it has none. */
+    /** From now on, requests for the status and the address are answered. The addresses of the page, with and without
+     *  the token, are empty if there is none. */
     void setReady(const std::string& address, const std::string& addressWithToken);
-    /** Adds a line for work that was done otherwise, as by HTTP. */
+    /** Adds a line to the log for work that was not a command, such as a request by HTTP. */
     void addToLog(const std::string& text, int exitCode, double seconds);
 
 private:
@@ -94,7 +94,7 @@ private:
     void requireReady() const;
     void appendToLog(nlohmann::json entry);
 
-    /** For the listening thread only. Closed after the lock is released, so that a client that waits for the
+    /** For the listening thread only. Closed after the lock file is released, so that a client that waits for the
      *  end of the station can start the next one. */
     std::vector<std::shared_ptr<Connection>> m_clients;
     const StationLocation m_location;

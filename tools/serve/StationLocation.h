@@ -22,29 +22,30 @@ struct StationLocation {
 /** The default name of a station. */
 constexpr const char* defaultStationName = "main";
 
-/** The location of the station of that name; nothing is created. Throws UsageError for a name that is not made of 1 to
- *  32 letters, digits, '-', '_' and '.', with a letter or a digit first, and Failure when the path is too long for a
+/** Returns the location of the station of this name; creates nothing. Throws UsageError unless the name has 1 to 32
+ *  letters, digits, '-', '_' and '.', the first a letter or a digit, and Failure if the path is too long for a
  *  socket. */
 StationLocation locationOf(const std::string& name);
 
-/** Makes the folder of the stations, with mode 0700. Throws Failure when it cannot be made, or belongs to someone else or
- *  is open to others. */
+/** Creates the folder of the stations, with mode 0700. Throws Failure if it cannot be created, belongs to another user or
+ *  is accessible to others. */
 void makeStationFolder();
 
-/** The names with a socket, sorted; running stations and those that were killed. */
+/** Returns the names that have a socket, sorted: running stations, and those that were killed. */
 std::vector<std::string> stationNames();
 
-/** The names of running stations, sorted. */
+/** Returns the names of running stations, sorted. */
 std::vector<std::string> runningStations();
 
-/** Makes the folder and locks the location for the lifetime of the descriptor. A station that was killed keeps its lock
- *  until its memory is freed; this is waited for. Throws Failure if one runs, or the lock file cannot be made. */
+/** Creates the folder and locks the location for the lifetime of the descriptor. A station that was killed holds its lock
+ *  until its memory is freed; waits for that. Throws Failure if a station is running, or the lock file cannot be
+ *  created. */
 applet_tools::Descriptor lockStation(const StationLocation& location);
 
-/** True when a running station holds the location. */
+/** True if a running station holds the location. */
 bool isRunning(const StationLocation& location);
 
-/** A socket connected to the station. Throws Unavailable if no station of that name runs, with the names of
+/** Connects a socket to the station. Throws Unavailable if no station of this name is running, with the names of
  *  the running ones. */
 applet_tools::Descriptor connectTo(const StationLocation& location);
 

@@ -16,9 +16,9 @@ using applet_tools::Parameter;
 
 constexpr int longestGreeting = 5000; // milliseconds until the first message
 constexpr std::chrono::seconds longestWaitForSlot(4);
-/** Limit of pictures that were sent and not received yet; a client that does not read holds no more. */
+/** Limit of pictures that were sent and not yet received. */
 constexpr std::uint64_t mostOnTheWay = 4;
-/** Bytes of descriptions in a message after which no more are added. */
+/** Descriptions are added to a message until it has this many bytes. */
 constexpr std::size_t mostDescribed = mostBytes / 2;
 constexpr std::size_t mostEventsInMessage = 1000;
 
@@ -74,7 +74,7 @@ void ChannelClient::take(const SharedPicture& picture) {
                          .width = record.width,
                          .lines = record.lines,
                          .bits = record.bits};
-    ++m_sent; // before the client can say that it has received it
+    ++m_sent; // before the client can confirm that it has received the picture
     if (!m_socket.send(encoded(ToClient{0, notice}), ChannelSocket::Wait::never, picture.descriptor()))
         --m_sent;
 }

@@ -15,14 +15,14 @@
 namespace serve {
 
 /**
- * Answers its requests on a thread of its own, from the constructor to the destructor. The client is not trusted: an
- * invalid message ends the connection. Nothing but its thread ever waits for it.
+ * Answers the client's requests on a separate thread, from the constructor to the destructor. The client is not trusted:
+ * an invalid message ends the connection. No other thread waits for the client.
  */
 class ChannelClient final : PictureReceiver {
 public:
-    static constexpr std::ptrdiff_t mostClients = 16; /**< that a station serves at a time */
+    static constexpr std::ptrdiff_t mostClients = 16; /**< limit of a station */
 
-    /** `slots`: one for each client that is served; a client that gets none within some seconds is refused. */
+    /** `slots`: one for each client that is served. A client that gets no slot within some seconds is refused. */
     ChannelClient(LiveStation& station, std::counting_semaphore<>& slots, applet_tools::Descriptor socket);
     ~ChannelClient();
     ChannelClient(const ChannelClient&) = delete;
@@ -31,7 +31,7 @@ public:
     /** The client has disconnected. */
     bool isOver() const { return m_isOver; }
     std::uint64_t wantedEvents() const { return m_wantedEvents; }
-    /** Sends the events, all of which it wants; they are lost if it does not read. For any thread. */
+    /** Sends events that the client has requested; they are lost if it does not read. Any thread may call it. */
     void give(std::span<const station_channel::Event> events);
 
 private:

@@ -30,7 +30,7 @@ private:
     void listen();
     void accept();
     bool isFull();
-    /** The events that clients want, in any of them. */
+    /** The events that any client wants. */
     std::uint64_t wantedEvents();
     /** For the command thread. */
     void give(const LiveStation::EventTicks& taken);
@@ -38,9 +38,10 @@ private:
     LiveStation& m_station;
     const std::filesystem::path m_path;
     const applet_tools::Descriptor m_socket;
-    const applet_tools::Descriptor m_ending;      // wakes the thread
-    std::map<const char*, std::uint64_t> m_masks; // of events by the design's names, for the command thread
-    std::atomic<bool> m_isAskedFor{false};        // the command thread will take events
+    const applet_tools::Descriptor m_ending; // wakes the thread
+    std::map<const char*, std::uint64_t>
+        m_masks;                           // masks of events by the design's names, for the command thread
+    std::atomic<bool> m_isAskedFor{false}; // the command thread has been asked to take events
     std::counting_semaphore<> m_slots{ChannelClient::mostClients};
     std::mutex m_mutex; // guards the member below
     std::vector<std::unique_ptr<ChannelClient>> m_clients;

@@ -22,9 +22,10 @@ namespace {
 using RouteFunction = HttpAnswer(SharedStation&, const HttpRequest&, const std::string& name);
 
 struct Route {
-    std::string_view method, path; /**< a path that ends in "/{name}" has a last part that is passed on */
+    std::string_view method,
+        path; /**< "/{name}" at the end of a path: the last part is passed to the route */
     RouteFunction* function;
-    std::string_view query{}; /**< the names that its query may have, with spaces between them */
+    std::string_view query{}; /**< accepted names of the query, with spaces between them */
 };
 
 constexpr Route routes[] = {
@@ -57,7 +58,7 @@ constexpr Route routes[] = {
 
 constexpr std::string_view assets = "/assets/", named = "{name}";
 
-/** The name of the file that a path asks for; empty if it asks for none. Files have no state and need no token. */
+/** Returns the name of the file at a path; empty if there is none. Files have no state and need no token. */
 std::string_view fileOf(std::string_view path) {
     if (path == "/" || path == "/index.html") return "index.html";
     if (path == "/api/openapi.json") return "openapi.json";
@@ -78,7 +79,7 @@ struct Destination {
     std::string name; /**< the last part of the path, if it is passed on */
 };
 
-/** The methods that a path takes, with commas between them. */
+/** Returns the methods that a path supports, with commas between them. */
 std::string methodsAt(const std::string& path) {
     std::string name, methods;
     for (const Route& route : routes)
@@ -105,7 +106,7 @@ bool isForFile(const HttpRequest& request) {
     return request.path == "/favicon.ico" || findPageFile(fileOf(request.path)) != nullptr;
 }
 
-/** For all answers: no other site may use them, and a page may load only what this server sends. */
+/** Headers of all answers: other sites may not use them, and a page may load only from this server. */
 void addSafety(HttpAnswer& answer) {
     constexpr const char* policy =
         "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self' blob: data:; "
@@ -127,14 +128,14 @@ std::vector<std::string> ownNames() {
 
 bool isLoopbackAddress(const std::string& address) { return address.starts_with("127.") || address == "::1"; }
 
-/** As a part of an address: an IPv6 address in brackets. The addresses of all interfaces are reached by the loopback. */
+/** Returns the host part of an address: IPv6 in brackets, and the loopback for the addresses of all interfaces. */
 std::string hostOf(const std::string& address) {
     if (address == "0.0.0.0") return "127.0.0.1";
     if (address == "::") return "[::1]";
     return address.find(':') == std::string::npos ? address : '[' + address + ']';
 }
 
-/** The answer to the exception that is being handled. */
+/** Returns the answer to the exception that is being handled. */
 HttpAnswer answerToException() {
     try {
         throw;
@@ -153,7 +154,7 @@ HttpAnswer answerToException() {
     }
 }
 
-/** Threads come and go with connections: without these bounds the heap would grow with each of them. */
+/** Each connection has a thread of its own: without these bounds the heap would grow with each of them. */
 void boundHeap() {
     constexpr int arenas = 2, mappedBytes = 256 << 10;
     mallopt(M_ARENA_MAX, arenas);
@@ -202,7 +203,7 @@ std::optional<HttpAnswer> StationHttp::refusal(const HttpRequest& request) {
     return refused;
 }
 
-/** What can be said before the body is read. */
+/** Checks a request before its body is read. */
 std::optional<HttpAnswer> StationHttp::refusalOfRequest(const HttpRequest& request) {
     try {
         if (!request.encoding.empty())

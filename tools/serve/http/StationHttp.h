@@ -12,8 +12,8 @@
 namespace serve {
 
 /**
- * Serves from the constructor to the destructor. Its threads use the applet only by work on the command thread,
- * which made the object and calls its members.
+ * Serves from the constructor to the destructor. Its threads do not use the applet; they pass work to the command
+ * thread, which creates the object and calls its members.
  */
 class StationHttp : private HttpHandler {
 public:
@@ -23,10 +23,10 @@ public:
     StationHttp(const StationHttp&) = delete;
     StationHttp& operator=(const StationHttp&) = delete;
 
-    /** "http://127.0.0.1:8042/"; with the token as a browser needs it. */
+    /** Returns "http://127.0.0.1:8042/"; with the token, an address for a browser. */
     std::string address(bool withToken) const;
 
-    /** For the command thread, some times a second. */
+    /** Call this on the command thread, some times a second. */
     void watchSource() { m_station.watchSource(); }
 
 private:

@@ -54,7 +54,7 @@ std::shared_ptr<CommandThread::Job> CommandThread::takeJob(bool isPause) {
 }
 
 void CommandThread::runPending(bool isPause) {
-    constexpr int mostInPause = 8; // so that requests do not stop the command
+    constexpr int mostInPause = 8; // so that requests do not block the command
     for (int count = 0; !isPause || count < mostInPause; ++count) {
         const std::shared_ptr<Job> job = takeJob(isPause);
         if (job == nullptr) return;

@@ -29,8 +29,8 @@ public:
     /** `wake` makes the command thread call runPending(), and may be called by any thread. */
     explicit CommandThread(std::function<void()> wake) : m_wake(std::move(wake)) {}
 
-    /** Executes the work on the command thread; returns its result, or throws its exception. Throws Busy if it was
-     *  not begun in time. */
+    /** Executes the work on the command thread; returns its result, or throws its exception. Throws Busy if it did
+     *  not begin in time. */
     template <typename Function> std::invoke_result_t<Function> run(Work kind, Function function) {
         using Result = std::invoke_result_t<Function>;
         if constexpr (std::is_void_v<Result>) {
@@ -41,16 +41,16 @@ public:
             return *std::move(result);
         }
     }
-    /** The same without a wait for it; exceptions are lost. */
+    /** Queues the work without waiting; its exceptions are ignored. */
     void post(Work kind, std::function<void()> function);
 
-    /** For the command thread: executes what waits. `isPause`: only what reads. */
+    /** For the command thread: executes queued work. `isPause`: only work that reads. */
     void runPending(bool isPause);
-    /** For the command thread: the command that it begins, or empty at its end; for the messages of Busy. */
+    /** For the command thread: sets the running command, for the messages of Busy; empty: none. */
     void setCommand(const std::string& text);
-    /** That command. */
+    /** Returns the running command. */
     std::string command() const;
-    /** From now on all work fails with Busy, also what waits. */
+    /** From now on all work fails with Busy, also queued work. */
     void close();
 
 private:

@@ -13,10 +13,10 @@ using namespace std::chrono_literals;
 
 constexpr auto longestUnwatched = 3s;
 constexpr auto shortestDistance = 1'000'000us / 30; // between two rendered pictures
-constexpr auto longestPiece = 50ms;                 // of a wait for the board
+constexpr auto longestPiece = 50ms;                 // longest wait for the board at a time
 constexpr auto longestLook = 250ms;                 // between two requests of a viewer
 constexpr std::size_t frames = 16;                  // of the memory
-constexpr std::size_t mostKeptBytes = 32U << 20U;   // one picture is kept, however large it is
+constexpr std::size_t mostKeptBytes = 32U << 20U;   // one picture is always kept
 constexpr std::size_t mostKept = 32;
 
 } // namespace
@@ -185,7 +185,7 @@ bool LivePictures::isReceived() const {
     return std::ranges::any_of(m_receivers, &PictureReceiver::wantsPicture);
 }
 
-/** A viewer that shows a picture now will ask for the next one. */
+/** True if a viewer waits or has asked recently: it will request the next picture. */
 bool LivePictures::isViewed() const { return m_waiting > 0 || Clock::now() - m_lastAsked < longestLook; }
 
 bool LivePictures::mustStart() const {
@@ -252,10 +252,10 @@ std::int64_t LivePictures::waitOnBoard(std::unique_lock<std::mutex>& lock, std::
     return last;
 }
 
-/** Waits for a picture, for a short time. False at the end of the acquisition. */
+/** Waits for a picture, for a short time. Returns false at the end of the acquisition. */
 bool LivePictures::waitForPicture(std::unique_lock<std::mutex>& lock) {
     const auto isPressing = [this] { return isOver() || isReceived(); };
-    // A wait advances stepped time, and that is only for receivers.
+    // Waiting advances stepped time, which is done for receivers only.
     const bool isStepped = m_factor == 0;
     if (isStepped && !m_changed.wait_for(lock, longestPiece, isPressing)) return true;
     m_changed.wait_until(lock, m_nextView, isPressing);
@@ -268,7 +268,7 @@ bool LivePictures::waitForPicture(std::unique_lock<std::mutex>& lock) {
     if (isEndedByOthers) m_changed.wait_for(lock, longestPiece, [this] { return isOver(); });
     if (last >= next) {
         note(last);
-        // Pictures that nobody waits for are only counted.
+        // Without viewers, pictures are only counted.
         if (!isViewed()) m_changed.wait_for(lock, 2ms, isPressing);
     }
     return !isOver();
@@ -303,7 +303,7 @@ void LivePictures::render(std::unique_lock<std::mutex>& lock, std::int64_t pictu
     lock.unlock();
     const auto& board = m_instance.board();
     vboard_record record{};
-    std::uint8_t noRoom = 0; // fills in the record without rendering
+    std::uint8_t noRoom = 0; // the record is filled in, but nothing is rendered
     Picture made;
     try {
         int code = board.frame_into(m_memory.get(), picture, &noRoom, 0, &record);
@@ -316,7 +316,7 @@ void LivePictures::render(std::unique_lock<std::mutex>& lock, std::int64_t pictu
     } catch (const std::bad_alloc&) { // this picture is lost
     }
     lock.lock();
-    if (made == nullptr) return; // overwritten meanwhile
+    if (made == nullptr) return; // overwritten before it was rendered
     ++m_state.rendered;
     deliver(lock, made);
     keep(std::move(made));
@@ -329,8 +329,8 @@ void LivePictures::deliver(std::unique_lock<std::mutex>& lock, const Picture& pi
     const bool isShown = Clock::now() >= m_nextView;
     if (isShown) {
         m_shown = picture;
-        m_nextView =
-            std::max(m_nextView + shortestDistance, Clock::now()); // the time of rendering is within it
+        m_nextView = std::max(m_nextView + shortestDistance,
+                              Clock::now()); // the distance includes the time of rendering
         m_changed.notify_all();
     }
     m_isDelivering = true;
@@ -345,7 +345,7 @@ void LivePictures::deliver(std::unique_lock<std::mutex>& lock, const Picture& pi
 
 void LivePictures::keep(Picture picture) {
     m_kept.push_back(std::move(picture));
-    constexpr std::size_t withForms = 2; // a slow client may still want those of the one before
+    constexpr std::size_t withForms = 2; // a slow client may still want forms of the previous picture
     if (m_kept.size() > withForms) m_kept[m_kept.size() - withForms - 1]->forgetForms();
     std::size_t bytes = 0;
     for (const Picture& one : m_kept)

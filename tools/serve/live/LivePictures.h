@@ -1,4 +1,4 @@
-/** Pictures for viewers, from an acquisition that runs while somebody looks. */
+/** Pictures for viewers, from an acquisition that runs while there are viewers. */
 #ifndef SERVE_LIVE_LIVEPICTURES_H
 #define SERVE_LIVE_LIVEPICTURES_H
 
@@ -21,12 +21,12 @@
 
 namespace serve {
 
-/** Takes all pictures, as far as it has memory for them. */
+/** Receives all pictures for which it has memory. */
 class PictureReceiver {
 public:
-    /** Whether it has memory for a picture. For any thread. */
+    /** True if it has memory for a picture. Any thread may call it. */
     virtual bool wantsPicture() const = 0;
-    /** For the thread of the pictures, which must not wait for anything here. */
+    /** Called by the thread of the pictures; must not block. */
     virtual void take(const SharedPicture& picture) = 0;
 
 protected:
@@ -34,44 +34,45 @@ protected:
 };
 
 /**
- * The acquisition starts with the first request and stops some seconds after the last one; it gives way to the
- * acquisitions of commands. A thread waits for the board's pictures, and renders those that receivers want, and
- * the latest one that a viewer has asked for, at most thirty a second: each picture once, for all of them.
+ * The acquisition starts with the first request and stops some seconds after the last one. It is suspended during the
+ * acquisitions of commands. A thread waits for the board's pictures and renders those that receivers want. For viewers
+ * it renders the latest picture on request, at most thirty a second. Each picture is rendered once, for all clients.
  */
 class LivePictures {
 public:
     using Clock = std::chrono::steady_clock;
     using Picture = std::shared_ptr<const SharedPicture>;
 
-    /** For a virtual board with a device. `factor`: speed of its time; 0: it is stepped, and moves while a receiver
+    /** For a virtual board with a device. `factor`: speed of its time; 0: time is stepped, and advances while a receiver
      *  wants a picture. */
     LivePictures(CommandThread& commands, applet_tools::Instance& instance, double factor);
     ~LivePictures();
     LivePictures(const LivePictures&) = delete;
     LivePictures& operator=(const LivePictures&) = delete;
 
-    /** Called with each picture for viewers, by the thread. When it returns, the one before is not used any more. */
+    /** Sets a function that the thread calls with each picture for viewers. On return the previous function is no longer
+     *  used. */
     void setOnPicture(std::function<void(const SharedPicture&)> function);
 
-    /** The latest picture, if its number is above `after`; waits for one until `due`. Null if there is none. Starts
-     *  the acquisition if it does not run; throws the exceptions of that, such as Busy. */
+    /** Returns the latest picture if its number is above `after`; waits for one until `due`. Null if there is none.
+     *  Starts the acquisition if it is not running, and throws its exceptions, such as Busy. */
     Picture newerThan(std::int64_t after, Clock::time_point due);
-    /** For the command thread: from now on the receiver gets the pictures that it wants. Returns the number of the last
-     *  one before that. Starts the acquisition if it does not run; throws the exceptions of that. */
+    /** For the command thread: adds a receiver, which then gets the pictures that it wants. Returns the number of the
+     *  last picture before that. Starts the acquisition if it is not running, and throws its exceptions. */
     std::int64_t join(PictureReceiver& receiver);
-    /** When it returns, the receiver is not used any more. */
+    /** Removes the receiver, which is no longer used when the function returns. */
     void leave(PictureReceiver& receiver);
-    /** A receiver wants a picture again. */
+    /** Call this when a receiver wants pictures again. */
     void wake();
 
-    /** A picture that is still kept; 0: the latest. Null if it is not. */
+    /** Returns a kept picture; 0: the latest. Null if it is no longer kept. */
     Picture kept(std::int64_t number) const;
     std::vector<Picture> allKept() const;
 
-    /** For the command thread: stops the acquisition until resume(), before another one. Nested calls count. */
+    /** For the command thread: stops the acquisition until resume(), so that another one can run. Calls nest. */
     void suspend(const std::string& reason);
     void resume();
-    /** For the command thread: no acquisition runs for viewers while it is paused. */
+    /** For the command thread: while paused, no acquisition runs for viewers. */
     void setPaused(bool isPaused);
     /** Ends all waits for pictures. */
     void close();
@@ -83,9 +84,9 @@ public:
         std::int64_t pictures = 0; /**< of the viewers' acquisitions */
         std::int64_t rendered = 0;
         std::size_t keptBytes = 0;
-        Clock::time_point lastPicture{}; /**< or the start of the acquisition */
+        Clock::time_point lastPicture{}; /**< arrival of the last picture, or start of the acquisition */
         applet_tools::WaitStart start{}; /**< of the acquisition */
-        bool hasPicture = false;         /**< the acquisition has made one */
+        bool hasPicture = false;         /**< the acquisition has delivered a picture */
         double rate = 0;                 /**< pictures a second of machine time, over the last seconds */
     };
     State state() const;
@@ -108,7 +109,7 @@ private:
     void work();
     void watch(std::unique_lock<std::mutex>& lock);
     bool waitForPicture(std::unique_lock<std::mutex>& lock);
-    /** The number of the last picture, or an error; waits for this one without the lock, for a short time. */
+    /** Waits for a picture without the lock, for a short time. Returns the number of the last picture, or an error. */
     std::int64_t waitOnBoard(std::unique_lock<std::mutex>& lock, std::int64_t picture);
     void renderWanted(std::unique_lock<std::mutex>& lock);
     void deliver(std::unique_lock<std::mutex>& lock, const Picture& picture);
@@ -124,7 +125,7 @@ private:
     mutable std::mutex m_mutex; // guards the members below
     std::condition_variable m_changed;
     State m_state;
-    int m_suspensions = 0;     // given and not taken back
+    int m_suspensions = 0;     // calls of suspend() without resume() yet
     bool m_isWatching = false; // the thread uses the memory
     bool m_isStopPosted = false;
     bool m_isStartPosted = false; // for receivers; stays if it fails, until there is a reason to try again

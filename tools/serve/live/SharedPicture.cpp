@@ -9,7 +9,7 @@ namespace {
 
 using applet_tools::PictureView;
 
-/** A client that asks for ever new forms does not fill the memory. */
+/** A limit, so that a client that requests many forms does not fill the memory. */
 constexpr std::size_t mostForms = 16;
 
 std::string encodedView(const PictureView& view, const PictureForm& form) {

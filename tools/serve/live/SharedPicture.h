@@ -1,4 +1,4 @@
-/** A picture that many clients look at. */
+/** A picture that many clients share. */
 #ifndef SERVE_LIVE_SHAREDPICTURE_H
 #define SERVE_LIVE_SHAREDPICTURE_H
 
@@ -27,11 +27,10 @@ struct PictureForm {
     bool operator==(const PictureForm&) const = default;
 };
 
-/** Its bytes do not change, and other processes can read them. Each form is made once, by the first thread that asks for
- *  it. */
+/** Immutable; other processes can read its bytes. The first thread that requests a form encodes it, once for all. */
 class SharedPicture {
 public:
-    /** `number` counts the pictures of the station; that of the record those of one acquisition. */
+    /** `number` counts the pictures of the station; the number in the record counts those of one acquisition. */
     SharedPicture(std::int64_t number, const vboard_record& record, station_channel::SharedMemory bytes);
 
     std::int64_t number() const { return m_number; }
@@ -43,7 +42,7 @@ public:
     int descriptor() const { return m_bytes.descriptor(); }
     /** Throws Unavailable for a format that the program was built without. */
     std::shared_ptr<const std::string> encoded(const PictureForm& form) const;
-    /** Frees what encoded() has kept. */
+    /** Frees the forms that encoded() keeps. */
     void forgetForms() const;
 
 private:

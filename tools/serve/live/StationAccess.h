@@ -1,4 +1,4 @@
-/** What the interfaces of a running station need of it. */
+/** Data and functions of a running station for its interfaces. */
 #ifndef SERVE_LIVE_STATIONACCESS_H
 #define SERVE_LIVE_STATIONACCESS_H
 
@@ -16,10 +16,10 @@ struct StationAccess {
     std::string version; /**< of the program */
     std::string board;   /**< "virtual", "system", "none" */
     double clock =
-        1; /**< of a virtual board: how many times as fast as the machine's; 0: its time is stepped */
+        1; /**< speed of a virtual board's time relative to the machine's; 0: its time is stepped */
     bool maySet = false;                                /**< --allow-set */
     std::optional<applet_tools::StationFile> station{}; /**< camera, belt and scene at its start */
-    std::function<void()> wake;                         /**< makes the command thread execute what waits */
+    std::function<void()> wake;                         /**< makes the command thread execute queued work */
     applet_tools::LiveSession* live = nullptr;          /**< for the command thread */
     /** For the command thread: executes the work as a step that "undo" reverts, with this text in the station's log.
      *  Passes exceptions on. */

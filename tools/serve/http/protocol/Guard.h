@@ -10,31 +10,31 @@
 
 namespace serve {
 
-/** 128 random bits in hexadecimal. Throws Failure. */
+/** Returns 128 random bits in hexadecimal. Throws Failure. */
 std::string randomToken();
 
-/** Compares in a time that depends only on the lengths. */
+/** Compares two texts in a time that depends only on their lengths. */
 bool areSame(std::string_view a, std::string_view b);
 
-/** The name in a Host header, in lower case and without the port: "localhost", "127.0.0.1", "[::1]". Empty if it is
- *  invalid. */
+/** Returns the name in a Host header, in lower case and without the port: "localhost", "127.0.0.1", "[::1]". Empty if it
+ *  is invalid. */
 std::string hostName(std::string_view header);
 
-/** True for an IPv4 address in decimal or an IPv6 address in square brackets. No page can make a browser send such
- *  a Host header to another server's address. */
+/** True for an IPv4 address in decimal or an IPv6 address in square brackets. A page cannot make a browser send such
+ *  a Host header to the address of another server. */
 bool isAddress(std::string_view name);
 
 class Guard {
 public:
-    /** `names` are the names of this machine under which it may be addressed, besides localhost and addresses.
-     *  Without `isRemote` only the addresses of the loopback. */
+    /** `names`: accepted names of this machine, in addition to localhost and addresses. Without `isRemote` only
+     *  addresses of the loopback are accepted. */
     Guard(std::string token, bool isRemote, std::vector<std::string> names);
 
     const std::string& token() const { return m_token; }
-    /** False if the request may come from a page of another site: an unknown name in Host, or an Origin that is
-     *  not the addressed server. */
+    /** False if the request may be from a page of another site: Host is an unknown name, or Origin is not the
+     *  addressed server. */
     bool isFromHere(const HttpRequest& request) const;
-    /** True if it has the token, as a bearer or in the query. */
+    /** True if the request has the token, as a bearer or in the query. */
     bool hasToken(const HttpRequest& request) const;
 
 private:

@@ -7,7 +7,7 @@
 namespace serve {
 
 std::unique_ptr<HttpTransport> openHttp(const HttpEndpoint& endpoint, HttpHandler& handler) {
-    // Stays loaded: threads of the library may still be at their ends when the transport is destroyed.
+    // Stays loaded: threads of the library may not have exited when the transport is destroyed.
     void* const library = dlopen("libappletctl_http.so", RTLD_NOW | RTLD_LOCAL);
     const char* const trouble = library == nullptr ? dlerror() : nullptr;
     void* const symbol = library == nullptr ? nullptr : dlsym(library, httpTransportFunction);

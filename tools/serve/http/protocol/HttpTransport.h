@@ -1,5 +1,5 @@
-/** The HTTP server: connections, limits, and the protocol. It is a library of its own, loaded when a station
- *  starts, since its dependencies would make each start of the program slower. */
+/** The HTTP server: connections, limits, and the protocol. It is a separate library, loaded when a station
+ *  starts, because its dependencies would slow down each start of the program. */
 #ifndef SERVE_HTTP_PROTOCOL_HTTPTRANSPORT_H
 #define SERVE_HTTP_PROTOCOL_HTTPTRANSPORT_H
 
@@ -13,7 +13,7 @@ namespace serve {
 struct HttpEndpoint {
     std::string address = "127.0.0.1"; /**< to listen on */
     int port = 0;                      /**< 0: any */
-    bool isFallbackAllowed = false;    /**< any other port if that one is in use */
+    bool isFallbackAllowed = false;    /**< use any other port if this one is in use */
 };
 
 /** Serves from the constructor to the destructor, which closes all connections. */
@@ -27,7 +27,7 @@ public:
  *  used. `handler` must live longer than the result. */
 std::unique_ptr<HttpTransport> openHttp(const HttpEndpoint& endpoint, HttpHandler& handler);
 
-/** The library exports a function of this name and type. Returns null, with the reason, if it fails. */
+/** The function that the library exports. Returns null, with the reason, if it fails. */
 constexpr const char* httpTransportFunction = "serveOpenHttpTransport";
 using HttpTransportFunction = HttpTransport*(const HttpEndpoint& endpoint, HttpHandler& handler,
                                              std::string& problem);

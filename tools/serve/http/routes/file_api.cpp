@@ -29,7 +29,7 @@ HttpAnswer attachment(std::string content, const char* type, const std::string& 
 
 /** A lookup table of the applet. */
 struct Table {
-    Target target; /**< all of its elements */
+    Target target; /**< all elements of the table */
     std::uint32_t size;
     double largest;
 };
@@ -180,7 +180,7 @@ HttpAnswer setTable(SharedStation& station, const HttpRequest& request, const st
     return jsonAnswer(runChange(station, "lut " + colour + " (by HTTP)", [&] {
         const Table table = tableOf(station, colour);
         const Elements elements = curveOf(pointsFrom(body, table), table.size);
-        // The first element alone: its refusal has the ways out.
+        // The first element is set alone: its refusal has the remedies.
         applyAll(station, {table.target.parameter->name + "[0]=" + numberText(elements.front())});
         const int code = writeValue(station.instance(), table.target, elements);
         if (code != FG_OK)

@@ -1,4 +1,4 @@
-/** The routes of what a station holds as a whole: configuration, lookup tables, belt and scene, a series of pictures. */
+/** The routes of configuration, lookup tables, belt, scene, and series of pictures. */
 #ifndef SERVE_HTTP_ROUTES_FILE_API_H
 #define SERVE_HTTP_ROUTES_FILE_API_H
 

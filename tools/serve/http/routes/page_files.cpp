@@ -8,7 +8,7 @@
 #include <string>
 #include <utility>
 
-// The table is made by the build: EMBEDDED(symbol, name) for each file.
+// The build generates the table: EMBEDDED(symbol, name) for each file.
 #define EMBEDDED(symbol, name) extern "C" const char symbol##_begin[], symbol##_end[];
 #include <page_files.inc>
 #undef EMBEDDED
@@ -35,7 +35,7 @@ std::string typeOf(std::string_view name) {
     return found == std::end(types) ? "application/octet-stream" : found->second;
 }
 
-/** A name of the content: FNV-1a of its bytes. */
+/** A hash of the content: FNV-1a. */
 std::string tagOf(std::string_view content) {
     std::uint64_t hash = 0xcbf29ce484222325U;
     for (const char c : content)

@@ -13,11 +13,11 @@ struct PageFile {
     std::string_view content;
 };
 
-/** Null if there is none of that name. */
+/** Returns null if there is no file of this name. */
 const PageFile* findPageFile(std::string_view name);
 
-/** The file with its type, a tag of its content, and the headers that restrict what a page may do; 304 if the client
- *  has it. */
+/** Returns the file with its type, a tag of its content, and the headers that restrict a page; 304 if the client has the
+ *  file. */
 HttpAnswer fileAnswer(const PageFile& file, const HttpRequest& request);
 
 } // namespace serve

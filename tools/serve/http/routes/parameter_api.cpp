@@ -19,7 +19,7 @@ using namespace applet_tools;
 
 constexpr std::size_t mostSettings = 200;
 
-/** Why an assignment was refused, and the ways out, from the scratch board. */
+/** Finds on the scratch board why an assignment was refused, and the remedies. */
 HttpError refusalOf(LiveSession& live, const AssignmentResult& result) {
     const Assignment& assignment = result.assignment;
     const Parameter& parameter = *assignment.target.parameter;
@@ -44,7 +44,7 @@ HttpError refusalOf(LiveSession& live, const AssignmentResult& result) {
     }
     for (Words way : suggestion.ways) {
         const std::string text = join(way, " ");
-        way.push_back(name + "=" + assignment.text); // for one request that sets them all
+        way.push_back(name + "=" + assignment.text); // so that one request sets all of them
         ways.push_back(remedyOf(way));
         ways.back()["text"] = text;
     }
@@ -57,7 +57,7 @@ HttpError refusalOf(LiveSession& live, const AssignmentResult& result) {
     return {status::conflict, "refused", join(clauses, "; "), std::move(members)};
 }
 
-/** A client of the page writes no files of this machine. */
+/** Clients of the page may not write files on this machine. */
 void refuseFiles(LiveSession& live, const Words& words) {
     for (const Assignment& assignment : parseAssignments(live.parameters(), words))
         if (assignment.target.parameter->writesFile())

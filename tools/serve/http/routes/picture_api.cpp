@@ -24,14 +24,15 @@ using Picture = LivePictures::Picture;
 
 constexpr std::int64_t anyNumber = std::numeric_limits<std::int64_t>::max();
 constexpr std::int64_t longestTimeout = 10'000; // milliseconds
-constexpr auto longestGap = 1900ms; // without a picture, until the reason is sent: within the usual timeout
+constexpr auto longestGap =
+    1900ms; // after this time without a picture the reason is sent: within the usual timeout
 
 Picture requireKept(SharedStation& station, std::int64_t number) {
     if (Picture picture = station.requirePictures().kept(number)) return picture;
     throw HttpError(status::notFound, "none",
                     number == 0
                         ? "there is no picture yet: GET /api/frame waits for one"
-                        : "picture " + numberText(number) + " is no longer kept, or has not come yet");
+                        : "picture " + numberText(number) + " is no longer kept, or has not arrived yet");
 }
 
 Picture askedPicture(SharedStation& station, const Query& query) {
@@ -56,7 +57,7 @@ Json waysOutOf(const applet_tools::MissingPicture& missing) {
     return ways;
 }
 
-/** The reason why none came, if they do not come. */
+/** Answers a request for which no picture came in time. Throws the reason if no pictures arrive at all. */
 HttpAnswer withoutPicture(SharedStation& station) {
     const LivePictures::State state = station.pictures->state();
     const bool isGap = Clock::now() - state.lastPicture >= longestGap;

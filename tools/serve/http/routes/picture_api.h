@@ -14,7 +14,7 @@ HttpAnswer sendRecords(SharedStation& station, const HttpRequest& request, const
 HttpAnswer showAcquisition(SharedStation& station, const HttpRequest& request, const std::string& none);
 HttpAnswer setAcquisition(SharedStation& station, const HttpRequest& request, const std::string& none);
 
-/** The form that the query asks for. Throws HttpError for a region that is not within the picture. */
+/** Returns the form that the query requests. Throws HttpError for a region that is not within the picture. */
 PictureForm formOf(const HttpRequest& request, const applet_tools::PictureView& picture);
 
 } // namespace serve

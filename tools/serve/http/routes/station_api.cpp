@@ -20,11 +20,11 @@ constexpr std::size_t mostStreams = 64;
 constexpr auto samplePeriod = 250ms;
 constexpr auto keepAlivePeriod = 15s;
 
-/** What the query of a timeline asks for. */
+/** The query of a timeline. */
 struct TimelineRequest {
     std::optional<std::int64_t> from, to;
     std::vector<StationSignal> signals;
-    std::size_t most; /**< edges of a signal, and events */
+    std::size_t most; /**< limit of the edges of a signal, and of the events */
 };
 
 TimelineRequest timelineRequestFrom(const Query& query) {
@@ -49,7 +49,7 @@ struct TickSpan {
     Ticks from = 0, to = 0;
 };
 
-/** The part of the span that has passed; the last second where no start is asked for. */
+/** Returns the part of the span that has passed; without a start, the last second. */
 TickSpan spanOf(const TimelineRequest& asked, Ticks now) {
     const Ticks to = asked.to ? std::min(now, static_cast<Ticks>(*asked.to)) : now;
     const Ticks from = asked.from ? std::min(to, static_cast<Ticks>(*asked.from))
@@ -74,7 +74,7 @@ Json signalAsJson(SharedStation& station, const StationSignal& signal, const Tic
             {"isCut", isCut}};
 }
 
-/** The kept pictures whose lines came within the span, in part at least. */
+/** Returns the kept pictures that have lines within the span. */
 Json imagesAsJson(const SharedStation& station, const TickSpan& span) {
     Json images = Json::array();
     if (!station.pictures) return images;
@@ -143,7 +143,7 @@ HttpAnswer showTimeline(SharedStation& station, const HttpRequest& request, cons
     Json document;
     TickSpan span;
     station.commands.run(Work::reads, [&] {
-        // Events are taken after the time is read, so that there are all of them up to it.
+        // Events are taken after the time is read, so that all events up to it are included.
         const Ticks now = station.instance().board().now(station.instance().device());
         station.live.takeEvents();
         span = spanOf(asked, now);

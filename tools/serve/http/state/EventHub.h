@@ -1,4 +1,4 @@
-/** Messages of a station for all clients that listen. */
+/** Messages of a station for all listening clients. */
 #ifndef SERVE_HTTP_STATE_EVENTHUB_H
 #define SERVE_HTTP_STATE_EVENTHUB_H
 
@@ -19,12 +19,12 @@ namespace serve {
 class EventHub {
 public:
     using Clock = std::chrono::steady_clock;
-    using Message = std::shared_ptr<const std::string>; /**< as it is sent: a server-sent event */
+    using Message = std::shared_ptr<const std::string>; /**< the text of a server-sent event */
 
     void publish(const std::string& name, const Json& data);
-    /** The position of the next message. */
+    /** Returns the position of the next message. */
     std::uint64_t end() const;
-    /** The messages from `position` on, which moves behind them; waits for one until `due`. */
+    /** Returns the messages from `position` on and moves `position` behind them; waits for one until `due`. */
     std::vector<Message> wait(std::uint64_t& position, Clock::time_point due);
     /** Ends all waits. */
     void close();

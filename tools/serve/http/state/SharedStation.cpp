@@ -12,7 +12,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr std::size_t mostEventsOfName = 5000; // that are kept
+constexpr std::size_t mostEventsOfName = 5000; // kept for each name
 
 } // namespace
 
@@ -72,7 +72,7 @@ applet_tools::MissingPicture SharedStation::whyNoPicture() const {
     const applet_tools::WaitStart atPicture =
         m_samples.empty() || !state.hasPicture ? state.start : m_atPicture;
     applet_tools::WaitStart start = atPicture;
-    // The signals may have changed since the last picture: only the last second counts.
+    // The signals may have changed since the last picture: only the last second is considered.
     if (!m_samples.empty() && m_samples.front().counts.tick > start.tick) start = m_samples.front().counts;
     start.losses[applet_tools::imageLoss] = atPicture.losses[applet_tools::imageLoss];
     return applet_tools::whyNoPicture(instance(), access.live->parameters(),

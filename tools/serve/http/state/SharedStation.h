@@ -25,25 +25,25 @@ struct SharedStation {
     SharedStation& operator=(const SharedStation&) = delete;
 
     applet_tools::Instance& instance() const { return access.live->instance(); }
-    /** Why this station never shows a picture, with what to do about it; empty if it may. For any thread. */
+    /** Returns why this station never shows pictures, with advice; empty if it may. Any thread may call it. */
     std::optional<HttpError> pictureRefusal() const;
-    /** The pictures. Throws that refusal. */
+    /** Returns the pictures. Throws that refusal. */
     LivePictures& requirePictures() const;
     /** Throws HttpError unless the board is virtual. For any thread. */
     void requireVirtual() const;
     /** Throws HttpError unless clients may set. For any thread. */
     void requireSettable() const;
-    /** For the command thread: why there is no picture now. */
+    /** For the command thread: returns why there is no picture now. */
     applet_tools::MissingPicture whyNoPicture() const;
-    /** For the command thread, often: records what the source does, for whyNoPicture(). */
+    /** For the command thread, often: records the counts of the source, for whyNoPicture(). */
     void watchSource();
 
     /** For the command thread: informs the streams of changed parameters. */
     void noteChanges();
-    /** For the command thread: informs the streams of what has happened since the last call. */
+    /** For the command thread: informs the streams of everything since the last call. */
     void sample();
 
-    /** For a thread of a stream: does that on the command thread, unless it was done within the period. */
+    /** For a thread of a stream: does the same on the command thread, unless it was done within the period. */
     void sampleIfDue(std::chrono::milliseconds period);
 
     LiveStation& live;
@@ -54,7 +54,7 @@ struct SharedStation {
     ParameterDocuments parameters;
     applet_tools::StationFile setup; // camera, belt and scene as they are, for the command thread
     const std::string ownImage;      // of the scene at the start; empty: none
-    std::mutex recording;            // held by the request that collects a series, which needs much memory
+    std::mutex recording;            // held by a request that collects a series, which takes much memory
     std::atomic<std::uint64_t> sets = 0, refusedSets = 0, requests = 0, refusedRequests = 0;
 
     struct StationEvent {
@@ -65,7 +65,7 @@ struct SharedStation {
         std::vector<StationEvent> events; /**< in the order of time */
         bool isCut = false;               /**< the first ones are missing */
     };
-    /** Of the events that were taken, the latest ones between two ticks, at most so many. */
+    /** Returns the latest events between two ticks, at most `most`. */
     EventSpan eventsBetween(std::uint64_t from, std::uint64_t to, std::size_t most) const;
 
 private:
@@ -83,7 +83,8 @@ private:
     std::deque<Sample> m_samples;        // of the acquisition's last second, for the command thread
     std::int64_t m_sampledPictures = 0;  // the number of pictures at the last sample
     applet_tools::WaitStart m_atPicture; // the counts when that number was seen first
-    std::vector<applet_tools::ParameterState> m_states; // that the streams know; empty without a stream
+    std::vector<applet_tools::ParameterState>
+        m_states; // last states sent to the streams; empty without a stream
     std::vector<std::int64_t> m_losses;
     std::mutex m_sampling; // held by the thread that samples
     EventHub::Clock::time_point m_sampled{};

@@ -19,13 +19,13 @@ class ParameterDocuments {
 public:
     explicit ParameterDocuments(applet_tools::LiveSession& live) : m_live(live) {}
 
-    /** The target that a word names, such as "FG_WIDTH" or "FG_LUT_VALUE_RED[0..9]". Throws HttpError with the
-     *  closest names. */
+    /** Returns the target that a word names, such as "FG_WIDTH" or "FG_LUT_VALUE_RED[0..9]". Throws HttpError with
+     *  the closest names. */
     applet_tools::Target targetOf(const std::string& word);
 
-    /** All that a client shows of a parameter. */
+    /** Describes a parameter for a client. */
     Json documentOf(const applet_tools::Target& target);
-    /** Whether a setting differs from its value after a start. */
+    /** True if a setting differs from its value after a start. */
     bool isChanged(const applet_tools::Target& target);
 
     /** The states of all parameters, in the order of the list. */
@@ -35,8 +35,8 @@ public:
         std::vector<std::string> limits{}; /**< names of parameters with other limits, entries or access */
         std::vector<applet_tools::ParameterState> now{};
     };
-    /** The differences from the present states, which are returned too. Without `withMeasured` those of values that the board measures, and
-     *  which change by themselves, are left out. */
+    /** Returns the differences from the present states, and those states. Without `withMeasured`, values that the board
+     *  measures are left out. */
     Changes changesSince(const std::vector<applet_tools::ParameterState>& before, bool withMeasured);
 
 private:

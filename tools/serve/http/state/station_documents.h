@@ -12,14 +12,14 @@ namespace serve {
 
 struct SharedStation;
 
-/** What does not change: name, board, clock, version. */
+/** Describes the station, by constant data: name, board, clock, version. */
 Json stationAsJson(SharedStation& station);
-/** What moves: time, lines, pictures, rate, fill level, the running command. */
+/** Describes the activity: time, lines, pictures, rate, fill level, the running command. */
 Json activityOf(SharedStation& station);
 /** {"losses": [{"name", "count", "message", "advice"}, ...]} for the counts of applet_tools::lossesOf. */
 Json lossesAsJson(const std::vector<std::int64_t>& losses);
 
-/** In the text format that Prometheus reads. */
+/** Returns the metrics in the text format of Prometheus. */
 std::string metricsOf(SharedStation& station);
 
 } // namespace serve

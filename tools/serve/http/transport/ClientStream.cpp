@@ -26,7 +26,7 @@ ClientStream::ClientStream(int socket) : m_socket(socket) {
     fcntl(socket, F_SETFD, FD_CLOEXEC);
     constexpr int on = 1;
     setsockopt(socket, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
-    // What a client has not read is a copy of its own: a small one, so that pictures are not old when they are read.
+    // Unread bytes are buffered for each client: a small buffer limits latency.
     constexpr int bytes = 256 << 10;
     setsockopt(socket, SOL_SOCKET, SO_SNDBUF, &bytes, sizeof bytes);
 }
@@ -56,7 +56,7 @@ bool ClientStream::waitForRequest() {
 }
 
 void ClientStream::beginBody(std::size_t most) {
-    m_bytesLeft = most + 1; // with none left it was longer
+    m_bytesLeft = most + 1; // 0 left: the body exceeded its limit
     m_isBody = true;
 }
 
@@ -76,7 +76,7 @@ void ClientStream::finish() {
         if (recv(m_socket, m_buffer.data(), m_buffer.size(), MSG_DONTWAIT) <= 0) return;
 }
 
-/** A client that has closed its side for writing may still read; one that is gone makes an error. */
+/** A client that has closed its side for writing may still read; a disconnected one gives an error. */
 bool ClientStream::is_writable() const {
     pollfd watched{m_socket, POLLOUT, 0};
     return poll(&watched, 1, static_cast<int>(std::chrono::milliseconds(longestWrite).count())) > 0 &&

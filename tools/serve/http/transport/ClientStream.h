@@ -10,8 +10,8 @@
 
 namespace serve {
 
-/** Reads fail once a request has taken too long or its head has too many bytes, and writes once the client has
- *  not read for too long. Closes the socket in the destructor. */
+/** Reads fail after a request has taken too long or its head has too many bytes, and writes after the client has
+ *  not read for too long. The destructor closes the socket. */
 class ClientStream : public httplib::Stream {
 public:
     static constexpr std::chrono::seconds longestIdle{30}; /**< between two requests */
@@ -21,18 +21,18 @@ public:
     ClientStream(const ClientStream&) = delete;
     ClientStream& operator=(const ClientStream&) = delete;
 
-    /** Waits for the first byte of the next request, and begins its limits. False if none comes. The first request must come
-     *  at once; later ones may take a while. */
+    /** Waits for the first byte of the next request, and starts its limits. Returns false if there is none. The first
+     *  request must start at once; later ones may take longer. */
     bool waitForRequest();
-    /** The head is complete, and a body of this many bytes may follow. */
+    /** Call this when the head is complete and a body of at most this many bytes may follow. */
     void beginBody(std::size_t most);
     /** False once the client has closed its side. */
     bool isClientThere() const;
-    /** True if the head, or the body, was longer than is read. */
+    /** True if the head or the body exceeded its limit. */
     bool isHeadTooLong() const { return m_bytesLeft == 0 && !m_isBody; }
     bool isBodyTooLong() const { return m_bytesLeft == 0 && m_isBody; }
-    /** Ends the answers, and reads some of what the client still sends: with unread bytes a close would take the
-     *  last answer back. */
+    /** Ends the answers, and reads some of the remaining input: closing a socket with unread bytes would discard the last
+     *  answer. */
     void finish();
 
     bool is_readable() const override;
@@ -51,7 +51,7 @@ private:
     int m_socket;
     std::array<char, 4096> m_buffer{};
     std::size_t m_begin = 0, m_end = 0; // unread bytes of the buffer
-    std::size_t m_bytesLeft = 0;        // of the head, or of the body, that may still come
+    std::size_t m_bytesLeft = 0;        // remaining limit of the head or of the body
     bool m_isBody = false;
     bool m_isFirst = true; // no request has come yet
     Clock::time_point m_due{};

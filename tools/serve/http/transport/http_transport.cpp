@@ -21,10 +21,10 @@ using namespace std::chrono_literals;
 
 constexpr std::size_t mostConnections = 256;
 constexpr std::size_t mostBodyBytes = 1U << 20U;
-constexpr std::size_t mostFramingBytes = 64U << 10U; // of a body that comes in chunks
+constexpr std::size_t mostFramingBytes = 64U << 10U; // of a chunked body
 constexpr std::size_t longestPath = 1024;
 
-/** A thread for each connection, up to a limit: above it, the connection is refused on the listening thread. */
+/** Starts a thread for each connection, up to a limit: further connections are refused on the listening thread. */
 class ConnectionThreads : public httplib::TaskQueue {
 public:
     explicit ConnectionThreads(std::function<void()> refuse) : m_refuse(std::move(refuse)) {}
@@ -51,7 +51,7 @@ private:
                 end();
             }).detach();
             return true;
-        } catch (const std::system_error&) { // no thread can be made
+        } catch (const std::system_error&) { // no thread can be created
             end();
             return false;
         }
@@ -59,7 +59,7 @@ private:
     void end() {
         const std::lock_guard guard(m_mutex);
         --m_count;
-        m_ended.notify_all(); // with the lock held: the object may be gone after it
+        m_ended.notify_all(); // with the lock held: the object may be destroyed afterwards
     }
 
     std::function<void()> m_refuse;
@@ -71,7 +71,7 @@ private:
 class Server : public httplib::Server {
 public:
     explicit Server(HttpHandler& handler) : m_handler(handler) {
-        set_socket_options([](int socket) { // without SO_REUSEPORT: a port has one station
+        set_socket_options([](int socket) { // without SO_REUSEPORT: one station per port
             constexpr int on = 1;
             setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
         });
@@ -148,7 +148,7 @@ private:
         HttpRequest asked;
         asked.method = request.method == "HEAD" ? "GET" : request.method;
         asked.path = request.path;
-        // The library's parameters also have those of a form in the body, such as curl -d declares.
+        // The library's parameters would include those of a form in the body, as curl -d declares.
         httplib::Params query;
         if (const std::size_t begin = request.target.find('?'); begin != std::string::npos)
             httplib::detail::parse_query_text(request.target.substr(begin + 1), query);
@@ -187,7 +187,7 @@ private:
         }
     }
 
-    /** The answer to a request with an address that is too long to be read. */
+    /** Returns the answer to a request with an address that is too long to be read. */
     static std::string asText(const HttpAnswer& answer) {
         std::string text =
             "HTTP/1.1 414 URI Too Long\r\nConnection: close\r\nContent-Type: " + answer.type + "\r\n";
@@ -222,12 +222,12 @@ private:
                 request.headers.erase("Accept-Encoding"); // compression would cost more than the loopback
                 request.headers.erase("Range");
                 request.headers.erase(
-                    "Content-Type"); // the library reads less of a form, as curl declares it
+                    "Content-Type"); // the library has a lower limit for a form, as curl declares it
                 request.ranges.clear();
             };
             const bool isAnswered = process_request(stream, false, isClosed, prepare);
             if (stream.isHeadTooLong() || stream.isBodyTooLong()) {
-                if (!isAnswered) { // not even the address was read
+                if (!isAnswered) { // the address was not read
                     const std::string answer = asText(m_handler.invalid(414));
                     stream.write(answer.data(), answer.size());
                 }
