@@ -56,7 +56,7 @@ const askStation = latest(async (signal) => {
     const before = get('station');
     const station = await getJson('/api/station', {}, signal);
     if (before && before.process !== station.process) {
-      set('frozen', false); // its pictures are gone
+      set('frozen', false); // its pictures are no longer available
       live.restart();
     }
     set('station', station);
@@ -90,11 +90,11 @@ const stream = keepStream(
   (isOpen) => {
     set('online', isOpen);
     if (isOpen) renew();
-    else askStation(); // the answer shows whether it is the token
+    else askStation(); // the answer shows whether the token is the cause
   },
 );
 
-/** Without the right token nothing can be shown: asks for it. */
+/** Asks for the token, without which nothing can be shown. */
 function askToken(error) {
   set('admitted', false);
   const field = el('input', { type: 'password', id: 'token', autocomplete: 'off', 'aria-label': 'Token' });
@@ -114,7 +114,7 @@ function askToken(error) {
     },
     el('p', { text: [error.message, error.advice].filter(Boolean).join('. ') }),
     el('label', {}, 'Token ', field),
-    el('button', { type: 'submit', class: 'primary', text: 'Use it' }),
+    el('button', { type: 'submit', class: 'primary', text: 'Use this token' }),
   );
   if (!byId('token')) notice('token', form);
 }

@@ -2,7 +2,7 @@
 
 const TOKEN = 'station-token';
 
-/** An answer that is an error, or no answer at all (code "unreachable"). */
+/** A failed request: an error of the station, or no answer (code "unreachable"). */
 export class ApiError extends Error {
   /**
    * @param {number} status HTTP status, 0 without an answer
@@ -22,7 +22,7 @@ export class ApiError extends Error {
   }
 }
 
-/** Takes the token out of the address, so that it is in no bookmark and no picture of the screen. */
+/** Removes the token from the address, so that it does not appear in bookmarks and screenshots. */
 export function takeToken() {
   const url = new URL(location.href);
   const token = url.searchParams.get('token');
@@ -32,11 +32,11 @@ export function takeToken() {
   history.replaceState(null, '', url);
 }
 
-/** Keeps a token for this tab. */
+/** Stores a token for this tab. */
 export const setToken = (token) => sessionStorage.setItem(TOKEN, token);
 
 /**
- * An address of the interface with the token in it, for what cannot send headers.
+ * Returns an address of the interface that contains the token, for requests that cannot have headers.
  * @param {string} path
  * @param {Object<string, *>} [query] undefined and null are left out
  */
@@ -84,10 +84,10 @@ export async function request(method, path, { query, json, text, signal } = {}) 
   throw new ApiError(response.status, fields);
 }
 
-/** GET of a JSON document. */
+/** Gets a JSON document. */
 export const getJson = async (path, query, signal) => (await request('GET', path, { query, signal })).json();
 
-/** PUT or POST of a JSON document; returns the answer, or null if it is empty. */
+/** Sends a JSON document by PUT or POST; returns the answer, or null if it is empty. */
 export async function sendJson(method, path, json) {
   const answer = await (await request(method, path, { json })).text();
   return answer ? JSON.parse(answer) : null;
@@ -100,7 +100,7 @@ export const setParameter = (name, value) => sendJson('PUT', `/api/parameters/${
 export const setAll = (settings) => sendJson('POST', '/api/settings', { settings, anyOrder: true });
 
 /**
- * Keeps the stream of changes open, and opens it again whenever it ends.
+ * Opens the stream of changes, and reopens it whenever it ends.
  * @param {string[]} kinds names of the messages
  * @param {function(string, object): void} onMessage
  * @param {function(boolean): void} onState called with true when it is open, false when it is lost
@@ -117,7 +117,7 @@ export function keepStream(kinds, onMessage, onState) {
       wait = 500;
       onState(true);
     };
-    // The browser's own attempts end for good with an answer that is an error, so each attempt is made here.
+    // The browser stops its own attempts after an error of the station, so each attempt is made here.
     source.onerror = () => {
       source.close();
       onState(false);

@@ -1,7 +1,7 @@
-// Small helpers around the document and its texts. Text from the server only ever becomes text nodes.
+// Helpers for the document and its texts. Text from the server is only inserted as text nodes.
 
 /**
- * Makes an element.
+ * Creates an element.
  * @param {string} tag
  * @param {Object<string, *>} [properties] `class`, `text`, `on` (listeners by event), attributes; null and false are
  *   left out.
@@ -12,7 +12,7 @@ export function el(tag, properties = {}, ...children) {
   return fill(document.createElement(tag), properties, children);
 }
 
-/** Makes an SVG element; the arguments are those of el(). */
+/** Creates an SVG element; the arguments are those of el(). */
 export function svg(tag, properties = {}, ...children) {
   return fill(document.createElementNS('http://www.w3.org/2000/svg', tag), properties, children);
 }
@@ -30,14 +30,14 @@ function fill(node, properties, children) {
   return node;
 }
 
-/** Makes a button; the properties are those of el(). */
+/** Creates a button; the properties are those of el(). */
 export const button = (text, onClick, properties = {}) =>
   el('button', { type: 'button', text, ...properties, on: { click: onClick } });
 
-/** The element with this id, which the page always has. */
+/** Returns the element with this id, which must exist. */
 export const byId = (id) => document.getElementById(id);
 
-/** Sets the text of an element only if it differs, so that a selection and a screen reader are left alone. */
+/** Sets the text of an element only if it differs, to keep the selection and avoid repeated announcements. */
 export function setText(node, text) {
   if (node.textContent !== text) node.textContent = text;
 }
@@ -45,13 +45,13 @@ export function setText(node, text) {
 /** Presses or releases a toggle button. */
 export const press = (button, isPressed) => button.setAttribute('aria-pressed', String(isPressed));
 
-/** A message of the station as a sentence; the text of a command stays as it is. */
+/** Converts a message of the station to a sentence; the text of a command is not changed. */
 export const sentence = (text) => text.replace(/^[a-z]/, (letter) => letter.toUpperCase());
 
-/** An event's name without the part that all names of the design begin with. */
+/** Shortens an event's name by the prefix that is common to all names of the design. */
 export const shortEvent = (name) => (name.startsWith('Device') ? name.slice(name.lastIndexOf('_') + 1) : name);
 
-/** A colour of the style sheet as it is in the present theme. */
+/** Returns a colour of the style sheet in the present theme. */
 export const colour = (name) => getComputedStyle(document.documentElement).getPropertyValue(`--${name}`).trim();
 
 /** The colours of the three components, in the order of the server: red, green, blue. */
@@ -62,7 +62,7 @@ export const COMPONENTS = [
 ];
 
 /**
- * Gives a canvas as many pixels as the screen has below it.
+ * Adapts the resolution of a canvas to the pixels of the screen.
  * @returns {{context: CanvasRenderingContext2D, width: number, height: number, ratio: number}} size in CSS pixels;
  *   the context draws in CSS pixels.
  */

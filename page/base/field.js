@@ -1,18 +1,18 @@
-// A number field outside of the list of parameters. What is typed is a draft: only Enter sends it.
+// A number field outside the list of parameters. The input is a draft until Enter sends it.
 
 import { latest } from './pace.js';
 import { isUnsent } from './refusal.js';
 
-/** Keeps what is typed, marked as not sent, until it is sent with Enter or dropped with Escape. */
+/** Keeps the input, marked as not sent, until it is sent with Enter or discarded with Escape. */
 export class Field {
   /**
    * @param {HTMLInputElement} input
    * @param {function(number, function(): void): Promise<Error|null>} send sends the number, shows an error, and returns
-   *   it; the function that it gets sends what is typed then
+   *   it; the function that it gets sends the input at that time
    */
   constructor(input, send) {
     this.input = input;
-    this.known = ''; // as the station said last
+    this.known = ''; // the last known value of the station
     const run = latest(async () => this.finish(await send(Number(this.entered), this.submit)));
     this.submit = () => {
       if (!this.isDraft || input.value === '') return;
@@ -23,13 +23,13 @@ export class Field {
     input.addEventListener('keydown', (event) => this.key(event));
   }
 
-  /** Shows the value of the station, if nothing is typed. */
+  /** Shows the value of the station, unless there is input. */
   show(value) {
     this.known = String(value);
     if (!this.isDraft && this.input.value !== this.known) this.input.value = this.known;
   }
 
-  /** Drops what is typed. */
+  /** Discards the input. */
   drop() {
     this.mark(false);
     this.input.value = this.known;

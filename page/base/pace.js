@@ -1,7 +1,7 @@
-// How often things are done: drawing once for each frame of the screen, requests one at a time.
+// Scheduling: drawing once for each frame of the screen, requests one at a time.
 
 /**
- * Makes a function that calls draw() with the next frame of the screen, and only once if it is called several times before.
+ * Returns a function that calls draw() at the next frame of the screen, once for all calls before it.
  * @param {function(): void} draw
  */
 export function oncePerFrame(draw) {
@@ -17,13 +17,13 @@ export function oncePerFrame(draw) {
 }
 
 /**
- * Makes a function that runs a task, never two at a time. Calls during a run are coalesced into one more run.
- * @param {function(AbortSignal): Promise<void>} task its failures are its own to show.
+ * Returns a function that runs a task, never two at a time. Calls during a run are coalesced into one more run.
+ * @param {function(AbortSignal): Promise<void>} task shows its own errors.
  * @param {{pause?: number, abort?: boolean}} [options] pause: least time between two runs in milliseconds;
- *   abort: a new call makes the result of the running one useless, so its request ends at once.
+ *   abort: a new call aborts the request of the running one, whose result is no longer needed.
  */
 export function latest(task, { pause = 0, abort = false } = {}) {
-  let running = null; // ends the present run; null if none is
+  let running = null; // aborts the present run; null if there is none
   let isAskedAgain = false;
   const runOnce = async () => {
     const begin = performance.now();

@@ -1,4 +1,4 @@
-// The parameters as the station described them last: read once, and again where it says that something changed.
+// The last known descriptions of the parameters: read once, and again after each change that the station reports.
 
 import { getJson } from './api.js';
 import { latest } from './pace.js';
@@ -8,13 +8,13 @@ const listeners = [];
 const stale = new Set();
 let isAllStale = false;
 
-/** A parameter as the station described it last, or undefined. */
+/** Returns the last known description of a parameter, or undefined. */
 export const parameter = (name) => known.get(name);
 
-/** All parameters in the order of the station. */
+/** Returns all parameters in the order of the station. */
 export const parameters = () => [...known.values()];
 
-/** Calls the listener with the parameters that were read again, and with true if they are all there are. */
+/** Calls the listener with the parameters that were read again, and with true if they are all parameters. */
 export const onParameters = (listener) => listeners.push(listener);
 
 const load = latest(
@@ -30,7 +30,7 @@ const load = latest(
       names.forEach((name) => stale.add(name));
       isAllStale ||= isAll;
       if (error.name !== 'ApiError') throw error;
-      return; // the station is away: the page asks again when it is back
+      return; // the station is not reachable: read again after a reconnection
     }
     if (isAll) known.clear();
     for (const entry of answer.parameters) known.set(entry.name, entry);
@@ -46,7 +46,7 @@ export function reload(names) {
   load();
 }
 
-/** Takes over the changes of an answer or a message, and reads their parameters again. */
+/** Applies the changes of an answer or a message, and reads their parameters again. */
 export function takeChanges(changes) {
   const names = (changes ?? []).map((change) => change.name).filter((name) => known.has(name));
   if (names.length) reload(names);

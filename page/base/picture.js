@@ -1,9 +1,9 @@
-// Requests about pictures of the station: one that may be gone meanwhile, and regions {x, y, w, h} in pixels.
+// Requests for pictures that the station may no longer keep, and regions {x, y, w, h} in pixels.
 
 import { get } from './state.js';
 
 /**
- * Asks about a picture, and about the newest one if a live picture is gone already.
+ * Sends a request about a picture; if a live picture is no longer kept, about the newest one.
  * @template T
  * @param {function(number=): Promise<T>} ask called with the number of a picture, or with none for the newest one
  * @param {number} number
@@ -18,10 +18,10 @@ export async function askOrNewest(ask, number) {
   }
 }
 
-/** A region as requests name it. */
+/** Formats a region for a request. */
 export const regionQuery = ({ x, y, w, h }) => `${x},${y},${w},${h}`;
 
-/** The region with two pixels as opposite corners. */
+/** Returns the region with two pixels as opposite corners. */
 export const regionBetween = (a, b) => ({
   x: Math.min(a.x, b.x),
   y: Math.min(a.y, b.y),

@@ -1,4 +1,4 @@
-// The stage without a picture: why there is none, and a button for what helps.
+// The stage without a picture: the reason, and buttons for the remedies.
 
 import { ApiError } from './api.js';
 import { byId, el, sentence, setText } from './dom.js';
@@ -6,12 +6,12 @@ import { takeChanges } from './parameters.js';
 import { errorBox, noticeError } from './refusal.js';
 import { get, maySet } from './state.js';
 
-/** Shows why no picture comes; null: one has come. */
+/** Shows why there is no picture; null: a picture has arrived. */
 export function showTrouble(error) {
   const isPaused = get('acquisition')?.isPaused;
   if (!error) return void (isPaused || hideReason());
   if (error.status === 0)
-    return showReason('Not connected', 'The station does not answer. The page goes on when it is back.');
+    return showReason('Not connected', 'The station does not answer. The page reconnects automatically.');
   if (isPaused) return undefined;
   if (get('frozen')) return setText(byId('view-note'), error.message);
   const title = error.code === 'busy' ? 'Busy' : error.status === 503 ? 'No signal' : 'No picture';
@@ -21,7 +21,7 @@ export function showTrouble(error) {
 let shownReason = '';
 
 /**
- * Shows a box on the stage, with a button and those of the ways out.
+ * Shows a box on the stage, with a button and those of the remedies.
  * @param {string} title
  * @param {string} reason
  * @param {HTMLElement|null} [button]
@@ -30,7 +30,7 @@ let shownReason = '';
 export function showReason(title, reason, button = null, { advice = '', waysOut = [] } = {}) {
   const node = byId('no-signal');
   node.hidden = false;
-  node.classList.toggle('over', Boolean(get('picture'))); // the last picture stays in sight
+  node.classList.toggle('over', Boolean(get('picture'))); // the last picture stays visible
   const key = [title, reason, advice, Boolean(button)].join('\n');
   if (key === shownReason && node.childElementCount) return;
   shownReason = key;
@@ -41,12 +41,12 @@ export function showReason(title, reason, button = null, { advice = '', waysOut 
   );
 }
 
-/** The picture is there. */
+/** Hides the box. */
 export function hideReason() {
   byId('no-signal').hidden = true;
 }
 
-/** Shows in a panel of measurements why it is empty; without a text, the panel itself. */
+/** Shows in a panel of measurements why it is empty; without a text, shows the panel. */
 export function explainPanel(panel, text) {
   if (text) panel.dataset.reason = sentence(text);
   else delete panel.dataset.reason;
@@ -59,6 +59,6 @@ function wayButtons(waysOut) {
     onError: (next) => noticeError('signal', next),
   });
   const buttons = box.querySelector('.ways');
-  buttons.lastChild.remove(); // there is nothing to dismiss
+  buttons.lastChild.remove(); // this box cannot be dismissed
   return buttons;
 }

@@ -1,27 +1,27 @@
-// Errors of the station, with what they are limited by and a button for each way out.
+// Errors of the station, with the limits, their causes, and a button for each remedy.
 
 import { ApiError, setAll } from './api.js';
 import { button, byId, el } from './dom.js';
 
-/** Limits as one line of text, or an empty one. */
+/** Formats limits as one line of text; empty without limits. */
 export function limitText(limit) {
   if (!limit || (limit.minimum === null && limit.maximum === null)) return '';
   const step = limit.step && limit.step !== 1 ? ` in steps of ${limit.step}` : '';
   return `${limit.minimum ?? '…'} to ${limit.maximum ?? '…'}${step}`;
 }
 
-/** The parameters that set a limit, as text. Entries are names, or objects with the name in `parameter`. */
+/** Formats the parameters that set a limit. Entries are names, or objects with the name in `parameter`. */
 export function setByText(setBy) {
   return [...new Set((setBy ?? []).map((entry) => entry.parameter ?? entry.name ?? entry))].join(', ');
 }
 
-/** Whether the station looked at the value of a request and refused it. */
+/** True if the station refused the value of a request. */
 export const isRefusal = ({ status }) => status >= 400 && status < 500 && status !== 401 && status !== 403;
 
-/** Whether a request had no effect as the station was busy or did not answer, so that it can be sent again. */
+/** True if a request had no effect because the station was busy or did not answer, so that it can be sent again. */
 export const isUnsent = (error) => error instanceof ApiError && (error.status === 0 || error.code === 'busy');
 
-/** Makes the box of what did not reach the station; again(): the button to send it again was pressed. */
+/** Creates the box for a request that was not delivered; again() is called to send it again. */
 export function unsentBox(error, { what, again, onClose }) {
   const command = /'.+'/.exec(error.message)?.[0];
   const reason = error.status === 0 ? 'did not answer' : `was busy${command ? ` with ${command}` : ''}`;
@@ -39,15 +39,15 @@ export function unsentBox(error, { what, again, onClose }) {
 }
 
 /**
- * Makes the box of an error.
+ * Creates the box for an error.
  * @param {Error} error
  * @param {{setting?: {name: string, value: *}, onDone?: function(object): void, onClose: function(): void,
  *   onError: function(Error): void}} options
- *   setting: what was refused; onDone: a way out was taken, with the answer; onError: a way out was refused in turn.
+ *   setting: the refused setting; onDone: a remedy was applied, with the answer; onError: a remedy was refused in turn.
  */
 export function errorBox(error, { setting, onDone = () => {}, onClose, onError }) {
   const limits = limitLines(error);
-  // The limit and the buttons may repeat the later clauses of the message: then the first one is enough at first.
+  // Limit and buttons may repeat the later clauses of the message: then only the first clause is shown unfolded.
   const isRepeated = limits.length > 0 || error.waysOut?.length > 0;
   const clauses = (isRepeated && error.clauses) || [error.message];
   return el(
@@ -63,7 +63,7 @@ export function errorBox(error, { setting, onDone = () => {}, onClose, onError }
   );
 }
 
-/** The button that takes a way out; meanwhile it and the buttons beside it take no click. */
+/** Creates the button that applies a remedy; during the request all buttons of the box are disabled. */
 function fixButton({ text, title, settings }, { onDone, onClose, onError }) {
   const take = async ({ target }) => {
     for (const each of target.parentNode.children) each.disabled = true;
@@ -79,13 +79,13 @@ function fixButton({ text, title, settings }, { onDone, onClose, onError }) {
 }
 
 /**
- * Makes the box of a request that failed: the one to send it again if it had no effect, else the box of the error.
+ * Creates the box for a request that failed: one to send it again if it had no effect, else the box for the error.
  * @param {Error} error
  * @param {object} options those of unsentBox() and of errorBox()
  */
 export const failureBox = (error, options) => (isUnsent(error) ? unsentBox(error, options) : errorBox(error, options));
 
-/** What the station advises and accepts, as lines of the box. */
+/** Creates the lines with advice and accepted values. */
 function limitLines(error) {
   if (!(error instanceof ApiError)) return [];
   const lines = [];
@@ -100,29 +100,29 @@ function limitLines(error) {
   return lines;
 }
 
-/** The first clause of the message, then the limits, then the other clauses folded. */
+/** Creates the lines: the first clause of the message, then the limits, then the other clauses folded. */
 function messageLines([first, ...rest], limits) {
   const lines = [...limits];
   if (first) lines.unshift(el('p', { class: 'message', text: first }));
   if (rest.length)
     lines.push(
-      el('details', {}, el('summary', { text: 'All of the answer' }), el('p', { text: `${rest.join('; ')}.` })),
+      el('details', {}, el('summary', { text: 'Full message' }), el('p', { text: `${rest.join('; ')}.` })),
     );
   return lines;
 }
 
-/** The buttons that can set what was refused: the nearest value first, then the ways out of the answer. */
+/** Creates the buttons for the remedies: the nearest value first, then those of the answer. */
 function fixesFor(error, setting) {
   const ways = (error.waysOut ?? []).map((way) => fixFrom(way, setting));
   if (!setting || error.nearest === null || error.nearest === undefined) return ways;
   const settings = [{ name: setting.name, value: error.nearest }];
   const nearest = { text: `Set ${error.nearest}, the nearest`, title: describe(settings), settings };
-  // One of the ways out may be the nearest value too.
+  // One of the remedies may also be the nearest value.
   const same = ways.findIndex((way) => way.settings.length === 1 && way.settings[0].name === setting.name);
   return [nearest, ...ways.filter((way, i) => i !== same)];
 }
 
-/** A way out of the answer, with the refused setting if it only prepares for that. */
+/** Completes a remedy of the answer with the refused setting, if the remedy only prepares for it. */
 function fixFrom({ text, settings = [] }, setting) {
   const isOther = ({ name }) => name !== setting?.name;
   const others = describe(settings.filter(isOther));
@@ -136,7 +136,7 @@ function fixFrom({ text, settings = [] }, setting) {
 
 const describe = (settings) => settings.map(({ name, value }) => `${name}=${value}`).join(' ');
 
-/** Shows a message at the top of the page; a later one with the same key takes its place, null takes it away. */
+/** Shows a message at the top of the page. A later one with the same key replaces it; null removes it. */
 export function notice(key, content) {
   const id = `notice-${key}`;
   byId(id)?.remove();

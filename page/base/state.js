@@ -1,4 +1,4 @@
-// The state that several parts of the page share. Who changes a value uses set(); who shows one uses on().
+// The state that several parts of the page share. Use set() to change a value, on() to observe it.
 
 const values = {
   online: false, // the stream of the station is open
@@ -6,14 +6,14 @@ const values = {
   station: null, // answer of /api/station
   acquisition: null, // answer of /api/acquisition
   activity: null, // time, lines and pictures, from the stream
-  picture: null, // the one shown: {number, tick, width, height, format}
+  picture: null, // the picture that is shown: {number, tick, width, height, format}
   cursor: null, // pixel of the probe: {x, y, isPinned}
   region: null, // selected part of the picture: {x, y, w, h}
   frozen: false,
 };
 const listeners = new Map();
 
-/** The present value of a part of the state. */
+/** Returns the present value of a part of the state. */
 export const get = (name) => values[name];
 
 /** Changes a part of the state and calls its listeners. */
@@ -31,8 +31,8 @@ export function on(names, listener) {
   }
 }
 
-/** Seconds of one tick of the station. */
+/** Returns the duration of a tick of the station in seconds. */
 export const tickSeconds = () => (values.station?.tickNs ?? 8) * 1e-9;
 
-/** Whether this page may change settings of the station. */
+/** True if this page may change settings of the station. */
 export const maySet = () => Boolean(values.station?.maySet);

@@ -2,13 +2,13 @@
 
 import { el } from './dom.js';
 
-/** The head of a table, with a title for each column. */
+/** Creates the head of a table, with a title for each column. */
 export const tableHead = (...titles) =>
   el('thead', {}, el('tr', {}, ...titles.map((text) => el('th', { scope: 'col', text }))));
 
-/** A cell with a number as text. */
+/** Creates a cell with a number as text. */
 export const numberCell = (text) => el('td', { class: 'number', text });
 
-/** The row of one of the COMPONENTS. */
+/** Creates the row of one of the COMPONENTS. */
 export const componentRow = ({ name, colour }, ...cells) =>
   el('tr', {}, el('th', { scope: 'row', class: colour, text: name }), ...cells);

@@ -1,12 +1,12 @@
-// Zooming with the wheel of the mouse.
+// Zooming with the mouse wheel.
 
 import { clamp } from './numbers.js';
 
 /**
- * Calls zoom() when the wheel turns on an element, and keeps the page from scrolling.
+ * Calls zoom() when the wheel turns over an element, and prevents scrolling of the page.
  * @param {HTMLElement} element
- * @param {function(number, WheelEvent): void} zoom gets the factor by which more is to be seen: above 1 for a turn down
- * @param {function(): boolean} isZoomed whether the wheel zooms now
+ * @param {function(number, WheelEvent): void} zoom gets the factor of the visible size, above 1 for a turn down
+ * @param {function(): boolean} isZoomed true if the wheel zooms now
  */
 export function onWheel(element, zoom, isZoomed = () => true) {
   const turn = (event) => {

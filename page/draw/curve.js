@@ -8,7 +8,7 @@ export const LARGEST = 65535;
 const AREA = { left: 46, top: 8, right: 10, bottom: 20 };
 const PARTS = [0, 0.25, 0.5, 0.75, 1];
 
-/** Positions of entries and values on the drawing, and back; size: the number of entries. */
+/** Maps entries and values to positions on the drawing, and back; size: the number of entries. */
 export function curveScale(canvas, size) {
   const width = canvas.clientWidth;
   const height = canvas.clientHeight;
@@ -27,7 +27,7 @@ export function curveScale(canvas, size) {
   };
 }
 
-/** Lines and numbers of both axes. */
+/** Draws grid lines and numbers of both axes. */
 export function drawGrid(at) {
   return PARTS.flatMap((part) => {
     const x = at.x(part * at.last);
@@ -42,17 +42,17 @@ export function drawGrid(at) {
   });
 }
 
-/** The curves of the three tables, each given by all of its entries. */
+/** Draws the curves of the three tables, each given by all its entries. */
 export function drawTables(at, tables) {
   return tables.map((table, i) =>
     svg('path', { class: `curve-line ${COMPONENTS[i].colour}`, d: curvePath(at, table) }),
   );
 }
 
-/** The curve that the station is asked for next. */
+/** Draws the curve that will be sent to the station. */
 export const drawProposal = (at, table) => svg('path', { class: 'curve-line proposed', d: curvePath(at, table) });
 
-/** Entries that share a column of the drawing are a line from the smallest to the largest, so that none is missing. */
+/** Entries that share a column of the drawing become a line over their range, so that none is missing. */
 function curvePath(at, table) {
   const parts = [];
   const add = (x, value) => parts.push(`${x.toFixed(1)} ${at.y(value).toFixed(1)}`);
@@ -66,7 +66,7 @@ function curvePath(at, table) {
   return `M${parts.join('L')}`;
 }
 
-/** All entries of straight lines between points. */
+/** Returns all entries of straight lines between points. */
 export function polyline(points, size) {
   const table = new Array(size);
   points.slice(1).forEach(([end, to], i) => {
@@ -77,8 +77,8 @@ export function polyline(points, size) {
 }
 
 /**
- * A table after one of its handles has moved. The pieces beside the handle move with it and keep their shape; all
- * other entries stay.
+ * Returns the table after a handle has moved. The pieces beside the handle move with it and keep their shape; all
+ * other entries are unchanged.
  * @param {number[]} table
  * @param {{begin: number, end: number, from: number, to: number, rise: number}} move entries of the handles before and
  *   after the moved one, its entry before and now, and the change of its value
@@ -86,7 +86,7 @@ export function polyline(points, size) {
 export function bend(table, { begin, end, from, to, rise }) {
   const bent = table.slice();
   for (let k = begin; k <= end; k++) {
-    // 0 at the neighbour and 1 at the handle, which may be the first or the last entry and have only one.
+    // 0 at the neighbour and 1 at the handle. The first and the last entry have only one neighbour.
     const isBefore = k < to || to === end;
     const share = isBefore ? (k - begin) / (to - begin) : (end - k) / (end - to);
     const source = isBefore ? begin + share * (from - begin) : end - share * (end - from);
@@ -97,7 +97,7 @@ export function bend(table, { begin, end, from, to, rise }) {
   return bent;
 }
 
-/** The points that straight lines between make exactly this table. */
+/** Returns the points of straight lines that give exactly this table. */
 export function pointsOf(table) {
   const isNeeded = (value, i) => value - table[i - 1] !== table[i + 1] - value;
   return table.flatMap((value, i) => (isNeeded(value, i) ? [[i, value]] : []));

@@ -1,4 +1,4 @@
-// The lanes of the timeline: their texts, and how they are drawn.
+// The lanes of the timeline: texts and drawing.
 
 import { colour, shortEvent } from '../base/dom.js';
 import { duration, grouped } from '../base/numbers.js';
@@ -6,7 +6,7 @@ import { duration, grouped } from '../base/numbers.js';
 /** Height of a lane in CSS pixels. */
 export const LANE = 24;
 
-/** Period of a signal from its rising edges, in ticks: {mean, min, max, count}, or null with less than two of them. */
+/** Returns the period of a signal from its rising edges, in ticks: {mean, min, max, count}; null for less than two. */
 function period(edges) {
   const rises = edges.filter(([, level]) => level).map(([tick]) => tick);
   if (rises.length < 2) return null;
@@ -19,13 +19,13 @@ function period(edges) {
   };
 }
 
-/** The part from..to of an answer of /api/timeline. */
+/** Returns the part from..to of an answer of /api/timeline. */
 export function partOf(answer, from, to) {
   const isInside = (tick) => tick >= from && tick <= to;
   const signals = answer.signals.map((signal) => {
     const before = signal.edges.filter(([tick]) => tick < from).at(-1);
     const edges = signal.edges.filter(([tick]) => isInside(tick));
-    // Where the older edges were left out, the part is cut only if it begins among them.
+    // Older edges may be left out. The part is cut only if it begins before the first one that is there.
     const isCut = signal.isCut && !before;
     return { ...signal, edges, isCut, startsHigh: before ? before[1] === 1 : signal.startsHigh };
   });
@@ -40,10 +40,10 @@ export function partOf(answer, from, to) {
 }
 
 /**
- * The lanes of an answer of /api/timeline: images, signals, events.
+ * Returns the lanes for an answer of /api/timeline: images, signals, events.
  * @param {object} answer
  * @param {Set<string>} seen signals with a lane; those with edges are added
- * @param {Set<string>} seenEvents the same of events
+ * @param {Set<string>} seenEvents the same for events
  */
 export function makeLanes({ signals, images, events, areEventsCut, tickNs }, seen, seenEvents) {
   for (const { name, edges } of signals) if (edges.length) seen.add(name);
@@ -88,7 +88,7 @@ export function paintLane(context, lane, top, scale) {
   paint(context, lane, top, scale);
 }
 
-/** A signal as its waveform. Pulses that are too narrow to show their width are a line each. */
+/** Draws a signal as its waveform. Pulses too narrow to show their width become a line each. */
 function paintLevel(context, { edges, startsHigh }, top, scale) {
   const high = top + 5.5;
   const low = top + LANE - 4.5;

@@ -5,7 +5,7 @@ import { clamp } from '../base/numbers.js';
 
 const FONT = '11px system-ui, sans-serif';
 
-/** Round numbers from..to, about as many as asked for. */
+/** Returns round numbers from..to, about as many as requested. */
 export function ticks(from, to, count) {
   const span = to - from;
   if (!(span > 0)) return [from];
@@ -17,7 +17,7 @@ export function ticks(from, to, count) {
   return found;
 }
 
-/** Where curves of several colours coincide they add up to grey, so that none hides another. */
+/** Makes coinciding curves of several colours add up to grey, so that none hides another. */
 function mix(context) {
   context.globalCompositeOperation = matchMedia('(prefers-color-scheme: dark)').matches ? 'screen' : 'multiply';
 }
@@ -37,7 +37,7 @@ export class Plot {
     context.lineJoin = 'round';
   }
 
-  /** Position of a value on the canvas. */
+  /** Returns the position of a value on the canvas. */
   x(value) {
     const [from, to] = this.xRange;
     return this.area.left + ((value - from) / (to - from)) * (this.area.right - this.area.left);
@@ -78,8 +78,8 @@ export class Plot {
   }
 
   /**
-   * Draws values at x = 0, 1, 2, ... Where several share a column of the canvas, all from the smallest to the largest
-   * are covered, so that no peak is missing.
+   * Draws values at x = 0, 1, 2, ... If several share a column of the canvas, it covers the range from the smallest to
+   * the largest, so that no peak is missing.
    */
   curve(values, style, { offset = 0, width = 1.2, alpha = 1 } = {}) {
     const { context } = this;
@@ -108,7 +108,7 @@ export class Plot {
     }
   }
 
-  /** A filled area below values. */
+  /** Draws a filled area below values. */
   fill(values, style, alpha) {
     const { context } = this;
     context.save();
@@ -126,7 +126,7 @@ export class Plot {
     context.restore();
   }
 
-  /** Calls draw(); what it draws outside of the axes is not shown. */
+  /** Calls draw(), clipped to the area of the axes. */
   clipped(draw) {
     const { left, top, right, bottom } = this.area;
     this.context.save();
@@ -137,7 +137,7 @@ export class Plot {
     this.context.restore();
   }
 
-  /** A vertical mark at a value. */
+  /** Draws a vertical mark at a value. */
   mark(value, style = colour('accent')) {
     const x = Math.round(this.x(value)) + 0.5;
     this.context.strokeStyle = style;

@@ -10,10 +10,10 @@ import { get, maySet, on } from '../base/state.js';
 import { componentRow, numberCell, tableHead } from '../base/table.js';
 
 const FACTORS = ['FG_SCALINGFACTOR_RED', 'FG_SCALINGFACTOR_GREEN', 'FG_SCALINGFACTOR_BLUE'];
-const CLIPPED = 0.001; // share from which means are no longer those of the scene
+const CLIPPED = 0.001; // share of clipped pixels from which the means are estimates
 
 const BLACK = 'One colour is black in this region, so no factor makes it grey. Select a bright, grey region.';
-const CURVED = 'The lookup table is on and acts after the factors, so they are an estimate. Repeat it to come closer.';
+const CURVED = 'The lookup table is on and acts after the factors, so they are an estimate. Repeat it to improve them.';
 
 /** Connects the button. It needs a region. */
 export function startBalance() {
@@ -25,9 +25,9 @@ export function startBalance() {
 }
 
 /**
- * New factors that make all means of a region equal; the smallest factor is 1.
+ * Computes factors that make all means of a region equal; the smallest factor is 1.
  * @param {number[]} means of red, green, blue
- * @param {number[]} factors the present ones
+ * @param {number[]} factors the present factors
  * @param {{minimum: number, maximum: number, step: number}} limits
  */
 function balanced(means, factors, limits) {
@@ -37,7 +37,7 @@ function balanced(means, factors, limits) {
   return raw.map((factor) => Math.min(limits?.maximum ?? Infinity, Math.round(factor / step) * step));
 }
 
-/** Opens the dialog with new factors, or with the reason why there are none. */
+/** Opens the dialog with new factors, or with the reason for their absence. */
 async function propose() {
   const levels = await regionLevels();
   const present = FACTORS.map((name) => parameter(name)?.value ?? 1);
@@ -52,22 +52,22 @@ async function propose() {
   );
 }
 
-/** The histogram of the region, with its means. */
+/** Requests the histogram of the region, with its means. */
 const regionLevels = () =>
   getJson('/api/histogram', {
     region: regionQuery(get('region')),
     picture: get('frozen') ? get('picture').number : undefined,
   });
 
-/** Whether no factor can make the means equal. */
+/** True if no factors can make the means equal. */
 const isBlack = ({ mean }, factors) => mean.some((value) => value <= 0) || factors.some((factor) => factor <= 0);
 
-/** Why the means are not exactly those of the scene: one text or none. */
+/** Returns warnings if the means are not exactly those of the scene: one text or none. */
 function doubts({ clippedHigh, clippedLow }) {
   const share = Math.max(...clippedHigh, ...clippedLow);
   if (share > CLIPPED)
     return [
-      `Up to ${percent(share)} of a colour is clipped, so the factors are an estimate. Less exposure gives better ones.`,
+      `Up to ${percent(share)} of a colour is clipped, so the factors are an estimate. Reduce the exposure.`,
     ];
   return parameter('FG_LUT_ENABLE')?.value === 1 ? [CURVED] : [];
 }
@@ -76,7 +76,7 @@ function doubts({ clippedHigh, clippedLow }) {
  * Shows the dialog.
  * @param {{count: number, picture: number, isEstimate: boolean}} levels
  * @param {Node[]} content
- * @param {HTMLElement[]} [ways] buttons before the one that closes it
+ * @param {HTMLElement[]} [ways] buttons before the one that closes the dialog
  */
 function openDialog({ count, picture, isEstimate }, content, ways = []) {
   const dialog = byId('balance-dialog');
@@ -93,7 +93,7 @@ function openDialog({ count, picture, isEstimate }, content, ways = []) {
 
 const warning = (text) => el('p', { class: 'warning', text });
 
-/** A row for each colour, with its mean and both factors. */
+/** Creates a table with a row for each colour: its mean and both factors. */
 function factorTable(means, present, proposed) {
   const rows = COMPONENTS.map((component, i) => {
     const texts = [decimal(means[i], 1), decimal(present[i], 4), decimal(proposed[i], 4)];
@@ -102,7 +102,7 @@ function factorTable(means, present, proposed) {
   return el('table', { class: 'figures' }, tableHead('', 'Mean', 'Factor now', 'New factor'), el('tbody', {}, ...rows));
 }
 
-/** Sets the factors, and closes the dialog or shows there why they are not set. */
+/** Sets the factors. Closes the dialog, or shows in it why they are not set. */
 async function write(factors, trouble) {
   const dialog = byId('balance-dialog');
   const done = (answer) => {

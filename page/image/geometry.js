@@ -1,4 +1,4 @@
-// Where the pixels of a picture are on the screen.
+// Mapping between pixels of a picture and the screen.
 
 import { clamp } from '../base/numbers.js';
 
@@ -7,13 +7,13 @@ export class Geometry {
   constructor() {
     this.isFit = true;
     this.scale = 1;
-    this.x = 0; // position in the picture that is in the middle of the stage
+    this.x = 0; // position in the picture of the middle of the stage
     this.y = 0;
     this.picture = { width: 0, height: 0 };
     this.stage = { width: 0, height: 0, ratio: 1 };
   }
 
-  /** Takes over new sizes. Returns whether anything differs. */
+  /** Sets new sizes. Returns true if anything has changed. */
   resize(picture, stage) {
     const isSame =
       picture.width === this.picture.width &&
@@ -28,7 +28,7 @@ export class Geometry {
     return !isSame;
   }
 
-  /** The whole picture. Small pictures are magnified by whole numbers only. */
+  /** Shows the whole picture. Small pictures are magnified by whole numbers only. */
   fit() {
     this.isFit = true;
     const { width, height, ratio } = this.stage;
@@ -38,7 +38,7 @@ export class Geometry {
     this.y = this.picture.height / 2;
   }
 
-  /** Changes the scale so that the position below the screen point stays below it. */
+  /** Changes the scale; the position below the screen point is fixed. */
   zoom(scale, at = { x: this.stage.width / 2, y: this.stage.height / 2 }) {
     const before = this.toPicture(at);
     this.isFit = false;
@@ -73,7 +73,7 @@ export class Geometry {
     }
   }
 
-  /** Position in the picture below a screen point; fractions count within a pixel. */
+  /** Returns the position in the picture below a screen point, with fractions of a pixel. */
   toPicture({ x, y }) {
     return {
       x: this.x + (x - this.stage.width / 2) / this.scale,
@@ -81,7 +81,7 @@ export class Geometry {
     };
   }
 
-  /** Screen point of a position in the picture. */
+  /** Returns the screen point of a position in the picture. */
   toScreen({ x, y }) {
     return {
       x: (x - this.x) * this.scale + this.stage.width / 2,
@@ -89,7 +89,7 @@ export class Geometry {
     };
   }
 
-  /** The pixel below a screen point, or null outside the picture. */
+  /** Returns the pixel below a screen point, or null outside the picture. */
   pixelAt(point) {
     const position = this.toPicture(point);
     const pixel = { x: Math.floor(position.x), y: Math.floor(position.y) };
@@ -97,7 +97,7 @@ export class Geometry {
     return isInside ? pixel : null;
   }
 
-  /** The pixel of the picture that is next to a screen point. */
+  /** Returns the pixel of the picture that is nearest to a screen point. */
   nearestPixel(point) {
     const position = this.toPicture(point);
     return {
@@ -106,7 +106,7 @@ export class Geometry {
     };
   }
 
-  /** The part of the picture that the stage shows, in whole pixels. */
+  /** Returns the part of the picture that the stage shows, in whole pixels. */
   visible() {
     const from = this.toPicture({ x: 0, y: 0 });
     const to = this.toPicture({ x: this.stage.width, y: this.stage.height });
@@ -120,7 +120,7 @@ export class Geometry {
     };
   }
 
-  /** Pixels of the screen itself for each pixel of the picture. */
+  /** Returns the number of device pixels per pixel of the picture. */
   magnification() {
     return this.scale * this.stage.ratio;
   }

@@ -1,4 +1,4 @@
-// Freeze: the picture stays. Compare: a reference on the left of a divider, the live picture on the right.
+// Freeze holds the picture. Compare shows a reference left of a divider, and the live picture right of it.
 
 import { byId, press, setText } from '../base/dom.js';
 import { grouped } from '../base/numbers.js';
@@ -7,7 +7,7 @@ import { noticeError } from '../base/refusal.js';
 import { get, on, set } from '../base/state.js';
 import { fetchFrame } from './live.js';
 
-const EXACT = 4e6; // pixels up to which a reference is kept without loss
+const EXACT = 4e6; // pixels up to which a reference is lossless
 const LONGEST = 8192; // largest width and height of a reference
 
 /**
@@ -53,7 +53,7 @@ function startCompare(view, freeze) {
   );
 }
 
-/** Compares with a reference, or ends that. */
+/** Starts or ends the comparison with a reference. */
 function showReference(view, reference) {
   view.compareWith(reference);
   press(byId('compare'), Boolean(reference));
@@ -61,7 +61,7 @@ function showReference(view, reference) {
   if (reference) setText(byId('compare-left'), `reference ${grouped(reference.number)}`);
 }
 
-/** Fetches the whole picture, because the station will not keep it; if it is gone already, the newest one. */
+/** Fetches the whole picture, since the station will not keep it; if it is no longer kept, the newest one. */
 function fetchReference({ number, width, height }) {
   const size =
     width * height <= EXACT ? { format: 'png' } : { format: 'jpeg', quality: 95, fit: `${LONGEST}x${LONGEST}` };

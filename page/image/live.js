@@ -5,7 +5,7 @@ import { shown, sleep } from '../base/pace.js';
 import { get, set } from '../base/state.js';
 
 /**
- * A picture as it came.
+ * A received picture.
  * @typedef {{number: number, tick: number, width: number, height: number, format: string,
  *   bitmap: ImageBitmap, region: {x: number, y: number, w: number, h: number}}} Frame
  *   width and height are those of the whole picture, region is the part of it that the bitmap shows.
@@ -15,7 +15,7 @@ import { get, set } from '../base/state.js';
  * Fetches a part of a picture.
  * @param {object} query of /api/frame
  * @param {AbortSignal} [signal]
- * @returns {Promise<Frame|null>} null if no newer picture came in time
+ * @returns {Promise<Frame|null>} null if no newer picture arrived in time
  */
 export async function fetchFrame(query, signal) {
   const response = await request('GET', '/api/frame', { query, signal });
@@ -36,14 +36,14 @@ export async function fetchFrame(query, signal) {
   };
 }
 
-/** Follows the station picture by picture, holds while frozen or hidden, and waits while there is no signal. */
+/** Fetches the pictures of the station; pauses while frozen or hidden, and waits while there is no signal. */
 export class Live {
   /**
    * @param {{wanted: function(): object|null, onFrame: function(Frame): void,
    *   onTrouble: function(ApiError|null): void, onMisfit: function(): void}} options
-   *   wanted: part and size of the next picture as query of /api/frame, null while there is no room for one;
-   *   onTrouble: why no picture comes, null when one has come;
-   *   onMisfit: the picture has no such part.
+   *   wanted: part and size of the next picture as query of /api/frame, null while there is no space for one;
+   *   onTrouble: why there is no picture, null when one has arrived;
+   *   onMisfit: the part is not within the picture.
    */
   constructor(options) {
     this.options = options;
@@ -54,19 +54,19 @@ export class Live {
     this.run();
   }
 
-  /** Another part or size is wanted: the request on its way ends, and the same picture is fetched again. */
+  /** Call this when another part or size is wanted: aborts the present request and fetches the same picture again. */
   refresh() {
     this.isStale = true;
     this.controller.abort();
   }
 
-  /** The station counts its pictures again. */
+  /** Call this when the station counts its pictures from the beginning again. */
   restart() {
     this.number = 0;
     this.refresh();
   }
 
-  /** Pictures a second that were shown lately. */
+  /** Returns the number of pictures per second that were shown recently. */
   shownRate() {
     const now = performance.now();
     this.rates = this.rates.filter((time) => now - time < 2000);
@@ -91,7 +91,7 @@ export class Live {
     this.isStale = false;
     try {
       const frame = await fetchFrame({ ...which, ...wanted }, signal);
-      if (frame && !signal.aborted) this.show(frame); // one that was decoded meanwhile would replace a frozen picture
+      if (frame && !signal.aborted) this.show(frame); // an aborted one would replace a frozen picture
       await new Promise(requestAnimationFrame);
     } catch (error) {
       if (error.name === 'AbortError') return;
@@ -101,7 +101,7 @@ export class Live {
     }
   }
 
-  /** The picture to fetch: the one that is frozen, the shown one again if it is stale, or a newer one. */
+  /** Returns the picture to fetch: the frozen one, the shown one again if it is stale, or a newer one. */
   which() {
     if (get('frozen') && this.number) return { picture: this.number };
     return { after: this.isStale ? Math.max(0, this.number - 1) : this.number, timeout: 2000 };

@@ -1,4 +1,4 @@
-// The values of one pixel, asked from the station: never read from the picture on the screen.
+// The values of one pixel, requested from the station and not read from the picture on the screen.
 
 import { ApiError, getJson } from '../base/api.js';
 import { byId, COMPONENTS, setText } from '../base/dom.js';
@@ -9,7 +9,7 @@ import { get, on } from '../base/state.js';
 
 let shown = null; // the answer that is shown
 
-/** Shows the pixel of the cursor below the image, and again for each new picture while it is held. */
+/** Shows the values of the pixel at the cursor below the image, and updates them with each picture. */
 export function startProbe() {
   const ask = latest(showPixel, { pause: 60, abort: false });
   on('cursor', showPosition);
@@ -17,7 +17,7 @@ export function startProbe() {
   on('region picture', showRegion);
 }
 
-/** The position is shown at once; the values of another pixel do not stay beside it. */
+/** Shows the position at once, and removes the values of another pixel. */
 function showPosition(cursor) {
   setText(byId('probe-position'), cursor ? `x ${cursor.x}  y ${cursor.y}` : 'no pixel selected');
   if (!cursor || cursor.x !== shown?.x || cursor.y !== shown?.y) clearValues('');

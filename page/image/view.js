@@ -14,7 +14,7 @@ const NUDGE = 3; // CSS pixels that a click may move
 
 const pointOf = (event) => ({ x: event.offsetX, y: event.offsetY });
 
-/** Cuts the region to a picture of another size, and tells about it if the region has changed. */
+/** Cuts the region to a picture of another size, and shows a notice if the region has changed. */
 function cutRegion({ width, height }) {
   const region = get('region');
   if (!region) return;
@@ -23,11 +23,11 @@ function cutRegion({ width, height }) {
   if (w === region.w && h === region.h) return;
   const isLeft = w > 0 && h > 0;
   set('region', isLeft ? { ...region, w, h } : null);
-  const what = isLeft ? `cut to ${w} × ${h}` : 'removed, as it lies outside';
+  const what = isLeft ? `cut to ${w} × ${h}` : 'removed, because it is outside';
   noticeDone('region', `The picture has ${width} × ${height} pixels now: the region is ${what}.`);
 }
 
-/** Shows frames on a canvas, and lets pointer and keys move through them. */
+/** Shows frames on a canvas, with zoom and pan by pointer and keys. */
 export class View {
   /**
    * @param {HTMLCanvasElement} canvas
@@ -51,14 +51,14 @@ export class View {
     matchMedia('(prefers-color-scheme: dark)').addEventListener('change', this.draw);
   }
 
-  /** Part and size that the stage shows now, as query of /api/frame. */
+  /** Returns part and size that the stage shows now, as query of /api/frame. */
   wanted() {
     const ratio = window.devicePixelRatio || 1;
     const width = Math.round(this.canvas.clientWidth * ratio);
     const height = Math.round(this.canvas.clientHeight * ratio);
     if (!width || !height) return null;
     const magnification = this.geometry.magnification();
-    const isExact = this.geometry.picture.width > 0 && magnification >= 1; // single pixels can be seen
+    const isExact = this.geometry.picture.width > 0 && magnification >= 1; // single pixels are visible
     const kind = isExact ? { format: 'png' } : { format: 'jpeg', quality: 88 };
     if (this.geometry.isFit || !this.geometry.picture.width) return { fit: `${width}x${height}`, ...kind };
     const visible = this.geometry.visible();
@@ -94,7 +94,7 @@ export class View {
     if (this.geometry.resize(frame, { width, height, ratio })) this.moved();
   }
 
-  /** Compares with a frame from here on, or with nothing. */
+  /** Sets the frame to compare with; null ends the comparison. */
   compareWith(frame) {
     this.reference?.bitmap.close();
     this.reference = frame;
@@ -106,7 +106,7 @@ export class View {
     this.moved();
   }
 
-  /** Sets the scale in pixels of the screen for each pixel of the picture; the pixel of the probe stays where it is. */
+  /** Sets the scale in pixels of the screen per pixel of the picture; the pixel of the probe keeps its position. */
   setMagnification(magnification, at) {
     const cursor = get('cursor');
     const anchor =
@@ -115,7 +115,7 @@ export class View {
     this.moved();
   }
 
-  /** Goes to the next step of 2^n above or below the present scale. */
+  /** Changes the scale to the next power of 2 above or below. */
   step(direction, at) {
     const exponent = Math.log2(this.geometry.magnification());
     const next = direction > 0 ? Math.floor(exponent + 1.001) : Math.ceil(exponent - 1.001);
@@ -223,7 +223,7 @@ export class View {
     );
   }
 
-  /** Whether the pointer has a picture to work on. */
+  /** True if there is a picture below the pointer. */
   isActive() {
     return Boolean(this.part) && !this.isPaused;
   }
@@ -262,7 +262,7 @@ export class View {
     set('cursor', this.geometry.pixelAt(at));
   }
 
-  /** Holds the probe at a pixel; the same pixel again, or none, lets it go. */
+  /** Holds the probe at a pixel; the same pixel again, or none, releases it. */
   pin(pixel) {
     const before = get('cursor');
     const isSame = before?.isPinned && pixel && before.x === pixel.x && before.y === pixel.y;
@@ -273,7 +273,7 @@ export class View {
     set('region', regionBetween(this.geometry.nearestPixel(from), this.geometry.nearestPixel(to)));
   }
 
-  /** Moves the probe by pixels and keeps it in sight. Without a probe it starts in the middle. */
+  /** Moves the probe by pixels and keeps it visible. Without a probe, starts in the middle. */
   moveProbe(dx, dy) {
     const { width, height } = this.geometry.picture;
     if (!width) return;

@@ -1,4 +1,4 @@
-// The lines of all pictures as one band that moves up, as the belt does.
+// The lines of all pictures as one band that moves up.
 
 import { colour, sizeCanvas } from '../base/dom.js';
 import { clamp, counted, grouped } from '../base/numbers.js';
@@ -18,7 +18,7 @@ export class Waterfall {
     this.step = oncePerFrame(() => this.advance());
   }
 
-  /** Starts with an empty band, or ends. */
+  /** Starts with an empty band, or stops. */
   setOn(isOn) {
     this.isOn = isOn;
     this.last = 0;
@@ -26,7 +26,7 @@ export class Waterfall {
     this.band.width = 0;
   }
 
-  /** Size in which pictures are wanted: as wide as the stage, at any height. */
+  /** Returns the requested size of pictures: as wide as the stage, at any height. */
   wanted() {
     const width = Math.round(this.canvas.clientWidth * (window.devicePixelRatio || 1));
     return width ? { fit: `${width}x100000`, format: 'jpeg', quality: 85 } : null;
@@ -42,7 +42,7 @@ export class Waterfall {
     return this.step();
   }
 
-  /** Moves so many of the waiting lines into the band that all are there before the next picture comes. */
+  /** Moves some of the pending lines to the band, so many that all are in it before the next picture arrives. */
   advance() {
     if (!this.isOn) return;
     const next = this.pending[0];
@@ -90,7 +90,7 @@ export class Waterfall {
     if (this.band.width) context.drawImage(this.band, 0, 0, width, height);
   }
 
-  /** One sentence on what is missing in the band. */
+  /** Returns a sentence about pictures that are missing in the band. */
   note() {
     return this.label ?? '';
   }

@@ -1,4 +1,4 @@
-// The bar at the top: the state of the station, its readings, and the acquisition.
+// The bar at the top: state and readings of the station, start and stop of the acquisition.
 
 import { ApiError, getJson, sendJson } from '../base/api.js';
 import { button, byId, setText } from '../base/dom.js';
@@ -8,9 +8,9 @@ import { hideReason, showReason } from '../base/reason.js';
 import { notice, noticeError } from '../base/refusal.js';
 import { get, maySet, on, set, tickSeconds } from '../base/state.js';
 
-const ASKED = 1000; // milliseconds between two questions for the state of the acquisition
+const ASKED = 1000; // milliseconds between two requests for the state of the acquisition
 
-/** Asks for the state of the acquisition, if the station has one. */
+/** Requests the state of the acquisition, if the station has one. */
 const askAcquisition = latest(async (signal) => {
   try {
     set('acquisition', get('station')?.hasPictures ? await getJson('/api/acquisition', {}, signal) : null);
@@ -46,14 +46,14 @@ function showState(shownRate) {
   showReasonOfState();
 }
 
-/** Whether the station has no signal. Nothing is asked for while the picture is frozen. */
+/** True if the station has no signal. There are no requests while the picture is frozen. */
 const isLost = () => get('acquisition')?.signal?.state === 'none' && !get('frozen');
 
-/** The state as its kind, which gives the colour, and a word. */
+/** Returns the kind of the state, which determines the colour, and its text. */
 function stateAndWord() {
   const acquisition = get('acquisition');
   if (!get('admitted')) return ['none', 'not admitted'];
-  if (!get('online')) return ['lost', 'not reachable, trying again'];
+  if (!get('online')) return ['lost', 'not reachable, reconnecting'];
   if (!acquisition) return ['wait', get('station')?.noPictures ? 'no pictures' : 'connecting'];
   if (acquisition.isPaused) return ['idle', 'stopped'];
   if (isLost()) return ['none', 'no signal'];
@@ -84,7 +84,7 @@ function showReadings(shownRate) {
   setText(byId('reading-shown'), isKnown && hasPictures ? `${decimal(shownRate(), 1)} pictures/s` : '–');
 }
 
-/** Shows on the stage why no picture comes. */
+/** Shows on the stage why there are no pictures. */
 function showReasonOfState() {
   const acquisition = get('acquisition');
   const noPictures = get('station')?.noPictures;
@@ -96,7 +96,7 @@ function showReasonOfState() {
 
 const activities = []; // of the last seconds
 
-/** Takes what the stream says of time, lines and pictures. */
+/** Handles a message of the stream about time, lines and pictures. */
 export function takeActivity(activity) {
   if (activity.tick < activities.at(-1)?.tick) activities.length = 0; // another process
   activities.push(activity);
@@ -104,7 +104,7 @@ export function takeActivity(activity) {
   set('activity', activity);
 }
 
-/** Lines of the source in a second of the station's time. */
+/** Computes the line rate of the source, in the station's time. */
 function lineRate() {
   const from = activities[0];
   const to = activities.at(-1);

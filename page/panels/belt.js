@@ -7,9 +7,9 @@ import { decimal } from '../base/numbers.js';
 import { failureBox, isUnsent, noticeDone } from '../base/refusal.js';
 import { get, maySet, on } from '../base/state.js';
 
-const FASTEST = 3000; // mm/s, of the slider; the field takes more
+const FASTEST = 3000; // mm/s, limit of the slider; the field accepts more
 
-/** Builds the panel; its tab is there only if the station has a belt. */
+/** Builds the panel; its tab is visible only if the station has a belt. */
 export function startBelt() {
   const belt = new Belt();
   const panel = byId('panel-belt');
@@ -18,7 +18,7 @@ export function startBelt() {
   panel.addEventListener('shown', () => belt.load());
 }
 
-/** A control with its label before it and its unit after it. */
+/** Creates a control with its label and unit. */
 const labelled = (label, unit, control) =>
   el('label', { class: 'field' }, el('span', { text: label }), control, el('span', { class: 'unit', text: unit }));
 
@@ -50,7 +50,7 @@ class Belt {
     return new Field(input, (speed, again) => this.move(speed, again));
   }
 
-  /** The slider shows in the field what it will send when it is let go. */
+  /** Creates the slider. While it is dragged, the field shows the value that its release sends. */
   speedSlider() {
     const slider = el('input', {
       type: 'range',
@@ -74,7 +74,7 @@ class Belt {
     return choice;
   }
 
-  /** A number field for a property of the scene. text: what a notice says before the number. */
+  /** Creates a number field for a property of the scene. text: text of the notice before the number. */
   sceneField(property, { label, step, unit, text }) {
     const input = el('input', {
       type: 'number',
@@ -96,7 +96,7 @@ class Belt {
       labelled('Scene', '', this.scene),
       labelled('Pixel', 'µm', this.pixel.input),
       labelled('Noise', '% of white', this.noise.input),
-      el('p', { class: 'hint warning', text: 'Not sent: Enter in the field sends it.' }),
+      el('p', { class: 'hint warning', text: 'Not sent: press Enter in the field to send.' }),
       el('p', {
         class: 'muted',
         text: 'Encoder, light barrier and scene follow the belt. A negative speed runs backwards.',
@@ -113,7 +113,7 @@ class Belt {
     return this.send('/api/scene', { [property]: value }, text, again);
   }
 
-  /** Sends a setting, and returns the error that it shows, or null. again(): sends what is entered then. */
+  /** Sends a setting; shows and returns an error, or returns null. again(): sends the input at that time. */
   async send(path, json, text, again = () => this.send(path, json, text)) {
     this.trouble.replaceChildren();
     let failure = null;
@@ -141,7 +141,7 @@ class Belt {
     );
   }
 
-  /** Reads belt and scene, and shows those that the station has. */
+  /** Reads belt and scene, and shows those that exist. */
   async load() {
     const [belt, scene] = await Promise.all(['/api/belt', '/api/scene'].map((path) => getJson(path).catch(() => null)));
     byId('tab-belt').hidden = !belt && !scene;

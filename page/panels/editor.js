@@ -1,38 +1,38 @@
-// The editor of a parameter's value, which depends on the kind of the parameter. The page knows four: a field, a choice,
-// a button for a parameter with one entry, and a plain output for what this page may not set.
+// The editor of a parameter's value. It depends on the kind of the parameter: a field, a choice, a button for a parameter
+// with one entry, or an output for a parameter that this page may not set.
 
 import { button, el, setText } from '../base/dom.js';
 import { maySet } from '../base/state.js';
 
-/** Whether the parameter has a value that can be set in its present state. */
+/** True if the parameter can be set in its present state. */
 export const isWritable = ({ access }) => access === 'readwrite' || access === 'write';
 
-/** Whether setting the only entry of the parameter triggers something. */
+/** True if setting the only entry of the parameter triggers an action. */
 export const isAction = (entry) => entry.entries?.length === 1 && isWritable(entry);
 
-/** What the editor depends on: another one has to be made if this differs. */
+/** A key of everything that the editor depends on; if the key changes, a new editor is needed. */
 export function editorKind(entry) {
   const names = entry.entries?.map(({ name }) => name).join() ?? '';
   return `${entry.type} ${isWritable(entry) && maySet()} ${names}`;
 }
 
-/** The value of the station as the text of an editor. */
+/** Returns the value of the station as the text of an editor. */
 export const presentText = (entry) => (entry.entries ? String(entry.value) : valueText(entry));
 
-/** Numbers that a script cannot hold exactly are shown as the station wrote them. */
+/** Numbers that JavaScript cannot represent exactly are shown as text from the station. */
 function valueText({ type, value, shown, readEffect }) {
   if (value === null || value === undefined) return readEffect ? 'not read' : type === 'text' ? '' : '–';
   return Number.isInteger(value) && !Number.isSafeInteger(value) ? shown : String(value);
 }
 
-/** The value of an editor's text. The station refuses a text that is not a number. */
+/** Returns the value of an editor's text. The station refuses a text that is not a number. */
 export function valueOf({ type, entries }, text) {
   if (entries) return entries.find(({ value }) => String(value) === text).value;
   return type === 'text' ? text : numberOrText(text.trim());
 }
 
 function numberOrText(text) {
-  // A comma may be a decimal one; "1,024" may also be a thousand, so the station gets the text, and refuses it.
+  // A comma may be a decimal one. "1,024" is ambiguous, so the station gets it as text, and refuses it.
   const isDoubtful = /^[-+]?[1-9]\d{0,2},\d{3}$/.test(text);
   if (isDoubtful || !/^[-+.,\d]/.test(text) || /^0x/i.test(text)) return text;
   const number = Number(text.replace(',', '.'));
@@ -41,11 +41,11 @@ function numberOrText(text) {
 }
 
 /**
- * Makes the editor of a parameter.
+ * Creates the editor of a parameter.
  * @param {object} entry the parameter as the station describes it
  * @param {object} attributes of the editor
  * @param {{onApply: function(*): void, onChoose: function(): void, field: object}} listeners
- *   onApply: the button was pressed, with its value; onChoose: an entry was chosen; field: of the events of a field
+ *   onApply: the button was pressed, with its value; onChoose: an entry was chosen; field: listeners of a field
  * @returns {Node[]} the editor, and its unit if it has one
  */
 export function makeEditor(entry, attributes, { onApply, onChoose, field }) {

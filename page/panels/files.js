@@ -42,7 +42,7 @@ function recordPart() {
   enableWithPictures(record);
   return part(
     'Record',
-    'The next pictures as they come, up to 64, as the pages of a TIFF file.',
+    'The next pictures, up to 64, as the pages of a TIFF file.',
     count,
     record,
     progress,
@@ -61,7 +61,7 @@ function loadPart() {
   on('station', () => {
     load.disabled = file.disabled = !maySet();
   });
-  return part('Load a configuration', 'The settings of a file, each as if it was set here.', file, load, result);
+  return part('Load a configuration', 'Sets all settings of a configuration file.', file, load, result);
 }
 
 function part(title, text, ...controls) {
@@ -80,7 +80,7 @@ function enableWithPictures(...controls) {
   });
 }
 
-/** Hands bytes to the user as a file. */
+/** Offers bytes to the user as a file. */
 function download(blob, name) {
   const url = URL.createObjectURL(blob);
   const link = el('a', { href: url, download: name });
@@ -134,7 +134,7 @@ async function loadConfiguration({ files: [file] }, result) {
   return undefined;
 }
 
-/** What the station made of a file: the numbers of settings, and a list of its findings. */
+/** Shows the result of a load: the number of settings, and the findings. */
 function loadedLines(name, { result: code, changes, findings }) {
   const settings = changes.filter((change) => parameter(change.name)?.isSetting);
   const losses = findings.filter(({ isLoss }) => isLoss);
@@ -150,10 +150,10 @@ function loadedLines(name, { result: code, changes, findings }) {
 
 const messageWithAdvice = ({ message, advice }) => [message, advice].filter(Boolean).join(' ');
 
-/** The next N pictures; while they come, the button ends it. */
+/** Records the next N pictures; during the recording, the button stops it. */
 class Recording {
   constructor() {
-    this.controller = null; // of the request while pictures come
+    this.controller = null; // of the running request
     this.count = el('input', {
       type: 'number',
       min: '1',
@@ -176,7 +176,7 @@ class Recording {
     try {
       await this.record(this.controller.signal);
     } catch (error) {
-      setText(this.progress, error.name === 'AbortError' ? 'stopped, nothing is saved' : messageWithAdvice(error));
+      setText(this.progress, error.name === 'AbortError' ? 'stopped, nothing was saved' : messageWithAdvice(error));
     }
     this.controller = null;
     setText(this.button, 'Record');

@@ -22,7 +22,7 @@ export function startLevels() {
       panel,
       get('picture')
         ? ''
-        : (get('station')?.noPictures?.reason ?? 'Histogram and profiles come with the first picture'),
+        : (get('station')?.noPictures?.reason ?? 'Histogram and profiles appear with the first picture'),
     );
   on('picture station', explain);
   explain();
@@ -41,14 +41,14 @@ async function refresh(part, panel, signal) {
   if (!picture || panel.hidden || document.hidden) return;
   try {
     const ask = (number) => getJson(part.path, { ...part.query(picture), picture: number }, signal);
-    part.show(await askOrNewest(ask, picture.number)); // the answer says which one was counted
+    part.show(await askOrNewest(ask, picture.number)); // the answer has the number of the picture
   } catch (error) {
     if (!(error instanceof ApiError)) throw error;
     setText(part.note, error.code === 'none' ? 'this picture is no longer kept' : error.message);
   }
 }
 
-/** A share of clipped pixels, with their number. */
+/** Creates a cell with a share of clipped pixels and, as tooltip, their number. */
 const shareCell = (share, count) =>
   el('td', { class: share > 0.01 ? 'number high' : 'number', text: percent(share), title: counted(count, 'pixel') });
 
@@ -106,7 +106,7 @@ class Histogram {
     if (!this.answer) return;
     const { bins, bits } = this.answer;
     const largest = 2 ** bits - 1;
-    const inner = bins.map((list) => list.slice(1, -1)); // clipped values are in the table and would hide the rest
+    const inner = bins.map((list) => list.slice(1, -1)); // clipped values would dwarf the others; the table has them
     const top = Math.max(1, ...(this.log.checked ? bins : inner).flat());
     const count = bins[0].length;
     const plot = new Plot(this.canvas, { x: [0, count], y: [0, top], left: 8, yLog: this.log.checked });
@@ -132,7 +132,7 @@ class Profile {
     const name = kind === 'line' ? 'Line' : 'Column';
     this.canvas = el('canvas', { role: 'img', 'aria-label': `Values along a ${kind}` });
     this.note = el('span', { class: 'muted', id: `${kind}-note` });
-    this.own = null; // number that was entered, or of the pixel that the probe is held at
+    this.own = null; // number that was entered, or that of the pixel where the probe is held
     this.input = this.numberField(name);
     this.figure = el(
       'figure',

@@ -1,4 +1,4 @@
-// Losses with their remedies, and the events that came.
+// Losses with their remedies, and received events.
 
 import { getJson } from '../base/api.js';
 import { byId, el, setText, shortEvent } from '../base/dom.js';
@@ -8,7 +8,7 @@ import { explainPanel } from '../base/reason.js';
 import { get, on, tickSeconds } from '../base/state.js';
 import { numberCell, tableHead } from '../base/table.js';
 
-/** Builds the panel. Returns the functions that take the messages of the stream. */
+/** Builds the panel. Returns the functions that handle the messages of the stream. */
 export function startLosses() {
   const panel = byId('panel-losses');
   const losses = new LossTable();
@@ -16,7 +16,7 @@ export function startLosses() {
   panel.append(el('div', { class: 'two' }, losses.node, events.node));
   const isCounted = () => get('station')?.board === 'virtual';
   const load = () => {
-    if (isCounted()) getJson('/api/losses').then(showLosses, () => {}); // away: asked again when it is back
+    if (isCounted()) getJson('/api/losses').then(showLosses, () => {}); // not reachable: read again later
   };
   const showLosses = (answer) => losses.show(answer.losses ?? []);
   on('station', () => {
@@ -73,7 +73,7 @@ class EventTable {
   constructor() {
     this.events = new Map(); // count and tick of the last one, by name
     this.body = el('tbody');
-    this.none = el('p', { class: 'muted', id: 'no-events', text: 'No event has come yet.' });
+    this.none = el('p', { class: 'muted', id: 'no-events', text: 'No events yet.' });
     this.node = el(
       'div',
       {},
@@ -89,7 +89,7 @@ class EventTable {
     this.draw = oncePerFrame(() => this.fill());
   }
 
-  /** Takes a message. Its count is of the events since the message before. */
+  /** Handles a message. Its count is the number of events since the previous message. */
   add({ name, count, tick }) {
     const before = this.events.get(name)?.count ?? 0;
     this.events.set(name, { count: before + count, tick });

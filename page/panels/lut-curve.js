@@ -7,19 +7,19 @@ import { bend, curveScale, drawGrid, drawProposal, drawTables, LARGEST } from '.
 
 const HANDLES = 9;
 
-/** Draws the tables. The chosen ones bend together; the handles are on the first of them. */
+/** Draws the tables. The chosen ones are bent together; the handles are on the first of them. */
 export class LutCurve {
   /**
    * @param {import('./lut-tables.js').LutTables} tables
    * @param {{onBend: function(function(number[]): number[]): void, onRelease: function(): void}} options
-   *   onBend: the chosen tables are to change by a function; onRelease: a handle was let go where it was
+   *   onBend: a function is to be applied to the chosen tables; onRelease: a handle was released without a change
    */
   constructor(tables, { onBend, onRelease }) {
     Object.assign(this, { tables, onBend, onRelease });
     this.chosen = [0, 1, 2];
     this.indices = []; // entries of the handles
-    this.points = []; // of the handles: entry and value
-    this.drag = null; // the handle that moves, with the tables as they will be
+    this.points = []; // entry and value of the handles
+    this.drag = null; // the handle that is dragged, with the resulting tables
     this.canvas = svg('svg', { class: 'curve', id: 'lut-curve', role: 'group', 'aria-label': 'Lookup table' });
     this.listen();
   }
@@ -58,7 +58,7 @@ export class LutCurve {
     return tables[this.chosen[0]];
   }
 
-  /** Puts the handles on a table: evenly the first time. */
+  /** Places the handles on a table: evenly spaced the first time. */
   placeHandles(table) {
     const last = table.length - 1;
     if (!this.indices.length)
@@ -86,7 +86,7 @@ export class LutCurve {
     });
   }
 
-  /** Entry and value below the pointer. */
+  /** Returns entry and value below the pointer. */
   pointAt(event) {
     const box = this.canvas.getBoundingClientRect();
     const at = curveScale(this.canvas, this.tables.size);
@@ -114,13 +114,13 @@ export class LutCurve {
     this.draw();
   }
 
-  /** Outer handles keep their entry, inner ones stay between their neighbours. */
+  /** Limits the entry of a handle: outer handles keep theirs, inner ones stay between their neighbours. */
   between(i, index) {
     if (i === 0 || i === this.indices.length - 1) return this.indices[i];
     return clamp(index, this.indices[i - 1] + 1, this.indices[i + 1] - 1);
   }
 
-  /** How a table bends if a handle moves. */
+  /** Returns the function that bends a table when a handle moves. */
   bending(i, to, value) {
     const from = this.indices[i];
     const [begin, end] = [this.indices[i - 1] ?? from, this.indices[i + 1] ?? from];

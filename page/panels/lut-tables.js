@@ -1,11 +1,11 @@
-// The lookup tables of the station, with the changes of them that it does not have yet.
+// The lookup tables of the station, with changes that are not sent yet.
 
 import { getJson, sendJson } from '../base/api.js';
 import { COMPONENTS } from '../base/dom.js';
 import { takeChanges } from '../base/parameters.js';
 import { pointsOf } from '../draw/curve.js';
 
-/** All entries of a table of the station; size: their number as far as it is known, else 0. */
+/** Reads all entries of a table of the station; size: their number if it is known, else 0. */
 async function readTable(i, size, signal) {
   const ask = (points) => getJson(`/api/lut/${COMPONENTS[i].key}`, { points: points || undefined }, signal);
   const answer = await ask(size);
@@ -16,22 +16,22 @@ async function readTable(i, size, signal) {
 /** The tables of red, green and blue, as the page shows them. */
 export class LutTables {
   constructor() {
-    this.entries = []; // of each table: all of its entries
+    this.entries = []; // all entries of each table
     this.unsent = new Map(); // changes by table: functions from a table to the next
     this.isSending = false;
     this.changes = 0;
   }
 
-  /** The number of entries of a table; 0 before the first read. */
+  /** Returns the number of entries of a table; 0 before the first read. */
   get size() {
     return this.entries[0]?.length ?? 0;
   }
 
   /**
-   * Reads the tables, unless changes of them are on their way; then they are read afterwards.
+   * Reads the tables; while changes are being sent, they are read afterwards.
    * @param {AbortSignal|undefined} signal
-   * @param {function(): boolean} isWelcome whether the tables may be replaced by those that were read
-   * @returns {Promise<boolean>} whether they were
+   * @param {function(): boolean} isWelcome true if the read tables may replace the present ones
+   * @returns {Promise<boolean>} true if they were replaced
    */
   async read(signal, isWelcome) {
     if (this.unsent.size || this.isSending) return false;
@@ -43,9 +43,9 @@ export class LutTables {
   }
 
   /**
-   * Changes tables here; send() changes them on the station.
+   * Changes tables in the page; send() changes them on the station.
    * @param {Iterable<number>} which
-   * @param {function(number[]): number[]} make makes the next entries of a table from those before
+   * @param {function(number[]): number[]} make computes the new entries of a table from the present ones
    */
   change(which, make) {
     this.changes += 1;
@@ -59,14 +59,14 @@ export class LutTables {
   async send() {
     this.isSending = true;
     try {
-      // Tables that change meanwhile come again.
+      // Tables that are changed during the request are sent again.
       for (const [i, changes] of this.unsent) await this.sendTable(i, changes);
     } finally {
       this.isSending = false;
     }
   }
 
-  /** Changes the table as it is now, so that entries set by others stay. */
+  /** Applies changes to the station's present table, so that entries set by others are kept. */
   async sendTable(i, changes) {
     this.unsent.delete(i);
     try {
@@ -79,14 +79,14 @@ export class LutTables {
     }
   }
 
-  /** Drops the changes that are not sent. */
+  /** Discards the changes that are not sent. */
   discard() {
     this.unsent.clear();
   }
 
-  /** Restores dropped changes. */
+  /** Restores discarded changes. */
   restore(unsent) {
     for (const [i, changes] of unsent) this.unsent.set(i, changes);
-    this.changes += 1; // values that are read meanwhile are older
+    this.changes += 1; // reads that are running return older values
   }
 }

@@ -1,4 +1,4 @@
-// The lookup table as a curve with handles. A change is written by the station, through its parameters.
+// The lookup table as a curve with handles. The station writes changes to its parameters.
 
 import { ApiError, setAll } from '../base/api.js';
 import { button, byId, COMPONENTS, el, press, setText } from '../base/dom.js';
@@ -15,7 +15,7 @@ const CHOICES = [
   ['All', [0, 1, 2]], // indices of COMPONENTS
   ...COMPONENTS.map(({ name }, i) => [name, [i]]),
 ];
-const PIECES = 64; // straight ones, of a gamma curve
+const PIECES = 64; // straight lines of a gamma curve
 
 /** Builds the panel, and reads the table whenever it is shown or a parameter of it changes. */
 export function startLut() {
@@ -28,7 +28,7 @@ export function startLut() {
   onParameters((entries) => entries.some(({ name }) => /^FG_(LUT|PROCESSING)_/.test(name)) && readIfShown());
   on('station', () => editor.permit());
   on('station online', readIfShown);
-  // No message says that another client has changed an entry.
+  // There is no message when another client changes an entry.
   canvas.addEventListener('pointerenter', read);
   window.addEventListener('focus', readIfShown);
   new ResizeObserver(() => editor.curve.draw()).observe(canvas);
@@ -53,7 +53,7 @@ class Editor {
     this.trouble = el('div');
     this.hint = el('p', {
       class: 'muted',
-      text: 'Drag a handle, or focus it and use the arrow keys. A double click adds one, Delete takes it away.',
+      text: 'Drag a handle, or focus it and use the arrow keys. A double click adds a handle, Delete removes it.',
     });
     this.node = el('div', { class: 'lut' }, this.makeSide(), this.curve.canvas);
   }
@@ -108,7 +108,7 @@ class Editor {
     this.permit();
   }
 
-  /** Offers only what this page may do. */
+  /** Enables the controls that this page may use. */
   permit() {
     this.enable.hidden = this.isOn !== false || !maySet();
     this.hint.hidden = !maySet();
@@ -142,12 +142,12 @@ class Editor {
     );
   }
 
-  /** Makes straight lines between these points of the chosen tables. */
+  /** Sets the chosen tables to straight lines between these points. */
   applyPoints(points) {
     this.change(() => polyline(points, this.tables.size));
   }
 
-  /** Changes the chosen tables here, and then on the station. */
+  /** Changes the chosen tables in the page, and then on the station. */
   change(make) {
     if (!this.tables.size) return;
     this.tables.change(this.curve.chosen, make);
@@ -156,7 +156,7 @@ class Editor {
   }
 
   async send() {
-    if (this.tables.isSending) return; // it sends these changes too
+    if (this.tables.isSending) return; // the running request sends these changes too
     this.trouble.replaceChildren();
     try {
       await this.tables.send();
@@ -166,7 +166,7 @@ class Editor {
     await this.read();
   }
 
-  /** Shows why tables are not set. The curve stays as it was drawn until they are set or given up. */
+  /** Shows why tables are not set. The curve keeps the changes until they are set or discarded. */
   showTrouble(error, again = () => this.send()) {
     const unsent = [...this.tables.unsent];
     this.trouble.replaceChildren(

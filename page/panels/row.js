@@ -1,8 +1,8 @@
-// One parameter: its value with an editor for it, its limits as they are now, and what is said about it.
+// One parameter: its value with an editor, its present limits, and its details.
 //
-// What is typed is a draft. It stays in the editor until it is set, refused or dropped, whatever the station says
-// meanwhile, and only Enter or a button sends it. One value is sent at a time; of those entered meanwhile the newest
-// one is sent after the answer.
+// The input is a draft. It stays in the editor until it is set, refused or discarded, also if the value of the station
+// changes, and only Enter or a button sends it. One value is sent at a time. After the answer, the newest value that
+// was entered during the request is sent.
 
 import { getJson, setAll, setParameter } from '../base/api.js';
 import { button, el, setText } from '../base/dom.js';
@@ -18,8 +18,8 @@ export class Row {
   constructor(entry) {
     this.entry = entry;
     this.draft = null; // text or choice in the editor that is not set
-    this.sent = null; // the one on its way: {value, text}
-    this.next = null; // the one to send after it
+    this.sent = null; // the draft that is being sent: {value, text}
+    this.next = null; // the draft to send next
     this.id = `p-${entry.name}`;
     this.title = button('', () => this.toggle(), {
       class: 'title',
@@ -43,7 +43,7 @@ export class Row {
     this.update(entry);
   }
 
-  /** Whether the row has all the words of a search in its texts. */
+  /** True if the texts of the row contain all words of a search. */
   matches(words) {
     this.words ??= [
       this.entry.name,
@@ -57,7 +57,7 @@ export class Row {
     return words.every((word) => this.words.includes(word));
   }
 
-  /** Shows the parameter as the station described it last. */
+  /** Shows the last known description of the parameter. */
   update(entry) {
     const before = this.entry;
     this.entry = entry;
@@ -80,15 +80,15 @@ export class Row {
     return reading || limitText(limits);
   }
 
-  /** Shows the limits, or that the draft is not sent if the field has lost the focus. */
+  /** Shows the limits; if the field has lost the focus, that the draft is not sent. */
   mark() {
     const { entry } = this;
     const isWaiting = this.draft !== null && !this.sent;
     const isLeft = isWaiting && document.activeElement !== this.editor && this.editor.tagName === 'INPUT';
     this.node.classList.toggle('unsent', isWaiting);
-    setText(this.limits, isLeft ? 'not sent: Enter sends it' : this.limitsText());
+    setText(this.limits, isLeft ? 'not sent: press Enter to send' : this.limitsText());
     const { minimum, maximum } = entry.limits ?? {};
-    // A limit may have moved past a value that stays as it is.
+    // A limit may have changed so that the value is outside.
     const isPassed = isWritable(entry) && (entry.value < minimum || entry.value > maximum);
     this.limits.classList.toggle('warning', isLeft || isPassed);
   }
@@ -119,7 +119,7 @@ export class Row {
     fillEditor(this.editor, this.entry, this.draft ?? present);
   }
 
-  /** Draws the eye to a value that has changed. */
+  /** Highlights a value that has changed. */
   flash() {
     if (this.editor.tagName === 'BUTTON') return;
     this.node.classList.remove('flash');
@@ -127,7 +127,7 @@ export class Row {
     this.node.classList.add('flash');
   }
 
-  /** Takes what was typed as draft. */
+  /** Takes the input as draft. */
   edit(text) {
     this.draft = text === presentText(this.entry) && !this.sent ? null : text;
     this.mark();
@@ -138,7 +138,7 @@ export class Row {
     this.submit();
   }
 
-  /** Discards the draft and what waits to be sent. */
+  /** Discards the draft and the value to send next. */
   drop() {
     this.draft = null;
     this.next = null;
@@ -157,7 +157,7 @@ export class Row {
     if (direction && this.entry.type !== 'text') this.step(event, direction);
   }
 
-  /** Takes the number in the field some steps up or down. */
+  /** Increments or decrements the number in the field by some steps. */
   step(event, direction) {
     const number = Number(this.editor.value);
     if (!Number.isFinite(number)) return;
@@ -167,7 +167,7 @@ export class Row {
     this.edit(this.editor.value);
   }
 
-  /** Sends the draft, after the answer to the value on its way. */
+  /** Sends the draft, after the answer to the present request. */
   async submit() {
     if (this.draft === null) return;
     const draft = { value: valueOf(this.entry, this.editor.value), text: this.draft };
@@ -176,7 +176,7 @@ export class Row {
     while (this.next) await this.send(this.next);
   }
 
-  /** Sends a value. What the station made of it comes back with the answer. */
+  /** Sends a value. The answer has the value that was set. */
   async send(setting) {
     this.next = null;
     this.sent = setting;
@@ -197,7 +197,7 @@ export class Row {
     if (error) this.refuse(error, setting.value, () => (setting.text ? this.submit() : this.send(setting)));
   }
 
-  /** Shows why a value is not set. again(): sends it once more. */
+  /** Shows why a value is not set. again(): sends it again. */
   refuse(error, value, again) {
     this.isUnsentShown = isUnsent(error);
     const { name } = this.entry;
@@ -223,7 +223,7 @@ export class Row {
     );
   }
 
-  /** Opens or closes what is said about the parameter. */
+  /** Expands or collapses the details. */
   toggle() {
     this.more.hidden = !this.more.hidden;
     this.title.setAttribute('aria-expanded', String(!this.more.hidden));
@@ -240,7 +240,7 @@ export class Row {
 
   fillMore() {
     const entry = { ...this.details, ...this.entry };
-    const remarks = [entry.readEffect && `Not read here, as reading it ${entry.readEffect}.`, entry.readError];
+    const remarks = [entry.readEffect && `Not read here, because a read ${entry.readEffect}.`, entry.readError];
     const canReset = isWritable(entry) && maySet() && entry.isChanged && isGiven(entry.default);
     this.more.replaceChildren(
       el('p', { text: entry.description || 'There is no description.' }),
@@ -250,7 +250,7 @@ export class Row {
     );
   }
 
-  /** What is known of the parameter: terms with their texts. */
+  /** Returns the details of the parameter: terms with their texts. */
   facts(entry) {
     const { details } = this;
     return [

@@ -1,11 +1,11 @@
-// The panels of measurements: one is shown. A panel gets the event "shown" when it is, and when the tab comes back.
+// The panels of measurements, of which one is shown. A panel gets the event "shown" when it or the page is shown.
 
 import { byId } from '../base/dom.js';
 
 const CHOSEN = 'station-panel';
 const tabs = () => [...document.querySelectorAll('[role=tab]')];
 
-/** Connects the tabs with pointer and keys, and shows the panel of the last time. */
+/** Connects the tabs with pointer and keys, and restores the last panel. */
 export function startTabs() {
   for (const tab of tabs()) {
     tab.addEventListener('click', () => choose(tab));

@@ -20,12 +20,12 @@ const AXIS = 20;
 const SHORTEST = 100; // ticks
 const PAUSE = 250; // milliseconds
 const NUDGE = 3; // CSS pixels that a click may move
-const LAG = 0.3; // seconds of the machine: events and images come to the server's list that much later
-const EDGES = 2000; // of a signal; the server leaves out older ones
+const LAG = 0.3; // seconds of the machine until events and images are in the server's list
+const EDGES = 2000; // most edges of a signal; the server leaves out older ones
 const MOST_EDGES = 32768;
 const ALWAYS = ['ExSync', 'Flash', 'LVAL']; // other signals have a lane once they had an edge
 
-/** Builds the panel, and follows the station while it is shown and not on hold. */
+/** Builds the panel, and updates it while it is shown and not on hold. */
 export function startTimeline() {
   const timeline = new Timeline();
   const panel = byId('panel-timeline');
@@ -40,7 +40,7 @@ class Timeline {
     this.span = 1e-2;
     this.isHeld = false;
     this.range = null; // [from, to] in ticks, while on hold
-    this.kept = null; // the answer that was held: the station's own record goes on
+    this.kept = null; // the answer at the time of the hold: the station keeps recording
     this.mark = null; // tick
     this.seen = new Set(ALWAYS);
     this.seenEvents = new Set();
@@ -76,7 +76,7 @@ class Timeline {
     );
   }
 
-  /** Reads whenever the panel is shown, and with the station unless it is on hold. */
+  /** Reads when the panel is shown, and regularly unless it is on hold. */
   follow() {
     byId('panel-timeline').addEventListener('shown', () => this.read());
     on('activity', () => !this.isHeld && this.read());
@@ -129,7 +129,7 @@ class Timeline {
     const [from, to] = (range ?? this.newestRange()).map((tick) => Math.max(0, Math.round(tick)));
     try {
       const answer = await getJson('/api/timeline', { from, to, most: EDGES }, signal);
-      if (range === this.range) this.show(answer); // else the window has moved meanwhile
+      if (range === this.range) this.show(answer); // else the window has moved during the request
     } catch (error) {
       if (!(error instanceof ApiError)) throw error;
       setText(this.note, error.message);
@@ -137,7 +137,7 @@ class Timeline {
     return undefined;
   }
 
-  /** The window that ends with what the station has listed already. */
+  /** Returns the window, which ends where the station's lists are complete. */
   newestRange() {
     const factor = get('station')?.clock?.factor ?? 1;
     const end = get('activity').tick - (LAG * factor) / tickSeconds();

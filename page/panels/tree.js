@@ -14,7 +14,7 @@ const groups = []; // {path, node, rows, parent}
 const openGroups = new Set(JSON.parse(sessionStorage.getItem(OPEN) ?? '["Sensor Geometry","ROI"]'));
 let isFiltering = false;
 
-/** Builds the list when the parameters are there, and keeps it up to date. */
+/** Builds the list when the parameters have been read, and keeps it up to date. */
 export function startTree() {
   const apply = oncePerFrame(filter);
   byId('search').addEventListener('input', apply);
@@ -32,7 +32,7 @@ export function startTree() {
     byId('locked').hidden = !station || maySet();
     setText(
       byId('locked'),
-      'This station is only shown here. Started with --allow-set, it takes settings from this page.',
+      'This page is read-only. Start the station with --allow-set to change settings here.',
     );
   });
   setInterval(readMeasured, MEASURED);
@@ -81,7 +81,7 @@ function groupOf(path, tree) {
   return group;
 }
 
-/** Shows the rows that are searched for, and the groups that have some. */
+/** Shows the rows that match the search, and their groups. */
 function filter() {
   const words = byId('search').value.toLowerCase().split(/\s+/).filter(Boolean);
   const changedOnly = byId('changed-only').checked;
@@ -91,7 +91,7 @@ function filter() {
   const shown = [...rows.values()].filter(({ node }) => !node.hidden).length;
   setText(byId('parameter-count'), isNow ? `${shown} of ${rows.size}` : String(rows.size || ''));
   byId('tree').classList.toggle('empty', rows.size > 0 && shown === 0);
-  // The groups send their toggle events later.
+  // The toggle events of the groups are sent later.
   if (isNow) isFiltering = true;
   else
     requestAnimationFrame(() =>
@@ -101,7 +101,7 @@ function filter() {
     );
 }
 
-/** Shows a group with its numbers of rows; isNow: rows are searched for. */
+/** Shows a group with its numbers of rows; isNow: a search is active. */
 function showGroup(group, isNow) {
   const inside = groups
     .filter((other) => other === group || other.path.startsWith(`${group.path} / `))
@@ -114,7 +114,7 @@ function showGroup(group, isNow) {
   else if (isFiltering) group.node.open = group.parent !== null || openGroups.has(group.path);
 }
 
-/** Reads the values that only the station changes, of the rows that can be seen. */
+/** Reads the values that only the station changes, for visible rows. */
 function readMeasured() {
   if (document.hidden || !get('online')) return;
   const names = [...rows.values()]
@@ -136,7 +136,7 @@ function searchKey(event) {
   [...rows.values()].find(({ node }) => node.checkVisibility())?.title.focus();
 }
 
-/** Arrows go from title to title; Home and End to the first and last one. */
+/** Arrow keys move from title to title; Home and End to the first and last one. */
 function treeKey(event) {
   if (!event.target.matches('.title, summary')) return;
   const stops = [...byId('tree').querySelectorAll('.title, summary')].filter((node) => node.checkVisibility());

@@ -56,7 +56,7 @@ class Panels(Journey):
         page.evaluate("window.release()")
         self.assertTrue(until(page, lambda: self.belt.value("FG_HEIGHT") == 640))
         page.click("#search")
-        expect(limits).to_have_text("not sent: Enter sends it")
+        expect(limits).to_have_text("not sent: press Enter to send")
         page.wait_for_timeout(600)
         expect(field).to_have_value("1")
         field.press("Escape")

@@ -67,7 +67,7 @@ class Whole(Journey):
         self.addCleanup(station.kill)
         page = self.open(station)
         station.kill(signal.SIGKILL)
-        expect(page.locator("#state")).to_have_text("not reachable, trying again")
+        expect(page.locator("#state")).to_have_text("not reachable, reconnecting")
         for reading in ("#reading-rate", "#reading-shown"):
             expect(page.locator(reading)).to_have_text("–")
         draft = page.locator("#p-FG_XOFFSET")

@@ -163,8 +163,7 @@ Answer ChannelClient::execute(const WriteValue& write) {
     const std::string refused = write.name + " = " + applet_host::textOf(write.value) + " was refused: ";
     if (!m_station.access.maySet)
         return Refusal{Reason::denied, 0,
-                       refused + "this station is only shown: it takes settings when it is started with "
-                                 "--allow-set"};
+                       refused + "this station is read-only: start it with --allow-set to change settings"};
     m_station.commands.run(Work::changes, [&] {
         const Parameter& parameter = parameterOf(*m_station.access.live, write.name);
         if (parameter.writesFile())

@@ -116,7 +116,7 @@ void SharedStation::noteChanges() {
 void SharedStation::requireSettable() const {
     if (!access.maySet)
         throw HttpError(status::forbidden, "forbidden",
-                        "this station is only shown: it takes settings when it is started with --allow-set");
+                        "this station is read-only: start it with --allow-set to change settings");
 }
 
 void SharedStation::sampleIfDue(std::chrono::milliseconds period) {
