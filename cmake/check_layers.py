@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Checks that every file includes only what its room may know, and that rooms without output print nothing:
+"""Checks that every file includes only what its layer may know, and that layers without output print nothing:
 check_layers.py REPOSITORY"""
 import pathlib
 import re
@@ -11,7 +11,8 @@ SUPPORT = [*HEADERS, *LOCKS, "src/support/**"]
 CATALOGUE = [*SUPPORT, "src/catalogue/**"]
 # Required by a source that implements members of the object.
 MEMBERS = ["src/entry/sdk_parameters.h", "src/entry/setter_tools.h"]
-ENTRY = [*CATALOGUE, *(f"src/{room}/*.h" for room in ("image", "trigger", "files")), "src/entry/*", "src/entry/runtime/*"]
+ENTRY = [*CATALOGUE, *(f"src/{layer}/*.h" for layer in ("image", "trigger", "files")), "src/entry/*",
+         "src/entry/runtime/*"]
 
 SIGNALS = ["station/signals/**"]
 SCENE = [*SIGNALS, "station/scene/**"]
@@ -63,9 +64,9 @@ SHELL = [*CLI, f"{TOOL}cli/shell/*"]
 PAGE_BASE = ["page/base/*"]
 PAGE_DRAW = [*PAGE_BASE, "page/draw/*"]
 
-# The files of a room, and the files that they may include. A file belongs to the first row that it matches. One star
+# The files of a layer, and the files that they may include. A file belongs to the first row that it matches. One star
 # matches within a folder, two stars also match subfolders.
-ROOMS = [
+LAYERS = [
     ("include/vexo/**", HEADERS),
     ("src/templates/platform/*", ["src/templates/platform/*"]),
     ("src/templates/**", LOCKS),
@@ -124,9 +125,9 @@ ROOMS = [
     (f"{PRODUCER}**", [*PRODUCER_MODULES, f"{PRODUCER}**"]),
     (f"{TOOL}base/**", BASE),
     (f"{TOOL}draw/**", DRAW),
-    # The rooms of the commands may include their common code, and not each other.
-    *((f"{TOOL}commands/{room}/**", [*COMMANDS, f"{TOOL}commands/{room}/**"])
-      for room in ("read", "change", "files", "signals")),
+    # The layers of the commands may include their common code, and not each other.
+    *((f"{TOOL}commands/{layer}/**", [*COMMANDS, f"{TOOL}commands/{layer}/**"])
+      for layer in ("read", "change", "files", "signals")),
     (f"{TOOL}commands/**", COMMANDS),
     (f"{TOOL}cli/*", CLI),
     (f"{TOOL}cli/scenario/*", [*CLI, f"{TOOL}cli/scenario/*"]),
@@ -165,9 +166,9 @@ def resolved(root, file, include):
 
 def violations(root, file):
     path = file.relative_to(root).as_posix()
-    allowed = next((allowed for pattern, allowed in ROOMS if matches(path, pattern)), None)
+    allowed = next((allowed for pattern, allowed in LAYERS if matches(path, pattern)), None)
     if allowed is None:
-        return [f"{path} belongs to no room"]
+        return [f"{path} belongs to no layer"]
     text = file.read_text(encoding="utf-8")
     includes = SUFFIXES[file.suffix].findall(text)
     targets = [(include, resolved(root, file, include[1:])) for include in includes]
@@ -182,7 +183,7 @@ def main():
     root = pathlib.Path(sys.argv[1]).resolve()
     files = [file for name in CHECKED for file in sorted((root / name).rglob("*")) if file.suffix in SUFFIXES]
     wrong = [line for file in files for line in violations(root, file)]
-    print("\n".join(wrong) or f"{len(files)} files include only what their rooms may know")
+    print("\n".join(wrong) or f"{len(files)} files include only what their layers may know")
     sys.exit(1 if wrong or not files else 0)
 
 

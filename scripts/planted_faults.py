@@ -2,7 +2,7 @@
 
 usage: planted_faults.py [--named-tests-only] [PATTERN...]
 
-A PATTERN selects faults by ROOM/NAME, such as 'image/*'; without one, all are planted. --check only compares the
+A PATTERN selects faults by TABLE/NAME, such as 'image/*'; without one, all are planted. --check only compares the
 tables with the sources. tests/planted_faults/README.md describes the tables.
 """
 
@@ -37,7 +37,7 @@ class TableError(Exception):
 
 @dataclass
 class Fault:
-    room: str
+    table: str
     name: str
     file: str
     run: str
@@ -47,7 +47,7 @@ class Fault:
 
     @property
     def full_name(self):
-        return f"{self.room}/{self.name}"
+        return f"{self.table}/{self.name}"
 
     def planted_in(self, source):
         """The text of the source with the fault. Indentation is not compared."""
@@ -70,7 +70,7 @@ class Fault:
 
 
 def read_table(path):
-    """The faults of one room; see tests/planted_faults/README.md."""
+    """The faults of one table; see tests/planted_faults/README.md."""
     values = {"file": "", "run": "release", "tests": ""}
     faults = []
     for number, line in enumerate(path.read_text(encoding="utf-8").splitlines(), 1):
