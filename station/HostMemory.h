@@ -75,9 +75,9 @@ public:
     Result bytes(std::int64_t picture, std::span<const std::uint8_t>& bytes);
     /** Prepares the rendering of a picture. Returns tooLarge if it is larger than a frame. */
     Result begin(std::int64_t picture, Drawing& drawing);
-    /** Renders the picture. Other threads may use the memory meanwhile, and render too. */
+    /** Renders the picture. Other threads may use the memory and render at the same time. */
     static Result draw(Drawing& drawing);
-    /** Returns the bytes, or gone if the picture was removed meanwhile. They are valid until the picture is overwritten,
+    /** Returns the bytes, or gone if the picture has been removed since begin(). They are valid until the picture is overwritten,
      *  released or cleared. The bytes that were returned last remain valid when their picture is overwritten. */
     Result end(Drawing& drawing, std::span<const std::uint8_t>& bytes);
     /** Removes a picture and frees its frame. False if the picture is not in the memory. */

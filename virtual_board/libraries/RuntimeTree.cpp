@@ -5,7 +5,7 @@ namespace {
 
 constexpr const char* runtimeGroup = "Runtime";
 
-/** Length of the first part of a name: up to "_", where a number belongs to the part before it. */
+/** Returns the length of the first part of a name: up to "_"; a number belongs to the part before it. */
 std::size_t lengthOfPart(std::string_view name) {
     std::size_t end = name.find('_');
     while (end != std::string_view::npos) {
@@ -18,7 +18,7 @@ std::size_t lengthOfPart(std::string_view name) {
     return name.size();
 }
 
-/** Position of the last part of a name; the path of its group ends before. */
+/** Returns the position of the last part of a name; the path of its group ends before it. */
 std::size_t startOfLeaf(std::string_view name) {
     std::size_t start = 0;
     while (true) {

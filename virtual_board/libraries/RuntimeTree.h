@@ -16,8 +16,8 @@ namespace vboard {
 
 /**
  * Groups follow the parts of the names ("Device1" > "Process0" > "Buffer_0" > ...); the top-level chain ends
- * with the group of the runtime's own parameters. A leaf has the full name and the id. The values are those
- * at the time when the tree is built. The tree owns all records.
+ * with the group of the runtime's own parameters. A leaf has the full name and the id. Values are read when the
+ * tree is built. The tree owns all records.
  */
 class RuntimeTree {
 public:
@@ -36,7 +36,7 @@ private:
     void describe(RegisterInfo& record, std::string_view label);
     void link(RegisterInfo& record, Group& parent);
     void addLeaf(Board& board, int row) REQUIRES(board.mutex());
-    /** Kind, limits and number; texts are not set here. */
+    /** Sets kind, limits and number; sets no texts. */
     void describeValue(RegisterInfo& record, const ParameterRow& row, std::uint64_t value);
     void describeEntries(RegisterInfo& record, const ParameterRow& row, std::uint64_t value);
 

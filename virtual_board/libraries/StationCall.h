@@ -8,7 +8,7 @@
 
 namespace vboard {
 
-/** The result of the function for the station of a board; handles a null board. */
+/** Calls the function with the station of a board and returns its result; handles a null board. */
 template <typename Function> int perform(LOOMdevice* board, Function function) {
     if (board == nullptr) return VBOARD_UNKNOWN;
     return guarded(int{VBOARD_NO_MEMORY}, [&]() -> int {

@@ -1,4 +1,4 @@
-// The control functions: how a host controls the model.
+// The control functions of the model.
 
 #include "virtual_board/virtual_board.h"
 
@@ -17,7 +17,7 @@ using namespace vboard;
 
 namespace {
 
-/** VBOARD_OK if the function returns true, which means that it knows the name. */
+/** Returns VBOARD_OK if the function returns true, which means that the name is known. */
 template <typename Function> int knownTo(Function function) {
     return guarded(int{VBOARD_NO_MEMORY}, [&] { return known(function()); });
 }

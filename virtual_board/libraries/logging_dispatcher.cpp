@@ -1,4 +1,4 @@
-// The logging dispatcher, libcommon-logging-dispatcher.so: writes lines to the standard error.
+// The logging dispatcher, libcommon-logging-dispatcher.so: writes lines to standard error.
 
 #include "vexo/logging_dispatcher.h"
 
@@ -10,7 +10,7 @@
 
 namespace {
 
-/** Lines from this level on are printed; by default 7, which is above all levels in use. */
+/** Lines of this level and above are printed; the default is 7, which is above all levels in use. */
 std::uint32_t threshold() {
     constexpr std::uint32_t nothing = 7;
     const char* text = std::getenv("VBOARD_LOG_LEVEL");

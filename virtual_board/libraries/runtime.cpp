@@ -39,7 +39,7 @@ struct Fg_Struct_s {
 namespace vboard::runtime {
 namespace {
 
-/** Why the last init of the process failed. */
+/** The error of the last init of the process. */
 std::atomic<int> initError{FG_OK};
 
 int call(Fg_Struct* fg, int function, const std::function<std::int64_t()>& perform) {
@@ -75,7 +75,7 @@ Fg_Struct* initHandle(const char*, LOOMdevice* device, fpga_design* design) {
 }
 
 int freeGrabber(Fg_Struct* fg) {
-    // Freed whatever the result is: callers do not retry.
+    // Freed in any case: callers do not retry.
     const std::unique_ptr<Fg_Struct> freed(fg);
     return call(fg, entry("Fg_FreeGrabber"), nothing);
 }

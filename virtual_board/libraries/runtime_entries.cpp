@@ -2,9 +2,9 @@
  * The exported names of libgrabcore5.so.
  *
  * Each is an indirect function: at every look-up, dlsym calls its resolver for the address. The resolver of a
- * hidden function returns null, and so does dlsym. The library is therefore for dlopen and dlsym only;
- * nothing in it may refer to these names itself. Resolvers run while the loader is at work, so they are not
- * instrumented by the sanitizers.
+ * hidden function returns null, and so does dlsym. The library is therefore for dlopen and dlsym only, and its
+ * own code must not refer to these names. Resolvers run inside the loader, so they are not instrumented by the
+ * sanitizers.
  */
 
 #include "virtual_board/tables/runtime_entries.h"

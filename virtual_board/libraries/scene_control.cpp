@@ -29,7 +29,7 @@ bool isPermutation(const std::uint8_t* order) {
     return sorted == std::array<std::uint8_t, 3>{0, 1, 2};
 }
 
-/** False if something of it is not as the header says. */
+/** False if a value is beyond the limits in the header. */
 bool read(const vboard_camera& camera, station::CameraSetup& setup) {
     if (camera.width < 1 || camera.width > station::ImageSize::widest) return false;
     setup.timing.width = camera.width;

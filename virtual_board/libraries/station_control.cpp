@@ -74,7 +74,7 @@ uint64_t vboard_advance(LOOMdevice* board, uint64_t ticks) {
         board->publishAcquisition();
         return after;
     });
-    return now > 0 ? now : vboard_now(board); // if memory runs out, the time that it reached
+    return now > 0 ? now : vboard_now(board); // out of memory: the time that was reached
 }
 
 int vboard_wave_level(LOOMdevice* board, unsigned input, bool level) {
@@ -174,7 +174,7 @@ int vboard_frame(vboard_frames* memory, int64_t picture, vboard_record* record) 
             const StationLock lock(memory->board);
             result = memory->memory->begin(picture, drawing);
         }
-        if (result == Memory::Result::ok) result = Memory::draw(drawing); // other threads continue meanwhile
+        if (result == Memory::Result::ok) result = Memory::draw(drawing); // without the lock
         const MutexLock lock(memory->board.mutex());
         std::span<const std::uint8_t> bytes;
         if (result == Memory::Result::ok) result = memory->memory->end(drawing, bytes);
@@ -200,7 +200,7 @@ int vboard_frame_into(vboard_frames* memory, int64_t picture, void* destination,
                                             static_cast<std::size_t>(found->bytes()));
         *record = recordOf(*found, bytes);
         const bool fits = bytes.size() <= size;
-        if (fits) renderer->render(*found, bytes); // other threads continue meanwhile
+        if (fits) renderer->render(*found, bytes); // without the lock
         const MutexLock lock(memory->board.mutex());
         memory->memory->giveBack(std::move(renderer));
         return fits ? int{VBOARD_OK} : int{VBOARD_TOO_SMALL};

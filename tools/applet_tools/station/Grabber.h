@@ -30,7 +30,7 @@ public:
 
     /** The record of the last picture. It has no bytes before they are rendered. */
     const vboard_record& record() const { return m_record; }
-    /** Draws that picture; the bytes are valid until the next one is requested. Throws Failure. */
+    /** Renders this picture; the bytes are valid until the next picture is requested. Throws Failure. */
     PictureView draw();
 
 private:

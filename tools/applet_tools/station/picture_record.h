@@ -13,7 +13,7 @@ namespace applet_tools {
 
 nlohmann::ordered_json asJson(const vboard_record& record);
 
-/** Writes the drawn picture. A raw file does not describe its bytes, so it gets a second file with ".json"
+/** Writes the rendered picture. A raw file does not describe its bytes, so it gets a second file with ".json"
  *  appended to its name: shape, type and order of the values, and the settings it was taken with. Returns the
  *  name of the picture's file. Throws Failure. */
 std::string writePicture(PictureFiles& files, const vboard_record& record,
