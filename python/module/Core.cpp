@@ -42,8 +42,8 @@ const char* textFor(const std::string& text) {
     return text.c_str();
 }
 
-// An interpreter that ends stops the threads that want its lock: by an exception, which a destructor cannot let pass.
-// Such a thread waits here for the end of the process.
+// At shutdown the interpreter terminates threads that wait for its lock, by an exception that must not leave a
+// destructor. Such a thread waits here for the end of the process.
 Unlocked::~Unlocked() {
     try {
         PyEval_RestoreThread(m_state);

@@ -52,7 +52,7 @@ struct Row {
 
 /**
  * The base of vexo.Station. Only reads of numbers keep the interpreter lock; every other call releases it, and
- * holds the station meanwhile: it is closed when the last call has returned.
+ * keeps the station open: it is closed when the last call has returned.
  */
 class Core {
 public:

@@ -9,7 +9,7 @@ Times are in seconds; a tick is 8 ns of the station's time.
 """
 from ._interpreter import require_main
 
-require_main()  # before the module _vexo is loaded, which would wait for ever in another one
+require_main()  # before the module _vexo is loaded, which would block forever in another interpreter
 
 from ._answers import Answer, Findings, Limits, Plan, Why
 from ._errors import (Closed, Error, FileError, Gone, InvalidArgument, NotNow, Refused, Timeout, UnknownName,

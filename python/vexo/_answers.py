@@ -5,7 +5,7 @@ from ._values import Range
 
 
 class Answer:
-    """An answer: its text for a person, and `document`, the same as dictionaries and lists."""
+    """An answer: `text`, and `document` with the same contents as dictionaries and lists."""
 
     def __init__(self, answer: tuple[str, str]):
         import json
@@ -23,13 +23,13 @@ class Answer:
 
 
 class Limits(Answer):
-    """What the setter of a parameter accepts now, and what sets it.
+    """What the setter of a parameter accepts now, and what sets the limits.
 
-    accepted   Range of a number, in its unit; None if it is none, or nothing is accepted
-    minimum, maximum, step   the same one by one
+    accepted   Range of a number, in its unit; None for other parameters, or if nothing is accepted
+    minimum, maximum, step   the members of `accepted`
     set_by     what sets a limit: [{"limit", "parameter", "with", "becomes"}]
-    fixed      the limits that nothing moves: ["minimum"]
-    entries    of an enumeration: [{"value", "symbol", "label", "accepted"}]
+    fixed      limits that no parameter changes: ["minimum"]
+    entries    entries of an enumeration: [{"value", "symbol", "label", "accepted"}]
     """
 
     def __init__(self, answer: tuple[str, str]):
@@ -51,7 +51,7 @@ class Why(Answer):
     """Why a value is refused, or a parameter read-only.
 
     accepted       True if the value is accepted, or the parameter writable
-    accepted_with  changes of other parameters that free it: ["FG_XOFFSET=0"]
+    accepted_with  changes of other parameters with which it is accepted: ["FG_XOFFSET=0"]
     set_by         what sets the limit
     nearest        the nearest accepted value, or None
     """
@@ -66,12 +66,12 @@ class Why(Answer):
 
 
 class Plan(Answer):
-    """What assignments would do, in the given order.
+    """The effects of assignments in the given order.
 
     writes   writes to the design: [{"access", "parameter", "type", "value"}]
     changes  values of the design that would change: [{"parameter", "before", "after"}]
-    moves    limits and accesses that would move: [{"parameter", "what", "from", "to"}]
-    refused  {"code", "symbol", "meaning", "message"} of the assignment at which it would end, or None
+    moves    limits and accesses that would change: [{"parameter", "what", "from", "to"}]
+    refused  {"code", "symbol", "meaning", "message"} of the assignment that would be refused, or None
     """
 
     def __init__(self, answer: tuple[str, str]):

@@ -3,12 +3,12 @@ from __future__ import annotations
 
 
 class Error(Exception):
-    """A failed call. Its text says what was wrong, the limit, what sets it, and what would be accepted.
+    """A failed call. Its message says what was wrong, the limit, what sets it, and what would be accepted.
 
     code     the applet's code, such as -6000, or one of libvexo below -20000
     symbol   the name of the code, "FG_ERR_OUT_OF_RANGE"
-    meaning  what the code means, in a few words
-    details  all that is known, as a dictionary
+    meaning  short description of the code
+    details  all details, as a dictionary
     """
 
     def __init__(self, details: dict):
@@ -26,14 +26,14 @@ class Error(Exception):
 
 
 class Refused(Error, ValueError):
-    """A value was refused, and nothing was changed. What is not known is None or empty.
+    """A value was refused, and nothing was changed. Unknown members are None or empty.
 
     name           the parameter
     requested      the refused value
     limit          {"minimum", "maximum", "step"} of a number, as accepted now
     nearest        the nearest accepted value
     set_by         what sets the limit: [{"limit", "parameter", "with", "becomes"}]
-    accepted_with  changes of other parameters with which it is accepted: ["FG_XOFFSET=0"]
+    accepted_with  changes of other parameters that make the value accepted: ["FG_XOFFSET=0"]
     """
 
     def __init__(self, details: dict):
@@ -52,11 +52,11 @@ class UnknownName(Error, AttributeError, KeyError):
     def __init__(self, details: dict):
         super().__init__(details)
         self.suggestions: list[str] = details.get("suggestions", [])
-        self.name, self.obj = "", None  # keeps the interpreter from adding suggestions: the words have some
+        self.name, self.obj = "", None  # prevents suggestions of the interpreter: the message has its own
 
 
 class Timeout(Error, TimeoutError):
-    """Nothing came in time; the text has the most likely reason."""
+    """Nothing arrived in time; the message has the most likely reason."""
 
 
 class InvalidArgument(Error, ValueError):
@@ -68,7 +68,7 @@ class WrongKind(Error, TypeError):
 
 
 class NotNow(Error, RuntimeError):
-    """Not in this state, or not on this board; the text says why."""
+    """Not possible in this state, or on this board; the message says why."""
 
 
 class Closed(NotNow, ValueError):
@@ -97,7 +97,7 @@ _CLASSES = {
 
 
 def error_of(text: str) -> Error:
-    """The exception for the details of a failed call (JSON)."""
+    """Returns the exception for the details of a failed call (JSON)."""
     import json
 
     details = json.loads(text)
@@ -106,12 +106,12 @@ def error_of(text: str) -> Error:
 
 
 def invalid(words: str) -> InvalidArgument:
-    """The exception for an argument that libvexo does not get to see."""
+    """Returns the exception for an argument that is checked before the call of libvexo."""
     return InvalidArgument({"code": -20002, "symbol": "VEXO_ERR_ARGUMENT",
                             "meaning": "an argument beyond its limits", "words": words})
 
 
 def closed() -> Closed:
-    """The exception for a use of a closed station."""
+    """Returns the exception for a use of a closed station."""
     return Closed({"code": -20010, "symbol": "VEXO_ERR_STATE", "meaning": "not possible now",
                    "words": "the station is closed"})

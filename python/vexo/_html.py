@@ -1,30 +1,30 @@
-"""How things look in a notebook."""
+"""Display in a notebook."""
 from __future__ import annotations
 
 _POINTS = 256  # of a curve
 
 
 def escape(text: str) -> str:
-    """Text as HTML."""
+    """Escapes text for HTML."""
     import html
 
     return html.escape(text)
 
 
 def table(title: str, rows: list[tuple[str, str]]) -> str:
-    """Rows of two cells below a title; rows without a text are left out."""
+    """Formats rows of two cells below a title; rows without a text are left out."""
     cells = "".join(f'<tr><th style="text-align:left">{escape(name)}</th>'
                     f'<td style="text-align:left">{escape(str(text))}</td></tr>' for name, text in rows if text)
     return f"<table><caption><b>{escape(title)}</b></caption>{cells}</table>"
 
 
 def preformatted(text: str) -> str:
-    """Text with its columns."""
+    """Formats text with its columns."""
     return f"<pre>{escape(text)}</pre>"
 
 
 def curve(values) -> str:
-    """The values of a field over their index, as a drawing."""
+    """Draws the values of a field over their index."""
     chosen = values[:: max(1, len(values) // _POINTS)]
     top = max(1, int(values.max()))
     points = " ".join(f"{i * 256 / max(1, len(chosen) - 1):.4g},{128 - int(value) * 128 / top:.4g}"

@@ -15,11 +15,11 @@ if TYPE_CHECKING:
 
 class Image(numpy.ndarray):
     """A picture: lines × pixels × (blue, green, red), uint8 with 8 bits per component, else uint16 with the value of
-    the component. With 8 and 16 bits it is the memory that the renderer wrote. A changed picture is written and shown
-    as it is now.
+    the component. With 8 and 16 bits it is the rendered memory, without a copy. A changed picture is written and shown
+    with its changes.
 
     record   Record: number, size, times, losses; None for a part of a picture
-    tick     at which the picture was complete, in 8 ns; None for a part
+    tick     time at which the picture was complete, in units of 8 ns; None for a part
     """
 
     record: _vexo.Record | None
@@ -41,7 +41,7 @@ class Image(numpy.ndarray):
         return self.view(numpy.ndarray)[..., ::-1]
 
     def _written(self) -> numpy.ndarray:
-        """The bytes of the picture, as it is now."""
+        """Returns the bytes of the picture, with its changes."""
         if self.record is None:
             raise ValueError("this is a part of a picture, and only a whole one can be written")
         if self.record.bits in (8, 16):
@@ -51,12 +51,12 @@ class Image(numpy.ndarray):
         return data
 
     def write(self, file: str | os.PathLike) -> None:
-        """Writes the picture in the format of the suffix: .png, .tiff, .ppm or .raw. InvalidArgument for a component
-        that was changed to more than its bits hold."""
+        """Writes the picture in the format of the suffix: .png, .tiff, .ppm or .raw. InvalidArgument: a component was
+        changed to a value that does not fit in its bits."""
         _vexo.write_picture(self.record, self._written(), os.fsencode(file))
 
     def copy(self, order: str = "C") -> Image:
-        """A copy in memory of its own. That of a whole picture has its record."""
+        """Returns a copy in separate memory. The copy of a whole picture has its record."""
         if self.record is None:
             return super().copy(order)
         return image_of(self.record, self._written().copy())
@@ -83,7 +83,7 @@ class Image(numpy.ndarray):
 
 
 def image_of(record: _vexo.Record, data: numpy.ndarray) -> Image:
-    """The picture that these bytes hold."""
+    """Returns the picture for its bytes."""
     shape = (record.height, record.width, 3)
     if record.bits in (8, 16):
         dtype = numpy.dtype(f"u{record.bits // 8}")
@@ -98,7 +98,7 @@ def image_of(record: _vexo.Record, data: numpy.ndarray) -> Image:
 
 
 def render(station: Station, record: _vexo.Record, out: numpy.ndarray | None) -> Image:
-    """The picture, in the memory of `out` if it is given."""
+    """Renders the picture, to the memory of `out` if it is given."""
     if out is not None and not isinstance(out, numpy.ndarray):
         raise TypeError(f"out is a numpy array, not {type(out).__name__}")
     data = numpy.empty(record.size, numpy.uint8) if out is None else out

@@ -27,7 +27,7 @@ class Parameter:
     description   one or more sentences
     group         labels from the top of the tree down: "Digital I/O / GPO"
     elements      number of elements of a field, else 0
-    entries       of an enumeration
+    entries       entries of an enumeration
     read_effect, set_effect   side effects, such as "clears when read"
     """
 
@@ -43,7 +43,7 @@ class Parameter:
 
     @property
     def value(self) -> Any:
-        """A number, Entry, text, or array of a field. An assignment sets it; Refused says what is accepted."""
+        """A number, Entry, text, or array of a field. An assignment sets it; Refused has the accepted values."""
         return self._station._read(self._index)
 
     @value.setter
@@ -57,7 +57,7 @@ class Parameter:
 
     @property
     def range(self) -> Range:
-        """The published range; what setters accept may be less: `limits`. WrongKind where there is none."""
+        """The published range. Setters may accept less, see `limits`. WrongKind if there is no range."""
         return Range(*self._station._range(self._index))
 
     @property
@@ -66,12 +66,12 @@ class Parameter:
         return self._station.limits(self.name)
 
     def why(self, value: Any = None, /, **given: Any) -> Why:
-        """Why a value is refused, or the parameter read-only, with other values as given."""
+        """Finds why a value is refused, or the parameter is read-only, with other values as given."""
         return self._station.why(self.name, value, **given)
 
     @property
     def access(self) -> str:
-        """Now: "ro", "rw", "rw+" (also while acquiring), "wo", "wo+" or "-"."""
+        """The present access: "ro", "rw", "rw+" (also while acquiring), "wo", "wo+" or "-"."""
         bits = self._station._access(self._index)
         return ["-", "ro", "wo", "rw"][bits & 3] + ("+" if bits & 4 else "")
 

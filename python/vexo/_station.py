@@ -1,4 +1,4 @@
-"""Stations: an applet on a board, and all that a program needs of it."""
+"""Stations: an applet on a board, with its parameters, files, events and pictures."""
 from __future__ import annotations
 
 import os
@@ -20,7 +20,7 @@ if TYPE_CHECKING:
 
 TICKS_PER_SECOND: int = _vexo.TICKS_PER_SECOND
 
-_LATEST = 2**62  # tick; the time has no end before
+_LATEST = 2**62  # latest tick that is accepted
 
 _VIRTUAL, _OFFLINE, _SYSTEM = range(3)
 _LOOK, _NO_ADVICE = 1, 2
@@ -28,12 +28,12 @@ _LOOK, _NO_ADVICE = 1, 2
 _CAMERA = """{"station": 1, "camera": {"width": 4096}, "scene": {"image": "chart"},
               "parameters": {"FG_SENSORWIDTH": 4096}}"""
 
-# A wheel cannot hold the link that the libraries of the virtual board come with.
+# A wheel cannot contain the symbolic link that the virtual board needs beside its libraries.
 _DESCRIPTORS = os.path.join(os.path.dirname(__file__), "lib", "vexo", "virtual-board", "descriptors.mcf")
 
 
 def _path(path: Path) -> bytes:
-    return os.fsencode(path)  # a name of a file may be any bytes
+    return os.fsencode(path)  # a file name can be any bytes
 
 
 def _optional(path: Path | None) -> bytes | None:
@@ -45,7 +45,7 @@ def _link_descriptors() -> None:
         try:
             os.symlink("/proc/self/fd", _DESCRIPTORS)
         except OSError:
-            pass  # a folder of somebody else: what needs the link says so
+            pass  # a folder of another user: functions that need the link report an error
 
 
 def _wall(seconds: float | None) -> float:
@@ -56,7 +56,7 @@ class Station(_vexo.Core):
     """An open station: `Station.virtual()`, `.offline()` or `.system()`; `close()` or the end of a with block closes it.
 
     Parameters are attributes: `station.FG_WIDTH = 2048`. Case and "FG_" do not matter, and a label is a name too.
-    `station["FG_WIDTH"]` is the Parameter itself. Any number of threads may use a station; waits, pictures,
+    `station["FG_WIDTH"]` is the Parameter. Any number of threads may use a station; waits, pictures,
     questions and sets release the interpreter lock.
     """
 
@@ -72,8 +72,8 @@ class Station(_vexo.Core):
         library_dir  folder of the libraries; default: those of this package
         applet       file of another applet library
         bridge       library that opens the board of the machine
-        look         leaves the board as it is: no start value is written, sets, loads and pictures are NotNow
-        advice       refusals name what would be accepted, found on a board to try on
+        look         read-only: no start value is written to the board, and sets, loads and pictures are NotNow
+        advice       refusals say what would be accepted, found on a scratch board
         """
         _link_descriptors()
         whole("board", board, _VIRTUAL, _SYSTEM)
@@ -83,7 +83,7 @@ class Station(_vexo.Core):
 
     @classmethod
     def virtual(cls, station: Path | None = None, **options: Any) -> Station:
-        """A virtual board, set up from a station file. Without one it has a camera of 4096 pixels that sees a chart."""
+        """Opens a virtual board, set up from a station file. The default is a camera of 4096 pixels above a chart."""
         opened = cls(_VIRTUAL, station=station, **options)
         if station is None and not os.environ.get("VBOARD_STATION"):
             opened._set_up_text(_CAMERA, None)
@@ -91,12 +91,12 @@ class Station(_vexo.Core):
 
     @classmethod
     def offline(cls, **options: Any) -> Station:
-        """No board: parameters and limits, no pictures, files or measured values."""
+        """Opens a station without a board: parameters and limits, no pictures, files or measured values."""
         return cls(_OFFLINE, **options)
 
     @classmethod
     def system(cls, bridge: Path | None = None, **options: Any) -> Station:
-        """The board of this machine; `bridge` is the library that opens it, if the board library does not."""
+        """Opens the board of this machine; `bridge` is the library that opens it, if the board library does not."""
         return cls(_SYSTEM, bridge=bridge, **options)
 
     def __enter__(self) -> Station:
@@ -123,7 +123,7 @@ class Station(_vexo.Core):
         self[name].value = value
 
     def __iter__(self) -> Iterator[Parameter]:
-        """All parameters, in the order of the tree."""
+        """Iterates over all parameters, in the order of the tree."""
         return (self[name] for name in self._names())
 
     def __len__(self) -> int:
@@ -143,8 +143,8 @@ class Station(_vexo.Core):
         return [*super().__dir__(), *self._names()]
 
     def set(self, values: dict[str, Any] | None = None, /, *, any_order: bool = False, **named: Any) -> None:
-        """Sets all or none: `set(FG_WIDTH=2048, FG_HEIGHT=512)`. With `any_order`, an order is found in which all
-        are accepted. A dictionary also takes names such as "FG_LUT_VALUE_RED[0..255]"."""
+        """Sets all parameters or none: `set(FG_WIDTH=2048, FG_HEIGHT=512)`. `any_order`: finds an order in which all
+        are accepted. A dictionary can also have names such as "FG_LUT_VALUE_RED[0..255]"."""
         if not isinstance(any_order, bool):
             raise TypeError(f"any_order is True or False, not {any_order!r}")
         self._set_all(assignments_of(values or {}, named), any_order)
@@ -154,15 +154,15 @@ class Station(_vexo.Core):
         self._save(_path(file))
 
     def load(self, file: Path) -> None:
-        """Loads a configuration file; `losses(file)` says before which of its values are refused."""
+        """Loads a configuration file. `losses(file)` shows in advance which of its values are refused."""
         self._load(_path(file))
 
     def document(self) -> str:
-        """The XML document (GenApi 1.0) of the parameters with their present limits."""
+        """Returns the XML document (GenApi 1.0) of the parameters with their present limits."""
         return self._document()
 
     def info(self) -> dict:
-        """What is open: "version", "board", "applet", "files", "parameters", "notes"."""
+        """Describes the station: "version", "board", "applet", "files", "parameters", "notes"."""
         import json
 
         return json.loads(self._info())
@@ -170,41 +170,41 @@ class Station(_vexo.Core):
     # Questions
 
     def limits(self, name: str, /, **given: Any) -> Limits:
-        """What a parameter accepts now and what sets its limits, with other values as given."""
+        """Finds what a parameter accepts now and what sets its limits, with other values as given."""
         return Limits(self._limits(text("name", name), assumed(given)))
 
     def why(self, name: str, value: Any = None, /, **given: Any) -> Why:
-        """Why a value is refused, or (without one) the parameter read-only, with other values as given."""
+        """Finds why a value is refused, or (without one) the parameter is read-only, with other values as given."""
         text("name", name)
         question = name if value is None else assignments_of({name: value}, {})[0]
         return Why(self._why(question, assumed(given)))
 
     def plan(self, values: dict[str, Any] | None = None, /, **named: Any) -> Plan:
-        """What these assignments would do, in this order. Nothing is set."""
+        """Finds the effects of these assignments in this order. Nothing is set."""
         return Plan(self._plan(assignments_of(values or {}, named)))
 
     def losses(self, file: Path) -> Findings:
-        """What a load of the configuration file would lose."""
+        """Finds what a load of the configuration file would lose."""
         return Findings(self._check(_path(file)))
 
     def lint(self) -> Findings:
-        """Which settings are accepted, but probably not intended."""
+        """Finds settings that are accepted, but probably not intended."""
         return Findings(self._lint())
 
     # Time, signals and events of a virtual board
 
     def clock(self, factor: float) -> None:
-        """Lets time follow the wall clock, `factor` times as fast (0.001 to 1000); 0: it moves in waits and advance()
-        only, as at first."""
+        """Makes time follow the wall clock, `factor` times as fast (0.001 to 1000). 0, the default: stepped, time
+        advances only in waits and advance()."""
         self._clock(number("factor", factor))
 
     @property
     def now(self) -> int:
-        """The present tick (8 ns)."""
+        """The present time in ticks of 8 ns."""
         return self._now()
 
     def advance(self, seconds: float = 0.0, *, ticks: int = 0) -> None:
-        """Advances stepped time; Ctrl-C ends it at the tick that is reached."""
+        """Advances stepped time; Ctrl-C stops at the tick that has been reached."""
         whole("ticks", ticks, 0, _LATEST)
         wanted = number("seconds", seconds) * TICKS_PER_SECOND
         if not 0 <= wanted <= _LATEST:
@@ -230,8 +230,8 @@ class Station(_vexo.Core):
         return dict(self._events())
 
     def wait_event(self, *names: str, timeout: float = 1.0, wall: float | None = None) -> Event | None:
-        """The oldest event that was not yet taken, of those with these names; others are dropped. No name: any event.
-        `timeout` in seconds of the station's time, `wall` of the wall clock. None: there was none in time."""
+        """Takes the oldest event with one of these names, or waits for one; others are dropped. No name: any event.
+        `timeout` in seconds of the station's time, `wall` of the wall clock. Returns None after the time-out."""
         mask = 0
         for name in names:
             mask |= self._event_mask(text("the name of an event", name))
@@ -242,23 +242,23 @@ class Station(_vexo.Core):
 
     def pictures(self, count: int | None = None, *, timeout: float = 1.0, wall: float | None = None, frames: int = 4,
                  ring: bool = False, out: numpy.ndarray | None = None) -> Pictures:
-        """Starts an acquisition: so many pictures, or without end. It ends with the last one, with close() or stop(),
-        or at the end of a with block; after a Timeout it goes on.
+        """Starts an acquisition of `count` pictures, or a continuous one. It ends with the last picture, with close()
+        or stop(), or at the end of a with block; it continues after a Timeout.
 
-        timeout   for each picture, in seconds of the station's time; then Timeout says why none came
+        timeout   for each picture, in seconds of the station's time; Timeout has the most likely reason
         wall      the same in seconds of the wall clock
-        frames    of the memory, 1 to 65536
-        ring      a full memory overwrites the oldest picture, instead of letting the acquisition wait
-        out       contiguous array for the bytes of a picture, used for each one
+        frames    number of frames of the memory, 1 to 65536
+        ring      a full memory overwrites the oldest picture; otherwise the acquisition waits
+        out       contiguous array for the bytes of a picture, used for every picture
         """
         return Pictures(self, count, timeout, wall, frames, ring, out)
 
     def stop(self) -> None:
-        """Ends the acquisition that runs; without one, does nothing."""
+        """Ends the running acquisition; does nothing if there is none."""
         self._stop()
 
     def grab(self, *, timeout: float = 1.0, wall: float | None = None, out: numpy.ndarray | None = None) -> Image:
-        """One picture; the arguments are those of pictures()."""
+        """Takes one picture; the arguments are those of pictures()."""
         with self.pictures(1, timeout=timeout, wall=wall, out=out) as pictures:
             return next(pictures)
 
@@ -280,8 +280,8 @@ class Station(_vexo.Core):
 
 
 class Pictures:
-    """The pictures of a running acquisition, each made when it is reached: an iterator and a context manager. Several
-    threads may iterate over it, and share its pictures: one waits for the next, while the others make theirs."""
+    """The pictures of a running acquisition: an iterator and a context manager. Each picture is rendered when it is
+    reached. Several threads may share the iterator: one waits for the next picture while the others render theirs."""
 
     def __init__(self, station: Station, count: int | None, timeout: float, wall: float | None, frames: int,
                  ring: bool, out: numpy.ndarray | None):
@@ -291,8 +291,8 @@ class Pictures:
         self._timeout, self._wall = number("timeout", timeout), _wall(wall)
         self._lock = threading.Lock()  # guards _left and _taking
         self._taking = 0  # pictures that threads are taking
-        self._waiting = threading.Lock()  # of the thread that waits for the next picture
-        self._free = threading.Semaphore(whole("frames", frames, 1, 65536))  # frames without a picture being made
+        self._waiting = threading.Lock()  # held by the thread that waits for the next picture
+        self._free = threading.Semaphore(whole("frames", frames, 1, 65536))  # frames without a picture being rendered
         station._start(frames, self._ring)
         self._is_running = True
 
@@ -327,7 +327,7 @@ class Pictures:
         return image
 
     def _take(self) -> Image | None:
-        """The next picture; None if the acquisition has ended."""
+        """Takes the next picture; None if the acquisition has ended."""
         from ._image import render
 
         with self._waiting:
@@ -349,7 +349,7 @@ class Pictures:
             self.close()
 
     def close(self) -> None:
-        """Ends the acquisition; a second time, does nothing."""
+        """Ends the acquisition; does nothing if it has ended."""
         if self._is_running and self._station.is_open:
             self._is_running = False
             self._station._stop()

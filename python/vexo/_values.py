@@ -32,7 +32,7 @@ class Entry(int):
 
 
 class Range(NamedTuple):
-    """A range of numbers; `step` 0 is any value in between."""
+    """A range of numbers; `step` 0: any value in between."""
 
     minimum: float
     maximum: float
@@ -40,7 +40,7 @@ class Range(NamedTuple):
 
 
 class Event(NamedTuple):
-    """An event: `tick` counts 8 ns since the opening; `mask` is 0 for one of the board's own."""
+    """An event: `tick` counts units of 8 ns since the opening; `mask` is 0 for the board's own events."""
 
     name: str
     tick: int
@@ -48,7 +48,7 @@ class Event(NamedTuple):
 
 
 def elements_of(values, name: str, count: int) -> numpy.ndarray:
-    """`count` elements of a field, as 32-bit numbers."""
+    """Converts values to `count` elements of a field, 32-bit numbers."""
     import numpy
 
     given = numpy.asarray(values)
@@ -62,7 +62,7 @@ def elements_of(values, name: str, count: int) -> numpy.ndarray:
 
 
 def number(name: str, value) -> float:
-    """An argument that is a number."""
+    """Checks that an argument is a number."""
     try:
         if not isinstance(value, str):
             return float(value)
@@ -72,7 +72,7 @@ def number(name: str, value) -> float:
 
 
 def whole(name: str, value, least: int, most: int) -> int:
-    """An argument that is a whole number within limits."""
+    """Checks that an argument is a whole number within limits."""
     if not hasattr(value, "__index__"):
         raise TypeError(f"{name} is a whole number, not {value!r}")
     if not least <= int(value) <= most:
@@ -81,14 +81,14 @@ def whole(name: str, value, least: int, most: int) -> int:
 
 
 def text(name: str, value) -> str:
-    """An argument that is a text."""
+    """Checks that an argument is a text."""
     if not isinstance(value, str):
         raise TypeError(f"{name} is a text, not {value!r}")
     return value
 
 
 def text_of(name: str, value) -> str:
-    """A value for an assignment "NAME=VALUE"."""
+    """Formats a value for an assignment "NAME=VALUE"."""
     if isinstance(value, str):
         return value
     if hasattr(value, "__len__"):
@@ -102,12 +102,12 @@ def text_of(name: str, value) -> str:
 
 
 def assignments_of(given: dict, named: dict) -> list[str]:
-    """Both dictionaries as "NAME=VALUE"."""
+    """Formats both dictionaries as "NAME=VALUE"."""
     return [f"{name}={text_of(name, value)}" for name, value in {**given, **named}.items()]
 
 
 def assumed(given: dict) -> str:
-    """Values that a question assumes, as one line: each is a word, whatever is in it."""
+    """Formats values that a question assumes as one line; each is quoted as one word."""
     import shlex
 
     return shlex.join(assignments_of({}, given))
