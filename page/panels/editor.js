@@ -1,5 +1,5 @@
-// The editor of a parameter's value. It depends on the kind of the parameter: a field, a choice, a button for a parameter
-// with one entry, or an output for a parameter that this page may not set.
+// The editor of a parameter's value. It depends on the kind of the parameter: a field, a choice, a button for a
+// parameter with one entry, or an output for a parameter that this page may not set.
 
 import { button, el, setText } from '../base/dom.js';
 import { maySet } from '../base/state.js';
