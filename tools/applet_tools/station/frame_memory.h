@@ -21,7 +21,7 @@ inline constexpr std::size_t mostFrames = 65536;
 /** Must be freed before its Instance ends. */
 using FrameMemory = std::unique_ptr<vboard_frames, FreeFrames>;
 
-/** Memory with this many frames for pictures of any size; a frame uses no memory before its picture is drawn. `kind`:
+/** Memory with this many frames for pictures of any size; a frame uses no memory before its picture is rendered. `kind`:
  *  VBOARD_RING or VBOARD_BLOCKING. Null for no frames. */
 FrameMemory frameMemory(Instance& instance, std::size_t frames, int kind);
 
