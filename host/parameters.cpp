@@ -33,8 +33,7 @@ using applet_tools::Assignment, applet_tools::Elements, applet_tools::Target, ap
                                             "a text",
                                             "an enumeration",
                                             "an array"};
-    throw Error(VEXO_ERR_KIND,
-                row.parameter->name + " is " + kinds[row.kind] + ", and " + wanted + " was asked for");
+    throw Error(VEXO_ERR_KIND, row.parameter->name + " is " + kinds[row.kind] + ", not " + wanted);
 }
 
 /* Numbers. */
@@ -166,7 +165,7 @@ Target elementsOf(const ParameterRow& row, std::uint32_t first, std::uint32_t co
     if (count == 0 || first >= all || count > all - first)
         throw Error(VEXO_ERR_ARGUMENT, row.parameter->name + " has " + std::to_string(all) + " elements; " +
                                            std::to_string(count) + " from element " + std::to_string(first) +
-                                           " on were asked for");
+                                           " on were requested");
     return {row.parameter, applet_tools::ElementRange{first, first + count - 1}};
 }
 
@@ -236,10 +235,10 @@ int vexo_describe(vexo_station* station, int id, vexo_parameter* parameter) {
 int vexo_entry_at(vexo_station* station, int id, uint32_t index, vexo_entry* entry) {
     if (entry == nullptr) return failNull("the pointer for the entry");
     return onParameter(station, id, [&](vexo_station&, const ParameterRow& row) {
-        if (row.kind != VEXO_ENUM) throwOtherKind(row, "an entry");
+        if (row.kind != VEXO_ENUM) throwOtherKind(row, "an enumeration");
         if (index >= row.entries.size())
             throw Error(VEXO_ERR_NAME, row.parameter->name + " has " + std::to_string(row.entries.size()) +
-                                           " entries; number " + std::to_string(index) + " was asked for");
+                                           " entries; number " + std::to_string(index) + " was requested");
         const applet_tools::Entry& found = row.entries[index];
         *entry = {.value = found.value, .symbol = found.symbol.c_str(), .label = found.label.c_str()};
     });

@@ -58,7 +58,7 @@ int vexo_start(vexo_station* station, uint32_t frames, int memory) {
         requireWritable(own, "an acquisition");
         if (frames == 0 || frames > applet_tools::mostFrames)
             throw Error(VEXO_ERR_ARGUMENT, "the memory has 1 to " + std::to_string(applet_tools::mostFrames) +
-                                               " frames; " + std::to_string(frames) + " were asked for");
+                                               " frames; " + std::to_string(frames) + " were requested");
         if (memory != VEXO_KEEP && memory != VEXO_RING)
             throw Error(VEXO_ERR_ARGUMENT, "the kind of the memory is neither VEXO_KEEP nor VEXO_RING");
         const std::lock_guard lock(own.acquiring);

@@ -235,7 +235,7 @@ export class Row {
         this.fillMore();
       },
       () => {},
-    ); // the list has most of it
+    ); // until then the data of the list are shown
   }
 
   fillMore() {

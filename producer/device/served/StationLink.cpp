@@ -134,7 +134,7 @@ void StationLink::handle(Packet packet) {
         });
     } else {
         const std::lock_guard lock(m_mutex);
-        if (message.number != m_number) return; // too late: nobody waits for this answer any more
+        if (message.number != m_number) return; // too late: the request has timed out
         m_answer = std::move(message.answer);
         m_changed.notify_all();
     }

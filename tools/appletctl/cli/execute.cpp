@@ -101,7 +101,7 @@ void requireAgreement(const Options& options, const std::string& name) {
     if (!isProtected(options)) return;
     const std::string quoted = "'" + name + "'";
     if (options.look)
-        throw UsageError(quoted + " would write to the board, and --look only looks: leave --look out");
+        throw UsageError(quoted + " would write to the board, which --look prevents: leave --look out");
     if (options.of<YesOption>().isGiven) return;
     if (isatty(STDIN_FILENO) == 0)
         throw UsageError(

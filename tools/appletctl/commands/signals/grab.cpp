@@ -182,7 +182,7 @@ Report grabPictures(Context& context, const Words& words) {
     const Options& options = context.options();
     requireBoard(options, "grab");
     if (options.look)
-        throw UsageError("'grab' starts an acquisition, and --look only looks: leave --look out");
+        throw UsageError("'grab' starts an acquisition, which --look prevents: leave --look out");
     GrabRequest request(options, words);
     Waiting waiting(context);
     requireStation(options, context.host(), "'grab'");

@@ -39,7 +39,7 @@ void addStation(CLI::App& command, Options& options) {
 
 void requireSetUpAllowed(const Options& options, const std::string& option) {
     requireVirtualBoard(options, option);
-    if (options.look) throw UsageError(option + " sets parameters, and --look only looks: leave --look out");
+    if (options.look) throw UsageError(option + " sets parameters, which --look prevents: leave --look out");
 }
 
 std::optional<StationFile> stationOf(const Options& options) {

@@ -257,7 +257,7 @@ HttpAnswer recordPictures(SharedStation& station, const HttpRequest& request, co
         const LivePictures::Picture picture = pictures.newerThan(last, due);
         if (picture == nullptr)
             throw HttpError(status::unavailable, "none",
-                            "only " + numberText(i) + " pictures came in 30 seconds");
+                            "only " + numberText(i) + " pictures arrived in 30 seconds");
         last = picture->number();
         pages.add(picture->view());
         if (pages.bytes().size() > mostBytes)

@@ -67,7 +67,7 @@ applet_tools::MissingPicture SharedStation::whyNoPicture() const {
     const LivePictures::State state = pictures->state();
     if (state.isPaused) return {"the acquisition is paused", {}};
     if (!state.suspendedBy.empty())
-        return {"'" + state.suspendedBy + "' takes the pictures now; they come back after it", {}};
+        return {"'" + state.suspendedBy + "' takes the pictures now; they continue afterwards", {}};
     if (!state.isRunning) return {"no acquisition runs", {}};
     const applet_tools::WaitStart atPicture =
         m_samples.empty() || !state.hasPicture ? state.start : m_atPicture;
