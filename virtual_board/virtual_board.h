@@ -382,7 +382,7 @@ int64_t vboard_signals(LOOMdevice* board, unsigned select, uint64_t from, uint64
 enum { VBOARD_CAMERA = 0, VBOARD_BUFFER = 1, VBOARD_OUTPUT = 2 };
 /** Injects an image at a debug point with its input on: rows of red, green and blue in 16 bits each, copied.
  *  Needs a running acquisition of the station. VBOARD_UNKNOWN: no such point, input off, no acquisition,
- *  invalid size (at most VBOARD_WIDEST x VBOARD_HIGHEST and VBOARD_MOST_PIXELS), or no space in the buffer. */
+ *  invalid size (at most VBOARD_WIDEST x VBOARD_HIGHEST and VBOARD_MOST_PIXELS), or no space for it now. */
 int vboard_inject(LOOMdevice* board, int point, uint32_t width, uint32_t height, const uint16_t* components);
 
 /** Why the last write of 1 to a debug point's _Insert injected no image of its _DebugFile, such as "its
