@@ -88,7 +88,7 @@ int vexo_last_code(void);
  *  the same thread. */
 const char* vexo_last_error(void);
 
-/** The same as a JSON object, never null. Always: "code", "symbol", "meaning", "words". For a refused value
+/** The same as a JSON object, never null. Always: "code", "symbol", "meaning", "message". For a refused value
  *  also "name", "requested" {"value", "symbol"}, "limit" {"minimum", "maximum", "step"} (for numbers), and,
  *  if the station gives advice, "nearest" {"value"}, "setBy" [{"limit", "parameter", "with", "becomes"}],
  *  "acceptedWith" ["FG_XOFFSET=0", ...]. For an unknown name "suggestions" ["FG_WIDTH", ...]. Valid as the
