@@ -71,7 +71,7 @@ int record(int code, const std::string& words, const ordered_json& members) noex
     last.hasWords = false;
     try {
         ordered_json details = codeAsJson(code);
-        details["words"] = words;
+        details["message"] = words;
         if (members.is_object()) details.update(members);
         last.words = words;
         last.details = details.dump(-1, ' ', false, ordered_json::error_handler_t::replace);

@@ -90,11 +90,11 @@ int vexo_last_code(void);
  *  of the same thread. */
 const char* vexo_last_error(void);
 
-/** Returns the details as a JSON object, never null. Members: "code", "symbol", "meaning" and "words" (the
- *  message). For a refused value also "name", "requested" {"value", "symbol"}, "limit" {"minimum", "maximum",
- *  "step"} (for numbers), and, if the station gives advice, "nearest" {"value"}, "setBy" [{"limit",
- *  "parameter", "with", "becomes"}], "acceptedWith" ["FG_XOFFSET=0", ...]. For an unknown name "suggestions"
- *  ["FG_WIDTH", ...]. Valid as long as the message. */
+/** Returns the details as a JSON object, never null. Members: "code", "symbol", "meaning", "message". For a
+ *  refused value also "name", "requested" {"value", "symbol"}, "limit" {"minimum", "maximum", "step"} (for
+ *  numbers), and, if the station gives advice, "nearest" {"value"}, "setBy" [{"limit", "parameter", "with",
+ *  "becomes"}], "acceptedWith" ["FG_XOFFSET=0", ...]. For an unknown name "suggestions" ["FG_WIDTH", ...].
+ *  Valid as long as the message. */
 const char* vexo_last_details(void);
 
 /** Releases a text that a function returned as `char*`. Does nothing for null. */

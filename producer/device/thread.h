@@ -31,8 +31,8 @@ private:
     sigset_t m_before{};
 };
 
-/** Starts a thread with all signals blocked, so that the client's own threads receive them. Throws RESOURCE_EXHAUSTED. */
-template <typename Function> std::thread quietThread(Function function) {
+/** Starts a thread with all signals blocked, so that the client's own threads handle them. Throws RESOURCE_EXHAUSTED. */
+template <typename Function> std::thread startThread(Function function) {
     const SignalBlocker blocker;
     try {
         return std::thread(std::move(function));
@@ -41,9 +41,8 @@ template <typename Function> std::thread quietThread(Function function) {
     }
 }
 
-/** Runs a function that allocates memory. If the allocation fails, an event or a picture is lost, and the thread
- *  continues. */
-template <typename Work> void withMemory(Work work) {
+/** Runs a function. If it runs out of memory, an event or a picture is lost, and the thread continues. */
+template <typename Work> void unlessOutOfMemory(Work work) {
     try {
         work();
     } catch (const std::bad_alloc&) {

@@ -120,8 +120,8 @@ public:
                 if (result == VEXO_TIMEOUT) vexo_now(handle, &tick);
                 return result;
             });
-            const bool isOver = static_cast<double>(tick) >= end || (wall >= 0 && wallLeft <= slice);
-            if (code != VEXO_TIMEOUT || isOver) return code;
+            const bool isLastSlice = wall >= 0 && wallLeft <= slice;
+            if (code != VEXO_TIMEOUT || isLastSlice || static_cast<double>(tick) >= end) return code;
             if (PyErr_CheckSignals() != 0) throw py::error_already_set();
         }
     }

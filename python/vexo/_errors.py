@@ -12,14 +12,14 @@ class Error(Exception):
     """
 
     def __init__(self, details: dict):
-        super().__init__(details["words"])
+        super().__init__(details["message"])
         self.details = details
         self.code: int = details["code"]
         self.symbol: str = details["symbol"]
         self.meaning: str = details["meaning"]
 
     def __str__(self) -> str:
-        return self.details["words"]
+        return self.details["message"]
 
     def __reduce__(self):
         return type(self), (self.details,)
@@ -108,10 +108,10 @@ def error_of(text: str) -> Error:
 def invalid(words: str) -> InvalidArgument:
     """Returns the exception for an argument that is checked before the call of libvexo."""
     return InvalidArgument({"code": -20002, "symbol": "VEXO_ERR_ARGUMENT",
-                            "meaning": "an argument beyond its limits", "words": words})
+                            "meaning": "an argument beyond its limits", "message": words})
 
 
 def closed() -> Closed:
     """Returns the exception for a use of a closed station."""
     return Closed({"code": -20010, "symbol": "VEXO_ERR_STATE", "meaning": "not possible now",
-                   "words": "the station is closed"})
+                   "message": "the station is closed"})

@@ -40,8 +40,8 @@ TEST_F(VirtualBoard, NumbersAreAccessedWithEveryTagAndLogged) {
               (Lines{"set " + width + " i64 2048", "set " + period + " u32 150",
                      "set " + period + " f64 0.30000000000000004", "set Device2_LinkMonitor_Skew f64 -1e+300",
                      "get " + width + " u32 2048", "get " + width + " f64 2048",
-                     "get Device2_LinkMonitor_Skew i64 -9223372036854775808", "set Device2_LinkMonitor_Skew f64 nan",
-                     "get Device2_LinkMonitor_Skew i64 0"}));
+                     "get Device2_LinkMonitor_Skew i64 -9223372036854775808",
+                     "set Device2_LinkMonitor_Skew f64 nan", "get Device2_LinkMonitor_Skew i64 0"}));
 }
 
 TEST_F(VirtualBoard, RefusesWrongIdsTypesAndHandles) {

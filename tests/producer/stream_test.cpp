@@ -186,6 +186,19 @@ TEST_F(ProducerInRealTime, WithoutBuffersTheDmaWaitsAndTheBoardLosesImages) {
     }
 }
 
+TEST_F(ProducerStream, SteppedTimePassesOnlyForQueuedBuffers) {
+    session.queueBuffers(1);
+    session.start();
+    const BUFFER_HANDLE buffer = session.fetch();
+    ASSERT_NE(buffer, nullptr);
+    const std::int64_t before = session.get("Timestamp");
+    EXPECT_EQ(session.fetch(300), nullptr);
+    EXPECT_EQ(session.get("Timestamp"), before);
+    ok(DSQueueBuffer(session.stream, buffer));
+    EXPECT_NE(session.fetch(), nullptr);
+    EXPECT_GT(session.get("Timestamp"), before);
+}
+
 TEST_F(ProducerStream, SetReportsChangedLimits) {
     EVENT_HANDLE events{};
     ok(GCRegisterEvent(session.device, EVENT_FEATURE_INVALIDATE, &events));

@@ -14,7 +14,7 @@ BoardAcquisition::BoardAcquisition(BoardStation& station, Clock::Kind clock, Eve
     , m_station(station)
     , m_clock(station, clock)
     , m_onEvent(std::move(onEvent))
-    , m_thread(quietThread([this] { run(); })) {}
+    , m_thread(startThread([this] { run(); })) {}
 
 BoardAcquisition::~BoardAcquisition() { finish(); }
 
@@ -105,7 +105,7 @@ void BoardAcquisition::run() {
 
 void BoardAcquisition::giveEvents() {
     applet_host::takeEvents(m_station.board(), m_station.device(), [this](const vboard_event& event) {
-        withMemory([&] {
+        unlessOutOfMemory([&] {
             if (const EventKind* kind = m_station.eventOfDesign(event.name))
                 m_onEvent(*kind, event.tick * DeviceStation::nanosecondsPerTick);
         });
@@ -125,7 +125,7 @@ bool BoardAcquisition::deliverOne(std::unique_lock<std::mutex>& lock) {
     const Picture picture = make(number, *destination);
     lock.lock();
     // The mutex is held, so that a client that has the last picture finds the acquisition ended.
-    withMemory([&] { sink.end(picture); });
+    unlessOutOfMemory([&] { sink.end(picture); });
     m_isMaking = false;
     m_changed.notify_all();
     if (isDone()) return false; // stopped in the meantime
@@ -145,7 +145,7 @@ Picture BoardAcquisition::make(std::int64_t number, std::span<std::uint8_t> dest
     const std::uint8_t* made = destination.data();
     int result = format.bits == format.appletBits ? makeIn(destination) : VBOARD_TOO_SMALL;
     if (result == VBOARD_TOO_SMALL) {
-        withMemory([&] {
+        unlessOutOfMemory([&] {
             if (m_made.size() < m_geometry.bytes()) m_made.resize(m_geometry.bytes());
             result = makeIn(m_made);
             made = m_made.data();

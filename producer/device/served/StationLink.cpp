@@ -35,7 +35,7 @@ Descriptor connected(const std::string& name) {
 StationLink::StationLink(const std::string& name)
     : m_name(name)
     , m_socket(connected(name))
-    , m_thread(quietThread([this] { work(); })) {
+    , m_thread(startThread([this] { work(); })) {
     try {
         ask<Done>(Hello());
     } catch (...) {
@@ -114,7 +114,7 @@ template <typename Function> void StationLink::withListener(Function function) {
     if (m_listener == nullptr) return;
     m_isCalling = true;
     lock.unlock();
-    withMemory([&] { function(*m_listener); });
+    unlessOutOfMemory([&] { function(*m_listener); });
     lock.lock();
     m_isCalling = false;
     m_changed.notify_all();

@@ -30,6 +30,13 @@ class Panels(Journey):
             expect(page.locator("#p-FG_LINEEXPOSURE")).to_have_value(value)
         expect(error).to_contain_text("'1,024' is not a floating point number")
 
+    def test_a_chosen_entry_is_set(self):
+        page = self.open(self.still)
+        self.addCleanup(self.still.run, "set", "FG_BITALIGNMENT=FG_LEFT_ALIGNED")
+        page.fill("#search", "FG_BITALIGNMENT")
+        page.select_option("#p-FG_BITALIGNMENT", label="Right Aligned")
+        self.assertTrue(until(page, lambda: self.still.value("FG_BITALIGNMENT") == 0))
+
     def test_a_draft_stays_until_it_is_sent(self):
         page = self.open(self.belt)
         self.addCleanup(self.belt.run, "set", "FG_HEIGHT=512")

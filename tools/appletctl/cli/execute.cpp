@@ -228,34 +228,49 @@ Report executeOn(Context& context, const Request& request, bool isOnlyCommand) {
     return report;
 }
 
+/** True if --station is given. The environment variable is for all command lines, so it does not count. */
+bool namesStation(const Words& words) {
+    return std::ranges::any_of(
+        words, [](const std::string& word) { return word == "--station" || word.starts_with("--station="); });
+}
+
+Request refused(Request request, const std::string& why) {
+    request.misused = nameOf(request);
+    request.command = nullptr;
+    request.outcome = failureReport("usage", why, exitUsage);
+    return request;
+}
+
 /** `board` says how the board was chosen. */
 Request onSameBoard(Request request, const Options& options, const char* board, bool mayBeSession) {
     if (request.command == nullptr) return request;
     const std::string name = nameOf(request);
-    std::string refusal;
     if (static_cast<const BoardOptions&>(request.options) != options)
-        refusal = std::string("the board cannot be changed here: give --board, --bridge, --applet, --offline "
-                              "and --look to ") +
-                  board;
-    else if (!isForLines(*request.command) &&
-             !(mayBeSession && request.command->kind == Command::Kind::session))
-        refusal = "'" + name + "' does not work within another command";
-    if (refusal.empty()) return request;
-    request.misused = name;
-    request.command = nullptr;
-    request.outcome = failureReport("usage", refusal, exitUsage);
+        return refused(std::move(request),
+                       std::string("the board cannot be changed here: give --board, --bridge, --applet, "
+                                   "--offline and --look to ") +
+                           board);
+    if (!isForLines(*request.command) && !(mayBeSession && request.command->kind == Command::Kind::session))
+        return refused(std::move(request), "'" + name + "' does not work within another command");
     return request;
+}
+
+/** A line of a shell or a scenario is for the board and the station of the first command. */
+Request onSameStation(Request request, const Words& words, const Options& options) {
+    if (request.command != nullptr && namesStation(words))
+        return refused(std::move(request),
+                       "the station cannot be changed here: give --station to the first command");
+    return onSameBoard(std::move(request), options, "the first command", false);
 }
 
 } // namespace
 
 Request parseLine(const Words& words, const Options& options) {
-    return onSameBoard(parseCommandLine(words, options), options, "the first command", false);
+    return onSameStation(parseCommandLine(words, options), words, options);
 }
 
 Request parseShellLine(const Words& words, const Options& options) {
-    return onSameBoard(parseCommandLine(words, options, shellCommands()), options, "the first command",
-                       false);
+    return onSameStation(parseCommandLine(words, options, shellCommands()), words, options);
 }
 
 Request parseForStation(const Words& words, const Options& options) {
@@ -267,17 +282,13 @@ Report execute(const Request& request, Context& context) { return executeOn(cont
 
 namespace {
 
-/** Refuses --station with the commands that start, list or end stations: it would have no effect. The environment
- *  variable is for all command lines, so it is ignored there. */
+/** Refuses --station with the commands that start, list or end stations: it would have no effect. */
 void requireNoStation(const Command& command, const Words& words) {
-    if (!command.managesStations) return;
+    if (!command.managesStations || !namesStation(words)) return;
     const std::string name = fullName(command);
-    for (const std::string& word : words)
-        if (word == "--station" || word.starts_with("--station="))
-            throw UsageError("'" + name + "' is not executed by a station: leave --station out" +
-                             (command.argument != nullptr
-                                  ? "; the name is a word, as in 'appletctl " + name + " NAME'"
-                                  : ""));
+    throw UsageError(
+        "'" + name + "' is not executed by a station: leave --station out" +
+        (command.argument != nullptr ? "; the name is a word, as in 'appletctl " + name + " NAME'" : ""));
 }
 
 } // namespace

@@ -228,8 +228,9 @@ void LivePictures::work() {
 }
 
 void LivePictures::watch(std::unique_lock<std::mutex>& lock) {
-    while (m_state.isRunning && !m_isEnding) {
-        if (!waitForPicture(lock)) return;
+    while (!isOver()) {
+        if (waitForDemand(lock)) askBoard(lock);
+        if (isOver()) return;
         renderWanted(lock);
         if (m_isStopPosted || isWatched()) continue;
         m_isStopPosted = true;
@@ -240,6 +241,8 @@ void LivePictures::watch(std::unique_lock<std::mutex>& lock) {
 }
 
 bool LivePictures::isOver() const { return !m_state.isRunning || m_isEnding; }
+
+bool LivePictures::isInDemand() const { return isOver() || isReceived(); }
 
 std::int64_t LivePictures::waitOnBoard(std::unique_lock<std::mutex>& lock, std::int64_t picture) {
     const double speed = m_factor == 0 ? 1 : m_factor;
@@ -252,26 +255,27 @@ std::int64_t LivePictures::waitOnBoard(std::unique_lock<std::mutex>& lock, std::
     return last;
 }
 
-/** Waits for a picture, for a short time. Returns false at the end of the acquisition. */
-bool LivePictures::waitForPicture(std::unique_lock<std::mutex>& lock) {
-    const auto isPressing = [this] { return isOver() || isReceived(); };
-    // Waiting advances stepped time, which is done for receivers only.
+/** Waits until a picture is needed: at once for a receiver, otherwise until the next view is due. Waiting on the board
+ *  advances stepped time, which is done for receivers only. Returns false if no picture is needed. */
+bool LivePictures::waitForDemand(std::unique_lock<std::mutex>& lock) {
     const bool isStepped = m_factor == 0;
-    if (isStepped && !m_changed.wait_for(lock, longestPiece, isPressing)) return true;
-    m_changed.wait_until(lock, m_nextView, isPressing);
-    if (isOver()) return false;
+    if (isStepped)
+        return m_changed.wait_for(lock, longestPiece, [this] { return isInDemand(); }) && !isOver();
+    m_changed.wait_until(lock, m_nextView, [this] { return isInDemand(); });
+    return !isOver();
+}
 
+/** Waits on the board for the next picture, for a short time, and counts the pictures that have arrived. */
+void LivePictures::askBoard(std::unique_lock<std::mutex>& lock) {
     const std::int64_t next = m_last + 1;
     const std::int64_t last = waitOnBoard(lock, next);
-    if (isOver()) return false;
+    if (isOver()) return;
     const bool isEndedByOthers = last < 0 && last != VBOARD_TIMEOUT;
     if (isEndedByOthers) m_changed.wait_for(lock, longestPiece, [this] { return isOver(); });
-    if (last >= next) {
-        note(last);
-        // Without viewers, pictures are only counted.
-        if (!isViewed()) m_changed.wait_for(lock, 2ms, isPressing);
-    }
-    return !isOver();
+    if (last < next) return;
+    note(last);
+    // Without viewers, pictures are only counted.
+    if (!isViewed()) m_changed.wait_for(lock, 2ms, [this] { return isInDemand(); });
 }
 
 void LivePictures::renderWanted(std::unique_lock<std::mutex>& lock) {

@@ -103,12 +103,14 @@ private:
     bool isReceived() const;
     bool isViewed() const;
     bool mustStart() const;
-    bool isOver() const; // the acquisition
+    bool isOver() const;     // the acquisition
+    bool isInDemand() const; // whether a receiver wants a picture; also at the end
     void retryStart();
     /** The thread. */
     void work();
     void watch(std::unique_lock<std::mutex>& lock);
-    bool waitForPicture(std::unique_lock<std::mutex>& lock);
+    bool waitForDemand(std::unique_lock<std::mutex>& lock);
+    void askBoard(std::unique_lock<std::mutex>& lock);
     /** Waits for a picture without the lock, for a short time. Returns the number of the last picture, or an error. */
     std::int64_t waitOnBoard(std::unique_lock<std::mutex>& lock, std::int64_t picture);
     void renderWanted(std::unique_lock<std::mutex>& lock);

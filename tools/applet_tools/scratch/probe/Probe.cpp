@@ -184,6 +184,7 @@ std::vector<int> Probe::answers(std::size_t index, const std::vector<Value>& val
     if (values.empty()) return {};
     const Target target{&at(index)};
     const auto present = std::ranges::find(values, readValue(m_session.instance(), target).value);
+    // If the present value is among them, it is set last: then an accepted one need not be taken back at once.
     std::vector<int> codes;
     codes.reserve(values.size());
     for (const Value& value : values) {
