@@ -368,6 +368,15 @@ TEST(ProducerSteps, EachStepHasItsCode) {
     }
 }
 
+TEST(ProducerSteps, AnIdEndsWithANulCharacter) {
+    support::ProducerSession session;
+    std::string text(64, 'x');
+    size_t size = text.size();
+    support::ok(TLGetInterfaceID(session.tl, 0, text.data(), &size));
+    EXPECT_STREQ(text.c_str(), interfaceId);
+    EXPECT_EQ(size, std::strlen(interfaceId) + 1);
+}
+
 INSTANTIATE_TEST_SUITE_P(States, ProducerCalls, testing::Bool());
 
 TEST(ProducerSteps, LastErrorDescribesTheFailure) {

@@ -53,10 +53,13 @@ public:
     /** True when the design's parameters are published although the user has not enabled that. */
     bool isDesignHidden() const { return m_isDesignHidden; }
     LoadHistory& loads() { return m_loads; }
+    /** Ids of the parameters that writeValue() has set; a reader may clear it. */
+    std::set<int>& sets() { return m_sets; }
 
 private:
     bool m_isDesignHidden = false;
     LoadHistory m_loads;
+    std::set<int> m_sets;
     std::shared_ptr<const applet_host::AppletHost> m_host;
     std::shared_ptr<applet_host::Session> m_session; // null offline
     applet_host::GrabberHandle m_offline;

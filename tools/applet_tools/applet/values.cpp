@@ -190,8 +190,10 @@ int writeValue(Instance& instance, const Target& target, const Value& value) {
             return static_cast<int>(FG_ERR_NOT_SUPPORTED); // for a whole array: parseValue returns none
         },
         value);
+    if (code != FG_OK) return code;
+    instance.sets().insert(target.parameter->id);
     const bool isOffline = instance.device() == nullptr; // where some values cannot be read
-    if (code == FG_OK && (isOffline || !instance.loads().texts.empty()))
+    if (isOffline || !instance.loads().texts.empty())
         instance.loads().setSince.insert(target.parameter->id);
     return code;
 }

@@ -7,6 +7,7 @@
 #include "applet_tools/base/text.h"
 
 #include "vexo/fg_errors.h"
+#include "vexo/fg_parameters.h"
 
 #include <algorithm>
 #include <cmath>
@@ -18,6 +19,8 @@
 namespace applet_tools {
 namespace {
 
+constexpr const char* continuedCount[] = {"FG_SHAFTENCODER_COMPENSATION_COUNT",
+                                          "DLOOMA_Device1_Process0_Trigger_Trigger_EncoderCompensationCount"};
 constexpr std::size_t mostSteps = 50; // a step is some hundred kilobytes, and a station runs for long
 
 /** Calls `use` for the design parameters that the applet writes; the rest is status. */
@@ -127,6 +130,7 @@ void History::begin(const std::string& line) {
     try {
         m_begin = now();
         m_begin->line = line;
+        m_live.instance().sets().clear();
         if (m_live.instance().device() == nullptr)
             m_live.instance().loads() = {}; // offline, for its own sets
     } catch (const std::runtime_error&) {   // no applet; the command reports that
@@ -134,8 +138,18 @@ void History::begin(const std::string& line) {
     }
 }
 
+/** The board continues this count. If the command has not set it, its change is none of the command's. */
+void History::forgetContinuedCount() {
+    if (m_live.instance().sets().contains(FG_SHAFTENCODER_COMPENSATION_COUNT)) return;
+    for (const char* name : continuedCount) {
+        m_begin->values.erase(name);
+        m_begin->design.erase(name);
+    }
+}
+
 void History::end() {
     if (!m_begin || !m_live.isUp()) return;
+    forgetContinuedCount();
     const Moment after = now();
     const auto isSettable = [&](const std::string& name) { return settable().contains(name); };
     const Words differing = differingNames(m_begin->values, after.values);

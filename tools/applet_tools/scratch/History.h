@@ -60,6 +60,7 @@ private:
     };
 
     Moment now();
+    void forgetContinuedCount();
     const std::set<std::string>& settable();
     Wanted wantedValues(const Moment& moment);
     void rewrite(const Wanted& wanted, bool withModes);

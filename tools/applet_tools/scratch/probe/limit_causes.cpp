@@ -14,14 +14,17 @@ bool isWider(const Value& a, const Value& b, End end) {
     return end == End::maximum ? rankOf(a) > rankOf(b) : rankOf(a) < rankOf(b);
 }
 
-bool isTaken(Probe& probe, const Subject& subject, const Value& number) {
+/** A number that is only off the grid is inside: the grid of a range of one number is not known. */
+bool isInside(Probe& probe, const Subject& subject, const Value& number) {
     const Value value =
         subject.elements ? Elements(subject.elements->count(), std::get<std::uint32_t>(number)) : number;
-    return probe.answer(subject.in(probe), value) == FG_OK;
+    const int code = probe.answer(subject.in(probe), value);
+    return code == FG_OK || code == FG_ERR_GRANULARITY;
 }
 
 /** For each parameter that sets this end of the range, the change that moves the end farthest out. */
-std::vector<Widening> wideningsOf(Probe& probe, const Subject& subject, const Value& beyond, End end) {
+std::vector<Widening> wideningsOf(Probe& probe, const Subject& subject, const MeasuredRange& range,
+                                  const Value& beyond, End end) {
     std::vector<Widening> widenings;
     for (std::size_t index = 0; index < probe.count(); ++index) {
         if (index == subject.index) continue;
@@ -32,9 +35,9 @@ std::vector<Widening> wideningsOf(Probe& probe, const Subject& subject, const Va
         std::optional<Widest> best;
         for (const Value& value : probe.otherValues(index)) {
             probe.tryChange({index, value}, [&] {
-                if (!isTaken(probe, subject, beyond)) return;
+                if (!isInside(probe, subject, beyond)) return;
                 const auto wider = measuredRange(probe, subject.in(probe));
-                if (wider && (!best || isWider(endOf(*wider, end), best->limit, end)))
+                if (wider && isWider(endOf(*wider, end), best ? best->limit : endOf(range, end), end))
                     best = Widest{{index, value}, endOf(*wider, end)};
             });
         }
@@ -48,7 +51,7 @@ std::vector<Widening> wideningsOf(Probe& probe, const Subject& subject, const Va
 std::vector<DesignCause> designRead(Probe& probe, const Subject& subject, const Value& accepted) {
     Instance& instance = probe.session().instance();
     logAccesses(instance);
-    isTaken(probe, subject, accepted);
+    isInside(probe, subject, accepted);
     std::vector<DesignCause> read;
     for (const std::string& line : takeAccessLog(instance)) {
         const LoggedAccess access = loggedAccess(line);
@@ -72,7 +75,7 @@ std::vector<DesignCause> designCausesOf(Probe& probe, const Subject& subject, co
             return instance.board().poke_int(instance.device(), read.parameter.c_str(), value) == VBOARD_OK;
         };
         if (!put(*held + 1)) continue;
-        if (isTaken(probe, subject, beyond)) causes.push_back(read);
+        if (isInside(probe, subject, beyond)) causes.push_back(read);
         put(*held);
         probe.restore();
     }
@@ -84,7 +87,7 @@ std::vector<DesignCause> designCausesOf(Probe& probe, const Subject& subject, co
 LimitCauses causesOf(Probe& probe, const Subject& subject, const MeasuredRange& range, End end) {
     const auto beyond = firstBeyond(range, end);
     if (!beyond) return {.parameters = {}, .design = {}, .isEndOfType = true};
-    return {.parameters = wideningsOf(probe, subject, *beyond, end),
+    return {.parameters = wideningsOf(probe, subject, range, *beyond, end),
             .design = designCausesOf(probe, subject, range, *beyond, end)};
 }
 
