@@ -3,8 +3,6 @@
 #include "applet_tools/applet/access_log.h"
 #include "applet_tools/base/numbers.h"
 
-#include "vexo/fg_errors.h"
-
 #include <algorithm>
 
 namespace applet_tools {
@@ -12,12 +10,6 @@ namespace {
 
 bool isWider(const Value& a, const Value& b, End end) {
     return end == End::maximum ? rankOf(a) > rankOf(b) : rankOf(a) < rankOf(b);
-}
-
-bool isTaken(Probe& probe, const Subject& subject, const Value& number) {
-    const Value value =
-        subject.elements ? Elements(subject.elements->count(), std::get<std::uint32_t>(number)) : number;
-    return probe.answer(subject.in(probe), value) == FG_OK;
 }
 
 /** For each parameter that sets this end of the range, the change that moves the end farthest out. */
@@ -32,7 +24,7 @@ std::vector<Widening> wideningsOf(Probe& probe, const Subject& subject, const Va
         std::optional<Widest> best;
         for (const Value& value : probe.otherValues(index)) {
             probe.tryChange({index, value}, [&] {
-                if (!isTaken(probe, subject, beyond)) return;
+                if (!isAccepted(probe, subject.in(probe), beyond)) return;
                 const auto wider = measuredRange(probe, subject.in(probe));
                 if (wider && (!best || isWider(endOf(*wider, end), best->limit, end)))
                     best = Widest{{index, value}, endOf(*wider, end)};
@@ -48,7 +40,7 @@ std::vector<Widening> wideningsOf(Probe& probe, const Subject& subject, const Va
 std::vector<DesignCause> designRead(Probe& probe, const Subject& subject, const Value& accepted) {
     Instance& instance = probe.session().instance();
     logAccesses(instance);
-    isTaken(probe, subject, accepted);
+    isAccepted(probe, subject.in(probe), accepted);
     std::vector<DesignCause> read;
     for (const std::string& line : takeAccessLog(instance)) {
         const LoggedAccess access = loggedAccess(line);
@@ -72,7 +64,7 @@ std::vector<DesignCause> designCausesOf(Probe& probe, const Subject& subject, co
             return instance.board().poke_int(instance.device(), read.parameter.c_str(), value) == VBOARD_OK;
         };
         if (!put(*held + 1)) continue;
-        if (isTaken(probe, subject, beyond)) causes.push_back(read);
+        if (isAccepted(probe, subject.in(probe), beyond)) causes.push_back(read);
         put(*held);
         probe.restore();
     }
