@@ -398,7 +398,9 @@ enum vexo_memory {
     VEXO_RING = 1  /**< the oldest picture is overwritten */
 };
 
-/** Starts an acquisition without end into a memory of `frames` frames (1 to 65536), which take no space of
+#define VEXO_MOST_FRAMES 65536 /**< of a memory */
+
+/** Starts an acquisition without end into a memory of `frames` frames (1 to VEXO_MOST_FRAMES), which take no space of
  *  their own. One can run at a time: VEXO_ERR_STATE. */
 int vexo_start(vexo_station* station, uint32_t frames, int memory);
 
