@@ -67,8 +67,6 @@ void passTime(vexo_station& station, Ticks now, Ticks end) {
 
 } // namespace
 
-static_assert(VEXO_TICKS_PER_SECOND == applet_tools::ticksPerSecond);
-
 namespace host {
 
 applet_tools::StationFile readStation(const std::string& file) {
