@@ -62,11 +62,9 @@ void Acquisition::stop() { stopAcquisition(m_instance, m_memory); }
 
 std::optional<vboard_record> Acquisition::recordOf(std::int64_t number) const {
     vboard_record record{};
-    std::uint8_t noRoom = 0; // the record is filled in, but nothing is rendered
-    const int code = m_instance.board().frame_into(m_memory.get(), number, &noRoom, 0, &record);
+    const int code = readRecord(m_memory, number, record);
     if (code == VBOARD_NO_MEMORY) throw std::bad_alloc();
-    if (code != VBOARD_TOO_SMALL) return std::nullopt;
-    return record;
+    return code == VBOARD_OK ? std::optional(record) : std::nullopt;
 }
 
 std::optional<std::int64_t> Acquisition::waitFor(std::int64_t number, const Deadline& deadline) {

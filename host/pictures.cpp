@@ -13,6 +13,8 @@ using namespace host;
 
 namespace {
 
+static_assert(VEXO_MOST_FRAMES == applet_tools::mostFrames);
+
 /** The running acquisition. Throws Error. */
 std::shared_ptr<Acquisition> runningOf(vexo_station& station) {
     const std::lock_guard lock(station.acquiring);
@@ -56,8 +58,8 @@ int vexo_start(vexo_station* station, uint32_t frames, int memory) {
     return onLocked(station, [&](vexo_station& own) {
         requireVirtual(own);
         requireWritable(own, "an acquisition");
-        if (frames == 0 || frames > applet_tools::mostFrames)
-            throw Error(VEXO_ERR_ARGUMENT, "the memory has 1 to " + std::to_string(applet_tools::mostFrames) +
+        if (frames == 0 || frames > VEXO_MOST_FRAMES)
+            throw Error(VEXO_ERR_ARGUMENT, "the memory has 1 to " + std::to_string(VEXO_MOST_FRAMES) +
                                                " frames; " + std::to_string(frames) + " were requested");
         if (memory != VEXO_KEEP && memory != VEXO_RING)
             throw Error(VEXO_ERR_ARGUMENT, "the kind of the memory is neither VEXO_KEEP nor VEXO_RING");

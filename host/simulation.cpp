@@ -5,6 +5,7 @@
 #include "applet_tools/applet/timing/ticks.h"
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/files.h"
+#include "applet_tools/base/numbers.h"
 #include "applet_tools/base/text.h"
 #include "applet_tools/station/EventLog.h"
 #include "applet_tools/station/waves.h"
@@ -24,6 +25,7 @@ using namespace host;
 
 namespace {
 
+using applet_tools::numberText;
 using applet_tools::Ticks;
 
 static_assert(VEXO_TICKS_PER_SECOND == applet_tools::ticksPerSecond);
@@ -65,8 +67,6 @@ void passTime(vexo_station& station, Ticks now, Ticks end) {
 
 } // namespace
 
-static_assert(VEXO_TICKS_PER_SECOND == applet_tools::ticksPerSecond);
-
 namespace host {
 
 applet_tools::StationFile readStation(const std::string& file) {
@@ -100,8 +100,9 @@ void setUp(vexo_station& station, const applet_tools::StationFile& file) {
 int vexo_clock(vexo_station* station, double factor) {
     return onBoard(station, [&](vexo_station&, const applet_host::BoardFunctions& board, LOOMdevice* device) {
         if (board.clock(device, factor) != VBOARD_OK)
-            throw Error(VEXO_ERR_ARGUMENT, "the factor of the clock is " + applet_tools::numberText(factor) +
-                                               "; 0 (stepped) or 0.001 to 1000 is accepted");
+            throw Error(VEXO_ERR_ARGUMENT, "the factor of the clock is " + numberText(factor) +
+                                               "; 0 (stepped) or " + numberText(VBOARD_SLOWEST_CLOCK) +
+                                               " to " + numberText(VBOARD_FASTEST_CLOCK) + " is accepted");
     });
 }
 

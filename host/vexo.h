@@ -405,7 +405,9 @@ enum vexo_memory {
     VEXO_RING = 1  /**< the oldest picture is overwritten */
 };
 
-/** Starts a continuous acquisition into a memory of `frames` frames (1 to 65536), for which no pixels are
+#define VEXO_MOST_FRAMES 65536 /**< of a memory */
+
+/** Starts a continuous acquisition into a memory of `frames` frames (1 to VEXO_MOST_FRAMES), for which no pixels are
  *  allocated. VEXO_ERR_STATE: an acquisition is running. */
 int vexo_start(vexo_station* station, uint32_t frames, int memory);
 

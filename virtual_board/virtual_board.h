@@ -161,19 +161,23 @@ enum {
  * station and no cost for one. Inputs are numbered 0 to 7 (GPI) and 8 to 11 (front GPI).
  */
 
-/** Limits of lines, images and encoders, and the number of edges that it keeps of each signal. */
+/** Limits of lines, images, encoders, scenes and the clock, and the number of edges that it keeps of each signal. */
 enum {
     VBOARD_WIDEST = 16384,        /**< pixels of a line */
     VBOARD_HIGHEST = 65536,       /**< lines of an image */
     VBOARD_MOST_PIXELS = 1 << 24, /**< of an image */
     VBOARD_KEPT_EDGES = 16384,
     VBOARD_FASTEST_ENCODER = 10000000, /**< quarter steps per second, in either direction */
+    VBOARD_MOST_OBJECTS = 65536,       /**< of a scene */
     VBOARD_GPIS = 8,
     VBOARD_INPUTS = 12, /**< the GPI, then the front GPI */
     VBOARD_TICKS_PER_SECOND = 125000000
 };
+#define VBOARD_LONGEST_PIECE (UINT64_C(1) << 40) /**< ticks of a piece of a movement */
+#define VBOARD_SLOWEST_CLOCK 0.001               /**< how many times as fast as the wall clock */
+#define VBOARD_FASTEST_CLOCK 1000.0              /**< the same */
 
-/** Makes time follow the wall clock, `factor` times as fast (0.001 to 1000), or makes it stepped again from
+/** Makes time follow the wall clock, `factor` times as fast (VBOARD_SLOWEST_CLOCK to VBOARD_FASTEST_CLOCK), or makes it stepped again from
  *  its current value (0). With the clock, each access of the board and each of these functions first advances
  *  time, and a wait for a picture sleeps; other threads may use the board during the wait. Time lags if the
  *  machine is too slow: an access does at most some hundredths of a second of work, followed by at least as
@@ -201,8 +205,8 @@ typedef struct vboard_edge {
 /** Connects a level with edges, sorted by their ticks. They are copied. VBOARD_UNKNOWN: a null array with a
  *  count, or no such input. */
 int vboard_wave_edges(LOOMdevice* board, unsigned input, bool level, const vboard_edge* edges, size_t count);
-/** A number of ticks (at most 2^40) in which the speed changes linearly. Speeds are quarter steps of an
- *  encoder per second, negative backwards, at most ten million. */
+/** A number of ticks (at most VBOARD_LONGEST_PIECE) in which the speed changes linearly. Speeds are quarter steps of an
+ *  encoder per second, negative backwards, at most VBOARD_FASTEST_ENCODER. */
 typedef struct vboard_speed {
     uint64_t ticks;
     int32_t from, to;
@@ -272,7 +276,7 @@ typedef struct vboard_belt_setup {
 } vboard_belt_setup;
 /** Starts a belt in place of a previous one, and connects encoder and barrier. Its position is 0 at the next tick. The
  *  barrier signals its first 65536 edges only. VBOARD_UNKNOWN: a null board or setup, no such input, a speed or a number of
- *  ticks above the maximum, or more than ten million quarter steps of the encoder per second; nothing has changed then. */
+ *  ticks above the maximum, or an encoder faster than VBOARD_FASTEST_ENCODER; nothing has changed then. */
 int vboard_belt(LOOMdevice* board, const vboard_belt_setup* belt);
 
 /** An object on the belt; lengths in micrometres. Its front is at the camera when the belt has moved to `place`. */
@@ -290,7 +294,7 @@ typedef struct vboard_scene_setup {
      *  of each line. */
     const uint16_t* components;
     /** Objects, which are copied. Each shows the image or chart from its front on; the belt between them is dark.
-     *  Overlapping objects form one. At most 65536; 0: the image covers the whole belt. */
+     *  Overlapping objects form one. At most VBOARD_MOST_OBJECTS; 0: the image covers the whole belt. */
     const vboard_object* objects;
     size_t object_count;
     /** Largest deviation of a component; full scale is 65535. Seed, line number and pixel determine the deviation. */

@@ -89,11 +89,6 @@ std::vector<std::string> EventQueue::flush() {
     return events;
 }
 
-void EventQueue::discard(const std::function<bool(const std::string&)>& test) {
-    const std::lock_guard lock(m_mutex);
-    std::erase_if(m_events, test);
-}
-
 bool EventQueue::has(const std::function<bool(const std::string&)>& test) const {
     const std::lock_guard lock(m_mutex);
     return std::ranges::any_of(m_events, test);

@@ -47,8 +47,6 @@ public:
     void kill();
     /** Removes all data and returns it. */
     std::vector<std::string> flush();
-    /** Removes all data for which the test is true. */
-    void discard(const std::function<bool(const std::string&)>& test);
     /** Whether there is data for which the test is true. */
     bool has(const std::function<bool(const std::string&)>& test) const;
     std::size_t size() const;

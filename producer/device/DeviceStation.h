@@ -4,6 +4,7 @@
 
 #include "base/Error.h"
 #include "features/Feature.h"
+#include "virtual_board/virtual_board.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -53,7 +54,7 @@ public:
 
     /** Simulated time in nanoseconds. Throws IO. */
     virtual std::uint64_t nanoseconds() = 0;
-    static constexpr std::uint64_t nanosecondsPerTick = 8;
+    static constexpr std::uint64_t nanosecondsPerTick = 1'000'000'000 / VBOARD_TICKS_PER_SECOND;
 
 protected:
     DeviceStation() = default;

@@ -324,6 +324,7 @@ PYBIND11_MODULE(_vexo, module) {
     module.doc() = "Calls of libvexo for the package vexo";
     module.def("version", vexo_version);
     module.attr("TICKS_PER_SECOND") = VEXO_TICKS_PER_SECOND;
+    module.attr("MOST_FRAMES") = VEXO_MOST_FRAMES;
     bindRecord(module);
     using Text = std::optional<std::string>;
     py::class_<Core> core(module, "Core", py::custom_type_setup(giveAttributes));

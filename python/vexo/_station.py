@@ -292,7 +292,8 @@ class Pictures:
         self._lock = threading.Lock()  # guards _left and _taking
         self._taking = 0  # pictures that threads are taking
         self._waiting = threading.Lock()  # held by the thread that waits for the next picture
-        self._free = threading.Semaphore(whole("frames", frames, 1, 65536))  # frames without a picture being rendered
+        frames = whole("frames", frames, 1, _vexo.MOST_FRAMES)
+        self._free = threading.Semaphore(frames)  # frames without a picture being rendered
         station._start(frames, self._ring)
         self._is_running = True
 

@@ -8,7 +8,6 @@ namespace station {
 namespace {
 
 constexpr std::int64_t unitsOfOne = 2 * static_cast<std::int64_t>(ticksPerSecond); // units of speed
-constexpr Tick longestPiece = Tick{1} << 40;
 
 /** Track A is high after the first and second quarter of a period, B after the second and third. */
 unsigned tracks(std::int64_t step) {

@@ -12,7 +12,7 @@ namespace station {
 
 /** A piece of a movement. Speeds are negative backwards; the user defines their unit and their limit. */
 struct SpeedPiece {
-    Tick ticks = 0; // at most 2^40
+    Tick ticks = 0; // at most Wave::longestPiece
     std::int32_t from = 0;
     std::int32_t to = 0; // changes linearly
 };
@@ -34,6 +34,7 @@ public:
     static Wave beltEncoder(Tick start, const std::vector<SpeedPiece>& pieces, std::uint32_t step);
     static constexpr std::int32_t fastestEncoder = 10'000'000; // quarter steps per second
     static constexpr std::int32_t fastestBelt = 100'000'000;   // micrometres per second
+    static constexpr Tick longestPiece = Tick{1} << 40;
     /** True if no speed is above `fastest`, in either direction, and no piece too long. */
     static bool areWithin(const std::vector<SpeedPiece>& pieces, std::int32_t fastest);
     /** The pieces without empty ones, within the limits, and then the speed of the last one without end: its time is 0. */

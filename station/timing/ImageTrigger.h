@@ -55,7 +55,6 @@ public:
     void cutImage();
 
     bool isBusy() const { return m_hasRange && (m_range.mode != Mode::freeRun || m_isTaking); }
-    bool isImageOpen() const { return m_imageLines > 0; }
     bool level() const { return m_level; }
     /** Triggers and gates that came while it was busy. */
     std::uint64_t ignored() const { return m_ignored; }

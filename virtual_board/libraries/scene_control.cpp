@@ -16,7 +16,6 @@ namespace {
 
 constexpr std::int64_t nanometres = 1000;                // in a micrometre
 constexpr std::int64_t farthest = std::int64_t{1} << 50; // micrometres, so that sums of positions fit
-constexpr std::size_t mostObjects = 65536;
 
 static_assert(VBOARD_WIDEST == station::ImageSize::widest && VBOARD_HIGHEST == station::ImageSize::highest &&
               VBOARD_MOST_PIXELS == station::ImageSize::mostPixels);
@@ -62,7 +61,7 @@ std::shared_ptr<const station::SceneImage> imageOf(const vboard_scene_setup& sce
 }
 
 bool isSound(const vboard_scene_setup& scene) {
-    if (scene.pixel == 0 || scene.noise > 0xffff || scene.object_count > mostObjects) return false;
+    if (scene.pixel == 0 || scene.noise > 0xffff || scene.object_count > VBOARD_MOST_OBJECTS) return false;
     if (scene.components != nullptr && !station::ImageSize::isSound(scene.width, scene.height)) return false;
     if (scene.objects == nullptr) return scene.object_count == 0;
     return std::all_of(scene.objects, scene.objects + scene.object_count, [](const vboard_object& object) {

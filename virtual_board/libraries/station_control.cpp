@@ -15,6 +15,7 @@ namespace {
 
 static_assert(VBOARD_KEPT_EDGES == station::History::capacity);
 static_assert(VBOARD_FASTEST_ENCODER == station::Wave::fastestEncoder);
+static_assert(VBOARD_LONGEST_PIECE == station::Wave::longestPiece);
 static_assert(VBOARD_INPUTS == station::inputCount);
 static_assert(VBOARD_TICKS_PER_SECOND == station::ticksPerSecond);
 
@@ -49,7 +50,8 @@ int codeOf(station::HostMemory::Result result) {
 } // namespace
 
 int vboard_clock(LOOMdevice* board, double factor) {
-    const bool isSound = factor == 0 || (factor >= 1e-3 && factor <= 1e3); // NaN is neither
+    const bool isSound =
+        factor == 0 || (factor >= VBOARD_SLOWEST_CLOCK && factor <= VBOARD_FASTEST_CLOCK); // NaN is neither
     if (board == nullptr || !isSound) return VBOARD_UNKNOWN;
     return guarded(int{VBOARD_NO_MEMORY}, [&] {
         const StationLock lock(*board);

@@ -24,7 +24,9 @@ std::string inWords(const Parameter& parameter, const MeasuredRange& range) {
                        endInWords(parameter, range.maximum, End::maximum);
     if (range.step > 1) text += " in steps of " + numberText(range.step);
     if (!parameter.unit().empty()) text += " " + parameter.unit();
-    return range.step == 0 && range.minimum != range.maximum ? text + ", any value in between" : text;
+    if (range.step > 0 || range.minimum == range.maximum) return text;
+    return text + (std::holds_alternative<double>(range.minimum) ? ", any value in between"
+                                                                 : ", not every value in between");
 }
 
 std::string nothingInWords(int code) {

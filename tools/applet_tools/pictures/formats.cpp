@@ -17,8 +17,6 @@ constexpr PictureFormat formats[] = {{"png", ".png", nullptr, encodePng},
 
 } // namespace
 
-std::span<const PictureFormat> pictureFormats() { return formats; }
-
 const PictureFormat& formatNamed(const std::string& name) {
     std::vector<std::string> names;
     for (const PictureFormat& format : formats) {

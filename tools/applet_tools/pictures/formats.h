@@ -7,7 +7,6 @@
 
 #include <memory>
 #include <optional>
-#include <span>
 #include <string>
 
 namespace applet_tools {
@@ -19,8 +18,6 @@ struct PictureFormat {
     const char* otherSuffix; /**< or null */
     std::string (*encode)(const PictureView& picture);
 };
-
-std::span<const PictureFormat> pictureFormats();
 
 /** Finds a format by its name. Throws UsageError. */
 const PictureFormat& formatNamed(const std::string& name);

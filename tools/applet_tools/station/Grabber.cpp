@@ -29,10 +29,8 @@ Grabber::Outcome Grabber::next(Ticks timeout, const std::function<bool()>& goesO
     }
     if (last < 0) throw Failure("the acquisition has ended: " + codeInWords(static_cast<int>(last)));
     ++m_picture;
-    std::uint8_t noRoom = 0; // fills in the record without drawing
-    if (board.frame_into(m_memory.get(), m_picture, &noRoom, 0, &m_record) != VBOARD_TOO_SMALL)
+    if (readRecord(m_memory, m_picture, m_record) != VBOARD_OK)
         throw Failure("there is no memory left for picture " + numberText(m_picture));
-    m_record.data = nullptr;
     return Outcome::arrived;
 }
 

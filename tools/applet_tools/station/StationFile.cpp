@@ -22,7 +22,7 @@ constexpr const char* speedWanted = "a speed, such as \"500mm/s\"";
 constexpr const char* timeWanted = "a time, such as \"20us\" or \"10ms\"";
 constexpr const char* inputWanted = "an input, such as \"GPI_0\"";
 
-Ticks timeOf(const DocumentField& field, Ticks most = Ticks{1} << 40) {
+Ticks timeOf(const DocumentField& field, Ticks most = VBOARD_LONGEST_PIECE) {
     const Ticks ticks = field.read(timeWanted, [](const std::string& word) { return ticksFrom(word); });
     if (ticks > most) field.refuseAs("a time of at most " + durationText(most));
     return ticks;
@@ -187,7 +187,7 @@ void readScene(const DocumentField& field, const std::string& folder, StationSce
 }
 
 void readObjects(const DocumentField& field, StationScene& scene) {
-    constexpr std::int64_t most = 65536;
+    constexpr std::int64_t most = VBOARD_MOST_OBJECTS;
     for (const DocumentField& one : field.elements("a list of objects", 1, most)) {
         one.requireObject({"place", "length", "times", "every"});
         vboard_object object{micrometresOf(one.at("place", lengthWanted)),
@@ -249,8 +249,9 @@ StationFile parseStation(const std::string& text, const std::string& folder) {
     if (const auto clock = root.find("clock")) {
         station.clock = clock->asNumber();
         const double speed = station.clock.value_or(-1);
-        if (speed != 0 && !(speed >= 1e-3 && speed <= 1000))
-            clock->refuseAs("the speed of the clock, a number from 0.001 to 1000, or 0 for steps");
+        if (speed != 0 && !(speed >= VBOARD_SLOWEST_CLOCK && speed <= VBOARD_FASTEST_CLOCK))
+            clock->refuseAs("the speed of the clock, a number from " + numberText(VBOARD_SLOWEST_CLOCK) +
+                            " to " + numberText(VBOARD_FASTEST_CLOCK) + ", or 0 for steps");
     }
     if (const auto camera = root.find("camera")) station.camera.emplace().camera = cameraOf(*camera);
     if (const auto faults = root.find("faults")) {

@@ -11,6 +11,13 @@ FrameMemory frameMemory(Instance& instance, std::size_t frames, int kind) {
     return {board.memory(instance.device(), frames, frameBytes, kind), FreeFrames{&board}};
 }
 
+int readRecord(const FrameMemory& memory, std::int64_t picture, vboard_record& record) {
+    std::uint8_t noRoom = 0; // for the bytes
+    const int code = memory.get_deleter().board->frame_into(memory.get(), picture, &noRoom, 0, &record);
+    record.data = nullptr;
+    return code == VBOARD_TOO_SMALL ? int{VBOARD_OK} : code;
+}
+
 void startAcquisition(Instance& instance, const FrameMemory& memory) {
     if (memory == nullptr) throw std::bad_alloc();
     constexpr std::intptr_t withoutEnd = 0;

@@ -6,6 +6,7 @@
 #include "applet_tools/base/errors.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 
 namespace applet_tools {
@@ -24,6 +25,10 @@ using FrameMemory = std::unique_ptr<vboard_frames, FreeFrames>;
 /** Memory with this many frames for pictures of any size; a frame uses no memory before its picture is rendered. `kind`:
  *  VBOARD_RING or VBOARD_BLOCKING. Null for no frames. */
 FrameMemory frameMemory(Instance& instance, std::size_t frames, int kind);
+
+/** Fills in the record of a picture without making its bytes: `data` is null. VBOARD_GONE: the picture does not exist;
+ *  VBOARD_NO_MEMORY: there is no memory for its layout. */
+int readRecord(const FrameMemory& memory, std::int64_t picture, vboard_record& record);
 
 /** The applet refused to start an acquisition. */
 struct AcquisitionRefused : Failure {

@@ -48,9 +48,9 @@ vboard_speed pieceFrom(std::string_view word, bool isLast) {
     if (slash == std::string_view::npos && from != to)
         throw UsageError(inQuotedWord(word) + " needs the time in which the speed changes, as in " +
                          std::string(word) + "/50ms");
-    constexpr Ticks longest = Ticks{1} << 40;
+    constexpr Ticks longest = VBOARD_LONGEST_PIECE;
     const Ticks ticks = slash == std::string_view::npos ? 1 : ticksFrom(word.substr(slash + 1));
-    if (ticks > longest) throw UsageError(inQuotedWord(word) + " takes longer than 8796 s");
+    if (ticks > longest) throw UsageError(inQuotedWord(word) + " takes longer than " + durationText(longest));
     return {ticks, from, to};
 }
 

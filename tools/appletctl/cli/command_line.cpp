@@ -30,7 +30,7 @@ void addCommand(CLI::App& program, const Command& command, Request& request) {
         words->expected(1, CLI::detail::expected_max_vector_size);
     }
     if (isOfAnother) added->prefix_command()->fallthrough(false); // including their options
-    if (command.showsValues) addWith(*added, request.options);
+    if (command.showsValues) addWith(*added, request.options, command.managesStations);
     if (command.sets != Command::Sets::nothing) addYes(*added, request.options);
     if (command.addOptions != nullptr) command.addOptions(*added, request.options);
     if (isHidden(command)) added->group("");

@@ -14,12 +14,18 @@ void requireFileName(const std::optional<std::string>& name) {
     if (name && !troubleOfFileName(*name).empty()) throw UsageError(troubleOfFileName(*name));
 }
 
-void addWith(CLI::App& command, Options& options) {
+void addWith(CLI::App& command, Options& options, bool startsWith) {
     auto& own = options.own<WithOption>();
-    command.add_option("--with", own.assignments, "Answer as if this were set; may be given more than once")
+    command
+        .add_option("--with", own.assignments,
+                    std::string(startsWith ? "Set this at the start" : "Do it as if this were set") +
+                        "; may be given more than once")
         ->type_name("NAME=VALUE")
         ->allow_extra_args(false);
-    command.add_option("--from", own.file, "Answer as if this configuration file were loaded")
+    command
+        .add_option("--from", own.file,
+                    startsWith ? "Load this configuration file at the start"
+                               : "Do it as if this configuration file were loaded")
         ->type_name("FILE.mcf")
         ->check(troubleOfFileName);
 }

@@ -14,14 +14,15 @@ class App;
 
 namespace appletctl {
 
-/** --with NAME=VALUE and --from FILE: the state that a command examines, if not the present one. */
+/** --with NAME=VALUE and --from FILE: the state that a command works in, if not the present one. */
 struct WithOption {
     Words assignments;
     std::string file; /**< a configuration file, loaded before the assignments; empty: none */
 
     bool isGiven() const { return !assignments.empty() || !file.empty(); }
 };
-void addWith(CLI::App& command, Options& options);
+/** `startsWith`: what is set stays set while the command runs its board for others. */
+void addWith(CLI::App& command, Options& options, bool startsWith);
 
 /** --yes: do not ask. */
 struct YesOption {

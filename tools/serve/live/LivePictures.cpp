@@ -305,15 +305,13 @@ void LivePictures::note(std::int64_t picture) {
 void LivePictures::render(std::unique_lock<std::mutex>& lock, std::int64_t picture) {
     const std::int64_t number = m_offset + picture;
     lock.unlock();
-    const auto& board = m_instance.board();
     vboard_record record{};
-    std::uint8_t noRoom = 0; // the record is filled in, but nothing is rendered
     Picture made;
     try {
-        int code = board.frame_into(m_memory.get(), picture, &noRoom, 0, &record);
-        if (code == VBOARD_TOO_SMALL) {
+        if (readRecord(m_memory, picture, record) == VBOARD_OK) {
             station_channel::SharedMemory memory(record.size);
-            code = board.frame_into(m_memory.get(), picture, memory.writable().data(), record.size, &record);
+            const int code = m_instance.board().frame_into(m_memory.get(), picture, memory.writable().data(),
+                                                           record.size, &record);
             memory.seal();
             if (code == VBOARD_OK) made = std::make_shared<SharedPicture>(number, record, std::move(memory));
         }

@@ -57,29 +57,41 @@ std::string reachedInWords(ScratchSession& session, const ConfigurationFile& ask
     return "; the board has received it: " + join(words, ", ");
 }
 
-/** Names the cause of each value that is refused only because of another refused one. `freed` has the values that are
- *  accepted without that of a key. Two values that free each other are both causes. */
-void markFollowers(std::vector<Finding>& findings, const std::map<std::string, KeySet>& freed) {
-    const auto frees = [&](const std::string& cause, const std::string& key) {
-        const auto found = freed.find(cause);
-        return found != freed.end() && found->second.contains(key);
-    };
-    const auto follows = [&](const std::string& key, const std::string& cause) {
-        return frees(cause, key) && !frees(key, cause);
-    };
+/** For the key of a refused value: the keys of other refused values that are accepted without it. */
+using AcceptedWithout = std::map<std::string, KeySet>;
+
+bool isAcceptedWithout(const AcceptedWithout& accepted, const std::string& cause, const std::string& key) {
+    const auto found = accepted.find(cause);
+    return found != accepted.end() && found->second.contains(key);
+}
+
+/** True if only the cause makes that the value is refused: neither follows if each is accepted without the other. */
+bool follows(const AcceptedWithout& accepted, const std::string& key, const std::string& cause) {
+    return isAcceptedWithout(accepted, cause, key) && !isAcceptedWithout(accepted, key, cause);
+}
+
+bool followsFromAny(const AcceptedWithout& accepted, const std::string& key) {
+    return std::ranges::any_of(accepted, [&](const auto& one) { return follows(accepted, key, one.first); });
+}
+
+/** The refused value from which this refusal follows, and which follows from no other; empty if there is none. */
+std::string firstCauseOf(const AcceptedWithout& accepted, const std::string& key) {
+    for (const auto& [cause, keys] : accepted)
+        if (follows(accepted, key, cause) && !followsFromAny(accepted, cause)) return cause;
+    return "";
+}
+
+/** Names the cause of each value that is refused only because of another refused one. */
+void markFollowers(std::vector<Finding>& findings, const AcceptedWithout& accepted) {
     for (Finding& finding : findings) {
-        const auto cause = std::ranges::find_if(freed, [&](const auto& one) {
-            const bool isFirst = std::ranges::none_of(
-                freed, [&](const auto& other) { return follows(one.first, other.first); });
-            return isFirst && follows(finding.key, one.first);
-        });
-        if (!finding.isRefusal() || cause == freed.end()) continue;
-        finding.followsFrom = cause->first;
-        finding.message += "; that follows from the refusal of " + cause->first;
+        const std::string cause = finding.isRefusal() ? firstCauseOf(accepted, finding.key) : "";
+        if (cause.empty()) continue;
+        finding.followsFrom = cause;
+        finding.message += "; that follows from the refusal of " + cause;
     }
 }
 
-/** A refused value of the file and the index of its finding. */
+/** A refused value of the file and its finding. */
 struct RefusedValue {
     Finding* finding;
     Assignment assignment;
@@ -107,7 +119,7 @@ std::vector<std::string> outcomesOf(ScratchSession& session, const Configuration
                                     const ConfigurationFile& before, const DesignSnapshot& loaded,
                                     std::vector<Finding>& findings) {
     std::vector<std::string> outcomes;
-    std::map<std::string, KeySet> freed;
+    AcceptedWithout accepted;
     bool isExplained = false; // the meaning of a kept value is the same for all, so it is said once
     for (Finding& finding : findings) {
         session.reportProgress(outcomes.size(), findings.size());
@@ -117,9 +129,9 @@ std::vector<std::string> outcomesOf(ScratchSession& session, const Configuration
                 std::string("; it reads back nevertheless") +
                 (std::exchange(isExplained, true) ? "" : ", and setters of other parameters work with it");
         words += reachedInWords(session, asked, before, loaded, finding,
-                                [&] { freed[finding.key] = acceptedNow(session, asked, findings); });
+                                [&] { accepted[finding.key] = acceptedNow(session, asked, findings); });
     }
-    markFollowers(findings, freed);
+    markFollowers(findings, accepted);
     return outcomes;
 }
 

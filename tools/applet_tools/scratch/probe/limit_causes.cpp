@@ -3,8 +3,6 @@
 #include "applet_tools/applet/access_log.h"
 #include "applet_tools/base/numbers.h"
 
-#include "vexo/fg_errors.h"
-
 #include <algorithm>
 
 namespace applet_tools {
@@ -12,14 +10,6 @@ namespace {
 
 bool isWider(const Value& a, const Value& b, End end) {
     return end == End::maximum ? rankOf(a) > rankOf(b) : rankOf(a) < rankOf(b);
-}
-
-/** A number that is only off the grid is inside: the grid of a range of one number is not known. */
-bool isInside(Probe& probe, const Subject& subject, const Value& number) {
-    const Value value =
-        subject.elements ? Elements(subject.elements->count(), std::get<std::uint32_t>(number)) : number;
-    const int code = probe.answer(subject.in(probe), value);
-    return code == FG_OK || code == FG_ERR_GRANULARITY;
 }
 
 /** For each parameter that sets this end of the range, the change that moves the end farthest out. */
@@ -35,7 +25,7 @@ std::vector<Widening> wideningsOf(Probe& probe, const Subject& subject, const Me
         std::optional<Widest> best;
         for (const Value& value : probe.otherValues(index)) {
             probe.tryChange({index, value}, [&] {
-                if (!isInside(probe, subject, beyond)) return;
+                if (!isInside(probe, subject.in(probe), beyond)) return;
                 const auto wider = measuredRange(probe, subject.in(probe));
                 if (wider && isWider(endOf(*wider, end), best ? best->limit : endOf(range, end), end))
                     best = Widest{{index, value}, endOf(*wider, end)};
@@ -51,7 +41,7 @@ std::vector<Widening> wideningsOf(Probe& probe, const Subject& subject, const Me
 std::vector<DesignCause> designRead(Probe& probe, const Subject& subject, const Value& accepted) {
     Instance& instance = probe.session().instance();
     logAccesses(instance);
-    isInside(probe, subject, accepted);
+    isInside(probe, subject.in(probe), accepted);
     std::vector<DesignCause> read;
     for (const std::string& line : takeAccessLog(instance)) {
         const LoggedAccess access = loggedAccess(line);
@@ -75,7 +65,7 @@ std::vector<DesignCause> designCausesOf(Probe& probe, const Subject& subject, co
             return instance.board().poke_int(instance.device(), read.parameter.c_str(), value) == VBOARD_OK;
         };
         if (!put(*held + 1)) continue;
-        if (isInside(probe, subject, beyond)) causes.push_back(read);
+        if (isInside(probe, subject.in(probe), beyond)) causes.push_back(read);
         put(*held);
         probe.restore();
     }

@@ -10,22 +10,19 @@ namespace {
 
 constexpr std::uint64_t widestStep = 64; // of an integer's grid
 
-/** Tests a number; for an array it sets all elements of the target to it. */
+/** The answer to a number; for an array, to the number in all elements of the target. */
+int answerTo(Probe& probe, const Target& target, const Value& number) {
+    if (!target.elements) return probe.answer(target, number);
+    return probe.answer(target, Elements(target.elements->count(), std::get<std::uint32_t>(number)));
+}
+
+/** Tests the numbers of a target. */
 class Asked {
 public:
     Asked(Probe& probe, const Target& target) : m_probe(probe), m_target(target) {}
 
-    int answer(const Value& number) {
-        if (!m_target.elements) return m_probe.answer(m_target, number);
-        return m_probe.answer(m_target,
-                              Elements(m_target.elements->count(), std::get<std::uint32_t>(number)));
-    }
-    bool takes(const Value& number) { return answer(number) == FG_OK; }
-    /** Numbers off the grid are still between the limits. */
-    bool isInside(const Value& number) {
-        const int code = answer(number);
-        return code == FG_OK || code == FG_ERR_GRANULARITY;
-    }
+    bool takes(const Value& number) { return answerTo(m_probe, m_target, number) == FG_OK; }
+    bool isInside(const Value& number) { return applet_tools::isInside(m_probe, m_target, number); }
 
 private:
     Probe& m_probe;
@@ -57,17 +54,19 @@ Value borderOf(Asked& asked, const Value& inside, End end) {
     return numberAt(in, inside);
 }
 
-/** The accepted number nearest to the border, on its inner side. */
-Value onGrid(Asked& asked, const Value& border, End end) {
-    for (std::uint64_t back = 0; back < widestStep; ++back) {
-        const std::uint64_t rank = rankOf(border);
-        Value number = numberAt(end == End::maximum ? rank - back : rank + back, border);
+/** The first accepted number from a border on the way to the other one; empty if none is accepted within the widest
+ *  step. */
+std::optional<Value> onGrid(Asked& asked, const Value& border, const Value& other) {
+    const std::uint64_t from = rankOf(border), to = rankOf(other);
+    const std::uint64_t last = std::min(from < to ? to - from : from - to, widestStep - 1);
+    for (std::uint64_t steps = 0; steps <= last; ++steps) {
+        Value number = numberAt(from < to ? from + steps : from - steps, border);
         if (asked.takes(number)) return number;
     }
-    return border;
+    return std::nullopt;
 }
 
-/** 0 for numbers without a grid. */
+/** 0 for numbers without a grid, and where no number follows the minimum within the widest step. */
 std::uint64_t stepAbove(Asked& asked, const Value& minimum) {
     if (std::holds_alternative<double>(minimum)) return 0;
     for (std::uint64_t step = 1; step <= widestStep; ++step)
@@ -75,7 +74,19 @@ std::uint64_t stepAbove(Asked& asked, const Value& minimum) {
     return 0;
 }
 
-/** A number that the setter accepts: the present one, or else a published limit. */
+/** The number of the range, with its grid, that is nearest to the wanted one. */
+Value nearestOnGrid(const MeasuredRange& range, const Value& wanted) {
+    const auto* number = std::get_if<double>(&range.minimum);
+    if (number != nullptr && *number == 0 && rankOf(wanted) <= rankOf(range.minimum)) return 0.0; // not -0
+    const std::uint64_t rank = rankOf(wanted), low = rankOf(range.minimum), high = rankOf(range.maximum);
+    if (rank <= low) return range.minimum;
+    if (rank >= high) return range.maximum;
+    if (range.step <= 1) return numberAt(rank, wanted);
+    const std::uint64_t below = low + (rank - low) / range.step * range.step, above = below + range.step;
+    return numberAt(above <= high && above - rank < rank - below ? above : below, wanted);
+}
+
+/** A number between the limits: the present one, or else a published limit. */
 std::optional<Value> startOf(Asked& asked, const Value& now, const std::optional<Limits>& limits) {
     if (asked.isInside(now)) return now;
     if (!limits || limits->minimum.index() != now.index()) return std::nullopt;
@@ -93,11 +104,23 @@ std::optional<MeasuredRange> measuredRange(Probe& probe, const Target& target) {
     Asked asked(probe, target);
     const auto start = startOf(asked, now, limitsOf(*target.parameter));
     if (!start) return std::nullopt;
-    MeasuredRange range;
-    range.minimum = onGrid(asked, borderOf(asked, *start, End::minimum), End::minimum);
-    range.maximum = onGrid(asked, borderOf(asked, *start, End::maximum), End::maximum);
+    const Value lowBorder = borderOf(asked, *start, End::minimum);
+    const Value highBorder = borderOf(asked, *start, End::maximum);
+    auto low = onGrid(asked, lowBorder, highBorder), high = onGrid(asked, highBorder, lowBorder);
+    if (!(low && high)) {
+        const auto accepted = asked.takes(*start) ? start : low ? low : high;
+        if (!accepted) return std::nullopt;
+        low = low ? low : accepted;
+        high = high ? high : accepted;
+    }
+    MeasuredRange range{.minimum = *low, .maximum = *high};
     if (range.minimum != range.maximum) range.step = stepAbove(asked, range.minimum);
     return range;
+}
+
+bool isInside(Probe& probe, const Target& target, const Value& number) {
+    const int code = answerTo(probe, target, number);
+    return code == FG_OK || code == FG_ERR_GRANULARITY;
 }
 
 const Value& endOf(const MeasuredRange& range, End end) {
@@ -112,22 +135,17 @@ std::optional<Value> firstBeyond(const MeasuredRange& range, End end) {
     return numberAt(end == End::maximum ? rank + step : rank - step, last);
 }
 
-Value nearestIn(const MeasuredRange& range, const Value& wanted) {
-    const auto* number = std::get_if<double>(&range.minimum);
-    if (number != nullptr && *number == 0 && rankOf(wanted) <= rankOf(range.minimum)) return 0.0; // not -0
-    const std::uint64_t rank = rankOf(wanted), low = rankOf(range.minimum), high = rankOf(range.maximum);
-    if (rank <= low) return range.minimum;
-    if (rank >= high) return range.maximum;
-    if (range.step <= 1) return numberAt(rank, wanted);
-    const std::uint64_t below = low + (rank - low) / range.step * range.step, above = below + range.step;
-    return numberAt(above <= high && above - rank < rank - below ? above : below, wanted);
+std::optional<Value> nearestIn(Probe& probe, const Target& target, const MeasuredRange& range,
+                               const Value& wanted) {
+    const Value nearest = nearestOnGrid(range, wanted);
+    return answerTo(probe, target, nearest) == FG_OK ? std::optional(nearest) : std::nullopt;
 }
 
 std::optional<Value> nearestAccepted(Probe& probe, const Target& target, const Value& wanted) {
     if (target.elements || target.parameter->kind() == REGISTER_KIND_ENUM || !isNumber(wanted))
         return std::nullopt;
     const auto range = measuredRange(probe, target);
-    return range ? std::optional(nearestIn(*range, wanted)) : std::nullopt;
+    return range ? nearestIn(probe, target, *range, wanted) : std::nullopt;
 }
 
 } // namespace applet_tools

@@ -11,15 +11,19 @@ namespace applet_tools {
 /** The range of accepted numbers around the present one. */
 struct MeasuredRange {
     Value minimum, maximum;
-    std::uint64_t step = 0; /**< for integers; 0 for others */
+    std::uint64_t step = 0; /**< for integers; 0 for others, and if no step of up to 64 is accepted */
 };
 
-/** Empty if the setter accepts no number at all, or the target is not a number. */
+/** Its ends were tried and accepted. Empty if no number that was tried is, or the target is not a number. */
 std::optional<MeasuredRange> measuredRange(Probe& probe, const Target& target);
 
-/** The accepted number nearest to the wanted one. */
-Value nearestIn(const MeasuredRange& range, const Value& wanted);
-/** The same with a new measurement; empty if the setter accepts no number or the target is not a number. */
+/** True if the number is between the limits: accepted, or only off the grid. For an array, in all elements of the
+ *  target. */
+bool isInside(Probe& probe, const Target& target, const Value& number);
+/** The number of the range that is nearest to the wanted one; empty if the setter refuses it. */
+std::optional<Value> nearestIn(Probe& probe, const Target& target, const MeasuredRange& range,
+                               const Value& wanted);
+/** The same with a new measurement; empty also if there is no range, and for elements of an array. */
 std::optional<Value> nearestAccepted(Probe& probe, const Target& target, const Value& wanted);
 
 /** An end of a range. */

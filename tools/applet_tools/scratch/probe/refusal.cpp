@@ -23,6 +23,7 @@ std::optional<End> exceededEnd(const MeasuredRange& range, const Value& wanted) 
 /** Relates a refused number to the accepted range. */
 void addRange(Probe& probe, const Subject& subject, const Value& wanted, RefusalCauses& found) {
     const auto range = measuredRange(probe, subject.in(probe));
+    if (range) found.nearest = nearestIn(probe, subject.in(probe), *range, wanted);
     probe.restore();
     if (!range) {
         found.limit =
@@ -30,7 +31,6 @@ void addRange(Probe& probe, const Subject& subject, const Value& wanted, Refusal
             "present one too";
         return;
     }
-    found.nearest = nearestIn(*range, wanted);
     const auto end = exceededEnd(*range, wanted);
     if (!end) return;
     const LimitCauses causes = causesOf(probe, subject, *range, *end);

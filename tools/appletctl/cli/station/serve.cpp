@@ -40,11 +40,10 @@ void addServeOptions(CLI::App& command, Options& options) {
                     "wall: the time of a virtual board follows the machine's clock; stepped: it moves only "
                     "while a command waits for it. As the station file says if not given, else wall")
         ->check(CLI::IsMember({"wall", "stepped"}));
-    constexpr double slowest = 0.001, fastest = 1000;
     command
         .add_option("--factor", own.factor, "How many times as fast as the machine's clock, 1 if not given")
         ->type_name("NUMBER")
-        ->check(CLI::Range(slowest, fastest));
+        ->check(CLI::Range(VBOARD_SLOWEST_CLOCK, VBOARD_FASTEST_CLOCK));
     addStation(command, options);
     command
         .add_flag(

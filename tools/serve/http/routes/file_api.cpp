@@ -51,26 +51,32 @@ struct CurvePoint {
     double index, value;
 };
 
-/** At least two points, with rising indices from 0 to the last one. */
+bool isPair(const Json& point) {
+    return point.is_array() && point.size() == 2 && point[0].is_number() && point[1].is_number();
+}
+
+bool isWithin(const CurvePoint& point, const Table& table) {
+    return point.index >= 0 && point.index <= table.size - 1 && point.value >= 0 &&
+           point.value <= table.largest;
+}
+
+/** Two or more points within the table, with rising indices. Throws HttpError. */
 std::vector<CurvePoint> pointsFrom(const Json& body, const Table& table) {
-    std::vector<CurvePoint> points;
-    bool isFit = body.contains("points") && body.at("points").is_array();
-    if (isFit)
-        for (const Json& point : body.at("points")) {
-            isFit = isFit && point.is_array() && point.size() == 2 && point[0].is_number() &&
-                    point[1].is_number();
-            if (!isFit) break;
-            points.push_back({point[0].get<double>(), point[1].get<double>()});
-            const CurvePoint& last = points.back();
-            isFit = last.index >= 0 && last.index <= table.size - 1 && last.value >= 0 &&
-                    last.value <= table.largest &&
-                    (points.size() == 1 || points[points.size() - 2].index < last.index);
-        }
-    if (isFit && points.size() >= 2) return points;
-    throw HttpError(
+    const HttpError notCurve(
         status::badRequest, "invalid",
-        R"(a curve is {"points": [[INDEX, VALUE], ...]} with two or more points, rising indices from 0 to )" +
+        R"(a curve is {"points": [[INDEX, VALUE], ...]} with two or more points, rising indices within 0 to )" +
             numberText(table.size - 1) + " and values from 0 to " + numberText(table.largest));
+    if (!body.contains("points") || !body.at("points").is_array()) throw notCurve;
+    std::vector<CurvePoint> points;
+    for (const Json& pair : body.at("points")) {
+        if (!isPair(pair)) throw notCurve;
+        const CurvePoint point{pair[0].get<double>(), pair[1].get<double>()};
+        const bool isRising = points.empty() || points.back().index < point.index;
+        if (!isRising || !isWithin(point, table)) throw notCurve;
+        points.push_back(point);
+    }
+    if (points.size() < 2) throw notCurve;
+    return points;
 }
 
 /** Straight lines between the points; level before the first and after the last one. */
