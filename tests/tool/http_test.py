@@ -361,6 +361,18 @@ class Http(unittest.TestCase):
         self.assertEqual(run("--station", "main", "get", "FG_HEIGHT")[0], 0)
         self.assertLess(time.monotonic() - start, 8)  # not the work of more than an hour
 
+    def test_undo_leaves_a_count_that_the_board_continues(self):
+        client = self.serve("--demo", "--allow-set", "--factor", "1000")
+        count = "/api/parameters/FG_SHAFTENCODER_COMPENSATION_COUNT"
+        self.assertEqual(run("--station", "main", "set", "FG_HEIGHT=500")[0], 0)
+        self.assertEqual(client.ask("PUT", "/api/belt", {"speed": -100}).status, 200)
+        wait_for(lambda: client.get(count).json["value"] > 0)
+        self.assertEqual(run("--station", "main", "get", "FG_WIDTH")[0], 0)
+        done = subprocess.run([APPLETCTL, "--station", "main", "shell"], input="undo\n", capture_output=True, text=True,
+                              timeout=LONGEST)
+        self.assertEqual(done.stdout.splitlines()[0], "Undone: --station main set FG_HEIGHT=500", done)
+        self.assertGreater(client.get(count).json["value"], 0)
+
     def test_takes_the_clock_of_the_station_file(self):
         for clock, words, kind in [(50, [], "wall"), (0, [], "stepped"), (0, ["--clock", "wall"], "wall"),
                                    (0, ["--factor", "2"], "wall"), (50, ["--clock", "stepped"], "stepped")]:

@@ -19,6 +19,8 @@
 #include <unistd.h>
 
 #include <array>
+#include <cmath>
+#include <cstdlib>
 #include <filesystem>
 #include <optional>
 
@@ -43,7 +45,11 @@ void addServeOptions(CLI::App& command, Options& options) {
     command
         .add_option("--factor", own.factor, "How many times as fast as the machine's clock, 1 if not given")
         ->type_name("NUMBER")
-        ->check(CLI::Range(VBOARD_SLOWEST_CLOCK, VBOARD_FASTEST_CLOCK));
+        ->check(CLI::Range(VBOARD_SLOWEST_CLOCK, VBOARD_FASTEST_CLOCK))
+        ->check([](const std::string& text) { // which the range does not refuse
+            return std::isnan(std::strtod(text.c_str(), nullptr)) ? inQuotedWord(text) + " is not a number"
+                                                                  : "";
+        });
     addStation(command, options);
     command
         .add_flag(
