@@ -193,8 +193,7 @@ int writeValue(Instance& instance, const Target& target, const Value& value) {
     if (code != FG_OK) return code;
     instance.sets().insert(target.parameter->id);
     const bool isOffline = instance.device() == nullptr; // where some values cannot be read
-    if (isOffline || !instance.loads().texts.empty())
-        instance.loads().setSince.insert(target.parameter->id);
+    if (isOffline || !instance.loads().texts.empty()) instance.loads().setSince.insert(target.parameter->id);
     return code;
 }
 
