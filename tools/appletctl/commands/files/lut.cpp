@@ -238,7 +238,7 @@ namespace {
 
 Report loadLut(Context& context, const Words& words) {
     const std::string& file = fileOf(words);
-    const LutFile content = lookAtLutFile(file);
+    const LutFile content = lookAtLutFile(file, lutLimits(context.parameters()));
     if (!content.trouble.empty()) throw Failure(shownFile(file) + " was not loaded: " + content.trouble);
     CommandRun run(context, behindFirst(words));
     if (run.isRefused()) return run.report;
