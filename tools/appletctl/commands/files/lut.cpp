@@ -12,6 +12,7 @@
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/CommandRun.h"
 #include "appletctl/commands/files/curve.h"
+#include "appletctl/commands/shared_options.h"
 
 #include <CLI/CLI.hpp>
 
@@ -126,12 +127,6 @@ std::string fileTextOf(Options options, const LutTables& tables) {
     if (const int code = saving.set("FG_LUT_SAVE_FILE", file.path()); code != FG_OK)
         throw Failure("the tables cannot be saved: " + codeInWords(code));
     return file.text();
-}
-
-void requireEnding(const std::string& file, std::string_view ending, const char* content) {
-    if (file.ends_with(ending)) return;
-    throw UsageError(shownFile(file) + " does not end in " + std::string(ending) + ", and " + content +
-                     " is what is written");
 }
 
 /** The members that are common to the documents of the group's commands. */
