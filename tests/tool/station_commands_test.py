@@ -137,6 +137,15 @@ class Stations(unittest.TestCase):
         self.assertEqual(run("station", "stop", "line")[0], 0)
         self.assertIsNone(status("line"))
 
+    def test_leaves_nothing_behind_when_its_terminal_ends(self):
+        for end in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+            with subprocess.Popen([APPLETCTL, "serve", "line", "--no-http"], stdout=subprocess.PIPE) as process:
+                process.stdout.readline()  # it is ready
+                process.send_signal(end)
+                self.assertEqual(process.wait(LONGEST), 0)
+            left = {path.name for path in pathlib.Path("appletctl").iterdir()}
+            self.assertEqual(left, {"line.lock"}, end)
+
     def test_survives_invalid_requests(self):
         process = self.serve("line")
         path = str(pathlib.Path("appletctl/line.socket"))

@@ -19,7 +19,7 @@ public:
     explicit CommandClient(const StationLocation& location);
 
     /** Executes the command on the station, with the standard streams, the folder and the environment of this
-     *  process. SIGINT and SIGTERM interrupt the command; a second signal ends this process. */
+     *  process. SIGINT, SIGTERM and SIGHUP interrupt the command; a second signal ends this process. */
     CommandEnd run(ClientCommand command);
 
     /** Requests the "status" or the "log"; returns that member of the answer. */

@@ -201,7 +201,11 @@ private:
         if (target.elements && target.elements->count() > 1)
             throw UsageError(target.name() + ": one element is compared at a time");
         const Relation& relation = m_reader.takeRelation();
-        return {target, &relation, parseValue(target, m_reader.takeValue())};
+        const std::string& name = target.parameter->name;
+        if (!target.elements && elementCount(*target.parameter) > 0)
+            throw UsageError(name + " is an array: name the element to compare, as " + name + "[100]");
+        return {target, &relation,
+                parseValue(target, m_reader.takeValue(), " " + std::string(relation.symbol) + " ")};
     }
 
     const ParameterList& m_parameters;

@@ -42,16 +42,11 @@ std::optional<std::int32_t> entryByName(const Parameter& parameter, const std::s
     return std::nullopt;
 }
 
-[[noreturn]] void refuseText(const Target& target, const std::string& text, const std::string& reason) {
-    constexpr std::size_t mostBytes = 100;
-    throw UsageError(target.name() + "=" + shortened(printable(text), mostBytes) + ": " + reason);
-}
-
 /** The text without its unit: "0.25ms" is "0.25e3" for a parameter in µs. */
 std::string inOwnUnit(const Target& target, const std::string& text) {
     const auto converted = convertUnit(text, target.parameter->unit());
     if (!converted) return text;
-    if (converted->number.empty()) refuseText(target, text, converted->reason);
+    if (converted->number.empty()) throw UsageError(converted->reason);
     return converted->number;
 }
 
@@ -65,18 +60,16 @@ template <typename Integer> Integer parseInteger(const Target& target, const std
     if (const auto number = wholeNumber<Integer>(shown)) return *number;
     using Limits = std::numeric_limits<Integer>;
     const std::string unit = target.parameter->unit();
-    refuseText(target, text,
-               inQuotedWord(shown) + " is not a whole number from " + numberText(Limits::min()) + " to " +
-                   numberText(Limits::max()) + " (decimal or 0x..." +
-                   (unit.empty() ? ")" : ", in " + unit + ")"));
+    throw UsageError(inQuotedWord(shown) + " is not a whole number from " + numberText(Limits::min()) +
+                     " to " + numberText(Limits::max()) + " (decimal or 0x..." +
+                     (unit.empty() ? ")" : ", in " + unit + ")"));
 }
 
 double parseDouble(const Target& target, const std::string& text) {
     if (const auto number = floatingNumber(inOwnUnit(target, text))) return *number;
     const std::string unit = target.parameter->unit();
-    refuseText(target, text,
-               inQuotedWord(text) + " is not a floating point number (such as 19.5 or 1e-3" +
-                   (unit.empty() ? ")" : ", in " + unit + ")"));
+    throw UsageError(inQuotedWord(text) + " is not a floating point number (such as 19.5 or 1e-3" +
+                     (unit.empty() ? ")" : ", in " + unit + ")"));
 }
 
 /** "; did you mean A (1) or B (2)?"; all entries if they are few or none is similar. */
@@ -105,9 +98,8 @@ std::string entriesNear(const Parameter& parameter, const std::string& text) {
 std::int32_t parseEntry(const Target& target, const std::string& text) {
     if (const auto value = entryByName(*target.parameter, text)) return *value;
     if (const auto number = wholeNumber<std::int32_t>(text)) return *number;
-    refuseText(target, text,
-               inQuotedWord(text) + " is neither an entry nor a number" +
-                   entriesNear(*target.parameter, text));
+    throw UsageError(inQuotedWord(text) + " is neither an entry nor a number" +
+                     entriesNear(*target.parameter, text));
 }
 
 /** "5" if all elements hold 5; else the first ones and their number. */
@@ -120,6 +112,34 @@ std::string elementsText(const Elements& elements) {
         texts.push_back(numberText(elements[i]));
     if (elements.size() > shown) texts.push_back("... (" + numberText(elements.size()) + " elements)");
     return join(texts, ", ");
+}
+
+/** Throws UsageError with the reason. */
+Value valueFrom(const Target& target, const std::string& text) {
+    if (target.parameter->kind() == REGISTER_KIND_ENUM) return parseEntry(target, text);
+    return std::visit(
+        [&](const auto& native) -> Value {
+            using T = std::decay_t<decltype(native)>;
+            if constexpr (std::is_same_v<T, WholeArray>) {
+                const std::string& name = target.parameter->name;
+                throw UsageError("the parameter is an array of " + numberText(native.count) +
+                                 " elements: name the elements to set, as " + name + "[100]=5 or " + name +
+                                 "[0..255]=5");
+            } else if constexpr (std::is_same_v<T, Elements>) {
+                return Elements(native.size(), parseInteger<std::uint32_t>(target, text));
+            } else if constexpr (std::is_same_v<T, std::string>) {
+                if (text.find_first_of("\r\n") != std::string::npos)
+                    throw UsageError(
+                        "a text with a line break cannot be saved: the rest would become a line of its "
+                        "own in a configuration file");
+                return text;
+            } else if constexpr (std::is_same_v<T, double>) {
+                return parseDouble(target, text);
+            } else {
+                return parseInteger<T>(target, text);
+            }
+        },
+        emptyValue(target));
 }
 
 } // namespace
@@ -197,33 +217,14 @@ int writeValue(Instance& instance, const Target& target, const Value& value) {
     return code;
 }
 
-Value parseValue(const Target& target, const std::string& text) {
-    if (target.parameter->kind() == REGISTER_KIND_ENUM) return parseEntry(target, text);
-    return std::visit(
-        [&](const auto& native) -> Value {
-            using T = std::decay_t<decltype(native)>;
-            if constexpr (std::is_same_v<T, WholeArray>) {
-                const std::string& name = target.parameter->name;
-                refuseText(target, text,
-                           "the parameter is an array of " + numberText(native.count) +
-                               " elements: name the elements to set, as " + name + "[100]=5 or " + name +
-                               "[0..255]=5");
-            } else if constexpr (std::is_same_v<T, Elements>) {
-                return Elements(native.size(), parseInteger<std::uint32_t>(target, text));
-            } else if constexpr (std::is_same_v<T, std::string>) {
-                if (text.find_first_of("\r\n") != std::string::npos)
-                    refuseText(
-                        target, text,
-                        "a text with a line break cannot be saved: the rest would become a line of its "
-                        "own in a configuration file");
-                return text;
-            } else if constexpr (std::is_same_v<T, double>) {
-                return parseDouble(target, text);
-            } else {
-                return parseInteger<T>(target, text);
-            }
-        },
-        emptyValue(target));
+Value parseValue(const Target& target, const std::string& text, std::string_view relation) {
+    constexpr std::size_t mostBytes = 100;
+    try {
+        return valueFrom(target, text);
+    } catch (const UsageError& error) {
+        throw UsageError(target.name() + std::string(relation) + shortened(printable(text), mostBytes) +
+                         ": " + error.what());
+    }
 }
 
 std::string valueText(const Parameter& parameter, const Value& value) {

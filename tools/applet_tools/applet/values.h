@@ -56,8 +56,8 @@ int writeValue(Instance& instance, const Target& target, const Value& value);
 
 /** Reads a value that a user typed: numbers decimal or 0x..., for enumerations also the symbolic name or the
  *  label, for elements the number that all of them get. Throws UsageError if the parameter's kind cannot
- *  hold it; limits are left to the applet. */
-Value parseValue(const Target& target, const std::string& text);
+ *  hold it; limits are left to the applet. `relation` is what stands between the two, for the message. */
+Value parseValue(const Target& target, const std::string& text, std::string_view relation = "=");
 
 /** Enumerations as symbolic names, texts in double quotes, numbers as numberText, elements as one number if all
  *  are equal. */

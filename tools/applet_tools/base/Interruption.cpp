@@ -13,14 +13,20 @@ volatile std::sig_atomic_t isAskedToEnd = 0;
 
 void askToEnd(int) { isAskedToEnd = 1; }
 
-constexpr int signals[] = {SIGINT, SIGTERM, SIGPIPE};
+constexpr int signals[] = {SIGINT, SIGTERM, SIGHUP, SIGPIPE};
 
 sigset_t endingSignals() {
     sigset_t set;
     sigemptyset(&set);
-    sigaddset(&set, SIGINT);
-    sigaddset(&set, SIGTERM);
+    for (const int signal : signals)
+        if (signal != SIGPIPE) sigaddset(&set, signal);
     return set;
+}
+
+bool isIgnored(int signal) {
+    struct sigaction now {};
+    sigaction(signal, nullptr, &now);
+    return now.sa_handler == SIG_IGN;
 }
 
 /** Stores the previous actions in `before`, unless that is null. */
@@ -30,9 +36,10 @@ void watchSignals(struct sigaction* before) {
     asking.sa_flags = static_cast<int>(SA_RESETHAND); // no SA_RESTART, so that a blocked write ends too
     struct sigaction ignoring {};
     ignoring.sa_handler = SIG_IGN;
-    for (std::size_t i = 0; i < std::size(signals); ++i)
-        sigaction(signals[i], signals[i] == SIGPIPE ? &ignoring : &asking,
-                  before != nullptr ? before + i : nullptr);
+    for (std::size_t i = 0; i < std::size(signals); ++i) {
+        const bool isLeft = signals[i] == SIGPIPE || (signals[i] == SIGHUP && isIgnored(SIGHUP));
+        sigaction(signals[i], isLeft ? &ignoring : &asking, before != nullptr ? before + i : nullptr);
+    }
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-/** Handles Ctrl-C while a command runs. */
+/** Handles Ctrl-C, and the end of a terminal, while a command runs. */
 #ifndef APPLET_TOOLS_BASE_INTERRUPTION_H
 #define APPLET_TOOLS_BASE_INTERRUPTION_H
 
@@ -8,8 +8,8 @@
 
 namespace applet_tools {
 
-/** During its lifetime, SIGINT and SIGTERM request an end, a second one forces it, and a closed pipe is
- * reported by the write. Nested instances share the request. */
+/** During its lifetime, SIGINT, SIGTERM and SIGHUP request an end, a second one forces it, and a closed pipe is
+ * reported by the write. A SIGHUP that the process ignores, as below nohup, stays ignored. Nested instances share the request. */
 class Interruption {
 public:
     using Clock = std::chrono::steady_clock;
@@ -31,7 +31,7 @@ public:
 private:
     bool waitFor(int descriptor, short events, std::optional<Clock::time_point> due) const;
 
-    struct sigaction m_before[3] = {};
+    struct sigaction m_before[4] = {};
 };
 
 } // namespace applet_tools

@@ -27,11 +27,10 @@ void PixelImage::resize(std::uint32_t newWidth, std::uint32_t newHeight) {
 
 PixelImage readImageFile(const std::string& file) {
     using namespace std::string_view_literals;
-    const auto bytes = textOfFile(file);
-    if (!bytes) throw UsageError("the image " + inQuotedWord(file) + " cannot be read");
+    const std::string bytes = requiredTextOfFile(file);
     try {
-        if (bytes->starts_with("\x89PNG\r\n"sv)) return decodePng(*bytes);
-        if (bytes->starts_with("II*\0"sv) || bytes->starts_with("MM\0*"sv)) return decodeTiff(*bytes);
+        if (bytes.starts_with("\x89PNG\r\n"sv)) return decodePng(bytes);
+        if (bytes.starts_with("II*\0"sv) || bytes.starts_with("MM\0*"sv)) return decodeTiff(bytes);
         throw UsageError("it is neither a PNG nor a TIFF file");
     } catch (const UsageError& error) {
         throw UsageError("the image " + inQuotedWord(file) + " cannot be taken: " + error.what());

@@ -79,7 +79,8 @@ private:
 
 /** Answers messages until the parent has ended. */
 void serve(int socket, const BoardOptions& options, std::span<const JobRow> jobs) {
-    std::signal(SIGINT, SIG_IGN); // the parent handles Ctrl-C
+    for (const int signal : {SIGINT, SIGHUP}) // of the terminal, which the parent handles
+        std::signal(signal, SIG_IGN);
     unsetenv("VBOARD_LOG_LEVEL"); // logging is for the live board
     Server server(socket, options, jobs);
     MessageReader reader(socket);

@@ -134,6 +134,7 @@ vboard_camera cameraOf(const DocumentField& field) {
     camera.exposure = exposure ? shortTimeOf(*exposure) : usual;
     const auto full = field.find("fullExposure");
     camera.full_exposure = full ? shortTimeOf(*full) : camera.exposure;
+    if (full && camera.full_exposure == 0) full->refuseAs("a time of at least one tick, 8ns");
     return camera;
 }
 
@@ -271,10 +272,9 @@ StationFile parseStation(const std::string& text, const std::string& folder) {
 }
 
 StationFile readStationFile(const std::string& file) {
-    const auto text = textOfFile(file);
-    if (!text) throw UsageError("the station file " + inQuotedWord(file) + " cannot be read");
+    const std::string text = requiredTextOfFile(file);
     try {
-        StationFile station = parseStation(*text, std::filesystem::path(file).parent_path().string());
+        StationFile station = parseStation(text, std::filesystem::path(file).parent_path().string());
         station.name = printable(file);
         return station;
     } catch (const UsageError& error) {

@@ -132,7 +132,25 @@ private:
         return std::string("with ") + kind.what + ": " + numberText(lost) + "; " + kind.advice;
     }
 
+    /** True if the camera could take more lines with a shorter exposure. */
+    bool isSlowedByExposure(const vboard_camera& attached) const {
+        if (isSimulated() || is("FG_CLHS_TRIGGER_PULSE_MESSAGE", FG_PULSE_WIDTH)) return false;
+        if (attached.line_rate == 0) return !lossText(cameraTriggerLoss).empty();
+        return Ticks{attached.exposure} * attached.line_rate >= ticksPerSecond;
+    }
+
+    /** The reason if the exposures of this number of lines are longer than the wait; else empty. */
+    std::string whyLateLines(double lines) const {
+        if (m_wait.camera == nullptr || !isSlowedByExposure(m_wait.camera->camera)) return "";
+        const Ticks exposure = m_wait.camera->camera.exposure;
+        const Ticks waited = m_instance.board().now(m_instance.device()) - m_wait.start.tick;
+        if (static_cast<double>(exposure) * lines < static_cast<double>(waited)) return "";
+        return "the camera exposes each line for " + durationText(exposure) +
+               ": shorten camera.exposure, or " + m_wait.longer;
+    }
+
     std::string whyNoLine() {
+        if (const std::string late = whyLateLines(1); !late.empty()) return "no line came: " + late;
         if (!isSimulated() && camera() == VBOARD_CAMERA_FREE_RUNNING)
             return "no line came: its line period or its exposure is longer than the wait";
         for (const std::size_t kind : {droppedTriggerLoss, cameraTriggerLoss})
@@ -210,8 +228,10 @@ private:
         if (isOfAnotherHeight())
             return "and the image in progress began with another height than " + shown("FG_HEIGHT") +
                    ", which it keeps: stop the acquisition and start it again";
+        const std::string late =
+            whyLateLines(m_settings.number("FG_HEIGHT") + m_settings.number("FG_YOFFSET"));
         return "and an image takes " + shown("FG_HEIGHT") + " and " + shown("FG_YOFFSET") + "; " +
-               m_wait.longer;
+               (late.empty() ? m_wait.longer : late);
     }
 
     /** More lines came since the last picture than two images take. */

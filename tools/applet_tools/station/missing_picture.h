@@ -32,6 +32,7 @@ struct PictureWait {
     std::string longer; /**< "give a longer --timeout" */
     std::string wave;   /**< how to connect a wave: "a --wave" */
     const StationBelt* belt = nullptr;
+    const StationCamera* camera = nullptr; /**< at the port, if that is known */
     /** sourceLines() when the last picture came, if that is known: then `start` may be later. */
     std::optional<std::int64_t> linesAtPicture{};
 };

@@ -1,6 +1,7 @@
 #include "appletctl/commands/shared_options.h"
 
 #include "applet_tools/base/errors.h"
+#include "applet_tools/base/text.h"
 
 #include <CLI/CLI.hpp>
 
@@ -12,6 +13,12 @@ std::string troubleOfFileName(const std::string& name) {
 
 void requireFileName(const std::optional<std::string>& name) {
     if (name && !troubleOfFileName(*name).empty()) throw UsageError(troubleOfFileName(*name));
+}
+
+void requireEnding(const std::string& file, std::string_view ending, const char* content) {
+    if (file.ends_with(ending)) return;
+    throw UsageError(shownFile(file) + " does not end in " + std::string(ending) + ", and " + content +
+                     " is what is written");
 }
 
 void addWith(CLI::App& command, Options& options, bool startsWith) {

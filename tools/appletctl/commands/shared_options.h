@@ -34,6 +34,8 @@ void addYes(CLI::App& command, Options& options);
 std::string troubleOfFileName(const std::string& name);
 /** The same for a file that need not be given. Throws UsageError. */
 void requireFileName(const std::optional<std::string>& name);
+/** Throws UsageError unless the name of a file to write ends so. `content` is "an SVG picture". */
+void requireEnding(const std::string& file, std::string_view ending, const char* content);
 
 /** -o FILE. */
 struct OutFileOption {

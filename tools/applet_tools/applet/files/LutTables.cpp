@@ -1,8 +1,5 @@
 #include "applet_tools/applet/files/LutTables.h"
 
-#include "applet_tools/base/errors.h"
-#include "applet_tools/base/files.h"
-
 #include <algorithm>
 #include <map>
 #include <set>
@@ -12,15 +9,14 @@ namespace {
 
 struct ColourRow {
     const char* colour;
-    const char* section; // its name in a file
     const char* parameter;
     const char* design;
 };
 
 constexpr ColourRow colourRows[] = {
-    {"red", "[red]", "FG_LUT_VALUE_RED", "Device1_Process0_LookupTable_R_LUTcontent"},
-    {"green", "[green]", "FG_LUT_VALUE_GREEN", "Device1_Process0_LookupTable_G_LUTcontent"},
-    {"blue", "[blue]", "FG_LUT_VALUE_BLUE", "Device1_Process0_LookupTable_B_LUTcontent"},
+    {"red", "FG_LUT_VALUE_RED", "Device1_Process0_LookupTable_R_LUTcontent"},
+    {"green", "FG_LUT_VALUE_GREEN", "Device1_Process0_LookupTable_G_LUTcontent"},
+    {"blue", "FG_LUT_VALUE_BLUE", "Device1_Process0_LookupTable_B_LUTcontent"},
 };
 
 std::optional<Elements> tableOnBoard(Instance& instance, const char* design, std::uint32_t count) {
@@ -56,20 +52,6 @@ nlohmann::ordered_json clippedAsJson(const Elements& entries, const std::optiona
     return {{"first", range->first}, {"last", range->last}, {"value", entries[range->first]}};
 }
 
-/** Elements "0,VALUE;", "1,VALUE;", ... among the lines, without a gap. */
-std::size_t elementsIn(const std::vector<std::string_view>& lines) {
-    std::size_t count = 0;
-    for (const std::string_view line : lines) {
-        const std::string index = numberText(count) + ",";
-        const std::size_t position = line.find(index);
-        if (position == std::string_view::npos) continue;
-        const std::string_view value = line.substr(position + index.size());
-        if (!wholeNumber<std::int32_t>(value.substr(0, value.find(';')))) break;
-        ++count;
-    }
-    return count;
-}
-
 } // namespace
 
 std::size_t differences(const Elements& a, const Elements& b) {
@@ -77,35 +59,6 @@ std::size_t differences(const Elements& a, const Elements& b) {
     for (std::size_t i = 0; i < a.size(); ++i)
         count += a[i] != b[i] ? 1 : 0;
     return count;
-}
-
-LutFile lookAtLutFile(const std::string& file) {
-    const auto text = textOfFile(file);
-    if (!text) return {"it is not a regular file"};
-    constexpr std::string_view countKey = "nrOfElements=";
-    std::map<std::string_view, std::vector<std::string_view>> sections;
-    std::vector<std::string_view>* section = nullptr;
-    std::optional<std::uint32_t> wanted;
-    for (std::string_view rest = *text; !rest.empty();) {
-        const std::size_t end = std::min(rest.find('\n'), rest.size());
-        const std::string_view line = rest.substr(0, end);
-        rest.remove_prefix(std::min(end + 1, rest.size()));
-        if (const std::size_t key = line.find(countKey); key != std::string_view::npos && !wanted)
-            wanted = wholeNumber<std::uint32_t>(
-                line.substr(key + countKey.size(), line.find(';', key) - key - countKey.size()));
-        for (const ColourRow& row : colourRows)
-            if (line.find(row.section) != std::string_view::npos) section = &sections[row.section];
-        if (section != nullptr) section->push_back(line);
-    }
-    if (!wanted) return {"it has no line nrOfElements=NUMBER;, so it is not a lookup table file"};
-    for (const ColourRow& row : colourRows) {
-        const auto found = sections.find(row.section);
-        if (found == sections.end()) return {std::string("the section ") + row.section + " is missing"};
-        if (const std::size_t count = elementsIn(found->second); count < *wanted)
-            return {std::string(row.section) + " has " + numberText(count) + " of " + numberText(*wanted) +
-                    " elements in ascending order, and the others would be 0"};
-    }
-    return {"", *wanted};
 }
 
 bool LutTables::areEqual() const {
@@ -124,14 +77,18 @@ std::map<std::string, Elements> designTables(Instance& instance, const Parameter
     return tables;
 }
 
+LutLimits lutLimits(const ParameterList& parameters) {
+    const Parameter& parameter = parameters.find(colourRows[0].parameter);
+    return {elementCount(parameter), std::max(1u, parameter.record->value.u32Field.maximum)};
+}
+
 LutTables readLutTables(Instance& instance, const ParameterList& parameters) {
-    LutTables tables;
+    LutTables tables{.colours = {}, .largest = lutLimits(parameters).largest};
     for (const ColourRow& row : colourRows) {
         const Target target = findTarget(parameters, std::string(row.parameter) + "[..]");
         auto entries = std::get<Elements>(valueOf(instance, target));
         auto onBoard = tableOnBoard(instance, row.design, target.elements->count());
         tables.colours.push_back({row.colour, row.parameter, std::move(entries), std::move(onBoard)});
-        tables.largest = std::max(1u, target.parameter->record->value.u32Field.maximum);
     }
     return tables;
 }

@@ -2,6 +2,7 @@
 #ifndef APPLET_TOOLS_APPLET_FILES_LUTTABLES_H
 #define APPLET_TOOLS_APPLET_FILES_LUTTABLES_H
 
+#include "applet_tools/applet/files/LutFile.h"
 #include "applet_tools/applet/values.h"
 
 #include <nlohmann/json.hpp>
@@ -28,17 +29,11 @@ struct LutTables {
     bool areEqual() const;
 };
 
-/** The result of reading a lookup table file as a load does. */
-struct LutFile {
-    std::string trouble;        /**< what is missing, which the applet silently reads as zeros: "[green] is
-                                      missing"; empty for a complete file */
-    std::uint32_t elements = 0; /**< of each table; entries with a higher index keep their values */
-};
-
-LutFile lookAtLutFile(const std::string& file);
-
 /** The arrays of the design by name: the tables that the board has received. Empty without a virtual board. */
 std::map<std::string, Elements> designTables(Instance& instance, const ParameterList& parameters);
+
+/** What the tables can hold. */
+LutLimits lutLimits(const ParameterList& parameters);
 
 /** Number of elements that differ in two arrays of one length. */
 std::size_t differences(const Elements& a, const Elements& b);

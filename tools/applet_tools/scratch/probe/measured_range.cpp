@@ -66,6 +66,12 @@ std::optional<Value> onGrid(Asked& asked, const Value& border, const Value& othe
     return std::nullopt;
 }
 
+/** A negative zero is a number of its own for a search, and the same one for a person. */
+Value withoutNegativeZero(const Value& number) {
+    const auto* zero = std::get_if<double>(&number);
+    return zero != nullptr && *zero == 0 ? 0.0 : number;
+}
+
 /** 0 for numbers without a grid, and where no number follows the minimum within the widest step. */
 std::uint64_t stepAbove(Asked& asked, const Value& minimum) {
     if (std::holds_alternative<double>(minimum)) return 0;
@@ -76,8 +82,6 @@ std::uint64_t stepAbove(Asked& asked, const Value& minimum) {
 
 /** The number of the range, with its grid, that is nearest to the wanted one. */
 Value nearestOnGrid(const MeasuredRange& range, const Value& wanted) {
-    const auto* number = std::get_if<double>(&range.minimum);
-    if (number != nullptr && *number == 0 && rankOf(wanted) <= rankOf(range.minimum)) return 0.0; // not -0
     const std::uint64_t rank = rankOf(wanted), low = rankOf(range.minimum), high = rankOf(range.maximum);
     if (rank <= low) return range.minimum;
     if (rank >= high) return range.maximum;
@@ -113,7 +117,7 @@ std::optional<MeasuredRange> measuredRange(Probe& probe, const Target& target) {
         low = low ? low : accepted;
         high = high ? high : accepted;
     }
-    MeasuredRange range{.minimum = *low, .maximum = *high};
+    MeasuredRange range{.minimum = withoutNegativeZero(*low), .maximum = withoutNegativeZero(*high)};
     if (range.minimum != range.maximum) range.step = stepAbove(asked, range.minimum);
     return range;
 }
@@ -130,7 +134,9 @@ const Value& endOf(const MeasuredRange& range, End end) {
 std::optional<Value> firstBeyond(const MeasuredRange& range, End end) {
     const Value& last = endOf(range, end);
     const std::uint64_t step = std::max<std::uint64_t>(range.step, 1);
-    const std::uint64_t rank = rankOf(last), extreme = rankOf(extremeOf(last, end));
+    const bool isZero =
+        end == End::minimum && last == Value(0.0); // the number below it is -0, which is the same
+    const std::uint64_t rank = rankOf(isZero ? Value(-0.0) : last), extreme = rankOf(extremeOf(last, end));
     if ((end == End::maximum ? extreme - rank : rank - extreme) < step) return std::nullopt;
     return numberAt(end == End::maximum ? rank + step : rank - step, last);
 }

@@ -195,6 +195,21 @@ std::optional<double> notFiniteNumber(const std::string& word) {
     return std::nullopt;
 }
 
+[[noreturn]] void refuseType(const std::string& value, const std::string& full) {
+    throw UsageError(inQuotes(value) + " is not a value of the type of " + full);
+}
+
+void lookAtPoke(ScenarioRunner& runner, const Step& step) {
+    runner.requireKnown(step.words[0]);
+    const std::string full = runner.designName(step.words[0]);
+    const std::string& value = step.words[1];
+    const auto kind = runner.kindOf(full);
+    if (kind == REGISTER_KIND_STRING || wholeNumber<std::int64_t>(value) || floatingNumber(value) ||
+        (kind == REGISTER_KIND_DOUBLE && notFiniteNumber(value)))
+        return;
+    refuseType(value, full);
+}
+
 std::string poke(ScenarioRunner& runner, const Step& step) {
     const auto& board = runner.board();
     LOOMdevice* device = runner.instance().device();
@@ -206,13 +221,14 @@ std::string poke(ScenarioRunner& runner, const Step& step) {
         result = board.poke_int(device, name, *whole);
     else if (const auto number = floatingNumber(value))
         result = board.poke_double(device, name, *number);
-    else if (const auto special = notFiniteNumber(value); special && runner.isFloating(full))
+    else if (const auto special = notFiniteNumber(value);
+             special && runner.kindOf(full) == REGISTER_KIND_DOUBLE)
         result = board.poke_double(device, name, *special);
     if (result == VBOARD_UNKNOWN) result = board.poke_text(device, name, value.c_str());
     if (result == VBOARD_OK) return "";
     if (result != VBOARD_UNKNOWN) throw Failure("there is no memory left for " + inQuotes(value));
     runner.requireKnown(step.words[0]);
-    throw UsageError(inQuotes(value) + " is not a value of the type of " + full);
+    refuseType(value, full);
 }
 
 constexpr StepKind kinds[] = {
@@ -245,7 +261,7 @@ constexpr StepKind kinds[] = {
     {"fail name", "DESIGN_PARAMETER CODE", 2, 2, false, checkFailName, lookAtDesignName, failName},
     {"lack", "DESIGN_PARAMETER", 1, 1, false, nullptr, lookAtDesignName, removeParameter},
     {"raise", "EVENT", 1, 1, false, nullptr, lookAtEvent, raiseEvent},
-    {"poke", "DESIGN_PARAMETER VALUE", 2, 2, false, nullptr, lookAtDesignName, poke},
+    {"poke", "DESIGN_PARAMETER VALUE", 2, 2, false, nullptr, lookAtPoke, poke},
 };
 
 std::string usageOf(const StepKind& kind) {

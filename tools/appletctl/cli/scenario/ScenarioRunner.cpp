@@ -97,11 +97,11 @@ std::string ScenarioRunner::designName(const std::string& name) {
     return found.empty() ? name : found.front();
 }
 
-bool ScenarioRunner::isFloating(const std::string& full) {
+std::optional<int> ScenarioRunner::kindOf(const std::string& full) {
     const ParameterList design(instance(), ParameterList::Scope::design);
-    return std::ranges::any_of(design.all(), [&](const Parameter& parameter) {
-        return parameter.kind() == REGISTER_KIND_DOUBLE && applet_tools::designName(parameter.name) == full;
-    });
+    for (const Parameter& parameter : design.all())
+        if (applet_tools::designName(parameter.name) == full) return parameter.kind();
+    return std::nullopt;
 }
 
 void ScenarioRunner::requireKnown(const std::string& name) {

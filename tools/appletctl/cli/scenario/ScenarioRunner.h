@@ -45,8 +45,8 @@ public:
     /** The full name of a parameter of the design; it may be given by its end after a _. A register's name is
      *  not changed. Throws UsageError for an end that several names have. */
     std::string designName(const std::string& name);
-    /** True for the full name of a parameter of the design with floating-point numbers. */
-    bool isFloating(const std::string& full);
+    /** The kind (REGISTER_KIND_...) of the parameter of the design with this full name; empty for a register. */
+    std::optional<int> kindOf(const std::string& full);
     /** Throws UsageError as designName does, and for a name that the board does not know. */
     void requireKnown(const std::string& name);
     /** The same, but several names may end with it. */

@@ -12,6 +12,7 @@
 #include "appletctl/commands/Command.h"
 #include "appletctl/commands/CommandRun.h"
 #include "appletctl/commands/files/curve.h"
+#include "appletctl/commands/shared_options.h"
 
 #include <CLI/CLI.hpp>
 
@@ -128,12 +129,6 @@ std::string fileTextOf(Options options, const LutTables& tables) {
     return file.text();
 }
 
-void requireEnding(const std::string& file, std::string_view ending, const char* content) {
-    if (file.ends_with(ending)) return;
-    throw UsageError(shownFile(file) + " does not end in " + std::string(ending) + ", and " + content +
-                     " is what is written");
-}
-
 /** The members that are common to the documents of the group's commands. */
 void addDocument(CommandRun& run, const LutTables& tables) {
     run.report.document["settings"] = settingsAsJson(run);
@@ -238,7 +233,7 @@ namespace {
 
 Report loadLut(Context& context, const Words& words) {
     const std::string& file = fileOf(words);
-    const LutFile content = lookAtLutFile(file);
+    const LutFile content = lookAtLutFile(file, lutLimits(context.parameters()));
     if (!content.trouble.empty()) throw Failure(shownFile(file) + " was not loaded: " + content.trouble);
     CommandRun run(context, behindFirst(words));
     if (run.isRefused()) return run.report;

@@ -123,9 +123,12 @@ private:
     }
 
     void reportTimeout(const WaitStart& start) {
-        const auto why =
-            whyNoPicture(m_run.instance, m_run.parameters,
-                         {.start = start, .longer = "give a longer --timeout", .wave = "a --wave"});
+        const auto& station = m_request.station;
+        const auto why = whyNoPicture(m_run.instance, m_run.parameters,
+                                      {.start = start,
+                                       .longer = "give a longer --timeout",
+                                       .wave = "a --wave",
+                                       .camera = station && station->camera ? &*station->camera : nullptr});
         m_run.fail("picture " + numberText(m_number) + " did not come within " +
                    durationText(m_request.timeout) + ": " + why.reason);
     }

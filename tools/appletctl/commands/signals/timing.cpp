@@ -286,6 +286,8 @@ Report showTiming(Context& context, const Words& assignments) {
     const auto& options = context.options().of<TimingOptions>();
     requireFileName(options.svgFile);
     requireFileName(options.vcdFile);
+    if (options.svgFile) requireEnding(*options.svgFile, ".svg", "an SVG picture");
+    if (options.vcdFile) requireEnding(*options.vcdFile, ".vcd", "a value change dump");
     const std::vector<WaveRequest> connected = wavesOf(context.options());
     if (!connected.empty() && !options.isMeasured)
         throw UsageError("--wave is for the station, which runs with --measured");

@@ -80,6 +80,7 @@ applet_tools::MissingPicture SharedStation::whyNoPicture() const {
                                        .longer = "wait longer",
                                        .wave = "a wave",
                                        .belt = setup.belt ? &*setup.belt : nullptr,
+                                       .camera = setup.camera ? &*setup.camera : nullptr,
                                        .linesAtPicture = atPicture.lines});
 }
 
