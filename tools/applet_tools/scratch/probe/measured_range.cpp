@@ -88,7 +88,7 @@ Value nearestOnGrid(const MeasuredRange& range, const Value& wanted) {
 
 /** A number between the limits: the present one, or else a published limit. */
 std::optional<Value> startOf(Asked& asked, const Value& now, const std::optional<Limits>& limits) {
-    if (asked.isInside(now)) return now;
+    if (!isUndefined(now) && asked.isInside(now)) return now;
     if (!limits || limits->minimum.index() != now.index()) return std::nullopt;
     for (const Value& limit : {limits->minimum, limits->maximum})
         if (asked.isInside(limit)) return limit;
