@@ -42,7 +42,7 @@ applet_tools::RefusalCauses causesOf(vexo_station& station, const applet_tools::
     applet_tools::RefusalCauses found;
     try {
         const auto accepted = askAcceptedValues(asking(station), {parameter.name}, {}).front();
-        if (!accepted.range || std::isnan(number)) return found;
+        if (!accepted.range) return found;
         found.nearest = nearestTo(number, *accepted.range);
         const bool isAbove = number > asDouble(accepted.range->maximum);
         if (!isAbove && number >= asDouble(accepted.range->minimum)) return found;
