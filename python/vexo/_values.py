@@ -1,6 +1,7 @@
 """Values of parameters."""
 from __future__ import annotations
 
+import os
 from typing import TYPE_CHECKING, NamedTuple
 
 from ._errors import invalid
@@ -85,6 +86,14 @@ def text(name: str, value) -> str:
     if not isinstance(value, str):
         raise TypeError(f"{name} is a text, not {value!r}")
     return value
+
+
+def file_name(file: str | os.PathLike) -> bytes:
+    """The name of a file, which may be any bytes."""
+    try:
+        return os.fsencode(file)
+    except UnicodeEncodeError:
+        raise invalid(f"{file!r} has a half of a character (a surrogate), which no name of a file can hold") from None
 
 
 def text_of(name: str, value) -> str:

@@ -1,6 +1,7 @@
 """The package vexo, on virtual and offline boards."""
 import copy
 import gc
+import os
 import pickle
 import re
 import signal
@@ -74,6 +75,36 @@ def test_a_value_of_another_kind_is_refused(station, value, error):
         station.FG_WIDTH = value
     assert not isinstance(value, int) or str(value) in str(caught.value)
     assert station.FG_WIDTH == 1024
+
+
+def test_nan_is_refused_with_the_same_words_in_every_way(station):
+    nan = float("nan")
+    for name in ("FG_LINEPERIODE", "FG_WIDTH"):
+        words = set()
+        for call in (lambda: setattr(station, name, nan), lambda: setattr(station[name], "value", numpy.float32(nan)),
+                     lambda: station.set({name: nan}), lambda: station.limits("FG_HEIGHT", **{name: nan})):
+            with pytest.raises(vexo.Refused, match=f"{name}=nan: 'nan' is not a") as caught:
+                call()
+            words.add(str(caught.value))
+        assert len(words) == 1
+    assert (station.FG_LINEPERIODE, station.FG_WIDTH) == (200, 1024)
+
+
+def test_a_file_may_have_any_name(station, tmp_path, monkeypatch):
+    monkeypatch.chdir(tmp_path)
+    name = "\udcff.lut"
+    station.FG_LUT_SAVE_FILE = name
+    assert os.listdir(b".") == [os.fsencode(name)]
+    station["FG_LUT_VALUE_RED"][0] = 77
+    station.FG_LUT_TYPE = "LUT_TYPE_CUSTOM"
+    station.set(FG_LUT_CUSTOM_FILE=name)
+    assert station["FG_LUT_VALUE_RED"][0] == 0
+    for wrong in ("\udcff", "\ud800"):
+        assert wrong not in station
+        for call in (lambda s: s[wrong], lambda s: getattr(s, wrong), lambda s: s.why(wrong), lambda s: s.wave(wrong),
+                     lambda s: s.set({wrong: 1}), lambda s: setattr(s, "FG_WIDTH", wrong), lambda s: s.wait_event(wrong)):
+            with pytest.raises(vexo.Error, match="ÿ|surrogate"):
+                call(station)
 
 
 @pytest.mark.parametrize("length", [0, 3, 255, 256, 1000])
