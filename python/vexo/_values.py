@@ -53,6 +53,8 @@ def elements_of(values, name: str, count: int) -> numpy.ndarray:
     import numpy
 
     given = numpy.asarray(values)
+    if given.shape == (0,):
+        given = given.astype(numpy.uint32)  # an empty list has no type of its own
     if given.dtype.kind not in "iu" or given.ndim != 1:
         raise TypeError(f"{name} takes a list of whole numbers, not {given.ndim}-dimensional {given.dtype}")
     if len(given) != count:

@@ -155,8 +155,12 @@ def test_elements_of_a_field(station):
     for wrong in ([1, 2, 3], [0, 0, 0, -1], [1, 2, 3, 2**32], [1.5] * 4):
         with pytest.raises((ValueError, TypeError)):
             field[4:8] = wrong
-    with pytest.raises(IndexError):
-        field[field.elements]
+    for index in (field.elements, -field.elements - 1):
+        with pytest.raises(IndexError, match=f"FG_LUT_VALUE_RED has the elements 0 to 16383, and no {index}"):
+            field[index] = 3
+    field[5:2] = 3
+    with pytest.raises(ValueError, match="3 elements are set, and 0 were given"):
+        field[0:3] = []
     with pytest.raises(ValueError, match="step"):
         field[0:8:2]
     assert list(field[4:8]) == [4, 5, 6, 7]
@@ -232,6 +236,10 @@ def test_files(station, tmp_path):
     with pytest.raises(vexo.FileError) as caught:
         station.load(tmp_path / "missing.mcf")
     assert isinstance(caught.value, OSError)
+    (tmp_path / "folder.mcf").mkdir()
+    for call in (station.load, station.losses, station.set_up):
+        with pytest.raises(vexo.FileError, match="folder.mcf.* it is a folder"):
+            call(tmp_path / "folder.mcf")
     assert "<RegisterDescription" in station.document() and station.info()["board"] == "virtual"
 
 
@@ -435,6 +443,10 @@ def test_copies_of_a_picture_are_pictures(small, tmp_path):
     part = image[2:4]
     assert part.copy().record is None and pickle.loads(pickle.dumps(part)).tolist() == part.tolist()
     assert repr(image.record).startswith("Record(number=1, size=")
+    for other, words in ((part, "part of a picture"), (image / 2, "array of float64"),
+                         (image.astype(numpy.uint32), "array of uint32")):
+        with pytest.raises(ValueError, match=words):
+            other.write("picture.png")
 
 
 def test_what_is_not_a_picture_or_parameter_is_refused(small):
