@@ -1,11 +1,9 @@
 #include "host/Station.h"
 
+#include "applet_tools/base/files.h"
 #include "applet_tools/base/text.h"
 #include "applet_tools/jobs.h"
 
-#include <unistd.h>
-
-#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <new>
@@ -62,9 +60,8 @@ applet_tools::Words wordsOf(const char* const* texts, std::size_t count) {
 }
 
 void requireReadable(const char* file) {
-    if (access(file, R_OK) != 0)
-        throw Error(VEXO_ERR_FILE,
-                    applet_tools::shownFile(file) + " cannot be read: " + std::strerror(errno));
+    if (const std::string why = applet_tools::whyUnreadable(file); !why.empty())
+        throw Error(VEXO_ERR_FILE, applet_tools::shownFile(file) + " cannot be read: " + why);
 }
 
 char* copyOf(const std::string& text) {

@@ -21,14 +21,19 @@ void requireBoard(const vexo_station& station, const char* what) {
                     std::string("a station without a board cannot ") + what + " a configuration file");
 }
 
-/** The losses of a load, for the error message of a failed load; empty if the scratch board cannot be asked. */
-std::string lossesOf(vexo_station& station, const std::string& file) {
+/** The error message of a failed load, with its losses if the scratch board can be asked. */
+std::string failedLoadInWords(vexo_station& station, const std::string& file, int code) {
     constexpr std::size_t most = 3;
-    std::string words;
+    const std::string shown = applet_tools::shownFile(file);
+    std::string words = "the load of " + shown + " answered " + applet_tools::codeInWords(code);
+    if (!station.givesAdvice) return words;
     try {
         std::size_t count = 0;
-        for (const applet_tools::Finding& finding : askCheck(asking(station).scratch(), file).findings)
+        for (const applet_tools::Finding& finding : askCheck(asking(station).scratch(), file).findings) {
+            if (finding.kind == applet_tools::FindingKind::file)
+                return shown + ": " + finding.message; // the code is part of it
             if (finding.isLoss && ++count <= most) words += "; " + finding.message;
+        }
         if (count > most) words += "; and " + std::to_string(count - most) + " more";
     } catch (const std::exception&) {
         return words;
@@ -77,10 +82,7 @@ int vexo_load(vexo_station* station, const char* file) {
         requireWritable(own, "a load");
         requireReadable(file);
         const int code = loadConfiguration(own.instance, file);
-        if (code != FG_OK)
-            throw Error(code, "the load of " + applet_tools::shownFile(file) + " answered " +
-                                  applet_tools::codeInWords(code) +
-                                  (own.givesAdvice ? lossesOf(own, file) : ""));
+        if (code != FG_OK) throw Error(code, failedLoadInWords(own, file, code));
     });
 }
 

@@ -117,6 +117,11 @@ template <typename From> int setNumber(vexo_station* station, int id, From numbe
     return onParameter(station, id, [&](vexo_station& own, const ParameterRow& row) {
         if (!row.isNumber) throwOtherKind(row, "a number");
         const Target target{row.parameter};
+        if constexpr (std::is_floating_point_v<From>)
+            if (std::isnan(number)) {
+                requireWritable(own, ("a set of " + row.parameter->name).c_str());
+                parseValue(target, "nan"); // throws: no text is such a value either
+            }
         const std::string text = applet_tools::exactText(number);
         const auto native = [&](const auto& empty) -> Value {
             using T = std::decay_t<decltype(empty)>;

@@ -32,7 +32,7 @@ applet_tools::Value nearestTo(double number, const applet_tools::MeasuredRange& 
         if constexpr (std::is_arithmetic_v<T>) return static_cast<T>(std::round(number));
         return like;
     };
-    return nearestIn(range, std::visit(rounded, range.minimum));
+    return nearestOnGrid(range, std::visit(rounded, range.minimum));
 }
 
 /** What sets the limit that the number exceeds, and the nearest accepted one. */
@@ -42,7 +42,7 @@ applet_tools::RefusalCauses causesOf(vexo_station& station, const applet_tools::
     applet_tools::RefusalCauses found;
     try {
         const auto accepted = askAcceptedValues(asking(station), {parameter.name}, {}).front();
-        if (!accepted.range || std::isnan(number)) return found;
+        if (!accepted.range) return found;
         found.nearest = nearestTo(number, *accepted.range);
         const bool isAbove = number > asDouble(accepted.range->maximum);
         if (!isAbove && number >= asDouble(accepted.range->minimum)) return found;

@@ -255,7 +255,7 @@ int vexo_get_field(vexo_station* station, int id, uint32_t first, uint32_t count
 
 /*
  * Sets. VEXO_ERR_VALUE: the number does not fit in the parameter's own type (the details are those of a refused
- * value), VEXO_ERR_KIND: it has no number; otherwise the applet's answer: FG_ERR_OUT_OF_RANGE,
+ * value), or it is NaN, VEXO_ERR_KIND: it has no number; otherwise the applet's answer: FG_ERR_OUT_OF_RANGE,
  * FG_ERR_GRANULARITY, FG_ERR_NOT_AVAILABLE (read-only) or a code of the board.
  */
 int vexo_set_int(vexo_station* station, int id, int64_t value);

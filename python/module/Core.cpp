@@ -13,7 +13,13 @@ namespace {
     throw py::error_already_set();
 }
 
-const char* orNull(const std::optional<std::string>& text) { return text ? textFor(*text) : nullptr; }
+const char* orNull(const std::optional<Text>& text) { return text ? text->words() : nullptr; }
+
+/** "the text 'a'", with the beginning of a long one. */
+std::string beginningOf(const py::handle& text) {
+    const auto shown = py::reinterpret_steal<py::object>(PySequence_GetSlice(text.ptr(), 0, 60));
+    return "the text " + std::string(py::repr(shown));
+}
 
 py::object function(const char* module, const char* name) { return py::module_::import(module).attr(name); }
 
@@ -37,9 +43,21 @@ void throwClosed() { throwError(function("vexo._errors", "closed")()); }
 
 void throwInvalid(const std::string& words) { throwError(function("vexo._errors", "invalid")(words)); }
 
-const char* textFor(const std::string& text) {
-    if (text.find('\0') != std::string::npos) throwInvalid("a text has a NUL character, where it would end");
-    return text.c_str();
+Text textFrom(const py::handle& given) {
+    py::object bytes = py::reinterpret_borrow<py::object>(given);
+    // As os.fsencode: a name of a file that is not UTF-8 is a text with one escape for each of its other bytes.
+    if (PyUnicode_Check(given.ptr()))
+        bytes = py::reinterpret_steal<py::object>(
+            PyUnicode_AsEncodedString(given.ptr(), "utf-8", "surrogateescape"));
+    if (!bytes) {
+        PyErr_Clear();
+        throwInvalid(beginningOf(given) +
+                     " has a half of a character (a surrogate), which UTF-8 cannot hold");
+    }
+    Text text{bytes.cast<std::string>()};
+    if (text.bytes.find('\0') != std::string::npos)
+        throwInvalid(beginningOf(given) + " has a NUL character, where it would end");
+    return text;
 }
 
 // At shutdown the interpreter terminates threads that wait for its lock, by an exception that must not leave a
@@ -73,9 +91,9 @@ void advance(const Core& core, std::uint64_t ticks) {
     } while (ticks > 0);
 }
 
-Core::Core(int board, std::uint32_t flags, const std::optional<std::string>& libraryDir,
-           const std::optional<std::string>& applet, const std::optional<std::string>& bridge,
-           const std::optional<std::string>& station) {
+Core::Core(int board, std::uint32_t flags, const std::optional<Text>& libraryDir,
+           const std::optional<Text>& applet, const std::optional<Text>& bridge,
+           const std::optional<Text>& station) {
     vexo_options options{};
     options.size = sizeof options;
     options.board = board;
@@ -133,10 +151,9 @@ const Row& Core::row(std::size_t index) const {
     return m_rows[index];
 }
 
-std::size_t Core::find(const std::string& name) const {
+std::size_t Core::find(const Text& name) const {
     int id = 0;
-    const char* const words = textFor(name);
-    run([&](vexo_station* handle) { return id = vexo_id(handle, words); });
+    run([&](vexo_station* handle) { return id = vexo_id(handle, name.words()); });
     return m_indices.at(id);
 }
 
@@ -187,9 +204,8 @@ py::object Core::read(const Row& row) const {
 void Core::write(const Row& row, const py::handle& value) const {
     PyObject* given = value.ptr();
     if (PyUnicode_Check(given)) {
-        const auto text = value.cast<std::string>();
-        const char* const words = textFor(text);
-        run([&](vexo_station* handle) { return vexo_set_text(handle, row.id, words); });
+        const Text text = textFrom(value);
+        run([&](vexo_station* handle) { return vexo_set_text(handle, row.id, text.words()); });
         return;
     }
     if (PyFloat_Check(given)) {

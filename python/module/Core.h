@@ -26,8 +26,16 @@ void check(int result);
 /** Raises InvalidArgument. */
 [[noreturn]] void throwInvalid(const std::string& words);
 
-/** The text for a C function. Raises InvalidArgument if it has a NUL, where that function would end it. */
-const char* textFor(const std::string& text);
+/** A text for a C function: UTF-8, or the bytes of the name of a file, which may be any. */
+struct Text {
+    std::string bytes;
+
+    const char* words() const { return bytes.c_str(); }
+};
+
+/** The text of a `str` or `bytes`. Raises InvalidArgument for one that no C function takes: with a NUL, where it would
+ *  end, or with a half of a character. */
+Text textFrom(const py::handle& given);
 
 /** The interpreter lock is released for a scope. */
 class Unlocked {
@@ -57,9 +65,9 @@ struct Row {
 class Core {
 public:
     /** Opens a station. The interpreter lock is kept, since opening changes the environment of the process. */
-    Core(int board, std::uint32_t flags, const std::optional<std::string>& libraryDir,
-         const std::optional<std::string>& applet, const std::optional<std::string>& bridge,
-         const std::optional<std::string>& station);
+    Core(int board, std::uint32_t flags, const std::optional<Text>& libraryDir,
+         const std::optional<Text>& applet, const std::optional<Text>& bridge,
+         const std::optional<Text>& station);
 
     /** Ends waits of other threads for pictures, and closes the station; a second time, does nothing. */
     void close();
@@ -70,7 +78,7 @@ public:
     /** Raises IndexError. */
     const Row& row(std::size_t index) const;
     /** The index of the row for any name that vexo_id knows. */
-    std::size_t find(const std::string& name) const;
+    std::size_t find(const Text& name) const;
 
     py::object read(const Row& row) const;
     void write(const Row& row, const py::handle& value) const;
@@ -149,6 +157,16 @@ inline Core* constructedCore(PyObject* object) { return static_cast<Core*>(const
 void giveAttributes(PyHeapTypeObject* type);
 
 } // namespace python
+
+template <> struct pybind11::detail::type_caster<python::Text> {
+    PYBIND11_TYPE_CASTER(python::Text, const_name("str"));
+
+    bool load(handle source, bool) {
+        if (!PyUnicode_Check(source.ptr()) && !PyBytes_Check(source.ptr())) return false;
+        value = python::textFrom(source);
+        return true;
+    }
+};
 
 /** Functions of a station whose constructor has not run raise Closed; pybind11 would give them raw memory. */
 template <> struct pybind11::detail::type_caster<python::Core> : type_caster_base<python::Core> {

@@ -56,7 +56,7 @@ PyObject* getAttribute(PyObject* self, PyObject* name) {
     return guarded(
         [&] {
             if (core == nullptr) throwClosed();
-            const std::size_t index = core->find(py::cast<std::string>(name));
+            const std::size_t index = core->find(py::cast<Text>(name));
             return core->read(core->row(index)).release().ptr();
         },
         nullptr);
@@ -81,7 +81,7 @@ int setAttribute(PyObject* self, PyObject* name, PyObject* value) {
     return guarded(
         [&] {
             if (core == nullptr) throwClosed();
-            core->write(core->row(core->find(py::cast<std::string>(name))), value);
+            core->write(core->row(core->find(py::cast<Text>(name))), value);
             return 0;
         },
         -1);

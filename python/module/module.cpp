@@ -13,12 +13,12 @@ namespace python {
 
 namespace {
 
-using Texts = std::vector<std::string>;
+using Texts = std::vector<Text>;
 
 std::vector<const char*> pointersTo(const Texts& texts) {
     std::vector<const char*> pointers;
-    for (const std::string& text : texts)
-        pointers.push_back(textFor(text));
+    for (const Text& text : texts)
+        pointers.push_back(text.words());
     return pointers;
 }
 
@@ -171,9 +171,8 @@ void bindParameters(py::class_<Core>& core) {
 
 void bindFiles(py::class_<Core>& core) {
     const auto withFile = [](auto* call) {
-        return [call](const Core& self, const std::string& file) {
-            const char* const words = textFor(file);
-            self.run([&](vexo_station* station) { return call(station, words); });
+        return [call](const Core& self, const Text& file) {
+            self.run([&](vexo_station* station) { return call(station, file.words()); });
         };
     };
     core.def("_save", withFile(vexo_save))
@@ -181,10 +180,10 @@ void bindFiles(py::class_<Core>& core) {
         .def("_set_up", withFile(vexo_set_up))
         .def("_wave", withFile(vexo_wave))
         .def("_set_up_text",
-             [](const Core& self, const std::string& json, const std::optional<std::string>& folder) {
-                 const char* const words = textFor(json);
-                 const char* const start = folder ? textFor(*folder) : nullptr;
-                 self.run([&](vexo_station* station) { return vexo_set_up_text(station, words, start); });
+             [](const Core& self, const Text& json, const std::optional<Text>& folder) {
+                 const char* const start = folder ? folder->words() : nullptr;
+                 self.run(
+                     [&](vexo_station* station) { return vexo_set_up_text(station, json.words(), start); });
              })
         .def("_info", [](const Core& self) { return self.textOf(vexo_info); })
         .def("_document", [](const Core& self) { return self.textOf(vexo_document); });
@@ -192,11 +191,10 @@ void bindFiles(py::class_<Core>& core) {
 
 void bindQuestions(py::class_<Core>& core) {
     const auto aboutName = [](auto call) {
-        return [call](const Core& self, const std::string& name, const std::string& with) {
-            const char* const asked = textFor(name);
-            const char* const assumed = with.empty() ? nullptr : textFor(with);
+        return [call](const Core& self, const Text& name, const Text& with) {
+            const char* const assumed = with.bytes.empty() ? nullptr : with.words();
             return self.answerOf([&](vexo_station* station, vexo_answer** answer) {
-                return call(station, asked, assumed, answer);
+                return call(station, name.words(), assumed, answer);
             });
         };
     };
@@ -213,10 +211,9 @@ void bindQuestions(py::class_<Core>& core) {
                  });
              })
         .def("_check",
-             [](const Core& self, const std::string& file) {
-                 const char* const words = textFor(file);
+             [](const Core& self, const Text& file) {
                  return self.answerOf([&](vexo_station* station, vexo_answer** answer) {
-                     return vexo_ask_check(station, words, answer);
+                     return vexo_ask_check(station, file.words(), answer);
                  });
              })
         .def("_lint", [](const Core& self) { return self.answerOf(vexo_ask_lint); });
@@ -258,10 +255,10 @@ void bindTime(py::class_<Core>& core) {
         .def("_advance", advance)
         .def("_events", eventsOf)
         .def("_event_mask",
-             [](const Core& self, const std::string& name) {
+             [](const Core& self, const Text& name) {
                  std::uint64_t mask = 0;
-                 const char* const words = textFor(name);
-                 self.run([&](vexo_station* station) { return vexo_event_mask(station, words, &mask); });
+                 self.run(
+                     [&](vexo_station* station) { return vexo_event_mask(station, name.words(), &mask); });
                  return mask;
              })
         .def("_wait_event", waitEvent);
@@ -309,10 +306,9 @@ void bindPictures(py::module_& module, py::class_<Core>& core) {
         pack(picture, static_cast<const std::uint16_t*>(components.ptr),
              static_cast<std::uint8_t*>(bytes.ptr));
     });
-    module.def("write_picture",
-               [](const vexo_picture& picture, const py::buffer& data, const std::string& file) {
-                   check(vexo_write_picture(&picture, bytesOf(picture, data, false).ptr, textFor(file)));
-               });
+    module.def("write_picture", [](const vexo_picture& picture, const py::buffer& data, const Text& file) {
+        check(vexo_write_picture(&picture, bytesOf(picture, data, false).ptr, file.words()));
+    });
 }
 
 } // namespace
@@ -326,9 +322,9 @@ PYBIND11_MODULE(_vexo, module) {
     module.attr("TICKS_PER_SECOND") = VEXO_TICKS_PER_SECOND;
     module.attr("MOST_FRAMES") = VEXO_MOST_FRAMES;
     bindRecord(module);
-    using Text = std::optional<std::string>;
+    using Name = std::optional<Text>;
     py::class_<Core> core(module, "Core", py::custom_type_setup(giveAttributes));
-    core.def(py::init<int, std::uint32_t, const Text&, const Text&, const Text&, const Text&>())
+    core.def(py::init<int, std::uint32_t, const Name&, const Name&, const Name&, const Name&>())
         .def(
             "close",
             [](const py::handle& self) {

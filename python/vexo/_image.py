@@ -8,6 +8,7 @@ from typing import TYPE_CHECKING
 import numpy
 
 from . import _vexo
+from ._values import file_name
 
 if TYPE_CHECKING:
     from ._station import Station
@@ -24,9 +25,11 @@ class Image(numpy.ndarray):
 
     record: _vexo.Record | None
     _bytes: numpy.ndarray
+    _source: _vexo.Record | None  # of the picture that this array was made from
 
     def __array_finalize__(self, origin) -> None:
         self.record = None
+        self._source = getattr(origin, "record", None) or getattr(origin, "_source", None)
 
     def __array_wrap__(self, array, context=None, return_scalar=False):
         return array[()] if array.ndim == 0 else numpy.ndarray.__array_wrap__(self, array, context)
@@ -43,17 +46,24 @@ class Image(numpy.ndarray):
     def _written(self) -> numpy.ndarray:
         """Returns the bytes of the picture, with its changes."""
         if self.record is None:
-            raise ValueError("this is a part of a picture, and only a whole one can be written")
+            raise ValueError(self._why_not_written())
         if self.record.bits in (8, 16):
             return self._bytes
         data = numpy.empty(self.record.size, numpy.uint8)  # the array is a copy of the packed bits
         _vexo.pack(self.record, numpy.ascontiguousarray(self), data)
         return data
 
+    def _why_not_written(self) -> str:
+        source = self._source
+        if source is None or self.shape != (source.height, source.width, 3):
+            return "this is a part of a picture, and only a whole one can be written"
+        return (f"this array of {self.dtype} was made from a picture, and only the picture itself can be written: "
+                "put the values into a copy of it, copy = picture.copy(); copy[...] = values")
+
     def write(self, file: str | os.PathLike) -> None:
         """Writes the picture in the format of the suffix: .png, .tiff, .ppm or .raw. InvalidArgument: a component was
         changed to a value that does not fit in its bits."""
-        _vexo.write_picture(self.record, self._written(), os.fsencode(file))
+        _vexo.write_picture(self.record, self._written(), file_name(file))
 
     def copy(self, order: str = "C") -> Image:
         """Returns a copy in separate memory. The copy of a whole picture has its record."""

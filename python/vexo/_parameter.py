@@ -83,7 +83,10 @@ class Parameter:
     def _span(self, index: int | slice) -> builtins.range:
         if self.kind != "field":
             raise TypeError(f"{self.name} is not a field")
-        indices = range(self.elements)[index]
+        try:
+            indices = range(self.elements)[index]
+        except IndexError:
+            raise IndexError(f"{self.name} has the elements 0 to {self.elements - 1}, and no {index}") from None
         if isinstance(indices, int):
             return range(indices, indices + 1)
         if indices.step != 1:

@@ -7,9 +7,9 @@ from typing import TYPE_CHECKING, Any, Iterator
 
 from . import _html, _vexo
 from ._answers import Findings, Limits, Plan, Why
-from ._errors import Timeout, UnknownName, closed, invalid
+from ._errors import InvalidArgument, Timeout, UnknownName, closed, invalid
 from ._parameter import Parameter
-from ._values import Event, assignments_of, assumed, number, text, whole
+from ._values import Event, assignments_of, assumed, file_name, number, text, whole
 
 if TYPE_CHECKING:
     import numpy
@@ -32,12 +32,8 @@ _CAMERA = """{"station": 1, "camera": {"width": 4096}, "scene": {"image": "chart
 _DESCRIPTORS = os.path.join(os.path.dirname(__file__), "lib", "vexo", "virtual-board", "descriptors.mcf")
 
 
-def _path(path: Path) -> bytes:
-    return os.fsencode(path)  # a file name can be any bytes
-
-
 def _optional(path: Path | None) -> bytes | None:
-    return None if path is None else _path(path)
+    return None if path is None else file_name(path)
 
 
 def _link_descriptors() -> None:
@@ -133,7 +129,7 @@ class Station(_vexo.Core):
         """True for every name that `station[name]` accepts."""
         try:
             return isinstance(name, str) and self._index(name) >= 0
-        except UnknownName:
+        except (UnknownName, InvalidArgument):
             return False
 
     def __bool__(self) -> bool:
@@ -151,11 +147,11 @@ class Station(_vexo.Core):
 
     def save(self, file: Path) -> None:
         """Saves the parameters to a configuration file, whose name must contain ".mcf"."""
-        self._save(_path(file))
+        self._save(file_name(file))
 
     def load(self, file: Path) -> None:
         """Loads a configuration file. `losses(file)` shows in advance which of its values are refused."""
-        self._load(_path(file))
+        self._load(file_name(file))
 
     def document(self) -> str:
         """Returns the XML document (GenApi 1.0) of the parameters with their present limits."""
@@ -185,7 +181,7 @@ class Station(_vexo.Core):
 
     def losses(self, file: Path) -> Findings:
         """Finds what a load of the configuration file would lose."""
-        return Findings(self._check(_path(file)))
+        return Findings(self._check(file_name(file)))
 
     def lint(self) -> Findings:
         """Finds settings that are accepted, but probably not intended."""
@@ -222,7 +218,7 @@ class Station(_vexo.Core):
 
             self._set_up_text(json.dumps(station), None)
         else:
-            self._set_up(_path(station))
+            self._set_up(file_name(station))
 
     @property
     def events(self) -> dict[str, int]:

@@ -1,6 +1,7 @@
 """Values of parameters."""
 from __future__ import annotations
 
+import os
 from typing import TYPE_CHECKING, NamedTuple
 
 from ._errors import invalid
@@ -52,6 +53,8 @@ def elements_of(values, name: str, count: int) -> numpy.ndarray:
     import numpy
 
     given = numpy.asarray(values)
+    if given.shape == (0,):
+        given = given.astype(numpy.uint32)  # an empty list has no type of its own
     if given.dtype.kind not in "iu" or given.ndim != 1:
         raise TypeError(f"{name} takes a list of whole numbers, not {given.ndim}-dimensional {given.dtype}")
     if len(given) != count:
@@ -85,6 +88,14 @@ def text(name: str, value) -> str:
     if not isinstance(value, str):
         raise TypeError(f"{name} is a text, not {value!r}")
     return value
+
+
+def file_name(file: str | os.PathLike) -> bytes:
+    """The name of a file, which may be any bytes."""
+    try:
+        return os.fsencode(file)
+    except UnicodeEncodeError:
+        raise invalid(f"{file!r} has a half of a character (a surrogate), which no name of a file can hold") from None
 
 
 def text_of(name: str, value) -> str:

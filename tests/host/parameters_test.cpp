@@ -102,6 +102,10 @@ TEST_F(Parameters, NumbersThatDoNotFitAreRefusedAndChangeNothing) {
     EXPECT_EQ(vexo_set_double(handle, width, std::numeric_limits<double>::quiet_NaN()), VEXO_ERR_VALUE);
     EXPECT_EQ(vexo_set_double(handle, width, 1e300), VEXO_ERR_VALUE);
     EXPECT_EQ(vexo_set_text(handle, width, "wide"), VEXO_ERR_VALUE);
+    EXPECT_EQ(vexo_set_double(handle, period, std::numeric_limits<double>::quiet_NaN()), VEXO_ERR_VALUE);
+    EXPECT_TRUE(lastErrorHas("FG_LINEPERIODE=nan: 'nan' is not a floating point number"))
+        << vexo_last_error();
+    EXPECT_EQ(station["FG_LINEPERIODE"].get<double>(), 200);
     EXPECT_EQ(vexo_set_int(handle, file, 1), VEXO_ERR_KIND);
     EXPECT_EQ(vexo_set_int(handle, table, 1), VEXO_ERR_KIND);
     EXPECT_EQ(station["FG_WIDTH"].get<std::string>(), before);

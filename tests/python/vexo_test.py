@@ -1,6 +1,7 @@
 """The package vexo, on virtual and offline boards."""
 import copy
 import gc
+import os
 import pickle
 import re
 import signal
@@ -76,6 +77,36 @@ def test_a_value_of_another_kind_is_refused(station, value, error):
     assert station.FG_WIDTH == 1024
 
 
+def test_nan_is_refused_with_the_same_words_in_every_way(station):
+    nan = float("nan")
+    for name in ("FG_LINEPERIODE", "FG_WIDTH"):
+        words = set()
+        for call in (lambda: setattr(station, name, nan), lambda: setattr(station[name], "value", numpy.float32(nan)),
+                     lambda: station.set({name: nan}), lambda: station.limits("FG_HEIGHT", **{name: nan})):
+            with pytest.raises(vexo.Refused, match=f"{name}=nan: 'nan' is not a") as caught:
+                call()
+            words.add(str(caught.value))
+        assert len(words) == 1
+    assert (station.FG_LINEPERIODE, station.FG_WIDTH) == (200, 1024)
+
+
+def test_a_file_may_have_any_name(station, tmp_path, monkeypatch):
+    monkeypatch.chdir(tmp_path)
+    name = "\udcff.lut"
+    station.FG_LUT_SAVE_FILE = name
+    assert os.listdir(b".") == [os.fsencode(name)]
+    station["FG_LUT_VALUE_RED"][0] = 77
+    station.FG_LUT_TYPE = "LUT_TYPE_CUSTOM"
+    station.set(FG_LUT_CUSTOM_FILE=name)
+    assert station["FG_LUT_VALUE_RED"][0] == 0
+    for wrong in ("\udcff", "\ud800"):
+        assert wrong not in station
+        for call in (lambda s: s[wrong], lambda s: getattr(s, wrong), lambda s: s.why(wrong), lambda s: s.wave(wrong),
+                     lambda s: s.set({wrong: 1}), lambda s: setattr(s, "FG_WIDTH", wrong), lambda s: s.wait_event(wrong)):
+            with pytest.raises(vexo.Error, match="ÿ|surrogate"):
+                call(station)
+
+
 @pytest.mark.parametrize("length", [0, 3, 255, 256, 1000])
 def test_a_text_is_read_as_it_was_set(station, length):
     station.FG_DEBUGFILE = "x" * length
@@ -124,8 +155,12 @@ def test_elements_of_a_field(station):
     for wrong in ([1, 2, 3], [0, 0, 0, -1], [1, 2, 3, 2**32], [1.5] * 4):
         with pytest.raises((ValueError, TypeError)):
             field[4:8] = wrong
-    with pytest.raises(IndexError):
-        field[field.elements]
+    for index in (field.elements, -field.elements - 1):
+        with pytest.raises(IndexError, match=f"FG_LUT_VALUE_RED has the elements 0 to 16383, and no {index}"):
+            field[index] = 3
+    field[5:2] = 3
+    with pytest.raises(ValueError, match="3 elements are set, and 0 were given"):
+        field[0:3] = []
     with pytest.raises(ValueError, match="step"):
         field[0:8:2]
     assert list(field[4:8]) == [4, 5, 6, 7]
@@ -201,6 +236,10 @@ def test_files(station, tmp_path):
     with pytest.raises(vexo.FileError) as caught:
         station.load(tmp_path / "missing.mcf")
     assert isinstance(caught.value, OSError)
+    (tmp_path / "folder.mcf").mkdir()
+    for call in (station.load, station.losses, station.set_up):
+        with pytest.raises(vexo.FileError, match="folder.mcf.* it is a folder"):
+            call(tmp_path / "folder.mcf")
     assert "<RegisterDescription" in station.document() and station.info()["board"] == "virtual"
 
 
@@ -404,6 +443,10 @@ def test_copies_of_a_picture_are_pictures(small, tmp_path):
     part = image[2:4]
     assert part.copy().record is None and pickle.loads(pickle.dumps(part)).tolist() == part.tolist()
     assert repr(image.record).startswith("Record(number=1, size=")
+    for other, words in ((part, "part of a picture"), (image / 2, "array of float64"),
+                         (image.astype(numpy.uint32), "array of uint32")):
+        with pytest.raises(ValueError, match=words):
+            other.write("picture.png")
 
 
 def test_what_is_not_a_picture_or_parameter_is_refused(small):

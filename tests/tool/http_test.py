@@ -99,6 +99,8 @@ REQUESTS = [
     ("PUT", WIDTH, {"value": 1022}, 409),
     ("PUT", WIDTH, {"value": [1]}, 400),
     ("PUT", WIDTH, {"value": True}, 400),
+    ("PUT", "/api/parameters/FG_DEBUGFILE", {"value": "x\0y"}, 400),
+    ("POST", "/api/settings", {"settings": [{"name": "FG_WIDTH\0", "value": 2048}]}, 400),
     ("PUT", WIDTH, {"value": 1024, "unit": "pixel"}, 400),
     ("PUT", WIDTH, {}, 400),
     ("PUT", WIDTH, "no json", 400),
@@ -451,6 +453,16 @@ class Http(unittest.TestCase):
         self.assertEqual(client.ask("PUT", WIDTH, '{"value": 512}' + " " * 20000, Content_Type=form).status, 200)
         loaded = client.ask("PUT", "/api/configuration", saved)
         self.assertEqual((loaded.status, client.get(WIDTH).json["value"]), (200, 2048))
+        # Settings that are read from the board; values that it measures are left out.
+        for name, value, others in (("FG_DEBUGFILE", "zz", set()), ("FG_DEBUGINENABLE", 1, set()),
+                                    ("FG_CAMERASIMULATOR_LINERATE", 500, {"FG_CAMERASIMULATOR_FRAMERATE"})):
+            changes = client.ask("PUT", f"/api/parameters/{name}", {"value": value}).json["changes"]
+            self.assertEqual({change["name"] for change in changes}, {name} | others)
+        # A number that is none, as a load may store, has not changed by itself.
+        undefined = re.sub(rb"(FG_LINEPERIODE)=.*", rb"\1=nan;", saved)
+        self.assertEqual(client.ask("PUT", "/api/configuration", undefined).status, 200)
+        changes = client.ask("PUT", WIDTH, {"value": 1024}).json["changes"]
+        self.assertNotIn("FG_LINEPERIODE", [change["name"] for change in changes])
         points = [[0, 100], [8000, 100], [16383, 65535]]
         self.assertEqual(client.ask("PUT", "/api/lut/green", {"points": points}).status, 200)
         shown = dict(client.get("/api/lut/green?points=16384").json["points"])

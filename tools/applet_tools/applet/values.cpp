@@ -315,6 +315,16 @@ nlohmann::ordered_json valueAsJson(const Target& target, const Value& value) {
     return object;
 }
 
+bool operator==(const Value& a, const Value& b) {
+    const NativeValue &first = a, &second = b;
+    return first == second || (isUndefined(a) && isUndefined(b));
+}
+
+bool isUndefined(const Value& value) {
+    const auto* number = std::get_if<double>(&value);
+    return number != nullptr && std::isnan(*number);
+}
+
 bool isNumber(const Value& value) {
     return std::visit([](const auto& native) { return std::is_arithmetic_v<std::decay_t<decltype(native)>>; },
                       value);

@@ -26,9 +26,19 @@ struct WholeArray {
 /** Elements of an array parameter. */
 using Elements = std::vector<std::uint32_t>;
 
+using NativeValue = std::variant<std::uint32_t, std::int32_t, std::uint64_t, std::int64_t, double,
+                                 std::string, WholeArray, Elements>;
+
 /** Texts hold the bytes of the applet or of the command line, which may be ISO 8859-1. */
-using Value = std::variant<std::uint32_t, std::int32_t, std::uint64_t, std::int64_t, double, std::string,
-                           WholeArray, Elements>;
+struct Value : NativeValue {
+    using NativeValue::NativeValue;
+
+    /** Two of them that are not a number (NaN), which a load may store, are equal: nothing has changed. */
+    friend bool operator==(const Value& a, const Value& b);
+};
+
+/** True for NaN. */
+bool isUndefined(const Value& value);
 
 struct ReadResult {
     int error = 0;

@@ -34,6 +34,8 @@ public:
         if (event == Event::object_start || event == Event::array_start)
             m_open.push_back({.isArray = event == Event::array_start});
         if (event == Event::object_end || event == Event::array_end) m_open.pop_back();
+        if (event == Event::key || (event == Event::value && parsed.is_string()))
+            requireWhole(parsed.get_ref<const std::string&>());
         if (event == Event::key) enter(parsed.get<std::string>());
         const bool isValue = event == Event::value || event == Event::object_end || event == Event::array_end;
         if (isValue && !m_open.empty()) ++m_open.back().count;
@@ -56,6 +58,14 @@ private:
         std::string name{};    /**< of the value in an object */
         std::set<std::string> names{};
     };
+
+    /** Refuses a text that would be cut: the applet and the system end one at a NUL. */
+    void requireWhole(const std::string& text) const {
+        if (text.find('\0') == std::string::npos) return;
+        const std::string place = path();
+        throw UsageError(place + (place.empty() ? "" : ": ") + "the text " + inQuotes(printable(text)) +
+                         " has a NUL character, where it would end");
+    }
 
     void enter(const std::string& name) {
         Level& level = m_open.back();

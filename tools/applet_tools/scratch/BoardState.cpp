@@ -91,7 +91,7 @@ json asTypedMessage(const Value& value) {
 
 Value fromTypedMessage(const json& message) {
     Value value = emptyOfType(message["type"].get<std::size_t>(),
-                              std::make_index_sequence<std::variant_size_v<Value>>());
+                              std::make_index_sequence<std::variant_size_v<NativeValue>>());
     if (auto* array = std::get_if<WholeArray>(&value))
         array->count = message["value"].get<std::uint32_t>();
     else

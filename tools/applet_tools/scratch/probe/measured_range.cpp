@@ -80,19 +80,9 @@ std::uint64_t stepAbove(Asked& asked, const Value& minimum) {
     return 0;
 }
 
-/** The number of the range, with its grid, that is nearest to the wanted one. */
-Value nearestOnGrid(const MeasuredRange& range, const Value& wanted) {
-    const std::uint64_t rank = rankOf(wanted), low = rankOf(range.minimum), high = rankOf(range.maximum);
-    if (rank <= low) return range.minimum;
-    if (rank >= high) return range.maximum;
-    if (range.step <= 1) return numberAt(rank, wanted);
-    const std::uint64_t below = low + (rank - low) / range.step * range.step, above = below + range.step;
-    return numberAt(above <= high && above - rank < rank - below ? above : below, wanted);
-}
-
 /** A number between the limits: the present one, or else a published limit. */
 std::optional<Value> startOf(Asked& asked, const Value& now, const std::optional<Limits>& limits) {
-    if (asked.isInside(now)) return now;
+    if (!isUndefined(now) && asked.isInside(now)) return now;
     if (!limits || limits->minimum.index() != now.index()) return std::nullopt;
     for (const Value& limit : {limits->minimum, limits->maximum})
         if (asked.isInside(limit)) return limit;
@@ -139,6 +129,15 @@ std::optional<Value> firstBeyond(const MeasuredRange& range, End end) {
     const std::uint64_t rank = rankOf(isZero ? Value(-0.0) : last), extreme = rankOf(extremeOf(last, end));
     if ((end == End::maximum ? extreme - rank : rank - extreme) < step) return std::nullopt;
     return numberAt(end == End::maximum ? rank + step : rank - step, last);
+}
+
+Value nearestOnGrid(const MeasuredRange& range, const Value& wanted) {
+    const std::uint64_t rank = rankOf(wanted), low = rankOf(range.minimum), high = rankOf(range.maximum);
+    if (rank <= low) return range.minimum;
+    if (rank >= high) return range.maximum;
+    if (range.step <= 1) return numberAt(rank, wanted);
+    const std::uint64_t below = low + (rank - low) / range.step * range.step, above = below + range.step;
+    return numberAt(above <= high && above - rank < rank - below ? above : below, wanted);
 }
 
 std::optional<Value> nearestIn(Probe& probe, const Target& target, const MeasuredRange& range,

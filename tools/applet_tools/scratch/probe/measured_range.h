@@ -20,7 +20,9 @@ std::optional<MeasuredRange> measuredRange(Probe& probe, const Target& target);
 /** True if the number is between the limits: accepted, or only off the grid. For an array, in all elements of the
  *  target. */
 bool isInside(Probe& probe, const Target& target, const Value& number);
-/** The number of the range that is nearest to the wanted one; empty if the setter refuses it. */
+/** The number of the range, with its step, that is nearest to the wanted one; it is not tried. */
+Value nearestOnGrid(const MeasuredRange& range, const Value& wanted);
+/** The same, tried; empty if the setter refuses it. */
 std::optional<Value> nearestIn(Probe& probe, const Target& target, const MeasuredRange& range,
                                const Value& wanted);
 /** The same with a new measurement; empty also if there is no range, and for elements of an array. */

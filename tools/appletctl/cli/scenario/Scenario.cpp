@@ -332,6 +332,8 @@ Request requestOf(const Words& words, Options options) {
 
 Step parseStep(const std::string& text, const WordLine& line, const Options& options) {
     if (line.isOpen) throw UsageError(unfinishedLine);
+    if (text.find('\0') != std::string::npos)
+        throw UsageError("the line has a NUL character, where a text would end");
     Step step{.line = 0,
               .section = {},
               .text = toUtf8(textFrom(text, line, 0)),

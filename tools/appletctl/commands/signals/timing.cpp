@@ -44,11 +44,12 @@ struct Settings {
 };
 
 /** A load stores values that no setter accepts, such as a period of 0. */
-void requireDrawable(const char* name, double value, double smallest) {
+void requireDrawable(const Parameter& parameter, double value, double smallest) {
     constexpr double largest = 1e6;
     if (value >= smallest && value <= largest) return; // false for NaN
-    throw Failure(std::string(name) + " = " + numberText(value) + " gives no timing: set it from " +
-                  numberText(smallest) + " to " + numberText(largest));
+    const std::string accepted = acceptedText(parameter);
+    throw Failure(parameter.name + " = " + valueWithUnit(parameter, value) +
+                  " gives no timing: set another value" + (accepted.empty() ? "" : "; ") + accepted);
 }
 
 Settings settingsOf(Instance& instance, const ParameterList& parameters) {
@@ -63,10 +64,10 @@ Settings settingsOf(Instance& instance, const ParameterList& parameters) {
                                .isFlashOn = reader.is("FG_FLASHON", FG_ON),
                                .isExSyncLow = reader.is("FG_EXSYNCPOLARITY", FG_LOW),
                                .isFlashLow = reader.is("FG_FLASH_POLARITY", FG_LOW)};
-    requireDrawable("FG_LINEPERIODE", settings.period, 1e-3);
-    requireDrawable("FG_LINEEXPOSURE", settings.exposure, 0);
-    requireDrawable("FG_LINETRIGGERDELAY", settings.delay, 0);
-    requireDrawable("FG_LINE_DOWNSCALE", settings.downscale, 1);
+    requireDrawable(parameters.find("FG_LINEPERIODE"), settings.period, 1e-3);
+    requireDrawable(parameters.find("FG_LINEEXPOSURE"), settings.exposure, 0);
+    requireDrawable(parameters.find("FG_LINETRIGGERDELAY"), settings.delay, 0);
+    requireDrawable(parameters.find("FG_LINE_DOWNSCALE"), settings.downscale, 1);
     return settings;
 }
 

@@ -1,6 +1,7 @@
 #include "serve/http/state/parameter_documents.h"
 
 #include "applet_tools/applet/published_limits.h"
+#include "applet_tools/applet/timing/simulator_rates.h"
 #include "applet_tools/base/errors.h"
 #include "applet_tools/base/text.h"
 
@@ -123,9 +124,11 @@ std::vector<ParameterState> ParameterDocuments::states() {
     return statesOf(m_live.instance(), m_live.parameters());
 }
 
-bool ParameterDocuments::isMeasured(const std::string& name) {
+bool ParameterDocuments::isMeasured(const Parameter& parameter, std::uint32_t access) {
+    const bool isSetting = (access & REGISTER_ACCESS_WRITE) != 0 || SimulatorRates::isOne(parameter.name);
+    if (isSetting) return false;
     if (!m_measured) m_live.bareScratch().ask("fromBoard", nullptr).get_to(m_measured.emplace());
-    return m_measured->contains(name);
+    return m_measured->contains(parameter.name);
 }
 
 ParameterDocuments::Changes ParameterDocuments::changesSince(const std::vector<ParameterState>& before,
@@ -137,7 +140,7 @@ ParameterDocuments::Changes ParameterDocuments::changesSince(const std::vector<P
     for (std::size_t i = 0; i < parameters.size() && i < before.size(); ++i) {
         const Parameter& parameter = parameters[i];
         if (now[i] == before[i]) continue;
-        if (now[i].value != before[i].value && (withMeasured || !isMeasured(parameter.name)))
+        if (now[i].value != before[i].value && (withMeasured || !isMeasured(parameter, now[i].access)))
             changes.values.push_back({{"name", parameter.name},
                                       {"before", serve::asJson(before[i].value)},
                                       {"after", serve::asJson(now[i].value)},

@@ -40,7 +40,8 @@ public:
     Changes changesSince(const std::vector<applet_tools::ParameterState>& before, bool withMeasured);
 
 private:
-    bool isMeasured(const std::string& name);
+    /** The value comes from the board, and is neither a setting nor follows from one. */
+    bool isMeasured(const applet_tools::Parameter& parameter, std::uint32_t access);
     const applet_tools::DefaultAndRole& knownOf(const applet_tools::Parameter& parameter);
 
     applet_tools::LiveSession& m_live;
