@@ -129,7 +129,7 @@ TEST_F(ServedStation, OneThatCannotBeUnderstoodIsNotOpened) {
          [](auto& station, const auto& to) {
              return station.answer(to, Refusal{Reason::invalid, 0, "it is of another version"}), true;
          }},
-        {"another question",
+        {"the wrong kind of answer",
          [](auto& station, const auto& to) {
              return is<Describe>(to) && (station.answer(to, Done()), true);
          }},
