@@ -215,4 +215,10 @@ std::string didYouMean(const std::vector<std::string>& names) {
     return names.empty() ? "" : "; did you mean " + join(names, " or ") + "?";
 }
 
+std::string_view trimmed(std::string_view text) {
+    constexpr std::string_view whitespace = " \t\r\n";
+    text.remove_prefix(std::min(text.find_first_not_of(whitespace), text.size()));
+    return text.substr(0, text.find_last_not_of(whitespace) + 1);
+}
+
 } // namespace applet_tools

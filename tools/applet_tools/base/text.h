@@ -36,6 +36,9 @@ std::string shortened(const std::string& text, std::size_t mostBytes);
 /** A text like that of quotedText; of a long one only this many bytes, and its length behind the quotes. */
 std::string quotedBeginning(const std::string& text, std::size_t mostBytes);
 
+/** The text without blanks at both ends. */
+std::string_view trimmed(std::string_view text);
+
 /** A word typed by the user, printable, in single quotes; a very long one is truncated. */
 std::string inQuotedWord(std::string_view word);
 

@@ -18,12 +18,6 @@ namespace {
 
 constexpr std::string_view portSection = "[Port A]";
 
-std::string_view trimmed(std::string_view text) {
-    constexpr std::string_view unprinted = " \t\r";
-    text.remove_prefix(std::min(text.find_first_not_of(unprinted), text.size()));
-    return text.substr(0, text.find_last_not_of(unprinted) + 1);
-}
-
 /** The value in the text after the equals sign: 'text'; or number; */
 std::string_view withoutMarks(std::string_view text) {
     if (text.starts_with('\'')) {

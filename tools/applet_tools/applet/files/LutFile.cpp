@@ -37,12 +37,6 @@ std::vector<Line> linesOf(std::string_view text) {
     return lines;
 }
 
-std::string_view trimmed(std::string_view text) {
-    constexpr std::string_view blanks = " \t\r\n";
-    text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
-    return text.substr(0, text.find_last_not_of(blanks) + 1);
-}
-
 /** The parts before and behind the first delimiter as a person reads them, the second one without its semicolon. */
 struct Numbers {
     Numbers(std::string_view line, char delimiter) {
