@@ -13,13 +13,15 @@ export class Field {
   constructor(input, send) {
     this.input = input;
     this.known = ''; // the last known value of the station
-    const run = latest(async () => this.finish(await send(Number(this.entered), this.submit)));
+    this.isSending = false;
+    const run = latest(() => this.sendEntered(send));
     this.submit = () => {
       if (!this.isDraft || input.value === '') return;
       this.entered = input.value;
       run();
     };
-    input.addEventListener('input', () => this.mark(input.value !== this.known));
+    // While a value is being sent, the station's next one is not known.
+    input.addEventListener('input', () => this.mark(this.isSending || input.value !== this.known));
     input.addEventListener('keydown', (event) => this.key(event));
   }
 
@@ -42,8 +44,11 @@ export class Field {
     event.stopPropagation();
   }
 
-  finish(error) {
-    if (!(error && isUnsent(error)) && this.input.value === this.entered) this.drop();
+  async sendEntered(send) {
+    const { entered } = this;
+    this.isSending = true;
+    const error = await send(Number(entered), this.submit).finally(() => (this.isSending = false));
+    if (!(error && isUnsent(error)) && this.input.value === entered) this.drop();
   }
 
   mark(isDraft) {

@@ -243,6 +243,15 @@ class Panels(Journey):
         page.press("#belt-speed", "Enter")
         expect(page.locator(".belt .hint")).to_be_hidden()
         expect(page.locator("#reading-rate")).to_have_text(re.compile(r"^(4\.99|5|5\.01) kHz$"))
+        # The second one is entered while the page still reads what the first one has become.
+        page.evaluate("""() => {
+          const send = window.fetch;
+          window.fetch = async (url, options) => {
+            if (String(url).endsWith('/api/scene') && options?.method !== 'PUT')
+              await new Promise((resolve) => { setTimeout(resolve, 300); });
+            return send(url, options);
+          };
+        }""")
         for percent in ("10", "0"):
             page.fill("#belt-noise", percent)
             with page.expect_response(lambda answer: answer.request.method == "PUT") as put:
