@@ -101,7 +101,8 @@ class Panels(Journey):
             page.fill("#search", words)
             rows = page.locator("#tree .row:visible")
             expect(rows).to_have_count(len(found))
-            self.assertEqual([row.get_attribute("data-name") for row in rows.all()], found)
+            for row, name in zip(rows.all(), found):
+                expect(row).to_have_attribute("data-name", name)
         page.fill("#search", "fg_xoffset")
         expect(page.locator("#tree summary:visible .count").last).to_have_text("1")  # FG_WIDTH is changed, but hidden
         limits = page.locator("[data-name=FG_XOFFSET] .limits")
