@@ -53,7 +53,8 @@ public:
     /** True when the design's parameters are published although the user has not enabled that. */
     bool isDesignHidden() const { return m_isDesignHidden; }
     LoadHistory& loads() { return m_loads; }
-    /** Ids of the parameters that writeValue() has set; a reader may clear it. */
+    /** Ids of the parameters that writeValue() has set, and of the count that the board continues if a load may have set
+     *  it; a reader may clear it. */
     std::set<int>& sets() { return m_sets; }
 
 private:

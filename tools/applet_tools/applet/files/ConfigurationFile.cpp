@@ -7,6 +7,7 @@
 #include "applet_tools/base/text.h"
 
 #include "vexo/fg_errors.h"
+#include "vexo/fg_parameters.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -168,6 +169,7 @@ int loadConfiguration(Instance& instance, const std::string& path) {
     ++effort().loads;
     const int code = instance.applet().Fg_loadConfig(instance.fg(), path.c_str());
     if (code == FG_ERR_FILE_TYPE) return code; // the file was not opened
+    instance.sets().insert(FG_SHAFTENCODER_COMPENSATION_COUNT);
     LoadHistory& history = instance.loads();
     if (code == FG_OK) history = {};
     constexpr std::size_t most = 16, large = 1 << 16;
